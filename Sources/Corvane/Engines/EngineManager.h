@@ -1,0 +1,112 @@
+#pragma once
+
+#include "Engines/Account.h"
+#include "Engines/RuntimeState.h"
+
+#include <QHash>
+#include <QJsonObject>
+#include <QMap>
+#include <QObject>
+#include <QSet>
+#include <functional>
+#include <memory>
+
+namespace corvane {
+
+class BackgroundQueue;
+class ChildProcess;
+class Coalescer;
+class Desktop;
+class EngineProcesses;
+class Ingest;
+class Keychain;
+class LocalDB;
+class Notifier;
+class PhoneDirectory;
+class PortHolders;
+class ProcessLauncher;
+class Scheduler;
+class ToolServer;
+struct AppPaths;
+struct UnifiedMsgRow;
+
+/// Owns every engine child process, the tool server, and the one database. Main thread only.
+class EngineManager : public QObject {
+    Q_OBJECT
+public:
+    /// What the manager stands on; all of it outlives the manager.
+    struct Surroundings {
+        const AppPaths& paths;
+        Scheduler& scheduler;
+        ProcessLauncher& launcher;
+        PortHolders& ports;
+        BackgroundQueue& background;
+        Keychain& keychain;
+        Notifier& notifier;
+        Desktop& desktop;
+    };
+
+    EngineManager(const Surroundings& surroundings, std::unique_ptr<LocalDB> db, QObject* parent = nullptr);
+    ~EngineManager() override;
+
+    LocalDB& db();
+
+    /// Who a phone number belongs to; without one every number is unknown.
+    void setPhoneDirectory(PhoneDirectory* directory);
+
+    // Engines
+    void start(const Account& account); ///< nothing where the account's engine runs
+    void stop(const Account& account);
+    void stopAll(); ///< at quit
+    void resetAuth(const Account& account); ///< stops, and deletes the engine's state folder
+    void startBySlug(const QString& slug); ///< only accounts that were started since launch
+    bool isRunning(const Account& account) const;
+    std::optional<Account> runningAccount(const QString& slug) const; ///< started since launch
+    RuntimeState runtime(const QUuid& accountId) const;
+    qint64 processId(const Account& account) const; ///< 0 where none runs
+
+    // Tool server
+    void startUnifiedMCP(int port);
+    void stopUnifiedMCP();
+    bool mcpRunning() const;
+    QString mcpURL() const;
+
+    // Commands to engines
+    bool writeCommand(const Account& account, const QJsonObject& command);
+    bool sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId = {});
+    bool sendAudio(const Account& account, const QString& chatId, const QString& path);
+    bool markRead(const Account& account, const QString& chatId);
+    bool loadMoreHistory(const Account& account, const QString& chatId, int count);
+    bool react(
+        const Account& account, const QString& chatId, const QString& messageId, bool fromMe, const QString& emoji);
+    bool fetchAvatar(const Account& account, const QString& jid);
+    bool sync(const Account& account);
+    void retryMediaDownload(const UnifiedMsgRow& row);
+
+    // What the screens show
+    qint64 inboxRevision() const { return m_inboxRevision; }
+    int unreadTotal() const { return m_unreadTotal; }
+    const QString& openContactId() const { return m_openContactId; }
+    void setOpenContactId(const QString& contactId) { m_openContactId = contactId; }
+    std::optional<MediaDownloadStatus> mediaDownloadStatus(const QString& messageId) const;
+    void refreshUnreadBadge();
+
+Q_SIGNALS:
+    void runtimeChanged(const QUuid& accountId);
+    void inboxRevisionChanged();
+    void unreadTotalChanged();
+    void mediaDownloadStatusChanged(const QString& messageId);
+    void mcpRunningChanged();
+    void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
+
+private:
+    // The implementer shapes the private side: processes and restart policy, line reading, the tool server
+    // and ingest each in a file of their own.
+    struct State;
+    std::unique_ptr<State> m_state;
+    qint64 m_inboxRevision = 0;
+    int m_unreadTotal = 0;
+    QString m_openContactId;
+};
+
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <optional>
+
+namespace corvane {
+
+/// The object that `text` holds, or nothing where it is no JSON object.
+std::optional<QJsonObject> jsonObject(const QByteArray& text);
+
+/// One line, keys sorted.
+QByteArray compactJson(const QJsonObject& object);
+
+/// A string value, or nothing where the key is missing or holds another type.
+std::optional<QString> textValue(const QJsonObject& object, QLatin1StringView key);
+
+}

@@ -1,0 +1,12 @@
+#include "Foundation/Log.h"
+
+#include <QDebug>
+
+namespace corvane {
+
+void log(const QString& line)
+{
+    qInfo().noquote() << line;
+}
+
+}

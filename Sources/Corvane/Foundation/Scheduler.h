@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QtGlobal>
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace corvane {
+
+using Milliseconds = std::chrono::milliseconds;
+
+/// A pending or repeating call. Destroying it cancels it; a callback may destroy its own timer.
+class Timer {
+public:
+    virtual ~Timer() = default;
+};
+
+/// The one source of time. The application runs on the system's clock and event loop,
+/// a test on a clock that it moves by hand.
+class Scheduler {
+public:
+    virtual ~Scheduler() = default;
+    virtual qint64 nowMs() const = 0; ///< milliseconds since the epoch
+
+    /// Calls once, on the main thread, after at least `delay`; 0 means "at the next turn of the loop".
+    [[nodiscard]] virtual std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) = 0;
+
+    /// Calls again and again; the first call comes after one `period`.
+    [[nodiscard]] virtual std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) = 0;
+};
+
+}

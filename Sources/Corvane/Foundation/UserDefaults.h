@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+class QSettings;
+
+namespace corvane {
+
+/// The per-user defaults, in one ini file. A file that does not read is copied beside itself
+/// ("{file}.damaged") before it is first written over.
+class UserDefaults {
+public:
+    explicit UserDefaults(const QString& filePath);
+    ~UserDefaults();
+
+    /// Nothing where the key is missing.
+    std::optional<QString> text(const QString& key) const;
+    std::optional<bool> boolean(const QString& key) const; ///< nothing, too, where the value is no boolean
+    std::optional<qint64> integer(const QString& key) const; ///< nothing, too, where the value is no integer
+
+    void setText(const QString& key, const QString& value);
+    void setBoolean(const QString& key, bool value);
+    void setInteger(const QString& key, qint64 value);
+    void remove(const QString& key);
+
+    /// Writes what is pending now, rather than at the next turn of the loop.
+    void synchronise();
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+};
+
+}

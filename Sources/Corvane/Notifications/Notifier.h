@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <functional>
+
+namespace corvane {
+
+class NotificationCentre;
+class NotificationService;
+class Scheduler;
+class UserDefaults;
+
+/// Banners for new messages and approvals. A press on one becomes an in-process notification; nothing here
+/// acts on data.
+class Notifier {
+public:
+    /// All references outlive the notifier. `activate` brings the window to the front.
+    Notifier(NotificationService& service, NotificationCentre& centre, UserDefaults& defaults, Scheduler& scheduler,
+        std::function<void()> activate);
+
+    void bootstrap(); ///< may be called again
+
+    void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
+
+    /// `kind` is "draft", "draft_failed", "proposal" or "decision".
+    void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
+
+private:
+    bool enabled() const; ///< the user default "notifyOnNewMessage"; a missing key counts as true
+    void handleResponse(const QString& identifier, const QString& action);
+
+    NotificationService& m_service;
+    NotificationCentre& m_centre;
+    UserDefaults& m_defaults;
+    Scheduler& m_scheduler;
+    std::function<void()> m_activate;
+    QHash<QString, qint64> m_lastFire; ///< contact id to the time of its last banner, in milliseconds
+};
+
+}

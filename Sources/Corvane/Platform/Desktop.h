@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+#include <QUrl>
+
+namespace corvane {
+
+enum class ColourScheme { Light, Dark };
+
+/// What the program asks of the desktop around it. Each part may be missing; then nothing happens.
+class Desktop : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    virtual void openInBrowser(const QUrl& url) = 0;
+    virtual QString hostName() const = 0; ///< empty where the machine has none
+
+    /// The number at the program's icon; 0 clears it.
+    virtual void setBadge(int count) = 0;
+
+    virtual ColourScheme colourScheme() const = 0;
+    virtual bool prefersReducedMotion() const = 0;
+
+Q_SIGNALS:
+    void appearanceChanged();
+};
+
+}

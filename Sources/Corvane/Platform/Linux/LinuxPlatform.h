@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+namespace corvane {
+
+class Desktop;
+class NotificationService;
+class PortHolders;
+class ProcessLauncher;
+class Scheduler;
+class SingleInstance;
+class Tray;
+struct AppPaths;
+
+/// The services of this machine. Each comes up at once and without the others.
+std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
+std::unique_ptr<PortHolders> makePortHolders();
+std::unique_ptr<NotificationService> makeNotificationService();
+std::unique_ptr<Desktop> makeDesktop(Scheduler& scheduler);
+std::unique_ptr<Tray> makeTray();
+std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
+
+}

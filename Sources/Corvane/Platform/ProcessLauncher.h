@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Foundation/Result.h"
+
+#include <QByteArray>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+namespace corvane {
+
+/// What to start. Standard error always goes to the null device.
+struct ProcessSpec {
+    QString executable; ///< absolute path
+    QStringList arguments;
+    QString workingDirectory;
+    QProcessEnvironment environment; ///< whole, not an addition
+    bool pipes = true; ///< false: standard input and output are the null device too
+};
+
+/// A child that was started. All calls on the main thread.
+class ChildProcess {
+public:
+    virtual ~ChildProcess() = default;
+
+    virtual qint64 pid() const = 0;
+    virtual bool isRunning() const = 0;
+
+    /// Puts the bytes on the way to the child's standard input without ever waiting: what the pipe does not
+    /// take yet is kept, in order, up to 4 MiB. Fails where the pipe is closed or more than that is waiting.
+    virtual Result<void> write(const QByteArray& bytes) = 0;
+
+    /// Asks the child to end (SIGTERM, and standard input is closed); one that has not ended after 5 seconds is killed.
+    virtual void terminate() = 0;
+};
+
+/// A chunk of text that a child printed. The launcher reads no more from that child until the chunk is
+/// destroyed, so that a child which floods fills its own pipe and not this process's memory.
+struct OutputChunk {
+    QString text;
+    std::shared_ptr<void> hold;
+};
+
+/// Starts children and brings home what they print, on the main thread.
+class ProcessLauncher {
+public:
+    struct Handlers {
+        /// A chunk ends at a character's boundary; one that is not valid UTF-8 is dropped whole.
+        std::function<void(OutputChunk)> output;
+        /// Exactly once, after the last chunk. The code is the exit status, or minus the signal's number.
+        std::function<void(int code)> exited;
+    };
+
+    /// Destroying the launcher ends every child that still runs, waiting 2 seconds at most before it kills.
+    virtual ~ProcessLauncher() = default;
+
+    /// Never waits for the child. A failure names the reason in the system's words.
+    virtual Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) = 0;
+};
+
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+namespace corvane {
+
+/// One running program per user and data folder. A later start hands over its arguments and ends.
+class SingleInstance : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    /// True where this process is the one; false where a running one has taken the arguments.
+    virtual bool claim(const QStringList& arguments) = 0;
+
+Q_SIGNALS:
+    /// A later start of the program: raise the window; the arguments may hold a URL.
+    void activated(const QStringList& arguments);
+};
+
+}

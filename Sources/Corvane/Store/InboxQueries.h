@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Store/LocalDB.h"
+
+#include <QStringList>
+
+namespace corvane {
+
+enum class InboxFilter { NeedsMe, Today, All, Archived };
+
+/// One person of the inbox, over all of their conversations.
+struct ContactRow {
+    QString id;
+    QString name; ///< empty if none
+    QStringList platforms; ///< distinct channels, such as "WHATSAPP"
+    QString snippet; ///< body of the newest message
+    qint64 lastTs = 0; ///< milliseconds since the epoch
+    int unread = 0;
+    QString account; ///< the smallest account slug among the conversations
+    bool isGroup = false;
+    QString avatarPath;
+    bool isMuted = false;
+
+    bool operator==(const ContactRow&) const = default;
+};
+
+/// A message that a search found.
+struct MessageHit {
+    QString id;
+    QString contactId;
+    QString contactName;
+    QString channel;
+    QString snippet;
+    qint64 ts = 0;
+    QString direction; ///< "IN" or "OUT"
+
+    bool operator==(const MessageHit&) const = default;
+};
+
+/// A conversation to which a reply goes.
+struct ReplyTarget {
+    QString account; ///< slug
+    QString chatId;
+};
+
+/// Newest first. An empty `account` means every account.
+QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit);
+
+/// Messages and transcripts that contain the text, newest first, over all workspaces.
+QList<MessageHit> searchMessages(LocalDB& db, const QString& query, int limit);
+
+int totalUnread(LocalDB& db);
+void markRead(LocalDB& db, const QString& contactId);
+void markAllRead(LocalDB& db);
+void archiveContact(LocalDB& db, const QString& contactId);
+void unarchiveContact(LocalDB& db, const QString& contactId);
+void setMuted(LocalDB& db, const QString& contactId, bool muted);
+bool isMuted(LocalDB& db, const QString& contactId);
+
+/// The newest conversation of the contact on that channel.
+std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, const QString& platform);
+
+/// Stores a reaction made here on the message of that row id.
+void setReaction(LocalDB& db, const QString& messageId, const QString& emoji);
+
+}

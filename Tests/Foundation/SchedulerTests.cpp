@@ -1,0 +1,61 @@
+#include "Foundation/Coalescer.h"
+#include "Foundation/SystemScheduler.h"
+#include "Support/Await.h"
+#include "Support/VirtualScheduler.h"
+
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+TEST(VirtualScheduler, timersFireInTheOrderOfTheirTimesAndMayCancelThemselves)
+{
+    VirtualScheduler clock;
+    std::string order;
+    auto late = clock.after(seconds(2), [&] { order += 'b'; });
+    auto early = clock.after(seconds(1), [&] { order += 'a'; });
+    std::unique_ptr<Timer> repeating;
+    repeating = clock.every(seconds(3), [&] {
+        order += 'r';
+        if (order.size() == 4)
+            repeating.reset();
+    });
+    auto cancelled = clock.after(seconds(1), [&] { order += 'x'; });
+    cancelled.reset();
+    clock.advance(seconds(20));
+    EXPECT_EQ(order, "abrr");
+    EXPECT_EQ(clock.pendingTimers(), 0);
+}
+
+TEST(SystemScheduler, aTimerMayDestroyItselfInItsCallback)
+{
+    SystemScheduler scheduler;
+    bool fired = false;
+    std::unique_ptr<Timer> timer;
+    timer = scheduler.after(Milliseconds(1), [&] {
+        timer.reset();
+        fired = true;
+    });
+    EXPECT_TRUE(await([&] { return fired; }));
+}
+
+TEST(Coalescer, aBurstBecomesOneCallAtOnceAndOnePerPeriod)
+{
+    VirtualScheduler clock;
+    int calls = 0;
+    Coalescer coalescer(clock, Milliseconds(100), [&] { ++calls; });
+    for (int i = 0; i < 900; ++i) {
+        coalescer.request();
+        if (i % 10 == 9)
+            clock.advance(Milliseconds(1));
+    }
+    EXPECT_EQ(calls, 1);
+    clock.advance(Milliseconds(100));
+    EXPECT_EQ(calls, 2);
+    clock.advance(seconds(5));
+    EXPECT_EQ(calls, 2);
+
+    clock.setNowMs(clock.nowMs() - 3'600'000);
+    coalescer.request();
+    clock.advance(Milliseconds(100));
+    EXPECT_EQ(calls, 3) << "a clock set back holds nothing up";
+}

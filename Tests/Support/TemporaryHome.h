@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Platform/AppPaths.h"
+
+#include <QTemporaryDir>
+
+namespace corvane {
+
+/// A home directory that goes with the test: application support, defaults, and resources that hold the real
+/// schema and an empty engine folder.
+class TemporaryHome {
+public:
+    TemporaryHome();
+
+    const AppPaths& paths() const { return m_paths; }
+    QString path(const QString& relative) const { return m_folder.filePath(relative); }
+
+    /// Writes a file, making its folders.
+    void write(const QString& relative, const QByteArray& content) const;
+    QByteArray read(const QString& relative) const;
+
+private:
+    QTemporaryDir m_folder;
+    AppPaths m_paths;
+};
+
+}

@@ -1,0 +1,55 @@
+# corvane_room(NAME [USES ROOM...] [LINK TARGET...] [PRIVATE TARGET...])
+#
+# One room of the house: a static library of everything under Sources/Corvane/NAME, and, where tests are
+# built, one program of everything under Tests/NAME. A room may use only rooms that stand above its own
+# line; tools/lint holds every include against this list.
+function(corvane_room name)
+    cmake_parse_arguments(PARSE_ARGV 1 room "" "" "USES;LINK;PRIVATE")
+    set(target corvane_${name})
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS
+        "${CMAKE_SOURCE_DIR}/Sources/Corvane/${name}/*.cpp" "${CMAKE_SOURCE_DIR}/Sources/Corvane/${name}/*.h")
+    add_library(${target} STATIC ${sources})
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+    target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}/Sources/Corvane")
+    foreach(used IN LISTS room_USES)
+        if(NOT TARGET corvane_${used})
+            message(FATAL_ERROR "${name} uses ${used}, which is not a floor below it.")
+        endif()
+        target_link_libraries(${target} PUBLIC corvane_${used})
+    endforeach()
+    target_link_libraries(${target} PUBLIC ${room_LINK} PRIVATE ${room_PRIVATE})
+    corvane_precompile(${target})
+
+    if(CORVANE_TESTS)
+        file(GLOB_RECURSE tests CONFIGURE_DEPENDS
+            "${CMAKE_SOURCE_DIR}/Tests/${name}/*.cpp" "${CMAKE_SOURCE_DIR}/Tests/${name}/*.h")
+        if(tests)
+            add_executable(${name}Tests ${tests})
+            target_link_libraries(${name}Tests PRIVATE ${target} ${room_PRIVATE} corvane_test_support)
+            corvane_precompile(${name}Tests)
+            corvane_test(${name}Tests)
+        endif()
+    endif()
+endfunction()
+
+# The Qt core headers, which nearly every file needs, parsed once a target.
+function(corvane_precompile target)
+    target_precompile_headers(${target} PRIVATE
+        <QString> <QStringList> <QList> <QHash> <QMap> <QObject> <QVariant> <functional> <memory> <optional>)
+endfunction()
+
+# One line of ctest: the program runs on its own, without a display, in a home of its own.
+function(corvane_test target)
+    add_test(NAME ${target} COMMAND ${target})
+    set_tests_properties(${target} PROPERTIES TIMEOUT 600 ENVIRONMENT
+        "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FONT_DPI=96;LC_ALL=C.UTF-8;TZ=Europe/Berlin;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/Support/leaks.txt:print_suppressions=0")
+endfunction()
+
+# corvane_program(NAME SOURCE [USES ROOM...])
+function(corvane_program name source)
+    cmake_parse_arguments(PARSE_ARGV 2 program "" "" "USES")
+    add_executable(${name} ${source})
+    foreach(used IN LISTS program_USES)
+        target_link_libraries(${name} PRIVATE corvane_${used})
+    endforeach()
+endfunction()
