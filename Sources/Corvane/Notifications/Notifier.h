@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QVariantMap>
 #include <functional>
 
 namespace corvane {
@@ -28,7 +29,7 @@ public:
 
 private:
     bool enabled() const; ///< the user default "notifyOnNewMessage"; a missing key counts as true
-    void handleResponse(const QString& identifier, const QString& action);
+    void handleResponse(const QVariantMap& userInfo, const QString& action);
 
     NotificationService& m_service;
     NotificationCentre& m_centre;

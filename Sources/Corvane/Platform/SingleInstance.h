@@ -11,7 +11,8 @@ class SingleInstance : public QObject {
 public:
     using QObject::QObject;
 
-    /// True where this process is the one; false where a running one has taken the arguments.
+    /// True where this process is the one; false where a running one was given the arguments (or holds the data
+    /// folder and cannot be reached, which the log says). Takes at most a few seconds.
     virtual bool claim(const QStringList& arguments) = 0;
 
 Q_SIGNALS:

@@ -13,6 +13,7 @@ public:
     struct Item {
         QString id; ///< empty for a separator
         QString label;
+        bool operator==(const Item&) const = default;
     };
 
     using QObject::QObject;

@@ -17,7 +17,7 @@ struct AppPaths;
 std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
-std::unique_ptr<Desktop> makeDesktop(Scheduler& scheduler);
+std::unique_ptr<Desktop> makeDesktop();
 std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace corvane {
+
+/// The name under which the desktop and the session bus know the program; its desktop entry is
+/// "{applicationId}.desktop".
+inline const QString applicationId = QStringLiteral("com.nimb.corvane");
+
+}
