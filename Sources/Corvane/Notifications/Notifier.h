@@ -19,12 +19,16 @@ public:
     /// All references outlive the notifier. `activate` brings the window to the front.
     Notifier(NotificationService& service, NotificationCentre& centre, UserDefaults& defaults, Scheduler& scheduler,
         std::function<void()> activate);
+    ~Notifier();
+    Notifier(const Notifier&) = delete;
+    Notifier& operator=(const Notifier&) = delete;
 
     void bootstrap(); ///< may be called again
 
     void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
 
-    /// `kind` is "draft", "draft_failed", "proposal" or "decision".
+    /// A second banner for the same item takes the place of the first. `kind` is "draft", "draft_failed", "proposal" or
+    /// "decision".
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
 
 private:

@@ -1,0 +1,163 @@
+#include "Notifications/Notifier.h"
+
+#include "Foundation/Ids.h"
+#include "Foundation/Log.h"
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/Scheduler.h"
+#include "Foundation/Text.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/NotificationService.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr qint64 debounceMs = 4000;
+constexpr int bodyLength = 180;
+
+const QString approvalCategory = QStringLiteral("NIMB_APPROVAL");
+const QString approveAction = QStringLiteral("NIMB_APPROVE");
+const QString rejectAction = QStringLiteral("NIMB_REJECT");
+const QString contactIdKey = QStringLiteral("contactId");
+const QString approvalKindKey = QStringLiteral("approvalKind");
+const QString approvalIdKey = QStringLiteral("approvalId");
+
+QString capitalised(const QString& text)
+{
+    QString result = text.toLower();
+    bool insideWord = false;
+    for (QChar& character : result) {
+        if (!insideWord)
+            character = character.toUpper();
+        insideWord = character.isLetterOrNumber();
+    }
+    return result;
+}
+
+QString channelLabel(const QString& channel)
+{
+    static const QHash<QString, QString> labels {
+        { QStringLiteral("WHATSAPP"), QStringLiteral("WhatsApp") },
+        { QStringLiteral("EMAIL"), QStringLiteral("Email") },
+        { QStringLiteral("LINKEDIN"), QStringLiteral("LinkedIn") },
+        { QStringLiteral("TELEGRAM"), QStringLiteral("Telegram") },
+        { QStringLiteral("DISCORD"), QStringLiteral("Discord") },
+        { QStringLiteral("SLACK"), QStringLiteral("Slack") },
+        { QStringLiteral("INSTAGRAM"), QStringLiteral("Instagram") },
+        { QStringLiteral("MESSENGER"), QStringLiteral("Messenger") },
+        { QStringLiteral("IMESSAGE"), QStringLiteral("iMessage") },
+        { QStringLiteral("SMS"), QStringLiteral("SMS") },
+    };
+    const auto label = labels.constFind(channel);
+    return label == labels.cend() ? capitalised(channel) : *label;
+}
+
+QString approvalSubtitle(const QString& kind)
+{
+    if (kind == QStringLiteral("draft"))
+        return QStringLiteral("Outbound message — Approve sends it");
+    if (kind == QStringLiteral("draft_failed"))
+        return QStringLiteral("Outbound message failed — Approve retries");
+    if (kind == QStringLiteral("proposal"))
+        return QStringLiteral("CRM update proposal");
+    if (kind == QStringLiteral("decision"))
+        return QStringLiteral("Agent decision");
+    return QStringLiteral("Approval needed");
+}
+
+QString approvalActionName(const QString& action)
+{
+    if (action == approveAction)
+        return QStringLiteral("approve");
+    if (action == rejectAction)
+        return QStringLiteral("reject");
+    return QStringLiteral("open");
+}
+
+}
+
+Notifier::Notifier(NotificationService& service, NotificationCentre& centre, UserDefaults& defaults,
+    Scheduler& scheduler, std::function<void()> activate)
+    : m_service(service)
+    , m_centre(centre)
+    , m_defaults(defaults)
+    , m_scheduler(scheduler)
+    , m_activate(std::move(activate))
+{
+}
+
+Notifier::~Notifier()
+{
+    m_service.setResponseHandler({});
+}
+
+void Notifier::bootstrap()
+{
+    if (!m_service.isAvailable()) {
+        log(QStringLiteral("[Notifier] no bundle identifier (bare/unsigned launch) — skipping notification bootstrap"));
+        return;
+    }
+    m_service.setResponseHandler(
+        [this](const QVariantMap& userInfo, const QString& action) { handleResponse(userInfo, action); });
+}
+
+bool Notifier::enabled() const
+{
+    return m_defaults.boolean(QStringLiteral("notifyOnNewMessage")).value_or(true);
+}
+
+void Notifier::notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body)
+{
+    if (!m_service.isAvailable() || !enabled())
+        return;
+    const qint64 now = m_scheduler.nowMs();
+    if (const auto last = m_lastFire.constFind(contactId); last != m_lastFire.cend()) {
+        // A clock that was set back must not silence a contact until it has caught up.
+        const qint64 elapsed = now - *last;
+        if (elapsed >= 0 && elapsed < debounceMs)
+            return;
+    }
+    m_lastFire[contactId] = now;
+
+    Banner banner;
+    banner.identifier = uuidText();
+    banner.thread = contactId;
+    banner.title = name.isEmpty() ? QStringLiteral("New message") : name;
+    banner.subtitle = channelLabel(channel);
+    banner.body = firstCharacters(body, bodyLength);
+    banner.userInfo = { { contactIdKey, contactId } };
+    m_service.show(banner);
+}
+
+void Notifier::notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body)
+{
+    if (!m_service.isAvailable() || !enabled())
+        return;
+    Banner banner;
+    banner.identifier = QStringLiteral("approval-%1-%2").arg(kind, id);
+    banner.thread = QStringLiteral("nimb.approvals");
+    banner.category = approvalCategory;
+    banner.title = title.isEmpty() ? QStringLiteral("Approval needed") : title;
+    banner.subtitle = approvalSubtitle(kind);
+    banner.body = firstCharacters(body, bodyLength);
+    banner.actions = { { approveAction, QStringLiteral("Approve") }, { rejectAction, QStringLiteral("Reject") } };
+    banner.userInfo = { { approvalKindKey, kind }, { approvalIdKey, id } };
+    m_service.show(banner);
+}
+
+void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action)
+{
+    if (userInfo.contains(approvalKindKey) && userInfo.contains(approvalIdKey)) {
+        const QString name = approvalActionName(action);
+        if (name == QStringLiteral("open"))
+            m_activate();
+        m_centre.post(notifications::approvalAction, std::nullopt,
+            { { QStringLiteral("kind"), userInfo.value(approvalKindKey) },
+                { QStringLiteral("id"), userInfo.value(approvalIdKey) }, { QStringLiteral("action"), name } });
+    } else if (userInfo.contains(contactIdKey)) {
+        m_activate();
+        m_centre.post(notifications::openConversation, userInfo.value(contactIdKey).toString());
+    }
+}
+
+}

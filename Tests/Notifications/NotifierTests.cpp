@@ -1,0 +1,176 @@
+#include "Notifications/Notifier.h"
+
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/LogCapture.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class NotifierTest : public testing::Test {
+protected:
+    NotifierTest()
+    {
+        notifier.bootstrap();
+        for (const QString& name : { notifications::approvalAction, notifications::openConversation })
+            observations.push_back(centre.observe(name, [this](const Notification& posted) {
+                const QVariantMap info = posted.userInfo;
+                events.append(QStringList { posted.name, posted.object.value_or(QString()),
+                    info.value("kind").toString(), info.value("id").toString(), info.value("action").toString() }
+                        .join(u'|'));
+            }));
+    }
+
+    void message(const QString& contact, const QString& body = "hi")
+    {
+        notifier.notifyMessage(contact, "Ana", "WHATSAPP", body);
+    }
+
+    TemporaryHome home;
+    UserDefaults defaults { home.paths().defaultsFile };
+    VirtualScheduler clock;
+    NotificationCentre centre;
+    FakeNotificationService service;
+    QStringList events;
+    Notifier notifier { service, centre, defaults, clock, [this] {
+                           events.append("activate");
+                       } };
+    std::vector<NotificationCentre::Observation> observations;
+};
+
+}
+
+TEST_F(NotifierTest, aContactGetsOneBannerInFourSeconds)
+{
+    for (int i = 0; i < 3; ++i) {
+        message("ct:1", QString::number(i));
+        clock.advance(Milliseconds(1000));
+    }
+    message("ct:2");
+    EXPECT_EQ(service.shown.size(), 2) << "another contact is not held up";
+    clock.advance(Milliseconds(999));
+    message("ct:1");
+    EXPECT_EQ(service.shown.size(), 2) << "3.999 seconds after the first";
+    clock.advance(Milliseconds(1));
+    message("ct:1", "late");
+    ASSERT_EQ(service.shown.size(), 3);
+    EXPECT_EQ(service.shown.first().body, "0");
+    EXPECT_EQ(service.shown.last().body, "late");
+
+    clock.setNowMs(clock.nowMs() - 3'600'000);
+    message("ct:1");
+    EXPECT_EQ(service.shown.size(), 4) << "a clock that was set back silences nobody";
+}
+
+TEST_F(NotifierTest, aMessageBannerSaysWhoWroteWhereAndWhat)
+{
+    const QString family = QString::fromUtf8("👩‍👩‍👧");
+    notifier.notifyMessage("ct:1", "", "fax", family.repeated(500));
+    notifier.notifyMessage("ct:2", "Ana", "IMESSAGE", "short");
+    ASSERT_EQ(service.shown.size(), 2);
+    const Banner& first = service.shown.first();
+    EXPECT_EQ(first.title, "New message");
+    EXPECT_EQ(first.subtitle, "Fax");
+    EXPECT_EQ(first.body, family.repeated(180));
+    EXPECT_EQ(first.thread, "ct:1");
+    EXPECT_TRUE(first.actions.isEmpty());
+    EXPECT_TRUE(first.category.isEmpty());
+    const Banner& second = service.shown.last();
+    EXPECT_EQ(second.title, "Ana");
+    EXPECT_EQ(second.subtitle, "iMessage");
+    EXPECT_EQ(second.body, "short");
+    EXPECT_NE(first.identifier, second.identifier);
+}
+
+TEST_F(NotifierTest, anApprovalBannerOffersBothDecisionsAndReplacesItself)
+{
+    notifier.notifyApproval("draft_failed", "od:7", "", QString(500, u'x'));
+    notifier.notifyApproval("draft_failed", "od:7", "To Ana", "again");
+    ASSERT_EQ(service.shown.size(), 2) << "approvals are not debounced";
+    const Banner& banner = service.shown.first();
+    EXPECT_EQ(banner.title, "Approval needed");
+    EXPECT_EQ(banner.subtitle, "Outbound message failed — Approve retries");
+    EXPECT_EQ(banner.body.size(), 180);
+    EXPECT_EQ(banner.category, "NIMB_APPROVAL");
+    EXPECT_EQ(banner.thread, "nimb.approvals");
+    EXPECT_EQ(banner.identifier, "approval-draft_failed-od:7");
+    EXPECT_EQ(service.shown.last().identifier, banner.identifier);
+    ASSERT_EQ(banner.actions.size(), 2);
+    EXPECT_EQ(banner.actions[0].id + banner.actions[0].label, "NIMB_APPROVEApprove");
+    EXPECT_EQ(banner.actions[1].id + banner.actions[1].label, "NIMB_REJECTReject");
+
+    for (const QString& kind : { "draft", "proposal", "decision", "other" })
+        notifier.notifyApproval(kind, "1", "t", "b");
+    QStringList subtitles;
+    for (const Banner& shown : service.shown.mid(2))
+        subtitles.append(shown.subtitle);
+    EXPECT_EQ(
+        subtitles.join(u'|'), "Outbound message — Approve sends it|CRM update proposal|Agent decision|Approval needed");
+}
+
+TEST_F(NotifierTest, aPressBecomesAnInProcessNotification)
+{
+    notifier.notifyApproval("proposal", "p-1", "t", "b");
+    message("ct:1");
+    service.press(service.shown[0], "NIMB_APPROVE");
+    service.press(service.shown[0], "NIMB_REJECT");
+    service.press(service.shown[0]);
+    service.press(service.shown[1]);
+    service.press(Banner(), "default");
+    EXPECT_EQ(events.join(u'\n'),
+        "nimb.approvalAction||proposal|p-1|approve\n"
+        "nimb.approvalAction||proposal|p-1|reject\n"
+        "activate\n"
+        "nimb.approvalAction||proposal|p-1|open\n"
+        "activate\n"
+        "nimb.openConversation|ct:1|||");
+
+    notifier.bootstrap();
+    events.clear();
+    service.press(service.shown[0], "NIMB_APPROVE");
+    EXPECT_EQ(events.size(), 1) << "a second bootstrap doubles nothing";
+}
+
+TEST_F(NotifierTest, theSettingSilencesBothKinds)
+{
+    defaults.setBoolean("notifyOnNewMessage", false);
+    message("ct:1");
+    notifier.notifyApproval("draft", "1", "t", "b");
+    EXPECT_TRUE(service.shown.isEmpty());
+    defaults.setBoolean("notifyOnNewMessage", true);
+    message("ct:1");
+    EXPECT_EQ(service.shown.size(), 1) << "what was silenced does not count for the debounce";
+}
+
+TEST_F(NotifierTest, aBareLaunchPostsNothingAndSaysSoOnce)
+{
+    FakeNotificationService bare;
+    bare.available = false;
+    LogCapture log;
+    Notifier silent(bare, centre, defaults, clock, [] { });
+    silent.bootstrap();
+    silent.notifyMessage("ct:1", "Ana", "SMS", "hi");
+    silent.notifyApproval("draft", "1", "t", "b");
+    EXPECT_TRUE(bare.shown.isEmpty());
+    EXPECT_FALSE(bare.hasHandler());
+    EXPECT_EQ(log.lines(),
+        QStringList("[Notifier] no bundle identifier (bare/unsigned launch) — skipping notification bootstrap"));
+}
+
+TEST_F(NotifierTest, aGoneNotifierLeavesNoHandlerBehind)
+{
+    FakeNotificationService own;
+    {
+        Notifier brief(own, centre, defaults, clock, [] { });
+        brief.bootstrap();
+        EXPECT_TRUE(own.hasHandler());
+    }
+    EXPECT_FALSE(own.hasHandler());
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Platform/NotificationService.h"
+
+namespace corvane {
+
+/// Keeps the banners that were shown, and answers for the person who sees them.
+class FakeNotificationService final : public NotificationService {
+public:
+    bool isAvailable() const override { return available; }
+    void setResponseHandler(ResponseHandler handler) override { m_handler = std::move(handler); }
+    void show(const Banner& banner) override { shown.append(banner); }
+
+    bool hasHandler() const { return m_handler != nullptr; }
+
+    /// Presses an action of a shown banner; an empty action is a click on the banner itself.
+    void press(const Banner& banner, const QString& action = {}) const { m_handler(banner.userInfo, action); }
+
+    bool available = true;
+    QList<Banner> shown;
+
+private:
+    ResponseHandler m_handler;
+};
+
+}
