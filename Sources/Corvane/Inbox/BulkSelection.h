@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+namespace corvane {
+
+/// Several people of the list, picked for one action. Ids that the list no longer shows drop out.
+class BulkSelection : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QStringList ids READ ids NOTIFY changed) ///< in the order of the list
+    Q_PROPERTY(bool active READ active NOTIFY changed)
+    Q_PROPERTY(QString text READ text NOTIFY changed) ///< such as "3 selected"
+public:
+    explicit BulkSelection(QObject* parent = nullptr);
+
+    const QStringList& ids() const { return m_ids; }
+    bool active() const { return !m_ids.isEmpty(); }
+    QString text() const;
+    bool contains(const QString& contactId) const { return m_ids.contains(contactId); }
+
+    void setListed(const QStringList& contactIds); ///< what the list shows, from top to bottom
+
+    Q_INVOKABLE void set(const QString& contactId, bool checked);
+    Q_INVOKABLE void toggle(const QString& contactId) { set(contactId, !contains(contactId)); }
+    Q_INVOKABLE void extendTo(const QString& contactId); ///< from the row picked last to this one
+    Q_INVOKABLE void all();
+    Q_INVOKABLE void clear();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void assign(const QStringList& contactIds);
+
+    QStringList m_listed;
+    QStringList m_ids;
+    QString m_anchor;
+};
+
+}

@@ -1,0 +1,177 @@
+#pragma once
+
+#include "Foundation/Coalescer.h"
+#include "Foundation/NotificationCentre.h"
+#include "Inbox/BulkSelection.h"
+#include "Inbox/CommandPalette.h"
+#include "Inbox/ContactItem.h"
+#include "Inbox/InboxList.h"
+#include "Inbox/ThreadView.h"
+#include "Inbox/WebStaleness.h"
+
+#include <QVariantList>
+
+namespace corvane {
+
+class UserDefaults;
+
+/// The inbox: one row per person, the search, and the thread that is open. It reads the database afresh at
+/// every reload and keeps nothing of it. Filters, modes and channels pass to the screen as words.
+class InboxView : public QObject {
+    Q_OBJECT
+    // What is listed
+    Q_PROPERTY(QVariantList tabs READ tabs NOTIFY tabsChanged) ///< of {key, label, count}; a count of 0 is not shown
+    Q_PROPERTY(QString filter READ filterWord WRITE setFilterWord NOTIFY filterChanged) ///< needsMe today all archived
+    Q_PROPERTY(QString viewMode READ viewModeWord WRITE setViewModeWord NOTIFY viewChanged) ///< contacts messages
+    Q_PROPERTY(QString sort READ sortWord WRITE setSortWord NOTIFY viewChanged) ///< recent unread
+    Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
+    Q_PROPERTY(QString channelFilter READ channelFilter WRITE setChannelFilter NOTIFY narrowingChanged)
+    Q_PROPERTY(QString accountFilter READ accountFilter WRITE setAccountFilter NOTIFY narrowingChanged)
+    Q_PROPERTY(QVariantList channelChoices READ channelChoices NOTIFY changed) ///< of {key, label}
+    Q_PROPERTY(QVariantList accountChoices READ accountChoices NOTIFY changed) ///< of {key, label}
+    Q_PROPERTY(QString channelFilterLabel READ channelFilterLabel NOTIFY narrowingChanged)
+    Q_PROPERTY(QString accountFilterLabel READ accountFilterLabel NOTIFY narrowingChanged)
+    Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
+    Q_PROPERTY(QAbstractItemModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
+    Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyDetail READ emptyDetail NOTIFY changed)
+    Q_PROPERTY(bool emptyCanClear READ emptyCanClear NOTIFY changed)
+    // What is open
+    Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< row in `contacts`, or -1
+    Q_PROPERTY(corvane::ContactItem selected READ selected NOTIFY changed) ///< with an empty id where nothing is open
+    Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
+    Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
+    Q_PROPERTY(QString replyPlatform READ replyPlatform NOTIFY selectionChanged)
+    // Around it
+    Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
+    Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
+    Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
+    Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
+    Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
+    Q_PROPERTY(QVariantList stalenessBanners READ stalenessBanners NOTIFY changed) ///< of {channel, text}
+    Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the rows picked for one action
+    Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty where nothing can be undone
+public:
+    /// Everything outlives the view.
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        UserDefaults& defaults;
+        NotificationCentre& notifications;
+        Scheduler& scheduler;
+    };
+
+    explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~InboxView() override;
+
+    QVariantList tabs() const;
+    QString filterWord() const;
+    void setFilterWord(const QString& word); ///< an unknown word changes nothing, here and below
+    QString viewModeWord() const;
+    void setViewModeWord(const QString& word);
+    QString sortWord() const;
+    void setSortWord(const QString& word);
+    const QString& search() const { return m_state.search; }
+    void setSearch(const QString& search); ///< takes effect a quarter of a second after the last key
+    const QString& channelFilter() const { return m_state.channelFilter; }
+    void setChannelFilter(const QString& channel);
+    const QString& accountFilter() const { return m_state.accountFilter; }
+    void setAccountFilter(const QString& slug);
+    QVariantList channelChoices() const;
+    QVariantList accountChoices() const;
+    QString channelFilterLabel() const;
+    QString accountFilterLabel() const;
+    QAbstractItemModel* contacts() { return &m_contactModel; }
+    QAbstractItemModel* messageHits() { return &m_hitModel; }
+    bool loading() const { return m_loading; }
+    bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hitModel.rows().isEmpty(); }
+    QString emptyTitle() const;
+    QString emptyDetail() const;
+    bool emptyCanClear() const;
+    const QString& selectedId() const { return m_selectedId; }
+    int selectedIndex() const;
+    ContactItem selected() const { return m_selected; }
+    ThreadView* thread() { return &m_thread; }
+    const QString& jumpMsgId() const { return m_jumpMsgId; }
+    const QString& replyPlatform() const { return m_replyPlatform; }
+    bool onScreen() const { return m_onScreen; }
+    void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
+    bool showCRM() const { return m_showCRM; }
+    void setShowCRM(bool show);
+    bool showPalette() const { return m_showPalette; }
+    void setShowPalette(bool show);
+    CommandPalette* palette() { return &m_palette; }
+    const QString& workspaceNotice() const { return m_workspaceNotice; }
+    QVariantList stalenessBanners() const;
+    BulkSelection* bulk() { return &m_bulk; }
+    const QString& undoText() const { return m_undoText; }
+
+    Q_INVOKABLE void appear(); ///< each time the screen shows
+    Q_INVOKABLE void reload();
+    Q_INVOKABLE void clearActiveEmptyFilter();
+    Q_INVOKABLE void dismissWorkspaceNotice();
+    Q_INVOKABLE void retry(const QString& channel); ///< of a staleness banner
+
+    Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
+    Q_INVOKABLE void moveSelection(int delta);
+    Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
+
+    Q_INVOKABLE void archiveSelected();
+    Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
+    Q_INVOKABLE void unarchive(const QString& contactId);
+    Q_INVOKABLE void markAllRead();
+    Q_INVOKABLE void undo(); ///< of the last archive
+    Q_INVOKABLE void dismissUndo();
+
+    Q_INVOKABLE void archiveChecked();
+    Q_INVOKABLE void muteChecked(); ///< mutes all; where all are muted, unmutes all
+    Q_INVOKABLE void markCheckedRead();
+
+Q_SIGNALS:
+    void changed(); ///< after each reload and each change of what is shown
+    void tabsChanged();
+    void filterChanged();
+    void viewChanged();
+    void searchChanged();
+    void narrowingChanged();
+    void selectionChanged();
+    void jumped();
+    void onScreenChanged();
+    void showCRMChanged();
+    void showPaletteChanged();
+    void workspaceNoticeChanged();
+    void undoChanged();
+
+private:
+    LocalDB& db() const;
+    void present();
+    const ContactRow* find(const QString& contactId) const;
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    UserDefaults& m_defaults;
+    Scheduler& m_scheduler;
+
+    InboxState m_state;
+    bool m_loading = true;
+    QList<ContactRow> m_contacts;
+    RowListModel<ContactItem> m_contactModel;
+    RowListModel<MessageHitItem> m_hitModel;
+    QString m_selectedId;
+    ContactItem m_selected;
+    QString m_jumpMsgId;
+    QString m_replyPlatform;
+    ThreadView m_thread;
+    CommandPalette m_palette;
+    bool m_onScreen = false;
+    bool m_showCRM = true;
+    bool m_showPalette = false;
+    QString m_workspaceNotice;
+    BulkSelection m_bulk;
+    QString m_undoText;
+};
+
+}

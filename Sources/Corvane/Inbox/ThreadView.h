@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Inbox/RowListModel.h"
+#include "Inbox/ThreadRow.h"
+#include "Store/InboxQueries.h"
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+
+/// The open thread: everything that was said with one person, over all channels, newest at the end.
+class ThreadView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged)
+    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT)
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
+    Q_PROPERTY(QString highlightId READ highlightId NOTIFY highlightChanged)
+    Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY contactChanged)
+    Q_PROPERTY(bool loadingMore READ loadingMore NOTIFY loadingMoreChanged)
+    Q_PROPERTY(QString loadOlderText READ loadOlderText NOTIFY loadingMoreChanged)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged)
+public:
+    ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent = nullptr);
+
+    const QString& contactId() const { return m_contact.id; }
+    QAbstractItemModel* rows() { return &m_rows; }
+    bool isEmpty() const { return m_messages.isEmpty(); }
+    QString emptyText() const;
+    const QString& highlightId() const { return m_highlightId; }
+    bool canLoadOlder() const { return m_contact.platforms.contains(QStringLiteral("WHATSAPP")); }
+    bool loadingMore() const { return m_loadingMore != nullptr; }
+    QString loadOlderText() const;
+    const QString& errorText() const { return m_errorText; }
+
+    void open(const ContactRow& contact); ///< a row without an id closes the thread
+    void reload();
+    void highlight(const QString& messageId); ///< for a moment
+
+    Q_INVOKABLE void loadOlder();
+    Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
+    Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
+    Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying and reading aloud
+    Q_INVOKABLE int rowOf(const QString& messageId) const; ///< -1 where the thread does not show it
+    Q_INVOKABLE void dismissError() { setError({}); }
+
+Q_SIGNALS:
+    void contactChanged();
+    void changed(); ///< after each reload
+    void highlightChanged();
+    void loadingMoreChanged();
+    void errorTextChanged();
+    void announced(const QString& text); ///< a message came into the open thread: to be read aloud politely
+    void reacted(); ///< the store holds a new reaction
+
+private:
+    void present();
+    void setError(const QString& text);
+    const UnifiedMsgRow* find(const QString& messageId) const;
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    Scheduler& m_scheduler;
+    ContactRow m_contact;
+    QList<UnifiedMsgRow> m_messages;
+    RowListModel<ThreadRow> m_rows;
+    QString m_highlightId;
+    std::unique_ptr<Timer> m_highlightEnd;
+    std::unique_ptr<Timer> m_loadingMore;
+    QString m_errorText;
+};
+
+}
