@@ -6,12 +6,12 @@
 #include <memory>
 #include <optional>
 
-class QNetworkAccessManager;
-
 namespace corvane {
 
+class CompanionClient;
 class Desktop;
 class Keychain;
+class Scheduler;
 class UserDefaults;
 struct AppPaths;
 
@@ -25,16 +25,17 @@ class SessionStore : public QObject {
     Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
 public:
-    SessionStore(
-        const AppPaths& paths, Keychain& keychain, UserDefaults& defaults, Desktop& desktop, QObject* parent = nullptr);
+    /// All references outlive the store. A token that is already kept is taken up at once.
+    SessionStore(const AppPaths& paths, Keychain& keychain, UserDefaults& defaults, Desktop& desktop,
+        Scheduler& scheduler, QObject* parent = nullptr);
     ~SessionStore() override;
 
     const std::optional<QString>& token() const { return m_token; }
     const std::optional<QString>& deviceId() const { return m_deviceId; }
-    const std::optional<QString>& email() const { return m_email; }
-    const std::optional<QString>& userName() const { return m_userName; }
-    const std::optional<QString>& workspaceId() const { return m_workspaceId; }
-    const std::optional<QString>& organizationId() const { return m_organizationId; }
+    const std::optional<QString>& email() const { return m_claims.email; }
+    const std::optional<QString>& userName() const { return m_claims.userName; }
+    const std::optional<QString>& workspaceId() const { return m_claims.workspaceId; }
+    const std::optional<QString>& organizationId() const { return m_claims.organizationId; }
     const std::optional<QString>& lastError() const { return m_lastError; }
     bool signedIn() const { return m_token.has_value(); }
     bool busy() const { return m_busy; }
@@ -55,21 +56,33 @@ Q_SIGNALS:
     void signedOut();
 
 private:
+    struct Flow; ///< the sign-ins, each from its first step to its last
+    struct Claims {
+        std::optional<QString> email;
+        std::optional<QString> userName;
+        std::optional<QString> workspaceId;
+        std::optional<QString> organizationId;
+    };
+
+    quint64 beginAttempt();
+    void endAttempt();
+    void fail(const QString& words);
     void decodeClaims(const QString& token);
     void writeTokenFile(const QString& token);
+    QString tokenFilePath() const;
+    QString baseUrl() const;
+    QString deviceName() const;
 
     const AppPaths& m_paths;
     Keychain& m_keychain;
     UserDefaults& m_defaults;
     Desktop& m_desktop;
-    std::unique_ptr<QNetworkAccessManager> m_network;
+    std::unique_ptr<CompanionClient> m_client;
     std::optional<QString> m_token;
     std::optional<QString> m_deviceId;
-    std::optional<QString> m_email;
-    std::optional<QString> m_userName;
-    std::optional<QString> m_workspaceId;
-    std::optional<QString> m_organizationId;
+    Claims m_claims;
     std::optional<QString> m_lastError;
+    quint64 m_attempt = 0; ///< the newest sign-in; what an older one brings home is dropped
     bool m_busy = false;
     bool m_webRejected = false;
 };

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Foundation/NotificationCentre.h"
+#include "Shell/NavItem.h"
+#include "Shell/TopHubBar.h"
+
+namespace corvane {
+
+class UserDefaults;
+
+/// Where the user is: one of the six hubs, or the settings, which cover the hub and leave it chosen.
+class AppShell : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString selectedNav READ selectedNav NOTIFY navigationChanged)
+    Q_PROPERTY(QString selectedLabel READ selectedLabel NOTIFY navigationChanged)
+    Q_PROPERTY(bool settings READ settings NOTIFY navigationChanged)
+    Q_PROPERTY(corvane::TopHubBar* hubs READ hubs CONSTANT)
+public:
+    /// Both references outlive the shell.
+    AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* parent = nullptr);
+
+    NavItem nav() const { return m_nav; }
+    QString selectedNav() const { return navRaw(m_nav); } ///< kept while the settings show
+    QString selectedLabel() const { return navLabel(m_nav); }
+    bool settings() const { return m_settings; }
+    TopHubBar* hubs() { return &m_hubs; }
+
+    Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word changes nothing
+    Q_INVOKABLE void toggleSettings(); ///< the gear
+    Q_INVOKABLE void openSettings(); ///< the profile menu; the hub stays
+    Q_INVOKABLE void closeSettings();
+
+Q_SIGNALS:
+    void navigationChanged();
+
+    /// The inbox is in front and is asked to open this contact's thread.
+    void conversationRequested(const QString& contactId);
+
+private:
+    void show(NavItem nav, bool settings);
+
+    UserDefaults& m_defaults;
+    TopHubBar m_hubs;
+    NavItem m_nav = NavItem::Inbox;
+    bool m_settings = false;
+    NotificationCentre::Observation m_openConversation;
+    NotificationCentre::Observation m_openSettings;
+    NotificationCentre::Observation m_openWorkConsole;
+};
+
+}

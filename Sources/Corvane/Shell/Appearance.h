@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+namespace corvane {
+
+class Desktop;
+class UserDefaults;
+
+/// Light or dark: after the desktop, or set by hand.
+class Appearance : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString mode READ mode WRITE setMode NOTIFY changed)
+    Q_PROPERTY(bool dark READ dark NOTIFY changed)
+    Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
+    Q_PROPERTY(QVariantList modes READ modes CONSTANT) ///< {id, label}
+public:
+    Appearance(Desktop& desktop, UserDefaults& defaults, QObject* parent = nullptr);
+
+    const QString& mode() const { return m_mode; } ///< "desktop", "light" or "dark"
+    void setMode(const QString& mode); ///< an unknown word changes nothing
+    bool dark() const;
+    bool reducedMotion() const;
+    QVariantList modes() const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    Desktop& m_desktop;
+    UserDefaults& m_defaults;
+    QString m_mode;
+};
+
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace corvane {
+
+class ContentView;
+class SessionStore;
+
+/// The sign-in wall: e-mail and password, the way through the browser, and the way past it.
+class LoginWallView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY changed)
+    Q_PROPERTY(QString password READ password WRITE setPassword NOTIFY changed)
+    Q_PROPERTY(bool canSubmit READ canSubmit NOTIFY changed)
+    Q_PROPERTY(bool busy READ busy NOTIFY changed)
+    Q_PROPERTY(QString lastError READ lastError NOTIFY changed)
+    Q_PROPERTY(QString primaryLabel READ primaryLabel NOTIFY changed)
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString tagline READ tagline CONSTANT)
+    Q_PROPERTY(QString footnote READ footnote CONSTANT)
+    Q_PROPERTY(QString emailLabel READ emailLabel CONSTANT)
+    Q_PROPERTY(QString passwordLabel READ passwordLabel CONSTANT)
+    Q_PROPERTY(QString browserLabel READ browserLabel CONSTANT)
+    Q_PROPERTY(QString continueLabel READ continueLabel CONSTANT)
+public:
+    LoginWallView(SessionStore& session, ContentView& content, QObject* parent = nullptr);
+
+    const QString& email() const { return m_email; }
+    const QString& password() const { return m_password; }
+    void setEmail(const QString& email);
+    void setPassword(const QString& password);
+    bool canSubmit() const; ///< not busy, and both fields hold something
+    bool busy() const;
+    QString lastError() const; ///< empty for none
+    QString primaryLabel() const;
+    QString title() const { return QStringLiteral("Corvane"); }
+    QString tagline() const { return QStringLiteral("Your business, running on this Mac — synced with Nimb web."); }
+    QString footnote() const
+    {
+        return QStringLiteral("Everything runs locally on this Mac. Signing in links it to your Nimb workspace.");
+    }
+    QString emailLabel() const { return QStringLiteral("Email"); }
+    QString passwordLabel() const { return QStringLiteral("Password"); }
+    QString browserLabel() const { return QStringLiteral("Sign in with browser instead"); }
+    QString continueLabel() const { return QStringLiteral("Continue without signing in"); }
+
+    Q_INVOKABLE void submit(); ///< Return in a field, or the primary button
+    Q_INVOKABLE void signInWithBrowser();
+    Q_INVOKABLE void continueWithoutSigningIn();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    SessionStore& m_session;
+    ContentView& m_content;
+    QString m_email;
+    QString m_password;
+};
+
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QUuid>
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+
+/// Links one account by its QR code. Closing changes nothing in the engine.
+class PairingSheet : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
+    Q_PROPERTY(QString qr READ qr NOTIFY changed)
+    Q_PROPERTY(bool connected READ connected NOTIFY changed)
+    Q_PROPERTY(QString doneLabel READ doneLabel CONSTANT)
+public:
+    PairingSheet(AccountStore& accounts, EngineManager& engine, QObject* parent = nullptr);
+
+    bool isOpen() const { return !m_accountId.isNull(); }
+    QString title() const;
+    QString stateText() const;
+    QString qr() const; ///< what the code holds; empty while there is none to show
+    bool connected() const;
+    QString doneLabel() const { return QStringLiteral("Done"); }
+
+    void open(const QUuid& accountId);
+    Q_INVOKABLE void close();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    AccountStore& m_accounts;
+    EngineManager& m_engine;
+    QUuid m_accountId;
+};
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Foundation/NotificationCentre.h"
+
+#include <QObject>
+#include <QVariantList>
+
+namespace corvane {
+
+class AppShell;
+class LocalDB;
+class SessionStore;
+
+/// The menu behind the round profile button.
+class ProfileMenu : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
+    Q_PROPERTY(QString initial READ initial NOTIFY changed)
+    Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
+    Q_PROPERTY(QString workspaceLabel READ workspaceLabel CONSTANT)
+    /// {id, name, selected}, for the submenu; empty without a token.
+    Q_PROPERTY(QVariantList workspaces READ workspaces NOTIFY changed)
+    /// {id, label}, in order below the submenu; `perform` takes the id.
+    Q_PROPERTY(QVariantList actions READ actions NOTIFY changed)
+public:
+    /// All references outlive the menu.
+    ProfileMenu(
+        SessionStore& session, AppShell& shell, LocalDB& db, NotificationCentre& centre, QObject* parent = nullptr);
+
+    QString displayLine() const;
+    QString initial() const;
+    bool signedIn() const;
+    QString workspaceLabel() const { return QStringLiteral("Workspace"); }
+    const QVariantList& workspaces() const { return m_workspaces; }
+    QVariantList actions() const;
+
+    Q_INVOKABLE void refresh(); ///< reads the workspaces again, as the menu opens
+    Q_INVOKABLE void selectWorkspace(const QString& id);
+    Q_INVOKABLE void perform(const QString& actionId);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    SessionStore& m_session;
+    AppShell& m_shell;
+    LocalDB& m_db;
+    QVariantList m_workspaces;
+    NotificationCentre::Observation m_workspaceChanged;
+};
+
+}

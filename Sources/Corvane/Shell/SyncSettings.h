@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QVariantList>
+
+namespace corvane {
+
+class LocalDB;
+class SessionStore;
+
+/// The account card and the state of the web mirror.
+class SyncSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
+    Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
+    Q_PROPERTY(QString stateKind READ stateKind NOTIFY changed) ///< "good", "busy", "bad" or "idle"
+    Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
+    /// {source, status, kind, detail}: one line a source.
+    Q_PROPERTY(QVariantList health READ health NOTIFY changed)
+    Q_PROPERTY(QString emptyHealthText READ emptyHealthText CONSTANT)
+    Q_PROPERTY(QString queueLabel READ queueLabel CONSTANT)
+    Q_PROPERTY(QString queueHint READ queueHint CONSTANT)
+    Q_PROPERTY(QString queuedText READ queuedText NOTIFY changed) ///< empty until a pull was queued
+public:
+    SyncSettings(SessionStore& session, LocalDB& db, QObject* parent = nullptr);
+
+    bool signedIn() const;
+    QString displayLine() const;
+    QString stateText() const;
+    QString stateKind() const;
+    QString actionLabel() const;
+    const QVariantList& health() const { return m_health; }
+    QString emptyHealthText() const
+    {
+        return QStringLiteral("No sync_health rows yet - appears after local sync jobs report status.");
+    }
+    QString queueLabel() const { return QStringLiteral("Queue a pull"); }
+    QString queueHint() const { return QStringLiteral("Queues a web_pull sync_command for the local MCP worker."); }
+    const QString& queuedText() const { return m_queuedText; }
+
+    Q_INVOKABLE void signInOrOut(); ///< what `actionLabel` says
+    Q_INVOKABLE void queuePull();
+    Q_INVOKABLE void refresh();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    SessionStore& m_session;
+    LocalDB& m_db;
+    QVariantList m_health;
+    QString m_queuedText;
+};
+
+}

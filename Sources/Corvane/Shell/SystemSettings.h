@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace corvane {
+
+class Keychain;
+class UserDefaults;
+struct AppPaths;
+
+/// What concerns this machine: banners, and where things are kept.
+class SystemSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool notifyOnNewMessage READ notifyOnNewMessage WRITE setNotifyOnNewMessage NOTIFY changed)
+    Q_PROPERTY(QString notifyLabel READ notifyLabel CONSTANT)
+    Q_PROPERTY(QString notifyHint READ notifyHint CONSTANT)
+    Q_PROPERTY(QString secretsPlace READ secretsPlace CONSTANT)
+    Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
+public:
+    SystemSettings(UserDefaults& defaults, const Keychain& keychain, const AppPaths& paths, QObject* parent = nullptr);
+
+    bool notifyOnNewMessage() const; ///< a missing setting counts as on
+    void setNotifyOnNewMessage(bool on);
+    QString notifyLabel() const { return QStringLiteral("Notify on new messages"); }
+    QString notifyHint() const { return QStringLiteral("Banners for new messages and for approvals that wait."); }
+    QString secretsPlace() const; ///< such as "the desktop's keyring"
+    QString dataFolder() const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    UserDefaults& m_defaults;
+    const Keychain& m_keychain;
+    const AppPaths& m_paths;
+};
+
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace corvane {
+
+class EngineManager;
+
+/// The local tool server, as the settings show it.
+class ToolServerCard : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(bool running READ running NOTIFY changed)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
+    Q_PROPERTY(QString url READ url NOTIFY changed)
+    Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
+public:
+    explicit ToolServerCard(EngineManager& engine, QObject* parent = nullptr);
+
+    QString title() const { return QStringLiteral("Local tool server"); }
+    bool running() const;
+    QString stateText() const;
+    QString url() const;
+    QString actionLabel() const;
+
+    Q_INVOKABLE void startOrStop(); ///< what `actionLabel` says
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    EngineManager& m_engine;
+};
+
+/// The port of the tool server.
+inline constexpr int toolServerPort = 8765;
+
+}
