@@ -1,0 +1,57 @@
+#include "Platform/PrivateFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+bool writeAll(int descriptor, const QByteArray& content)
+{
+    qsizetype written = 0;
+    while (written < content.size()) {
+        const ssize_t count = ::write(descriptor, content.constData() + written, size_t(content.size() - written));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        written += count;
+    }
+    return ::fsync(descriptor) == 0;
+}
+
+}
+
+bool writePrivateFile(const QString& path, const QByteArray& content)
+{
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder))
+        return false;
+    // mkostemp gives mode 0600 of its own accord, so that no moment exists in which others could read.
+    QByteArray temporary = QFile::encodeName(path) + ".XXXXXX";
+    const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool complete = writeAll(descriptor, content);
+    const bool closed = ::close(descriptor) == 0;
+    if (complete && closed && ::rename(temporary.constData(), QFile::encodeName(path).constData()) == 0) {
+        // The rename itself survives a power cut only once the folder is on the disk.
+        const int folderDescriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (folderDescriptor >= 0) {
+            ::fsync(folderDescriptor);
+            ::close(folderDescriptor);
+        }
+        return true;
+    }
+    ::unlink(temporary.constData());
+    return false;
+}
+
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace corvane {
+
+/// Puts the content in place of the file, in one step: a reader sees the old content or the new one, and a
+/// crash leaves either. The file has mode 0600 from its first byte on, whatever the umask; a missing folder
+/// is made. False where anything fails; the old file then stands.
+bool writePrivateFile(const QString& path, const QByteArray& content);
+
+}
