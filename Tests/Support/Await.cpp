@@ -1,12 +1,24 @@
 #include "Support/Await.h"
 
-#include <QTest>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QTimer>
 
 namespace corvane {
 
 bool await(const std::function<bool()>& condition)
 {
-    return QTest::qWaitFor(condition, 10'000);
+    const QDeadlineTimer deadline(10'000);
+    // The condition may come true without an event of ours.
+    QTimer tick;
+    tick.start(10);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return true;
 }
 
 }

@@ -1,0 +1,312 @@
+// The child that tests start: it does what its commands say, in their order, and ends with 0 after the last.
+//
+// A command is one argument, or one line of a file that an argument names ("ChildProgram /path/to/main.ts"),
+// so that the program can stand in for Node with a script of its own. Arguments that begin with "--" are left
+// alone. A command that it does not know ends it with 64.
+//
+//   print TEXT          TEXT and a line feed, in one write
+//   half TEXT           TEXT without the line feed
+//   bytes HEX           these very bytes ("c3a9")
+//   repeat COUNT TEXT   TEXT so many times in a row, without line feeds
+//   lines COUNT TEXT    so many lines; "{n}" in TEXT is the line's number, from 0
+//   flood               one line after the other until the pipe breaks or the program is killed
+//   env NAME            "NAME=value", or "NAME unset"
+//   arguments           every argument, separated by "|"
+//   folder              the working directory
+//   descriptors         the numbers of the open descriptors, separated by blanks
+//   append FILE TEXT    adds the line TEXT to FILE
+//   sleep MS            waits
+//   await               waits for one line on standard input
+//   echo                prints each line of standard input back, as "echo LINE", until its end
+//   record FILE         adds each line of standard input to FILE, until its end
+//   obey                takes each line of standard input as a command, until its end
+//   count LINES         reads so many lines of standard input, then prints "counted BYTES"
+//   close-input         closes standard input
+//   close-output        closes standard output
+//   ignore-term         ignores SIGTERM from here on
+//   grandchild MS       leaves a process behind that holds standard input and output for so long
+//   exit CODE           ends
+//   crash SIGNAL        ends by the signal of that number
+//   hang                waits for ever
+
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <dirent.h>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <string>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> arguments;
+
+void run(const std::string& command);
+
+void out(std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t count = ::write(STDOUT_FILENO, text.data(), text.size());
+        if (count < 0 && errno != EINTR)
+            std::_Exit(1);
+        text.remove_prefix(count < 0 ? 0 : static_cast<size_t>(count));
+    }
+}
+
+std::pair<std::string, std::string> splitAtBlank(const std::string& text)
+{
+    const size_t blank = text.find(' ');
+    return blank == std::string::npos ? std::pair(text, std::string())
+                                      : std::pair(text.substr(0, blank), text.substr(blank + 1));
+}
+
+int number(const std::string& text)
+{
+    int value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+void pause(const std::string& milliseconds)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(number(milliseconds)));
+}
+
+void forEachInputLine(const std::function<void(const std::string&)>& body)
+{
+    std::string line;
+    while (std::getline(std::cin, line))
+        body(line);
+}
+
+void appendLine(const std::string& file, const std::string& line)
+{
+    std::ofstream(file, std::ios::app) << line + '\n' << std::flush;
+}
+
+void repeat(const std::string& rest)
+{
+    const auto [count, text] = splitAtBlank(rest);
+    std::string block;
+    for (int i = number(count); i > 0; --i) {
+        block += text;
+        if (block.size() < 65536 && i > 1)
+            continue;
+        out(block);
+        block.clear();
+    }
+}
+
+void lines(const std::string& rest)
+{
+    const auto [count, text] = splitAtBlank(rest);
+    for (int i = 0; i < number(count); ++i) {
+        std::string line = text;
+        if (const size_t mark = line.find("{n}"); mark != std::string::npos)
+            line.replace(mark, 3, std::to_string(i));
+        out(line + '\n');
+    }
+}
+
+void bytes(const std::string& hex)
+{
+    std::string raw;
+    for (size_t i = 0; i + 1 < hex.size(); i += 2)
+        raw += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    out(raw);
+}
+
+void flood()
+{
+    const std::string line(1023, 'f');
+    for (;;)
+        out(line + '\n');
+}
+
+void printVariable(const std::string& name)
+{
+    const char* value = std::getenv(name.c_str());
+    out(value ? name + '=' + value + '\n' : name + " unset\n");
+}
+
+void printArguments()
+{
+    std::string all;
+    for (const std::string& argument : arguments)
+        all += (all.empty() ? "" : "|") + argument;
+    out(all + '\n');
+}
+
+void printFolder()
+{
+    std::vector<char> path(4096);
+    out(std::string(::getcwd(path.data(), path.size()) ? path.data() : "nowhere") + '\n');
+}
+
+void printDescriptors()
+{
+    DIR* folder = ::opendir("/proc/self/fd");
+    std::string all;
+    while (const dirent* entry = ::readdir(folder)) {
+        const std::string name = entry->d_name;
+        if (name.front() != '.' && name != std::to_string(::dirfd(folder)))
+            all += (all.empty() ? "" : " ") + name;
+    }
+    ::closedir(folder);
+    out(all + '\n');
+}
+
+void count(const std::string& wanted)
+{
+    size_t total = 0;
+    std::string line;
+    for (int i = 0; i < number(wanted) && std::getline(std::cin, line); ++i)
+        total += line.size() + 1;
+    out("counted " + std::to_string(total) + '\n');
+}
+
+void grandchild(const std::string& milliseconds)
+{
+    if (::fork() != 0)
+        return;
+    pause(milliseconds);
+    std::_Exit(0);
+}
+
+void crash(const std::string& signal)
+{
+    const rlimit noCore { 0, 0 };
+    ::setrlimit(RLIMIT_CORE, &noCore);
+    ::signal(number(signal), SIG_DFL);
+    ::raise(number(signal));
+}
+
+void awaitLine()
+{
+    std::string line;
+    std::getline(std::cin, line);
+}
+
+[[noreturn]] void hang()
+{
+    for (;;)
+        ::pause();
+}
+
+const std::map<std::string, std::function<void(const std::string&)>> commands {
+    { "print",
+        [](const std::string& text) {
+            out(text + '\n');
+        } },
+    { "half",
+        [](const std::string& text) {
+            out(text);
+        } },
+    { "bytes", bytes },
+    { "repeat", repeat },
+    { "lines", lines },
+    { "flood",
+        [](const std::string&) {
+            flood();
+        } },
+    { "env", printVariable },
+    { "arguments",
+        [](const std::string&) {
+            printArguments();
+        } },
+    { "folder",
+        [](const std::string&) {
+            printFolder();
+        } },
+    { "descriptors",
+        [](const std::string&) {
+            printDescriptors();
+        } },
+    { "append",
+        [](const std::string& rest) {
+            const auto [file, text] = splitAtBlank(rest);
+            appendLine(file, text);
+        } },
+    { "sleep", pause },
+    { "await",
+        [](const std::string&) {
+            awaitLine();
+        } },
+    { "echo",
+        [](const std::string&) {
+            forEachInputLine([](const std::string& line) { out("echo " + line + '\n'); });
+        } },
+    { "record",
+        [](const std::string& file) {
+            forEachInputLine([&](const std::string& line) { appendLine(file, line); });
+        } },
+    { "obey",
+        [](const std::string&) {
+            forEachInputLine(run);
+        } },
+    { "count", count },
+    { "close-input",
+        [](const std::string&) {
+            ::close(STDIN_FILENO);
+        } },
+    { "close-output",
+        [](const std::string&) {
+            ::close(STDOUT_FILENO);
+        } },
+    { "ignore-term",
+        [](const std::string&) {
+            ::signal(SIGTERM, SIG_IGN);
+        } },
+    { "grandchild", grandchild },
+    { "exit",
+        [](const std::string& code) {
+            std::_Exit(number(code));
+        } },
+    { "crash", crash },
+    { "hang",
+        [](const std::string&) {
+            hang();
+        } },
+};
+
+void run(const std::string& command)
+{
+    const auto [name, rest] = splitAtBlank(command);
+    const auto known = commands.find(name);
+    if (known == commands.end())
+        std::_Exit(64);
+    known->second(rest);
+}
+
+void runArgument(const std::string& argument)
+{
+    if (argument.starts_with("--"))
+        return;
+    if (!argument.starts_with('/'))
+        return run(argument);
+    std::ifstream script(argument);
+    if (!script)
+        std::_Exit(66);
+    for (std::string line; std::getline(script, line);) {
+        if (!line.empty())
+            run(line);
+    }
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    arguments.assign(argv + 1, argv + argc);
+    for (const std::string& argument : arguments)
+        runArgument(argument);
+    std::_Exit(0);
+}
