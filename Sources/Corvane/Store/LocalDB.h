@@ -71,6 +71,7 @@ private:
 /// The one SQLite file of the program: a connection and its statement helpers, nothing more. Engines and the
 /// tool server read and write the same file. A database that cannot be opened leaves a usable object whose
 /// every answer is empty. The queries themselves are free functions in the *Queries files.
+/// A null QString binds as empty text; NULL is an absent optional or a default `SqlValue`.
 class LocalDB {
 public:
     /// Where the two schema files are looked for, in this order.
@@ -79,8 +80,8 @@ public:
         QString home; ///< "{home}/nimb/apps/nimb-local/local-schema/{name}"
     };
 
-    /// Opens "{applicationSupport}/nimblocal.db", making the folder where it is missing, and brings the schema
-    /// up to date. The references must outlive the object.
+    /// Opens the file at `path`, making it and its folder where they are missing, and brings the schema up to
+    /// date. The references must outlive the object.
     LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& scheduler, UserDefaults& defaults,
         NotificationCentre& notifications);
     ~LocalDB();
@@ -88,6 +89,7 @@ public:
     LocalDB& operator=(const LocalDB&) = delete;
 
     bool isOpen() const { return m_db != nullptr; }
+    bool inTransaction() const; ///< false, too, where the database is not open
 
     /// A script of one or more statements; a failure is only logged.
     void exec(const QString& sql);
@@ -118,6 +120,7 @@ public:
         return result;
     }
 
+    /// Reads of tables that another process may not have made yet ask this first.
     bool tableExists(const QString& table);
     bool columnExists(const QString& table, const QString& column); ///< exact, case-sensitive
     std::optional<QString> tableSQL(const QString& table);
@@ -128,6 +131,13 @@ public:
     NotificationCentre& notifications() { return m_notifications; }
 
 private:
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+    Statement prepare(const QByteArray& sql);
+    QString errorMessage() const;
     void forEachRow(
         const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit);
 
