@@ -19,6 +19,8 @@ function(corvane_room name)
     endforeach()
     target_link_libraries(${target} PUBLIC ${room_LINK} PRIVATE ${room_PRIVATE})
     corvane_precompile(${target})
+    # Without this a header that is new does not reach moc until some older one changes.
+    set_property(TARGET ${target} PROPERTY AUTOGEN_TARGET_DEPENDS ${sources})
 
     if(CORVANE_TESTS)
         file(GLOB_RECURSE tests CONFIGURE_DEPENDS
@@ -27,6 +29,7 @@ function(corvane_room name)
             add_executable(${name}Tests ${tests})
             target_link_libraries(${name}Tests PRIVATE ${target} ${room_PRIVATE} corvane_test_support)
             corvane_precompile(${name}Tests)
+            set_property(TARGET ${name}Tests PROPERTY AUTOGEN_TARGET_DEPENDS ${tests})
             corvane_test(${name}Tests)
         endif()
     endif()

@@ -1,0 +1,79 @@
+#include "Support/PrivateBus.h"
+
+#include "Support/Await.h"
+
+#include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QFile>
+#include <QUuid>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+PrivateBus::PrivateBus()
+{
+    QFile configuration(m_folder.filePath(QStringLiteral("bus.conf")));
+    if (!configuration.open(QIODevice::WriteOnly))
+        return;
+    configuration.write(QStringLiteral("<busconfig><type>session</type><listen>unix:dir=%1</listen>"
+                                       "<policy context=\"default\"><allow send_destination=\"*\" "
+                                       "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/>"
+                                       "</policy></busconfig>")
+            .arg(m_folder.path())
+            .toUtf8());
+    configuration.close();
+    m_daemon.setStandardErrorFile(QProcess::nullDevice());
+    m_daemon.start(QStringLiteral("dbus-daemon"),
+        { QStringLiteral("--nofork"), QStringLiteral("--print-address"), QStringLiteral("--config-file"),
+            configuration.fileName() });
+    while (!m_daemon.canReadLine() && m_daemon.waitForReadyRead(10'000)) { }
+    m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+    EXPECT_FALSE(m_address.isEmpty()) << "dbus-daemon did not come up";
+}
+
+PrivateBus::~PrivateBus()
+{
+    for (const QString& client : std::as_const(m_clients))
+        QDBusConnection::disconnectFromBus(client);
+    stop();
+}
+
+QDBusConnection PrivateBus::connect()
+{
+    m_clients.append(QUuid::createUuid().toString());
+    return QDBusConnection::connectToBus(m_address, m_clients.constLast());
+}
+
+void PrivateBus::disconnect(const QDBusConnection& client)
+{
+    m_clients.removeOne(client.name());
+    QDBusConnection::disconnectFromBus(client.name());
+}
+
+void PrivateBus::settle()
+{
+    // The bus keeps the order of what it passes on, so an answer of its own comes after what was sent before.
+    const auto ping = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+        QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+    for (int round = 0; round < 3; ++round) {
+        for (const QString& client : std::as_const(m_clients)) {
+            const QDBusPendingCallWatcher answer(QDBusConnection(client).asyncCall(ping));
+            ASSERT_TRUE(await([&] { return answer.isFinished(); }));
+        }
+        QCoreApplication::processEvents();
+    }
+}
+
+void PrivateBus::stop()
+{
+    m_daemon.kill();
+    m_daemon.waitForFinished();
+}
+
+QDBusConnection noBus()
+{
+    return QDBusConnection(QStringLiteral("no bus"));
+}
+
+}
