@@ -8,11 +8,11 @@
 
 namespace corvane {
 
-class CompanionClient;
 class Desktop;
 class Keychain;
 class Scheduler;
 class UserDefaults;
+class WebClient;
 struct AppPaths;
 
 /// The machine's link to the user's web account. The presence of `token` is "signed in".
@@ -64,9 +64,10 @@ private:
         std::optional<QString> organizationId;
     };
 
+    QString knownAs() const; ///< the name, else the e-mail, else nothing
     quint64 beginAttempt();
-    void endAttempt();
-    void fail(const QString& words);
+    void cancelAttempt();
+    void endAttempt(const std::optional<QString>& error);
     void decodeClaims(const QString& token);
     void writeTokenFile(const QString& token);
     QString tokenFilePath() const;
@@ -77,7 +78,7 @@ private:
     Keychain& m_keychain;
     UserDefaults& m_defaults;
     Desktop& m_desktop;
-    std::unique_ptr<CompanionClient> m_client;
+    std::unique_ptr<WebClient> m_client;
     std::optional<QString> m_token;
     std::optional<QString> m_deviceId;
     Claims m_claims;

@@ -1,0 +1,228 @@
+#include "Web/SessionStore.h"
+
+#include "Foundation/Json.h"
+#include "Foundation/Log.h"
+#include "Foundation/Text.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/Desktop.h"
+#include "Platform/Keychain.h"
+#include "Platform/PrivateFile.h"
+#include "Web/CompanionCalls.h"
+
+#include <QFile>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+const QString tokenAccount = QStringLiteral("companion.jwt");
+const QString deviceAccount = QStringLiteral("companion.deviceId");
+
+}
+
+/// A flow goes on only while its owner lives and no newer sign-in, sign-out or shutdown has taken its place.
+struct SessionStore::Flow {
+    QPointer<SessionStore> owner;
+    quint64 attempt;
+
+    bool isCurrent() const { return owner && owner->m_attempt == attempt; }
+
+    static QCoro::Task<> signIn(Flow flow, QString email, QString password)
+    {
+        SessionStore* const self = flow.owner;
+        const auto accessToken = co_await login(self->m_client.get(), self->baseUrl(), email, password);
+        if (!flow.isCurrent())
+            co_return;
+        if (!accessToken)
+            co_return self->endAttempt(accessToken.error().message);
+
+        const auto code = co_await handshake(self->m_client.get(), self->baseUrl(), *accessToken, self->deviceName());
+        if (!flow.isCurrent())
+            co_return;
+        if (!code)
+            co_return self->endAttempt(code.error().message);
+
+        co_await finish(flow, *code);
+    }
+
+    static QCoro::Task<> finish(Flow flow, QString code)
+    {
+        SessionStore* const self = flow.owner;
+        const auto credentials = co_await exchange(self->m_client.get(), self->baseUrl(), code, self->deviceName());
+        if (!flow.isCurrent())
+            co_return;
+        if (!credentials)
+            co_return self->endAttempt(credentials.error().message);
+        self->setAuth(credentials->token, credentials->deviceId);
+        self->endAttempt(std::nullopt);
+    }
+};
+
+SessionStore::SessionStore(const AppPaths& paths, Keychain& keychain, UserDefaults& defaults, Desktop& desktop,
+    Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_paths(paths)
+    , m_keychain(keychain)
+    , m_defaults(defaults)
+    , m_desktop(desktop)
+    , m_client(std::make_unique<WebClient>(scheduler))
+{
+    m_token = m_keychain.get(tokenAccount);
+    if (m_token) {
+        decodeClaims(*m_token);
+        writeTokenFile(*m_token);
+    }
+    m_deviceId = m_keychain.get(deviceAccount);
+}
+
+SessionStore::~SessionStore()
+{
+    cancelAttempt();
+}
+
+void SessionStore::setWebRejected(bool rejected)
+{
+    if (m_webRejected == rejected)
+        return;
+    m_webRejected = rejected;
+    Q_EMIT changed();
+}
+
+QString SessionStore::knownAs() const
+{
+    const QString name = m_claims.userName.value_or(QString());
+    return name.isEmpty() ? m_claims.email.value_or(QString()) : name;
+}
+
+QString SessionStore::displayLine() const
+{
+    if (!m_token)
+        return QStringLiteral("Not signed in");
+    const QString who = knownAs().isEmpty() ? QStringLiteral("Signed in") : knownAs();
+    const QString workspace = m_claims.workspaceId.value_or(QString());
+    return workspace.isEmpty() ? who : who + QStringLiteral(" · workspace ") + firstCharacters(workspace, 8);
+}
+
+QString SessionStore::initial() const
+{
+    return knownAs().isEmpty() ? QStringLiteral("?") : firstCharacters(knownAs(), 1);
+}
+
+void SessionStore::signIn(const QString& email, const QString& password)
+{
+    Flow::signIn({ this, beginAttempt() }, email, password);
+}
+
+void SessionStore::startSignIn()
+{
+    const QUrl url = companionLoginUrl(baseUrl(), deviceName());
+    m_lastError = url.isValid() ? std::nullopt : std::optional(QStringLiteral("Bad companion URL"));
+    Q_EMIT changed();
+    if (url.isValid())
+        m_desktop.openInBrowser(url);
+}
+
+void SessionStore::handleCallback(const QUrl& url)
+{
+    const QString code = oneTimeCode(url);
+    if (url.scheme() != QLatin1StringView("nimb-companion") || url.host() != QLatin1StringView("auth")
+        || code.isEmpty())
+        return;
+    Flow::finish({ this, beginAttempt() }, code);
+}
+
+void SessionStore::setAuth(const QString& token, const QString& deviceId)
+{
+    m_token = token;
+    m_deviceId = deviceId;
+    m_keychain.set(token, tokenAccount);
+    m_keychain.set(deviceId, deviceAccount);
+    writeTokenFile(token);
+    decodeClaims(token);
+    Q_EMIT changed();
+}
+
+void SessionStore::signOut()
+{
+    cancelAttempt();
+    m_token.reset();
+    m_deviceId.reset();
+    m_claims = {};
+    m_webRejected = false;
+    m_keychain.remove(tokenAccount);
+    m_keychain.remove(deviceAccount);
+    QFile::remove(tokenFilePath());
+    Q_EMIT changed();
+    Q_EMIT signedOut();
+}
+
+quint64 SessionStore::beginAttempt()
+{
+    cancelAttempt();
+    m_busy = true;
+    m_lastError.reset();
+    const quint64 attempt = m_attempt;
+    Q_EMIT changed();
+    return attempt;
+}
+
+void SessionStore::cancelAttempt()
+{
+    // First the number, then the abort: the flow wakes up inside the abort, and must find itself superseded.
+    ++m_attempt;
+    m_client->abortAll();
+    m_busy = false;
+}
+
+void SessionStore::endAttempt(const std::optional<QString>& error)
+{
+    m_lastError = error;
+    m_busy = false;
+    Q_EMIT changed();
+}
+
+void SessionStore::decodeClaims(const QString& token)
+{
+    const QStringList parts = token.split(u'.');
+    if (parts.size() < 2)
+        return;
+    const QByteArray payload = parts[1].toUtf8().replace('-', '+').replace('_', '/');
+    const auto decoded = QByteArray::fromBase64Encoding(payload, QByteArray::AbortOnBase64DecodingErrors);
+    const auto claims = decoded ? jsonObject(*decoded) : std::nullopt;
+    if (!claims)
+        return;
+    const auto either = [&](QLatin1StringView key, QLatin1StringView otherKey) {
+        const auto value = textValue(*claims, key);
+        return value ? value : textValue(*claims, otherKey);
+    };
+    m_claims.email = textValue(*claims, QLatin1StringView("email"));
+    m_claims.userName = textValue(*claims, QLatin1StringView("name"));
+    m_claims.workspaceId = either(QLatin1StringView("workspaceId"), QLatin1StringView("workspace_id"));
+    m_claims.organizationId = either(QLatin1StringView("organizationId"), QLatin1StringView("organization_id"));
+}
+
+void SessionStore::writeTokenFile(const QString& token)
+{
+    if (!writePrivateFile(tokenFilePath(), token.toUtf8()))
+        log(QStringLiteral("SessionStore: %1 could not be written").arg(tokenFilePath()));
+}
+
+QString SessionStore::tokenFilePath() const
+{
+    return m_paths.applicationSupport + QStringLiteral("/companion.jwt");
+}
+
+QString SessionStore::baseUrl() const
+{
+    return m_defaults.text(QStringLiteral("nimb.apiBaseUrl")).value_or(QStringLiteral(CORVANE_API_BASE_URL));
+}
+
+QString SessionStore::deviceName() const
+{
+    const QString name = m_desktop.hostName();
+    return name.isEmpty() ? QStringLiteral("Mac") : name;
+}
+
+}

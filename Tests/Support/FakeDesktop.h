@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Platform/Desktop.h"
+
+#include <QList>
+
+namespace corvane {
+
+/// A desktop that notes what it is asked for, and looks as a test sets it.
+class FakeDesktop final : public Desktop {
+public:
+    void openInBrowser(const QUrl& url) override { opened.append(url); }
+    QString hostName() const override { return host; }
+    void setBadge(int count) override { badge = count; }
+    ColourScheme colourScheme() const override { return scheme; }
+    bool prefersReducedMotion() const override { return reducedMotion; }
+
+    void setAppearance(ColourScheme newScheme, bool newReducedMotion)
+    {
+        scheme = newScheme;
+        reducedMotion = newReducedMotion;
+        Q_EMIT appearanceChanged();
+    }
+
+    QList<QUrl> opened;
+    QString host = QStringLiteral("studio+1");
+    int badge = -1; ///< -1 until it is set
+    ColourScheme scheme = ColourScheme::Light;
+    bool reducedMotion = false;
+};
+
+}
