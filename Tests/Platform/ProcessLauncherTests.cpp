@@ -1,5 +1,6 @@
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Utf8Chunks.h"
 #include "Platform/ProcessLauncher.h"
 #include "Support/Await.h"
 #include "Support/Print.h"
@@ -163,11 +164,27 @@ TEST_F(ProcessLauncherTest, aCharacterIsNeverCutHoweverTheBytesArrive)
         QStringLiteral("sleep 50"), QStringLiteral("bytes 80"), QStringLiteral("half !") });
     EXPECT_EQ(slow->text, QStringLiteral("😀!"));
 
-    const auto invalid = run({ QStringLiteral("half a"), QStringLiteral("sleep 50"), QStringLiteral("bytes 62ff62"),
-        QStringLiteral("sleep 50"), QStringLiteral("half c"), QStringLiteral("bytes e2"), QStringLiteral("sleep 50"),
-        QStringLiteral("half d"), QStringLiteral("bytes e282") });
-    EXPECT_EQ(invalid->text, QStringLiteral("acd")) << "only what is not text is dropped";
-    EXPECT_EQ(invalid->codes, QList<int>({ 0 }));
+    EXPECT_EQ(run({ QStringLiteral("half cut"), QStringLiteral("bytes e282") })->text, QStringLiteral("cut"));
+}
+
+TEST(Utf8Chunks, whatIsNoTextIsDroppedAndNothingElse)
+{
+    Utf8Chunks chunks;
+    EXPECT_EQ(chunks.take("a"), QStringLiteral("a"));
+    EXPECT_EQ(chunks.take("b\xff"
+                          "b"),
+        QString())
+        << "a read that is not valid goes whole";
+    EXPECT_EQ(chunks.take("c\xe2"), QStringLiteral("c"));
+    EXPECT_EQ(chunks.take("d"), QStringLiteral("d")) << "a character that is never finished goes alone";
+    EXPECT_EQ(chunks.take("e\xf0\x9f"), QStringLiteral("e"));
+    EXPECT_EQ(chunks.take("\x98"), QString());
+    EXPECT_EQ(chunks.take("\x80\xc3"), QStringLiteral("😀"));
+    EXPECT_EQ(chunks.take("\xa9\xef\xbb\xbf!"), QStringLiteral("é\uFEFF!"));
+    EXPECT_EQ(chunks.take("\xed\xa0\x80"), QString()) << "half a surrogate pair";
+    EXPECT_EQ(chunks.take("\xc0\xaf"), QString()) << "an overlong form";
+    EXPECT_EQ(chunks.take("\x80\x80"), QString());
+    EXPECT_EQ(chunks.take("f"), QStringLiteral("f"));
 }
 
 TEST_F(ProcessLauncherTest, aHeldChunkStopsTheReadingAndTheEndWaitsForIt)

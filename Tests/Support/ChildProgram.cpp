@@ -29,6 +29,7 @@
 //   crash SIGNAL        ends by the signal of that number
 //   hang                waits for ever
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -95,14 +96,14 @@ void appendLine(const std::string& file, const std::string& line)
 void repeat(const std::string& rest)
 {
     const auto [count, text] = splitAtBlank(rest);
+    const int wanted = number(count);
+    const int perBlock = std::max(1, 65536 / std::max(1, static_cast<int>(text.size())));
     std::string block;
-    for (int i = number(count); i > 0; --i) {
+    for (int i = 0; i < perBlock; ++i)
         block += text;
-        if (block.size() < 65536 && i > 1)
-            continue;
+    for (int i = 0; i < wanted / perBlock; ++i)
         out(block);
-        block.clear();
-    }
+    out(std::string_view(block).substr(0, static_cast<size_t>(wanted % perBlock) * text.size()));
 }
 
 void lines(const std::string& rest)

@@ -198,9 +198,9 @@ void ChildReader::Loop::goOn(quint64 id)
         read(child);
     if (!child.exitCode || child.output.isOpen())
         return;
-    QMetaObject::invokeMethod(
-        &m_home, [ended = m_receiver.ended, id, code = *child.exitCode] { ended(id, code); }, Qt::QueuedConnection);
+    const int code = *child.exitCode;
     m_children.erase(id);
+    QMetaObject::invokeMethod(&m_home, [ended = m_receiver.ended, id, code] { ended(id, code); }, Qt::QueuedConnection);
 }
 
 void ChildReader::Loop::read(Child& child)
