@@ -285,6 +285,9 @@ CREATE INDEX IF NOT EXISTS ix_unified_message_conversation
 CREATE INDEX IF NOT EXISTS ix_unified_message_provider ON unified_message(provider_msg_id);
 -- Finds what still has to move when a workspace takes over the rows of "local"; empty afterwards.
 CREATE INDEX IF NOT EXISTS ix_unified_message_local ON unified_message(workspace_id) WHERE workspace_id='local';
+-- The newest message of a channel.
+CREATE INDEX IF NOT EXISTS ix_unified_conversation_channel
+  ON unified_conversation(workspace_id, channel, last_ts) WHERE deleted_at IS NULL;
 -- Nearly always empty: the status pseudo-conversation is looked for at every start.
 CREATE INDEX IF NOT EXISTS ix_unified_conversation_status
   ON unified_conversation(external_id) WHERE external_id='status@broadcast' AND deleted_at IS NULL;

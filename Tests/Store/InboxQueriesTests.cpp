@@ -1,0 +1,167 @@
+#include "Store/InboxQueries.h"
+#include "Store/IngestQueries.h"
+#include "Store/ThreadQueries.h"
+#include "StoreTest.h"
+
+namespace corvane {
+
+class InboxTest : public StoreTest {
+protected:
+    InboxTest() { open(); }
+
+    QString chat(const char* channel, const char* account, const char* externalId, qint64 ts, const char* body,
+        const char* title = nullptr)
+    {
+        IncomingMessage incoming;
+        incoming.conversationExternalId = QString::fromUtf8(externalId);
+        incoming.providerMsgId = QStringLiteral("p%1").arg(++m_messages);
+        incoming.body = QString::fromUtf8(body);
+        incoming.ts = ts;
+        if (title)
+            incoming.conversationTitle = QString::fromUtf8(title);
+        return storeMessage(*m_db, QString::fromUtf8(channel), QString::fromUtf8(account), incoming);
+    }
+
+    QList<ContactRow> list(InboxFilter filter = InboxFilter::All, const QString& account = {}, int limit = 300)
+    {
+        return fetchContacts(*m_db, filter, account, limit);
+    }
+
+    QStringList names(InboxFilter filter = InboxFilter::All, const QString& account = {}, int limit = 300)
+    {
+        QStringList result;
+        for (const ContactRow& row : list(filter, account, limit))
+            result.append(row.name);
+        return result;
+    }
+
+    int m_messages = 0;
+};
+
+TEST_F(InboxTest, aPersonOnTwoChannelsIsOneRow)
+{
+    const QString whatsApp = chat("WHATSAPP", "zeta", "34@s.whatsapp.net", 100, "older", "Ana");
+    const QString mail = chat("EMAIL", "alpha", "ana@x.y", 200, "newest", "ana@x.y");
+    raiseUnread(*m_db, whatsApp);
+    raiseUnread(*m_db, mail);
+    raiseUnread(*m_db, mail);
+    m_db->exec("UPDATE unified_conversation SET contact_id='ct:WHATSAPP:34@s.whatsapp.net';"
+               "UPDATE contact SET avatar_path='/a.jpg' WHERE id LIKE 'ct:WHATSAPP:%';");
+    ASSERT_EQ(list().size(), 1);
+    ContactRow row = list().first();
+    row.platforms.sort();
+    EXPECT_EQ(row,
+        (ContactRow { "ct:WHATSAPP:34@s.whatsapp.net", "Ana", { "EMAIL", "WHATSAPP" }, "newest", 200, 3, "alpha", false,
+            "/a.jpg", false }));
+    m_db->exec("UPDATE unified_message SET deleted_at=1 WHERE body='newest';");
+    EXPECT_EQ(list().first().snippet, "older");
+}
+
+TEST_F(InboxTest, groupsAndMutedPeopleAreMarked)
+{
+    chat("WHATSAPP", "a", "1@g.us", 300, "x", "Group");
+    chat("WHATSAPP", "a", "1@s.whatsapp.net", 200, "x", "Person");
+    const QString contact = list().last().id;
+    EXPECT_TRUE(list().first().isGroup);
+    EXPECT_FALSE(list().last().isGroup);
+    EXPECT_FALSE(isMuted(*m_db, contact));
+    setMuted(*m_db, contact, true);
+    EXPECT_TRUE(isMuted(*m_db, contact));
+    EXPECT_TRUE(list().last().isMuted);
+    setMuted(*m_db, contact, false);
+    EXPECT_FALSE(isMuted(*m_db, contact));
+    EXPECT_FALSE(isMuted(*m_db, "ct:SMS:nobody"));
+}
+
+TEST_F(InboxTest, filtersAccountsAndLimitsNarrowTheList)
+{
+    const qint64 midnight = startOfTodayMs(m_clock.nowMs());
+    const QString unread = chat("SMS", "a", "1", midnight - 1, "x", "Yesterday");
+    chat("SMS", "a", "2", midnight, "x", "Midnight");
+    chat("SMS", "b", "3", midnight + 5, "x", "Later");
+    raiseUnread(*m_db, unread);
+    EXPECT_EQ(names(), (QStringList { "Later", "Midnight", "Yesterday" }));
+    EXPECT_EQ(names(InboxFilter::All, "a"), (QStringList { "Midnight", "Yesterday" }));
+    EXPECT_EQ(names(InboxFilter::All, {}, 1), QStringList { "Later" });
+    EXPECT_EQ(names(InboxFilter::Today), (QStringList { "Later", "Midnight" }));
+    EXPECT_EQ(names(InboxFilter::NeedsMe), QStringList { "Yesterday" });
+    EXPECT_EQ(names(InboxFilter::Archived), QStringList());
+    m_db->exec("UPDATE unified_conversation SET deleted_at=1 WHERE external_id='3';"
+               "UPDATE contact SET deleted_at=1 WHERE display_name='Midnight';");
+    EXPECT_EQ(names(), QStringList { "Yesterday" });
+    m_db->exec("UPDATE contact SET workspace_id='elsewhere';");
+    EXPECT_EQ(names(), QStringList());
+}
+
+TEST_F(InboxTest, archivingHidesAPersonAndTheirUnread)
+{
+    raiseUnread(*m_db, chat("SMS", "a", "1", 100, "x", "Ana"));
+    raiseUnread(*m_db, chat("SMS", "a", "2", 200, "x", "Bo"));
+    EXPECT_EQ(totalUnread(*m_db), 2);
+    archiveContact(*m_db, "ct:SMS:1");
+    EXPECT_EQ(names(), QStringList { "Bo" });
+    EXPECT_EQ(names(InboxFilter::Archived), QStringList { "Ana" });
+    EXPECT_EQ(totalUnread(*m_db), 1);
+    markAllRead(*m_db); // leaves the archived alone
+    EXPECT_EQ(totalUnread(*m_db), 0);
+    unarchiveContact(*m_db, "ct:SMS:1");
+    EXPECT_EQ(names(), (QStringList { "Bo", "Ana" }));
+    EXPECT_EQ(totalUnread(*m_db), 1);
+    markRead(*m_db, "ct:SMS:1");
+    EXPECT_EQ(totalUnread(*m_db), 0);
+}
+
+TEST_F(InboxTest, aSearchFindsBodiesAndTranscripts)
+{
+    chat("SMS", "a", "1", 100, "Invoice 7 is paid", "Ana");
+    chat("SMS", "a", "2", 200, "", "Bo");
+    chat("SMS", "a", "3", 300, "the invoice again", "Cy");
+    chat("SMS", "a", "4", 400, "invoice deleted", "Di");
+    m_db->exec("INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at)"
+               " VALUES('wa:msg:p2','send the INVOICE',1,1);"
+               "UPDATE unified_message SET deleted_at=1 WHERE body='invoice deleted';");
+    EXPECT_EQ(searchMessages(*m_db, "invoice", 60),
+        (QList<MessageHit> { { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN" },
+            { "wa:msg:p2", "ct:SMS:2", "Bo", "SMS", "send the INVOICE", 200, "IN" },
+            { "wa:msg:p1", "ct:SMS:1", "Ana", "SMS", "Invoice 7 is paid", 100, "IN" } }));
+    EXPECT_EQ(searchMessages(*m_db, "invoice", 1).size(), 1);
+    EXPECT_EQ(searchMessages(*m_db, "nothing like it", 60).size(), 0);
+}
+
+TEST_F(InboxTest, aReplyGoesToTheNewestConversationOnItsChannel)
+{
+    chat("SMS", "old", "1", 100, "x");
+    chat("SMS", "new", "1", 200, "x");
+    const auto target = replyTarget(*m_db, "ct:SMS:1", "SMS");
+    ASSERT_TRUE(target);
+    EXPECT_EQ(target->account, "new");
+    EXPECT_EQ(target->chatId, "1");
+    EXPECT_FALSE(replyTarget(*m_db, "ct:SMS:1", "EMAIL"));
+}
+
+TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
+{
+    chat("SMS", "a", "1", 300, "third");
+    chat("EMAIL", "b", "x@y.z", 200, "second");
+    chat("SMS", "a", "1", 100, "first");
+    m_db->exec("INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, conv_ids_json,"
+               " created_at) VALUES('mg','local','ct:SMS:1','ct:EMAIL:x@y.z','[]',1);"
+               "UPDATE unified_conversation SET contact_id='ct:SMS:1';"
+               "INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at)"
+               " VALUES('wa:msg:p1','spoken',1,1);"
+               "UPDATE unified_message SET media_type='audio', media_path='/a', status=3 WHERE id='wa:msg:p1';");
+    setReaction(*m_db, "wa:msg:p1", "❤");
+    const auto thread = fetchUnifiedThread(*m_db, "ct:EMAIL:x@y.z", 1000);
+    ASSERT_EQ(thread.size(), 3);
+    EXPECT_EQ(thread[1].body + thread[1].platform, "secondEMAIL");
+    EXPECT_EQ(thread[2],
+        (UnifiedMsgRow { "wa:msg:p1", "IN", "third", "SMS", "a", "1", "p1", 300, QString("audio"), QString("/a"), "", 3,
+            "❤", QString("spoken") }));
+    EXPECT_EQ(thread[0].mediaType, std::nullopt);
+    EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1).first().body, "first"); // the oldest where a limit cuts
+    m_db->exec("UPDATE contact_merge SET undone_at=1; UPDATE unified_message SET deleted_at=1 WHERE ts=200;");
+    EXPECT_EQ(effectiveContactId(*m_db, "ct:EMAIL:x@y.z"), "ct:EMAIL:x@y.z");
+    EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1000).size(), 2);
+}
+
+}

@@ -1,0 +1,167 @@
+#include "Store/CrmQueue.h"
+#include "Store/IngestQueries.h"
+#include "StoreTest.h"
+
+#include <QJsonObject>
+
+namespace corvane {
+
+class IngestTest : public StoreTest {
+protected:
+    IngestTest() { open(); }
+
+    static IncomingMessage message(const char* providerId, const char* body, qint64 ts = 1000)
+    {
+        IncomingMessage incoming;
+        incoming.conversationExternalId = "34600@s.whatsapp.net";
+        incoming.providerMsgId = QString::fromUtf8(providerId);
+        incoming.body = QString::fromUtf8(body);
+        incoming.ts = ts;
+        return incoming;
+    }
+
+    QString store(const IncomingMessage& incoming) { return storeMessage(*m_db, "WHATSAPP", "main", incoming); }
+};
+
+TEST_F(IngestTest, aMessageMakesItsConversationContactAndIdentity)
+{
+    IncomingMessage incoming = message("A1", "hi");
+    incoming.conversationTitle = "Ana";
+    incoming.sender = "Ana R.";
+    EXPECT_EQ(store(incoming), "wa:main:34600@s.whatsapp.net");
+    const QString now = QString::number(m_clock.nowMs());
+    EXPECT_EQ(table("SELECT id, workspace_id, channel, account_id, external_id, title, contact_id, last_ts, unread, "
+                    "updated_at FROM unified_conversation"),
+        QStringList { "wa:main:34600@s.whatsapp.net|local|WHATSAPP|main|34600@s.whatsapp.net|Ana|"
+                      "ct:WHATSAPP:34600@s.whatsapp.net|1000|0|"
+            + now });
+    EXPECT_EQ(table("SELECT id, workspace_id, display_name, updated_at FROM contact"),
+        QStringList { "ct:WHATSAPP:34600@s.whatsapp.net|local|Ana|" + now });
+    EXPECT_EQ(table("SELECT id, workspace_id, contact_id, channel, handle, email, phone, updated_at FROM "
+                    "contact_identity"),
+        QStringList { "id:WHATSAPP:34600@s.whatsapp.net|local|ct:WHATSAPP:34600@s.whatsapp.net|WHATSAPP|"
+                      "34600@s.whatsapp.net|-|34600|"
+            + now });
+    EXPECT_EQ(table("SELECT id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, "
+                    "media_type, media_path, source, updated_at, status FROM unified_message"),
+        QStringList { "wa:msg:A1|local|wa:main:34600@s.whatsapp.net|IN|hi|Ana R.|1000|A1|-|-|local|" + now + "|-" });
+    EXPECT_EQ(m_log.lines(), QStringList());
+}
+
+TEST_F(IngestTest, aRepeatKeepsDirectionSenderAndTimeAndTakesTheNewestBody)
+{
+    IncomingMessage first = message("A1", "first");
+    first.sender = "Ana";
+    first.mediaType = "image";
+    first.mediaPath = "/m/1.jpg";
+    store(first);
+    m_db->exec("UPDATE unified_message SET source='web';");
+    IncomingMessage again = message("A1", "edited", 2000);
+    again.outgoing = true;
+    again.sender = "Else";
+    store(again);
+    EXPECT_EQ(table("SELECT direction, body, sender, ts, media_type, media_path, source FROM unified_message"),
+        QStringList { "IN|edited|Ana|1000|image|/m/1.jpg|web" });
+    store(message("A1", ""));
+    EXPECT_EQ(cell("SELECT body FROM unified_message;"), "");
+}
+
+TEST_F(IngestTest, historyInAnyOrderNeverLosesATitleOrTurnsTimeBack)
+{
+    IncomingMessage named = message("A1", "x", 5000);
+    named.conversationTitle = "Ana";
+    store(named);
+    store(message("A2", "y", 100));
+    EXPECT_EQ(table("SELECT title, last_ts FROM unified_conversation"), QStringList { "Ana|5000" });
+    // Without a title the bare handle is what the contact is called.
+    EXPECT_EQ(cell("SELECT display_name FROM contact;"), "34600@s.whatsapp.net");
+    IncomingMessage blank = message("A3", "z");
+    blank.conversationTitle = "";
+    store(named);
+    store(blank);
+    EXPECT_EQ(cell("SELECT display_name FROM contact;"), "Ana");
+}
+
+TEST_F(IngestTest, unreadRisesOnlyWhenAsked)
+{
+    const QString id = store(message("A1", "x"));
+    raiseUnread(*m_db, id);
+    raiseUnread(*m_db, id);
+    store(message("A2", "y"));
+    EXPECT_EQ(cell("SELECT unread FROM unified_conversation;"), "2");
+}
+
+TEST_F(IngestTest, aStatusOnlyRises)
+{
+    store(message("A1", "x"));
+    raiseMessageStatus(*m_db, "A1", 3);
+    raiseMessageStatus(*m_db, "A1", 2);
+    EXPECT_EQ(cell("SELECT status FROM unified_message;"), "3");
+    raiseMessageStatus(*m_db, "A1", 4);
+    EXPECT_EQ(cell("SELECT status FROM unified_message;"), "4");
+}
+
+TEST_F(IngestTest, reactionsMediaAvatarsAndNamesReachTheirRows)
+{
+    store(message("A1", "x"));
+    setProviderReaction(*m_db, "A1", "👍");
+    updateMessageMedia(*m_db, "A1", QString("audio"), "/m/a.ogg");
+    updateMessageMedia(*m_db, "A1", std::nullopt, "/m/b.ogg");
+    EXPECT_EQ(
+        table("SELECT reaction, media_type, media_path FROM unified_message"), QStringList { "👍|audio|/m/b.ogg" });
+    setProviderReaction(*m_db, "A1", "");
+    EXPECT_EQ(cell("SELECT reaction FROM unified_message;"), "");
+
+    const QString contact = "ct:WHATSAPP:34600@s.whatsapp.net";
+    setContactAvatar(*m_db, contact, "/m/a.jpg");
+    setContactName(*m_db, contact, "Ana");
+    EXPECT_EQ(table("SELECT display_name, avatar_path FROM contact"), QStringList { "Ana|/m/a.jpg" });
+    EXPECT_EQ(table("SELECT entity_type, entity_id, action, origin, payload_json FROM crm_mutation_queue"),
+        QStringList { "contact|" + contact + "|update|local-contact-name|{\"display_name\":\"Ana\"}" });
+}
+
+TEST_F(IngestTest, aHandleTellsAnAddressOrANumber)
+{
+    EXPECT_EQ(matchSignals("EMAIL", " Ana@Example.COM ").email, QString("ana@example.com"));
+    EXPECT_EQ(matchSignals("GMAIL", "thread-1").email, std::nullopt);
+    EXPECT_EQ(matchSignals("WHATSAPP", "34600111@s.whatsapp.net").phone, QString("34600111"));
+    EXPECT_EQ(matchSignals("WHATSAPP", "34600:7@s.whatsapp.net").phone, QString("346007"));
+    EXPECT_EQ(matchSignals("WHATSAPP", "x@s.whatsapp.net").phone, std::nullopt);
+    EXPECT_EQ(matchSignals("WHATSAPP", "123-456@g.us").phone, std::nullopt);
+    EXPECT_EQ(matchSignals("WHATSAPP", "99@lid").phone, std::nullopt);
+    EXPECT_EQ(matchSignals("TELEGRAM", "ana@example.com").email, std::nullopt);
+}
+
+TEST_F(IngestTest, theNewestMessageTimeIsPerChannel)
+{
+    EXPECT_EQ(newestConversationTimestamp(*m_db, "EMAIL"), 0);
+    ensureConversation(*m_db, "EMAIL", "mail", "a@b.c", std::nullopt, 700);
+    ensureConversation(*m_db, "EMAIL", "mail", "d@e.f", std::nullopt, 900);
+    ensureConversation(*m_db, "LINKEDIN", "li", "x", std::nullopt, 2000);
+    EXPECT_EQ(newestConversationTimestamp(*m_db, "EMAIL"), 900);
+    m_db->exec("UPDATE unified_conversation SET deleted_at=1 WHERE external_id='d@e.f';");
+    EXPECT_EQ(newestConversationTimestamp(*m_db, "EMAIL"), 700);
+    m_db->exec("DROP TABLE unified_conversation;");
+    EXPECT_EQ(newestConversationTimestamp(*m_db, "EMAIL"), 0);
+}
+
+TEST_F(IngestTest, editsThatWaitForTheWebBecomeOne)
+{
+    recordCRMMutation(*m_db, "task", "tk:1", "update", "native-ui", { { "title", "one" } });
+    m_db->exec("UPDATE crm_mutation_queue SET error='offline';");
+    const QString id = cell("SELECT id FROM crm_mutation_queue;");
+    m_clock.advance(seconds(1));
+    recordCRMMutation(*m_db, "task", "tk:1", "update", "native-ui", { { "title", "two" }, { "due", "" } });
+    const QString columns = "SELECT id, idempotency_key, payload_json, status, attempts, error, created_at, updated_at "
+                            "FROM crm_mutation_queue ORDER BY created_at";
+    const qint64 now = m_clock.nowMs();
+    EXPECT_EQ(table(columns),
+        QStringList { id + "|local:task:tk:1:update:native-ui|{\"due\":\"\",\"title\":\"two\"}|pending|0|-|"
+            + QStringLiteral("%1|%2").arg(now - 1000).arg(now) });
+    m_db->exec("UPDATE crm_mutation_queue SET status='sent';");
+    m_clock.advance(seconds(1));
+    recordCRMMutation(*m_db, "task", "tk:1", "update", "native-ui", {});
+    EXPECT_EQ(table(columns).size(), 2);
+}
+
+}

@@ -1,0 +1,128 @@
+#include "Store/IngestQueries.h"
+#include "Store/OutboundQueries.h"
+#include "Store/SyncQueries.h"
+#include "Store/Workspaces.h"
+#include "StoreTest.h"
+
+namespace corvane {
+
+class OutboundTest : public StoreTest {
+protected:
+    OutboundTest()
+    {
+        open();
+        m_conversation = ensureConversation(*m_db, "SMS", "main", "34600", QString("Ana"), 5);
+    }
+
+    QString queue(const char* body)
+    {
+        EXPECT_TRUE(queueDraft(*m_db, m_conversation, QString::fromUtf8(body), "compose"));
+        return fetchDrafts(*m_db, { "pending" }, 50).last().id;
+    }
+
+    QString status(const QString& id)
+    {
+        return m_db->scalar("SELECT status FROM outbound_draft WHERE id=?;", { id }).value_or("-");
+    }
+
+    QString m_conversation;
+};
+
+TEST_F(OutboundTest, aDraftIsQueuedForItsConversation)
+{
+    const QString id = queue("hello");
+    EXPECT_TRUE(id.startsWith(QStringLiteral("od:%1:").arg(m_clock.nowMs())));
+    const QList<PendingDraft> expected { { id, m_conversation, "SMS", "main", "34600", "Ana", "hello", "pending",
+        "compose", "", "", "" } };
+    EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50), expected);
+    EXPECT_EQ(fetchDrafts(*m_db, { "approved" }, 50).size(), 0);
+    EXPECT_EQ(fetchDrafts(*m_db, {}, 50).size(), 0);
+    m_db->exec("UPDATE unified_conversation SET title=NULL;");
+    m_clock.advance(seconds(1));
+    queue("untitled");
+    EXPECT_EQ(fetchDrafts(*m_db, { "pending" }, 50).last().title, "34600");
+}
+
+TEST_F(OutboundTest, aDeletedOrUnknownConversationTakesNoDraft)
+{
+    EXPECT_FALSE(queueDraft(*m_db, "wa:main:nobody", "x", "compose"));
+    m_db->exec("UPDATE unified_conversation SET deleted_at=1;");
+    EXPECT_FALSE(queueDraft(*m_db, m_conversation, "x", "compose"));
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0");
+}
+
+TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
+{
+    for (const char* state : { "placed", "sending", "pending", "failed", "pending" }) {
+        m_clock.advance(seconds(1));
+        markDraft(*m_db, queue(state), QString::fromUtf8(state));
+    }
+    QStringList order;
+    for (const PendingDraft& draft : fetchDrafts(*m_db, { "failed", "pending", "sending", "placed" }, 4))
+        order.append(draft.status);
+    EXPECT_EQ(order, (QStringList { "failed", "pending", "pending", "sending" }));
+    m_db->exec("UPDATE outbound_draft SET workspace_id='elsewhere';");
+    EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50).size(), 0);
+}
+
+TEST_F(OutboundTest, anAcknowledgmentClosesADraftEitherWay)
+{
+    const QString id = queue("x");
+    markDraftFailed(*m_db, id, "no signal");
+    EXPECT_EQ(fetchDrafts(*m_db, { "failed" }, 1).first().error, "no signal");
+    markDraftCompleted(*m_db, id, "placed", std::nullopt);
+    markDraftCompleted(*m_db, id, "sent", QString("P9"));
+    EXPECT_EQ(table("SELECT status, provider_msg_id, error FROM outbound_draft"), QStringList { "sent|P9|-" });
+}
+
+TEST_F(OutboundTest, aDraftInFlightIsNotEdited)
+{
+    const QString id = queue("first");
+    updateDraftBody(*m_db, id, "second");
+    markDraft(*m_db, id, "sending");
+    updateDraftBody(*m_db, id, "third");
+    EXPECT_EQ(cell("SELECT body FROM outbound_draft;"), "second");
+}
+
+TEST_F(OutboundTest, onlyASendThatIsTooOldFails)
+{
+    const QString sending = queue("a");
+    m_clock.advance(seconds(1));
+    const QString placed = queue("b");
+    markDraft(*m_db, sending, "sending");
+    markDraft(*m_db, placed, "placed");
+    m_clock.advance(seconds(120));
+    failStaleSendingDrafts(*m_db, 120'000);
+    EXPECT_EQ(status(sending), "sending");
+    m_clock.advance(Milliseconds(1));
+    failStaleSendingDrafts(*m_db, 120'000);
+    EXPECT_EQ(status(sending), "failed");
+    EXPECT_EQ(status(placed), "placed");
+    EXPECT_EQ(
+        fetchDrafts(*m_db, { "failed" }, 1).first().error, "Engine never acknowledged the send — Retry to requeue.");
+}
+
+TEST_F(OutboundTest, syncHealthIsListedWithUnknownSourcesLast)
+{
+    m_db->exec("INSERT INTO sync_health(source, status, last_started_at, cursor, counts_json, last_error, updated_at)"
+               " VALUES('zzz','ok',NULL,0,'{}',NULL,1), ('corvane_ingest','ok',NULL,0,'{}',NULL,1),"
+               " ('crm','ok',NULL,0,'{}',NULL,1), ('bootstrap','error',7,3,'{\"a\":1}','down',1),"
+               " ('outbound_drafts','ok',NULL,0,'{}',NULL,1), ('inbox','ok',NULL,0,'{}',NULL,1);");
+    const auto rows = fetchSyncHealthRows(*m_db);
+    QStringList sources;
+    for (const SyncHealthRow& row : rows)
+        sources.append(row.source);
+    EXPECT_EQ(sources, (QStringList { "bootstrap", "inbox", "outbound_drafts", "crm", "corvane_ingest", "zzz" }));
+    EXPECT_EQ(rows.first(), (SyncHealthRow { "bootstrap", "error", 7, std::nullopt, 3, "{\"a\":1}", "down" }));
+}
+
+TEST_F(OutboundTest, aPullIsAskedForInTheActiveWorkspace)
+{
+    selectWorkspace(*m_db, "w1");
+    const QString id = queueWebPullSync(*m_db, "settings");
+    EXPECT_TRUE(id.startsWith(QStringLiteral("sync:%1:").arg(m_clock.nowMs())));
+    EXPECT_EQ(table("SELECT id, workspace_id, kind, status, source, requested_at, started_at FROM sync_command"),
+        QStringList { id + QStringLiteral("|w1|web_pull|pending|settings|%1|-").arg(m_clock.nowMs()) });
+}
+
+}
