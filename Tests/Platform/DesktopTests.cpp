@@ -1,0 +1,150 @@
+#include "Platform/Linux/LinuxDesktop.h"
+
+#include "Platform/SettingsPortal.h"
+#include "Support/Await.h"
+#include "Support/LogCapture.h"
+#include "Support/Print.h"
+#include "Support/PrivateBus.h"
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPalette>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+constexpr uint preferDark = 1;
+constexpr uint preferLight = 2;
+
+class DesktopTest : public testing::Test {
+protected:
+    DesktopTest() { QGuiApplication::setDesktopFileName("com.nimb.corvane"); }
+    ~DesktopTest() override
+    {
+        QGuiApplication::setDesktopFileName(QString());
+        QGuiApplication::setPalette(QPalette());
+    }
+
+    static void setWindowColour(const QColor& colour)
+    {
+        QPalette palette;
+        palette.setColor(QPalette::Window, colour);
+        QGuiApplication::setPalette(palette);
+        QCoreApplication::processEvents();
+    }
+
+    PrivateBus privateBus;
+    QDBusConnection bus = privateBus.connect();
+    QDBusConnection desktopBus = privateBus.connect();
+};
+
+}
+
+TEST_F(DesktopTest, theAppearanceFollowsThePortal)
+{
+    SettingsPortal portal(desktopBus,
+        { { "org.freedesktop.appearance/color-scheme", preferDark },
+            { "org.gnome.desktop.interface/enable-animations", false } });
+    LinuxDesktop desktop(bus);
+    int changes = 0;
+    QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light) << "nothing waits for the portal";
+    EXPECT_FALSE(desktop.prefersReducedMotion());
+    privateBus.settle();
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark);
+    EXPECT_TRUE(desktop.prefersReducedMotion());
+    EXPECT_EQ(changes, 2);
+
+    portal.change("org.freedesktop.appearance", "color-scheme", preferLight);
+    portal.change("org.freedesktop.appearance", "accent-color", 1.0);
+    portal.change("org.gnome.desktop.interface", "color-scheme", "prefer-dark");
+    privateBus.settle();
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light);
+    EXPECT_EQ(changes, 3);
+    setWindowColour(Qt::black);
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light) << "what the person chose counts before the palette";
+    portal.change("org.freedesktop.appearance", "color-scheme", 0U);
+    portal.change("org.gnome.desktop.interface", "enable-animations", true);
+    privateBus.settle();
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark) << "without a choice the palette decides";
+    EXPECT_FALSE(desktop.prefersReducedMotion());
+}
+
+TEST_F(DesktopTest, aPortalMayComeLate)
+{
+    LinuxDesktop desktop(bus);
+    privateBus.settle();
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light);
+    const SettingsPortal portal(desktopBus, { { "org.freedesktop.appearance/color-scheme", preferDark } });
+    privateBus.settle();
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark);
+    EXPECT_FALSE(desktop.prefersReducedMotion()) << "a setting that the portal does not know says nothing";
+}
+
+TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
+{
+    LinuxDesktop desktop(noBus());
+    int changes = 0;
+    QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
+    desktop.setBadge(3);
+    setWindowColour(QColor(30, 30, 30));
+    EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark);
+    setWindowColour(QColor(31, 31, 31));
+    EXPECT_EQ(changes, 1);
+    EXPECT_FALSE(desktop.hostName().isEmpty());
+}
+
+TEST_F(DesktopTest, theBadgeReachesDocksThatAreThereAndThoseThatComeLater)
+{
+    LinuxDesktop desktop(bus);
+    desktop.setBadge(7);
+    privateBus.settle();
+    {
+        const Dock dock(desktopBus);
+        privateBus.settle();
+        desktop.setBadge(7);
+        desktop.setBadge(120);
+        desktop.setBadge(0);
+        privateBus.settle();
+        EXPECT_EQ(dock.updates.join(u'\n'),
+            "application://com.nimb.corvane.desktop 7 visible\n"
+            "application://com.nimb.corvane.desktop 120 visible\n"
+            "application://com.nimb.corvane.desktop 0 hidden");
+    }
+    QGuiApplication::setDesktopFileName(QString());
+    const Dock dock(desktopBus);
+    desktop.setBadge(1);
+    privateBus.settle();
+    EXPECT_TRUE(dock.updates.isEmpty()) << "a dock knows programs by their desktop entry only";
+}
+
+TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
+{
+    const QTemporaryDir folder;
+    QFile script(folder.filePath("xdg-open"));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" > \"$0.part\" && mv \"$0.part\" \"$0.opened\"\n");
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
+
+    LinuxDesktop desktop(noBus());
+    LogCapture log;
+    desktop.openInBrowser(QUrl("file:///etc/passwd"));
+    desktop.openInBrowser(QUrl("https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a b;$(x)"));
+    QFile opened(script.fileName() + ".opened");
+    ASSERT_TRUE(await([&] { return opened.exists(); }));
+    ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString(opened.readAll()),
+        "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|");
+    EXPECT_EQ(log.lines(), QStringList("Desktop.openInBrowser: not a web address: file:///etc/passwd"));
+
+    qputenv("PATH", "/nonexistent");
+    desktop.openInBrowser(QUrl("https://nimb.test"));
+    EXPECT_TRUE(log.contains("xdg-open does not start"));
+    qputenv("PATH", path);
+}

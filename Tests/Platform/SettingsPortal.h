@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusError>
+#include <QDBusVariant>
+#include <QObject>
+#include <QVariantMap>
+
+namespace corvane {
+
+/// The settings portal of a desktop on a private bus.
+class SettingsPortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+public:
+    SettingsPortal(const QDBusConnection& bus, const QVariantMap& initialValues)
+        : values(initialValues)
+        , m_bus(bus)
+    {
+        m_bus.registerObject("/org/freedesktop/portal/desktop", this,
+            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals);
+        m_bus.registerService("org.freedesktop.portal.Desktop");
+    }
+    ~SettingsPortal() override { m_bus.unregisterService("org.freedesktop.portal.Desktop"); }
+
+    void change(const QString& group, const QString& key, const QVariant& value)
+    {
+        values[group + u'/' + key] = value;
+        Q_EMIT SettingChanged(group, key, QDBusVariant(value));
+    }
+
+    QVariantMap values; ///< by "group/key"
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusVariant Read(const QString& group, const QString& key)
+    {
+        const QVariant value = values.value(group + u'/' + key);
+        if (!value.isValid())
+            sendErrorReply("org.freedesktop.portal.Error.NotFound", "Requested setting not found");
+        // Real portals wrap the value twice here.
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(value)));
+    }
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    QDBusConnection m_bus;
+};
+
+/// A dock that shows the badges of programs.
+class Dock final : public QObject {
+    Q_OBJECT
+public:
+    explicit Dock(const QDBusConnection& bus)
+        : m_bus(bus)
+    {
+        m_bus.connect(QString(), QString(), "com.canonical.Unity.LauncherEntry", "Update", this,
+            SLOT(onUpdate(QString, QVariantMap)));
+        m_bus.registerService("com.canonical.Unity");
+    }
+    ~Dock() override { m_bus.unregisterService("com.canonical.Unity"); }
+
+    QStringList updates;
+
+public Q_SLOTS:
+    void onUpdate(const QString& application, const QVariantMap& properties)
+    {
+        const bool isInt64 = properties.value("count").metaType() == QMetaType::fromType<qlonglong>();
+        updates.append(QString("%1 %2 %3")
+                .arg(application, isInt64 ? properties.value("count").toString() : "not an int64",
+                    properties.value("count-visible").toBool() ? "visible" : "hidden"));
+    }
+
+private:
+    QDBusConnection m_bus;
+};
+
+}
