@@ -139,6 +139,25 @@ TEST_F(InboxTest, aReplyGoesToTheNewestConversationOnItsChannel)
     EXPECT_FALSE(replyTarget(*m_db, "ct:SMS:1", "EMAIL"));
 }
 
+TEST_F(InboxTest, theTabsCountPeopleAndNotConversations)
+{
+    const qint64 now = m_clock.nowMs();
+    const QString first = chat("SMS", "a", "1", now, "new");
+    raiseUnread(*m_db, first);
+    raiseUnread(*m_db, chat("EMAIL", "b", "x@y.z", 1, "old"));
+    raiseUnread(*m_db, chat("SMS", "a", "2", 1, "put away"));
+    archiveContact(*m_db, "ct:SMS:2");
+    m_db->exec("UPDATE unified_conversation SET contact_id='ct:SMS:1' WHERE contact_id LIKE 'ct:EMAIL:%';");
+    EXPECT_EQ(fetchInboxCounts(*m_db).needsMe, 1);
+    EXPECT_EQ(fetchInboxCounts(*m_db).today, 1);
+    markAllRead(*m_db);
+    EXPECT_EQ(fetchInboxCounts(*m_db).needsMe, 0);
+
+    EXPECT_EQ(newestMediaType(*m_db, "ct:SMS:1"), "");
+    m_db->exec("UPDATE unified_message SET media_type='video' WHERE body='new';");
+    EXPECT_EQ(newestMediaType(*m_db, "ct:SMS:1"), "video");
+}
+
 TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
 {
     chat("SMS", "a", "1", 300, "third");

@@ -64,7 +64,7 @@ public:
     Q_INVOKABLE void moveDown() { setIndex(m_index + 1); }
     Q_INVOKABLE void runHighlighted() { run(m_index); }
     Q_INVOKABLE void run(int index);
-    Q_INVOKABLE void close() { Q_EMIT closed(); }
+    Q_INVOKABLE void close();
 
 Q_SIGNALS:
     void queryChanged();
@@ -80,6 +80,7 @@ private:
     int m_index = 0;
     QList<ContactRow> m_contacts;
     bool m_hasSelection = false;
+    bool m_isOpen = false; ///< a closed palette is not kept up to date
     RowListModel<PaletteItem> m_items;
 };
 

@@ -6,6 +6,8 @@
 
 namespace corvane {
 
+class DateWords;
+
 /// A person of the list in the words of the screen.
 class ContactItem {
     Q_GADGET
@@ -51,7 +53,7 @@ public:
 
 /// Everything but `dateGroup`, `selected` and `checked`. `mediaType` names the newest message's medium where
 /// that message has no text.
-ContactItem contactItem(const ContactRow& row, const QString& mediaType, qint64 nowMs);
+ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words);
 
 /// A message that the search found, in the words of the screen.
 class MessageHitItem {
@@ -84,6 +86,6 @@ public:
     bool operator==(const MessageHitItem&) const = default;
 };
 
-MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, qint64 nowMs);
+MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const DateWords& words);
 
 }

@@ -4,6 +4,8 @@
 
 namespace corvane {
 
+class DateWords;
+
 enum class ViewMode { Contacts, Messages }; ///< a flat list, or grouped by date
 enum class SortMode { Recent, Unread };
 
@@ -28,10 +30,11 @@ QList<ContactRow> visible(const QList<ContactRow>& contacts, const InboxState& s
 struct DateGroup {
     QString label;
     QList<ContactRow> rows;
+    qint64 newestTs = 0; ///< milliseconds since the epoch
 };
 
 /// By the day of the newest message; the group with the newest message first.
-QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, qint64 nowMs);
+QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateWords& words);
 
 // The words of a list with nothing in it.
 QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel);

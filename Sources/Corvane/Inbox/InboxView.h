@@ -9,6 +9,7 @@
 #include "Inbox/ThreadView.h"
 #include "Inbox/WebStaleness.h"
 
+#include <QSet>
 #include <QVariantList>
 
 namespace corvane {
@@ -27,8 +28,8 @@ class InboxView : public QObject {
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(QString channelFilter READ channelFilter WRITE setChannelFilter NOTIFY narrowingChanged)
     Q_PROPERTY(QString accountFilter READ accountFilter WRITE setAccountFilter NOTIFY narrowingChanged)
-    Q_PROPERTY(QVariantList channelChoices READ channelChoices NOTIFY changed) ///< of {key, label}
-    Q_PROPERTY(QVariantList accountChoices READ accountChoices NOTIFY changed) ///< of {key, label}
+    Q_PROPERTY(QVariantList channelChoices READ channelChoices NOTIFY choicesChanged) ///< of {key, label}
+    Q_PROPERTY(QVariantList accountChoices READ accountChoices NOTIFY choicesChanged) ///< of {key, label}
     Q_PROPERTY(QString channelFilterLabel READ channelFilterLabel NOTIFY narrowingChanged)
     Q_PROPERTY(QString accountFilterLabel READ accountFilterLabel NOTIFY narrowingChanged)
     Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
@@ -41,7 +42,8 @@ class InboxView : public QObject {
     // What is open
     Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
     Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< row in `contacts`, or -1
-    Q_PROPERTY(corvane::ContactItem selected READ selected NOTIFY changed) ///< with an empty id where nothing is open
+    Q_PROPERTY(
+        corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nothing is open
     Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(QString replyPlatform READ replyPlatform NOTIFY selectionChanged)
@@ -51,7 +53,8 @@ class InboxView : public QObject {
     Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
     Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
     Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
-    Q_PROPERTY(QVariantList stalenessBanners READ stalenessBanners NOTIFY changed) ///< of {channel, text}
+    Q_PROPERTY(
+        QVariantList stalenessBanners READ stalenessBanners NOTIFY stalenessChanged) ///< of {channel, text, queued}
     Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the rows picked for one action
     Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty where nothing can be undone
 public:
@@ -67,21 +70,21 @@ public:
     explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
     ~InboxView() override;
 
-    QVariantList tabs() const;
+    const QVariantList& tabs() const { return m_tabs; }
     QString filterWord() const;
     void setFilterWord(const QString& word); ///< an unknown word changes nothing, here and below
     QString viewModeWord() const;
     void setViewModeWord(const QString& word);
     QString sortWord() const;
     void setSortWord(const QString& word);
-    const QString& search() const { return m_state.search; }
+    const QString& search() const { return m_search; }
     void setSearch(const QString& search); ///< takes effect a quarter of a second after the last key
     const QString& channelFilter() const { return m_state.channelFilter; }
     void setChannelFilter(const QString& channel);
     const QString& accountFilter() const { return m_state.accountFilter; }
     void setAccountFilter(const QString& slug);
-    QVariantList channelChoices() const;
-    QVariantList accountChoices() const;
+    const QVariantList& channelChoices() const { return m_channelChoices; }
+    const QVariantList& accountChoices() const { return m_accountChoices; }
     QString channelFilterLabel() const;
     QString accountFilterLabel() const;
     QAbstractItemModel* contacts() { return &m_contactModel; }
@@ -105,7 +108,7 @@ public:
     void setShowPalette(bool show);
     CommandPalette* palette() { return &m_palette; }
     const QString& workspaceNotice() const { return m_workspaceNotice; }
-    QVariantList stalenessBanners() const;
+    const QVariantList& stalenessBanners() const { return m_banners; }
     BulkSelection* bulk() { return &m_bulk; }
     const QString& undoText() const { return m_undoText; }
 
@@ -133,11 +136,14 @@ public:
 Q_SIGNALS:
     void changed(); ///< after each reload and each change of what is shown
     void tabsChanged();
+    void choicesChanged();
+    void stalenessChanged();
     void filterChanged();
     void viewChanged();
     void searchChanged();
     void narrowingChanged();
-    void selectionChanged();
+    void selectionChanged(); ///< another person is open
+    void selectedChanged(); ///< or the facts of the person who is
     void jumped();
     void onScreenChanged();
     void showCRMChanged();
@@ -147,31 +153,75 @@ Q_SIGNALS:
 
 private:
     LocalDB& db() const;
+    QString accountLabel(const QString& slug) const;
+    QString mediaTypeOf(const ContactRow& row); ///< of the newest message, where it has no text
+    InboxState asTyped() const; ///< with the search as it is now
+    void narrow(const InboxState& state);
+    void refreshHits();
+    void requestMissingAvatars();
+    void refreshSyncVisibility();
     void present();
+    void presentChoices();
+    void presentBanners();
+    void presentCounts();
+
     const ContactRow* find(const QString& contactId) const;
+    void openContact(const ContactRow& row);
+    void close();
+    void tellWhatIsOpen();
+    void tellRead(const QString& contactId); ///< in the store, and WhatsApp
+    void readWhatArrived();
+    void archive(const QStringList& contactIds, const QString& text);
+    void runPaletteAction(PaletteAction action);
+    void afterAction();
 
     EngineManager& m_engine;
     AccountStore& m_accounts;
     UserDefaults& m_defaults;
     Scheduler& m_scheduler;
 
-    InboxState m_state;
+    InboxState m_state; ///< what the rows were made for
+    QString m_search; ///< as typed; `m_state` follows
     bool m_loading = true;
     QList<ContactRow> m_contacts;
+    QHash<QString, std::pair<qint64, QString>> m_mediaTypes; ///< by contact: newest time, medium
     RowListModel<ContactItem> m_contactModel;
     RowListModel<MessageHitItem> m_hitModel;
+    QString m_hitsQuery;
+    QVariantList m_tabs;
+    QVariantList m_channelChoices;
+    QVariantList m_accountChoices;
+
     QString m_selectedId;
+    ContactRow m_selectedRow; ///< as last seen: a filter may have hidden it since
+    int m_selectedPlace = 0; ///< where in the list the selection last stood
     ContactItem m_selected;
     QString m_jumpMsgId;
     QString m_replyPlatform;
     ThreadView m_thread;
     CommandPalette m_palette;
-    bool m_onScreen = false;
+    BulkSelection m_bulk;
+
+    bool m_onScreen = true;
     bool m_showCRM = true;
     bool m_showPalette = false;
     QString m_workspaceNotice;
-    BulkSelection m_bulk;
+    QList<SyncHealthRow> m_syncHealthRows;
+    QHash<QString, qint64> m_newestWebChannelMessageAt;
+    bool m_retryQueued = false; ///< since the web last reported
+    QVariantList m_banners;
+    QStringList m_undoIds;
     QString m_undoText;
+    QSet<QString> m_avatarRequested;
+
+    Coalescer m_reloadSoon;
+    Coalescer m_hitsSoon;
+    Coalescer m_countsSoon;
+    std::unique_ptr<Timer> m_searchDebounce;
+    std::unique_ptr<Timer> m_midnight;
+    std::unique_ptr<Timer> m_undoEnd;
+    NotificationCentre::Observation m_workspaceChanged;
+    NotificationCentre::Observation m_conversationAsked;
 };
 
 }

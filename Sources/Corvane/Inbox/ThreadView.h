@@ -52,8 +52,7 @@ Q_SIGNALS:
     void highlightChanged();
     void loadingMoreChanged();
     void errorTextChanged();
-    void announced(const QString& text); ///< a message came into the open thread: to be read aloud politely
-    void reacted(); ///< the store holds a new reaction
+    void announced(const QString& text); ///< a message came in: to be read aloud, politely
 
 private:
     void present();
@@ -64,6 +63,7 @@ private:
     AccountStore& m_accounts;
     Scheduler& m_scheduler;
     ContactRow m_contact;
+    bool m_loaded = false; ///< whether m_messages is of this contact
     QList<UnifiedMsgRow> m_messages;
     RowListModel<ThreadRow> m_rows;
     QString m_highlightId;

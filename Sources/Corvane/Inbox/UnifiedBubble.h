@@ -30,7 +30,7 @@ QString mediaWord(const QString& mediaType);
 std::optional<QString> textBehindMark(const QString& body);
 
 struct MediaState {
-    enum class Kind { None, Ready, Download, Downloading, Failed, Missing, Elsewhere };
+    enum class Kind { None, Ready, Download, Downloading, Failed, Missing };
     Kind kind = Kind::None;
     QString text;
 };

@@ -6,6 +6,8 @@
 
 namespace corvane {
 
+class DateWords;
+
 /// The channels that come only through the web.
 inline const QStringList webOnlyChannels { QStringLiteral("LINKEDIN"), QStringLiteral("EMAIL") };
 
@@ -22,6 +24,6 @@ struct WebStaleness {
 QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList<SyncHealthRow>& health,
     const QHash<QString, qint64>& newest, qint64 nowMs);
 
-QString stalenessText(const WebStaleness& staleness, qint64 nowMs);
+QString stalenessText(const WebStaleness& staleness, const DateWords& words);
 
 }

@@ -56,6 +56,34 @@ QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& 
     return db.rows(contactsStatement(filter, db.nowMs()), { workspace, account, account, limit }, contactRow);
 }
 
+InboxCounts fetchInboxCounts(LocalDB& db)
+{
+    const QString workspace = activeWorkspaceId(db);
+    const auto people = [&](const QString& condition) {
+        return db
+            .scalar(QStringLiteral(R"(SELECT COUNT(DISTINCT ct.id)
+FROM unified_conversation c JOIN contact ct ON ct.id=c.contact_id
+WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL AND %1
+  AND ct.workspace_id=? AND ct.deleted_at IS NULL;)")
+                        .arg(condition),
+                { workspace, workspace })
+            .value_or(QString())
+            .toInt();
+    };
+    const QString today = QStringLiteral("c.last_ts >= %1").arg(startOfTodayMs(db.nowMs()));
+    return { people(QStringLiteral("c.unread > 0")), people(today) };
+}
+
+QString newestMediaType(LocalDB& db, const QString& contactId)
+{
+    return db
+        .scalar(R"(SELECT m.media_type FROM unified_message m
+JOIN unified_conversation cc ON m.conversation_id=cc.id
+WHERE cc.contact_id=? AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1;)",
+            { contactId })
+        .value_or(QString());
+}
+
 QList<MessageHit> searchMessages(LocalDB& db, const QString& query, int limit)
 {
     const QString pattern = u'%' + query + u'%';

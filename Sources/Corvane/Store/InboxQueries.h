@@ -46,6 +46,17 @@ struct ReplyTarget {
 /// Newest first. An empty `account` means every account.
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit);
 
+/// How many people stand under a filter.
+struct InboxCounts {
+    int needsMe = 0;
+    int today = 0;
+};
+
+InboxCounts fetchInboxCounts(LocalDB& db);
+
+/// The medium of the contact's newest message; empty where it has none.
+QString newestMediaType(LocalDB& db, const QString& contactId);
+
 /// Messages and transcripts that contain the text, newest first, over all workspaces.
 QList<MessageHit> searchMessages(LocalDB& db, const QString& query, int limit);
 

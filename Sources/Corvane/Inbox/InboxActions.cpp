@@ -1,0 +1,339 @@
+// What a person does with the list: opening, archiving, muting, reading, and what the view does on its own
+// for the people it shows.
+
+#include "Inbox/InboxView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Inbox/DateWords.h"
+#include "Inbox/ReplyRouting.h"
+#include "Store/IngestQueries.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds undoTime { 10'000 };
+const QString whatsApp = QStringLiteral("WHATSAPP");
+
+}
+
+int InboxView::selectedIndex() const
+{
+    const auto& rows = m_contactModel.rows();
+    const auto found = std::ranges::find(rows, m_selectedId, &ContactItem::id);
+    return m_selectedId.isEmpty() || found == rows.end() ? -1 : int(found - rows.begin());
+}
+
+const ContactRow* InboxView::find(const QString& contactId) const
+{
+    const auto found = std::ranges::find(m_contacts, contactId, &ContactRow::id);
+    return found == m_contacts.end() ? nullptr : &*found;
+}
+
+void InboxView::select(const QString& contactId)
+{
+    if (contactId.isEmpty()) {
+        close();
+        present();
+        return;
+    }
+    if (const ContactRow* row = find(contactId)) {
+        openContact(*row);
+        return;
+    }
+    // Not in the list, as it is filtered or beyond its end: the id tells what a row would.
+    ContactRow row;
+    row.id = contactId;
+    row.name = contactId.section(u':', 2);
+    row.platforms = QStringList { contactId.section(u':', 1, 1) };
+    openContact(row);
+}
+
+void InboxView::openContact(const ContactRow& row)
+{
+    m_selectedId = row.id;
+    m_selectedRow = row;
+    m_replyPlatform = preferredReplyPlatform(m_defaults, row);
+    m_jumpMsgId.clear();
+    m_palette.setHasSelection(true);
+    tellWhatIsOpen();
+    tellRead(row.id);
+    Q_EMIT selectionChanged();
+    afterAction();
+}
+
+void InboxView::close()
+{
+    if (m_selectedId.isEmpty())
+        return;
+    m_selectedId.clear();
+    m_selectedRow = {};
+    m_replyPlatform.clear();
+    m_jumpMsgId.clear();
+    m_palette.setHasSelection(false);
+    tellWhatIsOpen();
+    m_thread.open({});
+    Q_EMIT selectionChanged();
+}
+
+void InboxView::tellWhatIsOpen()
+{
+    m_engine.setOpenContactId(m_onScreen ? m_selectedId : QString());
+}
+
+void InboxView::moveSelection(int delta)
+{
+    const auto& rows = m_contactModel.rows();
+    if (rows.isEmpty() || delta == 0)
+        return;
+    // Where the open row has left the list, the one below stands in its place.
+    const int current = selectedIndex();
+    const int step = current < 0 && delta > 0 ? delta - 1 : delta;
+    const int target = std::clamp((current < 0 ? m_selectedPlace : current) + step, 0, int(rows.size()) - 1);
+    if (target != current)
+        select(QString(rows.at(target).id));
+}
+
+void InboxView::openHit(const QString& messageId)
+{
+    const auto& hits = m_hitModel.rows();
+    const auto hit = std::ranges::find(hits, messageId, &MessageHitItem::id);
+    if (hit == hits.end())
+        return;
+    if (const ContactRow* row = find(hit->contactId)) {
+        openContact(*row);
+    } else {
+        ContactRow stranger;
+        stranger.id = hit->contactId;
+        stranger.name = hit->name;
+        stranger.platforms = QStringList { hit->platform };
+        openContact(stranger);
+    }
+    m_jumpMsgId = messageId;
+    m_thread.highlight(messageId);
+    Q_EMIT jumped();
+}
+
+void InboxView::setOnScreen(bool onScreen)
+{
+    if (m_onScreen == onScreen)
+        return;
+    m_onScreen = onScreen;
+    tellWhatIsOpen();
+    if (onScreen)
+        m_reloadSoon.request();
+    Q_EMIT onScreenChanged();
+}
+
+void InboxView::setShowCRM(bool show)
+{
+    if (m_showCRM == show)
+        return;
+    m_showCRM = show;
+    Q_EMIT showCRMChanged();
+}
+
+void InboxView::setShowPalette(bool show)
+{
+    if (m_showPalette == show)
+        return;
+    m_showPalette = show;
+    if (show)
+        m_palette.open();
+    else
+        m_palette.close();
+    Q_EMIT showPaletteChanged();
+}
+
+void InboxView::runPaletteAction(PaletteAction action)
+{
+    switch (action) {
+    case PaletteAction::ArchiveCurrent:
+        archiveSelected();
+        break;
+    case PaletteAction::MuteCurrent:
+        muteSelected();
+        break;
+    case PaletteAction::ToggleCRM:
+        setShowCRM(!m_showCRM);
+        break;
+    case PaletteAction::MarkAllRead:
+        markAllRead();
+        break;
+    }
+}
+
+void InboxView::afterAction()
+{
+    reload();
+    m_engine.refreshUnreadBadge();
+}
+
+void InboxView::archiveSelected()
+{
+    if (!m_selectedId.isEmpty())
+        archive({ m_selectedId }, QStringLiteral("Archived ") + m_selected.name);
+}
+
+void InboxView::archiveChecked()
+{
+    const QStringList ids = m_bulk.ids();
+    if (ids.size() == 1)
+        archive(ids, QStringLiteral("Archived 1 conversation"));
+    else if (!ids.isEmpty())
+        archive(ids, QStringLiteral("Archived %1 conversations").arg(ids.size()));
+}
+
+void InboxView::archive(const QStringList& contactIds, const QString& text)
+{
+    for (const QString& contactId : contactIds)
+        archiveContact(db(), contactId);
+    if (contactIds.contains(m_selectedId))
+        close();
+    m_bulk.clear();
+    m_undoIds = contactIds;
+    m_undoText = text;
+    m_undoEnd = m_scheduler.after(undoTime, [this] { dismissUndo(); });
+    Q_EMIT undoChanged();
+    afterAction();
+}
+
+void InboxView::undo()
+{
+    for (const QString& contactId : std::as_const(m_undoIds))
+        unarchiveContact(db(), contactId);
+    dismissUndo();
+    afterAction();
+}
+
+void InboxView::dismissUndo()
+{
+    m_undoIds.clear();
+    m_undoText.clear();
+    m_undoEnd.reset();
+    Q_EMIT undoChanged();
+}
+
+void InboxView::unarchive(const QString& contactId)
+{
+    unarchiveContact(db(), contactId);
+    afterAction();
+}
+
+void InboxView::muteSelected()
+{
+    if (m_selectedId.isEmpty())
+        return;
+    setMuted(db(), m_selectedId, !isMuted(db(), m_selectedId));
+    afterAction();
+}
+
+void InboxView::muteChecked()
+{
+    const QStringList ids = m_bulk.ids();
+    const bool mute = std::ranges::any_of(ids, [this](const QString& id) { return !isMuted(db(), id); });
+    for (const QString& id : ids)
+        setMuted(db(), id, mute);
+    m_bulk.clear();
+    afterAction();
+}
+
+void InboxView::markAllRead()
+{
+    corvane::markAllRead(db());
+    afterAction();
+}
+
+void InboxView::markCheckedRead()
+{
+    for (const QString& id : m_bulk.ids())
+        tellRead(id);
+    m_bulk.clear();
+    afterAction();
+}
+
+void InboxView::tellRead(const QString& contactId)
+{
+    markRead(db(), contactId);
+    const auto target = replyTarget(db(), contactId, whatsApp);
+    const auto account = target ? m_accounts.findBySlug(target->account) : std::nullopt;
+    if (account)
+        m_engine.markRead(*account, target->chatId);
+}
+
+void InboxView::readWhatArrived()
+{
+    if (!m_onScreen || m_selectedRow.unread == 0)
+        return;
+    tellRead(m_selectedId);
+    m_selectedRow.unread = 0;
+    const auto row = std::ranges::find(m_contacts, m_selectedId, &ContactRow::id);
+    if (row != m_contacts.end())
+        row->unread = 0;
+    m_engine.refreshUnreadBadge();
+}
+
+void InboxView::requestMissingAvatars()
+{
+    static const QString prefix = QStringLiteral("ct:WHATSAPP:");
+    for (const ContactRow& row : std::as_const(m_contacts)) {
+        if (!row.avatarPath.isEmpty() || !row.platforms.contains(whatsApp) || !row.id.startsWith(prefix))
+            continue;
+        const QString jid = row.id.sliced(prefix.size());
+        if (m_avatarRequested.contains(jid))
+            continue;
+        // An engine that is not connected yet is asked later.
+        const auto account = m_accounts.findBySlug(row.account);
+        if (!account || account->channel() != Channel::WhatsApp
+            || m_engine.runtime(account->id).status != WAStatus::Connected)
+            continue;
+        if (m_engine.fetchAvatar(*account, jid))
+            m_avatarRequested.insert(jid);
+    }
+}
+
+void InboxView::refreshSyncVisibility()
+{
+    const QList<SyncHealthRow> rows = fetchSyncHealthRows(db());
+    if (rows != m_syncHealthRows)
+        m_retryQueued = false;
+    m_syncHealthRows = rows;
+    for (const QString& channel : webOnlyChannels)
+        m_newestWebChannelMessageAt.insert(channel, newestConversationTimestamp(db(), channel));
+}
+
+void InboxView::presentBanners()
+{
+    const qint64 nowMs = m_scheduler.nowMs();
+    const DateWords words(nowMs);
+    QVariantList banners;
+    for (const WebStaleness& stale :
+        activeWebStaleness(m_state.channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
+        banners.append(QVariantMap { { QStringLiteral("channel"), stale.channel },
+            { QStringLiteral("text"), stalenessText(stale, words) }, { QStringLiteral("queued"), m_retryQueued } });
+    }
+    if (banners == m_banners)
+        return;
+    m_banners = banners;
+    Q_EMIT stalenessChanged();
+}
+
+void InboxView::retry(const QString& channel)
+{
+    if (!webOnlyChannels.contains(channel))
+        return;
+    queueWebPullSync(db(), QStringLiteral("inbox"));
+    m_retryQueued = true;
+    presentBanners();
+}
+
+void InboxView::dismissWorkspaceNotice()
+{
+    m_workspaceNotice.clear();
+    Q_EMIT workspaceNoticeChanged();
+}
+
+}

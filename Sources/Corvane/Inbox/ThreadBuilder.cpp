@@ -1,0 +1,61 @@
+#include "Inbox/ThreadBuilder.h"
+
+#include "Inbox/DateWords.h"
+
+#include <QDateTime>
+
+namespace corvane::ThreadBuilder {
+
+namespace {
+
+constexpr qint64 runStepMs = 180'000;
+
+bool runsOn(const UnifiedMsgRow& earlier, const UnifiedMsgRow& later)
+{
+    return earlier.direction == later.direction && earlier.sender == later.sender && later.ts - earlier.ts < runStepMs;
+}
+
+/// The label of a message's day; neighbours mostly share theirs, so that few are really made.
+class DayLabels {
+public:
+    const QString& of(qint64 ms)
+    {
+        if (ms < m_begin || ms >= m_end) {
+            const QDate day = QDateTime::fromMSecsSinceEpoch(ms).date();
+            m_begin = day.startOfDay().toMSecsSinceEpoch();
+            m_end = day.addDays(1).startOfDay().toMSecsSinceEpoch();
+            m_label = m_words.mediumDate(ms);
+        }
+        return m_label;
+    }
+
+private:
+    DateWords m_words { 0 };
+    qint64 m_begin = 0;
+    qint64 m_end = 0;
+    QString m_label;
+};
+
+}
+
+QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows)
+{
+    QList<ThreadItem> items;
+    items.reserve(rows.size() + rows.size() / 8);
+    DayLabels days;
+    QString previousLabel;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const UnifiedMsgRow& row = rows.at(i);
+        const QString& label = days.of(row.ts);
+        const bool newDay = label != previousLabel;
+        if (newDay)
+            items.append(label);
+        previousLabel = label;
+        const bool grouped = !newDay && i > 0 && runsOn(rows.at(i - 1), row);
+        const bool showTime = i + 1 == rows.size() || !runsOn(row, rows.at(i + 1));
+        items.append(ThreadMsg { row, grouped, showTime });
+    }
+    return items;
+}
+
+}
