@@ -3,22 +3,15 @@
 #include "Engines/Account.h"
 #include "Engines/RuntimeState.h"
 
-#include <QHash>
 #include <QJsonObject>
-#include <QMap>
+#include <QList>
 #include <QObject>
-#include <QSet>
-#include <functional>
 #include <memory>
 
 namespace corvane {
 
 class BackgroundQueue;
-class ChildProcess;
-class Coalescer;
 class Desktop;
-class EngineProcesses;
-class Ingest;
 class Keychain;
 class LocalDB;
 class Notifier;
@@ -26,8 +19,9 @@ class PhoneDirectory;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
-class ToolServer;
+enum class Speaker;
 struct AppPaths;
+struct PendingDraft;
 struct UnifiedMsgRow;
 
 /// Owns every engine child process, the tool server, and the one database. Main thread only.
@@ -71,7 +65,12 @@ public:
     bool mcpRunning() const;
     QString mcpURL() const;
 
-    // Commands to engines
+    // Drafts
+    void startDraftWatch(); ///< may be called again
+    void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
+    const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
+
+    // Commands to engines; true where the line is on its way
     bool writeCommand(const Account& account, const QJsonObject& command);
     bool sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId = {});
     bool sendAudio(const Account& account, const QString& chatId, const QString& path);
@@ -86,10 +85,13 @@ public:
     // What the screens show
     qint64 inboxRevision() const { return m_inboxRevision; }
     int unreadTotal() const { return m_unreadTotal; }
-    const QString& openContactId() const { return m_openContactId; }
-    void setOpenContactId(const QString& contactId) { m_openContactId = contactId; }
+    const QString& openContactId() const;
+    void setOpenContactId(const QString& contactId);
     std::optional<MediaDownloadStatus> mediaDownloadStatus(const QString& messageId) const;
     void refreshUnreadBadge();
+
+    /// What an engine printed behind the sentinel; anything but a JSON object with a "type" is ignored.
+    void handleEvent(const QUuid& accountId, const QString& line, Speaker speaker);
 
 Q_SIGNALS:
     void runtimeChanged(const QUuid& accountId);
@@ -97,16 +99,17 @@ Q_SIGNALS:
     void unreadTotalChanged();
     void mediaDownloadStatusChanged(const QString& messageId);
     void mcpRunningChanged();
+    void pendingDraftsChanged();
     void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
 
 private:
-    // The implementer shapes the private side: processes and restart policy, line reading, the tool server
-    // and ingest each in a file of their own.
+    void bump(); ///< something that the inbox shows may have changed
+    void setMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
+
     struct State;
     std::unique_ptr<State> m_state;
     qint64 m_inboxRevision = 0;
     int m_unreadTotal = 0;
-    QString m_openContactId;
 };
 
 }

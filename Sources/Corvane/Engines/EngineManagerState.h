@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
+#include "Engines/EngineProcesses.h"
+#include "Engines/Ingest.h"
+#include "Engines/RuntimeStates.h"
+#include "Engines/ToolServer.h"
+#include "Foundation/Coalescer.h"
+#include "Store/LocalDB.h"
+
+namespace corvane {
+
+/// What stands behind the manager, in the order in which it is built.
+struct EngineManager::State {
+    State(EngineManager& manager, const Surroundings& surroundings, std::unique_ptr<LocalDB> database);
+
+    const AppPaths& paths;
+    Desktop& desktop;
+    std::unique_ptr<LocalDB> db;
+    RuntimeStates runtime;
+    EngineProcesses processes;
+    ToolServer toolServer;
+    Ingest ingest;
+    DraftDelivery drafts;
+    Coalescer badge;
+    QHash<QString, MediaDownloadStatus> mediaDownloads;
+};
+
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Engines/RuntimeState.h"
+
+#include <QHash>
+#include <QUuid>
+#include <functional>
+
+namespace corvane {
+
+/// The state of each account. One that was never set reads as stopped and empty.
+class RuntimeStates {
+public:
+    explicit RuntimeStates(std::function<void(const QUuid& accountId)> changed)
+        : m_changed(std::move(changed))
+    {
+    }
+
+    RuntimeState get(const QUuid& accountId) const { return m_states.value(accountId); }
+
+    /// Tells of the change, also where the state is the same as before.
+    void set(const QUuid& accountId, const RuntimeState& state)
+    {
+        m_states.insert(accountId, state);
+        m_changed(accountId);
+    }
+
+    void setStatus(const QUuid& accountId, WAStatus status)
+    {
+        RuntimeState state = get(accountId);
+        state.status = status;
+        set(accountId, state);
+    }
+
+    void setLog(const QUuid& accountId, const QString& text)
+    {
+        RuntimeState state = get(accountId);
+        state.lastLog = text;
+        set(accountId, state);
+    }
+
+private:
+    QHash<QUuid, RuntimeState> m_states;
+    std::function<void(const QUuid&)> m_changed;
+};
+
+}

@@ -1,0 +1,116 @@
+#include "Engines/ToolServer.h"
+
+#include "Engines/EngineSpec.h"
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/Log.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds portRelease { 300 };
+
+/// Asks whoever listens on the port to end, except this process and other users' processes. Returns whether
+/// anyone was asked.
+bool clearPort(PortHolders& ports, int port)
+{
+    bool asked = false;
+    for (const PortHolder& holder : ports.listeningOn(static_cast<quint16>(port))) {
+        if (holder.pid == ports.ownProcessId() || holder.userId != ports.ownUserId())
+            continue;
+        ports.terminate(holder.pid);
+        asked = true;
+    }
+    return asked;
+}
+
+}
+
+ToolServer::ToolServer(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, PortHolders& ports,
+    BackgroundQueue& background, std::function<void()> runningChanged)
+    : m_paths(paths)
+    , m_scheduler(scheduler)
+    , m_launcher(launcher)
+    , m_ports(ports)
+    , m_background(background)
+    , m_runningChanged(std::move(runningChanged))
+{
+}
+
+void ToolServer::start(int port)
+{
+    if (m_process)
+        return;
+    m_isStopWanted = false;
+    if (m_isStarting)
+        return;
+    m_isStarting = true;
+    m_port = port;
+    m_background.run<bool>([&ports = m_ports, port] { return clearPort(ports, port); },
+        [this, alive = std::weak_ptr(m_alive)](bool asked) {
+            if (alive.expired())
+                return;
+            if (asked)
+                m_timer = m_scheduler.after(portRelease, [this] { launch(); });
+            else
+                launch();
+        });
+}
+
+void ToolServer::launch()
+{
+    m_isStarting = false;
+    if (m_isStopWanted)
+        return;
+    // A server that was stopped may still be ending: its exit must not touch its successor.
+    const auto isCurrent = std::make_shared<std::weak_ptr<ChildProcess>>();
+    const auto exited = [this, alive = std::weak_ptr(m_alive), isCurrent](int) {
+        if (!alive.expired() && m_process && m_process == isCurrent->lock())
+            handleExit();
+    };
+    const auto process = m_launcher.start(toolServerSpec(m_paths, m_port), { .output = {}, .exited = exited });
+    if (!process) {
+        log(QStringLiteral("unified MCP failed: %1").arg(process.error().message));
+        setRunning(false);
+        return;
+    }
+    *isCurrent = *process;
+    m_process = *process;
+    m_restartAttempts = 0;
+    setRunning(true);
+}
+
+void ToolServer::handleExit()
+{
+    m_process.reset();
+    setRunning(false);
+    const int delaySeconds = std::min(1 << std::min(++m_restartAttempts, 5), 30);
+    m_timer = m_scheduler.after(Milliseconds(1000 * delaySeconds), [this] { start(m_port); });
+}
+
+void ToolServer::stop()
+{
+    m_isStopWanted = true;
+    if (!m_isStarting)
+        m_timer.reset();
+    if (const auto process = std::exchange(m_process, nullptr))
+        process->terminate();
+    setRunning(false);
+}
+
+QString ToolServer::url() const
+{
+    return QStringLiteral("http://127.0.0.1:%1/mcp").arg(m_port);
+}
+
+void ToolServer::setRunning(bool running)
+{
+    if (std::exchange(m_isRunning, running) != running)
+        m_runningChanged();
+}
+
+}
