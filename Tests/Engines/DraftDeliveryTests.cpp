@@ -1,0 +1,195 @@
+#include "EngineTest.h"
+
+#include "Engines/DraftDelivery.h"
+#include "Store/IngestQueries.h"
+
+using namespace corvane;
+
+namespace {
+
+class DraftDeliveryTest : public EngineTest {
+protected:
+    /// A draft to one chat of the account, in the given status.
+    QString queue(const Account& account, const QString& text, const QString& status = u"approved"_s)
+    {
+        const QString conversation = ensureConversation(
+            world.engines.db(), channelRaw(account.channel()), account.slug, u"chat"_s, u"Ana"_s, 1);
+        EXPECT_TRUE(queueDraft(world.engines.db(), conversation, text, u"mcp"_s));
+        const QString id = cell(u"SELECT id FROM outbound_draft ORDER BY rowid DESC LIMIT 1;"_s);
+        if (status != u"pending")
+            markDraft(world.engines.db(), id, status);
+        return id;
+    }
+
+    QString draft(const QString& id, const QString& column = u"status"_s)
+    {
+        return world.cell(u"SELECT %1 FROM outbound_draft WHERE id=?;"_s.arg(column), { id });
+    }
+
+    FakeChild& engine() { return world.launcher.last(); }
+    void tick() { world.clock.advance(seconds(4)); }
+};
+
+}
+
+TEST_F(DraftDeliveryTest, onlyAnApprovedDraftReachesTheEngine)
+{
+    startShop();
+    const QString approved = queue(shop, u"yes"_s);
+    for (const QString& status : { u"pending"_s, u"failed"_s, u"rejected"_s, u"sent"_s, u"placed"_s, u"sending"_s })
+        queue(shop, status, status);
+    world.engines.startDraftWatch();
+    tick();
+    const QJsonObject expected { { u"cmd"_s, u"send"_s }, { u"chatId"_s, u"chat"_s }, { u"text"_s, u"yes"_s },
+        { u"draftId"_s, approved } };
+    EXPECT_EQ(engine().commands(), QList { expected });
+    EXPECT_EQ(draft(approved), u"sending"_s);
+
+    PendingDraft row;
+    for (const QString& status : { u"pending"_s, u"failed"_s, u"sending"_s, QString() }) {
+        row.status = status;
+        EXPECT_FALSE(ApprovedDraft::from(row)) << qPrintable(status);
+    }
+}
+
+TEST_F(DraftDeliveryTest, anEngineThatNeverAcknowledgesFailsTheDraftAfterTwoMinutes)
+{
+    startShop();
+    world.engines.startDraftWatch();
+    const QString silent = queue(shop, u"hello"_s);
+    const QString placed = queue(shop, u"in the box"_s, u"placed"_s);
+    tick();
+    EXPECT_EQ(draft(silent), u"sending"_s);
+    world.clock.advance(seconds(120));
+    EXPECT_EQ(draft(silent), u"sending"_s) << "exactly two minutes are not too many";
+    tick();
+    EXPECT_EQ(draft(silent), u"failed"_s);
+    EXPECT_EQ(draft(silent, u"error"_s), u"Engine never acknowledged the send — Retry to requeue."_s);
+    EXPECT_EQ(draft(placed), u"placed"_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
+TEST_F(DraftDeliveryTest, anAcknowledgmentClosesTheDraftAtOnce)
+{
+    startShop();
+    const QString first = queue(shop, u"one"_s);
+    const QString second = queue(shop, u"two"_s);
+    const QString third = queue(shop, u"three"_s);
+    world.engines.refreshDrafts();
+    EXPECT_EQ(world.engines.pendingDrafts().size(), 3);
+    const qint64 revision = world.engines.inboxRevision();
+    const auto acknowledge = [&](const QString& id, QJsonObject keys) {
+        keys.insert(u"type"_s, u"sendAck"_s);
+        keys.insert(u"draftId"_s, id);
+        report(keys);
+    };
+    acknowledge(first, { { u"status"_s, u"placed"_s } });
+    EXPECT_EQ(draft(first), u"placed"_s);
+    acknowledge(first, { { u"status"_s, u"sent"_s }, { u"providerMsgId"_s, u"p1"_s } });
+    EXPECT_EQ(draft(first, u"status || '|' || provider_msg_id"_s), u"sent|p1"_s);
+    acknowledge(second, {});
+    EXPECT_EQ(draft(second, u"status || '|' || error"_s), u"failed|Send failed"_s);
+    acknowledge(third, { { u"status"_s, u"refused"_s }, { u"error"_s, u"no such chat"_s } });
+    EXPECT_EQ(draft(third, u"status || '|' || error"_s), u"failed|no such chat"_s);
+    report({ { u"type"_s, u"sendAck"_s } });
+    EXPECT_EQ(world.engines.pendingDrafts().size(), 2);
+    EXPECT_EQ(world.engines.inboxRevision(), revision) << "the message that was sent comes as an event of its own";
+}
+
+TEST_F(DraftDeliveryTest, aBrowserDrivenEngineIsAskedToPlaceTheText)
+{
+    for (const Channel channel : { Channel::LinkedIn, Channel::Instagram, Channel::Messenger }) {
+        const Account account = accountNamed(channelRaw(channel).toLower(), channel);
+        world.launcher.expect(FakeLauncher::stays());
+        world.engines.start(account);
+        const QString id = queue(account, u"hi"_s);
+        world.engines.refreshDrafts();
+        const QJsonObject expected { { u"cmd"_s, u"draft"_s }, { u"threadId"_s, u"chat"_s }, { u"text"_s, u"hi"_s },
+            { u"draftId"_s, id } };
+        EXPECT_EQ(engine().commands(), QList { expected });
+        EXPECT_EQ(draft(id), u"sending"_s);
+    }
+}
+
+TEST_F(DraftDeliveryTest, aDraftOfAStoppedEngineStartsItAndWaits)
+{
+    startShop();
+    world.engines.stop(shop);
+    world.engines.startDraftWatch();
+    const QString id = queue(shop, u"hello"_s);
+    world.launcher.expect(FakeLauncher::stays());
+    tick();
+    EXPECT_EQ(draft(id), u"approved"_s);
+    EXPECT_EQ(status(), WAStatus::Starting);
+    tick();
+    EXPECT_EQ(draft(id), u"sending"_s);
+}
+
+TEST_F(DraftDeliveryTest, aFullPipeIsTriedAgainAndNeverGoesStale)
+{
+    startShop();
+    world.engines.startDraftWatch();
+    engine().writeFailure = u"standard input is full"_s;
+    const QString id = queue(shop, u"hello"_s);
+    world.clock.advance(seconds(300));
+    EXPECT_EQ(draft(id), u"approved"_s);
+    EXPECT_TRUE(logs.contains(u"EngineManager.sendText: pipe write failed for shop: standard input is full"_s));
+    engine().writeFailure.clear();
+    tick();
+    EXPECT_EQ(draft(id), u"sending"_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
+TEST_F(DraftDeliveryTest, aDraftOfAnAccountThatWasNeverStartedWaits)
+{
+    world.engines.startDraftWatch();
+    const QString id = queue(accountNamed(u"unknown"_s), u"hello"_s);
+    world.clock.advance(seconds(600));
+    EXPECT_EQ(draft(id, u"status || COALESCE(error,'')"_s), u"approved"_s);
+}
+
+TEST_F(DraftDeliveryTest, fiftyDraftsGoOutATickOldestFirst)
+{
+    startShop();
+    for (int i = 0; i < 60; ++i) {
+        queue(shop, QString::number(i));
+        world.clock.advance(Milliseconds(1));
+    }
+    world.engines.startDraftWatch();
+    world.engines.startDraftWatch();
+    EXPECT_EQ(engine().commands().size(), 60) << "each call of the start looks at once";
+    world.engines.refreshDrafts();
+    for (int i = 0; i < 60; ++i)
+        EXPECT_EQ(engine().commands().at(i).value(u"text"_s), QString::number(i));
+}
+
+TEST_F(DraftDeliveryTest, theListOfThoseThatWaitIsToldOnlyWhenItChanges)
+{
+    int changes = 0;
+    QObject::connect(&world.engines, &EngineManager::pendingDraftsChanged, &world.engines, [&] { ++changes; });
+    world.engines.startDraftWatch();
+    queue(shop, u"one"_s, u"pending"_s);
+    tick();
+    tick();
+    EXPECT_EQ(changes, 1);
+    ASSERT_EQ(world.engines.pendingDrafts().size(), 1);
+    EXPECT_EQ(world.engines.pendingDrafts().first().body, u"one"_s);
+}
+
+TEST(PendingDrafts, aDraftSaysWhereItStands)
+{
+    PendingDraft draft;
+    draft.error = u"no"_s;
+    const auto label = [&](const QString& status) {
+        draft.status = status;
+        return statusLabel(draft);
+    };
+    EXPECT_EQ(label(u"failed"_s), u"failed no"_s);
+    EXPECT_EQ(label(u"sending"_s), u"sending"_s);
+    EXPECT_EQ(label(u"placed"_s), u"Placed — awaiting LinkedIn confirmation"_s);
+    EXPECT_EQ(label(u"sent"_s), u"sent"_s);
+    EXPECT_EQ(label(u"rejected"_s), u"rejected"_s);
+    EXPECT_EQ(label(u"approved"_s), u"waiting approval"_s);
+    draft.providerMsgId = u"p"_s;
+    EXPECT_EQ(label(u"sent"_s), u"sent - p"_s);
+}

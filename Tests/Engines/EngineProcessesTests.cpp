@@ -1,0 +1,205 @@
+#include "EngineTest.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace corvane;
+
+namespace {
+
+class Supervisor : public EngineTest {
+protected:
+    qsizetype launches() const { return world.launcher.children.size(); }
+    void advance(qint64 milliseconds) { world.clock.advance(Milliseconds(milliseconds)); }
+};
+
+}
+
+TEST_F(Supervisor, startingTwiceLeavesOneChild)
+{
+    QList<WAStatus> seen;
+    QObject::connect(&world.engines, &EngineManager::runtimeChanged, &world.engines,
+        [&](const QUuid& id) { seen.append(world.engines.runtime(id).status); });
+    EXPECT_EQ(status(), WAStatus::Stopped);
+    startShop();
+    world.engines.start(shop);
+    world.engines.startBySlug(u"shop"_s);
+    world.engines.startBySlug(u"never started"_s);
+    EXPECT_EQ(launches(), 1);
+    EXPECT_EQ(seen, QList { WAStatus::Starting });
+    EXPECT_TRUE(world.engines.isRunning(shop));
+    EXPECT_EQ(world.engines.processId(shop), world.launcher.last().pid());
+    EXPECT_EQ(world.engines.runningAccount(u"shop"_s), shop);
+    EXPECT_FALSE(world.engines.runningAccount(u"other"_s));
+}
+
+TEST_F(Supervisor, anEngineThatKeepsCrashingRestartsLaterAndLaterAndThenNoMore)
+{
+    world.launcher.expect(FakeLauncher::crashes(), 6);
+    world.engines.start(shop);
+    qsizetype started = 1;
+    for (const int delay : { 2, 4, 8, 16, 30 }) {
+        advance(0);
+        advance(0);
+        EXPECT_EQ(status(), WAStatus::Connecting);
+        advance(1000 * delay - 1);
+        EXPECT_EQ(launches(), started) << delay;
+        advance(1);
+        EXPECT_EQ(launches(), ++started) << delay;
+    }
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 6);
+    EXPECT_EQ(status(), WAStatus::Error);
+    EXPECT_EQ(runtime().lastLog, u"Engine kept crashing — auto-restart gave up after 5 tries."_s);
+    EXPECT_FALSE(world.engines.isRunning(shop));
+}
+
+TEST_F(Supervisor, aConnectionGivesTheWholeBudgetBack)
+{
+    world.launcher.expect(FakeLauncher::stays(), 13);
+    world.engines.start(shop);
+    for (int i = 0; i < 12; ++i) {
+        report({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s } });
+        EXPECT_EQ(status(), WAStatus::Connected);
+        world.launcher.last().exit(1);
+        advance(2000);
+    }
+    EXPECT_EQ(launches(), 13);
+    EXPECT_EQ(status(), WAStatus::Starting);
+}
+
+TEST_F(Supervisor, whatAnEnginePrintsLastCountsBeforeItsExit)
+{
+    startShop();
+    for (int i = 0; i < 20; ++i)
+        world.launcher.last().printEvent({ { u"type"_s, u"log"_s }, { u"msg"_s, QString::number(i) } });
+    world.launcher.last().printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
+    world.launcher.last().exit(0);
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 1) << "dead credentials restart nothing";
+    EXPECT_EQ(status(), WAStatus::LoggedOut);
+    EXPECT_EQ(runtime().lastLog, u"19"_s);
+}
+
+TEST_F(Supervisor, aStoppedEngineStaysDown)
+{
+    world.engines.stop(shop);
+    EXPECT_EQ(status(), WAStatus::Stopped) << "also where none ran";
+
+    startShop();
+    world.engines.stop(shop);
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_EQ(status(), WAStatus::Stopped);
+    EXPECT_FALSE(world.engines.isRunning(shop));
+    report({ { u"type"_s, u"status"_s }, { u"state"_s, u"close"_s } });
+    EXPECT_EQ(status(), WAStatus::Connecting) << "it speaks as long as it lives";
+    world.launcher.last().exit(0);
+    advance(3'600'000);
+    EXPECT_EQ(status(), WAStatus::Stopped);
+    EXPECT_EQ(launches(), 1);
+}
+
+TEST_F(Supervisor, theExitOfASupersededEngineDoesNotTouchItsSuccessor)
+{
+    startShop();
+    FakeChild& old = world.launcher.last();
+    world.engines.stop(shop);
+    startShop();
+    report({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s }, { u"user"_s, u"Ana"_s } });
+
+    old.print(u"half a line"_s);
+    old.printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
+    old.printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, u"late"_s },
+        { u"providerMsgId"_s, u"m"_s } });
+    old.exit(0);
+    advance(3'600'000);
+    EXPECT_EQ(status(), WAStatus::Connected) << "what it says of its connection is about another";
+    EXPECT_EQ(cell(u"SELECT body FROM unified_message WHERE id='wa:msg:m';"_s), u"late"_s) << "its messages count";
+    EXPECT_TRUE(world.engines.isRunning(shop));
+    EXPECT_EQ(launches(), 2);
+
+    world.launcher.expect(FakeLauncher::stays());
+    world.launcher.last().exit(1);
+    advance(2000);
+    EXPECT_EQ(launches(), 3) << "the successor is watched as any other";
+}
+
+TEST_F(Supervisor, aPendingRestartComesBackAfterAStop)
+{
+    startShop();
+    world.launcher.last().exit(1);
+    world.settle();
+    world.engines.stop(shop);
+    EXPECT_EQ(status(), WAStatus::Stopped);
+    world.launcher.expect(FakeLauncher::stays());
+    advance(2000);
+    EXPECT_EQ(status(), WAStatus::Starting);
+}
+
+TEST_F(Supervisor, aFailedLaunchIsToldAndNotRetried)
+{
+    world.launcher.expect(FakeLauncher::fails(u"no such file"_s));
+    world.engines.start(shop);
+    EXPECT_EQ(status(), WAStatus::Error);
+    EXPECT_EQ(runtime().lastLog, u"Failed to launch engine: no such file"_s);
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 0);
+    EXPECT_EQ(world.engines.runningAccount(u"shop"_s), shop) << "it was started, if in vain";
+}
+
+TEST_F(Supervisor, theFragmentOfADeadEngineIsJoinedToItsSuccessorsFirstChunk)
+{
+    startShop();
+    world.launcher.last().print(u"@@CORVANE@@{\"type\":\"log\","_s);
+    world.launcher.last().exit(1);
+    world.launcher.expect(FakeLauncher::stays());
+    advance(2000);
+    world.launcher.last().print(u"\"msg\":\"joined\"}\n"_s);
+    world.settle();
+    EXPECT_EQ(runtime().lastLog, u"joined"_s);
+}
+
+TEST_F(Supervisor, quittingEndsEveryEngineForGood)
+{
+    const Account other = accountNamed(u"other"_s);
+    const Account crashed = accountNamed(u"crashed"_s);
+    world.launcher.expect(FakeLauncher::stays(), 3);
+    world.engines.start(crashed);
+    world.launcher.last().exit(1);
+    world.settle();
+    world.engines.start(shop);
+    world.engines.start(other);
+    world.engines.stopAll();
+    for (const auto& child : world.launcher.children.sliced(1)) {
+        EXPECT_TRUE(child->terminated);
+        child->exit(-15);
+    }
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 3);
+}
+
+TEST_F(Supervisor, aResetStopsTheEngineAndDeletesItsStateFolder)
+{
+    const QString state = u".whatsapp-baileys/shop/creds.json"_s;
+    world.home.write(state, "{}");
+    world.home.write(u".whatsapp-baileys/other/creds.json"_s, "{}");
+    startShop();
+    report({ { u"type"_s, u"log"_s }, { u"msg"_s, u"kept"_s } });
+    report({ { u"type"_s, u"mcp"_s }, { u"state"_s, u"listening"_s }, { u"url"_s, u"http://x"_s } });
+    report({ { u"type"_s, u"qr"_s }, { u"qr"_s, u"code"_s } });
+    world.engines.resetAuth(shop);
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_EQ(runtime(), (RuntimeState { WAStatus::Stopped, {}, {}, u"http://x"_s, u"kept"_s }));
+    EXPECT_FALSE(QFile::exists(world.home.path(u".whatsapp-baileys/shop"_s)));
+    EXPECT_TRUE(QFile::exists(world.home.path(u".whatsapp-baileys/other/creds.json"_s)));
+
+    for (const QString& slug : { QString(), u".."_s, u"../.whatsapp-baileys/other"_s, u"."_s })
+        world.engines.resetAuth(accountNamed(slug));
+    EXPECT_TRUE(QFile::exists(world.home.path(u".whatsapp-baileys/other/creds.json"_s)))
+        << "a slug that is no plain name leads nowhere";
+
+    QFile::link(world.home.path(u".whatsapp-baileys/other"_s), world.home.path(u".whatsapp-baileys/linked"_s));
+    world.engines.resetAuth(accountNamed(u"linked"_s, Channel::Email));
+    EXPECT_FALSE(QFile::exists(world.home.path(u".whatsapp-baileys/linked"_s)));
+    EXPECT_TRUE(QFile::exists(world.home.path(u".whatsapp-baileys/other/creds.json"_s))) << "a link is not followed";
+}

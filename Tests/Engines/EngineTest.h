@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Engines/EngineProcesses.h"
+#include "Support/EngineWorld.h"
+#include "Support/LogCapture.h"
+#include "Support/Print.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+inline Account accountNamed(const QString& slug, Channel channel = Channel::WhatsApp)
+{
+    Account account;
+    account.id = QUuid::createUuid();
+    account.name = slug;
+    account.slug = slug;
+    account.channelRaw = channelRaw(channel);
+    return account;
+}
+
+/// A manager with played engines and one WhatsApp account, "shop".
+class EngineTest : public testing::Test {
+protected:
+    WAStatus status() const { return world.engines.runtime(shop.id).status; }
+    RuntimeState runtime() const { return world.engines.runtime(shop.id); }
+
+    void startShop()
+    {
+        world.launcher.expect(FakeLauncher::stays());
+        world.engines.start(shop);
+    }
+
+    /// The shop's engine prints one event, and it is handled.
+    void report(const QJsonObject& event)
+    {
+        world.launcher.last().printEvent(event);
+        world.settle();
+    }
+
+    void handle(const QByteArray& json)
+    {
+        world.engines.handleEvent(shop.id, QString::fromUtf8(json), Speaker::Current);
+    }
+
+    QString cell(const QString& sql) { return world.cell(sql); }
+
+    LogCapture logs;
+    EngineWorld world;
+    const Account shop = accountNamed(u"shop"_s);
+};
+
+}

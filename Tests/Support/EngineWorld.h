@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Engines/EngineManager.h"
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+#include "Notifications/Notifier.h"
+#include "Platform/Keychain.h"
+#include "Store/LocalDB.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeLauncher.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/FakePortHolders.h"
+#include "Support/FakeSecretStore.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+
+namespace corvane {
+
+/// What a manager of engines stands on, around the real database: a clock that the test moves, a machine that it
+/// plays. The clock and the launcher can be others.
+struct EngineSurroundings {
+    EngineManager::Surroundings on(Scheduler& scheduler, ProcessLauncher& launcher)
+    {
+        return { home.paths(), scheduler, launcher, ports, background, keychain, notifier, desktop };
+    }
+
+    std::unique_ptr<LocalDB> openDatabase(Scheduler& scheduler)
+    {
+        return std::make_unique<LocalDB>(home.paths().applicationSupport + QStringLiteral("/nimblocal.db"),
+            LocalDB::SchemaFolders { home.paths().resources, home.paths().home }, scheduler, defaults, centre);
+    }
+
+    TemporaryHome home;
+    VirtualScheduler clock;
+    UserDefaults defaults { home.paths().defaultsFile };
+    NotificationCentre centre;
+    FakePortHolders ports;
+    BackgroundQueue background;
+    FakeSecretStore secrets;
+    Keychain keychain { secrets };
+    FakeNotificationService banners;
+    Notifier notifier { banners, centre, defaults, clock, [] {
+                       } };
+    FakeDesktop desktop;
+};
+
+/// A manager whose engines a test plays.
+struct EngineWorld : EngineSurroundings {
+    /// Lets every event that waits be handled, at a cost of a millisecond.
+    void settle() { clock.advance(Milliseconds(1)); }
+
+    /// A row value as text; "-" for NULL or no row.
+    QString cell(const QString& sql, const QList<SqlValue>& parameters = {})
+    {
+        return engines.db().scalar(sql, parameters).value_or(QStringLiteral("-"));
+    }
+
+    FakeLauncher launcher { clock };
+    EngineManager engines { on(clock, launcher), openDatabase(clock) };
+};
+
+}
