@@ -61,6 +61,20 @@ TEST_F(EngineLinesTest, aTurnOfTheLoopHandlesFewEventsAndOneOfEachEngineInTurn)
     EXPECT_EQ(clock.pendingTimers(), 0);
 }
 
+TEST_F(EngineLinesTest, aTurnIsShorterWhereEachEventTakesLong)
+{
+    int handled = 0;
+    const auto slow = lines.open({}, [&](const QString&) {
+        ++handled;
+        clock.setNowMs(clock.nowMs() + 5);
+    });
+    slow->append(chunk(u"@@CORVANE@@\n"_s.repeated(5)));
+    clock.runDue();
+    EXPECT_EQ(handled, 2);
+    clock.advance(seconds(1));
+    EXPECT_EQ(handled, 5);
+}
+
 TEST_F(EngineLinesTest, textThatHoldsNoEventIsLetGoAtOnce)
 {
     const auto stream = open(QString());

@@ -2,11 +2,24 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
 
 namespace corvane {
 
+namespace {
+
+/// In memory where the machine has such a folder: a test does not wait for a disk.
+QString memoryOrTemporaryFolder()
+{
+    const QFileInfo memory(QStringLiteral("/dev/shm"));
+    return memory.isDir() && memory.isWritable() ? memory.filePath() : QDir::tempPath();
+}
+
+}
+
 TemporaryHome::TemporaryHome()
+    : m_folder(QStringLiteral("%1/corvane-test-XXXXXX").arg(memoryOrTemporaryFolder()))
 {
     m_paths.home = m_folder.path();
     m_paths.applicationSupport = m_folder.filePath(QStringLiteral("share/Corvane"));

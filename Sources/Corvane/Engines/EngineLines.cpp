@@ -1,10 +1,13 @@
 #include "Engines/EngineLines.h"
 
+#include <cstdlib>
+
 namespace corvane {
 
 namespace {
 
 constexpr QStringView sentinel = u"@@CORVANE@@";
+constexpr qint64 turnMs = 8; // half a frame: each event waits for the disk several times
 
 }
 
@@ -25,7 +28,7 @@ void EngineLines::wake(const std::shared_ptr<EngineStream>& stream)
 
 void EngineLines::turn()
 {
-    const auto fired = std::move(m_timer);
+    const qint64 startMs = m_scheduler.nowMs();
     for (int i = 0; i < eventsPerTurn && !m_waiting.empty(); ++i) {
         const std::shared_ptr<EngineStream> stream = m_waiting.front();
         m_waiting.pop_front();
@@ -33,7 +36,10 @@ void EngineLines::turn()
         stream->step();
         if (stream->hasWork())
             wake(stream);
+        if (std::abs(m_scheduler.nowMs() - startMs) >= turnMs)
+            break;
     }
+    m_timer.reset();
     if (!m_waiting.empty())
         wake(m_waiting.front());
 }

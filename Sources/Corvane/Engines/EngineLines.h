@@ -10,9 +10,9 @@ namespace corvane {
 
 class EngineStream;
 
-/// Hands on the events that engines print, in the order of each engine's lines: a few at each turn of the loop
-/// and one from each engine in turn, so that a flood blocks neither the window nor another engine. It outlives
-/// its streams.
+/// Hands on the events that engines print, in the order of each engine's lines: a few at each turn of the loop,
+/// fewer where each takes long, and one from each engine in turn, so that a flood blocks neither the window nor another
+/// engine. It outlives its streams.
 class EngineLines {
 public:
     explicit EngineLines(Scheduler& scheduler)

@@ -1,0 +1,203 @@
+#include "EngineTest.h"
+
+#include "Engines/EngineSpec.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Store/IngestQueries.h"
+#include "Store/OutboundQueries.h"
+#include "Support/Await.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <csignal>
+
+using namespace corvane;
+
+namespace {
+
+/// A manager whose engines are real processes, on the system's clock. The child program of the tests stands in
+/// for Node: it obeys the lines of the entry script.
+class RealEngines : public testing::Test {
+protected:
+    RealEngines() { useNode(QStringLiteral(CORVANE_TEST_PROGRAMS "/ChildProgram")); }
+    ~RealEngines() override { restoreNode(); }
+
+    void restoreNode() const
+    {
+        m_givenNode.isEmpty() ? qunsetenv("CORVANE_NODE") : qputenv("CORVANE_NODE", m_givenNode);
+    }
+
+    static void useNode(const QString& executable) { qputenv("CORVANE_NODE", QFile::encodeName(executable)); }
+    void writeScript(const QByteArray& lines) const { around.home.write(u"resources/engine/src/main.ts"_s, lines); }
+
+    void start(const QByteArray& script)
+    {
+        writeScript(script);
+        engines->start(shop);
+    }
+
+    RuntimeState runtime() const { return engines->runtime(shop.id); }
+    QString cell(const QString& sql) { return engines->db().scalar(sql).value_or(u"-"_s); }
+
+    static QByteArray message(const QByteArray& id, const QByteArray& body)
+    {
+        return R"(@@CORVANE@@{"type":"message","convExternalId":"c","historical":true,"body":")" + body
+            + R"(","providerMsgId":")" + id + "\"}";
+    }
+
+    LogCapture logs;
+    EngineSurroundings around;
+    SystemScheduler scheduler;
+    std::unique_ptr<ProcessLauncher> launcher = makeProcessLauncher(scheduler);
+    std::unique_ptr<EngineManager> engines
+        = std::make_unique<EngineManager>(around.on(scheduler, *launcher), around.openDatabase(scheduler));
+    const Account shop = accountNamed(u"shop"_s);
+
+private:
+    const QByteArray m_givenNode = qgetenv("CORVANE_NODE");
+};
+
+}
+
+TEST_F(RealEngines, aLineBecomesARowAndACommandReachesTheEngine)
+{
+    const QString record = around.home.path(u"commands"_s);
+    start("print noise " + message("m1", "h\xc3\xa9llo \xf0\x9f\x8e\x89") + "\nrecord " + record.toUtf8());
+    EXPECT_TRUE(engines->sendText(shop, u"c"_s, u"answer"_s)) << "before the child has said a word";
+    EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1; }));
+    EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"héllo 🎉"_s);
+    EXPECT_TRUE(await([&] { return around.home.read(u"commands"_s).endsWith('\n'); }));
+    EXPECT_EQ(around.home.read(u"commands"_s),
+        QByteArray(R"({"chatId":"c","cmd":"send","text":"answer"})"
+                   "\n"));
+    engines->stop(shop);
+    EXPECT_TRUE(await([&] { return !engines->isRunning(shop); }));
+}
+
+TEST_F(RealEngines, aKilledEngineComesBack)
+{
+    start("hang");
+    const qint64 first = engines->processId(shop);
+    ::kill(static_cast<pid_t>(first), SIGKILL);
+    EXPECT_TRUE(await([&] { return runtime().status == WAStatus::Connecting; }));
+    EXPECT_TRUE(await([&] { return engines->isRunning(shop) && engines->processId(shop) != first; }));
+    EXPECT_EQ(runtime().status, WAStatus::Starting);
+}
+
+TEST_F(RealEngines, theLastLineOfADyingEngineCounts)
+{
+    start(R"(print @@CORVANE@@{"type":"status","state":"logged_out"})"
+          "\nexit 1");
+    EXPECT_TRUE(await([&] { return runtime().status == WAStatus::LoggedOut; }));
+    bool later = false;
+    const auto timer = scheduler.after(Milliseconds(300), [&] { later = true; });
+    EXPECT_TRUE(await([&] { return later; }));
+    EXPECT_EQ(runtime().status, WAStatus::LoggedOut);
+    EXPECT_FALSE(engines->isRunning(shop));
+}
+
+TEST_F(RealEngines, stopAndStartAtOnceLeaveOneEngine)
+{
+    start("ignore-term\nhang");
+    const qint64 first = engines->processId(shop);
+    engines->stop(shop);
+    engines->start(shop);
+    const qint64 second = engines->processId(shop);
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(await([&] { return ::kill(static_cast<pid_t>(first), 0) != 0; }))
+        << "one that ignores SIGTERM is killed";
+    EXPECT_EQ(engines->processId(shop), second);
+    EXPECT_EQ(runtime().status, WAStatus::Starting);
+}
+
+TEST_F(RealEngines, aFloodingEngineKeepsNobodyWaiting)
+{
+    const Account quiet = accountNamed(u"quiet"_s, Channel::Email);
+    around.home.write(u"resources/engine/src/email-main.ts"_s, "print " + message("quiet", "heard") + "\nhang");
+    start("lines 1000 " + message("{n}", "flood") + "\nflood");
+    engines->start(quiet);
+    EXPECT_TRUE(
+        await([&] { return cell(u"SELECT body FROM unified_message WHERE id='wa:msg:quiet';"_s) == u"heard"; }));
+    EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1001; }));
+    EXPECT_TRUE(engines->isRunning(shop));
+
+    QElapsedTimer turn;
+    qint64 longest = 0;
+    turn.start();
+    int turns = 0;
+    const auto ticks = scheduler.every(Milliseconds(5), [&] {
+        longest = std::max(longest, turn.restart());
+        ++turns;
+    });
+    EXPECT_TRUE(await([&] { return turns == 100; }));
+    EXPECT_LT(longest, 1000) << "free text without end does not hold the loop";
+}
+
+TEST_F(RealEngines, aLineOfFiftyMegabytesArrivesWholeAndTheNextOneToo)
+{
+    start("half @@CORVANE@@{\"type\":\"log\",\"msg\":\"\nrepeat 52428800 x\nprint \"}\nprint " + message("m1", "next")
+        + "\nhang");
+    EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1; }));
+    EXPECT_EQ(runtime().lastLog.size(), 52'428'800);
+    EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"next"_s);
+}
+
+TEST_F(RealEngines, anEngineThatClosesItsInputTakesNoDraftAndLosesNone)
+{
+    start("close-input\nprint " + message("m1", "here") + "\nhang");
+    EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1; }));
+    EXPECT_TRUE(queueDraft(engines->db(), u"wa:shop:c"_s, u"hello"_s, u"mcp"_s));
+    const QString id = cell(u"SELECT id FROM outbound_draft;"_s);
+    markDraft(engines->db(), id, u"approved"_s);
+    engines->refreshDrafts();
+    EXPECT_EQ(cell(u"SELECT status FROM outbound_draft;"_s), u"approved"_s);
+    EXPECT_TRUE(engines->isRunning(shop));
+}
+
+TEST_F(RealEngines, aMissingEntryScriptShowsAsAChildThatDies)
+{
+    writeScript("hang");
+    const Account mail = accountNamed(u"mail"_s, Channel::Email);
+    engines->start(mail);
+    EXPECT_TRUE(await([&] { return engines->runtime(mail.id).status == WAStatus::Connecting; }));
+}
+
+TEST_F(RealEngines, aNodeThatCannotRunIsToldInTheSystemsWords)
+{
+    around.home.write(u"broken"_s, "no program");
+    QFile::setPermissions(around.home.path(u"broken"_s), QFile::ReadOwner | QFile::ExeOwner);
+    useNode(around.home.path(u"broken"_s));
+    start("hang");
+    EXPECT_EQ(runtime().status, WAStatus::Error);
+    EXPECT_TRUE(runtime().lastLog.startsWith(u"Failed to launch engine: "_s)) << qPrintable(runtime().lastLog);
+}
+
+TEST_F(RealEngines, anEngineInTypeScriptSpeaksTheProtocol)
+{
+    restoreNode();
+    const QString node = nodePath(QStringLiteral(CORVANE_SOURCE "/mac/engine"));
+    if (!node.contains(u"node_modules"))
+        GTEST_SKIP() << "the set-up has put no Node under mac/engine";
+    useNode(node);
+    start(R"TS(
+import { createInterface } from "node:readline";
+type Command = { cmd: string; chatId?: string; text?: string; draftId?: string };
+const emit = (event: object): void => { process.stdout.write("@@CORVANE@@" + JSON.stringify(event) + "\n"); };
+emit({ type: "status", state: "open", user: process.env.WHATSAPP_ACCOUNT_NAME });
+createInterface({ input: process.stdin }).on("line", (line: string) => {
+    const command: Command = JSON.parse(line);
+    if (command.cmd !== "send") return;
+    emit({ type: "message", convExternalId: command.chatId, providerMsgId: "sent-1", direction: "OUT", body: command.text });
+    if (command.draftId) emit({ type: "sendAck", draftId: command.draftId, status: "sent", providerMsgId: "sent-1" });
+}).on("close", () => process.exit(0));
+)TS");
+    EXPECT_TRUE(await([&] { return runtime().status == WAStatus::Connected; }));
+    EXPECT_EQ(runtime().userName, u"shop"_s);
+    ensureConversation(engines->db(), u"WHATSAPP"_s, u"shop"_s, u"c"_s, u"Ana"_s, 1);
+    queueDraft(engines->db(), u"wa:shop:c"_s, u"¿qué tal?"_s, u"mcp"_s);
+    markDraft(engines->db(), cell(u"SELECT id FROM outbound_draft;"_s), u"approved"_s);
+    engines->refreshDrafts();
+    EXPECT_TRUE(await([&] { return cell(u"SELECT status FROM outbound_draft;"_s) == u"sent"; }));
+    EXPECT_EQ(cell(u"SELECT direction || body FROM unified_message;"_s), u"OUT¿qué tal?"_s);
+    engines->stop(shop);
+}
