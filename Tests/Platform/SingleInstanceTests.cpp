@@ -1,0 +1,178 @@
+#include "Platform/Linux/LinuxSingleInstance.h"
+
+#include "Platform/Linux/BusObject.h"
+#include "Support/Await.h"
+#include "Support/LogCapture.h"
+#include "Support/Print.h"
+#include "Support/PrivateBus.h"
+#include "Support/TemporaryHome.h"
+
+#include <QElapsedTimer>
+#include <QLocalSocket>
+#include <QThread>
+#include <atomic>
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace corvane;
+
+namespace {
+
+class SingleInstanceTest : public testing::Test {
+protected:
+    struct Running {
+        Running(const QString& folder, const QDBusConnection& bus)
+            : instance(folder, bus)
+        {
+            QObject::connect(&instance, &SingleInstance::activated,
+                [this](const QStringList& arguments) { received.append('[' + arguments.join('|') + ']'); });
+        }
+        LinuxSingleInstance instance;
+        QString received;
+    };
+
+    /// A start of the program beside this one, whose event loop turns meanwhile.
+    bool claimElsewhere(const QDBusConnection& startBus, const QStringList& arguments)
+    {
+        std::atomic<int> result = -1;
+        const std::unique_ptr<QThread> start(
+            QThread::create([&] { result = LinuxSingleInstance(folder, startBus).claim(arguments) ? 1 : 0; }));
+        start->start();
+        EXPECT_TRUE(await([&] { return result != -1; }));
+        start->wait();
+        return result == 1;
+    }
+
+    TemporaryHome home;
+    const QString folder = home.paths().applicationSupport;
+    const QString socketPath = folder + "/instance.socket";
+    PrivateBus privateBus;
+    QDBusConnection bus = privateBus.connect();
+    QDBusConnection otherBus = privateBus.connect();
+};
+
+}
+
+TEST_F(SingleInstanceTest, aLaterStartHandsOverItsArgumentsWithAndWithoutABus)
+{
+    const QList<std::pair<QDBusConnection, QDBusConnection>> ways { { bus, otherBus }, { noBus(), noBus() },
+        { bus, noBus() }, { noBus(), otherBus } };
+    for (const auto& [first, second] : ways) {
+        Running running(folder, first);
+        ASSERT_TRUE(running.instance.claim({}));
+        EXPECT_TRUE(running.instance.claim({})) << "claiming again changes nothing";
+        qputenv("XDG_ACTIVATION_TOKEN", "from the launcher");
+        EXPECT_FALSE(claimElsewhere(second, { "nimb-companion://auth?code=a b&c=\xC3\xA9", "--x" }));
+        EXPECT_FALSE(claimElsewhere(second, {}));
+        ASSERT_TRUE(await([&] { return running.received.endsWith("[]"); }));
+        EXPECT_EQ(running.received, "[nimb-companion://auth?code=a b&c=\xC3\xA9|--x][]");
+        EXPECT_EQ(qEnvironmentVariable("XDG_ACTIVATION_TOKEN"), "from the launcher");
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+    }
+    EXPECT_TRUE(claimElsewhere(otherBus, {})) << "the earlier ones are gone";
+}
+
+TEST_F(SingleInstanceTest, eachDataFolderHasAProgramOfItsOwn)
+{
+    LinuxSingleInstance first(folder, bus);
+    LinuxSingleInstance second(home.path("demo/Corvane"), otherBus);
+    LogCapture log;
+    EXPECT_TRUE(first.claim({}));
+    EXPECT_TRUE(second.claim({}));
+    EXPECT_TRUE(log.lines().isEmpty()) << qPrintable(log.lines().join('\n'));
+
+    const QString usual = QFile::decodeName(getpwuid(getuid())->pw_dir) + "/.local/share/Corvane";
+    EXPECT_EQ(instanceName(usual), "com.nimb.corvane");
+    EXPECT_TRUE(instanceName(folder).startsWith("com.nimb.corvane.at"));
+    EXPECT_NE(instanceName(folder), instanceName(home.path("demo/Corvane")));
+}
+
+TEST_F(SingleInstanceTest, whatADeadProgramLeftIsTakenOver)
+{
+    home.write("share/Corvane/instance.lock", "");
+    sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, QFile::encodeName(socketPath).constData(), sizeof(address.sun_path));
+    const int dead = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(bind(dead, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    close(dead);
+
+    Running running(folder, noBus());
+    EXPECT_TRUE(running.instance.claim({}));
+    EXPECT_FALSE(claimElsewhere(noBus(), { "a" }));
+    EXPECT_TRUE(await([&] { return running.received == "[a]"; }));
+}
+
+TEST_F(SingleInstanceTest, aBusyProgramGetsTheArgumentsWhenItComesRound)
+{
+    for (const auto& [first, second] : { std::pair(bus, otherBus), std::pair(noBus(), noBus()) }) {
+        Running running(folder, first);
+        ASSERT_TRUE(running.instance.claim({}));
+        LogCapture log;
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(LinuxSingleInstance(folder, second).claim({ "later" }));
+        EXPECT_LT(timer.elapsed(), 8000);
+        EXPECT_TRUE(log.contains("does not answer"));
+        EXPECT_TRUE(await([&] { return running.received == "[later]"; }));
+    }
+}
+
+TEST_F(SingleInstanceTest, aProgramThatCannotBeReachedIsNotRunTwice)
+{
+    LinuxSingleInstance running(folder, noBus());
+    ASSERT_TRUE(running.claim({}));
+    ASSERT_TRUE(QFile::remove(socketPath));
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(LinuxSingleInstance(folder, noBus()).claim({}));
+    EXPECT_LT(timer.elapsed(), 8000);
+}
+
+TEST_F(SingleInstanceTest, theSocketIsTheUsersOwnAndOutlivesNonsense)
+{
+    Running running(folder, noBus());
+    ASSERT_TRUE(running.instance.claim({}));
+    for (const QString& name : { "instance.socket", "instance.lock" }) {
+        struct stat status {};
+        ASSERT_EQ(stat(QFile::encodeName(folder + '/' + name).constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0077, 0U) << qPrintable(name);
+    }
+    const QList<QByteArray> nonsense { "\n", "[1]\n", "\xFF{\n", QByteArray(1'000'000, 'x') };
+    for (const QByteArray& text : nonsense) {
+        QLocalSocket socket;
+        socket.connectToServer(socketPath);
+        ASSERT_TRUE(socket.waitForConnected());
+        socket.write(text);
+        EXPECT_TRUE(await([&] { return socket.state() == QLocalSocket::UnconnectedState; }));
+        EXPECT_TRUE(socket.readAll().isEmpty());
+    }
+    QLocalSocket silent;
+    silent.connectToServer(socketPath);
+    EXPECT_FALSE(claimElsewhere(noBus(), { "fine" }));
+    EXPECT_TRUE(await([&] { return running.received == "[fine]"; }));
+}
+
+TEST_F(SingleInstanceTest, aFolderThatCannotBeWrittenStopsNoStart)
+{
+    home.write("share", "a file where the folder should be");
+    Running running(folder, bus);
+    EXPECT_TRUE(running.instance.claim({}));
+    EXPECT_FALSE(claimElsewhere(otherBus, { "over the bus" }));
+    EXPECT_TRUE(await([&] { return running.received == "[over the bus]"; }));
+}
+
+TEST_F(SingleInstanceTest, desktopsReachItAsAnApplication)
+{
+    Running running(folder, bus);
+    ASSERT_TRUE(running.instance.claim({}));
+    const BusObject application { instanceName(folder), "/com/nimb/corvane", "org.freedesktop.Application" };
+    otherBus.send(application.method("Activate", { QVariantMap() }));
+    otherBus.send(application.method("Open", { QStringList("nimb-companion://auth"), QVariantMap() }));
+    otherBus.send(application.method("ActivateAction", { "show", QVariantList(), QVariantMap() }));
+    EXPECT_TRUE(await([&] { return running.received == "[][nimb-companion://auth][]"; }));
+}

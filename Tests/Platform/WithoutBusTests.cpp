@@ -1,0 +1,36 @@
+#include "Platform/AppPaths.h"
+#include "Platform/Desktop.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/NotificationService.h"
+#include "Platform/SingleInstance.h"
+#include "Platform/Tray.h"
+#include "Support/TemporaryHome.h"
+
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+TEST(WithoutBus, everyServiceComesUpAtOnceAndStaysSilent)
+{
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    const TemporaryHome home;
+    QElapsedTimer timer;
+    timer.start();
+    const auto notifications = makeNotificationService();
+    const auto desktop = makeDesktop();
+    const auto tray = makeTray();
+    const auto instance = makeSingleInstance(home.paths());
+    EXPECT_TRUE(instance->claim({}));
+    EXPECT_FALSE(notifications->isAvailable());
+    notifications->show({});
+    desktop->setBadge(1);
+    tray->setUnread(1);
+    EXPECT_FALSE(tray->isShown());
+    EXPECT_LT(timer.elapsed(), 1000);
+    if (address.isNull())
+        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    else
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+}
