@@ -1,0 +1,254 @@
+#include "Inbox/BulkSelection.h"
+#include "Inbox/CommandPalette.h"
+#include "Inbox/ContactItem.h"
+#include "Inbox/DateWords.h"
+#include "Inbox/InboxWords.h"
+#include "Support/Print.h"
+
+#include <QAbstractItemModelTester>
+#include <QDateTime>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+const qint64 now = QDateTime(QDate(2025, 11, 21), QTime(15, 0)).toMSecsSinceEpoch();
+constexpr qint64 day = 86'400'000;
+
+ContactRow person(const QString& id, const QString& name, const QStringList& platforms = { "WHATSAPP" })
+{
+    ContactRow row;
+    row.id = id;
+    row.name = name;
+    row.platforms = platforms;
+    row.account = "main";
+    row.lastTs = now;
+    return row;
+}
+
+QStringList ids(const QList<ContactRow>& rows)
+{
+    QStringList result;
+    for (const ContactRow& row : rows)
+        result.append(row.id);
+    return result;
+}
+
+ContactItem shown(const ContactRow& row, const QString& mediaType = {})
+{
+    return contactItem(row, mediaType, DateWords(now));
+}
+
+QStringList labels(const QList<PaletteItem>& items)
+{
+    QStringList result;
+    for (const PaletteItem& item : items)
+        result.append(item.label);
+    return result;
+}
+
+}
+
+TEST(InboxList, aSearchLooksThroughCaseAndDiacritics)
+{
+    ContactRow second = person("2", "Ben");
+    second.snippet = "El próximo AÑO";
+    const QList<ContactRow> rows { person("1", "José Núñez"), second };
+    EXPECT_EQ(ids(matching(rows, "nunez")), QStringList("1"));
+    EXPECT_EQ(ids(matching(rows, "PROX")), QStringList("2"));
+    EXPECT_TRUE(matching(rows, "zebra").isEmpty());
+}
+
+TEST(InboxList, filtersNarrowAndUnreadComesFirstInStableOrder)
+{
+    QList<ContactRow> rows { person("1", "A"), person("2", "B", { "EMAIL", "WHATSAPP" }), person("3", "C", { "EMAIL" }),
+        person("4", "D") };
+    rows[3].account = "other";
+    rows[1].unread = rows[3].unread = 2;
+    InboxState state;
+    EXPECT_EQ(ids(visible(rows, state)), (QStringList { "1", "2", "3", "4" }));
+    state.sort = SortMode::Unread;
+    EXPECT_EQ(ids(visible(rows, state)), (QStringList { "2", "4", "1", "3" }));
+    state.channelFilter = "EMAIL";
+    EXPECT_EQ(ids(visible(rows, state)), (QStringList { "2", "3" }));
+    state.channelFilter.clear();
+    state.accountFilter = "other";
+    EXPECT_EQ(ids(visible(rows, state)), QStringList("4"));
+}
+
+TEST(InboxList, dateGroupsStandByTheirNewestMessage)
+{
+    QList<ContactRow> rows { person("old", "A"), person("today", "B"), person("never", "C"), person("old2", "D") };
+    rows[0].lastTs = now - 3 * day;
+    rows[2].lastTs = 0;
+    rows[3].lastTs = now - 3 * day + 1;
+    QStringList groups;
+    for (const DateGroup& group : visibleDateGroups(rows, DateWords(now)))
+        groups.append(group.label + ": " + ids(group.rows).join(" "));
+    EXPECT_EQ(groups, (QStringList { "Today: today", "18 Nov 2025: old old2", "No date: never" }));
+}
+
+TEST(InboxList, anEmptyListSaysWhyAndClearsOneThingAtATime)
+{
+    InboxState state { InboxFilter::NeedsMe, ViewMode::Contacts, SortMode::Recent, " zoë ", "LINKEDIN", "main" };
+    const auto title = [&] {
+        return emptyTitle(state, "LinkedIn", "Main");
+    };
+    EXPECT_EQ(title(), "No conversations match “zoë”");
+    EXPECT_EQ(emptyDetail(state), "Search checks contact names and latest message previews.");
+    state = withoutEmptyingFilter(state);
+    EXPECT_EQ(title(), "No LinkedIn conversations — channel filter active");
+    EXPECT_EQ(emptyDetail(state), "");
+    state = withoutEmptyingFilter(state);
+    EXPECT_EQ(title(), "No conversations for Main — account filter active");
+    state = withoutEmptyingFilter(state);
+    EXPECT_EQ(title(), "No conversations need you — view filter active");
+    EXPECT_TRUE(emptyCanClear(state));
+    state.filter = InboxFilter::Today;
+    EXPECT_EQ(title(), "No conversations today — view filter active");
+    state.filter = InboxFilter::Archived;
+    EXPECT_EQ(title(), "Nothing archived");
+    state = withoutEmptyingFilter(state);
+    EXPECT_EQ(title(), "No conversations");
+    EXPECT_EQ(emptyDetail(state), "Pair a WhatsApp account in Accounts — chats appear here.");
+    EXPECT_FALSE(emptyCanClear(state));
+}
+
+TEST(InboxWords, wordsAndWhatTheyNameAgree)
+{
+    for (const QVariant& tab : inboxTabs({ .needsMe = 3, .today = 5 })) {
+        const QString key = tab.toMap().value("key").toString();
+        ASSERT_TRUE(inboxFilter(key));
+        EXPECT_EQ(wordOf(*inboxFilter(key)), key);
+    }
+    EXPECT_EQ(inboxTabs({ .needsMe = 3 }).first().toMap().value("count"), 3);
+    EXPECT_FALSE(inboxFilter("everything"));
+    EXPECT_FALSE(viewMode(""));
+    EXPECT_FALSE(sortMode("oldest"));
+}
+
+TEST(ContactItem, aRowReadsAsOneSentence)
+{
+    ContactRow row = person("1", "Ana Ruiz");
+    row.unread = 3;
+    row.lastTs = now - 40 * 60'000;
+    row.snippet = "See you\n tomorrow";
+    EXPECT_EQ(shown(row).spoken, "Ana Ruiz, WhatsApp, 3 unread, 14:20: See you tomorrow");
+    row.isGroup = row.isMuted = true;
+    row.unread = 0;
+    row.snippet.clear();
+    EXPECT_EQ(shown(row).spoken, "Ana Ruiz, WhatsApp, group, muted, 14:20");
+}
+
+TEST(ContactItem, noRawAddressIsEverAName)
+{
+    EXPECT_EQ(shown(person("1", "4917112345678@s.whatsapp.net")).name, "+4917112345678");
+    EXPECT_EQ(shown(person("1", "4917112345678@s.whatsapp.net", { "EMAIL", "WHATSAPP" })).name, "+4917112345678");
+    EXPECT_EQ(shown(person("1", "4912345@lid")).name, "WhatsApp user 2345");
+    EXPECT_EQ(shown(person("1", "")).name, "Unknown");
+    EXPECT_EQ(shown(person("1", "ana@example.com", { "EMAIL" })).name, "ana@example.com");
+}
+
+TEST(ContactItem, aSnippetIsOneShortLine)
+{
+    ContactRow row = person("1", "Ana");
+    const auto snippet = [&](const QString& body, const QString& mediaType = {}) {
+        row.snippet = body;
+        return shown(row, mediaType).snippet;
+    };
+    EXPECT_EQ(snippet(" a \n\t b "), "a b");
+    EXPECT_EQ(snippet("", "sticker"), "Sticker");
+    EXPECT_EQ(snippet("", "poll"), "Media");
+    EXPECT_EQ(snippet(""), "");
+    EXPECT_EQ(snippet("[Image]"), "Image");
+    EXPECT_EQ(snippet("[Document] offer.pdf"), "Document: offer.pdf");
+    EXPECT_LE(snippet(QString(2'000'000, u'x')).size(), 160);
+    const QString family = "👩‍👩‍👧";
+    const QString cut = snippet(family.repeated(100));
+    EXPECT_EQ(cut.size() % family.size(), 0) << "no character is cut in two";
+}
+
+TEST(ContactItem, aHitShowsTheWordsThatWereFound)
+{
+    MessageHit hit { "m", "ct:EMAIL:ana@x.de", "Ana", "EMAIL", QString("word ").repeated(400) + "the Invoice is here",
+        now, "OUT" };
+    const MessageHitItem item = messageHitItem(hit, "invoice", DateWords(now));
+    EXPECT_TRUE(item.snippet.contains("the Invoice is here"));
+    EXPECT_LT(item.snippet.size(), 100);
+    EXPECT_TRUE(item.outgoing);
+    hit.snippet = "Invoice";
+    EXPECT_EQ(messageHitItem(hit, "invoice", DateWords(now)).snippet, "Invoice");
+}
+
+TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
+{
+    QList<ContactRow> rows;
+    for (int i = 0; i < 40; ++i)
+        rows.append(person(QString::number(i), QStringLiteral("Ana %1").arg(i)));
+    EXPECT_EQ(paletteItems(rows, false, {}).size(), 8 + 1);
+    EXPECT_EQ(labels(paletteItems({}, true, {})),
+        (QStringList { "Archive current conversation", "Mute / unmute current conversation", "Toggle contact panel",
+            "Mark all as read" }));
+    EXPECT_EQ(labels(paletteItems({}, false, {})), QStringList("Mark all as read"));
+    EXPECT_EQ(labels(paletteItems({}, true, "CURRENT")),
+        (QStringList { "Archive current conversation", "Mute / unmute current conversation" }));
+    EXPECT_EQ(paletteItems(rows, true, "aNa").size(), 30);
+    EXPECT_EQ(labels(paletteItems(rows, true, "ana 39")), QStringList("Ana 39"));
+}
+
+TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
+{
+    CommandPalette palette;
+    QAbstractItemModelTester tester(palette.items(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QSignalSpy chosen(&palette, &CommandPalette::contactChosen);
+    QSignalSpy actions(&palette, &CommandPalette::actionChosen);
+    QSignalSpy closed(&palette, &CommandPalette::closed);
+    palette.setContacts({ person("1", "Ana"), person("2", "Ben") });
+    palette.open();
+    palette.moveUp();
+    EXPECT_EQ(palette.index(), 0);
+    palette.moveDown();
+    palette.runHighlighted();
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.first().first(), "2");
+    EXPECT_EQ(closed.size(), 1);
+
+    palette.open();
+    palette.moveDown();
+    palette.moveDown();
+    palette.moveDown();
+    EXPECT_EQ(palette.index(), 2);
+    palette.runHighlighted();
+    ASSERT_EQ(actions.size(), 1);
+
+    palette.open();
+    palette.setIndex(2);
+    palette.setContacts({});
+    EXPECT_EQ(palette.index(), 0) << "a list that shrinks keeps the highlight in it";
+    palette.setQuery("zebra");
+    EXPECT_EQ(palette.emptyText(), "Nothing matches “zebra”");
+    palette.runHighlighted();
+    EXPECT_EQ(chosen.size() + actions.size(), 2);
+}
+
+TEST(BulkSelection, whatTheListNoLongerShowsDropsOut)
+{
+    BulkSelection bulk;
+    bulk.setListed({ "a", "b", "c", "d", "e" });
+    bulk.toggle("d");
+    bulk.extendTo("b");
+    EXPECT_EQ(bulk.ids(), (QStringList { "b", "c", "d" }));
+    EXPECT_EQ(bulk.text(), "3 selected");
+    bulk.toggle("c");
+    bulk.setListed({ "d", "x" });
+    EXPECT_EQ(bulk.ids(), QStringList("d"));
+    bulk.set("gone", true);
+    bulk.extendTo("gone");
+    EXPECT_EQ(bulk.ids(), QStringList("d"));
+    bulk.all();
+    EXPECT_EQ(bulk.ids(), (QStringList { "d", "x" }));
+    bulk.clear();
+    EXPECT_FALSE(bulk.active());
+}
