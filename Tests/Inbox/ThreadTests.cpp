@@ -151,8 +151,10 @@ TEST(ThreadRow, aGroupNamesItsSpeakersOnceARun)
     const QList<UnifiedMsgRow> rows { message(noon, "IN", "4917112345678@s.whatsapp.net"),
         message(noon + 1, "IN", "4917112345678@s.whatsapp.net"), message(noon + 2, "OUT"),
         message(noon + 3, "IN", " ") };
+    ThreadSurroundings group;
+    group.isGroup = true;
     QStringList labels;
-    for (const ThreadRow& row : shownRows(rows, { true, {}, {} }))
+    for (const ThreadRow& row : shownRows(rows, group))
         labels.append(row.senderLabel);
     EXPECT_EQ(labels, (QStringList { "", "+4917112345678", "", "", "" }));
     for (const ThreadRow& row : shownRows(rows))
@@ -190,4 +192,8 @@ TEST(ThreadRow, aTextIsShownOnce)
     EXPECT_EQ(document.mediaTitle, "plan.pdf");
     EXPECT_EQ(document.mediaState, "ready");
     EXPECT_EQ(document.spoken, "Ana, 12:00, Document: plan.pdf");
+
+    ThreadSurroundings surroundings;
+    surroundings.contactName = "Ana Ruiz";
+    EXPECT_EQ(shownRows({ message(noon, "IN", "") }, surroundings).last().spoken, "Ana Ruiz, 12:00: hello");
 }

@@ -1,13 +1,10 @@
-// What a person does with the list: opening, archiving, muting, reading, and what the view does on its own
-// for the people it shows.
+// What a person does with the list: opening, archiving, muting, reading.
 
 #include "Inbox/InboxView.h"
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
-#include "Inbox/DateWords.h"
 #include "Inbox/ReplyRouting.h"
-#include "Store/IngestQueries.h"
 
 #include <algorithm>
 
@@ -276,57 +273,11 @@ void InboxView::readWhatArrived()
     m_engine.refreshUnreadBadge();
 }
 
-void InboxView::requestMissingAvatars()
-{
-    static const QString prefix = QStringLiteral("ct:WHATSAPP:");
-    for (const ContactRow& row : std::as_const(m_contacts)) {
-        if (!row.avatarPath.isEmpty() || !row.platforms.contains(whatsApp) || !row.id.startsWith(prefix))
-            continue;
-        const QString jid = row.id.sliced(prefix.size());
-        if (m_avatarRequested.contains(jid))
-            continue;
-        // An engine that is not connected yet is asked later.
-        const auto account = m_accounts.findBySlug(row.account);
-        if (!account || account->channel() != Channel::WhatsApp
-            || m_engine.runtime(account->id).status != WAStatus::Connected)
-            continue;
-        if (m_engine.fetchAvatar(*account, jid))
-            m_avatarRequested.insert(jid);
-    }
-}
-
-void InboxView::refreshSyncVisibility()
-{
-    const QList<SyncHealthRow> rows = fetchSyncHealthRows(db());
-    if (rows != m_syncHealthRows)
-        m_retryQueued = false;
-    m_syncHealthRows = rows;
-    for (const QString& channel : webOnlyChannels)
-        m_newestWebChannelMessageAt.insert(channel, newestConversationTimestamp(db(), channel));
-}
-
-void InboxView::presentBanners()
-{
-    const qint64 nowMs = m_scheduler.nowMs();
-    const DateWords words(nowMs);
-    QVariantList banners;
-    for (const WebStaleness& stale :
-        activeWebStaleness(m_state.channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
-        banners.append(QVariantMap { { QStringLiteral("channel"), stale.channel },
-            { QStringLiteral("text"), stalenessText(stale, words) }, { QStringLiteral("queued"), m_retryQueued } });
-    }
-    if (banners == m_banners)
-        return;
-    m_banners = banners;
-    Q_EMIT stalenessChanged();
-}
-
 void InboxView::retry(const QString& channel)
 {
     if (!webOnlyChannels.contains(channel))
         return;
-    queueWebPullSync(db(), QStringLiteral("inbox"));
-    m_retryQueued = true;
+    m_webMirror.retry(db());
     presentBanners();
 }
 

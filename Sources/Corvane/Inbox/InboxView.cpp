@@ -33,6 +33,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_accounts(surroundings.accounts)
     , m_defaults(surroundings.defaults)
     , m_scheduler(surroundings.scheduler)
+    , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
     , m_hitsSoon(m_scheduler, hitsPeriod, [this] { refreshHits(); })
@@ -210,8 +211,8 @@ void InboxView::reload()
         m_workspaceNotice = *notice;
         Q_EMIT workspaceNoticeChanged();
     }
-    requestMissingAvatars();
-    refreshSyncVisibility();
+    m_avatars.requestMissing(m_contacts);
+    m_webMirror.refresh(db());
     if (!m_selectedId.isEmpty()) {
         if (const ContactRow* row = find(m_selectedId))
             m_selectedRow = *row;
@@ -307,6 +308,15 @@ void InboxView::presentChoices()
     m_channelChoices = channelChoices;
     m_accountChoices = accountChoices;
     Q_EMIT choicesChanged();
+}
+
+void InboxView::presentBanners()
+{
+    const QVariantList banners = m_webMirror.banners(m_state.channelFilter, m_scheduler.nowMs());
+    if (banners == m_banners)
+        return;
+    m_banners = banners;
+    Q_EMIT stalenessChanged();
 }
 
 QString InboxView::mediaTypeOf(const ContactRow& row)

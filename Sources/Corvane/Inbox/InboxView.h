@@ -2,6 +2,7 @@
 
 #include "Foundation/Coalescer.h"
 #include "Foundation/NotificationCentre.h"
+#include "Inbox/AvatarRequests.h"
 #include "Inbox/BulkSelection.h"
 #include "Inbox/CommandPalette.h"
 #include "Inbox/ContactItem.h"
@@ -9,7 +10,6 @@
 #include "Inbox/ThreadView.h"
 #include "Inbox/WebStaleness.h"
 
-#include <QSet>
 #include <QVariantList>
 
 namespace corvane {
@@ -158,8 +158,6 @@ private:
     InboxState asTyped() const; ///< with the search as it is now
     void narrow(const InboxState& state);
     void refreshHits();
-    void requestMissingAvatars();
-    void refreshSyncVisibility();
     void present();
     void presentChoices();
     void presentBanners();
@@ -191,6 +189,7 @@ private:
     QVariantList m_tabs;
     QVariantList m_channelChoices;
     QVariantList m_accountChoices;
+    AvatarRequests m_avatars;
 
     QString m_selectedId;
     ContactRow m_selectedRow; ///< as last seen: a filter may have hidden it since
@@ -206,13 +205,10 @@ private:
     bool m_showCRM = true;
     bool m_showPalette = false;
     QString m_workspaceNotice;
-    QList<SyncHealthRow> m_syncHealthRows;
-    QHash<QString, qint64> m_newestWebChannelMessageAt;
-    bool m_retryQueued = false; ///< since the web last reported
+    WebMirror m_webMirror;
     QVariantList m_banners;
     QStringList m_undoIds;
     QString m_undoText;
-    QSet<QString> m_avatarRequested;
 
     Coalescer m_reloadSoon;
     Coalescer m_hitsSoon;

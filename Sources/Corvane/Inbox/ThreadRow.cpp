@@ -77,9 +77,9 @@ void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurro
     shown.transcript = row.audioTranscript.value_or(QString());
 }
 
-QString spokenMessage(const ThreadRow& shown, const UnifiedMsgRow& row)
+QString spokenMessage(const ThreadRow& shown, const QString& sender)
 {
-    QStringList parts { shown.outgoing ? QStringLiteral("You") : WAName::pretty(row.sender), shown.timeText };
+    QStringList parts { shown.outgoing ? QStringLiteral("You") : WAName::pretty(sender), shown.timeText };
     if (!shown.ticksText.isEmpty())
         parts.append(shown.ticksText);
     if (!shown.mediaKind.isEmpty())
@@ -117,7 +117,7 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     shown.reaction = row.reaction;
     shown.highlighted = row.id == surroundings.highlightId;
     describeMedia(shown, row, surroundings);
-    shown.spoken = spokenMessage(shown, row);
+    shown.spoken = spokenMessage(shown, row.sender.trimmed().isEmpty() ? surroundings.contactName : row.sender);
     return shown;
 }
 

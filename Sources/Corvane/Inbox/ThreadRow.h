@@ -64,6 +64,7 @@ public:
 
 /// What a thread's rows depend on besides its messages.
 struct ThreadSurroundings {
+    QString contactName; ///< who speaks where a message does not say
     bool isGroup = false;
     QString highlightId;
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;

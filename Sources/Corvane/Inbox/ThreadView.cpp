@@ -145,9 +145,12 @@ int ThreadView::rowOf(const QString& messageId) const
 void ThreadView::present()
 {
     m_rows.assign(threadRows(ThreadBuilder::build(m_messages),
-        { .isGroup = m_contact.isGroup, .highlightId = m_highlightId, .download = [this](const QString& messageId) {
-             return m_engine.mediaDownloadStatus(messageId);
-         } }));
+        { .contactName = m_contact.name,
+            .isGroup = m_contact.isGroup,
+            .highlightId = m_highlightId,
+            .download = [this](const QString& messageId) {
+                return m_engine.mediaDownloadStatus(messageId);
+            } }));
 }
 
 void ThreadView::setError(const QString& text)

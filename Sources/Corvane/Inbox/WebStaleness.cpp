@@ -2,6 +2,7 @@
 
 #include "Engines/Account.h"
 #include "Inbox/DateWords.h"
+#include "Store/IngestQueries.h"
 
 #include <algorithm>
 
@@ -38,6 +39,34 @@ QString stalenessText(const WebStaleness& staleness, const DateWords& words)
 {
     return QStringLiteral("%1 last synced %2 — web connection degraded")
         .arg(channelLabel(staleness.channel), words.ago(staleness.newest));
+}
+
+void WebMirror::refresh(LocalDB& db)
+{
+    const QList<SyncHealthRow> rows = fetchSyncHealthRows(db);
+    if (rows != m_syncHealthRows)
+        m_retryQueued = false;
+    m_syncHealthRows = rows;
+    for (const QString& channel : webOnlyChannels)
+        m_newestWebChannelMessageAt.insert(channel, newestConversationTimestamp(db, channel));
+}
+
+void WebMirror::retry(LocalDB& db)
+{
+    queueWebPullSync(db, QStringLiteral("inbox"));
+    m_retryQueued = true;
+}
+
+QVariantList WebMirror::banners(const QString& channelFilter, qint64 nowMs) const
+{
+    const DateWords words(nowMs);
+    QVariantList banners;
+    for (const WebStaleness& stale :
+        activeWebStaleness(channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
+        banners.append(QVariantMap { { QStringLiteral("channel"), stale.channel },
+            { QStringLiteral("text"), stalenessText(stale, words) }, { QStringLiteral("queued"), m_retryQueued } });
+    }
+    return banners;
 }
 
 }

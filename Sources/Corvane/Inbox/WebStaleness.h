@@ -3,6 +3,7 @@
 #include "Store/SyncQueries.h"
 
 #include <QHash>
+#include <QVariantList>
 
 namespace corvane {
 
@@ -25,5 +26,20 @@ QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList
     const QHash<QString, qint64>& newest, qint64 nowMs);
 
 QString stalenessText(const WebStaleness& staleness, const DateWords& words);
+
+/// How the web mirror fares, as last read.
+class WebMirror {
+public:
+    void refresh(LocalDB& db);
+    void retry(LocalDB& db); ///< asks the web for a pull
+
+    /// Of {channel, text, queued}: a retry stays queued until the web reports again.
+    QVariantList banners(const QString& channelFilter, qint64 nowMs) const;
+
+private:
+    QList<SyncHealthRow> m_syncHealthRows;
+    QHash<QString, qint64> m_newestWebChannelMessageAt;
+    bool m_retryQueued = false;
+};
 
 }

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "Engines/AccountStore.h"
+#include "Foundation/Json.h"
+#include "Inbox/InboxView.h"
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+
+#include <QAbstractItemModelTester>
+#include <QDateTime>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+inline const QString ana = "ct:WHATSAPP:49171@s.whatsapp.net";
+inline const QString ben = "ct:WHATSAPP:49172@s.whatsapp.net";
+
+/// The view on a real database, fed by an engine that the test plays.
+class InboxViewTest : public testing::Test, protected EngineWorld {
+protected:
+    InboxViewTest()
+    {
+        launcher.expect(FakeLauncher::stays());
+        engines.start(account);
+        engine().printEvent({ { "type", "status" }, { "state", "open" } });
+        settle();
+        inbox.appear();
+    }
+
+    FakeChild& engine() const { return launcher.last(); }
+
+    void receive(const QString& from, const QString& body, QJsonObject more = {})
+    {
+        more.insert("type", "message");
+        more.insert("convExternalId", from.section(':', 2));
+        more.insert("body", body);
+        more.insert("providerMsgId", QStringLiteral("m%1").arg(++m_messages));
+        if (from == ana || from == ben)
+            more.insert("convTitle", from == ana ? "Ana Ruiz" : "Ben");
+        if (!more.contains("ts"))
+            more.insert("ts", clock.nowMs());
+        engine().printEvent(more);
+        clock.advance(Milliseconds(110));
+    }
+
+    void receiveFromAnaAndBen()
+    {
+        receive(ana, "hello");
+        receive(ben, "good day");
+    }
+
+    QStringList column(QAbstractItemModel* model, const QByteArray& role) const
+    {
+        const int id = model->roleNames().key(role, -1);
+        EXPECT_NE(id, -1) << role.constData();
+        QStringList values;
+        for (int row = 0; row < model->rowCount(); ++row)
+            values.append(model->index(row, 0).data(id).toString());
+        return values;
+    }
+    QStringList names() { return column(inbox.contacts(), "name"); }
+    QStringList bodies() { return column(inbox.thread()->rows(), "body"); }
+
+    QList<QString> commands(const QString& word) const
+    {
+        QList<QString> found;
+        for (const QJsonObject& command : engine().commands()) {
+            if (command.value("cmd") == word)
+                found.append(compactJson(command));
+        }
+        return found;
+    }
+
+    int count(const QString& key) const
+    {
+        for (const QVariant& tab : inbox.tabs()) {
+            if (tab.toMap().value("key") == key)
+                return tab.toMap().value("count").toInt();
+        }
+        return -1;
+    }
+
+    void type(const QString& text)
+    {
+        inbox.setSearch(text);
+        clock.advance(Milliseconds(250));
+    }
+
+    AccountStore accounts { home.paths().applicationSupport };
+    Account account = accounts.add("Main", Channel::WhatsApp);
+    InboxView inbox { InboxView::Surroundings { engines, accounts, defaults, centre, clock } };
+    QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
+    QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
+    QAbstractItemModelTester threadTester { inbox.thread()->rows(),
+        QAbstractItemModelTester::FailureReportingMode::Fatal };
+
+private:
+    int m_messages = 0;
+};
+
+}
