@@ -1,0 +1,24 @@
+import Corvane
+import QtQuick
+
+/// A pane of its own on the desk.
+Rectangle {
+    default property alias content: inner.data
+    property int padding: Theme.large
+
+    implicitWidth: inner.implicitWidth + padding * 2
+    implicitHeight: inner.implicitHeight + padding * 2
+    radius: Theme.cardRadius
+    color: Theme.surface
+    border.width: 1
+    border.color: Theme.line
+
+    Column {
+        id: inner
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.margins: parent.padding
+        spacing: Theme.medium
+    }
+}

@@ -1,0 +1,10 @@
+import Corvane
+import QtQuick
+
+/// Plain text in the window's type; what people write is never read as markup.
+Text {
+    color: Theme.text
+    font.pixelSize: Theme.body
+    elide: Text.ElideRight
+    textFormat: Text.PlainText
+}

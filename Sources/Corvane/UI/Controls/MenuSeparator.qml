@@ -1,0 +1,14 @@
+import Corvane
+import QtQuick
+import QtQuick.Templates as T
+
+T.MenuSeparator {
+    implicitHeight: 9
+    implicitWidth: 40
+    topPadding: 4
+    contentItem: Rectangle {
+        implicitHeight: 1
+        height: 1
+        color: Theme.line
+    }
+}

@@ -1,0 +1,82 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The rows of people, and under them the messages that a search found.
+ListView {
+    id: list
+
+    required property QtObject inbox
+
+    signal entered
+
+    objectName: "inbox.list"
+    clip: true
+    model: inbox.contacts
+    reuseItems: true
+    boundsBehavior: Flickable.StopAtBounds
+    highlightFollowsCurrentItem: true
+    highlightMoveDuration: 0
+    keyNavigationEnabled: false
+    cacheBuffer: Theme.row * 4
+    topMargin: Theme.tight
+    bottomMargin: Theme.tight
+    activeFocusOnTab: true
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("Conversations")
+    T.ScrollBar.vertical: ScrollBar {}
+    KeyboardFocus { id: keyboard; target: list }
+
+    // The row in hand follows the open conversation; without one it moves alone.
+    Binding on currentIndex { value: list.inbox.selectedIndex; when: list.inbox.selectedIndex >= 0 }
+    onCurrentIndexChanged: positionViewAtIndex(currentIndex, ListView.Contain)
+
+    Keys.onDownPressed: inbox.moveSelection(1)
+    Keys.onUpPressed: inbox.moveSelection(-1)
+    Keys.onReturnPressed: if (inbox.selectedId) entered()
+    Keys.onEnterPressed: if (inbox.selectedId) entered()
+    Keys.onSpacePressed: if (inbox.selectedId) inbox.bulk.toggle(inbox.selectedId)
+
+    section.property: "dateGroup"
+    section.delegate: SectionHeader {
+        required property string section
+        width: ListView.view.width
+        leftPadding: Theme.large
+        topPadding: Theme.medium
+        bottomPadding: Theme.tight
+        text: section
+    }
+
+    delegate: ContactRow {
+        width: ListView.view.width
+        picking: list.inbox.bulk.active
+        ringed: keyboard.shown && selected
+        onOpened: {
+            list.forceActiveFocus(Qt.MouseFocusReason);
+            list.inbox.select(id);
+        }
+        onToggled: list.inbox.bulk.toggle(id)
+        onExtended: list.inbox.bulk.extendTo(id)
+    }
+
+    footer: Column {
+        width: list.width
+        visible: hits.count > 0
+        height: visible ? implicitHeight : 0
+
+        SectionHeader {
+            leftPadding: Theme.large
+            topPadding: Theme.large
+            bottomPadding: Theme.tight
+            text: qsTr("Messages")
+        }
+        Repeater {
+            id: hits
+            model: list.inbox.messageHits
+            HitRow {
+                width: list.width
+                onClicked: list.inbox.openHit(id)
+            }
+        }
+    }
+}

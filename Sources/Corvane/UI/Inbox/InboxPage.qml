@@ -1,0 +1,139 @@
+import QtQuick
+import Corvane
+
+/// The list, the open thread, and the person it belongs to.
+Page {
+    id: page
+
+    required property QtObject inbox
+    required property QtObject layout
+
+    readonly property bool open: inbox.selectedId !== ""
+    readonly property bool narrow: width < 1200
+    /// Folded away below 1200 px until it is asked for.
+    property bool contactAskedFor: false
+    readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.showCRM)
+
+    signal openSettings
+
+    panes: [list, thread, contact]
+    Component.onCompleted: inbox.appear()
+    onNarrowChanged: contactAskedFor = false
+
+    function act(command: string) {
+        switch (command) {
+        case "search":
+            list.search();
+            break;
+        case "next":
+            inbox.moveSelection(1);
+            break;
+        case "previous":
+            inbox.moveSelection(-1);
+            break;
+        case "checkAll":
+            inbox.bulk.all();
+            break;
+        case "archive":
+            if (inbox.bulk.active)
+                inbox.archiveChecked();
+            else
+                inbox.archiveSelected();
+            break;
+        case "mute":
+            if (inbox.bulk.active)
+                inbox.muteChecked();
+            else
+                inbox.muteSelected();
+            break;
+        case "undo":
+            inbox.undo();
+            break;
+        case "contactPane":
+            toggleContact();
+            break;
+        case "back":
+            back();
+            break;
+        }
+    }
+
+    function toggleContact() {
+        if (narrow)
+            contactAskedFor = !contactAskedFor;
+        else
+            inbox.showCRM = !inbox.showCRM;
+    }
+
+    function back() {
+        if (narrow && contactAskedFor) {
+            contactAskedFor = false;
+            thread.forceActiveFocus(Qt.TabFocusReason);
+        } else if (thread.activeFocus || contact.activeFocus) {
+            list.forceActiveFocus(Qt.TabFocusReason);
+        } else if (inbox.bulk.active) {
+            inbox.bulk.clear();
+        } else if (inbox.search) {
+            inbox.search = "";
+        } else {
+            inbox.select("");
+        }
+    }
+
+    ListPane {
+        id: list
+        width: page.layout.listWidth
+        height: parent.height
+        focus: true
+        inbox: page.inbox
+        onEntered: thread.forceActiveFocus(Qt.TabFocusReason)
+        onOpenSettings: page.openSettings()
+    }
+    DragHandle {
+        id: listEdge
+        objectName: "inbox.listEdge"
+        anchors.left: list.right
+        height: parent.height
+        name: qsTr("Width of the list")
+        paneWidth: page.layout.listWidth
+        onMoved: width => page.layout.listWidth = width
+    }
+    ThreadPane {
+        id: thread
+        anchors.left: listEdge.right
+        anchors.right: contact.visible && !page.narrow ? contactEdge.left : parent.right
+        height: parent.height
+        inbox: page.inbox
+        contactShown: page.contactShown
+        onToggleContact: page.toggleContact()
+    }
+    DragHandle {
+        id: contactEdge
+        objectName: "inbox.contactEdge"
+        anchors.right: contact.left
+        height: parent.height
+        visible: contact.visible
+        z: 3
+        name: qsTr("Width of the contact")
+        paneWidth: page.layout.contactWidth
+        paneIsRight: true
+        onMoved: width => page.layout.contactWidth = width
+    }
+    ContactPane {
+        id: contact
+        x: page.width - width
+        width: page.layout.contactWidth
+        height: parent.height
+        visible: page.contactShown
+        over: page.narrow
+        inbox: page.inbox
+        layout: page.layout
+    }
+
+    UndoToast {
+        inbox: page.inbox
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.wide
+        anchors.horizontalCenter: parent.horizontalCenter
+    }
+}

@@ -1,0 +1,169 @@
+import QtQuick
+import QtQml
+import Corvane
+
+/// Search, filter tabs, and the choices of sorting, view, channel and account.
+Column {
+    id: head
+
+    required property QtObject inbox
+
+    signal leave
+
+    topPadding: Theme.medium
+    spacing: Theme.small
+
+    function search() {
+        field.forceActiveFocus(Qt.ShortcutFocusReason);
+        field.selectAll();
+    }
+
+    SearchField {
+        id: field
+        objectName: "inbox.search"
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        placeholderText: qsTr("Search people and messages")
+        text: head.inbox.search
+        onTextEdited: head.inbox.search = text
+        onCleared: head.inbox.search = ""
+        onLeave: head.leave()
+    }
+    Row {
+        x: Theme.medium - Theme.tight
+        spacing: 2
+
+        Repeater {
+            model: head.inbox.tabs
+            FilterTab {
+                required property var modelData
+                objectName: "inbox.filter." + modelData.key
+                text: modelData.label
+                count: modelData.count
+                selected: head.inbox.filter === modelData.key
+                onClicked: head.inbox.filter = modelData.key
+            }
+        }
+    }
+    Item {
+        x: Theme.medium - Theme.tight
+        width: parent.width - Theme.medium * 2 + Theme.tight
+        height: 28
+
+        Flow {
+            anchors.verticalCenter: parent.verticalCenter
+            width: tools.x
+            spacing: Theme.tight
+
+            Chip {
+                visible: head.inbox.channelFilter !== ""
+                removable: true
+                mark: head.inbox.channelFilter
+                text: head.inbox.channelFilterLabel
+                onClicked: head.inbox.channelFilter = ""
+            }
+            Chip {
+                visible: head.inbox.accountFilter !== ""
+                removable: true
+                text: head.inbox.accountFilterLabel
+                onClicked: head.inbox.accountFilter = ""
+            }
+            MenuButton {
+                objectName: "inbox.sort"
+                visible: head.inbox.channelFilter === "" && head.inbox.accountFilter === ""
+                icon.name: "view-sort"
+                text: head.inbox.sort === "unread" ? qsTr("Unread first") : qsTr("Newest first")
+                hint: qsTr("Order of the list")
+                MenuItem {
+                    text: qsTr("Newest first")
+                    checkable: true
+                    checked: head.inbox.sort === "recent"
+                    onTriggered: head.inbox.sort = "recent"
+                }
+                MenuItem {
+                    text: qsTr("Unread first")
+                    checkable: true
+                    checked: head.inbox.sort === "unread"
+                    onTriggered: head.inbox.sort = "unread"
+                }
+            }
+        }
+        Row {
+            id: tools
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+
+            IconButton {
+                objectName: "inbox.view"
+                size: 28
+                iconSize: 16
+                icon.name: "view-calendar"
+                checked: head.inbox.viewMode === "messages"
+                text: qsTr("Group by day")
+                onClicked: head.inbox.viewMode = head.inbox.viewMode === "messages" ? "contacts" : "messages"
+            }
+            IconButton {
+                id: narrow
+                objectName: "inbox.narrow"
+                size: 28
+                iconSize: 16
+                icon.name: "filter"
+                checked: head.inbox.channelFilter !== "" || head.inbox.accountFilter !== ""
+                text: qsTr("Channels and accounts")
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: choices.popup(narrow, narrow.width - choices.width, narrow.height + Theme.tight)
+            }
+            IconButton {
+                id: more
+                objectName: "inbox.more"
+                size: 28
+                iconSize: 16
+                icon.name: "overflow-menu"
+                text: qsTr("More")
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: actions.popup(more, more.width - actions.width, more.height + Theme.tight)
+            }
+        }
+    }
+
+    Menu {
+        id: choices
+        Instantiator {
+            model: head.inbox.channelChoices
+            delegate: MenuItem {
+                required property var modelData
+                icon.name: "channel-" + modelData.key.toLowerCase()
+                text: modelData.label
+                onTriggered: head.inbox.channelFilter = modelData.key
+            }
+            onObjectAdded: (index, item) => choices.insertItem(index, item)
+            onObjectRemoved: (index, item) => choices.removeItem(item)
+        }
+        MenuSeparator {}
+        Instantiator {
+            model: head.inbox.accountChoices
+            delegate: MenuItem {
+                required property var modelData
+                icon.name: "user"
+                text: modelData.label
+                onTriggered: head.inbox.accountFilter = modelData.key
+            }
+            onObjectAdded: (index, item) => choices.addItem(item)
+            onObjectRemoved: (index, item) => choices.removeItem(item)
+        }
+    }
+    Menu {
+        id: actions
+        MenuItem {
+            icon.name: "mail-mark-read"
+            text: qsTr("Mark all as read")
+            onTriggered: head.inbox.markAllRead()
+        }
+        MenuItem {
+            icon.name: "select"
+            text: qsTr("Pick all")
+            key: Keymap.keysOf("checkAll")
+            onTriggered: head.inbox.bulk.all()
+        }
+    }
+}

@@ -1,0 +1,105 @@
+import QtQuick
+import Corvane
+
+/// The people, with the ways to narrow them down above.
+FocusScope {
+    id: pane
+
+    required property QtObject inbox
+
+    signal entered ///< Return on a row: on into its thread
+    signal openSettings
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Conversations")
+
+    function search() {
+        head.search();
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+    }
+    ListHead {
+        id: head
+        width: parent.width
+        inbox: pane.inbox
+        onLeave: rows.forceActiveFocus(Qt.TabFocusReason)
+    }
+    Column {
+        id: notices
+        anchors.top: head.bottom
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        spacing: Theme.small
+        bottomPadding: children.length > 1 ? Theme.small : 0
+
+        Banner {
+            visible: text !== ""
+            width: parent.width
+            text: pane.inbox.workspaceNotice
+            dismissable: true
+            onDismissed: pane.inbox.dismissWorkspaceNotice()
+        }
+        Repeater {
+            model: pane.inbox.stalenessBanners
+            Banner {
+                required property var modelData
+                width: notices.width
+                tone: "warn"
+                text: modelData.text
+                action: modelData.retryLabel ?? qsTr("Retry")
+                onActed: pane.inbox.retry(modelData.channel)
+            }
+        }
+    }
+    Rectangle {
+        anchors.bottom: body.top
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+
+    Item {
+        id: body
+        anchors.top: notices.bottom
+        anchors.bottom: bulk.top
+        width: parent.width
+
+        ContactList {
+            id: rows
+            anchors.fill: parent
+            focus: true
+            visible: !pane.inbox.isEmpty
+            inbox: pane.inbox
+            onEntered: pane.entered()
+        }
+        Skeleton {
+            width: parent.width
+            active: pane.inbox.loading
+        }
+        EmptyState {
+            anchors.centerIn: parent
+            anchors.verticalCenterOffset: -Theme.wide
+            width: parent.width - Theme.huge * 2
+            visible: pane.inbox.isEmpty && !pane.inbox.loading
+            icon: pane.inbox.search ? "edit-find" : pane.inbox.filter === "archived" ? "mail-archive" : "hub-inbox"
+            title: pane.inbox.emptyTitle
+            detail: pane.inbox.emptyDetail
+            action: pane.inbox.emptyCanClear ? qsTr("Clear") : pane.inbox.emptyDetail ? qsTr("Open Accounts") : ""
+            onActed: {
+                if (pane.inbox.emptyCanClear)
+                    pane.inbox.clearActiveEmptyFilter();
+                else
+                    pane.openSettings();
+            }
+        }
+    }
+    BulkBar {
+        id: bulk
+        anchors.bottom: parent.bottom
+        width: parent.width
+        inbox: pane.inbox
+    }
+}

@@ -1,0 +1,114 @@
+import QtQuick
+import Corvane
+
+/// Whose thread it is, and what can be done with it.
+Rectangle {
+    id: head
+
+    required property QtObject inbox
+    required property var contact
+    required property bool contactShown
+
+    signal toggleContact
+
+    implicitHeight: 60
+    color: Theme.surface
+
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+    Avatar {
+        id: face
+        x: Theme.large
+        anchors.verticalCenter: parent.verticalCenter
+        width: 36
+        hue: head.contact.hue
+        initials: head.contact.initials
+        photo: head.contact.avatarPath
+        group: head.contact.isGroup
+    }
+    Column {
+        anchors.left: face.right
+        anchors.leftMargin: Theme.medium
+        anchors.right: tools.left
+        anchors.rightMargin: Theme.medium
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 2
+
+        Row {
+            width: parent.width
+            spacing: 6
+            Label {
+                width: Math.min(implicitWidth, parent.width - (muted.visible ? 20 : 0))
+                text: head.contact.name
+                font.pixelSize: Theme.title
+                font.weight: Theme.strong
+                Accessible.role: Accessible.Heading
+            }
+            Icon {
+                id: muted
+                anchors.verticalCenter: parent.verticalCenter
+                visible: head.contact.isMuted
+                name: "notifications-disabled"
+                size: 14
+                color: Theme.faint
+            }
+        }
+        Row {
+            spacing: Theme.small
+            Repeater {
+                model: head.contact.platforms
+                Row {
+                    id: channel
+                    required property int index
+                    required property string modelData
+                    spacing: Theme.tight
+                    ChannelMark {
+                        anchors.verticalCenter: parent.verticalCenter
+                        channel: channel.modelData
+                        size: 12
+                        color: Theme.faint
+                    }
+                    Label {
+                        text: head.contact.platformLabels[channel.index] ?? ""
+                        font.pixelSize: Theme.meta
+                        color: Theme.soft
+                    }
+                }
+            }
+        }
+    }
+    Row {
+        id: tools
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.medium
+        anchors.verticalCenter: parent.verticalCenter
+
+        IconButton {
+            objectName: "thread.mute"
+            icon.name: head.contact.isMuted ? "notifications" : "notifications-disabled"
+            text: head.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
+            key: Keymap.keysOf("mute")
+            onClicked: head.inbox.muteSelected()
+        }
+        IconButton {
+            objectName: "thread.archive"
+            readonly property bool archived: head.inbox.filter === "archived"
+            icon.name: archived ? "mail-unarchive" : "mail-archive"
+            text: archived ? qsTr("Move to the inbox") : qsTr("Archive")
+            key: archived ? "" : Keymap.keysOf("archive")
+            onClicked: archived ? head.inbox.unarchive(head.contact.id) : head.inbox.archiveSelected()
+        }
+        IconButton {
+            objectName: "thread.contact"
+            icon.name: "view-right-pane"
+            checked: head.contactShown
+            text: head.contactShown ? qsTr("Hide the contact") : qsTr("Show the contact")
+            key: Keymap.keysOf("contactPane")
+            onClicked: head.toggleContact()
+        }
+    }
+}

@@ -1,0 +1,142 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The messages, oldest first. It opens at the newest and stays there while it is in sight.
+ListView {
+    id: list
+
+    required property QtObject thread
+    required property QtObject inbox
+
+    property bool atNewest: true
+
+    objectName: "thread.list"
+    clip: true
+    model: thread.rows
+    boundsBehavior: Flickable.StopAtBounds
+    keyNavigationEnabled: false
+    highlightMoveDuration: 0
+    cacheBuffer: 800
+    activeFocusOnTab: true
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("Messages")
+    T.ScrollBar.vertical: ScrollBar {}
+    KeyboardFocus { id: keyboard; target: list }
+
+    // While the newest is in sight it stays there, whatever grows above or below it.
+    onMovementEnded: atNewest = atYEnd
+    onContentHeightChanged: settle()
+    onHeightChanged: settle()
+    onCountChanged: {
+        if (currentIndex >= count)
+            currentIndex = count - 1;
+        settle();
+    }
+
+    function settle() {
+        if (atNewest)
+            Qt.callLater(positionViewAtEnd);
+    }
+
+    function step(by: int) {
+        atNewest = false;
+        let next = currentIndex < 0 ? count - 1 : currentIndex + by;
+        while (itemAtIndex(next)?.isDate)
+            next += by;
+        currentIndex = Math.max(0, Math.min(count - 1, next));
+        positionViewAtIndex(currentIndex, ListView.Contain);
+        atNewest = currentIndex === count - 1;
+    }
+
+    function jump() {
+        const row = thread.rowOf(inbox.jumpMsgId);
+        if (row < 0)
+            return;
+        atNewest = false;
+        currentIndex = row;
+        Qt.callLater(positionViewAtIndex, row, ListView.Center);
+    }
+
+    Component.onCompleted: currentIndex = -1
+    onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = count - 1
+    Connections {
+        target: list.thread
+        function onContactChanged() {
+            list.atNewest = true;
+            list.currentIndex = -1;
+            list.settle();
+        }
+    }
+    Connections {
+        target: list.inbox
+        function onJumped() { list.jump(); }
+    }
+
+    Keys.onDownPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onReturnPressed: currentItem?.openMenu?.()
+    Keys.onPressed: event => {
+        if (event.matches(StandardKey.Copy) && currentItem?.id) {
+            WindowTools.copy(thread.readableText(currentItem.id));
+            event.accepted = true;
+        } else if (event.key === Qt.Key_Menu) {
+            currentItem?.openMenu?.();
+            event.accepted = true;
+        } else if (event.key === Qt.Key_End) {
+            atNewest = true;
+            currentIndex = count - 1;
+            positionViewAtEnd();
+            event.accepted = true;
+        } else if (event.key === Qt.Key_Home) {
+            atNewest = false;
+            currentIndex = 0;
+            positionViewAtBeginning();
+            event.accepted = true;
+        }
+    }
+
+    header: Item {
+        width: list.width
+        height: Theme.medium + (older.visible ? older.height : 0)
+        Button {
+            id: older
+            objectName: "thread.loadOlder"
+            anchors.horizontalCenter: parent.horizontalCenter
+            y: Theme.small
+            visible: list.thread.canLoadOlder
+            implicitHeight: 28
+            kind: "quiet"
+            text: list.thread.loadOlderText
+            enabled: !list.thread.loadingMore
+            onClicked: list.thread.loadOlder()
+        }
+    }
+    footer: Item { width: 1; height: Theme.large }
+    delegate: ThreadItem {
+        width: ListView.view.width
+        thread: list.thread
+        ringed: keyboard.shown && ListView.isCurrentItem
+    }
+
+    IconButton {
+        parent: list
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: Theme.large
+        visible: !list.atYEnd && !list.atNewest
+        icon.name: "go-down"
+        text: qsTr("To the newest message")
+        key: "End"
+        background: Rectangle {
+            radius: width / 2
+            color: Theme.surface
+            border.width: 1
+            border.color: Theme.line
+        }
+        onClicked: {
+            list.atNewest = true;
+            list.positionViewAtEnd();
+        }
+    }
+}

@@ -1,0 +1,89 @@
+import QtQuick
+import Corvane
+
+/// What was said with one person, and the actions on the conversation.
+FocusScope {
+    id: pane
+
+    required property QtObject inbox
+    required property bool contactShown
+
+    readonly property QtObject thread: inbox.thread
+    readonly property var contact: inbox.selected
+    readonly property bool open: inbox.selectedId !== ""
+
+    signal toggleContact
+
+    enabled: open
+    Accessible.role: Accessible.Pane
+    Accessible.name: open ? qsTr("Conversation with %1").arg(contact.name) : qsTr("No conversation open")
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.window
+    }
+    ThreadHead {
+        id: head
+        width: parent.width
+        visible: pane.open
+        contact: pane.contact
+        inbox: pane.inbox
+        contactShown: pane.contactShown
+        onToggleContact: pane.toggleContact()
+    }
+    Banner {
+        id: error
+        anchors.top: head.bottom
+        anchors.topMargin: Theme.small
+        x: Theme.large
+        z: 2
+        width: parent.width - Theme.large * 2
+        visible: pane.open && text !== ""
+        tone: "bad"
+        text: pane.thread.errorText
+        dismissable: true
+        onDismissed: pane.thread.dismissError()
+    }
+    ThreadList {
+        id: rows
+        anchors.top: error.visible ? error.bottom : head.bottom
+        anchors.bottom: parent.bottom
+        width: parent.width
+        focus: true
+        visible: pane.open
+        thread: pane.thread
+        inbox: pane.inbox
+    }
+    EmptyState {
+        anchors.centerIn: parent
+        width: 320
+        visible: pane.open && pane.thread.isEmpty
+        icon: "hub-inbox"
+        title: pane.contact.name
+        detail: pane.thread.emptyText
+    }
+    EmptyState {
+        anchors.centerIn: parent
+        anchors.verticalCenterOffset: -Theme.wide
+        width: 320
+        visible: !pane.open
+        icon: "hub-inbox"
+        title: qsTr("Pick a conversation")
+        detail: qsTr("Every channel of a person stands in one thread.")
+    }
+
+    // Read aloud when the reader has a moment; the focus stays where it is.
+    Item {
+        id: announcer
+        property string text
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+        Connections {
+            target: pane.thread
+            function onAnnounced(text) {
+                announcer.text = text;
+                WindowTools.announce(announcer);
+            }
+        }
+    }
+}

@@ -1,0 +1,116 @@
+#include "MainWindow.h"
+
+#include "Foundation/Log.h"
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
+#include "Shell/IntegrationsView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
+#include "UI/ImageProviders.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QScreen>
+
+using namespace Qt::StringLiterals;
+
+// Made by the build for the module "Corvane"; naming it keeps the static library's registration in the program.
+void qml_register_types_Corvane();
+
+namespace corvane {
+
+namespace {
+
+/// Inter where it is installed, else the desktop's font; 13 pixels is the size of plain text.
+void chooseFont()
+{
+    QFont font = QGuiApplication::font();
+    QStringList families = font.families();
+    if (QFontDatabase::hasFamily(u"Inter"_s))
+        families = { u"Inter"_s };
+    // Named, or a text font's black and white signs come first.
+    if (QFontDatabase::hasFamily(u"Noto Color Emoji"_s))
+        families.append(u"Noto Color Emoji"_s);
+    font.setFamilies(families);
+    font.setPixelSize(13);
+    QGuiApplication::setFont(font);
+}
+
+QVariant object(QObject& viewModel)
+{
+    return QVariant::fromValue(&viewModel);
+}
+
+}
+
+MainWindow::MainWindow(const Screens& screens, UserDefaults& defaults, QObject* parent)
+    : QObject(parent)
+    , m_layout(defaults)
+{
+    qml_register_types_Corvane();
+    chooseFont();
+    QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+
+    m_engine.addImportPath(u"qrc:/qt/qml"_s);
+    m_engine.addImageProvider(u"icon"_s, new IconProvider);
+    m_engine.addImageProvider(u"photo"_s, new PhotoProvider);
+    QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Corvane/Shell/CorvaneWindow.qml"_s));
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({
+        { u"content"_s, object(screens.content) },
+        { u"wall"_s, object(screens.wall) },
+        { u"shell"_s, object(screens.shell) },
+        { u"profile"_s, object(screens.profile) },
+        { u"settings"_s, object(screens.settings) },
+        { u"inbox"_s, object(screens.inbox) },
+        { u"appearance"_s, object(screens.appearance) },
+        { u"layout"_s, object(m_layout) },
+    }));
+    for (const QQmlError& error : component.errors())
+        log(u"MainWindow: %1"_s.arg(error.toString()));
+    m_window.reset(qobject_cast<QQuickWindow*>(root.get()));
+    if (!m_window)
+        return;
+    root.release();
+    m_window->resize(m_layout.windowSize());
+    connect(m_window.get(), &QQuickWindow::frameSwapped, this, [this] {
+        if (std::exchange(m_firstFrameSeen, true))
+            return;
+        Q_EMIT firstFrame();
+    });
+    connect(m_window.get(), &QWindow::visibleChanged, this, [this](bool visible) {
+        if (visible)
+            return;
+        if (m_window->visibility() != QWindow::Maximized && m_window->visibility() != QWindow::FullScreen)
+            m_layout.setWindowSize(m_window->size());
+        Q_EMIT closed();
+    });
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::show()
+{
+    if (!m_window)
+        return;
+    if (!m_window->isVisible())
+        Q_EMIT appeared();
+    m_window->show();
+    m_window->raise();
+    m_window->requestActivate();
+}
+
+void MainWindow::hide()
+{
+    if (m_window)
+        m_window->hide();
+}
+
+bool MainWindow::isShown() const
+{
+    return m_window && m_window->isVisible();
+}
+
+}

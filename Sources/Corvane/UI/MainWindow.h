@@ -1,0 +1,57 @@
+#pragma once
+
+#include "UI/WindowLayout.h"
+
+#include <QQmlEngine>
+#include <QQuickWindow>
+
+namespace corvane {
+
+class AppShell;
+class Appearance;
+class ContentView;
+class InboxView;
+class IntegrationsView;
+class LoginWallView;
+class ProfileMenu;
+
+/// The one window. It shows view models that others own and decides nothing of its own: closing it hides it,
+/// and the work goes on.
+class MainWindow : public QObject {
+    Q_OBJECT
+public:
+    /// What the window shows; all of it outlives the window.
+    struct Screens {
+        ContentView& content;
+        LoginWallView& wall;
+        AppShell& shell;
+        ProfileMenu& profile;
+        IntegrationsView& settings;
+        InboxView& inbox;
+        Appearance& appearance;
+    };
+
+    /// The defaults outlive the window too.
+    MainWindow(const Screens& screens, UserDefaults& defaults, QObject* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Shows the window and brings it to the front, in the size that it had last.
+    void show();
+    void hide();
+    bool isShown() const;
+
+    QQuickWindow* window() const { return m_window.get(); }
+
+Q_SIGNALS:
+    void appeared(); ///< each time the window comes up, before its first frame
+    void firstFrame(); ///< once: something is on the screen
+    void closed(); ///< the person closed the window; it is hidden now
+
+private:
+    WindowLayout m_layout;
+    QQmlEngine m_engine;
+    std::unique_ptr<QQuickWindow> m_window;
+    bool m_firstFrameSeen = false;
+};
+
+}

@@ -1,0 +1,143 @@
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+/// One account: its channel and name, its state in words, and what can be done with it.
+Item {
+    id: line
+
+    required property int index
+    required property string accountId
+    required property string name
+    required property string channel
+    required property string channelLabel
+    required property string status
+    required property string detail
+    required property string log
+    required property string kind
+    required property string lastMessage
+    required property var actions
+    required property string sentence
+
+    readonly property color tone: kind === "good" ? Theme.good : kind === "bad" ? Theme.bad : kind === "warn" ? Theme.warn : Theme.soft
+    // The first action stands as a button; the others wait in a menu.
+    readonly property var first: actions.find(action => !action.destructive && !action.confirmation) ?? null
+    readonly property var others: actions.filter(action => action !== first)
+
+    signal acted(var action)
+
+    objectName: "account:" + accountId
+    implicitHeight: Math.max(72, words.implicitHeight + Theme.large * 2)
+    Accessible.role: Accessible.ListItem
+    Accessible.name: sentence
+
+    Rectangle {
+        visible: line.index > 0
+        x: Theme.large
+        width: parent.width - Theme.large * 2
+        height: 1
+        color: Theme.line
+    }
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: Theme.large
+        anchors.rightMargin: Theme.medium
+        spacing: Theme.medium
+
+        Rectangle {
+            Layout.preferredWidth: 40
+            Layout.preferredHeight: 40
+            radius: Theme.cardRadius
+            color: Theme.raised
+            ChannelMark {
+                anchors.centerIn: parent
+                channel: line.channel
+                size: 20
+            }
+        }
+        ColumnLayout {
+            id: words
+            Layout.fillWidth: true
+            spacing: 3
+
+            Row {
+                Layout.fillWidth: true
+                spacing: Theme.small
+                Label {
+                    text: line.name
+                    font.weight: Theme.strong
+                    Accessible.ignored: true
+                }
+                Label {
+                    text: line.channelLabel
+                    color: Theme.faint
+                    Accessible.ignored: true
+                }
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 6
+                Rectangle {
+                    Layout.preferredWidth: 8
+                    Layout.preferredHeight: 8
+                    radius: 4
+                    color: line.kind === "idle" ? Theme.none : line.tone
+                    border.width: line.kind === "idle" ? 1.5 : 0
+                    border.color: Theme.faint
+                    SequentialAnimation on opacity {
+                        running: line.kind === "busy" && !Theme.reducedMotion
+                        loops: Animation.Infinite
+                        alwaysRunToEnd: true
+                        NumberAnimation { to: 0.3; duration: 700; easing.type: Easing.InOutSine }
+                        NumberAnimation { to: 1; duration: 700; easing.type: Easing.InOutSine }
+                    }
+                }
+                Label {
+                    text: line.status
+                    color: line.tone
+                    Accessible.ignored: true
+                }
+                Label {
+                    Layout.fillWidth: true
+                    text: line.detail
+                    color: Theme.soft
+                    Accessible.ignored: true
+                }
+            }
+            Label {
+                Layout.fillWidth: true
+                text: line.lastMessage
+                font.pixelSize: Theme.meta
+                color: Theme.faint
+                Accessible.ignored: true
+            }
+        }
+        Button {
+            visible: line.first !== null
+            text: line.first?.label ?? ""
+            Accessible.description: line.name
+            onClicked: line.acted(line.first)
+        }
+        IconButton {
+            id: more
+            visible: line.others.length > 0
+            icon.name: "overflow-menu"
+            text: qsTr("More for %1").arg(line.name)
+            Accessible.role: Accessible.ButtonMenu
+            onClicked: menu.popup(more, more.width - menu.width, more.height + Theme.tight)
+
+            Menu {
+                id: menu
+                Repeater {
+                    model: line.others
+                    MenuItem {
+                        required property var modelData
+                        text: modelData.label
+                        danger: modelData.destructive === true
+                        onTriggered: line.acted(modelData)
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,106 @@
+import QtQuick
+import QtQuick.Layouts
+import Corvane
+
+/// The accounts with their state and actions, and under them what can be connected.
+FocusScope {
+    id: section
+
+    required property QtObject settings
+    readonly property QtObject accounts: settings.accounts
+
+    implicitHeight: column.implicitHeight
+
+    function connectTo(flow: var) {
+        if (!flow.fields.length) {
+            settings.connectAccount(flow.channel, {});
+            return;
+        }
+        sheet.active = true;
+        sheet.item.offer(flow);
+    }
+
+    function perform(accountId: string, action: var) {
+        if (!action.confirmation) {
+            settings.perform(accountId, action.id);
+            return;
+        }
+        question.active = true;
+        question.item.ask(accountId, action);
+    }
+
+    Column {
+        id: column
+        width: parent.width
+        spacing: Theme.large
+
+        EmptyState {
+            width: parent.width
+            topPadding: Theme.wide
+            bottomPadding: Theme.wide
+            visible: section.accounts.count === 0
+            icon: "link"
+            title: section.settings.emptyTitle
+            detail: section.settings.emptyText
+        }
+        Rectangle {
+            width: parent.width
+            height: rows.implicitHeight
+            visible: section.accounts.count > 0
+            radius: Theme.cardRadius
+            color: Theme.surface
+            border.width: 1
+            border.color: Theme.line
+
+            Column {
+                id: rows
+                width: parent.width
+                Repeater {
+                    model: section.accounts
+                    AccountLine {
+                        width: rows.width
+                        onActed: action => section.perform(accountId, action)
+                    }
+                }
+            }
+        }
+        SectionHeader {
+            topPadding: Theme.small
+            text: qsTr("Connect a channel")
+        }
+        GridLayout {
+            width: parent.width
+            columns: 2
+            columnSpacing: Theme.medium
+            rowSpacing: Theme.medium
+
+            Repeater {
+                model: section.settings.connectFlows
+                ChannelTile {
+                    required property int index
+                    required property var modelData
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 1
+                    objectName: "connect." + modelData.channel
+                    focus: index === 0
+                    channel: modelData.channel
+                    text: modelData.label
+                    detail: modelData.title
+                    onClicked: section.connectTo(modelData)
+                }
+            }
+        }
+    }
+    Loader {
+        id: sheet
+        active: false
+        sourceComponent: ConnectSheet { settings: section.settings }
+    }
+    Loader {
+        id: question
+        active: false
+        sourceComponent: ConfirmSheet {
+            onConfirmed: (accountId, actionId) => section.settings.perform(accountId, actionId)
+        }
+    }
+}

@@ -1,0 +1,75 @@
+import QtQuick
+import Corvane
+
+/// Links an account: the code while there is one, then that it worked.
+Sheet {
+    id: sheet
+
+    required property QtObject pairing
+
+    objectName: "pairingSheet"
+    title: pairing.title
+    width: 400
+    visible: pairing.isOpen
+    onClosed: pairing.close()
+
+    Item {
+        width: parent.width
+        height: 280
+
+        Rectangle {
+            anchors.centerIn: parent
+            width: 272
+            height: 272
+            radius: Theme.cardRadius
+            visible: code.visible
+            color: Theme.paper
+            border.width: 1
+            border.color: Theme.line
+        }
+        QrItem {
+            id: code
+            anchors.centerIn: parent
+            width: 240
+            height: 240
+            visible: sheet.pairing.qr !== "" && valid
+            text: sheet.pairing.qr
+            ink: Theme.ink
+            Accessible.role: Accessible.Graphic
+            Accessible.name: qsTr("QR code")
+        }
+        Rectangle {
+            anchors.centerIn: parent
+            width: 96
+            height: 96
+            radius: 48
+            visible: !code.visible
+            color: sheet.pairing.connected ? Theme.tint : Theme.raised
+            Icon {
+                anchors.centerIn: parent
+                size: 40
+                name: sheet.pairing.connected ? "dialog-ok" : "link"
+                color: sheet.pairing.connected ? Theme.good : Theme.faint
+            }
+        }
+    }
+    Label {
+        width: parent.width
+        horizontalAlignment: Text.AlignHCenter
+        wrapMode: Text.Wrap
+        lineHeight: 1.3
+        text: sheet.pairing.stateText
+        font.pixelSize: sheet.pairing.connected ? Theme.title : Theme.body
+        font.weight: sheet.pairing.connected ? Theme.strong : Theme.regular
+        color: sheet.pairing.connected ? Theme.good : Theme.soft
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+    }
+    buttons: Button {
+        objectName: "pairing.done"
+        focus: true
+        kind: sheet.pairing.connected ? "primary" : "plain"
+        text: sheet.pairing.doneLabel
+        onClicked: sheet.close()
+    }
+}

@@ -1,0 +1,98 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The settings: their sections at the left, the cards of one at the right.
+Page {
+    id: page
+
+    required property QtObject settings
+    required property QtObject appearance
+
+    signal leave
+
+    readonly property var furnished: ({ accounts: accounts, sync: sync, system: system })
+    readonly property string label: settings.sections.find(section => section.id === settings.section)?.label ?? ""
+
+    panes: [sections, cards]
+
+    SectionList {
+        id: sections
+        width: 220
+        height: parent.height
+        focus: true
+        sections: page.settings.sections
+        chosen: page.settings.section
+        onPicked: id => page.settings.section = id
+    }
+    Rectangle {
+        anchors.left: sections.right
+        width: 1
+        height: parent.height
+        color: Theme.line
+    }
+    FocusScope {
+        id: cards
+        anchors.left: sections.right
+        anchors.leftMargin: 1
+        anchors.right: parent.right
+        height: parent.height
+        Accessible.role: Accessible.Pane
+        Accessible.name: page.label
+
+        Flickable {
+            id: scroll
+            anchors.fill: parent
+            contentHeight: column.implicitHeight + Theme.huge * 2
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            T.ScrollBar.vertical: ScrollBar {}
+
+            Column {
+                id: column
+                x: Math.max(Theme.huge, Math.round((scroll.width - width) / 2) - 110)
+                y: Theme.huge
+                width: Math.min(760, scroll.width - Theme.huge * 2)
+                spacing: Theme.large
+
+                Label {
+                    text: page.label
+                    font.pixelSize: Theme.screen
+                    font.weight: Theme.strong
+                    Accessible.role: Accessible.Heading
+                }
+                Loader {
+                    width: parent.width
+                    focus: true
+                    sourceComponent: page.furnished[page.settings.section] ?? later
+                }
+            }
+        }
+    }
+
+    Component {
+        id: accounts
+        AccountsSection { settings: page.settings }
+    }
+    Component {
+        id: sync
+        SyncSection { settings: page.settings }
+    }
+    Component {
+        id: system
+        SystemSection {
+            settings: page.settings
+            appearance: page.appearance
+        }
+    }
+    Component {
+        id: later
+        EmptyState {
+            topPadding: Theme.huge * 2
+            icon: "note"
+            title: qsTr("Nothing to set yet")
+            detail: qsTr("What concerns %1 will be set here.").arg(page.label)
+        }
+    }
+    PairingView { pairing: page.settings.pairing }
+}

@@ -1,0 +1,76 @@
+import QtQuick
+import Corvane
+
+/// The web account, the state of its mirror, and the local tool server.
+Column {
+    id: section
+
+    required property QtObject settings
+    readonly property QtObject sync: settings.sync
+    readonly property QtObject toolServer: settings.toolServer
+
+    spacing: Theme.large
+
+    function tone(kind: string): color {
+        return kind === "good" ? Theme.good : kind === "bad" ? Theme.bad : kind === "busy" ? Theme.warn : Theme.soft;
+    }
+
+    Card {
+        width: parent.width
+        SettingRow {
+            label: section.sync.displayLine
+            hint: section.sync.stateText
+            Button {
+                objectName: "sync.account"
+                kind: section.sync.signedIn ? "plain" : "primary"
+                text: section.sync.actionLabel
+                onClicked: section.sync.signInOrOut()
+            }
+        }
+    }
+    Card {
+        width: parent.width
+        SectionHeader { text: qsTr("Web mirror") }
+        Label {
+            width: parent.width
+            visible: section.sync.health.length === 0
+            wrapMode: Text.Wrap
+            text: section.sync.emptyHealthText
+            color: Theme.soft
+        }
+        Repeater {
+            model: section.sync.health
+            SettingRow {
+                required property var modelData
+                width: parent.width
+                label: modelData.source
+                hint: modelData.detail
+                Label {
+                    text: parent.parent.modelData.status
+                    color: section.tone(parent.parent.modelData.kind)
+                }
+            }
+        }
+        SettingRow {
+            label: section.sync.queueHint
+            hint: section.sync.queuedText
+            Button {
+                objectName: "sync.queue"
+                text: section.sync.queueLabel
+                onClicked: section.sync.queuePull()
+            }
+        }
+    }
+    Card {
+        width: parent.width
+        SettingRow {
+            label: section.toolServer.title
+            hint: section.toolServer.url ? section.toolServer.stateText + " · " + section.toolServer.url : section.toolServer.stateText
+            Button {
+                objectName: "toolServer.toggle"
+                text: section.toolServer.actionLabel
+                onClicked: section.toolServer.startOrStop()
+            }
+        }
+    }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import Corvane
+
+/// How the window looks, what it announces, and where things are kept.
+Column {
+    id: section
+
+    required property QtObject settings
+    required property QtObject appearance
+    readonly property QtObject system: settings.system
+
+    spacing: Theme.large
+
+    Card {
+        width: parent.width
+        SettingRow {
+            label: qsTr("Appearance")
+            hint: qsTr("Light or dark, or whatever the desktop says.")
+            Repeater {
+                model: section.appearance.modes
+                Chip {
+                    required property var modelData
+                    objectName: "appearance." + modelData.id
+                    implicitHeight: 28
+                    text: modelData.label
+                    checkable: false
+                    checked: section.appearance.mode === modelData.id
+                    Accessible.role: Accessible.RadioButton
+                    onClicked: section.appearance.mode = modelData.id
+                }
+            }
+        }
+    }
+    Card {
+        width: parent.width
+        SettingRow {
+            label: section.system.notifyLabel
+            hint: section.system.notifyHint
+            Toggle {
+                objectName: "system.notify"
+                checked: section.system.notifyOnNewMessage
+                Accessible.name: section.system.notifyLabel
+                onToggled: section.system.notifyOnNewMessage = checked
+            }
+        }
+    }
+    Card {
+        width: parent.width
+        SettingRow {
+            label: qsTr("Secrets")
+            hint: qsTr("Where passwords and tokens are kept.")
+            Label {
+                text: section.system.secretsPlace
+                color: Theme.soft
+            }
+        }
+        SettingRow {
+            label: qsTr("Data folder")
+            hint: section.system.dataFolder
+            Button {
+                objectName: "system.openFolder"
+                text: qsTr("Open")
+                icon.name: "document-open"
+                onClicked: WindowTools.open(section.system.dataFolder)
+            }
+        }
+    }
+}

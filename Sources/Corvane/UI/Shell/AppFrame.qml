@@ -1,0 +1,122 @@
+import QtQuick
+import QtQml
+import Corvane
+
+/// Everything behind the wall: the hub bar, the screen under it, and what may lie over both.
+FocusScope {
+    id: frame
+
+    required property QtObject shell
+    required property QtObject profile
+    required property QtObject settings
+    required property QtObject inbox
+    required property QtObject appearance
+    required property QtObject layout
+    required property bool seen ///< a person looks at the window
+
+    readonly property bool inboxShown: !shell.settings && shell.selectedNav === "inbox"
+
+    focus: true
+
+    function run(command: string) {
+        switch (command) {
+        case "palette":
+            inbox.showPalette = true;
+            break;
+        case "settings":
+            shell.toggleSettings();
+            break;
+        case "shortcuts":
+            shortcuts.active = true;
+            shortcuts.item.open();
+            break;
+        case "search":
+            shell.selectHub("inbox");
+            screen.item.run(command);
+            break;
+        case "back":
+            if (shell.settings)
+                shell.closeSettings();
+            else
+                screen.item.run(command);
+            break;
+        default:
+            screen.item.run(command);
+        }
+    }
+
+    Binding { target: frame.inbox; property: "onScreen"; value: frame.seen && frame.inboxShown }
+    Binding { target: frame.settings; property: "visible"; value: frame.shell.settings }
+    Connections {
+        target: frame.shell
+        function onConversationRequested(contactId) { frame.inbox.select(contactId); }
+    }
+
+    Instantiator {
+        model: Keymap.entries.filter(entry => entry.sequences)
+        delegate: Shortcut {
+            required property var modelData
+            sequences: modelData.sequences
+            onActivated: frame.run(modelData.command)
+        }
+    }
+    Instantiator {
+        model: frame.shell.hubs
+        delegate: Shortcut {
+            required property string raw
+            required property string shortcut
+            sequence: shortcut
+            onActivated: frame.shell.selectHub(raw)
+        }
+    }
+
+    HubBar {
+        id: bar
+        width: parent.width
+        shell: frame.shell
+        profile: frame.profile
+        onSearchPressed: frame.run("palette")
+    }
+    Loader {
+        id: screen
+        anchors.fill: parent
+        anchors.topMargin: bar.height
+        focus: true
+        sourceComponent: frame.shell.settings ? settingsPage : frame.inboxShown ? inboxPage : hubPage
+        onLoaded: item.forceActiveFocus()
+    }
+    Component {
+        id: inboxPage
+        InboxPage {
+            inbox: frame.inbox
+            layout: frame.layout
+            hubBar: bar
+            onOpenSettings: frame.shell.openSettings()
+        }
+    }
+    Component {
+        id: settingsPage
+        SettingsPage {
+            settings: frame.settings
+            appearance: frame.appearance
+            hubBar: bar
+            onLeave: frame.shell.closeSettings()
+        }
+    }
+    Component {
+        id: hubPage
+        HubPage {
+            hub: frame.shell.selectedNav
+            label: frame.shell.selectedLabel
+            hubBar: bar
+            onOpenInbox: frame.shell.selectHub("inbox")
+        }
+    }
+
+    PaletteView { inbox: frame.inbox }
+    Loader {
+        id: shortcuts
+        active: false
+        sourceComponent: ShortcutsSheet {}
+    }
+}

@@ -1,0 +1,48 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The main window: the wall, or the frame with the screens behind it.
+T.ApplicationWindow {
+    id: window
+
+    required property QtObject content
+    required property QtObject wall
+    required property QtObject shell
+    required property QtObject profile
+    required property QtObject settings
+    required property QtObject inbox
+    required property QtObject appearance
+    required property QtObject layout
+
+    title: content.title
+    color: Theme.window
+    minimumWidth: 1040
+    minimumHeight: 660
+
+    Binding { target: Theme; property: "dark"; value: window.appearance.dark }
+    Binding { target: Theme; property: "reducedMotion"; value: window.appearance.reducedMotion }
+
+    Loader {
+        anchors.fill: parent
+        focus: true
+        sourceComponent: window.content.showsWall ? gate : frame
+        onLoaded: item.forceActiveFocus()
+    }
+    Component {
+        id: gate
+        LoginWall { wall: window.wall }
+    }
+    Component {
+        id: frame
+        AppFrame {
+            shell: window.shell
+            profile: window.profile
+            settings: window.settings
+            inbox: window.inbox
+            appearance: window.appearance
+            layout: window.layout
+            seen: window.active
+        }
+    }
+}

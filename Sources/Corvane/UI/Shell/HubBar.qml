@@ -1,0 +1,116 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The bar on top: the hubs as words, the search in the middle, the person and the gear at the right.
+FocusScope {
+    id: bar
+
+    required property QtObject shell
+    required property QtObject profile
+
+    signal searchPressed
+
+    implicitHeight: Theme.bar
+    Accessible.role: Accessible.ToolBar
+    Accessible.name: qsTr("Hubs")
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+    }
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+
+    Row {
+        id: hubs
+        x: Theme.medium
+        height: parent.height
+        spacing: Theme.tight
+
+        Repeater {
+            model: bar.shell.hubs
+            HubButton {
+                height: hubs.height
+                focus: selected
+                onClicked: bar.shell.selectHub(raw)
+            }
+        }
+    }
+
+    T.AbstractButton {
+        id: pill
+        objectName: "topnav.search"
+
+        readonly property real leftEdge: hubs.x + hubs.width + Theme.wide
+        readonly property real rightEdge: person.x - Theme.wide
+
+        width: Math.min(360, rightEdge - leftEdge)
+        height: Theme.control
+        x: Math.max(leftEdge, Math.min((parent.width - width) / 2, rightEdge - width))
+        anchors.verticalCenter: parent.verticalCenter
+        hoverEnabled: true
+        focusPolicy: Qt.TabFocus
+        text: bar.shell.hubs.searchLabel
+        Accessible.name: text
+        onClicked: bar.searchPressed()
+        Keys.onReturnPressed: click()
+
+        background: Rectangle {
+            radius: height / 2
+            color: pill.hovered ? Theme.line : Theme.raised
+            FocusRing { control: pill }
+        }
+        contentItem: Item {
+            Icon {
+                id: lens
+                x: Theme.medium
+                anchors.verticalCenter: parent.verticalCenter
+                name: "edit-find"
+                color: Theme.soft
+            }
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                anchors.left: lens.right
+                anchors.leftMargin: Theme.small
+                anchors.right: key.left
+                anchors.rightMargin: Theme.small
+                text: pill.text
+                color: Theme.soft
+            }
+            Label {
+                id: key
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.medium
+                anchors.verticalCenter: parent.verticalCenter
+                text: Keymap.keysOf("palette")
+                color: Theme.soft
+                font.pixelSize: Theme.meta
+            }
+        }
+    }
+
+    ProfileButton {
+        id: person
+        anchors.right: gear.left
+        anchors.rightMargin: Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        profile: bar.profile
+    }
+    IconButton {
+        id: gear
+        objectName: "topnav.settings"
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.medium
+        anchors.verticalCenter: parent.verticalCenter
+        icon.name: "preferences-system"
+        checked: bar.shell.settings
+        text: qsTr("Settings")
+        key: Keymap.keysOf("settings")
+        onClicked: bar.shell.toggleSettings()
+    }
+}

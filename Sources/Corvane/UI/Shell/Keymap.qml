@@ -1,0 +1,34 @@
+pragma Singleton
+import QtQuick
+
+/// Every key of the window in one table: the shortcuts are made from it, and the list under F1 shows it.
+/// An entry without `sequences` is a key that a hub's own shortcut or the focused list answers.
+QtObject {
+    readonly property string everywhere: qsTr("Everywhere")
+    readonly property string list: qsTr("In the list")
+    readonly property string thread: qsTr("This conversation")
+
+    readonly property var entries: [
+        { section: everywhere, command: "palette", label: qsTr("Search and commands"), keys: "Ctrl+K", sequences: ["Ctrl+K"] },
+        { section: everywhere, command: "search", label: qsTr("Search the inbox"), keys: "Ctrl+F", sequences: ["Ctrl+F"] },
+        { section: everywhere, command: "hub", label: qsTr("Go to a hub"), keys: "Ctrl+1 … Ctrl+6" },
+        { section: everywhere, command: "settings", label: qsTr("Settings"), keys: "Ctrl+,", sequences: ["Ctrl+,"] },
+        { section: everywhere, command: "shortcuts", label: qsTr("This list"), keys: "F1 or ?", sequences: ["F1", "?"] },
+        { section: everywhere, command: "nextPane", label: qsTr("Next pane"), keys: "F6", sequences: ["F6"] },
+        { section: everywhere, command: "previousPane", label: qsTr("Previous pane"), keys: "Shift+F6", sequences: ["Shift+F6"] },
+        { section: everywhere, command: "back", label: qsTr("Back one level"), keys: "Esc", sequences: ["Esc"] },
+        { section: list, command: "next", label: qsTr("Next conversation"), keys: "Down or J", sequences: ["J"] },
+        { section: list, command: "previous", label: qsTr("Previous conversation"), keys: "Up or K", sequences: ["K"] },
+        { section: list, command: "open", label: qsTr("Open the thread"), keys: "Return" },
+        { section: list, command: "check", label: qsTr("Pick for a common action"), keys: "Space" },
+        { section: list, command: "checkAll", label: qsTr("Pick all"), keys: "Ctrl+A", sequences: ["Ctrl+A"] },
+        { section: thread, command: "archive", label: qsTr("Archive"), keys: "E", sequences: ["E"] },
+        { section: thread, command: "undo", label: qsTr("Undo an archive"), keys: "Ctrl+Z", sequences: ["Ctrl+Z"] },
+        { section: thread, command: "mute", label: qsTr("Mute or unmute"), keys: "M", sequences: ["M"] },
+        { section: thread, command: "contactPane", label: qsTr("Show or hide the contact"), keys: "Ctrl+I", sequences: ["Ctrl+I"] }
+    ]
+
+    function keysOf(command: string): string {
+        return entries.find(entry => entry.command === command)?.keys ?? "";
+    }
+}

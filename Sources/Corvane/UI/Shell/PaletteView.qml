@@ -1,0 +1,123 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// Over everything: a few letters lead to a person or an action.
+T.Popup {
+    id: popup
+
+    required property QtObject inbox
+    readonly property QtObject palette: inbox.palette
+
+    objectName: "palette"
+    parent: T.Overlay.overlay
+    x: parent ? Math.round((parent.width - width) / 2) : 0
+    y: parent ? Math.min(96, Math.round(parent.height * 0.12)) : 0
+    width: 560
+    height: Math.min(panel.implicitHeight, (parent?.height ?? 800) - y * 2)
+    padding: 0
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+    T.Overlay.modal: Rectangle { color: Theme.scrim }
+
+    visible: inbox.showPalette
+    onAboutToShow: {
+        palette.open();
+        field.text = palette.query;
+        field.forceActiveFocus();
+    }
+    onClosed: inbox.showPalette = false
+
+    background: Rectangle {
+        radius: Theme.cardRadius
+        color: Theme.surface
+        border.width: 1
+        border.color: Theme.line
+        Shadow {}
+    }
+    contentItem: FocusScope {
+        id: panel
+        focus: true
+        implicitHeight: field.height + 1 + (lines.count ? lines.contentHeight + Theme.small * 2 : 72)
+        Accessible.role: Accessible.Dialog
+        Accessible.name: qsTr("Search and commands")
+
+        T.TextField {
+            id: field
+            objectName: "palette.query"
+            width: parent.width
+            height: Theme.bar
+            leftPadding: 48
+            rightPadding: Theme.large
+            verticalAlignment: TextInput.AlignVCenter
+            font.pixelSize: Theme.title
+            color: Theme.text
+            placeholderText: qsTr("Go to a person, or run an action")
+            placeholderTextColor: Theme.faint
+            selectionColor: Theme.accent
+            selectedTextColor: Theme.accentInk
+            focus: true
+            Accessible.name: placeholderText
+            Accessible.searchEdit: true
+            onTextEdited: popup.palette.query = text
+            Keys.onDownPressed: popup.palette.moveDown()
+            Keys.onUpPressed: popup.palette.moveUp()
+            Keys.onReturnPressed: popup.palette.runHighlighted()
+            Keys.onEnterPressed: popup.palette.runHighlighted()
+
+            Icon {
+                x: Theme.large
+                anchors.verticalCenter: parent.verticalCenter
+                name: "edit-find"
+                size: 20
+                color: Theme.faint
+            }
+            PlaceholderLabel { field: field; font.pixelSize: Theme.title }
+        }
+        Rectangle {
+            id: edge
+            anchors.top: field.bottom
+            width: parent.width
+            height: 1
+            color: Theme.line
+        }
+        ListView {
+            id: lines
+            objectName: "palette.items"
+            anchors.top: edge.bottom
+            anchors.bottom: parent.bottom
+            anchors.margins: Theme.small
+            anchors.left: parent.left
+            anchors.right: parent.right
+            clip: true
+            boundsBehavior: Flickable.StopAtBounds
+            model: popup.palette.items
+            currentIndex: popup.palette.index
+            highlightMoveDuration: 0
+            Accessible.role: Accessible.List
+            Accessible.name: qsTr("Found")
+            T.ScrollBar.vertical: ScrollBar {}
+
+            section.property: "isAction"
+            section.delegate: SectionHeader {
+                required property string section
+                width: ListView.view.width
+                leftPadding: Theme.small
+                topPadding: Theme.small
+                bottomPadding: Theme.tight
+                text: section === "true" ? qsTr("Actions") : qsTr("People")
+            }
+            delegate: PaletteRow {
+                width: ListView.view.width
+                onClicked: popup.palette.run(index)
+            }
+        }
+        Label {
+            anchors.centerIn: lines
+            visible: lines.count === 0
+            text: popup.palette.emptyText
+            color: Theme.soft
+        }
+    }
+}

@@ -1,0 +1,90 @@
+import QtQuick
+import QtQuick.Templates as T
+import QtQml
+import Corvane
+
+/// The round button with the person's initial, and the menu behind it.
+T.AbstractButton {
+    id: control
+
+    required property QtObject profile
+
+    objectName: "topnav.profile"
+    implicitWidth: Theme.control
+    implicitHeight: Theme.control
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    text: profile.initial
+    Accessible.role: Accessible.ButtonMenu
+    Accessible.name: qsTr("Profile: %1").arg(profile.displayLine)
+    Keys.onReturnPressed: click()
+    onClicked: {
+        profile.refresh();
+        menu.popup(control, control.width - menu.width, control.height + Theme.tight);
+    }
+
+    contentItem: Label {
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        text: control.text
+        font.weight: Theme.strong
+        color: Theme.accent
+    }
+    background: Rectangle {
+        radius: width / 2
+        color: control.hovered ? Theme.raised : Theme.tint
+        FocusRing { control: control }
+    }
+    Tooltip { text: control.profile.displayLine; shown: control.hovered && !menu.visible }
+
+    Menu {
+        id: menu
+        objectName: "profileMenu"
+
+        MenuItem {
+            enabled: false
+            text: control.profile.displayLine
+        }
+        MenuSeparator {}
+        Instantiator {
+            model: control.profile.actions
+            delegate: MenuItem {
+                required property var modelData
+                text: modelData.label
+                onTriggered: control.profile.perform(modelData.id)
+            }
+            onObjectAdded: (index, item) => menu.addItem(item)
+            onObjectRemoved: (index, item) => menu.removeItem(item)
+        }
+    }
+
+    // Only a signed-in person has workspaces to choose from.
+    property bool offersWorkspaces: profile.signedIn
+    onOffersWorkspacesChanged: placeWorkspaces()
+    Component.onCompleted: if (offersWorkspaces) placeWorkspaces()
+
+    function placeWorkspaces() {
+        if (offersWorkspaces)
+            menu.insertMenu(2, workspaces);
+        else
+            menu.takeMenu(2);
+    }
+
+    Menu {
+        id: workspaces
+        title: control.profile.workspaceLabel
+
+        Instantiator {
+            model: control.profile.workspaces
+            delegate: MenuItem {
+                required property var modelData
+                checkable: true
+                checked: modelData.selected
+                text: modelData.name
+                onTriggered: control.profile.selectWorkspace(modelData.id)
+            }
+            onObjectAdded: (index, item) => workspaces.insertItem(index, item)
+            onObjectRemoved: (index, item) => workspaces.removeItem(item)
+        }
+    }
+}

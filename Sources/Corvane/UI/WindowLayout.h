@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+
+namespace corvane {
+
+class UserDefaults;
+
+/// The width of the panes, which of their sections are open, and the size of the window: all of it remembered.
+class WindowLayout : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(int listWidth READ listWidth WRITE setListWidth NOTIFY panesChanged)
+    Q_PROPERTY(int contactWidth READ contactWidth WRITE setContactWidth NOTIFY panesChanged)
+public:
+    /// The defaults outlive the object.
+    explicit WindowLayout(UserDefaults& defaults, QObject* parent = nullptr);
+
+    /// In pixels, held within what each pane needs.
+    int listWidth() const;
+    void setListWidth(int width);
+    int contactWidth() const;
+    void setContactWidth(int width);
+
+    /// Whether a section of the contact pane is open ("identity", "info", "actions"); open at first.
+    Q_INVOKABLE bool sectionOpen(const QString& section) const;
+    Q_INVOKABLE void setSectionOpen(const QString& section, bool open);
+
+    /// A remembered size below 1100 x 700, or none, gives 1320 x 820.
+    QSize windowSize() const;
+    void setWindowSize(const QSize& size);
+
+Q_SIGNALS:
+    void panesChanged();
+
+private:
+    int paneWidth(const QString& key, int usual) const;
+    void setPaneWidth(const QString& key, int width);
+
+    UserDefaults& m_defaults;
+};
+
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QObject>
+#include <QQuickItem>
+#include <QSize>
+#include <QtQmlIntegration>
+
+namespace corvane {
+
+/// What the screens ask of the desktop at the press of a button, and cannot say in QML.
+class WindowTools : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    /// Whether the person last pressed a key rather than a button of the mouse: then the keyboard's place shows.
+    Q_PROPERTY(bool lastInputWasKey READ lastInputWasKey NOTIFY lastInputWasKeyChanged)
+public:
+    explicit WindowTools(QObject* parent = nullptr);
+
+    bool lastInputWasKey() const { return m_lastInputWasKey; }
+
+    Q_INVOKABLE void copy(const QString& text) const; ///< to the clipboard
+    Q_INVOKABLE void open(const QString& path) const; ///< a file, in the program that the desktop has for it
+
+    /// The size a picture will have on the screen, read from its head alone and turned as its camera says;
+    /// empty where it is no picture.
+    Q_INVOKABLE QSize pictureSize(const QString& path) const;
+
+    /// Says the item's accessible name when the reader has a moment, without moving the focus.
+    Q_INVOKABLE void announce(QQuickItem* item) const;
+
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+Q_SIGNALS:
+    void lastInputWasKeyChanged();
+
+private:
+    bool m_lastInputWasKey = false;
+};
+
+}
