@@ -1,0 +1,13 @@
+import { runEngine } from "./engine.ts";
+import { slugOf } from "./slug.ts";
+
+const address = process.env.EMAIL_USER || "hola@tallervidal.example";
+
+runEngine({
+  channel: "email",
+  slug: slugOf(address),
+  user: address,
+  needsPairing: false,
+  beat: [26, 50],
+  liveTotal: 50,
+});

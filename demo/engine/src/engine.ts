@@ -1,0 +1,205 @@
+// One demonstration engine: it pairs, tells its history, and goes on talking.
+
+import { clockFrom, minute, type Clock } from "./clock.ts";
+import { Commands } from "./commands.ts";
+import { contentOf } from "./content.ts";
+import { liveTurns } from "./live.ts";
+import { isPaired, recall, remember, rememberPairing, type Memory } from "./memory.ts";
+import { Library } from "./media/library.ts";
+import { randomFrom, type Random } from "./random.ts";
+import { readScript, type Conversation, type Message, type Turn } from "./script.ts";
+import { emit, listen, type MessageEvent } from "./wire.ts";
+
+export interface Profile {
+  channel: "whatsapp" | "email" | "telegram";
+  slug: string;
+  /** The signed-in identity. */
+  user: string;
+  needsPairing: boolean;
+  /** Seconds between two live lines, at least and at most. */
+  beat: readonly [number, number];
+  /** How many live lines until it falls silent. */
+  liveTotal: number;
+}
+
+/** Runs until its input ends. */
+export function runEngine(profile: Profile): void {
+  const engine = new Engine(profile, clockFrom(process.env));
+  listen((command) => engine.commands.handle(command));
+  engine.connect();
+}
+
+export class Engine {
+  readonly profile: Profile;
+  readonly clock: Clock;
+  readonly memory: Memory;
+  readonly library: Library;
+  readonly conversations: Conversation[];
+  readonly random: Random;
+  readonly commands: Commands;
+  isOpen = false;
+
+  constructor(profile: Profile, clock: Clock) {
+    this.profile = profile;
+    this.clock = clock;
+    this.memory = recall(profile.slug, clock.now());
+    this.library = new Library(profile.slug);
+    this.conversations = readScript(profile.channel, contentOf(`${profile.channel}.chat`), this.memory.since);
+    this.random = randomFrom(`engine/${profile.channel}/${this.memory.said}/${this.memory.sent}`);
+    this.commands = new Commands(this);
+  }
+
+  connect(): void {
+    emit({ type: "status", state: "connecting" });
+    if (this.profile.needsPairing && !isPaired(this.profile.slug)) this.pair();
+    else this.open();
+  }
+
+  /** Shows two codes, as a phone that takes its time would see, and is then taken for scanned. */
+  private pair(): void {
+    const seconds = pairingSeconds(process.env.CORVANE_DEMO_PAIRING_SECONDS, this.clock.still);
+    const showCode = (): void => emit({ type: "qr", qr: pairingCode(this.random) });
+    showCode();
+    if (seconds >= 4) setTimeout(showCode, seconds * 500);
+    const scanned = (): void => {
+      rememberPairing(this.profile.slug);
+      this.open();
+    };
+    if (seconds === 0) return scanned();
+    setTimeout(scanned, seconds * 1000);
+    setTimeout(() => this.prepareMedia(), 50);
+  }
+
+  /** Draws the pictures while the code is on the screen, one a turn of the loop. */
+  private prepareMedia(): void {
+    const wanted = this.conversations.flatMap((conversation) => [
+      ...conversation.history.flatMap(({ media }) =>
+        media?.state === "there" ? [() => this.library.file(media)] : [],
+      ),
+      ...(conversation.picture === "none" ? [] : [() => this.library.avatar(conversation)]),
+    ]);
+    const next = (): void => {
+      if (this.isOpen) return;
+      wanted.shift()?.();
+      if (wanted.length > 0) setImmediate(next);
+    };
+    next();
+  }
+
+  private open(): void {
+    this.isOpen = true;
+    emit({ type: "status", state: "open", user: this.profile.user });
+    const unread = this.conversations
+      .flatMap((conversation) => conversation.unread.map((message) => ({ conversation, message })))
+      .sort((a, b) => a.message.at - b.message.at);
+    const turns = liveTurns(this.profile.channel, this.memory.since, this.conversations, this.profile.liveTotal);
+    for (const { conversation, turn } of turns.slice(0, Math.max(this.memory.said - unread.length, 0))) {
+      if ("name" in turn) conversation.name = turn.name;
+    }
+    this.save();
+    this.tellHistory();
+    for (const { conversation, message } of unread.slice(this.memory.said)) {
+      this.advance();
+      this.say(conversation, message, message.at);
+    }
+    if (this.clock.still) return;
+
+    const next = (): void => {
+      const live = turns[this.memory.said - unread.length];
+      if (live === undefined) return;
+      const [least, most] = this.profile.beat;
+      const pause = this.random.between(least, most) * (live.goesOn ? 0.5 : 1);
+      this.clock.after(pause * 1000, () => {
+        this.advance();
+        this.happen(live.conversation, live.turn);
+        next();
+      });
+    };
+    next();
+  }
+
+  /** The messages of everybody first, so that the list fills at once; then names and faces. */
+  private tellHistory(): void {
+    for (const conversation of this.conversations) {
+      for (const message of conversation.history) this.say(conversation, message, message.at, "historical");
+    }
+    for (const conversation of this.conversations) {
+      const { handle, name, inAddressBook, pictureComes } = conversation;
+      if (inAddressBook) emit({ type: "contactName", jid: handle, name });
+      if (pictureComes === "announced") this.showPicture(conversation);
+    }
+  }
+
+  showPicture(conversation: Conversation): void {
+    if (conversation.picture === "none") return;
+    const path = this.library.avatar(conversation);
+    emit({ type: "avatar", jid: conversation.handle, path });
+  }
+
+  private happen(conversation: Conversation, turn: Turn): void {
+    if ("message" in turn) return this.say(conversation, turn.message, this.clock.now());
+    conversation.name = turn.name;
+    emit({ type: "contactName", jid: conversation.handle, name: turn.name });
+  }
+
+  say(conversation: Conversation, message: Message, at: number, how: "historical" | "live" = "live"): void {
+    const event: MessageEvent = {
+      type: "message",
+      convExternalId: conversation.handle,
+      convTitle: conversation.name,
+      providerMsgId: message.id,
+      direction: message.outgoing ? "OUT" : "IN",
+      body: message.body,
+      ts: at,
+    };
+    if (!message.outgoing) event.sender = message.sender ?? conversation.name;
+    if (message.media !== undefined) {
+      event.mediaType = message.media.kind;
+      if (message.media.state === "there") event.mediaPath = this.library.file(message.media);
+    }
+    if (how === "historical") event.historical = true;
+    emit(event);
+    if (message.outgoing && how === "live") this.followDelivery(message.id);
+    else if (message.outgoing) emit({ type: "msgStatus", providerMsgId: message.id, status: this.statusOf(message) });
+    if (message.reaction !== undefined) {
+      emit({ type: "reaction", targetProviderMsgId: message.id, emoji: message.reaction });
+    }
+  }
+
+  /** 1 on its way, 2 at the server, 3 delivered, 4 read; only WhatsApp tells more than the first. */
+  followDelivery(id: string): void {
+    const steps = this.profile.channel === "whatsapp" ? [0, 400, 1500, 4500] : [0];
+    steps.forEach((delay, index) => {
+      const report = (): void => emit({ type: "msgStatus", providerMsgId: id, status: index + 1 });
+      if (delay === 0) report();
+      else this.clock.after(delay, report);
+    });
+  }
+
+  private statusOf(message: Message): number {
+    if (this.profile.channel !== "whatsapp") return 1;
+    return message.status ?? (this.memory.since - message.at > 30 * minute ? 4 : 3);
+  }
+
+  /** Noted before it is said: a crash in between loses a line rather than saying it twice. */
+  private advance(): void {
+    this.memory.said += 1;
+    this.save();
+  }
+
+  save(): void {
+    remember(this.profile.slug, this.memory);
+  }
+}
+
+function pairingSeconds(named: string | undefined, still: boolean): number {
+  const seconds = named === undefined || named === "" ? NaN : Number(named);
+  if (Number.isFinite(seconds) && seconds >= 0) return Math.min(seconds, 86_400);
+  return still ? 0 : 6;
+}
+
+/** Of the shape that a phone would scan; it leads nowhere. */
+function pairingCode(random: Random): string {
+  const key = (): string => Buffer.from(Array.from({ length: 32 }, () => random.whole(0, 255))).toString("base64");
+  return `2@${[key() + key(), key(), key(), key()].join(",")}`;
+}

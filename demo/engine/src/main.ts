@@ -1,0 +1,10 @@
+import { runEngine } from "./engine.ts";
+
+runEngine({
+  channel: "whatsapp",
+  slug: process.env.WHATSAPP_ACCOUNT_NAME || "taller-vidal",
+  user: "Marta Vidal · Taller Vidal",
+  needsPairing: true,
+  beat: [6, 12],
+  liveTotal: 240,
+});

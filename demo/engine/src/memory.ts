@@ -1,0 +1,50 @@
+// What an engine remembers from one start to the next, so that a restart repeats nothing.
+
+import { existsSync, mkdirSync, readFileSync, renameSync, writeFileSync } from "node:fs";
+import { homedir } from "node:os";
+import { dirname, join } from "node:path";
+
+export interface Memory {
+  /** The hour of the first start: the history is told from there. */
+  since: number;
+  /** How many of the live lines have been said, the unread ones first. */
+  said: number;
+  /** How many messages were sent from the desktop. */
+  sent: number;
+  /** Pages of older messages already handed out, by conversation. */
+  pages: Record<string, number>;
+}
+
+const pathOf = (slug: string): string => join(homedir(), ".corvane-demo", slug + ".json");
+const pairingPath = (slug: string): string => join(homedir(), ".whatsapp-baileys", slug, "paired");
+
+/** A file that is missing or does not read is a first start. */
+export function recall(slug: string, now: number): Memory {
+  const fresh: Memory = { since: now, said: 0, sent: 0, pages: {} };
+  try {
+    return { ...fresh, ...(JSON.parse(readFileSync(pathOf(slug), "utf8")) as Partial<Memory>) };
+  } catch {
+    return fresh;
+  }
+}
+
+export function remember(slug: string, memory: Memory): void {
+  writeWhole(pathOf(slug), JSON.stringify(memory));
+}
+
+/** The pairing lives where a reset of the account deletes it. */
+export function isPaired(slug: string): boolean {
+  return existsSync(pairingPath(slug));
+}
+
+export function rememberPairing(slug: string): void {
+  writeWhole(pairingPath(slug), "");
+}
+
+/** Readers see the old file or the new one, never half of it. */
+export function writeWhole(path: string, content: string | Uint8Array): void {
+  mkdirSync(dirname(path), { recursive: true });
+  const half = `${path}.${process.pid}.tmp`;
+  writeFileSync(half, content);
+  renameSync(half, path);
+}

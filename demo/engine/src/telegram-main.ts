@@ -1,0 +1,10 @@
+import { runEngine } from "./engine.ts";
+
+runEngine({
+  channel: "telegram",
+  slug: "telegram",
+  user: "@taller_vidal_bot",
+  needsPairing: false,
+  beat: [16, 32],
+  liveTotal: 80,
+});
