@@ -19,6 +19,7 @@ BackgroundQueue::BackgroundQueue()
 
 BackgroundQueue::~BackgroundQueue()
 {
+    m_state->pool.clear();
     m_state->pool.waitForDone();
 }
 

@@ -7,7 +7,7 @@ namespace corvane {
 
 /// Runs blocking work away from the main thread. The work owns no state of the program: it takes values
 /// and gives one back, which `done` receives on the thread that made the queue. Destroying the queue waits
-/// for the work that runs; what it would have brought home is dropped.
+/// for the work that runs; what it would have brought home is dropped, as is work that has not begun.
 class BackgroundQueue {
 public:
     BackgroundQueue();

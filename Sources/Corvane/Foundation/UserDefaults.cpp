@@ -1,8 +1,7 @@
 #include "Foundation/UserDefaults.h"
 
-#include "Foundation/Log.h"
+#include "Foundation/CopyAside.h"
 
-#include <QFile>
 #include <QSettings>
 
 namespace corvane {
@@ -10,12 +9,9 @@ namespace corvane {
 UserDefaults::UserDefaults(const QString& filePath)
     : m_settings(std::make_unique<QSettings>(filePath, QSettings::IniFormat))
 {
-    if (m_settings->status() != QSettings::FormatError)
-        return;
-    const QString copy = filePath + QStringLiteral(".damaged");
-    QFile::remove(copy);
-    QFile::copy(filePath, copy);
-    log(QStringLiteral("UserDefaults: %1 does not read; a copy is kept as %2").arg(filePath, copy));
+    // Sections are parsed as they are asked for, and faults are found only then.
+    m_settings->allKeys();
+    m_isDamaged = m_settings->status() == QSettings::FormatError;
 }
 
 UserDefaults::~UserDefaults() = default;
@@ -48,27 +44,37 @@ std::optional<qint64> UserDefaults::integer(const QString& key) const
 
 void UserDefaults::setText(const QString& key, const QString& value)
 {
-    m_settings->setValue(key, value);
+    if (QSettings* settings = forWriting())
+        settings->setValue(key, value);
 }
 
 void UserDefaults::setBoolean(const QString& key, bool value)
 {
-    m_settings->setValue(key, value);
+    setText(key, value ? QStringLiteral("true") : QStringLiteral("false"));
 }
 
 void UserDefaults::setInteger(const QString& key, qint64 value)
 {
-    m_settings->setValue(key, value);
+    setText(key, QString::number(value));
 }
 
 void UserDefaults::remove(const QString& key)
 {
-    m_settings->remove(key);
+    if (QSettings* settings = forWriting())
+        settings->remove(key);
 }
 
 void UserDefaults::synchronise()
 {
     m_settings->sync();
+}
+
+QSettings* UserDefaults::forWriting()
+{
+    if (m_isDamaged && !copyAside(m_settings->fileName()))
+        return nullptr;
+    m_isDamaged = false;
+    return m_settings.get();
 }
 
 }

@@ -8,8 +8,8 @@ class QSettings;
 
 namespace corvane {
 
-/// The per-user defaults, in one ini file. A file that does not read is copied beside itself
-/// ("{file}.damaged") before it is first written over.
+/// The per-user defaults, in one ini file. A file that does not read counts as empty, and is copied aside
+/// before it is first written over.
 class UserDefaults {
 public:
     explicit UserDefaults(const QString& filePath);
@@ -29,7 +29,10 @@ public:
     void synchronise();
 
 private:
+    QSettings* forWriting(); ///< none where the file must be left alone
+
     std::unique_ptr<QSettings> m_settings;
+    bool m_isDamaged = false;
 };
 
 }

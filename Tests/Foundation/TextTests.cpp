@@ -1,0 +1,62 @@
+#include "Foundation/Ids.h"
+#include "Foundation/Json.h"
+#include "Foundation/Text.h"
+#include "Support/Print.h"
+
+#include <QRegularExpression>
+#include <QSet>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+TEST(Text, whatAPersonTypesIsFoundWithoutItsMarksAndCase)
+{
+    EXPECT_EQ(folded(QStringLiteral("Žofie ÉCOLE")), QStringLiteral("zofie ecole"));
+    EXPECT_EQ(folded(QStringLiteral("e\u0301")), folded(QStringLiteral("É")));
+    EXPECT_EQ(folded(QStringLiteral("ﬁn")), QStringLiteral("fin"));
+    EXPECT_EQ(folded(QStringLiteral("東京 😀")), QStringLiteral("東京 😀"));
+    EXPECT_EQ(singleLine(QStringLiteral(" a\r\n\t b\u00A0 c ")), QStringLiteral("a b c"));
+}
+
+TEST(Text, aCharacterIsNeverCut)
+{
+    EXPECT_EQ(firstCharacters(QStringLiteral("👩‍👩‍👧x"), 1), QStringLiteral("👩‍👩‍👧"));
+    EXPECT_EQ(firstCharacters(QStringLiteral("e\u0301a"), 1), QStringLiteral("e\u0301"));
+    EXPECT_EQ(firstCharacters(QStringLiteral("😀😀😀"), 2), QStringLiteral("😀😀"));
+    EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 0), QString());
+    EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 3), QStringLiteral("abc"));
+    EXPECT_EQ(firstCharacters(QString(), 5), QString());
+}
+
+TEST(Ids, haveTheShapesThatRowsAreFoundBy)
+{
+    const QRegularExpression shape(QStringLiteral("^od:1760000000000:[1-9][0-9]{3}$"));
+    QSet<QString> stamped;
+    for (int i = 0; i < 200; ++i) {
+        const QString id = stampedId(QStringLiteral("od"), 1'760'000'000'000);
+        EXPECT_TRUE(shape.match(id).hasMatch()) << qPrintable(id);
+        stamped.insert(id);
+    }
+    EXPECT_GT(stamped.size(), 150);
+    // A "%1" in what comes from outside stays what it is.
+    EXPECT_EQ(contactId(QStringLiteral("EMAIL"), QStringLiteral("a%1@b")), QStringLiteral("ct:EMAIL:a%1@b"));
+    EXPECT_EQ(contactIdentityId(QStringLiteral("SMS"), QStringLiteral("+49")), QStringLiteral("id:SMS:+49"));
+    EXPECT_EQ(conversationId(QStringLiteral("work"), QStringLiteral("x:%2")), QStringLiteral("wa:work:x:%2"));
+    EXPECT_EQ(messageId(QStringLiteral("m")), QStringLiteral("wa:msg:m"));
+    EXPECT_EQ(uuidText().size(), 36);
+    EXPECT_EQ(uuidText().toLower().count(u'-'), 4);
+    EXPECT_NE(uuidText(), uuidText());
+}
+
+TEST(Json, onlyAWholeObjectIsOne)
+{
+    for (const char* text : { "", "[]", "3", "{", "{}x", "{\"a\":}", "\xff{}" })
+        EXPECT_EQ(jsonObject(text), std::nullopt) << text;
+    const auto object = jsonObject("{\"b\":null,\"a\":\"ü\\n\",\"c\":5}");
+    ASSERT_TRUE(object);
+    EXPECT_EQ(textValue(*object, QLatin1StringView("a")), QStringLiteral("ü\n"));
+    EXPECT_EQ(textValue(*object, QLatin1StringView("b")), std::nullopt);
+    EXPECT_EQ(textValue(*object, QLatin1StringView("c")), std::nullopt);
+    EXPECT_EQ(textValue(*object, QLatin1StringView("d")), std::nullopt);
+    EXPECT_EQ(compactJson(*object), "{\"a\":\"ü\\n\",\"b\":null,\"c\":5}");
+}
