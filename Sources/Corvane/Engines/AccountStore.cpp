@@ -1,5 +1,6 @@
 #include "Engines/AccountStore.h"
 
+#include "Foundation/CopyAside.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
 
@@ -111,18 +112,6 @@ QByteArray encodeAccount(const Account& account)
     addOptional("email", account.email);
     addOptional("paused", account.paused);
     return '{' + members.join(',') + '}';
-}
-
-/// Keeps a copy under a name that no earlier copy holds.
-bool copyAside(const QString& path)
-{
-    QString copy = path + QStringLiteral(".damaged");
-    for (int n = 2; QFile::exists(copy); ++n)
-        copy = QStringLiteral("%1.damaged-%2").arg(path).arg(n);
-    const bool copied = QFile::copy(path, copy);
-    log(copied ? QStringLiteral("AccountStore: %1 does not decode; a copy is kept as %2").arg(path, copy)
-               : QStringLiteral("AccountStore: %1 does not decode and cannot be copied; it is left alone").arg(path));
-    return copied;
 }
 
 QString plainSlug(const QString& name)
