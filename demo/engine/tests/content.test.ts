@@ -43,7 +43,7 @@ test("no message id comes twice over the three engines, nor in the lines to come
       if ("message" in turn) ids.push(turn.message.id);
     }
   }
-  assert.ok(ids.length > messages().length + 800);
+  assert.ok(ids.length > messages().length + 400);
   assert.equal(new Set(ids).size, ids.length);
 });
 
