@@ -3,36 +3,46 @@
 #include "Engines/Account.h"
 #include "Engines/RuntimeState.h"
 
-#include <QList>
+#include <QMetaType>
+#include <QVariantList>
 
 namespace corvane {
 
-/// What a person can do with an account. `label` is the button; `confirmation` is the question to ask first,
-/// empty where none is needed.
-struct AccountAction {
-    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync" or "remove"
-    QString label;
-    QString confirmation;
-
-    bool operator==(const AccountAction&) const = default;
-};
-
 /// One account on the settings screen, in the words that it shows.
-struct AccountRow {
-    QUuid id;
+class AccountRow {
+    Q_GADGET
+    Q_PROPERTY(QString accountId MEMBER accountId)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString channel MEMBER channel)
+    Q_PROPERTY(QString channelLabel MEMBER channelLabel)
+    Q_PROPERTY(QString status MEMBER status)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(QString log MEMBER log)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString lastMessage MEMBER lastMessage)
+    Q_PROPERTY(QVariantList actions MEMBER actions)
+    Q_PROPERTY(QString sentence MEMBER sentence)
+public:
+    QString accountId;
     QString name;
     QString channel; ///< such as "WHATSAPP"
+    QString channelLabel;
     QString status;
     QString detail; ///< beside the status: who is signed in, or what went wrong; mostly empty
     QString log; ///< the engine's last word
     QString kind; ///< "good", "busy", "warn", "bad" or "idle"
-    qint64 lastMessageMs = 0; ///< 0 where no message is known
-    QList<AccountAction> actions;
+    QString lastMessage; ///< such as "Last message 14:20"
+    /// {id, label, confirmation, destructive}. `confirmation` is the question to ask first, empty where none is
+    /// needed. The ids: "start", "pause", "pair", "resetPairing", "resetSession", "sync", "remove".
+    QVariantList actions;
+    QString sentence; ///< the row, read aloud
 
+    const QString& key() const { return accountId; }
     bool operator==(const AccountRow&) const = default;
 };
 
-AccountRow accountRow(const Account& account, const RuntimeState& state, qint64 lastMessageMs);
+/// `lastMessage` is the time of the account's newest message in words, empty where there is none.
+AccountRow accountRow(const Account& account, const RuntimeState& state, const QString& lastMessageTime);
 
 /// Whether an account of that channel keeps a secret of its own.
 bool keepsSecret(Channel channel);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Engines/Account.h"
-#include "Foundation/Result.h"
 
 #include <QHash>
 #include <QList>

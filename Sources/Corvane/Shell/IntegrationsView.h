@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Foundation/Coalescer.h"
-#include "Shell/AccountsModel.h"
-#include "Shell/Appearance.h"
+#include "Inbox/RowListModel.h"
+#include "Shell/AccountRow.h"
 #include "Shell/PairingSheet.h"
 #include "Shell/SyncSettings.h"
 #include "Shell/SystemSettings.h"
@@ -24,7 +24,8 @@ class IntegrationsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QVariantList sections READ sections CONSTANT) ///< {id, label}
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
-    Q_PROPERTY(corvane::AccountsModel* accounts READ accounts CONSTANT)
+    /// The account rows, by channel; the properties of `AccountRow` are the roles.
+    Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     /// One a channel: {channel, label, title, hint (Markdown), buttonLabel, fields: {id, label, placeholder, masked}}.
@@ -52,7 +53,7 @@ public:
     QVariantList sections() const;
     const QString& section() const { return m_section; }
     void setSection(const QString& id); ///< an unknown word changes nothing
-    AccountsModel* accounts() { return &m_rows; }
+    GadgetListModel* accounts() { return &m_rows; }
     QString emptyTitle() const { return QStringLiteral("No accounts yet"); }
     QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
     QVariantList connectFlows() const;
@@ -82,12 +83,13 @@ private:
     void refreshRows();
 
     Surroundings m_at;
-    AccountsModel m_rows;
+    RowListModel<AccountRow> m_rows;
     PairingSheet m_pairing;
     SyncSettings m_sync;
     SystemSettings m_system;
     ToolServerCard m_toolServer;
     Coalescer m_refresh;
+    QHash<QString, qint64> m_lastMessages; ///< by slug, milliseconds since the epoch
     QString m_section;
     bool m_visible = false;
 };

@@ -1,35 +1,51 @@
 #pragma once
 
+#include "Inbox/RowListModel.h"
 #include "Shell/NavItem.h"
-
-#include <QAbstractListModel>
 
 namespace corvane {
 
-/// The hubs of the bar, one row each. Roles: raw, label, badge (empty for none), selected,
-/// identifier ("topnav.inbox"), shortcut ("Ctrl+5").
-class TopHubBar : public QAbstractListModel {
+/// A hub as a word in the bar.
+class HubRow {
+    Q_GADGET
+    Q_PROPERTY(QString raw MEMBER raw)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString badge MEMBER badge)
+    Q_PROPERTY(bool selected MEMBER selected)
+    Q_PROPERTY(QString identifier MEMBER identifier)
+    Q_PROPERTY(QString shortcut MEMBER shortcut)
+public:
+    QString raw;
+    QString label;
+    QString badge; ///< empty for none
+    bool selected = false;
+    QString identifier; ///< such as "topnav.inbox"
+    QString shortcut; ///< such as "Ctrl+5"
+
+    bool operator==(const HubRow&) const = default;
+};
+
+/// The hubs of the bar, one row each.
+class TopHubBar : public GadgetListModel {
     Q_OBJECT
     Q_PROPERTY(QString searchLabel READ searchLabel CONSTANT)
 public:
-    enum Role { RawRole = Qt::UserRole, LabelRole, BadgeRole, SelectedRole, IdentifierRole, ShortcutRole };
-
-    using QAbstractListModel::QAbstractListModel;
+    explicit TopHubBar(QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QHash<int, QByteArray> roleNames() const override;
 
     QString searchLabel() const { return QStringLiteral("Search or ask Lumo…"); }
 
     void setSelected(std::optional<NavItem> item); ///< nothing while the settings cover the hubs
     void setUnreadTotal(int count); ///< for the badge of the inbox
 
-private:
-    void refresh(const std::optional<NavItem>& item, Role role);
+protected:
+    const void* gadgetAt(int row) const override { return &m_hubs.at(size_t(row)); }
 
-    std::optional<NavItem> m_selected;
-    int m_unreadTotal = 0;
+private:
+    void change(NavItem item, const std::function<void(HubRow&)>& edit);
+
+    std::array<HubRow, allNavItems.size()> m_hubs;
 };
 
 /// What the badge shows: nothing at 0 or below, the number to 99, "99+" from 100 up.

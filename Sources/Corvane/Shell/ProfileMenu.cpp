@@ -1,0 +1,88 @@
+#include "Shell/ProfileMenu.h"
+
+#include "Shell/AppShell.h"
+#include "Store/Workspaces.h"
+#include "Web/SessionStore.h"
+
+#include <QVariantMap>
+
+namespace corvane {
+
+namespace {
+
+const QString openSettingsId = QStringLiteral("openSettings");
+const QString signOutId = QStringLiteral("signOut");
+const QString signInId = QStringLiteral("signIn");
+
+QVariantMap action(const QString& id, const QString& label)
+{
+    return { { QStringLiteral("id"), id }, { QStringLiteral("label"), label } };
+}
+
+}
+
+ProfileMenu::ProfileMenu(
+    SessionStore& session, AppShell& shell, LocalDB& db, NotificationCentre& centre, QObject* parent)
+    : QObject(parent)
+    , m_session(session)
+    , m_shell(shell)
+    , m_db(db)
+    , m_workspaceChanged(
+          centre.observe(notifications::activeWorkspaceChanged, [this](const Notification&) { refresh(); }))
+{
+    connect(&m_session, &SessionStore::changed, this, &ProfileMenu::refresh);
+}
+
+QString ProfileMenu::displayLine() const
+{
+    return m_session.displayLine();
+}
+
+QString ProfileMenu::initial() const
+{
+    return m_session.initial();
+}
+
+bool ProfileMenu::signedIn() const
+{
+    return m_session.signedIn();
+}
+
+QVariantList ProfileMenu::actions() const
+{
+    if (!signedIn())
+        return { action(signInId, QStringLiteral("Sign in to Nimb")) };
+    return { action(openSettingsId, QStringLiteral("Open Settings")), action(signOutId, QStringLiteral("Sign Out")) };
+}
+
+void ProfileMenu::refresh()
+{
+    m_workspaces.clear();
+    if (signedIn()) {
+        const QString active = activeWorkspaceId(m_db, Repair::No);
+        for (const WorkspaceRow& row : fetchWorkspaceRows(m_db)) {
+            m_workspaces.append(
+                QVariantMap { { QStringLiteral("id"), row.workspaceId }, { QStringLiteral("name"), row.displayName() },
+                    { QStringLiteral("selected"), row.workspaceId == active } });
+        }
+    }
+    Q_EMIT changed();
+}
+
+void ProfileMenu::selectWorkspace(const QString& id)
+{
+    corvane::selectWorkspace(m_db, id);
+    refresh();
+}
+
+void ProfileMenu::perform(const QString& actionId)
+{
+    if (actionId == openSettingsId)
+        m_shell.openSettings();
+    else if (actionId == signOutId)
+        m_session.signOut();
+    else if (actionId == signInId)
+        m_session.startSignIn();
+}
+
+}

@@ -1,0 +1,192 @@
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/Keychain.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
+#include "Store/Workspaces.h"
+#include "Support/Await.h"
+#include "Support/FakeDesktop.h"
+#include "Support/LoopbackWeb.h"
+#include "Support/MemorySecrets.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+#include "Web/SessionStore.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+namespace {
+
+const QString anyToken = QStringLiteral("any token counts, expired or not");
+
+class Wall : public testing::Test {
+protected:
+    Wall() { open(); }
+
+    /// The next start of the program.
+    void open()
+    {
+        wall.reset();
+        content.reset();
+        session = std::make_unique<SessionStore>(home.paths(), keychain, defaults, desktop, clock);
+        content = std::make_unique<ContentView>(*session, defaults);
+        wall = std::make_unique<LoginWallView>(*session, *content);
+    }
+
+    TemporaryHome home;
+    VirtualScheduler clock;
+    MemorySecrets secrets;
+    Keychain keychain { secrets };
+    UserDefaults defaults { home.paths().defaultsFile };
+    FakeDesktop desktop;
+    std::unique_ptr<SessionStore> session;
+    std::unique_ptr<ContentView> content;
+    std::unique_ptr<LoginWallView> wall;
+};
+
+}
+
+TEST_F(Wall, standsUntilAnyTokenIsThereAndComesBackWithASignOut)
+{
+    EXPECT_TRUE(content->showsWall());
+    session->setAuth(anyToken, QStringLiteral("d"));
+    EXPECT_FALSE(content->showsWall());
+    open();
+    EXPECT_FALSE(content->showsWall());
+    session->setWebRejected(true);
+    EXPECT_FALSE(content->showsWall()) << "a token that the web refuses still opens the shell";
+    session->signOut();
+    EXPECT_TRUE(content->showsWall());
+}
+
+TEST_F(Wall, continuingWithoutSigningInIsRememberedUntilASignOut)
+{
+    wall->continueWithoutSigningIn();
+    EXPECT_FALSE(content->showsWall());
+    EXPECT_FALSE(session->signedIn());
+    EXPECT_EQ(session->displayLine(), "Not signed in");
+    open();
+    EXPECT_FALSE(content->showsWall());
+
+    session->setAuth(anyToken, QStringLiteral("d"));
+    session->signOut();
+    EXPECT_TRUE(content->showsWall());
+    open();
+    EXPECT_TRUE(content->showsWall());
+}
+
+TEST_F(Wall, submitsOnlyWhatIsFilledInAndOnlyOnce)
+{
+    LoopbackWeb web;
+    web.answer(QStringLiteral("/api/auth/login"), LoopbackWeb::json({}, 401));
+    defaults.setText(QStringLiteral("nimb.apiBaseUrl"), web.base());
+    wall->submit();
+    EXPECT_FALSE(wall->busy());
+    wall->setEmail(QStringLiteral("   "));
+    wall->setPassword(QStringLiteral(" "));
+    EXPECT_FALSE(wall->canSubmit());
+    wall->submit();
+    EXPECT_FALSE(wall->busy());
+
+    wall->setEmail(QStringLiteral("  ana@ruiz.example "));
+    EXPECT_TRUE(wall->canSubmit());
+    EXPECT_EQ(wall->primaryLabel(), "Sign in");
+    wall->submit();
+    wall->submit();
+    EXPECT_TRUE(wall->busy());
+    EXPECT_FALSE(wall->canSubmit());
+    EXPECT_EQ(wall->primaryLabel(), "Signing in…");
+    ASSERT_TRUE(await([&] { return !wall->busy(); }));
+    EXPECT_EQ(wall->lastError(), "Wrong email or password.");
+    ASSERT_EQ(web.requests().size(), 1);
+    EXPECT_EQ(web.requests()[0].json()["email"].toString(), "ana@ruiz.example");
+    EXPECT_EQ(web.requests()[0].json()["password"].toString(), " ") << "a password is sent as it was typed";
+    EXPECT_EQ(wall->password(), " ") << "a failure leaves the fields as they are";
+}
+
+TEST_F(Wall, forgetsThePasswordOnceItIsSignedIn)
+{
+    wall->setPassword(QStringLiteral("secret"));
+    session->setAuth(anyToken, QStringLiteral("d"));
+    session->signOut();
+    EXPECT_EQ(wall->password(), "");
+}
+
+namespace {
+
+class Profile : public Wall {
+protected:
+    QStringList labels() const
+    {
+        QStringList result;
+        for (const QVariant& action : menu.actions())
+            result.append(action.toMap()["label"].toString());
+        return result;
+    }
+    QStringList workspaces() const
+    {
+        QStringList result;
+        for (const QVariant& workspace : menu.workspaces()) {
+            const QVariantMap map = workspace.toMap();
+            result.append(map["name"].toString() + (map["selected"].toBool() ? u"*"_qs : QString()));
+        }
+        return result;
+    }
+
+    NotificationCentre centre;
+    LocalDB db { home.path(QStringLiteral("share/Corvane/nimblocal.db")), { home.paths().resources, {} }, clock,
+        defaults, centre };
+    AppShell shell { centre, defaults };
+    ProfileMenu menu { *session, shell, db, centre };
+};
+
+}
+
+TEST_F(Profile, offersTheSignInAloneWithoutAToken)
+{
+    menu.refresh();
+    EXPECT_EQ(menu.displayLine(), "Not signed in");
+    EXPECT_EQ(menu.initial(), "?");
+    EXPECT_EQ(labels(), QStringList("Sign in to Nimb"));
+    EXPECT_TRUE(menu.workspaces().isEmpty());
+    menu.perform(menu.actions()[0].toMap()["id"].toString());
+    EXPECT_EQ(desktop.opened.size(), 1);
+    EXPECT_TRUE(desktop.opened.value(0).toString().startsWith("https://"));
+}
+
+TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
+{
+    WorkspaceRow first;
+    first.workspaceId = QStringLiteral("w1");
+    first.workspaceName = QStringLiteral("North");
+    WorkspaceRow second = first;
+    second.workspaceId = QStringLiteral("w2");
+    second.workspaceName = QStringLiteral("South");
+    storeWorkspaceRows(db, { first, second }, QStringLiteral("w2"));
+    session->setAuth(anyToken, QStringLiteral("d"));
+    EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }));
+    menu.selectWorkspace(QStringLiteral("w1"));
+    EXPECT_EQ(workspaces(), QStringList({ first.displayName() + u'*', second.displayName() }));
+    corvane::selectWorkspace(db, QStringLiteral("w2"));
+    EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }))
+        << "a change made elsewhere shows too";
+}
+
+TEST_F(Profile, opensTheSettingsAndSignsOut)
+{
+    session->setAuth(anyToken, QStringLiteral("d"));
+    EXPECT_EQ(labels(), QStringList({ "Open Settings", "Sign Out" }));
+    shell.selectHub(QStringLiteral("cx"));
+    menu.perform(menu.actions()[0].toMap()["id"].toString());
+    EXPECT_TRUE(shell.settings());
+    EXPECT_EQ(shell.selectedNav(), "cx");
+    menu.perform(menu.actions()[1].toMap()["id"].toString());
+    EXPECT_FALSE(session->signedIn());
+    EXPECT_TRUE(content->showsWall());
+}
+
+}
