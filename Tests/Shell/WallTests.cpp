@@ -8,8 +8,8 @@
 #include "Store/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeSecretStore.h"
 #include "Support/LoopbackWeb.h"
-#include "Support/MemorySecrets.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
@@ -39,7 +39,7 @@ protected:
 
     TemporaryHome home;
     VirtualScheduler clock;
-    MemorySecrets secrets;
+    FakeSecretStore secrets;
     Keychain keychain { secrets };
     UserDefaults defaults { home.paths().defaultsFile };
     FakeDesktop desktop;

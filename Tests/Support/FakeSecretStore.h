@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Secrets in memory.
+/// Secrets in memory; while `failing`, nothing is kept.
 class FakeSecretStore final : public SecretStore {
 public:
     std::optional<QString> get(const QString& service, const QString& account) override
@@ -16,11 +16,14 @@ public:
     }
     bool set(const QString& service, const QString& account, const QString& value) override
     {
-        m_values.insert({ service, account }, value);
-        return true;
+        if (!failing)
+            m_values.insert({ service, account }, value);
+        return !failing;
     }
     void remove(const QString& service, const QString& account) override { m_values.remove({ service, account }); }
     QString description() const override { return QStringLiteral("memory"); }
+
+    bool failing = false;
 
 private:
     QHash<std::pair<QString, QString>, QString> m_values;

@@ -4,8 +4,8 @@
 #include "Platform/Keychain.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeSecretStore.h"
 #include "Support/LoopbackWeb.h"
-#include "Support/MemorySecrets.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
@@ -71,7 +71,7 @@ protected:
 
     TemporaryHome home;
     VirtualScheduler clock;
-    MemorySecrets secrets;
+    FakeSecretStore secrets;
     Keychain keychain { secrets };
     UserDefaults defaults { home.paths().defaultsFile };
     FakeDesktop desktop;
