@@ -3,6 +3,7 @@
 #include "Foundation/Log.h"
 #include "Inbox/InboxView.h"
 #include "Shell/AppShell.h"
+#include "Shell/Appearance.h"
 #include "Shell/ContentView.h"
 #include "Shell/IntegrationsView.h"
 #include "Shell/LoginWallView.h"
