@@ -36,7 +36,7 @@ public:
             Q_EMIT StatusNotifierHostUnregistered();
     }
 
-    /// Listens for a signal of the icon or its menu, and counts it in `signals`.
+    /// Listens for a signal of the icon or its menu, and notes it in `heard`.
     void watch(const QString& path, const QString& interface, const QString& name)
     {
         m_bus.connect(item, path, interface, name, this, SLOT(onSignal(QDBusMessage)));

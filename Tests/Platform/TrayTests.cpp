@@ -42,7 +42,7 @@ protected:
             { "org.kde.StatusNotifierItem", name }));
     }
 
-    /// The menu's items as "id:label", an underscore line for a separator.
+    /// The menu as the panel reads it.
     QList<MenuProperties> menuItems()
     {
         const QDBusMessage reply = askMenu("GetLayout", { 0, -1, QStringList() });
