@@ -7,7 +7,9 @@
 #include <QDBusPendingCallWatcher>
 #include <QFile>
 #include <QUuid>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 namespace corvane {
 
@@ -24,6 +26,8 @@ PrivateBus::PrivateBus()
             .toUtf8());
     configuration.close();
     m_daemon.setStandardErrorFile(QProcess::nullDevice());
+    // A test that crashes leaves no daemon behind.
+    m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_daemon.start(QStringLiteral("dbus-daemon"),
         { QStringLiteral("--nofork"), QStringLiteral("--print-address"), QStringLiteral("--config-file"),
             configuration.fileName() });
