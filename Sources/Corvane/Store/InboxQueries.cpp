@@ -59,10 +59,11 @@ QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& 
 InboxCounts fetchInboxCounts(LocalDB& db)
 {
     const QString workspace = activeWorkspaceId(db);
+    // The cross join holds the order of the loops: few conversations match, and every person would be walked.
     const auto people = [&](const QString& condition) {
         return db
             .scalar(QStringLiteral(R"(SELECT COUNT(DISTINCT ct.id)
-FROM unified_conversation c JOIN contact ct ON ct.id=c.contact_id
+FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
 WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL AND %1
   AND ct.workspace_id=? AND ct.deleted_at IS NULL;)")
                         .arg(condition),
