@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace corvane;
 
@@ -146,12 +147,12 @@ TEST_F(ProcessLauncherTest, aFailedStartNamesTheReasonAndLeavesNothingOpen)
 
     rlimit files {};
     ::getrlimit(RLIMIT_NOFILE, &files);
-    const rlimit none { static_cast<rlim_t>(before), files.rlim_max };
+    const rlimit none { STDERR_FILENO + 1, files.rlim_max };
     ::setrlimit(RLIMIT_NOFILE, &none);
     const QString full = messageOf(specOf({}));
     ::setrlimit(RLIMIT_NOFILE, &files);
     EXPECT_TRUE(full.endsWith(QStringLiteral(": Too many open files"))) << qPrintable(full);
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_LE(openDescriptors(), before);
 }
 
 TEST_F(ProcessLauncherTest, aCharacterIsNeverCutHoweverTheBytesArrive)
@@ -367,7 +368,7 @@ TEST_F(ProcessLauncherTest, aHundredChildrenThatCrashAtOnceAreEachToldOnce)
         EXPECT_EQ(each->codes, QList<int>({ -SIGABRT }));
     }
     children.clear();
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_LE(openDescriptors(), before);
 }
 
 TEST_F(ProcessLauncherTest, aLineOfFiftyMegabytesArrivesWhole)

@@ -32,7 +32,7 @@ void logFailure(const QString& message)
 
 /// A keyring that was restarted knows nothing of the session with its predecessor, so a failure is answered by one more
 /// attempt over a new session. False, and a log line, where that fails too.
-template <typename Attempt> bool succeeds(const Attempt& attempt)
+template <typename Attempt> bool succeeds(GCancellable* cancellable, const Attempt& attempt)
 {
     QString message;
     for (int i = 0; i < 2; ++i) {
@@ -42,6 +42,9 @@ template <typename Attempt> bool succeeds(const Attempt& attempt)
             return true;
         message = QString::fromUtf8(error->message);
         g_error_free(error);
+        // A call that was given up must not take the session from the one that came after it.
+        if (g_cancellable_is_cancelled(cancellable))
+            return false;
         secret_service_disconnect();
     }
     logFailure(message);
@@ -50,7 +53,7 @@ template <typename Attempt> bool succeeds(const Attempt& attempt)
 
 bool store(const Key& key, const QByteArray& value, GCancellable* cancellable)
 {
-    return succeeds([&](GError** error) {
+    return succeeds(cancellable, [&](GError** error) {
         secret_password_store_sync(schema(), SECRET_COLLECTION_DEFAULT, (key.service + " / " + key.account).constData(),
             value.constData(), cancellable, error, "service", key.service.constData(), "account",
             key.account.constData(), nullptr);
@@ -60,7 +63,7 @@ bool store(const Key& key, const QByteArray& value, GCancellable* cancellable)
 std::optional<QString> lookUp(const Key& key, GCancellable* cancellable)
 {
     std::optional<QString> value;
-    succeeds([&](GError** error) {
+    succeeds(cancellable, [&](GError** error) {
         gchar* found = secret_password_lookup_sync(schema(), cancellable, error, "service", key.service.constData(),
             "account", key.account.constData(), nullptr);
         if (found)
@@ -72,7 +75,7 @@ std::optional<QString> lookUp(const Key& key, GCancellable* cancellable)
 
 bool clear(const Key& key, GCancellable* cancellable)
 {
-    return succeeds([&](GError** error) {
+    return succeeds(cancellable, [&](GError** error) {
         secret_password_clear_sync(schema(), cancellable, error, "service", key.service.constData(), "account",
             key.account.constData(), nullptr);
     });
