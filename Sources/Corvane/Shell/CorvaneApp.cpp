@@ -1,0 +1,116 @@
+#include "Shell/CorvaneApp.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Notifications/Notifier.h"
+#include "Platform/Desktop.h"
+#include "Platform/NotificationService.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SecretStore.h"
+#include "Platform/Tray.h"
+#include "Store/LocalDB.h"
+#include "Store/Workspaces.h"
+#include "Web/SessionStore.h"
+
+#include <QUrl>
+
+namespace corvane {
+
+namespace {
+
+constexpr int toolServerPort = 8765;
+
+bool isPaused(const Account& account)
+{
+    return account.paused.value_or(false);
+}
+
+}
+
+Machine::Machine() = default;
+Machine::~Machine() = default;
+Machine::Machine(Machine&&) noexcept = default;
+
+CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine machine, QObject* parent)
+    : QObject(parent)
+    , m_paths(paths)
+    , m_scheduler(scheduler)
+    , m_machine(std::move(machine))
+    , m_defaults(paths.defaultsFile)
+    , m_keychain(*m_machine.secrets)
+    , m_notifier(std::make_unique<Notifier>(*m_machine.notifications, m_notifications, m_defaults, m_scheduler,
+          [this] { Q_EMIT windowRequested(); }))
+    , m_store(std::make_unique<AccountStore>(m_paths.applicationSupport))
+{
+    const EngineManager::Surroundings surroundings { m_paths, m_scheduler, *m_machine.launcher, *m_machine.ports,
+        m_background, m_keychain, *m_notifier, *m_machine.desktop };
+    m_engine = std::make_unique<EngineManager>(surroundings,
+        std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
+            LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
+    m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop);
+    setUpTray();
+}
+
+CorvaneApp::~CorvaneApp() = default;
+
+void CorvaneApp::onAppear()
+{
+    m_engine->startUnifiedMCP(toolServerPort);
+    m_engine->startDraftWatch();
+    m_data.local.emplace(m_engine->db());
+    // A workspace that shows nothing is left here, before any list is built from it.
+    activeWorkspaceId(m_engine->db(), Repair::IfNeeded);
+    m_notifier->bootstrap();
+    m_engine->refreshUnreadBadge();
+    for (const Account& account : m_store->accounts()) {
+        if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
+            m_engine->start(account);
+    }
+}
+
+void CorvaneApp::startAllEngines()
+{
+    for (const Account& account : m_store->accounts()) {
+        if (!isPaused(account))
+            m_engine->start(account);
+    }
+}
+
+void CorvaneApp::open(const QStringList& arguments)
+{
+    for (const QString& argument : arguments) {
+        if (argument.startsWith(QLatin1String("nimb-companion:")))
+            m_session->handleCallback(QUrl(argument));
+    }
+    Q_EMIT windowRequested();
+}
+
+void CorvaneApp::willTerminate()
+{
+    m_engine->stopAll();
+}
+
+void CorvaneApp::setUpTray()
+{
+    Tray* const tray = m_machine.tray.get();
+    if (!tray)
+        return;
+    tray->setMenu({ { QStringLiteral("open"), QStringLiteral("Open Corvane") },
+        { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
+        { QStringLiteral("quit"), QStringLiteral("Quit") } });
+    connect(tray, &Tray::activated, this, &CorvaneApp::windowRequested);
+    connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
+        if (item == QLatin1String("quit")) {
+            Q_EMIT quitRequested();
+            return;
+        }
+        Q_EMIT windowRequested();
+        if (item == QLatin1String("settings"))
+            m_notifications.post(notifications::openSettings);
+    });
+    connect(m_engine.get(), &EngineManager::unreadTotalChanged, tray,
+        [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
+}
+
+}

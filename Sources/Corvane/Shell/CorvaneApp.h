@@ -1,0 +1,94 @@
+#pragma once
+
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/Keychain.h"
+#include "Shell/AppData.h"
+
+#include <QObject>
+#include <QStringList>
+#include <memory>
+
+namespace corvane {
+
+class AccountStore;
+class Desktop;
+class EngineManager;
+class NotificationService;
+class Notifier;
+class PortHolders;
+class ProcessLauncher;
+class Scheduler;
+class SecretStore;
+class SessionStore;
+class Tray;
+
+/// The services that the program finds on its machine.
+struct Machine {
+    Machine();
+    ~Machine();
+    Machine(Machine&&) noexcept;
+
+    std::unique_ptr<ProcessLauncher> launcher;
+    std::unique_ptr<PortHolders> ports;
+    std::unique_ptr<SecretStore> secrets;
+    std::unique_ptr<NotificationService> notifications;
+    std::unique_ptr<Desktop> desktop;
+    std::unique_ptr<Tray> tray; ///< none in a headless run
+};
+
+/// The composition root: builds every long-lived object once and hands out references.
+class CorvaneApp : public QObject {
+    Q_OBJECT
+public:
+    /// `scheduler` outlives the application.
+    CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine machine, QObject* parent = nullptr);
+    ~CorvaneApp() override;
+
+    AccountStore& store() { return *m_store; }
+    EngineManager& engine() { return *m_engine; }
+    AppData& data() { return m_data; }
+    SessionStore& session() { return *m_session; }
+    UserDefaults& defaults() { return m_defaults; }
+    NotificationCentre& notifications() { return m_notifications; }
+    Keychain& keychain() { return m_keychain; }
+    Scheduler& scheduler() { return m_scheduler; }
+    Desktop& desktop() { return *m_machine.desktop; }
+    const AppPaths& paths() const { return m_paths; }
+
+    /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.
+    void onAppear();
+
+    /// Starts the engine of every account that is not paused, whatever its channel.
+    void startAllEngines();
+
+    /// What a later start of the program was given: a sign-in's URL, or nothing but the wish to be shown.
+    void open(const QStringList& arguments);
+
+    /// Ends what runs. The process is about to end.
+    void willTerminate();
+
+Q_SIGNALS:
+    void windowRequested(); ///< show the main window and bring it to the front
+    void quitRequested();
+
+private:
+    void setUpTray();
+
+    const AppPaths m_paths;
+    Scheduler& m_scheduler;
+    Machine m_machine;
+    UserDefaults m_defaults;
+    NotificationCentre m_notifications;
+    BackgroundQueue m_background;
+    Keychain m_keychain;
+    AppData m_data;
+    std::unique_ptr<Notifier> m_notifier;
+    std::unique_ptr<AccountStore> m_store;
+    std::unique_ptr<EngineManager> m_engine;
+    std::unique_ptr<SessionStore> m_session;
+};
+
+}
