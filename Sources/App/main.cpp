@@ -1,4 +1,116 @@
-int main()
+#include "Engines/EngineManager.h"
+#include "Foundation/Log.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/ApplicationId.h"
+#include "Platform/Desktop.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/NotificationService.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SecretStore.h"
+#include "Platform/SingleInstance.h"
+#include "Platform/TerminationSignals.h"
+#include "Platform/Tray.h"
+#include "Shell/CorvaneApp.h"
+#include "Shell/Screens.h"
+#include "UI/MainWindow.h"
+
+#include <QCommandLineParser>
+#include <QGuiApplication>
+#include <QStyleHints>
+#include <cstring>
+
+using namespace corvane;
+
+namespace {
+
+enum class Mode { Window, Headless };
+
+/// Read before Qt chooses its platform, which a headless run must not have.
+Mode requestedMode(int argc, char** argv)
 {
-    return 0;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--headless") == 0)
+            return Mode::Headless;
+    }
+    return Mode::Window;
+}
+
+Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
+{
+    Machine machine;
+    machine.launcher = makeProcessLauncher(scheduler);
+    machine.ports = makePortHolders();
+    machine.secrets = makeSecretStore(paths);
+    machine.notifications = makeNotificationService();
+    machine.desktop = makeDesktop(scheduler);
+    if (mode == Mode::Window)
+        machine.tray = makeTray();
+    return machine;
+}
+
+void logEvents(EngineManager& engine)
+{
+    QObject::connect(&engine, &EngineManager::eventHandled, &engine,
+        [](const QString& account, const QString& type) { log(QStringLiteral("engine %1: %2").arg(account, type)); });
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    logToStandardError();
+    const Mode mode = requestedMode(argc, argv);
+    if (mode == Mode::Headless)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QGuiApplication application(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Corvane"));
+    QGuiApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
+    QGuiApplication::setDesktopFileName(applicationId);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("One private inbox for every channel."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption({ QStringLiteral("headless"), QStringLiteral("Run everything but the window.") });
+    parser.addOption({ QStringLiteral("start-all"),
+        QStringLiteral("Start the engine of every account, not only those that start by themselves.") });
+    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("A nimb-companion: URL that finishes a sign-in."),
+        QStringLiteral("[url]"));
+    parser.process(application);
+
+    const AppPaths paths = AppPaths::fromEnvironment();
+    const auto instance = makeSingleInstance(paths);
+    if (!instance->claim(parser.positionalArguments()))
+        return 0;
+
+    TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &TerminationSignals::requested, &application, &QCoreApplication::quit);
+
+    SystemScheduler scheduler;
+    CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode));
+    QObject::connect(&app, &CorvaneApp::quitRequested, &application, &QCoreApplication::quit);
+    QObject::connect(instance.get(), &SingleInstance::activated, &app, &CorvaneApp::open);
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &app, &CorvaneApp::willTerminate);
+
+    std::unique_ptr<Screens> screens;
+    std::unique_ptr<MainWindow> window;
+    if (mode == Mode::Headless) {
+        logEvents(app.engine());
+        app.onAppear();
+    } else {
+        screens = std::make_unique<Screens>(app);
+        window = std::make_unique<MainWindow>(*screens, app.defaults());
+        QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
+        QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
+        window->show();
+    }
+    if (parser.isSet(QStringLiteral("start-all")))
+        app.startAllEngines();
+    if (!parser.positionalArguments().isEmpty())
+        app.open(parser.positionalArguments());
+
+    return QCoreApplication::exec();
 }

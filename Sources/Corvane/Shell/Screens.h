@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Appearance.h"
+#include "Shell/ContentView.h"
+#include "Shell/IntegrationsView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
+
+namespace corvane {
+
+class CorvaneApp;
+
+/// The view models of the main window, wired to each other. They live as long as the program, so that a window
+/// that is closed and opened again shows what it showed.
+class Screens {
+public:
+    explicit Screens(CorvaneApp& app);
+
+    Appearance appearance;
+    ContentView content;
+    LoginWallView wall;
+    AppShell shell;
+    ProfileMenu profile;
+    InboxView inbox;
+    IntegrationsView settings;
+};
+
+}
