@@ -17,7 +17,6 @@
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
-#include <QStyleHints>
 #include <cstring>
 
 using namespace corvane;
@@ -43,7 +42,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     machine.ports = makePortHolders();
     machine.secrets = makeSecretStore(paths);
     machine.notifications = makeNotificationService();
-    machine.desktop = makeDesktop(scheduler);
+    machine.desktop = makeDesktop();
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;
@@ -77,8 +76,8 @@ int main(int argc, char** argv)
     parser.addOption({ QStringLiteral("headless"), QStringLiteral("Run everything but the window.") });
     parser.addOption({ QStringLiteral("start-all"),
         QStringLiteral("Start the engine of every account, not only those that start by themselves.") });
-    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("A nimb-companion: URL that finishes a sign-in."),
-        QStringLiteral("[url]"));
+    parser.addPositionalArgument(QStringLiteral("url"),
+        QStringLiteral("A nimb-companion: URL that finishes a sign-in."), QStringLiteral("[url]"));
     parser.process(application);
 
     const AppPaths paths = AppPaths::fromEnvironment();
@@ -102,7 +101,10 @@ int main(int argc, char** argv)
         app.onAppear();
     } else {
         screens = std::make_unique<Screens>(app);
-        window = std::make_unique<MainWindow>(*screens, app.defaults());
+        window = std::make_unique<MainWindow>(
+            MainWindow::Screens { screens->content, screens->wall, screens->shell, screens->profile, screens->settings,
+                screens->inbox, screens->appearance },
+            app.defaults());
         QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         window->show();

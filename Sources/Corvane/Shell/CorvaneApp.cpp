@@ -39,8 +39,8 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     , m_machine(std::move(machine))
     , m_defaults(paths.defaultsFile)
     , m_keychain(*m_machine.secrets)
-    , m_notifier(std::make_unique<Notifier>(*m_machine.notifications, m_notifications, m_defaults, m_scheduler,
-          [this] { Q_EMIT windowRequested(); }))
+    , m_notifier(std::make_unique<Notifier>(
+          *m_machine.notifications, m_notifications, m_defaults, m_scheduler, [this] { Q_EMIT windowRequested(); }))
     , m_store(std::make_unique<AccountStore>(m_paths.applicationSupport))
 {
     const EngineManager::Surroundings surroundings { m_paths, m_scheduler, *m_machine.launcher, *m_machine.ports,
@@ -48,7 +48,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_engine = std::make_unique<EngineManager>(surroundings,
         std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
             LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
-    m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop);
+    m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     setUpTray();
 }
 

@@ -13,9 +13,12 @@ Screens::Screens(CorvaneApp& app)
     , shell(app.notifications(), app.defaults())
     , profile(app.session(), shell, app.engine().db(), app.notifications())
     , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler() })
-    , settings({ app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths() })
+    , settings(
+          { app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths() })
 {
-    const auto showUnread = [this, &app] { shell.hubs()->setUnreadTotal(app.engine().unreadTotal()); };
+    const auto showUnread = [this, &app] {
+        shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
+    };
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(&shell, &AppShell::conversationRequested, &inbox, &InboxView::select);
