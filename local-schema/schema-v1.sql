@@ -282,6 +282,8 @@ CREATE TABLE IF NOT EXISTS work_memory_entries (
 -- A conversation's messages from the newest down, deleted ones apart.
 CREATE INDEX IF NOT EXISTS ix_unified_message_conversation
   ON unified_message(conversation_id, deleted_at, ts DESC);
+-- A search walks from the newest message down and stops when it has enough.
+CREATE INDEX IF NOT EXISTS ix_unified_message_time ON unified_message(ts) WHERE deleted_at IS NULL;
 CREATE INDEX IF NOT EXISTS ix_unified_message_provider ON unified_message(provider_msg_id);
 -- Finds what still has to move when a workspace takes over the rows of "local"; empty afterwards.
 CREATE INDEX IF NOT EXISTS ix_unified_message_local ON unified_message(workspace_id) WHERE workspace_id='local';

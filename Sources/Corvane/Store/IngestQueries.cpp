@@ -19,6 +19,46 @@ QString asciiDigits(QStringView text)
     return digits;
 }
 
+QString ensureContactIn(LocalDB& db, const QString& workspace, const QString& channel, const QString& handle,
+    const std::optional<QString>& title)
+{
+    const QString id = contactId(channel, handle);
+    const qint64 now = db.nowMs();
+    db.run(R"(INSERT INTO contact(id, workspace_id, display_name, updated_at) VALUES(?,?,?,?)
+ON CONFLICT(id) DO UPDATE SET
+  display_name=COALESCE(NULLIF(excluded.display_name,''), contact.display_name),
+  updated_at=excluded.updated_at;)",
+        { id, workspace, title.value_or(handle), now });
+    const MatchSignals implied = matchSignals(channel, handle);
+    db.run(R"(INSERT INTO contact_identity(id, workspace_id, contact_id, channel, handle, email, phone, updated_at)
+VALUES(?,?,?,?,?,?,?,?)
+ON CONFLICT(id) DO UPDATE SET
+  email=COALESCE(excluded.email, contact_identity.email),
+  phone=COALESCE(excluded.phone, contact_identity.phone),
+  updated_at=excluded.updated_at;)",
+        { contactIdentityId(channel, handle), workspace, id, channel, handle, implied.email, implied.phone, now });
+    return id;
+}
+
+QString ensureConversationIn(LocalDB& db, const QString& workspace, const QString& channel, const QString& accountSlug,
+    const QString& externalId, const std::optional<QString>& title, qint64 lastTs)
+{
+    const QString id = conversationId(accountSlug, externalId);
+    db.run(
+        R"(INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, title, last_ts, unread, updated_at)
+VALUES(?,?,?,?,?,?,?,0,?)
+ON CONFLICT(id) DO UPDATE SET
+  title=COALESCE(excluded.title, unified_conversation.title),
+  last_ts=MAX(unified_conversation.last_ts, excluded.last_ts),
+  updated_at=excluded.updated_at;)",
+        { id, workspace, channel, accountSlug, externalId, title, lastTs, db.nowMs() });
+    const QString contact = ensureContactIn(db, workspace, channel, externalId, title);
+    // Nearly always linked already, and a write that changes nothing waits for the disk like any other.
+    if (db.scalar("SELECT contact_id FROM unified_conversation WHERE id=?;", { id }) != contact)
+        db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { contact, id });
+    return id;
+}
+
 }
 
 MatchSignals matchSignals(const QString& channel, const QString& handle)
@@ -39,46 +79,21 @@ MatchSignals matchSignals(const QString& channel, const QString& handle)
 
 QString ensureContactId(LocalDB& db, const QString& channel, const QString& handle, const std::optional<QString>& title)
 {
-    const QString id = contactId(channel, handle);
-    const qint64 now = db.nowMs();
-    db.run(R"(INSERT INTO contact(id, workspace_id, display_name, updated_at) VALUES(?,?,?,?)
-ON CONFLICT(id) DO UPDATE SET
-  display_name=COALESCE(NULLIF(excluded.display_name,''), contact.display_name),
-  updated_at=excluded.updated_at;)",
-        { id, activeWorkspaceId(db), title.value_or(handle), now });
-    const MatchSignals implied = matchSignals(channel, handle);
-    db.run(R"(INSERT INTO contact_identity(id, workspace_id, contact_id, channel, handle, email, phone, updated_at)
-VALUES(?,?,?,?,?,?,?,?)
-ON CONFLICT(id) DO UPDATE SET
-  email=COALESCE(excluded.email, contact_identity.email),
-  phone=COALESCE(excluded.phone, contact_identity.phone),
-  updated_at=excluded.updated_at;)",
-        { contactIdentityId(channel, handle), activeWorkspaceId(db), id, channel, handle, implied.email, implied.phone,
-            now });
-    return id;
+    return ensureContactIn(db, activeWorkspaceId(db), channel, handle, title);
 }
 
 QString ensureConversation(LocalDB& db, const QString& channel, const QString& accountSlug, const QString& externalId,
     const std::optional<QString>& title, qint64 lastTs)
 {
-    const QString id = conversationId(accountSlug, externalId);
-    db.run(
-        R"(INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, title, last_ts, unread, updated_at)
-VALUES(?,?,?,?,?,?,?,0,?)
-ON CONFLICT(id) DO UPDATE SET
-  title=COALESCE(excluded.title, unified_conversation.title),
-  last_ts=MAX(unified_conversation.last_ts, excluded.last_ts),
-  updated_at=excluded.updated_at;)",
-        { id, activeWorkspaceId(db), channel, accountSlug, externalId, title, lastTs, db.nowMs() });
-    const QString contact = ensureContactId(db, channel, externalId, title);
-    db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { contact, id });
-    return id;
+    return ensureConversationIn(db, activeWorkspaceId(db), channel, accountSlug, externalId, title, lastTs);
 }
 
 QString storeMessage(LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message)
 {
-    const QString conversation = ensureConversation(
-        db, channel, accountSlug, message.conversationExternalId, message.conversationTitle, message.ts);
+    // Asked once, so that a message never lands in another workspace than its conversation.
+    const QString workspace = activeWorkspaceId(db);
+    const QString conversation = ensureConversationIn(
+        db, workspace, channel, accountSlug, message.conversationExternalId, message.conversationTitle, message.ts);
     db.run(
         R"(INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, media_type, media_path, source, updated_at)
 VALUES(?,?,?,?,?,?,?,?,?,?,?,?)
@@ -87,7 +102,7 @@ ON CONFLICT(id) DO UPDATE SET body=excluded.body,
     media_path=COALESCE(excluded.media_path, unified_message.media_path),
     source=COALESCE(unified_message.source, excluded.source),
     updated_at=excluded.updated_at;)",
-        { messageId(message.providerMsgId), activeWorkspaceId(db), conversation,
+        { messageId(message.providerMsgId), workspace, conversation,
             message.outgoing ? QStringLiteral("OUT") : QStringLiteral("IN"), message.body, message.sender, message.ts,
             message.providerMsgId, message.mediaType, message.mediaPath, QStringLiteral("local"), db.nowMs() });
     return conversation;

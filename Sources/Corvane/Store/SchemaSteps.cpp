@@ -26,15 +26,15 @@ const QList<Step>& steps()
         AddedColumn { "crm_deal", "contact_id TEXT" },
         AddedColumn { "crm_task", "contact_id TEXT" },
         // The list of people walks contacts in the order of their ids and reaches the conversations of each without
-        // touching either table. What every ingested message asks (is there anything in the workspace, the unread
-        // total) reads the last two.
+        // touching either table. The last is for what every ingested message asks: whether the workspace holds
+        // anything, and how many messages are unread.
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_workspace
-  ON contact(workspace_id, id, display_name, avatar_path) WHERE deleted_at IS NULL;)" },
+  ON contact(workspace_id, deleted_at, id, display_name, avatar_path);)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_contact
   ON unified_conversation(contact_id, deleted_at, archived_at, last_ts, unread, muted, channel, account_id,
-    external_id);)" },
+    external_id, id);)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_unread
-  ON unified_conversation(workspace_id, archived_at, unread) WHERE deleted_at IS NULL;)" },
+  ON unified_conversation(workspace_id, deleted_at, archived_at, unread);)" },
         Statement { "CREATE INDEX IF NOT EXISTS idx_crm_deal_contact ON crm_deal(contact_id, updated_at);" },
         Statement { "CREATE INDEX IF NOT EXISTS idx_crm_task_contact_status ON crm_task(contact_id, status, updated_at);" },
         AddedColumn { "contact_identity", "email TEXT" },

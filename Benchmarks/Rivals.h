@@ -1,0 +1,9 @@
+#pragma once
+
+namespace corvane::bench {
+
+/// Runs the registered benchmarks and then prints each "NAME/corvane" beside its rival "NAME/bare": the
+/// medians of the same run, and how the speed of ours compares (1.00 is equal, 0.80 a fifth slower).
+int runAgainstRivals(int argc, char** argv);
+
+}
