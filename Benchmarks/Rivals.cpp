@@ -21,27 +21,31 @@ public:
     {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
-                m_medians[run.run_name.function_name] = run.GetAdjustedRealTime();
+            if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median")
+                continue;
+            const std::string& name = run.run_name.function_name;
+            const auto slash = name.find('/');
+            m_medians[name.substr(0, slash)][name.substr(slash + 1)] = run.GetAdjustedRealTime();
         }
     }
 
     void Finalize() override
     {
-        const std::string suffix = "/corvane";
-        std::printf("\n%-32s %12s %12s %8s\n", "median, milliseconds", "corvane", "bare", "speed");
-        for (const auto& [name, ours] : m_medians) {
-            if (!name.ends_with(suffix))
+        std::printf("\n%-16s %10s   %-24s %10s %8s\n", "median, ms", "corvane", "rival", "", "speed");
+        for (const auto& [subject, sides] : m_medians) {
+            const auto ours = sides.find("corvane");
+            if (ours == sides.end())
                 continue;
-            const std::string subject = name.substr(0, name.size() - suffix.size());
-            const auto rival = m_medians.find(subject + "/bare");
-            if (rival != m_medians.end())
-                std::printf("%-32s %12.3f %12.3f %8.2f\n", subject.c_str(), ours, rival->second, rival->second / ours);
+            for (const auto& [side, median] : sides) {
+                if (side != "corvane")
+                    std::printf("%-16s %10.3f   %-24s %10.3f %8.2f\n", subject.c_str(), ours->second, side.c_str(),
+                        median, median / ours->second);
+            }
         }
     }
 
 private:
-    std::map<std::string, double> m_medians;
+    std::map<std::string, std::map<std::string, double>> m_medians; ///< by subject, then by side
 };
 
 }
