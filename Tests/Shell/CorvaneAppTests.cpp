@@ -1,0 +1,135 @@
+#include "Shell/CorvaneApp.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Shell/Screens.h"
+#include "Store/IngestQueries.h"
+#include "Support/Await.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeLauncher.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/FakePortHolders.h"
+#include "Support/FakeSecretStore.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+#include "Web/SessionStore.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+Account account(const QString& name, const std::optional<QString>& channel, bool autoStart, std::optional<bool> paused)
+{
+    Account account;
+    account.id = QUuid::createUuid();
+    account.name = account.slug = name;
+    account.channelRaw = channel;
+    account.autoStart = autoStart;
+    account.paused = paused;
+    return account;
+}
+
+class CorvaneAppTest : public testing::Test {
+protected:
+    void build(const QList<Account>& accounts)
+    {
+        home.write(QStringLiteral("share/Corvane/accounts.json"), encodeAccounts(accounts));
+        auto ownedLauncher = std::make_unique<FakeLauncher>(clock);
+        launcher = ownedLauncher.get();
+        Machine machine;
+        machine.launcher = std::move(ownedLauncher);
+        machine.ports = std::make_unique<FakePortHolders>();
+        machine.secrets = std::make_unique<FakeSecretStore>();
+        auto ownedNotifications = std::make_unique<FakeNotificationService>();
+        notifications = ownedNotifications.get();
+        machine.notifications = std::move(ownedNotifications);
+        machine.desktop = std::make_unique<FakeDesktop>();
+        app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
+    }
+
+    /// The start sequence, up to the tool server, which comes up away from the main thread.
+    void appear(int enginesStarted)
+    {
+        launcher->expect(FakeLauncher::stays(), enginesStarted + 1);
+        app->onAppear();
+        ASSERT_TRUE(await([this] { return app->engine().mcpRunning(); }));
+    }
+
+    QStringList startedEngines() const
+    {
+        QStringList started;
+        for (const auto& child : launcher->children)
+            started.append(child->spec.environment.value(QStringLiteral("WHATSAPP_ACCOUNT_NAME")));
+        started.removeAll(QString());
+        return started;
+    }
+
+    TemporaryHome home;
+    VirtualScheduler clock;
+    FakeLauncher* launcher = nullptr;
+    FakeNotificationService* notifications = nullptr;
+    std::unique_ptr<CorvaneApp> app;
+};
+
+}
+
+TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheWhatsAppEnginesRunBehindIt)
+{
+    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt),
+        account("telegram", QStringLiteral("TELEGRAM"), true, std::nullopt), account("old", std::nullopt, true, false),
+        account("unknown", QStringLiteral("FAX"), true, std::nullopt),
+        account("paused", QStringLiteral("WHATSAPP"), true, true),
+        account("by-hand", QStringLiteral("WHATSAPP"), false, std::nullopt) });
+    Screens screens(*app);
+    appear(3);
+    EXPECT_TRUE(screens.content.showsWall());
+    EXPECT_EQ(screens.shell.selectedNav(), "inbox");
+    EXPECT_EQ(startedEngines(), QStringList({ "first", "old", "unknown" }));
+    EXPECT_TRUE(app->data().local.has_value());
+}
+
+TEST_F(CorvaneAppTest, aWindowThatOpensAgainStartsNothingTwice)
+{
+    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt) });
+    appear(1);
+    const qsizetype timers = clock.pendingTimers();
+    for (int i = 0; i < 3; ++i) {
+        app->onAppear();
+        clock.runDue();
+    }
+    EXPECT_EQ(launcher->children.size(), 2) << "one engine and one tool server";
+    EXPECT_EQ(clock.pendingTimers(), timers);
+}
+
+TEST_F(CorvaneAppTest, quittingEndsEveryChild)
+{
+    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt) });
+    appear(1);
+    app->willTerminate();
+    for (const auto& child : launcher->children)
+        EXPECT_TRUE(child->terminated);
+    EXPECT_FALSE(app->engine().mcpRunning());
+}
+
+TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
+{
+    build({});
+    app->defaults().setText(QStringLiteral("nimb.selectedNav"), QStringLiteral("dev"));
+    Screens screens(*app);
+    appear(0);
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    ensureConversation(app->engine().db(), "WHATSAPP", "first", "1@s.whatsapp.net", QStringLiteral("Ana"), 1000);
+    const QSignalSpy selected(&screens.inbox, &InboxView::selectionChanged);
+
+    app->notifications().post(corvane::notifications::openConversation, QStringLiteral("ct:WHATSAPP:1@s.whatsapp.net"));
+    EXPECT_EQ(screens.shell.selectedNav(), "inbox");
+    EXPECT_EQ(screens.inbox.selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
+    EXPECT_EQ(windowRequested.count(), 0);
+
+    app->open({ QStringLiteral("nimb-companion://elsewhere?code=1") });
+    EXPECT_EQ(windowRequested.count(), 1) << "a later start shows the window, whatever it was given";
+    EXPECT_FALSE(app->session().busy());
+}
