@@ -28,10 +28,12 @@ TEST_F(InboxViewTest, filtersHideRowsAndTheOpenThreadStays)
     EXPECT_EQ(names().size(), 2);
     inbox.moveSelection(1);
     EXPECT_EQ(inbox.selectedId(), ben);
+    clock.advance(Milliseconds(110));
     EXPECT_EQ(names(), QStringList("Ana Ruiz")) << "what was opened needs nobody any more";
     EXPECT_EQ(inbox.selected().name, "Ben");
     inbox.moveSelection(1);
     EXPECT_EQ(inbox.selectedId(), ana);
+    clock.advance(Milliseconds(110));
     EXPECT_EQ(inbox.emptyTitle(), "No conversations need you — view filter active");
     inbox.setFilterWord("nonsense");
     EXPECT_EQ(inbox.filterWord(), "needsMe");

@@ -102,9 +102,9 @@ TEST(DateWords, aTimeIsToldByHowLongAgoItsDayWas)
 TEST(DateWords, aMediumDateFollowsTheLocale)
 {
     const auto medium = [](QLocale::Language language, QLocale::Country country) {
-        return DateWords(0, QLocale(language, country)).mediumDate(at(2025, 3, 8));
+        return DateWords(0, QLocale(language, country)).mediumDate(QDate(2025, 3, 8));
     };
-    EXPECT_EQ(DateWords(0, QLocale::c()).mediumDate(at(2025, 3, 8)), "8 Mar 2025");
+    EXPECT_EQ(DateWords(0, QLocale::c()).mediumDate(QDate(2025, 3, 8)), "8 Mar 2025");
     EXPECT_EQ(medium(QLocale::English, QLocale::UnitedStates), "Mar 8, 2025");
     EXPECT_EQ(medium(QLocale::Spanish, QLocale::Spain), "8 de mar de 2025");
     EXPECT_EQ(medium(QLocale::Japanese, QLocale::Japan), "2025年3月8日");

@@ -1,6 +1,5 @@
 #include "Inbox/DateWords.h"
 
-#include <QDateTime>
 #include <QRegularExpression>
 #include <array>
 
@@ -24,19 +23,26 @@ QString counted(qint64 count, const QString& unit)
     return count == 1 ? QStringLiteral("1 %1 ago").arg(unit) : QStringLiteral("%1 %2s ago").arg(count).arg(unit);
 }
 
-QDate dayOf(qint64 ms)
-{
-    return QDateTime::fromMSecsSinceEpoch(ms).date();
-}
-
 }
 
 DateWords::DateWords(qint64 nowMs, const QLocale& locale)
     : m_nowMs(nowMs)
+    , m_zone(QTimeZone::systemTimeZone())
     , m_today(dayOf(nowMs))
     , m_locale(locale)
     , m_mediumPattern(mediumPattern(locale))
 {
+}
+
+// Local time without a zone would ask the file system, at each call, whether the zone has changed.
+QDateTime DateWords::localTime(qint64 ms) const
+{
+    return m_zone.isValid() ? QDateTime::fromMSecsSinceEpoch(ms, m_zone) : QDateTime::fromMSecsSinceEpoch(ms);
+}
+
+QDate DateWords::dayOf(qint64 ms) const
+{
+    return localTime(ms).date();
 }
 
 QString DateWords::listTime(qint64 ms) const
@@ -60,21 +66,33 @@ QString DateWords::listTime(qint64 ms) const
     }
 }
 
-QString DateWords::mediumDate(qint64 ms) const
+QString DateWords::clockTime(qint64 ms) const
 {
-    return m_locale.toString(dayOf(ms), m_mediumPattern);
+    const QTime time = localTime(ms).time();
+    const auto digit = [](int value) {
+        return QChar(u'0' + value);
+    };
+    const std::array text { digit(time.hour() / 10), digit(time.hour() % 10), QChar(u':'), digit(time.minute() / 10),
+        digit(time.minute() % 10) };
+    return QString(text.data(), text.size());
+}
+
+QString DateWords::mediumDate(const QDate& day) const
+{
+    return m_locale.toString(day, m_mediumPattern);
 }
 
 QString DateWords::group(qint64 ms) const
 {
     if (ms < 1)
         return QStringLiteral("No date");
-    const qint64 days = dayOf(ms).daysTo(m_today);
+    const QDate day = dayOf(ms);
+    const qint64 days = day.daysTo(m_today);
     if (days == 0)
         return QStringLiteral("Today");
     if (days == 1)
         return QStringLiteral("Yesterday");
-    return mediumDate(ms);
+    return mediumDate(day);
 }
 
 QString DateWords::ago(qint64 ms) const
@@ -89,20 +107,9 @@ QString DateWords::ago(qint64 ms) const
     return counted(minutes / (24 * 60), QStringLiteral("day"));
 }
 
-QString clockTime(qint64 ms)
-{
-    const QTime time = QDateTime::fromMSecsSinceEpoch(ms).time();
-    const auto digit = [](int value) {
-        return QChar(u'0' + value);
-    };
-    const std::array text { digit(time.hour() / 10), digit(time.hour() % 10), QChar(u':'), digit(time.minute() / 10),
-        digit(time.minute() % 10) };
-    return QString(text.data(), text.size());
-}
-
 qint64 nextMidnightMs(qint64 nowMs)
 {
-    return dayOf(nowMs).addDays(1).startOfDay().toMSecsSinceEpoch();
+    return DateWords(nowMs).dayOf(nowMs).addDays(1).startOfDay().toMSecsSinceEpoch();
 }
 
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QDate>
+#include <QDateTime>
 #include <QLocale>
+#include <QTimeZone>
 
 namespace corvane {
 
@@ -14,18 +15,22 @@ public:
     /// "14:20" today, "Yesterday", the weekday within the last six days, else the short date; empty below 1.
     QString listTime(qint64 ms) const;
 
-    QString mediumDate(qint64 ms) const; ///< such as "8 Oct 2025", in the order of the locale
+    QDate dayOf(qint64 ms) const;
+    QString clockTime(qint64 ms) const; ///< "14:20"
+    QString mediumDate(const QDate& day) const; ///< such as "8 Oct 2025", in the order of the locale
     QString group(qint64 ms) const; ///< "No date" below 1, "Today", "Yesterday", else the medium date
     QString ago(qint64 ms) const; ///< such as "3 hours ago"
 
 private:
+    QDateTime localTime(qint64 ms) const;
+
     qint64 m_nowMs;
+    QTimeZone m_zone;
     QDate m_today;
     QLocale m_locale;
     QString m_mediumPattern;
 };
 
-QString clockTime(qint64 ms); ///< "14:20"
 qint64 nextMidnightMs(qint64 nowMs); ///< when tomorrow begins
 
 }

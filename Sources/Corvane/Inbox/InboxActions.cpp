@@ -49,17 +49,20 @@ void InboxView::select(const QString& contactId)
     openContact(row);
 }
 
+// Shows the person at once; the list is read again at the next turn, so that held arrow keys keep their pace.
 void InboxView::openContact(const ContactRow& row)
 {
-    m_selectedId = row.id;
     m_selectedRow = row;
+    m_selectedId = row.id;
     m_replyPlatform = preferredReplyPlatform(m_defaults, row);
     m_jumpMsgId.clear();
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
-    tellRead(row.id);
+    readSelected();
+    m_thread.open(m_selectedRow);
+    m_reloadSoon.request();
+    present();
     Q_EMIT selectionChanged();
-    afterAction();
 }
 
 void InboxView::close()
@@ -261,10 +264,8 @@ void InboxView::tellRead(const QString& contactId)
         m_engine.markRead(*account, target->chatId);
 }
 
-void InboxView::readWhatArrived()
+void InboxView::readSelected()
 {
-    if (!m_onScreen || m_selectedRow.unread == 0)
-        return;
     tellRead(m_selectedId);
     m_selectedRow.unread = 0;
     const auto row = std::ranges::find(m_contacts, m_selectedId, &ContactRow::id);

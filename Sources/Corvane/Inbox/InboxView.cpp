@@ -216,7 +216,8 @@ void InboxView::reload()
     if (!m_selectedId.isEmpty()) {
         if (const ContactRow* row = find(m_selectedId))
             m_selectedRow = *row;
-        readWhatArrived();
+        if (m_onScreen && m_selectedRow.unread > 0)
+            readSelected();
         m_thread.open(m_selectedRow);
     }
     m_loading = false;

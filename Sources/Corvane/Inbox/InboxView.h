@@ -168,7 +168,7 @@ private:
     void close();
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
-    void readWhatArrived();
+    void readSelected();
     void archive(const QStringList& contactIds, const QString& text);
     void runPaletteAction(PaletteAction action);
     void afterAction();

@@ -2,8 +2,6 @@
 
 #include "Inbox/DateWords.h"
 
-#include <QDateTime>
-
 namespace corvane::ThreadBuilder {
 
 namespace {
@@ -20,19 +18,17 @@ class DayLabels {
 public:
     const QString& of(qint64 ms)
     {
-        if (ms < m_begin || ms >= m_end) {
-            const QDate day = QDateTime::fromMSecsSinceEpoch(ms).date();
-            m_begin = day.startOfDay().toMSecsSinceEpoch();
-            m_end = day.addDays(1).startOfDay().toMSecsSinceEpoch();
-            m_label = m_words.mediumDate(ms);
+        const QDate day = m_words.dayOf(ms);
+        if (day != m_day) {
+            m_day = day;
+            m_label = m_words.mediumDate(day);
         }
         return m_label;
     }
 
 private:
     DateWords m_words { 0 };
-    qint64 m_begin = 0;
-    qint64 m_end = 0;
+    QDate m_day;
     QString m_label;
 };
 

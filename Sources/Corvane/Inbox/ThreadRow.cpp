@@ -98,7 +98,7 @@ ThreadRow dateRow(const QString& label)
     return row;
 }
 
-ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroundings)
+ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroundings, const DateWords& words)
 {
     const UnifiedMsgRow& row = message.row;
     ThreadRow shown;
@@ -106,7 +106,7 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     shown.outgoing = row.direction == QStringLiteral("OUT");
     shown.grouped = message.grouped;
     shown.showTime = message.showTime;
-    shown.timeText = clockTime(row.ts);
+    shown.timeText = words.clockTime(row.ts);
     shown.platform = row.platform;
     if (surroundings.isGroup && !shown.outgoing && !message.grouped && !row.sender.trimmed().isEmpty())
         shown.senderLabel = WAName::pretty(row.sender);
@@ -143,11 +143,12 @@ void labelChannels(QList<ThreadRow>& rows)
 
 QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurroundings& surroundings)
 {
+    const DateWords words(0);
     QList<ThreadRow> rows;
     rows.reserve(items.size());
     for (const ThreadItem& item : items) {
         const auto* message = std::get_if<ThreadMsg>(&item);
-        rows.append(message ? messageRow(*message, surroundings) : dateRow(std::get<QString>(item)));
+        rows.append(message ? messageRow(*message, surroundings, words) : dateRow(std::get<QString>(item)));
     }
     labelChannels(rows);
     return rows;
