@@ -178,6 +178,12 @@ TEST(ContactItem, aHitShowsTheWordsThatWereFound)
     EXPECT_TRUE(item.snippet.contains("the Invoice is here"));
     EXPECT_LT(item.snippet.size(), 100);
     EXPECT_TRUE(item.outgoing);
+    for (int before = 0; before < 150; ++before) {
+        hit.snippet = QString(before, u'x') + "Invoice";
+        const QString snippet = messageHitItem(hit, "invoice", DateWords(now)).snippet;
+        ASSERT_TRUE(snippet.endsWith("xInvoice") || before == 0) << before;
+        ASSERT_LE(snippet.size(), 50);
+    }
     hit.snippet = "Invoice";
     EXPECT_EQ(messageHitItem(hit, "invoice", DateWords(now)).snippet, "Invoice");
 }

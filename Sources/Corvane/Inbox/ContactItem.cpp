@@ -71,12 +71,10 @@ QString snippetAround(const QString& text, const QString& query)
     const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
     if (at <= lead)
         return lineOf(text);
+    // At a blank where one is near, else between two characters.
     qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
-    if (from < at - 2 * lead) {
-        from = at - lead;
-        if (text.at(from).isLowSurrogate())
-            --from;
-    }
+    if (from < at - lead)
+        from = at - lead + (text.at(at - lead).isLowSurrogate() ? 1 : 0);
     return QStringLiteral("…") + lineOf(text.sliced(from));
 }
 
