@@ -26,8 +26,8 @@ T.Button {
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
     Accessible.description: hint
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         implicitWidth: line.implicitWidth

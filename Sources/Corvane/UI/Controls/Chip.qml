@@ -18,7 +18,7 @@ T.Button {
     Accessible.name: removable ? qsTr("Remove filter %1").arg(text) : text
     Accessible.checkable: checkable
     Accessible.checked: checked
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
 
     contentItem: Row {
         spacing: 5

@@ -18,7 +18,7 @@ T.AbstractButton {
     Accessible.role: Accessible.PageTab
     Accessible.name: count ? text + ", " + count : text
     Accessible.selected: selected
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
 
     contentItem: Row {
         spacing: 5

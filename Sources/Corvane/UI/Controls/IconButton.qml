@@ -19,8 +19,8 @@ T.ToolButton {
     Accessible.name: text
     Accessible.checkable: checkable
     Accessible.checked: checked
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     contentItem: Item {
         Icon {

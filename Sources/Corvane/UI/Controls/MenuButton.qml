@@ -15,7 +15,7 @@ Button {
     down: pressed || menu.visible
     Accessible.role: Accessible.ButtonMenu
     onClicked: menu.popup(control, 0, control.height + Theme.tight)
-    Keys.onDownPressed: click()
+    Keys.onDownPressed: clicked()
 
     Icon {
         visible: control.chevron

@@ -21,6 +21,7 @@ T.Popup {
     T.Overlay.modal: Rectangle { color: Theme.scrim }
 
     contentItem: FocusScope {
+        objectName: sheet.objectName
         focus: true
         implicitHeight: heading.height + Theme.large + column.implicitHeight
             + (foot.children.length ? Theme.wide + foot.implicitHeight : 0)

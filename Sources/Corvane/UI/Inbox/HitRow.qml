@@ -19,7 +19,7 @@ T.AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     Accessible.name: spoken
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
     Keys.onDownPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 

@@ -21,7 +21,7 @@ Column {
         Accessible.name: section.title
         Accessible.checkable: true
         Accessible.checked: section.open
-        Keys.onReturnPressed: click()
+        Keys.onReturnPressed: clicked()
         onClicked: {
             section.open = !section.open;
             section.layout.setSectionOpen(section.name, section.open);

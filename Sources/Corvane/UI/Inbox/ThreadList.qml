@@ -109,6 +109,10 @@ ListView {
             kind: "quiet"
             text: list.thread.loadOlderText
             enabled: !list.thread.loadingMore
+            onActiveFocusChanged: if (activeFocus) {
+                list.atNewest = false;
+                list.positionViewAtBeginning();
+            }
             onClicked: list.thread.loadOlder()
         }
     }
@@ -120,6 +124,7 @@ ListView {
     }
 
     IconButton {
+        id: newest
         parent: list
         anchors.right: parent.right
         anchors.bottom: parent.bottom
@@ -133,6 +138,7 @@ ListView {
             color: Theme.surface
             border.width: 1
             border.color: Theme.line
+            FocusRing { control: newest }
         }
         onClicked: {
             list.atNewest = true;

@@ -13,7 +13,7 @@ T.AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.name: detail || text
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
 
     contentItem: Item {
         ChannelMark {

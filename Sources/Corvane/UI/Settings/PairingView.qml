@@ -32,6 +32,7 @@ Sheet {
             anchors.centerIn: parent
             width: 240
             height: 240
+            objectName: "pairing.code"
             visible: sheet.pairing.qr !== "" && valid
             text: sheet.pairing.qr
             ink: Theme.ink

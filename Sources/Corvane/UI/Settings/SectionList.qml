@@ -62,7 +62,7 @@ FocusScope {
                 Accessible.name: text
                 Accessible.selected: selected
                 onClicked: pane.picked(modelData.id)
-                Keys.onReturnPressed: click()
+                Keys.onReturnPressed: clicked()
                 Keys.onDownPressed: pane.step(1)
                 Keys.onUpPressed: pane.step(-1)
 

@@ -47,10 +47,6 @@ FocusScope {
 
     Binding { target: frame.inbox; property: "onScreen"; value: frame.seen && frame.inboxShown }
     Binding { target: frame.settings; property: "visible"; value: frame.shell.settings }
-    Connections {
-        target: frame.shell
-        function onConversationRequested(contactId) { frame.inbox.select(contactId); }
-    }
 
     Instantiator {
         model: Keymap.entries.filter(entry => entry.sequences)

@@ -58,7 +58,7 @@ FocusScope {
         text: bar.shell.hubs.searchLabel
         Accessible.name: text
         onClicked: bar.searchPressed()
-        Keys.onReturnPressed: click()
+        Keys.onReturnPressed: clicked()
 
         background: Rectangle {
             radius: height / 2

@@ -23,7 +23,7 @@ T.AbstractButton {
     Accessible.role: Accessible.PageTab
     Accessible.name: badge ? qsTr("%1, %2 unread").arg(label).arg(badge) : label
     Accessible.selected: selected
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
     Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     Keys.onLeftPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 

@@ -17,7 +17,7 @@ T.AbstractButton {
     text: profile.initial
     Accessible.role: Accessible.ButtonMenu
     Accessible.name: qsTr("Profile: %1").arg(profile.displayLine)
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
     onClicked: {
         profile.refresh();
         menu.popup(control, control.width - menu.width, control.height + Theme.tight);

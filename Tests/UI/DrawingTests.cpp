@@ -1,0 +1,111 @@
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+#include "UI/ImageProviders.h"
+#include "UI/QrItem.h"
+#include "UI/WindowLayout.h"
+#include "UI/WindowTools.h"
+
+#include <QPainter>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QImage drawn(QrItem& item)
+{
+    QImage image(item.size().toSize(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    item.paint(&painter);
+    return image;
+}
+
+}
+
+TEST(QrItem, drawsTheThreeCornersInWholePixelsAndFollowsItsText)
+{
+    QrItem item;
+    item.setSize(QSizeF(240, 240));
+    item.setInk(Qt::black);
+    item.setText(u"2@first"_s);
+    ASSERT_TRUE(item.valid());
+    const QImage first = drawn(item);
+    // A code of version 1 has 21 modules, so 11 pixels each and a margin of 4; a corner is 7 modules of ink
+    // around a ring of paper.
+    for (const QPoint corner : { QPoint(4, 4), QPoint(4 + 14 * 11, 4), QPoint(4, 4 + 14 * 11) }) {
+        EXPECT_EQ(first.pixelColor(corner + QPoint(1, 1)), QColor(Qt::black));
+        EXPECT_EQ(first.pixelColor(corner + QPoint(12, 12)), QColor(Qt::white));
+        EXPECT_EQ(first.pixelColor(corner + QPoint(38, 38)), QColor(Qt::black));
+    }
+    item.setText(u"2@other"_s);
+    EXPECT_NE(drawn(item), first);
+}
+
+TEST(QrItem, aTextThatFitsNoCodeDrawsNothing)
+{
+    QrItem item;
+    item.setSize(QSizeF(100, 100));
+    item.setText(QString(8000, u'x'));
+    EXPECT_FALSE(item.valid());
+    item.setText({});
+    EXPECT_FALSE(item.valid());
+    EXPECT_EQ(drawn(item).pixelColor(50, 50), QColor(Qt::white));
+}
+
+TEST(PhotoProvider, cutsAPhotoToACircleAndRefusesWhatIsNone)
+{
+    const TemporaryHome home;
+    QImage photo(600, 300, QImage::Format_RGB32);
+    photo.fill(Qt::red);
+    ASSERT_TRUE(photo.save(home.path(u"wide photo.png"_s)));
+    home.write(u"broken.png"_s, "no picture at all");
+
+    PhotoProvider provider;
+    QSize size;
+    const QImage round = provider.requestImage(u"round/"_s + home.path(u"wide photo.png"_s), &size, { 40, 40 });
+    EXPECT_EQ(round.size(), QSize(40, 40));
+    EXPECT_EQ(round.pixelColor(20, 20), QColor(Qt::red));
+    EXPECT_EQ(round.pixelColor(0, 0).alpha(), 0);
+    EXPECT_EQ(round.pixelColor(39, 39).alpha(), 0);
+
+    EXPECT_TRUE(provider.requestImage(u"round/"_s + home.path(u"broken.png"_s), &size, { 40, 40 }).isNull());
+    EXPECT_TRUE(provider.requestImage(u"round/"_s + home.path(u"absent.png"_s), &size, { 40, 40 }).isNull());
+    EXPECT_EQ(WindowTools().pictureSize(home.path(u"wide photo.png"_s)), QSize(600, 300));
+    EXPECT_FALSE(WindowTools().pictureSize(home.path(u"broken.png"_s)).isValid());
+}
+
+TEST(WindowLayout, remembersWhatItWasToldAndHoldsItWithinReason)
+{
+    const TemporaryHome home;
+    {
+        UserDefaults defaults(home.paths().defaultsFile);
+        WindowLayout layout(defaults);
+        EXPECT_EQ(layout.listWidth(), 340);
+        EXPECT_EQ(layout.contactWidth(), 320);
+        EXPECT_EQ(layout.windowSize(), QSize(1320, 820));
+        EXPECT_TRUE(layout.sectionOpen(u"actions"_s));
+        layout.setListWidth(400);
+        layout.setContactWidth(5);
+        layout.setSectionOpen(u"actions"_s, false);
+        layout.setWindowSize({ 1500, 900 });
+    }
+    UserDefaults defaults(home.paths().defaultsFile);
+    WindowLayout layout(defaults);
+    EXPECT_EQ(layout.listWidth(), 400);
+    EXPECT_EQ(layout.contactWidth(), 280);
+    EXPECT_EQ(layout.windowSize(), QSize(1500, 900));
+    EXPECT_FALSE(layout.sectionOpen(u"actions"_s));
+    EXPECT_EQ(defaults.boolean(u"nimb.inbox.inspector.actions.open"_s), false);
+
+    layout.setWindowSize({ 1090, 900 });
+    EXPECT_EQ(layout.windowSize(), QSize(1320, 820));
+    defaults.setText(u"Corvane.window.listWidth"_s, u"garbage"_s);
+    EXPECT_EQ(layout.listWidth(), 340);
+    defaults.setInteger(u"Corvane.window.listWidth"_s, 9'999'999'999);
+    EXPECT_EQ(layout.listWidth(), 460);
+}
+
+}

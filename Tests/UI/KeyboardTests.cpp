@@ -1,0 +1,158 @@
+#include "UI/WindowTest.h"
+
+namespace corvane {
+
+using KeyboardTest = WindowTest;
+
+TEST_F(KeyboardTest, theListIsWalkedReadAndLeftWithKeysAlone)
+{
+    showInbox();
+    EXPECT_TRUE(focusWithin(u"inbox.list"_s));
+
+    press(Qt::Key_Down);
+    EXPECT_EQ(inbox.selected().name, u"Ana Ruiz"_s);
+    press(Qt::Key_J);
+    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+    press(Qt::Key_K);
+    press(Qt::Key_Up);
+    EXPECT_EQ(inbox.selected().name, u"Ana Ruiz"_s);
+
+    press(Qt::Key_Return);
+    EXPECT_TRUE(focusWithin(u"thread.list"_s));
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(focusWithin(u"inbox.list"_s));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(inbox.selectedId(), QString());
+}
+
+TEST_F(KeyboardTest, aConversationIsMutedArchivedAndBroughtBackWithKeys)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    const QString ana = inbox.selectedId();
+
+    press(Qt::Key_M);
+    EXPECT_TRUE(inbox.selected().isMuted);
+    press(Qt::Key_E);
+    EXPECT_EQ(inbox.contacts()->rowCount(), 5);
+    EXPECT_NE(findItem(u"inbox.undo"_s), nullptr);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(inbox.contacts()->rowCount(), 6);
+    EXPECT_EQ(findItem(u"inbox.undo"_s), nullptr);
+}
+
+TEST_F(KeyboardTest, rowsArePickedWithTheSpaceBarAndActedOnTogether)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    press(Qt::Key_Space);
+    press(Qt::Key_Down);
+    press(Qt::Key_Space);
+    EXPECT_EQ(inbox.bulk()->ids().size(), 2);
+    item(u"bulk.archive"_s);
+
+    press(Qt::Key_E);
+    EXPECT_EQ(inbox.contacts()->rowCount(), 4);
+    EXPECT_EQ(findItem(u"bulk.archive"_s), nullptr);
+
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(inbox.bulk()->ids().size(), 4);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(inbox.bulk()->active());
+}
+
+TEST_F(KeyboardTest, thePaletteFindsAPersonAndLettersInItMoveNothingElse)
+{
+    showInbox();
+    press(Qt::Key_K, Qt::ControlModifier);
+    ASSERT_TRUE(focusWithin(u"palette.query"_s));
+
+    type(u"je"_s); // J and E, which would walk on and archive
+    EXPECT_EQ(inbox.contacts()->rowCount(), 6);
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    type(u"ben"_s);
+    press(Qt::Key_Return);
+    EXPECT_FALSE(inbox.showPalette());
+    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_EQ(inbox.palette()->query(), QString());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(inbox.showPalette());
+    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+}
+
+TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
+{
+    showInbox();
+    press(Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(focusWithin(u"inbox.search"_s));
+    type(u"invoice"_s);
+    clock.advance(Milliseconds(300));
+    rest();
+    EXPECT_EQ(inbox.contacts()->rowCount(), 1);
+    EXPECT_EQ(inbox.messageHits()->rowCount(), 1);
+
+    press(Qt::Key_Down);
+    EXPECT_TRUE(focusWithin(u"inbox.list"_s));
+    press(Qt::Key_Escape);
+    clock.advance(Milliseconds(300));
+    EXPECT_EQ(inbox.search(), QString());
+}
+
+TEST_F(KeyboardTest, hubsAndSettingsHaveTheirKeys)
+{
+    showInbox();
+    const QStringList hubs { u"lumo"_s, u"gtm"_s, u"cx"_s, u"ops"_s, u"inbox"_s, u"dev"_s };
+    for (int i = 0; i < hubs.size(); ++i) {
+        press(Qt::Key_1 + i, Qt::ControlModifier);
+        EXPECT_EQ(shell.selectedNav(), hubs.at(i));
+        item(u"topnav."_s + hubs.at(i));
+    }
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(shell.settings());
+    EXPECT_TRUE(focusWithin(u"settings.accounts"_s));
+    press(Qt::Key_Down);
+    EXPECT_EQ(settings.section(), settings.sections().at(1).toMap().value(u"id"_s).toString());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(shell.settings());
+    EXPECT_EQ(shell.selectedNav(), u"dev"_s);
+}
+
+TEST_F(KeyboardTest, everyKeyIsListedUnderF1)
+{
+    showInbox();
+    press(Qt::Key_F1);
+    item(u"shortcutsSheet"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(findItem(u"shortcutsSheet"_s), nullptr);
+    press(Qt::Key_Question);
+    item(u"shortcutsSheet"_s);
+}
+
+TEST_F(KeyboardTest, f6WalksOverThePanesInReadingOrderAndBack)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    const QStringList panes { u"inbox.list"_s, u"thread.list"_s, u"contact.mute"_s, u"topnav.inbox"_s };
+    for (qsizetype i = 1; i <= panes.size(); ++i) {
+        press(Qt::Key_F6);
+        EXPECT_TRUE(focusWithin(panes.at(i % panes.size()))) << qPrintable(panes.at(i % panes.size()));
+    }
+    press(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_TRUE(focusWithin(u"topnav.inbox"_s));
+}
+
+TEST_F(KeyboardTest, theWallIsPassedWithKeysAlone)
+{
+    EXPECT_TRUE(focusWithin(u"wall.email"_s));
+    for (int i = 0; i < 12 && !focusWithin(u"wall.continue"_s); ++i)
+        press(Qt::Key_Tab);
+    ASSERT_TRUE(focusWithin(u"wall.continue"_s));
+    press(Qt::Key_Return);
+    EXPECT_FALSE(content.showsWall());
+    EXPECT_TRUE(focusWithin(u"inbox.list"_s) || focused() != nullptr);
+}
+
+}

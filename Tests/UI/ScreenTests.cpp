@@ -1,0 +1,211 @@
+#include "UI/WindowTest.h"
+
+#include <QSet>
+#include <QSignalSpy>
+
+namespace corvane {
+
+class ScreenTest : public WindowTest {
+protected:
+    /// Not one flat colour, in both themes, and different from what was drawn before.
+    void expectDrawn(const QString& screen)
+    {
+        for (const ColourScheme scheme : { ColourScheme::Light, ColourScheme::Dark }) {
+            desktop.setAppearance(scheme, true);
+            const QImage image = picture();
+            QSet<QRgb> colours;
+            for (int y = 0; y < image.height(); y += 3) {
+                for (int x = 0; x < image.width(); x += 3)
+                    colours.insert(image.pixel(x, y));
+            }
+            EXPECT_GT(colours.size(), 20) << qPrintable(screen);
+            EXPECT_NE(image, m_last) << qPrintable(screen);
+            m_last = image;
+        }
+        EXPECT_EQ(Warnings::seen(), QStringList()) << qPrintable(screen);
+    }
+
+private:
+    QImage m_last;
+};
+
+TEST_F(ScreenTest, everyScreenDrawsWithoutAWarningInBothThemes)
+{
+    expectDrawn(u"wall"_s);
+    showEmptyInbox();
+    expectDrawn(u"empty inbox"_s);
+    showInbox();
+    expectDrawn(u"list"_s);
+    press(Qt::Key_Down);
+    expectDrawn(u"thread"_s);
+    inbox.setViewModeWord(u"messages"_s);
+    expectDrawn(u"grouped by day"_s);
+    inbox.setSearch(u"invoice"_s);
+    clock.advance(Milliseconds(300));
+    expectDrawn(u"search"_s);
+    inbox.setSearch(u"no such words"_s);
+    clock.advance(Milliseconds(300));
+    expectDrawn(u"nothing found"_s);
+    inbox.setSearch({});
+    clock.advance(Milliseconds(300));
+    inbox.bulk()->all();
+    expectDrawn(u"picked rows"_s);
+    inbox.bulk()->clear();
+    inbox.setShowPalette(true);
+    expectDrawn(u"palette"_s);
+    inbox.setShowPalette(false);
+    press(Qt::Key_F1);
+    expectDrawn(u"shortcuts"_s);
+    press(Qt::Key_Escape);
+    for (const char* hub : { "lumo", "gtm", "cx", "ops", "dev" }) {
+        shell.selectHub(hub);
+        expectDrawn(hub);
+    }
+}
+
+TEST_F(ScreenTest, everySectionAndSheetOfTheSettingsDrawsWithoutAWarning)
+{
+    showInbox();
+    shell.openSettings();
+    for (const QVariant& section : settings.sections()) {
+        settings.setSection(section.toMap().value(u"id"_s).toString());
+        expectDrawn(settings.section());
+    }
+    settings.setSection(u"accounts"_s);
+    rest();
+    for (const QVariant& value : settings.connectFlows()) {
+        const QVariantMap flow = value.toMap();
+        if (flow.value(u"fields"_s).toList().isEmpty())
+            continue;
+        QQuickItem* tile = item(u"connect."_s + flow.value(u"channel"_s).toString());
+        ASSERT_NE(tile, nullptr);
+        QMetaObject::invokeMethod(tile, "clicked");
+        expectDrawn(flow.value(u"title"_s).toString());
+        press(Qt::Key_Escape);
+        EXPECT_EQ(findItem(u"connectSheet"_s), nullptr);
+    }
+}
+
+TEST_F(ScreenTest, aSheetConnectsOnlyWhenItsRuleHoldsAndKeepsTheSecret)
+{
+    showInbox();
+    const qsizetype before = accounts.accounts().size();
+    shell.openSettings();
+    rest();
+    QMetaObject::invokeMethod(item(u"connect.TELEGRAM"_s), "clicked");
+    rest();
+    EXPECT_FALSE(item(u"connect.submit"_s)->isEnabled());
+    launcher.expect(FakeLauncher::stays());
+    type(u"123456:ABC"_s);
+    EXPECT_TRUE(item(u"connect.submit"_s)->isEnabled());
+    press(Qt::Key_Return);
+
+    ASSERT_EQ(accounts.accounts().size(), before + 1);
+    EXPECT_EQ(keychain.get(accounts.accounts().last().slug), u"123456:ABC"_s);
+    EXPECT_EQ(findItem(u"connectSheet"_s), nullptr);
+}
+
+TEST_F(ScreenTest, pairingShowsTheCodeAndThenThatItWorked)
+{
+    showInbox();
+    const Account account = accounts.add(u"Shop"_s, Channel::WhatsApp);
+    launcher.expect(FakeLauncher::stays());
+    engines.start(account);
+    launcher.last().printEvent({ { "type", "qr" }, { "qr", "2@a-code-to-scan,with,parts" } });
+    settle();
+    shell.openSettings();
+    rest();
+    settings.pairing()->open(account.id);
+    expectDrawn(u"pairing"_s);
+    QQuickItem* code = item(u"pairing.code"_s);
+    ASSERT_NE(code, nullptr);
+
+    launcher.last().printEvent({ { "type", "status" }, { "state", "open" } });
+    settle();
+    rest();
+    EXPECT_EQ(findItem(u"pairing.code"_s), nullptr);
+    expectDrawn(u"paired"_s);
+    press(Qt::Key_Return);
+    EXPECT_FALSE(settings.pairing()->isOpen());
+}
+
+TEST_F(ScreenTest, whatCannotBeUndoneAsksFirst)
+{
+    showInbox();
+    shell.openSettings();
+    rest();
+    const qsizetype before = accounts.accounts().size();
+    const Account victim = accounts.accounts().first();
+    QQuickItem* line = item(u"account:"_s + victim.id.toString(QUuid::WithoutBraces));
+    ASSERT_NE(line, nullptr);
+    for (const QVariant& action : line->property("actions").toList()) {
+        if (action.toMap().value(u"id"_s) == u"remove"_s)
+            QMetaObject::invokeMethod(line, "acted", Q_ARG(QVariant, action));
+    }
+    rest();
+    ASSERT_NE(item(u"confirmSheet"_s), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(accounts.accounts().size(), before);
+}
+
+TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    QQuickItem* thread = item(u"thread.list"_s);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
+
+    receive(*launcher.children.first(), u"49171@s.whatsapp.net"_s, u"Ana Ruiz"_s, u"and one more"_s);
+    rest();
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
+
+    thread->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Home);
+    receive(*launcher.children.first(), u"49171@s.whatsapp.net"_s, u"Ana Ruiz"_s, u"a reader is not pulled away"_s);
+    rest();
+    EXPECT_FALSE(thread->property("atYEnd").toBool());
+    press(Qt::Key_End);
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
+}
+
+TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
+{
+    showInbox();
+    inbox.setSearch(u"Message 3 of"_s);
+    clock.advance(Milliseconds(300));
+    rest();
+    const QAbstractItemModel* hits = inbox.messageHits();
+    ASSERT_EQ(hits->rowCount(), 1);
+    const int idRole = hits->roleNames().key("id");
+    inbox.openHit(hits->index(0, 0).data(idRole).toString());
+    rest();
+
+    QQuickItem* thread = item(u"thread.list"_s);
+    ASSERT_NE(thread, nullptr);
+    bool seen = false;
+    for (QQuickItem* row : visibleItems()) {
+        if (row->property("body").toString() == u"Message 3 of a long morning"_s) {
+            const QRectF place = row->mapRectToItem(thread, row->boundingRect());
+            seen = thread->boundingRect().contains(place);
+        }
+    }
+    EXPECT_TRUE(seen);
+}
+
+TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
+{
+    QSignalSpy appeared(&window, &MainWindow::appeared);
+    QSignalSpy closed(&window, &MainWindow::closed);
+    window.window()->resize(1400, 900);
+    window.window()->close();
+    EXPECT_FALSE(window.isShown());
+    EXPECT_EQ(closed.size(), 1);
+
+    window.show();
+    EXPECT_TRUE(window.isShown());
+    EXPECT_EQ(appeared.size(), 1);
+    EXPECT_EQ(defaults.integer(u"Corvane.window.width"_s), 1400);
+}
+
+}

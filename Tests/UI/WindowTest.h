@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Engines/AccountStore.h"
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Appearance.h"
+#include "Shell/ContentView.h"
+#include "Shell/IntegrationsView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+#include "UI/MainWindow.h"
+#include "Web/SessionStore.h"
+
+#include <QImage>
+#include <QQuickItem>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+/// Collects what Qt and QML warn of in place of standard error. Nothing in the window may warn.
+class Warnings {
+public:
+    Warnings();
+    ~Warnings();
+    Warnings(const Warnings&) = delete;
+    Warnings& operator=(const Warnings&) = delete;
+
+    static QStringList seen();
+};
+
+/// The whole window over the real view models, a real database, and engines that the test plays. Each test
+/// fails where anything warned.
+class WindowTest : public testing::Test, protected EngineWorld {
+protected:
+    WindowTest();
+    void TearDown() override;
+
+    // Past the wall
+    void showEmptyInbox();
+    void showInbox(); ///< six people on three channels, one of them a group, with what they wrote
+
+    FakeChild& startEngine(const QString& name, Channel channel = Channel::WhatsApp);
+    void receive(FakeChild& engine, const QString& from, const QString& title, const QString& body,
+        const QJsonObject& more = {});
+
+    /// Lets timers, bindings and animations come to rest, and the window be drawn.
+    void rest();
+    QImage picture(); ///< of the whole window, at rest
+
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void type(const QString& text);
+    void click(const QString& objectName);
+
+    QList<QQuickItem*> visibleItems(); ///< everything that is drawn, popups included
+    QQuickItem* findItem(const QString& objectName); ///< among the visible; null where there is none
+    QQuickItem* item(const QString& objectName); ///< the same, and the test fails where there is none
+    QQuickItem* focused() { return window.window()->activeFocusItem(); }
+    bool focusWithin(const QString& objectName);
+
+    Warnings warnings;
+    AccountStore accounts { home.paths().applicationSupport };
+    SessionStore session { home.paths(), keychain, defaults, desktop, clock };
+    Appearance appearance { desktop, defaults };
+    ContentView content { session, defaults };
+    LoginWallView wall { session, content };
+    AppShell shell { centre, defaults };
+    ProfileMenu profile { session, shell, engines.db(), centre };
+    InboxView inbox { { engines, accounts, defaults, centre, clock } };
+    IntegrationsView settings { { accounts, engines, session, keychain, defaults, clock, home.paths() } };
+    MainWindow window { { content, wall, shell, profile, settings, inbox, appearance }, defaults };
+
+private:
+    int m_messages = 0;
+};
+
+QObject* themeObject(MainWindow& window);
+
+/// A colour of the theme by its name, as it stands now.
+QColor themeColour(MainWindow& window, const char* name);
+
+}
