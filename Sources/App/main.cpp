@@ -107,6 +107,8 @@ int main(int argc, char** argv)
             app.defaults());
         QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
+        QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),
+            [] { log(QStringLiteral("MainWindow: first frame")); });
         window->show();
     }
     if (parser.isSet(QStringLiteral("start-all")))
