@@ -169,6 +169,42 @@ TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
 
+TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
+{
+    showInbox();
+    FakeChild& engine = *launcher.children.first();
+    const auto write = [&](int person) {
+        receive(engine, u"%1@s.whatsapp.net"_s.arg(person), u"Person %1"_s.arg(person), u"hello"_s);
+        rest();
+    };
+    for (int person = 100; person < 130; ++person)
+        write(person);
+    QQuickItem* list = item(u"inbox.list"_s);
+    ASSERT_NE(list, nullptr);
+    EXPECT_TRUE(list->property("atYBeginning").toBool());
+
+    press(Qt::Key_Down);
+    EXPECT_EQ(inbox.selected().name, u"Person 129"_s);
+    write(100);
+    EXPECT_TRUE(list->property("atYBeginning").toBool()) << "the open row moves, the view stays";
+
+    for (int i = 0; i < 25; ++i)
+        press(Qt::Key_Down);
+    const QString open = inbox.selectedId();
+    const auto placeOfOpenRow = [&] {
+        for (QQuickItem* row : visibleItems()) {
+            if (row->objectName() == u"contact:"_s + open)
+                return row->mapToItem(list, QPointF()).y();
+        }
+        return -1.0;
+    };
+    const double before = placeOfOpenRow();
+    EXPECT_GE(before, 0);
+    write(500);
+    EXPECT_FALSE(list->property("atYBeginning").toBool());
+    EXPECT_EQ(placeOfOpenRow(), before) << "what is being read does not move";
+}
+
 TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
 {
     showInbox();

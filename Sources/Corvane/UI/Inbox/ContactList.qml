@@ -27,9 +27,29 @@ ListView {
     T.ScrollBar.vertical: ScrollBar {}
     KeyboardFocus { id: keyboard; target: list }
 
-    // The row in hand follows the open conversation; without one it moves alone.
-    Binding on currentIndex { value: list.inbox.selectedIndex; when: list.inbox.selectedIndex >= 0 }
-    onCurrentIndexChanged: positionViewAtIndex(currentIndex, ListView.Contain)
+    // The row in hand is the open conversation's. It comes into sight when another is opened, and not each time
+    // that new messages move it.
+    currentIndex: inbox.selectedIndex
+    Connections {
+        target: list.inbox
+        function onSelectionChanged() {
+            if (list.inbox.selectedIndex >= 0)
+                list.positionViewAtIndex(list.inbox.selectedIndex, ListView.Contain);
+        }
+    }
+
+    // Whoever looks at the top sees what comes in there; whoever has scrolled keeps their place.
+    property bool atTop: true
+    onContentYChanged: atTop = contentY <= originY + 1
+    Connections {
+        target: list.inbox
+        function onChanged() {
+            if (!list.atTop)
+                return;
+            list.forceLayout();
+            list.contentY = list.originY - list.topMargin;
+        }
+    }
 
     Keys.onDownPressed: inbox.moveSelection(1)
     Keys.onUpPressed: inbox.moveSelection(-1)
