@@ -9,6 +9,9 @@ Rectangle {
     required property int maximumWidth
 
     readonly property bool bare: item.mediaKind === "sticker" && item.mediaState === "ready"
+    /// The card of a file says the words already.
+    readonly property bool saidByCard: item.mediaKind !== "" && item.body === item.mediaTitle
+        && !(["image", "sticker"].includes(item.mediaKind) && item.mediaState === "ready")
     readonly property bool timed: item.showTime
     /// Text from right to left ends where the time stands, so the time gets a line of its own.
     readonly property bool rightToLeft: /[\u0590-\u08ff]/.test(item.body)
@@ -48,7 +51,7 @@ Rectangle {
         }
         Text {
             id: text
-            visible: bubble.item.body !== ""
+            visible: bubble.item.body !== "" && !bubble.saidByCard
             width: Math.min(Math.ceil(measure.implicitWidth), bubble.maximumWidth - bubble.padding * 2)
             wrapMode: Text.Wrap
             lineHeight: 1.2

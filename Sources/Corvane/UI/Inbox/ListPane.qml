@@ -33,7 +33,9 @@ FocusScope {
         x: Theme.medium
         width: parent.width - Theme.medium * 2
         spacing: Theme.small
-        bottomPadding: children.length > 1 ? Theme.small : 0
+        readonly property bool filled: pane.inbox.workspaceNotice !== "" || pane.inbox.stalenessBanners.length > 0
+        topPadding: filled ? Theme.tight : 0
+        bottomPadding: Theme.small
 
         Banner {
             visible: text !== ""

@@ -16,8 +16,8 @@ Item {
     readonly property real longest: item.mediaKind === "sticker" ? 128 : 320
     readonly property real scale: Math.min(1, longest / natural.width, longest / natural.height, maximumWidth / natural.width)
 
-    implicitWidth: picture ? Math.max(48, Math.round(natural.width * scale)) : Math.min(maximumWidth, 280)
-    implicitHeight: picture ? Math.max(48, Math.round(natural.height * scale)) : 52
+    implicitWidth: picture ? Math.max(48, Math.round(natural.width * scale)) : Math.min(maximumWidth, 320)
+    implicitHeight: picture ? Math.max(48, Math.round(natural.height * scale)) : Math.max(52, words.implicitHeight + Theme.large)
 
     Rectangle {
         anchors.fill: parent
@@ -49,6 +49,7 @@ Item {
             name: ["image", "video", "audio"].includes(media.item.mediaKind) ? media.item.mediaKind : "document"
         }
         Column {
+            id: words
             anchors.left: sign.right
             anchors.leftMargin: Theme.medium
             anchors.right: press.visible ? press.left : parent.right
@@ -58,7 +59,8 @@ Item {
             Label {
                 width: parent.width
                 text: media.item.mediaTitle
-                elide: Text.ElideMiddle
+                wrapMode: Text.Wrap
+                maximumLineCount: 6
                 Accessible.ignored: true
             }
             Label {

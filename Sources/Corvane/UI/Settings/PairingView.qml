@@ -10,17 +10,29 @@ Sheet {
     objectName: "pairingSheet"
     title: pairing.title
     width: 400
-    visible: pairing.isOpen
     onClosed: pairing.close()
+    Component.onCompleted: follow()
+
+    function follow() {
+        if (pairing.isOpen)
+            open();
+        else
+            close();
+    }
+
+    Connections {
+        target: sheet.pairing
+        function onChanged() { sheet.follow(); }
+    }
 
     Item {
         width: parent.width
-        height: 280
+        height: 304
 
         Rectangle {
             anchors.centerIn: parent
-            width: 272
-            height: 272
+            width: 304
+            height: 304
             radius: Theme.cardRadius
             visible: code.visible
             color: Theme.paper
@@ -30,8 +42,8 @@ Sheet {
         QrItem {
             id: code
             anchors.centerIn: parent
-            width: 240
-            height: 240
+            width: 268
+            height: 268
             objectName: "pairing.code"
             visible: sheet.pairing.qr !== "" && valid
             text: sheet.pairing.qr

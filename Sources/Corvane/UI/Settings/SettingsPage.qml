@@ -11,7 +11,7 @@ Page {
 
     signal leave
 
-    readonly property var furnished: ({ accounts: accounts, sync: sync, system: system })
+    readonly property var cardsOf: ({ accounts: accounts, sync: sync, system: system })
     readonly property string label: settings.sections.find(section => section.id === settings.section)?.label ?? ""
 
     panes: [sections, cards]
@@ -50,7 +50,7 @@ Page {
 
             Column {
                 id: column
-                x: Math.max(Theme.huge, Math.round((scroll.width - width) / 2) - 110)
+                x: Math.max(Theme.huge, Math.round((scroll.width - width) / 2))
                 y: Theme.huge
                 width: Math.min(760, scroll.width - Theme.huge * 2)
                 spacing: Theme.large
@@ -64,7 +64,7 @@ Page {
                 Loader {
                     width: parent.width
                     focus: true
-                    sourceComponent: page.furnished[page.settings.section] ?? later
+                    sourceComponent: page.cardsOf[page.settings.section] ?? null
                 }
             }
         }
@@ -83,15 +83,6 @@ Page {
         SystemSection {
             settings: page.settings
             appearance: page.appearance
-        }
-    }
-    Component {
-        id: later
-        EmptyState {
-            topPadding: Theme.huge * 2
-            icon: "note"
-            title: qsTr("Nothing to set yet")
-            detail: qsTr("What concerns %1 will be set here.").arg(page.label)
         }
     }
     PairingView { pairing: page.settings.pairing }

@@ -19,7 +19,7 @@ Column {
         width: parent.width
         SettingRow {
             label: section.sync.displayLine
-            hint: section.sync.stateText
+            hint: section.sync.stateText === label ? "" : section.sync.stateText
             Button {
                 objectName: "sync.account"
                 kind: section.sync.signedIn ? "plain" : "primary"

@@ -47,12 +47,8 @@ Column {
     Card {
         width: parent.width
         SettingRow {
-            label: qsTr("Secrets")
-            hint: qsTr("Where passwords and tokens are kept.")
-            Label {
-                text: section.system.secretsPlace
-                color: Theme.soft
-            }
+            label: qsTr("Passwords and tokens")
+            hint: section.system.secretsPlace
         }
         SettingRow {
             label: qsTr("Data folder")

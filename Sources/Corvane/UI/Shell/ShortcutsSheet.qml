@@ -7,41 +7,19 @@ Sheet {
 
     objectName: "shortcutsSheet"
     title: qsTr("Keyboard shortcuts")
-    width: 520
+    width: 800
 
-    Repeater {
-        model: [...new Set(Keymap.entries.map(entry => entry.section))]
-        Column {
-            id: section
-            required property string modelData
-            width: parent.width
+    Row {
+        width: parent.width
+        spacing: Theme.huge
 
-            SectionHeader {
-                text: section.modelData
-                bottomPadding: Theme.tight
-            }
-            Repeater {
-                model: Keymap.entries.filter(entry => entry.section === section.modelData)
-                Item {
-                    id: line
-                    required property var modelData
-                    width: section.width
-                    height: 26
-                    Accessible.role: Accessible.StaticText
-                    Accessible.name: modelData.label + ": " + modelData.keys
-
-                    Label {
-                        anchors.verticalCenter: parent.verticalCenter
-                        text: line.modelData.label
-                        Accessible.ignored: true
-                    }
-                    Keycaps {
-                        anchors.right: parent.right
-                        anchors.verticalCenter: parent.verticalCenter
-                        keys: line.modelData.keys
-                    }
-                }
-            }
+        KeyColumn {
+            width: (parent.width - parent.spacing) / 2
+            sections: [Keymap.everywhere]
+        }
+        KeyColumn {
+            width: (parent.width - parent.spacing) / 2
+            sections: [Keymap.list, Keymap.thread]
         }
     }
     buttons: Button {

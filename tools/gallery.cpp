@@ -1,0 +1,321 @@
+// Renders every screen and state of the window into a folder of pictures: the real window over the real view
+// models and a database that the demonstration engines filled through the real supervisor. The clock stands
+// still, so that each run draws the same.
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/Desktop.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/NotificationService.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SecretStore.h"
+#include "Platform/Tray.h"
+#include "Shell/CorvaneApp.h"
+#include "Shell/Screens.h"
+#include "Store/LocalDB.h"
+#include "UI/MainWindow.h"
+#include "Web/SessionStore.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QImageWriter>
+#include <QKeyEvent>
+#include <QQuickItem>
+#include <cstdio>
+
+using namespace corvane;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The demonstration's hour for ever; waits are real.
+class StandingClock final : public Scheduler {
+public:
+    explicit StandingClock(qint64 nowMs)
+        : m_nowMs(nowMs)
+    {
+    }
+    qint64 nowMs() const override { return m_nowMs; }
+    void move(Milliseconds by) { m_nowMs += by.count(); }
+    std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
+    {
+        return m_system.after(delay, std::move(callback));
+    }
+    std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) override
+    {
+        return m_system.every(period, std::move(callback));
+    }
+
+private:
+    qint64 m_nowMs;
+    SystemScheduler m_system;
+};
+
+/// A desktop that is light or dark as the picture wants it, and never moves.
+class PictureDesktop final : public Desktop {
+public:
+    void openInBrowser(const QUrl&) override { }
+    QString hostName() const override { return u"studio"_s; }
+    void setBadge(int) override { }
+    ColourScheme colourScheme() const override { return scheme; }
+    bool prefersReducedMotion() const override { return true; }
+
+    ColourScheme scheme = ColourScheme::Light;
+};
+
+enum class Look { Light, Dark, LightSmall, DarkSmall };
+
+class Gallery {
+public:
+    Gallery(const QString& folder, qint64 nowMs)
+        : m_folder(folder)
+        , m_clock(nowMs)
+        , m_app(AppPaths::fromEnvironment(), m_clock, machine(m_desktop))
+        , m_screens(m_app)
+        , m_window({ m_screens.content, m_screens.wall, m_screens.shell, m_screens.profile, m_screens.settings,
+                       m_screens.inbox, m_screens.appearance },
+              m_app.defaults())
+    {
+        QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
+        QObject::connect(&m_window, &MainWindow::appeared, &m_app, &CorvaneApp::onAppear);
+    }
+
+    void draw()
+    {
+        m_window.show();
+        m_app.startAllEngines();
+        waitForEngines();
+        inboxScreens();
+        settingsScreens();
+        hubScreens();
+        wallScreens();
+        m_app.willTerminate();
+    }
+
+private:
+    static Machine machine(PictureDesktop*& desktop)
+    {
+        static SystemScheduler scheduler;
+        Machine machine;
+        machine.launcher = makeProcessLauncher(scheduler);
+        machine.ports = makePortHolders();
+        machine.secrets = makeSecretStore(AppPaths::fromEnvironment());
+        machine.notifications = makeNotificationService();
+        auto own = std::make_unique<PictureDesktop>();
+        desktop = own.get();
+        machine.desktop = std::move(own);
+        return machine;
+    }
+
+    void wait(Milliseconds duration)
+    {
+        QEventLoop loop;
+        const auto timer = m_clock.after(duration, [&loop] { loop.quit(); });
+        loop.exec();
+    }
+
+    /// Until no engine has spoken for a second.
+    void waitForEngines()
+    {
+        for (int before = -1; before != m_events || m_events == 0;) {
+            before = m_events;
+            wait(Milliseconds(1000));
+        }
+    }
+
+    void save(const QString& name, std::initializer_list<Look> looks)
+    {
+        for (const Look look : looks) {
+            const bool dark = look == Look::Dark || look == Look::DarkSmall;
+            const bool small = look == Look::LightSmall || look == Look::DarkSmall;
+            m_desktop->scheme = dark ? ColourScheme::Dark : ColourScheme::Light;
+            Q_EMIT m_desktop->appearanceChanged();
+            m_window.window()->resize(small ? QSize(1040, 660) : QSize(1320, 820));
+            wait(Milliseconds(250));
+            const QString file = u"%1/%2-%3-%4.png"_s.arg(
+                m_folder, name, dark ? u"dark"_s : u"light"_s, small ? u"1040x660"_s : u"1320x820"_s);
+            QImageWriter writer(file);
+            writer.setCompression(100);
+            writer.write(m_window.window()->grabWindow().convertToFormat(QImage::Format_RGB888));
+            std::printf("%s\n", qPrintable(file));
+        }
+    }
+
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {})
+    {
+        for (const QEvent::Type type : { QEvent::KeyPress, QEvent::KeyRelease }) {
+            QKeyEvent event(type, key, modifiers, text);
+            QGuiApplication::sendEvent(m_window.window(), &event);
+        }
+        wait(Milliseconds(100));
+    }
+
+    QQuickItem* item(const QString& name) const { return itemUnder(m_window.window()->contentItem(), name); }
+
+    static QQuickItem* itemUnder(QQuickItem* parent, const QString& name)
+    {
+        if (parent->objectName() == name)
+            return parent;
+        for (QQuickItem* child : parent->childItems()) {
+            if (QQuickItem* found = itemUnder(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+
+    QString contactNamed(const QString& name)
+    {
+        return m_app.engine()
+            .db()
+            .scalar(u"SELECT id FROM contact WHERE display_name=? AND deleted_at IS NULL;"_s, { name })
+            .value_or(QString());
+    }
+
+    void openThread(const QString& name)
+    {
+        m_screens.inbox.select(contactNamed(name));
+        wait(Milliseconds(400));
+    }
+
+    void searchFor(const QString& words)
+    {
+        m_screens.inbox.setSearch(words);
+        wait(Milliseconds(500));
+    }
+
+    void inboxScreens();
+    void settingsScreens();
+    void hubScreens();
+    void wallScreens();
+
+    QString m_folder;
+    StandingClock m_clock;
+    PictureDesktop* m_desktop = nullptr;
+    CorvaneApp m_app;
+    Screens m_screens;
+    MainWindow m_window;
+    int m_events = 0;
+};
+
+void Gallery::inboxScreens()
+{
+    InboxView& inbox = m_screens.inbox;
+    save(u"inbox-list"_s, { Look::Light, Look::Dark, Look::LightSmall });
+
+    openThread(u"Megan Price"_s);
+    save(u"inbox-thread"_s, { Look::Light, Look::Dark, Look::LightSmall, Look::DarkSmall });
+    openThread(u"Taller · Team"_s);
+    save(u"inbox-group"_s, { Look::Light, Look::Dark });
+    openThread(u"Hannah Fischer"_s);
+    save(u"inbox-mail"_s, { Look::Light });
+    openThread(u"Megan Price"_s);
+    press(Qt::Key_K, Qt::ControlModifier);
+    save(u"palette-open"_s, { Look::Light, Look::Dark });
+    press(Qt::Key_Escape);
+    press(Qt::Key_F1);
+    save(u"shortcuts-open"_s, { Look::Light, Look::DarkSmall });
+    press(Qt::Key_Escape);
+
+    searchFor(u"glaze"_s);
+    save(u"inbox-search"_s, { Look::Light, Look::Dark });
+    searchFor(u"nothing like this"_s);
+    save(u"inbox-nothing-found"_s, { Look::Dark });
+    searchFor({});
+
+    inbox.setViewModeWord(u"messages"_s);
+    save(u"inbox-by-day"_s, { Look::Light });
+    inbox.setViewModeWord(u"contacts"_s);
+
+    inbox.setChannelFilter(u"EMAIL"_s);
+    save(u"inbox-filtered"_s, { Look::Light });
+    inbox.setChannelFilter(u"DISCORD"_s);
+    save(u"inbox-empty"_s, { Look::Light });
+    inbox.setChannelFilter({});
+
+    m_app.engine().db().run(u"INSERT INTO sync_health (source, status, updated_at) VALUES ('inbox','error',0);"_s);
+    m_clock.move(std::chrono::hours(3));
+    inbox.reload();
+    save(u"inbox-stale"_s, { Look::Light, Look::Dark });
+    m_clock.move(-std::chrono::hours(3));
+    m_app.engine().db().run(u"DELETE FROM sync_health;"_s);
+    inbox.reload();
+
+    for (int row : { 1, 3, 4 }) {
+        const QAbstractItemModel* contacts = inbox.contacts();
+        inbox.bulk()->toggle(contacts->index(row, 0).data(contacts->roleNames().key("id")).toString());
+    }
+    save(u"inbox-picked"_s, { Look::Light });
+    inbox.archiveChecked();
+    save(u"inbox-undo"_s, { Look::Dark });
+    inbox.undo();
+}
+
+void Gallery::settingsScreens()
+{
+    // A second phone that waits to be linked, an account that is paused, and one whose engine does not exist.
+    qputenv("CORVANE_DEMO_PAIRING_SECONDS", "3600");
+    AccountStore& accounts = m_app.store();
+    const Account phone = accounts.add(u"Workshop phone"_s, Channel::WhatsApp);
+    m_app.engine().start(phone);
+    Account paused = accounts.add(u"Marta Vidal"_s, Channel::LinkedIn);
+    paused.paused = true;
+    accounts.update(paused);
+    m_app.engine().start(accounts.add(u"Slack"_s, Channel::Slack));
+    wait(Milliseconds(2500));
+
+    m_screens.shell.openSettings();
+    save(u"settings-accounts"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    m_screens.settings.pairing()->open(phone.id);
+    save(u"settings-pairing"_s, { Look::Light, Look::Dark });
+    m_screens.settings.pairing()->close();
+    wait(Milliseconds(200));
+    for (const auto& [channel, look] : { std::pair(u"SLACK"_s, Look::Light), std::pair(u"EMAIL"_s, Look::Dark),
+             std::pair(u"SMS"_s, Look::LightSmall) }) {
+        if (QQuickItem* tile = item(u"connect."_s + channel))
+            QMetaObject::invokeMethod(tile, "clicked");
+        save(u"settings-connect-"_s + channel.toLower(), { look });
+        press(Qt::Key_Escape);
+    }
+    m_screens.settings.setSection(u"sync"_s);
+    save(u"settings-sync"_s, { Look::Light });
+    m_screens.settings.setSection(u"system"_s);
+    save(u"settings-system"_s, { Look::Light, Look::Dark });
+    m_screens.shell.closeSettings();
+}
+
+void Gallery::hubScreens()
+{
+    for (const char* hub : { "lumo", "gtm", "cx", "ops", "dev" }) {
+        m_screens.shell.selectHub(QString::fromLatin1(hub));
+        save(u"hub-"_s + QString::fromLatin1(hub), { qstrcmp(hub, "gtm") == 0 ? Look::Dark : Look::Light });
+    }
+    m_screens.shell.selectHub(u"inbox"_s);
+}
+
+void Gallery::wallScreens()
+{
+    m_app.session().signOut();
+    save(u"wall-signed-out"_s, { Look::Light, Look::DarkSmall });
+    m_screens.wall.setEmail(u"marta@tallervidal.example"_s);
+    m_screens.wall.setPassword(u"twelve letters"_s);
+    save(u"wall-filled"_s, { Look::Dark });
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    QGuiApplication application(argc, argv);
+    const qint64 nowMs = qEnvironmentVariable("CORVANE_DEMO_NOW").toLongLong();
+    if (argc != 2 || nowMs <= 0) {
+        std::fprintf(stderr, "usage: tools/gallery\n");
+        return 2;
+    }
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    QDir().mkpath(folder);
+    Gallery(folder, nowMs).draw();
+    return 0;
+}
