@@ -13,31 +13,32 @@
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
-#include "Support/VirtualScheduler.h"
 
 #include <QTemporaryDir>
 
 namespace corvane {
 
-/// A manager over a database in memory, with one engine that prints what it is told.
-class FuzzEngine final : private ProcessLauncher, private ChildProcess {
+/// A manager over a database of its own, with one engine that prints what it is told. For programs without a test
+/// framework: the fuzz targets and the benchmarks.
+class PlayedEngine final : private ProcessLauncher, private ChildProcess {
 public:
-    FuzzEngine()
+    /// `database` is a path, or ":memory:". With a launcher the engines are real children instead.
+    PlayedEngine(Scheduler& scheduler, const QString& database, ProcessLauncher* launcher = nullptr)
+        : m_notifier(m_banners, m_centre, m_defaults, scheduler, [] { })
+        , m_engines({ m_paths, scheduler, launcher ? *launcher : *this, m_ports, m_background, m_keychain, m_notifier,
+                        m_desktop },
+              std::make_unique<LocalDB>(
+                  database, LocalDB::SchemaFolders { m_paths.resources, {} }, scheduler, m_defaults, m_centre))
     {
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { });
         m_account.id = QUuid::createUuid();
-        m_account.slug = QStringLiteral("fuzz");
-        m_engines.start(m_account);
+        m_account.slug = QStringLiteral("played");
+        if (!launcher)
+            m_engines.start(m_account);
     }
 
-    /// One chunk, and every event in it is handled.
-    void print(const QString& text)
-    {
-        m_handlers.output({ text, nullptr });
-        m_clock.advance(Milliseconds(1));
-    }
-
-    QString lastLog() const { return m_engines.runtime(m_account.id).lastLog; }
+    void print(const QString& chunk) { m_handlers.output({ chunk, nullptr }); }
+    EngineManager& engines() { return m_engines; }
+    const Account& account() const { return m_account; }
 
 private:
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec&, Handlers handlers) override
@@ -53,7 +54,6 @@ private:
     QTemporaryDir m_folder;
     AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(QStringLiteral("defaults.ini")),
         QStringLiteral(CORVANE_SOURCE) };
-    VirtualScheduler m_clock;
     Handlers m_handlers;
     Account m_account;
     UserDefaults m_defaults { m_paths.defaultsFile };
@@ -63,12 +63,9 @@ private:
     FakeSecretStore m_secrets;
     Keychain m_keychain { m_secrets };
     FakeNotificationService m_banners;
-    Notifier m_notifier { m_banners, m_centre, m_defaults, m_clock, [] {
-                         } };
     FakeDesktop m_desktop;
-    EngineManager m_engines { { m_paths, m_clock, *this, m_ports, m_background, m_keychain, m_notifier, m_desktop },
-        std::make_unique<LocalDB>(QStringLiteral(":memory:"), LocalDB::SchemaFolders { m_paths.resources, {} }, m_clock,
-            m_defaults, m_centre) };
+    Notifier m_notifier;
+    EngineManager m_engines;
 };
 
 }
