@@ -172,25 +172,18 @@ TEST_F(RealEngines, aNodeThatCannotRunIsToldInTheSystemsWords)
     EXPECT_TRUE(runtime().lastLog.startsWith(u"Failed to launch engine: "_s)) << qPrintable(runtime().lastLog);
 }
 
-TEST_F(RealEngines, anEngineInTypeScriptSpeaksTheProtocol)
+TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
 {
     restoreNode();
     const QString node = nodePath(QStringLiteral(CORVANE_SOURCE "/mac/engine"));
     if (!node.contains(u"node_modules"))
         GTEST_SKIP() << "the set-up has put no Node under mac/engine";
     useNode(node);
-    start(R"TS(
-import { createInterface } from "node:readline";
-type Command = { cmd: string; chatId?: string; text?: string; draftId?: string };
-const emit = (event: object): void => { process.stdout.write("@@CORVANE@@" + JSON.stringify(event) + "\n"); };
-emit({ type: "status", state: "open", user: process.env.WHATSAPP_ACCOUNT_NAME });
-createInterface({ input: process.stdin }).on("line", (line: string) => {
-    const command: Command = JSON.parse(line);
-    if (command.cmd !== "send") return;
-    emit({ type: "message", convExternalId: command.chatId, providerMsgId: "sent-1", direction: "OUT", body: command.text });
-    if (command.draftId) emit({ type: "sendAck", draftId: command.draftId, status: "sent", providerMsgId: "sent-1" });
-}).on("close", () => process.exit(0));
-)TS");
+    QFile page(QStringLiteral(CORVANE_SOURCE "/docs/engine-protocol.md"));
+    ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+    const QByteArray text = page.readAll();
+    const qsizetype from = text.indexOf("```ts\n") + 6;
+    start(text.sliced(from, text.indexOf("\n```", from) - from));
     EXPECT_TRUE(await([&] { return runtime().status == WAStatus::Connected; }));
     EXPECT_EQ(runtime().userName, u"shop"_s);
     ensureConversation(engines->db(), u"WHATSAPP"_s, u"shop"_s, u"c"_s, u"Ana"_s, 1);
@@ -198,6 +191,9 @@ createInterface({ input: process.stdin }).on("line", (line: string) => {
     markDraft(engines->db(), cell(u"SELECT id FROM outbound_draft;"_s), u"approved"_s);
     engines->refreshDrafts();
     EXPECT_TRUE(await([&] { return cell(u"SELECT status FROM outbound_draft;"_s) == u"sent"; }));
-    EXPECT_EQ(cell(u"SELECT direction || body FROM unified_message;"_s), u"OUT¿qué tal?"_s);
+    EXPECT_EQ(cell(u"SELECT body FROM unified_message WHERE direction='OUT';"_s), u"¿qué tal?"_s);
+    EXPECT_TRUE(await([&] { return engines->unreadTotal() == 2; })) << "it greets, and answers";
+    const qint64 pid = engines->processId(shop);
     engines->stop(shop);
+    EXPECT_TRUE(await([&] { return ::kill(static_cast<pid_t>(pid), 0) != 0; })) << "it ends when it is asked to";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engines/EngineManager.h"
+#include "Engines/EngineSpec.h"
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
@@ -14,6 +15,7 @@
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
 namespace corvane {
@@ -30,8 +32,9 @@ public:
               std::make_unique<LocalDB>(
                   database, LocalDB::SchemaFolders { m_paths.resources, {} }, scheduler, m_defaults, m_centre))
     {
+        QDir().mkpath(engineDir(m_paths));
         m_account.id = QUuid::createUuid();
-        m_account.slug = QStringLiteral("played");
+        m_account.slug = QStringLiteral("main");
         if (!launcher)
             m_engines.start(m_account);
     }

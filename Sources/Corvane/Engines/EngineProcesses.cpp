@@ -108,8 +108,21 @@ void EngineProcesses::restartLater(const Account& account)
     const int delaySeconds = std::min(1 << attempts, 30);
     m_restarts[id] = m_scheduler.after(Milliseconds(1000 * delaySeconds), [this, account] {
         const auto fired = std::move(m_restarts[account.id]);
-        start(account);
+        m_due.push_back(account);
+        if (!m_launch)
+            m_launch = m_scheduler.after(Milliseconds(0), [this] { launchNext(); });
     });
+}
+
+/// One launch at each turn of the loop: engines that died together do not hold up the window together.
+void EngineProcesses::launchNext()
+{
+    const auto fired = std::move(m_launch);
+    const Account account = m_due.front();
+    m_due.pop_front();
+    if (!m_due.empty())
+        m_launch = m_scheduler.after(Milliseconds(0), [this] { launchNext(); });
+    start(account);
 }
 
 void EngineProcesses::stop(const Account& account)
@@ -123,6 +136,8 @@ void EngineProcesses::stop(const Account& account)
 void EngineProcesses::stopAll()
 {
     m_restarts.clear();
+    m_due.clear();
+    m_launch.reset();
     const auto engines = std::exchange(m_current, {});
     for (const auto& engine : engines)
         engine->child->terminate();

@@ -50,6 +50,7 @@ private:
     ProcessLauncher::Handlers handlersFor(const std::shared_ptr<Engine>& engine);
     void handleExit(const std::shared_ptr<Engine>& engine, const QString& rest);
     void restartLater(const Account& account);
+    void launchNext();
 
     const AppPaths& m_paths;
     Scheduler& m_scheduler;
@@ -66,6 +67,8 @@ private:
     QSet<QUuid> m_intentionalStops; ///< until the next start
     QHash<QUuid, int> m_restartAttempts; ///< crashes since the last connection
     std::map<QUuid, std::unique_ptr<Timer>> m_restarts;
+    std::deque<Account> m_due; ///< whose delay is over
+    std::unique_ptr<Timer> m_launch;
 };
 
 }

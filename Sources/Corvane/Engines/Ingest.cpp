@@ -93,7 +93,7 @@ void Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     if (!message.outgoing && !historical) {
         raiseUnread(m_db, conversation);
         const QString contact = contactId(source.channel, *externalId);
-        if (m_openContactId != contact && !isMuted(m_db, contact)) {
+        if (m_openContactId != contact && m_notifier.wouldNotify(contact) && !isMuted(m_db, contact)) {
             const QString name = message.conversationTitle.value_or(message.sender.value_or(*externalId));
             m_notifier.notifyMessage(contact, name, source.channel, *body);
         }

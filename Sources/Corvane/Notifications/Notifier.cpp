@@ -106,18 +106,23 @@ bool Notifier::enabled() const
     return m_defaults.boolean(QStringLiteral("notifyOnNewMessage")).value_or(true);
 }
 
-void Notifier::notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body)
+bool Notifier::wouldNotify(const QString& contactId) const
 {
     if (!m_service.isAvailable() || !enabled())
+        return false;
+    const auto last = m_lastFire.constFind(contactId);
+    if (last == m_lastFire.cend())
+        return true;
+    // A clock that was set back must not silence a contact until it has caught up.
+    const qint64 elapsed = m_scheduler.nowMs() - *last;
+    return elapsed < 0 || elapsed >= debounceMs;
+}
+
+void Notifier::notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body)
+{
+    if (!wouldNotify(contactId))
         return;
-    const qint64 now = m_scheduler.nowMs();
-    if (const auto last = m_lastFire.constFind(contactId); last != m_lastFire.cend()) {
-        // A clock that was set back must not silence a contact until it has caught up.
-        const qint64 elapsed = now - *last;
-        if (elapsed >= 0 && elapsed < debounceMs)
-            return;
-    }
-    m_lastFire[contactId] = now;
+    m_lastFire[contactId] = m_scheduler.nowMs();
 
     Banner banner;
     banner.identifier = uuidText();

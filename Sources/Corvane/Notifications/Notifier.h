@@ -25,6 +25,8 @@ public:
 
     void bootstrap(); ///< may be called again
 
+    /// Whether `notifyMessage` would show a banner for the contact now.
+    bool wouldNotify(const QString& contactId) const;
     void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
 
     /// A second banner for the same item takes the place of the first. `kind` is "draft", "draft_failed", "proposal" or

@@ -1,0 +1,115 @@
+#include "MirrorBench.h"
+
+#include "Mirror.h"
+
+#include "Foundation/Ids.h"
+#include "Store/InboxQueries.h"
+
+#include <QFile>
+
+namespace corvane::bench {
+
+namespace {
+
+/// What the store was seen to run, so that the rival runs the very same texts.
+QList<QByteArray> tracedStatements;
+
+int traceConnection(sqlite3* db, char**, const void*)
+{
+    const auto onStatement = [](unsigned, void*, void* statement, void*) {
+        tracedStatements.append(sqlite3_sql(static_cast<sqlite3_stmt*>(statement)));
+        return 0;
+    };
+    return sqlite3_trace_v2(db, SQLITE_TRACE_STMT, onStatement, nullptr);
+}
+
+}
+
+MirrorBench::MirrorBench()
+{
+    QFile::copy(sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)), path());
+    m_store = open();
+    sqlite3_open(path().toUtf8().constData(), &m_bare);
+    for (const char* pragma : { "PRAGMA busy_timeout=5000;", "PRAGMA foreign_keys=ON;" })
+        sqlite3_exec(m_bare, pragma, nullptr, nullptr, nullptr);
+    learnStatements();
+    m_handles = m_store->rows("SELECT external_id FROM unified_conversation WHERE channel='WHATSAPP' AND "
+                              "account_id='main' ORDER BY last_ts DESC LIMIT 2000;",
+        {}, [](const SqlRow& row) { return row.text(0); });
+}
+
+MirrorBench::~MirrorBench()
+{
+    m_ingestPrepared.clear();
+    sqlite3_close(m_bare);
+}
+
+IncomingMessage MirrorBench::nextMessage()
+{
+    ++m_messages;
+    IncomingMessage message;
+    message.conversationExternalId = m_handles[m_messages * 7919 % m_handles.size()];
+    message.providerMsgId = QStringLiteral("LIVE%1").arg(m_messages);
+    message.body = QStringLiteral("See you tomorrow at the usual place, thanks for the invoice");
+    message.ts = m_scheduler.nowMs();
+    message.conversationTitle = QStringLiteral("Person %1").arg(m_messages % 500);
+    message.sender = message.conversationTitle;
+    return message;
+}
+
+void MirrorBench::ingestBare(Prepared prepared)
+{
+    const IncomingMessage message = nextMessage();
+    const QByteArray handle = message.conversationExternalId.toUtf8();
+    const QByteArray title = message.conversationTitle->toUtf8();
+    const QByteArray body = message.body.toUtf8();
+    const QByteArray providerId = message.providerMsgId.toUtf8();
+    const QByteArray conversation = "wa:main:" + handle;
+    const QByteArray contact = "ct:WHATSAPP:" + handle;
+    const QByteArray identity = "id:WHATSAPP:" + handle;
+    const QByteArray id = "wa:msg:" + providerId;
+    const qint64 now = message.ts;
+    const auto run = [&](int which, const auto&... values) {
+        if (prepared == Prepared::Once)
+            m_ingestPrepared[static_cast<size_t>(which)].run(values...);
+        else
+            BareStatement(m_bare, m_ingest[which]).run(values...);
+    };
+    run(0, conversation, "local", "WHATSAPP", "main", handle, title, now, now);
+    run(1, contact, "local", title, now);
+    run(2, identity, "local", contact, "WHATSAPP", handle, nullptr, "34600", now);
+    run(3, id, "local", conversation, "IN", body, title, now, providerId, nullptr, nullptr, "local", now);
+    run(4, conversation);
+}
+
+std::unique_ptr<LocalDB> MirrorBench::open()
+{
+    return std::make_unique<LocalDB>(
+        path(), LocalDB::SchemaFolders { resourceFolder(), {} }, m_scheduler, m_defaults, m_centre);
+}
+
+void MirrorBench::learnStatements()
+{
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(traceConnection));
+    const auto traced = open();
+    sqlite3_reset_auto_extension();
+    tracedStatements.clear();
+    fetchContacts(*traced, InboxFilter::All, {}, 300);
+    m_contacts = tracedStatements.last();
+    for (const char* providerId : { "first", "second" }) { // the second finds its conversation linked
+        tracedStatements.clear();
+        IncomingMessage message;
+        message.conversationExternalId = QStringLiteral("learn");
+        message.providerMsgId = QString::fromUtf8(providerId);
+        raiseUnread(*traced, storeMessage(*traced, QStringLiteral("WHATSAPP"), QStringLiteral("main"), message));
+    }
+    for (const QByteArray& sql : std::as_const(tracedStatements)) {
+        if (sql.startsWith("INSERT") || sql.startsWith("UPDATE"))
+            m_ingest.append(sql);
+    }
+    for (const QByteArray& sql : std::as_const(m_ingest))
+        m_ingestPrepared.emplace_back(m_bare, sql);
+    if (m_ingest.size() != 5)
+        qFatal("a live message takes five statements, not %d", static_cast<int>(m_ingest.size()));
+}
+}

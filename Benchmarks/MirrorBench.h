@@ -1,0 +1,53 @@
+#pragma once
+
+#include "BareStatement.h"
+
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/SystemScheduler.h"
+#include "Foundation/UserDefaults.h"
+#include "Store/IngestQueries.h"
+
+#include <QTemporaryDir>
+#include <vector>
+
+namespace corvane::bench {
+
+/// A copy of the mirror under the store, and a second connection to it through the C interface alone. The copy
+/// lies under TMPDIR, which tells the disk that is measured.
+class MirrorBench {
+public:
+    MirrorBench();
+    ~MirrorBench();
+    MirrorBench(const MirrorBench&) = delete;
+    MirrorBench& operator=(const MirrorBench&) = delete;
+
+    QString path() const { return m_folder.filePath(QStringLiteral("mirror.db")); }
+    LocalDB& store() { return *m_store; }
+    sqlite3* bare() { return m_bare; }
+    const QByteArray& contactsStatement() const { return m_contacts; } ///< what `fetchContacts` runs
+
+    /// A live message as an engine tells it: somebody who is known already writes something new.
+    IncomingMessage nextMessage();
+
+    /// Stores the next message with the store's own five statements and everything else known beforehand.
+    enum class Prepared { Once, EachTime };
+    void ingestBare(Prepared prepared);
+
+private:
+    std::unique_ptr<LocalDB> open();
+    void learnStatements();
+
+    QTemporaryDir m_folder;
+    SystemScheduler m_scheduler;
+    UserDefaults m_defaults { m_folder.filePath(QStringLiteral("defaults.ini")) };
+    NotificationCentre m_centre;
+    std::unique_ptr<LocalDB> m_store;
+    sqlite3* m_bare = nullptr;
+    QByteArray m_contacts;
+    QList<QByteArray> m_ingest; ///< the five statements
+    std::vector<BareStatement> m_ingestPrepared;
+    QStringList m_handles;
+    qsizetype m_messages = 0;
+};
+
+}
