@@ -85,7 +85,7 @@ WHERE cc.contact_id=? AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1;)",
         .value_or(QString());
 }
 
-QList<MessageHit> searchMessages(LocalDB& db, const QString& query, int limit)
+QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit)
 {
     const QString pattern = u'%' + query + u'%';
     return db.rows(R"(SELECT m.id, cc.contact_id, COALESCE(ct.display_name, cc.contact_id), cc.channel,

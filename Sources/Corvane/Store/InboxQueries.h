@@ -58,7 +58,7 @@ InboxCounts fetchInboxCounts(LocalDB& db);
 QString newestMediaType(LocalDB& db, const QString& contactId);
 
 /// Messages and transcripts that contain the text, newest first, over all workspaces.
-QList<MessageHit> searchMessages(LocalDB& db, const QString& query, int limit);
+QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
 
 int totalUnread(LocalDB& db);
 void markRead(LocalDB& db, const QString& contactId);

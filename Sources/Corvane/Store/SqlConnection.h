@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <variant>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace corvane {
+
+/// A value to bind: text, an integer, a real number, or NULL. A boolean is passed as 0 or 1.
+class SqlValue {
+public:
+    SqlValue() = default; ///< NULL
+    SqlValue(const QString& text)
+        : m_value(text)
+    {
+    }
+    SqlValue(qint64 integer)
+        : m_value(integer)
+    {
+    }
+    SqlValue(int integer)
+        : m_value(integer)
+    {
+    }
+    SqlValue(double real)
+        : m_value(real)
+    {
+    }
+    SqlValue(bool) = delete;
+    template <typename Value> SqlValue(const std::optional<Value>& value)
+    {
+        if (value)
+            m_value = *value;
+    }
+
+    using Variant = std::variant<std::monostate, QString, qint64, int, double>;
+    const Variant& variant() const { return m_value; }
+
+private:
+    Variant m_value;
+};
+
+/// One row under a running statement; valid only inside the callback that receives it.
+class SqlRow {
+public:
+    explicit SqlRow(sqlite3_stmt* statement)
+        : m_statement(statement)
+    {
+    }
+
+    QString text(int column) const; ///< NULL reads as the empty string
+    std::optional<QString> optionalText(int column) const;
+    qint64 integer(int column) const; ///< NULL reads as 0
+    std::optional<qint64> optionalInteger(int column) const;
+    double real(int column) const;
+
+private:
+    sqlite3_stmt* m_statement;
+};
+
+/// A connection to an SQLite file and its reads. One that could not be opened answers every read with nothing.
+class SqlConnection {
+public:
+    ~SqlConnection();
+    SqlConnection(const SqlConnection&) = delete;
+    SqlConnection& operator=(const SqlConnection&) = delete;
+
+    /// A further connection to the file that only reads, for one long query on a thread of its own; the query
+    /// ends early, within a millisecond, after `stopped` is set.
+    static std::unique_ptr<SqlConnection> reader(const QString& path, std::shared_ptr<const std::atomic<bool>> stopped);
+
+    bool isOpen() const { return m_db != nullptr; }
+    const QString& path() const { return m_path; }
+
+    /// Every row through `read`; empty, with no log line, where the statement does not prepare.
+    template <typename Read> auto rows(const QString& sql, const QList<SqlValue>& parameters, Read read)
+    {
+        QList<std::invoke_result_t<Read, const SqlRow&>> result;
+        forEachRow(sql, parameters, [&](const SqlRow& row) { result.append(read(row)); });
+        return result;
+    }
+
+    /// The first row through `read`, or nothing.
+    template <typename Read> auto firstRow(const QString& sql, const QList<SqlValue>& parameters, Read read)
+    {
+        std::optional<std::invoke_result_t<Read, const SqlRow&>> result;
+        forEachRow(sql, parameters, [&](const SqlRow& row) {
+            if (!result)
+                result = read(row);
+        });
+        return result;
+    }
+
+protected:
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+    enum class Access { ReadOnly, ReadWrite };
+    enum class Binding { Every, TextAndInteger64 };
+
+    SqlConnection(const QString& path, Access access);
+
+    Statement prepare(const QByteArray& sql);
+    /// A value that `binding` leaves out stays unbound, which SQLite reads as NULL.
+    static void bind(sqlite3_stmt* statement, const QList<SqlValue>& parameters, Binding binding);
+
+    sqlite3* m_db = nullptr;
+
+private:
+    void forEachRow(
+        const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit);
+
+    QString m_path;
+    std::shared_ptr<const std::atomic<bool>> m_stopped;
+};
+
+}
