@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Foundation/Json.h"
 #include "Inbox/InboxView.h"
+#include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 
@@ -85,6 +86,13 @@ protected:
     {
         inbox.setSearch(text);
         clock.advance(Milliseconds(250));
+        awaitHits();
+    }
+
+    /// The search runs on a thread of its own.
+    void awaitHits()
+    {
+        EXPECT_TRUE(await([this] { return !inbox.hitsPending(); }));
     }
 
     AccountStore accounts { home.paths().applicationSupport };

@@ -78,6 +78,7 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     clock.advance(Milliseconds(249));
     EXPECT_EQ(names().size(), 2) << "the first search was never made";
     clock.advance(Milliseconds(1));
+    awaitHits();
     EXPECT_EQ(names(), QStringList("Ben"));
     EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("the Núñez contract is ready"));
 
@@ -108,7 +109,29 @@ TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachM
         receive(ana, QStringLiteral("invoice %1").arg(i));
     EXPECT_LE(searches, 3);
     clock.advance(seconds(3));
-    EXPECT_EQ(inbox.messageHits()->rowCount(), 31);
+    EXPECT_TRUE(await([this] {
+        clock.advance(seconds(1));
+        return inbox.messageHits()->rowCount() == 31;
+    }));
+}
+
+TEST_F(InboxViewTest, aLongSearchTellsThatItRunsAndShowsNothingOld)
+{
+    receive(ana, "invoice one");
+    type("invoice");
+    inbox.setSearch("nothing like it");
+    clock.advance(Milliseconds(250));
+    EXPECT_TRUE(inbox.hitsPending());
+    EXPECT_FALSE(inbox.searching());
+    EXPECT_FALSE(inbox.isEmpty()) << "nobody knows yet";
+    EXPECT_EQ(inbox.messageHits()->rowCount(), 1) << "a quick search does not flicker";
+    clock.advance(Milliseconds(150));
+    EXPECT_TRUE(inbox.searching());
+    EXPECT_EQ(inbox.messageHits()->rowCount(), 0);
+    EXPECT_FALSE(inbox.isEmpty());
+    awaitHits();
+    EXPECT_FALSE(inbox.searching());
+    EXPECT_TRUE(inbox.isEmpty());
 }
 
 TEST_F(InboxViewTest, anotherWorkspaceClearsTheSelectionAndTellsWhy)

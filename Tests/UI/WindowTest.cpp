@@ -1,5 +1,7 @@
 #include "UI/WindowTest.h"
 
+#include "Support/Await.h"
+
 #include <QQmlComponent>
 #include <QTest>
 
@@ -111,6 +113,7 @@ void WindowTest::receive(
 
 void WindowTest::rest()
 {
+    EXPECT_TRUE(await([this] { return !inbox.hitsPending(); }));
     for (int turn = 0; turn < 4; ++turn) {
         clock.advance(Milliseconds(120));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -99,7 +99,7 @@ void InboxView::moveSelection(int delta)
 
 void InboxView::openHit(const QString& messageId)
 {
-    const auto& hits = m_hitModel.rows();
+    const auto& hits = m_hits.rows();
     const auto hit = std::ranges::find(hits, messageId, &MessageHitItem::id);
     if (hit == hits.end())
         return;

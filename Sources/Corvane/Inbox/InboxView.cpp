@@ -13,11 +13,8 @@ namespace corvane {
 namespace {
 
 constexpr int contactLimit = 300;
-constexpr int hitLimit = 60;
 constexpr Milliseconds reloadPeriod { 100 };
 constexpr Milliseconds searchDelay { 250 };
-// A search reads every message; while it stands, arriving ones need not start it again at once.
-constexpr Milliseconds hitsPeriod { 2000 };
 constexpr Milliseconds countsPeriod { 1000 };
 
 QVariantMap choice(const QString& key, const QString& label)
@@ -33,15 +30,16 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_accounts(surroundings.accounts)
     , m_defaults(surroundings.defaults)
     , m_scheduler(surroundings.scheduler)
+    , m_hits(m_engine.db(), m_scheduler)
     , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
-    , m_hitsSoon(m_scheduler, hitsPeriod, [this] { refreshHits(); })
     , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
 {
     m_tabs = inboxTabs({});
     connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
     connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
     connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);
@@ -203,10 +201,7 @@ void InboxView::reload()
     const QString query = m_state.query();
     const QList<ContactRow> all = fetchContacts(db(), m_state.filter, {}, contactLimit);
     m_contacts = query.isEmpty() ? all : matching(all, query);
-    if (query != m_hitsQuery)
-        refreshHits();
-    else if (!query.isEmpty())
-        m_hitsSoon.request();
+    m_hits.find(query);
     if (const auto notice = consumeWorkspaceSelectionNotice(db())) {
         m_workspaceNotice = *notice;
         Q_EMIT workspaceNoticeChanged();
@@ -223,19 +218,6 @@ void InboxView::reload()
     m_loading = false;
     m_countsSoon.request();
     present();
-}
-
-void InboxView::refreshHits()
-{
-    m_hitsQuery = m_state.query();
-    const DateWords words(m_scheduler.nowMs());
-    QList<MessageHitItem> items;
-    if (!m_hitsQuery.isEmpty()) {
-        for (const MessageHit& hit : searchMessages(db(), m_hitsQuery, hitLimit))
-            items.append(messageHitItem(hit, m_hitsQuery, words));
-    }
-    m_hitModel.assign(items);
-    Q_EMIT changed();
 }
 
 void InboxView::presentCounts()

@@ -7,6 +7,7 @@
 #include "Inbox/CommandPalette.h"
 #include "Inbox/ContactItem.h"
 #include "Inbox/InboxList.h"
+#include "Inbox/MessageHits.h"
 #include "Inbox/ThreadView.h"
 #include "Inbox/WebStaleness.h"
 
@@ -35,7 +36,8 @@ class InboxView : public QObject {
     Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
     Q_PROPERTY(QAbstractItemModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
     Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
-    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show
+    Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< the messages are searched: takes a while
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show, nor to come
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyDetail READ emptyDetail NOTIFY changed)
     Q_PROPERTY(bool emptyCanClear READ emptyCanClear NOTIFY changed)
@@ -88,9 +90,11 @@ public:
     QString channelFilterLabel() const;
     QString accountFilterLabel() const;
     QAbstractItemModel* contacts() { return &m_contactModel; }
-    QAbstractItemModel* messageHits() { return &m_hitModel; }
+    QAbstractItemModel* messageHits() { return m_hits.model(); }
     bool loading() const { return m_loading; }
-    bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hitModel.rows().isEmpty(); }
+    bool searching() const { return m_hits.searching(); }
+    bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` does not answer the search yet
+    bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hits.rows().isEmpty() && !m_hits.pending(); }
     QString emptyTitle() const;
     QString emptyDetail() const;
     bool emptyCanClear() const;
@@ -157,7 +161,6 @@ private:
     QString mediaTypeOf(const ContactRow& row); ///< of the newest message, where it has no text
     InboxState asTyped() const; ///< with the search as it is now
     void narrow(const InboxState& state);
-    void refreshHits();
     void present();
     void presentChoices();
     void presentBanners();
@@ -182,10 +185,9 @@ private:
     QString m_search; ///< as typed; `m_state` follows
     bool m_loading = true;
     QList<ContactRow> m_contacts;
+    MessageHits m_hits;
     QHash<QString, std::pair<qint64, QString>> m_mediaTypes; ///< by contact: newest time, medium
     RowListModel<ContactItem> m_contactModel;
-    RowListModel<MessageHitItem> m_hitModel;
-    QString m_hitsQuery;
     QVariantList m_tabs;
     QVariantList m_channelChoices;
     QVariantList m_accountChoices;
@@ -211,7 +213,6 @@ private:
     QString m_undoText;
 
     Coalescer m_reloadSoon;
-    Coalescer m_hitsSoon;
     Coalescer m_countsSoon;
     std::unique_ptr<Timer> m_searchDebounce;
     std::unique_ptr<Timer> m_midnight;

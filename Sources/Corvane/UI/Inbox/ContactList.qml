@@ -81,14 +81,19 @@ ListView {
 
     footer: Column {
         width: list.width
-        visible: hits.count > 0
+        visible: hits.count > 0 || list.inbox.searching
         height: visible ? implicitHeight : 0
 
         SectionHeader {
             leftPadding: Theme.large
             topPadding: Theme.large
             bottomPadding: Theme.tight
-            text: qsTr("Messages")
+            text: list.inbox.searching ? qsTr("Searching the messages…") : qsTr("Messages")
+        }
+        Skeleton {
+            width: parent.width
+            rows: 3
+            active: list.inbox.searching
         }
         Repeater {
             id: hits
