@@ -24,6 +24,7 @@
 #include <QImageWriter>
 #include <QKeyEvent>
 #include <QQuickItem>
+#include <QStyleHints>
 #include <cstdio>
 
 using namespace corvane;
@@ -314,6 +315,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: tools/gallery\n");
         return 2;
     }
+    QGuiApplication::styleHints()->setCursorFlashTime(0);
     const QString folder = QString::fromLocal8Bit(argv[1]);
     QDir().mkpath(folder);
     Gallery(folder, nowMs).draw();

@@ -1,3 +1,4 @@
+#include "Support/Await.h"
 #include "UI/WindowTest.h"
 
 #include <QSet>
@@ -227,6 +228,25 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
         }
     }
     EXPECT_TRUE(seen);
+}
+
+TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
+{
+    const QString path = home.path(u"label #1, 50% & ü?.png"_s);
+    QImage picture(800, 400, QImage::Format_RGB32);
+    picture.fill(QColor(200, 30, 30));
+    ASSERT_TRUE(picture.save(path));
+    showInbox();
+    receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, u"the label"_s,
+        { { "mediaType", "image" }, { "mediaPath", path } });
+    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    rest();
+    QQuickItem* photo = item(u"media.photo"_s);
+    ASSERT_NE(photo, nullptr);
+    EXPECT_EQ(photo->size(), QSizeF(320, 160)); // before it has been read
+    ASSERT_TRUE(await([&] { return photo->property("status").toInt() == 1; }));
+    const QPoint middle = photo->mapToScene(QPointF(160, 80)).toPoint();
+    EXPECT_EQ(this->picture().pixelColor(middle), QColor(200, 30, 30));
 }
 
 TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)

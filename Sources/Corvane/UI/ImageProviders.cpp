@@ -4,6 +4,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -37,7 +38,7 @@ PhotoProvider::PhotoProvider()
 
 QImage PhotoProvider::requestImage(const QString& id, QSize* size, const QSize& requested)
 {
-    QImageReader reader(id.section(u'/', 1));
+    QImageReader reader(QUrl::fromPercentEncoding(id.section(u'/', 1).toUtf8()));
     reader.setAutoTransform(true);
     const QSize target = requested.isValid() ? requested : reader.size();
     const QSize natural = reader.size();

@@ -12,8 +12,8 @@ public:
 };
 
 /// "image://photo/{radius}/{path}": a file of this machine cut to the asked size, with round corners. The
-/// radius is in pixels of the asked size, or "round". Decoded away from the main thread, and never larger than
-/// asked; a file that is no picture gives an error, so that the caller's placeholder stays.
+/// radius is in pixels of the asked size, or "round"; the path is percent-encoded. Decoded away from the main thread,
+/// and never larger than asked; a file that is no picture gives an error, so that the caller's placeholder stays.
 class PhotoProvider : public QQuickImageProvider {
 public:
     PhotoProvider();

@@ -44,7 +44,7 @@ Item {
         anchors.fill: parent
         asynchronous: true
         sourceSize: Qt.size(avatar.width * Screen.devicePixelRatio, avatar.height * Screen.devicePixelRatio)
-        source: avatar.photo ? "image://photo/round/" + encodeURI(avatar.photo) : ""
+        source: avatar.photo ? "image://photo/round/" + encodeURIComponent(avatar.photo) : ""
     }
     Rectangle {
         visible: avatar.channel !== ""

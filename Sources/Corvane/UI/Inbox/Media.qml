@@ -27,11 +27,12 @@ Item {
     }
     Image {
         id: photo
+        objectName: "media.photo"
         anchors.fill: parent
         visible: media.picture
         asynchronous: true
         sourceSize: Qt.size(media.implicitWidth * Screen.devicePixelRatio, media.implicitHeight * Screen.devicePixelRatio)
-        source: media.picture ? "image://photo/" + Theme.controlRadius + "/" + encodeURI(media.item.mediaPath) : ""
+        source: media.picture ? "image://photo/" + Theme.controlRadius + "/" + encodeURIComponent(media.item.mediaPath) : ""
         TapHandler { onTapped: WindowTools.open(media.item.mediaPath) }
         HoverHandler { cursorShape: Qt.PointingHandCursor }
     }

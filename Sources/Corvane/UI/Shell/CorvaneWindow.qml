@@ -17,6 +17,7 @@ T.ApplicationWindow {
 
     title: content.title
     color: Theme.window
+    font: Qt.application.font // fields would follow the desktop's font for editors
     minimumWidth: 1040
     minimumHeight: 660
 

@@ -16,7 +16,7 @@ T.AbstractButton {
     required property int hue
     required property bool highlighted
 
-    implicitHeight: 44
+    implicitHeight: 40
     hoverEnabled: true
     focusPolicy: Qt.NoFocus
     Accessible.role: Accessible.ListItem
