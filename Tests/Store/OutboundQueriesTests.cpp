@@ -75,6 +75,34 @@ TEST_F(OutboundTest, anAcknowledgmentClosesADraftEitherWay)
     EXPECT_EQ(table("SELECT status, provider_msg_id, error FROM outbound_draft"), QStringList { "sent|P9|-" });
 }
 
+TEST_F(OutboundTest, ofTwoProgramsOneTakesTheStep)
+{
+    LocalDB other(path(), { m_home.paths().resources, m_home.paths().home }, m_clock, m_defaults, m_centre);
+    const QString id = queue("once");
+    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending")) << "nobody released it";
+    EXPECT_TRUE(moveDraft(other, id, "pending", "approved"));
+    m_clock.advance(seconds(1));
+    EXPECT_TRUE(moveDraft(*m_db, id, "approved", "sending"));
+    EXPECT_FALSE(moveDraft(other, id, "approved", "sending"));
+    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending"));
+    EXPECT_FALSE(moveDraft(*m_db, "od:nobody", "approved", "sending"));
+    EXPECT_EQ(cell("SELECT updated_at FROM outbound_draft;").toLongLong(), m_clock.nowMs());
+    EXPECT_EQ(fetchDraft(other, id)->status, "sending");
+    EXPECT_FALSE(fetchDraft(other, "od:nobody"));
+}
+
+TEST_F(OutboundTest, aStepThatTheFileDoesNotTakeIsNotTaken)
+{
+    const QString id = queue("x");
+    OtherProcess holder(path());
+    holder.exec("BEGIN IMMEDIATE;");
+    m_db->exec("PRAGMA busy_timeout=1;");
+    EXPECT_FALSE(moveDraft(*m_db, id, "pending", "approved"));
+    holder.exec("COMMIT;");
+    EXPECT_EQ(status(id), "pending");
+    EXPECT_TRUE(moveDraft(*m_db, id, "pending", "approved"));
+}
+
 TEST_F(OutboundTest, aDraftInFlightIsNotEdited)
 {
     const QString id = queue("first");

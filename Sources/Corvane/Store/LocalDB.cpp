@@ -76,6 +76,11 @@ bool LocalDB::run(const QString& sql, const QList<SqlValue>& parameters)
     return false;
 }
 
+qint64 LocalDB::changedRows(const QString& sql, const QList<SqlValue>& parameters)
+{
+    return run(sql, parameters) ? sqlite3_changes64(m_db) : 0;
+}
+
 std::optional<QString> LocalDB::scalar(const QString& sql, const QList<SqlValue>& parameters)
 {
     const Statement statement = prepare(sql.toUtf8());

@@ -33,6 +33,9 @@ public:
     /// One statement; false and a log line on failure.
     bool run(const QString& sql, const QList<SqlValue>& parameters = {});
 
+    /// One statement; the number of rows that it changed itself, 0 and a log line on failure.
+    qint64 changedRows(const QString& sql, const QList<SqlValue>& parameters);
+
     /// The first column of the first row as text. Binds only text and 64-bit integers: any other value stays
     /// unbound, and so NULL.
     std::optional<QString> scalar(const QString& sql, const QList<SqlValue>& parameters = {});

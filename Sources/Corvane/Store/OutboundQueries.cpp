@@ -5,6 +5,22 @@
 
 namespace corvane {
 
+namespace {
+
+const QString draftColumns = QStringLiteral(
+    R"(SELECT id, conversation_id, channel, account_id, external_id, COALESCE(title,''), body,
+       status, COALESCE(source,''), COALESCE(web_ack_status,''), COALESCE(provider_msg_id,''), COALESCE(error,'')
+FROM outbound_draft
+)");
+
+PendingDraft draftFrom(const SqlRow& row)
+{
+    return PendingDraft { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
+        row.text(7), row.text(8), row.text(9), row.text(10), row.text(11) };
+}
+
+}
+
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source)
 {
     struct Target {
@@ -36,18 +52,23 @@ QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int li
         placeholders.append(QStringLiteral("?"));
     }
     parameters.append(limit);
-    const QString sql = QStringLiteral(
-        R"(SELECT id, conversation_id, channel, account_id, external_id, COALESCE(title,''), body,
-       status, COALESCE(source,''), COALESCE(web_ack_status,''), COALESCE(provider_msg_id,''), COALESCE(error,'')
-FROM outbound_draft
-WHERE workspace_id=? AND status IN (%1)
+    const QString which = QStringLiteral(R"(WHERE workspace_id=? AND status IN (%1)
 ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
 LIMIT ?;)")
-                            .arg(placeholders.join(u','));
-    return db.rows(sql, parameters, [](const SqlRow& row) {
-        return PendingDraft { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
-            row.text(7), row.text(8), row.text(9), row.text(10), row.text(11) };
-    });
+                              .arg(placeholders.join(u','));
+    return db.rows(draftColumns + which, parameters, draftFrom);
+}
+
+std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
+{
+    return db.firstRow(draftColumns + QStringLiteral("WHERE id=?;"), { id }, draftFrom);
+}
+
+bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to)
+{
+    return db.changedRows("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=? AND status=?;",
+               { to, db.nowMs(), id, from })
+        == 1;
 }
 
 void markDraft(LocalDB& db, const QString& id, const QString& status)
