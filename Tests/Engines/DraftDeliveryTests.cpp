@@ -140,6 +140,84 @@ TEST_F(DraftDeliveryTest, aFullPipeIsTriedAgainAndNeverGoesStale)
     EXPECT_EQ(engine().commands().size(), 1);
 }
 
+TEST_F(DraftDeliveryTest, ofTwoProgramsOnOneFileOneSends)
+{
+    EngineManager second(world.on(world.clock, world.launcher), world.openDatabase(world.clock));
+    startShop();
+    FakeChild& first = engine();
+    world.launcher.expect(FakeLauncher::stays());
+    second.start(shop);
+    FakeChild& other = engine();
+    QList<ApprovedDraft> seenByBoth;
+    for (int i = 0; i < 4; ++i) {
+        const QString id = queue(shop, QString::number(i));
+        seenByBoth.append(*ApprovedDraft::from(*fetchDraft(second.db(), id)));
+    }
+    // Each has read the rows as approved, and each gets to deliver them; here first the one, there first the other.
+    DraftDelivery here(world.engines, world.clock, [] { });
+    DraftDelivery there(second, world.clock, [] { });
+    for (int i = 0; i < 4; ++i) {
+        (i % 2 ? here : there).deliver(seenByBoth.at(i), shop);
+        (i % 2 ? there : here).deliver(seenByBoth.at(i), shop);
+    }
+    world.engines.refreshDrafts();
+    second.refreshDrafts();
+    EXPECT_EQ(first.commands().size(), 2);
+    EXPECT_EQ(other.commands().size(), 2);
+    for (const ApprovedDraft& each : seenByBoth)
+        EXPECT_EQ(draft(each.row().id), u"sending"_s);
+}
+
+TEST_F(DraftDeliveryTest, aProgramThatEndsBetweenTheStepAndTheEngineSendsNothingLater)
+{
+    const QString id = queue(shop, u"hello"_s);
+    ASSERT_TRUE(moveDraft(world.engines.db(), id, u"approved"_s, u"sending"_s));
+    startShop();
+    world.engines.startDraftWatch();
+    world.clock.advance(seconds(300));
+    EXPECT_EQ(draft(id), u"failed"_s);
+    EXPECT_EQ(engine().commands().size(), 0);
+}
+
+TEST_F(DraftDeliveryTest, aFileThatTakesNoChangeSendsNothing)
+{
+    startShop();
+    const QString id = queue(shop, u"hello"_s);
+    world.engines.db().exec(u"CREATE TRIGGER full BEFORE UPDATE ON outbound_draft BEGIN "
+                            "SELECT RAISE(ABORT, 'disk full'); END;"_s);
+    world.engines.startDraftWatch();
+    tick();
+    EXPECT_EQ(engine().commands().size(), 0);
+    world.engines.db().exec(u"DROP TRIGGER full;"_s);
+    tick();
+    tick();
+    EXPECT_EQ(engine().commands().size(), 1);
+    EXPECT_EQ(draft(id), u"sending"_s);
+}
+
+TEST_F(DraftDeliveryTest, aPersonReleasesWhatTheySawAndNothingElse)
+{
+    startShop();
+    const QString id = queue(shop, u"as shown"_s, u"pending"_s);
+    const auto seen = *fetchDraft(world.engines.db(), id);
+    updateDraftBody(world.engines.db(), id, u"changed by another program"_s);
+    EXPECT_FALSE(world.engines.releaseDraft(seen, shop));
+    EXPECT_EQ(draft(id), u"pending"_s);
+
+    const auto current = *fetchDraft(world.engines.db(), id);
+    EXPECT_TRUE(world.engines.releaseDraft(current, shop));
+    EXPECT_FALSE(world.engines.releaseDraft(current, shop)) << "pressed twice";
+    EXPECT_EQ(engine().commands().size(), 1);
+    EXPECT_EQ(draft(id), u"sending"_s);
+    EXPECT_FALSE(world.engines.releaseDraft(*fetchDraft(world.engines.db(), id), shop));
+
+    markDraftFailed(world.engines.db(), id, u"no such chat"_s);
+    engine().writeFailure = u"standard input is full"_s;
+    EXPECT_TRUE(world.engines.releaseDraft(*fetchDraft(world.engines.db(), id), shop));
+    EXPECT_EQ(draft(id), u"approved"_s) << "tried again at the next tick";
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
 TEST_F(DraftDeliveryTest, aDraftOfAnAccountThatWasNeverStartedWaits)
 {
     world.engines.startDraftWatch();

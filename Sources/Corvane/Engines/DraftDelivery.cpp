@@ -12,6 +12,7 @@ constexpr qint64 acknowledgmentMs = 120'000;
 constexpr int rowsPerTick = 50;
 
 const QString approved = QStringLiteral("approved");
+const QString sending = QStringLiteral("sending");
 
 bool placesTextInBrowser(Channel channel)
 {
@@ -57,10 +58,23 @@ void DraftDelivery::refresh()
         m_pendingChanged();
 }
 
+bool DraftDelivery::release(const PendingDraft& seen, const Account& account)
+{
+    LocalDB& db = m_engines.db();
+    if (!waitsForPerson(seen) || fetchDraft(db, seen.id) != seen || !moveDraft(db, seen.id, seen.status, approved))
+        return false;
+    PendingDraft released = seen;
+    released.status = approved;
+    if (const auto draft = ApprovedDraft::from(released))
+        deliver(*draft, account);
+    return true;
+}
+
 void DraftDelivery::deliver(const ApprovedDraft& draft, const Account& account)
 {
     const PendingDraft& row = draft.row();
-    markDraft(m_engines.db(), row.id, QStringLiteral("sending"));
+    if (!moveDraft(m_engines.db(), row.id, approved, sending))
+        return;
     const bool taken = placesTextInBrowser(account.channel())
         ? m_engines.writeCommand(account,
               { { QStringLiteral("cmd"), QStringLiteral("draft") }, { QStringLiteral("threadId"), row.externalId },
@@ -68,8 +82,13 @@ void DraftDelivery::deliver(const ApprovedDraft& draft, const Account& account)
         : m_engines.sendText(account, row.externalId, row.body, row.id);
     if (taken)
         return;
-    markDraft(m_engines.db(), row.id, approved);
-    m_engines.start(account);
+    if (moveDraft(m_engines.db(), row.id, sending, approved))
+        m_engines.start(account);
+}
+
+bool waitsForPerson(const PendingDraft& draft)
+{
+    return draft.status == u"pending" || draft.status == u"failed";
 }
 
 QString statusLabel(const PendingDraft& draft)

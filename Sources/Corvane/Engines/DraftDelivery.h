@@ -34,8 +34,13 @@ public:
     void refresh();
     const QList<PendingDraft>& pending() const { return m_pending; }
 
-    /// The one place where a draft's text goes to an engine. One that takes nothing is started, and the draft stays
-    /// approved.
+    /// A person releases a pending or failed draft as they saw it, and it goes out at once. A row that has changed
+    /// since, or is on its way already, stays as it is: false.
+    bool release(const PendingDraft& seen, const Account& account);
+
+    /// The one place where a draft's text goes to an engine, and only by whoever takes the row from "approved" to
+    /// "sending": of two programs, or two ticks, one does. A crash after that step leaves a row that fails by its
+    /// age, never one that goes out again. An engine that takes nothing is started, and the draft stays approved.
     void deliver(const ApprovedDraft& draft, const Account& account);
 
 private:
@@ -45,6 +50,9 @@ private:
     std::unique_ptr<Timer> m_timer;
     QList<PendingDraft> m_pending;
 };
+
+/// Whether the draft can be approved, rejected and edited.
+bool waitsForPerson(const PendingDraft& draft);
 
 /// Where a draft stands, in the user's words.
 QString statusLabel(const PendingDraft& draft);

@@ -158,6 +158,11 @@ void EngineManager::refreshDrafts()
     m_state->drafts.refresh();
 }
 
+bool EngineManager::releaseDraft(const PendingDraft& seen, const Account& account)
+{
+    return m_state->drafts.release(seen, account);
+}
+
 const QList<PendingDraft>& EngineManager::pendingDrafts() const
 {
     return m_state->drafts.pending();

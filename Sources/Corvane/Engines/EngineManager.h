@@ -68,6 +68,7 @@ public:
     // Drafts
     void startDraftWatch(); ///< may be called again
     void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
+    bool releaseDraft(const PendingDraft& seen, const Account& account); ///< see DraftDelivery::release
     const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
 
     // Commands to engines; true where the line is on its way
@@ -89,6 +90,7 @@ public:
     void setOpenContactId(const QString& contactId);
     std::optional<MediaDownloadStatus> mediaDownloadStatus(const QString& messageId) const;
     void refreshUnreadBadge();
+    void bump(); ///< something that the inbox shows may have changed
 
     /// What an engine printed behind the sentinel; anything but a JSON object with a "type" is ignored.
     void handleEvent(const QUuid& accountId, const QString& line, Speaker speaker);
@@ -103,7 +105,6 @@ Q_SIGNALS:
     void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
 
 private:
-    void bump(); ///< something that the inbox shows may have changed
     void setMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 
     struct State;
