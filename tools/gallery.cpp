@@ -81,9 +81,9 @@ public:
               m_app.defaults())
     {
         QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
-        QObject::connect(&m_window, &MainWindow::appeared, &m_app, &CorvaneApp::onAppear);
     }
 
+    /// The start sequence stays out: it would take the tool server's port from a program that runs beside.
     void draw()
     {
         m_window.show();
