@@ -151,6 +151,12 @@ TEST(ContactItem, noRawAddressIsEverAName)
     EXPECT_EQ(shown(person("1", "ana@example.com", { "EMAIL" })).name, "ana@example.com");
 }
 
+TEST(ContactItem, aNameIsOneShortLine)
+{
+    EXPECT_EQ(shown(person("1", " Ana\nRuiz\n", { "TELEGRAM" })).name, "Ana Ruiz");
+    EXPECT_LE(shown(person("1", QString(100'000, u'x'))).name.size(), 160);
+}
+
 TEST(ContactItem, aSnippetIsOneShortLine)
 {
     ContactRow row = person("1", "Ana");

@@ -197,3 +197,19 @@ TEST(ThreadRow, aTextIsShownOnce)
     surroundings.contactName = "Ana Ruiz";
     EXPECT_EQ(shownRows({ message(noon, "IN", "") }, surroundings).last().spoken, "Ana Ruiz, 12:00: hello");
 }
+
+TEST(ThreadRow, aBookIsShownInPartAndCopiedWhole)
+{
+    const QString book(50'000'000, u'b');
+    const UnifiedMsgRow row = medium({}, {}, book);
+    const ThreadRow shown = shownRows({ row }).last();
+    EXPECT_LT(shown.body.size(), 11'000);
+    EXPECT_TRUE(shown.body.contains("more characters"));
+    EXPECT_LT(shown.spoken.size(), 11'000);
+    EXPECT_EQ(bubble::readableText(row), book);
+
+    const UnifiedMsgRow voice = medium("audio", {}, "[Audio] " + book);
+    EXPECT_LT(shownRows({ voice }).last().mediaTitle.size(), 11'000);
+    const QString page(10'000, u'p');
+    EXPECT_EQ(shownRows({ medium({}, {}, page) }).last().body, page);
+}

@@ -30,7 +30,7 @@ QString nameOf(const QString& name, const QStringList& platforms)
         QStringLiteral("@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|newsletter|broadcast)$"));
     const bool onlyWhatsApp
         = platforms.contains(QStringLiteral("WHATSAPP")) && !platforms.contains(QStringLiteral("EMAIL"));
-    const QString trimmed = name.trimmed();
+    const QString trimmed = lineOf(name);
     if (trimmed.isEmpty() || onlyWhatsApp || trimmed.contains(network))
         return WAName::pretty(trimmed);
     return trimmed;

@@ -1,6 +1,7 @@
 #include "Inbox/ThreadRow.h"
 
 #include "Engines/Account.h"
+#include "Foundation/Text.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/UnifiedBubble.h"
 #include "Inbox/WAName.h"
@@ -48,6 +49,27 @@ QString mediaStateWord(MediaState::Kind kind)
         return QStringLiteral("missing");
     }
     return {};
+}
+
+// A body may be a whole book, which to lay out would hold the window; copying takes it whole.
+QString readablePart(const QString& text)
+{
+    constexpr int readable = 10'000;
+    if (text.size() <= readable)
+        return text;
+    const QString part = firstCharacters(text.first(readable), readable - 1);
+    return QStringLiteral("%1…\n\n%L2 more characters. Copy takes the whole text.")
+        .arg(part)
+        .arg(text.size() - part.size());
+}
+
+UnifiedMsgRow readablePart(UnifiedMsgRow row)
+{
+    row.body = readablePart(row.body);
+    if (row.audioTranscript)
+        row.audioTranscript = readablePart(*row.audioTranscript);
+    row.sender = singleLine(row.sender.left(200));
+    return row;
 }
 
 // A picture carries its caption below it; a document, or a medium that is not here, is a card with a title,
@@ -100,7 +122,7 @@ ThreadRow dateRow(const QString& label)
 
 ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroundings, const DateWords& words)
 {
-    const UnifiedMsgRow& row = message.row;
+    const UnifiedMsgRow row = readablePart(message.row);
     ThreadRow shown;
     shown.id = row.id;
     shown.outgoing = row.direction == QStringLiteral("OUT");
