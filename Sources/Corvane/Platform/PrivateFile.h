@@ -5,9 +5,12 @@
 
 namespace corvane {
 
+/// What a written file outlives. Waiting for the disk takes as long as the disk likes.
+enum class Outlives { PowerCut, Program };
+
 /// Puts the content in place of the file, in one step: a reader sees the old content or the new one, and a
 /// crash leaves either. The file has mode 0600 from its first byte on, whatever the umask; a missing folder
 /// is made. False where anything fails; the old file then stands.
-bool writePrivateFile(const QString& path, const QByteArray& content);
+bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives = Outlives::PowerCut);
 
 }

@@ -5,6 +5,7 @@
 namespace corvane {
 
 class Desktop;
+class Microphone;
 class NotificationService;
 class PortHolders;
 class ProcessLauncher;
@@ -18,6 +19,7 @@ std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop();
+std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 

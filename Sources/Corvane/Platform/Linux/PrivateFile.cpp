@@ -24,12 +24,12 @@ bool writeAll(int descriptor, const QByteArray& content)
             return false;
         written += count;
     }
-    return ::fsync(descriptor) == 0;
+    return true;
 }
 
 }
 
-bool writePrivateFile(const QString& path, const QByteArray& content)
+bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives)
 {
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder))
@@ -39,11 +39,13 @@ bool writePrivateFile(const QString& path, const QByteArray& content)
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0)
         return false;
-    const bool complete = writeAll(descriptor, content);
+    const bool waits = outlives == Outlives::PowerCut;
+    const bool complete = writeAll(descriptor, content) && (!waits || ::fsync(descriptor) == 0);
     const bool closed = ::close(descriptor) == 0;
     if (complete && closed && ::rename(temporary.constData(), QFile::encodeName(path).constData()) == 0) {
         // The rename itself survives a power cut only once the folder is on the disk.
-        const int folderDescriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const int folderDescriptor
+            = waits ? ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
         if (folderDescriptor >= 0) {
             ::fsync(folderDescriptor);
             ::close(folderDescriptor);

@@ -1,0 +1,168 @@
+#include "Platform/Microphone.h"
+
+#include "Foundation/SystemScheduler.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "SoundServer.h"
+#include "Support/LogCapture.h"
+#include "Support/VirtualScheduler.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLocalServer>
+#include <QSignalSpy>
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+using namespace corvane;
+
+namespace {
+
+QByteArray output(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    EXPECT_TRUE(process.waitForFinished(20'000)) << qPrintable(program);
+    return process.readAllStandardOutput().trimmed();
+}
+
+/// "codec,rate,channels" of the sound in a file.
+QByteArray formatOf(const QString& path)
+{
+    return output("ffprobe",
+        { "-v", "error", "-show_entries", "stream=codec_name,sample_rate,channels", "-of", "csv=p=0", path });
+}
+
+double secondsOf(const QString& path)
+{
+    return output("ffprobe", { "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", path }).toDouble();
+}
+
+float peakOf(const QString& path)
+{
+    const QByteArray raw = output("ffmpeg", { "-v", "error", "-i", path, "-f", "f32le", "-" });
+    float peak = 0;
+    for (qsizetype at = 0; at + 4 <= raw.size(); at += 4) {
+        float sample = 0;
+        std::memcpy(&sample, raw.constData() + at, 4);
+        peak = std::max(peak, std::fabs(sample));
+    }
+    return peak;
+}
+
+class MicrophoneTest : public testing::Test {
+protected:
+    std::optional<MicrophoneAccess> access()
+    {
+        std::optional<MicrophoneAccess> answer;
+        microphone->requestAccess([&](MicrophoneAccess given) { answer = given; });
+        EXPECT_FALSE(answer) << "the answer comes later";
+        EXPECT_TRUE(await([&] { return answer.has_value(); }));
+        return answer;
+    }
+
+    std::unique_ptr<MicrophoneRecording> recordFor(double seconds)
+    {
+        auto recording = microphone->record(path);
+        EXPECT_TRUE(recording && await([&] { return recording->elapsedSeconds() >= seconds; }));
+        return recording;
+    }
+
+    LogCapture logs;
+    QTemporaryDir folder;
+    const QString path = folder.filePath("corvane-voice-1.m4a");
+    SystemScheduler scheduler;
+    std::unique_ptr<Microphone> microphone = makeMicrophone(scheduler);
+};
+
+}
+
+TEST_F(MicrophoneTest, aNoteIsRecordedAsOneWholeFile)
+{
+    SoundServer server(Microphones::One);
+    EXPECT_EQ(access(), MicrophoneAccess::Granted);
+    auto recording = recordFor(1.5);
+    EXPECT_GT(recording->level(), 0.1);
+    QElapsedTimer stopping;
+    stopping.start();
+    EXPECT_TRUE(recording->stop());
+    EXPECT_LT(stopping.elapsed(), 1000);
+    EXPECT_EQ(formatOf(path), "aac,44100,1");
+    EXPECT_NEAR(secondsOf(path), recording->elapsedSeconds(), 0.1);
+    EXPECT_GT(peakOf(path), 0.1F);
+    EXPECT_EQ(QFileInfo(path).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    QFile whole(path);
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(whole.readAll().contains("moof")) << "its pieces were joined";
+    EXPECT_FALSE(microphone->record(path)) << "a file that stands there is not written over";
+}
+
+TEST_F(MicrophoneTest, aKillLeavesAllButTheLastSecond)
+{
+    SoundServer server(Microphones::One);
+    const auto recording = recordFor(3.2);
+    const double recorded = recording->elapsedSeconds();
+    const QString atKill = folder.filePath("copy.m4a");
+    ASSERT_TRUE(QFile::copy(path, atKill));
+    EXPECT_GT(secondsOf(atKill), recorded - 1.2);
+    EXPECT_GT(peakOf(atKill), 0.1F);
+    recording->cancel();
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(MicrophoneTest, whatWasRecordedIsKeptWhenTheMicrophoneGoes)
+{
+    for (const bool wholeServer : { false, true }) {
+        QFile::remove(path);
+        SoundServer server(Microphones::One);
+        const auto recording = recordFor(1.2);
+        QSignalSpy interrupted(recording.get(), &MicrophoneRecording::interrupted);
+        wholeServer ? server.kill() : static_cast<void>(server.unplug());
+        EXPECT_TRUE(await([&] { return !interrupted.isEmpty(); }));
+        EXPECT_FALSE(interrupted.value(0).value(0).toString().isEmpty());
+        EXPECT_TRUE(recording->stop());
+        EXPECT_EQ(interrupted.size(), 1);
+        EXPECT_NEAR(secondsOf(path), recording->elapsedSeconds(), 0.1);
+    }
+}
+
+TEST_F(MicrophoneTest, aRecordingThatIsDroppedIsFinished)
+{
+    SoundServer server(Microphones::One);
+    recordFor(1.0).reset();
+    EXPECT_GT(secondsOf(path), 0.9);
+}
+
+TEST_F(MicrophoneTest, withoutAMicrophoneNothingBegins)
+{
+    SoundServer server(Microphones::None);
+    EXPECT_EQ(access(), MicrophoneAccess::Missing) << "what the loudspeaker plays is no microphone";
+    const auto recording = microphone->record(path);
+    QSignalSpy interrupted(recording.get(), &MicrophoneRecording::interrupted);
+    EXPECT_TRUE(await([&] { return !interrupted.isEmpty(); }));
+    EXPECT_FALSE(recording->stop());
+    EXPECT_FALSE(QFile::exists(path)) << "a file without sound is not left";
+    server.kill();
+    EXPECT_EQ(access(), MicrophoneAccess::Missing);
+    EXPECT_FALSE(microphone->record(folder.filePath("nowhere/x.m4a")));
+}
+
+TEST_F(MicrophoneTest, aSoundServerThatDoesNotAnswerIsGivenUpAfterThreeSeconds)
+{
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(folder.filePath("silent")));
+    qputenv("PULSE_SERVER", QFile::encodeName("unix:" + silent.fullServerName()));
+    VirtualScheduler clock;
+    const auto patient = makeMicrophone(clock);
+    std::optional<MicrophoneAccess> answer;
+    patient->requestAccess([&](MicrophoneAccess given) { answer = given; });
+    const auto recording = patient->record(path);
+    QSignalSpy interrupted(recording.get(), &MicrophoneRecording::interrupted);
+    clock.advance(Milliseconds(2999));
+    EXPECT_FALSE(answer || !interrupted.isEmpty());
+    clock.advance(Milliseconds(1));
+    EXPECT_EQ(answer, MicrophoneAccess::Missing);
+    EXPECT_EQ(interrupted.size(), 1);
+    qunsetenv("PULSE_SERVER");
+}

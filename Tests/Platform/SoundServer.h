@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Support/Await.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+
+namespace corvane {
+
+enum class Microphones { None, One };
+
+/// A PulseAudio server of the test's own, without hardware: a loudspeaker, and a microphone that hears a tone. The
+/// clients of this process find it, and no other, as long as it stands.
+class SoundServer {
+public:
+    explicit SoundServer(Microphones microphones)
+    {
+        for (const char* variable : { "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH" })
+            qputenv(variable, QFile::encodeName(m_folder.path()));
+        qputenv("PULSE_COOKIE", QFile::encodeName(m_folder.filePath(QStringLiteral("cookie"))));
+        qputenv("PULSE_SERVER", QFile::encodeName(QStringLiteral("unix:") + socket()));
+        QStringList arguments { "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
+            "module-native-protocol-unix auth-anonymous=1 socket=" + socket(), "-L",
+            "module-null-sink sink_name=speaker rate=48000 channels=2" };
+        if (microphones == Microphones::One) {
+            arguments += { "-L", "module-null-sink sink_name=room rate=48000 channels=1", "-L",
+                "module-remap-source source_name=mic master=room.monitor", "-L",
+                "module-sine sink=room frequency=440" };
+        }
+        m_server.setStandardErrorFile(QProcess::nullDevice());
+        m_server.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        m_server.start(QStringLiteral("pulseaudio"), arguments);
+        EXPECT_TRUE(await([] { return control({ "info" }); })) << "pulseaudio did not come up";
+        control({ "set-default-sink", "speaker" });
+        if (microphones == Microphones::One)
+            EXPECT_TRUE(control({ "set-default-source", "mic" }));
+        // A room in which nothing plays in haste sleeps for up to two seconds before it is heard.
+        m_haste.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        if (microphones == Microphones::One)
+            m_haste.start(QStringLiteral("pacat"), { "--latency-msec=20", "--device=room", "/dev/zero" });
+    }
+
+    ~SoundServer()
+    {
+        kill();
+        for (const char* variable : { "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH", "PULSE_COOKIE", "PULSE_SERVER" })
+            qunsetenv(variable);
+    }
+    SoundServer(const SoundServer&) = delete;
+    SoundServer& operator=(const SoundServer&) = delete;
+
+    QString socket() const { return m_folder.filePath(QStringLiteral("native")); }
+
+    void kill()
+    {
+        m_server.kill();
+        m_server.waitForFinished();
+        m_haste.kill();
+        m_haste.waitForFinished();
+    }
+
+    bool unplug() { return control({ "unload-module", "module-remap-source" }); }
+
+private:
+    static bool control(const QStringList& arguments)
+    {
+        QProcess pactl;
+        pactl.setStandardErrorFile(QProcess::nullDevice());
+        pactl.start(QStringLiteral("pactl"), arguments);
+        return pactl.waitForFinished() && pactl.exitCode() == 0;
+    }
+
+    QTemporaryDir m_folder;
+    QProcess m_server;
+    QProcess m_haste;
+};
+
+}
