@@ -12,6 +12,7 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"
 #include "Store/IngestQueries.h"
 #include "Store/LocalDB.h"
@@ -89,7 +90,9 @@ private:
         { m_paths, m_scheduler, *m_launcher, m_ports, m_background, m_keychain, m_notifier, m_desktop }, openCopy()
     };
     AccountStore m_accounts { m_paths.applicationSupport };
-    InboxView m_inbox { InboxView::Surroundings { m_engine, m_accounts, m_defaults, m_centre, m_scheduler } };
+    std::unique_ptr<Microphone> m_microphone = makeMicrophone(m_scheduler);
+    InboxView m_inbox { InboxView::Surroundings {
+        m_engine, m_accounts, m_defaults, m_centre, m_scheduler, *m_microphone, m_paths } };
     IncomingMessage m_message;
     int m_messages = 0;
 };

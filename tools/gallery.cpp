@@ -7,6 +7,7 @@
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
@@ -108,6 +109,7 @@ private:
         auto own = std::make_unique<PictureDesktop>();
         desktop = own.get();
         machine.desktop = std::move(own);
+        machine.microphone = makeMicrophone(scheduler);
         return machine;
     }
 

@@ -4,6 +4,7 @@
 #include "Platform/ApplicationId.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
@@ -43,6 +44,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     machine.secrets = makeSecretStore(paths);
     machine.notifications = makeNotificationService();
     machine.desktop = makeDesktop();
+    machine.microphone = makeMicrophone(scheduler);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;

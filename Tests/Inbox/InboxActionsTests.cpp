@@ -218,8 +218,10 @@ TEST_F(InboxViewTest, theReplyGoesWhereItLastWent)
     inbox.reload();
     defaults.setText("nimb.replyPlatform." + ana, "EMAIL");
     inbox.select(ana);
-    EXPECT_EQ(inbox.replyPlatform(), "EMAIL");
+    EXPECT_EQ(inbox.composer()->replyPlatform(), "EMAIL");
     defaults.setText("nimb.replyPlatform." + ana, "SLACK");
+    inbox.select(ben);
     inbox.select(ana);
-    EXPECT_EQ(inbox.replyPlatform(), inbox.selected().platforms.first()) << "a channel that the person has not";
+    EXPECT_EQ(inbox.composer()->replyPlatform(), inbox.selected().platforms.first())
+        << "a channel that the person has not";
 }

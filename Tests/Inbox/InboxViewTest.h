@@ -97,7 +97,8 @@ protected:
 
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
-    InboxView inbox { InboxView::Surroundings { engines, accounts, defaults, centre, clock } };
+    InboxView inbox { InboxView::Surroundings {
+        engines, accounts, defaults, centre, clock, microphone, home.paths() } };
     QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester threadTester { inbox.thread()->rows(),

@@ -7,6 +7,7 @@
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeLauncher.h"
+#include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
@@ -47,6 +48,7 @@ protected:
         notifications = ownedNotifications.get();
         machine.notifications = std::move(ownedNotifications);
         machine.desktop = std::make_unique<FakeDesktop>();
+        machine.microphone = std::make_unique<FakeMicrophone>();
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 

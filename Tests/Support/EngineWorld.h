@@ -9,6 +9,7 @@
 #include "Store/LocalDB.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeLauncher.h"
+#include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
@@ -43,6 +44,7 @@ struct EngineSurroundings {
     Notifier notifier { banners, centre, defaults, clock, [] {
                        } };
     FakeDesktop desktop;
+    FakeMicrophone microphone;
 };
 
 /// A manager whose engines a test plays.

@@ -69,7 +69,7 @@ protected:
     LoginWallView wall { session, content };
     AppShell shell { centre, defaults };
     ProfileMenu profile { session, shell, engines.db(), centre };
-    InboxView inbox { { engines, accounts, defaults, centre, clock } };
+    InboxView inbox { { engines, accounts, defaults, centre, clock, microphone, home.paths() } };
     IntegrationsView settings { { accounts, engines, session, keychain, defaults, clock, home.paths() } };
     MainWindow window { { content, wall, shell, profile, settings, inbox, appearance }, defaults };
 

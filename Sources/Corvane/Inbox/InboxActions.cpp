@@ -4,7 +4,10 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
-#include "Inbox/ReplyRouting.h"
+#include "Foundation/Ids.h"
+#include "Store/IngestQueries.h"
+#include "Store/OutboundQueries.h"
+#include "Store/ThreadQueries.h"
 
 #include <algorithm>
 
@@ -54,12 +57,12 @@ void InboxView::openContact(const ContactRow& row)
 {
     m_selectedRow = row;
     m_selectedId = row.id;
-    m_replyPlatform = preferredReplyPlatform(m_defaults, row);
     m_jumpMsgId.clear();
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
     readSelected();
     m_thread.open(m_selectedRow);
+    m_composer.open(m_selectedRow);
     m_reloadSoon.request();
     present();
     Q_EMIT selectionChanged();
@@ -71,11 +74,11 @@ void InboxView::close()
         return;
     m_selectedId.clear();
     m_selectedRow = {};
-    m_replyPlatform.clear();
     m_jumpMsgId.clear();
     m_palette.setHasSelection(false);
     tellWhatIsOpen();
     m_thread.open({});
+    m_composer.open({});
     Q_EMIT selectionChanged();
 }
 
@@ -115,6 +118,21 @@ void InboxView::openHit(const QString& messageId)
     m_jumpMsgId = messageId;
     m_thread.highlight(messageId);
     Q_EMIT jumped();
+}
+
+bool InboxView::composeNew(const Account& account, const QString& recipient, const QString& text)
+{
+    const QString channel = channelRaw(account.channel());
+    const QString address = recipientAddress(account.channel(), recipient);
+    const QString conversation
+        = ensureConversation(db(), channel, account.slug, address, std::nullopt, m_scheduler.nowMs());
+    if (!queueDraft(db(), conversation, text, QStringLiteral("compose")))
+        return false;
+    m_engine.refreshDrafts();
+    m_engine.bump();
+    reload();
+    select(effectiveContactId(db(), contactId(channel, address)));
+    return true;
 }
 
 void InboxView::setOnScreen(bool onScreen)

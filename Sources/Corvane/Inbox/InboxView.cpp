@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/InboxWords.h"
+#include "Platform/AppPaths.h"
 #include "Store/Workspaces.h"
 
 #include <algorithm>
@@ -33,6 +34,13 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_hits(m_engine.db(), m_scheduler)
     , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
+    , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
+          surroundings.paths.applicationSupport + QStringLiteral("/unsent.json") })
+    , m_drafts(m_engine, m_accounts)
+    , m_composeSheet(m_accounts,
+          [this](const Account& account, const QString& recipient, const QString& message) {
+              return composeNew(account, recipient, message);
+          })
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
     , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
 {
@@ -54,6 +62,8 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
               if (notification.object && !notification.object->isEmpty())
                   select(*notification.object);
           });
+    m_composerAsked = surroundings.notifications.observe(
+        notifications::focusComposer, [this](const auto&) { m_composer.requestFocus(); });
 }
 
 InboxView::~InboxView() = default;
@@ -214,6 +224,7 @@ void InboxView::reload()
         if (m_onScreen && m_selectedRow.unread > 0)
             readSelected();
         m_thread.open(m_selectedRow);
+        m_composer.open(m_selectedRow);
     }
     m_loading = false;
     m_countsSoon.request();

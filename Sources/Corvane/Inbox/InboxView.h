@@ -5,9 +5,12 @@
 #include "Inbox/AvatarRequests.h"
 #include "Inbox/BulkSelection.h"
 #include "Inbox/CommandPalette.h"
+#include "Inbox/ComposeSheet.h"
+#include "Inbox/Composer.h"
 #include "Inbox/ContactItem.h"
 #include "Inbox/InboxList.h"
 #include "Inbox/MessageHits.h"
+#include "Inbox/PendingDraftsView.h"
 #include "Inbox/ThreadView.h"
 #include "Inbox/WebStaleness.h"
 
@@ -16,6 +19,7 @@
 namespace corvane {
 
 class UserDefaults;
+struct AppPaths;
 
 /// The inbox: one row per person, the search, and the thread that is open. It reads the database afresh at
 /// every reload and keeps nothing of it. Filters, modes and channels pass to the screen as words.
@@ -48,11 +52,13 @@ class InboxView : public QObject {
         corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nothing is open
     Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
-    Q_PROPERTY(QString replyPlatform READ replyPlatform NOTIFY selectionChanged)
+    Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
     // Around it
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
     Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
     Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
+    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< what waits before it goes out
+    Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
     Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
     Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
     Q_PROPERTY(
@@ -67,6 +73,8 @@ public:
         UserDefaults& defaults;
         NotificationCentre& notifications;
         Scheduler& scheduler;
+        Microphone& microphone;
+        const AppPaths& paths;
     };
 
     explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -103,7 +111,9 @@ public:
     ContactItem selected() const { return m_selected; }
     ThreadView* thread() { return &m_thread; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
-    const QString& replyPlatform() const { return m_replyPlatform; }
+    Composer* composer() { return &m_composer; }
+    PendingDraftsView* drafts() { return &m_drafts; }
+    ComposeSheet* composeSheet() { return &m_composeSheet; }
     bool onScreen() const { return m_onScreen; }
     void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
     bool showCRM() const { return m_showCRM; }
@@ -125,6 +135,9 @@ public:
     Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
     Q_INVOKABLE void moveSelection(int delta);
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
+
+    /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
+    bool composeNew(const Account& account, const QString& recipient, const QString& text);
 
     Q_INVOKABLE void archiveSelected();
     Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
@@ -198,8 +211,10 @@ private:
     int m_selectedPlace = 0; ///< where in the list the selection last stood
     ContactItem m_selected;
     QString m_jumpMsgId;
-    QString m_replyPlatform;
     ThreadView m_thread;
+    Composer m_composer;
+    PendingDraftsView m_drafts;
+    ComposeSheet m_composeSheet;
     CommandPalette m_palette;
     BulkSelection m_bulk;
 
@@ -219,6 +234,7 @@ private:
     std::unique_ptr<Timer> m_undoEnd;
     NotificationCentre::Observation m_workspaceChanged;
     NotificationCentre::Observation m_conversationAsked;
+    NotificationCentre::Observation m_composerAsked;
 };
 
 }

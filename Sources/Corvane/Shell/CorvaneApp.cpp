@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Notifications/Notifier.h"
 #include "Platform/Desktop.h"
+#include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"

@@ -16,6 +16,7 @@ namespace corvane {
 class AccountStore;
 class Desktop;
 class EngineManager;
+class Microphone;
 class NotificationService;
 class Notifier;
 class PortHolders;
@@ -36,6 +37,7 @@ struct Machine {
     std::unique_ptr<SecretStore> secrets;
     std::unique_ptr<NotificationService> notifications;
     std::unique_ptr<Desktop> desktop;
+    std::unique_ptr<Microphone> microphone;
     std::unique_ptr<Tray> tray; ///< none in a headless run
 };
 
@@ -56,6 +58,7 @@ public:
     Keychain& keychain() { return m_keychain; }
     Scheduler& scheduler() { return m_scheduler; }
     Desktop& desktop() { return *m_machine.desktop; }
+    Microphone& microphone() { return *m_machine.microphone; }
     const AppPaths& paths() const { return m_paths; }
 
     /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.

@@ -12,7 +12,8 @@ Screens::Screens(CorvaneApp& app)
     , wall(app.session(), content)
     , shell(app.notifications(), app.defaults())
     , profile(app.session(), shell, app.engine().db(), app.notifications())
-    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler() })
+    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
+          app.paths() })
     , settings(
           { app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths() })
 {

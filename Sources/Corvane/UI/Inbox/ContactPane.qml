@@ -95,7 +95,7 @@ FocusScope {
                             id: answers
                             anchors.right: parent.right
                             anchors.verticalCenter: parent.verticalCenter
-                            visible: line.modelData === pane.inbox.replyPlatform
+                            visible: line.modelData === pane.inbox.composer.replyPlatform
                             text: qsTr("replies go here")
                             font.pixelSize: Theme.meta
                             color: Theme.faint

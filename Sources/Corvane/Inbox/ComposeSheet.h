@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Engines/Account.h"
+
+#include <QObject>
+#include <QVariantList>
+#include <functional>
+
+namespace corvane {
+
+class AccountStore;
+
+/// Whether a message can be addressed so through the account. Blanks around it do not count.
+bool recipientValid(Channel channel, const QString& recipient);
+
+/// What the recipient of a channel is called.
+QString recipientLabel(Channel channel);
+
+/// The recipient as the channel's conversations name it: a WhatsApp number becomes its address.
+QString recipientAddress(Channel channel, const QString& recipient);
+
+/// A message to a new person. It queues a draft, which a person approves before it goes out. What was typed stays
+/// until it is queued.
+class ComposeSheet : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString note READ note CONSTANT)
+    Q_PROPERTY(QString submitLabel READ submitLabel CONSTANT)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< only where there is no account
+    Q_PROPERTY(bool shown READ shown NOTIFY changed)
+    Q_PROPERTY(QVariantList accounts READ accounts NOTIFY changed) ///< of {key, label, channel}
+    Q_PROPERTY(QString accountId READ accountId WRITE setAccountId NOTIFY changed)
+    Q_PROPERTY(QString recipientLabel READ label NOTIFY changed)
+    Q_PROPERTY(QString recipient READ recipient WRITE setRecipient NOTIFY changed)
+    Q_PROPERTY(bool recipientValid READ hasValidRecipient NOTIFY changed)
+    Q_PROPERTY(QString message READ message WRITE setMessage NOTIFY changed)
+    Q_PROPERTY(bool valid READ valid NOTIFY changed)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
+public:
+    /// Queues the message; false where that failed.
+    using Submit = std::function<bool(const Account& account, const QString& recipient, const QString& message)>;
+
+    /// `accounts` outlives the sheet.
+    ComposeSheet(AccountStore& accounts, Submit onSubmit, QObject* parent = nullptr);
+
+    QString title() const { return QStringLiteral("New message"); }
+    QString note() const { return QStringLiteral("Queues a draft — you approve it before it sends."); }
+    QString submitLabel() const { return QStringLiteral("Queue draft"); }
+    QString emptyText() const;
+    bool shown() const { return m_shown; }
+    QVariantList accounts() const;
+    QString accountId() const;
+    void setAccountId(const QString& id); ///< an unknown id changes nothing
+    QString label() const;
+    const QString& recipient() const { return m_recipient; }
+    void setRecipient(const QString& recipient);
+    bool hasValidRecipient() const;
+    const QString& message() const { return m_message; }
+    void setMessage(const QString& message);
+    bool valid() const { return hasValidRecipient() && !m_message.trimmed().isEmpty(); }
+    const QString& errorText() const { return m_errorText; }
+
+    Q_INVOKABLE void open();
+    Q_INVOKABLE void close();
+    Q_INVOKABLE void submit(); ///< only while valid; closes where the draft was queued
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    std::optional<Account> account() const; ///< the one picked, else the first
+
+    AccountStore& m_accounts;
+    Submit m_onSubmit;
+    std::optional<QUuid> m_accountId;
+    bool m_shown = false;
+    QString m_recipient;
+    QString m_message;
+    QString m_errorText;
+};
+
+}

@@ -1,0 +1,124 @@
+#include "Inbox/PendingDraftsView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
+#include "Inbox/DraftWords.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+const QString failed = QStringLiteral("failed");
+
+QString changedMeanwhile()
+{
+    return QStringLiteral("This draft changed while it was shown. Read it again before you decide.");
+}
+
+PendingDraftItem itemOf(const PendingDraft& draft)
+{
+    PendingDraftItem item;
+    item.id = draft.id;
+    item.title = draftStatusTitle(draft);
+    item.body = draft.body;
+    item.status = draft.status;
+    item.statusLabel = statusLabel(draft);
+    item.failureReason = draft.status == failed ? draftFailureReason(draft) : QString();
+    item.platform = draft.channel;
+    item.canDecide = waitsForPerson(draft);
+    item.approveLabel = draft.status == failed ? QStringLiteral("Retry") : QStringLiteral("Approve");
+    return item;
+}
+
+}
+
+PendingDraftsView::PendingDraftsView(EngineManager& engine, AccountStore& accounts, QObject* parent)
+    : QObject(parent)
+    , m_engine(engine)
+    , m_accounts(accounts)
+{
+    connect(&engine, &EngineManager::pendingDraftsChanged, this, &PendingDraftsView::present);
+    present();
+}
+
+const PendingDraft* PendingDraftsView::decidable(const QString& id) const
+{
+    const auto found = std::ranges::find(m_drafts, id, &PendingDraft::id);
+    return found == m_drafts.end() || !waitsForPerson(*found) ? nullptr : &*found;
+}
+
+void PendingDraftsView::askToConfirm(const QString& id)
+{
+    m_confirmDraft = decidable(id) ? id : QString();
+    Q_EMIT changed();
+}
+
+void PendingDraftsView::cancelConfirm()
+{
+    m_confirmDraft.clear();
+    Q_EMIT changed();
+}
+
+void PendingDraftsView::approve(const QString& id)
+{
+    const PendingDraft* shown = decidable(id);
+    if (!shown)
+        return;
+    const PendingDraft draft = *shown;
+    if (const auto account = m_accounts.findBySlug(draft.accountId)) {
+        afterAction(m_engine.releaseDraft(draft, *account) ? QString() : changedMeanwhile());
+        return;
+    }
+    if (moveDraft(m_engine.db(), draft.id, draft.status, failed))
+        markDraftFailed(
+            m_engine.db(), draft.id, QStringLiteral("Account %1 is no longer connected").arg(draft.accountId));
+    afterAction({});
+}
+
+void PendingDraftsView::reject(const QString& id)
+{
+    const PendingDraft* shown = decidable(id);
+    if (!shown)
+        return;
+    const bool rejected = moveDraft(m_engine.db(), id, shown->status, QStringLiteral("rejected"));
+    afterAction(rejected ? QString() : changedMeanwhile());
+}
+
+void PendingDraftsView::edit(const QString& id, const QString& body)
+{
+    if (!decidable(id) || body.trimmed().isEmpty())
+        return;
+    updateDraftBody(m_engine.db(), id, body);
+    afterAction({});
+}
+
+void PendingDraftsView::dismissNotice()
+{
+    m_notice.clear();
+    Q_EMIT changed();
+}
+
+void PendingDraftsView::afterAction(const QString& notice)
+{
+    m_notice = notice;
+    m_confirmDraft.clear();
+    m_engine.refreshDrafts();
+    Q_EMIT changed();
+}
+
+void PendingDraftsView::present()
+{
+    m_drafts = m_engine.pendingDrafts();
+    QList<PendingDraftItem> items;
+    for (const PendingDraft& draft : std::as_const(m_drafts))
+        items.append(itemOf(draft));
+    m_rows.assign(items);
+    if (!decidable(m_confirmDraft))
+        m_confirmDraft.clear();
+    Q_EMIT changed();
+}
+
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Platform/Microphone.h"
+
+#include <QObject>
+
+namespace corvane {
+
+/// One voice note: asked for, recorded, then sent or discarded. It belongs to the contact for whom it was begun. A
+/// note whose microphone goes away, or whose contact is left, ends there and is kept.
+class VoiceRecorder : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString state READ stateWord NOTIFY stateChanged) ///< idle, starting, recording, kept
+    Q_PROPERTY(bool recording READ recording NOTIFY stateChanged)
+    Q_PROPERTY(double elapsed READ elapsed NOTIFY progressed) ///< seconds of sound
+    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed) ///< such as "0:07"
+    Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged) ///< what went wrong; empty where nothing did
+public:
+    /// The references outlive the recorder. Notes are written into `folder`.
+    VoiceRecorder(Microphone& microphone, Scheduler& scheduler, const QString& folder, QObject* parent = nullptr);
+    ~VoiceRecorder() override;
+
+    QString stateWord() const;
+    bool recording() const { return m_state == State::Recording; }
+    bool idle() const { return m_state == State::Idle; }
+    const QString& contactId() const { return m_contactId; } ///< whose note it is; empty while idle
+    double elapsed() const { return m_elapsed; }
+    QString elapsedText() const;
+    double level() const { return m_level; }
+    const QString& notice() const { return m_notice; }
+
+    void start(const QString& contactId); ///< only while idle
+    QString stop(); ///< ends the recording and gives the note's file; empty where there is none
+    void leave(); ///< the contact is left: a running note ends and is kept
+    void handedOver(); ///< the note is an engine's now: idle again, and the file stays for it
+
+    Q_INVOKABLE void cancel(); ///< discards the note
+    Q_INVOKABLE void dismissNotice() { setNotice({}); }
+
+Q_SIGNALS:
+    void stateChanged();
+    void progressed();
+    void noticeChanged();
+
+private:
+    enum class State { Idle, Starting, Recording, Kept };
+
+    void begin(MicrophoneAccess access);
+    void interrupted(const QString& reason);
+    void update();
+    void enter(State state);
+    void setNotice(const QString& notice);
+
+    Microphone& m_microphone;
+    Scheduler& m_scheduler;
+    const QString m_folder;
+    State m_state = State::Idle;
+    int m_attempt = 0; ///< an answer to an attempt that was given up is not heard
+    QString m_contactId;
+    QString m_path;
+    std::unique_ptr<MicrophoneRecording> m_recording;
+    std::unique_ptr<Timer> m_ticks;
+    double m_elapsed = 0;
+    double m_level = 0;
+    QString m_notice;
+};
+
+}

@@ -1,0 +1,297 @@
+#include "InboxViewTest.h"
+#include "Store/IngestQueries.h"
+#include "Store/OutboundQueries.h"
+#include "Support/LogCapture.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace corvane;
+
+namespace {
+
+class ComposerTest : public InboxViewTest {
+protected:
+    ComposerTest()
+    {
+        receiveFromAnaAndBen();
+        inbox.select(ana);
+    }
+
+    QString cell(const QString& sql) { return world().cell(sql); }
+    EngineWorld& world() { return *this; }
+    QByteArray unsentFile() { return home.read("share/Corvane/unsent.json"); }
+    void pause() { clock.advance(Milliseconds(500)); }
+
+    /// The next start of the program on the same files.
+    std::unique_ptr<InboxView> restarted()
+    {
+        return std::make_unique<InboxView>(
+            InboxView::Surroundings { engines, accounts, defaults, centre, clock, microphone, home.paths() });
+    }
+
+    void addEmailToAna()
+    {
+        ensureConversation(engines.db(), "EMAIL", "mail", "ana@x.de", "Ana Ruiz", 1);
+        engines.db().exec("UPDATE unified_conversation SET contact_id='" + ana + "' WHERE channel='EMAIL';");
+        inbox.reload();
+    }
+
+    Composer& composer = *inbox.composer();
+};
+
+}
+
+TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)
+{
+    const QString rows
+        = "SELECT (SELECT COUNT(*) FROM unified_message) || '/' || (SELECT COUNT(*) FROM outbound_draft);";
+    const QString before = cell(rows);
+    composer.setText("  see you\ntomorrow \n");
+    EXPECT_TRUE(composer.canSend());
+    composer.send();
+    EXPECT_EQ(
+        commands("send"), QStringList(R"({"chatId":"49171@s.whatsapp.net","cmd":"send","text":"see you\ntomorrow"})"));
+    EXPECT_EQ(cell(rows), before);
+    EXPECT_EQ(composer.text(), "");
+    EXPECT_FALSE(composer.canSend());
+    EXPECT_EQ(defaults.text("nimb.replyPlatform." + ana), "WHATSAPP");
+
+    composer.setText(" \n ");
+    composer.send();
+    inbox.select({});
+    composer.setText("to nobody");
+    EXPECT_EQ(composer.text(), "");
+    composer.send();
+    EXPECT_EQ(commands("send").size(), 1);
+}
+
+TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
+{
+    addEmailToAna();
+    const QString slug = account.slug;
+    composer.setText("hello");
+    composer.setReplyPlatform("EMAIL");
+    EXPECT_EQ(composer.placeholder(), "Reply on Email");
+    composer.send();
+    EXPECT_EQ(composer.sendError(), "Account mail is not connected") << "an account that is gone";
+    engines.db().exec("UPDATE unified_conversation SET deleted_at=1 WHERE channel='EMAIL';");
+    composer.send();
+    EXPECT_EQ(composer.sendError(), "No Email conversation for this contact");
+    composer.dismissError();
+    EXPECT_EQ(composer.sendError(), "");
+
+    composer.setReplyPlatform("WHATSAPP");
+    engines.stop(account);
+    composer.send();
+    EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected");
+    EXPECT_EQ(composer.text(), "hello");
+    EXPECT_FALSE(defaults.text("nimb.replyPlatform." + ana)) << "only a send is remembered";
+    inbox.select(ben);
+    EXPECT_EQ(composer.sendError(), "") << "it was Ana's";
+
+    launcher.expect(FakeLauncher::stays());
+    engines.start(account);
+    inbox.select(ana);
+    composer.setReplyPlatform("WHATSAPP");
+    composer.send();
+    EXPECT_EQ(composer.text(), "");
+    EXPECT_EQ(composer.sendError(), "");
+}
+
+TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterASend)
+{
+    addEmailToAna();
+    EXPECT_EQ(composer.replyPlatforms().size(), 2);
+    EXPECT_EQ(composer.replyPlatforms().last().toMap().value("label"), channelLabel(inbox.selected().platforms.last()));
+    composer.setReplyPlatform("SLACK");
+    EXPECT_NE(composer.replyPlatform(), "SLACK");
+    for (const QString& platform : { QStringLiteral("EMAIL"), QStringLiteral("WHATSAPP") }) {
+        composer.setReplyPlatform(platform);
+        receive(ana, "a reload leaves the choice");
+        EXPECT_EQ(composer.replyPlatform(), platform);
+    }
+    composer.setText("on WhatsApp");
+    composer.send();
+    composer.setReplyPlatform("EMAIL");
+    inbox.select(ben);
+    inbox.select(ana);
+    EXPECT_EQ(composer.replyPlatform(), "WHATSAPP");
+}
+
+TEST_F(ComposerTest, nothingTypedIsLost)
+{
+    composer.setText("to Ana");
+    inbox.select(ben);
+    EXPECT_EQ(composer.text(), "");
+    composer.setText("to Ben 🎉\nنعم");
+    inbox.select(ana);
+    EXPECT_EQ(composer.text(), "to Ana");
+    pause();
+
+    // A kill: the file as it stands now, whatever the program that is killed would have done at its end.
+    const QByteArray atKill = unsentFile();
+    composer.setText("");
+    inbox.select(ben);
+    composer.setText("");
+    pause();
+    EXPECT_EQ(unsentFile(), "{}");
+    home.write("share/Corvane/unsent.json", atKill);
+    auto next = restarted();
+    next->select(ben);
+    EXPECT_EQ(next->composer()->text(), "to Ben 🎉\nنعم");
+    next->composer()->setText("and one more word");
+    next.reset();
+    next = restarted();
+    next->select(ben);
+    EXPECT_EQ(next->composer()->text(), "and one more word") << "an end in order writes what waits";
+    next->select(ana);
+    EXPECT_EQ(next->composer()->text(), "to Ana");
+    EXPECT_EQ(QFile::permissions(home.path("share/Corvane/unsent.json"))
+            & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther),
+        QFile::Permissions());
+}
+
+TEST_F(ComposerTest, whatWasSentDoesNotComeBackAfterAKill)
+{
+    composer.setText("once");
+    pause();
+    EXPECT_TRUE(unsentFile().contains("once"));
+    composer.send();
+    EXPECT_FALSE(unsentFile().contains("once"));
+}
+
+TEST_F(ComposerTest, aFileOfUnsentTextsThatDoesNotReadIsKeptAside)
+{
+    LogCapture logs;
+    const QByteArray garbage = "{\"ct:a\":\"half a te";
+    home.write("share/Corvane/unsent.json", garbage);
+    auto next = restarted();
+    next->select(ana);
+    next->composer()->setText("new");
+    pause();
+    EXPECT_EQ(home.read("share/Corvane/unsent.json.damaged"), garbage);
+    EXPECT_TRUE(unsentFile().contains("new"));
+}
+
+TEST_F(ComposerTest, aPreparedTextIsPutIntoTheFieldAndCanBeTakenBack)
+{
+    QSignalSpy focus(&composer, &Composer::focusRequested);
+    composer.apply("draft", Composer::Placement::After);
+    EXPECT_EQ(composer.text(), "draft");
+    composer.undo();
+    EXPECT_EQ(composer.text(), "");
+    composer.setText("mine");
+    composer.apply("draft", Composer::Placement::After);
+    EXPECT_EQ(composer.text(), "mine\n\ndraft");
+    composer.undo();
+    EXPECT_EQ(composer.text(), "mine");
+    composer.apply("draft", Composer::Placement::Instead);
+    EXPECT_EQ(composer.text(), "draft");
+    EXPECT_TRUE(composer.canUndo());
+    composer.undo();
+    EXPECT_EQ(composer.text(), "mine");
+    EXPECT_FALSE(composer.canUndo());
+    EXPECT_EQ(commands("send").size(), 0) << "none of it can send";
+    EXPECT_EQ(focus.size(), 3);
+    centre.post(notifications::focusComposer);
+    EXPECT_EQ(focus.size(), 4);
+}
+
+TEST_F(ComposerTest, aVoiceNoteGoesToTheEngineAsAFile)
+{
+    VoiceRecorder& voice = *composer.voice();
+    composer.startVoice();
+    EXPECT_EQ(voice.stateWord(), "starting");
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_TRUE(voice.recording());
+    microphone.recording->seconds = 67.2;
+    microphone.recording->loudness = 0.5;
+    clock.advance(Milliseconds(100));
+    EXPECT_EQ(voice.elapsedText(), "1:07");
+    EXPECT_EQ(voice.level(), 0.5);
+    composer.sendVoice();
+    const QString path = QStringLiteral("%1/corvane-voice-%2.m4a").arg(QDir::tempPath()).arg(clock.nowMs() / 1000);
+    EXPECT_EQ(commands("sendAudio"),
+        QStringList(QStringLiteral(R"({"chatId":"49171@s.whatsapp.net","cmd":"sendAudio","path":"%1"})").arg(path)));
+    EXPECT_EQ(voice.stateWord(), "idle");
+    EXPECT_TRUE(QFile::remove(path)) << "the engine has yet to read it";
+    EXPECT_EQ(defaults.text("nimb.replyPlatform." + ana), "WHATSAPP");
+}
+
+TEST_F(ComposerTest, aVoiceNoteThatCannotBeSentWaits)
+{
+    engines.stop(account);
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 1;
+    composer.sendVoice();
+    EXPECT_EQ(composer.sendError(), "Account " + account.slug + " is not connected");
+    EXPECT_EQ(composer.voice()->stateWord(), "kept");
+    launcher.expect(FakeLauncher::stays());
+    engines.start(account);
+    composer.sendVoice();
+    ASSERT_EQ(commands("sendAudio").size(), 1);
+    EXPECT_EQ(composer.sendError(), "");
+    EXPECT_TRUE(QFile::remove(engine().commands().last().value("path").toString()));
+}
+
+TEST_F(ComposerTest, aVoiceNoteStaysWithThePersonForWhomItWasBegun)
+{
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 2;
+    inbox.select(ben);
+    EXPECT_FALSE(composer.showsVoice());
+    composer.sendVoice();
+    EXPECT_EQ(commands("sendAudio").size(), 0);
+    composer.startVoice();
+    EXPECT_EQ(composer.sendError(), "A voice note to another contact waits: send or discard it first.");
+    inbox.select(ana);
+    EXPECT_TRUE(composer.showsVoice());
+    EXPECT_EQ(composer.voice()->stateWord(), "kept");
+    EXPECT_EQ(composer.voice()->elapsedText(), "0:02");
+    composer.voice()->cancel();
+    EXPECT_TRUE(QDir(QDir::tempPath()).entryList({ "corvane-voice-17600*" }).isEmpty());
+    EXPECT_FALSE(composer.showsVoice());
+}
+
+TEST_F(ComposerTest, aMicrophoneThatIsMissingRefusedOrGoesAwaySaysSo)
+{
+    VoiceRecorder& voice = *composer.voice();
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Denied);
+    EXPECT_EQ(voice.notice(), "Microphone permission was refused.");
+    EXPECT_TRUE(voice.idle());
+    composer.startVoice();
+    EXPECT_EQ(voice.notice(), "");
+    microphone.answer(MicrophoneAccess::Missing);
+    EXPECT_EQ(voice.notice(), "No microphone was found.");
+    microphone.broken = true;
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_EQ(voice.notice(), "Could not start microphone recording.");
+    microphone.broken = false;
+
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    Q_EMIT microphone.recording->interrupted("Timeout");
+    EXPECT_EQ(voice.notice(), "Could not record: Timeout.");
+    EXPECT_TRUE(voice.idle());
+
+    composer.startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 3;
+    Q_EMIT microphone.recording->interrupted("Connection terminated");
+    EXPECT_EQ(voice.notice(), "The recording ended: Connection terminated. What was recorded until then is kept.");
+    EXPECT_EQ(voice.stateWord(), "kept");
+    EXPECT_EQ(voice.elapsed(), 3);
+    composer.sendVoice();
+    ASSERT_EQ(commands("sendAudio").size(), 1);
+    EXPECT_TRUE(QFile::remove(engine().commands().last().value("path").toString()));
+
+    composer.startVoice();
+    voice.cancel();
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_TRUE(voice.idle()) << "an answer that comes too late begins nothing";
+}
