@@ -16,7 +16,7 @@ Page {
 
     signal openSettings
 
-    panes: [list, thread, contact]
+    panes: [list, drafts, thread, reply, contact]
     Component.onCompleted: inbox.appear()
     onNarrowChanged: contactAskedFor = false
 
@@ -46,6 +46,13 @@ Page {
             else
                 inbox.muteSelected();
             break;
+        case "reply":
+            if (reply.visible)
+                reply.focusField();
+            break;
+        case "newMessage":
+            inbox.composeSheet.open();
+            break;
         case "undo":
             inbox.undo();
             break;
@@ -69,7 +76,9 @@ Page {
         if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
-        } else if (thread.activeFocus || contact.activeFocus) {
+        } else if (reply.activeFocus && open) {
+            thread.forceActiveFocus(Qt.TabFocusReason);
+        } else if (thread.activeFocus || drafts.activeFocus || contact.activeFocus) {
             list.forceActiveFocus(Qt.TabFocusReason);
         } else if (inbox.bulk.active) {
             inbox.bulk.clear();
@@ -98,14 +107,30 @@ Page {
         paneWidth: page.layout.listWidth
         onMoved: width => page.layout.listWidth = width
     }
+    DraftsBar {
+        id: drafts
+        anchors.left: thread.left
+        anchors.right: thread.right
+        height: implicitHeight
+        drafts: page.inbox.drafts
+    }
     ThreadPane {
         id: thread
+        anchors.top: drafts.bottom
+        anchors.bottom: reply.visible ? reply.top : parent.bottom
         anchors.left: listEdge.right
         anchors.right: contact.visible && !page.narrow ? contactEdge.left : parent.right
-        height: parent.height
         inbox: page.inbox
         contactShown: page.contactShown
         onToggleContact: page.toggleContact()
+    }
+    Composer {
+        id: reply
+        anchors.bottom: parent.bottom
+        anchors.left: thread.left
+        anchors.right: thread.right
+        height: implicitHeight
+        composer: page.inbox.composer
     }
     DragHandle {
         id: contactEdge
@@ -130,9 +155,10 @@ Page {
         layout: page.layout
     }
 
+    NewMessage { compose: page.inbox.composeSheet }
     UndoToast {
         inbox: page.inbox
-        anchors.bottom: parent.bottom
+        anchors.bottom: thread.bottom
         anchors.bottomMargin: Theme.wide
         anchors.horizontalCenter: parent.horizontalCenter
     }

@@ -94,6 +94,15 @@ Column {
             anchors.verticalCenter: parent.verticalCenter
 
             IconButton {
+                objectName: "inbox.newMessage"
+                size: 28
+                iconSize: 16
+                icon.name: "list-add"
+                text: head.inbox.composeSheet.title
+                key: Keymap.keysOf("newMessage")
+                onClicked: head.inbox.composeSheet.open()
+            }
+            IconButton {
                 objectName: "inbox.view"
                 size: 28
                 iconSize: 16

@@ -1,0 +1,119 @@
+import QtQuick
+import Corvane
+
+/// What is said next: the text, the channel that it goes to, a voice note.
+FocusScope {
+    id: pane
+
+    required property QtObject composer ///< the view model
+    readonly property QtObject voice: composer.voice
+
+    implicitHeight: content.implicitHeight + Theme.medium * 2
+    visible: composer.contactId !== ""
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Reply")
+
+    function focusField() {
+        field.forceActiveFocus(Qt.TabFocusReason);
+        field.moveToEnd();
+    }
+
+    Connections {
+        target: pane.composer
+        function onFocusRequested() {
+            pane.focusField();
+        }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: Theme.line
+        }
+    }
+    Column {
+        id: content
+        anchors.verticalCenter: parent.verticalCenter
+        x: Theme.large
+        width: parent.width - Theme.large * 2
+        spacing: Theme.small
+
+        Banner {
+            objectName: "composer.error"
+            width: parent.width
+            visible: text !== ""
+            tone: "bad"
+            text: pane.composer.sendError
+            dismissable: true
+            onDismissed: pane.composer.dismissError()
+        }
+        Banner {
+            objectName: "composer.voiceNotice"
+            width: parent.width
+            visible: text !== ""
+            tone: "warn"
+            text: pane.voice.notice
+            dismissable: true
+            onDismissed: pane.voice.dismissNotice()
+        }
+        VoiceNote {
+            width: parent.width
+            visible: pane.composer.showsVoice
+            composer: pane.composer
+        }
+        Item {
+            width: parent.width
+            height: field.implicitHeight
+            visible: !pane.composer.showsVoice
+
+            ReplyChannel {
+                id: channel
+                anchors.bottom: parent.bottom
+                composer: pane.composer
+            }
+            TextBox {
+                id: field
+                objectName: "composer"
+                anchors.left: channel.right
+                anchors.leftMargin: Theme.small
+                anchors.right: tools.left
+                anchors.rightMargin: Theme.small
+                height: implicitHeight
+                focus: true
+                placeholderText: pane.composer.placeholder
+                text: pane.composer.text
+                onTextChanged: pane.composer.text = text
+                onSubmitted: pane.composer.send()
+                onEditingChanged: pane.composer.editing = editing
+            }
+            Row {
+                id: tools
+                anchors.right: parent.right
+                anchors.bottom: parent.bottom
+                spacing: Theme.tight
+
+                IconButton {
+                    objectName: "composer.voice"
+                    icon.name: "microphone"
+                    text: qsTr("Record a voice note")
+                    onClicked: pane.composer.startVoice()
+                }
+                Button {
+                    objectName: "composer.send"
+                    kind: "primary"
+                    enabled: pane.composer.canSend
+                    icon.name: "mail-send"
+                    text: qsTr("Send")
+                    hint: Keymap.keysOf("send")
+                    onClicked: {
+                        pane.composer.send();
+                        pane.focusField();
+                    }
+                }
+            }
+        }
+    }
+}

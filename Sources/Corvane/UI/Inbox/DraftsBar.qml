@@ -1,0 +1,62 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// What waits before it goes out: one line a draft, its text and the decision one press away.
+FocusScope {
+    id: bar
+
+    required property QtObject drafts ///< the view model
+
+    implicitHeight: visible ? Math.min(content.implicitHeight, 320) : 0
+    visible: drafts.count > 0 || drafts.notice !== ""
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("Waiting to be sent")
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+    }
+    Flickable {
+        anchors.fill: parent
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        contentHeight: content.implicitHeight
+        T.ScrollBar.vertical: ScrollBar {}
+
+        Column {
+            id: content
+            width: parent.width
+
+            Item {
+                width: parent.width
+                height: notice.visible ? notice.height + Theme.small * 2 : 0
+                Banner {
+                    id: notice
+                    objectName: "drafts.notice"
+                    x: Theme.large
+                    y: Theme.small
+                    width: parent.width - Theme.large * 2
+                    visible: text !== ""
+                    tone: "warn"
+                    text: bar.drafts.notice
+                    dismissable: true
+                    onDismissed: bar.drafts.dismissNotice()
+                }
+            }
+            Repeater {
+                model: bar.drafts.rows
+                DraftLine {
+                    width: content.width
+                    drafts: bar.drafts
+                }
+            }
+        }
+    }
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+}

@@ -1,0 +1,86 @@
+import QtQuick
+import Corvane
+
+/// A message to somebody new: through which account, to whom, and what.
+Sheet {
+    id: sheet
+
+    required property QtObject compose ///< the view model
+
+    objectName: "newMessage"
+    title: compose.title
+    visible: compose.shown
+    onAboutToShow: {
+        recipient.text = compose.recipient;
+        message.text = compose.message;
+        recipient.forceActiveFocus(Qt.TabFocusReason);
+    }
+    onClosed: compose.close()
+
+    Label {
+        width: parent.width
+        visible: text !== ""
+        wrapMode: Text.Wrap
+        text: sheet.compose.emptyText
+        color: Theme.soft
+    }
+    Flow {
+        width: parent.width
+        spacing: Theme.small
+        visible: sheet.compose.accounts.length > 1
+        Repeater {
+            model: sheet.compose.accounts
+            Chip {
+                required property var modelData
+                implicitHeight: 28
+                mark: modelData.channel
+                text: modelData.label
+                checkable: true
+                autoExclusive: true
+                checked: sheet.compose.accountId === modelData.key
+                onClicked: sheet.compose.accountId = modelData.key
+            }
+        }
+    }
+    TextField {
+        id: recipient
+        objectName: "newMessage.recipient"
+        width: parent.width
+        visible: sheet.compose.emptyText === ""
+        label: sheet.compose.recipientLabel
+        onTextEdited: sheet.compose.recipient = text
+        onAccepted: message.forceActiveFocus(Qt.TabFocusReason)
+    }
+    TextBox {
+        id: message
+        objectName: "newMessage.message"
+        width: parent.width
+        height: implicitHeight
+        visible: sheet.compose.emptyText === ""
+        label: qsTr("Message")
+        minimumLines: 4
+        onTextChanged: sheet.compose.message = text
+        onSubmitted: sheet.compose.submit()
+    }
+    Label {
+        width: parent.width
+        visible: sheet.compose.emptyText === ""
+        wrapMode: Text.Wrap
+        text: sheet.compose.errorText !== "" ? sheet.compose.errorText : sheet.compose.note
+        color: sheet.compose.errorText !== "" ? Theme.bad : Theme.soft
+    }
+    buttons: [
+        Button {
+            kind: "quiet"
+            text: qsTr("Cancel")
+            onClicked: sheet.close()
+        },
+        Button {
+            objectName: "newMessage.submit"
+            kind: "primary"
+            enabled: sheet.compose.valid
+            text: sheet.compose.submitLabel
+            onClicked: sheet.compose.submit()
+        }
+    ]
+}
