@@ -22,8 +22,8 @@ FocusScope {
     }
 
     implicitWidth: 240
-    implicitHeight: captionHeight + Math.round(Math.min(Math.max(area.contentHeight, metrics.lineSpacing * minimumLines),
-        metrics.lineSpacing * maximumLines)) + area.topPadding + area.bottomPadding
+    implicitHeight: captionHeight + Math.max(Theme.control, area.topPadding + area.bottomPadding + Math.ceil(
+        Math.min(Math.max(area.contentHeight, metrics.lineSpacing * minimumLines), metrics.lineSpacing * maximumLines)))
 
     FontMetrics {
         id: metrics
@@ -71,8 +71,8 @@ FocusScope {
             focus: true
             leftPadding: Theme.medium
             rightPadding: Theme.medium
-            topPadding: 7
-            bottomPadding: 7
+            topPadding: Theme.small
+            bottomPadding: Theme.small
             color: Theme.text
             font.pixelSize: Theme.body
             placeholderTextColor: Theme.faint
@@ -81,8 +81,6 @@ FocusScope {
             selectByMouse: true
             textFormat: TextEdit.PlainText
             wrapMode: TextEdit.Wrap
-            KeyNavigation.priority: KeyNavigation.BeforeItem
-            KeyNavigation.tab: null
             Accessible.name: box.label || placeholderText
             onCursorRectangleChanged: view.show(cursorRectangle)
             Keys.onPressed: event => {

@@ -91,6 +91,7 @@ Column {
         width: line.width - Theme.large * 2
         visible: line.open
         spacing: Theme.small
+        topPadding: Theme.small
         bottomPadding: Theme.medium
 
         Label {

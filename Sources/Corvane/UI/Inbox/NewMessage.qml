@@ -9,13 +9,20 @@ Sheet {
 
     objectName: "newMessage"
     title: compose.title
-    visible: compose.shown
     onAboutToShow: {
         recipient.text = compose.recipient;
         message.text = compose.message;
         recipient.forceActiveFocus(Qt.TabFocusReason);
     }
     onClosed: compose.close()
+
+    Connections {
+        target: sheet.compose
+        function onChanged() {
+            if (sheet.compose.shown !== sheet.opened)
+                sheet.compose.shown ? sheet.open() : sheet.close();
+        }
+    }
 
     Label {
         width: parent.width

@@ -1,0 +1,155 @@
+#include "Store/IngestQueries.h"
+#include "Store/OutboundQueries.h"
+#include "WindowTest.h"
+
+namespace corvane {
+
+namespace {
+
+class ComposerWindow : public WindowTest {
+protected:
+    ComposerWindow()
+    {
+        showInbox();
+        inbox.select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
+        rest();
+    }
+
+    QStringList sent()
+    {
+        QStringList texts;
+        for (const auto& engine : launcher.children)
+            for (const QJsonObject& command : engine->commands())
+                if (command.value(u"cmd"_s) == u"send"_s)
+                    texts.append(command.value(u"text"_s).toString());
+        return texts;
+    }
+
+    void queue(const QString& text)
+    {
+        EXPECT_TRUE(queueDraft(engines.db(), u"wa:studio:49171@s.whatsapp.net"_s, text, u"mcp"_s));
+        engines.refreshDrafts();
+        rest();
+    }
+
+    bool differsFromBefore()
+    {
+        const QImage now = picture();
+        return std::exchange(m_before, now) != now;
+    }
+
+private:
+    QImage m_before = picture();
+};
+
+}
+
+TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
+{
+    press(Qt::Key_R);
+    EXPECT_TRUE(focusWithin(u"composer"_s));
+    type(u"jk e"_s);
+    press(Qt::Key_Return);
+    type(u"m?"_s);
+    EXPECT_EQ(inbox.composer()->text(), u"jk e\nm?"_s) << "letters are text here, not commands";
+    const double low = item(u"composer"_s)->height();
+    for (int i = 0; i < 20; ++i)
+        press(Qt::Key_Return);
+    const double high = item(u"composer"_s)->height();
+    EXPECT_GT(high, low * 2);
+    EXPECT_LT(high, 200) << "eight lines, then it scrolls";
+    press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(sent(), QStringList(u"jk e\nm?"_s));
+    EXPECT_EQ(inbox.composer()->text(), u""_s);
+    EXPECT_TRUE(focusWithin(u"composer"_s));
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(focusWithin(u"thread.list"_s));
+}
+
+TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
+{
+    centre.post(notifications::focusComposer);
+    type(u"to Ana"_s);
+    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    rest();
+    EXPECT_EQ(inbox.composer()->text(), u""_s);
+    type(u"to Ben"_s);
+    inbox.select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
+    rest();
+    EXPECT_EQ(inbox.composer()->text(), u"to Ana"_s);
+    EXPECT_EQ(item(u"composer"_s)->property("text"), u"to Ana"_s);
+    inbox.select({});
+    rest();
+    EXPECT_EQ(findItem(u"composer"_s), nullptr);
+}
+
+TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
+{
+    engines.stop(*accounts.findBySlug(u"studio"_s));
+    inbox.composer()->setText(u"hello"_s);
+    rest();
+    EXPECT_TRUE(differsFromBefore());
+    click(u"composer.send"_s);
+    item(u"composer.error"_s);
+    EXPECT_TRUE(differsFromBefore());
+    inbox.composer()->dismissError();
+
+    click(u"composer.voice"_s);
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 7;
+    microphone.recording->loudness = 0.4;
+    rest();
+    EXPECT_TRUE(differsFromBefore());
+    EXPECT_EQ(findItem(u"composer"_s), nullptr);
+    click(u"composer.sendVoice"_s);
+    item(u"composer.error"_s);
+    click(u"composer.discardVoice"_s);
+    EXPECT_TRUE(inbox.composer()->voice()->idle());
+    EXPECT_EQ(item(u"composer"_s)->property("text"), u"hello"_s);
+}
+
+TEST_F(ComposerWindow, aDraftIsReadEditedAndApprovedInItsLine)
+{
+    queue(u"Thanks, see you on Thursday at three."_s);
+    EXPECT_TRUE(differsFromBefore());
+    EXPECT_EQ(findItem(u"draft.approve"_s), nullptr) << "a press away";
+    click(u"draft.line"_s);
+    EXPECT_TRUE(differsFromBefore());
+    click(u"draft.edit"_s);
+    EXPECT_TRUE(focusWithin(u"draft.words"_s));
+    press(Qt::Key_A, Qt::ControlModifier);
+    type(u"Friday"_s);
+    click(u"draft.save"_s);
+    EXPECT_EQ(sent(), QStringList());
+    click(u"draft.approve"_s);
+    EXPECT_EQ(sent(), QStringList(u"Friday"_s));
+    queue(u"Never mind"_s);
+    inbox.drafts()->askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
+    rest();
+    click(u"draft.reject"_s);
+    EXPECT_EQ(cell(u"SELECT COUNT(*) FROM outbound_draft WHERE status='rejected';"_s), u"1"_s);
+}
+
+TEST_F(ComposerWindow, aMessageToSomebodyNewIsQueued)
+{
+    press(Qt::Key_N, Qt::ControlModifier);
+    item(u"newMessage"_s);
+    EXPECT_TRUE(differsFromBefore());
+    EXPECT_TRUE(focusWithin(u"newMessage.recipient"_s));
+    EXPECT_FALSE(item(u"newMessage.submit"_s)->isEnabled());
+    type(u"+49 170 12345"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(focusWithin(u"newMessage.message"_s));
+    type(u"Good day"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(findItem(u"newMessage"_s), nullptr);
+    press(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(item(u"newMessage.message"_s)->property("text"), u"Good day"_s) << "what was typed stays";
+    click(u"newMessage.submit"_s);
+    EXPECT_EQ(findItem(u"newMessage"_s), nullptr);
+    EXPECT_EQ(inbox.selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
+    EXPECT_EQ(inbox.drafts()->count(), 1);
+    EXPECT_EQ(sent(), QStringList());
+}
+
+}
