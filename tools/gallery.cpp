@@ -4,6 +4,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/EngineProcesses.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
@@ -42,9 +43,10 @@ public:
     }
     qint64 nowMs() const override { return m_nowMs; }
     void move(Milliseconds by) { m_nowMs += by.count(); }
+    void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< what is asked from now on comes sooner
     std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
     {
-        return m_system.after(delay, std::move(callback));
+        return m_system.after(std::min(delay, m_longest), std::move(callback));
     }
     std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) override
     {
@@ -53,6 +55,7 @@ public:
 
 private:
     qint64 m_nowMs;
+    Milliseconds m_longest = Milliseconds::max();
     SystemScheduler m_system;
 };
 
@@ -88,6 +91,7 @@ public:
     void draw()
     {
         m_window.show();
+        save(u"inbox-empty"_s, { Look::Light, Look::Dark });
         m_app.startAllEngines();
         waitForEngines();
         inboxScreens();
@@ -235,7 +239,7 @@ void Gallery::inboxScreens()
     inbox.setChannelFilter(u"EMAIL"_s);
     save(u"inbox-filtered"_s, { Look::Light });
     inbox.setChannelFilter(u"DISCORD"_s);
-    save(u"inbox-empty"_s, { Look::Light });
+    save(u"inbox-nothing-filtered"_s, { Look::Light });
     inbox.setChannelFilter({});
 
     m_app.engine().db().run(u"INSERT INTO sync_health (source, status, updated_at) VALUES ('inbox','error',0);"_s);
@@ -258,7 +262,8 @@ void Gallery::inboxScreens()
 
 void Gallery::settingsScreens()
 {
-    // A second phone that waits to be linked, an account that is paused, and one whose engine does not exist.
+    // A second phone that waits to be linked, an account that is paused, one whose token is refused, one that
+    // is starting, and one whose engine does not exist, so that it gave up.
     qputenv("CORVANE_DEMO_PAIRING_SECONDS", "3600");
     AccountStore& accounts = m_app.store();
     const Account phone = accounts.add(u"Workshop phone"_s, Channel::WhatsApp);
@@ -266,8 +271,17 @@ void Gallery::settingsScreens()
     Account paused = accounts.add(u"Marta Vidal"_s, Channel::LinkedIn);
     paused.paused = true;
     accounts.update(paused);
-    m_app.engine().start(accounts.add(u"Slack"_s, Channel::Slack));
     wait(Milliseconds(2500));
+    m_clock.waitAtMost(Milliseconds(50));
+    const Account gaveUp = accounts.add(u"Old phone"_s, Channel::IMessage);
+    m_app.engine().start(gaveUp);
+    const Account refused = accounts.add(u"Discord"_s, Channel::Discord);
+    m_app.engine().handleEvent(refused.id, uR"({"type":"status","state":"logged_out"})"_s, Speaker::Current);
+    while (m_app.engine().runtime(gaveUp.id).status != WAStatus::Error)
+        wait(Milliseconds(50));
+    m_clock.waitAtMost(Milliseconds::max());
+    const Account connecting = accounts.add(u"Slack"_s, Channel::Slack);
+    m_app.engine().handleEvent(connecting.id, uR"({"type":"status","state":"connecting"})"_s, Speaker::Current);
 
     m_screens.shell.openSettings();
     save(u"settings-accounts"_s, { Look::Light, Look::Dark, Look::LightSmall });
