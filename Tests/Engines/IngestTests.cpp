@@ -352,3 +352,17 @@ TEST_F(IngestTest, aDatabaseThatDoesNotOpenLosesRowsButNotTheEngine)
     around.clock.advance(seconds(1));
     EXPECT_EQ(engines.runtime(shop.id).status, WAStatus::Connected);
 }
+
+TEST_F(IngestTest, aMessageWaitsWhileAnotherProgramHoldsTheDatabase)
+{
+    const auto other = world.openDatabase(world.clock);
+    other->exec(u"BEGIN IMMEDIATE;"_s);
+    report({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"ana"_s }, { u"body"_s, u"hello"_s },
+        { u"providerMsgId"_s, u"1"_s } });
+    world.clock.advance(seconds(1));
+    EXPECT_EQ(cell(u"SELECT COUNT(*) FROM unified_message;"_s), u"0"_s);
+    EXPECT_FALSE(logs.contains(u"locked"_s)) << "no write was tried";
+    other->exec(u"COMMIT;"_s);
+    world.clock.advance(Milliseconds(200));
+    EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"hello"_s);
+}

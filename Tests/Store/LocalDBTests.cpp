@@ -87,7 +87,11 @@ TEST_F(LocalDBTest, aFileThatAnotherProcessHoldsIsReadAtOnceAndWrittenLater)
     ASSERT_EQ(m_log.lines().size(), 1);
     EXPECT_TRUE(m_log.contains("LocalDB.run step failed (rc=5): database is locked — UPDATE unified_conversation"));
     EXPECT_EQ(cell("SELECT id FROM contact;"), "ct:SMS:1");
+    EXPECT_TRUE(db.isHeldElsewhere());
     other.exec("COMMIT;");
+    EXPECT_FALSE(db.isHeldElsewhere());
+    EXPECT_FALSE(db.inTransaction());
+    EXPECT_EQ(db.scalar("PRAGMA busy_timeout;"), QString("5000"));
     EXPECT_TRUE(db.run("INSERT INTO contact(id) VALUES('ct:SMS:2');"));
 }
 

@@ -42,6 +42,8 @@ void DraftDelivery::startWatch()
 void DraftDelivery::refresh()
 {
     LocalDB& db = m_engines.db();
+    if (db.isHeldElsewhere())
+        return; // the next tick does it
     failStaleSendingDrafts(db, acknowledgmentMs);
     for (const PendingDraft& row : fetchDrafts(db, { approved }, rowsPerTick)) {
         const auto account = m_engines.runningAccount(row.accountId);

@@ -8,6 +8,7 @@ namespace {
 
 constexpr QStringView sentinel = u"@@CORVANE@@";
 constexpr qint64 turnMs = 8; // half a frame: each event waits for the disk several times
+constexpr Milliseconds waitPeriod { 100 };
 
 }
 
@@ -28,6 +29,10 @@ void EngineLines::wake(const std::shared_ptr<EngineStream>& stream)
 
 void EngineLines::turn()
 {
+    if (m_mustWait && m_mustWait()) {
+        m_timer = m_scheduler.after(waitPeriod, [this] { turn(); });
+        return;
+    }
     const qint64 startMs = m_scheduler.nowMs();
     for (int i = 0; i < eventsPerTurn && !m_waiting.empty(); ++i) {
         const std::shared_ptr<EngineStream> stream = m_waiting.front();

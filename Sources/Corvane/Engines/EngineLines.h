@@ -15,8 +15,10 @@ class EngineStream;
 /// engine. It outlives its streams.
 class EngineLines {
 public:
-    explicit EngineLines(Scheduler& scheduler)
+    /// While `mustWait` says so nothing is handed on, and no engine is read further.
+    explicit EngineLines(Scheduler& scheduler, std::function<bool()> mustWait = {})
         : m_scheduler(scheduler)
+        , m_mustWait(std::move(mustWait))
     {
     }
 
@@ -32,6 +34,7 @@ private:
     void turn();
 
     Scheduler& m_scheduler;
+    const std::function<bool()> m_mustWait;
     std::unique_ptr<Timer> m_timer;
     std::deque<std::shared_ptr<EngineStream>> m_waiting;
 };

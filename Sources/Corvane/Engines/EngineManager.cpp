@@ -41,10 +41,13 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , desktop(surroundings.desktop)
     , db(std::move(database))
     , runtime([&manager](const QUuid& accountId) { Q_EMIT manager.runtimeChanged(accountId); })
-    , processes(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.keychain, runtime,
+    , processes(
+          surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.keychain, runtime,
           [&manager](const QUuid& accountId, Speaker speaker, const QString& event) {
               manager.handleEvent(accountId, event, speaker);
-          })
+          },
+          // A message is several writes; each would hold the window for its five seconds, then lose its part.
+          [this] { return db->isHeldElsewhere(); })
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, surroundings.notifier, surroundings.paths.applicationSupport)

@@ -14,14 +14,14 @@ constexpr int maxRestartAttempts = 5;
 }
 
 EngineProcesses::EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher,
-    Keychain& keychain, RuntimeStates& runtime, EventHandler handleEvent)
+    Keychain& keychain, RuntimeStates& runtime, EventHandler handleEvent, std::function<bool()> mustWait)
     : m_paths(paths)
     , m_scheduler(scheduler)
     , m_launcher(launcher)
     , m_keychain(keychain)
     , m_runtime(runtime)
     , m_handleEvent(std::move(handleEvent))
-    , m_lines(scheduler)
+    , m_lines(scheduler, std::move(mustWait))
 {
 }
 

@@ -24,9 +24,9 @@ class EngineProcesses {
 public:
     using EventHandler = std::function<void(const QUuid& accountId, Speaker speaker, const QString& event)>;
 
-    /// Every reference outlives the object.
+    /// Every reference outlives the object. Events stay with their engines while `mustWait` says so.
     EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, Keychain& keychain,
-        RuntimeStates& runtime, EventHandler handleEvent);
+        RuntimeStates& runtime, EventHandler handleEvent, std::function<bool()> mustWait);
 
     void start(const Account& account); ///< nothing where the account's engine runs
     void stop(const Account& account); ///< a restart that is pending stays so

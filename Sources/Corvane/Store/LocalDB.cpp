@@ -16,6 +16,9 @@ namespace corvane {
 
 namespace {
 
+constexpr int busyTimeoutMs = 5000;
+constexpr int frameMs = 16;
+
 const QString& withItsFolder(const QString& path)
 {
     QDir().mkpath(QFileInfo(path).path());
@@ -36,7 +39,7 @@ LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& sc
         return;
     }
     exec(QStringLiteral("PRAGMA journal_mode=WAL;"));
-    exec(QStringLiteral("PRAGMA busy_timeout=5000;"));
+    exec(QStringLiteral("PRAGMA busy_timeout=%1;").arg(busyTimeoutMs));
     exec(QStringLiteral("PRAGMA foreign_keys=ON;"));
     applySchema(*this, schema);
 }
@@ -44,6 +47,18 @@ LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& sc
 bool LocalDB::inTransaction() const
 {
     return m_db && !sqlite3_get_autocommit(m_db);
+}
+
+bool LocalDB::isHeldElsewhere()
+{
+    if (!m_db || inTransaction())
+        return false;
+    sqlite3_busy_timeout(m_db, frameMs);
+    const int code = sqlite3_exec(m_db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr);
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    if (code == SQLITE_OK)
+        exec(QStringLiteral("COMMIT;"));
+    return code == SQLITE_BUSY;
 }
 
 QString LocalDB::errorMessage() const

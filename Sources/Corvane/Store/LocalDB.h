@@ -27,6 +27,10 @@ public:
 
     bool inTransaction() const; ///< false, too, where the database is not open
 
+    /// Whether another process keeps the right to write, so that a write now would wait, and after five seconds
+    /// fail. Waits a frame at most.
+    bool isHeldElsewhere();
+
     /// A script of one or more statements; a failure is only logged.
     void exec(const QString& sql);
 
