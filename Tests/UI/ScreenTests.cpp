@@ -3,6 +3,7 @@
 
 #include <QSet>
 #include <QSignalSpy>
+#include <algorithm>
 
 namespace corvane {
 
@@ -147,6 +148,29 @@ TEST_F(ScreenTest, whatCannotBeUndoneAsksFirst)
     ASSERT_NE(item(u"confirmSheet"_s), nullptr);
     press(Qt::Key_Escape);
     EXPECT_EQ(accounts.accounts().size(), before);
+}
+
+TEST_F(ScreenTest, theProfileMenuOffersWorkspacesOnceAndOnlyToWhoIsSignedIn)
+{
+    const auto offers = [&] {
+        click(u"topnav.profile"_s);
+        rest();
+        const auto items = visibleItems();
+        const auto count = std::ranges::count_if(items, [&](const QQuickItem* each) {
+            return each->inherits("QQuickMenuItem") && each->property("text") == profile.workspaceLabel();
+        });
+        press(Qt::Key_Escape);
+        rest();
+        return count;
+    };
+    session.setAuth(u"header.e30.signature"_s, u"device"_s);
+    rest();
+    EXPECT_EQ(offers(), 1);
+    session.signOut();
+    showEmptyInbox();
+    EXPECT_EQ(offers(), 0);
+    session.setAuth(u"header.e30.signature"_s, u"device"_s);
+    EXPECT_EQ(offers(), 1);
 }
 
 TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)

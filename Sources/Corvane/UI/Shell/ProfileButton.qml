@@ -63,10 +63,12 @@ T.AbstractButton {
     onOffersWorkspacesChanged: placeWorkspaces()
     Component.onCompleted: if (offersWorkspaces) placeWorkspaces()
 
+    // A button that comes up signed in hears of it twice.
     function placeWorkspaces() {
-        if (offersWorkspaces)
+        const placed = menu.menuAt(2) === workspaces;
+        if (offersWorkspaces && !placed)
             menu.insertMenu(2, workspaces);
-        else
+        else if (!offersWorkspaces && placed)
             menu.takeMenu(2);
     }
 
