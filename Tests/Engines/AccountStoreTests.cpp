@@ -6,7 +6,9 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
@@ -23,6 +25,29 @@ protected:
     }
 
     TemporaryHome home;
+};
+
+/// No file of this process takes another byte, as on a full disk.
+class FullDisk {
+public:
+    FullDisk()
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit none { 0, m_before.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~FullDisk()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    void (*m_handler)(int);
+    rlimit m_before {};
 };
 
 const QByteArray earlierFile = R"([{"id":"0B7C1A52-4C1B-4E51-9E0C-6D4E4D1E0A11","name":"Shop","slug":"shop",
@@ -168,4 +193,20 @@ TEST(Channels, aRawWordFindsItsChannelAndItsName)
     EXPECT_EQ(channelLabel(u"IMESSAGE"_s), u"iMessage"_s);
     EXPECT_EQ(channelLabel(u"fax"_s), u"Fax"_s);
     EXPECT_EQ(channelLabel(QString()), QString());
+}
+
+TEST_F(AccountStoreTest, aFullDiskKeepsTheFileAsItWas)
+{
+    writeFile(earlierFile);
+    const LogCapture logs;
+    AccountStore store(folder());
+    {
+        const FullDisk full;
+        store.add(u"One"_s, Channel::Email);
+    }
+    EXPECT_EQ(file(), earlierFile);
+    EXPECT_EQ(store.accounts().size(), 2);
+    EXPECT_TRUE(logs.contains(u"AccountStore: could not write"_s));
+    store.add(u"Two"_s, Channel::Email);
+    EXPECT_EQ(decodeAccounts(file())->size(), 3) << "with room again, nothing is missing";
 }

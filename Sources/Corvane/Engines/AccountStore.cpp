@@ -227,7 +227,10 @@ void AccountStore::save()
     if (!m_fileIsDamaged || copyAside(m_filePath)) {
         m_fileIsDamaged = false;
         QSaveFile file(m_filePath);
-        if (!file.open(QIODevice::WriteOnly) || file.write(encodeAccounts(m_accounts)) < 0 || !file.commit())
+        // Without the flush a full disk is noticed only in the commit, which then replaces the file by an empty one.
+        const bool written = file.open(QIODevice::WriteOnly) && file.write(encodeAccounts(m_accounts)) >= 0
+            && file.flush() && file.commit();
+        if (!written)
             log(QStringLiteral("AccountStore: could not write %1: %2").arg(m_filePath, file.errorString()));
     }
     Q_EMIT accountsChanged();

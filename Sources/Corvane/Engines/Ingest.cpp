@@ -202,7 +202,7 @@ std::optional<QString> Ingest::writeAddressBookPhoto(
     QDir().mkpath(folder);
     const QString path = folder + u'/' + QString(jid).remove(others) + QStringLiteral("-ab.jpg");
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(photo) != photo.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(photo) != photo.size() || !file.flush() || !file.commit())
         return std::nullopt;
     return path;
 }
