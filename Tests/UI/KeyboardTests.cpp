@@ -1,5 +1,7 @@
 #include "UI/WindowTest.h"
 
+#include <QTest>
+
 namespace corvane {
 
 using KeyboardTest = WindowTest;
@@ -129,6 +131,9 @@ TEST_F(KeyboardTest, everyKeyIsListedUnderF1)
     EXPECT_EQ(findItem(u"shortcutsSheet"_s), nullptr);
     press(Qt::Key_Question);
     item(u"shortcutsSheet"_s);
+    QTest::keyClick(window.window(), Qt::Key_Escape);
+    press(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_TRUE(inbox.showPalette()) << "no key is lost while a sheet goes";
 }
 
 TEST_F(KeyboardTest, f6WalksOverThePanesInReadingOrderAndBack)

@@ -173,6 +173,18 @@ TEST_F(ScreenTest, theProfileMenuOffersWorkspacesOnceAndOnlyToWhoIsSignedIn)
     EXPECT_EQ(offers(), 1);
 }
 
+TEST_F(ScreenTest, aSearchOfAnyLengthStaysInItsPlace)
+{
+    showInbox();
+    inbox.setSearch(QString(10'000, u'x'));
+    clock.advance(Milliseconds(300));
+    rest();
+    for (const QQuickItem* each : visibleItems()) {
+        if (each->inherits("QQuickText"))
+            EXPECT_LE(each->height(), 100) << qPrintable(each->property("text").toString().left(40));
+    }
+}
+
 TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)
 {
     showInbox();

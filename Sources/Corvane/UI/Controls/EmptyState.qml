@@ -35,6 +35,8 @@ Column {
         width: parent.width
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
+        maximumLineCount: 3 // it may quote what was typed
+        elide: Text.ElideRight
         text: empty.title
         font.pixelSize: Theme.title
         font.weight: Theme.strong

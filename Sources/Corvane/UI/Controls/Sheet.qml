@@ -60,7 +60,4 @@ T.Popup {
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.pane; easing.type: Easing.OutCubic }
     }
-    exit: Transition {
-        NumberAnimation { property: "opacity"; to: 0; duration: Theme.quick; easing.type: Easing.OutCubic }
-    }
 }
