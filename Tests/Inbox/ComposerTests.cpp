@@ -152,6 +152,23 @@ TEST_F(ComposerTest, nothingTypedIsLost)
         QFile::Permissions());
 }
 
+TEST_F(ComposerTest, whatWasTypedToAMergedPersonIsFoundWithTheOther)
+{
+    composer.setText("to Ana");
+    inbox.select(ben);
+    composer.setText("to Ben");
+    engines.db().run(
+        "INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, conv_ids_json, "
+        "created_at) VALUES('m','local',?,?,'[]',1);",
+        { ana, ben });
+    inbox.select(ana);
+    EXPECT_EQ(composer.text(), "to Ana\n\nto Ben");
+    composer.send();
+    inbox.select({});
+    inbox.select(ana);
+    EXPECT_EQ(composer.text(), "") << "it was sent with the rest";
+}
+
 TEST_F(ComposerTest, whatWasSentDoesNotComeBackAfterAKill)
 {
     composer.setText("once");

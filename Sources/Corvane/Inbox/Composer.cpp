@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Inbox/ReplyRouting.h"
+#include "Store/ThreadQueries.h"
 
 #include <QDir>
 
@@ -32,6 +33,7 @@ void Composer::open(const ContactRow& contact)
     if (!samePerson || !contact.platforms.contains(m_replyPlatform))
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
     if (!samePerson) {
+        gatherMerged();
         forgetUndo();
         setSendError({});
         m_voice.dismissNotice();
@@ -49,6 +51,19 @@ void Composer::setText(const QString& text)
         return;
     m_texts.setText(m_contact.id, text);
     Q_EMIT textChanged();
+}
+
+void Composer::gatherMerged()
+{
+    if (m_contact.id.isEmpty())
+        return;
+    for (const QString& id : m_texts.contactIds()) {
+        if (id == m_contact.id || effectiveContactId(m_engine.db(), id) != m_contact.id)
+            continue;
+        const QString theirs = m_texts.text(id);
+        m_texts.setText(m_contact.id, text().isEmpty() ? theirs : text() + QStringLiteral("\n\n") + theirs);
+        m_texts.setText(id, {});
+    }
 }
 
 QVariantList Composer::replyPlatforms() const

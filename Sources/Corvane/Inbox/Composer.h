@@ -85,6 +85,7 @@ private:
     /// Hands the open contact's conversation on the reply's channel to `say`; where there is none, or the engine
     /// takes nothing, the error is set. True where it was taken.
     bool sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say);
+    void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
     void forgetUndo();
     void setSendError(const QString& error);
 

@@ -20,6 +20,7 @@ public:
 
     QString text(const QString& contactId) const { return m_texts.value(contactId); }
     void setText(const QString& contactId, const QString& text); ///< an empty text is forgotten
+    QStringList contactIds() const { return m_texts.keys(); }
     void forget(const QString& contactId); ///< it was sent, and must not come back: written at once
 
 private:

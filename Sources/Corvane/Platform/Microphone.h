@@ -19,13 +19,13 @@ public:
     virtual double elapsedSeconds() const = 0; ///< of sound that was recorded; it stands at 0 until the first comes
     virtual double level() = 0; ///< the loudest since the last call, from 0 to 1
 
-    /// Ends the recording and finishes the file. False where no sound came, or where it cannot be finished.
+    /// Ends the recording and finishes the file. False where no sound came: then there is no file.
     virtual bool stop() = 0;
     virtual void cancel() = 0; ///< ends the recording and removes the file
 
 Q_SIGNALS:
-    /// It cannot go on, or could not begin: the device went, the sound server ended, the disk is full. Nothing more
-    /// is recorded; `stop` and `cancel` are as ever.
+    /// It cannot go on, or could not begin: the device went, the sound server ended, the disk is full; `reason`
+    /// says so within a sentence. Nothing more is recorded; `stop` and `cancel` are as ever.
     void interrupted(const QString& reason);
 };
 

@@ -14,6 +14,20 @@ namespace {
 constexpr Milliseconds answerTime { 3000 };
 constexpr SoundFormat voice { .rate = 44'100, .channels = 1 };
 
+/// Why a recording ended, within a sentence.
+QString words(PulseCapture::End kind)
+{
+    switch (kind) {
+    case PulseCapture::End::Denied:
+        return QStringLiteral("microphone permission was refused");
+    case PulseCapture::End::Missing:
+        return QStringLiteral("no microphone was found");
+    case PulseCapture::End::Lost:
+        break;
+    }
+    return QStringLiteral("the microphone went away");
+}
+
 /// The sound thread writes; the main thread reads figures, and takes the file over once that thread is gone.
 class LinuxRecording final : public MicrophoneRecording {
 public:
@@ -25,8 +39,11 @@ public:
               PulseCapture::Callbacks { .ready = [this] { post([this] { m_timeout.reset(); }); },
                   .sound = [this](std::span<const float> samples) { hear(samples); },
                   .ended =
-                      [this](PulseCapture::End, const QString& reason) {
-                          post([this, reason] { end(reason); });
+                      [this](PulseCapture::End kind, const QString& reason) {
+                          post([this, kind, reason] {
+                              log(QStringLiteral("LinuxMicrophone: ") + reason);
+                              end(words(kind));
+                          });
                       } }))
     {
     }
