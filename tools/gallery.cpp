@@ -5,6 +5,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
+#include "Foundation/Ids.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
@@ -16,7 +17,9 @@
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
+#include "Store/InboxQueries.h"
 #include "Store/LocalDB.h"
+#include "Store/OutboundQueries.h"
 #include "UI/MainWindow.h"
 #include "Web/SessionStore.h"
 
@@ -187,6 +190,19 @@ private:
         wait(Milliseconds(400));
     }
 
+    /// A draft of the assistant to whoever is open, held out for confirmation.
+    void queueReply(const QString& text)
+    {
+        LocalDB& db = m_app.engine().db();
+        const Composer& composer = *m_screens.inbox.composer();
+        if (const auto target = replyTarget(db, composer.contactId(), composer.replyPlatform()))
+            queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
+        m_app.engine().refreshDrafts();
+        for (const PendingDraft& draft : m_app.engine().pendingDrafts())
+            m_screens.inbox.drafts()->askToConfirm(draft.id);
+        wait(Milliseconds(200));
+    }
+
     void searchFor(const QString& words)
     {
         m_screens.inbox.setSearch(words);
@@ -219,6 +235,14 @@ void Gallery::inboxScreens()
     openThread(u"Hannah Fischer"_s);
     save(u"inbox-mail"_s, { Look::Light });
     openThread(u"Megan Price"_s);
+    queueReply(u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
+    inbox.composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
+    save(u"inbox-draft"_s, { Look::Light, Look::Dark });
+    inbox.drafts()->reject(inbox.drafts()->confirmDraft());
+    inbox.composer()->setText({});
+    inbox.composeSheet()->open();
+    save(u"inbox-new-message"_s, { Look::Light, Look::Dark });
+    inbox.composeSheet()->close();
     press(Qt::Key_K, Qt::ControlModifier);
     save(u"palette-open"_s, { Look::Light, Look::Dark });
     press(Qt::Key_Escape);
