@@ -44,5 +44,5 @@ T.ToolButton {
         FocusRing { control: control }
     }
 
-    Tooltip { text: control.key ? control.text + "   " + control.key : control.text; shown: control.hovered && control.enabled }
+    Tooltip { text: control.key ? control.text + "   " + control.key : control.text; shown: control.hovered && control.enabled && !control.down }
 }

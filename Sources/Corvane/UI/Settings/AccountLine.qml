@@ -124,6 +124,7 @@ Item {
             icon.name: "overflow-menu"
             text: qsTr("More for %1").arg(line.name)
             Accessible.role: Accessible.ButtonMenu
+            down: pressed || menu.visible
             onClicked: menu.popup(more, more.width - menu.width, more.height + Theme.tight)
 
             Menu {
