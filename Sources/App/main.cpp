@@ -1,6 +1,7 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Log.h"
 #include "Foundation/SystemScheduler.h"
+#include "Platform/AddressBook.h"
 #include "Platform/ApplicationId.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
@@ -45,6 +46,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     machine.notifications = makeNotificationService();
     machine.desktop = makeDesktop();
     machine.microphone = makeMicrophone(scheduler);
+    machine.addressBook = makeAddressBook(paths);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;

@@ -1,7 +1,9 @@
 #include "EngineTest.h"
 
-#include "Engines/PhoneDirectory.h"
+#include "CRM/ContactsBridge.h"
+#include "Platform/AddressBook.h"
 #include "Store/InboxQueries.h"
+#include "Support/Await.h"
 
 using namespace corvane;
 
@@ -33,13 +35,14 @@ protected:
     const QString ana = u"ct:WHATSAPP:34600@s.whatsapp.net"_s;
 };
 
-class OnePerson final : public PhoneDirectory {
+class SmallBook final : public AddressBook {
 public:
-    std::optional<Person> match(const QString& phone) const override
+    bool requestAccess(const QStringList&) const override { return true; }
+    QList<AddressBookPerson> people(const QStringList&) const override
     {
-        return phone == u"34600" ? std::optional(person) : std::nullopt;
+        return { { u"Ana"_s, u"Ruiz"_s, {}, { u"+34 600 111 222"_s }, "jpeg" },
+            { u"Ana Ruiz"_s, {}, {}, { u"600333444"_s }, {} } };
     }
-    Person person { u"Ana Ruiz"_s, "jpeg" };
 };
 
 }
@@ -280,23 +283,24 @@ TEST_F(IngestTest, namesAndPhotosReachTheContact)
     handle(R"({"type":"contactName","jid":"34600@s.whatsapp.net","name":""})");
     handle(R"({"type":"avatar","jid":"34600@s.whatsapp.net"})");
     handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600"})");
-    OnePerson directory;
-    world.engines.setPhoneDirectory(&directory);
-    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"1"})");
+    const SmallBook book;
+    ContactsBridge contacts(book, world.background, world.defaults);
+    contacts.load();
+    ASSERT_TRUE(await([&] { return contacts.ready(); }));
+    world.engines.setContactsBridge(&contacts);
+    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600999999"})");
     EXPECT_EQ(world.engines.inboxRevision(), revision) << "a number that nobody has changes nothing";
 
-    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600"})");
+    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600111222"})");
     EXPECT_EQ(contact(u"display_name"_s), u"Ana Ruiz"_s);
     const QString photo = u"share/Corvane/media/shop/avatars/34600swhatsappnet-ab.jpg"_s;
     EXPECT_EQ(contact(u"avatar_path"_s), world.home.path(photo));
     EXPECT_EQ(world.home.read(photo), QByteArray("jpeg"));
     EXPECT_EQ(world.engines.inboxRevision(), revision + 1);
 
-    directory.person.photo.clear();
     handle(R"({"type":"avatar","jid":"34600@s.whatsapp.net","path":"/tmp/a.jpg"})");
-    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600"})");
+    handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600333444"})");
     EXPECT_EQ(contact(u"avatar_path"_s), u"/tmp/a.jpg"_s) << "a person without a photo keeps the avatar";
-    world.engines.setPhoneDirectory(nullptr);
 }
 
 TEST_F(IngestTest, anEventOfAnAccountThatWasNeverStartedCountsAsWhatsAppUnderItsId)

@@ -2,6 +2,8 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Platform/AddressBook.h"
+#include "Platform/Linux/LinuxPlatform.h"
 #include "Shell/Screens.h"
 #include "Store/IngestQueries.h"
 #include "Support/Await.h"
@@ -49,6 +51,7 @@ protected:
         machine.notifications = std::move(ownedNotifications);
         machine.desktop = std::make_unique<FakeDesktop>();
         machine.microphone = std::make_unique<FakeMicrophone>();
+        machine.addressBook = makeAddressBook(home.paths());
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 

@@ -72,9 +72,9 @@ LocalDB& EngineManager::db()
     return *m_state->db;
 }
 
-void EngineManager::setPhoneDirectory(PhoneDirectory* directory)
+void EngineManager::setContactsBridge(ContactsBridge* contacts)
 {
-    m_state->ingest.setPhoneDirectory(directory);
+    m_state->ingest.setContactsBridge(contacts);
 }
 
 void EngineManager::start(const Account& account)

@@ -11,11 +11,11 @@
 namespace corvane {
 
 class BackgroundQueue;
+class ContactsBridge;
 class Desktop;
 class Keychain;
 class LocalDB;
 class Notifier;
-class PhoneDirectory;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
@@ -46,7 +46,7 @@ public:
     LocalDB& db();
 
     /// Who a phone number belongs to; without one every number is unknown.
-    void setPhoneDirectory(PhoneDirectory* directory);
+    void setContactsBridge(ContactsBridge* contacts);
 
     // Engines
     void start(const Account& account); ///< nothing where the account's engine runs

@@ -1,6 +1,6 @@
 #include "Engines/Ingest.h"
 
-#include "Engines/PhoneDirectory.h"
+#include "CRM/ContactsBridge.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Notifications/Notifier.h"
@@ -48,6 +48,11 @@ Ingest::Ingest(LocalDB& db, Notifier& notifier, const QString& applicationSuppor
     , m_notifier(notifier)
     , m_applicationSupport(applicationSupport)
 {
+}
+
+void Ingest::setContactsBridge(ContactsBridge* contacts)
+{
+    m_contacts = contacts;
 }
 
 void Ingest::handle(const EventSource& source, const QString& type, const QJsonObject& event)
@@ -179,15 +184,15 @@ void Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
 {
     const auto jid = text(event, "jid");
     const auto phone = text(event, "phone");
-    if (!jid || !phone || !m_phoneDirectory)
+    if (!jid || !phone || !m_contacts)
         return;
-    const auto person = m_phoneDirectory->match(*phone);
+    const auto person = m_contacts->match(*phone);
     if (!person)
         return;
     const QString contact = contactId(source.channel, *jid);
     setContactName(m_db, contact, person->name);
-    if (!person->photo.isEmpty()) {
-        if (const auto path = writeAddressBookPhoto(*jid, source, person->photo))
+    if (!person->image.isEmpty()) {
+        if (const auto path = writeAddressBookPhoto(*jid, source, person->image))
             setContactAvatar(m_db, contact, *path);
     }
     Q_EMIT inboxChanged();

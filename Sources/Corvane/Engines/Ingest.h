@@ -4,12 +4,13 @@
 
 #include <QJsonObject>
 #include <QObject>
+#include <QPointer>
 
 namespace corvane {
 
+class ContactsBridge;
 class LocalDB;
 class Notifier;
-class PhoneDirectory;
 
 /// Whose engine reports.
 struct EventSource {
@@ -25,7 +26,7 @@ public:
     /// The references outlive the object.
     Ingest(LocalDB& db, Notifier& notifier, const QString& applicationSupport);
 
-    void setPhoneDirectory(PhoneDirectory* directory) { m_phoneDirectory = directory; }
+    void setContactsBridge(ContactsBridge* contacts);
 
     /// The thread that is open on the screen: its messages raise no banner.
     const QString& openContactId() const { return m_openContactId; }
@@ -54,7 +55,7 @@ private:
     LocalDB& m_db;
     Notifier& m_notifier;
     QString m_applicationSupport;
-    PhoneDirectory* m_phoneDirectory = nullptr;
+    QPointer<ContactsBridge> m_contacts;
     QString m_openContactId;
 };
 

@@ -1,8 +1,10 @@
 #include "Shell/CorvaneApp.h"
 
+#include "CRM/ContactsBridge.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Notifications/Notifier.h"
+#include "Platform/AddressBook.h"
 #include "Platform/Desktop.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
@@ -40,6 +42,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     , m_machine(std::move(machine))
     , m_defaults(paths.defaultsFile)
     , m_keychain(*m_machine.secrets)
+    , m_contacts(std::make_unique<ContactsBridge>(*m_machine.addressBook, m_background, m_defaults))
     , m_notifier(std::make_unique<Notifier>(
           *m_machine.notifications, m_notifications, m_defaults, m_scheduler, [this] { Q_EMIT windowRequested(); }))
     , m_store(std::make_unique<AccountStore>(m_paths.applicationSupport))
@@ -49,6 +52,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_engine = std::make_unique<EngineManager>(surroundings,
         std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
             LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
+    m_engine->setContactsBridge(m_contacts.get());
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     setUpTray();
 }
@@ -62,6 +66,7 @@ void CorvaneApp::onAppear()
     m_data.local.emplace(m_engine->db());
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);
+    m_contacts->load();
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
     for (const Account& account : m_store->accounts()) {

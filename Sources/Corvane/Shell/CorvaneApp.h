@@ -14,6 +14,8 @@
 namespace corvane {
 
 class AccountStore;
+class AddressBook;
+class ContactsBridge;
 class Desktop;
 class EngineManager;
 class Microphone;
@@ -38,6 +40,7 @@ struct Machine {
     std::unique_ptr<NotificationService> notifications;
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<Microphone> microphone;
+    std::unique_ptr<AddressBook> addressBook;
     std::unique_ptr<Tray> tray; ///< none in a headless run
 };
 
@@ -88,6 +91,7 @@ private:
     BackgroundQueue m_background;
     Keychain m_keychain;
     AppData m_data;
+    std::unique_ptr<ContactsBridge> m_contacts;
     std::unique_ptr<Notifier> m_notifier;
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<EngineManager> m_engine;

@@ -188,6 +188,16 @@ const QList<Step>& steps()
 ON crm_mutation_queue(idempotency_key) WHERE status='pending';)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS idx_crm_mutation_status
   ON crm_mutation_queue(workspace_id, status, created_at);)" },
+        // People who share an address or a number find each other without a walk over all pairs; and every thread
+        // that is opened asks for a live merge of its contact.
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_identity_email
+  ON contact_identity(email, contact_id, deleted_at, workspace_id) WHERE email IS NOT NULL;)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_identity_phone
+  ON contact_identity(phone, contact_id, deleted_at, workspace_id) WHERE phone IS NOT NULL;)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_merge_merged
+  ON contact_merge(merged_contact_id) WHERE undone_at IS NULL;)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_merge_primary
+  ON contact_merge(primary_contact_id, created_at) WHERE undone_at IS NULL;)" },
     };
     // clang-format on
     return all;

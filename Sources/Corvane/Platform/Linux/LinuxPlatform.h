@@ -4,6 +4,7 @@
 
 namespace corvane {
 
+class AddressBook;
 class Desktop;
 class Microphone;
 class NotificationService;
@@ -21,6 +22,7 @@ std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop();
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<Tray> makeTray();
+std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 
 }

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Store/LocalDB.h"
+
+namespace corvane {
+
+/// What is known of a contact; each list keeps its order and names nothing twice.
+struct ContactInfoRow {
+    QStringList emails;
+    QStringList phones;
+    QStringList platforms; ///< channels, such as "WHATSAPP"
+    QStringList handles;
+    QStringList companies; ///< of the contact's deals
+
+    bool operator==(const ContactInfoRow&) const = default;
+};
+
+ContactInfoRow fetchContactInfo(LocalDB& db, const QString& contactId);
+
+/// Something that happened with a contact.
+struct ActivityRow {
+    enum class Kind { Message, Note, Call };
+
+    Kind kind = Kind::Message;
+    QString id;
+    QString channel; ///< of a message
+    QString direction; ///< of a message: "IN" or "OUT"
+    QString text; ///< body or transcript, the note, the call's title
+    QString processingStatus; ///< of a call
+    qint64 ts = 0; ///< milliseconds since the epoch
+
+    bool operator==(const ActivityRow&) const = default;
+};
+
+/// Messages, notes and calls as one list, newest first.
+QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, int limit);
+
+/// A durable fact that agents keep about a scope: "owner", or "contact:{contact id}".
+struct MemoryEntry {
+    QString id;
+    QString body;
+
+    bool operator==(const MemoryEntry&) const = default;
+};
+
+/// Oldest first.
+QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope);
+
+/// The one row that is really deleted.
+bool forgetMemoryEntry(LocalDB& db, const QString& id);
+
+}

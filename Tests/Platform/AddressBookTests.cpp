@@ -1,0 +1,171 @@
+#include "Platform/AddressBook.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/VCardReader.h"
+#include "Support/LogCapture.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace corvane {
+
+namespace {
+
+const QByteArray png = QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(90, '\x7f');
+
+QList<AddressBookPerson> read(QByteArray text)
+{
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    VCardReader reader(buffer);
+    QList<AddressBookPerson> people;
+    while (const auto person = reader.next())
+        people.append(*person);
+    return people;
+}
+
+AddressBookPerson readOne(const QByteArray& properties)
+{
+    const auto people = read("BEGIN:VCARD\r\nVERSION:4.0\r\n" + properties + "END:VCARD\r\n");
+    EXPECT_EQ(people.size(), 1);
+    return people.value(0);
+}
+
+/// Lines of at most 75 bytes, as a card is folded.
+QByteArray fold(QByteArray line)
+{
+    QByteArray folded;
+    for (; line.size() > 74; line = line.mid(74))
+        folded += line.left(74) + "\r\n ";
+    return folded + line + "\r\n";
+}
+
+}
+
+TEST(VCardReader, aCardOfVersionThreeAndOneOfFourReadAlike)
+{
+    const auto people = read("BEGIN:VCARD\r\nVERSION:3.0\r\nN:Ruiz;Ana;;;\r\nFN:Ana Ruiz\r\nORG:Acme\\, Inc.;Sales\r\n"
+                             "TEL;TYPE=CELL,VOICE:+34 600 000 001\r\nitem1.TEL;TYPE=\"work:1\":+34 910\r\n"
+        + fold("PHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64())
+        + "END:VCARD\r\n\r\nbegin:vcard\nversion:4.0\nFN:Ana \\;\n  Ruiz\norg:Acme\\, Inc.\n"
+          "tel;value=uri;type=\"cell,voice\":tel:+34-600-000-001;ext=1\n"
+        + fold("PHOTO:data:image/png;base64," + png.toBase64()) + "end:vcard");
+    ASSERT_EQ(people.size(), 2);
+    EXPECT_EQ(people.at(0), (AddressBookPerson { "Ana", "Ruiz", "Acme, Inc.", { "+34 600 000 001", "+34 910" }, png }));
+    EXPECT_EQ(people.at(1), (AddressBookPerson { "Ana ; Ruiz", "", "Acme, Inc.", { "+34-600-000-001" }, png }))
+        << "without its parts a name is taken as a whole";
+}
+
+TEST(VCardReader, aFoldThatCutsACharacterIsMendedAndEscapesAreRead)
+{
+    const QByteArray name = "N:Mu\xC3\r\n \xB1oz;Jos\xC3\xA9\\n\\;;;\r\n";
+    EXPECT_EQ(readOne(name).familyName, "Mu\xC3\xB1oz");
+    EXPECT_EQ(readOne(name).givenName, "Jos\xC3\xA9 ;");
+    EXPECT_EQ(readOne("TEL:\r\nTEL:tel:\r\nTEL\r\nTEL;TYPE=\"never closed:1\r\n\xFF:\xFF\r\n").phones, QStringList(""));
+}
+
+TEST(VCardReader, aPhotoThatIsBrokenTooLargeOrElsewhereIsLeftOut)
+{
+    const QByteArray encoded = png.toBase64();
+    QByteArray huge = png;
+    huge.resize(3 * 1024 * 1024, 'x');
+    for (const QByteArray& photo : { QByteArray("PHOTO;ENCODING=b:") + encoded + "?\r\n", "PHOTO:" + encoded + "\r\n",
+             QByteArray("PHOTO;VALUE=URI:https://example.com/a.png\r\n"), QByteArray("PHOTO:data:image/png;base64\r\n"),
+             QByteArray("PHOTO;ENCODING=b:bm8gaW1hZ2U=\r\n"), QByteArray("PHOTO;ENCODING=b:\r\n"),
+             fold("PHOTO;ENCODING=b:" + huge.toBase64()), "PHOTO;ENCODING=b:" + huge.toBase64() + "\r\n" }) {
+        const AddressBookPerson person = readOne("FN:Ana\r\n" + photo + "TEL:34600\r\n");
+        EXPECT_EQ(person.photo.size(), 0) << photo.left(60).constData();
+        EXPECT_EQ(person.givenName, "Ana");
+        EXPECT_EQ(person.phones, QStringList("34600")) << "what stands behind it is read";
+    }
+}
+
+TEST(VCardReader, onlyWholeCardsCount)
+{
+    EXPECT_EQ(read("").size(), 0);
+    EXPECT_EQ(read("FN:Nobody\nEND:VCARD\n").size(), 0);
+    EXPECT_EQ(read("BEGIN:VCARD\nFN:Cut").size(), 0);
+    const auto people = read("BEGIN:VCARD\nFN:Cut\nTEL:1\nBEGIN:VCARD\nFN:Whole\nEND:VCARD\n");
+    ASSERT_EQ(people.size(), 1);
+    EXPECT_EQ(people.first().givenName, "Whole");
+    EXPECT_EQ(people.first().phones, QStringList());
+}
+
+class AddressBookFolders : public testing::Test {
+protected:
+    QStringList names(const QStringList& folders = {})
+    {
+        QStringList found;
+        for (const AddressBookPerson& person : book->people(folders))
+            found.append(person.givenName);
+        return found;
+    }
+
+    void card(const QString& path, const char* name)
+    {
+        home.write(path, QByteArray("BEGIN:VCARD\nFN:") + name + "\nEND:VCARD\n");
+    }
+
+    LogCapture log;
+    TemporaryHome home;
+    std::unique_ptr<AddressBook> book = makeAddressBook(home.paths());
+};
+
+TEST_F(AddressBookFolders, withoutAFolderAccessIsRefused)
+{
+    EXPECT_FALSE(book->requestAccess({}));
+    EXPECT_FALSE(book->requestAccess({ home.path("nowhere"), "" }));
+    EXPECT_EQ(names(), QStringList());
+    card("share/contacts/home/a.vcf", "Ana");
+    EXPECT_TRUE(book->requestAccess({}));
+}
+
+TEST_F(AddressBookFolders, theUsualFoldersAndThoseNamedBesideAreRead)
+{
+    card("share/contacts/work/b.vcf", "Bo");
+    card("share/contacts/home/a.vcf", "Ana");
+    card("share/contacts/home/notes.txt", "Nobody");
+    card("more/c.vcf", "Cy");
+    card("more/deep/d.vcf", "Di");
+    EXPECT_EQ(names(), (QStringList { "Ana", "Bo" }));
+    EXPECT_EQ(names({ home.path("more") }), (QStringList { "Ana", "Bo", "Cy", "Di" }));
+    const QString inHome = "~/" + QDir(home.paths().home).relativeFilePath(home.path("more"));
+    EXPECT_TRUE(book->requestAccess({ inHome }));
+    EXPECT_EQ(names({ inHome }).size(), 4);
+}
+
+TEST_F(AddressBookFolders, whatCannotBeReadIsSkipped)
+{
+    card("share/contacts/home/z.vcf", "Zoe");
+    home.write("share/contacts/home/broken.vcf", QByteArray(5000, '\xFE'));
+    QDir().mkpath(home.path("share/contacts/home/folder.vcf"));
+    ASSERT_EQ(mkfifo(qPrintable(home.path("share/contacts/home/pipe.vcf")), 0600), 0);
+    QFile::link("/nowhere/at/all.vcf", home.path("share/contacts/home/gone.vcf"));
+    EXPECT_EQ(names(), QStringList("Zoe"));
+}
+
+TEST_F(AddressBookFolders, aFileOfAHundredMegabytesIsReadToItsBound)
+{
+    card("share/contacts/home/a.vcf", "Ana");
+    QFile file(home.path("share/contacts/home/a.vcf"));
+    ASSERT_TRUE(file.resize(100 * 1024 * 1024)); // one line that never ends
+    EXPECT_EQ(names(), QStringList("Ana"));
+
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    QByteArray cards;
+    while (cards.size() < 4 * 1024 * 1024)
+        cards += "BEGIN:VCARD\nNOTE:" + QByteArray(15'000, 'x') + "\nFN:Ana\nEND:VCARD\n";
+    for (int i = 0; i < 25; ++i)
+        file.write(cards);
+    file.close();
+    const qsizetype count = names().size();
+    EXPECT_GT(count, 4000);
+    EXPECT_LT(count, 5000);
+    EXPECT_TRUE(log.contains("too large"));
+}
+
+}

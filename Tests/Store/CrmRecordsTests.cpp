@@ -1,0 +1,245 @@
+#include "Store/ContactInfo.h"
+#include "Store/CrmProposals.h"
+#include "Store/CrmRecords.h"
+#include "Store/IngestQueries.h"
+#include "StoreTest.h"
+
+namespace corvane {
+
+class CrmTest : public StoreTest {
+protected:
+    CrmTest()
+    {
+        open();
+        ensureConversation(*m_db, "EMAIL", "main", "ana@example.com", "Ana", 1);
+    }
+
+    void propose(const char* id, const char* kind, const char* payload, const std::optional<QString>& contact = {},
+        const std::optional<QString>& call = {}, const char* title = "Add call note")
+    {
+        m_db->run("INSERT INTO crm_update_proposal(id, call_id, contact_id, kind, title, payload_json, confidence, "
+                  "created_at, updated_at) VALUES(?,?,?,?,?,?,0.4,?,0);",
+            { QString::fromUtf8(id), call, contact, QString::fromUtf8(kind), QString::fromUtf8(title),
+                QString::fromUtf8(payload), m_clock.nowMs() });
+    }
+
+    void call(const char* id)
+    {
+        m_db->run("INSERT INTO call_recording(id, started_at, created_at, updated_at) VALUES(?,?,0,0);",
+            { QString::fromUtf8(id), m_clock.nowMs() });
+    }
+
+    CRMUpdateProposal at(const char* id) { return crmProposal(*m_db, id).value_or(CRMUpdateProposal()); }
+
+    /// "entity/action" of what waits for the web.
+    QStringList queued()
+    {
+        return m_db->rows("SELECT entity_type, action FROM crm_mutation_queue WHERE origin='native-ui' ORDER BY rowid;",
+            {}, [](const SqlRow& row) { return row.text(0) + u'/' + row.text(1); });
+    }
+
+    const QString ana = "ct:EMAIL:ana@example.com";
+};
+
+TEST_F(CrmTest, aNoteWithoutAContactWaitsUntilOneIsLinked)
+{
+    propose("p", "note", R"({"body":"  Wants a quote \n"})");
+    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_EQ(at("p").status, "pending");
+    EXPECT_EQ(at("p").error, "No contact linked. Open CRM and link this call first.");
+    EXPECT_EQ(at("p").bodyPreview(), "  Wants a quote \n");
+
+    EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", " "));
+    EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", "ct:EMAIL:nobody"));
+    EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "none", ana));
+    EXPECT_TRUE(linkCRMUpdateProposal(*m_db, "p", ana));
+    EXPECT_EQ(at("p").error, "");
+    EXPECT_DOUBLE_EQ(at("p").confidence, 0.98);
+
+    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p")) << "once is enough";
+    EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", ana));
+    EXPECT_FALSE(rejectCRMUpdateProposal(*m_db, "p")) << "what was applied stays applied";
+    EXPECT_EQ(table("SELECT status, applied_at, rejected_at, error FROM crm_update_proposal;"),
+        QStringList(QStringLiteral("applied|%1|-|-").arg(m_clock.nowMs())));
+    ASSERT_EQ(fetchNotes(*m_db, ana).size(), 1);
+    EXPECT_EQ(fetchNotes(*m_db, ana).first().body, "Wants a quote");
+    EXPECT_EQ(queued(), QStringList("contact_note/create"));
+}
+
+TEST_F(CrmTest, aProposalThatCannotBeAppliedSaysWhyAndStays)
+{
+    propose("empty", "note", R"({"body":" "})", ana);
+    propose("garbage", "note", "{\"body\":", ana);
+    propose("list", "note", "[1]", ana);
+    propose("deal", "deal", "{}", ana);
+    for (const char* id : { "empty", "garbage", "list", "deal", "none" })
+        EXPECT_FALSE(applyCRMUpdateProposal(*m_db, id)) << id;
+    for (const char* id : { "empty", "garbage", "list" })
+        EXPECT_EQ(at(id).error, "Call note payload is empty.") << id;
+    EXPECT_EQ(at("deal").error, "Unsupported proposal kind: deal");
+    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 4);
+
+    EXPECT_TRUE(rejectCRMUpdateProposal(*m_db, "deal"));
+    EXPECT_EQ(at("deal").status, "rejected");
+    EXPECT_EQ(at("deal").error, "");
+    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 3);
+    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "", 10).size(), 4);
+    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "", 2).size(), 2);
+}
+
+TEST_F(CrmTest, aNoteThatCannotBeSavedIsStillProposed)
+{
+    propose("p", "note", R"({"body":"hi"})", ana);
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON contact_note BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
+    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_EQ(at("p").status, "pending");
+    EXPECT_FALSE(at("p").error.isEmpty());
+    EXPECT_EQ(queued(), QStringList());
+}
+
+TEST_F(CrmTest, aTaskTakesTheProposalsTitleWhereThePayloadHasNone)
+{
+    propose("bare", "task", "", {}, {}, "Send the quote");
+    propose("full", "task", R"({"title":" Ring back ","due":"Friday","priority":"High","status":"Doing"})", ana);
+    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "bare"));
+    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "full"));
+    EXPECT_EQ(at("full").bodyPreview(), " Ring back ");
+    EXPECT_EQ(table("SELECT title, due, priority, status, contact_id FROM crm_task ORDER BY rowid;"),
+        (QStringList { "Send the quote||Normal|To do|-", "Ring back|Friday|High|Doing|" + ana }));
+    EXPECT_EQ(queued(), (QStringList { "task/create", "task/create" }));
+}
+
+TEST_F(CrmTest, linkingOneProposalOfACallLinksTheCallAndAllThatWait)
+{
+    call("c");
+    call("other");
+    propose("note", "note", "{}", {}, "c", "Link contact, or drop it");
+    propose("task", "task", "{}", {}, "c", "Link contact, or something");
+    propose("applied", "note", "{}", {}, "c", "Link contact, long ago");
+    propose("elsewhere", "note", "{}", {}, "other", "Link contact, please");
+    m_db->exec("UPDATE crm_update_proposal SET status='applied' WHERE id='applied';"
+               "UPDATE crm_update_proposal SET confidence=0.99 WHERE id='task';");
+    EXPECT_TRUE(linkCRMUpdateProposal(*m_db, "task", ana));
+    EXPECT_EQ(table("SELECT id, title, contact_id, confidence FROM crm_update_proposal ORDER BY rowid;"),
+        (QStringList { "note|Add call note|" + ana + "|0.98", "task|Link contact, or something|" + ana + "|0.99",
+            "applied|Link contact, long ago|-|0.4", "elsewhere|Link contact, please|-|0.4" }));
+    EXPECT_EQ(
+        table("SELECT id, contact_id FROM call_recording ORDER BY rowid;"), (QStringList { "c|" + ana, "other|-" }));
+}
+
+TEST_F(CrmTest, twoNotesOfOneMomentAreBothKept)
+{
+    const auto first = addNote(*m_db, ana, "one");
+    const auto second = addNote(*m_db, ana, "two");
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(*first, QStringLiteral("note:%1:").arg(m_clock.nowMs()) + ana);
+    EXPECT_NE(*first, *second);
+    EXPECT_EQ(fetchNotes(*m_db, ana).size(), 2);
+    EXPECT_EQ(table("SELECT payload_json FROM crm_mutation_queue WHERE entity_id='" + *second + "';"),
+        QStringList(QStringLiteral(R"({"body":"two","contact_id":"%1","ts":%2})").arg(ana).arg(m_clock.nowMs())));
+}
+
+TEST_F(CrmTest, aDoneTaskShowsOnlyWhenAskedFor)
+{
+    const auto open = insertCRMTask(*m_db, ana, { .title = "Ring back", .due = {} });
+    for (const char* status : { "Done", "done", "Closed", "COMPLETED" })
+        insertCRMTask(*m_db, ana, { .title = "Old", .due = {}, .status = QString::fromUtf8(status) });
+    const auto tasks = [&](DoneTasks done) {
+        return fetchContactTasks(*m_db, ana, done, 12);
+    };
+    ASSERT_EQ(tasks(DoneTasks::Leave).size(), 1);
+    EXPECT_EQ(tasks(DoneTasks::Leave).first().id, *open);
+    EXPECT_EQ(tasks(DoneTasks::Leave).first().priority, "Normal");
+    EXPECT_EQ(tasks(DoneTasks::Include).size(), 5);
+
+    EXPECT_TRUE(completeCRMTask(*m_db, *open));
+    EXPECT_TRUE(completeCRMTask(*m_db, *open));
+    EXPECT_EQ(tasks(DoneTasks::Leave).size(), 0);
+    EXPECT_EQ(queued().count("task/update"), 1) << "two changes of one task wait as one";
+    EXPECT_EQ(queued().count("task/create"), 5);
+}
+
+TEST_F(CrmTest, aDealCountsInItsStageByTheNumberThatItsValueTells)
+{
+    for (const auto& [stage, value] : { std::pair("Proposal", "$12.5k"), std::pair("Proposal", "abc"),
+             std::pair("", "7"), std::pair("Won back", "Sum: 3"), std::pair("Prospecting", "1.2.3"),
+             std::pair("Closed Won", "99999999999999999999"), std::pair("Closed Won", "1 m") })
+        ASSERT_TRUE(insertCRMDeal(*m_db, ana, { QStringLiteral("D"), stage, value, QStringLiteral("Acme"), {} }));
+    EXPECT_EQ(fetchCRMPipelineStageSummaries(*m_db),
+        (QList<CRMPipelineStageSummary> { { "Prospecting", 1, 0 }, { "Proposal", 2, 12500 },
+            { "Closed Won", 2, std::numeric_limits<qint64>::max() }, { "Unstaged", 1, 7 },
+            { "Won back", 1, 3'000'000 } }));
+    EXPECT_EQ(dealValue("-0.9"), 0);
+    EXPECT_EQ(fetchContactDeals(*m_db, ana, 10).size(), 7);
+    EXPECT_EQ(cell("SELECT close_date FROM crm_deal;"), "-");
+    EXPECT_EQ(queued().count("deal/create"), 7);
+    m_db->exec("UPDATE crm_deal SET deleted_at=1;");
+    EXPECT_EQ(fetchCRMPipelineStageSummaries(*m_db).size(), 0);
+}
+
+TEST_F(CrmTest, theInfoOfAContactNamesNothingTwice)
+{
+    m_db->run("INSERT INTO contact_identity(id, contact_id, channel, handle, email, phone) "
+              "VALUES('i',?,'SMS','+34','ANA@example.com','34');",
+        { ana });
+    insertCRMDeal(*m_db, ana, { "One", "Proposal", "1", "Acme", {} });
+    insertCRMDeal(*m_db, ana, { "Two", "Proposal", "1", "", {} });
+    insertCRMDeal(*m_db, ana, { "Three", "Proposal", "1", "ACME", {} });
+    const ContactInfoRow info = fetchContactInfo(*m_db, ana);
+    EXPECT_EQ(info.emails, QStringList("ana@example.com"));
+    EXPECT_EQ(info.phones, QStringList("34"));
+    EXPECT_EQ(info.platforms, (QStringList { "EMAIL", "SMS" }));
+    EXPECT_EQ(info.handles, (QStringList { "ana@example.com", "+34" }));
+    EXPECT_EQ(info.companies.size(), 1);
+    EXPECT_EQ(fetchContactInfo(*m_db, "ct:SMS:nobody"), ContactInfoRow());
+}
+
+TEST_F(CrmTest, messagesNotesAndCallsAreOneStory)
+{
+    using Kind = ActivityRow::Kind;
+    const auto message = [&](const char* id, const char* body, qint64 ts) {
+        IncomingMessage incoming;
+        incoming.conversationExternalId = "ana@example.com";
+        incoming.providerMsgId = QString::fromUtf8(id);
+        incoming.body = QString::fromUtf8(body);
+        incoming.ts = ts;
+        storeMessage(*m_db, "EMAIL", "main", incoming);
+    };
+    const qint64 now = m_clock.nowMs();
+    message("1", "hello", now - 30);
+    message("2", "", now - 20); // a voice message, and its transcript
+    m_db->exec("INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at) "
+               "VALUES('wa:msg:2','spoken',0,0);");
+    message("3", "", now - 10); // a picture says nothing here
+    addNote(*m_db, ana, "noted");
+    m_clock.advance(Milliseconds(1));
+    call("c");
+    m_db->run("UPDATE call_recording SET contact_id=?;", { ana });
+    QStringList told;
+    const QList<ActivityRow> story = fetchContactActivity(*m_db, ana, 10);
+    for (const ActivityRow& row : story)
+        told.append(row.text);
+    EXPECT_EQ(told, (QStringList { "Call recording", "noted", "spoken", "hello" }));
+    EXPECT_EQ(story.first().kind, Kind::Call);
+    EXPECT_EQ(story.first().processingStatus, "queued");
+    EXPECT_EQ(story.last().channel, "EMAIL");
+    EXPECT_EQ(fetchContactActivity(*m_db, ana, 2).size(), 2);
+}
+
+TEST_F(CrmTest, aForgottenMemoryIsGoneForGood)
+{
+    m_db->exec("INSERT INTO work_memory_entries VALUES('b','contact:" + ana
+        + "','second','2025-02-01T00:00:00Z'),"
+          "('a','contact:"
+        + ana + "','first','2025-01-01T00:00:00Z'),('o','owner','mine','2025-01-01T00:00:00Z');");
+    const QString scope = "contact:" + ana;
+    EXPECT_EQ(fetchMemoryEntries(*m_db, scope), (QList<MemoryEntry> { { "a", "first" }, { "b", "second" } }));
+    EXPECT_TRUE(forgetMemoryEntry(*m_db, "a"));
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "2");
+    m_db->exec("DROP TABLE work_memory_entries;");
+    EXPECT_EQ(fetchMemoryEntries(*m_db, scope), QList<MemoryEntry>());
+    EXPECT_FALSE(forgetMemoryEntry(*m_db, "b"));
+}
+
+}

@@ -1,0 +1,263 @@
+#include "Foundation/Ids.h"
+#include "Store/IdentityQueries.h"
+#include "Store/IngestQueries.h"
+#include "Store/ThreadQueries.h"
+#include "StoreTest.h"
+
+#include <array>
+#include <random>
+#include <vector>
+
+namespace corvane {
+
+class IdentityTest : public StoreTest {
+protected:
+    IdentityTest() { open(); }
+
+    /// Somebody who wrote once, on an account named after the channel. Returns the contact's id.
+    QString person(const char* channel, const char* handle, const char* name)
+    {
+        const QString id = contactId(channel, handle);
+        ensureConversation(*m_db, channel, channel, handle, QString::fromUtf8(name), 1);
+        return id;
+    }
+
+    /// "a+b by signal", the ids without "ct:", in the order of the suggestions.
+    QStringList suggestions(int limit = 20, const QString& touching = {})
+    {
+        QStringList result;
+        for (const MergeCandidate& pair : suggestedMerges(*m_db, limit, touching))
+            result.append(std::min(pair.aId, pair.bId).mid(3) + u'+' + std::max(pair.aId, pair.bId).mid(3) + " by "
+                + pair.signal);
+        return result;
+    }
+
+    QString ownerOf(const QString& conversation)
+    {
+        return m_db->scalar("SELECT contact_id FROM unified_conversation WHERE id=?;", { conversation }).value_or("-");
+    }
+};
+
+TEST_F(IdentityTest, aPairIsSuggestedOnceUnderItsStrongestSignal)
+{
+    const QString mail = person("EMAIL", "Ana@Example.com", "Ana Lee");
+    person("GMAIL", "ana@example.com ", "Ana Lee");
+    const auto found = suggestedMerges(*m_db, 20);
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found.first().signal, "email");
+    EXPECT_EQ(found.first().aName, "Ana Lee");
+
+    const QString phone = person("WHATSAPP", "34600@s.whatsapp.net", "Bo");
+    m_db->run("UPDATE contact_identity SET phone='34600' WHERE contact_id=?;", { mail });
+    EXPECT_EQ(suggestions(),
+        (QStringList { "EMAIL:Ana@Example.com+GMAIL:ana@example.com  by email",
+            "EMAIL:Ana@Example.com+WHATSAPP:34600@s.whatsapp.net by phone" }));
+    EXPECT_EQ(suggestions(1).size(), 1);
+    EXPECT_EQ(suggestions(0), QStringList());
+    EXPECT_EQ(suggestions(20, phone), QStringList("EMAIL:Ana@Example.com+WHATSAPP:34600@s.whatsapp.net by phone"));
+    EXPECT_EQ(suggestions(20, "ct:EMAIL:nobody"), QStringList());
+}
+
+TEST_F(IdentityTest, aNameIsComparedByItsLettersAlone)
+{
+    person("SMS", "1", "José");
+    person("SMS", "2", "JOSE\xCC\x81"); // the accent as a character of its own
+    person("SMS", "3", "Ann Lee");
+    person("SMS", "4", "Annlee!");
+    person("SMS", "5", "\xD0\x98\xD1\x80\xD0\xB0"); // Cyrillic
+    person("SMS", "6", "\xD0\xB8\xD1\x80\xD0\xB0 7");
+    for (const char* name : { "Group 1", "group 2", "WhatsApp user 3", "whatsapp user 4", "Unknown", "unknown",
+             "+44 20", "+44 20", "A.", "A.", "", "", "123", "123" })
+        person("TELEGRAM", qPrintable(QString::number(m_clock.nowMs())), name), m_clock.advance(Milliseconds(1));
+    QStringList found = suggestions();
+    found.sort();
+    EXPECT_EQ(found, (QStringList { "SMS:1+SMS:2 by name", "SMS:3+SMS:4 by name", "SMS:5+SMS:6 by name" }));
+    EXPECT_EQ(suggestions(20, "ct:SMS:4"), QStringList("SMS:3+SMS:4 by name"));
+}
+
+TEST_F(IdentityTest, whoHasNoConversationOrIsGoneIsNeverSuggested)
+{
+    person("EMAIL", "ana@example.com", "Ana");
+    ensureContactId(*m_db, "GMAIL", "ana@example.com", "Ana");
+    EXPECT_EQ(suggestions(), QStringList());
+    const QString other = person("GMAIL", "ana@example.com", "Ana");
+    EXPECT_EQ(suggestions().size(), 1);
+    m_db->run("UPDATE contact SET deleted_at=1 WHERE id=?;", { other });
+    EXPECT_EQ(suggestions(), QStringList());
+    m_db->exec("UPDATE contact SET deleted_at=NULL; UPDATE unified_conversation SET deleted_at=1;");
+    EXPECT_EQ(suggestions(), QStringList());
+}
+
+TEST_F(IdentityTest, aMergeMovesTheConversationsAndAnUnmergeReturnsExactlyThose)
+{
+    const QString ana = person("EMAIL", "ana@example.com", "Ana");
+    const QString anaToo = person("GMAIL", "ana@example.com", "Ana");
+    EXPECT_EQ(mergeContacts(*m_db, ana, ana, "email"), std::nullopt);
+    EXPECT_EQ(mergeContacts(*m_db, ana, "ct:SMS:nobody", "name"), std::nullopt);
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM contact_merge;"), "0");
+
+    const auto merge = mergeContacts(*m_db, ana, anaToo, "email");
+    ASSERT_TRUE(merge);
+    EXPECT_TRUE(merge->startsWith(QStringLiteral("mg:%1:").arg(m_clock.nowMs())));
+    EXPECT_EQ(activeMerges(*m_db, ana), (QList<LiveMerge> { { *merge, ana, anaToo, "email", m_clock.nowMs() } }));
+    EXPECT_EQ(cell("SELECT conv_ids_json FROM contact_merge;"), R"(["wa:GMAIL:ana@example.com"])");
+    EXPECT_EQ(effectiveContactId(*m_db, anaToo), ana);
+    EXPECT_EQ(suggestions(), QStringList()) << "they are one already";
+    EXPECT_TRUE(contactExists(*m_db, anaToo)) << "the contact stays";
+    EXPECT_EQ(identitiesFor(*m_db, anaToo).size(), 1);
+
+    ensureConversation(*m_db, "EMAIL", "main", "later@example.com", {}, 5);
+    m_db->run("UPDATE unified_conversation SET contact_id=? WHERE external_id='later@example.com';", { ana });
+    EXPECT_TRUE(unmergeContacts(*m_db, *merge));
+    EXPECT_FALSE(unmergeContacts(*m_db, *merge)) << "only a live merge can be undone";
+    EXPECT_FALSE(unmergeContacts(*m_db, "mg:1:1000"));
+    EXPECT_EQ(ownerOf("wa:GMAIL:ana@example.com"), anaToo);
+    EXPECT_EQ(ownerOf("wa:main:later@example.com"), ana);
+    EXPECT_EQ(activeMerges(*m_db, ana), QList<LiveMerge>());
+    EXPECT_EQ(effectiveContactId(*m_db, anaToo), anaToo);
+}
+
+TEST_F(IdentityTest, whereTheRecordCannotBeWrittenNothingMoves)
+{
+    const QString ana = person("EMAIL", "ana@example.com", "Ana");
+    const QString bo = person("SMS", "1", "Ana");
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON contact_merge BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
+    EXPECT_EQ(mergeContacts(*m_db, ana, bo, "name"), std::nullopt);
+    EXPECT_EQ(ownerOf("wa:SMS:1"), bo);
+}
+
+TEST_F(IdentityTest, aMergeOrUnmergeThatWasCutShortCanStillBeUndone)
+{
+    const QString ana = person("EMAIL", "ana@example.com", "Ana");
+    const QString bo = person("SMS", "1", "Ana");
+    ensureConversation(*m_db, "SMS", "other", "1", "Ana", 1);
+    // What stands in the file when the process ends after the first of two moves.
+    m_db->exec("CREATE TRIGGER cut BEFORE UPDATE ON unified_conversation WHEN OLD.id='wa:other:1' "
+               "BEGIN SELECT RAISE(ABORT, 'cut'); END;");
+    const auto merge = mergeContacts(*m_db, ana, bo, "name");
+    ASSERT_TRUE(merge);
+    EXPECT_EQ(ownerOf("wa:SMS:1"), ana);
+    EXPECT_EQ(ownerOf("wa:other:1"), bo);
+    EXPECT_FALSE(unmergeContacts(*m_db, *merge)) << "one could not be returned";
+    EXPECT_EQ(activeMerges(*m_db, ana).size(), 1);
+
+    open().exec("DROP TRIGGER cut;");
+    EXPECT_TRUE(unmergeContacts(*m_db, *merge));
+    EXPECT_EQ(ownerOf("wa:SMS:1"), bo);
+    EXPECT_EQ(ownerOf("wa:other:1"), bo);
+
+    m_db->exec("UPDATE contact_merge SET undone_at=NULL, conv_ids_json='{';");
+    EXPECT_FALSE(unmergeContacts(*m_db, *merge));
+    EXPECT_EQ(activeMerges(*m_db, ana).size(), 1) << "a record that does not read stays live";
+}
+
+TEST_F(IdentityTest, aPersonIsCalledByNameThenTitleThenAddress)
+{
+    const QString ana = person("EMAIL", "ana@example.com", "Ana");
+    EXPECT_EQ(displayName(*m_db, ana), "Ana");
+    m_db->exec("UPDATE contact SET display_name='';UPDATE unified_conversation SET title='Ana, work';");
+    EXPECT_EQ(displayName(*m_db, ana), "Ana, work");
+    m_db->exec("UPDATE unified_conversation SET title=NULL;");
+    EXPECT_EQ(displayName(*m_db, ana), "ana@example.com");
+    EXPECT_EQ(displayName(*m_db, "ct:EMAIL:nobody"), "?");
+    EXPECT_FALSE(contactExists(*m_db, "ct:EMAIL:nobody"));
+}
+
+// Any order of merging, undoing and new messages: each conversation that a merge moved comes back to where the
+// last message or unmerge had put it, and no row goes.
+TEST(MergeProperty, aHundredThousandMergesUnmergesAndMessagesLoseNothing)
+{
+    const TemporaryHome home;
+    VirtualScheduler clock;
+    UserDefaults defaults(home.paths().defaultsFile);
+    NotificationCentre centre;
+    LocalDB db(":memory:", { home.paths().resources, home.paths().home }, clock, defaults, centre);
+    const auto seed = std::random_device()();
+    RecordProperty("seed", QString::number(seed).toStdString());
+    SCOPED_TRACE("seed " + QString::number(seed).toStdString());
+    std::mt19937 random(seed);
+    const auto below = [&](qsizetype limit) {
+        return static_cast<qsizetype>(random() % static_cast<quint32>(limit));
+    };
+
+    constexpr int people = 60;
+    constexpr int conversations = 80; // some people write on two accounts
+    constexpr int steps = 100'000;
+    const auto contact = [](qsizetype person) {
+        return contactId("SMS", QString::number(person));
+    };
+    const auto accountOf = [](qsizetype index) {
+        return QString(index < people ? "main" : "other");
+    };
+
+    // By conversation: whose it is now, and to whom the last message or unmerge had given it.
+    std::array<qsizetype, conversations> owner {};
+    std::array<qsizetype, conversations> given {};
+    struct Merge {
+        QString id;
+        qsizetype merged;
+        std::vector<std::size_t> moved;
+    };
+    QList<Merge> live;
+
+    const auto ingest = [&](std::size_t index) {
+        const auto person = static_cast<qsizetype>(index % people);
+        ensureConversation(
+            db, "SMS", accountOf(qsizetype(index)), QString::number(person), std::nullopt, clock.nowMs());
+        owner[index] = given[index] = person;
+    };
+    const auto unmerge = [&](qsizetype index) {
+        const Merge merge = live.takeAt(index);
+        ASSERT_TRUE(unmergeContacts(db, merge.id));
+        for (const std::size_t conversation : merge.moved)
+            owner[conversation] = given[conversation] = merge.merged;
+    };
+    const auto merge = [&](qsizetype primary, qsizetype merged) {
+        std::vector<std::size_t> moving;
+        for (std::size_t index = 0; index < conversations; ++index) {
+            if (owner[index] == merged)
+                moving.push_back(index);
+        }
+        const auto id = mergeContacts(db, contact(primary), contact(merged), "name");
+        ASSERT_EQ(id.has_value(), primary != merged && !moving.empty());
+        if (!id)
+            return;
+        live.append({ *id, merged, moving });
+        for (const std::size_t index : moving)
+            owner[index] = primary;
+    };
+    const auto isStoredAs = [&](const std::array<qsizetype, conversations>& expected) {
+        for (qsizetype index = 0; index < conversations; ++index) {
+            const QString id = conversationId(accountOf(index), QString::number(index % people));
+            EXPECT_EQ(
+                db.scalar("SELECT contact_id FROM unified_conversation WHERE id=? AND deleted_at IS NULL;", { id }),
+                contact(expected[static_cast<std::size_t>(index)]));
+        }
+    };
+
+    for (std::size_t index = 0; index < conversations; ++index)
+        ingest(index);
+    qsizetype merges = 0;
+    for (int step = 0; step < steps && !testing::Test::HasFatalFailure(); ++step) {
+        clock.setNowMs(clock.nowMs() + 1);
+        const auto choice = below(6);
+        const qsizetype before = live.size();
+        if (choice == 0)
+            ingest(static_cast<std::size_t>(below(conversations)));
+        else if (choice <= 3 && before > 0)
+            unmerge(below(before));
+        else
+            merge(below(people), below(people));
+        merges += live.size() > before ? 1 : 0;
+    }
+    isStoredAs(owner);
+    while (!live.isEmpty() && !testing::Test::HasFatalFailure())
+        unmerge(below(live.size()));
+    isStoredAs(given);
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM contact WHERE deleted_at IS NULL;"), QString::number(people));
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM contact_identity WHERE deleted_at IS NULL;"), QString::number(people));
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM contact_merge WHERE undone_at IS NOT NULL;"), QString::number(merges));
+    EXPECT_GT(merges, steps / 10);
+}
+
+}
