@@ -4,6 +4,7 @@
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
 #include "Foundation/UserDefaults.h"
+#include "Store/IngestQueries.h"
 #include "Store/LocalDB.h"
 
 #include <QCryptographicHash>
@@ -73,8 +74,9 @@ private:
     void addContacts()
     {
         BareStatement contact(m_db, "INSERT INTO contact(id, display_name, avatar_path, updated_at) VALUES(?,?,?,?);");
-        BareStatement identity(
-            m_db, "INSERT INTO contact_identity(id, contact_id, channel, handle, updated_at) VALUES(?,?,?,?,?);");
+        BareStatement identity(m_db,
+            "INSERT INTO contact_identity(id, contact_id, channel, handle, email, phone, updated_at) "
+            "VALUES(?,?,?,?,?,?,?);");
         for (int index = 0; index < m_size.conversations; ++index) {
             const Network& network = networks[static_cast<std::size_t>(below(networks.size()))];
             // Multiplied in a prime field, the numbers come out of order and each once.
@@ -89,8 +91,18 @@ private:
             } else {
                 conversation.contact = m_conversations[static_cast<std::size_t>(below(m_size.contacts))].contact;
             }
-            identity.run(QByteArray("id:") + network.channel + ':' + conversation.handle, conversation.contact,
-                QByteArray(network.channel), conversation.handle, end);
+            const MatchSignals implied
+                = matchSignals(QString::fromUtf8(network.channel), QString::fromUtf8(conversation.handle));
+            const auto addIdentity = [&](const auto& email, const auto& phone) {
+                identity.run(QByteArray("id:") + network.channel + ':' + conversation.handle, conversation.contact,
+                    QByteArray(network.channel), conversation.handle, email, phone, end);
+            };
+            if (implied.email)
+                addIdentity(oneIn(50) ? QByteArray("team@example.com") : implied.email->toUtf8(), nullptr);
+            else if (implied.phone)
+                addIdentity(nullptr, implied.phone->toUtf8());
+            else
+                addIdentity(nullptr, nullptr);
             m_conversations.push_back(conversation);
         }
     }

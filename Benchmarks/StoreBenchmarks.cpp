@@ -1,6 +1,7 @@
 #include "MirrorBench.h"
 #include "Rivals.h"
 
+#include "Store/IdentityQueries.h"
 #include "Store/InboxQueries.h"
 
 #include <QCoreApplication>
@@ -33,8 +34,47 @@ void fetchContactsBare(benchmark::State& state)
     }
 }
 
+void suggestedMergesByStore(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(suggestedMerges(bench().store(), 20));
+}
+
+void suggestedMergesOfOneByStore(benchmark::State& state)
+{
+    const QString anybody = fetchContacts(bench().store(), InboxFilter::All, {}, 1).first().id;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(suggestedMerges(bench().store(), 20, anybody));
+}
+
+/// Only reads what the suggestions are made from.
+void suggestedMergesBare(benchmark::State& state)
+{
+    const auto read = [](const QByteArray& sql, int columns) {
+        BareStatement statement(bench().bare(), sql);
+        for (bool row = statement.step("local"); row; row = statement.step()) {
+            for (int column = 0; column < columns; ++column)
+                benchmark::DoNotOptimize(sqlite3_column_text(statement.get(), column));
+        }
+    };
+    for (auto _ : state) {
+        read("SELECT ct.id, COALESCE(ct.display_name,''), (SELECT COUNT(*) FROM unified_conversation c WHERE "
+             "c.contact_id=ct.id AND c.deleted_at IS NULL) FROM contact ct WHERE ct.workspace_id=? AND ct.deleted_at "
+             "IS NULL;",
+            3);
+        for (const QByteArray& field : { QByteArray("email"), QByteArray("phone") })
+            read("SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b ON a." + field
+                    + "=b." + field + " AND a.contact_id<b.contact_id WHERE a.workspace_id=? AND a." + field
+                    + " IS NOT NULL AND a." + field + "!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;",
+                2);
+    }
+}
+
 BENCHMARK(fetchContactsByStore)->Name("fetchContacts/corvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(fetchContactsBare)->Name("fetchContacts/bare")->Unit(benchmark::kMillisecond);
+BENCHMARK(suggestedMergesByStore)->Name("suggestedMerges/corvane")->Unit(benchmark::kMillisecond);
+BENCHMARK(suggestedMergesOfOneByStore)->Name("suggestedMerges/of one")->Unit(benchmark::kMillisecond);
+BENCHMARK(suggestedMergesBare)->Name("suggestedMerges/bare, reading")->Unit(benchmark::kMillisecond);
 
 }
 

@@ -7,6 +7,7 @@
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Ids.h"
 #include "Foundation/SystemScheduler.h"
+#include "Platform/AddressBook.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Microphone.h"
@@ -117,6 +118,7 @@ private:
         desktop = own.get();
         machine.desktop = std::move(own);
         machine.microphone = makeMicrophone(scheduler);
+        machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
         return machine;
     }
 

@@ -63,6 +63,7 @@ void InboxView::openContact(const ContactRow& row)
     readSelected();
     m_thread.open(m_selectedRow);
     m_composer.open(m_selectedRow);
+    m_crm.open(m_selectedRow);
     m_reloadSoon.request();
     present();
     Q_EMIT selectionChanged();
@@ -79,6 +80,7 @@ void InboxView::close()
     tellWhatIsOpen();
     m_thread.open({});
     m_composer.open({});
+    m_crm.open({});
     Q_EMIT selectionChanged();
 }
 

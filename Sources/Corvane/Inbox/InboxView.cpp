@@ -41,6 +41,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
           [this](const Account& account, const QString& recipient, const QString& message) {
               return composeNew(account, recipient, message);
           })
+    , m_crm(m_engine.db(), m_scheduler)
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
     , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
 {
@@ -48,6 +49,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
+    connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
     connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
     connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);
@@ -225,6 +227,7 @@ void InboxView::reload()
             readSelected();
         m_thread.open(m_selectedRow);
         m_composer.open(m_selectedRow);
+        m_crm.open(m_selectedRow);
     }
     m_loading = false;
     m_countsSoon.request();

@@ -4,6 +4,7 @@
 #include "Foundation/NotificationCentre.h"
 #include "Inbox/AvatarRequests.h"
 #include "Inbox/BulkSelection.h"
+#include "Inbox/CRMPane.h"
 #include "Inbox/CommandPalette.h"
 #include "Inbox/ComposeSheet.h"
 #include "Inbox/Composer.h"
@@ -51,6 +52,7 @@ class InboxView : public QObject {
     Q_PROPERTY(
         corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nothing is open
     Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
+    Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
     // Around it
@@ -110,6 +112,7 @@ public:
     int selectedIndex() const;
     ContactItem selected() const { return m_selected; }
     ThreadView* thread() { return &m_thread; }
+    CRMPane* crm() { return &m_crm; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     Composer* composer() { return &m_composer; }
     PendingDraftsView* drafts() { return &m_drafts; }
@@ -215,6 +218,7 @@ private:
     Composer m_composer;
     PendingDraftsView m_drafts;
     ComposeSheet m_composeSheet;
+    CRMPane m_crm;
     CommandPalette m_palette;
     BulkSelection m_bulk;
 

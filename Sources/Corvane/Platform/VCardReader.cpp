@@ -4,6 +4,7 @@
 
 #include <QIODevice>
 #include <algorithm>
+#include <array>
 
 namespace corvane {
 
@@ -127,15 +128,25 @@ bool is(const Property& property, const char* name)
 
 std::optional<QByteArray> VCardReader::physicalLine()
 {
-    QByteArray line = m_device.readLine(longestLine);
-    if (line.isEmpty())
-        return std::nullopt;
-    bool whole = line.endsWith('\n');
-    if (!whole && !m_device.atEnd()) {
-        while (!whole && !m_device.atEnd())
-            whole = m_device.readLine(longestLine).endsWith('\n');
-        return QByteArray();
+    std::array<char, 4096> chunk;
+    QByteArray line;
+    bool begun = false;
+    bool tooLong = false;
+    while (!line.endsWith('\n')) {
+        const qint64 count = m_device.readLine(chunk.data(), chunk.size());
+        if (count <= 0)
+            break;
+        begun = true;
+        // Of a line that is too long only the last chunk is kept, to know where the line ends.
+        tooLong = tooLong || line.size() > longestLine;
+        if (tooLong)
+            line.clear();
+        line.append(chunk.data(), count);
     }
+    if (!begun)
+        return std::nullopt;
+    if (tooLong)
+        return QByteArray();
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
     return line;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+
+namespace corvane {
+
+/// A line in a section of the contact pane; what a section does not tell stays empty.
+class PaneRow {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString text MEMBER text)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(QString timeText MEMBER timeText)
+    Q_PROPERTY(QString channel MEMBER channel)
+public:
+    QString id; ///< what the section's actions ask for
+    QString label; ///< the kind of line: "Email", "Call", "WhatsApp"
+    QString text;
+    QString detail; ///< in a weaker voice: "matching email", "Proposal · $12.5k"
+    QString timeText;
+    QString channel; ///< such as "WHATSAPP", for its mark
+
+    const QString& key() const { return id; }
+    bool operator==(const PaneRow&) const = default;
+};
+
+}

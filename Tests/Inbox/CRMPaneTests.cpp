@@ -1,0 +1,167 @@
+#include "InboxViewTest.h"
+#include "Store/ContactInfo.h"
+#include "Store/CrmRecords.h"
+#include "Store/IngestQueries.h"
+#include "Store/ThreadQueries.h"
+
+using namespace corvane;
+
+namespace {
+
+class CRMPaneTest : public InboxViewTest {
+protected:
+    CRMPaneTest()
+    {
+        receiveFromAnaAndBen();
+        inbox.select(ana);
+    }
+
+    QStringList texts(QAbstractItemModel* model) const { return column(model, "text"); }
+    QString id(QAbstractItemModel* model, int row = 0) const { return column(model, "id").value(row); }
+
+    /// A namesake of Ana on Telegram, and the pause after which suggestions come.
+    void meetNamesake()
+    {
+        storeMessage(engines.db(), "TELEGRAM", "bot", telegram());
+        inbox.reload();
+        inbox.select({});
+        inbox.select(ana);
+        clock.advance(Milliseconds(600));
+    }
+
+    IncomingMessage telegram()
+    {
+        IncomingMessage message;
+        message.conversationExternalId = "77";
+        message.providerMsgId = "t1";
+        message.body = "from my other phone";
+        message.conversationTitle = "ana ruiz";
+        message.ts = clock.nowMs();
+        return message;
+    }
+
+    const QString namesake = "ct:TELEGRAM:77";
+    CRMPane& pane = *inbox.crm();
+    QAbstractItemModelTester notesTester { pane.notes() };
+    QAbstractItemModelTester activityTester { pane.activity() };
+    QAbstractItemModelTester suggestionTester { pane.suggestions() };
+};
+
+}
+
+TEST_F(CRMPaneTest, theSectionsShowWhatIsKnownOfWhoeverIsOpen)
+{
+    EXPECT_EQ(pane.contactName(), "Ana Ruiz");
+    EXPECT_EQ(column(pane.info(), "label"), (QStringList { "Phone", "Channel", "Handle" }));
+    EXPECT_EQ(texts(pane.info()), (QStringList { "49171", "WhatsApp", "49171@s.whatsapp.net" }));
+    EXPECT_EQ(texts(pane.activity()), QStringList("hello"));
+    EXPECT_EQ(column(pane.activity(), "label"), QStringList("WhatsApp"));
+
+    EXPECT_TRUE(pane.addNote(" Likes tea \n"));
+    EXPECT_TRUE(pane.addTask("Send the quote "));
+    EXPECT_TRUE(pane.addDeal(" Garden ", "Proposal", "$12.5k"));
+    EXPECT_EQ(texts(pane.notes()), QStringList("Likes tea"));
+    EXPECT_EQ(texts(pane.tasks()), QStringList("Send the quote"));
+    EXPECT_EQ(column(pane.tasks(), "detail"), QStringList("To do"));
+    EXPECT_EQ(texts(pane.deals()), QStringList("Garden"));
+    EXPECT_EQ(column(pane.deals(), "detail"), QStringList("Proposal · $12.5k"));
+    EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "WhatsApp" }));
+    EXPECT_EQ(cell("SELECT company || COALESCE(close_date,'-') FROM crm_deal;"), "-");
+
+    inbox.select(ben);
+    EXPECT_EQ(pane.contactName(), "Ben");
+    EXPECT_EQ(pane.notes()->rowCount() + pane.tasks()->rowCount() + pane.deals()->rowCount(), 0);
+    inbox.select({});
+    EXPECT_EQ(pane.contactId(), "");
+    EXPECT_EQ(pane.info()->rowCount() + pane.activity()->rowCount(), 0);
+    EXPECT_FALSE(pane.addNote("to nobody"));
+    EXPECT_FALSE(pane.addTask("for nobody"));
+    EXPECT_FALSE(pane.addDeal("with nobody", "Proposal", ""));
+}
+
+TEST_F(CRMPaneTest, aBlankTextIsNotSavedAndAFailureSaysSo)
+{
+    EXPECT_FALSE(pane.addNote(" \n"));
+    EXPECT_FALSE(pane.addTask(""));
+    EXPECT_FALSE(pane.canAddDeal("  "));
+    EXPECT_FALSE(pane.addDeal("  ", "Proposal", "1"));
+    EXPECT_EQ(pane.errorText(), "");
+    EXPECT_EQ(pane.stages().first(), "Prospecting");
+    EXPECT_EQ(pane.stages().size(), 6);
+
+    engines.db().exec("CREATE TRIGGER full BEFORE INSERT ON contact_note BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    EXPECT_FALSE(pane.addNote("kept in the field"));
+    EXPECT_EQ(pane.errorText(), "Couldn't save it, try again.");
+    EXPECT_TRUE(pane.addTask("works"));
+    EXPECT_EQ(pane.errorText(), "");
+}
+
+TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
+{
+    engines.db().exec("INSERT INTO work_memory_entries VALUES('m','contact:" + ana + "','Pays late','2025');");
+    pane.addTask("Ring back");
+    EXPECT_EQ(texts(pane.memory()), QStringList("Pays late"));
+    pane.completeTask(id(pane.tasks()));
+    pane.forget("m");
+    EXPECT_EQ(pane.tasks()->rowCount() + pane.memory()->rowCount(), 0);
+    EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "0");
+}
+
+TEST_F(CRMPaneTest, whatHappensMeanwhileShowsSoon)
+{
+    receive(ana, "and another thing");
+    clock.advance(Milliseconds(600));
+    EXPECT_EQ(texts(pane.activity()), (QStringList { "and another thing", "hello" }));
+}
+
+TEST_F(CRMPaneTest, twoContactsBecomeOnePersonAndTwoAgain)
+{
+    meetNamesake();
+    ASSERT_EQ(texts(pane.suggestions()), QStringList("Same as ana ruiz?"));
+    EXPECT_EQ(column(pane.suggestions(), "detail"), QStringList("similar name (weak)"));
+    EXPECT_EQ(pane.identityText(), "");
+
+    pane.mergeWith("ct:SMS:somebody else");
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM contact_merge;"), "0") << "only who is suggested can be merged";
+    pane.mergeWith(namesake);
+    EXPECT_EQ(pane.suggestions()->rowCount(), 0);
+    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
+    EXPECT_EQ(pane.identityText(), "Same person · 2 channels");
+    EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
+    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(fetchUnifiedThread(engines.db(), namesake, 10).size(), 2) << "one thread over both";
+
+    pane.unmerge(id(pane.merges()));
+    EXPECT_EQ(pane.merges()->rowCount(), 0);
+    EXPECT_EQ(pane.identityText(), "");
+    EXPECT_EQ(names().size(), 3);
+    EXPECT_EQ(texts(pane.suggestions()).size(), 1);
+    pane.unmerge("mg:1:1000");
+    EXPECT_EQ(pane.errorText(), "Couldn't save it, try again.");
+}
+
+TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainCanStillBeTakenApart)
+{
+    meetNamesake();
+    pane.mergeWith(namesake);
+    storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // an engine's message gives the conversation back
+    inbox.reload();
+    inbox.select(namesake);
+    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz")) << "as their thread is the other's";
+    pane.unmerge(id(pane.merges()));
+    EXPECT_EQ(pane.merges()->rowCount(), 0);
+    EXPECT_EQ(effectiveContactId(engines.db(), namesake), namesake);
+}
+
+TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)
+{
+    meetNamesake();
+    pane.dismissSuggestion(namesake);
+    EXPECT_EQ(pane.suggestions()->rowCount(), 0);
+    for (const QString& contact : { namesake, ana }) {
+        inbox.select(contact);
+        clock.advance(Milliseconds(600));
+        EXPECT_EQ(pane.suggestions()->rowCount(), 0) << contact.toStdString();
+    }
+}
