@@ -7,6 +7,7 @@ import { liveTurns } from "./live.ts";
 import { isPaired, recall, remember, rememberPairing, type Memory } from "./memory.ts";
 import { Library } from "./media/library.ts";
 import { randomFrom, type Random } from "./random.ts";
+import { writeRecords } from "./records.ts";
 import { readScript, type Conversation, type Message, type Turn } from "./script.ts";
 import { emit, listen, type MessageEvent } from "./wire.ts";
 
@@ -98,6 +99,7 @@ export class Engine {
     }
     this.save();
     this.tellHistory();
+    this.keepRecords();
     for (const { conversation, message } of unread.slice(this.memory.said)) {
       this.advance();
       this.say(conversation, message, message.at);
@@ -128,6 +130,16 @@ export class Engine {
       if (inAddressBook) emit({ type: "contactName", jid: handle, name });
       if (pictureComes === "announced") this.showPicture(conversation);
     }
+  }
+
+  /** Once, and by one engine of the three. A face that is shown again makes the desktop look. */
+  private keepRecords(): void {
+    if (this.profile.channel !== "whatsapp" || this.memory.recorded) return;
+    writeRecords(this.memory.since, () => {
+      this.memory.recorded = true;
+      this.save();
+      this.showPicture(this.conversations[0]);
+    });
   }
 
   showPicture(conversation: Conversation): void {

@@ -30,8 +30,8 @@ export function liveTurns(channel: string, since: number, conversations: Convers
 
 /** Each talk of the language once; groups and machines have none. */
 function smallTalk(channel: string, since: number, conversation: Conversation, random: Random): Turn[] {
-  const { handle, isGroup, language, picture } = conversation;
-  if (isGroup || picture === "mark") return [];
+  const { handle, isGroup, isQuiet, language, picture } = conversation;
+  if (isGroup || isQuiet || picture === "mark") return [];
   return random
     .shuffled(exchanges(language))
     .flat()

@@ -13,6 +13,8 @@ export interface Memory {
   sent: number;
   /** Pages of older messages already handed out, by conversation. */
   pages: Record<string, number>;
+  /** Whether deals, notes and the like were written. */
+  recorded: boolean;
 }
 
 const pathOf = (slug: string): string => join(homedir(), ".corvane-demo", slug + ".json");
@@ -20,7 +22,7 @@ const pairingPath = (slug: string): string => join(homedir(), ".whatsapp-baileys
 
 /** A file that is missing or does not read is a first start. */
 export function recall(slug: string, now: number): Memory {
-  const fresh: Memory = { since: now, said: 0, sent: 0, pages: {} };
+  const fresh: Memory = { since: now, said: 0, sent: 0, pages: {}, recorded: false };
   try {
     return { ...fresh, ...(JSON.parse(readFileSync(pathOf(slug), "utf8")) as Partial<Memory>) };
   } catch {

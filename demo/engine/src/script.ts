@@ -36,6 +36,8 @@ export interface Conversation {
   language: string;
   isGroup: boolean;
   inAddressBook: boolean;
+  /** Says nothing while the demonstration runs. */
+  isQuiet: boolean;
   picture: "none" | "portrait" | "mark";
   /** What a portrait shows, such as "bun grey fair glasses". */
   look: string;
@@ -136,6 +138,7 @@ class Reader {
       language,
       isGroup: handle.endsWith("@g.us"),
       inAddressBook: flags.includes("book"),
+      isQuiet: flags.includes("quiet"),
       picture: portrait ? "portrait" : flags.includes("mark") ? "mark" : "none",
       look,
       pictureComes: flags.includes("photo?") ? "asked" : "announced",

@@ -5,6 +5,7 @@ import { inflateSync } from "node:zlib";
 import { contentOf } from "../src/content.ts";
 import { liveTurns } from "../src/live.ts";
 import { assetOf } from "../src/media/library.ts";
+import { readRecords } from "../src/records.ts";
 import { readScript } from "../src/script.ts";
 import { channels, fixedNow, isLive, isMessage, temporaryHome, told, type Channel, type Event } from "./support.ts";
 
@@ -111,6 +112,23 @@ test("every medium of the lines to come can be made", () => {
         if (media !== undefined) assert.ok(assetOf(media).make().length > 80);
       }
     }
+  }
+});
+
+test("the records speak of people who write, and who is somebody else says nothing more", () => {
+  const people = channels.flatMap((channel) =>
+    readScript(channel, contentOf(`${channel}.chat`), fixedNow).map((conversation) => ({
+      id: `ct:${channel.toUpperCase()}:${conversation.handle}`,
+      speaksLater:
+        conversation.live.length + conversation.unread.length > 0 || (channel !== "email" && !conversation.isQuiet),
+    })),
+  );
+  const records = readRecords();
+  assert.equal(records[0].same.length, 2);
+  for (const { contact, same } of records) {
+    assert.ok(people.some(({ id }) => id === contact), contact);
+    // A line that came later would give its conversation back.
+    for (const other of same) assert.ok(people.some(({ id, speaksLater }) => id === other && !speaksLater), other);
   }
 });
 

@@ -1,0 +1,135 @@
+// What stands beside the messages: people merged from several channels, deals, notes, tasks, a call, and what agents
+// remember. It is written straight into the database, as any other program on this machine may, once the messages
+// of everybody that it speaks of are there.
+
+import { existsSync } from "node:fs";
+import { homedir } from "node:os";
+import { join } from "node:path";
+import type { DatabaseSync } from "node:sqlite";
+import { day, minute } from "./clock.ts";
+import { contentOf } from "./content.ts";
+import { readScript } from "./script.ts";
+import { emit } from "./wire.ts";
+
+export interface Person {
+  contact: string;
+  /** Who else they are; their conversations are moved to the contact. */
+  same: string[];
+  memory: string[];
+  deals: { name: string; company: string; stage: string; value: string; days: number }[];
+  notes: { body: string; days: number }[];
+  tasks: { title: string; due: string; priority: string }[];
+  calls: { title: string; status: string; days: number; minutes: number }[];
+}
+
+const patience = minute;
+const period = 200;
+
+export function readRecords(): Person[] {
+  return JSON.parse(contentOf("records.json")) as Person[];
+}
+
+/** Calls `done` after the records were written; never where there is no database, or nobody comes within a minute. */
+export function writeRecords(since: number, done: () => void): void {
+  const path = join(process.env.XDG_DATA_HOME || join(homedir(), ".local", "share"), "Corvane", "nimblocal.db");
+  if (!existsSync(path)) return;
+  const people = readRecords();
+  const expected = newestMessages(people, since);
+  const until = performance.now() + patience;
+  import("node:sqlite").then(
+    (sqlite) => {
+      const database = new sqlite.DatabaseSync(path);
+      database.exec("PRAGMA busy_timeout=5000;");
+      const attempt = (): void => {
+        try {
+          if (expected.every((id) => holdsMessage(database, id))) {
+            write(database, people, since);
+            done();
+          } else if (performance.now() < until) {
+            setTimeout(attempt, period);
+            return;
+          }
+        } catch (error) {
+          emit({ type: "log", msg: `The records could not be written: ${(error as Error).message}` });
+        }
+        database.close();
+      };
+      attempt();
+    },
+    () => undefined, // a Node without SQLite: the demonstration goes on without the records
+  );
+}
+
+/** The last message of the history of each conversation that the records speak of. */
+function newestMessages(people: Person[], since: number): string[] {
+  const wanted = new Set(people.flatMap(({ contact, same }) => [contact, ...same]));
+  return ["whatsapp", "email", "telegram"].flatMap((channel) =>
+    readScript(channel, contentOf(`${channel}.chat`), since)
+      .filter(({ handle }) => wanted.has(`ct:${channel.toUpperCase()}:${handle}`))
+      .map(({ history }) => history[history.length - 1].id),
+  );
+}
+
+function holdsMessage(database: DatabaseSync, id: string): boolean {
+  return database.prepare("SELECT 1 FROM unified_message WHERE provider_msg_id=?;").get(id) !== undefined;
+}
+
+/** All or nothing; a second time changes nothing. */
+function write(database: DatabaseSync, people: Person[], since: number): void {
+  const workspace = String(
+    database.prepare("SELECT workspace_id FROM contact WHERE id=?;").get(people[0].contact)?.workspace_id ?? "local",
+  );
+  const insert = (table: string, row: Record<string, string | number>): void => {
+    const columns = Object.keys(row);
+    database
+      .prepare(`INSERT OR IGNORE INTO ${table}(${columns}) VALUES(${columns.map(() => "?")});`)
+      .run(...Object.values(row));
+  };
+  database.exec("BEGIN IMMEDIATE;");
+  let number = 1000;
+  for (const { contact, same, memory, deals, notes, tasks, calls } of people) {
+    const ago = (days: number): number => since - days * day;
+    const own = { workspace_id: workspace, contact_id: contact };
+    for (const other of same) merge(database, workspace, contact, other, `mg:${ago(3)}:${number++}`, ago(3));
+    memory.forEach((body, index) =>
+      insert("work_memory_entries", {
+        id: `demo-memory-${number++}`,
+        scope: `contact:${contact}`,
+        body,
+        created_at: new Date(ago(4 - index)).toISOString(),
+      }),
+    );
+    for (const { days, ...deal } of deals)
+      insert("crm_deal", { id: `dl:${ago(days)}:${number++}`, ...own, ...deal, updated_at: ago(days) });
+    for (const { days, body } of notes)
+      insert("contact_note", { id: `note:${ago(days)}:${contact}`, ...own, body, ts: ago(days), updated_at: ago(days) });
+    for (const task of tasks)
+      insert("crm_task", { id: `tk:${since}:${number++}`, ...own, ...task, status: "To do", updated_at: since - number });
+    for (const { days, minutes, title, status } of calls)
+      insert("call_recording", {
+        id: `demo-call-${number++}`,
+        ...own,
+        title,
+        started_at: ago(days),
+        ended_at: ago(days) + minutes * minute,
+        duration_ms: minutes * minute,
+        processing_status: status,
+        created_at: ago(days),
+        updated_at: ago(days),
+      });
+  }
+  database.exec("COMMIT;");
+}
+
+function merge(database: DatabaseSync, workspace: string, primary: string, merged: string, id: string, at: number): void {
+  if (database.prepare("SELECT 1 FROM contact_merge WHERE merged_contact_id=?;").get(merged) !== undefined) return;
+  const rows = database.prepare("SELECT id FROM unified_conversation WHERE contact_id=?;").all(merged);
+  const conversations = rows.map((row) => String(row.id));
+  database
+    .prepare(
+      `INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, signal, conv_ids_json, created_at)
+       VALUES(?,?,?,?,'name',?,?);`,
+    )
+    .run(id, workspace, primary, merged, JSON.stringify(conversations), at);
+  database.prepare("UPDATE unified_conversation SET contact_id=? WHERE contact_id=?;").run(primary, merged);
+}
