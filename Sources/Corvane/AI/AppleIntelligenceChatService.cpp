@@ -1,0 +1,46 @@
+#include "AI/AppleIntelligenceChatService.h"
+
+#include "Platform/MachineFacts.h"
+
+namespace corvane {
+
+QString errorDescription(AppleAIError)
+{
+    return QStringLiteral("Apple Intelligence isn't available on this Mac — falling back requires the codex CLI.");
+}
+
+AppleIntelligenceChatService::AppleIntelligenceChatService(SystemLanguageModel& model, const MachineFacts& machine)
+    : m_model(model)
+    , m_machine(machine)
+{
+}
+
+bool AppleIntelligenceChatService::platformIsTooOld() const
+{
+    return m_machine.version() < m_machine.minimumVersion();
+}
+
+std::optional<QString> AppleIntelligenceChatService::unavailableReason() const
+{
+    if (platformIsTooOld())
+        return QStringLiteral("Requires macOS 26+ and the macOS 26+ SDK at build time.");
+    return m_model.unavailableReason();
+}
+
+QCoro::Task<Result<QString>> AppleIntelligenceChatService::respond(
+    QString instructions, QString prompt, CancelHandle cancel) const
+{
+    if (platformIsTooOld())
+        co_return failure(errorDescription(AppleAIError::Unavailable));
+    co_return co_await m_model.respond(instructions, prompt, cancel);
+}
+
+QCoro::Task<Result<QJsonObject>> AppleIntelligenceChatService::respondGenerating(
+    QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel) const
+{
+    if (unavailableReason())
+        co_return failure(errorDescription(AppleAIError::Unavailable));
+    co_return co_await m_model.respondGenerating(instructions, prompt, schema, cancel);
+}
+
+}

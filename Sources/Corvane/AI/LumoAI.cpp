@@ -1,0 +1,52 @@
+#include "AI/LumoAI.h"
+
+#include "AI/AppleIntelligenceChatService.h"
+#include "AI/CLIChatService.h"
+
+#include <QPointer>
+
+namespace corvane {
+
+LumoAI::LumoAI(const AppleIntelligenceChatService& onDevice, const CLIChatService& codex, QObject* parent)
+    : QObject(parent)
+    , m_onDevice(onDevice)
+    , m_codex(codex)
+{
+}
+
+std::optional<QString> LumoAI::availableName() const
+{
+    if (!m_onDevice.unavailableReason())
+        return m_onDevice.displayName();
+    return m_codex.codexPath() ? std::optional(QStringLiteral("Codex CLI")) : std::nullopt;
+}
+
+LocalAIModelSpec LumoAI::modelSpec() const
+{
+    return { availableName().value_or(QStringLiteral("LumoAI")) };
+}
+
+QCoro::Task<Result<QString>> LumoAI::respond(QString instructions, QString prompt, CancelHandle cancel)
+{
+    const QPointer<LumoAI> self(this);
+    co_await m_onDevice.refresh();
+    if (!self || cancel.isCancelled())
+        co_return cancelled();
+    if (!m_onDevice.unavailableReason())
+        co_return co_await m_onDevice.respond(instructions, prompt, cancel);
+    if (!m_codex.codexPath())
+        co_return failure(errorDescription(AppleAIError::Unavailable));
+    co_return co_await m_codex.respond(instructions, prompt, cancel);
+}
+
+QCoro::Task<Result<QJsonObject>> LumoAI::respondGenerating(
+    QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel)
+{
+    const QPointer<LumoAI> self(this);
+    co_await m_onDevice.refresh();
+    if (!self || cancel.isCancelled())
+        co_return cancelled();
+    co_return co_await m_onDevice.respondGenerating(instructions, prompt, schema, cancel);
+}
+
+}

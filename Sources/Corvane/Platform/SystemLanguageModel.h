@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Foundation/Cancellation.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QStringList>
+#include <optional>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+/// The language model that the platform brings. Every answer stands alone: nothing is carried over between
+/// calls. What is known of the model is kept up to date in the background and never waited for.
+class SystemLanguageModel : public QObject {
+    Q_OBJECT
+public:
+    /// Which model answers, and where it is served; empty: whatever the platform finds first.
+    struct Choice {
+        QString serverUrl;
+        QString model;
+
+        bool operator==(const Choice&) const = default;
+    };
+
+    virtual void choose(const Choice& choice) = 0;
+
+    /// Why the model cannot answer now, in words; nothing where it can.
+    virtual std::optional<QString> unavailableReason() const = 0;
+    virtual QString displayName() const = 0; ///< of the model that answers, such as "llama3.2:3b (Ollama)"
+    virtual QStringList models() const = 0; ///< what `Choice::model` may name
+
+    /// Asks the model afresh whether it can answer; a few seconds at most.
+    virtual QCoro::Task<> refresh() = 0;
+
+    // A failure carries words for the user. Cancelling ends the request.
+
+    virtual QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel) = 0;
+
+    /// The answer fits the schema (`Foundation/JsonSchema.h`), or the call fails.
+    virtual QCoro::Task<Result<QJsonObject>> respondGenerating(
+        QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel)
+        = 0;
+
+Q_SIGNALS:
+    void availabilityChanged(); ///< the reason, the name or the models
+};
+
+}

@@ -1,0 +1,52 @@
+#include "Support/FakeLanguageModel.h"
+#include "Support/Outcome.h"
+
+using namespace corvane;
+
+TEST(LumoAI, theModelOfThePlatformAnswersAndItsFailureIsTheResult)
+{
+    FakeLumo lumo;
+    EXPECT_EQ(lumo.ai.availableName(), "Fake Model");
+    EXPECT_EQ(lumo.ai.modelSpec().displayName, "Fake Model");
+    lumo.model.willAnswer(QStringLiteral(" hello\n"));
+    EXPECT_EQ((*outcome(lumo.ai.respond("Be kind.", "Greet.")))->value(), " hello\n");
+    EXPECT_EQ(lumo.model.asked.last().instructions, "Be kind.");
+    EXPECT_EQ(lumo.model.asked.last().prompt, "Greet.");
+    lumo.model.willFail(QStringLiteral("out of words"));
+    EXPECT_EQ((*outcome(lumo.ai.respond({}, {})))->error().message, "out of words");
+}
+
+TEST(LumoAI, withoutAnyBackendTheWordsNameBoth)
+{
+    const QString words = "Apple Intelligence isn't available on this Mac — falling back requires the codex CLI.";
+    FakeLumo lumo;
+    lumo.model.setUnavailable(QStringLiteral("no server"));
+    EXPECT_EQ(lumo.ai.availableName(), std::nullopt);
+    EXPECT_EQ(lumo.ai.modelSpec().displayName, "LumoAI");
+    EXPECT_EQ(lumo.onDevice.unavailableReason(), "no server");
+    EXPECT_EQ((*outcome(lumo.ai.respond({}, {})))->error().message, words);
+    EXPECT_EQ((*outcome(lumo.ai.respondGenerating({}, {}, {})))->error().message, words);
+
+    lumo.model.setAvailable();
+    lumo.machine.running = { 5, 9, 200 };
+    EXPECT_EQ(lumo.ai.availableName(), std::nullopt);
+    EXPECT_EQ(lumo.onDevice.unavailableReason(), "Requires macOS 26+ and the macOS 26+ SDK at build time.");
+    EXPECT_EQ((*outcome(lumo.onDevice.respond({}, {})))->error().message, words);
+    lumo.machine.running = { 5, 10, 0 };
+    EXPECT_EQ(lumo.ai.availableName(), "Fake Model");
+}
+
+TEST(LumoAI, whatIsCancelledEndsAtOnceAndNeverTwice)
+{
+    FakeLumo lumo;
+    const auto late = lumo.model.willAnswerLater();
+    const CancelHandle cancel;
+    const auto result = outcome(lumo.ai.respond({}, {}, cancel));
+    EXPECT_FALSE(result->has_value());
+    cancel.cancel();
+    cancel.cancel();
+    EXPECT_EQ((*result)->error().message, "Cancelled.");
+    EXPECT_TRUE(late.hasArrived());
+    EXPECT_EQ((*outcome(lumo.ai.respond({}, {}, cancel)))->error().message, "Cancelled.");
+    EXPECT_EQ(lumo.model.asked.size(), 1) << "a question that was cancelled before is not asked";
+}

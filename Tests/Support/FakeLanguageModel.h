@@ -1,0 +1,136 @@
+#pragma once
+
+#include "AI/AppleIntelligenceChatService.h"
+#include "AI/CLIChatService.h"
+#include "AI/LumoAI.h"
+#include "Foundation/Arrival.h"
+#include "Platform/MachineFacts.h"
+#include "Platform/ToolRunner.h"
+
+#include <deque>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+/// A model that notes what it is asked, and answers what a test has told it, in that order. One question more
+/// than was told fails the test.
+class FakeLanguageModel final : public SystemLanguageModel {
+public:
+    struct Question {
+        QString instructions;
+        QString prompt;
+        std::optional<QJsonObject> schema;
+    };
+    /// An answer that was promised for later: `arrive` gives it.
+    using Later = Arrival<Result<QJsonObject>>;
+
+    void willAnswer(const QString& text) { willAnswer(QJsonObject { { textKey(), text } }); }
+    void willAnswer(const QJsonObject& object)
+    {
+        const Later later = willAnswerLater();
+        later.arrive(object);
+    }
+    void willFail(const QString& words)
+    {
+        const Later later = willAnswerLater();
+        later.arrive(failure(words));
+    }
+    /// Stays open until the test lets the answer arrive, or the question is cancelled. A text is given as
+    /// `FakeLanguageModel::text("...")`.
+    Later willAnswerLater()
+    {
+        m_answers.push_back({});
+        return m_answers.back();
+    }
+    static QJsonObject text(const QString& text) { return { { textKey(), text } }; }
+
+    void setUnavailable(const QString& reason)
+    {
+        m_reason = reason;
+        Q_EMIT availabilityChanged();
+    }
+    void setAvailable()
+    {
+        m_reason.reset();
+        Q_EMIT availabilityChanged();
+    }
+
+    void choose(const Choice& choice) override { chosen = choice; }
+    std::optional<QString> unavailableReason() const override { return m_reason; }
+    QString displayName() const override { return QStringLiteral("Fake Model"); }
+    QStringList models() const override { return known; }
+    QCoro::Task<> refresh() override { co_return; }
+
+    QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel) override
+    {
+        const Result<QJsonObject> answer = co_await ask({ instructions, prompt, std::nullopt }, cancel);
+        if (!answer)
+            co_return std::unexpected(answer.error());
+        co_return answer->value(textKey()).toString();
+    }
+    QCoro::Task<Result<QJsonObject>> respondGenerating(
+        QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel) override
+    {
+        return ask({ instructions, prompt, schema }, cancel);
+    }
+
+    QList<Question> asked;
+    QStringList known { QStringLiteral("fake:1b") };
+    Choice chosen;
+
+private:
+    static QString textKey() { return QStringLiteral("text"); }
+
+    QCoro::Task<Result<QJsonObject>> ask(Question question, CancelHandle cancel)
+    {
+        asked.append(question);
+        if (m_answers.empty()) {
+            ADD_FAILURE() << "a question that nobody expected: " << qPrintable(question.prompt);
+            co_return failure(QStringLiteral("nobody told what to answer"));
+        }
+        const Later answer = m_answers.front();
+        m_answers.pop_front();
+        const auto watch = cancel.onCancel([answer] {
+            if (!answer.hasArrived())
+                answer.arrive(cancelled());
+        });
+        co_return co_await answer;
+    }
+
+    std::optional<QString> m_reason;
+    std::deque<Later> m_answers;
+};
+
+/// A machine of which a test says how it is.
+class FakeMachineFacts final : public MachineFacts {
+public:
+    SystemVersion version() const override { return running; }
+    SystemVersion minimumVersion() const override { return minimum; }
+    MachineState state() const override { return now; }
+
+    SystemVersion running { 6, 1, 0 };
+    SystemVersion minimum { 5, 10, 0 };
+    MachineState now;
+};
+
+/// A machine on which no tool runs.
+class NoTools final : public ToolRunner {
+public:
+    QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList, CancelHandle) override
+    {
+        ADD_FAILURE() << "a tool that nobody expected: " << qPrintable(executable);
+        co_return failure(QStringLiteral("no tools"));
+    }
+};
+
+/// The generation call over a fake model, without the Codex tool.
+struct FakeLumo {
+    FakeLanguageModel model;
+    FakeMachineFacts machine;
+    NoTools tools;
+    AppleIntelligenceChatService onDevice { model, machine };
+    CLIChatService codex { tools, {} };
+    LumoAI ai { onDevice, codex };
+};
+
+}
