@@ -2,7 +2,7 @@
 #include "Store/CrmProposals.h"
 #include "Store/CrmRecords.h"
 #include "Store/IngestQueries.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 namespace corvane {
 

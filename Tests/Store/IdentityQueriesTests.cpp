@@ -2,7 +2,7 @@
 #include "Store/IdentityQueries.h"
 #include "Store/IngestQueries.h"
 #include "Store/ThreadQueries.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 #include <array>
 #include <random>

@@ -1,7 +1,7 @@
 #include "Store/InboxQueries.h"
 #include "Store/IngestQueries.h"
 #include "Store/ThreadQueries.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 namespace corvane {
 

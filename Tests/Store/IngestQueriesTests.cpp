@@ -1,6 +1,6 @@
 #include "Store/CrmQueue.h"
 #include "Store/IngestQueries.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 #include <QJsonObject>
 

@@ -1,8 +1,8 @@
 #include "Store/MessageSearch.h"
 
 #include "Store/IngestQueries.h"
-#include "StoreTest.h"
 #include "Support/Await.h"
+#include "Support/StoreTest.h"
 
 #include <QDir>
 

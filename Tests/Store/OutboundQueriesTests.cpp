@@ -2,7 +2,7 @@
 #include "Store/OutboundQueries.h"
 #include "Store/SyncQueries.h"
 #include "Store/Workspaces.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 namespace corvane {
 

@@ -1,4 +1,4 @@
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 #include <QDir>
 #include <QFile>

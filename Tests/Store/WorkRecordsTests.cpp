@@ -1,6 +1,6 @@
 #include "Store/WorkRecords.h"
 
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 namespace corvane {
 

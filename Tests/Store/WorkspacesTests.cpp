@@ -1,6 +1,6 @@
 #include "Store/InboxQueries.h"
 #include "Store/Workspaces.h"
-#include "StoreTest.h"
+#include "Support/StoreTest.h"
 
 namespace corvane {
 

@@ -1,0 +1,75 @@
+#include "AI/AIRequestWatcher.h"
+
+#include "AI/LumoAI.h"
+#include "Foundation/Scheduler.h"
+#include "Store/AIRequestQueries.h"
+#include "Store/LocalDB.h"
+
+#include <QCoreApplication>
+#include <QUuid>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds period { 1000 };
+constexpr qint64 staleMs = 120'000;
+constexpr int batchSize = 5;
+
+QCoro::Task<Result<QString>> generate(LumoAI& ai, AIRequest request, CancelHandle cancel)
+{
+    if (ai.availableName())
+        co_return co_await ai.respond(request.instructions, request.prompt, cancel);
+    const auto appeared = ai.availableName();
+    co_return failure(
+        appeared ? *appeared + QStringLiteral(" unavailable") : QStringLiteral("No LumoAI backend available."));
+}
+
+}
+
+AIRequestWatcher::AIRequestWatcher(LocalDB& db, LumoAI& ai, Scheduler& scheduler)
+    : m_db(db)
+    , m_ai(ai)
+    , m_scheduler(scheduler)
+    , m_claimOwner(QStringLiteral("Corvane:%1:%2")
+              .arg(QCoreApplication::applicationPid())
+              .arg(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper()))
+{
+}
+
+AIRequestWatcher::~AIRequestWatcher()
+{
+    m_life.cancel();
+}
+
+void AIRequestWatcher::start()
+{
+    m_timer = m_scheduler.every(period, [this] { processPending(); });
+    // This pass's own look at stale rows is the only one at a start: a second one would expire what the first gave
+    // its second chance.
+    processPending();
+}
+
+QCoro::Task<> AIRequestWatcher::processPending()
+{
+    if (m_isProcessing || m_db.isHeldElsewhere())
+        co_return; // the next tick does it
+    failStaleAIRequests(m_db, staleMs);
+    const QList<AIRequest> requests = fetchPendingAIRequests(m_db, batchSize);
+    const CancelHandle life = m_life;
+    m_isProcessing = true;
+    for (const AIRequest& request : requests) {
+        if (!claimAIRequest(m_db, request.id, m_claimOwner))
+            continue;
+        const Result<QString> answer = co_await generate(m_ai, request, life);
+        if (life.isCancelled())
+            co_return;
+        if (answer)
+            completeAIRequest(m_db, request.id, *answer);
+        else
+            failAIRequest(m_db, request.id, answer.error().message);
+    }
+    m_isProcessing = false;
+}
+
+}
