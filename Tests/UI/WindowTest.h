@@ -1,7 +1,13 @@
 #pragma once
 
 #include "Engines/AccountStore.h"
-#include "Shell/Screens.h"
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Appearance.h"
+#include "Shell/ContentView.h"
+#include "Shell/IntegrationsView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "UI/MainWindow.h"
@@ -58,15 +64,14 @@ protected:
     Warnings warnings;
     AccountStore accounts { home.paths().applicationSupport };
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
-    Screens screens { Screens::Surroundings {
-        engines, accounts, session, keychain, defaults, centre, clock, desktop, microphone, home.paths() } };
-    Appearance& appearance = screens.appearance;
-    ContentView& content = screens.content;
-    AppShell& shell = screens.shell;
-    ProfileMenu& profile = screens.profile;
-    InboxView& inbox = screens.inbox;
-    IntegrationsView& settings = screens.settings;
-    MainWindow window { screens, defaults };
+    Appearance appearance { desktop, defaults };
+    ContentView content { session, defaults };
+    LoginWallView wall { session, content };
+    AppShell shell { centre, defaults };
+    ProfileMenu profile { session, shell, engines.db(), centre };
+    InboxView inbox { { engines, accounts, defaults, centre, clock, microphone, home.paths() } };
+    IntegrationsView settings { { accounts, engines, session, keychain, defaults, clock, home.paths() } };
+    MainWindow window { { content, wall, shell, profile, settings, inbox, appearance }, defaults };
 
 private:
     int m_messages = 0;

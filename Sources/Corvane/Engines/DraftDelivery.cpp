@@ -12,7 +12,6 @@ constexpr qint64 acknowledgmentMs = 120'000;
 constexpr int rowsPerTick = 50;
 
 const QString approved = QStringLiteral("approved");
-const QString sending = QStringLiteral("sending");
 
 bool placesTextInBrowser(Channel channel)
 {
@@ -21,15 +20,9 @@ bool placesTextInBrowser(Channel channel)
 
 }
 
-std::optional<ApprovedDraft> ApprovedDraft::from(const PendingDraft& row)
-{
-    return row.status == approved ? std::optional(ApprovedDraft(row)) : std::nullopt;
-}
-
-DraftDelivery::DraftDelivery(EngineManager& engines, Scheduler& scheduler, std::function<void()> pendingChanged)
+DraftDelivery::DraftDelivery(EngineManager& engines, Scheduler& scheduler)
     : m_engines(engines)
     , m_scheduler(scheduler)
-    , m_pendingChanged(std::move(pendingChanged))
 {
 }
 
@@ -44,12 +37,10 @@ void DraftDelivery::refresh()
     LocalDB& db = m_engines.db();
     if (db.isHeldElsewhere())
         return; // the next tick does it
-    failStaleSendingDrafts(db, acknowledgmentMs);
+    failUnacknowledgedDrafts(db, acknowledgmentMs);
     for (const PendingDraft& row : fetchDrafts(db, { approved }, rowsPerTick)) {
-        const auto account = m_engines.runningAccount(row.accountId);
-        const auto draft = ApprovedDraft::from(row);
-        if (account && draft)
-            deliver(*draft, *account);
+        if (const auto account = m_engines.runningAccount(row.accountId))
+            deliver(row.id, *account);
         else
             m_engines.startBySlug(row.accountId);
     }
@@ -57,34 +48,33 @@ void DraftDelivery::refresh()
         { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"), QStringLiteral("placed") },
         rowsPerTick);
     if (std::exchange(m_pending, pending) != pending)
-        m_pendingChanged();
+        Q_EMIT m_engines.pendingDraftsChanged();
 }
 
-bool DraftDelivery::release(const PendingDraft& seen, const Account& account)
+Decided DraftDelivery::release(const PendingDraft& seen, const Account& account)
 {
-    LocalDB& db = m_engines.db();
-    if (!waitsForPerson(seen) || fetchDraft(db, seen.id) != seen || !moveDraft(db, seen.id, seen.status, approved))
-        return false;
-    PendingDraft released = seen;
-    released.status = approved;
-    if (const auto draft = ApprovedDraft::from(released))
-        deliver(*draft, account);
-    return true;
+    const Decided decided = approveDraft(m_engines.db(), seen.id, draftHash(seen));
+    if (decided == Decided::Taken)
+        deliver(seen.id, account);
+    if (decided == Decided::Changed)
+        Q_EMIT m_engines.draftReturned(seen.id);
+    return decided;
 }
 
-void DraftDelivery::deliver(const ApprovedDraft& draft, const Account& account)
+void DraftDelivery::deliver(const QString& draftId, const Account& account)
 {
-    const PendingDraft& row = draft.row();
-    if (!moveDraft(m_engines.db(), row.id, approved, sending))
+    const DraftClaim claim = DraftClaim::claim(m_engines.db(), draftId);
+    if (claim.returned)
+        Q_EMIT m_engines.draftReturned(draftId);
+    if (!claim.draft)
         return;
+    const PendingDraft& row = claim.draft->row();
     const bool taken = placesTextInBrowser(account.channel())
         ? m_engines.writeCommand(account,
               { { QStringLiteral("cmd"), QStringLiteral("draft") }, { QStringLiteral("threadId"), row.externalId },
                   { QStringLiteral("text"), row.body }, { QStringLiteral("draftId"), row.id } })
         : m_engines.sendText(account, row.externalId, row.body, row.id);
-    if (taken)
-        return;
-    if (moveDraft(m_engines.db(), row.id, sending, approved))
+    if (!taken && unclaimDraft(m_engines.db(), *claim.draft))
         m_engines.start(account);
 }
 

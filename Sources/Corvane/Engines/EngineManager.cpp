@@ -51,7 +51,7 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, surroundings.notifier, surroundings.paths.applicationSupport)
-    , drafts(manager, surroundings.scheduler, [&manager] { Q_EMIT manager.pendingDraftsChanged(); })
+    , drafts(manager, surroundings.scheduler)
     , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.refreshUnreadBadge(); })
 {
 }
@@ -161,7 +161,7 @@ void EngineManager::refreshDrafts()
     m_state->drafts.refresh();
 }
 
-bool EngineManager::releaseDraft(const PendingDraft& seen, const Account& account)
+Decided EngineManager::releaseDraft(const PendingDraft& seen, const Account& account)
 {
     return m_state->drafts.release(seen, account);
 }

@@ -19,6 +19,7 @@ class Notifier;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
+enum class Decided;
 enum class Speaker;
 struct AppPaths;
 struct PendingDraft;
@@ -68,7 +69,7 @@ public:
     // Drafts
     void startDraftWatch(); ///< may be called again
     void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
-    bool releaseDraft(const PendingDraft& seen, const Account& account); ///< see DraftDelivery::release
+    Decided releaseDraft(const PendingDraft& seen, const Account& account); ///< see DraftDelivery::release
     const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
 
     // Commands to engines; true where the line is on its way
@@ -102,6 +103,7 @@ Q_SIGNALS:
     void mediaDownloadStatusChanged(const QString& messageId);
     void mcpRunningChanged();
     void pendingDraftsChanged();
+    void draftReturned(const QString& id); ///< it is not as it was approved: the person is to be asked again
     void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
 
 private:

@@ -4,9 +4,9 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Notifications/Notifier.h"
+#include "Store/DraftApprovals.h"
 #include "Store/InboxQueries.h"
 #include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -131,11 +131,8 @@ void Ingest::handleSendAck(const EventSource&, const QJsonObject& event)
     const auto draftId = text(event, "draftId");
     if (!draftId)
         return;
-    const QString status = text(event, "status").value_or(QString());
-    if (status == u"sent" || status == u"placed")
-        markDraftCompleted(m_db, *draftId, status, text(event, "providerMsgId"));
-    else
-        markDraftFailed(m_db, *draftId, text(event, "error").value_or(QStringLiteral("Send failed")));
+    acknowledgeDraft(m_db, *draftId, text(event, "status").value_or(QString()), text(event, "providerMsgId"),
+        text(event, "error").value_or(QStringLiteral("Send failed")));
     Q_EMIT draftAcknowledged();
 }
 

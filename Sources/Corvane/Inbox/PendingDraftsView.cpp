@@ -13,11 +13,6 @@ namespace {
 
 const QString failed = QStringLiteral("failed");
 
-QString changedMeanwhile()
-{
-    return QStringLiteral("This draft changed while it was shown. Read it again before you decide.");
-}
-
 PendingDraftItem itemOf(const PendingDraft& draft)
 {
     PendingDraftItem item;
@@ -29,7 +24,7 @@ PendingDraftItem itemOf(const PendingDraft& draft)
     item.failureReason = draft.status == failed ? draftFailureReason(draft) : QString();
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
-    item.approveLabel = draft.status == failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
+    item.approveLabel = draft.status == failed ? QStringLiteral("Retry") : QStringLiteral("Approve");
     return item;
 }
 
@@ -69,30 +64,24 @@ void PendingDraftsView::approve(const QString& id)
         return;
     const PendingDraft draft = *shown;
     if (const auto account = m_accounts.findBySlug(draft.accountId)) {
-        afterAction(m_engine.releaseDraft(draft, *account) ? QString() : changedMeanwhile());
+        afterAction(m_engine.releaseDraft(draft, *account));
         return;
     }
-    if (moveDraft(m_engine.db(), draft.id, draft.status, failed))
-        markDraftFailed(
-            m_engine.db(), draft.id, QStringLiteral("Account %1 is no longer connected").arg(draft.accountId));
-    afterAction({});
+    failWaitingDraft(m_engine.db(), id, QStringLiteral("Account %1 is no longer connected").arg(draft.accountId));
+    afterAction(Decided::Taken);
 }
 
 void PendingDraftsView::reject(const QString& id)
 {
-    const PendingDraft* shown = decidable(id);
-    if (!shown)
-        return;
-    const bool rejected = moveDraft(m_engine.db(), id, shown->status, QStringLiteral("rejected"));
-    afterAction(rejected ? QString() : changedMeanwhile());
+    if (decidable(id))
+        afterAction(rejectDraft(m_engine.db(), id));
 }
 
 void PendingDraftsView::edit(const QString& id, const QString& body)
 {
     if (!decidable(id) || body.trimmed().isEmpty())
         return;
-    updateDraftBody(m_engine.db(), id, body);
-    afterAction({});
+    afterAction(editDraft(m_engine.db(), id, body.trimmed()) ? Decided::Taken : Decided::Refused);
 }
 
 void PendingDraftsView::dismissNotice()
@@ -101,9 +90,11 @@ void PendingDraftsView::dismissNotice()
     Q_EMIT changed();
 }
 
-void PendingDraftsView::afterAction(const QString& notice)
+void PendingDraftsView::afterAction(Decided decided)
 {
-    m_notice = notice;
+    m_notice = decided == Decided::Taken
+        ? QString()
+        : QStringLiteral("This draft changed while it was shown. Read it again before you decide.");
     m_confirmDraft.clear();
     m_engine.refreshDrafts();
     Q_EMIT changed();

@@ -145,7 +145,8 @@ void Notifier::notifyApproval(const QString& kind, const QString& id, const QStr
     banner.title = title.isEmpty() ? QStringLiteral("Approval needed") : title;
     banner.subtitle = approvalSubtitle(kind);
     banner.body = firstCharacters(body, bodyLength);
-    banner.actions = { { approveAction, QStringLiteral("Approve") }, { rejectAction, QStringLiteral("Reject") } };
+    if (kind != QStringLiteral("approval"))
+        banner.actions = { { approveAction, QStringLiteral("Approve") }, { rejectAction, QStringLiteral("Reject") } };
     banner.userInfo = { { approvalKindKey, kind }, { approvalIdKey, id } };
     m_service.show(banner);
 }

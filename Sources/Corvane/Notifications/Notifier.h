@@ -30,7 +30,7 @@ public:
     void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
 
     /// A second banner for the same item takes the place of the first. `kind` is "draft", "draft_failed", "proposal" or
-    /// "decision".
+    /// "decision"; one of kind "approval" only tells something and has no buttons.
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
 
 private:

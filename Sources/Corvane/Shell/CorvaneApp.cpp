@@ -1,6 +1,8 @@
 #include "Shell/CorvaneApp.h"
 
+#include "Approvals/ApprovalsStore.h"
 #include "CRM/ContactsBridge.h"
+#include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Notifications/Notifier.h"
@@ -53,6 +55,8 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
             LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
+    m_calls = std::make_unique<CallRecorder>(m_engine->db());
+    m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     setUpTray();
 }
@@ -69,6 +73,7 @@ void CorvaneApp::onAppear()
     m_contacts->load();
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
+    m_approvals->attach(*m_engine, *m_calls);
     for (const Account& account : m_store->accounts()) {
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);

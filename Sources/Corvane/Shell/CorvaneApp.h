@@ -14,7 +14,9 @@
 namespace corvane {
 
 class AccountStore;
+class ApprovalsStore;
 class AddressBook;
+class CallRecorder;
 class ContactsBridge;
 class Desktop;
 class EngineManager;
@@ -55,6 +57,8 @@ public:
     AccountStore& store() { return *m_store; }
     EngineManager& engine() { return *m_engine; }
     AppData& data() { return m_data; }
+    CallRecorder& calls() { return *m_calls; }
+    ApprovalsStore& approvals() { return *m_approvals; }
     SessionStore& session() { return *m_session; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
@@ -95,6 +99,8 @@ private:
     std::unique_ptr<Notifier> m_notifier;
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<EngineManager> m_engine;
+    std::unique_ptr<CallRecorder> m_calls;
+    std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;
 };
 

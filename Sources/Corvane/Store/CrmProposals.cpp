@@ -2,8 +2,10 @@
 
 #include "Foundation/Json.h"
 #include "Foundation/Result.h"
+#include "Store/ApprovalRecords.h"
 #include "Store/CrmRecords.h"
 #include "Store/IdentityQueries.h"
+#include "Store/Transaction.h"
 #include "Store/Workspaces.h"
 
 namespace corvane {
@@ -45,6 +47,13 @@ SET status=?, updated_at=?, applied_at=CASE WHEN ?='applied' THEN ? ELSE applied
     rejected_at=CASE WHEN ?='rejected' THEN ? ELSE rejected_at END, error=?
 WHERE workspace_id=? AND id=?;)",
         { status, now, status, now, status, now, error, activeWorkspaceId(db), id });
+}
+
+bool recordDecision(LocalDB& db, const CRMUpdateProposal& proposal, const char* action)
+{
+    return appendRecord(db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action),
+        fieldsHash({ QStringLiteral("proposal"), proposal.kind, proposal.contactId, proposal.dealId, proposal.title,
+            proposal.payloadJson }));
 }
 
 /// The reason where it fails.
@@ -100,17 +109,28 @@ bool applyCRMUpdateProposal(LocalDB& db, const QString& id)
     const auto found = crmProposal(db, id);
     if (!found || found->status != pending)
         return false;
-    if (const auto error = write(db, *found)) {
-        updateStatus(db, id, pending, error);
-        return false;
+    std::optional<QString> error;
+    {
+        Transaction transaction(db);
+        if (!transaction.begun() || crmProposal(db, id) != found)
+            return false;
+        error = write(db, *found);
+        if (!error) {
+            return updateStatus(db, id, QStringLiteral("applied"), std::nullopt) && recordDecision(db, *found, "apply")
+                && transaction.commit();
+        }
     }
-    return updateStatus(db, id, QStringLiteral("applied"), std::nullopt);
+    updateStatus(db, id, pending, error);
+    return false;
 }
 
 bool rejectCRMUpdateProposal(LocalDB& db, const QString& id)
 {
-    const auto found = crmProposal(db, id);
-    return found && found->status == pending && updateStatus(db, id, QStringLiteral("rejected"), std::nullopt);
+    activeWorkspaceId(db); // a repair would be a transaction of its own
+    Transaction transaction(db);
+    const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
+    return found && found->status == pending && updateStatus(db, id, QStringLiteral("rejected"), std::nullopt)
+        && recordDecision(db, *found, "reject") && transaction.commit();
 }
 
 bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId)

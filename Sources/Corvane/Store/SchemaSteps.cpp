@@ -198,6 +198,21 @@ ON crm_mutation_queue(idempotency_key) WHERE status='pending';)" },
   ON contact_merge(merged_contact_id) WHERE undone_at IS NULL;)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_merge_primary
   ON contact_merge(primary_contact_id, created_at) WHERE undone_at IS NULL;)" },
+        Statement { R"(CREATE TABLE IF NOT EXISTS draft_approval (
+  draft_id TEXT PRIMARY KEY, content_hash TEXT NOT NULL, approved_at INTEGER NOT NULL);)" },
+        // The record of decisions only grows, and only behind its last line. REPLACE deletes without a word to the
+        // trigger of deletes, so the one of inserts looks at the place of a new line, too.
+        Statement { R"(CREATE TABLE IF NOT EXISTS approval_record (
+  seq INTEGER PRIMARY KEY, at INTEGER NOT NULL, kind TEXT NOT NULL, subject_id TEXT NOT NULL,
+  action TEXT NOT NULL, content_hash TEXT NOT NULL, previous_hash TEXT NOT NULL, hash TEXT NOT NULL);)" },
+        Statement { R"(CREATE TRIGGER IF NOT EXISTS approval_record_continues BEFORE INSERT ON approval_record
+WHEN NEW.seq <> COALESCE((SELECT MAX(seq) FROM approval_record), 0) + 1
+  OR NEW.previous_hash <> COALESCE((SELECT hash FROM approval_record ORDER BY seq DESC LIMIT 1), '')
+BEGIN SELECT RAISE(ABORT, 'a new line stands behind the last one'); END;)" },
+        Statement { R"(CREATE TRIGGER IF NOT EXISTS approval_record_keeps BEFORE UPDATE ON approval_record
+BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
+        Statement { R"(CREATE TRIGGER IF NOT EXISTS approval_record_holds BEFORE DELETE ON approval_record
+BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
     };
     // clang-format on
     return all;

@@ -1,7 +1,13 @@
 #include "MainWindow.h"
 
 #include "Foundation/Log.h"
-#include "Shell/Screens.h"
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Appearance.h"
+#include "Shell/ContentView.h"
+#include "Shell/IntegrationsView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
 #include "UI/ImageProviders.h"
 
 #include <QFontDatabase>
@@ -41,7 +47,7 @@ QVariant object(QObject& viewModel)
 
 }
 
-MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent)
+MainWindow::MainWindow(const Screens& screens, UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_layout(defaults)
 {

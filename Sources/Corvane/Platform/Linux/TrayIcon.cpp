@@ -9,7 +9,6 @@ namespace {
 
 constexpr QColor accent(0x2F, 0x5F, 0xE0);
 constexpr QColor unreadDot(0xE5, 0x48, 0x3A);
-constexpr QColor waitingDot(0xF2, 0xA9, 0x3B);
 
 /// The head on a field of 64 by 64: a round bubble whose tail is the beak.
 QPainterPath head()
@@ -25,7 +24,7 @@ QPainterPath head()
 
 }
 
-QImage trayIcon(int size, TrayMark mark)
+QImage trayIcon(int size, UnreadMark mark)
 {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -39,11 +38,11 @@ QImage trayIcon(int size, TrayMark mark)
     painter.drawPath(head());
     painter.setBrush(accent);
     painter.drawEllipse(QPointF(33, 27), 4, 4);
-    if (mark != TrayMark::None) {
+    if (mark == UnreadMark::Present) {
         painter.setCompositionMode(QPainter::CompositionMode_Clear);
         painter.drawEllipse(QPointF(51, 13), 15, 15);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        painter.setBrush(mark == TrayMark::Waiting ? waitingDot : unreadDot);
+        painter.setBrush(unreadDot);
         painter.drawEllipse(QPointF(51, 13), 11, 11);
     }
     return image;
