@@ -304,3 +304,7 @@ CREATE INDEX IF NOT EXISTS ix_work_decision_context ON work_decision(module, con
 CREATE INDEX IF NOT EXISTS ix_work_memory_context ON work_memory(module, context_id, updated_at);
 CREATE INDEX IF NOT EXISTS ix_work_message_context ON work_message(module, context_id, created_at);
 CREATE INDEX IF NOT EXISTS ix_work_memory_entries_scope ON work_memory_entries(scope, created_at);
+-- What waits for a person, in the order of its risk: asked for every few seconds.
+CREATE INDEX IF NOT EXISTS ix_work_decision_waiting ON work_decision(
+  CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 ELSE 4 END,
+  updated_at DESC) WHERE status='proposed';

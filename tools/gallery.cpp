@@ -84,9 +84,7 @@ public:
         , m_clock(nowMs)
         , m_app(AppPaths::fromEnvironment(), m_clock, machine(m_desktop))
         , m_screens(m_app)
-        , m_window({ m_screens.content, m_screens.wall, m_screens.shell, m_screens.profile, m_screens.settings,
-                       m_screens.inbox, m_screens.appearance },
-              m_app.defaults())
+        , m_window(m_screens, m_app.defaults())
     {
         QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
     }
@@ -192,7 +190,7 @@ private:
         wait(Milliseconds(400));
     }
 
-    /// A draft of the assistant to whoever is open, held out for confirmation.
+    /// A draft of the assistant to whoever is open, with the question whether it goes out.
     void queueReply(const QString& text)
     {
         LocalDB& db = m_app.engine().db();

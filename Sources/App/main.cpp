@@ -105,10 +105,7 @@ int main(int argc, char** argv)
         app.onAppear();
     } else {
         screens = std::make_unique<Screens>(app);
-        window = std::make_unique<MainWindow>(
-            MainWindow::Screens { screens->content, screens->wall, screens->shell, screens->profile, screens->settings,
-                screens->inbox, screens->appearance },
-            app.defaults());
+        window = std::make_unique<MainWindow>(*screens, app.defaults());
         QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),

@@ -48,7 +48,7 @@ TEST_F(DraftsTest, anApprovalSendsAtOnceAndTheRowSaysWhereItStands)
     EXPECT_EQ(drafts.count(), 1);
     EXPECT_EQ(shown("title"), "AI wants to send to Ana Ruiz · WHATSAPP");
     EXPECT_EQ(shown("statusLabel"), "waiting approval");
-    EXPECT_EQ(shown("approveLabel"), "Approve");
+    EXPECT_EQ(shown("approveLabel"), "Approve & Send");
     EXPECT_EQ(shown("failureReason"), "");
     drafts.approve(id);
     EXPECT_EQ(commands("send"),
@@ -68,7 +68,7 @@ TEST_F(DraftsTest, anApprovalSendsAtOnceAndTheRowSaysWhereItStands)
     settle();
     EXPECT_EQ(shown("statusLabel"), "failed Send failed");
     EXPECT_EQ(shown("failureReason"), "Send failed");
-    EXPECT_EQ(shown("approveLabel"), "Retry");
+    EXPECT_EQ(shown("approveLabel"), "Retry Send");
     drafts.retry(id);
     EXPECT_EQ(commands("send").size(), 2);
     engine().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "sent" } });

@@ -94,12 +94,12 @@ TEST_F(TrayTest, theIconIsShownOnlyWhileAPanelDrawsIt)
     EXPECT_EQ(changes, "+-+-+");
 }
 
-TEST_F(TrayTest, aPanelReadsTheIconAndItsUnreadMark)
+TEST_F(TrayTest, aPanelReadsTheIconWithItsMarks)
 {
     TrayPanel panel(panelBus);
     StatusNotifierTray tray(bus);
     privateBus.settle();
-    for (const QString& name : { "NewIcon", "NewToolTip" })
+    for (const QString& name : { "NewIcon", "NewToolTip", "NewStatus" })
         panel.watch("/StatusNotifierItem", "org.kde.StatusNotifierItem", name);
     EXPECT_EQ(itemProperty("Id").toString(), "com.nimb.corvane");
     EXPECT_EQ(itemProperty("Title").toString(), "Corvane");
@@ -128,7 +128,17 @@ TEST_F(TrayTest, aPanelReadsTheIconAndItsUnreadMark)
         EXPECT_EQ(pixel(quiet[i], 0.8, 0.2), "ff2f5fe0") << "the tile";
         EXPECT_EQ(pixel(marked[i], 0.35, 0.6), "ffffffff") << "the head";
     }
+
+    panel.heard.clear();
+    tray.setWaiting(2);
+    privateBus.settle();
+    EXPECT_EQ(panel.heard.join(u' '), "NewIcon NewStatus NewToolTip");
+    EXPECT_EQ(itemProperty("Status").toString(), "NeedsAttention");
+    EXPECT_EQ(qdbus_cast<TrayToolTip>(itemProperty("ToolTip")).text, "2 waiting for your approval · 3 unread");
+    EXPECT_NE(qdbus_cast<TrayPixmaps>(itemProperty("AttentionIconPixmap")).last().argb, marked.last().argb);
+    tray.setWaiting(0);
     tray.setUnread(0);
+    EXPECT_EQ(itemProperty("Status").toString(), "Active");
     EXPECT_EQ(qdbus_cast<TrayPixmaps>(itemProperty("IconPixmap")).last().argb, quiet.last().argb);
 }
 
@@ -137,7 +147,8 @@ TEST_F(TrayTest, pressingTheIconOrAnItemReachesTheProgram)
     TrayPanel panel(panelBus);
     StatusNotifierTray tray(bus);
     QStringList events;
-    QObject::connect(&tray, &Tray::activated, [&] { events.append("activated"); });
+    QObject::connect(&tray, &Tray::activated,
+        [&](const QPoint& at) { events.append(QString("activated:%1,%2").arg(at.x()).arg(at.y())); });
     QObject::connect(&tray, &Tray::itemChosen, [&](const QString& id) { events.append(id); });
     tray.setMenu({ { "open", "Open in_box" }, { "", "" }, { "quit", "Quit" } });
     privateBus.settle();
@@ -150,14 +161,14 @@ TEST_F(TrayTest, pressingTheIconOrAnItemReachesTheProgram)
     EXPECT_EQ(firstValue(askMenu("GetProperty", { items[2].id, "label" })).toString(), "Quit");
 
     askItem("ProvideXdgActivationToken", { "panel-token" });
-    askItem("Activate", { 10, 10 });
+    askItem("Activate", { 10, 20 });
     click(items[2].id);
     const QList<MenuEvent> group { { items[0].id, "clicked", QDBusVariant(0), 0 },
         { 99, "clicked", QDBusVariant(0), 0 } };
     const QDBusMessage unknown = askMenu("EventGroup", { QVariant::fromValue(group) });
     EXPECT_EQ(qdbus_cast<QList<int>>(unknown.arguments().value(0)), QList<int> { 99 });
     privateBus.settle();
-    EXPECT_EQ(events.join(u' '), "activated quit open");
+    EXPECT_EQ(events.join(u' '), "activated:10,20 quit open");
     EXPECT_EQ(qEnvironmentVariable("XDG_ACTIVATION_TOKEN"), "panel-token");
     qunsetenv("XDG_ACTIVATION_TOKEN");
 

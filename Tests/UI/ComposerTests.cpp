@@ -108,7 +108,7 @@ TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"hello"_s);
 }
 
-TEST_F(ComposerWindow, aDraftIsReadEditedAndApprovedInItsLine)
+TEST_F(ComposerWindow, aDraftIsReadEditedAndSentAfterAQuestionInItsLine)
 {
     queue(u"Thanks, see you on Thursday at three."_s);
     EXPECT_TRUE(differsFromBefore());
@@ -122,11 +122,17 @@ TEST_F(ComposerWindow, aDraftIsReadEditedAndApprovedInItsLine)
     click(u"draft.save"_s);
     EXPECT_EQ(sent(), QStringList());
     click(u"draft.approve"_s);
+    EXPECT_EQ(sent(), QStringList()) << "it asks first";
+    EXPECT_TRUE(focusWithin(u"draft.send"_s));
+    press(Qt::Key_Return);
     EXPECT_EQ(sent(), QStringList(u"Friday"_s));
     queue(u"Never mind"_s);
     inbox.drafts()->askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
     rest();
-    click(u"draft.reject"_s);
+    inbox.drafts()->cancelConfirm();
+    rest();
+    click(u"draft.line"_s);
+    click(u"draft.discard"_s);
     EXPECT_EQ(cell(u"SELECT COUNT(*) FROM outbound_draft WHERE status='rejected';"_s), u"1"_s);
 }
 

@@ -55,9 +55,6 @@ QStringList Warnings::seen()
 WindowTest::WindowTest()
 {
     desktop.setAppearance(ColourScheme::Light, true);
-    QObject::connect(&engines, &EngineManager::unreadTotalChanged, &shell,
-        [this] { shell.hubs()->setUnreadTotal(engines.unreadTotal()); });
-    QObject::connect(&shell, &AppShell::conversationRequested, &inbox, &InboxView::select);
     window.show();
     rest();
 }

@@ -1,13 +1,7 @@
 #pragma once
 
 #include "Engines/AccountStore.h"
-#include "Inbox/InboxView.h"
-#include "Shell/AppShell.h"
-#include "Shell/Appearance.h"
-#include "Shell/ContentView.h"
-#include "Shell/IntegrationsView.h"
-#include "Shell/LoginWallView.h"
-#include "Shell/ProfileMenu.h"
+#include "Shell/Screens.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "UI/MainWindow.h"
@@ -64,14 +58,15 @@ protected:
     Warnings warnings;
     AccountStore accounts { home.paths().applicationSupport };
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
-    Appearance appearance { desktop, defaults };
-    ContentView content { session, defaults };
-    LoginWallView wall { session, content };
-    AppShell shell { centre, defaults };
-    ProfileMenu profile { session, shell, engines.db(), centre };
-    InboxView inbox { { engines, accounts, defaults, centre, clock, microphone, home.paths() } };
-    IntegrationsView settings { { accounts, engines, session, keychain, defaults, clock, home.paths() } };
-    MainWindow window { { content, wall, shell, profile, settings, inbox, appearance }, defaults };
+    Screens screens { Screens::Surroundings {
+        engines, accounts, session, keychain, defaults, centre, clock, desktop, microphone, home.paths() } };
+    Appearance& appearance = screens.appearance;
+    ContentView& content = screens.content;
+    AppShell& shell = screens.shell;
+    ProfileMenu& profile = screens.profile;
+    InboxView& inbox = screens.inbox;
+    IntegrationsView& settings = screens.settings;
+    MainWindow window { screens, defaults };
 
 private:
     int m_messages = 0;

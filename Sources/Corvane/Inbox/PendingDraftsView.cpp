@@ -24,7 +24,7 @@ PendingDraftItem itemOf(const PendingDraft& draft)
     item.failureReason = draft.status == failed ? draftFailureReason(draft) : QString();
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
-    item.approveLabel = draft.status == failed ? QStringLiteral("Retry") : QStringLiteral("Approve");
+    item.approveLabel = draft.status == failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
     return item;
 }
 

@@ -29,19 +29,21 @@ public:
     QString failureReason; ///< only of one that failed
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
-    QString approveLabel; ///< "Approve" or "Retry"
+    QString approveLabel; ///< "Approve & Send" or "Retry Send"
 
     const QString& key() const { return id; }
     bool operator==(const PendingDraftItem&) const = default;
 };
 
-/// What waits for a person before it goes out, or for an acknowledgment after it went. One draft at a time is
-/// held out for confirmation, with its whole text.
+/// What waits for a person before it goes out, or for an acknowledgment after it went. Approving one asks first,
+/// one draft at a time.
 class PendingDraftsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of PendingDraftItem
     Q_PROPERTY(int count READ count NOTIFY changed)
-    Q_PROPERTY(QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one held out, or empty
+    Q_PROPERTY(
+        QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one that is asked about, or empty
+    Q_PROPERTY(QString confirmText READ confirmText CONSTANT)
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action did nothing, or empty
 public:
     /// Both outlive the view.
@@ -50,9 +52,10 @@ public:
     QAbstractItemModel* rows() { return &m_rows; }
     int count() const { return m_rows.rowCount(); }
     const QString& confirmDraft() const { return m_confirmDraft; }
+    QString confirmText() const { return QStringLiteral("Send this message?"); }
     const QString& notice() const { return m_notice; }
 
-    Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was held out no longer is
+    Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was asked about no longer is
     Q_INVOKABLE void cancelConfirm();
     Q_INVOKABLE void approve(const QString& id); ///< sends what the row shows, at once
     Q_INVOKABLE void retry(const QString& id) { approve(id); }

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPoint>
 #include <QString>
 
 namespace corvane {
@@ -20,10 +21,12 @@ public:
 
     virtual bool isShown() const = 0;
     virtual void setUnread(int count) = 0;
+    virtual void setWaiting(int count) = 0; ///< for a decision: while it is above 0 the icon asks for attention
     virtual void setMenu(const QList<Item>& items) = 0;
 
 Q_SIGNALS:
-    void activated(); ///< the icon itself was pressed
+    /// The icon itself was pressed, there on the screen; 0,0 where the panel does not say.
+    void activated(const QPoint& at);
     void itemChosen(const QString& id);
     void shownChanged();
 };

@@ -6,23 +6,27 @@
 
 namespace corvane {
 
-Screens::Screens(CorvaneApp& app)
-    : appearance(app.desktop(), app.defaults())
-    , content(app.session(), app.defaults())
-    , wall(app.session(), content)
-    , shell(app.notifications(), app.defaults())
-    , profile(app.session(), shell, app.engine().db(), app.notifications())
-    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
-          app.paths() })
-    , settings(
-          { app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths() })
+Screens::Screens(const Surroundings& at)
+    : appearance(at.desktop, at.defaults)
+    , content(at.session, at.defaults)
+    , wall(at.session, content)
+    , shell(at.notifications, at.defaults)
+    , profile(at.session, shell, at.engine.db(), at.notifications)
+    , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.paths })
+    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths })
 {
-    const auto showUnread = [this, &app] {
-        shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
+    const auto showUnread = [this, &engine = at.engine] {
+        shell.hubs()->setUnreadTotal(engine.unreadTotal());
     };
-    QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
+    QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(&shell, &AppShell::conversationRequested, &inbox, &InboxView::select);
+}
+
+Screens::Screens(CorvaneApp& app)
+    : Screens(Surroundings { app.engine(), app.store(), app.session(), app.keychain(), app.defaults(),
+          app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.paths() })
+{
 }
 
 }

@@ -11,11 +11,27 @@
 namespace corvane {
 
 class CorvaneApp;
+class Desktop;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
 /// that is closed and opened again shows what it showed.
 class Screens {
 public:
+    /// What they stand on; all of it outlives them.
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        SessionStore& session;
+        Keychain& keychain;
+        UserDefaults& defaults;
+        NotificationCentre& notifications;
+        Scheduler& scheduler;
+        Desktop& desktop;
+        Microphone& microphone;
+        const AppPaths& paths;
+    };
+
+    explicit Screens(const Surroundings& at);
     explicit Screens(CorvaneApp& app);
 
     Appearance appearance;

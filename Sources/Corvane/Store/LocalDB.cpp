@@ -160,4 +160,9 @@ qint64 startOfTodayMs(qint64 nowMs)
     return QDateTime::fromMSecsSinceEpoch(nowMs).date().startOfDay().toMSecsSinceEpoch();
 }
 
+QString isoTime(qint64 ms)
+{
+    return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC).toString(Qt::ISODate);
+}
+
 }

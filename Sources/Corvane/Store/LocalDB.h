@@ -70,4 +70,7 @@ QList<QString> orderedUnique(const QList<QString>& values);
 /// The start of the current day in the user's time zone, in milliseconds since the epoch.
 qint64 startOfTodayMs(qint64 nowMs);
 
+/// ISO 8601 in UTC to the second, as the work records hold their times: two of them compare as text.
+QString isoTime(qint64 ms);
+
 }

@@ -1,26 +1,9 @@
 #include "Store/WorkDecisions.h"
 
 #include "Store/Transaction.h"
-#include "Store/WorkRecords.h"
-
-#include <QDateTime>
-#include <QTimeZone>
+#include "Store/WorkWrites.h"
 
 namespace corvane {
-
-namespace {
-
-bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy)
-{
-    const QString now = QDateTime::fromMSecsSinceEpoch(db.nowMs(), Qt::UTC).toString(Qt::ISODate);
-    return db.changedRows("UPDATE work_decision SET status=?, decided_by=?, updated_at=? WHERE id=?;",
-               { status, decidedBy, now, id })
-        == 1
-        && db.run("UPDATE work_context SET updated_at=? WHERE id=(SELECT context_id FROM work_decision WHERE id=?);",
-            { now, id });
-}
-
-}
 
 Decided decideWorkDecision(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy)
 {

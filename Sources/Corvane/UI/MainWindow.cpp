@@ -1,13 +1,7 @@
 #include "MainWindow.h"
 
 #include "Foundation/Log.h"
-#include "Inbox/InboxView.h"
-#include "Shell/AppShell.h"
-#include "Shell/Appearance.h"
-#include "Shell/ContentView.h"
-#include "Shell/IntegrationsView.h"
-#include "Shell/LoginWallView.h"
-#include "Shell/ProfileMenu.h"
+#include "Shell/Screens.h"
 #include "UI/ImageProviders.h"
 
 #include <QFontDatabase>
@@ -47,7 +41,7 @@ QVariant object(QObject& viewModel)
 
 }
 
-MainWindow::MainWindow(const Screens& screens, UserDefaults& defaults, QObject* parent)
+MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_layout(defaults)
 {

@@ -7,32 +7,15 @@
 
 namespace corvane {
 
-class AppShell;
-class Appearance;
-class ContentView;
-class InboxView;
-class IntegrationsView;
-class LoginWallView;
-class ProfileMenu;
+class Screens;
 
 /// The one window. It shows view models that others own and decides nothing of its own: closing it hides it,
 /// and the work goes on.
 class MainWindow : public QObject {
     Q_OBJECT
 public:
-    /// What the window shows; all of it outlives the window.
-    struct Screens {
-        ContentView& content;
-        LoginWallView& wall;
-        AppShell& shell;
-        ProfileMenu& profile;
-        IntegrationsView& settings;
-        InboxView& inbox;
-        Appearance& appearance;
-    };
-
-    /// The defaults outlive the window too.
-    MainWindow(const Screens& screens, UserDefaults& defaults, QObject* parent = nullptr);
+    /// Both outlive the window.
+    MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent = nullptr);
     ~MainWindow() override;
 
     /// Shows the window and brings it to the front, in the size that it had last.

@@ -1,7 +1,5 @@
 #include "Platform/Linux/StatusNotifierItem.h"
 
-#include "Platform/Linux/TrayIcon.h"
-
 #include <QtEndian>
 
 namespace corvane {
@@ -19,34 +17,55 @@ TrayPixmap trayPixmap(const QImage& drawn)
 
 }
 
-void StatusNotifierItem::setUnread(int count)
+TrayMark StatusNotifierItem::mark() const
 {
-    if (count == m_unread)
+    return m_waiting > 0 ? TrayMark::Waiting : m_unread > 0 ? TrayMark::Unread : TrayMark::None;
+}
+
+void StatusNotifierItem::show(int unread, int waiting)
+{
+    if (unread == m_unread && waiting == m_waiting)
         return;
-    const bool sameIcon = (count > 0) == (m_unread > 0);
-    m_unread = count;
-    if (!sameIcon)
+    const TrayMark markBefore = mark();
+    const QString statusBefore = status();
+    m_unread = unread;
+    m_waiting = waiting;
+    if (mark() != markBefore) {
         Q_EMIT NewIcon();
+        Q_EMIT NewAttentionIcon();
+    }
+    if (status() != statusBefore)
+        Q_EMIT NewStatus(status());
     Q_EMIT NewToolTip();
+}
+
+QString StatusNotifierItem::status() const
+{
+    return m_waiting > 0 ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
 }
 
 TrayPixmaps StatusNotifierItem::icon() const
 {
     TrayPixmaps pixmaps;
     for (const int size : { 16, 22, 32, 48 })
-        pixmaps.append(trayPixmap(trayIcon(size, m_unread > 0 ? UnreadMark::Present : UnreadMark::Absent)));
+        pixmaps.append(trayPixmap(trayIcon(size, mark())));
     return pixmaps;
 }
 
 TrayToolTip StatusNotifierItem::toolTip() const
 {
-    return { {}, {}, title(), m_unread > 0 ? QStringLiteral("%1 unread").arg(m_unread) : QString() };
+    QStringList words;
+    if (m_waiting > 0)
+        words.append(QStringLiteral("%1 waiting for your approval").arg(m_waiting));
+    if (m_unread > 0)
+        words.append(QStringLiteral("%1 unread").arg(m_unread));
+    return { {}, {}, title(), words.join(QStringLiteral(" · ")) };
 }
 
-void StatusNotifierItem::Activate(int, int)
+void StatusNotifierItem::Activate(int x, int y)
 {
     // Raising a window may take its time; the panel gets its answer first.
-    QMetaObject::invokeMethod(this, &StatusNotifierItem::activated, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this, at = QPoint(x, y)] { Q_EMIT activated(at); }, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::SecondaryActivate(int x, int y)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Platform/ApplicationId.h"
+#include "Platform/Linux/TrayIcon.h"
 #include "Platform/Linux/TrayTypes.h"
 
 #include <QDBusObjectPath>
 #include <QObject>
+#include <QPoint>
 
 namespace corvane {
 
@@ -22,18 +24,19 @@ class StatusNotifierItem final : public QObject {
     Q_PROPERTY(QString OverlayIconName READ noName)
     Q_PROPERTY(corvane::TrayPixmaps OverlayIconPixmap READ noIcon)
     Q_PROPERTY(QString AttentionIconName READ noName)
-    Q_PROPERTY(corvane::TrayPixmaps AttentionIconPixmap READ noIcon)
+    Q_PROPERTY(corvane::TrayPixmaps AttentionIconPixmap READ icon)
     Q_PROPERTY(QString AttentionMovieName READ noName)
     Q_PROPERTY(corvane::TrayToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
 public:
-    void setUnread(int count);
+    void setUnread(int count) { show(count, m_waiting); }
+    void setWaiting(int count) { show(m_unread, count); }
 
     QString category() const { return QStringLiteral("Communications"); }
     QString id() const { return applicationId; }
     QString title() const { return QStringLiteral("Corvane"); }
-    QString status() const { return QStringLiteral("Active"); }
+    QString status() const;
     int windowId() const { return 0; }
     QString noName() const { return {}; }
     TrayPixmaps noIcon() const { return {}; }
@@ -59,10 +62,14 @@ Q_SIGNALS:
     Q_SCRIPTABLE void NewOverlayIcon();
     Q_SCRIPTABLE void NewToolTip();
     Q_SCRIPTABLE void NewStatus(const QString& status);
-    void activated();
+    void activated(const QPoint& at);
 
 private:
+    TrayMark mark() const;
+    void show(int unread, int waiting);
+
     int m_unread = 0;
+    int m_waiting = 0;
 };
 
 }

@@ -17,6 +17,7 @@ public:
 
     bool isShown() const override { return m_shown; }
     void setUnread(int count) override { m_item.setUnread(count); }
+    void setWaiting(int count) override { m_item.setWaiting(count); }
     void setMenu(const QList<Item>& items) override { m_menu.setItems(items); }
 
 private Q_SLOTS:

@@ -9,6 +9,7 @@ namespace {
 
 constexpr QColor accent(0x2F, 0x5F, 0xE0);
 constexpr QColor unreadDot(0xE5, 0x48, 0x3A);
+constexpr QColor waitingDot(0xF2, 0xA9, 0x3B);
 
 /// The head on a field of 64 by 64: a round bubble whose tail is the beak.
 QPainterPath head()
@@ -24,7 +25,7 @@ QPainterPath head()
 
 }
 
-QImage trayIcon(int size, UnreadMark mark)
+QImage trayIcon(int size, TrayMark mark)
 {
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -38,11 +39,11 @@ QImage trayIcon(int size, UnreadMark mark)
     painter.drawPath(head());
     painter.setBrush(accent);
     painter.drawEllipse(QPointF(33, 27), 4, 4);
-    if (mark == UnreadMark::Present) {
+    if (mark != TrayMark::None) {
         painter.setCompositionMode(QPainter::CompositionMode_Clear);
         painter.drawEllipse(QPointF(51, 13), 15, 15);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        painter.setBrush(unreadDot);
+        painter.setBrush(mark == TrayMark::Waiting ? waitingDot : unreadDot);
         painter.drawEllipse(QPointF(51, 13), 11, 11);
     }
     return image;

@@ -4,10 +4,10 @@
 
 namespace corvane {
 
-enum class UnreadMark { Absent, Present };
+enum class TrayMark { None, Unread, Waiting };
 
-/// The program's sign at `size` pixels square: a bird's head that is a speech bubble, on a round tile; unread
-/// messages put a dot at its corner.
-QImage trayIcon(int size, UnreadMark mark);
+/// The program's sign at `size` pixels square: a bird's head that is a speech bubble, on a round tile; what
+/// is unread puts a red dot at its corner, what waits for a decision an amber one.
+QImage trayIcon(int size, TrayMark mark);
 
 }

@@ -17,9 +17,21 @@ Column {
     required property bool canDecide
     required property string approveLabel
 
-    readonly property bool open: canDecide && drafts.confirmDraft === id
+    readonly property bool asking: drafts.confirmDraft === id
+    property bool open: false
     property bool editing: false
+
+    signal toggled
+
     onOpenChanged: editing = false
+
+    /// The keyboard stays in the line when the buttons under it change.
+    function focusOn(button: Item) {
+        if (inner.activeFocus)
+            button.forceActiveFocus(Qt.TabFocusReason);
+    }
+    onAskingChanged: Qt.callLater(focusOn, asking ? send : approve)
+    onEditingChanged: if (!editing) Qt.callLater(focusOn, approve)
 
     T.AbstractButton {
         id: head
@@ -34,7 +46,11 @@ Column {
         Accessible.name: line.title + ", " + line.statusLabel + ": " + line.body
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: line.open ? line.drafts.cancelConfirm() : line.drafts.askToConfirm(line.id)
+        onClicked: {
+            if (line.asking)
+                line.drafts.cancelConfirm();
+            line.toggled();
+        }
 
         background: Rectangle {
             color: head.hovered && head.enabled ? Theme.raised : Theme.none
@@ -86,81 +102,110 @@ Column {
             }
         }
     }
-    Column {
+    FocusScope {
+        id: inner
         x: Theme.large
         width: line.width - Theme.large * 2
+        height: parts.implicitHeight
         visible: line.open
-        spacing: Theme.small
-        topPadding: Theme.small
-        bottomPadding: Theme.medium
 
-        Label {
+        Column {
+            id: parts
             width: parent.width
-            visible: text !== ""
-            wrapMode: Text.Wrap
-            text: line.failureReason
-            color: Theme.bad
-        }
-        Label {
-            width: parent.width
-            visible: !line.editing
-            wrapMode: Text.Wrap
-            lineHeight: 1.3
-            text: line.body
-        }
-        TextBox {
-            id: words
-            objectName: "draft.words"
-            width: parent.width
-            height: implicitHeight
-            visible: line.editing
-            placeholderText: qsTr("Message")
-            onSubmitted: save.clicked()
-        }
-        Row {
             spacing: Theme.small
-            Button {
-                objectName: "draft.approve"
-                visible: !line.editing
-                kind: "primary"
-                text: line.approveLabel
-                onClicked: line.drafts.approve(line.id)
+            topPadding: Theme.small
+            bottomPadding: Theme.medium
+
+            Label {
+                width: parent.width
+                visible: text !== ""
+                wrapMode: Text.Wrap
+                text: line.failureReason
+                color: Theme.bad
             }
-            Button {
-                objectName: "draft.edit"
+            Label {
+                width: parent.width
                 visible: !line.editing
-                text: qsTr("Edit")
-                onClicked: {
-                    words.text = line.body;
-                    line.editing = true;
-                    words.forceActiveFocus(Qt.TabFocusReason);
+                wrapMode: Text.Wrap
+                lineHeight: 1.3
+                text: line.body
+            }
+            TextBox {
+                id: words
+                objectName: "draft.words"
+                width: parent.width
+                height: implicitHeight
+                visible: line.editing
+                placeholderText: qsTr("Message")
+                onSubmitted: save.clicked()
+            }
+            Row {
+                spacing: Theme.small
+                visible: !line.editing && !line.asking
+                Button {
+                    id: approve
+                    objectName: "draft.approve"
+                    kind: "primary"
+                    text: line.approveLabel
+                    onClicked: line.drafts.askToConfirm(line.id)
+                }
+                Button {
+                    objectName: "draft.edit"
+                    text: qsTr("Edit")
+                    onClicked: {
+                        words.text = line.body;
+                        line.editing = true;
+                        words.forceActiveFocus(Qt.TabFocusReason);
+                    }
+                }
+                Button {
+                    objectName: "draft.discard"
+                    kind: "danger"
+                    text: qsTr("Discard")
+                    onClicked: line.drafts.reject(line.id)
                 }
             }
-            Button {
-                objectName: "draft.reject"
-                visible: !line.editing
-                kind: "danger"
-                text: qsTr("Reject")
-                onClicked: line.drafts.reject(line.id)
-            }
-            Button {
-                id: save
-                objectName: "draft.save"
-                visible: line.editing
-                kind: "primary"
-                enabled: words.text.trim() !== ""
-                text: qsTr("Save")
-                onClicked: {
-                    const draft = line.id;
-                    line.drafts.edit(draft, words.text);
-                    line.drafts.askToConfirm(draft);
+            Row {
+                spacing: Theme.small
+                visible: line.asking && !line.editing
+                Label {
+                    anchors.verticalCenter: parent.verticalCenter
+                    rightPadding: Theme.small
+                    text: line.drafts.confirmText
+                    font.weight: Theme.strong
+                }
+                Button {
+                    id: send
+                    objectName: "draft.send"
+                    kind: "primary"
+                    text: qsTr("Send")
+                    onClicked: line.drafts.approve(line.id)
+                }
+                Button {
+                    kind: "quiet"
+                    text: qsTr("Cancel")
+                    onClicked: line.drafts.cancelConfirm()
                 }
             }
-            Button {
+            Row {
+                spacing: Theme.small
                 visible: line.editing
-                kind: "quiet"
-                text: qsTr("Cancel")
-                onClicked: line.editing = false
+                Button {
+                    id: save
+                    objectName: "draft.save"
+                    kind: "primary"
+                    enabled: words.text.trim() !== ""
+                    text: qsTr("Save")
+                    onClicked: {
+                        line.drafts.edit(line.id, words.text);
+                        line.editing = false;
+                    }
+                }
+                Button {
+                    kind: "quiet"
+                    text: qsTr("Cancel")
+                    onClicked: line.editing = false
+                }
             }
         }
     }

@@ -7,6 +7,7 @@ FocusScope {
     id: bar
 
     required property QtObject drafts ///< the view model
+    property string openId ///< whose text shows
 
     implicitHeight: visible ? Math.min(content.implicitHeight, 320) : 0
     visible: drafts.count > 0 || drafts.notice !== ""
@@ -49,6 +50,8 @@ FocusScope {
                 DraftLine {
                     width: content.width
                     drafts: bar.drafts
+                    open: canDecide && (bar.openId === id || asking)
+                    onToggled: bar.openId = open ? "" : id
                 }
             }
         }

@@ -1,0 +1,79 @@
+#include "Work/WorkWords.h"
+
+#include <QStringList>
+#include <algorithm>
+#include <vector>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Signs = std::vector<QLatin1StringView>;
+
+struct Group {
+    QLatin1StringView word;
+    Signs signs;
+};
+
+bool containsAny(const QString& lower, const Signs& signs)
+{
+    return std::ranges::any_of(signs, [&](QLatin1StringView sign) { return lower.contains(sign); });
+}
+
+/// The word of the first group that the text has a sign of.
+std::optional<QString> firstHit(const std::vector<Group>& groups, const QString& text)
+{
+    const QString lower = text.toLower();
+    const auto hit = std::ranges::find_if(groups, [&](const Group& group) { return containsAny(lower, group.signs); });
+    return hit == groups.end() ? std::nullopt : std::optional(QString(hit->word));
+}
+
+}
+
+bool isTicketKind(const QString& kind)
+{
+    return containsAny(kind.toLower(), { "ticket"_L1, "bug"_L1, "support"_L1, "repro"_L1 });
+}
+
+bool isHandoffKind(const QString& kind)
+{
+    return kind.contains("handoff"_L1, Qt::CaseInsensitive);
+}
+
+std::optional<QString> riskForCreate(const QString& kind, const QString& title, const QString& summary)
+{
+    // The blank in "pay " keeps "payroll" out; the blanks of the join let a title end in "pay".
+    return firstHit({ { "money"_L1, { "invoice"_L1, "billing"_L1, "payment"_L1, "pay "_L1, "money"_L1, "vendor"_L1 } },
+                        { "external"_L1, { "send"_L1, "reply"_L1, "client update"_L1, "outreach"_L1, "message"_L1 } },
+                        { "credential"_L1, { "credential"_L1, "secret"_L1, "token"_L1, "api key"_L1 } },
+                        { "high"_L1, { "delete"_L1, "remove"_L1, "deploy"_L1, "destructive"_L1 } } },
+        QStringList { kind, title, summary }.join(u' '));
+}
+
+QString inferredKind(const QString& title)
+{
+    return firstHit(
+        { { "bug"_L1, { "bug"_L1, "repro"_L1 } }, { "handoff"_L1, { "handoff"_L1 } },
+            { "screen"_L1, { "screen"_L1, "candidate"_L1 } }, { "finance"_L1, { "invoice"_L1, "finance"_L1 } },
+            { "reply"_L1, { "reply"_L1 } }, { "research"_L1, { "research"_L1 } } },
+        title)
+        .value_or(QStringLiteral("task"));
+}
+
+QString normalizedLocalSlug(const QString& text, qint64 nowMs)
+{
+    QString slug;
+    for (const char32_t letter : text.toLower().normalized(QString::NormalizationForm_C).toUcs4()) {
+        if (QChar::isLetter(letter) || QChar::isDigit(letter))
+            slug += QString::fromUcs4(&letter, 1);
+        else if (!slug.isEmpty() && !slug.endsWith(u'-'))
+            slug += u'-';
+    }
+    if (slug.endsWith(u'-'))
+        slug.chop(1);
+    return slug.isEmpty() ? QStringLiteral("context-%1").arg(nowMs / 1000) : slug;
+}
+
+}

@@ -1,0 +1,71 @@
+#include "Voice/TranslationService.h"
+
+#include "Support/FakeLanguageModel.h"
+
+namespace corvane {
+
+class TranslationServiceTest : public testing::Test {
+protected:
+    /// What the caller hears, in its order.
+    void translate(const QString& text, const QString& language, CancelHandle cancel = {})
+    {
+        [](TranslationServiceTest* self, QString text, QString language, CancelHandle cancel) -> QCoro::Task<> {
+            const auto outcome = co_await self->service->translate(
+                text, language, [self](const QString& words) { self->heard.append(words); }, cancel);
+            self->heard.append(outcome ? outcome->text : "! " + outcome.error().message);
+        }(this, text, language, cancel);
+    }
+
+    FakeMachineFacts machine;
+    std::unique_ptr<TranslationService> service = std::make_unique<TranslationService>(machine);
+    QStringList heard;
+};
+
+TEST_F(TranslationServiceTest, whatCannotBeTranslatedFailsAtOnceInWords)
+{
+    translate("hello", "German");
+    service->setHost(true);
+    translate("hello", "Klingonese");
+    machine.running = { 4, 19, 0 };
+    translate("hello", "German");
+    EXPECT_EQ(heard,
+        (QStringList { "! Apple Translation needs a SwiftUI translation task host.",
+            "! Apple Translation does not support Klingonese.",
+            "! Apple Translation requires macOS 26+ and the macOS 26+ SDK." }));
+}
+
+TEST_F(TranslationServiceTest, everyoneWhoWaitsHearsExactlyOneEnd)
+{
+    service->setHost(true);
+    translate("hello", " Deutsch");
+    const TranslationRequest first = *service->activeRequest();
+    EXPECT_EQ(first.target, "de");
+    service->updateStatus(first, "Loading the language...");
+    service->finish(first, { "hallo", "Deutsch", "Apple Translation", {} });
+    EXPECT_FALSE(service->activeRequest());
+    service->fail(first, { "too late" });
+    EXPECT_EQ(heard, (QStringList { "Preparing translation for  Deutsch...", "Loading the language...", "hallo" }));
+
+    heard.clear();
+    const CancelHandle cancel;
+    translate("one", "bangla", cancel);
+    translate("two", "fr");
+    cancel.cancel();
+    EXPECT_EQ(service->activeRequest()->text, "two");
+    service.reset();
+    EXPECT_EQ(heard.filter("!"),
+        (QStringList { "! Cancelled.", "! Apple Translation needs a SwiftUI translation task host." }));
+}
+
+TEST_F(TranslationServiceTest, languagesAreKnownByNameOrCode)
+{
+    for (const QString& name : TranslationService::languages())
+        EXPECT_TRUE(TranslationService::language(name)) << qPrintable(name);
+    EXPECT_EQ(TranslationService::language(" Bengali "), QString("bn"));
+    EXPECT_EQ(TranslationService::language("bahasa indonesia"), QString("id"));
+    EXPECT_EQ(TranslationService::language("pt-BR"), QString("pt-br"));
+    EXPECT_FALSE(TranslationService::language(""));
+    EXPECT_FALSE(TranslationService::language("xx-yy"));
+}
+
+}
