@@ -10,6 +10,7 @@
 //   repeat COUNT TEXT   TEXT so many times in a row, without line feeds
 //   lines COUNT TEXT    so many lines; "{n}" in TEXT is the line's number, from 0
 //   flood               one line after the other until the pipe breaks or the program is killed
+//   errors              what follows is printed to standard error
 //   env NAME            "NAME=value", or "NAME unset"
 //   arguments           every argument, separated by "|"
 //   folder              the working directory
@@ -49,13 +50,14 @@
 namespace {
 
 std::vector<std::string> arguments;
+int target = STDOUT_FILENO;
 
 void run(const std::string& command);
 
 void out(std::string_view text)
 {
     while (!text.empty()) {
-        const ssize_t count = ::write(STDOUT_FILENO, text.data(), text.size());
+        const ssize_t count = ::write(target, text.data(), text.size());
         if (count < 0 && errno != EINTR)
             std::_Exit(1);
         text.remove_prefix(count < 0 ? 0 : static_cast<size_t>(count));
@@ -217,6 +219,10 @@ const std::map<std::string, std::function<void(const std::string&)>> commands {
     { "flood",
         [](const std::string&) {
             flood();
+        } },
+    { "errors",
+        [](const std::string&) {
+            target = STDERR_FILENO;
         } },
     { "env", printVariable },
     { "arguments",

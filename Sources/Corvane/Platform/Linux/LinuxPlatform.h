@@ -6,22 +6,28 @@ namespace corvane {
 
 class AddressBook;
 class Desktop;
+class MachineFacts;
 class Microphone;
 class NotificationService;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
 class SingleInstance;
+class SystemLanguageModel;
+class ToolRunner;
 class Tray;
 struct AppPaths;
 
 /// The services of this machine. Each comes up at once and without the others.
 std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
+std::unique_ptr<ToolRunner> makeToolRunner();
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop();
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<Tray> makeTray();
+std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);
+std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 

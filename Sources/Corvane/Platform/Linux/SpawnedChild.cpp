@@ -42,18 +42,48 @@ private:
     std::vector<char*> m_pointers;
 };
 
-struct Pipe {
-    Descriptor readEnd;
-    Descriptor writeEnd;
+void makeNonBlocking(const Descriptor& descriptor)
+{
+    ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
+}
+
+/// A stream of the child: a pipe, or while it is not open the null device.
+class Stream {
+public:
+    enum class Ours { Reads, Writes };
+
+    bool open(Ours ours)
+    {
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0)
+            return false;
+        m_own = Descriptor(ends[ours == Ours::Reads ? 0 : 1]);
+        m_childs = Descriptor(ends[ours == Ours::Reads ? 1 : 0]);
+        makeNonBlocking(m_own);
+        return true;
+    }
+
+    void connect(posix_spawn_file_actions_t& actions, int number) const
+    {
+        if (m_childs.isOpen())
+            posix_spawn_file_actions_adddup2(&actions, m_childs.number(), number);
+        else
+            posix_spawn_file_actions_addopen(
+                &actions, number, "/dev/null", number == STDIN_FILENO ? O_RDONLY : O_WRONLY, 0);
+    }
+
+    Descriptor takeOwn() { return std::move(m_own); }
+
+private:
+    Descriptor m_own;
+    Descriptor m_childs;
 };
 
-std::optional<Pipe> makePipe()
-{
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0)
-        return std::nullopt;
-    return Pipe { Descriptor(ends[0]), Descriptor(ends[1]) };
-}
+struct Streams {
+    Stream input;
+    Stream output;
+    Stream errors;
+};
 
 struct SpawnActions {
     SpawnActions() { posix_spawn_file_actions_init(&value); }
@@ -64,8 +94,10 @@ struct SpawnActions {
     posix_spawn_file_actions_t value;
 };
 
+enum class Group { Shared, Own };
+
 struct SpawnAttributes {
-    SpawnAttributes()
+    explicit SpawnAttributes(Group group)
     {
         posix_spawnattr_init(&value);
         sigset_t signals;
@@ -73,7 +105,8 @@ struct SpawnAttributes {
         posix_spawnattr_setsigmask(&value, &signals);
         sigaddset(&signals, SIGPIPE);
         posix_spawnattr_setsigdefault(&value, &signals);
-        posix_spawnattr_setflags(&value, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        const int ownGroup = group == Group::Own ? POSIX_SPAWN_SETPGROUP : 0;
+        posix_spawnattr_setflags(&value, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | ownGroup));
     }
     ~SpawnAttributes() { posix_spawnattr_destroy(&value); }
     SpawnAttributes(const SpawnAttributes&) = delete;
@@ -82,42 +115,13 @@ struct SpawnAttributes {
     posix_spawnattr_t value;
 };
 
-void connectStandardStreams(SpawnActions& actions, const Pipe& input, const Pipe& output)
+Result<SpawnedChild> spawn(const ProcessSpec& spec, Streams& streams, Group group)
 {
-    if (input.readEnd.isOpen())
-        posix_spawn_file_actions_adddup2(&actions.value, input.readEnd.number(), STDIN_FILENO);
-    else
-        posix_spawn_file_actions_addopen(&actions.value, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    if (output.writeEnd.isOpen())
-        posix_spawn_file_actions_adddup2(&actions.value, output.writeEnd.number(), STDOUT_FILENO);
-    else
-        posix_spawn_file_actions_addopen(&actions.value, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions.value, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addclosefrom_np(&actions.value, STDERR_FILENO + 1);
-}
-
-void makeNonBlocking(const Descriptor& descriptor)
-{
-    ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
-}
-
-}
-
-Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
-{
-    Pipe input;
-    Pipe output;
-    if (spec.pipes) {
-        std::optional<Pipe> first = makePipe();
-        std::optional<Pipe> second = makePipe();
-        if (!first || !second)
-            return systemFailure(spec.executable, errno);
-        input = std::move(*first);
-        output = std::move(*second);
-    }
-
     SpawnActions actions;
-    connectStandardStreams(actions, input, output);
+    streams.input.connect(actions.value, STDIN_FILENO);
+    streams.output.connect(actions.value, STDOUT_FILENO);
+    streams.errors.connect(actions.value, STDERR_FILENO);
+    posix_spawn_file_actions_addclosefrom_np(&actions.value, STDERR_FILENO + 1);
     if (!spec.workingDirectory.isEmpty())
         posix_spawn_file_actions_addchdir_np(&actions.value, QFile::encodeName(spec.workingDirectory).constData());
 
@@ -130,7 +134,7 @@ Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
         environment.append(variable);
 
     pid_t pid = 0;
-    const SpawnAttributes attributes;
+    const SpawnAttributes attributes(group);
     if (const int error = ::posix_spawn(&pid, QFile::encodeName(spec.executable).constData(), &actions.value,
             &attributes.value, arguments.list(), environment.list())) {
         const bool folderIsMissing = !spec.workingDirectory.isEmpty() && !QFileInfo(spec.workingDirectory).isDir();
@@ -144,12 +148,26 @@ Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
         ::waitpid(pid, nullptr, 0);
         return systemFailure(spec.executable, error);
     }
-    if (spec.pipes) {
-        makeNonBlocking(input.writeEnd);
-        makeNonBlocking(output.readEnd);
-    }
-    return SpawnedChild { pid, std::make_shared<const Descriptor>(handle), std::move(input.writeEnd),
-        std::move(output.readEnd) };
+    return SpawnedChild { pid, std::make_shared<const Descriptor>(handle), streams.input.takeOwn(),
+        streams.output.takeOwn(), streams.errors.takeOwn() };
+}
+
+}
+
+Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
+{
+    Streams streams;
+    if (spec.pipes && !(streams.input.open(Stream::Ours::Writes) && streams.output.open(Stream::Ours::Reads)))
+        return systemFailure(spec.executable, errno);
+    return spawn(spec, streams, Group::Shared);
+}
+
+Result<SpawnedChild> spawnGroupLeader(const ProcessSpec& spec)
+{
+    Streams streams;
+    if (!streams.output.open(Stream::Ours::Reads) || !streams.errors.open(Stream::Ours::Reads))
+        return systemFailure(spec.executable, errno);
+    return spawn(spec, streams, Group::Own);
 }
 
 void signalChild(const Descriptor& handle, int signal)

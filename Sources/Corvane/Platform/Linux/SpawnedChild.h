@@ -5,16 +5,23 @@
 
 namespace corvane {
 
-/// A child that runs, and this side of what connects it.
+/// A child that runs, and this side of what connects it. The ends of pipes do not block; those of streams that go
+/// to the null device are closed.
 struct SpawnedChild {
     qint64 pid = 0;
     std::shared_ptr<const Descriptor> handle; ///< the process itself: readable once it has ended
-    Descriptor input; ///< non-blocking; closed without pipes
-    Descriptor output; ///< likewise
+    Descriptor input = {};
+    Descriptor output = {};
+    Descriptor errors = {};
 };
 
-/// Starts the program with no descriptor but the standard three, no signal blocked and SIGPIPE as it is by default.
+// Both start the program with no descriptor but the standard three, no signal blocked and SIGPIPE as it is by default.
+
+/// Standard error goes to the null device, and without `ProcessSpec::pipes` the others do too.
 Result<SpawnedChild> spawnChild(const ProcessSpec& spec);
+
+/// The leader of a process group of its own, with pipes for what it prints and nothing on standard input.
+Result<SpawnedChild> spawnGroupLeader(const ProcessSpec& spec);
 
 /// Sends a signal to the very process, never to another that has taken over its number.
 void signalChild(const Descriptor& handle, int signal);

@@ -1,0 +1,164 @@
+#include "AI/CLIChatService.h"
+
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/ToolRunner.h"
+#include "Support/Await.h"
+#include "Support/LogCapture.h"
+#include "Support/Outcome.h"
+#include "Support/TemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <csignal>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+const QString child = QStringLiteral("\"" CORVANE_TEST_PROGRAMS "/ChildProgram\" ");
+
+/// A real child process that plays the tool: a shell script, in which "$8" is the file for the answer.
+class Codex : public testing::Test {
+protected:
+    Codex()
+    {
+        qputenv("TMPDIR", home.path("tmp").toUtf8());
+        QDir().mkpath(home.path("tmp"));
+    }
+    ~Codex() override
+    {
+        EXPECT_EQ(QDir(home.path("tmp")).entryList(QDir::Files), QStringList()) << "no answer file stays behind";
+        qunsetenv("TMPDIR");
+    }
+
+    void install(const QString& script, const QString& path = QStringLiteral(".npm-global/bin/codex"))
+    {
+        home.write(path, "#!/bin/sh\n" + script.toUtf8() + "\n");
+        QFile::setPermissions(home.path(path), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    /// The answer, or the words of the failure.
+    QString answerTo(const QString& prompt = QStringLiteral("p"))
+    {
+        const auto result = outcome(service.respond("i", prompt, cancel));
+        EXPECT_TRUE(await([&] { return result->has_value(); })) << "the call hangs";
+        return result->has_value() ? (*result)->has_value() ? (*result)->value() : (*result)->error().message
+                                   : QString();
+    }
+
+    bool isGone(const QString& pidFile)
+    {
+        const pid_t pid = home.read(pidFile).trimmed().toInt();
+        return pid > 0 && ::kill(pid, 0) != 0;
+    }
+
+    TemporaryHome home;
+    CancelHandle cancel;
+    std::unique_ptr<ToolRunner> tools = makeToolRunner();
+    CLIChatService service { *tools, { home.path(".npm-global/bin/codex"), home.path("second/codex") } };
+};
+
+}
+
+TEST_F(Codex, theFirstCandidateThatMayBeExecutedIsTaken)
+{
+    EXPECT_EQ(codexCandidates("/home/ana"),
+        QStringList({ "/home/ana/.npm-global/bin/codex", "/opt/homebrew/bin/codex", "/usr/local/bin/codex" }));
+    EXPECT_EQ(service.codexPath(), std::nullopt);
+    EXPECT_EQ(answerTo(), "Codex CLI not found — install the codex CLI or enable Apple Intelligence.");
+    install("exit 0", "second/codex");
+    home.write(".npm-global/bin/codex", "not executable");
+    EXPECT_EQ(service.codexPath(), home.path("second/codex"));
+    install("exit 0");
+    EXPECT_EQ(service.codexPath(), home.path(".npm-global/bin/codex"));
+}
+
+TEST_F(Codex, theToolGetsNineArgumentsAndItsAnswerIsTakenAsItStands)
+{
+    install("printf '%s|' \"$#\" \"$@\" > \"" + home.path("arguments") + "\"; printf ' an answer\\n\\n' > \"$8\"");
+    const QString prompt = QStringLiteral("two\nlines, “quotes” $HOME `id`") + QChar(u'\0') + u'.';
+    EXPECT_EQ(answerTo(prompt), " an answer\n\n");
+    const QStringList arguments = QString::fromUtf8(home.read("arguments")).split(u'|');
+    ASSERT_EQ(arguments.size(), 11);
+    EXPECT_EQ(arguments.first(8),
+        QStringList({ "9", "exec", "-s", "read-only", "--skip-git-repo-check", "-C", QDir::tempPath(),
+            "--output-last-message" }));
+    EXPECT_TRUE(arguments[8].contains(
+        QRegularExpression(QDir::tempPath() + "/corvane-cli-draft-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\.txt$")));
+    EXPECT_EQ(arguments[9], QStringLiteral("i\n\ntwo\nlines, “quotes” $HOME `id`\uFFFD."));
+}
+
+TEST_F(Codex, everyOtherEndIsAFailureInWords)
+{
+    struct Case {
+        QString script;
+        QString words;
+    };
+    const Case cases[] {
+        { "exit 0", "exit 0" }, // no file
+        { "printf ' \\n\\t ' > \"$8\"", "exit 0" }, // a blank one
+        { "printf '\\377' > \"$8\"", "exit 0" }, // one that is no text
+        { "mkfifo \"$8\"; rm \"$8\"; mkdir \"$8\"; exit 0", "exit 0" },
+        { "printf answer > \"$8\"; exit 3", "exit 3" },
+        { "printf answer > \"$8\"; kill -9 $$", "exit 9" },
+        { "truncate -s 1G \"$8\"", "the answer is larger than 4 MB" },
+        // A pipe of 64 KiB is full long before standard output is closed.
+        { "exec " + child + "errors 'repeat 10000000 e' 'exit 4'", "exit 4" },
+        { "exec " + child + "'repeat 10000000 o' errors 'repeat 10000000 e' 'exit 5'", "exit 5" },
+    };
+    for (const Case& one : cases) {
+        install(one.script);
+        EXPECT_EQ(answerTo(), "Codex CLI draft failed: " + one.words) << qPrintable(one.script);
+        const QDir tmp(home.path("tmp"));
+        for (const QString& folder : tmp.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            tmp.rmdir(folder);
+    }
+    LogCapture log;
+    install("printf 'no credit \\342\\202\\254' >&2; exit 7");
+    answerTo();
+    install("printf 'broken \\377' >&2; exit 8");
+    answerTo();
+    EXPECT_EQ(log.lines(),
+        QStringList({ "[CLIChatService] codex exec exit 7: no credit €", "[CLIChatService] codex exec exit 8: " }));
+
+    home.write(".npm-global/bin/codex", "#!/nonexistent/shell\n");
+    EXPECT_TRUE(answerTo().endsWith("codex: No such file or directory"));
+}
+
+TEST_F(Codex, whatTheToolLeavesRunningEndsWithIt)
+{
+    install("sleep 1000 & echo $! > \"" + home.path("pid") + "\"; printf done > \"$8\"");
+    EXPECT_EQ(answerTo(), "done") << "although standard output is still open";
+    EXPECT_TRUE(await([&] { return isGone("pid"); }));
+}
+
+TEST_F(Codex, cancellingKillsTheToolAndAllThatItStarted)
+{
+    const QString mark = "echo $$ > \"" + home.path("pid") + "\"; sleep 1000 & echo $! > \"" + home.path("sleeper")
+        + "\"; printf early > \"$8\"; echo > \"" + home.path("ready") + "\"; exec " + child;
+    for (const QString& kind : { "ignore-term hang", "flood", "errors flood" }) {
+        install(mark + kind);
+        cancel = {};
+        QFile::remove(home.path("ready"));
+        const auto result = outcome(service.respond("i", "p", cancel));
+        ASSERT_TRUE(await([&] { return QFile::exists(home.path("ready")); }));
+        EXPECT_FALSE(result->has_value());
+        cancel.cancel();
+        ASSERT_TRUE(await([&] { return result->has_value(); })) << qPrintable(kind);
+        EXPECT_EQ((*result)->error().message, "Cancelled.");
+        EXPECT_TRUE(isGone("pid"));
+        EXPECT_TRUE(await([&] { return isGone("sleeper"); }));
+    }
+}
+
+TEST_F(Codex, severalRunAtOnceAndTheEndOfTheProgramEndsThemAll)
+{
+    install("exec " + child + "hang");
+    const auto first = outcome(service.respond("i", "p"));
+    const auto second = outcome(service.respond("i", "p"));
+    tools.reset();
+    EXPECT_EQ((*first)->error().message, "Cancelled.");
+    EXPECT_EQ((*second)->error().message, "Cancelled.");
+}
