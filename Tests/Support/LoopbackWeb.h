@@ -40,6 +40,8 @@ public:
     const QList<Request>& requests() const { return m_requests; }
     QStringList paths() const; ///< of the requests, in order
 
+    qsizetype openConnections() const { return m_received.size(); } ///< of those that have asked something
+
     static Answer status(
         int status, const QByteArray& body = {}, const QList<QByteArray>& headers = {}); ///< a header is "Name: value"
     static Answer json(const QJsonObject& body, int status = 200);

@@ -32,7 +32,7 @@ QCoro::Task<Result<QString>> login(WebClient* client, QString base, QString emai
     const QUrl url = webUrl(base, QStringLiteral("/api/auth/login"));
     if (!url.isValid())
         co_return failure(QStringLiteral("Bad API URL"));
-    const Result<WebReply> reply
+    const Result<HttpReply> reply
         = co_await client->post(url, { { QStringLiteral("email"), email }, { QStringLiteral("password"), password } });
     if (!reply)
         co_return failure(reply.error().message);
@@ -59,7 +59,7 @@ QCoro::Task<Result<QString>> handshake(WebClient* client, QString base, QString 
     const QUrl url = companionLoginUrl(base, deviceName);
     if (!url.isValid())
         co_return failure(QStringLiteral("Bad companion URL"));
-    const Result<WebReply> reply = co_await client->getWithoutRedirect(url, accessToken);
+    const Result<HttpReply> reply = co_await client->getWithoutRedirect(url, accessToken);
     if (!reply)
         co_return failure(reply.error().message);
     const QString code = oneTimeCode(QUrl(reply->location));
@@ -73,7 +73,7 @@ QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base,
     const QUrl url = webUrl(base, QStringLiteral("/api/auth/companion-exchange"));
     if (!url.isValid())
         co_return failure(QStringLiteral("Bad companion URL"));
-    const Result<WebReply> reply = co_await client->post(
+    const Result<HttpReply> reply = co_await client->post(
         url, { { QStringLiteral("code"), code }, { QStringLiteral("deviceName"), deviceName } });
     if (!reply)
         co_return failure(reply.error().message);

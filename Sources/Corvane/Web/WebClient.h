@@ -1,26 +1,13 @@
 #pragma once
 
-#include "Foundation/Result.h"
+#include "Platform/HttpExchange.h"
 
 #include <QJsonObject>
 #include <QNetworkAccessManager>
-#include <qcoro/qcorotask.h>
-
-class QNetworkReply;
-class QNetworkRequest;
 
 namespace corvane {
 
 class Scheduler;
-
-/// What came back, whatever its status.
-struct WebReply {
-    int status = 0; ///< 0 where the answer is no HTTP response
-    QByteArray body;
-    QString location; ///< the header of a redirect that was not followed
-
-    bool isSuccess() const { return status >= 200 && status <= 299; }
-};
 
 /// Requests to the web service. Each ends after 60 seconds or 4 MiB at the latest. No cookie is kept, and no
 /// redirect leads what was sent to another origin. A failure carries the words for the user.
@@ -30,10 +17,10 @@ public:
     ~WebClient();
 
     /// A redirect to the same origin is followed.
-    QCoro::Task<Result<WebReply>> post(QUrl url, QJsonObject body);
+    QCoro::Task<Result<HttpReply>> post(QUrl url, QJsonObject body);
 
     /// A redirect is the answer.
-    QCoro::Task<Result<WebReply>> getWithoutRedirect(QUrl url, QString bearerToken);
+    QCoro::Task<Result<HttpReply>> getWithoutRedirect(QUrl url, QString bearerToken);
 
     /// Ends every request that runs, as a failure.
     void abortAll();

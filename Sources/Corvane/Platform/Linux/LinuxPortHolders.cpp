@@ -1,6 +1,7 @@
 #include "Platform/Linux/LinuxPortHolders.h"
 
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/SystemFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,13 +13,6 @@
 namespace corvane {
 
 namespace {
-
-/// Files of /proc report a size of 0, so they are read to their end.
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// The inodes of the sockets that listen on the port, from a table such as /proc/net/tcp.
 QSet<QByteArray> listeningSockets(const QByteArray& table, quint16 port)
@@ -57,7 +51,7 @@ bool holdsOneOf(const QSet<QByteArray>& inodes, const QString& processFolder)
 /// The user with whose rights the process acts, or nothing where the process has gone.
 std::optional<quint32> effectiveUser(const QString& processFolder)
 {
-    for (const QByteArray& line : contentOf(processFolder + QStringLiteral("/status")).split('\n')) {
+    for (const QByteArray& line : systemFile(processFolder + QStringLiteral("/status")).split('\n')) {
         if (!line.startsWith("Uid:"))
             continue;
         bool isNumber = false;
@@ -76,8 +70,8 @@ LinuxPortHolders::LinuxPortHolders(const QString& procFolder)
 
 QList<PortHolder> LinuxPortHolders::listeningOn(quint16 port)
 {
-    QSet<QByteArray> inodes = listeningSockets(contentOf(m_procFolder + QStringLiteral("/net/tcp")), port);
-    inodes += listeningSockets(contentOf(m_procFolder + QStringLiteral("/net/tcp6")), port);
+    QSet<QByteArray> inodes = listeningSockets(systemFile(m_procFolder + QStringLiteral("/net/tcp")), port);
+    inodes += listeningSockets(systemFile(m_procFolder + QStringLiteral("/net/tcp6")), port);
     QList<PortHolder> holders;
     if (inodes.isEmpty())
         return holders;

@@ -1,0 +1,64 @@
+#include "Platform/HttpExchange.h"
+
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <memory>
+#include <qcoro/qcoronetworkreply.h>
+
+namespace corvane {
+
+namespace {
+
+/// Whether the service gave an answer of its own, as opposed to an answer that never came or broke off.
+bool isAnswer(QNetworkReply::NetworkError error)
+{
+    return error == QNetworkReply::NoError || error == QNetworkReply::InsecureRedirectError
+        || error == QNetworkReply::TooManyRedirectsError
+        || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
+        || error >= QNetworkReply::InternalServerError;
+}
+
+}
+
+void makePlain(QNetworkRequest& request)
+{
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Corvane"));
+}
+
+QCoro::Task<Result<HttpReply>> awaitReply(
+    QNetworkReply* started, Scheduler* scheduler, HttpLimits limits, CancelHandle cancel)
+{
+    const std::unique_ptr<QNetworkReply, QScopedPointerDeleteLater> reply(started);
+    const auto endedBecause = std::make_shared<QString>();
+    const auto end = [started, endedBecause](const QString& reason) {
+        if (endedBecause->isEmpty())
+            *endedBecause = reason;
+        started->abort();
+    };
+    started->setReadBufferSize(limits.size + 1);
+    QObject::connect(started, &QNetworkReply::readyRead, started, [started, end, limits] {
+        if (started->bytesAvailable() > limits.size)
+            end(QStringLiteral("The reply is too large."));
+    });
+    const std::unique_ptr<Timer> timer
+        = scheduler->after(limits.time, [end] { end(QStringLiteral("The request timed out.")); });
+    const auto watch = cancel.onCancel([end] { end(cancelled().error().message); });
+    if (cancel.isCancelled())
+        end(cancelled().error().message);
+    co_await started;
+
+    if (!endedBecause->isEmpty())
+        co_return failure(*endedBecause);
+    if (!isAnswer(reply->error()))
+        co_return failure(reply->errorString());
+    HttpReply result;
+    result.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    result.body = reply->readAll();
+    result.location = QString::fromUtf8(reply->rawHeader("Location"));
+    co_return result;
+}
+
+}

@@ -1,0 +1,252 @@
+#include "Foundation/Json.h"
+#include "Platform/Linux/LinuxLanguageModel.h"
+#include "Support/Await.h"
+#include "Support/LoopbackWeb.h"
+#include "Support/Outcome.h"
+#include "Support/VirtualScheduler.h"
+
+#include <QJsonArray>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+const QString version = QStringLiteral("/api/version");
+const QString tags = QStringLiteral("/api/tags");
+const QString chat = QStringLiteral("/api/chat");
+const QString list = QStringLiteral("/v1/models");
+const QString completions = QStringLiteral("/v1/chat/completions");
+
+const QJsonObject schema { { "type", "object" }, { "required", QJsonArray { "text" } },
+    { "additionalProperties", false },
+    { "properties",
+        QJsonObject { { "text", QJsonObject { { "type", "string" }, { "minLength", 1 } } },
+            { "facts",
+                QJsonObject { { "type", "array" }, { "maxItems", 2 },
+                    { "items", QJsonObject { { "type", "string" }, { "enum", QJsonArray { "M1", "M2" } } } } } },
+            { "score", QJsonObject { { "type", "integer" }, { "minimum", 0 }, { "maximum", 10 } } } } } };
+
+QJsonObject ollamaModels(const QStringList& names)
+{
+    QJsonArray models;
+    for (const QString& name : names)
+        models.append(QJsonObject { { "name", name } });
+    return { { "models", models } };
+}
+
+QJsonObject ollamaAnswer(const QString& content, const QString& reason = QStringLiteral("stop"))
+{
+    return { { "message", QJsonObject { { "role", "assistant" }, { "content", content } } }, { "done", true },
+        { "done_reason", reason } };
+}
+
+class LanguageModel : public testing::Test {
+protected:
+    void serveOllama(const QStringList& models)
+    {
+        web.answer(version, LoopbackWeb::json({ { "version", "0.5.7" } }));
+        web.answer(tags, LoopbackWeb::json(ollamaModels(models)));
+    }
+
+    void serveLlama(const LoopbackWeb::Answer& models)
+    {
+        web.answer(version, LoopbackWeb::status(404));
+        web.answer(list, models);
+    }
+
+    /// Looks at the server, and says why it cannot answer, or nothing.
+    QString look()
+    {
+        bool done = false;
+        model.refresh().then([&] { done = true; });
+        EXPECT_TRUE(await([&] { return done; }));
+        return model.unavailableReason().value_or(QString());
+    }
+
+    /// What the call came to: the value, or the words of its failure. The clock is moved on where the server
+    /// answers nothing more.
+    template <typename Value> Result<Value> result(QCoro::Task<Result<Value>> task, qint64 waitSeconds = 0)
+    {
+        const qsizetype before = web.requests().size();
+        const auto ended = outcome(std::move(task));
+        if (waitSeconds > 0) {
+            EXPECT_TRUE(await([&] { return web.requests().size() > before; }));
+            clock.advance(seconds(waitSeconds - 1));
+            EXPECT_FALSE(ended->has_value());
+            clock.advance(seconds(1));
+        }
+        EXPECT_TRUE(await([&] { return ended->has_value(); }));
+        return ended->value_or(failure("it never ended"));
+    }
+
+    QString at(QString words) const { return words.replace("%1", web.base()); }
+
+    VirtualScheduler clock;
+    LoopbackWeb web;
+    LinuxLanguageModel model { clock, { web.base() } };
+};
+
+}
+
+TEST_F(LanguageModel, ollamaIsAskedInItsOwnWay)
+{
+    EXPECT_EQ(model.unavailableReason(), "The model server has not answered yet.");
+    serveOllama({ "llama3.2:3b", "qwen3:8b" });
+    QSignalSpy changes(&model, &SystemLanguageModel::availabilityChanged);
+    EXPECT_EQ(look(), "");
+    EXPECT_EQ(look(), "");
+    EXPECT_EQ(changes.size(), 1) << "no news, no signal";
+    EXPECT_EQ(model.displayName(), "llama3.2:3b (Ollama)");
+    EXPECT_EQ(model.models(), QStringList({ "llama3.2:3b", "qwen3:8b" }));
+
+    web.answer(chat, LoopbackWeb::json(ollamaAnswer(" Hello.\n")));
+    EXPECT_EQ(result(model.respond("Be kind.", "Greet.", {})).value(), " Hello.\n");
+    const QJsonObject body = web.requests().last().json();
+    EXPECT_EQ(compactJson(body),
+        R"({"messages":[{"content":"Be kind.","role":"system"},{"content":"Greet.","role":"user"}],)"
+        R"("model":"llama3.2:3b","options":{"num_ctx":8192},"stream":false})");
+
+    model.choose({ web.base() + u'/', "qwen3:8b" });
+    web.answer(chat, LoopbackWeb::json(ollamaAnswer(R"({"text":"a","facts":["M1"],"score":10})")));
+    EXPECT_EQ(look(), "");
+    EXPECT_EQ(result(model.respondGenerating("i", QString(100'000, u'x'), schema, {})).value()["text"].toString(), "a");
+    const QJsonObject asked = web.requests().last().json();
+    EXPECT_EQ(asked["model"].toString(), "qwen3:8b");
+    EXPECT_EQ(asked["format"].toObject(), schema);
+    EXPECT_EQ(asked["options"]["num_ctx"].toInt(), 65536) << "a long prompt needs more room than the usual";
+    EXPECT_TRUE(asked["messages"][0]["content"].toString().endsWith(QString::fromUtf8(compactJson(schema))));
+}
+
+TEST_F(LanguageModel, aLlamaServerIsAskedInItsOwnWay)
+{
+    serveLlama(LoopbackWeb::json({ { "data", QJsonArray { QJsonObject { { "id", "/models/qwen.gguf" } } } } }));
+    EXPECT_EQ(look(), "");
+    EXPECT_EQ(model.displayName(), "qwen.gguf (llama.cpp)");
+    const QJsonObject message { { "content", R"({"text":"b"})" } };
+    web.answer(completions,
+        LoopbackWeb::json(
+            { { "choices", QJsonArray { QJsonObject { { "finish_reason", "stop" }, { "message", message } } } } }));
+    EXPECT_EQ(result(model.respondGenerating("i", "p", schema, {})).value()["text"].toString(), "b");
+    const QJsonObject format = web.requests().last().json()["response_format"].toObject();
+    EXPECT_EQ(format["json_schema"]["schema"].toObject(), schema);
+    EXPECT_EQ(result(model.respond("i", "p", {})).value(), R"({"text":"b"})");
+    EXPECT_FALSE(web.requests().last().json().contains("response_format"));
+}
+
+TEST_F(LanguageModel, aServerThatCannotAnswerIsUnavailableForAStatedReason)
+{
+    struct Case {
+        LoopbackWeb::Answer models;
+        QString words;
+    };
+    const QJsonObject loading { { "error", QJsonObject { { "message", "Loading\nmodel" } } } };
+    const Case cases[] {
+        { LoopbackWeb::json(loading, 503), "The model server at %1 refused: Loading model (HTTP 503)" },
+        { LoopbackWeb::status(200, "<html>"), "The model server at %1 gave an answer that does not read." },
+        { LoopbackWeb::json({ { "hello", 1 } }), "The model server at %1 is no model server that is known here." },
+        { LoopbackWeb::json({ { "data", QJsonArray() } }), "The model server at %1 has no model yet." },
+        { LoopbackWeb::redirect("http://example.com/v1/models"), "The model server at %1 refused: (HTTP 302)" },
+        { { "not HTTP at all\r\n\r\n" }, "No model server answers at %1." },
+    };
+    for (const Case& one : cases) {
+        serveLlama(one.models);
+        EXPECT_EQ(look(), at(one.words));
+        EXPECT_EQ(result(model.respond("i", "p", {})).error().message, at(one.words));
+    }
+
+    for (const QString& elsewhere : { "http://example.com:11434", "https://127.0.0.1", "http://u:p@127.0.0.1",
+             "http://0.0.0.0:8080", "http://127.0.0.1.example.com", "11434", "file:///etc/passwd", "http://[::2]/" }) {
+        model.choose({ elsewhere, {} });
+        EXPECT_EQ(
+            look(), "“" + elsewhere + "” is no model server on this machine. Write http://127.0.0.1 and its port.");
+    }
+    serveOllama({ "a" });
+    model.choose({ QString(web.base()).replace("127.0.0.1", "localhost"), "b" });
+    EXPECT_EQ(look(), at("The model server at %1 has no model “b”."));
+
+    LinuxLanguageModel two(clock, { "http://127.0.0.1:1", web.base() });
+    two.refresh();
+    ASSERT_TRUE(await([&] { return !two.unavailableReason(); })) << "the second of the usual servers is found";
+
+    // A server that accepts and says nothing.
+    web.answer(version, { {}, true });
+    model.choose({});
+    const qsizetype before = web.requests().size();
+    ASSERT_TRUE(await([&] { return web.requests().size() > before; }));
+    clock.advance(seconds(2));
+    ASSERT_TRUE(await([&] { return model.unavailableReason() == at("No model server answers at %1."); }));
+    serveOllama({ "a" });
+    clock.advance(seconds(28));
+    EXPECT_TRUE(await([&] { return !model.unavailableReason(); })) << "it is looked at again without being asked";
+}
+
+TEST_F(LanguageModel, aServerThatMisbehavesEndsInWords)
+{
+    serveOllama({ "a" });
+    ASSERT_EQ(look(), "");
+    struct Case {
+        LoopbackWeb::Answer answer;
+        QString words;
+    };
+    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 400\r\n\r\n";
+    const QString noAnswer = "The model server at %1 gave no answer: ";
+    const QString unfit = "The answer of the model is not what was asked for: answer";
+    const Case cases[] {
+        { { {}, true }, noAnswer + "The request timed out." },
+        { { head + "{\"mess", true }, noAnswer + "The request timed out." },
+        { { head + "{\"mess" }, noAnswer + "Connection closed" },
+        { LoopbackWeb::status(200, QByteArray(5 * 1024 * 1024, ' ')), noAnswer + "The reply is too large." },
+        { LoopbackWeb::redirect("http://example.com/"), "The model server at %1 refused: (HTTP 302)" },
+        { LoopbackWeb::json({ { "error", "model 'a' not found" } }, 404),
+            "The model server at %1 refused: model 'a' not found (HTTP 404)" },
+        { LoopbackWeb::status(200, "{\"message\":"), "The model server at %1 gave an answer that does not read." },
+        { LoopbackWeb::json({ { "message", "hello" } }), "The model server at %1 gave an answer without a text." },
+        { LoopbackWeb::json(ollamaAnswer("{\"text\":\"a", "length")),
+            "The model server at %1 ran out of room before the answer was complete." },
+        { LoopbackWeb::json(ollamaAnswer("Sure! {\"text\":\"a\"}")), "The answer of the model is no JSON object." },
+        { LoopbackWeb::json(ollamaAnswer("{}")), unfit + " has no “text”." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":7})")), unfit + ".text is of the type number." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":""})")), unfit + ".text breaks its minLength of 1." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":"a","send":true})")),
+            unfit + " has “send”, which nobody asked for." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":"a","facts":["M1","M9"]})")),
+            unfit + ".facts[1] is none of the values that it may have." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":"a","facts":["M1","M2","M1"]})")),
+            unfit + ".facts breaks its maxItems of 2." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":"a","score":2.5})")), unfit + ".score is of the type number." },
+        { LoopbackWeb::json(ollamaAnswer(R"({"text":"a","score":11})")), unfit + ".score breaks its maximum of 10." },
+    };
+    for (const Case& one : cases) {
+        ASSERT_EQ(look(), "");
+        web.answer(chat, one.answer);
+        const auto end = result(model.respondGenerating("i", "p", schema, {}), one.answer.hang ? 600 : 0);
+        EXPECT_EQ(end.error().message, at(one.words));
+    }
+    web.answer(chat, LoopbackWeb::json(ollamaAnswer(R"({"text":"a"})")));
+    EXPECT_EQ(result(model.respondGenerating("i", "p", { { "pattern", "^a" } }, {})).error().message,
+        unfit + " has the rule “pattern”, which is not checked here.");
+}
+
+TEST_F(LanguageModel, cancellingEndsTheRequestAndSoDoesTheEndOfTheProgram)
+{
+    serveOllama({ "a" });
+    ASSERT_EQ(look(), "");
+    web.answer(chat, { {}, true });
+    const CancelHandle cancel;
+    const auto first = outcome(model.respond("i", "p", cancel));
+    ASSERT_TRUE(await([&] { return web.paths().contains(chat) && web.openConnections() > 0; }));
+    cancel.cancel();
+    EXPECT_EQ((*first)->error().message, "Cancelled.");
+    EXPECT_TRUE(await([&] { return web.openConnections() == 0; }));
+    EXPECT_EQ(result(model.respond("i", "p", cancel)).error().message, "Cancelled.");
+
+    auto other = std::make_unique<LinuxLanguageModel>(clock, QStringList(web.base()));
+    other->refresh();
+    ASSERT_TRUE(await([&] { return !other->unavailableReason(); }));
+    const auto second = outcome(other->respond("i", "p", {}));
+    other->refresh();
+    other.reset();
+    EXPECT_EQ((*second)->error().message, "Cancelled.");
+}
