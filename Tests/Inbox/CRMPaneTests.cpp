@@ -62,7 +62,7 @@ TEST_F(CRMPaneTest, theSectionsShowWhatIsKnownOfWhoeverIsOpen)
     EXPECT_TRUE(pane.addDeal(" Garden ", "Proposal", "$12.5k"));
     EXPECT_EQ(texts(pane.notes()), QStringList("Likes tea"));
     EXPECT_EQ(texts(pane.tasks()), QStringList("Send the quote"));
-    EXPECT_EQ(column(pane.tasks(), "detail"), QStringList("To do"));
+    EXPECT_EQ(column(pane.tasks(), "detail"), QStringList(""));
     EXPECT_EQ(texts(pane.deals()), QStringList("Garden"));
     EXPECT_EQ(column(pane.deals(), "detail"), QStringList("Proposal · $12.5k"));
     EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "WhatsApp" }));
@@ -96,6 +96,43 @@ TEST_F(CRMPaneTest, aBlankTextIsNotSavedAndAFailureSaysSo)
     EXPECT_EQ(pane.errorText(), "");
 }
 
+TEST_F(CRMPaneTest, whatIsTypedStaysWithItsPersonUntilItIsAdded)
+{
+    pane.setNoteText("about Ana");
+    pane.setTaskText("for Ana");
+    inbox.select(ben);
+    EXPECT_EQ(pane.noteText() + pane.taskText(), "");
+    inbox.select(ana);
+    EXPECT_TRUE(pane.addNote(pane.noteText()));
+    EXPECT_EQ(pane.noteText(), "");
+    EXPECT_EQ(pane.taskText(), "for Ana");
+    EXPECT_TRUE(pane.addTask(pane.taskText()));
+    EXPECT_EQ(pane.taskText(), "");
+}
+
+TEST_F(CRMPaneTest, aLongStoryShowsItsNewestPartFirst)
+{
+    for (int i = 0; i < 40; ++i)
+        pane.addNote(QString::number(i));
+    EXPECT_EQ(pane.notes()->rowCount(), 5);
+    EXPECT_EQ(texts(pane.notes()).first(), "39");
+    EXPECT_EQ(pane.activity()->rowCount(), 8);
+    EXPECT_TRUE(pane.olderNotes() && pane.olderActivity());
+    pane.showOlderNotes();
+    pane.showOlderActivity();
+    EXPECT_EQ(pane.notes()->rowCount(), 30);
+    EXPECT_EQ(pane.activity()->rowCount(), 33);
+    pane.showOlderNotes();
+    EXPECT_EQ(pane.notes()->rowCount(), 40);
+    EXPECT_FALSE(pane.olderNotes());
+    inbox.select(ben);
+    inbox.select(ana);
+    EXPECT_EQ(pane.notes()->rowCount(), 5);
+    pane.addNote(QString(1'000'000, u'x'));
+    EXPECT_LE(texts(pane.notes()).first().size(), 10'000);
+    EXPECT_EQ(cell("SELECT MAX(LENGTH(body)) FROM contact_note;"), "1000000");
+}
+
 TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
 {
     engines.db().exec("INSERT INTO work_memory_entries VALUES('m','contact:" + ana + "','Pays late','2025');");
@@ -106,6 +143,18 @@ TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
     EXPECT_EQ(pane.tasks()->rowCount() + pane.memory()->rowCount(), 0);
     EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "0");
+
+    EXPECT_EQ(inbox.undoText(), "Forgot “Pays late”");
+    inbox.undo();
+    EXPECT_EQ(texts(pane.memory()), QStringList("Pays late"));
+    pane.addTask("A title that is much longer than a line under the thread can be");
+    pane.completeTask(id(pane.tasks()));
+    EXPECT_EQ(inbox.undoText(), "Completed “A title that is much longer than…”");
+    inbox.select(ben);
+    inbox.undo(); // whoever is open by then
+    EXPECT_EQ(pane.tasks()->rowCount(), 0);
+    inbox.select(ana);
+    EXPECT_EQ(pane.tasks()->rowCount(), 1);
 }
 
 TEST_F(CRMPaneTest, whatHappensMeanwhileShowsSoon)
@@ -132,8 +181,18 @@ TEST_F(CRMPaneTest, twoContactsBecomeOnePersonAndTwoAgain)
     EXPECT_EQ(inbox.selectedId(), ana);
     EXPECT_EQ(fetchUnifiedThread(engines.db(), namesake, 10).size(), 2) << "one thread over both";
 
+    inbox.undo();
+    EXPECT_EQ(names().size(), 3);
+    inbox.undo();
+    EXPECT_EQ(pane.merges()->rowCount(), 0) << "once is enough";
+    pane.mergeWith(namesake);
+
     pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.merges()->rowCount(), 0);
+    EXPECT_EQ(inbox.undoText(), "Unmerged ana ruiz");
+    inbox.undo();
+    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
+    pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.identityText(), "");
     EXPECT_EQ(names().size(), 3);
     EXPECT_EQ(texts(pane.suggestions()).size(), 1);
@@ -164,4 +223,6 @@ TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)
         clock.advance(Milliseconds(600));
         EXPECT_EQ(pane.suggestions()->rowCount(), 0) << contact.toStdString();
     }
+    inbox.undo();
+    EXPECT_EQ(pane.suggestions()->rowCount(), 1);
 }

@@ -96,6 +96,14 @@ TEST_F(CrmTest, aNoteThatCannotBeSavedIsStillProposed)
     EXPECT_EQ(at("p").status, "pending");
     EXPECT_FALSE(at("p").error.isEmpty());
     EXPECT_EQ(queued(), QStringList());
+
+    m_db->exec("DROP TRIGGER full; CREATE TRIGGER stuck BEFORE UPDATE ON crm_update_proposal WHEN NEW.status='applied' "
+               "BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
+    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_EQ(fetchNotes(*m_db, ana).size(), 0) << "or the next try would write it twice";
+    m_db->exec("DROP TRIGGER stuck;");
+    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_EQ(fetchNotes(*m_db, ana).size(), 1);
 }
 
 TEST_F(CrmTest, aTaskTakesTheProposalsTitleWhereThePayloadHasNone)
@@ -158,6 +166,9 @@ TEST_F(CrmTest, aDoneTaskShowsOnlyWhenAskedFor)
     EXPECT_EQ(tasks(DoneTasks::Leave).size(), 0);
     EXPECT_EQ(queued().count("task/update"), 1) << "two changes of one task wait as one";
     EXPECT_EQ(queued().count("task/create"), 5);
+    EXPECT_TRUE(reopenCRMTask(*m_db, *open, "Doing"));
+    EXPECT_EQ(tasks(DoneTasks::Leave).first().status, "Doing");
+    EXPECT_EQ(cell("SELECT payload_json FROM crm_mutation_queue WHERE action='update';"), R"({"status":"Doing"})");
 }
 
 TEST_F(CrmTest, aDealCountsInItsStageByTheNumberThatItsValueTells)
@@ -227,7 +238,7 @@ TEST_F(CrmTest, messagesNotesAndCallsAreOneStory)
     EXPECT_EQ(fetchContactActivity(*m_db, ana, 2).size(), 2);
 }
 
-TEST_F(CrmTest, aForgottenMemoryIsGoneForGood)
+TEST_F(CrmTest, aForgottenMemoryIsGoneUnlessItIsKeptAfterAll)
 {
     m_db->exec("INSERT INTO work_memory_entries VALUES('b','contact:" + ana
         + "','second','2025-02-01T00:00:00Z'),"
@@ -235,8 +246,12 @@ TEST_F(CrmTest, aForgottenMemoryIsGoneForGood)
         + ana + "','first','2025-01-01T00:00:00Z'),('o','owner','mine','2025-01-01T00:00:00Z');");
     const QString scope = "contact:" + ana;
     EXPECT_EQ(fetchMemoryEntries(*m_db, scope), (QList<MemoryEntry> { { "a", "first" }, { "b", "second" } }));
-    EXPECT_TRUE(forgetMemoryEntry(*m_db, "a"));
+    const auto forgotten = forgetMemoryEntry(*m_db, "a");
+    ASSERT_TRUE(forgotten.has_value());
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "2");
+    EXPECT_FALSE(forgetMemoryEntry(*m_db, "a"));
+    EXPECT_TRUE(keepMemoryEntry(*m_db, *forgotten));
+    EXPECT_EQ(fetchMemoryEntries(*m_db, scope).first().id, "a") << "where it stood";
     m_db->exec("DROP TABLE work_memory_entries;");
     EXPECT_EQ(fetchMemoryEntries(*m_db, scope), QList<MemoryEntry>());
     EXPECT_FALSE(forgetMemoryEntry(*m_db, "b"));

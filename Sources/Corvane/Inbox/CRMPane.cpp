@@ -1,8 +1,11 @@
 #include "Inbox/CRMPane.h"
 
+#include "Engines/Account.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/PaneRows.h"
 #include "Store/ThreadQueries.h"
+
+#include <algorithm>
 
 namespace corvane {
 
@@ -10,8 +13,8 @@ namespace {
 
 constexpr int suggestionLimit = 20;
 constexpr int dealLimit = 10;
-constexpr int taskLimit = 12;
-constexpr int activityLimit = 30;
+constexpr int firstNotes = 5;
+constexpr int firstActivity = 8;
 constexpr Milliseconds identityDelay { 250 };
 constexpr Milliseconds refreshPeriod { 500 };
 
@@ -40,6 +43,14 @@ QString CRMPane::identityText() const
 {
     return m_contact.platforms.size() < 2 ? QString()
                                           : QStringLiteral("Same person · %1 channels").arg(m_contact.platforms.size());
+}
+
+QString CRMPane::identityEmpty() const
+{
+    const QString suggested = QStringLiteral("Contacts that look like the same person are suggested here.");
+    return m_contact.platforms.size() != 1
+        ? suggested
+        : QStringLiteral("Known on %1 only. %2").arg(channelLabel(m_contact.platforms.first()), suggested);
 }
 
 QString CRMPane::memoryEmpty() const
@@ -79,6 +90,8 @@ void CRMPane::open(const ContactRow& contact)
     m_contact = contact;
     if (isOther) {
         setError({});
+        m_noteLimit = firstNotes;
+        m_activityLimit = firstActivity;
         m_suggestions.assign({});
         m_primary = contact.id.isEmpty() ? QString() : effectiveContactId(m_db, contact.id);
         m_identitySoon
@@ -90,6 +103,8 @@ void CRMPane::open(const ContactRow& contact)
     }
     if (isShownOtherwise)
         Q_EMIT contactChanged();
+    if (isOther)
+        Q_EMIT typedChanged();
 }
 
 void CRMPane::reloadIdentity()
@@ -97,7 +112,9 @@ void CRMPane::reloadIdentity()
     m_identitySoon.reset();
     QList<PaneRow> rows;
     m_signals.clear();
-    for (const MergeCandidate& pair : suggestedMerges(m_db, suggestionLimit, m_primary)) {
+    const auto pairs
+        = m_primary.isEmpty() ? QList<MergeCandidate>() : suggestedMerges(m_db, suggestionLimit, m_primary);
+    for (const MergeCandidate& pair : pairs) {
         const PaneRow row = suggestionRow(pair, m_primary);
         if (m_dismissed.contains({ m_primary, row.id }))
             continue;
@@ -125,76 +142,16 @@ void CRMPane::reloadCRM()
     m_memory.assign(paneRows(fetchMemoryEntries(m_db, QStringLiteral("contact:") + id), memoryRow));
     m_info.assign(infoRows(fetchContactInfo(m_db, id)));
     m_deals.assign(paneRows(fetchContactDeals(m_db, id, dealLimit), dealRow));
-    m_notes.assign(paneRows(fetchNotes(m_db, id), [&](const NoteRow& note) { return noteRow(note, words); }));
-    m_activity.assign(paneRows(fetchContactActivity(m_db, id, activityLimit),
-        [&](const ActivityRow& activity) { return activityRow(activity, words); }));
-    m_tasks.assign(paneRows(fetchContactTasks(m_db, id, DoneTasks::Leave, taskLimit), taskRow));
-}
-
-bool CRMPane::addNote(const QString& body)
-{
-    const QString text = body.trimmed();
-    return !text.isEmpty() && !m_contact.id.isEmpty() && done(corvane::addNote(m_db, m_contact.id, text).has_value());
-}
-
-bool CRMPane::addTask(const QString& title)
-{
-    NewTask task;
-    task.title = title.trimmed();
-    return !task.title.isEmpty() && !m_contact.id.isEmpty()
-        && done(insertCRMTask(m_db, m_contact.id, task).has_value());
-}
-
-bool CRMPane::canAddDeal(const QString& name) const
-{
-    return !m_contact.id.isEmpty() && !name.trimmed().isEmpty();
-}
-
-bool CRMPane::addDeal(const QString& name, const QString& stage, const QString& value)
-{
-    return canAddDeal(name)
-        && done(insertCRMDeal(m_db, m_contact.id, { name.trimmed(), stage, value.trimmed(), QString(), std::nullopt })
-                .has_value());
-}
-
-void CRMPane::completeTask(const QString& id)
-{
-    done(completeCRMTask(m_db, id));
-}
-
-void CRMPane::forget(const QString& memoryId)
-{
-    done(forgetMemoryEntry(m_db, memoryId));
-}
-
-void CRMPane::mergeWith(const QString& otherId)
-{
-    if (!m_signals.contains(otherId))
-        return;
-    if (!done(mergeContacts(m_db, m_primary, otherId, m_signals.value(otherId)).has_value()))
-        return;
-    reloadIdentity();
-    reloadMerges();
-    Q_EMIT peopleChanged();
-}
-
-void CRMPane::dismissSuggestion(const QString& otherId)
-{
-    m_dismissed.insert({ m_primary, otherId });
-    m_dismissed.insert({ otherId, m_primary });
-    QList<PaneRow> rows = m_suggestions.rows();
-    rows.removeIf([&](const PaneRow& row) { return row.id == otherId; });
-    m_suggestions.assign(rows);
-}
-
-void CRMPane::unmerge(const QString& mergeId)
-{
-    if (!done(unmergeContacts(m_db, mergeId)))
-        return;
-    m_primary = effectiveContactId(m_db, m_contact.id);
-    reloadIdentity();
-    reloadMerges();
-    Q_EMIT peopleChanged();
+    const auto notes = fetchNotes(m_db, id);
+    m_notes.assign(paneRows(notes.first(std::min<qsizetype>(notes.size(), m_noteLimit)),
+        [&](const NoteRow& note) { return noteRow(note, words); }));
+    const auto activity = fetchContactActivity(m_db, id, m_activityLimit + 1);
+    m_activity.assign(paneRows(activity.first(std::min<qsizetype>(activity.size(), m_activityLimit)),
+        [&](const ActivityRow& row) { return activityRow(row, words); }));
+    m_olderNotes = notes.size() > m_noteLimit;
+    m_olderActivity = activity.size() > m_activityLimit;
+    Q_EMIT lengthsChanged();
+    m_tasks.assign(paneRows(fetchContactTasks(m_db, id, DoneTasks::Leave, shownTasks), taskRow));
 }
 
 bool CRMPane::done(bool saved)

@@ -6,6 +6,7 @@
 #include "Store/InboxQueries.h"
 
 #include <QSet>
+#include <functional>
 
 namespace corvane {
 
@@ -16,6 +17,7 @@ class CRMPane : public QObject {
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where nobody is open
     Q_PROPERTY(QString contactName READ contactName NOTIFY contactChanged)
     Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
+    Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
     // Each is a model of PaneRow
     Q_PROPERTY(QAbstractItemModel* suggestions READ suggestions CONSTANT) ///< "Same as Ana?"; id is the other contact
     Q_PROPERTY(QAbstractItemModel* merges READ merges CONSTANT) ///< "Merged with Ana"
@@ -31,7 +33,12 @@ class CRMPane : public QObject {
     Q_PROPERTY(QString dealsEmpty READ dealsEmpty CONSTANT)
     Q_PROPERTY(QString activityEmpty READ activityEmpty CONSTANT)
     Q_PROPERTY(QString tasksEmpty READ tasksEmpty CONSTANT)
+    Q_PROPERTY(bool olderNotes READ olderNotes NOTIFY lengthsChanged) ///< there are more than are shown
+    Q_PROPERTY(bool olderActivity READ olderActivity NOTIFY lengthsChanged)
     Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a new deal can have
+    // What is typed and not added yet; it stays with its person until the program ends
+    Q_PROPERTY(QString noteText READ noteText WRITE setNoteText NOTIFY typedChanged)
+    Q_PROPERTY(QString taskText READ taskText WRITE setTaskText NOTIFY typedChanged)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged) ///< why the last action did nothing
 public:
     /// Both outlive the pane.
@@ -41,6 +48,7 @@ public:
     const QString& contactId() const { return m_contact.id; }
     const QString& contactName() const { return m_contact.name; }
     QString identityText() const;
+    QString identityEmpty() const;
     QAbstractItemModel* suggestions() { return &m_suggestions; }
     QAbstractItemModel* merges() { return &m_merges; }
     QAbstractItemModel* memory() { return &m_memory; }
@@ -54,7 +62,13 @@ public:
     QString dealsEmpty() const;
     QString activityEmpty() const;
     QString tasksEmpty() const;
+    bool olderNotes() const { return m_olderNotes; }
+    bool olderActivity() const { return m_olderActivity; }
     QStringList stages() const;
+    QString noteText() const { return m_noteTexts.value(m_contact.id); }
+    void setNoteText(const QString& text);
+    QString taskText() const { return m_taskTexts.value(m_contact.id); }
+    void setTaskText(const QString& text);
     const QString& errorText() const { return m_errorText; }
 
     /// Shows the contact; a row without an id closes. Whom they resemble follows a quarter of a second after the
@@ -62,7 +76,10 @@ public:
     /// twice a second.
     void open(const ContactRow& contact);
 
-    // True where it was saved: the field can be emptied. Blank texts are not saved.
+    Q_INVOKABLE void showOlderNotes();
+    Q_INVOKABLE void showOlderActivity();
+
+    // True where it was saved; then its field is emptied. Blank texts are not saved.
     Q_INVOKABLE bool addNote(const QString& body);
     Q_INVOKABLE bool addTask(const QString& title);
     Q_INVOKABLE bool canAddDeal(const QString& name) const;
@@ -78,14 +95,23 @@ public:
 Q_SIGNALS:
     void contactChanged();
     void errorTextChanged();
+    void lengthsChanged();
+    void typedChanged();
     void peopleChanged(); ///< conversations have changed hands
+    void undoable(const QString& text, const std::function<void()>& back); ///< what was just done, and the way back
 
 private:
+    static constexpr int shownTasks = 12;
+
     void reloadIdentity();
     void reloadMerges();
     void reloadCRM();
     bool done(bool saved); ///< after an action
+    std::optional<QString> merge(const QString& primary, const QString& merged, const QString& signal);
+    bool separate(const QString& mergeId);
+    void reloadPeople(); ///< after conversations have changed hands
     void setError(const QString& text);
+    void setTyped(QHash<QString, QString>& texts, const QString& text);
 
     LocalDB& m_db;
     Scheduler& m_scheduler;
@@ -94,6 +120,12 @@ private:
     QHash<QString, QString> m_signals; ///< by suggested contact
     QSet<std::pair<QString, QString>> m_dismissed;
     QString m_errorText;
+    QHash<QString, QString> m_noteTexts; ///< by contact
+    QHash<QString, QString> m_taskTexts; ///< by contact
+    int m_noteLimit = 0;
+    int m_activityLimit = 0;
+    bool m_olderNotes = false;
+    bool m_olderActivity = false;
     Coalescer m_crmSoon;
     std::unique_ptr<Timer> m_identitySoon;
     RowListModel<PaneRow> m_suggestions;

@@ -214,24 +214,33 @@ void InboxView::archive(const QStringList& contactIds, const QString& text)
     if (contactIds.contains(m_selectedId))
         close();
     m_bulk.clear();
-    m_undoIds = contactIds;
+    offerUndo(text, [this, contactIds] {
+        for (const QString& contactId : contactIds)
+            unarchiveContact(db(), contactId);
+        afterAction();
+    });
+    afterAction();
+}
+
+void InboxView::offerUndo(const QString& text, const std::function<void()>& back)
+{
+    m_undo = back;
     m_undoText = text;
     m_undoEnd = m_scheduler.after(undoTime, [this] { dismissUndo(); });
     Q_EMIT undoChanged();
-    afterAction();
 }
 
 void InboxView::undo()
 {
-    for (const QString& contactId : std::as_const(m_undoIds))
-        unarchiveContact(db(), contactId);
+    const auto back = std::exchange(m_undo, nullptr);
     dismissUndo();
-    afterAction();
+    if (back)
+        back();
 }
 
 void InboxView::dismissUndo()
 {
-    m_undoIds.clear();
+    m_undo = nullptr;
     m_undoText.clear();
     m_undoEnd.reset();
     Q_EMIT undoChanged();

@@ -50,6 +50,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
+    connect(&m_crm, &CRMPane::undoable, this, &InboxView::offerUndo);
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
     connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
     connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);

@@ -146,7 +146,7 @@ public:
     Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
     Q_INVOKABLE void unarchive(const QString& contactId);
     Q_INVOKABLE void markAllRead();
-    Q_INVOKABLE void undo(); ///< of the last archive
+    Q_INVOKABLE void undo(); ///< of what `undoText` tells
     Q_INVOKABLE void dismissUndo();
 
     Q_INVOKABLE void archiveChecked();
@@ -189,6 +189,7 @@ private:
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();
     void archive(const QStringList& contactIds, const QString& text);
+    void offerUndo(const QString& text, const std::function<void()>& back); ///< for ten seconds
     void runPaletteAction(PaletteAction action);
     void afterAction();
 
@@ -228,7 +229,7 @@ private:
     QString m_workspaceNotice;
     WebMirror m_webMirror;
     QVariantList m_banners;
-    QStringList m_undoIds;
+    std::function<void()> m_undo;
     QString m_undoText;
 
     Coalescer m_reloadSoon;

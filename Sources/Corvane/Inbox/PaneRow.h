@@ -14,6 +14,7 @@ class PaneRow {
     Q_PROPERTY(QString detail MEMBER detail)
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(QString channel MEMBER channel)
+    Q_PROPERTY(QString icon MEMBER icon)
 public:
     QString id; ///< what the section's actions ask for
     QString label; ///< the kind of line: "Email", "Call", "WhatsApp"
@@ -21,6 +22,7 @@ public:
     QString detail; ///< in a weaker voice: "matching email", "Proposal · $12.5k"
     QString timeText;
     QString channel; ///< such as "WHATSAPP", for its mark
+    QString icon; ///< the mark of a line without a channel
 
     const QString& key() const { return id; }
     bool operator==(const PaneRow&) const = default;

@@ -9,7 +9,13 @@ namespace corvane {
 
 namespace {
 
-constexpr int activityLength = 240;
+constexpr int lineLength = 240;
+constexpr int longestText = 10'000; ///< more would hold up the window, and nobody reads it in a pane
+
+QString line(const QString& text)
+{
+    return singleLine(firstCharacters(text, lineLength));
+}
 
 QString joined(QStringList parts)
 {
@@ -42,6 +48,7 @@ PaneRow mergeRow(const LiveMerge& merge, const QString& mergedName)
     row.id = merge.id;
     row.channel = merge.mergedId.section(u':', 1, 1);
     row.text = QStringLiteral("Merged with ") + WAName::pretty(mergedName);
+    row.detail = channelLabel(row.channel);
     return row;
 }
 
@@ -49,7 +56,7 @@ PaneRow memoryRow(const MemoryEntry& entry)
 {
     PaneRow row;
     row.id = entry.id;
-    row.text = entry.body;
+    row.text = firstCharacters(entry.body, longestText);
     return row;
 }
 
@@ -80,8 +87,8 @@ PaneRow dealRow(const CRMDealRow& deal)
 {
     PaneRow row;
     row.id = deal.id;
-    row.text = deal.name;
-    row.detail = joined({ deal.stage, deal.value, deal.company });
+    row.text = line(deal.name);
+    row.detail = line(joined({ deal.stage, deal.value, deal.company }));
     return row;
 }
 
@@ -89,7 +96,7 @@ PaneRow noteRow(const NoteRow& note, const DateWords& words)
 {
     PaneRow row;
     row.id = note.id;
-    row.text = note.body;
+    row.text = firstCharacters(note.body, longestText);
     row.timeText = words.listTime(note.ts);
     return row;
 }
@@ -99,10 +106,13 @@ PaneRow activityRow(const ActivityRow& activity, const DateWords& words)
     using Kind = ActivityRow::Kind;
     PaneRow row;
     row.id = activity.id;
-    row.text = singleLine(firstCharacters(activity.text, activityLength));
+    row.text = line(activity.text);
     row.detail = activity.processingStatus;
     row.timeText = words.listTime(activity.ts);
     row.channel = activity.channel;
+    row.icon = activity.kind == Kind::Call ? QStringLiteral("call-start")
+        : activity.kind == Kind::Note      ? QStringLiteral("note")
+                                           : QString();
     row.label = activity.kind == Kind::Call ? QStringLiteral("Call")
         : activity.kind == Kind::Note       ? QStringLiteral("Note")
                                             : channelLabel(activity.channel);
@@ -113,8 +123,10 @@ PaneRow taskRow(const CRMTaskRow& task)
 {
     PaneRow row;
     row.id = task.id;
-    row.text = task.title;
-    row.detail = joined({ task.due, task.priority == u"Normal" ? QString() : task.priority, task.status });
+    row.text = line(task.title);
+    // What every task is unless somebody says otherwise goes without saying.
+    row.detail = line(joined({ task.due, task.priority == u"Normal" ? QString() : task.priority,
+        task.status == u"To do" ? QString() : task.status }));
     return row;
 }
 

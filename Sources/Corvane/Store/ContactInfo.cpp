@@ -75,9 +75,20 @@ QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope)
         [](const SqlRow& row) { return MemoryEntry { row.text(0), row.text(1) }; });
 }
 
-bool forgetMemoryEntry(LocalDB& db, const QString& id)
+std::optional<ForgottenMemory> forgetMemoryEntry(LocalDB& db, const QString& id)
 {
-    return db.tableExists(memoryTable) && db.run("DELETE FROM work_memory_entries WHERE id=?;", { id });
+    if (!db.tableExists(memoryTable))
+        return std::nullopt;
+    const auto entry = db.firstRow("SELECT id, scope, body, created_at FROM work_memory_entries WHERE id=?;", { id },
+        [](const SqlRow& row) { return ForgottenMemory { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+    return entry && db.run("DELETE FROM work_memory_entries WHERE id=?;", { id }) ? entry : std::nullopt;
+}
+
+bool keepMemoryEntry(LocalDB& db, const ForgottenMemory& entry)
+{
+    return db.tableExists(memoryTable)
+        && db.run("INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES(?,?,?,?);",
+            { entry.id, entry.scope, entry.body, entry.createdAt });
 }
 
 }

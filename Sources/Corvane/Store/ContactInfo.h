@@ -46,7 +46,16 @@ struct MemoryEntry {
 /// Oldest first.
 QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope);
 
-/// The one row that is really deleted.
-bool forgetMemoryEntry(LocalDB& db, const QString& id);
+/// An entry as it is stored, so that one that was forgotten can be kept after all.
+struct ForgottenMemory {
+    QString id;
+    QString scope;
+    QString body;
+    QString createdAt; ///< ISO 8601
+};
+
+/// The one row that is really deleted; nothing where there is none, or it could not be.
+std::optional<ForgottenMemory> forgetMemoryEntry(LocalDB& db, const QString& id);
+bool keepMemoryEntry(LocalDB& db, const ForgottenMemory& entry);
 
 }

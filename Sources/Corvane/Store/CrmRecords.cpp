@@ -31,6 +31,12 @@ QJsonObject payloadOf(const NewTask& task)
         { QStringLiteral("priority"), task.priority }, { QStringLiteral("status"), task.status } };
 }
 
+void recordStatus(LocalDB& db, const QString& taskId, const QString& status)
+{
+    recordCRMMutation(
+        db, QStringLiteral("task"), taskId, QStringLiteral("update"), origin, { { QStringLiteral("status"), status } });
+}
+
 qint64 saturatedSum(qint64 a, qint64 b)
 {
     qint64 sum = 0;
@@ -105,8 +111,16 @@ bool completeCRMTask(LocalDB& db, const QString& id)
     if (!db.run(
             "UPDATE crm_task SET status='Done', updated_at=? WHERE id=? AND deleted_at IS NULL;", { db.nowMs(), id }))
         return false;
-    recordCRMMutation(db, QStringLiteral("task"), id, QStringLiteral("update"), origin,
-        { { QStringLiteral("status"), QStringLiteral("Done") } });
+    recordStatus(db, id, QStringLiteral("Done"));
+    return true;
+}
+
+bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status)
+{
+    if (!db.run("UPDATE crm_task SET status=?, updated_at=? WHERE id=? AND deleted_at IS NULL;",
+            { status, db.nowMs(), id }))
+        return false;
+    recordStatus(db, id, status);
     return true;
 }
 

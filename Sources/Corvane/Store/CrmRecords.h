@@ -40,6 +40,7 @@ QList<CRMTaskRow> fetchContactTasks(LocalDB& db, const QString& contactId, DoneT
 std::optional<QString> insertCRMTask(LocalDB& db, const NewTask& task);
 std::optional<QString> insertCRMTask(LocalDB& db, const QString& contactId, const NewTask& task);
 bool completeCRMTask(LocalDB& db, const QString& id);
+bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status); ///< with the status that it had
 
 struct CRMDealRow {
     QString id;

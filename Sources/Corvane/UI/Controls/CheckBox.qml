@@ -7,6 +7,7 @@ T.AbstractButton {
     id: control
 
     property string name
+    property string hint
 
     implicitWidth: 28
     implicitHeight: 28
@@ -16,7 +17,12 @@ T.AbstractButton {
     Accessible.name: name
     Accessible.checkable: true
     Accessible.checked: checked
+    hoverEnabled: true
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     onClicked: toggled()
+
+    Tooltip { text: control.hint; shown: control.hovered && control.hint !== "" }
 
     contentItem: Item {
         Rectangle {
@@ -25,8 +31,9 @@ T.AbstractButton {
             height: 20
             radius: Theme.controlRadius
             color: control.checked ? Theme.accent : Theme.surface
-            border.width: control.checked ? 0 : 2
-            border.color: Theme.faint
+            border.width: control.checked ? 0 : 1
+            border.color: control.hovered ? Theme.accent : Theme.faint
+            FocusRing { control: control }
             Icon {
                 anchors.centerIn: parent
                 visible: control.checked

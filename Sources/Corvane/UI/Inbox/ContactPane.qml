@@ -1,7 +1,9 @@
 import QtQuick
+import QtQuick.Templates as T
+import QtQuick.Window
 import Corvane
 
-/// The person behind the thread: who, by which channels, and what can be done.
+/// The person behind the thread: who they are, what is known and what happened, what is planned with them.
 FocusScope {
     id: pane
 
@@ -10,27 +12,74 @@ FocusScope {
     property bool over: false ///< lies over the thread rather than beside it
 
     readonly property var contact: inbox.selected
+    readonly property QtObject crm: inbox.crm
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Contact")
+
+    /// Brings what the keyboard reached into sight.
+    function reveal(item: Item) {
+        let above = item;
+        while (above && above !== column)
+            above = above.parent;
+        if (!above)
+            return;
+        const top = item.mapToItem(column, 0, 0).y - Theme.medium;
+        const bottom = top + item.height + Theme.medium * 2;
+        if (top < view.contentY)
+            view.contentY = Math.max(0, top);
+        else if (bottom > view.contentY + view.height)
+            view.contentY = bottom - view.height;
+    }
+
+    Connections {
+        target: pane.Window.window
+        function onActiveFocusItemChanged() {
+            if (pane.activeFocus)
+                pane.reveal(pane.Window.window.activeFocusItem);
+        }
+    }
+    Connections {
+        target: pane.inbox
+        function onSelectionChanged() {
+            view.contentY = 0;
+        }
+    }
 
     Rectangle {
         anchors.fill: parent
         color: Theme.surface
         Shadow { visible: pane.over; radius: 0 }
     }
+    Banner {
+        id: error
+        objectName: "contact.error"
+        x: Theme.medium
+        y: Theme.medium
+        z: 1
+        width: parent.width - Theme.medium * 2
+        visible: text !== ""
+        tone: "bad"
+        text: pane.crm.errorText
+        dismissable: true
+        onDismissed: pane.crm.dismissError()
+    }
     Flickable {
+        id: view
+        objectName: "contact.view"
         anchors.fill: parent
+        anchors.topMargin: error.visible ? error.height + Theme.medium * 2 : 0
         contentHeight: column.implicitHeight
         boundsBehavior: Flickable.StopAtBounds
+        pixelAligned: true
         clip: true
+        T.ScrollBar.vertical: ScrollBar {}
 
         Column {
             id: column
             width: parent.width
             topPadding: Theme.wide
             bottomPadding: Theme.wide
-            spacing: Theme.medium
 
             Avatar {
                 anchors.horizontalCenter: parent.horizontalCenter
@@ -43,6 +92,7 @@ FocusScope {
             Label {
                 x: Theme.large
                 width: parent.width - Theme.large * 2
+                topPadding: Theme.medium
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
                 maximumLineCount: 3
@@ -54,54 +104,110 @@ FocusScope {
             Label {
                 x: Theme.large
                 width: parent.width - Theme.large * 2
+                topPadding: Theme.tight
                 visible: text !== ""
                 horizontalAlignment: Text.AlignHCenter
                 text: [pane.contact.isGroup ? qsTr("Group") : "", pane.contact.isMuted ? qsTr("Muted") : ""].filter(word => word).join(" · ")
                 color: Theme.soft
             }
+            Item { width: 1; height: Theme.large }
 
+            IdentitySection {
+                width: parent.width
+                layout: pane.layout
+                crm: pane.crm
+                platforms: pane.contact.platforms
+            }
+            Section {
+                width: parent.width
+                layout: pane.layout
+                name: "memory"
+                title: qsTr("Memory")
+                count: pane.crm.memory.count
+                emptyText: pane.crm.memoryEmpty
+
+                Repeater {
+                    model: pane.crm.memory
+                    PaneLine {
+                        id: fact
+                        PaneLink {
+                            objectName: "contact.forget"
+                            text: qsTr("Forget")
+                            subject: fact.text
+                            onClicked: pane.crm.forget(fact.id)
+                        }
+                    }
+                }
+            }
             Section {
                 width: parent.width
                 layout: pane.layout
                 name: "info"
-                title: qsTr("Channels")
+                title: qsTr("Info")
+                count: pane.crm.info.count
+                emptyText: pane.crm.infoEmpty
 
                 Repeater {
-                    model: pane.contact.platforms
-                    Item {
-                        id: line
-                        required property int index
-                        required property string modelData
-                        width: parent.width
-                        height: 32
-                        Accessible.role: Accessible.StaticText
-                        Accessible.name: label.text
-                        ChannelMark {
-                            id: mark
-                            anchors.verticalCenter: parent.verticalCenter
-                            channel: line.modelData
-                            size: 16
-                        }
-                        Label {
-                            id: label
-                            anchors.left: mark.right
-                            anchors.leftMargin: Theme.medium
-                            anchors.right: answers.left
-                            anchors.verticalCenter: parent.verticalCenter
-                            text: pane.contact.platformLabels[line.index] ?? ""
-                            Accessible.ignored: true
-                        }
-                        Label {
-                            id: answers
-                            anchors.right: parent.right
-                            anchors.verticalCenter: parent.verticalCenter
-                            visible: line.modelData === pane.inbox.composer.replyPlatform
-                            text: qsTr("replies go here")
-                            font.pixelSize: Theme.meta
-                            color: Theme.faint
-                        }
+                    model: pane.crm.info
+                    InfoLine {}
+                }
+            }
+            Section {
+                width: parent.width
+                layout: pane.layout
+                name: "deals"
+                title: qsTr("Deals")
+                count: pane.crm.deals.count
+                emptyText: pane.crm.dealsEmpty
+
+                Repeater {
+                    model: pane.crm.deals
+                    PaneLine {
+                        strong: true
+                        lines: 2
                     }
                 }
+                PaneAction {
+                    objectName: "contact.addDeal"
+                    icon.name: "list-add"
+                    text: qsTr("Add Deal")
+                    onClicked: dealSheet.open()
+                }
+            }
+            NotesSection {
+                width: parent.width
+                layout: pane.layout
+                crm: pane.crm
+            }
+            Section {
+                width: parent.width
+                layout: pane.layout
+                name: "activity"
+                title: qsTr("Activity")
+                count: pane.crm.activity.count
+                showsCount: false
+                emptyText: pane.crm.activityEmpty
+
+                Repeater {
+                    model: pane.crm.activity
+                    PaneLine {
+                        lines: 2
+                        foldable: false
+                    }
+                }
+                PaneLink {
+                    x: -Theme.small
+                    objectName: "contact.olderActivity"
+                    visible: pane.crm.olderActivity
+                    text: qsTr("Show older")
+                    subject: qsTr("Activity")
+                    onClicked: pane.crm.showOlderActivity()
+                }
+            }
+            TasksSection {
+                width: parent.width
+                layout: pane.layout
+                crm: pane.crm
             }
             Section {
                 width: parent.width
@@ -111,7 +217,6 @@ FocusScope {
 
                 PaneAction {
                     objectName: "contact.mute"
-                    focus: true
                     icon.name: pane.contact.isMuted ? "notifications" : "notifications-disabled"
                     text: pane.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
                     key: Keymap.keysOf("mute")
@@ -133,5 +238,10 @@ FocusScope {
                 }
             }
         }
+    }
+
+    AddDealSheet {
+        id: dealSheet
+        crm: pane.crm
     }
 }

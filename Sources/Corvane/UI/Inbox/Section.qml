@@ -10,27 +10,45 @@ Column {
     required property QtObject layout
     required property string name
     property string title
-    property bool open: layout.sectionOpen(name)
+    property int count: 0
+    property bool showsCount: true
+    property string emptyText ///< what stands here without rows
+    property bool open: layout.sectionOpen(section.name)
 
     T.AbstractButton {
         id: head
+        objectName: "contact.section." + section.name
         width: parent.width
         height: 36
+        focus: section.name === "identity" // where the keyboard enters the pane
         focusPolicy: Qt.TabFocus
+        hoverEnabled: true
         text: section.title
-        Accessible.name: section.title
-        Accessible.checkable: true
-        Accessible.checked: section.open
+        Accessible.role: Accessible.Button
+        Accessible.name: section.showsCount && section.count ? qsTr("%1, %2").arg(section.title).arg(section.count) : section.title
+        Accessible.description: section.open ? qsTr("Open") : qsTr("Folded")
         Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
         onClicked: {
             section.open = !section.open;
             section.layout.setSectionOpen(section.name, section.open);
         }
         contentItem: Item {
             SectionHeader {
+                id: caption
                 x: Theme.large
                 anchors.verticalCenter: parent.verticalCenter
                 text: section.title
+                Accessible.ignored: true
+            }
+            Label {
+                anchors.left: caption.right
+                anchors.leftMargin: 6
+                anchors.baseline: caption.baseline
+                visible: section.showsCount && section.count > 0
+                text: section.count
+                font.pixelSize: Theme.meta
+                color: Theme.faint
                 Accessible.ignored: true
             }
             Icon {
@@ -39,7 +57,7 @@ Column {
                 anchors.verticalCenter: parent.verticalCenter
                 name: section.open ? "go-up" : "go-down"
                 size: 14
-                color: Theme.faint
+                color: head.hovered ? Theme.text : Theme.faint
             }
         }
         background: Item {
@@ -57,6 +75,16 @@ Column {
         x: Theme.large
         width: parent.width - Theme.large * 2
         visible: section.open
-        bottomPadding: Theme.small
+        bottomPadding: Theme.medium
+
+        Label {
+            width: parent.width
+            visible: text !== "" && section.count === 0
+            bottomPadding: Theme.tight
+            wrapMode: Text.Wrap
+            lineHeight: 1.2
+            text: section.emptyText
+            color: Theme.faint
+        }
     }
 }

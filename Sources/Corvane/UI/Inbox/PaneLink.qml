@@ -1,0 +1,32 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// A small word that does something to the line it stands in. `subject` names that line aloud.
+T.AbstractButton {
+    id: link
+
+    property string subject
+
+    implicitWidth: implicitContentWidth + Theme.small * 2
+    implicitHeight: 24
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: subject ? text + ": " + subject : text
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+
+    contentItem: Label {
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        text: link.text
+        font.pixelSize: Theme.meta
+        color: link.hovered || link.visualFocus ? Theme.text : Theme.soft
+    }
+    background: Rectangle {
+        radius: Theme.controlRadius
+        color: link.down ? Theme.line : link.hovered ? Theme.raised : Theme.none
+        FocusRing { control: link; anchors.margins: -2; radius: Theme.controlRadius + 2 }
+    }
+}

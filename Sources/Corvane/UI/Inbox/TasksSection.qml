@@ -1,0 +1,41 @@
+import QtQuick
+import Corvane
+
+/// What is to be done for a person.
+Section {
+    id: section
+
+    required property QtObject crm
+
+    name: "tasks"
+    title: qsTr("Tasks")
+    count: crm.tasks.count
+    emptyText: crm.tasksEmpty
+
+    Repeater {
+        model: section.crm.tasks
+        PaneLine {
+            id: task
+            lines: 2
+            lead: CheckBox {
+                x: -Theme.tight
+                y: -5
+                objectName: "contact.complete"
+                focusPolicy: Qt.StrongFocus
+                name: qsTr("Complete: %1").arg(task.text)
+                hint: qsTr("Complete")
+                onClicked: section.crm.completeTask(task.id)
+            }
+        }
+    }
+    Item { width: 1; height: Theme.tight }
+    TextField {
+        objectName: "contact.task"
+        width: parent.width
+        icon: "list-add"
+        placeholderText: qsTr("Add a task")
+        text: section.crm.taskText
+        onTextChanged: section.crm.taskText = text
+        onAccepted: section.crm.addTask(text)
+    }
+}
