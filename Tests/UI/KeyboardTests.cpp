@@ -140,7 +140,8 @@ TEST_F(KeyboardTest, f6WalksOverThePanesInReadingOrderAndBack)
 {
     showInbox();
     press(Qt::Key_Down);
-    const QStringList panes { u"inbox.list"_s, u"thread.list"_s, u"composer"_s, u"contact.section.identity"_s, u"topnav.inbox"_s };
+    const QStringList panes { u"inbox.list"_s, u"thread.list"_s, u"composer"_s, u"contact.section.identity"_s,
+        u"topnav.inbox"_s };
     for (qsizetype i = 1; i <= panes.size(); ++i) {
         press(Qt::Key_F6);
         EXPECT_TRUE(focusWithin(panes.at(i % panes.size()))) << qPrintable(panes.at(i % panes.size()));
