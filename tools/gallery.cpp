@@ -10,11 +10,14 @@
 #include "Platform/AddressBook.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SecretStore.h"
+#include "Platform/SystemLanguageModel.h"
+#include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -117,6 +120,9 @@ private:
         machine.desktop = std::move(own);
         machine.microphone = makeMicrophone(scheduler);
         machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
+        machine.tools = makeToolRunner();
+        machine.languageModel = makeLanguageModel(scheduler);
+        machine.facts = makeMachineFacts(AppPaths::fromEnvironment());
         return machine;
     }
 

@@ -5,13 +5,16 @@
 #include "Platform/ApplicationId.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SecretStore.h"
 #include "Platform/SingleInstance.h"
+#include "Platform/SystemLanguageModel.h"
 #include "Platform/TerminationSignals.h"
+#include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -47,6 +50,9 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     machine.desktop = makeDesktop();
     machine.microphone = makeMicrophone(scheduler);
     machine.addressBook = makeAddressBook(paths);
+    machine.tools = makeToolRunner();
+    machine.languageModel = makeLanguageModel(scheduler);
+    machine.facts = makeMachineFacts(paths);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;

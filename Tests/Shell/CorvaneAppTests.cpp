@@ -8,6 +8,7 @@
 #include "Store/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeLanguageModel.h"
 #include "Support/FakeLauncher.h"
 #include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
@@ -52,6 +53,9 @@ protected:
         machine.desktop = std::make_unique<FakeDesktop>();
         machine.microphone = std::make_unique<FakeMicrophone>();
         machine.addressBook = makeAddressBook(home.paths());
+        machine.tools = std::make_unique<NoTools>();
+        machine.languageModel = std::make_unique<FakeLanguageModel>();
+        machine.facts = std::make_unique<FakeMachineFacts>();
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 

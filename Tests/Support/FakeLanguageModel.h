@@ -1,8 +1,6 @@
 #pragma once
 
-#include "AI/AppleIntelligenceChatService.h"
-#include "AI/CLIChatService.h"
-#include "AI/LumoAI.h"
+#include "AI/AIServices.h"
 #include "Foundation/Arrival.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/ToolRunner.h"
@@ -123,14 +121,18 @@ public:
     }
 };
 
-/// The generation call over a fake model, without the Codex tool.
-struct FakeLumo {
+struct FakeAIMachine {
     FakeLanguageModel model;
     FakeMachineFacts machine;
     NoTools tools;
-    AppleIntelligenceChatService onDevice { model, machine };
-    CLIChatService codex { tools, {} };
-    LumoAI ai { onDevice, codex };
+};
+
+/// What generates, over a fake model and without the Codex tool.
+struct FakeLumo : FakeAIMachine, AIServices {
+    FakeLumo()
+        : AIServices(model, machine, tools, {})
+    {
+    }
 };
 
 }

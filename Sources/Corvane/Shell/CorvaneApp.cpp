@@ -1,5 +1,8 @@
 #include "Shell/CorvaneApp.h"
 
+#include "AI/AIRequestWatcher.h"
+#include "AI/AIServices.h"
+#include "AI/ModelChoice.h"
 #include "Approvals/ApprovalsStore.h"
 #include "CRM/ContactsBridge.h"
 #include "Calls/CallRecorder.h"
@@ -8,11 +11,13 @@
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
 #include "Platform/Desktop.h"
+#include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SecretStore.h"
+#include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Store/LocalDB.h"
 #include "Store/Workspaces.h"
@@ -55,6 +60,10 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
             LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
+    m_ai = std::make_unique<AIServices>(
+        *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home));
+    m_machine.languageModel->choose(modelChoice(m_defaults));
+    m_aiRequests = std::make_unique<AIRequestWatcher>(m_engine->db(), m_ai->ai, m_scheduler);
     m_calls = std::make_unique<CallRecorder>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
@@ -67,6 +76,7 @@ void CorvaneApp::onAppear()
 {
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->startDraftWatch();
+    m_aiRequests->start();
     m_data.local.emplace(m_engine->db());
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);

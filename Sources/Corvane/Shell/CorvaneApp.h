@@ -13,6 +13,7 @@
 
 namespace corvane {
 
+class AIRequestWatcher;
 class AccountStore;
 class ApprovalsStore;
 class AddressBook;
@@ -20,6 +21,7 @@ class CallRecorder;
 class ContactsBridge;
 class Desktop;
 class EngineManager;
+class MachineFacts;
 class Microphone;
 class NotificationService;
 class Notifier;
@@ -28,7 +30,10 @@ class ProcessLauncher;
 class Scheduler;
 class SecretStore;
 class SessionStore;
+class SystemLanguageModel;
+class ToolRunner;
 class Tray;
+struct AIServices;
 
 /// The services that the program finds on its machine.
 struct Machine {
@@ -43,6 +48,9 @@ struct Machine {
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<Microphone> microphone;
     std::unique_ptr<AddressBook> addressBook;
+    std::unique_ptr<ToolRunner> tools;
+    std::unique_ptr<SystemLanguageModel> languageModel;
+    std::unique_ptr<MachineFacts> facts;
     std::unique_ptr<Tray> tray; ///< none in a headless run
 };
 
@@ -59,6 +67,7 @@ public:
     AppData& data() { return m_data; }
     CallRecorder& calls() { return *m_calls; }
     ApprovalsStore& approvals() { return *m_approvals; }
+    AIServices& ai() { return *m_ai; }
     SessionStore& session() { return *m_session; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
@@ -99,6 +108,8 @@ private:
     std::unique_ptr<Notifier> m_notifier;
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<EngineManager> m_engine;
+    std::unique_ptr<AIServices> m_ai;
+    std::unique_ptr<AIRequestWatcher> m_aiRequests;
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;

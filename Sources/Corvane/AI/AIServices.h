@@ -1,0 +1,30 @@
+#pragma once
+
+#include "AI/AppleIntelligenceChatService.h"
+#include "AI/CLIChatService.h"
+#include "AI/LocalAIAvailability.h"
+#include "AI/LumoAI.h"
+
+namespace corvane {
+
+/// What generates, built once and wired to each other.
+struct AIServices {
+    /// All of it outlives the services. `codexCandidates`: where the Codex tool may stand.
+    AIServices(
+        SystemLanguageModel& model, const MachineFacts& machine, ToolRunner& tools, const QStringList& codexCandidates)
+        : systemModel(model)
+        , onDevice(model, machine)
+        , codex(tools, codexCandidates)
+        , ai(onDevice, codex)
+        , gate(machine)
+    {
+    }
+
+    SystemLanguageModel& systemModel;
+    const AppleIntelligenceChatService onDevice;
+    const CLIChatService codex;
+    LumoAI ai;
+    const LocalAIAvailability gate;
+};
+
+}

@@ -1,0 +1,33 @@
+#include "AI/ModelChoice.h"
+
+#include "Foundation/UserDefaults.h"
+
+namespace corvane {
+
+namespace {
+
+const QString urlKey = QStringLiteral("nimb.localModelUrl");
+const QString modelKey = QStringLiteral("nimb.localModel");
+
+void set(UserDefaults& defaults, const QString& key, const QString& text)
+{
+    if (text.trimmed().isEmpty())
+        defaults.remove(key);
+    else
+        defaults.setText(key, text.trimmed());
+}
+
+}
+
+SystemLanguageModel::Choice modelChoice(const UserDefaults& defaults)
+{
+    return { defaults.text(urlKey).value_or(QString()), defaults.text(modelKey).value_or(QString()) };
+}
+
+void setModelChoice(UserDefaults& defaults, const SystemLanguageModel::Choice& choice)
+{
+    set(defaults, urlKey, choice.serverUrl);
+    set(defaults, modelKey, choice.model);
+}
+
+}
