@@ -50,6 +50,7 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     : QObject(parent)
     , m_at(surroundings)
     , m_pairing(m_at.accounts, m_at.engine)
+    , m_controlChat(m_at.engine.db())
     , m_sync(m_at.session, m_at.engine.db())
     , m_system(m_at.defaults, m_at.keychain, m_at.paths)
     , m_toolServer(m_at.engine)
@@ -70,8 +71,8 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
 
 QVariantList IntegrationsView::sections() const
 {
-    return { named("accounts", QStringLiteral("Accounts")), named("sync", QStringLiteral("Sync")),
-        named("system", QStringLiteral("System")) };
+    return { named("accounts", QStringLiteral("Accounts")), named("approvals", QStringLiteral("Approvals")),
+        named("sync", QStringLiteral("Sync")), named("system", QStringLiteral("System")) };
 }
 
 void IntegrationsView::setSection(const QString& id)
@@ -82,6 +83,7 @@ void IntegrationsView::setSection(const QString& id)
     if (!known || id == m_section)
         return;
     m_section = id;
+    readSection();
     Q_EMIT sectionChanged();
 }
 
@@ -103,6 +105,13 @@ void IntegrationsView::setVisible(bool visible)
         return;
     refreshRows();
     m_sync.refresh();
+    readSection();
+}
+
+void IntegrationsView::readSection()
+{
+    if (m_visible && m_section == QLatin1StringView("approvals"))
+        m_controlChat.refresh();
 }
 
 void IntegrationsView::perform(const QString& accountId, const QString& actionId)

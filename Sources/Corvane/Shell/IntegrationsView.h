@@ -3,6 +3,7 @@
 #include "Foundation/Coalescer.h"
 #include "Inbox/RowListModel.h"
 #include "Shell/AccountRow.h"
+#include "Shell/ControlChatSettings.h"
 #include "Shell/PairingSheet.h"
 #include "Shell/SyncSettings.h"
 #include "Shell/SystemSettings.h"
@@ -32,6 +33,7 @@ class IntegrationsView : public QObject {
     /// Without fields there is no sheet: `connectAccount` at once.
     Q_PROPERTY(QVariantList connectFlows READ connectFlows CONSTANT)
     Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
+    Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
@@ -58,11 +60,12 @@ public:
     QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
     QVariantList connectFlows() const;
     PairingSheet* pairing() { return &m_pairing; }
+    ControlChatSettings* controlChat() { return &m_controlChat; }
     SyncSettings* sync() { return &m_sync; }
     SystemSettings* system() { return &m_system; }
     ToolServerCard* toolServer() { return &m_toolServer; }
 
-    /// Last message times and sync health are read only while someone looks.
+    /// Last message times, sync health and conversations are read only while someone looks.
     bool visible() const { return m_visible; }
     void setVisible(bool visible);
 
@@ -81,10 +84,12 @@ Q_SIGNALS:
 
 private:
     void refreshRows();
+    void readSection(); ///< what only one section shows
 
     Surroundings m_at;
     RowListModel<AccountRow> m_rows;
     PairingSheet m_pairing;
+    ControlChatSettings m_controlChat;
     SyncSettings m_sync;
     SystemSettings m_system;
     ToolServerCard m_toolServer;

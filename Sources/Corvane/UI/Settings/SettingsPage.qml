@@ -11,7 +11,7 @@ Page {
 
     signal leave
 
-    readonly property var cardsOf: ({ accounts: accounts, sync: sync, system: system })
+    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, sync: sync, system: system })
     readonly property string label: settings.sections.find(section => section.id === settings.section)?.label ?? ""
 
     panes: [sections, cards]
@@ -73,6 +73,10 @@ Page {
     Component {
         id: accounts
         AccountsSection { settings: page.settings }
+    }
+    Component {
+        id: waiting
+        ApprovalsSection { settings: page.settings }
     }
     Component {
         id: sync
