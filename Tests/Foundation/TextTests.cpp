@@ -26,6 +26,16 @@ TEST(Text, aCharacterIsNeverCut)
     EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 0), QString());
     EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 3), QStringLiteral("abc"));
     EXPECT_EQ(firstCharacters(QString(), 5), QString());
+    const QString family = QStringLiteral("👩‍👩‍👧");
+    EXPECT_EQ(firstCharacters(family.repeated(60), 50), family.repeated(50)) << "longer than what is looked at first";
+}
+
+TEST(Text, aPromptLineIsOneLine)
+{
+    EXPECT_EQ(promptLine(QStringLiteral(" \n a\tb\r\nc\u2028d \t")), QStringLiteral("a b  c d"));
+    EXPECT_EQ(promptLine(QStringLiteral(" abc "), 3), QStringLiteral("abc"));
+    EXPECT_EQ(promptLine(QStringLiteral("ab c"), 3), QStringLiteral("ab ..."));
+    EXPECT_EQ(promptLine(QStringLiteral("\n"), 3), QString());
 }
 
 TEST(Ids, haveTheShapesThatRowsAreFoundBy)

@@ -39,6 +39,13 @@ QCoro::Task<Result<QString>> LumoAI::respond(QString instructions, QString promp
     co_return co_await m_codex.respond(instructions, prompt, cancel);
 }
 
+QCoro::Task<bool> LumoAI::answersUnderSchema()
+{
+    const QPointer<LumoAI> self(this);
+    co_await m_onDevice.refresh();
+    co_return self && !m_onDevice.unavailableReason();
+}
+
 QCoro::Task<Result<QJsonObject>> LumoAI::respondGenerating(
     QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel)
 {

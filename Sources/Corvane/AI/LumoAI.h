@@ -29,6 +29,9 @@ public:
     /// The answer as it came.
     QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel = {});
 
+    /// Whether `respondGenerating` would be answered, found out afresh.
+    QCoro::Task<bool> answersUnderSchema();
+
     /// An answer that fits the JSON schema. Only the platform's model answers under a schema.
     QCoro::Task<Result<QJsonObject>> respondGenerating(
         QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel = {});

@@ -1,5 +1,6 @@
 #include "Foundation/Json.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 
 namespace corvane {
@@ -23,6 +24,20 @@ std::optional<QString> textValue(const QJsonObject& object, QLatin1StringView ke
     if (!value.isString())
         return std::nullopt;
     return value.toString();
+}
+
+std::optional<QStringList> textsValue(const QJsonObject& object, QLatin1StringView key)
+{
+    const QJsonValue value = object.value(key);
+    if (!value.isArray())
+        return std::nullopt;
+    QStringList texts;
+    for (const QJsonValue& item : value.toArray()) {
+        if (!item.isString())
+            return std::nullopt;
+        texts.append(item.toString());
+    }
+    return texts;
 }
 
 }

@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace corvane {
@@ -14,5 +15,8 @@ QByteArray compactJson(const QJsonObject& object);
 
 /// A string value, or nothing where the key is missing or holds another type.
 std::optional<QString> textValue(const QJsonObject& object, QLatin1StringView key);
+
+/// An array of strings, or nothing where the key is missing or holds anything else.
+std::optional<QStringList> textsValue(const QJsonObject& object, QLatin1StringView key);
 
 }

@@ -1,8 +1,34 @@
 #include "Foundation/Text.h"
 
 #include <QTextBoundaryFinder>
+#include <algorithm>
 
 namespace corvane {
+
+namespace {
+
+/// Whether the code unit is a character of its own whatever stands beside it: Latin, Greek, Cyrillic, the usual
+/// signs, Han.
+bool isPlain(QChar character)
+{
+    const char16_t unit = character.unicode();
+    return (unit < 0x300 && unit != u'\r') || (unit >= 0x370 && unit < 0x483) || (unit >= 0x2010 && unit < 0x2028)
+        || (unit >= 0x4E00 && unit < 0xA000);
+}
+
+/// Whatever a reader may take for the end of a line, and tabs.
+bool breaksALine(QChar unit)
+{
+    return (unit >= u'\t' && unit <= u'\r') || unit == u'\u0085' || unit == u'\u2028' || unit == u'\u2029';
+}
+
+QString onOneLine(QString text)
+{
+    std::ranges::replace_if(text, breaksALine, u' ');
+    return text;
+}
+
+}
 
 QString folded(const QString& text)
 {
@@ -25,11 +51,32 @@ QString firstCharacters(const QString& text, int count)
 {
     if (text.size() <= count)
         return text;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype end = 0;
-    for (int seen = 0; seen < count && end != -1; ++seen)
-        end = finder.toNextBoundary();
-    return end == -1 ? text : text.first(end);
+    if (std::ranges::all_of(QStringView(text).first(count + 1), isPlain))
+        return text.first(count);
+    // Of a long text only as much is looked at as it takes; a boundary at the window's end is none of the text.
+    for (qsizetype window = 4 * qsizetype(count) + 64;; window *= 2) {
+        window = std::min(window, text.size());
+        QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, QStringView(text).first(window));
+        qsizetype end = 0;
+        for (int seen = 0; seen < count && end != -1; ++seen)
+            end = finder.toNextBoundary();
+        if (window == text.size())
+            return end == -1 ? text : text.first(end);
+        if (end != -1 && end < window)
+            return text.first(end);
+    }
+}
+
+QString promptLine(const QString& text)
+{
+    return onOneLine(text.trimmed());
+}
+
+QString promptLine(const QString& text, int limit)
+{
+    const QString trimmed = text.trimmed();
+    const QString start = firstCharacters(trimmed, limit);
+    return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + QStringLiteral("...");
 }
 
 }

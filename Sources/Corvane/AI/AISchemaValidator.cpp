@@ -1,0 +1,72 @@
+#include "AI/AISchemaValidator.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <array>
+
+namespace corvane {
+
+namespace {
+
+void fillIfBlank(QString& text, const QString& fallback)
+{
+    if (text.trimmed().isEmpty())
+        text = fallback;
+}
+
+}
+
+QString errorDescription(AISchemaValidatorError error, const QString& fact)
+{
+    switch (error) {
+    case AISchemaValidatorError::QuotedFactChanged:
+        return QStringLiteral("The rewrite changed quoted client text: \"%1\".").arg(fact);
+    case AISchemaValidatorError::EmptyDraft:
+        return QStringLiteral("LumoAI returned an empty draft.");
+    case AISchemaValidatorError::MalformedResponse:
+        return QStringLiteral("LumoAI response was not a valid draft shape.");
+    case AISchemaValidatorError::SendSideEffectRequested:
+        return QStringLiteral("LumoAI tried to mark the draft as sent. Drafts cannot send themselves.");
+    }
+    Q_UNREACHABLE();
+}
+
+Result<AIStructuredDraftResponse> validateDraftResponse(
+    AIStructuredDraftResponse response, const DraftExpectation& expected)
+{
+    response.draft = response.draft.trimmed();
+    if (response.draft.isEmpty())
+        return failure(errorDescription(AISchemaValidatorError::EmptyDraft));
+    AIDraftResponseMetadata& metadata = response.metadata;
+    if (metadata.sendSideEffect)
+        return failure(errorDescription(AISchemaValidatorError::SendSideEffectRequested));
+    fillIfBlank(metadata.intent, expected.intent);
+    fillIfBlank(metadata.tone, expected.tone);
+    fillIfBlank(metadata.language, QStringLiteral("unknown"));
+    metadata.confidence = std::clamp(metadata.confidence, 0.0, 1.0);
+    if (metadata.usedMessageLabels.isEmpty())
+        metadata.usedMessageLabels = expected.fallbackLabels;
+    for (const QString& fact : expected.requiredQuotedFacts) {
+        if (!fact.trimmed().isEmpty() && !response.draft.contains(fact))
+            return failure(errorDescription(AISchemaValidatorError::QuotedFactChanged, fact));
+    }
+    return response;
+}
+
+QStringList quotedFacts(const QString& text)
+{
+    static const std::array patterns { QRegularExpression(QStringLiteral("\"([^\"]+)\"")),
+        QRegularExpression(QStringLiteral("\u201C([^\u201D]+)\u201D")),
+        QRegularExpression(QStringLiteral("'([^']+)'")) };
+    QStringList facts;
+    for (const QRegularExpression& pattern : patterns) {
+        for (const QRegularExpressionMatch& match : pattern.globalMatch(text))
+            facts.append(match.captured(1).trimmed());
+    }
+    facts.removeAll(QString());
+    facts.sort();
+    facts.removeDuplicates();
+    return facts;
+}
+
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "AI/LocalAIMessageCitation.h"
+#include "Store/CrmRecords.h"
+
+namespace corvane {
+
+struct LumoDraftCRMIdentity {
+    QString channel;
+    QString handle;
+    std::optional<QString> email;
+    std::optional<QString> phone;
+};
+
+/// What is known of the person who is written to.
+struct LumoDraftCRMContext {
+    QString contactId;
+    QString contactName;
+    QStringList platforms;
+    QList<LumoDraftCRMIdentity> identities;
+    QList<NoteRow> recentNotes; ///< newest first
+};
+
+enum class LumoDraftRewriteAction { Shorten, Warmer, Grammar, Translate };
+
+QString operationLabel(LumoDraftRewriteAction action);
+/// An empty target language means English.
+QString instruction(LumoDraftRewriteAction action, const QString& targetLanguage);
+
+struct LumoDraftPrompt {
+    QString instructions;
+    QString prompt;
+    QList<LocalAIMessageCitation> citations;
+    QString promptFingerprint; ///< of the two texts as they were built: the same input always has the same one
+};
+
+// Pure functions. What others wrote stands in a prompt as single lines, so that it cannot end its section.
+
+LumoDraftPrompt makeDraftReplyPrompt(
+    const LumoDraftCRMContext& context, const QList<UnifiedMsgRow>& messages, const QString& style);
+
+LumoDraftPrompt makeRewritePrompt(const QString& text, LumoDraftRewriteAction action, const QString& targetLanguage,
+    const LumoDraftCRMContext& context, const QList<UnifiedMsgRow>& messages, const QString& style);
+
+}

@@ -1,0 +1,135 @@
+#include "AI/LumoDraftPrompt.h"
+#include "AI/UngroundedFacts.h"
+#include "Support/Print.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+/// One conversation and the drafts that answer it.
+struct Scene {
+    LumoDraftCRMContext contact;
+    QList<UnifiedMsgRow> messages;
+    QStringList drafts; ///< what stands in braces was planted
+
+    QString context() const
+    {
+        const LumoDraftPrompt prompt = makeDraftReplyPrompt(contact, messages, QStringLiteral("friendly"));
+        return prompt.instructions + u'\n' + prompt.prompt;
+    }
+};
+
+/// "@" begins a scene with the contact's name, "<" and ">" are messages in and out, "#" a note, "-" a draft
+/// that states nothing new and "+" one that does.
+QList<Scene> scenes(const QString& name)
+{
+    QFile file(QStringLiteral(CORVANE_SOURCE "/Tests/AI/drafts/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+    QList<Scene> all;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
+        const QString text = line.sliced(2).replace(QStringLiteral("\\n"), QStringLiteral("\n"));
+        if (line.startsWith(u'@')) {
+            all.append(Scene {});
+            all.last().contact = { QStringLiteral("ct:1"), text, { QStringLiteral("WHATSAPP") }, {}, {} };
+        } else if (line.startsWith(u'#')) {
+            all.last().contact.recentNotes.append({ QStringLiteral("n1"), text, 1'772'500'000'000 });
+        } else if (line.startsWith(u'<') || line.startsWith(u'>')) {
+            UnifiedMsgRow row;
+            row.direction = line.startsWith(u'<') ? QStringLiteral("IN") : QStringLiteral("OUT");
+            row.platform = QStringLiteral("WHATSAPP");
+            row.body = text;
+            row.ts = 1'772'610'000'000 + all.last().messages.size() * 2'820'000;
+            all.last().messages.append(row);
+        } else {
+            all.last().drafts.append(text);
+        }
+    }
+    return all;
+}
+
+struct Tally {
+    int drafts = 0;
+    int draftsWithoutPlants = 0;
+    int draftsWithFalseAlarm = 0;
+    int planted = 0;
+    int found = 0;
+    QStringList mistakes;
+
+    void count(const Scene& scene, const QString& marked)
+    {
+        static const QRegularExpression plant(QStringLiteral("\\{([^}]*)\\}"));
+        QStringList plants;
+        for (const QRegularExpressionMatch& match : plant.globalMatch(marked))
+            plants.append(match.captured(1));
+        const QString draft = QString(marked).remove(u'{').remove(u'}');
+        const QStringList named = ungroundedFacts(draft, scene.context());
+        const auto meet = [](const QString& one, const QString& other) {
+            return one.contains(other) || other.contains(one);
+        };
+        for (const QString& each : plants) {
+            const bool isFound = std::ranges::any_of(named, [&](const QString& fact) { return meet(fact, each); });
+            found += isFound ? 1 : 0;
+            if (!isFound)
+                mistakes.append(QStringLiteral("missed \"%1\": %2").arg(each, draft));
+        }
+        const bool isFalse = std::ranges::any_of(named, [&](const QString& fact) {
+            return std::ranges::none_of(plants, [&](const QString& each) { return meet(fact, each); });
+        });
+        if (isFalse)
+            mistakes.append(QStringLiteral("false alarm %1: %2").arg(named.join(QStringLiteral(" | ")), draft));
+        ++drafts;
+        draftsWithoutPlants += plants.isEmpty() ? 1 : 0;
+        draftsWithFalseAlarm += isFalse ? 1 : 0;
+        planted += static_cast<int>(plants.size());
+    }
+};
+
+}
+
+TEST(UngroundedFacts, plantedFactsAreFoundAndHonestDraftsStayQuiet)
+{
+    Tally tally;
+    for (const char* file : { "english.txt", "others.txt" }) {
+        for (const Scene& scene : scenes(file)) {
+            for (const QString& draft : scene.drafts)
+                tally.count(scene, draft);
+        }
+    }
+    EXPECT_EQ(tally.drafts, 200);
+    EXPECT_EQ(tally.draftsWithoutPlants, 100);
+    RecordProperty("planted", tally.planted);
+    RecordProperty("found", tally.found);
+    RecordProperty("draftsWithFalseAlarm", tally.draftsWithFalseAlarm);
+    const QString mistakes = tally.mistakes.join(u'\n');
+    EXPECT_GE(tally.found * 100, tally.planted * 95) << qPrintable(mistakes);
+    EXPECT_LE(tally.draftsWithFalseAlarm * 100, tally.drafts * 5) << qPrintable(mistakes);
+    if (qEnvironmentVariableIsSet("CORVANE_PRINT"))
+        std::printf("%d of %d planted found, %d of %d drafts with a false alarm\n%s\n", tally.found, tally.planted,
+            tally.draftsWithFalseAlarm, tally.drafts, qPrintable(mistakes));
+}
+
+TEST(UngroundedFacts, aFactInAnotherWritingIsTheSameFact)
+{
+    const std::initializer_list<std::array<const char*, 3>> cases {
+        // context, draft, what is named
+        { "See you 2026-03-14 at 15:00", "March 14, 3 pm, 14.3., 14/03/2026", "" },
+        { "See you 2026-03-14 at 15:00", "March 14, 2027 at 4 pm", "March 14, 2027|4 pm" },
+        { "It is EUR 1,250.00", "1.250 € or 1250 euros", "" },
+        { "It is EUR 1,250.00", "$1,250 or 1,250%", "$1,250|1,250%" },
+        { "12k for 3.5 tons", "12,000 for 3,5 tons", "" },
+        { "call +49 171 5550199", "0171/555 0199 or 0171 5550198", "0171 5550198" },
+        { "https://www.shop.example/a/b", "shop.example and shop.example/a, not shop.example/c", "shop.example/c" },
+        { "from ana@corp.example", "ANA@corp.example at corp.example, bob@corp.example", "bob@corp.example" },
+        { "invoice 2041", "INV-2041, INV-2042", "INV-2042" },
+        { "Meet Petra", "Petra's plan. Hi Paul, Dr. Adams and Hong Kong", "Paul|Adams|Hong Kong" },
+        { "[M12] IN SMS 2026-03-01T09:30:00Z: hi", "12 boxes, 30 bags, 1 March", "12|30" },
+        { "", "1. first\n2. then\nopen 24/7", "" },
+        { "", "", "" },
+    };
+    for (const auto& [context, draft, named] : cases)
+        EXPECT_EQ(ungroundedFacts(draft, context).join(u'|'), QString(named)) << draft;
+}
