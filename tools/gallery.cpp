@@ -329,6 +329,8 @@ void Gallery::settingsScreens()
     m_screens.settings.setSection(u"approvals"_s);
     m_screens.settings.controlChat()->choose(conversationId(u"taller-vidal"_s, u"34600000109@s.whatsapp.net"_s));
     save(u"settings-approvals"_s, { Look::Light, Look::Dark });
+    m_screens.settings.setSection(u"assistant"_s);
+    save(u"settings-assistant"_s, { Look::Light, Look::Dark, Look::LightSmall });
     m_screens.settings.setSection(u"sync"_s);
     save(u"settings-sync"_s, { Look::Light });
     m_screens.settings.setSection(u"system"_s);

@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
+#include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
 #include "Web/SessionStore.h"
 
@@ -53,8 +54,9 @@ protected:
     EngineWorld world;
     SessionStore session { world.home.paths(), world.keychain, world.defaults, world.desktop, world.clock };
     AccountStore accounts { world.home.paths().applicationSupport };
+    FakeLumo lumo;
     IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
-        world.home.paths() } };
+        world.home.paths(), lumo } };
     QAbstractItemModel* model = view.accounts();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };

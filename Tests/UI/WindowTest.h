@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Shell/Screens.h"
 #include "Support/EngineWorld.h"
+#include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
 #include "UI/MainWindow.h"
 #include "Web/SessionStore.h"
@@ -58,8 +59,9 @@ protected:
     Warnings warnings;
     AccountStore accounts { home.paths().applicationSupport };
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
+    FakeLumo lumo;
     Screens screens { Screens::Surroundings {
-        engines, accounts, session, keychain, defaults, centre, clock, desktop, microphone, home.paths() } };
+        engines, accounts, session, keychain, defaults, centre, clock, desktop, microphone, home.paths(), lumo } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

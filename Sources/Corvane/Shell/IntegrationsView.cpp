@@ -51,6 +51,7 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     , m_at(surroundings)
     , m_pairing(m_at.accounts, m_at.engine)
     , m_controlChat(m_at.engine.db())
+    , m_assistant(m_at.ai, m_at.defaults, m_at.engine.db(), m_at.scheduler)
     , m_sync(m_at.session, m_at.engine.db())
     , m_system(m_at.defaults, m_at.keychain, m_at.paths)
     , m_toolServer(m_at.engine)
@@ -72,7 +73,8 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
 QVariantList IntegrationsView::sections() const
 {
     return { named("accounts", QStringLiteral("Accounts")), named("approvals", QStringLiteral("Approvals")),
-        named("sync", QStringLiteral("Sync")), named("system", QStringLiteral("System")) };
+        named("assistant", QStringLiteral("Assistant")), named("sync", QStringLiteral("Sync")),
+        named("system", QStringLiteral("System")) };
 }
 
 void IntegrationsView::setSection(const QString& id)
@@ -100,18 +102,19 @@ void IntegrationsView::setVisible(bool visible)
     if (visible == m_visible)
         return;
     m_visible = visible;
+    readSection();
     Q_EMIT visibleChanged();
     if (!visible)
         return;
     refreshRows();
     m_sync.refresh();
-    readSection();
 }
 
 void IntegrationsView::readSection()
 {
     if (m_visible && m_section == QLatin1StringView("approvals"))
         m_controlChat.refresh();
+    m_assistant.setVisible(m_visible && m_section == QLatin1StringView("assistant"));
 }
 
 void IntegrationsView::perform(const QString& accountId, const QString& actionId)

@@ -3,6 +3,7 @@
 #include "Foundation/Coalescer.h"
 #include "Inbox/RowListModel.h"
 #include "Shell/AccountRow.h"
+#include "Shell/AssistantSettings.h"
 #include "Shell/ControlChatSettings.h"
 #include "Shell/PairingSheet.h"
 #include "Shell/SyncSettings.h"
@@ -34,6 +35,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(QVariantList connectFlows READ connectFlows CONSTANT)
     Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
+    Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
@@ -48,6 +50,7 @@ public:
         UserDefaults& defaults;
         Scheduler& scheduler;
         const AppPaths& paths;
+        AIServices& ai;
     };
 
     explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -61,6 +64,7 @@ public:
     QVariantList connectFlows() const;
     PairingSheet* pairing() { return &m_pairing; }
     ControlChatSettings* controlChat() { return &m_controlChat; }
+    AssistantSettings* assistant() { return &m_assistant; }
     SyncSettings* sync() { return &m_sync; }
     SystemSettings* system() { return &m_system; }
     ToolServerCard* toolServer() { return &m_toolServer; }
@@ -90,6 +94,7 @@ private:
     RowListModel<AccountRow> m_rows;
     PairingSheet m_pairing;
     ControlChatSettings m_controlChat;
+    AssistantSettings m_assistant;
     SyncSettings m_sync;
     SystemSettings m_system;
     ToolServerCard m_toolServer;

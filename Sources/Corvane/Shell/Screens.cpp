@@ -13,7 +13,7 @@ Screens::Screens(const Surroundings& at)
     , shell(at.notifications, at.defaults)
     , profile(at.session, shell, at.engine.db(), at.notifications)
     , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.paths })
-    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths })
+    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
 {
     const auto showUnread = [this, &engine = at.engine] {
         shell.hubs()->setUnreadTotal(engine.unreadTotal());
@@ -25,7 +25,7 @@ Screens::Screens(const Surroundings& at)
 
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.store(), app.session(), app.keychain(), app.defaults(),
-          app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.paths() })
+          app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.paths(), app.ai() })
 {
 }
 

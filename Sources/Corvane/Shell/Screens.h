@@ -12,6 +12,7 @@ namespace corvane {
 
 class CorvaneApp;
 class Desktop;
+struct AIServices;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
 /// that is closed and opened again shows what it showed.
@@ -29,6 +30,7 @@ public:
         Desktop& desktop;
         Microphone& microphone;
         const AppPaths& paths;
+        AIServices& ai;
     };
 
     explicit Screens(const Surroundings& at);

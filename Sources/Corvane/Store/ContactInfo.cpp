@@ -75,6 +75,17 @@ QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope)
         [](const SqlRow& row) { return MemoryEntry { row.text(0), row.text(1) }; });
 }
 
+QList<ScopedMemoryEntry> fetchAllMemoryEntries(LocalDB& db, int limit)
+{
+    if (!db.tableExists(memoryTable))
+        return {};
+    return db.rows(R"(SELECT m.id, m.scope, COALESCE(c.display_name,''), m.body
+FROM work_memory_entries m LEFT JOIN contact c ON c.id=substr(m.scope, 9) AND c.deleted_at IS NULL
+ORDER BY m.scope LIKE 'contact:%', c.display_name COLLATE NOCASE, m.scope, m.created_at LIMIT ?;)",
+        { limit },
+        [](const SqlRow& row) { return ScopedMemoryEntry { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+}
+
 std::optional<ForgottenMemory> forgetMemoryEntry(LocalDB& db, const QString& id)
 {
     if (!db.tableExists(memoryTable))

@@ -35,7 +35,7 @@ struct ActivityRow {
 /// Messages, notes and calls as one list, newest first.
 QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, int limit);
 
-/// A durable fact that agents keep about a scope: "owner", or "contact:{contact id}".
+/// A durable fact that agents keep about a scope: "business", "owner", or "contact:{contact id}".
 struct MemoryEntry {
     QString id;
     QString body;
@@ -45,6 +45,18 @@ struct MemoryEntry {
 
 /// Oldest first.
 QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope);
+
+struct ScopedMemoryEntry {
+    QString id;
+    QString scope;
+    QString contactName; ///< of a contact's scope
+    QString body;
+
+    bool operator==(const ScopedMemoryEntry&) const = default;
+};
+
+/// Of every scope: business, owner, then the contacts by name; oldest first within a scope.
+QList<ScopedMemoryEntry> fetchAllMemoryEntries(LocalDB& db, int limit);
 
 /// An entry as it is stored, so that one that was forgotten can be kept after all.
 struct ForgottenMemory {

@@ -6,6 +6,7 @@ Button {
     id: control
 
     default property alias items: menu.contentData
+    readonly property alias list: menu
     property bool chevron: true
 
     kind: "quiet"

@@ -21,6 +21,9 @@ Item {
         spacing: 3
         Label {
             width: parent.width
+            visible: text !== ""
+            wrapMode: Text.Wrap
+            maximumLineCount: 4
             text: row.label
         }
         Label {

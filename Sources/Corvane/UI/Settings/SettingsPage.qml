@@ -11,7 +11,8 @@ Page {
 
     signal leave
 
-    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, sync: sync, system: system })
+    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, sync: sync,
+        system: system })
     readonly property string label: settings.sections.find(section => section.id === settings.section)?.label ?? ""
 
     panes: [sections, cards]
@@ -77,6 +78,10 @@ Page {
     Component {
         id: waiting
         ApprovalsSection { settings: page.settings }
+    }
+    Component {
+        id: assistant
+        AssistantSection { assistant: page.settings.assistant }
     }
     Component {
         id: sync
