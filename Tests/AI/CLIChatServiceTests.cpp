@@ -109,6 +109,7 @@ TEST_F(Codex, everyOtherEndIsAFailureInWords)
         { "exec " + child + "errors 'repeat 10000000 e' 'exit 4'", "exit 4" },
         { "exec " + child + "'repeat 10000000 o' errors 'repeat 10000000 e' 'exit 5'", "exit 5" },
     };
+    LogCapture log;
     for (const Case& one : cases) {
         install(one.script);
         EXPECT_EQ(answerTo(), "Codex CLI draft failed: " + one.words) << qPrintable(one.script);
@@ -116,12 +117,16 @@ TEST_F(Codex, everyOtherEndIsAFailureInWords)
         for (const QString& folder : tmp.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
             tmp.rmdir(folder);
     }
-    LogCapture log;
+    install("exec " + child + "errors 'repeat 50000 ü' 'half no more credit' 'exit 6'");
+    answerTo();
+    EXPECT_TRUE(log.lines().last().startsWith("[CLIChatService] codex exec exit 6: üü"));
+    EXPECT_TRUE(log.lines().last().endsWith("üno more credit")) << "the end says why";
+    EXPECT_LT(log.lines().last().size(), 10'000);
     install("printf 'no credit \\342\\202\\254' >&2; exit 7");
     answerTo();
     install("printf 'broken \\377' >&2; exit 8");
     answerTo();
-    EXPECT_EQ(log.lines(),
+    EXPECT_EQ(log.lines().last(2),
         QStringList({ "[CLIChatService] codex exec exit 7: no credit €", "[CLIChatService] codex exec exit 8: " }));
 
     home.write(".npm-global/bin/codex", "#!/nonexistent/shell\n");

@@ -11,7 +11,7 @@ namespace corvane {
 /// How a tool ended.
 struct ToolEnd {
     int status = 0; ///< the exit status, or the number of the signal that ended it
-    QByteArray errors; ///< the first 64 KiB of what it wrote to standard error
+    QByteArray errors; ///< the last 16 KiB of what it wrote to standard error
 
     bool isSuccess() const { return status == 0; }
 };

@@ -18,7 +18,37 @@ namespace corvane {
 
 namespace {
 
-constexpr qsizetype errorsLimit = 64 * 1024;
+constexpr qsizetype errorsLimit = 16 * 1024;
+
+/// The end of what a tool wrote, where it says why it gave up, from the start of a character on.
+class Errors {
+public:
+    void append(QByteArrayView bytes)
+    {
+        m_bytes.append(bytes);
+        if (m_bytes.size() > 4 * errorsLimit)
+            cut();
+    }
+
+    QByteArray take()
+    {
+        if (m_bytes.size() > errorsLimit)
+            cut();
+        return std::move(m_bytes);
+    }
+
+private:
+    void cut()
+    {
+        m_bytes = m_bytes.last(errorsLimit);
+        const auto continues = [](char byte) {
+            return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+        };
+        m_bytes.remove(0, std::ranges::find_if_not(m_bytes, continues) - m_bytes.cbegin());
+    }
+
+    QByteArray m_bytes;
+};
 
 /// Reads what is there. Closes the descriptor where nothing can come any more.
 void drain(Descriptor& pipe, const std::function<void(QByteArrayView)>& use)
@@ -39,12 +69,10 @@ void drain(Descriptor& pipe, const std::function<void(QByteArrayView)>& use)
 /// Everything that happens on a tool's thread.
 ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
 {
-    QByteArray errors;
+    Errors errors;
     const auto readBoth = [&] {
         drain(tool.output, [](QByteArrayView) { });
-        drain(tool.errors, [&](QByteArrayView bytes) {
-            errors.append(bytes.first(std::min(bytes.size(), errorsLimit - errors.size())));
-        });
+        drain(tool.errors, [&](QByteArrayView bytes) { errors.append(bytes); });
     };
     // While its leader has not been reaped, the group's number belongs to nobody else.
     const auto killGroup = [&] {
@@ -66,7 +94,7 @@ ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
     }
     killGroup();
     readBoth();
-    return { std::abs(reapChild(*tool.handle)), errors };
+    return { std::abs(reapChild(*tool.handle)), errors.take() };
 }
 
 }
