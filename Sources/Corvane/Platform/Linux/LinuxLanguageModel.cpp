@@ -7,12 +7,14 @@
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <algorithm>
 
 namespace corvane {
 
 namespace {
 
-constexpr auto lookPeriod = std::chrono::seconds(30);
+constexpr Milliseconds lookPeriod = std::chrono::seconds(30);
+constexpr Milliseconds longestLookPeriod = std::chrono::minutes(2);
 constexpr HttpLimits lookLimits { std::chrono::seconds(2), 1024 * 1024 };
 // A large model on a small machine takes its time to read a long prompt; whoever waits can cancel.
 constexpr HttpLimits answerLimits { std::chrono::minutes(10), 4 * 1024 * 1024 };
@@ -33,15 +35,24 @@ LinuxLanguageModel::LinuxLanguageModel(Scheduler& scheduler, const QStringList& 
     : m_scheduler(scheduler)
     , m_usualServers(usualServers)
     , m_known { {}, {}, QStringLiteral("The model server has not answered yet.") }
-    , m_lookAgain(scheduler.every(lookPeriod, [this] { refresh(); }))
 {
     m_looks.setProxy(QNetworkProxy::NoProxy);
     m_answers.setProxy(QNetworkProxy::NoProxy);
+    lookAgainAfter(lookPeriod);
 }
 
 LinuxLanguageModel::~LinuxLanguageModel()
 {
     m_end.cancel();
+}
+
+/// Ever less often where there is nothing: another program at a usual port is not to be bothered for ever.
+void LinuxLanguageModel::lookAgainAfter(Milliseconds pause)
+{
+    m_lookAgain = m_scheduler.after(pause, [this, pause] {
+        refresh();
+        lookAgainAfter(m_known.server ? lookPeriod : std::min(pause * 2, longestLookPeriod));
+    });
 }
 
 void LinuxLanguageModel::choose(const Choice& choice)

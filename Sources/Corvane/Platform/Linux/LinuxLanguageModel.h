@@ -40,6 +40,7 @@ private:
     QCoro::Task<std::optional<Known>> lookAt(QUrl base);
     QCoro::Task<Result<HttpReply>> get(QUrl url);
     QCoro::Task<Result<QString>> ask(ModelQuestion question, CancelHandle cancel);
+    void lookAgainAfter(Milliseconds pause);
     QString model() const; ///< the chosen one, else the first
 
     Scheduler& m_scheduler;
