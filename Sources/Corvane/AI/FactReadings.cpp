@@ -116,8 +116,11 @@ QList<double> numberValues(const QString& digits)
     const double decimal = valueOf(digits, sign);
     if (digits.count(sign) > 1)
         return { valueOf(digits, u' ') };
-    // One sign before three digits is either.
-    return digits.size() - std::max(comma, point) == 4 ? QList { valueOf(digits, u' '), decimal } : QList { decimal };
+    // One sign before three digits is either, but nobody writes "1.000" for 1.
+    if (digits.size() - std::max(comma, point) != 4)
+        return { decimal };
+    const double grouped = valueOf(digits, u' ');
+    return digits.endsWith(QLatin1StringView("000")) ? QList { grouped } : QList { grouped, decimal };
 }
 
 std::optional<int> monthNumber(const QString& word)

@@ -234,7 +234,8 @@ std::optional<Fact> readNumberWord(const Match& match)
     return same(key(u'n', numberOfWord(match.captured()).value_or(0)));
 }
 
-/// In this order: what an earlier one has read, a later one does not see.
+/// In this order: what an earlier one has read, a later one does not see. Each begins where a word begins and takes
+/// nothing back, so that a flood of signs is read once.
 const QList<Pattern>& patterns()
 {
     static const QList<Pattern> all = [] {
@@ -242,14 +243,16 @@ const QList<Pattern>& patterns()
         const QString year = QStringLiteral("(?:,?\\s+(?:de\\s+)?((?:19|20)\\d\\d)\\b)?");
         const QString unit = QStringLiteral("€|US\\$|\\$|£|¥|EUR\\b|USD\\b|GBP\\b|CHF\\b");
         return QList<Pattern> {
-            { expression(QStringLiteral("[\\w.+-]+@([\\w-]+(?:\\.[\\w-]+)+)")), readMail },
+            { expression(QStringLiteral("(?<![\\w.+-])[\\w.+-]++@([\\w-]+(?:\\.[\\w-]+)+)")), readMail },
             { expression(
                   QStringLiteral("(?:https?://|www\\.)[^\\s<>\"'\u201C\u201D)\\]]*[^\\s<>\"'\u201C\u201D)\\].,;:!?]")),
                 readUrl },
-            { expression(QStringLiteral("\\b(?:[a-z0-9-]+\\.)+[a-z]{2,}/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?]")),
+            { expression(
+                  QStringLiteral("(?<![\\w.-])(?:[a-z0-9-]++\\.)+[a-z]{2,}/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?]")),
                 readUrl },
-            { expression(QStringLiteral("\\b(?:[a-z0-9-]+\\.)+(?:com|org|net|info|io|eu|de|fr|es|ch|nl|uk|biz|"
-                                        "app|dev|example|shop)\\b(?:/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?])?")),
+            { expression(
+                  QStringLiteral("(?<![\\w.-])(?:[a-z0-9-]++\\.)+(?:com|org|net|info|io|eu|de|fr|es|ch|nl|uk|biz|"
+                                 "app|dev|example|shop)\\b(?:/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?])?")),
                 readUrl },
             { expression(QStringLiteral("\\b(\\d{4})-(\\d\\d)-(\\d\\d)T(\\d\\d):(\\d\\d):\\d\\dZ")), readStamp },
             { expression(QStringLiteral("\\b(\\d{4})-(\\d\\d)-(\\d\\d)\\b")), readIsoDate },
@@ -276,7 +279,7 @@ const QList<Pattern>& patterns()
                 readTime },
             { expression(QStringLiteral("\\b(\\d{1,2})\\s?h\\s?(\\d\\d)\\b")), readTime },
             { expression(QStringLiteral("(?<![\\w+])(?:\\+|\\(?0)\\d[\\d\\s()/-]{5,}\\d\\b")), readPhone },
-            { expression(QStringLiteral("\\b\\p{L}+-?(\\d+)[\\w-]*")), readCode },
+            { expression(QStringLiteral("\\b\\p{L}++-?(\\d++)[\\w-]*")), readCode },
             { expression(
                   QStringLiteral("(?<clock>\\b(?:at|around|by|before|after|until|till|from|um|gegen|ab|bis|à)\\s+)?"
                                  "(?:(?<before>%1)\\s?)?"
@@ -296,7 +299,7 @@ const QList<Pattern>& patterns()
 /// The numbers of a list, and what is always open.
 void blankWhatIsNoFact(QString& text)
 {
-    static const QRegularExpression expression(QStringLiteral("(?:^|\\n)\\s*\\d{1,2}[.)](?=\\s)|\\b24/7\\b"));
+    static const QRegularExpression expression(QStringLiteral("(?:^|\\n)[ \\t]*\\d{1,2}[.)](?=\\s)|\\b24/7\\b"));
     for (const Match& match : expression.globalMatch(QString(text)))
         std::fill_n(text.begin() + match.capturedStart(), match.capturedLength(), u' ');
 }

@@ -70,8 +70,9 @@ Words wordsIn(const QString& text)
 
 bool isGerman(const Words& words)
 {
-    const auto known = std::ranges::count_if(words, [](const Word& word) { return isGermanFunctionWord(word.folded); });
-    return known * 8 > words.size();
+    const auto german = std::ranges::count_if(words, isGermanFunctionWord, &Word::folded);
+    const auto english = std::ranges::count_if(words, isEnglishFunctionWord, &Word::folded);
+    return german > english;
 }
 
 bool isKnown(const QString& word, const QSet<QString>& known)
@@ -132,12 +133,14 @@ private:
         return after && after->isCapitalised && !isOrdinaryWord(after->folded);
     }
 
-    /// The last words of a text, on a line of their own.
+    /// The last words of a text, on a line of their own or after "Regards,".
     bool isSignature(qsizetype at) const
     {
         const bool isLast = at + 1 == m_words.size()
             || (at + 2 == m_words.size() && m_words.last().followsDirectly && m_words.last().isCapitalised);
-        return isLast && at > 3 && m_words.at(at).beginsSentence;
+        const Word& word = m_words.at(at);
+        return isLast && at > 3
+            && (word.beginsSentence || (!word.followsDirectly && isClosing(m_words.at(at - 1).folded)));
     }
 
     bool isGermanName(qsizetype at, const Word* before) const

@@ -50,12 +50,19 @@ bool isOrdinaryWord(const QString& foldedWord)
         eta eod iban bic gmbh n.b nb i.e e.g q&a usb sms crm api tv wi-fi wifi internet mr mrs ms english
         delivery shipment order refund money people everybody half part parts work works time date details budget contract
         lunch dinner breakfast coffee drinks weekend week month year days traffic weather quality access support team
+        deposit table rent rental entry price prices cost costs total balance tax fee fees postage packing room rooms seats
+        tickets ticket menu food wine parking transport travel freight customs stock supply demand interest feedback help
+        advice proof evidence results data files slides photos pictures notes minutes agenda schedule slot slots dates
+        everyone dates space storage power water heat heating gas oil staff people kids children guests friends family
+        spring summer autumn winter life love luck nobody progress business sales marketing design print paper colour color
+        size length width weight height speed sound light music version number numbers address phone email mail e-mail
+        contract offer quote proposal order orders item items goods material materials samples sample product products)
         ab aber abends ach alle allerdings alles als also am an andernfalls anbei anders auch auf aus ausserdem bei beide
         beim besten bezüglich bis bitte da dabei dadurch dafür daher damit danach danke dann daran darauf darüber darum das
         dass davon dazu dein deine dem den denn dennoch der des deshalb dessen dich die dies diese diesen dieser dieses dir
         doch dort du dürfen ebenso eigentlich ein eine einen einer eines einfach einige einverstanden endlich entschuldige
         entschuldigen entschuldigung entweder er es etwas euch euer eure falls fast freundliche ganz gegen geht gemeinsam
-        genau gern gerne gestern gibt gleich gruss grüsse gut gute guten guter habe haben hallo hast hat hätte hätten heute
+        genau gern gerne gestern gibt gleich gruss grüsse gut gute guten guter habe haben hallo hast hat hätte hätten herzliche herzlichen heute
         hier hiermit hoffentlich ich ihm ihn ihnen ihr ihre ihrem ihren ihrer im immer in inzwischen irgendwann ist ja
         jede jeden jeder jederzeit jetzt kann kannst kein keine klar können könnte könnten lass lassen leider lg liebe
         lieben lieber liebes mache machen man manche mehr mein meine meinen meiner melde meldet mfg mich mir mit
@@ -157,13 +164,30 @@ bool isVerbAfterName(const QString& foldedWord)
     return list.contains(foldedWord);
 }
 
+bool isClosing(const QString& foldedWord)
+{
+    static const QSet<QString> list
+        = words("regards best cheers thanks thank you love sincerely yours wishes greetings "
+                "gruß grüße grüßen lg vg mfg dank danke cordialement amicalement bises saludos "
+                "gracias saluti grazie abrazo");
+    return list.contains(foldedWord);
+}
+
 bool isGermanFunctionWord(const QString& foldedWord)
 {
-    static const QSet<QString> list = words(
-        "der die das und ich ist nicht wir sie ihr ihnen ihre mit für auf dass zu den dem ein eine einen bei uns mir "
-        "dir dich mich noch auch gerne bitte danke vielen dank hallo liebe lieber grüße können werden haben "
-        "habe kann guten sehr geehrte geehrter frau herr morgen kommt wird sind oder aber um von vom zum zur "
-        "uhr klar dann bis schon früh leider");
+    static const QSet<QString> list = words(R"(
+        der die das und ich ist nicht wir sie ihr ihnen ihre mit für auf dass zu den dem ein eine einen bei uns mir dir
+        dich mich euch noch auch gern gerne bitte danke dank vielen hallo moin liebe lieber können werden haben habe kann
+        guten sehr geehrte geehrter frau herr morgen kommt wird sind seid oder aber um von vom zum zur uhr klar dann bis
+        schon früh leider wenn falls ab passt ja nein es du er so nur mal wie was welchen dazu damit nach gruß grüße)");
+    return list.contains(foldedWord);
+}
+
+bool isEnglishFunctionWord(const QString& foldedWord)
+{
+    static const QSet<QString> list = words(R"(
+        the and to of is are you we i it for with will at on in your our be can have has that this as or but not if us me
+        my from by would could should please thanks do does did was were been a an about let's i'll)");
     return list.contains(foldedWord);
 }
 

@@ -16,6 +16,8 @@ bool isTitle(const QString& foldedWord); ///< "Mr", "Frau", "Dr", "Firma"
 bool isGreeting(const QString& foldedWord); ///< "Hi", "Liebe"
 bool isGermanNameSign(const QString& foldedWord); ///< "mit", "von", "dass": before a bare noun, it is likely a name
 bool isVerbAfterName(const QString& foldedWord); ///< "will", "said", "schickt"
-bool isGermanFunctionWord(const QString& foldedWord); ///< tells that a text is German
+bool isClosing(const QString& foldedWord); ///< "Regards", "Grüße": before a comma and the writer's name
+bool isGermanFunctionWord(const QString& foldedWord); ///< "und": tells a German text from an English one
+bool isEnglishFunctionWord(const QString& foldedWord);
 
 }

@@ -2,11 +2,18 @@
 
 #include "AI/FactScanner.h"
 #include "AI/NameFinder.h"
+#include "Foundation/Text.h"
 
 #include <QMap>
 #include <algorithm>
 
 namespace corvane {
+
+namespace {
+
+constexpr int readableLength = 20'000; // nobody compares a longer draft by eye
+
+}
 
 QStringList ungroundedFacts(const QString& draft, const QString& context)
 {
@@ -15,7 +22,7 @@ QStringList ungroundedFacts(const QString& draft, const QString& context)
         stated.unite(QSet<QString>(fact.states.begin(), fact.states.end()));
 
     QMap<qsizetype, QString> found;
-    const ScannedText scanned = scanFacts(draft);
+    const ScannedText scanned = scanFacts(firstCharacters(draft, readableLength));
     for (const Fact& fact : scanned.facts) {
         if (std::ranges::none_of(fact.needs, [&](const QString& key) { return stated.contains(key); }))
             found.insert(fact.start, fact.text);
