@@ -46,6 +46,27 @@ TEST_F(DraftDeliveryTest, onlyAnApprovedDraftReachesTheEngine)
     EXPECT_EQ(draft(approved), u"sending"_s);
 }
 
+TEST_F(DraftDeliveryTest, whatAnotherProgramWritesIsTakenUpAtTheNextTick)
+{
+    startShop();
+    const QString id = queue(shop, u"hello"_s, u"pending"_s);
+    world.engines.startDraftWatch();
+    tick();
+    const qint64 revision = world.engines.inboxRevision();
+    markDraft(world.engines.db(), id, u"failed"_s);
+    tick();
+    EXPECT_EQ(world.engines.inboxRevision(), revision) << "what this program writes shows by itself";
+
+    const auto other = world.openDatabase(world.clock);
+    markDraft(*other, id, u"approved"_s);
+    EXPECT_EQ(engine().commands().size(), 0);
+    tick();
+    EXPECT_EQ(engine().commands().size(), 1);
+    EXPECT_EQ(world.engines.inboxRevision(), revision + 1);
+    tick();
+    EXPECT_EQ(world.engines.inboxRevision(), revision + 1);
+}
+
 TEST_F(DraftDeliveryTest, anEngineThatNeverAcknowledgesFailsTheDraftAfterTwoMinutes)
 {
     startShop();

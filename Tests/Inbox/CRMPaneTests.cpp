@@ -1,6 +1,7 @@
 #include "InboxViewTest.h"
 #include "Store/ContactInfo.h"
 #include "Store/CrmRecords.h"
+#include "Store/IdentityQueries.h"
 #include "Store/IngestQueries.h"
 #include "Store/ThreadQueries.h"
 
@@ -200,17 +201,46 @@ TEST_F(CRMPaneTest, twoContactsBecomeOnePersonAndTwoAgain)
     EXPECT_EQ(pane.errorText(), "Couldn't save it, try again.");
 }
 
-TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainCanStillBeTakenApart)
+TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainStaysOnePersonUntilTheyAreTakenApart)
 {
     meetNamesake();
     pane.mergeWith(namesake);
-    storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // an engine's message gives the conversation back
+    storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // gives the conversation back to its own contact
     inbox.reload();
-    inbox.select(namesake);
-    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz")) << "as their thread is the other's";
+    EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
+    EXPECT_EQ(bodies().last(), "from my other phone");
+    inbox.select({});
+    inbox.select(namesake); // as a banner does
+    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.merges()->rowCount(), 0);
-    EXPECT_EQ(effectiveContactId(engines.db(), namesake), namesake);
+    EXPECT_EQ(names().size(), 3);
+}
+
+TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
+{
+    meetNamesake();
+    engines.startDraftWatch();
+    inbox.select(namesake);
+    inbox.composer()->setText("half a sentence");
+    inbox.composer()->startVoice();
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 1;
+    const auto other = openDatabase(clock);
+    const auto merge = mergeContacts(*other, ana, namesake, "name");
+    ASSERT_TRUE(merge);
+    clock.advance(seconds(5));
+    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(bodies().size(), 3) << "a day, and a message of each";
+    EXPECT_EQ(inbox.composer()->text(), "half a sentence");
+    EXPECT_TRUE(inbox.composer()->showsVoice());
+    EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
+    ASSERT_TRUE(unmergeContacts(*other, *merge));
+    clock.advance(seconds(5));
+    EXPECT_EQ(names().size(), 3);
+    EXPECT_EQ(pane.merges()->rowCount(), 0);
+    inbox.composer()->voice()->cancel();
 }
 
 TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)

@@ -85,6 +85,17 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     engines.stop(account);
     composer.send();
     EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected");
+    launcher.expect(FakeLauncher::stays());
+    engines.start(account);
+    for (const QJsonObject& signedOut : { QJsonObject { { "type", "qr" }, { "qr", "code" } },
+             QJsonObject { { "type", "status" }, { "state", "logged_out" } } }) {
+        composer.dismissError();
+        engine().printEvent(signedOut);
+        settle();
+        composer.send();
+        EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected") << "it could only drop the message";
+    }
+    engines.stop(account);
     EXPECT_EQ(composer.text(), "hello");
     EXPECT_FALSE(defaults.text("nimb.replyPlatform." + ana)) << "only a send is remembered";
     inbox.select(ben);

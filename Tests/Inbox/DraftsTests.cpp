@@ -168,6 +168,20 @@ TEST_F(DraftsTest, aMessageToANewPersonWaitsForApproval)
     EXPECT_EQ(commands("send").size(), 1);
 }
 
+TEST_F(DraftsTest, aDraftOutlivesItsConversationAndSomebodyKnownKeepsTheirName)
+{
+    const QString id = queue("hello");
+    engines.db().exec("UPDATE unified_conversation SET deleted_at=1;");
+    clock.advance(seconds(4));
+    EXPECT_EQ(shown("title"), "AI wants to send to Ana Ruiz · WHATSAPP");
+    drafts.approve(id);
+    EXPECT_EQ(commands("send").size(), 1);
+    EXPECT_FALSE(inbox.composeNew(account, "49171", "again")) << "a deleted conversation takes no draft";
+    engines.db().exec("UPDATE unified_conversation SET deleted_at=NULL;");
+    EXPECT_TRUE(inbox.composeNew(account, "+49 171", "again"));
+    EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+}
+
 TEST_F(DraftsTest, whatCannotBeQueuedStaysInTheSheet)
 {
     ComposeSheet& sheet = *inbox.composeSheet();

@@ -151,7 +151,7 @@ TEST_F(InboxViewTest, aBannerOfAMessageOpensItsPersonWhereverTheListStands)
     centre.post(notifications::openConversation, ana);
     EXPECT_EQ(inbox.selectedId(), ana);
     EXPECT_EQ(bodies().last(), "hello");
-    EXPECT_EQ(inbox.selected().name, "+49171") << "a row that is not listed is named by its address";
+    EXPECT_EQ(inbox.selected().name, "Ana Ruiz") << "who is not listed is called by the name that they have";
     inbox.setFilterWord("all");
     EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
     centre.post(notifications::openConversation, QString());

@@ -29,7 +29,11 @@ DraftDelivery::DraftDelivery(EngineManager& engines, Scheduler& scheduler)
 void DraftDelivery::startWatch()
 {
     refresh();
-    m_timer = m_scheduler.every(watchPeriod, [this] { refresh(); });
+    m_timer = m_scheduler.every(watchPeriod, [this] {
+        refresh();
+        if (m_engines.db().changedElsewhere())
+            m_engines.bump();
+    });
 }
 
 void DraftDelivery::refresh()

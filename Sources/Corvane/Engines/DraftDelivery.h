@@ -16,7 +16,9 @@ public:
     /// to the person who approved it.
     DraftDelivery(EngineManager& engines, Scheduler& scheduler);
 
-    void startWatch(); ///< at once and every 4 seconds; a second call starts no second timer
+    /// At once and every 4 seconds; a second call starts no second timer. What other programs wrote to the database
+    /// shows at the next tick, too.
+    void startWatch();
     void refresh();
     const QList<PendingDraft>& pending() const { return m_pending; }
 

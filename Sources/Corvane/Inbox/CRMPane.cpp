@@ -33,7 +33,10 @@ CRMPane::CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_db(db)
     , m_scheduler(scheduler)
-    , m_crmSoon(scheduler, refreshPeriod, [this] { reloadCRM(); })
+    , m_crmSoon(scheduler, refreshPeriod, [this] {
+        reloadMerges();
+        reloadCRM();
+    })
 {
 }
 

@@ -58,6 +58,20 @@ QString recipientLabel(Channel channel)
     }
 }
 
+QString recipientExample(Channel channel)
+{
+    switch (channel) {
+    case Channel::Email:
+        return QStringLiteral("name@example.com");
+    case Channel::WhatsApp:
+    case Channel::Sms:
+    case Channel::IMessage:
+        return QStringLiteral("+34 600 000 000");
+    default:
+        return {};
+    }
+}
+
 QString recipientAddress(Channel channel, const QString& recipient)
 {
     return channel == Channel::WhatsApp ? digitsOf(recipient) + QStringLiteral("@s.whatsapp.net") : recipient.trimmed();
@@ -81,8 +95,9 @@ QVariantList ComposeSheet::accounts() const
     QVariantList choices;
     for (const Account& each : m_accounts.accounts()) {
         const QString channel = channelRaw(each.channel());
+        const QString word = channelLabel(channel);
         choices.append(QVariantMap { { QStringLiteral("key"), each.id.toString() },
-            { QStringLiteral("label"), QStringLiteral("%1 · %2").arg(each.name, channelLabel(channel)) },
+            { QStringLiteral("label"), each.name == word ? word : QStringLiteral("%1 · %2").arg(each.name, word) },
             { QStringLiteral("channel"), channel } });
     }
     return choices;
@@ -116,6 +131,12 @@ QString ComposeSheet::label() const
 {
     const auto picked = account();
     return corvane::recipientLabel(picked ? picked->channel() : Channel::WhatsApp);
+}
+
+QString ComposeSheet::example() const
+{
+    const auto picked = account();
+    return picked ? corvane::recipientExample(picked->channel()) : QString();
 }
 
 void ComposeSheet::setRecipient(const QString& recipient)

@@ -16,6 +16,9 @@ bool recipientValid(Channel channel, const QString& recipient);
 /// What the recipient of a channel is called.
 QString recipientLabel(Channel channel);
 
+/// What one looks like; empty where that is the channel's to say.
+QString recipientExample(Channel channel);
+
 /// The recipient as the channel's conversations name it: a WhatsApp number becomes its address.
 QString recipientAddress(Channel channel, const QString& recipient);
 
@@ -31,6 +34,7 @@ class ComposeSheet : public QObject {
     Q_PROPERTY(QVariantList accounts READ accounts NOTIFY changed) ///< of {key, label, channel}
     Q_PROPERTY(QString accountId READ accountId WRITE setAccountId NOTIFY changed)
     Q_PROPERTY(QString recipientLabel READ label NOTIFY changed)
+    Q_PROPERTY(QString recipientExample READ example NOTIFY changed)
     Q_PROPERTY(QString recipient READ recipient WRITE setRecipient NOTIFY changed)
     Q_PROPERTY(bool recipientValid READ hasValidRecipient NOTIFY changed)
     Q_PROPERTY(QString message READ message WRITE setMessage NOTIFY changed)
@@ -52,6 +56,7 @@ public:
     QString accountId() const;
     void setAccountId(const QString& id); ///< an unknown id changes nothing
     QString label() const;
+    QString example() const;
     const QString& recipient() const { return m_recipient; }
     void setRecipient(const QString& recipient);
     bool hasValidRecipient() const;

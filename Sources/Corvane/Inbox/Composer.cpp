@@ -3,11 +3,21 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Inbox/ReplyRouting.h"
-#include "Store/ThreadQueries.h"
+#include "Store/IdentityQueries.h"
 
 #include <QDir>
 
 namespace corvane {
+
+namespace {
+
+/// An engine that waits for its code to be scanned, or was signed out, takes a line and can only drop it.
+bool waitsForSignIn(WAStatus status)
+{
+    return status == WAStatus::NeedsQR || status == WAStatus::LoggedOut;
+}
+
+}
 
 Composer::Composer(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
@@ -32,8 +42,8 @@ void Composer::open(const ContactRow& contact)
     m_contact = contact;
     if (!samePerson || !contact.platforms.contains(m_replyPlatform))
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
+    gatherMerged();
     if (!samePerson) {
-        gatherMerged();
         forgetUndo();
         setSendError({});
         m_voice.dismissNotice();
@@ -41,8 +51,12 @@ void Composer::open(const ContactRow& contact)
     Q_EMIT contactChanged();
     Q_EMIT replyPlatformChanged();
     Q_EMIT voiceShown();
-    if (!samePerson)
-        Q_EMIT textChanged();
+    Q_EMIT textChanged();
+}
+
+bool Composer::showsVoice() const
+{
+    return !m_voice.idle() && personBehind(m_engine.db(), m_voice.contactId()) == m_contact.id;
 }
 
 void Composer::setText(const QString& text)
@@ -58,7 +72,7 @@ void Composer::gatherMerged()
     if (m_contact.id.isEmpty())
         return;
     for (const QString& id : m_texts.contactIds()) {
-        if (id == m_contact.id || effectiveContactId(m_engine.db(), id) != m_contact.id)
+        if (id == m_contact.id || personBehind(m_engine.db(), id) != m_contact.id)
             continue;
         const QString theirs = m_texts.text(id);
         m_texts.setText(m_contact.id, text().isEmpty() ? theirs : text() + QStringLiteral("\n\n") + theirs);
@@ -163,7 +177,7 @@ bool Composer::sendThrough(const std::function<bool(const Account& account, cons
         return false;
     }
     const auto account = m_accounts.findBySlug(target->account);
-    if (!account || !say(*account, target->chatId)) {
+    if (!account || waitsForSignIn(m_engine.runtime(account->id).status) || !say(*account, target->chatId)) {
         setSendError(QStringLiteral("Account %1 is not connected").arg(target->account));
         return false;
     }

@@ -60,7 +60,7 @@ public:
     QString placeholder() const;
     const QString& sendError() const { return m_sendError; }
     VoiceRecorder* voice() { return &m_voice; }
-    bool showsVoice() const { return !m_voice.idle() && m_voice.contactId() == m_contact.id; }
+    bool showsVoice() const;
 
     /// Puts a prepared text into the field: after what is there, with a blank line between, or in its place.
     void apply(const QString& text, Placement placement);

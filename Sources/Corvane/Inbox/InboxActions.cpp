@@ -5,9 +5,10 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
+#include "Inbox/WAName.h"
+#include "Store/IdentityQueries.h"
 #include "Store/IngestQueries.h"
 #include "Store/OutboundQueries.h"
-#include "Store/ThreadQueries.h"
 
 #include <algorithm>
 
@@ -40,15 +41,16 @@ void InboxView::select(const QString& contactId)
         present();
         return;
     }
-    if (const ContactRow* row = find(contactId)) {
+    const QString person = personBehind(db(), contactId);
+    if (const ContactRow* row = find(person)) {
         openContact(*row);
         return;
     }
     // Not in the list, as it is filtered or beyond its end: the id tells what a row would.
     ContactRow row;
-    row.id = contactId;
-    row.name = contactId.section(u':', 2);
-    row.platforms = QStringList { contactId.section(u':', 1, 1) };
+    row.id = person;
+    row.name = contactExists(db(), person) ? displayName(db(), person) : person.section(u':', 2);
+    row.platforms = QStringList { person.section(u':', 1, 1) };
     openContact(row);
 }
 
@@ -126,14 +128,18 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
 {
     const QString channel = channelRaw(account.channel());
     const QString address = recipientAddress(account.channel(), recipient);
-    const QString conversation
-        = ensureConversation(db(), channel, account.slug, address, std::nullopt, m_scheduler.nowMs());
+    const QString contact = contactId(channel, address);
+    // Without a title they would be called by the bare address, even if they are known by name.
+    const QString name = contactExists(db(), contact) ? displayName(db(), contact)
+        : account.channel() == Channel::WhatsApp      ? WAName::pretty(address)
+                                                      : address;
+    const QString conversation = ensureConversation(db(), channel, account.slug, address, name, m_scheduler.nowMs());
     if (!queueDraft(db(), conversation, text, QStringLiteral("compose")))
         return false;
     m_engine.refreshDrafts();
     m_engine.bump();
     reload();
-    select(effectiveContactId(db(), contactId(channel, address)));
+    select(contact);
     return true;
 }
 

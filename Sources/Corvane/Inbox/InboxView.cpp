@@ -5,6 +5,7 @@
 #include "Inbox/DateWords.h"
 #include "Inbox/InboxWords.h"
 #include "Platform/AppPaths.h"
+#include "Store/IdentityQueries.h"
 #include "Store/Workspaces.h"
 
 #include <algorithm>
@@ -212,6 +213,7 @@ void InboxView::reload()
     m_searchDebounce.reset();
     m_state.search = m_search;
     const QString query = m_state.query();
+    repeatMerges(db());
     const QList<ContactRow> all = fetchContacts(db(), m_state.filter, {}, contactLimit);
     m_contacts = query.isEmpty() ? all : matching(all, query);
     m_hits.find(query);
@@ -222,6 +224,11 @@ void InboxView::reload()
     m_avatars.requestMissing(m_contacts);
     m_webMirror.refresh(db());
     if (!m_selectedId.isEmpty()) {
+        // Merged into somebody else meanwhile, maybe by another program: their thread is the other's.
+        if (const QString person = personBehind(db(), m_selectedId); person != m_selectedId) {
+            select(person);
+            return;
+        }
         if (const ContactRow* row = find(m_selectedId))
             m_selectedRow = *row;
         if (m_onScreen && m_selectedRow.unread > 0)

@@ -2,12 +2,48 @@
 
 #include "Foundation/Ids.h"
 #include "Foundation/Log.h"
+#include "Store/ThreadQueries.h"
 #include "Store/Workspaces.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 
 namespace corvane {
+
+namespace {
+
+/// From the contact to the one at the end of its live merges; empty where there is no such end.
+QStringList mergeChain(LocalDB& db, const QString& contact)
+{
+    QStringList chain { contact };
+    for (;;) {
+        const QString next = effectiveContactId(db, chain.last());
+        if (next == chain.last())
+            return chain;
+        if (chain.contains(next))
+            return {};
+        chain.append(next);
+    }
+}
+
+/// Notes the conversation in the live merge of its contact, unless it stands there.
+bool recordInMerge(LocalDB& db, const QString& merged, const QString& conversation)
+{
+    const auto merge = db.firstRow(
+        "SELECT id, conv_ids_json FROM contact_merge WHERE merged_contact_id=? AND undone_at IS NULL LIMIT 1;",
+        { merged }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
+    const QJsonDocument recorded = merge ? QJsonDocument::fromJson(merge->second.toUtf8()) : QJsonDocument();
+    if (!recorded.isArray())
+        return false;
+    QJsonArray conversations = recorded.array();
+    if (conversations.contains(conversation))
+        return true;
+    conversations.append(conversation);
+    return db.run("UPDATE contact_merge SET conv_ids_json=? WHERE id=?;",
+        { QString::fromUtf8(QJsonDocument(conversations).toJson(QJsonDocument::Compact)), merge->first });
+}
+
+}
 
 std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const QString& merged, const QString& signal)
 {
@@ -51,6 +87,32 @@ bool unmergeContacts(LocalDB& db, const QString& mergeId)
             = db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { *merged, conversation.toString() })
             && returned;
     return returned && db.run("UPDATE contact_merge SET undone_at=? WHERE id=?;", { db.nowMs(), mergeId });
+}
+
+void repeatMerges(LocalDB& db)
+{
+    struct Returned {
+        QString conversation;
+        QString contact;
+    };
+    const auto returned = db.rows(R"(SELECT DISTINCT c.id, c.contact_id
+FROM contact_merge m JOIN unified_conversation c ON c.contact_id=m.merged_contact_id
+WHERE m.undone_at IS NULL AND c.deleted_at IS NULL;)",
+        {}, [](const SqlRow& row) { return Returned { row.text(0), row.text(1) }; });
+    for (const auto& [conversation, contact] : returned) {
+        const QStringList chain = mergeChain(db, contact);
+        for (qsizetype step = 1; step < chain.size(); ++step) {
+            if (!recordInMerge(db, chain.at(step - 1), conversation))
+                break;
+            db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { chain.at(step), conversation });
+        }
+    }
+}
+
+QString personBehind(LocalDB& db, const QString& id)
+{
+    const QStringList chain = mergeChain(db, id);
+    return chain.isEmpty() ? id : chain.last();
 }
 
 QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary)

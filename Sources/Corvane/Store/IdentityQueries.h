@@ -47,6 +47,13 @@ std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const 
 /// Gives the recorded conversations back, and no others. False where no live merge of that id is on record.
 bool unmergeContacts(LocalDB& db, const QString& mergeId);
 
+/// A new message gives its conversation back to its own contact, whose thread a live merge hides. Repeats such merges,
+/// recording what moves so that an unmerge returns it. Merges that lead in a circle are left as they are.
+void repeatMerges(LocalDB& db);
+
+/// The contact at the end of the id's live merges; the id itself where they lead in a circle.
+QString personBehind(LocalDB& db, const QString& id);
+
 /// The live merges into a contact, newest first.
 QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary);
 

@@ -61,6 +61,13 @@ bool LocalDB::isHeldElsewhere()
     return code == SQLITE_BUSY;
 }
 
+bool LocalDB::changedElsewhere()
+{
+    const auto version = scalar(QStringLiteral("PRAGMA data_version;"));
+    const auto before = std::exchange(m_version, version);
+    return before && version && *before != *version;
+}
+
 QString LocalDB::errorMessage() const
 {
     return QString::fromUtf8(m_db ? sqlite3_errmsg(m_db) : "the database is not open");

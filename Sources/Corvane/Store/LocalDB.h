@@ -31,6 +31,9 @@ public:
     /// fail. Waits a frame at most.
     bool isHeldElsewhere();
 
+    /// Whether another connection, of this program or another, changed the file since this was last asked.
+    bool changedElsewhere();
+
     /// A script of one or more statements; a failure is only logged.
     void exec(const QString& sql);
 
@@ -59,6 +62,7 @@ private:
     Scheduler& m_scheduler;
     UserDefaults& m_defaults;
     NotificationCentre& m_notifications;
+    std::optional<QString> m_version; ///< of the file, as far as other connections changed it
 };
 
 /// A JSON array of the texts; "[]" where it cannot be made.
