@@ -7,6 +7,7 @@ T.Button {
     id: control
 
     property bool removable: false
+    property bool chevron: false ///< it opens a menu
     property string mark ///< a channel whose mark stands before the word
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
@@ -34,6 +35,13 @@ T.Button {
             text: control.text
             font.pixelSize: Theme.meta
             color: control.checked || control.removable ? Theme.accent : Theme.soft
+        }
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: control.chevron
+            name: "go-down"
+            size: 12
+            color: label.color
         }
         Icon {
             anchors.verticalCenter: parent.verticalCenter

@@ -7,6 +7,7 @@ Column {
     id: line
 
     required property QtObject drafts
+    required property int index
     required property string id
     required property string title
     required property string body
@@ -22,8 +23,13 @@ Column {
     property bool editing: false
 
     signal toggled
+    signal decided ///< told before it is done, as the line may go with it
 
     onOpenChanged: editing = false
+
+    function focusHead() {
+        head.forceActiveFocus(Qt.TabFocusReason);
+    }
 
     /// The keyboard stays in the line when the buttons under it change.
     function focusOn(button: Item) {
@@ -38,8 +44,8 @@ Column {
         objectName: "draft.line"
         width: line.width
         height: 40
-        enabled: line.canDecide
-        hoverEnabled: true
+        focus: line.index === 0
+        hoverEnabled: line.canDecide
         focusPolicy: Qt.StrongFocus
         text: line.title
         Accessible.role: Accessible.Button
@@ -47,13 +53,15 @@ Column {
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: {
+            if (!line.canDecide)
+                return;
             if (line.asking)
                 line.drafts.cancelConfirm();
             line.toggled();
         }
 
         background: Rectangle {
-            color: head.hovered && head.enabled ? Theme.raised : Theme.none
+            color: head.hovered ? Theme.raised : Theme.none
             FocusRing { control: head; anchors.margins: 2 }
         }
         contentItem: Item {
@@ -68,7 +76,7 @@ Column {
                 anchors.left: mark.right
                 anchors.leftMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, parent.width * 0.55)
+                width: Math.min(implicitWidth, line.open ? state.x - x - Theme.small : parent.width * 0.55)
                 text: line.title
                 font.weight: Theme.strong
             }
@@ -78,6 +86,7 @@ Column {
                 anchors.right: state.left
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
+                visible: !line.open
                 text: line.body.replace(/\s+/g, " ")
                 color: Theme.soft
             }
@@ -156,13 +165,17 @@ Column {
                         words.text = line.body;
                         line.editing = true;
                         words.forceActiveFocus(Qt.TabFocusReason);
+                        words.moveToEnd();
                     }
                 }
                 Button {
                     objectName: "draft.discard"
                     kind: "danger"
                     text: qsTr("Discard")
-                    onClicked: line.drafts.reject(line.id)
+                    onClicked: {
+                        line.decided();
+                        line.drafts.reject(line.id);
+                    }
                 }
             }
             Row {
@@ -179,7 +192,10 @@ Column {
                     objectName: "draft.send"
                     kind: "primary"
                     text: qsTr("Send")
-                    onClicked: line.drafts.approve(line.id)
+                    onClicked: {
+                        line.decided();
+                        line.drafts.approve(line.id);
+                    }
                 }
                 Button {
                     kind: "quiet"

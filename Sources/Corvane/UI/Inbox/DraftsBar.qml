@@ -9,6 +9,20 @@ FocusScope {
     required property QtObject drafts ///< the view model
     property string openId ///< whose text shows
 
+    signal emptied ///< the keys were here, and nothing is left to decide
+
+    /// After a decision: to the next draft that waits for one.
+    function goOn() {
+        for (let i = 0; i < lines.count; ++i) {
+            const line = lines.itemAt(i);
+            if (line.canDecide) {
+                line.focusHead();
+                return;
+            }
+        }
+        emptied();
+    }
+
     implicitHeight: visible ? Math.min(content.implicitHeight, 320) : 0
     visible: drafts.count > 0 || drafts.notice !== ""
     Accessible.role: Accessible.Pane
@@ -46,12 +60,14 @@ FocusScope {
                 }
             }
             Repeater {
+                id: lines
                 model: bar.drafts.rows
                 DraftLine {
                     width: content.width
                     drafts: bar.drafts
                     open: canDecide && (bar.openId === id || asking)
                     onToggled: bar.openId = open ? "" : id
+                    onDecided: Qt.callLater(bar.goOn)
                 }
             }
         }

@@ -113,6 +113,7 @@ Page {
         anchors.right: thread.right
         height: implicitHeight
         drafts: page.inbox.drafts
+        onEmptied: (page.open ? thread : list).forceActiveFocus(Qt.OtherFocusReason)
     }
     ThreadPane {
         id: thread

@@ -55,6 +55,7 @@ Sheet {
         width: parent.width
         visible: sheet.compose.emptyText === ""
         label: sheet.compose.recipientLabel
+        placeholderText: sheet.compose.recipientExample
         onTextEdited: sheet.compose.recipient = text
         onAccepted: message.forceActiveFocus(Qt.TabFocusReason)
     }

@@ -14,12 +14,15 @@ Chip {
     mark: composer.replyPlatform
     text: composer.replyPlatformLabel
     enabled: hasChoice
+    chevron: hasChoice
     Accessible.role: Accessible.ButtonMenu
     Accessible.name: qsTr("Reply on %1").arg(text)
-    onClicked: choices.popup(chip, 0, -choices.implicitHeight - Theme.tight)
+    onClicked: choices.open()
 
     Menu {
         id: choices
+        y: -height - Theme.tight
+        onOpened: currentIndex = chip.composer.replyPlatforms.findIndex(each => each.key === chip.composer.replyPlatform)
         Instantiator {
             model: chip.composer.replyPlatforms
             delegate: MenuItem {

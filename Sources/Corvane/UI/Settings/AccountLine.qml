@@ -22,7 +22,7 @@ Item {
     readonly property color tone: kind === "good" ? Theme.good : kind === "bad" ? Theme.bad : kind === "warn" ? Theme.warn : Theme.soft
     // The first action stands as a button; the others wait in a menu.
     readonly property var first: actions.find(action => !action.destructive && !action.confirmation) ?? null
-    readonly property var others: actions.filter(action => action !== first)
+    readonly property var others: actions.filter(action => action.id !== first?.id)
 
     signal acted(var action)
 
