@@ -1,11 +1,11 @@
 #include "EngineTest.h"
 
-#include "Engines/EngineSpec.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Store/IngestQueries.h"
 #include "Store/OutboundQueries.h"
 #include "Support/Await.h"
+#include "Support/EnginesNode.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -198,10 +198,7 @@ TEST_F(RealEngines, aNodeThatCannotRunIsToldInTheSystemsWords)
 TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
 {
     restoreNode();
-    const QString node = nodePath(QStringLiteral(CORVANE_SOURCE "/mac/engine"));
-    if (!node.contains(u"node_modules"))
-        GTEST_SKIP() << "the set-up has put no Node under mac/engine";
-    useNode(node);
+    useNode(enginesNode());
     QFile page(QStringLiteral(CORVANE_SOURCE "/docs/engine-protocol.md"));
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
     const QByteArray text = page.readAll();

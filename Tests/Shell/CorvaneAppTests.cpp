@@ -1,19 +1,10 @@
-#include "Shell/CorvaneApp.h"
+#include "FakeMachine.h"
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
-#include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
 #include "Shell/Screens.h"
 #include "Store/IngestQueries.h"
 #include "Support/Await.h"
-#include "Support/FakeDesktop.h"
-#include "Support/FakeLanguageModel.h"
-#include "Support/FakeLauncher.h"
-#include "Support/FakeMicrophone.h"
-#include "Support/FakeNotificationService.h"
-#include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Web/SessionStore.h"
@@ -43,20 +34,7 @@ protected:
         home.write(QStringLiteral("share/Corvane/accounts.json"), encodeAccounts(accounts));
         auto ownedLauncher = std::make_unique<FakeLauncher>(clock);
         launcher = ownedLauncher.get();
-        Machine machine;
-        machine.launcher = std::move(ownedLauncher);
-        machine.ports = std::make_unique<FakePortHolders>();
-        machine.secrets = std::make_unique<FakeSecretStore>();
-        auto ownedNotifications = std::make_unique<FakeNotificationService>();
-        notifications = ownedNotifications.get();
-        machine.notifications = std::move(ownedNotifications);
-        machine.desktop = std::make_unique<FakeDesktop>();
-        machine.microphone = std::make_unique<FakeMicrophone>();
-        machine.addressBook = makeAddressBook(home.paths());
-        machine.tools = std::make_unique<NoTools>();
-        machine.languageModel = std::make_unique<FakeLanguageModel>();
-        machine.facts = std::make_unique<FakeMachineFacts>();
-        app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
+        app = std::make_unique<CorvaneApp>(home.paths(), clock, fakeMachine(home.paths(), std::move(ownedLauncher)));
     }
 
     /// The start sequence, up to the tool server, which comes up away from the main thread.
@@ -79,7 +57,6 @@ protected:
     TemporaryHome home;
     VirtualScheduler clock;
     FakeLauncher* launcher = nullptr;
-    FakeNotificationService* notifications = nullptr;
     std::unique_ptr<CorvaneApp> app;
 };
 

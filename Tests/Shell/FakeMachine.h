@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/AddressBook.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Shell/CorvaneApp.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeLanguageModel.h"
+#include "Support/FakeLauncher.h"
+#include "Support/FakeMicrophone.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/FakePortHolders.h"
+#include "Support/FakeSecretStore.h"
+
+namespace corvane {
+
+/// A machine of fakes around the launcher.
+inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLauncher> launcher)
+{
+    Machine machine;
+    machine.launcher = std::move(launcher);
+    machine.ports = std::make_unique<FakePortHolders>();
+    machine.secrets = std::make_unique<FakeSecretStore>();
+    machine.notifications = std::make_unique<FakeNotificationService>();
+    machine.desktop = std::make_unique<FakeDesktop>();
+    machine.microphone = std::make_unique<FakeMicrophone>();
+    machine.addressBook = makeAddressBook(paths);
+    machine.tools = std::make_unique<NoTools>();
+    machine.languageModel = std::make_unique<FakeLanguageModel>();
+    machine.facts = std::make_unique<FakeMachineFacts>();
+    return machine;
+}
+
+}

@@ -1,0 +1,205 @@
+// What somebody does in their first quarter of an hour with ./run --demo: the whole program but its window, on a real
+// database file, with the demonstration's engines as the processes that they are.
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "FakeMachine.h"
+#include "Foundation/SystemScheduler.h"
+#include "Shell/Screens.h"
+#include "Store/LocalDB.h"
+#include "Store/OutboundQueries.h"
+#include "Support/Await.h"
+#include "Support/EnginesNode.h"
+#include "Support/Print.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+const QString sofia = QStringLiteral("ct:WHATSAPP:351900000190@s.whatsapp.net");
+const QString gallery = QStringLiteral("ct:WHATSAPP:351900000278@s.whatsapp.net");
+
+/// Variables of the environment, until the end of the test.
+class Environment {
+public:
+    explicit Environment(const QList<std::pair<const char*, QByteArray>>& variables)
+    {
+        for (const auto& [name, value] : variables) {
+            m_before.append({ name, qEnvironmentVariableIsSet(name), qgetenv(name) });
+            qputenv(name, value);
+        }
+    }
+    ~Environment()
+    {
+        for (const Variable& variable : m_before)
+            variable.wasSet ? qputenv(variable.name, variable.value) : qunsetenv(variable.name);
+    }
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+
+private:
+    struct Variable {
+        const char* name;
+        bool wasSet;
+        QByteArray value;
+    };
+    QList<Variable> m_before;
+};
+
+class Newcomer : public testing::Test {
+protected:
+    Newcomer()
+    {
+        QProcess profile;
+        profile.start(QStringLiteral(CORVANE_SOURCE "/demo/make-profile"), { folder.path() });
+        EXPECT_TRUE(profile.waitForFinished() && profile.exitCode() == 0);
+        open();
+    }
+
+    void open()
+    {
+        app = std::make_unique<CorvaneApp>(paths, scheduler, fakeMachine(paths, makeProcessLauncher(scheduler)));
+        screens = std::make_unique<Screens>(*app);
+        inbox().appear();
+    }
+
+    void close()
+    {
+        screens.reset();
+        app->willTerminate();
+        app.reset();
+    }
+
+    InboxView& inbox() { return screens->inbox; }
+    Composer& composer() { return *inbox().composer(); }
+    CRMPane& pane() { return *inbox().crm(); }
+
+    QString cell(const QString& sql) { return app->engine().db().scalar(sql).value_or(QStringLiteral("-")); }
+
+    static QStringList column(QAbstractItemModel* model, const QByteArray& role)
+    {
+        const int id = model->roleNames().key(role, -1);
+        EXPECT_NE(id, -1) << role.constData();
+        QStringList values;
+        for (int row = 0; row < model->rowCount(); ++row)
+            values.append(model->index(row, 0).data(id).toString());
+        return values;
+    }
+    QStringList thread(const QByteArray& role) { return column(inbox().thread()->rows(), role); }
+    QSet<QString> channels()
+    {
+        const QStringList platforms = thread("platform");
+        QSet<QString> found(platforms.begin(), platforms.end());
+        found.remove(QString()); // days
+        return found;
+    }
+    QString ticksOf(const QString& body) { return thread("ticksText").value(int(thread("body").lastIndexOf(body))); }
+
+    const QTemporaryDir folder;
+    const AppPaths paths { folder.filePath("home"), folder.filePath("share/Corvane"),
+        folder.filePath("config/Corvane/defaults.ini"), folder.filePath("resources") };
+    const Environment environment { { { "CORVANE_NODE", enginesNode().toLocal8Bit() },
+        { "HOME", folder.filePath("home").toLocal8Bit() }, { "XDG_DATA_HOME", folder.filePath("share").toLocal8Bit() },
+        { "CORVANE_DEMO_PAIRING_SECONDS", "0" }, { "CORVANE_DEMO_PACE", "0.25" } } };
+    SystemScheduler scheduler;
+    std::unique_ptr<CorvaneApp> app;
+    std::unique_ptr<Screens> screens;
+};
+
+}
+
+TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
+{
+    app->engine().startDraftWatch();
+    app->startAllEngines();
+
+    // One of the engines' programs writes into the database that Sofia is one person on three channels.
+    ASSERT_TRUE(await([&] { return cell("SELECT COUNT(*) FROM contact_merge;") == "2"; }));
+    inbox().select(sofia);
+    ASSERT_TRUE(await([&] { return pane().identityText() == "Same person · 3 channels"; }));
+    EXPECT_EQ(channels(), (QSet<QString> { "WHATSAPP", "EMAIL", "TELEGRAM" }));
+    EXPECT_EQ(composer().replyPlatforms().size(), 3);
+
+    // An answer goes out at once, and its tick follows the message to its reader.
+    const QString answer = "Obrigada, Sofia! As caixas seguem amanhã";
+    QStringList ticks;
+    const auto reports = QObject::connect(&app->engine(), &EngineManager::eventHandled, [&] {
+        inbox().reload();
+        ticks.append(ticksOf(answer));
+    });
+    composer().setReplyPlatform("WHATSAPP");
+    composer().setText(answer);
+    composer().send();
+    EXPECT_EQ(composer().text(), "");
+    ASSERT_TRUE(await([&] { return ticksOf(answer) == "Read"; }));
+    QObject::disconnect(reports);
+    ticks.removeAll(QString());
+    ticks.removeDuplicates();
+    EXPECT_EQ(ticks, (QStringList { "Sent", "Delivered", "Read" }));
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0") << "what a person sends needs nobody's approval";
+
+    // One on a channel that was merged: an engine's message gives that conversation back to its own contact.
+    composer().setReplyPlatform("TELEGRAM");
+    composer().setText("Também por aqui");
+    composer().send();
+    ASSERT_TRUE(await([&] { return ticksOf("Também por aqui") == "Sent"; }));
+    EXPECT_EQ(channels().size(), 3) << "the thread stays whole";
+    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
+
+    // The gallery's phone is hers, too; or perhaps not.
+    const auto hasGallery = [&] {
+        return thread("body").contains("Sou eu, a Sofia. Este é o telefone da galeria, guarda-o também");
+    };
+    ASSERT_TRUE(await([&] { return column(pane().suggestions(), "id").contains(gallery); }));
+    EXPECT_FALSE(hasGallery());
+    pane().mergeWith(gallery);
+    EXPECT_TRUE(hasGallery());
+    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 1);
+    EXPECT_EQ(column(pane().merges(), "text").first(), "Merged with Sofia Marques");
+    pane().unmerge(column(pane().merges(), "id").first());
+    EXPECT_FALSE(hasGallery());
+    EXPECT_EQ(channels().size(), 3);
+    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 2);
+
+    EXPECT_TRUE(pane().addDeal("Spring window", "Proposal", "€2k"));
+    EXPECT_TRUE(pane().addTask("Ask for the measures"));
+    EXPECT_TRUE(pane().addNote("Prefers warm light"));
+
+    // A message to somebody new waits until it is approved, and then goes out once.
+    ComposeSheet& sheet = *inbox().composeSheet();
+    sheet.open();
+    sheet.setAccountId(app->store().findBySlug("taller-vidal")->id.toString());
+    sheet.setRecipient("+34 611 22 33 44");
+    sheet.setMessage("Hola, soy Marta del taller");
+    sheet.submit();
+    const QString stranger = "ct:WHATSAPP:34611223344@s.whatsapp.net";
+    EXPECT_EQ(inbox().selectedId(), stranger);
+    PendingDraftsView& drafts = *inbox().drafts();
+    ASSERT_EQ(drafts.count(), 1);
+    EXPECT_EQ(column(drafts.rows(), "statusLabel").first(), "waiting approval");
+    EXPECT_EQ(channels().size(), 0) << "nothing has gone out";
+    drafts.approve(column(drafts.rows(), "id").first());
+    ASSERT_TRUE(await([&] { return cell("SELECT status FROM outbound_draft;") == "sent"; }));
+    ASSERT_TRUE(await([&] { return ticksOf("Hola, soy Marta del taller") == "Read"; }));
+    EXPECT_EQ(drafts.count(), 0);
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM unified_message m, outbound_draft d WHERE m.direction='OUT' AND "
+                   "m.body=d.body AND m.provider_msg_id=d.provider_msg_id;"),
+        "1");
+    composer().setText("and later");
+
+    // The next start, with every engine still asleep, shows it all.
+    close();
+    open();
+    inbox().select(stranger);
+    EXPECT_EQ(composer().text(), "and later");
+    inbox().select(sofia);
+    EXPECT_EQ(channels().size(), 3);
+    EXPECT_TRUE(thread("body").contains(answer));
+    EXPECT_TRUE(column(pane().deals(), "text").contains("Spring window"));
+    EXPECT_TRUE(column(pane().tasks(), "text").contains("Ask for the measures"));
+    EXPECT_EQ(column(pane().notes(), "text").first(), "Prefers warm light");
+}
