@@ -1,8 +1,8 @@
 #include "Platform/Linux/BusNotificationService.h"
 
 #include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/NotificationDaemon.h"
 #include "Support/Await.h"
+#include "Support/NotificationDaemon.h"
 #include "Support/Print.h"
 #include "Support/PrivateBus.h"
 
