@@ -1,6 +1,7 @@
 #include "Mirror.h"
 #include "Rivals.h"
 
+#include "AI/AIServices.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/BackgroundQueue.h"
@@ -12,14 +13,18 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SystemLanguageModel.h"
+#include "Platform/ToolRunner.h"
 #include "Store/IngestQueries.h"
 #include "Store/LocalDB.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
+#include "Voice/TranslationService.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -91,8 +96,13 @@ private:
     };
     AccountStore m_accounts { m_paths.applicationSupport };
     std::unique_ptr<Microphone> m_microphone = makeMicrophone(m_scheduler);
+    std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
+    std::unique_ptr<SystemLanguageModel> m_model = makeLanguageModel(m_scheduler);
+    std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
+    AIServices m_ai { *m_model, *m_facts, *m_tools, {}, m_scheduler };
+    TranslationService m_translations { *m_facts };
     InboxView m_inbox { InboxView::Surroundings {
-        m_engine, m_accounts, m_defaults, m_centre, m_scheduler, *m_microphone, m_paths } };
+        m_engine, m_accounts, m_defaults, m_centre, m_scheduler, *m_microphone, m_paths, m_ai, m_translations } };
     IncomingMessage m_message;
     int m_messages = 0;
 };

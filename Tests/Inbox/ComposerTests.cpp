@@ -26,8 +26,8 @@ protected:
     /// The next start of the program on the same files.
     std::unique_ptr<InboxView> restarted()
     {
-        return std::make_unique<InboxView>(
-            InboxView::Surroundings { engines, accounts, defaults, centre, clock, microphone, home.paths() });
+        return std::make_unique<InboxView>(InboxView::Surroundings {
+            engines, accounts, defaults, centre, clock, microphone, home.paths(), lumo, translations });
     }
 
     void addEmailToAna()

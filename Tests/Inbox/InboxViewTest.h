@@ -5,7 +5,10 @@
 #include "Inbox/InboxView.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
+#include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
+
+#include "Voice/TranslationService.h"
 
 #include <QAbstractItemModelTester>
 #include <QDateTime>
@@ -95,10 +98,12 @@ protected:
         EXPECT_TRUE(await([this] { return !inbox.hitsPending(); }));
     }
 
+    FakeLumo lumo { clock };
+    TranslationService translations { lumo.machine };
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
     InboxView inbox { InboxView::Surroundings {
-        engines, accounts, defaults, centre, clock, microphone, home.paths() } };
+        engines, accounts, defaults, centre, clock, microphone, home.paths(), lumo, translations } };
     QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester threadTester { inbox.thread()->rows(),

@@ -4,6 +4,7 @@
 #include "Foundation/Arrival.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/ToolRunner.h"
+#include "Support/VirtualScheduler.h"
 
 #include <deque>
 #include <gtest/gtest.h>
@@ -125,12 +126,17 @@ struct FakeAIMachine {
     FakeLanguageModel model;
     FakeMachineFacts machine;
     NoTools tools;
+    VirtualScheduler standing; ///< a clock that nobody moves
 };
 
 /// What generates, over a fake model and without the Codex tool.
 struct FakeLumo : FakeAIMachine, AIServices {
     FakeLumo()
-        : AIServices(model, machine, tools, {})
+        : AIServices(model, machine, tools, {}, standing)
+    {
+    }
+    explicit FakeLumo(const Scheduler& clock)
+        : AIServices(model, machine, tools, {}, clock)
     {
     }
 };

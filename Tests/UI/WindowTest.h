@@ -6,6 +6,7 @@
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
 #include "UI/MainWindow.h"
+#include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
 
 #include <QImage>
@@ -59,9 +60,10 @@ protected:
     Warnings warnings;
     AccountStore accounts { home.paths().applicationSupport };
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
-    FakeLumo lumo;
-    Screens screens { Screens::Surroundings {
-        engines, accounts, session, keychain, defaults, centre, clock, desktop, microphone, home.paths(), lumo } };
+    FakeLumo lumo { clock };
+    TranslationService translations { lumo.machine };
+    Screens screens { Screens::Surroundings { engines, accounts, session, keychain, defaults, centre, clock, desktop,
+        microphone, home.paths(), lumo, translations } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

@@ -63,9 +63,7 @@ void InboxView::openContact(const ContactRow& row)
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
     readSelected();
-    m_thread.open(m_selectedRow);
-    m_composer.open(m_selectedRow);
-    m_crm.open(m_selectedRow);
+    openPanes(m_selectedRow);
     m_reloadSoon.request();
     present();
     Q_EMIT selectionChanged();
@@ -80,10 +78,18 @@ void InboxView::close()
     m_jumpMsgId.clear();
     m_palette.setHasSelection(false);
     tellWhatIsOpen();
-    m_thread.open({});
-    m_composer.open({});
-    m_crm.open({});
+    openPanes({});
     Q_EMIT selectionChanged();
+}
+
+void InboxView::openPanes(const ContactRow& row)
+{
+    m_thread.open(row);
+    m_composer.open(row);
+    m_assistant.open(row);
+    m_summary.open(row);
+    m_askLumo.open(row);
+    m_crm.open(row);
 }
 
 void InboxView::tellWhatIsOpen()
@@ -119,6 +125,11 @@ void InboxView::openHit(const QString& messageId)
         stranger.platforms = QStringList { hit->platform };
         openContact(stranger);
     }
+    jumpTo(messageId);
+}
+
+void InboxView::jumpTo(const QString& messageId)
+{
     m_jumpMsgId = messageId;
     m_thread.highlight(messageId);
     Q_EMIT jumped();

@@ -37,6 +37,9 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
           surroundings.paths.applicationSupport + QStringLiteral("/unsent.json") })
+    , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
+    , m_summary(m_engine.db(), surroundings.ai)
+    , m_askLumo(m_engine.db(), surroundings.ai)
     , m_drafts(m_engine, m_accounts)
     , m_composeSheet(m_accounts,
           [this](const Account& account, const QString& recipient, const QString& message) {
@@ -233,9 +236,7 @@ void InboxView::reload()
             m_selectedRow = *row;
         if (m_onScreen && m_selectedRow.unread > 0)
             readSelected();
-        m_thread.open(m_selectedRow);
-        m_composer.open(m_selectedRow);
-        m_crm.open(m_selectedRow);
+        openPanes(m_selectedRow);
     }
     m_loading = false;
     m_countsSoon.request();

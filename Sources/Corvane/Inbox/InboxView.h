@@ -2,6 +2,7 @@
 
 #include "Foundation/Coalescer.h"
 #include "Foundation/NotificationCentre.h"
+#include "Inbox/AskLumo.h"
 #include "Inbox/AvatarRequests.h"
 #include "Inbox/BulkSelection.h"
 #include "Inbox/CRMPane.h"
@@ -9,9 +10,11 @@
 #include "Inbox/ComposeSheet.h"
 #include "Inbox/Composer.h"
 #include "Inbox/ContactItem.h"
+#include "Inbox/DraftAssistant.h"
 #include "Inbox/InboxList.h"
 #include "Inbox/MessageHits.h"
 #include "Inbox/PendingDraftsView.h"
+#include "Inbox/ThreadSummary.h"
 #include "Inbox/ThreadView.h"
 #include "Inbox/WebStaleness.h"
 
@@ -19,7 +22,9 @@
 
 namespace corvane {
 
+class TranslationService;
 class UserDefaults;
+struct AIServices;
 struct AppPaths;
 
 /// The inbox: one row per person, the search, and the thread that is open. It reads the database afresh at
@@ -55,6 +60,9 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
+    Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
+    Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
+    Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
     // Around it
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
     Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
@@ -77,6 +85,8 @@ public:
         Scheduler& scheduler;
         Microphone& microphone;
         const AppPaths& paths;
+        AIServices& ai;
+        TranslationService& translations;
     };
 
     explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -115,6 +125,9 @@ public:
     CRMPane* crm() { return &m_crm; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     Composer* composer() { return &m_composer; }
+    DraftAssistant* assistant() { return &m_assistant; }
+    ThreadSummary* summary() { return &m_summary; }
+    AskLumo* askLumo() { return &m_askLumo; }
     PendingDraftsView* drafts() { return &m_drafts; }
     ComposeSheet* composeSheet() { return &m_composeSheet; }
     bool onScreen() const { return m_onScreen; }
@@ -138,6 +151,7 @@ public:
     Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
     Q_INVOKABLE void moveSelection(int delta);
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
+    Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
 
     /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
     bool composeNew(const Account& account, const QString& recipient, const QString& text);
@@ -185,6 +199,7 @@ private:
     const ContactRow* find(const QString& contactId) const;
     void openContact(const ContactRow& row);
     void close();
+    void openPanes(const ContactRow& row); ///< beside the list; with an empty id: nobody
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();
@@ -217,6 +232,9 @@ private:
     QString m_jumpMsgId;
     ThreadView m_thread;
     Composer m_composer;
+    DraftAssistant m_assistant;
+    ThreadSummary m_summary;
+    AskLumo m_askLumo;
     PendingDraftsView m_drafts;
     ComposeSheet m_composeSheet;
     CRMPane m_crm;

@@ -21,6 +21,7 @@
 #include "Platform/Tray.h"
 #include "Store/LocalDB.h"
 #include "Store/Workspaces.h"
+#include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
 
 #include <QUrl>
@@ -61,7 +62,9 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
             LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
     m_ai = std::make_unique<AIServices>(
-        *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home));
+        *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
+    m_ai->drafts.setMemoryDB(m_engine->db());
+    m_translations = std::make_unique<TranslationService>(*m_machine.facts);
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_aiRequests = std::make_unique<AIRequestWatcher>(m_engine->db(), m_ai->ai, m_scheduler);
     m_calls = std::make_unique<CallRecorder>(m_engine->db());

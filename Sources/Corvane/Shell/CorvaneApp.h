@@ -32,6 +32,7 @@ class SecretStore;
 class SessionStore;
 class SystemLanguageModel;
 class ToolRunner;
+class TranslationService;
 class Tray;
 struct AIServices;
 
@@ -68,6 +69,7 @@ public:
     CallRecorder& calls() { return *m_calls; }
     ApprovalsStore& approvals() { return *m_approvals; }
     AIServices& ai() { return *m_ai; }
+    TranslationService& translations() { return *m_translations; }
     SessionStore& session() { return *m_session; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
@@ -110,6 +112,7 @@ private:
     std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<AIServices> m_ai;
     std::unique_ptr<AIRequestWatcher> m_aiRequests;
+    std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;

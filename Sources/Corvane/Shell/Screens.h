@@ -31,6 +31,7 @@ public:
         Microphone& microphone;
         const AppPaths& paths;
         AIServices& ai;
+        TranslationService& translations;
     };
 
     explicit Screens(const Surroundings& at);

@@ -158,6 +158,13 @@ WHERE contact_id=? AND channel=? AND deleted_at IS NULL ORDER BY last_ts DESC LI
         { contactId, platform }, [](const SqlRow& row) { return ReplyTarget { row.text(0), row.text(1) }; });
 }
 
+std::optional<QString> newestConversation(LocalDB& db, const QString& contactId)
+{
+    return db.scalar("SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL ORDER BY last_ts "
+                     "DESC LIMIT 1;",
+        { contactId });
+}
+
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji)
 {
     db.run("UPDATE unified_message SET reaction=?, updated_at=? WHERE id=?;", { emoji, db.nowMs(), messageId });

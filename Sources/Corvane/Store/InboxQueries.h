@@ -71,6 +71,9 @@ bool isMuted(LocalDB& db, const QString& contactId);
 /// The newest conversation of the contact on that channel.
 std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, const QString& platform);
 
+/// Where a message to the contact goes when nothing else is said.
+std::optional<QString> newestConversation(LocalDB& db, const QString& contactId);
+
 /// Stores a reaction made here on the message of that row id.
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji);
 

@@ -5,8 +5,11 @@ import Corvane
 FocusScope {
     id: pane
 
-    required property QtObject composer ///< the view model
+    required property QtObject inbox
+    readonly property QtObject composer: inbox.composer ///< the view model
     readonly property QtObject voice: composer.voice
+
+    signal askLumo
 
     implicitHeight: content.implicitHeight + Theme.medium * 2
     visible: composer.contactId !== ""
@@ -16,6 +19,10 @@ FocusScope {
     function focusField() {
         field.forceActiveFocus(Qt.TabFocusReason);
         field.moveToEnd();
+    }
+
+    function openAssistant() {
+        assistant.openMenu();
     }
 
     Connections {
@@ -100,6 +107,11 @@ FocusScope {
                     icon.name: "microphone"
                     text: qsTr("Record a voice note")
                     onClicked: pane.composer.startVoice()
+                }
+                AssistantMenu {
+                    id: assistant
+                    inbox: pane.inbox
+                    onAskAsked: pane.askLumo()
                 }
                 Button {
                     objectName: "composer.send"

@@ -16,7 +16,7 @@ Page {
 
     signal openSettings
 
-    panes: [list, drafts, thread, reply, contact]
+    panes: [list, drafts, thread, panels, reply, contact]
     Component.onCompleted: inbox.appear()
     onNarrowChanged: contactAskedFor = false
 
@@ -49,6 +49,10 @@ Page {
         case "reply":
             if (reply.visible)
                 reply.focusField();
+            break;
+        case "assistant":
+            if (reply.visible)
+                reply.openAssistant();
             break;
         case "newMessage":
             inbox.composeSheet.open();
@@ -118,12 +122,20 @@ Page {
     ThreadPane {
         id: thread
         anchors.top: drafts.bottom
-        anchors.bottom: reply.visible ? reply.top : parent.bottom
+        anchors.bottom: panels.visible ? panels.top : parent.bottom
         anchors.left: listEdge.right
         anchors.right: contact.visible && !page.narrow ? contactEdge.left : parent.right
         inbox: page.inbox
         contactShown: page.contactShown
         onToggleContact: page.toggleContact()
+    }
+    AssistantPanels {
+        id: panels
+        anchors.bottom: reply.top
+        anchors.left: thread.left
+        anchors.right: thread.right
+        height: implicitHeight
+        inbox: page.inbox
     }
     Composer {
         id: reply
@@ -131,7 +143,8 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        composer: page.inbox.composer
+        inbox: page.inbox
+        onAskLumo: askLumo.open()
     }
     DragHandle {
         id: contactEdge
@@ -156,6 +169,10 @@ Page {
         layout: page.layout
     }
 
+    AskLumoSheet {
+        id: askLumo
+        askLumo: page.inbox.askLumo
+    }
     NewMessage { compose: page.inbox.composeSheet }
     UndoToast {
         inbox: page.inbox

@@ -25,6 +25,7 @@ QtObject {
         { section: list, command: "checkAll", label: qsTr("Pick all"), keys: "Ctrl+A", sequences: ["Ctrl+A"] },
         { section: thread, command: "reply", label: qsTr("Reply"), keys: "R", sequences: ["R"] },
         { section: thread, command: "send", label: qsTr("Send what is typed"), keys: "Ctrl+Return" },
+        { section: thread, command: "assistant", label: qsTr("Ask the assistant"), keys: "Ctrl+J", sequences: ["Ctrl+J"] },
         { section: thread, command: "archive", label: qsTr("Archive"), keys: "E", sequences: ["E"] },
         { section: thread, command: "undo", label: qsTr("Undo an archive"), keys: "Ctrl+Z", sequences: ["Ctrl+Z"] },
         { section: thread, command: "mute", label: qsTr("Mute or unmute"), keys: "M", sequences: ["M"] },

@@ -1,0 +1,90 @@
+#include "AI/LumoAISummaryService.h"
+
+#include "AI/LumoAI.h"
+#include "Foundation/Ids.h"
+#include "Foundation/Scheduler.h"
+#include "Foundation/Text.h"
+#include "Store/CrmRecords.h"
+
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+constexpr int nameLength = 140;
+constexpr int noteLength = 420;
+
+QString renderNotes(const QList<NoteRow>& notes)
+{
+    if (notes.isEmpty())
+        return QStringLiteral("(none)");
+    QStringList lines;
+    for (const NoteRow& note : notes)
+        lines.append(QStringLiteral("- ") + promptLine(note.body, noteLength));
+    return lines.join(u'\n');
+}
+
+QString renderMessages(const QList<UnifiedMsgRow>& messages)
+{
+    const QList<LocalAIMessageCitation> citations = citationMessages(messages);
+    return citations.isEmpty() ? QStringLiteral("(no messages)") : renderThread(citations);
+}
+
+}
+
+QString errorDescription(LumoAISummaryServiceError)
+{
+    return QStringLiteral("There are no local text messages to summarize.");
+}
+
+LumoAISummaryService::LumoAISummaryService(LumoAI& ai, const Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_ai(ai)
+    , m_scheduler(scheduler)
+{
+}
+
+QCoro::Task<Result<LocalAIThreadSummary>> LumoAISummaryService::summarize(
+    QString contactName, QList<UnifiedMsgRow> messages, CancelHandle cancel)
+{
+    const QList<LocalAIMessageCitation> citations = citationMessages(messages);
+    if (citations.isEmpty())
+        co_return failure(errorDescription(LumoAISummaryServiceError::EmptyThread));
+    const QString instructions
+        = QStringLiteral("You summarize private local inbox threads inside Corvane. Use only the provided messages.\n"
+                         "Do not invent facts, promises, dates, names, or tasks. If context is unclear, say what is "
+                         "unclear.\n"
+                         "Cite the local message labels you used, like [M3]. Keep it compact and useful.");
+    const QString prompt = QStringLiteral("Summarize this local thread with ") + promptLine(contactName, nameLength)
+        + QStringLiteral(".\n\n"
+                         "Return exactly:\n"
+                         "- Situation: one sentence with citations.\n"
+                         "- Key points: 2-4 bullets with citations.\n"
+                         "- Next action: one practical next step or \"No clear action\", with citations.\n\n"
+                         "Local messages:\n")
+        + renderThread(citations);
+    const QPointer<LumoAISummaryService> self(this);
+    const Result<QString> answer = co_await m_ai.respond(instructions, prompt, cancel);
+    if (!self)
+        co_return cancelled();
+    if (!answer)
+        co_return std::unexpected(answer.error());
+    co_return LocalAIThreadSummary { uuidText(), contactName, m_ai.modelSpec(), *answer, citations,
+        m_scheduler.nowMs() };
+}
+
+QCoro::Task<Result<QString>> LumoAISummaryService::ask(
+    QString contactName, QList<NoteRow> notes, QList<UnifiedMsgRow> messages, QString question, CancelHandle cancel)
+{
+    const QString instructions = QStringLiteral(
+        "You are Lumo, answering questions about one CRM contact using ONLY the provided local context. Be concise and "
+        "concrete. If the context doesn't answer the question, say so plainly — never invent facts, dates, or "
+        "commitments.");
+    const QString prompt = QStringLiteral("Contact: ") + promptLine(contactName, nameLength)
+        + QStringLiteral("\nNotes:\n") + renderNotes(notes) + QStringLiteral("\n\nRecent thread:\n")
+        + renderMessages(messages) + QStringLiteral("\n\nQuestion: ") + question;
+    return m_ai.respond(instructions, prompt, cancel);
+}
+
+}

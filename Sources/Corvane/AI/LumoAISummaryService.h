@@ -1,0 +1,49 @@
+#pragma once
+
+#include "AI/LocalAIMessageCitation.h"
+#include "AI/LocalAIModelSpec.h"
+#include "Foundation/Cancellation.h"
+
+#include <QObject>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+class LumoAI;
+class Scheduler;
+struct NoteRow;
+
+struct LocalAIThreadSummary {
+    QString id;
+    QString contactName;
+    LocalAIModelSpec model;
+    QString text; ///< as it came; it names messages by their labels, like "[M3]"
+    QList<LocalAIMessageCitation> citations; ///< the messages that it was made from
+    qint64 generatedAt = 0; ///< milliseconds since the epoch
+};
+
+enum class LumoAISummaryServiceError { EmptyThread };
+QString errorDescription(LumoAISummaryServiceError error);
+
+/// Reads a thread for its owner and answers questions about a contact, from local rows alone. Nothing is written,
+/// and nothing of it can be sent. A failure carries words for the user.
+class LumoAISummaryService : public QObject {
+    Q_OBJECT
+public:
+    /// Both outlive the service.
+    LumoAISummaryService(LumoAI& ai, const Scheduler& scheduler, QObject* parent = nullptr);
+
+    /// `messages` oldest first; without a text among them nothing is asked.
+    QCoro::Task<Result<LocalAIThreadSummary>> summarize(
+        QString contactName, QList<UnifiedMsgRow> messages, CancelHandle cancel = {});
+
+    /// `notes` newest first, `messages` oldest first.
+    QCoro::Task<Result<QString>> ask(QString contactName, QList<NoteRow> notes, QList<UnifiedMsgRow> messages,
+        QString question, CancelHandle cancel = {});
+
+private:
+    LumoAI& m_ai;
+    const Scheduler& m_scheduler;
+};
+
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "AI/LumoDraftPrompt.h"
+#include "Store/InboxQueries.h"
+
+namespace corvane {
+
+// What is known here of the person whose thread is open, read afresh.
+
+LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact);
+QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact); ///< oldest first
+
+}

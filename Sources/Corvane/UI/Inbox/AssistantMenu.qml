@@ -1,0 +1,76 @@
+import QtQml
+import QtQuick
+import Corvane
+
+/// What the assistant can do with the open thread and with what stands in the composer.
+IconButton {
+    id: button
+
+    required property QtObject inbox
+    readonly property QtObject draft: inbox.assistant
+    readonly property bool hasText: inbox.composer.canSend
+
+    signal askAsked
+
+    objectName: "composer.assistant"
+    icon.name: "hub-lumo"
+    text: qsTr("Assistant")
+    key: Keymap.keysOf("assistant")
+    Accessible.role: Accessible.ButtonMenu
+    onClicked: openMenu()
+
+    function openMenu() {
+        menu.popup(button, 0, -menu.implicitHeight - Theme.tight);
+    }
+
+    Menu {
+        id: menu
+        MenuItem {
+            objectName: "assistant.draftReply"
+            icon.name: "mail-reply"
+            text: qsTr("Draft a reply")
+            onTriggered: button.draft.draftReply()
+        }
+        MenuItem {
+            icon.name: "view-list"
+            text: qsTr("Summarize this thread")
+            onTriggered: button.inbox.summary.summarize()
+        }
+        MenuItem {
+            icon.name: "edit-find"
+            text: button.inbox.askLumo.heading + "…"
+            onTriggered: button.askAsked()
+        }
+        MenuSeparator {}
+        Menu {
+            id: rewrites
+            title: qsTr("Rewrite composer draft")
+            enabled: button.hasText
+            Instantiator {
+                model: button.draft.rewrites
+                delegate: MenuItem {
+                    required property var modelData
+                    text: modelData.label
+                    onTriggered: button.draft.rewrite(modelData.key)
+                }
+                onObjectAdded: (index, item) => rewrites.insertItem(index, item)
+                onObjectRemoved: (index, item) => rewrites.removeItem(item)
+            }
+        }
+        Menu {
+            id: languages
+            title: qsTr("Translate composer draft")
+            enabled: button.hasText
+            Instantiator {
+                model: button.draft.languages
+                delegate: MenuItem {
+                    required property string modelData
+                    text: modelData
+                    onTriggered: button.draft.translate(modelData)
+                }
+                onObjectAdded: (index, item) => languages.insertItem(index, item)
+                onObjectRemoved: (index, item) => languages.removeItem(item)
+            }
+        }
+    }
+}

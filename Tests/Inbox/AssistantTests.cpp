@@ -1,0 +1,177 @@
+#include "InboxViewTest.h"
+
+using namespace corvane;
+
+namespace {
+
+class AssistantTest : public InboxViewTest {
+protected:
+    AssistantTest()
+    {
+        receive(ana, "Can you do Thursday at 15:00?");
+        inbox.select(ana);
+        model.setAvailable();
+    }
+
+    QString cell(const QString& sql) { return EngineWorld::cell(sql); }
+
+    static QJsonObject guided(const QString& body, const QStringList& citations = { "M1" })
+    {
+        return { { "body", body }, { "intent", "draft_reply" }, { "citations", QJsonArray::fromStringList(citations) },
+            { "warnings", QJsonArray() }, { "send_side_effect", false } };
+    }
+    static QString rewritten(const QString& text)
+    {
+        return compactJson({ { "draft", text },
+            { "metadata",
+                QJsonObject { { "intent", "rewrite_text" }, { "tone", "" }, { "language", "en" }, { "confidence", 1 },
+                    { "used_message_labels", QJsonArray() }, { "used_note_ids", QJsonArray() },
+                    { "warnings", QJsonArray() }, { "send_side_effect", false } } } });
+    }
+
+    FakeLanguageModel& model = lumo.model;
+    DraftAssistant& draft = *inbox.assistant();
+    Composer& composer = *inbox.composer();
+};
+
+}
+
+TEST_F(AssistantTest, aDraftIsAPreviewUntilItIsTakenAndCanBeTakenBack)
+{
+    const auto answer = model.willAnswerLater();
+    draft.draftReply();
+    EXPECT_EQ(draft.stateWord() + '|' + draft.title(), "loading|Drafting with Fake Model");
+    answer.arrive(guided("Thursday at 16:00 suits me."));
+    EXPECT_EQ(draft.stateWord() + '|' + draft.draft() + '|' + draft.modelName(),
+        "ready|Thursday at 16:00 suits me.|Fake Model");
+    ASSERT_EQ(draft.citations().size(), 1);
+    EXPECT_EQ(draft.citations().first().toMap().value("messageId"), "wa:msg:m1");
+    EXPECT_FALSE(draft.warnings().filter("16:00").isEmpty()) << "a time that nobody named";
+    EXPECT_EQ(composer.text(), "");
+
+    composer.setText("Hello Ana,");
+    draft.accept();
+    EXPECT_EQ(composer.text(), "Hello Ana,\n\nThursday at 16:00 suits me.");
+    EXPECT_EQ(draft.stateWord(), "idle");
+    EXPECT_EQ(cell("SELECT contact_id || '|' || intent || '|' || model FROM draft_metadata;"),
+        ana + "|draft_reply|Fake Model");
+    composer.undo();
+    EXPECT_EQ(composer.text(), "Hello Ana,");
+
+    model.willAnswer(guided("Yes."));
+    draft.draftReply();
+    draft.replace();
+    EXPECT_EQ(composer.text(), "Yes.");
+    draft.accept(); // nothing is there to be taken
+    EXPECT_EQ(composer.text(), "Yes.");
+    EXPECT_TRUE(commands("send").isEmpty());
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0");
+}
+
+TEST_F(AssistantTest, aRewriteKeepsWhatIsQuotedOrIsNotShown)
+{
+    draft.rewrite("shorten");
+    EXPECT_EQ(draft.stateWord() + '|' + draft.title(), "error|There is no composer text to rewrite.");
+    composer.setText("She said \"by Friday\" and nothing else at all.");
+    model.willAnswer(rewritten("She said \"by Friday\"."));
+    draft.rewrite("shorten");
+    EXPECT_EQ(draft.draft() + '|' + draft.title(), "She said \"by Friday\".|Shorten");
+    EXPECT_TRUE(draft.isRewrite());
+    model.willAnswer(rewritten("She said by Monday."));
+    draft.rewrite("warmer");
+    EXPECT_EQ(draft.title(), "The rewrite changed quoted client text: \"by Friday\".");
+    EXPECT_EQ(draft.draft(), "");
+    EXPECT_EQ(composer.text(), "She said \"by Friday\" and nothing else at all.");
+}
+
+TEST_F(AssistantTest, aTranslationFallsBackToTheModelAndSaysWhy)
+{
+    composer.setText("Good morning");
+    const auto answer = model.willAnswerLater();
+    draft.translate("German");
+    EXPECT_EQ(draft.title(), "Falling back to LumoAI translate...");
+    answer.arrive(FakeLanguageModel::text(rewritten("Guten Morgen")));
+    EXPECT_EQ(draft.draft(), "Guten Morgen");
+    EXPECT_EQ(draft.operationLabel(), "Translate");
+    EXPECT_EQ(draft.warnings().last(),
+        "Apple Translation was unavailable or failed mid-flight; LumoAI fallback translated this draft. Apple "
+        "Translation error: Apple Translation needs a SwiftUI translation task host.");
+    EXPECT_TRUE(model.asked.last().prompt.contains("Translate the draft to German"));
+}
+
+TEST_F(AssistantTest, whatIsCancelledOrAboutAnotherPersonIsNeverShown)
+{
+    const auto first = model.willAnswerLater();
+    draft.draftReply();
+    draft.dismiss();
+    EXPECT_TRUE(first.hasArrived()) << "the request has ended";
+    EXPECT_EQ(draft.stateWord(), "idle");
+
+    receive(ben, "good day");
+    const auto second = model.willAnswerLater();
+    const auto third = model.willAnswerLater();
+    draft.draftReply();
+    inbox.summary()->summarize();
+    inbox.select(ben);
+    EXPECT_TRUE(second.hasArrived() && third.hasArrived());
+    EXPECT_EQ(draft.stateWord() + inbox.summary()->stateWord(), "idleidle");
+}
+
+TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
+{
+    model.setUnavailable("no server");
+    composer.setText("text");
+    for (const auto& act :
+        std::initializer_list<std::function<void()>> { [&] { draft.draftReply(); }, [&] { draft.rewrite("grammar"); },
+            [&] {
+                draft.translate("French");
+            } }) {
+        act();
+        EXPECT_EQ(draft.stateWord() + '|' + draft.title() + '|' + draft.detail(),
+            "missingModel|Apple Intelligence or Codex CLI unavailable|Enable Apple Intelligence or install Codex CLI. "
+            "Current backend: none");
+    }
+    inbox.summary()->summarize();
+    EXPECT_EQ(inbox.summary()->detail(), "Enable Apple Intelligence in System Settings or install Codex CLI.");
+    EXPECT_EQ(inbox.askLumo()->actionLabel(), "no AI backend");
+    EXPECT_EQ(inbox.askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
+    EXPECT_FALSE(inbox.askLumo()->canAsk());
+}
+
+TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
+{
+    ThreadSummary& summary = *inbox.summary();
+    model.willAnswer(QStringLiteral("- Situation: <b>Ana</b> asks for Thursday [M1].\n- Next action: answer [M1]"));
+    summary.summarize();
+    EXPECT_EQ(summary.html(),
+        "- Situation: &lt;b&gt;Ana&lt;/b&gt; asks for Thursday <a href=\"wa:msg:m1\">[M1]</a>.<br>- Next action: "
+        "answer "
+        "<a href=\"wa:msg:m1\">[M1]</a>");
+    EXPECT_TRUE(model.asked.last().prompt.startsWith("Summarize this local thread with Ana Ruiz.\n\nReturn exactly:"));
+
+    engines.db().exec("UPDATE unified_message SET body='  ';");
+    summary.summarize();
+    EXPECT_EQ(summary.stateWord() + '|' + summary.title() + '|' + summary.detail(),
+        "empty|No local text to summarize|This thread has no saved text messages yet.");
+}
+
+TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
+{
+    AskLumo& ask = *inbox.askLumo();
+    EXPECT_EQ(ask.heading(), "Ask Lumo about Ana Ruiz");
+    ask.ask("  \n");
+    EXPECT_EQ(ask.stateWord(), "idle");
+    model.willAnswer(QStringLiteral("Thursday at 15:00.\n"));
+    ask.ask(" When? ");
+    EXPECT_EQ(ask.question() + '|' + ask.answer(), "When?|Thursday at 15:00.");
+    const QString prompt = model.asked.last().prompt;
+    EXPECT_TRUE(prompt.startsWith("Contact: Ana Ruiz\nNotes:\n(none)\n\nRecent thread:\n[M1] IN WHATSAPP "));
+    EXPECT_TRUE(prompt.endsWith(": Can you do Thursday at 15:00?\n\nQuestion: When?"));
+    model.willFail("The model server closed the connection.");
+    inbox.crm()->addNote("likes\ntea");
+    engines.db().exec("UPDATE unified_message SET body='';");
+    ask.ask("And?");
+    EXPECT_EQ(
+        ask.stateWord() + '|' + ask.title() + '|' + ask.answer(), "error|The model server closed the connection.|");
+    EXPECT_TRUE(model.asked.last().prompt.contains("Notes:\n- likes tea\n\nRecent thread:\n(no messages)"));
+}
