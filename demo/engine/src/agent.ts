@@ -28,22 +28,23 @@ function activeWorkspace(db: DatabaseSync): string {
   return row ? String(row.workspace_id) : "local";
 }
 
-/** The person who wrote last, on the phone where there is one. */
+/** The customer who asks whether his plates stack; where he has not written, whoever wrote last. */
 function somebody(db: DatabaseSync, workspace: string) {
   return (
     db
       .prepare(
-        `SELECT c.id, c.channel, c.account_id, c.external_id, c.contact_id, COALESCE(NULLIF(ct.display_name,''), c.title, c.external_id) AS name
+        `SELECT c.id, c.channel, c.account_id, c.external_id, c.contact_id,
+           COALESCE(NULLIF(ct.display_name,''), c.title, c.external_id) AS name
          FROM unified_conversation c LEFT JOIN contact ct ON ct.id=c.contact_id
          WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.external_id NOT LIKE '%@g.us'
-         ORDER BY (c.channel='WHATSAPP') DESC, c.last_ts DESC LIMIT 1`,
+         ORDER BY (c.external_id='447700900112@s.whatsapp.net') DESC, c.last_ts DESC LIMIT 1`,
       )
       .get(workspace) ?? fail("No conversation yet: the engines of the demonstration need a moment.")
   );
 }
 
 const actions = {
-  draft(db: DatabaseSync, text = "Thank you! I have just checked: it is ready, and you can pick it up from Thursday on.") {
+  draft(db: DatabaseSync, text = "They do: twelve side plates stand 31 cm high, so 40 is plenty. I'll pack them that way.") {
     const workspace = activeWorkspace(db);
     const to = somebody(db, workspace);
     const now = Date.now();
@@ -55,7 +56,7 @@ const actions = {
     return `${id}, a message to ${to.name}`;
   },
 
-  proposal(db: DatabaseSync, text = "Would like the bowls in two sizes, and the glaze a shade darker.") {
+  proposal(db: DatabaseSync, text = "The side plates must stack: 40 cm between the shelves of the second place.") {
     const workspace = activeWorkspace(db);
     const about = somebody(db, workspace);
     const now = Date.now();
@@ -67,7 +68,7 @@ const actions = {
     return `${id}, a note on ${about.name}`;
   },
 
-  decision(db: DatabaseSync, text = "Pay the clay supplier's invoice of 340 euros.") {
+  decision(db: DatabaseSync, text = "Pay the invoice of 340 euros for the clay of Okafor's plates.") {
     db.exec(`CREATE TABLE IF NOT EXISTS work_decision(id TEXT PRIMARY KEY, context_id TEXT, module TEXT, title TEXT,
       status TEXT, proposal TEXT, rationale TEXT, risk TEXT, decided_by TEXT, created_at TEXT, updated_at TEXT)`);
     const now = new Date().toISOString().replace(/\.\d+Z$/, "Z");
