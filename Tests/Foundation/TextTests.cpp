@@ -36,6 +36,7 @@ TEST(Text, aPromptLineIsOneLine)
     EXPECT_EQ(promptLine(QStringLiteral(" abc "), 3), QStringLiteral("abc"));
     EXPECT_EQ(promptLine(QStringLiteral("ab c"), 3), QStringLiteral("ab ..."));
     EXPECT_EQ(promptLine(QStringLiteral("\n"), 3), QString());
+    EXPECT_EQ(promptLine(u'a' + QString(1000, QChar(0x301)), 3).size(), 3 * 16 + 3) << "one character of 1001 units";
 }
 
 TEST(Ids, haveTheShapesThatRowsAreFoundBy)

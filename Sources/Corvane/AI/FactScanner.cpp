@@ -85,6 +85,8 @@ std::optional<Fact> readPhone(const Match& match)
 {
     QString digits = match.captured();
     digits.removeIf([](QChar sign) { return !sign.isDigit(); });
+    if (digits.size() < 7)
+        return std::nullopt;
     return same(key(u'p', digits.last(7))); // however the country is told
 }
 
@@ -244,8 +246,8 @@ const QList<Pattern>& patterns()
         const QString unit = QStringLiteral("€|US\\$|\\$|£|¥|EUR\\b|USD\\b|GBP\\b|CHF\\b");
         return QList<Pattern> {
             { expression(QStringLiteral("(?<![\\w.+-])[\\w.+-]++@([\\w-]+(?:\\.[\\w-]+)+)")), readMail },
-            { expression(
-                  QStringLiteral("(?:https?://|www\\.)[^\\s<>\"'\u201C\u201D)\\]]*[^\\s<>\"'\u201C\u201D)\\].,;:!?]")),
+            { expression(QStringLiteral(
+                  "(?<!\\w)(?:https?://|www\\.)[^\\s<>\"'\u201C\u201D)\\]]*[^\\s<>\"'\u201C\u201D)\\].,;:!?]")),
                 readUrl },
             { expression(
                   QStringLiteral("(?<![\\w.-])(?:[a-z0-9-]++\\.)+[a-z]{2,}/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?]")),

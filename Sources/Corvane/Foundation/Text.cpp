@@ -74,8 +74,9 @@ QString promptLine(const QString& text)
 
 QString promptLine(const QString& text, int limit)
 {
+    // A single character may carry any number of marks; sixteen units are more than any emoji takes.
     const QString trimmed = text.trimmed();
-    const QString start = firstCharacters(trimmed, limit);
+    const QString start = firstCharacters(trimmed.left(16 * limit), limit);
     return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + QStringLiteral("...");
 }
 

@@ -16,7 +16,7 @@ QString firstCharacters(const QString& text, int count);
 /// One line of a prompt: whatever would end a line and tabs become blanks, and the ends are trimmed.
 QString promptLine(const QString& text);
 
-/// The same, and a text of more than `limit` characters is cut there and ends in "...".
+/// The same, and a text of more than `limit` characters, or of absurdly long ones, is cut there and ends in "...".
 QString promptLine(const QString& text, int limit);
 
 }
