@@ -20,6 +20,7 @@
 #include "Platform/ToolRunner.h"
 #include "Store/IngestQueries.h"
 #include "Store/LocalDB.h"
+#include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
@@ -91,6 +92,7 @@ private:
     Notifier m_notifier { m_banners, m_centre, m_defaults, m_scheduler, [] {
                          } };
     FakeDesktop m_desktop;
+    FakeAudioPlayer m_player;
     EngineManager m_engine {
         { m_paths, m_scheduler, *m_launcher, m_ports, m_background, m_keychain, m_notifier, m_desktop }, openCopy()
     };
@@ -101,8 +103,8 @@ private:
     std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
     AIServices m_ai { *m_model, *m_facts, *m_tools, {}, m_scheduler };
     TranslationService m_translations { *m_facts };
-    InboxView m_inbox { InboxView::Surroundings {
-        m_engine, m_accounts, m_defaults, m_centre, m_scheduler, *m_microphone, m_paths, m_ai, m_translations } };
+    InboxView m_inbox { InboxView::Surroundings { m_engine, m_accounts, m_defaults, m_centre, m_scheduler,
+        *m_microphone, m_desktop, m_player, m_paths, m_ai, m_translations } };
     IncomingMessage m_message;
     int m_messages = 0;
 };

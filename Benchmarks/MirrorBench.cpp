@@ -88,14 +88,26 @@ std::unique_ptr<LocalDB> MirrorBench::open()
         path(), LocalDB::SchemaFolders { resourceFolder(), {} }, m_scheduler, m_defaults, m_centre);
 }
 
-void MirrorBench::learnStatements()
+QByteArray MirrorBench::statementOf(const std::function<void(LocalDB&)>& work)
+{
+    const auto traced = openTraced();
+    tracedStatements.clear();
+    work(*traced);
+    return tracedStatements.last();
+}
+
+std::unique_ptr<LocalDB> MirrorBench::openTraced()
 {
     sqlite3_auto_extension(reinterpret_cast<void (*)()>(traceConnection));
-    const auto traced = open();
+    auto traced = open();
     sqlite3_reset_auto_extension();
-    tracedStatements.clear();
-    fetchContacts(*traced, InboxFilter::All, {}, 300);
-    m_contacts = tracedStatements.last();
+    return traced;
+}
+
+void MirrorBench::learnStatements()
+{
+    m_contacts = statementOf([](LocalDB& db) { fetchContacts(db, InboxFilter::All, {}, 300); });
+    const auto traced = openTraced();
     for (const char* providerId : { "first", "second" }) { // the second finds its conversation linked
         tracedStatements.clear();
         IncomingMessage message;

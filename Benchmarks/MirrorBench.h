@@ -26,6 +26,9 @@ public:
     sqlite3* bare() { return m_bare; }
     const QByteArray& contactsStatement() const { return m_contacts; } ///< what `fetchContacts` runs
 
+    /// The last statement that `work` runs on a store of its own, so that a rival runs the very same text.
+    QByteArray statementOf(const std::function<void(LocalDB&)>& work);
+
     /// A live message as an engine tells it: somebody who is known already writes something new.
     IncomingMessage nextMessage();
 
@@ -35,6 +38,7 @@ public:
 
 private:
     std::unique_ptr<LocalDB> open();
+    std::unique_ptr<LocalDB> openTraced();
     void learnStatements();
 
     QTemporaryDir m_folder;

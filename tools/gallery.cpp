@@ -8,6 +8,7 @@
 #include "Foundation/Ids.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
+#include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/MachineFacts.h"
@@ -70,6 +71,8 @@ private:
 class PictureDesktop final : public Desktop {
 public:
     void openInBrowser(const QUrl&) override { }
+    bool openFile(const QString&) override { return true; }
+    bool openLink(const QUrl&) override { return true; }
     QString hostName() const override { return u"studio"_s; }
     void setBadge(int) override { }
     ColourScheme colourScheme() const override { return scheme; }
@@ -123,6 +126,7 @@ private:
         machine.tools = makeToolRunner();
         machine.languageModel = makeLanguageModel(scheduler);
         machine.facts = makeMachineFacts(AppPaths::fromEnvironment());
+        machine.player = makeAudioPlayer(scheduler);
         return machine;
     }
 

@@ -3,6 +3,7 @@
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
 #include "Platform/ApplicationId.h"
+#include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/MachineFacts.h"
@@ -53,6 +54,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     machine.tools = makeToolRunner();
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);
+    machine.player = makeAudioPlayer(scheduler);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;

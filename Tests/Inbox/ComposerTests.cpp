@@ -26,8 +26,8 @@ protected:
     /// The next start of the program on the same files.
     std::unique_ptr<InboxView> restarted()
     {
-        return std::make_unique<InboxView>(InboxView::Surroundings {
-            engines, accounts, defaults, centre, clock, microphone, home.paths(), lumo, translations });
+        return std::make_unique<InboxView>(InboxView::Surroundings { engines, accounts, defaults, centre, clock,
+            microphone, desktop, player, home.paths(), lumo, translations });
     }
 
     void addEmailToAna()
@@ -40,6 +40,37 @@ protected:
     Composer& composer = *inbox.composer();
 };
 
+}
+
+TEST_F(ComposerTest, wordsAreDroppedAndWhatHoldsNoneIsRefusedWithAWord)
+{
+    const auto file = [this](const QString& name, const QByteArray& content) {
+        home.write(name, content);
+        return QUrl::fromLocalFile(home.path(name));
+    };
+    composer.setText("before");
+    composer.dropFiles({ file("a #1.txt", "one\r\n\x1b[1mtwo\n"), file("b.md", "drei – ü") });
+    EXPECT_EQ(composer.text(), "before\n\none\n[1mtwo\n\ndrei – ü");
+    composer.undo();
+    EXPECT_EQ(composer.text(), "before");
+    composer.dropText("  \n");
+    EXPECT_EQ(composer.text(), "before");
+
+    const std::pair<QUrl, QString> refused[] {
+        { file("photo.png", QByteArray("\x89PNG\r\n\x1a\n\0\0", 10)),
+            "photo.png holds no text, and only text can be added here." },
+        { file("blank.bin", QByteArray(10, '\0')), "blank.bin holds no text, and only text can be added here." },
+        { file("book.txt", QByteArray(70'000, 'a')), "book.txt is too long for a message." },
+        { QUrl::fromLocalFile(home.path("gone.txt")), "gone.txt can't be read." },
+        { QUrl::fromLocalFile("/proc/"), " can't be read." },
+    };
+    for (const auto& [url, words] : refused) {
+        composer.dropFiles({ url });
+        EXPECT_EQ(composer.sendError(), words);
+        EXPECT_EQ(composer.text(), "before");
+    }
+    composer.dropText("words");
+    EXPECT_EQ(composer.text() + composer.sendError(), "before\n\nwords");
 }
 
 TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)

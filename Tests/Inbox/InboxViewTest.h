@@ -103,7 +103,7 @@ protected:
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
     InboxView inbox { InboxView::Surroundings {
-        engines, accounts, defaults, centre, clock, microphone, home.paths(), lumo, translations } };
+        engines, accounts, defaults, centre, clock, microphone, desktop, player, home.paths(), lumo, translations } };
     QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester threadTester { inbox.thread()->rows(),

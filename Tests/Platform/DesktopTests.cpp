@@ -143,7 +143,22 @@ TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
         "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|");
     EXPECT_EQ(log.lines(), QStringList("Desktop.openInBrowser: not a web address: file:///etc/passwd"));
 
+    const auto handedOver = [&] {
+        EXPECT_TRUE(await([&] { return QFile::exists(opened.fileName()); }));
+        QFile file(opened.fileName());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString arguments = QString::fromUtf8(file.readAll());
+        file.remove();
+        return arguments;
+    };
+    handedOver();
+    EXPECT_TRUE(desktop.openFile("/a folder/-x #1.pdf"));
+    EXPECT_EQ(handedOver(), "1|file:///a%20folder/-x%20%231.pdf|");
+    EXPECT_TRUE(desktop.openLink(QUrl("whatsapp://send?phone=49171")));
+    EXPECT_EQ(handedOver(), "1|whatsapp://send?phone=49171|");
+
     qputenv("PATH", "/nonexistent");
+    EXPECT_FALSE(desktop.openFile("/a.pdf"));
     desktop.openInBrowser(QUrl("https://nimb.test"));
     EXPECT_TRUE(log.contains("xdg-open does not start"));
     qputenv("PATH", path);

@@ -3,6 +3,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Shell/CorvaneApp.h"
+#include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/FakeLauncher.h"
@@ -26,6 +27,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.addressBook = makeAddressBook(paths);
     machine.tools = std::make_unique<NoTools>();
     machine.languageModel = std::make_unique<FakeLanguageModel>();
+    machine.player = std::make_unique<FakeAudioPlayer>();
     machine.facts = std::make_unique<FakeMachineFacts>();
     return machine;
 }

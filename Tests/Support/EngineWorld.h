@@ -7,6 +7,7 @@
 #include "Notifications/Notifier.h"
 #include "Platform/Keychain.h"
 #include "Store/LocalDB.h"
+#include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeLauncher.h"
 #include "Support/FakeMicrophone.h"
@@ -45,6 +46,7 @@ struct EngineSurroundings {
                        } };
     FakeDesktop desktop;
     FakeMicrophone microphone;
+    FakeAudioPlayer player;
 };
 
 /// A manager whose engines a test plays.

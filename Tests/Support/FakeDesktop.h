@@ -10,6 +10,16 @@ namespace corvane {
 class FakeDesktop final : public Desktop {
 public:
     void openInBrowser(const QUrl& url) override { opened.append(url); }
+    bool openFile(const QString& path) override
+    {
+        openedFiles.append(path);
+        return opens;
+    }
+    bool openLink(const QUrl& link) override
+    {
+        openedLinks.append(link);
+        return opens;
+    }
     QString hostName() const override { return host; }
     void setBadge(int count) override { badge = count; }
     ColourScheme colourScheme() const override { return scheme; }
@@ -23,6 +33,9 @@ public:
     }
 
     QList<QUrl> opened;
+    QStringList openedFiles;
+    QList<QUrl> openedLinks;
+    bool opens = true; ///< whether a program is there for files and links
     QString host = QStringLiteral("studio+1");
     int badge = -1; ///< -1 until it is set
     ColourScheme scheme = ColourScheme::Light;

@@ -27,6 +27,53 @@ TEST_F(KeyboardTest, theListIsWalkedReadAndLeftWithKeysAlone)
     EXPECT_EQ(inbox.selectedId(), QString());
 }
 
+TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
+{
+    showInbox();
+    const QString sound = home.path(u"share/Corvane/media/main/a.wav"_s);
+    home.write(u"share/Corvane/media/main/a.wav"_s,
+        QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1f\0\0\x80\x3e\0\0\x02\0\x10\0data\0\0\0\0", 44));
+    receive(*launcher.children.first(), u"49171@s.whatsapp.net"_s, u"Ana Ruiz"_s, {},
+        { { "mediaType", "audio" }, { "mediaPath", sound } });
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    ASSERT_TRUE(focusWithin(u"thread.list"_s));
+
+    player.duration = 60'000;
+    press(Qt::Key_Space);
+    EXPECT_EQ(player.played, QStringList(sound));
+    press(Qt::Key_Right);
+    press(Qt::Key_Right);
+    press(Qt::Key_Left);
+    EXPECT_EQ(player.position, 5'000);
+    press(Qt::Key_Space);
+    EXPECT_EQ(player.current, AudioPlayer::State::Paused);
+
+    press(Qt::Key_Up);
+    const int rows = inbox.thread()->rows()->rowCount();
+    press(Qt::Key_Delete);
+    EXPECT_EQ(inbox.thread()->rows()->rowCount(), rows - 1);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(inbox.thread()->rows()->rowCount(), rows);
+
+    press(Qt::Key_Up);
+    press(Qt::Key_Return);
+    ASSERT_NE(findItem(u"message.moods"_s), nullptr);
+    press(Qt::Key_Down);
+    press(Qt::Key_Right);
+    press(Qt::Key_Return);
+    EXPECT_EQ(findItem(u"message.moods"_s), nullptr);
+    EXPECT_TRUE(launcher.children.first()->written.contains("\u2764")) << "the second mood went out";
+    EXPECT_TRUE(focusWithin(u"thread.list"_s));
+
+    press(Qt::Key_Return);
+    for (int i = 0; i < 3; ++i)
+        press(Qt::Key_Down);
+    press(Qt::Key_Right);
+    press(Qt::Key_Return);
+    EXPECT_EQ(engines.pendingDrafts().size(), 1) << "forwarded as a draft";
+}
+
 TEST_F(KeyboardTest, aConversationIsMutedArchivedAndBroughtBackWithKeys)
 {
     showInbox();

@@ -206,6 +206,48 @@ TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
 
+TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    QQuickItem* thread = item(u"thread.list"_s);
+    ASSERT_NE(thread, nullptr);
+    const auto placeOf = [&](const QString& body) {
+        for (QQuickItem* row : visibleItems()) {
+            if (row->property("body").toString() == body)
+                return row->mapToItem(thread, QPointF()).y();
+        }
+        return -1.0;
+    };
+    int older = 0;
+    const auto receiveOlder = [&] {
+        for (int i = 0; i < 50; ++i, ++older) {
+            launcher.children.first()->printEvent({ { "type", "message" }, { "convExternalId", "49171@s.whatsapp.net" },
+                { "providerMsgId", u"old%1"_s.arg(older) }, { "historical", true },
+                { "body", i % 7 ? u"older"_s : u"a long one from before "_s.repeated(40) },
+                { "ts", clock.nowMs() - 60'000LL * 60 * (5 + older) } });
+        }
+        clock.advance(seconds(1));
+        rest();
+    };
+    const int loaded = thread->property("count").toInt();
+    thread->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Home);
+    const double atTop = placeOf(u"Message 0 of a long morning"_s);
+    EXPECT_GT(atTop, 0);
+    receiveOlder();
+    EXPECT_GE(thread->property("count").toInt(), loaded + 50);
+    EXPECT_NEAR(placeOf(u"Message 0 of a long morning"_s), atTop, 1);
+
+    inbox.openHit(u"wa:msg:m25"_s);
+    rest();
+    const QString read = u"Message 19 of a long morning"_s;
+    const double inTheMiddle = placeOf(read);
+    EXPECT_GT(inTheMiddle, 0);
+    receiveOlder();
+    EXPECT_NEAR(placeOf(read), inTheMiddle, 1);
+}
+
 TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
 {
     showInbox();
@@ -283,6 +325,38 @@ TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
     ASSERT_TRUE(await([&] { return photo->property("status").toInt() == 1; }));
     const QPoint middle = photo->mapToScene(QPointF(160, 80)).toPoint();
     EXPECT_EQ(this->picture().pixelColor(middle), QColor(200, 30, 30));
+}
+
+TEST_F(ScreenTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
+{
+    const auto path = [this](const QString& name) {
+        return home.path(u"share/Corvane/media/main/"_s + name);
+    };
+    home.write(u"share/Corvane/media/main/fake.png"_s, "<html>no picture</html>");
+    home.write(u"secret.png"_s, "private");
+    ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
+    QImage picture(800, 400, QImage::Format_RGB32);
+    picture.fill(QColor(200, 30, 30));
+    ASSERT_TRUE(picture.save(path(u"cut.png"_s)));
+    QFile cut(path(u"cut.png"_s));
+    ASSERT_TRUE(cut.resize(cut.size() / 3));
+    showInbox();
+    for (const QString& name : { u"fake.png"_s, u"link.png"_s, u"cut.png"_s, u"gone.png"_s })
+        receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
+            { { "mediaType", "image" }, { "mediaPath", path(name) } });
+    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    const auto isShown = [this](const QString& text) {
+        return std::ranges::any_of(
+            visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
+    };
+    for (const QString& words : { u"Image file holds something else than it says, so it is not opened."_s,
+             u"Image file is a link to a place outside the media folder, so it is not opened."_s,
+             u"Image file is damaged: its end is missing."_s, u"Image file is missing from local media cache."_s }) {
+        EXPECT_TRUE(await([&] {
+            rest();
+            return isShown(words);
+        })) << qPrintable(words);
+    }
 }
 
 TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)

@@ -63,7 +63,7 @@ protected:
     FakeLumo lumo { clock };
     TranslationService translations { lumo.machine };
     Screens screens { Screens::Surroundings { engines, accounts, session, keychain, defaults, centre, clock, desktop,
-        microphone, home.paths(), lumo, translations } };
+        microphone, player, home.paths(), lumo, translations } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

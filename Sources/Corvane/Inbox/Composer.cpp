@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Inbox/DroppedText.h"
 #include "Inbox/ReplyRouting.h"
 #include "Store/IdentityQueries.h"
 
@@ -116,6 +117,22 @@ void Composer::apply(const QString& text, Placement placement)
     m_beforeApply = before;
     Q_EMIT undoChanged();
     Q_EMIT focusRequested();
+}
+
+void Composer::dropText(const QString& text)
+{
+    setSendError({});
+    if (!text.trimmed().isEmpty())
+        apply(text.trimmed(), Placement::After);
+}
+
+void Composer::dropFiles(const QList<QUrl>& files)
+{
+    const auto text = DroppedText::ofFiles(files);
+    if (text)
+        dropText(*text);
+    else
+        setSendError(text.error().message);
 }
 
 void Composer::undo()

@@ -4,6 +4,7 @@
 #include "Inbox/VoiceRecorder.h"
 #include "Store/InboxQueries.h"
 
+#include <QUrl>
 #include <QVariantList>
 
 namespace corvane {
@@ -68,6 +69,8 @@ public:
     Q_INVOKABLE void undo(); ///< the text is again what it was before the last `apply`
     Q_INVOKABLE void send();
     Q_INVOKABLE void dismissError() { setSendError({}); }
+    Q_INVOKABLE void dropText(const QString& text); ///< let go over the field
+    Q_INVOKABLE void dropFiles(const QList<QUrl>& files); ///< their texts; what is no text is refused
     Q_INVOKABLE void startVoice();
     Q_INVOKABLE void sendVoice();
 

@@ -80,11 +80,16 @@ QString snippetAround(const QString& text, const QString& query)
 
 }
 
+QString contactName(const ContactRow& row)
+{
+    return nameOf(row.name, row.platforms);
+}
+
 ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words)
 {
     ContactItem item;
     item.id = row.id;
-    item.name = nameOf(row.name, row.platforms);
+    item.name = contactName(row);
     item.platforms = row.platforms;
     for (const QString& platform : row.platforms)
         item.platformLabels.append(channelLabel(platform));

@@ -53,6 +53,7 @@ public:
 
 /// Everything but `dateGroup`, `selected` and `checked`. `mediaType` names the newest message's medium where
 /// that message has no text.
+QString contactName(const ContactRow& row); ///< as the list shows it
 ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words);
 
 /// A message that the search found, in the words of the screen.

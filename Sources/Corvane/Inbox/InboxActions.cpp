@@ -16,7 +16,6 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds undoTime { 10'000 };
 const QString whatsApp = QStringLiteral("WHATSAPP");
 
 }
@@ -57,13 +56,14 @@ void InboxView::select(const QString& contactId)
 // Shows the person at once; the list is read again at the next turn, so that held arrow keys keep their pace.
 void InboxView::openContact(const ContactRow& row)
 {
+    const int unread = row.unread; // counted as read from here on
     m_selectedRow = row;
     m_selectedId = row.id;
     m_jumpMsgId.clear();
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
     readSelected();
-    openPanes(m_selectedRow);
+    openPanes(m_selectedRow, unread);
     m_reloadSoon.request();
     present();
     Q_EMIT selectionChanged();
@@ -82,9 +82,9 @@ void InboxView::close()
     Q_EMIT selectionChanged();
 }
 
-void InboxView::openPanes(const ContactRow& row)
+void InboxView::openPanes(const ContactRow& row, int unread)
 {
-    m_thread.open(row);
+    m_thread.open(row, unread);
     m_composer.open(row);
     m_assistant.open(row);
     m_summary.open(row);
@@ -231,36 +231,12 @@ void InboxView::archive(const QStringList& contactIds, const QString& text)
     if (contactIds.contains(m_selectedId))
         close();
     m_bulk.clear();
-    offerUndo(text, [this, contactIds] {
+    m_undo.offer(text, [this, contactIds] {
         for (const QString& contactId : contactIds)
             unarchiveContact(db(), contactId);
         afterAction();
     });
     afterAction();
-}
-
-void InboxView::offerUndo(const QString& text, const std::function<void()>& back)
-{
-    m_undo = back;
-    m_undoText = text;
-    m_undoEnd = m_scheduler.after(undoTime, [this] { dismissUndo(); });
-    Q_EMIT undoChanged();
-}
-
-void InboxView::undo()
-{
-    const auto back = std::exchange(m_undo, nullptr);
-    dismissUndo();
-    if (back)
-        back();
-}
-
-void InboxView::dismissUndo()
-{
-    m_undo = nullptr;
-    m_undoText.clear();
-    m_undoEnd.reset();
-    Q_EMIT undoChanged();
 }
 
 void InboxView::unarchive(const QString& contactId)

@@ -24,6 +24,12 @@ QVariantMap choice(const QString& key, const QString& label)
     return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label } };
 }
 
+/// Where engines are told to keep what messages carry.
+QString mediaFolder(const AppPaths& paths)
+{
+    return paths.applicationSupport + QStringLiteral("/media");
+}
+
 }
 
 InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
@@ -46,6 +52,12 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
               return composeNew(account, recipient, message);
           })
     , m_crm(m_engine.db(), m_scheduler)
+    , m_undo(m_scheduler, [this] { Q_EMIT undoChanged(); })
+    , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo, mediaFolder(surroundings.paths),
+          [this] {
+              return m_contacts;
+          } })
+    , m_voicePlayer(surroundings.player, m_thread, mediaFolder(surroundings.paths))
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
     , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
 {
@@ -54,7 +66,9 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
-    connect(&m_crm, &CRMPane::undoable, this, &InboxView::offerUndo);
+    connect(&m_crm, &CRMPane::undoable, this,
+        [this](const QString& text, const std::function<void()>& back) { m_undo.offer(text, back); });
+    connect(&m_messageActions, &MessageActions::messagesChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
     connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
     connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);

@@ -12,10 +12,13 @@
 #include "Inbox/ContactItem.h"
 #include "Inbox/DraftAssistant.h"
 #include "Inbox/InboxList.h"
+#include "Inbox/MessageActions.h"
 #include "Inbox/MessageHits.h"
 #include "Inbox/PendingDraftsView.h"
 #include "Inbox/ThreadSummary.h"
 #include "Inbox/ThreadView.h"
+#include "Inbox/UndoOffer.h"
+#include "Inbox/VoicePlayer.h"
 #include "Inbox/WebStaleness.h"
 
 #include <QVariantList>
@@ -23,6 +26,8 @@
 namespace corvane {
 
 class TranslationService;
+class AudioPlayer;
+class Desktop;
 class UserDefaults;
 struct AIServices;
 struct AppPaths;
@@ -58,6 +63,8 @@ class InboxView : public QObject {
         corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nothing is open
     Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
     Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
+    Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
+    Q_PROPERTY(corvane::VoicePlayer* voicePlayer READ voicePlayer CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
     Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
@@ -84,6 +91,8 @@ public:
         NotificationCentre& notifications;
         Scheduler& scheduler;
         Microphone& microphone;
+        Desktop& desktop;
+        AudioPlayer& player;
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;
@@ -123,6 +132,8 @@ public:
     ContactItem selected() const { return m_selected; }
     ThreadView* thread() { return &m_thread; }
     CRMPane* crm() { return &m_crm; }
+    MessageActions* messageActions() { return &m_messageActions; }
+    VoicePlayer* voicePlayer() { return &m_voicePlayer; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     Composer* composer() { return &m_composer; }
     DraftAssistant* assistant() { return &m_assistant; }
@@ -140,7 +151,7 @@ public:
     const QString& workspaceNotice() const { return m_workspaceNotice; }
     const QVariantList& stalenessBanners() const { return m_banners; }
     BulkSelection* bulk() { return &m_bulk; }
-    const QString& undoText() const { return m_undoText; }
+    const QString& undoText() const { return m_undo.text(); }
 
     Q_INVOKABLE void appear(); ///< each time the screen shows
     Q_INVOKABLE void reload();
@@ -160,8 +171,8 @@ public:
     Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
     Q_INVOKABLE void unarchive(const QString& contactId);
     Q_INVOKABLE void markAllRead();
-    Q_INVOKABLE void undo(); ///< of what `undoText` tells
-    Q_INVOKABLE void dismissUndo();
+    Q_INVOKABLE void undo() { m_undo.take(); } ///< the way back that `undoText` offers
+    Q_INVOKABLE void dismissUndo() { m_undo.dismiss(); }
 
     Q_INVOKABLE void archiveChecked();
     Q_INVOKABLE void muteChecked(); ///< mutes all; where all are muted, unmutes all
@@ -199,12 +210,11 @@ private:
     const ContactRow* find(const QString& contactId) const;
     void openContact(const ContactRow& row);
     void close();
-    void openPanes(const ContactRow& row); ///< beside the list; with an empty id: nobody
+    void openPanes(const ContactRow& row, int unread = 0); ///< beside the list; with an empty id: nobody
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();
     void archive(const QStringList& contactIds, const QString& text);
-    void offerUndo(const QString& text, const std::function<void()>& back); ///< for ten seconds
     void runPaletteAction(PaletteAction action);
     void afterAction();
 
@@ -238,6 +248,9 @@ private:
     PendingDraftsView m_drafts;
     ComposeSheet m_composeSheet;
     CRMPane m_crm;
+    UndoOffer m_undo;
+    MessageActions m_messageActions;
+    VoicePlayer m_voicePlayer;
     CommandPalette m_palette;
     BulkSelection m_bulk;
 
@@ -247,14 +260,11 @@ private:
     QString m_workspaceNotice;
     WebMirror m_webMirror;
     QVariantList m_banners;
-    std::function<void()> m_undo;
-    QString m_undoText;
 
     Coalescer m_reloadSoon;
     Coalescer m_countsSoon;
     std::unique_ptr<Timer> m_searchDebounce;
     std::unique_ptr<Timer> m_midnight;
-    std::unique_ptr<Timer> m_undoEnd;
     NotificationCentre::Observation m_workspaceChanged;
     NotificationCentre::Observation m_conversationAsked;
     NotificationCentre::Observation m_composerAsked;

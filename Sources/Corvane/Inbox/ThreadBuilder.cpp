@@ -37,7 +37,7 @@ private:
 QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows)
 {
     QList<ThreadItem> items;
-    items.reserve(rows.size() + rows.size() / 8);
+    items.reserve(rows.size() * 2); // each message may have a day of its own
     DayLabels days;
     QString previousLabel;
     for (qsizetype i = 0; i < rows.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include "Engines/Account.h"
 #include "Foundation/Text.h"
+#include "Inbox/BodyText.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/UnifiedBubble.h"
 #include "Inbox/WAName.h"
@@ -14,6 +15,9 @@ namespace {
 
 using UnifiedBubble::MediaState;
 using UnifiedBubble::Ticks;
+
+constexpr qsizetype spokenLength = 1000;
+constexpr qsizetype longestSender = 200;
 
 QString ticksWord(Ticks::Kind kind)
 {
@@ -51,25 +55,16 @@ QString mediaStateWord(MediaState::Kind kind)
     return {};
 }
 
-// A body may be a whole book, which to lay out would hold the window; copying takes it whole.
-QString readablePart(const QString& text)
+/// Cuts what may be a whole book, which to lay out would hold the window; returns how much is left out.
+qsizetype shorten(UnifiedMsgRow& row, qsizetype length)
 {
-    constexpr int readable = 10'000;
-    if (text.size() <= readable)
-        return text;
-    const QString part = firstCharacters(text.first(readable), readable - 1);
-    return QStringLiteral("%1…\n\n%L2 more characters. Copy takes the whole text.")
-        .arg(part)
-        .arg(text.size() - part.size());
-}
-
-UnifiedMsgRow readablePart(UnifiedMsgRow row)
-{
-    row.body = readablePart(row.body);
+    const auto body = BodyText::shown(row.body, length);
+    const auto transcript = BodyText::shown(row.audioTranscript.value_or(QString()), length);
+    row.body = body.text;
     if (row.audioTranscript)
-        row.audioTranscript = readablePart(*row.audioTranscript);
-    row.sender = singleLine(row.sender.left(200));
-    return row;
+        row.audioTranscript = transcript.text;
+    row.sender = singleLine(row.sender.left(longestSender));
+    return body.hidden + transcript.hidden;
 }
 
 // A picture carries its caption below it; a document, or a medium that is not here, is a card with a title,
@@ -107,7 +102,7 @@ QString spokenMessage(const ThreadRow& shown, const QString& sender)
     if (!shown.mediaKind.isEmpty())
         parts.append(UnifiedBubble::mediaWord(shown.mediaKind));
     const QString text = shown.mediaKind.isEmpty() ? shown.body : shown.mediaTitle;
-    return parts.join(QStringLiteral(", ")) + QStringLiteral(": ") + text;
+    return parts.join(QStringLiteral(", ")) + QStringLiteral(": ") + BodyText::shown(text, spokenLength).text;
 }
 
 ThreadRow dateRow(const QString& label)
@@ -122,8 +117,9 @@ ThreadRow dateRow(const QString& label)
 
 ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroundings, const DateWords& words)
 {
-    const UnifiedMsgRow row = readablePart(message.row);
     ThreadRow shown;
+    UnifiedMsgRow row = message.row;
+    shown.moreText = BodyText::moreText(shorten(row, surroundings.lengths.value(row.id, firstBodyLength)));
     shown.id = row.id;
     shown.outgoing = row.direction == QStringLiteral("OUT");
     shown.grouped = message.grouped;
@@ -137,6 +133,9 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     shown.ticksText = ticks.text;
     shown.ticksHelp = ticks.help;
     shown.reaction = row.reaction;
+    if (row.id == surroundings.firstUnreadId)
+        shown.unreadText = surroundings.unread == 1 ? QStringLiteral("1 unread message")
+                                                    : QStringLiteral("%1 unread messages").arg(surroundings.unread);
     shown.highlighted = row.id == surroundings.highlightId;
     describeMedia(shown, row, surroundings);
     shown.spoken = spokenMessage(shown, row.sender.trimmed().isEmpty() ? surroundings.contactName : row.sender);

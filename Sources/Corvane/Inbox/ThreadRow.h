@@ -18,6 +18,8 @@ class ThreadRow {
     Q_PROPERTY(bool showTime MEMBER showTime)
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString moreText MEMBER moreText)
+    Q_PROPERTY(QString unreadText MEMBER unreadText)
     Q_PROPERTY(QString senderLabel MEMBER senderLabel)
     Q_PROPERTY(QString platform MEMBER platform)
     Q_PROPERTY(QString channelLabel MEMBER channelLabel)
@@ -42,6 +44,8 @@ public:
     bool showTime = false; ///< the last bubble of its run: time and ticks are shown
     QString timeText;
     QString body; ///< text of the bubble; empty where the medium's title says it already
+    QString moreText; ///< the label of what shows more of a long body, else empty
+    QString unreadText; ///< above the first message that was unread when the thread was opened: "3 unread messages"
     QString senderLabel; ///< group chats: first bubble of a run
     QString platform; ///< such as "WHATSAPP"
     QString channelLabel; ///< the channel's name where it differs from that of the message above, else empty
@@ -62,11 +66,17 @@ public:
     bool operator==(const ThreadRow&) const = default;
 };
 
+/// How much of a body is shown at first.
+constexpr qsizetype firstBodyLength = 10'000;
+
 /// What a thread's rows depend on besides its messages.
 struct ThreadSurroundings {
     QString contactName; ///< who speaks where a message does not say
     bool isGroup = false;
     QString highlightId;
+    QString firstUnreadId;
+    int unread = 0; ///< how many messages are unread from that one on
+    QHash<QString, qsizetype> lengths = {}; ///< of bodies that a person wanted to see more of
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
 };
 

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int threadLimit = 1000;
 constexpr int olderCount = 50;
+constexpr qsizetype longerBy = 8;
 constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
 const QString whatsApp = QStringLiteral("WHATSAPP");
@@ -26,7 +27,7 @@ ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler&
     , m_scheduler(scheduler)
 {
     connect(&engine, &EngineManager::mediaDownloadStatusChanged, this, [this](const QString& messageId) {
-        if (find(messageId))
+        if (message(messageId))
             present();
     });
 }
@@ -41,7 +42,7 @@ QString ThreadView::loadOlderText() const
     return loadingMore() ? QStringLiteral("Loading older messages…") : QStringLiteral("Load older messages");
 }
 
-void ThreadView::open(const ContactRow& contact)
+void ThreadView::open(const ContactRow& contact, int unread)
 {
     const bool sameFacts = contact.id == m_contact.id && contact.platforms == m_contact.platforms
         && contact.isGroup == m_contact.isGroup;
@@ -50,6 +51,9 @@ void ThreadView::open(const ContactRow& contact)
     if (!samePerson) {
         m_messages.clear();
         m_loaded = false;
+        m_unread = unread;
+        m_firstUnreadId.clear();
+        m_lengths.clear();
         m_highlightId.clear();
         m_highlightEnd.reset();
         m_loadingMore.reset();
@@ -57,9 +61,9 @@ void ThreadView::open(const ContactRow& contact)
         Q_EMIT loadingMoreChanged();
         Q_EMIT highlightChanged();
     }
+    reload();
     if (!sameFacts)
         Q_EMIT contactChanged();
-    reload();
 }
 
 void ThreadView::reload()
@@ -74,10 +78,26 @@ void ThreadView::reload()
     const std::optional<qint64> newest
         = first || m_messages.isEmpty() ? std::nullopt : std::optional(m_messages.last().ts);
     m_messages = messages;
+    if (first)
+        markFirstUnread();
     present();
     Q_EMIT changed();
     if (newest && !messages.isEmpty() && messages.last().ts > *newest && messages.last().direction == u"IN")
         Q_EMIT announced(m_rows.rows().last().spoken);
+}
+
+// A live message of the other side raises the counter by one, so the unread ones are the last of those.
+void ThreadView::markFirstUnread()
+{
+    if (m_messages.size() >= threadLimit)
+        return; // the newest may lie behind the end of what is shown
+    int left = m_unread;
+    for (auto row = m_messages.crbegin(); row != m_messages.crend() && left > 0; ++row) {
+        if (row->direction == u"OUT")
+            continue;
+        m_firstUnreadId = row->id;
+        --left;
+    }
 }
 
 void ThreadView::highlight(const QString& messageId)
@@ -109,13 +129,13 @@ void ThreadView::loadOlder()
 
 void ThreadView::fetchMedia(const QString& messageId)
 {
-    if (const UnifiedMsgRow* row = find(messageId))
+    if (const UnifiedMsgRow* row = message(messageId))
         m_engine.retryMediaDownload(*row);
 }
 
 void ThreadView::react(const QString& messageId, const QString& emoji)
 {
-    const UnifiedMsgRow* row = find(messageId);
+    const UnifiedMsgRow* row = message(messageId);
     if (!row)
         return;
     const auto target = replyTarget(m_engine.db(), m_contact.id, row->platform);
@@ -129,9 +149,18 @@ void ThreadView::react(const QString& messageId, const QString& emoji)
     reload();
 }
 
+void ThreadView::showMore(const QString& messageId)
+{
+    if (!message(messageId))
+        return;
+    qsizetype& length = m_lengths[messageId];
+    length = std::max(length, firstBodyLength) * longerBy;
+    present();
+}
+
 QString ThreadView::readableText(const QString& messageId) const
 {
-    const UnifiedMsgRow* row = find(messageId);
+    const UnifiedMsgRow* row = message(messageId);
     return row ? UnifiedBubble::readableText(*row) : QString();
 }
 
@@ -148,6 +177,9 @@ void ThreadView::present()
         { .contactName = m_contact.name,
             .isGroup = m_contact.isGroup,
             .highlightId = m_highlightId,
+            .firstUnreadId = m_firstUnreadId,
+            .unread = m_unread,
+            .lengths = m_lengths,
             .download = [this](const QString& messageId) {
                 return m_engine.mediaDownloadStatus(messageId);
             } }));
@@ -161,7 +193,7 @@ void ThreadView::setError(const QString& text)
     Q_EMIT errorTextChanged();
 }
 
-const UnifiedMsgRow* ThreadView::find(const QString& messageId) const
+const UnifiedMsgRow* ThreadView::message(const QString& messageId) const
 {
     const auto found = std::ranges::find(m_messages, messageId, &UnifiedMsgRow::id);
     return found == m_messages.end() ? nullptr : &*found;

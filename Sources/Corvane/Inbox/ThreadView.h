@@ -17,6 +17,7 @@ class ThreadView : public QObject {
     Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
+    Q_PROPERTY(QString firstUnreadId READ firstUnreadId NOTIFY contactChanged) ///< at the opening; empty for none
     Q_PROPERTY(QString highlightId READ highlightId NOTIFY highlightChanged)
     Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY contactChanged)
     Q_PROPERTY(bool loadingMore READ loadingMore NOTIFY loadingMoreChanged)
@@ -35,13 +36,20 @@ public:
     QString loadOlderText() const;
     const QString& errorText() const { return m_errorText; }
 
-    void open(const ContactRow& contact); ///< a row without an id closes the thread
+    /// A row without an id closes the thread. `unread` messages are new to the person who opens it; the mark
+    /// above them stays until another thread is opened.
+    void open(const ContactRow& contact, int unread = 0);
     void reload();
     void highlight(const QString& messageId); ///< for a moment
+
+    const QString& firstUnreadId() const { return m_firstUnreadId; }
+    const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
+    void setError(const QString& text);
 
     Q_INVOKABLE void loadOlder();
     Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
     Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
+    Q_INVOKABLE void showMore(const QString& messageId); ///< of a long body
     Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying and reading aloud
     Q_INVOKABLE int rowOf(const QString& messageId) const; ///< -1 where the thread does not show it
     Q_INVOKABLE void dismissError() { setError({}); }
@@ -56,8 +64,7 @@ Q_SIGNALS:
 
 private:
     void present();
-    void setError(const QString& text);
-    const UnifiedMsgRow* find(const QString& messageId) const;
+    void markFirstUnread();
 
     EngineManager& m_engine;
     AccountStore& m_accounts;
@@ -66,6 +73,9 @@ private:
     bool m_loaded = false; ///< whether m_messages is of this contact
     QList<UnifiedMsgRow> m_messages;
     RowListModel<ThreadRow> m_rows;
+    int m_unread = 0;
+    QString m_firstUnreadId;
+    QHash<QString, qsizetype> m_lengths; ///< of long bodies, as shown now
     QString m_highlightId;
     std::unique_ptr<Timer> m_highlightEnd;
     std::unique_ptr<Timer> m_loadingMore;

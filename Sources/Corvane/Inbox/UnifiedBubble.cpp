@@ -1,6 +1,7 @@
 #include "Inbox/UnifiedBubble.h"
 
 #include "Foundation/Text.h"
+#include "Inbox/BodyText.h"
 
 #include <QFileInfo>
 #include <QStringList>
@@ -9,6 +10,7 @@ namespace corvane::UnifiedBubble {
 
 namespace {
 
+constexpr qsizetype titleLength = 500;
 const QStringList knownKinds { QStringLiteral("document"), QStringLiteral("video"), QStringLiteral("audio"),
     QStringLiteral("sticker"), QStringLiteral("image") };
 
@@ -25,7 +27,7 @@ bool isPlacedInBrowser(const QString& platform)
 
 bool hasFile(const UnifiedMsgRow& row)
 {
-    return isSet(row.mediaPath) && QFileInfo::exists(*row.mediaPath);
+    return isSet(row.mediaPath) && QFileInfo(*row.mediaPath).isFile();
 }
 
 bool hasFileOf(const UnifiedMsgRow& row, QLatin1StringView kind)
@@ -66,9 +68,9 @@ QString mediaTitle(const UnifiedMsgRow& row)
 {
     const QString text = textBehindMark(row.body).value_or(row.body.trimmed());
     if (!text.isEmpty())
-        return text;
+        return BodyText::shown(text, titleLength).text;
     if (isSet(row.mediaPath))
-        return QFileInfo(*row.mediaPath).fileName();
+        return BodyText::printable(QFileInfo(*row.mediaPath).fileName());
     return mediaWord(row.mediaType.value_or(QString()));
 }
 
@@ -100,16 +102,19 @@ std::optional<QString> textBehindMark(const QString& body)
     return std::nullopt;
 }
 
+QString missingText(const QString& mediaType)
+{
+    return mediaWord(mediaType) + QStringLiteral(" file is missing from local media cache.");
+}
+
 MediaState mediaState(const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download)
 {
     if (mediaKind(row).isEmpty())
         return {};
     if (hasFile(row))
         return { MediaState::Kind::Ready, {} };
-    if (isSet(row.mediaPath)) {
-        const QString word = mediaWord(row.mediaType.value_or(QString()));
-        return { MediaState::Kind::Missing, word + QStringLiteral(" file is missing from local media cache.") };
-    }
+    if (isSet(row.mediaPath))
+        return { MediaState::Kind::Missing, missingText(row.mediaType.value_or(QString())) };
     if (row.platform != QStringLiteral("WHATSAPP"))
         return { MediaState::Kind::Missing, QStringLiteral("Not on this machine.") };
     if (!download)

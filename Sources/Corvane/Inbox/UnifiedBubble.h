@@ -29,6 +29,9 @@ QString mediaWord(const QString& mediaType);
 /// The text without a leading mark such as "[Image]", trimmed; nothing where no mark leads it.
 std::optional<QString> textBehindMark(const QString& body);
 
+/// What is said of a file that a message names and that is not there.
+QString missingText(const QString& mediaType);
+
 struct MediaState {
     enum class Kind { None, Ready, Download, Downloading, Failed, Missing };
     Kind kind = Kind::None;

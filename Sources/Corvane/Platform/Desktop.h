@@ -14,6 +14,11 @@ public:
     using QObject::QObject;
 
     virtual void openInBrowser(const QUrl& url) = 0;
+
+    /// In the program that the desktop keeps for such a file, or for such a link; false where none starts.
+    virtual bool openFile(const QString& path) = 0;
+    virtual bool openLink(const QUrl& link) = 0;
+
     virtual QString hostName() const = 0; ///< empty where the machine has none
 
     /// The number at the program's icon; 0 clears it.

@@ -10,6 +10,7 @@
 #include "Engines/EngineManager.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
+#include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"

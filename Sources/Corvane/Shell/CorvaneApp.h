@@ -19,6 +19,7 @@ class ApprovalsStore;
 class AddressBook;
 class CallRecorder;
 class ContactsBridge;
+class AudioPlayer;
 class Desktop;
 class EngineManager;
 class MachineFacts;
@@ -52,6 +53,7 @@ struct Machine {
     std::unique_ptr<ToolRunner> tools;
     std::unique_ptr<SystemLanguageModel> languageModel;
     std::unique_ptr<MachineFacts> facts;
+    std::unique_ptr<AudioPlayer> player;
     std::unique_ptr<Tray> tray; ///< none in a headless run
 };
 
@@ -77,6 +79,7 @@ public:
     Scheduler& scheduler() { return m_scheduler; }
     Desktop& desktop() { return *m_machine.desktop; }
     Microphone& microphone() { return *m_machine.microphone; }
+    AudioPlayer& player() { return *m_machine.player; }
     const AppPaths& paths() const { return m_paths; }
 
     /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.

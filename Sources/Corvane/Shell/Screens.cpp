@@ -12,8 +12,8 @@ Screens::Screens(const Surroundings& at)
     , wall(at.session, content)
     , shell(at.notifications, at.defaults)
     , profile(at.session, shell, at.engine.db(), at.notifications)
-    , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.paths, at.ai,
-          at.translations })
+    , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
+          at.paths, at.ai, at.translations })
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
 {
     const auto showUnread = [this, &engine = at.engine] {
@@ -25,9 +25,9 @@ Screens::Screens(const Surroundings& at)
 }
 
 Screens::Screens(CorvaneApp& app)
-    : Screens(
-          Surroundings { app.engine(), app.store(), app.session(), app.keychain(), app.defaults(), app.notifications(),
-              app.scheduler(), app.desktop(), app.microphone(), app.paths(), app.ai(), app.translations() })
+    : Screens(Surroundings { app.engine(), app.store(), app.session(), app.keychain(), app.defaults(),
+          app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
+          app.translations() })
 {
 }
 

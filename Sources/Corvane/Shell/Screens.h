@@ -29,6 +29,7 @@ public:
         Scheduler& scheduler;
         Desktop& desktop;
         Microphone& microphone;
+        AudioPlayer& player;
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;

@@ -30,6 +30,17 @@ WHERE cc.contact_id=? AND m.deleted_at IS NULL ORDER BY m.ts ASC LIMIT ?;)",
         });
 }
 
+void deleteMessageLocal(LocalDB& db, const QString& messageId)
+{
+    const qint64 now = db.nowMs();
+    db.run("UPDATE unified_message SET deleted_at=?, updated_at=? WHERE id=?;", { now, now, messageId });
+}
+
+void restoreMessageLocal(LocalDB& db, const QString& messageId)
+{
+    db.run("UPDATE unified_message SET deleted_at=NULL, updated_at=? WHERE id=?;", { db.nowMs(), messageId });
+}
+
 QString effectiveContactId(LocalDB& db, const QString& id)
 {
     return db

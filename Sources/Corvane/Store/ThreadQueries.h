@@ -27,6 +27,10 @@ struct UnifiedMsgRow {
 /// All messages of the contact, oldest first, at most `limit`.
 QList<UnifiedMsgRow> fetchUnifiedThread(LocalDB& db, const QString& contactId, int limit);
 
+/// Takes the message out of the local copy, and back in; the provider hears of neither.
+void deleteMessageLocal(LocalDB& db, const QString& messageId);
+void restoreMessageLocal(LocalDB& db, const QString& messageId);
+
 /// The primary contact where a live merge exists, else the id as given.
 QString effectiveContactId(LocalDB& db, const QString& id);
 

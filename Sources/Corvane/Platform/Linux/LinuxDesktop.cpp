@@ -35,6 +35,19 @@ bool paletteIsDark()
     return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
+bool startOpener(const QUrl& url)
+{
+    QProcess opener;
+    opener.setProgram(QStandardPaths::findExecutable(QStringLiteral("xdg-open")));
+    opener.setArguments({ url.toString(QUrl::FullyEncoded) });
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    if (!opener.program().isEmpty() && opener.startDetached())
+        return true;
+    log(QStringLiteral("Desktop: xdg-open does not start"));
+    return false;
+}
+
 }
 
 LinuxDesktop::LinuxDesktop(const QDBusConnection& bus)
@@ -66,13 +79,17 @@ void LinuxDesktop::openInBrowser(const QUrl& url)
         log(QStringLiteral("Desktop.openInBrowser: not a web address: ") + url.toDisplayString());
         return;
     }
-    QProcess opener;
-    opener.setProgram(QStandardPaths::findExecutable(QStringLiteral("xdg-open")));
-    opener.setArguments({ url.toString(QUrl::FullyEncoded) });
-    opener.setStandardOutputFile(QProcess::nullDevice());
-    opener.setStandardErrorFile(QProcess::nullDevice());
-    if (opener.program().isEmpty() || !opener.startDetached())
-        log(QStringLiteral("Desktop.openInBrowser: xdg-open does not start"));
+    startOpener(url);
+}
+
+bool LinuxDesktop::openFile(const QString& path)
+{
+    return startOpener(QUrl::fromLocalFile(path));
+}
+
+bool LinuxDesktop::openLink(const QUrl& link)
+{
+    return startOpener(link);
 }
 
 QString LinuxDesktop::hostName() const

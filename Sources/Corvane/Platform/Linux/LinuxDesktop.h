@@ -15,6 +15,8 @@ public:
     explicit LinuxDesktop(const QDBusConnection& bus);
 
     void openInBrowser(const QUrl& url) override;
+    bool openFile(const QString& path) override;
+    bool openLink(const QUrl& link) override;
     QString hostName() const override;
     void setBadge(int count) override;
     ColourScheme colourScheme() const override { return m_scheme; }

@@ -5,6 +5,7 @@
 namespace corvane {
 
 class AddressBook;
+class AudioPlayer;
 class Desktop;
 class MachineFacts;
 class Microphone;
@@ -29,6 +30,7 @@ std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);
 std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
+std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler);
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 
 }

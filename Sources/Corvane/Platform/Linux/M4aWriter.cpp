@@ -1,7 +1,7 @@
 #include "Platform/Linux/M4aWriter.h"
 
-#include <QFile>
-#include <array>
+#include "Platform/Linux/Ffmpeg.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -9,42 +9,18 @@
 #include <unistd.h>
 #include <vector>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
 namespace corvane {
 
 namespace {
 
 constexpr int bitsPerChannel = 96'000;
 
-template <auto release> struct Release {
-    template <typename Value> void operator()(Value* value) const { release(&value); }
-};
 void closeOutput(AVFormatContext** context)
 {
     avio_closep(&(*context)->pb);
     avformat_free_context(*context);
 }
-using Encoder = std::unique_ptr<AVCodecContext, Release<avcodec_free_context>>;
-using Frame = std::unique_ptr<AVFrame, Release<av_frame_free>>;
-using Packet = std::unique_ptr<AVPacket, Release<av_packet_free>>;
 using Output = std::unique_ptr<AVFormatContext, Release<closeOutput>>;
-using Input = std::unique_ptr<AVFormatContext, Release<avformat_close_input>>;
-
-std::unexpected<Error> avFailure(int code)
-{
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text {};
-    av_strerror(code, text.data(), text.size());
-    return failure(QString::fromUtf8(text.data()));
-}
-
-QByteArray urlOf(const QString& path)
-{
-    return "file:" + QFile::encodeName(path);
-}
 
 /// An empty file of mode 0600 that was not there before; a link in its place is not followed.
 Result<void> createFile(const QString& path)
@@ -71,12 +47,10 @@ Result<Output> openOutput(const QString& path)
 /// Copies the pieces of `from` into one whole in `to`.
 Result<void> joinPieces(const QString& from, const QString& to)
 {
-    AVFormatContext* opened = nullptr;
-    if (const int code = avformat_open_input(&opened, urlOf(from).constData(), nullptr, nullptr); code < 0)
-        return avFailure(code);
-    const Input input(opened);
-    if (const int code = avformat_find_stream_info(input.get(), nullptr); code < 0)
-        return avFailure(code);
+    const auto opened = openInput(from);
+    if (!opened)
+        return std::unexpected(opened.error());
+    const Input& input = *opened;
     const auto output = openOutput(to);
     if (!output)
         return std::unexpected(output.error());
@@ -102,7 +76,7 @@ Result<void> joinPieces(const QString& from, const QString& to)
 
 struct M4aWriter::State {
     QString path;
-    Encoder encoder;
+    Codec encoder;
     Output output;
     AVStream* stream = nullptr;
     Frame frame;

@@ -62,6 +62,13 @@ Rectangle {
             text: bubble.item.body + (bubble.timed && !bubble.rightToLeft ? " " + "\u00a0".repeat(Math.ceil(stamp.width / 3.6) + 2) : "")
             Accessible.ignored: true
         }
+        Button {
+            visible: bubble.item.moreText !== ""
+            implicitHeight: 28
+            kind: "quiet"
+            text: bubble.item.moreText
+            onClicked: bubble.item.thread.showMore(bubble.item.id)
+        }
         Label {
             visible: bubble.item.transcript !== ""
             width: Math.min(implicitWidth, bubble.maximumWidth - bubble.padding * 2)

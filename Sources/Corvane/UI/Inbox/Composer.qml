@@ -41,6 +41,29 @@ FocusScope {
             color: Theme.line
         }
     }
+    // Words are all that can be said here: a picture or another file has no way to the channel.
+    DropArea {
+        id: drop
+        anchors.fill: parent
+        enabled: !pane.composer.showsVoice
+        onEntered: drag => drag.accepted = drag.hasUrls || drag.hasText
+        onDropped: drop => {
+            if (drop.hasUrls && drop.urls.every(url => url.toString().startsWith("file:")))
+                pane.composer.dropFiles(drop.urls);
+            else
+                pane.composer.dropText(drop.text);
+            drop.accept(Qt.CopyAction);
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: Theme.tight
+        visible: drop.containsDrag
+        radius: Theme.controlRadius
+        color: Theme.tint
+        border.width: 2
+        border.color: Theme.accent
+    }
     Column {
         id: content
         anchors.verticalCenter: parent.verticalCenter

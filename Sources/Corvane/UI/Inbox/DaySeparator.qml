@@ -1,11 +1,12 @@
 import QtQuick
 import Corvane
 
-/// The day that begins here.
+/// What begins here: a day, or what has not been read.
 Item {
     id: separator
 
     property alias text: label.text
+    property color ink: Theme.soft
 
     implicitHeight: 44
 
@@ -23,7 +24,7 @@ Item {
         anchors.bottomMargin: Theme.tight
         font.pixelSize: Theme.meta
         font.weight: Theme.strong
-        color: Theme.soft
+        color: separator.ink
         Accessible.ignored: true
     }
     Rectangle {

@@ -10,14 +10,26 @@ Item {
     required property Item item
     required property int maximumWidth
 
-    readonly property bool picture: ["image", "sticker"].includes(item.mediaKind) && item.mediaState === "ready"
-        && natural.width > 0 && natural.height > 0
-    readonly property size natural: item.mediaPath ? WindowTools.pictureSize(item.mediaPath) : Qt.size(0, 0)
+    readonly property bool here: item.mediaState === "ready"
+    readonly property bool voice: item.mediaKind === "audio" && here
+    readonly property bool pictorial: ["image", "sticker"].includes(item.mediaKind) && here
+    readonly property string problem: pictorial ? item.inbox.messageActions.pictureProblem(item.mediaPath, item.mediaKind) : ""
+    readonly property size natural: pictorial && problem === ""
+        ? WindowTools.pictureSize(item.mediaPath) : Qt.size(0, 0)
+    readonly property bool framed: natural.width > 0 && natural.height > 0
+    readonly property bool broken: pictorial && (!framed || photo.status === Image.Error)
+    readonly property bool picture: framed && !broken
+    readonly property string stateText: broken ? problem || qsTr("This picture can't be shown here.") : item.mediaStateText
     readonly property real longest: item.mediaKind === "sticker" ? 128 : 320
     readonly property real scale: Math.min(1, longest / natural.width, longest / natural.height, maximumWidth / natural.width)
 
-    implicitWidth: picture ? Math.max(48, Math.round(natural.width * scale)) : Math.min(maximumWidth, 320)
-    implicitHeight: picture ? Math.max(48, Math.round(natural.height * scale)) : Math.max(52, words.implicitHeight + Theme.large)
+    readonly property size frame: framed ? Qt.size(Math.max(48, Math.round(natural.width * scale)),
+        Math.max(48, Math.round(natural.height * scale))) : Qt.size(0, 0)
+    readonly property size card: Qt.size(Math.min(maximumWidth, 320), Math.max(52, words.implicitHeight + Theme.large))
+
+    // A picture that turns out to be damaged says so in its frame.
+    implicitWidth: picture ? frame.width : Math.max(card.width, frame.width)
+    implicitHeight: picture ? frame.height : Math.max(card.height, frame.height)
 
     Rectangle {
         anchors.fill: parent
@@ -31,14 +43,14 @@ Item {
         anchors.fill: parent
         visible: media.picture
         asynchronous: true
-        sourceSize: Qt.size(media.implicitWidth * Screen.devicePixelRatio, media.implicitHeight * Screen.devicePixelRatio)
-        source: media.picture ? "image://photo/" + Theme.controlRadius + "/" + encodeURIComponent(media.item.mediaPath) : ""
-        TapHandler { onTapped: WindowTools.open(media.item.mediaPath) }
+        sourceSize: Qt.size(media.frame.width * Screen.devicePixelRatio, media.frame.height * Screen.devicePixelRatio)
+        source: media.framed ? "image://photo/" + Theme.controlRadius + "/" + encodeURIComponent(media.item.mediaPath) : ""
+        TapHandler { onTapped: media.item.inbox.messageActions.openMedia(media.item.id) }
         HoverHandler { cursorShape: Qt.PointingHandCursor }
     }
     Rectangle {
         anchors.fill: parent
-        visible: !media.picture
+        visible: !media.picture && !media.voice
         radius: Theme.controlRadius
         color: media.item.outgoing ? Theme.surface : Theme.raised
 
@@ -67,9 +79,10 @@ Item {
             Label {
                 width: parent.width
                 visible: text !== ""
-                text: media.item.mediaStateText
+                text: media.stateText
+                wrapMode: Text.Wrap
                 font.pixelSize: Theme.meta
-                color: media.item.mediaState === "failed" || media.item.mediaState === "missing" ? Theme.bad : Theme.faint
+                color: media.broken || media.item.mediaState === "failed" || media.item.mediaState === "missing" ? Theme.bad : Theme.faint
                 Accessible.ignored: true
             }
         }
@@ -78,17 +91,22 @@ Item {
             anchors.right: parent.right
             anchors.rightMargin: Theme.small
             anchors.verticalCenter: parent.verticalCenter
-            visible: ["ready", "download", "failed"].includes(media.item.mediaState)
+            visible: ["ready", "download", "failed"].includes(media.item.mediaState) && !media.broken
             focusPolicy: Qt.NoFocus
-            icon.name: media.item.mediaState === "ready" ? "document-open" : media.item.mediaState === "failed" ? "view-refresh" : "download"
-            text: media.item.mediaState === "ready" ? qsTr("Open %1").arg(media.item.mediaTitle)
+            icon.name: media.here ? "document-open" : media.item.mediaState === "failed" ? "view-refresh" : "download"
+            text: media.here ? qsTr("Open %1").arg(media.item.mediaTitle)
                 : media.item.mediaState === "failed" ? qsTr("Try again") : qsTr("Download")
             onClicked: {
-                if (media.item.mediaState === "ready")
-                    WindowTools.open(media.item.mediaPath);
+                if (media.here)
+                    media.item.inbox.messageActions.openMedia(media.item.id);
                 else
                     media.item.thread.fetchMedia(media.item.id);
             }
         }
+    }
+    Loader {
+        anchors.fill: parent
+        active: media.voice
+        sourceComponent: VoicePlayback { item: media.item }
     }
 }

@@ -7,11 +7,32 @@ Menu {
     id: menu
 
     required property string messageId
-    required property string mediaPath
-    required property QtObject thread
+    required property QtObject inbox
 
+    readonly property QtObject thread: inbox.thread
+    readonly property QtObject actions: inbox.messageActions
+    property var offers: ({})
+
+    onAboutToShow: {
+        const found = {};
+        for (const offer of actions.actionsFor(messageId))
+            found[offer.key] = offer;
+        offers = found;
+        forwarding.targets = actions.forwardTargets();
+    }
+
+    // Left and Right choose, Return gives it.
     T.MenuItem {
         id: moods
+        property int chosen: 0
+        readonly property var all: ["👍", "❤️", "😂", "😮", "😢", "🙏"]
+
+        objectName: "message.moods"
+        Keys.onLeftPressed: chosen = Math.max(0, chosen - 1)
+        Keys.onRightPressed: chosen = Math.min(all.length - 1, chosen + 1)
+        onTriggered: menu.thread.react(menu.messageId, all[chosen])
+        enabled: menu.offers.react?.enabled ?? false
+        opacity: enabled ? 1 : 0.4
         implicitHeight: 40
         implicitWidth: row.implicitWidth + Theme.small * 2
         Accessible.name: qsTr("React")
@@ -20,9 +41,10 @@ Menu {
             id: row
             leftPadding: Theme.tight
             Repeater {
-                model: ["👍", "❤️", "😂", "😮", "😢", "🙏"]
+                model: moods.all
                 T.AbstractButton {
                     id: mood
+                    required property int index
                     required property string modelData
                     implicitWidth: 34
                     implicitHeight: 34
@@ -37,7 +59,7 @@ Menu {
                     }
                     background: Rectangle {
                         radius: Theme.controlRadius
-                        color: mood.hovered ? Theme.raised : Theme.none
+                        color: mood.hovered || (moods.activeFocus && moods.chosen === mood.index) ? Theme.raised : Theme.none
                     }
                     onClicked: {
                         menu.thread.react(menu.messageId, modelData);
@@ -48,16 +70,40 @@ Menu {
         }
     }
     MenuSeparator {}
-    MenuItem {
+    MessageAction {
+        icon.name: "media-playback-start"
+        key: "Space"
+        offer: menu.offers.play
+        onTriggered: menu.inbox.voicePlayer.toggle(menu.messageId)
+    }
+    MessageAction {
         icon.name: "edit-copy"
-        text: qsTr("Copy text")
         key: "Ctrl+C"
+        offer: menu.offers.copy
         onTriggered: WindowTools.copy(menu.thread.readableText(menu.messageId))
     }
-    MenuItem {
-        enabled: menu.mediaPath !== ""
+    ForwardMenu {
+        id: forwarding
+        title: menu.offers.forward?.label ?? ""
+        enabled: menu.offers.forward?.enabled ?? false
+        messageId: menu.messageId
+        actions: menu.actions
+    }
+    MessageAction {
         icon.name: "document-open"
-        text: qsTr("Open file")
-        onTriggered: WindowTools.open(menu.mediaPath)
+        offer: menu.offers.open
+        onTriggered: menu.actions.openMedia(menu.messageId)
+    }
+    MessageAction {
+        icon.name: "download"
+        offer: menu.offers.fetch
+        onTriggered: menu.thread.fetchMedia(menu.messageId)
+    }
+    MessageAction {
+        icon.name: "edit-delete"
+        key: "Del"
+        danger: true
+        offer: menu.offers.delete
+        onTriggered: menu.actions.deleteLocal(menu.messageId)
     }
 }

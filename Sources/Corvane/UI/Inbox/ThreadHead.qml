@@ -88,6 +88,13 @@ Rectangle {
         anchors.verticalCenter: parent.verticalCenter
 
         IconButton {
+            objectName: "thread.call"
+            visible: head.inbox.messageActions.canCall
+            icon.name: "call-start"
+            text: head.inbox.messageActions.callLabel
+            onClicked: head.inbox.messageActions.callOnWhatsApp()
+        }
+        IconButton {
             objectName: "thread.mute"
             icon.name: head.contact.isMuted ? "notifications" : "notifications-disabled"
             text: head.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")

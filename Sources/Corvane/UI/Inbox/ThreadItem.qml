@@ -29,7 +29,11 @@ Item {
     required property bool highlighted
     required property string spoken
 
-    required property QtObject thread
+    required property string unreadText
+    required property string moreText
+
+    required property QtObject inbox
+    readonly property QtObject thread: inbox.thread
     property bool ringed: false
 
     function openMenu() {
@@ -42,6 +46,7 @@ Item {
     implicitHeight: isDate ? 44 : column.y + column.height
     Accessible.role: isDate ? Accessible.Separator : Accessible.ListItem
     Accessible.name: spoken
+    Accessible.onPressAction: openMenu()
 
     DaySeparator {
         visible: threadItem.isDate
@@ -56,6 +61,13 @@ Item {
         width: parent.width - Theme.wide * 2
         spacing: Theme.tight
 
+        DaySeparator {
+            visible: threadItem.unreadText !== ""
+            x: -Theme.wide
+            width: threadItem.width
+            text: threadItem.unreadText
+            ink: Theme.accent
+        }
         Row {
             id: switched
             visible: threadItem.channelLabel !== ""
@@ -98,13 +110,31 @@ Item {
         acceptedButtons: Qt.RightButton
         onTapped: threadItem.openMenu()
     }
+    TapHandler {
+        acceptedDevices: PointerDevice.TouchScreen
+        onLongPressed: threadItem.openMenu()
+    }
+    HoverHandler { id: over }
+    Loader {
+        active: over.hovered && !threadItem.isDate
+        x: column.x + (threadItem.outgoing ? bubble.x - width - Theme.tight : bubble.width + Theme.tight)
+        y: column.y + bubble.y + (bubble.height - height) / 2
+        sourceComponent: IconButton {
+            objectName: "message.more"
+            size: 28
+            focusPolicy: Qt.NoFocus
+            icon.name: "overflow-menu"
+            text: qsTr("What can be done with it")
+            key: "Return"
+            onClicked: threadItem.openMenu()
+        }
+    }
     Loader {
         id: menu
         active: false
         sourceComponent: MessageMenu {
             messageId: threadItem.id
-            mediaPath: threadItem.mediaPath
-            thread: threadItem.thread
+            inbox: threadItem.inbox
         }
     }
 }

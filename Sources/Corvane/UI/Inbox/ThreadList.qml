@@ -39,6 +39,30 @@ ListView {
             Qt.callLater(positionViewAtEnd);
     }
 
+    // Where rows come in above what is being read, that stays in its place.
+    property var anchor: null
+
+    function holdPlace() {
+        if (atNewest || anchor)
+            return;
+        for (let y = 0; y < height && !anchor; y += Theme.wide) {
+            const item = itemAt(Theme.wide, contentY + y);
+            if (item && !item.isDate)
+                anchor = { id: item.id, y: item.y - contentY };
+        }
+        if (anchor)
+            Qt.callLater(takePlace);
+    }
+
+    function takePlace() {
+        const row = atNewest ? -1 : thread.rowOf(anchor.id);
+        if (row >= 0) {
+            positionViewAtIndex(row, ListView.Beginning);
+            contentY = itemAtIndex(row).y - anchor.y;
+        }
+        anchor = null;
+    }
+
     function step(by: int) {
         atNewest = false;
         let next = currentIndex < 0 ? count - 1 : currentIndex + by;
@@ -72,6 +96,10 @@ ListView {
         target: list.inbox
         function onJumped() { list.jump(); }
     }
+    Connections {
+        target: list.model
+        function onRowsAboutToBeInserted() { list.holdPlace(); }
+    }
 
     Keys.onDownPressed: step(1)
     Keys.onUpPressed: step(-1)
@@ -82,6 +110,15 @@ ListView {
             event.accepted = true;
         } else if (event.key === Qt.Key_Menu) {
             currentItem?.openMenu?.();
+            event.accepted = true;
+        } else if (event.key === Qt.Key_Space && currentItem?.mediaKind === "audio" && currentItem.mediaState === "ready") {
+            inbox.voicePlayer.toggle(currentItem.id);
+            event.accepted = true;
+        } else if ((event.key === Qt.Key_Left || event.key === Qt.Key_Right) && currentItem?.id === inbox.voicePlayer.messageId) {
+            inbox.voicePlayer.skip(event.key === Qt.Key_Left ? -5 : 5);
+            event.accepted = true;
+        } else if (event.key === Qt.Key_Delete && currentItem && !currentItem.isDate) {
+            inbox.messageActions.deleteLocal(currentItem.id);
             event.accepted = true;
         } else if (event.key === Qt.Key_End) {
             atNewest = true;
@@ -119,7 +156,7 @@ ListView {
     footer: Item { width: 1; height: Theme.large }
     delegate: ThreadItem {
         width: ListView.view.width
-        thread: list.thread
+        inbox: list.inbox
         ringed: keyboard.shown && ListView.isCurrentItem
     }
 

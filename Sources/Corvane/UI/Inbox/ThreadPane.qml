@@ -39,9 +39,9 @@ FocusScope {
         z: 2
         width: parent.width - Theme.large * 2
         visible: pane.open && text !== ""
-        tone: "bad"
-        text: pane.thread.errorText
-        dismissable: true
+        tone: pane.thread.errorText ? "bad" : "plain"
+        text: pane.thread.errorText || pane.inbox.messageActions.noticeText
+        dismissable: pane.thread.errorText !== ""
         onDismissed: pane.thread.dismissError()
     }
     ThreadList {

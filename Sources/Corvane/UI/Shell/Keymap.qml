@@ -7,6 +7,7 @@ QtObject {
     readonly property string everywhere: qsTr("Everywhere")
     readonly property string list: qsTr("In the list")
     readonly property string thread: qsTr("This conversation")
+    readonly property string message: qsTr("On a message")
 
     readonly property var entries: [
         { section: everywhere, command: "palette", label: qsTr("Search and commands"), keys: "Ctrl+K", sequences: ["Ctrl+K"] },
@@ -27,9 +28,14 @@ QtObject {
         { section: thread, command: "send", label: qsTr("Send what is typed"), keys: "Ctrl+Return" },
         { section: thread, command: "assistant", label: qsTr("Ask the assistant"), keys: "Ctrl+J", sequences: ["Ctrl+J"] },
         { section: thread, command: "archive", label: qsTr("Archive"), keys: "E", sequences: ["E"] },
-        { section: thread, command: "undo", label: qsTr("Undo an archive"), keys: "Ctrl+Z", sequences: ["Ctrl+Z"] },
+        { section: thread, command: "undo", label: qsTr("Undo an archive or a deletion"), keys: "Ctrl+Z", sequences: ["Ctrl+Z"] },
         { section: thread, command: "mute", label: qsTr("Mute or unmute"), keys: "M", sequences: ["M"] },
-        { section: thread, command: "contactPane", label: qsTr("Show or hide the contact"), keys: "Ctrl+I", sequences: ["Ctrl+I"] }
+        { section: thread, command: "contactPane", label: qsTr("Show or hide the contact"), keys: "Ctrl+I", sequences: ["Ctrl+I"] },
+        { section: message, command: "messageMenu", label: qsTr("What can be done with it"), keys: "Return" },
+        { section: message, command: "copy", label: qsTr("Copy its text"), keys: "Ctrl+C" },
+        { section: message, command: "play", label: qsTr("Play or hold a voice note"), keys: "Space" },
+        { section: message, command: "skip", label: qsTr("Five seconds back or on"), keys: "Left, Right" },
+        { section: message, command: "deleteLocal", label: qsTr("Delete the local copy"), keys: "Del" }
     ]
 
     function keysOf(command: string): string {

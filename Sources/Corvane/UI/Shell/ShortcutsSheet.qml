@@ -15,7 +15,7 @@ Sheet {
 
         KeyColumn {
             width: (parent.width - parent.spacing) / 2
-            sections: [Keymap.everywhere]
+            sections: [Keymap.everywhere, Keymap.message]
         }
         KeyColumn {
             width: (parent.width - parent.spacing) / 2

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Platform/AudioPlayer.h"
+
+namespace corvane {
+
+class ThreadView;
+
+/// The voice note that plays: one at a time, as long as its thread is open.
+class VoicePlayer : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString messageId READ messageId NOTIFY changed) ///< which one; empty for none
+    Q_PROPERTY(QString state READ state NOTIFY changed) ///< idle playing paused failed
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed) ///< such as "Playing", or why it failed
+    Q_PROPERTY(QString actionText READ actionText NOTIFY changed) ///< what a press does: "Play", "Pause"
+    Q_PROPERTY(QString positionText READ positionText NOTIFY moved) ///< "0:07"
+    Q_PROPERTY(QString durationText READ durationText NOTIFY moved) ///< "1:20", empty while not known
+    Q_PROPERTY(double progress READ progress NOTIFY moved) ///< from 0 to 1
+public:
+    /// Both outlive the object.
+    VoicePlayer(AudioPlayer& player, ThreadView& thread, const QString& mediaFolder, QObject* parent = nullptr);
+
+    const QString& messageId() const { return m_messageId; }
+    QString state() const;
+    QString stateText() const;
+    QString actionText() const;
+    QString positionText() const;
+    QString durationText() const;
+    double progress() const;
+
+    Q_INVOKABLE void toggle(const QString& messageId); ///< plays it, or pauses and goes on
+    Q_INVOKABLE void seek(double progress);
+    Q_INVOKABLE void skip(int seconds); ///< on, or back where negative
+    Q_INVOKABLE void stop();
+
+Q_SIGNALS:
+    void changed();
+    void moved();
+
+private:
+    AudioPlayer::State current() const;
+
+    AudioPlayer& m_player;
+    ThreadView& m_thread;
+    QString m_mediaFolder;
+    QString m_messageId;
+    QString m_problem; ///< why the file was not given to the player
+};
+
+/// "0:07", "1:20", "1:02:03"; a part of a second does not count.
+QString playTime(qint64 ms);
+
+}

@@ -1,0 +1,75 @@
+#include "Inbox/BodyText.h"
+
+#include "Inbox/ThreadRow.h"
+#include "Inbox/UnifiedBubble.h"
+#include "Support/Print.h"
+
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+ThreadRow rowOf(const QString& body, const ThreadSurroundings& surroundings = {})
+{
+    UnifiedMsgRow message;
+    message.id = "wa:msg:1";
+    message.direction = "IN";
+    message.ts = 1'760'000'000'000;
+    message.body = body;
+    return threadRows(ThreadBuilder::build({ message }), surroundings).last();
+}
+
+}
+
+TEST(BodyText, controlCharactersAndBrokenOnesAreNotShown)
+{
+    EXPECT_EQ(BodyText::printable(QStringLiteral("a\tb\nc")), "a\tb\nc");
+    EXPECT_EQ(BodyText::printable(QStringLiteral("a\r\nb\rc\u2028d\u2029e\u0085f")), "a\nb\nc\nd\ne\nf");
+    EXPECT_EQ(BodyText::printable(QString::fromUtf16(u"a\0b\x1b[31mc\x7f\x9b d", 13)), "ab[31mc d");
+    EXPECT_EQ(BodyText::printable(QString(QChar(0xd83d)) + "x" + QChar(0xde00)), "\uFFFDx\uFFFD");
+    EXPECT_EQ(BodyText::printable(QStringLiteral("grin 😀 family 👩‍👩‍👧 e\u0301")),
+        QStringLiteral("grin 😀 family 👩‍👩‍👧 e\u0301"));
+}
+
+TEST(BodyText, bothDirectionsAreKeptAndOnlyForcedOnesAreTakenOut)
+{
+    const QString mixed
+        = QStringLiteral("price \u05E2\u05D1\u05E8\u05D9\u05EA 12 \u2067\u0627\u0644\u0633\u0639\u0631\u2069 ok");
+    EXPECT_EQ(BodyText::printable(mixed), mixed);
+    EXPECT_EQ(BodyText::printable(QStringLiteral("invoice\u202Efdp.exe")), "invoicefdp.exe");
+    UnifiedMsgRow document;
+    document.mediaType = "document";
+    document.mediaPath = QStringLiteral("/x/offer\u202Efdp.exe");
+    EXPECT_EQ(UnifiedBubble::mediaTitle(document), "offerfdp.exe") << "a name that hides what the file is";
+}
+
+TEST(BodyText, markupIsTextLikeAnyOther)
+{
+    const QString html = QStringLiteral("<b>hi</b> <img src=\"http://x/a.png\"> &amp; <script>alert(1)</script>");
+    EXPECT_EQ(rowOf(html).body, html);
+    EXPECT_TRUE(rowOf(html).spoken.endsWith(": " + html));
+}
+
+TEST(BodyText, aLongTextIsCutBetweenCharactersAndTheRestIsAPressAway)
+{
+    EXPECT_EQ(BodyText::shown("short", 5).hidden, 0);
+    for (qsizetype length = 3; length < 40; ++length) {
+        const auto cut = BodyText::shown(QStringLiteral("👩‍👩‍👧").repeated(10), length);
+        EXPECT_EQ(cut.text, QStringLiteral("👩‍👩‍👧").repeated(cut.text.size() / 8)) << length;
+        EXPECT_EQ(cut.text.size() + cut.hidden, 80);
+    }
+    const QString strokes = QStringLiteral("a") + QStringLiteral("\u0301").repeated(10'000);
+    EXPECT_GT(BodyText::shown(strokes, 5000).text.size(), 4000) << "one character without an end";
+
+    const QString book = QStringLiteral("many words ").repeated(100'000);
+    const ThreadRow first = rowOf(book);
+    EXPECT_EQ(first.body.size(), firstBodyLength);
+    EXPECT_EQ(first.moreText, "Show more (1,090,000 characters)");
+    EXPECT_LT(first.spoken.size(), 1100);
+    ThreadSurroundings wide;
+    wide.lengths.insert("wa:msg:1", book.size());
+    EXPECT_EQ(rowOf(book, wide).body, book);
+    EXPECT_EQ(rowOf(book, wide).moreText, "");
+    EXPECT_EQ(rowOf("short").moreText, "");
+}
