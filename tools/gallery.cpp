@@ -103,6 +103,7 @@ public:
         m_app.startAllEngines();
         waitForEngines();
         inboxScreens();
+        contactScreens();
         settingsScreens();
         hubScreens();
         wallScreens();
@@ -213,6 +214,15 @@ private:
         wait(Milliseconds(200));
     }
 
+    /// The pane beside the thread, from its head or from its foot.
+    void scrollContact(bool toTheFoot)
+    {
+        if (QQuickItem* view = item(u"contact.view"_s))
+            view->setProperty("contentY",
+                toTheFoot ? std::max(0.0, view->property("contentHeight").toDouble() - view->height()) : 0.0);
+        wait(Milliseconds(100));
+    }
+
     void searchFor(const QString& words)
     {
         m_screens.inbox.setSearch(words);
@@ -220,6 +230,7 @@ private:
     }
 
     void inboxScreens();
+    void contactScreens();
     void settingsScreens();
     void hubScreens();
     void wallScreens();
@@ -292,6 +303,33 @@ void Gallery::inboxScreens()
     inbox.archiveChecked();
     save(u"inbox-undo"_s, { Look::Dark });
     inbox.undo();
+}
+
+void Gallery::contactScreens()
+{
+    InboxView& inbox = m_screens.inbox;
+    inbox.select(u"ct:WHATSAPP:351900000190@s.whatsapp.net"_s);
+    wait(Milliseconds(800)); // who may be the same person comes after a pause
+    save(u"contact-pane"_s, { Look::Light, Look::Dark });
+    scrollContact(true);
+    save(u"contact-pane-below"_s, { Look::Light, Look::Dark });
+    scrollContact(false);
+    const QAbstractItemModel* suggestions = inbox.crm()->suggestions();
+    inbox.crm()->mergeWith(suggestions->index(0, 0).data(suggestions->roleNames().key("id")).toString());
+    save(u"contact-merged"_s, { Look::Light });
+    inbox.undo();
+    if (QQuickItem* add = item(u"contact.addDeal"_s))
+        QMetaObject::invokeMethod(add, "clicked");
+    if (QQuickItem* name = item(u"addDeal.name"_s))
+        name->setProperty("text", u"Large bowls for two collectors"_s);
+    save(u"contact-add-deal"_s, { Look::Light, Look::Dark });
+    press(Qt::Key_Escape);
+    openThread(u"Tomás Herrera"_s);
+    save(u"contact-pane-empty"_s, { Look::Light });
+    m_window.window()->resize(1040, 660);
+    wait(Milliseconds(250));
+    press(Qt::Key_I, Qt::ControlModifier);
+    save(u"contact-pane-over"_s, { Look::LightSmall, Look::DarkSmall });
 }
 
 void Gallery::settingsScreens()
