@@ -243,6 +243,32 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
     inbox.composer()->voice()->cancel();
 }
 
+TEST_F(CRMPaneTest, aMergeShowsWhatIsKnownOfBoth)
+{
+    meetNamesake();
+    addNote(engines.db(), namesake, "an old one");
+    insertCRMDeal(engines.db(), namesake, { "Garden", "Proposal", "", "Acme", {} });
+    engines.db().exec("INSERT INTO work_memory_entries VALUES('m','contact:" + namesake + "','Pays late','2025');");
+    NewTask task;
+    task.title = "Ring back";
+    insertCRMTask(engines.db(), namesake, task);
+    clock.advance(seconds(1));
+    pane.addNote("a new one");
+
+    pane.mergeWith(namesake);
+    EXPECT_EQ(texts(pane.notes()), (QStringList { "a new one", "an old one" }));
+    EXPECT_EQ(texts(pane.deals()) + texts(pane.memory()), (QStringList { "Garden", "Pays late" }));
+    EXPECT_EQ(
+        texts(pane.info()), (QStringList { "49171", "WhatsApp", "Telegram", "49171@s.whatsapp.net", "77", "Acme" }));
+    EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "Note", "Telegram", "WhatsApp" }));
+    pane.completeTask(id(pane.tasks()));
+    EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
+
+    pane.unmerge(id(pane.merges()));
+    EXPECT_EQ(texts(pane.notes()), QStringList("a new one")) << "each keeps what is theirs";
+    EXPECT_EQ(pane.deals()->rowCount(), 0);
+}
+
 TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)
 {
     meetNamesake();

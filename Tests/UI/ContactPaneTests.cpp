@@ -10,9 +10,11 @@ protected:
     ContactPaneWindow()
     {
         showInbox();
-        receive(startEngine(u"Other phone"_s), u"49179@s.whatsapp.net"_s, u"Ana Ruiz"_s, u"My new number"_s);
+        newNumberWrites();
         select(ana);
     }
+
+    void newNumberWrites() { receive(m_otherPhone, u"49179@s.whatsapp.net"_s, u"Ana Ruiz"_s, u"My new number"_s); }
 
     void select(const QString& contactId)
     {
@@ -45,6 +47,9 @@ protected:
     const QString ana = u"ct:WHATSAPP:49171@s.whatsapp.net"_s;
     const QString ben = u"ct:WHATSAPP:49172@s.whatsapp.net"_s;
     CRMPane& pane = *inbox.crm();
+
+private:
+    FakeChild& m_otherPhone = startEngine(u"Other phone"_s);
 };
 
 }
@@ -59,6 +64,10 @@ TEST_F(ContactPaneWindow, twoContactsAreMergedAndBothWaysBackWork)
     EXPECT_EQ(inbox.contacts()->rowCount(), people);
 
     click(u"contact.merge"_s);
+    newNumberWrites();
+    clock.advance(Milliseconds(600));
+    rest();
+    EXPECT_EQ(inbox.contacts()->rowCount(), people - 1) << "they stay one person";
     click(u"contact.unmerge"_s);
     EXPECT_EQ(inbox.contacts()->rowCount(), people);
     item(u"contact.merge"_s);

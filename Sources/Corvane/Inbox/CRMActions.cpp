@@ -7,7 +7,6 @@
 #include "Store/ContactInfo.h"
 #include "Store/CrmRecords.h"
 #include "Store/IdentityQueries.h"
-#include "Store/ThreadQueries.h"
 
 #include <algorithm>
 #include <array>
@@ -25,6 +24,13 @@ QString shortened(const QString& text)
     const QString line = singleLine(text);
     const QString start = firstCharacters(line, length);
     return start.size() < line.size() ? start.trimmed() + u'…' : line;
+}
+
+std::optional<LiveMerge> liveMerge(LocalDB& db, const QString& primary, const QString& mergeId)
+{
+    const auto merges = activeMerges(db, primary);
+    const auto found = std::ranges::find(merges, mergeId, &LiveMerge::id);
+    return found == merges.end() ? std::nullopt : std::optional(*found);
 }
 
 }
@@ -95,7 +101,7 @@ bool CRMPane::addDeal(const QString& name, const QString& stage, const QString& 
 
 void CRMPane::completeTask(const QString& id)
 {
-    const auto tasks = fetchContactTasks(m_db, m_contact.id, DoneTasks::Leave, shownTasks);
+    const auto tasks = openTasks();
     const auto task = std::ranges::find(tasks, id, &CRMTaskRow::id);
     if (task == tasks.end() || !done(completeCRMTask(m_db, id)))
         return;
@@ -113,21 +119,24 @@ void CRMPane::forget(const QString& memoryId)
 
 void CRMPane::mergeWith(const QString& otherId)
 {
-    if (!m_signals.contains(otherId))
-        return;
-    const QString name = WAName::pretty(displayName(m_db, otherId));
-    if (const auto mergeId = merge(m_primary, otherId, m_signals.value(otherId)))
-        Q_EMIT undoable(QStringLiteral("Merged with ") + name, [this, id = *mergeId] { separate(id); });
+    if (m_signals.contains(otherId))
+        mergeUndoably(m_primary, otherId, m_signals.value(otherId));
 }
 
 void CRMPane::unmerge(const QString& mergeId)
 {
-    const auto merges = activeMerges(m_db, m_primary);
-    const auto undone = std::ranges::find(merges, mergeId, &LiveMerge::id);
-    if (!separate(mergeId) || undone == merges.end())
+    const auto live = liveMerge(m_db, m_primary, mergeId);
+    if (!separate(mergeId) || !live)
         return;
-    Q_EMIT undoable(QStringLiteral("Unmerged ") + WAName::pretty(displayName(m_db, undone->mergedId)),
-        [this, live = *undone] { merge(live.primaryId, live.mergedId, live.signal); });
+    Q_EMIT undoable(QStringLiteral("Unmerged ") + WAName::pretty(displayName(m_db, live->mergedId)),
+        [this, merge = *live] { this->merge(merge.primaryId, merge.mergedId, merge.signal); });
+}
+
+void CRMPane::mergeUndoably(const QString& primary, const QString& merged, const QString& signal)
+{
+    const QString name = WAName::pretty(displayName(m_db, merged));
+    if (const auto mergeId = merge(primary, merged, signal))
+        Q_EMIT undoable(QStringLiteral("Merged with ") + name, [this, id = *mergeId] { separate(id); });
 }
 
 void CRMPane::dismissSuggestion(const QString& otherId)
@@ -163,9 +172,7 @@ bool CRMPane::separate(const QString& mergeId)
 
 void CRMPane::reloadPeople()
 {
-    m_primary = m_contact.id.isEmpty() ? QString() : effectiveContactId(m_db, m_contact.id);
     reloadIdentity();
-    reloadMerges();
     Q_EMIT peopleChanged();
 }
 

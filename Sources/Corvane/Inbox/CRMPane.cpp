@@ -13,10 +13,23 @@ namespace {
 
 constexpr int suggestionLimit = 20;
 constexpr int dealLimit = 10;
+constexpr int taskLimit = 12;
 constexpr int firstNotes = 5;
 constexpr int firstActivity = 8;
 constexpr Milliseconds identityDelay { 250 };
 constexpr Milliseconds refreshPeriod { 500 };
+
+/// What each of the contacts has, newest first.
+template <typename Fetch, typename Time>
+auto newestOf(const QStringList& contactIds, Fetch fetch, Time time, qsizetype limit)
+{
+    std::invoke_result_t<Fetch, const QString&> rows;
+    for (const QString& id : contactIds)
+        rows += fetch(id);
+    if (contactIds.size() > 1)
+        std::ranges::sort(rows, std::ranges::greater(), time);
+    return rows.first(std::min(rows.size(), limit));
+}
 
 template <typename Rows, typename MakeRow> QList<PaneRow> paneRows(const Rows& rows, MakeRow makeRow)
 {
@@ -33,10 +46,7 @@ CRMPane::CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_db(db)
     , m_scheduler(scheduler)
-    , m_crmSoon(scheduler, refreshPeriod, [this] {
-        reloadMerges();
-        reloadCRM();
-    })
+    , m_crmSoon(scheduler, refreshPeriod, [this] { reloadCRM(); })
 {
 }
 
@@ -96,10 +106,8 @@ void CRMPane::open(const ContactRow& contact)
         m_noteLimit = firstNotes;
         m_activityLimit = firstActivity;
         m_suggestions.assign({});
-        m_primary = contact.id.isEmpty() ? QString() : effectiveContactId(m_db, contact.id);
         m_identitySoon
             = contact.id.isEmpty() ? nullptr : m_scheduler.after(identityDelay, [this] { reloadIdentity(); });
-        reloadMerges();
         reloadCRM();
     } else if (!contact.id.isEmpty()) {
         m_crmSoon.request();
@@ -129,32 +137,62 @@ void CRMPane::reloadIdentity()
 
 void CRMPane::reloadMerges()
 {
+    m_primary = m_contact.id.isEmpty() ? QString() : effectiveContactId(m_db, m_contact.id);
     m_merges.assign(paneRows(m_primary.isEmpty() ? QList<LiveMerge>() : activeMerges(m_db, m_primary),
         [this](const LiveMerge& merge) { return mergeRow(merge, displayName(m_db, merge.mergedId)); }));
+    m_people = QStringList { m_contact.id };
+    if (!m_people.contains(m_primary))
+        m_people.append(m_primary);
+    for (qsizetype i = 0; i < m_people.size(); ++i) { // who was merged into one that was merged belongs to them, too
+        for (const LiveMerge& merge : activeMerges(m_db, m_people.at(i))) {
+            if (!m_people.contains(merge.mergedId))
+                m_people.append(merge.mergedId);
+        }
+    }
+}
+
+QList<CRMTaskRow> CRMPane::openTasks() const
+{
+    return newestOf(
+        m_people, [this](const QString& id) { return fetchContactTasks(m_db, id, DoneTasks::Leave, taskLimit); },
+        &CRMTaskRow::updatedAt, taskLimit);
 }
 
 void CRMPane::reloadCRM()
 {
-    const QString& id = m_contact.id;
-    if (id.isEmpty()) {
+    reloadMerges();
+    if (m_contact.id.isEmpty()) {
         for (auto* rows : { &m_memory, &m_info, &m_deals, &m_notes, &m_activity, &m_tasks })
             rows->assign({});
         return;
     }
     const DateWords words(m_scheduler.nowMs());
-    m_memory.assign(paneRows(fetchMemoryEntries(m_db, QStringLiteral("contact:") + id), memoryRow));
-    m_info.assign(infoRows(fetchContactInfo(m_db, id)));
-    m_deals.assign(paneRows(fetchContactDeals(m_db, id, dealLimit), dealRow));
-    const auto notes = fetchNotes(m_db, id);
-    m_notes.assign(paneRows(notes.first(std::min<qsizetype>(notes.size(), m_noteLimit)),
-        [&](const NoteRow& note) { return noteRow(note, words); }));
-    const auto activity = fetchContactActivity(m_db, id, m_activityLimit + 1);
-    m_activity.assign(paneRows(activity.first(std::min<qsizetype>(activity.size(), m_activityLimit)),
+    QList<MemoryEntry> memory;
+    ContactInfoRow info;
+    for (const QString& id : std::as_const(m_people)) {
+        memory += fetchMemoryEntries(m_db, QStringLiteral("contact:") + id);
+        info.add(fetchContactInfo(m_db, id));
+    }
+    // One more of each than is shown tells whether there are more.
+    const auto notes
+        = newestOf(m_people, [this](const QString& id) { return fetchNotes(m_db, id); }, &NoteRow::ts, m_noteLimit + 1);
+    const auto activity = newestOf(
+        m_people, [this](const QString& id) { return fetchContactActivity(m_db, id, m_activityLimit + 1); },
+        &ActivityRow::ts, m_activityLimit + 1);
+    const auto deals = newestOf(
+        m_people, [this](const QString& id) { return fetchContactDeals(m_db, id, dealLimit); }, &CRMDealRow::updatedAt,
+        dealLimit);
+    m_memory.assign(paneRows(memory, memoryRow));
+    m_info.assign(infoRows(info));
+    m_deals.assign(paneRows(deals, dealRow));
+    m_notes.assign(paneRows(
+        notes.first(std::min(notes.size(), m_noteLimit)), [&](const NoteRow& note) { return noteRow(note, words); }));
+    m_activity.assign(paneRows(activity.first(std::min(activity.size(), m_activityLimit)),
         [&](const ActivityRow& row) { return activityRow(row, words); }));
+    m_tasks.assign(paneRows(openTasks(), taskRow));
     m_olderNotes = notes.size() > m_noteLimit;
     m_olderActivity = activity.size() > m_activityLimit;
     Q_EMIT lengthsChanged();
-    m_tasks.assign(paneRows(fetchContactTasks(m_db, id, DoneTasks::Leave, shownTasks), taskRow));
 }
 
 bool CRMPane::done(bool saved)

@@ -3,6 +3,7 @@
 #include "Foundation/Coalescer.h"
 #include "Inbox/PaneRow.h"
 #include "Inbox/RowListModel.h"
+#include "Store/CrmRecords.h"
 #include "Store/InboxQueries.h"
 
 #include <QSet>
@@ -11,7 +12,7 @@
 namespace corvane {
 
 /// The person beside the open thread: who else they may be, what agents remember, deals, notes, tasks, and what
-/// happened. Whether a section is folded is the window's to remember.
+/// happened, of all contacts that were merged into one. Whether a section is folded is the window's to remember.
 class CRMPane : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where nobody is open
@@ -101,13 +102,13 @@ Q_SIGNALS:
     void undoable(const QString& text, const std::function<void()>& back); ///< what was just done, and the way back
 
 private:
-    static constexpr int shownTasks = 12;
-
     void reloadIdentity();
     void reloadMerges();
     void reloadCRM();
+    QList<CRMTaskRow> openTasks() const;
     bool done(bool saved); ///< after an action
     std::optional<QString> merge(const QString& primary, const QString& merged, const QString& signal);
+    void mergeUndoably(const QString& primary, const QString& merged, const QString& signal);
     bool separate(const QString& mergeId);
     void reloadPeople(); ///< after conversations have changed hands
     void setError(const QString& text);
@@ -117,13 +118,14 @@ private:
     Scheduler& m_scheduler;
     ContactRow m_contact;
     QString m_primary; ///< whose thread is open: the contact, or the one that they were merged into
+    QStringList m_people; ///< the contacts that the person is, the open one first
     QHash<QString, QString> m_signals; ///< by suggested contact
     QSet<std::pair<QString, QString>> m_dismissed;
     QString m_errorText;
     QHash<QString, QString> m_noteTexts; ///< by contact
     QHash<QString, QString> m_taskTexts; ///< by contact
-    int m_noteLimit = 0;
-    int m_activityLimit = 0;
+    qsizetype m_noteLimit = 0;
+    qsizetype m_activityLimit = 0;
     bool m_olderNotes = false;
     bool m_olderActivity = false;
     Coalescer m_crmSoon;

@@ -19,6 +19,13 @@ void tidy(QStringList& values)
 
 }
 
+void ContactInfoRow::add(const ContactInfoRow& more)
+{
+    for (QStringList ContactInfoRow::* values : { &ContactInfoRow::emails, &ContactInfoRow::phones,
+             &ContactInfoRow::platforms, &ContactInfoRow::handles, &ContactInfoRow::companies })
+        this->*values = orderedUnique(this->*values + more.*values);
+}
+
 ContactInfoRow fetchContactInfo(LocalDB& db, const QString& contactId)
 {
     ContactInfoRow info;

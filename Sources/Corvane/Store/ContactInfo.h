@@ -12,6 +12,7 @@ struct ContactInfoRow {
     QStringList handles;
     QStringList companies; ///< of the contact's deals
 
+    void add(const ContactInfoRow& more); ///< of another contact that is the same person
     bool operator==(const ContactInfoRow&) const = default;
 };
 
