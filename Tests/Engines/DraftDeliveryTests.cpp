@@ -181,17 +181,6 @@ TEST_F(DraftDeliveryTest, ofTwoProgramsOnOneFileOneSends)
         EXPECT_EQ(draft(each), u"sending"_s);
 }
 
-TEST_F(DraftDeliveryTest, aProgramThatEndsBetweenTheStepAndTheEngineSendsNothingLater)
-{
-    const QString id = queue(shop, u"hello"_s);
-    ASSERT_TRUE(moveDraft(world.engines.db(), id, u"approved"_s, u"sending"_s));
-    startShop();
-    world.engines.startDraftWatch();
-    world.clock.advance(seconds(300));
-    EXPECT_EQ(draft(id), u"failed"_s);
-    EXPECT_EQ(engine().commands().size(), 0);
-}
-
 TEST_F(DraftDeliveryTest, aFileThatTakesNoChangeSendsNothing)
 {
     startShop();

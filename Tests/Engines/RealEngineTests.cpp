@@ -154,47 +154,6 @@ TEST_F(RealEngines, anEngineThatClosesItsInputTakesNoDraftAndLosesNone)
     EXPECT_TRUE(engines->isRunning(shop));
 }
 
-TEST_F(RealEngines, ofTwoProgramsOneHandsADraftToARealEngine)
-{
-    const QString record = around.home.path(u"commands"_s);
-    const auto secondLauncher = makeProcessLauncher(scheduler);
-    EngineManager second(around.on(scheduler, *secondLauncher), around.openDatabase(scheduler));
-    start("record " + record.toUtf8());
-    second.start(shop);
-    ensureConversation(engines->db(), u"WHATSAPP"_s, u"shop"_s, u"c"_s, u"Ana"_s, 1);
-    for (int i = 0; i < 40; ++i)
-        queueDraft(engines->db(), u"wa:shop:c"_s, QString::number(i), u"mcp"_s);
-    engines->db().exec(u"UPDATE outbound_draft SET status='approved';"_s);
-    for (int i = 0; i < 3; ++i) {
-        engines->refreshDrafts();
-        second.refreshDrafts();
-    }
-    EXPECT_TRUE(await([&] { return around.home.read(u"commands"_s).count('\n') >= 40; }));
-    engines->stop(shop);
-    second.stop(shop);
-    EXPECT_TRUE(await([&] { return !engines->isRunning(shop) && !second.isRunning(shop); }));
-    EXPECT_EQ(around.home.read(u"commands"_s).count('\n'), 40);
-    EXPECT_EQ(cell(u"SELECT COUNT(*) FROM outbound_draft WHERE status='sending';"_s), u"40"_s);
-}
-
-TEST_F(RealEngines, aMissingEntryScriptShowsAsAChildThatDies)
-{
-    writeScript("hang");
-    const Account mail = accountNamed(u"mail"_s, Channel::Email);
-    engines->start(mail);
-    EXPECT_TRUE(await([&] { return engines->runtime(mail.id).status == WAStatus::Connecting; }));
-}
-
-TEST_F(RealEngines, aNodeThatCannotRunIsToldInTheSystemsWords)
-{
-    around.home.write(u"broken"_s, "no program");
-    QFile::setPermissions(around.home.path(u"broken"_s), QFile::ReadOwner | QFile::ExeOwner);
-    useNode(around.home.path(u"broken"_s));
-    start("hang");
-    EXPECT_EQ(runtime().status, WAStatus::Error);
-    EXPECT_TRUE(runtime().lastLog.startsWith(u"Failed to launch engine: "_s)) << qPrintable(runtime().lastLog);
-}
-
 TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
 {
     restoreNode();
