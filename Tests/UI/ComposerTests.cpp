@@ -156,6 +156,14 @@ TEST_F(ComposerWindow, aMessageToSomebodyNewIsQueued)
     EXPECT_EQ(inbox.selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
     EXPECT_EQ(inbox.drafts()->count(), 1);
     EXPECT_EQ(sent(), QStringList());
+
+    for (int pane = 0; pane < 7 && !focusWithin(u"draft.line"_s); ++pane)
+        press(Qt::Key_F6);
+    for (const int key : { Qt::Key_Return, Qt::Key_Tab, Qt::Key_Return, Qt::Key_Return })
+        press(key);
+    EXPECT_EQ(sent(), QStringList(u"Good day"_s)) << "opened, approved and confirmed by the keys alone";
+    press(Qt::Key_R);
+    EXPECT_TRUE(focusWithin(u"composer"_s)) << "and they go on";
 }
 
 }

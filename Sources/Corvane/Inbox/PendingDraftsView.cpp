@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Text.h"
 #include "Inbox/DraftWords.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace corvane {
 
 namespace {
 
+constexpr int previewLength = 240;
 const QString failed = QStringLiteral("failed");
 
 PendingDraftItem itemOf(const PendingDraft& draft)
@@ -19,6 +21,7 @@ PendingDraftItem itemOf(const PendingDraft& draft)
     item.id = draft.id;
     item.title = draftStatusTitle(draft);
     item.body = draft.body;
+    item.preview = singleLine(firstCharacters(draft.body, previewLength));
     item.status = draft.status;
     item.statusLabel = statusLabel(draft);
     item.failureReason = draft.status == failed ? draftFailureReason(draft) : QString();

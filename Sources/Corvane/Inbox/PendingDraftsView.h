@@ -14,6 +14,7 @@ class PendingDraftItem {
     Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString preview MEMBER preview)
     Q_PROPERTY(QString status MEMBER status)
     Q_PROPERTY(QString statusLabel MEMBER statusLabel)
     Q_PROPERTY(QString failureReason MEMBER failureReason)
@@ -24,6 +25,7 @@ public:
     QString id;
     QString title;
     QString body;
+    QString preview; ///< as much of the body as a line can show
     QString status;
     QString statusLabel;
     QString failureReason; ///< only of one that failed

@@ -11,6 +11,7 @@ Column {
     required property string id
     required property string title
     required property string body
+    required property string preview
     required property string status
     required property string statusLabel
     required property string failureReason
@@ -49,7 +50,7 @@ Column {
         focusPolicy: Qt.StrongFocus
         text: line.title
         Accessible.role: Accessible.Button
-        Accessible.name: line.title + ", " + line.statusLabel + ": " + line.body
+        Accessible.name: line.title + ", " + line.statusLabel + ": " + line.preview
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: {
@@ -87,7 +88,7 @@ Column {
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
                 visible: !line.open
-                text: line.body.replace(/\s+/g, " ")
+                text: line.preview
                 color: Theme.soft
             }
             Label {
@@ -137,7 +138,7 @@ Column {
                 visible: !line.editing
                 wrapMode: Text.Wrap
                 lineHeight: 1.3
-                text: line.body
+                text: line.open ? line.body : "" // laying out a text of a megabyte takes its time
             }
             TextBox {
                 id: words
