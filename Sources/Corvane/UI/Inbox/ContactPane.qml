@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Templates as T
-import QtQuick.Window
 import Corvane
 
 /// The person behind the thread: who they are, what is known and what happened, what is planned with them.
@@ -17,28 +16,7 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Contact")
 
-    /// Brings what the keyboard reached into sight.
-    function reveal(item: Item) {
-        let above = item;
-        while (above && above !== column)
-            above = above.parent;
-        if (!above)
-            return;
-        const top = item.mapToItem(column, 0, 0).y - Theme.medium;
-        const bottom = top + item.height + Theme.medium * 2;
-        if (top < view.contentY)
-            view.contentY = Math.max(0, top);
-        else if (bottom > view.contentY + view.height)
-            view.contentY = bottom - view.height;
-    }
-
-    Connections {
-        target: pane.Window.window
-        function onActiveFocusItemChanged() {
-            if (pane.activeFocus)
-                pane.reveal(pane.Window.window.activeFocusItem);
-        }
-    }
+    RevealFocus { view: view }
     Connections {
         target: pane.inbox
         function onSelectionChanged() {

@@ -32,7 +32,9 @@ FocusScope {
         anchors.fill: parent
         color: Theme.surface
     }
+    RevealFocus { view: view }
     Flickable {
+        id: view
         anchors.fill: parent
         clip: true
         boundsBehavior: Flickable.StopAtBounds

@@ -41,6 +41,7 @@ Page {
         Accessible.role: Accessible.Pane
         Accessible.name: page.label
 
+        RevealFocus { view: scroll }
         Flickable {
             id: scroll
             anchors.fill: parent
