@@ -2,6 +2,7 @@
 // models and a database that the demonstration engines filled through the real supervisor. The clock stands
 // still, so that each run draws the same.
 
+#include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
@@ -26,6 +27,7 @@
 #include "Store/LocalDB.h"
 #include "Store/OutboundQueries.h"
 #include "UI/MainWindow.h"
+#include "UI/PanelWindow.h"
 #include "Web/SessionStore.h"
 
 #include <QDir>
@@ -91,6 +93,7 @@ public:
         , m_app(AppPaths::fromEnvironment(), m_clock, machine(m_desktop))
         , m_screens(m_app)
         , m_window(m_screens, m_app.defaults())
+        , m_panel(m_window.engine(), m_screens.panel, m_clock)
     {
         QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
     }
@@ -104,6 +107,7 @@ public:
         waitForEngines();
         inboxScreens();
         contactScreens();
+        approvalScreens();
         settingsScreens();
         hubScreens();
         wallScreens();
@@ -150,19 +154,31 @@ private:
     void save(const QString& name, std::initializer_list<Look> looks)
     {
         for (const Look look : looks) {
-            const bool dark = look == Look::Dark || look == Look::DarkSmall;
             const bool small = look == Look::LightSmall || look == Look::DarkSmall;
-            m_desktop->scheme = dark ? ColourScheme::Dark : ColourScheme::Light;
-            Q_EMIT m_desktop->appearanceChanged();
             m_window.window()->resize(small ? QSize(1040, 660) : QSize(1320, 820));
-            wait(Milliseconds(250));
-            const QString file = u"%1/%2-%3-%4.png"_s.arg(
-                m_folder, name, dark ? u"dark"_s : u"light"_s, small ? u"1040x660"_s : u"1320x820"_s);
-            QImageWriter writer(file);
-            writer.setCompression(100);
-            writer.write(m_window.window()->grabWindow().convertToFormat(QImage::Format_RGB888));
-            std::printf("%s\n", qPrintable(file));
+            saveWindow(*m_window.window(), name, look, small ? u"1040x660"_s : u"1320x820"_s);
         }
+    }
+
+    void savePanel(const QString& name, std::initializer_list<Look> looks)
+    {
+        m_panel.show({});
+        for (const Look look : looks)
+            saveWindow(*m_panel.window(), name, look, u"380x560"_s);
+        m_panel.hide();
+    }
+
+    void saveWindow(QQuickWindow& window, const QString& name, Look look, const QString& size)
+    {
+        const bool dark = look == Look::Dark || look == Look::DarkSmall;
+        m_desktop->scheme = dark ? ColourScheme::Dark : ColourScheme::Light;
+        Q_EMIT m_desktop->appearanceChanged();
+        wait(Milliseconds(250));
+        const QString file = u"%1/%2-%3-%4.png"_s.arg(m_folder, name, dark ? u"dark"_s : u"light"_s, size);
+        QImageWriter writer(file);
+        writer.setCompression(100);
+        writer.write(window.grabWindow().convertToFormat(QImage::Format_RGB888));
+        std::printf("%s\n", qPrintable(file));
     }
 
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {})
@@ -231,6 +247,7 @@ private:
 
     void inboxScreens();
     void contactScreens();
+    void approvalScreens();
     void settingsScreens();
     void hubScreens();
     void wallScreens();
@@ -241,6 +258,7 @@ private:
     CorvaneApp m_app;
     Screens m_screens;
     MainWindow m_window;
+    PanelWindow m_panel;
     int m_events = 0;
 };
 
@@ -330,6 +348,71 @@ void Gallery::contactScreens()
     wait(Milliseconds(250));
     press(Qt::Key_I, Qt::ControlModifier);
     save(u"contact-pane-over"_s, { Look::LightSmall, Look::DarkSmall });
+}
+
+void Gallery::approvalScreens()
+{
+    LocalDB& db = m_app.engine().db();
+    const auto look = [this] {
+        m_app.engine().refreshDrafts();
+        m_app.approvals().refresh();
+        wait(Milliseconds(200));
+    };
+    m_app.approvals().attach(m_app.engine(), m_app.calls());
+    m_screens.shell.openApprovals();
+    look();
+    save(u"approvals-empty"_s, { Look::Light, Look::Dark });
+    m_screens.panel.setTab(u"approvals"_s);
+    savePanel(u"panel-approvals-empty"_s, { Look::Light });
+
+    const auto draft = [&](const QString& name, const QString& text) {
+        const auto conversation
+            = db.scalar(u"SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL LIMIT 1;"_s,
+                { contactNamed(name) });
+        queueDraft(db, conversation.value_or(QString()), text, u"mcp"_s);
+    };
+    draft(u"Megan Price"_s, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
+    draft(u"Hannah Fischer"_s,
+        u"Dear Hannah,\n\nthank you for the drawings. The glaze you chose needs a test tile first; I can have two of "
+        u"them ready by Tuesday, one on the dark clay and one on the white.\n\nIf you would rather decide in the "
+        u"studio, we open at ten. There is coffee, and the kiln is still warm.\n\nThe price would stay as it is in "
+        u"the offer, and delivery takes four weeks from your yes.\n\nBest wishes\nMarta"_s);
+    db.run(u"UPDATE outbound_draft SET status='failed', error='The phone is not connected.' WHERE status='pending' AND "
+           u"body LIKE 'Dear Hannah%';"_s);
+    db.run(
+        uR"(INSERT INTO crm_update_proposal(id, workspace_id, contact_id, kind, title, payload_json, status, created_at, updated_at)
+VALUES('p1','local',?,'task','Follow up on the offer','{"title":"Ask Hannah whether the test tiles are right"}','pending',1,1),
+('p2','local',?,'note','Note from the call','{"body":"Prefers the matte celadon; the order is for the restaurant, forty plates."}','pending',0,0);)"_s,
+        { contactNamed(u"Hannah Fischer"_s), contactNamed(u"Megan Price"_s) });
+    db.run(uR"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
+VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arcillas del Sur for invoice 2025-311.','It is due on Monday, and the amount matches the order.','money','1','5'),
+('w2','dev','Renew the shop token','proposed','Replace the token of the web shop before it runs out.','The present one ends in three days.','credential','1','4'),
+('w3','gtm','Write to the gallery in Porto','proposed','Send the new catalogue to the three galleries that asked in spring.','','external','1','3'),
+('w4','dev','Delete the old photo backups','proposed','Remove 38 GB of copies that exist twice.','Every file was compared.','high','1','2'),
+('w5','cx','Answer reviews once a week','proposed','Collect them on Fridays.','','routine','1','1');)"_s);
+    look();
+    save(u"approvals-filled"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    savePanel(u"panel-approvals"_s, { Look::Light, Look::Dark });
+    const QString first = m_screens.approvals.rows()->index(1, 0).data(Qt::UserRole).toString();
+    m_screens.approvals.approve(first);
+    wait(Milliseconds(200));
+    save(u"approvals-armed"_s, { Look::Light, Look::Dark });
+    m_screens.approvals.undo(first);
+    m_screens.approvals.edit(first);
+    wait(Milliseconds(200));
+    save(u"approvals-edited"_s, { Look::Light });
+    m_screens.approvals.cancelEdit();
+    m_screens.panel.setTab(u"now"_s);
+    savePanel(u"panel-now"_s, { Look::Light, Look::Dark });
+    m_screens.shell.openSettings();
+    m_screens.settings.setSection(u"approvals"_s);
+    save(u"settings-approvals-waiting"_s, { Look::Light, Look::Dark });
+    m_screens.settings.setSection(u"accounts"_s);
+    m_screens.shell.closeApprovals();
+    db.run(u"DELETE FROM outbound_draft WHERE status IN ('pending','failed');"_s);
+    db.run(u"DELETE FROM crm_update_proposal WHERE status='pending';"_s);
+    db.run(u"DELETE FROM work_decision WHERE status='proposed';"_s);
+    look();
 }
 
 void Gallery::settingsScreens()

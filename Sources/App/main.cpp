@@ -20,6 +20,7 @@
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "UI/MainWindow.h"
+#include "UI/PanelWindow.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
@@ -108,6 +109,7 @@ int main(int argc, char** argv)
 
     std::unique_ptr<Screens> screens;
     std::unique_ptr<MainWindow> window;
+    std::unique_ptr<PanelWindow> panel;
     if (mode == Mode::Headless) {
         logEvents(app.engine());
         app.onAppear();
@@ -118,6 +120,9 @@ int main(int argc, char** argv)
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),
             [] { log(QStringLiteral("MainWindow: first frame")); });
+        panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, scheduler);
+        QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
+        QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
         window->show();
     }
     if (parser.isSet(QStringLiteral("start-all")))

@@ -1,12 +1,17 @@
 #include "FakeMachine.h"
 
+#include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Platform/Linux/BusObject.h"
+#include "Platform/Linux/StatusNotifierTray.h"
 #include "Shell/Screens.h"
 #include "Store/IngestQueries.h"
 #include "Support/Await.h"
+#include "Support/PrivateBus.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
+#include "Support/WaitingItems.h"
 #include "Web/SessionStore.h"
 
 #include <QSignalSpy>
@@ -29,12 +34,14 @@ Account account(const QString& name, const std::optional<QString>& channel, bool
 
 class CorvaneAppTest : public testing::Test {
 protected:
-    void build(const QList<Account>& accounts)
+    void build(const QList<Account>& accounts, std::unique_ptr<Tray> tray = nullptr)
     {
         home.write(QStringLiteral("share/Corvane/accounts.json"), encodeAccounts(accounts));
         auto ownedLauncher = std::make_unique<FakeLauncher>(clock);
         launcher = ownedLauncher.get();
-        app = std::make_unique<CorvaneApp>(home.paths(), clock, fakeMachine(home.paths(), std::move(ownedLauncher)));
+        Machine machine = fakeMachine(home.paths(), std::move(ownedLauncher));
+        machine.tray = std::move(tray);
+        app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 
     /// The start sequence, up to the tool server, which comes up away from the main thread.
@@ -57,6 +64,7 @@ protected:
     TemporaryHome home;
     VirtualScheduler clock;
     FakeLauncher* launcher = nullptr;
+    std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<CorvaneApp> app;
 };
 
@@ -118,4 +126,42 @@ TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
     app->open({ QStringLiteral("nimb-companion://elsewhere?code=1") });
     EXPECT_EQ(windowRequested.count(), 1) << "a later start shows the window, whatever it was given";
     EXPECT_FALSE(app->session().busy());
+}
+
+TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
+{
+    bus = std::make_unique<PrivateBus>();
+    auto ownedTray = std::make_unique<StatusNotifierTray>(bus->connect());
+    Tray* const tray = ownedTray.get();
+    build({}, std::move(ownedTray));
+    Screens screens(*app);
+    writeDecision(app->engine().db(), "w1", "Deploy", "now", "", "high");
+    appear(0);
+
+    const QDBusConnection panel = bus->connect();
+    const QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    const QString item = QStringLiteral("org.kde.StatusNotifierItem");
+    const auto status = [&] {
+        QString answer;
+        QObject context;
+        callAsync(panel,
+            BusObject { service, "/StatusNotifierItem", "org.freedesktop.DBus.Properties" }.method(
+                "Get", { item, QStringLiteral("Status") }),
+            &context, [&](const QDBusMessage& reply) { answer = firstValue(reply).toString(); });
+        EXPECT_TRUE(await([&] { return !answer.isEmpty(); }));
+        return answer;
+    };
+    EXPECT_EQ(status(), "NeedsAttention");
+    app->approvals().rejectDecision("w1");
+    EXPECT_EQ(status(), "Active");
+
+    const QSignalSpy panelRequested(app.get(), &CorvaneApp::panelRequested);
+    panel.send(BusObject { service, "/StatusNotifierItem", item }.method("Activate", { 10, 20 }));
+    EXPECT_TRUE(await([&] { return panelRequested.count() == 1; }));
+    EXPECT_EQ(panelRequested.value(0).value(0).toPoint(), QPoint(10, 20));
+
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    Q_EMIT tray->itemChosen("approvals");
+    EXPECT_EQ(windowRequested.count(), 1);
+    EXPECT_TRUE(screens.shell.approvals()) << "for desktops whose icons only have a menu";
 }

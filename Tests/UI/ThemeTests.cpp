@@ -37,7 +37,7 @@ protected:
     void expectEveryTextReadable()
     {
         for (const char* ground : { "window", "surface", "raised", "tint" }) {
-            for (const char* text : { "text", "soft", "faint", "accent", "good", "warn", "bad" })
+            for (const char* text : { "text", "soft", "faint", "accent", "good", "warn", "bad", "secret" })
                 expectReadable(text, ground);
         }
         expectReadable("accentInk", "accent");

@@ -55,6 +55,7 @@ QStringList Warnings::seen()
 WindowTest::WindowTest()
 {
     desktop.setAppearance(ColourScheme::Light, true);
+    approvals.attach(engines, calls);
     window.show();
     rest();
 }
@@ -115,27 +116,27 @@ void WindowTest::rest()
         clock.advance(Milliseconds(120));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCoreApplication::processEvents();
-        if (window.isShown())
-            window.window()->grabWindow();
+        if (front()->isVisible())
+            front()->grabWindow();
     }
 }
 
 QImage WindowTest::picture()
 {
     rest();
-    return window.window()->grabWindow();
+    return front()->grabWindow();
 }
 
 void WindowTest::press(int key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::keyClick(window.window(), Qt::Key(key), modifiers);
+    QTest::keyClick(front(), Qt::Key(key), modifiers);
     rest();
 }
 
 void WindowTest::type(const QString& text)
 {
     for (const QChar character : text)
-        QTest::keyClick(window.window(), character.toLatin1());
+        QTest::keyClick(front(), character.toLatin1());
     rest();
 }
 
@@ -143,7 +144,7 @@ void WindowTest::click(const QString& objectName)
 {
     if (QQuickItem* target = item(objectName)) {
         const QPointF middle = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
-        QTest::mouseClick(window.window(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
+        QTest::mouseClick(front(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
         rest();
     }
 }
@@ -151,7 +152,7 @@ void WindowTest::click(const QString& objectName)
 QList<QQuickItem*> WindowTest::visibleItems()
 {
     QList<QQuickItem*> found;
-    gather(window.window()->contentItem(), found);
+    gather(front()->contentItem(), found);
     return found;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Approvals/ApprovalsStore.h"
+#include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
 #include "Shell/Screens.h"
 #include "Support/EngineWorld.h"
@@ -35,6 +37,10 @@ protected:
     WindowTest();
     void TearDown() override;
 
+    /// Which window the calls below are about; null for the main window.
+    void turnTo(QQuickWindow* other) { m_front = other; }
+    QQuickWindow* front() const { return m_front ? m_front : window.window(); }
+
     // Past the wall
     void showEmptyInbox();
     void showInbox(); ///< six people on three channels, one of them a group, with what they wrote
@@ -54,7 +60,7 @@ protected:
     QList<QQuickItem*> visibleItems(); ///< everything that is drawn, popups included
     QQuickItem* findItem(const QString& objectName); ///< among the visible; null where there is none
     QQuickItem* item(const QString& objectName); ///< the same, and the test fails where there is none
-    QQuickItem* focused() { return window.window()->activeFocusItem(); }
+    QQuickItem* focused() { return front()->activeFocusItem(); }
     bool focusWithin(const QString& objectName);
 
     Warnings warnings;
@@ -62,8 +68,10 @@ protected:
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
     FakeLumo lumo { clock };
     TranslationService translations { lumo.machine };
-    Screens screens { Screens::Surroundings { engines, accounts, session, keychain, defaults, centre, clock, desktop,
-        microphone, player, home.paths(), lumo, translations } };
+    CallRecorder calls { engines.db() };
+    ApprovalsStore approvals { centre, notifier, clock };
+    Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
+        desktop, microphone, player, home.paths(), lumo, translations } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;
@@ -73,6 +81,7 @@ protected:
     MainWindow window { screens, defaults };
 
 private:
+    QQuickWindow* m_front = nullptr;
     int m_messages = 0;
 };
 

@@ -46,6 +46,7 @@ namespace notifications {
 inline const QString openConversation = QStringLiteral("nimb.openConversation"); ///< object: a contact id
 inline const QString openSettings = QStringLiteral("nimb.openSettings");
 inline const QString openWorkConsole = QStringLiteral("nimb.openWorkConsole"); ///< object: a hub's raw value, or none
+inline const QString openApprovals = QStringLiteral("corvane.openApprovals");
 inline const QString focusComposer = QStringLiteral("nimb.focusComposer");
 inline const QString approvalAction = QStringLiteral("nimb.approvalAction"); ///< user info: kind, id, action
 inline const QString activeWorkspaceChanged = QStringLiteral("nimb.activeWorkspaceChanged");

@@ -29,6 +29,8 @@ const QList<Action>& actions()
             QStringLiteral("Mute / unmute current conversation"), QStringLiteral("M"), true },
         { PaletteAction::ToggleCRM, QStringLiteral("toggleCRM"), QStringLiteral("Toggle contact panel"), {}, true },
         { PaletteAction::MarkAllRead, QStringLiteral("markAllRead"), QStringLiteral("Mark all as read"), {}, false },
+        { PaletteAction::OpenApprovals, QStringLiteral("openApprovals"), QStringLiteral("Open Approvals"),
+            QStringLiteral("Ctrl+Shift+A"), false },
     };
     return all;
 }

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-enum class PaletteAction { ArchiveCurrent, MuteCurrent, ToggleCRM, MarkAllRead };
+enum class PaletteAction { ArchiveCurrent, MuteCurrent, ToggleCRM, MarkAllRead, OpenApprovals };
 
 /// A line of the palette in the words of the screen.
 class PaletteItem {

@@ -200,6 +200,9 @@ void InboxView::runPaletteAction(PaletteAction action)
     case PaletteAction::MarkAllRead:
         markAllRead();
         break;
+    case PaletteAction::OpenApprovals:
+        m_notifications.post(notifications::openApprovals);
+        break;
     }
 }
 

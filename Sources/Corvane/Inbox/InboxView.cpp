@@ -37,6 +37,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_engine(surroundings.engine)
     , m_accounts(surroundings.accounts)
     , m_defaults(surroundings.defaults)
+    , m_notifications(surroundings.notifications)
     , m_scheduler(surroundings.scheduler)
     , m_hits(m_engine.db(), m_scheduler)
     , m_avatars(m_engine, m_accounts)
@@ -74,17 +75,17 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);
     connect(&m_palette, &CommandPalette::closed, this, [this] { setShowPalette(false); });
     // A query may find, while it runs, that another workspace is to be shown: the reload waits its turn.
-    m_workspaceChanged = surroundings.notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
+    m_workspaceChanged = m_notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
         close();
         m_reloadSoon.request();
     });
     m_conversationAsked
-        = surroundings.notifications.observe(notifications::openConversation, [this](const Notification& notification) {
+        = m_notifications.observe(notifications::openConversation, [this](const Notification& notification) {
               if (notification.object && !notification.object->isEmpty())
                   select(*notification.object);
           });
-    m_composerAsked = surroundings.notifications.observe(
-        notifications::focusComposer, [this](const auto&) { m_composer.requestFocus(); });
+    m_composerAsked
+        = m_notifications.observe(notifications::focusComposer, [this](const auto&) { m_composer.requestFocus(); });
 }
 
 InboxView::~InboxView() = default;

@@ -221,6 +221,7 @@ private:
     EngineManager& m_engine;
     AccountStore& m_accounts;
     UserDefaults& m_defaults;
+    NotificationCentre& m_notifications;
     Scheduler& m_scheduler;
 
     InboxState m_state; ///< what the rows were made for

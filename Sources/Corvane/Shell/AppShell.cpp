@@ -17,48 +17,64 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
 {
     m_hubs.setSelected(m_nav);
     m_openConversation = centre.observe(notifications::openConversation, [this](const Notification& notification) {
-        show(NavItem::Inbox, false);
+        show(NavItem::Inbox, Cover::None);
         if (const QString contactId = notification.object.value_or(QString()); !contactId.isEmpty())
             Q_EMIT conversationRequested(contactId);
     });
     // The hub moves too, so that whoever closes the settings after such a jump is in the inbox.
-    m_openSettings
-        = centre.observe(notifications::openSettings, [this](const Notification&) { show(NavItem::Inbox, true); });
+    m_openSettings = centre.observe(
+        notifications::openSettings, [this](const Notification&) { show(NavItem::Inbox, Cover::Settings); });
     m_openWorkConsole = centre.observe(notifications::openWorkConsole, [this](const Notification& notification) {
-        show(navFromRaw(notification.object.value_or(QString())).value_or(NavItem::Dev), false);
+        show(navFromRaw(notification.object.value_or(QString())).value_or(NavItem::Dev), Cover::None);
+    });
+    m_openApprovals = centre.observe(notifications::openApprovals, [this](const Notification&) { openApprovals(); });
+    // Whoever presses the banner itself wants to read before they decide.
+    m_approvalPressed = centre.observe(notifications::approvalAction, [this](const Notification& notification) {
+        if (notification.userInfo.value(QStringLiteral("action")) == QStringLiteral("open"))
+            openApprovals();
     });
 }
 
 void AppShell::selectHub(const QString& raw)
 {
     if (const auto item = navFromRaw(raw))
-        show(*item, false);
+        show(*item, Cover::None);
 }
 
 void AppShell::toggleSettings()
 {
-    show(m_nav, !m_settings);
+    show(m_nav, settings() ? Cover::None : Cover::Settings);
 }
 
 void AppShell::openSettings()
 {
-    show(m_nav, true);
+    show(m_nav, Cover::Settings);
 }
 
-void AppShell::closeSettings()
+void AppShell::toggleApprovals()
 {
-    show(m_nav, false);
+    show(m_nav, approvals() ? Cover::None : Cover::Approvals);
 }
 
-void AppShell::show(NavItem nav, bool settings)
+void AppShell::openApprovals()
 {
-    if (nav == m_nav && settings == m_settings)
+    show(m_nav, Cover::Approvals);
+}
+
+void AppShell::uncover()
+{
+    show(m_nav, Cover::None);
+}
+
+void AppShell::show(NavItem nav, Cover cover)
+{
+    if (nav == m_nav && cover == m_cover)
         return;
     if (nav != m_nav)
         m_defaults.setText(selectedNavKey, navRaw(nav));
     m_nav = nav;
-    m_settings = settings;
-    m_hubs.setSelected(settings ? std::nullopt : std::optional(nav));
+    m_cover = cover;
+    m_hubs.setSelected(cover == Cover::None ? std::optional(nav) : std::nullopt);
     Q_EMIT navigationChanged();
 }
 

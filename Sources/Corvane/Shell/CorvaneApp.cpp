@@ -4,6 +4,7 @@
 #include "AI/AIServices.h"
 #include "AI/ModelChoice.h"
 #include "Approvals/ApprovalsStore.h"
+#include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
@@ -122,9 +123,10 @@ void CorvaneApp::setUpTray()
     if (!tray)
         return;
     tray->setMenu({ { QStringLiteral("open"), QStringLiteral("Open Corvane") },
+        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
         { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
         { QStringLiteral("quit"), QStringLiteral("Quit") } });
-    connect(tray, &Tray::activated, this, &CorvaneApp::windowRequested);
+    connect(tray, &Tray::activated, this, &CorvaneApp::panelRequested);
     connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
         if (item == QLatin1String("quit")) {
             Q_EMIT quitRequested();
@@ -133,9 +135,13 @@ void CorvaneApp::setUpTray()
         Q_EMIT windowRequested();
         if (item == QLatin1String("settings"))
             m_notifications.post(notifications::openSettings);
+        else if (item == QLatin1String("approvals"))
+            m_notifications.post(notifications::openApprovals);
     });
     connect(m_engine.get(), &EngineManager::unreadTotalChanged, tray,
         [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
+    connect(m_approvals.get(), &ApprovalsStore::changed, tray,
+        [this, tray] { tray->setWaiting(waitingForDecision(*m_approvals)); });
 }
 
 }

@@ -8,6 +8,7 @@
 #include "Shell/AppData.h"
 
 #include <QObject>
+#include <QPoint>
 #include <QStringList>
 #include <memory>
 
@@ -96,6 +97,7 @@ public:
 
 Q_SIGNALS:
     void windowRequested(); ///< show the main window and bring it to the front
+    void panelRequested(const QPoint& at); ///< show or hide the small window, there on the screen
     void quitRequested();
 
 private:

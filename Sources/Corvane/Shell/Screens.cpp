@@ -14,7 +14,9 @@ Screens::Screens(const Surroundings& at)
     , profile(at.session, shell, at.engine.db(), at.notifications)
     , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
           at.paths, at.ai, at.translations })
+    , approvals(at.approvals, at.engine.db(), at.scheduler)
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
+    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, shell, approvals })
 {
     const auto showUnread = [this, &engine = at.engine] {
         shell.hubs()->setUnreadTotal(engine.unreadTotal());
@@ -25,7 +27,7 @@ Screens::Screens(const Surroundings& at)
 }
 
 Screens::Screens(CorvaneApp& app)
-    : Screens(Surroundings { app.engine(), app.store(), app.session(), app.keychain(), app.defaults(),
+    : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
           app.translations() })
 {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Approvals/ApprovalsView.h"
 #include "Inbox/InboxView.h"
 #include "Shell/AppShell.h"
 #include "Shell/Appearance.h"
 #include "Shell/ContentView.h"
+#include "Shell/CorvaneMenuBarView.h"
 #include "Shell/IntegrationsView.h"
 #include "Shell/LoginWallView.h"
 #include "Shell/ProfileMenu.h"
@@ -21,6 +23,7 @@ public:
     /// What they stand on; all of it outlives them.
     struct Surroundings {
         EngineManager& engine;
+        ApprovalsStore& approvals;
         AccountStore& accounts;
         SessionStore& session;
         Keychain& keychain;
@@ -44,7 +47,9 @@ public:
     AppShell shell;
     ProfileMenu profile;
     InboxView inbox;
+    ApprovalsView approvals;
     IntegrationsView settings;
+    CorvaneMenuBarView panel;
 };
 
 }

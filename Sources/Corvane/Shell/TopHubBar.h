@@ -36,7 +36,7 @@ public:
 
     QString searchLabel() const { return QStringLiteral("Search or ask Lumo…"); }
 
-    void setSelected(std::optional<NavItem> item); ///< nothing while the settings cover the hubs
+    void setSelected(std::optional<NavItem> item); ///< nothing while something covers the hubs
     void setUnreadTotal(int count); ///< for the badge of the inbox
 
 protected:

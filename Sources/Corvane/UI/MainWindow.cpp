@@ -60,6 +60,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
         { u"profile"_s, object(screens.profile) },
         { u"settings"_s, object(screens.settings) },
         { u"inbox"_s, object(screens.inbox) },
+        { u"approvals"_s, object(screens.approvals) },
         { u"appearance"_s, object(screens.appearance) },
         { u"layout"_s, object(m_layout) },
     }));

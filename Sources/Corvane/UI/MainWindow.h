@@ -23,6 +23,7 @@ public:
     void hide();
     bool isShown() const;
 
+    QQmlEngine& engine() { return m_engine; } ///< for windows that look the same
     QQuickWindow* window() const { return m_window.get(); }
 
 Q_SIGNALS:

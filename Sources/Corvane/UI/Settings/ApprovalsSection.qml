@@ -1,14 +1,22 @@
 import QtQuick
 import Corvane
 
-/// From where approvals can be given.
+/// What waits for a person, and from where approvals can be given.
 Column {
     id: section
 
     required property QtObject settings
+    required property QtObject approvals
+
+    signal reviewed
 
     spacing: Theme.large
 
+    WaitingCard {
+        width: parent.width
+        approvals: section.approvals
+        onReviewed: section.reviewed()
+    }
     ControlChatCard {
         width: parent.width
         chat: section.settings.controlChat

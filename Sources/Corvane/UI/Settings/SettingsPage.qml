@@ -7,9 +7,11 @@ Page {
     id: page
 
     required property QtObject settings
+    required property QtObject approvals
     required property QtObject appearance
 
     signal leave
+    signal reviewApprovals
 
     readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, sync: sync,
         system: system })
@@ -78,7 +80,11 @@ Page {
     }
     Component {
         id: waiting
-        ApprovalsSection { settings: page.settings }
+        ApprovalsSection {
+            settings: page.settings
+            approvals: page.approvals
+            onReviewed: page.reviewApprovals()
+        }
     }
     Component {
         id: assistant

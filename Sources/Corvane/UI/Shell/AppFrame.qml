@@ -10,11 +10,13 @@ FocusScope {
     required property QtObject profile
     required property QtObject settings
     required property QtObject inbox
+    required property QtObject approvals
     required property QtObject appearance
     required property QtObject layout
     required property bool seen ///< a person looks at the window
 
-    readonly property bool inboxShown: !shell.settings && shell.selectedNav === "inbox"
+    readonly property bool covered: shell.settings || shell.approvals
+    readonly property bool inboxShown: !covered && shell.selectedNav === "inbox"
 
     focus: true
 
@@ -25,6 +27,9 @@ FocusScope {
             break;
         case "settings":
             shell.toggleSettings();
+            break;
+        case "approvals":
+            shell.toggleApprovals();
             break;
         case "shortcuts":
             shortcuts.active = true;
@@ -71,6 +76,7 @@ FocusScope {
         width: parent.width
         shell: frame.shell
         profile: frame.profile
+        approvals: frame.approvals
         onSearchPressed: frame.run("palette")
     }
     Loader {
@@ -78,7 +84,7 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: bar.height
         focus: true
-        sourceComponent: frame.shell.settings ? settingsPage : frame.inboxShown ? inboxPage : hubPage
+        sourceComponent: frame.shell.settings ? settingsPage : frame.shell.approvals ? approvalsPage : frame.inboxShown ? inboxPage : hubPage
         onLoaded: item.forceActiveFocus()
     }
     Component {
@@ -94,9 +100,19 @@ FocusScope {
         id: settingsPage
         SettingsPage {
             settings: frame.settings
+            approvals: frame.approvals
             appearance: frame.appearance
+            onReviewApprovals: frame.shell.openApprovals()
             hubBar: bar
             onLeave: frame.shell.closeSettings()
+        }
+    }
+    Component {
+        id: approvalsPage
+        ApprovalsPage {
+            approvals: frame.approvals
+            hubBar: bar
+            onLeave: frame.shell.closeApprovals()
         }
     }
     Component {

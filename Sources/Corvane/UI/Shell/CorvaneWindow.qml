@@ -12,6 +12,7 @@ T.ApplicationWindow {
     required property QtObject profile
     required property QtObject settings
     required property QtObject inbox
+    required property QtObject approvals
     required property QtObject appearance
     required property QtObject layout
 
@@ -41,6 +42,7 @@ T.ApplicationWindow {
             profile: window.profile
             settings: window.settings
             inbox: window.inbox
+            approvals: window.approvals
             appearance: window.appearance
             layout: window.layout
             seen: window.active

@@ -8,6 +8,7 @@ FocusScope {
 
     required property QtObject shell
     required property QtObject profile
+    required property QtObject approvals
 
     signal searchPressed
 
@@ -47,7 +48,7 @@ FocusScope {
         objectName: "topnav.search"
 
         readonly property real leftEdge: hubs.x + hubs.width + Theme.wide
-        readonly property real rightEdge: person.x - Theme.wide
+        readonly property real rightEdge: gate.x - Theme.wide
 
         width: Math.min(360, rightEdge - leftEdge)
         height: Theme.control
@@ -94,6 +95,25 @@ FocusScope {
         }
     }
 
+    IconButton {
+        id: gate
+        objectName: "topnav.approvals"
+        anchors.right: person.left
+        anchors.rightMargin: Theme.medium
+        anchors.verticalCenter: parent.verticalCenter
+        icon.name: "approvals"
+        checked: bar.shell.approvals
+        text: qsTr("Approvals")
+        key: Keymap.keysOf("approvals")
+        Accessible.name: bar.approvals.waiting > 0 ? text + ", " + bar.approvals.waitingText : text
+        onClicked: bar.shell.toggleApprovals()
+
+        Badge {
+            x: parent.width - width / 2 - 4
+            y: -4
+            text: bar.approvals.badge
+        }
+    }
     ProfileButton {
         id: person
         anchors.right: gear.left

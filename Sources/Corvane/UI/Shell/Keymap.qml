@@ -6,6 +6,7 @@ import QtQuick
 QtObject {
     readonly property string everywhere: qsTr("Everywhere")
     readonly property string list: qsTr("In the list")
+    readonly property string gate: qsTr("In Approvals")
     readonly property string thread: qsTr("This conversation")
     readonly property string message: qsTr("On a message")
 
@@ -14,6 +15,7 @@ QtObject {
         { section: everywhere, command: "search", label: qsTr("Search the inbox"), keys: "Ctrl+F", sequences: ["Ctrl+F"] },
         { section: everywhere, command: "hub", label: qsTr("Go to a hub"), keys: "Ctrl+1 … Ctrl+6" },
         { section: everywhere, command: "settings", label: qsTr("Settings"), keys: "Ctrl+,", sequences: ["Ctrl+,"] },
+        { section: everywhere, command: "approvals", label: qsTr("Approvals"), keys: "Ctrl+Shift+A", sequences: ["Ctrl+Shift+A"] },
         { section: everywhere, command: "newMessage", label: qsTr("New message"), keys: "Ctrl+N", sequences: ["Ctrl+N"] },
         { section: everywhere, command: "shortcuts", label: qsTr("This list"), keys: "F1 or ?", sequences: ["F1", "?"] },
         { section: everywhere, command: "nextPane", label: qsTr("Next pane"), keys: "F6", sequences: ["F6"] },
@@ -35,7 +37,12 @@ QtObject {
         { section: message, command: "copy", label: qsTr("Copy its text"), keys: "Ctrl+C" },
         { section: message, command: "play", label: qsTr("Play or hold a voice note"), keys: "Space" },
         { section: message, command: "skip", label: qsTr("Five seconds back or on"), keys: "Left, Right" },
-        { section: message, command: "deleteLocal", label: qsTr("Delete the local copy"), keys: "Del" }
+        { section: message, command: "deleteLocal", label: qsTr("Delete the local copy"), keys: "Del" },
+        { section: gate, command: "approve", label: qsTr("Approve, retry or apply"), keys: "Ctrl+Return" },
+        { section: gate, command: "undoApproval", label: qsTr("Undo within five seconds"), keys: "Ctrl+Z" },
+        { section: gate, command: "editDraft", label: qsTr("Edit a message"), keys: "F2" },
+        { section: gate, command: "reject", label: qsTr("Reject"), keys: "Delete" },
+        { section: gate, command: "wholeText", label: qsTr("Show a long text whole"), keys: "Space" }
     ]
 
     function keysOf(command: string): string {

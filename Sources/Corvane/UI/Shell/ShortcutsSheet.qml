@@ -15,11 +15,11 @@ Sheet {
 
         KeyColumn {
             width: (parent.width - parent.spacing) / 2
-            sections: [Keymap.everywhere, Keymap.message]
+            sections: [Keymap.everywhere, Keymap.gate]
         }
         KeyColumn {
             width: (parent.width - parent.spacing) / 2
-            sections: [Keymap.list, Keymap.thread]
+            sections: [Keymap.list, Keymap.thread, Keymap.message]
         }
     }
     buttons: Button {

@@ -27,6 +27,7 @@ QtObject {
     readonly property color good: dark ? "#5CC492" : "#1C7A4B"
     readonly property color warn: dark ? "#E0A84E" : "#9A5B00"
     readonly property color bad: dark ? "#F08379" : "#BF3328"
+    readonly property color secret: dark ? "#C9A2F0" : "#7A3AA8" ///< what touches passwords and tokens
 
     // Spacing
     readonly property int tight: 4

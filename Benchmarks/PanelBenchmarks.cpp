@@ -1,0 +1,153 @@
+#include "Mirror.h"
+#include "Rivals.h"
+
+#include "Approvals/ApprovalsStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/AddressBook.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
+#include "Platform/Microphone.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SystemLanguageModel.h"
+#include "Platform/ToolRunner.h"
+#include "Platform/Tray.h"
+#include "Shell/CorvaneApp.h"
+#include "Shell/Screens.h"
+#include "Store/LocalDB.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/FakePortHolders.h"
+#include "Support/FakeSecretStore.h"
+#include "UI/MainWindow.h"
+#include "UI/PanelWindow.h"
+
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+
+namespace corvane::bench {
+
+namespace {
+
+/// A program for which 10,000 messages, CRM updates and decisions wait, each.
+class Bench {
+public:
+    Bench()
+    {
+        LocalDB& db = m_app.engine().db();
+        const QString numbers
+            = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<10000) ");
+        db.exec(QStringLiteral("BEGIN;"));
+        db.run(
+            QStringLiteral(
+                R"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
+)") + numbers
+            + QStringLiteral(
+                "SELECT 'od:'||i, 'local', 'wa:main:'||i, 'WHATSAPP', 'main', i, 'Person '||i, 'See you at '||i, "
+                "'pending', 'mcp', i, i FROM n;"));
+        db.run(
+            QStringLiteral(
+                R"(INSERT INTO crm_update_proposal(id, workspace_id, kind, title, payload_json, status, created_at, updated_at)
+)") + numbers
+            + QStringLiteral(
+                R"(SELECT 'p:'||i, 'local', 'task', 'Call '||i, '{"title":"Call back"}', 'pending', i, i FROM n;)"));
+        db.run(
+            QStringLiteral(
+                R"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
+)") + numbers
+            + QStringLiteral("SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
+                             "FROM n;"));
+        db.exec(QStringLiteral("COMMIT;"));
+        m_app.approvals().attach(m_app.engine(), m_app.calls());
+        m_app.engine().refreshDrafts();
+        m_screens.panel.setTab(QStringLiteral("approvals"));
+    }
+
+    ApprovalsStore& approvals() { return m_app.approvals(); }
+    std::unique_ptr<PanelWindow> panel()
+    {
+        return std::make_unique<PanelWindow>(m_window.engine(), m_screens.panel, m_scheduler);
+    }
+
+private:
+    Machine machine()
+    {
+        Machine machine;
+        machine.launcher = makeProcessLauncher(m_scheduler);
+        machine.ports = std::make_unique<FakePortHolders>();
+        machine.secrets = std::make_unique<FakeSecretStore>();
+        machine.notifications = std::make_unique<FakeNotificationService>();
+        machine.desktop = std::make_unique<FakeDesktop>();
+        machine.microphone = makeMicrophone(m_scheduler);
+        machine.addressBook = makeAddressBook(m_paths);
+        machine.tools = makeToolRunner();
+        machine.languageModel = makeLanguageModel(m_scheduler);
+        machine.facts = makeMachineFacts(m_paths);
+        return machine;
+    }
+
+    QTemporaryDir m_folder;
+    AppPaths m_paths { m_folder.path(), m_folder.filePath(QStringLiteral("share")),
+        m_folder.filePath(QStringLiteral("defaults.ini")), resourceFolder() };
+    SystemScheduler m_scheduler;
+    CorvaneApp m_app { m_paths, m_scheduler, machine() };
+    Screens m_screens { m_app };
+    MainWindow m_window { m_screens, m_app.defaults() };
+};
+
+Bench& bench()
+{
+    static Bench instance;
+    return instance;
+}
+
+void show(PanelWindow& panel)
+{
+    panel.show({});
+    benchmark::DoNotOptimize(panel.window()->grabWindow());
+}
+
+/// From the first press on the icon to the picture.
+void firstOpening(benchmark::State& state)
+{
+    for (auto _ : state) {
+        const auto panel = bench().panel();
+        show(*panel);
+        state.PauseTiming();
+        panel->hide();
+        state.ResumeTiming();
+    }
+}
+
+void openingAgain(benchmark::State& state)
+{
+    const auto panel = bench().panel();
+    show(*panel);
+    for (auto _ : state) {
+        panel->hide();
+        show(*panel);
+    }
+}
+
+void pollTick(benchmark::State& state)
+{
+    for (auto _ : state)
+        bench().approvals().refresh();
+}
+
+BENCHMARK(firstOpening)->Name("panel of 30,000 waiting/first opening")->Unit(benchmark::kMillisecond);
+BENCHMARK(openingAgain)->Name("panel of 30,000 waiting/opened again")->Unit(benchmark::kMillisecond);
+BENCHMARK(pollTick)->Name("poll of 30,000 waiting")->Unit(benchmark::kMillisecond);
+
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    return corvane::bench::runAgainstRivals(argc, argv);
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Store/CrmProposals.h"
+#include "Store/OutboundQueries.h"
+#include "Store/WorkRecords.h"
+
+#include <QMetaType>
+
+namespace corvane {
+
+/// Something that waits for a person, or is on its way since they decided, in the words of the screen.
+class ApprovalRow {
+    Q_GADGET
+    Q_PROPERTY(QString key MEMBER m_key)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString head MEMBER head)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString why MEMBER why)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(QString platform MEMBER platform)
+    Q_PROPERTY(QString riskText MEMBER riskText)
+    Q_PROPERTY(QString riskTone MEMBER riskTone)
+    Q_PROPERTY(QString failureReason MEMBER failureReason)
+    Q_PROPERTY(QString stateText MEMBER stateText)
+    Q_PROPERTY(int secondsLeft MEMBER secondsLeft)
+    Q_PROPERTY(QString approveLabel MEMBER approveLabel)
+    Q_PROPERTY(bool canDecide MEMBER canDecide)
+    Q_PROPERTY(bool canEdit MEMBER canEdit)
+public:
+    QString kind; ///< "draft", "proposal" or "decision"
+    QString id;
+    QString head; ///< what it stands under: "Outbound Messages", ...
+    QString title;
+    QString body;
+    QString why; ///< "Why: ..." of a decision
+    QString detail; ///< in a weaker voice: "Task", "ops"
+    QString platform; ///< such as "WHATSAPP", for its mark
+    QString riskText; ///< "money risk"; a word that nobody knows stands as it is
+    QString riskTone; ///< "money", "credential", "external" or "high"; empty for a risk without a colour
+    QString failureReason;
+    QString stateText; ///< "Sending…", of what is on its way
+    int secondsLeft = 0; ///< to undo it; 0 where nothing can be undone
+    QString approveLabel; ///< "Approve", "Retry" or "Apply"
+    bool canDecide = false; ///< approve and reject apply
+    bool canEdit = false;
+
+    void setKey() { m_key = kind + u':' + id; }
+    const QString& key() const { return m_key; }
+    bool operator==(const ApprovalRow&) const = default;
+
+private:
+    QString m_key; ///< "draft:{id}"
+};
+
+/// `secondsLeft` above 0 is of a draft inside its undo window.
+ApprovalRow draftRow(const PendingDraft& draft, int secondsLeft);
+ApprovalRow proposalRow(const CRMUpdateProposal& proposal, const QString& contactName);
+ApprovalRow decisionRow(const WorkDecisionRecord& decision);
+
+}

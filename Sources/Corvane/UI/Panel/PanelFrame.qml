@@ -1,0 +1,146 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The small window at the tray: tabs on top, what the chosen one shows, and the way to the main window.
+T.ApplicationWindow {
+    id: window
+
+    required property QtObject panel
+    readonly property QtObject approvals: panel.approvals
+
+    title: qsTr("Corvane panel")
+    width: 380
+    height: 560
+    minimumWidth: 380
+    maximumWidth: 380
+    color: Theme.window
+    font: Qt.application.font
+    flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
+
+    // Whoever turns to something else is done with it.
+    property bool wasActive: false
+    onActiveChanged: {
+        if (active)
+            wasActive = true;
+        else if (wasActive)
+            hide();
+    }
+    onVisibleChanged: {
+        wasActive = visible && active;
+        if (visible)
+            content.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    FocusScope {
+        id: frame
+        anchors.fill: parent
+        focus: true
+        Keys.onEscapePressed: {
+            if (window.approvals.editing !== "")
+                window.approvals.cancelEdit();
+            else
+                window.hide();
+        }
+
+        Row {
+            id: tabs
+            x: Theme.medium
+            y: Theme.medium
+            spacing: Theme.tight
+            Accessible.role: Accessible.PageTabList
+            Accessible.name: qsTr("Tabs")
+            Repeater {
+                id: tabButtons
+                model: window.panel.tabs.length
+                FilterTab {
+                    required property int index
+                    readonly property var tab: window.panel.tabs[index]
+                    objectName: "panel." + tab.id
+                    text: tab.label
+                    count: tab.count
+                    selected: window.panel.tab === tab.id
+                    onClicked: window.panel.tab = tab.id
+                    Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onLeftPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
+                }
+            }
+        }
+        Rectangle {
+            id: edge
+            anchors.top: tabs.bottom
+            anchors.topMargin: Theme.medium
+            width: parent.width
+            height: 1
+            color: Theme.line
+        }
+        Loader {
+            id: content
+            anchors.top: edge.bottom
+            anchors.bottom: foot.top
+            width: parent.width
+            focus: true
+            sourceComponent: window.panel.tab === "approvals" ? waiting : now
+            onLoaded: if (window.active) forceActiveFocus(Qt.TabFocusReason)
+        }
+        Item {
+            id: foot
+            anchors.bottom: parent.bottom
+            width: parent.width
+            height: 48
+            Rectangle {
+                width: parent.width
+                height: 1
+                color: Theme.line
+            }
+            Button {
+                objectName: "panel.review"
+                x: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                visible: window.panel.tab === "approvals"
+                kind: "quiet"
+                text: window.approvals.reviewLabel
+                onClicked: window.panel.reviewAll()
+            }
+            Button {
+                objectName: "panel.window"
+                x: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                visible: window.panel.tab === "now"
+                kind: "quiet"
+                text: qsTr("Open Corvane")
+                onClicked: window.panel.run("window")
+            }
+            IconButton {
+                objectName: "panel.settings"
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                icon.name: "preferences-system"
+                text: qsTr("Settings")
+                onClicked: window.panel.run("settings")
+            }
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        z: 100
+        color: Theme.none
+        border.width: 1
+        border.color: Theme.line
+    }
+    Component {
+        id: now
+        NowTab {
+            focus: true
+            panel: window.panel
+        }
+    }
+    Component {
+        id: waiting
+        ApprovalList {
+            focus: true
+            approvals: window.approvals
+        }
+    }
+}

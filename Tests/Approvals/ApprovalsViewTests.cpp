@@ -1,0 +1,195 @@
+#include "Approvals/ApprovalsView.h"
+
+#include "Approvals/ApprovalsStore.h"
+#include "Calls/CallRecorder.h"
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+#include "Support/WaitingItems.h"
+
+#include <QAbstractItemModelTester>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class ApprovalsViewTest : public testing::Test, protected EngineWorld {
+protected:
+    ApprovalsViewTest() { store.attach(engines, calls); }
+
+    LocalDB& db() { return engines.db(); }
+
+    void look()
+    {
+        engines.refreshDrafts();
+        store.refresh();
+    }
+
+    QString shown(const QString& key, const QByteArray& role)
+    {
+        const QAbstractItemModel& rows = *view.rows();
+        for (int row = 0; row < rows.rowCount(); ++row) {
+            const QModelIndex index = rows.index(row, 0);
+            if (index.data(rows.roleNames().key("key")).toString() == key)
+                return index.data(rows.roleNames().key(role)).toString();
+        }
+        return "-";
+    }
+
+    QString words(const QString& key, const QByteArrayList& roles)
+    {
+        QStringList parts;
+        for (const QByteArray& role : roles)
+            parts.append(shown(key, role));
+        return parts.join('|');
+    }
+
+    QString draftStatus(const QString& id) { return cell("SELECT status FROM outbound_draft WHERE id=?;", { id }); }
+
+    CallRecorder calls { engines.db() };
+    ApprovalsStore store { centre, notifier, clock };
+    ApprovalsView view { store, engines.db(), clock };
+    QAbstractItemModelTester tester { view.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal };
+};
+
+}
+
+TEST_F(ApprovalsViewTest, everyKindStandsUnderItsHeadInItsOwnWords)
+{
+    writeDraft(db(), "d1", "Ana", "See you at three");
+    writeDraft(db(), "d2", "", "Again", "failed");
+    writeDraft(db(), "d3", "Ben", "In the browser", "placed");
+    writeDraft(db(), "d4", "Cy", "On its way", "sending");
+    writeProposal(db(), "p1", "task", "Call back", R"({"title":"Call Ana"})");
+    writeProposal(db(), "p2", "horoscope", "Stars", "no json");
+    writeDecision(db(), "w1", "Pay the invoice", "Transfer 300", "It is due", "money");
+    writeDecision(db(), "w2", "Odd", "Do it", " ", "weird-word");
+    look();
+
+    const QByteArrayList draft { "head", "title", "body", "approveLabel", "canDecide", "canEdit", "stateText" };
+    EXPECT_EQ(words("draft:d1", draft),
+        "Outbound Messages|AI wants to send to Ana · WHATSAPP|See you at three|Approve|true|true|");
+    EXPECT_EQ(words("draft:d2", draft),
+        "Outbound Messages|Local send failed to 1@s.whatsapp.net · WHATSAPP|Again|Retry|true|true|");
+    EXPECT_TRUE(shown("draft:d2", "failureReason").startsWith("Send failed — engine did not report"));
+    EXPECT_EQ(shown("draft:d1", "failureReason"), "");
+    EXPECT_EQ(words("draft:d3", { "canDecide", "stateText" }), "false|Placed — awaiting LinkedIn confirmation");
+    EXPECT_EQ(words("draft:d4", { "canDecide", "stateText", "secondsLeft" }), "false|Sending…|0");
+    EXPECT_EQ(words("proposal:p1", { "head", "title", "body", "detail", "approveLabel", "canEdit" }),
+        "CRM Updates|Call back|Call Ana|Task|Apply|false");
+    EXPECT_EQ(words("proposal:p2", { "title", "body", "detail" }), "Stars||Horoscope");
+    const QByteArrayList decision { "head", "title", "body", "why", "riskText", "riskTone", "approveLabel" };
+    EXPECT_EQ(words("decision:w1", decision),
+        "Agent Decisions|Pay the invoice|Transfer 300|Why: It is due|money risk|money|Approve");
+    EXPECT_EQ(words("decision:w2", decision), "Agent Decisions|Odd|Do it||weird-word risk||Approve");
+    EXPECT_EQ(view.waitingText(), "6 waiting for your approval");
+    EXPECT_EQ(view.headCounts().value("Outbound Messages"), 4);
+    EXPECT_EQ(view.emptyLines(), QStringList());
+    EXPECT_EQ(waitingForDecision(store), 6);
+}
+
+TEST_F(ApprovalsViewTest, whereNothingWaitsItSaysSoForEachKind)
+{
+    EXPECT_EQ(view.count(), 0);
+    EXPECT_EQ(view.badge(), "");
+    EXPECT_EQ(view.emptyTitle(), "No pending approvals");
+    EXPECT_EQ(view.emptyLines(),
+        QStringList(
+            { "No message drafts waiting.", "No CRM update proposals waiting.", "No agent decisions waiting." }));
+    writeDecision(db(), "w1", "Deploy", "now", "", "high");
+    look();
+    EXPECT_EQ(view.badge(), "1");
+    EXPECT_EQ(view.emptyLines(), QStringList({ "No message drafts waiting.", "No CRM update proposals waiting." }));
+    db().exec("DROP TABLE work_decision;");
+    look();
+    EXPECT_EQ(view.count(), 0);
+}
+
+TEST_F(ApprovalsViewTest, anApprovedDraftCountsDownAndCanBeTakenBackUntilItGoesOut)
+{
+    writeDraft(db(), "d1", "Ana", "hello");
+    look();
+    view.approve("draft:d1");
+    view.approve("draft:d1");
+    EXPECT_EQ(words("draft:d1", { "stateText", "secondsLeft", "canDecide", "canEdit" }), "Sending…|5|false|false");
+    EXPECT_EQ(view.waiting(), 0);
+    EXPECT_EQ(waitingForDecision(store), 0);
+    view.reject("draft:d1");
+    view.edit("draft:d1");
+    EXPECT_EQ(view.editing(), "");
+    clock.advance(seconds(3));
+    EXPECT_EQ(shown("draft:d1", "secondsLeft"), "2");
+    view.undo("draft:d1");
+    EXPECT_EQ(words("draft:d1", { "stateText", "secondsLeft", "canDecide" }), "|0|true");
+    clock.advance(seconds(10));
+    EXPECT_EQ(draftStatus("d1"), "pending");
+
+    view.approve("draft:d1");
+    EXPECT_EQ(shown("draft:d1", "secondsLeft"), "5");
+    clock.advance(Milliseconds(5010));
+    EXPECT_EQ(draftStatus("d1"), "approved") << "its account has never run";
+    EXPECT_EQ(view.count(), 0);
+    const qsizetype timers = clock.pendingTimers();
+    view.undo("draft:d1");
+    view.approve("draft:nobody");
+    EXPECT_EQ(clock.pendingTimers(), timers);
+}
+
+TEST_F(ApprovalsViewTest, anEditKeepsItsWordsWhateverHappensMeanwhile)
+{
+    writeDraft(db(), "d1", "Ana", "hello");
+    writeProposal(db(), "p1", "task", "Call back", "{}");
+    look();
+    view.edit("proposal:p1");
+    EXPECT_EQ(view.editing(), "");
+    view.edit("draft:d1");
+    EXPECT_EQ(view.editText(), "hello");
+    view.approve("draft:d1");
+    EXPECT_EQ(shown("draft:d1", "secondsLeft"), "0") << "what is edited is not approved";
+    view.setEditText(" \n");
+    view.saveEdit();
+    EXPECT_EQ(view.editing(), "draft:d1");
+    view.setEditText("good day");
+    writeDraft(db(), "d2", "Ben", "another");
+    look();
+    EXPECT_EQ(view.editText(), "good day");
+    view.saveEdit();
+    EXPECT_EQ(view.editing(), "");
+    EXPECT_EQ(shown("draft:d1", "body"), "good day");
+
+    view.edit("draft:d1");
+    view.setEditText("better words");
+    db().exec("UPDATE outbound_draft SET status='sent' WHERE id='d1';");
+    look();
+    EXPECT_EQ(view.editing(), "");
+    EXPECT_EQ(view.notice(), "The draft that you edited no longer waits. Your text was: better words");
+    view.dismissNotice();
+    EXPECT_EQ(view.notice(), "");
+    view.saveEdit();
+    EXPECT_EQ(cell("SELECT body FROM outbound_draft WHERE id='d1';"), "good day");
+}
+
+TEST_F(ApprovalsViewTest, eachKindIsDecidedOnceAndByItsOwnWords)
+{
+    writeDraft(db(), "d1", "Ana", "hello");
+    writeProposal(db(), "p1", "task", "Call back", R"({"title":"Call Ana"})");
+    writeProposal(db(), "p2", "task", "Never mind", "{}");
+    writeDecision(db(), "w1", "Deploy", "now", "", "high");
+    writeDecision(db(), "w2", "Delete", "all", "", "high");
+    look();
+    const QStringList approved { "proposal:p1", "decision:w1" };
+    const QStringList rejected { "draft:d1", "proposal:p2", "decision:w2" };
+    for (int press = 0; press < 2; ++press) { // the second comes too late
+        for (const QString& key : approved)
+            view.approve(key);
+        for (const QString& key : rejected)
+            view.reject(key);
+    }
+    EXPECT_EQ(draftStatus("d1"), "rejected");
+    EXPECT_EQ(cell("SELECT group_concat(status) FROM (SELECT status FROM crm_update_proposal ORDER BY id);"),
+        "applied,rejected");
+    EXPECT_EQ(
+        cell("SELECT group_concat(status) FROM (SELECT status FROM work_decision ORDER BY id);"), "approved,rejected");
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM crm_task WHERE title='Call Ana';"), "1");
+    EXPECT_EQ(view.count(), 0);
+}
