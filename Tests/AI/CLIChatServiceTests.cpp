@@ -25,6 +25,7 @@ protected:
     {
         qputenv("TMPDIR", home.path("tmp").toUtf8());
         QDir().mkpath(home.path("tmp"));
+        QFile::link("/bin/sleep", sleeper);
     }
     ~Codex() override
     {
@@ -47,15 +48,21 @@ protected:
                                    : QString();
     }
 
-    /// A process that has ended has no command line, even while nobody has asked for its status.
-    bool isGone(const QString& pidFile)
+    /// How many of the processes that were started here still run: each names the home in its command line, which
+    /// goes with its end, even while nobody has asked for its status.
+    int running()
     {
-        const QByteArray pid = home.read(pidFile).trimmed();
-        QFile commandLine("/proc/" + QString::fromLatin1(pid) + "/cmdline");
-        return !pid.isEmpty() && (!commandLine.open(QIODevice::ReadOnly) || commandLine.readAll().isEmpty());
+        int count = 0;
+        for (const QString& pid : QDir("/proc").entryList({ "[0-9]*" }, QDir::Dirs)) {
+            QFile commandLine("/proc/" + pid + "/cmdline");
+            if (commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().contains(home.path({}).toUtf8()))
+                ++count;
+        }
+        return count;
     }
 
     TemporaryHome home;
+    const QString sleeper = home.path("sleeper"); ///< a program that takes the seconds that it stays
     CancelHandle cancel;
     std::unique_ptr<ToolRunner> tools = makeToolRunner();
     CLIChatService service { *tools, { home.path(".npm-global/bin/codex"), home.path("second/codex") } };
@@ -135,27 +142,41 @@ TEST_F(Codex, everyOtherEndIsAFailureInWords)
 
 TEST_F(Codex, whatTheToolLeavesRunningEndsWithIt)
 {
-    install("sleep 1000 & echo $! > \"" + home.path("pid") + "\"; printf done > \"$8\"");
-    EXPECT_EQ(answerTo(), "done") << "although standard output is still open";
-    EXPECT_TRUE(await([&] { return isGone("pid"); }));
+    for (const QString& start : { QString(), QString("setsid ") }) {
+        install(start + sleeper + " 100 & while ! grep -qs '^" + sleeper
+            + "' /proc/$!/cmdline; do :; done; printf done > \"$8\"");
+        EXPECT_EQ(answerTo(), "done") << "although standard output is still open";
+        EXPECT_TRUE(await([&] { return running() == 0; })) << qPrintable(start);
+    }
 }
 
 TEST_F(Codex, cancellingKillsTheToolAndAllThatItStarted)
 {
-    const QString mark = "echo $$ > \"" + home.path("pid") + "\"; sleep 1000 & echo $! > \"" + home.path("sleeper")
-        + "\"; printf early > \"$8\"; echo > \"" + home.path("ready") + "\"; exec " + child;
-    for (const QString& kind : { "ignore-term hang", "flood", "errors flood" }) {
-        install(mark + kind);
+    struct Case {
+        QString script;
+        int processes;
+    };
+    const QString end = "printf early > \"$8\"; exec " + child + "-- --" + home.path("x ");
+    const QString one = sleeper + " 100 & ";
+    const Case cases[] {
+        { one + end + "ignore-term hang", 2 },
+        { one + end + "flood", 2 },
+        { one + end + "errors flood", 2 },
+        { "i=0; while [ $i -lt 200 ]; do " + one + "i=$((i+1)); done; wait", 201 },
+        // Each takes another way out of the group.
+        { "setsid " + one + "setsid " + sleeper + " 100 >/dev/null 2>&1 & (setsid " + one + ") ; wait", 4 },
+        { "setsid sh -c '" + sleeper + " 100 & wait' >/dev/null 2>&1 & wait", 3 },
+    };
+    for (const Case& each : cases) {
+        install(each.script);
         cancel = {};
-        QFile::remove(home.path("ready"));
         const auto result = outcome(service.respond("i", "p", cancel));
-        ASSERT_TRUE(await([&] { return QFile::exists(home.path("ready")); }));
+        ASSERT_TRUE(await([&] { return running() == each.processes; })) << qPrintable(each.script) << running();
         EXPECT_FALSE(result->has_value());
         cancel.cancel();
-        ASSERT_TRUE(await([&] { return result->has_value(); })) << qPrintable(kind);
+        ASSERT_TRUE(await([&] { return result->has_value(); })) << qPrintable(each.script);
         EXPECT_EQ((*result)->error().message, "Cancelled.");
-        EXPECT_TRUE(isGone("pid"));
-        EXPECT_TRUE(await([&] { return isGone("sleeper"); }));
+        EXPECT_TRUE(await([&] { return running() == 0; })) << qPrintable(each.script) << running();
     }
 }
 

@@ -196,6 +196,7 @@ TEST_F(LanguageModel, aServerThatMisbehavesEndsInWords)
     const Case cases[] {
         { { {}, true }, noAnswer + "The request timed out." },
         { { head + "{\"mess", true }, noAnswer + "The request timed out." },
+        { { head + "{\"mess", true, true }, noAnswer + "The request timed out." },
         { { head + "{\"mess" }, noAnswer + "Connection closed" },
         { LoopbackWeb::status(200, QByteArray(5 * 1024 * 1024, ' ')), noAnswer + "The reply is too large." },
         { LoopbackWeb::redirect("http://example.com/"), "The model server at %1 refused: (HTTP 302)" },
@@ -233,7 +234,7 @@ TEST_F(LanguageModel, cancellingEndsTheRequestAndSoDoesTheEndOfTheProgram)
 {
     serveOllama({ "a" });
     ASSERT_EQ(look(), "");
-    web.answer(chat, { {}, true });
+    web.answer(chat, { "HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n{", true, true });
     const CancelHandle cancel;
     const auto first = outcome(model.respond("i", "p", cancel));
     ASSERT_TRUE(await([&] { return web.paths().contains(chat) && web.openConnections() > 0; }));

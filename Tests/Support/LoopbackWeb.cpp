@@ -2,6 +2,7 @@
 
 #include <QJsonDocument>
 #include <QTcpSocket>
+#include <QTimer>
 #include <QUrlQuery>
 #include <gtest/gtest.h>
 
@@ -72,6 +73,11 @@ void LoopbackWeb::read(QTcpSocket* socket)
         return;
     }
     socket->write(answer->bytes);
+    if (answer->drip) {
+        auto* const pause = new QTimer(socket);
+        connect(pause, &QTimer::timeout, socket, [socket] { socket->write(" "); });
+        pause->start(5);
+    }
     if (!answer->hang)
         socket->disconnectFromHost();
 }

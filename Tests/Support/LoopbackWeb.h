@@ -27,10 +27,11 @@ public:
     };
 
     /// What follows a request: a whole HTTP response, any other bytes, or, with `hang`, nothing more and an
-    /// open connection.
+    /// open connection; with `drip` one more byte now and then, too.
     struct Answer {
         QByteArray bytes;
         bool hang = false;
+        bool drip = false;
     };
 
     LoopbackWeb();

@@ -17,14 +17,15 @@ struct ToolEnd {
 };
 
 /// Runs programs that do one thing and end. What a tool prints is read to its end and thrown away. A tool leads
-/// a process group of its own, and what is left of the group when the tool has ended is killed.
+/// a process group of its own, and what is left of the group when the tool has ended is killed, as is whatever has
+/// left the group and could still print.
 class ToolRunner {
 public:
     /// Kills what still runs; who waits for it fails.
     virtual ~ToolRunner() = default;
 
     /// The environment is inherited, standard input is empty. There is no time limit; cancelling kills the
-    /// group. A program that does not start fails in the system's words.
+    /// tool and all that descends from it. A program that does not start fails in the system's words.
     virtual QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList arguments, CancelHandle cancel) = 0;
 };
 

@@ -3,6 +3,7 @@
 #include "Foundation/Arrival.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/SpawnedChild.h"
+#include "Platform/Linux/Strays.h"
 
 #include <QProcessEnvironment>
 #include <algorithm>
@@ -75,8 +76,12 @@ ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
         drain(tool.errors, [&](QByteArrayView bytes) { errors.append(bytes); });
     };
     // While its leader has not been reaped, the group's number belongs to nobody else.
-    const auto killGroup = [&] {
-        ::kill(-static_cast<pid_t>(tool.pid), SIGKILL);
+    const auto leader = static_cast<pid_t>(tool.pid);
+    const auto killAll = [&] {
+        ::kill(-leader, SIGSTOP);
+        killStrays(leader, { &tool.output, &tool.errors });
+        ::kill(-leader, SIGKILL);
+        signalChild(*tool.handle, SIGKILL); // it may have joined another group
     };
     enum Slot { Handle, Stop, Output, Errors };
     std::array<pollfd, 4> watched { { { tool.handle->number(), POLLIN, 0 }, { stop.number(), POLLIN, 0 },
@@ -85,15 +90,17 @@ ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
         if (::poll(watched.data(), watched.size(), -1) < 0)
             continue;
         if (watched[Stop].revents != 0) {
-            killGroup();
+            killAll();
             watched[Stop].fd = -1;
         }
         readBoth();
         watched[Output].fd = tool.output.number();
         watched[Errors].fd = tool.errors.number();
     }
-    killGroup();
+    ::kill(-leader, SIGKILL);
     readBoth();
+    if (tool.output.isOpen() || tool.errors.isOpen())
+        killStrays(leader, { &tool.output, &tool.errors });
     return { std::abs(reapChild(*tool.handle)), errors.take() };
 }
 
