@@ -1,8 +1,12 @@
 #include "AI/AIRequestWatcher.h"
 
-#include "Store/AIRequestQueries.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Support/Await.h"
 #include "Support/FakeLanguageModel.h"
+#include "Support/LoopbackWeb.h"
 #include "Support/StoreTest.h"
+
+#include <QJsonArray>
 
 namespace corvane {
 
@@ -56,6 +60,23 @@ TEST_F(AIRequestWatcherTest, withoutABackendEachRequestFailsInWords)
     AIRequestWatcher watcher(*m_db, m_lumo.ai, m_clock);
     watcher.start();
     EXPECT_EQ(rows(), QStringList { "a|error|-|No LumoAI backend available." });
+}
+
+TEST_F(AIRequestWatcherTest, aServerThatNobodyHasLookedAtYetAnswersWhatWaitsAtTheStart)
+{
+    LoopbackWeb web;
+    web.answer("/api/version", LoopbackWeb::json({ { "version", "0.5.7" } }));
+    web.answer("/api/tags", LoopbackWeb::json({ { "models", QJsonArray { QJsonObject { { "name", "a:1b" } } } } }));
+    web.answer("/api/chat",
+        LoopbackWeb::json({ { "message", QJsonObject { { "content", "Hello." } } }, { "done_reason", "stop" } }));
+    ask("a");
+    const auto model = makeLanguageModel(m_clock);
+    AIServices services(*model, m_lumo.machine, m_lumo.tools, {}, m_clock);
+    model->choose({ web.base(), {} });
+    AIRequestWatcher watcher(*m_db, services.ai, m_clock);
+    watcher.start();
+    EXPECT_EQ(rows(), QStringList { "a|pending|-|-" });
+    EXPECT_TRUE(await([&] { return rows() == QStringList { "a|done|Hello.|-" }; }));
 }
 
 TEST_F(AIRequestWatcherTest, aRequestThatACrashLeftClaimedRunsOnceMoreAndNoOftener)

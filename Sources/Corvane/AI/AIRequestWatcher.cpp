@@ -58,7 +58,12 @@ QCoro::Task<> AIRequestWatcher::processPending()
     const QList<AIRequest> requests = fetchPendingAIRequests(m_db, batchSize);
     const CancelHandle life = m_life;
     m_isProcessing = true;
+    // A model server that came up since the last look, or that the start of the program has not looked at yet.
+    if (!requests.isEmpty() && !m_ai.availableName())
+        co_await m_ai.refresh();
     for (const AIRequest& request : requests) {
+        if (life.isCancelled())
+            co_return;
         if (!claimAIRequest(m_db, request.id, m_claimOwner))
             continue;
         const Result<QString> answer = co_await generate(m_ai, request, life);

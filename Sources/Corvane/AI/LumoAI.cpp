@@ -26,6 +26,11 @@ LocalAIModelSpec LumoAI::modelSpec() const
     return { availableName().value_or(QStringLiteral("LumoAI")) };
 }
 
+QCoro::Task<> LumoAI::refresh()
+{
+    return m_onDevice.refresh();
+}
+
 QCoro::Task<Result<QString>> LumoAI::respond(QString instructions, QString prompt, CancelHandle cancel)
 {
     const QPointer<LumoAI> self(this);

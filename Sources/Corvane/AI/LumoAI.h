@@ -20,11 +20,15 @@ public:
     /// Both outlive this object.
     LumoAI(const AppleIntelligenceChatService& onDevice, const CLIChatService& codex, QObject* parent = nullptr);
 
-    /// Who would answer now; nothing where nobody would. Decided at each call, without waiting.
+    /// Who would answer now; nothing where nobody would. Decided at each call, without waiting, by what is known of
+    /// the platform's model.
     std::optional<QString> availableName() const;
 
     /// What a text that is made now records as its maker.
     LocalAIModelSpec modelSpec() const;
+
+    /// Looks at the platform's model afresh; a few seconds at most.
+    QCoro::Task<> refresh();
 
     /// The answer as it came.
     QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel = {});
