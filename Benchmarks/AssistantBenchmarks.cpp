@@ -1,8 +1,20 @@
 #include "Rivals.h"
 
-#include "AI/LumoDraftPrompt.h"
+#include "AI/AIRequestWatcher.h"
+#include "AI/AIServices.h"
 #include "AI/UngroundedFacts.h"
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/Linux/LinuxLanguageModel.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
+#include "Platform/ToolRunner.h"
+#include "Store/LocalDB.h"
+#include "Support/VirtualScheduler.h"
 
+#include <QCoreApplication>
+#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
 namespace corvane::bench {
@@ -55,6 +67,63 @@ void factsOfADraft(benchmark::State& state)
         benchmark::DoNotOptimize(ungroundedFacts(draft, context));
 }
 
+/// What other processes ask for, on a machine where nobody can answer: each request that is taken fails at once, so
+/// that a tick does all of its own work and waits for nothing.
+class Queue {
+public:
+    Queue() { m_watcher.start(); }
+
+    /// Fills up to so many that wait, asked so long ago.
+    void fill(int waiting, qint64 ageMs)
+    {
+        m_db.run(QStringLiteral("DELETE FROM ai_requests WHERE status<>'pending';"));
+        m_db.run(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<?)\n"
+                                "INSERT INTO ai_requests(id, prompt, created_at)\n"
+                                "SELECT hex(randomblob(8)), printf('%.2000c', 'x'), ? FROM n\n"
+                                "LIMIT ?-(SELECT COUNT(*) FROM ai_requests);"),
+            { waiting, m_standing.nowMs() - ageMs, waiting });
+    }
+    void tick() { m_ticking.advance(seconds(1)); }
+
+private:
+    QTemporaryDir m_folder;
+    AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(QStringLiteral("defaults.ini")),
+        QStringLiteral(CORVANE_SOURCE) };
+    VirtualScheduler m_standing; ///< so that what waits grows no older
+    VirtualScheduler m_ticking;
+    UserDefaults m_defaults { m_paths.defaultsFile };
+    NotificationCentre m_centre;
+    LocalDB m_db { m_folder.filePath(QStringLiteral("queue.db")), { m_paths.resources, {} }, m_standing, m_defaults,
+        m_centre };
+    LinuxLanguageModel m_model { m_standing, {} };
+    std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
+    std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
+    AIServices m_services { m_model, *m_facts, *m_tools, {}, m_standing };
+    AIRequestWatcher m_watcher { m_db, m_services.ai, m_ticking };
+};
+
+void queueTick(benchmark::State& state, int waiting, qint64 ageMs)
+{
+    int argc = 0;
+    const QCoreApplication application(argc, nullptr);
+    Queue queue;
+    for (auto _ : state) {
+        if (waiting > 0) {
+            state.PauseTiming();
+            queue.fill(waiting, ageMs);
+            state.ResumeTiming();
+        }
+        queue.tick();
+    }
+}
+
+BENCHMARK_CAPTURE(queueTick, idle, 0, 0)->Name("idle tick of the queue")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(queueTick, waiting, 1000, 0)
+    ->Name("tick of the queue while 1,000 requests wait")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(queueTick, stale, 1000, 120'001)
+    ->Name("tick of the queue that finds 1,000 requests expired")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(replyPrompt, plain, QStringLiteral("word "))
     ->Name("prompt of 80 messages, 8 notes, 12 identities")
     ->Unit(benchmark::kMillisecond);
