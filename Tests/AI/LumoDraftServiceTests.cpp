@@ -164,48 +164,56 @@ TEST_F(LumoDraftServiceTest, whoeverGoesAwayMeanwhileGetsNoDraft)
     EXPECT_EQ((*orphan)->error().message, "Cancelled.");
 }
 
-/// Line by line: where the harmless prompt ends in "x", the other one may say anything; all else is the frame.
+/// Line by line: where the harmless prompt has its mark, the other one may say anything; all else is the frame.
 void expectSameFrame(const QString& hostile, const QString& harmless)
 {
     const QStringList lines = hostile.split(u'\n');
     const QStringList frame = harmless.split(u'\n');
     ASSERT_EQ(lines.size(), frame.size()) << qPrintable(hostile.left(3000));
     for (qsizetype at = 0; at < frame.size(); ++at) {
-        if (frame.at(at).endsWith(u'x'))
-            ASSERT_TRUE(lines.at(at).startsWith(frame.at(at).chopped(1))) << qPrintable(lines.at(at).left(200));
-        else
-            ASSERT_EQ(lines.at(at), frame.at(at));
+        const QString before = frame.at(at).section(u'¤', 0, 0);
+        const QString after = frame.at(at).section(u'¤', -1);
+        ASSERT_TRUE(lines.at(at).startsWith(before) && lines.at(at).endsWith(after)
+            && (frame.at(at).contains(u'¤') || lines.at(at) == before))
+            << qPrintable(lines.at(at).left(200));
     }
 }
 
 TEST_F(LumoDraftServiceTest, hostileTextNeitherBreaksAPromptNorActs)
 {
     m_service->setMemoryDB(*m_db);
-    const auto ask = [&](const QString& text) {
-        m_person = { "ct:1", text, { "WHATSAPP" }, { { "EMAIL", text, text, std::nullopt } }, { { "n1", text, 0 } } };
-        m_person.identities.first().email.reset();
-        m_db->run("INSERT OR REPLACE INTO work_memory_entries VALUES('m','owner',?,'1');", { text });
-        return reply({ message(text), message(text) });
+    // Everything that is ever asked about a person of whom everything says `text`.
+    const auto askAll = [&](const QString& text, bool sends) {
+        m_person = { "ct:1", text, { "WHATSAPP" }, { { "EMAIL", text, text, text } }, { { "n1", text, 0 } } };
+        m_db->run("INSERT OR REPLACE INTO work_memory_entries VALUES('m','owner',?,'1'),('n','contact:ct:1',?,'1');",
+            { text, text });
+        const QList<UnifiedMsgRow> thread { message(text), message(text) };
+        m_lumo.model.asked.clear();
+        // The worst model does as it was told.
+        m_lumo.model.willAnswer(guided(text, sends));
+        for (int times = 0; times < 3; ++times)
+            m_lumo.model.willAnswer(text);
+        const auto drafted = reply(thread);
+        EXPECT_EQ(drafted.has_value(), !sends);
+        const auto rewritten
+            = **outcome(m_service->rewrite("Hello", LumoDraftRewriteAction::Grammar, {}, m_person, thread, "warm"));
+        EXPECT_TRUE(!rewritten || !rewritten->responseMetadata.sendSideEffect);
+        EXPECT_TRUE(!rewritten || !rewritten->draft.trimmed().isEmpty());
+        EXPECT_TRUE(**outcome(m_lumo.summaries.summarize(text, thread)));
+        EXPECT_TRUE(**outcome(m_lumo.summaries.ask(text, m_person.recentNotes, thread, "What now?")));
+        return drafted && rewritten;
     };
-    m_lumo.model.willAnswer(guided("x"));
-    ASSERT_TRUE(ask("x"));
-    const FakeLanguageModel::Question harmless = m_lumo.model.asked.last();
+    EXPECT_TRUE(askAll("¤", false));
+    const QList<FakeLanguageModel::Question> harmless = m_lumo.model.asked;
     int refused = 0;
     for (const QString& text : hostileTexts(500, 20'260'301)) {
         SCOPED_TRACE(qPrintable(text.left(300)));
-        // The worst model does as it was told.
-        const bool sends = text.contains("send_side_effect");
-        m_lumo.model.willAnswer(guided(text, sends));
-        const auto drafted = ask(text);
-        EXPECT_EQ(drafted.has_value(), !sends);
-        expectSameFrame(m_lumo.model.asked.last().prompt, harmless.prompt);
-        expectSameFrame(m_lumo.model.asked.last().instructions, harmless.instructions);
-
-        m_lumo.model.willAnswer(text);
-        const auto rewritten = rewrite("Hello", LumoDraftRewriteAction::Grammar);
-        EXPECT_TRUE(!rewritten || !rewritten->responseMetadata.sendSideEffect);
-        EXPECT_TRUE(!rewritten || !rewritten->draft.trimmed().isEmpty());
-        refused += drafted && rewritten ? 0 : 1;
+        refused += askAll(text, text.contains("send_side_effect")) ? 0 : 1;
+        ASSERT_EQ(m_lumo.model.asked.size(), 4);
+        for (qsizetype at = 0; at < 4; ++at) {
+            expectSameFrame(m_lumo.model.asked.at(at).prompt, harmless.at(at).prompt);
+            expectSameFrame(m_lumo.model.asked.at(at).instructions, harmless.at(at).instructions);
+        }
         if (HasFatalFailure())
             return;
     }

@@ -101,9 +101,9 @@ TEST(UngroundedFacts, plantedFactsAreFoundAndHonestDraftsStayQuiet)
     }
     EXPECT_EQ(tally.drafts, 264);
     EXPECT_EQ(tally.draftsWithoutPlants, 132);
-    RecordProperty("planted", tally.planted);
-    RecordProperty("found", tally.found);
-    RecordProperty("draftsWithFalseAlarm", tally.draftsWithFalseAlarm);
+    std::printf("planted facts found: %d of %d (%.1f %%); drafts with a false alarm: %d of %d (%.1f %%)\n", tally.found,
+        tally.planted, 100.0 * tally.found / tally.planted, tally.draftsWithFalseAlarm, tally.drafts,
+        100.0 * tally.draftsWithFalseAlarm / tally.drafts);
     const QString mistakes = tally.mistakes.join(u'\n');
     EXPECT_GE(tally.found * 100, tally.planted * 95) << qPrintable(mistakes);
     EXPECT_LE(tally.draftsWithFalseAlarm * 100, tally.drafts * 5) << qPrintable(mistakes);
