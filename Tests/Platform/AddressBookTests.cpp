@@ -48,7 +48,8 @@ QByteArray fold(const QByteArray& line)
 
 TEST(VCardReader, aCardOfVersionThreeAndOneOfFourReadAlike)
 {
-    const auto people = read("BEGIN:VCARD\r\nVERSION:3.0\r\nN:Ruiz;Ana;;;\r\nFN:Ana Ruiz\r\nORG:Acme\\, Inc.;Sales\r\n"
+    const auto people = read("\xEF\xBB\xBF"
+                             "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Ruiz;Ana;;;\r\nFN:Ana Ruiz\r\nORG:Acme\\, Inc.;Sales\r\n"
                              "TEL;TYPE=CELL,VOICE:+34 600 000 001\r\nitem1.TEL;TYPE=\"work:1\":+34 910\r\n"
         + fold("PHOTO;ENCODING=b;TYPE=PNG:" + png.toBase64())
         + "END:VCARD\r\n\r\nbegin:vcard\nversion:4.0\nFN:Ana \\;\n  Ruiz\norg:Acme\\, Inc.\n"
@@ -66,6 +67,8 @@ TEST(VCardReader, aFoldThatCutsACharacterIsMendedAndEscapesAreRead)
     EXPECT_EQ(readOne(name).familyName, "Mu\xC3\xB1oz");
     EXPECT_EQ(readOne(name).givenName, "Jos\xC3\xA9 ;");
     EXPECT_EQ(readOne("TEL:\r\nTEL:tel:\r\nTEL\r\nTEL;TYPE=\"never closed:1\r\n\xFF:\xFF\r\n").phones, QStringList());
+    EXPECT_EQ(readOne("PHOTO;BASE64:\r\n  " + png.toBase64().insert(40, "\r\n  ") + "\r\n").photo, png);
+    EXPECT_EQ(readOne(QByteArray("TEL:+34 600\r\n").repeated(5000)).phones.size(), 100);
 }
 
 TEST(VCardReader, aPhotoThatIsBrokenTooLargeOrElsewhereIsLeftOut)

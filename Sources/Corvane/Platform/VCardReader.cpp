@@ -13,6 +13,7 @@ namespace {
 constexpr qsizetype longestPhoto = 1024 * 1024;
 constexpr qsizetype longestLine = longestPhoto / 3 * 4 + 4096; // as base64, with its parameters
 constexpr qsizetype longestText = 16 * 1024;
+constexpr qsizetype mostPhones = 100; ///< of one card
 
 /// "item1.TEL;TYPE="voice,home":+34 600" in its parts.
 struct Property {
@@ -91,7 +92,8 @@ QByteArray photo(const Property& property)
                })) {
         encoded = property.value;
     }
-    const auto decoded = QByteArray::fromBase64Encoding(encoded.trimmed(), QByteArray::AbortOnBase64DecodingErrors);
+    encoded.replace(' ', ""); // many a program folds with more blanks than one
+    const auto decoded = QByteArray::fromBase64Encoding(encoded, QByteArray::AbortOnBase64DecodingErrors);
     return decoded && decoded.decoded.size() <= longestPhoto && isImage(decoded.decoded) ? decoded.decoded
                                                                                          : QByteArray();
 }
@@ -113,7 +115,7 @@ void take(AddressBookPerson& person, QString& fullName, const Property& property
         fullName = fields(property.value).join(u' ');
     } else if (property.name == "ORG" && person.organisation.isEmpty()) {
         person.organisation = fields(property.value).first();
-    } else if (property.name == "TEL") {
+    } else if (property.name == "TEL" && person.phones.size() < mostPhones) {
         if (const QString number = phone(property.value); !number.isEmpty())
             person.phones.append(number);
     }
@@ -149,6 +151,8 @@ std::optional<QByteArray> VCardReader::physicalLine()
         return QByteArray();
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
+    if (line.startsWith("\xEF\xBB\xBF")) // the mark of UTF-8, before the first card of a file
+        line.remove(0, 3);
     return line;
 }
 
