@@ -137,10 +137,11 @@ bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contac
 {
     if (contactId.trimmed().isEmpty() || !contactExists(db, contactId))
         return false;
-    const auto found = crmProposal(db, id);
+    const QString workspace = activeWorkspaceId(db);
+    Transaction transaction(db);
+    const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
     if (!found || found->status != pending)
         return false;
-    const QString workspace = activeWorkspaceId(db);
     const qint64 now = db.nowMs();
     const QString relink = QStringLiteral(R"(UPDATE crm_update_proposal
 SET contact_id=?, title=CASE
@@ -151,14 +152,17 @@ SET contact_id=?, title=CASE
   error=NULL,
   updated_at=?
 WHERE workspace_id=? AND )");
-    if (found->callId.isEmpty())
-        return db.run(relink + QStringLiteral("id=? AND status='pending';"), { contactId, now, workspace, id });
-    db.run(R"(UPDATE call_recording
+    const bool ofCall = !found->callId.isEmpty();
+    const bool linked = !ofCall
+        || db.run(R"(UPDATE call_recording
 SET contact_id=?, updated_at=?
 WHERE workspace_id=? AND id=?;)",
-        { contactId, now, workspace, found->callId });
-    return db.run(
-        relink + QStringLiteral("call_id=? AND status='pending';"), { contactId, now, workspace, found->callId });
+            { contactId, now, workspace, found->callId });
+    return linked
+        && db.run(relink + (ofCall ? QStringLiteral("call_id=?") : QStringLiteral("id=?"))
+                + QStringLiteral(" AND status='pending';"),
+            { contactId, now, workspace, ofCall ? found->callId : id })
+        && transaction.commit();
 }
 
 }

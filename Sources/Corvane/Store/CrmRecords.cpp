@@ -108,8 +108,9 @@ VALUES(?,?,?,?,?,?,?,?);)",
 
 bool completeCRMTask(LocalDB& db, const QString& id)
 {
-    if (!db.run(
-            "UPDATE crm_task SET status='Done', updated_at=? WHERE id=? AND deleted_at IS NULL;", { db.nowMs(), id }))
+    if (db.changedRows(
+            "UPDATE crm_task SET status='Done', updated_at=? WHERE id=? AND deleted_at IS NULL;", { db.nowMs(), id })
+        != 1)
         return false;
     recordStatus(db, id, QStringLiteral("Done"));
     return true;
@@ -117,8 +118,9 @@ bool completeCRMTask(LocalDB& db, const QString& id)
 
 bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status)
 {
-    if (!db.run("UPDATE crm_task SET status=?, updated_at=? WHERE id=? AND deleted_at IS NULL;",
-            { status, db.nowMs(), id }))
+    if (db.changedRows(
+            "UPDATE crm_task SET status=?, updated_at=? WHERE id=? AND deleted_at IS NULL;", { status, db.nowMs(), id })
+        != 1)
         return false;
     recordStatus(db, id, status);
     return true;

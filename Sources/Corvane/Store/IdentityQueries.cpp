@@ -7,6 +7,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <algorithm>
 
 namespace corvane {
 
@@ -122,6 +123,24 @@ QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary)
         { primary }, [&](const SqlRow& row) {
             return LiveMerge { row.text(0), primary, row.text(1), row.text(2), row.integer(3) };
         });
+}
+
+QList<ContactLink> searchContactLinks(LocalDB& db, const QString& text, int limit)
+{
+    // Beside a MAX the other columns are those of its row.
+    QList<ContactLink> contacts
+        = db.rows(R"(SELECT ct.id, COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?'),
+  c.channel, MAX(c.last_ts)
+FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
+WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
+GROUP BY ct.id ORDER BY MAX(c.last_ts) DESC;)",
+            { activeWorkspaceId(db) },
+            [](const SqlRow& row) { return ContactLink { row.text(0), row.text(1), row.text(2) }; });
+    // Not the statement's to compare: it knows the capital letters of English alone.
+    contacts.removeIf([&](const ContactLink& contact) {
+        return !contact.name.contains(text, Qt::CaseInsensitive) && !contact.id.contains(text, Qt::CaseInsensitive);
+    });
+    return contacts.first(std::min<qsizetype>(contacts.size(), limit));
 }
 
 bool contactExists(LocalDB& db, const QString& contactId)

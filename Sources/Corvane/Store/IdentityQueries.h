@@ -57,6 +57,18 @@ QString personBehind(LocalDB& db, const QString& id);
 /// The live merges into a contact, newest first.
 QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary);
 
+/// A contact to whom something can be linked; `channel` is that of their newest conversation.
+struct ContactLink {
+    QString id;
+    QString name;
+    QString channel;
+
+    bool operator==(const ContactLink&) const = default;
+};
+
+/// Contacts with a conversation whose name or handle holds the text, in any case; the newest conversation first.
+QList<ContactLink> searchContactLinks(LocalDB& db, const QString& text, int limit);
+
 bool contactExists(LocalDB& db, const QString& contactId);
 
 /// What a person is called: their name, else the newest conversation's title or address, else "?".
