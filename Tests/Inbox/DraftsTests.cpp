@@ -50,14 +50,14 @@ TEST_F(DraftsTest, anApprovalSendsAtOnceAndTheRowSaysWhereItStands)
     EXPECT_EQ(shown("statusLabel"), "waiting approval");
     EXPECT_EQ(shown("approveLabel"), "Approve & Send");
     EXPECT_EQ(shown("failureReason"), "");
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(commands("send"),
         QStringList(R"({"chatId":"49171@s.whatsapp.net","cmd":"send","draftId":"%1","text":"hello"})")
             .replaceInStrings("%1", id));
     EXPECT_EQ(status(id), "sending");
     EXPECT_EQ(shown("title"), "Sending from local Mac to Ana Ruiz · WHATSAPP");
     EXPECT_EQ(shown("canDecide"), "false");
-    drafts.approve(id);
+    drafts.approveDraft(id);
     drafts.reject(id);
     drafts.edit(id, "other words");
     clock.advance(seconds(8));
@@ -69,7 +69,7 @@ TEST_F(DraftsTest, anApprovalSendsAtOnceAndTheRowSaysWhereItStands)
     EXPECT_EQ(shown("statusLabel"), "failed Send failed");
     EXPECT_EQ(shown("failureReason"), "Send failed");
     EXPECT_EQ(shown("approveLabel"), "Retry Send");
-    drafts.retry(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(commands("send").size(), 2);
     engine().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "sent" } });
     settle();
@@ -82,10 +82,10 @@ TEST_F(DraftsTest, anAccountThatIsGoneFailsTheDraft)
     const QString id = queue("hello");
     engines.stop(account);
     accounts.remove(account);
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(status(id), "failed");
     EXPECT_EQ(shown("failureReason"), "Account " + account.slug + " is no longer connected");
-    drafts.retry(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(status(id), "failed");
     drafts.reject(id);
     EXPECT_EQ(status(id), "rejected");
@@ -97,7 +97,7 @@ TEST_F(DraftsTest, anApprovalWakesAnEngineThatWasStopped)
     const QString id = queue("hello");
     engines.stop(account);
     launcher.expect(FakeLauncher::stays());
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(status(id), "sending");
     EXPECT_EQ(commands("send").size(), 1);
     EXPECT_TRUE(engines.isRunning(account));
@@ -107,12 +107,12 @@ TEST_F(DraftsTest, whatAnotherProgramChangedMeanwhileIsNotSent)
 {
     const QString id = queue("as shown");
     updateDraftBody(engines.db(), id, "other words");
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(commands("send").size(), 0);
     EXPECT_EQ(drafts.notice(), "This draft changed while it was shown. Read it again before you decide.");
     EXPECT_EQ(shown("body"), "other words");
     drafts.dismissNotice();
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(commands("send").size(), 1);
     EXPECT_EQ(drafts.notice(), "");
 
@@ -164,7 +164,7 @@ TEST_F(DraftsTest, aMessageToANewPersonWaitsForApproval)
     EXPECT_EQ(cell("SELECT source || '|' || external_id || '|' || body FROM outbound_draft;"),
         "compose|4917012345@s.whatsapp.net|good day");
     EXPECT_EQ(commands("send").size(), 0);
-    drafts.approve(column(drafts.rows(), "id").first());
+    drafts.approveDraft(column(drafts.rows(), "id").first());
     EXPECT_EQ(commands("send").size(), 1);
 }
 
@@ -174,7 +174,7 @@ TEST_F(DraftsTest, aDraftOutlivesItsConversationAndSomebodyKnownKeepsTheirName)
     engines.db().exec("UPDATE unified_conversation SET deleted_at=1;");
     clock.advance(seconds(4));
     EXPECT_EQ(shown("title"), "AI wants to send to Ana Ruiz · WHATSAPP");
-    drafts.approve(id);
+    drafts.approveDraft(id);
     EXPECT_EQ(commands("send").size(), 1);
     EXPECT_FALSE(inbox.composeNew(account, "49171", "again")) << "a deleted conversation takes no draft";
     engines.db().exec("UPDATE unified_conversation SET deleted_at=NULL;");

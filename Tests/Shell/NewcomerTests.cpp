@@ -182,7 +182,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     ASSERT_EQ(drafts.count(), 1);
     EXPECT_EQ(column(drafts.rows(), "statusLabel").first(), "waiting approval");
     EXPECT_EQ(channels().size(), 0) << "nothing has gone out";
-    drafts.approve(column(drafts.rows(), "id").first());
+    drafts.approveDraft(column(drafts.rows(), "id").first());
     ASSERT_TRUE(await([&] { return cell("SELECT status FROM outbound_draft;") == "sent"; }));
     ASSERT_TRUE(await([&] { return ticksOf("Hola, soy Marta del taller") == "Read"; }));
     EXPECT_EQ(drafts.count(), 0);

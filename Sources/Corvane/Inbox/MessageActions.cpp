@@ -107,14 +107,19 @@ void MessageActions::forward(const QString& messageId, const QString& contactId)
     const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
     if (!row || row->body.trimmed().isEmpty())
         return;
-    LocalDB& db = m_surroundings.engine.db();
-    const auto conversation = newestConversation(db, contactId);
-    if (!conversation || !queueDraft(db, *conversation, row->body, QStringLiteral("forward"))) {
+    const auto conversation = newestConversation(m_surroundings.engine.db(), contactId);
+    if (conversation && forwardAsDraft(row->body, *conversation))
+        setNotice(QStringLiteral("The draft waits for your approval"));
+    else
         m_surroundings.thread.setError(QStringLiteral("Couldn't queue the draft for this conversation."));
-        return;
-    }
+}
+
+bool MessageActions::forwardAsDraft(const QString& messageBody, const QString& conversationId)
+{
+    if (!queueDraft(m_surroundings.engine.db(), conversationId, messageBody, QStringLiteral("forward")))
+        return false;
     m_surroundings.engine.refreshDrafts();
-    setNotice(QStringLiteral("The draft waits for your approval"));
+    return true;
 }
 
 void MessageActions::openMedia(const QString& messageId)

@@ -58,6 +58,7 @@ Q_SIGNALS:
     void messagesChanged(); ///< what the list shows may differ now
 
 private:
+    bool forwardAsDraft(const QString& messageBody, const QString& conversationId);
     QString phone() const; ///< of the open contact, digits alone; empty where there is none
     void updateCall();
     void setNotice(const QString& text);

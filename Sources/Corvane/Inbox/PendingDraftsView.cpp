@@ -60,7 +60,7 @@ void PendingDraftsView::cancelConfirm()
     Q_EMIT changed();
 }
 
-void PendingDraftsView::approve(const QString& id)
+void PendingDraftsView::approveDraft(const QString& id)
 {
     const PendingDraft* shown = decidable(id);
     if (!shown)

@@ -59,8 +59,7 @@ public:
 
     Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was asked about no longer is
     Q_INVOKABLE void cancelConfirm();
-    Q_INVOKABLE void approve(const QString& id); ///< sends what the row shows, at once
-    Q_INVOKABLE void retry(const QString& id) { approve(id); }
+    Q_INVOKABLE void approveDraft(const QString& id); ///< sends what the row shows, at once; a retry, too
     Q_INVOKABLE void reject(const QString& id);
     Q_INVOKABLE void edit(const QString& id, const QString& body); ///< an empty text changes nothing
     Q_INVOKABLE void dismissNotice();

@@ -195,7 +195,7 @@ Column {
                     text: qsTr("Send")
                     onClicked: {
                         line.decided();
-                        line.drafts.approve(line.id);
+                        line.drafts.approveDraft(line.id);
                     }
                 }
                 Button {
