@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallRecorder.h"
+#include "Store/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "Support/WaitingItems.h"
@@ -167,6 +168,40 @@ TEST_F(ApprovalsViewTest, anEditKeepsItsWordsWhateverHappensMeanwhile)
     EXPECT_EQ(view.notice(), "");
     view.saveEdit();
     EXPECT_EQ(cell("SELECT body FROM outbound_draft WHERE id='d1';"), "good day");
+}
+
+TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAbout)
+{
+    ensureConversation(db(), "EMAIL", "main", "jose@example.com", "José Ortega", 20);
+    ensureConversation(db(), "WHATSAPP", "main", "34600@s.whatsapp.net", "Ben", 10);
+    writeProposal(db(), "p1", "note", "Link contact, then add call note", R"({"body":"Wants two sizes."})");
+    look();
+    view.approve("proposal:p1");
+    EXPECT_EQ(shown("proposal:p1", "failureReason"), "No contact linked. Open CRM and link this call first.");
+    EXPECT_EQ(words("proposal:p1", { "detail", "linkLabel" }), "Note|Link contact");
+
+    ProposalLink& link = *view.link();
+    const auto offered = [&] {
+        QStringList names;
+        for (const QVariant& person : link.people())
+            names.append(person.toMap().value("name").toString());
+        return names.join(',');
+    };
+    link.begin("p1");
+    EXPECT_EQ(offered(), "José Ortega,Ben");
+    link.setQuery(" JOSÉ ");
+    EXPECT_EQ(offered(), "José Ortega");
+    link.choose("ct:EMAIL:gone");
+    EXPECT_EQ(link.errorText(), "Couldn't link it, try again.");
+    EXPECT_EQ(link.proposalId(), "p1");
+    link.choose("ct:EMAIL:jose@example.com");
+    EXPECT_EQ(link.proposalId(), "");
+    EXPECT_EQ(words("proposal:p1", { "title", "detail", "linkLabel", "failureReason" }),
+        "Add call note|Note · José Ortega|Change contact|");
+    link.begin("p1");
+    view.approve("proposal:p1");
+    EXPECT_EQ(link.proposalId(), "") << "it no longer waits";
+    EXPECT_EQ(cell("SELECT contact_id FROM contact_note WHERE body='Wants two sizes.';"), "ct:EMAIL:jose@example.com");
 }
 
 TEST_F(ApprovalsViewTest, eachKindIsDecidedOnceAndByItsOwnWords)

@@ -1,3 +1,4 @@
+#include "Store/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/WaitingItems.h"
 #include "UI/PanelWindow.h"
@@ -88,8 +89,19 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     press(Qt::Key_J);
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(cell(u"SELECT status FROM work_decision;"_s), u"approved"_s);
+    let([](LocalDB& db) { ensureConversation(db, u"EMAIL"_s, u"main"_s, u"bo@x.y"_s, u"Bo"_s, 1); });
+    click(u"approval.link"_s);
+    ASSERT_TRUE(focusWithin(u"contactPicker.search"_s));
+    type(u"jk"_s);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(findItem(u"contactPicker.search"_s), nullptr);
+    click(u"approval.link"_s);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(findItem(u"contactPicker.search"_s), nullptr);
+    EXPECT_TRUE(focusWithin(u"approval:proposal:p1"_s));
     press(Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_EQ(cell(u"SELECT status FROM crm_update_proposal;"_s), u"applied"_s);
+    EXPECT_EQ(cell(u"SELECT status || contact_id FROM crm_update_proposal;"_s), u"appliedct:EMAIL:bo@x.y"_s);
     item(u"approvals.empty"_s);
     press(Qt::Key_Escape);
     EXPECT_FALSE(shell.approvals());

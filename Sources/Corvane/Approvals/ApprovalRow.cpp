@@ -60,6 +60,7 @@ ApprovalRow proposalRow(const CRMUpdateProposal& proposal, const QString& contac
     if (!contactName.isEmpty())
         row.detail += QStringLiteral(" · ") + contactName;
     row.failureReason = proposal.error;
+    row.linkLabel = contactName.isEmpty() ? QStringLiteral("Link contact") : QStringLiteral("Change contact");
     return row;
 }
 

@@ -13,6 +13,7 @@ class ApprovalRow {
     Q_GADGET
     Q_PROPERTY(QString key MEMBER m_key)
     Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString head MEMBER head)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString body MEMBER body)
@@ -27,6 +28,7 @@ class ApprovalRow {
     Q_PROPERTY(QString approveLabel MEMBER approveLabel)
     Q_PROPERTY(bool canDecide MEMBER canDecide)
     Q_PROPERTY(bool canEdit MEMBER canEdit)
+    Q_PROPERTY(QString linkLabel MEMBER linkLabel)
 public:
     QString kind; ///< "draft", "proposal" or "decision"
     QString id;
@@ -44,6 +46,7 @@ public:
     QString approveLabel; ///< "Approve", "Retry" or "Apply"
     bool canDecide = false; ///< approve and reject apply
     bool canEdit = false;
+    QString linkLabel; ///< "Link contact" or "Change contact"; empty where there is nobody to link
 
     void setKey() { m_key = kind + u':' + id; }
     const QString& key() const { return m_key; }

@@ -162,6 +162,15 @@ void ApprovalsStore::rejectProposal(const QString& id)
     refresh();
 }
 
+bool ApprovalsStore::linkProposal(const QString& id, const QString& contactId)
+{
+    if (!m_calls)
+        return false;
+    const bool linked = linkCRMUpdateProposal(m_calls->db(), id, contactId);
+    m_calls->refresh();
+    return linked;
+}
+
 void ApprovalsStore::approveDecision(const QString& id)
 {
     decideWork(id, Action::Approve);

@@ -55,6 +55,7 @@ public:
 
     void applyProposal(const QString& id);
     void rejectProposal(const QString& id);
+    bool linkProposal(const QString& id, const QString& contactId); ///< false where it no longer waits
     void approveDecision(const QString& id);
     void rejectDecision(const QString& id);
 

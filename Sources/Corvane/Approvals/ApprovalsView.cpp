@@ -24,6 +24,7 @@ ApprovalsView::ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& sche
     , m_store(store)
     , m_db(db)
     , m_scheduler(scheduler)
+    , m_link(store, db)
 {
     connect(&store, &ApprovalsStore::changed, this, &ApprovalsView::present);
     present();
@@ -127,6 +128,16 @@ void ApprovalsView::cancelEdit()
     leaveEdit();
 }
 
+bool ApprovalsView::stepBack()
+{
+    const bool editing = !m_editing.isEmpty();
+    const bool linking = !editing && !m_link.proposalId().isEmpty();
+    leaveEdit();
+    if (linking)
+        m_link.cancel();
+    return editing || linking;
+}
+
 void ApprovalsView::leaveEdit()
 {
     if (m_editing.isEmpty())
@@ -204,6 +215,8 @@ void ApprovalsView::present()
         m_notice = editedDraftIsGone(m_editText);
         leaveEdit();
     }
+    if (const QString linked = m_link.proposalId(); !linked.isEmpty() && !find(QStringLiteral("proposal:") + linked))
+        m_link.cancel();
     Q_EMIT changed();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalRow.h"
+#include "Approvals/ProposalLink.h"
 #include "Foundation/Scheduler.h"
 #include "Inbox/RowListModel.h"
 
@@ -31,6 +32,7 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(QString reviewLabel READ reviewLabel CONSTANT)
     Q_PROPERTY(QString editing READ editing NOTIFY editingChanged) ///< the key of the draft that is edited, or empty
     Q_PROPERTY(QString editText READ editText WRITE setEditText NOTIFY editTextChanged)
+    Q_PROPERTY(QObject* link READ link CONSTANT) ///< whom a change to the CRM is about
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what a person must know of their last edit, or empty
 public:
     /// All of it outlives the view.
@@ -52,6 +54,7 @@ public:
     const QString& editing() const { return m_editing; }
     const QString& editText() const { return m_editText; }
     void setEditText(const QString& text);
+    ProposalLink* link() { return &m_link; }
     const QString& notice() const { return m_notice; }
 
     // By the key of a row; one that is gone, or stands otherwise by now, stays as it is.
@@ -61,6 +64,7 @@ public:
     Q_INVOKABLE void edit(const QString& key);
     Q_INVOKABLE void saveEdit(); ///< a text of white space alone is not saved
     Q_INVOKABLE void cancelEdit();
+    Q_INVOKABLE bool stepBack(); ///< leaves what is edited or linked; false where nothing is
     Q_INVOKABLE void dismissNotice();
     Q_INVOKABLE void refresh(); ///< as a surface comes up
 
@@ -80,6 +84,7 @@ private:
     ApprovalsStore& m_store;
     LocalDB& m_db;
     Scheduler& m_scheduler;
+    ProposalLink m_link;
     RowListModel<ApprovalRow> m_rows;
     QHash<QString, qint64> m_armedUntil; ///< by draft, in milliseconds since the epoch
     std::unique_ptr<Timer> m_countDown;

@@ -7,6 +7,7 @@ FocusScope {
 
     required property int index
     required property string key
+    required property string id
     required property string kind
     required property string title
     required property string body
@@ -21,10 +22,12 @@ FocusScope {
     required property string approveLabel
     required property bool canDecide
     required property bool canEdit
+    required property string linkLabel
     required property QtObject approvals
     property bool ringed: false
 
     readonly property bool editing: approvals.editing === key
+    readonly property bool linking: kind === "proposal" && approvals.link.proposalId === id
     readonly property bool armed: secondsLeft > 0
     readonly property bool tells: detail !== "" || riskText !== ""
     property bool wholeText: false
@@ -46,6 +49,7 @@ FocusScope {
     }
     onArmedChanged: Qt.callLater(focusOn, armed ? undo : approve)
     onEditingChanged: Qt.callLater(focusOn, editing ? words : approve)
+    onLinkingChanged: Qt.callLater(linking ? picker.focusSearch : () => line.focusOn(approve))
 
     FocusRing { control: line; shown: line.ringed; anchors.margins: -2; radius: Theme.cardRadius + 2 }
     Card {
@@ -130,10 +134,16 @@ FocusScope {
             wrapMode: Text.Wrap
             color: Theme.bad
         }
+        ContactPicker {
+            id: picker
+            width: parent.width
+            visible: line.linking
+            link: line.approvals.link
+        }
         Item {
             width: parent.width
             implicitHeight: Theme.control
-            visible: line.canDecide || line.armed || line.tells
+            visible: (line.canDecide || line.armed || line.tells) && !line.linking
 
             Row {
                 id: deciding
@@ -153,6 +163,13 @@ FocusScope {
                     text: qsTr("Edit")
                     Accessible.name: text + ": " + line.title
                     onClicked: line.approvals.edit(line.key)
+                }
+                Button {
+                    objectName: "approval.link"
+                    visible: line.linkLabel !== ""
+                    text: line.linkLabel
+                    Accessible.name: text + ": " + line.title
+                    onClicked: line.approvals.link.begin(line.id)
                 }
                 Button {
                     objectName: "approval.reject"

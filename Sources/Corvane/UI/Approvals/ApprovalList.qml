@@ -35,7 +35,7 @@ ListView {
     KeyboardFocus { id: keyboard; target: list }
 
     Keys.onPressed: event => {
-        if (!currentItem || approvals.editing !== "")
+        if (!currentItem || approvals.editing !== "" || approvals.link.proposalId !== "")
             return;
         const key = currentItem.key;
         event.accepted = true;

@@ -14,9 +14,7 @@ Page {
             list.step(command === "next" ? 1 : -1);
         else if (command === "undo")
             list.undoCurrent();
-        else if (command === "back" && approvals.editing !== "")
-            approvals.cancelEdit();
-        else if (command === "back")
+        else if (command === "back" && !approvals.stepBack())
             leave();
     }
 

@@ -37,9 +37,7 @@ T.ApplicationWindow {
         anchors.fill: parent
         focus: true
         Keys.onEscapePressed: {
-            if (window.approvals.editing !== "")
-                window.approvals.cancelEdit();
-            else
+            if (!window.approvals.stepBack())
                 window.hide();
         }
 

@@ -1,0 +1,67 @@
+#include "Approvals/ProposalLink.h"
+
+#include "Approvals/ApprovalsStore.h"
+#include "Engines/Account.h"
+#include "Inbox/WAName.h"
+#include "Store/IdentityQueries.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int peopleShown = 30;
+
+}
+
+ProposalLink::ProposalLink(ApprovalsStore& store, LocalDB& db, QObject* parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_db(db)
+{
+}
+
+void ProposalLink::setQuery(const QString& query)
+{
+    if (query == m_query)
+        return;
+    m_query = query;
+    search();
+}
+
+void ProposalLink::begin(const QString& proposalId)
+{
+    m_proposalId = proposalId;
+    m_query.clear();
+    m_errorText.clear();
+    search();
+}
+
+void ProposalLink::choose(const QString& contactId)
+{
+    if (m_proposalId.isEmpty())
+        return;
+    if (m_store.linkProposal(m_proposalId, contactId))
+        return cancel();
+    m_errorText = QStringLiteral("Couldn't link it, try again.");
+    Q_EMIT changed();
+}
+
+void ProposalLink::cancel()
+{
+    m_proposalId.clear();
+    m_people.clear();
+    Q_EMIT changed();
+}
+
+void ProposalLink::search()
+{
+    m_people.clear();
+    for (const ContactLink& contact : searchContactLinks(m_db, m_query.trimmed(), peopleShown)) {
+        m_people.append(QVariantMap { { QStringLiteral("id"), contact.id },
+            { QStringLiteral("name"), WAName::pretty(contact.name) }, { QStringLiteral("channel"), contact.channel },
+            { QStringLiteral("detail"), channelLabel(contact.channel) } });
+    }
+    Q_EMIT changed();
+}
+
+}
