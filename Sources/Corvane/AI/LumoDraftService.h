@@ -39,7 +39,7 @@ public:
     /// Both outlive the service.
     LumoDraftService(LumoAI& ai, const Scheduler& scheduler, QObject* parent = nullptr);
 
-    /// Whose memory goes with every prompt; it outlives the service. Without one nothing is remembered.
+    /// Whose memory goes with every prompt; it outlives every draft. Without one nothing is remembered.
     void setMemoryDB(LocalDB& db) { m_memoryDB = &db; }
 
     /// `messages` oldest first; without a text among them nothing is asked. Whatever `model` the caller has

@@ -38,6 +38,7 @@ EventSource sourceOf(const QUuid& accountId, const std::optional<Account>& accou
 
 EngineManager::State::State(EngineManager& manager, const Surroundings& surroundings, std::unique_ptr<LocalDB> database)
     : paths(surroundings.paths)
+    , scheduler(surroundings.scheduler)
     , desktop(surroundings.desktop)
     , db(std::move(database))
     , runtime([&manager](const QUuid& accountId) { Q_EMIT manager.runtimeChanged(accountId); })
@@ -154,6 +155,13 @@ QString EngineManager::mcpURL() const
 void EngineManager::startDraftWatch()
 {
     m_state->drafts.startWatch();
+}
+
+void EngineManager::startAIRequestWatch(LumoAI& ai)
+{
+    if (!m_state->aiRequests)
+        m_state->aiRequests = std::make_unique<AIRequestWatcher>(*m_state->db, ai, m_state->scheduler);
+    m_state->aiRequests->start();
 }
 
 void EngineManager::refreshDrafts()

@@ -15,6 +15,7 @@ class ContactsBridge;
 class Desktop;
 class Keychain;
 class LocalDB;
+class LumoAI;
 class Notifier;
 class PortHolders;
 class ProcessLauncher;
@@ -71,6 +72,9 @@ public:
     void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
     Decided releaseDraft(const PendingDraft& seen, const Account& account); ///< see DraftDelivery::release
     const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
+
+    /// Answers from now on what other processes ask of the assistant. `ai` outlives the manager; may be called again.
+    void startAIRequestWatch(LumoAI& ai);
 
     // Commands to engines; true where the line is on its way
     bool writeCommand(const Account& account, const QJsonObject& command);

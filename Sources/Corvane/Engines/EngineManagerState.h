@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AI/AIRequestWatcher.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
@@ -16,6 +17,7 @@ struct EngineManager::State {
     State(EngineManager& manager, const Surroundings& surroundings, std::unique_ptr<LocalDB> database);
 
     const AppPaths& paths;
+    Scheduler& scheduler;
     Desktop& desktop;
     std::unique_ptr<LocalDB> db;
     RuntimeStates runtime;
@@ -23,6 +25,7 @@ struct EngineManager::State {
     ToolServer toolServer;
     Ingest ingest;
     DraftDelivery drafts;
+    std::unique_ptr<AIRequestWatcher> aiRequests; ///< none before it is started
     Coalescer badge;
     QHash<QString, MediaDownloadStatus> mediaDownloads;
 };
