@@ -54,7 +54,11 @@ TEST_F(WorkspacesTest, theRowWinsOverTheCopyAndTheCopyOverNothing)
     EXPECT_EQ(activeWorkspaceId(*m_db), "local");
     EXPECT_EQ(selection(), (QStringList { "local", "local" }));
     m_db->exec("UPDATE sync_workspace_selection SET workspace_id=' w3 ';"); // as another process wrote it
+    m_db->exec("BEGIN;");
     EXPECT_EQ(activeWorkspaceId(*m_db), "w3");
+    EXPECT_TRUE(m_db->inTransaction()) << "whoever began it ends it";
+    m_db->exec("COMMIT;");
+    EXPECT_EQ(row(), "w3");
 }
 
 TEST_F(WorkspacesTest, anEmptyWorkspaceIsLeftForTheFullestOnceAndWithANotice)

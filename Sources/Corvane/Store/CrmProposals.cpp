@@ -126,7 +126,6 @@ bool applyCRMUpdateProposal(LocalDB& db, const QString& id)
 
 bool rejectCRMUpdateProposal(LocalDB& db, const QString& id)
 {
-    activeWorkspaceId(db); // a repair would be a transaction of its own
     Transaction transaction(db);
     const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
     return found && found->status == pending && updateStatus(db, id, QStringLiteral("rejected"), std::nullopt)

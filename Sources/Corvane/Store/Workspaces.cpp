@@ -104,6 +104,17 @@ WHERE workspace_id='local' AND id LIKE ?;)",
     }
 }
 
+/// Where a reference from a row of another workspace dangles: better so than a transaction that never ends and takes
+/// every later write with it.
+void commitEvenWithDanglingReferences(LocalDB& db)
+{
+    db.exec("COMMIT;");
+    if (!db.inTransaction())
+        return;
+    db.exec("PRAGMA defer_foreign_keys=OFF;");
+    db.exec("COMMIT;");
+}
+
 void storeWorkspaceRow(LocalDB& db, const WorkspaceRow& row)
 {
     db.run(R"(INSERT INTO sync_workspace
@@ -170,8 +181,10 @@ QString selectWorkspace(LocalDB& db, const QString& id, const std::optional<QStr
 void persistActiveWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId, LegacyRows legacy)
 {
     const auto org = orgId ? orgId : orgOf(db, id);
+    const bool insideAnother = db.inTransaction(); // which alone says whether all of it holds
     db.exec("PRAGMA defer_foreign_keys=ON;");
-    db.exec("BEGIN;");
+    if (!insideAnother)
+        db.exec("BEGIN;");
     db.run(R"(INSERT INTO sync_workspace_selection(key, workspace_id, org_id, updated_at)
 VALUES('active', ?, ?, ?)
 ON CONFLICT(key) DO UPDATE SET
@@ -181,13 +194,8 @@ ON CONFLICT(key) DO UPDATE SET
         { id, org, db.nowMs() });
     if (legacy == LegacyRows::Migrate)
         migrateLegacyLocalRowsInOpenTransaction(db, id);
-    db.exec("COMMIT;");
-    if (db.inTransaction()) {
-        // A reference from a row of another workspace dangles. Better so than a transaction that never ends
-        // and takes every later write with it.
-        db.exec("PRAGMA defer_foreign_keys=OFF;");
-        db.exec("COMMIT;");
-    }
+    if (!insideAnother)
+        commitEvenWithDanglingReferences(db);
     db.defaults().setText(activeKey, id);
     db.defaults().synchronise();
     // Whoever hears this reads the active workspace, which comes back here as long as the row cannot be written.
