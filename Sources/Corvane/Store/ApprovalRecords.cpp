@@ -1,6 +1,7 @@
 #include "Store/ApprovalRecords.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 
 namespace corvane {
 
@@ -71,26 +72,28 @@ RecordCheck checkRecords(SqlConnection& db)
         [](const SqlRow& row) { return row.integer(0); });
     if (tables.isEmpty())
         return { false, QStringLiteral("This database holds no record of decisions.") };
+    // Before the lines: a program that runs meanwhile remembers no approval without a line for it.
+    const auto live = db.rows("SELECT draft_id, content_hash FROM draft_approval ORDER BY draft_id;", {},
+        [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
     ApprovalRecord before;
-    QHash<QString, QString> approved;
+    QSet<std::pair<QString, QString>> approved;
     for (const ApprovalRecord& line : db.rows(columns + QStringLiteral("ORDER BY seq;"), {}, recordFrom)) {
         if (const auto wrong = breakBetween(before, line))
             return { false, QStringLiteral("The record of decisions is broken: %1.").arg(*wrong) };
         if (line.action.startsWith(u"approve"))
-            approved.insert(line.subjectId, line.contentHash);
+            approved.insert({ line.subjectId, line.contentHash });
         before = line;
     }
-    const auto live = db.rows("SELECT draft_id, content_hash FROM draft_approval ORDER BY draft_id;", {},
-        [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
-    for (const auto& [draft, hash] : live) {
-        if (approved.value(draft) != hash)
-            return { false, QStringLiteral("The approval of %1 stands in no line of the record.").arg(draft) };
+    for (const auto& approval : live) {
+        if (!approved.contains(approval))
+            return { false, QStringLiteral("The approval of %1 stands in no line of the record.").arg(approval.first) };
     }
     if (before.seq == 0)
         return { true, QStringLiteral("No decision has been recorded yet.") };
     return { true,
-        QStringLiteral("The record of decisions is whole: %1 lines, the last with the hash %2.")
-            .arg(QString::number(before.seq), before.hash) };
+        QStringLiteral("The record of decisions is whole: %1, the last with the hash %2.")
+            .arg(
+                before.seq == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(before.seq), before.hash) };
 }
 
 }

@@ -1,0 +1,197 @@
+#include "Store/ApprovalRecords.h"
+
+#include "Store/CrmProposals.h"
+#include "Store/DraftApprovals.h"
+#include "Store/Transaction.h"
+#include "Store/WorkDecisions.h"
+#include "Support/StoreTest.h"
+#include "Support/WaitingItems.h"
+
+namespace corvane {
+
+class ApprovalRecordsTest : public StoreTest {
+protected:
+    ApprovalRecordsTest() { open(); }
+
+    void insert(const QString& id, const QString& body, const QString& status = "pending")
+    {
+        writeDraft(*m_db, id, "Ana", body, status);
+    }
+
+    QString hashOf(const QString& id) { return draftHash(*fetchDraft(*m_db, id)); }
+    QString status(const QString& id) { return fetchDraft(*m_db, id).value_or(PendingDraft()).status; }
+
+    /// The record as "kind id action" lines.
+    QStringList told()
+    {
+        return m_db->rows("SELECT kind || ' ' || subject_id || ' ' || action FROM approval_record ORDER BY seq;", {},
+            [](const SqlRow& row) { return row.text(0); });
+    }
+
+    /// What a check says once somebody has written past the triggers.
+    QString saysAfter(const QString& sql)
+    {
+        m_db->exec("BEGIN; DROP TRIGGER approval_record_keeps; DROP TRIGGER approval_record_holds; "
+                   "DROP TRIGGER approval_record_continues;");
+        m_db->exec(sql);
+        const RecordCheck check = checkRecords(*m_db);
+        m_db->exec("ROLLBACK;");
+        EXPECT_FALSE(check.sound);
+        return check.words;
+    }
+};
+
+TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
+{
+    EXPECT_EQ(checkRecords(*m_db).words, "No decision has been recorded yet.");
+    insert("a", "secret words");
+    insert("b", "more secret words");
+    insert("c", "from the control chat", "approved");
+    recordUndo(*m_db, "a", hashOf("a"));
+    EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Taken);
+    EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::AlreadySo);
+    const DraftClaim first = DraftClaim::claim(*m_db, "a");
+    ASSERT_TRUE(first.draft);
+    EXPECT_EQ(first.draft->row().body, "secret words");
+    EXPECT_TRUE(unclaimDraft(*m_db, *first.draft)) << "a second attempt is the same delivery, and no line";
+    EXPECT_TRUE(DraftClaim::claim(*m_db, "a").draft);
+    EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft) << "only one gets it";
+    acknowledgeDraft(*m_db, "a", "placed", {}, {});
+    acknowledgeDraft(*m_db, "a", "placed", {}, {});
+    acknowledgeDraft(*m_db, "a", "sent", QString("p1"), {});
+    acknowledgeDraft(*m_db, "a", "failed", {}, "late");
+    EXPECT_EQ(status("a"), "sent") << "what was sent stays sent";
+    EXPECT_TRUE(editDraft(*m_db, "b", "better words"));
+    EXPECT_EQ(rejectDraft(*m_db, "b"), Decided::Taken);
+    EXPECT_EQ(rejectDraft(*m_db, "b"), Decided::AlreadySo);
+    acknowledgeDraft(*m_db, "b", "failed", {}, "late");
+    EXPECT_FALSE(editDraft(*m_db, "b", "again"));
+    EXPECT_EQ(status("b"), "rejected") << "no engine brings it back";
+    EXPECT_TRUE(DraftClaim::claim(*m_db, "c").draft);
+    m_clock.advance(seconds(121));
+    failUnacknowledgedDrafts(*m_db, 120'000);
+    EXPECT_EQ(status("c"), "failed");
+
+    writeDecision(*m_db, "d", "Pay", "100", "", "money");
+    writeDecision(*m_db, "e", "x", "", "", "odd");
+    EXPECT_EQ(decideWorkDecision(*m_db, "d", "approved", "Oskel"), Decided::Taken);
+    EXPECT_EQ(decideWorkDecision(*m_db, "d", "approved", "Oskel"), Decided::AlreadySo);
+    EXPECT_EQ(decideWorkDecision(*m_db, "d", "rejected", "Oskel"), Decided::Refused);
+    EXPECT_EQ(decideWorkDecision(*m_db, "e", "rejected", "Oskel"), Decided::Taken);
+    EXPECT_EQ(decideWorkDecision(*m_db, "gone", "approved", "Oskel"), Decided::Refused);
+    writeProposal(*m_db, "f", "task", "Call", "{}");
+    writeProposal(*m_db, "g", "note", "Note", R"({"body":"x"})");
+    writeProposal(*m_db, "h", "task", "No", "{}");
+    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "f"));
+    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "g")) << "nobody is linked";
+    EXPECT_TRUE(rejectCRMUpdateProposal(*m_db, "h"));
+
+    EXPECT_EQ(told(),
+        QStringList({ "draft a undo", "draft a approve", "draft a placed", "draft a sent", "draft b edit",
+            "draft b reject", "draft c approve_elsewhere", "draft c failed", "decision d approve", "decision e reject",
+            "proposal f apply", "proposal h reject" }));
+    const RecordCheck check = checkRecords(*m_db);
+    EXPECT_TRUE(check.sound);
+    EXPECT_TRUE(check.words.startsWith("The record of decisions is whole: 12 lines, the last with the hash "));
+}
+
+TEST_F(ApprovalRecordsTest, whatDiffersFromWhatWasApprovedGoesBackToThePerson)
+{
+    const QString reason = "This draft changed after you approved it. Read it again before you decide.";
+    const QStringList columns { "body", "channel", "account_id", "external_id" };
+    for (const QString& column : columns) {
+        insert(column, "as shown");
+        const QString seen = hashOf(column);
+        const QString change = QStringLiteral("UPDATE outbound_draft SET %1='other' WHERE id='%1';").arg(column);
+        EXPECT_EQ(approveDraft(*m_db, column, seen), Decided::Taken);
+        m_db->exec(change);
+        const DraftClaim claim = DraftClaim::claim(*m_db, column);
+        EXPECT_FALSE(claim.draft);
+        EXPECT_TRUE(claim.returned);
+        EXPECT_EQ(status(column) + fetchDraft(*m_db, column)->error, "pending" + reason);
+        EXPECT_EQ(approveDraft(*m_db, column, seen), Decided::Changed) << "it was changed inside the undo window";
+        EXPECT_EQ(approveDraft(*m_db, column, hashOf(column)), Decided::Taken);
+        EXPECT_TRUE(DraftClaim::claim(*m_db, column).draft);
+    }
+    // Two lists of texts that read the same when put together are not the same.
+    EXPECT_NE(fieldsHash({ "ab", "c" }), fieldsHash({ "a", "bc" }));
+    EXPECT_NE(fieldsHash({ "1:a", "" }), fieldsHash({ "", "1:a" }));
+    EXPECT_EQ(fieldsHash({ "draft" }), "d492bd801320b51e9bee3efec7050f357b92ab8cc6eb56ecb346c76b384515ab")
+        << "of 5:draft";
+}
+
+TEST_F(ApprovalRecordsTest, aRetryNeedsAnApprovalOfItsOwn)
+{
+    insert("a", "x");
+    ASSERT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Taken);
+    ASSERT_TRUE(DraftClaim::claim(*m_db, "a").draft);
+    acknowledgeDraft(*m_db, "a", "failed", {}, "no such chat");
+    EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft);
+    EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Taken);
+    EXPECT_EQ(rejectDraft(*m_db, "a"), Decided::Taken) << "until it is at the engine";
+    EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft);
+    EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Refused);
+    EXPECT_EQ(approveDraft(*m_db, "gone", {}), Decided::Refused);
+    EXPECT_EQ(m_db->scalar("SELECT COUNT(*) FROM draft_approval;"), "0");
+}
+
+TEST_F(ApprovalRecordsTest, aTextThatIsNotWhatItReadsAsFailsInsteadOfGoingOut)
+{
+    insert("a", "x", "approved");
+    m_db->exec("UPDATE outbound_draft SET body=CAST(x'61ff62' AS TEXT) WHERE id='a';");
+    EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft);
+    EXPECT_EQ(status("a"), "failed");
+    EXPECT_EQ(fetchDraft(*m_db, "a")->error, "The text of this draft can't be read as it is stored.");
+}
+
+TEST_F(ApprovalRecordsTest, aStepThatCannotBeRecordedDoesNotHappen)
+{
+    insert("a", "x");
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON approval_record BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
+    EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Refused);
+    EXPECT_EQ(rejectDraft(*m_db, "a"), Decided::Refused);
+    EXPECT_FALSE(editDraft(*m_db, "a", "y"));
+    EXPECT_EQ(status("a") + fetchDraft(*m_db, "a")->body, "pendingx");
+    m_db->exec("UPDATE outbound_draft SET status='approved';");
+    EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft);
+    EXPECT_EQ(status("a"), "approved");
+    EXPECT_EQ(m_db->scalar("SELECT COUNT(*) FROM draft_approval;"), "0");
+    EXPECT_FALSE(m_db->inTransaction());
+}
+
+TEST_F(ApprovalRecordsTest, theRecordOnlyGrowsAndACheckSaysWhereItWasCut)
+{
+    for (const QString& id : { "a", "b", "c" }) {
+        insert(id, "x");
+        ASSERT_EQ(approveDraft(*m_db, id, hashOf(id)), Decided::Taken);
+    }
+    for (const QString& attempt : { "UPDATE approval_record SET action='reject' WHERE seq=2;",
+             "DELETE FROM approval_record WHERE seq=3;", "INSERT INTO approval_record VALUES(5,1,'','','','','','');",
+             "INSERT INTO approval_record VALUES(4,1,'draft','x','approve','','','');",
+             "INSERT OR REPLACE INTO approval_record SELECT seq, at, kind, subject_id, 'reject', content_hash, "
+             "previous_hash, hash FROM approval_record WHERE seq=3;" })
+        m_db->exec(attempt);
+    EXPECT_EQ(told(), QStringList({ "draft a approve", "draft b approve", "draft c approve" }));
+    EXPECT_TRUE(checkRecords(*m_db).sound);
+
+    const QString broken = "The record of decisions is broken: ";
+    EXPECT_EQ(saysAfter("UPDATE approval_record SET action='reject' WHERE seq=2;"),
+        broken + "line 2 was changed after it was written.");
+    EXPECT_EQ(saysAfter("DELETE FROM approval_record WHERE seq=2;"), broken + "line 2 is missing.");
+    EXPECT_EQ(saysAfter("DELETE FROM approval_record WHERE seq=1;"), broken + "line 1 is missing.");
+    EXPECT_EQ(
+        saysAfter("DELETE FROM approval_record WHERE seq=3;"), "The approval of c stands in no line of the record.");
+    EXPECT_EQ(saysAfter("INSERT INTO draft_approval VALUES('forged','h',1);"),
+        "The approval of forged stands in no line of the record.");
+    EXPECT_EQ(saysAfter("DROP TABLE approval_record;"), "This database holds no record of decisions.");
+
+    // A whole line put in the place of another one, with a hash of its own that is right.
+    ApprovalRecord line { 2, 1, "draft", "b", "reject", "", "", "" };
+    line.hash = fieldsHash({ "approval_record", "2", "1", "draft", "b", "reject", "", "" });
+    EXPECT_EQ(saysAfter(QStringLiteral("UPDATE approval_record SET at=1, action='reject', content_hash='', "
+                                       "previous_hash='', hash='%1' WHERE seq=2;")
+                      .arg(line.hash)),
+        broken + "line 2 does not continue the line before it.");
+}
+
+}
