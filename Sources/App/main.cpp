@@ -19,11 +19,13 @@
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
+#include "Shell/VerifyCommand.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
+#include <QTextStream>
 #include <cstring>
 
 using namespace corvane;
@@ -61,6 +63,16 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
     return machine;
 }
 
+/// A command that needs no display and may run beside the program; then its exit code.
+std::optional<int> ranCommand(int argc, char** argv)
+{
+    if (argc != 2 || std::strcmp(argv[1], "verify") != 0)
+        return std::nullopt;
+    const QCoreApplication application(argc, argv);
+    QTextStream out(stdout);
+    return verifyDecisions(AppPaths::fromEnvironment(), out);
+}
+
 void logEvents(EngineManager& engine)
 {
     QObject::connect(&engine, &EngineManager::eventHandled, &engine,
@@ -72,6 +84,8 @@ void logEvents(EngineManager& engine)
 int main(int argc, char** argv)
 {
     logToStandardError();
+    if (const auto exitCode = ranCommand(argc, argv))
+        return *exitCode;
     const Mode mode = requestedMode(argc, argv);
     if (mode == Mode::Headless)
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -90,7 +104,9 @@ int main(int argc, char** argv)
     parser.addOption({ QStringLiteral("start-all"),
         QStringLiteral("Start the engine of every account, not only those that start by themselves.") });
     parser.addPositionalArgument(QStringLiteral("url"),
-        QStringLiteral("A nimb-companion: URL that finishes a sign-in."), QStringLiteral("[url]"));
+        QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
+                       "decisions and ends."),
+        QStringLiteral("[url]"));
     parser.process(application);
 
     const AppPaths paths = AppPaths::fromEnvironment();

@@ -1,0 +1,24 @@
+#include "Shell/VerifyCommand.h"
+
+#include "Store/ApprovalRecords.h"
+
+#include <QFileInfo>
+#include <QTextStream>
+
+namespace corvane {
+
+int verifyDecisions(const AppPaths& paths, QTextStream& out)
+{
+    const QString path = paths.applicationSupport + QStringLiteral("/nimblocal.db");
+    if (!QFileInfo::exists(path)) {
+        out << "There is no database at " << path << ".\n";
+        return 1;
+    }
+    const auto db = SqlConnection::reader(path, std::make_shared<std::atomic<bool>>(false));
+    const RecordCheck check
+        = db->isOpen() ? checkRecords(*db) : RecordCheck { false, QStringLiteral("The database can't be opened.") };
+    out << check.words << '\n';
+    return check.sound ? 0 : 1;
+}
+
+}
