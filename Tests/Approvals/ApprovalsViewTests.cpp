@@ -74,6 +74,10 @@ TEST_F(ApprovalsViewTest, everyKindStandsUnderItsHeadInItsOwnWords)
         "Outbound Messages|Local send failed to 1@s.whatsapp.net · WHATSAPP|Again|Retry|true|true|");
     EXPECT_TRUE(shown("draft:d2", "failureReason").startsWith("Send failed — engine did not report"));
     EXPECT_EQ(shown("draft:d1", "failureReason"), "");
+    db().exec("UPDATE outbound_draft SET error='It changed.' WHERE id IN ('d1','d3');");
+    look();
+    EXPECT_EQ(shown("draft:d1", "failureReason"), "It changed.") << "why it waits for a person again";
+    EXPECT_EQ(shown("draft:d3", "failureReason"), "");
     EXPECT_EQ(words("draft:d3", { "canDecide", "stateText" }), "false|Placed — awaiting LinkedIn confirmation");
     EXPECT_EQ(words("draft:d4", { "canDecide", "stateText", "secondsLeft" }), "false|Sending…|0");
     EXPECT_EQ(words("proposal:p1", { "head", "title", "body", "detail", "approveLabel", "canEdit" }),

@@ -42,8 +42,7 @@ ApprovalRow draftRow(const PendingDraft& draft, int secondsLeft)
     row.platform = draft.channel;
     row.secondsLeft = secondsLeft;
     row.canDecide = row.canEdit = waitsForPerson(draft) && secondsLeft == 0;
-    if (draft.status == failed)
-        row.failureReason = draftFailureReason(draft);
+    row.failureReason = draftFailureReason(draft);
     if (secondsLeft > 0 || draft.status == u"sending")
         row.stateText = QStringLiteral("Sending…");
     else if (!row.canDecide)

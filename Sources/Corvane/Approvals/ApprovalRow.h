@@ -40,7 +40,7 @@ public:
     QString platform; ///< such as "WHATSAPP", for its mark
     QString riskText; ///< "money risk"; a word that nobody knows stands as it is
     QString riskTone; ///< "money", "credential", "external" or "high"; empty for a risk without a colour
-    QString failureReason;
+    QString failureReason; ///< why it failed, or waits for a person again
     QString stateText; ///< "Sending…", of what is on its way
     int secondsLeft = 0; ///< to undo it; 0 where nothing can be undone
     QString approveLabel; ///< "Approve", "Retry" or "Apply"

@@ -1,5 +1,7 @@
 #include "Inbox/DraftWords.h"
 
+#include "Engines/DraftDelivery.h"
+
 namespace corvane {
 
 QString draftStatusTitle(const PendingDraft& draft)
@@ -20,8 +22,10 @@ QString draftStatusTitle(const PendingDraft& draft)
 
 QString draftFailureReason(const PendingDraft& draft)
 {
+    if (!waitsForPerson(draft))
+        return {};
     const QString reason = draft.error.trimmed();
-    return reason.isEmpty()
+    return reason.isEmpty() && draft.status == u"failed"
         ? QStringLiteral("Send failed — engine did not report a reason. Retry or check the account connection.")
         : reason;
 }

@@ -24,7 +24,7 @@ PendingDraftItem itemOf(const PendingDraft& draft)
     item.preview = singleLine(firstCharacters(draft.body, previewLength));
     item.status = draft.status;
     item.statusLabel = statusLabel(draft);
-    item.failureReason = draft.status == failed ? draftFailureReason(draft) : QString();
+    item.failureReason = draftFailureReason(draft);
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
     item.approveLabel = draft.status == failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");

@@ -28,7 +28,7 @@ public:
     QString preview; ///< as much of the body as a line can show
     QString status;
     QString statusLabel;
-    QString failureReason; ///< only of one that failed
+    QString failureReason; ///< of one that failed, or waits for a person again
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
     QString approveLabel; ///< "Approve & Send" or "Retry Send"
