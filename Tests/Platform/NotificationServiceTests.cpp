@@ -6,6 +6,7 @@
 #include "Support/Print.h"
 #include "Support/PrivateBus.h"
 
+#include <QDBusMessage>
 #include <QGuiApplication>
 #include <gtest/gtest.h>
 
@@ -123,6 +124,12 @@ TEST_F(NotificationServiceTest, aPressComesBackWithTheBannersUserInfo)
     NotificationDaemon daemon(daemonBus);
     show(banner("one"), daemon);
     show(banner("two"), daemon);
+    QDBusMessage forged = QDBusMessage::createSignal(
+        "/org/freedesktop/Notifications", "org.freedesktop.Notifications", "ActionInvoked");
+    forged.setArguments({ daemon.received.constFirst().id, "NIMB_APPROVE" });
+    privateBus.connect().send(forged);
+    privateBus.settle();
+    EXPECT_EQ(responses.size(), 0) << "another program on the bus presses nothing";
     Q_EMIT daemon.ActivationToken(99, "of another program");
     Q_EMIT daemon.ActionInvoked(99, "default");
     privateBus.settle();
