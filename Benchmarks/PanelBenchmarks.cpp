@@ -43,9 +43,8 @@ public:
             QStringLiteral(
                 R"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
 )") + numbers
-            + QStringLiteral(
-                "SELECT 'od:'||i, 'local', 'wa:main:'||i, 'WHATSAPP', 'main', i, 'Person '||i, 'See you at '||i, "
-                "'pending', 'mcp', i, i FROM n;"));
+            + QStringLiteral("SELECT 'od:'||i, 'local', 'wa:main:'||i, 'WHATSAPP', 'main', i, 'Person '||i, "
+                             "'A letter '||hex(zeroblob(500)), 'pending', 'mcp', i, i FROM n;"));
         db.run(
             QStringLiteral(
                 R"(INSERT INTO crm_update_proposal(id, workspace_id, kind, title, payload_json, status, created_at, updated_at)
@@ -65,6 +64,7 @@ public:
     }
 
     ApprovalsStore& approvals() { return m_app.approvals(); }
+    EngineManager& engines() { return m_app.engine(); }
     std::unique_ptr<PanelWindow> panel()
     {
         return std::make_unique<PanelWindow>(m_window.engine(), m_screens.panel, m_scheduler);
@@ -136,9 +136,16 @@ void pollTick(benchmark::State& state)
         bench().approvals().refresh();
 }
 
+void deliveryTick(benchmark::State& state)
+{
+    for (auto _ : state)
+        bench().engines().refreshDrafts();
+}
+
 BENCHMARK(firstOpening)->Name("panel of 30,000 waiting/first opening")->Unit(benchmark::kMillisecond);
 BENCHMARK(openingAgain)->Name("panel of 30,000 waiting/opened again")->Unit(benchmark::kMillisecond);
 BENCHMARK(pollTick)->Name("poll of 30,000 waiting")->Unit(benchmark::kMillisecond);
+BENCHMARK(deliveryTick)->Name("delivery tick of 30,000 waiting")->Unit(benchmark::kMillisecond);
 
 }
 
