@@ -78,7 +78,12 @@ TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheWhatsAppEnginesRunBehindIt
         account("paused", QStringLiteral("WHATSAPP"), true, true),
         account("by-hand", QStringLiteral("WHATSAPP"), false, std::nullopt) });
     Screens screens(*app);
+    LocalDB& db = app->engine().db();
+    EXPECT_TRUE(
+        db.run("INSERT INTO ai_requests(id, prompt, created_at) VALUES('a','Are you there?',?);", { clock.nowMs() }));
+    dynamic_cast<FakeLanguageModel&>(app->ai().systemModel).willAnswer(QStringLiteral("Yes."));
     appear(3);
+    EXPECT_EQ(db.scalar("SELECT response FROM ai_requests;"), "Yes.");
     EXPECT_TRUE(screens.content.showsWall());
     EXPECT_EQ(screens.shell.selectedNav(), "inbox");
     EXPECT_EQ(startedEngines(), QStringList({ "first", "old", "unknown" }));

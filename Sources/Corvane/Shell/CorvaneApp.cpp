@@ -1,6 +1,5 @@
 #include "Shell/CorvaneApp.h"
 
-#include "AI/AIRequestWatcher.h"
 #include "AI/AIServices.h"
 #include "AI/ModelChoice.h"
 #include "Approvals/ApprovalsStore.h"
@@ -68,7 +67,6 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_ai->drafts.setMemoryDB(m_engine->db());
     m_translations = std::make_unique<TranslationService>(*m_machine.facts);
     m_machine.languageModel->choose(modelChoice(m_defaults));
-    m_aiRequests = std::make_unique<AIRequestWatcher>(m_engine->db(), m_ai->ai, m_scheduler);
     m_calls = std::make_unique<CallRecorder>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
@@ -81,7 +79,7 @@ void CorvaneApp::onAppear()
 {
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->startDraftWatch();
-    m_aiRequests->start();
+    m_engine->startAIRequestWatch(m_ai->ai);
     m_data.local.emplace(m_engine->db());
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);

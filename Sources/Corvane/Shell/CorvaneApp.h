@@ -14,7 +14,6 @@
 
 namespace corvane {
 
-class AIRequestWatcher;
 class AccountStore;
 class ApprovalsStore;
 class AddressBook;
@@ -114,9 +113,8 @@ private:
     std::unique_ptr<ContactsBridge> m_contacts;
     std::unique_ptr<Notifier> m_notifier;
     std::unique_ptr<AccountStore> m_store;
-    std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<AIServices> m_ai;
-    std::unique_ptr<AIRequestWatcher> m_aiRequests;
+    std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;
