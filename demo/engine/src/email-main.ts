@@ -8,6 +8,6 @@ runEngine({
   slug: slugOf(address),
   user: address,
   needsPairing: false,
-  beat: [26, 50],
+  beat: [60, 120],
   liveTotal: 50,
 });

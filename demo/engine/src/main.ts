@@ -5,6 +5,6 @@ runEngine({
   slug: process.env.WHATSAPP_ACCOUNT_NAME || "taller-vidal",
   user: "Marta Vidal · Taller Vidal",
   needsPairing: true,
-  beat: [6, 12],
+  beat: [12, 24],
   liveTotal: 240,
 });

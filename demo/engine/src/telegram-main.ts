@@ -5,6 +5,6 @@ runEngine({
   slug: "telegram",
   user: "@taller_vidal_bot",
   needsPairing: false,
-  beat: [16, 32],
+  beat: [30, 60],
   liveTotal: 80,
 });
