@@ -1,7 +1,8 @@
 #include "Platform/Linux/PulseCapture.h"
 
+#include "Platform/Linux/PulseConnection.h"
+
 #include <cstring>
-#include <pulse/pulseaudio.h>
 #include <vector>
 
 namespace corvane {
@@ -12,24 +13,22 @@ constexpr uint32_t piecesPerSecond = 20;
 
 }
 
-struct PulseCapture::State {
+struct PulseCapture::State final : PulseConnection {
     State(SoundFormat wanted, Callbacks given);
-    ~State();
+    ~State() override;
 
-    void contextChanged();
+    void contextChanged() override;
+    void closing() override { ended = true; }
     void sourceNamed(const char* name);
     void sourceFound(const pa_source_info* source);
     void openStream();
     void streamChanged();
     void read();
     void end(End kind, const QString& reason);
-    void fail(End kind) { end(kind, QString::fromUtf8(pa_strerror(pa_context_errno(context)))); }
+    void fail(End kind) { end(kind, error()); }
 
     SoundFormat format;
     Callbacks callbacks;
-    pa_threaded_mainloop* loop = pa_threaded_mainloop_new();
-    pa_context* context = nullptr;
-    pa_stream* stream = nullptr;
     QByteArray source;
     bool ended = false;
 };
@@ -38,31 +37,13 @@ PulseCapture::State::State(SoundFormat wanted, Callbacks given)
     : format(wanted)
     , callbacks(std::move(given))
 {
-    context = pa_context_new(pa_threaded_mainloop_get_api(loop), "Corvane");
-    pa_context_set_state_callback(
-        context, [](pa_context*, void* state) { static_cast<State*>(state)->contextChanged(); }, this);
-    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+    if (!connect(PA_CONTEXT_NOAUTOSPAWN))
         fail(End::Missing);
-    else
-        pa_threaded_mainloop_start(loop);
 }
 
 PulseCapture::State::~State()
 {
-    pa_threaded_mainloop_lock(loop);
-    ended = true;
-    if (stream) {
-        pa_stream_set_state_callback(stream, nullptr, nullptr);
-        pa_stream_set_read_callback(stream, nullptr, nullptr);
-        pa_stream_disconnect(stream);
-        pa_stream_unref(stream);
-    }
-    pa_context_set_state_callback(context, nullptr, nullptr);
-    pa_context_disconnect(context);
-    pa_context_unref(context);
-    pa_threaded_mainloop_unlock(loop);
-    pa_threaded_mainloop_stop(loop);
-    pa_threaded_mainloop_free(loop);
+    close();
 }
 
 void PulseCapture::State::contextChanged()

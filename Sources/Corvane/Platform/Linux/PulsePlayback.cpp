@@ -1,7 +1,8 @@
 #include "Platform/Linux/PulsePlayback.h"
 
+#include "Platform/Linux/PulseConnection.h"
+
 #include <cstring>
-#include <pulse/pulseaudio.h>
 #include <utility>
 
 namespace corvane {
@@ -12,11 +13,14 @@ constexpr uint32_t piecesPerSecond = 5; ///< how often the server asks for more
 
 }
 
-struct PulsePlayback::State {
-    State(std::unique_ptr<SoundFile> opened, Callbacks given);
-    ~State();
+struct PulsePlayback::State final : PulseConnection {
+    using PulseConnection::loop;
 
-    void contextChanged();
+    State(std::unique_ptr<SoundFile> opened, Callbacks given);
+    ~State() override;
+
+    void contextChanged() override;
+    void closing() override;
     void openStream();
     void streamChanged();
     void write(size_t bytes);
@@ -29,9 +33,6 @@ struct PulsePlayback::State {
 
     std::unique_ptr<SoundFile> file;
     Callbacks callbacks;
-    pa_threaded_mainloop* loop = pa_threaded_mainloop_new();
-    pa_context* context = nullptr;
-    pa_stream* stream = nullptr;
     pa_operation* draining = nullptr; ///< from the end of the file on
     bool paused = false;
     bool ended = false;
@@ -70,32 +71,19 @@ PulsePlayback::State::State(std::unique_ptr<SoundFile> opened, Callbacks given)
     : file(std::move(opened))
     , callbacks(std::move(given))
 {
-    context = pa_context_new(pa_threaded_mainloop_get_api(loop), "Corvane");
-    pa_context_set_state_callback(
-        context, [](pa_context*, void* state) { static_cast<State*>(state)->contextChanged(); }, this);
-    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOFLAGS, nullptr) < 0)
+    if (!connect(PA_CONTEXT_NOFLAGS))
         end();
-    else
-        pa_threaded_mainloop_start(loop);
 }
 
 PulsePlayback::State::~State()
 {
-    pa_threaded_mainloop_lock(loop);
+    close();
+}
+
+void PulsePlayback::State::closing()
+{
     ended = true;
     stopDraining();
-    if (stream) {
-        pa_stream_set_state_callback(stream, nullptr, nullptr);
-        pa_stream_set_write_callback(stream, nullptr, nullptr);
-        pa_stream_disconnect(stream);
-        pa_stream_unref(stream);
-    }
-    pa_context_set_state_callback(context, nullptr, nullptr);
-    pa_context_disconnect(context);
-    pa_context_unref(context);
-    pa_threaded_mainloop_unlock(loop);
-    pa_threaded_mainloop_stop(loop);
-    pa_threaded_mainloop_free(loop);
 }
 
 void PulsePlayback::State::contextChanged()
@@ -215,7 +203,7 @@ void PulsePlayback::State::end()
 {
     if (std::exchange(ended, true))
         return;
-    callbacks.lost(QString::fromUtf8(pa_strerror(pa_context_errno(context))));
+    callbacks.lost(error());
 }
 
 PulsePlayback::PulsePlayback(std::unique_ptr<SoundFile> file, Callbacks callbacks)
