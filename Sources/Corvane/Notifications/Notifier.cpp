@@ -1,5 +1,6 @@
 #include "Notifications/Notifier.h"
 
+#include "Foundation/Channel.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Log.h"
 #include "Foundation/NotificationCentre.h"
@@ -21,36 +22,6 @@ const QString rejectAction = QStringLiteral("NIMB_REJECT");
 const QString contactIdKey = QStringLiteral("contactId");
 const QString approvalKindKey = QStringLiteral("approvalKind");
 const QString approvalIdKey = QStringLiteral("approvalId");
-
-QString capitalised(const QString& text)
-{
-    QString result = text.toLower();
-    bool insideWord = false;
-    for (QChar& character : result) {
-        if (!insideWord)
-            character = character.toUpper();
-        insideWord = character.isLetterOrNumber();
-    }
-    return result;
-}
-
-QString channelLabel(const QString& channel)
-{
-    static const QHash<QString, QString> labels {
-        { QStringLiteral("WHATSAPP"), QStringLiteral("WhatsApp") },
-        { QStringLiteral("EMAIL"), QStringLiteral("Email") },
-        { QStringLiteral("LINKEDIN"), QStringLiteral("LinkedIn") },
-        { QStringLiteral("TELEGRAM"), QStringLiteral("Telegram") },
-        { QStringLiteral("DISCORD"), QStringLiteral("Discord") },
-        { QStringLiteral("SLACK"), QStringLiteral("Slack") },
-        { QStringLiteral("INSTAGRAM"), QStringLiteral("Instagram") },
-        { QStringLiteral("MESSENGER"), QStringLiteral("Messenger") },
-        { QStringLiteral("IMESSAGE"), QStringLiteral("iMessage") },
-        { QStringLiteral("SMS"), QStringLiteral("SMS") },
-    };
-    const auto label = labels.constFind(channel);
-    return label == labels.cend() ? capitalised(channel) : *label;
-}
 
 QString approvalSubtitle(const QString& kind)
 {

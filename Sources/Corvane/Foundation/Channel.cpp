@@ -1,4 +1,4 @@
-#include "Engines/Account.h"
+#include "Foundation/Channel.h"
 
 #include <algorithm>
 #include <array>
@@ -32,6 +32,18 @@ const ChannelWords* wordsOf(const QString& raw)
     return found == channels.end() ? nullptr : found;
 }
 
+QString capitalised(const QString& text)
+{
+    QString result = text.toLower();
+    bool insideWord = false;
+    for (QChar& character : result) {
+        if (!insideWord)
+            character = character.toUpper();
+        insideWord = character.isLetterOrNumber();
+    }
+    return result;
+}
+
 }
 
 QString channelRaw(Channel channel)
@@ -47,9 +59,8 @@ Channel channelFromRaw(const std::optional<QString>& raw)
 
 QString channelLabel(const QString& raw)
 {
-    if (const ChannelWords* words = wordsOf(raw))
-        return words->label.toString();
-    return raw.isEmpty() ? QString() : raw.first(1).toUpper() + raw.sliced(1).toLower();
+    const ChannelWords* words = wordsOf(raw);
+    return words ? words->label.toString() : capitalised(raw);
 }
 
 }

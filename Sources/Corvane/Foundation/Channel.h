@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace corvane {
+
+/// A messaging network. `channelRaw` gives the word that rows and files hold.
+enum class Channel { WhatsApp, LinkedIn, Email, Telegram, Discord, Slack, Instagram, Messenger, Sms, IMessage };
+
+QString channelRaw(Channel channel); ///< such as "WHATSAPP"
+Channel channelFromRaw(const std::optional<QString>& raw); ///< absent or unknown counts as WhatsApp
+QString channelLabel(const QString& raw); ///< such as "WhatsApp"; an unknown word comes out capitalised
+
+}
