@@ -34,6 +34,9 @@ TEST(AISchemaValidator, readsTheJsonWhereverItStands)
     for (const QString& text : { json, "Here it is:\n```json\n" + json + "\n```\nAnything else? {}", json + json })
         EXPECT_EQ(parseDraftAnswer(text, expected).value(), whole) << qPrintable(text);
     EXPECT_EQ(parseDraftAnswer(answer("a \\\"}\\\" b"), expected)->draft, "a \"}\" b");
+    const QString half = parseDraftAnswer(answer("\\ud83d \\\"Ana\\\""), expected)->draft;
+    EXPECT_EQ(quotedFacts(half), QStringList("Ana")) << "half of a character hides nothing from those who read it";
+    EXPECT_EQ(half.size(), 7);
 }
 
 TEST(AISchemaValidator, whatIsNoDraftShapeIsTakenAsTheDraft)

@@ -37,6 +37,8 @@ TEST(Text, aPromptLineIsOneLine)
     EXPECT_EQ(promptLine(QStringLiteral("ab c"), 3), QStringLiteral("ab ..."));
     EXPECT_EQ(promptLine(QStringLiteral("\n"), 3), QString());
     EXPECT_EQ(promptLine(u'a' + QString(1000, QChar(0x301)), 3).size(), 3 * 16 + 3) << "one character of 1001 units";
+    const QString clefs = u'a' + QString::fromUcs4(U"\U0001D165").repeated(500);
+    EXPECT_TRUE(promptLine(clefs, 3).toUtf8().endsWith("\U0001D165...")) << "no half of a character";
 }
 
 TEST(Ids, haveTheShapesThatRowsAreFoundBy)

@@ -14,6 +14,12 @@ void fillIfBlank(QString& text, const QString& fallback)
         text = fallback;
 }
 
+/// A text with half of a character in it reads as empty to every expression that looks for something there.
+QString wellFormed(const QString& text)
+{
+    return QString::fromUtf8(text.toUtf8());
+}
+
 }
 
 QString errorDescription(AISchemaValidatorError error, const QString& fact)
@@ -34,7 +40,7 @@ QString errorDescription(AISchemaValidatorError error, const QString& fact)
 Result<AIStructuredDraftResponse> validateDraftResponse(
     AIStructuredDraftResponse response, const DraftExpectation& expected)
 {
-    response.draft = response.draft.trimmed();
+    response.draft = wellFormed(response.draft).trimmed();
     if (response.draft.isEmpty())
         return failure(errorDescription(AISchemaValidatorError::EmptyDraft));
     AIDraftResponseMetadata& metadata = response.metadata;

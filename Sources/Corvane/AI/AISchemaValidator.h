@@ -39,7 +39,7 @@ struct DraftExpectation {
 };
 
 /// The gate that every generated draft passes: it has a text, claims no send, and kept what was quoted. The
-/// result is tidied: trimmed, blanks filled, the confidence within 0 and 1.
+/// result is tidied: well-formed, trimmed, blanks filled, the confidence within 0 and 1.
 Result<AIStructuredDraftResponse> validateDraftResponse(
     AIStructuredDraftResponse response, const DraftExpectation& expected);
 

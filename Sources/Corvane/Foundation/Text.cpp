@@ -76,7 +76,10 @@ QString promptLine(const QString& text, int limit)
 {
     // A single character may carry any number of marks; sixteen units are more than any emoji takes.
     const QString trimmed = text.trimmed();
-    const QString start = firstCharacters(trimmed.left(16 * limit), limit);
+    QString start = trimmed.left(16 * limit);
+    if (!start.isEmpty() && start.back().isHighSurrogate() && start.size() < trimmed.size())
+        start.chop(1);
+    start = firstCharacters(start, limit);
     return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + QStringLiteral("...");
 }
 
