@@ -116,7 +116,11 @@ TEST_F(LanguageModel, ollamaIsAskedInItsOwnWay)
     EXPECT_EQ(asked["model"].toString(), "qwen3:8b");
     EXPECT_EQ(asked["format"].toObject(), schema);
     EXPECT_EQ(asked["options"]["num_ctx"].toInt(), 65536) << "a long prompt needs more room than the usual";
-    EXPECT_TRUE(asked["messages"][0]["content"].toString().endsWith(QString::fromUtf8(compactJson(schema))));
+    const QByteArray told = asked["messages"][0]["content"].toString().toUtf8();
+    EXPECT_EQ(jsonObject(told.sliced(told.indexOf('{'))), schema);
+    for (const QByteArray& text : { told, web.requests().last().body })
+        EXPECT_LT(text.indexOf("\"text\":{"), text.indexOf("\"facts\":{"))
+            << "what is required comes first, in its order";
 }
 
 TEST_F(LanguageModel, aLlamaServerIsAskedInItsOwnWay)

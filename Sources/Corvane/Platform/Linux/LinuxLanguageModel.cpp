@@ -154,7 +154,7 @@ QCoro::Task<Result<QString>> LinuxLanguageModel::ask(ModelQuestion question, Can
     if (cancel.isCancelled())
         co_return cancelled();
     const Result<HttpReply> reply = co_await awaitReply(
-        m_answers.post(sent, compactJson(chatBody(question, server.contract))), &m_scheduler, answerLimits, either);
+        m_answers.post(sent, chatBody(question, server.contract)), &m_scheduler, answerLimits, either);
     if (either.isCancelled())
         co_return cancelled();
     if (reply)

@@ -26,6 +26,26 @@ int contextSize(const ModelQuestion& question)
     return size;
 }
 
+/// `json` with the properties of the schema in the order in which it requires them: a model writes them in the order
+/// in which they are listed, and an object keeps none.
+QByteArray inOrder(const QByteArray& json, const QJsonObject& schema)
+{
+    QJsonObject left = schema[QLatin1StringView("properties")].toObject();
+    const QByteArray sorted = compactJson(left);
+    const auto inside = [](const QJsonObject& object) {
+        return compactJson(object).sliced(1).chopped(1);
+    };
+    QByteArrayList parts;
+    for (const QJsonValue& required : schema[QLatin1StringView("required")].toArray()) {
+        const QString name = required.toString();
+        if (left.contains(name))
+            parts.append(inside({ { name, left.take(name) } }));
+    }
+    if (!left.isEmpty())
+        parts.append(inside(left));
+    return QByteArray(json).replace(sorted, '{' + parts.join(',') + '}');
+}
+
 QJsonArray messages(const ModelQuestion& question)
 {
     const auto message = [](const QString& role, const QString& content) {
@@ -35,7 +55,7 @@ QJsonArray messages(const ModelQuestion& question)
     if (question.schema)
         instructions
             += QStringLiteral("\n\nAnswer with one JSON object that fits this JSON schema, and nothing else:\n")
-            + QString::fromUtf8(compactJson(*question.schema));
+            + QString::fromUtf8(inOrder(compactJson(*question.schema), *question.schema));
     return { message(QStringLiteral("system"), instructions), message(QStringLiteral("user"), question.prompt) };
 }
 
@@ -123,7 +143,7 @@ QString chatPath(Contract contract)
     return contract == Contract::Ollama ? QStringLiteral("/api/chat") : QStringLiteral("/v1/chat/completions");
 }
 
-QJsonObject chatBody(const ModelQuestion& question, Contract contract)
+QByteArray chatBody(const ModelQuestion& question, Contract contract)
 {
     QJsonObject body { { QStringLiteral("model"), question.model }, { QStringLiteral("stream"), false },
         { QStringLiteral("messages"), messages(question) } };
@@ -139,7 +159,8 @@ QJsonObject chatBody(const ModelQuestion& question, Contract contract)
             = QJsonObject { { QStringLiteral("type"), QStringLiteral("json_schema") },
                   { QStringLiteral("json_schema"), named } };
     }
-    return body;
+    const QByteArray json = compactJson(body);
+    return question.schema ? inOrder(json, *question.schema) : json;
 }
 
 Result<QString> answerIn(const HttpReply& reply, const ModelServer& server)

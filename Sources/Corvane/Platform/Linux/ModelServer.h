@@ -25,7 +25,7 @@ struct ModelQuestion {
     QString model;
     QString instructions;
     QString prompt;
-    std::optional<QJsonObject> schema;
+    std::optional<QJsonObject> schema; ///< its properties are asked for in the order in which it requires them
 };
 
 /// The absolute http URL of a server on the loopback interface, without user, query and trailing slash; nothing
@@ -43,7 +43,7 @@ QString modelsPath(ModelServer::Contract contract);
 Result<QStringList> modelsIn(const HttpReply& reply, const ModelServer& server);
 
 QString chatPath(ModelServer::Contract contract);
-QJsonObject chatBody(const ModelQuestion& question, ModelServer::Contract contract);
+QByteArray chatBody(const ModelQuestion& question, ModelServer::Contract contract);
 
 /// The text of an answer; a failure carries words for the user.
 Result<QString> answerIn(const HttpReply& reply, const ModelServer& server);
