@@ -120,7 +120,10 @@ bool applyCRMUpdateProposal(LocalDB& db, const QString& id)
                 && transaction.commit();
         }
     }
-    updateStatus(db, id, pending, error);
+    // Another program may have decided it meanwhile, and what was rejected does not come back.
+    Transaction transaction(db);
+    if (transaction.begun() && crmProposal(db, id) == found && updateStatus(db, id, pending, error))
+        (void)transaction.commit();
     return false;
 }
 

@@ -178,6 +178,8 @@ const QList<Step>& steps()
   FOREIGN KEY(deal_id) REFERENCES deal(id));)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_crm_update_proposal_status
   ON crm_update_proposal(workspace_id, status, created_at);)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_crm_update_proposal_newest
+  ON crm_update_proposal(workspace_id, created_at DESC, status);)" },
         Statement { "CREATE INDEX IF NOT EXISTS ix_crm_update_proposal_call ON crm_update_proposal(call_id, status);" },
         Statement { R"(CREATE TABLE IF NOT EXISTS crm_mutation_queue (
   id TEXT PRIMARY KEY, workspace_id TEXT NOT NULL, entity_type TEXT NOT NULL, entity_id TEXT NOT NULL,
