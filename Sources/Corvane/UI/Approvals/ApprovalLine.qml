@@ -179,13 +179,22 @@ FocusScope {
                     onClicked: line.approvals.reject(line.key)
                 }
             }
-            Button {
-                id: undo
-                objectName: "approval.undo"
+            Row {
                 visible: line.armed
-                text: qsTr("Undo (%1 s)").arg(line.secondsLeft)
-                Accessible.name: qsTr("Undo: %1").arg(line.title)
-                onClicked: line.approvals.undo(line.key)
+                spacing: Theme.small
+                Button {
+                    id: undo
+                    objectName: "approval.undo"
+                    text: qsTr("Undo")
+                    Accessible.name: text + ": " + line.title
+                    onClicked: line.approvals.undo(line.key)
+                }
+                Label {
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: qsTr("%1 s").arg(line.secondsLeft)
+                    color: Theme.faint
+                    Accessible.ignored: true
+                }
             }
             Row {
                 visible: line.editing
