@@ -164,17 +164,17 @@ TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)
     inbox.select(ana);
     ThreadView& thread = *inbox.thread();
     EXPECT_TRUE(thread.canLoadOlder());
-    thread.loadOlder();
+    thread.loadMore();
     EXPECT_EQ(thread.loadOlderText(), "Loading older messages…");
-    thread.loadOlder();
+    thread.loadMore();
     EXPECT_EQ(commands("loadMore").size(), 1);
     clock.advance(seconds(4));
     EXPECT_FALSE(thread.loadingMore());
     engines.stop(account);
-    thread.loadOlder();
-    EXPECT_EQ(thread.errorText(), "Account " + account.slug + " is not connected");
+    thread.loadMore();
+    EXPECT_EQ(inbox.composer()->sendError(), "Account " + account.slug + " is not connected");
     inbox.select(ben);
-    EXPECT_EQ(thread.errorText(), "");
+    EXPECT_EQ(inbox.composer()->sendError(), "");
     EXPECT_FALSE(thread.loadingMore());
 }
 

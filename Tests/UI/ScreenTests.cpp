@@ -219,20 +219,28 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
         }
         return -1.0;
     };
+    // The oldest of a page comes first, and is shown while the others are on their way.
     int older = 0;
     const auto receiveOlder = [&] {
-        for (int i = 0; i < 50; ++i, ++older) {
+        older += 50;
+        for (int i = 0; i < 50; ++i) {
             launcher.children.first()->printEvent({ { "type", "message" }, { "convExternalId", "49171@s.whatsapp.net" },
-                { "providerMsgId", u"old%1"_s.arg(older) }, { "historical", true },
+                { "providerMsgId", u"old%1"_s.arg(older - i) }, { "historical", true },
                 { "body", i % 7 ? u"older"_s : u"a long one from before "_s.repeated(40) },
-                { "ts", clock.nowMs() - 60'000LL * 60 * (5 + older) } });
+                { "ts", clock.nowMs() - 60'000LL * 60 * (5 + older - i) } });
+            if (i % 20 == 0) {
+                clock.advance(Milliseconds(200));
+                rest();
+            }
         }
         clock.advance(seconds(1));
         rest();
     };
     const int loaded = thread->property("count").toInt();
-    thread->forceActiveFocus(Qt::TabFocusReason);
-    press(Qt::Key_Home);
+    thread->setProperty("atNewest", false);
+    QMetaObject::invokeMethod(thread, "positionViewAtBeginning");
+    rest();
+    click(u"thread.loadOlder"_s);
     const double atTop = placeOf(u"Message 0 of a long morning"_s);
     EXPECT_GT(atTop, 0);
     receiveOlder();
@@ -246,6 +254,11 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     EXPECT_GT(inTheMiddle, 0);
     receiveOlder();
     EXPECT_NEAR(placeOf(read), inTheMiddle, 1);
+
+    inbox.composer()->setText(u"what is said is seen"_s);
+    inbox.composer()->send();
+    rest();
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
 
 TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)

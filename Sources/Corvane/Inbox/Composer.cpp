@@ -200,6 +200,7 @@ bool Composer::sendThrough(const std::function<bool(const Account& account, cons
     }
     setSendError({});
     rememberReplyPlatform(m_defaults, m_replyPlatform, m_contact);
+    Q_EMIT sent();
     return true;
 }
 

@@ -47,6 +47,7 @@ public:
     ~Composer() override;
 
     void open(const ContactRow& contact); ///< with an empty id: nobody
+    void setSendError(const QString& error); ///< shown until the next try
     void requestFocus() { Q_EMIT focusRequested(); }
 
     const QString& contactId() const { return m_contact.id; }
@@ -83,6 +84,7 @@ Q_SIGNALS:
     void editingChanged();
     void voiceShown();
     void focusRequested();
+    void sent(); ///< a text or a voice note went to its engine
 
 private:
     /// Hands the open contact's conversation on the reply's channel to `say`; where there is none, or the engine
@@ -90,7 +92,6 @@ private:
     bool sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say);
     void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
     void forgetUndo();
-    void setSendError(const QString& error);
 
     EngineManager& m_engine;
     AccountStore& m_accounts;

@@ -65,6 +65,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     m_tabs = inboxTabs({});
     connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_thread, &ThreadView::refused, &m_composer, &Composer::setSendError);
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
     connect(&m_crm, &CRMPane::undoable, this,

@@ -108,7 +108,7 @@ void ThreadView::highlight(const QString& messageId)
     Q_EMIT highlightChanged();
 }
 
-void ThreadView::loadOlder()
+void ThreadView::loadMore()
 {
     if (loadingMore() || !canLoadOlder())
         return;
@@ -119,12 +119,12 @@ void ThreadView::loadOlder()
     Q_EMIT loadingMoreChanged();
     const auto target = replyTarget(m_engine.db(), m_contact.id, whatsApp);
     if (!target) {
-        setError(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(whatsApp)));
+        Q_EMIT refused(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(whatsApp)));
         return;
     }
     const auto account = m_accounts.findBySlug(target->account);
-    const bool asked = account && m_engine.loadMoreHistory(*account, target->chatId, olderCount);
-    setError(asked ? QString() : QStringLiteral("Account %1 is not connected").arg(target->account));
+    if (!account || !m_engine.loadMoreHistory(*account, target->chatId, olderCount))
+        Q_EMIT refused(QStringLiteral("Account %1 is not connected").arg(target->account));
 }
 
 void ThreadView::fetchMedia(const QString& messageId)

@@ -46,7 +46,7 @@ public:
     const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
     void setError(const QString& text);
 
-    Q_INVOKABLE void loadOlder();
+    Q_INVOKABLE void loadMore(); ///< what was said before, of WhatsApp
     Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
     Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
     Q_INVOKABLE void showMore(const QString& messageId); ///< of a long body
@@ -60,6 +60,7 @@ Q_SIGNALS:
     void highlightChanged();
     void loadingMoreChanged();
     void errorTextChanged();
+    void refused(const QString& error); ///< by the channel: nothing older was asked for
     void announced(const QString& text); ///< a message came in: to be read aloud, politely
 
 private:

@@ -6,9 +6,7 @@ namespace corvane {
 
 namespace {
 
-QString contactsStatement(InboxFilter filter, qint64 nowMs)
-{
-    QString sql = QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
+const QString contactColumns = QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
   (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
      WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
   COALESCE((SELECT m.body FROM unified_message m
@@ -21,7 +19,11 @@ QString contactsStatement(InboxFilter filter, qint64 nowMs)
   MAX(c.muted)
 FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
 WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
-  AND (? = '' OR c.account_id = ?) )");
+  AND )");
+
+QString contactsStatement(InboxFilter filter, qint64 nowMs)
+{
+    QString sql = contactColumns + QStringLiteral("(? = '' OR c.account_id = ?) ");
     sql += filter == InboxFilter::Archived ? QStringLiteral("AND c.archived_at IS NOT NULL")
                                            : QStringLiteral("AND c.archived_at IS NULL");
     sql += QStringLiteral("\nGROUP BY ct.id ");
@@ -54,6 +56,12 @@ QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& 
 {
     const QString workspace = activeWorkspaceId(db);
     return db.rows(contactsStatement(filter, db.nowMs()), { workspace, account, account, limit }, contactRow);
+}
+
+std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId)
+{
+    return db.firstRow(
+        contactColumns + QStringLiteral("ct.id=?\nGROUP BY ct.id;"), { activeWorkspaceId(db), contactId }, contactRow);
 }
 
 InboxCounts fetchInboxCounts(LocalDB& db)

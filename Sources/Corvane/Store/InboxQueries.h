@@ -46,6 +46,9 @@ struct ReplyTarget {
 /// Newest first. An empty `account` means every account.
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit);
 
+/// The same row, whichever filter the person stands under; nothing for one without a conversation.
+std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId);
+
 /// How many people stand under a filter.
 struct InboxCounts {
     int needsMe = 0;

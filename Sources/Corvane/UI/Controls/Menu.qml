@@ -6,12 +6,14 @@ import QtQuick.Templates as T
 T.Menu {
     id: control
 
+    property string sign ///< the icon before its title within another menu
+
     implicitWidth: Math.max(200, contentItem.implicitWidth + leftPadding + rightPadding)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     padding: Theme.tight
     margins: Theme.small
     overlap: 1
-    delegate: MenuItem {}
+    delegate: MenuItem { icon.name: subMenu?.sign ?? "" }
 
     contentItem: ListView {
         implicitHeight: contentHeight

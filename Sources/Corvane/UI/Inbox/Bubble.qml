@@ -135,6 +135,7 @@ Rectangle {
             id: mood
             anchors.centerIn: parent
             text: bubble.item.reaction
+            font.family: Theme.pictures
             font.pixelSize: Theme.body
             Accessible.ignored: true
         }

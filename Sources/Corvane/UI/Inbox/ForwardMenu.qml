@@ -9,6 +9,8 @@ Menu {
     required property QtObject actions
     property var targets: []
 
+    sign: "mail-forward"
+
     Instantiator {
         model: menu.targets
         delegate: MenuItem {

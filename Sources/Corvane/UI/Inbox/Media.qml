@@ -65,7 +65,7 @@ Item {
             id: words
             anchors.left: sign.right
             anchors.leftMargin: Theme.medium
-            anchors.right: press.visible ? press.left : parent.right
+            anchors.right: press.visible || media.item.mediaState === "downloading" ? press.left : parent.right
             anchors.rightMargin: Theme.small
             anchors.verticalCenter: parent.verticalCenter
             spacing: 2

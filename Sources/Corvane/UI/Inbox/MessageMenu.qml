@@ -55,6 +55,7 @@ Menu {
                         horizontalAlignment: Text.AlignHCenter
                         verticalAlignment: Text.AlignVCenter
                         text: mood.text
+                        font.family: Theme.pictures
                         font.pixelSize: Theme.screen
                     }
                     background: Rectangle {

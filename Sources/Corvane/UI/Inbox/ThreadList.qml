@@ -16,7 +16,7 @@ ListView {
     model: thread.rows
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: false
-    highlightMoveDuration: 0
+    highlightFollowsCurrentItem: false // a press within the list takes the keys, not the reader
     cacheBuffer: 800
     activeFocusOnTab: true
     Accessible.role: Accessible.List
@@ -39,28 +39,46 @@ ListView {
             Qt.callLater(positionViewAtEnd);
     }
 
-    // Where rows come in above what is being read, that stays in its place.
+    function showNewest() {
+        atNewest = true;
+        positionViewAtEnd();
+    }
+
+    // Where rows come in above what is being read, that stays in its place. A page of them comes in parts, so what
+    // was read before the first is held until the person moves on.
     property var anchor: null
+    property bool holding: false
 
     function holdPlace() {
-        if (atNewest || anchor)
+        if (atNewest || holding)
             return;
-        for (let y = 0; y < height && !anchor; y += Theme.wide) {
-            const item = itemAt(Theme.wide, contentY + y);
-            if (item && !item.isDate)
-                anchor = { id: item.id, y: item.y - contentY };
+        const held = anchor ? itemAtIndex(thread.rowOf(anchor.id)) : null;
+        if (!held || Math.abs(held.y - contentY - anchor.y) > 1) {
+            const first = messageFrom(0, Theme.wide);
+            anchor = first ? { id: first.id, y: first.y - contentY } : null;
         }
-        if (anchor)
+        holding = anchor !== null;
+        if (holding)
             Qt.callLater(takePlace);
     }
 
-    function takePlace() {
-        const row = atNewest ? -1 : thread.rowOf(anchor.id);
-        if (row >= 0) {
-            positionViewAtIndex(row, ListView.Beginning);
-            contentY = itemAtIndex(row).y - anchor.y;
+    /// The first message in sight from `y` on, by steps that may lead upwards.
+    function messageFrom(y: real, step: real): Item {
+        for (; y >= 0 && y < height; y += step) {
+            const item = itemAt(Theme.wide, contentY + y);
+            if (item && !item.isDate)
+                return item;
         }
-        anchor = null;
+        return null;
+    }
+
+    function takePlace() {
+        holding = false;
+        const row = atNewest ? -1 : thread.rowOf(anchor.id);
+        if (row < 0)
+            return;
+        positionViewAtIndex(row, ListView.Beginning);
+        contentY = itemAtIndex(row).y - anchor.y;
     }
 
     function step(by: int) {
@@ -83,7 +101,12 @@ ListView {
     }
 
     Component.onCompleted: currentIndex = -1
-    onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = count - 1
+    onActiveFocusChanged: {
+        if (activeFocus && currentIndex < 0) {
+            const last = atNewest ? null : messageFrom(height - 1, -Theme.wide);
+            currentIndex = last ? thread.rowOf(last.id) : count - 1;
+        }
+    }
     Connections {
         target: list.thread
         function onContactChanged() {
@@ -95,6 +118,10 @@ ListView {
     Connections {
         target: list.inbox
         function onJumped() { list.jump(); }
+    }
+    Connections {
+        target: list.inbox.composer
+        function onSent() { list.showNewest(); }
     }
     Connections {
         target: list.model
@@ -121,9 +148,8 @@ ListView {
             inbox.messageActions.deleteLocal(currentItem.id);
             event.accepted = true;
         } else if (event.key === Qt.Key_End) {
-            atNewest = true;
             currentIndex = count - 1;
-            positionViewAtEnd();
+            showNewest();
             event.accepted = true;
         } else if (event.key === Qt.Key_Home) {
             atNewest = false;
@@ -146,11 +172,11 @@ ListView {
             kind: "quiet"
             text: list.thread.loadOlderText
             enabled: !list.thread.loadingMore
-            onActiveFocusChanged: if (activeFocus) {
+            onVisualFocusChanged: if (visualFocus) {
                 list.atNewest = false;
                 list.positionViewAtBeginning();
             }
-            onClicked: list.thread.loadOlder()
+            onClicked: list.thread.loadMore()
         }
     }
     footer: Item { width: 1; height: Theme.large }
@@ -177,9 +203,6 @@ ListView {
             border.color: Theme.line
             FocusRing { control: newest }
         }
-        onClicked: {
-            list.atNewest = true;
-            list.positionViewAtEnd();
-        }
+        onClicked: list.showNewest()
     }
 }

@@ -50,6 +50,7 @@ QtObject {
     readonly property int wall: 28
     readonly property int regular: Font.Normal
     readonly property int strong: Font.DemiBold
+    readonly property string pictures: "Noto Color Emoji" ///< for a sign alone; Inter draws some of them black
 
     // Heights
     readonly property int control: 32
