@@ -7,19 +7,20 @@ Sheet {
 
     objectName: "shortcutsSheet"
     title: qsTr("Keyboard shortcuts")
-    width: 800
+    width: 960 // three columns stand whole in the smallest window
 
     Row {
+        id: columns
         width: parent.width
         spacing: Theme.huge
 
-        KeyColumn {
-            width: (parent.width - parent.spacing) / 2
-            sections: [Keymap.everywhere, Keymap.gate]
-        }
-        KeyColumn {
-            width: (parent.width - parent.spacing) / 2
-            sections: [Keymap.list, Keymap.thread, Keymap.message]
+        Repeater {
+            model: [[Keymap.everywhere], [Keymap.gate, Keymap.list], [Keymap.thread, Keymap.message]]
+            KeyColumn {
+                required property var modelData
+                width: (columns.width - columns.spacing * 2) / 3
+                sections: modelData
+            }
         }
     }
     buttons: Button {
