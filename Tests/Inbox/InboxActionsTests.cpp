@@ -156,6 +156,13 @@ TEST_F(InboxViewTest, aBannerOfAMessageOpensItsPersonWhereverTheListStands)
     EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
     centre.post(notifications::openConversation, QString());
     EXPECT_EQ(inbox.selectedId(), ana);
+
+    const QString crew = "ct:WHATSAPP:12@g.us";
+    receive(crew, "both", { { "sender", "Lena" } });
+    inbox.setFilterWord("archived");
+    centre.post(notifications::openConversation, crew);
+    EXPECT_EQ(column(inbox.thread()->rows(), "senderLabel").last(), "Lena");
+    EXPECT_EQ(column(inbox.thread()->rows(), "unreadText").last(), "1 unread message");
 }
 
 TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)

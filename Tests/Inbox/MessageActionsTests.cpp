@@ -95,6 +95,8 @@ TEST_F(MessageActionsTest, aForwardIsADraftThatWaits)
     ASSERT_EQ(targets.size(), 1) << "not the person who is open";
     EXPECT_EQ(targets.first().toMap().value("name"), "Ben");
     EXPECT_EQ(targets.first().toMap().value("detail"), "WhatsApp");
+    type("ana");
+    EXPECT_EQ(actions().forwardTargets(), targets) << "a search hides nobody";
     actions().forward("wa:msg:m1", ben);
     EXPECT_EQ(cell("SELECT conversation_id || ' ' || body || ' ' || source || ' ' || status FROM outbound_draft;"),
         "wa:main:49172@s.whatsapp.net hello forward pending");

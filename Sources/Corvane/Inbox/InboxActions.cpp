@@ -27,10 +27,10 @@ int InboxView::selectedIndex() const
     return m_selectedId.isEmpty() || found == rows.end() ? -1 : int(found - rows.begin());
 }
 
-const ContactRow* InboxView::find(const QString& contactId) const
+std::optional<ContactRow> InboxView::rowOf(const QString& contactId) const
 {
-    const auto found = std::ranges::find(m_contacts, contactId, &ContactRow::id);
-    return found == m_contacts.end() ? nullptr : &*found;
+    const auto listed = std::ranges::find(m_contacts, contactId, &ContactRow::id);
+    return listed == m_contacts.end() ? fetchContact(db(), contactId) : std::optional(*listed);
 }
 
 void InboxView::select(const QString& contactId)
@@ -41,11 +41,11 @@ void InboxView::select(const QString& contactId)
         return;
     }
     const QString person = personBehind(db(), contactId);
-    if (const ContactRow* row = find(person)) {
-        openContact(*row);
+    if (const auto known = rowOf(person)) {
+        openContact(*known);
         return;
     }
-    // Not in the list, as it is filtered or beyond its end: the id tells what a row would.
+    // Of another workspace, or nobody wrote yet: the id tells what a row would.
     ContactRow row;
     row.id = person;
     row.name = contactExists(db(), person) ? displayName(db(), person) : person.section(u':', 2);
@@ -116,15 +116,7 @@ void InboxView::openHit(const QString& messageId)
     const auto hit = std::ranges::find(hits, messageId, &MessageHitItem::id);
     if (hit == hits.end())
         return;
-    if (const ContactRow* row = find(hit->contactId)) {
-        openContact(*row);
-    } else {
-        ContactRow stranger;
-        stranger.id = hit->contactId;
-        stranger.name = hit->name;
-        stranger.platforms = QStringList { hit->platform };
-        openContact(stranger);
-    }
+    select(QString(hit->contactId));
     jumpTo(messageId);
 }
 

@@ -55,8 +55,8 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_crm(m_engine.db(), m_scheduler)
     , m_undo(m_scheduler, [this] { Q_EMIT undoChanged(); })
     , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo, mediaFolder(surroundings.paths),
-          [this] {
-              return m_contacts;
+          [this] { // a search hides nobody to whom a message may go
+              return m_state.query().isEmpty() ? m_contacts : fetchContacts(db(), m_state.filter, {}, contactLimit);
           } })
     , m_voicePlayer(surroundings.player, m_thread, mediaFolder(surroundings.paths))
     , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
@@ -248,7 +248,7 @@ void InboxView::reload()
             select(person);
             return;
         }
-        if (const ContactRow* row = find(m_selectedId))
+        if (const auto row = rowOf(m_selectedId))
             m_selectedRow = *row;
         if (m_onScreen && m_selectedRow.unread > 0)
             readSelected();

@@ -207,7 +207,8 @@ private:
     void presentBanners();
     void presentCounts();
 
-    const ContactRow* find(const QString& contactId) const;
+    /// Of the list, else of a person whom the list does not show: filtered away, or beyond its end.
+    std::optional<ContactRow> rowOf(const QString& contactId) const;
     void openContact(const ContactRow& row);
     void close();
     void openPanes(const ContactRow& row, int unread = 0); ///< beside the list; with an empty id: nobody
