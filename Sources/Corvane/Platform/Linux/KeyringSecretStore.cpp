@@ -81,12 +81,24 @@ bool clear(const Key& key, GCancellable* cancellable)
     });
 }
 
+/// The session bus that the keyring's library will use, kept from ending this process when the bus ends.
+std::shared_ptr<GDBusConnection> sessionBus(GCancellable* cancellable)
+{
+    GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr);
+    if (!bus)
+        return nullptr;
+    g_dbus_connection_set_exit_on_close(bus, FALSE);
+    return { bus, g_object_unref };
+}
+
 /// What the work gives, or a default value where that takes longer than the limit.
 template <typename Work> auto within(std::chrono::milliseconds limit, Work work) -> decltype(work(nullptr))
 {
     const Cancellable cancellable(g_cancellable_new(), g_object_unref);
-    std::packaged_task<decltype(work(nullptr))()> task(
-        [work = std::move(work), cancellable] { return work(cancellable.get()); });
+    std::packaged_task<decltype(work(nullptr))()> task([work = std::move(work), cancellable] {
+        const auto bus = sessionBus(cancellable.get());
+        return work(cancellable.get());
+    });
     auto result = task.get_future();
     std::thread thread(std::move(task));
     if (result.wait_for(limit) == std::future_status::ready) {

@@ -3,6 +3,7 @@
 #include "Platform/Linux/PulseConnection.h"
 
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace corvane {
@@ -34,7 +35,7 @@ struct PulsePlayback::State final : PulseConnection {
     std::unique_ptr<SoundFile> file;
     Callbacks callbacks;
     pa_operation* draining = nullptr; ///< from the end of the file on
-    bool paused = false;
+    std::optional<qint64> heldAt; ///< where it stands still, whatever the server has yet to play or to drop
     bool ended = false;
     bool isTimeKnown = true; ///< not between a move and the server's next word
     qint64 from = 0; ///< in milliseconds
@@ -109,7 +110,7 @@ void PulsePlayback::State::openStream()
     std::memset(&buffer, 0xff, sizeof buffer); // "as the server likes it"
     buffer.tlength = uint32_t(pa_bytes_per_second(&samples)) / piecesPerSecond;
     const auto flags = pa_stream_flags_t(PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE
-        | PA_STREAM_INTERPOLATE_TIMING | (paused ? PA_STREAM_START_CORKED : PA_STREAM_NOFLAGS));
+        | PA_STREAM_INTERPOLATE_TIMING | (heldAt ? PA_STREAM_START_CORKED : PA_STREAM_NOFLAGS));
     if (pa_stream_connect_playback(stream, nullptr, &buffer, flags, nullptr, nullptr) < 0)
         end();
 }
@@ -168,7 +169,7 @@ void PulsePlayback::State::stopDraining()
 
 void PulsePlayback::State::hold(bool held)
 {
-    paused = held;
+    heldAt = held ? std::optional(positionMs()) : std::nullopt;
     if (stream && pa_stream_get_state(stream) == PA_STREAM_READY)
         forget(pa_stream_cork(stream, held, nullptr, nullptr));
 }
@@ -178,6 +179,8 @@ void PulsePlayback::State::seek(qint64 ms)
     file->seek(ms);
     from = ms;
     written = 0;
+    if (heldAt)
+        heldAt = ms;
     if (!stream || pa_stream_get_state(stream) != PA_STREAM_READY)
         return;
     stopDraining();
@@ -190,6 +193,8 @@ void PulsePlayback::State::seek(qint64 ms)
 
 qint64 PulsePlayback::State::positionMs() const
 {
+    if (heldAt)
+        return *heldAt;
     pa_usec_t unheard = 0;
     int isAhead = 0;
     if (!stream || !isTimeKnown || pa_stream_get_state(stream) != PA_STREAM_READY
