@@ -169,6 +169,11 @@ TEST_F(AddressBookFolders, aFileOfAHundredMegabytesIsReadToItsBound)
     EXPECT_GT(count, 4000);
     EXPECT_LT(count, 5000);
     EXPECT_TRUE(log.contains("too large"));
+
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("BEGIN:VCARD\nFN:Bo\nEND:VCARD\n").repeated(100'001));
+    file.close();
+    EXPECT_EQ(names().size(), 100'000);
 }
 
 }

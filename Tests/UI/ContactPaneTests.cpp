@@ -106,6 +106,16 @@ TEST_F(ContactPaneWindow, aDealIsAddedWithKeysAlone)
     EXPECT_EQ(findItem(u"addDeal"_s), nullptr);
     EXPECT_EQ(column(pane.deals(), "text"), QStringList(u"Kitchen"_s));
     EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Prospecting"_s));
+
+    reach(u"contact.moveDeal"_s);
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Qualification"_s));
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Prospecting"_s));
+    EXPECT_EQ(cell(u"SELECT payload_json FROM crm_mutation_queue WHERE entity_type='deal' AND action='update';"_s),
+        uR"({"stage":"Prospecting"})"_s);
 }
 
 TEST_F(ContactPaneWindow, notesAndTasksAreWrittenInPlaceAndATaskIsTickedOff)

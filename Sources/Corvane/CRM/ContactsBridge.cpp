@@ -13,24 +13,9 @@ namespace {
 constexpr qsizetype fewestDigits = 7;
 constexpr qsizetype tailDigits = 9;
 
-using Index = QHash<QString, ContactsBridge::Person>;
-
-Index indexOf(const QList<AddressBookPerson>& people)
+QString ending(const QString& digits)
 {
-    Index index;
-    for (const AddressBookPerson& person : people) {
-        QStringList parts { person.givenName, person.familyName };
-        parts.removeAll(QString());
-        const QString name = parts.isEmpty() ? person.organisation : parts.join(u' ');
-        if (name.isEmpty())
-            continue;
-        for (const QString& phone : person.phones) {
-            const QString digits = ContactsBridge::normalize(phone);
-            if (digits.size() >= fewestDigits)
-                index.insert(digits, { name, person.photo });
-        }
-    }
-    return index;
+    return digits.right(fewestDigits);
 }
 
 }
@@ -57,18 +42,36 @@ void ContactsBridge::load(const std::function<void()>& completion)
     if (m_loading)
         return;
     m_loading = true;
-    m_background.run<Index>([&book = m_book, folders] { return indexOf(book.people(folders)); },
-        [self = QPointer(this)](const Index& index) {
+    m_background.run<People>([&book = m_book, folders] { return read(book, folders); },
+        [self = QPointer(this)](const People& people) {
             if (self)
-                self->finish(index);
+                self->finish(people);
         });
 }
 
-void ContactsBridge::finish(const Index& index)
+ContactsBridge::People ContactsBridge::read(const AddressBook& book, const QStringList& folders)
 {
-    m_index = index;
-    for (auto entry = m_index.keyBegin(); entry != m_index.keyEnd(); ++entry)
-        m_byEnding.insert(entry->right(fewestDigits), *entry);
+    People people;
+    for (const AddressBookPerson& person : book.people(folders)) {
+        QStringList parts { person.givenName, person.familyName };
+        parts.removeAll(QString());
+        const QString name = parts.isEmpty() ? person.organisation : parts.join(u' ');
+        if (name.isEmpty())
+            continue;
+        for (const QString& phone : person.phones) {
+            const QString digits = normalize(phone);
+            if (digits.size() >= fewestDigits)
+                people.index.insert(digits, { name, person.photo });
+        }
+    }
+    for (auto entry = people.index.keyBegin(); entry != people.index.keyEnd(); ++entry)
+        people.byEnding.insert(ending(*entry), *entry);
+    return people;
+}
+
+void ContactsBridge::finish(const People& people)
+{
+    m_people = people;
     m_ready = true;
     m_loading = false;
     const auto waiting = std::exchange(m_waiting, {});
@@ -81,13 +84,13 @@ std::optional<ContactsBridge::Person> ContactsBridge::match(const QString& phone
     const QString digits = normalize(phone);
     if (digits.size() < fewestDigits)
         return std::nullopt;
-    if (const auto exact = m_index.constFind(digits); exact != m_index.constEnd())
+    if (const auto exact = m_people.index.constFind(digits); exact != m_people.index.constEnd())
         return *exact;
     // Either form ends with the other only where the last 7 digits are the same.
     const QString tail = digits.right(tailDigits);
-    for (const QString& key : m_byEnding.values(tail.right(fewestDigits))) {
+    for (const QString& key : m_people.byEnding.values(ending(tail))) {
         if (key.endsWith(tail) || tail.endsWith(key.right(tailDigits)))
-            return m_index.value(key);
+            return m_people.index.value(key);
     }
     return std::nullopt;
 }

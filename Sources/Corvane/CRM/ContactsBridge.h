@@ -29,7 +29,7 @@ public:
     /// be read leaves the index empty and can be asked again.
     void load(const std::function<void()>& completion = {});
 
-    const QHash<QString, Person>& index() const { return m_index; } ///< by the digits of the number
+    const QHash<QString, Person>& index() const { return m_people.index; } ///< by the digits of the number
     bool ready() const { return m_ready; }
 
     /// National and international forms of one number meet. A number of less than 7 digits is nobody's.
@@ -38,13 +38,18 @@ public:
     static QString normalize(const QString& text); ///< its digits
 
 private:
-    void finish(const QHash<QString, Person>& index);
+    struct People {
+        QHash<QString, Person> index;
+        QMultiHash<QString, QString> byEnding; ///< the keys of the index by their last 7 digits
+    };
+
+    static People read(const AddressBook& book, const QStringList& folders);
+    void finish(const People& people);
 
     const AddressBook& m_book;
     BackgroundQueue& m_background;
     UserDefaults& m_defaults;
-    QHash<QString, Person> m_index;
-    QMultiHash<QString, QString> m_byEnding; ///< the keys of the index by their last 7 digits
+    People m_people;
     bool m_ready = false;
     bool m_loading = false;
     QList<std::function<void()>> m_waiting;

@@ -99,6 +99,16 @@ bool CRMPane::addDeal(const QString& name, const QString& stage, const QString& 
                 .has_value());
 }
 
+void CRMPane::moveDeal(const QString& id, const QString& stage)
+{
+    const auto deals = latestDeals();
+    const auto deal = std::ranges::find(deals, id, &CRMDealRow::id);
+    if (deal == deals.end() || deal->stage == stage || !done(moveCRMDeal(m_db, id, stage)))
+        return;
+    Q_EMIT undoable(QStringLiteral("Moved “%1” to %2").arg(shortened(deal->name), stage),
+        [this, id, before = deal->stage] { done(moveCRMDeal(m_db, id, before)); });
+}
+
 void CRMPane::completeTask(const QString& id)
 {
     const auto tasks = openTasks();

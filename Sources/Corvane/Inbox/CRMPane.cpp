@@ -158,6 +158,13 @@ QList<CRMTaskRow> CRMPane::openTasks() const
         &CRMTaskRow::updatedAt, taskLimit);
 }
 
+QList<CRMDealRow> CRMPane::latestDeals() const
+{
+    return newestOf(
+        m_people, [this](const QString& id) { return fetchContactDeals(m_db, id, dealLimit); }, &CRMDealRow::updatedAt,
+        dealLimit);
+}
+
 void CRMPane::reloadCRM()
 {
     reloadMerges();
@@ -179,12 +186,9 @@ void CRMPane::reloadCRM()
     const auto activity = newestOf(
         m_people, [this](const QString& id) { return fetchContactActivity(m_db, id, m_activityLimit + 1); },
         &ActivityRow::ts, m_activityLimit + 1);
-    const auto deals = newestOf(
-        m_people, [this](const QString& id) { return fetchContactDeals(m_db, id, dealLimit); }, &CRMDealRow::updatedAt,
-        dealLimit);
     m_memory.assign(paneRows(memory, memoryRow));
     m_info.assign(infoRows(info));
-    m_deals.assign(paneRows(deals, dealRow));
+    m_deals.assign(paneRows(latestDeals(), dealRow));
     m_notes.assign(paneRows(
         notes.first(std::min(notes.size(), m_noteLimit)), [&](const NoteRow& note) { return noteRow(note, words); }));
     m_activity.assign(paneRows(activity.first(std::min(activity.size(), m_activityLimit)),

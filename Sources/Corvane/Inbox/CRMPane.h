@@ -85,6 +85,7 @@ public:
     Q_INVOKABLE bool addTask(const QString& title);
     Q_INVOKABLE bool canAddDeal(const QString& name) const;
     Q_INVOKABLE bool addDeal(const QString& name, const QString& stage, const QString& value);
+    Q_INVOKABLE void moveDeal(const QString& id, const QString& stage);
     Q_INVOKABLE void completeTask(const QString& id);
     Q_INVOKABLE void forget(const QString& memoryId);
 
@@ -106,6 +107,7 @@ private:
     void reloadMerges();
     void reloadCRM();
     QList<CRMTaskRow> openTasks() const;
+    QList<CRMDealRow> latestDeals() const;
     bool done(bool saved); ///< after an action
     std::optional<QString> merge(const QString& primary, const QString& merged, const QString& signal);
     void mergeUndoably(const QString& primary, const QString& merged, const QString& signal);

@@ -15,6 +15,7 @@ class PaneRow {
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(QString channel MEMBER channel)
     Q_PROPERTY(QString icon MEMBER icon)
+    Q_PROPERTY(QString stage MEMBER stage)
 public:
     QString id; ///< what the section's actions ask for
     QString label; ///< the kind of line: "Email", "Call", "WhatsApp"
@@ -23,6 +24,7 @@ public:
     QString timeText;
     QString channel; ///< such as "WHATSAPP", for its mark
     QString icon; ///< the mark of a line without a channel
+    QString stage; ///< of a deal
 
     const QString& key() const { return id; }
     bool operator==(const PaneRow&) const = default;

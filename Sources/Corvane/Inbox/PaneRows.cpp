@@ -88,6 +88,7 @@ PaneRow dealRow(const CRMDealRow& deal)
     PaneRow row;
     row.id = deal.id;
     row.text = line(deal.name);
+    row.stage = deal.stage;
     row.detail = line(joined({ deal.stage, deal.value, deal.company }));
     return row;
 }

@@ -155,6 +155,17 @@ VALUES(?,?,?,?,?,?,?,?,?);)",
     return id;
 }
 
+bool moveCRMDeal(LocalDB& db, const QString& id, const QString& stage)
+{
+    if (db.changedRows(
+            "UPDATE crm_deal SET stage=?, updated_at=? WHERE id=? AND deleted_at IS NULL;", { stage, db.nowMs(), id })
+        != 1)
+        return false;
+    recordCRMMutation(
+        db, QStringLiteral("deal"), id, QStringLiteral("update"), origin, { { QStringLiteral("stage"), stage } });
+    return true;
+}
+
 QList<PipelineDeal> fetchCRMDeals(LocalDB& db)
 {
     return db.rows("SELECT name, COALESCE(company,''), COALESCE(stage,''), COALESCE(value,''), COALESCE(close_date,'') "

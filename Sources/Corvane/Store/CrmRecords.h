@@ -62,6 +62,8 @@ struct NewDeal {
 QList<CRMDealRow> fetchContactDeals(LocalDB& db, const QString& contactId, int limit);
 std::optional<QString> insertCRMDeal(LocalDB& db, const QString& contactId, const NewDeal& deal);
 
+bool moveCRMDeal(LocalDB& db, const QString& id, const QString& stage);
+
 /// A deal among all deals.
 struct PipelineDeal {
     QString name;

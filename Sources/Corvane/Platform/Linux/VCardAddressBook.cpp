@@ -13,6 +13,7 @@ namespace corvane {
 namespace {
 
 constexpr qint64 mostOfAFile = 64LL * 1024 * 1024;
+constexpr qsizetype mostPeople = 100'000;
 constexpr qsizetype mostPhotos = 64 * 1024 * 1024; ///< bytes of all photos together
 
 QStringList vcardsIn(const QString& folder)
@@ -47,7 +48,7 @@ void readFile(const QString& path, QList<AddressBookPerson>& people, qsizetype& 
         if (photoBytes > mostPhotos)
             person->photo.clear();
         people.append(*person);
-        if (file.pos() > mostOfAFile) {
+        if (file.pos() > mostOfAFile || people.size() >= mostPeople) {
             log(QStringLiteral("VCardAddressBook: %1 is too large, its end is left out").arg(path));
             return;
         }
@@ -86,8 +87,10 @@ QList<AddressBookPerson> VCardAddressBook::people(const QStringList& folders) co
     }
     QList<AddressBookPerson> people;
     qsizetype photoBytes = 0;
-    for (const QString& file : std::as_const(files))
-        readFile(file, people, photoBytes);
+    for (const QString& file : std::as_const(files)) {
+        if (people.size() < mostPeople)
+            readFile(file, people, photoBytes);
+    }
     return people;
 }
 

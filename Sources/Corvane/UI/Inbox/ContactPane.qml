@@ -141,8 +141,24 @@ FocusScope {
                 Repeater {
                     model: pane.crm.deals
                     PaneLine {
+                        id: deal
+                        required property string stage
                         strong: true
                         lines: 2
+                        PaneLink {
+                            id: move
+                            objectName: "contact.moveDeal"
+                            text: qsTr("Move")
+                            subject: deal.text
+                            onClicked: stages.open()
+                            StageMenu {
+                                id: stages
+                                y: move.height
+                                names: pane.crm.stages
+                                current: deal.stage
+                                onPicked: stage => pane.crm.moveDeal(deal.id, stage)
+                            }
+                        }
                     }
                 }
                 PaneAction {
