@@ -169,6 +169,7 @@ TEST(ContactItem, aSnippetIsOneShortLine)
     EXPECT_EQ(snippet("", "poll"), "Media");
     EXPECT_EQ(snippet(""), "");
     EXPECT_EQ(snippet("[Image]"), "Image");
+    EXPECT_EQ(snippet(u"\u202Edetrevni\u001b[31m red"_qs), "detrevni[31m red");
     EXPECT_EQ(snippet("[Document] offer.pdf"), "Document: offer.pdf");
     EXPECT_LE(snippet(QString(2'000'000, u'x')).size(), 160);
     const QString family = "👩‍👩‍👧";

@@ -2,6 +2,7 @@
 
 #include "Engines/Account.h"
 #include "Foundation/Text.h"
+#include "Inbox/BodyText.h"
 #include "Inbox/ContactFace.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/UnifiedBubble.h"
@@ -19,7 +20,7 @@ constexpr int snippetLength = 160;
 // The body may be a whole book; what a row can show is cut off before anything looks at it.
 QString lineOf(const QString& text)
 {
-    const QString line = singleLine(text.left(2 * snippetLength));
+    const QString line = singleLine(BodyText::printable(text.left(2 * snippetLength)));
     return firstCharacters(line, snippetLength);
 }
 
@@ -70,7 +71,7 @@ QString snippetAround(const QString& text, const QString& query)
     constexpr qsizetype lead = 32;
     const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
     if (at <= lead)
-        return lineOf(text);
+        return snippetOf(text, {});
     // At a blank where one is near, else between two characters.
     qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
     if (from < at - lead)

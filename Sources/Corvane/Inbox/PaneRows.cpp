@@ -2,6 +2,7 @@
 
 #include "Engines/Account.h"
 #include "Foundation/Text.h"
+#include "Inbox/BodyText.h"
 #include "Inbox/DateWords.h"
 #include "Inbox/WAName.h"
 
@@ -14,7 +15,7 @@ constexpr int longestText = 10'000; ///< more would hold up the window, and nobo
 
 QString line(const QString& text)
 {
-    return singleLine(firstCharacters(text, lineLength));
+    return singleLine(BodyText::printable(firstCharacters(text, lineLength)));
 }
 
 QString joined(QStringList parts)
