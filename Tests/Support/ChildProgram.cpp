@@ -15,15 +15,12 @@
 //   arguments           every argument, separated by "|"
 //   folder              the working directory
 //   descriptors         the numbers of the open descriptors, separated by blanks
-//   append FILE TEXT    adds the line TEXT to FILE
 //   sleep MS            waits
 //   await               waits for one line on standard input
 //   echo                prints each line of standard input back, as "echo LINE", until its end
 //   record FILE         adds each line of standard input to FILE, until its end
-//   obey                takes each line of standard input as a command, until its end
 //   count LINES         reads so many lines of standard input, then prints "counted BYTES"
 //   close-input         closes standard input
-//   close-output        closes standard output
 //   ignore-term         ignores SIGTERM from here on
 //   grandchild MS       leaves a process behind that holds standard input and output for so long
 //   exit CODE           ends
@@ -37,10 +34,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <dirent.h>
+#include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iostream>
-#include <map>
 #include <string>
 #include <sys/resource.h>
 #include <thread>
@@ -51,8 +47,7 @@ namespace {
 
 std::vector<std::string> arguments;
 int target = STDOUT_FILENO;
-
-void run(const std::string& command);
+std::string input; ///< the line that was read last
 
 void out(std::string_view text)
 {
@@ -83,18 +78,6 @@ void pause(const std::string& milliseconds)
     std::this_thread::sleep_for(std::chrono::milliseconds(number(milliseconds)));
 }
 
-void forEachInputLine(const std::function<void(const std::string&)>& body)
-{
-    std::string line;
-    while (std::getline(std::cin, line))
-        body(line);
-}
-
-void appendLine(const std::string& file, const std::string& line)
-{
-    std::ofstream(file, std::ios::app) << line + '\n' << std::flush;
-}
-
 void repeat(const std::string& rest)
 {
     const auto [count, text] = splitAtBlank(rest);
@@ -112,10 +95,10 @@ void lines(const std::string& rest)
 {
     const auto [count, text] = splitAtBlank(rest);
     for (int i = 0; i < number(count); ++i) {
-        std::string line = text;
-        if (const size_t mark = line.find("{n}"); mark != std::string::npos)
-            line.replace(mark, 3, std::to_string(i));
-        out(line + '\n');
+        std::string numbered = text + '\n';
+        if (const size_t mark = numbered.find("{n}"); mark != std::string::npos)
+            numbered.replace(mark, 3, std::to_string(i));
+        out(numbered);
     }
 }
 
@@ -148,12 +131,6 @@ void printArguments()
     out(all + '\n');
 }
 
-void printFolder()
-{
-    std::vector<char> path(4096);
-    out(std::string(::getcwd(path.data(), path.size()) ? path.data() : "nowhere") + '\n');
-}
-
 void printDescriptors()
 {
     DIR* folder = ::opendir("/proc/self/fd");
@@ -170,9 +147,8 @@ void printDescriptors()
 void count(const std::string& wanted)
 {
     size_t total = 0;
-    std::string line;
-    for (int i = 0; i < number(wanted) && std::getline(std::cin, line); ++i)
-        total += line.size() + 1;
+    for (int i = 0; i < number(wanted) && std::getline(std::cin, input); ++i)
+        total += input.size() + 1;
     out("counted " + std::to_string(total) + '\n');
 }
 
@@ -192,105 +168,58 @@ void crash(const std::string& signal)
     ::raise(number(signal));
 }
 
-void awaitLine()
-{
-    std::string line;
-    std::getline(std::cin, line);
-}
-
-[[noreturn]] void hang()
-{
-    for (;;)
-        ::pause();
-}
-
-const std::map<std::string, std::function<void(const std::string&)>> commands {
-    { "print",
-        [](const std::string& text) {
-            out(text + '\n');
-        } },
-    { "half",
-        [](const std::string& text) {
-            out(text);
-        } },
-    { "bytes", bytes },
-    { "repeat", repeat },
-    { "lines", lines },
-    { "flood",
-        [](const std::string&) {
-            flood();
-        } },
-    { "errors",
-        [](const std::string&) {
-            target = STDERR_FILENO;
-        } },
-    { "env", printVariable },
-    { "arguments",
-        [](const std::string&) {
-            printArguments();
-        } },
-    { "folder",
-        [](const std::string&) {
-            printFolder();
-        } },
-    { "descriptors",
-        [](const std::string&) {
-            printDescriptors();
-        } },
-    { "append",
-        [](const std::string& rest) {
-            const auto [file, text] = splitAtBlank(rest);
-            appendLine(file, text);
-        } },
-    { "sleep", pause },
-    { "await",
-        [](const std::string&) {
-            awaitLine();
-        } },
-    { "echo",
-        [](const std::string&) {
-            forEachInputLine([](const std::string& line) { out("echo " + line + '\n'); });
-        } },
-    { "record",
-        [](const std::string& file) {
-            forEachInputLine([&](const std::string& line) { appendLine(file, line); });
-        } },
-    { "obey",
-        [](const std::string&) {
-            forEachInputLine(run);
-        } },
-    { "count", count },
-    { "close-input",
-        [](const std::string&) {
-            ::close(STDIN_FILENO);
-        } },
-    { "close-output",
-        [](const std::string&) {
-            ::close(STDOUT_FILENO);
-        } },
-    { "ignore-term",
-        [](const std::string&) {
-            ::signal(SIGTERM, SIG_IGN);
-        } },
-    { "grandchild", grandchild },
-    { "exit",
-        [](const std::string& code) {
-            std::_Exit(number(code));
-        } },
-    { "crash", crash },
-    { "hang",
-        [](const std::string&) {
-            hang();
-        } },
-};
-
 void run(const std::string& command)
 {
     const auto [name, rest] = splitAtBlank(command);
-    const auto known = commands.find(name);
-    if (known == commands.end())
+    if (name == "print")
+        out(rest + '\n');
+    else if (name == "half")
+        out(rest);
+    else if (name == "bytes")
+        bytes(rest);
+    else if (name == "repeat")
+        repeat(rest);
+    else if (name == "lines")
+        lines(rest);
+    else if (name == "flood")
+        flood();
+    else if (name == "errors")
+        target = STDERR_FILENO;
+    else if (name == "env")
+        printVariable(rest);
+    else if (name == "arguments")
+        printArguments();
+    else if (name == "folder")
+        out(std::filesystem::current_path().string() + '\n');
+    else if (name == "descriptors")
+        printDescriptors();
+    else if (name == "sleep")
+        pause(rest);
+    else if (name == "await")
+        std::getline(std::cin, input);
+    else if (name == "echo")
+        while (std::getline(std::cin, input))
+            out("echo " + input + '\n');
+    else if (name == "record")
+        while (std::getline(std::cin, input))
+            std::ofstream(rest, std::ios::app) << input + '\n' << std::flush;
+    else if (name == "count")
+        count(rest);
+    else if (name == "close-input")
+        ::close(STDIN_FILENO);
+    else if (name == "ignore-term")
+        ::signal(SIGTERM, SIG_IGN);
+    else if (name == "grandchild")
+        grandchild(rest);
+    else if (name == "exit")
+        std::_Exit(number(rest));
+    else if (name == "crash")
+        crash(rest);
+    else if (name == "hang")
+        for (;;)
+            ::pause();
+    else
         std::_Exit(64);
-    known->second(rest);
 }
 
 void runArgument(const std::string& argument)
@@ -302,10 +231,8 @@ void runArgument(const std::string& argument)
     std::ifstream script(argument);
     if (!script)
         std::_Exit(66);
-    for (std::string line; std::getline(script, line);) {
-        if (!line.empty())
-            run(line);
-    }
+    for (std::string command; std::getline(script, command);)
+        run(command);
 }
 
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+/// What each row of a model says in a role, as a text.
+inline QStringList column(const QAbstractItemModel& model, const QByteArray& role)
+{
+    const int id = model.roleNames().key(role, -1);
+    EXPECT_NE(id, -1) << role.constData();
+    QStringList values;
+    for (int row = 0; row < model.rowCount(); ++row)
+        values.append(model.index(row, 0).data(id).toString());
+    return values;
+}
+
+}
