@@ -40,9 +40,6 @@ TEST_F(ControlChatTest, anyConversationCanBeChosenAndTheChoiceIsKept)
     open();
     EXPECT_EQ(approvalsControlChatId(*m_db), "ana1");
     EXPECT_EQ(cell("SELECT updated_at FROM engine_settings;"), isoTime(m_clock.nowMs()));
-    m_db->exec("DROP TABLE engine_settings;");
-    EXPECT_EQ(approvalsControlChatId(*m_db), "");
-    EXPECT_FALSE(setApprovalsControlChatId(*m_db, "ana1"));
 }
 
 TEST_F(ControlChatTest, theGlanceShowsUnreadOnesFirst)

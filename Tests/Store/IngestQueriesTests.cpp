@@ -10,22 +10,16 @@ class IngestTest : public StoreTest {
 protected:
     IngestTest() { open(); }
 
-    static IncomingMessage message(const char* providerId, const char* body, qint64 ts = 1000)
-    {
-        IncomingMessage incoming;
-        incoming.conversationExternalId = "34600@s.whatsapp.net";
-        incoming.providerMsgId = QString::fromUtf8(providerId);
-        incoming.body = QString::fromUtf8(body);
-        incoming.ts = ts;
-        return incoming;
-    }
-
     QString store(const IncomingMessage& incoming) { return storeMessage(*m_db, "WHATSAPP", "main", incoming); }
 };
 
 TEST_F(IngestTest, aMessageMakesItsConversationContactAndIdentity)
 {
-    IncomingMessage incoming = message("A1", "hi");
+    IncomingMessage incoming;
+    incoming.conversationExternalId = "34600@s.whatsapp.net";
+    incoming.providerMsgId = "A1";
+    incoming.body = "hi";
+    incoming.ts = 1000;
     incoming.conversationTitle = "Ana";
     incoming.sender = "Ana R.";
     EXPECT_EQ(store(incoming), "wa:main:34600@s.whatsapp.net");
@@ -45,79 +39,16 @@ TEST_F(IngestTest, aMessageMakesItsConversationContactAndIdentity)
     EXPECT_EQ(table("SELECT id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, "
                     "media_type, media_path, source, updated_at, status FROM unified_message"),
         QStringList { "wa:msg:A1|local|wa:main:34600@s.whatsapp.net|IN|hi|Ana R.|1000|A1|-|-|local|" + now + "|-" });
+    incoming.conversationTitle = std::nullopt;
+    store(incoming);
+    EXPECT_EQ(cell("SELECT display_name FROM contact;"), "34600@s.whatsapp.net")
+        << "without a title the handle is the name";
+    for (const QString& title : { "Ana", "" }) {
+        incoming.conversationTitle = title;
+        store(incoming);
+        EXPECT_EQ(cell("SELECT display_name FROM contact;"), "Ana");
+    }
     EXPECT_EQ(m_log.lines(), QStringList());
-}
-
-TEST_F(IngestTest, aRepeatKeepsDirectionSenderAndTimeAndTakesTheNewestBody)
-{
-    IncomingMessage first = message("A1", "first");
-    first.sender = "Ana";
-    first.mediaType = "image";
-    first.mediaPath = "/m/1.jpg";
-    store(first);
-    m_db->exec("UPDATE unified_message SET source='web';");
-    IncomingMessage again = message("A1", "edited", 2000);
-    again.outgoing = true;
-    again.sender = "Else";
-    store(again);
-    EXPECT_EQ(table("SELECT direction, body, sender, ts, media_type, media_path, source FROM unified_message"),
-        QStringList { "IN|edited|Ana|1000|image|/m/1.jpg|web" });
-    store(message("A1", ""));
-    EXPECT_EQ(cell("SELECT body FROM unified_message;"), "");
-}
-
-TEST_F(IngestTest, historyInAnyOrderNeverLosesATitleOrTurnsTimeBack)
-{
-    IncomingMessage named = message("A1", "x", 5000);
-    named.conversationTitle = "Ana";
-    store(named);
-    store(message("A2", "y", 100));
-    EXPECT_EQ(table("SELECT title, last_ts FROM unified_conversation"), QStringList { "Ana|5000" });
-    // Without a title the bare handle is what the contact is called.
-    EXPECT_EQ(cell("SELECT display_name FROM contact;"), "34600@s.whatsapp.net");
-    IncomingMessage blank = message("A3", "z");
-    blank.conversationTitle = "";
-    store(named);
-    store(blank);
-    EXPECT_EQ(cell("SELECT display_name FROM contact;"), "Ana");
-}
-
-TEST_F(IngestTest, unreadRisesOnlyWhenAsked)
-{
-    const QString id = store(message("A1", "x"));
-    raiseUnread(*m_db, id);
-    raiseUnread(*m_db, id);
-    store(message("A2", "y"));
-    EXPECT_EQ(cell("SELECT unread FROM unified_conversation;"), "2");
-}
-
-TEST_F(IngestTest, aStatusOnlyRises)
-{
-    store(message("A1", "x"));
-    raiseMessageStatus(*m_db, "A1", 3);
-    raiseMessageStatus(*m_db, "A1", 2);
-    EXPECT_EQ(cell("SELECT status FROM unified_message;"), "3");
-    raiseMessageStatus(*m_db, "A1", 4);
-    EXPECT_EQ(cell("SELECT status FROM unified_message;"), "4");
-}
-
-TEST_F(IngestTest, reactionsMediaAvatarsAndNamesReachTheirRows)
-{
-    store(message("A1", "x"));
-    setProviderReaction(*m_db, "A1", "👍");
-    updateMessageMedia(*m_db, "A1", QString("audio"), "/m/a.ogg");
-    updateMessageMedia(*m_db, "A1", std::nullopt, "/m/b.ogg");
-    EXPECT_EQ(
-        table("SELECT reaction, media_type, media_path FROM unified_message"), QStringList { "👍|audio|/m/b.ogg" });
-    setProviderReaction(*m_db, "A1", "");
-    EXPECT_EQ(cell("SELECT reaction FROM unified_message;"), "");
-
-    const QString contact = "ct:WHATSAPP:34600@s.whatsapp.net";
-    setContactAvatar(*m_db, contact, "/m/a.jpg");
-    setContactName(*m_db, contact, "Ana");
-    EXPECT_EQ(table("SELECT display_name, avatar_path FROM contact"), QStringList { "Ana|/m/a.jpg" });
-    EXPECT_EQ(table("SELECT entity_type, entity_id, action, origin, payload_json FROM crm_mutation_queue"),
-        QStringList { "contact|" + contact + "|update|local-contact-name|{\"display_name\":\"Ana\"}" });
 }
 
 TEST_F(IngestTest, aHandleTellsAnAddressOrANumber)

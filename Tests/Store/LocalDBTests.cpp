@@ -16,6 +16,8 @@ TEST_F(LocalDBTest, everyKindOfValueBindsAsItself)
     EXPECT_EQ(table("SELECT typeof(a), typeof(b), typeof(c), typeof(d), typeof(e), typeof(f) FROM t"),
         QStringList { "text|integer|integer|real|null|text" });
     EXPECT_EQ(table("SELECT a, b, c, d, e, f FROM t"), QStringList { "é\"'|1099511627776|7|0.5|-|" });
+    EXPECT_EQ(db.scalar("PRAGMA journal_mode;"), QString("wal"));
+    EXPECT_EQ(db.scalar("PRAGMA foreign_keys;"), QString("1"));
 }
 
 TEST_F(LocalDBTest, aScalarBindsOnlyTextAnd64BitIntegers)
@@ -44,15 +46,6 @@ TEST_F(LocalDBTest, failuresAreLoggedAndLeaveTheRestStanding)
     EXPECT_FALSE(db.tableExists("u"));
     EXPECT_FALSE(db.columnExists("contact_note", "ID"));
     EXPECT_TRUE(db.columnExists("contact_note", "id"));
-}
-
-TEST_F(LocalDBTest, theFolderIsMadeAndTheConnectionIsSetUp)
-{
-    LocalDB& db = open();
-    EXPECT_EQ(db.scalar("PRAGMA journal_mode;"), QString("wal"));
-    EXPECT_EQ(db.scalar("PRAGMA busy_timeout;"), QString("5000"));
-    EXPECT_EQ(db.scalar("PRAGMA foreign_keys;"), QString("1"));
-    EXPECT_FALSE(db.inTransaction());
 }
 
 TEST_F(LocalDBTest, aFileThatCannotBeOpenedGivesAnEmptyStore)

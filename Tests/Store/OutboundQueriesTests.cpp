@@ -20,11 +20,6 @@ protected:
         return fetchDrafts(*m_db, { "pending" }, 50).last().id;
     }
 
-    QString status(const QString& id)
-    {
-        return m_db->scalar("SELECT status FROM outbound_draft WHERE id=?;", { id }).value_or("-");
-    }
-
     QString m_conversation;
 };
 
@@ -43,14 +38,6 @@ TEST_F(OutboundTest, aDraftIsQueuedForItsConversation)
     EXPECT_EQ(fetchDrafts(*m_db, { "pending" }, 50).last().title, "34600");
 }
 
-TEST_F(OutboundTest, aDeletedOrUnknownConversationTakesNoDraft)
-{
-    EXPECT_FALSE(queueDraft(*m_db, "wa:main:nobody", "x", "compose"));
-    m_db->exec("UPDATE unified_conversation SET deleted_at=1;");
-    EXPECT_FALSE(queueDraft(*m_db, m_conversation, "x", "compose"));
-    EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0");
-}
-
 TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
 {
     for (const char* state : { "placed", "sending", "pending", "failed", "pending" }) {
@@ -65,44 +52,6 @@ TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
     EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50).size(), 0);
 }
 
-TEST_F(OutboundTest, anAcknowledgmentClosesADraftEitherWay)
-{
-    const QString id = queue("x");
-    markDraftFailed(*m_db, id, "no signal");
-    EXPECT_EQ(fetchDrafts(*m_db, { "failed" }, 1).first().error, "no signal");
-    markDraftCompleted(*m_db, id, "placed", std::nullopt);
-    markDraftCompleted(*m_db, id, "sent", QString("P9"));
-    EXPECT_EQ(table("SELECT status, provider_msg_id, error FROM outbound_draft"), QStringList { "sent|P9|-" });
-}
-
-TEST_F(OutboundTest, ofTwoProgramsOneTakesTheStep)
-{
-    LocalDB other(path(), { m_home.paths().resources, m_home.paths().home }, m_clock, m_defaults, m_centre);
-    const QString id = queue("once");
-    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending")) << "nobody released it";
-    EXPECT_TRUE(moveDraft(other, id, "pending", "approved"));
-    m_clock.advance(seconds(1));
-    EXPECT_TRUE(moveDraft(*m_db, id, "approved", "sending"));
-    EXPECT_FALSE(moveDraft(other, id, "approved", "sending"));
-    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending"));
-    EXPECT_FALSE(moveDraft(*m_db, "od:nobody", "approved", "sending"));
-    EXPECT_EQ(cell("SELECT updated_at FROM outbound_draft;").toLongLong(), m_clock.nowMs());
-    EXPECT_EQ(fetchDraft(other, id)->status, "sending");
-    EXPECT_FALSE(fetchDraft(other, "od:nobody"));
-}
-
-TEST_F(OutboundTest, aStepThatTheFileDoesNotTakeIsNotTaken)
-{
-    const QString id = queue("x");
-    OtherProcess holder(path());
-    holder.exec("BEGIN IMMEDIATE;");
-    m_db->exec("PRAGMA busy_timeout=1;");
-    EXPECT_FALSE(moveDraft(*m_db, id, "pending", "approved"));
-    holder.exec("COMMIT;");
-    EXPECT_EQ(status(id), "pending");
-    EXPECT_TRUE(moveDraft(*m_db, id, "pending", "approved"));
-}
-
 TEST_F(OutboundTest, aDraftInFlightIsNotEdited)
 {
     const QString id = queue("first");
@@ -110,24 +59,6 @@ TEST_F(OutboundTest, aDraftInFlightIsNotEdited)
     markDraft(*m_db, id, "sending");
     updateDraftBody(*m_db, id, "third");
     EXPECT_EQ(cell("SELECT body FROM outbound_draft;"), "second");
-}
-
-TEST_F(OutboundTest, onlyASendThatIsTooOldFails)
-{
-    const QString sending = queue("a");
-    m_clock.advance(seconds(1));
-    const QString placed = queue("b");
-    markDraft(*m_db, sending, "sending");
-    markDraft(*m_db, placed, "placed");
-    m_clock.advance(seconds(120));
-    failStaleSendingDrafts(*m_db, 120'000);
-    EXPECT_EQ(status(sending), "sending");
-    m_clock.advance(Milliseconds(1));
-    failStaleSendingDrafts(*m_db, 120'000);
-    EXPECT_EQ(status(sending), "failed");
-    EXPECT_EQ(status(placed), "placed");
-    EXPECT_EQ(
-        fetchDrafts(*m_db, { "failed" }, 1).first().error, "Engine never acknowledged the send — Retry to requeue.");
 }
 
 TEST_F(OutboundTest, syncHealthIsListedWithUnknownSourcesLast)

@@ -39,6 +39,10 @@ TEST_F(WorkspacesTest, theFirstStartSettlesOnLocalInBothPlaces)
     EXPECT_EQ(selection(), (QStringList { "local", "local" }));
     EXPECT_EQ(cell("SELECT updated_at FROM sync_workspace_selection;"), QString::number(m_clock.nowMs()));
     EXPECT_EQ(UserDefaults(m_home.paths().defaultsFile).text("nimb.activeWorkspaceId"), QString("local"));
+    addConversations("local", 1, 5);
+    select("w1");
+    EXPECT_EQ(selectWorkspace(*m_db, "  "), "local");
+    EXPECT_EQ(cell("SELECT workspace_id FROM unified_conversation;"), "local") << "choosing local moves nothing";
 }
 
 TEST_F(WorkspacesTest, theRowWinsOverTheCopyAndTheCopyOverNothing)
@@ -154,14 +158,6 @@ INSERT INTO crm_task(id, title) VALUES('tk:1','call back');)");
     EXPECT_EQ(table("SELECT * FROM pragma_foreign_key_check"), QStringList());
     EXPECT_EQ(m_log.lines(), QStringList());
     EXPECT_FALSE(m_db->inTransaction());
-}
-
-TEST_F(WorkspacesTest, choosingLocalMovesNothing)
-{
-    addConversations("local", 1, 5);
-    select("w1");
-    EXPECT_EQ(selectWorkspace(*m_db, "  "), "local");
-    EXPECT_EQ(cell("SELECT workspace_id FROM unified_conversation;"), "local");
 }
 
 TEST_F(WorkspacesTest, aDanglingReferenceDoesNotKeepTheTransactionOpen)
