@@ -61,24 +61,6 @@ TEST_F(EngineLinesTest, aTurnOfTheLoopHandlesFewEventsAndOneOfEachEngineInTurn)
     EXPECT_EQ(clock.pendingTimers(), 0);
 }
 
-TEST_F(EngineLinesTest, nothingIsHandedOnWhileItMustWait)
-{
-    bool held = true;
-    EngineLines waiting { clock, [&] {
-                             return held;
-                         } };
-    QStringList handled;
-    const auto stream = waiting.open({}, [&](const QString& event) { handled.append(event); });
-    stream->append(chunk(u"@@CORVANE@@1\n"_s));
-    stream->close([&](const QString&) { handled.append(u"end"_s); });
-    clock.advance(seconds(20));
-    EXPECT_TRUE(handled.isEmpty());
-    held = false;
-    clock.advance(Milliseconds(100));
-    EXPECT_EQ(handled, QStringList({ u"1"_s, u"end"_s }));
-    EXPECT_EQ(clock.pendingTimers(), 0);
-}
-
 TEST_F(EngineLinesTest, aTurnIsShorterWhereEachEventTakesLong)
 {
     int handled = 0;

@@ -1,6 +1,7 @@
 #include "EngineTest.h"
 
 #include "Engines/EngineSpec.h"
+#include "Support/Environment.h"
 
 #include <QFile>
 #include <QSysInfo>
@@ -9,20 +10,9 @@ using namespace corvane;
 
 namespace {
 
-/// The environment of the test program, put back at the end.
 class EngineSpecTest : public testing::Test {
 protected:
-    ~EngineSpecTest() override
-    {
-        for (auto i = m_before.cbegin(); i != m_before.cend(); ++i)
-            i.value().isNull() ? qunsetenv(i.key()) : qputenv(i.key(), i.value());
-    }
-
-    void setVariable(const char* name, const QByteArray& value)
-    {
-        m_before.try_emplace(name, qgetenv(name));
-        value.isNull() ? qunsetenv(name) : qputenv(name, value);
-    }
+    void setVariable(const char* name, const QByteArray& value) { m_environment.set(name, value); }
 
     QString executable(const QString& path) const
     {
@@ -39,13 +29,7 @@ protected:
     EngineSurroundings world;
 
 private:
-    struct : QMap<const char*, QByteArray> {
-        void try_emplace(const char* name, const QByteArray& value)
-        {
-            if (!contains(name))
-                insert(name, value);
-        }
-    } m_before;
+    Environment m_environment;
 };
 
 }

@@ -107,14 +107,10 @@ TEST_F(IngestTest, aConnectionGoesItsWayFromTheCodeToOpen)
 TEST_F(IngestTest, aLiveMessageBecomesRowsAnUnreadCountABannerAndARevision)
 {
     message();
-    EXPECT_EQ(row(u"conversation_id"_s), u"wa:shop:34600@s.whatsapp.net"_s);
+    EXPECT_EQ(row(u"conversation_id || '|' || direction || '|' || body || '|' || ts"_s),
+        u"wa:shop:34600@s.whatsapp.net|IN|hello|1000"_s);
     EXPECT_EQ(
-        row(u"direction || '|' || body || '|' || ts || '|' || provider_msg_id || '|' || source || '|' || workspace_id"_s),
-        u"IN|hello|1000|m1|local|local"_s);
-    EXPECT_EQ(conversation(u"channel || '|' || account_id || '|' || title || '|' || last_ts || '|' || unread"_s),
-        u"WHATSAPP|shop|Ana|1000|1"_s);
-    EXPECT_EQ(conversation(u"contact_id"_s), ana);
-    EXPECT_EQ(cell(u"SELECT phone FROM contact_identity;"_s), u"34600"_s);
+        conversation(u"account_id || '|' || title || '|' || unread || '|' || contact_id"_s), u"shop|Ana|1|"_s + ana);
     ASSERT_EQ(world.banners.shown.size(), 1);
     EXPECT_EQ(world.banners.shown.first().title, u"Ana"_s);
     EXPECT_EQ(world.banners.shown.first().thread, ana);
@@ -126,11 +122,11 @@ TEST_F(IngestTest, aLiveMessageBecomesRowsAnUnreadCountABannerAndARevision)
 TEST_F(IngestTest, aRepeatedMessageKeepsOneRowWithItsNewestBodyAndItsFirstOrigin)
 {
     message({ { u"sender"_s, u"Ana"_s }, { u"mediaType"_s, u"image"_s }, { u"mediaPath"_s, u"/tmp/a.jpg"_s } });
+    world.engines.db().exec(u"UPDATE unified_message SET source='web';"_s);
     message({ { u"body"_s, u"edited"_s }, { u"direction"_s, u"OUT"_s }, { u"ts"_s, 2000 }, { u"sender"_s, u"Other"_s },
         { u"convTitle"_s, QJsonValue() } });
-    EXPECT_EQ(
-        row(u"body || '|' || direction || '|' || ts || '|' || sender || '|' || media_type || '|' || media_path"_s),
-        u"edited|IN|1000|Ana|image|/tmp/a.jpg"_s);
+    EXPECT_EQ(row(u"body || '|' || direction || '|' || ts || '|' || sender || '|' || media_path || '|' || source"_s),
+        u"edited|IN|1000|Ana|/tmp/a.jpg|web"_s);
     EXPECT_EQ(conversation(u"title || '|' || last_ts"_s), u"Ana|2000"_s) << "a known title is never lost";
     message({ { u"body"_s, QString() }, { u"ts"_s, 500 } });
     EXPECT_EQ(row(u"body"_s), QString());
@@ -252,8 +248,8 @@ TEST_F(IngestTest, aMediumIsRequestedFailsAndArrives)
     handle(R"({"type":"media","providerMsgId":"m1","state":"success"})");
     EXPECT_FALSE(status());
     EXPECT_EQ(row(u"media_path"_s), u"-"_s) << "a success without a path leaves the row";
-    handle(R"({"type":"media","providerMsgId":"m1","state":"success","mediaPath":"/tmp/a.jpg"})");
-    EXPECT_EQ(row(u"media_type || '|' || media_path"_s), u"image|/tmp/a.jpg"_s);
+    handle(R"({"type":"media","providerMsgId":"m1","state":"success","mediaType":"gif","mediaPath":"/tmp/a.jpg"})");
+    EXPECT_EQ(row(u"media_type || '|' || media_path"_s), u"gif|/tmp/a.jpg"_s);
     EXPECT_EQ(world.engines.inboxRevision(), 5);
 
     handle(R"({"type":"media","providerMsgId":"m1","state":"requested"})");
@@ -274,7 +270,8 @@ TEST_F(IngestTest, namesAndPhotosReachTheContact)
     };
     handle(R"({"type":"contactName","jid":"34600@s.whatsapp.net","name":"Ana R"})");
     EXPECT_EQ(contact(u"display_name"_s), u"Ana R"_s);
-    EXPECT_EQ(cell(u"SELECT origin FROM crm_mutation_queue;"_s), u"local-contact-name"_s);
+    EXPECT_EQ(cell(u"SELECT entity_type || entity_id || action || origin || payload_json FROM crm_mutation_queue;"_s),
+        u"contact"_s + ana + u"updatelocal-contact-name{\"display_name\":\"Ana R\"}"_s);
     handle(R"({"type":"avatar","jid":"34600@s.whatsapp.net","path":"/tmp/a.jpg"})");
     EXPECT_EQ(contact(u"avatar_path"_s), u"/tmp/a.jpg"_s);
     const qint64 revision = world.engines.inboxRevision();

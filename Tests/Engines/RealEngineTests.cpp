@@ -6,6 +6,7 @@
 #include "Store/OutboundQueries.h"
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
+#include "Support/Environment.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,20 +20,9 @@ namespace {
 /// for Node: it obeys the lines of the entry script.
 class RealEngines : public testing::Test {
 protected:
-    RealEngines() { useNode(QStringLiteral(CORVANE_TEST_PROGRAMS "/ChildProgram")); }
-    ~RealEngines() override { restoreNode(); }
-
-    void restoreNode() const
-    {
-        m_givenNode.isEmpty() ? qunsetenv("CORVANE_NODE") : qputenv("CORVANE_NODE", m_givenNode);
-    }
-
-    static void useNode(const QString& executable) { qputenv("CORVANE_NODE", QFile::encodeName(executable)); }
-    void writeScript(const QByteArray& lines) const { around.home.write(u"resources/engine/src/main.ts"_s, lines); }
-
     void start(const QByteArray& script)
     {
-        writeScript(script);
+        around.home.write(u"resources/engine/src/main.ts"_s, script);
         engines->start(shop);
     }
 
@@ -52,9 +42,8 @@ protected:
     std::unique_ptr<EngineManager> engines
         = std::make_unique<EngineManager>(around.on(scheduler, *launcher), around.openDatabase(scheduler));
     const Account shop = accountNamed(u"shop"_s);
-
-private:
-    const QByteArray m_givenNode = qgetenv("CORVANE_NODE");
+    const QString node = enginesNode();
+    Environment environment { { "CORVANE_NODE", CORVANE_TEST_PROGRAMS "/ChildProgram" } };
 };
 
 }
@@ -72,42 +61,6 @@ TEST_F(RealEngines, aLineBecomesARowAndACommandReachesTheEngine)
                    "\n"));
     engines->stop(shop);
     EXPECT_TRUE(await([&] { return !engines->isRunning(shop); }));
-}
-
-TEST_F(RealEngines, aKilledEngineComesBack)
-{
-    start("hang");
-    const qint64 first = engines->processId(shop);
-    ::kill(static_cast<pid_t>(first), SIGKILL);
-    EXPECT_TRUE(await([&] { return runtime().status == WAStatus::Connecting; }));
-    EXPECT_TRUE(await([&] { return engines->isRunning(shop) && engines->processId(shop) != first; }));
-    EXPECT_EQ(runtime().status, WAStatus::Starting);
-}
-
-TEST_F(RealEngines, theLastLineOfADyingEngineCounts)
-{
-    start(R"(print @@CORVANE@@{"type":"status","state":"logged_out"})"
-          "\nexit 1");
-    EXPECT_TRUE(await([&] { return runtime().status == WAStatus::LoggedOut; }));
-    bool later = false;
-    const auto timer = scheduler.after(Milliseconds(300), [&] { later = true; });
-    EXPECT_TRUE(await([&] { return later; }));
-    EXPECT_EQ(runtime().status, WAStatus::LoggedOut);
-    EXPECT_FALSE(engines->isRunning(shop));
-}
-
-TEST_F(RealEngines, stopAndStartAtOnceLeaveOneEngine)
-{
-    start("ignore-term\nhang");
-    const qint64 first = engines->processId(shop);
-    engines->stop(shop);
-    engines->start(shop);
-    const qint64 second = engines->processId(shop);
-    EXPECT_NE(first, second);
-    EXPECT_TRUE(await([&] { return ::kill(static_cast<pid_t>(first), 0) != 0; }))
-        << "one that ignores SIGTERM is killed";
-    EXPECT_EQ(engines->processId(shop), second);
-    EXPECT_EQ(runtime().status, WAStatus::Starting);
 }
 
 TEST_F(RealEngines, aFloodingEngineKeepsNobodyWaiting)
@@ -142,22 +95,9 @@ TEST_F(RealEngines, aLineOfFiftyMegabytesArrivesWholeAndTheNextOneToo)
     EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"next"_s);
 }
 
-TEST_F(RealEngines, anEngineThatClosesItsInputTakesNoDraftAndLosesNone)
-{
-    start("close-input\nprint " + message("m1", "here") + "\nhang");
-    EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1; }));
-    EXPECT_TRUE(queueDraft(engines->db(), u"wa:shop:c"_s, u"hello"_s, u"mcp"_s));
-    const QString id = cell(u"SELECT id FROM outbound_draft;"_s);
-    markDraft(engines->db(), id, u"approved"_s);
-    engines->refreshDrafts();
-    EXPECT_EQ(cell(u"SELECT status FROM outbound_draft;"_s), u"approved"_s);
-    EXPECT_TRUE(engines->isRunning(shop));
-}
-
 TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
 {
-    restoreNode();
-    useNode(enginesNode());
+    environment.set("CORVANE_NODE", QFile::encodeName(node));
     QFile page(QStringLiteral(CORVANE_SOURCE "/docs/engine-protocol.md"));
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
     const QByteArray text = page.readAll();
