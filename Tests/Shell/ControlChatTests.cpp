@@ -2,23 +2,12 @@
 
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
+#include "Support/Rows.h"
 
 #include <QAbstractItemModelTester>
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-namespace {
-
-QStringList column(QAbstractItemModel& model, const char* role)
-{
-    QStringList values;
-    for (int row = 0; row < model.rowCount(); ++row)
-        values.append(model.data(model.index(row, 0), model.roleNames().key(role)).toString());
-    return values;
-}
-
-}
 
 TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
 {
@@ -52,7 +41,7 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
 
     card.refresh();
     EXPECT_EQ(card.savedText(), "") << "said once";
-    db.exec(QStringLiteral("UPDATE unified_conversation SET deleted_at=1;"));
+    db.exec("UPDATE unified_conversation SET deleted_at=1;");
     card.refresh();
     EXPECT_TRUE(card.stateText().startsWith("Approvals can be approved from c1 "))
         << "a choice whose chat is gone still shows";
@@ -60,7 +49,7 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
     EXPECT_EQ(card.savedText(), "Control chat removed");
     EXPECT_FALSE(card.chosen());
 
-    db.exec(QStringLiteral("UPDATE unified_conversation SET deleted_at=NULL; DROP TABLE engine_settings;"));
+    db.exec("UPDATE unified_conversation SET deleted_at=NULL; DROP TABLE engine_settings;");
     card.refresh();
     card.choose("c1");
     EXPECT_TRUE(card.failed());

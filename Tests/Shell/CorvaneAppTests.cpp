@@ -36,7 +36,7 @@ class CorvaneAppTest : public testing::Test {
 protected:
     void build(const QList<Account>& accounts, std::unique_ptr<Tray> tray = nullptr)
     {
-        home.write(QStringLiteral("share/Corvane/accounts.json"), encodeAccounts(accounts));
+        home.write("share/Corvane/accounts.json", encodeAccounts(accounts));
         auto ownedLauncher = std::make_unique<FakeLauncher>(clock);
         launcher = ownedLauncher.get();
         Machine machine = fakeMachine(home.paths(), std::move(ownedLauncher));
@@ -56,7 +56,7 @@ protected:
     {
         QStringList started;
         for (const auto& child : launcher->children)
-            started.append(child->spec.environment.value(QStringLiteral("WHATSAPP_ACCOUNT_NAME")));
+            started.append(child->spec.environment.value("WHATSAPP_ACCOUNT_NAME"));
         started.removeAll(QString());
         return started;
     }
@@ -72,11 +72,9 @@ protected:
 
 TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheWhatsAppEnginesRunBehindIt)
 {
-    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt),
-        account("telegram", QStringLiteral("TELEGRAM"), true, std::nullopt), account("old", std::nullopt, true, false),
-        account("unknown", QStringLiteral("FAX"), true, std::nullopt),
-        account("paused", QStringLiteral("WHATSAPP"), true, true),
-        account("by-hand", QStringLiteral("WHATSAPP"), false, std::nullopt) });
+    build({ account("first", "WHATSAPP", true, std::nullopt), account("telegram", "TELEGRAM", true, std::nullopt),
+        account("old", std::nullopt, true, false), account("unknown", "FAX", true, std::nullopt),
+        account("paused", "WHATSAPP", true, true), account("by-hand", "WHATSAPP", false, std::nullopt) });
     Screens screens(*app);
     LocalDB& db = app->engine().db();
     EXPECT_TRUE(
@@ -90,9 +88,9 @@ TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheWhatsAppEnginesRunBehindIt
     EXPECT_TRUE(app->data().local.has_value());
 }
 
-TEST_F(CorvaneAppTest, aWindowThatOpensAgainStartsNothingTwice)
+TEST_F(CorvaneAppTest, aWindowThatOpensAgainStartsNothingTwiceAndQuittingEndsEveryChild)
 {
-    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt) });
+    build({ account("first", "WHATSAPP", true, std::nullopt) });
     appear(1);
     const qsizetype timers = clock.pendingTimers();
     for (int i = 0; i < 3; ++i) {
@@ -101,12 +99,7 @@ TEST_F(CorvaneAppTest, aWindowThatOpensAgainStartsNothingTwice)
     }
     EXPECT_EQ(launcher->children.size(), 2) << "one engine and one tool server";
     EXPECT_EQ(clock.pendingTimers(), timers);
-}
 
-TEST_F(CorvaneAppTest, quittingEndsEveryChild)
-{
-    build({ account("first", QStringLiteral("WHATSAPP"), true, std::nullopt) });
-    appear(1);
     app->willTerminate();
     for (const auto& child : launcher->children)
         EXPECT_TRUE(child->terminated);
@@ -116,19 +109,19 @@ TEST_F(CorvaneAppTest, quittingEndsEveryChild)
 TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
 {
     build({});
-    app->defaults().setText(QStringLiteral("nimb.selectedNav"), QStringLiteral("dev"));
+    app->defaults().setText("nimb.selectedNav", "dev");
     Screens screens(*app);
     appear(0);
     const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
-    ensureConversation(app->engine().db(), "WHATSAPP", "first", "1@s.whatsapp.net", QStringLiteral("Ana"), 1000);
+    ensureConversation(app->engine().db(), "WHATSAPP", "first", "1@s.whatsapp.net", "Ana", 1000);
     const QSignalSpy selected(&screens.inbox, &InboxView::selectionChanged);
 
-    app->notifications().post(corvane::notifications::openConversation, QStringLiteral("ct:WHATSAPP:1@s.whatsapp.net"));
+    app->notifications().post(corvane::notifications::openConversation, "ct:WHATSAPP:1@s.whatsapp.net");
     EXPECT_EQ(screens.shell.selectedNav(), "inbox");
     EXPECT_EQ(screens.inbox.selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
     EXPECT_EQ(windowRequested.count(), 0);
 
-    app->open({ QStringLiteral("nimb-companion://elsewhere?code=1") });
+    app->open({ "nimb-companion://elsewhere?code=1" });
     EXPECT_EQ(windowRequested.count(), 1) << "a later start shows the window, whatever it was given";
     EXPECT_FALSE(app->session().busy());
 }
@@ -144,14 +137,14 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
     appear(0);
 
     const QDBusConnection panel = bus->connect();
-    const QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
-    const QString item = QStringLiteral("org.kde.StatusNotifierItem");
+    const QString service = QString("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    const QString item = "org.kde.StatusNotifierItem";
     const auto status = [&] {
         QString answer;
         QObject context;
         callAsync(panel,
             BusObject { service, "/StatusNotifierItem", "org.freedesktop.DBus.Properties" }.method(
-                "Get", { item, QStringLiteral("Status") }),
+                "Get", { item, "Status" }),
             &context, [&](const QDBusMessage& reply) { answer = firstValue(reply).toString(); });
         EXPECT_TRUE(await([&] { return !answer.isEmpty(); }));
         return answer;

@@ -5,6 +5,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
+#include "Support/Rows.h"
 #include "Web/SessionStore.h"
 
 #include <QAbstractItemModelTester>
@@ -17,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-const QString whatsApp = QStringLiteral("WHATSAPP");
+const QString whatsApp = "WHATSAPP";
 
 class Settings : public testing::Test {
 protected:
@@ -38,17 +39,7 @@ protected:
         world.clock.advance(seconds(1));
     }
 
-    QString role(int row, const char* name) const
-    {
-        return model->data(model->index(row, 0), model->roleNames().key(name)).toString();
-    }
-    QStringList column(const char* name) const
-    {
-        QStringList values;
-        for (int row = 0; row < model->rowCount(); ++row)
-            values.append(role(row, name));
-        return values;
-    }
+    QStringList column(const char* role) const { return corvane::column(*model, role); }
     bool paused() const { return accounts.accounts().first().paused.value_or(false); }
 
     EngineWorld world;
@@ -120,7 +111,7 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
         EXPECT_FALSE(view.pairing()->isOpen());
     }
     EXPECT_EQ(accounts.accounts()[1].email, "ana@b.example");
-    EXPECT_FALSE(view.connectAccount(QStringLiteral("EMAIL"), { { "email", "ana" }, { "password", "x" } }));
+    EXPECT_FALSE(view.connectAccount("EMAIL", { { "email", "ana" }, { "password", "x" } }));
     EXPECT_EQ(accounts.accounts().size(), cases.size()) << "a sheet whose rule does not hold adds nothing";
     EXPECT_EQ(column("channelLabel"),
         QStringList(
@@ -129,7 +120,7 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
 
 TEST_F(Settings, rowsStandByChannelAndOnlyTheOneThatChangedIsRedrawn)
 {
-    connectAccount(QStringLiteral("TELEGRAM"), { { "token", "t" } });
+    connectAccount("TELEGRAM", { { "token", "t" } });
     connectAccount(whatsApp, { { "name", "Sales" } });
     connectAccount(whatsApp, { { "name", "Support" } });
     EXPECT_EQ(column("name"), QStringList({ "Sales", "Support", "Telegram" }));
@@ -156,75 +147,75 @@ TEST_F(Settings, aStormOfEngineEventsIsOneRefresh)
     world.clock.advance(Milliseconds(240));
     EXPECT_LE(changes.size(), 2);
     world.clock.advance(seconds(1));
-    EXPECT_EQ(role(0, "status"), "Connecting…") << "the last one counts";
+    EXPECT_EQ(column("status")[0], "Connecting…") << "the last one counts";
 }
 
 TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
 {
     const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
-    view.perform(id, QStringLiteral("pause"));
+    view.perform(id, "pause");
     EXPECT_TRUE(world.launcher.last().terminated);
     EXPECT_TRUE(paused());
     world.clock.advance(seconds(1));
-    EXPECT_EQ(role(0, "status"), "Paused · engine stopped (frees RAM)");
+    EXPECT_EQ(column("status")[0], "Paused · engine stopped (frees RAM)");
     EXPECT_TRUE(AccountStore(world.home.paths().applicationSupport).accounts().first().paused.value_or(false));
 
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, QStringLiteral("start"));
+    view.perform(id, "start");
     EXPECT_FALSE(paused());
     world.clock.advance(seconds(1));
-    EXPECT_EQ(role(0, "status"), "Starting");
+    EXPECT_EQ(column("status")[0], "Starting");
 }
 
 TEST_F(Settings, aNewPairingForgetsTheOldOneAndOpensTheSheet)
 {
     const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
     view.pairing()->close();
-    world.home.write(QStringLiteral(".whatsapp-baileys/sales/creds.json"), "{}");
+    world.home.write(".whatsapp-baileys/sales/creds.json", "{}");
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, QStringLiteral("resetPairing"));
-    EXPECT_FALSE(QFileInfo::exists(world.home.path(QStringLiteral(".whatsapp-baileys/sales"))));
+    view.perform(id, "resetPairing");
+    EXPECT_FALSE(QFileInfo::exists(world.home.path(".whatsapp-baileys/sales")));
     EXPECT_EQ(world.launcher.children.size(), 2);
     EXPECT_TRUE(view.pairing()->isOpen());
-    view.perform(id, QStringLiteral("remove"));
+    view.perform(id, "remove");
     EXPECT_FALSE(view.pairing()->isOpen()) << "the sheet closes with its account";
 }
 
 TEST_F(Settings, aBrowserChannelIsSyncedAndItsSessionForgottenWithoutASheet)
 {
-    const QString id = connectAccount(QStringLiteral("LINKEDIN"));
+    const QString id = connectAccount("LINKEDIN");
     report({ { "type", "status" }, { "state", "open" } });
-    view.perform(id, QStringLiteral("sync"));
+    view.perform(id, "sync");
     ASSERT_EQ(world.launcher.last().commands().size(), 1);
     EXPECT_EQ(world.launcher.last().commands()[0]["cmd"].toString(), "sync");
 
-    world.home.write(QStringLiteral(".corvane-linkedin/linkedin/Cookies"), "x");
+    world.home.write(".corvane-linkedin/linkedin/Cookies", "x");
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, QStringLiteral("resetSession"));
-    EXPECT_FALSE(QFileInfo::exists(world.home.path(QStringLiteral(".corvane-linkedin/linkedin"))));
+    view.perform(id, "resetSession");
+    EXPECT_FALSE(QFileInfo::exists(world.home.path(".corvane-linkedin/linkedin")));
     EXPECT_FALSE(view.pairing()->isOpen());
 }
 
 TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
 {
-    const QString id = connectAccount(QStringLiteral("TELEGRAM"), { { "token", "t" } });
+    const QString id = connectAccount("TELEGRAM", { { "token", "t" } });
     world.engines.db().run(QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id)"
                                           " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"));
-    view.perform(id, QStringLiteral("remove"));
+    view.perform(id, "remove");
     EXPECT_TRUE(world.launcher.last().terminated);
     EXPECT_EQ(model->rowCount(), 0);
-    EXPECT_FALSE(world.keychain.get(QStringLiteral("telegram")));
-    EXPECT_EQ(world.cell(QStringLiteral("SELECT COUNT(*) FROM unified_conversation WHERE deleted_at IS NULL")), "1");
+    EXPECT_FALSE(world.keychain.get("telegram"));
+    EXPECT_EQ(world.cell("SELECT COUNT(*) FROM unified_conversation WHERE deleted_at IS NULL"), "1");
 
-    view.perform(id, QStringLiteral("start"));
-    view.perform(QStringLiteral("no uuid"), QStringLiteral("remove"));
+    view.perform(id, "start");
+    view.perform("no uuid", "remove");
     EXPECT_EQ(world.launcher.children.size(), 1) << "what is gone is left alone";
 }
 
 TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
 {
     connectAccount(whatsApp, { { "name", "Sales" } });
-    EXPECT_EQ(role(0, "lastMessage"), "No messages yet");
+    EXPECT_EQ(column("lastMessage")[0], "No messages yet");
     view.setVisible(false);
     world.engines.db().run(
         QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id, last_ts, workspace_id)"
@@ -232,22 +223,10 @@ TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
                        "('c','WHATSAPP','other','3',9,'local');"),
         { world.clock.nowMs() - 60'000 });
     report({ { "type", "status" }, { "state", "open" } });
-    EXPECT_EQ(role(0, "lastMessage"), "No messages yet");
+    EXPECT_EQ(column("lastMessage")[0], "No messages yet");
     view.setVisible(true);
     // 1 760 000 000 seconds after the epoch is 10:53:20 in Berlin.
-    EXPECT_EQ(role(0, "lastMessage"), "Last message 10:52");
-}
-
-TEST_F(Settings, theFlowsAndTheSectionsReachTheScreenAsPlainValues)
-{
-    EXPECT_EQ(view.connectFlows().size(), 10);
-    const QVariantMap slack = view.connectFlows()[5].toMap();
-    EXPECT_EQ(slack["channel"], "SLACK");
-    EXPECT_EQ(slack["fields"].toList()[0].toMap()["masked"], true);
-    EXPECT_EQ(view.section(), "accounts");
-    view.setSection(QStringLiteral("system"));
-    view.setSection(QStringLiteral("nowhere"));
-    EXPECT_EQ(view.section(), "system");
+    EXPECT_EQ(column("lastMessage")[0], "Last message 10:52");
 }
 
 TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
@@ -258,7 +237,7 @@ TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
     sync.signInOrOut();
     EXPECT_EQ(world.desktop.opened.size(), 1);
 
-    session.setAuth(QStringLiteral("token"), QStringLiteral("d"));
+    session.setAuth("token", "d");
     EXPECT_EQ(sync.stateText(), "Signed in");
     session.setWebRejected(true);
     EXPECT_EQ(sync.stateText(), "Web rejected this Mac's session — sign out and sign in again");
@@ -283,8 +262,8 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
     EXPECT_EQ(sync.health()[0].toMap()["detail"], "Finished 3 hours ago");
     EXPECT_EQ(sync.health()[1].toMap()["detail"], "no route");
     EXPECT_EQ(sync.health()[1].toMap()["kind"], "bad");
-    EXPECT_EQ(world.cell(QStringLiteral("SELECT kind || ' ' || status || ' ' || source FROM sync_command")),
-        "web_pull pending settings");
+    EXPECT_EQ(
+        world.cell("SELECT kind || ' ' || status || ' ' || source FROM sync_command"), "web_pull pending settings");
     EXPECT_TRUE(sync.queuedText().startsWith("Queued as sync:"));
 }
 
@@ -307,12 +286,18 @@ TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
     EXPECT_TRUE(world.launcher.last().terminated);
 }
 
-TEST_F(Settings, theSystemCardSwitchesBannersAndSaysWhereThingsAre)
+TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
 {
+    const QVariantMap slack = view.connectFlows().value(5).toMap();
+    EXPECT_EQ(slack["channel"], "SLACK");
+    EXPECT_EQ(slack["fields"].toList()[0].toMap()["masked"], true);
+    view.setSection("system");
+    view.setSection("nowhere");
+    EXPECT_EQ(view.section(), "system");
     SystemSettings& system = *view.system();
     EXPECT_TRUE(system.notifyOnNewMessage());
     system.setNotifyOnNewMessage(false);
-    EXPECT_EQ(world.defaults.boolean(QStringLiteral("notifyOnNewMessage")), false);
+    EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);
     EXPECT_EQ(system.secretsPlace(), world.secrets.description());
     EXPECT_EQ(system.dataFolder(), world.home.paths().applicationSupport);
 }

@@ -10,7 +10,9 @@
 #include "Store/OutboundQueries.h"
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
+#include "Support/Environment.h"
 #include "Support/Print.h"
+#include "Support/Rows.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -20,35 +22,8 @@ using namespace corvane;
 
 namespace {
 
-const QString sofia = QStringLiteral("ct:WHATSAPP:351900000190@s.whatsapp.net");
-const QString gallery = QStringLiteral("ct:WHATSAPP:351900000278@s.whatsapp.net");
-
-/// Variables of the environment, until the end of the test.
-class Environment {
-public:
-    explicit Environment(const QList<std::pair<const char*, QByteArray>>& variables)
-    {
-        for (const auto& [name, value] : variables) {
-            m_before.append({ name, qEnvironmentVariableIsSet(name), qgetenv(name) });
-            qputenv(name, value);
-        }
-    }
-    ~Environment()
-    {
-        for (const Variable& variable : m_before)
-            variable.wasSet ? qputenv(variable.name, variable.value) : qunsetenv(variable.name);
-    }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-private:
-    struct Variable {
-        const char* name;
-        bool wasSet;
-        QByteArray value;
-    };
-    QList<Variable> m_before;
-};
+const QString sofia = "ct:WHATSAPP:351900000190@s.whatsapp.net";
+const QString gallery = "ct:WHATSAPP:351900000278@s.whatsapp.net";
 
 class Newcomer : public testing::Test {
 protected:
@@ -78,18 +53,9 @@ protected:
     Composer& composer() { return *inbox().composer(); }
     CRMPane& pane() { return *inbox().crm(); }
 
-    QString cell(const QString& sql) { return app->engine().db().scalar(sql).value_or(QStringLiteral("-")); }
+    QString cell(const QString& sql) { return app->engine().db().scalar(sql).value_or("-"); }
 
-    static QStringList column(QAbstractItemModel* model, const QByteArray& role)
-    {
-        const int id = model->roleNames().key(role, -1);
-        EXPECT_NE(id, -1) << role.constData();
-        QStringList values;
-        for (int row = 0; row < model->rowCount(); ++row)
-            values.append(model->index(row, 0).data(id).toString());
-        return values;
-    }
-    QStringList thread(const QByteArray& role) { return column(inbox().thread()->rows(), role); }
+    QStringList thread(const QByteArray& role) { return column(*inbox().thread()->rows(), role); }
     QSet<QString> channels()
     {
         const QStringList platforms = thread("platform");
@@ -148,22 +114,22 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     composer().send();
     ASSERT_TRUE(await([&] { return ticksOf("Também por aqui") == "Sent"; }));
     EXPECT_EQ(channels().size(), 3) << "the thread stays whole";
-    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
+    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
 
     // The gallery's phone is hers, too; or perhaps not.
     const auto hasGallery = [&] {
         return thread("body").contains("Sou eu, a Sofia. Este é o telefone da galeria, guarda-o também");
     };
-    ASSERT_TRUE(await([&] { return column(pane().suggestions(), "id").contains(gallery); }));
+    ASSERT_TRUE(await([&] { return column(*pane().suggestions(), "id").contains(gallery); }));
     EXPECT_FALSE(hasGallery());
     pane().mergeWith(gallery);
     EXPECT_TRUE(hasGallery());
-    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 1);
-    EXPECT_EQ(column(pane().merges(), "text").first(), "Merged with Sofia Marques");
-    pane().unmerge(column(pane().merges(), "id").first());
+    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 1);
+    EXPECT_EQ(column(*pane().merges(), "text").first(), "Merged with Sofia Marques");
+    pane().unmerge(column(*pane().merges(), "id").first());
     EXPECT_FALSE(hasGallery());
     EXPECT_EQ(channels().size(), 3);
-    EXPECT_EQ(column(inbox().contacts(), "name").count("Sofia Marques"), 2);
+    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 2);
 
     EXPECT_TRUE(pane().addDeal("Spring window", "Proposal", "€2k"));
     EXPECT_TRUE(pane().addTask("Ask for the measures"));
@@ -180,9 +146,9 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(inbox().selectedId(), stranger);
     PendingDraftsView& drafts = *inbox().drafts();
     ASSERT_EQ(drafts.count(), 1);
-    EXPECT_EQ(column(drafts.rows(), "statusLabel").first(), "waiting approval");
+    EXPECT_EQ(column(*drafts.rows(), "statusLabel").first(), "waiting approval");
     EXPECT_EQ(channels().size(), 0) << "nothing has gone out";
-    drafts.approveDraft(column(drafts.rows(), "id").first());
+    drafts.approveDraft(column(*drafts.rows(), "id").first());
     ASSERT_TRUE(await([&] { return cell("SELECT status FROM outbound_draft;") == "sent"; }));
     ASSERT_TRUE(await([&] { return ticksOf("Hola, soy Marta del taller") == "Read"; }));
     EXPECT_EQ(drafts.count(), 0);
@@ -199,7 +165,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     inbox().select(sofia);
     EXPECT_EQ(channels().size(), 3);
     EXPECT_TRUE(thread("body").contains(answer));
-    EXPECT_TRUE(column(pane().deals(), "text").contains("Spring window"));
-    EXPECT_TRUE(column(pane().tasks(), "text").contains("Ask for the measures"));
-    EXPECT_EQ(column(pane().notes(), "text").first(), "Prefers warm light");
+    EXPECT_TRUE(column(*pane().deals(), "text").contains("Spring window"));
+    EXPECT_TRUE(column(*pane().tasks(), "text").contains("Ask for the measures"));
+    EXPECT_EQ(column(*pane().notes(), "text").first(), "Prefers warm light");
 }

@@ -21,7 +21,7 @@ namespace corvane {
 
 namespace {
 
-const QString anyToken = QStringLiteral("any token counts, expired or not");
+const QString anyToken = "any token counts, expired or not";
 
 class Wall : public testing::Test {
 protected:
@@ -53,7 +53,7 @@ protected:
 TEST_F(Wall, standsUntilAnyTokenIsThereAndComesBackWithASignOut)
 {
     EXPECT_TRUE(content->showsWall());
-    session->setAuth(anyToken, QStringLiteral("d"));
+    session->setAuth(anyToken, "d");
     EXPECT_FALSE(content->showsWall());
     open();
     EXPECT_FALSE(content->showsWall());
@@ -72,7 +72,7 @@ TEST_F(Wall, continuingWithoutSigningInIsRememberedUntilASignOut)
     open();
     EXPECT_FALSE(content->showsWall());
 
-    session->setAuth(anyToken, QStringLiteral("d"));
+    session->setAuth(anyToken, "d");
     session->signOut();
     EXPECT_TRUE(content->showsWall());
     open();
@@ -82,17 +82,17 @@ TEST_F(Wall, continuingWithoutSigningInIsRememberedUntilASignOut)
 TEST_F(Wall, submitsOnlyWhatIsFilledInAndOnlyOnce)
 {
     LoopbackWeb web;
-    web.answer(QStringLiteral("/api/auth/login"), LoopbackWeb::json({}, 401));
-    defaults.setText(QStringLiteral("nimb.apiBaseUrl"), web.base());
+    web.answer("/api/auth/login", LoopbackWeb::json({}, 401));
+    defaults.setText("nimb.apiBaseUrl", web.base());
     wall->submit();
     EXPECT_FALSE(wall->busy());
-    wall->setEmail(QStringLiteral("   "));
-    wall->setPassword(QStringLiteral(" "));
+    wall->setEmail("   ");
+    wall->setPassword(" ");
     EXPECT_FALSE(wall->canSubmit());
     wall->submit();
     EXPECT_FALSE(wall->busy());
 
-    wall->setEmail(QStringLiteral("  ana@ruiz.example "));
+    wall->setEmail("  ana@ruiz.example ");
     EXPECT_TRUE(wall->canSubmit());
     EXPECT_EQ(wall->primaryLabel(), "Sign in");
     wall->submit();
@@ -110,8 +110,8 @@ TEST_F(Wall, submitsOnlyWhatIsFilledInAndOnlyOnce)
 
 TEST_F(Wall, forgetsThePasswordOnceItIsSignedIn)
 {
-    wall->setPassword(QStringLiteral("secret"));
-    session->setAuth(anyToken, QStringLiteral("d"));
+    wall->setPassword("secret");
+    session->setAuth(anyToken, "d");
     session->signOut();
     EXPECT_EQ(wall->password(), "");
 }
@@ -132,14 +132,13 @@ protected:
         QStringList result;
         for (const QVariant& workspace : menu.workspaces()) {
             const QVariantMap map = workspace.toMap();
-            result.append(map["name"].toString() + (map["selected"].toBool() ? u"*"_qs : QString()));
+            result.append(map["name"].toString() + (map["selected"].toBool() ? QString("*") : QString()));
         }
         return result;
     }
 
     NotificationCentre centre;
-    LocalDB db { home.path(QStringLiteral("share/Corvane/nimblocal.db")), { home.paths().resources, {} }, clock,
-        defaults, centre };
+    LocalDB db { home.path("share/Corvane/nimblocal.db"), { home.paths().resources, {} }, clock, defaults, centre };
     AppShell shell { centre, defaults };
     ProfileMenu menu { *session, shell, db, centre };
 };
@@ -161,26 +160,26 @@ TEST_F(Profile, offersTheSignInAloneWithoutAToken)
 TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
 {
     WorkspaceRow first;
-    first.workspaceId = QStringLiteral("w1");
-    first.workspaceName = QStringLiteral("North");
+    first.workspaceId = "w1";
+    first.workspaceName = "North";
     WorkspaceRow second = first;
-    second.workspaceId = QStringLiteral("w2");
-    second.workspaceName = QStringLiteral("South");
-    storeWorkspaceRows(db, { first, second }, QStringLiteral("w2"));
-    session->setAuth(anyToken, QStringLiteral("d"));
+    second.workspaceId = "w2";
+    second.workspaceName = "South";
+    storeWorkspaceRows(db, { first, second }, "w2");
+    session->setAuth(anyToken, "d");
     EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }));
-    menu.selectWorkspace(QStringLiteral("w1"));
+    menu.selectWorkspace("w1");
     EXPECT_EQ(workspaces(), QStringList({ first.displayName() + u'*', second.displayName() }));
-    corvane::selectWorkspace(db, QStringLiteral("w2"));
+    corvane::selectWorkspace(db, "w2");
     EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }))
         << "a change made elsewhere shows too";
 }
 
 TEST_F(Profile, opensTheSettingsAndSignsOut)
 {
-    session->setAuth(anyToken, QStringLiteral("d"));
+    session->setAuth(anyToken, "d");
     EXPECT_EQ(labels(), QStringList({ "Open Settings", "Sign Out" }));
-    shell.selectHub(QStringLiteral("cx"));
+    shell.selectHub("cx");
     menu.perform(menu.actions()[0].toMap()["id"].toString());
     EXPECT_TRUE(shell.settings());
     EXPECT_EQ(shell.selectedNav(), "cx");
