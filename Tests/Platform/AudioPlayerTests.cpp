@@ -21,12 +21,10 @@ protected:
         return await([&] { return player.state() == state; });
     }
 
-    /// Two seconds of a tone.
-    QString tone(const QString& name) const
+    QString tone(const QString& name, const QString& seconds = "2") const
     {
         QProcess ffmpeg;
-        ffmpeg.start(
-            "ffmpeg", { "-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=2", home.path(name) });
+        ffmpeg.start("ffmpeg", { "-v", "error", "-f", "lavfi", "-i", "sine=duration=" + seconds, home.path(name) });
         EXPECT_TRUE(ffmpeg.waitForFinished());
         return home.path(name);
     }
@@ -68,7 +66,7 @@ TEST_F(AudioPlayerTest, aFileThatIsDamagedEndsOrSaysSoAndSpoilsNothing)
 {
     const SoundServer server(Microphones::None);
     const auto cut = [&](const QString& name, double share) {
-        QFile file(tone(name));
+        QFile file(tone(name, "0.8"));
         EXPECT_TRUE(file.resize(qint64(double(file.size()) * share)));
         return file.fileName();
     };
@@ -78,7 +76,7 @@ TEST_F(AudioPlayerTest, aFileThatIsDamagedEndsOrSaysSoAndSpoilsNothing)
         EXPECT_EQ(player.state(), State::Failed) << path.toStdString();
         EXPECT_EQ(player.errorText(), "This sound can't be played.");
     }
-    QFile noise(tone("noise.mp3"));
+    QFile noise(tone("noise.mp3", "0.8"));
     ASSERT_TRUE(noise.open(QIODevice::ReadWrite));
     noise.seek(noise.size() / 2);
     noise.write(QByteArray(4000, '\xff'));

@@ -2,6 +2,7 @@
 
 #include "Platform/SettingsPortal.h"
 #include "Support/Await.h"
+#include "Support/Environment.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/PrivateBus.h"
@@ -129,37 +130,28 @@ TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
     script.write("#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" > \"$0.part\" && mv \"$0.part\" \"$0.opened\"\n");
     script.close();
     script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
+    Environment environment { { "PATH", QFile::encodeName(folder.path()) + ':' + qgetenv("PATH") } };
 
     LinuxDesktop desktop(noBus());
     LogCapture log;
     desktop.openInBrowser(QUrl("file:///etc/passwd"));
     desktop.openInBrowser(QUrl("https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a b;$(x)"));
-    QFile opened(script.fileName() + ".opened");
-    ASSERT_TRUE(await([&] { return opened.exists(); }));
-    ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
-    EXPECT_EQ(QString(opened.readAll()),
-        "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|");
-    EXPECT_EQ(log.lines(), QStringList("Desktop.openInBrowser: not a web address: file:///etc/passwd"));
-
     const auto handedOver = [&] {
-        EXPECT_TRUE(await([&] { return QFile::exists(opened.fileName()); }));
-        QFile file(opened.fileName());
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        QFile file(script.fileName() + ".opened");
+        EXPECT_TRUE(await([&] { return file.open(QIODevice::ReadOnly); }));
         const QString arguments = QString::fromUtf8(file.readAll());
         file.remove();
         return arguments;
     };
-    handedOver();
+    EXPECT_EQ(handedOver(), "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|");
+    EXPECT_EQ(log.lines(), QStringList("Desktop.openInBrowser: not a web address: file:///etc/passwd"));
     EXPECT_TRUE(desktop.openFile("/a folder/-x #1.pdf"));
     EXPECT_EQ(handedOver(), "1|file:///a%20folder/-x%20%231.pdf|");
     EXPECT_TRUE(desktop.openLink(QUrl("whatsapp://send?phone=49171")));
     EXPECT_EQ(handedOver(), "1|whatsapp://send?phone=49171|");
 
-    qputenv("PATH", "/nonexistent");
+    environment.set("PATH", "/nonexistent");
     EXPECT_FALSE(desktop.openFile("/a.pdf"));
     desktop.openInBrowser(QUrl("https://nimb.test"));
     EXPECT_TRUE(log.contains("xdg-open does not start"));
-    qputenv("PATH", path);
 }

@@ -13,11 +13,11 @@ using namespace corvane;
 
 namespace {
 
-const QString version = QStringLiteral("/api/version");
-const QString tags = QStringLiteral("/api/tags");
-const QString chat = QStringLiteral("/api/chat");
-const QString list = QStringLiteral("/v1/models");
-const QString completions = QStringLiteral("/v1/chat/completions");
+const QString version = "/api/version";
+const QString tags = "/api/tags";
+const QString chat = "/api/chat";
+const QString list = "/v1/models";
+const QString completions = "/v1/chat/completions";
 
 const QJsonObject schema { { "type", "object" }, { "required", QJsonArray { "text" } },
     { "additionalProperties", false },
@@ -36,7 +36,7 @@ QJsonObject ollamaModels(const QStringList& names)
     return { { "models", models } };
 }
 
-QJsonObject ollamaAnswer(const QString& content, const QString& reason = QStringLiteral("stop"))
+QJsonObject ollamaAnswer(const QString& content, const QString& reason = "stop")
 {
     return { { "message", QJsonObject { { "role", "assistant" }, { "content", content } } }, { "done", true },
         { "done_reason", reason } };

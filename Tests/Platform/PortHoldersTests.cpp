@@ -1,14 +1,11 @@
-#include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/LinuxPortHolders.h"
-#include "Platform/ProcessLauncher.h"
-#include "Support/Await.h"
 #include "Support/TemporaryHome.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <csignal>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -37,36 +34,33 @@ TEST(PortHolders, onlyTheProcessesBehindAListeningSocketOfThatPortAreFound)
         return "   0: " + local + " 00000000:0000 " + state + " 00000000:00000000 00:00000000 00000000  1000        0 "
             + inode + " 1 0000000000000000 100 0 0 10 0\n";
     };
-    home.write(QStringLiteral("proc/net/tcp"),
+    home.write("proc/net/tcp",
         head + line("0100007F:223D", "0A", "501") + line("0100007F:223D", "01", "502")
             + line("0100007F:223E", "0A", "503") + "torn line\n");
-    home.write(QStringLiteral("proc/net/tcp6"), head + line("00000000000000000000000001000000:223D", "0A", "504"));
+    home.write("proc/net/tcp6", head + line("00000000000000000000000001000000:223D", "0A", "504"));
     const auto process = [&](const QString& pid, const QByteArray& user, const QByteArray& inode) {
-        const QString folder = QStringLiteral("proc/") + pid;
-        home.write(
-            folder + QStringLiteral("/status"), "Name:\tUid: 7\nUid:\t1\t" + user + "\t1\t1\nGid:\t9\t9\t9\t9\n");
-        home.write(folder + QStringLiteral("/fd/.keep"), {});
-        ASSERT_EQ(::symlink("/dev/null", qPrintable(home.path(folder + QStringLiteral("/fd/0")))), 0);
-        ASSERT_EQ(
-            ::symlink(("socket:[" + inode + "]").constData(), qPrintable(home.path(folder + QStringLiteral("/fd/3")))),
-            0);
+        const QString folder = "proc/" + pid;
+        home.write(folder + "/status", "Name:\tUid: 7\nUid:\t1\t" + user + "\t1\t1\nGid:\t9\t9\t9\t9\n");
+        home.write(folder + "/fd/.keep", {});
+        ASSERT_EQ(::symlink("/dev/null", qPrintable(home.path(folder + "/fd/0"))), 0);
+        ASSERT_EQ(::symlink(("socket:[" + inode + "]").constData(), qPrintable(home.path(folder + "/fd/3"))), 0);
     };
-    process(QStringLiteral("11"), "1000", "501");
-    process(QStringLiteral("12"), "0", "504");
-    process(QStringLiteral("13"), "1000", "502"); // a connection
-    process(QStringLiteral("14"), "1000", "503"); // the next port
-    process(QStringLiteral("15"), "1000", "50"); // a prefix
-    process(QStringLiteral("self"), "1000", "501"); // no process number
-    process(QStringLiteral("16"), "1000", "501"); // goes away meanwhile
-    ASSERT_TRUE(QFile::remove(home.path(QStringLiteral("proc/16/status"))));
+    process("11", "1000", "501");
+    process("12", "0", "504");
+    process("13", "1000", "502"); // a connection
+    process("14", "1000", "503"); // the next port
+    process("15", "1000", "50"); // a prefix
+    process("self", "1000", "501"); // no process number
+    process("16", "1000", "501"); // goes away meanwhile
+    ASSERT_TRUE(QFile::remove(home.path("proc/16/status")));
 
-    LinuxPortHolders holders(home.path(QStringLiteral("proc")));
+    LinuxPortHolders holders(home.path("proc"));
     const QList<PortHolder> found = holders.listeningOn(8765);
     EXPECT_EQ(pids(found), QList<qint64>({ 11, 12 }));
     for (const PortHolder& holder : found)
         EXPECT_EQ(holder.userId, holder.pid == 11 ? 1000U : 0U);
     EXPECT_TRUE(holders.listeningOn(80).isEmpty());
-    EXPECT_TRUE(LinuxPortHolders(home.path(QStringLiteral("nothing"))).listeningOn(8765).isEmpty());
+    EXPECT_TRUE(LinuxPortHolders(home.path("nothing")).listeningOn(8765).isEmpty());
 }
 
 TEST(PortHolders, aRealSocketLeadsToItsProcess)
@@ -91,20 +85,13 @@ TEST(PortHolders, aRealSocketLeadsToItsProcess)
 
 TEST(PortHolders, terminatingReachesOneProcessAndNeverAGroup)
 {
-    SystemScheduler scheduler;
-    const auto launcher = makeProcessLauncher(scheduler);
     const auto holders = makePortHolders();
-    ProcessSpec spec;
-    spec.executable = QStringLiteral(CORVANE_TEST_PROGRAMS "/ChildProgram");
-    spec.arguments = QStringList { QStringLiteral("hang") };
-    int code = 0;
-    const auto child = launcher->start(spec, { {}, [&](int ended) {
-                                                  code = ended;
-                                              } });
-    ASSERT_TRUE(child);
+    QProcess child;
+    child.start("sleep", { "60" });
+    ASSERT_TRUE(child.waitForStarted());
     holders->terminate(0); // would end this test
     holders->terminate(-1);
-    holders->terminate((*child)->pid());
-    EXPECT_TRUE(await([&] { return code != 0; }));
-    EXPECT_EQ(code, -SIGTERM);
+    holders->terminate(child.processId());
+    EXPECT_TRUE(child.waitForFinished());
+    EXPECT_EQ(child.exitStatus(), QProcess::CrashExit);
 }

@@ -127,10 +127,7 @@ TEST_F(SingleInstanceTest, aProgramThatCannotBeReachedIsNotRunTwice)
     LinuxSingleInstance running(folder, noBus());
     ASSERT_TRUE(running.claim({}));
     ASSERT_TRUE(QFile::remove(socketPath));
-    QElapsedTimer timer;
-    timer.start();
     EXPECT_FALSE(LinuxSingleInstance(folder, noBus()).claim({}));
-    EXPECT_LT(timer.elapsed(), 8000);
 }
 
 TEST_F(SingleInstanceTest, theSocketIsTheUsersOwnAndOutlivesNonsense)

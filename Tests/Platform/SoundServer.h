@@ -21,8 +21,8 @@ public:
     {
         for (const char* variable : { "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH" })
             qputenv(variable, QFile::encodeName(m_folder.path()));
-        qputenv("PULSE_COOKIE", QFile::encodeName(m_folder.filePath(QStringLiteral("cookie"))));
-        qputenv("PULSE_SERVER", QFile::encodeName(QStringLiteral("unix:") + socket()));
+        qputenv("PULSE_COOKIE", QFile::encodeName(m_folder.filePath("cookie")));
+        qputenv("PULSE_SERVER", QFile::encodeName("unix:" + socket()));
         QStringList arguments { "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
             "module-native-protocol-unix auth-anonymous=1 socket=" + socket(), "-L",
             "module-null-sink sink_name=speaker rate=48000 channels=2" };
@@ -33,7 +33,7 @@ public:
         }
         m_server.setStandardErrorFile(QProcess::nullDevice());
         m_server.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        m_server.start(QStringLiteral("pulseaudio"), arguments);
+        m_server.start("pulseaudio", arguments);
         EXPECT_TRUE(await([] { return control({ "info" }); })) << "pulseaudio did not come up";
         control({ "set-default-sink", "speaker" });
         if (microphones == Microphones::One)
@@ -41,7 +41,7 @@ public:
         // A room in which nothing plays in haste sleeps for up to two seconds before it is heard.
         m_haste.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         if (microphones == Microphones::One)
-            m_haste.start(QStringLiteral("pacat"), { "--latency-msec=20", "--device=room", "/dev/zero" });
+            m_haste.start("pacat", { "--latency-msec=20", "--device=room", "/dev/zero" });
     }
 
     ~SoundServer()
@@ -53,7 +53,7 @@ public:
     SoundServer(const SoundServer&) = delete;
     SoundServer& operator=(const SoundServer&) = delete;
 
-    QString socket() const { return m_folder.filePath(QStringLiteral("native")); }
+    QString socket() const { return m_folder.filePath("native"); }
 
     void kill()
     {
@@ -70,7 +70,7 @@ private:
     {
         QProcess pactl;
         pactl.setStandardErrorFile(QProcess::nullDevice());
-        pactl.start(QStringLiteral("pactl"), arguments);
+        pactl.start("pactl", arguments);
         return pactl.waitForFinished() && pactl.exitCode() == 0;
     }
 

@@ -182,11 +182,3 @@ TEST_F(TrayTest, pressingTheIconOrAnItemReachesTheProgram)
     EXPECT_EQ(events.size(), 3);
     EXPECT_EQ(menuItems().size(), 1);
 }
-
-TEST_F(TrayTest, withoutABusThereIsNoIcon)
-{
-    StatusNotifierTray tray(noBus());
-    tray.setMenu({ { "quit", "Quit" } });
-    tray.setUnread(3);
-    EXPECT_FALSE(tray.isShown());
-}
