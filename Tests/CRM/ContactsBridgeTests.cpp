@@ -60,7 +60,11 @@ TEST_F(ContactsBridgeTest, nationalAndInternationalFormsOfANumberMeet)
     card("b.vcf", "FN:Bo\nTEL:+49 (0) 30 1234567");
     card("c.vcf", "FN:Cy\nTEL:2345678");
     card("d.vcf", "FN:Short\nTEL:123456");
+    home.write("one/a.vcf", "BEGIN:VCARD\nFN:Ede\nTEL:9000000\nEND:VCARD\n");
+    home.write("two/b.vcf", "BEGIN:VCARD\nFN:Flo\nTEL:8000000\nEND:VCARD\n");
+    defaults.setText("nimb.addressBookFolders", home.path("one") + ':' + home.path("two") + "::/nowhere");
     load();
+    EXPECT_EQ(nameOf("9000000") + nameOf("8000000"), "EdeFlo") << "further folders come from the defaults";
     EXPECT_EQ(nameOf("4155552671"), "Ana Ruiz");
     EXPECT_EQ(nameOf("+1 415 555 2671"), "Ana Ruiz");
     EXPECT_EQ(nameOf("155552671"), "Ana Ruiz") << "the last nine digits are enough";
@@ -98,16 +102,6 @@ TEST_F(ContactsBridgeTest, theBookIsReadOnceWhoeverAsks)
     contacts.load([&] { ++completions; });
     EXPECT_EQ(completions, 3);
     EXPECT_EQ(nameOf("1000000"), "Ana");
-}
-
-TEST_F(ContactsBridgeTest, furtherFoldersComeFromTheDefaults)
-{
-    home.write("one/a.vcf", "BEGIN:VCARD\nFN:Ana\nTEL:1000000\nEND:VCARD\n");
-    home.write("two/b.vcf", "BEGIN:VCARD\nFN:Bo\nTEL:2000000\nEND:VCARD\n");
-    defaults.setText("nimb.addressBookFolders", home.path("one") + ':' + home.path("two") + "::/nowhere");
-    load();
-    EXPECT_EQ(nameOf("1000000"), "Ana");
-    EXPECT_EQ(nameOf("2000000"), "Bo");
 }
 
 }

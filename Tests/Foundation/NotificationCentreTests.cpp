@@ -9,40 +9,37 @@ TEST(NotificationCentre, postsByNameInOrderWithWhatWasGiven)
 {
     NotificationCentre centre;
     QStringList seen;
-    const auto first = centre.observe(QStringLiteral("a"), [&](const Notification& notification) {
-        seen.append(notification.object.value_or(QStringLiteral("none"))
-            + notification.userInfo.value(QStringLiteral("k")).toString());
+    const auto first = centre.observe("a", [&](const Notification& notification) {
+        seen.append(notification.object.value_or("none") + notification.userInfo.value("k").toString());
     });
-    const auto second
-        = centre.observe(QStringLiteral("a"), [&](const Notification&) { seen.append(QStringLiteral("second")); });
-    const auto other
-        = centre.observe(QStringLiteral("b"), [&](const Notification&) { seen.append(QStringLiteral("other")); });
-    centre.post(QStringLiteral("a"), QStringLiteral("x"), { { QStringLiteral("k"), 1 } });
-    centre.post(QStringLiteral("unheard"));
-    centre.post(QStringLiteral("b"));
-    EXPECT_EQ(seen, QStringList({ QStringLiteral("x1"), QStringLiteral("second"), QStringLiteral("other") }));
+    const auto second = centre.observe("a", [&](const Notification&) { seen.append("second"); });
+    const auto other = centre.observe("b", [&](const Notification&) { seen.append("other"); });
+    centre.post("a", "x", { { "k", 1 } });
+    centre.post("unheard");
+    centre.post("b");
+    EXPECT_EQ(seen, QStringList({ "x1", "second", "other" }));
 }
 
 TEST(NotificationCentre, observersMayComeAndGoWhileOneIsPosted)
 {
-    const QString name = QStringLiteral("a");
+    const QString name = "a";
     auto centre = std::make_unique<NotificationCentre>();
     QStringList seen;
     NotificationCentre::Observation removed;
     NotificationCentre::Observation self;
     NotificationCentre::Observation added;
     self = centre->observe(name, [&](const Notification&) {
-        const QString kept = QStringLiteral("self");
+        const QString kept = "self";
         self = {};
         removed = {};
-        added = centre->observe(name, [&](const Notification&) { seen.append(QStringLiteral("added")); });
+        added = centre->observe(name, [&](const Notification&) { seen.append("added"); });
         seen.append(kept);
     });
-    removed = centre->observe(name, [&](const Notification&) { seen.append(QStringLiteral("removed")); });
+    removed = centre->observe(name, [&](const Notification&) { seen.append("removed"); });
     centre->post(name);
-    EXPECT_EQ(seen, QStringList({ QStringLiteral("self") }));
+    EXPECT_EQ(seen, QStringList({ "self" }));
     centre->post(name);
-    EXPECT_EQ(seen, QStringList({ QStringLiteral("self"), QStringLiteral("added") }));
+    EXPECT_EQ(seen, QStringList({ "self", "added" }));
 
     centre.reset();
     added = {};

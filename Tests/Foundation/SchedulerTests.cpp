@@ -7,25 +7,6 @@
 
 using namespace corvane;
 
-TEST(VirtualScheduler, timersFireInTheOrderOfTheirTimesAndMayCancelThemselves)
-{
-    VirtualScheduler clock;
-    std::string order;
-    auto late = clock.after(seconds(2), [&] { order += 'b'; });
-    auto early = clock.after(seconds(1), [&] { order += 'a'; });
-    std::unique_ptr<Timer> repeating;
-    repeating = clock.every(seconds(3), [&] {
-        order += 'r';
-        if (order.size() == 4)
-            repeating.reset();
-    });
-    auto cancelled = clock.after(seconds(1), [&] { order += 'x'; });
-    cancelled.reset();
-    clock.advance(seconds(20));
-    EXPECT_EQ(order, "abrr");
-    EXPECT_EQ(clock.pendingTimers(), 0);
-}
-
 TEST(SystemScheduler, aTimerMayDestroyItselfInItsCallback)
 {
     SystemScheduler scheduler;

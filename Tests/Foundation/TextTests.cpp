@@ -11,31 +11,31 @@ using namespace corvane;
 
 TEST(Text, whatAPersonTypesIsFoundWithoutItsMarksAndCase)
 {
-    EXPECT_EQ(folded(QStringLiteral("Žofie ÉCOLE")), QStringLiteral("zofie ecole"));
-    EXPECT_EQ(folded(QStringLiteral("e\u0301")), folded(QStringLiteral("É")));
-    EXPECT_EQ(folded(QStringLiteral("ﬁn")), QStringLiteral("fin"));
-    EXPECT_EQ(folded(QStringLiteral("東京 😀")), QStringLiteral("東京 😀"));
-    EXPECT_EQ(singleLine(QStringLiteral(" a\r\n\t b\u00A0 c ")), QStringLiteral("a b c"));
+    EXPECT_EQ(folded("Žofie ÉCOLE"), "zofie ecole");
+    EXPECT_EQ(folded("e\u0301"), folded("É"));
+    EXPECT_EQ(folded("ﬁn"), "fin");
+    EXPECT_EQ(folded("東京 😀"), "東京 😀");
+    EXPECT_EQ(singleLine(" a\r\n\t b\u00A0 c "), "a b c");
 }
 
 TEST(Text, aCharacterIsNeverCut)
 {
-    EXPECT_EQ(firstCharacters(QStringLiteral("👩‍👩‍👧x"), 1), QStringLiteral("👩‍👩‍👧"));
-    EXPECT_EQ(firstCharacters(QStringLiteral("e\u0301a"), 1), QStringLiteral("e\u0301"));
-    EXPECT_EQ(firstCharacters(QStringLiteral("😀😀😀"), 2), QStringLiteral("😀😀"));
-    EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 0), QString());
-    EXPECT_EQ(firstCharacters(QStringLiteral("abc"), 3), QStringLiteral("abc"));
+    EXPECT_EQ(firstCharacters("👩‍👩‍👧x", 1), "👩‍👩‍👧");
+    EXPECT_EQ(firstCharacters("e\u0301a", 1), "e\u0301");
+    EXPECT_EQ(firstCharacters("😀😀😀", 2), "😀😀");
+    EXPECT_EQ(firstCharacters("abc", 0), QString());
+    EXPECT_EQ(firstCharacters("abc", 3), "abc");
     EXPECT_EQ(firstCharacters(QString(), 5), QString());
-    const QString family = QStringLiteral("👩‍👩‍👧");
+    const QString family = "👩‍👩‍👧";
     EXPECT_EQ(firstCharacters(family.repeated(60), 50), family.repeated(50)) << "longer than what is looked at first";
 }
 
 TEST(Text, aPromptLineIsOneLine)
 {
-    EXPECT_EQ(promptLine(QStringLiteral(" \n a\tb\r\nc\u2028d \t")), QStringLiteral("a b  c d"));
-    EXPECT_EQ(promptLine(QStringLiteral(" abc "), 3), QStringLiteral("abc"));
-    EXPECT_EQ(promptLine(QStringLiteral("ab c"), 3), QStringLiteral("ab ..."));
-    EXPECT_EQ(promptLine(QStringLiteral("\n"), 3), QString());
+    EXPECT_EQ(promptLine(" \n a\tb\r\nc\u2028d \t"), "a b  c d");
+    EXPECT_EQ(promptLine(" abc ", 3), "abc");
+    EXPECT_EQ(promptLine("ab c", 3), "ab ...");
+    EXPECT_EQ(promptLine("\n", 3), QString());
     EXPECT_EQ(promptLine(u'a' + QString(1000, QChar(0x301)), 3).size(), 3 * 16 + 3) << "one character of 1001 units";
     const QString clefs = u'a' + QString::fromUcs4(U"\U0001D165").repeated(500);
     EXPECT_TRUE(promptLine(clefs, 3).toUtf8().endsWith("\U0001D165...")) << "no half of a character";
@@ -43,19 +43,19 @@ TEST(Text, aPromptLineIsOneLine)
 
 TEST(Ids, haveTheShapesThatRowsAreFoundBy)
 {
-    const QRegularExpression shape(QStringLiteral("^od:1760000000000:[1-9][0-9]{3}$"));
+    const QRegularExpression shape("^od:1760000000000:[1-9][0-9]{3}$");
     QSet<QString> stamped;
     for (int i = 0; i < 200; ++i) {
-        const QString id = stampedId(QStringLiteral("od"), 1'760'000'000'000);
+        const QString id = stampedId("od", 1'760'000'000'000);
         EXPECT_TRUE(shape.match(id).hasMatch()) << qPrintable(id);
         stamped.insert(id);
     }
     EXPECT_GT(stamped.size(), 150);
     // A "%1" in what comes from outside stays what it is.
-    EXPECT_EQ(contactId(QStringLiteral("EMAIL"), QStringLiteral("a%1@b")), QStringLiteral("ct:EMAIL:a%1@b"));
-    EXPECT_EQ(contactIdentityId(QStringLiteral("SMS"), QStringLiteral("+49")), QStringLiteral("id:SMS:+49"));
-    EXPECT_EQ(conversationId(QStringLiteral("work"), QStringLiteral("x:%2")), QStringLiteral("wa:work:x:%2"));
-    EXPECT_EQ(messageId(QStringLiteral("m")), QStringLiteral("wa:msg:m"));
+    EXPECT_EQ(contactId("EMAIL", "a%1@b"), "ct:EMAIL:a%1@b");
+    EXPECT_EQ(contactIdentityId("SMS", "+49"), "id:SMS:+49");
+    EXPECT_EQ(conversationId("work", "x:%2"), "wa:work:x:%2");
+    EXPECT_EQ(messageId("m"), "wa:msg:m");
     EXPECT_EQ(uuidText().size(), 36);
     EXPECT_EQ(uuidText().toLower().count(u'-'), 4);
     EXPECT_NE(uuidText(), uuidText());
@@ -67,7 +67,7 @@ TEST(Json, onlyAWholeObjectIsOne)
         EXPECT_EQ(jsonObject(text), std::nullopt) << text;
     const auto object = jsonObject("{\"b\":null,\"a\":\"ü\\n\",\"c\":5}");
     ASSERT_TRUE(object);
-    EXPECT_EQ(textValue(*object, QLatin1StringView("a")), QStringLiteral("ü\n"));
+    EXPECT_EQ(textValue(*object, QLatin1StringView("a")), "ü\n");
     EXPECT_EQ(textValue(*object, QLatin1StringView("b")), std::nullopt);
     EXPECT_EQ(textValue(*object, QLatin1StringView("c")), std::nullopt);
     EXPECT_EQ(textValue(*object, QLatin1StringView("d")), std::nullopt);
