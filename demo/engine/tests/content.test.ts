@@ -1,23 +1,39 @@
 import assert from "node:assert/strict";
-import { existsSync, readFileSync } from "node:fs";
+import { spawnSync } from "node:child_process";
+import { createHash } from "node:crypto";
+import { readFileSync, renameSync, statSync } from "node:fs";
+import { join } from "node:path";
 import { after, before, test } from "node:test";
-import { inflateSync } from "node:zlib";
 import { contentOf } from "../src/content.ts";
 import { liveTurns } from "../src/live.ts";
 import { assetOf } from "../src/media/library.ts";
 import { readRecords } from "../src/records.ts";
 import { readScript } from "../src/script.ts";
-import { channels, fixedNow, isLive, isMessage, temporaryHome, told, type Channel, type Event } from "./support.ts";
+import {
+  channels,
+  EngineProcess,
+  environmentIn,
+  fixedNow,
+  isLive,
+  isMessage,
+  standingStill,
+  temporaryHome,
+  type Event,
+} from "./support.ts";
 
 const home = temporaryHome(after);
-const said = new Map<Channel, Event[]>();
-const all = (): Event[] => [...said.values()].flat();
+let engines: EngineProcess[] = [];
+const all = (): Event[] => engines.flatMap((engine) => engine.events());
 const messages = (): Event[] => all().filter(isMessage);
+const media = (): string[] => messages().flatMap(({ mediaPath }) => (mediaPath === undefined ? [] : [String(mediaPath)]));
 const day = 86_400_000;
 
-before(async () => {
-  for (const channel of channels) said.set(channel, await told(channel, home));
-});
+/** Runs each engine, standing still, to its end. */
+async function runAll(): Promise<void> {
+  engines = channels.map((channel) => new EngineProcess(channel, environmentIn(home, standingStill)));
+  for (const engine of engines) await engine.end();
+}
+before(runAll);
 
 test("a business of 25 people and three groups writes about 600 messages in a month", () => {
   const titles = new Set(messages().map((message) => String(message.convTitle)));
@@ -87,20 +103,20 @@ test("statuses, reactions, names and faces are told", () => {
   const known = new Set(messages().map((message) => message.providerMsgId));
   for (const event of all()) {
     if (event.type === "reaction") assert.ok(known.has(event.targetProviderMsgId));
-    if (event.type === "avatar") assertPng(readFileSync(String(event.path)));
   }
+  assertDecodes(all().flatMap(({ type, path }) => (type === "avatar" ? [String(path)] : [])));
 });
 
 test("each kind of medium is there as a file of its kind, and some are still to be fetched", () => {
   const withMedia = messages().filter((message) => message.mediaType !== undefined);
   const kinds = new Set(withMedia.map((message) => message.mediaType));
   assert.deepEqual([...kinds].sort(), ["audio", "document", "gif", "image", "sticker", "video"]);
-  const missing = withMedia.filter((message) => message.mediaPath === undefined);
-  assert.ok(missing.length >= 2);
-  for (const { mediaPath } of withMedia) {
-    if (mediaPath === undefined) continue;
-    assert.ok(existsSync(String(mediaPath)), String(mediaPath));
-    assertFile(String(mediaPath));
+  assert.ok(withMedia.length - media().length >= 2);
+  assertDecodes(media().filter((path) => !/\.(csv|pdf)$/.test(path)));
+  for (const path of media().filter((each) => each.endsWith(".pdf"))) assertPdf(readFileSync(path, "latin1"));
+  for (const path of media().filter((each) => each.endsWith(".csv"))) {
+    const rows = readFileSync(path, "utf8").trimEnd().split("\n");
+    assert.equal(new Set(rows.map((row) => row.split(",").length)).size, 1);
   }
 });
 
@@ -140,71 +156,83 @@ test("a script with a line that nobody knows names the line", () => {
   assert.throws(() => readScript("whatsapp", "< hi", fixedNow), /no conversation yet/);
 });
 
-function assertFile(path: string): void {
-  const bytes = readFileSync(path);
-  const ending = path.slice(path.lastIndexOf("."));
-  if (ending === ".png") return assertPng(bytes);
-  if (ending === ".wav") return assertWav(bytes);
-  if (ending === ".gif") return assertGif(bytes);
-  if (ending === ".mov") return assertMovie(bytes);
-  if (ending === ".pdf") return assertPdf(bytes.toString("latin1"));
-  assert.equal(ending, ".csv");
-  const widths = bytes
-    .toString("utf8")
-    .trimEnd()
-    .split("\n")
-    .map((row) => row.split(",").length);
-  assert.equal(new Set(widths).size, 1);
-}
-
-/** Whole rows, and more than one colour. */
-function assertPng(bytes: Buffer): void {
-  assert.equal(bytes.toString("latin1", 1, 4), "PNG");
-  const [width, height] = [bytes.readUInt32BE(16), bytes.readUInt32BE(20)];
-  const depth = bytes[25] === 6 ? 4 : 3;
-  const rows = inflateSync(bytes.subarray(41, 41 + bytes.readUInt32BE(33)));
-  assert.equal(rows.length, (width * depth + 1) * height);
-  assert.ok(new Set(rows).size > 8);
-}
-
-function assertWav(bytes: Buffer): void {
-  assert.equal(bytes.readUInt32LE(4), bytes.length - 8);
-  assert.equal(bytes.readUInt32LE(40), bytes.length - 44);
-  const samples = new Int16Array(bytes.buffer.slice(bytes.byteOffset + 44, bytes.byteOffset + bytes.length));
-  assert.ok(Math.max(...samples.subarray(0, 16_000)) > 4000);
-}
-
-function assertGif(bytes: Buffer): void {
-  assert.equal(bytes.toString("latin1", 0, 6), "GIF89a");
-  let at = 13 + 256 * 3;
-  let frames = 0;
-  const skipBlocks = (): void => {
-    while (bytes[at] !== 0) at += bytes[at] + 1;
-    at += 1;
-  };
-  for (; bytes[at] !== 0x3b; skipBlocks()) {
-    assert.ok(bytes[at] === 0x21 || bytes[at] === 0x2c);
-    if (bytes[at] === 0x2c) frames += 1;
-    at += bytes[at] === 0x2c ? 11 : 2;
+test("every line is one event that the desktop knows, in plain ASCII, so that no chunk splits a character", () => {
+  for (const engine of engines) {
+    assert.match(engine.output, /^[\x20-\x7e\n]*\n$/);
+    for (const event of engine.events()) assertShape(event);
   }
-  assert.equal(at, bytes.length - 1);
-  assert.equal(frames, 12);
+});
+
+test("an engine connects before it speaks, and WhatsApp shows a code in between", () => {
+  for (const [index, engine] of engines.entries()) {
+    const types = engine.events().map(({ type, state }) => (type === "status" ? state : type));
+    const code = channels[index] === "whatsapp" ? ["qr"] : [];
+    assert.deepEqual(types.slice(0, 2 + code.length), ["connecting", ...code, "open"]);
+    assert.equal(types.slice(2 + code.length).indexOf("open"), -1);
+  }
+});
+
+test("two first runs at the same hour print the same bytes and draw the same files", async () => {
+  const prints = (): string[] =>
+    [...engines.map(({ output }) => output), ...media().map((path) => readFileSync(path, "latin1"))].map((content) =>
+      createHash("sha256").update(content).digest("hex"),
+    );
+  const before = prints();
+  assert.ok(before.length > 40);
+  for (const folder of ["home", "share"]) renameSync(join(home, folder), join(home, `${folder}-before`));
+  await runAll();
+  assert.deepEqual(prints(), before);
+});
+
+const text = (value: unknown): boolean => typeof value === "string" && value !== "";
+const whole = (value: unknown): boolean => Number.isSafeInteger(value);
+const oneOf =
+  (...values: unknown[]) =>
+  (value: unknown): boolean =>
+    values.includes(value);
+const maybe =
+  (fits: (value: unknown) => boolean) =>
+  (value: unknown): boolean =>
+    value === undefined || fits(value);
+
+/** What the desktop reads of each event. */
+const shapes: Record<string, Record<string, (value: unknown) => boolean>> = {
+  qr: { qr: text },
+  status: { state: oneOf("connecting", "open"), user: maybe(text) },
+  log: { msg: text },
+  avatar: { jid: text, path: text },
+  contactName: { jid: text, name: text },
+  msgStatus: { providerMsgId: text, status: oneOf(1, 2, 3, 4) },
+  reaction: { targetProviderMsgId: text, emoji: text },
+  message: {
+    convExternalId: text,
+    convTitle: text,
+    providerMsgId: (value) => text(value) && !String(value).includes(":"),
+    direction: oneOf("IN", "OUT"),
+    body: text,
+    ts: whole,
+    sender: maybe(text),
+    mediaType: maybe(oneOf("image", "audio", "video", "document", "sticker", "gif")),
+    mediaPath: maybe(text),
+    historical: maybe(oneOf(true)),
+  },
+};
+
+function assertShape(event: Event): void {
+  const { type, ...rest } = event;
+  const shape = shapes[type];
+  assert.ok(shape !== undefined, `an unknown event: ${type}`);
+  for (const [key, fits] of Object.entries(shape)) assert.ok(fits(rest[key]), `${key} of ${JSON.stringify(event)}`);
+  for (const key of Object.keys(rest)) assert.ok(key in shape, `${type} has no ${key}`);
 }
 
-/** The atoms fill the file, and each frame stands where the table says. */
-function assertMovie(bytes: Buffer): void {
-  const types: string[] = [];
-  for (let at = 0; at < bytes.length; at += bytes.readUInt32BE(at))
-    types.push(bytes.toString("latin1", at + 4, at + 8));
-  assert.deepEqual(types, ["ftyp", "mdat", "moov"]);
-  const offsets = bytes.indexOf("stco") + 8;
-  const sizes = bytes.indexOf("stsz") + 12;
-  const count = bytes.readUInt32BE(offsets);
-  assert.equal(count, bytes.readUInt32BE(sizes));
-  for (let frame = 0; frame < count; frame++) {
-    const from = bytes.readUInt32BE(offsets + 4 + frame * 4);
-    assertPng(bytes.subarray(from, from + bytes.readUInt32BE(sizes + 4 + frame * 4)));
-  }
+/** Another program reads them whole, and nothing is blank. */
+function assertDecodes(paths: string[]): void {
+  for (const path of paths) assert.ok(statSync(path).size > 5000, path);
+  const inputs = paths.flatMap((path) => ["-i", path]);
+  const streams = paths.flatMap((_, index) => ["-map", String(index)]);
+  const end = spawnSync("ffmpeg", ["-v", "error", ...inputs, ...streams, "-f", "null", "-"], { encoding: "utf8" });
+  assert.deepEqual([end.status, end.stderr], [0, ""]);
 }
 
 function assertPdf(text: string): void {

@@ -110,8 +110,3 @@ export function eventOf(line: string): Event {
 
 export const isMessage = (event: Event): boolean => event.type === "message";
 export const isLive = (event: Event): boolean => isMessage(event) && event.historical !== true;
-
-/** Runs an engine that stands still to its end. */
-export async function told(channel: Channel, home: string): Promise<Event[]> {
-  return new EngineProcess(channel, environmentIn(home, standingStill)).end();
-}
