@@ -68,9 +68,10 @@ TEST_F(NotificationServiceTest, aBannerCarriesItsTextsActionsAndHints)
     EXPECT_EQ(received.timeout, -1);
     EXPECT_EQ(received.summary + '|' + received.body, "Ana|Email\n1 < 2 & \"so\" on\nsecond line");
     EXPECT_EQ(received.actions.join(u'|'), "default|Open|NIMB_APPROVE|Approve|NIMB_REJECT|Reject");
-    EXPECT_EQ(received.hints,
-        (QVariantMap { { "urgency", QVariant::fromValue(uchar(1)) }, { "category", "x-corvane.NIMB_APPROVAL" },
-            { "desktop-entry", "com.nimb.corvane" }, { "x-corvane-thread", "nimb.approvals" } }));
+    EXPECT_EQ(received.hints.value("urgency"), QVariant::fromValue(uchar(1)));
+    EXPECT_EQ(received.hints.value("category"), "x-corvane.NIMB_APPROVAL");
+    EXPECT_EQ(received.hints.value("desktop-entry"), "com.nimb.corvane");
+    EXPECT_EQ(received.hints.value("x-corvane-thread"), "nimb.approvals");
 
     show(banner("plain"), daemon);
     EXPECT_EQ(daemon.received.constLast().hints.value("category").toString(), "im.received");
