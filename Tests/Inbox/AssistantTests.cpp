@@ -141,12 +141,14 @@ TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
 TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 {
     ThreadSummary& summary = *inbox.summary();
-    model.willAnswer(QStringLiteral("- Situation: <b>Ana</b> asks for Thursday [M1].\n- Next action: answer [M1]"));
+    model.willAnswer(QStringLiteral("- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"));
     summary.summarize();
     EXPECT_EQ(summary.html(),
-        "- Situation: &lt;b&gt;Ana&lt;/b&gt; asks for Thursday <a href=\"wa:msg:m1\">[M1]</a>.<br>- Next action: "
-        "answer "
-        "<a href=\"wa:msg:m1\">[M1]</a>");
+        "• Situation: &lt;b&gt;Ana&lt;/b&gt; asks for Thursday [<a href=\"wa:msg:m1\">M1</a>, "
+        "M7].<br>&nbsp;&nbsp;&nbsp;"
+        "&nbsp;• <b>Next</b>: answer M1");
+    ASSERT_EQ(summary.citations().size(), 1);
+    EXPECT_EQ(summary.citations().first().toMap().value("messageId"), "wa:msg:m1");
     EXPECT_TRUE(model.asked.last().prompt.startsWith("Summarize this local thread with Ana Ruiz.\n\nReturn exactly:"));
 
     engines.db().exec("UPDATE unified_message SET body='  ';");
@@ -163,7 +165,7 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(ask.stateWord(), "idle");
     model.willAnswer(QStringLiteral("Thursday at 15:00.\n"));
     ask.ask(" When? ");
-    EXPECT_EQ(ask.question() + '|' + ask.answer(), "When?|Thursday at 15:00.");
+    EXPECT_EQ(ask.question() + '|' + ask.answer() + '|' + ask.title(), "When?|Thursday at 15:00.|When?");
     const QString prompt = model.asked.last().prompt;
     EXPECT_TRUE(prompt.startsWith("Contact: Ana Ruiz\nNotes:\n(none)\n\nRecent thread:\n[M1] IN WHATSAPP "));
     EXPECT_TRUE(prompt.endsWith(": Can you do Thursday at 15:00?\n\nQuestion: When?"));
@@ -174,4 +176,9 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(
         ask.stateWord() + '|' + ask.title() + '|' + ask.answer(), "error|The model server closed the connection.|");
     EXPECT_TRUE(model.asked.last().prompt.contains("Notes:\n- likes tea\n\nRecent thread:\n(no messages)"));
+    model.willAnswer(QStringLiteral("Tea."));
+    ask.tryAgain();
+    EXPECT_EQ(ask.question() + '|' + ask.answer(), "And?|Tea.");
+    ask.tryAgain(); // nothing failed
+    EXPECT_EQ(ask.answer(), "Tea.");
 }

@@ -52,7 +52,8 @@ QStringList Warnings::seen()
     return warningLines();
 }
 
-WindowTest::WindowTest()
+WindowTest::WindowTest(AIServices* assistant)
+    : services(assistant ? *assistant : lumo)
 {
     desktop.setAppearance(ColourScheme::Light, true);
     approvals.attach(engines, calls);

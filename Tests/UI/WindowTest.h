@@ -34,7 +34,8 @@ public:
 /// fails where anything warned.
 class WindowTest : public testing::Test, protected EngineWorld {
 protected:
-    WindowTest();
+    /// Another assistant than `lumo` may answer; it outlives the test.
+    explicit WindowTest(AIServices* assistant = nullptr);
     void TearDown() override;
 
     /// Which window the calls below are about; null for the main window.
@@ -67,11 +68,12 @@ protected:
     AccountStore accounts { home.paths().applicationSupport };
     SessionStore session { home.paths(), keychain, defaults, desktop, clock };
     FakeLumo lumo { clock };
+    AIServices& services;
     TranslationService translations { lumo.machine };
     CallRecorder calls { engines.db() };
     ApprovalsStore approvals { centre, notifier, clock };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), lumo, translations } };
+        desktop, microphone, player, home.paths(), services, translations } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

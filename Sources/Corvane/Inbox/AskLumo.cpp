@@ -17,8 +17,9 @@ QString noBackend()
 AskLumo::AskLumo(LocalDB& db, AIServices& ai, QObject* parent)
     : GenerationPanel(ai.ai, parent)
     , m_db(db)
-    , m_summaries(ai.summaries)
+    , m_services(ai)
 {
+    connect(&ai.systemModel, &SystemLanguageModel::availabilityChanged, this, &AskLumo::changed);
 }
 
 QString AskLumo::placeholder() const
@@ -42,17 +43,23 @@ void AskLumo::ask(const QString& question)
         run(question.trimmed());
 }
 
+void AskLumo::lookForBackend()
+{
+    m_services.systemModel.refresh();
+}
+
 QCoro::Task<> AskLumo::run(QString question)
 {
-    const CancelHandle cancel = begin(QStringLiteral("Asking ") + (backend().isEmpty() ? noBackend() : backend()));
+    const CancelHandle cancel = begin(QStringLiteral("Asking ") + (backend().isEmpty() ? noBackend() : backend()),
+        [this, question] { ask(question); });
     m_question = question;
-    const Result<QString> answer = co_await m_summaries.ask(
+    const Result<QString> answer = co_await m_services.summaries.ask(
         m_contact.name, draftContext(m_db, m_contact).recentNotes, localThread(m_db, m_contact), question, cancel);
     if (cancel.isCancelled())
         co_return;
     m_answer = answer.value_or(QString()).trimmed();
     if (answer)
-        show(State::Ready, heading());
+        show(State::Ready, question);
     else
         show(State::Error, answer.error().message);
 }

@@ -6,7 +6,6 @@
 
 namespace corvane {
 
-class LumoAISummaryService;
 struct AIServices;
 
 /// A question about the person whose thread is open, answered from what is known here.
@@ -32,13 +31,14 @@ public:
     bool canAsk() const { return !backend().isEmpty() && !m_contact.id.isEmpty(); }
 
     Q_INVOKABLE void ask(const QString& question); ///< a blank one does nothing
+    Q_INVOKABLE void lookForBackend(); ///< who is there may have come or gone since the last look
 
 private:
     QCoro::Task<> run(QString question);
     void forget() override;
 
     LocalDB& m_db;
-    LumoAISummaryService& m_summaries;
+    AIServices& m_services;
     QString m_question;
     QString m_answer;
 };

@@ -29,4 +29,15 @@ QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact)
     return fetchUnifiedThread(db, contact.id, threadLimit);
 }
 
+QVariantList citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels)
+{
+    QVariantList choices;
+    for (const LocalAIMessageCitation& citation : citations) {
+        if (labels.contains(citation.label))
+            choices.append(QVariantMap { { QStringLiteral("label"), citation.label },
+                { QStringLiteral("messageId"), citation.id }, { QStringLiteral("excerpt"), citation.excerpt } });
+    }
+    return choices;
+}
+
 }

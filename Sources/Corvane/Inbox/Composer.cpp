@@ -141,6 +141,7 @@ void Composer::undo()
         return;
     setText(*m_beforeApply);
     forgetUndo();
+    Q_EMIT focusRequested();
 }
 
 void Composer::forgetUndo()

@@ -52,15 +52,8 @@ bool DraftAssistant::isRewrite() const
 
 QVariantList DraftAssistant::citations() const
 {
-    QVariantList named;
-    if (!m_result)
-        return named;
-    for (const LocalAIMessageCitation& citation : m_result->citations) {
-        if (m_result->responseMetadata.usedMessageLabels.contains(citation.label))
-            named.append(QVariantMap { { QStringLiteral("label"), citation.label },
-                { QStringLiteral("messageId"), citation.id }, { QStringLiteral("excerpt"), citation.excerpt } });
-    }
-    return named;
+    return m_result ? citationChoices(m_result->citations, m_result->responseMetadata.usedMessageLabels)
+                    : QVariantList();
 }
 
 QString DraftAssistant::caption() const
@@ -123,7 +116,8 @@ void DraftAssistant::replace()
 QCoro::Task<> DraftAssistant::runDraft(QString label, Operation operation)
 {
     const CancelHandle cancel
-        = begin(QStringLiteral("%1 with %2").arg(label, m_ai.availableName().value_or(QStringLiteral("LumoAI"))));
+        = begin(QStringLiteral("%1 with %2").arg(label, m_ai.availableName().value_or(QStringLiteral("LumoAI"))),
+            [this, label, operation] { runDraft(label, operation); });
     Result<LumoDraftResult> result = co_await operation(cancel);
     if (cancel.isCancelled())
         co_return;

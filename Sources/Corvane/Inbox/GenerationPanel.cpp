@@ -49,17 +49,31 @@ QString GenerationPanel::backend() const
     return m_ai.availableName().value_or(QString());
 }
 
+bool GenerationPanel::canTryAgain() const
+{
+    return m_again && (m_state == State::Error || m_state == State::MissingModel);
+}
+
+void GenerationPanel::tryAgain()
+{
+    const auto again = m_again;
+    if (canTryAgain())
+        again();
+}
+
 void GenerationPanel::dismiss()
 {
     m_running.cancel();
+    m_again = nullptr;
     forget();
     show(State::Idle, {});
 }
 
-CancelHandle GenerationPanel::begin(const QString& title)
+CancelHandle GenerationPanel::begin(const QString& title, std::function<void()> again)
 {
     m_running.cancel();
     m_running = CancelHandle();
+    m_again = std::move(again);
     const CancelHandle mine = m_running;
     forget();
     show(State::Loading, title);

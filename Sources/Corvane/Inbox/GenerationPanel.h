@@ -4,6 +4,7 @@
 #include "Store/InboxQueries.h"
 
 #include <QObject>
+#include <functional>
 
 namespace corvane {
 
@@ -17,6 +18,7 @@ class GenerationPanel : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
     Q_PROPERTY(QString backend READ backend NOTIFY changed) ///< who would answer now; empty where nobody would
+    Q_PROPERTY(bool canTryAgain READ canTryAgain NOTIFY changed) ///< what failed
 public:
     enum class State { Idle, Loading, MissingModel, Empty, Error, Ready };
 
@@ -30,15 +32,17 @@ public:
     const QString& title() const { return m_title; }
     const QString& detail() const { return m_detail; }
     QString backend() const;
+    bool canTryAgain() const;
 
     Q_INVOKABLE void dismiss(); ///< cancels what runs, and puts away what is shown
+    Q_INVOKABLE void tryAgain();
 
 Q_SIGNALS:
     void changed();
 
 protected:
-    /// A new request: its handle says whether it is still wanted when its answer comes.
-    CancelHandle begin(const QString& title);
+    /// A new request: its handle says whether it is still wanted when its answer comes. `again` makes the same one.
+    CancelHandle begin(const QString& title, std::function<void()> again);
     void show(State state, const QString& title, const QString& detail = {});
     virtual void forget() { } ///< what the last request brought
 
@@ -50,6 +54,7 @@ private:
     QString m_title;
     QString m_detail;
     CancelHandle m_running;
+    std::function<void()> m_again;
 };
 
 }

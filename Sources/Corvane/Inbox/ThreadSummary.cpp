@@ -3,9 +3,61 @@
 #include "AI/AIServices.h"
 #include "Inbox/AssistantContext.h"
 
-#include <algorithm>
+#include <QHash>
+#include <QRegularExpression>
 
 namespace corvane {
+
+namespace {
+
+struct Span {
+    qsizetype start = 0;
+    qsizetype length = 0;
+};
+
+/// What stands in brackets and is written as a label: both of "[M3, M4]".
+QList<Span> labelsIn(const QString& text)
+{
+    static const QRegularExpression brackets(QStringLiteral("\\[[^\\[\\]\n]*\\]"));
+    static const QRegularExpression label(QStringLiteral("\\bM\\d+\\b"));
+    QList<Span> labels;
+    for (const QRegularExpressionMatch& group : brackets.globalMatch(text)) {
+        for (const QRegularExpressionMatch& match : label.globalMatch(group.captured()))
+            labels.append({ group.capturedStart() + match.capturedStart(), match.capturedLength() });
+    }
+    return labels;
+}
+
+/// Line by line as HTML: the points of a list keep their place, and what a model marks as strong is strong.
+QString inLines(const QString& text)
+{
+    static const QRegularExpression point(QStringLiteral("^(\\s*)[-*•]\\s+"));
+    static const QRegularExpression strong(QStringLiteral("\\*\\*([^*]+)\\*\\*"));
+    QStringList lines;
+    for (QString line : text.split(u'\n')) {
+        const QRegularExpressionMatch match = point.match(line);
+        const qsizetype indent = std::min<qsizetype>(match.capturedLength(1), 8);
+        const QString lead
+            = match.hasMatch() ? QStringLiteral("&nbsp;").repeated(indent * 2) + QStringLiteral("• ") : QString();
+        line = line.mid(match.capturedLength()).trimmed().toHtmlEscaped();
+        lines.append(lead + line.replace(strong, QStringLiteral("<b>\\1</b>")));
+    }
+    return lines.join(QStringLiteral("<br>"));
+}
+
+QString linked(QString html, const QHash<QString, QString>& messages)
+{
+    const QList<Span> labels = labelsIn(html);
+    for (auto span = labels.crbegin(); span != labels.crend(); ++span) {
+        const QString label = html.mid(span->start, span->length);
+        if (const auto id = messages.constFind(label); id != messages.cend())
+            html.replace(
+                span->start, span->length, QStringLiteral("<a href=\"%1\">%2</a>").arg(id->toHtmlEscaped(), label));
+    }
+    return html;
+}
+
+}
 
 ThreadSummary::ThreadSummary(LocalDB& db, AIServices& ai, QObject* parent)
     : GenerationPanel(ai.ai, parent)
@@ -18,12 +70,20 @@ QString ThreadSummary::html() const
 {
     if (!m_summary)
         return {};
-    QString html = m_summary->text.trimmed().toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
-    for (const LocalAIMessageCitation& citation : m_summary->citations) {
-        const QString mark = u'[' + citation.label + u']';
-        html.replace(mark, QStringLiteral("<a href=\"%1\">%2</a>").arg(citation.id.toHtmlEscaped(), mark));
-    }
-    return html;
+    QHash<QString, QString> messages;
+    for (const LocalAIMessageCitation& citation : m_summary->citations)
+        messages.insert(citation.label, citation.id);
+    return linked(inLines(m_summary->text.trimmed()), messages);
+}
+
+QVariantList ThreadSummary::citations() const
+{
+    if (!m_summary)
+        return {};
+    QStringList named;
+    for (const Span& label : labelsIn(m_summary->text))
+        named.append(m_summary->text.mid(label.start, label.length));
+    return citationChoices(m_summary->citations, named);
 }
 
 void ThreadSummary::summarize()
@@ -36,7 +96,8 @@ QCoro::Task<> ThreadSummary::run()
 {
     const QList<UnifiedMsgRow> messages = localThread(m_db, m_contact);
     const CancelHandle cancel
-        = begin(QStringLiteral("Summarizing with ") + m_ai.availableName().value_or(QStringLiteral("LumoAI")));
+        = begin(QStringLiteral("Summarizing with ") + m_ai.availableName().value_or(QStringLiteral("LumoAI")),
+            [this] { summarize(); });
     if (citationMessages(messages).isEmpty()) {
         show(State::Empty, QStringLiteral("No local text to summarize"),
             QStringLiteral("This thread has no saved text messages yet."));

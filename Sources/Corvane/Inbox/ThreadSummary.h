@@ -12,9 +12,10 @@ struct AIServices;
 /// The open thread in a few lines, with the messages that it rests on.
 class ThreadSummary final : public GenerationPanel {
     Q_OBJECT
-    Q_PROPERTY(QString html READ html NOTIFY changed) ///< the text; a label such as [M3] links to its message's id
+    Q_PROPERTY(QString html READ html NOTIFY changed) ///< the text; a label such as M3 links to its message's id
     Q_PROPERTY(QString text READ text NOTIFY changed)
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
+    Q_PROPERTY(QVariantList citations READ citations NOTIFY changed) ///< that it names: {label, messageId, excerpt}
 public:
     /// Everything outlives the object.
     ThreadSummary(LocalDB& db, AIServices& ai, QObject* parent = nullptr);
@@ -22,6 +23,8 @@ public:
     QString html() const;
     QString text() const { return m_summary ? m_summary->text : QString(); }
     QString modelName() const { return m_summary ? m_summary->model.displayName : QString(); }
+
+    QVariantList citations() const;
 
     Q_INVOKABLE void summarize();
 

@@ -175,7 +175,6 @@ void AssistantSettings::setVisible(bool visible)
     m_forgotten.reset();
     if (!visible)
         return;
-    m_services.systemModel.refresh();
     readMemory();
     look();
 }
@@ -183,6 +182,7 @@ void AssistantSettings::setVisible(bool visible)
 void AssistantSettings::look()
 {
     m_gate = m_services.gate.snapshot(false, false);
+    m_services.systemModel.refresh();
     Q_EMIT changed();
 }
 
@@ -260,9 +260,14 @@ void AssistantSettings::keepForgotten()
 void AssistantSettings::readMemory()
 {
     m_memory.clear();
-    for (const ScopedMemoryEntry& entry : fetchAllMemoryEntries(m_db, memoryLimit))
-        m_memory.append(QVariantMap { { QStringLiteral("id"), entry.id }, { QStringLiteral("scope"), scopeText(entry) },
-            { QStringLiteral("body"), singleLine(entry.body) } });
+    QString last;
+    for (const ScopedMemoryEntry& entry : fetchAllMemoryEntries(m_db, memoryLimit)) {
+        const QString scope = scopeText(entry);
+        m_memory.append(QVariantMap { { QStringLiteral("id"), entry.id }, { QStringLiteral("scope"), scope },
+            { QStringLiteral("body"), singleLine(entry.body) },
+            { QStringLiteral("heading"), scope == last ? QString() : scope } });
+        last = scope;
+    }
     Q_EMIT memoryChanged();
 }
 

@@ -34,7 +34,8 @@ class AssistantSettings : public QObject {
     Q_PROPERTY(bool trying READ trying NOTIFY tryChanged)
     Q_PROPERTY(QString tryText READ tryText NOTIFY tryChanged) ///< how far it is, or what came of it
     Q_PROPERTY(QString tryKind READ tryKind NOTIFY tryChanged) ///< "idle", "busy", "good" or "bad"
-    Q_PROPERTY(QVariantList memory READ memory NOTIFY memoryChanged) ///< {id, scope, body}
+    Q_PROPERTY(
+        QVariantList memory READ memory NOTIFY memoryChanged) ///< {id, scope, body, heading: on the first of a scope}
     Q_PROPERTY(QString memoryEmptyText READ memoryEmptyText CONSTANT)
     Q_PROPERTY(QString forgottenText READ forgottenText NOTIFY memoryChanged) ///< empty: nothing to take back
 public:

@@ -44,6 +44,7 @@ T.Button {
             }
             Label {
                 anchors.verticalCenter: parent.verticalCenter
+                visible: text !== ""
                 text: control.text
                 color: control.ink
                 font.weight: control.kind === "primary" ? Theme.strong : Theme.regular

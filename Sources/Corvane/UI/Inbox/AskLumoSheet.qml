@@ -7,10 +7,13 @@ Sheet {
 
     required property QtObject askLumo ///< the view model
 
+    signal settingsAsked
+
     objectName: "askLumo"
     title: askLumo.heading
     width: 520
     onAboutToShow: {
+        askLumo.lookForBackend();
         question.text = askLumo.question;
         question.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -30,6 +33,7 @@ Sheet {
         width: parent.width
         panel: sheet.askLumo
         name: qsTr("Answer")
+        onDismissed: question.forceActiveFocus(Qt.TabFocusReason)
         TextEdit {
             objectName: "askLumo.text"
             width: parent.width
@@ -42,6 +46,7 @@ Sheet {
             selectionColor: Theme.accent
             selectedTextColor: Theme.accentInk
             font.pixelSize: Theme.body
+            Accessible.name: sheet.askLumo.answer
         }
     }
     Label {
@@ -52,6 +57,16 @@ Sheet {
         wrapMode: Text.Wrap
     }
     buttons: [
+        Button {
+            objectName: "askLumo.settings"
+            visible: !sheet.askLumo.canAsk
+            kind: "quiet"
+            text: qsTr("Assistant settings")
+            onClicked: {
+                sheet.close();
+                sheet.settingsAsked();
+            }
+        },
         Button {
             kind: "quiet"
             text: qsTr("Close")

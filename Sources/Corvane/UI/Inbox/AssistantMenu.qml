@@ -20,11 +20,12 @@ IconButton {
     onClicked: openMenu()
 
     function openMenu() {
-        menu.popup(button, 0, -menu.implicitHeight - Theme.tight);
+        menu.popup(button, width - menu.implicitWidth, -menu.implicitHeight - Theme.tight);
     }
 
     Menu {
         id: menu
+        delegate: MenuItem { icon.name: subMenu === languages ? "languages" : "document-edit" }
         MenuItem {
             objectName: "assistant.draftReply"
             icon.name: "mail-reply"
@@ -32,11 +33,13 @@ IconButton {
             onTriggered: button.draft.draftReply()
         }
         MenuItem {
+            objectName: "assistant.summarize"
             icon.name: "view-list"
             text: qsTr("Summarize this thread")
             onTriggered: button.inbox.summary.summarize()
         }
         MenuItem {
+            objectName: "assistant.ask"
             icon.name: "edit-find"
             text: button.inbox.askLumo.heading + "…"
             onTriggered: button.askAsked()

@@ -6,7 +6,37 @@ FocusScope {
     id: panels
 
     required property QtObject inbox
+    required property real room ///< height that the thread can spare
 
+    readonly property int ready: (summary.ready ? 1 : 0) + (draft.ready ? 1 : 0)
+    /// What is left for the text of each card beside its head and its buttons.
+    readonly property real textRoom: Math.min(240, Math.max(72, room / Math.max(1, ready) - 100))
+
+    signal emptied ///< what had the keyboard here is gone
+    signal settingsAsked
+
+    /// One level back: what the keyboard is on goes.
+    function back() {
+        let at = Window.activeFocusItem;
+        while (at && at !== summary && at !== draft)
+            at = at.parent;
+        if (at)
+            at.dismiss();
+        else
+            emptied();
+    }
+
+    onActiveFocusChanged: {
+        const at = Window.activeFocusItem;
+        if (!activeFocus || (at !== panels && at.visible))
+            return;
+        if (draft.visible)
+            draft.enter();
+        else if (summary.visible)
+            summary.enter();
+        else
+            nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
+    }
     implicitHeight: content.implicitHeight > 0 ? content.implicitHeight + Theme.medium : 0
     enabled: implicitHeight > 0
     visible: inbox.selectedId !== ""
@@ -23,6 +53,9 @@ FocusScope {
             width: parent.width
             panel: panels.inbox.summary
             name: qsTr("Summary of the thread")
+            room: panels.textRoom
+            onDismissed: panels.emptied()
+            onSettingsAsked: panels.settingsAsked()
             Text {
                 objectName: "summary.text"
                 width: parent.width
@@ -38,6 +71,11 @@ FocusScope {
                     cursorShape: parent.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
                 }
             }
+            Citations {
+                width: parent.width
+                inbox: panels.inbox
+                citations: panels.inbox.summary.citations
+            }
             Label {
                 width: parent.width
                 text: panels.inbox.summary.modelName
@@ -46,14 +84,18 @@ FocusScope {
             }
         }
         DraftPreview {
+            id: draft
             width: parent.width
             inbox: panels.inbox
+            room: panels.textRoom
+            onDismissed: panels.emptied()
+            onSettingsAsked: panels.settingsAsked()
         }
         Banner {
             objectName: "draftTaken"
             width: parent.width
             visible: panels.inbox.composer.canUndo && panels.inbox.assistant.state === "idle"
-            text: qsTr("The draft stands in the composer.")
+            text: qsTr("The text stands in the composer.")
             action: qsTr("Undo")
             onActed: panels.inbox.composer.undo()
         }

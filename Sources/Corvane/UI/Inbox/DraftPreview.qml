@@ -55,27 +55,10 @@ GenerationCard {
             }
         }
     }
-    Flow {
+    Citations {
         width: parent.width
-        spacing: Theme.tight
-        visible: card.draft.citations.length > 0
-        Label {
-            height: 24
-            verticalAlignment: Text.AlignVCenter
-            text: qsTr("Rests on")
-            font.pixelSize: Theme.meta
-            color: Theme.soft
-        }
-        Repeater {
-            model: card.draft.citations
-            Chip {
-                required property var modelData
-                text: modelData.label
-                Accessible.name: qsTr("Show the message %1: %2").arg(modelData.label).arg(modelData.excerpt)
-                onClicked: card.inbox.jumpTo(modelData.messageId)
-                Tooltip { text: modelData.excerpt.slice(0, 120); shown: parent.hovered }
-            }
-        }
+        inbox: card.inbox
+        citations: card.draft.citations
     }
     buttons: [
         Button {
@@ -91,6 +74,13 @@ GenerationCard {
             text: qsTr("Replace")
             hint: qsTr("In place of what stands in the composer")
             onClicked: card.draft.replace()
+        },
+        Button {
+            objectName: "draftPreview.undo"
+            visible: card.inbox.composer.canUndo
+            text: qsTr("Undo")
+            hint: qsTr("The composer as it was before the last draft")
+            onClicked: card.inbox.composer.undo()
         }
     ]
 }

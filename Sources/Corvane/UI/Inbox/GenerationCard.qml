@@ -10,13 +10,33 @@ Card {
     property string name ///< said aloud
     property string dismissLabel: qsTr("Dismiss")
     property alias buttons: foot.data
+    property real room: 240 ///< for what is ready; the rest scrolls
     default property alias content: body.data
 
-    readonly property string state: panel.state
-    readonly property bool ready: state === "ready"
-    readonly property bool failed: state === "error" || state === "missingModel"
+    readonly property string phase: panel.state
+    readonly property bool ready: phase === "ready"
+    readonly property bool failed: phase === "error" || phase === "missingModel"
 
-    visible: state !== "idle"
+    signal dismissed ///< by the person, from here
+    signal settingsAsked
+
+    /// Where the keyboard comes in: the action that is most likely meant.
+    function enter() {
+        let entry = close;
+        for (let i = 0; ready && i < foot.children.length; ++i) {
+            if (foot.children[i].kind === "primary")
+                entry = foot.children[i];
+        }
+        entry.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    function dismiss() {
+        panel.dismiss();
+        dismissed();
+    }
+
+    visible: phase !== "idle"
+    onPhaseChanged: if (visible) WindowTools.announce(heading)
     padding: Theme.medium
     Accessible.role: Accessible.Pane
     Accessible.name: name
@@ -36,7 +56,7 @@ Card {
                 name: card.failed ? "dialog-warning" : "hub-lumo"
                 color: card.failed ? Theme.warn : Theme.accent
                 RotationAnimation on rotation {
-                    running: card.state === "loading" && Theme.pane > 0
+                    running: card.phase === "loading" && Theme.pane > 0
                     from: 0
                     to: 360
                     duration: 1600
@@ -45,6 +65,7 @@ Card {
                 }
             }
             Label {
+                id: heading
                 width: parent.width - mark.width - parent.spacing
                 anchors.verticalCenter: parent.verticalCenter
                 text: card.panel.title
@@ -53,15 +74,20 @@ Card {
                 Accessible.role: Accessible.AlertMessage
             }
         }
-        IconButton {
+        Button {
             id: close
+            readonly property bool busy: card.phase === "loading"
             objectName: card.objectName + ".dismiss"
             anchors.right: parent.right
-            size: 26
-            iconSize: 14
-            icon.name: "window-close"
-            text: card.state === "loading" ? qsTr("Cancel") : card.dismissLabel
-            onClicked: card.panel.dismiss()
+            kind: busy ? "plain" : "quiet"
+            implicitHeight: 26
+            leftPadding: busy ? Theme.small : 5
+            rightPadding: leftPadding
+            icon.name: busy ? "" : "window-close"
+            text: busy ? qsTr("Cancel") : ""
+            hint: busy ? "" : card.dismissLabel
+            Accessible.name: busy ? qsTr("Cancel") : card.dismissLabel
+            onClicked: card.dismiss()
         }
     }
     Label {
@@ -72,23 +98,53 @@ Card {
         color: Theme.soft
     }
     Flickable {
+        id: view
+        readonly property real below: Math.max(0, contentHeight - height)
         width: parent.width
-        height: Math.min(body.implicitHeight, 240)
+        height: Math.min(body.implicitHeight, card.room)
         visible: card.ready
         contentHeight: body.implicitHeight
         clip: true
         boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: below > 0
+        Accessible.role: Accessible.Pane
+        Accessible.name: card.name
+        Keys.onUpPressed: contentY = Math.max(0, contentY - 40)
+        Keys.onDownPressed: contentY = Math.min(below, contentY + 40)
         T.ScrollBar.vertical: ScrollBar {}
+        RevealFocus { view: view }
         Column {
             id: body
             width: parent.width - Theme.small
             spacing: Theme.small
         }
     }
+    FocusRing { control: view; parent: view; anchors.margins: 0; radius: Theme.controlRadius }
     Flow {
         id: foot
         width: parent.width
-        visible: card.ready
+        visible: card.ready && children.length > 0
         spacing: Theme.small
+    }
+    Flow {
+        width: parent.width
+        visible: card.failed && (card.panel.canTryAgain || card.phase === "missingModel")
+        spacing: Theme.small
+        Button {
+            objectName: card.objectName + ".again"
+            visible: card.panel.canTryAgain
+            text: qsTr("Try again")
+            onClicked: {
+                close.forceActiveFocus(focusReason);
+                card.panel.tryAgain();
+            }
+        }
+        Button {
+            objectName: card.objectName + ".settings"
+            visible: card.phase === "missingModel"
+            kind: "quiet"
+            text: qsTr("Assistant settings")
+            onClicked: card.settingsAsked()
+        }
     }
 }

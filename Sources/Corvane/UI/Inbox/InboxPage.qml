@@ -15,6 +15,7 @@ Page {
     readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.showCRM)
 
     signal openSettings
+    signal openAssistantSettings
 
     panes: [list, drafts, thread, panels, reply, contact]
     Component.onCompleted: inbox.appear()
@@ -80,6 +81,8 @@ Page {
         if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
+        } else if (panels.activeFocus) {
+            panels.back();
         } else if (reply.activeFocus && open) {
             thread.forceActiveFocus(Qt.TabFocusReason);
         } else if (thread.activeFocus || drafts.activeFocus || contact.activeFocus) {
@@ -136,6 +139,9 @@ Page {
         anchors.right: thread.right
         height: implicitHeight
         inbox: page.inbox
+        room: page.height - drafts.height - reply.height - 160
+        onEmptied: reply.focusField()
+        onSettingsAsked: page.openAssistantSettings()
     }
     Composer {
         id: reply
@@ -172,6 +178,7 @@ Page {
     AskLumoSheet {
         id: askLumo
         askLumo: page.inbox.askLumo
+        onSettingsAsked: page.openAssistantSettings()
     }
     NewMessage { compose: page.inbox.composeSheet }
     UndoToast {

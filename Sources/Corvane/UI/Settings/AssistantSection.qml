@@ -148,29 +148,46 @@ Column {
             text: section.assistant.memoryEmptyText
             color: Theme.soft
         }
-        Repeater {
-            model: section.assistant.memory
-            SettingRow {
-                id: entry
-                required property var modelData
-                label: modelData.body
-                hint: modelData.scope
-                Button {
-                    objectName: "assistant.forget." + entry.modelData.id
-                    kind: "quiet"
-                    text: qsTr("Forget")
-                    Accessible.name: qsTr("Forget: %1").arg(entry.modelData.body)
-                    onClicked: section.assistant.forget(entry.modelData.id)
-                }
-            }
-        }
         SettingRow {
             visible: hint !== ""
             hint: section.assistant.forgottenText
             Button {
+                id: keep
                 objectName: "assistant.keep"
                 text: qsTr("Undo")
                 onClicked: section.assistant.keepForgotten()
+            }
+        }
+        Repeater {
+            model: section.assistant.memory
+            Column {
+                id: entry
+                required property var modelData
+                width: parent ? parent.width : 0
+                spacing: Theme.tight
+                Label {
+                    visible: text !== ""
+                    text: entry.modelData.heading
+                    font.pixelSize: Theme.meta
+                    font.weight: Theme.strong
+                    color: Theme.soft
+                    Accessible.role: Accessible.Heading
+                }
+                SettingRow {
+                    label: entry.modelData.body
+                    Button {
+                        objectName: "assistant.forget." + entry.modelData.id
+                        kind: "quiet"
+                        text: qsTr("Forget")
+                        Accessible.name: qsTr("Forget: %1").arg(entry.modelData.body)
+                        onClicked: {
+                            const undo = keep;
+                            const reason = focusReason;
+                            section.assistant.forget(entry.modelData.id);
+                            undo.forceActiveFocus(reason);
+                        }
+                    }
+                }
             }
         }
     }

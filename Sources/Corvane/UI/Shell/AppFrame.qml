@@ -94,6 +94,10 @@ FocusScope {
             layout: frame.layout
             hubBar: bar
             onOpenSettings: frame.shell.openSettings()
+            onOpenAssistantSettings: {
+                frame.settings.section = "assistant";
+                frame.shell.openSettings();
+            }
         }
     }
     Component {
