@@ -2,25 +2,13 @@
 // models and a database that the demonstration engines filled through the real supervisor. The clock stands
 // still, so that each run draws the same.
 
+#include "gallery-machine.h"
+
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Ids.h"
-#include "Foundation/SystemScheduler.h"
-#include "Platform/AddressBook.h"
-#include "Platform/AudioPlayer.h"
-#include "Platform/Desktop.h"
-#include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/MachineFacts.h"
-#include "Platform/Microphone.h"
-#include "Platform/NotificationService.h"
-#include "Platform/PortHolders.h"
-#include "Platform/ProcessLauncher.h"
-#include "Platform/SecretStore.h"
-#include "Platform/SystemLanguageModel.h"
-#include "Platform/ToolRunner.h"
-#include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/InboxQueries.h"
@@ -44,45 +32,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The demonstration's hour for ever; waits are real.
-class StandingClock final : public Scheduler {
-public:
-    explicit StandingClock(qint64 nowMs)
-        : m_nowMs(nowMs)
-    {
-    }
-    qint64 nowMs() const override { return m_nowMs; }
-    void move(Milliseconds by) { m_nowMs += by.count(); }
-    void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< what is asked from now on comes sooner
-    std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
-    {
-        return m_system.after(std::min(delay, m_longest), std::move(callback));
-    }
-    std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) override
-    {
-        return m_system.every(period, std::move(callback));
-    }
-
-private:
-    qint64 m_nowMs;
-    Milliseconds m_longest = Milliseconds::max();
-    SystemScheduler m_system;
-};
-
-/// A desktop that is light or dark as the picture wants it, and never moves.
-class PictureDesktop final : public Desktop {
-public:
-    void openInBrowser(const QUrl&) override { }
-    bool openFile(const QString&) override { return true; }
-    bool openLink(const QUrl&) override { return true; }
-    QString hostName() const override { return u"studio"_s; }
-    void setBadge(int) override { }
-    ColourScheme colourScheme() const override { return scheme; }
-    bool prefersReducedMotion() const override { return true; }
-
-    ColourScheme scheme = ColourScheme::Light;
-};
-
 enum class Look { Light, Dark, LightSmall, DarkSmall };
 
 class Gallery {
@@ -90,7 +39,7 @@ public:
     Gallery(const QString& folder, qint64 nowMs)
         : m_folder(folder)
         , m_clock(nowMs)
-        , m_app(AppPaths::fromEnvironment(), m_clock, machine(m_desktop))
+        , m_app(AppPaths::fromEnvironment(), m_clock, pictureMachine(m_desktop, m_model))
         , m_screens(m_app)
         , m_window(m_screens, m_app.defaults())
         , m_panel(m_window.engine(), m_screens.panel, m_clock)
@@ -106,6 +55,7 @@ public:
         m_app.startAllEngines();
         waitForEngines();
         inboxScreens();
+        assistantScreens();
         contactScreens();
         approvalScreens();
         settingsScreens();
@@ -115,26 +65,6 @@ public:
     }
 
 private:
-    static Machine machine(PictureDesktop*& desktop)
-    {
-        static SystemScheduler scheduler;
-        Machine machine;
-        machine.launcher = makeProcessLauncher(scheduler);
-        machine.ports = makePortHolders();
-        machine.secrets = makeSecretStore(AppPaths::fromEnvironment());
-        machine.notifications = makeNotificationService();
-        auto own = std::make_unique<PictureDesktop>();
-        desktop = own.get();
-        machine.desktop = std::move(own);
-        machine.microphone = makeMicrophone(scheduler);
-        machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
-        machine.tools = makeToolRunner();
-        machine.languageModel = makeLanguageModel(scheduler);
-        machine.facts = makeMachineFacts(AppPaths::fromEnvironment());
-        machine.player = makeAudioPlayer(scheduler);
-        return machine;
-    }
-
     void wait(Milliseconds duration)
     {
         QEventLoop loop;
@@ -246,6 +176,7 @@ private:
     }
 
     void inboxScreens();
+    void assistantScreens();
     void contactScreens();
     void approvalScreens();
     void settingsScreens();
@@ -255,6 +186,7 @@ private:
     QString m_folder;
     StandingClock m_clock;
     PictureDesktop* m_desktop = nullptr;
+    PictureModel* m_model = nullptr;
     CorvaneApp m_app;
     Screens m_screens;
     MainWindow m_window;
@@ -321,6 +253,58 @@ void Gallery::inboxScreens()
     inbox.archiveChecked();
     save(u"inbox-undo"_s, { Look::Dark });
     inbox.undo();
+}
+
+void Gallery::assistantScreens()
+{
+    InboxView& inbox = m_screens.inbox;
+    openThread(u"Megan Price"_s);
+    m_model->says
+        = u"Four of the blue ones, and I was not even there! Thank you, Megan. I told Petra Lindqvist that she "
+          u"can fetch hers on Thursday at 16:30."_s;
+    inbox.assistant()->draftReply();
+    save(u"assistant-draft"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    inbox.assistant()->accept();
+    save(u"assistant-taken"_s, { Look::Light });
+    m_model->says.clear();
+    inbox.assistant()->rewrite(u"shorten"_s);
+    save(u"assistant-busy"_s, { Look::Light });
+    inbox.assistant()->dismiss();
+    press(Qt::Key_J, Qt::ControlModifier);
+    for (const int key : { Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Right })
+        press(key);
+    save(u"assistant-menu"_s, { Look::Light, Look::DarkSmall });
+    press(Qt::Key_Escape);
+    press(Qt::Key_Escape);
+    inbox.composer()->setText({});
+
+    m_model->says = u"- Situation: Megan keeps the studio open and asks what to do with a visitor [M].\n- Key points:\n"
+                    u"  - The visitor bought four of the blue ones [M].\n  - She paid in cash; it is in the tin [M].\n"
+                    u"- Next action: thank her and count the tin [M]."_s;
+    inbox.summary()->summarize();
+    save(u"assistant-summary"_s, { Look::Light, Look::Dark });
+    inbox.summary()->dismiss();
+    press(Qt::Key_J, Qt::ControlModifier);
+    for (const int key : { Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return })
+        press(key);
+    m_model->says
+        = u"She sold four of the blue ones for cash and put the money in the tin.\n\nThe local context does not "
+          u"say how much it was."_s;
+    if (QQuickItem* question = item(u"askLumo.question"_s))
+        question->setProperty("text", u"What did she sell today?"_s);
+    inbox.askLumo()->ask(u"What did she sell today?"_s);
+    save(u"assistant-ask"_s, { Look::Light, Look::Dark });
+    press(Qt::Key_Escape);
+
+    m_model->setReason(u"No model server answers at http://127.0.0.1:11434 or http://127.0.0.1:8080."_s);
+    inbox.assistant()->draftReply();
+    save(u"assistant-missing"_s, { Look::Light, Look::Dark });
+    inbox.assistant()->dismiss();
+    m_screens.settings.setSection(u"assistant"_s);
+    m_screens.shell.openSettings();
+    save(u"settings-assistant-missing"_s, { Look::Light });
+    m_screens.shell.closeSettings();
+    m_model->setReason({});
 }
 
 void Gallery::contactScreens()
@@ -454,6 +438,9 @@ void Gallery::settingsScreens()
     m_screens.settings.setSection(u"approvals"_s);
     m_screens.settings.controlChat()->choose(conversationId(u"taller-vidal"_s, u"34600000109@s.whatsapp.net"_s));
     save(u"settings-approvals"_s, { Look::Light, Look::Dark });
+    m_app.engine().db().run(u"INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES"
+                            u"('g1','business','The studio closes for two weeks in August.','1'),"
+                            u"('g2','owner','Signs with Marta, never with the surname.','2');"_s);
     m_screens.settings.setSection(u"assistant"_s);
     save(u"settings-assistant"_s, { Look::Light, Look::Dark, Look::LightSmall });
     m_screens.settings.setSection(u"sync"_s);

@@ -3,6 +3,7 @@
 #include <coroutine>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace corvane {
 

@@ -1,0 +1,155 @@
+#pragma once
+
+// The machine that the pictures of tools/gallery show: real where it moves the program, and the same each time.
+
+#include "Foundation/Arrival.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/AddressBook.h"
+#include "Platform/AudioPlayer.h"
+#include "Platform/Desktop.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
+#include "Platform/Microphone.h"
+#include "Platform/NotificationService.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SecretStore.h"
+#include "Platform/SystemLanguageModel.h"
+#include "Platform/ToolRunner.h"
+#include "Platform/Tray.h"
+#include "Shell/CorvaneApp.h"
+
+#include <QJsonArray>
+#include <QRegularExpression>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+/// The demonstration's hour for ever; waits are real.
+class StandingClock final : public Scheduler {
+public:
+    explicit StandingClock(qint64 nowMs)
+        : m_nowMs(nowMs)
+    {
+    }
+    qint64 nowMs() const override { return m_nowMs; }
+    void move(Milliseconds by) { m_nowMs += by.count(); }
+    void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< what is asked from now on comes sooner
+    std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
+    {
+        return m_system.after(std::min(delay, m_longest), std::move(callback));
+    }
+    std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) override
+    {
+        return m_system.every(period, std::move(callback));
+    }
+
+private:
+    qint64 m_nowMs;
+    Milliseconds m_longest = Milliseconds::max();
+    SystemScheduler m_system;
+};
+
+/// A desktop that is light or dark as the picture wants it, and never moves.
+class PictureDesktop final : public Desktop {
+public:
+    void openInBrowser(const QUrl&) override { }
+    bool openFile(const QString&) override { return true; }
+    bool openLink(const QUrl&) override { return true; }
+    QString hostName() const override { return u"studio"_s; }
+    void setBadge(int) override { }
+    ColourScheme colourScheme() const override { return scheme; }
+    bool prefersReducedMotion() const override { return true; }
+
+    ColourScheme scheme = ColourScheme::Light;
+};
+
+/// A model that says what the picture wants; where it wants nothing, it is asked for ever.
+class PictureModel final : public SystemLanguageModel {
+public:
+    void choose(const Choice&) override { }
+    std::optional<QString> unavailableReason() const override { return reason; }
+    QString displayName() const override { return u"llama3.2:3b (Ollama)"_s; }
+    QStringList models() const override { return { u"llama3.2:3b"_s, u"qwen2.5:7b"_s }; }
+    QCoro::Task<> refresh() override { co_return; }
+
+    QCoro::Task<Result<QString>> respond(QString, QString prompt, CancelHandle cancel) override
+    {
+        const Arrival<bool> over;
+        const auto watch = cancel.onCancel([over] { over.arrive(true); });
+        if (says.isEmpty())
+            co_await over;
+        if (cancel.isCancelled())
+            co_return cancelled();
+        co_return QString(says).replace(u"[M]"_s, u'[' + newestLabel(prompt) + u']');
+    }
+    QCoro::Task<Result<QJsonObject>> respondGenerating(
+        QString instructions, QString prompt, QJsonObject, CancelHandle cancel) override
+    {
+        const Result<QString> text = co_await respond(instructions, prompt, cancel);
+        if (!text)
+            co_return std::unexpected(text.error());
+        co_return QJsonObject { { "body", *text }, { "intent", "draft_reply" },
+            { "citations", QJsonArray { newestLabel(prompt) } }, { "warnings", QJsonArray() },
+            { "send_side_effect", false } };
+    }
+    void setReason(const std::optional<QString>& words)
+    {
+        reason = words;
+        Q_EMIT availabilityChanged();
+    }
+
+    QString says;
+    std::optional<QString> reason;
+
+private:
+    /// Of the last message that the prompt tells.
+    static QString newestLabel(const QString& prompt)
+    {
+        static const QRegularExpression line(u"^\\[(M\\d+)\\]"_s, QRegularExpression::MultilineOption);
+        QString label;
+        for (const QRegularExpressionMatch& match : line.globalMatch(prompt))
+            label = match.captured(1);
+        return label;
+    }
+};
+
+/// A machine that is the same in every picture.
+class PictureFacts final : public MachineFacts {
+public:
+    SystemVersion version() const override { return { 6, 1, 0 }; }
+    SystemVersion minimumVersion() const override { return { 5, 10, 0 }; }
+    MachineState state() const override
+    {
+        MachineState state;
+        state.powerSourceStates = { u"AC Power"_s };
+        state.physicalMemoryBytes = 16ULL << 30;
+        state.freeDiskBytes = 212LL << 30;
+        return state;
+    }
+};
+
+inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
+{
+    static SystemScheduler scheduler;
+    Machine machine;
+    machine.launcher = makeProcessLauncher(scheduler);
+    machine.ports = makePortHolders();
+    machine.secrets = makeSecretStore(AppPaths::fromEnvironment());
+    machine.notifications = makeNotificationService();
+    auto own = std::make_unique<PictureDesktop>();
+    desktop = own.get();
+    machine.desktop = std::move(own);
+    machine.microphone = makeMicrophone(scheduler);
+    machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
+    machine.tools = makeToolRunner();
+    auto ownModel = std::make_unique<PictureModel>();
+    model = ownModel.get();
+    machine.languageModel = std::move(ownModel);
+    machine.facts = std::make_unique<PictureFacts>();
+    machine.player = makeAudioPlayer(scheduler);
+    return machine;
+}
+
+}
