@@ -94,7 +94,7 @@ FocusScope {
         Banner {
             objectName: "draftTaken"
             width: parent.width
-            visible: panels.inbox.composer.canUndo && panels.inbox.assistant.state === "idle"
+            visible: panels.inbox.composer.canUndo && panels.inbox.composer.canSend && panels.inbox.assistant.state === "idle"
             text: qsTr("The text stands in the composer.")
             action: qsTr("Undo")
             onActed: panels.inbox.composer.undo()
