@@ -215,7 +215,8 @@ TEST_F(AssistantWindow, withoutAServerEachPlaceSaysSoAndShowsTheWayOn)
     press(Qt::Key_Escape);
 
     says(reply);
-    click(u"draftPreview.again"_s);
+    walkTo(u"draftPreview.again"_s);
+    press(Qt::Key_Return);
     waitFor(u"draftPreview.accept"_s);
     stop();
     choose(2);

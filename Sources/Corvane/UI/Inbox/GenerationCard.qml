@@ -22,7 +22,7 @@ Card {
 
     /// Where the keyboard comes in: the action that is most likely meant.
     function enter() {
-        let entry = close;
+        let entry = again.visible ? again : close;
         for (let i = 0; ready && i < foot.children.length; ++i) {
             if (foot.children[i].kind === "primary")
                 entry = foot.children[i];
@@ -131,6 +131,7 @@ Card {
         visible: card.failed && (card.panel.canTryAgain || card.phase === "missingModel")
         spacing: Theme.small
         Button {
+            id: again
             objectName: card.objectName + ".again"
             visible: card.panel.canTryAgain
             text: qsTr("Try again")
