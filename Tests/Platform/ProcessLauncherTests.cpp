@@ -334,9 +334,8 @@ TEST_F(ProcessLauncherTest, aHandlerMayStartAChildOrDestroyTheLauncher)
 
 TEST_F(ProcessLauncherTest, aLineOfFiftyMegabytesArrivesWholeAndWithoutACutCharacter)
 {
-    // Blocks of 65536 bytes do not divide into characters of three.
-    const auto watched = run({ "repeat 17476267 €", "half cut", "bytes e282" });
-    EXPECT_EQ(watched->text.size(), 17476267 + 3);
+    const auto watched = run({ "bytes f09f", "sleep 50", "bytes 9880", "repeat 17476267 €", "half cut", "bytes e282" });
+    EXPECT_TRUE(watched->text.startsWith("😀€"));
     EXPECT_EQ(watched->text.count(u'€'), 17476267);
     EXPECT_TRUE(watched->text.endsWith("cut"));
 }

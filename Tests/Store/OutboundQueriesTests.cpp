@@ -52,6 +52,23 @@ TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
     EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50).size(), 0);
 }
 
+TEST_F(OutboundTest, ofTwoProgramsOneTakesTheStepAndOnlyASendThatIsTooOldFails)
+{
+    LocalDB other(path(), { m_home.paths().resources, m_home.paths().home }, m_clock, m_defaults, m_centre);
+    const QString id = queue("once");
+    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending")) << "nobody released it";
+    EXPECT_TRUE(moveDraft(other, id, "pending", "approved"));
+    m_clock.advance(seconds(1));
+    EXPECT_TRUE(moveDraft(*m_db, id, "approved", "sending"));
+    EXPECT_FALSE(moveDraft(other, id, "approved", "sending"));
+    m_clock.advance(seconds(120));
+    failStaleSendingDrafts(*m_db, 120'000);
+    EXPECT_EQ(fetchDraft(*m_db, id)->status, "sending");
+    m_clock.advance(Milliseconds(1));
+    failStaleSendingDrafts(*m_db, 120'000);
+    EXPECT_EQ(fetchDraft(*m_db, id)->status, "failed");
+}
+
 TEST_F(OutboundTest, aDraftInFlightIsNotEdited)
 {
     const QString id = queue("first");
