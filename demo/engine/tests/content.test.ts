@@ -114,6 +114,11 @@ test("each kind of medium is there as a file of its kind, and some are still to 
   assert.ok(withMedia.length - media().length >= 2);
   assertDecodes(media().filter((path) => !/\.(csv|pdf)$/.test(path)));
   for (const path of media().filter((each) => each.endsWith(".pdf"))) assertPdf(readFileSync(path, "latin1"));
+  for (const path of media().filter((each) => each.endsWith(".wav"))) {
+    const bytes = readFileSync(path);
+    assert.equal(bytes.readUInt32LE(40), bytes.length - 44);
+    assert.ok(new Int16Array(new Uint8Array(bytes.subarray(44)).buffer).some((sample) => sample > 4000), "silence");
+  }
   for (const path of media().filter((each) => each.endsWith(".csv"))) {
     const rows = readFileSync(path, "utf8").trimEnd().split("\n");
     assert.equal(new Set(rows.map((row) => row.split(",").length)).size, 1);
