@@ -17,6 +17,7 @@ namespace corvane {
 namespace {
 
 const QString whatsApp = QStringLiteral("WHATSAPP");
+constexpr Milliseconds openingTime { 60 };
 
 }
 
@@ -53,7 +54,7 @@ void InboxView::select(const QString& contactId)
     openContact(row);
 }
 
-// Shows the person at once; the list is read again at the next turn, so that held arrow keys keep their pace.
+// Shows the person at once; the list is read again when they stand on the screen and no further one was opened.
 void InboxView::openContact(const ContactRow& row)
 {
     const int unread = row.unread; // counted as read from here on
@@ -64,7 +65,7 @@ void InboxView::openContact(const ContactRow& row)
     tellWhatIsOpen();
     readSelected();
     openPanes(m_selectedRow, unread);
-    m_reloadSoon.request();
+    m_reloadAfterOpening = m_scheduler.after(openingTime, [this] { m_reloadSoon.request(); });
     present();
     Q_EMIT selectionChanged();
 }

@@ -264,6 +264,7 @@ private:
     QVariantList m_banners;
 
     Coalescer m_reloadSoon;
+    std::unique_ptr<Timer> m_reloadAfterOpening;
     Coalescer m_countsSoon;
     std::unique_ptr<Timer> m_searchDebounce;
     std::unique_ptr<Timer> m_midnight;

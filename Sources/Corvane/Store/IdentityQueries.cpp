@@ -96,8 +96,9 @@ void repeatMerges(LocalDB& db)
         QString conversation;
         QString contact;
     };
+    // The cross join holds the order of the loops: few are merged, and every conversation would be walked.
     const auto returned = db.rows(R"(SELECT DISTINCT c.id, c.contact_id
-FROM contact_merge m JOIN unified_conversation c ON c.contact_id=m.merged_contact_id
+FROM contact_merge m CROSS JOIN unified_conversation c ON c.contact_id=m.merged_contact_id
 WHERE m.undone_at IS NULL AND c.deleted_at IS NULL;)",
         {}, [](const SqlRow& row) { return Returned { row.text(0), row.text(1) }; });
     for (const auto& [conversation, contact] : returned) {
