@@ -1,29 +1,12 @@
-#include "Mirror.h"
+#include "PlayedProgram.h"
 #include "Rivals.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/EngineManager.h"
-#include "Foundation/SystemScheduler.h"
-#include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/MachineFacts.h"
-#include "Platform/Microphone.h"
-#include "Platform/ProcessLauncher.h"
-#include "Platform/SystemLanguageModel.h"
-#include "Platform/ToolRunner.h"
-#include "Platform/Tray.h"
-#include "Shell/CorvaneApp.h"
-#include "Shell/Screens.h"
 #include "Store/LocalDB.h"
-#include "Support/FakeDesktop.h"
-#include "Support/FakeNotificationService.h"
-#include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
-#include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
 #include <QGuiApplication>
-#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
 namespace corvane::bench {
@@ -35,7 +18,7 @@ class Bench {
 public:
     Bench()
     {
-        LocalDB& db = m_app.engine().db();
+        LocalDB& db = m_program.app.engine().db();
         const QString numbers
             = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<10000) ");
         db.exec(QStringLiteral("BEGIN;"));
@@ -58,42 +41,20 @@ public:
             + QStringLiteral("SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
                              "FROM n;"));
         db.exec(QStringLiteral("COMMIT;"));
-        m_app.approvals().attach(m_app.engine(), m_app.calls());
-        m_app.engine().refreshDrafts();
-        m_screens.panel.setTab(QStringLiteral("approvals"));
+        m_program.app.approvals().attach(m_program.app.engine(), m_program.app.calls());
+        m_program.app.engine().refreshDrafts();
+        m_program.screens.panel.setTab(QStringLiteral("approvals"));
     }
 
-    ApprovalsStore& approvals() { return m_app.approvals(); }
-    EngineManager& engines() { return m_app.engine(); }
+    ApprovalsStore& approvals() { return m_program.app.approvals(); }
+    EngineManager& engines() { return m_program.app.engine(); }
     std::unique_ptr<PanelWindow> panel()
     {
-        return std::make_unique<PanelWindow>(m_window.engine(), m_screens.panel, m_scheduler);
+        return std::make_unique<PanelWindow>(m_program.window.engine(), m_program.screens.panel, m_program.scheduler);
     }
 
 private:
-    Machine machine()
-    {
-        Machine machine;
-        machine.launcher = makeProcessLauncher(m_scheduler);
-        machine.ports = std::make_unique<FakePortHolders>();
-        machine.secrets = std::make_unique<FakeSecretStore>();
-        machine.notifications = std::make_unique<FakeNotificationService>();
-        machine.desktop = std::make_unique<FakeDesktop>();
-        machine.microphone = makeMicrophone(m_scheduler);
-        machine.addressBook = makeAddressBook(m_paths);
-        machine.tools = makeToolRunner();
-        machine.languageModel = makeLanguageModel(m_scheduler);
-        machine.facts = makeMachineFacts(m_paths);
-        return machine;
-    }
-
-    QTemporaryDir m_folder;
-    AppPaths m_paths { m_folder.path(), m_folder.filePath(QStringLiteral("share")),
-        m_folder.filePath(QStringLiteral("defaults.ini")), resourceFolder() };
-    SystemScheduler m_scheduler;
-    CorvaneApp m_app { m_paths, m_scheduler, machine() };
-    Screens m_screens { m_app };
-    MainWindow m_window { m_screens, m_app.defaults() };
+    PlayedProgram m_program;
 };
 
 Bench& bench()
@@ -153,8 +114,7 @@ BENCHMARK(deliveryTick)->Name("delivery tick of 30,000 waiting")->Unit(benchmark
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    corvane::bench::withoutDisplay();
     const QGuiApplication application(argc, argv);
     return corvane::bench::runAgainstRivals(argc, argv);
 }

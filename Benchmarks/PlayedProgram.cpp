@@ -1,0 +1,64 @@
+#include "PlayedProgram.h"
+
+#include "Mirror.h"
+
+#include "Platform/AddressBook.h"
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/MachineFacts.h"
+#include "Platform/Microphone.h"
+#include "Platform/ProcessLauncher.h"
+#include "Platform/SystemLanguageModel.h"
+#include "Platform/ToolRunner.h"
+#include "Platform/Tray.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeNotificationService.h"
+#include "Support/FakePortHolders.h"
+#include "Support/FakeSecretStore.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace corvane::bench {
+
+namespace {
+
+Machine machine(const AppPaths& paths, Scheduler& scheduler)
+{
+    Machine machine;
+    machine.launcher = makeProcessLauncher(scheduler);
+    machine.ports = std::make_unique<FakePortHolders>();
+    machine.secrets = std::make_unique<FakeSecretStore>();
+    machine.notifications = std::make_unique<FakeNotificationService>();
+    machine.desktop = std::make_unique<FakeDesktop>();
+    machine.microphone = makeMicrophone(scheduler);
+    machine.addressBook = makeAddressBook(paths);
+    machine.tools = makeToolRunner();
+    machine.languageModel = makeLanguageModel(scheduler);
+    machine.facts = makeMachineFacts(paths);
+    return machine;
+}
+
+AppPaths pathsIn(const QString& folder, const QString& database)
+{
+    const QString share = folder + QStringLiteral("/share");
+    QDir().mkpath(share);
+    if (!database.isEmpty())
+        QFile::copy(database, share + QStringLiteral("/nimblocal.db"));
+    return { folder, share, folder + QStringLiteral("/defaults.ini"), resourceFolder() };
+}
+
+}
+
+void withoutDisplay()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+PlayedProgram::PlayedProgram(const QString& database)
+    : paths(pathsIn(folder.path(), database))
+    , app(paths, scheduler, machine(paths, scheduler))
+{
+}
+
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Foundation/SystemScheduler.h"
+#include "Shell/CorvaneApp.h"
+#include "Shell/Screens.h"
+#include "UI/MainWindow.h"
+
+#include <QTemporaryDir>
+
+namespace corvane::bench {
+
+/// To be called before the application object: where there is no display the windows are drawn in memory.
+void withoutDisplay();
+
+/// The whole program in a folder of its own, on the real clock, with nobody signed in and no engine running.
+struct PlayedProgram {
+    /// Over a copy of the database, or over an empty one.
+    explicit PlayedProgram(const QString& database = {});
+
+    QTemporaryDir folder;
+    AppPaths paths;
+    SystemScheduler scheduler;
+    CorvaneApp app;
+    Screens screens { app };
+    MainWindow window { screens, app.defaults() };
+};
+
+}
