@@ -38,10 +38,12 @@ public:
         control({ "set-default-sink", "speaker" });
         if (microphones == Microphones::One)
             EXPECT_TRUE(control({ "set-default-source", "mic" }));
-        // A room in which nothing plays in haste sleeps for up to two seconds before it is heard.
+        // A room in which nothing plays in haste sleeps for up to two seconds before it is heard, and before it is
+        // silent.
         m_haste.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-        if (microphones == Microphones::One)
-            m_haste.start("pacat", { "--latency-msec=20", "--device=room", "/dev/zero" });
+        m_haste.start("pacat",
+            { "--latency-msec=20", microphones == Microphones::One ? "--device=room" : "--device=speaker",
+                "/dev/zero" });
     }
 
     ~SoundServer()
