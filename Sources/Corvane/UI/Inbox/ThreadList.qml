@@ -72,6 +72,11 @@ ListView {
         return null;
     }
 
+    function lastInSight(): int {
+        const last = atNewest ? null : messageFrom(height - 1, -Theme.wide);
+        return last ? thread.rowOf(last.id) : count - 1;
+    }
+
     function takePlace() {
         holding = false;
         const row = atNewest ? -1 : thread.rowOf(anchor.id);
@@ -82,8 +87,9 @@ ListView {
     }
 
     function step(by: int) {
+        const inSight = currentItem && currentItem.y + currentItem.height > contentY && currentItem.y < contentY + height;
+        let next = inSight ? currentIndex + by : lastInSight();
         atNewest = false;
-        let next = currentIndex < 0 ? count - 1 : currentIndex + by;
         while (itemAtIndex(next)?.isDate)
             next += by;
         currentIndex = Math.max(0, Math.min(count - 1, next));
@@ -101,12 +107,7 @@ ListView {
     }
 
     Component.onCompleted: currentIndex = -1
-    onActiveFocusChanged: {
-        if (activeFocus && currentIndex < 0) {
-            const last = atNewest ? null : messageFrom(height - 1, -Theme.wide);
-            currentIndex = last ? thread.rowOf(last.id) : count - 1;
-        }
-    }
+    onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = lastInSight()
     Connections {
         target: list.thread
         function onContactChanged() {
