@@ -204,6 +204,10 @@ TEST_F(ScreenTest, aThreadOpensAtItsNewestAndStaysThereAsMessagesCome)
     EXPECT_FALSE(thread->property("atYEnd").toBool());
     press(Qt::Key_End);
     EXPECT_TRUE(thread->property("atYEnd").toBool());
+    press(Qt::Key_PageUp);
+    EXPECT_FALSE(thread->property("atYEnd").toBool());
+    press(Qt::Key_PageDown);
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
 
 TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)

@@ -97,6 +97,13 @@ ListView {
         atNewest = currentIndex === count - 1;
     }
 
+    function page(by: int) {
+        atNewest = false;
+        const end = originY + contentHeight - height;
+        contentY = Math.max(originY, Math.min(end, contentY + by * (height - Theme.huge)));
+        atNewest = contentY >= end - 1;
+    }
+
     function jump() {
         const row = thread.rowOf(inbox.jumpMsgId);
         if (row < 0)
@@ -147,6 +154,9 @@ ListView {
             event.accepted = true;
         } else if (event.key === Qt.Key_Delete && currentItem && !currentItem.isDate) {
             inbox.messageActions.deleteLocal(currentItem.id);
+            event.accepted = true;
+        } else if (event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown) {
+            page(event.key === Qt.Key_PageUp ? -1 : 1);
             event.accepted = true;
         } else if (event.key === Qt.Key_End) {
             currentIndex = count - 1;
