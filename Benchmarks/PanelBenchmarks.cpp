@@ -57,10 +57,13 @@ private:
     PlayedProgram m_program;
 };
 
+std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+
 Bench& bench()
 {
-    static Bench instance;
-    return instance;
+    if (!instance)
+        instance = std::make_unique<Bench>();
+    return *instance;
 }
 
 void show(PanelWindow& panel)
@@ -116,5 +119,7 @@ int main(int argc, char** argv)
 {
     corvane::bench::withoutDisplay();
     const QGuiApplication application(argc, argv);
-    return corvane::bench::runAgainstRivals(argc, argv);
+    const int result = corvane::bench::runAgainstRivals(argc, argv);
+    corvane::bench::instance.reset();
+    return result;
 }

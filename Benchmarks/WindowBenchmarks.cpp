@@ -62,10 +62,13 @@ private:
 
 const QString somebody = QStringLiteral("ct:WHATSAPP:a-thousand");
 
+std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+
 Bench& bench()
 {
-    static Bench instance;
-    return instance;
+    if (!instance)
+        instance = std::make_unique<Bench>();
+    return *instance;
 }
 
 size_t inUse()
@@ -108,5 +111,7 @@ int main(int argc, char** argv)
 {
     corvane::bench::withoutDisplay();
     const QGuiApplication application(argc, argv);
-    return corvane::bench::runAgainstRivals(argc, argv);
+    const int result = corvane::bench::runAgainstRivals(argc, argv);
+    corvane::bench::instance.reset();
+    return result;
 }
