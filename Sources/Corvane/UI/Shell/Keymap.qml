@@ -42,7 +42,7 @@ QtObject {
         { section: gate, command: "approve", label: qsTr("Approve, retry or apply"), keys: "Ctrl+Return" },
         { section: gate, command: "undoApproval", label: qsTr("Undo within five seconds"), keys: "Ctrl+Z" },
         { section: gate, command: "editDraft", label: qsTr("Edit a message"), keys: "F2" },
-        { section: gate, command: "reject", label: qsTr("Reject"), keys: "Delete" },
+        { section: gate, command: "reject", label: qsTr("Reject"), keys: "Del" },
         { section: gate, command: "wholeText", label: qsTr("Show a long text whole"), keys: "Space" }
     ]
 
