@@ -14,6 +14,7 @@ namespace {
 constexpr int threadLimit = 1000;
 constexpr int olderCount = 50;
 constexpr qsizetype longerBy = 8;
+constexpr qsizetype screenful = 16; ///< rows, about
 constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
 const QString whatsApp = QStringLiteral("WHATSAPP");
@@ -80,7 +81,7 @@ void ThreadView::reload()
     m_messages = messages;
     if (first)
         markFirstUnread();
-    present();
+    present(first ? Opening::Yes : Opening::No);
     Q_EMIT changed();
     if (newest && !messages.isEmpty() && messages.last().ts > *newest && messages.last().direction == u"IN")
         Q_EMIT announced(m_rows.rows().last().spoken);
@@ -171,9 +172,9 @@ int ThreadView::rowOf(const QString& messageId) const
     return found == rows.end() ? -1 : int(found - rows.begin());
 }
 
-void ThreadView::present()
+void ThreadView::present(Opening opening)
 {
-    m_rows.assign(threadRows(ThreadBuilder::build(m_messages),
+    const QList<ThreadRow> rows = threadRows(ThreadBuilder::build(m_messages),
         { .contactName = m_contact.name,
             .isGroup = m_contact.isGroup,
             .highlightId = m_highlightId,
@@ -182,7 +183,13 @@ void ThreadView::present()
             .lengths = m_lengths,
             .download = [this](const QString& messageId) {
                 return m_engine.mediaDownloadStatus(messageId);
-            } }));
+            } });
+    if (opening == Opening::Yes) {
+        // A view makes first what it is given first, so it is given what will be in sight.
+        m_rows.assign(rows.last(std::min(rows.size(), screenful)));
+        Q_EMIT opened();
+    }
+    m_rows.assign(rows);
 }
 
 void ThreadView::setError(const QString& text)

@@ -57,6 +57,7 @@ public:
 Q_SIGNALS:
     void contactChanged();
     void changed(); ///< after each reload
+    void opened(); ///< the newest rows of somebody else are there; the older ones follow at once
     void highlightChanged();
     void loadingMoreChanged();
     void errorTextChanged();
@@ -64,7 +65,9 @@ Q_SIGNALS:
     void announced(const QString& text); ///< a message came in: to be read aloud, politely
 
 private:
-    void present();
+    enum class Opening { No, Yes };
+
+    void present(Opening opening = Opening::No);
     void markFirstUnread();
 
     EngineManager& m_engine;

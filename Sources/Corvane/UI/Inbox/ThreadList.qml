@@ -17,7 +17,7 @@ ListView {
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: false
     highlightFollowsCurrentItem: false // a press within the list takes the keys, not the reader
-    cacheBuffer: 800
+    cacheBuffer: 240
     activeFocusOnTab: true
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Messages")
@@ -102,6 +102,7 @@ ListView {
         const end = originY + contentHeight - height;
         contentY = Math.max(originY, Math.min(end, contentY + by * (height - Theme.huge)));
         atNewest = contentY >= end - 1;
+        settle(); // what comes into sight is not always as high as was guessed
     }
 
     function jump() {
@@ -117,10 +118,10 @@ ListView {
     onActiveFocusChanged: if (activeFocus && currentIndex < 0) currentIndex = lastInSight()
     Connections {
         target: list.thread
-        function onContactChanged() {
+        function onOpened() {
             list.atNewest = true;
             list.currentIndex = -1;
-            list.settle();
+            list.positionViewAtEnd();
         }
     }
     Connections {
