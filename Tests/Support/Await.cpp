@@ -8,7 +8,7 @@ namespace corvane {
 
 bool await(const std::function<bool()>& condition)
 {
-    const QDeadlineTimer deadline(10'000);
+    const QDeadlineTimer deadline(30'000);
     // The condition may come true without an event of ours.
     QTimer tick;
     tick.start(10);

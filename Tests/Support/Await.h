@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// Turns the event loop until `condition` holds, at most ten seconds; returns whether it held. For tests that
+/// Turns the event loop until `condition` holds, at most thirty seconds; returns whether it held. For tests that
 /// wait on real processes, sockets or buses.
 bool await(const std::function<bool()>& condition);
 
