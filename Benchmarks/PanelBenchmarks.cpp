@@ -1,12 +1,10 @@
 #include "PlayedProgram.h"
-#include "Rivals.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/EngineManager.h"
 #include "Store/LocalDB.h"
 #include "UI/PanelWindow.h"
 
-#include <QGuiApplication>
 #include <benchmark/benchmark.h>
 
 namespace corvane::bench {
@@ -117,9 +115,5 @@ BENCHMARK(deliveryTick)->Name("delivery tick of 30,000 waiting")->Unit(benchmark
 
 int main(int argc, char** argv)
 {
-    corvane::bench::withoutDisplay();
-    const QGuiApplication application(argc, argv);
-    const int result = corvane::bench::runAgainstRivals(argc, argv);
-    corvane::bench::instance.reset();
-    return result;
+    return corvane::bench::runWithWindow(argc, argv, corvane::bench::instance);
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Rivals.h"
+
 #include "Foundation/SystemScheduler.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "UI/MainWindow.h"
 
+#include <QGuiApplication>
 #include <QTemporaryDir>
 
 namespace corvane::bench {
@@ -24,5 +27,15 @@ struct PlayedProgram {
     Screens screens { app };
     MainWindow window { screens, app.defaults() };
 };
+
+/// The whole of `main`. What `bench` holds goes before the application object, as windows must.
+template <typename Bench> int runWithWindow(int argc, char** argv, std::unique_ptr<Bench>& bench)
+{
+    withoutDisplay();
+    const QGuiApplication application(argc, argv);
+    const int result = runAgainstRivals(argc, argv);
+    bench.reset();
+    return result;
+}
 
 }

@@ -1,6 +1,5 @@
 #include "Mirror.h"
 #include "PlayedProgram.h"
-#include "Rivals.h"
 
 #include "Engines/EngineManager.h"
 #include "Inbox/ThreadView.h"
@@ -8,7 +7,6 @@
 #include "Store/LocalDB.h"
 
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
@@ -109,9 +107,5 @@ BENCHMARK(openedContact)->Name("contact with 1000 messages/painted")->Unit(bench
 
 int main(int argc, char** argv)
 {
-    corvane::bench::withoutDisplay();
-    const QGuiApplication application(argc, argv);
-    const int result = corvane::bench::runAgainstRivals(argc, argv);
-    corvane::bench::instance.reset();
-    return result;
+    return corvane::bench::runWithWindow(argc, argv, corvane::bench::instance);
 }
