@@ -71,7 +71,7 @@ private:
     std::unique_ptr<LocalDB> openCopy()
     {
         QDir().mkpath(m_paths.applicationSupport);
-        const QString path = m_paths.applicationSupport + QStringLiteral("/nimblocal.db");
+        const QString path = m_paths.database();
         QFile::copy(sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)), path);
         return std::make_unique<LocalDB>(
             path, LocalDB::SchemaFolders { resourceFolder(), {} }, m_scheduler, m_defaults, m_centre);

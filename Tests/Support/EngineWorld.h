@@ -29,7 +29,7 @@ struct EngineSurroundings {
 
     std::unique_ptr<LocalDB> openDatabase(Scheduler& scheduler)
     {
-        return std::make_unique<LocalDB>(home.paths().applicationSupport + QStringLiteral("/nimblocal.db"),
+        return std::make_unique<LocalDB>(home.paths().database(),
             LocalDB::SchemaFolders { home.paths().resources, home.paths().home }, scheduler, defaults, centre);
     }
 

@@ -30,7 +30,7 @@ private:
 /// A database of its own with the real schema, a clock that stands still, and a log that is kept.
 class StoreTest : public testing::Test {
 protected:
-    QString path() const { return m_home.paths().applicationSupport + QStringLiteral("/nimblocal.db"); }
+    QString path() const { return m_home.paths().database(); }
 
     /// Opens the file anew, as the next start of the program does.
     LocalDB& open()

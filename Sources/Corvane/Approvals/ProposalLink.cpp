@@ -1,9 +1,9 @@
 #include "Approvals/ProposalLink.h"
 
 #include "Approvals/ApprovalsStore.h"
-#include "Engines/Account.h"
+#include "Foundation/Channel.h"
+#include "Foundation/Text.h"
 #include "Inbox/WAName.h"
-#include "Store/IdentityQueries.h"
 
 namespace corvane {
 
@@ -31,6 +31,7 @@ void ProposalLink::setQuery(const QString& query)
 void ProposalLink::begin(const QString& proposalId)
 {
     m_proposalId = proposalId;
+    m_contacts = fetchContactLinks(m_db); // once, as a search must keep up with the typing
     m_query.clear();
     m_errorText.clear();
     search();
@@ -49,14 +50,20 @@ void ProposalLink::choose(const QString& contactId)
 void ProposalLink::cancel()
 {
     m_proposalId.clear();
+    m_contacts.clear();
     m_people.clear();
     Q_EMIT changed();
 }
 
 void ProposalLink::search()
 {
+    const QString wanted = folded(m_query.trimmed());
     m_people.clear();
-    for (const ContactLink& contact : searchContactLinks(m_db, m_query.trimmed(), peopleShown)) {
+    for (const ContactLink& contact : std::as_const(m_contacts)) {
+        if (m_people.size() == peopleShown)
+            break;
+        if (!folded(contact.name).contains(wanted) && !folded(contact.id).contains(wanted))
+            continue;
         m_people.append(QVariantMap { { QStringLiteral("id"), contact.id },
             { QStringLiteral("name"), WAName::pretty(contact.name) }, { QStringLiteral("channel"), contact.channel },
             { QStringLiteral("detail"), channelLabel(contact.channel) } });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Store/IdentityQueries.h"
+
 #include <QObject>
 #include <QVariantList>
 
@@ -44,6 +46,7 @@ private:
     LocalDB& m_db;
     QString m_proposalId;
     QString m_query;
+    QList<ContactLink> m_contacts; ///< all, while somebody is picked
     QVariantList m_people;
     QString m_errorText;
 };

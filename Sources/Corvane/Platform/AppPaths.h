@@ -11,6 +11,8 @@ struct AppPaths {
     QString defaultsFile; ///< the ini file of the user defaults
     QString resources; ///< the folder that holds "local-schema/" and "engine/"
 
+    QString database() const { return applicationSupport + QStringLiteral("/nimblocal.db"); }
+
     /// From the environment: XDG_DATA_HOME, XDG_CONFIG_HOME, CORVANE_RESOURCES, HOME.
     static AppPaths fromEnvironment();
 };

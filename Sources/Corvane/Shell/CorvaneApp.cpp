@@ -59,8 +59,8 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     const EngineManager::Surroundings surroundings { m_paths, m_scheduler, *m_machine.launcher, *m_machine.ports,
         m_background, m_keychain, *m_notifier, *m_machine.desktop };
     m_engine = std::make_unique<EngineManager>(surroundings,
-        std::make_unique<LocalDB>(m_paths.applicationSupport + QStringLiteral("/nimblocal.db"),
-            LocalDB::SchemaFolders { m_paths.resources, m_paths.home }, m_scheduler, m_defaults, m_notifications));
+        std::make_unique<LocalDB>(m_paths.database(), LocalDB::SchemaFolders { m_paths.resources, m_paths.home },
+            m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
     m_ai = std::make_unique<AIServices>(
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);

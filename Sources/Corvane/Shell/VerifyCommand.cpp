@@ -9,7 +9,7 @@ namespace corvane {
 
 int verifyDecisions(const AppPaths& paths, QTextStream& out)
 {
-    const QString path = paths.applicationSupport + QStringLiteral("/nimblocal.db");
+    const QString path = paths.database();
     if (!QFileInfo::exists(path)) {
         out << "There is no database at " << path << ".\n";
         return 1;

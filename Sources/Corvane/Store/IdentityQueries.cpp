@@ -7,7 +7,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <algorithm>
 
 namespace corvane {
 
@@ -126,22 +125,16 @@ QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary)
         });
 }
 
-QList<ContactLink> searchContactLinks(LocalDB& db, const QString& text, int limit)
+QList<ContactLink> fetchContactLinks(LocalDB& db)
 {
     // Beside a MAX the other columns are those of its row.
-    QList<ContactLink> contacts
-        = db.rows(R"(SELECT ct.id, COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?'),
+    return db.rows(R"(SELECT ct.id, COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?'),
   c.channel, MAX(c.last_ts)
 FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
 WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
 GROUP BY ct.id ORDER BY MAX(c.last_ts) DESC;)",
-            { activeWorkspaceId(db) },
-            [](const SqlRow& row) { return ContactLink { row.text(0), row.text(1), row.text(2) }; });
-    // Not the statement's to compare: it knows the capital letters of English alone.
-    contacts.removeIf([&](const ContactLink& contact) {
-        return !contact.name.contains(text, Qt::CaseInsensitive) && !contact.id.contains(text, Qt::CaseInsensitive);
-    });
-    return contacts.first(std::min<qsizetype>(contacts.size(), limit));
+        { activeWorkspaceId(db) },
+        [](const SqlRow& row) { return ContactLink { row.text(0), row.text(1), row.text(2) }; });
 }
 
 bool contactExists(LocalDB& db, const QString& contactId)

@@ -66,8 +66,8 @@ struct ContactLink {
     bool operator==(const ContactLink&) const = default;
 };
 
-/// Contacts with a conversation whose name or handle holds the text, in any case; the newest conversation first.
-QList<ContactLink> searchContactLinks(LocalDB& db, const QString& text, int limit);
+/// Everybody with a conversation, the newest conversation first.
+QList<ContactLink> fetchContactLinks(LocalDB& db);
 
 bool contactExists(LocalDB& db, const QString& contactId);
 
