@@ -3,6 +3,7 @@
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
 #include "Store/Schema.h"
+#include "Store/StoreHealth.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -19,29 +20,69 @@ namespace {
 constexpr int busyTimeoutMs = 5000;
 constexpr int frameMs = 16;
 
-const QString& withItsFolder(const QString& path)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    return path;
-}
-
 }
 
 LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& scheduler, UserDefaults& defaults,
     NotificationCentre& notifications)
-    : SqlConnection(withItsFolder(path), Access::ReadWrite)
+    : SqlConnection(path)
+    , m_schema(schema)
     , m_scheduler(scheduler)
     , m_defaults(defaults)
     , m_notifications(notifications)
+    , m_health(std::make_unique<StoreHealth>(scheduler, [this] { return takesWrites(); }))
 {
-    if (!isOpen()) {
+    noteResultsIn(m_health.get());
+    if (!openFile())
         log(QStringLiteral("LocalDB: failed to open ") + path);
-        return;
-    }
+}
+
+LocalDB::~LocalDB() = default;
+
+void LocalDB::close()
+{
+    closeFile();
+    m_version.reset();
+}
+
+bool LocalDB::reopen()
+{
+    close();
+    m_health->forget();
+    return openFile();
+}
+
+bool LocalDB::openFile()
+{
+    QDir().mkpath(QFileInfo(path()).path());
+    if (!SqlConnection::openFile(Access::ReadWrite))
+        return false;
     exec(QStringLiteral("PRAGMA journal_mode=WAL;"));
     exec(QStringLiteral("PRAGMA busy_timeout=%1;").arg(busyTimeoutMs));
     exec(QStringLiteral("PRAGMA foreign_keys=ON;"));
-    applySchema(*this, schema);
+    applySchema(*this, m_schema);
+    return true;
+}
+
+/// Proves that there is room for more than what the file and its log have to spare.
+bool LocalDB::takesWrites()
+{
+    if (inTransaction())
+        return false;
+    // A file that could not be written when it was opened stays so for this connection.
+    if (!isOpen() || m_health->fault() == StoreFault::ReadOnly) {
+        close();
+        if (!openFile())
+            return false;
+    }
+    sqlite3_busy_timeout(m_db, frameMs);
+    const int code = noted(sqlite3_exec(m_db,
+        "BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS write_probe(room);"
+        "INSERT INTO write_probe VALUES(zeroblob(65536)); COMMIT; DROP TABLE write_probe;",
+        nullptr, nullptr, nullptr));
+    if (inTransaction())
+        sqlite3_exec(m_db, "ROLLBACK;", nullptr, nullptr, nullptr);
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    return code == SQLITE_OK;
 }
 
 bool LocalDB::inTransaction() const
@@ -54,7 +95,7 @@ bool LocalDB::isHeldElsewhere()
     if (!m_db || inTransaction())
         return false;
     sqlite3_busy_timeout(m_db, frameMs);
-    const int code = sqlite3_exec(m_db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr);
+    const int code = noted(sqlite3_exec(m_db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr));
     sqlite3_busy_timeout(m_db, busyTimeoutMs);
     if (code == SQLITE_OK)
         exec(QStringLiteral("COMMIT;"));
@@ -78,7 +119,7 @@ void LocalDB::exec(const QString& sql)
     if (!m_db)
         return log(QStringLiteral("LocalDB exec error: ") + errorMessage());
     char* message = nullptr;
-    if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &message) != SQLITE_OK)
+    if (noted(sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &message)) != SQLITE_OK)
         log(QStringLiteral("LocalDB exec error: ") + QString::fromUtf8(message));
     sqlite3_free(message);
 }
@@ -91,7 +132,7 @@ bool LocalDB::run(const QString& sql, const QList<SqlValue>& parameters)
         return false;
     }
     bind(statement.get(), parameters, Binding::Every);
-    const int code = sqlite3_step(statement.get());
+    const int code = step(statement.get());
     if (code == SQLITE_DONE || code == SQLITE_ROW)
         return true;
     log(QStringLiteral("LocalDB.run step failed (rc=%1): %2 — %3").arg(QString::number(code), errorMessage(), sql));
@@ -109,7 +150,7 @@ std::optional<QString> LocalDB::scalar(const QString& sql, const QList<SqlValue>
     if (!statement)
         return std::nullopt;
     bind(statement.get(), parameters, Binding::TextAndInteger64);
-    if (sqlite3_step(statement.get()) != SQLITE_ROW)
+    if (step(statement.get()) != SQLITE_ROW)
         return std::nullopt;
     return SqlRow(statement.get()).optionalText(0);
 }

@@ -6,6 +6,7 @@ namespace corvane {
 
 class NotificationCentre;
 class Scheduler;
+class StoreHealth;
 class UserDefaults;
 
 /// The one SQLite file of the program: a connection and its statement helpers, nothing more. Engines and the
@@ -24,6 +25,16 @@ public:
     /// date. The references must outlive the object.
     LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& scheduler, UserDefaults& defaults,
         NotificationCentre& notifications);
+    ~LocalDB();
+
+    /// Whether the file can be written, and if not, why.
+    StoreHealth& health() { return *m_health; }
+
+    /// Lets go of the file, which can then be moved away; until `reopen` every answer is empty.
+    void close();
+
+    /// Opens what lies at the path now, as at the start. False where it cannot be opened.
+    bool reopen();
 
     bool inTransaction() const; ///< false, too, where the database is not open
 
@@ -58,10 +69,15 @@ public:
     NotificationCentre& notifications() { return m_notifications; }
 
 private:
+    bool openFile();
+    bool takesWrites();
     QString errorMessage() const;
+
+    SchemaFolders m_schema;
     Scheduler& m_scheduler;
     UserDefaults& m_defaults;
     NotificationCentre& m_notifications;
+    std::unique_ptr<StoreHealth> m_health;
     std::optional<QString> m_version; ///< of the file, as far as other connections changed it
 };
 

@@ -1,5 +1,7 @@
 #include "Store/SqlConnection.h"
 
+#include "Store/StoreHealth.h"
+
 #include <sqlite3.h>
 
 namespace corvane {
@@ -58,28 +60,36 @@ double SqlRow::real(int column) const
     return sqlite3_column_double(m_statement, column);
 }
 
-SqlConnection::SqlConnection(const QString& path, Access access)
+SqlConnection::SqlConnection(const QString& path)
     : m_path(path)
 {
-    const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    if (sqlite3_open_v2(path.toUtf8().constData(), &m_db, flags, nullptr) == SQLITE_OK)
-        return;
-    sqlite3_close(m_db);
-    m_db = nullptr;
 }
 
 SqlConnection::~SqlConnection()
 {
-    if (m_db)
-        sqlite3_close(m_db);
+    closeFile();
+}
+
+bool SqlConnection::openFile(Access access)
+{
+    const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    if (noted(sqlite3_open_v2(m_path.toUtf8().constData(), &m_db, flags, nullptr)) == SQLITE_OK)
+        return true;
+    closeFile();
+    return false;
+}
+
+void SqlConnection::closeFile()
+{
+    sqlite3_close(std::exchange(m_db, nullptr));
 }
 
 std::unique_ptr<SqlConnection> SqlConnection::reader(
     const QString& path, std::shared_ptr<const std::atomic<bool>> stopped)
 {
-    std::unique_ptr<SqlConnection> reader(new SqlConnection(path, Access::ReadOnly));
+    std::unique_ptr<SqlConnection> reader(new SqlConnection(path));
     reader->m_stopped = std::move(stopped);
-    if (!reader->m_db)
+    if (!reader->openFile(Access::ReadOnly))
         return reader;
     sqlite3_busy_timeout(reader->m_db, readerBusyMs);
     // Asked rather than told: an interruption from outside would be lost between the opening and the first step.
@@ -92,8 +102,20 @@ SqlConnection::Statement SqlConnection::prepare(const QByteArray& sql)
 {
     sqlite3_stmt* statement = nullptr;
     if (m_db)
-        sqlite3_prepare_v2(m_db, sql.constData(), -1, &statement, nullptr);
+        noted(sqlite3_prepare_v2(m_db, sql.constData(), -1, &statement, nullptr));
     return Statement(statement);
+}
+
+int SqlConnection::step(sqlite3_stmt* statement)
+{
+    return noted(sqlite3_step(statement));
+}
+
+int SqlConnection::noted(int resultCode)
+{
+    if (m_health)
+        m_health->note(resultCode);
+    return resultCode;
 }
 
 void SqlConnection::bind(sqlite3_stmt* statement, const QList<SqlValue>& parameters, Binding binding)
@@ -125,7 +147,7 @@ void SqlConnection::forEachRow(
         return;
     bind(statement.get(), parameters, Binding::Every);
     const SqlRow row(statement.get());
-    while (sqlite3_step(statement.get()) == SQLITE_ROW)
+    while (step(statement.get()) == SQLITE_ROW)
         visit(row);
 }
 

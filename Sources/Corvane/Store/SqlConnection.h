@@ -13,6 +13,8 @@ struct sqlite3_stmt;
 
 namespace corvane {
 
+class StoreHealth;
+
 /// A value to bind: text, an integer, a real number, or NULL. A boolean is passed as 0 or 1.
 class SqlValue {
 public:
@@ -106,9 +108,15 @@ protected:
     enum class Access { ReadOnly, ReadWrite };
     enum class Binding { Every, TextAndInteger64 };
 
-    SqlConnection(const QString& path, Access access);
+    explicit SqlConnection(const QString& path); ///< not open yet
+
+    void noteResultsIn(StoreHealth* health) { m_health = health; }
+    bool openFile(Access access);
+    void closeFile();
 
     Statement prepare(const QByteArray& sql);
+    int step(sqlite3_stmt* statement);
+    int noted(int resultCode); ///< the code, which counts for the health of the file
     /// A value that `binding` leaves out stays unbound, which SQLite reads as NULL.
     static void bind(sqlite3_stmt* statement, const QList<SqlValue>& parameters, Binding binding);
 
@@ -119,6 +127,7 @@ private:
         const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit);
 
     QString m_path;
+    StoreHealth* m_health = nullptr;
     std::shared_ptr<const std::atomic<bool>> m_stopped;
 };
 
