@@ -34,6 +34,7 @@ public:
     {
     }
     qint64 nowMs() const override { return m_nowMs; }
+    qint64 monotonicMs() const override { return m_system.monotonicMs(); }
     void move(Milliseconds by) { m_nowMs += by.count(); }
     void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< what is asked from now on comes sooner
     std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override

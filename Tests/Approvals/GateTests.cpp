@@ -56,6 +56,7 @@ public:
             std::exchange(stepIn, {})();
         return m_shared.nowMs();
     }
+    qint64 monotonicMs() const override { return m_shared.monotonicMs(); }
     std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
     {
         return m_shared.after(delay, std::move(callback));
@@ -84,6 +85,7 @@ public:
     {
         return std::make_shared<Child>(spec.environment.value(u"WHATSAPP_ACCOUNT_NAME"_s), m_line);
     }
+    int endMarked(const QString&, Ending) override { return 0; }
 
 private:
     struct Child final : ChildProcess {
@@ -98,6 +100,8 @@ private:
         {
             return line(account, *jsonObject(bytes)) ? Result<void> {} : failure(u"full"_s);
         }
+        bool hasRead(const QByteArray&) override { return true; }
+        bool withdraw(const QByteArray&) override { return false; }
         void terminate() override { }
         QString account;
         const Line& line;

@@ -22,6 +22,8 @@ public:
     qint64 pid() const override { return m_pid; }
     bool isRunning() const override { return m_running; }
     Result<void> write(const QByteArray& bytes) override;
+    bool hasRead(const QByteArray&) override { return !isDeaf; }
+    bool withdraw(const QByteArray&) override { return false; }
     void terminate() override { terminated = true; }
 
     void print(const QString& text); ///< one chunk, as it stands
@@ -33,6 +35,7 @@ public:
     const ProcessSpec spec;
     QByteArray written;
     QString writeFailure; ///< where set, every write fails with it
+    bool isDeaf = false; ///< reads nothing of what was written
     bool terminated = false;
 
 private:
@@ -63,6 +66,7 @@ public:
 
     void expect(const Launch& launch, int times = 1) { m_script.insert(m_script.end(), size_t(times), launch); }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
+    int endMarked(const QString&, Ending) override { return 0; }
 
     FakeChild& last() const { return *children.last(); }
 

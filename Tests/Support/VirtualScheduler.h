@@ -18,6 +18,7 @@ public:
     ~VirtualScheduler() override;
 
     qint64 nowMs() const override { return m_nowMs; }
+    qint64 monotonicMs() const override { return m_nowMs - m_jumpMs; }
     std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override;
     std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) override;
 
@@ -28,7 +29,11 @@ public:
     void runDue() { advance(Milliseconds(0)); }
 
     /// Sets the clock without running anything.
-    void setNowMs(qint64 nowMs) { m_nowMs = nowMs; }
+    void setNowMs(qint64 nowMs)
+    {
+        m_jumpMs += nowMs - m_nowMs;
+        m_nowMs = nowMs;
+    }
 
     qsizetype pendingTimers() const { return m_entries.size(); }
 
@@ -44,6 +49,7 @@ private:
     std::unique_ptr<Timer> add(Milliseconds delay, qint64 periodMs, std::function<void()> callback);
 
     qint64 m_nowMs;
+    qint64 m_jumpMs = 0; ///< how far the clock was set
     qint64 m_nextOrder = 0;
     QList<std::shared_ptr<Entry>> m_entries;
 };

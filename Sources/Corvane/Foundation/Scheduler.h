@@ -22,6 +22,10 @@ public:
     virtual ~Scheduler() = default;
     virtual qint64 nowMs() const = 0; ///< milliseconds since the epoch
 
+    /// Milliseconds that the machine has been awake since some moment: what waits are measured by. Neither a clock
+    /// that is set nor sleep counts.
+    virtual qint64 monotonicMs() const = 0;
+
     /// Calls once, on the main thread, after at least `delay`; 0 means "at the next turn of the loop".
     [[nodiscard]] virtual std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) = 0;
 

@@ -32,6 +32,11 @@ qint64 SystemScheduler::nowMs() const
     return QDateTime::currentMSecsSinceEpoch();
 }
 
+qint64 SystemScheduler::monotonicMs() const
+{
+    return std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 std::unique_ptr<Timer> SystemScheduler::after(Milliseconds delay, std::function<void()> callback)
 {
     return std::make_unique<SystemTimer>(delay, true, std::move(callback));

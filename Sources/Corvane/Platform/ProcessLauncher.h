@@ -31,7 +31,16 @@ public:
     /// take yet is kept, in order, up to 4 MiB. Fails where the pipe is closed or more than that is waiting.
     virtual Result<void> write(const QByteArray& bytes) = 0;
 
-    /// Asks the child to end (SIGTERM, and standard input is closed); one that has not ended after 5 seconds is killed.
+    /// Whether the child has read to their end the bytes of one earlier `write`. What it has not read when it ends it
+    /// never reads.
+    virtual bool hasRead(const QByteArray& bytes) = 0;
+
+    /// Takes back the bytes of one earlier `write`: true where the child can never read them to their end, because
+    /// none of them was on its way yet, or because it ended or closed its input before.
+    virtual bool withdraw(const QByteArray& bytes) = 0;
+
+    /// Asks the child to end: standard input is closed and SIGTERM sent, once. One that has not ended after 5 seconds
+    /// is killed.
     virtual void terminate() = 0;
 };
 
@@ -52,11 +61,17 @@ public:
         std::function<void(int code)> exited;
     };
 
-    /// Destroying the launcher ends every child that still runs, waiting 2 seconds at most before it kills.
+    /// Destroying the launcher ends every child that still runs, waiting 5 seconds at most before it kills.
     virtual ~ProcessLauncher() = default;
 
-    /// Never waits for the child. A failure names the reason in the system's words.
+    /// Never waits for the child. A failure names the reason in the system's words. What is left of the child's
+    /// process group is killed when the child ends.
     virtual Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) = 0;
+
+    /// Ends every process of this user that has the variable, "NAME=value", in its environment. Returns how many
+    /// there were, which may take a moment to be gone.
+    enum class Ending { Asked, Killed };
+    virtual int endMarked(const QString& variable, Ending ending) = 0;
 };
 
 }

@@ -3,8 +3,10 @@
 #include "Platform/Linux/ChildInput.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/SpawnedChild.h"
+#include "Platform/Linux/Strays.h"
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
@@ -14,7 +16,6 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds terminationLimit(5000);
-constexpr Milliseconds endLimit(2000);
 constexpr Milliseconds killLimit(1000);
 
 /// A pipe whose reader is gone must fail the write, not end this process; and an ended child must wait to be reaped.
@@ -60,29 +61,28 @@ public:
     qint64 pid() const override { return m_pid; }
     bool isRunning() const override { return m_isRunning; }
     Result<void> write(const QByteArray& bytes) override { return m_input.write(bytes); }
+    bool hasRead(const QByteArray& bytes) override { return m_input.hasRead(bytes); }
+    bool withdraw(const QByteArray& bytes) override { return m_input.withdraw(bytes); }
 
     void terminate() override
     {
         if (!m_isRunning || m_killTimer)
             return;
-        askToEnd();
+        m_input.close();
+        signalChild(*m_handle, SIGTERM);
+        m_killDeadline.setRemainingTime(terminationLimit);
         m_killTimer = m_scheduler.after(terminationLimit, [this] { signalChild(*m_handle, SIGKILL); });
     }
 
     const Descriptor& handle() const { return *m_handle; }
-
-    void askToEnd()
-    {
-        signalChild(*m_handle, SIGTERM);
-        m_input.close();
-    }
+    const QDeadlineTimer& killDeadline() const { return m_killDeadline; } ///< of one that was asked to end
 
     /// The process is gone, or the launcher goes; whoever still holds this child holds an empty shell.
     void markEnded()
     {
         m_isRunning = false;
         m_killTimer.reset();
-        m_input.close();
+        m_input.markEnded();
     }
 
 private:
@@ -91,6 +91,7 @@ private:
     const std::shared_ptr<const Descriptor> m_handle;
     ChildInput m_input;
     std::unique_ptr<Timer> m_killTimer;
+    QDeadlineTimer m_killDeadline;
     bool m_isRunning = true;
 };
 
@@ -110,13 +111,12 @@ LinuxProcessLauncher::~LinuxProcessLauncher()
     // The reading ends go first: a child that waits for room in its pipe could not hear the request to end.
     m_reader.reset();
     for (const Entry& entry : std::as_const(m_running))
-        entry.child->askToEnd();
-    QDeadlineTimer deadline(endLimit);
+        entry.child->terminate();
     for (const Entry& entry : std::as_const(m_running)) {
-        if (!hasEnded(entry.child->handle(), deadline))
+        if (!hasEnded(entry.child->handle(), entry.child->killDeadline()))
             signalChild(entry.child->handle(), SIGKILL);
     }
-    deadline.setRemainingTime(killLimit);
+    const QDeadlineTimer deadline(killLimit);
     for (const Entry& entry : std::as_const(m_running)) {
         if (hasEnded(entry.child->handle(), deadline))
             reapChild(entry.child->handle());
@@ -135,6 +135,11 @@ Result<std::shared_ptr<ChildProcess>> LinuxProcessLauncher::start(const ProcessS
     m_running.insert(id, { child, std::move(handlers) });
     m_reader->add(id, std::move(spawned->output), std::move(spawned->handle));
     return child;
+}
+
+int LinuxProcessLauncher::endMarked(const QString& variable, Ending ending)
+{
+    return signalMarked(QFile::encodeName(variable), ending == Ending::Asked ? SIGTERM : SIGKILL);
 }
 
 void LinuxProcessLauncher::deliver(quint64 id, OutputChunk chunk)

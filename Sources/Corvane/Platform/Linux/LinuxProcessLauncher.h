@@ -17,6 +17,7 @@ public:
     ~LinuxProcessLauncher() override;
 
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
+    int endMarked(const QString& variable, Ending ending) override;
 
 private:
     struct Entry {

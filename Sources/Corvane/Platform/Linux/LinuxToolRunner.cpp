@@ -146,8 +146,7 @@ QCoro::Task<Result<ToolEnd>> LinuxToolRunner::run(QString executable, QStringLis
 {
     if (cancel.isCancelled())
         co_return cancelled();
-    Result<SpawnedChild> tool
-        = spawnGroupLeader({ executable, arguments, {}, QProcessEnvironment::systemEnvironment() });
+    Result<SpawnedChild> tool = spawnTool({ executable, arguments, {}, QProcessEnvironment::systemEnvironment() });
     if (!tool)
         co_return std::unexpected(tool.error());
 

@@ -94,10 +94,8 @@ struct SpawnActions {
     posix_spawn_file_actions_t value;
 };
 
-enum class Group { Shared, Own };
-
 struct SpawnAttributes {
-    explicit SpawnAttributes(Group group)
+    SpawnAttributes()
     {
         posix_spawnattr_init(&value);
         sigset_t signals;
@@ -105,8 +103,8 @@ struct SpawnAttributes {
         posix_spawnattr_setsigmask(&value, &signals);
         sigaddset(&signals, SIGPIPE);
         posix_spawnattr_setsigdefault(&value, &signals);
-        const int ownGroup = group == Group::Own ? POSIX_SPAWN_SETPGROUP : 0;
-        posix_spawnattr_setflags(&value, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | ownGroup));
+        posix_spawnattr_setflags(
+            &value, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP));
     }
     ~SpawnAttributes() { posix_spawnattr_destroy(&value); }
     SpawnAttributes(const SpawnAttributes&) = delete;
@@ -115,7 +113,7 @@ struct SpawnAttributes {
     posix_spawnattr_t value;
 };
 
-Result<SpawnedChild> spawn(const ProcessSpec& spec, Streams& streams, Group group)
+Result<SpawnedChild> spawn(const ProcessSpec& spec, Streams& streams)
 {
     SpawnActions actions;
     streams.input.connect(actions.value, STDIN_FILENO);
@@ -134,7 +132,7 @@ Result<SpawnedChild> spawn(const ProcessSpec& spec, Streams& streams, Group grou
         environment.append(variable);
 
     pid_t pid = 0;
-    const SpawnAttributes attributes(group);
+    const SpawnAttributes attributes;
     if (const int error = ::posix_spawn(&pid, QFile::encodeName(spec.executable).constData(), &actions.value,
             &attributes.value, arguments.list(), environment.list())) {
         const bool folderIsMissing = !spec.workingDirectory.isEmpty() && !QFileInfo(spec.workingDirectory).isDir();
@@ -159,15 +157,15 @@ Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
     Streams streams;
     if (spec.pipes && !(streams.input.open(Stream::Ours::Writes) && streams.output.open(Stream::Ours::Reads)))
         return systemFailure(spec.executable, errno);
-    return spawn(spec, streams, Group::Shared);
+    return spawn(spec, streams);
 }
 
-Result<SpawnedChild> spawnGroupLeader(const ProcessSpec& spec)
+Result<SpawnedChild> spawnTool(const ProcessSpec& spec)
 {
     Streams streams;
     if (!streams.output.open(Stream::Ours::Reads) || !streams.errors.open(Stream::Ours::Reads))
         return systemFailure(spec.executable, errno);
-    return spawn(spec, streams, Group::Own);
+    return spawn(spec, streams);
 }
 
 void signalChild(const Descriptor& handle, int signal)
@@ -178,7 +176,11 @@ void signalChild(const Descriptor& handle, int signal)
 int reapChild(const Descriptor& handle)
 {
     siginfo_t info {};
-    ::waitid(P_PIDFD, static_cast<id_t>(handle.number()), &info, WEXITED);
+    const auto child = static_cast<id_t>(handle.number());
+    // While its leader has not been reaped, the group's number belongs to nobody else.
+    if (::waitid(P_PIDFD, child, &info, WEXITED | WNOWAIT) == 0)
+        ::kill(-info.si_pid, SIGKILL);
+    ::waitid(P_PIDFD, child, &info, WEXITED);
     return info.si_code == CLD_EXITED ? info.si_status : -info.si_status;
 }
 

@@ -15,18 +15,20 @@ struct SpawnedChild {
     Descriptor errors = {};
 };
 
-// Both start the program with no descriptor but the standard three, no signal blocked and SIGPIPE as it is by default.
+// Both start the program as the leader of a process group of its own, with no descriptor but the standard three, no
+// signal blocked and SIGPIPE as it is by default.
 
 /// Standard error goes to the null device, and without `ProcessSpec::pipes` the others do too.
 Result<SpawnedChild> spawnChild(const ProcessSpec& spec);
 
-/// The leader of a process group of its own, with pipes for what it prints and nothing on standard input.
-Result<SpawnedChild> spawnGroupLeader(const ProcessSpec& spec);
+/// With pipes for what it prints and nothing on standard input.
+Result<SpawnedChild> spawnTool(const ProcessSpec& spec);
 
 /// Sends a signal to the very process, never to another that has taken over its number.
 void signalChild(const Descriptor& handle, int signal);
 
-/// Takes the status of a child that has ended: the exit status, or minus the signal's number.
+/// Takes the status of a child that has ended: the exit status, or minus the signal's number. Kills what is left of
+/// its process group before.
 int reapChild(const Descriptor& handle);
 
 }

@@ -9,6 +9,11 @@
 #include <set>
 #include <sys/stat.h>
 
+// glibc 2.36 forgets to declare these as C.
+extern "C" {
+#include <sys/pidfd.h>
+}
+
 namespace corvane {
 
 namespace {
@@ -91,6 +96,22 @@ void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes)
     strays.erase(root);
     for (const pid_t pid : strays)
         ::kill(pid, SIGKILL);
+}
+
+int signalMarked(const QByteArray& variable, int signal)
+{
+    int count = 0;
+    for (const pid_t pid : processes()) {
+        // Opened before the environment is read: the signal goes to whoever that environment belongs to.
+        const Descriptor handle(pid == ::getpid() ? -1 : ::pidfd_open(pid, 0));
+        if (!handle.isOpen())
+            continue;
+        if (!systemFile(folderOf(pid) + QStringLiteral("/environ")).split('\0').contains(variable))
+            continue;
+        ::pidfd_send_signal(handle.number(), signal, nullptr, 0);
+        ++count;
+    }
+    return count;
 }
 
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/Descriptor.h"
 
+#include <QByteArray>
 #include <array>
 #include <sys/types.h>
 
@@ -11,5 +12,9 @@ namespace corvane {
 /// `root`, and every one that still holds the writing end of one of the pipes (those that are not open count for
 /// nothing). Reads all of /proc, so it takes some milliseconds, and any thread may do it.
 void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes);
+
+/// Sends the signal to every process of this user, but this one, that has the variable ("NAME=value") in its
+/// environment. Returns how many. It reads all of /proc.
+int signalMarked(const QByteArray& variable, int signal);
 
 }
