@@ -6,11 +6,11 @@
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
-#include "Platform/Linux/LinuxLanguageModel.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Models/LoopbackLanguageModel.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/ToolRunner.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 #include "Support/VirtualScheduler.h"
 
 #include <QCoreApplication>
@@ -95,7 +95,7 @@ private:
     NotificationCentre m_centre;
     LocalDB m_db { m_folder.filePath(QStringLiteral("queue.db")), { m_paths.resources, {} }, m_standing, m_defaults,
         m_centre };
-    LinuxLanguageModel m_model { m_standing, {} };
+    LoopbackLanguageModel m_model { m_standing, {} };
     std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
     std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
     AIServices m_services { m_model, *m_facts, *m_tools, {}, m_standing };

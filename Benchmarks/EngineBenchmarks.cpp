@@ -5,7 +5,7 @@
 #include "Rivals.h"
 
 #include "Engines/EngineManager.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Support/PlayedEngine.h"
 
 #include <QCoreApplication>

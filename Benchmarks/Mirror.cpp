@@ -4,8 +4,8 @@
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
 #include "Foundation/UserDefaults.h"
-#include "Store/IngestQueries.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Messages/IngestQueries.h"
 
 #include <QCryptographicHash>
 #include <QDir>

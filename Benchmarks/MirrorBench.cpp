@@ -3,7 +3,7 @@
 #include "Mirror.h"
 
 #include "Foundation/Ids.h"
-#include "Store/InboxQueries.h"
+#include "Store/Messages/InboxQueries.h"
 
 #include <QFile>
 

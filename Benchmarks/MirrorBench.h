@@ -5,7 +5,7 @@
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
 #include "Foundation/UserDefaults.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 
 #include <QTemporaryDir>
 #include <vector>

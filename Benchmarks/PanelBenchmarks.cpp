@@ -2,7 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/EngineManager.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 #include "UI/PanelWindow.h"
 
 #include <benchmark/benchmark.h>

@@ -3,7 +3,7 @@
 #include "Mirror.h"
 
 #include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"

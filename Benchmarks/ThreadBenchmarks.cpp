@@ -1,10 +1,10 @@
 #include "MirrorBench.h"
 #include "Rivals.h"
 
-#include "Inbox/RowListModel.h"
-#include "Inbox/ThreadRow.h"
-#include "Store/MessageSearch.h"
-#include "Store/ThreadQueries.h"
+#include "Inbox/Thread/ThreadRow.h"
+#include "Presentation/RowListModel.h"
+#include "Store/Messages/MessageSearch.h"
+#include "Store/Messages/ThreadQueries.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

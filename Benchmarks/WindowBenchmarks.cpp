@@ -2,9 +2,9 @@
 #include "PlayedProgram.h"
 
 #include "Engines/EngineManager.h"
-#include "Inbox/ThreadView.h"
-#include "Store/IngestQueries.h"
-#include "Store/LocalDB.h"
+#include "Inbox/Thread/ThreadView.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Messages/IngestQueries.h"
 
 #include <QElapsedTimer>
 #include <benchmark/benchmark.h>

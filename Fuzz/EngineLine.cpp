@@ -1,6 +1,6 @@
 // Whatever an engine prints, the next line that is well-formed is handled.
 
-#include "Platform/Linux/Utf8Chunks.h"
+#include "Platform/Linux/Processes/Utf8Chunks.h"
 #include "Support/PlayedEngine.h"
 #include "Support/VirtualScheduler.h"
 

@@ -32,10 +32,18 @@ function(corvane_room name)
     endif()
 endfunction()
 
-# The Qt core headers, which nearly every file needs, parsed once a target.
+# The Qt core headers, which nearly every file needs, parsed once for the whole build.
+add_library(corvane_precompiled STATIC "${CMAKE_SOURCE_DIR}/cmake/precompiled.cpp")
+target_link_libraries(corvane_precompiled PRIVATE Qt6::Core)
+set_target_properties(corvane_precompiled PROPERTIES AUTOMOC OFF)
+target_precompile_headers(corvane_precompiled PRIVATE
+    <QString> <QStringList> <QList> <QHash> <QMap> <QObject> <QVariant> <functional> <memory> <optional>)
+# What ccache hashes in place of the compiled header, whose bytes differ from one worktree to the next.
+file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/corvane_precompiled.dir/cmake_pch.hxx.pch.sum"
+    "${Qt6_VERSION} ${CMAKE_CXX_COMPILER_VERSION} 1")
+
 function(corvane_precompile target)
-    target_precompile_headers(${target} PRIVATE
-        <QString> <QStringList> <QList> <QHash> <QMap> <QObject> <QVariant> <functional> <memory> <optional>)
+    target_precompile_headers(${target} REUSE_FROM corvane_precompiled)
     # A new header makes CMake run again, but alone it would not reach moc until an older one changes.
     file(REMOVE "${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp")
 endfunction()

@@ -9,10 +9,14 @@ if(CCACHE)
     # A precompiled header carries time stamps, which ccache must be told to overlook.
     set(CMAKE_CXX_COMPILER_LAUNCHER
         ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
-        CCACHE_NOHASHDIR=1 CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} ${CCACHE})
+        CCACHE_NOHASHDIR=1 CCACHE_PCH_EXTSUM=1 CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} ${CCACHE})
     add_compile_options(-Xclang -fno-pch-timestamp)
+    # Without the header's absolute path, worktrees share the cache.
+    set(CMAKE_CXX_COMPILE_OPTIONS_USE_PCH -Xclang -include-pch -Xclang <PCH_FILE>)
 endif()
 
+# One precompiled header serves every target, so all share this flag.
+add_compile_options(-pthread)
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
 add_compile_definitions(QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 add_link_options(-fuse-ld=lld)

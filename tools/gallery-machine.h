@@ -7,7 +7,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"

@@ -1,6 +1,6 @@
 #include "AI/AIRequestWatcher.h"
 
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Support/Await.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/LoopbackWeb.h"

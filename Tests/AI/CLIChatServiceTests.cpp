@@ -1,6 +1,6 @@
 #include "AI/CLIChatService.h"
 
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/ToolRunner.h"
 #include "Support/Await.h"
 #include "Support/LogCapture.h"

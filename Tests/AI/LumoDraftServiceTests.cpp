@@ -1,7 +1,7 @@
 #include "AI/LumoDraftService.h"
 
 #include "AI/LumoGuidedDraftResult.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Support/Await.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/HostileTexts.h"

@@ -2,7 +2,7 @@
 
 #include "Calls/CallRecorder.h"
 #include "Engines/EngineProcesses.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"

@@ -2,7 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallRecorder.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "Support/WaitingItems.h"

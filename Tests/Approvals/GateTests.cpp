@@ -8,8 +8,8 @@
 #include "Engines/EngineProcesses.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/Json.h"
-#include "Store/ApprovalRecords.h"
-#include "Store/IngestQueries.h"
+#include "Store/Approvals/ApprovalRecords.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/LogCapture.h"
 

@@ -2,7 +2,7 @@
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Support/Await.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"

@@ -1,7 +1,7 @@
 #include "EngineTest.h"
 
 #include "Engines/DraftDelivery.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 
 using namespace corvane;
 

@@ -1,6 +1,6 @@
 #include "EngineTest.h"
 
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/ThreadQueries.h"
 
 using namespace corvane;
 

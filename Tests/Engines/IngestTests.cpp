@@ -2,7 +2,7 @@
 
 #include "CRM/ContactsBridge.h"
 #include "Platform/AddressBook.h"
-#include "Store/InboxQueries.h"
+#include "Store/Messages/InboxQueries.h"
 #include "Support/Await.h"
 
 using namespace corvane;

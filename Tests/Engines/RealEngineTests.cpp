@@ -1,9 +1,9 @@
 #include "EngineTest.h"
 
 #include "Foundation/SystemScheduler.h"
-#include "Platform/Linux/LinuxPlatform.h"
-#include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
+#include "Platform/Linux/Services.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
 #include "Support/Environment.h"

@@ -1,7 +1,7 @@
-#include "Inbox/BodyText.h"
+#include "Presentation/BodyText.h"
 
-#include "Inbox/ThreadRow.h"
-#include "Inbox/UnifiedBubble.h"
+#include "Inbox/Thread/ThreadRow.h"
+#include "Inbox/Thread/UnifiedBubble.h"
 #include "Support/Print.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "InboxViewTest.h"
-#include "Store/ContactInfo.h"
-#include "Store/CrmRecords.h"
-#include "Store/IdentityQueries.h"
-#include "Store/IngestQueries.h"
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/Messages/ThreadQueries.h"
+#include "Store/People/ContactInfo.h"
+#include "Store/People/CrmRecords.h"
+#include "Store/People/IdentityQueries.h"
 
 using namespace corvane;
 

@@ -1,6 +1,6 @@
 #include "InboxViewTest.h"
-#include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/LogCapture.h"
 
 #include <QDir>

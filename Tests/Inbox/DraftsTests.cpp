@@ -1,7 +1,7 @@
-#include "Inbox/DraftWords.h"
+#include "Approvals/DraftWords.h"
 #include "InboxViewTest.h"
-#include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/IngestQueries.h"
 
 using namespace corvane;
 

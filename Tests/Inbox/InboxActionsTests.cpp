@@ -1,5 +1,5 @@
 #include "InboxViewTest.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 
 using namespace corvane;
 

@@ -2,7 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Foundation/Json.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/List/InboxView.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"

@@ -1,6 +1,6 @@
 #include "InboxViewTest.h"
-#include "Store/IngestQueries.h"
-#include "Store/Workspaces.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/Messages/IngestQueries.h"
 
 using namespace corvane;
 

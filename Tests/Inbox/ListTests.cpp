@@ -1,8 +1,8 @@
-#include "Inbox/BulkSelection.h"
-#include "Inbox/CommandPalette.h"
-#include "Inbox/ContactItem.h"
-#include "Inbox/DateWords.h"
-#include "Inbox/InboxWords.h"
+#include "Inbox/List/BulkSelection.h"
+#include "Inbox/List/CommandPalette.h"
+#include "Inbox/List/ContactItem.h"
+#include "Inbox/List/InboxWords.h"
+#include "Presentation/DateWords.h"
 #include "Support/Print.h"
 
 #include <QAbstractItemModelTester>

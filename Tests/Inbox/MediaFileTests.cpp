@@ -1,4 +1,4 @@
-#include "Inbox/MediaFile.h"
+#include "Inbox/Thread/MediaFile.h"
 
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"

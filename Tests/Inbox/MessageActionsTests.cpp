@@ -1,5 +1,5 @@
 #include "InboxViewTest.h"
-#include "Store/OutboundQueries.h"
+#include "Store/Approvals/OutboundQueries.h"
 
 #include <QPersistentModelIndex>
 

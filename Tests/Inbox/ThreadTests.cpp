@@ -1,5 +1,5 @@
-#include "Inbox/ThreadRow.h"
-#include "Inbox/UnifiedBubble.h"
+#include "Inbox/Thread/ThreadRow.h"
+#include "Inbox/Thread/UnifiedBubble.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 

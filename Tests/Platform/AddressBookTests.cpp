@@ -1,5 +1,5 @@
 #include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/VCardReader.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"

@@ -1,4 +1,4 @@
-#include "Platform/Linux/LinuxAudioPlayer.h"
+#include "Platform/Linux/Audio/PulseAudioPlayer.h"
 
 #include "Foundation/SystemScheduler.h"
 #include "SoundServer.h"
@@ -32,7 +32,7 @@ protected:
     const LogCapture log;
     const TemporaryHome home;
     SystemScheduler scheduler;
-    LinuxAudioPlayer player { scheduler };
+    PulseAudioPlayer player { scheduler };
 };
 
 }

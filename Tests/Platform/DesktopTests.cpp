@@ -1,4 +1,4 @@
-#include "Platform/Linux/LinuxDesktop.h"
+#include "Platform/Linux/Bus/XdgDesktop.h"
 
 #include "Platform/SettingsPortal.h"
 #include "Support/Await.h"
@@ -49,7 +49,7 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
     SettingsPortal portal(desktopBus,
         { { "org.freedesktop.appearance/color-scheme", preferDark },
             { "org.gnome.desktop.interface/enable-animations", false } });
-    LinuxDesktop desktop(bus);
+    XdgDesktop desktop(bus);
     int changes = 0;
     QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light) << "nothing waits for the portal";
@@ -76,7 +76,7 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
 
 TEST_F(DesktopTest, aPortalMayComeLate)
 {
-    LinuxDesktop desktop(bus);
+    XdgDesktop desktop(bus);
     privateBus.settle();
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light);
     const SettingsPortal portal(desktopBus, { { "org.freedesktop.appearance/color-scheme", preferDark } });
@@ -87,7 +87,7 @@ TEST_F(DesktopTest, aPortalMayComeLate)
 
 TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
 {
-    LinuxDesktop desktop(noBus());
+    XdgDesktop desktop(noBus());
     int changes = 0;
     QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
     desktop.setBadge(3);
@@ -100,7 +100,7 @@ TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
 
 TEST_F(DesktopTest, theBadgeReachesDocksThatAreThereAndThoseThatComeLater)
 {
-    LinuxDesktop desktop(bus);
+    XdgDesktop desktop(bus);
     desktop.setBadge(7);
     privateBus.settle();
     {
@@ -132,7 +132,7 @@ TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
     script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
     Environment environment { { "PATH", QFile::encodeName(folder.path()) + ':' + qgetenv("PATH") } };
 
-    LinuxDesktop desktop(noBus());
+    XdgDesktop desktop(noBus());
     LogCapture log;
     desktop.openInBrowser(QUrl("file:///etc/passwd"));
     desktop.openInBrowser(QUrl("https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a b;$(x)"));

@@ -1,5 +1,5 @@
 #include "Foundation/Json.h"
-#include "Platform/Linux/LinuxLanguageModel.h"
+#include "Platform/Linux/Models/LoopbackLanguageModel.h"
 #include "Support/Await.h"
 #include "Support/LoopbackWeb.h"
 #include "Support/Outcome.h"
@@ -85,7 +85,7 @@ protected:
 
     VirtualScheduler clock;
     LoopbackWeb web;
-    LinuxLanguageModel model { clock, { web.base() } };
+    LoopbackLanguageModel model { clock, { web.base() } };
 };
 
 }
@@ -170,7 +170,7 @@ TEST_F(LanguageModel, aServerThatCannotAnswerIsUnavailableForAStatedReason)
     model.choose({ QString(web.base()).replace("127.0.0.1", "localhost"), "b" });
     EXPECT_EQ(look(), at("The model server at %1 has no model “b”."));
 
-    LinuxLanguageModel two(clock, { "http://127.0.0.1:1", web.base() });
+    LoopbackLanguageModel two(clock, { "http://127.0.0.1:1", web.base() });
     two.refresh();
     ASSERT_TRUE(await([&] { return !two.unavailableReason(); })) << "the second of the usual servers is found";
 
@@ -247,7 +247,7 @@ TEST_F(LanguageModel, cancellingEndsTheRequestAndSoDoesTheEndOfTheProgram)
     EXPECT_TRUE(await([&] { return web.openConnections() == 0; }));
     EXPECT_EQ(result(model.respond("i", "p", cancel)).error().message, "Cancelled.");
 
-    auto other = std::make_unique<LinuxLanguageModel>(clock, QStringList(web.base()));
+    auto other = std::make_unique<LoopbackLanguageModel>(clock, QStringList(web.base()));
     other->refresh();
     ASSERT_TRUE(await([&] { return !other->unavailableReason(); }));
     const auto second = outcome(other->respond("i", "p", {}));

@@ -1,4 +1,4 @@
-#include "Platform/Linux/LinuxMachineFacts.h"
+#include "Platform/Linux/Processes/ProcMachineFacts.h"
 
 #include "Support/Await.h"
 #include "Support/PrivateBus.h"
@@ -67,9 +67,9 @@ protected:
             write(folder + QString("trip_point_%1_temp").arg(i), trips[i].second);
         }
     }
-    LinuxMachineFacts facts(const QDBusConnection& bus = noBus()) const
+    ProcMachineFacts facts(const QDBusConnection& bus = noBus()) const
     {
-        return LinuxMachineFacts(home.path("root"), home.paths().resources, bus);
+        return ProcMachineFacts(home.path("root"), home.paths().resources, bus);
     }
     MachineState state() const { return facts().state(); }
 
@@ -88,7 +88,7 @@ TEST_F(Machine, theVersionAndTheProcessorAreTheKernels)
     EXPECT_EQ(facts().version(), (SystemVersion { 6, 18, 0 }));
     write("/proc/sys/kernel/arch", "riscv64");
     EXPECT_TRUE(state().isTranslated);
-    EXPECT_FALSE(LinuxMachineFacts({}, {}, noBus()).state().isTranslated);
+    EXPECT_FALSE(ProcMachineFacts({}, {}, noBus()).state().isTranslated);
 }
 
 TEST_F(Machine, heatIsWhatTheTripPointsOfAZoneSayOfIt)
@@ -118,8 +118,8 @@ TEST_F(Machine, memoryIsWhatIsBuiltInAndTheDiskIsTheOneOfTheDataFolder)
     write("/sys/devices/system/memory/memory9/online", "0");
     EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(1) << 33);
     EXPECT_GT(state().freeDiskBytes, 0);
-    EXPECT_EQ(LinuxMachineFacts({}, home.path("nowhere"), noBus()).state().freeDiskBytes, -1);
-    EXPECT_GT(LinuxMachineFacts({}, {}, noBus()).state().physicalMemoryBytes, 0U);
+    EXPECT_EQ(ProcMachineFacts({}, home.path("nowhere"), noBus()).state().freeDiskBytes, -1);
+    EXPECT_GT(ProcMachineFacts({}, {}, noBus()).state().physicalMemoryBytes, 0U);
 }
 
 TEST_F(Machine, powerComesFromTheSuppliesWhereNoServiceRuns)
@@ -147,7 +147,7 @@ TEST_F(Machine, theServicesOfTheBusAreFollowedAsTheyComeChangeAndGo)
     PrivateBus bus;
     write("/sys/firmware/acpi/platform_profile", "low-power");
     PowerService upower(bus.connect(), "org.freedesktop.UPower", "/org/freedesktop/UPower", true);
-    const LinuxMachineFacts machine = facts(bus.connect());
+    const ProcMachineFacts machine = facts(bus.connect());
     bus.settle();
     EXPECT_EQ(machine.state().powerSourceStates, QStringList("Battery Power"));
     upower.change("OnBattery", false);

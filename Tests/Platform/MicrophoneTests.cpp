@@ -1,7 +1,7 @@
 #include "Platform/Microphone.h"
 
 #include "Foundation/SystemScheduler.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "SoundServer.h"
 #include "Support/LogCapture.h"
 #include "Support/VirtualScheduler.h"

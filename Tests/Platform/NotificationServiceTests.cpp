@@ -1,6 +1,6 @@
-#include "Platform/Linux/BusNotificationService.h"
+#include "Platform/Linux/Bus/BusNotificationService.h"
 
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Support/Await.h"
 #include "Support/NotificationDaemon.h"
 #include "Support/Print.h"

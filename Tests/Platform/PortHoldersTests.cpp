@@ -1,5 +1,5 @@
-#include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/Linux/LinuxPortHolders.h"
+#include "Platform/Linux/Processes/ProcPortHolders.h"
+#include "Platform/Linux/Services.h"
 #include "Support/TemporaryHome.h"
 
 #include <QFile>
@@ -54,13 +54,13 @@ TEST(PortHolders, onlyTheProcessesBehindAListeningSocketOfThatPortAreFound)
     process("16", "1000", "501"); // goes away meanwhile
     ASSERT_TRUE(QFile::remove(home.path("proc/16/status")));
 
-    LinuxPortHolders holders(home.path("proc"));
+    ProcPortHolders holders(home.path("proc"));
     const QList<PortHolder> found = holders.listeningOn(8765);
     EXPECT_EQ(pids(found), QList<qint64>({ 11, 12 }));
     for (const PortHolder& holder : found)
         EXPECT_EQ(holder.userId, holder.pid == 11 ? 1000U : 0U);
     EXPECT_TRUE(holders.listeningOn(80).isEmpty());
-    EXPECT_TRUE(LinuxPortHolders(home.path("nothing")).listeningOn(8765).isEmpty());
+    EXPECT_TRUE(ProcPortHolders(home.path("nothing")).listeningOn(8765).isEmpty());
 }
 
 TEST(PortHolders, aRealSocketLeadsToItsProcess)

@@ -1,6 +1,6 @@
 #include "Foundation/SystemScheduler.h"
-#include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/Linux/Utf8Chunks.h"
+#include "Platform/Linux/Processes/Utf8Chunks.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/ProcessLauncher.h"
 #include "Support/Await.h"
 #include "Support/Print.h"

@@ -1,6 +1,6 @@
-#include "Platform/Linux/LinuxSingleInstance.h"
+#include "Platform/Linux/Bus/BusSingleInstance.h"
 
-#include "Platform/Linux/BusObject.h"
+#include "Platform/Linux/Bus/BusObject.h"
 #include "Support/Await.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
@@ -31,7 +31,7 @@ protected:
             QObject::connect(&instance, &SingleInstance::activated,
                 [this](const QStringList& arguments) { received.append('[' + arguments.join('|') + ']'); });
         }
-        LinuxSingleInstance instance;
+        BusSingleInstance instance;
         QString received;
     };
 
@@ -40,7 +40,7 @@ protected:
     {
         std::atomic<int> result = -1;
         const std::unique_ptr<QThread> start(
-            QThread::create([&] { result = LinuxSingleInstance(folder, startBus).claim(arguments) ? 1 : 0; }));
+            QThread::create([&] { result = BusSingleInstance(folder, startBus).claim(arguments) ? 1 : 0; }));
         start->start();
         EXPECT_TRUE(await([&] { return result != -1; }));
         start->wait();
@@ -78,8 +78,8 @@ TEST_F(SingleInstanceTest, aLaterStartHandsOverItsArgumentsWithAndWithoutABus)
 
 TEST_F(SingleInstanceTest, eachDataFolderHasAProgramOfItsOwn)
 {
-    LinuxSingleInstance first(folder, bus);
-    LinuxSingleInstance second(home.path("demo/Corvane"), otherBus);
+    BusSingleInstance first(folder, bus);
+    BusSingleInstance second(home.path("demo/Corvane"), otherBus);
     LogCapture log;
     EXPECT_TRUE(first.claim({}));
     EXPECT_TRUE(second.claim({}));
@@ -115,7 +115,7 @@ TEST_F(SingleInstanceTest, aBusyProgramGetsTheArgumentsWhenItComesRound)
         LogCapture log;
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(LinuxSingleInstance(folder, second).claim({ "later" }));
+        EXPECT_FALSE(BusSingleInstance(folder, second).claim({ "later" }));
         EXPECT_LT(timer.elapsed(), 8000);
         EXPECT_TRUE(log.contains("does not answer"));
         EXPECT_TRUE(await([&] { return running.received == "[later]"; }));
@@ -124,10 +124,10 @@ TEST_F(SingleInstanceTest, aBusyProgramGetsTheArgumentsWhenItComesRound)
 
 TEST_F(SingleInstanceTest, aProgramThatCannotBeReachedIsNotRunTwice)
 {
-    LinuxSingleInstance running(folder, noBus());
+    BusSingleInstance running(folder, noBus());
     ASSERT_TRUE(running.claim({}));
     ASSERT_TRUE(QFile::remove(socketPath));
-    EXPECT_FALSE(LinuxSingleInstance(folder, noBus()).claim({}));
+    EXPECT_FALSE(BusSingleInstance(folder, noBus()).claim({}));
 }
 
 TEST_F(SingleInstanceTest, theSocketIsTheUsersOwnAndOutlivesNonsense)

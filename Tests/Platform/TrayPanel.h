@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Linux/TrayTypes.h"
+#include "Platform/Linux/Tray/TrayTypes.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>

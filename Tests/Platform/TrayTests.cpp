@@ -1,7 +1,7 @@
-#include "Platform/Linux/StatusNotifierTray.h"
+#include "Platform/Linux/Tray/StatusNotifierTray.h"
 
-#include "Platform/Linux/BusObject.h"
-#include "Platform/Linux/TrayIcon.h"
+#include "Platform/Linux/Bus/BusObject.h"
+#include "Platform/Linux/Tray/TrayIcon.h"
 #include "Platform/TrayPanel.h"
 #include "Support/Await.h"
 #include "Support/Print.h"

@@ -1,6 +1,6 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Platform/NotificationService.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/Tray.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/AddressBook.h"
-#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Services.h"
 #include "Shell/CorvaneApp.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"

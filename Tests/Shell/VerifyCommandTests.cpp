@@ -1,6 +1,6 @@
 #include "Shell/VerifyCommand.h"
 
-#include "Store/DraftApprovals.h"
+#include "Store/Approvals/DraftApprovals.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "Support/WaitingItems.h"

@@ -5,7 +5,7 @@
 #include "Shell/ContentView.h"
 #include "Shell/LoginWallView.h"
 #include "Shell/ProfileMenu.h"
-#include "Store/Workspaces.h"
+#include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeSecretStore.h"

@@ -1,9 +1,9 @@
-#include "Store/ApprovalRecords.h"
+#include "Store/Approvals/ApprovalRecords.h"
 
-#include "Store/CrmProposals.h"
-#include "Store/DraftApprovals.h"
-#include "Store/Transaction.h"
-#include "Store/WorkDecisions.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Approvals/WorkDecisions.h"
+#include "Store/Core/Transaction.h"
 #include "Support/StoreTest.h"
 #include "Support/WaitingItems.h"
 

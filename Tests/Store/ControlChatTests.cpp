@@ -1,6 +1,6 @@
-#include "Store/ControlChat.h"
+#include "Store/Assistant/ControlChat.h"
 
-#include "Store/DigestQueries.h"
+#include "Store/Work/DigestQueries.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

@@ -1,7 +1,7 @@
-#include "Store/ContactInfo.h"
-#include "Store/CrmProposals.h"
-#include "Store/CrmRecords.h"
-#include "Store/IngestQueries.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/People/ContactInfo.h"
+#include "Store/People/CrmRecords.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

@@ -1,7 +1,7 @@
 #include "Foundation/Ids.h"
-#include "Store/IdentityQueries.h"
-#include "Store/IngestQueries.h"
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/Messages/ThreadQueries.h"
+#include "Store/People/IdentityQueries.h"
 #include "Support/StoreTest.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "Store/InboxQueries.h"
-#include "Store/IngestQueries.h"
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/InboxQueries.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/Messages/ThreadQueries.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

@@ -1,5 +1,5 @@
-#include "Store/CrmQueue.h"
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/People/CrmQueue.h"
 #include "Support/StoreTest.h"
 
 #include <QJsonObject>

@@ -1,6 +1,6 @@
-#include "Store/MessageSearch.h"
+#include "Store/Messages/MessageSearch.h"
 
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/StoreTest.h"
 

@@ -1,7 +1,7 @@
-#include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
-#include "Store/SyncQueries.h"
-#include "Store/Workspaces.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/Sync/SyncQueries.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "Store/StoreHealth.h"
+#include "Store/Core/StoreHealth.h"
 
 #include "Support/StoreTest.h"
 

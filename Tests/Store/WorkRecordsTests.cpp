@@ -1,6 +1,6 @@
-#include "Store/WorkWrites.h"
+#include "Store/Work/WorkWrites.h"
 
-#include "Store/DigestQueries.h"
+#include "Store/Work/DigestQueries.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

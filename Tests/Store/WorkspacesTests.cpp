@@ -1,5 +1,5 @@
-#include "Store/InboxQueries.h"
-#include "Store/Workspaces.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/Messages/InboxQueries.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {

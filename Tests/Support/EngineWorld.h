@@ -6,7 +6,7 @@
 #include "Foundation/UserDefaults.h"
 #include "Notifications/Notifier.h"
 #include "Platform/Keychain.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeLauncher.h"

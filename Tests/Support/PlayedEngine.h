@@ -9,7 +9,7 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Platform/ProcessLauncher.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"

@@ -2,7 +2,7 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"

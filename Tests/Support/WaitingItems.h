@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Store/LocalDB.h"
-#include "Store/OutboundQueries.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/LocalDB.h"
 
 #include <gtest/gtest.h>
 

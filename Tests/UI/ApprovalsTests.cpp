@@ -1,4 +1,4 @@
-#include "Store/IngestQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/WaitingItems.h"
 #include "UI/PanelWindow.h"

@@ -1,5 +1,5 @@
 #include "Foundation/Json.h"
-#include "Platform/Linux/LinuxLanguageModel.h"
+#include "Platform/Linux/Models/LoopbackLanguageModel.h"
 #include "Support/Await.h"
 #include "Support/LoopbackWeb.h"
 #include "WindowTest.h"
@@ -41,7 +41,7 @@ struct ModelServerDouble {
 
     LoopbackWeb web;
     VirtualScheduler standing;
-    LinuxLanguageModel model { standing, { web.base() } };
+    LoopbackLanguageModel model { standing, { web.base() } };
     FakeMachineFacts facts;
     NoTools tools;
     AIServices ai { model, facts, tools, {}, standing };

@@ -1,5 +1,5 @@
-#include "Store/IngestQueries.h"
-#include "Store/OutboundQueries.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/IngestQueries.h"
 #include "WindowTest.h"
 
 namespace corvane {

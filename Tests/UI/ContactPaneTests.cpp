@@ -1,4 +1,4 @@
-#include "Store/ContactInfo.h"
+#include "Store/People/ContactInfo.h"
 #include "WindowTest.h"
 
 namespace corvane {

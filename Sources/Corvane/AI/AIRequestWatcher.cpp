@@ -2,8 +2,8 @@
 
 #include "AI/LumoAI.h"
 #include "Foundation/Scheduler.h"
-#include "Store/AIRequestQueries.h"
-#include "Store/LocalDB.h"
+#include "Store/Assistant/AIRequestQueries.h"
+#include "Store/Core/LocalDB.h"
 
 #include <QCoreApplication>
 #include <QUuid>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/ThreadQueries.h"
 
 #include <QStringList>
 

@@ -4,7 +4,7 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Scheduler.h"
 #include "Foundation/Text.h"
-#include "Store/CrmRecords.h"
+#include "Store/People/CrmRecords.h"
 
 #include <QPointer>
 

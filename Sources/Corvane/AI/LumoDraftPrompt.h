@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AI/LocalAIMessageCitation.h"
-#include "Store/CrmRecords.h"
+#include "Store/People/CrmRecords.h"
 
 namespace corvane {
 

@@ -6,7 +6,7 @@
 #include "AI/UngroundedFacts.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Scheduler.h"
-#include "Store/DraftQueries.h"
+#include "Store/Assistant/DraftQueries.h"
 
 #include <QPointer>
 

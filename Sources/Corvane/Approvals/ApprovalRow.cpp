@@ -1,7 +1,7 @@
 #include "Approvals/ApprovalRow.h"
 
+#include "Approvals/DraftWords.h"
 #include "Engines/DraftDelivery.h"
-#include "Inbox/DraftWords.h"
 
 namespace corvane {
 

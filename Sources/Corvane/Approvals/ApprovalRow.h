@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Store/CrmProposals.h"
-#include "Store/OutboundQueries.h"
-#include "Store/WorkRecords.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Work/WorkRecords.h"
 
 #include <QMetaType>
 

@@ -4,7 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
 #include "Notifications/Notifier.h"
-#include "Store/WorkDecisions.h"
+#include "Store/Approvals/WorkDecisions.h"
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/Scheduler.h"
-#include "Store/CrmProposals.h"
-#include "Store/DraftApprovals.h"
-#include "Store/WorkRecords.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Work/WorkRecords.h"
 
 #include <QHash>
 #include <QObject>

@@ -2,7 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
-#include "Store/IdentityQueries.h"
+#include "Store/People/IdentityQueries.h"
 
 #include <algorithm>
 

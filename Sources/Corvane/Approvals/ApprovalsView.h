@@ -3,7 +3,7 @@
 #include "Approvals/ApprovalRow.h"
 #include "Approvals/ProposalLink.h"
 #include "Foundation/Scheduler.h"
-#include "Inbox/RowListModel.h"
+#include "Presentation/RowListModel.h"
 
 #include <QHash>
 #include <QVariantList>

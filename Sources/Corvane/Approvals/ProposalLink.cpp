@@ -3,7 +3,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Foundation/Channel.h"
 #include "Foundation/Text.h"
-#include "Inbox/WAName.h"
+#include "Presentation/WAName.h"
 
 namespace corvane {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/IdentityQueries.h"
+#include "Store/People/IdentityQueries.h"
 
 #include <QObject>
 #include <QVariantList>

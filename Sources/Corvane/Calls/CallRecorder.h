@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Store/CallQueries.h"
-#include "Store/CrmProposals.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Work/CallQueries.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "Engines/DraftDelivery.h"
 
 #include "Engines/EngineManager.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 
 namespace corvane {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Foundation/Scheduler.h"
-#include "Store/DraftApprovals.h"
+#include "Store/Approvals/DraftApprovals.h"
 
 namespace corvane {
 

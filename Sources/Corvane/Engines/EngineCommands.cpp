@@ -3,7 +3,7 @@
 #include "Engines/EngineManagerState.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
-#include "Store/ThreadQueries.h"
+#include "Store/Messages/ThreadQueries.h"
 
 namespace corvane {
 

@@ -6,7 +6,7 @@
 #include "Foundation/Json.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
-#include "Store/InboxQueries.h"
+#include "Store/Messages/InboxQueries.h"
 
 #include <QDir>
 #include <QFile>

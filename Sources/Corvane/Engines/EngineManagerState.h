@@ -8,7 +8,7 @@
 #include "Engines/RuntimeStates.h"
 #include "Engines/ToolServer.h"
 #include "Foundation/Coalescer.h"
-#include "Store/LocalDB.h"
+#include "Store/Core/LocalDB.h"
 
 namespace corvane {
 

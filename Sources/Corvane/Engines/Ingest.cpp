@@ -4,9 +4,9 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Notifications/Notifier.h"
-#include "Store/DraftApprovals.h"
-#include "Store/InboxQueries.h"
-#include "Store/IngestQueries.h"
+#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Messages/InboxQueries.h"
+#include "Store/Messages/IngestQueries.h"
 
 #include <QDir>
 #include <QRegularExpression>

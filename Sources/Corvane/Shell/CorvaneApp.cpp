@@ -20,8 +20,8 @@
 #include "Platform/SecretStore.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
-#include "Store/LocalDB.h"
-#include "Store/Workspaces.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/Workspaces.h"
 #include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
 

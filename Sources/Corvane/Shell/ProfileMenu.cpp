@@ -1,7 +1,7 @@
 #include "Shell/ProfileMenu.h"
 
 #include "Shell/AppShell.h"
-#include "Store/Workspaces.h"
+#include "Store/Core/Workspaces.h"
 #include "Web/SessionStore.h"
 
 #include <QVariantMap>

@@ -16,7 +16,7 @@ Screens::Screens(const Surroundings& at)
           at.paths, at.ai, at.translations })
     , approvals(at.approvals, at.engine.db(), at.scheduler)
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
-    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, shell, approvals })
+    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
 {
     const auto showUnread = [this, &engine = at.engine] {
         shell.hubs()->setUnreadTotal(engine.unreadTotal());

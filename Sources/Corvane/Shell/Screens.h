@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
-#include "Inbox/InboxView.h"
+#include "Desk/CorvaneMenuBarView.h"
+#include "Inbox/List/InboxView.h"
+#include "Settings/Appearance.h"
+#include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
-#include "Shell/Appearance.h"
 #include "Shell/ContentView.h"
-#include "Shell/CorvaneMenuBarView.h"
-#include "Shell/IntegrationsView.h"
 #include "Shell/LoginWallView.h"
 #include "Shell/ProfileMenu.h"
 

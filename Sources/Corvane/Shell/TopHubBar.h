@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Inbox/RowListModel.h"
+#include "Presentation/RowListModel.h"
 #include "Shell/NavItem.h"
 
 namespace corvane {

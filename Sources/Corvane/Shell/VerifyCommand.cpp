@@ -1,6 +1,6 @@
 #include "Shell/VerifyCommand.h"
 
-#include "Store/ApprovalRecords.h"
+#include "Store/Approvals/ApprovalRecords.h"
 
 #include <QFileInfo>
 #include <QTextStream>

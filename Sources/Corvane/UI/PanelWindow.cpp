@@ -1,8 +1,8 @@
 #include "PanelWindow.h"
 
+#include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
-#include "Shell/CorvaneMenuBarView.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "CRM/PaneRow.h"
+#include "Foundation/Coalescer.h"
+#include "Presentation/RowListModel.h"
+#include "Store/Messages/InboxQueries.h"
+#include "Store/People/CrmRecords.h"
+
+#include <QSet>
+#include <functional>
+
+namespace corvane {
+
+/// The person beside the open thread: who else they may be, what agents remember, deals, notes, tasks, and what
+/// happened, of all contacts that were merged into one. Whether a section is folded is the window's to remember.
+class CRMPane : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where nobody is open
+    Q_PROPERTY(QString contactName READ contactName NOTIFY contactChanged)
+    Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
+    Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
+    // Each is a model of PaneRow
+    Q_PROPERTY(QAbstractItemModel* suggestions READ suggestions CONSTANT) ///< "Same as Ana?"; id is the other contact
+    Q_PROPERTY(QAbstractItemModel* merges READ merges CONSTANT) ///< "Merged with Ana"
+    Q_PROPERTY(QAbstractItemModel* memory READ memory CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* info READ info CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* deals READ deals CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* notes READ notes CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* activity READ activity CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* tasks READ tasks CONSTANT)
+    // What stands in a section without rows
+    Q_PROPERTY(QString memoryEmpty READ memoryEmpty CONSTANT)
+    Q_PROPERTY(QString infoEmpty READ infoEmpty CONSTANT)
+    Q_PROPERTY(QString dealsEmpty READ dealsEmpty CONSTANT)
+    Q_PROPERTY(QString activityEmpty READ activityEmpty CONSTANT)
+    Q_PROPERTY(QString tasksEmpty READ tasksEmpty CONSTANT)
+    Q_PROPERTY(bool olderNotes READ olderNotes NOTIFY lengthsChanged) ///< there are more than are shown
+    Q_PROPERTY(bool olderActivity READ olderActivity NOTIFY lengthsChanged)
+    Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a new deal can have
+    // What is typed and not added yet; it stays with its person until the program ends
+    Q_PROPERTY(QString noteText READ noteText WRITE setNoteText NOTIFY typedChanged)
+    Q_PROPERTY(QString taskText READ taskText WRITE setTaskText NOTIFY typedChanged)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged) ///< why the last action did nothing
+public:
+    /// Both outlive the pane.
+    CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+    ~CRMPane() override;
+
+    const QString& contactId() const { return m_contact.id; }
+    const QString& contactName() const { return m_contact.name; }
+    QString identityText() const;
+    QString identityEmpty() const;
+    QAbstractItemModel* suggestions() { return &m_suggestions; }
+    QAbstractItemModel* merges() { return &m_merges; }
+    QAbstractItemModel* memory() { return &m_memory; }
+    QAbstractItemModel* info() { return &m_info; }
+    QAbstractItemModel* deals() { return &m_deals; }
+    QAbstractItemModel* notes() { return &m_notes; }
+    QAbstractItemModel* activity() { return &m_activity; }
+    QAbstractItemModel* tasks() { return &m_tasks; }
+    QString memoryEmpty() const;
+    QString infoEmpty() const;
+    QString dealsEmpty() const;
+    QString activityEmpty() const;
+    QString tasksEmpty() const;
+    bool olderNotes() const { return m_olderNotes; }
+    bool olderActivity() const { return m_olderActivity; }
+    QStringList stages() const;
+    QString noteText() const { return m_noteTexts.value(m_contact.id); }
+    void setNoteText(const QString& text);
+    QString taskText() const { return m_taskTexts.value(m_contact.id); }
+    void setTaskText(const QString& text);
+    const QString& errorText() const { return m_errorText; }
+
+    /// Shows the contact; a row without an id closes. Whom they resemble follows a quarter of a second after the
+    /// last change of contact, since that compares everybody. The same contact again shows what is new, at most
+    /// twice a second.
+    void open(const ContactRow& contact);
+
+    Q_INVOKABLE void showOlderNotes();
+    Q_INVOKABLE void showOlderActivity();
+
+    // True where it was saved; then its field is emptied. Blank texts are not saved.
+    Q_INVOKABLE bool addNote(const QString& body);
+    Q_INVOKABLE bool addTask(const QString& title);
+    Q_INVOKABLE bool canAddDeal(const QString& name) const;
+    Q_INVOKABLE bool addDeal(const QString& name, const QString& stage, const QString& value);
+    Q_INVOKABLE void moveDeal(const QString& id, const QString& stage);
+    Q_INVOKABLE void completeTask(const QString& id);
+    Q_INVOKABLE void forget(const QString& memoryId);
+
+    Q_INVOKABLE void mergeWith(const QString& otherId); ///< of a suggestion
+    Q_INVOKABLE void dismissSuggestion(const QString& otherId); ///< until the program ends
+    Q_INVOKABLE void unmerge(const QString& mergeId);
+    Q_INVOKABLE void dismissError() { setError({}); }
+
+Q_SIGNALS:
+    void contactChanged();
+    void errorTextChanged();
+    void lengthsChanged();
+    void typedChanged();
+    void peopleChanged(); ///< conversations have changed hands
+    void undoable(const QString& text, const std::function<void()>& back); ///< what was just done, and the way back
+
+private:
+    void reloadIdentity();
+    void reloadMerges();
+    void reloadCRM();
+    QList<CRMTaskRow> openTasks() const;
+    QList<CRMDealRow> latestDeals() const;
+    bool done(bool saved); ///< after an action
+    std::optional<QString> merge(const QString& primary, const QString& merged, const QString& signal);
+    void mergeUndoably(const QString& primary, const QString& merged, const QString& signal);
+    bool separate(const QString& mergeId);
+    void reloadPeople(); ///< after conversations have changed hands
+    void setError(const QString& text);
+    void setTyped(QHash<QString, QString>& texts, const QString& text);
+
+    LocalDB& m_db;
+    Scheduler& m_scheduler;
+    ContactRow m_contact;
+    QString m_primary; ///< whose thread is open: the contact, or the one that they were merged into
+    QStringList m_people; ///< the contacts that the person is, the open one first
+    QHash<QString, QString> m_signals; ///< by suggested contact
+    QSet<std::pair<QString, QString>> m_dismissed;
+    QString m_errorText;
+    QHash<QString, QString> m_noteTexts; ///< by contact
+    QHash<QString, QString> m_taskTexts; ///< by contact
+    qsizetype m_noteLimit = 0;
+    qsizetype m_activityLimit = 0;
+    bool m_olderNotes = false;
+    bool m_olderActivity = false;
+    Coalescer m_crmSoon;
+    std::unique_ptr<Timer> m_identitySoon;
+    RowListModel<PaneRow> m_suggestions;
+    RowListModel<PaneRow> m_merges;
+    RowListModel<PaneRow> m_memory;
+    RowListModel<PaneRow> m_info;
+    RowListModel<PaneRow> m_deals;
+    RowListModel<PaneRow> m_notes;
+    RowListModel<PaneRow> m_activity;
+    RowListModel<PaneRow> m_tasks;
+};
+
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "CRM/PaneRow.h"
+#include "Store/People/ContactInfo.h"
+#include "Store/People/CrmRecords.h"
+#include "Store/People/IdentityQueries.h"
+
+namespace corvane {
+
+class DateWords;
+
+// What the sections of the contact pane show, in the words of the screen.
+PaneRow suggestionRow(const MergeCandidate& pair, const QString& contactId); ///< the other one of the pair
+PaneRow mergeRow(const LiveMerge& merge, const QString& mergedName);
+PaneRow memoryRow(const MemoryEntry& entry);
+QList<PaneRow> infoRows(const ContactInfoRow& info);
+PaneRow dealRow(const CRMDealRow& deal);
+PaneRow noteRow(const NoteRow& note, const DateWords& words);
+PaneRow activityRow(const ActivityRow& activity, const DateWords& words);
+PaneRow taskRow(const CRMTaskRow& task);
+
+}

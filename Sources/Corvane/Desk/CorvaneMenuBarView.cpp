@@ -1,0 +1,199 @@
+#include "Desk/CorvaneMenuBarView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/NotificationCentre.h"
+#include "Store/Work/DigestQueries.h"
+#include "Web/SessionStore.h"
+
+#include <QDateTime>
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using MenuTab = CorvaneMenuBarView::MenuTab;
+
+constexpr int glanceRows = 4;
+constexpr std::array shownTabs { MenuTab::Now, MenuTab::Approvals };
+
+struct TabWords {
+    QString id;
+    QString label;
+};
+
+TabWords words(MenuTab tab)
+{
+    switch (tab) {
+    case MenuTab::Now:
+        return { QStringLiteral("now"), QStringLiteral("Now") };
+    case MenuTab::Approvals:
+        return { QStringLiteral("approvals"), QStringLiteral("Approvals") };
+    case MenuTab::Ram:
+        return { QStringLiteral("ram"), QStringLiteral("RAM") };
+    case MenuTab::Calendar:
+        return { QStringLiteral("calendar"), QStringLiteral("Calendar") };
+    case MenuTab::Calls:
+        return { QStringLiteral("calls"), QStringLiteral("Calls") };
+    }
+    Q_UNREACHABLE();
+}
+
+TodayDigest digestOfToday(LocalDB& db, qint64 nowMs)
+{
+    const QDate today = QDateTime::fromMSecsSinceEpoch(nowMs).date();
+    const qint64 start = today.startOfDay().toMSecsSinceEpoch();
+    return todayDigest(db, start, today.addDays(1).startOfDay().toMSecsSinceEpoch(), isoTime(start));
+}
+
+QString meetingsText(const TodayDigest& day)
+{
+    if (day.meetingsToday == 0)
+        return QStringLiteral("No meetings today");
+    const QString count = day.meetingsToday == 1 ? QStringLiteral("1 meeting today")
+                                                 : QStringLiteral("%1 meetings today").arg(day.meetingsToday);
+    return day.nextMeetingTitle ? count + QStringLiteral(" · ") + *day.nextMeetingTitle : count;
+}
+
+QString agentsText(const TodayDigest& day)
+{
+    if (day.agentActionsToday == 0)
+        return QStringLiteral("No agent activity yet today");
+    return day.agentActionsToday == 1 ? QStringLiteral("1 agent action today")
+                                      : QStringLiteral("%1 agent actions today").arg(day.agentActionsToday);
+}
+
+QVariantMap line(const char* icon, const QString& text, const char* action)
+{
+    return { { QStringLiteral("icon"), QString::fromLatin1(icon) }, { QStringLiteral("text"), text },
+        { QStringLiteral("action"), QString::fromLatin1(action) } };
+}
+
+}
+
+CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_at(surroundings)
+{
+    connect(&m_at.approvals, &ApprovalsView::changed, this, &CorvaneMenuBarView::refresh);
+    connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
+    connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
+    connect(&m_at.session, &SessionStore::changed, this, &CorvaneMenuBarView::refresh);
+}
+
+QVariantList CorvaneMenuBarView::tabs() const
+{
+    QVariantList tabs;
+    for (const MenuTab tab : shownTabs)
+        tabs.append(
+            QVariantMap { { QStringLiteral("id"), words(tab).id }, { QStringLiteral("label"), words(tab).label },
+                { QStringLiteral("count"), tab == MenuTab::Approvals ? m_at.approvals.waiting() : 0 } });
+    return tabs;
+}
+
+QString CorvaneMenuBarView::tab() const
+{
+    return words(m_tab).id;
+}
+
+void CorvaneMenuBarView::setTab(const QString& id)
+{
+    const auto found = std::ranges::find_if(shownTabs, [&](MenuTab tab) { return words(tab).id == id; });
+    if (found == shownTabs.end() || *found == m_tab)
+        return;
+    m_tab = *found;
+    refresh();
+    Q_EMIT tabChanged();
+}
+
+QString CorvaneMenuBarView::noticeTitle() const
+{
+    return m_at.session.webRejected() ? QStringLiteral("Web session expired — sync is down") : QString();
+}
+
+QString CorvaneMenuBarView::noticeText() const
+{
+    if (m_at.session.webRejected())
+        return QStringLiteral("LinkedIn/web inbox can't mirror until you sign in again.");
+    return m_at.session.signedIn()
+        ? QString()
+        : QStringLiteral("Sign in to link this Mac to your Nimb workspace and start syncing.");
+}
+
+void CorvaneMenuBarView::setVisible(bool visible)
+{
+    m_visible = visible;
+    refresh();
+}
+
+int CorvaneMenuBarView::enginesRunning() const
+{
+    return int(std::ranges::count_if(
+        m_at.accounts.accounts(), [this](const Account& account) { return m_at.engine.isRunning(account); }));
+}
+
+void CorvaneMenuBarView::refresh()
+{
+    if (!m_visible)
+        return;
+    if (m_tab == MenuTab::Now)
+        readDay();
+    Q_EMIT changed();
+}
+
+void CorvaneMenuBarView::readDay()
+{
+    const int engines = enginesRunning();
+    const TodayDigest day = digestOfToday(m_at.engine.db(), m_at.scheduler.nowMs());
+    m_today = {
+        line("approvals", m_at.approvals.waitingText(), "approvals"),
+        line("hub-inbox", QStringLiteral("%1 unread messages").arg(m_at.engine.unreadTotal()), "inbox"),
+        line("hub-ops", QStringLiteral("%1 open work items").arg(day.openWorkItems), "ops"),
+        line("view-calendar", meetingsText(day), "window"),
+        line("hub-dev", agentsText(day), "dev"),
+        line("link",
+            engines == 1 ? QStringLiteral("1 engine running") : QStringLiteral("%1 engines running").arg(engines),
+            "settings"),
+    };
+    if (day.latestUpdate)
+        m_today.insert(5, line("note", *day.latestUpdate, "ops"));
+    m_glance.clear();
+    for (const InboxGlanceRow& row : fetchInboxGlance(m_at.engine.db(), glanceRows))
+        m_glance.append(QVariantMap { { QStringLiteral("contactId"), row.contactId },
+            { QStringLiteral("channel"), row.channel }, { QStringLiteral("title"), row.title },
+            { QStringLiteral("snippet"), row.snippet.simplified() }, { QStringLiteral("unread"), row.unread } });
+}
+
+void CorvaneMenuBarView::run(const QString& action)
+{
+    if (action == u"approvals") {
+        setTab(action);
+        return;
+    }
+    if (action == u"signIn") {
+        m_at.session.startSignIn();
+        return;
+    }
+    if (action == u"settings")
+        m_at.notifications.post(notifications::openSettings);
+    else if (action != u"window")
+        m_at.notifications.post(notifications::openWorkConsole, action);
+    Q_EMIT windowRequested();
+}
+
+void CorvaneMenuBarView::openConversation(const QString& contactId)
+{
+    if (contactId.isEmpty())
+        return;
+    m_at.notifications.post(notifications::openConversation, contactId);
+    Q_EMIT windowRequested();
+}
+
+void CorvaneMenuBarView::reviewAll()
+{
+    m_at.notifications.post(notifications::openApprovals);
+    Q_EMIT windowRequested();
+}
+
+}

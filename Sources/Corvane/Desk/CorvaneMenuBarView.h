@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Approvals/ApprovalsView.h"
+
+#include <QVariantList>
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+class NotificationCentre;
+class SessionStore;
+
+/// The small window at the tray: the day at a glance while the main window is closed.
+class CorvaneMenuBarView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QVariantList tabs READ tabs NOTIFY changed) ///< of {id, label, count}
+    Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY tabChanged) ///< the id of the one in front
+    Q_PROPERTY(QVariantList today READ today NOTIFY changed) ///< of {icon, text, action}; `run` takes the action
+    Q_PROPERTY(QVariantList glance READ glance NOTIFY changed) ///< of {contactId, channel, title, snippet, unread}
+    Q_PROPERTY(QString emptyGlanceText READ emptyGlanceText CONSTANT)
+    Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< of the web account; both may be empty
+    Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
+    Q_PROPERTY(corvane::ApprovalsView* approvals READ approvals CONSTANT)
+public:
+    /// In the order of the tabs. A tab comes with what it shows: so far the first two.
+    enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
+
+    /// What the panel stands on; all of it outlives the panel.
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        SessionStore& session;
+        NotificationCentre& notifications;
+        Scheduler& scheduler;
+        ApprovalsView& approvals;
+    };
+
+    explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    QVariantList tabs() const;
+    QString tab() const;
+    void setTab(const QString& id); ///< an unknown word changes nothing
+    const QVariantList& today() const { return m_today; }
+    const QVariantList& glance() const { return m_glance; }
+    QString emptyGlanceText() const { return QStringLiteral("No conversations in the local mirror yet."); }
+    QString noticeTitle() const;
+    QString noticeText() const;
+    ApprovalsView* approvals() { return &m_at.approvals; }
+
+    /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
+    void setVisible(bool visible);
+
+    Q_INVOKABLE void run(const QString& action); ///< of a line of `today`, or "window", "settings" or "signIn"
+    Q_INVOKABLE void openConversation(const QString& contactId); ///< nothing for a row without a contact
+    Q_INVOKABLE void reviewAll(); ///< the approvals in the main window
+
+Q_SIGNALS:
+    void changed();
+    void tabChanged();
+    void windowRequested(); ///< show the main window and bring it to the front
+
+private:
+    void refresh();
+    void readDay();
+    int enginesRunning() const;
+
+    Surroundings m_at;
+    MenuTab m_tab = MenuTab::Now;
+    QVariantList m_today;
+    QVariantList m_glance;
+    bool m_visible = false;
+};
+
+}

@@ -1,0 +1,43 @@
+#include "Inbox/Assistant/AssistantContext.h"
+
+#include "Store/People/IdentityQueries.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int threadLimit = 1000;
+
+std::optional<QString> known(const QString& text)
+{
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+}
+
+LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact)
+{
+    const QString id = effectiveContactId(db, contact.id);
+    LumoDraftCRMContext context { id, contact.name, contact.platforms, {}, fetchNotes(db, id) };
+    for (const ContactIdentity& identity : identitiesFor(db, id))
+        context.identities.append({ identity.channel, identity.handle, known(identity.email), known(identity.phone) });
+    return context;
+}
+
+QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact)
+{
+    return fetchUnifiedThread(db, contact.id, threadLimit);
+}
+
+QVariantList citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels)
+{
+    QVariantList choices;
+    for (const LocalAIMessageCitation& citation : citations) {
+        if (labels.contains(citation.label))
+            choices.append(QVariantMap { { QStringLiteral("label"), citation.label },
+                { QStringLiteral("messageId"), citation.id }, { QStringLiteral("excerpt"), citation.excerpt } });
+    }
+    return choices;
+}
+
+}

@@ -1,0 +1,199 @@
+#include "Inbox/Assistant/DraftAssistant.h"
+
+#include "AI/AIServices.h"
+#include "Foundation/Ids.h"
+#include "Inbox/Assistant/AssistantContext.h"
+#include "Inbox/Compose/Composer.h"
+#include "Voice/TranslationService.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+struct Rewrite {
+    LumoDraftRewriteAction action;
+    const char* key;
+    const char* busy;
+};
+
+constexpr Rewrite offeredRewrites[] {
+    { LumoDraftRewriteAction::Shorten, "shorten", "Shortening" },
+    { LumoDraftRewriteAction::Warmer, "warmer", "Making warmer" },
+    { LumoDraftRewriteAction::Grammar, "grammar", "Fixing grammar" },
+};
+
+QString defaultDraftStyle()
+{
+    return QStringLiteral("Warm, concise, grounded, natural");
+}
+
+QString rewriteIntent()
+{
+    return QStringLiteral("rewrite_text");
+}
+
+}
+
+DraftAssistant::DraftAssistant(const Surroundings& surroundings, QObject* parent)
+    : GenerationPanel(surroundings.ai.ai, parent)
+    , m_db(surroundings.db)
+    , m_drafts(surroundings.ai.drafts)
+    , m_translations(surroundings.translations)
+    , m_composer(surroundings.composer)
+{
+}
+
+bool DraftAssistant::isRewrite() const
+{
+    return m_result && m_result->intent == rewriteIntent();
+}
+
+QVariantList DraftAssistant::citations() const
+{
+    return m_result ? citationChoices(m_result->citations, m_result->responseMetadata.usedMessageLabels)
+                    : QVariantList();
+}
+
+QString DraftAssistant::caption() const
+{
+    return QStringLiteral("Composer draft only");
+}
+
+QVariantList DraftAssistant::rewrites() const
+{
+    QVariantList choices;
+    for (const Rewrite& rewrite : offeredRewrites)
+        choices.append(QVariantMap { { QStringLiteral("key"), QString::fromLatin1(rewrite.key) },
+            { QStringLiteral("label"), corvane::operationLabel(rewrite.action) } });
+    return choices;
+}
+
+QStringList DraftAssistant::languages() const
+{
+    return TranslationService::languages();
+}
+
+void DraftAssistant::draftReply()
+{
+    if (m_contact.id.isEmpty())
+        return;
+    runDraft(QStringLiteral("Drafting"), [this](CancelHandle cancel) {
+        return m_drafts.draftReply(
+            draftContext(m_db, m_contact), localThread(m_db, m_contact), defaultDraftStyle(), m_ai.modelSpec(), cancel);
+    });
+}
+
+void DraftAssistant::rewrite(const QString& action)
+{
+    const auto offered = std::ranges::find_if(
+        offeredRewrites, [&](const Rewrite& rewrite) { return action == QLatin1String(rewrite.key); });
+    if (offered == std::end(offeredRewrites) || !hasText())
+        return;
+    runDraft(QString::fromLatin1(offered->busy),
+        [this, offered](CancelHandle cancel) { return rewritten(m_composer.text(), offered->action, {}, cancel); });
+}
+
+void DraftAssistant::translate(const QString& language)
+{
+    if (!hasText())
+        return;
+    runDraft(QStringLiteral("Translating"),
+        [this, language](CancelHandle cancel) { return translated(m_composer.text(), language, cancel); });
+}
+
+void DraftAssistant::accept()
+{
+    take(false);
+}
+
+void DraftAssistant::replace()
+{
+    take(true);
+}
+
+QCoro::Task<> DraftAssistant::runDraft(QString label, Operation operation)
+{
+    const CancelHandle cancel
+        = begin(QStringLiteral("%1 with %2").arg(label, m_ai.availableName().value_or(QStringLiteral("LumoAI"))),
+            [this, label, operation] { runDraft(label, operation); });
+    Result<LumoDraftResult> result = co_await operation(cancel);
+    if (cancel.isCancelled())
+        co_return;
+    if (result) {
+        m_result = *std::move(result);
+        show(State::Ready, m_result->operationLabel);
+    } else if (!m_ai.availableName()) {
+        showMissingModel();
+    } else {
+        show(State::Error, result.error().message);
+    }
+}
+
+QCoro::Task<Result<LumoDraftResult>> DraftAssistant::translated(QString text, QString language, CancelHandle cancel)
+{
+    const auto translation = co_await m_translations.translate(
+        text, language,
+        [this, cancel](const QString& words) {
+            if (!cancel.isCancelled())
+                show(State::Loading, words);
+        },
+        cancel);
+    if (cancel.isCancelled())
+        co_return cancelled();
+    if (translation) {
+        LumoDraftResult result;
+        result.id = uuidText();
+        result.intent = rewriteIntent();
+        result.operationLabel = corvane::operationLabel(LumoDraftRewriteAction::Translate);
+        result.draft = translation->text;
+        result.model = { translation->modelName };
+        result.responseMetadata.warnings = translation->warnings;
+        co_return result;
+    }
+    show(State::Loading, QStringLiteral("Falling back to LumoAI translate..."));
+    const QString error = translation.error().message;
+    const auto result = co_await rewritten(text, LumoDraftRewriteAction::Translate, language, cancel);
+    if (!result)
+        co_return std::unexpected(result.error());
+    co_return result->addingWarnings(
+        { QStringLiteral("Apple Translation was unavailable or failed mid-flight; LumoAI fallback translated this "
+                         "draft. Apple Translation error: ")
+            + error });
+}
+
+QCoro::Task<Result<LumoDraftResult>> DraftAssistant::rewritten(
+    QString text, LumoDraftRewriteAction action, QString language, CancelHandle cancel)
+{
+    return m_drafts.rewrite(text, action, language, draftContext(m_db, m_contact), localThread(m_db, m_contact),
+        defaultDraftStyle(), cancel);
+}
+
+bool DraftAssistant::hasText()
+{
+    if (m_contact.id.isEmpty())
+        return false;
+    if (m_composer.canSend())
+        return true;
+    dismiss();
+    show(State::Error, errorDescription(LumoDraftServiceError::EmptyInput));
+    return false;
+}
+
+void DraftAssistant::showMissingModel()
+{
+    show(State::MissingModel, QStringLiteral("Apple Intelligence or Codex CLI unavailable"),
+        QStringLiteral("Enable Apple Intelligence or install Codex CLI. Current backend: none"));
+}
+
+void DraftAssistant::take(bool inPlace)
+{
+    if (!m_result)
+        return;
+    storeDraftMetadata(m_db, effectiveContactId(m_db, m_contact.id), newestConversation(m_db, m_contact.id), *m_result);
+    m_composer.apply(m_result->draft, inPlace ? Composer::Placement::Instead : Composer::Placement::After);
+    dismiss();
+}
+
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "AI/LumoDraftService.h"
+#include "Inbox/Assistant/GenerationPanel.h"
+
+#include <QVariantList>
+
+namespace corvane {
+
+class Composer;
+class TranslationService;
+struct AIServices;
+
+/// Prepares texts for the composer: a reply, or another wording of what stands there. What it makes is a preview, which
+/// the person takes over or not; nothing here can send.
+class DraftAssistant final : public GenerationPanel {
+    Q_OBJECT
+    Q_PROPERTY(QString draft READ draft NOTIFY changed)
+    Q_PROPERTY(QString operationLabel READ operationLabel NOTIFY changed) ///< "Draft reply", "Shorten", ...
+    Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
+    Q_PROPERTY(bool isRewrite READ isRewrite NOTIFY changed) ///< of the composer's text, rather than beside it
+    Q_PROPERTY(QStringList warnings READ warnings NOTIFY changed)
+    Q_PROPERTY(QVariantList citations READ citations NOTIFY changed) ///< of {label, messageId, excerpt}
+    Q_PROPERTY(QString caption READ caption CONSTANT)
+    Q_PROPERTY(QVariantList rewrites READ rewrites CONSTANT) ///< of {key, label}
+    Q_PROPERTY(QStringList languages READ languages CONSTANT) ///< that a text can be translated to
+public:
+    struct Surroundings {
+        LocalDB& db;
+        AIServices& ai;
+        TranslationService& translations;
+        Composer& composer;
+    };
+
+    /// Everything outlives the assistant.
+    explicit DraftAssistant(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    QString draft() const { return m_result ? m_result->draft : QString(); }
+    QString operationLabel() const { return m_result ? m_result->operationLabel : QString(); }
+    QString modelName() const { return m_result ? m_result->model.displayName : QString(); }
+    bool isRewrite() const;
+    QStringList warnings() const { return m_result ? m_result->responseMetadata.warnings : QStringList(); }
+    QVariantList citations() const; ///< those that the draft names
+    QString caption() const;
+    QVariantList rewrites() const;
+    QStringList languages() const;
+
+    Q_INVOKABLE void draftReply();
+    Q_INVOKABLE void rewrite(const QString& action); ///< a key of `rewrites`
+    Q_INVOKABLE void translate(const QString& language);
+    Q_INVOKABLE void accept(); ///< after what stands in the composer
+    Q_INVOKABLE void replace(); ///< in its place
+
+private:
+    using Operation = std::function<QCoro::Task<Result<LumoDraftResult>>(CancelHandle)>;
+
+    QCoro::Task<> runDraft(QString label, Operation operation);
+    QCoro::Task<Result<LumoDraftResult>> translated(QString text, QString language, CancelHandle cancel);
+    QCoro::Task<Result<LumoDraftResult>> rewritten(
+        QString text, LumoDraftRewriteAction action, QString language, CancelHandle cancel);
+    bool hasText(); ///< in the composer; else says so
+    void showMissingModel();
+    void take(bool inPlace);
+    void forget() override { m_result.reset(); }
+
+    LocalDB& m_db;
+    LumoDraftService& m_drafts;
+    TranslationService& m_translations;
+    Composer& m_composer;
+    std::optional<LumoDraftResult> m_result;
+};
+
+}

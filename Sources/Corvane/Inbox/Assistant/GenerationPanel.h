@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Foundation/Cancellation.h"
+#include "Store/Messages/InboxQueries.h"
+
+#include <QObject>
+#include <functional>
+
+namespace corvane {
+
+class LumoAI;
+
+/// A text about the person whose thread is open: it is being made, is there, or cannot be had. What every panel of the
+/// assistant shows. One request runs at a time; a newer one, or another person, cancels it.
+class GenerationPanel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString state READ stateWord NOTIFY changed) ///< idle loading missingModel empty error ready
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString detail READ detail NOTIFY changed)
+    Q_PROPERTY(QString backend READ backend NOTIFY changed) ///< who would answer now; empty where nobody would
+    Q_PROPERTY(bool canTryAgain READ canTryAgain NOTIFY changed) ///< what failed
+public:
+    enum class State { Idle, Loading, MissingModel, Empty, Error, Ready };
+
+    /// `ai` outlives the panel.
+    explicit GenerationPanel(LumoAI& ai, QObject* parent = nullptr);
+    ~GenerationPanel() override; ///< cancels what runs
+
+    void open(const ContactRow& contact); ///< with an empty id: nobody
+
+    QString stateWord() const;
+    const QString& title() const { return m_title; }
+    const QString& detail() const { return m_detail; }
+    QString backend() const;
+    bool canTryAgain() const;
+
+    Q_INVOKABLE void dismiss(); ///< cancels what runs, and puts away what is shown
+    Q_INVOKABLE void tryAgain();
+
+Q_SIGNALS:
+    void changed();
+
+protected:
+    /// A new request: its handle says whether it is still wanted when its answer comes. `again` makes the same one.
+    CancelHandle begin(const QString& title, std::function<void()> again);
+    void show(State state, const QString& title, const QString& detail = {});
+    virtual void forget() { } ///< what the last request brought
+
+    LumoAI& m_ai;
+    ContactRow m_contact;
+
+private:
+    State m_state = State::Idle;
+    QString m_title;
+    QString m_detail;
+    CancelHandle m_running;
+    std::function<void()> m_again;
+};
+
+}

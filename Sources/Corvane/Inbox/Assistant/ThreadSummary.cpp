@@ -1,0 +1,120 @@
+#include "Inbox/Assistant/ThreadSummary.h"
+
+#include "AI/AIServices.h"
+#include "Inbox/Assistant/AssistantContext.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+namespace corvane {
+
+namespace {
+
+struct Span {
+    qsizetype start = 0;
+    qsizetype length = 0;
+};
+
+/// What stands in brackets and is written as a label: both of "[M3, M4]".
+QList<Span> labelsIn(const QString& text)
+{
+    static const QRegularExpression brackets(QStringLiteral("\\[[^\\[\\]\n]*\\]"));
+    static const QRegularExpression label(QStringLiteral("\\bM\\d+\\b"));
+    QList<Span> labels;
+    for (const QRegularExpressionMatch& group : brackets.globalMatch(text)) {
+        for (const QRegularExpressionMatch& match : label.globalMatch(group.captured()))
+            labels.append({ group.capturedStart() + match.capturedStart(), match.capturedLength() });
+    }
+    return labels;
+}
+
+/// Line by line as HTML: the points of a list keep their place, and what a model marks as strong is strong.
+QString inLines(const QString& text)
+{
+    static const QRegularExpression point(QStringLiteral("^(\\s*)[-*•]\\s+"));
+    static const QRegularExpression strong(QStringLiteral("\\*\\*([^*]+)\\*\\*"));
+    QStringList lines;
+    for (QString line : text.split(u'\n')) {
+        const QRegularExpressionMatch match = point.match(line);
+        const qsizetype indent = std::min<qsizetype>(match.capturedLength(1), 8);
+        const QString lead
+            = match.hasMatch() ? QStringLiteral("&nbsp;").repeated(indent * 2) + QStringLiteral("• ") : QString();
+        line = line.mid(match.capturedLength()).trimmed().toHtmlEscaped();
+        lines.append(lead + line.replace(strong, QStringLiteral("<b>\\1</b>")));
+    }
+    return lines.join(QStringLiteral("<br>"));
+}
+
+QString linked(QString html, const QHash<QString, QString>& messages)
+{
+    const QList<Span> labels = labelsIn(html);
+    for (auto span = labels.crbegin(); span != labels.crend(); ++span) {
+        const QString label = html.mid(span->start, span->length);
+        if (const auto id = messages.constFind(label); id != messages.cend())
+            html.replace(
+                span->start, span->length, QStringLiteral("<a href=\"%1\">%2</a>").arg(id->toHtmlEscaped(), label));
+    }
+    return html;
+}
+
+}
+
+ThreadSummary::ThreadSummary(LocalDB& db, AIServices& ai, QObject* parent)
+    : GenerationPanel(ai.ai, parent)
+    , m_db(db)
+    , m_summaries(ai.summaries)
+{
+}
+
+QString ThreadSummary::html() const
+{
+    if (!m_summary)
+        return {};
+    QHash<QString, QString> messages;
+    for (const LocalAIMessageCitation& citation : m_summary->citations)
+        messages.insert(citation.label, citation.id);
+    return linked(inLines(m_summary->text.trimmed()), messages);
+}
+
+QVariantList ThreadSummary::citations() const
+{
+    if (!m_summary)
+        return {};
+    QStringList named;
+    for (const Span& label : labelsIn(m_summary->text))
+        named.append(m_summary->text.mid(label.start, label.length));
+    return citationChoices(m_summary->citations, named);
+}
+
+void ThreadSummary::summarize()
+{
+    if (!m_contact.id.isEmpty())
+        run();
+}
+
+QCoro::Task<> ThreadSummary::run()
+{
+    const QList<UnifiedMsgRow> messages = localThread(m_db, m_contact);
+    const CancelHandle cancel
+        = begin(QStringLiteral("Summarizing with ") + m_ai.availableName().value_or(QStringLiteral("LumoAI")),
+            [this] { summarize(); });
+    if (citationMessages(messages).isEmpty()) {
+        show(State::Empty, QStringLiteral("No local text to summarize"),
+            QStringLiteral("This thread has no saved text messages yet."));
+        co_return;
+    }
+    Result<LocalAIThreadSummary> summary = co_await m_summaries.summarize(m_contact.name, messages, cancel);
+    if (cancel.isCancelled())
+        co_return;
+    if (summary) {
+        m_summary = *std::move(summary);
+        show(State::Ready, QStringLiteral("Summary"));
+    } else if (!m_ai.availableName()) {
+        show(State::MissingModel, QStringLiteral("Apple Intelligence or Codex CLI unavailable"),
+            QStringLiteral("Enable Apple Intelligence in System Settings or install Codex CLI."));
+    } else {
+        show(State::Error, summary.error().message);
+    }
+}
+
+}

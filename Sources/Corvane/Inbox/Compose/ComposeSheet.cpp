@@ -1,0 +1,193 @@
+#include "Inbox/Compose/ComposeSheet.h"
+
+#include "Engines/AccountStore.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int fewestDigits = 5;
+
+/// The decimal digits of any script, as 0 to 9.
+QString digitsOf(const QString& text)
+{
+    QString digits;
+    for (const QChar character : text) {
+        if (character.category() == QChar::Number_DecimalDigit)
+            digits.append(QChar(u'0' + character.digitValue()));
+    }
+    return digits;
+}
+
+}
+
+bool recipientValid(Channel channel, const QString& recipient)
+{
+    const QString trimmed = recipient.trimmed();
+    switch (channel) {
+    case Channel::Email:
+        return trimmed.contains(u'@') && trimmed.contains(u'.');
+    case Channel::WhatsApp:
+    case Channel::Sms:
+    case Channel::IMessage:
+        return digitsOf(trimmed).size() >= fewestDigits;
+    case Channel::LinkedIn:
+    case Channel::Telegram:
+    case Channel::Discord:
+    case Channel::Slack:
+    case Channel::Instagram:
+    case Channel::Messenger:
+        break;
+    }
+    return !trimmed.isEmpty();
+}
+
+QString recipientLabel(Channel channel)
+{
+    switch (channel) {
+    case Channel::Email:
+        return QStringLiteral("Email address");
+    case Channel::LinkedIn:
+    case Channel::Instagram:
+    case Channel::Messenger:
+        return channelLabel(channelRaw(channel)) + QStringLiteral(" profile");
+    default:
+        return QStringLiteral("Recipient");
+    }
+}
+
+QString recipientExample(Channel channel)
+{
+    switch (channel) {
+    case Channel::Email:
+        return QStringLiteral("name@example.com");
+    case Channel::WhatsApp:
+    case Channel::Sms:
+    case Channel::IMessage:
+        return QStringLiteral("+34 600 000 000");
+    default:
+        return {};
+    }
+}
+
+QString recipientAddress(Channel channel, const QString& recipient)
+{
+    return channel == Channel::WhatsApp ? digitsOf(recipient) + QStringLiteral("@s.whatsapp.net") : recipient.trimmed();
+}
+
+ComposeSheet::ComposeSheet(AccountStore& accounts, Submit onSubmit, QObject* parent)
+    : QObject(parent)
+    , m_accounts(accounts)
+    , m_onSubmit(std::move(onSubmit))
+{
+    connect(&accounts, &AccountStore::accountsChanged, this, &ComposeSheet::changed);
+}
+
+QString ComposeSheet::emptyText() const
+{
+    return m_accounts.accounts().isEmpty() ? QStringLiteral("Connect an account in Settings first.") : QString();
+}
+
+QVariantList ComposeSheet::accounts() const
+{
+    QVariantList choices;
+    for (const Account& each : m_accounts.accounts()) {
+        const QString channel = channelRaw(each.channel());
+        const QString word = channelLabel(channel);
+        choices.append(QVariantMap { { QStringLiteral("key"), each.id.toString() },
+            { QStringLiteral("label"), each.name == word ? word : QStringLiteral("%1 · %2").arg(each.name, word) },
+            { QStringLiteral("channel"), channel } });
+    }
+    return choices;
+}
+
+std::optional<Account> ComposeSheet::account() const
+{
+    if (m_accountId) {
+        if (auto picked = m_accounts.find(*m_accountId))
+            return picked;
+    }
+    return m_accounts.accounts().isEmpty() ? std::nullopt : std::optional(m_accounts.accounts().first());
+}
+
+QString ComposeSheet::accountId() const
+{
+    const auto picked = account();
+    return picked ? picked->id.toString() : QString();
+}
+
+void ComposeSheet::setAccountId(const QString& id)
+{
+    const QUuid wanted(id);
+    if (!m_accounts.find(wanted))
+        return;
+    m_accountId = wanted;
+    Q_EMIT changed();
+}
+
+QString ComposeSheet::label() const
+{
+    const auto picked = account();
+    return corvane::recipientLabel(picked ? picked->channel() : Channel::WhatsApp);
+}
+
+QString ComposeSheet::example() const
+{
+    const auto picked = account();
+    return picked ? corvane::recipientExample(picked->channel()) : QString();
+}
+
+void ComposeSheet::setRecipient(const QString& recipient)
+{
+    if (m_recipient == recipient)
+        return;
+    m_recipient = recipient;
+    Q_EMIT changed();
+}
+
+bool ComposeSheet::hasValidRecipient() const
+{
+    const auto picked = account();
+    return picked && corvane::recipientValid(picked->channel(), m_recipient);
+}
+
+void ComposeSheet::setMessage(const QString& message)
+{
+    if (m_message == message)
+        return;
+    m_message = message;
+    Q_EMIT changed();
+}
+
+void ComposeSheet::open()
+{
+    m_shown = true;
+    m_errorText.clear();
+    Q_EMIT changed();
+}
+
+void ComposeSheet::close()
+{
+    m_shown = false;
+    Q_EMIT changed();
+}
+
+void ComposeSheet::submit()
+{
+    const auto picked = account();
+    if (!valid() || !picked)
+        return;
+    if (m_onSubmit(*picked, m_recipient, m_message)) {
+        m_recipient.clear();
+        m_message.clear();
+        m_errorText.clear();
+        m_shown = false;
+    } else {
+        m_errorText = QStringLiteral("Couldn't queue the draft for this conversation.");
+    }
+    Q_EMIT changed();
+}
+
+}

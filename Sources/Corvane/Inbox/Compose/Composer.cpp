@@ -1,0 +1,216 @@
+#include "Inbox/Compose/Composer.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Inbox/Compose/DroppedText.h"
+#include "Inbox/Compose/ReplyRouting.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <QDir>
+
+namespace corvane {
+
+namespace {
+
+/// An engine that waits for its code to be scanned, or was signed out, takes a line and can only drop it.
+bool waitsForSignIn(WAStatus status)
+{
+    return status == WAStatus::NeedsQR || status == WAStatus::LoggedOut;
+}
+
+}
+
+Composer::Composer(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_engine(surroundings.engine)
+    , m_accounts(surroundings.accounts)
+    , m_defaults(surroundings.defaults)
+    , m_texts(surroundings.unsentTextsFile, surroundings.scheduler)
+    , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
+{
+    connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
+}
+
+Composer::~Composer() = default;
+
+void Composer::open(const ContactRow& contact)
+{
+    const bool samePerson = contact.id == m_contact.id;
+    if (samePerson && contact.platforms == m_contact.platforms)
+        return;
+    if (!samePerson && showsVoice())
+        m_voice.leave();
+    m_contact = contact;
+    if (!samePerson || !contact.platforms.contains(m_replyPlatform))
+        m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
+    gatherMerged();
+    if (!samePerson) {
+        forgetUndo();
+        setSendError({});
+        m_voice.dismissNotice();
+    }
+    Q_EMIT contactChanged();
+    Q_EMIT replyPlatformChanged();
+    Q_EMIT voiceShown();
+    Q_EMIT textChanged();
+}
+
+bool Composer::showsVoice() const
+{
+    return !m_voice.idle() && personBehind(m_engine.db(), m_voice.contactId()) == m_contact.id;
+}
+
+void Composer::setText(const QString& text)
+{
+    if (m_contact.id.isEmpty() || text == this->text())
+        return;
+    m_texts.setText(m_contact.id, text);
+    Q_EMIT textChanged();
+}
+
+void Composer::gatherMerged()
+{
+    if (m_contact.id.isEmpty())
+        return;
+    for (const QString& id : m_texts.contactIds()) {
+        if (id == m_contact.id || personBehind(m_engine.db(), id) != m_contact.id)
+            continue;
+        const QString theirs = m_texts.text(id);
+        m_texts.setText(m_contact.id, text().isEmpty() ? theirs : text() + QStringLiteral("\n\n") + theirs);
+        m_texts.setText(id, {});
+    }
+}
+
+QVariantList Composer::replyPlatforms() const
+{
+    QVariantList choices;
+    for (const QString& platform : m_contact.platforms)
+        choices.append(
+            QVariantMap { { QStringLiteral("key"), platform }, { QStringLiteral("label"), channelLabel(platform) } });
+    return choices;
+}
+
+void Composer::setReplyPlatform(const QString& platform)
+{
+    if (platform == m_replyPlatform || !m_contact.platforms.contains(platform))
+        return;
+    m_replyPlatform = platform;
+    Q_EMIT replyPlatformChanged();
+}
+
+QString Composer::replyPlatformLabel() const
+{
+    return channelLabel(m_replyPlatform);
+}
+
+QString Composer::placeholder() const
+{
+    return m_replyPlatform.isEmpty() ? QString() : QStringLiteral("Reply on ") + replyPlatformLabel();
+}
+
+void Composer::apply(const QString& text, Placement placement)
+{
+    if (m_contact.id.isEmpty())
+        return;
+    const QString before = this->text();
+    setText(placement == Placement::After && !before.isEmpty() ? before + QStringLiteral("\n\n") + text : text);
+    m_beforeApply = before;
+    Q_EMIT undoChanged();
+    Q_EMIT focusRequested();
+}
+
+void Composer::dropText(const QString& text)
+{
+    setSendError({});
+    if (!text.trimmed().isEmpty())
+        apply(text.trimmed(), Placement::After);
+}
+
+void Composer::dropFiles(const QList<QUrl>& files)
+{
+    const auto text = DroppedText::ofFiles(files);
+    if (text)
+        dropText(*text);
+    else
+        setSendError(text.error().message);
+}
+
+void Composer::undo()
+{
+    if (!m_beforeApply)
+        return;
+    setText(*m_beforeApply);
+    forgetUndo();
+    Q_EMIT focusRequested();
+}
+
+void Composer::forgetUndo()
+{
+    m_beforeApply.reset();
+    Q_EMIT undoChanged();
+}
+
+void Composer::send()
+{
+    const QString said = text().trimmed();
+    if (said.isEmpty())
+        return;
+    const bool taken = sendThrough(
+        [&](const Account& account, const QString& chatId) { return m_engine.sendText(account, chatId, said); });
+    if (!taken)
+        return;
+    m_texts.forget(m_contact.id);
+    forgetUndo();
+    Q_EMIT textChanged();
+}
+
+void Composer::startVoice()
+{
+    if (m_contact.id.isEmpty())
+        return;
+    if (m_voice.idle())
+        m_voice.start(m_contact.id);
+    else if (!showsVoice())
+        setSendError(QStringLiteral("A voice note to another contact waits: send or discard it first."));
+}
+
+void Composer::sendVoice()
+{
+    const QString path = showsVoice() ? m_voice.stop() : QString();
+    if (path.isEmpty())
+        return;
+    const bool taken = sendThrough(
+        [&](const Account& account, const QString& chatId) { return m_engine.sendAudio(account, chatId, path); });
+    if (taken)
+        m_voice.handedOver();
+}
+
+bool Composer::sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say)
+{
+    if (m_contact.id.isEmpty())
+        return false;
+    const auto target = replyTarget(m_engine.db(), m_contact.id, m_replyPlatform);
+    if (!target) {
+        setSendError(QStringLiteral("No %1 conversation for this contact").arg(replyPlatformLabel()));
+        return false;
+    }
+    const auto account = m_accounts.findBySlug(target->account);
+    if (!account || waitsForSignIn(m_engine.runtime(account->id).status) || !say(*account, target->chatId)) {
+        setSendError(QStringLiteral("Account %1 is not connected").arg(target->account));
+        return false;
+    }
+    setSendError({});
+    rememberReplyPlatform(m_defaults, m_replyPlatform, m_contact);
+    Q_EMIT sent();
+    return true;
+}
+
+void Composer::setSendError(const QString& error)
+{
+    if (m_sendError == error)
+        return;
+    m_sendError = error;
+    Q_EMIT sendErrorChanged();
+}
+
+}

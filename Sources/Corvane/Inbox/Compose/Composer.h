@@ -1,0 +1,108 @@
+#pragma once
+
+#include "Inbox/Compose/UnsentTexts.h"
+#include "Inbox/Compose/VoiceRecorder.h"
+#include "Store/Messages/InboxQueries.h"
+
+#include <QUrl>
+#include <QVariantList>
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+class UserDefaults;
+struct Account;
+
+/// What stands under the open thread: the text, the channel of the reply, a voice note. The one place from which a
+/// person sends directly. Whatever else prepares a text puts it here by `apply` and cannot send.
+class Composer : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where no thread is open
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    Q_PROPERTY(bool canSend READ canSend NOTIFY textChanged)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged) ///< of the last `apply`
+    Q_PROPERTY(QVariantList replyPlatforms READ replyPlatforms NOTIFY contactChanged) ///< of {key, label}
+    Q_PROPERTY(QString replyPlatform READ replyPlatform WRITE setReplyPlatform NOTIFY replyPlatformChanged)
+    Q_PROPERTY(QString replyPlatformLabel READ replyPlatformLabel NOTIFY replyPlatformChanged)
+    Q_PROPERTY(QString placeholder READ placeholder NOTIFY replyPlatformChanged)
+    Q_PROPERTY(QString sendError READ sendError NOTIFY sendErrorChanged)
+    Q_PROPERTY(bool editing MEMBER m_editing NOTIFY editingChanged) ///< the field has the keys
+    Q_PROPERTY(corvane::VoiceRecorder* voice READ voice CONSTANT)
+    Q_PROPERTY(bool showsVoice READ showsVoice NOTIFY voiceShown) ///< a note to the open contact runs or waits
+public:
+    enum class Placement { After, Instead };
+
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        UserDefaults& defaults;
+        Scheduler& scheduler;
+        Microphone& microphone;
+        QString unsentTextsFile;
+    };
+
+    /// Everything outlives the composer.
+    explicit Composer(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~Composer() override;
+
+    void open(const ContactRow& contact); ///< with an empty id: nobody
+    void setSendError(const QString& error); ///< shown until the next try
+    void requestFocus() { Q_EMIT focusRequested(); }
+
+    const QString& contactId() const { return m_contact.id; }
+    QString text() const { return m_texts.text(m_contact.id); }
+    void setText(const QString& text);
+    bool canSend() const { return !text().trimmed().isEmpty(); }
+    bool canUndo() const { return m_beforeApply.has_value(); }
+    QVariantList replyPlatforms() const;
+    const QString& replyPlatform() const { return m_replyPlatform; }
+    void setReplyPlatform(const QString& platform); ///< one that the contact has
+    QString replyPlatformLabel() const;
+    QString placeholder() const;
+    const QString& sendError() const { return m_sendError; }
+    VoiceRecorder* voice() { return &m_voice; }
+    bool showsVoice() const;
+
+    /// Puts a prepared text into the field: after what is there, with a blank line between, or in its place.
+    void apply(const QString& text, Placement placement);
+
+    Q_INVOKABLE void undo(); ///< the text is again what it was before the last `apply`
+    Q_INVOKABLE void send();
+    Q_INVOKABLE void dismissError() { setSendError({}); }
+    Q_INVOKABLE void dropText(const QString& text); ///< let go over the field
+    Q_INVOKABLE void dropFiles(const QList<QUrl>& files); ///< their texts; what is no text is refused
+    Q_INVOKABLE void startVoice();
+    Q_INVOKABLE void sendVoice();
+
+Q_SIGNALS:
+    void contactChanged();
+    void textChanged();
+    void undoChanged();
+    void replyPlatformChanged();
+    void sendErrorChanged();
+    void editingChanged();
+    void voiceShown();
+    void focusRequested();
+    void sent(); ///< a text or a voice note went to its engine
+
+private:
+    /// Hands the open contact's conversation on the reply's channel to `say`; where there is none, or the engine
+    /// takes nothing, the error is set. True where it was taken.
+    bool sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say);
+    void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
+    void forgetUndo();
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    UserDefaults& m_defaults;
+    UnsentTexts m_texts;
+    VoiceRecorder m_voice;
+    ContactRow m_contact;
+    QString m_replyPlatform;
+    QString m_sendError;
+    std::optional<QString> m_beforeApply;
+    bool m_editing = false;
+};
+
+}

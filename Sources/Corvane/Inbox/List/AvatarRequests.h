@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Store/Messages/InboxQueries.h"
+
+#include <QSet>
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+
+/// Asks WhatsApp for the pictures that are missing, once a person.
+class AvatarRequests {
+public:
+    AvatarRequests(EngineManager& engine, AccountStore& accounts);
+
+    void requestMissing(const QList<ContactRow>& listed);
+
+private:
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    QSet<QString> m_requested; ///< addresses
+};
+
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "Presentation/RowListModel.h"
+#include "Store/Messages/InboxQueries.h"
+
+namespace corvane {
+
+enum class PaletteAction { ArchiveCurrent, MuteCurrent, ToggleCRM, MarkAllRead, OpenApprovals };
+
+/// A line of the palette in the words of the screen.
+class PaletteItem {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(bool isAction MEMBER isAction)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(QString platform MEMBER platform)
+    Q_PROPERTY(QString avatarPath MEMBER avatarPath)
+    Q_PROPERTY(QString initials MEMBER initials)
+    Q_PROPERTY(int hue MEMBER hue)
+    Q_PROPERTY(bool highlighted MEMBER highlighted)
+public:
+    QString id; ///< "contact:{id}" or "action:{word}"
+    bool isAction = false;
+    QString label;
+    QString detail; ///< channels of a contact, the key of an action
+    QString platform; ///< the first channel of a contact
+    QString avatarPath;
+    QString initials;
+    int hue = 0;
+    bool highlighted = false;
+    QString contactId; ///< for a contact
+    PaletteAction action = PaletteAction::MarkAllRead; ///< for an action
+
+    const QString& key() const { return id; }
+    bool operator==(const PaletteItem&) const = default;
+};
+
+/// Contacts first, then actions.
+QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, bool hasSelection, const QString& query);
+
+/// Jumps to a person or runs an action, by a few typed letters.
+class CommandPalette : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
+    Q_PROPERTY(int index READ index WRITE setIndex NOTIFY indexChanged)
+    Q_PROPERTY(QAbstractItemModel* items READ items CONSTANT)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY queryChanged)
+public:
+    explicit CommandPalette(QObject* parent = nullptr);
+
+    const QString& query() const { return m_query; }
+    void setQuery(const QString& query);
+    int index() const { return m_index; } ///< of the highlighted line
+    void setIndex(int index);
+    QAbstractItemModel* items() { return &m_items; }
+    QString emptyText() const;
+
+    void setContacts(const QList<ContactRow>& contacts);
+    void setHasSelection(bool hasSelection);
+
+    Q_INVOKABLE void open(); ///< an empty query and the first line
+    Q_INVOKABLE void moveUp() { setIndex(m_index - 1); }
+    Q_INVOKABLE void moveDown() { setIndex(m_index + 1); }
+    Q_INVOKABLE void runHighlighted() { run(m_index); }
+    Q_INVOKABLE void run(int index);
+    Q_INVOKABLE void close();
+
+Q_SIGNALS:
+    void queryChanged();
+    void indexChanged();
+    void contactChosen(const QString& contactId);
+    void actionChosen(corvane::PaletteAction action);
+    void closed();
+
+private:
+    void present();
+
+    QString m_query;
+    int m_index = 0;
+    QList<ContactRow> m_contacts;
+    bool m_hasSelection = false;
+    bool m_isOpen = false; ///< a closed palette is not kept up to date
+    RowListModel<PaletteItem> m_items;
+};
+
+}

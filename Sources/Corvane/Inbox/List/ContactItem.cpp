@@ -1,0 +1,128 @@
+#include "Inbox/List/ContactItem.h"
+
+#include "Foundation/Channel.h"
+#include "Foundation/Text.h"
+#include "Inbox/Thread/UnifiedBubble.h"
+#include "Presentation/BodyText.h"
+#include "Presentation/ContactFace.h"
+#include "Presentation/DateWords.h"
+#include "Presentation/WAName.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace corvane {
+
+namespace {
+
+constexpr int snippetLength = 160;
+
+// The body may be a whole book; what a row can show is cut off before anything looks at it.
+QString lineOf(const QString& text)
+{
+    const QString line = singleLine(BodyText::printable(text.left(2 * snippetLength)));
+    return firstCharacters(line, snippetLength);
+}
+
+// A mail address is a good name on a mail channel, and no name at all where only WhatsApp writes.
+QString nameOf(const QString& name, const QStringList& platforms)
+{
+    static const QRegularExpression network(
+        QStringLiteral("@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|newsletter|broadcast)$"));
+    const bool onlyWhatsApp
+        = platforms.contains(QStringLiteral("WHATSAPP")) && !platforms.contains(QStringLiteral("EMAIL"));
+    const QString trimmed = lineOf(name);
+    if (trimmed.isEmpty() || onlyWhatsApp || trimmed.contains(network))
+        return WAName::pretty(trimmed);
+    return trimmed;
+}
+
+QString snippetOf(const QString& body, const QString& mediaType)
+{
+    const QString start = body.left(2 * snippetLength).trimmed();
+    if (start.isEmpty())
+        return mediaType.isEmpty() ? QString() : UnifiedBubble::mediaWord(mediaType);
+    if (const auto text = UnifiedBubble::textBehindMark(start)) {
+        const QString word = start.sliced(1, start.indexOf(u']') - 1);
+        return text->isEmpty() ? word : word + QStringLiteral(": ") + lineOf(*text);
+    }
+    return lineOf(start);
+}
+
+QString spokenOf(const ContactItem& item)
+{
+    QStringList parts { item.name };
+    parts += item.platformLabels;
+    if (item.isGroup)
+        parts.append(QStringLiteral("group"));
+    if (item.isMuted)
+        parts.append(QStringLiteral("muted"));
+    if (item.unread > 0)
+        parts.append(QStringLiteral("%1 unread").arg(item.unread));
+    if (!item.timeText.isEmpty())
+        parts.append(item.timeText);
+    const QString facts = parts.join(QStringLiteral(", "));
+    return item.snippet.isEmpty() ? facts : facts + QStringLiteral(": ") + item.snippet;
+}
+
+// The words that were searched for must be in sight, so a long text is cut in front of them.
+QString snippetAround(const QString& text, const QString& query)
+{
+    constexpr qsizetype lead = 32;
+    const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
+    if (at <= lead)
+        return snippetOf(text, {});
+    // At a blank where one is near, else between two characters.
+    qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
+    if (from < at - lead)
+        from = at - lead + (text.at(at - lead).isLowSurrogate() ? 1 : 0);
+    return QStringLiteral("…") + lineOf(text.sliced(from));
+}
+
+}
+
+QString contactName(const ContactRow& row)
+{
+    return nameOf(row.name, row.platforms);
+}
+
+ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words)
+{
+    ContactItem item;
+    item.id = row.id;
+    item.name = contactName(row);
+    item.platforms = row.platforms;
+    for (const QString& platform : row.platforms)
+        item.platformLabels.append(channelLabel(platform));
+    item.snippet = snippetOf(row.snippet, mediaType);
+    item.timeText = words.listTime(row.lastTs);
+    item.unread = row.unread;
+    item.account = row.account;
+    item.isGroup = row.isGroup;
+    if (!row.avatarPath.isEmpty() && QFileInfo::exists(row.avatarPath))
+        item.avatarPath = row.avatarPath;
+    item.initials = initials(item.name);
+    item.hue = hue(row.id);
+    item.isMuted = row.isMuted;
+    item.spoken = spokenOf(item);
+    return item;
+}
+
+MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const DateWords& words)
+{
+    MessageHitItem item;
+    item.id = hit.id;
+    item.contactId = hit.contactId;
+    item.name = nameOf(hit.contactName, { hit.channel });
+    item.platform = hit.channel;
+    item.platformLabel = channelLabel(hit.channel);
+    item.snippet = snippetAround(hit.snippet, query);
+    item.timeText = words.listTime(hit.ts);
+    item.outgoing = hit.direction == QStringLiteral("OUT");
+    item.initials = initials(item.name);
+    item.hue = hue(hit.contactId);
+    item.spoken = QStringLiteral("%1, %2, %3: %4").arg(item.name, item.platformLabel, item.timeText, item.snippet);
+    return item;
+}
+
+}

@@ -1,0 +1,116 @@
+#include "Inbox/List/InboxList.h"
+
+#include "Foundation/Text.h"
+#include "Presentation/DateWords.h"
+
+#include <QHash>
+#include <algorithm>
+#include <numeric>
+
+namespace corvane {
+
+namespace {
+
+/// Greatest key first; equals keep their order.
+template <typename Value, typename Key> QList<Value> greatestFirst(const QList<Value>& values, Key Value::* key)
+{
+    QList<qsizetype> order(values.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::sort(order, {}, [&](qsizetype at) { return std::pair(-qint64(values.at(at).*key), at); });
+    QList<Value> result;
+    result.reserve(values.size());
+    for (const qsizetype at : order)
+        result.append(values.at(at));
+    return result;
+}
+
+}
+
+QList<ContactRow> matching(const QList<ContactRow>& rows, const QString& query)
+{
+    const QString wanted = folded(query);
+    QList<ContactRow> found;
+    std::ranges::copy_if(rows, std::back_inserter(found), [&](const ContactRow& row) {
+        return folded(row.name).contains(wanted) || folded(row.snippet).contains(wanted);
+    });
+    return found;
+}
+
+QList<ContactRow> visible(const QList<ContactRow>& contacts, const InboxState& state)
+{
+    QList<ContactRow> rows;
+    rows.reserve(contacts.size());
+    std::ranges::copy_if(contacts, std::back_inserter(rows), [&](const ContactRow& row) {
+        return (state.channelFilter.isEmpty() || row.platforms.contains(state.channelFilter))
+            && (state.accountFilter.isEmpty() || row.account == state.accountFilter);
+    });
+    return state.sort == SortMode::Unread ? greatestFirst(rows, &ContactRow::unread) : rows;
+}
+
+QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateWords& words)
+{
+    QList<DateGroup> groups;
+    QHash<QString, qsizetype> places;
+    for (const ContactRow& row : visible) {
+        const QString label = words.group(row.lastTs);
+        if (!places.contains(label)) {
+            places.insert(label, groups.size());
+            groups.append({ label, {}, row.lastTs });
+        }
+        DateGroup& group = groups[places.value(label)];
+        group.rows.append(row);
+        group.newestTs = std::max(group.newestTs, row.lastTs);
+    }
+    return greatestFirst(groups, &DateGroup::newestTs);
+}
+
+QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel)
+{
+    if (!state.query().isEmpty())
+        return QStringLiteral("No conversations match “%1”").arg(state.query());
+    if (!state.channelFilter.isEmpty())
+        return QStringLiteral("No %1 conversations — channel filter active").arg(channelLabel);
+    if (!state.accountFilter.isEmpty())
+        return QStringLiteral("No conversations for %1 — account filter active").arg(accountLabel);
+    switch (state.filter) {
+    case InboxFilter::NeedsMe:
+        return QStringLiteral("No conversations need you — view filter active");
+    case InboxFilter::Today:
+        return QStringLiteral("No conversations today — view filter active");
+    case InboxFilter::Archived:
+        return QStringLiteral("Nothing archived");
+    case InboxFilter::All:
+        break;
+    }
+    return QStringLiteral("No conversations");
+}
+
+QString emptyDetail(const InboxState& state)
+{
+    if (!state.query().isEmpty())
+        return QStringLiteral("Search checks contact names and latest message previews.");
+    if (!emptyCanClear(state))
+        return QStringLiteral("Pair a WhatsApp account in Accounts — chats appear here.");
+    return {};
+}
+
+bool emptyCanClear(const InboxState& state)
+{
+    return !state.query().isEmpty() || !state.channelFilter.isEmpty() || !state.accountFilter.isEmpty()
+        || state.filter != InboxFilter::All;
+}
+
+InboxState withoutEmptyingFilter(InboxState state)
+{
+    if (!state.query().isEmpty())
+        state.search.clear();
+    else if (!state.channelFilter.isEmpty())
+        state.channelFilter.clear();
+    else if (!state.accountFilter.isEmpty())
+        state.accountFilter.clear();
+    else
+        state.filter = InboxFilter::All;
+    return state;
+}
+
+}

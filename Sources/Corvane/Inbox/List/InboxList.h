@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Store/Messages/InboxQueries.h"
+
+namespace corvane {
+
+class DateWords;
+
+enum class ViewMode { Contacts, Messages }; ///< a flat list, or grouped by date
+enum class SortMode { Recent, Unread };
+
+/// What the person chose to see.
+struct InboxState {
+    InboxFilter filter = InboxFilter::All;
+    ViewMode viewMode = ViewMode::Contacts;
+    SortMode sort = SortMode::Recent;
+    QString search;
+    QString channelFilter; ///< a channel's raw word; empty for all
+    QString accountFilter; ///< a slug; empty for all
+
+    QString query() const { return search.trimmed(); }
+};
+
+/// The rows whose name, or else whose snippet, contains the query, whatever the case and diacritics.
+QList<ContactRow> matching(const QList<ContactRow>& rows, const QString& query);
+
+/// What the list shows of `contacts`, in its order.
+QList<ContactRow> visible(const QList<ContactRow>& contacts, const InboxState& state);
+
+struct DateGroup {
+    QString label;
+    QList<ContactRow> rows;
+    qint64 newestTs = 0; ///< milliseconds since the epoch
+};
+
+/// By the day of the newest message; the group with the newest message first.
+QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateWords& words);
+
+// The words of a list with nothing in it.
+QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel);
+QString emptyDetail(const InboxState& state);
+bool emptyCanClear(const InboxState& state);
+
+/// Without what empties the list: the search, else the channel, else the account, else the view filter.
+InboxState withoutEmptyingFilter(InboxState state);
+
+}

@@ -1,0 +1,356 @@
+#include "Inbox/List/InboxView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Inbox/List/InboxWords.h"
+#include "Platform/AppPaths.h"
+#include "Presentation/DateWords.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int contactLimit = 300;
+constexpr Milliseconds reloadPeriod { 100 };
+constexpr Milliseconds searchDelay { 250 };
+constexpr Milliseconds countsPeriod { 1000 };
+
+QVariantMap choice(const QString& key, const QString& label)
+{
+    return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label } };
+}
+
+/// Where engines are told to keep what messages carry.
+QString mediaFolder(const AppPaths& paths)
+{
+    return paths.applicationSupport + QStringLiteral("/media");
+}
+
+}
+
+InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_engine(surroundings.engine)
+    , m_accounts(surroundings.accounts)
+    , m_defaults(surroundings.defaults)
+    , m_notifications(surroundings.notifications)
+    , m_scheduler(surroundings.scheduler)
+    , m_hits(m_engine.db(), m_scheduler)
+    , m_avatars(m_engine, m_accounts)
+    , m_thread(m_engine, m_accounts, m_scheduler)
+    , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
+          surroundings.paths.applicationSupport + QStringLiteral("/unsent.json") })
+    , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
+    , m_summary(m_engine.db(), surroundings.ai)
+    , m_askLumo(m_engine.db(), surroundings.ai)
+    , m_drafts(m_engine, m_accounts)
+    , m_composeSheet(m_accounts,
+          [this](const Account& account, const QString& recipient, const QString& message) {
+              return composeNew(account, recipient, message);
+          })
+    , m_crm(m_engine.db(), m_scheduler)
+    , m_undo(m_scheduler, [this] { Q_EMIT undoChanged(); })
+    , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo, mediaFolder(surroundings.paths),
+          [this] { // a search hides nobody to whom a message may go
+              return m_state.query().isEmpty() ? m_contacts : fetchContacts(db(), m_state.filter, {}, contactLimit);
+          } })
+    , m_voicePlayer(surroundings.player, m_thread, mediaFolder(surroundings.paths))
+    , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
+    , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
+{
+    m_tabs = inboxTabs({});
+    connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_thread, &ThreadView::refused, &m_composer, &Composer::setSendError);
+    connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
+    connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
+    connect(&m_crm, &CRMPane::undoable, this,
+        [this](const QString& text, const std::function<void()>& back) { m_undo.offer(text, back); });
+    connect(&m_messageActions, &MessageActions::messagesChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
+    connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
+    connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);
+    connect(&m_palette, &CommandPalette::closed, this, [this] { setShowPalette(false); });
+    // A query may find, while it runs, that another workspace is to be shown: the reload waits its turn.
+    m_workspaceChanged = m_notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
+        close();
+        m_reloadSoon.request();
+    });
+    m_conversationAsked
+        = m_notifications.observe(notifications::openConversation, [this](const Notification& notification) {
+              if (notification.object && !notification.object->isEmpty())
+                  select(*notification.object);
+          });
+    m_composerAsked
+        = m_notifications.observe(notifications::focusComposer, [this](const auto&) { m_composer.requestFocus(); });
+}
+
+InboxView::~InboxView() = default;
+
+LocalDB& InboxView::db() const
+{
+    return m_engine.db();
+}
+
+QString InboxView::filterWord() const
+{
+    return wordOf(m_state.filter);
+}
+
+void InboxView::setFilterWord(const QString& word)
+{
+    InboxState state = asTyped();
+    state.filter = inboxFilter(word).value_or(m_state.filter);
+    narrow(state);
+}
+
+QString InboxView::viewModeWord() const
+{
+    return m_state.viewMode == ViewMode::Messages ? QStringLiteral("messages") : QStringLiteral("contacts");
+}
+
+void InboxView::setViewModeWord(const QString& word)
+{
+    InboxState state = asTyped();
+    state.viewMode = viewMode(word).value_or(m_state.viewMode);
+    narrow(state);
+}
+
+QString InboxView::sortWord() const
+{
+    return m_state.sort == SortMode::Unread ? QStringLiteral("unread") : QStringLiteral("recent");
+}
+
+void InboxView::setSortWord(const QString& word)
+{
+    InboxState state = asTyped();
+    state.sort = sortMode(word).value_or(m_state.sort);
+    narrow(state);
+}
+
+void InboxView::setSearch(const QString& search)
+{
+    if (m_search == search)
+        return;
+    m_search = search;
+    m_searchDebounce = m_scheduler.after(searchDelay, [this] { reload(); });
+    Q_EMIT searchChanged();
+}
+
+void InboxView::setChannelFilter(const QString& channel)
+{
+    InboxState state = asTyped();
+    state.channelFilter = channel;
+    narrow(state);
+}
+
+void InboxView::setAccountFilter(const QString& slug)
+{
+    InboxState state = asTyped();
+    state.accountFilter = slug;
+    narrow(state);
+}
+
+QString InboxView::channelFilterLabel() const
+{
+    return m_state.channelFilter.isEmpty() ? QString() : channelLabel(m_state.channelFilter);
+}
+
+QString InboxView::accountFilterLabel() const
+{
+    return accountLabel(m_state.accountFilter);
+}
+
+QString InboxView::accountLabel(const QString& slug) const
+{
+    const auto account = m_accounts.findBySlug(slug);
+    return account ? account->name : slug;
+}
+
+QString InboxView::emptyTitle() const
+{
+    return corvane::emptyTitle(m_state, channelFilterLabel(), accountFilterLabel());
+}
+
+QString InboxView::emptyDetail() const
+{
+    return corvane::emptyDetail(m_state);
+}
+
+bool InboxView::emptyCanClear() const
+{
+    return corvane::emptyCanClear(m_state);
+}
+
+void InboxView::clearActiveEmptyFilter()
+{
+    narrow(withoutEmptyingFilter(asTyped()));
+}
+
+InboxState InboxView::asTyped() const
+{
+    InboxState state = m_state;
+    state.search = m_search;
+    return state;
+}
+
+void InboxView::narrow(const InboxState& state)
+{
+    const InboxState before = std::exchange(m_state, state);
+    const bool rowsDiffer = before.filter != state.filter || before.search != state.search;
+    if (m_search != state.search) {
+        m_search = state.search;
+        Q_EMIT searchChanged();
+    }
+    if (before.filter != state.filter) {
+        m_bulk.clear();
+        Q_EMIT filterChanged();
+    }
+    if (before.viewMode != state.viewMode || before.sort != state.sort)
+        Q_EMIT viewChanged();
+    if (before.channelFilter != state.channelFilter || before.accountFilter != state.accountFilter)
+        Q_EMIT narrowingChanged();
+    if (rowsDiffer)
+        reload();
+    else
+        present();
+}
+
+void InboxView::appear()
+{
+    reload();
+    m_midnight = m_scheduler.after(Milliseconds(nextMidnightMs(m_scheduler.nowMs()) - m_scheduler.nowMs()),
+        [this] { appear(); }); // "today" and "yesterday" are others from then on
+}
+
+void InboxView::reload()
+{
+    m_searchDebounce.reset();
+    m_state.search = m_search;
+    const QString query = m_state.query();
+    repeatMerges(db());
+    const QList<ContactRow> all = fetchContacts(db(), m_state.filter, {}, contactLimit);
+    m_contacts = query.isEmpty() ? all : matching(all, query);
+    m_hits.find(query);
+    if (const auto notice = consumeWorkspaceSelectionNotice(db())) {
+        m_workspaceNotice = *notice;
+        Q_EMIT workspaceNoticeChanged();
+    }
+    m_avatars.requestMissing(m_contacts);
+    m_webMirror.refresh(db());
+    if (!m_selectedId.isEmpty()) {
+        // Merged into somebody else meanwhile, maybe by another program: their thread is the other's.
+        if (const QString person = personBehind(db(), m_selectedId); person != m_selectedId) {
+            select(person);
+            return;
+        }
+        if (const auto row = rowOf(m_selectedId))
+            m_selectedRow = *row;
+        if (m_onScreen && m_selectedRow.unread > 0)
+            readSelected();
+        openPanes(m_selectedRow);
+    }
+    m_loading = false;
+    m_countsSoon.request();
+    present();
+}
+
+void InboxView::presentCounts()
+{
+    const QVariantList tabs = inboxTabs(fetchInboxCounts(db()));
+    if (tabs == m_tabs)
+        return;
+    m_tabs = tabs;
+    Q_EMIT tabsChanged();
+}
+
+void InboxView::present()
+{
+    const DateWords words(m_scheduler.nowMs());
+    QList<ContactItem> items;
+    QStringList ids;
+    const auto add = [&](const ContactRow& row, const QString& dateGroup) {
+        ContactItem item = contactItem(row, mediaTypeOf(row), words);
+        item.dateGroup = dateGroup;
+        item.selected = row.id == m_selectedId;
+        item.checked = m_bulk.contains(row.id);
+        if (item.selected)
+            m_selectedPlace = int(items.size());
+        items.append(item);
+        ids.append(row.id);
+    };
+    const QList<ContactRow> rows = visible(m_contacts, m_state);
+    if (m_state.viewMode == ViewMode::Messages) {
+        for (const DateGroup& group : visibleDateGroups(rows, words))
+            for (const ContactRow& row : group.rows)
+                add(row, group.label);
+    } else {
+        for (const ContactRow& row : rows)
+            add(row, {});
+    }
+    m_contactModel.assign(items);
+    m_bulk.setListed(ids);
+    m_palette.setContacts(m_contacts);
+
+    const ContactItem selected
+        = m_selectedId.isEmpty() ? ContactItem() : contactItem(m_selectedRow, mediaTypeOf(m_selectedRow), words);
+    if (selected != m_selected) {
+        m_selected = selected;
+        Q_EMIT selectedChanged();
+    }
+    presentChoices();
+    presentBanners();
+    Q_EMIT changed();
+}
+
+void InboxView::presentChoices()
+{
+    QStringList channels;
+    QStringList slugs;
+    for (const ContactRow& row : m_contacts) {
+        channels += row.platforms;
+        slugs.append(row.account);
+    }
+    channels.removeDuplicates();
+    slugs.removeDuplicates();
+    channels.sort();
+    slugs.sort();
+    QVariantList channelChoices;
+    for (const QString& channel : channels)
+        channelChoices.append(choice(channel, channelLabel(channel)));
+    QVariantList accountChoices;
+    for (const QString& slug : slugs)
+        accountChoices.append(choice(slug, accountLabel(slug)));
+    if (channelChoices == m_channelChoices && accountChoices == m_accountChoices)
+        return;
+    m_channelChoices = channelChoices;
+    m_accountChoices = accountChoices;
+    Q_EMIT choicesChanged();
+}
+
+void InboxView::presentBanners()
+{
+    const QVariantList banners = m_webMirror.banners(m_state.channelFilter, m_scheduler.nowMs());
+    if (banners == m_banners)
+        return;
+    m_banners = banners;
+    Q_EMIT stalenessChanged();
+}
+
+QString InboxView::mediaTypeOf(const ContactRow& row)
+{
+    if (!row.snippet.isEmpty())
+        return {};
+    const auto known = m_mediaTypes.constFind(row.id);
+    if (known != m_mediaTypes.constEnd() && known->first == row.lastTs)
+        return known->second;
+    const QString mediaType = newestMediaType(db(), row.id);
+    m_mediaTypes.insert(row.id, { row.lastTs, mediaType });
+    return mediaType;
+}
+
+}

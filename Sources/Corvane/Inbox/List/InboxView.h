@@ -1,0 +1,276 @@
+#pragma once
+
+#include "Approvals/PendingDraftsView.h"
+#include "CRM/CRMPane.h"
+#include "Foundation/Coalescer.h"
+#include "Foundation/NotificationCentre.h"
+#include "Inbox/Assistant/AskLumo.h"
+#include "Inbox/Assistant/DraftAssistant.h"
+#include "Inbox/Assistant/ThreadSummary.h"
+#include "Inbox/Compose/ComposeSheet.h"
+#include "Inbox/Compose/Composer.h"
+#include "Inbox/List/AvatarRequests.h"
+#include "Inbox/List/BulkSelection.h"
+#include "Inbox/List/CommandPalette.h"
+#include "Inbox/List/ContactItem.h"
+#include "Inbox/List/InboxList.h"
+#include "Inbox/List/MessageHits.h"
+#include "Inbox/List/WebStaleness.h"
+#include "Inbox/Thread/MessageActions.h"
+#include "Inbox/Thread/ThreadView.h"
+#include "Inbox/Thread/VoicePlayer.h"
+#include "Presentation/UndoOffer.h"
+
+#include <QVariantList>
+
+namespace corvane {
+
+class TranslationService;
+class AudioPlayer;
+class Desktop;
+class UserDefaults;
+struct AIServices;
+struct AppPaths;
+
+/// The inbox: one row per person, the search, and the thread that is open. It reads the database afresh at
+/// every reload and keeps nothing of it. Filters, modes and channels pass to the screen as words.
+class InboxView : public QObject {
+    Q_OBJECT
+    // What is listed
+    Q_PROPERTY(QVariantList tabs READ tabs NOTIFY tabsChanged) ///< of {key, label, count}; a count of 0 is not shown
+    Q_PROPERTY(QString filter READ filterWord WRITE setFilterWord NOTIFY filterChanged) ///< needsMe today all archived
+    Q_PROPERTY(QString viewMode READ viewModeWord WRITE setViewModeWord NOTIFY viewChanged) ///< contacts messages
+    Q_PROPERTY(QString sort READ sortWord WRITE setSortWord NOTIFY viewChanged) ///< recent unread
+    Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
+    Q_PROPERTY(QString channelFilter READ channelFilter WRITE setChannelFilter NOTIFY narrowingChanged)
+    Q_PROPERTY(QString accountFilter READ accountFilter WRITE setAccountFilter NOTIFY narrowingChanged)
+    Q_PROPERTY(QVariantList channelChoices READ channelChoices NOTIFY choicesChanged) ///< of {key, label}
+    Q_PROPERTY(QVariantList accountChoices READ accountChoices NOTIFY choicesChanged) ///< of {key, label}
+    Q_PROPERTY(QString channelFilterLabel READ channelFilterLabel NOTIFY narrowingChanged)
+    Q_PROPERTY(QString accountFilterLabel READ accountFilterLabel NOTIFY narrowingChanged)
+    Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
+    Q_PROPERTY(QAbstractItemModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
+    Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
+    Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< the messages are searched: takes a while
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show, nor to come
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyDetail READ emptyDetail NOTIFY changed)
+    Q_PROPERTY(bool emptyCanClear READ emptyCanClear NOTIFY changed)
+    // What is open
+    Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< row in `contacts`, or -1
+    Q_PROPERTY(
+        corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nothing is open
+    Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
+    Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
+    Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
+    Q_PROPERTY(corvane::VoicePlayer* voicePlayer READ voicePlayer CONSTANT)
+    Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
+    Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
+    Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
+    Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
+    Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
+    // Around it
+    Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
+    Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
+    Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
+    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< what waits before it goes out
+    Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
+    Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
+    Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
+    Q_PROPERTY(
+        QVariantList stalenessBanners READ stalenessBanners NOTIFY stalenessChanged) ///< of {channel, text, queued}
+    Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the rows picked for one action
+    Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty where nothing can be undone
+public:
+    /// Everything outlives the view.
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        UserDefaults& defaults;
+        NotificationCentre& notifications;
+        Scheduler& scheduler;
+        Microphone& microphone;
+        Desktop& desktop;
+        AudioPlayer& player;
+        const AppPaths& paths;
+        AIServices& ai;
+        TranslationService& translations;
+    };
+
+    explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~InboxView() override;
+
+    const QVariantList& tabs() const { return m_tabs; }
+    QString filterWord() const;
+    void setFilterWord(const QString& word); ///< an unknown word changes nothing, here and below
+    QString viewModeWord() const;
+    void setViewModeWord(const QString& word);
+    QString sortWord() const;
+    void setSortWord(const QString& word);
+    const QString& search() const { return m_search; }
+    void setSearch(const QString& search); ///< takes effect a quarter of a second after the last key
+    const QString& channelFilter() const { return m_state.channelFilter; }
+    void setChannelFilter(const QString& channel);
+    const QString& accountFilter() const { return m_state.accountFilter; }
+    void setAccountFilter(const QString& slug);
+    const QVariantList& channelChoices() const { return m_channelChoices; }
+    const QVariantList& accountChoices() const { return m_accountChoices; }
+    QString channelFilterLabel() const;
+    QString accountFilterLabel() const;
+    QAbstractItemModel* contacts() { return &m_contactModel; }
+    QAbstractItemModel* messageHits() { return m_hits.model(); }
+    bool loading() const { return m_loading; }
+    bool searching() const { return m_hits.searching(); }
+    bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` does not answer the search yet
+    bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hits.rows().isEmpty() && !m_hits.pending(); }
+    QString emptyTitle() const;
+    QString emptyDetail() const;
+    bool emptyCanClear() const;
+    const QString& selectedId() const { return m_selectedId; }
+    int selectedIndex() const;
+    ContactItem selected() const { return m_selected; }
+    ThreadView* thread() { return &m_thread; }
+    CRMPane* crm() { return &m_crm; }
+    MessageActions* messageActions() { return &m_messageActions; }
+    VoicePlayer* voicePlayer() { return &m_voicePlayer; }
+    const QString& jumpMsgId() const { return m_jumpMsgId; }
+    Composer* composer() { return &m_composer; }
+    DraftAssistant* assistant() { return &m_assistant; }
+    ThreadSummary* summary() { return &m_summary; }
+    AskLumo* askLumo() { return &m_askLumo; }
+    PendingDraftsView* drafts() { return &m_drafts; }
+    ComposeSheet* composeSheet() { return &m_composeSheet; }
+    bool onScreen() const { return m_onScreen; }
+    void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
+    bool showCRM() const { return m_showCRM; }
+    void setShowCRM(bool show);
+    bool showPalette() const { return m_showPalette; }
+    void setShowPalette(bool show);
+    CommandPalette* palette() { return &m_palette; }
+    const QString& workspaceNotice() const { return m_workspaceNotice; }
+    const QVariantList& stalenessBanners() const { return m_banners; }
+    BulkSelection* bulk() { return &m_bulk; }
+    const QString& undoText() const { return m_undo.text(); }
+
+    Q_INVOKABLE void appear(); ///< each time the screen shows
+    Q_INVOKABLE void reload();
+    Q_INVOKABLE void clearActiveEmptyFilter();
+    Q_INVOKABLE void dismissWorkspaceNotice();
+    Q_INVOKABLE void retry(const QString& channel); ///< of a staleness banner
+
+    Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
+    Q_INVOKABLE void moveSelection(int delta);
+    Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
+    Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
+
+    /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
+    bool composeNew(const Account& account, const QString& recipient, const QString& text);
+
+    Q_INVOKABLE void archiveSelected();
+    Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
+    Q_INVOKABLE void unarchive(const QString& contactId);
+    Q_INVOKABLE void markAllRead();
+    Q_INVOKABLE void undo() { m_undo.take(); } ///< the way back that `undoText` offers
+    Q_INVOKABLE void dismissUndo() { m_undo.dismiss(); }
+
+    Q_INVOKABLE void archiveChecked();
+    Q_INVOKABLE void muteChecked(); ///< mutes all; where all are muted, unmutes all
+    Q_INVOKABLE void markCheckedRead();
+
+Q_SIGNALS:
+    void changed(); ///< after each reload and each change of what is shown
+    void tabsChanged();
+    void choicesChanged();
+    void stalenessChanged();
+    void filterChanged();
+    void viewChanged();
+    void searchChanged();
+    void narrowingChanged();
+    void selectionChanged(); ///< another person is open
+    void selectedChanged(); ///< or the facts of the person who is
+    void jumped();
+    void onScreenChanged();
+    void showCRMChanged();
+    void showPaletteChanged();
+    void workspaceNoticeChanged();
+    void undoChanged();
+
+private:
+    LocalDB& db() const;
+    QString accountLabel(const QString& slug) const;
+    QString mediaTypeOf(const ContactRow& row); ///< of the newest message, where it has no text
+    InboxState asTyped() const; ///< with the search as it is now
+    void narrow(const InboxState& state);
+    void present();
+    void presentChoices();
+    void presentBanners();
+    void presentCounts();
+
+    /// Of the list, else of a person whom the list does not show: filtered away, or beyond its end.
+    std::optional<ContactRow> rowOf(const QString& contactId) const;
+    void openContact(const ContactRow& row);
+    void close();
+    void openPanes(const ContactRow& row, int unread = 0); ///< beside the list; with an empty id: nobody
+    void tellWhatIsOpen();
+    void tellRead(const QString& contactId); ///< in the store, and WhatsApp
+    void readSelected();
+    void archive(const QStringList& contactIds, const QString& text);
+    void runPaletteAction(PaletteAction action);
+    void afterAction();
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    UserDefaults& m_defaults;
+    NotificationCentre& m_notifications;
+    Scheduler& m_scheduler;
+
+    InboxState m_state; ///< what the rows were made for
+    QString m_search; ///< as typed; `m_state` follows
+    bool m_loading = true;
+    QList<ContactRow> m_contacts;
+    MessageHits m_hits;
+    QHash<QString, std::pair<qint64, QString>> m_mediaTypes; ///< by contact: newest time, medium
+    RowListModel<ContactItem> m_contactModel;
+    QVariantList m_tabs;
+    QVariantList m_channelChoices;
+    QVariantList m_accountChoices;
+    AvatarRequests m_avatars;
+
+    QString m_selectedId;
+    ContactRow m_selectedRow; ///< as last seen: a filter may have hidden it since
+    int m_selectedPlace = 0; ///< where in the list the selection last stood
+    ContactItem m_selected;
+    QString m_jumpMsgId;
+    ThreadView m_thread;
+    Composer m_composer;
+    DraftAssistant m_assistant;
+    ThreadSummary m_summary;
+    AskLumo m_askLumo;
+    PendingDraftsView m_drafts;
+    ComposeSheet m_composeSheet;
+    CRMPane m_crm;
+    UndoOffer m_undo;
+    MessageActions m_messageActions;
+    VoicePlayer m_voicePlayer;
+    CommandPalette m_palette;
+    BulkSelection m_bulk;
+
+    bool m_onScreen = true;
+    bool m_showCRM = true;
+    bool m_showPalette = false;
+    QString m_workspaceNotice;
+    WebMirror m_webMirror;
+    QVariantList m_banners;
+
+    Coalescer m_reloadSoon;
+    std::unique_ptr<Timer> m_reloadAfterOpening;
+    Coalescer m_countsSoon;
+    std::unique_ptr<Timer> m_searchDebounce;
+    std::unique_ptr<Timer> m_midnight;
+    NotificationCentre::Observation m_workspaceChanged;
+    NotificationCentre::Observation m_conversationAsked;
+    NotificationCentre::Observation m_composerAsked;
+};
+
+}

@@ -1,0 +1,83 @@
+#include "Inbox/List/MessageHits.h"
+
+#include "Presentation/DateWords.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int hitLimit = 60;
+constexpr Milliseconds patience { 150 };
+// A search reads every message; while it stands, arriving ones need not start it again at once.
+constexpr Milliseconds refreshPeriod { 2000 };
+
+}
+
+MessageHits::MessageHits(const LocalDB& db, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_scheduler(scheduler)
+    , m_refreshSoon(scheduler, refreshPeriod,
+          [this] {
+              if (m_running)
+                  m_again = true; // to stop a long search at each message would be never to finish it
+              else
+                  search();
+          })
+    , m_search(db)
+{
+}
+
+void MessageHits::find(const QString& query)
+{
+    if (query == m_query) {
+        if (!query.isEmpty())
+            m_refreshSoon.request();
+        return;
+    }
+    m_query = query;
+    m_pending = !query.isEmpty();
+    m_again = false;
+    if (!m_pending) {
+        m_search.stop();
+        m_running = false;
+        show({});
+        return;
+    }
+    if (!m_patience && !m_searching) {
+        m_patience = m_scheduler.after(patience, [this] {
+            m_patience.reset();
+            m_searching = true;
+            m_model.assign({});
+            Q_EMIT changed();
+        });
+    }
+    search();
+}
+
+void MessageHits::search()
+{
+    if (m_query.isEmpty())
+        return;
+    m_running = true;
+    m_search.start(m_query, hitLimit, [this](const QList<MessageHit>& hits) {
+        m_running = false;
+        m_pending = false;
+        show(hits);
+        if (std::exchange(m_again, false))
+            m_refreshSoon.request();
+    });
+}
+
+void MessageHits::show(const QList<MessageHit>& hits)
+{
+    const DateWords words(m_scheduler.nowMs());
+    QList<MessageHitItem> items;
+    for (const MessageHit& hit : hits)
+        items.append(messageHitItem(hit, m_query, words));
+    m_patience.reset();
+    m_searching = false;
+    m_model.assign(items);
+    Q_EMIT changed();
+}
+
+}

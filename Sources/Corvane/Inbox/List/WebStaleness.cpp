@@ -1,0 +1,72 @@
+#include "Inbox/List/WebStaleness.h"
+
+#include "Foundation/Channel.h"
+#include "Presentation/DateWords.h"
+#include "Store/Messages/IngestQueries.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr qint64 staleAfterMs = 7'200'000;
+
+bool isDegraded(const SyncHealthRow& row)
+{
+    const QString status = row.status.toLower();
+    return (row.source == QStringLiteral("bootstrap") || row.source == QStringLiteral("inbox"))
+        && (status == QStringLiteral("error") || status == QStringLiteral("waiting_for_web"));
+}
+
+}
+
+QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList<SyncHealthRow>& health,
+    const QHash<QString, qint64>& newest, qint64 nowMs)
+{
+    QList<WebStaleness> stale;
+    if (std::ranges::none_of(health, isDegraded))
+        return stale;
+    for (const QString& channel : webOnlyChannels) {
+        const qint64 time = newest.value(channel);
+        if ((channelFilter.isEmpty() || channelFilter == channel) && time >= 1 && time < nowMs - staleAfterMs)
+            stale.append({ channel, time });
+    }
+    return stale;
+}
+
+QString stalenessText(const WebStaleness& staleness, const DateWords& words)
+{
+    return QStringLiteral("%1 last synced %2 — web connection degraded")
+        .arg(channelLabel(staleness.channel), words.ago(staleness.newest));
+}
+
+void WebMirror::refresh(LocalDB& db)
+{
+    const QList<SyncHealthRow> rows = fetchSyncHealthRows(db);
+    if (rows != m_syncHealthRows)
+        m_retryQueued = false;
+    m_syncHealthRows = rows;
+    for (const QString& channel : webOnlyChannels)
+        m_newestWebChannelMessageAt.insert(channel, newestConversationTimestamp(db, channel));
+}
+
+void WebMirror::retry(LocalDB& db)
+{
+    queueWebPullSync(db, QStringLiteral("inbox"));
+    m_retryQueued = true;
+}
+
+QVariantList WebMirror::banners(const QString& channelFilter, qint64 nowMs) const
+{
+    const DateWords words(nowMs);
+    QVariantList banners;
+    for (const WebStaleness& stale :
+        activeWebStaleness(channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
+        banners.append(QVariantMap { { QStringLiteral("channel"), stale.channel },
+            { QStringLiteral("text"), stalenessText(stale, words) }, { QStringLiteral("queued"), m_retryQueued } });
+    }
+    return banners;
+}
+
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Store/Sync/SyncQueries.h"
+
+#include <QHash>
+#include <QVariantList>
+
+namespace corvane {
+
+class DateWords;
+
+/// The channels that come only through the web.
+inline const QStringList webOnlyChannels { QStringLiteral("LINKEDIN"), QStringLiteral("EMAIL") };
+
+/// A channel whose mirror no longer keeps up.
+struct WebStaleness {
+    QString channel;
+    qint64 newest = 0; ///< milliseconds since the epoch
+
+    bool operator==(const WebStaleness&) const = default;
+};
+
+/// Only while the web is in trouble: the channels without a message for two hours. `newest` holds each
+/// channel's newest message time.
+QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList<SyncHealthRow>& health,
+    const QHash<QString, qint64>& newest, qint64 nowMs);
+
+QString stalenessText(const WebStaleness& staleness, const DateWords& words);
+
+/// How the web mirror fares, as last read.
+class WebMirror {
+public:
+    void refresh(LocalDB& db);
+    void retry(LocalDB& db); ///< asks the web for a pull
+
+    /// Of {channel, text, queued}: a retry stays queued until the web reports again.
+    QVariantList banners(const QString& channelFilter, qint64 nowMs) const;
+
+private:
+    QList<SyncHealthRow> m_syncHealthRows;
+    QHash<QString, qint64> m_newestWebChannelMessageAt;
+    bool m_retryQueued = false;
+};
+
+}

@@ -1,0 +1,183 @@
+#include "Inbox/Thread/MessageActions.h"
+
+#include "Engines/EngineManager.h"
+#include "Inbox/List/ContactItem.h"
+#include "Inbox/Thread/MediaFile.h"
+#include "Inbox/Thread/ThreadView.h"
+#include "Inbox/Thread/UnifiedBubble.h"
+#include "Platform/Desktop.h"
+#include "Presentation/UndoOffer.h"
+#include "Store/Approvals/OutboundQueries.h"
+
+#include <QUrl>
+
+namespace corvane {
+
+namespace {
+
+constexpr qsizetype forwardLimit = 8;
+constexpr Milliseconds noticeTime { 6000 };
+const QString whatsApp = QStringLiteral("WHATSAPP");
+const QString whatsAppPerson = QStringLiteral("@s.whatsapp.net");
+
+/// An action that cannot be done says why; an empty `obstacle` means that it can.
+QVariantMap action(const QString& key, const QString& label, const QString& obstacle = {})
+{
+    return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label },
+        { QStringLiteral("enabled"), obstacle.isEmpty() }, { QStringLiteral("help"), obstacle } };
+}
+
+}
+
+MessageActions::MessageActions(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_surroundings(surroundings)
+{
+    connect(&m_surroundings.thread, &ThreadView::contactChanged, this, &MessageActions::updateCall);
+}
+
+QVariantList MessageActions::actionsFor(const QString& messageId) const
+{
+    const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
+    if (!row)
+        return {};
+    const EngineManager& engine = m_surroundings.engine;
+    using Kind = UnifiedBubble::MediaState::Kind;
+    const auto media = UnifiedBubble::mediaState(*row, engine.mediaDownloadStatus(row->id));
+    QVariantList actions;
+    actions.append(action(QStringLiteral("react"), QStringLiteral("React"),
+        engine.runningAccount(row->accountId) ? QString()
+                                              : QStringLiteral("Account %1 is not connected").arg(row->accountId)));
+    actions.append(action(QStringLiteral("copy"), QStringLiteral("Copy text"),
+        UnifiedBubble::readableText(*row).isEmpty() ? QStringLiteral("This message has no text") : QString()));
+    QString obstacle;
+    if (row->body.trimmed().isEmpty())
+        obstacle = QStringLiteral("This message has no text");
+    else if (forwardTargets().isEmpty())
+        obstacle = QStringLiteral("There is nobody else in the list");
+    actions.append(action(QStringLiteral("forward"), QStringLiteral("Forward as draft…"), obstacle));
+
+    if (UnifiedBubble::hasAudio(*row))
+        actions.append(action(QStringLiteral("play"), QStringLiteral("Play")));
+    if (media.kind == Kind::Download || media.kind == Kind::Failed)
+        actions.append(action(QStringLiteral("fetch"),
+            media.kind == Kind::Failed ? QStringLiteral("Try again") : QStringLiteral("Download")));
+    else if (media.kind != Kind::None)
+        actions.append(action(QStringLiteral("open"), QStringLiteral("Open file"), media.text));
+    actions.append(action(QStringLiteral("delete"), QStringLiteral("Delete (local copy)")));
+    return actions;
+}
+
+void MessageActions::deleteLocal(const QString& messageId)
+{
+    if (!m_surroundings.thread.message(messageId))
+        return;
+    const auto refresh = [this] {
+        m_surroundings.engine.refreshUnreadBadge();
+        m_surroundings.thread.reload();
+        Q_EMIT messagesChanged();
+    };
+    deleteMessageLocal(m_surroundings.engine.db(), messageId);
+    m_surroundings.undo.offer(QStringLiteral("Deleted the local copy"), [this, messageId, refresh] {
+        restoreMessageLocal(m_surroundings.engine.db(), messageId);
+        refresh();
+    });
+    refresh();
+}
+
+QVariantList MessageActions::forwardTargets() const
+{
+    QVariantList targets;
+    for (const ContactRow& row : m_surroundings.contacts()) {
+        if (row.id == m_surroundings.thread.contactId())
+            continue;
+        QStringList channels;
+        for (const QString& platform : row.platforms)
+            channels.append(channelLabel(platform));
+        targets.append(QVariantMap { { QStringLiteral("id"), row.id }, { QStringLiteral("name"), contactName(row) },
+            { QStringLiteral("detail"), channels.join(QStringLiteral(", ")) } });
+        if (targets.size() == forwardLimit)
+            break;
+    }
+    return targets;
+}
+
+void MessageActions::forward(const QString& messageId, const QString& contactId)
+{
+    const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
+    if (!row || row->body.trimmed().isEmpty())
+        return;
+    const auto conversation = newestConversation(m_surroundings.engine.db(), contactId);
+    if (conversation && forwardAsDraft(row->body, *conversation))
+        setNotice(QStringLiteral("The draft waits for your approval"));
+    else
+        m_surroundings.thread.setError(QStringLiteral("Couldn't queue the draft for this conversation."));
+}
+
+bool MessageActions::forwardAsDraft(const QString& messageBody, const QString& conversationId)
+{
+    if (!queueDraft(m_surroundings.engine.db(), conversationId, messageBody, QStringLiteral("forward")))
+        return false;
+    m_surroundings.engine.refreshDrafts();
+    return true;
+}
+
+void MessageActions::openMedia(const QString& messageId)
+{
+    const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
+    const QString path = row ? row->mediaPath.value_or(QString()) : QString();
+    if (path.isEmpty())
+        return;
+    const QString kind = UnifiedBubble::mediaKind(*row);
+    QString error = mediaProblemText(checkMedia(path, kind, m_surroundings.mediaFolder), kind);
+    if (error.isEmpty() && !m_surroundings.desktop.openFile(path))
+        error = QStringLiteral("No program on this machine opens the file.");
+    m_surroundings.thread.setError(error);
+}
+
+QString MessageActions::pictureProblem(const QString& path, const QString& kind) const
+{
+    return mediaProblemText(checkMedia(path, kind, m_surroundings.mediaFolder), kind);
+}
+
+void MessageActions::callOnWhatsApp()
+{
+    const QString digits = phone();
+    if (digits.isEmpty())
+        return;
+    if (!m_surroundings.desktop.openLink(QUrl(QStringLiteral("whatsapp://send?phone=") + digits)))
+        m_surroundings.thread.setError(QStringLiteral("No program on this machine opens WhatsApp."));
+}
+
+QString MessageActions::phone() const
+{
+    const QString contactId = m_surroundings.thread.contactId();
+    const auto target
+        = contactId.isEmpty() ? std::nullopt : replyTarget(m_surroundings.engine.db(), contactId, whatsApp);
+    QString digits;
+    if (target && target->chatId.endsWith(whatsAppPerson)) {
+        for (const QChar character : target->chatId.chopped(whatsAppPerson.size())) {
+            if (character >= u'0' && character <= u'9')
+                digits.append(character);
+        }
+    }
+    return digits;
+}
+
+void MessageActions::updateCall()
+{
+    const bool canCall = !phone().isEmpty();
+    if (canCall == m_canCall)
+        return;
+    m_canCall = canCall;
+    Q_EMIT canCallChanged();
+}
+
+void MessageActions::setNotice(const QString& text)
+{
+    m_noticeText = text;
+    m_noticeEnd = text.isEmpty() ? nullptr : m_surroundings.scheduler.after(noticeTime, [this] { setNotice({}); });
+    Q_EMIT noticeTextChanged();
+}
+
+}

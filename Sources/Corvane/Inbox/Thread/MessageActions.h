@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Store/Messages/InboxQueries.h"
+
+#include <QObject>
+#include <QVariantList>
+
+namespace corvane {
+
+class Desktop;
+class EngineManager;
+class ThreadView;
+class UndoOffer;
+struct UnifiedMsgRow;
+
+/// What a person can do with one message of the open thread, and the call beside it. What goes wrong is told as
+/// the thread's error.
+class MessageActions : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString callLabel READ callLabel CONSTANT)
+    Q_PROPERTY(bool canCall READ canCall NOTIFY canCallChanged)
+    Q_PROPERTY(QString noticeText READ noticeText NOTIFY noticeTextChanged) ///< what was just done, for a moment
+public:
+    /// Everything outlives the object.
+    struct Surroundings {
+        EngineManager& engine;
+        Desktop& desktop;
+        Scheduler& scheduler;
+        ThreadView& thread;
+        UndoOffer& undo;
+        QString mediaFolder;
+        std::function<QList<ContactRow>()> contacts; ///< the people of the list, in its order
+    };
+
+    explicit MessageActions(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    QString callLabel() const { return QStringLiteral("Call on WhatsApp (opens the WhatsApp app)"); }
+    bool canCall() const { return m_canCall; }
+    const QString& noticeText() const { return m_noticeText; }
+
+    /// Of {key, label, enabled, help}: "react", "copy", "forward", "play", "open", "fetch" and "delete", as far as the
+    /// message has them; `help` says why one is not enabled.
+    Q_INVOKABLE QVariantList actionsFor(const QString& messageId) const;
+
+    Q_INVOKABLE void deleteLocal(const QString& messageId); ///< with a way back
+    Q_INVOKABLE QVariantList forwardTargets() const; ///< of {id, name, detail}
+    Q_INVOKABLE void forward(const QString& messageId, const QString& contactId);
+    Q_INVOKABLE void openMedia(const QString& messageId);
+    Q_INVOKABLE void callOnWhatsApp();
+
+    /// Why a picture is not shown within its bubble; empty where it may be.
+    Q_INVOKABLE QString pictureProblem(const QString& path, const QString& kind) const;
+
+Q_SIGNALS:
+    void canCallChanged();
+    void noticeTextChanged();
+    void messagesChanged(); ///< what the list shows may differ now
+
+private:
+    bool forwardAsDraft(const QString& messageBody, const QString& conversationId);
+    QString phone() const; ///< of the open contact, digits alone; empty where there is none
+    void updateCall();
+    void setNotice(const QString& text);
+
+    Surroundings m_surroundings;
+    bool m_canCall = false;
+    QString m_noticeText;
+    std::unique_ptr<Timer> m_noticeEnd;
+};
+
+}

@@ -1,0 +1,178 @@
+#include "Inbox/Thread/ThreadRow.h"
+
+#include "Foundation/Channel.h"
+#include "Foundation/Text.h"
+#include "Inbox/Thread/UnifiedBubble.h"
+#include "Presentation/BodyText.h"
+#include "Presentation/DateWords.h"
+#include "Presentation/WAName.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+using UnifiedBubble::MediaState;
+using UnifiedBubble::Ticks;
+
+constexpr qsizetype spokenLength = 1000;
+constexpr qsizetype longestSender = 200;
+
+QString ticksWord(Ticks::Kind kind)
+{
+    switch (kind) {
+    case Ticks::Kind::None:
+        return {};
+    case Ticks::Kind::Single:
+        return QStringLiteral("single");
+    case Ticks::Kind::Double:
+        return QStringLiteral("double");
+    case Ticks::Kind::Read:
+        return QStringLiteral("read");
+    case Ticks::Kind::Word:
+        return QStringLiteral("word");
+    }
+    return {};
+}
+
+QString mediaStateWord(MediaState::Kind kind)
+{
+    switch (kind) {
+    case MediaState::Kind::None:
+        return {};
+    case MediaState::Kind::Ready:
+        return QStringLiteral("ready");
+    case MediaState::Kind::Download:
+        return QStringLiteral("download");
+    case MediaState::Kind::Downloading:
+        return QStringLiteral("downloading");
+    case MediaState::Kind::Failed:
+        return QStringLiteral("failed");
+    case MediaState::Kind::Missing:
+        return QStringLiteral("missing");
+    }
+    return {};
+}
+
+/// Cuts what may be a whole book, which to lay out would hold the window; returns how much is left out.
+qsizetype shorten(UnifiedMsgRow& row, qsizetype length)
+{
+    const auto body = BodyText::shown(row.body, length);
+    const auto transcript = BodyText::shown(row.audioTranscript.value_or(QString()), length);
+    row.body = body.text;
+    if (row.audioTranscript)
+        row.audioTranscript = transcript.text;
+    row.sender = singleLine(row.sender.left(longestSender));
+    return body.hidden + transcript.hidden;
+}
+
+// A picture carries its caption below it; a document, or a medium that is not here, is a card with a title,
+// which is that same text.
+QString bubbleText(const UnifiedMsgRow& row, const ThreadRow& shown)
+{
+    if (shown.mediaKind.isEmpty())
+        return row.body;
+    const bool isCard = shown.mediaState != QStringLiteral("ready") || shown.mediaKind == QStringLiteral("document")
+        || shown.mediaKind == QStringLiteral("media");
+    return isCard ? QString() : UnifiedBubble::textBehindMark(row.body).value_or(row.body);
+}
+
+void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurroundings& surroundings)
+{
+    shown.mediaKind = UnifiedBubble::mediaKind(row);
+    if (!shown.mediaKind.isEmpty()) {
+        const auto download = surroundings.download ? surroundings.download(row.id) : std::nullopt;
+        const MediaState state = UnifiedBubble::mediaState(row, download);
+        shown.mediaState = mediaStateWord(state.kind);
+        shown.mediaStateText = state.text;
+        shown.mediaTitle = UnifiedBubble::mediaTitle(row);
+        if (state.kind == MediaState::Kind::Ready)
+            shown.mediaPath = *row.mediaPath;
+    }
+    shown.body = bubbleText(row, shown);
+    shown.transcript = row.audioTranscript.value_or(QString());
+}
+
+QString spokenMessage(const ThreadRow& shown, const QString& sender)
+{
+    QStringList parts { shown.outgoing ? QStringLiteral("You") : WAName::pretty(sender), shown.timeText };
+    if (!shown.ticksText.isEmpty())
+        parts.append(shown.ticksText);
+    if (!shown.mediaKind.isEmpty())
+        parts.append(UnifiedBubble::mediaWord(shown.mediaKind));
+    const QString text = shown.mediaKind.isEmpty() ? shown.body : shown.mediaTitle;
+    return parts.join(QStringLiteral(", ")) + QStringLiteral(": ") + BodyText::shown(text, spokenLength).text;
+}
+
+ThreadRow dateRow(const QString& label)
+{
+    ThreadRow row;
+    row.id = QStringLiteral("date:") + label;
+    row.isDate = true;
+    row.dateText = label;
+    row.spoken = label;
+    return row;
+}
+
+ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroundings, const DateWords& words)
+{
+    ThreadRow shown;
+    UnifiedMsgRow row = message.row;
+    shown.moreText = BodyText::moreText(shorten(row, surroundings.lengths.value(row.id, firstBodyLength)));
+    shown.id = row.id;
+    shown.outgoing = row.direction == QStringLiteral("OUT");
+    shown.grouped = message.grouped;
+    shown.showTime = message.showTime;
+    shown.timeText = words.clockTime(row.ts);
+    shown.platform = row.platform;
+    if (surroundings.isGroup && !shown.outgoing && !message.grouped && !row.sender.trimmed().isEmpty())
+        shown.senderLabel = WAName::pretty(row.sender);
+    const Ticks ticks = UnifiedBubble::statusTicks(row);
+    shown.ticks = ticksWord(ticks.kind);
+    shown.ticksText = ticks.text;
+    shown.ticksHelp = ticks.help;
+    shown.reaction = row.reaction;
+    if (row.id == surroundings.firstUnreadId)
+        shown.unreadText = surroundings.unread == 1 ? QStringLiteral("1 unread message")
+                                                    : QStringLiteral("%1 unread messages").arg(surroundings.unread);
+    shown.highlighted = row.id == surroundings.highlightId;
+    describeMedia(shown, row, surroundings);
+    shown.spoken = spokenMessage(shown, row.sender.trimmed().isEmpty() ? surroundings.contactName : row.sender);
+    return shown;
+}
+
+/// The first message tells its channel only where another follows.
+void labelChannels(QList<ThreadRow>& rows)
+{
+    ThreadRow* previous = nullptr;
+    ThreadRow* first = nullptr;
+    for (ThreadRow& row : rows) {
+        if (row.isDate)
+            continue;
+        if (!first)
+            first = &row;
+        if (previous && previous->platform != row.platform) {
+            row.channelLabel = channelLabel(row.platform);
+            first->channelLabel = channelLabel(first->platform);
+        }
+        previous = &row;
+    }
+}
+
+}
+
+QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurroundings& surroundings)
+{
+    const DateWords words(0);
+    QList<ThreadRow> rows;
+    rows.reserve(items.size());
+    for (const ThreadItem& item : items) {
+        const auto* message = std::get_if<ThreadMsg>(&item);
+        rows.append(message ? messageRow(*message, surroundings, words) : dateRow(std::get<QString>(item)));
+    }
+    labelChannels(rows);
+    return rows;
+}
+
+}

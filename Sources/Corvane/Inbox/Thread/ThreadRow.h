@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Engines/RuntimeState.h"
+#include "Inbox/Thread/ThreadBuilder.h"
+
+#include <QMetaType>
+
+namespace corvane {
+
+/// A line of the open thread in the words of the screen: a date or a message.
+class ThreadRow {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(bool isDate MEMBER isDate)
+    Q_PROPERTY(QString dateText MEMBER dateText)
+    Q_PROPERTY(bool outgoing MEMBER outgoing)
+    Q_PROPERTY(bool grouped MEMBER grouped)
+    Q_PROPERTY(bool showTime MEMBER showTime)
+    Q_PROPERTY(QString timeText MEMBER timeText)
+    Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString moreText MEMBER moreText)
+    Q_PROPERTY(QString unreadText MEMBER unreadText)
+    Q_PROPERTY(QString senderLabel MEMBER senderLabel)
+    Q_PROPERTY(QString platform MEMBER platform)
+    Q_PROPERTY(QString channelLabel MEMBER channelLabel)
+    Q_PROPERTY(QString ticks MEMBER ticks)
+    Q_PROPERTY(QString ticksText MEMBER ticksText)
+    Q_PROPERTY(QString ticksHelp MEMBER ticksHelp)
+    Q_PROPERTY(QString mediaKind MEMBER mediaKind)
+    Q_PROPERTY(QString mediaPath MEMBER mediaPath)
+    Q_PROPERTY(QString mediaTitle MEMBER mediaTitle)
+    Q_PROPERTY(QString mediaState MEMBER mediaState)
+    Q_PROPERTY(QString mediaStateText MEMBER mediaStateText)
+    Q_PROPERTY(QString transcript MEMBER transcript)
+    Q_PROPERTY(QString reaction MEMBER reaction)
+    Q_PROPERTY(bool highlighted MEMBER highlighted)
+    Q_PROPERTY(QString spoken MEMBER spoken)
+public:
+    QString id; ///< of the message; "date:..." for a date
+    bool isDate = false;
+    QString dateText; ///< the day, for a date
+    bool outgoing = false;
+    bool grouped = false; ///< continues the run of the bubble above
+    bool showTime = false; ///< the last bubble of its run: time and ticks are shown
+    QString timeText;
+    QString body; ///< text of the bubble; empty where the medium's title says it already
+    QString moreText; ///< the label of what shows more of a long body, else empty
+    QString unreadText; ///< above the first message that was unread when the thread was opened: "3 unread messages"
+    QString senderLabel; ///< group chats: first bubble of a run
+    QString platform; ///< such as "WHATSAPP"
+    QString channelLabel; ///< the channel's name where it differs from that of the message above, else empty
+    QString ticks; ///< "", "single", "double", "read" (double, in the accent colour) or "word"
+    QString ticksText; ///< such as "Delivered"
+    QString ticksHelp; ///< a longer text for a tool tip, mostly empty
+    QString mediaKind; ///< "" for none, "image", "audio", "video", "document", "sticker" or "media"
+    QString mediaPath; ///< set only while the file is there
+    QString mediaTitle;
+    QString mediaState; ///< "", "ready", "download", "downloading", "failed" (with a retry) or "missing"
+    QString mediaStateText;
+    QString transcript; ///< of a voice note
+    QString reaction;
+    bool highlighted = false;
+    QString spoken;
+
+    const QString& key() const { return id; }
+    bool operator==(const ThreadRow&) const = default;
+};
+
+/// How much of a body is shown at first.
+constexpr qsizetype firstBodyLength = 10'000;
+
+/// What a thread's rows depend on besides its messages.
+struct ThreadSurroundings {
+    QString contactName; ///< who speaks where a message does not say
+    bool isGroup = false;
+    QString highlightId;
+    QString firstUnreadId;
+    int unread = 0; ///< how many messages are unread from that one on
+    QHash<QString, qsizetype> lengths = {}; ///< of bodies that a person wanted to see more of
+    std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
+};
+
+QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurroundings& surroundings);
+
+}

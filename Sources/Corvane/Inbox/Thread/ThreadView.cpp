@@ -1,0 +1,209 @@
+#include "Inbox/Thread/ThreadView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/Text.h"
+#include "Inbox/Thread/UnifiedBubble.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int threadLimit = 1000;
+constexpr int olderCount = 50;
+constexpr qsizetype longerBy = 8;
+constexpr qsizetype screenful = 16; ///< rows, about
+constexpr Milliseconds loadingMoreTime { 4000 };
+constexpr Milliseconds highlightTime { 2500 };
+const QString whatsApp = QStringLiteral("WHATSAPP");
+
+}
+
+ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_engine(engine)
+    , m_accounts(accounts)
+    , m_scheduler(scheduler)
+{
+    connect(&engine, &EngineManager::mediaDownloadStatusChanged, this, [this](const QString& messageId) {
+        if (message(messageId))
+            present();
+    });
+}
+
+QString ThreadView::emptyText() const
+{
+    return QStringLiteral("No messages yet — this conversation will fill when local messages sync.");
+}
+
+QString ThreadView::loadOlderText() const
+{
+    return loadingMore() ? QStringLiteral("Loading older messages…") : QStringLiteral("Load older messages");
+}
+
+void ThreadView::open(const ContactRow& contact, int unread)
+{
+    const bool sameFacts = contact.id == m_contact.id && contact.platforms == m_contact.platforms
+        && contact.isGroup == m_contact.isGroup;
+    const bool samePerson = contact.id == m_contact.id;
+    m_contact = contact;
+    if (!samePerson) {
+        m_messages.clear();
+        m_loaded = false;
+        m_unread = unread;
+        m_firstUnreadId.clear();
+        m_lengths.clear();
+        m_highlightId.clear();
+        m_highlightEnd.reset();
+        m_loadingMore.reset();
+        setError({});
+        Q_EMIT loadingMoreChanged();
+        Q_EMIT highlightChanged();
+    }
+    reload();
+    if (!sameFacts)
+        Q_EMIT contactChanged();
+}
+
+void ThreadView::reload()
+{
+    const QList<UnifiedMsgRow> messages = m_contact.id.isEmpty()
+        ? QList<UnifiedMsgRow>()
+        : fetchUnifiedThread(m_engine.db(), m_contact.id, threadLimit);
+    const bool first = !m_loaded;
+    m_loaded = true;
+    if (!first && messages == m_messages)
+        return;
+    const std::optional<qint64> newest
+        = first || m_messages.isEmpty() ? std::nullopt : std::optional(m_messages.last().ts);
+    m_messages = messages;
+    if (first)
+        markFirstUnread();
+    present(first ? Opening::Yes : Opening::No);
+    Q_EMIT changed();
+    if (newest && !messages.isEmpty() && messages.last().ts > *newest && messages.last().direction == u"IN")
+        Q_EMIT announced(m_rows.rows().last().spoken);
+}
+
+// A live message of the other side raises the counter by one, so the unread ones are the last of those.
+void ThreadView::markFirstUnread()
+{
+    if (m_messages.size() >= threadLimit)
+        return; // the newest may lie behind the end of what is shown
+    int left = m_unread;
+    for (auto row = m_messages.crbegin(); row != m_messages.crend() && left > 0; ++row) {
+        if (row->direction == u"OUT")
+            continue;
+        m_firstUnreadId = row->id;
+        --left;
+    }
+}
+
+void ThreadView::highlight(const QString& messageId)
+{
+    m_highlightId = messageId;
+    m_highlightEnd = messageId.isEmpty() ? nullptr : m_scheduler.after(highlightTime, [this] { highlight({}); });
+    present();
+    Q_EMIT highlightChanged();
+}
+
+void ThreadView::loadMore()
+{
+    if (loadingMore() || !canLoadOlder())
+        return;
+    m_loadingMore = m_scheduler.after(loadingMoreTime, [this] {
+        m_loadingMore.reset();
+        Q_EMIT loadingMoreChanged();
+    });
+    Q_EMIT loadingMoreChanged();
+    const auto target = replyTarget(m_engine.db(), m_contact.id, whatsApp);
+    if (!target) {
+        Q_EMIT refused(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(whatsApp)));
+        return;
+    }
+    const auto account = m_accounts.findBySlug(target->account);
+    if (!account || !m_engine.loadMoreHistory(*account, target->chatId, olderCount))
+        Q_EMIT refused(QStringLiteral("Account %1 is not connected").arg(target->account));
+}
+
+void ThreadView::fetchMedia(const QString& messageId)
+{
+    if (const UnifiedMsgRow* row = message(messageId))
+        m_engine.retryMediaDownload(*row);
+}
+
+void ThreadView::react(const QString& messageId, const QString& emoji)
+{
+    const UnifiedMsgRow* row = message(messageId);
+    if (!row)
+        return;
+    const auto target = replyTarget(m_engine.db(), m_contact.id, row->platform);
+    const auto account = target ? m_accounts.findBySlug(target->account) : std::nullopt;
+    if (!account)
+        return;
+    const QString providerId = messageId.section(u':', -1);
+    if (!m_engine.react(*account, target->chatId, providerId, row->direction == u"OUT", emoji))
+        return;
+    setReaction(m_engine.db(), messageId, emoji);
+    reload();
+}
+
+void ThreadView::showMore(const QString& messageId)
+{
+    if (!message(messageId))
+        return;
+    qsizetype& length = m_lengths[messageId];
+    length = std::max(length, firstBodyLength) * longerBy;
+    present();
+}
+
+QString ThreadView::readableText(const QString& messageId) const
+{
+    const UnifiedMsgRow* row = message(messageId);
+    return row ? UnifiedBubble::readableText(*row) : QString();
+}
+
+int ThreadView::rowOf(const QString& messageId) const
+{
+    const auto& rows = m_rows.rows();
+    const auto found = std::ranges::find(rows, messageId, &ThreadRow::id);
+    return found == rows.end() ? -1 : int(found - rows.begin());
+}
+
+void ThreadView::present(Opening opening)
+{
+    const QList<ThreadRow> rows = threadRows(ThreadBuilder::build(m_messages),
+        { .contactName = m_contact.name,
+            .isGroup = m_contact.isGroup,
+            .highlightId = m_highlightId,
+            .firstUnreadId = m_firstUnreadId,
+            .unread = m_unread,
+            .lengths = m_lengths,
+            .download = [this](const QString& messageId) {
+                return m_engine.mediaDownloadStatus(messageId);
+            } });
+    if (opening == Opening::Yes) {
+        // A view makes first what it is given first, so it is given what will be in sight.
+        m_rows.assign(rows.last(std::min(rows.size(), screenful)));
+        Q_EMIT opened();
+    }
+    m_rows.assign(rows);
+}
+
+void ThreadView::setError(const QString& text)
+{
+    if (m_errorText == text)
+        return;
+    m_errorText = text;
+    Q_EMIT errorTextChanged();
+}
+
+const UnifiedMsgRow* ThreadView::message(const QString& messageId) const
+{
+    const auto found = std::ranges::find(m_messages, messageId, &UnifiedMsgRow::id);
+    return found == m_messages.end() ? nullptr : &*found;
+}
+
+}

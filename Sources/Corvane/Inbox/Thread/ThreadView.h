@@ -1,0 +1,89 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Inbox/Thread/ThreadRow.h"
+#include "Presentation/RowListModel.h"
+#include "Store/Messages/InboxQueries.h"
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+
+/// The open thread: everything that was said with one person, over all channels, newest at the end.
+class ThreadView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged)
+    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT)
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
+    Q_PROPERTY(QString firstUnreadId READ firstUnreadId NOTIFY contactChanged) ///< at the opening; empty for none
+    Q_PROPERTY(QString highlightId READ highlightId NOTIFY highlightChanged)
+    Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY contactChanged)
+    Q_PROPERTY(bool loadingMore READ loadingMore NOTIFY loadingMoreChanged)
+    Q_PROPERTY(QString loadOlderText READ loadOlderText NOTIFY loadingMoreChanged)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged)
+public:
+    ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent = nullptr);
+
+    const QString& contactId() const { return m_contact.id; }
+    QAbstractItemModel* rows() { return &m_rows; }
+    bool isEmpty() const { return m_messages.isEmpty(); }
+    QString emptyText() const;
+    const QString& highlightId() const { return m_highlightId; }
+    bool canLoadOlder() const { return m_contact.platforms.contains(QStringLiteral("WHATSAPP")); }
+    bool loadingMore() const { return m_loadingMore != nullptr; }
+    QString loadOlderText() const;
+    const QString& errorText() const { return m_errorText; }
+
+    /// A row without an id closes the thread. `unread` messages are new to the person who opens it; the mark
+    /// above them stays until another thread is opened.
+    void open(const ContactRow& contact, int unread = 0);
+    void reload();
+    void highlight(const QString& messageId); ///< for a moment
+
+    const QString& firstUnreadId() const { return m_firstUnreadId; }
+    const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
+    void setError(const QString& text);
+
+    Q_INVOKABLE void loadMore(); ///< what was said before, of WhatsApp
+    Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
+    Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
+    Q_INVOKABLE void showMore(const QString& messageId); ///< of a long body
+    Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying and reading aloud
+    Q_INVOKABLE int rowOf(const QString& messageId) const; ///< -1 where the thread does not show it
+    Q_INVOKABLE void dismissError() { setError({}); }
+
+Q_SIGNALS:
+    void contactChanged();
+    void changed(); ///< after each reload
+    void opened(); ///< the newest rows of somebody else are there; the older ones follow at once
+    void highlightChanged();
+    void loadingMoreChanged();
+    void errorTextChanged();
+    void refused(const QString& error); ///< by the channel: nothing older was asked for
+    void announced(const QString& text); ///< a message came in: to be read aloud, politely
+
+private:
+    enum class Opening { No, Yes };
+
+    void present(Opening opening = Opening::No);
+    void markFirstUnread();
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    Scheduler& m_scheduler;
+    ContactRow m_contact;
+    bool m_loaded = false; ///< whether m_messages is of this contact
+    QList<UnifiedMsgRow> m_messages;
+    RowListModel<ThreadRow> m_rows;
+    int m_unread = 0;
+    QString m_firstUnreadId;
+    QHash<QString, qsizetype> m_lengths; ///< of long bodies, as shown now
+    QString m_highlightId;
+    std::unique_ptr<Timer> m_highlightEnd;
+    std::unique_ptr<Timer> m_loadingMore;
+    QString m_errorText;
+};
+
+}

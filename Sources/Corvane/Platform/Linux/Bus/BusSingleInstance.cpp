@@ -1,0 +1,224 @@
+#include "Platform/Linux/Bus/BusSingleInstance.h"
+
+#include "Foundation/Json.h"
+#include "Foundation/Log.h"
+#include "Platform/AppPaths.h"
+#include "Platform/ApplicationId.h"
+#include "Platform/Linux/Bus/BusObject.h"
+#include "Platform/Linux/Services.h"
+
+#include <QCryptographicHash>
+#include <QDBusError>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QJsonArray>
+#include <QLocalSocket>
+#include <QThread>
+#include <cerrno>
+#include <pwd.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+/// How long a start waits for a running program that is just coming up, and then for its answer.
+constexpr int comingUpMs = 2000;
+constexpr int answerMs = 1500;
+constexpr int betweenTriesMs = 50;
+constexpr qint64 longestRequest = 65536;
+
+const QString objectPath = QStringLiteral("/com/nimb/corvane");
+const QString objectInterface = QStringLiteral("org.freedesktop.Application");
+const QString tokenKey = QStringLiteral("activation-token");
+const QByteArray taken = QByteArrayLiteral("taken\n");
+
+QString usualFolder()
+{
+    const passwd* account = ::getpwuid(::getuid());
+    return account == nullptr ? QString()
+                              : QFile::decodeName(account->pw_dir) + QStringLiteral("/.local/share/Corvane");
+}
+
+/// Lets the running program's window come to the front where the desktop asks for a reason.
+QString activationToken()
+{
+    return qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+}
+
+}
+
+QString instanceName(const QString& applicationSupport)
+{
+    if (applicationSupport == usualFolder())
+        return applicationId;
+    const QByteArray hash = QCryptographicHash::hash(QFile::encodeName(applicationSupport), QCryptographicHash::Sha256);
+    return applicationId + QStringLiteral(".at") + QString::fromLatin1(hash.toHex().first(16));
+}
+
+void ApplicationObject::Activate(const QVariantMap& platformData)
+{
+    Open({}, platformData);
+}
+
+void ApplicationObject::Open(const QStringList& uris, const QVariantMap& platformData)
+{
+    Q_EMIT called(uris, platformData.value(tokenKey).toString());
+}
+
+void ApplicationObject::ActivateAction(const QString&, const QVariantList&, const QVariantMap& platformData)
+{
+    Activate(platformData);
+}
+
+BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus)
+    : m_folder(applicationSupport)
+    , m_socketPath(applicationSupport + QStringLiteral("/instance.socket"))
+    , m_name(instanceName(applicationSupport))
+    , m_bus(bus)
+    , m_lock(applicationSupport + QStringLiteral("/instance.lock"))
+{
+    connect(&m_object, &ApplicationObject::called, this, &BusSingleInstance::receive);
+    connect(&m_server, &QLocalServer::newConnection, this, &BusSingleInstance::onConnection);
+}
+
+BusSingleInstance::~BusSingleInstance()
+{
+    if (m_lock.isOpen() && m_bus.isConnected())
+        m_bus.unregisterService(m_name);
+}
+
+bool BusSingleInstance::claim(const QStringList& arguments)
+{
+    if (m_lock.isOpen())
+        return true;
+    const QDeadlineTimer comingUp(comingUpMs);
+    for (;;) {
+        const Lock lock = takeLock();
+        if (lock == Lock::Taken) {
+            open();
+            return true;
+        }
+        const Delivery delivery = handOver(arguments);
+        if (delivery == Delivery::Taken)
+            return false;
+        if (delivery == Delivery::Unreachable && lock == Lock::Impossible) {
+            open();
+            return true;
+        }
+        if (delivery == Delivery::Unanswered || comingUp.hasExpired()) {
+            // It may have died over the request.
+            if (lock == Lock::HeldByAnother && takeLock() == Lock::Taken) {
+                open();
+                return true;
+            }
+            log(QStringLiteral("SingleInstance: Corvane already runs on %1 and does not answer").arg(m_folder));
+            return false;
+        }
+        QThread::msleep(betweenTriesMs);
+    }
+}
+
+BusSingleInstance::Lock BusSingleInstance::takeLock()
+{
+    QDir().mkpath(m_folder);
+    if (!m_lock.open(QIODevice::ReadWrite, QFile::ReadOwner | QFile::WriteOwner))
+        return Lock::Impossible;
+    if (::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0)
+        return Lock::Taken;
+    const bool held = errno == EWOULDBLOCK;
+    m_lock.close();
+    return held ? Lock::HeldByAnother : Lock::Impossible;
+}
+
+BusSingleInstance::Delivery BusSingleInstance::handOver(const QStringList& arguments)
+{
+    const Delivery delivery = handOverOnBus(arguments);
+    return delivery == Delivery::Unreachable ? handOverThroughSocket(arguments) : delivery;
+}
+
+BusSingleInstance::Delivery BusSingleInstance::handOverOnBus(const QStringList& arguments)
+{
+    if (!m_bus.isConnected())
+        return Delivery::Unreachable;
+    const BusObject running { m_name, objectPath, objectInterface };
+    const QVariantMap platformData { { tokenKey, activationToken() } };
+    QDBusMessage call = arguments.isEmpty() ? running.method(QStringLiteral("Activate"), { platformData })
+                                            : running.method(QStringLiteral("Open"), { arguments, platformData });
+    call.setAutoStartService(false);
+    const QDBusMessage reply = m_bus.call(call, QDBus::Block, answerMs);
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return Delivery::Taken;
+    return QDBusError(reply).type() == QDBusError::NoReply ? Delivery::Unanswered : Delivery::Unreachable;
+}
+
+BusSingleInstance::Delivery BusSingleInstance::handOverThroughSocket(const QStringList& arguments)
+{
+    QLocalSocket socket;
+    socket.connectToServer(m_socketPath);
+    if (!socket.waitForConnected(answerMs))
+        return Delivery::Unreachable;
+    const QJsonObject request { { QStringLiteral("arguments"), QJsonArray::fromStringList(arguments) },
+        { tokenKey, activationToken() } };
+    socket.write(compactJson(request) + '\n');
+    const QDeadlineTimer answer(answerMs);
+    while (!socket.canReadLine() && socket.waitForReadyRead(int(answer.remainingTime()))) { }
+    return socket.readLine() == taken ? Delivery::Taken : Delivery::Unanswered;
+}
+
+void BusSingleInstance::open()
+{
+    if (m_bus.isConnected()) {
+        m_bus.registerObject(objectPath, &m_object, QDBusConnection::ExportScriptableSlots);
+        if (!m_bus.registerService(m_name))
+            log(QStringLiteral("SingleInstance: the bus name %1 is taken").arg(m_name));
+    }
+    if (!m_lock.isOpen())
+        return;
+    // Whoever made the socket that may stand there is gone, or the lock would not be ours.
+    QLocalServer::removeServer(m_socketPath);
+    m_server.setSocketOptions(QLocalServer::UserAccessOption);
+    if (!m_server.listen(m_socketPath))
+        log(QStringLiteral("SingleInstance: no socket: ") + m_server.errorString());
+}
+
+void BusSingleInstance::onConnection()
+{
+    while (QLocalSocket* socket = m_server.nextPendingConnection()) {
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            if (!socket->canReadLine()) {
+                if (socket->bytesAvailable() >= longestRequest)
+                    socket->abort();
+                return;
+            }
+            const std::optional<QJsonObject> request = jsonObject(socket->readLine());
+            if (!request) {
+                socket->abort();
+                return;
+            }
+            socket->write(taken);
+            socket->disconnectFromServer();
+            QStringList arguments;
+            for (const QJsonValue& argument : request->value(QStringLiteral("arguments")).toArray())
+                arguments.append(argument.toString());
+            receive(arguments, request->value(tokenKey).toString());
+        });
+    }
+}
+
+void BusSingleInstance::receive(const QStringList& arguments, const QString& token)
+{
+    if (!token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    // Raising a window may take its time; the other program gets its answer first.
+    QMetaObject::invokeMethod(this, [this, arguments] { Q_EMIT activated(arguments); }, Qt::QueuedConnection);
+}
+
+std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths)
+{
+    return std::make_unique<BusSingleInstance>(paths.applicationSupport, QDBusConnection::sessionBus());
+}
+
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Platform/SingleInstance.h"
+
+#include <QDBusConnection>
+#include <QFile>
+#include <QLocalServer>
+#include <QVariantMap>
+
+namespace corvane {
+
+/// The bus name of the program that works on this data folder: the plain one for the account's usual folder,
+/// one of its own for any other.
+QString instanceName(const QString& applicationSupport);
+
+/// What desktops call on a running program (org.freedesktop.Application).
+class ApplicationObject final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+public Q_SLOTS:
+    Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
+    Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
+    Q_SCRIPTABLE void ActivateAction(
+        const QString& action, const QVariantList& parameters, const QVariantMap& platformData);
+
+Q_SIGNALS:
+    void called(const QStringList& arguments, const QString& activationToken);
+};
+
+/// A lock on the data folder says who is the one; the system lifts it when its holder dies, however that
+/// happens. The one can be reached over the session bus and, for starts without a bus, through a socket in the
+/// data folder that only its user can open.
+class BusSingleInstance final : public SingleInstance {
+    Q_OBJECT
+public:
+    BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus);
+    ~BusSingleInstance() override;
+
+    bool claim(const QStringList& arguments) override;
+
+private:
+    enum class Lock { Taken, HeldByAnother, Impossible };
+    enum class Delivery { Taken, Unanswered, Unreachable };
+
+    Lock takeLock();
+    Delivery handOver(const QStringList& arguments);
+    Delivery handOverOnBus(const QStringList& arguments);
+    Delivery handOverThroughSocket(const QStringList& arguments);
+    void open();
+    void onConnection();
+    void receive(const QStringList& arguments, const QString& activationToken);
+
+    QString m_folder;
+    QString m_socketPath;
+    QString m_name;
+    QDBusConnection m_bus;
+    QFile m_lock;
+    ApplicationObject m_object;
+    QLocalServer m_server;
+};
+
+}

@@ -1,0 +1,177 @@
+#include "Platform/Linux/Bus/XdgDesktop.h"
+
+#include "Foundation/Log.h"
+#include "Platform/Linux/Bus/BusObject.h"
+#include "Platform/Linux/Services.h"
+
+#include <QDBusServiceWatcher>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QProcess>
+#include <QStandardPaths>
+
+namespace corvane {
+
+namespace {
+
+const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
+    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.Settings") };
+
+/// Docks own this name while they listen for badges.
+const QString dockService = QStringLiteral("com.canonical.Unity");
+
+const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
+const QString colourSchemeKey = QStringLiteral("color-scheme");
+const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
+const QString animationsKey = QStringLiteral("enable-animations");
+constexpr uint prefersDark = 1;
+constexpr uint prefersLight = 2;
+
+bool paletteIsDark()
+{
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr)
+        return false;
+    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+bool startOpener(const QUrl& url)
+{
+    QProcess opener;
+    opener.setProgram(QStandardPaths::findExecutable(QStringLiteral("xdg-open")));
+    opener.setArguments({ url.toString(QUrl::FullyEncoded) });
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    if (!opener.program().isEmpty() && opener.startDetached())
+        return true;
+    log(QStringLiteral("Desktop: xdg-open does not start"));
+    return false;
+}
+
+}
+
+XdgDesktop::XdgDesktop(const QDBusConnection& bus)
+    : m_bus(bus)
+{
+    updateScheme();
+    if (QCoreApplication::instance() != nullptr)
+        QCoreApplication::instance()->installEventFilter(this);
+    if (!m_bus.isConnected())
+        return;
+    m_bus.connect(portal.service, portal.path, portal.interface, QStringLiteral("SettingChanged"), this,
+        SLOT(onSettingChanged(QDBusMessage)));
+    const auto whenItComes = [this](const QString& service, void (XdgDesktop::*action)()) {
+        const auto* watcher = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+        connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this, action](const QString&, const QString&, const QString& owner) {
+                if (!owner.isEmpty())
+                    (this->*action)();
+            });
+    };
+    whenItComes(portal.service, &XdgDesktop::readSettings);
+    whenItComes(dockService, &XdgDesktop::sendBadge);
+    readSettings();
+}
+
+void XdgDesktop::openInBrowser(const QUrl& url)
+{
+    if (url.scheme() != QStringLiteral("https") && url.scheme() != QStringLiteral("http")) {
+        log(QStringLiteral("Desktop.openInBrowser: not a web address: ") + url.toDisplayString());
+        return;
+    }
+    startOpener(url);
+}
+
+bool XdgDesktop::openFile(const QString& path)
+{
+    return startOpener(QUrl::fromLocalFile(path));
+}
+
+bool XdgDesktop::openLink(const QUrl& link)
+{
+    return startOpener(link);
+}
+
+QString XdgDesktop::hostName() const
+{
+    return QSysInfo::machineHostName();
+}
+
+void XdgDesktop::setBadge(int count)
+{
+    if (count == m_badge)
+        return;
+    m_badge = count;
+    sendBadge();
+}
+
+void XdgDesktop::sendBadge()
+{
+    if (!m_bus.isConnected() || QGuiApplication::desktopFileName().isEmpty())
+        return;
+    auto update = QDBusMessage::createSignal(QStringLiteral("/com/canonical/unity/launcherentry/1"),
+        QStringLiteral("com.canonical.Unity.LauncherEntry"), QStringLiteral("Update"));
+    const QVariantMap properties { { QStringLiteral("count"), qlonglong(m_badge) },
+        { QStringLiteral("count-visible"), m_badge > 0 } };
+    update << QStringLiteral("application://%1.desktop").arg(QGuiApplication::desktopFileName()) << properties;
+    m_bus.send(update);
+}
+
+void XdgDesktop::readSettings()
+{
+    read(appearanceGroup, colourSchemeKey);
+    read(interfaceGroup, animationsKey);
+}
+
+void XdgDesktop::read(const QString& group, const QString& key)
+{
+    callAsync(m_bus, portal.method(QStringLiteral("Read"), { group, key }), this,
+        [this, key](const QDBusMessage& reply) { apply(key, firstValue(reply)); });
+}
+
+void XdgDesktop::onSettingChanged(const QDBusMessage& signal)
+{
+    if (signal.signature() != QStringLiteral("ssv"))
+        return;
+    const QString group = signal.arguments().at(0).toString();
+    const QString key = signal.arguments().at(1).toString();
+    if ((group == appearanceGroup && key == colourSchemeKey) || (group == interfaceGroup && key == animationsKey))
+        apply(key, unwrapped(signal.arguments().at(2)));
+}
+
+void XdgDesktop::apply(const QString& key, const QVariant& value)
+{
+    if (!value.isValid())
+        return;
+    if (key == colourSchemeKey) {
+        m_preferredScheme = value.toUInt();
+        updateScheme();
+    } else if (value.toBool() != m_animations) {
+        m_animations = value.toBool();
+        Q_EMIT appearanceChanged();
+    }
+}
+
+void XdgDesktop::updateScheme()
+{
+    const bool dark = m_preferredScheme == prefersDark || (m_preferredScheme != prefersLight && paletteIsDark());
+    const ColourScheme scheme = dark ? ColourScheme::Dark : ColourScheme::Light;
+    if (scheme == m_scheme)
+        return;
+    m_scheme = scheme;
+    Q_EMIT appearanceChanged();
+}
+
+bool XdgDesktop::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        updateScheme();
+    return Desktop::eventFilter(watched, event);
+}
+
+std::unique_ptr<Desktop> makeDesktop()
+{
+    return std::make_unique<XdgDesktop>(QDBusConnection::sessionBus());
+}
+
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Platform/Desktop.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+namespace corvane {
+
+/// The desktop through xdg-open, the settings portal and the docks' launcher signal. What the portal says
+/// arrives a moment after the start and is announced as a change of appearance.
+class XdgDesktop final : public Desktop {
+    Q_OBJECT
+public:
+    explicit XdgDesktop(const QDBusConnection& bus);
+
+    void openInBrowser(const QUrl& url) override;
+    bool openFile(const QString& path) override;
+    bool openLink(const QUrl& link) override;
+    QString hostName() const override;
+    void setBadge(int count) override;
+    ColourScheme colourScheme() const override { return m_scheme; }
+    bool prefersReducedMotion() const override { return !m_animations; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private Q_SLOTS:
+    void onSettingChanged(const QDBusMessage& signal);
+
+private:
+    void readSettings();
+    void read(const QString& group, const QString& key);
+    void apply(const QString& key, const QVariant& value);
+    void updateScheme();
+    void sendBadge();
+
+    QDBusConnection m_bus;
+    int m_badge = 0;
+    uint m_preferredScheme = 0; ///< as the portal tells it
+    bool m_animations = true;
+    ColourScheme m_scheme = ColourScheme::Light;
+};
+
+}

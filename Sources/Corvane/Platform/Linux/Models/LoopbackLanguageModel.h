@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Platform/Linux/Models/ModelServer.h"
+#include "Platform/SystemLanguageModel.h"
+
+#include <QNetworkAccessManager>
+
+namespace corvane {
+
+/// A model server on this machine: the one that was chosen, else Ollama or a llama.cpp server at its usual port.
+/// Nothing ever goes to another machine: no proxy, no redirect, no name that is looked up.
+class LoopbackLanguageModel final : public SystemLanguageModel {
+    Q_OBJECT
+public:
+    /// Where to look without a choice.
+    LoopbackLanguageModel(Scheduler& scheduler, const QStringList& usualServers);
+    ~LoopbackLanguageModel() override; ///< ends every request, as a failure
+
+    void choose(const Choice& choice) override;
+    std::optional<QString> unavailableReason() const override;
+    QString displayName() const override;
+    QStringList models() const override { return m_known.models; }
+    QCoro::Task<> refresh() override;
+    QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel) override;
+    QCoro::Task<Result<QJsonObject>> respondGenerating(
+        QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel) override;
+
+private:
+    /// What the last look found.
+    struct Known {
+        std::optional<ModelServer> server;
+        QStringList models;
+        QString reason; ///< why there is no server
+
+        bool operator==(const Known&) const = default;
+    };
+
+    QCoro::Task<Known> look(QStringList servers);
+    QCoro::Task<std::optional<Known>> lookAt(QUrl base);
+    QCoro::Task<Result<HttpReply>> get(QUrl url);
+    QCoro::Task<Result<QString>> ask(ModelQuestion question, CancelHandle cancel);
+    void lookAgainAfter(Milliseconds pause);
+    QString model() const; ///< the chosen one, else the first
+
+    Scheduler& m_scheduler;
+    const QStringList m_usualServers;
+    // Apart, so that a look never waits for a free connection behind long answers.
+    QNetworkAccessManager m_looks;
+    QNetworkAccessManager m_answers;
+    CancelHandle m_end; ///< cancelled with this object
+    Choice m_choice;
+    Known m_known;
+    std::unique_ptr<Timer> m_lookAgain;
+};
+
+}

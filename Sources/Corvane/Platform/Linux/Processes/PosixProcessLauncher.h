@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Platform/Linux/Processes/ChildReader.h"
+#include "Platform/ProcessLauncher.h"
+
+#include <QHash>
+
+namespace corvane {
+
+class LinuxChild;
+
+/// Children through posix_spawn, which costs the same however large this process is.
+class PosixProcessLauncher final : public ProcessLauncher {
+public:
+    explicit PosixProcessLauncher(Scheduler& scheduler);
+    ~PosixProcessLauncher() override;
+
+    Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
+    int endMarked(const QString& variable, Ending ending) override;
+
+private:
+    struct Entry {
+        std::shared_ptr<LinuxChild> child;
+        Handlers handlers;
+    };
+
+    void deliver(quint64 id, OutputChunk chunk);
+    void finish(quint64 id, int code);
+
+    Scheduler& m_scheduler;
+    QHash<quint64, Entry> m_running;
+    quint64 m_nextId = 0;
+    std::unique_ptr<ChildReader> m_reader;
+};
+
+}

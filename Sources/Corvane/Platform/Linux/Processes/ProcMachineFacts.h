@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Platform/Linux/Bus/BusProperty.h"
+#include "Platform/MachineFacts.h"
+
+namespace corvane {
+
+/// The machine through /proc and /sys, and through UPower and power-profiles-daemon where they run.
+class ProcMachineFacts final : public MachineFacts {
+public:
+    /// `root` stands before every path of the system; empty: this machine.
+    ProcMachineFacts(const QString& root, const QString& dataFolder, const QDBusConnection& systemBus);
+
+    SystemVersion version() const override { return m_version; }
+    SystemVersion minimumVersion() const override { return { 5, 10, 0 }; }
+    MachineState state() const override;
+
+private:
+    QStringList powerSourceStates() const;
+    bool lowPowerMode() const;
+
+    const QString m_root;
+    const QString m_dataFolder;
+    const SystemVersion m_version;
+    const BusProperty m_onBattery;
+    const BusProperty m_profile;
+    const BusProperty m_profileByOldName;
+};
+
+}

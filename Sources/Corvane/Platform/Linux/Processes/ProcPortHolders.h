@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Platform/PortHolders.h"
+
+#include <QString>
+
+namespace corvane {
+
+/// Looks the holders up where the kernel lists them.
+class ProcPortHolders final : public PortHolders {
+public:
+    explicit ProcPortHolders(const QString& procFolder = QStringLiteral("/proc"));
+
+    QList<PortHolder> listeningOn(quint16 port) override;
+    quint32 ownUserId() override;
+    qint64 ownProcessId() override;
+    void terminate(qint64 pid) override;
+
+private:
+    const QString m_procFolder;
+};
+
+}

@@ -1,0 +1,117 @@
+#include "Platform/Linux/Processes/Strays.h"
+
+#include "Platform/Linux/Files/SystemFiles.h"
+
+#include <QDir>
+#include <algorithm>
+#include <csignal>
+#include <optional>
+#include <set>
+#include <sys/stat.h>
+
+// glibc 2.36 forgets to declare these as C.
+extern "C" {
+#include <sys/pidfd.h>
+}
+
+namespace corvane {
+
+namespace {
+
+using Identity = std::pair<dev_t, ino_t>;
+
+Identity identity(const struct stat& file)
+{
+    return { file.st_dev, file.st_ino };
+}
+
+std::set<Identity> identities(const std::array<const Descriptor*, 2>& pipes)
+{
+    std::set<Identity> result;
+    for (const Descriptor* pipe : pipes) {
+        struct stat file {};
+        if (pipe->isOpen() && ::fstat(pipe->number(), &file) == 0)
+            result.insert(identity(file));
+    }
+    return result;
+}
+
+QString folderOf(pid_t pid)
+{
+    return QStringLiteral("/proc/%1").arg(pid);
+}
+
+std::set<pid_t> processes()
+{
+    std::set<pid_t> result;
+    for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool isProcess = false;
+        const pid_t pid = name.toInt(&isProcess);
+        if (isProcess)
+            result.insert(pid);
+    }
+    return result;
+}
+
+/// "17 (a name (with) brackets) S 4 ...": the number behind the state.
+pid_t parentOf(pid_t pid)
+{
+    const QByteArray status = systemFile(folderOf(pid) + QStringLiteral("/stat"));
+    return status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ').value(1).toInt();
+}
+
+/// Of a pipe both ends are one file; which of them a descriptor is stands in the rights of its link.
+bool writesTo(pid_t pid, const std::set<Identity>& pipes)
+{
+    const QString folder = folderOf(pid) + QStringLiteral("/fd");
+    const QStringList descriptors = QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    return std::ranges::any_of(descriptors, [&](const QString& descriptor) {
+        const QByteArray path = QFile::encodeName(folder + u'/' + descriptor);
+        struct stat link {};
+        struct stat file {};
+        return ::lstat(path.constData(), &link) == 0 && (link.st_mode & S_IWUSR) != 0
+            && ::stat(path.constData(), &file) == 0 && pipes.contains(identity(file));
+    });
+}
+
+}
+
+void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes)
+{
+    const std::set<Identity> ends = identities(pipes);
+    std::set<pid_t> strays { root };
+    // Whoever is found is stopped at once, so that it starts no other behind our back.
+    for (bool isComplete = false; !isComplete;) {
+        isComplete = true;
+        for (const pid_t pid : processes()) {
+            if (pid == ::getpid() || strays.contains(pid))
+                continue;
+            if (!strays.contains(parentOf(pid)) && (ends.empty() || !writesTo(pid, ends)))
+                continue;
+            ::kill(pid, SIGSTOP);
+            strays.insert(pid);
+            isComplete = false;
+        }
+    }
+    strays.erase(root);
+    for (const pid_t pid : strays)
+        ::kill(pid, SIGKILL);
+}
+
+int signalMarked(const QByteArray& variable, int signal)
+{
+    int count = 0;
+    for (const pid_t pid : processes()) {
+        // Opened before the environment is read: the signal goes to whoever that environment belongs to.
+        const Descriptor handle(pid == ::getpid() ? -1 : ::pidfd_open(pid, 0));
+        if (!handle.isOpen())
+            continue;
+        if (!systemFile(folderOf(pid) + QStringLiteral("/environ")).split('\0').contains(variable))
+            continue;
+        ::pidfd_send_signal(handle.number(), signal, nullptr, 0);
+        ++count;
+    }
+    return count;
+}
+
+}

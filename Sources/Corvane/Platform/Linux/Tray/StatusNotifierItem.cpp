@@ -1,0 +1,85 @@
+#include "Platform/Linux/Tray/StatusNotifierItem.h"
+
+#include <QtEndian>
+
+namespace corvane {
+
+namespace {
+
+TrayPixmap trayPixmap(const QImage& drawn)
+{
+    const QImage image = drawn.convertToFormat(QImage::Format_ARGB32);
+    const qsizetype pixels = qsizetype(image.width()) * image.height();
+    QByteArray argb(pixels * 4, Qt::Uninitialized);
+    qToBigEndian<quint32>(image.constBits(), pixels, argb.data());
+    return { image.width(), image.height(), argb };
+}
+
+}
+
+TrayMark StatusNotifierItem::mark() const
+{
+    return m_waiting > 0 ? TrayMark::Waiting : m_unread > 0 ? TrayMark::Unread : TrayMark::None;
+}
+
+void StatusNotifierItem::show(int unread, int waiting)
+{
+    if (unread == m_unread && waiting == m_waiting)
+        return;
+    const TrayMark markBefore = mark();
+    const QString statusBefore = status();
+    m_unread = unread;
+    m_waiting = waiting;
+    if (mark() != markBefore) {
+        Q_EMIT NewIcon();
+        Q_EMIT NewAttentionIcon();
+    }
+    if (status() != statusBefore)
+        Q_EMIT NewStatus(status());
+    Q_EMIT NewToolTip();
+}
+
+QString StatusNotifierItem::status() const
+{
+    return m_waiting > 0 ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
+}
+
+TrayPixmaps StatusNotifierItem::icon() const
+{
+    TrayPixmaps pixmaps;
+    for (const int size : { 16, 22, 32, 48 })
+        pixmaps.append(trayPixmap(trayIcon(size, mark())));
+    return pixmaps;
+}
+
+TrayToolTip StatusNotifierItem::toolTip() const
+{
+    QStringList words;
+    if (m_waiting > 0)
+        words.append(QStringLiteral("%1 waiting for your approval").arg(m_waiting));
+    if (m_unread > 0)
+        words.append(QStringLiteral("%1 unread").arg(m_unread));
+    return { {}, {}, title(), words.join(QStringLiteral(" · ")) };
+}
+
+void StatusNotifierItem::Activate(int x, int y)
+{
+    // Raising a window may take its time; the panel gets its answer first.
+    QMetaObject::invokeMethod(this, [this, at = QPoint(x, y)] { Q_EMIT activated(at); }, Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::SecondaryActivate(int x, int y)
+{
+    Activate(x, y);
+}
+
+void StatusNotifierItem::ContextMenu(int, int) { } // panels show the menu themselves
+
+void StatusNotifierItem::Scroll(int, const QString&) { }
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString& token)
+{
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}
+
+}

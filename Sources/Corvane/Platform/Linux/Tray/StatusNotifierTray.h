@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Platform/Linux/Tray/StatusNotifierItem.h"
+#include "Platform/Linux/Tray/TrayMenu.h"
+#include "Platform/Tray.h"
+
+#include <QDBusConnection>
+
+namespace corvane {
+
+/// The icon for panels that collect them through org.kde.StatusNotifierWatcher, whenever one comes up.
+class StatusNotifierTray final : public Tray {
+    Q_OBJECT
+public:
+    explicit StatusNotifierTray(const QDBusConnection& bus);
+    ~StatusNotifierTray() override;
+
+    bool isShown() const override { return m_shown; }
+    void setUnread(int count) override { m_item.setUnread(count); }
+    void setWaiting(int count) override { m_item.setWaiting(count); }
+    void setMenu(const QList<Item>& items) override { m_menu.setItems(items); }
+
+private Q_SLOTS:
+    void askForHost();
+
+private:
+    void enrol();
+    void forgetWatcher();
+    void updateShown();
+
+    QDBusConnection m_bus;
+    QString m_serviceName;
+    StatusNotifierItem m_item;
+    TrayMenu m_menu;
+    bool m_registered = false; ///< a watcher took the icon
+    bool m_hasHost = false; ///< somebody draws what that watcher holds
+    bool m_shown = false;
+};
+
+}

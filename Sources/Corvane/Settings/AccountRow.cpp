@@ -1,0 +1,191 @@
+#include "Settings/AccountRow.h"
+
+#include <QVariantMap>
+
+namespace corvane {
+
+namespace {
+
+/// Accounts speak in one of four voices, after how they are connected.
+enum class Voice { Pairing, Browser, Password, Token };
+
+Voice voice(Channel channel)
+{
+    switch (channel) {
+    case Channel::WhatsApp:
+        return Voice::Pairing;
+    case Channel::LinkedIn:
+    case Channel::Instagram:
+    case Channel::Messenger:
+        return Voice::Browser;
+    case Channel::Email:
+        return Voice::Password;
+    case Channel::Telegram:
+    case Channel::Discord:
+    case Channel::Slack:
+    case Channel::Sms:
+    case Channel::IMessage:
+        return Voice::Token;
+    }
+    Q_UNREACHABLE();
+}
+
+QString connectedText(Voice voice, const QString& userName)
+{
+    const QString connected = QStringLiteral("Connected");
+    return voice == Voice::Browser && !userName.isEmpty() ? connected + QStringLiteral(" · ") + userName : connected;
+}
+
+QString loggedOutText(Voice voice, const QString& channel)
+{
+    switch (voice) {
+    case Voice::Pairing:
+        return QStringLiteral("Logged out — unlink & relink");
+    case Voice::Browser:
+        return QStringLiteral("Log in to %1 in the Chrome window").arg(channel);
+    case Voice::Password:
+        return QStringLiteral("Sign-in failed — check the app password");
+    case Voice::Token:
+        return QStringLiteral("Invalid token");
+    }
+    Q_UNREACHABLE();
+}
+
+QString errorText(Voice voice)
+{
+    if (voice == Voice::Browser)
+        return QStringLiteral("Error — see logs");
+    return voice == Voice::Password ? QStringLiteral("Sign-in failed — check the app password")
+                                    : QStringLiteral("Error");
+}
+
+QString stoppedText(Voice voice, bool paused)
+{
+    return paused && (voice == Voice::Pairing || voice == Voice::Browser)
+        ? QStringLiteral("Paused · engine stopped (frees RAM)")
+        : QStringLiteral("Stopped");
+}
+
+QString statusText(Voice voice, const AccountRow& row, const RuntimeState& state, bool paused)
+{
+    const bool browser = voice == Voice::Browser;
+    switch (state.status) {
+    case WAStatus::Connected:
+        return connectedText(voice, state.userName.value_or(QString()));
+    case WAStatus::NeedsQR:
+        return browser ? QStringLiteral("Connecting…") : QStringLiteral("Scan QR to link");
+    case WAStatus::Starting:
+        return browser ? QStringLiteral("Opening Chrome…") : QStringLiteral("Starting");
+    case WAStatus::Connecting:
+        return browser ? QStringLiteral("Opening Chrome…") : QStringLiteral("Connecting…");
+    case WAStatus::LoggedOut:
+        return loggedOutText(voice, row.channelLabel);
+    case WAStatus::Error:
+        return errorText(voice);
+    case WAStatus::Stopped:
+        return stoppedText(voice, paused);
+    }
+    Q_UNREACHABLE();
+}
+
+QString kindOf(Voice voice, WAStatus status)
+{
+    switch (status) {
+    case WAStatus::Connected:
+        return QStringLiteral("good");
+    case WAStatus::Starting:
+    case WAStatus::Connecting:
+        return QStringLiteral("busy");
+    case WAStatus::NeedsQR:
+        return voice == Voice::Browser ? QStringLiteral("busy") : QStringLiteral("warn");
+    case WAStatus::LoggedOut:
+        return voice == Voice::Pairing || voice == Voice::Browser ? QStringLiteral("warn") : QStringLiteral("bad");
+    case WAStatus::Error:
+        return QStringLiteral("bad");
+    case WAStatus::Stopped:
+        return QStringLiteral("idle");
+    }
+    Q_UNREACHABLE();
+}
+
+QString detailText(Voice voice, const RuntimeState& state)
+{
+    if (voice != Voice::Pairing)
+        return {};
+    if (state.status == WAStatus::Connected)
+        return state.userName.value_or(QString());
+    return state.status == WAStatus::Error ? state.lastLog : QString();
+}
+
+QVariantMap action(const char* id, const QString& label, const QString& confirmation = {})
+{
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
+        { QStringLiteral("confirmation"), confirmation }, { QStringLiteral("destructive"), !confirmation.isEmpty() } };
+}
+
+/// Where a link or a session stands, giving it up is asked about first; where none does, there is nothing to lose.
+QString resetQuestion(WAStatus status, const QString& question)
+{
+    return status == WAStatus::LoggedOut || status == WAStatus::NeedsQR ? QString() : question;
+}
+
+QVariantList actionsOf(Voice voice, const Account& account, WAStatus status)
+{
+    QVariantList actions;
+    const bool down = status == WAStatus::Stopped || status == WAStatus::Error || status == WAStatus::LoggedOut;
+    if (voice == Voice::Pairing && status == WAStatus::NeedsQR)
+        actions.append(action("pair", QStringLiteral("Scan QR to link")));
+    if (account.channel() == Channel::LinkedIn && status == WAStatus::Connected)
+        actions.append(action("sync", QStringLiteral("Sync now")));
+    if (down)
+        actions.append(
+            action("start", account.paused.value_or(false) ? QStringLiteral("Resume") : QStringLiteral("Start")));
+    else
+        actions.append(action("pause", QStringLiteral("Pause (free RAM)")));
+    if (voice == Voice::Pairing)
+        actions.append(action("resetPairing", QStringLiteral("Re-pair (reset QR)"),
+            resetQuestion(status, QStringLiteral("Unlink %1 and pair it again?").arg(account.name))));
+    if (voice == Voice::Browser)
+        actions.append(action("resetSession", QStringLiteral("Re-login (reset session)"),
+            resetQuestion(status, QStringLiteral("Forget the session of %1 and log in again?").arg(account.name))));
+    actions.append(action("remove", QStringLiteral("Remove"),
+        QStringLiteral("Remove %1? Its conversations stay in the inbox.").arg(account.name)));
+    return actions;
+}
+
+QString sentenceOf(const AccountRow& row)
+{
+    QStringList parts { row.name, row.channelLabel, row.status };
+    if (!row.detail.isEmpty())
+        parts.append(row.detail);
+    parts.append(row.lastMessage);
+    return parts.join(QStringLiteral(", "));
+}
+
+}
+
+AccountRow accountRow(const Account& account, const RuntimeState& state, const QString& lastMessageTime)
+{
+    const Voice speaks = voice(account.channel());
+    AccountRow row;
+    row.accountId = account.id.toString(QUuid::WithoutBraces);
+    row.name = account.name;
+    row.channel = channelRaw(account.channel());
+    row.channelLabel = channelLabel(row.channel);
+    row.status = statusText(speaks, row, state, account.paused.value_or(false));
+    row.detail = detailText(speaks, state);
+    row.log = state.lastLog;
+    row.kind = kindOf(speaks, state.status);
+    row.lastMessage = lastMessageTime.isEmpty() ? QStringLiteral("No messages yet")
+                                                : QStringLiteral("Last message ") + lastMessageTime;
+    row.actions = actionsOf(speaks, account, state.status);
+    row.sentence = sentenceOf(row);
+    return row;
+}
+
+bool keepsSecret(Channel channel)
+{
+    return voice(channel) == Voice::Password || (voice(channel) == Voice::Token && channel != Channel::IMessage);
+}
+
+}

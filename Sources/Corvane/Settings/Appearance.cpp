@@ -1,0 +1,63 @@
+#include "Settings/Appearance.h"
+
+#include "Foundation/UserDefaults.h"
+#include "Platform/Desktop.h"
+
+#include <QVariantMap>
+
+namespace corvane {
+
+namespace {
+
+const QString modeKey = QStringLiteral("Corvane.appearance");
+const QString afterDesktop = QStringLiteral("desktop");
+const QString lightMode = QStringLiteral("light");
+const QString darkMode = QStringLiteral("dark");
+
+bool isMode(const QString& word)
+{
+    return word == afterDesktop || word == lightMode || word == darkMode;
+}
+
+}
+
+Appearance::Appearance(Desktop& desktop, UserDefaults& defaults, QObject* parent)
+    : QObject(parent)
+    , m_desktop(desktop)
+    , m_defaults(defaults)
+    , m_mode(defaults.text(modeKey).value_or(afterDesktop))
+{
+    if (!isMode(m_mode))
+        m_mode = afterDesktop;
+    connect(&m_desktop, &Desktop::appearanceChanged, this, &Appearance::changed);
+}
+
+void Appearance::setMode(const QString& mode)
+{
+    if (mode == m_mode || !isMode(mode))
+        return;
+    m_mode = mode;
+    m_defaults.setText(modeKey, mode);
+    Q_EMIT changed();
+}
+
+bool Appearance::dark() const
+{
+    return m_mode == darkMode || (m_mode == afterDesktop && m_desktop.colourScheme() == ColourScheme::Dark);
+}
+
+bool Appearance::reducedMotion() const
+{
+    return m_desktop.prefersReducedMotion();
+}
+
+QVariantList Appearance::modes() const
+{
+    const auto mode = [](const QString& id, const QString& label) {
+        return QVariantMap { { QStringLiteral("id"), id }, { QStringLiteral("label"), label } };
+    };
+    return { mode(afterDesktop, QStringLiteral("Like the desktop")), mode(lightMode, QStringLiteral("Light")),
+        mode(darkMode, QStringLiteral("Dark")) };
+}
+
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "AI/LocalAIAvailability.h"
+#include "Foundation/Cancellation.h"
+#include "Foundation/Scheduler.h"
+#include "Store/People/ContactInfo.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QVariantList>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+class LocalDB;
+class UserDefaults;
+struct AIServices;
+
+/// The assistant, as the settings show it: who answers and why the other does not, which local model, whether this
+/// machine may do heavy work, and what is kept in memory.
+class AssistantSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString answersText READ answersText NOTIFY changed)
+    Q_PROPERTY(bool available READ available NOTIFY changed)
+    Q_PROPERTY(QVariantList backends READ backends NOTIFY changed) ///< {name, stateText, kind, detail}
+    Q_PROPERTY(QStringList models READ models NOTIFY choiceChanged)
+    Q_PROPERTY(QString model READ model WRITE setModel NOTIFY choiceChanged) ///< empty: the first that is there
+    Q_PROPERTY(QString modelText READ modelText NOTIFY choiceChanged)
+    Q_PROPERTY(QString firstModelLabel READ firstModelLabel CONSTANT)
+    Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl NOTIFY choiceChanged) ///< empty: the usual ports
+    Q_PROPERTY(QString gateText READ gateText NOTIFY changed)
+    Q_PROPERTY(bool gateIsOpen READ gateIsOpen NOTIFY changed)
+    Q_PROPERTY(QVariantList gateFacts READ gateFacts NOTIFY changed) ///< {label, value}
+    Q_PROPERTY(bool trying READ trying NOTIFY tryChanged)
+    Q_PROPERTY(QString tryText READ tryText NOTIFY tryChanged) ///< how far it is, or what came of it
+    Q_PROPERTY(QString tryKind READ tryKind NOTIFY tryChanged) ///< "idle", "busy", "good" or "bad"
+    Q_PROPERTY(
+        QVariantList memory READ memory NOTIFY memoryChanged) ///< {id, scope, body, heading: on the first of a scope}
+    Q_PROPERTY(QString memoryEmptyText READ memoryEmptyText CONSTANT)
+    Q_PROPERTY(QString forgottenText READ forgottenText NOTIFY memoryChanged) ///< empty: nothing to take back
+public:
+    /// All of it outlives the view model.
+    AssistantSettings(
+        AIServices& services, UserDefaults& defaults, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+    ~AssistantSettings() override; ///< cancels what is being tried
+
+    QString answersText() const;
+    bool available() const;
+    QVariantList backends() const;
+    QStringList models() const;
+    QString model() const;
+    void setModel(const QString& model);
+    QString modelText() const;
+    QString firstModelLabel() const { return QStringLiteral("The first that is there"); }
+    QString serverUrl() const;
+    void setServerUrl(const QString& url);
+    QString gateText() const { return m_gate.statusText(); }
+    bool gateIsOpen() const { return !m_gate.stopCondition; }
+    QVariantList gateFacts() const;
+    bool trying() const { return m_trying; }
+    const QString& tryText() const { return m_tryText; }
+    const QString& tryKind() const { return m_tryKind; }
+    const QVariantList& memory() const { return m_memory; }
+    QString memoryEmptyText() const;
+    QString forgottenText() const;
+
+    /// While someone looks, what changes by itself is read every few seconds.
+    void setVisible(bool visible);
+
+    Q_INVOKABLE void tryIt(); ///< asks whoever answers for one sentence
+    Q_INVOKABLE void cancelTry();
+    Q_INVOKABLE void forget(const QString& memoryId);
+    Q_INVOKABLE void keepForgotten(); ///< takes the last `forget` back
+
+Q_SIGNALS:
+    void changed();
+    void choiceChanged(); ///< the models too
+    void tryChanged();
+    void memoryChanged();
+
+private:
+    static QCoro::Task<> ask(QPointer<AssistantSettings> self, CancelHandle cancel);
+    void setTry(bool trying, const QString& kind, const QString& text);
+    void showProgress();
+    void look();
+    void readMemory();
+
+    AIServices& m_services;
+    UserDefaults& m_defaults;
+    LocalDB& m_db;
+    Scheduler& m_scheduler;
+    LocalAIAvailabilitySnapshot m_gate;
+    std::unique_ptr<Timer> m_refresh;
+    std::unique_ptr<Timer> m_progress;
+    CancelHandle m_cancel;
+    qint64 m_triedAtMs = 0;
+    bool m_trying = false;
+    QString m_tryText;
+    QString m_tryKind = QStringLiteral("idle");
+    QVariantList m_memory;
+    std::optional<ForgottenMemory> m_forgotten;
+};
+
+}

@@ -1,0 +1,194 @@
+#include "Settings/IntegrationsView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/Log.h"
+#include "Platform/Keychain.h"
+#include "Presentation/DateWords.h"
+#include "Settings/ConnectFlow.h"
+#include "Store/Messages/AccountQueries.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+QVariantMap named(const char* id, const QString& label)
+{
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label } };
+}
+
+QVariantMap fieldMap(const ConnectField& field)
+{
+    return { { QStringLiteral("id"), field.id }, { QStringLiteral("label"), field.label },
+        { QStringLiteral("placeholder"), field.placeholder }, { QStringLiteral("masked"), field.masked } };
+}
+
+QVariantMap flowMap(const ConnectFlow& flow)
+{
+    QVariantList fields;
+    for (const ConnectField& field : flow.fields)
+        fields.append(fieldMap(field));
+    const QString channel = channelRaw(flow.channel);
+    return { { QStringLiteral("channel"), channel }, { QStringLiteral("label"), channelLabel(channel) },
+        { QStringLiteral("title"), flow.title }, { QStringLiteral("hint"), flow.hint },
+        { QStringLiteral("buttonLabel"), flow.buttonLabel }, { QStringLiteral("fields"), fields } };
+}
+
+ConnectValues texts(const QVariantMap& values)
+{
+    ConnectValues result;
+    for (auto value = values.cbegin(); value != values.cend(); ++value)
+        result.insert(value.key(), value->toString());
+    return result;
+}
+
+}
+
+IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_at(surroundings)
+    , m_pairing(m_at.accounts, m_at.engine)
+    , m_controlChat(m_at.engine.db())
+    , m_assistant(m_at.ai, m_at.defaults, m_at.engine.db(), m_at.scheduler)
+    , m_sync(m_at.session, m_at.engine.db())
+    , m_system(m_at.defaults, m_at.keychain, m_at.paths)
+    , m_toolServer(m_at.engine)
+    , m_refresh(m_at.scheduler, Milliseconds(250), [this] { refreshRows(); })
+    , m_section(QStringLiteral("accounts"))
+{
+    const auto request = [this] {
+        m_refresh.request();
+    };
+    connect(&m_at.accounts, &AccountStore::accountsChanged, this, &IntegrationsView::refreshRows);
+    connect(&m_at.engine, &EngineManager::runtimeChanged, this, request);
+    connect(&m_at.engine, &EngineManager::inboxRevisionChanged, this, [this, request] {
+        if (m_visible)
+            request();
+    });
+    refreshRows();
+}
+
+QVariantList IntegrationsView::sections() const
+{
+    return { named("accounts", QStringLiteral("Accounts")), named("approvals", QStringLiteral("Approvals")),
+        named("assistant", QStringLiteral("Assistant")), named("sync", QStringLiteral("Sync")),
+        named("system", QStringLiteral("System")) };
+}
+
+void IntegrationsView::setSection(const QString& id)
+{
+    const QVariantList all = sections();
+    const bool known = std::ranges::any_of(
+        all, [&](const QVariant& section) { return section.toMap()[QStringLiteral("id")].toString() == id; });
+    if (!known || id == m_section)
+        return;
+    m_section = id;
+    readSection();
+    Q_EMIT sectionChanged();
+}
+
+QVariantList IntegrationsView::connectFlows() const
+{
+    QVariantList flows;
+    for (const ConnectFlow& flow : corvane::connectFlows())
+        flows.append(flowMap(flow));
+    return flows;
+}
+
+void IntegrationsView::setVisible(bool visible)
+{
+    if (visible == m_visible)
+        return;
+    m_visible = visible;
+    readSection();
+    Q_EMIT visibleChanged();
+    if (!visible)
+        return;
+    refreshRows();
+    m_sync.refresh();
+}
+
+void IntegrationsView::readSection()
+{
+    if (m_visible && m_section == QLatin1StringView("approvals"))
+        m_controlChat.refresh();
+    m_assistant.setVisible(m_visible && m_section == QLatin1StringView("assistant"));
+}
+
+void IntegrationsView::perform(const QString& accountId, const QString& actionId)
+{
+    std::optional<Account> account = m_at.accounts.find(QUuid::fromString(accountId));
+    if (!account)
+        return;
+    const auto setPaused = [&](bool paused) {
+        account->paused = paused;
+        m_at.accounts.update(*account);
+    };
+    if (actionId == QLatin1StringView("start")) {
+        setPaused(false);
+        m_at.engine.start(*account);
+    } else if (actionId == QLatin1StringView("pause")) {
+        m_at.engine.stop(*account);
+        setPaused(true);
+    } else if (actionId == QLatin1StringView("pair")) {
+        m_pairing.open(account->id);
+    } else if (actionId == QLatin1StringView("resetPairing")) {
+        m_at.engine.resetAuth(*account);
+        m_at.engine.start(*account);
+        m_pairing.open(account->id);
+    } else if (actionId == QLatin1StringView("resetSession")) {
+        m_at.engine.resetAuth(*account);
+        m_at.engine.start(*account);
+    } else if (actionId == QLatin1StringView("sync")) {
+        m_at.engine.sync(*account);
+    } else if (actionId == QLatin1StringView("remove")) {
+        m_at.engine.stop(*account);
+        if (keepsSecret(account->channel()))
+            m_at.keychain.remove(account->slug);
+        m_at.accounts.remove(*account);
+    }
+}
+
+bool IntegrationsView::canConnect(const QString& channel, const QVariantMap& values) const
+{
+    return connectRequest(channelFromRaw(channel), texts(values)).has_value();
+}
+
+bool IntegrationsView::connectAccount(const QString& channel, const QVariantMap& values)
+{
+    const Channel wanted = channelFromRaw(channel);
+    const auto request = connectRequest(wanted, texts(values));
+    if (!request)
+        return false;
+    Account account = m_at.accounts.add(request->name, wanted);
+    if (request->email) {
+        account.email = request->email;
+        m_at.accounts.update(account);
+    }
+    if (request->secret && !m_at.keychain.set(*request->secret, account.slug))
+        log(QStringLiteral("IntegrationsView: the secret of %1 could not be kept").arg(account.slug));
+    m_at.engine.start(account);
+    if (wanted == Channel::WhatsApp)
+        m_pairing.open(account.id);
+    return true;
+}
+
+void IntegrationsView::refreshRows()
+{
+    if (m_visible)
+        m_lastMessages = fetchLastMessageTimes(m_at.engine.db());
+    const DateWords words(m_at.scheduler.nowMs());
+    QList<AccountRow> rows;
+    for (const ConnectFlow& flow : corvane::connectFlows()) {
+        for (const Account& account : m_at.accounts.accounts()) {
+            if (account.channel() == flow.channel)
+                rows.append(accountRow(
+                    account, m_at.engine.runtime(account.id), words.listTime(m_lastMessages.value(account.slug))));
+        }
+    }
+    m_rows.assign(rows);
+}
+
+}

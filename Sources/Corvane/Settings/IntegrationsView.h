@@ -1,0 +1,107 @@
+#pragma once
+
+#include "Foundation/Coalescer.h"
+#include "Presentation/RowListModel.h"
+#include "Settings/AccountRow.h"
+#include "Settings/AssistantSettings.h"
+#include "Settings/ControlChatSettings.h"
+#include "Settings/PairingSheet.h"
+#include "Settings/SyncSettings.h"
+#include "Settings/SystemSettings.h"
+#include "Settings/ToolServerCard.h"
+
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace corvane {
+
+class AccountStore;
+class EngineManager;
+class Keychain;
+class Scheduler;
+class SessionStore;
+
+/// The settings screen: the accounts with all that can be done to them, and the cards of the other sections.
+class IntegrationsView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QVariantList sections READ sections CONSTANT) ///< {id, label}
+    Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
+    /// The account rows, by channel; the properties of `AccountRow` are the roles.
+    Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
+    Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
+    Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
+    /// One a channel: {channel, label, title, hint (Markdown), buttonLabel, fields: {id, label, placeholder, masked}}.
+    /// Without fields there is no sheet: `connectAccount` at once.
+    Q_PROPERTY(QVariantList connectFlows READ connectFlows CONSTANT)
+    Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
+    Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
+    Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
+    Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
+    Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
+    Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
+    Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
+public:
+    /// What the screen stands on; all of it outlives the screen.
+    struct Surroundings {
+        AccountStore& accounts;
+        EngineManager& engine;
+        SessionStore& session;
+        Keychain& keychain;
+        UserDefaults& defaults;
+        Scheduler& scheduler;
+        const AppPaths& paths;
+        AIServices& ai;
+    };
+
+    explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    QVariantList sections() const;
+    const QString& section() const { return m_section; }
+    void setSection(const QString& id); ///< an unknown word changes nothing
+    GadgetListModel* accounts() { return &m_rows; }
+    QString emptyTitle() const { return QStringLiteral("No accounts yet"); }
+    QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
+    QVariantList connectFlows() const;
+    PairingSheet* pairing() { return &m_pairing; }
+    ControlChatSettings* controlChat() { return &m_controlChat; }
+    AssistantSettings* assistant() { return &m_assistant; }
+    SyncSettings* sync() { return &m_sync; }
+    SystemSettings* system() { return &m_system; }
+    ToolServerCard* toolServer() { return &m_toolServer; }
+
+    /// Last message times, sync health and conversations are read only while someone looks.
+    bool visible() const { return m_visible; }
+    void setVisible(bool visible);
+
+    /// One of the actions of a row. What has a `confirmation` was confirmed before.
+    Q_INVOKABLE void perform(const QString& accountId, const QString& actionId);
+
+    /// Whether the sheet's rule holds; `values` by the id of the field.
+    Q_INVOKABLE bool canConnect(const QString& channel, const QVariantMap& values) const;
+
+    /// Adds the account, keeps its secret, starts its engine; nothing and false while the rule does not hold.
+    Q_INVOKABLE bool connectAccount(const QString& channel, const QVariantMap& values);
+
+Q_SIGNALS:
+    void sectionChanged();
+    void visibleChanged();
+
+private:
+    void refreshRows();
+    void readSection(); ///< what only one section shows
+
+    Surroundings m_at;
+    RowListModel<AccountRow> m_rows;
+    PairingSheet m_pairing;
+    ControlChatSettings m_controlChat;
+    AssistantSettings m_assistant;
+    SyncSettings m_sync;
+    SystemSettings m_system;
+    ToolServerCard m_toolServer;
+    Coalescer m_refresh;
+    QHash<QString, qint64> m_lastMessages; ///< by slug, milliseconds since the epoch
+    QString m_section;
+    bool m_visible = false;
+};
+
+}

@@ -1,0 +1,97 @@
+#include "Settings/SyncSettings.h"
+
+#include "Presentation/DateWords.h"
+#include "Store/Sync/SyncQueries.h"
+#include "Web/SessionStore.h"
+
+#include <QVariantMap>
+
+namespace corvane {
+
+namespace {
+
+QString kindOf(const SyncHealthRow& row)
+{
+    if (!row.lastError.isEmpty())
+        return QStringLiteral("bad");
+    return row.status == QLatin1StringView("running") ? QStringLiteral("busy") : QStringLiteral("good");
+}
+
+QVariantMap healthLine(const SyncHealthRow& row, const DateWords& words)
+{
+    QString detail = row.lastError;
+    if (detail.isEmpty() && row.lastFinishedAt)
+        detail = QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt);
+    return { { QStringLiteral("source"), row.source }, { QStringLiteral("status"), row.status },
+        { QStringLiteral("kind"), kindOf(row) }, { QStringLiteral("detail"), detail } };
+}
+
+}
+
+SyncSettings::SyncSettings(SessionStore& session, LocalDB& db, QObject* parent)
+    : QObject(parent)
+    , m_session(session)
+    , m_db(db)
+{
+    connect(&m_session, &SessionStore::changed, this, &SyncSettings::changed);
+}
+
+bool SyncSettings::signedIn() const
+{
+    return m_session.signedIn();
+}
+
+QString SyncSettings::displayLine() const
+{
+    return m_session.displayLine();
+}
+
+QString SyncSettings::stateText() const
+{
+    if (m_session.busy())
+        return QStringLiteral("Signing in…");
+    if (!signedIn())
+        return m_session.lastErrorText().isEmpty() ? QStringLiteral("Not signed in") : m_session.lastErrorText();
+    return m_session.webRejected() ? QStringLiteral("Web rejected this Mac's session — sign out and sign in again")
+                                   : QStringLiteral("Signed in");
+}
+
+QString SyncSettings::stateKind() const
+{
+    if (m_session.busy())
+        return QStringLiteral("busy");
+    if (!signedIn())
+        return m_session.lastErrorText().isEmpty() ? QStringLiteral("idle") : QStringLiteral("bad");
+    return m_session.webRejected() ? QStringLiteral("bad") : QStringLiteral("good");
+}
+
+QString SyncSettings::actionLabel() const
+{
+    return signedIn() ? QStringLiteral("Sign Out") : QStringLiteral("Sign in to Nimb");
+}
+
+void SyncSettings::signInOrOut()
+{
+    if (signedIn())
+        m_session.signOut();
+    else
+        m_session.startSignIn();
+}
+
+void SyncSettings::queuePull()
+{
+    const QString id = queueWebPullSync(m_db, QStringLiteral("settings"));
+    m_queuedText = QStringLiteral("Queued as ") + id;
+    refresh();
+}
+
+void SyncSettings::refresh()
+{
+    const DateWords words(m_db.nowMs());
+    m_health.clear();
+    for (const SyncHealthRow& row : fetchSyncHealthRows(m_db))
+        m_health.append(healthLine(row, words));
+    Q_EMIT changed();
+}
+
+}

@@ -1,0 +1,46 @@
+#include "Settings/SystemSettings.h"
+
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/Keychain.h"
+
+namespace corvane {
+
+namespace {
+
+const QString notifyKey = QStringLiteral("notifyOnNewMessage");
+
+}
+
+SystemSettings::SystemSettings(UserDefaults& defaults, const Keychain& keychain, const AppPaths& paths, QObject* parent)
+    : QObject(parent)
+    , m_defaults(defaults)
+    , m_keychain(keychain)
+    , m_paths(paths)
+{
+}
+
+bool SystemSettings::notifyOnNewMessage() const
+{
+    return m_defaults.boolean(notifyKey).value_or(true);
+}
+
+void SystemSettings::setNotifyOnNewMessage(bool on)
+{
+    if (on == notifyOnNewMessage())
+        return;
+    m_defaults.setBoolean(notifyKey, on);
+    Q_EMIT changed();
+}
+
+QString SystemSettings::secretsPlace() const
+{
+    return m_keychain.description();
+}
+
+QString SystemSettings::dataFolder() const
+{
+    return m_paths.applicationSupport;
+}
+
+}

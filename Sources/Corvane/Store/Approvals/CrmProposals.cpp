@@ -1,0 +1,170 @@
+#include "Store/Approvals/CrmProposals.h"
+
+#include "Foundation/Json.h"
+#include "Foundation/Result.h"
+#include "Store/Approvals/ApprovalRecords.h"
+#include "Store/Core/Transaction.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/People/CrmRecords.h"
+#include "Store/People/IdentityQueries.h"
+
+namespace corvane {
+
+namespace {
+
+const QString pending = QStringLiteral("pending");
+const QString note = QStringLiteral("note");
+const QString task = QStringLiteral("task");
+
+const QString columns
+    = QStringLiteral(R"(SELECT id, COALESCE(call_id,''), COALESCE(contact_id,''), COALESCE(deal_id,''),
+       kind, title, payload_json, COALESCE(confidence,0), status, created_at, COALESCE(error,'')
+FROM crm_update_proposal
+)");
+
+CRMUpdateProposal proposal(const SqlRow& row)
+{
+    return CRMUpdateProposal { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
+        row.text(6), row.real(7), row.text(8), row.integer(9), row.text(10) };
+}
+
+/// The payload as an object; one that does not read holds nothing.
+QJsonObject payloadOf(const CRMUpdateProposal& proposal)
+{
+    return jsonObject(proposal.payloadJson.toUtf8()).value_or(QJsonObject());
+}
+
+QString payloadText(const QJsonObject& payload, const char* key, const QString& otherwise = {})
+{
+    return textValue(payload, QLatin1StringView(key)).value_or(otherwise);
+}
+
+bool updateStatus(LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& error)
+{
+    const qint64 now = db.nowMs();
+    return db.run(R"(UPDATE crm_update_proposal
+SET status=?, updated_at=?, applied_at=CASE WHEN ?='applied' THEN ? ELSE applied_at END,
+    rejected_at=CASE WHEN ?='rejected' THEN ? ELSE rejected_at END, error=?
+WHERE workspace_id=? AND id=?;)",
+        { status, now, status, now, status, now, error, activeWorkspaceId(db), id });
+}
+
+bool recordDecision(LocalDB& db, const CRMUpdateProposal& proposal, const char* action)
+{
+    return appendRecord(db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action),
+        fieldsHash({ QStringLiteral("proposal"), proposal.kind, proposal.contactId, proposal.dealId, proposal.title,
+            proposal.payloadJson }));
+}
+
+/// The reason where it fails.
+std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
+{
+    const QJsonObject payload = payloadOf(proposal);
+    const QString notSaved = QStringLiteral("Couldn't save it, try again.");
+    if (proposal.kind == note) {
+        if (proposal.contactId.isEmpty())
+            return QStringLiteral("No contact linked. Open CRM and link this call first.");
+        const QString text = payloadText(payload, "body").trimmed();
+        if (text.isEmpty())
+            return QStringLiteral("Call note payload is empty.");
+        return addNote(db, proposal.contactId, text) ? std::nullopt : std::optional(notSaved);
+    }
+    if (proposal.kind == task) {
+        const QString title = payloadText(payload, "title").trimmed();
+        NewTask added;
+        added.title = title.isEmpty() ? proposal.title : title;
+        added.due = payloadText(payload, "due");
+        added.priority = payloadText(payload, "priority", added.priority);
+        added.status = payloadText(payload, "status", added.status);
+        const auto id
+            = proposal.contactId.isEmpty() ? insertCRMTask(db, added) : insertCRMTask(db, proposal.contactId, added);
+        return id ? std::nullopt : std::optional(notSaved);
+    }
+    return QStringLiteral("Unsupported proposal kind: ") + proposal.kind;
+}
+
+}
+
+QString CRMUpdateProposal::bodyPreview() const
+{
+    const QJsonObject payload = payloadOf(*this);
+    return payloadText(payload, "body", kind == task ? payloadText(payload, "title") : QString());
+}
+
+QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit)
+{
+    return db.rows(columns + QStringLiteral(R"(WHERE workspace_id=? AND (?='' OR status=?)
+ORDER BY created_at DESC LIMIT ?;)"),
+        { activeWorkspaceId(db), status, status, limit }, proposal);
+}
+
+std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id)
+{
+    return db.firstRow(
+        columns + QStringLiteral("WHERE workspace_id=? AND id=? LIMIT 1;"), { activeWorkspaceId(db), id }, proposal);
+}
+
+bool applyCRMUpdateProposal(LocalDB& db, const QString& id)
+{
+    const auto found = crmProposal(db, id);
+    if (!found || found->status != pending)
+        return false;
+    std::optional<QString> error;
+    {
+        Transaction transaction(db);
+        if (!transaction.begun() || crmProposal(db, id) != found)
+            return false;
+        error = write(db, *found);
+        if (!error) {
+            return updateStatus(db, id, QStringLiteral("applied"), std::nullopt) && recordDecision(db, *found, "apply")
+                && transaction.commit();
+        }
+    }
+    // Another program may have decided it meanwhile, and what was rejected does not come back.
+    Transaction transaction(db);
+    if (transaction.begun() && crmProposal(db, id) == found && updateStatus(db, id, pending, error))
+        (void)transaction.commit();
+    return false;
+}
+
+bool rejectCRMUpdateProposal(LocalDB& db, const QString& id)
+{
+    Transaction transaction(db);
+    const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
+    return found && found->status == pending && updateStatus(db, id, QStringLiteral("rejected"), std::nullopt)
+        && recordDecision(db, *found, "reject") && transaction.commit();
+}
+
+bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId)
+{
+    if (contactId.trimmed().isEmpty() || !contactExists(db, contactId))
+        return false;
+    const QString workspace = activeWorkspaceId(db);
+    Transaction transaction(db);
+    const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
+    if (!found || found->status != pending)
+        return false;
+    const qint64 now = db.nowMs();
+    const QString relink = QStringLiteral(R"(UPDATE crm_update_proposal
+SET contact_id=?, title=CASE
+    WHEN kind='note' AND title LIKE 'Link contact,%' THEN 'Add call note'
+    ELSE title
+  END,
+  confidence=MAX(COALESCE(confidence,0), 0.98),
+  error=NULL,
+  updated_at=?
+WHERE workspace_id=? AND )");
+    const bool ofCall = !found->callId.isEmpty();
+    const bool linked = !ofCall
+        || db.run(R"(UPDATE call_recording
+SET contact_id=?, updated_at=?
+WHERE workspace_id=? AND id=?;)",
+            { contactId, now, workspace, found->callId });
+    return linked
+        && db.run(relink + (ofCall ? QStringLiteral("call_id=?") : QStringLiteral("id=?"))
+                + QStringLiteral(" AND status='pending';"),
+            { contactId, now, workspace, ofCall ? found->callId : id })
+        && transaction.commit();
+}
+
+}

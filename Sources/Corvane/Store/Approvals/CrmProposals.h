@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+/// A change to the CRM that waits for a person.
+struct CRMUpdateProposal {
+    QString id;
+    QString callId;
+    QString contactId;
+    QString dealId;
+    QString kind; ///< "note" or "task"
+    QString title;
+    QString payloadJson; ///< "body" of a note; "title", "due", "priority", "status" of a task
+    double confidence = 0;
+    QString status; ///< "pending", "applied" or "rejected"
+    qint64 createdAt = 0; ///< milliseconds since the epoch
+    QString error; ///< why the last attempt to apply it failed
+
+    QString bodyPreview() const; ///< what it would write, for a notification
+    bool operator==(const CRMUpdateProposal&) const = default;
+};
+
+/// Newest first; an empty `status` means every status.
+QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit);
+std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id);
+
+/// Writes what a pending proposal proposes. Where that fails it stays pending and keeps the reason.
+bool applyCRMUpdateProposal(LocalDB& db, const QString& id);
+
+/// False where it is not pending.
+bool rejectCRMUpdateProposal(LocalDB& db, const QString& id);
+
+/// Points a pending proposal at a contact, and with it its call and all pending proposals of that call.
+bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId);
+
+}

@@ -1,0 +1,206 @@
+#include "Store/Approvals/DraftApprovals.h"
+
+#include "Store/Core/Transaction.h"
+
+namespace corvane {
+
+namespace {
+
+const QString approved = QStringLiteral("approved");
+const QString sending = QStringLiteral("sending");
+const QString rejected = QStringLiteral("rejected");
+const QString failed = QStringLiteral("failed");
+
+bool record(LocalDB& db, const QString& id, const char* action, const QString& hash)
+{
+    return appendRecord(db, QStringLiteral("draft"), id, QString::fromLatin1(action), hash);
+}
+
+bool remember(LocalDB& db, const QString& id, const QString& hash)
+{
+    return db.run("INSERT INTO draft_approval(draft_id, content_hash, approved_at) VALUES(?,?,?) "
+                  "ON CONFLICT(draft_id) DO UPDATE SET content_hash=excluded.content_hash, "
+                  "approved_at=excluded.approved_at;",
+        { id, hash, db.nowMs() });
+}
+
+bool forget(LocalDB& db, const QString& id)
+{
+    return db.run("DELETE FROM draft_approval WHERE draft_id=?;", { id });
+}
+
+std::optional<QString> approvedHash(LocalDB& db, const QString& id)
+{
+    return db.scalar("SELECT content_hash FROM draft_approval WHERE draft_id=?;", { id });
+}
+
+/// The person who decided did not see this.
+bool sendBack(LocalDB& db, const PendingDraft& draft)
+{
+    return db.changedRows("UPDATE outbound_draft SET status='pending', error=?, updated_at=? WHERE id=? AND status=?;",
+               { QStringLiteral("This draft changed after you approved it. Read it again before you decide."),
+                   db.nowMs(), draft.id, draft.status })
+        == 1
+        && forget(db, draft.id) && record(db, draft.id, "return", draftHash(draft));
+}
+
+/// The step that lets a text out: it finds the row only as it was read.
+bool take(LocalDB& db, const PendingDraft& draft)
+{
+    return db.changedRows("UPDATE outbound_draft SET status='sending', updated_at=? WHERE id=? AND status='approved' "
+                          "AND body=? AND channel=? AND account_id=? AND external_id=?;",
+               { db.nowMs(), draft.id, draft.body, draft.channel, draft.accountId, draft.externalId })
+        == 1;
+}
+
+/// What was read is not what is stored, such as a text that is no UTF-8: nobody can have seen what it says.
+bool failUnreadable(LocalDB& db, const PendingDraft& draft)
+{
+    markDraftFailed(db, draft.id, QStringLiteral("The text of this draft can't be read as it is stored."));
+    return forget(db, draft.id) && record(db, draft.id, "failed", draftHash(draft));
+}
+
+bool waits(const QString& status)
+{
+    return status == u"pending" || status == failed;
+}
+
+}
+
+QString draftHash(const PendingDraft& draft)
+{
+    return fieldsHash({ QStringLiteral("draft"), draft.channel, draft.accountId, draft.externalId, draft.body });
+}
+
+Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || draft->status == rejected)
+        return Decided::Refused;
+    if (!waits(draft->status))
+        return Decided::AlreadySo;
+    if (draftHash(*draft) != seenHash)
+        return sendBack(db, *draft) && transaction.commit() ? Decided::Changed : Decided::Refused;
+    const bool done = moveDraft(db, id, draft->status, approved) && remember(db, id, seenHash)
+        && record(db, id, "approve", seenHash) && transaction.commit();
+    return done ? Decided::Taken : Decided::Refused;
+}
+
+Decided rejectDraft(LocalDB& db, const QString& id)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft)
+        return Decided::Refused;
+    if (draft->status == rejected)
+        return Decided::AlreadySo;
+    if (!waits(draft->status) && draft->status != approved)
+        return Decided::Refused;
+    const bool done = moveDraft(db, id, draft->status, rejected) && forget(db, id)
+        && record(db, id, "reject", draftHash(*draft)) && transaction.commit();
+    return done ? Decided::Taken : Decided::Refused;
+}
+
+void recordUndo(LocalDB& db, const QString& id, const QString& seenHash)
+{
+    Transaction transaction(db);
+    if (transaction.begun() && record(db, id, "undo", seenHash))
+        (void)transaction.commit();
+}
+
+bool editDraft(LocalDB& db, const QString& id, const QString& body)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || !waits(draft->status))
+        return false;
+    PendingDraft edited = *draft;
+    edited.body = body;
+    updateDraftBody(db, id, body);
+    return forget(db, id) && record(db, id, "edit", draftHash(edited)) && transaction.commit();
+}
+
+void failWaitingDraft(LocalDB& db, const QString& id, const QString& error)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || !waits(draft->status))
+        return;
+    markDraftFailed(db, id, error);
+    if (record(db, id, "failed", draftHash(*draft)))
+        (void)transaction.commit();
+}
+
+DraftClaim DraftClaim::claim(LocalDB& db, const QString& id)
+{
+    DraftClaim claim;
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || draft->status != approved)
+        return claim;
+    const QString hash = draftHash(*draft);
+    const auto expected = approvedHash(db, id);
+    if (expected && expected != hash) {
+        claim.returned = sendBack(db, *draft) && transaction.commit();
+        return claim;
+    }
+    if (!expected && !record(db, id, "approve_elsewhere", hash))
+        return claim;
+    if (!take(db, *draft)) {
+        if (moveDraft(db, id, approved, failed) && failUnreadable(db, *draft))
+            (void)transaction.commit();
+        return claim;
+    }
+    if (forget(db, id) && transaction.commit())
+        claim.draft = ClaimedDraft(*draft);
+    return claim;
+}
+
+bool unclaimDraft(LocalDB& db, const ClaimedDraft& draft)
+{
+    const QString& id = draft.row().id;
+    Transaction transaction(db);
+    return transaction.begun() && moveDraft(db, id, sending, approved) && remember(db, id, draftHash(draft.row()))
+        && transaction.commit();
+}
+
+void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
+    const std::optional<QString>& providerMsgId, const QString& error)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || draft->status == rejected || draft->status == u"sent")
+        return;
+    const bool completed = status == u"sent" || status == u"placed";
+    if (completed)
+        markDraftCompleted(db, id, status, providerMsgId);
+    else
+        markDraftFailed(db, id, error);
+    const QString outcome = completed ? status : failed;
+    const bool news = draft->status != outcome;
+    if (forget(db, id) && (!news || record(db, id, outcome.toLatin1().constData(), draftHash(*draft))))
+        (void)transaction.commit();
+}
+
+void failUnacknowledgedDrafts(LocalDB& db, qint64 olderThanMs)
+{
+    const auto stale = [&] {
+        return db.rows("SELECT id FROM outbound_draft WHERE status='sending' AND updated_at < ?;",
+            { db.nowMs() - olderThanMs }, [](const SqlRow& row) { return row.text(0); });
+    };
+    if (stale().isEmpty())
+        return;
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return;
+    for (const QString& id : stale()) {
+        const auto draft = fetchDraft(db, id);
+        if (!draft || !record(db, id, "failed", draftHash(*draft)))
+            return;
+    }
+    failStaleSendingDrafts(db, olderThanMs);
+    (void)transaction.commit();
+}
+
+}

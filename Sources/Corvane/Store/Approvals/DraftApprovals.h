@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Store/Approvals/ApprovalRecords.h"
+#include "Store/Approvals/OutboundQueries.h"
+
+namespace corvane {
+
+// The one road of a draft from "pending" to an engine and back. Each step is a transaction that changes the row, what
+// is remembered of its approval, and the record of decisions; a step that cannot be recorded does not happen.
+
+/// Stands for what leaves the machine: body, channel, account and recipient.
+QString draftHash(const PendingDraft& draft);
+
+/// Approves a pending or failed draft as it was seen, that is: with that hash.
+Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash);
+
+/// From "pending", "failed" and "approved"; one that went to its engine is not called back.
+Decided rejectDraft(LocalDB& db, const QString& id);
+
+void recordUndo(LocalDB& db, const QString& id, const QString& seenHash); ///< an approval taken back before it counted
+bool editDraft(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
+
+/// A pending or failed draft that nobody can send.
+void failWaitingDraft(LocalDB& db, const QString& id, const QString& error);
+
+/// A draft on its way to an engine. Only `claimDraft` makes one.
+class ClaimedDraft {
+public:
+    const PendingDraft& row() const { return m_row; } ///< exactly what was approved
+
+private:
+    friend struct DraftClaim;
+    explicit ClaimedDraft(PendingDraft row)
+        : m_row(std::move(row))
+    {
+    }
+
+    PendingDraft m_row;
+};
+
+/// Takes an approved draft to "sending": of two programs, or two ticks, one gets it. One that is not as it was
+/// approved goes back to "pending". A draft that another process set to "approved" is taken as it stands.
+struct DraftClaim {
+    static DraftClaim claim(LocalDB& db, const QString& id);
+    std::optional<ClaimedDraft> draft;
+    bool returned = false; ///< it waits for a person again
+
+private:
+    DraftClaim() = default;
+};
+
+/// The engine took nothing: the draft is approved as before.
+[[nodiscard]] bool unclaimDraft(LocalDB& db, const ClaimedDraft& draft);
+
+/// What the engine says became of a draft: "sent", "placed", or anything else with an error. A draft that was sent or
+/// rejected stays so.
+void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
+    const std::optional<QString>& providerMsgId, const QString& error);
+
+void failUnacknowledgedDrafts(LocalDB& db, qint64 olderThanMs);
+
+}

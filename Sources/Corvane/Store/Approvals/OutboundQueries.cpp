@@ -1,0 +1,106 @@
+#include "Store/Approvals/OutboundQueries.h"
+
+#include "Foundation/Ids.h"
+#include "Store/Core/Workspaces.h"
+
+namespace corvane {
+
+namespace {
+
+const QString draftColumns = QStringLiteral(
+    R"(SELECT id, conversation_id, channel, account_id, external_id, COALESCE(title,''), body,
+       status, COALESCE(source,''), COALESCE(web_ack_status,''), COALESCE(provider_msg_id,''), COALESCE(error,'')
+FROM outbound_draft
+)");
+
+PendingDraft draftFrom(const SqlRow& row)
+{
+    return PendingDraft { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
+        row.text(7), row.text(8), row.text(9), row.text(10), row.text(11) };
+}
+
+}
+
+bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source)
+{
+    struct Target {
+        QString accountId;
+        QString externalId;
+        QString channel;
+        QString title;
+    };
+    const auto target = db.firstRow("SELECT account_id, external_id, channel, COALESCE(title, external_id) FROM "
+                                    "unified_conversation WHERE id=? AND deleted_at IS NULL;",
+        { conversationId },
+        [](const SqlRow& row) { return Target { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+    if (!target)
+        return false;
+    const qint64 now = db.nowMs();
+    return db.run(
+        R"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
+VALUES(?,?,?,?,?,?,?,?,'pending',?,?,?);)",
+        { stampedId(QStringLiteral("od"), now), activeWorkspaceId(db), conversationId, target->channel,
+            target->accountId, target->externalId, target->title, text, source, now, now });
+}
+
+QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit)
+{
+    QList<SqlValue> parameters { activeWorkspaceId(db) };
+    QStringList placeholders;
+    for (const QString& status : statuses) {
+        parameters.append(status);
+        placeholders.append(QStringLiteral("?"));
+    }
+    parameters.append(limit);
+    const QString which = QStringLiteral(R"(WHERE workspace_id=? AND status IN (%1)
+ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
+LIMIT ?;)")
+                              .arg(placeholders.join(u','));
+    return db.rows(draftColumns + which, parameters, draftFrom);
+}
+
+std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
+{
+    return db.firstRow(draftColumns + QStringLiteral("WHERE id=?;"), { id }, draftFrom);
+}
+
+bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to)
+{
+    return db.changedRows("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=? AND status=?;",
+               { to, db.nowMs(), id, from })
+        == 1;
+}
+
+void markDraft(LocalDB& db, const QString& id, const QString& status)
+{
+    db.run("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;", { status, db.nowMs(), id });
+}
+
+void markDraftCompleted(
+    LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& providerMsgId)
+{
+    db.run("UPDATE outbound_draft SET status=?, provider_msg_id=?, error=NULL, updated_at=? WHERE id=?;",
+        { status, providerMsgId, db.nowMs(), id });
+}
+
+void markDraftFailed(LocalDB& db, const QString& id, const QString& error)
+{
+    db.run("UPDATE outbound_draft SET status='failed', error=?, updated_at=? WHERE id=?;", { error, db.nowMs(), id });
+}
+
+void updateDraftBody(LocalDB& db, const QString& id, const QString& body)
+{
+    db.run("UPDATE outbound_draft SET body=?, updated_at=? WHERE id=? AND status IN ('pending','failed');",
+        { body, db.nowMs(), id });
+}
+
+void failStaleSendingDrafts(LocalDB& db, qint64 olderThanMs)
+{
+    const qint64 now = db.nowMs();
+    db.run(R"(UPDATE outbound_draft SET status='failed',
+       error='Engine never acknowledged the send — Retry to requeue.', updated_at=?
+WHERE status='sending' AND updated_at < ?;)",
+        { now, now - olderThanMs });
+}
+
+}

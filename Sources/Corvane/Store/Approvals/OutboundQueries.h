@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+#include <QStringList>
+
+namespace corvane {
+
+/// A message that waits to go out, or went.
+struct PendingDraft {
+    QString id;
+    QString conversationId;
+    QString channel;
+    QString accountId; ///< the account's slug
+    QString externalId;
+    QString title;
+    QString body;
+    QString status;
+    QString source;
+    QString webAckStatus;
+    QString providerMsgId;
+    QString error;
+
+    bool operator==(const PendingDraft&) const = default;
+};
+
+/// Queues a draft that waits for the user; false where there is no such conversation.
+bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source);
+
+/// Oldest first within failed, pending, sending, and the rest.
+QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit);
+
+/// The row as it stands now, whatever its status and workspace.
+std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id);
+
+/// Takes the row from one status to the next, in one step that only one caller can win: true where this call moved
+/// it, false where it no longer stood at `from` or the file did not take the change. Other programs move the same
+/// rows, so every step that must happen once is asked for here.
+[[nodiscard]] bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to);
+
+void markDraft(LocalDB& db, const QString& id, const QString& status);
+void markDraftCompleted(
+    LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& providerMsgId);
+void markDraftFailed(LocalDB& db, const QString& id, const QString& error);
+void updateDraftBody(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
+void failStaleSendingDrafts(LocalDB& db, qint64 olderThanMs);
+
+}

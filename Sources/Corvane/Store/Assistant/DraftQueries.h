@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+#include <QStringList>
+
+namespace corvane {
+
+/// What is remembered for drafting, as the last section of the instructions: the business, the owner and, where
+/// one is named, the contact. Empty where nothing is remembered.
+QString memorySnapshot(LocalDB& db, const std::optional<QString>& contactId = std::nullopt);
+
+/// How a draft that the user took over was made; neither its prompt nor its text.
+struct DraftMetadataRow {
+    QString contactId;
+    std::optional<QString> conversationId;
+    QString intent;
+    QString model;
+    QString promptRef; ///< the prompt's fingerprint
+    QString resultRef; ///< the result's id
+    QStringList usedMessageIds;
+    QStringList warnings;
+};
+
+bool insertDraftMetadata(LocalDB& db, const DraftMetadataRow& row);
+
+}

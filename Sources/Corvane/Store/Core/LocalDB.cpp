@@ -1,0 +1,216 @@
+#include "Store/Core/LocalDB.h"
+
+#include "Foundation/Log.h"
+#include "Foundation/Scheduler.h"
+#include "Store/Core/Schema.h"
+#include "Store/Core/StoreHealth.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSet>
+#include <sqlite3.h>
+
+namespace corvane {
+
+namespace {
+
+constexpr int busyTimeoutMs = 5000;
+constexpr int frameMs = 16;
+
+}
+
+LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& scheduler, UserDefaults& defaults,
+    NotificationCentre& notifications)
+    : SqlConnection(path)
+    , m_schema(schema)
+    , m_scheduler(scheduler)
+    , m_defaults(defaults)
+    , m_notifications(notifications)
+    , m_health(std::make_unique<StoreHealth>(scheduler, [this] { return takesWrites(); }))
+{
+    noteResultsIn(m_health.get());
+    if (!openFile())
+        log(QStringLiteral("LocalDB: failed to open ") + path);
+}
+
+LocalDB::~LocalDB() = default;
+
+void LocalDB::close()
+{
+    closeFile();
+    m_version.reset();
+}
+
+bool LocalDB::reopen()
+{
+    close();
+    m_health->forget();
+    return openFile();
+}
+
+bool LocalDB::openFile()
+{
+    QDir().mkpath(QFileInfo(path()).path());
+    if (!SqlConnection::openFile(Access::ReadWrite))
+        return false;
+    exec(QStringLiteral("PRAGMA journal_mode=WAL;"));
+    exec(QStringLiteral("PRAGMA busy_timeout=%1;").arg(busyTimeoutMs));
+    exec(QStringLiteral("PRAGMA foreign_keys=ON;"));
+    applySchema(*this, m_schema);
+    return true;
+}
+
+/// Proves that there is room for more than what the file and its log have to spare.
+bool LocalDB::takesWrites()
+{
+    if (inTransaction())
+        return false;
+    // A file that could not be written when it was opened stays so for this connection.
+    if (!isOpen() || m_health->fault() == StoreFault::ReadOnly) {
+        close();
+        if (!openFile())
+            return false;
+    }
+    sqlite3_busy_timeout(m_db, frameMs);
+    const int code = noted(sqlite3_exec(m_db,
+        "BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS write_probe(room);"
+        "INSERT INTO write_probe VALUES(zeroblob(65536)); COMMIT; DROP TABLE write_probe;",
+        nullptr, nullptr, nullptr));
+    if (inTransaction())
+        sqlite3_exec(m_db, "ROLLBACK;", nullptr, nullptr, nullptr);
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    return code == SQLITE_OK;
+}
+
+bool LocalDB::inTransaction() const
+{
+    return m_db && !sqlite3_get_autocommit(m_db);
+}
+
+bool LocalDB::isHeldElsewhere()
+{
+    if (!m_db || inTransaction())
+        return false;
+    sqlite3_busy_timeout(m_db, frameMs);
+    const int code = noted(sqlite3_exec(m_db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr));
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    if (code == SQLITE_OK)
+        exec(QStringLiteral("COMMIT;"));
+    return code == SQLITE_BUSY;
+}
+
+bool LocalDB::changedElsewhere()
+{
+    const auto version = scalar(QStringLiteral("PRAGMA data_version;"));
+    const auto before = std::exchange(m_version, version);
+    return before && version && *before != *version;
+}
+
+QString LocalDB::errorMessage() const
+{
+    return QString::fromUtf8(m_db ? sqlite3_errmsg(m_db) : "the database is not open");
+}
+
+void LocalDB::exec(const QString& sql)
+{
+    if (!m_db)
+        return log(QStringLiteral("LocalDB exec error: ") + errorMessage());
+    char* message = nullptr;
+    if (noted(sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &message)) != SQLITE_OK)
+        log(QStringLiteral("LocalDB exec error: ") + QString::fromUtf8(message));
+    sqlite3_free(message);
+}
+
+bool LocalDB::run(const QString& sql, const QList<SqlValue>& parameters)
+{
+    const Statement statement = prepare(sql.toUtf8());
+    if (!statement) {
+        log(QStringLiteral("LocalDB.run prepare failed: %1 — %2").arg(errorMessage(), sql));
+        return false;
+    }
+    bind(statement.get(), parameters, Binding::Every);
+    const int code = step(statement.get());
+    if (code == SQLITE_DONE || code == SQLITE_ROW)
+        return true;
+    log(QStringLiteral("LocalDB.run step failed (rc=%1): %2 — %3").arg(QString::number(code), errorMessage(), sql));
+    return false;
+}
+
+qint64 LocalDB::changedRows(const QString& sql, const QList<SqlValue>& parameters)
+{
+    return run(sql, parameters) ? sqlite3_changes64(m_db) : 0;
+}
+
+std::optional<QString> LocalDB::scalar(const QString& sql, const QList<SqlValue>& parameters)
+{
+    const Statement statement = prepare(sql.toUtf8());
+    if (!statement)
+        return std::nullopt;
+    bind(statement.get(), parameters, Binding::TextAndInteger64);
+    if (step(statement.get()) != SQLITE_ROW)
+        return std::nullopt;
+    return SqlRow(statement.get()).optionalText(0);
+}
+
+bool LocalDB::tableExists(const QString& table)
+{
+    return scalar(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"), { table })
+        .has_value();
+}
+
+bool LocalDB::columnExists(const QString& table, const QString& column)
+{
+    const auto names
+        = rows(QStringLiteral("PRAGMA table_info(%1);").arg(table), {}, [](const SqlRow& row) { return row.text(1); });
+    return names.contains(column);
+}
+
+std::optional<QString> LocalDB::tableSQL(const QString& table)
+{
+    return scalar(QStringLiteral("SELECT sql FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"), { table });
+}
+
+void LocalDB::addColumnIfMissing(const QString& table, const QString& column, const QString& definition)
+{
+    if (!columnExists(table, column))
+        exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2;").arg(table, definition));
+}
+
+qint64 LocalDB::nowMs() const
+{
+    return m_scheduler.nowMs();
+}
+
+QString jsonString(const QList<QString>& values)
+{
+    return QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(values)).toJson(QJsonDocument::Compact));
+}
+
+QList<QString> orderedUnique(const QList<QString>& values)
+{
+    QSet<QString> seen;
+    QList<QString> unique;
+    for (const QString& value : values) {
+        const QString key = value.toLower();
+        if (seen.contains(key))
+            continue;
+        seen.insert(key);
+        unique.append(value);
+    }
+    return unique;
+}
+
+qint64 startOfTodayMs(qint64 nowMs)
+{
+    return QDateTime::fromMSecsSinceEpoch(nowMs).date().startOfDay().toMSecsSinceEpoch();
+}
+
+QString isoTime(qint64 ms)
+{
+    return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC).toString(Qt::ISODate);
+}
+
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+/// Brings a database of any earlier shape to the current one. Every statement is idempotent, and the whole
+/// list runs at each start; there is no version number. See docs/database.md for the tables.
+void applySchema(LocalDB& db, const LocalDB::SchemaFolders& folders);
+
+}

@@ -1,0 +1,154 @@
+#include "Store/Core/SqlConnection.h"
+
+#include "Store/Core/StoreHealth.h"
+
+#include <sqlite3.h>
+
+namespace corvane {
+
+namespace {
+
+// How many steps of SQLite's machine pass between two looks at whether the query is still wanted: well below a
+// millisecond.
+constexpr int stepsBetweenLooks = 5000;
+constexpr int readerBusyMs = 1000; // only a file that recovers from a crash makes a reader wait
+
+int isStopped(void* stopped)
+{
+    return static_cast<const std::atomic<bool>*>(stopped)->load() ? 1 : 0;
+}
+
+void bindText(sqlite3_stmt* statement, int index, const QString& text)
+{
+    sqlite3_bind_text(statement, index, text.toUtf8().constData(), -1, SQLITE_TRANSIENT);
+}
+
+}
+
+void SqlConnection::Finalize::operator()(sqlite3_stmt* statement) const
+{
+    sqlite3_finalize(statement);
+}
+
+QString SqlRow::text(int column) const
+{
+    const unsigned char* text = sqlite3_column_text(m_statement, column);
+    return text ? QString::fromUtf8(reinterpret_cast<const char*>(text)) : QStringLiteral("");
+}
+
+std::optional<QString> SqlRow::optionalText(int column) const
+{
+    if (sqlite3_column_type(m_statement, column) == SQLITE_NULL)
+        return std::nullopt;
+    return text(column);
+}
+
+qint64 SqlRow::integer(int column) const
+{
+    return sqlite3_column_int64(m_statement, column);
+}
+
+std::optional<qint64> SqlRow::optionalInteger(int column) const
+{
+    if (sqlite3_column_type(m_statement, column) == SQLITE_NULL)
+        return std::nullopt;
+    return integer(column);
+}
+
+double SqlRow::real(int column) const
+{
+    return sqlite3_column_double(m_statement, column);
+}
+
+SqlConnection::SqlConnection(const QString& path)
+    : m_path(path)
+{
+}
+
+SqlConnection::~SqlConnection()
+{
+    closeFile();
+}
+
+bool SqlConnection::openFile(Access access)
+{
+    const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    if (noted(sqlite3_open_v2(m_path.toUtf8().constData(), &m_db, flags, nullptr)) == SQLITE_OK)
+        return true;
+    closeFile();
+    return false;
+}
+
+void SqlConnection::closeFile()
+{
+    sqlite3_close(std::exchange(m_db, nullptr));
+}
+
+std::unique_ptr<SqlConnection> SqlConnection::reader(
+    const QString& path, std::shared_ptr<const std::atomic<bool>> stopped)
+{
+    std::unique_ptr<SqlConnection> reader(new SqlConnection(path));
+    reader->m_stopped = std::move(stopped);
+    if (!reader->openFile(Access::ReadOnly))
+        return reader;
+    sqlite3_busy_timeout(reader->m_db, readerBusyMs);
+    // Asked rather than told: an interruption from outside would be lost between the opening and the first step.
+    sqlite3_progress_handler(
+        reader->m_db, stepsBetweenLooks, isStopped, const_cast<std::atomic<bool>*>(reader->m_stopped.get()));
+    return reader;
+}
+
+SqlConnection::Statement SqlConnection::prepare(const QByteArray& sql)
+{
+    sqlite3_stmt* statement = nullptr;
+    if (m_db)
+        noted(sqlite3_prepare_v2(m_db, sql.constData(), -1, &statement, nullptr));
+    return Statement(statement);
+}
+
+int SqlConnection::step(sqlite3_stmt* statement)
+{
+    return noted(sqlite3_step(statement));
+}
+
+int SqlConnection::noted(int resultCode)
+{
+    if (m_health)
+        m_health->note(resultCode);
+    return resultCode;
+}
+
+void SqlConnection::bind(sqlite3_stmt* statement, const QList<SqlValue>& parameters, Binding binding)
+{
+    int index = 0;
+    for (const SqlValue& parameter : parameters) {
+        const SqlValue::Variant& value = parameter.variant();
+        ++index;
+        if (const auto* text = std::get_if<QString>(&value))
+            bindText(statement, index, *text);
+        else if (const auto* integer64 = std::get_if<qint64>(&value))
+            sqlite3_bind_int64(statement, index, *integer64);
+        else if (binding == Binding::TextAndInteger64)
+            continue;
+        else if (const auto* integer = std::get_if<int>(&value))
+            sqlite3_bind_int64(statement, index, *integer);
+        else if (const auto* real = std::get_if<double>(&value))
+            sqlite3_bind_double(statement, index, *real);
+        else
+            sqlite3_bind_null(statement, index);
+    }
+}
+
+void SqlConnection::forEachRow(
+    const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit)
+{
+    const Statement statement = prepare(sql.toUtf8());
+    if (!statement)
+        return;
+    bind(statement.get(), parameters, Binding::Every);
+    const SqlRow row(statement.get());
+    while (step(statement.get()) == SQLITE_ROW)
+        visit(row);
+}
+
+}

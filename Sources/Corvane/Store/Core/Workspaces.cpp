@@ -1,0 +1,241 @@
+#include "Store/Core/Workspaces.h"
+
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/UserDefaults.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+const QString fallback = QStringLiteral("local");
+const QString activeKey = QStringLiteral("nimb.activeWorkspaceId");
+const QString noticeKey = QStringLiteral("nimb.workspaceSelectionNotice");
+
+struct WorkspaceWithData {
+    QString id;
+    std::optional<QString> orgId;
+    QString name;
+};
+
+QString cleanId(const QString& id)
+{
+    const QString trimmed = id.trimmed();
+    return trimmed.isEmpty() ? fallback : trimmed;
+}
+
+std::optional<QString> selectedRow(LocalDB& db)
+{
+    return db.scalar("SELECT workspace_id FROM sync_workspace_selection WHERE key='active';");
+}
+
+std::optional<QString> orgOf(LocalDB& db, const QString& workspaceId)
+{
+    return db.scalar("SELECT org_id FROM sync_workspace WHERE workspace_id=?;", { workspaceId });
+}
+
+std::optional<WorkspaceWithData> workspaceWithDataWhenSelectedIsEmpty(LocalDB& db, const QString& id)
+{
+    // This runs for every ingested message. Whether the count is zero shows in one row of the index, so the
+    // other rows are not counted.
+    if (db.scalar("SELECT 1 FROM unified_conversation\nWHERE workspace_id=? AND deleted_at IS NULL LIMIT 1;", { id }))
+        return std::nullopt;
+    return db.firstRow(R"(SELECT c.workspace_id, sw.org_id,
+       COALESCE(NULLIF(sw.workspace_name,''), NULLIF(c.workspace_id,''), 'workspace') AS name,
+       COUNT(*) AS n
+FROM unified_conversation c
+LEFT JOIN sync_workspace sw ON sw.workspace_id=c.workspace_id
+WHERE c.deleted_at IS NULL AND c.workspace_id != ?
+GROUP BY c.workspace_id
+HAVING n > 0
+ORDER BY n DESC, MAX(c.last_ts) DESC
+LIMIT 1;)",
+        { id }, [](const SqlRow& row) { return WorkspaceWithData { row.text(0), row.optionalText(1), row.text(2) }; });
+}
+
+/// Gives the rows of "local" to a real workspace. Ids change before the workspace does, since the workspace
+/// tells which rows are meant; references change before the ids that they name. Calls and proposals, whose
+/// references are foreign keys, follow too, or the transaction could not be committed.
+void migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
+{
+    if (target == fallback)
+        return;
+    const auto runFor = [&](const char* sql, const char* table, const QList<SqlValue>& parameters) {
+        db.run(QString::fromUtf8(sql).replace(QLatin1String("{table}"), QLatin1String(table)), parameters);
+    };
+    for (const char* table : { "unified_message", "call_recording" }) {
+        runFor(R"(UPDATE {table}
+SET conversation_id='web:' || ? || ':' || substr(conversation_id, 5)
+WHERE conversation_id IN (
+  SELECT id FROM unified_conversation
+  WHERE workspace_id='local' AND id = 'web:' || channel || ':' || external_id
+);)",
+            table, { target });
+    }
+    db.run(R"(UPDATE unified_conversation
+SET id='web:' || ? || ':' || substr(id, 5)
+WHERE workspace_id='local' AND id = 'web:' || channel || ':' || external_id;)",
+        { target });
+    for (const char* table : { "contact_identity", "contact_note", "deal", "unified_conversation", "call_recording",
+             "crm_update_proposal" }) {
+        runFor(R"(UPDATE {table}
+SET contact_id='web:' || ? || ':' || substr(contact_id, 5)
+WHERE workspace_id='local' AND contact_id LIKE 'web:contact:%';)",
+            table, { target });
+    }
+    db.run(R"(UPDATE crm_update_proposal
+SET deal_id='web:' || ? || ':' || substr(deal_id, 5)
+WHERE workspace_id='local' AND deal_id LIKE 'web:deal:%';)",
+        { target });
+    for (const char* table : { "contact", "company", "deal" }) {
+        runFor(R"(UPDATE {table}
+SET id='web:' || ? || ':' || substr(id, 5)
+WHERE workspace_id='local' AND id LIKE ?;)",
+            table, { target, QStringLiteral("web:%1:%").arg(QLatin1String(table)) });
+    }
+    for (const char* table : { "unified_conversation", "unified_message", "contact", "contact_identity",
+             "contact_merge", "contact_tag", "contact_note", "pipeline", "deal", "company", "crm_deal", "crm_task",
+             "crm_mutation_queue", "calendar_event", "outbound_draft", "draft_metadata", "audio_transcript",
+             "call_recording", "call_transcript", "call_summary", "crm_update_proposal", "call_recording_rule",
+             "call_auto_record_state" }) {
+        if (db.columnExists(QLatin1String(table), QStringLiteral("workspace_id")))
+            runFor("UPDATE {table} SET workspace_id=? WHERE workspace_id='local';", table, { target });
+    }
+}
+
+/// Where a reference from a row of another workspace dangles: better so than a transaction that never ends and takes
+/// every later write with it.
+void commitEvenWithDanglingReferences(LocalDB& db)
+{
+    db.exec("COMMIT;");
+    if (!db.inTransaction())
+        return;
+    db.exec("PRAGMA defer_foreign_keys=OFF;");
+    db.exec("COMMIT;");
+}
+
+void storeWorkspaceRow(LocalDB& db, const WorkspaceRow& row)
+{
+    db.run(R"(INSERT INTO sync_workspace
+  (workspace_id, workspace_name, workspace_slug, org_id, org_name, org_slug, is_default, updated_at)
+VALUES(?,?,?,?,?,?,?,?)
+ON CONFLICT(workspace_id) DO UPDATE SET
+  workspace_name=excluded.workspace_name,
+  workspace_slug=excluded.workspace_slug,
+  org_id=excluded.org_id,
+  org_name=excluded.org_name,
+  org_slug=excluded.org_slug,
+  is_default=excluded.is_default,
+  updated_at=excluded.updated_at;)",
+        { row.workspaceId, row.workspaceName, row.workspaceSlug, row.orgId, row.orgName, row.orgSlug,
+            row.isDefault ? 1 : 0, db.nowMs() });
+}
+
+/// The one in use, else the preferred one, else the web's default, else the first.
+const WorkspaceRow& chosenRow(
+    const QList<WorkspaceRow>& rows, const QString& current, const std::optional<QString>& preferred)
+{
+    const auto find = [&](auto matches) {
+        return std::find_if(rows.begin(), rows.end(), matches);
+    };
+    auto chosen = find([&](const WorkspaceRow& row) { return row.workspaceId == current; });
+    if (chosen == rows.end() && preferred)
+        chosen = find([&](const WorkspaceRow& row) { return row.workspaceId == *preferred; });
+    if (chosen == rows.end())
+        chosen = find([](const WorkspaceRow& row) { return row.isDefault; });
+    return chosen == rows.end() ? rows.first() : *chosen;
+}
+
+}
+
+QString WorkspaceRow::displayName() const
+{
+    const QString name = workspaceName.isEmpty() ? workspaceId : workspaceName;
+    return orgName.isEmpty() || orgName == name ? name : orgName + QStringLiteral(" · ") + name;
+}
+
+QString activeWorkspaceId(LocalDB& db, Repair repair)
+{
+    const auto row = selectedRow(db);
+    const auto copy = db.defaults().text(activeKey);
+    const QString chosen = cleanId(row ? *row : copy.value_or(fallback));
+    if (row != chosen || copy != chosen)
+        persistActiveWorkspace(db, chosen, std::nullopt, LegacyRows::Keep);
+    if (repair == Repair::No)
+        return chosen;
+    const auto other = workspaceWithDataWhenSelectedIsEmpty(db, chosen);
+    if (!other)
+        return chosen;
+    persistActiveWorkspace(db, other->id, other->orgId, LegacyRows::Keep);
+    db.defaults().setText(noticeKey, QStringLiteral("Workspace changed — showing ") + other->name);
+    return other->id;
+}
+
+QString selectWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId)
+{
+    persistActiveWorkspace(db, cleanId(id), orgId, LegacyRows::Migrate);
+    return activeWorkspaceId(db);
+}
+
+void persistActiveWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId, LegacyRows legacy)
+{
+    const auto org = orgId ? orgId : orgOf(db, id);
+    const bool insideAnother = db.inTransaction(); // which alone says whether all of it holds
+    db.exec("PRAGMA defer_foreign_keys=ON;");
+    if (!insideAnother)
+        db.exec("BEGIN;");
+    db.run(R"(INSERT INTO sync_workspace_selection(key, workspace_id, org_id, updated_at)
+VALUES('active', ?, ?, ?)
+ON CONFLICT(key) DO UPDATE SET
+  workspace_id=excluded.workspace_id,
+  org_id=excluded.org_id,
+  updated_at=excluded.updated_at;)",
+        { id, org, db.nowMs() });
+    if (legacy == LegacyRows::Migrate)
+        migrateLegacyLocalRowsInOpenTransaction(db, id);
+    if (!insideAnother)
+        commitEvenWithDanglingReferences(db);
+    db.defaults().setText(activeKey, id);
+    db.defaults().synchronise();
+    // Whoever hears this reads the active workspace, which comes back here as long as the row cannot be written.
+    if (selectedRow(db) == id)
+        db.notifications().post(notifications::activeWorkspaceChanged);
+}
+
+QString storeWorkspaceRows(
+    LocalDB& db, const QList<WorkspaceRow>& rows, const std::optional<QString>& preferredWorkspaceId)
+{
+    db.exec("BEGIN;");
+    for (const WorkspaceRow& row : rows)
+        storeWorkspaceRow(db, row);
+    db.exec("COMMIT;");
+    const QString current = activeWorkspaceId(db, Repair::No);
+    if (rows.isEmpty())
+        return activeWorkspaceId(db);
+    const WorkspaceRow& chosen = chosenRow(rows, current, preferredWorkspaceId);
+    persistActiveWorkspace(db, cleanId(chosen.workspaceId), chosen.orgId, LegacyRows::Migrate);
+    return activeWorkspaceId(db);
+}
+
+QList<WorkspaceRow> fetchWorkspaceRows(LocalDB& db)
+{
+    return db.rows(R"(SELECT workspace_id, workspace_name, COALESCE(workspace_slug,''), org_id, org_name,
+       COALESCE(org_slug,''), is_default
+FROM sync_workspace
+ORDER BY org_name COLLATE NOCASE, is_default DESC, workspace_name COLLATE NOCASE;)",
+        {}, [](const SqlRow& row) {
+            return WorkspaceRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
+                row.integer(6) != 0 };
+        });
+}
+
+std::optional<QString> consumeWorkspaceSelectionNotice(LocalDB& db)
+{
+    const auto notice = db.defaults().text(noticeKey);
+    if (notice)
+        db.defaults().remove(noticeKey);
+    return notice;
+}
+
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+/// What a handle says about its owner.
+struct MatchSignals {
+    std::optional<QString> email; ///< lower case
+    std::optional<QString> phone; ///< digits only
+};
+
+/// A message as an engine reports it.
+struct IncomingMessage {
+    QString conversationExternalId;
+    QString providerMsgId;
+    QString body;
+    bool outgoing = false;
+    qint64 ts = 0; ///< milliseconds since the epoch
+    std::optional<QString> conversationTitle;
+    std::optional<QString> sender;
+    std::optional<QString> mediaType;
+    std::optional<QString> mediaPath;
+};
+
+MatchSignals matchSignals(const QString& channel, const QString& handle);
+
+/// Adds the contact of a handle with its identity, or brings both up to date. Returns the contact's id.
+QString ensureContactId(
+    LocalDB& db, const QString& channel, const QString& handle, const std::optional<QString>& title);
+
+/// Upserts the conversation and links its contact. Returns the conversation's id.
+QString ensureConversation(LocalDB& db, const QString& channel, const QString& accountSlug, const QString& externalId,
+    const std::optional<QString>& title, qint64 lastTs);
+
+/// `ensureConversation` and the upsert of the message: the first direction, sender and time stay, the newest
+/// body wins. Returns the conversation's id.
+QString storeMessage(LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message);
+
+void raiseUnread(LocalDB& db, const QString& conversationId);
+void raiseMessageStatus(LocalDB& db, const QString& providerMsgId, qint64 status); ///< never lowers it
+void setProviderReaction(LocalDB& db, const QString& providerMsgId, const QString& emoji);
+void updateMessageMedia(
+    LocalDB& db, const QString& providerMsgId, const std::optional<QString>& mediaType, const QString& path);
+void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path);
+
+/// Overwrites the name and queues the change for the web.
+void setContactName(LocalDB& db, const QString& contactId, const QString& name);
+
+/// The newest message time among a channel's conversations, in milliseconds; 0 where there is none.
+qint64 newestConversationTimestamp(LocalDB& db, const QString& channel);
+
+}

@@ -1,0 +1,112 @@
+#include "Store/People/ContactInfo.h"
+
+#include "Store/People/CrmRecords.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+const QString memoryTable = QStringLiteral("work_memory_entries");
+
+void tidy(QStringList& values)
+{
+    values.removeAll(QString());
+    values = orderedUnique(values);
+}
+
+}
+
+void ContactInfoRow::add(const ContactInfoRow& more)
+{
+    for (QStringList ContactInfoRow::* values : { &ContactInfoRow::emails, &ContactInfoRow::phones,
+             &ContactInfoRow::platforms, &ContactInfoRow::handles, &ContactInfoRow::companies })
+        this->*values = orderedUnique(this->*values + more.*values);
+}
+
+ContactInfoRow fetchContactInfo(LocalDB& db, const QString& contactId)
+{
+    ContactInfoRow info;
+    for (const ContactIdentity& identity : identitiesFor(db, contactId)) {
+        info.emails.append(identity.email);
+        info.phones.append(identity.phone);
+        info.platforms.append(identity.channel);
+        info.handles.append(identity.handle);
+    }
+    for (const CRMDealRow& deal : fetchContactDeals(db, contactId, 10))
+        info.companies.append(deal.company);
+    for (QStringList* values : { &info.emails, &info.phones, &info.platforms, &info.handles, &info.companies })
+        tidy(*values);
+    return info;
+}
+
+QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, int limit)
+{
+    using Kind = ActivityRow::Kind;
+    QList<ActivityRow> rows
+        = db.rows(R"(SELECT m.id, cc.channel, m.direction, COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts
+FROM unified_message m
+JOIN unified_conversation cc ON m.conversation_id=cc.id
+LEFT JOIN audio_transcript at ON at.message_id=m.id
+WHERE cc.contact_id=? AND cc.deleted_at IS NULL AND m.deleted_at IS NULL
+  AND COALESCE(NULLIF(m.body,''), at.transcript, '') != ''
+ORDER BY m.ts DESC LIMIT ?;)",
+            { contactId, limit }, [](const SqlRow& row) {
+                return ActivityRow { Kind::Message, row.text(0), row.text(1), row.text(2), row.text(3), {},
+                    row.integer(4) };
+            });
+    rows += db.rows(
+        "SELECT id, body, ts FROM contact_note WHERE contact_id=? AND deleted_at IS NULL ORDER BY ts DESC LIMIT ?;",
+        { contactId, limit }, [](const SqlRow& row) {
+            return ActivityRow { Kind::Note, row.text(0), {}, {}, row.text(1), {}, row.integer(2) };
+        });
+    rows
+        += db.rows(R"(SELECT id, COALESCE(NULLIF(title,''),'Call recording'), COALESCE(processing_status,''), started_at
+FROM call_recording
+WHERE contact_id=? AND deleted_at IS NULL
+ORDER BY started_at DESC LIMIT ?;)",
+            { contactId, limit }, [](const SqlRow& row) {
+                return ActivityRow { Kind::Call, row.text(0), {}, {}, row.text(1), row.text(2), row.integer(3) };
+            });
+    std::ranges::sort(rows, std::ranges::greater(), &ActivityRow::ts);
+    return rows.first(std::min<qsizetype>(rows.size(), limit));
+}
+
+QList<MemoryEntry> fetchMemoryEntries(LocalDB& db, const QString& scope)
+{
+    if (!db.tableExists(memoryTable))
+        return {};
+    return db.rows("SELECT id, body FROM work_memory_entries WHERE scope=? ORDER BY created_at ASC;", { scope },
+        [](const SqlRow& row) { return MemoryEntry { row.text(0), row.text(1) }; });
+}
+
+QList<ScopedMemoryEntry> fetchAllMemoryEntries(LocalDB& db, int limit)
+{
+    if (!db.tableExists(memoryTable))
+        return {};
+    return db.rows(R"(SELECT m.id, m.scope, COALESCE(c.display_name,''), m.body
+FROM work_memory_entries m LEFT JOIN contact c ON c.id=substr(m.scope, 9) AND c.deleted_at IS NULL
+ORDER BY m.scope LIKE 'contact:%', c.display_name COLLATE NOCASE, m.scope, m.created_at LIMIT ?;)",
+        { limit },
+        [](const SqlRow& row) { return ScopedMemoryEntry { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+}
+
+std::optional<ForgottenMemory> forgetMemoryEntry(LocalDB& db, const QString& id)
+{
+    if (!db.tableExists(memoryTable))
+        return std::nullopt;
+    const auto entry = db.firstRow("SELECT id, scope, body, created_at FROM work_memory_entries WHERE id=?;", { id },
+        [](const SqlRow& row) { return ForgottenMemory { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+    return entry && db.run("DELETE FROM work_memory_entries WHERE id=?;", { id }) ? entry : std::nullopt;
+}
+
+bool keepMemoryEntry(LocalDB& db, const ForgottenMemory& entry)
+{
+    return db.tableExists(memoryTable)
+        && db.run("INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES(?,?,?,?);",
+            { entry.id, entry.scope, entry.body, entry.createdAt });
+}
+
+}

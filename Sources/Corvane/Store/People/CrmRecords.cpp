@@ -1,0 +1,219 @@
+#include "Store/People/CrmRecords.h"
+
+#include "Foundation/Ids.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/People/CrmQueue.h"
+
+#include <cmath>
+#include <limits>
+
+namespace corvane {
+
+namespace {
+
+const QString origin = QStringLiteral("native-ui");
+const QString create = QStringLiteral("create");
+const QString unstaged = QStringLiteral("Unstaged");
+
+/// A note's id names its millisecond and contact; a second note within it takes the next one that is free.
+QString freeNoteId(LocalDB& db, const QString& contactId)
+{
+    for (qint64 ms = db.nowMs();; ++ms) {
+        const QString id = QStringLiteral("note:%1:").arg(ms) + contactId;
+        if (!db.scalar("SELECT 1 FROM contact_note WHERE id=? LIMIT 1;", { id }))
+            return id;
+    }
+}
+
+QJsonObject payloadOf(const NewTask& task)
+{
+    return { { QStringLiteral("title"), task.title }, { QStringLiteral("due"), task.due },
+        { QStringLiteral("priority"), task.priority }, { QStringLiteral("status"), task.status } };
+}
+
+void recordStatus(LocalDB& db, const QString& taskId, const QString& status)
+{
+    recordCRMMutation(
+        db, QStringLiteral("task"), taskId, QStringLiteral("update"), origin, { { QStringLiteral("status"), status } });
+}
+
+qint64 saturatedSum(qint64 a, qint64 b)
+{
+    qint64 sum = 0;
+    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<qint64>::max() : sum; // neither is negative
+}
+
+}
+
+QList<NoteRow> fetchNotes(LocalDB& db, const QString& contactId)
+{
+    return db.rows("SELECT id, body, ts FROM contact_note WHERE contact_id=? AND deleted_at IS NULL ORDER BY ts DESC;",
+        { contactId }, [](const SqlRow& row) { return NoteRow { row.text(0), row.text(1), row.integer(2) }; });
+}
+
+std::optional<QString> addNote(LocalDB& db, const QString& contactId, const QString& body)
+{
+    const qint64 now = db.nowMs();
+    const QString id = freeNoteId(db, contactId);
+    const bool added = db.run(R"(INSERT INTO contact_note(id, workspace_id, contact_id, body, ts, updated_at)
+VALUES(?,?,?,?,?,?);)",
+        { id, activeWorkspaceId(db), contactId, body, now, now });
+    if (!added)
+        return std::nullopt;
+    recordCRMMutation(db, QStringLiteral("contact_note"), id, create, origin,
+        { { QStringLiteral("contact_id"), contactId }, { QStringLiteral("body"), body },
+            { QStringLiteral("ts"), now } });
+    return id;
+}
+
+QList<CRMTaskRow> fetchContactTasks(LocalDB& db, const QString& contactId, DoneTasks done, int limit)
+{
+    return db.rows(R"(SELECT id, title, COALESCE(due,''), COALESCE(priority,''), status, updated_at
+FROM crm_task
+WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
+  AND (?=1 OR lower(status) NOT IN ('done','completed','closed'))
+ORDER BY updated_at DESC LIMIT ?;)",
+        { activeWorkspaceId(db), contactId, done == DoneTasks::Include ? 1 : 0, limit }, [](const SqlRow& row) {
+            return CRMTaskRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5) };
+        });
+}
+
+std::optional<QString> insertCRMTask(LocalDB& db, const NewTask& task)
+{
+    const qint64 now = db.nowMs();
+    const QString id = stampedId(QStringLiteral("tk"), now);
+    const bool added
+        = db.run("INSERT INTO crm_task(id,workspace_id,title,due,priority,status,updated_at) VALUES(?,?,?,?,?,?,?);",
+            { id, activeWorkspaceId(db), task.title, task.due, task.priority, task.status, now });
+    if (!added)
+        return std::nullopt;
+    recordCRMMutation(db, QStringLiteral("task"), id, create, origin, payloadOf(task));
+    return id;
+}
+
+std::optional<QString> insertCRMTask(LocalDB& db, const QString& contactId, const NewTask& task)
+{
+    const qint64 now = db.nowMs();
+    const QString id = stampedId(QStringLiteral("tk"), now);
+    const bool added = db.run(R"(INSERT INTO crm_task(id,workspace_id,contact_id,title,due,priority,status,updated_at)
+VALUES(?,?,?,?,?,?,?,?);)",
+        { id, activeWorkspaceId(db), contactId, task.title, task.due, task.priority, task.status, now });
+    if (!added)
+        return std::nullopt;
+    QJsonObject payload = payloadOf(task);
+    payload.insert(QStringLiteral("contact_id"), contactId);
+    recordCRMMutation(db, QStringLiteral("task"), id, create, origin, payload);
+    return id;
+}
+
+bool completeCRMTask(LocalDB& db, const QString& id)
+{
+    if (db.changedRows(
+            "UPDATE crm_task SET status='Done', updated_at=? WHERE id=? AND deleted_at IS NULL;", { db.nowMs(), id })
+        != 1)
+        return false;
+    recordStatus(db, id, QStringLiteral("Done"));
+    return true;
+}
+
+bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status)
+{
+    if (db.changedRows(
+            "UPDATE crm_task SET status=?, updated_at=? WHERE id=? AND deleted_at IS NULL;", { status, db.nowMs(), id })
+        != 1)
+        return false;
+    recordStatus(db, id, status);
+    return true;
+}
+
+QList<CRMDealRow> fetchContactDeals(LocalDB& db, const QString& contactId, int limit)
+{
+    return db.rows(R"(SELECT id, name, COALESCE(stage,''), COALESCE(value,''), COALESCE(company,''), updated_at
+FROM crm_deal
+WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
+ORDER BY updated_at DESC LIMIT ?;)",
+        { activeWorkspaceId(db), contactId, limit }, [](const SqlRow& row) {
+            return CRMDealRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5) };
+        });
+}
+
+std::optional<QString> insertCRMDeal(LocalDB& db, const QString& contactId, const NewDeal& deal)
+{
+    const qint64 now = db.nowMs();
+    const QString id = stampedId(QStringLiteral("dl"), now);
+    const bool added = db.run(
+        R"(INSERT INTO crm_deal(id,workspace_id,contact_id,name,company,stage,value,close_date,updated_at)
+VALUES(?,?,?,?,?,?,?,?,?);)",
+        { id, activeWorkspaceId(db), contactId, deal.name, deal.company, deal.stage, deal.value, deal.closeDate, now });
+    if (!added)
+        return std::nullopt;
+    recordCRMMutation(db, QStringLiteral("deal"), id, create, origin,
+        { { QStringLiteral("contact_id"), contactId }, { QStringLiteral("name"), deal.name },
+            { QStringLiteral("company"), deal.company }, { QStringLiteral("stage"), deal.stage },
+            { QStringLiteral("value"), deal.value },
+            { QStringLiteral("close_date"), deal.closeDate ? QJsonValue(*deal.closeDate) : QJsonValue() } });
+    return id;
+}
+
+bool moveCRMDeal(LocalDB& db, const QString& id, const QString& stage)
+{
+    if (db.changedRows(
+            "UPDATE crm_deal SET stage=?, updated_at=? WHERE id=? AND deleted_at IS NULL;", { stage, db.nowMs(), id })
+        != 1)
+        return false;
+    recordCRMMutation(
+        db, QStringLiteral("deal"), id, QStringLiteral("update"), origin, { { QStringLiteral("stage"), stage } });
+    return true;
+}
+
+QList<PipelineDeal> fetchCRMDeals(LocalDB& db)
+{
+    return db.rows("SELECT name, COALESCE(company,''), COALESCE(stage,''), COALESCE(value,''), COALESCE(close_date,'') "
+                   "FROM crm_deal WHERE workspace_id=? AND deleted_at IS NULL ORDER BY updated_at DESC;",
+        { activeWorkspaceId(db) }, [](const SqlRow& row) {
+            return PipelineDeal { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4) };
+        });
+}
+
+QStringList pipelineStages()
+{
+    return { QStringLiteral("Prospecting"), QStringLiteral("Qualification"), QStringLiteral("Proposal"),
+        QStringLiteral("Negotiation"), QStringLiteral("Closed Won"), QStringLiteral("Closed Lost") };
+}
+
+QList<CRMPipelineStageSummary> fetchCRMPipelineStageSummaries(LocalDB& db)
+{
+    QStringList order = pipelineStages() << unstaged;
+    QHash<QString, CRMPipelineStageSummary> byStage;
+    for (const PipelineDeal& deal : fetchCRMDeals(db)) {
+        const QString stage = deal.stage.isEmpty() ? unstaged : deal.stage;
+        if (!order.contains(stage))
+            order.append(stage);
+        CRMPipelineStageSummary& summary = byStage[stage];
+        summary.stage = stage;
+        ++summary.dealCount;
+        summary.totalValue = saturatedSum(summary.totalValue, dealValue(deal.value));
+    }
+    QList<CRMPipelineStageSummary> summaries;
+    for (const QString& stage : std::as_const(order)) {
+        if (byStage.contains(stage))
+            summaries.append(byStage.value(stage));
+    }
+    return summaries;
+}
+
+qint64 dealValue(const QString& text)
+{
+    const QString lower = text.toLower();
+    const double multiplier = lower.contains(u'm') ? 1'000'000 : lower.contains(u'k') ? 1'000 : 1;
+    QString number;
+    for (const QChar character : lower) {
+        if ((character >= u'0' && character <= u'9') || character == u'.')
+            number += character;
+    }
+    const double value = std::trunc(number.toDouble() * multiplier); // 0 where it is no number
+    constexpr double beyond = 9223372036854775808.0;
+    return value < beyond ? static_cast<qint64>(value) : std::numeric_limits<qint64>::max();
+}
+
+}

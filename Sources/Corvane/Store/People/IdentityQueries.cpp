@@ -1,0 +1,166 @@
+#include "Store/People/IdentityQueries.h"
+
+#include "Foundation/Ids.h"
+#include "Foundation/Log.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/Messages/ThreadQueries.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace corvane {
+
+namespace {
+
+/// From the contact to the one at the end of its live merges; empty where there is no such end.
+QStringList mergeChain(LocalDB& db, const QString& contact)
+{
+    QStringList chain { contact };
+    for (;;) {
+        const QString next = effectiveContactId(db, chain.last());
+        if (next == chain.last())
+            return chain;
+        if (chain.contains(next))
+            return {};
+        chain.append(next);
+    }
+}
+
+/// Notes the conversation in the live merge of its contact, unless it stands there.
+bool recordInMerge(LocalDB& db, const QString& merged, const QString& conversation)
+{
+    const auto merge = db.firstRow(
+        "SELECT id, conv_ids_json FROM contact_merge WHERE merged_contact_id=? AND undone_at IS NULL LIMIT 1;",
+        { merged }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
+    const QJsonDocument recorded = merge ? QJsonDocument::fromJson(merge->second.toUtf8()) : QJsonDocument();
+    if (!recorded.isArray())
+        return false;
+    QJsonArray conversations = recorded.array();
+    if (conversations.contains(conversation))
+        return true;
+    conversations.append(conversation);
+    return db.run("UPDATE contact_merge SET conv_ids_json=? WHERE id=?;",
+        { QString::fromUtf8(QJsonDocument(conversations).toJson(QJsonDocument::Compact)), merge->first });
+}
+
+}
+
+std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const QString& merged, const QString& signal)
+{
+    if (primary == merged)
+        return std::nullopt;
+    const QStringList conversations
+        = db.rows("SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL;", { merged },
+            [](const SqlRow& row) { return row.text(0); });
+    if (conversations.isEmpty())
+        return std::nullopt;
+    // The record comes first: whatever ends the process from here on, the merge can be undone.
+    const qint64 now = db.nowMs();
+    const QString id = stampedId(QStringLiteral("mg"), now);
+    const bool recorded = db.run(
+        R"(INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, signal, conv_ids_json, created_at)
+VALUES(?,?,?,?,?,?,?);)",
+        { id, activeWorkspaceId(db), primary, merged, signal, jsonString(conversations), now });
+    if (!recorded)
+        return std::nullopt;
+    for (const QString& conversation : conversations)
+        db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { primary, conversation });
+    return id;
+}
+
+bool unmergeContacts(LocalDB& db, const QString& mergeId)
+{
+    const auto moved
+        = db.scalar("SELECT conv_ids_json FROM contact_merge WHERE id=? AND undone_at IS NULL;", { mergeId });
+    const auto merged = db.scalar("SELECT merged_contact_id FROM contact_merge WHERE id=?;", { mergeId });
+    if (!moved || !merged)
+        return false;
+    const QJsonDocument conversations = QJsonDocument::fromJson(moved->toUtf8());
+    if (!conversations.isArray()) {
+        log(QStringLiteral("LocalDB: the conversations of merge %1 cannot be read").arg(mergeId));
+        return false;
+    }
+    // Marked last: an interrupted one is still live, and moving twice is moving once.
+    bool returned = true;
+    for (const QJsonValue& conversation : conversations.array())
+        returned
+            = db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { *merged, conversation.toString() })
+            && returned;
+    return returned && db.run("UPDATE contact_merge SET undone_at=? WHERE id=?;", { db.nowMs(), mergeId });
+}
+
+void repeatMerges(LocalDB& db)
+{
+    struct Returned {
+        QString conversation;
+        QString contact;
+    };
+    // The cross join holds the order of the loops: few are merged, and every conversation would be walked.
+    const auto returned = db.rows(R"(SELECT DISTINCT c.id, c.contact_id
+FROM contact_merge m CROSS JOIN unified_conversation c ON c.contact_id=m.merged_contact_id
+WHERE m.undone_at IS NULL AND c.deleted_at IS NULL;)",
+        {}, [](const SqlRow& row) { return Returned { row.text(0), row.text(1) }; });
+    for (const auto& [conversation, contact] : returned) {
+        const QStringList chain = mergeChain(db, contact);
+        for (qsizetype step = 1; step < chain.size(); ++step) {
+            if (!recordInMerge(db, chain.at(step - 1), conversation))
+                break;
+            db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { chain.at(step), conversation });
+        }
+    }
+}
+
+QString personBehind(LocalDB& db, const QString& id)
+{
+    const QStringList chain = mergeChain(db, id);
+    return chain.isEmpty() ? id : chain.last();
+}
+
+QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary)
+{
+    return db.rows("SELECT id, merged_contact_id, signal, created_at FROM contact_merge WHERE primary_contact_id=? AND "
+                   "undone_at IS NULL ORDER BY created_at DESC;",
+        { primary }, [&](const SqlRow& row) {
+            return LiveMerge { row.text(0), primary, row.text(1), row.text(2), row.integer(3) };
+        });
+}
+
+QList<ContactLink> fetchContactLinks(LocalDB& db)
+{
+    // Beside a MAX the other columns are those of its row.
+    return db.rows(R"(SELECT ct.id, COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?'),
+  c.channel, MAX(c.last_ts)
+FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
+WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
+GROUP BY ct.id ORDER BY MAX(c.last_ts) DESC;)",
+        { activeWorkspaceId(db) },
+        [](const SqlRow& row) { return ContactLink { row.text(0), row.text(1), row.text(2) }; });
+}
+
+bool contactExists(LocalDB& db, const QString& contactId)
+{
+    return db
+        .scalar("SELECT 1 FROM contact WHERE workspace_id=? AND id=? AND deleted_at IS NULL LIMIT 1;",
+            { activeWorkspaceId(db), contactId })
+        .has_value();
+}
+
+QString displayName(LocalDB& db, const QString& contactId)
+{
+    return db
+        .scalar(R"(SELECT COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?')
+FROM contact ct LEFT JOIN unified_conversation c ON c.contact_id=ct.id AND c.deleted_at IS NULL
+WHERE ct.id=? AND ct.deleted_at IS NULL ORDER BY c.last_ts DESC LIMIT 1;)",
+            { contactId })
+        .value_or(QStringLiteral("?"));
+}
+
+QList<ContactIdentity> identitiesFor(LocalDB& db, const QString& contactId)
+{
+    return db.rows(R"(SELECT channel, handle, COALESCE(email,''), COALESCE(phone,'')
+FROM contact_identity WHERE contact_id=? AND deleted_at IS NULL ORDER BY channel, handle;)",
+        { contactId },
+        [](const SqlRow& row) { return ContactIdentity { row.text(0), row.text(1), row.text(2), row.text(3) }; });
+}
+
+}

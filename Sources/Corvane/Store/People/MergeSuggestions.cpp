@@ -1,0 +1,152 @@
+// Which contacts may be one person: they share an e-mail address, a phone number or a name.
+
+#include "Store/Core/Workspaces.h"
+#include "Store/Messages/ThreadQueries.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <QHash>
+#include <QSet>
+#include <algorithm>
+#include <array>
+
+namespace corvane {
+
+namespace {
+
+/// The letters of a name in lower case; empty where the name says nothing about its owner.
+QString comparableName(const QString& name)
+{
+    static constexpr std::array nameless { u"whatsapp user", u"group", u"unknown", u"+" };
+    const QString lower = name.normalized(QString::NormalizationForm_C).toLower();
+    if (std::ranges::any_of(nameless, [&](const char16_t* start) { return lower.startsWith(QStringView(start)); }))
+        return {};
+    QString letters;
+    qsizetype count = 0;
+    for (const char32_t character : lower.toUcs4()) {
+        if (!QChar::isLetter(character))
+            continue;
+        letters += QChar::fromUcs4(character);
+        ++count;
+    }
+    return count < 2 ? QString() : letters;
+}
+
+/// Collects pairs in the order in which they are offered, until there are enough.
+class Candidates {
+public:
+    Candidates(LocalDB& db, int limit, const QString& touching)
+        : m_db(db)
+        , m_limit(limit)
+        , m_touching(touching)
+    {
+    }
+
+    QList<MergeCandidate> collect()
+    {
+        readPeople();
+        for (const QString& field : { QStringLiteral("email"), QStringLiteral("phone") })
+            addSharing(field);
+        addNamesakes();
+        return m_found;
+    }
+
+private:
+    struct Person {
+        QString id;
+        QString name;
+    };
+
+    bool enough() const { return m_found.size() >= m_limit; }
+
+    void readPeople()
+    {
+        m_people = m_db.rows(R"(SELECT ct.id, COALESCE(ct.display_name,''),
+  (SELECT COUNT(*) FROM unified_conversation c WHERE c.contact_id=ct.id AND c.deleted_at IS NULL)
+FROM contact ct WHERE ct.workspace_id=? AND ct.deleted_at IS NULL;)",
+            { activeWorkspaceId(m_db) },
+            [](const SqlRow& row) { return Person { row.integer(2) > 0 ? row.text(0) : QString(), row.text(1) }; });
+        m_people.removeIf([](const Person& person) { return person.id.isEmpty(); });
+        m_names.reserve(m_people.size());
+        for (const Person& person : std::as_const(m_people))
+            m_names.insert(person.id, person.name);
+    }
+
+    void addSharing(const QString& field)
+    {
+        if (enough())
+            return;
+        const QString sql
+            = QStringLiteral(R"(SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b
+  ON a.%1=b.%1 AND a.contact_id<b.contact_id
+WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;)")
+                  .arg(field);
+        const auto pairs = m_db.rows(
+            sql, { activeWorkspaceId(m_db) }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
+        for (const auto& [a, b] : pairs)
+            add(a, b, field);
+    }
+
+    void addNamesakes()
+    {
+        QHash<QString, QStringList> byName;
+        for (const Person& person : std::as_const(m_people)) {
+            const QString name = comparableName(person.name);
+            if (!name.isEmpty())
+                byName[name].append(person.id);
+        }
+        // A name that thousands share makes millions of pairs: the walk ends as soon as there are enough.
+        for (const QStringList& ids : std::as_const(byName)) {
+            if (!m_touching.isEmpty() && !ids.contains(m_touching))
+                continue;
+            for (qsizetype a = 0; a < ids.size(); ++a) {
+                const bool any = m_touching.isEmpty() || ids.at(a) == m_touching;
+                for (qsizetype b = a + 1; b < ids.size() && !enough(); ++b) {
+                    if (any || ids.at(b) == m_touching)
+                        add(ids.at(a), ids.at(b), QStringLiteral("name"));
+                }
+            }
+        }
+    }
+
+    const QString& effective(const QString& id)
+    {
+        auto known = m_effective.constFind(id);
+        if (known == m_effective.constEnd())
+            known = m_effective.insert(id, effectiveContactId(m_db, id));
+        return *known;
+    }
+
+    void add(const QString& first, const QString& second, const QString& signal)
+    {
+        if (enough())
+            return;
+        const QString a = effective(first);
+        const QString b = effective(second);
+        if (a == b || !m_names.contains(a) || !m_names.contains(b))
+            return;
+        if (!m_touching.isEmpty() && a != m_touching && b != m_touching)
+            return;
+        if (const auto pair = std::minmax(a, b); !m_seen.contains(pair)) {
+            m_seen.insert(pair);
+            m_found.append({ a, m_names.value(a), b, m_names.value(b), signal });
+        }
+    }
+
+    LocalDB& m_db;
+    const qsizetype m_limit;
+    const QString m_touching;
+    QList<Person> m_people; ///< those with a conversation
+    QHash<QString, QString> m_names; ///< of the same
+    QHash<QString, QString> m_effective; ///< answers of `effectiveContactId`
+    QSet<std::pair<QString, QString>> m_seen;
+    QList<MergeCandidate> m_found;
+};
+
+}
+
+QList<MergeCandidate> suggestedMerges(LocalDB& db, int limit, const QString& touching)
+{
+    return Candidates(db, limit, touching).collect();
+}
+
+}

@@ -1,0 +1,49 @@
+#include "Store/Work/DigestQueries.h"
+
+#include "Store/Core/Workspaces.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+TodayDigest todayDigest(LocalDB& db, qint64 dayStartMs, qint64 dayEndMs, const QString& dayStartISO)
+{
+    const auto count = [&](const char* sql, const QList<SqlValue>& parameters) {
+        return db.scalar(QString::fromLatin1(sql), parameters).value_or(QString()).toInt();
+    };
+    TodayDigest digest;
+    digest.meetingsToday = count(R"(SELECT COUNT(*) FROM calendar_event
+WHERE start_ms >= ? AND start_ms < ? AND all_day=0;)",
+        { dayStartMs, dayEndMs });
+    digest.nextMeetingTitle = db.scalar(R"(SELECT title FROM calendar_event
+WHERE start_ms >= ? AND start_ms < ? AND all_day=0 ORDER BY start_ms ASC LIMIT 1;)",
+        { std::max(dayStartMs, db.nowMs()), dayEndMs });
+    digest.openWorkItems
+        = count("SELECT COUNT(*) FROM work_item WHERE status NOT IN ('done','closed','rejected');", {});
+    digest.agentActionsToday = count("SELECT COUNT(*) FROM work_evidence WHERE created_at >= ?;", { dayStartISO })
+        + count("SELECT COUNT(*) FROM work_message WHERE created_at >= ?;", { dayStartISO });
+    digest.latestUpdate = db.scalar(
+        R"(SELECT body FROM "update" WHERE created_at >= ? ORDER BY created_at DESC LIMIT 1;)", { dayStartISO });
+    return digest;
+}
+
+QList<InboxGlanceRow> fetchInboxGlance(LocalDB& db, int limit)
+{
+    // The few rows first, and only then what each of them says.
+    return db.rows(R"(SELECT c.id, COALESCE(c.contact_id,''),
+  COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, c.id), c.channel,
+  COALESCE((SELECT m.body FROM unified_message m
+     WHERE m.conversation_id=c.id AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1), ''),
+  c.unread, c.last_ts
+FROM (SELECT * FROM unified_conversation c
+   WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL
+   ORDER BY (c.unread > 0) DESC, c.last_ts DESC LIMIT ?) c
+LEFT JOIN contact ct ON ct.id=c.contact_id AND ct.deleted_at IS NULL
+ORDER BY (c.unread > 0) DESC, c.last_ts DESC;)",
+        { activeWorkspaceId(db), limit }, [](const SqlRow& row) {
+            return InboxGlanceRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4),
+                static_cast<int>(row.integer(5)), row.integer(6) };
+        });
+}
+
+}

@@ -1,0 +1,160 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+// What people, agents and the program have noted of a piece of work. Other processes make these tables and write
+// them, too: a table that is missing, or lacks a column, reads as empty, asked anew at each call, and a word of
+// theirs that is not ours passes as it stands. `module` is lower case; times are ISO 8601 text.
+
+struct WorkContextRow {
+    QString id;
+    QString module;
+    QString kind;
+    QString slug;
+    QString title;
+    QString subtitle;
+    QString status;
+    QString owner;
+    QString externalRef;
+    QString updatedAt;
+    int openItems = 0; ///< all that are not "done"
+    int liveSessions = 0;
+    int liveAgents = 0;
+
+    bool operator==(const WorkContextRow&) const = default;
+};
+
+struct WorkItemRecord {
+    QString id;
+    QString contextId; ///< empty where there is none, as in the records below
+    QString module;
+    QString kind;
+    QString title;
+    QString status;
+    QString priority;
+    QString owner;
+    QString source;
+    QString summary;
+    QString updatedAt;
+
+    bool operator==(const WorkItemRecord&) const = default;
+};
+
+/// An action that is held for a person.
+struct WorkDecisionRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString title;
+    QString status; ///< "proposed" while it waits
+    QString proposal;
+    QString rationale;
+    QString risk; ///< "money", "credential", "external", "high", or anything else
+    QString decidedBy;
+    QString updatedAt;
+
+    bool operator==(const WorkDecisionRecord&) const = default;
+};
+
+struct WorkEvidenceRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString kind;
+    QString title;
+    QString source;
+    QString uri;
+    QString summary;
+    QString createdAt;
+
+    bool operator==(const WorkEvidenceRecord&) const = default;
+};
+
+struct WorkMessageRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString speaker;
+    QString role;
+    QString kind;
+    QString body;
+    QString status;
+    QString createdAt;
+
+    bool operator==(const WorkMessageRecord&) const = default;
+};
+
+struct WorkSessionRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString purpose;
+    QString owner;
+    QString tool;
+    QString status;
+    QString heartbeatAt;
+
+    bool operator==(const WorkSessionRecord&) const = default;
+};
+
+struct WorkAgentRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString name;
+    QString tool;
+    QString role;
+    QString status;
+    QString currentTask;
+    QString heartbeatAt;
+
+    bool operator==(const WorkAgentRecord&) const = default;
+};
+
+struct WorkMemoryRecord {
+    QString id;
+    QString contextId;
+    QString module;
+    QString kind;
+    QString body;
+    QString source;
+    QString confidence;
+    QString status;
+    QString owner;
+    QString updatedAt;
+
+    bool operator==(const WorkMemoryRecord&) const = default;
+};
+
+/// One context, or nothing for every context of the module.
+using WorkContextId = std::optional<QString>;
+
+QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit); ///< last touched first
+
+/// By priority: high, normal, the rest; the last changed first.
+QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
+/// By risk: money, credential, external, high, the rest; the last changed first.
+QList<WorkDecisionRecord> fetchWorkDecisions(
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+QList<WorkDecisionRecord> fetchPendingWorkDecisions(LocalDB& db, int limit); ///< of all modules, in the same order
+std::optional<WorkDecisionRecord> fetchWorkDecision(LocalDB& db, const QString& id); ///< as it stands now
+
+QList<WorkEvidenceRecord> fetchWorkEvidence( ///< newest first
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
+/// Oldest first; the limit keeps the oldest.
+QList<WorkMessageRecord> fetchWorkMessages(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
+QList<WorkSessionRecord> fetchWorkSessions( ///< last changed first
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+QList<WorkAgentRecord> fetchWorkAgents( ///< last changed first
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit); ///< of all modules: live ones, then the last heard of
+
+/// Proposed, approved, the rest; the last changed first.
+QList<WorkMemoryRecord> fetchWorkMemory(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
+}

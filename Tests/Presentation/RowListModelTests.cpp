@@ -1,0 +1,115 @@
+#include "Presentation/RowListModel.h"
+
+#include "Support/Print.h"
+
+#include <QAbstractItemModelTester>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class Line {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(int value MEMBER value)
+public:
+    QString id;
+    int value = 0;
+
+    const QString& key() const { return id; }
+    bool operator==(const Line&) const = default;
+};
+
+QStringList keysOf(const std::string& letters)
+{
+    QStringList keys;
+    for (const char letter : letters)
+        keys.append(QChar::fromLatin1(letter));
+    return keys;
+}
+
+QList<Line> linesOf(const std::string& letters)
+{
+    QList<Line> lines;
+    for (const QString& key : keysOf(letters))
+        lines.append(Line { key, 0 });
+    return lines;
+}
+
+std::string shown(const QAbstractItemModel& model)
+{
+    std::string letters;
+    for (int row = 0; row < model.rowCount(); ++row)
+        letters += model.data(model.index(row, 0), Qt::UserRole).toString().toStdString();
+    return letters;
+}
+
+using Kind = ListEdit::Kind;
+
+}
+
+TEST(ListEdits, aRowThatRisesOrFallsIsOneMove)
+{
+    EXPECT_EQ(
+        listEdits(keysOf("abcde"), keysOf("eabcd")), (QList<ListEdit> { { .kind = Kind::Move, .at = 4, .to = 0 } }));
+    EXPECT_EQ(
+        listEdits(keysOf("abcde"), keysOf("bcdea")), (QList<ListEdit> { { .kind = Kind::Move, .at = 0, .to = 5 } }));
+    EXPECT_TRUE(listEdits(keysOf("abc"), keysOf("abc")).isEmpty());
+}
+
+TEST(ListEdits, neighboursComeAndGoTogether)
+{
+    EXPECT_EQ(listEdits({}, keysOf("abc")), (QList<ListEdit> { { .kind = Kind::Insert, .at = 0, .count = 3 } }));
+    EXPECT_EQ(listEdits(keysOf("abcdef"), keysOf("aef")),
+        (QList<ListEdit> { { .kind = Kind::Remove, .at = 1, .count = 3 } }));
+    EXPECT_EQ(listEdits(keysOf("ab"), keysOf("axyb")),
+        (QList<ListEdit> { { .kind = Kind::Insert, .at = 1, .count = 2, .source = 1 } }));
+    EXPECT_EQ(listEdits(keysOf("aa"), keysOf("ab")).size(), 2) << "keys that are not unique replace everything";
+}
+
+TEST(RowListModel, everySequenceOfListsIsShownAsItIsAndTheTesterFindsNoFault)
+{
+    RowListModel<Line> model;
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QRandomGenerator random(20'251'121);
+    for (int round = 0; round < 400; ++round) {
+        std::string letters = "abcdefghijklmnopqrstuvwxyz";
+        for (size_t i = letters.size() - 1; i > 0; --i) {
+            if (round % 3 != 0 || random.bounded(8) == 0)
+                std::swap(letters[i], letters[random.bounded(quint32(i + 1))]);
+        }
+        letters.resize(random.bounded(27U));
+        QList<Line> lines = linesOf(letters);
+        for (Line& line : lines)
+            line.value = int(random.bounded(2));
+        model.assign(lines);
+        ASSERT_EQ(shown(model), letters);
+        ASSERT_EQ(model.rows(), lines);
+    }
+}
+
+TEST(RowListModel, onlyTheRowsThatChangedAreTouched)
+{
+    RowListModel<Line> model;
+    model.assign(linesOf("abcdef"));
+    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    QSignalSpy moves(&model, &QAbstractItemModel::rowsMoved);
+    QSignalSpy counts(&model, &GadgetListModel::countChanged);
+    QList<Line> next = linesOf("eabcdf");
+    next[0].value = 7;
+    model.assign(next);
+    ASSERT_EQ(changes.size(), 1);
+    EXPECT_EQ(changes.first().first().toModelIndex().row(), 0);
+    EXPECT_EQ(moves.size(), 1);
+    EXPECT_EQ(counts.size(), 0);
+    model.assign(next);
+    EXPECT_EQ(changes.size() + moves.size(), 2) << "the same rows again touch nothing";
+    model.assign({});
+    EXPECT_EQ(counts.size(), 1);
+    EXPECT_EQ(model.roleNames().value(Qt::UserRole + 1), "value");
+}
+
+#include "RowListModelTests.moc"

@@ -1,0 +1,116 @@
+#include "Presentation/ContactFace.h"
+#include "Presentation/DateWords.h"
+#include "Presentation/WAName.h"
+#include "Support/Print.h"
+
+#include <QDateTime>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+qint64 at(int year, int month, int day, int hour = 0, int minute = 0)
+{
+    return QDateTime(QDate(year, month, day), QTime(hour, minute)).toMSecsSinceEpoch();
+}
+
+}
+
+TEST(WAName, rawAddressesBecomeWords)
+{
+    const std::pair<QString, QString> cases[] {
+        { "", "Unknown" },
+        { "  ", "Unknown" },
+        { "Unknown", "Unknown" },
+        { " Ana Ruiz ", "Ana Ruiz" },
+        { "120363041234567@newsletter", "Channel 4567" },
+        { "@newsletter", "Channel" },
+        { "status@broadcast", "Broadcast atus" },
+        { "491711234-1600000000@g.us", "Group chat 0000" },
+        { "@g.us", "Group chat" },
+        { "987654321@lid", "WhatsApp user 4321" },
+        { "12@lid", "WhatsApp user 12" },
+        { "@lid", "@lid" },
+        { "4917112345678@s.whatsapp.net", "+4917112345678" },
+        { "4917112345678@c.us", "+4917112345678" },
+        { "4917112345678:12@s.whatsapp.net", "4917112345678:12@s.whatsapp.net" },
+        { "@s.whatsapp.net", "@s.whatsapp.net" },
+        { "a@b@g.us", "WhatsApp user a" },
+    };
+    for (const auto& [name, shown] : cases)
+        EXPECT_EQ(WAName::pretty(name), shown) << name.toStdString();
+}
+
+TEST(ContactFace, initialsAreWhatAPersonWouldWrite)
+{
+    const std::pair<QString, QString> cases[] {
+        { "Ana Ruiz", "AR" },
+        { "ana maria de la cruz", "AC" },
+        { "  Ana  ", "A" },
+        { "(Ana) \"Ruiz\"", "AR" },
+        { "🌸 Ana 🌸 Ruiz 🌸", "AR" },
+        { "👩‍👩‍👧 ", "👩‍👩‍👧" },
+        { "🎉🎉 🎂", "🎉" },
+        { "e\u0301mile Zola", "E\u0301Z" },
+        { "田中 太郎", "田太" },
+        { "小林さくら", "小" },
+        { "𠮷野 家", "𠮷家" },
+        { "محمد علي", "م" },
+        { "דוד לוי", "דל" },
+        { "\u200fדוד לוי", "דל" },
+        { "+49 171 1234567", "#" },
+        { "24/7 Shop", "S" },
+        { "...", "?" },
+        { "", "?" },
+    };
+    for (const auto& [name, face] : cases)
+        EXPECT_EQ(initials(name), face) << name.toStdString();
+    EXPECT_EQ(initials(QString(5'000'000, u'x') + QStringLiteral(" y")), "XY");
+}
+
+TEST(ContactFace, aHueStaysWithItsId)
+{
+    EXPECT_EQ(hue("ct:WHATSAPP:1"), hue("ct:WHATSAPP:1"));
+    QSet<int> hues;
+    for (int i = 0; i < 200; ++i) {
+        const int value = hue(QStringLiteral("ct:WHATSAPP:%1").arg(i));
+        ASSERT_TRUE(value >= 0 && value < 360);
+        hues.insert(value);
+    }
+    EXPECT_GT(hues.size(), 120) << "faces of one list differ";
+}
+
+TEST(DateWords, aTimeIsToldByHowLongAgoItsDayWas)
+{
+    const DateWords words(at(2025, 11, 21, 9, 30), QLocale(QLocale::English, QLocale::UnitedKingdom));
+    EXPECT_EQ(words.listTime(at(2025, 11, 21)), "00:00");
+    EXPECT_EQ(words.listTime(at(2025, 11, 20, 23, 59)), "Yesterday");
+    EXPECT_EQ(words.listTime(at(2025, 11, 19, 14)), "Wednesday");
+    EXPECT_EQ(words.listTime(at(2025, 11, 15)), "Saturday");
+    EXPECT_EQ(words.listTime(at(2025, 11, 14, 23, 59)), "14/11/2025");
+    EXPECT_EQ(words.listTime(at(2025, 11, 22, 1)), "22/11/2025") << "a day ahead is no weekday of the past";
+    EXPECT_EQ(words.listTime(0), "");
+
+    EXPECT_EQ(words.group(0), "No date");
+    EXPECT_EQ(words.group(at(2025, 11, 21, 23, 59)), "Today");
+    EXPECT_EQ(words.group(at(2025, 11, 20)), "Yesterday");
+    EXPECT_EQ(words.group(at(2025, 11, 19)), "19 Nov 2025");
+}
+
+TEST(DateWords, aMediumDateFollowsTheLocale)
+{
+    const auto medium = [](QLocale::Language language, QLocale::Country country) {
+        return DateWords(0, QLocale(language, country)).mediumDate(QDate(2025, 3, 8));
+    };
+    EXPECT_EQ(DateWords(0, QLocale::c()).mediumDate(QDate(2025, 3, 8)), "8 Mar 2025");
+    EXPECT_EQ(medium(QLocale::English, QLocale::UnitedStates), "Mar 8, 2025");
+    EXPECT_EQ(medium(QLocale::Spanish, QLocale::Spain), "8 de mar de 2025");
+    EXPECT_EQ(medium(QLocale::Japanese, QLocale::Japan), "2025年3月8日");
+}
+
+TEST(DateWords, theNextDayBeginsWhenTheClocksChangeToo)
+{
+    EXPECT_EQ(nextMidnightMs(at(2025, 3, 30, 0, 30)), at(2025, 3, 31)) << "a day of 23 hours";
+    EXPECT_EQ(nextMidnightMs(at(2025, 10, 26)), at(2025, 10, 27)) << "a day of 25 hours";
+}

@@ -1,0 +1,36 @@
+#include "Settings/Appearance.h"
+
+#include "Foundation/UserDefaults.h"
+#include "Support/FakeDesktop.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+TEST(AppearanceSetting, followsTheDesktopUntilItIsSetByHand)
+{
+    const TemporaryHome home;
+    UserDefaults defaults(home.paths().defaultsFile);
+    FakeDesktop desktop;
+    Appearance appearance(desktop, defaults);
+    QSignalSpy changes(&appearance, &Appearance::changed);
+    EXPECT_FALSE(appearance.dark());
+    desktop.setAppearance(ColourScheme::Dark, true);
+    EXPECT_TRUE(appearance.dark());
+    EXPECT_TRUE(appearance.reducedMotion());
+    EXPECT_EQ(changes.size(), 1);
+
+    appearance.setMode(QStringLiteral("light"));
+    EXPECT_FALSE(appearance.dark());
+    appearance.setMode(QStringLiteral("purple"));
+    EXPECT_EQ(appearance.mode(), "light");
+    EXPECT_FALSE(Appearance(desktop, defaults).dark()) << "remembered at the next start";
+
+    defaults.setText(QStringLiteral("Corvane.appearance"), QStringLiteral("purple"));
+    EXPECT_EQ(Appearance(desktop, defaults).mode(), "desktop");
+}
+
+}

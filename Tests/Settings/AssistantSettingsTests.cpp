@@ -1,0 +1,129 @@
+#include "Settings/AssistantSettings.h"
+
+#include "Support/EngineWorld.h"
+#include "Support/FakeLanguageModel.h"
+#include "Support/Print.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class Assistant : public testing::Test {
+protected:
+    QStringList states() const
+    {
+        QStringList words;
+        for (const QVariant& backend : view.backends())
+            words.append(backend.toMap()["stateText"].toString() + ": " + backend.toMap()["detail"].toString());
+        return words;
+    }
+    QStringList remembered() const
+    {
+        QStringList words;
+        for (const QVariant& entry : view.memory())
+            words.append(entry.toMap()["scope"].toString() + ": " + entry.toMap()["body"].toString());
+        return words;
+    }
+
+    EngineWorld world;
+    FakeLumo lumo;
+    AssistantSettings view { lumo, world.defaults, world.engines.db(), world.clock };
+};
+
+}
+
+TEST_F(Assistant, whoAnswersIsNamedAndWhyTheOtherDoesNot)
+{
+    const QString missing = "Not found: Codex CLI not found — install the codex CLI or enable Apple Intelligence.";
+    EXPECT_EQ(view.answersText(), "Fake Model answers now.");
+    EXPECT_EQ(states(), QStringList({ "Answers: Fake Model", missing }));
+    QSignalSpy changes(&view, &AssistantSettings::changed);
+    lumo.model.setUnavailable("No model server answers at http://127.0.0.1:11434.");
+    EXPECT_GT(changes.size(), 0);
+    EXPECT_EQ(view.answersText(), "No LumoAI backend available.");
+    EXPECT_EQ(states(), QStringList({ "Not available: No model server answers at http://127.0.0.1:11434.", missing }));
+    EXPECT_FALSE(view.available());
+}
+
+TEST_F(Assistant, theChoiceOfModelAndServerIsKeptAndTakesEffectAtOnce)
+{
+    EXPECT_EQ(view.modelText(), "The first that is there");
+    view.setModel("fake:1b");
+    view.setServerUrl(" http://127.0.0.1:9999 ");
+    EXPECT_EQ(lumo.model.chosen, (SystemLanguageModel::Choice { "http://127.0.0.1:9999", {} }))
+        << "another server has other models";
+    view.setModel("fake:7b");
+    EXPECT_EQ(lumo.model.chosen, (SystemLanguageModel::Choice { "http://127.0.0.1:9999", "fake:7b" }));
+    EXPECT_EQ(world.defaults.text("nimb.localModelUrl"), "http://127.0.0.1:9999");
+    EXPECT_EQ(world.defaults.text("nimb.localModel"), "fake:7b");
+    view.setServerUrl({});
+    EXPECT_EQ(lumo.model.chosen, SystemLanguageModel::Choice());
+    EXPECT_EQ(world.defaults.text("nimb.localModelUrl"), std::nullopt);
+}
+
+TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
+{
+    lumo.machine.now.physicalMemoryBytes = Q_UINT64_C(1) << 34;
+    view.setVisible(true);
+    EXPECT_TRUE(view.gateIsOpen());
+    EXPECT_EQ(view.gateFacts()[3].toMap()["value"].toString(), "16.0 GiB");
+    lumo.machine.now.powerSourceStates = { "Battery Power" };
+    world.clock.advance(seconds(5));
+    EXPECT_EQ(view.gateText(), "This Mac is on battery. Connect power before running local transcription.");
+    EXPECT_EQ(view.gateFacts()[0].toMap()["value"].toString(), "Battery");
+    view.setVisible(false);
+    lumo.machine.now.powerSourceStates.clear();
+    world.clock.advance(seconds(60));
+    EXPECT_FALSE(view.gateIsOpen());
+}
+
+TEST_F(Assistant, tryingShowsHowFarItIsAndCanBeCancelled)
+{
+    const auto first = lumo.model.willAnswerLater();
+    view.tryIt();
+    view.tryIt();
+    EXPECT_TRUE(view.trying());
+    EXPECT_EQ(view.tryText(), "Asking Fake Model… 0 s");
+    world.clock.advance(seconds(12));
+    EXPECT_EQ(view.tryText(), "Asking Fake Model… 12 s");
+    first.arrive(FakeLanguageModel::text(" Hello,\nI write drafts. "));
+    EXPECT_EQ(view.tryKind(), "good");
+    EXPECT_EQ(view.tryText(), "Hello, I write drafts.");
+
+    lumo.model.willFail("The model server at http://127.0.0.1:1 gave no answer: Connection closed");
+    view.tryIt();
+    EXPECT_EQ(view.tryKind(), "bad");
+    EXPECT_FALSE(view.trying());
+
+    const auto third = lumo.model.willAnswerLater();
+    view.tryIt();
+    view.cancelTry();
+    EXPECT_TRUE(third.hasArrived()) << "the request has ended";
+    EXPECT_EQ(view.tryText(), "Cancelled.");
+    world.clock.advance(seconds(5));
+    EXPECT_EQ(view.tryText(), "Cancelled.");
+}
+
+TEST_F(Assistant, whatIsRememberedStandsByScopeAndCanBeForgottenAndKept)
+{
+    LocalDB& db = world.engines.db();
+    ASSERT_TRUE(db.run("INSERT INTO contact(id, display_name) VALUES('c1','Marta Vidal');", {}));
+    const QStringList rows[] { { "m1", "contact:c1", "likes\nlinen" }, { "m2", "owner", "signs as Ana" },
+        { "m3", "business", "closed on Mondays" }, { "m4", "contact:gone", "?" } };
+    for (const QStringList& row : rows)
+        ASSERT_TRUE(db.run("INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES(?,?,?,'2026');",
+            { row[0], row[1], row[2] }));
+    view.setVisible(true);
+    const QStringList all { "Business: closed on Mondays", "Owner: signs as Ana", "contact:gone: ?",
+        "Marta Vidal: likes linen" };
+    EXPECT_EQ(remembered(), all);
+    view.forget("m3");
+    EXPECT_EQ(remembered(), all.sliced(1));
+    EXPECT_EQ(view.forgottenText(), "Forgotten: closed on Mondays");
+    view.keepForgotten();
+    EXPECT_EQ(remembered(), all);
+    EXPECT_EQ(view.forgottenText(), "");
+}

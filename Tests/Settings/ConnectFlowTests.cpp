@@ -1,0 +1,43 @@
+#include "Settings/ConnectFlow.h"
+
+#include "Support/Print.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+TEST(ConnectFlows, thereIsOneForEachOfTheTenChannelsAndWhatIsSecretIsMasked)
+{
+    EXPECT_EQ(connectFlows().size(), 10);
+    QStringList buttons;
+    for (const ConnectFlow& flow : connectFlows()) {
+        EXPECT_FALSE(flow.title.isEmpty() || flow.buttonLabel.isEmpty());
+        if (flow.fields.isEmpty())
+            buttons.append(flow.buttonLabel);
+        for (const ConnectField& field : flow.fields) {
+            const bool secret = field.id.contains("oken", Qt::CaseInsensitive) || field.id == "password";
+            EXPECT_EQ(field.masked, secret) << qPrintable(flow.title + u' ' + field.id);
+        }
+    }
+    EXPECT_EQ(buttons,
+        QStringList({ "Connect LinkedIn account", "Connect Instagram account", "Connect Messenger account",
+            "Add my phone (iMessage)" }));
+}
+
+TEST(ConnectFlows, aSheetWhoseRuleDoesNotHoldConnectsNothing)
+{
+    const QList<std::pair<Channel, ConnectValues>> refused {
+        { Channel::Email, { { "email", "ana.example" }, { "password", "x" } } },
+        { Channel::Email, { { "email", "ana@b" }, { "password", "  " } } },
+        { Channel::Telegram, { { "token", " \t" } } },
+        { Channel::Discord, {} },
+        { Channel::Slack, { { "appToken", "xapp-1" } } },
+        { Channel::Slack, { { "appToken", "xoxb-1" }, { "botToken", "xapp-1" } } },
+        { Channel::Sms, { { "sid", "AC1" }, { "authToken", "a" }, { "from", " " } } },
+        { Channel::Sms, { { "sid", "" }, { "authToken", "a" }, { "from", "+1" } } },
+    };
+    for (const auto& [channel, values] : refused)
+        EXPECT_FALSE(connectRequest(channel, values)) << qPrintable(channelRaw(channel));
+}
+
+}

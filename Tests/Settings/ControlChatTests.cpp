@@ -1,0 +1,60 @@
+#include "Settings/ControlChatSettings.h"
+
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+#include "Support/Rows.h"
+
+#include <QAbstractItemModelTester>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
+{
+    EngineWorld world;
+    LocalDB& db = world.engines.db();
+    ControlChatSettings card(db);
+    QAbstractItemModel& chats = *card.chats();
+    const QAbstractItemModelTester tester(&chats, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    card.refresh();
+    EXPECT_EQ(card.emptyText(), "No conversations in the local mirror yet.");
+
+    db.exec(QStringLiteral(
+        "INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, title, last_ts) "
+        "VALUES('c1','local','WHATSAPP','studio','1','André <b>',1),('c2','local','EMAIL','','2','Orders',2);"));
+    card.refresh();
+    EXPECT_EQ(column(chats, "title"), (QStringList { "Orders", "André <b>" }));
+    EXPECT_EQ(column(chats, "detail"), (QStringList { "Email", "WhatsApp · studio" }));
+    card.setQuery(" ANDRE");
+    EXPECT_EQ(column(chats, "id"), QStringList("c1"));
+    EXPECT_EQ(card.stateText(), "");
+
+    card.choose("c1");
+    EXPECT_EQ(card.savedText(), "Control chat set");
+    EXPECT_EQ(
+        card.stateText(), "Approvals can be approved from André <b> — commands: approve <id>, deny <id> [reason]");
+    EXPECT_EQ(column(chats, "chosen"), QStringList("true"));
+    card.choose("none of these");
+    EXPECT_EQ(approvalsControlChatId(db), "c1");
+    card.setQuery("nobody");
+    EXPECT_EQ(card.emptyText(), "No conversation matches “nobody”.");
+
+    card.refresh();
+    EXPECT_EQ(card.savedText(), "") << "said once";
+    db.exec("UPDATE unified_conversation SET deleted_at=1;");
+    card.refresh();
+    EXPECT_TRUE(card.stateText().startsWith("Approvals can be approved from c1 "))
+        << "a choice whose chat is gone still shows";
+    card.turnOff();
+    EXPECT_EQ(card.savedText(), "Control chat removed");
+    EXPECT_FALSE(card.chosen());
+
+    db.exec("UPDATE unified_conversation SET deleted_at=NULL; DROP TABLE engine_settings;");
+    card.refresh();
+    card.choose("c1");
+    EXPECT_TRUE(card.failed());
+    EXPECT_FALSE(card.chosen());
+    EXPECT_EQ(card.savedText(), "Couldn't save it, try again.");
+}
+
+}

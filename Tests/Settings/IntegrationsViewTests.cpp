@@ -1,0 +1,305 @@
+#include "Settings/IntegrationsView.h"
+
+#include "Engines/AccountStore.h"
+#include "Support/Await.h"
+#include "Support/EngineWorld.h"
+#include "Support/FakeLanguageModel.h"
+#include "Support/Print.h"
+#include "Support/Rows.h"
+#include "Web/SessionStore.h"
+
+#include <QAbstractItemModelTester>
+#include <QDir>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+namespace {
+
+const QString whatsApp = "WHATSAPP";
+
+class Settings : public testing::Test {
+protected:
+    Settings() { view.setVisible(true); }
+
+    /// Connects a channel whose engine then runs.
+    QString connectAccount(const QString& channel, const QVariantMap& values = {})
+    {
+        world.launcher.expect(FakeLauncher::stays());
+        EXPECT_TRUE(view.canConnect(channel, values));
+        EXPECT_TRUE(view.connectAccount(channel, values));
+        return accounts.accounts().last().id.toString(QUuid::WithoutBraces);
+    }
+
+    void report(const QJsonObject& event)
+    {
+        world.launcher.last().printEvent(event);
+        world.clock.advance(seconds(1));
+    }
+
+    QStringList column(const char* role) const { return corvane::column(*model, role); }
+    bool paused() const { return accounts.accounts().first().paused.value_or(false); }
+
+    EngineWorld world;
+    SessionStore session { world.home.paths(), world.keychain, world.defaults, world.desktop, world.clock };
+    AccountStore accounts { world.home.paths().applicationSupport };
+    FakeLumo lumo;
+    IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
+        world.home.paths(), lumo } };
+    QAbstractItemModel* model = view.accounts();
+    QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
+};
+
+}
+
+TEST_F(Settings, connectingAWhatsAppNumberStartsItsEngineAndOpensThePairing)
+{
+    connectAccount(whatsApp, { { "name", "Sales" } });
+    EXPECT_EQ(column("name"), QStringList("Sales"));
+    EXPECT_TRUE(world.launcher.last().spec.arguments.last().endsWith("/src/main.ts"));
+
+    PairingSheet& sheet = *view.pairing();
+    EXPECT_TRUE(sheet.isOpen());
+    EXPECT_EQ(sheet.title(), "Link Sales");
+    EXPECT_EQ(sheet.stateText(), "Starting");
+    EXPECT_EQ(sheet.qr(), "");
+    report({ { "type", "qr" }, { "qr", "2@abc" } });
+    EXPECT_EQ(sheet.qr(), "2@abc");
+    EXPECT_EQ(sheet.stateText(), "WhatsApp → Settings → Linked Devices → Link a Device, then scan.");
+    EXPECT_EQ(column("status"), QStringList("Scan QR to link"));
+    report({ { "type", "status" }, { "state", "open" }, { "user", QJsonObject { { "name", "Ana" } } } });
+    EXPECT_TRUE(sheet.connected());
+    EXPECT_EQ(sheet.stateText(), "Connected");
+    EXPECT_EQ(sheet.qr(), "");
+    EXPECT_EQ(column("status"), QStringList("Connected"));
+
+    sheet.close();
+    EXPECT_FALSE(sheet.isOpen());
+    EXPECT_TRUE(world.engines.isRunning(accounts.accounts().first())) << "closing changes nothing in the engine";
+}
+
+TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
+{
+    struct Case {
+        QString channel;
+        QVariantMap values;
+        QString slug;
+        QString secret;
+    };
+    const QList<Case> cases {
+        { "LINKEDIN", {}, "linkedin", "none" },
+        { "EMAIL", { { "email", " ana@b.example" }, { "password", "app pass" } }, "ana-b-example", "app pass" },
+        { "TELEGRAM", { { "token", "1:a " } }, "telegram", "1:a" },
+        { "DISCORD", { { "token", "d" } }, "discord", "d" },
+        { "SLACK", { { "appToken", " xapp-1" }, { "botToken", "xoxb-2" } }, "slack",
+            R"({"app":"xapp-1","bot":"xoxb-2"})" },
+        { "INSTAGRAM", {}, "instagram", "none" },
+        { "MESSENGER", {}, "messenger", "none" },
+        { "SMS", { { "sid", "AC\"1" }, { "authToken", "t" }, { "from", " +1 555" } }, "sms-1-555",
+            R"({"auth":"t","from":"+1 555","sid":"AC\"1"})" },
+        { "IMESSAGE", {}, "my-phone", "none" },
+    };
+    for (const Case& each : cases) {
+        connectAccount(each.channel, each.values);
+        const Account account = accounts.accounts().last();
+        EXPECT_EQ(account.slug, each.slug);
+        EXPECT_EQ(account.channelRaw, each.channel);
+        EXPECT_EQ(world.keychain.get(account.slug).value_or("none"), each.secret);
+        EXPECT_TRUE(world.engines.isRunning(account));
+        EXPECT_FALSE(view.pairing()->isOpen());
+    }
+    EXPECT_EQ(accounts.accounts()[1].email, "ana@b.example");
+    EXPECT_FALSE(view.connectAccount("EMAIL", { { "email", "ana" }, { "password", "x" } }));
+    EXPECT_EQ(accounts.accounts().size(), cases.size()) << "a sheet whose rule does not hold adds nothing";
+    EXPECT_EQ(column("channelLabel"),
+        QStringList(
+            { "LinkedIn", "Email", "Telegram", "Discord", "Slack", "Instagram", "Messenger", "SMS", "iMessage" }));
+}
+
+TEST_F(Settings, rowsStandByChannelAndOnlyTheOneThatChangedIsRedrawn)
+{
+    connectAccount("TELEGRAM", { { "token", "t" } });
+    connectAccount(whatsApp, { { "name", "Sales" } });
+    connectAccount(whatsApp, { { "name", "Support" } });
+    EXPECT_EQ(column("name"), QStringList({ "Sales", "Support", "Telegram" }));
+    world.clock.advance(seconds(1));
+
+    QSignalSpy changes(model, &QAbstractItemModel::dataChanged);
+    QSignalSpy resets(model, &QAbstractItemModel::modelReset);
+    report({ { "type", "status" }, { "state", "open" } });
+    ASSERT_EQ(changes.size(), 1);
+    EXPECT_EQ(changes[0][0].toModelIndex().row(), 1);
+    EXPECT_TRUE(resets.isEmpty());
+}
+
+TEST_F(Settings, aStormOfEngineEventsIsOneRefresh)
+{
+    connectAccount(whatsApp, { { "name", "Sales" } });
+    world.clock.advance(seconds(1));
+    QSignalSpy changes(model, &QAbstractItemModel::dataChanged);
+    for (int i = 0; i < 500; ++i) {
+        const bool qr = i % 2 == 0;
+        world.launcher.last().printEvent(qr ? QJsonObject { { "type", "qr" }, { "qr", QString::number(i) } }
+                                            : QJsonObject { { "type", "status" }, { "state", "connecting" } });
+    }
+    world.clock.advance(Milliseconds(240));
+    EXPECT_LE(changes.size(), 2);
+    world.clock.advance(seconds(1));
+    EXPECT_EQ(column("status")[0], "Connecting…") << "the last one counts";
+}
+
+TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
+{
+    const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
+    view.perform(id, "pause");
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_TRUE(paused());
+    world.clock.advance(seconds(1));
+    EXPECT_EQ(column("status")[0], "Paused · engine stopped (frees RAM)");
+    EXPECT_TRUE(AccountStore(world.home.paths().applicationSupport).accounts().first().paused.value_or(false));
+
+    world.launcher.expect(FakeLauncher::stays());
+    view.perform(id, "start");
+    EXPECT_FALSE(paused());
+    world.clock.advance(seconds(1));
+    EXPECT_EQ(column("status")[0], "Starting");
+}
+
+TEST_F(Settings, aNewPairingForgetsTheOldOneAndOpensTheSheet)
+{
+    const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
+    view.pairing()->close();
+    world.home.write(".whatsapp-baileys/sales/creds.json", "{}");
+    world.launcher.expect(FakeLauncher::stays());
+    view.perform(id, "resetPairing");
+    EXPECT_FALSE(QFileInfo::exists(world.home.path(".whatsapp-baileys/sales")));
+    EXPECT_EQ(world.launcher.children.size(), 2);
+    EXPECT_TRUE(view.pairing()->isOpen());
+    view.perform(id, "remove");
+    EXPECT_FALSE(view.pairing()->isOpen()) << "the sheet closes with its account";
+}
+
+TEST_F(Settings, aBrowserChannelIsSyncedAndItsSessionForgottenWithoutASheet)
+{
+    const QString id = connectAccount("LINKEDIN");
+    report({ { "type", "status" }, { "state", "open" } });
+    view.perform(id, "sync");
+    ASSERT_EQ(world.launcher.last().commands().size(), 1);
+    EXPECT_EQ(world.launcher.last().commands()[0]["cmd"].toString(), "sync");
+
+    world.home.write(".corvane-linkedin/linkedin/Cookies", "x");
+    world.launcher.expect(FakeLauncher::stays());
+    view.perform(id, "resetSession");
+    EXPECT_FALSE(QFileInfo::exists(world.home.path(".corvane-linkedin/linkedin")));
+    EXPECT_FALSE(view.pairing()->isOpen());
+}
+
+TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
+{
+    const QString id = connectAccount("TELEGRAM", { { "token", "t" } });
+    world.engines.db().run(QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id)"
+                                          " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"));
+    view.perform(id, "remove");
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_EQ(model->rowCount(), 0);
+    EXPECT_FALSE(world.keychain.get("telegram"));
+    EXPECT_EQ(world.cell("SELECT COUNT(*) FROM unified_conversation WHERE deleted_at IS NULL"), "1");
+
+    view.perform(id, "start");
+    view.perform("no uuid", "remove");
+    EXPECT_EQ(world.launcher.children.size(), 1) << "what is gone is left alone";
+}
+
+TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
+{
+    connectAccount(whatsApp, { { "name", "Sales" } });
+    EXPECT_EQ(column("lastMessage")[0], "No messages yet");
+    view.setVisible(false);
+    world.engines.db().run(
+        QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id, last_ts, workspace_id)"
+                       " VALUES('a','WHATSAPP','sales','1',?,'w1'),('b','WHATSAPP','sales','2',5,'local'),"
+                       "('c','WHATSAPP','other','3',9,'local');"),
+        { world.clock.nowMs() - 60'000 });
+    report({ { "type", "status" }, { "state", "open" } });
+    EXPECT_EQ(column("lastMessage")[0], "No messages yet");
+    view.setVisible(true);
+    // 1 760 000 000 seconds after the epoch is 10:53:20 in Berlin.
+    EXPECT_EQ(column("lastMessage")[0], "Last message 10:52");
+}
+
+TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
+{
+    SyncSettings& sync = *view.sync();
+    EXPECT_EQ(sync.stateText(), "Not signed in");
+    EXPECT_EQ(sync.actionLabel(), "Sign in to Nimb");
+    sync.signInOrOut();
+    EXPECT_EQ(world.desktop.opened.size(), 1);
+
+    session.setAuth("token", "d");
+    EXPECT_EQ(sync.stateText(), "Signed in");
+    session.setWebRejected(true);
+    EXPECT_EQ(sync.stateText(), "Web rejected this Mac's session — sign out and sign in again");
+    EXPECT_EQ(sync.stateKind(), "bad");
+    EXPECT_EQ(sync.actionLabel(), "Sign Out");
+    sync.signInOrOut();
+    EXPECT_EQ(sync.stateText(), "Not signed in");
+}
+
+TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
+{
+    SyncSettings& sync = *view.sync();
+    EXPECT_TRUE(sync.health().isEmpty());
+    EXPECT_EQ(sync.emptyHealthText(), "No sync_health rows yet - appears after local sync jobs report status.");
+    world.engines.db().run(
+        QStringLiteral("INSERT INTO sync_health(source, status, last_finished_at, last_error, updated_at)"
+                       " VALUES('crm','error',1,'no route',1),('inbox','ok',?,NULL,1);"),
+        { world.clock.nowMs() - 3 * 3'600'000 });
+    sync.queuePull();
+    ASSERT_EQ(sync.health().size(), 2);
+    EXPECT_EQ(sync.health()[0].toMap()["source"], "inbox");
+    EXPECT_EQ(sync.health()[0].toMap()["detail"], "Finished 3 hours ago");
+    EXPECT_EQ(sync.health()[1].toMap()["detail"], "no route");
+    EXPECT_EQ(sync.health()[1].toMap()["kind"], "bad");
+    EXPECT_EQ(
+        world.cell("SELECT kind || ' ' || status || ' ' || source FROM sync_command"), "web_pull pending settings");
+    EXPECT_TRUE(sync.queuedText().startsWith("Queued as sync:"));
+}
+
+TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
+{
+    ToolServerCard& card = *view.toolServer();
+    EXPECT_EQ(card.stateText(), "Stopped");
+    EXPECT_EQ(card.url(), "http://127.0.0.1:8765/mcp");
+    world.launcher.expect(FakeLauncher::stays());
+    EXPECT_EQ(card.actionLabel(), "Start");
+    card.startOrStop();
+    ASSERT_TRUE(await([&] {
+        world.settle();
+        return card.running();
+    }));
+    EXPECT_EQ(card.stateText(), "Running");
+    EXPECT_EQ(card.actionLabel(), "Stop");
+    card.startOrStop();
+    EXPECT_FALSE(card.running());
+    EXPECT_TRUE(world.launcher.last().terminated);
+}
+
+TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
+{
+    const QVariantMap slack = view.connectFlows().value(5).toMap();
+    EXPECT_EQ(slack["channel"], "SLACK");
+    EXPECT_EQ(slack["fields"].toList()[0].toMap()["masked"], true);
+    view.setSection("system");
+    view.setSection("nowhere");
+    EXPECT_EQ(view.section(), "system");
+    SystemSettings& system = *view.system();
+    EXPECT_TRUE(system.notifyOnNewMessage());
+    system.setNotifyOnNewMessage(false);
+    EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);
+    EXPECT_EQ(system.secretsPlace(), world.secrets.description());
+    EXPECT_EQ(system.dataFolder(), world.home.paths().applicationSupport);
+}
+
+}

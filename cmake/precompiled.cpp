@@ -1,0 +1,1 @@
+// Compiles the precompiled header of cmake/CorvaneRoom.cmake.
