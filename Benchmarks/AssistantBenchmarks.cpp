@@ -11,6 +11,7 @@
 #include "Platform/MachineFacts.h"
 #include "Platform/ToolRunner.h"
 #include "Store/Core/LocalDB.h"
+#include "Support/Places.h"
 #include "Support/VirtualScheduler.h"
 
 #include <QCoreApplication>

@@ -6,6 +6,7 @@
 #include "Foundation/UserDefaults.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/Places.h"
 
 #include <QCryptographicHash>
 #include <QDir>

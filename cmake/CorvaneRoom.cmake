@@ -48,6 +48,16 @@ function(corvane_precompile target)
     file(REMOVE "${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp")
 endfunction()
 
+# "Support/Places.h": where the checkout and the children of the tests are. A header and no definitions on the
+# command line, which would keep worktrees from sharing the compile cache.
+add_library(corvane_places INTERFACE)
+target_include_directories(corvane_places INTERFACE "${CMAKE_BINARY_DIR}/generated")
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/generated/Support/Places.h" CONTENT [[
+#pragma once
+#define CORVANE_SOURCE "@CMAKE_SOURCE_DIR@"
+#define CORVANE_TEST_PROGRAMS "@CMAKE_BINARY_DIR@/Tests/Support"
+]] @ONLY)
+
 # One line of ctest: the program runs on its own, without a display, in a home of its own.
 function(corvane_test target)
     add_test(NAME ${target} COMMAND ${target})

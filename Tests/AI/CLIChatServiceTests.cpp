@@ -5,6 +5,7 @@
 #include "Support/Await.h"
 #include "Support/LogCapture.h"
 #include "Support/Outcome.h"
+#include "Support/Places.h"
 #include "Support/TemporaryHome.h"
 
 #include <QDir>

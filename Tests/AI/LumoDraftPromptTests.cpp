@@ -1,6 +1,7 @@
 #include "AI/LumoDraftPrompt.h"
 
 #include "Foundation/Json.h"
+#include "Support/Places.h"
 #include "Support/Print.h"
 
 #include <QFile>

@@ -1,5 +1,6 @@
 #include "AI/LumoDraftPrompt.h"
 #include "AI/UngroundedFacts.h"
+#include "Support/Places.h"
 #include "Support/Print.h"
 
 #include <QFile>

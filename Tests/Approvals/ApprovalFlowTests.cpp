@@ -10,6 +10,7 @@
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/NotificationDaemon.h"
+#include "Support/Places.h"
 #include "Support/PrivateBus.h"
 
 #include <QDir>

@@ -7,6 +7,7 @@
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
 #include "Support/Environment.h"
+#include "Support/Places.h"
 
 #include <QElapsedTimer>
 #include <QFile>

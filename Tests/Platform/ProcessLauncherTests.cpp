@@ -3,6 +3,7 @@
 #include "Platform/Linux/Services.h"
 #include "Platform/ProcessLauncher.h"
 #include "Support/Await.h"
+#include "Support/Places.h"
 #include "Support/Print.h"
 #include "Support/VirtualScheduler.h"
 

@@ -1,4 +1,5 @@
 #include "Support/Await.h"
+#include "Support/Places.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 

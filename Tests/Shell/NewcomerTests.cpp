@@ -11,6 +11,7 @@
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
 #include "Support/Environment.h"
+#include "Support/Places.h"
 #include "Support/Print.h"
 #include "Support/Rows.h"
 

@@ -1,3 +1,4 @@
+#include "Support/Places.h"
 #include "Support/StoreTest.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "Support/EnginesNode.h"
+#include "Support/Places.h"
 
 #include <QProcess>
 #include <gtest/gtest.h>

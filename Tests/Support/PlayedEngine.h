@@ -14,6 +14,7 @@
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Support/FakeSecretStore.h"
+#include "Support/Places.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -1,4 +1,5 @@
 #include "Support/TemporaryHome.h"
+#include "Support/Places.h"
 
 #include <QDir>
 #include <QFile>
