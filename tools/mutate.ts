@@ -1,0 +1,90 @@
+// The sampling of tools/mutate: node mutate.ts TREE SEED COUNT [ROOM...]
+import { spawnSync } from 'node:child_process';
+import { existsSync, readFileSync, readdirSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+
+type Fault = { file: string; line: number; before: string; after: string };
+
+const [tree, seed, count, ...wanted] = process.argv.slice(2);
+const rooms = 'Sources/Corvane';
+
+/** The mulberry32 generator: small, seeded, good enough to sample with. */
+function randomNumbers(start: number): () => number {
+    let state = start >>> 0;
+    return () => {
+        state = (state + 0x6d2b79f5) >>> 0;
+        let mixed = Math.imul(state ^ (state >>> 15), state | 1);
+        mixed ^= mixed + Math.imul(mixed ^ (mixed >>> 7), mixed | 61);
+        return ((mixed ^ (mixed >>> 14)) >>> 0) / 2 ** 32;
+    };
+}
+
+const flips: [RegExp, string][] = [
+    [/ == /, ' != '], [/ != /, ' == '], [/ <= /, ' < '], [/ >= /, ' > '], [/ < (?=[\w(])/, ' <= '], [/ > (?=[\w(])/, ' >= '],
+    [/ && /, ' || '], [/ \|\| /, ' && '], [/ \+ (?=[\w(])/, ' - '], [/ - (?=[\w(])/, ' + '], [/\+\+(?=\w)/, '--'],
+    [/\btrue\b/, 'false'], [/\bfalse\b/, 'true'], [/\bif \(!/, 'if ('], [/\bif \((?!!|const |auto )/, 'if (!'],
+    [/\breturn ([^;{}]*[\w)]);/, 'return {};'],
+];
+/** A whole call or assignment on a line of its own; declarations, returns and jumps are none. */
+const statement = /^\s+(?!return\b|break\b|continue\b|case\b|const\b|auto\b|static\b|using\b|co_return\b|delete\b)[\w.:>()[\]-]+(\(.*\)| [-+|&]?= .*);$/;
+
+function faultsIn(file: string): Fault[] {
+    const faults: Fault[] = [];
+    readFileSync(join(tree, file), 'utf8').split('\n').forEach((before, index) => {
+        if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
+            return;
+        const code = before.replace(/"(\\.|[^"\\])*"/g, (text) => ' '.repeat(text.length)); // no fault inside a text
+        for (const [pattern, to] of flips) {
+            const found = pattern.exec(code);
+            if (found)
+                faults.push({ file, line: index + 1, before,
+                    after: before.slice(0, found.index) + to + before.slice(found.index + found[0].length) });
+        }
+        if (statement.test(before))
+            faults.push({ file, line: index + 1, before, after: '' });
+    });
+    return faults;
+}
+
+function sourcesBelow(folder: string): string[] {
+    return readdirSync(join(tree, folder), { recursive: true, encoding: 'utf8' })
+        .filter((name) => name.endsWith('.cpp')).map((name) => join(folder, name)).sort();
+}
+
+function run(command: string, ...words: string[]): boolean {
+    return spawnSync(command, words, { cwd: tree, stdio: 'ignore', timeout: 900_000 }).status === 0;
+}
+
+/** Nothing where the fault does not compile. */
+function isFound(fault: Fault, room: string): boolean | undefined {
+    const path = join(tree, fault.file);
+    const whole = readFileSync(path, 'utf8');
+    const lines = whole.split('\n');
+    lines[fault.line - 1] = fault.after;
+    writeFileSync(path, lines.join('\n'));
+    try {
+        if (!run('ninja', '-C', 'build/check', `${room}Tests`))
+            return undefined;
+        return !run('ctest', '--preset', 'check', '-R', `^${room}Tests$`);
+    } finally {
+        writeFileSync(path, whole);
+    }
+}
+
+const names = (wanted.length ? wanted : readdirSync(join(tree, rooms)).sort())
+    .filter((room) => existsSync(join(tree, 'Tests', room)) && existsSync(join(tree, rooms, room)));
+const pool = names.flatMap((room) => sourcesBelow(join(rooms, room)).flatMap(faultsIn).map((fault) => ({ room, fault })));
+const random = randomNumbers(Number(seed));
+const survivors: Fault[] = [];
+let tried = 0;
+while (tried < Number(count) && pool.length) {
+    const [{ room, fault }] = pool.splice(Math.floor(random() * pool.length), 1);
+    const found = isFound(fault, room);
+    if (found === undefined)
+        continue;
+    ++tried;
+    console.log(`${found ? 'found   ' : 'SURVIVED'} ${fault.file}:${fault.line}: ${fault.before.trim()}  ->  ${fault.after.trim() || '(dropped)'}`);
+    if (!found)
+        survivors.push(fault);
+}
+console.log(`${tried - survivors.length} of ${tried} faults found`);
