@@ -31,12 +31,15 @@ TEST(WAName, rawAddressesBecomeWords)
         { "@g.us", "Group chat" },
         { "987654321@lid", "WhatsApp user 4321" },
         { "12@lid", "WhatsApp user 12" },
-        { "@lid", "@lid" },
+        { "@lid", "WhatsApp user" },
         { "4917112345678@s.whatsapp.net", "+4917112345678" },
         { "4917112345678@c.us", "+4917112345678" },
-        { "4917112345678:12@s.whatsapp.net", "4917112345678:12@s.whatsapp.net" },
-        { "@s.whatsapp.net", "@s.whatsapp.net" },
+        { "4917112345678:12@s.whatsapp.net", "+4917112345678" },
+        { "@s.whatsapp.net", "WhatsApp user" },
         { "a@b@g.us", "WhatsApp user a" },
+        { "jane@example.com", "jane@example.com" },
+        { "Ana @ work", "Ana @ work" },
+        { "@ana", "@ana" },
     };
     for (const auto& [name, shown] : cases)
         EXPECT_EQ(WAName::pretty(name), shown) << name.toStdString();

@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
+#include "Presentation/WAName.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <algorithm>
@@ -186,8 +187,8 @@ QList<ApprovalRow> ApprovalsView::currentRows()
     for (const PendingDraft& draft : m_store.drafts())
         rows.append(draftRow(draft, secondsLeft(draft.id)));
     for (const CRMUpdateProposal& proposal : m_store.proposals())
-        rows.append(
-            proposalRow(proposal, proposal.contactId.isEmpty() ? QString() : displayName(m_db, proposal.contactId)));
+        rows.append(proposalRow(proposal,
+            proposal.contactId.isEmpty() ? QString() : WAName::pretty(displayName(m_db, proposal.contactId))));
     for (const WorkDecisionRecord& decision : m_store.decisions())
         rows.append(decisionRow(decision));
     return rows;

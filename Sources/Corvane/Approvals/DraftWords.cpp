@@ -1,13 +1,14 @@
 #include "Approvals/DraftWords.h"
 
 #include "Engines/DraftDelivery.h"
+#include "Presentation/WAName.h"
 
 namespace corvane {
 
 QString draftStatusTitle(const PendingDraft& draft)
 {
-    const QString target
-        = (draft.title.isEmpty() ? draft.externalId : draft.title) + QStringLiteral(" · ") + draft.channel;
+    const QString target = WAName::pretty(draft.title.isEmpty() ? draft.externalId : draft.title)
+        + QStringLiteral(" · ") + draft.channel;
     const QString status = draft.status.toLower();
     if (status == u"placed")
         return QStringLiteral("Placed in browser for ") + target;
@@ -17,6 +18,10 @@ QString draftStatusTitle(const PendingDraft& draft)
         return QStringLiteral("Sending from local Mac to ") + target;
     if (draft.source.toLower() == u"web" || !draft.webAckStatus.isEmpty())
         return QStringLiteral("Web draft waiting for local approval · ") + target;
+    if (draft.source == u"forward")
+        return QStringLiteral("You forward to ") + target;
+    if (draft.source == u"compose")
+        return QStringLiteral("You write to ") + target;
     return QStringLiteral("AI wants to send to ") + target;
 }
 

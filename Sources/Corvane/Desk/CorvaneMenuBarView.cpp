@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/NotificationCentre.h"
+#include "Presentation/WAName.h"
 #include "Store/Work/DigestQueries.h"
 #include "Web/SessionStore.h"
 
@@ -161,7 +162,7 @@ void CorvaneMenuBarView::readDay()
     m_glance.clear();
     for (const InboxGlanceRow& row : fetchInboxGlance(m_at.engine.db(), glanceRows))
         m_glance.append(QVariantMap { { QStringLiteral("contactId"), row.contactId },
-            { QStringLiteral("channel"), row.channel }, { QStringLiteral("title"), row.title },
+            { QStringLiteral("channel"), row.channel }, { QStringLiteral("title"), WAName::pretty(row.title) },
             { QStringLiteral("snippet"), row.snippet.simplified() }, { QStringLiteral("unread"), row.unread } });
 }
 

@@ -1,5 +1,6 @@
 #include "Presentation/WAName.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace corvane::WAName {
@@ -17,6 +18,14 @@ bool isAllDigits(const QString& text)
         && std::ranges::all_of(text, [](QChar character) { return character >= u'0' && character <= u'9'; });
 }
 
+/// A mail address, and whatever else holds an "@", is a name that a person can read.
+bool isNetworkAddress(const QString& text)
+{
+    static const QRegularExpression domain(
+        QStringLiteral("@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|hosted|hosted\\.lid|newsletter|broadcast|bot|call)$"));
+    return text.contains(domain);
+}
+
 }
 
 QString pretty(const QString& name)
@@ -24,9 +33,9 @@ QString pretty(const QString& name)
     const QString trimmed = name.trimmed();
     if (trimmed.isEmpty() || trimmed == QStringLiteral("Unknown"))
         return QStringLiteral("Unknown");
-    const qsizetype at = trimmed.indexOf(u'@');
-    if (at < 0)
+    if (!isNetworkAddress(trimmed))
         return trimmed;
+    const qsizetype at = trimmed.indexOf(u'@');
     const QString user = trimmed.first(at);
     const QString domain = trimmed.sliced(at + 1);
     const QString tail = user.right(4);
@@ -36,9 +45,11 @@ QString pretty(const QString& name)
         return withTail(QStringLiteral("Broadcast"), tail);
     if (domain == QStringLiteral("g.us"))
         return withTail(QStringLiteral("Group chat"), tail);
-    if (domain == QStringLiteral("s.whatsapp.net") || domain == QStringLiteral("c.us"))
-        return isAllDigits(user) ? u'+' + user : trimmed;
-    return tail.isEmpty() ? trimmed : QStringLiteral("WhatsApp user ") + tail;
+    if (domain == QStringLiteral("s.whatsapp.net") || domain == QStringLiteral("c.us")) {
+        const QString digits = user.section(u':', 0, 0); // the number of a device follows
+        return isAllDigits(digits) ? u'+' + digits : withTail(QStringLiteral("WhatsApp user"), tail);
+    }
+    return withTail(QStringLiteral("WhatsApp user"), tail);
 }
 
 }

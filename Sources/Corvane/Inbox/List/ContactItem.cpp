@@ -9,7 +9,6 @@
 #include "Presentation/WAName.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 
 namespace corvane {
 
@@ -22,19 +21,6 @@ QString lineOf(const QString& text)
 {
     const QString line = singleLine(BodyText::printable(text.left(2 * snippetLength)));
     return firstCharacters(line, snippetLength);
-}
-
-// A mail address is a good name on a mail channel, and no name at all where only WhatsApp writes.
-QString nameOf(const QString& name, const QStringList& platforms)
-{
-    static const QRegularExpression network(
-        QStringLiteral("@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|newsletter|broadcast)$"));
-    const bool onlyWhatsApp
-        = platforms.contains(QStringLiteral("WHATSAPP")) && !platforms.contains(QStringLiteral("EMAIL"));
-    const QString trimmed = lineOf(name);
-    if (trimmed.isEmpty() || onlyWhatsApp || trimmed.contains(network))
-        return WAName::pretty(trimmed);
-    return trimmed;
 }
 
 QString snippetOf(const QString& body, const QString& mediaType)
@@ -83,7 +69,7 @@ QString snippetAround(const QString& text, const QString& query)
 
 QString contactName(const ContactRow& row)
 {
-    return nameOf(row.name, row.platforms);
+    return WAName::pretty(lineOf(row.name));
 }
 
 ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words)
@@ -113,7 +99,7 @@ MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const
     MessageHitItem item;
     item.id = hit.id;
     item.contactId = hit.contactId;
-    item.name = nameOf(hit.contactName, { hit.channel });
+    item.name = WAName::pretty(lineOf(hit.contactName));
     item.platform = hit.channel;
     item.platformLabel = channelLabel(hit.channel);
     item.snippet = snippetAround(hit.snippet, query);
