@@ -3,6 +3,8 @@
 #include "CRM/ContactsBridge.h"
 #include "Platform/AddressBook.h"
 #include "Store/Messages/InboxQueries.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/People/IdentityQueries.h"
 #include "Support/Await.h"
 
 using namespace corvane;
@@ -164,7 +166,22 @@ TEST_F(IngestTest, theOpenThreadAndAMutedPersonRaiseNoBanner)
     EXPECT_EQ(world.banners.shown.first().title, u"Ana R."_s);
     world.clock.advance(seconds(5));
     message({ { u"convTitle"_s, QJsonValue() } });
-    EXPECT_EQ(world.banners.shown.last().title, u"34600@s.whatsapp.net"_s);
+    EXPECT_EQ(world.banners.shown.last().title, u"+34600"_s);
+}
+
+TEST_F(IngestTest, whoWasMergedNotifiesAsTheOneThatTheyAre)
+{
+    LocalDB& db = world.engines.db();
+    const QString mail = ensureContactId(db, u"EMAIL"_s, u"ana@x.y"_s, u"Ana"_s);
+    message({ { u"historical"_s, true } });
+    ASSERT_TRUE(mergeContacts(db, mail, ana, u"name"_s));
+    world.engines.setOpenContactId(mail);
+    message({ { u"providerMsgId"_s, u"b"_s } });
+    EXPECT_TRUE(world.banners.shown.isEmpty()) << "their thread is open";
+    world.engines.setOpenContactId(QString());
+    message({ { u"providerMsgId"_s, u"c"_s } });
+    ASSERT_EQ(world.banners.shown.size(), 1);
+    EXPECT_EQ(world.banners.shown.first().thread, mail);
 }
 
 TEST_F(IngestTest, aMessageNeedsItsThreeKeysAsTexts)

@@ -117,6 +117,28 @@ TEST_F(IdentityTest, aMergeMovesTheConversationsAndAnUnmergeReturnsExactlyThose)
     EXPECT_EQ(effectiveContactId(*m_db, anaToo), anaToo);
 }
 
+TEST_F(IdentityTest, aPictureIsLentToWhoHasNoneAndTakenBack)
+{
+    const QString plain = person("EMAIL", "ana@example.com", "Ana");
+    const QString pictured = person("SMS", "1", "Ana");
+    const QString late = person("SMS", "2", "Ana");
+    const auto picture = [&](const QString& contact) {
+        return m_db->scalar("SELECT COALESCE(avatar_path,'') FROM contact WHERE id=?;", { contact }).value_or("-");
+    };
+    setContactAvatar(*m_db, pictured, "/1.jpg");
+    const auto merge = mergeContacts(*m_db, plain, pictured, "name");
+    EXPECT_EQ(picture(plain), "/1.jpg");
+    ASSERT_TRUE(merge && unmergeContacts(*m_db, *merge));
+    EXPECT_EQ(picture(plain) + picture(pictured), "/1.jpg");
+
+    ASSERT_TRUE(mergeContacts(*m_db, plain, late, "name"));
+    setContactAvatar(*m_db, late, "/2.jpg");
+    EXPECT_EQ(picture(plain), "/2.jpg") << "one that comes after the merge";
+    setContactAvatar(*m_db, plain, "/own.jpg");
+    setContactAvatar(*m_db, late, "/3.jpg");
+    EXPECT_EQ(picture(plain), "/own.jpg");
+}
+
 TEST_F(IdentityTest, aMergeIsRepeatedForWhatCameBackAndForWhatIsNew)
 {
     const QString ana = person("EMAIL", "ana@example.com", "Ana");

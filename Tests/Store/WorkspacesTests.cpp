@@ -137,7 +137,16 @@ INSERT INTO call_recording(id, contact_id, conversation_id, started_at, created_
   VALUES('call','web:contact:7','web:WHATSAPP:123',1,1,1);
 INSERT INTO crm_update_proposal(id, call_id, contact_id, deal_id, kind, title, payload_json, created_at, updated_at)
   VALUES('p','call','web:contact:7','web:deal:9','note','t','{}',1,1);
-INSERT INTO crm_task(id, title) VALUES('tk:1','call back');)");
+INSERT INTO crm_task(id, title, contact_id) VALUES('tk:1','call back','web:contact:7');
+INSERT INTO crm_deal(id, contact_id) VALUES('dl:1','web:contact:7');
+INSERT INTO contact_tag(id, contact_id, tag) VALUES('t','web:contact:7','vip');
+INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, conv_ids_json, created_at)
+  VALUES('mg','local','web:contact:7','web:contact:8','["wa:main:456","web:WHATSAPP:123"]',1);
+INSERT INTO outbound_draft(id, conversation_id, channel, account_id, external_id, body, created_at, updated_at)
+  VALUES('od','web:WHATSAPP:123','WHATSAPP','main','123','hello',1,1);
+INSERT INTO draft_metadata(id, contact_id, conversation_id, intent, created_at)
+  VALUES('dm','web:contact:7','web:WHATSAPP:123','draft_reply',1);
+INSERT INTO work_memory_entries(id, scope) VALUES('m','contact:web:contact:7'), ('b','business');)");
     EXPECT_EQ(selectWorkspace(*m_db, " w1\n", QString("o1")), "w1");
     EXPECT_EQ(table("SELECT id, workspace_id, contact_id FROM unified_conversation ORDER BY id"),
         (QStringList { "wa:main:456|w1|ct:SMS:1", "web:w1:WHATSAPP:123|w1|web:w1:contact:7" }));
@@ -149,7 +158,16 @@ INSERT INTO crm_task(id, title) VALUES('tk:1','call back');)");
         (QStringList { "web:w1:contact:7", "web:w1:contact:7" }));
     EXPECT_EQ(table("SELECT id, contact_id FROM deal"), QStringList { "web:w1:deal:9|web:w1:contact:7" });
     EXPECT_EQ(cell("SELECT id FROM company;"), "web:w1:company:3");
-    EXPECT_EQ(cell("SELECT workspace_id FROM crm_task;"), "w1");
+    EXPECT_EQ(table("SELECT workspace_id, contact_id FROM crm_task UNION ALL SELECT workspace_id, contact_id FROM "
+                    "crm_deal UNION ALL SELECT workspace_id, contact_id FROM contact_tag"),
+        QStringList(3, "w1|web:w1:contact:7"));
+    EXPECT_EQ(table("SELECT workspace_id, primary_contact_id, merged_contact_id, conv_ids_json FROM contact_merge"),
+        QStringList { R"(w1|web:w1:contact:7|web:w1:contact:8|["wa:main:456","web:w1:WHATSAPP:123"])" });
+    EXPECT_EQ(table("SELECT conversation_id, contact_id FROM draft_metadata UNION ALL SELECT conversation_id, "
+                    "external_id FROM outbound_draft"),
+        (QStringList { "web:w1:WHATSAPP:123|web:w1:contact:7", "web:w1:WHATSAPP:123|123" }));
+    EXPECT_EQ(table("SELECT scope FROM work_memory_entries ORDER BY id"),
+        (QStringList { "business", "contact:web:w1:contact:7" }));
     EXPECT_EQ(table("SELECT contact_id, conversation_id, workspace_id FROM call_recording"),
         QStringList { "web:w1:contact:7|web:w1:WHATSAPP:123|w1" });
     EXPECT_EQ(

@@ -4,9 +4,11 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Notifications/Notifier.h"
+#include "Presentation/WAName.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/People/IdentityQueries.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -97,10 +99,13 @@ void Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     const bool historical = event.value(QLatin1StringView("historical")).toBool();
     if (!message.outgoing && !historical) {
         raiseUnread(m_db, conversation);
+        // Of a contact that was merged, the person is another; the conversation comes back to them a moment later.
         const QString contact = contactId(source.channel, *externalId);
-        if (m_openContactId != contact && m_notifier.wouldNotify(contact) && !isMuted(m_db, contact)) {
+        const QString person = personBehind(m_db, contact);
+        if (m_openContactId != person && m_notifier.wouldNotify(person) && !isMuted(m_db, person)
+            && (person == contact || !isMuted(m_db, contact))) {
             const QString name = message.conversationTitle.value_or(message.sender.value_or(*externalId));
-            m_notifier.notifyMessage(contact, name, source.channel, *body);
+            m_notifier.notifyMessage(person, WAName::pretty(name), source.channel, *body);
         }
     }
     Q_EMIT inboxChanged();

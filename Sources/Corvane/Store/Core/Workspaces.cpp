@@ -54,17 +54,27 @@ LIMIT 1;)",
         { id }, [](const SqlRow& row) { return WorkspaceWithData { row.text(0), row.optionalText(1), row.text(2) }; });
 }
 
+/// A column that holds the id of a row of that kind.
+struct Reference {
+    const char* table;
+    const char* column;
+    const char* kind;
+};
+
 /// Gives the rows of "local" to a real workspace. Ids change before the workspace does, since the workspace
-/// tells which rows are meant; references change before the ids that they name. Calls and proposals, whose
-/// references are foreign keys, follow too, or the transaction could not be committed.
+/// tells which rows are meant; references change before the ids that they name.
 void migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
 {
     if (target == fallback)
         return;
-    const auto runFor = [&](const char* sql, const char* table, const QList<SqlValue>& parameters) {
-        db.run(QString::fromUtf8(sql).replace(QLatin1String("{table}"), QLatin1String(table)), parameters);
-    };
-    for (const char* table : { "unified_message", "call_recording" }) {
+    const auto runFor
+        = [&](const char* sql, const char* table, const QList<SqlValue>& parameters, const char* column = "") {
+              db.run(QString::fromUtf8(sql)
+                         .replace(QLatin1String("{table}"), QLatin1String(table))
+                         .replace(QLatin1String("{column}"), QLatin1String(column)),
+                  parameters);
+          };
+    for (const char* table : { "unified_message", "call_recording", "outbound_draft", "draft_metadata" }) {
         runFor(R"(UPDATE {table}
 SET conversation_id='web:' || ? || ':' || substr(conversation_id, 5)
 WHERE conversation_id IN (
@@ -73,26 +83,43 @@ WHERE conversation_id IN (
 );)",
             table, { target });
     }
+    db.run(R"(UPDATE contact_merge SET conv_ids_json=(
+  SELECT json_group_array(CASE WHEN c.id IS NULL THEN moved.value ELSE 'web:' || ?1 || ':' || substr(c.id, 5) END)
+  FROM json_each(contact_merge.conv_ids_json) AS moved
+  LEFT JOIN unified_conversation c ON c.id=moved.value AND c.workspace_id='local'
+    AND c.id = 'web:' || c.channel || ':' || c.external_id)
+WHERE workspace_id='local' AND json_valid(conv_ids_json);)",
+        { target });
     db.run(R"(UPDATE unified_conversation
 SET id='web:' || ? || ':' || substr(id, 5)
 WHERE workspace_id='local' AND id = 'web:' || channel || ':' || external_id;)",
         { target });
-    for (const char* table : { "contact_identity", "contact_note", "deal", "unified_conversation", "call_recording",
-             "crm_update_proposal" }) {
+    const auto legacyIds = [](const char* kind) {
+        return QStringLiteral("web:%1:%").arg(QLatin1String(kind));
+    };
+    for (const auto& [table, column, kind] :
+        { Reference { "contact_identity", "contact_id", "contact" }, { "contact_note", "contact_id", "contact" },
+            { "deal", "contact_id", "contact" }, { "unified_conversation", "contact_id", "contact" },
+            { "call_recording", "contact_id", "contact" }, { "crm_update_proposal", "contact_id", "contact" },
+            { "contact_tag", "contact_id", "contact" }, { "contact_merge", "primary_contact_id", "contact" },
+            { "contact_merge", "merged_contact_id", "contact" }, { "crm_deal", "contact_id", "contact" },
+            { "crm_task", "contact_id", "contact" }, { "draft_metadata", "contact_id", "contact" },
+            { "crm_update_proposal", "deal_id", "deal" }, { "deal", "company_id", "company" } }) {
         runFor(R"(UPDATE {table}
-SET contact_id='web:' || ? || ':' || substr(contact_id, 5)
-WHERE workspace_id='local' AND contact_id LIKE 'web:contact:%';)",
-            table, { target });
+SET {column}='web:' || ? || ':' || substr({column}, 5)
+WHERE workspace_id='local' AND {column} LIKE ?;)",
+            table, { target, legacyIds(kind) }, column);
     }
-    db.run(R"(UPDATE crm_update_proposal
-SET deal_id='web:' || ? || ':' || substr(deal_id, 5)
-WHERE workspace_id='local' AND deal_id LIKE 'web:deal:%';)",
-        { target });
+    if (db.tableExists(QStringLiteral("work_memory_entries"))) {
+        db.run(R"(UPDATE work_memory_entries SET scope='contact:web:' || ? || ':' || substr(scope, 13)
+WHERE substr(scope, 9) IN (SELECT id FROM contact WHERE workspace_id='local' AND id LIKE 'web:contact:%');)",
+            { target });
+    }
     for (const char* table : { "contact", "company", "deal" }) {
         runFor(R"(UPDATE {table}
 SET id='web:' || ? || ':' || substr(id, 5)
 WHERE workspace_id='local' AND id LIKE ?;)",
-            table, { target, QStringLiteral("web:%1:%").arg(QLatin1String(table)) });
+            table, { target, legacyIds(table) });
     }
     for (const char* table : { "unified_conversation", "unified_message", "contact", "contact_identity",
              "contact_merge", "contact_tag", "contact_note", "pipeline", "deal", "company", "crm_deal", "crm_task",

@@ -3,6 +3,7 @@
 #include "Foundation/Ids.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmQueue.h"
+#include "Store/People/IdentityQueries.h"
 
 #include <QJsonObject>
 #include <algorithm>
@@ -137,6 +138,7 @@ WHERE provider_msg_id=?;)",
 void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path)
 {
     db.run("UPDATE contact SET avatar_path=?, updated_at=? WHERE id=?;", { path, db.nowMs(), contactId });
+    lendPicture(db, contactId);
 }
 
 void setContactName(LocalDB& db, const QString& contactId, const QString& name)

@@ -45,6 +45,15 @@ bool recordInMerge(LocalDB& db, const QString& merged, const QString& conversati
 
 }
 
+void lendPicture(LocalDB& db, const QString& merged)
+{
+    const QString person = personBehind(db, merged);
+    if (person != merged)
+        db.run(R"(UPDATE contact SET avatar_path=(SELECT avatar_path FROM contact WHERE id=?), updated_at=?
+WHERE id=? AND COALESCE(avatar_path,'')='';)",
+            { merged, db.nowMs(), person });
+}
+
 std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const QString& merged, const QString& signal)
 {
     if (primary == merged)
@@ -65,6 +74,7 @@ VALUES(?,?,?,?,?,?,?);)",
         return std::nullopt;
     for (const QString& conversation : conversations)
         db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { primary, conversation });
+    lendPicture(db, merged);
     return id;
 }
 
@@ -86,6 +96,11 @@ bool unmergeContacts(LocalDB& db, const QString& mergeId)
         returned
             = db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { *merged, conversation.toString() })
             && returned;
+    // A picture is a file of one contact, so one that both have was lent.
+    db.run(R"(UPDATE contact SET avatar_path=NULL, updated_at=?
+WHERE id=(SELECT primary_contact_id FROM contact_merge WHERE id=?)
+  AND avatar_path=(SELECT NULLIF(avatar_path,'') FROM contact WHERE id=?);)",
+        { db.nowMs(), mergeId, *merged });
     return returned && db.run("UPDATE contact_merge SET undone_at=? WHERE id=?;", { db.nowMs(), mergeId });
 }
 

@@ -40,12 +40,16 @@ struct ContactIdentity {
 /// that contact. Contacts without a conversation, and pairs that are merged already, are left out.
 QList<MergeCandidate> suggestedMerges(LocalDB& db, int limit, const QString& touching = {});
 
-/// Moves the merged contact's conversations to the primary. Returns the merge's id, or nothing where there is
+/// Moves the merged contact's conversations to the primary, and lends it the merged one's picture where it has none.
+/// Returns the merge's id, or nothing where there is
 /// nothing to move or the merge could not be recorded; then nothing has moved.
 std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const QString& merged, const QString& signal);
 
 /// Gives the recorded conversations back, and no others. False where no live merge of that id is on record.
 bool unmergeContacts(LocalDB& db, const QString& mergeId);
+
+/// The person that the contact was merged into, if any, shows its picture where they have none of their own.
+void lendPicture(LocalDB& db, const QString& merged);
 
 /// A new message gives its conversation back to its own contact, whose thread a live merge hides. Repeats such merges,
 /// recording what moves so that an unmerge returns it. Merges that lead in a circle are left as they are.
