@@ -103,7 +103,7 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     const QString slug = account.slug;
     composer.setText("hello");
     composer.setReplyPlatform("EMAIL");
-    EXPECT_EQ(composer.placeholder(), "Reply on Email");
+    EXPECT_EQ(composer.placeholder(), "Reply on Email · Ctrl+Return sends");
     composer.send();
     EXPECT_EQ(composer.sendError(), "Account mail is not connected") << "an account that is gone";
     engines.db().exec("UPDATE unified_conversation SET deleted_at=1 WHERE channel='EMAIL';");

@@ -62,6 +62,14 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_EQ(sent(), QStringList(u"jk e\nm?"_s));
     EXPECT_EQ(inbox.composer()->text(), u""_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
+
+    settings.system()->setReturnSends(true);
+    EXPECT_TRUE(inbox.composer()->placeholder().endsWith(u" · Return sends"_s));
+    type(u"by"_s);
+    press(Qt::Key_Return, Qt::ShiftModifier);
+    type(u"choice"_s);
+    press(Qt::Key_Return);
+    EXPECT_EQ(sent().last(), u"by\nchoice"_s);
     press(Qt::Key_Escape);
     EXPECT_TRUE(focusWithin(u"thread.list"_s));
 }

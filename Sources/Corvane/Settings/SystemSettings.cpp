@@ -3,6 +3,7 @@
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
+#include "Presentation/SendKeys.h"
 
 namespace corvane {
 
@@ -30,6 +31,19 @@ void SystemSettings::setNotifyOnNewMessage(bool on)
     if (on == notifyOnNewMessage())
         return;
     m_defaults.setBoolean(notifyKey, on);
+    Q_EMIT changed();
+}
+
+bool SystemSettings::returnSends() const
+{
+    return corvane::returnSends(m_defaults);
+}
+
+void SystemSettings::setReturnSends(bool on)
+{
+    if (on == returnSends())
+        return;
+    corvane::setReturnSends(m_defaults, on);
     Q_EMIT changed();
 }
 

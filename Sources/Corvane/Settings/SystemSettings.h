@@ -9,12 +9,15 @@ class Keychain;
 class UserDefaults;
 struct AppPaths;
 
-/// What concerns this machine: banners, and where things are kept.
+/// What concerns this machine: banners, keys, and where things are kept.
 class SystemSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool notifyOnNewMessage READ notifyOnNewMessage WRITE setNotifyOnNewMessage NOTIFY changed)
     Q_PROPERTY(QString notifyLabel READ notifyLabel CONSTANT)
     Q_PROPERTY(QString notifyHint READ notifyHint CONSTANT)
+    Q_PROPERTY(bool returnSends READ returnSends WRITE setReturnSends NOTIFY changed)
+    Q_PROPERTY(QString returnSendsLabel READ returnSendsLabel CONSTANT)
+    Q_PROPERTY(QString returnSendsHint READ returnSendsHint CONSTANT)
     Q_PROPERTY(QString secretsPlace READ secretsPlace CONSTANT)
     Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
 public:
@@ -24,6 +27,13 @@ public:
     void setNotifyOnNewMessage(bool on);
     QString notifyLabel() const { return QStringLiteral("Notify on new messages"); }
     QString notifyHint() const { return QStringLiteral("Banners for new messages and for approvals that wait."); }
+    bool returnSends() const; ///< a missing setting counts as off
+    void setReturnSends(bool on);
+    QString returnSendsLabel() const { return QStringLiteral("Return sends"); }
+    QString returnSendsHint() const
+    {
+        return QStringLiteral("Shift+Return begins a new line. Ctrl+Return sends either way.");
+    }
     QString secretsPlace() const; ///< such as "the desktop's keyring"
     QString dataFolder() const;
 

@@ -23,6 +23,7 @@ Screens::Screens(const Surroundings& at)
     };
     QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
+    QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
     QObject::connect(&shell, &AppShell::conversationRequested, &inbox, &InboxView::select);
 }
 

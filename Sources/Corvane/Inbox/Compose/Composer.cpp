@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Inbox/Compose/DroppedText.h"
 #include "Inbox/Compose/ReplyRouting.h"
+#include "Presentation/SendKeys.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <QDir>
@@ -29,6 +30,7 @@ Composer::Composer(const Surroundings& surroundings, QObject* parent)
     , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
 {
     connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
+    connect(this, &Composer::replyPlatformChanged, this, &Composer::hintsChanged);
 }
 
 Composer::~Composer() = default;
@@ -105,7 +107,18 @@ QString Composer::replyPlatformLabel() const
 
 QString Composer::placeholder() const
 {
-    return m_replyPlatform.isEmpty() ? QString() : QStringLiteral("Reply on ") + replyPlatformLabel();
+    return m_replyPlatform.isEmpty() ? QString()
+                                     : QStringLiteral("Reply on %1 · %2 sends").arg(replyPlatformLabel(), sendKeys());
+}
+
+bool Composer::returnSends() const
+{
+    return corvane::returnSends(m_defaults);
+}
+
+QString Composer::sendKeys() const
+{
+    return corvane::sendKeys(m_defaults);
 }
 
 void Composer::apply(const QString& text, Placement placement)

@@ -25,7 +25,9 @@ class Composer : public QObject {
     Q_PROPERTY(QVariantList replyPlatforms READ replyPlatforms NOTIFY contactChanged) ///< of {key, label}
     Q_PROPERTY(QString replyPlatform READ replyPlatform WRITE setReplyPlatform NOTIFY replyPlatformChanged)
     Q_PROPERTY(QString replyPlatformLabel READ replyPlatformLabel NOTIFY replyPlatformChanged)
-    Q_PROPERTY(QString placeholder READ placeholder NOTIFY replyPlatformChanged)
+    Q_PROPERTY(QString placeholder READ placeholder NOTIFY hintsChanged)
+    Q_PROPERTY(bool returnSends READ returnSends NOTIFY hintsChanged) ///< Ctrl+Return always does
+    Q_PROPERTY(QString sendKeys READ sendKeys NOTIFY hintsChanged)
     Q_PROPERTY(QString sendError READ sendError NOTIFY sendErrorChanged)
     Q_PROPERTY(bool editing MEMBER m_editing NOTIFY editingChanged) ///< the field has the keys
     Q_PROPERTY(corvane::VoiceRecorder* voice READ voice CONSTANT)
@@ -60,6 +62,8 @@ public:
     void setReplyPlatform(const QString& platform); ///< one that the contact has
     QString replyPlatformLabel() const;
     QString placeholder() const;
+    bool returnSends() const;
+    QString sendKeys() const;
     const QString& sendError() const { return m_sendError; }
     VoiceRecorder* voice() { return &m_voice; }
     bool showsVoice() const;
@@ -80,6 +84,7 @@ Q_SIGNALS:
     void textChanged();
     void undoChanged();
     void replyPlatformChanged();
+    void hintsChanged();
     void sendErrorChanged();
     void editingChanged();
     void voiceShown();

@@ -15,7 +15,9 @@ FocusScope {
     readonly property bool editing: area.activeFocus
     readonly property int captionHeight: label ? caption.height + Theme.tight : 0
 
-    signal submitted ///< Ctrl+Return
+    property bool returnSubmits: false ///< not only Ctrl+Return; Shift+Return begins a new line then
+
+    signal submitted
 
     function moveToEnd() {
         area.cursorPosition = area.length;
@@ -85,7 +87,8 @@ FocusScope {
             onCursorRectangleChanged: view.show(cursorRectangle)
             Keys.onPressed: event => {
                 const enter = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
-                if (enter && (event.modifiers & Qt.ControlModifier)) {
+                const plain = (event.modifiers & ~Qt.KeypadModifier) === Qt.NoModifier;
+                if (enter && (event.modifiers & Qt.ControlModifier || plain && box.returnSubmits)) {
                     event.accepted = true;
                     box.submitted();
                 } else if (event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab) {

@@ -114,6 +114,7 @@ FocusScope {
                 height: implicitHeight
                 focus: true
                 placeholderText: pane.composer.placeholder
+                returnSubmits: pane.composer.returnSends
                 text: pane.composer.text
                 onTextChanged: pane.composer.text = text
                 onSubmitted: pane.composer.send()
@@ -142,7 +143,7 @@ FocusScope {
                     enabled: pane.composer.canSend
                     icon.name: "mail-send"
                     text: qsTr("Send")
-                    hint: Keymap.keysOf("send")
+                    hint: pane.composer.sendKeys
                     onClicked: {
                         pane.composer.send();
                         pane.focusField();

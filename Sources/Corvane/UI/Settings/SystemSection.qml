@@ -47,6 +47,19 @@ Column {
     Card {
         width: parent.width
         SettingRow {
+            label: section.system.returnSendsLabel
+            hint: section.system.returnSendsHint
+            Toggle {
+                objectName: "system.returnSends"
+                checked: section.system.returnSends
+                Accessible.name: section.system.returnSendsLabel
+                onToggled: section.system.returnSends = checked
+            }
+        }
+    }
+    Card {
+        width: parent.width
+        SettingRow {
             label: qsTr("Passwords and tokens")
             hint: section.system.secretsPlace
         }
