@@ -47,8 +47,9 @@ export function emit(event: EngineEvent): void {
 
 /** Hands every command line to `handle`; what is no JSON object is passed over. Ends the process with its input. */
 export function listen(handle: (command: Command) => void): void {
-  const leave = (): never => process.exit(0);
-  process.stdout.on("error", leave);
+  const exit = (): never => process.exit(0);
+  const leave = (): void => void process.stdout.write("", exit); // once all that was printed is out
+  process.stdout.on("error", exit);
   process.on("SIGTERM", leave);
   const lines = createInterface({ input: process.stdin, crlfDelay: Infinity });
   lines.on("line", (line) => {
