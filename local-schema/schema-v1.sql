@@ -279,9 +279,9 @@ CREATE TABLE IF NOT EXISTS work_memory_entries (
   created_at TEXT NOT NULL DEFAULT ''
 );
 
--- A conversation's messages from the newest down, deleted ones apart.
-CREATE INDEX IF NOT EXISTS ix_unified_message_conversation
-  ON unified_message(conversation_id, deleted_at, ts DESC);
+-- A conversation's messages in the order of time, deleted ones apart. Ascending, so that those of the same
+-- millisecond stand in the order in which they were stored, whichever way the index is walked.
+CREATE INDEX IF NOT EXISTS ix_unified_message_thread ON unified_message(conversation_id, deleted_at, ts);
 -- A search walks from the newest message down and stops when it has enough.
 CREATE INDEX IF NOT EXISTS ix_unified_message_time ON unified_message(ts) WHERE deleted_at IS NULL;
 CREATE INDEX IF NOT EXISTS ix_unified_message_provider ON unified_message(provider_msg_id);

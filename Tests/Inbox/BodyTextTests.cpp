@@ -17,7 +17,7 @@ ThreadRow rowOf(const QString& body, const ThreadSurroundings& surroundings = {}
     message.direction = "IN";
     message.ts = 1'760'000'000'000;
     message.body = body;
-    return threadRows(ThreadBuilder::build({ message }), surroundings).last();
+    return threadRows(ThreadBuilder::build({ message }, 0), surroundings).last();
 }
 
 }

@@ -16,6 +16,7 @@ protected:
     {
         receiveFromAnaAndBen();
         inbox.select(ana);
+        restInThread();
     }
 
     QString cell(const QString& sql) { return world().cell(sql); }

@@ -29,6 +29,9 @@ protected:
         engines.start(account);
         engine().printEvent({ { "type", "status" }, { "state", "open" } });
         settle();
+        // As the window tells that stands at the newest message.
+        QObject::connect(inbox.thread(), &ThreadView::changed,
+            [this] { inbox.thread()->reading()->setNewestInSight(!inbox.thread()->hasNewer()); });
         inbox.appear();
     }
 
@@ -47,6 +50,18 @@ protected:
         engine().printEvent(more);
         clock.advance(Milliseconds(110));
     }
+
+    /// Older than all the others, a second apart, without an engine's work.
+    void rememberFrom(const QString& contact, int count)
+    {
+        engines.db().run(R"(WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?)
+INSERT INTO unified_message(id, conversation_id, body, ts)
+SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'old ' || i, ? - (? - i) * 1000 FROM n;)",
+            { count, contact, clock.nowMs() - 86'400'000, count });
+    }
+
+    /// Long enough for the open thread to count as read.
+    void restInThread() { clock.advance(seconds(1)); }
 
     void receiveFromAnaAndBen()
     {

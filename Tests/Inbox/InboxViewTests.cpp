@@ -13,9 +13,13 @@ TEST_F(InboxViewTest, aLineOfAnEngineBecomesARowAndAnOpenThread)
     clock.advance(seconds(1));
     EXPECT_EQ(count("needsMe"), 2);
 
+    inbox.select(ben);
     inbox.select(ana);
     EXPECT_EQ(bodies(), (QStringList { "", "hello", "are you there?" }));
     EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+    clock.advance(Milliseconds(999));
+    EXPECT_EQ(engines.unreadTotal(), 3) << "who passes on the way reads nothing";
+    clock.advance(Milliseconds(1));
     EXPECT_EQ(inbox.selected().unread, 0);
     EXPECT_EQ(engines.openContactId(), ana);
     EXPECT_EQ(engines.unreadTotal(), 1);
@@ -44,7 +48,7 @@ TEST_F(InboxViewTest, aBurstReloadsAtMostTenTimesASecond)
     EXPECT_GE(reloads, 5);
     EXPECT_LE(reloads, 11);
     clock.advance(seconds(1));
-    EXPECT_EQ(bodies().size(), 1000 + 1) << "the oldest thousand, and a date";
+    EXPECT_EQ(bodies().size(), 1000 + 2) << "the newest thousand, and two dates";
     EXPECT_EQ(names().size(), 2);
 }
 
@@ -198,4 +202,67 @@ TEST_F(InboxViewTest, atMidnightTodayIsAnotherDay)
     clock.advance(seconds(86'400));
     EXPECT_EQ(column(inbox.contacts(), "dateGroup"), QStringList("Yesterday"));
     EXPECT_EQ(column(inbox.contacts(), "timeText"), QStringList("Yesterday"));
+}
+
+TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsIt)
+{
+    receiveFromAnaAndBen();
+    rememberFrom(ana, 4500);
+    ThreadView& thread = *inbox.thread();
+    const auto shown = [&] {
+        QStringList said = bodies();
+        said.removeAll(QString());
+        return said;
+    };
+    const auto holds = [&](int first, int last) {
+        const QStringList said = shown();
+        return said.size() == last - first + 1 && said.first() == QStringLiteral("old %1").arg(first)
+            && said.last() == (last > 4500 ? QStringLiteral("hello") : QStringLiteral("old %1").arg(last));
+    };
+    inbox.select(ana);
+    EXPECT_TRUE(holds(3502, 4501));
+    EXPECT_FALSE(thread.canLoadOlder()) << "the database has more";
+    thread.extendOlder();
+    thread.extendOlder();
+    EXPECT_TRUE(holds(1502, 4501));
+    thread.extendOlder();
+    EXPECT_TRUE(holds(502, 3501)) << "pages far away are dropped";
+    restInThread();
+    receive(ana, "while somebody reads far above");
+    restInThread();
+    EXPECT_TRUE(holds(502, 3501));
+    EXPECT_EQ(engines.unreadTotal(), 3);
+
+    thread.extendOlder();
+    EXPECT_TRUE(holds(1, 3000));
+    EXPECT_TRUE(thread.canLoadOlder());
+    thread.extendNewer();
+    thread.extendNewer();
+    EXPECT_EQ(shown().last(), "while somebody reads far above");
+    restInThread();
+    EXPECT_EQ(engines.unreadTotal(), 1) << "Ben's alone";
+
+    inbox.jumpTo("old700");
+    EXPECT_TRUE(holds(200, 1199));
+    EXPECT_EQ(inbox.jumpMsgId(), "old700");
+    thread.showNewest();
+    EXPECT_EQ(shown().size(), 1000);
+    EXPECT_FALSE(thread.hasNewer());
+    thread.showOldest();
+    EXPECT_TRUE(holds(1, 1000));
+
+    inbox.jumpTo("gone");
+    EXPECT_EQ(thread.errorText(), "This message is no longer in the conversation.");
+}
+
+TEST_F(InboxViewTest, historyComesInAboveAReaderAndAGroupStaysAGroup)
+{
+    const QString crew = "ct:WHATSAPP:12@g.us";
+    receive(crew, "both", { { "sender", "Lena" } });
+    inbox.select(crew);
+    inbox.thread()->reading()->setNewestInSight(false);
+    receive(crew, "before", { { "sender", "Omar" }, { "historical", true }, { "ts", clock.nowMs() - 60'000 } });
+    clock.advance(seconds(1));
+    EXPECT_EQ(bodies(), (QStringList { "", "before", "both" }));
+    EXPECT_EQ(column(inbox.thread()->rows(), "senderLabel"), (QStringList { "", "Omar", "Lena" }));
 }

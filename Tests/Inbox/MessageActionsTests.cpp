@@ -206,6 +206,7 @@ TEST_F(MessageActionsTest, aVoiceNoteThatCannotPlaySaysWhy)
 
 TEST_F(MessageActionsTest, theFirstUnreadMessageIsMarkedUntilAnotherThreadOpens)
 {
+    restInThread();
     inbox.select(ben);
     for (const QString& body : { "one", "two", "three" })
         receive(ana, body);
@@ -216,6 +217,7 @@ TEST_F(MessageActionsTest, theFirstUnreadMessageIsMarkedUntilAnotherThreadOpens)
     EXPECT_EQ(column(inbox.thread()->rows(), "unreadText"), (QStringList { "", "", "3 unread messages", "", "", "" }));
     receive(ana, "four");
     EXPECT_EQ(column(inbox.thread()->rows(), "unreadText").indexOf("3 unread messages"), 2);
+    restInThread();
     inbox.select(ben);
     inbox.select(ana);
     EXPECT_EQ(inbox.thread()->firstUnreadId(), "");

@@ -39,7 +39,7 @@ UnifiedMsgRow medium(const std::optional<QString>& type, const std::optional<QSt
 std::string shape(const QList<UnifiedMsgRow>& rows)
 {
     std::string letters;
-    for (const ThreadItem& item : ThreadBuilder::build(rows)) {
+    for (const ThreadItem& item : ThreadBuilder::build(rows, 0)) {
         const auto* each = std::get_if<ThreadMsg>(&item);
         letters += !each ? "D" : each->grouped ? "g" : "m";
         if (each && each->showTime)
@@ -61,7 +61,7 @@ std::string ticks(const QString& platform, int status, const QString& direction 
 
 QList<ThreadRow> shownRows(const QList<UnifiedMsgRow>& rows, const ThreadSurroundings& surroundings = {})
 {
-    return threadRows(ThreadBuilder::build(rows), surroundings);
+    return threadRows(ThreadBuilder::build(rows, 0), surroundings);
 }
 
 }
@@ -81,9 +81,11 @@ TEST(ThreadBuilder, aNewDayWithinARunStandsBetweenItsBubbles)
 {
     const qint64 midnight = noon + 12 * 3'600'000LL;
     EXPECT_EQ(shape({ message(midnight - 1000), message(midnight) }), "DmDm.");
-    const auto items = ThreadBuilder::build({ message(midnight - 1000), message(midnight) });
+    const auto items = ThreadBuilder::build({ message(midnight - 1000), message(midnight) }, 0);
     EXPECT_EQ(std::get<QString>(items.at(0)), "8 Oct 2025");
     EXPECT_EQ(std::get<QString>(items.at(2)), "9 Oct 2025");
+    const auto recent = ThreadBuilder::build({ message(midnight - 1000), message(midnight) }, midnight + 1);
+    EXPECT_EQ(std::get<QString>(recent.at(0)) + std::get<QString>(recent.at(2)), "YesterdayToday");
 }
 
 TEST(UnifiedBubble, ticksTellHowFarAMessageGot)

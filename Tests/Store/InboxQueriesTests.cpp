@@ -156,10 +156,46 @@ TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
         (UnifiedMsgRow { "wa:msg:p1", "IN", "third", "SMS", "a", "1", "p1", 300, QString("audio"), QString("/a"), "", 3,
             "❤", QString("spoken") }));
     EXPECT_EQ(thread[0].mediaType, std::nullopt);
-    EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1).first().body, "first"); // the oldest where a limit cuts
+    EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1).first().body, "third") << "the newest where a limit cuts";
     m_db->exec("UPDATE contact_merge SET undone_at=1; UPDATE unified_message SET deleted_at=1 WHERE ts=200;");
     EXPECT_EQ(effectiveContactId(*m_db, "ct:EMAIL:x@y.z"), "ct:EMAIL:x@y.z");
     EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1000).size(), 2);
+}
+
+TEST_F(InboxTest, aThreadIsWalkedInPagesBothWaysAndEqualTimesStandAsTheyCame)
+{
+    // Two conversations of one person; each second holds messages of both.
+    for (int i = 0; i < 60; ++i)
+        chat("SMS", i % 3 ? "a" : "b", "1", i / 7 * 1000, QByteArray::number(i).constData());
+    m_db->exec("UPDATE unified_message SET deleted_at=1 WHERE body IN ('13','14','40');");
+    const auto bodies = [](const QList<UnifiedMsgRow>& rows) {
+        QStringList texts;
+        for (const UnifiedMsgRow& row : rows)
+            texts.append(row.body);
+        return texts;
+    };
+    const auto walked = [&](Towards towards, ThreadPlace from) {
+        QStringList all;
+        for (;;) {
+            const auto page = fetchThreadPage(*m_db, "ct:SMS:1", towards, from, 4);
+            all = towards == Towards::Older ? bodies(page) + all : all + bodies(page);
+            if (page.size() < 4)
+                return all;
+            const UnifiedMsgRow& last = towards == Towards::Older ? page.first() : page.last();
+            from = { last.ts, last.id };
+        }
+    };
+    QStringList stored;
+    for (int i = 0; i < 60; ++i) {
+        if (i != 13 && i != 14 && i != 40)
+            stored.append(QString::number(i));
+    }
+    EXPECT_EQ(walked(Towards::Older, threadEnd), stored);
+    EXPECT_EQ(walked(Towards::Newer, threadBeginning), stored);
+    const auto place = placeInThread(*m_db, "ct:SMS:1", "wa:msg:p31");
+    ASSERT_TRUE(place);
+    EXPECT_EQ(walked(Towards::Older, *place) + QStringList("30") + walked(Towards::Newer, *place), stored);
+    EXPECT_FALSE(placeInThread(*m_db, "ct:SMS:1", "wa:msg:p14")) << "deleted";
 }
 
 }

@@ -27,6 +27,25 @@ TEST_F(KeyboardTest, theListIsWalkedReadAndLeftWithKeysAlone)
     EXPECT_EQ(inbox.selectedId(), QString());
 }
 
+TEST_F(KeyboardTest, tabLeavesTheNewestMessageForTheReplyAndUpLeadsToWhatIsOlder)
+{
+    showInbox();
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    QQuickItem* thread = item(u"thread.list"_s);
+    ASSERT_TRUE(thread && focusWithin(u"thread.list"_s));
+    press(Qt::Key_Tab);
+    EXPECT_FALSE(focusWithin(u"thread.list"_s));
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
+    press(Qt::Key_Backtab);
+    EXPECT_TRUE(focusWithin(u"thread.list"_s));
+    press(Qt::Key_Home);
+    press(Qt::Key_Up);
+    EXPECT_TRUE(focusWithin(u"thread.loadOlder"_s));
+    press(Qt::Key_Down);
+    EXPECT_FALSE(focusWithin(u"thread.loadOlder"_s));
+}
+
 TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
 {
     showInbox();

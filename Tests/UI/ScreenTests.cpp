@@ -265,6 +265,56 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
 
+TEST_F(ScreenTest, aLongThreadIsScrolledToItsBeginningAndAFoundMessageStandsInItsSurroundings)
+{
+    showInbox();
+    engines.db().run(uR"(WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3500)
+INSERT INTO unified_message(id, conversation_id, body, ts)
+SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE external_id='49171@s.whatsapp.net'),
+  'old ' || i || CASE WHEN i % 9 THEN '' ELSE ' with more to say than fits into a line' END, ? + i * 1000 FROM n;)"_s,
+        { clock.nowMs() - 86'400'000LL * 9 });
+    press(Qt::Key_Down);
+    QQuickItem* thread = item(u"thread.list"_s);
+    ASSERT_NE(thread, nullptr);
+    const auto inSight = [&] {
+        QHash<QString, double> rows;
+        for (QQuickItem* row : visibleItems()) {
+            const double y = row->mapToItem(thread, QPointF()).y();
+            if (row->property("body").toString().startsWith(u"old "_s) && y >= 100 && y < thread->height())
+                rows.insert(row->property("id").toString(), y);
+        }
+        return rows;
+    };
+    for (int page = 0; page < 6; ++page) {
+        thread->setProperty("atNewest", false);
+        QMetaObject::invokeMethod(thread, "positionViewAtBeginning");
+        const auto before = inSight();
+        rest();
+        const auto after = inSight();
+        for (const QString& id : before.keys())
+            EXPECT_NEAR(after.value(id, -1), before.value(id), 1) << id.toStdString();
+    }
+    EXPECT_TRUE(inSight().contains(u"old3"_s));
+    EXPECT_LE(thread->property("count").toInt(), 3100);
+    item(u"thread.loadOlder"_s);
+
+    const int unread = engines.unreadTotal();
+    receive(*launcher.children.first(), u"49171@s.whatsapp.net"_s, u"Ana Ruiz"_s, u"far below"_s);
+    clock.advance(seconds(2));
+    rest();
+    EXPECT_EQ(engines.unreadTotal(), unread + 1) << "nobody has seen it";
+    inbox.jumpTo(u"old2750"_s);
+    rest();
+    EXPECT_TRUE(inSight().contains(u"old2750"_s));
+    thread->forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_End);
+    rest();
+    EXPECT_TRUE(thread->property("atYEnd").toBool());
+    EXPECT_LE(engines.unreadTotal(), unread) << "its newest message is on the screen";
+    press(Qt::Key_Home);
+    EXPECT_TRUE(inSight().contains(u"old3"_s));
+}
+
 TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
 {
     showInbox();

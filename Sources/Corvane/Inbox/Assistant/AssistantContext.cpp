@@ -6,7 +6,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int threadLimit = 1000;
+constexpr int threadLimit = 1000; // of which prompts take the newest that say something
 
 std::optional<QString> known(const QString& text)
 {

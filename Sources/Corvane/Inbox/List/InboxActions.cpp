@@ -57,14 +57,12 @@ void InboxView::select(const QString& contactId)
 // Shows the person at once; the list is read again when they stand on the screen and no further one was opened.
 void InboxView::openContact(const ContactRow& row)
 {
-    const int unread = row.unread; // counted as read from here on
     m_selectedRow = row;
     m_selectedId = row.id;
     m_jumpMsgId.clear();
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
-    readSelected();
-    openPanes(m_selectedRow, unread);
+    openPanes(m_selectedRow);
     m_reloadAfterOpening = m_scheduler.after(openingTime, [this] { m_reloadSoon.request(); });
     present();
     Q_EMIT selectionChanged();
@@ -83,9 +81,9 @@ void InboxView::close()
     Q_EMIT selectionChanged();
 }
 
-void InboxView::openPanes(const ContactRow& row, int unread)
+void InboxView::openPanes(const ContactRow& row)
 {
-    m_thread.open(row, unread);
+    m_thread.open(row, row.unread);
     m_composer.open(row);
     m_assistant.open(row);
     m_summary.open(row);
@@ -123,8 +121,9 @@ void InboxView::openHit(const QString& messageId)
 
 void InboxView::jumpTo(const QString& messageId)
 {
+    if (!m_thread.show(messageId))
+        return;
     m_jumpMsgId = messageId;
-    m_thread.highlight(messageId);
     Q_EMIT jumped();
 }
 
@@ -153,6 +152,7 @@ void InboxView::setOnScreen(bool onScreen)
         return;
     m_onScreen = onScreen;
     tellWhatIsOpen();
+    m_thread.reading()->setOnScreen(onScreen);
     if (onScreen)
         m_reloadSoon.request();
     Q_EMIT onScreenChanged();
@@ -284,12 +284,16 @@ void InboxView::tellRead(const QString& contactId)
 
 void InboxView::readSelected()
 {
+    if (m_selectedRow.unread == 0)
+        return;
     tellRead(m_selectedId);
     m_selectedRow.unread = 0;
     const auto row = std::ranges::find(m_contacts, m_selectedId, &ContactRow::id);
     if (row != m_contacts.end())
         row->unread = 0;
     m_engine.refreshUnreadBadge();
+    present();
+    m_reloadSoon.request(); // who is read may leave the list, and the counts of its tabs
 }
 
 void InboxView::retry(const QString& channel)

@@ -66,6 +66,8 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
     connect(&m_thread, &ThreadView::refused, &m_composer, &Composer::setSendError);
+    connect(m_thread.reading(), &ThreadReading::read, this, &InboxView::readSelected);
+    connect(&m_composer, &Composer::sent, m_thread.reading(), &ThreadReading::touch);
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
     connect(&m_crm, &CRMPane::undoable, this,
@@ -250,9 +252,9 @@ void InboxView::reload()
         }
         if (const auto row = rowOf(m_selectedId))
             m_selectedRow = *row;
-        if (m_onScreen && m_selectedRow.unread > 0)
-            readSelected();
         openPanes(m_selectedRow);
+        if (m_thread.reading()->isRead())
+            readSelected();
     }
     m_loading = false;
     m_countsSoon.request();

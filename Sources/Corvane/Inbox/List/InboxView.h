@@ -211,7 +211,7 @@ private:
     std::optional<ContactRow> rowOf(const QString& contactId) const;
     void openContact(const ContactRow& row);
     void close();
-    void openPanes(const ContactRow& row, int unread = 0); ///< beside the list; with an empty id: nobody
+    void openPanes(const ContactRow& row); ///< beside the list; with an empty id: nobody
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();

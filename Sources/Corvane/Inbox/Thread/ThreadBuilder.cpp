@@ -16,29 +16,34 @@ bool runsOn(const UnifiedMsgRow& earlier, const UnifiedMsgRow& later)
 /// The label of a message's day; neighbours mostly share theirs, so that few are really made.
 class DayLabels {
 public:
+    explicit DayLabels(qint64 nowMs)
+        : m_words(nowMs)
+    {
+    }
+
     const QString& of(qint64 ms)
     {
         const QDate day = m_words.dayOf(ms);
         if (day != m_day) {
             m_day = day;
-            m_label = m_words.mediumDate(day);
+            m_label = m_words.group(ms);
         }
         return m_label;
     }
 
 private:
-    DateWords m_words { 0 };
+    DateWords m_words;
     QDate m_day;
     QString m_label;
 };
 
 }
 
-QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows)
+QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows, qint64 nowMs)
 {
     QList<ThreadItem> items;
     items.reserve(rows.size() * 2); // each message may have a day of its own
-    DayLabels days;
+    DayLabels days(nowMs);
     QString previousLabel;
     for (qsizetype i = 0; i < rows.size(); ++i) {
         const UnifiedMsgRow& row = rows.at(i);

@@ -20,9 +20,9 @@ using ThreadItem = std::variant<QString, ThreadMsg>;
 
 namespace ThreadBuilder {
 
-/// Rows oldest first. Bubbles of one direction and sender run together while they follow each other in less
-/// than three minutes; a run ends, to the eye, at the next day.
-QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows);
+/// Rows oldest first; `nowMs` tells which day is today. Bubbles of one direction and sender run together while they
+/// follow each other in less than three minutes; a run ends, to the eye, at the next day.
+QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows, qint64 nowMs);
 
 }
 

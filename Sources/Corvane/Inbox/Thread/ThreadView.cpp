@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Text.h"
 #include "Inbox/Thread/UnifiedBubble.h"
+#include "Presentation/DateWords.h"
 
 #include <algorithm>
 
@@ -11,7 +12,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int threadLimit = 1000;
 constexpr int olderCount = 50;
 constexpr qsizetype longerBy = 8;
 constexpr qsizetype screenful = 16; ///< rows, about
@@ -26,6 +26,8 @@ ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler&
     , m_engine(engine)
     , m_accounts(accounts)
     , m_scheduler(scheduler)
+    , m_window(engine.db())
+    , m_reading(scheduler)
 {
     connect(&engine, &EngineManager::mediaDownloadStatusChanged, this, [this](const QString& messageId) {
         if (message(messageId))
@@ -43,6 +45,11 @@ QString ThreadView::loadOlderText() const
     return loadingMore() ? QStringLiteral("Loading older messages…") : QStringLiteral("Load older messages");
 }
 
+bool ThreadView::canLoadOlder() const
+{
+    return m_contact.platforms.contains(whatsApp) && !m_window.hasOlder();
+}
+
 void ThreadView::open(const ContactRow& contact, int unread)
 {
     const bool sameFacts = contact.id == m_contact.id && contact.platforms == m_contact.platforms
@@ -50,7 +57,7 @@ void ThreadView::open(const ContactRow& contact, int unread)
     const bool samePerson = contact.id == m_contact.id;
     m_contact = contact;
     if (!samePerson) {
-        m_messages.clear();
+        m_window.open(contact.id);
         m_loaded = false;
         m_unread = unread;
         m_firstUnreadId.clear();
@@ -59,6 +66,10 @@ void ThreadView::open(const ContactRow& contact, int unread)
         m_highlightEnd.reset();
         m_loadingMore.reset();
         setError({});
+        if (contact.id.isEmpty())
+            m_reading.end();
+        else
+            m_reading.begin();
         Q_EMIT loadingMoreChanged();
         Q_EMIT highlightChanged();
     }
@@ -69,35 +80,92 @@ void ThreadView::open(const ContactRow& contact, int unread)
 
 void ThreadView::reload()
 {
-    const QList<UnifiedMsgRow> messages = m_contact.id.isEmpty()
-        ? QList<UnifiedMsgRow>()
-        : fetchUnifiedThread(m_engine.db(), m_contact.id, threadLimit);
+    const QList<UnifiedMsgRow> before = m_window.messages();
     const bool first = !m_loaded;
     m_loaded = true;
-    if (!first && messages == m_messages)
+    m_window.refresh(m_reading.newestInSight() ? ThreadWindow::Reader::AtNewest : ThreadWindow::Reader::Elsewhere);
+    const QList<UnifiedMsgRow>& messages = m_window.messages();
+    if (first) {
+        m_openedAt = messages.isEmpty() ? threadEnd : ThreadPlace { messages.last().ts, messages.last().id };
+        presentWindow(Opening::Yes);
         return;
-    const std::optional<qint64> newest
-        = first || m_messages.isEmpty() ? std::nullopt : std::optional(m_messages.last().ts);
-    m_messages = messages;
-    if (first)
-        markFirstUnread();
-    present(first ? Opening::Yes : Opening::No);
-    Q_EMIT changed();
-    if (newest && !messages.isEmpty() && messages.last().ts > *newest && messages.last().direction == u"IN")
+    }
+    if (messages == before && DateWords(m_scheduler.nowMs()).dayOf(m_scheduler.nowMs()) == m_today)
+        return;
+    const bool arrived
+        = !m_window.hasNewer() && !messages.isEmpty() && (before.isEmpty() || messages.last().id != before.last().id);
+    if (arrived)
+        m_reading.setNewestInSight(false); // until the window has scrolled to it
+    presentWindow();
+    if (arrived && !before.isEmpty() && messages.last().ts > before.last().ts && messages.last().direction == u"IN")
         Q_EMIT announced(m_rows.rows().last().spoken);
 }
 
-// A live message of the other side raises the counter by one, so the unread ones are the last of those.
+void ThreadView::presentWindow(Opening opening)
+{
+    markFirstUnread();
+    present(opening);
+    Q_EMIT changed();
+}
+
+void ThreadView::extendOlder()
+{
+    if (!m_window.hasOlder())
+        return;
+    m_window.extend(Towards::Older);
+    presentWindow();
+}
+
+void ThreadView::extendNewer()
+{
+    if (!m_window.hasNewer())
+        return;
+    m_window.extend(Towards::Newer);
+    presentWindow();
+}
+
+void ThreadView::showNewest()
+{
+    if (!m_window.hasNewer())
+        return;
+    m_window.showNewest();
+    presentWindow(Opening::Yes);
+}
+
+void ThreadView::showOldest()
+{
+    if (!m_window.hasOlder())
+        return;
+    m_window.showOldest();
+    presentWindow();
+}
+
+bool ThreadView::show(const QString& messageId)
+{
+    if (!message(messageId)) {
+        if (!m_window.showAround(messageId)) {
+            setError(QStringLiteral("This message is no longer in the conversation."));
+            return false;
+        }
+        presentWindow();
+    }
+    m_reading.setNewestInSight(false); // the window tells where that message stands
+    highlight(messageId);
+    return true;
+}
+
+// A live message of the other side raises the counter by one, so the unread ones are the last of those that were
+// there at the opening. The first of many may stand pages away.
 void ThreadView::markFirstUnread()
 {
-    if (m_messages.size() >= threadLimit)
-        return; // the newest may lie behind the end of what is shown
+    if (!m_firstUnreadId.isEmpty() || m_window.hasNewer())
+        return;
     int left = m_unread;
-    for (auto row = m_messages.crbegin(); row != m_messages.crend() && left > 0; ++row) {
-        if (row->direction == u"OUT")
+    for (auto row = m_window.messages().crbegin(); row != m_window.messages().crend() && left > 0; ++row) {
+        if (row->direction == u"OUT" || row->ts > m_openedAt.ts)
             continue;
-        m_firstUnreadId = row->id;
-        --left;
+        if (--left == 0)
+            m_firstUnreadId = row->id;
     }
 }
 
@@ -174,7 +242,9 @@ int ThreadView::rowOf(const QString& messageId) const
 
 void ThreadView::present(Opening opening)
 {
-    const QList<ThreadRow> rows = threadRows(ThreadBuilder::build(m_messages),
+    const qint64 now = m_scheduler.nowMs();
+    m_today = DateWords(now).dayOf(now);
+    const QList<ThreadRow> rows = threadRows(ThreadBuilder::build(m_window.messages(), now),
         { .contactName = m_contact.name,
             .isGroup = m_contact.isGroup,
             .highlightId = m_highlightId,
@@ -202,8 +272,9 @@ void ThreadView::setError(const QString& text)
 
 const UnifiedMsgRow* ThreadView::message(const QString& messageId) const
 {
-    const auto found = std::ranges::find(m_messages, messageId, &UnifiedMsgRow::id);
-    return found == m_messages.end() ? nullptr : &*found;
+    const QList<UnifiedMsgRow>& messages = m_window.messages();
+    const auto found = std::ranges::find(messages, messageId, &UnifiedMsgRow::id);
+    return found == messages.end() ? nullptr : &*found;
 }
 
 }

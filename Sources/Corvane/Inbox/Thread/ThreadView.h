@@ -1,16 +1,21 @@
 #pragma once
 
 #include "Foundation/Scheduler.h"
+#include "Inbox/Thread/ThreadReading.h"
 #include "Inbox/Thread/ThreadRow.h"
+#include "Inbox/Thread/ThreadWindow.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
+
+#include <QDate>
 
 namespace corvane {
 
 class AccountStore;
 class EngineManager;
 
-/// The open thread: everything that was said with one person, over all channels, newest at the end.
+/// The open thread: what was said with one person, over all channels, newest at the end. It opens with the newest
+/// page; the others come as the reader moves, from the database.
 class ThreadView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged)
@@ -19,7 +24,9 @@ class ThreadView : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     Q_PROPERTY(QString firstUnreadId READ firstUnreadId NOTIFY contactChanged) ///< at the opening; empty for none
     Q_PROPERTY(QString highlightId READ highlightId NOTIFY highlightChanged)
-    Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY contactChanged)
+    Q_PROPERTY(bool hasNewer READ hasNewer NOTIFY changed) ///< behind the last row
+    Q_PROPERTY(corvane::ThreadReading* reading READ reading CONSTANT)
+    Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY changed)
     Q_PROPERTY(bool loadingMore READ loadingMore NOTIFY loadingMoreChanged)
     Q_PROPERTY(QString loadOlderText READ loadOlderText NOTIFY loadingMoreChanged)
     Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged)
@@ -28,10 +35,12 @@ public:
 
     const QString& contactId() const { return m_contact.id; }
     QAbstractItemModel* rows() { return &m_rows; }
-    bool isEmpty() const { return m_messages.isEmpty(); }
+    bool isEmpty() const { return m_window.messages().isEmpty(); }
     QString emptyText() const;
     const QString& highlightId() const { return m_highlightId; }
-    bool canLoadOlder() const { return m_contact.platforms.contains(QStringLiteral("WHATSAPP")); }
+    bool hasNewer() const { return m_window.hasNewer(); }
+    ThreadReading* reading() { return &m_reading; }
+    bool canLoadOlder() const; ///< from WhatsApp, where everything that is here is shown
     bool loadingMore() const { return m_loadingMore != nullptr; }
     QString loadOlderText() const;
     const QString& errorText() const { return m_errorText; }
@@ -40,12 +49,16 @@ public:
     /// above them stays until another thread is opened.
     void open(const ContactRow& contact, int unread = 0);
     void reload();
-    void highlight(const QString& messageId); ///< for a moment
+    bool show(const QString& messageId); ///< with its surroundings, highlighted for a moment; false where it is gone
 
     const QString& firstUnreadId() const { return m_firstUnreadId; }
     const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
     void setError(const QString& text);
 
+    Q_INVOKABLE void showNewest();
+    Q_INVOKABLE void showOldest(); ///< of what is in the database
+    Q_INVOKABLE void extendOlder(); ///< by a page of the database, where it has one
+    Q_INVOKABLE void extendNewer();
     Q_INVOKABLE void loadMore(); ///< what was said before, of WhatsApp
     Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
     Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
@@ -67,7 +80,9 @@ Q_SIGNALS:
 private:
     enum class Opening { No, Yes };
 
+    void highlight(const QString& messageId);
     void present(Opening opening = Opening::No);
+    void presentWindow(Opening opening = Opening::No); ///< after other messages came into it
     void markFirstUnread();
 
     EngineManager& m_engine;
@@ -75,9 +90,12 @@ private:
     Scheduler& m_scheduler;
     ContactRow m_contact;
     bool m_loaded = false; ///< whether m_messages is of this contact
-    QList<UnifiedMsgRow> m_messages;
+    ThreadWindow m_window;
+    ThreadReading m_reading;
     RowListModel<ThreadRow> m_rows;
     int m_unread = 0;
+    ThreadPlace m_openedAt; ///< the newest message when the thread was opened
+    QDate m_today; ///< as the rows were made for
     QString m_firstUnreadId;
     QHash<QString, qsizetype> m_lengths; ///< of long bodies, as shown now
     QString m_highlightId;

@@ -12,6 +12,8 @@ const QList<Step>& steps()
 {
     // clang-format off
     static const QList<Step> all = {
+        // Descending by time; `ix_unified_message_thread` took its place.
+        Statement { "DROP INDEX IF EXISTS ix_unified_message_conversation;" },
         AddedColumn { "project", "category TEXT NOT NULL DEFAULT ''" },
         AddedColumn { "unified_message", "media_type TEXT" },
         AddedColumn { "unified_message", "media_path TEXT" },

@@ -48,12 +48,15 @@ QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, i
     QList<ActivityRow> rows
         = db.rows(R"(SELECT m.id, cc.channel, m.direction, COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts
 FROM unified_message m
-JOIN unified_conversation cc ON m.conversation_id=cc.id
+JOIN unified_conversation cc ON +m.conversation_id=cc.id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
-WHERE cc.contact_id=? AND cc.deleted_at IS NULL AND m.deleted_at IS NULL
-  AND COALESCE(NULLIF(m.body,''), at.transcript, '') != ''
-ORDER BY m.ts DESC LIMIT ?;)",
-            { contactId, limit }, [](const SqlRow& row) {
+WHERE cc.contact_id=? AND cc.deleted_at IS NULL AND +m.deleted_at IS NULL AND m.rowid IN (
+  SELECT p.rowid FROM unified_message p LEFT JOIN audio_transcript pt ON pt.message_id=p.id
+  WHERE p.conversation_id=cc.id AND p.deleted_at IS NULL
+    AND COALESCE(NULLIF(p.body,''), pt.transcript, '') != ''
+  ORDER BY p.ts DESC, p.rowid DESC LIMIT ?)
+ORDER BY m.ts DESC, m.rowid DESC LIMIT ?;)",
+            { contactId, limit, limit }, [](const SqlRow& row) {
                 return ActivityRow { Kind::Message, row.text(0), row.text(1), row.text(2), row.text(3), {},
                     row.integer(4) };
             });

@@ -25,7 +25,8 @@ ListView {
     KeyboardFocus { id: keyboard; target: list }
 
     // While the newest is in sight it stays there, whatever grows above or below it.
-    onMovementEnded: atNewest = atYEnd
+    onMovementEnded: atNewest = atYEnd && !thread.hasNewer
+    onContentYChanged: Qt.callLater(look)
     onContentHeightChanged: settle()
     onHeightChanged: settle()
     onCountChanged: {
@@ -37,14 +38,38 @@ ListView {
     function settle() {
         if (atNewest)
             Qt.callLater(positionViewAtEnd);
+        Qt.callLater(look);
     }
 
     function showNewest() {
+        thread.showNewest();
         atNewest = true;
         positionViewAtEnd();
     }
 
-    // Where rows come in above what is being read, that stays in its place. A page of them comes in parts, so what
+    function showOldest() {
+        atNewest = false;
+        thread.showOldest();
+        currentIndex = 0;
+        positionViewAtBeginning();
+    }
+
+    /// How many rows are still to go when the next page is taken in.
+    readonly property int ahead: 40
+
+    function look() {
+        const last = thread.hasNewer ? null : itemAtIndex(count - 1);
+        thread.reading.setNewestInSight(last !== null && last.y < contentY + height && last.y + last.height > contentY);
+        if (atNewest)
+            return;
+        const middle = Math.max(0, indexAt(width / 2, contentY + height / 2));
+        if (middle < ahead)
+            thread.extendOlder();
+        if (middle >= count - ahead)
+            thread.extendNewer();
+    }
+
+    // Where rows come or go above what is being read, that stays in its place. A page of them comes in parts, so what
     // was read before the first is held until the person moves on.
     property var anchor: null
     property bool holding: false
@@ -54,8 +79,8 @@ ListView {
             return;
         const held = anchor ? itemAtIndex(thread.rowOf(anchor.id)) : null;
         if (!held || Math.abs(held.y - contentY - anchor.y) > 1) {
-            const first = messageFrom(0, Theme.wide);
-            anchor = first ? { id: first.id, y: first.y - contentY } : null;
+            const steady = messageFrom(height / 2, Theme.wide) ?? messageFrom(0, Theme.wide);
+            anchor = steady ? { id: steady.id, y: steady.y - contentY } : null;
         }
         holding = anchor !== null;
         if (holding)
@@ -82,11 +107,19 @@ ListView {
         const row = atNewest ? -1 : thread.rowOf(anchor.id);
         if (row < 0)
             return;
+        const held = itemAtIndex(row);
+        if (held && Math.abs(held.y - contentY - anchor.y) <= 1)
+            return; // a view that is moved would stop a flick
         positionViewAtIndex(row, ListView.Beginning);
         contentY = itemAtIndex(row).y - anchor.y;
     }
 
     function step(by: int) {
+        thread.reading.touch();
+        if (by < 0 && currentIndex >= 0 && currentIndex <= 1 && headerItem.button.visible) {
+            headerItem.button.forceActiveFocus(Qt.BacktabFocusReason);
+            return;
+        }
         const inSight = currentItem && currentItem.y + currentItem.height > contentY && currentItem.y < contentY + height;
         let next = inSight ? currentIndex + by : lastInSight();
         atNewest = false;
@@ -94,24 +127,49 @@ ListView {
             next += by;
         currentIndex = Math.max(0, Math.min(count - 1, next));
         positionViewAtIndex(currentIndex, ListView.Contain);
-        atNewest = currentIndex === count - 1;
+        atNewest = currentIndex === count - 1 && !thread.hasNewer;
+    }
+
+    /// From the newest message on: to what follows the list, not to what else stands in it.
+    function leave(forward: bool): bool {
+        if (currentIndex !== count - 1)
+            return false;
+        let next = list;
+        do {
+            next = next.nextItemInFocusChain(forward);
+        } while (isWithin(next) && next !== list);
+        next.forceActiveFocus(forward ? Qt.TabFocusReason : Qt.BacktabFocusReason);
+        return true;
+    }
+
+    function isWithin(item: Item): bool {
+        for (; item; item = item.parent) {
+            if (item === list)
+                return true;
+        }
+        return false;
     }
 
     function page(by: int) {
         atNewest = false;
         const end = originY + contentHeight - height;
         contentY = Math.max(originY, Math.min(end, contentY + by * (height - Theme.huge)));
-        atNewest = contentY >= end - 1;
+        atNewest = contentY >= end - 1 && !thread.hasNewer;
         settle(); // what comes into sight is not always as high as was guessed
     }
 
     function jump() {
-        const row = thread.rowOf(inbox.jumpMsgId);
+        atNewest = false;
+        Qt.callLater(centre, inbox.jumpMsgId);
+    }
+
+    function centre(messageId: string) {
+        const row = thread.rowOf(messageId);
         if (row < 0)
             return;
-        atNewest = false;
         currentIndex = row;
-        Qt.callLater(positionViewAtIndex, row, ListView.Center);
+        positionViewAtIndex(row, ListView.Center);
+        look();
     }
 
     Component.onCompleted: currentIndex = -1
@@ -135,12 +193,15 @@ ListView {
     Connections {
         target: list.model
         function onRowsAboutToBeInserted() { list.holdPlace(); }
+        function onRowsAboutToBeRemoved() { list.holdPlace(); }
     }
 
     Keys.onDownPressed: step(1)
     Keys.onUpPressed: step(-1)
+    Keys.onTabPressed: event => event.accepted = leave(true)
     Keys.onReturnPressed: currentItem?.openMenu?.()
     Keys.onPressed: event => {
+        thread.reading.touch();
         if (event.matches(StandardKey.Copy) && currentItem?.id) {
             WindowTools.copy(thread.readableText(currentItem.id));
             event.accepted = true;
@@ -160,18 +221,17 @@ ListView {
             page(event.key === Qt.Key_PageUp ? -1 : 1);
             event.accepted = true;
         } else if (event.key === Qt.Key_End) {
-            currentIndex = count - 1;
             showNewest();
+            currentIndex = count - 1;
             event.accepted = true;
         } else if (event.key === Qt.Key_Home) {
-            atNewest = false;
-            currentIndex = 0;
-            positionViewAtBeginning();
+            showOldest();
             event.accepted = true;
         }
     }
 
     header: Item {
+        readonly property Item button: older
         width: list.width
         height: Theme.medium + (older.visible ? older.height : 0)
         Button {
@@ -184,6 +244,11 @@ ListView {
             kind: "quiet"
             text: list.thread.loadOlderText
             enabled: !list.thread.loadingMore
+            activeFocusOnTab: false // Up leads to it, from the first message
+            Keys.onDownPressed: {
+                focus = false;
+                list.forceActiveFocus(Qt.TabFocusReason);
+            }
             onVisualFocusChanged: if (visualFocus) {
                 list.atNewest = false;
                 list.positionViewAtBeginning();
@@ -204,7 +269,7 @@ ListView {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.margins: Theme.large
-        visible: !list.atYEnd && !list.atNewest
+        visible: list.thread.hasNewer || (!list.atYEnd && !list.atNewest)
         icon.name: "go-down"
         text: qsTr("To the newest message")
         key: "End"
