@@ -1,0 +1,235 @@
+#pragma once
+
+#include "Terminal/Core/Charsets.h"
+#include "Terminal/Core/Config.h"
+#include "Terminal/Core/HistoryView.h"
+#include "Terminal/Core/Listener.h"
+#include "Terminal/Core/Modes.h"
+#include "Terminal/Core/Palette.h"
+#include "Terminal/Core/Screen.h"
+#include "Terminal/Core/Selection.h"
+#include "Terminal/Graphics/Graphics.h"
+#include "Terminal/Grid/LinkTable.h"
+#include "Terminal/Input/MouseEncoder.h"
+#include "Terminal/Parser/Parser.h"
+#include "Terminal/Text/Concat.h"
+#include "Terminal/Text/Graphemes.h"
+
+#include <deque>
+#include <optional>
+#include <tuple>
+
+namespace corvane::terminal {
+
+/// Half-open, in cells of the screen.
+struct Rect {
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+};
+
+struct Cursor {
+    int row = 0;
+    int column = 0;
+    bool pendingWrap = false; ///< the last column was written; the next character wraps first
+    Style pen;
+    Charsets charsets;
+};
+
+enum class CursorShape : uint8_t { Block = 1, Underline = 3, Bar = 5 };
+
+enum class EraseKind : uint8_t { All, Selective };
+
+/// The state of the terminal and what its functions share. Members are open to the functions of this room, which
+/// Functions.cpp lists; everyone else goes through Terminal.
+class Emulator {
+public:
+    Emulator(Size size, const Config& config);
+
+    void feed(std::span<const uint8_t> bytes);
+
+    // The parser's sink
+    void printAscii(const uint8_t* text, size_t length);
+    void printPoint(char32_t point);
+    void printCharacter(char32_t point); ///< already mapped
+    void execute(uint8_t control);
+    void escape(const Sequence& sequence);
+    void csi(const Sequence& sequence);
+    void dcsBegin(const Sequence& sequence);
+    void dcsData(std::string_view data);
+    void dcsEnd(bool complete);
+    void osc(std::string_view text);
+    void apcBegin();
+    void apcData(std::string_view data);
+    void apcEnd(bool complete);
+    void vt52(char final);
+    void vt52Move(int row, int column);
+
+    // The cursor and the page
+    int columns() const { return size.columns; }
+    int rows() const { return size.rows; }
+    Grid& grid() { return screen->grid; }
+    Row& row(int index) { return screen->grid.row(index); }
+    Row& cursorRow() { return screen->grid.row(cursor.row); }
+    /// One past the last column that the row has; half as many in a row of double size.
+    int rowEnd(const Row& row) const { return row.size == LineSize::Single ? size.columns : (size.columns + 1) / 2; }
+    /// One past the last column that text goes to from where the cursor is.
+    int textEnd(const Row& row) const;
+    bool inMarginColumns() const { return cursor.column >= margins.left && cursor.column < margins.right; }
+    bool inMargins() const { return inMarginColumns() && cursor.row >= margins.top && cursor.row < margins.bottom; }
+    bool hasSideMargins() const { return margins.left > 0 || margins.right < size.columns; }
+    void moveTo(int row, int column);
+    /// As the program counts: from the margins in origin mode.
+    void moveToAddress(int row, int column);
+    int originRow() const { return modes.has(Mode::Origin) ? margins.top : 0; }
+    int originColumn() const { return modes.has(Mode::Origin) ? margins.left : 0; }
+    void carriageReturn();
+    void lineFeed(); ///< down, scrolling at the bottom margin
+    void reverseLineFeed();
+    void nextTab(int count);
+    void backspace(int count);
+
+    // Scrolling and erasing
+    void scrollUp(const Rect& area, int count);
+    void scrollDown(const Rect& area, int count);
+    void deleteRows(const Rect& area, int count); ///< as scrollUp, but nothing goes to the history
+    void shiftLeft(int row, int from, int to, int count);
+    void shiftRight(int row, int from, int to, int count);
+    /// From `from` to `to` of the row; passes over what is protected.
+    void erase(int row, int from, int to, EraseKind kind = EraseKind::All);
+    void eraseRow(int row, EraseKind kind = EraseKind::All);
+    Cell blank(); ///< what erasing leaves
+    void breakLine(int row); ///< the text of the row above does not go on in this one
+    void touch(Row& row) { row.changed = generation; }
+    void touchAll();
+    void dropAnchors(Row& row);
+    StyleId penStyle();
+
+    // Screens and resets
+    void useAlternate(bool on);
+    void saveCursor();
+    void restoreCursor();
+    void resetMargins();
+    void resetTabs();
+    void softReset();
+    void fullReset();
+    void setColumns(int columns); ///< DECCOLM
+    void resize(Size newSize);
+    int64_t tick(int64_t now);
+    void setMode(const ModeEntry& entry, bool on);
+    void updatePlain();
+    void setLineSize(LineSize lineSize); ///< of the cursor's row
+    void reportSize(); ///< mode 2048
+
+    // Answers
+    void reply(std::string_view text);
+    template <typename... Parts> void replyCsi(const Parts&... parts) { reply(concat(c1Text('['), parts...)); }
+    template <typename... Parts> void replyDcs(const Parts&... parts)
+    {
+        reply(concat(c1Text('P'), parts..., c1Text('\\')));
+    }
+    template <typename... Parts> void replyOsc(const Parts&... parts) { reply(concat(c1Text(']'), parts..., oscEnd)); }
+    std::string c1Text(char letter) const;
+    void setTitle(std::string_view text);
+    void setIcon(std::string_view text);
+    void addMark(PromptMark kind, int exitCode);
+    /// Where an anchor is now, as row (negative in the history) and column.
+    std::optional<std::pair<int64_t, int>> find(Screen& on, Anchors::Id id);
+    Anchors::Id anchorAt(int64_t row, int column);
+    void readRow(int64_t row, RowView& view);
+
+    Listener& out() { return *listener; }
+
+    struct Mark {
+        PromptMark kind;
+        int exitCode;
+        Anchors::Id anchor;
+    };
+    static constexpr size_t maxMarks = 20'000;
+    static constexpr size_t maxReplies = 1 << 20;
+    static constexpr size_t maxTitle = 1024;
+    static constexpr size_t maxTitleStack = 10;
+
+    Config config;
+    Size size;
+    StyleTable styles;
+    ClusterTable clusters;
+    LinkTable links;
+    Scrollback history;
+    Screen primary;
+    Screen alternate;
+    Screen* screen = &primary;
+    Cursor cursor;
+    Rect margins;
+    Modes modes;
+    Modes savedModes;
+    std::vector<bool> tabs;
+    Palette palette;
+    CursorShape cursorShape = CursorShape::Block;
+    int level = 525; ///< by DECSCL
+    int checksumExtension = 0;
+    bool eightBitReplies = false;
+    bool isoProtection = false; ///< the last protection was SPA's
+    bool attributesByRectangle = false; ///< DECSACE
+    std::string title;
+    std::string icon;
+    struct Titles {
+        std::string title;
+        std::string icon;
+    };
+    std::vector<Titles> titleStack;
+    struct {
+        bool setHex = false;
+        bool queryHex = false;
+    } titleCoding; ///< XTSMTITLE
+    std::vector<Style> penStack;
+    std::string oscEnd = "\x1b\\"; ///< answers end as the question did
+    std::string replies;
+    Listener* listener;
+    Parser<Emulator> parser { *this };
+    uint64_t generation = 1;
+    ScrollLog scrolls;
+    struct PendingNotification {
+        std::string id;
+        std::string title;
+        std::string body;
+    };
+    PendingNotification pendingNotification; ///< OSC 99 that has not all come
+    std::string pointerShape;
+    std::deque<Mark> marks; ///< on the primary screen and in its history
+    int64_t synchronizedSince = -1; ///< when `tick` first saw mode 2026 set
+    int modifyOtherKeys = 0;
+    MouseEncoder mouse;
+    Graphics graphics { *this, config.imageBytes };
+    Selection selection { *this };
+    bool inSixel = false;
+
+    // Device control strings
+    static constexpr size_t maxString = 1 << 20;
+    void (*stringFunction)(Emulator&, const Sequence&, std::string_view) = nullptr;
+    Sequence stringHead;
+    std::string stringData;
+
+    // Printing
+    const CodePointTable& codePoints = CodePointTable::instance();
+    const Kernels& kernels = Kernels::instance();
+    Graphemes graphemes;
+    std::tuple<int, int, bool> printedUpTo; ///< where the cursor stood after the last character
+    bool guardsUsed = false; ///< some cell may be guarded, so erasing has to look
+    bool plain = true; ///< ASCII goes to the screen as it is
+    bool penChanged = false;
+    StyleId penId = 0;
+    char32_t lastPrinted = 0;
+
+private:
+    void collectTables();
+    void wrap();
+    void printMapped(uint8_t code);
+    void put(Cell cell, int width);
+    bool joinPrevious(char32_t point);
+    void scrollCells(const Rect& area, int count);
+    void rotateUp(const Rect& area, int count);
+};
+
+}

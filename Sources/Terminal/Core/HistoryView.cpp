@@ -1,0 +1,98 @@
+#include "Terminal/Core/HistoryView.h"
+
+#include "Terminal/Grid/Wrapping.h"
+
+namespace corvane::terminal {
+
+size_t HistoryView::rowsOfLine(uint64_t line) const
+{
+    const HistoryLine text = m_history.line(line);
+    return rowsOf(text, widthOf(text.size));
+}
+
+bool HistoryView::continues(uint64_t line) const
+{
+    return line > m_history.firstLine() && m_history.line(line - 1).joined;
+}
+
+HistoryView::Address HistoryView::addressOf(int64_t row) const
+{
+    auto remaining = uint64_t(-row);
+    uint64_t line = m_history.lineEnd();
+    // Whole pages first, from the end, then line by line.
+    for (auto page = m_history.pages().rbegin(); page != m_history.pages().rend(); ++page) {
+        while (line > page->endLine()) {
+            const size_t rows = rowsOfLine(--line);
+            if (remaining <= rows)
+                return { line, size_t(rows - remaining) };
+            remaining -= rows;
+        }
+        if (remaining <= page->rows(m_columns))
+            break;
+        remaining -= page->rows(m_columns);
+        line = page->firstLine();
+    }
+    while (line > m_history.firstLine()) {
+        const size_t rows = rowsOfLine(--line);
+        if (remaining <= rows)
+            return { line, size_t(rows - remaining) };
+        remaining -= rows;
+    }
+    return { m_history.firstLine(), 0 };
+}
+
+std::pair<int64_t, int> HistoryView::placeOf(uint64_t line, uint32_t offset)
+{
+    int64_t below = 0;
+    uint64_t after = m_history.lineEnd();
+    for (auto page = m_history.pages().rbegin(); page != m_history.pages().rend() && after > line + 1; ++page) {
+        while (after > std::max(page->endLine(), line + 1))
+            below += int64_t(rowsOfLine(--after));
+        if (after == page->endLine() && page->firstLine() > line) {
+            below += int64_t(page->rows(m_columns));
+            after = page->firstLine();
+        }
+    }
+    while (after > line + 1)
+        below += int64_t(rowsOfLine(--after));
+    m_history.unpack(line, m_cells);
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(m_history.line(line).size));
+    size_t part = starts.size() - 1;
+    while (part > 0 && starts[part] > offset)
+        --part;
+    return { -(below + int64_t(starts.size() - part)), int(offset - starts[part]) };
+}
+
+size_t HistoryView::startOf(Address address)
+{
+    m_history.unpack(address.line, m_cells);
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(m_history.line(address.line).size));
+    return starts[std::min(address.part, starts.size() - 1)];
+}
+
+void HistoryView::read(Address address, RowView& view)
+{
+    m_history.unpack(address.line, m_cells);
+    view.size = m_history.line(address.line).size;
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(view.size));
+    const size_t part = std::min(address.part, starts.size() - 1);
+    const size_t end = part + 1 < starts.size() ? starts[part + 1] : m_cells.size();
+    view.cells.assign(m_cells.begin() + int64_t(starts[part]), m_cells.begin() + int64_t(end));
+    view.continued = part > 0 || continues(address.line);
+}
+
+std::vector<RowView> HistoryView::readLine(uint64_t line)
+{
+    m_history.unpack(line, m_cells);
+    const LineSize size = m_history.line(line).size;
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(size));
+    std::vector<RowView> rows;
+    for (size_t part = 0; part < starts.size(); ++part) {
+        const size_t end = part + 1 < starts.size() ? starts[part + 1] : m_cells.size();
+        rows.push_back({ { m_cells.begin() + int64_t(starts[part]), m_cells.begin() + int64_t(end) }, size,
+            part > 0 || continues(line) });
+    }
+    return rows;
+}
+
+}

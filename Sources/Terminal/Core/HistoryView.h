@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Terminal/Grid/Scrollback.h"
+
+namespace corvane::terminal {
+
+/// A row as it is shown, from the screen or the history.
+struct RowView {
+    std::vector<Cell> cells; ///< without the blank ones at the end
+    LineSize size = LineSize::Single;
+    bool continued = false; ///< its text goes on from the row above
+};
+
+/// The history as rows of a given width. Row -1 is the last one.
+class HistoryView {
+public:
+    HistoryView(Scrollback& history, int columns)
+        : m_history(history)
+        , m_columns(columns)
+    {
+    }
+
+    struct Address {
+        uint64_t line;
+        size_t part; ///< which row of the line
+    };
+
+    size_t rows() const { return m_history.rows(m_columns); }
+    /// `row` is negative and at least -rows().
+    Address addressOf(int64_t row) const;
+    /// The row, negative, and the column in which that cell of the line is shown.
+    std::pair<int64_t, int> placeOf(uint64_t line, uint32_t offset);
+    /// The cell of its line with which the row begins.
+    size_t startOf(Address address);
+    void read(Address address, RowView& view);
+    /// All rows of the line at once.
+    std::vector<RowView> readLine(uint64_t line);
+
+private:
+    int widthOf(LineSize size) const { return size == LineSize::Single ? m_columns : (m_columns + 1) / 2; }
+    size_t rowsOfLine(uint64_t line) const;
+    bool continues(uint64_t line) const;
+
+    Scrollback& m_history;
+    int m_columns;
+    std::vector<Cell> m_cells; // of the line that was read last
+};
+
+}

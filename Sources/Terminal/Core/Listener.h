@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace corvane::terminal {
+
+enum class PromptMark : uint8_t { Prompt, Input, Output, End };
+
+struct Notification {
+    std::string_view id;
+    std::string_view title;
+    std::string_view body;
+};
+
+enum class ProgressState : uint8_t { None, Normal, Error, Indeterminate, Paused };
+
+/// What the program inside asks of the one that shows it. Texts are UTF-8 without control characters. Called from
+/// within `feed`; nothing here may call back into the terminal.
+class Listener {
+public:
+    virtual ~Listener() = default;
+    virtual void bell() { }
+    virtual void titleChanged(std::string_view) { }
+    virtual void iconChanged(std::string_view) { }
+    /// The address as it came, such as file://host/path.
+    virtual void directoryChanged(std::string_view) { }
+    virtual void promptMark(PromptMark, int /*exitCode*/) { }
+    /// `selection` names the targets as OSC 52 does; the data is decoded. To be granted by the user.
+    virtual void clipboardWrite(std::string_view /*selection*/, std::string_view /*data*/) { }
+    virtual void notification(const Notification&) { }
+    virtual void progress(ProgressState, int /*percent*/) { }
+    /// Text is being written as a link to this address; empty when that ends.
+    virtual void link(std::string_view /*address*/) { }
+    virtual void pointerShape(std::string_view) { }
+    virtual void resizeRequest(int /*columns*/, int /*rows*/) { }
+    /// Raise, lower, iconify and the like: the parameters of XTWINOPS.
+    virtual void windowRequest(int /*operation*/, int /*first*/, int /*second*/) { }
+    virtual void paletteChanged() { }
+};
+
+}

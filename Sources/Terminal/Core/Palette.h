@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane::terminal {
+
+/// 8 bits a channel: 0xrrggbb.
+using Rgb = uint32_t;
+
+/// The colours outside the table of 256, in the order of OSC 10 to 19.
+enum class DynamicColor : uint8_t {
+    Foreground,
+    Background,
+    Cursor,
+    PointerForeground,
+    PointerBackground,
+    TekForeground,
+    TekBackground,
+    Highlight,
+    TekCursor,
+    HighlightText,
+    Count
+};
+
+/// OSC 5: what bold, underlined, blinking, reversed and italic text is drawn in.
+constexpr int specialColors = 5;
+
+struct PaletteState {
+    std::array<Rgb, 256> indexed;
+    std::array<Rgb, specialColors> special;
+    std::array<Rgb, size_t(DynamicColor::Count)> dynamic;
+
+    friend bool operator==(const PaletteState&, const PaletteState&) = default;
+};
+
+/// The colours at present, as the program changed them, and as they were.
+struct Palette {
+    Palette();
+    PaletteState current;
+    PaletteState initial;
+    std::vector<PaletteState> stack; ///< XTPUSHCOLORS
+    int stackTop = 0;
+
+    static constexpr int maxStack = 10;
+};
+
+/// "#rgb" to "#rrrrggggbbbb", "rgb:h/h/h", "rgbi:f/f/f", "rgba:..." without its alpha, or a name of the X11 list
+/// that is in common use.
+std::optional<Rgb> parseColor(std::string_view text);
+
+/// "rgb:rrrr/gggg/bbbb"
+std::string colorSpec(Rgb color);
+
+}

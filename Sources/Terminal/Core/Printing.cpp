@@ -1,0 +1,218 @@
+#include "Terminal/Core/Emulator.h"
+
+namespace corvane::terminal {
+
+namespace {
+// Below this a call through a pointer costs more than the loop.
+constexpr size_t shortRun = 12;
+}
+
+int Emulator::textEnd(const Row& row) const
+{
+    const int end = rowEnd(row);
+    return cursor.column < margins.right ? std::min(end, margins.right) : end;
+}
+
+StyleId Emulator::penStyle()
+{
+    if (penChanged) {
+        penId = styles.intern(cursor.pen);
+        penChanged = false;
+    }
+    return penId;
+}
+
+void Emulator::updatePlain()
+{
+    plain = cursor.charsets.designated[cursor.charsets.left] == Charset::Ascii && cursor.charsets.single == 0
+        && !modes.has(Mode::Insert);
+}
+
+void Emulator::printAscii(const uint8_t* text, size_t length)
+{
+    if (!plain || graphemes.mayJoinPlainText()) [[unlikely]] {
+        for (size_t i = 0; i < length; ++i)
+            printMapped(text[i]);
+        return;
+    }
+    const StyleId style = penStyle();
+    const uint64_t high = uint64_t(style) << 32;
+    lastPrinted = text[length - 1];
+    graphemes.afterPlainText();
+    while (length > 0) {
+        if (cursor.pendingWrap)
+            wrap();
+        Row& row = cursorRow();
+        const int from = cursor.column;
+        const int end = textEnd(row);
+        const auto space = size_t(end - from);
+        const size_t count = std::min(length, space);
+        const int to = from + int(count);
+        row.cutAround(from, to);
+        auto* const cells = reinterpret_cast<uint64_t*>(row.cells + from);
+        if (count < shortRun) {
+            for (size_t i = 0; i < count; ++i)
+                cells[i] = high | text[i];
+        } else {
+            kernels.widen(cells, text, count, high);
+        }
+        row.styled |= style != 0;
+        row.touch(to);
+        row.changed = generation;
+        text += count;
+        length -= count;
+        if (to < end) {
+            cursor.column = to;
+            continue;
+        }
+        cursor.column = end - 1;
+        cursor.pendingWrap = modes.has(Mode::AutoWrap);
+        if (length > 0 && !cursor.pendingWrap) {
+            // Each further character goes to the last column; the last one stays.
+            cells[count - 1] = high | text[length - 1];
+            return;
+        }
+    }
+}
+
+void Emulator::wrap()
+{
+    cursor.pendingWrap = false;
+    Row& row = cursorRow();
+    const uint64_t before = row.id;
+    row.wrapped = !hasSideMargins();
+    lineFeed();
+    if (&cursorRow() == &row && row.id == before)
+        row.wrapped = false; // there is no row below to go on in
+    cursor.column = margins.left;
+}
+
+void Emulator::printMapped(uint8_t code)
+{
+    Charsets& charsets = cursor.charsets;
+    const Charset set = charsets.designated[charsets.single ? charsets.single : charsets.left];
+    if (charsets.single) {
+        charsets.single = 0;
+        updatePlain();
+    }
+    const bool asAscii = isNational(set) && !modes.has(Mode::NationalSets);
+    printCharacter(asAscii ? char32_t(code) : translate(set, code));
+}
+
+void Emulator::printPoint(char32_t point)
+{
+    if (parser.coding() == Coding::EightBit && point >= 0xa0) {
+        const Charsets& charsets = cursor.charsets;
+        point = translate(charsets.designated[charsets.right], uint8_t(point - 0x80));
+    }
+    printCharacter(point);
+}
+
+void Emulator::printCharacter(char32_t point)
+{
+    const CodePoint properties = codePoints[point];
+    int width = properties.width();
+    if (config.ambiguousWide && properties.ambiguous())
+        width = 2;
+    if (modes.has(Mode::GraphemeClusters)) {
+        const auto place = [this] {
+            return std::tuple(cursor.row, cursor.column, cursor.pendingWrap);
+        };
+        if (place() != printedUpTo)
+            graphemes.afterPlainText(); // the cursor was moved in between
+        if (!graphemes.startsCluster(properties) && joinPrevious(point)) {
+            printedUpTo = place();
+            return;
+        }
+        if (width == 0)
+            return; // nothing to join it to
+    } else if (width == 0) {
+        joinPrevious(point);
+        return;
+    }
+    lastPrinted = point;
+    put(Cell::character(point, penStyle(), width == 2 ? Cell::Part::WideHead : Cell::Part::Narrow), width);
+    printedUpTo = { cursor.row, cursor.column, cursor.pendingWrap };
+}
+
+void Emulator::put(Cell cell, int width)
+{
+    if (cursor.pendingWrap)
+        wrap();
+    int end = textEnd(cursorRow());
+    if (cursor.column + width > end) {
+        if (end - margins.left < width)
+            return;
+        if (modes.has(Mode::AutoWrap)) {
+            Row& row = cursorRow();
+            row.cutAround(cursor.column, end);
+            row.fill(cursor.column, end, blank());
+            if (!hasSideMargins() && row.size == LineSize::Single) {
+                row.cells[cursor.column] = Cell::character(0, row.cells[cursor.column].style(), Cell::Part::Filler);
+                row.complex = true;
+                row.touch(end);
+            }
+            touch(row);
+            wrap();
+            end = textEnd(cursorRow());
+        } else {
+            cursor.column = end - width;
+        }
+    }
+    Row& row = cursorRow();
+    const int column = cursor.column;
+    if (modes.has(Mode::Insert))
+        shiftRight(cursor.row, column, end, width);
+    row.cutAround(column, column + width);
+    row.cells[column] = cell;
+    if (width == 2)
+        row.cells[column + 1] = Cell::character(0, cell.style(), Cell::Part::WideTail);
+    row.styled |= cell.style() != 0;
+    row.complex |= width == 2 || cell.isCluster() || cell.content() >= 0x80;
+    row.touch(column + width);
+    touch(row);
+    cursor.column = column + width;
+    if (cursor.column >= end) {
+        cursor.column = end - 1;
+        cursor.pendingWrap = modes.has(Mode::AutoWrap);
+    }
+}
+
+/// Adds the code point to the character before the cursor. False if there is none.
+bool Emulator::joinPrevious(char32_t point)
+{
+    Row& row = cursorRow();
+    int column = cursor.pendingWrap ? cursor.column : cursor.column - 1;
+    if (column > 0 && row.cells[column].part() == Cell::Part::WideTail)
+        --column;
+    if (column < 0 || row.cells[column].content() == 0)
+        return false;
+    const Cell before = row.cells[column];
+    char32_t text[ClusterTable::maxLength];
+    size_t length = 1;
+    if (before.isCluster())
+        length = clusters[before.content()].copy(text, ClusterTable::maxLength);
+    else
+        text[0] = before.content();
+    if (length == ClusterTable::maxLength)
+        return true;
+    text[length++] = point;
+    const bool narrow = before.part() == Cell::Part::Narrow;
+    const bool widens = narrow && modes.has(Mode::GraphemeClusters)
+        && (point == variationSelector16 ? codePoints[text[0]].emojiVariation()
+                                         : codePoints[point].width() == 2
+                    || codePoints[point].graphemeBreak() == GraphemeBreak::RegionalIndicator);
+    const uint32_t number = clusters.intern({ text, length });
+    if (widens) {
+        cursor.column = column;
+        cursor.pendingWrap = false;
+        put(Cell::cluster(number, before.style(), Cell::Part::WideHead), 2);
+        return true;
+    }
+    row.cells[column] = Cell::cluster(number, before.style(), before.part());
+    row.complex = true;
+    touch(row);
+    return true;
+}
+
+}

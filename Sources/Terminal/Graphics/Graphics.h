@@ -1,0 +1,96 @@
+#pragma once
+
+#include "Terminal/Graphics/GraphicsCommand.h"
+#include "Terminal/Graphics/ImageStore.h"
+#include "Terminal/Graphics/Sixel.h"
+#include "Terminal/Text/Base64.h"
+
+#include <expected>
+#include <string>
+#include <string_view>
+
+namespace corvane::terminal {
+
+class Emulator;
+
+/// What came of a command: nothing, or a code and a text such as "ENOENT:no such image".
+using GraphicsResult = std::expected<void, std::string>;
+
+/// The images of a terminal and the three protocols that bring them: Kitty's, Sixel and iTerm2's.
+class Graphics {
+public:
+    Graphics(Emulator& terminal, size_t budget);
+
+    ImageStore& store() { return m_store; }
+    const ImageStore& store() const { return m_store; }
+
+    // The Kitty protocol: an APC string whose first byte is G.
+    void begin();
+    void data(std::string_view data);
+    void end(bool complete);
+
+    void beginSixel(const std::vector<int>& params);
+    void sixelData(std::string_view data);
+    void endSixel(bool complete);
+
+    /// OSC 1337 ; File=... : the arguments and the data in base64.
+    void inlineImage(std::string_view arguments, std::string_view base64);
+
+    /// Moves animations on; the nanoseconds until the next frame is due, or -1.
+    int64_t tick(int64_t now);
+    void clear();
+    /// Images on this screen that no longer have a place go.
+    void dropLost(bool alternate);
+
+private:
+    void run(const GraphicsCommand& command);
+    void answer(const GraphicsCommand& command, uint32_t id, const GraphicsResult& result);
+    GraphicsResult transmit(const GraphicsCommand& command, bool query, uint32_t* id);
+    std::expected<Bitmap, std::string> load(const GraphicsCommand& command);
+    GraphicsResult put(const GraphicsCommand& command, uint32_t id);
+    GraphicsResult addFrame(const GraphicsCommand& command, uint32_t* id);
+    GraphicsResult animate(const GraphicsCommand& command, uint32_t* id);
+    GraphicsResult compose(const GraphicsCommand& command, uint32_t* id);
+    void remove(const GraphicsCommand& command);
+    Image* imageOf(const GraphicsCommand& command);
+    void placeAtCursor(Placement placement, const Image& image, bool movesCursor, bool leavesBelow);
+
+    static constexpr size_t maxControl = 1024;
+    static constexpr size_t maxFrames = 1024;
+    Emulator& t;
+    ImageStore m_store;
+    // The command that is coming in
+    bool m_isGraphics = false;
+    bool m_first = true; // nothing of the string has come yet
+    bool m_inPayload = false;
+    std::string m_control;
+    // The chunks so far of an image that comes in several commands
+    bool m_hasPending = false;
+    GraphicsCommand m_pending;
+    std::vector<uint8_t> m_payload;
+    Base64Decoder m_decoder;
+    bool m_tooLarge = false;
+    SixelDecoder::Colors m_sharedColors = SixelDecoder::vtColors();
+    SixelDecoder::Colors m_ownColors {};
+    std::optional<SixelDecoder> m_sixel;
+};
+
+/// Where a placement is shown, in cells of the screen; half-open, rows negative in the history.
+struct PlacementView {
+    uint32_t image;
+    uint32_t placement;
+    int z;
+    int64_t top;
+    int left;
+    int64_t bottom;
+    int right;
+    int sourceX;
+    int sourceY;
+    int sourceWidth;
+    int sourceHeight;
+};
+
+/// All placements that have a place on the present screen, and what placeholder characters show of virtual ones.
+std::vector<PlacementView> placementViews(Emulator& terminal);
+
+}

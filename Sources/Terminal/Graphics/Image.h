@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace corvane::terminal {
+
+/// Four bytes a pixel: red, green, blue, alpha; not premultiplied.
+struct Bitmap {
+    /// Larger ones are refused, whatever they claim.
+    static constexpr int maxSide = 10'000;
+
+    int width = 0;
+    int height = 0;
+    std::vector<uint8_t> pixels;
+
+    static bool isAllowed(int64_t width, int64_t height)
+    {
+        return width > 0 && height > 0 && width <= maxSide && height <= maxSide;
+    }
+    size_t bytes() const { return pixels.size(); }
+};
+
+struct ImageFrame {
+    Bitmap bitmap;
+    int gap = 40; ///< milliseconds until the next
+};
+
+struct Image {
+    uint32_t id = 0;
+    uint32_t number = 0; ///< by which the program may name it; 0 is none
+    uint64_t age = 0; ///< grows with every use
+    std::vector<ImageFrame> frames; ///< the first is the image itself
+    size_t current = 0;
+    bool running = false;
+    int loops = 0; ///< left to play; 0 is for ever
+    int64_t nextFrameAt = 0; ///< nanoseconds of the terminal's tick
+
+    const Bitmap& shown() const { return frames[current].bitmap; }
+    size_t bytes() const
+    {
+        size_t sum = 0;
+        for (const ImageFrame& frame : frames)
+            sum += frame.bitmap.bytes();
+        return sum;
+    }
+};
+
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Terminal/Graphics/Image.h"
+#include "Terminal/Grid/Anchors.h"
+
+#include <functional>
+#include <map>
+
+namespace corvane::terminal {
+
+/// Where an image is shown: pixels of it in a box of cells that moves with the text.
+struct Placement {
+    uint32_t image = 0;
+    uint32_t id = 0; ///< 0 where the program gave none
+    bool onAlternate = false; ///< which screen's anchors hold it
+    bool isVirtual = false; ///< shown by placeholder characters alone
+    Anchors::Id anchor = 0; ///< unless virtual or relative
+    int sourceX = 0;
+    int sourceY = 0;
+    int sourceWidth = 0;
+    int sourceHeight = 0;
+    int offsetX = 0; ///< pixels into the first cell
+    int offsetY = 0;
+    int columns = 0;
+    int rows = 0;
+    int z = 0;
+    uint32_t parentImage = 0; ///< placed relative to that one's placement; 0 is none
+    uint32_t parentPlacement = 0;
+    int parentColumns = 0;
+    int parentRows = 0;
+};
+
+/// The images of a terminal, within a budget: when it is passed, those that were used longest ago go.
+class ImageStore {
+public:
+    explicit ImageStore(size_t budget)
+        : m_budget(budget)
+    {
+    }
+
+    /// Called with each placement that goes, to give up its anchor.
+    void setReleaser(std::function<void(const Placement&)> release) { m_release = std::move(release); }
+
+    /// Takes the image under its id, in place of an older one; an id of 0 is given a free one. False where it is
+    /// larger than the whole budget.
+    bool add(Image image, uint32_t* id);
+    Image* find(uint32_t id);
+    const Image* find(uint32_t id) const;
+    /// The newest with that number.
+    Image* findNumber(uint32_t number);
+    void remove(uint32_t id); ///< with its placements
+    void touch(Image& image) { image.age = ++m_age; }
+    /// The frames of the image have grown.
+    bool fit(const Image& grown);
+
+    Placement& place(Placement placement);
+    const std::vector<Placement>& placements() const { return m_placements; }
+    const Placement* findPlacement(uint32_t image, uint32_t id) const;
+    /// Removes the placements for which `which` is true; images left without any go too where `withImages` is set.
+    void removePlacements(const std::function<bool(const Placement&)>& which, bool withImages);
+
+    size_t count() const { return m_images.size(); }
+    size_t bytes() const { return m_bytes; }
+    size_t budget() const { return m_budget; }
+    void clear();
+    std::map<uint32_t, Image>& images() { return m_images; }
+
+private:
+    void evict(size_t needed, uint32_t spared);
+    void recount();
+
+    static constexpr size_t maxPlacements = 4096;
+    size_t m_budget;
+    size_t m_bytes = 0;
+    uint64_t m_age = 0;
+    uint32_t m_lastId = 0;
+    std::map<uint32_t, Image> m_images;
+    std::vector<Placement> m_placements;
+    std::function<void(const Placement&)> m_release = [](const Placement&) {
+    };
+};
+
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Terminal/Graphics/Image.h"
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace corvane::terminal {
+
+/// Decodes Sixel data as it comes, in any pieces.
+class SixelDecoder {
+public:
+    static constexpr int maxSide = 4096;
+    static constexpr size_t registers = 1024;
+    using Colors = std::array<uint32_t, registers>; ///< 0xrrggbb
+
+    /// `colors` are the registers at the start, and are left as the data set them. `background` fills what the data
+    /// leaves open; without one that stays transparent.
+    SixelDecoder(Colors& colors, std::optional<uint32_t> background);
+    void feed(std::string_view data);
+    /// The picture as far as it came; nothing where it is empty.
+    std::optional<Bitmap> finish();
+
+    static Colors vtColors();
+
+private:
+    void command(uint8_t byte);
+    void applyCommand();
+    void sixel(int bits);
+    void setColor();
+    bool reach(int width, int height);
+
+    Colors& m_colors;
+    std::optional<uint32_t> m_background;
+    std::vector<uint32_t> m_pixels; // m_stride a row; 0xaarrggbb
+    int m_stride = 0;
+    int m_capacity = 0; // rows
+    int m_width = 0;
+    int m_height = 0;
+    int m_x = 0;
+    int m_y = 0;
+    size_t m_color = 0;
+    int m_repeat = 1;
+    char m_command = 0;
+    int m_values[5] = {};
+    int m_count = 0;
+};
+
+}

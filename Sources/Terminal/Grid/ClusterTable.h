@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace corvane::terminal {
+
+/// Gives the text of cells that hold more than one code point a number. Freed like styles: by what is still shown.
+class ClusterTable {
+public:
+    /// More code points than this in one cell are dropped.
+    static constexpr size_t maxLength = 32;
+
+    uint32_t intern(std::u32string_view text);
+    std::u32string_view operator[](uint32_t number) const { return *m_texts[number]; }
+
+    bool isFull() const { return m_numbers.size() >= m_threshold; }
+    void collect(const std::vector<bool>& used);
+    size_t capacity() const { return m_texts.size(); }
+    size_t bytes() const;
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        size_t operator()(std::u32string_view text) const { return std::hash<std::u32string_view>()(text); }
+    };
+
+    std::unordered_map<std::u32string, uint32_t, Hash, std::equal_to<>> m_numbers;
+    std::vector<const std::u32string*> m_texts; // keys of the map
+    std::vector<uint32_t> m_free;
+    size_t m_threshold = 4096;
+};
+
+}

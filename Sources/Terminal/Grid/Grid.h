@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Terminal/Grid/Row.h"
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+namespace corvane::terminal {
+
+/// The rows of one screen. Scrolling moves handles, never cells.
+class Grid {
+public:
+    Grid(int columns, int rows);
+
+    int columns() const { return m_columns; }
+    int rows() const { return int(m_order.size()); }
+    Row& row(int index) { return *m_order[size_t(index)]; }
+    const Row& row(int index) const { return *m_order[size_t(index)]; }
+
+    /// The rows of [top, bottom) move up by `count`, at most their number; the freed ones come in blank below.
+    void rotateUp(int top, int bottom, int count);
+    void rotateDown(int top, int bottom, int count);
+    /// Clears the row and makes it a new one.
+    void renew(Row& row)
+    {
+        row.clear();
+        row.id = ++m_lastId;
+    }
+
+    /// Rows get ids from now on that the other grid never gave out.
+    void adoptIds(const Grid& other);
+
+    size_t bytes() const
+    {
+        return size_t(m_columns) * m_headers.size() * sizeof(Cell) + m_headers.size() * sizeof(Row);
+    }
+
+    /// Null, or what is wrong with the grid; for debug builds and the fuzzer.
+    const char* fault() const;
+
+private:
+    struct Free {
+        void operator()(Cell* cells) const { std::free(cells); }
+    };
+    int m_columns;
+    std::unique_ptr<Cell, Free> m_cells;
+    std::vector<Row> m_headers;
+    std::vector<Row*> m_order;
+    uint64_t m_lastId = 0;
+};
+
+}

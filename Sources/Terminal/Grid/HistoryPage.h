@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Terminal/Grid/Row.h"
+#include "Terminal/Grid/Style.h"
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace corvane::terminal {
+
+/// So many cells in a row have one style; `style` is a number of the page.
+struct StyleRun {
+    uint16_t count;
+    uint16_t style;
+};
+
+/// So many characters in a row take `bytes` bytes of the text and `width` columns each.
+struct ShapeRun {
+    uint8_t width;
+    uint8_t bytes;
+    uint16_t count;
+};
+
+/// One logical line as it lies in a page: the text as UTF-8 with a zero for each blank cell, then runs. Without
+/// style runs all is in the default style; without shape runs each byte is one cell.
+struct HistoryLine {
+    std::string_view text;
+    const StyleRun* styles = nullptr; // may lie unaligned: read by `run`
+    const ShapeRun* shapes = nullptr;
+    uint32_t cells = 0;
+    uint16_t styleCount = 0;
+    uint16_t shapeCount = 0;
+    LineSize size = LineSize::Single;
+    bool joined = false; ///< the text goes on in the next line, which was cut off since it grew too long
+
+    template <typename Run> static Run run(const Run* runs, size_t index)
+    {
+        Run copy;
+        std::memcpy(&copy, reinterpret_cast<const char*>(runs) + index * sizeof(Run), sizeof copy);
+        return copy;
+    }
+};
+
+/// Some 64 KB of lines. Pages that were not looked at for long are kept compressed.
+class HistoryPage {
+public:
+    static constexpr size_t ordinarySize = 64 * 1024;
+    static constexpr size_t maxStyles = 4096;
+
+    HistoryPage(uint64_t firstLine, size_t capacity);
+
+    uint64_t firstLine() const { return m_firstLine; }
+    uint64_t endLine() const { return m_firstLine + m_lines; }
+    uint32_t lines() const { return m_lines; }
+    uint32_t longestLine() const { return m_longest; }
+    size_t room() const { return m_bytes ? m_capacity - m_used : 0; }
+    bool isCold() const { return !m_bytes; }
+    size_t bytes() const;
+
+    std::vector<Style> styles; ///< 0 is the default
+
+    /// The free end of the page, where the next line is built, beginning behind the space for its header.
+    char* textBegin() { return m_bytes.get() + m_used + headerSize; }
+    /// The line is complete; its text already stands at `textBegin`.
+    void commit(const HistoryLine& line);
+    /// Takes back the last line.
+    void removeLast();
+
+    /// The line's place in the page, counted from its first. Consecutive look-ups are cheap.
+    HistoryLine line(uint32_t index) const;
+
+    /// How many rows all lines take at this width.
+    size_t rows(int columns) const;
+
+    void compress();
+    /// Gives up what a look at a cold page unpacked.
+    void cool() const { m_thawed.reset(); }
+
+    static constexpr size_t headerSize = 12;
+
+private:
+    HistoryLine decode(size_t offset, size_t* end) const;
+    const char* data() const;
+
+    uint64_t m_firstLine;
+    std::unique_ptr<char[]> m_bytes;
+    std::vector<uint8_t> m_packed;
+    size_t m_capacity;
+    size_t m_used = 0;
+    uint32_t m_lines = 0;
+    uint32_t m_longest = 0;
+    mutable std::unique_ptr<char[]> m_thawed; // of a cold page that is looked at
+    mutable uint32_t m_cursorIndex = 0;
+    mutable size_t m_cursorOffset = 0;
+    mutable int m_rowsColumns = 0;
+    mutable size_t m_rows = 0;
+};
+
+/// How many rows the line takes at this width; at least one.
+size_t rowsOf(const HistoryLine& line, int columns);
+
+}

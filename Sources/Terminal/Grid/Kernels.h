@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace corvane::terminal {
+
+/// The few loops that touch every byte, in the widest form that this processor has.
+struct Kernels {
+    static const Kernels& instance();
+
+    /// How many of the `size` bytes from `text` on are printable ASCII (0x20 to 0x7e), up to the first that is not.
+    size_t (*printable)(const uint8_t* text, size_t size);
+    /// Bytes to cells: each cell is its byte with `high` in the upper half.
+    void (*widen)(uint64_t* cells, const uint8_t* text, size_t count, uint64_t high);
+    /// The low byte of each cell.
+    void (*narrow)(uint8_t* text, const uint64_t* cells, size_t count);
+};
+
+}

@@ -1,0 +1,89 @@
+#include "Terminal/Host/Bench.h"
+
+#include "Terminal/Host/Json.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <fstream>
+#include <iterator>
+#include <sys/resource.h>
+
+namespace corvane::terminal {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point begin)
+{
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+double cpuSeconds()
+{
+    return double(std::clock()) / CLOCKS_PER_SEC;
+}
+
+/// Of this process, in kilobytes, now.
+long residentKilobytes()
+{
+    std::ifstream status("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    status >> total >> resident;
+    return resident * 4;
+}
+
+}
+
+std::string benchFile(const std::string& path, const BenchOptions& options)
+{
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes { std::istreambuf_iterator<char>(file), {} };
+    if (!file || bytes.empty())
+        return Json()
+            .openObject()
+            .member("file", path)
+            .member("error", "cannot be read, or empty")
+            .closeObject()
+            .text();
+    double best = 0;
+    double bestCpu = 0;
+    std::vector<double> chunks;
+    Memory memory;
+    for (int run = 0; run < options.runs; ++run) {
+        Terminal terminal(options.size, options.config);
+        std::vector<double> times;
+        times.reserve(bytes.size() / options.chunk + 1);
+        const double cpu = cpuSeconds();
+        const Clock::time_point begin = Clock::now();
+        Clock::time_point last = begin;
+        for (size_t at = 0; at < bytes.size(); at += options.chunk) {
+            terminal.feed(std::string_view(bytes).substr(at, options.chunk));
+            terminal.consumeReplies(terminal.replies().size());
+            const Clock::time_point now = Clock::now();
+            times.push_back(std::chrono::duration<double>(now - last).count());
+            last = now;
+        }
+        const double seconds = secondsSince(begin);
+        memory = terminal.memory();
+        if (run == 0 || seconds < best) {
+            best = seconds;
+            bestCpu = cpuSeconds() - cpu;
+            chunks = std::move(times);
+        }
+    }
+    std::sort(chunks.begin(), chunks.end());
+    const double worst = chunks[std::min(chunks.size() - 1, chunks.size() * 99 / 100)];
+    Json json;
+    json.openObject().member("file", path).member("bytes", bytes.size());
+    json.key("mb_per_s").number(double(bytes.size()) / best / 1e6, 1);
+    json.key("ns_per_byte").number(best * 1e9 / double(bytes.size()), 3);
+    json.key("cpu_s").number(bestCpu, 4);
+    json.key("chunk_p99_ms").number(worst * 1e3, 4);
+    json.member("history_bytes", memory.history).member("rss_kb", residentKilobytes());
+    return json.closeObject().text();
+}
+
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Terminal/Core/Terminal.h"
+
+#include <string>
+#include <vector>
+
+namespace corvane::terminal {
+
+struct BenchOptions {
+    Size size;
+    Config config;
+    size_t chunk = 65536;
+    int runs = 3;
+};
+
+/// Feeds the file `runs` times to a fresh terminal each and answers the best as one JSON object.
+std::string benchFile(const std::string& path, const BenchOptions& options);
+
+}

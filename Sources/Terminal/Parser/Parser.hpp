@@ -1,0 +1,467 @@
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+namespace corvane::terminal {
+
+inline constexpr uint8_t bellByte = 0x07, cancelByte = 0x18, substituteByte = 0x1a, escapeCode = 0x1b,
+                         deleteByte = 0x7f;
+
+template <typename Sink> void Parser<Sink>::feed(std::span<const uint8_t> bytes)
+{
+    Byte at = bytes.data();
+    const Byte end = at + bytes.size();
+    while (at < end) {
+        if (m_state == State::Ground)
+            at = ground(at, end);
+        else if (isString())
+            at = string(at, end);
+        else
+            step(*at++);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::reset()
+{
+    if (isString() || m_state == State::StringEscape)
+        endString(false);
+    m_state = State::Ground;
+    m_utf8.restart();
+    m_coding = Coding::Utf8;
+    m_rawC1 = m_vt52 = false;
+    m_osc = {};
+}
+
+template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
+{
+    while (m_utf8.isMidway() && at < end && m_state == State::Ground)
+        utf8Step(*at++);
+    while (at < end && m_state == State::Ground) {
+        const uint8_t byte = *at;
+        if (uint8_t(byte - 0x20) < 0x5f) {
+            const size_t run = m_kernels.printable(at, size_t(end - at));
+            m_sink.printAscii(at, run);
+            at += run;
+        } else if (byte == escapeCode) {
+            at = m_vt52 ? (m_state = State::Vt52Escape, at + 1) : escapeSequence(at + 1, end);
+        } else if (byte < 0x20) {
+            m_sink.execute(byte);
+            ++at;
+        } else if (byte >= 0x80) {
+            at = text(at, end);
+        } else {
+            ++at; // DEL
+        }
+    }
+    return at;
+}
+
+/// A run of bytes from 0x80 on.
+template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
+{
+    if (m_coding == Coding::EightBit) {
+        for (; at < end && *at >= 0x80 && m_state == State::Ground; ++at)
+            point(*at);
+        return at;
+    }
+    while (end - at >= 4 && *at >= 0xc3) {
+        // Whole characters of two and three bytes, the common case; all else goes through the decoder.
+        const uint8_t first = at[0];
+        if (first < 0xe0 && (at[1] & 0xc0) == 0x80) {
+            m_sink.printPoint(char32_t(first & 0x1f) << 6 | (at[1] & 0x3f));
+            at += 2;
+        } else if (first > 0xe0 && first < 0xf0 && first != 0xed && (at[1] & 0xc0) == 0x80 && (at[2] & 0xc0) == 0x80) {
+            m_sink.printPoint(char32_t(first & 0x0f) << 12 | char32_t(at[1] & 0x3f) << 6 | (at[2] & 0x3f));
+            at += 3;
+        } else {
+            break;
+        }
+    }
+    while (at < end && m_state == State::Ground && (*at >= 0x80 || m_utf8.isMidway())) {
+        utf8Step(*at++);
+        if (!m_utf8.isMidway())
+            break;
+    }
+    return at;
+}
+
+template <typename Sink> void Parser<Sink>::utf8Step(uint8_t byte)
+{
+    using Result = Utf8Decoder::Result;
+    const bool wasMidway = m_utf8.isMidway();
+    if (!wasMidway && byte < 0x80) {
+        step(byte);
+        return;
+    }
+    switch (m_utf8.take(byte)) {
+    case Result::More:
+        return;
+    case Result::Character:
+        point(m_utf8.character());
+        return;
+    case Result::Malformed:
+        if (m_rawC1 && byte < 0xa0)
+            c1(byte);
+        else
+            m_sink.printPoint(replacementCharacter);
+        return;
+    case Result::MalformedBefore:
+        m_sink.printPoint(replacementCharacter);
+        utf8Step(byte);
+        return;
+    }
+}
+
+template <typename Sink> void Parser<Sink>::point(char32_t point)
+{
+    if (point >= 0x80 && point < 0xa0)
+        c1(uint8_t(point));
+    else
+        m_sink.printPoint(point);
+}
+
+template <typename Sink> void Parser<Sink>::c1(uint8_t control)
+{
+    switch (control) {
+    case 0x90:
+        m_sequence.clear();
+        m_param = Params::absent;
+        m_nextIsSub = false;
+        m_state = State::DcsEntry;
+        return;
+    case 0x9b:
+        m_sequence.clear();
+        m_param = Params::absent;
+        m_nextIsSub = false;
+        m_state = State::CsiEntry;
+        return;
+    case 0x9d:
+        beginString(State::Osc);
+        return;
+    case 0x9f:
+        beginString(State::Apc);
+        return;
+    case 0x98:
+    case 0x9e:
+        beginString(State::IgnoredString);
+        return;
+    case 0x9c:
+        m_state = State::Ground;
+        return;
+    default:
+        m_state = State::Ground;
+        m_sink.execute(control);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::beginEscape()
+{
+    m_sequence.clear();
+    m_state = State::Escape;
+}
+
+/// `at` is behind an ESC. Sequences that lie whole in the buffer are taken from it.
+template <typename Sink> auto Parser<Sink>::escapeSequence(Byte at, Byte end) -> Byte
+{
+    if (at < end && *at == '[')
+        return controlSequence(at + 1, end);
+    if (at < end && *at == ']') {
+        beginString(State::Osc);
+        return at + 1;
+    }
+    beginEscape();
+    return at;
+}
+
+template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -> Byte
+{
+    const Byte begin = at;
+    m_sequence.clear();
+    if (at < end && *at >= '<' && *at <= '?')
+        m_sequence.leader = char(*at++);
+    int value = Params::absent;
+    bool sub = false;
+    for (; at < end; ++at) {
+        const uint8_t byte = *at;
+        if (uint8_t(byte - '0') < 10) {
+            value = value == Params::absent ? byte - '0' : std::min(value * 10 + (byte - '0'), Params::maxValue);
+        } else if (byte == ';' || byte == ':') {
+            m_sequence.params.add(value, sub);
+            value = Params::absent;
+            sub = byte == ':';
+        } else if (uint8_t(byte - 0x40) < 0x3f) {
+            if (value != Params::absent || m_sequence.params.count() > 0)
+                m_sequence.params.add(value, sub);
+            m_sequence.final = char(byte);
+            m_sink.csi(m_sequence);
+            return at + 1;
+        } else if (uint8_t(byte - 0x20) < 0x10) {
+            m_sequence.addIntermediate(char(byte));
+            if (at + 1 == end || uint8_t(at[1] - 0x30) < 0x10)
+                break;
+        } else {
+            break;
+        }
+    }
+    // Cut, or not as it should be: the machine takes it from its beginning.
+    m_sequence.clear();
+    m_param = Params::absent;
+    m_nextIsSub = false;
+    m_state = State::CsiEntry;
+    return begin;
+}
+
+template <typename Sink> void Parser<Sink>::step(uint8_t byte)
+{
+    if (byte == cancelByte || byte == substituteByte) {
+        if (m_state == State::StringEscape)
+            endString(false);
+        m_state = State::Ground;
+        m_sink.execute(byte);
+        return;
+    }
+    if (m_state == State::StringEscape) {
+        const bool ends = byte == '\\';
+        endString(ends);
+        if (ends)
+            return;
+        beginEscape();
+    }
+    if (byte == escapeCode) {
+        if (m_vt52)
+            m_state = State::Vt52Escape;
+        else
+            beginEscape();
+        return;
+    }
+    if (byte >= 0x80) {
+        if (byte < 0xa0 && (m_rawC1 || m_coding == Coding::EightBit)) {
+            c1(byte);
+        } else if (m_coding == Coding::EightBit) {
+            step(byte & 0x7f);
+        } else {
+            m_state = State::Ground;
+            utf8Step(byte);
+        }
+        return;
+    }
+    switch (m_state) {
+    case State::Escape:
+    case State::EscapeIntermediate:
+        escapeByte(byte);
+        return;
+    case State::CsiEntry:
+    case State::CsiParam:
+    case State::CsiIntermediate:
+    case State::CsiIgnore:
+        csiByte(byte);
+        return;
+    case State::DcsEntry:
+    case State::DcsParam:
+    case State::DcsIntermediate:
+        dcsByte(byte);
+        return;
+    case State::Vt52Escape:
+        m_state = byte == 'Y' ? State::Vt52Row : State::Ground;
+        if (byte != 'Y')
+            m_sink.vt52(char(byte));
+        return;
+    case State::Vt52Row:
+        m_vt52Row = byte;
+        m_state = State::Vt52Column;
+        return;
+    case State::Vt52Column:
+        m_state = State::Ground;
+        m_sink.vt52Move(m_vt52Row - 0x20, byte - 0x20);
+        return;
+    default:
+        if (byte < 0x20)
+            m_sink.execute(byte);
+        else if (byte != deleteByte)
+            m_sink.printAscii(&byte, 1);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::escapeByte(uint8_t byte)
+{
+    if (byte < 0x20) {
+        m_sink.execute(byte);
+    } else if (byte < 0x30) {
+        m_sequence.addIntermediate(char(byte));
+        m_state = State::EscapeIntermediate;
+    } else if (byte == deleteByte) {
+        return;
+    } else if (m_state == State::Escape && byte >= 0x40 && byte < 0x60) {
+        c1(uint8_t(byte + 0x40));
+    } else {
+        m_state = State::Ground;
+        m_sequence.final = char(byte);
+        m_sink.escape(m_sequence);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::endParam(bool sub)
+{
+    m_sequence.params.add(m_param, m_nextIsSub);
+    m_param = Params::absent;
+    m_nextIsSub = sub;
+}
+
+template <typename Sink> void Parser<Sink>::paramByte(uint8_t byte)
+{
+    if (byte == ';' || byte == ':')
+        endParam(byte == ':');
+    else
+        m_param = m_param == Params::absent ? byte - '0' : std::min(m_param * 10 + (byte - '0'), Params::maxValue);
+}
+
+template <typename Sink> void Parser<Sink>::csiByte(uint8_t byte)
+{
+    if (byte < 0x20) {
+        m_sink.execute(byte);
+    } else if (byte == deleteByte) {
+        return;
+    } else if (byte >= 0x40) {
+        const bool ignored = m_state == State::CsiIgnore;
+        m_state = State::Ground;
+        if (ignored)
+            return;
+        if (m_param != Params::absent || m_sequence.params.count() > 0)
+            endParam(false);
+        m_sequence.final = char(byte);
+        m_sink.csi(m_sequence);
+    } else if (m_state == State::CsiIgnore) {
+        return;
+    } else if (byte < 0x30) {
+        m_sequence.addIntermediate(char(byte));
+        m_state = State::CsiIntermediate;
+    } else if (m_state == State::CsiIntermediate) {
+        m_state = State::CsiIgnore;
+    } else if (byte >= '<') {
+        if (m_state == State::CsiEntry) {
+            m_sequence.leader = char(byte);
+            m_state = State::CsiParam;
+        } else {
+            m_state = State::CsiIgnore;
+        }
+    } else {
+        m_state = State::CsiParam;
+        paramByte(byte);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::dcsByte(uint8_t byte)
+{
+    if (byte < 0x20 || byte == deleteByte)
+        return;
+    if (byte >= 0x40) {
+        if (m_param != Params::absent || m_sequence.params.count() > 0)
+            endParam(false);
+        m_sequence.final = char(byte);
+        m_state = State::DcsPassthrough;
+        m_sink.dcsBegin(m_sequence);
+    } else if (byte < 0x30) {
+        m_sequence.addIntermediate(char(byte));
+        m_state = State::DcsIntermediate;
+    } else if (m_state == State::DcsIntermediate || (byte >= '<' && m_state != State::DcsEntry)) {
+        m_state = State::DcsIgnore;
+    } else {
+        m_state = State::DcsParam;
+        if (byte >= '<')
+            m_sequence.leader = char(byte);
+        else
+            paramByte(byte);
+    }
+}
+
+template <typename Sink> void Parser<Sink>::beginString(State state)
+{
+    m_state = state;
+    m_osc.clear();
+    m_oscTooLong = false;
+    if (state == State::Apc)
+        m_sink.apcBegin();
+}
+
+template <typename Sink> void Parser<Sink>::endString(bool complete)
+{
+    const State ended = isString() ? m_state : m_string;
+    m_state = State::Ground;
+    if (ended == State::Osc && complete && !m_oscTooLong)
+        m_sink.osc(m_osc);
+    else if (ended == State::DcsPassthrough)
+        m_sink.dcsEnd(complete);
+    else if (ended == State::Apc)
+        m_sink.apcEnd(complete);
+    if (m_osc.capacity() > maxOsc)
+        m_osc = {};
+}
+
+template <typename Sink> void Parser<Sink>::appendOsc(Byte from, Byte to)
+{
+    const auto mayBeLong = [this] {
+        return m_osc.starts_with("1337;") || m_osc.starts_with("52;");
+    };
+    m_oscTooLong |= m_osc.size() + size_t(to - from) > maxOsc
+        && (m_osc.size() + size_t(to - from) > maxOscData || (m_osc.size() >= 5 && !mayBeLong()));
+    if (!m_oscTooLong)
+        m_osc.append(reinterpret_cast<const char*>(from), size_t(to - from));
+}
+
+/// The bytes of a string up to what ends it, in one piece.
+template <typename Sink> auto Parser<Sink>::string(Byte at, Byte end) -> Byte
+{
+    const bool rawC1 = m_rawC1 || m_coding == Coding::EightBit;
+    Byte stop = at;
+    const auto endsRun = [&](uint8_t byte) {
+        return (byte < 0x20
+                   && (byte == escapeCode || byte == cancelByte || byte == substituteByte || m_state == State::Osc))
+            || (rawC1 && byte >= 0x80 && byte < 0xa0);
+    };
+    while (true) {
+        stop += m_kernels.printable(stop, size_t(end - stop));
+        if (stop == end || endsRun(*stop))
+            break;
+        ++stop;
+    }
+    if (stop > at) {
+        const std::string_view run(reinterpret_cast<const char*>(at), size_t(stop - at));
+        if (m_state == State::Osc) {
+            // A title or a link that lies whole in the buffer needs no copy.
+            if (m_osc.empty() && run.size() <= maxOsc && stop < end && *stop == bellByte) {
+                m_state = State::Ground;
+                m_sink.osc(run);
+                return stop + 1;
+            }
+            if (m_osc.empty() && run.size() <= maxOsc && end - stop >= 2 && *stop == escapeCode && stop[1] == '\\') {
+                m_state = State::Ground;
+                m_sink.osc(run);
+                return stop + 2;
+            }
+            appendOsc(at, stop);
+        } else if (m_state == State::DcsPassthrough) {
+            m_sink.dcsData(run);
+        } else if (m_state == State::Apc) {
+            m_sink.apcData(run);
+        }
+    }
+    if (stop == end)
+        return stop;
+    const uint8_t byte = *stop;
+    if (byte == escapeCode) {
+        m_string = m_state;
+        m_state = State::StringEscape;
+    } else if (byte == cancelByte || byte == substituteByte) {
+        endString(false);
+        m_sink.execute(byte);
+    } else if (byte == bellByte && m_state == State::Osc) {
+        endString(true);
+    } else if (byte >= 0x80) {
+        endString(byte == 0x9c);
+        c1(byte);
+    }
+    return stop + 1;
+}
+
+}

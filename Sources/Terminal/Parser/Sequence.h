@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+
+namespace corvane::terminal {
+
+/// The parameters of a control sequence. One that was left out is absent, which most functions take for 1 or 0.
+class Params {
+public:
+    static constexpr int max = 32;
+    static constexpr int absent = -1;
+    static constexpr int maxValue = 0xffffff;
+
+    int count() const { return m_count; }
+    /// `fallback` where the parameter is absent.
+    int at(int index, int fallback = 0) const
+    {
+        return index < m_count && m_values[index] != absent ? m_values[index] : fallback;
+    }
+    /// As most functions count: absent and 0 are 1.
+    int amount(int index) const
+    {
+        const int value = at(index, 1);
+        return value == 0 ? 1 : value;
+    }
+    bool has(int index) const { return index < m_count && m_values[index] != absent; }
+    /// It belongs, by a colon, to the one before.
+    bool isSub(int index) const { return index < m_count && m_subs >> index & 1; }
+    /// The index of the first parameter behind `index` that is no sub-parameter.
+    int next(int index) const
+    {
+        ++index;
+        while (isSub(index))
+            ++index;
+        return index;
+    }
+
+    void clear()
+    {
+        m_count = 0;
+        m_subs = 0;
+    }
+    void add(int value, bool sub)
+    {
+        if (m_count == max)
+            return;
+        m_subs |= uint32_t(sub) << m_count;
+        m_values[m_count++] = value;
+    }
+
+private:
+    int m_values[max];
+    uint32_t m_subs = 0;
+    int m_count = 0;
+};
+
+/// An escape or control sequence, or the head of a device control string.
+struct Sequence {
+    Params params;
+    char leader = 0; ///< one of < = > ? or 0
+    char intermediates[2] = {};
+    uint8_t intermediateCount = 0; ///< more than 2 are counted, not kept
+    char final = 0;
+
+    void clear()
+    {
+        params.clear();
+        leader = final = 0;
+        intermediates[0] = intermediates[1] = 0;
+        intermediateCount = 0;
+    }
+    void addIntermediate(char byte)
+    {
+        if (intermediateCount < 2)
+            intermediates[intermediateCount] = byte;
+        if (intermediateCount < 3)
+            ++intermediateCount;
+    }
+};
+
+}

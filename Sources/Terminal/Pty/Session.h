@@ -1,0 +1,92 @@
+#pragma once
+
+#include "Terminal/Core/Terminal.h"
+#include "Terminal/Pty/Pty.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace corvane::terminal {
+
+/// What passes between the terminal and the child. Called on the session's threads.
+struct SessionTaps {
+    std::function<void(std::string_view)> output; ///< from the child, before it is parsed
+    std::function<void(std::string_view, bool hidden)> input; ///< to the child; hidden while it asks for a password
+    std::function<void()> changed; ///< the terminal took something in
+    std::function<void(ExitStatus)> exited; ///< the last call of all
+};
+
+/// A terminal with a child in it. One thread drains the child's output while another parses what came before.
+class Session {
+public:
+    Session(Size size, const Config& config, SessionTaps taps = {});
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Once. On failure the terminal shows the error in one line.
+    std::expected<void, std::string> start(const Command& command);
+
+    /// The terminal, for as long as the lock is held. What it wants written is sent when it is let go.
+    class Access {
+    public:
+        explicit Access(Session& session)
+            : m_session(session)
+            , m_lock(session.m_terminalMutex)
+        {
+        }
+        ~Access();
+        Terminal* operator->() const { return &m_session.m_terminal; }
+        Terminal& operator*() const { return m_session.m_terminal; }
+
+    private:
+        Session& m_session;
+        std::unique_lock<std::mutex> m_lock;
+    };
+    Access terminal() { return Access(*this); }
+
+    void resize(Size size);
+    void hangUp();
+    bool isRunning() const { return m_running; }
+    int process() const { return m_process; }
+    /// False after `timeout`.
+    bool waitForExit(std::chrono::milliseconds timeout);
+    ExitStatus exitStatus() const { return m_status; }
+
+private:
+    void readLoop();
+    void parseLoop();
+    bool takeOutput();
+    void writeBacklog();
+    void sendReplies(); // with the terminal locked
+    void wakeReader();
+
+    static constexpr size_t maxPending = 1 << 20;
+    static constexpr size_t maxBacklog = 4 << 20;
+
+    Terminal m_terminal;
+    std::mutex m_terminalMutex;
+    SessionTaps m_taps;
+    std::optional<Pty> m_pty;
+    Descriptor m_wake;
+    std::thread m_reader;
+    std::thread m_parser;
+    std::mutex m_mutex; // of all below
+    std::condition_variable m_arrived;
+    std::condition_variable m_drained;
+    std::condition_variable m_ended;
+    std::string m_pending; // read, not yet parsed
+    std::string m_backlog; // to be written to the child
+    bool m_readerDone = false;
+    bool m_stopping = false;
+    std::atomic<bool> m_running = false;
+    std::atomic<int> m_process = -1;
+    ExitStatus m_status;
+};
+
+}

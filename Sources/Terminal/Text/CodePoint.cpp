@@ -1,0 +1,47 @@
+#include "Terminal/Text/CodePoint.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace corvane::terminal {
+
+namespace {
+
+struct Range {
+    char32_t first;
+    char32_t last;
+    uint8_t bits;
+};
+
+constexpr Range ranges[] = {
+#include "Terminal/Text/UnicodeRanges.inc"
+};
+
+}
+
+const CodePointTable& CodePointTable::instance()
+{
+    static const CodePointTable table;
+    return table;
+}
+
+CodePointTable::CodePointTable()
+{
+    std::memset(m_blocks, CodePoint().bits, sizeof m_blocks);
+    std::vector<uint8_t> points(0x110000, CodePoint().bits);
+    for (const Range& range : ranges)
+        std::fill(points.begin() + range.first, points.begin() + range.last + 1, range.bits);
+    std::map<std::string, uint8_t> known;
+    for (size_t block = 0; block < std::size(m_index); ++block) {
+        const std::string bytes(points.begin() + block * 256, points.begin() + (block + 1) * 256);
+        const auto [entry, isNew] = known.try_emplace(bytes, uint8_t(known.size()));
+        if (isNew)
+            std::memcpy(m_blocks + entry->second * 256, bytes.data(), 256);
+        m_index[block] = entry->second;
+    }
+}
+
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+
+namespace corvane::terminal {
+
+/// The grapheme break classes of UAX 29; pictographs that belong to no other class have one of their own.
+enum class GraphemeBreak : uint8_t {
+    Other,
+    CR,
+    LF,
+    Control,
+    Extend,
+    ZWJ,
+    RegionalIndicator,
+    Prepend,
+    SpacingMark,
+    L,
+    V,
+    T,
+    LV,
+    LVT,
+    Pictographic
+};
+
+/// What the terminal has to know of a code point, in one byte.
+struct CodePoint {
+    uint8_t bits = 1;
+
+    /// Columns by UAX 11: 0 for what combines, 2 for what is wide. Ambiguous ones count as 1.
+    int width() const { return bits & 3; }
+    bool ambiguous() const { return bits & 4; }
+    /// Followed by VS16 it is shown as an emoji, two columns wide.
+    bool emojiVariation() const { return bits & 8; }
+    GraphemeBreak graphemeBreak() const { return GraphemeBreak(bits >> 4); }
+};
+
+/// A lookup in two steps, built once from the ranges of Debian's unicode-data.
+class CodePointTable {
+public:
+    static const CodePointTable& instance();
+
+    /// `point` is below 0x110000.
+    CodePoint operator[](char32_t point) const { return { m_blocks[m_index[point >> 8] * 256u + (point & 0xff)] }; }
+
+private:
+    CodePointTable();
+    static constexpr int maxBlocks = 256;
+    uint8_t m_index[0x1100] = {};
+    uint8_t m_blocks[maxBlocks * 256];
+};
+
+constexpr char32_t replacementCharacter = 0xfffd;
+constexpr char32_t variationSelector16 = 0xfe0f;
+
+}
