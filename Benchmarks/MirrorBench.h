@@ -24,7 +24,7 @@ public:
     QString path() const { return m_folder.filePath(QStringLiteral("mirror.db")); }
     LocalDB& store() { return *m_store; }
     sqlite3* bare() { return m_bare; }
-    const QByteArray& contactsStatement() const { return m_contacts; } ///< what `fetchContacts` runs
+    QByteArray contactsStatement() const; ///< the list of people in one statement over everybody
 
     /// The last statement that `work` runs on a store of its own, so that a rival runs the very same text.
     QByteArray statementOf(const std::function<void(LocalDB&)>& work);
@@ -47,7 +47,6 @@ private:
     NotificationCentre m_centre;
     std::unique_ptr<LocalDB> m_store;
     sqlite3* m_bare = nullptr;
-    QByteArray m_contacts;
     QList<QByteArray> m_ingest; ///< the five statements
     std::vector<BareStatement> m_ingestPrepared;
     QStringList m_handles;

@@ -40,3 +40,24 @@ TEST(Coalescer, aBurstBecomesOneCallAtOnceAndOnePerPeriod)
     clock.advance(Milliseconds(100));
     EXPECT_EQ(calls, 3) << "a clock set back holds nothing up";
 }
+
+TEST(Coalescer, aCostlyCallIsFollowedByNineTimesItsOwnTime)
+{
+    VirtualScheduler clock;
+    int calls = 0;
+    Coalescer coalescer(clock, Milliseconds(100), [&] {
+        ++calls;
+        clock.setNowMs(clock.nowMs() + 50);
+        if (calls < 3)
+            coalescer.request();
+    });
+    coalescer.request();
+    clock.advance(Milliseconds(1));
+    EXPECT_EQ(calls, 1);
+    clock.advance(Milliseconds(440));
+    EXPECT_EQ(calls, 1);
+    clock.advance(Milliseconds(10));
+    EXPECT_EQ(calls, 2) << "what was requested meanwhile is not lost";
+    clock.advance(seconds(1));
+    EXPECT_EQ(calls, 3);
+}

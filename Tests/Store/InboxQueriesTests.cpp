@@ -3,6 +3,8 @@
 #include "Store/Messages/ThreadQueries.h"
 #include "Support/StoreTest.h"
 
+#include <random>
+
 namespace corvane {
 
 class InboxTest : public StoreTest {
@@ -77,6 +79,81 @@ TEST_F(InboxTest, filtersAccountsAndLimitsNarrowTheList)
     EXPECT_EQ(names(), QStringList { "Yesterday" });
     m_db->exec("UPDATE contact SET workspace_id='elsewhere';");
     EXPECT_EQ(names(), QStringList());
+}
+
+/// The list as one statement over everybody: what `fetchContacts` returns, and in that order.
+QString listOfEverybody(InboxFilter filter, qint64 nowMs)
+{
+    const QString archived = filter == InboxFilter::Archived ? "NOT NULL" : "NULL";
+    const QString having = filter == InboxFilter::NeedsMe ? QString("HAVING SUM(c.unread) > 0")
+        : filter == InboxFilter::Today ? QStringLiteral("HAVING MAX(c.last_ts) >= %1").arg(startOfTodayMs(nowMs))
+                                       : QString();
+    return QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
+  (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
+     WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
+  COALESCE((SELECT m.body FROM unified_message m
+     JOIN unified_conversation cc ON m.conversation_id=cc.id
+     WHERE cc.contact_id=ct.id AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1), ''),
+  MAX(c.last_ts), SUM(c.unread), MIN(c.account_id),
+  MAX(CASE WHEN c.external_id LIKE '%@g.us' THEN 1 ELSE 0 END), COALESCE(ct.avatar_path,''), MAX(c.muted)
+FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
+WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
+  AND (? = '' OR c.account_id = ?) AND c.archived_at IS )")
+        + archived + "\nGROUP BY ct.id " + having + "\nORDER BY MAX(c.last_ts) DESC LIMIT ?;";
+}
+
+TEST_F(InboxTest, theNewestPeopleAreThoseOfAWalkOverEverybody)
+{
+    const qint64 midnight = startOfTodayMs(m_clock.nowMs());
+    std::mt19937 random(7);
+    const auto below = [&](int limit) {
+        return int(random() % unsigned(limit));
+    };
+    const auto oneIn = [&](int count) {
+        return below(count) == 0;
+    };
+    const auto person = [&] {
+        return QStringLiteral("ct:SMS:%1").arg(below(12));
+    };
+    for (int mirror = 0; mirror < 60; ++mirror) {
+        m_db->exec("BEGIN; DELETE FROM unified_message; DELETE FROM unified_conversation; DELETE FROM contact;");
+        for (int i = 0; i < 12; ++i)
+            m_db->run("INSERT INTO contact(id, workspace_id, display_name, deleted_at) VALUES(?,?,?,?);",
+                { QStringLiteral("ct:SMS:%1").arg(i), QString(oneIn(8) ? "elsewhere" : "local"),
+                    oneIn(4) ? SqlValue() : SqlValue(QStringLiteral("P%1").arg(i)),
+                    oneIn(8) ? SqlValue(1) : SqlValue() });
+        for (int i = 0; i < 24; ++i) {
+            const QString id = QStringLiteral("c%1").arg(i);
+            const qint64 ts = midnight + below(6) - 3; // many at the same instant, some of them yesterday
+            m_db->run(
+                "INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, contact_id, "
+                "last_ts, unread, muted, archived_at, deleted_at) VALUES(?,?,?,?,?,?,?,?,?,?,?);",
+                { id, QString(oneIn(6) ? "elsewhere" : "local"), QString(oneIn(2) ? "SMS" : "EMAIL"),
+                    QString(oneIn(2) ? "a" : "b"), id + (oneIn(5) ? "@g.us" : ""),
+                    oneIn(9) ? SqlValue() : SqlValue(person()), ts, below(4) - 1, below(2),
+                    oneIn(4) ? SqlValue(1) : SqlValue(), oneIn(6) ? SqlValue(1) : SqlValue() });
+            m_db->run("INSERT INTO unified_message(id, conversation_id, body, ts, deleted_at) VALUES(?,?,?,?,?);",
+                { id, id, QStringLiteral("body %1").arg(i), ts - below(2), oneIn(5) ? SqlValue(1) : SqlValue() });
+        }
+        for (int i = 0; i < 3; ++i) // a merge takes all conversations of one person to another
+            m_db->run("UPDATE unified_conversation SET contact_id=? WHERE contact_id=?;", { person(), person() });
+        m_db->exec("COMMIT;");
+        for (const InboxFilter filter :
+            { InboxFilter::NeedsMe, InboxFilter::Today, InboxFilter::All, InboxFilter::Archived })
+            for (const QString& account : { QString(), QString("a") })
+                for (const int limit : { 1, 3, 5, 300 }) {
+                    const auto expected = m_db->rows(listOfEverybody(filter, m_clock.nowMs()),
+                        { QString("local"), account, account, limit }, [](const SqlRow& row) {
+                            return ContactRow { row.text(0), row.text(1), row.text(2).split(',', Qt::SkipEmptyParts),
+                                row.text(3), row.integer(4), int(row.integer(5)), row.text(6), row.integer(7) != 0,
+                                row.text(8), row.integer(9) != 0 };
+                        });
+                    ASSERT_EQ(list(filter, account, limit), expected) << mirror << " " << int(filter) << " " << limit;
+                    if (account.isEmpty() && limit == 300)
+                        for (const ContactRow& row : expected)
+                            ASSERT_EQ(fetchContacts(*m_db, filter, QStringList { row.id }), QList<ContactRow> { row });
+                }
+    }
 }
 
 TEST_F(InboxTest, archivingHidesAPersonAndTheirUnread)

@@ -214,10 +214,10 @@ void EngineManager::refreshUnreadBadge()
     m_state->desktop.setBadge(total);
 }
 
-void EngineManager::bump()
+void EngineManager::bump(const QString& contactId)
 {
     ++m_inboxRevision;
-    Q_EMIT inboxRevisionChanged();
+    Q_EMIT inboxRevisionChanged(contactId);
     m_state->badge.request();
 }
 

@@ -95,14 +95,15 @@ public:
     void setOpenContactId(const QString& contactId);
     std::optional<MediaDownloadStatus> mediaDownloadStatus(const QString& messageId) const;
     void refreshUnreadBadge();
-    void bump(); ///< something that the inbox shows may have changed
+    /// Something that the inbox shows of this person may have changed; of anybody where no one is named.
+    void bump(const QString& contactId = {});
 
     /// What an engine printed behind the sentinel; anything but a JSON object with a "type" is ignored.
     void handleEvent(const QUuid& accountId, const QString& line, Speaker speaker);
 
 Q_SIGNALS:
     void runtimeChanged(const QUuid& accountId);
-    void inboxRevisionChanged();
+    void inboxRevisionChanged(const QString& contactId); ///< as told to `bump`
     void unreadTotalChanged();
     void mediaDownloadStatusChanged(const QString& messageId);
     void mcpRunningChanged();

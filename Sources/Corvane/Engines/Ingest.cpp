@@ -96,11 +96,11 @@ void Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     if (message.mediaPath)
         Q_EMIT mediaDownloadChanged(messageId(*providerMsgId), std::nullopt);
 
+    const QString contact = contactId(source.channel, *externalId);
     const bool historical = event.value(QLatin1StringView("historical")).toBool();
     if (!message.outgoing && !historical) {
         raiseUnread(m_db, conversation);
         // Of a contact that was merged, the person is another; the conversation comes back to them a moment later.
-        const QString contact = contactId(source.channel, *externalId);
         const QString person = personBehind(m_db, contact);
         if (m_openContactId != person && m_notifier.wouldNotify(person) && !isMuted(m_db, person)
             && (person == contact || !isMuted(m_db, contact))) {
@@ -108,7 +108,7 @@ void Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
             m_notifier.notifyMessage(person, WAName::pretty(name), source.channel, *body);
         }
     }
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contact);
 }
 
 void Ingest::handleAvatar(const EventSource& source, const QJsonObject& event)
@@ -118,7 +118,7 @@ void Ingest::handleAvatar(const EventSource& source, const QJsonObject& event)
     if (!jid || !path)
         return;
     setContactAvatar(m_db, contactId(source.channel, *jid), *path);
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contactId(source.channel, *jid));
 }
 
 void Ingest::handleMessageStatus(const EventSource&, const QJsonObject& event)
@@ -128,7 +128,7 @@ void Ingest::handleMessageStatus(const EventSource&, const QJsonObject& event)
     if (!providerMsgId || !status)
         return;
     raiseMessageStatus(m_db, *providerMsgId, *status);
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
 }
 
 void Ingest::handleSendAck(const EventSource&, const QJsonObject& event)
@@ -147,7 +147,7 @@ void Ingest::handleReaction(const EventSource&, const QJsonObject& event)
     if (!target)
         return;
     setProviderReaction(m_db, *target, text(event, "emoji").value_or(QStringLiteral("")));
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contactOfMessage(m_db, *target));
 }
 
 void Ingest::handleMedia(const EventSource&, const QJsonObject& event)
@@ -163,12 +163,12 @@ void Ingest::handleMedia(const EventSource&, const QJsonObject& event)
         const QString reason
             = text(event, "error").value_or(QStringLiteral("Couldn't fetch this media from WhatsApp."));
         Q_EMIT mediaDownloadChanged(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Failed, reason });
-        Q_EMIT inboxChanged();
+        Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
     } else if (state == u"success") {
         if (const auto path = text(event, "mediaPath"))
             updateMessageMedia(m_db, *providerMsgId, text(event, "mediaType"), *path);
         Q_EMIT mediaDownloadChanged(key, std::nullopt);
-        Q_EMIT inboxChanged();
+        Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
     }
 }
 
@@ -179,7 +179,7 @@ void Ingest::handleContactName(const EventSource& source, const QJsonObject& eve
     if (!jid || !name || name->isEmpty())
         return;
     setContactName(m_db, contactId(source.channel, *jid), *name);
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contactId(source.channel, *jid));
 }
 
 void Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
@@ -197,7 +197,7 @@ void Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
         if (const auto path = writeAddressBookPhoto(*jid, source, person->image))
             setContactAvatar(m_db, contact, *path);
     }
-    Q_EMIT inboxChanged();
+    Q_EMIT inboxChanged(contact);
 }
 
 std::optional<QString> Ingest::writeAddressBookPhoto(

@@ -36,7 +36,7 @@ public:
     void handle(const EventSource& source, const QString& type, const QJsonObject& event);
 
 Q_SIGNALS:
-    void inboxChanged();
+    void inboxChanged(const QString& contactId); ///< what the inbox shows of this person; empty for anybody
     void draftAcknowledged();
     void mediaDownloadChanged(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 

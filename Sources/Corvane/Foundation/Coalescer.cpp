@@ -1,32 +1,48 @@
 #include "Foundation/Coalescer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corvane {
 
-Coalescer::Coalescer(Scheduler& scheduler, Milliseconds period, std::function<void()> call)
+namespace {
+
+constexpr Milliseconds longestPause { 10'000 }; // a computer that slept in a call must not wait for nine nights
+
+}
+
+Coalescer::Coalescer(Scheduler& scheduler, Milliseconds shortestPause, std::function<void()> call)
     : m_scheduler(scheduler)
-    , m_period(period)
+    , m_shortestPause(shortestPause)
     , m_call(std::move(call))
-    , m_lastMs(scheduler.nowMs() - period.count())
+    , m_endMs(scheduler.nowMs())
 {
 }
 
 void Coalescer::request()
 {
-    if (m_pending)
+    if (m_calling)
+        m_again = true;
+    if (m_calling || m_pending)
         return;
-    // A clock that was set back must not hold a call for longer than one period.
-    const qint64 elapsed = m_scheduler.nowMs() - m_lastMs;
-    const qint64 wait = elapsed < 0 ? m_period.count() : std::max<qint64>(0, m_period.count() - elapsed);
-    m_pending = m_scheduler.after(Milliseconds(wait), [this] { fire(); });
+    // A clock that was set back must not hold a call for longer than one pause.
+    const Milliseconds elapsed { m_scheduler.nowMs() - m_endMs };
+    const Milliseconds wait = elapsed.count() < 0 ? m_pause : std::max(Milliseconds(0), m_pause - elapsed);
+    m_pending = m_scheduler.after(wait, [this] { fire(); });
 }
 
 void Coalescer::fire()
 {
     const auto fired = std::move(m_pending);
-    m_lastMs = m_scheduler.nowMs();
+    const qint64 startMs = m_scheduler.nowMs();
+    m_calling = true;
     m_call();
+    m_calling = false;
+    m_endMs = m_scheduler.nowMs();
+    const Milliseconds cost { std::max<qint64>(0, m_endMs - startMs) };
+    m_pause = std::max(m_shortestPause, std::min(9 * cost, longestPause));
+    if (std::exchange(m_again, false))
+        request();
 }
 
 }

@@ -4,11 +4,13 @@
 
 namespace corvane {
 
-/// Turns a burst of requests into few calls: the first request calls at the next turn of the loop, later
-/// ones are gathered into one call at the end of each `period`. The last request is never lost.
+/// Turns a burst of requests into few calls: the first request calls at the next turn of the loop, later ones are
+/// gathered into one call after a pause. The pause counts from the end of a call and grows with what the call
+/// cost, so that calls take at most a tenth of the time. The last request is never lost. A call must not destroy
+/// the object.
 class Coalescer {
 public:
-    Coalescer(Scheduler& scheduler, Milliseconds period, std::function<void()> call);
+    Coalescer(Scheduler& scheduler, Milliseconds shortestPause, std::function<void()> call);
 
     void request();
 
@@ -16,10 +18,13 @@ private:
     void fire();
 
     Scheduler& m_scheduler;
-    Milliseconds m_period;
+    Milliseconds m_shortestPause;
+    Milliseconds m_pause { 0 };
     std::function<void()> m_call;
     std::unique_ptr<Timer> m_pending;
-    qint64 m_lastMs;
+    qint64 m_endMs; ///< of the last call
+    bool m_calling = false;
+    bool m_again = false; ///< requested while the call ran
 };
 
 }

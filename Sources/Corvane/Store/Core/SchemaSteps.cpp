@@ -27,11 +27,13 @@ const QList<Step>& steps()
         AddedColumn { "deal", "title TEXT" },
         AddedColumn { "crm_deal", "contact_id TEXT" },
         AddedColumn { "crm_task", "contact_id TEXT" },
-        // The list of people walks contacts in the order of their ids and reaches the conversations of each without
-        // touching either table. The last is for what every ingested message asks: whether the workspace holds
+        // The list of people walks conversations newest first, then reaches the people it found and the conversations
+        // of each without touching either table. The last is for what every ingested message asks: whether the workspace holds
         // anything, and how many messages are unread.
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_workspace
   ON contact(workspace_id, deleted_at, id, display_name, avatar_path);)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_newest
+  ON unified_conversation(last_ts DESC, contact_id) WHERE deleted_at IS NULL AND archived_at IS NULL;)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_contact
   ON unified_conversation(contact_id, deleted_at, archived_at, last_ts, unread, muted, channel, account_id,
     external_id, id);)" },

@@ -139,16 +139,15 @@ void SqlConnection::bind(sqlite3_stmt* statement, const QList<SqlValue>& paramet
     }
 }
 
-void SqlConnection::forEachRow(
-    const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit)
+void SqlConnection::visitRows(
+    const QString& sql, const QList<SqlValue>& parameters, const std::function<bool(const SqlRow&)>& visit)
 {
     const Statement statement = prepare(sql.toUtf8());
     if (!statement)
         return;
     bind(statement.get(), parameters, Binding::Every);
     const SqlRow row(statement.get());
-    while (step(statement.get()) == SQLITE_ROW)
-        visit(row);
+    while (step(statement.get()) == SQLITE_ROW && visit(row)) { }
 }
 
 }

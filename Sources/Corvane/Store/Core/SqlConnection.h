@@ -85,7 +85,10 @@ public:
     template <typename Read> auto rows(const QString& sql, const QList<SqlValue>& parameters, Read read)
     {
         QList<std::invoke_result_t<Read, const SqlRow&>> result;
-        forEachRow(sql, parameters, [&](const SqlRow& row) { result.append(read(row)); });
+        visitRows(sql, parameters, [&](const SqlRow& row) {
+            result.append(read(row));
+            return true;
+        });
         return result;
     }
 
@@ -93,12 +96,16 @@ public:
     template <typename Read> auto firstRow(const QString& sql, const QList<SqlValue>& parameters, Read read)
     {
         std::optional<std::invoke_result_t<Read, const SqlRow&>> result;
-        forEachRow(sql, parameters, [&](const SqlRow& row) {
-            if (!result)
-                result = read(row);
+        visitRows(sql, parameters, [&](const SqlRow& row) {
+            result = read(row);
+            return false;
         });
         return result;
     }
+
+    /// Row after row, until `visit` returns false.
+    void visitRows(
+        const QString& sql, const QList<SqlValue>& parameters, const std::function<bool(const SqlRow&)>& visit);
 
 protected:
     struct Finalize {
@@ -123,9 +130,6 @@ protected:
     sqlite3* m_db = nullptr;
 
 private:
-    void forEachRow(
-        const QString& sql, const QList<SqlValue>& parameters, const std::function<void(const SqlRow&)>& visit);
-
     QString m_path;
     StoreHealth* m_health = nullptr;
     std::shared_ptr<const std::atomic<bool>> m_stopped;

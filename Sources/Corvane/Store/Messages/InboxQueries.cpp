@@ -2,6 +2,8 @@
 
 #include "Store/Core/Workspaces.h"
 
+#include <QSet>
+
 namespace corvane {
 
 namespace {
@@ -21,17 +23,61 @@ FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
 WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
   AND )");
 
+QString archivedCondition(InboxFilter filter)
+{
+    return filter == InboxFilter::Archived ? QStringLiteral("archived_at IS NOT NULL")
+                                           : QStringLiteral("archived_at IS NULL");
+}
+
+/// The conversations under the filter, newest first. The cross join holds the order of the loops, and whoever has
+/// nothing unread at all is passed over without a sum.
+QString newestStatement(InboxFilter filter, qint64 nowMs)
+{
+    QString sql = QStringLiteral(R"(SELECT c.contact_id, c.last_ts
+FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
+WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS NULL AND (? = '' OR c.account_id = ?))");
+    if (filter == InboxFilter::NeedsMe) {
+        sql += QStringLiteral(R"(
+  AND c.contact_id IN (SELECT contact_id FROM unified_conversation WHERE deleted_at IS NULL AND %1 AND unread > 0)
+  AND (SELECT SUM(u.unread) FROM unified_conversation u WHERE u.contact_id=c.contact_id AND u.deleted_at IS NULL
+     AND u.%1 AND (? = '' OR u.account_id = ?)) > 0)");
+    } else if (filter == InboxFilter::Today) {
+        sql += QStringLiteral("\n  AND c.last_ts >= %2").arg(startOfTodayMs(nowMs));
+    }
+    return sql.replace(QStringLiteral("%1"), archivedCondition(filter)) + QStringLiteral("\nORDER BY c.last_ts DESC;");
+}
+
+/// The newest people under the filter: `limit`, and who else is as old as the last of them.
+QStringList newestPeople(LocalDB& db, InboxFilter filter, const QString& workspace, const QString& account, int limit)
+{
+    QList<SqlValue> parameters { workspace, account, account };
+    if (filter == InboxFilter::NeedsMe)
+        parameters += { account, account };
+    QSet<QString> known;
+    qint64 lastTs = 0;
+    db.visitRows(newestStatement(filter, db.nowMs()), parameters, [&](const SqlRow& row) {
+        if (known.size() >= limit && row.integer(1) != lastTs)
+            return false;
+        const QString id = row.text(0);
+        if (!known.contains(id)) {
+            known.insert(id);
+            lastTs = row.integer(1);
+        }
+        return true;
+    });
+    return known.values();
+}
+
+/// Of the people alone who are named in a JSON array.
 QString contactsStatement(InboxFilter filter, qint64 nowMs)
 {
-    QString sql = contactColumns + QStringLiteral("(? = '' OR c.account_id = ?) ");
-    sql += filter == InboxFilter::Archived ? QStringLiteral("AND c.archived_at IS NOT NULL")
-                                           : QStringLiteral("AND c.archived_at IS NULL");
-    sql += QStringLiteral("\nGROUP BY ct.id ");
+    QString sql = contactColumns + QStringLiteral("(? = '' OR c.account_id = ?) AND c.") + archivedCondition(filter)
+        + QStringLiteral(" AND ct.id IN (SELECT value FROM json_each(?))\nGROUP BY ct.id ");
     if (filter == InboxFilter::NeedsMe)
         sql += QStringLiteral("HAVING SUM(c.unread) > 0");
     else if (filter == InboxFilter::Today)
         sql += QStringLiteral("HAVING MAX(c.last_ts) >= %1").arg(startOfTodayMs(nowMs));
-    return sql + QStringLiteral("\nORDER BY MAX(c.last_ts) DESC LIMIT ?;");
+    return sql + QStringLiteral("\nORDER BY MAX(c.last_ts) DESC, ct.id LIMIT ?;");
 }
 
 ContactRow contactRow(const SqlRow& row)
@@ -55,7 +101,15 @@ ContactRow contactRow(const SqlRow& row)
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit)
 {
     const QString workspace = activeWorkspaceId(db);
-    return db.rows(contactsStatement(filter, db.nowMs()), { workspace, account, account, limit }, contactRow);
+    const QStringList people = newestPeople(db, filter, workspace, account, limit);
+    return db.rows(
+        contactsStatement(filter, db.nowMs()), { workspace, account, account, jsonString(people), limit }, contactRow);
+}
+
+QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QStringList& contactIds)
+{
+    return db.rows(contactsStatement(filter, db.nowMs()),
+        { activeWorkspaceId(db), QString(), QString(), jsonString(contactIds), contactIds.size() }, contactRow);
 }
 
 std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId)
@@ -171,6 +225,15 @@ std::optional<QString> newestConversation(LocalDB& db, const QString& contactId)
     return db.scalar("SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL ORDER BY last_ts "
                      "DESC LIMIT 1;",
         { contactId });
+}
+
+QString contactOfMessage(LocalDB& db, const QString& providerMsgId)
+{
+    return db
+        .scalar(R"(SELECT cc.contact_id FROM unified_message m
+JOIN unified_conversation cc ON cc.id=m.conversation_id WHERE m.provider_msg_id=? LIMIT 1;)",
+            { providerMsgId })
+        .value_or(QString());
 }
 
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji)

@@ -43,8 +43,11 @@ struct ReplyTarget {
     QString chatId;
 };
 
-/// Newest first. An empty `account` means every account.
+/// Newest first, by id where times are equal. An empty `account` means every account.
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit);
+
+/// Those of the named people who stand under the filter, in the same order.
+QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QStringList& contactIds);
 
 /// The same row, whichever filter the person stands under; nothing for one without a conversation.
 std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId);
@@ -76,6 +79,9 @@ std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, co
 
 /// Where a message to the contact goes when nothing else is said.
 std::optional<QString> newestConversation(LocalDB& db, const QString& contactId);
+
+/// Whom the message was exchanged with; empty where the message is not known.
+QString contactOfMessage(LocalDB& db, const QString& providerMsgId);
 
 /// Stores a reaction made here on the message of that row id.
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji);
