@@ -6,7 +6,7 @@ foreach(file IN LISTS qml_files icons)
     file(RELATIVE_PATH alias "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI" "${file}")
     set_source_files_properties("${file}" PROPERTIES QT_RESOURCE_ALIAS "${alias}")
 endforeach()
-foreach(singleton IN ITEMS Theme/Theme Shell/Keymap)
+foreach(singleton IN ITEMS Theme/Theme Shell/Keymap Controls/OpenMenus)
     set_source_files_properties("${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/${singleton}.qml"
         PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
 endforeach()

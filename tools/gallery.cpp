@@ -252,7 +252,20 @@ void Gallery::inboxScreens()
     save(u"inbox-picked"_s, { Look::Light });
     inbox.archiveChecked();
     save(u"inbox-undo"_s, { Look::Dark });
+    inbox.setFilterWord(u"archived"_s);
+    inbox.bulk()->all();
+    save(u"inbox-archived"_s, { Look::Light });
+    inbox.setFilterWord(u"all"_s);
     inbox.undo();
+    if (QQuickItem* list = item(u"inbox.list"_s)) {
+        list->forceActiveFocus();
+        press(Qt::Key_Menu);
+        save(u"inbox-row-menu"_s, { Look::Light, Look::Dark });
+        press(Qt::Key_Escape);
+    }
+    m_window.window()->close();
+    save(u"closing-notice"_s, { Look::Light });
+    press(Qt::Key_Escape);
 }
 
 void Gallery::assistantScreens()

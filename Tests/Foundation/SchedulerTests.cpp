@@ -54,9 +54,9 @@ TEST(Coalescer, aCostlyCallIsFollowedByNineTimesItsOwnTime)
     coalescer.request();
     clock.advance(Milliseconds(1));
     EXPECT_EQ(calls, 1);
-    clock.advance(Milliseconds(440));
+    clock.advance(Milliseconds(490)); // the call ended at 50
     EXPECT_EQ(calls, 1);
-    clock.advance(Milliseconds(10));
+    clock.advance(Milliseconds(20));
     EXPECT_EQ(calls, 2) << "what was requested meanwhile is not lost";
     clock.advance(seconds(1));
     EXPECT_EQ(calls, 3);

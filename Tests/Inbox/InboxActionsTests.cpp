@@ -86,8 +86,57 @@ TEST_F(InboxViewTest, anArchiveCanBeUndoneForAWhile)
     EXPECT_EQ(names(), QStringList("Ben"));
     inbox.setFilterWord("archived");
     EXPECT_EQ(names(), QStringList("Ana Ruiz"));
-    inbox.unarchive(ana);
+    EXPECT_EQ(inbox.archiveLabel(), "Unarchive");
+    inbox.select(ana);
+    inbox.archiveSelected();
     EXPECT_EQ(inbox.emptyTitle(), "Nothing archived");
+    EXPECT_EQ(inbox.undoText(), "Unarchived Ana Ruiz");
+    inbox.undo();
+    EXPECT_EQ(names(), QStringList("Ana Ruiz"));
+}
+
+TEST_F(InboxViewTest, anUndoneArchiveLeavesWhatWasArchivedBeforeAsItWas)
+{
+    receiveFromAnaAndBen();
+    ensureConversation(engines.db(), "EMAIL", "mail", "ana@x.de", "Ana Ruiz", 1);
+    engines.db().exec("UPDATE unified_conversation SET contact_id='" + ana
+        + "', archived_at=7 WHERE channel='EMAIL'; UPDATE unified_conversation SET unread=0;");
+    const QString before = cell("SELECT group_concat(archived_at, ',') FROM unified_conversation;");
+    inbox.select(ana);
+    inbox.archiveSelected();
+    EXPECT_NE(cell("SELECT archived_at FROM unified_conversation WHERE channel='EMAIL';"), "7");
+    inbox.undo();
+    EXPECT_EQ(cell("SELECT group_concat(archived_at, ',') FROM unified_conversation;"), before);
+    EXPECT_EQ(before, "7");
+}
+
+TEST_F(InboxViewTest, aThreadIsMarkedUnreadAndReadAgain)
+{
+    receiveFromAnaAndBen();
+    inbox.select(ana);
+    restInThread();
+    inbox.toggleRead(ana);
+    clock.advance(seconds(2));
+    EXPECT_EQ(inbox.selectedId(), "") << "an open thread would count as read again";
+    EXPECT_EQ(column(inbox.contacts(), "unread"), (QStringList { "1", "1" }));
+    inbox.toggleRead(ana);
+    EXPECT_EQ(column(inbox.contacts(), "unread"), (QStringList { "1", "0" }));
+}
+
+TEST_F(InboxViewTest, aListThatNobodySeesIsReadWhenItShowsAgain)
+{
+    receiveFromAnaAndBen();
+    int reads = 0;
+    QObject::connect(&inbox, &InboxView::changed, [&] { ++reads; });
+    inbox.setShown(false);
+    receive(ana, "hidden");
+    clock.advance(seconds(5));
+    EXPECT_EQ(reads, 0);
+    centre.post(notifications::openConversation, ana);
+    EXPECT_EQ(bodies().last(), "hidden");
+    inbox.setShown(true);
+    clock.advance(Milliseconds(110));
+    EXPECT_EQ(column(inbox.contacts(), "snippet"), (QStringList { "hidden", "good day" }));
 }
 
 TEST_F(InboxViewTest, severalRowsTakeOneAction)
@@ -146,6 +195,13 @@ TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
     run("archive");
     EXPECT_EQ(inbox.selectedId(), "");
     EXPECT_EQ(names(), QStringList("Ben"));
+
+    run(" good day ");
+    EXPECT_EQ(inbox.search(), "good day");
+    awaitHits();
+    EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("<b>good day</b>"));
+    run("new mess");
+    EXPECT_TRUE(inbox.composeSheet()->shown());
 }
 
 TEST_F(InboxViewTest, aBannerOfAMessageOpensItsPersonWhereverTheListStands)

@@ -84,7 +84,7 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     clock.advance(Milliseconds(1));
     awaitHits();
     EXPECT_EQ(names(), QStringList("Ben"));
-    EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("the Núñez contract is ready"));
+    EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("the Núñez <b>contract</b> is ready"));
 
     inbox.openHit("wa:msg:m3");
     EXPECT_EQ(inbox.selectedId(), ben);

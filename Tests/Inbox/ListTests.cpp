@@ -1,6 +1,7 @@
 #include "Inbox/List/BulkSelection.h"
 #include "Inbox/List/CommandPalette.h"
 #include "Inbox/List/ContactItem.h"
+#include "Inbox/List/InboxRows.h"
 #include "Inbox/List/InboxWords.h"
 #include "Presentation/DateWords.h"
 #include "Support/Print.h"
@@ -38,7 +39,7 @@ QStringList ids(const QList<ContactRow>& rows)
 
 ContactItem shown(const ContactRow& row, const QString& mediaType = {})
 {
-    return contactItem(row, mediaType, DateWords(now));
+    return contactItem(row, { "IN", "WHATSAPP", 0, mediaType }, DateWords(now));
 }
 
 QStringList labels(const QList<PaletteItem>& items)
@@ -59,6 +60,42 @@ TEST(InboxList, aSearchLooksThroughCaseAndDiacritics)
     EXPECT_EQ(ids(matching(rows, "nunez")), QStringList("1"));
     EXPECT_EQ(ids(matching(rows, "PROX")), QStringList("2"));
     EXPECT_TRUE(matching(rows, "zebra").isEmpty());
+}
+
+TEST(InboxRows, aChangedPersonMovesAndTheEndOfTheListIsNeverGuessed)
+{
+    const auto at = [](const char* id, qint64 ts) {
+        ContactRow row = person(id, id);
+        row.lastTs = ts;
+        return row;
+    };
+    const QList<ContactRow> rows { at("c", 30), at("b", 20), at("a", 10) };
+    const auto after = [&](const QStringList& changedIds, const QList<ContactRow>& changed, int limit) {
+        const auto result = withChanged(rows, changedIds, changed, limit);
+        return result ? ids(*result).join(",") : QString("read all");
+    };
+    EXPECT_EQ(after({ "a" }, { at("a", 40) }, 3), "a,c,b");
+    EXPECT_EQ(after({ "a" }, { at("a", 30) }, 3), "a,c,b") << "equal times stand by id";
+    EXPECT_EQ(after({ "n" }, { at("n", 25) }, 3), "c,n,b") << "the last one makes room";
+    EXPECT_EQ(after({ "n" }, { at("n", 5) }, 3), "c,b,a");
+    EXPECT_EQ(after({ "n" }, { at("n", 5) }, 4), "c,b,a,n");
+    EXPECT_EQ(after({ "b" }, {}, 4), "c,a");
+    EXPECT_EQ(after({ "b" }, {}, 3), "read all") << "somebody beyond the end comes in";
+    EXPECT_EQ(after({ "a" }, { at("a", 9) }, 3), "read all");
+    EXPECT_EQ(after({ "b", "n" }, { at("n", 11) }, 3), "c,n,a");
+}
+
+TEST(ContactItem, whatWasSentFromHereSaysSoAndHowFarItGot)
+{
+    ContactRow row = person("1", "Ana");
+    row.snippet = "see you";
+    const auto sent = [&](int status) {
+        return contactItem(row, { "OUT", "WHATSAPP", status, {} }, DateWords(now));
+    };
+    EXPECT_EQ(sent(3).snippet, "You: see you");
+    EXPECT_EQ(sent(0).ticks + sent(1).ticks + sent(3).ticks + sent(4).ticks, "singledoubleread");
+    EXPECT_TRUE(sent(4).spoken.contains("Read: You: see you"));
+    EXPECT_EQ(contactItem(row, { "IN", "WHATSAPP", 4, {} }, DateWords(now)).snippet, "see you");
 }
 
 TEST(InboxList, filtersNarrowAndUnreadComesFirstInStableOrder)
@@ -118,12 +155,12 @@ TEST(InboxList, anEmptyListSaysWhyAndClearsOneThingAtATime)
 
 TEST(InboxWords, wordsAndWhatTheyNameAgree)
 {
-    for (const QVariant& tab : inboxTabs({ .needsMe = 3, .today = 5 })) {
+    for (const QVariant& tab : inboxTabs([](InboxFilter) { return 3; })) {
         const QString key = tab.toMap().value("key").toString();
         ASSERT_TRUE(inboxFilter(key));
         EXPECT_EQ(wordOf(*inboxFilter(key)), key);
     }
-    EXPECT_EQ(inboxTabs({ .needsMe = 3 }).first().toMap().value("count"), 3);
+    EXPECT_EQ(inboxTabs([](InboxFilter) { return 3; }).first().toMap().value("count"), 3);
     EXPECT_FALSE(inboxFilter("everything"));
     EXPECT_FALSE(viewMode(""));
     EXPECT_FALSE(sortMode("oldest"));
@@ -180,19 +217,32 @@ TEST(ContactItem, aSnippetIsOneShortLine)
 TEST(ContactItem, aHitShowsTheWordsThatWereFound)
 {
     MessageHit hit { "m", "ct:EMAIL:ana@x.de", "Ana", "EMAIL", QString("word ").repeated(400) + "the Invoice is here",
-        now, "OUT" };
-    const MessageHitItem item = messageHitItem(hit, "invoice", DateWords(now));
-    EXPECT_TRUE(item.snippet.contains("the Invoice is here"));
-    EXPECT_LT(item.snippet.size(), 100);
-    EXPECT_TRUE(item.outgoing);
+        now, "OUT", "/gone.jpg" };
+    const auto snippetOf = [&](const QString& text) {
+        hit.snippet = text;
+        return messageHitItems({ hit }, "invoice", DateWords(now)).first().snippet;
+    };
+    EXPECT_TRUE(snippetOf(hit.snippet).endsWith("the <b>Invoice</b> is here"));
+    EXPECT_LT(snippetOf(hit.snippet).size(), 100);
     for (int before = 0; before < 150; ++before) {
-        hit.snippet = QString(before, u'x') + "Invoice";
-        const QString snippet = messageHitItem(hit, "invoice", DateWords(now)).snippet;
-        ASSERT_TRUE(snippet.endsWith("xInvoice") || before == 0) << before;
-        ASSERT_LE(snippet.size(), 50);
+        const QString snippet = snippetOf(QString(before, u'x') + "Invoice");
+        ASSERT_TRUE(snippet.endsWith("x<b>Invoice</b>") || before == 0) << before;
+        ASSERT_LE(snippet.size(), 60);
     }
-    hit.snippet = "Invoice";
-    EXPECT_EQ(messageHitItem(hit, "invoice", DateWords(now)).snippet, "Invoice");
+    EXPECT_EQ(snippetOf("<i>Invoice</i> invoice"), "You: &lt;i&gt;<b>Invoice</b>&lt;/i&gt; <b>invoice</b>");
+    EXPECT_EQ(messageHitItems({ hit }, "invoice", DateWords(now)).first().avatarPath, "");
+}
+
+TEST(ContactItem, hitsStandPersonByPersonInTheOrderOfTheirNewest)
+{
+    const auto hit = [](const char* id, const char* person) {
+        return MessageHit { id, person, person, "SMS", "x", now, "IN", {} };
+    };
+    QStringList shown;
+    for (const MessageHitItem& item :
+        messageHitItems({ hit("1", "a"), hit("2", "b"), hit("3", "a"), hit("4", "b") }, "x", DateWords(now)))
+        shown.append(item.id + (item.leads ? "!" : ""));
+    EXPECT_EQ(shown, (QStringList { "1!", "3", "2!", "4" }));
 }
 
 TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
@@ -200,15 +250,16 @@ TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
     QList<ContactRow> rows;
     for (int i = 0; i < 40; ++i)
         rows.append(person(QString::number(i), QStringLiteral("Ana %1").arg(i)));
-    EXPECT_EQ(paletteItems(rows, false, {}).size(), 8 + 2);
-    EXPECT_EQ(labels(paletteItems({}, true, {})),
-        (QStringList { "Archive current conversation", "Mute / unmute current conversation", "Toggle contact panel",
-            "Mark all as read", "Open Approvals" }));
-    EXPECT_EQ(labels(paletteItems({}, false, {})), QStringList({ "Mark all as read", "Open Approvals" }));
-    EXPECT_EQ(labels(paletteItems({}, true, "CURRENT")),
-        (QStringList { "Archive current conversation", "Mute / unmute current conversation" }));
-    EXPECT_EQ(paletteItems(rows, true, "aNa").size(), 30);
-    EXPECT_EQ(labels(paletteItems(rows, true, "ana 39")), QStringList("Ana 39"));
+    const QList<PaletteCommand> commands { { "one", "Archive it", {}, PaletteCommand::When::WithSelection, {} },
+        { "two", "Mark all", {}, PaletteCommand::When::Always, {} } };
+    const auto found = [&](const QList<ContactRow>& people, bool hasSelection, const QString& query) {
+        return labels(paletteItems(people, commands, hasSelection, query));
+    };
+    EXPECT_EQ(found(rows, false, {}).size(), 8 + 1);
+    EXPECT_EQ(found({}, true, " "), (QStringList { "Archive it", "Mark all" }));
+    EXPECT_EQ(found({}, true, "ARCH"), (QStringList { "Archive it", "Search messages for “ARCH”" }));
+    EXPECT_EQ(found(rows, true, "aNa").size(), 30 + 1);
+    EXPECT_EQ(found(rows, true, "ana 39"), (QStringList { "Ana 39", "Search messages for “ana 39”" }));
 }
 
 TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
@@ -216,7 +267,15 @@ TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
     CommandPalette palette;
     QAbstractItemModelTester tester(palette.items(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     QSignalSpy chosen(&palette, &CommandPalette::contactChosen);
-    QSignalSpy actions(&palette, &CommandPalette::actionChosen);
+    QSignalSpy searches(&palette, &CommandPalette::searchChosen);
+    int runs = 0;
+    palette.addCommands({ { "one", "One", {}, PaletteCommand::When::Always,
+                              [&] {
+                                  ++runs;
+                              } },
+        { "two", "Two", {}, PaletteCommand::When::Always, [&] {
+             runs += 10;
+         } } });
     QSignalSpy closed(&palette, &CommandPalette::closed);
     palette.setContacts({ person("1", "Ana"), person("2", "Ben") });
     palette.open();
@@ -233,16 +292,16 @@ TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
         palette.moveDown();
     EXPECT_EQ(palette.index(), 3);
     palette.runHighlighted();
-    ASSERT_EQ(actions.size(), 1);
+    EXPECT_EQ(runs, 10);
 
     palette.open();
     palette.setIndex(2);
     palette.setContacts({});
     EXPECT_EQ(palette.index(), 1) << "a list that shrinks keeps the highlight in it";
     palette.setQuery("zebra");
-    EXPECT_EQ(palette.emptyText(), "Nothing matches “zebra”");
     palette.runHighlighted();
-    EXPECT_EQ(chosen.size() + actions.size(), 2);
+    ASSERT_EQ(searches.size(), 1) << "what it does not know goes to the search";
+    EXPECT_EQ(searches.first().first(), "zebra");
 }
 
 TEST(BulkSelection, whatTheListNoLongerShowsDropsOut)

@@ -53,7 +53,7 @@ std::string ticks(const QString& platform, int status, const QString& direction 
     UnifiedMsgRow row = message(noon, direction);
     row.platform = platform;
     row.status = status;
-    const bubble::Ticks shown = bubble::statusTicks(row);
+    const bubble::Ticks shown = bubble::statusTicks(row.direction, row.platform, row.status);
     static const char* kinds[] { "none", "single", "double", "read", "word" };
     const QString text = shown.help.isEmpty() ? shown.text : shown.text + " (" + shown.help + ")";
     return std::string(kinds[int(shown.kind)]) + " " + text.toStdString();

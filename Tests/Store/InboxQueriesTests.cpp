@@ -184,9 +184,9 @@ TEST_F(InboxTest, aSearchFindsBodiesAndTranscripts)
                " VALUES('wa:msg:p2','send the INVOICE',1,1);"
                "UPDATE unified_message SET deleted_at=1 WHERE body='invoice deleted';");
     EXPECT_EQ(searchMessages(*m_db, "invoice", 60),
-        (QList<MessageHit> { { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN" },
-            { "wa:msg:p2", "ct:SMS:2", "Bo", "SMS", "send the INVOICE", 200, "IN" },
-            { "wa:msg:p1", "ct:SMS:1", "Ana", "SMS", "Invoice 7 is paid", 100, "IN" } }));
+        (QList<MessageHit> { { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN", "" },
+            { "wa:msg:p2", "ct:SMS:2", "Bo", "SMS", "send the INVOICE", 200, "IN", "" },
+            { "wa:msg:p1", "ct:SMS:1", "Ana", "SMS", "Invoice 7 is paid", 100, "IN", "" } }));
     EXPECT_EQ(searchMessages(*m_db, "invoice", 1).size(), 1);
     EXPECT_EQ(searchMessages(*m_db, "nothing like it", 60).size(), 0);
 }
@@ -208,10 +208,11 @@ TEST_F(InboxTest, theTabsCountPeopleAndNotConversations)
     raiseUnread(*m_db, chat("SMS", "a", "2", 1, "put away"));
     archiveContact(*m_db, "ct:SMS:2");
     m_db->exec("UPDATE unified_conversation SET contact_id='ct:SMS:1' WHERE contact_id LIKE 'ct:EMAIL:%';");
-    EXPECT_EQ(fetchInboxCounts(*m_db).needsMe, 1);
-    EXPECT_EQ(fetchInboxCounts(*m_db).today, 1);
+    EXPECT_EQ(fetchCountedPeople(*m_db).needsMe, QSet<QString> { "ct:SMS:1" });
+    EXPECT_EQ(fetchCountedPeople(*m_db, QStringList { "ct:SMS:2" }).needsMe.size(), 0);
+    EXPECT_EQ(fetchCountedPeople(*m_db).today.size(), 1);
     markAllRead(*m_db);
-    EXPECT_EQ(fetchInboxCounts(*m_db).needsMe, 0);
+    EXPECT_EQ(fetchCountedPeople(*m_db).needsMe.size(), 0);
 }
 
 TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)

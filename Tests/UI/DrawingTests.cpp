@@ -80,12 +80,15 @@ TEST(PhotoProvider, cutsAPhotoToACircleAndRefusesWhatIsNone)
 TEST(WindowLayout, remembersWhatItWasToldAndHoldsItWithinReason)
 {
     const TemporaryHome home;
+    const QSize screen(1920, 1080);
     {
         UserDefaults defaults(home.paths().defaultsFile);
         WindowLayout layout(defaults);
         EXPECT_EQ(layout.listWidth(), 340);
         EXPECT_EQ(layout.contactWidth(), 320);
-        EXPECT_EQ(layout.windowSize(), QSize(1320, 820));
+        EXPECT_EQ(layout.windowSize(screen), QSize(1320, 820));
+        EXPECT_EQ(layout.windowSize({ 1358, 728 }), QSize(1320, 728)) << "a small screen holds the whole window";
+        EXPECT_FALSE(layout.hasWindowSize());
         EXPECT_TRUE(layout.sectionOpen(u"actions"_s));
         layout.setListWidth(400);
         layout.setContactWidth(5);
@@ -96,12 +99,12 @@ TEST(WindowLayout, remembersWhatItWasToldAndHoldsItWithinReason)
     WindowLayout layout(defaults);
     EXPECT_EQ(layout.listWidth(), 400);
     EXPECT_EQ(layout.contactWidth(), 280);
-    EXPECT_EQ(layout.windowSize(), QSize(1500, 900));
+    EXPECT_EQ(layout.windowSize(screen), QSize(1500, 900));
     EXPECT_FALSE(layout.sectionOpen(u"actions"_s));
     EXPECT_EQ(defaults.boolean(u"nimb.inbox.inspector.actions.open"_s), false);
 
     layout.setWindowSize({ 1090, 900 });
-    EXPECT_EQ(layout.windowSize(), QSize(1320, 820));
+    EXPECT_EQ(layout.windowSize(screen), QSize(1320, 820));
     defaults.setText(u"Corvane.window.listWidth"_s, u"garbage"_s);
     EXPECT_EQ(layout.listWidth(), 340);
     defaults.setInteger(u"Corvane.window.listWidth"_s, 9'999'999'999);

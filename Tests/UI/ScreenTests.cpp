@@ -430,15 +430,27 @@ TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
 {
     QSignalSpy appeared(&window, &MainWindow::appeared);
     QSignalSpy closed(&window, &MainWindow::closed);
+    showEmptyInbox();
     window.window()->resize(1400, 900);
     window.window()->close();
+    rest();
+    EXPECT_TRUE(window.isShown()) << "no tray shows the program: first it says that it goes on";
+    EXPECT_NE(findItem(u"closingNotice"_s), nullptr);
+    click(u"closingNotice.close"_s);
     EXPECT_FALSE(window.isShown());
     EXPECT_EQ(closed.size(), 1);
 
     window.show();
+    window.window()->close();
+    EXPECT_FALSE(window.isShown()) << "said once";
+    window.show();
     EXPECT_TRUE(window.isShown());
-    EXPECT_EQ(appeared.size(), 1);
+    EXPECT_EQ(appeared.size(), 2);
     EXPECT_EQ(defaults.integer(u"Corvane.window.width"_s), 1400);
+
+    QSignalSpy quit(&shell, &AppShell::quitRequested);
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(quit.size(), 1);
 }
 
 }

@@ -57,6 +57,7 @@ WindowTest::WindowTest(AIServices* assistant)
 {
     desktop.setAppearance(ColourScheme::Light, true);
     approvals.attach(engines, calls);
+    window.window()->resize(1320, 820); // the screen in memory is small
     window.show();
     rest();
 }

@@ -15,6 +15,7 @@ public:
     /// "14:20" today, "Yesterday", the weekday within the last six days, else the short date; empty below 1.
     QString listTime(qint64 ms) const;
 
+    QDate today() const { return m_today; }
     QDate dayOf(qint64 ms) const;
     QString clockTime(qint64 ms) const; ///< "14:20"
     QString mediumDate(const QDate& day) const; ///< such as "8 Oct 2025", in the order of the locale

@@ -16,11 +16,8 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
     , m_nav(navFromRaw(defaults.text(selectedNavKey).value_or(QString())).value_or(NavItem::Inbox))
 {
     m_hubs.setSelected(m_nav);
-    m_openConversation = centre.observe(notifications::openConversation, [this](const Notification& notification) {
-        show(NavItem::Inbox, Cover::None);
-        if (const QString contactId = notification.object.value_or(QString()); !contactId.isEmpty())
-            Q_EMIT conversationRequested(contactId);
-    });
+    m_openConversation = centre.observe(
+        notifications::openConversation, [this](const Notification&) { show(NavItem::Inbox, Cover::None); });
     // The hub moves too, so that whoever closes the settings after such a jump is in the inbox.
     m_openSettings = centre.observe(
         notifications::openSettings, [this](const Notification&) { show(NavItem::Inbox, Cover::Settings); });
@@ -33,6 +30,27 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
         if (notification.userInfo.value(QStringLiteral("action")) == QStringLiteral("open"))
             openApprovals();
     });
+}
+
+QList<PaletteCommand> AppShell::paletteCommands()
+{
+    const auto always = PaletteCommand::When::Always;
+    QList<PaletteCommand> commands;
+    for (const NavItem item : allNavItems) {
+        commands.append(
+            { navRaw(item), QStringLiteral("Go to ") + navLabel(item), hubShortcut(item), always, [this, item] {
+                 show(item, Cover::None);
+             } });
+    }
+    commands.append(
+        { QStringLiteral("settings"), QStringLiteral("Open Settings"), QStringLiteral("Ctrl+,"), always, [this] {
+             openSettings();
+         } });
+    commands.append({ QStringLiteral("openApprovals"), QStringLiteral("Open Approvals"), QStringLiteral("Ctrl+Shift+A"),
+        always, [this] {
+            openApprovals();
+        } });
+    return commands;
 }
 
 void AppShell::selectHub(const QString& raw)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/NotificationCentre.h"
+#include "Inbox/List/CommandPalette.h"
 #include "Shell/NavItem.h"
 #include "Shell/TopHubBar.h"
 
@@ -26,6 +27,7 @@ public:
     bool settings() const { return m_cover == Cover::Settings; }
     bool approvals() const { return m_cover == Cover::Approvals; }
     TopHubBar* hubs() { return &m_hubs; }
+    QList<PaletteCommand> paletteCommands(); ///< to each hub, and to what covers them
 
     Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word changes nothing
     Q_INVOKABLE void toggleSettings(); ///< the gear
@@ -37,9 +39,7 @@ public:
 
 Q_SIGNALS:
     void navigationChanged();
-
-    /// The inbox is in front and is asked to open this contact's thread.
-    void conversationRequested(const QString& contactId);
+    void quitRequested();
 
 private:
     enum class Cover { None, Settings, Approvals };

@@ -80,6 +80,7 @@ public:
     Desktop& desktop() { return *m_machine.desktop; }
     Microphone& microphone() { return *m_machine.microphone; }
     AudioPlayer& player() { return *m_machine.player; }
+    const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
     const AppPaths& paths() const { return m_paths; }
 
     /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.

@@ -13,6 +13,7 @@ namespace {
 const QString openSettingsId = QStringLiteral("openSettings");
 const QString signOutId = QStringLiteral("signOut");
 const QString signInId = QStringLiteral("signIn");
+const QString quitId = QStringLiteral("quit");
 
 QVariantMap action(const QString& id, const QString& label)
 {
@@ -40,7 +41,7 @@ QString ProfileMenu::displayLine() const
 
 QString ProfileMenu::initial() const
 {
-    return m_session.initial();
+    return m_session.userName() || m_session.email() ? m_session.initial() : QString();
 }
 
 bool ProfileMenu::signedIn() const
@@ -50,9 +51,11 @@ bool ProfileMenu::signedIn() const
 
 QVariantList ProfileMenu::actions() const
 {
+    const QVariantMap quit = action(quitId, QStringLiteral("Quit Corvane"));
     if (!signedIn())
-        return { action(signInId, QStringLiteral("Sign in to Nimb")) };
-    return { action(openSettingsId, QStringLiteral("Open Settings")), action(signOutId, QStringLiteral("Sign Out")) };
+        return { action(signInId, QStringLiteral("Sign in to Nimb")), quit };
+    return { action(openSettingsId, QStringLiteral("Open Settings")), action(signOutId, QStringLiteral("Sign Out")),
+        quit };
 }
 
 void ProfileMenu::refresh()
@@ -83,6 +86,8 @@ void ProfileMenu::perform(const QString& actionId)
         m_session.signOut();
     else if (actionId == signInId)
         m_session.startSignIn();
+    else if (actionId == quitId)
+        Q_EMIT m_shell.quitRequested();
 }
 
 }

@@ -28,7 +28,7 @@ public:
         SessionStore& session, AppShell& shell, LocalDB& db, NotificationCentre& centre, QObject* parent = nullptr);
 
     QString displayLine() const;
-    QString initial() const;
+    QString initial() const; ///< empty where there is no name to take it from
     bool signedIn() const;
     QString workspaceLabel() const { return QStringLiteral("Workspace"); }
     const QVariantList& workspaces() const { return m_workspaces; }

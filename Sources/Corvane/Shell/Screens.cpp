@@ -17,6 +17,7 @@ Screens::Screens(const Surroundings& at)
     , approvals(at.approvals, at.engine.db(), at.scheduler)
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
+    , closingNotice(at.tray, at.defaults)
 {
     const auto showUnread = [this, &engine = at.engine] {
         shell.hubs()->setUnreadTotal(engine.unreadTotal());
@@ -24,14 +25,15 @@ Screens::Screens(const Surroundings& at)
     QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
-    QObject::connect(&shell, &AppShell::conversationRequested, &inbox, &InboxView::select);
+    inbox.palette()->addCommands(shell.paletteCommands());
 }
 
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations() })
+          app.translations(), app.tray() })
 {
+    QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
 }
 
 }

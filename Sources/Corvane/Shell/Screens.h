@@ -6,6 +6,7 @@
 #include "Settings/Appearance.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
+#include "Shell/ClosingNotice.h"
 #include "Shell/ContentView.h"
 #include "Shell/LoginWallView.h"
 #include "Shell/ProfileMenu.h"
@@ -36,6 +37,7 @@ public:
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;
+        const Tray* tray = nullptr;
     };
 
     explicit Screens(const Surroundings& at);
@@ -50,6 +52,7 @@ public:
     ApprovalsView approvals;
     IntegrationsView settings;
     CorvaneMenuBarView panel;
+    ClosingNotice closingNotice;
 };
 
 }

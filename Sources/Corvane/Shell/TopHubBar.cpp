@@ -10,8 +10,13 @@ TopHubBar::TopHubBar(QObject* parent)
         m_hubs.at(i).raw = navRaw(item);
         m_hubs.at(i).label = navLabel(item);
         m_hubs.at(i).identifier = QStringLiteral("topnav.") + navRaw(item);
-        m_hubs.at(i).shortcut = QStringLiteral("Ctrl+%1").arg(i + 1);
+        m_hubs.at(i).shortcut = hubShortcut(item);
     }
+}
+
+QString hubShortcut(NavItem item)
+{
+    return QStringLiteral("Ctrl+%1").arg(int(item) + 1);
 }
 
 int TopHubBar::rowCount(const QModelIndex& parent) const

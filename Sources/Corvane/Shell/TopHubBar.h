@@ -48,6 +48,8 @@ private:
     std::array<HubRow, allNavItems.size()> m_hubs;
 };
 
+QString hubShortcut(NavItem item); ///< such as "Ctrl+5"
+
 /// What the badge shows: nothing at 0 or below, the number to 99, "99+" from 100 up.
 QString unreadBadge(int count);
 

@@ -19,6 +19,9 @@ namespace corvane {
 
 namespace {
 
+// The desktop tells what its frame needs only after the window is shown.
+constexpr QMargins windowFrame { 4, 36, 4, 4 };
+
 /// Inter where it is installed, else the desktop's font; 13 pixels is the size of plain text.
 void chooseFont()
 {
@@ -63,6 +66,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
         { u"approvals"_s, object(screens.approvals) },
         { u"appearance"_s, object(screens.appearance) },
         { u"layout"_s, object(m_layout) },
+        { u"closingNotice"_s, object(screens.closingNotice) },
     }));
     for (const QQmlError& error : component.errors())
         log(u"MainWindow: %1"_s.arg(error.toString()));
@@ -70,7 +74,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
     if (!m_window)
         return;
     root.release();
-    m_window->resize(m_layout.windowSize());
+    placeWindow();
     connect(m_window.get(), &QQuickWindow::frameSwapped, this, [this] {
         if (std::exchange(m_firstFrameSeen, true))
             return;
@@ -86,6 +90,14 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::placeWindow()
+{
+    const QRect screen = m_window->screen()->availableGeometry().marginsRemoved(windowFrame);
+    m_window->resize(m_layout.windowSize(screen.size().expandedTo(m_window->minimumSize())));
+    if (!m_layout.hasWindowSize())
+        m_window->setPosition(screen.center() - QPoint(m_window->width(), m_window->height()) / 2);
+}
 
 void MainWindow::show()
 {

@@ -32,6 +32,8 @@ Q_SIGNALS:
     void closed(); ///< the person closed the window; it is hidden now
 
 private:
+    void placeWindow(); ///< within the screen that it opens on
+
     WindowLayout m_layout;
     QQmlEngine m_engine;
     std::unique_ptr<QQuickWindow> m_window;

@@ -79,13 +79,19 @@ void WindowLayout::setSectionOpen(const QString& section, bool open)
     m_defaults.setBoolean(sectionKey(section), open);
 }
 
-QSize WindowLayout::windowSize() const
+QSize WindowLayout::windowSize(const QSize& available) const
 {
     const qint64 width = m_defaults.integer(widthKey).value_or(0);
     const qint64 height = m_defaults.integer(heightKey).value_or(0);
-    if (width < 1100 || height < 700)
-        return { 1320, 820 };
-    return { int(std::min<qint64>(width, longestSide)), int(std::min<qint64>(height, longestSide)) };
+    const QSize size = width < 1100 || height < 700
+        ? QSize(1320, 820)
+        : QSize(int(std::min<qint64>(width, longestSide)), int(std::min<qint64>(height, longestSide)));
+    return size.boundedTo(available);
+}
+
+bool WindowLayout::hasWindowSize() const
+{
+    return m_defaults.integer(widthKey).has_value();
 }
 
 void WindowLayout::setWindowSize(const QSize& size)

@@ -26,8 +26,9 @@ public:
     Q_INVOKABLE bool sectionOpen(const QString& section) const;
     Q_INVOKABLE void setSectionOpen(const QString& section, bool open);
 
-    /// A remembered size below 1100 x 700, or none, gives 1320 x 820.
-    QSize windowSize() const;
+    /// A remembered size below 1100 x 700, or none, gives 1320 x 820; never more than there is room for.
+    QSize windowSize(const QSize& available) const;
+    bool hasWindowSize() const; ///< false until a window was closed
     void setWindowSize(const QSize& size);
 
 Q_SIGNALS:

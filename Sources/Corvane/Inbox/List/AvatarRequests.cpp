@@ -14,20 +14,28 @@ AvatarRequests::AvatarRequests(EngineManager& engine, AccountStore& accounts)
 void AvatarRequests::requestMissing(const QList<ContactRow>& listed)
 {
     static const QString prefix = QStringLiteral("ct:WHATSAPP:");
+    QHash<QString, std::optional<Account>> accounts; // asked for once, not for each of their people
     for (const ContactRow& row : listed) {
         if (!row.avatarPath.isEmpty() || !row.platforms.contains(u"WHATSAPP") || !row.id.startsWith(prefix))
             continue;
         const QString jid = row.id.sliced(prefix.size());
         if (m_requested.contains(jid))
             continue;
-        const auto account = m_accounts.findBySlug(row.account);
-        if (!account || account->channel() != Channel::WhatsApp)
-            continue;
-        // An engine that is not connected yet is asked later.
-        const bool connected = m_engine.runtime(account->id).status == WAStatus::Connected;
-        if (connected && m_engine.fetchAvatar(*account, jid))
+        if (!accounts.contains(row.account))
+            accounts.insert(row.account, connected(row.account));
+        const auto& account = accounts[row.account];
+        if (account && m_engine.fetchAvatar(*account, jid))
             m_requested.insert(jid);
     }
+}
+
+// An engine that is not connected yet is asked later.
+std::optional<Account> AvatarRequests::connected(const QString& slug) const
+{
+    const auto account = m_accounts.findBySlug(slug);
+    const bool usable = account && account->channel() == Channel::WhatsApp
+        && m_engine.runtime(account->id).status == WAStatus::Connected;
+    return usable ? account : std::nullopt;
 }
 
 }

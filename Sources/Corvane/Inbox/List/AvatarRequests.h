@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engines/Account.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QSet>
@@ -17,6 +18,8 @@ public:
     void requestMissing(const QList<ContactRow>& listed);
 
 private:
+    std::optional<Account> connected(const QString& slug) const;
+
     EngineManager& m_engine;
     AccountStore& m_accounts;
     QSet<QString> m_requested; ///< addresses

@@ -14,9 +14,10 @@ QString BulkSelection::text() const
     return m_ids.isEmpty() ? QString() : QStringLiteral("%1 selected").arg(m_ids.size());
 }
 
-void BulkSelection::setListed(const QStringList& contactIds)
+void BulkSelection::setListed(const QStringList& contactIds, const QString& openId)
 {
     m_listed = contactIds;
+    m_openId = openId;
     if (active())
         assign(m_ids);
 }
@@ -31,9 +32,16 @@ void BulkSelection::set(const QString& contactId, bool checked)
     assign(ids);
 }
 
+void BulkSelection::add(const QString& contactId)
+{
+    if (!active() && !m_openId.isEmpty() && m_openId != contactId)
+        set(m_openId, true);
+    toggle(contactId);
+}
+
 void BulkSelection::extendTo(const QString& contactId)
 {
-    const qsizetype from = std::max<qsizetype>(0, m_listed.indexOf(m_anchor));
+    const qsizetype from = std::max<qsizetype>(0, m_listed.indexOf(active() ? m_anchor : m_openId));
     const qsizetype to = m_listed.indexOf(contactId);
     if (to < 0)
         return;

@@ -19,11 +19,13 @@ public:
     QString text() const;
     bool contains(const QString& contactId) const { return m_ids.contains(contactId); }
 
-    void setListed(const QStringList& contactIds); ///< what the list shows, from top to bottom
+    /// What the list shows, from top to bottom, and which of them is open: the first pick starts there.
+    void setListed(const QStringList& contactIds, const QString& openId = {});
 
     Q_INVOKABLE void set(const QString& contactId, bool checked);
     Q_INVOKABLE void toggle(const QString& contactId) { set(contactId, !contains(contactId)); }
-    Q_INVOKABLE void extendTo(const QString& contactId); ///< from the row picked last to this one
+    Q_INVOKABLE void add(const QString& contactId); ///< toggles it; the first pick takes the open row along
+    Q_INVOKABLE void extendTo(const QString& contactId); ///< from the row picked last, or open, to this one
     Q_INVOKABLE void all();
     Q_INVOKABLE void clear();
 
@@ -35,6 +37,7 @@ private:
 
     QStringList m_listed;
     QStringList m_ids;
+    QString m_openId;
     QString m_anchor;
 };
 

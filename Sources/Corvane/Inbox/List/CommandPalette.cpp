@@ -12,28 +12,7 @@ namespace {
 constexpr qsizetype contactsWithQuery = 30;
 constexpr qsizetype contactsWithoutQuery = 8;
 
-struct Action {
-    PaletteAction action;
-    QString word;
-    QString label;
-    QString keys;
-    bool needsSelection;
-};
-
-const QList<Action>& actions()
-{
-    static const QList<Action> all {
-        { PaletteAction::ArchiveCurrent, QStringLiteral("archiveCurrent"),
-            QStringLiteral("Archive current conversation"), QStringLiteral("E"), true },
-        { PaletteAction::MuteCurrent, QStringLiteral("muteCurrent"),
-            QStringLiteral("Mute / unmute current conversation"), QStringLiteral("M"), true },
-        { PaletteAction::ToggleCRM, QStringLiteral("toggleCRM"), QStringLiteral("Toggle contact panel"), {}, true },
-        { PaletteAction::MarkAllRead, QStringLiteral("markAllRead"), QStringLiteral("Mark all as read"), {}, false },
-        { PaletteAction::OpenApprovals, QStringLiteral("openApprovals"), QStringLiteral("Open Approvals"),
-            QStringLiteral("Ctrl+Shift+A"), false },
-    };
-    return all;
-}
+const QString searchId = QStringLiteral("search");
 
 PaletteItem contactLine(const ContactRow& row)
 {
@@ -50,23 +29,23 @@ PaletteItem contactLine(const ContactRow& row)
     return item;
 }
 
-PaletteItem actionLine(const Action& action)
+PaletteItem actionLine(const QString& id, const QString& label, const QString& keys)
 {
     PaletteItem item;
-    item.id = QStringLiteral("action:") + action.word;
+    item.id = QStringLiteral("action:") + id;
     item.isAction = true;
-    item.label = action.label;
-    item.detail = action.keys;
-    item.action = action.action;
+    item.label = label;
+    item.detail = keys;
     return item;
 }
 
 }
 
-QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, bool hasSelection, const QString& query)
+QList<PaletteItem> paletteItems(
+    const QList<ContactRow>& contacts, const QList<PaletteCommand>& commands, bool hasSelection, const QString& query)
 {
-    const QString wanted = query.toLower();
-    const qsizetype limit = query.isEmpty() ? contactsWithoutQuery : contactsWithQuery;
+    const QString wanted = query.trimmed().toLower();
+    const qsizetype limit = wanted.isEmpty() ? contactsWithoutQuery : contactsWithQuery;
     QList<PaletteItem> items;
     for (const ContactRow& row : contacts) {
         if (items.size() == limit)
@@ -74,10 +53,13 @@ QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, bool hasSelec
         if (row.name.toLower().contains(wanted))
             items.append(contactLine(row));
     }
-    for (const Action& action : actions()) {
-        if ((hasSelection || !action.needsSelection) && action.label.toLower().contains(wanted))
-            items.append(actionLine(action));
+    for (const PaletteCommand& command : commands) {
+        const bool possible = hasSelection || command.when == PaletteCommand::When::Always;
+        if (possible && command.label.toLower().contains(wanted))
+            items.append(actionLine(command.id, command.label, command.keys));
     }
+    if (!wanted.isEmpty())
+        items.append(actionLine(searchId, QStringLiteral("Search messages for “%1”").arg(query.trimmed()), {}));
     return items;
 }
 
@@ -107,9 +89,9 @@ void CommandPalette::setIndex(int index)
     Q_EMIT indexChanged();
 }
 
-QString CommandPalette::emptyText() const
+void CommandPalette::addCommands(const QList<PaletteCommand>& commands)
 {
-    return m_items.rows().isEmpty() ? QStringLiteral("Nothing matches “%1”").arg(m_query) : QString();
+    m_commands += commands;
 }
 
 void CommandPalette::setContacts(const QList<ContactRow>& contacts)
@@ -149,16 +131,21 @@ void CommandPalette::run(int index)
     if (index < 0 || index >= m_items.rowCount())
         return;
     const PaletteItem item = m_items.rows().at(index);
+    const QString query = m_query.trimmed();
     close();
-    if (item.isAction)
-        Q_EMIT actionChosen(item.action);
+    if (!item.isAction)
+        return Q_EMIT contactChosen(item.contactId);
+    const QString id = item.id.section(u':', 1);
+    const auto command = std::ranges::find(m_commands, id, &PaletteCommand::id);
+    if (command != m_commands.end())
+        command->run();
     else
-        Q_EMIT contactChosen(item.contactId);
+        Q_EMIT searchChosen(query);
 }
 
 void CommandPalette::present()
 {
-    QList<PaletteItem> items = paletteItems(m_contacts, m_hasSelection, m_query);
+    QList<PaletteItem> items = paletteItems(m_contacts, m_commands, m_hasSelection, m_query);
     m_index = std::clamp(m_index, 0, std::max(0, int(items.size()) - 1));
     if (!items.isEmpty())
         items[m_index].highlighted = true;

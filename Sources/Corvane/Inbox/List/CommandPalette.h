@@ -3,9 +3,18 @@
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
 
+#include <functional>
+
 namespace corvane {
 
-enum class PaletteAction { ArchiveCurrent, MuteCurrent, ToggleCRM, MarkAllRead, OpenApprovals };
+/// Something that the palette can do.
+struct PaletteCommand {
+    QString id;
+    QString label;
+    QString keys; ///< that do the same; empty for none
+    enum class When { Always, WithSelection } when = When::Always;
+    std::function<void()> run;
+};
 
 /// A line of the palette in the words of the screen.
 class PaletteItem {
@@ -20,7 +29,7 @@ class PaletteItem {
     Q_PROPERTY(int hue MEMBER hue)
     Q_PROPERTY(bool highlighted MEMBER highlighted)
 public:
-    QString id; ///< "contact:{id}" or "action:{word}"
+    QString id; ///< "contact:{id}" or "action:{id of the command}"
     bool isAction = false;
     QString label;
     QString detail; ///< channels of a contact, the key of an action
@@ -30,22 +39,21 @@ public:
     int hue = 0;
     bool highlighted = false;
     QString contactId; ///< for a contact
-    PaletteAction action = PaletteAction::MarkAllRead; ///< for an action
 
     const QString& key() const { return id; }
     bool operator==(const PaletteItem&) const = default;
 };
 
-/// Contacts first, then actions.
-QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, bool hasSelection, const QString& query);
+/// Contacts first, then actions; at the end of what a query finds, the search for it.
+QList<PaletteItem> paletteItems(
+    const QList<ContactRow>& contacts, const QList<PaletteCommand>& commands, bool hasSelection, const QString& query);
 
-/// Jumps to a person or runs an action, by a few typed letters.
+/// Jumps to a person, runs an action or hands on to the search, by a few typed letters.
 class CommandPalette : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
     Q_PROPERTY(int index READ index WRITE setIndex NOTIFY indexChanged)
     Q_PROPERTY(QAbstractItemModel* items READ items CONSTANT)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY queryChanged)
 public:
     explicit CommandPalette(QObject* parent = nullptr);
 
@@ -54,8 +62,8 @@ public:
     int index() const { return m_index; } ///< of the highlighted line
     void setIndex(int index);
     QAbstractItemModel* items() { return &m_items; }
-    QString emptyText() const;
 
+    void addCommands(const QList<PaletteCommand>& commands); ///< below those that stand there already
     void setContacts(const QList<ContactRow>& contacts);
     void setHasSelection(bool hasSelection);
 
@@ -70,7 +78,7 @@ Q_SIGNALS:
     void queryChanged();
     void indexChanged();
     void contactChosen(const QString& contactId);
-    void actionChosen(corvane::PaletteAction action);
+    void searchChosen(const QString& query);
     void closed();
 
 private:
@@ -78,6 +86,7 @@ private:
 
     QString m_query;
     int m_index = 0;
+    QList<PaletteCommand> m_commands;
     QList<ContactRow> m_contacts;
     bool m_hasSelection = false;
     bool m_isOpen = false; ///< a closed palette is not kept up to date

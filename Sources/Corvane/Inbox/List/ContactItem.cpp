@@ -47,6 +47,8 @@ QString spokenOf(const ContactItem& item)
         parts.append(QStringLiteral("%1 unread").arg(item.unread));
     if (!item.timeText.isEmpty())
         parts.append(item.timeText);
+    if (!item.ticksText.isEmpty())
+        parts.append(item.ticksText);
     const QString facts = parts.join(QStringLiteral(", "));
     return item.snippet.isEmpty() ? facts : facts + QStringLiteral(": ") + item.snippet;
 }
@@ -65,33 +67,21 @@ QString snippetAround(const QString& text, const QString& query)
     return QStringLiteral("…") + lineOf(text.sliced(from));
 }
 
+QString existing(const QString& path)
+{
+    return !path.isEmpty() && QFileInfo::exists(path) ? path : QString();
 }
 
-QString contactName(const ContactRow& row)
+QString highlighted(const QString& line, const QString& query)
 {
-    return WAName::pretty(lineOf(row.name));
-}
-
-ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words)
-{
-    ContactItem item;
-    item.id = row.id;
-    item.name = contactName(row);
-    item.platforms = row.platforms;
-    for (const QString& platform : row.platforms)
-        item.platformLabels.append(channelLabel(platform));
-    item.snippet = snippetOf(row.snippet, mediaType);
-    item.timeText = words.listTime(row.lastTs);
-    item.unread = row.unread;
-    item.account = row.account;
-    item.isGroup = row.isGroup;
-    if (!row.avatarPath.isEmpty() && QFileInfo::exists(row.avatarPath))
-        item.avatarPath = row.avatarPath;
-    item.initials = initials(item.name);
-    item.hue = hue(row.id);
-    item.isMuted = row.isMuted;
-    item.spoken = spokenOf(item);
-    return item;
+    QString marked;
+    qsizetype from = 0;
+    for (qsizetype at = 0; !query.isEmpty() && (at = line.indexOf(query, from, Qt::CaseInsensitive)) >= 0;) {
+        marked += line.sliced(from, at - from).toHtmlEscaped() + QStringLiteral("<b>")
+            + line.sliced(at, query.size()).toHtmlEscaped() + QStringLiteral("</b>");
+        from = at + query.size();
+    }
+    return marked + line.sliced(from).toHtmlEscaped();
 }
 
 MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const DateWords& words)
@@ -102,13 +92,65 @@ MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const
     item.name = WAName::pretty(lineOf(hit.contactName));
     item.platform = hit.channel;
     item.platformLabel = channelLabel(hit.channel);
-    item.snippet = snippetAround(hit.snippet, query);
+    const QString you = hit.direction == QStringLiteral("OUT") ? QStringLiteral("You: ") : QString();
+    const QString line = snippetAround(hit.snippet, query);
+    item.snippet = you + highlighted(line, query);
     item.timeText = words.listTime(hit.ts);
-    item.outgoing = hit.direction == QStringLiteral("OUT");
+    item.avatarPath = existing(hit.avatarPath);
     item.initials = initials(item.name);
     item.hue = hue(hit.contactId);
-    item.spoken = QStringLiteral("%1, %2, %3: %4").arg(item.name, item.platformLabel, item.timeText, item.snippet);
+    item.spoken = QStringLiteral("%1, %2, %3: %4").arg(item.name, item.platformLabel, item.timeText, you + line);
     return item;
+}
+
+}
+
+QString contactName(const ContactRow& row)
+{
+    return WAName::pretty(lineOf(row.name));
+}
+
+ContactItem contactItem(const ContactRow& row, const LastMessage& last, const DateWords& words)
+{
+    ContactItem item;
+    item.id = row.id;
+    item.name = contactName(row);
+    item.platforms = row.platforms;
+    for (const QString& platform : row.platforms)
+        item.platformLabels.append(channelLabel(platform));
+    item.snippet = snippetOf(row.snippet, last.mediaType);
+    if (last.direction == QStringLiteral("OUT") && !item.snippet.isEmpty())
+        item.snippet.prepend(QStringLiteral("You: "));
+    const UnifiedBubble::Ticks ticks = UnifiedBubble::statusTicks(last.direction, last.channel, last.status);
+    item.ticks = UnifiedBubble::wordOf(ticks.kind);
+    item.ticksText = ticks.text;
+    item.timeText = words.listTime(row.lastTs);
+    item.unread = row.unread;
+    item.account = row.account;
+    item.isGroup = row.isGroup;
+    item.avatarPath = existing(row.avatarPath);
+    item.initials = initials(item.name);
+    item.hue = hue(row.id);
+    item.isMuted = row.isMuted;
+    item.spoken = spokenOf(item);
+    return item;
+}
+
+QList<MessageHitItem> messageHitItems(const QList<MessageHit>& hits, const QString& query, const DateWords& words)
+{
+    QStringList people;
+    QHash<QString, QList<MessageHitItem>> ofPerson;
+    for (const MessageHit& hit : hits) {
+        QList<MessageHitItem>& items = ofPerson[hit.contactId];
+        if (items.isEmpty())
+            people.append(hit.contactId);
+        items.append(messageHitItem(hit, query, words));
+        items.last().leads = items.size() == 1;
+    }
+    QList<MessageHitItem> all;
+    for (const QString& person : people)
+        all += ofPerson.value(person);
+    return all;
 }
 
 }

@@ -16,6 +16,8 @@ class ContactItem {
     Q_PROPERTY(QStringList platforms MEMBER platforms)
     Q_PROPERTY(QStringList platformLabels MEMBER platformLabels)
     Q_PROPERTY(QString snippet MEMBER snippet)
+    Q_PROPERTY(QString ticks MEMBER ticks)
+    Q_PROPERTY(QString ticksText MEMBER ticksText)
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(int unread MEMBER unread)
     Q_PROPERTY(QString account MEMBER account)
@@ -33,7 +35,9 @@ public:
     QString name; ///< never a raw address
     QStringList platforms; ///< such as "WHATSAPP"
     QStringList platformLabels; ///< such as "WhatsApp"
-    QString snippet; ///< one line, cut to what a row can show
+    QString snippet; ///< one line, cut to what a row can show; what was sent from here begins with "You: "
+    QString ticks; ///< how far the newest message got, as in a thread; empty where it came in
+    QString ticksText; ///< the same in a word, such as "Delivered"
     QString timeText;
     int unread = 0;
     QString account; ///< slug
@@ -51,10 +55,10 @@ public:
     bool operator==(const ContactItem&) const = default;
 };
 
-/// Everything but `dateGroup`, `selected` and `checked`. `mediaType` names the newest message's medium where
-/// that message has no text.
 QString contactName(const ContactRow& row); ///< as the list shows it
-ContactItem contactItem(const ContactRow& row, const QString& mediaType, const DateWords& words);
+
+/// Everything but `dateGroup`, `selected` and `checked`.
+ContactItem contactItem(const ContactRow& row, const LastMessage& last, const DateWords& words);
 
 /// A message that the search found, in the words of the screen.
 class MessageHitItem {
@@ -66,7 +70,8 @@ class MessageHitItem {
     Q_PROPERTY(QString platformLabel MEMBER platformLabel)
     Q_PROPERTY(QString snippet MEMBER snippet)
     Q_PROPERTY(QString timeText MEMBER timeText)
-    Q_PROPERTY(bool outgoing MEMBER outgoing)
+    Q_PROPERTY(bool leads MEMBER leads)
+    Q_PROPERTY(QString avatarPath MEMBER avatarPath)
     Q_PROPERTY(QString initials MEMBER initials)
     Q_PROPERTY(int hue MEMBER hue)
     Q_PROPERTY(QString spoken MEMBER spoken)
@@ -76,9 +81,10 @@ public:
     QString name;
     QString platform;
     QString platformLabel;
-    QString snippet; ///< one line that holds the words searched for
+    QString snippet; ///< one line of styled text, where the words searched for are bold
     QString timeText;
-    bool outgoing = false;
+    bool leads = true; ///< the first of its person: those that follow need no name
+    QString avatarPath; ///< a file, or empty
     QString initials;
     int hue = 0;
     QString spoken;
@@ -87,6 +93,7 @@ public:
     bool operator==(const MessageHitItem&) const = default;
 };
 
-MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const DateWords& words);
+/// Person by person, in the order of each one's newest.
+QList<MessageHitItem> messageHitItems(const QList<MessageHit>& hits, const QString& query, const DateWords& words);
 
 }

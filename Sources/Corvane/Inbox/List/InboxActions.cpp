@@ -19,6 +19,11 @@ namespace {
 const QString whatsApp = QStringLiteral("WHATSAPP");
 constexpr Milliseconds openingTime { 60 };
 
+QString countedConversations(qsizetype count)
+{
+    return count == 1 ? QStringLiteral("1 conversation") : QStringLiteral("%1 conversations").arg(count);
+}
+
 }
 
 int InboxView::selectedIndex() const
@@ -31,7 +36,14 @@ int InboxView::selectedIndex() const
 std::optional<ContactRow> InboxView::rowOf(const QString& contactId) const
 {
     const auto listed = std::ranges::find(m_contacts, contactId, &ContactRow::id);
-    return listed == m_contacts.end() ? fetchContact(db(), contactId) : std::optional(*listed);
+    const bool current = listed != m_contacts.end() && !m_allDue && !m_peopleDue.contains(contactId);
+    return current ? std::optional(*listed) : fetchContact(db(), contactId);
+}
+
+QString InboxView::nameOf(const QString& contactId)
+{
+    const auto row = rowOf(contactId);
+    return row ? contactName(*row) : displayName(db(), contactId);
 }
 
 void InboxView::select(const QString& contactId)
@@ -63,7 +75,7 @@ void InboxView::openContact(const ContactRow& row)
     m_palette.setHasSelection(true);
     tellWhatIsOpen();
     openPanes(m_selectedRow);
-    m_reloadAfterOpening = m_scheduler.after(openingTime, [this] { m_reloadSoon.request(); });
+    m_reloadAfterOpening = m_scheduler.after(openingTime, [this] { personChanged(m_selectedId); });
     present();
     Q_EMIT selectionChanged();
 }
@@ -146,6 +158,16 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
     return true;
 }
 
+void InboxView::setShown(bool shown)
+{
+    if (m_shown == shown)
+        return;
+    m_shown = shown;
+    if (shown)
+        m_reloadSoon.request();
+    Q_EMIT shownChanged();
+}
+
 void InboxView::setOnScreen(bool onScreen)
 {
     if (m_onScreen == onScreen)
@@ -153,8 +175,8 @@ void InboxView::setOnScreen(bool onScreen)
     m_onScreen = onScreen;
     tellWhatIsOpen();
     m_thread.reading()->setOnScreen(onScreen);
-    if (onScreen)
-        m_reloadSoon.request();
+    if (onScreen && !m_selectedId.isEmpty())
+        personChanged(m_selectedId);
     Q_EMIT onScreenChanged();
 }
 
@@ -171,32 +193,57 @@ void InboxView::setShowPalette(bool show)
     if (m_showPalette == show)
         return;
     m_showPalette = show;
-    if (show)
+    if (show) {
+        catchUp();
         m_palette.open();
-    else
+    } else {
         m_palette.close();
+    }
     Q_EMIT showPaletteChanged();
 }
 
-void InboxView::runPaletteAction(PaletteAction action)
+QList<PaletteCommand> InboxView::paletteCommands()
 {
-    switch (action) {
-    case PaletteAction::ArchiveCurrent:
-        archiveSelected();
-        break;
-    case PaletteAction::MuteCurrent:
-        muteSelected();
-        break;
-    case PaletteAction::ToggleCRM:
-        setShowCRM(!m_showCRM);
-        break;
-    case PaletteAction::MarkAllRead:
-        markAllRead();
-        break;
-    case PaletteAction::OpenApprovals:
-        m_notifications.post(notifications::openApprovals);
-        break;
-    }
+    using When = PaletteCommand::When;
+    return {
+        { QStringLiteral("archiveCurrent"), QStringLiteral("Archive current conversation"), QStringLiteral("E"),
+            When::WithSelection,
+            [this] {
+                archiveSelected();
+            } },
+        { QStringLiteral("muteCurrent"), QStringLiteral("Mute / unmute current conversation"), QStringLiteral("M"),
+            When::WithSelection,
+            [this] {
+                muteSelected();
+            } },
+        { QStringLiteral("toggleCRM"), QStringLiteral("Toggle contact panel"), QStringLiteral("Ctrl+I"),
+            When::WithSelection,
+            [this] {
+                setShowCRM(!m_showCRM);
+            } },
+        { QStringLiteral("markAllRead"), QStringLiteral("Mark all as read"), {}, When::Always,
+            [this] {
+                markAllRead();
+            } },
+        { QStringLiteral("newMessage"), m_composeSheet.title(), QStringLiteral("Ctrl+N"), When::Always,
+            [this] {
+                comeToFront();
+                m_composeSheet.open();
+            } },
+    };
+}
+
+void InboxView::comeToFront()
+{
+    m_notifications.post(notifications::openWorkConsole, QStringLiteral("inbox"));
+}
+
+void InboxView::searchFor(const QString& query)
+{
+    comeToFront();
+    InboxState state = asTyped();
+    state.search = query;
+    narrow(state);
 }
 
 void InboxView::afterAction()
@@ -205,57 +252,45 @@ void InboxView::afterAction()
     m_engine.refreshUnreadBadge();
 }
 
-void InboxView::archiveSelected()
+void InboxView::archive(const QStringList& contactIds)
 {
-    if (!m_selectedId.isEmpty())
-        archive({ m_selectedId }, QStringLiteral("Archived ") + m_selected.name);
-}
-
-void InboxView::archiveChecked()
-{
-    const QStringList ids = m_bulk.ids();
-    if (ids.size() == 1)
-        archive(ids, QStringLiteral("Archived 1 conversation"));
-    else if (!ids.isEmpty())
-        archive(ids, QStringLiteral("Archived %1 conversations").arg(ids.size()));
-}
-
-void InboxView::archive(const QStringList& contactIds, const QString& text)
-{
-    for (const QString& contactId : contactIds)
-        archiveContact(db(), contactId);
+    if (contactIds.isEmpty())
+        return;
+    const bool out = unarchives();
+    const bool picked = contactIds.size() > 1 || m_bulk.active();
+    const QString whom = picked ? countedConversations(contactIds.size()) : nameOf(contactIds.first());
+    const auto before = fetchArchived(db(), contactIds);
+    if (!setArchived(db(), contactIds, !out))
+        return;
     if (contactIds.contains(m_selectedId))
         close();
     m_bulk.clear();
-    m_undo.offer(text, [this, contactIds] {
-        for (const QString& contactId : contactIds)
-            unarchiveContact(db(), contactId);
+    m_undo.offer((out ? QStringLiteral("Unarchived ") : QStringLiteral("Archived ")) + whom, [this, before] {
+        restoreArchived(db(), before);
         afterAction();
     });
     afterAction();
 }
 
-void InboxView::unarchive(const QString& contactId)
+void InboxView::mute(const QStringList& contactIds)
 {
-    unarchiveContact(db(), contactId);
-    afterAction();
-}
-
-void InboxView::muteSelected()
-{
-    if (m_selectedId.isEmpty())
-        return;
-    setMuted(db(), m_selectedId, !isMuted(db(), m_selectedId));
-    afterAction();
-}
-
-void InboxView::muteChecked()
-{
-    const QStringList ids = m_bulk.ids();
-    const bool mute = std::ranges::any_of(ids, [this](const QString& id) { return !isMuted(db(), id); });
-    for (const QString& id : ids)
+    const bool mute = std::ranges::any_of(contactIds, [this](const QString& id) { return !isMuted(db(), id); });
+    for (const QString& id : contactIds)
         setMuted(db(), id, mute);
     m_bulk.clear();
+    afterAction();
+}
+
+void InboxView::toggleRead(const QString& contactId)
+{
+    const auto row = rowOf(contactId);
+    if (row && row->unread > 0) {
+        tellRead(contactId);
+    } else {
+        markUnread(db(), contactId);
+        if (contactId == m_selectedId)
+            close(); // what is open counts as read
+    }
     afterAction();
 }
 
@@ -287,13 +322,15 @@ void InboxView::readSelected()
     if (m_selectedRow.unread == 0)
         return;
     tellRead(m_selectedId);
+    m_counts.forget({ m_selectedId });
     m_selectedRow.unread = 0;
+    m_rows.setRead(m_selectedId);
     const auto row = std::ranges::find(m_contacts, m_selectedId, &ContactRow::id);
     if (row != m_contacts.end())
         row->unread = 0;
     m_engine.refreshUnreadBadge();
     present();
-    m_reloadSoon.request(); // who is read may leave the list, and the counts of its tabs
+    personChanged(m_selectedId); // who is read may leave the list, and the counts of its tabs
 }
 
 void InboxView::retry(const QString& channel)

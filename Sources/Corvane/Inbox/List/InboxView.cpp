@@ -14,8 +14,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int contactLimit = 300;
-constexpr Milliseconds reloadPeriod { 100 };
+constexpr Milliseconds reloadPause { 100 };
 constexpr Milliseconds searchDelay { 250 };
 constexpr Milliseconds countsPeriod { 1000 };
 
@@ -39,7 +38,9 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_defaults(surroundings.defaults)
     , m_notifications(surroundings.notifications)
     , m_scheduler(surroundings.scheduler)
+    , m_rows(m_engine.db())
     , m_hits(m_engine.db(), m_scheduler)
+    , m_counts(m_engine.db())
     , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
@@ -55,16 +56,20 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_crm(m_engine.db(), m_scheduler)
     , m_undo(m_scheduler, [this] { Q_EMIT undoChanged(); })
     , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo, mediaFolder(surroundings.paths),
-          [this] { // a search hides nobody to whom a message may go
-              return m_state.query().isEmpty() ? m_contacts : fetchContacts(db(), m_state.filter, {}, contactLimit);
-          } })
+          [this] {
+              return m_rows.rows();
+          } }) // a search hides nobody to whom a message may go
     , m_voicePlayer(surroundings.player, m_thread, mediaFolder(surroundings.paths))
-    , m_reloadSoon(m_scheduler, reloadPeriod, [this] { reload(); })
+    , m_reloadSoon(m_scheduler, reloadPause,
+          [this] {
+              if (m_shown)
+                  catchUp();
+          })
     , m_countsSoon(m_scheduler, countsPeriod, [this] { presentCounts(); })
 {
-    m_tabs = inboxTabs({});
-    connect(&m_engine, &EngineManager::inboxRevisionChanged, this, [this] { m_reloadSoon.request(); });
-    connect(&m_accounts, &AccountStore::accountsChanged, this, [this] { m_reloadSoon.request(); });
+    m_tabs = countedTabs();
+    connect(&m_engine, &EngineManager::inboxRevisionChanged, this, &InboxView::personChanged);
+    connect(&m_accounts, &AccountStore::accountsChanged, this, &InboxView::reloadSoon);
     connect(&m_thread, &ThreadView::refused, &m_composer, &Composer::setSendError);
     connect(m_thread.reading(), &ThreadReading::read, this, &InboxView::readSelected);
     connect(&m_composer, &Composer::sent, m_thread.reading(), &ThreadReading::touch);
@@ -72,15 +77,17 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
     connect(&m_crm, &CRMPane::undoable, this,
         [this](const QString& text, const std::function<void()>& back) { m_undo.offer(text, back); });
-    connect(&m_messageActions, &MessageActions::messagesChanged, this, [this] { m_reloadSoon.request(); });
+    connect(&m_messageActions, &MessageActions::messagesChanged, this, [this] { personChanged(m_selectedId); });
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
-    connect(&m_palette, &CommandPalette::contactChosen, this, &InboxView::select);
-    connect(&m_palette, &CommandPalette::actionChosen, this, &InboxView::runPaletteAction);
+    m_palette.addCommands(paletteCommands());
+    connect(&m_palette, &CommandPalette::contactChosen, this,
+        [this](const QString& contactId) { m_notifications.post(notifications::openConversation, contactId); });
+    connect(&m_palette, &CommandPalette::searchChosen, this, &InboxView::searchFor);
     connect(&m_palette, &CommandPalette::closed, this, [this] { setShowPalette(false); });
     // A query may find, while it runs, that another workspace is to be shown: the reload waits its turn.
     m_workspaceChanged = m_notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
         close();
-        m_reloadSoon.request();
+        reloadSoon();
     });
     m_conversationAsked
         = m_notifications.observe(notifications::openConversation, [this](const Notification& notification) {
@@ -222,6 +229,25 @@ void InboxView::narrow(const InboxState& state)
         present();
 }
 
+void InboxView::setAtTop(bool atTop)
+{
+    if (m_atTop == atTop)
+        return;
+    m_atTop = atTop;
+    m_topSeenTs = m_contacts.isEmpty() ? 0 : m_contacts.first().lastTs;
+    Q_EMIT atTopChanged();
+    Q_EMIT newAboveChanged();
+}
+
+QString InboxView::newAbove() const
+{
+    if (m_atTop || m_state.sort != SortMode::Recent)
+        return {};
+    const auto count = std::ranges::count_if(
+        m_contacts, [this](const ContactRow& row) { return row.lastTs > m_topSeenTs && row.unread > 0; });
+    return count == 0 ? QString() : QStringLiteral("%1 new above").arg(count);
+}
+
 void InboxView::appear()
 {
     reload();
@@ -229,14 +255,63 @@ void InboxView::appear()
         [this] { appear(); }); // "today" and "yesterday" are others from then on
 }
 
+void InboxView::personChanged(const QString& contactId)
+{
+    if (contactId.isEmpty())
+        m_allDue = true;
+    else
+        m_peopleDue.insert(contactId);
+    if (m_shown)
+        m_reloadSoon.request();
+}
+
+void InboxView::reloadSoon()
+{
+    personChanged({});
+}
+
+void InboxView::catchUp()
+{
+    if (m_allDue || (!m_peopleDue.isEmpty() && !readChanged()))
+        reload();
+}
+
+bool InboxView::readChanged()
+{
+    repeatMerges(db());
+    QStringList ids = std::exchange(m_peopleDue, {}).values();
+    QStringList people;
+    for (const QString& id : ids)
+        people.append(personBehind(db(), id));
+    ids += people;
+    ids.removeDuplicates();
+    m_rows.forget(ids);
+    m_counts.forget(ids);
+    if (!m_rows.read(m_state.filter, ids))
+        return false;
+    showRead(ids);
+    return true;
+}
+
 void InboxView::reload()
 {
     m_searchDebounce.reset();
     m_state.search = m_search;
-    const QString query = m_state.query();
     repeatMerges(db());
-    const QList<ContactRow> all = fetchContacts(db(), m_state.filter, {}, contactLimit);
-    m_contacts = query.isEmpty() ? all : matching(all, query);
+    m_rows.forget(std::exchange(m_peopleDue, {}).values());
+    m_counts.forgetAll();
+    m_allDue = false;
+    m_rows.readAll(m_state.filter);
+    showRead(std::nullopt);
+}
+
+void InboxView::showRead(const std::optional<QStringList>& contactIds)
+{
+    const auto wasRead = [&](const QString& id) {
+        return !contactIds || contactIds->contains(id);
+    };
+    const QString query = m_state.query();
+    m_contacts = query.isEmpty() ? m_rows.rows() : matching(m_rows.rows(), query);
     m_hits.find(query);
     if (const auto notice = consumeWorkspaceSelectionNotice(db())) {
         m_workspaceNotice = *notice;
@@ -244,7 +319,7 @@ void InboxView::reload()
     }
     m_avatars.requestMissing(m_contacts);
     m_webMirror.refresh(db());
-    if (!m_selectedId.isEmpty()) {
+    if (!m_selectedId.isEmpty() && wasRead(m_selectedId)) {
         // Merged into somebody else meanwhile, maybe by another program: their thread is the other's.
         if (const QString person = personBehind(db(), m_selectedId); person != m_selectedId) {
             select(person);
@@ -261,9 +336,15 @@ void InboxView::reload()
     present();
 }
 
+QVariantList InboxView::countedTabs() const
+{
+    return inboxTabs([this](InboxFilter filter) { return m_counts.of(filter); });
+}
+
 void InboxView::presentCounts()
 {
-    const QVariantList tabs = inboxTabs(fetchInboxCounts(db()));
+    m_counts.read();
+    const QVariantList tabs = countedTabs();
     if (tabs == m_tabs)
         return;
     m_tabs = tabs;
@@ -274,38 +355,37 @@ void InboxView::present()
 {
     const DateWords words(m_scheduler.nowMs());
     QList<ContactItem> items;
-    QStringList ids;
-    const auto add = [&](const ContactRow& row, const QString& dateGroup) {
-        ContactItem item = contactItem(row, mediaTypeOf(row), words);
-        item.dateGroup = dateGroup;
-        item.selected = row.id == m_selectedId;
-        item.checked = m_bulk.contains(row.id);
-        if (item.selected)
-            m_selectedPlace = int(items.size());
-        items.append(item);
-        ids.append(row.id);
-    };
     const QList<ContactRow> rows = visible(m_contacts, m_state);
     if (m_state.viewMode == ViewMode::Messages) {
         for (const DateGroup& group : visibleDateGroups(rows, words))
-            for (const ContactRow& row : group.rows)
-                add(row, group.label);
+            for (ContactItem item : m_rows.items(group.rows, words)) {
+                item.dateGroup = group.label;
+                items.append(item);
+            }
     } else {
-        for (const ContactRow& row : rows)
-            add(row, {});
+        items = m_rows.items(rows, words);
+    }
+    QStringList ids;
+    for (qsizetype place = 0; place < items.size(); ++place) {
+        ContactItem& item = items[place];
+        item.selected = item.id == m_selectedId;
+        item.checked = m_bulk.contains(item.id);
+        if (item.selected)
+            m_selectedPlace = int(place);
+        ids.append(item.id);
     }
     m_contactModel.assign(items);
-    m_bulk.setListed(ids);
+    m_bulk.setListed(ids, m_selectedId);
     m_palette.setContacts(m_contacts);
 
-    const ContactItem selected
-        = m_selectedId.isEmpty() ? ContactItem() : contactItem(m_selectedRow, mediaTypeOf(m_selectedRow), words);
+    const ContactItem selected = m_selectedId.isEmpty() ? ContactItem() : m_rows.item(m_selectedRow, words);
     if (selected != m_selected) {
         m_selected = selected;
         Q_EMIT selectedChanged();
     }
     presentChoices();
     presentBanners();
+    Q_EMIT newAboveChanged();
     Q_EMIT changed();
 }
 
@@ -341,18 +421,6 @@ void InboxView::presentBanners()
         return;
     m_banners = banners;
     Q_EMIT stalenessChanged();
-}
-
-QString InboxView::mediaTypeOf(const ContactRow& row)
-{
-    if (!row.snippet.isEmpty())
-        return {};
-    const auto known = m_mediaTypes.constFind(row.id);
-    if (known != m_mediaTypes.constEnd() && known->first == row.lastTs)
-        return known->second;
-    const QString mediaType = newestMediaType(db(), row.id);
-    m_mediaTypes.insert(row.id, { row.lastTs, mediaType });
-    return mediaType;
 }
 
 }

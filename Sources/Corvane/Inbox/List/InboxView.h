@@ -14,7 +14,9 @@
 #include "Inbox/List/CommandPalette.h"
 #include "Inbox/List/ContactItem.h"
 #include "Inbox/List/InboxList.h"
+#include "Inbox/List/InboxRows.h"
 #include "Inbox/List/MessageHits.h"
+#include "Inbox/List/TabCounts.h"
 #include "Inbox/List/WebStaleness.h"
 #include "Inbox/Thread/MessageActions.h"
 #include "Inbox/Thread/ThreadView.h"
@@ -39,6 +41,8 @@ class InboxView : public QObject {
     // What is listed
     Q_PROPERTY(QVariantList tabs READ tabs NOTIFY tabsChanged) ///< of {key, label, count}; a count of 0 is not shown
     Q_PROPERTY(QString filter READ filterWord WRITE setFilterWord NOTIFY filterChanged) ///< needsMe today all archived
+    Q_PROPERTY(bool unarchives READ unarchives NOTIFY filterChanged) ///< `archive` brings back here
+    Q_PROPERTY(QString archiveLabel READ archiveLabel NOTIFY filterChanged)
     Q_PROPERTY(QString viewMode READ viewModeWord WRITE setViewModeWord NOTIFY viewChanged) ///< contacts messages
     Q_PROPERTY(QString sort READ sortWord WRITE setSortWord NOTIFY viewChanged) ///< recent unread
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
@@ -50,6 +54,8 @@ class InboxView : public QObject {
     Q_PROPERTY(QString accountFilterLabel READ accountFilterLabel NOTIFY narrowingChanged)
     Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
     Q_PROPERTY(QAbstractItemModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
+    Q_PROPERTY(bool atTop READ atTop WRITE setAtTop NOTIFY atTopChanged) ///< the first rows are in sight
+    Q_PROPERTY(QString newAbove READ newAbove NOTIFY newAboveChanged) ///< such as "3 new above"; empty for none
     Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
     Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< the messages are searched: takes a while
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show, nor to come
@@ -71,6 +77,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
     Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
     // Around it
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
     Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
     Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
@@ -104,6 +111,8 @@ public:
     const QVariantList& tabs() const { return m_tabs; }
     QString filterWord() const;
     void setFilterWord(const QString& word); ///< an unknown word changes nothing, here and below
+    bool unarchives() const { return m_state.filter == InboxFilter::Archived; }
+    QString archiveLabel() const { return unarchives() ? QStringLiteral("Unarchive") : QStringLiteral("Archive"); }
     QString viewModeWord() const;
     void setViewModeWord(const QString& word);
     QString sortWord() const;
@@ -120,6 +129,9 @@ public:
     QString accountFilterLabel() const;
     QAbstractItemModel* contacts() { return &m_contactModel; }
     QAbstractItemModel* messageHits() { return m_hits.model(); }
+    bool atTop() const { return m_atTop; }
+    void setAtTop(bool atTop);
+    QString newAbove() const;
     bool loading() const { return m_loading; }
     bool searching() const { return m_hits.searching(); }
     bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` does not answer the search yet
@@ -141,6 +153,8 @@ public:
     AskLumo* askLumo() { return &m_askLumo; }
     PendingDraftsView* drafts() { return &m_drafts; }
     ComposeSheet* composeSheet() { return &m_composeSheet; }
+    bool shown() const { return m_shown; }
+    void setShown(bool shown); ///< whether the list can be seen; one that cannot is read again when it shows
     bool onScreen() const { return m_onScreen; }
     void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
     bool showCRM() const { return m_showCRM; }
@@ -167,15 +181,18 @@ public:
     /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
     bool composeNew(const Account& account, const QString& recipient, const QString& text);
 
-    Q_INVOKABLE void archiveSelected();
-    Q_INVOKABLE void muteSelected(); ///< mutes or unmutes
-    Q_INVOKABLE void unarchive(const QString& contactId);
+    /// Archives them, or brings them back where the list shows what is archived.
+    Q_INVOKABLE void archive(const QStringList& contactIds);
+    Q_INVOKABLE void archiveSelected() { archive(m_selectedId.isEmpty() ? QStringList() : QStringList(m_selectedId)); }
+    Q_INVOKABLE void mute(const QStringList& contactIds); ///< mutes all; where all are muted, unmutes all
+    Q_INVOKABLE void muteSelected() { mute(m_selectedId.isEmpty() ? QStringList() : QStringList(m_selectedId)); }
+    Q_INVOKABLE void toggleRead(const QString& contactId); ///< marks as read, or as unread where nothing is unread
     Q_INVOKABLE void markAllRead();
     Q_INVOKABLE void undo() { m_undo.take(); } ///< the way back that `undoText` offers
     Q_INVOKABLE void dismissUndo() { m_undo.dismiss(); }
 
-    Q_INVOKABLE void archiveChecked();
-    Q_INVOKABLE void muteChecked(); ///< mutes all; where all are muted, unmutes all
+    Q_INVOKABLE void archiveChecked() { archive(QStringList(m_bulk.ids())); }
+    Q_INVOKABLE void muteChecked() { mute(QStringList(m_bulk.ids())); }
     Q_INVOKABLE void markCheckedRead();
 
 Q_SIGNALS:
@@ -187,9 +204,12 @@ Q_SIGNALS:
     void viewChanged();
     void searchChanged();
     void narrowingChanged();
+    void atTopChanged();
+    void newAboveChanged();
     void selectionChanged(); ///< another person is open
     void selectedChanged(); ///< or the facts of the person who is
     void jumped();
+    void shownChanged();
     void onScreenChanged();
     void showCRMChanged();
     void showPaletteChanged();
@@ -199,24 +219,31 @@ Q_SIGNALS:
 private:
     LocalDB& db() const;
     QString accountLabel(const QString& slug) const;
-    QString mediaTypeOf(const ContactRow& row); ///< of the newest message, where it has no text
     InboxState asTyped() const; ///< with the search as it is now
     void narrow(const InboxState& state);
+    void personChanged(const QString& contactId); ///< empty for anybody
+    void reloadSoon();
+    void catchUp(); ///< reads what has changed since the list was read
+    bool readChanged();
+    void showRead(const std::optional<QStringList>& contactIds); ///< after these people were read, or all
     void present();
     void presentChoices();
     void presentBanners();
+    QVariantList countedTabs() const;
     void presentCounts();
 
     /// Of the list, else of a person whom the list does not show: filtered away, or beyond its end.
     std::optional<ContactRow> rowOf(const QString& contactId) const;
+    QString nameOf(const QString& contactId); ///< as the list shows it
     void openContact(const ContactRow& row);
     void close();
     void openPanes(const ContactRow& row); ///< beside the list; with an empty id: nobody
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();
-    void archive(const QStringList& contactIds, const QString& text);
-    void runPaletteAction(PaletteAction action);
+    QList<PaletteCommand> paletteCommands();
+    void comeToFront();
+    void searchFor(const QString& query);
     void afterAction();
 
     EngineManager& m_engine;
@@ -228,10 +255,15 @@ private:
     InboxState m_state; ///< what the rows were made for
     QString m_search; ///< as typed; `m_state` follows
     bool m_loading = true;
-    QList<ContactRow> m_contacts;
+    InboxRows m_rows;
+    bool m_allDue = false; ///< the whole list is to be read again
+    QSet<QString> m_peopleDue; ///< or these people of it
+    QList<ContactRow> m_contacts; ///< of the rows, what the search leaves
     MessageHits m_hits;
-    QHash<QString, std::pair<qint64, QString>> m_mediaTypes; ///< by contact: newest time, medium
     RowListModel<ContactItem> m_contactModel;
+    bool m_atTop = true;
+    qint64 m_topSeenTs = 0; ///< the newest message when the top was last in sight
+    TabCounts m_counts;
     QVariantList m_tabs;
     QVariantList m_channelChoices;
     QVariantList m_accountChoices;
@@ -256,6 +288,7 @@ private:
     CommandPalette m_palette;
     BulkSelection m_bulk;
 
+    bool m_shown = true;
     bool m_onScreen = true;
     bool m_showCRM = true;
     bool m_showPalette = false;

@@ -24,13 +24,6 @@ const std::array<FilterWords, 4>& filterWords()
     return words;
 }
 
-int countOf(InboxFilter filter, const InboxCounts& counts)
-{
-    if (filter == InboxFilter::NeedsMe)
-        return counts.needsMe;
-    return filter == InboxFilter::Today ? counts.today : 0;
-}
-
 }
 
 QString wordOf(InboxFilter filter)
@@ -58,12 +51,12 @@ std::optional<SortMode> sortMode(const QString& word)
     return word == QStringLiteral("unread") ? std::optional(SortMode::Unread) : std::nullopt;
 }
 
-QVariantList inboxTabs(const InboxCounts& counts)
+QVariantList inboxTabs(const std::function<int(InboxFilter)>& countOf)
 {
     QVariantList tabs;
     for (const FilterWords& words : filterWords()) {
         tabs.append(QVariantMap { { QStringLiteral("key"), words.key }, { QStringLiteral("label"), words.label },
-            { QStringLiteral("count"), countOf(words.filter, counts) } });
+            { QStringLiteral("count"), countOf(words.filter) } });
     }
     return tabs;
 }

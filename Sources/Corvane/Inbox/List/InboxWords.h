@@ -3,6 +3,7 @@
 #include "Inbox/List/InboxList.h"
 
 #include <QVariantList>
+#include <functional>
 
 namespace corvane {
 
@@ -13,6 +14,6 @@ std::optional<ViewMode> viewMode(const QString& word);
 std::optional<SortMode> sortMode(const QString& word);
 
 /// The tabs over the list, of {key, label, count}; a count of 0 is not shown.
-QVariantList inboxTabs(const InboxCounts& counts);
+QVariantList inboxTabs(const std::function<int(InboxFilter)>& countOf);
 
 }

@@ -70,13 +70,9 @@ void MessageHits::search()
 
 void MessageHits::show(const QList<MessageHit>& hits)
 {
-    const DateWords words(m_scheduler.nowMs());
-    QList<MessageHitItem> items;
-    for (const MessageHit& hit : hits)
-        items.append(messageHitItem(hit, m_query, words));
     m_patience.reset();
     m_searching = false;
-    m_model.assign(items);
+    m_model.assign(messageHitItems(hits, m_query, DateWords(m_scheduler.nowMs())));
     Q_EMIT changed();
 }
 

@@ -19,23 +19,6 @@ using UnifiedBubble::Ticks;
 constexpr qsizetype spokenLength = 1000;
 constexpr qsizetype longestSender = 200;
 
-QString ticksWord(Ticks::Kind kind)
-{
-    switch (kind) {
-    case Ticks::Kind::None:
-        return {};
-    case Ticks::Kind::Single:
-        return QStringLiteral("single");
-    case Ticks::Kind::Double:
-        return QStringLiteral("double");
-    case Ticks::Kind::Read:
-        return QStringLiteral("read");
-    case Ticks::Kind::Word:
-        return QStringLiteral("word");
-    }
-    return {};
-}
-
 QString mediaStateWord(MediaState::Kind kind)
 {
     switch (kind) {
@@ -128,8 +111,8 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     shown.platform = row.platform;
     if (surroundings.isGroup && !shown.outgoing && !message.grouped && !row.sender.trimmed().isEmpty())
         shown.senderLabel = WAName::pretty(row.sender);
-    const Ticks ticks = UnifiedBubble::statusTicks(row);
-    shown.ticks = ticksWord(ticks.kind);
+    const Ticks ticks = UnifiedBubble::statusTicks(row.direction, row.platform, row.status);
+    shown.ticks = UnifiedBubble::wordOf(ticks.kind);
     shown.ticksText = ticks.text;
     shown.ticksHelp = ticks.help;
     shown.reaction = row.reaction;

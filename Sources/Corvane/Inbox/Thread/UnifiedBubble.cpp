@@ -37,21 +37,38 @@ bool hasFileOf(const UnifiedMsgRow& row, QLatin1StringView kind)
 
 }
 
-Ticks statusTicks(const UnifiedMsgRow& row)
+Ticks statusTicks(const QString& direction, const QString& platform, int status)
 {
-    if (row.direction != QStringLiteral("OUT"))
+    if (direction != QStringLiteral("OUT"))
         return {};
-    if (isPlacedInBrowser(row.platform) && row.status < 1)
+    if (isPlacedInBrowser(platform) && status < 1)
         return { Ticks::Kind::Word, QStringLiteral("Placed"), QStringLiteral("Placed in browser") };
-    if (row.status < 1)
+    if (status < 1)
         return {};
-    if (row.platform != QStringLiteral("WHATSAPP"))
+    if (platform != QStringLiteral("WHATSAPP"))
         return { Ticks::Kind::Word, QStringLiteral("Sent"), {} };
-    if (row.status < 3)
+    if (status < 3)
         return { Ticks::Kind::Single, QStringLiteral("Sent"), {} };
-    if (row.status == 3)
+    if (status == 3)
         return { Ticks::Kind::Double, QStringLiteral("Delivered"), {} };
     return { Ticks::Kind::Read, QStringLiteral("Read"), {} };
+}
+
+QString wordOf(Ticks::Kind kind)
+{
+    switch (kind) {
+    case Ticks::Kind::None:
+        return {};
+    case Ticks::Kind::Single:
+        return QStringLiteral("single");
+    case Ticks::Kind::Double:
+        return QStringLiteral("double");
+    case Ticks::Kind::Read:
+        return QStringLiteral("read");
+    case Ticks::Kind::Word:
+        return QStringLiteral("word");
+    }
+    return {};
 }
 
 bool hasImage(const UnifiedMsgRow& row)

@@ -14,7 +14,8 @@ struct Ticks {
 };
 
 /// How far an outgoing message got; none for an incoming one.
-Ticks statusTicks(const UnifiedMsgRow& row);
+Ticks statusTicks(const QString& direction, const QString& platform, int status);
+QString wordOf(Ticks::Kind kind); ///< "single", "double", "read" or "word"; empty for none
 
 bool hasImage(const UnifiedMsgRow& row); ///< and its file is there
 bool hasAudio(const UnifiedMsgRow& row);

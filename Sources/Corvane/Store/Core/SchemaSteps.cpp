@@ -34,6 +34,8 @@ const QList<Step>& steps()
   ON contact(workspace_id, deleted_at, id, display_name, avatar_path);)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_newest
   ON unified_conversation(last_ts DESC, contact_id) WHERE deleted_at IS NULL AND archived_at IS NULL;)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_archived
+  ON unified_conversation(last_ts DESC, contact_id) WHERE deleted_at IS NULL AND archived_at IS NOT NULL;)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_contact
   ON unified_conversation(contact_id, deleted_at, archived_at, last_ts, unread, muted, channel, account_id,
     external_id, id);)" },

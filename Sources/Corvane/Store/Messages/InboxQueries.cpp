@@ -1,5 +1,6 @@
 #include "Store/Messages/InboxQueries.h"
 
+#include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 
 #include <QSet>
@@ -8,12 +9,17 @@ namespace corvane {
 
 namespace {
 
+/// The newest message `m` of a person `%1`. Each conversation offers its newest one, so that nothing is sorted but
+/// these.
+const QString newestMessage = QStringLiteral(R"(FROM unified_conversation cc JOIN unified_message m ON m.rowid=(
+       SELECT n.rowid FROM unified_message n WHERE n.conversation_id=cc.id AND n.deleted_at IS NULL
+       ORDER BY n.ts DESC LIMIT 1)
+     WHERE cc.contact_id=%1 ORDER BY m.ts DESC LIMIT 1)");
+
 const QString contactColumns = QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
   (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
      WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
-  COALESCE((SELECT m.body FROM unified_message m
-     JOIN unified_conversation cc ON m.conversation_id=cc.id
-     WHERE cc.contact_id=ct.id AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1), ''),
+  COALESCE((SELECT m.body %1), ''),
   MAX(c.last_ts), SUM(c.unread),
   MIN(c.account_id),
   MAX(CASE WHEN c.external_id LIKE '%@g.us' THEN 1 ELSE 0 END),
@@ -21,7 +27,8 @@ const QString contactColumns = QStringLiteral(R"(SELECT ct.id, COALESCE(ct.displ
   MAX(c.muted)
 FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
 WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
-  AND )");
+  AND )")
+                                   .arg(newestMessage.arg(QStringLiteral("ct.id")));
 
 QString archivedCondition(InboxFilter filter)
 {
@@ -29,22 +36,23 @@ QString archivedCondition(InboxFilter filter)
                                            : QStringLiteral("archived_at IS NULL");
 }
 
-/// The conversations under the filter, newest first. The cross join holds the order of the loops, and whoever has
-/// nothing unread at all is passed over without a sum.
+/// The conversations under the filter, newest first. The cross join and the plus hold the order of the loops: few
+/// are walked, and many may be unread.
 QString newestStatement(InboxFilter filter, qint64 nowMs)
 {
+    const QString archived = archivedCondition(filter);
     QString sql = QStringLiteral(R"(SELECT c.contact_id, c.last_ts
 FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
-WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS NULL AND (? = '' OR c.account_id = ?))");
-    if (filter == InboxFilter::NeedsMe) {
+WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS NULL AND (? = '' OR c.account_id = ?))")
+                      .arg(archived);
+    if (filter == InboxFilter::NeedsMe)
         sql += QStringLiteral(R"(
-  AND c.contact_id IN (SELECT contact_id FROM unified_conversation WHERE deleted_at IS NULL AND %1 AND unread > 0)
-  AND (SELECT SUM(u.unread) FROM unified_conversation u WHERE u.contact_id=c.contact_id AND u.deleted_at IS NULL
-     AND u.%1 AND (? = '' OR u.account_id = ?)) > 0)");
-    } else if (filter == InboxFilter::Today) {
-        sql += QStringLiteral("\n  AND c.last_ts >= %2").arg(startOfTodayMs(nowMs));
-    }
-    return sql.replace(QStringLiteral("%1"), archivedCondition(filter)) + QStringLiteral("\nORDER BY c.last_ts DESC;");
+  AND +c.contact_id IN (SELECT contact_id FROM unified_conversation
+     WHERE deleted_at IS NULL AND %1 AND (? = '' OR account_id = ?) GROUP BY contact_id HAVING SUM(unread) > 0))")
+                   .arg(archived);
+    else if (filter == InboxFilter::Today)
+        sql += QStringLiteral("\n  AND c.last_ts >= %1").arg(startOfTodayMs(nowMs));
+    return sql + QStringLiteral("\nORDER BY c.last_ts DESC;");
 }
 
 /// The newest people under the filter: `limit`, and who else is as old as the last of them.
@@ -118,40 +126,50 @@ std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId)
         contactColumns + QStringLiteral("ct.id=?\nGROUP BY ct.id;"), { activeWorkspaceId(db), contactId }, contactRow);
 }
 
-InboxCounts fetchInboxCounts(LocalDB& db)
+CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& contactIds)
 {
     const QString workspace = activeWorkspaceId(db);
     // The cross join holds the order of the loops: few conversations match, and every person would be walked.
     const auto people = [&](const QString& condition) {
-        return db
-            .scalar(QStringLiteral(R"(SELECT COUNT(DISTINCT ct.id)
+        QString sql = QStringLiteral(R"(SELECT DISTINCT ct.id
 FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
-WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL AND %1
-  AND ct.workspace_id=? AND ct.deleted_at IS NULL;)")
-                        .arg(condition),
-                { workspace, workspace })
-            .value_or(QString())
-            .toInt();
+WHERE %1 AND c.deleted_at IS NULL AND c.archived_at IS NULL AND ct.workspace_id=? AND ct.deleted_at IS NULL)")
+                          .arg(condition);
+        QList<SqlValue> parameters { workspace, workspace };
+        if (contactIds) {
+            sql += QStringLiteral(" AND c.contact_id IN (SELECT value FROM json_each(?))");
+            parameters.append(jsonString(*contactIds));
+        }
+        const QStringList ids = db.rows(sql, parameters, [](const SqlRow& row) { return row.text(0); });
+        return QSet<QString>(ids.begin(), ids.end());
     };
-    const QString today = QStringLiteral("c.last_ts >= %1").arg(startOfTodayMs(db.nowMs()));
-    return { people(QStringLiteral("c.unread > 0")), people(today) };
+    // The plus takes the index by workspace away, where those by contact and by time find fewer rows.
+    const QString unread = QStringLiteral("c.workspace_id=? AND c.unread > 0");
+    return { people(contactIds ? u'+' + unread : unread),
+        people(QStringLiteral("+c.workspace_id=? AND c.last_ts >= %1").arg(startOfTodayMs(db.nowMs()))) };
 }
 
-QString newestMediaType(LocalDB& db, const QString& contactId)
+QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& contactIds)
 {
-    return db
-        .scalar(R"(SELECT m.media_type FROM unified_message m
-JOIN unified_conversation cc ON m.conversation_id=cc.id
-WHERE cc.contact_id=? AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1;)",
-            { contactId })
-        .value_or(QString());
+    QHash<QString, LastMessage> last;
+    if (contactIds.isEmpty())
+        return last;
+    db.visitRows(QStringLiteral(R"(SELECT p.value, l.direction, c.channel, l.status, l.media_type
+FROM json_each(?) p JOIN unified_message l ON l.rowid=(SELECT m.rowid %1)
+JOIN unified_conversation c ON c.id=l.conversation_id;)")
+                     .arg(newestMessage.arg(QStringLiteral("p.value"))),
+        { jsonString(contactIds) }, [&](const SqlRow& row) {
+            last.insert(row.text(0), { row.text(1), row.text(2), static_cast<int>(row.integer(3)), row.text(4) });
+            return true;
+        });
+    return last;
 }
 
 QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit)
 {
     const QString pattern = u'%' + query + u'%';
     return db.rows(R"(SELECT m.id, cc.contact_id, COALESCE(ct.display_name, cc.contact_id), cc.channel,
-       COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts, m.direction
+       COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts, m.direction, COALESCE(ct.avatar_path,'')
 FROM unified_message m
 JOIN unified_conversation cc ON m.conversation_id=cc.id
 LEFT JOIN contact ct ON ct.id=cc.contact_id
@@ -162,14 +180,14 @@ WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL
 ORDER BY m.ts DESC LIMIT ?;)",
         { pattern, pattern, limit }, [](const SqlRow& row) {
             return MessageHit { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5),
-                row.text(6) };
+                row.text(6), row.text(7) };
         });
 }
 
 int totalUnread(LocalDB& db)
 {
     const auto total = db.scalar("SELECT COALESCE(SUM(unread),0) FROM unified_conversation WHERE workspace_id=? AND "
-                                 "deleted_at IS NULL AND archived_at IS NULL;",
+                                 "deleted_at IS NULL AND archived_at IS NULL AND unread>0;",
         { activeWorkspaceId(db) });
     return total.value_or(QString()).toInt();
 }
@@ -185,6 +203,47 @@ void markAllRead(LocalDB& db)
     db.run("UPDATE unified_conversation SET unread=0, updated_at=? WHERE workspace_id=? AND deleted_at IS NULL AND "
            "archived_at IS NULL AND unread>0;",
         { db.nowMs(), workspace });
+}
+
+void markUnread(LocalDB& db, const QString& contactId)
+{
+    db.run(R"(UPDATE unified_conversation SET unread=1, updated_at=?1 WHERE id=(SELECT id FROM unified_conversation
+WHERE contact_id=?2 AND deleted_at IS NULL ORDER BY archived_at IS NOT NULL, last_ts DESC LIMIT 1)
+  AND NOT EXISTS (SELECT 1 FROM unified_conversation WHERE contact_id=?2 AND deleted_at IS NULL AND unread>0);)",
+        { db.nowMs(), contactId });
+}
+
+QList<ArchivedConversation> fetchArchived(LocalDB& db, const QStringList& contactIds)
+{
+    return db.rows(
+        "SELECT id, archived_at FROM unified_conversation WHERE contact_id IN (SELECT value FROM json_each(?));",
+        { jsonString(contactIds) },
+        [](const SqlRow& row) { return ArchivedConversation { row.text(0), row.optionalInteger(1) }; });
+}
+
+bool restoreArchived(LocalDB& db, const QList<ArchivedConversation>& conversations)
+{
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return false;
+    for (const auto& [id, archivedAt] : conversations)
+        db.run(
+            "UPDATE unified_conversation SET archived_at=?, updated_at=? WHERE id=?;", { archivedAt, db.nowMs(), id });
+    return transaction.commit();
+}
+
+bool setArchived(LocalDB& db, const QStringList& contactIds, bool archived)
+{
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return false;
+    for (const QString& contactId : contactIds) {
+        if (archived)
+            archiveContact(db, contactId);
+        else
+            unarchiveContact(db, contactId);
+    }
+    return transaction.commit();
 }
 
 void archiveContact(LocalDB& db, const QString& contactId)

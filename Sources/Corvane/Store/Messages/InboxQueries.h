@@ -2,6 +2,8 @@
 
 #include "Store/Core/LocalDB.h"
 
+#include <QHash>
+#include <QSet>
 #include <QStringList>
 
 namespace corvane {
@@ -33,6 +35,7 @@ struct MessageHit {
     QString snippet;
     qint64 ts = 0;
     QString direction; ///< "IN" or "OUT"
+    QString avatarPath;
 
     bool operator==(const MessageHit&) const = default;
 };
@@ -52,16 +55,25 @@ QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QStringLi
 /// The same row, whichever filter the person stands under; nothing for one without a conversation.
 std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId);
 
-/// How many people stand under a filter.
-struct InboxCounts {
-    int needsMe = 0;
-    int today = 0;
+/// Who stands under the filters that are counted.
+struct CountedPeople {
+    QSet<QString> needsMe;
+    QSet<QString> today;
 };
 
-InboxCounts fetchInboxCounts(LocalDB& db);
+/// Among the named people, or among all.
+CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& contactIds = std::nullopt);
 
-/// The medium of the contact's newest message; empty where it has none.
-QString newestMediaType(LocalDB& db, const QString& contactId);
+/// What a list says of a person's newest message beside its text.
+struct LastMessage {
+    QString direction; ///< "IN" or "OUT"
+    QString channel;
+    int status = 0;
+    QString mediaType; ///< empty where it has no medium
+};
+
+/// By contact id; nobody stands there without a message.
+QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& contactIds);
 
 /// Messages and transcripts that contain the text, newest first, over all workspaces.
 QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
@@ -69,8 +81,20 @@ QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int li
 int totalUnread(LocalDB& db);
 void markRead(LocalDB& db, const QString& contactId);
 void markAllRead(LocalDB& db);
+void markUnread(LocalDB& db, const QString& contactId); ///< the newest conversation, where none is unread
 void archiveContact(LocalDB& db, const QString& contactId);
 void unarchiveContact(LocalDB& db, const QString& contactId);
+bool setArchived(LocalDB& db, const QStringList& contactIds, bool archived); ///< all of them or none
+
+/// When a conversation was archived; nothing for one that is not.
+struct ArchivedConversation {
+    QString id;
+    std::optional<qint64> archivedAt;
+};
+
+/// Of every conversation of these people: what `restoreArchived` needs to take an archive back.
+QList<ArchivedConversation> fetchArchived(LocalDB& db, const QStringList& contactIds);
+bool restoreArchived(LocalDB& db, const QList<ArchivedConversation>& conversations);
 void setMuted(LocalDB& db, const QString& contactId, bool muted);
 bool isMuted(LocalDB& db, const QString& contactId);
 

@@ -8,6 +8,10 @@ T.Menu {
 
     property string sign ///< the icon before its title within another menu
 
+    onAboutToShow: ++OpenMenus.count
+    onAboutToHide: --OpenMenus.count
+    Component.onDestruction: if (visible) --OpenMenus.count
+
     implicitWidth: Math.max(200, contentItem.implicitWidth + leftPadding + rightPadding)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     padding: Theme.tight

@@ -8,7 +8,7 @@ T.ToolTip {
 
     property bool shown: false
 
-    visible: shown && text !== ""
+    visible: shown && text !== "" && OpenMenus.count === 0
     delay: 500
     y: parent ? parent.height + Theme.tight : 0
     x: parent ? (parent.width - width) / 2 : 0

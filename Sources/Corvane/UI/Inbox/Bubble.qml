@@ -108,12 +108,10 @@ Rectangle {
             color: Theme.faint
             Accessible.ignored: true
         }
-        Icon {
-            visible: name !== ""
+        Ticks {
             anchors.verticalCenter: parent.verticalCenter
             size: 14
-            name: bubble.item.ticks === "single" ? "tick" : bubble.item.ticks === "double" || bubble.item.ticks === "read" ? "tick-double" : ""
-            color: bubble.item.ticks === "read" ? Theme.accent : Theme.faint
+            ticks: bubble.item.ticks
         }
         HoverHandler { id: overTicks }
     }

@@ -44,8 +44,8 @@ Rectangle {
         }
         IconButton {
             objectName: "bulk.archive"
-            icon.name: "mail-archive"
-            text: qsTr("Archive")
+            icon.name: bar.inbox.unarchives ? "mail-unarchive" : "mail-archive"
+            text: bar.inbox.archiveLabel
             key: Keymap.keysOf("archive")
             onClicked: bar.inbox.archiveChecked()
         }

@@ -15,8 +15,7 @@ ListView {
     model: inbox.contacts
     reuseItems: true
     boundsBehavior: Flickable.StopAtBounds
-    highlightFollowsCurrentItem: true
-    highlightMoveDuration: 0
+    highlightFollowsCurrentItem: false
     keyNavigationEnabled: false
     cacheBuffer: Theme.row * 4
     topMargin: Theme.tight
@@ -41,13 +40,17 @@ ListView {
     // Whoever looks at the top sees what comes in there; whoever has scrolled keeps their place.
     property bool atTop: true
     onContentYChanged: atTop = contentY <= originY + 1
+    Binding { target: list.inbox; property: "atTop"; value: list.atTop }
+    function toTop() {
+        contentY = originY - topMargin;
+    }
     Connections {
         target: list.inbox
         function onChanged() {
             if (!list.atTop)
                 return;
             list.forceLayout();
-            list.contentY = list.originY - list.topMargin;
+            list.toTop();
         }
     }
 
@@ -55,6 +58,7 @@ ListView {
     Keys.onUpPressed: inbox.moveSelection(-1)
     Keys.onReturnPressed: if (inbox.selectedId) entered()
     Keys.onEnterPressed: if (inbox.selectedId) entered()
+    Keys.onMenuPressed: if (currentItem) menu.show(currentItem as ContactRow, currentItem)
     Keys.onSpacePressed: if (inbox.selectedId) inbox.bulk.toggle(inbox.selectedId)
 
     section.property: "dateGroup"
@@ -68,6 +72,7 @@ ListView {
     }
 
     delegate: ContactRow {
+        id: line
         width: ListView.view.width
         picking: list.inbox.bulk.active
         ringed: keyboard.shown && selected
@@ -76,7 +81,14 @@ ListView {
             list.inbox.select(id);
         }
         onToggled: list.inbox.bulk.toggle(id)
+        onAdded: list.inbox.bulk.add(id)
         onExtended: list.inbox.bulk.extendTo(id)
+        onMenuAsked: menu.show(line, null)
+    }
+
+    ContactMenu {
+        id: menu
+        inbox: list.inbox
     }
 
     footer: Column {

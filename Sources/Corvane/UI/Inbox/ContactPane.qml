@@ -218,11 +218,10 @@ FocusScope {
                 }
                 PaneAction {
                     objectName: "contact.archive"
-                    readonly property bool archived: pane.inbox.filter === "archived"
-                    icon.name: archived ? "mail-unarchive" : "mail-archive"
-                    text: archived ? qsTr("Move to the inbox") : qsTr("Archive")
-                    key: archived ? "" : Keymap.keysOf("archive")
-                    onClicked: archived ? pane.inbox.unarchive(pane.contact.id) : pane.inbox.archiveSelected()
+                    icon.name: pane.inbox.unarchives ? "mail-unarchive" : "mail-archive"
+                    text: pane.inbox.archiveLabel
+                    key: Keymap.keysOf("archive")
+                    onClicked: pane.inbox.archiveSelected()
                 }
                 PaneAction {
                     objectName: "contact.copy"

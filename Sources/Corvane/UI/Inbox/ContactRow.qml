@@ -9,6 +9,7 @@ Item {
     required property string name
     required property var platforms
     required property string snippet
+    required property string ticks
     required property string timeText
     required property int unread
     required property bool isGroup
@@ -27,7 +28,9 @@ Item {
 
     signal opened
     signal toggled
-    signal extended
+    signal added ///< Ctrl and a press
+    signal extended ///< Shift and a press
+    signal menuAsked
 
     objectName: "contact:" + id
     implicitHeight: Theme.row
@@ -127,8 +130,17 @@ Item {
         color: row.unread && !row.isMuted ? Theme.accent : Theme.faint
         Accessible.ignored: true
     }
+    Ticks {
+        id: tick
+        x: title.x
+        anchors.verticalCenter: said.verticalCenter
+        size: 14
+        ticks: row.ticks
+    }
     Label {
-        anchors.left: title.left
+        id: said
+        anchors.left: tick.visible ? tick.right : title.left
+        anchors.leftMargin: tick.visible ? 3 : 0
         anchors.right: count.visible ? count.left : parent.right
         anchors.rightMargin: count.visible ? Theme.small : Theme.large
         y: 34
@@ -148,14 +160,20 @@ Item {
 
     HoverHandler { id: hover }
     TapHandler {
+        acceptedModifiers: Qt.NoModifier
         onTapped: row.picking ? row.toggled() : row.opened()
+        onLongPressed: row.menuAsked()
     }
     TapHandler {
         acceptedModifiers: Qt.ControlModifier
-        onTapped: row.toggled()
+        onTapped: row.added()
     }
     TapHandler {
         acceptedModifiers: Qt.ShiftModifier
         onTapped: row.extended()
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: row.menuAsked()
     }
 }

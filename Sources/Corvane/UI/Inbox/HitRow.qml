@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane
 
-/// A message that the search found.
+/// A message that the search found. The first of a person shows who they are, the others stand under it.
 T.AbstractButton {
     id: row
 
@@ -11,11 +11,13 @@ T.AbstractButton {
     required property string platform
     required property string snippet
     required property string timeText
+    required property bool leads
+    required property string avatarPath
     required property string initials
     required property int hue
     required property string spoken
 
-    implicitHeight: 52
+    implicitHeight: leads ? 52 : 28
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     Accessible.name: spoken
@@ -35,39 +37,42 @@ T.AbstractButton {
         Avatar {
             id: face
             x: Theme.large + 4
-            anchors.verticalCenter: parent.verticalCenter
+            y: 10
+            visible: row.leads
             width: 32
             hue: row.hue
             initials: row.initials
+            photo: row.avatarPath
             channel: row.platform
         }
         Label {
-            id: title
-            anchors.left: face.right
-            anchors.leftMargin: Theme.medium + 4
+            anchors.left: said.left
             anchors.right: time.left
             anchors.rightMargin: Theme.small
             y: 8
+            visible: row.leads
             text: row.name
-            font.pixelSize: Theme.body
             Accessible.ignored: true
         }
         Label {
             id: time
             anchors.right: parent.right
             anchors.rightMargin: Theme.large
-            anchors.baseline: title.baseline
+            y: row.leads ? 9 : 7
             text: row.timeText
             font.pixelSize: Theme.meta
             color: Theme.faint
             Accessible.ignored: true
         }
         Label {
-            anchors.left: title.left
-            anchors.right: parent.right
-            anchors.rightMargin: Theme.large
-            y: 27
-            text: row.snippet
+            id: said
+            anchors.left: face.right
+            anchors.leftMargin: Theme.medium + 4
+            anchors.right: row.leads ? parent.right : time.left
+            anchors.rightMargin: row.leads ? Theme.large : Theme.small
+            y: row.leads ? 27 : 5
+            text: row.snippet // escaped by the view model: what people write is never read as markup
+            textFormat: Text.StyledText
             color: Theme.soft
             horizontalAlignment: Text.AlignLeft
             Accessible.ignored: true

@@ -47,6 +47,10 @@ Page {
             else
                 inbox.muteSelected();
             break;
+        case "unread":
+            if (open)
+                inbox.toggleRead(inbox.selectedId);
+            break;
         case "reply":
             if (reply.visible)
                 reply.focusField();
@@ -81,14 +85,14 @@ Page {
         if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
+        } else if (inbox.bulk.active) {
+            inbox.bulk.clear();
         } else if (panels.activeFocus) {
             panels.back();
         } else if (reply.activeFocus && open) {
             thread.forceActiveFocus(Qt.TabFocusReason);
         } else if (thread.activeFocus || drafts.activeFocus || contact.activeFocus) {
             list.forceActiveFocus(Qt.TabFocusReason);
-        } else if (inbox.bulk.active) {
-            inbox.bulk.clear();
         } else if (inbox.search) {
             inbox.search = "";
         } else {

@@ -77,6 +77,15 @@ FocusScope {
             inbox: pane.inbox
             onEntered: pane.entered()
         }
+        Button {
+            objectName: "inbox.newAbove"
+            anchors.horizontalCenter: parent.horizontalCenter
+            y: Theme.small
+            visible: text !== ""
+            icon.name: "go-up"
+            text: pane.inbox.newAbove
+            onClicked: rows.toTop()
+        }
         Skeleton {
             width: parent.width
             active: pane.inbox.loading

@@ -103,11 +103,10 @@ Rectangle {
         }
         IconButton {
             objectName: "thread.archive"
-            readonly property bool archived: head.inbox.filter === "archived"
-            icon.name: archived ? "mail-unarchive" : "mail-archive"
-            text: archived ? qsTr("Move to the inbox") : qsTr("Archive")
-            key: archived ? "" : Keymap.keysOf("archive")
-            onClicked: archived ? head.inbox.unarchive(head.contact.id) : head.inbox.archiveSelected()
+            icon.name: head.inbox.unarchives ? "mail-unarchive" : "mail-archive"
+            text: head.inbox.archiveLabel
+            key: Keymap.keysOf("archive")
+            onClicked: head.inbox.archiveSelected()
         }
         IconButton {
             objectName: "thread.contact"

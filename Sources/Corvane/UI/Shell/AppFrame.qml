@@ -13,7 +13,8 @@ FocusScope {
     required property QtObject approvals
     required property QtObject appearance
     required property QtObject layout
-    required property bool seen ///< a person looks at the window
+    required property bool shown ///< the window is on the screen
+    required property bool seen ///< and a person looks at it
 
     readonly property bool covered: shell.settings || shell.approvals
     readonly property bool inboxShown: !covered && shell.selectedNav === "inbox"
@@ -36,6 +37,7 @@ FocusScope {
             shortcuts.item.open();
             break;
         case "search":
+        case "newMessage":
             shell.selectHub("inbox");
             screen.item.run(command);
             break;
@@ -50,6 +52,7 @@ FocusScope {
         }
     }
 
+    Binding { target: frame.inbox; property: "shown"; value: frame.shown && frame.inboxShown }
     Binding { target: frame.inbox; property: "onScreen"; value: frame.seen && frame.inboxShown }
     Binding { target: frame.settings; property: "visible"; value: frame.shell.settings }
 

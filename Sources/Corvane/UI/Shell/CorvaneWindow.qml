@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import QtQuick.Templates as T
 import Corvane
 
@@ -15,12 +16,55 @@ T.ApplicationWindow {
     required property QtObject approvals
     required property QtObject appearance
     required property QtObject layout
+    required property QtObject closingNotice
 
     title: content.title
     color: Theme.window
     font: Qt.application.font // fields would follow the desktop's font for editors
     minimumWidth: 1040
     minimumHeight: 660
+
+    onClosing: event => {
+        if (!window.closingNotice.due())
+            return;
+        event.accepted = false;
+        notice.open();
+    }
+    Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: window.profile.perform("quit")
+    }
+    Sheet {
+        id: notice
+        objectName: "closingNotice"
+        title: window.closingNotice.title
+        onOpened: window.closingNotice.said()
+
+        Label {
+            width: parent.width
+            wrapMode: Text.Wrap
+            lineHeight: 1.3
+            text: window.closingNotice.text
+            color: Theme.soft
+        }
+        buttons: [
+            Button {
+                objectName: "closingNotice.quit"
+                kind: "quiet"
+                text: window.closingNotice.quitLabel
+                onClicked: window.profile.perform("quit")
+            },
+            Button {
+                objectName: "closingNotice.close"
+                focus: true
+                text: window.closingNotice.closeLabel
+                onClicked: {
+                    notice.close();
+                    window.close();
+                }
+            }
+        ]
+    }
 
     Binding { target: Theme; property: "dark"; value: window.appearance.dark }
     Binding { target: Theme; property: "reducedMotion"; value: window.appearance.reducedMotion }
@@ -45,6 +89,7 @@ T.ApplicationWindow {
             approvals: window.approvals
             appearance: window.appearance
             layout: window.layout
+            shown: window.visible && window.visibility !== Window.Minimized
             seen: window.active
         }
     }

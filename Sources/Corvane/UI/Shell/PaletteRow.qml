@@ -7,6 +7,7 @@ T.AbstractButton {
     id: row
 
     required property int index
+    required property string id
     required property bool isAction
     required property string label
     required property string detail
@@ -42,7 +43,7 @@ T.AbstractButton {
             visible: row.isAction
             x: Theme.small + 6
             anchors.verticalCenter: parent.verticalCenter
-            name: visible ? "go-next" : ""
+            name: !visible ? "" : row.id === "action:search" ? "edit-find" : "go-next"
             color: row.highlighted ? Theme.accent : Theme.faint
         }
         Label {

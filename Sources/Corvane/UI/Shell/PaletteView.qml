@@ -39,7 +39,7 @@ T.Popup {
     contentItem: FocusScope {
         id: panel
         focus: true
-        implicitHeight: field.height + 1 + (lines.count ? lines.contentHeight + Theme.small * 2 : 72)
+        implicitHeight: field.height + 1 + lines.contentHeight + Theme.small * 2
         Accessible.role: Accessible.Dialog
         Accessible.name: qsTr("Search and commands")
 
@@ -53,7 +53,7 @@ T.Popup {
             verticalAlignment: TextInput.AlignVCenter
             font.pixelSize: Theme.title
             color: Theme.text
-            placeholderText: qsTr("Go to a person, or run an action")
+            placeholderText: qsTr("Go to a person, run an action, or search")
             placeholderTextColor: Theme.faint
             selectionColor: Theme.accent
             selectedTextColor: Theme.accentInk
@@ -112,12 +112,6 @@ T.Popup {
                 width: ListView.view.width
                 onClicked: popup.palette.run(index)
             }
-        }
-        Label {
-            anchors.centerIn: lines
-            visible: lines.count === 0
-            text: popup.palette.emptyText
-            color: Theme.soft
         }
     }
 }

@@ -23,12 +23,19 @@ T.AbstractButton {
         menu.popup(control, control.width - menu.width, control.height + Theme.tight);
     }
 
-    contentItem: Label {
-        horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
-        text: control.text
-        font.weight: Theme.strong
-        color: Theme.accent
+    contentItem: Item {
+        Label {
+            anchors.centerIn: parent
+            text: control.text
+            font.weight: Theme.strong
+            color: Theme.accent
+        }
+        Icon {
+            anchors.centerIn: parent
+            visible: control.text === ""
+            name: "user"
+            color: Theme.accent
+        }
     }
     background: Rectangle {
         radius: width / 2
@@ -51,6 +58,7 @@ T.AbstractButton {
             delegate: MenuItem {
                 required property var modelData
                 text: modelData.label
+                key: modelData.id === "quit" ? Keymap.keysOf("quit") : ""
                 onTriggered: control.profile.perform(modelData.id)
             }
             onObjectAdded: (index, item) => menu.addItem(item)

@@ -1,0 +1,57 @@
+import QtQuick
+import Corvane
+
+/// What can be done with one person of the list.
+Menu {
+    id: menu
+
+    required property QtObject inbox
+    property string contactId
+    property bool isUnread
+    property bool isMuted
+
+    objectName: "contactMenu"
+
+    /// At the pointer, or under the row where a key asked for it.
+    function show(row: ContactRow, under: Item) {
+        contactId = row.id;
+        isUnread = row.unread > 0;
+        isMuted = row.isMuted;
+        if (under)
+            popup(under, Theme.large, under.height);
+        else
+            popup();
+    }
+
+    MenuItem {
+        icon.name: "go-next"
+        text: qsTr("Open")
+        onTriggered: menu.inbox.select(menu.contactId)
+    }
+    MenuItem {
+        objectName: "contactMenu.read"
+        icon.name: "mail-mark-read"
+        text: menu.isUnread ? qsTr("Mark as read") : qsTr("Mark as unread")
+        key: Keymap.keysOf("unread")
+        onTriggered: menu.inbox.toggleRead(menu.contactId)
+    }
+    MenuItem {
+        icon.name: menu.isMuted ? "notifications" : "notifications-disabled"
+        text: menu.isMuted ? qsTr("Unmute") : qsTr("Mute")
+        key: Keymap.keysOf("mute")
+        onTriggered: menu.inbox.mute([menu.contactId])
+    }
+    MenuItem {
+        icon.name: menu.inbox.unarchives ? "mail-unarchive" : "mail-archive"
+        text: menu.inbox.archiveLabel
+        key: Keymap.keysOf("archive")
+        onTriggered: menu.inbox.archive([menu.contactId])
+    }
+    MenuSeparator {}
+    MenuItem {
+        icon.name: "select"
+        text: qsTr("Pick")
+        key: Keymap.keysOf("check")
+        onTriggered: menu.inbox.bulk.toggle(menu.contactId)
+    }
+}

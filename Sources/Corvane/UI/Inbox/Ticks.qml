@@ -1,0 +1,11 @@
+import QtQuick
+import Corvane
+
+/// How far a message got, as ticks; nothing where there are none to show.
+Icon {
+    required property string ticks
+
+    visible: name !== ""
+    name: ticks === "single" ? "tick" : ticks === "double" || ticks === "read" ? "tick-double" : ""
+    color: ticks === "read" ? Theme.accent : Theme.faint
+}
