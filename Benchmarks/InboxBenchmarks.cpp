@@ -140,7 +140,7 @@ void statementOfTheList(benchmark::State& state)
 void countsOfTheTabs(benchmark::State& state)
 {
     for (auto _ : state)
-        benchmark::DoNotOptimize(fetchInboxCounts(bench().db()));
+        benchmark::DoNotOptimize(fetchCountedPeople(bench().db()));
 }
 
 void arrowKey(benchmark::State& state)

@@ -22,10 +22,10 @@ namespace corvane::bench {
 
 namespace {
 
-Machine machine(const AppPaths& paths, Scheduler& scheduler)
+Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<ProcessLauncher> launcher)
 {
     Machine machine;
-    machine.launcher = makeProcessLauncher(scheduler);
+    machine.launcher = launcher ? std::move(launcher) : makeProcessLauncher(scheduler);
     machine.ports = std::make_unique<FakePortHolders>();
     machine.secrets = std::make_unique<FakeSecretStore>();
     machine.notifications = std::make_unique<FakeNotificationService>();
@@ -55,10 +55,11 @@ void withoutDisplay()
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-PlayedProgram::PlayedProgram(const QString& database)
+PlayedProgram::PlayedProgram(const QString& database, std::unique_ptr<ProcessLauncher> launcher)
     : paths(pathsIn(folder.path(), database))
-    , app(paths, scheduler, machine(paths, scheduler))
+    , app(paths, scheduler, machine(paths, scheduler, std::move(launcher)))
 {
+    window.window()->resize(1320, 820); // the screen in memory is small
 }
 
 }

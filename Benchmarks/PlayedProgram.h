@@ -3,6 +3,7 @@
 #include "Rivals.h"
 
 #include "Foundation/SystemScheduler.h"
+#include "Platform/ProcessLauncher.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "UI/MainWindow.h"
@@ -15,10 +16,10 @@ namespace corvane::bench {
 /// To be called before the application object: where there is no display the windows are drawn in memory.
 void withoutDisplay();
 
-/// The whole program in a folder of its own, on the real clock, with nobody signed in and no engine running.
+/// The whole program in a folder of its own, on the real clock, with nobody signed in and no engine running yet.
 struct PlayedProgram {
-    /// Over a copy of the database, or over an empty one.
-    explicit PlayedProgram(const QString& database = {});
+    /// Over a copy of the database, or over an empty one; its children are real where no launcher plays them.
+    explicit PlayedProgram(const QString& database = {}, std::unique_ptr<ProcessLauncher> launcher = nullptr);
 
     QTemporaryDir folder;
     AppPaths paths;

@@ -2,10 +2,13 @@
 #include "PlayedProgram.h"
 
 #include "Engines/EngineManager.h"
+#include "Engines/EngineSpec.h"
 #include "Inbox/Thread/ThreadView.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/PlayedLauncher.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -24,6 +27,14 @@ public:
             QStringLiteral("a-thousand"), QStringLiteral("Ana"), m_program.scheduler.nowMs());
         db.run("UPDATE unified_message SET conversation_id=?, ts=? - rowid / 1000 * 10800000 WHERE rowid % 1000 = 0;",
             { conversation, m_program.scheduler.nowMs() });
+        m_handles = db.rows("SELECT external_id FROM unified_conversation WHERE channel='WHATSAPP' AND "
+                            "account_id='main' ORDER BY last_ts DESC LIMIT 2000;",
+            {}, [](const SqlRow& row) { return row.text(0); });
+        QDir().mkpath(engineDir(m_program.paths));
+        Account account;
+        account.id = QUuid::createUuid();
+        account.slug = QStringLiteral("main");
+        m_program.app.engine().start(account);
         m_program.screens.content.continueWithoutSigningIn();
         m_program.window.show();
         m_program.screens.inbox.appear();
@@ -46,6 +57,43 @@ public:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
 
+    /// Shows the window as a person has it, or hides it, and waits until the list has come to rest.
+    void setShown(bool shown)
+    {
+        shown ? m_program.window.show() : m_program.window.hide();
+        rest();
+    }
+
+    /// Live messages to people who are known, one after the other from the newest ones down, as an engine prints
+    /// them; returns when they are stored and, where the window shows, on the screen.
+    void receive(int count)
+    {
+        QString chunk;
+        for (int i = 0; i < count; ++i) {
+            ++m_messages;
+            chunk += QStringLiteral(
+                "@@CORVANE@@{\"type\":\"message\",\"convExternalId\":\"%1\",\"providerMsgId\":\"W%2\","
+                "\"direction\":\"IN\",\"body\":\"See you tomorrow\",\"ts\":%3}\n")
+                         .arg(m_handles.at(m_messages * 7919 % m_handles.size()))
+                         .arg(m_messages)
+                         .arg(m_program.scheduler.nowMs());
+        }
+        EngineManager& engines = m_program.app.engine();
+        const qint64 target = engines.inboxRevision() + count;
+        m_engine->print(chunk);
+        while (engines.inboxRevision() < target)
+            QCoreApplication::processEvents();
+    }
+
+    /// Until what came is shown and counted.
+    void rest()
+    {
+        QElapsedTimer since;
+        since.start();
+        while (since.elapsed() < 1500)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    }
+
     int rows() { return m_program.screens.inbox.thread()->rows()->rowCount(); }
 
 private:
@@ -55,7 +103,11 @@ private:
         benchmark::DoNotOptimize(m_program.window.window()->grabWindow());
     }
 
-    PlayedProgram m_program { sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)) };
+    PlayedLauncher* m_engine = new PlayedLauncher;
+    PlayedProgram m_program { sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)),
+        std::unique_ptr<ProcessLauncher>(m_engine) };
+    QStringList m_handles;
+    int m_messages = 0;
 };
 
 const QString somebody = QStringLiteral("ct:WHATSAPP:a-thousand");
@@ -98,6 +150,43 @@ void openedContact(benchmark::State& state)
     }
 }
 
+/// So many messages to people of the list, and a second and a half for all that follows: rows, counts and picture.
+/// The processor's time is that of the main thread, without its waits for the disk; nothing at all is what the
+/// window costs anyway.
+void messages(benchmark::State& state, int count)
+{
+    bench().close();
+    bench().setShown(true);
+    for (auto _ : state) {
+        if (count > 0)
+            bench().receive(count);
+        bench().rest();
+    }
+}
+
+/// A burst of live messages, with the window open or without.
+void burst(benchmark::State& state, bool shown)
+{
+    bench().close();
+    bench().setShown(shown);
+    for (auto _ : state)
+        bench().receive(500);
+    state.SetItemsProcessed(state.iterations() * 500);
+    bench().setShown(true);
+}
+
+BENCHMARK_CAPTURE(messages, none, 0)->Name("window open, no message")->Unit(benchmark::kMillisecond)->Iterations(4);
+BENCHMARK_CAPTURE(messages, one, 1)->Name("window open, one message")->Unit(benchmark::kMillisecond)->Iterations(4);
+BENCHMARK_CAPTURE(burst, shown, true)
+    ->Name("500 messages/corvane")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(burst, hidden, false)
+    ->Name("500 messages/headless")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
 BENCHMARK(threadInMemory)->Name("thread of 1000 in the window")->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(openedContact)->Name("contact with 1000 messages/painted")->Unit(benchmark::kMillisecond);
 
