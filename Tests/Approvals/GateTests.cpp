@@ -124,6 +124,7 @@ public:
         if (const auto row = m_row(id); row && banner.actions.size() == 2)
             told.insert(id, contentOf(*row));
     }
+    void withdraw(const QVariantMap&) override { }
     void press(const QString& id, const QString& action)
     {
         m_handler({ { u"approvalKind"_s, u"draft"_s }, { u"approvalId"_s, id } }, action);

@@ -119,6 +119,10 @@ TEST_F(IngestTest, aLiveMessageBecomesRowsAnUnreadCountABannerAndARevision)
     EXPECT_EQ(world.engines.inboxRevision(), 1);
     EXPECT_EQ(world.engines.unreadTotal(), 1);
     EXPECT_EQ(world.desktop.badge, 1);
+    EXPECT_EQ(world.banners.withdrawn, QStringList());
+    markRead(world.engines.db(), ana);
+    world.engines.refreshUnreadBadge();
+    EXPECT_EQ(world.banners.withdrawn, QStringList(world.banners.shown.first().identifier));
 }
 
 TEST_F(IngestTest, aRepeatedMessageKeepsOneRowWithItsNewestBodyAndItsFirstOrigin)

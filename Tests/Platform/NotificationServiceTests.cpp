@@ -111,6 +111,23 @@ TEST_F(NotificationServiceTest, oneIdentifierIsOneBannerEvenWhileTheFirstIsOnIts
     EXPECT_EQ(daemon.received.constLast().replaces, 0U) << "a closed banner cannot be replaced";
 }
 
+TEST_F(NotificationServiceTest, aBannerIsTakenBackFromTheScreenAndFromItsWay)
+{
+    NotificationDaemon daemon(daemonBus);
+    show(banner("one"), daemon);
+    show(banner("two"), daemon);
+    service.withdraw({ { "key", "one" } });
+    privateBus.settle();
+    EXPECT_EQ(daemon.closed, QList<uint>({ 1 }));
+    service.show(banner("three"));
+    service.show(banner("three", "again"));
+    service.withdraw({ { "key", "three" } });
+    EXPECT_TRUE(await([&] { return daemon.closed.size() == 2; }));
+    privateBus.settle();
+    EXPECT_EQ(daemon.received.size(), 3) << "the second is not shown any more";
+    EXPECT_EQ(daemon.closed.last(), daemon.received.constLast().id);
+}
+
 TEST_F(NotificationServiceTest, aPressComesBackWithTheBannersUserInfo)
 {
     NotificationDaemon daemon(daemonBus);

@@ -11,6 +11,14 @@ public:
     void setResponseHandler(ResponseHandler handler) override { m_handler = std::move(handler); }
     void show(const Banner& banner) override { shown.append(banner); }
 
+    void withdraw(const QVariantMap& userInfo) override
+    {
+        for (const Banner& banner : shown) {
+            if (banner.userInfo == userInfo)
+                withdrawn.append(banner.identifier);
+        }
+    }
+
     bool hasHandler() const { return m_handler != nullptr; }
 
     /// Presses an action of a shown banner; an empty action is a click on the banner itself.
@@ -18,6 +26,7 @@ public:
 
     bool available = true;
     QList<Banner> shown;
+    QStringList withdrawn; ///< identifiers of shown banners
 
 private:
     ResponseHandler m_handler;

@@ -37,6 +37,7 @@ public:
     ~NotificationDaemon() override { m_bus.unregisterService("org.freedesktop.Notifications"); }
 
     QList<Received> received;
+    QList<uint> closed;
     QStringList capabilities;
 
 public Q_SLOTS:
@@ -47,6 +48,11 @@ public Q_SLOTS:
         const uint id = replaces != 0 ? replaces : ++m_lastId;
         received.append({ id, replaces, application, icon, summary, body, actions, hints, timeout });
         return id;
+    }
+    Q_SCRIPTABLE void CloseNotification(uint id)
+    {
+        closed.append(id);
+        Q_EMIT NotificationClosed(id, 3);
     }
 
 Q_SIGNALS:

@@ -4,6 +4,7 @@
 #include "Engines/EngineManagerState.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/Json.h"
+#include "Notifications/Notifier.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
 #include "Store/Messages/InboxQueries.h"
@@ -27,6 +28,15 @@ void removeFolder(const QString& path)
         QDir(path).removeRecursively();
 }
 
+/// A thread may be read anywhere: here, on the phone, by another program.
+void withdrawRead(LocalDB& db, Notifier& notifier)
+{
+    for (const QString& contact : QSet<QString>(notifier.contactsTold())) {
+        if (unreadOf(db, contact) == 0)
+            notifier.withdrawMessages(contact);
+    }
+}
+
 EventSource sourceOf(const QUuid& accountId, const std::optional<Account>& account)
 {
     if (account)
@@ -40,6 +50,7 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     : paths(surroundings.paths)
     , scheduler(surroundings.scheduler)
     , desktop(surroundings.desktop)
+    , notifier(surroundings.notifier)
     , db(std::move(database))
     , runtime([&manager](const QUuid& accountId) { Q_EMIT manager.runtimeChanged(accountId); })
     , processes(
@@ -212,6 +223,7 @@ void EngineManager::refreshUnreadBadge()
     if (std::exchange(m_unreadTotal, total) != total)
         Q_EMIT unreadTotalChanged();
     m_state->desktop.setBadge(total);
+    withdrawRead(*m_state->db, m_state->notifier);
 }
 
 void EngineManager::bump(const QString& contactId)

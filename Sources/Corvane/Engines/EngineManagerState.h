@@ -19,6 +19,7 @@ struct EngineManager::State {
     const AppPaths& paths;
     Scheduler& scheduler;
     Desktop& desktop;
+    Notifier& notifier;
     std::unique_ptr<LocalDB> db;
     RuntimeStates runtime;
     EngineProcesses processes;

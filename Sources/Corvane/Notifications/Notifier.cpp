@@ -102,7 +102,19 @@ void Notifier::notifyMessage(const QString& contactId, const QString& name, cons
     banner.subtitle = channelLabel(channel);
     banner.body = firstCharacters(body, bodyLength);
     banner.userInfo = { { contactIdKey, contactId } };
+    m_told.insert(contactId);
     m_service.show(banner);
+}
+
+void Notifier::withdrawMessages(const QString& contactId)
+{
+    if (m_told.remove(contactId))
+        m_service.withdraw({ { contactIdKey, contactId } });
+}
+
+void Notifier::withdrawApproval(const QString& kind, const QString& id)
+{
+    m_service.withdraw({ { approvalKindKey, kind }, { approvalIdKey, id } });
 }
 
 void Notifier::notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QVariantMap>
 #include <functional>
@@ -29,9 +30,13 @@ public:
     bool wouldNotify(const QString& contactId) const;
     void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
 
+    const QSet<QString>& contactsTold() const { return m_told; } ///< whose banners may still be on the screen
+    void withdrawMessages(const QString& contactId); ///< their thread was read
+
     /// A second banner for the same item takes the place of the first. `kind` is "draft", "draft_failed", "proposal" or
     /// "decision"; one of kind "approval" only tells something and has no buttons.
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
+    void withdrawApproval(const QString& kind, const QString& id); ///< it was decided
 
 private:
     bool enabled() const; ///< the user default "notifyOnNewMessage"; a missing key counts as true
@@ -43,6 +48,7 @@ private:
     Scheduler& m_scheduler;
     std::function<void()> m_activate;
     QHash<QString, qint64> m_lastFire; ///< contact id to the time of its last banner, in milliseconds
+    QSet<QString> m_told;
 };
 
 }

@@ -36,6 +36,9 @@ public:
     virtual bool isAvailable() const = 0;
     virtual void setResponseHandler(ResponseHandler handler) = 0; ///< called on the main thread
     virtual void show(const Banner& banner) = 0;
+
+    /// Takes back each banner of that user info, whether it is on the screen, in the desktop's list or on its way.
+    virtual void withdraw(const QVariantMap& userInfo) = 0;
 };
 
 }

@@ -184,6 +184,13 @@ ORDER BY m.ts DESC LIMIT ?;)",
         });
 }
 
+std::optional<int> unreadOf(LocalDB& db, const QString& contactId)
+{
+    const auto total = db.scalar(
+        "SELECT SUM(unread) FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL;", { contactId });
+    return total ? std::optional(total->toInt()) : std::nullopt;
+}
+
 int totalUnread(LocalDB& db)
 {
     const auto total = db.scalar("SELECT COALESCE(SUM(unread),0) FROM unified_conversation WHERE workspace_id=? AND "

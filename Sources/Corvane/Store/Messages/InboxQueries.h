@@ -78,6 +78,7 @@ QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& co
 /// Messages and transcripts that contain the text, newest first, over all workspaces.
 QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
 
+std::optional<int> unreadOf(LocalDB& db, const QString& contactId); ///< nothing where nobody of that id has written
 int totalUnread(LocalDB& db);
 void markRead(LocalDB& db, const QString& contactId);
 void markAllRead(LocalDB& db);

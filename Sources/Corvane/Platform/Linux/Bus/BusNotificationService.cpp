@@ -73,6 +73,28 @@ void BusNotificationService::show(const Banner& banner)
         askDaemon();
 }
 
+void BusNotificationService::withdraw(const QVariantMap& userInfo)
+{
+    m_waiting.removeIf([&](const Banner& banner) { return banner.userInfo == userInfo; });
+    m_shown.removeIf([&](std::pair<const QString&, Shown&> entry) {
+        Shown& shown = entry.second;
+        if (shown.userInfo != userInfo)
+            return false;
+        if (shown.sending) {
+            shown.withdrawn = true;
+            shown.next.reset();
+            return false;
+        }
+        close(shown.id);
+        return true;
+    });
+}
+
+void BusNotificationService::close(uint id)
+{
+    callAsync(m_bus, daemon.method(QStringLiteral("CloseNotification"), { id }), this, [](const QDBusMessage&) { });
+}
+
 void BusNotificationService::askDaemon()
 {
     m_daemon = Daemon::Asked;
@@ -94,6 +116,7 @@ void BusNotificationService::send(const Banner& banner)
     Shown& shown = m_shown[banner.identifier];
     if (shown.sending) {
         shown.next = banner;
+        shown.withdrawn = false;
         return;
     }
     shown.sending = true;
@@ -109,6 +132,11 @@ void BusNotificationService::onSent(const QString& identifier, const QDBusMessag
 {
     const uint id = firstValue(reply).toUInt();
     if (id == 0) {
+        m_shown.remove(identifier);
+        return;
+    }
+    if (m_shown.value(identifier).withdrawn) {
+        close(id);
         m_shown.remove(identifier);
         return;
     }

@@ -19,6 +19,7 @@ public:
     bool isAvailable() const override;
     void setResponseHandler(ResponseHandler handler) override;
     void show(const Banner& banner) override;
+    void withdraw(const QVariantMap& userInfo) override;
 
 private Q_SLOTS:
     void onActionInvoked(uint id, const QString& action);
@@ -30,12 +31,14 @@ private:
     struct Shown {
         uint id = 0; ///< 0 until the daemon has given one
         bool sending = false;
+        bool withdrawn = false; ///< while it was on its way
         QVariantMap userInfo;
         std::optional<Banner> next; ///< came while an earlier one of its identifier was on its way
     };
 
     void askDaemon();
     void send(const Banner& banner);
+    void close(uint id);
     void onSent(const QString& identifier, const QDBusMessage& reply);
     void forgetDaemon();
     QHash<QString, Shown>::iterator findShown(uint id);
