@@ -4,6 +4,13 @@
 
 namespace corvane {
 
+namespace {
+
+constexpr Milliseconds holdTime { 2000 };
+constexpr int heldRole = Qt::UserRole - 1;
+
+}
+
 GadgetListModel::GadgetListModel(const QMetaObject& gadget, QObject* parent)
     : QAbstractListModel(parent)
     , m_gadget(gadget)
@@ -23,6 +30,68 @@ QVariant GadgetListModel::data(const QModelIndex& index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role < Qt::UserRole)
         return {};
     return m_gadget.property(role - Qt::UserRole).readOnGadget(gadgetAt(index.row()));
+}
+
+HoldingListModel::HoldingListModel(const QMetaObject& gadget, Scheduler* scheduler, QObject* parent)
+    : GadgetListModel(gadget, parent)
+    , m_scheduler(scheduler)
+{
+}
+
+HoldingListModel::~HoldingListModel() = default;
+
+QHash<int, QByteArray> HoldingListModel::roleNames() const
+{
+    QHash<int, QByteArray> names = GadgetListModel::roleNames();
+    names.insert(heldRole, "held");
+    return names;
+}
+
+QVariant HoldingListModel::data(const QModelIndex& index, int role) const
+{
+    if (role == heldRole && checkIndex(index, CheckIndexOption::IndexIsValid))
+        return isHeld(keyAt(index.row()));
+    return GadgetListModel::data(index, role);
+}
+
+void HoldingListModel::setPointerInside(bool inside)
+{
+    if (inside == m_pointerInside)
+        return;
+    m_pointerInside = inside;
+    Q_EMIT pointerInsideChanged();
+    if (!inside && !m_held.isEmpty())
+        release();
+}
+
+void HoldingListModel::hold(const QString& key)
+{
+    if (!m_scheduler)
+        return;
+    m_actedOn.insert(key);
+    if (!m_held.isEmpty())
+        startRelease(); // whoever goes on pressing finds the buttons where they were
+}
+
+bool HoldingListModel::keep(const QString& key)
+{
+    if (m_held.contains(key))
+        return false;
+    m_held.insert(key);
+    startRelease();
+    return true;
+}
+
+void HoldingListModel::forgetHeld()
+{
+    m_actedOn.subtract(m_held);
+    m_held.clear();
+    m_release.reset();
+}
+
+void HoldingListModel::startRelease()
+{
+    m_release = m_scheduler->after(holdTime, [this] { release(); });
 }
 
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Foundation/Scheduler.h"
 #include "Presentation/ListEdits.h"
 
 #include <QAbstractListModel>
+#include <QSet>
 
 namespace corvane {
 
@@ -27,20 +29,72 @@ private:
     const QMetaObject& m_gadget;
 };
 
+/// One whose rows keep their place after a person acted on them and they are gone, with the role "held", until the
+/// pointer leaves the list or two seconds pass: so no other row's button comes under the pointer.
+class HoldingListModel : public GadgetListModel {
+    Q_OBJECT
+    Q_PROPERTY(bool pointerInside READ pointerInside WRITE setPointerInside NOTIFY pointerInsideChanged)
+public:
+    /// Without a scheduler no row is held.
+    HoldingListModel(const QMetaObject& gadget, Scheduler* scheduler, QObject* parent = nullptr);
+    ~HoldingListModel() override;
+
+    QHash<int, QByteArray> roleNames() const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+
+    /// The list that shows the rows tells whether the pointer is over it.
+    bool pointerInside() const { return m_pointerInside; }
+    void setPointerInside(bool inside);
+
+    void hold(const QString& key); ///< a person acted on that row
+
+Q_SIGNALS:
+    void pointerInsideChanged();
+
+protected:
+    virtual QString keyAt(int row) const = 0;
+    virtual void release() = 0; ///< shows the rows as they are
+
+    bool mayHold() const { return m_pointerInside && !m_actedOn.isEmpty(); }
+    bool mayHold(const QString& key) const { return m_pointerInside && m_actedOn.contains(key); }
+    bool isHeld(const QString& key) const { return m_held.contains(key); }
+    bool keep(const QString& key); ///< true at the first time since the row is gone
+    void comesBack(const QString& key) { m_held.remove(key); }
+    void forgetHeld();
+
+private:
+    void startRelease();
+
+    Scheduler* m_scheduler;
+    bool m_pointerInside = false;
+    QSet<QString> m_actedOn;
+    QSet<QString> m_held; ///< gone, and shown all the same
+    std::unique_ptr<Timer> m_release;
+};
+
 /// Rows that are replaced as a whole and shown by their differences: only what changed is removed, inserted,
 /// moved or redrawn. `Row` is a gadget with `key()` and `operator==`.
-template <typename Row> class RowListModel final : public GadgetListModel {
+template <typename Row> class RowListModel final : public HoldingListModel {
 public:
     explicit RowListModel(QObject* parent = nullptr)
-        : GadgetListModel(Row::staticMetaObject, parent)
+        : HoldingListModel(Row::staticMetaObject, nullptr, parent)
+    {
+    }
+
+    /// One that holds rows; the scheduler outlives it.
+    explicit RowListModel(Scheduler& scheduler, QObject* parent = nullptr)
+        : HoldingListModel(Row::staticMetaObject, &scheduler, parent)
     {
     }
 
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : int(m_rows.size()); }
     const QList<Row>& rows() const { return m_rows; }
 
-    void assign(const QList<Row>& rows)
+    /// `leave` changes a row that is gone to what it says while it is held.
+    void assign(const QList<Row>& given, const std::function<void(Row&)>& leave = {})
     {
+        m_given = given;
+        const QList<Row> rows = withHeld(given, leave);
         const qsizetype oldSize = m_rows.size();
         for (const ListEdit& edit : listEdits(keys(m_rows), keys(rows)))
             apply(edit, rows);
@@ -51,8 +105,40 @@ public:
 
 protected:
     const void* gadgetAt(int row) const override { return &m_rows.at(row); }
+    QString keyAt(int row) const override { return m_rows.at(row).key(); }
+    void release() override
+    {
+        forgetHeld();
+        assign(QList<Row>(m_given));
+    }
 
 private:
+    /// The rows that are held stand behind the row that they stood behind.
+    QList<Row> withHeld(QList<Row> rows, const std::function<void(Row&)>& leave)
+    {
+        if (!mayHold())
+            return rows;
+        QHash<QString, qsizetype> places;
+        for (qsizetype i = 0; i < rows.size(); ++i)
+            places.insert(rows.at(i).key(), i);
+        qsizetype inserted = 0;
+        qsizetype next = 0;
+        for (const Row& shown : std::as_const(m_rows)) {
+            const auto place = places.constFind(shown.key());
+            if (place != places.cend()) {
+                comesBack(shown.key());
+                next = *place + inserted + 1;
+            } else if (mayHold(shown.key())) {
+                Row kept = shown;
+                if (keep(kept.key()) && leave)
+                    leave(kept);
+                rows.insert(next++, kept);
+                ++inserted;
+            }
+        }
+        return rows;
+    }
+
     static QStringList keys(const QList<Row>& rows)
     {
         QStringList keys;
@@ -89,14 +175,15 @@ private:
     void updateChanged(const QList<Row>& rows)
     {
         for (int i = 0; i < int(rows.size()); ++i) {
-            if (m_rows.at(i) == rows.at(i))
+            if (m_rows.at(i) == rows.at(i) && !isHeld(rows.at(i).key()))
                 continue;
             m_rows[i] = rows.at(i);
             Q_EMIT dataChanged(index(i), index(i));
         }
     }
 
-    QList<Row> m_rows;
+    QList<Row> m_rows; ///< as shown
+    QList<Row> m_given;
 };
 
 }
