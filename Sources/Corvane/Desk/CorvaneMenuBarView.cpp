@@ -151,14 +151,15 @@ void CorvaneMenuBarView::readDay()
         line("approvals", m_at.approvals.waitingText(), "approvals"),
         line("hub-inbox", QStringLiteral("%1 unread messages").arg(m_at.engine.unreadTotal()), "inbox"),
         line("hub-ops", QStringLiteral("%1 open work items").arg(day.openWorkItems), "ops"),
-        line("view-calendar", meetingsText(day), "window"),
-        line("hub-dev", agentsText(day), "dev"),
-        line("link",
-            engines == 1 ? QStringLiteral("1 engine running") : QStringLiteral("%1 engines running").arg(engines),
-            "settings"),
     };
+    if (hasCalendar(m_at.engine.db()))
+        m_today.append(line("view-calendar", meetingsText(day), "window"));
+    m_today.append(line("hub-dev", agentsText(day), "dev"));
     if (day.latestUpdate)
-        m_today.insert(5, line("note", *day.latestUpdate, "ops"));
+        m_today.append(line("note", *day.latestUpdate, "ops"));
+    m_today.append(line("link",
+        engines == 1 ? QStringLiteral("1 engine running") : QStringLiteral("%1 engines running").arg(engines),
+        "settings"));
     m_glance.clear();
     for (const InboxGlanceRow& row : fetchInboxGlance(m_at.engine.db(), glanceRows))
         m_glance.append(QVariantMap { { QStringLiteral("contactId"), row.contactId },

@@ -27,6 +27,11 @@ WHERE start_ms >= ? AND start_ms < ? AND all_day=0 ORDER BY start_ms ASC LIMIT 1
     return digest;
 }
 
+bool hasCalendar(LocalDB& db)
+{
+    return db.scalar("SELECT 1 FROM calendar_event LIMIT 1;").has_value();
+}
+
 QList<InboxGlanceRow> fetchInboxGlance(LocalDB& db, int limit)
 {
     // The few rows first, and only then what each of them says.

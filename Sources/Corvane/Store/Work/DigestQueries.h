@@ -18,6 +18,8 @@ struct TodayDigest {
 /// The day is [dayStartMs, dayEndMs), and `dayStartISO` the same start as `isoTime` writes it.
 TodayDigest todayDigest(LocalDB& db, qint64 dayStartMs, qint64 dayEndMs, const QString& dayStartISO);
 
+bool hasCalendar(LocalDB& db); ///< some calendar was mirrored: a day without meetings says something
+
 struct InboxGlanceRow {
     QString conversationId;
     QString contactId; ///< empty where the conversation has no contact
