@@ -2,6 +2,7 @@
 // models and a database that the demonstration engines filled through the real supervisor. The clock stands
 // still, so that each run draws the same.
 
+#include "gallery-approvals.h"
 #include "gallery-machine.h"
 
 #include "Approvals/ApprovalsStore.h"
@@ -156,7 +157,7 @@ private:
             queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
         m_app.engine().refreshDrafts();
         for (const PendingDraft& draft : m_app.engine().pendingDrafts())
-            m_screens.inbox.drafts()->askToConfirm(draft.id);
+            m_screens.drafts.askToConfirm(draft.id);
         wait(Milliseconds(200));
     }
 
@@ -209,7 +210,8 @@ void Gallery::inboxScreens()
     queueReply(u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
     inbox.composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
     save(u"inbox-draft"_s, { Look::Light, Look::Dark });
-    inbox.drafts()->reject(inbox.drafts()->confirmDraft());
+    (void)rejectDraft(m_app.engine().db(), m_screens.drafts.confirmDraft());
+    m_app.engine().refreshDrafts();
     inbox.composer()->setText({});
     inbox.composeSheet()->open();
     save(u"inbox-new-message"_s, { Look::Light, Look::Dark });
@@ -359,34 +361,14 @@ void Gallery::approvalScreens()
     m_screens.shell.openApprovals();
     look();
     save(u"approvals-empty"_s, { Look::Light, Look::Dark });
+    m_screens.approvals.log()->setShown(true);
+    wait(Milliseconds(200));
+    save(u"approvals-nothing-decided"_s, { Look::Light });
+    m_screens.approvals.log()->setShown(false);
     m_screens.panel.setTab(u"approvals"_s);
     savePanel(u"panel-approvals-empty"_s, { Look::Light });
 
-    const auto draft = [&](const QString& name, const QString& text) {
-        const auto conversation
-            = db.scalar(u"SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL LIMIT 1;"_s,
-                { contactNamed(name) });
-        queueDraft(db, conversation.value_or(QString()), text, u"mcp"_s);
-    };
-    draft(u"Megan Price"_s, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
-    draft(u"Hannah Fischer"_s,
-        u"Dear Hannah,\n\nthank you for the drawings. The glaze you chose needs a test tile first; I can have two of "
-        u"them ready by Tuesday, one on the dark clay and one on the white.\n\nIf you would rather decide in the "
-        u"studio, we open at ten. There is coffee, and the kiln is still warm.\n\nThe price would stay as it is in "
-        u"the offer, and delivery takes four weeks from your yes.\n\nBest wishes\nMarta"_s);
-    db.run(u"UPDATE outbound_draft SET status='failed', error='The phone is not connected.' WHERE status='pending' AND "
-           u"body LIKE 'Dear Hannah%';"_s);
-    db.run(
-        uR"(INSERT INTO crm_update_proposal(id, workspace_id, contact_id, kind, title, payload_json, status, created_at, updated_at)
-VALUES('p1','local',?,'task','Follow up on the offer','{"title":"Ask Hannah whether the test tiles are right"}','pending',1,1),
-('p2','local',?,'note','Note from the call','{"body":"Prefers the matte celadon; the order is for the restaurant, forty plates."}','pending',0,0);)"_s,
-        { contactNamed(u"Hannah Fischer"_s), contactNamed(u"Megan Price"_s) });
-    db.run(uR"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
-VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arcillas del Sur for invoice 2025-311.','It is due on Monday, and the amount matches the order.','money','1','5'),
-('w2','dev','Renew the shop token','proposed','Replace the token of the web shop before it runs out.','The present one ends in three days.','credential','1','4'),
-('w3','gtm','Write to the gallery in Porto','proposed','Send the new catalogue to the three galleries that asked in spring.','','external','1','3'),
-('w4','dev','Delete the old photo backups','proposed','Remove 38 GB of copies that exist twice.','Every file was compared.','high','1','2'),
-('w5','cx','Answer reviews once a week','proposed','Collect them on Fridays.','','routine','1','1');)"_s);
+    letItemsWait(db, contactNamed(u"Megan Price"_s), contactNamed(u"Hannah Fischer"_s));
     look();
     save(u"approvals-filled"_s, { Look::Light, Look::Dark, Look::LightSmall });
     savePanel(u"panel-approvals"_s, { Look::Light, Look::Dark });
@@ -395,16 +377,26 @@ VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arc
     wait(Milliseconds(200));
     save(u"approvals-armed"_s, { Look::Light, Look::Dark });
     m_screens.approvals.undo(first);
+    m_screens.approvals.approve(u"decision:w1"_s);
+    wait(Milliseconds(200));
+    save(u"approvals-asked"_s, { Look::Light, Look::Dark });
+    m_screens.approvals.stepBack();
     m_screens.approvals.edit(first);
     wait(Milliseconds(200));
     save(u"approvals-edited"_s, { Look::Light });
-    m_screens.approvals.cancelEdit();
+    m_screens.approvals.editor()->close();
     m_screens.panel.setTab(u"now"_s);
     savePanel(u"panel-now"_s, { Look::Light, Look::Dark });
     m_screens.shell.openSettings();
     m_screens.settings.setSection(u"approvals"_s);
     save(u"settings-approvals-waiting"_s, { Look::Light, Look::Dark });
     m_screens.settings.setSection(u"accounts"_s);
+    decideSome(m_app.engine());
+    m_screens.shell.openApprovals();
+    m_screens.approvals.log()->setShown(true);
+    wait(Milliseconds(200));
+    save(u"approvals-decided"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    m_screens.approvals.log()->setShown(false);
     m_screens.shell.closeApprovals();
     db.run(u"DELETE FROM outbound_draft WHERE status IN ('pending','failed');"_s);
     db.run(u"DELETE FROM crm_update_proposal WHERE status='pending';"_s);

@@ -170,15 +170,15 @@ TEST_F(ApprovalFlow, whatAgentsLeaveIsAnnouncedDecidedSentAndAcknowledged)
     EXPECT_EQ(approvals.drafts().size(), 1);
 
     // Undo within the five seconds: nothing leaves.
-    approvals.approveDraft(draft, seconds(5));
+    approvals.decide(draftKey(draft), Verdict::Approve, seconds(5));
     clock.advance(Milliseconds(4999));
-    approvals.undo(draft);
+    approvals.undo(draftKey(draft));
     clock.advance(seconds(60));
     EXPECT_EQ(draftStatus(draft), u"pending"_s);
     EXPECT_FALSE(isSent(u"It is ready on Thursday."_s));
 
     // Without it the engine gets the text and acknowledges it.
-    approvals.approveDraft(draft, seconds(5));
+    approvals.decide(draftKey(draft), Verdict::Approve, seconds(5));
     clock.advance(Milliseconds(4999));
     EXPECT_EQ(draftStatus(draft), u"pending"_s);
     clock.advance(Milliseconds(1));

@@ -81,6 +81,8 @@ protected:
         return texts;
     }
 
+    void approve(const QString& id) { store.decide(draftKey(id), Verdict::Approve, seconds(5)); }
+
     void poll() { world.clock.advance(seconds(5)); }
 
     LogCapture logs;
@@ -89,9 +91,6 @@ protected:
     std::unique_ptr<CallRecorder> calls = std::make_unique<CallRecorder>(world.engines.db());
     ApprovalsStore store { world.centre, world.notifier, world.clock };
 };
-
-const auto notApproved = u"Couldn't approve|Couldn't approve — engine not ready, try again"_s;
-const auto notRejected = u"Couldn't reject|Couldn't reject — engine not ready, try again"_s;
 
 }
 
@@ -128,24 +127,24 @@ TEST_F(ApprovalsTest, aRejectionOrAnEditInsideTheWindowEndsIt)
     attach();
     const QString id = queue(u"hello"_s);
     world.engines.refreshDrafts();
-    store.approveDraft(id, seconds(5));
+    approve(id);
     const qsizetype timers = world.clock.pendingTimers();
-    store.approveDraft(id, seconds(5));
+    approve(id);
     EXPECT_EQ(world.clock.pendingTimers(), timers) << "pressed twice is one window";
     press(u"draft"_s, id, u"reject"_s);
-    EXPECT_TRUE(store.armedDrafts().isEmpty());
+    EXPECT_FALSE(store.armed(draftKey(id)));
     poll();
     EXPECT_EQ(status(id), u"rejected"_s);
     EXPECT_EQ(sent(), QStringList());
 
     const QString second = queue(u"  "_s);
-    store.saveDraftBody(second, u" \n "_s);
+    EXPECT_FALSE(store.saveDraftBody(second, u" \n "_s));
     EXPECT_EQ(fetchDraft(db(), second)->body, u"  "_s);
-    store.approveDraft(second, seconds(5));
-    store.saveDraftBody(second, u" by hand\n"_s);
+    approve(second);
+    EXPECT_TRUE(store.saveDraftBody(second, u" by hand\n"_s));
     poll();
     EXPECT_EQ(status(second), u"pending"_s) << "an edit is a new text, to be approved anew";
-    store.approveDraft(second, seconds(5));
+    approve(second);
     world.clock.advance(seconds(5));
     EXPECT_EQ(sent(), QStringList(u"by hand"_s));
 }
@@ -158,7 +157,7 @@ TEST_F(ApprovalsTest, whatWasShownIsWhatIsApproved)
     ASSERT_EQ(world.banners.shown.size(), 1);
     const Banner first = world.banners.shown.takeFirst();
     // In the panel: another process changes the text inside the window.
-    store.approveDraft(id, seconds(5));
+    approve(id);
     updateDraftBody(db(), id, u"changed"_s);
     poll();
     EXPECT_EQ(sent(), QStringList());
@@ -193,7 +192,7 @@ TEST_F(ApprovalsTest, eachKindIsDecidedFromItsNotification)
 {
     attach();
     for (const QString& id : { u"d1"_s, u"d2"_s })
-        writeDecision(db(), id, u"Pay"_s, u"100"_s, {}, u"money"_s);
+        writeDecision(db(), id, u"Pay"_s, u"100"_s, {}, u"low"_s);
     for (const QString& id : { u"p1"_s, u"p2"_s, u"p3"_s })
         writeProposal(db(), id, u"task"_s, u"Call"_s, u"{}"_s);
     writeProposal(db(), u"p4"_s, u"note"_s, u"Note"_s, u"{}"_s);
@@ -219,20 +218,88 @@ TEST_F(ApprovalsTest, eachKindIsDecidedFromItsNotification)
     EXPECT_EQ(world.cell(u"SELECT title FROM crm_task;"_s), u"Call"_s);
     EXPECT_EQ(announced(), QStringList());
 
-    // Gone, or not to be done: the stated words, and nothing else.
-    db().exec(u"DELETE FROM crm_update_proposal WHERE id='p3'; DELETE FROM work_decision;"_s);
+    // Gone, or not to be done: what happened, and nothing else.
+    db().exec(u"DELETE FROM crm_update_proposal WHERE id='p3'; DELETE FROM work_decision WHERE id='d1';"_s);
     press(u"proposal"_s, u"p3"_s, u"approve"_s);
-    EXPECT_EQ(notice(), notApproved);
+    EXPECT_EQ(notice(), u"Couldn't approve|Call: It is no longer there."_s);
     press(u"proposal"_s, u"p4"_s, u"approve"_s);
-    EXPECT_EQ(notice(), notApproved);
+    EXPECT_EQ(notice(), u"Couldn't approve|Note: No contact linked. Open CRM and link this call first."_s);
     press(u"decision"_s, u"d1"_s, u"reject"_s);
-    EXPECT_EQ(notice(), notRejected);
+    EXPECT_EQ(notice(), u"Couldn't reject|It is no longer there."_s);
+    press(u"decision"_s, u"d2"_s, u"approve"_s);
+    EXPECT_EQ(notice(), u"Couldn't approve|Pay: Already rejected elsewhere."_s);
     press(u"draft"_s, u"od:nobody"_s, u"approve"_s);
-    EXPECT_EQ(notice(), notApproved);
+    EXPECT_EQ(notice(), u"Couldn't approve|It is no longer there."_s);
     press(u"draft"_s, id, u"reject"_s);
-    EXPECT_EQ(notice(), notRejected) << "it is at its engine";
+    EXPECT_EQ(notice(), u"Couldn't reject|Ana: Already approved elsewhere."_s) << "it is at its engine";
     EXPECT_EQ(status(id), u"sending"_s);
     EXPECT_EQ(sent().size(), 1);
+}
+
+TEST_F(ApprovalsTest, everyVerdictCanBeUndoneForFiveSecondsAndIsWrittenAfterThem)
+{
+    attach();
+    writeDecision(db(), u"d1"_s, u"Deploy"_s, u"now"_s, {}, u"low"_s);
+    writeDecision(db(), u"d2"_s, u"Deploy"_s, u"now"_s, {}, u"low"_s);
+    writeProposal(db(), u"p1"_s, u"task"_s, u"Call"_s, u"{}"_s);
+    writeProposal(db(), u"p2"_s, u"task"_s, u"Call"_s, u"{}"_s);
+    const QString draft = queue(u"hello"_s);
+    poll();
+    const QList<std::pair<ApprovalKey, Verdict>> verdicts {
+        { draftKey(draft), Verdict::Reject },
+        { { ApprovalKind::Proposal, u"p1"_s }, Verdict::Approve },
+        { { ApprovalKind::Proposal, u"p2"_s }, Verdict::Reject },
+        { { ApprovalKind::Decision, u"d1"_s }, Verdict::Approve },
+        { { ApprovalKind::Decision, u"d2"_s }, Verdict::Reject },
+    };
+    const auto written = [&] {
+        return world.cell(
+            u"SELECT group_concat(status) FROM (SELECT status FROM outbound_draft UNION ALL SELECT status "
+            "FROM (SELECT status FROM crm_update_proposal ORDER BY id) UNION ALL SELECT status FROM "
+            "(SELECT status FROM work_decision ORDER BY id));"_s);
+    };
+    const QString untouched = written();
+    for (const auto& [key, verdict] : verdicts)
+        store.decide(key, verdict, seconds(5));
+    EXPECT_EQ(waitingForDecision(store), 0);
+    world.clock.advance(Milliseconds(4999));
+    EXPECT_EQ(store.secondsLeft(verdicts.first().first), 1);
+    EXPECT_EQ(written(), untouched);
+    for (const auto& [key, verdict] : verdicts)
+        store.undo(key);
+    world.clock.advance(seconds(60));
+    EXPECT_EQ(written(), untouched);
+    EXPECT_EQ(waitingForDecision(store), 5);
+
+    for (const auto& [key, verdict] : verdicts)
+        store.decide(key, verdict, seconds(5));
+    // Meanwhile other programs: one is decided already, one says something else.
+    db().exec(u"UPDATE work_decision SET status='approved' WHERE id='d1'; UPDATE crm_update_proposal SET title='Wire' "
+              "WHERE id='p1';"_s);
+    world.clock.advance(Milliseconds(4999));
+    (void)announced();
+    world.clock.advance(Milliseconds(1));
+    EXPECT_EQ(written(), u"rejected,pending,rejected,approved,rejected"_s);
+    EXPECT_EQ(store.notice(), u"Deploy: Already approved elsewhere."_s);
+    EXPECT_EQ(announced(), QStringList(u"proposal p1: Wire"_s)) << "the person is asked again";
+}
+
+TEST_F(ApprovalsTest, aBannersApproveOfARiskyDecisionOnlyOpensTheQuestion)
+{
+    attach();
+    for (const QString& risk : { u"money"_s, u"Weird"_s, u"low"_s, u"None"_s, QString() })
+        writeDecision(db(), u"d-"_s + risk, u"Pay"_s, u"100 EUR"_s, {}, risk);
+    poll();
+    QStringList asked;
+    QObject::connect(
+        &store, &ApprovalsStore::confirmationRequested, &store, [&](const QString& key) { asked.append(key); });
+    for (const Banner& banner : std::exchange(world.banners.shown, {}))
+        world.banners.press(banner, u"NIMB_APPROVE"_s);
+    asked.sort();
+    EXPECT_EQ(asked, QStringList({ u"decision:d-Weird"_s, u"decision:d-money"_s }));
+    EXPECT_EQ(world.cell(u"SELECT COUNT(*) FROM work_decision WHERE status='approved';"_s), u"3"_s);
+    press(u"decision"_s, u"d-money"_s, u"reject"_s);
+    EXPECT_EQ(status(u"d-money"_s, u"work_decision"_s), u"rejected"_s);
 }
 
 TEST(Approvals, withoutEngineAndRecorderAPressOnlySaysSo)
@@ -247,20 +314,18 @@ TEST(Approvals, withoutEngineAndRecorderAPressOnlySaysSo)
         store.attach(engines, calls);
     }
     store.refresh();
-    store.saveDraftBody(u"a"_s, u"text"_s);
-    store.approveDraft(u"a"_s, seconds(5));
+    EXPECT_FALSE(store.saveDraftBody(u"a"_s, u"text"_s));
+    for (const ApprovalKind kind : { ApprovalKind::Draft, ApprovalKind::Proposal, ApprovalKind::Decision }) {
+        store.decide({ kind, u"a"_s }, Verdict::Approve, seconds(5));
+        store.decide({ kind, u"b"_s }, Verdict::Reject, seconds(5));
+    }
     EXPECT_TRUE(world->banners.shown.isEmpty());
     world->clock.advance(seconds(5));
-    store.applyProposal(u"a"_s);
-    store.approveDecision(u"a"_s);
-    store.rejectDraft(u"a"_s);
-    store.rejectProposal(u"a"_s);
-    store.rejectDecision(u"a"_s);
     QStringList titles;
     for (const Banner& banner : world->banners.shown)
         titles.append(banner.title);
     EXPECT_EQ(titles.join(u','),
-        u"Couldn't approve,Couldn't approve,Couldn't approve,Couldn't reject,Couldn't reject,Couldn't reject"_s);
+        u"Couldn't approve,Couldn't reject,Couldn't approve,Couldn't reject,Couldn't approve,Couldn't reject"_s);
     EXPECT_EQ(world->banners.shown.first().body, u"Couldn't approve — engine not ready, try again"_s);
     EXPECT_TRUE(store.drafts().isEmpty() && store.proposals().isEmpty());
 }

@@ -346,7 +346,7 @@ protected:
         const QList<PendingDraft>& shown = copy.approvals.drafts();
         const auto listed = std::ranges::find(shown, id, &PendingDraft::id);
         const auto seen = listed != shown.end() ? std::optional(*listed) : row(id);
-        const bool armedHere = copy.approvals.armedDrafts().contains(id);
+        const bool armedHere = copy.approvals.armed(draftKey(id)).has_value();
         const auto disarm = [&] {
             draft.armed.removeIf([&](const Draft::Armed& armed) { return armed.copy == which; });
         };
@@ -356,20 +356,21 @@ protected:
             copy.approvals.refresh();
         } else if (what < 30 && seen) {
             lastDueMs = std::max(lastDueMs, world.clock.nowMs()) + 1;
-            copy.approvals.approveDraft(id, Milliseconds(lastDueMs - world.clock.nowMs()));
+            copy.approvals.decide(draftKey(id), Verdict::Approve, Milliseconds(lastDueMs - world.clock.nowMs()));
             if (!armedHere)
                 draft.armed.append({ which, lastDueMs, contentOf(*seen) });
         } else if (what < 33) {
             disarm();
-            copy.approvals.undo(id);
+            copy.approvals.undo(draftKey(id));
         } else if (what < 36) {
             disarm();
             const bool canBe = isStill(id, { u"pending"_s, u"failed"_s, u"approved"_s });
-            copy.approvals.rejectDraft(id);
+            copy.centre.post(notifications::approvalAction, {},
+                { { u"kind"_s, u"draft"_s }, { u"id"_s, id }, { u"action"_s, u"reject"_s } });
             EXPECT_TRUE(!canBe || isStill(id, { u"rejected"_s })) << "seed " << seed;
         } else if (what < 40) {
             disarm();
-            copy.approvals.saveDraftBody(id, word());
+            (void)copy.approvals.saveDraftBody(id, word());
         } else if (what < 48 && copy.banners.told.contains(id)) {
             disarm();
             approvalCounts(id, copy.banners.told.value(id));
@@ -433,7 +434,7 @@ protected:
             act();
         for (const QString& id : std::as_const(ids)) {
             for (const auto& copy : copies)
-                copy->approvals.undo(id);
+                copy->approvals.undo(draftKey(id));
         }
         other->exec(u"DELETE FROM outbound_draft; DELETE FROM draft_approval;"_s);
         drafts.clear();

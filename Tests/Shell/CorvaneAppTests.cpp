@@ -150,7 +150,8 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
         return answer;
     };
     EXPECT_EQ(status(), "NeedsAttention");
-    app->approvals().rejectDecision("w1");
+    app->notifications().post(
+        notifications::approvalAction, {}, { { "kind", "decision" }, { "id", "w1" }, { "action", "reject" } });
     EXPECT_EQ(status(), "Active");
 
     const QSignalSpy panelRequested(app.get(), &CorvaneApp::panelRequested);

@@ -1,6 +1,8 @@
 // What somebody does in their first quarter of an hour with ./run --demo: the whole program but its window, on a real
 // database file, with the demonstration's engines as the processes that they are.
 
+#include "Approvals/ApprovalsStore.h"
+#include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "FakeMachine.h"
@@ -40,6 +42,7 @@ protected:
     {
         app = std::make_unique<CorvaneApp>(paths, scheduler, fakeMachine(paths, makeProcessLauncher(scheduler)));
         screens = std::make_unique<Screens>(*app);
+        app->approvals().attach(app->engine(), app->calls());
         inbox().appear();
     }
 
@@ -145,11 +148,12 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     sheet.submit();
     const QString stranger = "ct:WHATSAPP:34611223344@s.whatsapp.net";
     EXPECT_EQ(inbox().selectedId(), stranger);
-    PendingDraftsView& drafts = *inbox().drafts();
+    PendingDraftsView& drafts = screens->drafts;
     ASSERT_EQ(drafts.count(), 1);
     EXPECT_EQ(column(*drafts.rows(), "statusLabel").first(), "waiting approval");
     EXPECT_EQ(channels().size(), 0) << "nothing has gone out";
-    drafts.approveDraft(column(*drafts.rows(), "id").first());
+    app->notifications().post(notifications::approvalAction, {},
+        { { "kind", "draft" }, { "id", column(*drafts.rows(), "id").first() }, { "action", "approve" } });
     ASSERT_TRUE(await([&] { return cell("SELECT status FROM outbound_draft;") == "sent"; }));
     ASSERT_TRUE(await([&] { return ticksOf("Hola, soy Marta del taller") == "Read"; }));
     EXPECT_EQ(drafts.count(), 0);

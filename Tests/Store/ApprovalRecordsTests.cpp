@@ -47,7 +47,7 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
     insert("a", "secret words");
     insert("b", "more secret words");
     insert("c", "from the control chat", "approved");
-    recordUndo(*m_db, "a", hashOf("a"));
+    recordUndo(*m_db, "draft", "a", hashOf("a"));
     EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::Taken);
     EXPECT_EQ(approveDraft(*m_db, "a", hashOf("a")), Decided::AlreadySo);
     const DraftClaim first = DraftClaim::claim(*m_db, "a");
@@ -74,17 +74,24 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
 
     writeDecision(*m_db, "d", "Pay", "100", "", "money");
     writeDecision(*m_db, "e", "x", "", "", "odd");
-    EXPECT_EQ(decideWorkDecision(*m_db, "d", "approved", "Oskel"), Decided::Taken);
-    EXPECT_EQ(decideWorkDecision(*m_db, "d", "approved", "Oskel"), Decided::AlreadySo);
-    EXPECT_EQ(decideWorkDecision(*m_db, "d", "rejected", "Oskel"), Decided::Refused);
-    EXPECT_EQ(decideWorkDecision(*m_db, "e", "rejected", "Oskel"), Decided::Taken);
-    EXPECT_EQ(decideWorkDecision(*m_db, "gone", "approved", "Oskel"), Decided::Refused);
+    const QString seen = decisionHash(*fetchWorkDecision(*m_db, "d"));
+    m_db->exec("UPDATE work_decision SET proposal='900' WHERE id='d';");
+    EXPECT_EQ(approveWorkDecision(*m_db, "d", "Oskel", seen), Decided::Changed);
+    EXPECT_EQ(fetchWorkDecision(*m_db, "d")->status, "proposed");
+    m_db->exec("UPDATE work_decision SET proposal='100' WHERE id='d';");
+    EXPECT_EQ(approveWorkDecision(*m_db, "d", "Oskel", seen), Decided::Taken);
+    EXPECT_EQ(approveWorkDecision(*m_db, "d", "Oskel", seen), Decided::AlreadySo);
+    EXPECT_EQ(rejectWorkDecision(*m_db, "d", "Oskel"), Decided::Refused);
+    EXPECT_EQ(rejectWorkDecision(*m_db, "e", "Oskel"), Decided::Taken);
+    EXPECT_EQ(approveWorkDecision(*m_db, "gone", "Oskel", seen), Decided::Refused);
     writeProposal(*m_db, "f", "task", "Call", "{}");
     writeProposal(*m_db, "g", "note", "Note", R"({"body":"x"})");
     writeProposal(*m_db, "h", "task", "No", "{}");
-    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "f"));
-    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "g")) << "nobody is linked";
-    EXPECT_TRUE(rejectCRMUpdateProposal(*m_db, "h"));
+    EXPECT_EQ(applyCRMUpdateProposal(*m_db, "f", proposalHash(*crmProposal(*m_db, "h"))), Decided::Changed);
+    EXPECT_TRUE(applyAsSeen(*m_db, "f"));
+    EXPECT_FALSE(applyAsSeen(*m_db, "g")) << "nobody is linked";
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "h"), Decided::Taken);
+    EXPECT_EQ(latestRecords(*m_db, 2).first().subjectId, "h");
 
     EXPECT_EQ(told(),
         QStringList({ "draft a undo", "draft a approve", "draft a placed", "draft a sent", "draft b edit",

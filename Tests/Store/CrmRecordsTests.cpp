@@ -3,6 +3,7 @@
 #include "Store/People/ContactInfo.h"
 #include "Store/People/CrmRecords.h"
 #include "Support/StoreTest.h"
+#include "Support/WaitingItems.h"
 
 namespace corvane {
 
@@ -44,7 +45,7 @@ protected:
 TEST_F(CrmTest, aNoteWithoutAContactWaitsUntilOneIsLinked)
 {
     propose("p", "note", R"({"body":"  Wants a quote \n"})");
-    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_FALSE(applyAsSeen(*m_db, "p"));
     EXPECT_EQ(at("p").status, "pending");
     EXPECT_EQ(at("p").error, "No contact linked. Open CRM and link this call first.");
     EXPECT_EQ(at("p").bodyPreview(), "  Wants a quote \n");
@@ -56,10 +57,10 @@ TEST_F(CrmTest, aNoteWithoutAContactWaitsUntilOneIsLinked)
     EXPECT_EQ(at("p").error, "");
     EXPECT_DOUBLE_EQ(at("p").confidence, 0.98);
 
-    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "p"));
-    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p")) << "once is enough";
+    EXPECT_TRUE(applyAsSeen(*m_db, "p"));
+    EXPECT_FALSE(applyAsSeen(*m_db, "p")) << "once is enough";
     EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", ana));
-    EXPECT_FALSE(rejectCRMUpdateProposal(*m_db, "p")) << "what was applied stays applied";
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "p"), Decided::Refused) << "what was applied stays applied";
     EXPECT_EQ(table("SELECT status, applied_at, rejected_at, error FROM crm_update_proposal;"),
         QStringList(QStringLiteral("applied|%1|-|-").arg(m_clock.nowMs())));
     ASSERT_EQ(fetchNotes(*m_db, ana).size(), 1);
@@ -74,13 +75,13 @@ TEST_F(CrmTest, aProposalThatCannotBeAppliedSaysWhyAndStays)
     propose("list", "note", "[1]", ana);
     propose("deal", "deal", "{}", ana);
     for (const char* id : { "empty", "garbage", "list", "deal", "none" })
-        EXPECT_FALSE(applyCRMUpdateProposal(*m_db, id)) << id;
+        EXPECT_FALSE(applyAsSeen(*m_db, id)) << id;
     for (const char* id : { "empty", "garbage", "list" })
         EXPECT_EQ(at(id).error, "Call note payload is empty.") << id;
     EXPECT_EQ(at("deal").error, "Unsupported proposal kind: deal");
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 4);
 
-    EXPECT_TRUE(rejectCRMUpdateProposal(*m_db, "deal"));
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "deal"), Decided::Taken);
     EXPECT_EQ(at("deal").status, "rejected");
     EXPECT_EQ(at("deal").error, "");
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 3);
@@ -92,17 +93,17 @@ TEST_F(CrmTest, aNoteThatCannotBeSavedIsStillProposed)
 {
     propose("p", "note", R"({"body":"hi"})", ana);
     m_db->exec("CREATE TRIGGER full BEFORE INSERT ON contact_note BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
-    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_FALSE(applyAsSeen(*m_db, "p"));
     EXPECT_EQ(at("p").status, "pending");
     EXPECT_FALSE(at("p").error.isEmpty());
     EXPECT_EQ(queued(), QStringList());
 
     m_db->exec("DROP TRIGGER full; CREATE TRIGGER stuck BEFORE UPDATE ON crm_update_proposal WHEN NEW.status='applied' "
                "BEGIN SELECT RAISE(ABORT, 'disk full'); END;");
-    EXPECT_FALSE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_FALSE(applyAsSeen(*m_db, "p"));
     EXPECT_EQ(fetchNotes(*m_db, ana).size(), 0) << "or the next try would write it twice";
     m_db->exec("DROP TRIGGER stuck;");
-    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "p"));
+    EXPECT_TRUE(applyAsSeen(*m_db, "p"));
     EXPECT_EQ(fetchNotes(*m_db, ana).size(), 1);
 }
 
@@ -110,8 +111,8 @@ TEST_F(CrmTest, aTaskTakesTheProposalsTitleWhereThePayloadHasNone)
 {
     propose("bare", "task", "", {}, {}, "Send the quote");
     propose("full", "task", R"({"title":" Ring back ","due":"Friday","priority":"High","status":"Doing"})", ana);
-    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "bare"));
-    EXPECT_TRUE(applyCRMUpdateProposal(*m_db, "full"));
+    EXPECT_TRUE(applyAsSeen(*m_db, "bare"));
+    EXPECT_TRUE(applyAsSeen(*m_db, "full"));
     EXPECT_EQ(at("full").bodyPreview(), " Ring back ");
     EXPECT_EQ(table("SELECT title, due, priority, status, contact_id FROM crm_task ORDER BY rowid;"),
         (QStringList { "Send the quote||Normal|To do|-", "Ring back|Friday|High|Doing|" + ana }));

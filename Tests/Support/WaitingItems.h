@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Core/LocalDB.h"
 
@@ -25,6 +26,13 @@ inline void writeProposal(
         R"(INSERT INTO crm_update_proposal(id, workspace_id, kind, title, payload_json, status, created_at, updated_at)
 VALUES(?,'local',?,?,?,'pending',?,?);)",
         { id, kind, title, payload, db.nowMs(), db.nowMs() }));
+}
+
+/// A person applies the proposal as it stands.
+inline bool applyAsSeen(LocalDB& db, const QString& id)
+{
+    const auto seen = crmProposal(db, id).value_or(CRMUpdateProposal());
+    return applyCRMUpdateProposal(db, id, proposalHash(seen)) == Decided::Taken;
 }
 
 inline void writeDecision(LocalDB& db, const QString& id, const QString& title, const QString& proposal,

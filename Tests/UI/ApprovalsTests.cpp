@@ -32,7 +32,8 @@ protected:
         let([](LocalDB& db) {
             writeDraft(db, u"d1"_s, u"Ana"_s, u"See you at three. "_s.repeated(80));
             writeProposal(db, u"p1"_s, u"task"_s, u"Call back"_s, uR"({"title":"Call Ana"})"_s);
-            writeDecision(db, u"w1"_s, u"Pay the invoice"_s, u"Transfer 300"_s, u"It is due"_s, u"money"_s);
+            writeDecision(
+                db, u"w1"_s, u"Pay the invoice"_s, u"Transfer 300 EUR to Arcillas."_s, u"It is due"_s, u"money"_s);
         });
     }
 
@@ -41,6 +42,14 @@ protected:
         panel.toggle(at);
         rest();
         turnTo(panel.window());
+        rest();
+    }
+
+    QString state() { return item(u"approval.state"_s)->property("text").toString(); }
+
+    void carryOut()
+    {
+        clock.advance(seconds(5));
         rest();
     }
 
@@ -62,7 +71,7 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     ASSERT_TRUE(focusWithin(u"approvals.list"_s));
 
     press(Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_EQ(item(u"approval.state"_s)->property("text"), u"Sending…"_s);
+    EXPECT_TRUE(state().startsWith(u"Sending…"_s));
     EXPECT_TRUE(focusWithin(u"approval.undo"_s));
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(findItem(u"approval.undo"_s), nullptr);
@@ -75,7 +84,7 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     type(u"jk no"_s);
     press(Qt::Key_Escape);
     EXPECT_TRUE(shell.approvals()) << "the first Esc leaves the text alone";
-    EXPECT_EQ(screens.approvals.editing(), QString());
+    EXPECT_EQ(screens.approvals.editor()->draftId(), QString());
     press(Qt::Key_F2);
     press(Qt::Key_A, Qt::ControlModifier);
     type(u"Friday"_s);
@@ -83,11 +92,21 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     EXPECT_EQ(draft(u"body"_s), u"Friday"_s);
     EXPECT_TRUE(focusWithin(u"approvals.list"_s));
     press(Qt::Key_Delete);
+    EXPECT_EQ(draft(u"status"_s), u"pending"_s);
+    carryOut();
     EXPECT_EQ(draft(u"status"_s), u"rejected"_s);
 
     EXPECT_TRUE(focusWithin(u"approvals.list"_s));
     press(Qt::Key_J);
     press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(item(u"approval.question"_s)->property("text"), u"Approve this payment: 300 EUR to Arcillas?"_s);
+    ASSERT_TRUE(focusWithin(u"approval.doubt"_s));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(findItem(u"approval.question"_s), nullptr);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    press(Qt::Key_Tab);
+    press(Qt::Key_Space);
+    carryOut();
     EXPECT_EQ(cell(u"SELECT status FROM work_decision;"_s), u"approved"_s);
     let([](LocalDB& db) { ensureConversation(db, u"EMAIL"_s, u"main"_s, u"bo@x.y"_s, u"Bo"_s, 1); });
     click(u"approval.link"_s);
@@ -101,8 +120,15 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     EXPECT_EQ(findItem(u"contactPicker.search"_s), nullptr);
     EXPECT_TRUE(focusWithin(u"approval:proposal:p1"_s));
     press(Qt::Key_Return, Qt::ControlModifier);
+    carryOut();
     EXPECT_EQ(cell(u"SELECT status || contact_id FROM crm_update_proposal;"_s), u"appliedct:EMAIL:bo@x.y"_s);
+    EXPECT_TRUE(item(u"approval:proposal:p1"_s)) << "the pointer rests on it";
+    clock.advance(seconds(2));
+    rest();
     item(u"approvals.empty"_s);
+    click(u"approvals.decidedTab"_s);
+    const QString newest = cell(u"SELECT 'decided:' || MAX(seq) FROM approval_record;"_s);
+    item(newest);
     press(Qt::Key_Escape);
     EXPECT_FALSE(shell.approvals());
     EXPECT_EQ(shell.selectedNav(), u"inbox"_s);
@@ -125,10 +151,10 @@ TEST_F(ApprovalsWindow, whatWaitsShowsInTheBarTheSettingsAndThePaletteWithTheSam
     settings.setSection(u"approvals"_s);
     rest();
     click(u"approval.approve"_s);
-    EXPECT_EQ(item(u"approval.state"_s)->property("text"), u"Sending…"_s);
+    EXPECT_TRUE(state().startsWith(u"Sending…"_s));
     click(u"settings.reviewApprovals"_s);
     EXPECT_TRUE(shell.approvals());
-    EXPECT_EQ(item(u"approval.state"_s)->property("text"), u"Sending…"_s);
+    EXPECT_TRUE(state().startsWith(u"Sending…"_s));
     click(u"approval.undo"_s);
     EXPECT_EQ(screens.approvals.waiting(), 3);
     shell.selectHub(u"inbox"_s);
@@ -137,6 +163,11 @@ TEST_F(ApprovalsWindow, whatWaitsShowsInTheBarTheSettingsAndThePaletteWithTheSam
         { { u"kind"_s, u"decision"_s }, { u"id"_s, u"w1"_s }, { u"action"_s, u"open"_s } });
     EXPECT_TRUE(shell.approvals()) << "a press on the banner itself";
     EXPECT_EQ(screens.approvals.waiting(), 3);
+    shell.selectHub(u"inbox"_s);
+    centre.post(notifications::approvalAction, {},
+        { { u"kind"_s, u"decision"_s }, { u"id"_s, u"w1"_s }, { u"action"_s, u"approve"_s } });
+    rest();
+    EXPECT_TRUE(focusWithin(u"approval.doubt"_s)) << "its Approve asks, as it is a payment";
 }
 
 TEST_F(ApprovalsWindow, thePanelAtTheTrayIsWorkedWithKeysAndClosesWhenDone)
@@ -181,13 +212,19 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
 {
     showInbox();
     openPanel();
-    QStringList lines;
-    for (const QVariant& line : screens.panel.today())
-        lines.append(line.toMap().value(u"text"_s).toString());
-    EXPECT_EQ(lines,
+    const auto lines = [&] {
+        QStringList told;
+        for (const QVariant& line : screens.panel.today())
+            told.append(line.toMap().value(u"text"_s).toString());
+        return told;
+    };
+    EXPECT_EQ(lines(),
         QStringList({ u"0 waiting for your approval"_s, u"%1 unread messages"_s.arg(engines.unreadTotal()),
-            u"0 open work items"_s, u"No meetings today"_s, u"No agent activity yet today"_s,
-            u"3 engines running"_s }));
+            u"0 open work items"_s, u"No agent activity yet today"_s, u"3 engines running"_s }));
+    engines.db().exec(u"INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, updated_at) "
+                      "VALUES('e', 'local', 'Fair', 1, 2, 1);"_s);
+    screens.panel.setVisible(true);
+    EXPECT_TRUE(lines().contains(u"No meetings today"_s)) << "a calendar is connected";
     EXPECT_EQ(screens.panel.noticeText(), u"Sign in to link this Mac to your Nimb workspace and start syncing."_s);
     session.setAuth(u"header.e30.signature"_s, u"device"_s);
     rest();

@@ -133,14 +133,17 @@ TEST_F(ComposerWindow, aDraftIsReadEditedAndSentAfterAQuestionInItsLine)
     EXPECT_EQ(sent(), QStringList()) << "it asks first";
     EXPECT_TRUE(focusWithin(u"draft.send"_s));
     press(Qt::Key_Return);
+    item(u"draft.undo"_s);
+    clock.advance(seconds(5));
     EXPECT_EQ(sent(), QStringList(u"Friday"_s));
     queue(u"Never mind"_s);
-    inbox.drafts()->askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
+    screens.drafts.askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
     rest();
-    inbox.drafts()->cancelConfirm();
+    screens.drafts.cancelConfirm();
     rest();
     click(u"draft.line"_s);
     click(u"draft.discard"_s);
+    clock.advance(seconds(5));
     EXPECT_EQ(cell(u"SELECT COUNT(*) FROM outbound_draft WHERE status='rejected';"_s), u"1"_s);
 }
 
@@ -162,13 +165,14 @@ TEST_F(ComposerWindow, aMessageToSomebodyNewIsQueued)
     click(u"newMessage.submit"_s);
     EXPECT_EQ(findItem(u"newMessage"_s), nullptr);
     EXPECT_EQ(inbox.selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
-    EXPECT_EQ(inbox.drafts()->count(), 1);
+    EXPECT_EQ(screens.drafts.count(), 1);
     EXPECT_EQ(sent(), QStringList());
 
     for (int pane = 0; pane < 7 && !focusWithin(u"draft.line"_s); ++pane)
         press(Qt::Key_F6);
     for (const int key : { Qt::Key_Return, Qt::Key_Tab, Qt::Key_Return, Qt::Key_Return })
         press(key);
+    clock.advance(seconds(5));
     EXPECT_EQ(sent(), QStringList(u"Good day"_s)) << "opened, approved and confirmed by the keys alone";
     press(Qt::Key_R);
     EXPECT_TRUE(focusWithin(u"composer"_s)) << "and they go on";

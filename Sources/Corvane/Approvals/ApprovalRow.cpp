@@ -1,6 +1,7 @@
 #include "Approvals/ApprovalRow.h"
 
 #include "Approvals/DraftWords.h"
+#include "Approvals/RiskQuestion.h"
 #include "Engines/DraftDelivery.h"
 
 namespace corvane {
@@ -11,16 +12,26 @@ const QString failed = QStringLiteral("failed");
 const QStringList risksWithAColour { QStringLiteral("money"), QStringLiteral("credential"), QStringLiteral("external"),
     QStringLiteral("high") };
 
-ApprovalRow rowOf(const char* kind, const QString& id, const QString& head, const QString& approveLabel)
+ApprovalRow rowOf(const ApprovalKey& key, const QString& head, const QString& approveLabel)
 {
     ApprovalRow row;
-    row.kind = QString::fromLatin1(kind);
-    row.id = id;
+    row.setKey(key);
     row.head = head;
     row.approveLabel = approveLabel;
     row.canDecide = true;
-    row.setKey();
     return row;
+}
+
+void arm(ApprovalRow& row, const std::optional<Arming>& arming, const QString& approving, const QString& approved)
+{
+    if (!arming)
+        return;
+    const bool approve = arming->verdict == Verdict::Approve;
+    row.canDecide = row.canEdit = false;
+    row.linkLabel.clear();
+    row.secondsLeft = arming->secondsLeft;
+    row.stateText = approve ? approving : QStringLiteral("Rejecting…");
+    row.settledText = approve ? approved : QStringLiteral("Rejected");
 }
 
 /// Kinds of proposals are words of other programs; one that nobody knows stands as it is.
@@ -33,26 +44,36 @@ QString capitalised(QString word)
 
 }
 
-ApprovalRow draftRow(const PendingDraft& draft, int secondsLeft)
+void ApprovalRow::setKey(const ApprovalKey& key)
 {
-    ApprovalRow row = rowOf("draft", draft.id, QStringLiteral("Outbound Messages"),
+    kind = kindWord(key.kind);
+    id = key.id;
+    m_key = key.text();
+}
+
+ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arming)
+{
+    ApprovalRow row = rowOf(draftKey(draft.id), QStringLiteral("Outbound Messages"),
         draft.status == failed ? QStringLiteral("Retry") : QStringLiteral("Approve"));
     row.title = draftStatusTitle(draft);
     row.body = draft.body;
     row.platform = draft.channel;
-    row.secondsLeft = secondsLeft;
-    row.canDecide = row.canEdit = waitsForPerson(draft) && secondsLeft == 0;
+    row.canDecide = row.canEdit = waitsForPerson(draft);
     row.failureReason = draftFailureReason(draft);
-    if (secondsLeft > 0 || draft.status == u"sending")
-        row.stateText = QStringLiteral("Sending…");
-    else if (!row.canDecide)
-        row.stateText = statusLabel(draft);
+    const QString sending = QStringLiteral("Sending…");
+    if (!row.canDecide)
+        row.stateText = draft.status == u"sending" ? sending : statusLabel(draft);
+    if (draft.status == u"sending" || draft.status == u"placed")
+        row.settledText = QStringLiteral("Sent");
+    arm(row, arming, sending, QStringLiteral("Approved"));
     return row;
 }
 
-ApprovalRow proposalRow(const CRMUpdateProposal& proposal, const QString& contactName)
+ApprovalRow proposalRow(
+    const CRMUpdateProposal& proposal, const QString& contactName, const std::optional<Arming>& arming)
 {
-    ApprovalRow row = rowOf("proposal", proposal.id, QStringLiteral("CRM Updates"), QStringLiteral("Apply"));
+    ApprovalRow row
+        = rowOf({ ApprovalKind::Proposal, proposal.id }, QStringLiteral("CRM Updates"), QStringLiteral("Apply"));
     row.title = proposal.title;
     row.body = proposal.bodyPreview();
     row.detail = capitalised(proposal.kind);
@@ -60,12 +81,14 @@ ApprovalRow proposalRow(const CRMUpdateProposal& proposal, const QString& contac
         row.detail += QStringLiteral(" · ") + contactName;
     row.failureReason = proposal.error;
     row.linkLabel = contactName.isEmpty() ? QStringLiteral("Link contact") : QStringLiteral("Change contact");
+    arm(row, arming, QStringLiteral("Applying…"), QStringLiteral("Applied"));
     return row;
 }
 
-ApprovalRow decisionRow(const WorkDecisionRecord& decision)
+ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<Arming>& arming)
 {
-    ApprovalRow row = rowOf("decision", decision.id, QStringLiteral("Agent Decisions"), QStringLiteral("Approve"));
+    ApprovalRow row
+        = rowOf({ ApprovalKind::Decision, decision.id }, QStringLiteral("Agent Decisions"), QStringLiteral("Approve"));
     row.title = decision.title;
     row.body = decision.proposal;
     row.detail = decision.module;
@@ -75,6 +98,9 @@ ApprovalRow decisionRow(const WorkDecisionRecord& decision)
         row.riskText = decision.risk + QStringLiteral(" risk");
     if (risksWithAColour.contains(decision.risk))
         row.riskTone = decision.risk;
+    if (isRisky(decision))
+        row.question = riskQuestion(decision);
+    arm(row, arming, QStringLiteral("Approving…"), QStringLiteral("Approved"));
     return row;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Approvals/ApprovalKey.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Work/WorkRecords.h"
@@ -26,6 +27,7 @@ class ApprovalRow {
     Q_PROPERTY(QString stateText MEMBER stateText)
     Q_PROPERTY(int secondsLeft MEMBER secondsLeft)
     Q_PROPERTY(QString approveLabel MEMBER approveLabel)
+    Q_PROPERTY(QString question MEMBER question)
     Q_PROPERTY(bool canDecide MEMBER canDecide)
     Q_PROPERTY(bool canEdit MEMBER canEdit)
     Q_PROPERTY(QString linkLabel MEMBER linkLabel)
@@ -43,12 +45,14 @@ public:
     QString failureReason; ///< why it failed, or waits for a person again
     QString stateText; ///< "Sending…", of what is on its way
     int secondsLeft = 0; ///< to undo it; 0 where nothing can be undone
+    QString settledText; ///< "Approved", for when the seconds are over
     QString approveLabel; ///< "Approve", "Retry" or "Apply"
+    QString question; ///< what is asked before it is approved; empty where one press is enough
     bool canDecide = false; ///< approve and reject apply
     bool canEdit = false;
     QString linkLabel; ///< "Link contact" or "Change contact"; empty where there is nobody to link
 
-    void setKey() { m_key = kind + u':' + id; }
+    void setKey(const ApprovalKey& key);
     const QString& key() const { return m_key; }
     bool operator==(const ApprovalRow&) const = default;
 
@@ -56,9 +60,15 @@ private:
     QString m_key; ///< "draft:{id}"
 };
 
-/// `secondsLeft` above 0 is of a draft inside its undo window.
-ApprovalRow draftRow(const PendingDraft& draft, int secondsLeft);
-ApprovalRow proposalRow(const CRMUpdateProposal& proposal, const QString& contactName);
-ApprovalRow decisionRow(const WorkDecisionRecord& decision);
+/// What a person said to an item that is inside its undo window.
+struct Arming {
+    Verdict verdict = Verdict::Approve;
+    int secondsLeft = 0;
+};
+
+ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arming = {});
+ApprovalRow proposalRow(
+    const CRMUpdateProposal& proposal, const QString& contactName, const std::optional<Arming>& arming = {});
+ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<Arming>& arming = {});
 
 }

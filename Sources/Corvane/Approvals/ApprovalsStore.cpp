@@ -1,6 +1,9 @@
 #include "Approvals/ApprovalsStore.h"
 
+#include "Approvals/RefusalWords.h"
+#include "Approvals/RiskQuestion.h"
 #include "Calls/CallRecorder.h"
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
 #include "Notifications/Notifier.h"
@@ -13,35 +16,35 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds pollPeriod { 5000 };
+constexpr Milliseconds aSecond { 1000 };
 constexpr int draftsRead = 50;
 constexpr int proposalsRead = 20;
 constexpr int decisionsRead = 50;
 
-const QString draftKind = QStringLiteral("draft");
-const QString failedDraftKind = QStringLiteral("draft_failed");
-const QString proposalKind = QStringLiteral("proposal");
-const QString decisionKind = QStringLiteral("decision");
 const QString owner = QStringLiteral("Oskel");
 
-QString draftKey(const QString& id)
+ApprovalItem itemOf(const PendingDraft& draft)
 {
-    return QStringLiteral("draft:") + id;
-}
-
-ApprovalItem itemOf(const PendingDraft& draft, const QString& kind)
-{
-    return { draftKey(draft.id), kind, draft.id, draft.title.isEmpty() ? draft.externalId : draft.title, draft.body };
+    return { draftKey(draft.id), draft.status == u"failed" ? QStringLiteral("draft_failed") : QStringLiteral("draft"),
+        draft.title.isEmpty() ? draft.externalId : draft.title, draft.body, draftHash(draft) };
 }
 
 ApprovalItem itemOf(const CRMUpdateProposal& proposal)
 {
-    return { QStringLiteral("proposal:") + proposal.id, proposalKind, proposal.id, proposal.title,
-        proposal.bodyPreview() };
+    return { { ApprovalKind::Proposal, proposal.id }, kindWord(ApprovalKind::Proposal), proposal.title,
+        proposal.bodyPreview(), proposalHash(proposal) };
 }
 
 ApprovalItem itemOf(const WorkDecisionRecord& decision)
 {
-    return { QStringLiteral("decision:") + decision.id, decisionKind, decision.id, decision.title, decision.proposal };
+    return { { ApprovalKind::Decision, decision.id }, kindWord(ApprovalKind::Decision), decision.title,
+        decision.proposal, decisionHash(decision) };
+}
+
+template <typename Row> const Row* findById(const QList<Row>& rows, const QString& id)
+{
+    const auto found = std::ranges::find(rows, id, &Row::id);
+    return found == rows.end() ? nullptr : &*found;
 }
 
 }
@@ -63,7 +66,7 @@ void ApprovalsStore::attach(EngineManager& engine, CallRecorder& calls)
     m_engine = &engine;
     m_calls = &calls;
     connect(&engine, &EngineManager::pendingDraftsChanged, this, &ApprovalsStore::changed);
-    connect(&engine, &EngineManager::draftReturned, this, [this](const QString& id) { m_seen.remove(draftKey(id)); });
+    connect(&engine, &EngineManager::draftReturned, this, [this](const QString& id) { m_seen.erase(draftKey(id)); });
     connect(&calls, &CallRecorder::changed, this, &ApprovalsStore::changed);
     refresh();
     m_timer = m_scheduler.every(pollPeriod, [this] { refresh(); });
@@ -104,62 +107,71 @@ const QList<CRMUpdateProposal>& ApprovalsStore::proposals() const
     return m_calls ? m_calls->pendingProposals() : none;
 }
 
-void ApprovalsStore::approveDraft(const QString& id, Milliseconds undoWindow)
+void ApprovalsStore::decide(const ApprovalKey& key, Verdict verdict, Milliseconds window)
 {
-    if (m_armed.contains(id))
+    if (m_armed.contains(key))
         return;
-    m_armed[id] = { shownHash(id), m_scheduler.after(undoWindow, [this, id] {
-                       const QString armedId = id; // the callback goes with its timer
-                       if (const auto seen = disarm(armedId))
-                           approveAsSeen(armedId, *seen);
-                   }) };
-    m_armedDrafts.insert(id);
+    m_notice.clear();
+    Armed& armed = m_armed[key];
+    armed.verdict = verdict;
+    armed.untilMs = m_scheduler.nowMs() + window.count();
+    armed.seen = shown(key);
+    armed.timer = m_scheduler.after(window, [this, armedKey = key] { windowEnds(ApprovalKey(armedKey)); });
+    if (!m_countDown)
+        m_countDown = m_scheduler.every(aSecond, [this] { Q_EMIT changed(); });
     Q_EMIT changed();
 }
 
-void ApprovalsStore::undo(const QString& id)
+void ApprovalsStore::windowEnds(const ApprovalKey& key)
 {
-    const auto seen = disarm(id);
-    if (seen && m_engine)
-        recordUndo(m_engine->db(), id, *seen);
+    const Verdict verdict = armed(key).value_or(Verdict::Reject);
+    if (const auto seen = disarm(key))
+        settle(*seen, verdict, From::Window);
 }
 
-void ApprovalsStore::rejectDraft(const QString& id)
+void ApprovalsStore::undo(const ApprovalKey& key)
 {
-    disarm(id);
-    if (!m_engine)
-        return notifyActionFailure(Action::Reject);
-    settle(corvane::rejectDraft(m_engine->db(), id), Action::Reject, id);
+    const auto seen = disarm(key);
+    if (!seen)
+        return;
+    if (m_engine)
+        recordUndo(m_engine->db(), kindWord(key.kind), key.id, seen->hash);
+    Q_EMIT changed();
 }
 
-void ApprovalsStore::saveDraftBody(const QString& id, const QString& body)
+std::optional<Verdict> ApprovalsStore::armed(const ApprovalKey& key) const
+{
+    const auto found = m_armed.find(key);
+    return found == m_armed.end() ? std::nullopt : std::optional(found->second.verdict);
+}
+
+int ApprovalsStore::secondsLeft(const ApprovalKey& key) const
+{
+    const auto found = m_armed.find(key);
+    return found == m_armed.end()
+        ? 0
+        : int(std::max<qint64>(1, (found->second.untilMs - m_scheduler.nowMs() + 999) / 1000));
+}
+
+Result<void> ApprovalsStore::saveDraftBody(const QString& id, const QString& body)
 {
     const QString text = body.trimmed();
-    if (text.isEmpty() || !m_engine)
-        return;
-    disarm(id);
-    editDraft(m_engine->db(), id, text);
+    if (text.isEmpty())
+        return failure(QStringLiteral("A message needs a text."));
+    if (!m_engine)
+        return failure(whyNot(draftKey(id)));
+    LocalDB& db = m_engine->db();
+    disarm(draftKey(id));
+    const bool taken = editDraft(db, id, text) && fetchDraft(db, id).value_or(PendingDraft()).body == text;
+    const QString reason = taken ? QString() : whyNot(draftKey(id));
     m_engine->refreshDrafts();
+    Q_EMIT changed();
+    return taken ? Result<void>() : failure(reason);
 }
 
-void ApprovalsStore::applyProposal(const QString& id)
+QString ApprovalsStore::whyNot(const ApprovalKey& key) const
 {
-    if (!m_calls)
-        return notifyActionFailure(Action::Approve);
-    const bool applied = applyCRMUpdateProposal(m_calls->db(), id);
-    m_calls->refresh();
-    if (!applied)
-        return notifyActionFailure(Action::Approve);
-    refresh();
-}
-
-void ApprovalsStore::rejectProposal(const QString& id)
-{
-    if (!m_calls)
-        return notifyActionFailure(Action::Reject);
-    rejectCRMUpdateProposal(m_calls->db(), id);
-    m_calls->refresh();
-    refresh();
+    return m_engine ? refusalWords(m_engine->db(), key) : QStringLiteral("It couldn't be saved. Try again.");
 }
 
 bool ApprovalsStore::linkProposal(const QString& id, const QString& contactId)
@@ -171,119 +183,161 @@ bool ApprovalsStore::linkProposal(const QString& id, const QString& contactId)
     return linked;
 }
 
-void ApprovalsStore::approveDecision(const QString& id)
+void ApprovalsStore::dismissNotice()
 {
-    decideWork(id, Action::Approve);
-}
-
-void ApprovalsStore::rejectDecision(const QString& id)
-{
-    decideWork(id, Action::Reject);
+    m_notice.clear();
+    Q_EMIT changed();
 }
 
 void ApprovalsStore::handleNotificationAction(const QString& kind, const QString& id, const QString& action)
 {
+    const auto known = kindOf(kind);
     const bool approve = action == u"approve";
-    if (!approve && action != u"reject")
+    if (!known || (!approve && action != u"reject"))
         return;
-    if (kind == draftKind || kind == failedDraftKind) {
-        if (!approve)
-            return rejectDraft(id);
-        disarm(id);
-        approveAsSeen(id, m_announced.contains(id) ? m_announced.value(id) : shownHash(id));
-    } else if (kind == proposalKind) {
-        approve ? applyProposal(id) : rejectProposal(id);
-    } else if (kind == decisionKind) {
-        decideWork(id, approve ? Action::Approve : Action::Reject);
+    const ApprovalKey key { *known, id };
+    if (approve && asksFirst(key)) {
+        refresh();
+        m_centre.post(notifications::openApprovals);
+        Q_EMIT confirmationRequested(key.text());
+        return;
     }
+    disarm(key);
+    const auto announced = m_announced.find(key);
+    settle(announced == m_announced.end() ? shown(key) : announced->second,
+        approve ? Verdict::Approve : Verdict::Reject, From::Banner);
 }
 
 void ApprovalsStore::notifyNewItems()
 {
     LocalDB& db = m_engine->db();
     QList<ApprovalItem> items;
-    QHash<QString, PendingDraft> drafts;
     for (const PendingDraft& draft : fetchDrafts(db,
              { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"),
                  QStringLiteral("placed") },
              draftsRead)) {
-        const QString status = draft.status.toLower();
-        if (status != u"pending" && status != u"failed")
-            continue;
-        items.append(itemOf(draft, status == u"failed" ? failedDraftKind : draftKind));
-        drafts.insert(draftKey(draft.id), draft);
+        if (waitsForPerson(draft))
+            items.append(itemOf(draft));
     }
     for (const CRMUpdateProposal& proposal : fetchCRMUpdateProposals(db, QStringLiteral("pending"), proposalsRead))
         items.append(itemOf(proposal));
     for (const WorkDecisionRecord& decision : std::as_const(m_decisions))
         items.append(itemOf(decision));
 
+    std::erase_if(m_announced, [&](const auto& announced) {
+        const bool waits = std::ranges::find(items, announced.first, &ApprovalItem::key) != items.end();
+        if (!waits)
+            m_notifier.withdrawApproval(announced.second.kind, announced.first.id);
+        return !waits;
+    });
     for (const ApprovalItem& item : std::as_const(items)) {
-        if (m_seen.contains(item.key))
+        if (!m_seen.insert(item.key).second || !m_baselined)
             continue;
-        m_seen.insert(item.key);
-        if (!m_baselined)
-            continue;
-        if (drafts.contains(item.key))
-            m_announced.insert(item.id, draftHash(drafts.value(item.key)));
-        m_notifier.notifyApproval(item.kind, item.id, item.title, item.body);
+        m_announced[item.key] = item;
+        m_notifier.notifyApproval(item.kind, item.key.id, item.title, item.body);
     }
     m_baselined = true;
 }
 
-void ApprovalsStore::notifyActionFailure(Action action)
+void ApprovalsStore::notifyActionFailure(Verdict verdict, const QString& reason)
 {
     const QString text
-        = action == Action::Reject ? QStringLiteral("Couldn't reject") : QStringLiteral("Couldn't approve");
-    m_notifier.notifyApproval(
-        QStringLiteral("approval"), uuidText(), text, text + QStringLiteral(" — engine not ready, try again"));
+        = verdict == Verdict::Reject ? QStringLiteral("Couldn't reject") : QStringLiteral("Couldn't approve");
+    m_notifier.notifyApproval(QStringLiteral("approval"), uuidText(), text,
+        reason.isEmpty() ? text + QStringLiteral(" — engine not ready, try again") : reason);
 }
 
-void ApprovalsStore::approveAsSeen(const QString& id, const QString& seenHash)
+Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
 {
-    if (!m_engine)
-        return notifyActionFailure(Action::Approve);
-    settle(corvane::approveDraft(m_engine->db(), id, seenHash), Action::Approve, id);
+    LocalDB& db = m_engine->db();
+    const QString& id = seen.key.id;
+    const bool approve = verdict == Verdict::Approve;
+    switch (seen.key.kind) {
+    case ApprovalKind::Draft:
+        return approve ? approveDraft(db, id, seen.hash) : rejectDraft(db, id);
+    case ApprovalKind::Proposal:
+        return approve ? applyCRMUpdateProposal(db, id, seen.hash) : rejectCRMUpdateProposal(db, id);
+    case ApprovalKind::Decision:
+        return approve ? approveWorkDecision(db, id, owner, seen.hash) : rejectWorkDecision(db, id, owner);
+    }
+    return Decided::Refused;
 }
 
-void ApprovalsStore::decideWork(const QString& id, Action action)
+void ApprovalsStore::settle(const ApprovalItem& seen, Verdict verdict, From from)
 {
-    const QString status = action == Action::Approve ? QStringLiteral("approved") : QStringLiteral("rejected");
-    if (!m_engine || decideWorkDecision(m_engine->db(), id, status, owner) == Decided::Refused)
-        return notifyActionFailure(action);
-    refresh();
-}
-
-void ApprovalsStore::settle(Decided decided, Action action, const QString& id)
-{
-    if (decided == Decided::Refused)
-        notifyActionFailure(action);
+    if (!m_engine || !m_calls)
+        return notifyActionFailure(verdict);
+    const Decided decided = carryOut(seen, verdict);
     if (decided == Decided::Changed)
-        m_seen.remove(draftKey(id));
+        m_seen.erase(seen.key);
+    const bool pressedTwice = from == From::Banner && decided == Decided::AlreadySo;
+    if (decided != Decided::Taken && !pressedTwice)
+        tellRefusal(seen, verdict, decided);
     m_engine->refreshDrafts();
     refresh();
+    Q_EMIT changed();
 }
 
-QString ApprovalsStore::shownHash(const QString& id) const
+void ApprovalsStore::tellRefusal(const ApprovalItem& seen, Verdict verdict, Decided decided)
 {
+    const QString reason = decided == Decided::Changed ? QStringLiteral("Changed since you saw it.") : whyNot(seen.key);
+    m_notice = seen.title.isEmpty() ? reason : seen.title + QStringLiteral(": ") + reason;
+    if (decided == Decided::Refused)
+        notifyActionFailure(verdict, m_notice);
+}
+
+bool ApprovalsStore::asksFirst(const ApprovalKey& key) const
+{
+    if (!m_engine || key.kind != ApprovalKind::Decision)
+        return false;
+    const auto decision = fetchWorkDecision(m_engine->db(), key.id);
+    return decision && decision->status == u"proposed" && isRisky(*decision);
+}
+
+ApprovalItem ApprovalsStore::shown(const ApprovalKey& key) const
+{
+    ApprovalItem item { key, kindWord(key.kind), {}, {}, {} };
     if (!m_engine)
-        return {};
-    const QList<PendingDraft>& shown = m_engine->pendingDrafts();
-    const auto found = std::ranges::find(shown, id, &PendingDraft::id);
-    if (found != shown.end())
-        return draftHash(*found);
-    const auto unlisted = fetchDraft(m_engine->db(), id);
-    return unlisted ? draftHash(*unlisted) : QString();
+        return item;
+    LocalDB& db = m_engine->db();
+    if (key.kind == ApprovalKind::Draft) {
+        if (const auto* draft = findById(drafts(), key.id))
+            return itemOf(*draft);
+        if (const auto unlisted = fetchDraft(db, key.id))
+            return itemOf(*unlisted);
+    } else if (key.kind == ApprovalKind::Proposal) {
+        if (const auto* proposal = findById(proposals(), key.id))
+            return itemOf(*proposal);
+        item.title = crmProposal(db, key.id).value_or(CRMUpdateProposal()).title;
+    } else {
+        if (const auto* decision = findById(m_decisions, key.id))
+            return itemOf(*decision);
+        item.title = fetchWorkDecision(db, key.id).value_or(WorkDecisionRecord()).title;
+    }
+    return item;
 }
 
-std::optional<QString> ApprovalsStore::disarm(const QString& id)
+std::optional<ApprovalItem> ApprovalsStore::disarm(const ApprovalKey& key)
 {
-    const auto armed = m_armed.extract(id);
+    const auto armed = m_armed.extract(key);
     if (!armed)
         return std::nullopt;
-    m_armedDrafts.remove(id);
-    Q_EMIT changed();
-    return armed.mapped().seenHash;
+    if (m_armed.empty())
+        m_countDown.reset();
+    return armed.mapped().seen;
+}
+
+int waitingForDecision(const ApprovalsStore& store)
+{
+    const auto waits = [&](ApprovalKind kind) {
+        return [&store, kind](const auto& row) {
+            return !store.armed({ kind, row.id });
+        };
+    };
+    const auto drafts = std::ranges::count_if(store.drafts(),
+        [&](const PendingDraft& draft) { return waitsForPerson(draft) && waits(ApprovalKind::Draft)(draft); });
+    return int(drafts + std::ranges::count_if(store.proposals(), waits(ApprovalKind::Proposal))
+        + std::ranges::count_if(store.decisions(), waits(ApprovalKind::Decision)));
 }
 
 }

@@ -1,16 +1,17 @@
 #pragma once
 
+#include "Approvals/ApprovalKey.h"
 #include "Foundation/NotificationCentre.h"
+#include "Foundation/Result.h"
 #include "Foundation/Scheduler.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Work/WorkRecords.h"
 
-#include <QHash>
 #include <QObject>
 #include <QPointer>
-#include <QSet>
 #include <map>
+#include <set>
 
 namespace corvane {
 
@@ -18,18 +19,20 @@ class CallRecorder;
 class EngineManager;
 class Notifier;
 
+constexpr Milliseconds undoWindow { 5000 };
+
 /// Something that waits for a person, as it is announced.
 struct ApprovalItem {
-    QString key; ///< a draft keeps its key when it fails
+    ApprovalKey key; ///< a draft keeps its key when it fails
     QString kind; ///< "draft", "draft_failed", "proposal" or "decision"
-    QString id;
     QString title;
     QString body;
+    QString hash; ///< stands for all that a person sees of it
 };
 
 /// The single gate in front of everything that leaves the machine or cannot be undone: it looks every five seconds for
-/// what waits, announces what is new, and carries out what the person says on any surface. Who approves a draft
-/// approves what was shown to them; where the row differs it is not sent, and they are asked again.
+/// what waits, announces what is new, and carries out what the person says on any surface. Who approves something
+/// approves what was shown to them; where the row differs nothing happens, and they are asked again.
 class ApprovalsStore : public QObject {
     Q_OBJECT
 public:
@@ -42,42 +45,51 @@ public:
     void refresh();
 
     const QList<WorkDecisionRecord>& decisions() const { return m_decisions; } ///< the 50 first that wait
-    const QSet<QString>& armedDrafts() const { return m_armedDrafts; } ///< ids inside their undo window
     const QList<PendingDraft>& drafts() const; ///< those of the engines; empty without them
     const QList<CRMUpdateProposal>& proposals() const; ///< those of the recorder; empty without it
 
-    /// Arms the draft as it is shown now; after the window it is approved and goes out, unless it is undone, rejected
-    /// or edited before. A second call inside the window does nothing.
-    void approveDraft(const QString& id, Milliseconds undoWindow);
-    void undo(const QString& id);
-    void rejectDraft(const QString& id);
-    void saveDraftBody(const QString& id, const QString& body); ///< one that is only white space does nothing
+    /// Arms a verdict on the item as it is shown now. After the window it is carried out; until then nothing is written
+    /// and a quit forgets it. An item that is armed already keeps its verdict.
+    void decide(const ApprovalKey& key, Verdict verdict, Milliseconds window);
+    void undo(const ApprovalKey& key);
+    std::optional<Verdict> armed(const ApprovalKey& key) const;
+    int secondsLeft(const ApprovalKey& key) const; ///< to undo it; never 0 while it is armed
 
-    void applyProposal(const QString& id);
-    void rejectProposal(const QString& id);
+    /// The row holds the text, trimmed, or the error says why not, for the person. It ends an undo window.
+    Result<void> saveDraftBody(const QString& id, const QString& body);
+
+    QString whyNot(const ApprovalKey& key) const; ///< why it no longer takes a verdict or an edit
+
     bool linkProposal(const QString& id, const QString& contactId); ///< false where it no longer waits
-    void approveDecision(const QString& id);
-    void rejectDecision(const QString& id);
+
+    const QString& notice() const { return m_notice; } ///< why the last verdict changed nothing, or empty
+    void dismissNotice();
 
 Q_SIGNALS:
-    void changed(); ///< a list, or which drafts are armed
+    void changed(); ///< a list, the notice, or what is armed, and each second while something is
+    void confirmationRequested(
+        const QString& key); ///< a banner's Approve of a risky decision, to be asked in the window
 
 private:
-    enum class Action { Approve, Reject };
+    enum class From { Window, Banner };
     struct Armed {
-        QString seenHash; ///< empty where nothing was shown
+        Verdict verdict = Verdict::Approve;
+        qint64 untilMs = 0;
+        ApprovalItem seen; ///< its hash is empty where nothing was shown
         std::unique_ptr<Timer> timer;
     };
 
     void handleNotificationAction(const QString& kind, const QString& id, const QString& action);
     void notifyNewItems();
-    void notifyActionFailure(Action action);
+    void notifyActionFailure(Verdict verdict, const QString& reason = {});
 
-    void approveAsSeen(const QString& id, const QString& seenHash);
-    void decideWork(const QString& id, Action action);
-    void settle(Decided decided, Action action, const QString& id);
-    QString shownHash(const QString& id) const;
-    std::optional<QString> disarm(const QString& id); ///< what was seen, where it was armed
+    void windowEnds(const ApprovalKey& key);
+    Decided carryOut(const ApprovalItem& seen, Verdict verdict);
+    void settle(const ApprovalItem& seen, Verdict verdict, From from);
+    void tellRefusal(const ApprovalItem& seen, Verdict verdict, Decided decided);
+    bool asksFirst(const ApprovalKey& key) const;
+    ApprovalItem shown(const ApprovalKey& key) const;
+    std::optional<ApprovalItem> disarm(const ApprovalKey& key); ///< what was seen, where it was armed
 
     NotificationCentre& m_centre;
     Notifier& m_notifier;
@@ -85,13 +97,17 @@ private:
     QPointer<EngineManager> m_engine;
     QPointer<CallRecorder> m_calls;
     QList<WorkDecisionRecord> m_decisions;
-    QSet<QString> m_armedDrafts;
-    std::map<QString, Armed> m_armed;
-    QSet<QString> m_seen; ///< keys of what was announced, or waited at launch
-    QHash<QString, QString> m_announced; ///< the hash of each draft as it was announced
+    std::map<ApprovalKey, Armed> m_armed;
+    std::unique_ptr<Timer> m_countDown;
+    QString m_notice;
+    std::set<ApprovalKey> m_seen; ///< what was announced, or waited at launch
+    std::map<ApprovalKey, ApprovalItem> m_announced; ///< each as it was announced
     bool m_baselined = false;
     std::unique_ptr<Timer> m_timer;
     NotificationCentre::Observation m_actionObserver;
 };
+
+/// How much of what the store holds waits for a decision; what is armed counts no more.
+int waitingForDecision(const ApprovalsStore& store);
 
 }

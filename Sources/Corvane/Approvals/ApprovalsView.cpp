@@ -1,7 +1,6 @@
 #include "Approvals/ApprovalsView.h"
 
 #include "Approvals/ApprovalsStore.h"
-#include "Engines/DraftDelivery.h"
 #include "Presentation/WAName.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -9,25 +8,18 @@
 
 namespace corvane {
 
-namespace {
-
-constexpr Milliseconds undoWindow { 5000 };
-
-QString editedDraftIsGone(const QString& text)
-{
-    return QStringLiteral("The draft that you edited no longer waits. Your text was: ") + text;
-}
-
-}
-
 ApprovalsView::ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_store(store)
     , m_db(db)
-    , m_scheduler(scheduler)
+    , m_editor(store)
     , m_link(store, db)
+    , m_log(store, db, scheduler)
+    , m_rows(scheduler)
 {
     connect(&store, &ApprovalsStore::changed, this, &ApprovalsView::present);
+    connect(&store, &ApprovalsStore::confirmationRequested, this, &ApprovalsView::ask);
+    connect(&m_editor, &DraftEdit::changed, this, &ApprovalsView::present);
     present();
 }
 
@@ -55,12 +47,16 @@ QString ApprovalsView::settingsEmptyText() const
                           "destructive action, or work_decision proposal.");
 }
 
-void ApprovalsView::setEditText(const QString& text)
+const QString& ApprovalsView::notice() const
 {
-    if (text == m_editText)
-        return;
-    m_editText = text;
-    Q_EMIT editTextChanged();
+    return m_store.notice();
+}
+
+int ApprovalsView::askingRow() const
+{
+    const auto& rows = m_rows.rows();
+    const auto found = std::ranges::find(rows, asking(), &ApprovalRow::key);
+    return asking().isEmpty() || found == rows.end() ? -1 : int(found - rows.begin());
 }
 
 const ApprovalRow* ApprovalsView::find(const QString& key) const
@@ -69,88 +65,83 @@ const ApprovalRow* ApprovalsView::find(const QString& key) const
     return found == m_rows.rows().end() ? nullptr : &*found;
 }
 
-void ApprovalsView::approve(const QString& key)
+const ApprovalRow* ApprovalsView::decidable(const QString& key) const
 {
     const ApprovalRow* const row = find(key);
-    if (!row || !row->canDecide || key == m_editing)
+    const bool edited = row && row->kind == u"draft" && row->id == m_editor.draftId();
+    return row && row->canDecide && !edited ? row : nullptr;
+}
+
+void ApprovalsView::approve(const QString& key)
+{
+    const ApprovalRow* const row = decidable(key);
+    if (!row)
         return;
-    const QString id = row->id;
-    if (row->kind == u"draft")
-        m_store.approveDraft(id, undoWindow);
-    else if (row->kind == u"proposal")
-        m_store.applyProposal(id);
-    else
-        m_store.approveDecision(id);
+    if (!row->question.isEmpty())
+        return ask(key);
+    decide(*row, Verdict::Approve);
+}
+
+void ApprovalsView::confirm()
+{
+    if (const ApprovalRow* const row = decidable(asking()))
+        decide(*row, Verdict::Approve);
 }
 
 void ApprovalsView::reject(const QString& key)
 {
-    const ApprovalRow* const row = find(key);
-    if (!row || !row->canDecide || key == m_editing)
-        return;
-    const QString id = row->id;
-    if (row->kind == u"draft")
-        m_store.rejectDraft(id);
-    else if (row->kind == u"proposal")
-        m_store.rejectProposal(id);
-    else
-        m_store.rejectDecision(id);
+    if (const ApprovalRow* const row = decidable(key))
+        decide(*row, Verdict::Reject);
+}
+
+void ApprovalsView::decide(const ApprovalRow& row, Verdict verdict)
+{
+    const auto key = ApprovalKey::fromText(row.key());
+    m_rows.hold(row.key());
+    if (row.key() == asking())
+        ask({});
+    if (key)
+        m_store.decide(*key, verdict, undoWindow);
+}
+
+void ApprovalsView::ask(const QString& key)
+{
+    const ApprovalRow* const row = decidable(key);
+    m_asked = row ? *row : ApprovalRow();
+    if (row)
+        m_log.setShown(false);
+    Q_EMIT askingChanged();
 }
 
 void ApprovalsView::undo(const QString& key)
 {
-    if (const ApprovalRow* const row = find(key); row && row->secondsLeft > 0)
-        m_store.undo(QString(row->id));
+    const auto undone = ApprovalKey::fromText(key);
+    if (undone && m_store.armed(*undone))
+        m_store.undo(*undone);
 }
 
 void ApprovalsView::edit(const QString& key)
 {
-    const ApprovalRow* const row = find(key);
-    if (!row || !row->canEdit || key == m_editing)
-        return;
-    m_editing = key;
-    setEditText(row->body);
-    Q_EMIT editingChanged();
-}
-
-void ApprovalsView::saveEdit()
-{
-    const ApprovalRow* const row = find(m_editing);
-    const QString text = m_editText;
-    if (!row || text.trimmed().isEmpty())
-        return;
-    const QString id = row->id;
-    leaveEdit();
-    m_store.saveDraftBody(id, text);
-}
-
-void ApprovalsView::cancelEdit()
-{
-    leaveEdit();
+    if (const ApprovalRow* const row = find(key); row && row->canEdit)
+        m_editor.begin(QString(row->id));
 }
 
 bool ApprovalsView::stepBack()
 {
-    const bool editing = !m_editing.isEmpty();
-    const bool linking = !editing && !m_link.proposalId().isEmpty();
-    leaveEdit();
-    if (linking)
+    if (!asking().isEmpty())
+        ask({});
+    else if (!m_editor.draftId().isEmpty())
+        m_editor.close();
+    else if (!m_link.proposalId().isEmpty())
         m_link.cancel();
-    return editing || linking;
-}
-
-void ApprovalsView::leaveEdit()
-{
-    if (m_editing.isEmpty())
-        return;
-    m_editing.clear();
-    Q_EMIT editingChanged();
+    else
+        return false;
+    return true;
 }
 
 void ApprovalsView::dismissNotice()
 {
-    m_notice.clear();
-    Q_EMIT changed();
+    m_store.dismissNotice();
 }
 
 void ApprovalsView::refresh()
@@ -158,52 +149,34 @@ void ApprovalsView::refresh()
     m_store.refresh();
 }
 
-int ApprovalsView::secondsLeft(const QString& draftId) const
+std::optional<Arming> ApprovalsView::arming(ApprovalKind kind, const QString& id) const
 {
-    const auto until = m_armedUntil.constFind(draftId);
-    if (until == m_armedUntil.cend())
-        return 0;
-    // Never 0 while it can still be undone.
-    return int(std::max<qint64>(1, (*until - m_scheduler.nowMs() + 999) / 1000));
+    const ApprovalKey key { kind, id };
+    const auto verdict = m_store.armed(key);
+    return verdict ? std::optional(Arming { *verdict, m_store.secondsLeft(key) }) : std::nullopt;
 }
 
-void ApprovalsView::countDown()
-{
-    const QSet<QString>& armed = m_store.armedDrafts();
-    m_armedUntil.removeIf([&](const auto& entry) { return !armed.contains(entry.key()); });
-    for (const QString& id : armed) {
-        if (!m_armedUntil.contains(id))
-            m_armedUntil.insert(id, m_scheduler.nowMs() + undoWindow.count());
-    }
-    if (armed.isEmpty())
-        m_countDown.reset();
-    else if (!m_countDown)
-        m_countDown = m_scheduler.every(Milliseconds(1000), [this] { present(); });
-}
-
-QList<ApprovalRow> ApprovalsView::currentRows()
+QList<ApprovalRow> ApprovalsView::currentRows() const
 {
     QList<ApprovalRow> rows;
-    for (const PendingDraft& draft : m_store.drafts())
-        rows.append(draftRow(draft, secondsLeft(draft.id)));
+    for (const PendingDraft& draft : m_editor.withLost(m_store.drafts()))
+        rows.append(draftRow(draft, arming(ApprovalKind::Draft, draft.id)));
     for (const CRMUpdateProposal& proposal : m_store.proposals())
         rows.append(proposalRow(proposal,
-            proposal.contactId.isEmpty() ? QString() : WAName::pretty(displayName(m_db, proposal.contactId))));
+            proposal.contactId.isEmpty() ? QString() : WAName::pretty(displayName(m_db, proposal.contactId)),
+            arming(ApprovalKind::Proposal, proposal.id)));
     for (const WorkDecisionRecord& decision : m_store.decisions())
-        rows.append(decisionRow(decision));
+        rows.append(decisionRow(decision, arming(ApprovalKind::Decision, decision.id)));
     return rows;
 }
 
 void ApprovalsView::present()
 {
-    countDown();
     const QList<ApprovalRow> rows = currentRows();
-    m_waiting = 0;
+    m_waiting = int(std::ranges::count_if(rows, &ApprovalRow::canDecide));
     m_headCounts.clear();
-    for (const ApprovalRow& row : rows) {
-        m_waiting += row.canDecide ? 1 : 0;
+    for (const ApprovalRow& row : rows)
         m_headCounts[row.head] = m_headCounts.value(row.head).toInt() + 1;
-    }
     m_emptyLines.clear();
     if (m_store.drafts().isEmpty())
         m_emptyLines.append(QStringLiteral("No message drafts waiting."));
@@ -211,21 +184,18 @@ void ApprovalsView::present()
         m_emptyLines.append(QStringLiteral("No CRM update proposals waiting."));
     if (m_store.decisions().isEmpty())
         m_emptyLines.append(QStringLiteral("No agent decisions waiting."));
-    m_rows.assign(rows);
-    if (const ApprovalRow* const edited = find(m_editing); !m_editing.isEmpty() && (!edited || !edited->canEdit)) {
-        m_notice = editedDraftIsGone(m_editText);
-        leaveEdit();
-    }
+    m_rows.assign(rows, [this](ApprovalRow& row) {
+        row.canDecide = row.canEdit = false;
+        row.secondsLeft = 0;
+        row.stateText = m_store.notice().isEmpty() && !row.settledText.isEmpty() ? row.settledText
+                                                                                 : QStringLiteral("No longer waiting");
+    });
+    const ApprovalRow* const asked = decidable(asking());
+    if (!asking().isEmpty() && (!asked || *asked != m_asked))
+        ask({}); // what was read when it was asked is not what stands there
     if (const QString linked = m_link.proposalId(); !linked.isEmpty() && !find(QStringLiteral("proposal:") + linked))
         m_link.cancel();
     Q_EMIT changed();
-}
-
-int waitingForDecision(const ApprovalsStore& store)
-{
-    const auto drafts = std::ranges::count_if(store.drafts(),
-        [&](const PendingDraft& draft) { return waitsForPerson(draft) && !store.armedDrafts().contains(draft.id); });
-    return int(drafts + store.proposals().size() + store.decisions().size());
 }
 
 }

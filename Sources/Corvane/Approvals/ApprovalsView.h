@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Approvals/ApprovalRow.h"
+#include "Approvals/DecisionLog.h"
+#include "Approvals/DraftEdit.h"
 #include "Approvals/ProposalLink.h"
-#include "Foundation/Scheduler.h"
 #include "Presentation/RowListModel.h"
 
-#include <QHash>
-#include <QVariantList>
+#include <QVariantMap>
 
 namespace corvane {
 
@@ -14,8 +14,8 @@ class ApprovalsStore;
 class LocalDB;
 
 /// What waits for a person, and what they do about it, in the words of every surface: the panel at the tray, the
-/// page and the settings. A draft that is approved goes out after five seconds, until which it can be undone. One
-/// draft at a time is edited, and its new text kept here until it is saved.
+/// page and the settings. Each verdict can be undone for five seconds; a risky decision is asked about before it is
+/// approved, one at a time.
 class ApprovalsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of ApprovalRow, by what they stand under
@@ -30,10 +30,12 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(QString settingsEmptyText READ settingsEmptyText CONSTANT)
     Q_PROPERTY(QString sourceText READ sourceText CONSTANT)
     Q_PROPERTY(QString reviewLabel READ reviewLabel CONSTANT)
-    Q_PROPERTY(QString editing READ editing NOTIFY editingChanged) ///< the key of the draft that is edited, or empty
-    Q_PROPERTY(QString editText READ editText WRITE setEditText NOTIFY editTextChanged)
+    Q_PROPERTY(QString asking READ asking NOTIFY askingChanged) ///< the key of what is asked about, or empty
+    Q_PROPERTY(int askingRow READ askingRow NOTIFY askingChanged) ///< its place, or -1
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last verdict changed nothing, or empty
+    Q_PROPERTY(QObject* editor READ editor CONSTANT)
     Q_PROPERTY(QObject* link READ link CONSTANT) ///< whom a change to the CRM is about
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what a person must know of their last edit, or empty
+    Q_PROPERTY(QObject* log READ log CONSTANT) ///< what was decided
 public:
     /// All of it outlives the view.
     ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
@@ -51,52 +53,46 @@ public:
     QString settingsEmptyText() const;
     QString sourceText() const { return QStringLiteral("Source: outbound_draft + work_decision"); }
     QString reviewLabel() const { return QStringLiteral("Review all in Approvals"); }
-    const QString& editing() const { return m_editing; }
-    const QString& editText() const { return m_editText; }
-    void setEditText(const QString& text);
+    const QString& asking() const { return m_asked.key(); }
+    int askingRow() const;
+    const QString& notice() const;
+    DraftEdit* editor() { return &m_editor; }
     ProposalLink* link() { return &m_link; }
-    const QString& notice() const { return m_notice; }
+    DecisionLog* log() { return &m_log; }
 
     // By the key of a row; one that is gone, or stands otherwise by now, stays as it is.
-    Q_INVOKABLE void approve(const QString& key); ///< a retry and an apply, too
+    Q_INVOKABLE void approve(const QString& key); ///< a retry and an apply, too; a risky one is asked about instead
+    Q_INVOKABLE void confirm(); ///< approves what is asked about
     Q_INVOKABLE void reject(const QString& key);
     Q_INVOKABLE void undo(const QString& key);
     Q_INVOKABLE void edit(const QString& key);
-    Q_INVOKABLE void saveEdit(); ///< a text of white space alone is not saved
-    Q_INVOKABLE void cancelEdit();
-    Q_INVOKABLE bool stepBack(); ///< leaves what is edited or linked; false where nothing is
+    Q_INVOKABLE bool stepBack(); ///< leaves what is asked, edited or linked; false where nothing is
     Q_INVOKABLE void dismissNotice();
     Q_INVOKABLE void refresh(); ///< as a surface comes up
 
 Q_SIGNALS:
     void changed();
-    void editingChanged();
-    void editTextChanged();
+    void askingChanged();
 
 private:
     const ApprovalRow* find(const QString& key) const;
+    const ApprovalRow* decidable(const QString& key) const;
+    void decide(const ApprovalRow& row, Verdict verdict);
+    void ask(const QString& key); ///< one that is not there ends the question
     void present();
-    void countDown();
-    int secondsLeft(const QString& draftId) const;
-    QList<ApprovalRow> currentRows();
-    void leaveEdit();
+    std::optional<Arming> arming(ApprovalKind kind, const QString& id) const;
+    QList<ApprovalRow> currentRows() const;
 
     ApprovalsStore& m_store;
     LocalDB& m_db;
-    Scheduler& m_scheduler;
+    DraftEdit m_editor;
     ProposalLink m_link;
+    DecisionLog m_log;
     RowListModel<ApprovalRow> m_rows;
-    QHash<QString, qint64> m_armedUntil; ///< by draft, in milliseconds since the epoch
-    std::unique_ptr<Timer> m_countDown;
     int m_waiting = 0;
     QVariantMap m_headCounts;
     QStringList m_emptyLines;
-    QString m_editing;
-    QString m_editText;
-    QString m_notice;
+    ApprovalRow m_asked; ///< as it stood when it was asked
 };
-
-/// How much of what the store holds waits for a decision.
-int waitingForDecision(const ApprovalsStore& store);
 
 }

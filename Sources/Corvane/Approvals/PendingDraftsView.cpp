@@ -1,5 +1,7 @@
 #include "Approvals/PendingDraftsView.h"
 
+#include "Approvals/ApprovalsStore.h"
+#include "Approvals/DraftEdit.h"
 #include "Approvals/DraftWords.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
@@ -33,19 +35,31 @@ PendingDraftItem itemOf(const PendingDraft& draft)
 
 }
 
-PendingDraftsView::PendingDraftsView(EngineManager& engine, AccountStore& accounts, QObject* parent)
+PendingDraftsView::PendingDraftsView(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
-    , m_engine(engine)
-    , m_accounts(accounts)
+    , m_at(surroundings)
+    , m_rows(surroundings.scheduler)
 {
-    connect(&engine, &EngineManager::pendingDraftsChanged, this, &PendingDraftsView::present);
+    connect(&m_at.approvals, &ApprovalsStore::changed, this, &PendingDraftsView::present);
+    connect(&m_at.editor, &DraftEdit::changed, this, &PendingDraftsView::present);
     present();
+}
+
+const QString& PendingDraftsView::notice() const
+{
+    return m_at.approvals.notice();
+}
+
+QObject* PendingDraftsView::editor() const
+{
+    return &m_at.editor;
 }
 
 const PendingDraft* PendingDraftsView::decidable(const QString& id) const
 {
     const auto found = std::ranges::find(m_drafts, id, &PendingDraft::id);
-    return found == m_drafts.end() || !waitsForPerson(*found) ? nullptr : &*found;
+    const bool free = found != m_drafts.end() && waitsForPerson(*found) && id != m_at.editor.draftId();
+    return free && !m_at.approvals.armed(draftKey(id)) ? &*found : nullptr;
 }
 
 void PendingDraftsView::askToConfirm(const QString& id)
@@ -62,54 +76,60 @@ void PendingDraftsView::cancelConfirm()
 
 void PendingDraftsView::approveDraft(const QString& id)
 {
-    const PendingDraft* shown = decidable(id);
+    const PendingDraft* const shown = decidable(id);
     if (!shown)
         return;
-    const PendingDraft draft = *shown;
-    if (const auto account = m_accounts.findBySlug(draft.accountId)) {
-        afterAction(m_engine.releaseDraft(draft, *account));
+    const QString draft = id; // the question goes with what it asked
+    m_confirmDraft.clear();
+    if (!m_at.accounts.findBySlug(shown->accountId)) {
+        failWaitingDraft(
+            m_at.engine.db(), draft, QStringLiteral("Account %1 is no longer connected").arg(shown->accountId));
+        m_at.engine.refreshDrafts();
         return;
     }
-    failWaitingDraft(m_engine.db(), id, QStringLiteral("Account %1 is no longer connected").arg(draft.accountId));
-    afterAction(Decided::Taken);
+    m_rows.hold(draft);
+    m_at.approvals.decide(draftKey(draft), Verdict::Approve, undoWindow);
 }
 
 void PendingDraftsView::reject(const QString& id)
 {
-    if (decidable(id))
-        afterAction(rejectDraft(m_engine.db(), id));
+    if (!decidable(id))
+        return;
+    m_rows.hold(id);
+    m_at.approvals.decide(draftKey(id), Verdict::Reject, undoWindow);
 }
 
-void PendingDraftsView::edit(const QString& id, const QString& body)
+void PendingDraftsView::undo(const QString& id)
 {
-    if (!decidable(id) || body.trimmed().isEmpty())
-        return;
-    afterAction(editDraft(m_engine.db(), id, body.trimmed()) ? Decided::Taken : Decided::Refused);
+    if (m_at.approvals.armed(draftKey(id)))
+        m_at.approvals.undo(draftKey(id));
 }
 
 void PendingDraftsView::dismissNotice()
 {
-    m_notice.clear();
-    Q_EMIT changed();
-}
-
-void PendingDraftsView::afterAction(Decided decided)
-{
-    m_notice = decided == Decided::Taken
-        ? QString()
-        : QStringLiteral("This draft changed while it was shown. Read it again before you decide.");
-    m_confirmDraft.clear();
-    m_engine.refreshDrafts();
-    Q_EMIT changed();
+    m_at.approvals.dismissNotice();
 }
 
 void PendingDraftsView::present()
 {
-    m_drafts = m_engine.pendingDrafts();
+    m_drafts = m_at.editor.withLost(m_at.approvals.drafts());
     QList<PendingDraftItem> items;
-    for (const PendingDraft& draft : std::as_const(m_drafts))
-        items.append(itemOf(draft));
-    m_rows.assign(items);
+    for (const PendingDraft& draft : std::as_const(m_drafts)) {
+        PendingDraftItem item = itemOf(draft);
+        if (const auto verdict = m_at.approvals.armed(draftKey(draft.id))) {
+            item.canDecide = false;
+            item.secondsLeft = m_at.approvals.secondsLeft(draftKey(draft.id));
+            item.statusLabel
+                = *verdict == Verdict::Approve ? QStringLiteral("Sending…") : QStringLiteral("Discarding…");
+        }
+        if (m_at.editor.lost() && draft.id == m_at.editor.draftId())
+            item.statusLabel = QStringLiteral("No longer waiting");
+        items.append(item);
+    }
+    m_rows.assign(items, [](PendingDraftItem& item) {
+        item.canDecide = false;
+        item.secondsLeft = 0;
+    });
     if (!decidable(m_confirmDraft))
         m_confirmDraft.clear();
     Q_EMIT changed();

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "Presentation/RowListModel.h"
-#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Approvals/OutboundQueries.h"
 
 namespace corvane {
 
 class AccountStore;
+class ApprovalsStore;
+class DraftEdit;
 class EngineManager;
 
-/// A draft that waits, in the words of the screen.
+/// A draft that waits, in the words of the bar.
 class PendingDraftItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -17,6 +19,7 @@ class PendingDraftItem {
     Q_PROPERTY(QString preview MEMBER preview)
     Q_PROPERTY(QString status MEMBER status)
     Q_PROPERTY(QString statusLabel MEMBER statusLabel)
+    Q_PROPERTY(int secondsLeft MEMBER secondsLeft)
     Q_PROPERTY(QString failureReason MEMBER failureReason)
     Q_PROPERTY(QString platform MEMBER platform)
     Q_PROPERTY(bool canDecide MEMBER canDecide)
@@ -28,6 +31,7 @@ public:
     QString preview; ///< as much of the body as a line can show
     QString status;
     QString statusLabel;
+    int secondsLeft = 0; ///< to undo what a person said; 0 where nothing can be undone
     QString failureReason; ///< of one that failed, or waits for a person again
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
@@ -37,8 +41,9 @@ public:
     bool operator==(const PendingDraftItem&) const = default;
 };
 
-/// What waits for a person before it goes out, or for an acknowledgment after it went. Approving one asks first,
-/// one draft at a time.
+/// What waits for a person before it goes out, or for an acknowledgment after it went, as the bar over the thread shows
+/// it. Approving one asks first, one draft at a time; from then on it can be undone for five seconds, here and on every
+/// other surface.
 class PendingDraftsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of PendingDraftItem
@@ -47,21 +52,31 @@ class PendingDraftsView : public QObject {
         QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one that is asked about, or empty
     Q_PROPERTY(QString confirmText READ confirmText CONSTANT)
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action did nothing, or empty
+    Q_PROPERTY(QObject* editor READ editor CONSTANT)
 public:
-    /// Both outlive the view.
-    PendingDraftsView(EngineManager& engine, AccountStore& accounts, QObject* parent = nullptr);
+    /// What the bar stands on; all of it outlives the view.
+    struct Surroundings {
+        ApprovalsStore& approvals;
+        DraftEdit& editor;
+        EngineManager& engine;
+        AccountStore& accounts;
+        Scheduler& scheduler;
+    };
+
+    explicit PendingDraftsView(const Surroundings& surroundings, QObject* parent = nullptr);
 
     QAbstractItemModel* rows() { return &m_rows; }
     int count() const { return m_rows.rowCount(); }
     const QString& confirmDraft() const { return m_confirmDraft; }
     QString confirmText() const { return QStringLiteral("Send this message?"); }
-    const QString& notice() const { return m_notice; }
+    const QString& notice() const;
+    QObject* editor() const;
 
     Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was asked about no longer is
     Q_INVOKABLE void cancelConfirm();
-    Q_INVOKABLE void approveDraft(const QString& id); ///< sends what the row shows, at once; a retry, too
+    Q_INVOKABLE void approveDraft(const QString& id); ///< what the row shows; a retry, too
     Q_INVOKABLE void reject(const QString& id);
-    Q_INVOKABLE void edit(const QString& id, const QString& body); ///< an empty text changes nothing
+    Q_INVOKABLE void undo(const QString& id);
     Q_INVOKABLE void dismissNotice();
 
 Q_SIGNALS:
@@ -70,14 +85,11 @@ Q_SIGNALS:
 private:
     const PendingDraft* decidable(const QString& id) const;
     void present();
-    void afterAction(Decided decided);
 
-    EngineManager& m_engine;
-    AccountStore& m_accounts;
+    Surroundings m_at;
     QList<PendingDraft> m_drafts; ///< as shown
     RowListModel<PendingDraftItem> m_rows;
     QString m_confirmDraft;
-    QString m_notice;
 };
 
 }

@@ -69,6 +69,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_calls = std::make_unique<CallRecorder>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
+    connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     setUpTray();
 }

@@ -15,6 +15,7 @@ Screens::Screens(const Surroundings& at)
     , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
           at.paths, at.ai, at.translations })
     , approvals(at.approvals, at.engine.db(), at.scheduler)
+    , drafts({ at.approvals, *approvals.editor(), at.engine, at.accounts, at.scheduler })
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
     , closingNotice(at.tray, at.defaults)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
+#include "Approvals/PendingDraftsView.h"
 #include "Desk/CorvaneMenuBarView.h"
 #include "Inbox/List/InboxView.h"
 #include "Settings/Appearance.h"
@@ -50,6 +51,7 @@ public:
     ProfileMenu profile;
     InboxView inbox;
     ApprovalsView approvals;
+    PendingDraftsView drafts;
     IntegrationsView settings;
     CorvaneMenuBarView panel;
     ClosingNotice closingNotice;

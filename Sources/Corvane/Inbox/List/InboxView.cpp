@@ -48,7 +48,6 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
     , m_summary(m_engine.db(), surroundings.ai)
     , m_askLumo(m_engine.db(), surroundings.ai)
-    , m_drafts(m_engine, m_accounts)
     , m_composeSheet(m_accounts,
           [this](const Account& account, const QString& recipient, const QString& message) {
               return composeNew(account, recipient, message);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Approvals/PendingDraftsView.h"
 #include "CRM/CRMPane.h"
 #include "Foundation/Coalescer.h"
 #include "Foundation/NotificationCentre.h"
@@ -81,7 +80,6 @@ class InboxView : public QObject {
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
     Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
     Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
-    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< what waits before it goes out
     Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
     Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
     Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
@@ -151,7 +149,6 @@ public:
     DraftAssistant* assistant() { return &m_assistant; }
     ThreadSummary* summary() { return &m_summary; }
     AskLumo* askLumo() { return &m_askLumo; }
-    PendingDraftsView* drafts() { return &m_drafts; }
     ComposeSheet* composeSheet() { return &m_composeSheet; }
     bool shown() const { return m_shown; }
     void setShown(bool shown); ///< whether the list can be seen; one that cannot is read again when it shows
@@ -279,7 +276,6 @@ private:
     DraftAssistant m_assistant;
     ThreadSummary m_summary;
     AskLumo m_askLumo;
-    PendingDraftsView m_drafts;
     ComposeSheet m_composeSheet;
     CRMPane m_crm;
     UndoOffer m_undo;

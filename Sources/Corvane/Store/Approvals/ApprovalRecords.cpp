@@ -1,5 +1,7 @@
 #include "Store/Approvals/ApprovalRecords.h"
 
+#include "Store/Core/Transaction.h"
+
 #include <QCryptographicHash>
 #include <QSet>
 
@@ -64,6 +66,18 @@ bool appendRecord(
                "VALUES(?,?,?,?,?,?,?,?);",
                { line.seq, line.at, kind, subjectId, action, contentHash, line.previousHash, line.hash })
         == 1;
+}
+
+void recordUndo(LocalDB& db, const QString& kind, const QString& subjectId, const QString& contentHash)
+{
+    Transaction transaction(db);
+    if (transaction.begun() && appendRecord(db, kind, subjectId, QStringLiteral("undo"), contentHash))
+        (void)transaction.commit();
+}
+
+QList<ApprovalRecord> latestRecords(LocalDB& db, int limit)
+{
+    return db.rows(columns + QStringLiteral("ORDER BY seq DESC LIMIT ?;"), { limit }, recordFrom);
 }
 
 RecordCheck checkRecords(SqlConnection& db)

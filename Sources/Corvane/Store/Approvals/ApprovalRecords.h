@@ -10,7 +10,7 @@ namespace corvane {
 enum class Decided {
     Taken,
     AlreadySo, ///< it had been decided this way before; nothing changed
-    Changed, ///< it is not as it was seen; it waits for another decision and says so in `error`
+    Changed, ///< it is not as it was seen, and waits for another decision
     Refused, ///< gone, decided otherwise, or the file took no change
 };
 
@@ -33,6 +33,11 @@ QString fieldsHash(const QStringList& fields);
 /// other's last line; the line then stands or falls with what it records.
 [[nodiscard]] bool appendRecord(
     LocalDB& db, const QString& kind, const QString& subjectId, const QString& action, const QString& contentHash);
+
+/// A decision that was taken back before it counted; `contentHash` is of what it was about.
+void recordUndo(LocalDB& db, const QString& kind, const QString& subjectId, const QString& contentHash);
+
+QList<ApprovalRecord> latestRecords(LocalDB& db, int limit); ///< newest first
 
 /// What a check of the whole record says.
 struct RecordCheck {

@@ -2,7 +2,6 @@
 
 #include "Foundation/Json.h"
 #include "Foundation/Result.h"
-#include "Store/Approvals/ApprovalRecords.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmRecords.h"
@@ -13,6 +12,8 @@ namespace corvane {
 namespace {
 
 const QString pending = QStringLiteral("pending");
+const QString applied = QStringLiteral("applied");
+const QString rejected = QStringLiteral("rejected");
 const QString note = QStringLiteral("note");
 const QString task = QStringLiteral("task");
 
@@ -51,9 +52,8 @@ WHERE workspace_id=? AND id=?;)",
 
 bool recordDecision(LocalDB& db, const CRMUpdateProposal& proposal, const char* action)
 {
-    return appendRecord(db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action),
-        fieldsHash({ QStringLiteral("proposal"), proposal.kind, proposal.contactId, proposal.dealId, proposal.title,
-            proposal.payloadJson }));
+    return appendRecord(
+        db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action), proposalHash(proposal));
 }
 
 /// The reason where it fails.
@@ -104,35 +104,50 @@ std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id)
         columns + QStringLiteral("WHERE workspace_id=? AND id=? LIMIT 1;"), { activeWorkspaceId(db), id }, proposal);
 }
 
-bool applyCRMUpdateProposal(LocalDB& db, const QString& id)
+QString proposalHash(const CRMUpdateProposal& proposal)
 {
-    const auto found = crmProposal(db, id);
-    if (!found || found->status != pending)
-        return false;
+    return fieldsHash({ QStringLiteral("proposal"), proposal.kind, proposal.contactId, proposal.dealId, proposal.title,
+        proposal.payloadJson });
+}
+
+Decided applyCRMUpdateProposal(LocalDB& db, const QString& id, const QString& seenHash)
+{
+    std::optional<CRMUpdateProposal> found;
     std::optional<QString> error;
     {
         Transaction transaction(db);
-        if (!transaction.begun() || crmProposal(db, id) != found)
-            return false;
+        found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
+        if (found && found->status == applied)
+            return Decided::AlreadySo;
+        if (!found || found->status != pending)
+            return Decided::Refused;
+        if (proposalHash(*found) != seenHash)
+            return Decided::Changed;
         error = write(db, *found);
         if (!error) {
-            return updateStatus(db, id, QStringLiteral("applied"), std::nullopt) && recordDecision(db, *found, "apply")
+            const bool done = updateStatus(db, id, applied, std::nullopt) && recordDecision(db, *found, "apply")
                 && transaction.commit();
+            return done ? Decided::Taken : Decided::Refused;
         }
     }
     // Another program may have decided it meanwhile, and what was rejected does not come back.
     Transaction transaction(db);
     if (transaction.begun() && crmProposal(db, id) == found && updateStatus(db, id, pending, error))
         (void)transaction.commit();
-    return false;
+    return Decided::Refused;
 }
 
-bool rejectCRMUpdateProposal(LocalDB& db, const QString& id)
+Decided rejectCRMUpdateProposal(LocalDB& db, const QString& id)
 {
     Transaction transaction(db);
     const auto found = transaction.begun() ? crmProposal(db, id) : std::nullopt;
-    return found && found->status == pending && updateStatus(db, id, QStringLiteral("rejected"), std::nullopt)
-        && recordDecision(db, *found, "reject") && transaction.commit();
+    if (found && found->status == rejected)
+        return Decided::AlreadySo;
+    if (!found || found->status != pending)
+        return Decided::Refused;
+    const bool done
+        = updateStatus(db, id, rejected, std::nullopt) && recordDecision(db, *found, "reject") && transaction.commit();
+    return done ? Decided::Taken : Decided::Refused;
 }
 
 bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Store/Core/LocalDB.h"
+#include "Store/Approvals/ApprovalRecords.h"
 
 namespace corvane {
 
@@ -26,11 +26,13 @@ struct CRMUpdateProposal {
 QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit);
 std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id);
 
-/// Writes what a pending proposal proposes. Where that fails it stays pending and keeps the reason.
-bool applyCRMUpdateProposal(LocalDB& db, const QString& id);
+/// Stands for what it would write, and on whom.
+QString proposalHash(const CRMUpdateProposal& proposal);
 
-/// False where it is not pending.
-bool rejectCRMUpdateProposal(LocalDB& db, const QString& id);
+/// Writes what a pending proposal proposes, as it was seen, that is: with that hash. Where that fails it stays pending
+/// and keeps the reason.
+Decided applyCRMUpdateProposal(LocalDB& db, const QString& id, const QString& seenHash);
+Decided rejectCRMUpdateProposal(LocalDB& db, const QString& id);
 
 /// Points a pending proposal at a contact, and with it its call and all pending proposals of that call.
 bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId);

@@ -102,13 +102,6 @@ Decided rejectDraft(LocalDB& db, const QString& id)
     return done ? Decided::Taken : Decided::Refused;
 }
 
-void recordUndo(LocalDB& db, const QString& id, const QString& seenHash)
-{
-    Transaction transaction(db);
-    if (transaction.begun() && record(db, id, "undo", seenHash))
-        (void)transaction.commit();
-}
-
 bool editDraft(LocalDB& db, const QString& id, const QString& body)
 {
     Transaction transaction(db);

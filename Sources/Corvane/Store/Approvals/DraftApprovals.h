@@ -17,7 +17,6 @@ Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash);
 /// From "pending", "failed" and "approved"; one that went to its engine is not called back.
 Decided rejectDraft(LocalDB& db, const QString& id);
 
-void recordUndo(LocalDB& db, const QString& id, const QString& seenHash); ///< an approval taken back before it counted
 bool editDraft(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
 
 /// A pending or failed draft that nobody can send.

@@ -5,7 +5,11 @@
 
 namespace corvane {
 
-Decided decideWorkDecision(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy)
+namespace {
+
+/// Nothing was seen of one that is rejected: whatever it says by now, it does not happen.
+Decided decide(LocalDB& db, const QString& id, const char* action, const QString& status, const QString& decidedBy,
+    const std::optional<QString>& seenHash)
 {
     Transaction transaction(db);
     const auto decision = transaction.begun() ? fetchWorkDecision(db, id) : std::nullopt;
@@ -13,12 +17,30 @@ Decided decideWorkDecision(LocalDB& db, const QString& id, const QString& status
         return Decided::AlreadySo;
     if (!decision || decision->status != u"proposed")
         return Decided::Refused;
-    const QString hash = fieldsHash({ QStringLiteral("decision"), decision->module, decision->title, decision->proposal,
-        decision->rationale, decision->risk });
-    const QString action = status == u"approved" ? QStringLiteral("approve") : QStringLiteral("reject");
+    const QString hash = decisionHash(*decision);
+    if (seenHash && *seenHash != hash)
+        return Decided::Changed;
     const bool done = updateWorkDecisionStatus(db, id, status, decidedBy)
-        && appendRecord(db, QStringLiteral("decision"), id, action, hash) && transaction.commit();
+        && appendRecord(db, QStringLiteral("decision"), id, QString::fromLatin1(action), hash) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
+}
+
+}
+
+QString decisionHash(const WorkDecisionRecord& decision)
+{
+    return fieldsHash({ QStringLiteral("decision"), decision.module, decision.title, decision.proposal,
+        decision.rationale, decision.risk });
+}
+
+Decided approveWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy, const QString& seenHash)
+{
+    return decide(db, id, "approve", QStringLiteral("approved"), decidedBy, seenHash);
+}
+
+Decided rejectWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy)
+{
+    return decide(db, id, "reject", QStringLiteral("rejected"), decidedBy, std::nullopt);
 }
 
 }

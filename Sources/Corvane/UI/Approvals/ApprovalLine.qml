@@ -20,13 +20,17 @@ FocusScope {
     required property string stateText
     required property int secondsLeft
     required property string approveLabel
+    required property string question
     required property bool canDecide
     required property bool canEdit
     required property string linkLabel
+    required property bool held ///< it is gone, and keeps its place for a moment
     required property QtObject approvals
     property bool ringed: false
 
-    readonly property bool editing: approvals.editing === key
+    readonly property QtObject editor: approvals.editor
+    readonly property bool editing: kind === "draft" && editor.draftId === id
+    readonly property bool asking: approvals.asking === key
     readonly property bool linking: kind === "proposal" && approvals.link.proposalId === id
     readonly property bool armed: secondsLeft > 0
     readonly property bool tells: detail !== "" || riskText !== ""
@@ -35,6 +39,8 @@ FocusScope {
     readonly property var signs: ({ proposal: "user", decision: "approvals" })
 
     objectName: "approval:" + key
+    enabled: !held
+    opacity: held ? 0.6 : 1
     implicitHeight: card.implicitHeight
     Accessible.role: Accessible.ListItem
     Accessible.name: [title, riskText, stateText, body].filter(part => part !== "").join(", ")
@@ -44,10 +50,14 @@ FocusScope {
         if (activeFocus && button.visible)
             button.forceActiveFocus(Qt.TabFocusReason);
     }
+    function focusQuestion() {
+        doubt.forceActiveFocus(Qt.TabFocusReason);
+    }
     function toggleText() {
         wholeText = !wholeText;
     }
     onArmedChanged: Qt.callLater(focusOn, armed ? undo : approve)
+    onAskingChanged: if (!asking) Qt.callLater(focusOn, armed ? undo : approve)
     onEditingChanged: Qt.callLater(focusOn, editing ? words : approve)
     onLinkingChanged: Qt.callLater(linking ? picker.focusSearch : () => line.focusOn(approve))
 
@@ -72,20 +82,11 @@ FocusScope {
                 id: title
                 anchors.left: sign.right
                 anchors.leftMargin: Theme.small
-                anchors.right: state.left
-                anchors.rightMargin: state.text ? Theme.small : 0
+                anchors.right: parent.right
                 text: line.title
                 wrapMode: Text.Wrap
                 maximumLineCount: 3
                 font.weight: Theme.strong
-                Accessible.ignored: true
-            }
-            Label {
-                id: state
-                objectName: "approval.state"
-                anchors.right: parent.right
-                text: line.stateText
-                color: Theme.soft
                 Accessible.ignored: true
             }
         }
@@ -116,9 +117,20 @@ FocusScope {
             height: implicitHeight
             visible: line.editing
             placeholderText: qsTr("Message")
-            onVisibleChanged: if (visible) text = line.approvals.editText
-            onTextChanged: if (visible) line.approvals.editText = text
-            onSubmitted: line.approvals.saveEdit()
+            readOnly: line.editor.lost
+            onVisibleChanged: if (visible) text = line.editor.text
+            onTextChanged: if (visible) line.editor.text = text
+            onSubmitted: line.editor.save()
+        }
+        Label {
+            objectName: "approval.problem"
+            width: parent.width
+            visible: line.editing && text !== ""
+            text: line.editor.problem
+            wrapMode: Text.Wrap
+            color: Theme.bad
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
         }
         Label {
             width: parent.width
@@ -140,14 +152,25 @@ FocusScope {
             visible: line.linking
             link: line.approvals.link
         }
+        Label {
+            objectName: "approval.question"
+            width: parent.width
+            visible: line.asking
+            text: line.question
+            wrapMode: Text.Wrap
+            font.weight: Theme.strong
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
+        // As high in every state: what lies under the pointer does not move when the buttons change.
         Item {
             width: parent.width
             implicitHeight: Theme.control
-            visible: (line.canDecide || line.armed || line.tells) && !line.linking
+            visible: !line.linking
 
             Row {
                 id: deciding
-                visible: line.canDecide && !line.editing
+                visible: line.canDecide && !line.editing && !line.asking
                 spacing: Theme.small
                 Button {
                     id: approve
@@ -179,21 +202,41 @@ FocusScope {
                     onClicked: line.approvals.reject(line.key)
                 }
             }
-            Row {
+            Label {
+                objectName: "approval.state"
+                anchors.verticalCenter: parent.verticalCenter
+                visible: text !== "" && !line.editing
+                width: parent.width - (line.armed ? undo.width + Theme.small : 0)
+                text: line.armed ? qsTr("%1 %2 s").arg(line.stateText).arg(line.secondsLeft) : line.stateText
+                color: Theme.soft
+                Accessible.ignored: true
+            }
+            // Apart from the other buttons: a second press on one of them does not undo the first.
+            Button {
+                id: undo
+                objectName: "approval.undo"
+                anchors.right: parent.right
                 visible: line.armed
+                text: qsTr("Undo")
+                Accessible.name: text + ": " + line.title
+                onClicked: line.approvals.undo(line.key)
+            }
+            Row {
+                visible: line.asking
                 spacing: Theme.small
                 Button {
-                    id: undo
-                    objectName: "approval.undo"
-                    text: qsTr("Undo")
+                    id: doubt
+                    objectName: "approval.doubt"
+                    text: qsTr("Not now")
                     Accessible.name: text + ": " + line.title
-                    onClicked: line.approvals.undo(line.key)
+                    onClicked: line.approvals.stepBack()
                 }
-                Label {
-                    anchors.verticalCenter: parent.verticalCenter
-                    text: qsTr("%1 s").arg(line.secondsLeft)
-                    color: Theme.faint
-                    Accessible.ignored: true
+                Button {
+                    objectName: "approval.confirm"
+                    kind: "primary"
+                    text: line.approveLabel
+                    Accessible.name: line.question + " " + text
+                    onClicked: line.approvals.confirm()
                 }
             }
             Row {
@@ -201,22 +244,29 @@ FocusScope {
                 spacing: Theme.small
                 Button {
                     objectName: "approval.save"
+                    visible: !line.editor.lost
                     kind: "primary"
-                    enabled: words.text.trim() !== ""
+                    enabled: line.editor.canSave
                     text: qsTr("Save")
-                    onClicked: line.approvals.saveEdit()
+                    onClicked: line.editor.save()
+                }
+                Button {
+                    objectName: "approval.copy"
+                    visible: line.editor.lost
+                    text: qsTr("Copy text")
+                    onClicked: words.copyAll()
                 }
                 Button {
                     objectName: "approval.cancel"
                     kind: "quiet"
-                    text: qsTr("Cancel")
-                    onClicked: line.approvals.cancelEdit()
+                    text: line.editor.lost ? qsTr("Close") : qsTr("Cancel")
+                    onClicked: line.editor.close()
                 }
             }
             Row {
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
-                visible: !line.editing && line.tells
+                visible: !line.editing && !line.armed && line.tells
                 spacing: Theme.small
                 Label {
                     anchors.verticalCenter: parent.verticalCenter

@@ -1,18 +1,21 @@
 import QtQuick
 import Corvane
 
-/// The screen where messages, CRM updates and decisions wait together, whether the desktop has a tray or not.
+/// The screen where messages, CRM updates and decisions wait together, whether the desktop has a tray or not, and what
+/// was decided.
 Page {
     id: page
 
     required property QtObject approvals
+    readonly property bool decided: approvals.log.shown
 
     signal leave
 
     function act(command: string) {
+        const list = content.item;
         if (command === "next" || command === "previous")
             list.step(command === "next" ? 1 : -1);
-        else if (command === "undo")
+        else if (command === "undo" && !page.decided)
             list.undoCurrent();
         else if (command === "back" && !approvals.stepBack())
             leave();
@@ -20,6 +23,7 @@ Page {
 
     panes: [desk]
     Component.onCompleted: approvals.refresh()
+    Component.onDestruction: approvals.log.shown = false
 
     FocusScope {
         id: desk
@@ -31,7 +35,7 @@ Page {
         Item {
             id: top
             anchors.horizontalCenter: parent.horizontalCenter
-            width: list.width - list.sideMargin * 2
+            width: content.width - Theme.medium * 2
             height: title.height + Theme.huge + Theme.small
             Label {
                 id: title
@@ -41,22 +45,49 @@ Page {
                 font.weight: Theme.strong
                 Accessible.role: Accessible.Heading
             }
-            Label {
+            Row {
                 anchors.right: parent.right
-                anchors.baseline: title.baseline
-                visible: page.approvals.count > 0
-                text: page.approvals.waitingText
-                color: Theme.soft
+                anchors.verticalCenter: title.verticalCenter
+                spacing: Theme.tight
+                Accessible.role: Accessible.PageTabList
+                Accessible.name: qsTr("Views")
+                FilterTab {
+                    objectName: "approvals.waitingTab"
+                    text: qsTr("Waiting")
+                    count: page.approvals.waiting
+                    selected: !page.decided
+                    onClicked: page.approvals.log.shown = false
+                }
+                FilterTab {
+                    objectName: "approvals.decidedTab"
+                    text: qsTr("Decided")
+                    selected: page.decided
+                    onClicked: page.approvals.log.shown = true
+                }
             }
         }
-        ApprovalList {
-            id: list
+        Loader {
+            id: content
             anchors.top: top.bottom
             anchors.bottom: parent.bottom
             anchors.horizontalCenter: parent.horizontalCenter
-            width: Math.min(760 + sideMargin * 2, parent.width - Theme.huge)
+            width: Math.min(760 + Theme.medium * 2, parent.width - Theme.huge)
+            focus: true
+            sourceComponent: page.decided ? log : waiting
+        }
+    }
+    Component {
+        id: waiting
+        ApprovalList {
             focus: true
             approvals: page.approvals
+        }
+    }
+    Component {
+        id: log
+        DecidedList {
+            focus: true
+            log: page.approvals.log
         }
     }
 }

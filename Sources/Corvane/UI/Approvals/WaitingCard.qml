@@ -20,7 +20,7 @@ Card {
     ApprovalList {
         x: -sideMargin
         width: parent.width + sideMargin * 2
-        height: Math.min(contentHeight + topMargin + bottomMargin, 420)
+        height: Math.min(fullHeight, 420)
         visible: count > 0
         approvals: card.approvals
     }

@@ -9,6 +9,7 @@ FocusScope {
 
     property alias text: area.text
     property alias placeholderText: area.placeholderText
+    property alias readOnly: area.readOnly
     property string label
     property int minimumLines: 1
     property int maximumLines: 8
@@ -21,6 +22,11 @@ FocusScope {
 
     function moveToEnd() {
         area.cursorPosition = area.length;
+    }
+
+    function copyAll() {
+        area.selectAll();
+        area.copy();
     }
 
     implicitWidth: 240

@@ -18,15 +18,20 @@ Column {
     required property string platform
     required property bool canDecide
     required property string approveLabel
+    required property int secondsLeft
+    required property bool held ///< it is gone, and keeps its place for a moment
 
     readonly property bool asking: drafts.confirmDraft === id
+    readonly property QtObject editor: drafts.editor
+    readonly property bool editing: editor.draftId === id
+    readonly property bool armed: secondsLeft > 0
     property bool open: false
-    property bool editing: false
 
     signal toggled
     signal decided ///< told before it is done, as the line may go with it
 
-    onOpenChanged: editing = false
+    enabled: !held
+    opacity: held ? 0.6 : 1
 
     function focusHead() {
         head.forceActiveFocus(Qt.TabFocusReason);
@@ -46,7 +51,7 @@ Column {
         width: line.width
         height: 40
         focus: line.index === 0
-        hoverEnabled: line.canDecide
+        hoverEnabled: line.canDecide && !line.editing
         focusPolicy: Qt.StrongFocus
         text: line.title
         Accessible.role: Accessible.Button
@@ -54,7 +59,7 @@ Column {
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: {
-            if (!line.canDecide)
+            if (!line.canDecide || line.editing)
                 return;
             if (line.asking)
                 line.drafts.cancelConfirm();
@@ -93,20 +98,33 @@ Column {
             }
             Label {
                 id: state
-                anchors.right: chevron.left
+                anchors.right: line.armed ? undo.left : chevron.left
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                text: line.status === "failed" ? qsTr("failed") : line.statusLabel
+                text: line.armed ? qsTr("%1 %2 s").arg(line.statusLabel).arg(line.secondsLeft)
+                                 : line.status === "failed" && line.canDecide ? qsTr("failed") : line.statusLabel
                 font.pixelSize: Theme.meta
-                color: line.status === "failed" ? Theme.bad : line.status === "pending" ? Theme.warn : Theme.soft
+                color: line.armed || !line.canDecide ? Theme.soft : line.status === "failed" ? Theme.bad : line.status === "pending" ? Theme.warn : Theme.soft
+            }
+            Button {
+                id: undo
+                objectName: "draft.undo"
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.large
+                anchors.verticalCenter: parent.verticalCenter
+                implicitHeight: 28
+                visible: line.armed
+                text: qsTr("Undo")
+                Accessible.name: text + ": " + line.title
+                onClicked: line.drafts.undo(line.id)
             }
             Icon {
                 id: chevron
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.large
                 anchors.verticalCenter: parent.verticalCenter
-                visible: line.canDecide
-                width: line.canDecide ? size : 0
+                visible: line.canDecide && !line.editing
+                width: visible ? size : 0
                 name: line.open ? "go-up" : "go-down"
                 size: 14
             }
@@ -146,8 +164,21 @@ Column {
                 width: parent.width
                 height: implicitHeight
                 visible: line.editing
+                readOnly: line.editor.lost
                 placeholderText: qsTr("Message")
-                onSubmitted: save.clicked()
+                onVisibleChanged: if (visible) text = line.editor.text
+                onTextChanged: if (visible) line.editor.text = text
+                onSubmitted: line.editor.save()
+            }
+            Label {
+                objectName: "draft.problem"
+                width: parent.width
+                visible: line.editing && text !== ""
+                wrapMode: Text.Wrap
+                text: line.editor.problem
+                color: Theme.bad
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
             }
             Row {
                 spacing: Theme.small
@@ -163,8 +194,9 @@ Column {
                     objectName: "draft.edit"
                     text: qsTr("Edit")
                     onClicked: {
-                        words.text = line.body;
-                        line.editing = true;
+                        line.editor.begin(line.id);
+                        if (!line.editing)
+                            return;
                         words.forceActiveFocus(Qt.TabFocusReason);
                         words.moveToEnd();
                     }
@@ -210,18 +242,22 @@ Column {
                 Button {
                     id: save
                     objectName: "draft.save"
+                    visible: !line.editor.lost
                     kind: "primary"
-                    enabled: words.text.trim() !== ""
+                    enabled: line.editor.canSave
                     text: qsTr("Save")
-                    onClicked: {
-                        line.drafts.edit(line.id, words.text);
-                        line.editing = false;
-                    }
+                    onClicked: line.editor.save()
+                }
+                Button {
+                    objectName: "draft.copy"
+                    visible: line.editor.lost
+                    text: qsTr("Copy text")
+                    onClicked: words.copyAll()
                 }
                 Button {
                     kind: "quiet"
-                    text: qsTr("Cancel")
-                    onClicked: line.editing = false
+                    text: line.editor.lost ? qsTr("Close") : qsTr("Cancel")
+                    onClicked: line.editor.close()
                 }
             }
         }

@@ -28,6 +28,7 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Waiting to be sent")
 
+    HoverHandler { onHoveredChanged: bar.drafts.rows.pointerInside = hovered }
     Rectangle {
         anchors.fill: parent
         color: Theme.surface
@@ -45,6 +46,17 @@ FocusScope {
             id: content
             width: parent.width
 
+            Repeater {
+                id: lines
+                model: bar.drafts.rows
+                DraftLine {
+                    width: content.width
+                    drafts: bar.drafts
+                    open: editing || (canDecide && (bar.openId === id || asking))
+                    onToggled: bar.openId = open ? "" : id
+                    onDecided: Qt.callLater(bar.goOn)
+                }
+            }
             Item {
                 width: parent.width
                 height: notice.visible ? notice.height + Theme.small * 2 : 0
@@ -59,17 +71,6 @@ FocusScope {
                     text: bar.drafts.notice
                     dismissable: true
                     onDismissed: bar.drafts.dismissNotice()
-                }
-            }
-            Repeater {
-                id: lines
-                model: bar.drafts.rows
-                DraftLine {
-                    width: content.width
-                    drafts: bar.drafts
-                    open: canDecide && (bar.openId === id || asking)
-                    onToggled: bar.openId = open ? "" : id
-                    onDecided: Qt.callLater(bar.goOn)
                 }
             }
         }

@@ -6,6 +6,7 @@ Page {
     id: page
 
     required property QtObject inbox
+    required property QtObject drafts ///< what waits before it goes out
     required property QtObject layout
 
     readonly property bool open: inbox.selectedId !== ""
@@ -17,7 +18,7 @@ Page {
     signal openSettings
     signal openAssistantSettings
 
-    panes: [list, drafts, thread, panels, reply, contact]
+    panes: [list, bar, thread, panels, reply, contact]
     Component.onCompleted: inbox.appear()
     onNarrowChanged: contactAskedFor = false
 
@@ -91,7 +92,7 @@ Page {
             panels.back();
         } else if (reply.activeFocus && open) {
             thread.forceActiveFocus(Qt.TabFocusReason);
-        } else if (thread.activeFocus || drafts.activeFocus || contact.activeFocus) {
+        } else if (thread.activeFocus || bar.activeFocus || contact.activeFocus) {
             list.forceActiveFocus(Qt.TabFocusReason);
         } else if (inbox.search) {
             inbox.search = "";
@@ -119,16 +120,16 @@ Page {
         onMoved: width => page.layout.listWidth = width
     }
     DraftsBar {
-        id: drafts
+        id: bar
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        drafts: page.inbox.drafts
+        drafts: page.drafts
         onEmptied: (page.open ? thread : list).forceActiveFocus(Qt.OtherFocusReason)
     }
     ThreadPane {
         id: thread
-        anchors.top: drafts.bottom
+        anchors.top: bar.bottom
         anchors.bottom: panels.visible ? panels.top : parent.bottom
         anchors.left: listEdge.right
         anchors.right: contact.visible && !page.narrow ? contactEdge.left : parent.right
@@ -143,7 +144,7 @@ Page {
         anchors.right: thread.right
         height: implicitHeight
         inbox: page.inbox
-        room: page.height - drafts.height - reply.height - 160
+        room: page.height - bar.height - reply.height - 160
         onEmptied: reply.focusField()
         onSettingsAsked: page.openAssistantSettings()
     }

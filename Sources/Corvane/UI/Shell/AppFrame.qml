@@ -11,6 +11,7 @@ FocusScope {
     required property QtObject settings
     required property QtObject inbox
     required property QtObject approvals
+    required property QtObject drafts ///< those of the approvals, for the bar over the thread
     required property QtObject appearance
     required property QtObject layout
     required property bool shown ///< the window is on the screen
@@ -94,6 +95,7 @@ FocusScope {
         id: inboxPage
         InboxPage {
             inbox: frame.inbox
+            drafts: frame.drafts
             layout: frame.layout
             hubBar: bar
             onOpenSettings: frame.shell.openSettings()

@@ -14,6 +14,7 @@ T.ApplicationWindow {
     required property QtObject settings
     required property QtObject inbox
     required property QtObject approvals
+    required property QtObject drafts
     required property QtObject appearance
     required property QtObject layout
     required property QtObject closingNotice
@@ -87,6 +88,7 @@ T.ApplicationWindow {
             settings: window.settings
             inbox: window.inbox
             approvals: window.approvals
+            drafts: window.drafts
             appearance: window.appearance
             layout: window.layout
             shown: window.visible && window.visibility !== Window.Minimized

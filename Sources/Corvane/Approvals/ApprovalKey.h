@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <tuple>
+
+namespace corvane {
+
+enum class ApprovalKind { Draft, Proposal, Decision };
+
+/// One thing that waits for a person, by its table and its row.
+struct ApprovalKey {
+    ApprovalKind kind = ApprovalKind::Draft;
+    QString id;
+
+    QString text() const; ///< "draft:{id}", "proposal:{id}" or "decision:{id}"
+    static std::optional<ApprovalKey> fromText(const QString& text);
+    bool operator==(const ApprovalKey&) const = default;
+    bool operator<(const ApprovalKey& other) const { return std::tie(kind, id) < std::tie(other.kind, other.id); }
+};
+
+QString kindWord(ApprovalKind kind); ///< "draft", "proposal" or "decision"
+std::optional<ApprovalKind> kindOf(const QString& word); ///< "draft_failed" is a draft, too
+
+inline ApprovalKey draftKey(const QString& id)
+{
+    return { ApprovalKind::Draft, id };
+}
+
+/// What a person says to it.
+enum class Verdict { Approve, Reject };
+
+}

@@ -1,0 +1,178 @@
+#include "Approvals/DecisionLog.h"
+
+#include "Approvals/ApprovalKey.h"
+#include "Approvals/ApprovalsStore.h"
+#include "Foundation/Text.h"
+#include "Presentation/DateWords.h"
+#include "Store/Approvals/WorkDecisions.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int linesAtOnce = 300;
+constexpr int bodyLength = 240;
+const QString owner = QStringLiteral("Oskel");
+
+struct VerdictWords {
+    QString verdict;
+    QString tone;
+};
+
+/// Nothing for a line that tells something else than a decision.
+std::optional<VerdictWords> verdictWords(const QString& action)
+{
+    static const QHash<QString, VerdictWords> words {
+        { QStringLiteral("approve"), { QStringLiteral("Approved"), QStringLiteral("good") } },
+        { QStringLiteral("approve_elsewhere"), { QStringLiteral("Approved"), QStringLiteral("good") } },
+        { QStringLiteral("apply"), { QStringLiteral("Applied"), QStringLiteral("good") } },
+        { QStringLiteral("reject"), { QStringLiteral("Rejected"), QStringLiteral("bad") } },
+    };
+    const auto found = words.constFind(action);
+    return found == words.cend() ? std::nullopt : std::optional(*found);
+}
+
+/// What came of an approval; empty for a line that tells something else.
+QString outcomeWords(const QString& action)
+{
+    static const QHash<QString, QString> words {
+        { QStringLiteral("sent"), QStringLiteral("Sent") },
+        { QStringLiteral("placed"), QStringLiteral("Placed in the browser") },
+        { QStringLiteral("failed"), QStringLiteral("Not sent") },
+        { QStringLiteral("return"), QStringLiteral("It had changed, and came back") },
+    };
+    return words.value(action);
+}
+
+/// The row that was decided, as it stands now.
+struct Subject {
+    QString title;
+    QString body;
+    QString hash;
+    QString platform;
+    QString decidedBy;
+};
+
+template <typename Row, typename Tell> std::optional<Subject> subjectOf(const std::optional<Row>& row, Tell tell)
+{
+    return row ? std::optional(tell(*row)) : std::nullopt;
+}
+
+std::optional<Subject> subjectOf(LocalDB& db, const ApprovalRecord& line)
+{
+    const auto kind = kindOf(line.kind);
+    if (kind == ApprovalKind::Draft) {
+        return subjectOf(fetchDraft(db, line.subjectId), [](const PendingDraft& draft) {
+            const QString to = draft.title.isEmpty() ? draft.externalId : draft.title;
+            return Subject { QStringLiteral("Message to ") + to, draft.body, draftHash(draft), draft.channel, {} };
+        });
+    }
+    if (kind == ApprovalKind::Proposal) {
+        return subjectOf(crmProposal(db, line.subjectId), [](const CRMUpdateProposal& proposal) {
+            return Subject { proposal.title, proposal.bodyPreview(), proposalHash(proposal), {}, {} };
+        });
+    }
+    return subjectOf(fetchWorkDecision(db, line.subjectId), [](const WorkDecisionRecord& decision) {
+        return Subject { decision.title, decision.proposal, decisionHash(decision), {}, decision.decidedBy };
+    });
+}
+
+QString nameOfGone(const QString& kind)
+{
+    if (kind == u"draft")
+        return QStringLiteral("A message");
+    return kind == u"proposal" ? QStringLiteral("A change to the CRM") : QStringLiteral("A decision");
+}
+
+QString whoDecided(const ApprovalRecord& line, const QString& decidedBy)
+{
+    if (line.action == u"approve_elsewhere")
+        return QStringLiteral("Another program");
+    return decidedBy.isEmpty() || decidedBy == owner ? QStringLiteral("You") : decidedBy;
+}
+
+DecidedRow rowOf(LocalDB& db, const ApprovalRecord& line, const VerdictWords& words, const DateWords& dates)
+{
+    const auto subject = subjectOf(db, line);
+    DecidedRow row;
+    row.id = QString::number(line.seq);
+    row.day = dates.group(line.at);
+    row.time = dates.clockTime(line.at);
+    row.verdict = words.verdict;
+    row.tone = words.tone;
+    row.who = whoDecided(line, subject ? subject->decidedBy : QString());
+    row.kind = line.kind;
+    row.platform = subject ? subject->platform : QString();
+    row.title = subject ? subject->title : nameOfGone(line.kind);
+    if (!subject)
+        row.body = QStringLiteral("It is no longer stored.");
+    else if (subject->hash != line.contentHash)
+        row.body = QStringLiteral("It was changed after this.");
+    else
+        row.body = singleLine(firstCharacters(subject->body, bodyLength));
+    return row;
+}
+
+}
+
+DecisionLog::DecisionLog(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_db(db)
+    , m_scheduler(scheduler)
+    , m_lines(linesAtOnce)
+{
+    connect(&store, &ApprovalsStore::changed, this, &DecisionLog::follow);
+}
+
+QString DecisionLog::emptyText() const
+{
+    return QStringLiteral("What you approve, apply or reject stands here, with what came of it.");
+}
+
+void DecisionLog::setShown(bool shown)
+{
+    if (shown == m_shown)
+        return;
+    m_shown = shown;
+    if (shown)
+        read();
+    Q_EMIT changed();
+}
+
+void DecisionLog::showOlder()
+{
+    m_lines += linesAtOnce;
+    read();
+}
+
+void DecisionLog::follow()
+{
+    if (!m_shown)
+        return;
+    const QList<ApprovalRecord> last = latestRecords(m_db, 1);
+    if (!last.isEmpty() && last.first().seq != m_lastSeq)
+        read();
+}
+
+void DecisionLog::read()
+{
+    const QList<ApprovalRecord> lines = latestRecords(m_db, m_lines);
+    const DateWords dates(m_scheduler.nowMs());
+    QHash<QString, QString> outcomes; // by what it came of, which stands further back
+    QList<DecidedRow> rows;
+    for (const ApprovalRecord& line : lines) {
+        const QString subject = line.kind + u':' + line.subjectId;
+        if (const QString outcome = outcomeWords(line.action); !outcome.isEmpty() && !outcomes.contains(subject))
+            outcomes.insert(subject, outcome);
+        if (const auto words = verdictWords(line.action)) {
+            rows.append(rowOf(m_db, line, *words, dates));
+            rows.last().outcome = outcomes.take(subject);
+        }
+    }
+    m_lastSeq = lines.isEmpty() ? 0 : lines.first().seq;
+    m_hasOlder = !lines.isEmpty() && lines.last().seq > 1;
+    m_rows.assign(rows);
+    Q_EMIT changed();
+}
+
+}

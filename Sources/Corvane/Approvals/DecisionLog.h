@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Presentation/RowListModel.h"
+
+namespace corvane {
+
+class ApprovalsStore;
+class LocalDB;
+
+/// Something that was decided, in the words of the screen.
+class DecidedRow {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString day MEMBER day)
+    Q_PROPERTY(QString time MEMBER time)
+    Q_PROPERTY(QString verdict MEMBER verdict)
+    Q_PROPERTY(QString tone MEMBER tone)
+    Q_PROPERTY(QString who MEMBER who)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString platform MEMBER platform)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString outcome MEMBER outcome)
+public:
+    QString id; ///< the line of the record
+    QString day; ///< "Today", ...
+    QString time; ///< "14:20"
+    QString verdict; ///< "Approved", "Applied" or "Rejected"
+    QString tone; ///< "good" or "bad"
+    QString who; ///< "You", another program, or a name
+    QString kind; ///< "draft", "proposal" or "decision"
+    QString platform; ///< such as "WHATSAPP", of a draft
+    QString title;
+    QString body; ///< in one line; why it can't be told where its row is gone or says something else by now
+    QString outcome; ///< what came of it: "Sent", "Failed", ...; may be empty
+
+    const QString& key() const { return id; }
+    bool operator==(const DecidedRow&) const = default;
+};
+
+/// What was decided, newest first, from the record of decisions. The record holds no texts: they are those of the rows,
+/// as long as these are as they were.
+class DecisionLog : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of DecidedRow
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< only then it is read
+    Q_PROPERTY(bool hasOlder READ hasOlder NOTIFY changed)
+    Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
+    Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
+public:
+    /// All of it outlives the log.
+    DecisionLog(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+
+    QAbstractItemModel* rows() { return &m_rows; }
+    bool shown() const { return m_shown; }
+    void setShown(bool shown);
+    bool hasOlder() const { return m_hasOlder; }
+    QString emptyTitle() const { return QStringLiteral("Nothing decided yet"); }
+    QString emptyText() const;
+
+    Q_INVOKABLE void showOlder();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void follow();
+    void read();
+
+    LocalDB& m_db;
+    Scheduler& m_scheduler;
+    RowListModel<DecidedRow> m_rows;
+    int m_lines; ///< of the record that are looked at
+    qint64 m_lastSeq = -1;
+    bool m_shown = false;
+    bool m_hasOlder = false;
+};
+
+}

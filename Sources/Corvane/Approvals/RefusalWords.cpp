@@ -1,0 +1,61 @@
+#include "Approvals/RefusalWords.h"
+
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Work/WorkRecords.h"
+
+namespace corvane {
+
+namespace {
+
+const QString gone = QStringLiteral("It is no longer there.");
+const QString notSaved = QStringLiteral("It couldn't be saved. Try again.");
+const QString approvedElsewhere = QStringLiteral("Already approved elsewhere.");
+const QString rejectedElsewhere = QStringLiteral("Already rejected elsewhere.");
+
+QString wordsOf(const PendingDraft& draft)
+{
+    if (draft.status == u"rejected")
+        return rejectedElsewhere;
+    if (draft.status == u"sent")
+        return QStringLiteral("Already sent.");
+    return draft.status == u"pending" || draft.status == u"failed" ? notSaved : approvedElsewhere;
+}
+
+QString wordsOf(const CRMUpdateProposal& proposal)
+{
+    if (proposal.status == u"applied")
+        return QStringLiteral("Already applied elsewhere.");
+    if (proposal.status == u"rejected")
+        return rejectedElsewhere;
+    return proposal.error.isEmpty() ? notSaved : proposal.error;
+}
+
+QString wordsOf(const WorkDecisionRecord& decision)
+{
+    if (decision.status == u"approved")
+        return approvedElsewhere;
+    return decision.status == u"rejected" ? rejectedElsewhere : notSaved;
+}
+
+template <typename Row> QString wordsOrGone(const std::optional<Row>& row)
+{
+    return row ? wordsOf(*row) : gone;
+}
+
+}
+
+QString refusalWords(LocalDB& db, const ApprovalKey& key)
+{
+    switch (key.kind) {
+    case ApprovalKind::Draft:
+        return wordsOrGone(fetchDraft(db, key.id));
+    case ApprovalKind::Proposal:
+        return wordsOrGone(crmProposal(db, key.id));
+    case ApprovalKind::Decision:
+        return wordsOrGone(fetchWorkDecision(db, key.id));
+    }
+    return {};
+}
+
+}

@@ -1,0 +1,200 @@
+#include "Approvals/PendingDraftsView.h"
+
+#include "Approvals/ApprovalsStore.h"
+#include "Approvals/ApprovalsView.h"
+#include "Approvals/DraftWords.h"
+#include "Calls/CallRecorder.h"
+#include "Engines/AccountStore.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Support/EngineWorld.h"
+#include "Support/Print.h"
+
+#include <QAbstractItemModelTester>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class PendingDraftsTest : public testing::Test, protected EngineWorld {
+protected:
+    PendingDraftsTest()
+    {
+        launcher.expect(FakeLauncher::stays());
+        engines.start(account);
+        engines.startDraftWatch();
+        store.attach(engines, calls);
+    }
+
+    QString queue(const QString& text)
+    {
+        const QString conversation
+            = ensureConversation(engines.db(), "WHATSAPP", account.slug, "49171@s.whatsapp.net", "Ana Ruiz", 1);
+        EXPECT_TRUE(queueDraft(engines.db(), conversation, text, "mcp"));
+        const QString id = cell("SELECT id FROM outbound_draft ORDER BY rowid DESC LIMIT 1;");
+        clock.advance(seconds(4));
+        return id;
+    }
+
+    void send(const QString& id)
+    {
+        drafts.approveDraft(id);
+        clock.advance(seconds(5));
+    }
+
+    qsizetype sent() { return launcher.last().commands().size(); }
+    QString status(const QString& id) { return cell("SELECT status FROM outbound_draft WHERE id=?;", { id }); }
+    QString shown(const QByteArray& role)
+    {
+        const QAbstractItemModel& rows = *drafts.rows();
+        return rows.index(0, 0).data(rows.roleNames().key(role)).toString();
+    }
+
+    AccountStore accounts { home.paths().applicationSupport };
+    Account account = accounts.add("Main", Channel::WhatsApp);
+    CallRecorder calls { engines.db() };
+    ApprovalsStore store { centre, notifier, clock };
+    ApprovalsView panel { store, engines.db(), clock };
+    PendingDraftsView drafts { { store, *panel.editor(), engines, accounts, clock } };
+    QAbstractItemModelTester tester { drafts.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal };
+};
+
+PendingDraft draftOf(const QString& status, const QString& source = "mcp")
+{
+    PendingDraft draft;
+    draft.status = status;
+    draft.source = source;
+    draft.externalId = "4917";
+    draft.channel = "WHATSAPP";
+    return draft;
+}
+
+}
+
+TEST_F(PendingDraftsTest, whatIsArmedInTheBarIsArmedInThePanelAndGoesOutAfterFiveSeconds)
+{
+    const QString id = queue("hello");
+    EXPECT_EQ(shown("title"), "AI wants to send to Ana Ruiz · WHATSAPP");
+    EXPECT_EQ(shown("statusLabel"), "waiting approval");
+    EXPECT_EQ(shown("approveLabel"), "Approve & Send");
+    EXPECT_EQ(shown("failureReason"), "");
+    drafts.approveDraft(id);
+    EXPECT_EQ(shown("statusLabel") + shown("secondsLeft") + shown("canDecide"), "Sending…5false");
+    EXPECT_EQ(panel.waiting(), 0);
+    panel.undo("draft:" + id);
+    EXPECT_EQ(shown("canDecide"), "true");
+    panel.reject("draft:" + id);
+    EXPECT_EQ(shown("statusLabel"), "Discarding…");
+    drafts.approveDraft(id);
+    drafts.undo(id);
+    clock.advance(seconds(8));
+    EXPECT_EQ(status(id), "pending");
+
+    send(id);
+    EXPECT_EQ(launcher.last().commands().first(),
+        QJsonObject(
+            { { "chatId", "49171@s.whatsapp.net" }, { "cmd", "send" }, { "draftId", id }, { "text", "hello" } }));
+    EXPECT_EQ(status(id), "sending");
+    EXPECT_EQ(shown("title"), "Sending from local Mac to Ana Ruiz · WHATSAPP");
+    EXPECT_EQ(shown("canDecide"), "false");
+    drafts.reject(id);
+    clock.advance(seconds(8));
+    EXPECT_EQ(sent(), 1);
+    EXPECT_EQ(status(id), "sending");
+
+    launcher.last().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "refused" } });
+    settle();
+    EXPECT_EQ(shown("statusLabel"), "failed Send failed");
+    EXPECT_EQ(shown("failureReason"), "Send failed");
+    EXPECT_EQ(shown("approveLabel"), "Retry Send");
+    send(id);
+    EXPECT_EQ(sent(), 2);
+    launcher.last().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "sent" } });
+    settle();
+    EXPECT_EQ(drafts.count(), 0);
+    EXPECT_EQ(status(id), "sent");
+}
+
+TEST_F(PendingDraftsTest, anAccountThatIsGoneFailsTheDraft)
+{
+    const QString id = queue("hello");
+    engines.stop(account);
+    accounts.remove(account);
+    send(id);
+    EXPECT_EQ(status(id), "failed");
+    EXPECT_EQ(shown("failureReason"), "Account " + account.slug + " is no longer connected");
+    drafts.reject(id);
+    clock.advance(seconds(5));
+    EXPECT_EQ(status(id), "rejected");
+    EXPECT_EQ(drafts.count(), 0);
+}
+
+TEST_F(PendingDraftsTest, anApprovalWakesAnEngineThatWasStopped)
+{
+    const QString id = queue("hello");
+    engines.stop(account);
+    launcher.expect(FakeLauncher::stays());
+    send(id);
+    clock.advance(seconds(4));
+    EXPECT_EQ(status(id), "sending");
+    EXPECT_TRUE(engines.isRunning(account));
+}
+
+TEST_F(PendingDraftsTest, whatAnotherProgramChangedMeanwhileIsNotSentAndTheRefusalSaysSo)
+{
+    const QString id = queue("as shown");
+    updateDraftBody(engines.db(), id, "other words");
+    send(id);
+    EXPECT_EQ(sent(), 0);
+    EXPECT_EQ(drafts.notice(), "Ana Ruiz: Changed since you saw it.");
+    EXPECT_EQ(shown("body"), "other words");
+    send(id);
+    EXPECT_EQ(sent(), 1);
+    EXPECT_EQ(drafts.notice(), "");
+
+    const QString second = queue("sent elsewhere");
+    drafts.reject(second);
+    ASSERT_TRUE(moveDraft(engines.db(), second, "pending", "sent"));
+    clock.advance(seconds(5));
+    EXPECT_EQ(status(second), "sent");
+    EXPECT_EQ(drafts.notice(), "Ana Ruiz: Already sent.");
+}
+
+TEST_F(PendingDraftsTest, oneAtATimeIsAskedAboutAndNoneThatIsEdited)
+{
+    const QString first = queue("one");
+    const QString second = queue("two");
+    drafts.askToConfirm(first);
+    drafts.askToConfirm(second);
+    EXPECT_EQ(drafts.confirmDraft(), second);
+    drafts.cancelConfirm();
+    EXPECT_EQ(drafts.confirmDraft(), "");
+    panel.editor()->begin(first);
+    panel.editor()->setText("one and a half");
+    drafts.askToConfirm(first);
+    EXPECT_EQ(drafts.confirmDraft(), "");
+    engines.db().exec("UPDATE outbound_draft SET status='sent' WHERE body='one';");
+    clock.advance(seconds(4));
+    EXPECT_EQ(shown("statusLabel"), "No longer waiting") << "its words are still here";
+    panel.editor()->close();
+    EXPECT_EQ(drafts.count(), 1);
+    drafts.askToConfirm(second);
+    engines.db().exec("UPDATE outbound_draft SET status='sent';");
+    clock.advance(seconds(4));
+    EXPECT_EQ(drafts.confirmDraft(), "") << "it has left the list";
+}
+
+TEST(DraftWords, theLineOverTheThreadSaysWhoseDraftItIs)
+{
+    EXPECT_EQ(draftStatusTitle(draftOf("placed")), "Placed in browser for 4917 · WHATSAPP");
+    EXPECT_EQ(draftStatusTitle(draftOf("Failed")), "Local send failed to 4917 · WHATSAPP");
+    EXPECT_EQ(draftStatusTitle(draftOf("pending", "WEB")), "Web draft waiting for local approval · 4917 · WHATSAPP");
+    PendingDraft acknowledged = draftOf("pending");
+    acknowledged.webAckStatus = "seen";
+    EXPECT_EQ(draftStatusTitle(acknowledged), "Web draft waiting for local approval · 4917 · WHATSAPP");
+    acknowledged.status = "failed";
+    EXPECT_EQ(draftFailureReason(acknowledged),
+        "Send failed — engine did not report a reason. Retry or check the account connection.");
+    acknowledged.error = " no such chat\n";
+    EXPECT_EQ(draftFailureReason(acknowledged), "no such chat");
+}

@@ -1,0 +1,92 @@
+#include "InboxViewTest.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/IngestQueries.h"
+
+using namespace corvane;
+
+namespace {
+
+class ComposeSheetTest : public InboxViewTest {
+protected:
+    ComposeSheetTest() { receiveFromAnaAndBen(); }
+};
+
+}
+
+TEST_F(ComposeSheetTest, aMessageToANewPersonWaitsForApproval)
+{
+    ComposeSheet& sheet = *inbox.composeSheet();
+    sheet.open();
+    EXPECT_EQ(sheet.accountId(), account.id.toString());
+    EXPECT_EQ(sheet.property("recipientLabel"), "Recipient");
+    sheet.setRecipient(" +49 (170) 123-45 ");
+    EXPECT_TRUE(sheet.hasValidRecipient());
+    EXPECT_FALSE(sheet.valid()) << "no message";
+    sheet.submit();
+    sheet.setMessage("good day");
+    EXPECT_TRUE(sheet.valid());
+    sheet.submit();
+    EXPECT_FALSE(sheet.shown());
+    EXPECT_EQ(sheet.message(), "");
+    EXPECT_EQ(inbox.selectedId(), "ct:WHATSAPP:4917012345@s.whatsapp.net");
+    EXPECT_EQ(cell("SELECT source || '|' || external_id || '|' || body || '|' || status FROM outbound_draft;"),
+        "compose|4917012345@s.whatsapp.net|good day|pending");
+    EXPECT_EQ(commands("send").size(), 0);
+}
+
+TEST_F(ComposeSheetTest, somebodyKnownKeepsTheirNameAndADeletedConversationTakesNoDraft)
+{
+    engines.db().exec("UPDATE unified_conversation SET deleted_at=1;");
+    EXPECT_FALSE(inbox.composeNew(account, "49171", "again"));
+    engines.db().exec("UPDATE unified_conversation SET deleted_at=NULL;");
+    EXPECT_TRUE(inbox.composeNew(account, "+49 171", "again"));
+    EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+}
+
+TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
+{
+    ComposeSheet& sheet = *inbox.composeSheet();
+    const Account mail = accounts.add("Mail", Channel::Email);
+    sheet.open();
+    sheet.setAccountId(mail.id.toString());
+    sheet.setAccountId("nonsense");
+    EXPECT_EQ(sheet.accountId(), mail.id.toString());
+    EXPECT_EQ(sheet.property("recipientLabel"), "Email address");
+    sheet.setRecipient(" new@x.de ");
+    sheet.setMessage("good day");
+    engines.db().exec("CREATE TRIGGER full BEFORE INSERT ON outbound_draft BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    sheet.submit();
+    EXPECT_EQ(sheet.errorText(), "Couldn't queue the draft for this conversation.");
+    EXPECT_TRUE(sheet.shown());
+    engines.db().exec("DROP TRIGGER full;");
+    sheet.submit();
+    EXPECT_FALSE(sheet.shown());
+    EXPECT_EQ(inbox.selectedId(), "ct:EMAIL:new@x.de");
+    accounts.remove(mail);
+    accounts.remove(account);
+    EXPECT_EQ(sheet.emptyText(), "Connect an account in Settings first.");
+    sheet.setRecipient("new@x.de");
+    sheet.setMessage("x");
+    EXPECT_FALSE(sheet.valid());
+}
+
+TEST(ComposeSheetRules, aRecipientIsCheckedByItsChannel)
+{
+    EXPECT_TRUE(recipientValid(Channel::Email, "a@b.c"));
+    EXPECT_FALSE(recipientValid(Channel::Email, "a@b"));
+    EXPECT_FALSE(recipientValid(Channel::Email, "a.b"));
+    for (const Channel channel : { Channel::WhatsApp, Channel::Sms, Channel::IMessage }) {
+        EXPECT_FALSE(recipientValid(channel, "+1 234"));
+        EXPECT_TRUE(recipientValid(channel, "+1 23-45"));
+        EXPECT_FALSE(recipientValid(channel, "Anastasia"));
+    }
+    for (const Channel channel : { Channel::LinkedIn, Channel::Telegram, Channel::Discord, Channel::Slack,
+             Channel::Instagram, Channel::Messenger }) {
+        EXPECT_TRUE(recipientValid(channel, "x"));
+        EXPECT_FALSE(recipientValid(channel, " \t"));
+    }
+    EXPECT_EQ(recipientLabel(Channel::LinkedIn), "LinkedIn profile");
+    EXPECT_EQ(recipientLabel(Channel::Telegram), "Recipient");
+    EXPECT_EQ(recipientAddress(Channel::WhatsApp, "+٤٩ 170"), "49170@s.whatsapp.net");
+    EXPECT_EQ(recipientAddress(Channel::Sms, " +49 170 "), "+49 170");
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Engines/EngineManager.h"
+#include "Store/Approvals/CrmProposals.h"
+#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Approvals/WorkDecisions.h"
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+/// What agents left for the owner of the workshop.
+inline void letItemsWait(LocalDB& db, const QString& megan, const QString& hannah)
+{
+    const auto draft = [&](const QString& contact, const QString& text) {
+        const auto conversation = db.scalar(
+            u"SELECT id FROM unified_conversation WHERE contact_id=? AND deleted_at IS NULL LIMIT 1;"_s, { contact });
+        queueDraft(db, conversation.value_or(QString()), text, u"mcp"_s);
+    };
+    draft(megan, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
+    draft(hannah,
+        u"Dear Hannah,\n\nthank you for the drawings. The glaze you chose needs a test tile first; I can have two of "
+        u"them ready by Tuesday, one on the dark clay and one on the white.\n\nIf you would rather decide in the "
+        u"studio, we open at ten. There is coffee, and the kiln is still warm.\n\nThe price would stay as it is in "
+        u"the offer, and delivery takes four weeks from your yes.\n\nBest wishes\nMarta"_s);
+    db.run(u"UPDATE outbound_draft SET status='failed', error='The phone is not connected.' WHERE status='pending' AND "
+           u"body LIKE 'Dear Hannah%';"_s);
+    db.run(
+        uR"(INSERT INTO crm_update_proposal(id, workspace_id, contact_id, kind, title, payload_json, status, created_at, updated_at)
+VALUES('p1','local',?,'task','Follow up on the offer','{"title":"Ask Hannah whether the test tiles are right"}','pending',1,1),
+('p2','local',?,'note','Note from the call','{"body":"Prefers the matte celadon; the order is for the restaurant, forty plates."}','pending',0,0);)"_s,
+        { hannah, megan });
+    db.run(uR"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
+VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arcillas del Sur for invoice 2025-311.','It is due on Monday, and the amount matches the order.','money','1','5'),
+('w2','dev','Renew the shop token','proposed','Replace the token of the web shop before it runs out.','The present one ends in three days.','credential','1','4'),
+('w3','gtm','Write to the gallery in Porto','proposed','Send the new catalogue to the three galleries that asked in spring.','','external','1','3'),
+('w4','dev','Delete the old photo backups','proposed','Remove 38 GB of copies that exist twice.','Every file was compared.','high','1','2'),
+('w5','cx','Answer reviews once a week','proposed','Collect them on Fridays.','','routine','1','1');)"_s);
+}
+
+/// One of each kind, as if their five seconds were over.
+inline void decideSome(EngineManager& engine)
+{
+    LocalDB& db = engine.db();
+    for (const PendingDraft& draft : QList<PendingDraft>(engine.pendingDrafts())) {
+        if (draft.status == u"failed")
+            (void)rejectDraft(db, draft.id);
+        else if (approveDraft(db, draft.id, draftHash(draft)) == Decided::Taken)
+            acknowledgeDraft(db, draft.id, u"sent"_s, std::nullopt, {});
+    }
+    if (const auto note = crmProposal(db, u"p2"_s))
+        (void)applyCRMUpdateProposal(db, note->id, proposalHash(*note));
+    (void)rejectWorkDecision(db, u"w3"_s, u"Oskel"_s);
+    if (const auto payment = fetchWorkDecision(db, u"w1"_s))
+        (void)approveWorkDecision(db, payment->id, u"Oskel"_s, decisionHash(*payment));
+}
+
+}
