@@ -85,7 +85,7 @@ public:
     {
         return std::make_shared<Child>(spec.environment.value(u"WHATSAPP_ACCOUNT_NAME"_s), m_line);
     }
-    int endMarked(const QString&, Ending) override { return 0; }
+    int marked(const QString&, Marked) override { return 0; }
 
 private:
     struct Child final : ChildProcess {
@@ -100,6 +100,7 @@ private:
         {
             return line(account, *jsonObject(bytes)) ? Result<void> {} : failure(u"full"_s);
         }
+        bool isInputOpen() const override { return true; }
         bool hasRead(const QByteArray&) override { return true; }
         bool withdraw(const QByteArray&) override { return false; }
         void terminate() override { }
@@ -382,7 +383,8 @@ protected:
             EXPECT_TRUE(!canBe || isStill(id, { u"rejected"_s })) << "seed " << seed;
         } else if (what < 56 && seen && seen->accountId == accounts().first().slug) {
             approvalCounts(id, contentOf(*seen));
-            copy.engine.releaseDraft(*seen, accounts().first());
+            returned += approveDraft(copy.engine.db(), seen->id, draftHash(*seen)) == Decided::Changed;
+            copy.engine.refreshDrafts();
         } else if (what < 74) {
             writeElsewhere(id);
         } else if (what < 82) {

@@ -26,6 +26,14 @@ protected:
         return world.cell(u"SELECT %1 FROM outbound_draft WHERE id=?;"_s.arg(column), { id });
     }
 
+    /// As a person approves it, on whatever surface.
+    void approve(const QString& id)
+    {
+        const auto seen = fetchDraft(world.engines.db(), id);
+        EXPECT_EQ(approveDraft(world.engines.db(), id, draftHash(*seen)), Decided::Taken);
+        world.engines.refreshDrafts();
+    }
+
     FakeChild& engine() { return world.launcher.last(); }
     void tick() { world.clock.advance(seconds(4)); }
 };
@@ -131,15 +139,86 @@ TEST_F(DraftDeliveryTest, aBrowserDrivenEngineIsAskedToPlaceTheText)
 TEST_F(DraftDeliveryTest, aDraftOfAStoppedEngineStartsItAndWaits)
 {
     startShop();
-    world.engines.stop(shop);
     world.engines.startDraftWatch();
+    world.engines.stop(shop);
     const QString id = queue(shop, u"hello"_s);
-    world.launcher.expect(FakeLauncher::stays());
     tick();
-    EXPECT_EQ(draft(id), u"approved"_s);
     EXPECT_EQ(status(), WAStatus::Starting);
+    EXPECT_EQ(draft(id), u"approved"_s) << "the engine of before is still ending";
+    world.launcher.expect(FakeLauncher::stays());
+    world.launcher.children.first()->exit(0);
     tick();
     EXPECT_EQ(draft(id), u"sending"_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
+TEST_F(DraftDeliveryTest, anApprovalStartsAStoppedEngineOnceAndWhatWasApprovedBeforeThePauseWaits)
+{
+    const QString early = queue(shop, u"before the pause"_s);
+    world.launcher.expect(FakeLauncher::fails(u"no"_s), 2);
+    world.engines.start(shop);
+    world.engines.startDraftWatch();
+    world.clock.advance(seconds(600));
+    EXPECT_EQ(draft(early), u"approved"_s) << "one start for one approval, and no more";
+    EXPECT_EQ(statusLabel(world.engines.pendingDrafts().first()), u"Waits for the engine of shop"_s);
+
+    world.engines.stop(shop);
+    const QString late = queue(shop, u"hello"_s, u"pending"_s);
+    tick();
+    EXPECT_EQ(status(), WAStatus::Stopped);
+    world.launcher.expect(FakeLauncher::stays());
+    approve(late);
+    EXPECT_EQ(draft(late), u"sending"_s) << "at once";
+    EXPECT_EQ(draft(early), u"sending"_s);
+
+    report({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
+    engine().exit(0);
+    const QString third = queue(shop, u"third"_s);
+    world.clock.advance(seconds(60));
+    EXPECT_EQ(draft(third), u"approved"_s) << "a new start would bring nothing";
+}
+
+TEST_F(DraftDeliveryTest, accountsThatTakeNothingHoldUpNobodyElse)
+{
+    const Account full = accountNamed(u"full"_s);
+    const Account away = accountNamed(u"away"_s);
+    for (int i = 0; i < 60; ++i) {
+        queue(full, QString::number(i));
+        queue(away, QString::number(i));
+        world.clock.advance(Milliseconds(1));
+    }
+    world.launcher.expect(FakeLauncher::stays());
+    world.engines.start(full);
+    engine().writeFailure = u"standard input is full"_s;
+    world.clock.advance(Milliseconds(1));
+    startShop();
+    const QString id = queue(shop, u"hello"_s);
+    world.engines.refreshDrafts();
+    EXPECT_EQ(draft(id), u"sending"_s);
+}
+
+TEST_F(DraftDeliveryTest, aJumpOfTheClockFailsNoDraftAndAnUnreadCommandIsNotWrittenTwice)
+{
+    startShop();
+    world.engines.startDraftWatch();
+    const QString id = queue(shop, u"hello"_s);
+    tick();
+    world.clock.setNowMs(world.clock.nowMs() + 3'600'000);
+    tick();
+    EXPECT_EQ(draft(id), u"sending"_s);
+    engine().isDeaf = true;
+    world.clock.advance(seconds(124));
+    EXPECT_EQ(statusLabel(world.engines.pendingDrafts().first()), u"May have gone out"_s);
+    approve(id);
+    EXPECT_EQ(draft(id), u"sending"_s) << "it waits for the line that the engine has not come to";
+    world.clock.advance(seconds(124));
+    EXPECT_TRUE(editDraft(world.engines.db(), id, u"other words"_s));
+    approve(id);
+    EXPECT_EQ(draft(id), u"failed"_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+    engine().isDeaf = false;
+    approve(id);
+    EXPECT_EQ(engine().commands().size(), 2);
 }
 
 TEST_F(DraftDeliveryTest, aFullPipeIsTriedAgainAndNeverGoesStale)
@@ -204,7 +283,7 @@ TEST_F(DraftDeliveryTest, aReleaseThatTheEngineDoesNotTakeIsTriedAtTheNextTick)
     startShop();
     const QString id = queue(shop, u"as shown"_s, u"failed"_s);
     engine().writeFailure = u"standard input is full"_s;
-    EXPECT_EQ(world.engines.releaseDraft(*fetchDraft(world.engines.db(), id), shop), Decided::Taken);
+    approve(id);
     EXPECT_EQ(draft(id), u"approved"_s);
 }
 
@@ -248,11 +327,13 @@ TEST(PendingDrafts, aDraftSaysWhereItStands)
 {
     for (const auto& [status, label] : { std::pair("failed", "failed no"), std::pair("sending", "sending"),
              std::pair("placed", "Placed — awaiting LinkedIn confirmation"), std::pair("sent", "sent - p"),
-             std::pair("rejected", "rejected"), std::pair("approved", "waiting approval") }) {
+             std::pair("rejected", "rejected"), std::pair("approved", "Waits for the engine of Main"),
+             std::pair("pending", "waiting approval") }) {
         PendingDraft draft;
         draft.status = QString::fromUtf8(status);
         draft.error = u"no"_s;
         draft.providerMsgId = u"p"_s;
+        draft.accountName = u"Main"_s;
         EXPECT_EQ(statusLabel(draft), QString::fromUtf8(label));
     }
 }

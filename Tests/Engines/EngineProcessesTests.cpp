@@ -23,8 +23,7 @@ TEST_F(Supervisor, startingTwiceLeavesOneChild)
     EXPECT_EQ(status(), WAStatus::Stopped);
     startShop();
     world.engines.start(shop);
-    world.engines.startBySlug(u"shop"_s);
-    world.engines.startBySlug(u"never started"_s);
+
     EXPECT_EQ(launches(), 1);
     EXPECT_EQ(seen, QList { WAStatus::Starting });
     EXPECT_TRUE(world.engines.isRunning(shop));
@@ -104,16 +103,19 @@ TEST_F(Supervisor, theExitOfASupersededEngineDoesNotTouchItsSuccessor)
     startShop();
     FakeChild& old = world.launcher.last();
     world.engines.stop(shop);
-    startShop();
-    report({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s }, { u"user"_s, u"Ana"_s } });
-
-    old.print(u"half a line"_s);
+    world.engines.start(shop);
+    EXPECT_EQ(status(), WAStatus::Starting);
+    EXPECT_EQ(launches(), 1) << "one engine an account: the first is still ending";
     old.printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
     old.printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, u"late"_s },
         { u"providerMsgId"_s, u"m"_s } });
+    old.print(u"@@CORVANE@@{\"half a line\":"_s);
+    world.launcher.expect(FakeLauncher::stays());
     old.exit(0);
-    advance(3'600'000);
-    EXPECT_EQ(status(), WAStatus::Connected) << "what it says of its connection is about another";
+    world.settle();
+    EXPECT_EQ(status(), WAStatus::Starting) << "what it says of its connection is about another";
+    report({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s }, { u"user"_s, u"Ana"_s } });
+    EXPECT_EQ(status(), WAStatus::Connected) << "the torn line went with its engine";
     EXPECT_EQ(cell(u"SELECT body FROM unified_message WHERE id='wa:msg:m';"_s), u"late"_s) << "its messages count";
     EXPECT_TRUE(world.engines.isRunning(shop));
     EXPECT_EQ(launches(), 2);
@@ -124,16 +126,65 @@ TEST_F(Supervisor, theExitOfASupersededEngineDoesNotTouchItsSuccessor)
     EXPECT_EQ(launches(), 3) << "the successor is watched as any other";
 }
 
-TEST_F(Supervisor, aPendingRestartComesBackAfterAStop)
+TEST_F(Supervisor, aStopOrARemovalForgetsEveryStartThatWaits)
 {
     startShop();
     world.launcher.last().exit(1);
     world.settle();
+    EXPECT_TRUE(world.engines.isStarting(shop));
     world.engines.stop(shop);
+    advance(3'600'000);
     EXPECT_EQ(status(), WAStatus::Stopped);
+
+    startShop();
+    FakeChild& ending = world.launcher.last();
+    world.engines.stop(shop);
+    world.engines.start(shop);
+    world.engines.forget(shop);
+    ending.printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, u"late"_s },
+        { u"providerMsgId"_s, u"m"_s } });
+    ending.exit(0);
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 2);
+    EXPECT_EQ(cell(u"SELECT id FROM unified_conversation;"_s), u"wa:shop:c"_s) << "its last words are still its own";
+    EXPECT_FALSE(world.engines.runningAccount(u"shop"_s));
+}
+
+TEST_F(Supervisor, anEngineThatClosedItsInputShowsItAndIsStartedAfresh)
+{
+    startShop();
+    FakeChild& deaf = world.launcher.last();
+    deaf.writeFailure = u"standard input is closed"_s;
+    EXPECT_FALSE(world.engines.sendText(shop, u"c"_s, u"hello"_s));
+    EXPECT_EQ(status(), WAStatus::Error);
+    EXPECT_EQ(runtime().lastLog, u"The engine takes no commands: it closed its input. Start it again."_s);
+    world.engines.start(shop);
+    EXPECT_TRUE(deaf.terminated);
+    world.launcher.expect(FakeLauncher::stays());
+    deaf.exit(0);
+    advance(1);
+    EXPECT_EQ(status(), WAStatus::Starting);
+    EXPECT_TRUE(world.engines.isRunning(shop));
+}
+
+TEST_F(Supervisor, howAnEngineEndedStandsBesideItsAccount)
+{
+    startShop();
+    world.launcher.last().exit(-9);
+    world.settle();
+    EXPECT_EQ(runtime().lastExit, u"Ended by signal 9 (Killed)"_s);
+    EXPECT_TRUE(logs.contains(u"EngineProcesses: shop: Ended by signal 9 (Killed)"_s));
     world.launcher.expect(FakeLauncher::stays());
     advance(2000);
-    EXPECT_EQ(status(), WAStatus::Starting);
+    EXPECT_EQ(runtime().lastExit, QString());
+    world.launcher.last().exit(9);
+    world.settle();
+    EXPECT_TRUE(runtime().lastExit.endsWith(u" is too old. Engines need Node 22.6 or newer."_s));
+    world.launcher.expect(FakeLauncher::stays());
+    advance(4000);
+    world.launcher.last().exit(1);
+    world.settle();
+    EXPECT_TRUE(runtime().lastExit.startsWith(u"The engine's program is missing: /"_s));
 }
 
 TEST_F(Supervisor, aFailedLaunchIsToldAndNotRetried)
@@ -147,18 +198,6 @@ TEST_F(Supervisor, aFailedLaunchIsToldAndNotRetried)
     EXPECT_EQ(world.engines.runningAccount(u"shop"_s), shop) << "it was started, if in vain";
 }
 
-TEST_F(Supervisor, theFragmentOfADeadEngineIsJoinedToItsSuccessorsFirstChunk)
-{
-    startShop();
-    world.launcher.last().print(u"@@CORVANE@@{\"type\":\"log\","_s);
-    world.launcher.last().exit(1);
-    world.launcher.expect(FakeLauncher::stays());
-    advance(2000);
-    world.launcher.last().print(u"\"msg\":\"joined\"}\n"_s);
-    world.settle();
-    EXPECT_EQ(runtime().lastLog, u"joined"_s);
-}
-
 TEST_F(Supervisor, quittingEndsEveryEngineForGood)
 {
     const Account other = accountNamed(u"other"_s);
@@ -169,11 +208,19 @@ TEST_F(Supervisor, quittingEndsEveryEngineForGood)
     world.settle();
     world.engines.start(shop);
     world.engines.start(other);
+    int ended = 0;
+    QObject::connect(&world.engines, &EngineManager::allEnded, &world.engines, [&] { ++ended; });
     world.engines.stopAll();
+    world.engines.start(crashed);
     for (const auto& child : world.launcher.children.sliced(1)) {
+        EXPECT_EQ(ended, 0);
         EXPECT_TRUE(child->terminated);
+        child->printEvent({ { u"type"_s, u"log"_s }, { u"msg"_s, u"bye"_s } });
         child->exit(-15);
+        world.settle();
     }
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(runtime().lastLog, u"bye"_s);
     advance(3'600'000);
     EXPECT_EQ(launches(), 3);
 }

@@ -262,14 +262,14 @@ TEST_F(ProcessLauncherTest, whatAChildHasNotReadIsKnownAlsoAfterItsEnd)
 TEST_F(ProcessLauncherTest, whatAChildStartedEndsWithItAndWhatIsMarkedIsFound)
 {
     const QString mark = QString("CORVANE_TEST_MARK=%1").arg(::getpid());
-    ProcessSpec spec = specOf({ "ignore-term", "grandchild 60000", "await" });
+    ProcessSpec spec = specOf({ "grandchild 60000", "await" });
     spec.environment.insert("CORVANE_TEST_MARK", QString::number(::getpid()));
     const auto parent = startAs(spec);
     const auto marked = [&] {
-        return launcher->endMarked(mark, ProcessLauncher::Ending::Asked);
+        return launcher->marked(mark, ProcessLauncher::Marked::Count);
     };
     EXPECT_TRUE(await([&] { return marked() == 2; }));
-    EXPECT_EQ(launcher->endMarked(mark + "0", ProcessLauncher::Ending::Killed), 0);
+    EXPECT_EQ(launcher->marked(mark + "0", ProcessLauncher::Marked::Kill), 0);
     ASSERT_TRUE(parent->child->write("end\n"));
     ASSERT_TRUE(await([&] { return parent->ended(); }));
     EXPECT_EQ(parent->codes, QList<int>({ 0 }));
@@ -277,7 +277,7 @@ TEST_F(ProcessLauncherTest, whatAChildStartedEndsWithItAndWhatIsMarkedIsFound)
 
     const auto orphan = startAs(spec);
     EXPECT_TRUE(await([&] { return marked() == 2; }));
-    launcher->endMarked(mark, ProcessLauncher::Ending::Killed);
+    launcher->marked(mark, ProcessLauncher::Marked::Kill);
     EXPECT_TRUE(await([&] { return orphan->ended() && marked() == 0; }));
 }
 

@@ -68,9 +68,9 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
     EXPECT_FALSE(editDraft(*m_db, "b", "again"));
     EXPECT_EQ(status("b"), "rejected") << "no engine brings it back";
     EXPECT_TRUE(DraftClaim::claim(*m_db, "c").draft);
-    m_clock.advance(seconds(121));
-    failUnacknowledgedDrafts(*m_db, 120'000);
+    failUnacknowledgedDraft(*m_db, "c");
     EXPECT_EQ(status("c"), "failed");
+    EXPECT_TRUE(mayHaveGoneOut(*fetchDraft(*m_db, "c")));
 
     writeDecision(*m_db, "d", "Pay", "100", "", "money");
     writeDecision(*m_db, "e", "x", "", "", "odd");
@@ -100,6 +100,23 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
     const RecordCheck check = checkRecords(*m_db);
     EXPECT_TRUE(check.sound);
     EXPECT_TRUE(check.words.startsWith("The record of decisions is whole: 12 lines, the last with the hash "));
+}
+
+TEST_F(ApprovalRecordsTest, whatAPersonDoesWithADraftThatWaitsElsewhereIsRecorded)
+{
+    insert("a", "x", "approved");
+    EXPECT_EQ(takeBackDraft(*m_db, "a"), Decided::Taken);
+    EXPECT_EQ(takeBackDraft(*m_db, "a"), Decided::AlreadySo);
+    insert("b", "x", "placed");
+    EXPECT_EQ(takeBackDraft(*m_db, "b"), Decided::Refused);
+    EXPECT_EQ(confirmDraftSent(*m_db, "b"), Decided::Taken);
+    EXPECT_EQ(rejectDraft(*m_db, "b"), Decided::Refused) << "it is out";
+    insert("c", "x", "placed");
+    EXPECT_EQ(rejectDraft(*m_db, "c"), Decided::Taken);
+    insert("d", "x", "approved");
+    failApprovedDrafts(*m_db, fetchDraft(*m_db, "d")->accountId, "gone");
+    EXPECT_EQ(status("d"), "failed");
+    EXPECT_EQ(told(), QStringList({ "draft a undo", "draft b sent", "draft c reject", "draft d failed" }));
 }
 
 TEST_F(ApprovalRecordsTest, whatDiffersFromWhatWasApprovedGoesBackToThePerson)

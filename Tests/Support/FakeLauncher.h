@@ -22,6 +22,10 @@ public:
     qint64 pid() const override { return m_pid; }
     bool isRunning() const override { return m_running; }
     Result<void> write(const QByteArray& bytes) override;
+    bool isInputOpen() const override
+    {
+        return m_running && !terminated && writeFailure != u"standard input is closed";
+    }
     bool hasRead(const QByteArray&) override { return !isDeaf; }
     bool withdraw(const QByteArray&) override { return false; }
     void terminate() override { terminated = true; }
@@ -66,7 +70,7 @@ public:
 
     void expect(const Launch& launch, int times = 1) { m_script.insert(m_script.end(), size_t(times), launch); }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
-    int endMarked(const QString&, Ending) override { return 0; }
+    int marked(const QString&, Marked) override { return 0; }
 
     FakeChild& last() const { return *children.last(); }
 

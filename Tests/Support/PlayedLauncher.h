@@ -9,7 +9,7 @@ class PlayedLauncher final : public ProcessLauncher, private ChildProcess {
 public:
     void print(const QString& chunk) { m_handlers.output({ chunk, nullptr }); }
 
-    int endMarked(const QString&, Ending) override { return 0; }
+    int marked(const QString&, Marked) override { return 0; }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec&, Handlers handlers) override
     {
         m_handlers = std::move(handlers);
@@ -20,6 +20,7 @@ private:
     qint64 pid() const override { return 1; }
     bool isRunning() const override { return true; }
     Result<void> write(const QByteArray&) override { return {}; }
+    bool isInputOpen() const override { return true; }
     bool hasRead(const QByteArray&) override { return true; }
     bool withdraw(const QByteArray&) override { return false; }
     void terminate() override { }

@@ -1,7 +1,11 @@
 #include "Engines/DraftDelivery.h"
 
+#include "Engines/EngineCommands.h"
 #include "Engines/EngineManager.h"
+#include "Platform/ProcessLauncher.h"
 #include "Store/Core/LocalDB.h"
+
+#include <algorithm>
 
 namespace corvane {
 
@@ -10,8 +14,6 @@ namespace {
 constexpr Milliseconds watchPeriod { 4000 };
 constexpr qint64 acknowledgmentMs = 120'000;
 constexpr int rowsPerTick = 50;
-
-const QString approved = QStringLiteral("approved");
 
 bool placesTextInBrowser(Channel channel)
 {
@@ -36,50 +38,195 @@ void DraftDelivery::startWatch()
     });
 }
 
+void DraftDelivery::stop()
+{
+    m_isStopped = true;
+    m_timer.reset();
+    m_soon.reset();
+}
+
 void DraftDelivery::refresh()
 {
     LocalDB& db = m_engines.db();
+    if (m_isStopped)
+        return;
+    if (db.inTransaction()) {
+        m_soon = m_scheduler.after(Milliseconds(0), [this] { refresh(); });
+        return;
+    }
     if (db.isHeldElsewhere())
         return; // the next tick does it
-    failUnacknowledgedDrafts(db, acknowledgmentMs);
-    for (const PendingDraft& row : fetchDrafts(db, { approved }, rowsPerTick)) {
-        if (const auto account = m_engines.runningAccount(row.accountId))
-            deliver(row.id, *account);
-        else
-            m_engines.startBySlug(row.accountId);
-    }
-    const QList<PendingDraft> pending = fetchDrafts(db,
-        { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"), QStringLiteral("placed") },
-        rowsPerTick);
-    if (std::exchange(m_pending, pending) != pending)
-        Q_EMIT m_engines.pendingDraftsChanged();
+    expire();
+    failThoseOfGoneAccounts();
+    const QList<DraftOfAccount> approved = fetchApprovedIds(db);
+    wakeEngines(approved);
+    deliverApproved(approved);
+    present();
 }
 
-Decided DraftDelivery::release(const PendingDraft& seen, const Account& account)
-{
-    const Decided decided = approveDraft(m_engines.db(), seen.id, draftHash(seen));
-    if (decided == Decided::Taken)
-        deliver(seen.id, account);
-    if (decided == Decided::Changed)
-        Q_EMIT m_engines.draftReturned(seen.id);
-    return decided;
-}
-
-void DraftDelivery::deliver(const QString& draftId, const Account& account)
+bool DraftDelivery::deliver(const QString& draftId, const Account& account)
 {
     const DraftClaim claim = DraftClaim::claim(m_engines.db(), draftId);
     if (claim.returned)
         Q_EMIT m_engines.draftReturned(draftId);
     if (!claim.draft)
-        return;
+        return true;
     const PendingDraft& row = claim.draft->row();
-    const bool taken = placesTextInBrowser(account.channel())
-        ? m_engines.writeCommand(account,
-              { { QStringLiteral("cmd"), QStringLiteral("draft") }, { QStringLiteral("threadId"), row.externalId },
-                  { QStringLiteral("text"), row.body }, { QStringLiteral("draftId"), row.id } })
-        : m_engines.sendText(account, row.externalId, row.body, row.id);
-    if (!taken && unclaimDraft(m_engines.db(), *claim.draft))
-        m_engines.start(account);
+    const bool places = placesTextInBrowser(account.channel());
+    const QByteArray line = commandLine(
+        places ? placeCommand(row.externalId, row.body, row.id) : sendCommand(row.externalId, row.body, row.id));
+    if (isStillUnread(*claim.draft, line))
+        return true;
+    const auto engine = m_engines.engineOf(account);
+    if (engine
+        && m_engines.writeLine(account, line, places ? QStringLiteral("writeCommand") : QStringLiteral("sendText"))) {
+        m_awaited.insert(draftId, { m_scheduler.monotonicMs(), *claim.draft, engine, line });
+        return true;
+    }
+    (void)unclaimDraft(m_engines.db(), *claim.draft);
+    return false;
+}
+
+/// The engine has not come to the line that it got before: a second one would go out beside it.
+bool DraftDelivery::isStillUnread(const ClaimedDraft& draft, const QByteArray& line)
+{
+    const auto earlier = m_awaited.find(draft.row().id);
+    if (earlier == m_awaited.end() || !earlier->engine || earlier->engine->hasRead(earlier->line)
+        || earlier->engine->withdraw(earlier->line))
+        return false;
+    if (earlier->line == line) {
+        earlier->sinceMs = m_scheduler.monotonicMs();
+        earlier->draft = draft;
+    } else {
+        failClaimedDraft(m_engines.db(), draft,
+            QStringLiteral("The engine has not read the earlier text yet, so that one may still go out. Stop the "
+                           "account before you send this one."));
+    }
+    return true;
+}
+
+/// Where the engine can never read it, the draft is approved as before.
+bool DraftDelivery::takeBack(const Awaited& awaited)
+{
+    if (!awaited.draft || !awaited.engine->withdraw(awaited.line))
+        return false;
+    if (unclaimDraft(m_engines.db(), *awaited.draft))
+        m_wokenFor.insert(awaited.draft->row().id);
+    return true;
+}
+
+void DraftDelivery::engineEnded(const std::shared_ptr<ChildProcess>& engine)
+{
+    const auto takeTheirsBack = [this, engine] {
+        m_awaited.removeIf([&](const auto& each) { return each->engine == engine && takeBack(*each); });
+        refresh();
+    };
+    if (m_engines.db().inTransaction())
+        m_soon = m_scheduler.after(Milliseconds(0), takeTheirsBack);
+    else
+        takeTheirsBack();
+}
+
+/// Two minutes of this run without an acknowledgment: neither a jump of the clock nor sleep shortens them.
+void DraftDelivery::expire()
+{
+    LocalDB& db = m_engines.db();
+    const qint64 now = m_scheduler.monotonicMs();
+    const QStringList sending = fetchSendingIds(db);
+    for (const QString& id : sending) {
+        if (!m_awaited.contains(id))
+            m_awaited.insert(id, { now, {}, {}, {} });
+    }
+    m_awaited.removeIf([&](const auto& each) {
+        if (!sending.contains(each.key()))
+            return !each->engine || each->engine->hasRead(each->line);
+        if (now - each->sinceMs <= acknowledgmentMs)
+            return false;
+        if (takeBack(*each))
+            return true;
+        failUnacknowledgedDraft(db, each.key());
+        return false;
+    });
+}
+
+void DraftDelivery::failThoseOfGoneAccounts()
+{
+    for (const QString& slug : accountsWithApprovedDrafts(m_engines.db())) {
+        if (m_engines.isGone(slug))
+            failApprovedDrafts(m_engines.db(), slug, QStringLiteral("Account %1 is no longer connected").arg(slug));
+    }
+}
+
+/// An engine that is signed out drops what it gets, and one that has not read its input for two minutes takes no more.
+bool DraftDelivery::canTake(const Account& account) const
+{
+    const auto engine = m_engines.engineOf(account);
+    const WAStatus status = m_engines.runtime(account.id).status;
+    if (!engine || !engine->isRunning() || !engine->isInputOpen() || status == WAStatus::NeedsQR
+        || status == WAStatus::LoggedOut)
+        return false;
+    const qint64 limit = m_scheduler.monotonicMs() - acknowledgmentMs;
+    return std::ranges::none_of(m_awaited, [&](const Awaited& each) {
+        return each.engine == engine && each.sinceMs < limit && !engine->hasRead(each.line);
+    });
+}
+
+void DraftDelivery::deliverApproved(const QList<DraftOfAccount>& approved)
+{
+    QHash<QString, Account> takers;
+    for (const DraftOfAccount& draft : approved) {
+        const auto account = m_engines.accountBySlug(draft.accountId);
+        if (account && m_awaited.contains(draft.id))
+            deliver(draft.id, *account); // before its engine comes to the line of the first time
+        if (account && !takers.contains(account->slug) && canTake(*account))
+            takers.insert(account->slug, *account);
+    }
+    int left = rowsPerTick;
+    for (bool someRefused = true; someRefused && left > 0 && !takers.isEmpty();) {
+        someRefused = false;
+        for (const PendingDraft& row : fetchApprovedDrafts(m_engines.db(), takers.keys(), left)) {
+            if (!takers.contains(row.accountId))
+                continue;
+            if (deliver(row.id, takers.value(row.accountId))) {
+                --left;
+                continue;
+            }
+            takers.remove(row.accountId);
+            someRefused = true;
+        }
+    }
+}
+
+/// Once for each approval, so that a crashing engine is not started again and again, and what was approved before a
+/// pause waits. At the first look that is everything that a paused account has.
+void DraftDelivery::wakeEngines(const QList<DraftOfAccount>& approved)
+{
+    QSet<QString> seen;
+    for (const DraftOfAccount& draft : approved) {
+        seen.insert(draft.id);
+        const auto account = m_wokenFor.contains(draft.id) ? std::nullopt : m_engines.accountBySlug(draft.accountId);
+        if (!account || m_engines.isRunning(*account) || m_engines.isStarting(*account)
+            || m_engines.runtime(account->id).status == WAStatus::LoggedOut
+            || (m_isFirstLook && account->paused.value_or(false)))
+            continue;
+        m_engines.resume(*account);
+    }
+    m_wokenFor = seen;
+    m_isFirstLook = false;
+}
+
+void DraftDelivery::present()
+{
+    QList<PendingDraft> pending = fetchDrafts(m_engines.db(),
+        { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"), QStringLiteral("placed"),
+            QStringLiteral("approved") },
+        rowsPerTick);
+    for (PendingDraft& draft : pending) {
+        const auto account = m_engines.accountBySlug(draft.accountId);
+        draft.accountName = account ? account->name : draft.accountId;
+    }
+    if (std::exchange(m_pending, pending) != pending)
+        Q_EMIT m_engines.pendingDraftsChanged();
 }
 
 bool waitsForPerson(const PendingDraft& draft)
@@ -89,6 +236,8 @@ bool waitsForPerson(const PendingDraft& draft)
 
 QString statusLabel(const PendingDraft& draft)
 {
+    if (mayHaveGoneOut(draft))
+        return QStringLiteral("May have gone out");
     if (draft.status == u"failed")
         return QStringLiteral("failed ") + draft.error;
     if (draft.status == u"sending" || draft.status == u"rejected")
@@ -97,6 +246,8 @@ QString statusLabel(const PendingDraft& draft)
         return QStringLiteral("Placed — awaiting LinkedIn confirmation");
     if (draft.status == u"sent")
         return draft.providerMsgId.isEmpty() ? draft.status : QStringLiteral("sent - ") + draft.providerMsgId;
+    if (draft.status == u"approved")
+        return QStringLiteral("Waits for the engine of ") + draft.accountName;
     return QStringLiteral("waiting approval");
 }
 

@@ -1,5 +1,7 @@
 // The commands of EngineManager: one JSON object a line, written to an engine's standard input.
 
+#include "Engines/EngineCommands.h"
+
 #include "Engines/EngineManagerState.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
@@ -13,6 +15,8 @@ const QString cmdKey = QStringLiteral("cmd");
 const QString chatIdKey = QStringLiteral("chatId");
 const QString messageIdKey = QStringLiteral("messageId");
 const QString fromMeKey = QStringLiteral("fromMe");
+const QString textKey = QStringLiteral("text");
+const QString draftIdKey = QStringLiteral("draftId");
 
 MediaDownloadStatus failed(const QString& reason)
 {
@@ -21,34 +25,61 @@ MediaDownloadStatus failed(const QString& reason)
 
 }
 
+QJsonObject sendCommand(const QString& chatId, const QString& text, const QString& draftId)
+{
+    QJsonObject command { { cmdKey, QStringLiteral("send") }, { chatIdKey, chatId }, { textKey, text } };
+    if (!draftId.isEmpty())
+        command.insert(draftIdKey, draftId);
+    return command;
+}
+
+QJsonObject placeCommand(const QString& threadId, const QString& text, const QString& draftId)
+{
+    return { { cmdKey, QStringLiteral("draft") }, { QStringLiteral("threadId"), threadId }, { textKey, text },
+        { draftIdKey, draftId } };
+}
+
+QByteArray commandLine(const QJsonObject& command)
+{
+    return compactJson(command) + '\n';
+}
+
+std::shared_ptr<ChildProcess> EngineManager::engineOf(const Account& account) const
+{
+    return m_state->processes.child(account.id);
+}
+
+/// An engine that closed its input runs on and can be told nothing.
+bool EngineManager::writeLine(const Account& account, const QByteArray& line, const QString& caller)
+{
+    const auto engine = engineOf(account);
+    const auto written = engine->write(line);
+    if (written)
+        return true;
+    log(QStringLiteral("EngineManager.%1: pipe write failed for %2: %3")
+            .arg(caller, account.slug, written.error().message));
+    if (engine->isRunning() && !engine->isInputOpen()) {
+        m_state->runtime.setStatus(account.id, WAStatus::Error);
+        m_state->runtime.setLog(
+            account.id, QStringLiteral("The engine takes no commands: it closed its input. Start it again."));
+    }
+    return false;
+}
+
 bool EngineManager::writeCommand(const Account& account, const QJsonObject& command)
 {
-    ChildProcess* engine = m_state->processes.child(account.id);
-    if (!engine) {
+    if (!engineOf(account)) {
         log(QStringLiteral("EngineManager.writeCommand: no running engine pipe for %1 cmd=%2")
                 .arg(account.slug, command.value(cmdKey).toString(QStringLiteral("unknown"))));
         return false;
     }
-    const auto written = engine->write(compactJson(command) + '\n');
-    if (!written)
-        log(QStringLiteral("EngineManager.writeCommand: pipe write failed for %1: %2")
-                .arg(account.slug, written.error().message));
-    return written.has_value();
+    return writeLine(account, commandLine(command), QStringLiteral("writeCommand"));
 }
 
 bool EngineManager::sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId)
 {
-    ChildProcess* engine = m_state->processes.child(account.id);
-    if (!engine)
-        return false;
-    QJsonObject command { { cmdKey, QStringLiteral("send") }, { chatIdKey, chatId }, { QStringLiteral("text"), text } };
-    if (!draftId.isEmpty())
-        command.insert(QStringLiteral("draftId"), draftId);
-    const auto written = engine->write(compactJson(command) + '\n');
-    if (!written)
-        log(QStringLiteral("EngineManager.sendText: pipe write failed for %1: %2")
-                .arg(account.slug, written.error().message));
-    return written.has_value();
+    return engineOf(account)
+        && writeLine(account, commandLine(sendCommand(chatId, text, draftId)), QStringLiteral("sendText"));
 }
 
 bool EngineManager::sendAudio(const Account& account, const QString& chatId, const QString& path)

@@ -1,9 +1,13 @@
 #include "Engines/EngineManager.h"
 
+#include "Engines/AccountStore.h"
 #include "Engines/ConnectionEvents.h"
 #include "Engines/EngineManagerState.h"
 #include "Engines/EngineSpec.h"
+#include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Log.h"
+#include "Foundation/Text.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
@@ -13,11 +17,14 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace Qt::StringLiterals;
+
 namespace corvane {
 
 namespace {
 
 constexpr Milliseconds badgePeriod { 100 };
+constexpr int loggedLength = 400;
 
 /// A link is removed and what it leads to stays.
 void removeFolder(const QString& path)
@@ -37,6 +44,13 @@ void withdrawRead(LocalDB& db, Notifier& notifier)
     }
 }
 
+const QString directSendPrefix = QStringLiteral("ds");
+
+bool isDirectSend(const QString& id)
+{
+    return id.startsWith(directSendPrefix + u':');
+}
+
 EventSource sourceOf(const QUuid& accountId, const std::optional<Account>& account)
 {
     if (account)
@@ -53,10 +67,12 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , notifier(surroundings.notifier)
     , db(std::move(database))
     , runtime([&manager](const QUuid& accountId) { Q_EMIT manager.runtimeChanged(accountId); })
-    , processes(
-          surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.keychain, runtime,
-          [&manager](const QUuid& accountId, Speaker speaker, const QString& event) {
-              manager.handleEvent(accountId, event, speaker);
+    , processes(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.keychain, runtime,
+          EngineProcesses::Handlers {
+              .event = [&manager](const QUuid& accountId, Speaker speaker,
+                           const QString& event) { manager.handleEvent(accountId, event, speaker); },
+              .ended = [this](const std::shared_ptr<ChildProcess>& child) { drafts.engineEnded(child); },
+              .allEnded = [&manager] { Q_EMIT manager.allEnded(); },
           },
           // A message is several writes; each would hold the window for its five seconds, then lose its part.
           [this] { return db->isHeldElsewhere(); })
@@ -79,6 +95,11 @@ EngineManager::EngineManager(const Surroundings& surroundings, std::unique_ptr<L
 
 EngineManager::~EngineManager() = default;
 
+QString EngineManager::directSendId(qint64 nowMs)
+{
+    return stampedId(directSendPrefix, nowMs);
+}
+
 LocalDB& EngineManager::db()
 {
     return *m_state->db;
@@ -89,9 +110,25 @@ void EngineManager::setContactsBridge(ContactsBridge* contacts)
     m_state->ingest.setContactsBridge(contacts);
 }
 
+void EngineManager::setAccounts(AccountStore* accounts)
+{
+    m_state->accounts = accounts;
+}
+
 void EngineManager::start(const Account& account)
 {
     m_state->processes.start(account);
+}
+
+void EngineManager::resume(const Account& account)
+{
+    if (m_state->accounts && account.paused.value_or(false)) {
+        Account unpaused = account;
+        unpaused.paused = false;
+        m_state->accounts->update(unpaused);
+        return start(unpaused);
+    }
+    start(account);
 }
 
 void EngineManager::stop(const Account& account)
@@ -99,10 +136,16 @@ void EngineManager::stop(const Account& account)
     m_state->processes.stop(account);
 }
 
+void EngineManager::forget(const Account& account)
+{
+    m_state->processes.forget(account);
+}
+
 void EngineManager::stopAll()
 {
-    m_state->processes.stopAll();
+    m_state->drafts.stop();
     m_state->toolServer.stop();
+    m_state->processes.stopAll();
 }
 
 void EngineManager::resetAuth(const Account& account)
@@ -117,15 +160,29 @@ void EngineManager::resetAuth(const Account& account)
     m_state->runtime.set(account.id, state);
 }
 
-void EngineManager::startBySlug(const QString& slug)
-{
-    if (const auto account = runningAccount(slug))
-        start(*account);
-}
-
 bool EngineManager::isRunning(const Account& account) const
 {
     return m_state->processes.isRunning(account.id);
+}
+
+bool EngineManager::isStarting(const Account& account) const
+{
+    return m_state->processes.isStarting(account.id);
+}
+
+std::optional<Account> EngineManager::accountBySlug(const QString& slug) const
+{
+    return m_state->accounts ? m_state->accounts->findBySlug(slug) : runningAccount(slug);
+}
+
+bool EngineManager::isGone(const QString& slug) const
+{
+    return m_state->accounts && !m_state->accounts->findBySlug(slug);
+}
+
+bool EngineManager::isRunning(const QUuid& accountId) const
+{
+    return m_state->processes.isRunning(accountId);
 }
 
 std::optional<Account> EngineManager::runningAccount(const QString& slug) const
@@ -178,11 +235,6 @@ void EngineManager::startAIRequestWatch(LumoAI& ai)
 void EngineManager::refreshDrafts()
 {
     m_state->drafts.refresh();
-}
-
-Decided EngineManager::releaseDraft(const PendingDraft& seen, const Account& account)
-{
-    return m_state->drafts.release(seen, account);
 }
 
 const QList<PendingDraft>& EngineManager::pendingDrafts() const
@@ -241,7 +293,14 @@ void EngineManager::handleEvent(const QUuid& accountId, const QString& line, Spe
         return;
     const EventSource source = sourceOf(accountId, m_state->processes.account(accountId));
     RuntimeState state = runtime(accountId);
-    if (!isConnectionEvent(*type)) {
+    if (const auto said = *type == u"log" ? textValue(*event, QLatin1StringView("msg")) : std::nullopt)
+        log(QStringLiteral("engine %1 says: %2").arg(source.slug, firstCharacters(*said, loggedLength)));
+    if (const auto id = *type == u"sendAck" ? textValue(*event, QLatin1StringView("draftId")) : std::nullopt;
+        id && isDirectSend(*id)) {
+        const auto status = textValue(*event, QLatin1StringView("status"));
+        Q_EMIT directSendAnswered(*id, status == u"sent"_s || status == u"placed"_s,
+            textValue(*event, QLatin1StringView("error")).value_or(QStringLiteral("Send failed")));
+    } else if (!isConnectionEvent(*type)) {
         m_state->ingest.handle(source, *type, *event);
         state = runtime(accountId); // an acknowledgment may have started an engine
     } else if (speaker == Speaker::Current) {

@@ -10,7 +10,9 @@
 
 namespace corvane {
 
+class AccountStore;
 class BackgroundQueue;
+class ChildProcess;
 class ContactsBridge;
 class Desktop;
 class Keychain;
@@ -20,7 +22,6 @@ class Notifier;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
-enum class Decided;
 enum class Speaker;
 struct AppPaths;
 struct PendingDraft;
@@ -50,16 +51,25 @@ public:
     /// Who a phone number belongs to; without one every number is unknown.
     void setContactsBridge(ContactsBridge* contacts);
 
+    /// Which accounts there are; without them, those that were started since launch.
+    void setAccounts(AccountStore* accounts);
+
     // Engines
     void start(const Account& account); ///< nothing where the account's engine runs
+    void resume(const Account& account); ///< a person wants it to run: starts it, and it is paused no more
     void stop(const Account& account);
-    void stopAll(); ///< at quit
+    void forget(const Account& account); ///< it is removed: stops it, and nothing of it comes back
+    void stopAll(); ///< at quit; `allEnded` follows
     void resetAuth(const Account& account); ///< stops, and deletes the engine's state folder
-    void startBySlug(const QString& slug); ///< only accounts that were started since launch
     bool isRunning(const Account& account) const;
+    bool isRunning(const QUuid& accountId) const;
+    bool isStarting(const Account& account) const; ///< it does not run yet, and does soon by itself
+    std::optional<Account> accountBySlug(const QString& slug) const;
+    bool isGone(const QString& slug) const; ///< no account has that slug (any more)
     std::optional<Account> runningAccount(const QString& slug) const; ///< started since launch
     RuntimeState runtime(const QUuid& accountId) const;
     qint64 processId(const Account& account) const; ///< 0 where none runs
+    std::shared_ptr<ChildProcess> engineOf(const Account& account) const; ///< null where none runs
 
     // Tool server
     void startUnifiedMCP(int port);
@@ -70,7 +80,6 @@ public:
     // Drafts
     void startDraftWatch(); ///< may be called again
     void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
-    Decided releaseDraft(const PendingDraft& seen, const Account& account); ///< see DraftDelivery::release
     const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
 
     /// Answers from now on what other processes ask of the assistant. `ai` outlives the manager; may be called again.
@@ -78,7 +87,11 @@ public:
 
     // Commands to engines; true where the line is on its way
     bool writeCommand(const Account& account, const QJsonObject& command);
+    /// To an engine that runs; the log names the caller where it fails.
+    bool writeLine(const Account& account, const QByteArray& line, const QString& caller);
     bool sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId = {});
+    /// In place of a draft's id, for a text that a person sends directly: `directSendAnswered` tells what became of it.
+    static QString directSendId(qint64 nowMs);
     bool sendAudio(const Account& account, const QString& chatId, const QString& path);
     bool markRead(const Account& account, const QString& chatId);
     bool loadMoreHistory(const Account& account, const QString& chatId, int count);
@@ -109,6 +122,8 @@ Q_SIGNALS:
     void mcpRunningChanged();
     void pendingDraftsChanged();
     void draftReturned(const QString& id); ///< it is not as it was approved: the person is to be asked again
+    void directSendAnswered(const QString& id, bool sent, const QString& error);
+    void allEnded(); ///< no engine is left, and what they printed is dealt with
     void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
 
 private:

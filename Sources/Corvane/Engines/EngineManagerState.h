@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AI/AIRequestWatcher.h"
+#include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
@@ -9,6 +10,8 @@
 #include "Engines/ToolServer.h"
 #include "Foundation/Coalescer.h"
 #include "Store/Core/LocalDB.h"
+
+#include <QPointer>
 
 namespace corvane {
 
@@ -20,6 +23,7 @@ struct EngineManager::State {
     Scheduler& scheduler;
     Desktop& desktop;
     Notifier& notifier;
+    QPointer<AccountStore> accounts;
     std::unique_ptr<LocalDB> db;
     RuntimeStates runtime;
     EngineProcesses processes;

@@ -2,6 +2,7 @@
 
 #include "Engines/EngineSpec.h"
 #include "Engines/RuntimeStates.h"
+#include "Foundation/Log.h"
 
 #include <algorithm>
 
@@ -10,17 +11,19 @@ namespace corvane {
 namespace {
 
 constexpr int maxRestartAttempts = 5;
+constexpr Milliseconds remainsPeriod { 100 };
+constexpr int remainsRounds = 50;
 
 }
 
 EngineProcesses::EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher,
-    Keychain& keychain, RuntimeStates& runtime, EventHandler handleEvent, std::function<bool()> mustWait)
+    Keychain& keychain, RuntimeStates& runtime, Handlers handlers, std::function<bool()> mustWait)
     : m_paths(paths)
     , m_scheduler(scheduler)
     , m_launcher(launcher)
     , m_keychain(keychain)
     , m_runtime(runtime)
-    , m_handleEvent(std::move(handleEvent))
+    , m_handlers(std::move(handlers))
     , m_lines(scheduler, std::move(mustWait))
 {
 }
@@ -28,29 +31,65 @@ EngineProcesses::EngineProcesses(const AppPaths& paths, Scheduler& scheduler, Pr
 void EngineProcesses::start(const Account& account)
 {
     const QUuid id = account.id;
-    if (isRunning(id))
+    const auto running = isRunning(id) ? child(id) : nullptr;
+    if (m_isQuitting || (running && running->isInputOpen()))
         return;
+    if (running)
+        running->terminate();
+    cancelStart(id);
     m_accounts.insert(id, account);
     m_intentionalStops.remove(id);
-    m_current.remove(id); // one that died without its exit being handled yet is superseded
+    m_current.remove(id);
     m_runtime.setStatus(id, WAStatus::Starting);
+    launchWhenAlone(account);
+}
 
+void EngineProcesses::launchWhenAlone(const Account& account)
+{
+    const bool oneEnds
+        = std::ranges::any_of(m_engines, [&](const auto& engine) { return engine->account.slug == account.slug; });
+    if (oneEnds)
+        m_successors.insert(account.slug, account);
+    else
+        clearAndLaunch(account, 0);
+}
+
+/// What an earlier run of the program left behind is asked to end, and killed after five seconds.
+void EngineProcesses::clearAndLaunch(const Account& account, int round)
+{
+    using Marked = ProcessLauncher::Marked;
+    const auto fired = std::move(m_starts[account.id]);
+    m_starts.erase(account.id);
+    const Marked action = round == 0 ? Marked::Ask : round < remainsRounds ? Marked::Count : Marked::Kill;
+    if (m_launcher.marked(engineMark(m_paths, account), action) == 0)
+        return launch(account);
+    m_starts[account.id]
+        = m_scheduler.after(remainsPeriod, [this, account, round] { clearAndLaunch(account, round + 1); });
+}
+
+void EngineProcesses::launch(const Account& account)
+{
+    const QUuid id = account.id;
     const auto engine = std::make_shared<Engine>();
     engine->account = account;
-    engine->stream = m_lines.open(m_rests.value(id), [this, id, weak = std::weak_ptr(engine)](const QString& event) {
-        const bool superseded = m_current.contains(id) && m_current.value(id) != weak.lock();
-        m_handleEvent(id, superseded ? Speaker::Superseded : Speaker::Current, event);
+    engine->spec = engineSpec(m_paths, m_keychain, account);
+    engine->stream = m_lines.open({}, [this, id, weak = std::weak_ptr(engine)](const QString& event) {
+        const auto speaker = weak.lock();
+        const bool superseded = m_successors.contains(speaker->account.slug);
+        m_handlers.event(id, superseded ? Speaker::Superseded : Speaker::Current, event);
     });
-    const auto child = m_launcher.start(engineSpec(m_paths, m_keychain, account), handlersFor(engine));
+    const auto child = m_launcher.start(engine->spec, handlersFor(engine));
     if (!child) {
+        const QString words = QStringLiteral("Failed to launch engine: %1").arg(child.error().message);
+        log(QStringLiteral("EngineProcesses: %1: %2").arg(account.slug, words));
         m_runtime.setStatus(id, WAStatus::Error);
-        m_runtime.setLog(id, QStringLiteral("Failed to launch engine: %1").arg(child.error().message));
+        m_runtime.setLog(id, words);
         return;
     }
     engine->child = *child;
     m_engines.append(engine);
     m_current.insert(id, engine);
-    m_rests.remove(id);
+    m_runtime.setExit(id, {});
 }
 
 ProcessLauncher::Handlers EngineProcesses::handlersFor(const std::shared_ptr<Engine>& engine)
@@ -64,34 +103,47 @@ ProcessLauncher::Handlers EngineProcesses::handlersFor(const std::shared_ptr<Eng
                     alive->stream->append(chunk);
             },
         .exited =
-            [this, weak](int) {
+            [this, weak](int code) {
                 const auto alive = weak.lock();
                 if (!alive)
                     return;
+                alive->exitCode = code;
                 // What the engine printed last counts before its exit does.
-                alive->stream->close([this, weak](const QString& rest) { handleExit(weak.lock(), rest); });
+                alive->stream->close([this, weak](const QString&) { handleExit(weak.lock()); });
             },
     };
 }
 
-void EngineProcesses::handleExit(const std::shared_ptr<Engine>& engine, const QString& rest)
+void EngineProcesses::handleExit(const std::shared_ptr<Engine>& engine)
 {
     m_engines.removeOne(engine);
     const QUuid id = engine->account.id;
-    const auto current = m_current.value(id);
-    if (current && current != engine)
-        return;
-    m_current.remove(id);
-    m_rests.insert(id, rest);
+    if (m_current.value(id) == engine)
+        m_current.remove(id);
+    m_launcher.marked(engineMark(m_paths, engine->account), ProcessLauncher::Marked::Kill);
+    tellExit(*engine);
+    m_handlers.ended(engine->child);
 
-    if (m_runtime.get(id).status == WAStatus::LoggedOut)
+    if (m_isQuitting) {
+        if (m_engines.isEmpty())
+            m_handlers.allEnded();
+    } else if (const Account successor = m_successors.take(engine->account.slug); !successor.id.isNull()) {
+        clearAndLaunch(successor, 0);
+    } else if (!m_accounts.contains(id) || m_runtime.get(id).status == WAStatus::LoggedOut) {
         return;
-    if (m_intentionalStops.contains(id)) {
+    } else if (m_intentionalStops.contains(id)) {
         m_runtime.setStatus(id, WAStatus::Stopped);
-        return;
-    }
-    if (current)
+    } else {
         restartLater(engine->account);
+    }
+}
+
+void EngineProcesses::tellExit(const Engine& engine)
+{
+    const QString words = exitWords(engine.spec, engine.exitCode);
+    log(QStringLiteral("EngineProcesses: %1: %2").arg(engine.account.slug, words));
+    if (m_accounts.contains(engine.account.id))
+        m_runtime.setExit(engine.account.id, words);
 }
 
 void EngineProcesses::restartLater(const Account& account)
@@ -99,15 +151,18 @@ void EngineProcesses::restartLater(const Account& account)
     const QUuid id = account.id;
     const int attempts = ++m_restartAttempts[id];
     if (attempts > maxRestartAttempts) {
+        const QString words
+            = QStringLiteral("Engine kept crashing — auto-restart gave up after %1 tries.").arg(maxRestartAttempts);
+        log(QStringLiteral("EngineProcesses: %1: %2").arg(account.slug, words));
         m_runtime.setStatus(id, WAStatus::Error);
-        m_runtime.setLog(
-            id, QStringLiteral("Engine kept crashing — auto-restart gave up after %1 tries.").arg(maxRestartAttempts));
+        m_runtime.setLog(id, words);
         return;
     }
     m_runtime.setStatus(id, WAStatus::Connecting);
     const int delaySeconds = std::min(1 << attempts, 30);
-    m_restarts[id] = m_scheduler.after(Milliseconds(1000 * delaySeconds), [this, account] {
-        const auto fired = std::move(m_restarts[account.id]);
+    m_starts[id] = m_scheduler.after(Milliseconds(1000 * delaySeconds), [this, account] {
+        const auto fired = std::move(m_starts[account.id]);
+        m_starts.erase(account.id);
         m_due.push_back(account);
         if (!m_launch)
             m_launch = m_scheduler.after(Milliseconds(0), [this] { launchNext(); });
@@ -118,6 +173,8 @@ void EngineProcesses::restartLater(const Account& account)
 void EngineProcesses::launchNext()
 {
     const auto fired = std::move(m_launch);
+    if (m_due.empty())
+        return;
     const Account account = m_due.front();
     m_due.pop_front();
     if (!m_due.empty())
@@ -125,22 +182,44 @@ void EngineProcesses::launchNext()
     start(account);
 }
 
+void EngineProcesses::cancelStart(const QUuid& accountId)
+{
+    m_starts.erase(accountId);
+    m_successors.removeIf([&](const auto& entry) { return entry.value().id == accountId; });
+    std::erase_if(m_due, [&](const Account& account) { return account.id == accountId; });
+}
+
 void EngineProcesses::stop(const Account& account)
 {
+    cancelStart(account.id);
+    m_restartAttempts.remove(account.id);
     m_intentionalStops.insert(account.id);
     if (const auto engine = m_current.take(account.id))
         engine->child->terminate();
     m_runtime.setStatus(account.id, WAStatus::Stopped);
 }
 
+void EngineProcesses::forget(const Account& account)
+{
+    stop(account);
+    m_accounts.remove(account.id);
+    m_intentionalStops.remove(account.id);
+}
+
 void EngineProcesses::stopAll()
 {
-    m_restarts.clear();
+    if (std::exchange(m_isQuitting, true))
+        return;
+    m_starts.clear();
+    m_successors.clear();
     m_due.clear();
     m_launch.reset();
-    const auto engines = std::exchange(m_current, {});
+    m_current.clear();
+    const auto engines = m_engines; // an exit takes its engine off the list
     for (const auto& engine : engines)
         engine->child->terminate();
+    if (engines.isEmpty())
+        m_handlers.allEnded();
 }
 
 void EngineProcesses::connectionOpened(const QUuid& accountId)
@@ -148,22 +227,33 @@ void EngineProcesses::connectionOpened(const QUuid& accountId)
     m_restartAttempts.remove(accountId);
 }
 
-ChildProcess* EngineProcesses::child(const QUuid& accountId) const
+std::shared_ptr<ChildProcess> EngineProcesses::child(const QUuid& accountId) const
 {
     const auto engine = m_current.value(accountId);
-    return engine ? engine->child.get() : nullptr;
+    return engine ? engine->child : nullptr;
 }
 
 bool EngineProcesses::isRunning(const QUuid& accountId) const
 {
-    const ChildProcess* running = child(accountId);
+    const auto running = child(accountId);
     return running && running->isRunning();
+}
+
+bool EngineProcesses::isStarting(const QUuid& accountId) const
+{
+    const auto isIt = [&](const Account& account) {
+        return account.id == accountId;
+    };
+    return m_starts.contains(accountId) || std::ranges::any_of(m_due, isIt) || std::ranges::any_of(m_successors, isIt);
 }
 
 std::optional<Account> EngineProcesses::account(const QUuid& accountId) const
 {
-    const auto found = m_accounts.constFind(accountId);
-    return found == m_accounts.cend() ? std::nullopt : std::optional(*found);
+    if (const auto found = m_accounts.constFind(accountId); found != m_accounts.cend())
+        return *found;
+    // One that was removed speaks as long as its engine lives.
+    const auto ending = std::ranges::find(m_engines, accountId, [](const auto& engine) { return engine->account.id; });
+    return ending == m_engines.cend() ? std::nullopt : std::optional((*ending)->account);
 }
 
 std::optional<Account> EngineProcesses::accountBySlug(const QString& slug) const

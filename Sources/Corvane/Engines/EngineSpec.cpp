@@ -6,12 +6,22 @@
 
 #include <QFileInfo>
 #include <QSysInfo>
+#include <cstring>
 
 namespace corvane {
 
 namespace {
 
 const QString envExecutable = QStringLiteral("/usr/bin/env");
+const QString markVariable = QStringLiteral("CORVANE_ENGINE");
+
+constexpr int nodeRefusedItsOptions = 9; // Node's own number for it
+constexpr int envFoundNothing = 127;
+
+QString markOf(const AppPaths& paths, const Account& account)
+{
+    return paths.applicationSupport + u':' + account.slug;
+}
 
 bool isExecutableFile(const QString& path)
 {
@@ -205,15 +215,36 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
     const Channel channel = account.channel();
     ProcessSpec spec = nodeSpec(paths, entryScript(channel), channel == Channel::WhatsApp ? 384 : 128);
     spec.environment.insert(QStringLiteral("LOG_LEVEL"), QStringLiteral("info"));
+    spec.environment.insert(markVariable, markOf(paths, account));
     insertChannelVariables(spec.environment, paths, keychain, account);
     spec.environment.remove(QStringLiteral("MCP_HTTP_PORT")); // an engine opens no tool port of its own
     return spec;
+}
+
+QString engineMark(const AppPaths& paths, const Account& account)
+{
+    return markVariable + u'=' + markOf(paths, account);
+}
+
+QString exitWords(const ProcessSpec& spec, int code)
+{
+    const QString neededNode = QStringLiteral("Engines need Node 22.6 or newer.");
+    if (code < 0)
+        return QStringLiteral("Ended by signal %1 (%2)").arg(-code).arg(QString::fromLocal8Bit(::strsignal(-code)));
+    if (code == envFoundNothing && spec.executable == envExecutable)
+        return QStringLiteral("Node was not found. ") + neededNode;
+    if (code == nodeRefusedItsOptions)
+        return QStringLiteral("%1 is too old. ").arg(spec.executable) + neededNode;
+    if (const QString script = spec.arguments.value(spec.arguments.size() - 1); code > 0 && !QFileInfo::exists(script))
+        return QStringLiteral("The engine's program is missing: ") + script;
+    return code == 0 ? QStringLiteral("Ended by itself") : QStringLiteral("Ended with exit code %1").arg(code);
 }
 
 ProcessSpec toolServerSpec(const AppPaths& paths, int port)
 {
     ProcessSpec spec = nodeSpec(paths, QStringLiteral("src/nimb-mcp.ts"), 96);
     spec.environment.insert(QStringLiteral("NIMB_MCP_PORT"), QString::number(port));
+    spec.environment.remove(markVariable);
     spec.pipes = false;
     return spec;
 }

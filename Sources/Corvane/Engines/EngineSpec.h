@@ -20,6 +20,13 @@ std::optional<QString> stateFolder(const AppPaths& paths, const Account& account
 /// How to start the engine of an account. Reads the account's secret.
 ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account& account);
 
+/// "NAME=value" in the environment of the account's engine and of what it starts: which profile and account they
+/// work for.
+QString engineMark(const AppPaths& paths, const Account& account);
+
+/// How an engine that was started so ended, in words. `code` is its exit status, or minus the signal's number.
+QString exitWords(const ProcessSpec& spec, int code);
+
 /// How to start the tool server that all channels share.
 ProcessSpec toolServerSpec(const AppPaths& paths, int port);
 

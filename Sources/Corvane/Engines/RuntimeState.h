@@ -15,6 +15,7 @@ struct RuntimeState {
     std::optional<QString> userName; ///< the signed-in identity that the engine reported
     std::optional<QString> mcpURL;
     QString lastLog;
+    QString lastExit = {}; ///< how the engine ended, in words; empty while it runs
 
     bool operator==(const RuntimeState&) const = default;
 };

@@ -39,6 +39,13 @@ public:
         set(accountId, state);
     }
 
+    void setExit(const QUuid& accountId, const QString& words)
+    {
+        RuntimeState state = get(accountId);
+        if (std::exchange(state.lastExit, words) != words)
+            set(accountId, state);
+    }
+
 private:
     QHash<QUuid, RuntimeState> m_states;
     std::function<void(const QUuid&)> m_changed;

@@ -31,6 +31,8 @@ public:
     /// take yet is kept, in order, up to 4 MiB. Fails where the pipe is closed or more than that is waiting.
     virtual Result<void> write(const QByteArray& bytes) = 0;
 
+    virtual bool isInputOpen() const = 0; ///< false once a write has failed for good
+
     /// Whether the child has read to their end the bytes of one earlier `write`. What it has not read when it ends it
     /// never reads.
     virtual bool hasRead(const QByteArray& bytes) = 0;
@@ -68,10 +70,10 @@ public:
     /// process group is killed when the child ends.
     virtual Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) = 0;
 
-    /// Ends every process of this user that has the variable, "NAME=value", in its environment. Returns how many
-    /// there were, which may take a moment to be gone.
-    enum class Ending { Asked, Killed };
-    virtual int endMarked(const QString& variable, Ending ending) = 0;
+    /// Deals with every process of this user that has the variable, "NAME=value", in its environment. Returns how many
+    /// there were; those that end may take a moment to be gone.
+    enum class Marked { Count, Ask, Kill };
+    virtual int marked(const QString& variable, Marked action) = 0;
 };
 
 }

@@ -7,7 +7,10 @@ namespace corvane {
 namespace {
 
 const QString approved = QStringLiteral("approved");
+const QString pending = QStringLiteral("pending");
 const QString sending = QStringLiteral("sending");
+const QString placed = QStringLiteral("placed");
+const QString sent = QStringLiteral("sent");
 const QString rejected = QStringLiteral("rejected");
 const QString failed = QStringLiteral("failed");
 
@@ -62,7 +65,31 @@ bool failUnreadable(LocalDB& db, const PendingDraft& draft)
 
 bool waits(const QString& status)
 {
-    return status == u"pending" || status == failed;
+    return status == pending || status == failed;
+}
+
+/// One step of a person, recorded; `AlreadySo` where the draft stands there already.
+Decided step(LocalDB& db, const QString& id, const QString& from, const QString& to, const char* action)
+{
+    Transaction transaction(db);
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft)
+        return Decided::Refused;
+    if (draft->status == to)
+        return Decided::AlreadySo;
+    const bool done = moveDraft(db, id, from, to) && forget(db, id) && record(db, id, action, draftHash(*draft))
+        && transaction.commit();
+    return done ? Decided::Taken : Decided::Refused;
+}
+
+/// Inside a transaction.
+bool failOne(LocalDB& db, const QString& id, const QString& from, const QString& error)
+{
+    const auto draft = fetchDraft(db, id);
+    if (!draft || draft->status != from)
+        return false;
+    markDraftFailed(db, id, error);
+    return forget(db, id) && record(db, id, "failed", draftHash(*draft));
 }
 
 }
@@ -95,11 +122,21 @@ Decided rejectDraft(LocalDB& db, const QString& id)
         return Decided::Refused;
     if (draft->status == rejected)
         return Decided::AlreadySo;
-    if (!waits(draft->status) && draft->status != approved)
+    if (!waits(draft->status) && draft->status != approved && draft->status != placed)
         return Decided::Refused;
     const bool done = moveDraft(db, id, draft->status, rejected) && forget(db, id)
         && record(db, id, "reject", draftHash(*draft)) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
+}
+
+Decided takeBackDraft(LocalDB& db, const QString& id)
+{
+    return step(db, id, approved, pending, "undo");
+}
+
+Decided confirmDraftSent(LocalDB& db, const QString& id)
+{
+    return step(db, id, placed, sent, "sent");
 }
 
 bool editDraft(LocalDB& db, const QString& id, const QString& body)
@@ -123,6 +160,20 @@ void failWaitingDraft(LocalDB& db, const QString& id, const QString& error)
     markDraftFailed(db, id, error);
     if (record(db, id, "failed", draftHash(*draft)))
         (void)transaction.commit();
+}
+
+void failApprovedDrafts(LocalDB& db, const QString& accountId, const QString& error)
+{
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return;
+    const QStringList ids = db.rows("SELECT id FROM outbound_draft WHERE account_id=? AND status='approved';",
+        { accountId }, [](const SqlRow& row) { return row.text(0); });
+    for (const QString& id : ids) {
+        if (!failOne(db, id, approved, error))
+            return;
+    }
+    (void)transaction.commit();
 }
 
 DraftClaim DraftClaim::claim(LocalDB& db, const QString& id)
@@ -176,24 +227,22 @@ void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
         (void)transaction.commit();
 }
 
-void failUnacknowledgedDrafts(LocalDB& db, qint64 olderThanMs)
+void failUnacknowledgedDraft(LocalDB& db, const QString& id)
 {
-    const auto stale = [&] {
-        return db.rows("SELECT id FROM outbound_draft WHERE status='sending' AND updated_at < ?;",
-            { db.nowMs() - olderThanMs }, [](const SqlRow& row) { return row.text(0); });
-    };
-    if (stale().isEmpty())
-        return;
     Transaction transaction(db);
-    if (!transaction.begun())
+    const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || draft->status != sending)
         return;
-    for (const QString& id : stale()) {
-        const auto draft = fetchDraft(db, id);
-        if (!draft || !record(db, id, "failed", draftHash(*draft)))
-            return;
-    }
-    failStaleSendingDrafts(db, olderThanMs);
-    (void)transaction.commit();
+    markDraftUnacknowledged(db, id);
+    if (record(db, id, "failed", draftHash(*draft)))
+        (void)transaction.commit();
+}
+
+void failClaimedDraft(LocalDB& db, const ClaimedDraft& draft, const QString& error)
+{
+    Transaction transaction(db);
+    if (transaction.begun() && failOne(db, draft.row().id, sending, error))
+        (void)transaction.commit();
 }
 
 }

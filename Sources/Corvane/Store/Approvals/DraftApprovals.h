@@ -14,13 +14,18 @@ QString draftHash(const PendingDraft& draft);
 /// Approves a pending or failed draft as it was seen, that is: with that hash.
 Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash);
 
-/// From "pending", "failed" and "approved"; one that went to its engine is not called back.
+/// From "pending", "failed", "approved" and "placed"; one that is on its way is not called back.
 Decided rejectDraft(LocalDB& db, const QString& id);
 
+Decided takeBackDraft(LocalDB& db, const QString& id); ///< one that is approved waits for a person again
+Decided confirmDraftSent(LocalDB& db, const QString& id); ///< a person saw that one that was placed went out
 bool editDraft(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
 
 /// A pending or failed draft that nobody can send.
 void failWaitingDraft(LocalDB& db, const QString& id, const QString& error);
+
+/// Every approved draft of the account, in any workspace.
+void failApprovedDrafts(LocalDB& db, const QString& accountId, const QString& error);
 
 /// A draft on its way to an engine. Only `claimDraft` makes one.
 class ClaimedDraft {
@@ -56,6 +61,10 @@ private:
 void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
     const std::optional<QString>& providerMsgId, const QString& error);
 
-void failUnacknowledgedDrafts(LocalDB& db, qint64 olderThanMs);
+/// Nobody says what became of a draft that was handed over.
+void failUnacknowledgedDraft(LocalDB& db, const QString& id);
+
+/// A draft that was claimed and must not be handed over.
+void failClaimedDraft(LocalDB& db, const ClaimedDraft& draft, const QString& error);
 
 }

@@ -13,6 +13,13 @@ const QString draftColumns = QStringLiteral(
 FROM outbound_draft
 )");
 
+const QString unacknowledged = QStringLiteral("Engine never acknowledged the send — Retry to requeue.");
+
+QString placeholders(qsizetype count)
+{
+    return QStringList(count, QStringLiteral("?")).join(u',');
+}
+
 PendingDraft draftFrom(const SqlRow& row)
 {
     return PendingDraft { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
@@ -46,17 +53,50 @@ VALUES(?,?,?,?,?,?,?,?,'pending',?,?,?);)",
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit)
 {
     QList<SqlValue> parameters { activeWorkspaceId(db) };
-    QStringList placeholders;
-    for (const QString& status : statuses) {
+    for (const QString& status : statuses)
         parameters.append(status);
-        placeholders.append(QStringLiteral("?"));
-    }
     parameters.append(limit);
     const QString which = QStringLiteral(R"(WHERE workspace_id=? AND status IN (%1)
 ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
 LIMIT ?;)")
-                              .arg(placeholders.join(u','));
+                              .arg(placeholders(statuses.size()));
     return db.rows(draftColumns + which, parameters, draftFrom);
+}
+
+QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountIds, int limit)
+{
+    QList<SqlValue> parameters { activeWorkspaceId(db) };
+    for (const QString& accountId : accountIds)
+        parameters.append(accountId);
+    parameters.append(limit);
+    const QString which = QStringLiteral(
+        "WHERE workspace_id=? AND status='approved' AND account_id IN (%1) ORDER BY created_at ASC LIMIT ?;")
+                              .arg(placeholders(accountIds.size()));
+    return db.rows(draftColumns + which, parameters, draftFrom);
+}
+
+QList<DraftOfAccount> fetchApprovedIds(LocalDB& db)
+{
+    return db.rows("SELECT id, account_id FROM outbound_draft WHERE workspace_id=? AND status='approved' "
+                   "ORDER BY created_at ASC;",
+        { activeWorkspaceId(db) }, [](const SqlRow& row) { return DraftOfAccount { row.text(0), row.text(1) }; });
+}
+
+QStringList accountsWithApprovedDrafts(LocalDB& db)
+{
+    return db.rows("SELECT DISTINCT account_id FROM outbound_draft WHERE status='approved';", {},
+        [](const SqlRow& row) { return row.text(0); });
+}
+
+QStringList fetchSendingIds(LocalDB& db)
+{
+    return db.rows(
+        "SELECT id FROM outbound_draft WHERE status='sending';", {}, [](const SqlRow& row) { return row.text(0); });
+}
+
+bool mayHaveGoneOut(const PendingDraft& draft)
+{
+    return draft.status == u"failed" && draft.error == unacknowledged;
 }
 
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
@@ -94,13 +134,10 @@ void updateDraftBody(LocalDB& db, const QString& id, const QString& body)
         { body, db.nowMs(), id });
 }
 
-void failStaleSendingDrafts(LocalDB& db, qint64 olderThanMs)
+void markDraftUnacknowledged(LocalDB& db, const QString& id)
 {
-    const qint64 now = db.nowMs();
-    db.run(R"(UPDATE outbound_draft SET status='failed',
-       error='Engine never acknowledged the send — Retry to requeue.', updated_at=?
-WHERE status='sending' AND updated_at < ?;)",
-        { now, now - olderThanMs });
+    db.run("UPDATE outbound_draft SET status='failed', error=?, updated_at=? WHERE id=? AND status='sending';",
+        { unacknowledged, db.nowMs(), id });
 }
 
 }

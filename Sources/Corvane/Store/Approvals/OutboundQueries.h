@@ -20,6 +20,7 @@ struct PendingDraft {
     QString webAckStatus;
     QString providerMsgId;
     QString error;
+    QString accountName = {}; ///< as the person calls the account, where it is known; in no column
 
     bool operator==(const PendingDraft&) const = default;
 };
@@ -29,6 +30,25 @@ bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text,
 
 /// Oldest first within failed, pending, sending, and the rest.
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit);
+
+/// Of those approved drafts that `accountIds` can take, the oldest first.
+QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountIds, int limit);
+
+struct DraftOfAccount {
+    QString id;
+    QString accountId;
+};
+/// Every approved draft of the active workspace.
+QList<DraftOfAccount> fetchApprovedIds(LocalDB& db);
+
+/// The slugs of the accounts that have approved drafts, in any workspace.
+QStringList accountsWithApprovedDrafts(LocalDB& db);
+
+/// Every draft that was handed to an engine and not acknowledged, in any workspace.
+QStringList fetchSendingIds(LocalDB& db);
+
+/// Whether it failed because nobody acknowledged it in time: it may have gone out all the same.
+bool mayHaveGoneOut(const PendingDraft& draft);
 
 /// The row as it stands now, whatever its status and workspace.
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id);
@@ -43,6 +63,6 @@ void markDraftCompleted(
     LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& providerMsgId);
 void markDraftFailed(LocalDB& db, const QString& id, const QString& error);
 void updateDraftBody(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
-void failStaleSendingDrafts(LocalDB& db, qint64 olderThanMs);
+void markDraftUnacknowledged(LocalDB& db, const QString& id); ///< only while sending
 
 }

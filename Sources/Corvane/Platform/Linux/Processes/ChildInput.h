@@ -20,6 +20,7 @@ public:
     /// All or nothing: fails where the pipe is closed, or more than 4 MiB would wait.
     Result<void> write(const QByteArray& bytes);
 
+    bool isOpen() const { return m_pipe.isOpen(); }
     bool hasRead(const QByteArray& bytes); ///< see `ChildProcess`
     bool withdraw(const QByteArray& bytes);
 

@@ -61,6 +61,7 @@ public:
     qint64 pid() const override { return m_pid; }
     bool isRunning() const override { return m_isRunning; }
     Result<void> write(const QByteArray& bytes) override { return m_input.write(bytes); }
+    bool isInputOpen() const override { return m_input.isOpen(); }
     bool hasRead(const QByteArray& bytes) override { return m_input.hasRead(bytes); }
     bool withdraw(const QByteArray& bytes) override { return m_input.withdraw(bytes); }
 
@@ -137,9 +138,10 @@ Result<std::shared_ptr<ChildProcess>> PosixProcessLauncher::start(const ProcessS
     return child;
 }
 
-int PosixProcessLauncher::endMarked(const QString& variable, Ending ending)
+int PosixProcessLauncher::marked(const QString& variable, Marked action)
 {
-    return signalMarked(QFile::encodeName(variable), ending == Ending::Asked ? SIGTERM : SIGKILL);
+    const int signal = action == Marked::Count ? 0 : action == Marked::Ask ? SIGTERM : SIGKILL;
+    return signalMarked(QFile::encodeName(variable), signal);
 }
 
 void PosixProcessLauncher::deliver(quint64 id, OutputChunk chunk)

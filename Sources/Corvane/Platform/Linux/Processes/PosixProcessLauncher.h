@@ -17,7 +17,7 @@ public:
     ~PosixProcessLauncher() override;
 
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
-    int endMarked(const QString& variable, Ending ending) override;
+    int marked(const QString& variable, Marked action) override;
 
 private:
     struct Entry {

@@ -13,8 +13,8 @@ namespace corvane {
 /// nothing). Reads all of /proc, so it takes some milliseconds, and any thread may do it.
 void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes);
 
-/// Sends the signal to every process of this user, but this one, that has the variable ("NAME=value") in its
-/// environment. Returns how many. It reads all of /proc.
+/// Sends the signal, or none where it is 0, to every process of this user but this one that has the variable
+/// ("NAME=value") in its environment. Returns how many. It reads all of /proc.
 int signalMarked(const QByteArray& variable, int signal);
 
 }
