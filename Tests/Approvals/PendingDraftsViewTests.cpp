@@ -20,6 +20,7 @@ class PendingDraftsTest : public testing::Test, protected EngineWorld {
 protected:
     PendingDraftsTest()
     {
+        engines.setAccounts(&accounts);
         launcher.expect(FakeLauncher::stays());
         engines.start(account);
         engines.startDraftWatch();
@@ -95,7 +96,7 @@ TEST_F(PendingDraftsTest, whatIsArmedInTheBarIsArmedInThePanelAndGoesOutAfterFiv
         QJsonObject(
             { { "chatId", "49171@s.whatsapp.net" }, { "cmd", "send" }, { "draftId", id }, { "text", "hello" } }));
     EXPECT_EQ(status(id), "sending");
-    EXPECT_EQ(shown("title"), "Sending from local Mac to Ana Ruiz · WHATSAPP");
+    EXPECT_EQ(shown("title"), "Sending from this computer to Ana Ruiz · WHATSAPP");
     EXPECT_EQ(shown("canDecide"), "false");
     drafts.reject(id);
     clock.advance(seconds(8));
@@ -133,11 +134,48 @@ TEST_F(PendingDraftsTest, anApprovalWakesAnEngineThatWasStopped)
 {
     const QString id = queue("hello");
     engines.stop(account);
+    launcher.last().exit();
+    account.paused = true;
+    accounts.update(account);
     launcher.expect(FakeLauncher::stays());
     send(id);
-    clock.advance(seconds(4));
-    EXPECT_EQ(status(id), "sending");
+    EXPECT_EQ(status(id), "sending") << "at once";
     EXPECT_TRUE(engines.isRunning(account));
+    EXPECT_FALSE(accounts.accounts().first().paused.value_or(false));
+}
+
+TEST_F(PendingDraftsTest, whatWaitsForItsEngineOrWasPlacedCanBeDealtWith)
+{
+    const QString id = queue("hello");
+    launcher.last().printEvent({ { "type", "status" }, { "state", "logged_out" } });
+    launcher.last().exit();
+    settle();
+    send(id);
+    EXPECT_EQ(shown("title"), "Approved for Ana Ruiz · WHATSAPP");
+    EXPECT_EQ(shown("stateText"), "Waits for the engine of Main");
+    EXPECT_EQ(shown("failureReason"), "The account is signed out. Sign in again in Settings.");
+    drafts.perform(id, "takeBack");
+    EXPECT_EQ(status(id), "pending");
+    send(id);
+    launcher.expect(FakeLauncher::stays());
+    drafts.perform(id, "start");
+    EXPECT_EQ(status(id), "sending");
+
+    clock.advance(seconds(124));
+    EXPECT_EQ(shown("title"), "May have gone out to Ana Ruiz · WHATSAPP");
+    EXPECT_EQ(shown("stateText"), "May have gone out");
+    EXPECT_EQ(drafts.confirmText(), "Send this message?");
+    drafts.askToConfirm(id);
+    EXPECT_EQ(drafts.confirmText(), "This may have gone out already. Send it again?");
+    send(id);
+    launcher.last().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "placed" } });
+    settle();
+    drafts.perform(id, "reject");
+    drafts.undo(id);
+    drafts.perform(id, "confirmSent");
+    clock.advance(seconds(5));
+    EXPECT_EQ(status(id), "sent");
+    EXPECT_EQ(drafts.count(), 0);
 }
 
 TEST_F(PendingDraftsTest, whatAnotherProgramChangedMeanwhileIsNotSentAndTheRefusalSaysSo)

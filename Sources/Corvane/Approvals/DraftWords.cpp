@@ -10,19 +10,43 @@ QString draftStatusTitle(const PendingDraft& draft)
     const QString target = WAName::pretty(draft.title.isEmpty() ? draft.externalId : draft.title)
         + QStringLiteral(" · ") + draft.channel;
     const QString status = draft.status.toLower();
+    const QString source = draft.source.toLower();
+    if (mayHaveGoneOut(draft))
+        return QStringLiteral("May have gone out to ") + target;
+    if (status == u"approved")
+        return QStringLiteral("Approved for ") + target;
     if (status == u"placed")
         return QStringLiteral("Placed in browser for ") + target;
     if (status == u"failed")
         return QStringLiteral("Local send failed to ") + target;
     if (status == u"sending")
-        return QStringLiteral("Sending from local Mac to ") + target;
-    if (draft.source.toLower() == u"web" || !draft.webAckStatus.isEmpty())
+        return QStringLiteral("Sending from this computer to ") + target;
+    if (source == u"web" || !draft.webAckStatus.isEmpty())
         return QStringLiteral("Web draft waiting for local approval · ") + target;
-    if (draft.source == u"forward")
+    if (source == u"forward")
         return QStringLiteral("You forward to ") + target;
-    if (draft.source == u"compose")
+    if (source == u"compose")
         return QStringLiteral("You write to ") + target;
     return QStringLiteral("AI wants to send to ") + target;
+}
+
+QString confirmQuestion(const PendingDraft& draft)
+{
+    return mayHaveGoneOut(draft) ? QStringLiteral("This may have gone out already. Send it again?")
+                                 : QStringLiteral("Send this message?");
+}
+
+QString waitingReason(const PendingDraft& draft, const Account& account, const RuntimeState& engine)
+{
+    if (draft.status != u"approved")
+        return {};
+    if (account.paused.value_or(false))
+        return QStringLiteral("The account is paused. Start runs its engine, which then sends the message.");
+    if (engine.status == WAStatus::LoggedOut)
+        return QStringLiteral("The account is signed out. Sign in again in Settings.");
+    if (engine.status == WAStatus::NeedsQR)
+        return QStringLiteral("The account waits to be linked in Settings.");
+    return engine.status == WAStatus::Error ? QStringLiteral("The engine does not run. ") + engine.lastLog : QString();
 }
 
 QString draftFailureReason(const PendingDraft& draft)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Engines/Account.h"
+#include "Engines/RuntimeState.h"
 #include "Store/Approvals/OutboundQueries.h"
 
 namespace corvane {
@@ -9,5 +11,11 @@ QString draftStatusTitle(const PendingDraft& draft);
 
 /// Why it failed, or why it waits for a person again; empty of every other draft.
 QString draftFailureReason(const PendingDraft& draft);
+
+/// What is asked before it is sent.
+QString confirmQuestion(const PendingDraft& draft);
+
+/// Why an approved draft waits, and what helps; empty where its engine is only on its way.
+QString waitingReason(const PendingDraft& draft, const Account& account, const RuntimeState& engine);
 
 }

@@ -17,8 +17,32 @@ namespace {
 constexpr int previewLength = 240;
 const QString failed = QStringLiteral("failed");
 
-PendingDraftItem itemOf(const PendingDraft& draft)
+QVariantMap action(const char* id, const QString& label, const char* kind)
 {
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
+        { QStringLiteral("kind"), QString::fromLatin1(kind) } };
+}
+
+QVariantList actionsOf(const PendingDraft& draft, bool engineRuns)
+{
+    QVariantList actions;
+    if (draft.status == u"approved") {
+        if (!engineRuns)
+            actions.append(action("start", QStringLiteral("Start"), "primary"));
+        actions.append(action("takeBack", QStringLiteral("Take back"), "plain"));
+        actions.append(action("reject", QStringLiteral("Reject"), "danger"));
+    } else if (draft.status == u"placed") {
+        actions.append(action("confirmSent", QStringLiteral("It was sent"), "primary"));
+        actions.append(action("reject", QStringLiteral("Discard"), "danger"));
+    }
+    return actions;
+}
+
+}
+
+PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
+{
+    const auto account = m_at.accounts.findBySlug(draft.accountId);
     PendingDraftItem item;
     item.id = draft.id;
     item.title = draftStatusTitle(draft);
@@ -27,12 +51,13 @@ PendingDraftItem itemOf(const PendingDraft& draft)
     item.status = draft.status;
     item.statusLabel = statusLabel(draft);
     item.failureReason = draftFailureReason(draft);
+    if (account && item.failureReason.isEmpty())
+        item.failureReason = waitingReason(draft, *account, m_at.engine.runtime(account->id));
+    item.actions = actionsOf(draft, account && m_at.engine.isRunning(*account));
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
     item.approveLabel = draft.status == failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
     return item;
-}
-
 }
 
 PendingDraftsView::PendingDraftsView(const Surroundings& surroundings, QObject* parent)
@@ -42,6 +67,10 @@ PendingDraftsView::PendingDraftsView(const Surroundings& surroundings, QObject* 
 {
     connect(&m_at.approvals, &ApprovalsStore::changed, this, &PendingDraftsView::present);
     connect(&m_at.editor, &DraftEdit::changed, this, &PendingDraftsView::present);
+    connect(&m_at.engine, &EngineManager::runtimeChanged, this, [this] {
+        if (std::ranges::any_of(m_drafts, [](const PendingDraft& draft) { return draft.status == u"approved"; }))
+            present();
+    });
     present();
 }
 
@@ -55,11 +84,22 @@ QObject* PendingDraftsView::editor() const
     return &m_at.editor;
 }
 
-const PendingDraft* PendingDraftsView::decidable(const QString& id) const
+const PendingDraft* PendingDraftsView::shown(const QString& id) const
 {
     const auto found = std::ranges::find(m_drafts, id, &PendingDraft::id);
-    const bool free = found != m_drafts.end() && waitsForPerson(*found) && id != m_at.editor.draftId();
-    return free && !m_at.approvals.armed(draftKey(id)) ? &*found : nullptr;
+    return found == m_drafts.end() ? nullptr : &*found;
+}
+
+const PendingDraft* PendingDraftsView::decidable(const QString& id) const
+{
+    const PendingDraft* const draft = shown(id);
+    const bool free = draft && waitsForPerson(*draft) && id != m_at.editor.draftId();
+    return free && !m_at.approvals.armed(draftKey(id)) ? draft : nullptr;
+}
+
+QString PendingDraftsView::confirmText() const
+{
+    return confirmQuestion(shown(m_confirmDraft) ? *shown(m_confirmDraft) : PendingDraft());
 }
 
 void PendingDraftsView::askToConfirm(const QString& id)
@@ -76,14 +116,14 @@ void PendingDraftsView::cancelConfirm()
 
 void PendingDraftsView::approveDraft(const QString& id)
 {
-    const PendingDraft* const shown = decidable(id);
-    if (!shown)
+    const PendingDraft* const asked = decidable(id);
+    if (!asked)
         return;
     const QString draft = id; // the question goes with what it asked
     m_confirmDraft.clear();
-    if (!m_at.accounts.findBySlug(shown->accountId)) {
+    if (!m_at.accounts.findBySlug(asked->accountId)) {
         failWaitingDraft(
-            m_at.engine.db(), draft, QStringLiteral("Account %1 is no longer connected").arg(shown->accountId));
+            m_at.engine.db(), draft, QStringLiteral("Account %1 is no longer connected").arg(asked->accountId));
         m_at.engine.refreshDrafts();
         return;
     }
@@ -97,6 +137,29 @@ void PendingDraftsView::reject(const QString& id)
         return;
     m_rows.hold(id);
     m_at.approvals.decide(draftKey(id), Verdict::Reject, undoWindow);
+}
+
+void PendingDraftsView::perform(const QString& id, const QString& action)
+{
+    const PendingDraft* const draft = shown(id);
+    if (!draft || m_at.approvals.armed(draftKey(id)))
+        return;
+    LocalDB& db = m_at.engine.db();
+    const QString name = id; // the row goes with what is done
+    const bool isPlaced = draft->status == u"placed";
+    if (action == u"start") {
+        if (const auto account = m_at.accounts.findBySlug(draft->accountId))
+            m_at.engine.resume(*account);
+    } else if (action == u"takeBack") {
+        takeBackDraft(db, name);
+    } else if (action == u"confirmSent") {
+        confirmDraftSent(db, name);
+    } else if (action == u"reject" && isPlaced) {
+        m_at.approvals.decide(draftKey(name), Verdict::Reject, undoWindow);
+    } else if (action == u"reject") {
+        rejectDraft(db, name); // at once: its engine may come up inside the window
+    }
+    m_at.engine.refreshDrafts();
 }
 
 void PendingDraftsView::undo(const QString& id)
@@ -118,16 +181,20 @@ void PendingDraftsView::present()
         PendingDraftItem item = itemOf(draft);
         if (const auto verdict = m_at.approvals.armed(draftKey(draft.id))) {
             item.canDecide = false;
+            item.actions.clear();
             item.secondsLeft = m_at.approvals.secondsLeft(draftKey(draft.id));
             item.statusLabel
                 = *verdict == Verdict::Approve ? QStringLiteral("Sending…") : QStringLiteral("Discarding…");
         }
         if (m_at.editor.lost() && draft.id == m_at.editor.draftId())
             item.statusLabel = QStringLiteral("No longer waiting");
+        const bool saysWhyBelow = draft.status == failed && item.canDecide && !mayHaveGoneOut(draft);
+        item.stateText = saysWhyBelow ? failed : item.statusLabel;
         items.append(item);
     }
     m_rows.assign(items, [](PendingDraftItem& item) {
         item.canDecide = false;
+        item.actions.clear();
         item.secondsLeft = 0;
     });
     if (!decidable(m_confirmDraft))

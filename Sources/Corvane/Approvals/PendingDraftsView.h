@@ -3,6 +3,8 @@
 #include "Presentation/RowListModel.h"
 #include "Store/Approvals/OutboundQueries.h"
 
+#include <QVariantList>
+
 namespace corvane {
 
 class AccountStore;
@@ -20,10 +22,12 @@ class PendingDraftItem {
     Q_PROPERTY(QString status MEMBER status)
     Q_PROPERTY(QString statusLabel MEMBER statusLabel)
     Q_PROPERTY(int secondsLeft MEMBER secondsLeft)
+    Q_PROPERTY(QString stateText MEMBER stateText)
     Q_PROPERTY(QString failureReason MEMBER failureReason)
     Q_PROPERTY(QString platform MEMBER platform)
     Q_PROPERTY(bool canDecide MEMBER canDecide)
     Q_PROPERTY(QString approveLabel MEMBER approveLabel)
+    Q_PROPERTY(QVariantList actions MEMBER actions)
 public:
     QString id;
     QString title;
@@ -31,11 +35,15 @@ public:
     QString preview; ///< as much of the body as a line can show
     QString status;
     QString statusLabel;
+    QString stateText; ///< the status in a word or two
     int secondsLeft = 0; ///< to undo what a person said; 0 where nothing can be undone
-    QString failureReason; ///< of one that failed, or waits for a person again
+    QString failureReason; ///< of one that failed, or waits for a person or for its engine
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
     QString approveLabel; ///< "Approve & Send" or "Retry Send"
+    /// {id, label, kind}: what can be done with one that waits for its engine or was placed; `kind` is a button's. The
+    /// ids: "start", "takeBack", "confirmSent", "reject".
+    QVariantList actions;
 
     const QString& key() const { return id; }
     bool operator==(const PendingDraftItem&) const = default;
@@ -50,7 +58,7 @@ class PendingDraftsView : public QObject {
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(
         QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one that is asked about, or empty
-    Q_PROPERTY(QString confirmText READ confirmText CONSTANT)
+    Q_PROPERTY(QString confirmText READ confirmText NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action did nothing, or empty
     Q_PROPERTY(QObject* editor READ editor CONSTANT)
 public:
@@ -68,7 +76,7 @@ public:
     QAbstractItemModel* rows() { return &m_rows; }
     int count() const { return m_rows.rowCount(); }
     const QString& confirmDraft() const { return m_confirmDraft; }
-    QString confirmText() const { return QStringLiteral("Send this message?"); }
+    QString confirmText() const;
     const QString& notice() const;
     QObject* editor() const;
 
@@ -77,13 +85,16 @@ public:
     Q_INVOKABLE void approveDraft(const QString& id); ///< what the row shows; a retry, too
     Q_INVOKABLE void reject(const QString& id);
     Q_INVOKABLE void undo(const QString& id);
+    Q_INVOKABLE void perform(const QString& id, const QString& action); ///< one of the row's actions
     Q_INVOKABLE void dismissNotice();
 
 Q_SIGNALS:
     void changed();
 
 private:
+    const PendingDraft* shown(const QString& id) const;
     const PendingDraft* decidable(const QString& id) const;
+    PendingDraftItem itemOf(const PendingDraft& draft) const;
     void present();
 
     Surroundings m_at;

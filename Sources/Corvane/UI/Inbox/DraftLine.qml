@@ -14,13 +14,16 @@ Column {
     required property string preview
     required property string status
     required property string statusLabel
+    required property string stateText
     required property string failureReason
     required property string platform
     required property bool canDecide
     required property string approveLabel
     required property int secondsLeft
     required property bool held ///< it is gone, and keeps its place for a moment
+    required property var actions
 
+    readonly property bool canOpen: canDecide || actions.length > 0
     readonly property bool asking: drafts.confirmDraft === id
     readonly property QtObject editor: drafts.editor
     readonly property bool editing: editor.draftId === id
@@ -51,7 +54,7 @@ Column {
         width: line.width
         height: 40
         focus: line.index === 0
-        hoverEnabled: line.canDecide && !line.editing
+        hoverEnabled: line.canOpen && !line.editing
         focusPolicy: Qt.StrongFocus
         text: line.title
         Accessible.role: Accessible.Button
@@ -59,7 +62,7 @@ Column {
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: {
-            if (!line.canDecide || line.editing)
+            if (!line.canOpen || line.editing)
                 return;
             if (line.asking)
                 line.drafts.cancelConfirm();
@@ -101,8 +104,7 @@ Column {
                 anchors.right: line.armed ? undo.left : chevron.left
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                text: line.armed ? qsTr("%1 %2 s").arg(line.statusLabel).arg(line.secondsLeft)
-                                 : line.status === "failed" && line.canDecide ? qsTr("failed") : line.statusLabel
+                text: line.armed ? qsTr("%1 %2 s").arg(line.statusLabel).arg(line.secondsLeft) : line.stateText
                 font.pixelSize: Theme.meta
                 color: line.armed || !line.canDecide ? Theme.soft : line.status === "failed" ? Theme.bad : line.status === "pending" ? Theme.warn : Theme.soft
             }
@@ -123,7 +125,7 @@ Column {
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.large
                 anchors.verticalCenter: parent.verticalCenter
-                visible: line.canDecide && !line.editing
+                visible: line.canOpen && !line.editing
                 width: visible ? size : 0
                 name: line.open ? "go-up" : "go-down"
                 size: 14
@@ -149,7 +151,7 @@ Column {
                 visible: text !== ""
                 wrapMode: Text.Wrap
                 text: line.failureReason
-                color: Theme.bad
+                color: line.canDecide ? Theme.bad : Theme.soft
             }
             Label {
                 width: parent.width
@@ -182,7 +184,24 @@ Column {
             }
             Row {
                 spacing: Theme.small
-                visible: !line.editing && !line.asking
+                visible: line.actions.length > 0
+                Repeater {
+                    model: line.actions
+                    Button {
+                        required property var modelData
+                        objectName: "draft." + modelData.id
+                        kind: modelData.kind
+                        text: modelData.label
+                        onClicked: {
+                            line.decided();
+                            line.drafts.perform(line.id, modelData.id);
+                        }
+                    }
+                }
+            }
+            Row {
+                spacing: Theme.small
+                visible: line.canDecide && !line.editing && !line.asking
                 Button {
                     id: approve
                     objectName: "draft.approve"

@@ -52,7 +52,7 @@ FocusScope {
                 DraftLine {
                     width: content.width
                     drafts: bar.drafts
-                    open: editing || (canDecide && (bar.openId === id || asking))
+                    open: editing || (canOpen && (bar.openId === id || asking))
                     onToggled: bar.openId = open ? "" : id
                     onDecided: Qt.callLater(bar.goOn)
                 }
