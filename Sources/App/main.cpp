@@ -115,11 +115,12 @@ int main(int argc, char** argv)
         return 0;
 
     TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &TerminationSignals::requested, &application, &QCoreApplication::quit);
 
     SystemScheduler scheduler;
     CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode));
-    QObject::connect(&app, &CorvaneApp::quitRequested, &application, &QCoreApplication::quit);
+    QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
+    QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
+    QObject::connect(&app, &CorvaneApp::ended, &application, &QCoreApplication::quit);
     QObject::connect(instance.get(), &SingleInstance::activated, &app, &CorvaneApp::open);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &app, &CorvaneApp::willTerminate);
 
@@ -138,6 +139,8 @@ int main(int argc, char** argv)
             [] { log(QStringLiteral("MainWindow: first frame")); });
         panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, scheduler);
         QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
+        QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);
+        QObject::connect(&app, &CorvaneApp::quitting, panel.get(), &PanelWindow::hide);
         QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
         window->show();
     }

@@ -100,10 +100,19 @@ TEST_F(CorvaneAppTest, aWindowThatOpensAgainStartsNothingTwiceAndQuittingEndsEve
     EXPECT_EQ(launcher->children.size(), 2) << "one engine and one tool server";
     EXPECT_EQ(clock.pendingTimers(), timers);
 
-    app->willTerminate();
+    const QSignalSpy ended(app.get(), &CorvaneApp::ended);
+    app->quit();
+    app->quit();
+    app->onAppear();
     for (const auto& child : launcher->children)
         EXPECT_TRUE(child->terminated);
     EXPECT_FALSE(app->engine().mcpRunning());
+    clock.advance(seconds(1));
+    EXPECT_EQ(ended.size(), 0) << "an engine has its time to end";
+    launcher->children.first()->printEvent({ { "type", "log" }, { "msg", "bye" } });
+    launcher->children.first()->exit(0);
+    clock.advance(Milliseconds(1));
+    EXPECT_EQ(ended.size(), 1);
 }
 
 TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)

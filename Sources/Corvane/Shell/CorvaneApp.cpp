@@ -32,6 +32,7 @@ namespace corvane {
 namespace {
 
 constexpr int toolServerPort = 8765;
+constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
 bool isPaused(const Account& account)
 {
@@ -62,6 +63,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         std::make_unique<LocalDB>(m_paths.database(), LocalDB::SchemaFolders { m_paths.resources, m_paths.home },
             m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
+    m_engine->setAccounts(m_store.get());
     m_ai = std::make_unique<AIServices>(
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
     m_ai->drafts.setMemoryDB(m_engine->db());
@@ -78,6 +80,8 @@ CorvaneApp::~CorvaneApp() = default;
 
 void CorvaneApp::onAppear()
 {
+    if (isQuitting())
+        return;
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->startDraftWatch();
     m_engine->startAIRequestWatch(m_ai->ai);
@@ -108,11 +112,25 @@ void CorvaneApp::open(const QStringList& arguments)
         if (argument.startsWith(QLatin1String("nimb-companion:")))
             m_session->handleCallback(QUrl(argument));
     }
-    Q_EMIT windowRequested();
+    if (!isQuitting())
+        Q_EMIT windowRequested();
 }
 
 void CorvaneApp::willTerminate()
 {
+    m_engine->stopAll();
+}
+
+void CorvaneApp::quit()
+{
+    if (isQuitting())
+        return;
+    const auto end = [this] {
+        m_quitLimit = m_scheduler.after(Milliseconds(0), [this] { Q_EMIT ended(); });
+    };
+    m_quitLimit = m_scheduler.after(quitLimit, end);
+    Q_EMIT quitting();
+    connect(m_engine.get(), &EngineManager::allEnded, this, end);
     m_engine->stopAll();
 }
 
@@ -125,12 +143,17 @@ void CorvaneApp::setUpTray()
         { QStringLiteral("approvals"), QStringLiteral("Approvals") },
         { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
         { QStringLiteral("quit"), QStringLiteral("Quit") } });
-    connect(tray, &Tray::activated, this, &CorvaneApp::panelRequested);
+    connect(tray, &Tray::activated, this, [this](const QPoint& at) {
+        if (!isQuitting())
+            Q_EMIT panelRequested(at);
+    });
     connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
         if (item == QLatin1String("quit")) {
             Q_EMIT quitRequested();
             return;
         }
+        if (isQuitting())
+            return;
         Q_EMIT windowRequested();
         if (item == QLatin1String("settings"))
             m_notifications.post(notifications::openSettings);

@@ -2,6 +2,7 @@
 
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/NotificationCentre.h"
+#include "Foundation/Scheduler.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
@@ -28,7 +29,6 @@ class NotificationService;
 class Notifier;
 class PortHolders;
 class ProcessLauncher;
-class Scheduler;
 class SecretStore;
 class SessionStore;
 class SystemLanguageModel;
@@ -92,13 +92,20 @@ public:
     /// What a later start of the program was given: a sign-in's URL, or nothing but the wish to be shown.
     void open(const QStringList& arguments);
 
-    /// Ends what runs. The process is about to end.
+    /// Ends what runs, and says `ended` once engines have ended and what they printed is stored, after six seconds at
+    /// most. A second call does nothing.
+    void quit();
+    bool isQuitting() const { return m_quitLimit != nullptr; }
+
+    /// Ends what runs. The process is about to end, without a loop of events from here on.
     void willTerminate();
 
 Q_SIGNALS:
     void windowRequested(); ///< show the main window and bring it to the front
     void panelRequested(const QPoint& at); ///< show or hide the small window, there on the screen
     void quitRequested();
+    void quitting(); ///< no surface shows any more
+    void ended(); ///< the process may end
 
 private:
     void setUpTray();
@@ -120,6 +127,7 @@ private:
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;
+    std::unique_ptr<Timer> m_quitLimit; ///< while it quits
 };
 
 }
