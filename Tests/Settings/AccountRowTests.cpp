@@ -91,7 +91,7 @@ TEST(AccountRowWords, channelsWithATokenOrAPassword)
 TEST(AccountRowWords, theRowReadsAsOneSentence)
 {
     const AccountRow row = accountRow(accountOf("WHATSAPP"), stateOf(WAStatus::Connected), "14:20");
-    EXPECT_EQ(row.sentence, "Team, WhatsApp, Connected, Ana, Last message 14:20");
+    EXPECT_EQ(row.sentence, "Team, WhatsApp, Connected, Ana, Last message 14:20, socket closed");
     EXPECT_EQ(accountRow(accountOf("SMS"), {}, {}).sentence, "Team, SMS, Stopped, No messages yet");
 }
 

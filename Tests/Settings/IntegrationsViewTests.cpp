@@ -1,6 +1,7 @@
 #include "Settings/IntegrationsView.h"
 
 #include "Engines/AccountStore.h"
+#include "Store/Approvals/OutboundQueries.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
@@ -22,7 +23,11 @@ const QString whatsApp = "WHATSAPP";
 
 class Settings : public testing::Test {
 protected:
-    Settings() { view.setVisible(true); }
+    Settings()
+    {
+        world.engines.setAccounts(&accounts);
+        view.setVisible(true);
+    }
 
     /// Connects a channel whose engine then runs.
     QString connectAccount(const QString& channel, const QVariantMap& values = {})
@@ -160,6 +165,8 @@ TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
     EXPECT_EQ(column("status")[0], "Paused · engine stopped (frees RAM)");
     EXPECT_TRUE(AccountStore(world.home.paths().applicationSupport).accounts().first().paused.value_or(false));
 
+    world.launcher.last().exit();
+    world.settle();
     world.launcher.expect(FakeLauncher::stays());
     view.perform(id, "start");
     EXPECT_FALSE(paused());
@@ -175,8 +182,18 @@ TEST_F(Settings, aNewPairingForgetsTheOldOneAndOpensTheSheet)
     world.launcher.expect(FakeLauncher::stays());
     view.perform(id, "resetPairing");
     EXPECT_FALSE(QFileInfo::exists(world.home.path(".whatsapp-baileys/sales")));
+    world.launcher.last().exit();
+    world.settle();
     EXPECT_EQ(world.launcher.children.size(), 2);
     EXPECT_TRUE(view.pairing()->isOpen());
+    report({ { "type", "log" }, { "msg", "no route to host" } });
+    world.launcher.expect(FakeLauncher::fails("gone"));
+    world.launcher.last().exit(1);
+    world.clock.advance(seconds(4));
+    EXPECT_EQ(column("status")[0], "Error");
+    EXPECT_EQ(column("detail")[0], "Failed to launch engine: gone");
+    EXPECT_TRUE(column("note")[0].startsWith("The engine's program is missing: "));
+    EXPECT_TRUE(view.pairing()->stateText().startsWith("Error\nFailed to launch engine: gone\n"));
     view.perform(id, "remove");
     EXPECT_FALSE(view.pairing()->isOpen()) << "the sheet closes with its account";
 }
@@ -192,6 +209,8 @@ TEST_F(Settings, aBrowserChannelIsSyncedAndItsSessionForgottenWithoutASheet)
     world.home.write(".corvane-linkedin/linkedin/Cookies", "x");
     world.launcher.expect(FakeLauncher::stays());
     view.perform(id, "resetSession");
+    world.launcher.last().exit();
+    world.settle();
     EXPECT_FALSE(QFileInfo::exists(world.home.path(".corvane-linkedin/linkedin")));
     EXPECT_FALSE(view.pairing()->isOpen());
 }
@@ -201,8 +220,12 @@ TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
     const QString id = connectAccount("TELEGRAM", { { "token", "t" } });
     world.engines.db().run(QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id)"
                                           " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"));
+    queueDraft(world.engines.db(), "wa:telegram:1", "hello", "mcp");
+    world.engines.db().exec("UPDATE outbound_draft SET status='approved';");
     view.perform(id, "remove");
     EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_EQ(world.cell("SELECT status || ': ' || error FROM outbound_draft;"),
+        "failed: Account telegram is no longer connected");
     EXPECT_EQ(model->rowCount(), 0);
     EXPECT_FALSE(world.keychain.get("telegram"));
     EXPECT_EQ(world.cell("SELECT COUNT(*) FROM unified_conversation WHERE deleted_at IS NULL"), "1");

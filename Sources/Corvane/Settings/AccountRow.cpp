@@ -1,10 +1,14 @@
 #include "Settings/AccountRow.h"
 
+#include "Foundation/Text.h"
+
 #include <QVariantMap>
 
 namespace corvane {
 
 namespace {
+
+constexpr int noteLength = 200;
 
 /// Accounts speak in one of four voices, after how they are connected.
 enum class Voice { Pairing, Browser, Password, Token };
@@ -117,6 +121,17 @@ QString detailText(Voice voice, const RuntimeState& state)
     return state.status == WAStatus::Error ? state.lastLog : QString();
 }
 
+/// What the row does not say yet: why the engine ended, and its last line.
+QString noteText(const QString& detail, const RuntimeState& state)
+{
+    QStringList parts;
+    for (const QString& part : { state.lastExit, singleLine(firstCharacters(state.lastLog, noteLength)) }) {
+        if (!part.isEmpty() && part != detail)
+            parts.append(part);
+    }
+    return parts.join(QStringLiteral(" · "));
+}
+
 QVariantMap action(const char* id, const QString& label, const QString& confirmation = {})
 {
     return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
@@ -159,6 +174,8 @@ QString sentenceOf(const AccountRow& row)
     if (!row.detail.isEmpty())
         parts.append(row.detail);
     parts.append(row.lastMessage);
+    if (!row.note.isEmpty())
+        parts.append(row.note);
     return parts.join(QStringLiteral(", "));
 }
 
@@ -174,7 +191,7 @@ AccountRow accountRow(const Account& account, const RuntimeState& state, const Q
     row.channelLabel = channelLabel(row.channel);
     row.status = statusText(speaks, row, state, account.paused.value_or(false));
     row.detail = detailText(speaks, state);
-    row.log = state.lastLog;
+    row.note = noteText(row.detail, state);
     row.kind = kindOf(speaks, state.status);
     row.lastMessage = lastMessageTime.isEmpty() ? QStringLiteral("No messages yet")
                                                 : QStringLiteral("Last message ") + lastMessageTime;

@@ -17,7 +17,7 @@ class AccountRow {
     Q_PROPERTY(QString channelLabel MEMBER channelLabel)
     Q_PROPERTY(QString status MEMBER status)
     Q_PROPERTY(QString detail MEMBER detail)
-    Q_PROPERTY(QString log MEMBER log)
+    Q_PROPERTY(QString note MEMBER note)
     Q_PROPERTY(QString kind MEMBER kind)
     Q_PROPERTY(QString lastMessage MEMBER lastMessage)
     Q_PROPERTY(QVariantList actions MEMBER actions)
@@ -29,7 +29,7 @@ public:
     QString channelLabel;
     QString status;
     QString detail; ///< beside the status: who is signed in, or what went wrong; mostly empty
-    QString log; ///< the engine's last word
+    QString note; ///< how the engine ended, and what it said last
     QString kind; ///< "good", "busy", "warn", "bad" or "idle"
     QString lastMessage; ///< such as "Last message 14:20"
     /// {id, label, confirmation, destructive}. `confirmation` is the question to ask first, empty where none is

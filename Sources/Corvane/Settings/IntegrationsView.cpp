@@ -122,16 +122,12 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
     std::optional<Account> account = m_at.accounts.find(QUuid::fromString(accountId));
     if (!account)
         return;
-    const auto setPaused = [&](bool paused) {
-        account->paused = paused;
-        m_at.accounts.update(*account);
-    };
     if (actionId == QLatin1StringView("start")) {
-        setPaused(false);
-        m_at.engine.start(*account);
+        m_at.engine.resume(*account);
     } else if (actionId == QLatin1StringView("pause")) {
         m_at.engine.stop(*account);
-        setPaused(true);
+        account->paused = true;
+        m_at.accounts.update(*account);
     } else if (actionId == QLatin1StringView("pair")) {
         m_pairing.open(account->id);
     } else if (actionId == QLatin1StringView("resetPairing")) {
@@ -144,10 +140,11 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
     } else if (actionId == QLatin1StringView("sync")) {
         m_at.engine.sync(*account);
     } else if (actionId == QLatin1StringView("remove")) {
-        m_at.engine.stop(*account);
+        m_at.engine.forget(*account);
         if (keepsSecret(account->channel()))
             m_at.keychain.remove(account->slug);
         m_at.accounts.remove(*account);
+        m_at.engine.refreshDrafts(); // what was approved for it fails with the reason
     }
 }
 

@@ -28,8 +28,19 @@ QString PairingSheet::title() const
 
 QString PairingSheet::stateText() const
 {
-    if (connected())
+    const RuntimeState state = m_engine.runtime(m_accountId);
+    switch (state.status) {
+    case WAStatus::Connected:
         return QStringLiteral("Connected");
+    case WAStatus::Error:
+        return QStringList { QStringLiteral("Error"), state.lastLog, state.lastExit }.join(u'\n').trimmed();
+    case WAStatus::LoggedOut:
+        return QStringLiteral("Logged out. Choose Re-pair in Settings to get a new code.");
+    case WAStatus::Stopped:
+        return QStringLiteral("Stopped");
+    default:
+        break;
+    }
     return qr().isEmpty() ? QStringLiteral("Starting")
                           : QStringLiteral("WhatsApp → Settings → Linked Devices → Link a Device, then scan.");
 }
@@ -43,6 +54,12 @@ QString PairingSheet::qr() const
 bool PairingSheet::connected() const
 {
     return m_engine.runtime(m_accountId).status == WAStatus::Connected;
+}
+
+bool PairingSheet::failed() const
+{
+    const WAStatus status = m_engine.runtime(m_accountId).status;
+    return status == WAStatus::Error || status == WAStatus::LoggedOut;
 }
 
 void PairingSheet::open(const QUuid& accountId)

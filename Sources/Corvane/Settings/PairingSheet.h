@@ -17,6 +17,7 @@ class PairingSheet : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
     Q_PROPERTY(QString qr READ qr NOTIFY changed)
     Q_PROPERTY(bool connected READ connected NOTIFY changed)
+    Q_PROPERTY(bool failed READ failed NOTIFY changed) ///< nothing comes by itself
     Q_PROPERTY(QString doneLabel READ doneLabel CONSTANT)
 public:
     PairingSheet(AccountStore& accounts, EngineManager& engine, QObject* parent = nullptr);
@@ -26,6 +27,7 @@ public:
     QString stateText() const;
     QString qr() const; ///< what the code holds; empty while there is none to show
     bool connected() const;
+    bool failed() const;
     QString doneLabel() const { return QStringLiteral("Done"); }
 
     void open(const QUuid& accountId);

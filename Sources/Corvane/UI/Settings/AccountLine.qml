@@ -13,7 +13,7 @@ Item {
     required property string channelLabel
     required property string status
     required property string detail
-    required property string log
+    required property string note
     required property string kind
     required property string lastMessage
     required property var actions
@@ -109,6 +109,16 @@ Item {
                 text: line.lastMessage
                 font.pixelSize: Theme.meta
                 color: Theme.faint
+                Accessible.ignored: true
+            }
+            Label {
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: line.note
+                wrapMode: Text.Wrap
+                maximumLineCount: 3
+                font.pixelSize: Theme.meta
+                color: line.kind === "bad" ? Theme.bad : Theme.faint
                 Accessible.ignored: true
             }
         }

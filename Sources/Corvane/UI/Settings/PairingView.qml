@@ -61,8 +61,8 @@ Sheet {
             Icon {
                 anchors.centerIn: parent
                 size: 40
-                name: sheet.pairing.connected ? "dialog-ok" : "link"
-                color: sheet.pairing.connected ? Theme.good : Theme.faint
+                name: sheet.pairing.connected ? "dialog-ok" : sheet.pairing.failed ? "dialog-error" : "link"
+                color: sheet.pairing.connected ? Theme.good : sheet.pairing.failed ? Theme.bad : Theme.faint
             }
         }
     }
@@ -74,7 +74,7 @@ Sheet {
         text: sheet.pairing.stateText
         font.pixelSize: sheet.pairing.connected ? Theme.title : Theme.body
         font.weight: sheet.pairing.connected ? Theme.strong : Theme.regular
-        color: sheet.pairing.connected ? Theme.good : Theme.soft
+        color: sheet.pairing.connected ? Theme.good : sheet.pairing.failed ? Theme.bad : Theme.soft
         Accessible.role: Accessible.AlertMessage
         Accessible.name: text
     }
