@@ -82,8 +82,9 @@ TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)
     composer.setText("  see you\ntomorrow \n");
     EXPECT_TRUE(composer.canSend());
     composer.send();
-    EXPECT_EQ(
-        commands("send"), QStringList(R"({"chatId":"49171@s.whatsapp.net","cmd":"send","text":"see you\ntomorrow"})"));
+    QJsonObject command = engine().commands().last();
+    EXPECT_TRUE(command.take("draftId").toString().startsWith("ds:"));
+    EXPECT_EQ(compactJson(command), R"({"chatId":"49171@s.whatsapp.net","cmd":"send","text":"see you\ntomorrow"})");
     EXPECT_EQ(cell(rows), before);
     EXPECT_EQ(composer.text(), "");
     EXPECT_FALSE(composer.canSend());
@@ -114,11 +115,13 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     EXPECT_EQ(composer.sendError(), "");
 
     composer.setReplyPlatform("WHATSAPP");
-    engines.stop(account);
+    stopEngine();
     composer.send();
     EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected");
     launcher.expect(FakeLauncher::stays());
     engines.start(account);
+    composer.send();
+    EXPECT_EQ(composer.sendError(), "Main is still connecting. Send again in a moment.");
     for (const QJsonObject& signedOut : { QJsonObject { { "type", "qr" }, { "qr", "code" } },
              QJsonObject { { "type", "status" }, { "state", "logged_out" } } }) {
         composer.dismissError();
@@ -127,19 +130,53 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
         composer.send();
         EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected") << "it could only drop the message";
     }
-    engines.stop(account);
+    stopEngine();
     EXPECT_EQ(composer.text(), "hello");
     EXPECT_FALSE(defaults.text("nimb.replyPlatform." + ana)) << "only a send is remembered";
     inbox.select(ben);
     EXPECT_EQ(composer.sendError(), "") << "it was Ana's";
 
-    launcher.expect(FakeLauncher::stays());
-    engines.start(account);
+    restartEngine();
     inbox.select(ana);
     composer.setReplyPlatform("WHATSAPP");
     composer.send();
     EXPECT_EQ(composer.text(), "");
     EXPECT_EQ(composer.sendError(), "");
+}
+
+TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
+{
+    const auto unsent = [&](const QByteArray& role) {
+        return column(composer.unsent(), role);
+    };
+    const auto answer = [&](const QString& status) {
+        engine().printEvent({ { "type", "sendAck" }, { "draftId", engine().commands().last().value("draftId") },
+            { "status", status }, { "error", "no such chat" } });
+        settle();
+    };
+    composer.setText("hello");
+    composer.send();
+    EXPECT_EQ(unsent("body"), QStringList()) << "it is on its way";
+    answer("failed");
+    EXPECT_EQ(unsent("body"), QStringList("hello"));
+    EXPECT_EQ(unsent("reason"), QStringList("Not sent: no such chat"));
+    inbox.select(ben);
+    EXPECT_EQ(unsent("body"), QStringList());
+    inbox.select(ana);
+
+    composer.retry(unsent("id").first());
+    EXPECT_EQ(commands("send").size(), 2);
+    EXPECT_EQ(unsent("body"), QStringList());
+    answer("sent");
+    composer.setText("again");
+    composer.send();
+    stopEngine();
+    EXPECT_EQ(unsent("reason"), QStringList("Not sent: The engine ended before it answered. It may have gone out."));
+    UnsentMessages later(engines, clock, home.path("share/Corvane/unsent-messages.json"));
+    later.show(ana);
+    EXPECT_EQ(later.rows().rows().size(), 1) << "it outlives the program";
+    composer.discard(unsent("id").first());
+    EXPECT_EQ(unsent("body"), QStringList());
 }
 
 TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterASend)
@@ -281,15 +318,14 @@ TEST_F(ComposerTest, aVoiceNoteGoesToTheEngineAsAFile)
 
 TEST_F(ComposerTest, aVoiceNoteThatCannotBeSentWaits)
 {
-    engines.stop(account);
+    stopEngine();
     composer.startVoice();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 1;
     composer.sendVoice();
     EXPECT_EQ(composer.sendError(), "Account " + account.slug + " is not connected");
     EXPECT_EQ(composer.voice()->stateWord(), "kept");
-    launcher.expect(FakeLauncher::stays());
-    engines.start(account);
+    restartEngine();
     composer.sendVoice();
     ASSERT_EQ(commands("sendAudio").size(), 1);
     EXPECT_EQ(composer.sendError(), "");

@@ -25,6 +25,7 @@ class InboxViewTest : public testing::Test, protected EngineWorld {
 protected:
     InboxViewTest()
     {
+        engines.setAccounts(&accounts);
         launcher.expect(FakeLauncher::stays());
         engines.start(account);
         engine().printEvent({ { "type", "status" }, { "state", "open" } });
@@ -36,6 +37,21 @@ protected:
     }
 
     FakeChild& engine() const { return launcher.last(); }
+
+    void stopEngine()
+    {
+        engines.stop(account);
+        engine().exit();
+        settle();
+    }
+
+    void restartEngine()
+    {
+        launcher.expect(FakeLauncher::stays());
+        engines.start(account);
+        engine().printEvent({ { "type", "status" }, { "state", "open" } });
+        settle();
+    }
 
     void receive(const QString& from, const QString& body, QJsonObject more = {})
     {

@@ -74,6 +74,30 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_TRUE(focusWithin(u"thread.list"_s));
 }
 
+TEST_F(ComposerWindow, whatDidNotGoOutOrWasPlacedIsDealtWithWhereItStands)
+{
+    type(u"r"_s);
+    type(u"see you at six"_s);
+    click(u"composer.send"_s);
+    for (const auto& engine : launcher.children)
+        for (const QJsonObject& command : engine->commands())
+            if (command.value(u"cmd"_s) == u"send"_s)
+                engine->printEvent({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, command.value(u"draftId"_s) },
+                    { u"error"_s, u"no such chat"_s } });
+    rest();
+    item(u"unsent.retry"_s);
+    queue(u"in the box"_s);
+    engines.db().exec(u"UPDATE outbound_draft SET status='placed';"_s);
+    engines.refreshDrafts();
+    rest();
+    click(u"draft.line"_s);
+    click(u"draft.confirmSent"_s);
+    EXPECT_EQ(cell(u"SELECT status FROM outbound_draft;"_s), u"sent"_s);
+    click(u"unsent.retry"_s);
+    EXPECT_EQ(sent().size(), 2);
+    EXPECT_EQ(findItem(u"unsent.retry"_s), nullptr);
+}
+
 TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
 {
     centre.post(notifications::focusComposer);

@@ -13,10 +13,22 @@ namespace corvane {
 
 namespace {
 
-/// An engine that waits for its code to be scanned, or was signed out, takes a line and can only drop it.
-bool waitsForSignIn(WAStatus status)
+/// Why an engine could only drop what it is given; nothing where it can send.
+std::optional<QString> obstacle(const Account& account, WAStatus status)
 {
-    return status == WAStatus::NeedsQR || status == WAStatus::LoggedOut;
+    switch (status) {
+    case WAStatus::Starting:
+    case WAStatus::Connecting:
+        return QStringLiteral("%1 is still connecting. Send again in a moment.").arg(account.name);
+    case WAStatus::NeedsQR:
+    case WAStatus::LoggedOut:
+        return QStringLiteral("Account %1 is not connected").arg(account.slug);
+    case WAStatus::Connected:
+    case WAStatus::Error:
+    case WAStatus::Stopped:
+        return std::nullopt;
+    }
+    Q_UNREACHABLE();
 }
 
 }
@@ -27,6 +39,7 @@ Composer::Composer(const Surroundings& surroundings, QObject* parent)
     , m_accounts(surroundings.accounts)
     , m_defaults(surroundings.defaults)
     , m_texts(surroundings.unsentTextsFile, surroundings.scheduler)
+    , m_unsent(surroundings.engine, surroundings.scheduler, surroundings.unsentMessagesFile)
     , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
 {
     connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
@@ -46,6 +59,7 @@ void Composer::open(const ContactRow& contact)
     if (!samePerson || !contact.platforms.contains(m_replyPlatform))
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
     gatherMerged();
+    m_unsent.show(contact.id);
     if (!samePerson) {
         forgetUndo();
         setSendError({});
@@ -168,13 +182,29 @@ void Composer::send()
     const QString said = text().trimmed();
     if (said.isEmpty())
         return;
-    const bool taken = sendThrough(
-        [&](const Account& account, const QString& chatId) { return m_engine.sendText(account, chatId, said); });
-    if (!taken)
+    if (!sendText(m_replyPlatform, said))
         return;
     m_texts.forget(m_contact.id);
     forgetUndo();
     Q_EMIT textChanged();
+}
+
+void Composer::retry(const QString& id)
+{
+    const auto message = m_unsent.find(id);
+    if (message && sendText(message->platform, message->text))
+        m_unsent.forget(id);
+}
+
+bool Composer::sendText(const QString& platform, const QString& text)
+{
+    return sendThrough(platform, [&](const Account& account, const QString& chatId) {
+        const QString id = m_unsent.begin({ m_contact.id, platform, text }, account);
+        const bool taken = m_engine.sendText(account, chatId, text, id);
+        if (!taken)
+            m_unsent.forget(id);
+        return taken;
+    });
 }
 
 void Composer::startVoice()
@@ -192,28 +222,33 @@ void Composer::sendVoice()
     const QString path = showsVoice() ? m_voice.stop() : QString();
     if (path.isEmpty())
         return;
-    const bool taken = sendThrough(
+    const bool taken = sendThrough(m_replyPlatform,
         [&](const Account& account, const QString& chatId) { return m_engine.sendAudio(account, chatId, path); });
     if (taken)
         m_voice.handedOver();
 }
 
-bool Composer::sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say)
+bool Composer::sendThrough(
+    const QString& platform, const std::function<bool(const Account& account, const QString& chatId)>& say)
 {
     if (m_contact.id.isEmpty())
         return false;
-    const auto target = replyTarget(m_engine.db(), m_contact.id, m_replyPlatform);
+    const auto target = replyTarget(m_engine.db(), m_contact.id, platform);
     if (!target) {
-        setSendError(QStringLiteral("No %1 conversation for this contact").arg(replyPlatformLabel()));
+        setSendError(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(platform)));
         return false;
     }
     const auto account = m_accounts.findBySlug(target->account);
-    if (!account || waitsForSignIn(m_engine.runtime(account->id).status) || !say(*account, target->chatId)) {
+    if (const auto reason = account ? obstacle(*account, m_engine.runtime(account->id).status) : std::nullopt) {
+        setSendError(*reason);
+        return false;
+    }
+    if (!account || !say(*account, target->chatId)) {
         setSendError(QStringLiteral("Account %1 is not connected").arg(target->account));
         return false;
     }
     setSendError({});
-    rememberReplyPlatform(m_defaults, m_replyPlatform, m_contact);
+    rememberReplyPlatform(m_defaults, platform, m_contact);
     Q_EMIT sent();
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inbox/Compose/UnsentMessages.h"
 #include "Inbox/Compose/UnsentTexts.h"
 #include "Inbox/Compose/VoiceRecorder.h"
 #include "Store/Messages/InboxQueries.h"
@@ -29,6 +30,7 @@ class Composer : public QObject {
     Q_PROPERTY(bool returnSends READ returnSends NOTIFY hintsChanged) ///< Ctrl+Return always does
     Q_PROPERTY(QString sendKeys READ sendKeys NOTIFY hintsChanged)
     Q_PROPERTY(QString sendError READ sendError NOTIFY sendErrorChanged)
+    Q_PROPERTY(QAbstractItemModel* unsent READ unsent CONSTANT) ///< of UnsentMessageItem: what did not go out
     Q_PROPERTY(bool editing MEMBER m_editing NOTIFY editingChanged) ///< the field has the keys
     Q_PROPERTY(corvane::VoiceRecorder* voice READ voice CONSTANT)
     Q_PROPERTY(bool showsVoice READ showsVoice NOTIFY voiceShown) ///< a note to the open contact runs or waits
@@ -42,6 +44,7 @@ public:
         Scheduler& scheduler;
         Microphone& microphone;
         QString unsentTextsFile;
+        QString unsentMessagesFile;
     };
 
     /// Everything outlives the composer.
@@ -65,6 +68,7 @@ public:
     bool returnSends() const;
     QString sendKeys() const;
     const QString& sendError() const { return m_sendError; }
+    QAbstractItemModel* unsent() { return &m_unsent.rows(); }
     VoiceRecorder* voice() { return &m_voice; }
     bool showsVoice() const;
 
@@ -73,6 +77,8 @@ public:
 
     Q_INVOKABLE void undo(); ///< the text is again what it was before the last `apply`
     Q_INVOKABLE void send();
+    Q_INVOKABLE void retry(const QString& id); ///< sends a message that did not go out again
+    Q_INVOKABLE void discard(const QString& id) { m_unsent.forget(id); }
     Q_INVOKABLE void dismissError() { setSendError({}); }
     Q_INVOKABLE void dropText(const QString& text); ///< let go over the field
     Q_INVOKABLE void dropFiles(const QList<QUrl>& files); ///< their texts; what is no text is refused
@@ -92,9 +98,11 @@ Q_SIGNALS:
     void sent(); ///< a text or a voice note went to its engine
 
 private:
-    /// Hands the open contact's conversation on the reply's channel to `say`; where there is none, or the engine
+    /// Hands the open contact's conversation on the channel to `say`; where there is none, or the engine
     /// takes nothing, the error is set. True where it was taken.
-    bool sendThrough(const std::function<bool(const Account& account, const QString& chatId)>& say);
+    bool sendThrough(
+        const QString& platform, const std::function<bool(const Account& account, const QString& chatId)>& say);
+    bool sendText(const QString& platform, const QString& text);
     void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
     void forgetUndo();
 
@@ -102,6 +110,7 @@ private:
     AccountStore& m_accounts;
     UserDefaults& m_defaults;
     UnsentTexts m_texts;
+    UnsentMessages m_unsent;
     VoiceRecorder m_voice;
     ContactRow m_contact;
     QString m_replyPlatform;

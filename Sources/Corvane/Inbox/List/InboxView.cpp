@@ -44,7 +44,8 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
-          surroundings.paths.applicationSupport + QStringLiteral("/unsent.json") })
+          surroundings.paths.applicationSupport + QStringLiteral("/unsent.json"),
+          surroundings.paths.applicationSupport + QStringLiteral("/unsent-messages.json") })
     , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
     , m_summary(m_engine.db(), surroundings.ai)
     , m_askLumo(m_engine.db(), surroundings.ai)

@@ -71,6 +71,10 @@ FocusScope {
         width: parent.width - Theme.large * 2
         spacing: Theme.small
 
+        UnsentList {
+            width: parent.width
+            composer: pane.composer
+        }
         Banner {
             objectName: "composer.error"
             width: parent.width

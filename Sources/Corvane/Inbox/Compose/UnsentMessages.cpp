@@ -1,0 +1,129 @@
+#include "Inbox/Compose/UnsentMessages.h"
+
+#include "Engines/EngineManager.h"
+#include "Foundation/Json.h"
+#include "Foundation/Log.h"
+#include "Platform/PrivateFile.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <QFile>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds answerLimit { 120'000 }; // an engine may leave a direct send without an answer
+
+const QString contactKey = QStringLiteral("contact");
+const QString platformKey = QStringLiteral("platform");
+const QString textKey = QStringLiteral("text");
+const QString reasonKey = QStringLiteral("reason");
+
+}
+
+UnsentMessages::UnsentMessages(EngineManager& engine, Scheduler& scheduler, const QString& filePath)
+    : m_engine(engine)
+    , m_scheduler(scheduler)
+    , m_filePath(filePath)
+{
+    load();
+    connect(&engine, &EngineManager::directSendAnswered, this, &UnsentMessages::answer);
+    connect(&engine, &EngineManager::runtimeChanged, this, &UnsentMessages::failThoseOf);
+}
+
+void UnsentMessages::load()
+{
+    QFile file(m_filePath);
+    const auto messages = file.open(QIODevice::ReadOnly) ? jsonObject(file.readAll()) : std::nullopt;
+    if (!messages)
+        return;
+    for (auto each = messages->begin(); each != messages->end(); ++each) {
+        const QJsonObject saved = each.value().toObject();
+        Entry entry;
+        entry.message = { saved.value(contactKey).toString(), saved.value(platformKey).toString(),
+            saved.value(textKey).toString() };
+        entry.reason = saved.value(reasonKey).toString();
+        if (entry.reason.isEmpty())
+            entry.reason = QStringLiteral("Corvane ended before the engine answered. It may have gone out.");
+        m_entries.emplace(each.key(), std::move(entry));
+    }
+}
+
+void UnsentMessages::show(const QString& contactId)
+{
+    m_contactId = contactId;
+    present();
+}
+
+QString UnsentMessages::begin(const Message& message, const Account& account)
+{
+    const QString id = EngineManager::directSendId(m_scheduler.nowMs());
+    m_entries[id] = { message, account.id, {}, m_scheduler.after(answerLimit, [this, id] { forget(QString(id)); }) };
+    changed();
+    return id;
+}
+
+void UnsentMessages::forget(const QString& id)
+{
+    if (m_entries.erase(id) > 0)
+        changed();
+}
+
+std::optional<UnsentMessages::Message> UnsentMessages::find(const QString& id) const
+{
+    const auto found = m_entries.find(id);
+    return found == m_entries.end() || found->second.reason.isEmpty() ? std::nullopt
+                                                                      : std::optional(found->second.message);
+}
+
+void UnsentMessages::answer(const QString& id, bool sent, const QString& error)
+{
+    if (sent)
+        return forget(id);
+    const auto found = m_entries.find(id);
+    if (found == m_entries.end())
+        return;
+    found->second.limit.reset();
+    found->second.reason = error;
+    changed();
+}
+
+void UnsentMessages::failThoseOf(const QUuid& accountId)
+{
+    const bool runs = m_engine.isRunning(accountId);
+    bool some = false;
+    for (auto& [id, entry] : m_entries) {
+        if (runs || entry.accountId != accountId || !entry.reason.isEmpty())
+            continue;
+        entry.limit.reset();
+        entry.reason = QStringLiteral("The engine ended before it answered. It may have gone out.");
+        some = true;
+    }
+    if (some)
+        changed();
+}
+
+void UnsentMessages::changed()
+{
+    QJsonObject messages;
+    for (const auto& [id, entry] : m_entries)
+        messages.insert(id,
+            QJsonObject { { contactKey, entry.message.contactId }, { platformKey, entry.message.platform },
+                { textKey, entry.message.text }, { reasonKey, entry.reason } });
+    if (!writePrivateFile(m_filePath, compactJson(messages), Outlives::Program))
+        log(QStringLiteral("UnsentMessages: cannot write ") + m_filePath);
+    present();
+}
+
+void UnsentMessages::present()
+{
+    QList<UnsentMessageItem> items;
+    for (const auto& [id, entry] : m_entries) {
+        if (!entry.reason.isEmpty() && !m_contactId.isEmpty()
+            && personBehind(m_engine.db(), entry.message.contactId) == m_contactId)
+            items.append({ id, entry.message.text, QStringLiteral("Not sent: ") + entry.reason });
+    }
+    m_rows.assign(items);
+}
+
+}

@@ -1,0 +1,80 @@
+import QtQuick
+import Corvane
+
+/// What the person sent and did not go out, as it would stand in the thread.
+Column {
+    id: list
+
+    required property QtObject composer ///< the view model
+
+    spacing: Theme.small
+    visible: lines.count > 0
+    Accessible.role: Accessible.List
+    Accessible.name: qsTr("Not sent")
+
+    Repeater {
+        id: lines
+        model: list.composer.unsent
+        Rectangle {
+            id: bubble
+
+            required property string id
+            required property string body
+            required property string reason
+
+            objectName: "unsent:" + id
+            anchors.right: parent.right
+            width: Math.min(parent.width * 0.68, Math.max(320, words.implicitWidth + Theme.medium * 2))
+            height: parts.implicitHeight + Theme.medium * 2
+            radius: Theme.bubbleRadius
+            color: Theme.tint
+            border.width: 1
+            border.color: Theme.bad
+            Accessible.role: Accessible.ListItem
+            Accessible.name: bubble.reason + ": " + bubble.body
+
+            Column {
+                id: parts
+                x: Theme.medium
+                y: Theme.medium
+                width: parent.width - Theme.medium * 2
+                spacing: Theme.small
+
+                Label {
+                    id: words
+                    width: parent.width
+                    text: bubble.body
+                    wrapMode: Text.Wrap
+                    maximumLineCount: 6
+                    lineHeight: 1.2
+                    Accessible.ignored: true
+                }
+                Label {
+                    width: parent.width
+                    text: bubble.reason
+                    wrapMode: Text.Wrap
+                    maximumLineCount: 3
+                    font.pixelSize: Theme.meta
+                    color: Theme.bad
+                    Accessible.ignored: true
+                }
+                Row {
+                    spacing: Theme.small
+                    Button {
+                        objectName: "unsent.retry"
+                        text: qsTr("Retry")
+                        Accessible.description: bubble.body
+                        onClicked: list.composer.retry(bubble.id)
+                    }
+                    Button {
+                        objectName: "unsent.discard"
+                        kind: "quiet"
+                        text: qsTr("Discard")
+                        Accessible.description: bubble.body
+                        onClicked: list.composer.discard(bubble.id)
+                    }
+                }
+            }
+        }
+    }
+}
