@@ -23,6 +23,10 @@ export interface Profile {
   liveTotal: number;
 }
 
+/** How many messages of a conversation come with the history; what is older follows, so many a second. */
+const atOnce = 100;
+const olderPerSecond = 12;
+
 /** Runs until its input ends. */
 export function runEngine(profile: Profile): void {
   const engine = new Engine(profile, clockFrom(process.env));
@@ -122,14 +126,28 @@ export class Engine {
 
   /** The messages of everybody first, so that the list fills at once; then names and faces. */
   private tellHistory(): void {
+    const older: (() => void)[] = [];
     for (const conversation of this.conversations) {
-      for (const message of conversation.history) this.say(conversation, message, message.at, "historical");
+      const tell = (message: Message): void => this.say(conversation, message, message.at, "historical");
+      const first = this.clock.still ? 0 : Math.max(conversation.history.length - atOnce, 0);
+      conversation.history.slice(first).forEach(tell);
+      older.push(...conversation.history.slice(0, first).map((message) => () => tell(message)));
     }
+    this.tellOlder(older);
     for (const conversation of this.conversations) {
       const { handle, name, inAddressBook, pictureComes } = conversation;
       if (inAddressBook) emit({ type: "contactName", jid: handle, name });
       if (pictureComes === "announced") this.showPicture(conversation);
     }
+  }
+
+  /** The years before, newest first and a few a second: what happens now does not wait behind them. */
+  private tellOlder(older: (() => void)[]): void {
+    if (older.length === 0) return;
+    this.clock.after(1000, () => {
+      for (const tell of older.splice(-olderPerSecond).reverse()) tell();
+      this.tellOlder(older);
+    });
   }
 
   /** Once, and by one engine of the three. A face that is shown again makes the desktop look. */
