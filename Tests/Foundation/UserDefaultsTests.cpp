@@ -76,3 +76,17 @@ TEST(UserDefaults, aFileThatDoesNotReadIsKeptBeforeItIsWrittenOver)
     EXPECT_EQ(home.read(copy), garbage) << "an earlier copy stays";
     EXPECT_EQ(home.read(copy + "-2"), "second " + garbage);
 }
+
+TEST(UserDefaults, aDamagedFileThatCannotBeCopiedIsLeftAloneAndChangesLastUntilTheEnd)
+{
+    const TemporaryHome home;
+    const QString longName = "config/Corvane/" + QString(250, u'd'); // the copy's name would be too long
+    home.write(longName, "[unclosed\n");
+    UserDefaults defaults(home.path(longName));
+    defaults.setText(name, "new");
+    EXPECT_EQ(defaults.text(name), "new");
+    defaults.remove(name);
+    EXPECT_EQ(defaults.text(name), std::nullopt);
+    defaults.synchronise();
+    EXPECT_EQ(home.read(longName), "[unclosed\n");
+}

@@ -95,7 +95,7 @@ TEST_F(WorkspacesTest, theNewestMessageBreaksATieAndNothingElsewhereMeansStay)
     EXPECT_EQ(activeWorkspaceId(*m_db), "new");
 }
 
-TEST_F(WorkspacesTest, everyPersistIsAnnouncedAfterBothPlacesHoldIt)
+TEST_F(WorkspacesTest, everyChangeIsAnnouncedOnceAfterBothPlacesHoldIt)
 {
     QStringList heard;
     const auto observation = m_centre.observe(notifications::activeWorkspaceChanged, [&](const Notification& note) {
@@ -105,7 +105,13 @@ TEST_F(WorkspacesTest, everyPersistIsAnnouncedAfterBothPlacesHoldIt)
     });
     selectWorkspace(*m_db, "w1");
     selectWorkspace(*m_db, "w1");
-    EXPECT_EQ(heard, (QStringList { "w1+w1", "w1+w1" }));
+    EXPECT_EQ(heard, (QStringList { "w1+w1" }));
+    addConversations("local", 1, 5);
+    selectWorkspace(*m_db, "w1");
+    EXPECT_EQ(heard.size(), 2) << "the same workspace, but more rows";
+    m_defaults.setText("nimb.activeWorkspaceId", "stale");
+    activeWorkspaceId(*m_db);
+    EXPECT_EQ(heard.size(), 2);
 }
 
 TEST_F(WorkspacesTest, aSelectionThatCannotBeWrittenNeverTurnsInCircles)

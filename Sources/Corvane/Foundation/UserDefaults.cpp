@@ -11,14 +11,15 @@ UserDefaults::UserDefaults(const QString& filePath)
 {
     // Sections are parsed as they are asked for, and faults are found only then.
     m_settings->allKeys();
-    m_isDamaged = m_settings->status() == QSettings::FormatError;
+    if (m_settings->status() == QSettings::FormatError)
+        m_file = File::Damaged;
 }
 
 UserDefaults::~UserDefaults() = default;
 
 std::optional<QString> UserDefaults::text(const QString& key) const
 {
-    const QVariant value = m_settings->value(key);
+    const QVariant value = this->value(key);
     // An unquoted comma in a file edited by hand reads as a list.
     if (value.typeId() == QMetaType::QStringList)
         return value.toStringList().join(QStringLiteral(", "));
@@ -44,8 +45,7 @@ std::optional<qint64> UserDefaults::integer(const QString& key) const
 
 void UserDefaults::setText(const QString& key, const QString& value)
 {
-    if (QSettings* settings = forWriting())
-        settings->setValue(key, value);
+    setValue(key, value);
 }
 
 void UserDefaults::setBoolean(const QString& key, bool value)
@@ -60,8 +60,7 @@ void UserDefaults::setInteger(const QString& key, qint64 value)
 
 void UserDefaults::remove(const QString& key)
 {
-    if (QSettings* settings = forWriting())
-        settings->remove(key);
+    setValue(key, QVariant());
 }
 
 void UserDefaults::synchronise()
@@ -69,12 +68,22 @@ void UserDefaults::synchronise()
     m_settings->sync();
 }
 
-QSettings* UserDefaults::forWriting()
+QVariant UserDefaults::value(const QString& key) const
 {
-    if (m_isDamaged && !copyAside(m_settings->fileName()))
-        return nullptr;
-    m_isDamaged = false;
-    return m_settings.get();
+    const auto unsaved = m_unsaved.constFind(key);
+    return unsaved == m_unsaved.cend() ? m_settings->value(key) : *unsaved;
+}
+
+void UserDefaults::setValue(const QString& key, const QVariant& value)
+{
+    if (m_file == File::Damaged)
+        m_file = copyAside(m_settings->fileName()) ? File::Sound : File::LeftAlone;
+    if (m_file == File::LeftAlone)
+        m_unsaved.insert(key, value);
+    else if (value.isValid())
+        m_settings->setValue(key, value);
+    else
+        m_settings->remove(key);
 }
 
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
+#include <QVariant>
 #include <memory>
 #include <optional>
 
@@ -9,7 +11,7 @@ class QSettings;
 namespace corvane {
 
 /// The per-user defaults, in one ini file. A file that does not read counts as empty, and is copied aside
-/// before it is first written over.
+/// before it is first written over; where that fails it is left alone, and changes last until the program ends.
 class UserDefaults {
 public:
     explicit UserDefaults(const QString& filePath);
@@ -29,10 +31,14 @@ public:
     void synchronise();
 
 private:
-    QSettings* forWriting(); ///< none where the file must be left alone
+    enum class File { Sound, Damaged, LeftAlone };
+
+    QVariant value(const QString& key) const;
+    void setValue(const QString& key, const QVariant& value); ///< an invalid one removes the key
 
     std::unique_ptr<QSettings> m_settings;
-    bool m_isDamaged = false;
+    QHash<QString, QVariant> m_unsaved; ///< what a file that is left alone does not get
+    File m_file = File::Sound;
 };
 
 }

@@ -63,15 +63,17 @@ struct Reference {
 
 /// Gives the rows of "local" to a real workspace. Ids change before the workspace does, since the workspace
 /// tells which rows are meant; references change before the ids that they name.
-void migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
+/// Returns whether there were any.
+bool migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
 {
     if (target == fallback)
-        return;
+        return false;
+    qint64 changed = 0;
     const auto runFor
         = [&](const char* sql, const char* table, const QList<SqlValue>& parameters, const char* column = "") {
-              db.run(QString::fromUtf8(sql)
-                         .replace(QLatin1String("{table}"), QLatin1String(table))
-                         .replace(QLatin1String("{column}"), QLatin1String(column)),
+              changed += db.changedRows(QString::fromUtf8(sql)
+                                            .replace(QLatin1String("{table}"), QLatin1String(table))
+                                            .replace(QLatin1String("{column}"), QLatin1String(column)),
                   parameters);
           };
     for (const char* table : { "unified_message", "call_recording", "outbound_draft", "draft_metadata" }) {
@@ -129,6 +131,7 @@ WHERE workspace_id='local' AND id LIKE ?;)",
         if (db.columnExists(QLatin1String(table), QStringLiteral("workspace_id")))
             runFor("UPDATE {table} SET workspace_id=? WHERE workspace_id='local';", table, { target });
     }
+    return changed > 0;
 }
 
 /// Where a reference from a row of another workspace dangles: better so than a transaction that never ends and takes
@@ -187,8 +190,10 @@ QString activeWorkspaceId(LocalDB& db, Repair repair)
     const auto row = selectedRow(db);
     const auto copy = db.defaults().text(activeKey);
     const QString chosen = cleanId(row ? *row : copy.value_or(fallback));
-    if (row != chosen || copy != chosen)
+    if (row != chosen)
         persistActiveWorkspace(db, chosen, std::nullopt, LegacyRows::Keep);
+    else if (copy != chosen)
+        db.defaults().setText(activeKey, chosen);
     if (repair == Repair::No)
         return chosen;
     const auto other = workspaceWithDataWhenSelectedIsEmpty(db, chosen);
@@ -208,6 +213,7 @@ QString selectWorkspace(LocalDB& db, const QString& id, const std::optional<QStr
 void persistActiveWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId, LegacyRows legacy)
 {
     const auto org = orgId ? orgId : orgOf(db, id);
+    const auto before = selectedRow(db);
     const bool insideAnother = db.inTransaction(); // which alone says whether all of it holds
     db.exec("PRAGMA defer_foreign_keys=ON;");
     if (!insideAnother)
@@ -219,14 +225,13 @@ ON CONFLICT(key) DO UPDATE SET
   org_id=excluded.org_id,
   updated_at=excluded.updated_at;)",
         { id, org, db.nowMs() });
-    if (legacy == LegacyRows::Migrate)
-        migrateLegacyLocalRowsInOpenTransaction(db, id);
+    const bool migrated = legacy == LegacyRows::Migrate && migrateLegacyLocalRowsInOpenTransaction(db, id);
     if (!insideAnother)
         commitEvenWithDanglingReferences(db);
     db.defaults().setText(activeKey, id);
     db.defaults().synchronise();
     // Whoever hears this reads the active workspace, which comes back here as long as the row cannot be written.
-    if (selectedRow(db) == id)
+    if (selectedRow(db) == id && (before != id || migrated))
         db.notifications().post(notifications::activeWorkspaceChanged);
 }
 

@@ -27,7 +27,8 @@ QString activeWorkspaceId(LocalDB& db, Repair repair = Repair::IfNeeded);
 /// The user's choice. Returns what is active afterwards, which is not always `id`.
 QString selectWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId = std::nullopt);
 
-/// The single writer of the selection: row, user default, and the notification "nimb.activeWorkspaceChanged".
+/// The single writer of the selection: row, user default, and, where anything changed, the notification
+/// "nimb.activeWorkspaceChanged".
 void persistActiveWorkspace(LocalDB& db, const QString& id, const std::optional<QString>& orgId, LegacyRows legacy);
 
 /// Saves the list that the web returned and settles the selection. Returns the active id.
