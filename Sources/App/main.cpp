@@ -10,8 +10,9 @@
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
-#include "Platform/ProcessLauncher.h"
+#include "Platform/PrivateFile.h"
 #include "Platform/SecretStore.h"
+#include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/TerminationSignals.h"
@@ -24,6 +25,7 @@
 #include "UI/PanelWindow.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QTextStream>
 #include <cstring>
@@ -44,14 +46,14 @@ Mode requestedMode(int argc, char** argv)
     return Mode::Window;
 }
 
-Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode)
+Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode_t umaskOfOpened)
 {
     Machine machine;
     machine.launcher = makeProcessLauncher(scheduler);
     machine.ports = makePortHolders();
     machine.secrets = makeSecretStore(paths);
     machine.notifications = makeNotificationService();
-    machine.desktop = makeDesktop();
+    machine.desktop = makeDesktop(umaskOfOpened);
     machine.microphone = makeMicrophone(scheduler);
     machine.addressBook = makeAddressBook(paths);
     machine.tools = makeToolRunner();
@@ -110,6 +112,7 @@ int main(int argc, char** argv)
     parser.process(application);
 
     const AppPaths paths = AppPaths::fromEnvironment();
+    const mode_t startingUmask = keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
     const auto instance = makeSingleInstance(paths);
     if (!instance->claim(parser.positionalArguments()))
         return 0;
@@ -117,7 +120,7 @@ int main(int argc, char** argv)
     TerminationSignals terminationSignals;
 
     SystemScheduler scheduler;
-    CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode));
+    CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode, startingUmask));
     QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
     QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
     QObject::connect(&app, &CorvaneApp::ended, &application, &QCoreApplication::quit);

@@ -49,7 +49,7 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
     SettingsPortal portal(desktopBus,
         { { "org.freedesktop.appearance/color-scheme", preferDark },
             { "org.gnome.desktop.interface/enable-animations", false } });
-    XdgDesktop desktop(bus);
+    XdgDesktop desktop(bus, 027);
     int changes = 0;
     QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light) << "nothing waits for the portal";
@@ -76,7 +76,7 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
 
 TEST_F(DesktopTest, aPortalMayComeLate)
 {
-    XdgDesktop desktop(bus);
+    XdgDesktop desktop(bus, 027);
     privateBus.settle();
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Light);
     const SettingsPortal portal(desktopBus, { { "org.freedesktop.appearance/color-scheme", preferDark } });
@@ -87,7 +87,7 @@ TEST_F(DesktopTest, aPortalMayComeLate)
 
 TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
 {
-    XdgDesktop desktop(noBus());
+    XdgDesktop desktop(noBus(), 027);
     int changes = 0;
     QObject::connect(&desktop, &Desktop::appearanceChanged, [&] { ++changes; });
     desktop.setBadge(3);
@@ -100,7 +100,7 @@ TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
 
 TEST_F(DesktopTest, theBadgeReachesDocksThatAreThereAndThoseThatComeLater)
 {
-    XdgDesktop desktop(bus);
+    XdgDesktop desktop(bus, 027);
     desktop.setBadge(7);
     privateBus.settle();
     {
@@ -127,12 +127,12 @@ TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
     const QTemporaryDir folder;
     QFile script(folder.filePath("xdg-open"));
     ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" > \"$0.part\" && mv \"$0.part\" \"$0.opened\"\n");
+    script.write("#!/bin/sh\nprintf '%s|' \"$#\" \"$1\" \"$(umask)\" > \"$0.part\" && mv \"$0.part\" \"$0.opened\"\n");
     script.close();
     script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
     Environment environment { { "PATH", QFile::encodeName(folder.path()) + ':' + qgetenv("PATH") } };
 
-    XdgDesktop desktop(noBus());
+    XdgDesktop desktop(noBus(), 027);
     LogCapture log;
     desktop.openInBrowser(QUrl("file:///etc/passwd"));
     desktop.openInBrowser(QUrl("https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a b;$(x)"));
@@ -143,12 +143,13 @@ TEST_F(DesktopTest, onlyWebAddressesAreHandedToTheBrowser)
         file.remove();
         return arguments;
     };
-    EXPECT_EQ(handedOver(), "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|");
+    EXPECT_EQ(
+        handedOver(), "1|https://nimb.test/login?callback=nimb-companion%3A%2F%2Fauth&deviceName=a%20b;$(x)|0027|");
     EXPECT_EQ(log.lines(), QStringList("Desktop.openInBrowser: not a web address: file:///etc/passwd"));
     EXPECT_TRUE(desktop.openFile("/a folder/-x #1.pdf"));
-    EXPECT_EQ(handedOver(), "1|file:///a%20folder/-x%20%231.pdf|");
+    EXPECT_EQ(handedOver(), "1|file:///a%20folder/-x%20%231.pdf|0027|");
     EXPECT_TRUE(desktop.openLink(QUrl("whatsapp://send?phone=49171")));
-    EXPECT_EQ(handedOver(), "1|whatsapp://send?phone=49171|");
+    EXPECT_EQ(handedOver(), "1|whatsapp://send?phone=49171|0027|");
 
     environment.set("PATH", "/nonexistent");
     EXPECT_FALSE(desktop.openFile("/a.pdf"));

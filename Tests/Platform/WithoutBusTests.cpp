@@ -19,7 +19,7 @@ TEST(WithoutBus, everyServiceComesUpAtOnceAndStaysSilent)
     QElapsedTimer timer;
     timer.start();
     const auto notifications = makeNotificationService();
-    const auto desktop = makeDesktop();
+    const auto desktop = makeDesktop(022);
     const auto tray = makeTray();
     const auto instance = makeSingleInstance(home.paths());
     EXPECT_TRUE(instance->claim({}));

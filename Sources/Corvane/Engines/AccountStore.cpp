@@ -3,13 +3,13 @@
 #include "Foundation/CopyAside.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
+#include "Platform/PrivateFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <algorithm>
 #include <cmath>
 
@@ -226,12 +226,8 @@ void AccountStore::save()
 {
     if (!m_fileIsDamaged || copyAside(m_filePath)) {
         m_fileIsDamaged = false;
-        QSaveFile file(m_filePath);
-        // Without the flush a full disk is noticed only in the commit, which then replaces the file by an empty one.
-        const bool written = file.open(QIODevice::WriteOnly) && file.write(encodeAccounts(m_accounts)) >= 0
-            && file.flush() && file.commit();
-        if (!written)
-            log(QStringLiteral("AccountStore: could not write %1: %2").arg(m_filePath, file.errorString()));
+        if (!writePrivateFile(m_filePath, encodeAccounts(m_accounts)))
+            log(QStringLiteral("AccountStore: could not write %1").arg(m_filePath));
     }
     Q_EMIT accountsChanged();
 }

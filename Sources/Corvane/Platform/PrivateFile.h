@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
+#include <sys/types.h>
 
 namespace corvane {
 
@@ -12,5 +14,10 @@ enum class Outlives { PowerCut, Program };
 /// crash leaves either. The file has mode 0600 from its first byte on, whatever the umask; a missing folder
 /// is made. False where anything fails; the old file then stands.
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives = Outlives::PowerCut);
+
+/// From now on nobody else reads what this program and its engines write. Missing folders are made; one that is
+/// open to others is closed to them, with everything in it. Returns the umask that the program was started with,
+/// which what is opened for the user in other programs gets back.
+mode_t keepFilesPrivate(const QStringList& folders);
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <sys/types.h>
 
 namespace corvane {
 
@@ -24,7 +25,7 @@ std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
 std::unique_ptr<ToolRunner> makeToolRunner();
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
-std::unique_ptr<Desktop> makeDesktop();
+std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< of programs that open something for the user
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);

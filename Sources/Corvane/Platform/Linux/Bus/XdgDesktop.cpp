@@ -10,6 +10,7 @@
 #include <QPalette>
 #include <QProcess>
 #include <QStandardPaths>
+#include <sys/stat.h>
 
 namespace corvane {
 
@@ -35,14 +36,18 @@ bool paletteIsDark()
     return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
-bool startOpener(const QUrl& url)
+bool startOpener(const QUrl& url, mode_t umaskOfOpened)
 {
     QProcess opener;
     opener.setProgram(QStandardPaths::findExecutable(QStringLiteral("xdg-open")));
     opener.setArguments({ url.toString(QUrl::FullyEncoded) });
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
-    if (!opener.program().isEmpty() && opener.startDetached())
+    // What another thread writes in this moment lies in a folder that is closed to others.
+    const mode_t own = ::umask(umaskOfOpened);
+    const bool started = !opener.program().isEmpty() && opener.startDetached();
+    ::umask(own);
+    if (started)
         return true;
     log(QStringLiteral("Desktop: xdg-open does not start"));
     return false;
@@ -50,8 +55,9 @@ bool startOpener(const QUrl& url)
 
 }
 
-XdgDesktop::XdgDesktop(const QDBusConnection& bus)
+XdgDesktop::XdgDesktop(const QDBusConnection& bus, mode_t umaskOfOpened)
     : m_bus(bus)
+    , m_umaskOfOpened(umaskOfOpened)
 {
     updateScheme();
     if (QCoreApplication::instance() != nullptr)
@@ -79,17 +85,17 @@ void XdgDesktop::openInBrowser(const QUrl& url)
         log(QStringLiteral("Desktop.openInBrowser: not a web address: ") + url.toDisplayString());
         return;
     }
-    startOpener(url);
+    startOpener(url, m_umaskOfOpened);
 }
 
 bool XdgDesktop::openFile(const QString& path)
 {
-    return startOpener(QUrl::fromLocalFile(path));
+    return startOpener(QUrl::fromLocalFile(path), m_umaskOfOpened);
 }
 
 bool XdgDesktop::openLink(const QUrl& link)
 {
-    return startOpener(link);
+    return startOpener(link, m_umaskOfOpened);
 }
 
 QString XdgDesktop::hostName() const
@@ -169,9 +175,9 @@ bool XdgDesktop::eventFilter(QObject* watched, QEvent* event)
     return Desktop::eventFilter(watched, event);
 }
 
-std::unique_ptr<Desktop> makeDesktop()
+std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened)
 {
-    return std::make_unique<XdgDesktop>(QDBusConnection::sessionBus());
+    return std::make_unique<XdgDesktop>(QDBusConnection::sessionBus(), umaskOfOpened);
 }
 
 }

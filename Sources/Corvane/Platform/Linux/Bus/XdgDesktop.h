@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <sys/types.h>
 
 namespace corvane {
 
@@ -12,7 +13,7 @@ namespace corvane {
 class XdgDesktop final : public Desktop {
     Q_OBJECT
 public:
-    explicit XdgDesktop(const QDBusConnection& bus);
+    XdgDesktop(const QDBusConnection& bus, mode_t umaskOfOpened);
 
     void openInBrowser(const QUrl& url) override;
     bool openFile(const QString& path) override;
@@ -35,6 +36,7 @@ private:
     void sendBadge();
 
     QDBusConnection m_bus;
+    const mode_t m_umaskOfOpened;
     int m_badge = 0;
     uint m_preferredScheme = 0; ///< as the portal tells it
     bool m_animations = true;

@@ -1,5 +1,7 @@
 #include "Platform/PrivateFile.h"
 
+#include "Foundation/Log.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,6 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace corvane {
@@ -27,6 +31,38 @@ bool writeAll(int descriptor, const QByteArray& content)
     return true;
 }
 
+/// The folder itself comes last: until then a start that was cut short is made good by the next one.
+void closeToOthers(const std::filesystem::path& folder)
+{
+    namespace fs = std::filesystem;
+    constexpr auto others = fs::perms::group_all | fs::perms::others_all;
+    std::error_code error;
+    const auto close = [&](const fs::path& path) {
+        fs::permissions(path, others, fs::perm_options::remove, error);
+        if (error)
+            log(QStringLiteral("PrivateFile: %1 stays open to others: %2")
+                    .arg(QString::fromStdString(path), QString::fromStdString(error.message())));
+    };
+    if ((fs::status(folder, error).permissions() & others) == fs::perms::none)
+        return;
+    for (auto entry = fs::recursive_directory_iterator(folder, error); entry != fs::recursive_directory_iterator();
+        entry.increment(error)) {
+        if (!entry->is_symlink())
+            close(*entry);
+    }
+    close(folder);
+}
+
+}
+
+mode_t keepFilesPrivate(const QStringList& folders)
+{
+    const mode_t before = ::umask(S_IRWXG | S_IRWXO);
+    for (const QString& folder : folders) {
+        QDir().mkpath(folder);
+        closeToOthers(QFile::encodeName(folder).toStdString());
+    }
+    return before;
 }
 
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives)
