@@ -76,7 +76,7 @@ TEST_F(Codex, theFirstCandidateThatMayBeExecutedIsTaken)
     EXPECT_EQ(codexCandidates("/home/ana"),
         QStringList({ "/home/ana/.npm-global/bin/codex", "/opt/homebrew/bin/codex", "/usr/local/bin/codex" }));
     EXPECT_EQ(service.codexPath(), std::nullopt);
-    EXPECT_EQ(answerTo(), "Codex CLI not found — install the codex CLI or enable Apple Intelligence.");
+    EXPECT_EQ(answerTo(), "Codex CLI not found — install the codex CLI or choose a model on this computer.");
     install("exit 0", "second/codex");
     home.write(".npm-global/bin/codex", "not executable");
     EXPECT_EQ(service.codexPath(), home.path("second/codex"));

@@ -26,31 +26,33 @@ TEST(LocalAIAvailability, theFirstConditionThatHoldsIsNamedAndTheLastOnesBoundsP
         void (*mend)(FakeMachineFacts&);
     };
     const Step steps[] {
-        { "translatedProcess", "On-device voice needs the native Apple Silicon app, not Rosetta.",
+        { "translatedProcess",
+            "Speech recognition on this computer needs the program that was built for this processor, not a translated "
+            "one.",
             [](FakeMachineFacts& machine) {
                 machine.now.isTranslated = false;
             } },
-        { "unsupportedPlatform", "On-device voice needs Apple Silicon and macOS 14 or newer.",
+        { "unsupportedPlatform", "Speech recognition on this computer needs a newer system.",
             [](FakeMachineFacts& machine) {
                 machine.running = machine.minimum;
             } },
-        { "lowPowerMode", "Low Power Mode is on. Local AI is paused.",
+        { "lowPowerMode", "Power saver is on. Local AI is paused.",
             [](FakeMachineFacts& machine) {
                 machine.now.lowPowerMode = false;
             } },
-        { "onBattery", "This Mac is on battery. Connect power before running local transcription.",
+        { "onBattery", "This computer is on battery. Connect power before running local transcription.",
             [](FakeMachineFacts& machine) {
                 machine.now.powerSourceStates = { "", "AC Power", "Battery Power" };
             } },
-        { "thermalPressure", "Thermal pressure is high. Local AI is paused until the Mac cools down.",
+        { "thermalPressure", "Thermal pressure is high. Local AI is paused until the computer cools down.",
             [](FakeMachineFacts& machine) {
                 machine.now.thermal = ThermalState::Serious;
             } },
-        { "thermalPressure", "Thermal pressure is high. Local AI is paused until the Mac cools down.",
+        { "thermalPressure", "Thermal pressure is high. Local AI is paused until the computer cools down.",
             [](FakeMachineFacts& machine) {
                 machine.now.thermal = ThermalState::Fair;
             } },
-        { "insufficientMemory", "This Mac does not have enough memory available for local transcription.",
+        { "insufficientMemory", "This computer does not have enough memory available for local transcription.",
             [](FakeMachineFacts& machine) {
                 machine.now.physicalMemoryBytes += 1;
             } },
@@ -75,7 +77,7 @@ TEST(LocalAIAvailability, theFirstConditionThatHoldsIsNamedAndTheLastOnesBoundsP
         EXPECT_EQ(gate.snapshot(true, false).stopCondition, std::nullopt);
     }
     EXPECT_EQ(gate.snapshot(true, false).statusText(), "Ready for on-device voice.");
-    EXPECT_EQ(gate.snapshot(false, true).statusText(), "Apple on-device speech is supported.");
+    EXPECT_EQ(gate.snapshot(false, true).statusText(), "Speech recognition on this computer is supported.");
 }
 
 TEST(LocalAIAvailability, theFirstPowerSourceThatSaysWhatItIsDecides)

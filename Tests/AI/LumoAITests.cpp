@@ -18,7 +18,7 @@ TEST(LumoAI, theModelOfThePlatformAnswersAndItsFailureIsTheResult)
 
 TEST(LumoAI, withoutAnyBackendTheWordsNameBoth)
 {
-    const QString words = "Apple Intelligence isn't available on this Mac — falling back requires the codex CLI.";
+    const QString words = "There is no model on this computer — falling back requires the codex CLI.";
     FakeLumo lumo;
     lumo.model.setUnavailable(QStringLiteral("no server"));
     EXPECT_EQ(lumo.ai.availableName(), std::nullopt);
@@ -30,7 +30,7 @@ TEST(LumoAI, withoutAnyBackendTheWordsNameBoth)
     lumo.model.setAvailable();
     lumo.machine.running = { 5, 9, 200 };
     EXPECT_EQ(lumo.ai.availableName(), std::nullopt);
-    EXPECT_EQ(lumo.onDevice.unavailableReason(), "Requires macOS 26+ and the macOS 26+ SDK at build time.");
+    EXPECT_EQ(lumo.onDevice.unavailableReason(), "Requires a newer system.");
     EXPECT_EQ((*outcome(lumo.onDevice.respond({}, {})))->error().message, words);
     lumo.machine.running = { 5, 10, 0 };
     EXPECT_EQ(lumo.ai.availableName(), "Fake Model");

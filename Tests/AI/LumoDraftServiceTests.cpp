@@ -112,7 +112,7 @@ TEST_F(LumoDraftServiceTest, aFailureIsTheResult)
     EXPECT_EQ(m_lumo.model.asked.size(), 3) << "the plain path is not tried";
     m_lumo.model.setUnavailable("no server");
     EXPECT_EQ(reply({ message("x") }).error().message,
-        "Apple Intelligence isn't available on this Mac — falling back requires the codex CLI.");
+        "There is no model on this computer — falling back requires the codex CLI.");
 }
 
 TEST_F(LumoDraftServiceTest, withoutAModelOfThePlatformTheCodexToolIsAskedInPlainText)

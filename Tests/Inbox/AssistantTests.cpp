@@ -94,8 +94,8 @@ TEST_F(AssistantTest, aTranslationFallsBackToTheModelAndSaysWhy)
     EXPECT_EQ(draft.draft(), "Guten Morgen");
     EXPECT_EQ(draft.operationLabel(), "Translate");
     EXPECT_EQ(draft.warnings().last(),
-        "Apple Translation was unavailable or failed mid-flight; LumoAI fallback translated this draft. Apple "
-        "Translation error: Apple Translation needs a SwiftUI translation task host.");
+        "Translation on this computer was unavailable or failed mid-flight; LumoAI fallback translated this draft. "
+        "Error: Translation on this computer is not set up.");
     EXPECT_TRUE(model.asked.last().prompt.contains("Translate the draft to German"));
 }
 
@@ -128,11 +128,11 @@ TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
             } }) {
         act();
         EXPECT_EQ(draft.stateWord() + '|' + draft.title() + '|' + draft.detail(),
-            "missingModel|Apple Intelligence or Codex CLI unavailable|Enable Apple Intelligence or install Codex CLI. "
+            "missingModel|No model and no Codex CLI|Start a model on this computer or install Codex CLI. "
             "Current backend: none");
     }
     inbox.summary()->summarize();
-    EXPECT_EQ(inbox.summary()->detail(), "Enable Apple Intelligence in System Settings or install Codex CLI.");
+    EXPECT_EQ(inbox.summary()->detail(), "Start a model on this computer or install Codex CLI.");
     EXPECT_EQ(inbox.askLumo()->actionLabel(), "no AI backend");
     EXPECT_EQ(inbox.askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
     EXPECT_FALSE(inbox.askLumo()->canAsk());

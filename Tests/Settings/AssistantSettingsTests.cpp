@@ -37,7 +37,8 @@ protected:
 
 TEST_F(Assistant, whoAnswersIsNamedAndWhyTheOtherDoesNot)
 {
-    const QString missing = "Not found: Codex CLI not found — install the codex CLI or enable Apple Intelligence.";
+    const QString missing
+        = "Not found: Codex CLI not found — install the codex CLI or choose a model on this computer.";
     EXPECT_EQ(view.answersText(), "Fake Model answers now.");
     EXPECT_EQ(states(), QStringList({ "Answers: Fake Model", missing }));
     QSignalSpy changes(&view, &AssistantSettings::changed);
@@ -72,7 +73,7 @@ TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
     EXPECT_EQ(view.gateFacts()[3].toMap()["value"].toString(), "16.0 GiB");
     lumo.machine.now.powerSourceStates = { "Battery Power" };
     world.clock.advance(seconds(5));
-    EXPECT_EQ(view.gateText(), "This Mac is on battery. Connect power before running local transcription.");
+    EXPECT_EQ(view.gateText(), "This computer is on battery. Connect power before running local transcription.");
     EXPECT_EQ(view.gateFacts()[0].toMap()["value"].toString(), "Battery");
     view.setVisible(false);
     lumo.machine.now.powerSourceStates.clear();

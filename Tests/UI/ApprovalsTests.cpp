@@ -225,7 +225,7 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
                       "VALUES('e', 'local', 'Fair', 1, 2, 1);"_s);
     screens.panel.setVisible(true);
     EXPECT_TRUE(lines().contains(u"No meetings today"_s)) << "a calendar is connected";
-    EXPECT_EQ(screens.panel.noticeText(), u"Sign in to link this Mac to your Nimb workspace and start syncing."_s);
+    EXPECT_EQ(screens.panel.noticeText(), u"Sign in to link this computer to your Nimb workspace and start syncing."_s);
     session.setAuth(u"header.e30.signature"_s, u"device"_s);
     rest();
     EXPECT_EQ(findItem(u"panel.notice"_s), nullptr);

@@ -197,8 +197,8 @@ TEST_F(AssistantWindow, withoutAServerEachPlaceSaysSoAndShowsTheWayOn)
     stop();
     choose(1);
     waitFor(u"draftPreview.again"_s);
-    EXPECT_TRUE(shows(u"Apple Intelligence or Codex CLI unavailable"_s));
-    EXPECT_TRUE(shows(u"Enable Apple Intelligence or install Codex CLI. Current backend: none"_s));
+    EXPECT_TRUE(shows(u"No model and no Codex CLI"_s));
+    EXPECT_TRUE(shows(u"Start a model on this computer or install Codex CLI. Current backend: none"_s));
     choose(3);
     EXPECT_EQ(words(u"askLumo.ask"_s), u"no AI backend"_s);
     EXPECT_FALSE(item(u"askLumo.ask"_s)->isEnabled());

@@ -1,9 +1,11 @@
+#include "Store/Core/StoreHealth.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 
 #include <QSet>
 #include <QSignalSpy>
 #include <algorithm>
+#include <sqlite3.h>
 
 namespace corvane {
 
@@ -451,6 +453,26 @@ TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
     QSignalSpy quit(&shell, &AppShell::quitRequested);
     press(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_EQ(quit.size(), 1);
+}
+
+TEST_F(ScreenTest, aFullDiskIsABannerAndADamagedDatabaseAPageToChooseOn)
+{
+    showInbox();
+    engines.db().health().note(SQLITE_FULL);
+    clock.advance(Milliseconds(1));
+    EXPECT_NE(item(u"notice.store"_s), nullptr);
+    clock.advance(seconds(10));
+    EXPECT_EQ(findItem(u"notice.store"_s), nullptr) << "there is room again";
+
+    engines.db().health().note(SQLITE_CORRUPT);
+    clock.advance(seconds(10));
+    expectDrawn(u"damaged database"_s);
+    EXPECT_TRUE(focusWithin(u"recovery.save"_s));
+    launcher.expect(FakeLauncher::stays(), 3); // the engines that ran
+    click(u"recovery.new"_s);
+    rest();
+    EXPECT_FALSE(recovery.needed());
+    EXPECT_EQ(findItem(u"recovery.new"_s), nullptr);
 }
 
 }

@@ -29,9 +29,9 @@ TEST_F(TranslationServiceTest, whatCannotBeTranslatedFailsAtOnceInWords)
     machine.running = { 4, 19, 0 };
     translate("hello", "German");
     EXPECT_EQ(heard,
-        (QStringList { "! Apple Translation needs a SwiftUI translation task host.",
-            "! Apple Translation does not support Klingonese.",
-            "! Apple Translation requires macOS 26+ and the macOS 26+ SDK." }));
+        (QStringList { "! Translation on this computer is not set up.",
+            "! Translation on this computer does not support Klingonese.",
+            "! Translation on this computer needs a newer system." }));
 }
 
 TEST_F(TranslationServiceTest, everyoneWhoWaitsHearsExactlyOneEnd)
@@ -53,8 +53,7 @@ TEST_F(TranslationServiceTest, everyoneWhoWaitsHearsExactlyOneEnd)
     cancel.cancel();
     EXPECT_EQ(service->activeRequest()->text, "two");
     service.reset();
-    EXPECT_EQ(heard.filter("!"),
-        (QStringList { "! Cancelled.", "! Apple Translation needs a SwiftUI translation task host." }));
+    EXPECT_EQ(heard.filter("!"), (QStringList { "! Cancelled.", "! Translation on this computer is not set up." }));
 }
 
 TEST_F(TranslationServiceTest, languagesAreKnownByNameOrCode)

@@ -1,12 +1,14 @@
 #include "AI/AppleIntelligenceChatService.h"
 
+#include "Foundation/MachineWords.h"
 #include "Platform/MachineFacts.h"
 
 namespace corvane {
 
 QString errorDescription(AppleAIError)
 {
-    return QStringLiteral("Apple Intelligence isn't available on this Mac — falling back requires the codex CLI.");
+    return QStringLiteral("There is no model on %1 — falling back requires the codex CLI.")
+        .arg(machineWords::thisMachine);
 }
 
 AppleIntelligenceChatService::AppleIntelligenceChatService(SystemLanguageModel& model, const MachineFacts& machine)
@@ -23,7 +25,7 @@ bool AppleIntelligenceChatService::platformIsTooOld() const
 std::optional<QString> AppleIntelligenceChatService::unavailableReason() const
 {
     if (platformIsTooOld())
-        return QStringLiteral("Requires macOS 26+ and the macOS 26+ SDK at build time.");
+        return QStringLiteral("Requires a newer system.");
     return m_model.unavailableReason();
 }
 

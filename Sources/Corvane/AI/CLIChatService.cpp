@@ -1,6 +1,7 @@
 #include "AI/CLIChatService.h"
 
 #include "Foundation/Log.h"
+#include "Foundation/MachineWords.h"
 #include "Platform/ToolRunner.h"
 
 #include <QDir>
@@ -67,7 +68,7 @@ QString errorDescription(CLIChatError error, const QString& detail)
 {
     return error == CLIChatError::Failed
         ? QStringLiteral("Codex CLI draft failed: ") + detail
-        : QStringLiteral("Codex CLI not found — install the codex CLI or enable Apple Intelligence.");
+        : QStringLiteral("Codex CLI not found — install the codex CLI or choose %1.").arg(machineWords::localModel);
 }
 
 QStringList codexCandidates(const QString& home)

@@ -1,5 +1,7 @@
 #include "AI/LocalAIAvailability.h"
 
+#include "Foundation/MachineWords.h"
+
 namespace corvane {
 
 namespace {
@@ -81,20 +83,24 @@ QString LocalAIAvailabilitySnapshot::statusText() const
 {
     if (!stopCondition)
         return installedDefaultModel ? QStringLiteral("Ready for on-device voice.")
-                                     : QStringLiteral("Apple on-device speech is supported.");
+                                     : atStart(machineWords::localSpeech) + QStringLiteral(" is supported.");
     switch (*stopCondition) {
     case Condition::UnsupportedPlatform:
-        return QStringLiteral("On-device voice needs Apple Silicon and macOS 14 or newer.");
+        return atStart(machineWords::localSpeech) + QStringLiteral(" needs a newer system.");
     case Condition::TranslatedProcess:
-        return QStringLiteral("On-device voice needs the native Apple Silicon app, not Rosetta.");
+        return atStart(machineWords::localSpeech)
+            + QStringLiteral(" needs the program that was built for this processor, not a translated one.");
     case Condition::LowPowerMode:
-        return QStringLiteral("Low Power Mode is on. Local AI is paused.");
+        return machineWords::powerSaving + QStringLiteral(" is on. Local AI is paused.");
     case Condition::OnBattery:
-        return QStringLiteral("This Mac is on battery. Connect power before running local transcription.");
+        return atStart(machineWords::thisMachine)
+            + QStringLiteral(" is on battery. Connect power before running local transcription.");
     case Condition::ThermalPressure:
-        return QStringLiteral("Thermal pressure is high. Local AI is paused until the Mac cools down.");
+        return QStringLiteral("Thermal pressure is high. Local AI is paused until the %1 cools down.")
+            .arg(machineWords::machine);
     case Condition::InsufficientMemory:
-        return QStringLiteral("This Mac does not have enough memory available for local transcription.");
+        return atStart(machineWords::thisMachine)
+            + QStringLiteral(" does not have enough memory available for local transcription.");
     case Condition::DiskLow:
         break;
     }

@@ -1,6 +1,7 @@
 #include "Approvals/DraftWords.h"
 
 #include "Engines/DraftDelivery.h"
+#include "Foundation/MachineWords.h"
 #include "Presentation/WAName.h"
 
 namespace corvane {
@@ -20,7 +21,7 @@ QString draftStatusTitle(const PendingDraft& draft)
     if (status == u"failed")
         return QStringLiteral("Local send failed to ") + target;
     if (status == u"sending")
-        return QStringLiteral("Sending from this computer to ") + target;
+        return QStringLiteral("Sending from %1 to ").arg(machineWords::thisMachine) + target;
     if (source == u"web" || !draft.webAckStatus.isEmpty())
         return QStringLiteral("Web draft waiting for local approval · ") + target;
     if (source == u"forward")

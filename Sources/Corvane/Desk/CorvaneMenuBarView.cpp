@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/MachineWords.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/WAName.h"
 #include "Store/Work/DigestQueries.h"
@@ -119,7 +120,7 @@ QString CorvaneMenuBarView::noticeText() const
         return QStringLiteral("LinkedIn/web inbox can't mirror until you sign in again.");
     return m_at.session.signedIn()
         ? QString()
-        : QStringLiteral("Sign in to link this Mac to your Nimb workspace and start syncing.");
+        : QStringLiteral("Sign in to link %1 to your Nimb workspace and start syncing.").arg(machineWords::thisMachine);
 }
 
 void CorvaneMenuBarView::setVisible(bool visible)

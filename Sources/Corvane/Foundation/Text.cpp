@@ -1,5 +1,7 @@
 #include "Foundation/Text.h"
 
+#include "Foundation/MachineWords.h"
+
 #include <QTextBoundaryFinder>
 #include <algorithm>
 
@@ -81,6 +83,11 @@ QString promptLine(const QString& text, int limit)
         start.chop(1);
     start = firstCharacters(start, limit);
     return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + QStringLiteral("...");
+}
+
+QString atStart(const QString& words)
+{
+    return words.left(1).toUpper() + words.mid(1);
 }
 
 }

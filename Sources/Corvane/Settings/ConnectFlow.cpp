@@ -1,6 +1,7 @@
 #include "Settings/ConnectFlow.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/MachineWords.h"
 
 namespace corvane {
 
@@ -68,8 +69,9 @@ QList<ConnectFlow> makeFlows()
                 masked(authField, QStringLiteral("Auth Token"), QStringLiteral("Auth Token")),
                 { fromField, QStringLiteral("Twilio number (From)"), QStringLiteral("+1…") } }),
         button(Channel::IMessage, QStringLiteral("Add my phone (iMessage)"),
-            QStringLiteral("Needs Full Disk Access (to read texts) + Automation → Messages (to send), granted in "
-                           "System Settings → Privacy. Uses your own number — no account, no Twilio.")),
+            QStringLiteral("Uses your own number — no account, no Twilio. Needs an engine that reaches your phone's "
+                           "messages; %1 has none of its own.")
+                .arg(machineWords::thisMachine)),
     };
 }
 

@@ -24,6 +24,7 @@ class SessionStore;
 /// The settings screen: the accounts with all that can be done to them, and the cards of the other sections.
 class IntegrationsView : public QObject {
     Q_OBJECT
+    Q_PROPERTY(QString approvalRule READ approvalRule CONSTANT)
     Q_PROPERTY(QVariantList sections READ sections CONSTANT) ///< {id, label}
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     /// The account rows, by channel; the properties of `AccountRow` are the roles.
@@ -55,6 +56,10 @@ public:
 
     explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
 
+    QString approvalRule() const
+    {
+        return QStringLiteral("Sends/drafts always stay manual — Corvane never sends on its own (hard wall #1).");
+    }
     QVariantList sections() const;
     const QString& section() const { return m_section; }
     void setSection(const QString& id); ///< an unknown word changes nothing

@@ -1,5 +1,6 @@
 #include "Settings/SyncSettings.h"
 
+#include "Foundation/MachineWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Sync/SyncQueries.h"
 #include "Web/SessionStore.h"
@@ -52,7 +53,8 @@ QString SyncSettings::stateText() const
         return QStringLiteral("Signing in…");
     if (!signedIn())
         return m_session.lastErrorText().isEmpty() ? QStringLiteral("Not signed in") : m_session.lastErrorText();
-    return m_session.webRejected() ? QStringLiteral("Web rejected this Mac's session — sign out and sign in again")
+    return m_session.webRejected() ? QStringLiteral("The web rejected the session of %1 — sign out and sign in again")
+                                         .arg(machineWords::thisMachine)
                                    : QStringLiteral("Signed in");
 }
 

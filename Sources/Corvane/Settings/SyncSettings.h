@@ -33,10 +33,10 @@ public:
     const QVariantList& health() const { return m_health; }
     QString emptyHealthText() const
     {
-        return QStringLiteral("No sync_health rows yet - appears after local sync jobs report status.");
+        return QStringLiteral("Nothing has been synced yet. What each part of the sync last did appears here.");
     }
     QString queueLabel() const { return QStringLiteral("Queue a pull"); }
-    QString queueHint() const { return QStringLiteral("Queues a web_pull sync_command for the local MCP worker."); }
+    QString queueHint() const { return QStringLiteral("Asks the tool server to fetch from the web now."); }
     const QString& queuedText() const { return m_queuedText; }
 
     Q_INVOKABLE void signInOrOut(); ///< what `actionLabel` says

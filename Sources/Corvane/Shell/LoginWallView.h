@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/MachineWords.h"
+
 #include <QObject>
 #include <QString>
 
@@ -36,10 +38,14 @@ public:
     QString lastError() const; ///< empty for none
     QString primaryLabel() const;
     QString title() const { return QStringLiteral("Corvane"); }
-    QString tagline() const { return QStringLiteral("Your business, running on this Mac — synced with Nimb web."); }
+    QString tagline() const
+    {
+        return QStringLiteral("Your business, running on %1 — synced with Nimb web.").arg(machineWords::thisMachine);
+    }
     QString footnote() const
     {
-        return QStringLiteral("Everything runs locally on this Mac. Signing in links it to your Nimb workspace.");
+        return QStringLiteral("Everything runs locally on %1. Signing in links it to your Nimb workspace.")
+            .arg(machineWords::thisMachine);
     }
     QString emailLabel() const { return QStringLiteral("Email"); }
     QString passwordLabel() const { return QStringLiteral("Password"); }

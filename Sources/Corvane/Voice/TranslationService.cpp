@@ -1,6 +1,7 @@
 #include "Voice/TranslationService.h"
 
 #include "Foundation/Arrival.h"
+#include "Foundation/MachineWords.h"
 #include "Platform/MachineFacts.h"
 
 #include <QLocale>
@@ -53,12 +54,12 @@ Error TranslationServiceError::unavailable(const QString& words)
 
 Error TranslationServiceError::unsupportedTarget(const QString& language)
 {
-    return { QStringLiteral("Apple Translation does not support %1.").arg(language) };
+    return { atStart(machineWords::localTranslation) + QStringLiteral(" does not support %1.").arg(language) };
 }
 
 Error TranslationServiceError::missingHost()
 {
-    return { QStringLiteral("Apple Translation needs a SwiftUI translation task host.") };
+    return { atStart(machineWords::localTranslation) + QStringLiteral(" is not set up.") };
 }
 
 TranslationService::TranslationService(const MachineFacts& machine, QObject* parent)
@@ -99,7 +100,7 @@ QCoro::Task<Result<TranslationServiceOutput>> TranslationService::translate(
 {
     if (m_machine.version() < m_machine.minimumVersion())
         co_return std::unexpected(TranslationServiceError::unavailable(
-            QStringLiteral("Apple Translation requires macOS 26+ and the macOS 26+ SDK.")));
+            atStart(machineWords::localTranslation) + QStringLiteral(" needs a newer system.")));
     const auto target = language(targetLanguage);
     if (!target)
         co_return std::unexpected(TranslationServiceError::unsupportedTarget(targetLanguage));

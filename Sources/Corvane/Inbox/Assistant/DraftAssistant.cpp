@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "Foundation/Ids.h"
+#include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/Compose/Composer.h"
 #include "Voice/TranslationService.h"
@@ -157,10 +158,9 @@ QCoro::Task<Result<LumoDraftResult>> DraftAssistant::translated(QString text, QS
     const auto result = co_await rewritten(text, LumoDraftRewriteAction::Translate, language, cancel);
     if (!result)
         co_return std::unexpected(result.error());
-    co_return result->addingWarnings(
-        { QStringLiteral("Apple Translation was unavailable or failed mid-flight; LumoAI fallback translated this "
-                         "draft. Apple Translation error: ")
-            + error });
+    co_return result->addingWarnings({ atStart(machineWords::localTranslation)
+        + QStringLiteral(" was unavailable or failed mid-flight; LumoAI fallback translated this draft. Error: ")
+        + error });
 }
 
 QCoro::Task<Result<LumoDraftResult>> DraftAssistant::rewritten(
@@ -183,8 +183,8 @@ bool DraftAssistant::hasText()
 
 void DraftAssistant::showMissingModel()
 {
-    show(State::MissingModel, QStringLiteral("Apple Intelligence or Codex CLI unavailable"),
-        QStringLiteral("Enable Apple Intelligence or install Codex CLI. Current backend: none"));
+    show(State::MissingModel, QStringLiteral("No model and no Codex CLI"),
+        QStringLiteral("Start %1 or install Codex CLI. Current backend: none").arg(machineWords::localModel));
 }
 
 void DraftAssistant::take(bool inPlace)

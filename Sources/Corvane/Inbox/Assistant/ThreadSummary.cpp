@@ -1,6 +1,7 @@
 #include "Inbox/Assistant/ThreadSummary.h"
 
 #include "AI/AIServices.h"
+#include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
 
 #include <QHash>
@@ -110,8 +111,8 @@ QCoro::Task<> ThreadSummary::run()
         m_summary = *std::move(summary);
         show(State::Ready, QStringLiteral("Summary"));
     } else if (!m_ai.availableName()) {
-        show(State::MissingModel, QStringLiteral("Apple Intelligence or Codex CLI unavailable"),
-            QStringLiteral("Enable Apple Intelligence in System Settings or install Codex CLI."));
+        show(State::MissingModel, QStringLiteral("No model and no Codex CLI"),
+            QStringLiteral("Start %1 or install Codex CLI.").arg(machineWords::localModel));
     } else {
         show(State::Error, summary.error().message);
     }

@@ -12,6 +12,13 @@ Column {
 
     spacing: Theme.large
 
+    Label {
+        objectName: "approvals.rule"
+        width: parent.width
+        text: section.settings.approvalRule
+        wrapMode: Text.Wrap
+        color: Theme.soft
+    }
     WaitingCard {
         width: parent.width
         approvals: section.approvals
