@@ -22,9 +22,9 @@
 #include "Store/Messages/IngestQueries.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeKeyring.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 #include "Voice/TranslationService.h"
 
 #include <QCoreApplication>
@@ -86,8 +86,8 @@ private:
     std::unique_ptr<ProcessLauncher> m_launcher = makeProcessLauncher(m_scheduler);
     FakePortHolders m_ports;
     BackgroundQueue m_background;
-    FakeSecretStore m_secrets;
-    Keychain m_keychain { m_secrets };
+    FakeKeyring m_keyring;
+    Keychain m_keychain { m_keyring, m_paths.secretsFile(), m_scheduler };
     FakeNotificationService m_banners;
     Notifier m_notifier { m_banners, m_centre, m_defaults, m_scheduler, [] {
                          } };

@@ -11,9 +11,9 @@
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeKeyring.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,7 +27,7 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
     Machine machine;
     machine.launcher = launcher ? std::move(launcher) : makeProcessLauncher(scheduler);
     machine.ports = std::make_unique<FakePortHolders>();
-    machine.secrets = std::make_unique<FakeSecretStore>();
+    machine.keyring = std::make_unique<FakeKeyring>();
     machine.notifications = std::make_unique<FakeNotificationService>();
     machine.desktop = std::make_unique<FakeDesktop>();
     machine.microphone = makeMicrophone(scheduler);

@@ -7,13 +7,13 @@
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
+#include "Platform/Keyring.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
-#include "Platform/SecretStore.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
@@ -137,7 +137,7 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     Machine machine;
     machine.launcher = makeProcessLauncher(scheduler);
     machine.ports = makePortHolders();
-    machine.secrets = makeSecretStore(AppPaths::fromEnvironment());
+    machine.keyring = makeKeyring();
     machine.notifications = makeNotificationService();
     auto own = std::make_unique<PictureDesktop>();
     desktop = own.get();

@@ -11,7 +11,7 @@
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/PrivateFile.h"
-#include "Platform/SecretStore.h"
+#include "Platform/Keyring.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/SystemLanguageModel.h"
@@ -51,7 +51,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     Machine machine;
     machine.launcher = makeProcessLauncher(scheduler);
     machine.ports = makePortHolders();
-    machine.secrets = makeSecretStore(paths);
+    machine.keyring = makeKeyring();
     machine.notifications = makeNotificationService();
     machine.desktop = makeDesktop(umaskOfOpened);
     machine.microphone = makeMicrophone(scheduler);

@@ -250,3 +250,27 @@ TEST_F(Supervisor, aResetStopsTheEngineAndDeletesItsStateFolder)
     EXPECT_FALSE(QFile::exists(world.home.path(u".whatsapp-baileys/linked"_s)));
     EXPECT_TRUE(QFile::exists(world.home.path(u".whatsapp-baileys/other/creds.json"_s))) << "a link is not followed";
 }
+
+TEST_F(Supervisor, anAccountWhoseSecretOnlyALockedKeyringKnowsStartsOnceItIsUnlocked)
+{
+    const Account mail = accountNamed(u"mail"_s, Channel::Email);
+    const Account paused = accountNamed(u"bot"_s, Channel::Telegram);
+    FakeKeyring keyring;
+    keyring.failure = Keyring::Failure::Locked;
+    Keychain keychain { keyring, world.home.path(u"other-secrets.json"_s), world.clock };
+    const EngineManager::Surroundings around { world.home.paths(), world.clock, world.launcher, world.ports,
+        world.background, keychain, world.notifier, world.desktop };
+    EngineManager engines { around, world.openDatabase(world.clock) };
+    world.launcher.expect(FakeLauncher::stays(), 2);
+    for (const Account& account : { shop, mail, paused })
+        engines.start(account);
+    EXPECT_EQ(launches(), 1) << "an account without a secret waits for nothing";
+    EXPECT_EQ(engines.runtime(mail.id).status, WAStatus::Starting);
+    EXPECT_EQ(engines.runtime(mail.id).lastLog, u"Waits for the desktop's keyring to be unlocked."_s);
+    engines.stop(paused);
+    keyring.failure.reset();
+    keyring.values.insert(u"mail"_s, u"app password"_s);
+    keychain.unlock();
+    ASSERT_EQ(launches(), 2);
+    EXPECT_EQ(world.launcher.last().spec.environment.value(u"EMAIL_PASS"_s), u"app password"_s);
+}

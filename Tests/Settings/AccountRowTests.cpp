@@ -1,3 +1,4 @@
+#include "Engines/EngineSpec.h"
 #include "Settings/AccountRow.h"
 
 #include "Support/Print.h"

@@ -263,7 +263,7 @@ TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
     session.setAuth("token", "d");
     EXPECT_EQ(sync.stateText(), "Signed in");
     session.setWebRejected(true);
-    EXPECT_EQ(sync.stateText(), "Web rejected this Mac's session — sign out and sign in again");
+    EXPECT_EQ(sync.stateText(), "The web rejected the session of this computer — sign out and sign in again");
     EXPECT_EQ(sync.stateKind(), "bad");
     EXPECT_EQ(sync.actionLabel(), "Sign Out");
     sync.signInOrOut();
@@ -274,7 +274,7 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
 {
     SyncSettings& sync = *view.sync();
     EXPECT_TRUE(sync.health().isEmpty());
-    EXPECT_EQ(sync.emptyHealthText(), "No sync_health rows yet - appears after local sync jobs report status.");
+    EXPECT_EQ(sync.emptyHealthText(), "Nothing has been synced yet. What each part of the sync last did appears here.");
     world.engines.db().run(
         QStringLiteral("INSERT INTO sync_health(source, status, last_finished_at, last_error, updated_at)"
                        " VALUES('crm','error',1,'no route',1),('inbox','ok',?,NULL,1);"),
@@ -321,7 +321,7 @@ TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
     EXPECT_TRUE(system.notifyOnNewMessage());
     system.setNotifyOnNewMessage(false);
     EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);
-    EXPECT_EQ(system.secretsPlace(), world.secrets.description());
+    EXPECT_EQ(system.secretsPlace(), "the desktop's keyring");
     EXPECT_EQ(system.dataFolder(), world.home.paths().applicationSupport);
 }
 

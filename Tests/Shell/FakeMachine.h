@@ -5,12 +5,12 @@
 #include "Shell/CorvaneApp.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeKeyring.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/FakeLauncher.h"
 #include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 
 namespace corvane {
 
@@ -20,7 +20,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     Machine machine;
     machine.launcher = std::move(launcher);
     machine.ports = std::make_unique<FakePortHolders>();
-    machine.secrets = std::make_unique<FakeSecretStore>();
+    machine.keyring = std::make_unique<FakeKeyring>();
     machine.notifications = std::make_unique<FakeNotificationService>();
     machine.desktop = std::make_unique<FakeDesktop>();
     machine.microphone = std::make_unique<FakeMicrophone>();

@@ -8,7 +8,7 @@
 #include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
-#include "Support/FakeSecretStore.h"
+#include "Support/FakeKeyring.h"
 #include "Support/LoopbackWeb.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
@@ -32,15 +32,17 @@ protected:
     {
         wall.reset();
         content.reset();
-        session = std::make_unique<SessionStore>(home.paths(), keychain, defaults, desktop, clock);
+        session.reset();
+        keychain = std::make_unique<Keychain>(keyring, home.paths().secretsFile(), clock);
+        session = std::make_unique<SessionStore>(home.paths(), *keychain, defaults, desktop, clock);
         content = std::make_unique<ContentView>(*session, defaults);
         wall = std::make_unique<LoginWallView>(*session, *content);
     }
 
     TemporaryHome home;
     VirtualScheduler clock;
-    FakeSecretStore secrets;
-    Keychain keychain { secrets };
+    FakeKeyring keyring;
+    std::unique_ptr<Keychain> keychain;
     UserDefaults defaults { home.paths().defaultsFile };
     FakeDesktop desktop;
     std::unique_ptr<SessionStore> session;
@@ -59,6 +61,21 @@ TEST_F(Wall, standsUntilAnyTokenIsThereAndComesBackWithASignOut)
     EXPECT_FALSE(content->showsWall());
     session->setWebRejected(true);
     EXPECT_FALSE(content->showsWall()) << "a token that the web refuses still opens the shell";
+    session->signOut();
+    EXPECT_TRUE(content->showsWall());
+}
+
+TEST_F(Wall, waitsForTheKeyringToSayWhetherThereIsAToken)
+{
+    session->setAuth(anyToken, "d");
+    keyring.failure = Keyring::Failure::Locked;
+    open();
+    EXPECT_FALSE(content->showsWall());
+    EXPECT_FALSE(session->signedIn());
+    EXPECT_EQ(session->displayLine(), "Waiting for the desktop's keyring");
+    keyring.failure.reset();
+    keychain->unlock();
+    EXPECT_TRUE(session->signedIn());
     session->signOut();
     EXPECT_TRUE(content->showsWall());
 }

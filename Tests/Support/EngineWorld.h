@@ -9,11 +9,11 @@
 #include "Store/Core/LocalDB.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeKeyring.h"
 #include "Support/FakeLauncher.h"
 #include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 
@@ -39,8 +39,8 @@ struct EngineSurroundings {
     NotificationCentre centre;
     FakePortHolders ports;
     BackgroundQueue background;
-    FakeSecretStore secrets;
-    Keychain keychain { secrets };
+    FakeKeyring keyring;
+    Keychain keychain { keyring, home.paths().secretsFile(), clock };
     FakeNotificationService banners;
     Notifier notifier { banners, centre, defaults, clock, [] {
                        } };

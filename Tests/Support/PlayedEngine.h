@@ -10,9 +10,9 @@
 #include "Platform/Keychain.h"
 #include "Store/Core/LocalDB.h"
 #include "Support/FakeDesktop.h"
+#include "Support/FakeKeyring.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
-#include "Support/FakeSecretStore.h"
 #include "Support/Places.h"
 #include "Support/PlayedLauncher.h"
 
@@ -27,7 +27,8 @@ class PlayedEngine final {
 public:
     /// `database` is a path, or ":memory:". With a launcher the engines are real children instead.
     PlayedEngine(Scheduler& scheduler, const QString& database, ProcessLauncher* launcher = nullptr)
-        : m_notifier(m_banners, m_centre, m_defaults, scheduler, [] { })
+        : m_keychain(m_keyring, m_paths.secretsFile(), scheduler)
+        , m_notifier(m_banners, m_centre, m_defaults, scheduler, [] { })
         , m_engines({ m_paths, scheduler, launcher ? *launcher : m_played, m_ports, m_background, m_keychain,
                         m_notifier, m_desktop },
               std::make_unique<LocalDB>(
@@ -54,8 +55,8 @@ private:
     NotificationCentre m_centre;
     FakePortHolders m_ports;
     BackgroundQueue m_background;
-    FakeSecretStore m_secrets;
-    Keychain m_keychain { m_secrets };
+    FakeKeyring m_keyring;
+    Keychain m_keychain;
     FakeNotificationService m_banners;
     FakeDesktop m_desktop;
     Notifier m_notifier;

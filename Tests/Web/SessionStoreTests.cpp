@@ -4,7 +4,7 @@
 #include "Platform/Keychain.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
-#include "Support/FakeSecretStore.h"
+#include "Support/FakeKeyring.h"
 #include "Support/LoopbackWeb.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
@@ -71,8 +71,8 @@ protected:
 
     TemporaryHome home;
     VirtualScheduler clock;
-    FakeSecretStore secrets;
-    Keychain keychain { secrets };
+    FakeKeyring keyring;
+    Keychain keychain { keyring, home.paths().secretsFile(), clock };
     UserDefaults defaults { home.paths().defaultsFile };
     FakeDesktop desktop;
     LoopbackWeb web;
@@ -108,7 +108,7 @@ TEST_F(Session, aPasswordBecomesADeviceTokenInThreeCalls)
 
 TEST_F(Session, theTokenFileIsPrivateAndHoldsTheTokenThoughTheKeyringRefuses)
 {
-    secrets.failing = true;
+    keyring.failure = Keyring::Failure::Failed;
     const mode_t before = ::umask(0);
     session->setAuth("a.b.c", "d");
     ::umask(before);
@@ -120,7 +120,7 @@ TEST_F(Session, theTokenFileIsPrivateAndHoldsTheTokenThoughTheKeyringRefuses)
     EXPECT_EQ(facts.st_mode & 07777, 0600);
     EXPECT_EQ(QFileInfo(tokenFile()).dir().entryList(QDir::Files), QStringList("companion.jwt"));
     open();
-    EXPECT_FALSE(session->signedIn());
+    EXPECT_TRUE(session->signedIn());
 }
 
 TEST_F(Session, aKeptTokenIsTakenUpAtStartAndItsFileMadeAgain)
@@ -234,6 +234,7 @@ TEST_F(Session, aBaseThatIsNoWebAddressHasItsWords)
         EXPECT_EQ(session->lastErrorText(), "Bad API URL");
         EXPECT_FALSE(session->busy());
         session->handleCallback(QUrl("nimb-companion://auth?code=x"));
+        session->acceptLink();
         EXPECT_EQ(session->lastErrorText(), "Bad companion URL");
         EXPECT_FALSE(session->busy());
         session->startSignIn();
@@ -249,7 +250,7 @@ TEST_F(Session, theBrowserComesBackThroughTheCallback)
     session->startSignIn();
     ASSERT_EQ(desktop.opened.size(), 1);
     EXPECT_EQ(desktop.opened[0].toString(QUrl::FullyEncoded),
-        web.base() + handshakePath + "?callback=nimb-companion%3A%2F%2Fauth&deviceName=Mac");
+        web.base() + handshakePath + "?callback=nimb-companion%3A%2F%2Fauth&deviceName=This%20computer");
     EXPECT_FALSE(session->busy());
 
     for (const char* url : { "nimb-companion://auth?code=", "nimb-companion://auth", "nimb-companion://other?code=x",
@@ -262,23 +263,63 @@ TEST_F(Session, theBrowserComesBackThroughTheCallback)
     session->handleCallback(QUrl("nimb-companion://auth?code=abc"));
     EXPECT_TRUE(await([&] { return session->signedIn(); }));
     EXPECT_EQ(web.paths(), QStringList(exchangePath));
-    EXPECT_EQ(web.requests()[0].json(), QJsonObject({ { "code", "abc" }, { "deviceName", "Mac" } }));
+    EXPECT_EQ(web.requests()[0].json(), QJsonObject({ { "code", "abc" }, { "deviceName", "This computer" } }));
 }
 
-TEST_F(Session, onlyTheNewestSignInIsApplied)
+TEST_F(Session, aLinkThatNobodyHereAskedForWaitsForTheUsersWord)
+{
+    const QUrl link("nimb-companion://auth?code=abc");
+    answerWell();
+    session->handleCallback(link);
+    EXPECT_TRUE(session->asksAboutLink());
+    session->ignoreLink();
+    session->startSignIn();
+    clock.advance(seconds(601));
+    session->handleCallback(link);
+    EXPECT_TRUE(session->asksAboutLink()) << "the browser had ten minutes";
+    EXPECT_TRUE(web.requests().isEmpty());
+    session->acceptLink();
+    EXPECT_FALSE(session->asksAboutLink());
+    EXPECT_TRUE(await([&] { return session->signedIn(); }));
+
+    session->startSignIn();
+    session->handleCallback(link);
+    EXPECT_TRUE(await([&] { return !session->busy(); }));
+    session->handleCallback(link);
+    EXPECT_TRUE(session->asksAboutLink()) << "one sign-in is good for one link";
+    session->signOut();
+    EXPECT_FALSE(session->asksAboutLink());
+}
+
+TEST_F(Session, aLinkNeverEndsASignInThatRuns)
 {
     answerWell();
     web.answer(loginPath, { "", true });
+    session->startSignIn();
     session->signIn("slow@b", "c");
     ASSERT_TRUE(await([&] { return web.requests().size() == 1; }));
-
     session->handleCallback(QUrl("nimb-companion://auth?code=abc"));
+    session->acceptLink();
     EXPECT_TRUE(session->busy());
-    EXPECT_TRUE(await([&] { return !session->busy(); }));
-    EXPECT_TRUE(session->signedIn());
-    EXPECT_EQ(session->lastErrorText(), "") << "the abandoned sign-in says nothing";
-    clock.advance(seconds(120));
+    EXPECT_TRUE(session->asksAboutLink());
+    clock.advance(seconds(60));
+    EXPECT_EQ(session->lastErrorText(), "The request timed out.");
+    session->acceptLink();
+    EXPECT_TRUE(await([&] { return session->signedIn(); }));
     EXPECT_EQ(session->lastErrorText(), "");
+}
+
+TEST_F(Session, nothingIsSentUnencryptedToAnotherMachine)
+{
+    for (const QString& base : { "http://nimb.example", "http://192.168.0.7:3000", "http://localhost.example" }) {
+        defaults.setText("nimb.apiBaseUrl", base);
+        session->signIn("a@b", "c");
+        EXPECT_FALSE(session->busy());
+        EXPECT_TRUE(session->lastErrorText().startsWith("The web address is not encrypted."));
+        session->startSignIn();
+        EXPECT_TRUE(session->lastErrorText().startsWith("The web address is not encrypted."));
+    }
+    EXPECT_TRUE(desktop.opened.isEmpty());
 }
 
 TEST_F(Session, aSignOutOrTheEndInTheMiddleOfASignInLeavesNothingBehind)

@@ -11,6 +11,7 @@
 #include "Notifications/Notifier.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
+#include "Platform/Keychain.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QDir>
@@ -88,6 +89,7 @@ EngineManager::EngineManager(const Surroundings& surroundings, std::unique_ptr<L
     : QObject(parent)
     , m_state(std::make_unique<State>(*this, surroundings, std::move(db)))
 {
+    connect(&surroundings.keychain, &Keychain::changed, this, [this] { m_state->processes.secretsArrived(); });
     connect(&m_state->ingest, &Ingest::inboxChanged, this, &EngineManager::bump);
     connect(&m_state->ingest, &Ingest::draftAcknowledged, this, &EngineManager::refreshDrafts);
     connect(&m_state->ingest, &Ingest::mediaDownloadChanged, this, &EngineManager::setMediaDownload);

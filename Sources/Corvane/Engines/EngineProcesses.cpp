@@ -3,6 +3,7 @@
 #include "Engines/EngineSpec.h"
 #include "Engines/RuntimeStates.h"
 #include "Foundation/Log.h"
+#include "Platform/Keychain.h"
 
 #include <algorithm>
 
@@ -41,6 +42,11 @@ void EngineProcesses::start(const Account& account)
     m_intentionalStops.remove(id);
     m_current.remove(id);
     m_runtime.setStatus(id, WAStatus::Starting);
+    if (keepsSecret(account.channel()) && m_keychain.isAwaited(account.slug)) {
+        m_awaitingSecret.insert(id, account);
+        m_runtime.setLog(id, QStringLiteral("Waits for the desktop's keyring to be unlocked."));
+        return;
+    }
     launchWhenAlone(account);
 }
 
@@ -182,11 +188,19 @@ void EngineProcesses::launchNext()
     start(account);
 }
 
+void EngineProcesses::secretsArrived()
+{
+    const auto waiting = std::exchange(m_awaitingSecret, {});
+    for (const Account& account : waiting)
+        start(account);
+}
+
 void EngineProcesses::cancelStart(const QUuid& accountId)
 {
     m_starts.erase(accountId);
     m_successors.removeIf([&](const auto& entry) { return entry.value().id == accountId; });
     std::erase_if(m_due, [&](const Account& account) { return account.id == accountId; });
+    m_awaitingSecret.remove(accountId);
 }
 
 void EngineProcesses::stop(const Account& account)
@@ -214,6 +228,7 @@ void EngineProcesses::stopAll()
     m_successors.clear();
     m_due.clear();
     m_launch.reset();
+    m_awaitingSecret.clear();
     m_current.clear();
     const auto engines = m_engines; // an exit takes its engine off the list
     for (const auto& engine : engines)

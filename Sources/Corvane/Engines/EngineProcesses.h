@@ -38,6 +38,7 @@ public:
     void stop(const Account& account); ///< and every restart that is pending
     void forget(const Account& account); ///< stops it; the account is removed
     void stopAll(); ///< at quit; nothing starts any more
+    void secretsArrived(); ///< starts what waits for the keyring, where it has answered
     void connectionOpened(const QUuid& accountId);
 
     std::shared_ptr<ChildProcess> child(
@@ -79,6 +80,7 @@ private:
     QList<std::shared_ptr<Engine>> m_engines; ///< all whose exit has not been handled
     QHash<QUuid, std::shared_ptr<Engine>> m_current;
     QHash<QUuid, Account> m_accounts;
+    QHash<QUuid, Account> m_awaitingSecret; ///< started, but only the keyring knows the secret
     QSet<QUuid> m_intentionalStops; ///< until the next start
     QHash<QUuid, int> m_restartAttempts; ///< crashes since the last connection
     QHash<QString, Account> m_successors; ///< by slug: to be started once what ends has ended

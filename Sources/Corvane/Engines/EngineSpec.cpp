@@ -210,6 +210,25 @@ std::optional<QString> stateFolder(const AppPaths& paths, const Account& account
     }
 }
 
+bool keepsSecret(Channel channel)
+{
+    switch (channel) {
+    case Channel::Email:
+    case Channel::Telegram:
+    case Channel::Discord:
+    case Channel::Slack:
+    case Channel::Sms:
+        return true;
+    case Channel::WhatsApp:
+    case Channel::LinkedIn:
+    case Channel::Instagram:
+    case Channel::Messenger:
+    case Channel::IMessage:
+        return false;
+    }
+    Q_UNREACHABLE();
+}
+
 ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account& account)
 {
     const Channel channel = account.channel();

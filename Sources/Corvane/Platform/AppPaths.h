@@ -13,6 +13,8 @@ struct AppPaths {
 
     QString database() const { return applicationSupport + QStringLiteral("/nimblocal.db"); }
 
+    QString secretsFile() const { return applicationSupport + QStringLiteral("/secrets/secrets.json"); }
+
     /// From the environment: XDG_DATA_HOME, XDG_CONFIG_HOME, CORVANE_RESOURCES, HOME.
     static AppPaths fromEnvironment();
 };

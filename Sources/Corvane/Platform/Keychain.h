@@ -1,27 +1,59 @@
 #pragma once
 
-#include <QString>
-#include <optional>
+#include "Foundation/Scheduler.h"
+#include "Platform/Keyring.h"
+#include "Platform/SecretFile.h"
+
+#include <QObject>
 
 namespace corvane {
 
-class SecretStore;
-
-/// The program's own secrets: everything under the service "com.nimb.corvane".
-class Keychain {
+/// The program's own secrets: in the desktop's keyring, and in a private file for as long as the keyring does not
+/// take them. The newest value counts, wherever it is, and a removal lasts; both reach the keyring once it answers.
+/// Nothing here waits for the keyring. Main thread only.
+class Keychain : public QObject {
+    Q_OBJECT
 public:
-    explicit Keychain(SecretStore& store)
-        : m_store(store)
-    {
-    }
+    /// Asks the keyring at once, and the user where it is locked. The references outlive the object.
+    Keychain(Keyring& keyring, const QString& filePath, Scheduler& scheduler, QObject* parent = nullptr);
+    ~Keychain() override;
 
-    std::optional<QString> get(const QString& account); ///< white space around the value is trimmed
-    bool set(const QString& value, const QString& account);
+    std::optional<QString> get(const QString& account) const; ///< white space around the value is trimmed
+    bool isAwaited(const QString& account) const; ///< whether only the keyring knows, which has not answered yet
+
+    bool set(const QString& value, const QString& account); ///< false where it is nowhere but in memory
     void remove(const QString& account);
+
+    bool isLocked() const { return m_state == State::Locked; }
+    void unlock(); ///< asks the user again
     QString description() const; ///< where the secrets are, for the settings screen
 
+Q_SIGNALS:
+    void changed(); ///< the keyring answered: what was awaited is known, or why it is not
+
 private:
-    SecretStore& m_store;
+    enum class State { Asking, Answered, Locked, Absent, Failed };
+
+    void ask(Keyring::Unlock unlock);
+    void take(const Keyring::Secrets& secrets, Keyring::Unlock unlock);
+    void fail(Keyring::Failure failure);
+    void setState(State state);
+    void hand(const QString& account, Keyring::Unlock unlock);
+    void handed(const QString& account, const SecretPlace& place, const std::optional<Keyring::Failure>& failure);
+    bool isUnsettled() const;
+    void askLater();
+    bool save();
+
+    Keyring& m_keyring;
+    const SecretFile m_file;
+    Scheduler& m_scheduler;
+    SecretPlaces m_places; ///< newer than the file's while `m_saving` runs
+    Keyring::Secrets m_values; ///< what the keyring holds
+    bool m_isRead = false; ///< `m_values` is all that the keyring holds
+    State m_state = State::Absent;
+    Milliseconds m_pause;
+    std::unique_ptr<Timer> m_asking;
+    std::unique_ptr<Timer> m_saving;
 };
 
 }

@@ -200,9 +200,4 @@ AccountRow accountRow(const Account& account, const RuntimeState& state, const Q
     return row;
 }
 
-bool keepsSecret(Channel channel)
-{
-    return voice(channel) == Voice::Password || (voice(channel) == Voice::Token && channel != Channel::IMessage);
-}
-
 }

@@ -44,7 +44,4 @@ public:
 /// `lastMessage` is the time of the account's newest message in words, empty where there is none.
 AccountRow accountRow(const Account& account, const RuntimeState& state, const QString& lastMessageTime);
 
-/// Whether an account of that channel keeps a secret of its own.
-bool keepsSecret(Channel channel);
-
 }

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/EngineSpec.h"
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 #include "Presentation/DateWords.h"
@@ -123,6 +124,8 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
     if (!account)
         return;
     if (actionId == QLatin1StringView("start")) {
+        if (m_at.keychain.isAwaited(account->slug))
+            m_at.keychain.unlock();
         m_at.engine.resume(*account);
     } else if (actionId == QLatin1StringView("pause")) {
         m_at.engine.stop(*account);

@@ -13,12 +13,13 @@ const QString notifyKey = QStringLiteral("notifyOnNewMessage");
 
 }
 
-SystemSettings::SystemSettings(UserDefaults& defaults, const Keychain& keychain, const AppPaths& paths, QObject* parent)
+SystemSettings::SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
     , m_keychain(keychain)
     , m_paths(paths)
 {
+    connect(&m_keychain, &Keychain::changed, this, &SystemSettings::changed);
 }
 
 bool SystemSettings::notifyOnNewMessage() const
@@ -50,6 +51,16 @@ void SystemSettings::setReturnSends(bool on)
 QString SystemSettings::secretsPlace() const
 {
     return m_keychain.description();
+}
+
+bool SystemSettings::canUnlock() const
+{
+    return m_keychain.isLocked();
+}
+
+void SystemSettings::unlock()
+{
+    m_keychain.unlock();
 }
 
 QString SystemSettings::dataFolder() const

@@ -18,10 +18,11 @@ class SystemSettings : public QObject {
     Q_PROPERTY(bool returnSends READ returnSends WRITE setReturnSends NOTIFY changed)
     Q_PROPERTY(QString returnSendsLabel READ returnSendsLabel CONSTANT)
     Q_PROPERTY(QString returnSendsHint READ returnSendsHint CONSTANT)
-    Q_PROPERTY(QString secretsPlace READ secretsPlace CONSTANT)
+    Q_PROPERTY(QString secretsPlace READ secretsPlace NOTIFY changed)
+    Q_PROPERTY(bool canUnlock READ canUnlock NOTIFY changed)
     Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
 public:
-    SystemSettings(UserDefaults& defaults, const Keychain& keychain, const AppPaths& paths, QObject* parent = nullptr);
+    SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, QObject* parent = nullptr);
 
     bool notifyOnNewMessage() const; ///< a missing setting counts as on
     void setNotifyOnNewMessage(bool on);
@@ -35,6 +36,8 @@ public:
         return QStringLiteral("Shift+Return begins a new line. Ctrl+Return sends either way.");
     }
     QString secretsPlace() const; ///< such as "the desktop's keyring"
+    bool canUnlock() const; ///< whether the keyring is locked
+    Q_INVOKABLE void unlock();
     QString dataFolder() const;
 
 Q_SIGNALS:
@@ -42,7 +45,7 @@ Q_SIGNALS:
 
 private:
     UserDefaults& m_defaults;
-    const Keychain& m_keychain;
+    Keychain& m_keychain;
     const AppPaths& m_paths;
 };
 

@@ -32,7 +32,8 @@ void ContentView::continueWithoutSigningIn()
 
 void ContentView::decide()
 {
-    const bool showsWall = !m_session.signedIn() && !m_defaults.boolean(continuedKey).value_or(false);
+    const bool showsWall
+        = !m_session.signedIn() && !m_session.isAwaited() && !m_defaults.boolean(continuedKey).value_or(false);
     if (showsWall == m_showsWall)
         return;
     m_showsWall = showsWall;

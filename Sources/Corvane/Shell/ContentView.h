@@ -15,7 +15,8 @@ class ContentView : public QObject {
 public:
     ContentView(SessionStore& session, UserDefaults& defaults, QObject* parent = nullptr);
 
-    /// False with a token of any kind, and after `continueWithoutSigningIn`.
+    /// False with a token of any kind, while the keyring has not said whether there is one, and after
+    /// `continueWithoutSigningIn`.
     bool showsWall() const { return m_showsWall; }
     QString title() const { return QStringLiteral("Corvane"); } ///< the window's
 

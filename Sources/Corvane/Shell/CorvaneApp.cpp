@@ -17,7 +17,6 @@
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
-#include "Platform/SecretStore.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Store/Core/LocalDB.h"
@@ -51,7 +50,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     , m_scheduler(scheduler)
     , m_machine(std::move(machine))
     , m_defaults(paths.defaultsFile)
-    , m_keychain(*m_machine.secrets)
+    , m_keychain(*m_machine.keyring, paths.secretsFile(), scheduler)
     , m_contacts(std::make_unique<ContactsBridge>(*m_machine.addressBook, m_background, m_defaults))
     , m_notifier(std::make_unique<Notifier>(
           *m_machine.notifications, m_notifications, m_defaults, m_scheduler, [this] { Q_EMIT windowRequested(); }))

@@ -29,7 +29,6 @@ class NotificationService;
 class Notifier;
 class PortHolders;
 class ProcessLauncher;
-class SecretStore;
 class SessionStore;
 class SystemLanguageModel;
 class ToolRunner;
@@ -45,7 +44,7 @@ struct Machine {
 
     std::unique_ptr<ProcessLauncher> launcher;
     std::unique_ptr<PortHolders> ports;
-    std::unique_ptr<SecretStore> secrets;
+    std::unique_ptr<Keyring> keyring;
     std::unique_ptr<NotificationService> notifications;
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<Microphone> microphone;

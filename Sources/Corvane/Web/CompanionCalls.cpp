@@ -31,7 +31,7 @@ QCoro::Task<Result<QString>> login(WebClient* client, QString base, QString emai
 {
     const QUrl url = webUrl(base, QStringLiteral("/api/auth/login"));
     if (!url.isValid())
-        co_return failure(QStringLiteral("Bad API URL"));
+        co_return failure(badUrlWords(base, QStringLiteral("API")));
     const Result<HttpReply> reply
         = co_await client->post(url, { { QStringLiteral("email"), email }, { QStringLiteral("password"), password } });
     if (!reply)
@@ -58,7 +58,7 @@ QCoro::Task<Result<QString>> handshake(WebClient* client, QString base, QString 
 {
     const QUrl url = companionLoginUrl(base, deviceName);
     if (!url.isValid())
-        co_return failure(QStringLiteral("Bad companion URL"));
+        co_return failure(badUrlWords(base, QStringLiteral("companion")));
     const Result<HttpReply> reply = co_await client->getWithoutRedirect(url, accessToken);
     if (!reply)
         co_return failure(reply.error().message);
@@ -72,7 +72,7 @@ QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base,
 {
     const QUrl url = webUrl(base, QStringLiteral("/api/auth/companion-exchange"));
     if (!url.isValid())
-        co_return failure(QStringLiteral("Bad companion URL"));
+        co_return failure(badUrlWords(base, QStringLiteral("companion")));
     const Result<HttpReply> reply = co_await client->post(
         url, { { QStringLiteral("code"), code }, { QStringLiteral("deviceName"), deviceName } });
     if (!reply)
@@ -98,6 +98,13 @@ QUrl companionLoginUrl(const QString& base, const QString& deviceName)
     if (url.isValid())
         url.setQuery(query);
     return url;
+}
+
+QString badUrlWords(const QString& base, const QString& kind)
+{
+    return QUrl(base).scheme() == QLatin1StringView("http")
+        ? QStringLiteral("The web address is not encrypted. Sign-in needs one that begins with https.")
+        : QStringLiteral("Bad %1 URL").arg(kind);
 }
 
 QString oneTimeCode(const QUrl& url)

@@ -25,6 +25,9 @@ QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base,
 /// Where the browser signs in and the handshake goes; it ends in a redirect to the callback with a code.
 QUrl companionLoginUrl(const QString& base, const QString& deviceName);
 
+/// Why no call can be made to that base.
+QString badUrlWords(const QString& base, const QString& kind);
+
 /// The code that a callback or a redirect carries; empty where it has none.
 QString oneTimeCode(const QUrl& url);
 

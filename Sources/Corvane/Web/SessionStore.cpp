@@ -2,6 +2,7 @@
 
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
+#include "Foundation/MachineWords.h"
 #include "Foundation/Text.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
@@ -18,6 +19,7 @@ namespace corvane {
 namespace {
 
 const QString tokenAccount = QStringLiteral("companion.jwt");
+constexpr qint64 linkMs = 10 * 60 * 1000; // in which the browser comes back
 const QString deviceAccount = QStringLiteral("companion.deviceId");
 
 }
@@ -67,19 +69,36 @@ SessionStore::SessionStore(const AppPaths& paths, Keychain& keychain, UserDefaul
     , m_keychain(keychain)
     , m_defaults(defaults)
     , m_desktop(desktop)
+    , m_scheduler(scheduler)
     , m_client(std::make_unique<WebClient>(scheduler))
 {
-    m_token = m_keychain.get(tokenAccount);
-    if (m_token) {
-        decodeClaims(*m_token);
-        writeTokenFile(*m_token);
-    }
-    m_deviceId = m_keychain.get(deviceAccount);
+    takeUpToken();
+    connect(&m_keychain, &Keychain::changed, this, [this] {
+        takeUpToken();
+        Q_EMIT changed();
+    });
 }
 
 SessionStore::~SessionStore()
 {
     cancelAttempt();
+}
+
+bool SessionStore::isAwaited() const
+{
+    return !m_token && m_keychain.isAwaited(tokenAccount);
+}
+
+void SessionStore::takeUpToken()
+{
+    if (m_token)
+        return;
+    m_token = m_keychain.get(tokenAccount);
+    if (!m_token)
+        return;
+    m_deviceId = m_keychain.get(deviceAccount);
+    decodeClaims(*m_token);
+    writeTokenFile(*m_token);
 }
 
 void SessionStore::setWebRejected(bool rejected)
@@ -98,6 +117,8 @@ QString SessionStore::knownAs() const
 
 QString SessionStore::displayLine() const
 {
+    if (isAwaited())
+        return QStringLiteral("Waiting for the desktop's keyring");
     if (!m_token)
         return QStringLiteral("Not signed in");
     const QString who = knownAs().isEmpty() ? QStringLiteral("Signed in") : knownAs();
@@ -118,10 +139,12 @@ void SessionStore::signIn(const QString& email, const QString& password)
 void SessionStore::startSignIn()
 {
     const QUrl url = companionLoginUrl(baseUrl(), deviceName());
-    m_lastError = url.isValid() ? std::nullopt : std::optional(QStringLiteral("Bad companion URL"));
-    Q_EMIT changed();
-    if (url.isValid())
+    m_lastError = url.isValid() ? std::nullopt : std::optional(badUrlWords(baseUrl(), QStringLiteral("companion")));
+    if (url.isValid()) {
+        m_browserOpenedMs = m_scheduler.nowMs();
         m_desktop.openInBrowser(url);
+    }
+    Q_EMIT changed();
 }
 
 void SessionStore::handleCallback(const QUrl& url)
@@ -130,7 +153,35 @@ void SessionStore::handleCallback(const QUrl& url)
     if (url.scheme() != QLatin1StringView("nimb-companion") || url.host() != QLatin1StringView("auth")
         || code.isEmpty())
         return;
+    const bool wanted = m_browserOpenedMs && m_scheduler.nowMs() - *m_browserOpenedMs <= linkMs;
+    if (wanted && !m_busy) {
+        m_browserOpenedMs.reset();
+        Flow::finish({ this, beginAttempt() }, code);
+        return;
+    }
+    log(QStringLiteral("SessionStore: a sign-in link that was not asked for waits for the user"));
+    m_offeredCode = code;
+    Q_EMIT changed();
+}
+
+void SessionStore::acceptLink()
+{
+    if (m_busy || !asksAboutLink())
+        return;
+    const QString code = std::exchange(m_offeredCode, {});
     Flow::finish({ this, beginAttempt() }, code);
+}
+
+void SessionStore::ignoreLink()
+{
+    m_offeredCode.clear();
+    Q_EMIT changed();
+}
+
+void SessionStore::forgetError()
+{
+    m_lastError.reset();
+    Q_EMIT changed();
 }
 
 void SessionStore::setAuth(const QString& token, const QString& deviceId)
@@ -151,6 +202,8 @@ void SessionStore::signOut()
     m_deviceId.reset();
     m_claims = {};
     m_webRejected = false;
+    m_browserOpenedMs.reset();
+    m_offeredCode.clear();
     m_keychain.remove(tokenAccount);
     m_keychain.remove(deviceAccount);
     QFile::remove(tokenFilePath());
@@ -222,7 +275,7 @@ QString SessionStore::baseUrl() const
 QString SessionStore::deviceName() const
 {
     const QString name = m_desktop.hostName();
-    return name.isEmpty() ? QStringLiteral("Mac") : name;
+    return name.isEmpty() ? atStart(machineWords::thisMachine) : name;
 }
 
 }

@@ -25,7 +25,8 @@ class SessionStore : public QObject {
     Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
 public:
-    /// All references outlive the store. A token that is already kept is taken up at once.
+    /// All references outlive the store. A token that is already kept is taken up at once, or
+    /// when the keyring answers.
     SessionStore(const AppPaths& paths, Keychain& keychain, UserDefaults& defaults, Desktop& desktop,
         Scheduler& scheduler, QObject* parent = nullptr);
     ~SessionStore() override;
@@ -38,6 +39,7 @@ public:
     const std::optional<QString>& organizationId() const { return m_claims.organizationId; }
     const std::optional<QString>& lastError() const { return m_lastError; }
     bool signedIn() const { return m_token.has_value(); }
+    bool isAwaited() const; ///< whether only the keyring knows, which has not answered yet
     bool busy() const { return m_busy; }
     bool webRejected() const { return m_webRejected; }
     void setWebRejected(bool rejected);
@@ -47,7 +49,15 @@ public:
 
     void signIn(const QString& email, const QString& password);
     Q_INVOKABLE void startSignIn(); ///< opens the browser
-    void handleCallback(const QUrl& url); ///< "nimb-companion://auth?code=..."; anything else is ignored
+
+    /// "nimb-companion://auth?code=..."; anything else is ignored. A link signs in at once within ten minutes after
+    /// `startSignIn` and while no sign-in runs. Any other waits for the user's word.
+    void handleCallback(const QUrl& url);
+    bool asksAboutLink() const { return !m_offeredCode.isEmpty(); }
+    void acceptLink(); ///< nothing while a sign-in runs
+    void ignoreLink();
+    void forgetError();
+
     void setAuth(const QString& token, const QString& deviceId);
     Q_INVOKABLE void signOut();
 
@@ -64,6 +74,7 @@ private:
         std::optional<QString> organizationId;
     };
 
+    void takeUpToken();
     QString knownAs() const; ///< the name, else the e-mail, else nothing
     quint64 beginAttempt();
     void cancelAttempt();
@@ -78,11 +89,14 @@ private:
     Keychain& m_keychain;
     UserDefaults& m_defaults;
     Desktop& m_desktop;
+    Scheduler& m_scheduler;
     std::unique_ptr<WebClient> m_client;
     std::optional<QString> m_token;
     std::optional<QString> m_deviceId;
     Claims m_claims;
     std::optional<QString> m_lastError;
+    std::optional<qint64> m_browserOpenedMs; ///< for a sign-in that has not come back
+    QString m_offeredCode; ///< of a link that nobody here asked for
     quint64 m_attempt = 0; ///< the newest sign-in; what an older one brings home is dropped
     bool m_busy = false;
     bool m_webRejected = false;

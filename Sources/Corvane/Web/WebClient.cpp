@@ -3,6 +3,7 @@
 #include "Foundation/Json.h"
 #include "Foundation/Scheduler.h"
 
+#include <QHostAddress>
 #include <QNetworkReply>
 #include <QPointer>
 
@@ -18,6 +19,11 @@ QNetworkRequest request(const QUrl& url, QNetworkRequest::RedirectPolicy redirec
     result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, redirects);
     makePlain(result);
     return result;
+}
+
+bool isLoopback(const QString& host)
+{
+    return host == QLatin1StringView("localhost") || QHostAddress(host).isLoopback();
 }
 
 }
@@ -61,8 +67,9 @@ QUrl webUrl(const QString& base, const QString& path)
     while (stem.endsWith(u'/'))
         stem.chop(1);
     const QUrl url(stem + path, QUrl::StrictMode);
-    const bool absolute = url.scheme() == QLatin1StringView("http") || url.scheme() == QLatin1StringView("https");
-    return absolute && !url.host().isEmpty() ? url : QUrl();
+    const bool safe = url.scheme() == QLatin1StringView("https")
+        || (url.scheme() == QLatin1StringView("http") && isLoopback(url.host()));
+    return safe && !url.host().isEmpty() ? url : QUrl();
 }
 
 }

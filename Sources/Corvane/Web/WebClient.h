@@ -30,7 +30,7 @@ private:
     QNetworkAccessManager m_network;
 };
 
-/// {base}{path}; an invalid URL unless the base is an absolute http or https one.
+/// {base}{path}; an invalid URL unless the base is an absolute https one, or http on this machine.
 QUrl webUrl(const QString& base, const QString& path);
 
 }

@@ -62,6 +62,13 @@ Column {
         SettingRow {
             label: qsTr("Passwords and tokens")
             hint: section.system.secretsPlace
+            Button {
+                objectName: "system.unlock"
+                visible: section.system.canUnlock
+                text: qsTr("Unlock…")
+                icon.name: "lock"
+                onClicked: section.system.unlock()
+            }
         }
         SettingRow {
             label: qsTr("Data folder")

@@ -1,0 +1,144 @@
+#include "Platform/Keychain.h"
+#include "Support/FakeKeyring.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace corvane;
+
+namespace {
+
+using Failure = Keyring::Failure;
+using Where = SecretPlace::Where;
+
+const QString file = "share/Corvane/secrets/secrets.json";
+
+mode_t modeOf(const QString& path)
+{
+    struct stat status {};
+    ::stat(qPrintable(path), &status);
+    return status.st_mode & 07777;
+}
+
+class KeychainTest : public testing::Test {
+protected:
+    KeychainTest() { open(); }
+    void open()
+    {
+        keychain.reset();
+        keychain = std::make_unique<Keychain>(keyring, home.path(file), clock);
+    }
+    QString value() const { return keychain->get("ann").value_or("none"); }
+    SecretPlaces places() const { return SecretFile(home.path(file)).read(); }
+
+    TemporaryHome home;
+    VirtualScheduler clock;
+    FakeKeyring keyring;
+    std::unique_ptr<Keychain> keychain;
+};
+
+}
+
+TEST_F(KeychainTest, whatChangesWhileTheKeyringIsAwayCountsAndReachesItLater)
+{
+    keychain->set("first", "ann");
+    keychain->set("other", "bob");
+    EXPECT_EQ(keyring.values, (Keyring::Secrets { { "ann", "first" }, { "bob", "other" } }));
+    for (const Failure failure : { Failure::Absent, Failure::Locked, Failure::Failed }) {
+        keyring.failure = failure;
+        open();
+        EXPECT_TRUE(keychain->isAwaited("ann")) << "it is known to be in the keyring";
+        EXPECT_EQ(keychain->isAwaited("unknown"), failure != Failure::Absent);
+        EXPECT_EQ(keychain->isLocked(), failure == Failure::Locked);
+        keychain->set("second", "ann");
+        keychain->remove("bob");
+        EXPECT_FALSE(keychain->isAwaited("ann"));
+        open();
+        EXPECT_EQ(value(), "second") << "also at the next start";
+        EXPECT_FALSE(keychain->isAwaited("bob")) << "it is removed, whatever the keyring holds";
+
+        int changes = 0;
+        QObject::connect(keychain.get(), &Keychain::changed, keychain.get(), [&] { ++changes; });
+        keyring.failure.reset();
+        const int asked = keyring.asked;
+        clock.advance(seconds(60));
+        EXPECT_EQ(keyring.values, (Keyring::Secrets { { "ann", "second" } }));
+        EXPECT_EQ(keyring.asked, asked) << "the user is not asked by the clock";
+        EXPECT_GE(changes, 1);
+        EXPECT_EQ(clock.pendingTimers(), 0) << "there is nothing left to ask for";
+        EXPECT_EQ(places(), (SecretPlaces { { "ann", { Where::Keyring, {} } } }));
+        keychain->set("first", "ann");
+        keychain->set("other", "bob");
+    }
+}
+
+TEST_F(KeychainTest, aValueThatTheKeyringTakesTooLongForIsInTheFileUntilThen)
+{
+    keyring.silent = true;
+    EXPECT_TRUE(keychain->set("old", "ann"));
+    EXPECT_TRUE(keychain->set("new", "ann"));
+    EXPECT_EQ(value(), "new");
+    EXPECT_TRUE(places().isEmpty()) << "the keyring has a moment";
+    clock.advance(seconds(2));
+    EXPECT_EQ(places().value("ann"), (SecretPlace { Where::File, "new" }));
+    keyring.speak();
+    EXPECT_EQ(keyring.values.value("ann"), "new");
+    EXPECT_EQ(places().value("ann").where, Where::Keyring);
+
+    keyring.silent = true;
+    keychain->set("typed just before the end", "ann");
+    keychain.reset();
+    EXPECT_EQ(places().value("ann").value, "typed just before the end");
+    keyring.speak();
+}
+
+TEST_F(KeychainTest, aSecretThatSomebodyTookOutOfTheKeyringIsMissedRatherThanAwaited)
+{
+    keychain->set("first", "ann");
+    keyring.values.clear();
+    open();
+    EXPECT_EQ(value(), "none");
+    EXPECT_FALSE(keychain->isAwaited("ann"));
+    EXPECT_TRUE(places().isEmpty());
+}
+
+TEST(SecretFile, isReadByItsOwnerAloneAndNeverWhereItIsNotToBeTrusted)
+{
+    const TemporaryHome home;
+    const SecretFile secrets(home.path(file));
+    const SecretPlaces places { { "ann", { Where::File, "{\"x\":\"ü\"}\n" } }, { "bob", { Where::Keyring, {} } },
+        { "gone", {} } };
+    const mode_t before = ::umask(0);
+    EXPECT_TRUE(secrets.write(places));
+    ::umask(before);
+    EXPECT_EQ(secrets.read(), places);
+    EXPECT_EQ(modeOf(home.path(file)), 0600U);
+    EXPECT_EQ(modeOf(home.path("share/Corvane/secrets")), 0700U);
+    ::chmod(qPrintable(home.path(file)), 0644);
+    EXPECT_EQ(secrets.read(), places);
+    EXPECT_EQ(modeOf(home.path(file)), 0600U) << "a restored backup is shut to others again";
+
+    home.write(file, "{\"com.nimb.corvane\":{\"bob\":\"torn");
+    EXPECT_TRUE(secrets.read().isEmpty());
+    EXPECT_TRUE(secrets.write(places));
+    EXPECT_EQ(home.read(file + ".damaged"), "{\"com.nimb.corvane\":{\"bob\":\"torn");
+    ::chmod(qPrintable(home.path(file)), 0666);
+    EXPECT_TRUE(secrets.read().isEmpty()) << "anyone could have written it";
+
+    home.write("elsewhere", R"({"com.nimb.corvane":{"bob":"planted"}})");
+    QFile::remove(home.path(file));
+    ASSERT_EQ(::symlink(qPrintable(home.path("elsewhere")), qPrintable(home.path(file))), 0);
+    EXPECT_TRUE(secrets.read().isEmpty());
+    EXPECT_TRUE(secrets.write(places));
+    EXPECT_EQ(home.read("elsewhere"), R"({"com.nimb.corvane":{"bob":"planted"}})");
+
+    QFile::remove(home.path(file));
+    ASSERT_EQ(::mkfifo(qPrintable(home.path(file)), 0600), 0);
+    EXPECT_TRUE(secrets.read().isEmpty());
+    EXPECT_FALSE(secrets.write(places)) << "what cannot be kept is left alone";
+}

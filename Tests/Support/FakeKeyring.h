@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Platform/Keyring.h"
+
+#include <QList>
+#include <utility>
+
+namespace corvane {
+
+/// A keyring in memory. It answers at once, unless it is `silent`; with a failure it does nothing but fail.
+class FakeKeyring final : public Keyring {
+public:
+    void readAll(Unlock unlock, Read read) override
+    {
+        answer([this, unlock, read = std::move(read)] {
+            asked += unlock == Unlock::Ask ? 1 : 0;
+            failure ? read(std::unexpected(*failure)) : read(values);
+        });
+    }
+    void write(const QString& account, const QString& value, Unlock, Done done) override
+    {
+        answer([this, account, value, done = std::move(done)] {
+            if (!failure)
+                values.insert(account, value);
+            done(failure);
+        });
+    }
+    void erase(const QString& account, Unlock, Done done) override
+    {
+        answer([this, account, done = std::move(done)] {
+            if (!failure)
+                values.remove(account);
+            done(failure);
+        });
+    }
+
+    /// Ends the silence.
+    void speak()
+    {
+        silent = false;
+        const auto calls = std::exchange(m_waiting, {});
+        for (const auto& call : calls)
+            call();
+    }
+
+    Secrets values;
+    std::optional<Failure> failure;
+    bool silent = false;
+    int asked = 0; ///< how often the user was asked to unlock it
+
+private:
+    void answer(std::function<void()> call) { silent ? m_waiting.append(std::move(call)) : call(); }
+
+    QList<std::function<void()>> m_waiting;
+};
+
+}
