@@ -5,13 +5,13 @@
 #include "Platform/ApplicationId.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
+#include "Platform/Keyring.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/PrivateFile.h"
-#include "Platform/Keyring.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/SystemLanguageModel.h"
@@ -20,6 +20,7 @@
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
+#include "Shell/StoreRecovery.h"
 #include "Shell/VerifyCommand.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
@@ -105,6 +106,10 @@ int main(int argc, char** argv)
     parser.addOption({ QStringLiteral("headless"), QStringLiteral("Run everything but the window.") });
     parser.addOption({ QStringLiteral("start-all"),
         QStringLiteral("Start the engine of every account, not only those that start by themselves.") });
+    parser.addOption({ QStringLiteral("recover"),
+        QStringLiteral("What takes the place of a damaged database that was moved aside: what can be saved of it, the "
+                       "latest backup, or an empty one."),
+        QStringLiteral("save|backup|new") });
     parser.addPositionalArgument(QStringLiteral("url"),
         QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
                        "decisions and ends."),
@@ -147,6 +152,8 @@ int main(int argc, char** argv)
         QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
         window->show();
     }
+    if (parser.isSet(QStringLiteral("recover")))
+        app.recovery().choose(parser.value(QStringLiteral("recover")));
     if (parser.isSet(QStringLiteral("start-all")))
         app.startAllEngines();
     if (!parser.positionalArguments().isEmpty())

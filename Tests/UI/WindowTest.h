@@ -72,8 +72,9 @@ protected:
     TranslationService translations { lumo.machine };
     CallRecorder calls { engines.db() };
     ApprovalsStore approvals { centre, notifier, clock };
+    StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations } };
+        desktop, microphone, player, home.paths(), services, translations, recovery } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

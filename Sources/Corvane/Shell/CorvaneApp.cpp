@@ -8,6 +8,7 @@
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Log.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
@@ -19,7 +20,10 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
+#include "Shell/Notices.h"
+#include "Shell/StoreRecovery.h"
 #include "Store/Core/LocalDB.h"
+#include "Store/Core/StoreHealth.h"
 #include "Store/Core/Workspaces.h"
 #include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
@@ -72,15 +76,18 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
+    m_recovery = std::make_unique<StoreRecovery>(
+        StoreRecovery::Surroundings { *m_engine, *m_store, m_background, m_scheduler, m_paths });
     setUpTray();
+    watchStore();
 }
 
 CorvaneApp::~CorvaneApp() = default;
 
 void CorvaneApp::onAppear()
 {
-    if (isQuitting())
-        return;
+    if (isQuitting() || m_recovery->needed())
+        return; // with a damaged database it runs once there is another
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->startDraftWatch();
     m_engine->startAIRequestWatch(m_ai->ai);
@@ -99,6 +106,8 @@ void CorvaneApp::onAppear()
 
 void CorvaneApp::startAllEngines()
 {
+    if (m_recovery->needed())
+        return;
     for (const Account& account : m_store->accounts()) {
         if (!isPaused(account))
             m_engine->start(account);
@@ -138,10 +147,7 @@ void CorvaneApp::setUpTray()
     Tray* const tray = m_machine.tray.get();
     if (!tray)
         return;
-    tray->setMenu({ { QStringLiteral("open"), QStringLiteral("Open Corvane") },
-        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
-        { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
-        { QStringLiteral("quit"), QStringLiteral("Quit") } });
+    updateTrayMenu();
     connect(tray, &Tray::activated, this, [this](const QPoint& at) {
         if (!isQuitting())
             Q_EMIT panelRequested(at);
@@ -163,6 +169,43 @@ void CorvaneApp::setUpTray()
         [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
     connect(m_approvals.get(), &ApprovalsStore::changed, tray,
         [this, tray] { tray->setWaiting(waitingForDecision(*m_approvals)); });
+}
+
+QString CorvaneApp::storeTrouble() const
+{
+    return m_recovery->needed() ? m_recovery->title() + QStringLiteral(". ") + m_recovery->explanation()
+                                : storeFaultText(m_engine->db().health().fault(), m_paths);
+}
+
+/// What is wrong with the database stands first, as short as a menu needs it.
+void CorvaneApp::updateTrayMenu()
+{
+    if (!m_machine.tray)
+        return;
+    QList<Tray::Item> items { { QStringLiteral("open"), QStringLiteral("Open Corvane") },
+        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
+        { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
+        { QStringLiteral("quit"), QStringLiteral("Quit") } };
+    if (const QString trouble = storeTrouble(); !trouble.isEmpty())
+        items = QList<Tray::Item> { { QStringLiteral("trouble"), trouble.section(QStringLiteral(". "), 0, 0) }, {} }
+            + items;
+    m_machine.tray->setMenu(items);
+}
+
+void CorvaneApp::watchStore()
+{
+    const auto tell = [this] {
+        updateTrayMenu();
+        const QString trouble = storeTrouble();
+        if (trouble == m_told)
+            return;
+        m_told = trouble;
+        log(trouble.isEmpty() ? QStringLiteral("The database takes what is written again.") : trouble);
+    };
+    connect(&m_engine->db().health(), &StoreHealth::changed, this, tell);
+    connect(m_recovery.get(), &StoreRecovery::changed, this, tell);
+    connect(m_recovery.get(), &StoreRecovery::recovered, this, &CorvaneApp::onAppear);
+    tell();
 }
 
 }

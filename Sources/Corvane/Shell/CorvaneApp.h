@@ -30,6 +30,7 @@ class Notifier;
 class PortHolders;
 class ProcessLauncher;
 class SessionStore;
+class StoreRecovery;
 class SystemLanguageModel;
 class ToolRunner;
 class TranslationService;
@@ -72,6 +73,7 @@ public:
     AIServices& ai() { return *m_ai; }
     TranslationService& translations() { return *m_translations; }
     SessionStore& session() { return *m_session; }
+    StoreRecovery& recovery() { return *m_recovery; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
     Keychain& keychain() { return m_keychain; }
@@ -87,6 +89,9 @@ public:
 
     /// Starts the engine of every account that is not paused, whatever its channel.
     void startAllEngines();
+
+    /// What is wrong with the database and what to do; empty where nothing is.
+    QString storeTrouble() const;
 
     /// What a later start of the program was given: a sign-in's URL, or nothing but the wish to be shown.
     void open(const QStringList& arguments);
@@ -108,6 +113,8 @@ Q_SIGNALS:
 
 private:
     void setUpTray();
+    void updateTrayMenu();
+    void watchStore();
 
     const AppPaths m_paths;
     Scheduler& m_scheduler;
@@ -126,6 +133,8 @@ private:
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;
+    std::unique_ptr<StoreRecovery> m_recovery;
+    QString m_told; ///< of what is wrong with the database
     std::unique_ptr<Timer> m_quitLimit; ///< while it quits
 };
 

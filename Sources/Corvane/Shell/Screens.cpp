@@ -2,6 +2,7 @@
 
 #include "Engines/EngineManager.h"
 #include "Shell/CorvaneApp.h"
+#include "Store/Core/LocalDB.h"
 #include "Web/SessionStore.h"
 
 namespace corvane {
@@ -10,6 +11,8 @@ Screens::Screens(const Surroundings& at)
     : appearance(at.desktop, at.defaults)
     , content(at.session, at.defaults)
     , wall(at.session, content)
+    , notices({ at.engine.db().health(), at.keychain, at.session, at.accounts, content, at.paths })
+    , recovery(at.recovery)
     , shell(at.notifications, at.defaults)
     , profile(at.session, shell, at.engine.db(), at.notifications)
     , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
@@ -32,7 +35,7 @@ Screens::Screens(const Surroundings& at)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.tray() })
+          app.translations(), app.recovery(), app.tray() })
 {
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
 }

@@ -10,7 +10,9 @@
 #include "Shell/ClosingNotice.h"
 #include "Shell/ContentView.h"
 #include "Shell/LoginWallView.h"
+#include "Shell/Notices.h"
 #include "Shell/ProfileMenu.h"
+#include "Shell/StoreRecovery.h"
 
 namespace corvane {
 
@@ -38,6 +40,7 @@ public:
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;
+        StoreRecovery& recovery;
         const Tray* tray = nullptr;
     };
 
@@ -47,6 +50,8 @@ public:
     Appearance appearance;
     ContentView content;
     LoginWallView wall;
+    Notices notices;
+    StoreRecovery& recovery;
     AppShell shell;
     ProfileMenu profile;
     InboxView inbox;

@@ -59,6 +59,8 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
     std::unique_ptr<QObject> root(component.createWithInitialProperties({
         { u"content"_s, object(screens.content) },
         { u"wall"_s, object(screens.wall) },
+        { u"notices"_s, object(screens.notices) },
+        { u"recovery"_s, object(screens.recovery) },
         { u"shell"_s, object(screens.shell) },
         { u"profile"_s, object(screens.profile) },
         { u"settings"_s, object(screens.settings) },

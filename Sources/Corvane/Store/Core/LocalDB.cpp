@@ -2,6 +2,7 @@
 
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
+#include "Store/Core/DamagedFile.h"
 #include "Store/Core/Schema.h"
 #include "Store/Core/StoreHealth.h"
 
@@ -51,8 +52,15 @@ bool LocalDB::reopen()
     return openFile();
 }
 
+bool LocalDB::makeEmpty(const QString& path) const
+{
+    return LocalDB(path, m_schema, m_scheduler, m_defaults, m_notifications).isOpen();
+}
+
 bool LocalDB::openFile()
 {
+    if (awaitingChoice(path()))
+        return false;
     QDir().mkpath(QFileInfo(path()).path());
     if (!SqlConnection::openFile(Access::ReadWrite))
         return false;

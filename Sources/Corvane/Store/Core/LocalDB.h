@@ -33,8 +33,12 @@ public:
     /// Lets go of the file, which can then be moved away; until `reopen` every answer is empty.
     void close();
 
-    /// Opens what lies at the path now, as at the start. False where it cannot be opened.
+    /// Opens what lies at the path now, as at the start. False where it cannot be opened, or where a damaged file was
+    /// moved away from there and nothing has been put in its place.
     bool reopen();
+
+    /// Makes a database with the current schema and nothing in it, elsewhere.
+    bool makeEmpty(const QString& path) const;
 
     bool inTransaction() const; ///< false, too, where the database is not open
 

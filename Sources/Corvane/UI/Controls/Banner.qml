@@ -2,17 +2,19 @@ import Corvane
 import QtQuick
 import QtQuick.Layouts
 
-/// One line that needs to be known, with at most one way on. `tone` is "warn", "bad" or "plain".
+/// One line that needs to be known, with at most two ways on. `tone` is "warn", "bad" or "plain".
 Rectangle {
     id: banner
 
     property string text
     property string tone: "plain"
     property string action
+    property string otherAction
     property bool dismissable: false
     readonly property color ink: tone === "warn" ? Theme.warn : tone === "bad" ? Theme.bad : Theme.soft
 
     signal acted
+    signal actedOtherwise
     signal dismissed
 
     implicitHeight: row.implicitHeight + Theme.small * 2
@@ -56,6 +58,13 @@ Rectangle {
             kind: "plain"
             text: banner.action
             onClicked: banner.acted()
+        }
+        Button {
+            visible: banner.otherAction !== ""
+            implicitHeight: 26
+            kind: "quiet"
+            text: banner.otherAction
+            onClicked: banner.actedOtherwise()
         }
         IconButton {
             visible: banner.dismissable

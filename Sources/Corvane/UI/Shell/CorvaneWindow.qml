@@ -9,6 +9,8 @@ T.ApplicationWindow {
 
     required property QtObject content
     required property QtObject wall
+    required property QtObject notices
+    required property QtObject recovery
     required property QtObject shell
     required property QtObject profile
     required property QtObject settings
@@ -70,11 +72,21 @@ T.ApplicationWindow {
     Binding { target: Theme; property: "dark"; value: window.appearance.dark }
     Binding { target: Theme; property: "reducedMotion"; value: window.appearance.reducedMotion }
 
+    NoticeBar {
+        id: noticeBar
+        width: parent.width
+        notices: window.notices
+    }
     Loader {
         anchors.fill: parent
+        anchors.topMargin: noticeBar.height
         focus: true
-        sourceComponent: window.content.showsWall ? gate : frame
+        sourceComponent: window.recovery.needed ? recoveryPage : window.content.showsWall ? gate : frame
         onLoaded: item.forceActiveFocus()
+    }
+    Component {
+        id: recoveryPage
+        RecoveryPage { recovery: window.recovery }
     }
     Component {
         id: gate

@@ -1,0 +1,103 @@
+#include "Shell/Notices.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineSpec.h"
+#include "Platform/AppPaths.h"
+#include "Platform/Keychain.h"
+#include "Shell/ContentView.h"
+#include "Store/Core/StoreHealth.h"
+#include "Web/SessionStore.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+QVariantMap action(const char* id, const QString& label)
+{
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label } };
+}
+
+QVariantMap notice(const char* id, const char* tone, const QString& text, const QVariantList& actions = {})
+{
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("tone"), QString::fromLatin1(tone) },
+        { QStringLiteral("text"), text }, { QStringLiteral("actions"), actions } };
+}
+
+}
+
+QString storeFaultText(StoreFault fault, const AppPaths& paths)
+{
+    const QString waits = QStringLiteral(" New messages wait until then, and nothing is lost.");
+    switch (fault) {
+    case StoreFault::None:
+    case StoreFault::Damaged:
+    case StoreFault::NotADatabase:
+        return {};
+    case StoreFault::Full:
+        return QStringLiteral("The disk is full. Make room on the disk that holds %1.").arg(paths.applicationSupport)
+            + waits;
+    case StoreFault::ReadOnly:
+        return QStringLiteral("The database is read-only. Make %1 and its folder writable for you.")
+                   .arg(paths.database())
+            + waits;
+    case StoreFault::InputOutput:
+        return QStringLiteral("The disk does not take what is written to %1. Check that it is connected and sound.")
+                   .arg(paths.applicationSupport)
+            + waits;
+    }
+    Q_UNREACHABLE();
+}
+
+Notices::Notices(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_at(surroundings)
+{
+    connect(&m_at.health, &StoreHealth::changed, this, &Notices::changed);
+    connect(&m_at.keychain, &Keychain::changed, this, &Notices::changed);
+    connect(&m_at.session, &SessionStore::changed, this, &Notices::changed);
+    connect(&m_at.accounts, &AccountStore::accountsChanged, this, &Notices::changed);
+    connect(&m_at.content, &ContentView::showsWallChanged, this, &Notices::changed);
+}
+
+QVariantList Notices::items() const
+{
+    QVariantList items;
+    if (const QString text = storeFaultText(m_at.health.fault(), m_at.paths); !text.isEmpty())
+        items.append(notice("store", "bad", text));
+    if (m_at.session.asksAboutLink())
+        items.append(notice("link", "warn",
+            m_at.session.signedIn()
+                ? QStringLiteral("Sign in as someone else? A sign-in link was opened that was not asked for here.")
+                : QStringLiteral("Sign in? A sign-in link was opened that was not asked for here."),
+            { action("accept", QStringLiteral("Sign in")), action("ignore", QStringLiteral("Ignore")) }));
+    // The wall shows it itself.
+    if (!m_at.session.lastErrorText().isEmpty() && !m_at.content.showsWall())
+        items.append(notice("signIn", "bad", QStringLiteral("Sign-in failed: ") + m_at.session.lastErrorText(),
+            { action("again", QStringLiteral("Try again")), action("dismiss", QStringLiteral("Dismiss")) }));
+    if (accountsWait())
+        items.append(notice("keyring", "warn",
+            QStringLiteral("The desktop's keyring is locked. Accounts wait for their passwords."),
+            { action("unlock", QStringLiteral("Unlock…")) }));
+    return items;
+}
+
+void Notices::perform(const QString& id, const QString& action)
+{
+    if (id == QLatin1StringView("link"))
+        action == QLatin1StringView("accept") ? m_at.session.acceptLink() : m_at.session.ignoreLink();
+    else if (id == QLatin1StringView("signIn"))
+        action == QLatin1StringView("again") ? m_at.session.startSignIn() : m_at.session.forgetError();
+    else if (id == QLatin1StringView("keyring"))
+        m_at.keychain.unlock();
+}
+
+bool Notices::accountsWait() const
+{
+    return m_at.keychain.isLocked() && std::ranges::any_of(m_at.accounts.accounts(), [this](const Account& account) {
+        return keepsSecret(account.channel()) && m_at.keychain.isAwaited(account.slug);
+    });
+}
+
+}

@@ -1,0 +1,231 @@
+#include "Shell/StoreRecovery.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/Log.h"
+#include "Foundation/NotificationCentre.h"
+#include "Platform/AppPaths.h"
+#include "Store/Core/DamagedFile.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/Salvage.h"
+#include "Store/Core/StoreHealth.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds enginesTime { 5'000 }; // until an engine that was told to end is gone
+constexpr Milliseconds lookAgain { 200 };
+
+QVariantMap choice(const char* id, const QString& label, const QString& hint)
+{
+    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
+        { QStringLiteral("hint"), hint } };
+}
+
+}
+
+StoreRecovery::StoreRecovery(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_at(surroundings)
+{
+    connect(&m_at.engine.db().health(), &StoreHealth::changed, this, &StoreRecovery::notice);
+    if (const auto aside = awaitingChoice(m_at.paths.database())) {
+        m_aside = *aside;
+        m_step = Step::Choosing;
+    }
+}
+
+StoreRecovery::~StoreRecovery()
+{
+    if (m_progress)
+        m_progress->stopped = true;
+}
+
+QString StoreRecovery::explanation() const
+{
+    const QString kept = QStringLiteral("Engines are stopped, nothing is written, and new messages wait. ");
+    switch (m_step) {
+    case Step::None:
+        return {};
+    case Step::Stopping:
+        return QStringLiteral("Its content contradicts itself, so it must not be used. The engines are being stopped.");
+    case Step::Stuck:
+        return kept
+            + QStringLiteral("The damaged file could not be moved out of the way. Check that its folder can be "
+                             "written: %1")
+                  .arg(m_at.paths.applicationSupport);
+    case Step::Choosing:
+    case Step::Copying:
+        return kept + QStringLiteral("The damaged file was moved and stays as it is: %1").arg(m_aside);
+    }
+    Q_UNREACHABLE();
+}
+
+QVariantList StoreRecovery::choices() const
+{
+    if (m_step == Step::Stuck)
+        return { choice("retry", QStringLiteral("Try again"), {}) };
+    if (m_step != Step::Choosing)
+        return {};
+    QVariantList offered { choice("save", QStringLiteral("Save what can be read"),
+        QStringLiteral("Copies every row that can still be read into a new database.")) };
+    if (const auto backup = latestBackup()) {
+        const QDateTime made = QFileInfo(*backup).lastModified();
+        offered.append(choice("backup", QStringLiteral("Use the latest backup"),
+            QStringLiteral("Made on %1. What came later is not in it.")
+                .arg(QLocale().toString(made, QLocale::ShortFormat))));
+    }
+    offered.append(choice("new", QStringLiteral("Start with an empty database"),
+        QStringLiteral("Accounts stay connected and fetch what they can again.")));
+    return offered;
+}
+
+QString StoreRecovery::progressText() const
+{
+    if (!m_progress || m_progress->allTables == 0)
+        return QStringLiteral("Reading the damaged file…");
+    return QStringLiteral("Table %1 of %2, %3 rows saved")
+        .arg(m_progress->tables.load())
+        .arg(m_progress->allTables.load())
+        .arg(QLocale().toString(m_progress->rows.load()));
+}
+
+double StoreRecovery::progress() const
+{
+    return m_progress && m_progress->allTables > 0 ? double(m_progress->tables) / m_progress->allTables : 0;
+}
+
+void StoreRecovery::choose(const QString& id)
+{
+    if (m_step == Step::Stuck && id == QLatin1StringView("retry"))
+        return setAside();
+    if (m_step != Step::Choosing)
+        return;
+    if (id == QLatin1StringView("save"))
+        copy(m_aside, Source::Damaged);
+    else if (id == QLatin1StringView("backup") && latestBackup())
+        copy(*latestBackup(), Source::Backup);
+    else if (id == QLatin1StringView("new") && makeEmpty())
+        putInPlace();
+}
+
+void StoreRecovery::notice()
+{
+    const StoreFault fault = m_at.engine.db().health().fault();
+    if (m_step == Step::None && (fault == StoreFault::Damaged || fault == StoreFault::NotADatabase))
+        stopEngines();
+}
+
+void StoreRecovery::stopEngines()
+{
+    for (const Account& account : m_at.accounts.accounts()) {
+        const WAStatus status = m_at.engine.runtime(account.id).status;
+        if (!m_at.engine.isRunning(account) && status != WAStatus::Connecting && status != WAStatus::Starting)
+            continue;
+        m_stopped.append(account.slug);
+        m_at.engine.stop(account);
+    }
+    const bool served = m_at.engine.mcpRunning();
+    m_at.engine.stopUnifiedMCP();
+    if (m_stopped.isEmpty() && !served)
+        return setAside();
+    set(Step::Stopping);
+    m_timer = m_at.scheduler.after(enginesTime, [this] {
+        const auto fired = std::move(m_timer);
+        setAside();
+    });
+}
+
+void StoreRecovery::setAside()
+{
+    m_at.engine.db().close();
+    const auto aside = moveAside(m_at.paths.database());
+    if (!aside)
+        return set(Step::Stuck);
+    m_aside = *aside;
+    set(Step::Choosing);
+}
+
+void StoreRecovery::copy(const QString& from, Source source)
+{
+    if (!makeEmpty())
+        return;
+    m_progress = std::make_shared<SalvageProgress>();
+    set(Step::Copying);
+    m_timer = m_at.scheduler.every(lookAgain, [this] { Q_EMIT progressed(); });
+    m_at.background.run<Result<Salvaged>>(
+        [from, to = newFile(), source, progress = m_progress]() -> Result<Salvaged> {
+            if (source == Source::Damaged)
+                return salvage(from, to, *progress);
+            if (!QFile::remove(to) || !QFile::copy(from, to))
+                return failure(QStringLiteral("The backup cannot be copied."));
+            return Salvaged {};
+        },
+        [self = QPointer(this)](const Result<Salvaged>& result) {
+            if (!self)
+                return;
+            self->m_timer.reset();
+            if (!result) {
+                QFile::remove(self->newFile());
+                return self->set(Step::Choosing, result.error().message);
+            }
+            log(QStringLiteral("StoreRecovery: %1 rows saved; incomplete: %2")
+                    .arg(QString::number(result->rows), result->tornTables.join(QStringLiteral(", "))));
+            self->putInPlace();
+        });
+}
+
+bool StoreRecovery::makeEmpty()
+{
+    QFile::remove(newFile());
+    if (m_at.engine.db().makeEmpty(newFile()))
+        return true;
+    set(Step::Choosing, QStringLiteral("A new file cannot be made in %1.").arg(m_at.paths.applicationSupport));
+    return false;
+}
+
+void StoreRecovery::putInPlace()
+{
+    if (!QFile::rename(newFile(), m_at.paths.database()))
+        return set(Step::Choosing, QStringLiteral("The new file cannot be put in its place."));
+    if (!m_at.engine.db().reopen())
+        return set(Step::Choosing, QStringLiteral("The new file cannot be opened."));
+    set(Step::None);
+    Q_EMIT recovered();
+    for (const QString& slug : std::exchange(m_stopped, {})) {
+        if (const auto account = m_at.accounts.findBySlug(slug))
+            m_at.engine.start(*account);
+    }
+    m_at.engine.bump();
+    m_at.engine.db().notifications().post(notifications::activeWorkspaceChanged);
+}
+
+void StoreRecovery::set(Step step, const QString& error)
+{
+    m_step = step;
+    m_error = error;
+    m_timer.reset();
+    Q_EMIT changed();
+}
+
+QString StoreRecovery::newFile() const
+{
+    return m_at.paths.database() + QStringLiteral(".new");
+}
+
+std::optional<QString> StoreRecovery::latestBackup() const
+{
+    const QDir folder(m_at.paths.applicationSupport + QStringLiteral("/backups"));
+    const QFileInfoList files = folder.entryInfoList({ QStringLiteral("*.db") }, QDir::Files, QDir::Time);
+    return files.isEmpty() ? std::nullopt : std::optional(files.first().absoluteFilePath());
+}
+
+}

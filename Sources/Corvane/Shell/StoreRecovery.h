@@ -1,0 +1,80 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+
+#include <QObject>
+#include <QVariantList>
+
+namespace corvane {
+
+class AccountStore;
+class BackgroundQueue;
+class EngineManager;
+struct AppPaths;
+struct SalvageProgress;
+
+/// A damaged database: the engines and the tool server are stopped, the file is moved aside, and the user chooses what
+/// takes its place. What engines have printed meanwhile waits. Also after a start that finds the choice still open.
+class StoreRecovery : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool needed READ needed NOTIFY changed)
+    Q_PROPERTY(bool busy READ busy NOTIFY changed)
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
+    Q_PROPERTY(QVariantList choices READ choices NOTIFY changed) ///< of {id, label, hint}; `choose` takes the id
+    Q_PROPERTY(QString progressText READ progressText NOTIFY progressed) ///< while busy
+    Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< 0 to 1, while busy
+    Q_PROPERTY(QString error READ error NOTIFY changed) ///< why the last choice came to nothing; mostly empty
+public:
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        BackgroundQueue& background;
+        Scheduler& scheduler;
+        const AppPaths& paths;
+    };
+
+    explicit StoreRecovery(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~StoreRecovery() override;
+
+    bool needed() const { return m_step != Step::None; }
+    bool busy() const { return m_step == Step::Stopping || m_step == Step::Copying; }
+    QString title() const { return QStringLiteral("The database is damaged"); }
+    QString explanation() const;
+    QVariantList choices() const;
+    QString progressText() const;
+    double progress() const;
+    const QString& error() const { return m_error; }
+
+    /// "save", "backup", "new", or "retry"; nothing where it is not offered.
+    Q_INVOKABLE void choose(const QString& id);
+
+Q_SIGNALS:
+    void changed();
+    void progressed();
+    void recovered(); ///< a sound file is open, and everything may start again
+
+private:
+    enum class Source { Damaged, Backup };
+    enum class Step { None, Stopping, Stuck, Choosing, Copying };
+
+    void notice();
+    void stopEngines();
+    void setAside();
+    void copy(const QString& from, Source source);
+    bool makeEmpty(); ///< a new file, which does not count before it is put in its place
+    void putInPlace();
+    void set(Step step, const QString& error = {});
+    QString newFile() const;
+    std::optional<QString> latestBackup() const;
+
+    Surroundings m_at;
+    Step m_step = Step::None;
+    QString m_aside; ///< the damaged file
+    QString m_error;
+    QStringList m_stopped; ///< the slugs of the accounts whose engines ran
+    std::shared_ptr<SalvageProgress> m_progress;
+    std::unique_ptr<Timer> m_timer;
+};
+
+}

@@ -1,0 +1,31 @@
+import QtQuick
+import Corvane
+
+/// What needs to be known on every screen, one line each; it takes no room where there is nothing.
+Column {
+    id: bar
+
+    required property QtObject notices
+
+    topPadding: list.count > 0 ? Theme.small : 0
+    bottomPadding: topPadding
+    spacing: Theme.tight
+
+    Repeater {
+        id: list
+        model: bar.notices.items
+        Banner {
+            id: line
+            required property var modelData
+            objectName: "notice." + modelData.id
+            x: Theme.medium
+            width: bar.width - Theme.medium * 2
+            text: modelData.text
+            tone: modelData.tone
+            action: modelData.actions.length > 0 ? modelData.actions[0].label : ""
+            otherAction: modelData.actions.length > 1 ? modelData.actions[1].label : ""
+            onActed: bar.notices.perform(modelData.id, modelData.actions[0].id)
+            onActedOtherwise: bar.notices.perform(modelData.id, modelData.actions[1].id)
+        }
+    }
+}

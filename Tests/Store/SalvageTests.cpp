@@ -1,0 +1,119 @@
+#include "Store/Core/DamagedFile.h"
+#include "Store/Core/Salvage.h"
+#include "Store/Core/StoreHealth.h"
+#include "Support/StoreTest.h"
+
+#include <QFile>
+
+namespace corvane {
+
+namespace {
+
+constexpr int pageBytes = 4096;
+
+class SalvageTest : public StoreTest {
+protected:
+    /// 4,000 messages, two of whose pages are then overwritten, and a table that an engine made.
+    void damage(const QList<int>& pages)
+    {
+        open();
+        m_db->exec("PRAGMA foreign_keys=OFF; BEGIN;");
+        for (int n = 1; n <= 4000; ++n)
+            m_db->run("INSERT INTO unified_message(id, conversation_id, body, ts) VALUES(?,'c',?,?);",
+                { QString::number(n), QString(200, u'x'), n });
+        m_db->exec("COMMIT; CREATE TABLE engine_notes(key TEXT PRIMARY KEY, blob BLOB);"
+                   "INSERT INTO engine_notes VALUES('k', x'00ff');"
+                   "ALTER TABLE contact ADD COLUMN engines_own TEXT;"
+                   "INSERT INTO contact(id, display_name, engines_own) VALUES('ct','Ana','kept');"
+                   "PRAGMA wal_checkpoint(TRUNCATE);");
+        QList<qint64> leaves
+            = m_db->rows("SELECT pageno FROM dbstat WHERE name='unified_message' AND pagetype='leaf' ORDER BY path;",
+                {}, [](const SqlRow& row) { return row.integer(0); });
+        ASSERT_GT(leaves.size(), 100);
+        m_db->close();
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        for (const int page : pages) {
+            file.seek(page < 0 ? 0 : (leaves.value(page) - 1) * pageBytes);
+            file.write(QByteArray(page < 0 ? 64 : pageBytes, '\xa5'));
+        }
+    }
+
+    /// What is saved into a new file, which is open then.
+    Result<Salvaged> save()
+    {
+        const auto aside = moveAside(path());
+        EXPECT_TRUE(aside);
+        QFile before(*aside);
+        EXPECT_TRUE(before.open(QIODevice::ReadOnly));
+        const QByteArray content = before.readAll();
+        EXPECT_TRUE(m_db->makeEmpty(path() + ".new"));
+        SalvageProgress progress;
+        auto result = salvage(*aside, path() + ".new", progress);
+        EXPECT_TRUE(QFile::rename(path() + ".new", path()));
+        before.seek(0);
+        EXPECT_EQ(before.readAll(), content) << "what was moved aside is only read";
+        EXPECT_EQ(QFileInfo(path()).dir().entryList({ "*.copy*" }).size(), 0);
+        open();
+        return result;
+    }
+};
+
+}
+
+TEST_F(SalvageTest, rowsOnBothSidesOfDamagedPagesAreSavedAndWithThemWhatEnginesMade)
+{
+    damage({ 40, 41, 90 });
+    EXPECT_EQ(awaitingChoice(path()), std::nullopt);
+    const auto result = save();
+    ASSERT_TRUE(result) << result.error().message.toStdString();
+    EXPECT_EQ(result->tornTables, QStringList("unified_message"));
+    const int saved = cell("SELECT COUNT(*) FROM unified_message;").toInt();
+    EXPECT_LT(saved, 4000);
+    EXPECT_GT(saved, 3900) << "three pages hold some fifty rows";
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM unified_message WHERE rowid IN (1, 2000, 4000);"), "3");
+    EXPECT_EQ(cell("SELECT hex(blob) FROM engine_notes;"), "00FF");
+    EXPECT_EQ(cell("SELECT engines_own FROM contact;"), "kept");
+    EXPECT_EQ(cell("PRAGMA integrity_check;"), "ok");
+}
+
+TEST_F(SalvageTest, aFileWhoseBeginningIsLostIsReadAllTheSame)
+{
+    damage({ -1 });
+    open();
+    EXPECT_EQ(m_db->health().fault(), StoreFault::NotADatabase);
+    m_db->close();
+    const auto result = save();
+    ASSERT_TRUE(result) << result.error().message.toStdString();
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM unified_message;"), "4000");
+}
+
+TEST_F(SalvageTest, nothingLiesInThePlaceOfAFileThatWasMovedUntilSomethingIsPutThere)
+{
+    open();
+    m_db->close();
+    QFile(path() + "-wal").open(QIODevice::WriteOnly);
+    const QString aside = moveAside(path()).value_or("none");
+    EXPECT_EQ(aside, path() + ".damaged");
+    EXPECT_TRUE(QFile::exists(aside + "-wal"));
+    EXPECT_FALSE(QFile::exists(path() + "-wal"));
+    EXPECT_FALSE(m_db->reopen());
+    open();
+    EXPECT_FALSE(m_db->isOpen());
+    EXPECT_EQ(awaitingChoice(path()), aside);
+    EXPECT_FALSE(QFile::exists(path()));
+
+    m_db->makeEmpty(path() + ".new");
+    EXPECT_TRUE(QFile::rename(path() + ".new", path()));
+    EXPECT_TRUE(m_db->reopen());
+    m_db->close();
+    EXPECT_EQ(moveAside(path()), path() + ".damaged-2");
+    EXPECT_EQ(awaitingChoice(path()), path() + ".damaged-2");
+
+    m_home.write("share/Corvane/garbage.db", "no database at all");
+    ASSERT_TRUE(m_db->makeEmpty(path() + ".new"));
+    SalvageProgress progress;
+    EXPECT_FALSE(salvage(m_home.path("share/Corvane/garbage.db"), path() + ".new", progress));
+}
+
+}
