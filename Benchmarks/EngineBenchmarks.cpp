@@ -1,5 +1,5 @@
-// How fast the lines of an engine become rows, beside the bare C interface of SQLite, and how the event loop fares
-// while a hundred engines crash at once and again.
+// How fast the lines of an engine become rows, beside the bare C interface of SQLite, how long another program waits to
+// write meanwhile, and how the event loop fares while a hundred engines crash at once and again.
 
 #include "MirrorBench.h"
 #include "Rivals.h"
@@ -12,13 +12,19 @@
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <algorithm>
+#include <atomic>
 #include <benchmark/benchmark.h>
+#include <thread>
 
 namespace corvane::bench {
 
 namespace {
 
 constexpr int messagesPerChunk = 50;
+constexpr int historyLength = 50'000;
+constexpr int historyPerChunk = 250; // about what a pipe holds
+constexpr int linesPerGroup = 64;
+constexpr int secondsOfFlood = 20;
 
 /// The mirror, and an engine whose lines go into it.
 struct Bench {
@@ -33,32 +39,43 @@ Bench& bench()
     return instance;
 }
 
-QString lineOf(const IncomingMessage& message)
+QByteArray lineOf(const IncomingMessage& message, MirrorBench::Age age)
 {
     const QJsonObject event { { QStringLiteral("type"), QStringLiteral("message") },
         { QStringLiteral("convExternalId"), message.conversationExternalId },
         { QStringLiteral("providerMsgId"), message.providerMsgId }, { QStringLiteral("body"), message.body },
         { QStringLiteral("direction"), QStringLiteral("IN") }, { QStringLiteral("ts"), message.ts },
-        { QStringLiteral("convTitle"), *message.conversationTitle }, { QStringLiteral("sender"), *message.sender } };
-    return QStringLiteral("@@CORVANE@@") + QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact))
-        + u'\n';
+        { QStringLiteral("convTitle"), *message.conversationTitle }, { QStringLiteral("sender"), *message.sender },
+        { QStringLiteral("historical"), age == MirrorBench::Age::Historical } };
+    return "@@CORVANE@@" + QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QByteArray nextLines(int count, MirrorBench::Age age)
+{
+    QByteArray lines;
+    for (int i = 0; i < count; ++i)
+        lines += lineOf(bench().mirror.nextMessage(), age);
+    return lines;
+}
+
+void ingest(const QByteArray& lines, int count)
+{
+    EngineManager& engines = bench().engine.engines();
+    const qint64 target = engines.inboxRevision() + count;
+    bench().engine.print(lines);
+    while (engines.inboxRevision() < target)
+        QCoreApplication::processEvents();
 }
 
 /// Live messages, from the text that an engine printed to the rows, the unread counts and the banners, through the
 /// event loop.
 void ingestLines(benchmark::State& state)
 {
-    EngineManager& engines = bench().engine.engines();
     for (auto _ : state) {
         state.PauseTiming();
-        QString chunk;
-        for (int i = 0; i < messagesPerChunk; ++i)
-            chunk += lineOf(bench().mirror.nextMessage());
-        const qint64 target = engines.inboxRevision() + messagesPerChunk;
+        const QByteArray lines = nextLines(messagesPerChunk, MirrorBench::Age::Live);
         state.ResumeTiming();
-        bench().engine.print(chunk);
-        while (engines.inboxRevision() < target)
-            QCoreApplication::processEvents();
+        ingest(lines, messagesPerChunk);
     }
     state.SetItemsProcessed(state.iterations() * messagesPerChunk);
 }
@@ -73,11 +90,89 @@ void ingestBare(benchmark::State& state, MirrorBench::Prepared prepared)
     state.SetItemsProcessed(state.iterations() * messagesPerChunk);
 }
 
+/// A history as it comes after the pairing.
+void historyLines(benchmark::State& state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        QByteArrayList chunks;
+        for (int i = 0; i < historyLength; i += historyPerChunk)
+            chunks.append(nextLines(historyPerChunk, MirrorBench::Age::Historical));
+        state.ResumeTiming();
+        for (const QByteArray& lines : std::as_const(chunks))
+            ingest(lines, historyPerChunk);
+    }
+    state.SetItemsProcessed(state.iterations() * historyLength);
+}
+
+void groupBare()
+{
+    sqlite3_exec(bench().mirror.bare(), "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr);
+    for (int i = 0; i < linesPerGroup; ++i)
+        bench().mirror.ingestBare(MirrorBench::Prepared::Once, MirrorBench::Age::Historical);
+    sqlite3_exec(bench().mirror.bare(), "COMMIT;", nullptr, nullptr, nullptr);
+}
+
+/// The statements alone, prepared once, in the same groups.
+void historyBare(benchmark::State& state)
+{
+    for (auto _ : state) {
+        for (int i = 0; i < historyLength; i += linesPerGroup)
+            groupBare();
+    }
+    state.SetItemsProcessed(state.iterations() * historyLength);
+}
+
 /// How late the event loop answers, in milliseconds, at the given share of the samples.
 double percentile(std::vector<double>& delays, double share)
 {
     std::ranges::sort(delays);
     return delays.empty() ? 0 : delays.at(static_cast<size_t>(share * static_cast<double>(delays.size() - 1)));
+}
+
+/// Another program that writes fifty times a second: how long it waits for its turn each time, in milliseconds.
+std::vector<double> waitsOfSecondWriter(const std::function<void()>& flood)
+{
+    std::atomic<bool> done = false;
+    std::vector<double> waits;
+    std::thread writer([&] {
+        sqlite3* db = nullptr;
+        sqlite3_open(bench().mirror.path().toUtf8().constData(), &db);
+        sqlite3_busy_timeout(db, 5000);
+        while (!done) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            QElapsedTimer waiting;
+            waiting.start();
+            sqlite3_exec(db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr);
+            waits.push_back(static_cast<double>(waiting.nsecsElapsed()) / 1e6);
+            sqlite3_exec(
+                db, "UPDATE sync_workspace_selection SET updated_at=updated_at+1; COMMIT;", nullptr, nullptr, nullptr);
+        }
+        sqlite3_close(db);
+    });
+    QElapsedTimer flooding;
+    flooding.start();
+    while (flooding.elapsed() < secondsOfFlood * 1000)
+        flood();
+    done = true;
+    writer.join();
+    return waits;
+}
+
+void secondWriter(benchmark::State& state, void (*flood)())
+{
+    for (auto _ : state) {
+        std::vector<double> waits = waitsOfSecondWriter(flood);
+        state.counters["wait p50 ms"] = percentile(waits, 0.5);
+        state.counters["wait p99 ms"] = percentile(waits, 0.99);
+        state.counters["wait max ms"] = percentile(waits, 1);
+        state.counters["writes"] = static_cast<double>(waits.size());
+    }
+}
+
+void floodLines()
+{
+    ingest(nextLines(historyPerChunk, MirrorBench::Age::Historical), historyPerChunk);
 }
 
 /// A hundred engines die as they start; two waves of restarts follow. Only the waves themselves are sampled.
@@ -129,6 +224,28 @@ BENCHMARK_CAPTURE(ingestBare, each, MirrorBench::Prepared::EachTime)
     ->UseRealTime();
 BENCHMARK_CAPTURE(ingestBare, once, MirrorBench::Prepared::Once)
     ->Name("50 lines/bare, prepared once")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(historyLines)
+    ->Name("50000 lines of history/corvane")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(historyBare)
+    ->Name("50000 lines of history/bare, prepared once")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(secondWriter, corvane, floodLines)
+    ->Name("second writer in a flood/corvane")
+    ->Iterations(1)
+    ->Repetitions(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(secondWriter, bare, groupBare)
+    ->Name("second writer in a flood/bare")
+    ->Iterations(1)
+    ->Repetitions(1)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 BENCHMARK(crashStorm)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMillisecond)->UseRealTime();

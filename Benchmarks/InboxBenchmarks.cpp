@@ -59,8 +59,8 @@ public:
     {
         m_message.providerMsgId = QStringLiteral("LIVE%1").arg(++m_messages);
         m_message.ts = m_scheduler.nowMs();
-        raiseUnread(
-            m_engine.db(), storeMessage(m_engine.db(), QStringLiteral("WHATSAPP"), QStringLiteral("main"), m_message));
+        raiseUnread(m_engine.db(),
+            storeMessage(m_engine.db(), QStringLiteral("WHATSAPP"), QStringLiteral("main"), m_message)->conversationId);
     }
 
     QString contactId() const { return QStringLiteral("ct:WHATSAPP:") + m_message.conversationExternalId; }

@@ -80,7 +80,7 @@ IncomingMessage MirrorBench::nextMessage()
     return message;
 }
 
-void MirrorBench::ingestBare(Prepared prepared)
+void MirrorBench::ingestBare(Prepared prepared, Age age)
 {
     const IncomingMessage message = nextMessage();
     const QByteArray handle = message.conversationExternalId.toUtf8();
@@ -101,8 +101,9 @@ void MirrorBench::ingestBare(Prepared prepared)
     run(0, conversation, "local", "WHATSAPP", "main", handle, title, now, now);
     run(1, contact, "local", title, now);
     run(2, identity, "local", contact, "WHATSAPP", handle, nullptr, "34600", now);
-    run(3, id, "local", conversation, "IN", body, title, now, providerId, nullptr, nullptr, "local", now);
-    run(4, conversation);
+    run(3, id, "local", conversation, "IN", body, title, now, providerId, nullptr, nullptr, "local", now, "main");
+    if (age == Age::Live)
+        run(4, conversation);
 }
 
 std::unique_ptr<LocalDB> MirrorBench::open()
@@ -135,7 +136,8 @@ void MirrorBench::learnStatements()
         IncomingMessage message;
         message.conversationExternalId = QStringLiteral("learn");
         message.providerMsgId = QString::fromUtf8(providerId);
-        raiseUnread(*traced, storeMessage(*traced, QStringLiteral("WHATSAPP"), QStringLiteral("main"), message));
+        raiseUnread(*traced,
+            storeMessage(*traced, QStringLiteral("WHATSAPP"), QStringLiteral("main"), message)->conversationId);
     }
     for (const QByteArray& sql : std::as_const(tracedStatements)) {
         if (sql.startsWith("INSERT") || sql.startsWith("UPDATE"))

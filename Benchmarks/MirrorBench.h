@@ -32,9 +32,11 @@ public:
     /// A live message as an engine tells it: somebody who is known already writes something new.
     IncomingMessage nextMessage();
 
-    /// Stores the next message with the store's own five statements and everything else known beforehand.
+    /// Stores the next message with the store's own statements, five for a live one and four for one of a history, and
+    /// everything else known beforehand.
     enum class Prepared { Once, EachTime };
-    void ingestBare(Prepared prepared);
+    enum class Age { Live, Historical };
+    void ingestBare(Prepared prepared, Age age = Age::Live);
 
 private:
     std::unique_ptr<LocalDB> open();

@@ -80,7 +80,7 @@ public:
         }
         EngineManager& engines = m_program.app.engine();
         const qint64 target = engines.inboxRevision() + count;
-        m_engine->print(chunk);
+        m_engine->print(chunk.toUtf8());
         while (engines.inboxRevision() < target)
             QCoreApplication::processEvents();
     }

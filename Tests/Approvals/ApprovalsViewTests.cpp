@@ -253,7 +253,7 @@ TEST_F(ApprovalsViewTest, whatWasDecidedStandsInAListWithWhatCameOfIt)
     view.approve("draft:d1");
     clock.advance(seconds(5));
     ASSERT_TRUE(DraftClaim::claim(db(), "d1").draft && DraftClaim::claim(db(), "d2").draft);
-    acknowledgeDraft(db(), "d1", "failed", {}, "no such chat");
+    acknowledgeDraft(db(), "main", "d1", "failed", {}, "no such chat");
     look();
     view.approve("draft:d1");
     view.approve("proposal:p1");

@@ -2,10 +2,14 @@
 
 #include "CRM/ContactsBridge.h"
 #include "Platform/AddressBook.h"
+#include "Store/Core/StoreHealth.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/IdentityQueries.h"
 #include "Support/Await.h"
+
+#include <QDir>
+#include <QFile>
 
 using namespace corvane;
 
@@ -33,6 +37,21 @@ protected:
     }
     QString conversation(const QString& column) { return cell(u"SELECT %1 FROM unified_conversation;"_s.arg(column)); }
     QString count(const QString& table) { return cell(u"SELECT COUNT(*) FROM "_s + table + u';'); }
+
+    QString media(const QString& name) const { return world.home.path(u"share/Corvane/media/shop/"_s + name); }
+
+    void avatar(const QString& path)
+    {
+        report({ { u"type"_s, u"avatar"_s }, { u"jid"_s, u"34600@s.whatsapp.net"_s }, { u"path"_s, path } });
+    }
+
+    QList<int> acknowledged() const
+    {
+        QList<int> numbers;
+        for (const QJsonObject& command : world.launcher.last().commands())
+            numbers.append(command.value(u"n"_s).toInt());
+        return numbers;
+    }
 
     const QString ana = u"ct:WHATSAPP:34600@s.whatsapp.net"_s;
 };
@@ -66,7 +85,7 @@ TEST_F(IngestTest, anEventThatIsNoObjectWithATypeIsIgnored)
     handle(R"({"type":"message"})");
     handle(R"({"type":"status","state":7})");
     EXPECT_EQ(published, 3) << "a well-formed event publishes the state, whether or not it changed anything";
-    EXPECT_EQ(handled, QStringList({ u"shop/never heard of"_s, u"shop/message"_s, u"shop/status"_s }));
+    EXPECT_EQ(handled, QStringList({ u"shop/never heard of"_s, u"shop/status"_s })) << "there is no row of a message";
     EXPECT_EQ(status(), WAStatus::Starting);
     EXPECT_EQ(world.engines.inboxRevision(), 0);
 }
@@ -127,17 +146,18 @@ TEST_F(IngestTest, aLiveMessageBecomesRowsAnUnreadCountABannerAndARevision)
 
 TEST_F(IngestTest, aRepeatedMessageKeepsOneRowWithItsNewestBodyAndItsFirstOrigin)
 {
-    message({ { u"sender"_s, u"Ana"_s }, { u"mediaType"_s, u"image"_s }, { u"mediaPath"_s, u"/tmp/a.jpg"_s } });
+    message({ { u"sender"_s, u"Ana"_s }, { u"mediaType"_s, u"image"_s }, { u"mediaPath"_s, media(u"a.jpg"_s) } });
     world.engines.db().exec(u"UPDATE unified_message SET source='web';"_s);
     message({ { u"body"_s, u"edited"_s }, { u"direction"_s, u"OUT"_s }, { u"ts"_s, 2000 }, { u"sender"_s, u"Other"_s },
         { u"convTitle"_s, QJsonValue() } });
     EXPECT_EQ(row(u"body || '|' || direction || '|' || ts || '|' || sender || '|' || media_path || '|' || source"_s),
-        u"edited|IN|1000|Ana|/tmp/a.jpg|web"_s);
+        u"edited|IN|1000|Ana|%1|web"_s.arg(media(u"a.jpg"_s)));
     EXPECT_EQ(conversation(u"title || '|' || last_ts"_s), u"Ana|2000"_s) << "a known title is never lost";
     message({ { u"body"_s, QString() }, { u"ts"_s, 500 } });
     EXPECT_EQ(row(u"body"_s), QString());
-    EXPECT_EQ(conversation(u"last_ts || '|' || unread"_s), u"2000|2"_s)
-        << "the time never goes back; a repeat of a live message counts again";
+    EXPECT_EQ(conversation(u"last_ts || '|' || unread"_s), u"2000|1"_s)
+        << "the time never goes back; what is repeated is not unread again";
+    EXPECT_EQ(world.banners.shown.size(), 1);
     EXPECT_EQ(count(u"unified_message"_s), u"1"_s);
 }
 
@@ -162,14 +182,14 @@ TEST_F(IngestTest, theOpenThreadAndAMutedPersonRaiseNoBanner)
     EXPECT_TRUE(world.banners.shown.isEmpty());
     world.engines.setOpenContactId(QString());
     setMuted(world.engines.db(), ana, true);
-    message();
+    message({ { u"providerMsgId"_s, u"m2"_s } });
     EXPECT_TRUE(world.banners.shown.isEmpty());
     setMuted(world.engines.db(), ana, false);
-    message({ { u"convTitle"_s, QJsonValue() }, { u"sender"_s, u"Ana R."_s } });
+    message({ { u"convTitle"_s, QJsonValue() }, { u"sender"_s, u"Ana R."_s }, { u"providerMsgId"_s, u"m3"_s } });
     ASSERT_EQ(world.banners.shown.size(), 1);
     EXPECT_EQ(world.banners.shown.first().title, u"Ana R."_s);
     world.clock.advance(seconds(5));
-    message({ { u"convTitle"_s, QJsonValue() } });
+    message({ { u"convTitle"_s, QJsonValue() }, { u"providerMsgId"_s, u"m4"_s } });
     EXPECT_EQ(world.banners.shown.last().title, u"+34600"_s);
 }
 
@@ -269,12 +289,13 @@ TEST_F(IngestTest, aMediumIsRequestedFailsAndArrives)
     handle(R"({"type":"media","providerMsgId":"m1","state":"success"})");
     EXPECT_FALSE(status());
     EXPECT_EQ(row(u"media_path"_s), u"-"_s) << "a success without a path leaves the row";
-    handle(R"({"type":"media","providerMsgId":"m1","state":"success","mediaType":"gif","mediaPath":"/tmp/a.jpg"})");
-    EXPECT_EQ(row(u"media_type || '|' || media_path"_s), u"gif|/tmp/a.jpg"_s);
+    report({ { u"type"_s, u"media"_s }, { u"providerMsgId"_s, u"m1"_s }, { u"state"_s, u"success"_s },
+        { u"mediaType"_s, u"gif"_s }, { u"mediaPath"_s, media(u"a.jpg"_s) } });
+    EXPECT_EQ(row(u"media_type || '|' || media_path"_s), u"gif|"_s + media(u"a.jpg"_s));
     EXPECT_EQ(world.engines.inboxRevision(), 5);
 
     handle(R"({"type":"media","providerMsgId":"m1","state":"requested"})");
-    message({ { u"mediaPath"_s, u"/tmp/b.jpg"_s } });
+    message({ { u"mediaPath"_s, media(u"b.jpg"_s) } });
     EXPECT_FALSE(status()) << "the message brought the file";
     handle(R"({"type":"media","providerMsgId":"m1","state":"paused"})");
     handle(R"({"type":"media","providerMsgId":"m1"})");
@@ -293,8 +314,8 @@ TEST_F(IngestTest, namesAndPhotosReachTheContact)
     EXPECT_EQ(contact(u"display_name"_s), u"Ana R"_s);
     EXPECT_EQ(cell(u"SELECT entity_type || entity_id || action || origin || payload_json FROM crm_mutation_queue;"_s),
         u"contact"_s + ana + u"updatelocal-contact-name{\"display_name\":\"Ana R\"}"_s);
-    handle(R"({"type":"avatar","jid":"34600@s.whatsapp.net","path":"/tmp/a.jpg"})");
-    EXPECT_EQ(contact(u"avatar_path"_s), u"/tmp/a.jpg"_s);
+    avatar(media(u"a.jpg"_s));
+    EXPECT_EQ(contact(u"avatar_path"_s), media(u"a.jpg"_s));
     const qint64 revision = world.engines.inboxRevision();
     EXPECT_EQ(revision, 3);
 
@@ -316,9 +337,9 @@ TEST_F(IngestTest, namesAndPhotosReachTheContact)
     EXPECT_EQ(world.home.read(photo), QByteArray("jpeg"));
     EXPECT_EQ(world.engines.inboxRevision(), revision + 1);
 
-    handle(R"({"type":"avatar","jid":"34600@s.whatsapp.net","path":"/tmp/a.jpg"})");
+    avatar(media(u"a.jpg"_s));
     handle(R"({"type":"phone","jid":"34600@s.whatsapp.net","phone":"34600333444"})");
-    EXPECT_EQ(contact(u"avatar_path"_s), u"/tmp/a.jpg"_s) << "a person without a photo keeps the avatar";
+    EXPECT_EQ(contact(u"avatar_path"_s), media(u"a.jpg"_s)) << "a person without a photo keeps the avatar";
 }
 
 TEST_F(IngestTest, anEventOfAnAccountThatWasNeverStartedCountsAsWhatsAppUnderItsId)
@@ -358,33 +379,120 @@ TEST_F(IngestTest, aBurstRaisesTheRevisionAtOnceAndTheBadgeAFewTimes)
     EXPECT_EQ(world.banners.shown.size(), 1);
 }
 
-TEST_F(IngestTest, aDatabaseThatDoesNotOpenLosesRowsButNotTheEngine)
+TEST_F(IngestTest, aDatabaseThatDoesNotOpenHoldsTheLinesBack)
 {
     EngineSurroundings around;
     FakeLauncher launcher(around.clock);
-    auto database = std::make_unique<LocalDB>(
-        u"/proc/nowhere/x.db"_s, LocalDB::SchemaFolders {}, around.clock, around.defaults, around.centre);
-    EngineManager engines(around.on(around.clock, launcher), std::move(database));
+    QDir().mkpath(around.home.paths().database()); // a folder stands where the file should be
+    EngineManager engines(around.on(around.clock, launcher), around.openDatabase(around.clock));
     launcher.expect(FakeLauncher::stays());
     engines.start(shop);
+    launcher.last().printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s } });
     launcher.last().printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, u"b"_s },
         { u"providerMsgId"_s, u"m"_s } });
-    launcher.last().printEvent({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, u"d"_s } });
-    launcher.last().printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s } });
-    around.clock.advance(seconds(1));
-    EXPECT_EQ(engines.runtime(shop.id).status, WAStatus::Connected);
+    around.clock.advance(seconds(10));
+    EXPECT_EQ(engines.runtime(shop.id).status, WAStatus::Connected) << "what needs no row is not held";
+    EXPECT_TRUE(launcher.last().chunkIsHeld());
+    QDir().rmdir(around.home.paths().database());
+    around.clock.advance(seconds(5));
+    EXPECT_EQ(engines.db().scalar(u"SELECT COUNT(*) FROM unified_message;"_s), u"1"_s);
+    EXPECT_FALSE(launcher.last().chunkIsHeld());
 }
 
-TEST_F(IngestTest, aMessageWaitsWhileAnotherProgramHoldsTheDatabase)
+TEST_F(IngestTest, whatAnotherProgramHoldsUpIsStoredLaterAndOnlyThenAcknowledged)
 {
     const auto other = world.openDatabase(world.clock);
     other->exec(u"BEGIN IMMEDIATE;"_s);
-    report({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"ana"_s }, { u"body"_s, u"hello"_s },
-        { u"providerMsgId"_s, u"1"_s } });
+    report({ { u"type"_s, u"log"_s }, { u"ack"_s, 6 } });
+    message({ { u"ack"_s, 7 } });
+    report({ { u"type"_s, u"message"_s }, { u"ack"_s, 8 } });
     world.clock.advance(seconds(1));
-    EXPECT_EQ(cell(u"SELECT COUNT(*) FROM unified_message;"_s), u"0"_s);
+    EXPECT_EQ(count(u"unified_message"_s), u"0"_s);
+    EXPECT_EQ(acknowledged(), QList<int>({ 6 }));
     EXPECT_FALSE(logs.contains(u"locked"_s)) << "no write was tried";
     other->exec(u"COMMIT;"_s);
     world.clock.advance(Milliseconds(200));
-    EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"hello"_s);
+    EXPECT_EQ(row(u"body"_s), u"hello"_s);
+    EXPECT_EQ(acknowledged(), QList<int>({ 6, 8 })) << "one that is refused counts";
+}
+
+TEST_F(IngestTest, aFullDiskKeepsEveryLineAndTheEngineWaits)
+{
+    LocalDB& db = world.engines.db();
+    int numbers = 0;
+    while (db.health().fault() == StoreFault::None) {
+        if (numbers == 50)
+            db.exec(u"PRAGMA max_page_count=1;"_s); // as many as there are
+        for (int i = 0; i < 50; ++i, ++numbers)
+            world.launcher.last().printEvent(
+                { { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, QString(500, u'b') },
+                    { u"providerMsgId"_s, QString::number(numbers) }, { u"ack"_s, numbers } });
+        world.settle();
+    }
+    world.clock.advance(seconds(60));
+    EXPECT_TRUE(world.launcher.last().chunkIsHeld());
+    const QString stored = count(u"unified_message"_s);
+    EXPECT_EQ(acknowledged().last(), stored.toInt() - 1) << "a group that was undone is not acknowledged";
+    EXPECT_EQ(conversation(u"unread"_s), stored);
+
+    db.exec(u"PRAGMA max_page_count=1000000;"_s);
+    world.clock.advance(seconds(5));
+    EXPECT_EQ(count(u"unified_message"_s), QString::number(numbers));
+    EXPECT_EQ(conversation(u"unread"_s), QString::number(numbers));
+    EXPECT_EQ(acknowledged().last(), numbers - 1);
+}
+
+TEST_F(IngestTest, aLineThatCannotBeStoredIsUndoneAloneAndWhole)
+{
+    world.engines.db().exec(u"CREATE TRIGGER t BEFORE INSERT ON unified_message WHEN new.body='bad' "
+                            "BEGIN SELECT RAISE(ABORT, 'no'); END;"_s);
+    for (const QString& body : { u"one"_s, u"bad"_s, u"two"_s })
+        world.launcher.last().printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, body },
+            { u"body"_s, body }, { u"providerMsgId"_s, body }, { u"ack"_s, body.size() } });
+    world.settle();
+    EXPECT_EQ(count(u"unified_message"_s) + count(u"unified_conversation"_s) + count(u"contact"_s), u"222"_s);
+    EXPECT_EQ(world.banners.shown.size(), 2);
+    EXPECT_EQ(world.engines.inboxRevision(), 2);
+    EXPECT_EQ(acknowledged(), QList<int>({ 3 }));
+}
+
+TEST_F(IngestTest, twoAccountsMayUseTheSameMessageIdAndReachOnlyTheirOwn)
+{
+    const Account other = accountNamed(u"other"_s);
+    message();
+    world.launcher.expect(FakeLauncher::stays());
+    world.engines.start(other);
+    const auto theirs = [&](const QByteArray& event) {
+        world.engines.handleEvent(other.id, QString::fromUtf8(event), Speaker::Current);
+    };
+    theirs(R"({"type":"msgStatus","providerMsgId":"m1","status":4})");
+    theirs(R"({"type":"reaction","targetProviderMsgId":"m1","emoji":"x"})");
+    theirs(R"({"type":"media","providerMsgId":"m1","state":"success","mediaPath":"/x"})");
+    EXPECT_EQ(row(u"COALESCE(status, reaction, media_path)"_s), u"-"_s);
+    theirs(R"({"type":"message","convExternalId":"34600@s.whatsapp.net","body":"theirs","providerMsgId":"m1"})");
+    theirs(R"({"type":"msgStatus","providerMsgId":"m1","status":4})");
+    EXPECT_EQ(row(u"body || '|' || COALESCE(status, '')"_s), u"hello|"_s);
+    EXPECT_EQ(row(u"body || '|' || status || '|' || provider_msg_id"_s, u"wa:msg:other:m1"_s), u"theirs|4|m1"_s);
+    EXPECT_EQ(count(u"unified_message"_s), u"2"_s);
+
+    // Not even with the id that another account's collision was given.
+    handle(R"({"type":"message","convExternalId":"34600@s.whatsapp.net","body":"mine","providerMsgId":"other:m1"})");
+    EXPECT_EQ(row(u"body"_s, u"wa:msg:other:m1"_s), u"theirs"_s);
+    EXPECT_EQ(row(u"body"_s, u"wa:msg:shop:other:m1"_s), u"mine"_s);
+}
+
+TEST_F(IngestTest, anEngineNamesOnlyPlainFilesInItsOwnFolders)
+{
+    message();
+    world.home.write(u"share/Corvane/media/shop/plain.jpg"_s, "x");
+    world.home.write(u"share/Corvane/media/other/theirs.jpg"_s, "x");
+    ASSERT_TRUE(QFile::link(u"/etc/passwd"_s, media(u"link.jpg"_s)));
+    ASSERT_TRUE(QFile::link(u"/etc"_s, media(u"folder"_s)));
+    for (const QString& path : { u"/etc/passwd"_s, media(u"link.jpg"_s), media(u"folder/passwd"_s),
+             media(u"../other/theirs.jpg"_s), media(u"../shop"_s), world.home.path(u"share/Corvane/media/shop"_s) }) {
+        avatar(path);
+        EXPECT_EQ(cell(u"SELECT avatar_path FROM contact;"_s), u"-"_s) << qPrintable(path);
+    }
+    avatar(media(u"plain.jpg"_s));
+    EXPECT_EQ(cell(u"SELECT avatar_path FROM contact;"_s), media(u"plain.jpg"_s));
 }

@@ -261,20 +261,28 @@ TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
     engine().printEvent({ { "type", "media" }, { "providerMsgId", "m1" }, { "state", "failed" } });
     clock.advance(Milliseconds(110));
     EXPECT_EQ(last("mediaState"), "failed");
-    home.write("a.png", "x");
+    home.write("share/Corvane/media/main/a.png", "x");
     engine().printEvent({ { "type", "media" }, { "providerMsgId", "m1" }, { "state", "success" },
-        { "mediaPath", home.path("a.png") } });
+        { "mediaPath", home.path("share/Corvane/media/main/a.png") } });
     clock.advance(Milliseconds(110));
     EXPECT_EQ(last("mediaState"), "ready");
     EXPECT_EQ(last("mediaTitle"), "a.png");
 
-    thread.react("wa:msg:m1", "👍");
-    EXPECT_EQ(last("reaction"), "👍");
+    // The person's newest conversation is another, and the id holds colons.
+    engine().printEvent({ { "type", "message" }, { "convExternalId", ana.section(':', 2) }, { "body", "hi" },
+        { "providerMsgId", "true_1:2:3" }, { "ts", clock.nowMs() } });
+    receive(ben, "later");
+    engines.db().run("UPDATE unified_conversation SET contact_id=? WHERE external_id='49172@s.whatsapp.net';", { ana });
+    thread.reload();
+    thread.react("wa:msg:true_1:2:3", "👍");
+    EXPECT_EQ(engines.db().scalar("SELECT reaction FROM unified_message WHERE provider_msg_id='true_1:2:3';"), "👍");
     EXPECT_EQ(commands("react"),
-        QStringList(R"({"chatId":"49171@s.whatsapp.net","cmd":"react","emoji":"👍","fromMe":false,"messageId":"m1"})"));
+        QStringList(
+            R"({"chatId":"49171@s.whatsapp.net","cmd":"react","emoji":"👍","fromMe":false,"messageId":"true_1:2:3"})"));
     engines.stop(account);
     thread.react("wa:msg:m1", "🎉");
-    EXPECT_EQ(last("reaction"), "👍") << "what no engine took is not shown";
+    EXPECT_EQ(engines.db().scalar("SELECT reaction FROM unified_message WHERE provider_msg_id='m1';"), std::nullopt)
+        << "what no engine took is not shown";
 }
 
 TEST_F(InboxViewTest, theReplyGoesWhereItLastWent)

@@ -171,11 +171,14 @@ TEST_F(InboxViewTest, aMissingPictureIsAskedForOnceAndOnlyOfAConnectedEngine)
     receive(ana, "again");
     EXPECT_EQ(commands("fetchAvatar").size(), 3);
 
-    home.write("a.jpg", "x");
-    engine().printEvent({ { "type", "avatar" }, { "jid", ana.section(':', 2) }, { "path", home.path("a.jpg") } });
-    engine().printEvent({ { "type", "avatar" }, { "jid", ben.section(':', 2) }, { "path", home.path("gone.jpg") } });
+    home.write("share/Corvane/media/main/a.jpg", "x");
+    engine().printEvent({ { "type", "avatar" }, { "jid", ana.section(':', 2) },
+        { "path", home.path("share/Corvane/media/main/a.jpg") } });
+    engine().printEvent({ { "type", "avatar" }, { "jid", ben.section(':', 2) },
+        { "path", home.path("share/Corvane/media/main/gone.jpg") } });
     clock.advance(Milliseconds(110));
-    EXPECT_EQ(column(inbox.contacts(), "avatarPath").filter("jpg"), QStringList(home.path("a.jpg")));
+    EXPECT_EQ(
+        column(inbox.contacts(), "avatarPath").filter("jpg"), QStringList(home.path("share/Corvane/media/main/a.jpg")));
 }
 
 TEST_F(InboxViewTest, aStaleWebChannelWarnsAndARetryAsksTheWeb)

@@ -59,7 +59,7 @@ TEST_F(MessageActionsTest, aMessageOffersWhatItHas)
     EXPECT_EQ(offered("wa:msg:m3"),
         (QStringList {
             "react", "copy: This message has no text", "forward: This message has no text", "fetch", "delete" }));
-    receiveMedium("document", home.path("gone.pdf"), "the plan");
+    receiveMedium("document", home.path("share/Corvane/media/main/gone.pdf"), "the plan");
     EXPECT_EQ(offered("wa:msg:m4"),
         (QStringList {
             "react", "copy", "forward", "open: Document file is missing from local media cache.", "delete" }));
@@ -190,7 +190,7 @@ TEST_F(MessageActionsTest, oneVoiceNotePlaysAtATime)
 
 TEST_F(MessageActionsTest, aVoiceNoteThatCannotPlaySaysWhy)
 {
-    receiveMedium("audio", home.path("gone.ogg"));
+    receiveMedium("audio", home.path("share/Corvane/media/main/gone.ogg"));
     voice().toggle("wa:msg:m3");
     EXPECT_EQ(voice().state() + ": " + voice().stateText(), "failed: Audio file is missing from local media cache.");
     EXPECT_TRUE(player.played.isEmpty());

@@ -1,5 +1,5 @@
 #include "Foundation/SystemScheduler.h"
-#include "Platform/Linux/Processes/Utf8Chunks.h"
+#include "Platform/Linux/Processes/WholeLines.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/ProcessLauncher.h"
 #include "Support/Await.h"
@@ -47,7 +47,7 @@ protected:
         auto watched = std::make_shared<Watched>();
         const auto listen = [watched](const OutputChunk& chunk) {
             EXPECT_FALSE(watched->ended()) << "a chunk after the end";
-            watched->text += chunk.text;
+            watched->text += QString::fromUtf8(chunk.lines);
         };
         const auto end = [watched](int code) {
             watched->codes.append(code);
@@ -107,12 +107,12 @@ TEST_F(ProcessLauncherTest, anEndIsToldOnceWithTheStatusOrTheSignalThoughAHundre
     const qsizetype before = openDescriptors();
     QList<std::shared_ptr<Watched>> children;
     for (int i = 0; i < 100; ++i)
-        children.append(start({ "await", "half before ", "crash 11" }));
+        children.append(start({ "await", "print before", "half lost", "crash 11" }));
     for (const auto& each : children)
         ASSERT_TRUE(each->child->write("now\n"));
     for (const auto& each : children) {
         ASSERT_TRUE(await([&] { return each->ended(); }));
-        EXPECT_EQ(each->text, "before ");
+        EXPECT_EQ(each->text, "before\n");
         EXPECT_FALSE(each->child->isRunning());
         EXPECT_FALSE(exists(each->child->pid())) << "a zombie";
         EXPECT_FALSE(each->child->write("late\n"));
@@ -160,21 +160,17 @@ TEST_F(ProcessLauncherTest, aFailedStartNamesTheReasonAndLeavesNothingOpen)
     EXPECT_LE(openDescriptors(), before);
 }
 
-TEST(Utf8Chunks, whatIsNoTextIsDroppedAndNothingElse)
+TEST(WholeLines, aLineComesWholeAndOneThatNeverEndsIsDroppedAlone)
 {
-    Utf8Chunks chunks;
-    EXPECT_EQ(chunks.take("a"), "a");
-    EXPECT_EQ(chunks.take("b\xff!"), "") << "a read that is not valid goes whole";
-    EXPECT_EQ(chunks.take("c\xe2"), "c");
-    EXPECT_EQ(chunks.take("d"), "d") << "a character that is never finished goes alone";
-    EXPECT_EQ(chunks.take("e\xf0\x9f"), "e");
-    EXPECT_EQ(chunks.take("\x98"), QString());
-    EXPECT_EQ(chunks.take("\x80\xc3"), "😀");
-    EXPECT_EQ(chunks.take("\xa9\xef\xbb\xbf!"), "é\uFEFF!");
-    EXPECT_EQ(chunks.take("\xed\xa0\x80"), QString()) << "half a surrogate pair";
-    EXPECT_EQ(chunks.take("\xc0\xaf"), QString()) << "an overlong form";
-    EXPECT_EQ(chunks.take("\x80\x80"), QString());
-    EXPECT_EQ(chunks.take("f"), "f");
+    WholeLines lines;
+    EXPECT_EQ(lines.take("on"), "");
+    EXPECT_EQ(lines.take("e\ntwo\nthr"), "one\ntwo\n");
+    EXPECT_EQ(lines.take("ee\n"), "three\n");
+    const QByteArray flood(16 * 1024 * 1024, 'x');
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(lines.take(flood), "");
+    EXPECT_EQ(lines.take("end of it\nfour\nfi"), "four\n");
+    EXPECT_EQ(lines.take("ve\n"), "five\n");
 }
 
 TEST_F(ProcessLauncherTest, aHeldChunkStopsTheReadingAndTheEndWaitsForIt)
@@ -199,8 +195,8 @@ TEST_F(ProcessLauncherTest, aHeldChunkStopsTheReadingAndTheEndWaitsForIt)
     QString text;
     ASSERT_TRUE(await([&] {
         for (const OutputChunk& chunk : std::exchange(held, {})) {
-            EXPECT_LE(chunk.text.size(), 64 * 1024);
-            text += chunk.text;
+            EXPECT_LE(chunk.lines.size(), 128 * 1024);
+            text += QString::fromUtf8(chunk.lines);
         }
         return !codes.isEmpty();
     }));
@@ -370,7 +366,7 @@ TEST_F(ProcessLauncherTest, aHandlerMayStartAChildOrDestroyTheLauncher)
     };
     ofSecond.output = [&](const OutputChunk& chunk) {
         launcher.reset();
-        text = chunk.text;
+        text = QString::fromUtf8(chunk.lines);
     };
     const auto startSecond = [&](int) {
         EXPECT_TRUE(launcher->start(specOf({ "print second", "hang" }), ofSecond));
@@ -380,10 +376,11 @@ TEST_F(ProcessLauncherTest, aHandlerMayStartAChildOrDestroyTheLauncher)
     EXPECT_EQ(launcher, nullptr);
 }
 
-TEST_F(ProcessLauncherTest, aLineOfFiftyMegabytesArrivesWholeAndWithoutACutCharacter)
+TEST_F(ProcessLauncherTest, aLineOfFiftyMegabytesArrivesWholeAndOneWithoutAnEndNotAtAll)
 {
-    const auto watched = run({ "bytes f09f", "sleep 50", "bytes 9880", "repeat 17476267 €", "half cut", "bytes e282" });
+    const auto watched
+        = run({ "bytes f09f", "sleep 50", "bytes 9880", "repeat 17476267 €", "half cut", "bytes 0a", "half lost" });
     EXPECT_TRUE(watched->text.startsWith("😀€"));
     EXPECT_EQ(watched->text.count(u'€'), 17476267);
-    EXPECT_TRUE(watched->text.endsWith("cut"));
+    EXPECT_TRUE(watched->text.endsWith("cut\n"));
 }

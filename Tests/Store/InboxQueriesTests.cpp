@@ -21,7 +21,7 @@ protected:
         incoming.ts = ts;
         if (title)
             incoming.conversationTitle = QString::fromUtf8(title);
-        return storeMessage(*m_db, QString::fromUtf8(channel), QString::fromUtf8(account), incoming);
+        return storeMessage(*m_db, QString::fromUtf8(channel), QString::fromUtf8(account), incoming)->conversationId;
     }
 
     QList<ContactRow> list(InboxFilter filter = InboxFilter::All, const QString& account = {}, int limit = 300)

@@ -10,7 +10,10 @@ class IngestTest : public StoreTest {
 protected:
     IngestTest() { open(); }
 
-    QString store(const IncomingMessage& incoming) { return storeMessage(*m_db, "WHATSAPP", "main", incoming); }
+    QString store(const IncomingMessage& incoming)
+    {
+        return storeMessage(*m_db, "WHATSAPP", "main", incoming)->conversationId;
+    }
 };
 
 TEST_F(IngestTest, aMessageMakesItsConversationContactAndIdentity)

@@ -21,7 +21,7 @@ protected:
         message.providerMsgId = "needle";
         message.body = "the Needle is here";
         message.ts = 1;
-        const QString conversation = storeMessage(*m_db, "SMS", "a", message);
+        const QString conversation = storeMessage(*m_db, "SMS", "a", message)->conversationId;
         m_db->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<20000) "
                   "INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
                   "SELECT 'wa:msg:h' || i, 'local', ?, 'IN', 'hay and more hay ' || i, i, i FROM n;",

@@ -15,11 +15,12 @@ Result<void> FakeChild::write(const QByteArray& bytes)
     return {};
 }
 
-void FakeChild::print(const QString& text)
+void FakeChild::print(const QString& lines)
 {
+    ASSERT_TRUE(lines.endsWith(u'\n'));
     const std::shared_ptr<void> hold = std::make_shared<int>();
     m_lastHold = hold;
-    m_handlers.output({ text, hold });
+    m_handlers.output({ lines.toUtf8(), hold });
 }
 
 void FakeChild::printEvent(const QJsonObject& event)

@@ -30,7 +30,7 @@ public:
     bool withdraw(const QByteArray&) override { return false; }
     void terminate() override { terminated = true; }
 
-    void print(const QString& text); ///< one chunk, as it stands
+    void print(const QString& lines); ///< one chunk, of whole lines
     void printEvent(const QJsonObject& event); ///< one line with the sentinel
     void exit(int code = 0);
     QList<QJsonObject> commands() const; ///< every line that was written to it

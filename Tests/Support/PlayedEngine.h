@@ -41,7 +41,7 @@ public:
             m_engines.start(m_account);
     }
 
-    void print(const QString& chunk) { m_played.print(chunk); }
+    void print(const QByteArray& lines) { m_played.print(lines); } ///< whole ones
     EngineManager& engines() { return m_engines; }
     const Account& account() const { return m_account; }
 

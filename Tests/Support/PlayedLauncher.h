@@ -7,7 +7,7 @@ namespace corvane {
 /// Starts nothing: the one child prints what it is told. For programs without a test framework.
 class PlayedLauncher final : public ProcessLauncher, private ChildProcess {
 public:
-    void print(const QString& chunk) { m_handlers.output({ chunk, nullptr }); }
+    void print(const QByteArray& lines) { m_handlers.output({ lines, nullptr }); } ///< whole ones
 
     int marked(const QString&, Marked) override { return 0; }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec&, Handlers handlers) override

@@ -379,7 +379,8 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
 
 TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
 {
-    const QString path = home.path(u"label #1, 50% & ü?.png"_s);
+    const QString path = home.path(u"share/Corvane/media/main/label #1, 50% & ü?.png"_s);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
     QImage picture(800, 400, QImage::Format_RGB32);
     picture.fill(QColor(200, 30, 30));
     ASSERT_TRUE(picture.save(path));
@@ -403,7 +404,6 @@ TEST_F(ScreenTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
     };
     home.write(u"share/Corvane/media/main/fake.png"_s, "<html>no picture</html>");
     home.write(u"secret.png"_s, "private");
-    ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
     QImage picture(800, 400, QImage::Format_RGB32);
     picture.fill(QColor(200, 30, 30));
     ASSERT_TRUE(picture.save(path(u"cut.png"_s)));
@@ -413,6 +413,7 @@ TEST_F(ScreenTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
     for (const QString& name : { u"fake.png"_s, u"link.png"_s, u"cut.png"_s, u"gone.png"_s })
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "image" }, { "mediaPath", path(name) } });
+    ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
     inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     const auto isShown = [this](const QString& text) {
         return std::ranges::any_of(

@@ -1,93 +1,149 @@
 #include "Engines/EngineLines.h"
 
+#include "Engines/LineGroup.h"
+#include "Foundation/Json.h"
+
+#include <algorithm>
 #include <cstdlib>
 
 namespace corvane {
 
 namespace {
 
-constexpr QStringView sentinel = u"@@CORVANE@@";
-constexpr qint64 turnMs = 8; // half a frame: each event waits for the disk several times
+constexpr QByteArrayView sentinel = "@@CORVANE@@";
+constexpr qint64 turnMs = 8; // half a frame
 constexpr Milliseconds waitPeriod { 100 };
+
+// Other programs that wait for their turn to write look for it every 25 ms at first. A flood leaves them such a gap
+// before they have waited for 100.
+constexpr qint64 busyMs = 60;
+constexpr Milliseconds gap { 25 };
 
 }
 
-std::shared_ptr<EngineStream> EngineLines::open(const QString& head, std::function<void(const QString&)> handle)
+std::shared_ptr<EngineStream> EngineLines::open(Receiver receiver)
 {
-    return std::make_shared<EngineStream>(*this, head, std::move(handle));
+    return std::make_shared<EngineStream>(*this, std::move(receiver));
 }
 
 void EngineLines::wake(const std::shared_ptr<EngineStream>& stream)
 {
-    if (!stream->m_isWaiting) {
-        stream->m_isWaiting = true;
+    if (!std::exchange(stream->m_isWaiting, true))
         m_waiting.push_back(stream);
-    }
     if (!m_timer)
-        m_timer = m_scheduler.after(Milliseconds(0), [this] { turn(); });
+        wakeAfter(Milliseconds(0));
+}
+
+void EngineLines::wakeAfter(Milliseconds pause)
+{
+    m_timer = m_scheduler.after(pause, [this] { turn(); });
 }
 
 void EngineLines::turn()
 {
-    if (m_mustWait && m_mustWait()) {
-        m_timer = m_scheduler.after(waitPeriod, [this] { turn(); });
-        return;
-    }
+    const Streams streams = m_waiting;
     const qint64 startMs = m_scheduler.nowMs();
-    for (int i = 0; i < eventsPerTurn && !m_waiting.empty(); ++i) {
-        const std::shared_ptr<EngineStream> stream = m_waiting.front();
-        m_waiting.pop_front();
-        stream->m_isWaiting = false;
-        stream->step();
-        if (stream->hasWork())
-            wake(stream);
-        if (std::abs(m_scheduler.nowMs() - startMs) >= turnMs)
-            break;
-    }
+    const bool allTaken = take();
+    // Where the first write had to wait, what came before it needed none.
+    const bool kept = (allTaken || !m_group.hasRows()) && m_group.commit();
+    if (!kept)
+        m_group.rollBack();
+    for (const auto& stream : streams)
+        stream->settle(kept);
+    std::erase_if(m_waiting, [](const auto& stream) {
+        stream->m_isWaiting = stream->hasNext();
+        return !stream->m_isWaiting;
+    });
     m_timer.reset();
     if (!m_waiting.empty())
-        wake(m_waiting.front());
+        wakeAfter(allTaken && kept ? pauseForOthers(startMs) : waitPeriod);
+    if (kept)
+        m_group.tell();
+    for (const auto& stream : streams)
+        stream->tell();
 }
 
-EngineStream::EngineStream(EngineLines& lines, const QString& head, std::function<void(const QString&)> handle)
+Milliseconds EngineLines::pauseForOthers(qint64 startMs)
+{
+    if (startMs - m_endMs >= gap.count())
+        m_busySinceMs = startMs;
+    m_endMs = m_scheduler.nowMs();
+    return m_endMs - m_busySinceMs < busyMs ? Milliseconds(0) : gap;
+}
+
+/// False where the file takes no writes now.
+bool EngineLines::take()
+{
+    const qint64 startMs = m_scheduler.nowMs();
+    for (int i = 0; i < eventsPerTurn && std::abs(m_scheduler.nowMs() - startMs) < turnMs; ++i) {
+        const auto next = std::ranges::find_if(m_waiting, &EngineStream::hasNext);
+        if (next == m_waiting.end())
+            return true;
+        const std::shared_ptr<EngineStream> stream = *next;
+        m_waiting.erase(next);
+        if (!stream->takeNext()) {
+            m_waiting.push_front(stream);
+            return false;
+        }
+        m_waiting.push_back(stream);
+    }
+    return true;
+}
+
+EngineStream::EngineStream(EngineLines& lines, EngineLines::Receiver receiver)
     : m_lines(lines)
-    , m_handle(std::move(handle))
-    , m_rest(head)
+    , m_receiver(std::move(receiver))
 {
 }
 
 void EngineStream::append(const OutputChunk& chunk)
 {
-    // Only the chunk is searched: a line of many chunks is looked at once.
-    qsizetype from = 0;
-    for (qsizetype end = chunk.text.indexOf(u'\n'); end >= 0; end = chunk.text.indexOf(u'\n', from)) {
-        QString line = std::exchange(m_rest, QString());
-        line += QStringView(chunk.text).sliced(from, end - from);
-        from = end + 1;
-        if (const qsizetype mark = line.indexOf(sentinel); mark >= 0)
-            m_events.push_back({ line.sliced(mark + sentinel.size()), chunk.hold });
+    for (QByteArrayView rest = chunk.lines; !rest.isEmpty();) {
+        const QByteArrayView line = rest.first(rest.indexOf('\n'));
+        rest = rest.sliced(line.size() + 1);
+        const qsizetype mark = line.indexOf(sentinel);
+        if (mark < 0)
+            continue;
+        const QByteArrayView text = line.sliced(mark + sentinel.size());
+        if (auto event = jsonObject(QByteArray::fromRawData(text.data(), text.size())))
+            m_events.push_back({ *std::move(event), chunk.hold });
     }
-    m_rest += QStringView(chunk.text).sliced(from);
-    if (hasWork())
+    if (hasNext())
         m_lines.wake(shared_from_this());
 }
 
-void EngineStream::close(std::function<void(const QString&)> done)
+void EngineStream::close(std::function<void()> done)
 {
     m_done = std::move(done);
     m_lines.wake(shared_from_this());
 }
 
-void EngineStream::step()
+bool EngineStream::takeNext()
 {
-    if (m_events.empty()) {
-        const auto done = std::exchange(m_done, nullptr);
-        done(m_rest);
-        return;
+    if (!m_receiver.event(m_events[m_taken].object))
+        return false;
+    ++m_taken;
+    return true;
+}
+
+void EngineStream::settle(bool kept)
+{
+    for (; kept && m_taken > 0; --m_taken) {
+        if (const auto number = wholeNumber(m_events.front().object, QLatin1StringView("ack")))
+            m_kept = number;
+        m_events.pop_front();
     }
-    const Event event = std::move(m_events.front());
-    m_events.pop_front();
-    m_handle(event.text);
+    m_taken = 0;
+}
+
+void EngineStream::tell()
+{
+    if (const auto number = std::exchange(m_kept, std::nullopt); number && m_receiver.kept)
+        m_receiver.kept(*number);
+    if (!m_events.empty() || !m_done)
+        return;
+    const auto done = std::exchange(m_done, nullptr);
+    done();
 }
 
 }

@@ -3,68 +3,85 @@
 #include "Foundation/Scheduler.h"
 #include "Platform/ProcessLauncher.h"
 
-#include <QString>
+#include <QJsonObject>
 #include <deque>
 
 namespace corvane {
 
 class EngineStream;
+class LineGroup;
 
-/// Hands on the events that engines print, in the order of each engine's lines: a few at each turn of the loop,
-/// fewer where each takes long, and one from each engine in turn, so that a flood blocks neither the window nor another
-/// engine. It outlives its streams.
+/// Hands on the events that engines print, in the order of each engine's lines: at most 64 or 8 ms of them at each
+/// turn of the loop, and one from each engine in turn, so that a flood blocks neither the window nor another engine.
+/// The events of a turn are one group; where it cannot be kept they stay, and no engine is read further. It outlives
+/// its streams.
 class EngineLines {
 public:
-    /// While `mustWait` says so nothing is handed on, and no engine is read further.
-    explicit EngineLines(Scheduler& scheduler, std::function<bool()> mustWait = {})
+    /// The references outlive the object.
+    EngineLines(Scheduler& scheduler, LineGroup& group)
         : m_scheduler(scheduler)
-        , m_mustWait(std::move(mustWait))
+        , m_group(group)
     {
     }
 
-    /// A new engine's output. `head` is what an earlier engine of the account left unterminated; it is joined to
-    /// the first chunk. `handle` receives everything behind the sentinel of a line.
-    std::shared_ptr<EngineStream> open(const QString& head, std::function<void(const QString& event)> handle);
+    struct Receiver {
+        /// The object behind the sentinel of a line. False where it cannot be stored now: then it comes again.
+        std::function<bool(const QJsonObject& event)> event;
+        /// Everything up to the line that says "ack" with this number counts.
+        std::function<void(qint64 number)> kept = {};
+    };
 
-    static constexpr int eventsPerTurn = 8;
+    /// A new engine's output.
+    std::shared_ptr<EngineStream> open(Receiver receiver);
+
+    static constexpr int eventsPerTurn = 64;
 
 private:
     friend class EngineStream;
+    using Streams = std::deque<std::shared_ptr<EngineStream>>;
     void wake(const std::shared_ptr<EngineStream>& stream);
+    void wakeAfter(Milliseconds pause);
     void turn();
+    bool take();
+    Milliseconds pauseForOthers(qint64 startMs);
 
     Scheduler& m_scheduler;
-    const std::function<bool()> m_mustWait;
+    LineGroup& m_group;
     std::unique_ptr<Timer> m_timer;
-    std::deque<std::shared_ptr<EngineStream>> m_waiting;
+    Streams m_waiting;
+    qint64 m_busySinceMs = 0; ///< since when one group follows the other
+    qint64 m_endMs = 0; ///< of the last group
 };
 
 /// The standard output of one engine.
 class EngineStream : public std::enable_shared_from_this<EngineStream> {
 public:
-    EngineStream(EngineLines& lines, const QString& head, std::function<void(const QString&)> handle);
+    EngineStream(EngineLines& lines, EngineLines::Receiver receiver);
 
     /// The chunk is held until its events are handled.
     void append(const OutputChunk& chunk);
 
-    /// Nothing follows. `done` is called after the last event, with the unterminated rest.
-    void close(std::function<void(const QString& rest)> done);
+    /// Nothing follows. `done` is called after the last event.
+    void close(std::function<void()> done);
 
 private:
     friend class EngineLines;
     struct Event {
-        QString text;
+        QJsonObject object;
         std::shared_ptr<void> hold;
     };
 
-    bool hasWork() const { return !m_events.empty() || m_done; }
-    void step();
+    bool hasNext() const { return m_taken < m_events.size(); }
+    bool takeNext();
+    void settle(bool kept);
+    void tell();
 
     EngineLines& m_lines;
-    std::function<void(const QString&)> m_handle;
-    std::function<void(const QString&)> m_done;
-    QString m_rest; ///< never holds a newline
+    EngineLines::Receiver m_receiver;
+    std::function<void()> m_done;
     std::deque<Event> m_events;
+    size_t m_taken = 0; ///< by the group that is not kept yet
+    std::optional<qint64> m_kept; ///< the newest number to be told
     bool m_isWaiting = false;
 };
 

@@ -4,6 +4,7 @@
 #include "Engines/ConnectionEvents.h"
 #include "Engines/EngineManagerState.h"
 #include "Engines/EngineSpec.h"
+#include "Engines/MediaPlaces.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
@@ -52,10 +53,15 @@ bool isDirectSend(const QString& id)
     return id.startsWith(directSendPrefix + u':');
 }
 
-EventSource sourceOf(const QUuid& accountId, const std::optional<Account>& account)
+bool answersDirectSend(const QString& type, const QJsonObject& event)
+{
+    return type == u"sendAck" && isDirectSend(textValue(event, QLatin1StringView("draftId")).value_or(QString()));
+}
+
+EventSource sourceOf(const AppPaths& paths, const QUuid& accountId, const std::optional<Account>& account)
 {
     if (account)
-        return { account->slug, channelRaw(account->channel()), account->slug };
+        return { account->slug, channelRaw(account->channel()), account->slug, mediaPlaces(paths, *account) };
     return { accountId.toString(QUuid::WithoutBraces).toUpper(), channelRaw(Channel::WhatsApp), QStringLiteral("x") };
 }
 
@@ -67,19 +73,19 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , desktop(surroundings.desktop)
     , notifier(surroundings.notifier)
     , db(std::move(database))
+    , lines(*db)
     , runtime([&manager](const QUuid& accountId) { Q_EMIT manager.runtimeChanged(accountId); })
     , processes(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.keychain, runtime,
           EngineProcesses::Handlers {
               .event = [&manager](const QUuid& accountId, Speaker speaker,
-                           const QString& event) { manager.handleEvent(accountId, event, speaker); },
+                           const QJsonObject& event) { return manager.takeEvent(accountId, event, speaker); },
               .ended = [this](const std::shared_ptr<ChildProcess>& child) { drafts.engineEnded(child); },
               .allEnded = [&manager] { Q_EMIT manager.allEnded(); },
           },
-          // A message is several writes; each would hold the window for its five seconds, then lose its part.
-          [this] { return db->isHeldElsewhere(); })
+          lines)
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
-    , ingest(*db, surroundings.notifier, surroundings.paths.applicationSupport)
+    , ingest(*db, lines, surroundings.notifier, surroundings.paths.applicationSupport)
     , drafts(manager, surroundings.scheduler)
     , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.refreshUnreadBadge(); })
 {
@@ -290,28 +296,59 @@ void EngineManager::bump(const QString& contactId)
 void EngineManager::handleEvent(const QUuid& accountId, const QString& line, Speaker speaker)
 {
     const auto event = jsonObject(line.toUtf8());
-    const auto type = event ? textValue(*event, QLatin1StringView("type")) : std::nullopt;
+    if (event && takeEvent(accountId, *event, speaker) && m_state->lines.commit())
+        m_state->lines.tell();
+    else
+        m_state->lines.rollBack();
+}
+
+void EngineManager::tellDirectSend(const QJsonObject& acknowledgment)
+{
+    const auto text = [&](const char* key) {
+        return textValue(acknowledgment, QLatin1StringView(key)).value_or(QString());
+    };
+    const QString status = text("status");
+    const QString error = text("error");
+    Q_EMIT directSendAnswered(text("draftId"), status == u"sent" || status == u"placed",
+        error.isEmpty() ? QStringLiteral("Send failed") : error);
+}
+
+/// False where the event is to come again.
+bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker)
+{
+    const auto type = textValue(event, QLatin1StringView("type"));
     if (!type)
-        return;
-    const EventSource source = sourceOf(accountId, m_state->processes.account(accountId));
-    RuntimeState state = runtime(accountId);
-    if (const auto said = *type == u"log" ? textValue(*event, QLatin1StringView("msg")) : std::nullopt)
-        log(QStringLiteral("engine %1 says: %2").arg(source.slug, firstCharacters(*said, loggedLength)));
-    if (const auto id = *type == u"sendAck" ? textValue(*event, QLatin1StringView("draftId")) : std::nullopt;
-        id && isDirectSend(*id)) {
-        const auto status = textValue(*event, QLatin1StringView("status"));
-        Q_EMIT directSendAnswered(*id, status == u"sent"_s || status == u"placed"_s,
-            textValue(*event, QLatin1StringView("error")).value_or(QStringLiteral("Send failed")));
-    } else if (!isConnectionEvent(*type)) {
-        m_state->ingest.handle(source, *type, *event);
-        state = runtime(accountId); // an acknowledgment may have started an engine
-    } else if (speaker == Speaker::Current) {
-        state = afterConnectionEvent(state, *type, *event);
-        if (reportsOpen(*type, *event))
-            m_state->processes.connectionOpened(accountId);
+        return true;
+    LineGroup& lines = m_state->lines;
+    const EventSource source = sourceOf(m_state->paths, accountId, m_state->processes.account(accountId));
+    const auto tell = [this, slug = source.slug, type = *type] {
+        Q_EMIT eventHandled(slug, type);
+    };
+    if (answersDirectSend(*type, event)) {
+        lines.afterCommit([this, event] { tellDirectSend(event); });
+        lines.afterCommit(tell);
+    } else if (Ingest::storesRows(*type)) {
+        const bool stored = lines.add([&] {
+            if (m_state->ingest.store(source, *type, event))
+                lines.afterCommit(tell);
+        });
+        if (!stored)
+            return false;
+    } else {
+        if (const auto said = *type == u"log" ? textValue(event, QLatin1StringView("msg")) : std::nullopt)
+            lines.afterCommit([slug = source.slug, said = *said] {
+                log(QStringLiteral("engine %1 says: %2").arg(slug, firstCharacters(said, loggedLength)));
+            });
+        lines.afterCommit(tell);
     }
-    m_state->runtime.set(accountId, state);
-    Q_EMIT eventHandled(source.slug, *type);
+    lines.afterCommit([this, accountId, type = *type, event, speaker] {
+        const bool speaks = speaker == Speaker::Current && isConnectionEvent(type);
+        const RuntimeState state = runtime(accountId);
+        if (speaks && reportsOpen(type, event))
+            m_state->processes.connectionOpened(accountId);
+        m_state->runtime.set(accountId, speaks ? afterConnectionEvent(state, type, event) : state);
+    });
+    return true;
 }
 
 }

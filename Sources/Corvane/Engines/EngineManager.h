@@ -111,7 +111,8 @@ public:
     /// Something that the inbox shows of this person may have changed; of anybody where no one is named.
     void bump(const QString& contactId = {});
 
-    /// What an engine printed behind the sentinel; anything but a JSON object with a "type" is ignored.
+    /// What an engine printed behind the sentinel, as a group of its own; anything but a JSON object with a "type" is
+    /// ignored.
     void handleEvent(const QUuid& accountId, const QString& line, Speaker speaker);
 
 Q_SIGNALS:
@@ -124,9 +125,11 @@ Q_SIGNALS:
     void draftReturned(const QString& id); ///< it is not as it was approved: the person is to be asked again
     void directSendAnswered(const QString& id, bool sent, const QString& error);
     void allEnded(); ///< no engine is left, and what they printed is dealt with
-    void eventHandled(const QString& accountSlug, const QString& type); ///< a well-formed line, after its effect
+    void eventHandled(const QString& accountSlug, const QString& type); ///< a line that counted, after the commit
 
 private:
+    bool takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker);
+    void tellDirectSend(const QJsonObject& acknowledgment);
     void setMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 
     struct State;

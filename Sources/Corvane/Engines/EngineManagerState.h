@@ -6,6 +6,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Engines/Ingest.h"
+#include "Engines/LineGroup.h"
 #include "Engines/RuntimeStates.h"
 #include "Engines/ToolServer.h"
 #include "Foundation/Coalescer.h"
@@ -25,6 +26,7 @@ struct EngineManager::State {
     Notifier& notifier;
     QPointer<AccountStore> accounts;
     std::unique_ptr<LocalDB> db;
+    LineGroup lines;
     RuntimeStates runtime;
     EngineProcesses processes;
     ToolServer toolServer;

@@ -2,6 +2,7 @@
 
 #include "Engines/EngineSpec.h"
 #include "Engines/RuntimeStates.h"
+#include "Foundation/Json.h"
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 
@@ -15,17 +16,22 @@ constexpr int maxRestartAttempts = 5;
 constexpr Milliseconds remainsPeriod { 100 };
 constexpr int remainsRounds = 50;
 
+QByteArray acknowledgment(qint64 number)
+{
+    return compactJson({ { QStringLiteral("cmd"), QStringLiteral("ack") }, { QStringLiteral("n"), number } }) + '\n';
+}
+
 }
 
 EngineProcesses::EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher,
-    Keychain& keychain, RuntimeStates& runtime, Handlers handlers, std::function<bool()> mustWait)
+    Keychain& keychain, RuntimeStates& runtime, Handlers handlers, LineGroup& lines)
     : m_paths(paths)
     , m_scheduler(scheduler)
     , m_launcher(launcher)
     , m_keychain(keychain)
     , m_runtime(runtime)
     , m_handlers(std::move(handlers))
-    , m_lines(scheduler, std::move(mustWait))
+    , m_lines(scheduler, lines)
 {
 }
 
@@ -79,10 +85,20 @@ void EngineProcesses::launch(const Account& account)
     const auto engine = std::make_shared<Engine>();
     engine->account = account;
     engine->spec = engineSpec(m_paths, m_keychain, account);
-    engine->stream = m_lines.open({}, [this, id, weak = std::weak_ptr(engine)](const QString& event) {
-        const auto speaker = weak.lock();
-        const bool superseded = m_successors.contains(speaker->account.slug);
-        m_handlers.event(id, superseded ? Speaker::Superseded : Speaker::Current, event);
+    const std::weak_ptr<Engine> weak = engine;
+    engine->stream = m_lines.open({
+        .event =
+            [this, id, weak](const QJsonObject& event) {
+                const auto speaker = weak.lock();
+                const bool superseded = m_successors.contains(speaker->account.slug);
+                return m_handlers.event(id, superseded ? Speaker::Superseded : Speaker::Current, event);
+            },
+        // One that cannot be told any more says it all again to its successor.
+        .kept =
+            [weak](qint64 number) {
+                if (const auto alive = weak.lock())
+                    (void)alive->child->write(acknowledgment(number));
+            },
     });
     const auto child = m_launcher.start(engine->spec, handlersFor(engine));
     if (!child) {
@@ -115,7 +131,7 @@ ProcessLauncher::Handlers EngineProcesses::handlersFor(const std::shared_ptr<Eng
                     return;
                 alive->exitCode = code;
                 // What the engine printed last counts before its exit does.
-                alive->stream->close([this, weak](const QString&) { handleExit(weak.lock()); });
+                alive->stream->close([this, weak] { handleExit(weak.lock()); });
             },
     };
 }

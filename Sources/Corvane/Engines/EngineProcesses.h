@@ -24,14 +24,15 @@ enum class Speaker { Current, Superseded };
 class EngineProcesses {
 public:
     struct Handlers {
-        std::function<void(const QUuid& accountId, Speaker speaker, const QString& event)> event;
+        /// False where the event is to come again.
+        std::function<bool(const QUuid& accountId, Speaker speaker, const QJsonObject& event)> event;
         std::function<void(const std::shared_ptr<ChildProcess>& child)> ended; ///< after its last event
         std::function<void()> allEnded; ///< once, after `stopAll`
     };
 
-    /// Every reference outlives the object. Events stay with their engines while `mustWait` says so.
+    /// Every reference outlives the object.
     EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, Keychain& keychain,
-        RuntimeStates& runtime, Handlers handlers, std::function<bool()> mustWait);
+        RuntimeStates& runtime, Handlers handlers, LineGroup& lines);
 
     /// Nothing where the account's engine runs; one that closed its input is ended and started afresh.
     void start(const Account& account);

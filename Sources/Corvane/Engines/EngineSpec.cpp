@@ -1,5 +1,6 @@
 #include "Engines/EngineSpec.h"
 
+#include "Engines/MediaPlaces.h"
 #include "Foundation/Json.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
@@ -234,6 +235,8 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
     const Channel channel = account.channel();
     ProcessSpec spec = nodeSpec(paths, entryScript(channel), channel == Channel::WhatsApp ? 384 : 128);
     spec.environment.insert(QStringLiteral("LOG_LEVEL"), QStringLiteral("info"));
+    if (const auto folder = mediaFolder(paths, account))
+        spec.environment.insert(QStringLiteral("CORVANE_MEDIA_DIR"), *folder);
     spec.environment.insert(markVariable, markOf(paths, account));
     insertChannelVariables(spec.environment, paths, keychain, account);
     spec.environment.remove(QStringLiteral("MCP_HTTP_PORT")); // an engine opens no tool port of its own

@@ -1,8 +1,11 @@
 #include "Engines/Ingest.h"
 
 #include "CRM/ContactsBridge.h"
+#include "Engines/LineGroup.h"
+#include "Engines/MediaPlaces.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Log.h"
 #include "Notifications/Notifier.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/DraftApprovals.h"
@@ -13,7 +16,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <cmath>
 
 namespace corvane {
 
@@ -24,29 +26,21 @@ std::optional<QString> text(const QJsonObject& event, const char* key)
     return textValue(event, QLatin1StringView(key));
 }
 
-/// A number without its fraction; nothing where it is none, or none that 64 bits hold.
-std::optional<qint64> truncated(const QJsonValue& value)
+/// A path that an engine may name; anything else is as if it had named none.
+std::optional<QString> mediaPath(const EventSource& source, const QJsonObject& event, const char* key)
 {
-    if (!value.isDouble())
-        return std::nullopt;
-    const QVariant number = value.toVariant();
-    if (number.typeId() == QMetaType::LongLong)
-        return number.toLongLong();
-    constexpr double limit = 9223372036854775808.0;
-    const double real = number.toDouble();
-    return real >= -limit && real < limit ? std::optional(static_cast<qint64>(real)) : std::nullopt;
-}
-
-std::optional<qint64> integer(const QJsonValue& value)
-{
-    const double real = value.toDouble();
-    return std::trunc(real) == real ? truncated(value) : std::nullopt;
+    const auto path = text(event, key);
+    if (!path || isMediaPath(source.mediaPlaces, *path))
+        return path;
+    log(QStringLiteral("Ingest: %1: not a file in its own folders: %2").arg(source.slug, *path));
+    return std::nullopt;
 }
 
 }
 
-Ingest::Ingest(LocalDB& db, Notifier& notifier, const QString& applicationSupport)
+Ingest::Ingest(LocalDB& db, LineGroup& group, Notifier& notifier, const QString& applicationSupport)
     : m_db(db)
+    , m_group(group)
     , m_notifier(notifier)
     , m_applicationSupport(applicationSupport)
 {
@@ -57,9 +51,8 @@ void Ingest::setContactsBridge(ContactsBridge* contacts)
     m_contacts = contacts;
 }
 
-void Ingest::handle(const EventSource& source, const QString& type, const QJsonObject& event)
+Ingest::Handler Ingest::handlerOf(const QString& type)
 {
-    using Handler = void (Ingest::*)(const EventSource&, const QJsonObject&);
     static const QHash<QString, Handler> handlers {
         { QStringLiteral("message"), &Ingest::handleMessage },
         { QStringLiteral("avatar"), &Ingest::handleAvatar },
@@ -70,134 +63,178 @@ void Ingest::handle(const EventSource& source, const QString& type, const QJsonO
         { QStringLiteral("contactName"), &Ingest::handleContactName },
         { QStringLiteral("phone"), &Ingest::handlePhone },
     };
-    if (const Handler handler = handlers.value(type))
-        (this->*handler)(source, event);
+    return handlers.value(type);
 }
 
-void Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
+bool Ingest::storesRows(const QString& type)
+{
+    return handlerOf(type) != nullptr;
+}
+
+bool Ingest::store(const EventSource& source, const QString& type, const QJsonObject& event)
+{
+    return (this->*handlerOf(type))(source, event);
+}
+
+void Ingest::tellInboxChanged(const QString& contactId)
+{
+    m_group.afterCommit([this, contactId] { Q_EMIT inboxChanged(contactId); });
+}
+
+void Ingest::tellMessageChanged(const EventSource& source, const QString& providerMsgId)
+{
+    tellInboxChanged(contactOfMessage(m_db, messageIdOf(m_db, source.slug, providerMsgId)));
+}
+
+void Ingest::tellMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status)
+{
+    m_group.afterCommit([this, messageId, status] { Q_EMIT mediaDownloadChanged(messageId, status); });
+}
+
+bool Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
 {
     const auto externalId = text(event, "convExternalId");
     const auto body = text(event, "body");
     const auto providerMsgId = text(event, "providerMsgId");
     if (!externalId || !body || !providerMsgId)
-        return;
+        return false;
 
     IncomingMessage message;
     message.conversationExternalId = *externalId;
     message.providerMsgId = *providerMsgId;
     message.body = *body;
     message.outgoing = text(event, "direction") == QStringLiteral("OUT");
-    message.ts = truncated(event.value(QLatin1StringView("ts"))).value_or(m_db.nowMs());
+    message.ts = truncatedNumber(event, QLatin1StringView("ts")).value_or(m_db.nowMs());
     message.conversationTitle = text(event, "convTitle");
     message.sender = text(event, "sender");
     message.mediaType = text(event, "mediaType");
-    message.mediaPath = text(event, "mediaPath");
-    const QString conversation = storeMessage(m_db, source.channel, source.slug, message);
+    message.mediaPath = mediaPath(source, event, "mediaPath");
+    const auto stored = storeMessage(m_db, source.channel, source.slug, message);
+    if (!stored)
+        return false;
     if (message.mediaPath)
-        Q_EMIT mediaDownloadChanged(messageId(*providerMsgId), std::nullopt);
+        tellMediaDownload(messageIdOf(m_db, source.slug, *providerMsgId), std::nullopt);
 
-    const QString contact = contactId(source.channel, *externalId);
     const bool historical = event.value(QLatin1StringView("historical")).toBool();
-    if (!message.outgoing && !historical) {
-        raiseUnread(m_db, conversation);
-        // Of a contact that was merged, the person is another; the conversation comes back to them a moment later.
-        const QString person = personBehind(m_db, contact);
-        if (m_openContactId != person && m_notifier.wouldNotify(person) && !isMuted(m_db, person)
-            && (person == contact || !isMuted(m_db, contact))) {
-            const QString name = message.conversationTitle.value_or(message.sender.value_or(*externalId));
-            m_notifier.notifyMessage(person, WAName::pretty(name), source.channel, *body);
-        }
+    if (stored->isNew && !message.outgoing && !historical) {
+        raiseUnread(m_db, stored->conversationId);
+        announce(source, message);
     }
-    Q_EMIT inboxChanged(contact);
+    tellInboxChanged(contactId(source.channel, *externalId));
+    return true;
 }
 
-void Ingest::handleAvatar(const EventSource& source, const QJsonObject& event)
+void Ingest::announce(const EventSource& source, const IncomingMessage& message)
+{
+    // Of a contact that was merged, the person is another; the conversation comes back to them a moment later.
+    const QString contact = contactId(source.channel, message.conversationExternalId);
+    const QString person = personBehind(m_db, contact);
+    if (m_openContactId == person || !m_notifier.wouldNotify(person) || isMuted(m_db, person)
+        || (person != contact && isMuted(m_db, contact)))
+        return;
+    const QString name = message.conversationTitle.value_or(message.sender.value_or(message.conversationExternalId));
+    m_group.afterCommit([this, person, name = WAName::pretty(name), channel = source.channel, body = message.body] {
+        m_notifier.notifyMessage(person, name, channel, body);
+    });
+}
+
+bool Ingest::handleAvatar(const EventSource& source, const QJsonObject& event)
 {
     const auto jid = text(event, "jid");
-    const auto path = text(event, "path");
+    const auto path = mediaPath(source, event, "path");
     if (!jid || !path)
-        return;
+        return false;
     setContactAvatar(m_db, contactId(source.channel, *jid), *path);
-    Q_EMIT inboxChanged(contactId(source.channel, *jid));
+    tellInboxChanged(contactId(source.channel, *jid));
+    return true;
 }
 
-void Ingest::handleMessageStatus(const EventSource&, const QJsonObject& event)
+bool Ingest::handleMessageStatus(const EventSource& source, const QJsonObject& event)
 {
     const auto providerMsgId = text(event, "providerMsgId");
-    const auto status = integer(event.value(QLatin1StringView("status")));
+    const auto status = wholeNumber(event, QLatin1StringView("status"));
     if (!providerMsgId || !status)
-        return;
-    raiseMessageStatus(m_db, *providerMsgId, *status);
-    Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
+        return false;
+    raiseMessageStatus(m_db, source.slug, *providerMsgId, *status);
+    tellMessageChanged(source, *providerMsgId);
+    return true;
 }
 
-void Ingest::handleSendAck(const EventSource&, const QJsonObject& event)
+bool Ingest::handleSendAck(const EventSource& source, const QJsonObject& event)
 {
     const auto draftId = text(event, "draftId");
     if (!draftId)
-        return;
-    acknowledgeDraft(m_db, *draftId, text(event, "status").value_or(QString()), text(event, "providerMsgId"),
-        text(event, "error").value_or(QStringLiteral("Send failed")));
-    Q_EMIT draftAcknowledged();
+        return false;
+    acknowledgeDraft(m_db, source.slug, *draftId, text(event, "status").value_or(QString()),
+        text(event, "providerMsgId"), text(event, "error").value_or(QStringLiteral("Send failed")));
+    m_group.afterCommit([this] { Q_EMIT draftAcknowledged(); });
+    return true;
 }
 
-void Ingest::handleReaction(const EventSource&, const QJsonObject& event)
+bool Ingest::handleReaction(const EventSource& source, const QJsonObject& event)
 {
     const auto target = text(event, "targetProviderMsgId");
     if (!target)
-        return;
-    setProviderReaction(m_db, *target, text(event, "emoji").value_or(QStringLiteral("")));
-    Q_EMIT inboxChanged(contactOfMessage(m_db, *target));
+        return false;
+    setProviderReaction(m_db, source.slug, *target, text(event, "emoji").value_or(QStringLiteral("")));
+    tellMessageChanged(source, *target);
+    return true;
 }
 
-void Ingest::handleMedia(const EventSource&, const QJsonObject& event)
+bool Ingest::handleMedia(const EventSource& source, const QJsonObject& event)
 {
     const auto providerMsgId = text(event, "providerMsgId");
     if (!providerMsgId)
-        return;
-    const QString key = messageId(*providerMsgId);
+        return false;
+    const QString key = messageIdOf(m_db, source.slug, *providerMsgId);
     const QString state = text(event, "state").value_or(QString());
     if (state == u"requested") {
-        Q_EMIT mediaDownloadChanged(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Downloading, {} });
-    } else if (state == u"failed") {
+        tellMediaDownload(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Downloading, {} });
+        return true;
+    }
+    if (state == u"failed") {
         const QString reason
             = text(event, "error").value_or(QStringLiteral("Couldn't fetch this media from WhatsApp."));
-        Q_EMIT mediaDownloadChanged(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Failed, reason });
-        Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
+        tellMediaDownload(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Failed, reason });
     } else if (state == u"success") {
-        if (const auto path = text(event, "mediaPath"))
-            updateMessageMedia(m_db, *providerMsgId, text(event, "mediaType"), *path);
-        Q_EMIT mediaDownloadChanged(key, std::nullopt);
-        Q_EMIT inboxChanged(contactOfMessage(m_db, *providerMsgId));
+        if (const auto path = mediaPath(source, event, "mediaPath"))
+            updateMessageMedia(m_db, source.slug, *providerMsgId, text(event, "mediaType"), *path);
+        tellMediaDownload(key, std::nullopt);
+    } else {
+        return false;
     }
+    tellMessageChanged(source, *providerMsgId);
+    return true;
 }
 
-void Ingest::handleContactName(const EventSource& source, const QJsonObject& event)
+bool Ingest::handleContactName(const EventSource& source, const QJsonObject& event)
 {
     const auto jid = text(event, "jid");
     const auto name = text(event, "name");
     if (!jid || !name || name->isEmpty())
-        return;
+        return false;
     setContactName(m_db, contactId(source.channel, *jid), *name);
-    Q_EMIT inboxChanged(contactId(source.channel, *jid));
+    tellInboxChanged(contactId(source.channel, *jid));
+    return true;
 }
 
-void Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
+bool Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
 {
     const auto jid = text(event, "jid");
     const auto phone = text(event, "phone");
     if (!jid || !phone || !m_contacts)
-        return;
+        return false;
     const auto person = m_contacts->match(*phone);
     if (!person)
-        return;
+        return false;
     const QString contact = contactId(source.channel, *jid);
     setContactName(m_db, contact, person->name);
     if (!person->image.isEmpty()) {
         if (const auto path = writeAddressBookPhoto(*jid, source, person->image))
             setContactAvatar(m_db, contact, *path);
     }
-    Q_EMIT inboxChanged(contact);
+    tellInboxChanged(contact);
+    return true;
 }
 
 std::optional<QString> Ingest::writeAddressBookPhoto(

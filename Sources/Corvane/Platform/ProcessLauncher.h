@@ -46,10 +46,10 @@ public:
     virtual void terminate() = 0;
 };
 
-/// A chunk of text that a child printed. The launcher reads no more from that child until the chunk is
-/// destroyed, so that a child which floods fills its own pipe and not this process's memory.
+/// Whole lines that a child printed, each with its newline. The launcher reads no more from that child until the chunk
+/// is destroyed, so that a child which floods fills its own pipe and not this process's memory.
 struct OutputChunk {
-    QString text;
+    QByteArray lines;
     std::shared_ptr<void> hold;
 };
 
@@ -57,7 +57,7 @@ struct OutputChunk {
 class ProcessLauncher {
 public:
     struct Handlers {
-        /// A chunk ends at a character's boundary; one that is not valid UTF-8 is dropped whole.
+        /// A line past 64 MB is dropped, and so is one that has not ended when the child does.
         std::function<void(OutputChunk)> output;
         /// Exactly once, after the last chunk. The code is the exit status, or minus the signal's number.
         std::function<void(int code)> exited;

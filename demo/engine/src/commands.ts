@@ -36,6 +36,8 @@ export class Commands {
         return this.downloadMedia(textOf(command, "messageId"));
       case "fetchAvatar":
         return this.fetchAvatar(textOf(command, "jid"));
+      case "ack":
+        return this.engine.kept(Number(command.n));
       case "sync":
         return emit({ type: "log", msg: "Everything is up to date" });
     }
@@ -44,12 +46,23 @@ export class Commands {
   private send(chatId: string, text: string, draftId: string): void {
     if (!this.engine.isOpen) return this.refuse(draftId, "Not connected yet");
     if (chatId === "" || text.trim() === "") return this.refuse(draftId, "There is nothing to send");
+    const { drafts } = this.engine.memory;
+    // A retry of what went out already, though the desktop did not hear of it.
+    if (drafts[draftId]?.text === text) return this.acknowledge(draftId, drafts[draftId].id);
     const conversation = this.conversationWith(chatId);
     const id = this.nextSentId(chatId);
+    if (draftId !== "") {
+      drafts[draftId] = { text, id };
+      this.engine.save();
+    }
     const message: Message = { id, outgoing: true, body: text, at: 0 };
     this.engine.say(conversation, message, this.engine.clock.now());
-    if (draftId !== "") emit({ type: "sendAck", draftId, status: "sent", providerMsgId: message.id });
+    if (draftId !== "") this.acknowledge(draftId, id);
     this.sometimesAnswer(conversation);
+  }
+
+  private acknowledge(draftId: string, providerMsgId: string): void {
+    emit({ type: "sendAck", draftId, status: "sent", providerMsgId });
   }
 
   private refuse(draftId: string, error: string): void {

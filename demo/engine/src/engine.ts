@@ -9,7 +9,7 @@ import { Library } from "./media/library.ts";
 import { randomFrom, type Random } from "./random.ts";
 import { writeRecords } from "./records.ts";
 import { readScript, type Conversation, type Message, type Turn } from "./script.ts";
-import { emit, listen, type MessageEvent } from "./wire.ts";
+import { drained, emit, listen, type MessageEvent } from "./wire.ts";
 
 export interface Profile {
   channel: "whatsapp" | "email" | "telegram";
@@ -30,7 +30,7 @@ const olderPerSecond = 12;
 /** Runs until its input ends. */
 export function runEngine(profile: Profile): void {
   const engine = new Engine(profile, clockFrom(process.env));
-  listen((command) => engine.commands.handle(command));
+  listen((command) => void engine.told.then(() => engine.commands.handle(command)));
   engine.connect();
 }
 
@@ -43,6 +43,8 @@ export class Engine {
   readonly random: Random;
   readonly commands: Commands;
   isOpen = false;
+  /** Once the history is out; commands wait for it. */
+  told: Promise<void> = Promise.resolve();
 
   constructor(profile: Profile, clock: Clock) {
     this.profile = profile;
@@ -92,6 +94,10 @@ export class Engine {
   }
 
   private open(): void {
+    this.told = this.begin();
+  }
+
+  private async begin(): Promise<void> {
     this.isOpen = true;
     emit({ type: "status", state: "open", user: this.profile.user });
     const unread = this.conversations
@@ -102,35 +108,47 @@ export class Engine {
       if ("name" in turn) conversation.name = turn.name;
     }
     this.save();
-    this.tellHistory();
+    await this.tellHistory();
     this.keepRecords();
-    for (const { conversation, message } of unread.slice(this.memory.said)) {
-      this.advance();
-      this.say(conversation, message, message.at);
+    // What the desktop has not stored yet is told again at the next start.
+    let said = this.memory.said;
+    for (const { conversation, message } of unread.slice(said)) {
+      said += 1;
+      this.say(conversation, message, message.at, "live", said);
     }
     if (this.clock.still) return;
 
     const next = (): void => {
-      const live = turns[this.memory.said - unread.length];
+      const live = turns[said - unread.length];
       if (live === undefined) return;
       const [least, most] = this.profile.beat;
       const pause = this.random.between(least, most) * (live.goesOn ? 0.5 : 1);
       this.clock.after(pause * 1000, () => {
-        this.advance();
-        this.happen(live.conversation, live.turn);
+        said += 1;
+        this.happen(live.conversation, live.turn, said);
         next();
       });
     };
     next();
   }
 
+  /** The desktop has stored every live line up to this one. */
+  kept(number: number): void {
+    if (number <= this.memory.said) return;
+    this.memory.said = number;
+    this.save();
+  }
+
   /** The messages of everybody first, so that the list fills at once; then names and faces. */
-  private tellHistory(): void {
+  private async tellHistory(): Promise<void> {
     const older: (() => void)[] = [];
     for (const conversation of this.conversations) {
       const tell = (message: Message): void => this.say(conversation, message, message.at, "historical");
       const first = this.clock.still ? 0 : Math.max(conversation.history.length - atOnce, 0);
-      conversation.history.slice(first).forEach(tell);
+      for (const message of conversation.history.slice(first)) {
+        tell(message);
+        await drained();
+      }
       older.push(...conversation.history.slice(0, first).map((message) => () => tell(message)));
     }
     this.tellOlder(older);
@@ -144,8 +162,11 @@ export class Engine {
   /** The years before, newest first and a few a second: what happens now does not wait behind them. */
   private tellOlder(older: (() => void)[]): void {
     if (older.length === 0) return;
-    this.clock.after(1000, () => {
-      for (const tell of older.splice(-olderPerSecond).reverse()) tell();
+    this.clock.after(1000, async () => {
+      for (const tell of older.splice(-olderPerSecond).reverse()) {
+        tell();
+        await drained();
+      }
       this.tellOlder(older);
     });
   }
@@ -166,13 +187,19 @@ export class Engine {
     emit({ type: "avatar", jid: conversation.handle, path });
   }
 
-  private happen(conversation: Conversation, turn: Turn): void {
-    if ("message" in turn) return this.say(conversation, turn.message, this.clock.now());
+  private happen(conversation: Conversation, turn: Turn, ack: number): void {
+    if ("message" in turn) return this.say(conversation, turn.message, this.clock.now(), "live", ack);
     conversation.name = turn.name;
-    emit({ type: "contactName", jid: conversation.handle, name: turn.name });
+    emit({ type: "contactName", jid: conversation.handle, name: turn.name }, ack);
   }
 
-  say(conversation: Conversation, message: Message, at: number, how: "historical" | "live" = "live"): void {
+  say(
+    conversation: Conversation,
+    message: Message,
+    at: number,
+    how: "historical" | "live" = "live",
+    ack?: number,
+  ): void {
     const event: MessageEvent = {
       type: "message",
       convExternalId: conversation.handle,
@@ -188,7 +215,7 @@ export class Engine {
       if (message.media.state === "there") event.mediaPath = this.library.file(message.media);
     }
     if (how === "historical") event.historical = true;
-    emit(event);
+    emit(event, ack);
     if (message.outgoing && how === "live") this.followDelivery(message.id);
     else if (message.outgoing) emit({ type: "msgStatus", providerMsgId: message.id, status: this.statusOf(message) });
     if (message.reaction !== undefined) {
@@ -209,12 +236,6 @@ export class Engine {
   private statusOf(message: Message): number {
     if (this.profile.channel !== "whatsapp") return 1;
     return message.status ?? (this.memory.since - message.at > 30 * minute ? 4 : 3);
-  }
-
-  /** Noted before it is said: a crash in between loses a line rather than saying it twice. */
-  private advance(): void {
-    this.memory.said += 1;
-    this.save();
   }
 
   save(): void {

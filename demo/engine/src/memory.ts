@@ -7,10 +7,12 @@ import { dirname, join } from "node:path";
 export interface Memory {
   /** The hour of the first start: the history is told from there. */
   since: number;
-  /** How many of the live lines have been said, the unread ones first. */
+  /** How many of the live lines the desktop has stored, the unread ones first. */
   said: number;
   /** How many messages were sent from the desktop. */
   sent: number;
+  /** The drafts that went out, with their texts and the ids of their messages. */
+  drafts: Record<string, { text: string; id: string }>;
   /** Pages of older messages already handed out, by conversation. */
   pages: Record<string, number>;
   /** Whether deals, notes and the like were written. */
@@ -22,7 +24,7 @@ const pairingPath = (slug: string): string => join(homedir(), ".whatsapp-baileys
 
 /** A file that is missing or does not read is a first start. */
 export function recall(slug: string, now: number): Memory {
-  const fresh: Memory = { since: now, said: 0, sent: 0, pages: {}, recorded: false };
+  const fresh: Memory = { since: now, said: 0, sent: 0, drafts: {}, pages: {}, recorded: false };
   try {
     return { ...fresh, ...(JSON.parse(readFileSync(pathOf(slug), "utf8")) as Partial<Memory>) };
   } catch {

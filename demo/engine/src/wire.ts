@@ -1,5 +1,6 @@
 // The two byte streams of an engine: event lines out, command lines in.
 
+import { once } from "node:events";
 import { createInterface } from "node:readline";
 
 export type Status = "connecting" | "open" | "close" | "logged_out";
@@ -36,20 +37,27 @@ export type Command = Record<string, unknown>;
 
 const sentinel = "@@CORVANE@@";
 
-/** The only way to print: one whole line a call, in ASCII, since the reader drops a chunk that splits a character. */
-export function emit(event: EngineEvent): void {
-  const json = JSON.stringify(event).replace(
-    /[\u007f-\uffff]/g,
-    (unit) => "\\u" + unit.charCodeAt(0).toString(16).padStart(4, "0"),
-  );
-  process.stdout.write(sentinel + json + "\n");
+let isLeaving = false;
+
+/** The only way to print: one whole line a call. With a number, the desktop says when it has stored the line. */
+export function emit(event: EngineEvent, ack?: number): void {
+  if (isLeaving) return;
+  process.stdout.write(sentinel + JSON.stringify(ack === undefined ? event : { ...event, ack }) + "\n");
+}
+
+/** Until the desktop has taken what was printed: what it has not lies in this process's memory. */
+export async function drained(): Promise<void> {
+  if (process.stdout.writableNeedDrain) await once(process.stdout, "drain");
 }
 
 /** Hands every command line to `handle`; what is no JSON object is passed over. Ends the process with its input. */
 export function listen(handle: (command: Command) => void): void {
-  const exit = (): never => process.exit(0);
-  const leave = (): void => void process.stdout.write("", exit); // once all that was printed is out
-  process.stdout.on("error", exit);
+  const leave = (): void => {
+    if (isLeaving) return;
+    isLeaving = true;
+    process.stdout.write("", () => process.exit(0));
+  };
+  process.stdout.on("error", () => process.exit(0));
   process.on("SIGTERM", leave);
   const lines = createInterface({ input: process.stdin, crlfDelay: Infinity });
   lines.on("line", (line) => {

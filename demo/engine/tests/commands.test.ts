@@ -4,6 +4,7 @@ import { join } from "node:path";
 import { after, before, test } from "node:test";
 import { EngineProcess, environmentIn, isMessage, standingStill, temporaryHome, type Event } from "./support.ts";
 
+after(() => engine.end());
 const home = temporaryHome(after);
 const james = "447700900112@s.whatsapp.net";
 let engine: EngineProcess;
@@ -23,7 +24,6 @@ before(async () => {
   await answers({ cmd: "markRead", chatId: james });
   history = engine.events();
 });
-after(() => engine.end());
 
 const types = (events: Event[]): string[] => events.map(({ type }) => type);
 
@@ -47,6 +47,14 @@ test("only a send for a draft is acknowledged, with the id of its message", asyn
   assert.deepEqual(acks, [
     { type: "sendAck", draftId: "od:1:1234", status: "sent", providerMsgId: message.providerMsgId },
   ]);
+});
+
+test("a draft that comes again goes out once and is acknowledged again", async () => {
+  const draft = { cmd: "send", chatId: james, text: "Once", draftId: "od:4:1234" };
+  const first = await answers(draft);
+  const again = await answers(draft);
+  assert.deepEqual(again, first.filter(({ type }) => type === "sendAck"));
+  assert.equal((await answers({ ...draft, text: "Another text" })).filter(isMessage).length, 1);
 });
 
 test("a draft that cannot be sent fails with its reason", async () => {

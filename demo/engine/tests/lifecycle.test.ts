@@ -19,7 +19,7 @@ test("a code turns into a connection after the time that was named", async () =>
   assert.equal(codes.length, 2);
   assert.notEqual(codes[0], codes[1]);
   for (const code of codes) assert.match(code, /^2@[\w+/=]+(,[\w+/=]+){3}$/);
-  assert.equal(events.at(-1)?.user, "Marta Vidal · Taller Vidal");
+  assert.equal(events.find(({ state }) => state === "open")?.user, "Marta Vidal · Taller Vidal");
   engine.child.kill("SIGTERM");
   assert.equal(await engine.exited, 0);
 });
@@ -32,7 +32,7 @@ test("e-mail and Telegram tell their history at once", async () => {
   }
 });
 
-test("an engine that comes back repeats no live message, shows no code and goes on where it stopped", async () => {
+test("an engine that comes back repeats what was not stored and nothing else, shows no code and goes on where it stopped", async () => {
   const home = temporaryHome(after);
   const first = new EngineProcess("whatsapp", environmentIn(home, quick));
   const isPriya = ({ type, name }: Event): boolean => type === "contactName" && name === "Priya Nair";
@@ -48,8 +48,11 @@ test("an engine that comes back repeats no live message, shows no code and goes 
     history(again),
     history(before).map((message) => named(message, before, isPriya)),
   );
-  const heard = new Set(ids(before.filter(isLive)));
-  for (const id of ids(again.filter(isLive))) assert.ok(!heard.has(id));
+  const live = before.filter(isLive);
+  const stored = live.filter(({ ack }) => Number(ack) <= first.acknowledged);
+  assert.ok(stored.length > 0);
+  for (const id of ids(stored)) assert.ok(!ids(again).includes(id));
+  for (const id of ids(live.slice(stored.length))) assert.ok(ids(again).includes(id));
 });
 
 /** The history as it reads once the unknown number has a name. */

@@ -17,10 +17,15 @@ export const standingStill = { CORVANE_DEMO_STILL: "1", CORVANE_DEMO_NOW: String
 
 const flags = ["--max-old-space-size=128", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings"];
 
-/** A home that goes with the test file. */
+const children = new Map<ChildProcess, NodeJS.ProcessEnv>();
+
+/** A home that goes with its test, and so does every child that lives in it. */
 export function temporaryHome(after: (fn: () => void) => void): string {
   const home = mkdtempSync(join(tmpdir(), "corvane-demo-"));
-  after(() => rmSync(home, { recursive: true, force: true }));
+  after(() => {
+    for (const [child, { HOME }] of children) if (HOME?.startsWith(home)) child.kill("SIGKILL");
+    rmSync(home, { recursive: true, force: true });
+  });
   return home;
 }
 
@@ -41,19 +46,27 @@ export function script(entry: string): string {
 }
 
 export function startScript(entry: string, environment: NodeJS.ProcessEnv): ChildProcess {
-  return spawn(process.execPath, [...flags, script(entry)], { env: environment, stdio: ["pipe", "pipe", "inherit"] });
+  const child = spawn(process.execPath, [...flags, script(entry)], {
+    env: environment,
+    stdio: ["pipe", "pipe", "inherit"],
+  });
+  children.set(child, environment);
+  return child;
 }
 
 export class EngineProcess {
   readonly child: ChildProcess;
   readonly exited: Promise<number | null>;
   output = "";
+  /** The last number that was acknowledged, as the desktop does once the line is stored. */
+  acknowledged = 0;
   private waiting: (() => void)[] = [];
 
   constructor(channel: Channel, environment: NodeJS.ProcessEnv) {
     this.child = startScript(entries[channel], environment);
     this.child.stdout?.setEncoding("utf8").on("data", (text: string) => {
       this.output += text;
+      this.acknowledge();
       for (const wake of this.waiting.splice(0)) wake();
     });
     this.exited = new Promise((resolve) => this.child.on("close", (code) => resolve(code)));
@@ -88,6 +101,13 @@ export class EngineProcess {
     }
   }
 
+  private acknowledge(): void {
+    const newest = Math.max(0, ...this.events().map(({ ack }) => Number(ack ?? 0)));
+    if (newest <= this.acknowledged || !this.child.stdin?.writable) return;
+    this.acknowledged = newest;
+    this.command({ cmd: "ack", n: newest });
+  }
+
   command(command: object): void {
     this.child.stdin?.write(JSON.stringify(command) + "\n");
   }
@@ -95,7 +115,9 @@ export class EngineProcess {
   /** Ends its input and waits until it is gone; everything that it said. */
   async end(): Promise<Event[]> {
     this.child.stdin?.end();
+    const late = setTimeout(() => this.child.kill("SIGKILL"), 20_000);
     const code = await this.exited;
+    clearTimeout(late);
     if (code !== 0) throw new Error(`the engine ended with ${code}`);
     return this.events();
   }

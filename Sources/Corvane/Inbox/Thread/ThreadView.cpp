@@ -207,12 +207,10 @@ void ThreadView::react(const QString& messageId, const QString& emoji)
     const UnifiedMsgRow* row = message(messageId);
     if (!row)
         return;
-    const auto target = replyTarget(m_engine.db(), m_contact.id, row->platform);
-    const auto account = target ? m_accounts.findBySlug(target->account) : std::nullopt;
-    if (!account)
+    const auto account = m_accounts.findBySlug(row->accountId);
+    if (!account || row->providerMsgId.isEmpty())
         return;
-    const QString providerId = messageId.section(u':', -1);
-    if (!m_engine.react(*account, target->chatId, providerId, row->direction == u"OUT", emoji))
+    if (!m_engine.react(*account, row->externalId, row->providerMsgId, row->direction == u"OUT", emoji))
         return;
     setReaction(m_engine.db(), messageId, emoji);
     reload();

@@ -63,6 +63,12 @@ bool failUnreadable(LocalDB& db, const PendingDraft& draft)
     return forget(db, draft.id) && record(db, draft.id, "failed", draftHash(draft));
 }
 
+/// Its engine has it, and has not said for good what became of it.
+bool isWithEngine(const PendingDraft& draft)
+{
+    return draft.status == sending || draft.status == u"placed" || mayHaveGoneOut(draft);
+}
+
 bool waits(const QString& status)
 {
     return status == pending || status == failed;
@@ -209,12 +215,12 @@ bool unclaimDraft(LocalDB& db, const ClaimedDraft& draft)
         && transaction.commit();
 }
 
-void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
+void acknowledgeDraft(LocalDB& db, const QString& accountSlug, const QString& id, const QString& status,
     const std::optional<QString>& providerMsgId, const QString& error)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || draft->status == rejected || draft->status == u"sent")
+    if (!draft || draft->accountId != accountSlug || !isWithEngine(*draft))
         return;
     const bool completed = status == u"sent" || status == u"placed";
     if (completed)

@@ -56,9 +56,9 @@ private:
 /// The engine took nothing: the draft is approved as before.
 [[nodiscard]] bool unclaimDraft(LocalDB& db, const ClaimedDraft& draft);
 
-/// What the engine says became of a draft: "sent", "placed", or anything else with an error. A draft that was sent or
-/// rejected stays so.
-void acknowledgeDraft(LocalDB& db, const QString& id, const QString& status,
+/// What an account's engine says became of a draft: "sent", "placed", or anything else with an error. Counts only for
+/// a draft of that account which was handed over and not confirmed or refused yet.
+void acknowledgeDraft(LocalDB& db, const QString& accountSlug, const QString& id, const QString& status,
     const std::optional<QString>& providerMsgId, const QString& error);
 
 /// Nobody says what became of a draft that was handed over.

@@ -98,16 +98,28 @@ bool LocalDB::inTransaction() const
     return m_db && !sqlite3_get_autocommit(m_db);
 }
 
+bool LocalDB::begin(Patience patience)
+{
+    const Statement statement = prepare("BEGIN IMMEDIATE;");
+    if (!statement)
+        return false;
+    if (patience == Patience::Frame)
+        sqlite3_busy_timeout(m_db, frameMs);
+    const bool begun = step(statement.get()) == SQLITE_DONE;
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
+    if (!begun && patience == Patience::Full)
+        log(QStringLiteral("LocalDB.begin failed: ") + errorMessage());
+    return begun;
+}
+
 bool LocalDB::isHeldElsewhere()
 {
     if (!m_db || inTransaction())
         return false;
-    sqlite3_busy_timeout(m_db, frameMs);
-    const int code = noted(sqlite3_exec(m_db, "BEGIN IMMEDIATE;", nullptr, nullptr, nullptr));
-    sqlite3_busy_timeout(m_db, busyTimeoutMs);
-    if (code == SQLITE_OK)
-        exec(QStringLiteral("COMMIT;"));
-    return code == SQLITE_BUSY;
+    if (!begin(Patience::Frame))
+        return sqlite3_errcode(m_db) == SQLITE_BUSY;
+    exec(QStringLiteral("COMMIT;"));
+    return false;
 }
 
 bool LocalDB::changedElsewhere()

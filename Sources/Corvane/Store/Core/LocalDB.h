@@ -9,6 +9,9 @@ class Scheduler;
 class StoreHealth;
 class UserDefaults;
 
+/// How long a write waits for another program: five seconds, or one frame of the screen.
+enum class Patience { Full, Frame };
+
 /// The one SQLite file of the program: a connection and its statement helpers, nothing more. Engines and the
 /// tool server read and write the same file. A database that cannot be opened leaves a usable object whose
 /// every answer is empty. The queries themselves are free functions in the *Queries files.
@@ -39,6 +42,9 @@ public:
 
     /// Makes a database with the current schema and nothing in it, elsewhere.
     bool makeEmpty(const QString& path) const;
+
+    /// Begins a transaction and takes the right to write; see `Transaction`.
+    bool begin(Patience patience);
 
     bool inTransaction() const; ///< false, too, where the database is not open
 

@@ -11,6 +11,7 @@ namespace {
 // How many steps of SQLite's machine pass between two looks at whether the query is still wanted: well below a
 // millisecond.
 constexpr int stepsBetweenLooks = 5000;
+constexpr qsizetype idleLimit = 128;
 constexpr int readerBusyMs = 1000; // only a file that recovers from a crash makes a reader wait
 
 int isStopped(void* stopped)
@@ -23,11 +24,6 @@ void bindText(sqlite3_stmt* statement, int index, const QString& text)
     sqlite3_bind_text(statement, index, text.toUtf8().constData(), -1, SQLITE_TRANSIENT);
 }
 
-}
-
-void SqlConnection::Finalize::operator()(sqlite3_stmt* statement) const
-{
-    sqlite3_finalize(statement);
 }
 
 QString SqlRow::text(int column) const
@@ -81,7 +77,28 @@ bool SqlConnection::openFile(Access access)
 
 void SqlConnection::closeFile()
 {
+    finalizeIdle();
     sqlite3_close(std::exchange(m_db, nullptr));
+}
+
+void SqlConnection::finalizeIdle()
+{
+    for (sqlite3_stmt* statement : std::exchange(m_idle, {}))
+        sqlite3_finalize(statement);
+}
+
+void SqlConnection::release(sqlite3_stmt* statement)
+{
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    const QByteArray sql(sqlite3_sql(statement));
+    if (m_idle.contains(sql)) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    if (m_idle.size() == idleLimit)
+        finalizeIdle();
+    m_idle.insert(sql, statement);
 }
 
 std::unique_ptr<SqlConnection> SqlConnection::reader(
@@ -100,10 +117,12 @@ std::unique_ptr<SqlConnection> SqlConnection::reader(
 
 SqlConnection::Statement SqlConnection::prepare(const QByteArray& sql)
 {
-    sqlite3_stmt* statement = nullptr;
-    if (m_db)
-        noted(sqlite3_prepare_v2(m_db, sql.constData(), -1, &statement, nullptr));
-    return Statement(statement);
+    sqlite3_stmt* statement = m_idle.take(sql);
+    if (!m_db)
+        m_failure = SQLITE_CANTOPEN;
+    else if (!statement)
+        noted(sqlite3_prepare_v3(m_db, sql.constData(), -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+    return Statement(statement, Release { this });
 }
 
 int SqlConnection::step(sqlite3_stmt* statement)
@@ -113,6 +132,10 @@ int SqlConnection::step(sqlite3_stmt* statement)
 
 int SqlConnection::noted(int resultCode)
 {
+    if (resultCode == SQLITE_OK || resultCode == SQLITE_ROW || resultCode == SQLITE_DONE)
+        return resultCode;
+    if (m_failure == 0)
+        m_failure = resultCode;
     if (m_health)
         m_health->note(resultCode);
     return resultCode;

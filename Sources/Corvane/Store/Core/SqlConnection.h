@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <atomic>
@@ -67,7 +69,8 @@ private:
     sqlite3_stmt* m_statement;
 };
 
-/// A connection to an SQLite file and its reads. One that could not be opened answers every read with nothing.
+/// A connection to an SQLite file and its reads, which keeps its statements prepared. One that could not be opened
+/// answers every read with nothing.
 class SqlConnection {
 public:
     ~SqlConnection();
@@ -107,11 +110,17 @@ public:
     void visitRows(
         const QString& sql, const QList<SqlValue>& parameters, const std::function<bool(const SqlRow&)>& visit);
 
+    /// The result code of the first statement that failed since `forgetFailure`; 0 where none did.
+    int failure() const { return m_failure; }
+    void forgetFailure() { m_failure = 0; }
+
 protected:
-    struct Finalize {
-        void operator()(sqlite3_stmt* statement) const;
+    /// Keeps the statement for its next use.
+    struct Release {
+        SqlConnection* connection;
+        void operator()(sqlite3_stmt* statement) const { connection->release(statement); }
     };
-    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+    using Statement = std::unique_ptr<sqlite3_stmt, Release>;
     enum class Access { ReadOnly, ReadWrite };
     enum class Binding { Every, TextAndInteger64 };
 
@@ -130,8 +139,13 @@ protected:
     sqlite3* m_db = nullptr;
 
 private:
+    void release(sqlite3_stmt* statement);
+    void finalizeIdle();
+
     QString m_path;
     StoreHealth* m_health = nullptr;
+    int m_failure = 0;
+    QHash<QByteArray, sqlite3_stmt*> m_idle; ///< prepared and not in use, by their text
     std::shared_ptr<const std::atomic<bool>> m_stopped;
 };
 

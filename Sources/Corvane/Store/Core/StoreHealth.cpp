@@ -40,6 +40,13 @@ StoreFault storeFault(int resultCode)
     }
 }
 
+bool mayPass(int resultCode)
+{
+    const int kind = resultCode & 0xff;
+    return storeFault(resultCode) != StoreFault::None || kind == SQLITE_BUSY || kind == SQLITE_LOCKED
+        || kind == SQLITE_NOMEM || kind == SQLITE_IOERR || kind == SQLITE_INTERRUPT || kind == SQLITE_PROTOCOL;
+}
+
 StoreHealth::StoreHealth(Scheduler& scheduler, std::function<bool()> tryWrite)
     : m_scheduler(scheduler)
     , m_tryWrite(std::move(tryWrite))

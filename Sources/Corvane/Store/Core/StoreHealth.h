@@ -19,6 +19,9 @@ enum class StoreFault {
 /// What a result code of SQLite says about the file; None for success, locks and faulty statements.
 StoreFault storeFault(int resultCode);
 
+/// Whether the same statement may succeed later: what failed is the file, a lock or the memory, not the statement.
+bool mayPass(int resultCode);
+
 /// Whether the database can be written, learnt from the results of all statements. While it cannot, a write is
 /// tried every now and then, at growing pauses; a damaged file heals only by being replaced.
 class StoreHealth : public QObject {

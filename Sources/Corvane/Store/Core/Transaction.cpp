@@ -1,25 +1,27 @@
 #include "Store/Core/Transaction.h"
 
-#include "Store/Core/LocalDB.h"
-
 namespace corvane {
 
-Transaction::Transaction(LocalDB& db)
+Transaction::Transaction(LocalDB& db, Patience patience)
     : m_db(db)
-    , m_open(db.run("BEGIN IMMEDIATE;"))
+    , m_inner(db.inTransaction())
+    , m_open(m_inner ? db.run("SAVEPOINT part;") : db.begin(patience))
 {
 }
 
 Transaction::~Transaction()
 {
     // SQLite ends a transaction by itself after some failures, such as a full disk.
-    if (m_open && m_db.inTransaction())
-        m_db.run("ROLLBACK;");
+    if (!m_open || !m_db.inTransaction())
+        return;
+    if (m_inner)
+        m_db.run("ROLLBACK TO part;");
+    m_db.run(m_inner ? "RELEASE part;" : "ROLLBACK;");
 }
 
 bool Transaction::commit()
 {
-    if (!m_open || !m_db.inTransaction() || !m_db.run("COMMIT;"))
+    if (!m_open || !m_db.inTransaction() || !m_db.run(m_inner ? "RELEASE part;" : "COMMIT;"))
         return false;
     m_open = false;
     return true;

@@ -293,12 +293,12 @@ std::optional<QString> newestConversation(LocalDB& db, const QString& contactId)
         { contactId });
 }
 
-QString contactOfMessage(LocalDB& db, const QString& providerMsgId)
+QString contactOfMessage(LocalDB& db, const QString& messageId)
 {
     return db
         .scalar(R"(SELECT cc.contact_id FROM unified_message m
-JOIN unified_conversation cc ON cc.id=m.conversation_id WHERE m.provider_msg_id=? LIMIT 1;)",
-            { providerMsgId })
+JOIN unified_conversation cc ON cc.id=m.conversation_id WHERE m.id=?;)",
+            { messageId })
         .value_or(QString());
 }
 

@@ -106,7 +106,7 @@ std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, co
 std::optional<QString> newestConversation(LocalDB& db, const QString& contactId);
 
 /// Whom the message was exchanged with; empty where the message is not known.
-QString contactOfMessage(LocalDB& db, const QString& providerMsgId);
+QString contactOfMessage(LocalDB& db, const QString& messageId);
 
 /// Stores a reaction made here on the message of that row id.
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji);

@@ -60,6 +60,17 @@ ON CONFLICT(id) DO UPDATE SET
     return id;
 }
 
+/// The account that a stored message belongs to; nothing where there is no such message.
+std::optional<QString> ownerOf(LocalDB& db, const QString& id)
+{
+    return db.firstRow("SELECT c.account_id FROM unified_message m\n"
+                       "LEFT JOIN unified_conversation c ON c.id=m.conversation_id WHERE m.id=?;",
+        { id }, [](const SqlRow& row) { return row.text(0); });
+}
+
+const QString ofAccount = QStringLiteral(
+    "AND EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);");
+
 }
 
 MatchSignals matchSignals(const QString& channel, const QString& handle)
@@ -89,24 +100,37 @@ QString ensureConversation(LocalDB& db, const QString& channel, const QString& a
     return ensureConversationIn(db, activeWorkspaceId(db), channel, accountSlug, externalId, title, lastTs);
 }
 
-QString storeMessage(LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message)
+QString messageIdOf(LocalDB& db, const QString& accountSlug, const QString& providerMsgId)
+{
+    const QString id = messageId(providerMsgId);
+    const auto owner = ownerOf(db, id);
+    return !owner || *owner == accountSlug ? id : messageId(accountSlug + u':' + providerMsgId);
+}
+
+std::optional<StoredMessage> storeMessage(
+    LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message)
 {
     // Asked once, so that a message never lands in another workspace than its conversation.
     const QString workspace = activeWorkspaceId(db);
     const QString conversation = ensureConversationIn(
         db, workspace, channel, accountSlug, message.conversationExternalId, message.conversationTitle, message.ts);
-    db.run(
+    const QString id = messageIdOf(db, accountSlug, message.providerMsgId);
+    const bool isNew = !ownerOf(db, id);
+    const qint64 changed = db.changedRows(
         R"(INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, media_type, media_path, source, updated_at)
 VALUES(?,?,?,?,?,?,?,?,?,?,?,?)
 ON CONFLICT(id) DO UPDATE SET body=excluded.body,
     media_type=COALESCE(excluded.media_type, unified_message.media_type),
     media_path=COALESCE(excluded.media_path, unified_message.media_path),
     source=COALESCE(unified_message.source, excluded.source),
-    updated_at=excluded.updated_at;)",
-        { messageId(message.providerMsgId), workspace, conversation,
-            message.outgoing ? QStringLiteral("OUT") : QStringLiteral("IN"), message.body, message.sender, message.ts,
-            message.providerMsgId, message.mediaType, message.mediaPath, QStringLiteral("local"), db.nowMs() });
-    return conversation;
+    updated_at=excluded.updated_at
+WHERE EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);)",
+        { id, workspace, conversation, message.outgoing ? QStringLiteral("OUT") : QStringLiteral("IN"), message.body,
+            message.sender, message.ts, message.providerMsgId, message.mediaType, message.mediaPath,
+            QStringLiteral("local"), db.nowMs(), accountSlug });
+    if (changed == 0)
+        return std::nullopt;
+    return StoredMessage { conversation, isNew };
 }
 
 void raiseUnread(LocalDB& db, const QString& conversationId)
@@ -114,25 +138,26 @@ void raiseUnread(LocalDB& db, const QString& conversationId)
     db.run("UPDATE unified_conversation SET unread = unread + 1 WHERE id=?;", { conversationId });
 }
 
-void raiseMessageStatus(LocalDB& db, const QString& providerMsgId, qint64 status)
+void raiseMessageStatus(LocalDB& db, const QString& accountSlug, const QString& providerMsgId, qint64 status)
 {
-    db.run("UPDATE unified_message SET status=? WHERE provider_msg_id=? AND COALESCE(status,0) < ?;",
-        { status, providerMsgId, status });
+    db.run("UPDATE unified_message SET status=? WHERE provider_msg_id=? AND COALESCE(status,0) < ?\n" + ofAccount,
+        { status, providerMsgId, status, accountSlug });
 }
 
-void setProviderReaction(LocalDB& db, const QString& providerMsgId, const QString& emoji)
+void setProviderReaction(LocalDB& db, const QString& accountSlug, const QString& providerMsgId, const QString& emoji)
 {
-    db.run("UPDATE unified_message SET reaction=?, updated_at=? WHERE provider_msg_id=?;",
-        { emoji, db.nowMs(), providerMsgId });
+    db.run("UPDATE unified_message SET reaction=?, updated_at=? WHERE provider_msg_id=?\n" + ofAccount,
+        { emoji, db.nowMs(), providerMsgId, accountSlug });
 }
 
-void updateMessageMedia(
-    LocalDB& db, const QString& providerMsgId, const std::optional<QString>& mediaType, const QString& path)
+void updateMessageMedia(LocalDB& db, const QString& accountSlug, const QString& providerMsgId,
+    const std::optional<QString>& mediaType, const QString& path)
 {
     db.run(R"(UPDATE unified_message
 SET media_type=COALESCE(?, media_type), media_path=?, updated_at=?
-WHERE provider_msg_id=?;)",
-        { mediaType, path, db.nowMs(), providerMsgId });
+WHERE provider_msg_id=?
+)" + ofAccount,
+        { mediaType, path, db.nowMs(), providerMsgId, accountSlug });
 }
 
 void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path)

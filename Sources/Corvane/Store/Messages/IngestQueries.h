@@ -33,15 +33,28 @@ QString ensureContactId(
 QString ensureConversation(LocalDB& db, const QString& channel, const QString& accountSlug, const QString& externalId,
     const std::optional<QString>& title, qint64 lastTs);
 
+struct StoredMessage {
+    QString conversationId;
+    bool isNew = false; ///< no row stood there before
+};
+
 /// `ensureConversation` and the upsert of the message: the first direction, sender and time stay, the newest
-/// body wins. Returns the conversation's id.
-QString storeMessage(LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message);
+/// body wins. Nothing where the row belongs to another account.
+std::optional<StoredMessage> storeMessage(
+    LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message);
+
+/// The id of an account's message, stored or not: "wa:msg:{providerMsgId}", and "wa:msg:{slug}:{providerMsgId}" where
+/// another account, say a second one in the same group, has the first.
+QString messageIdOf(LocalDB& db, const QString& accountSlug, const QString& providerMsgId);
 
 void raiseUnread(LocalDB& db, const QString& conversationId);
-void raiseMessageStatus(LocalDB& db, const QString& providerMsgId, qint64 status); ///< never lowers it
-void setProviderReaction(LocalDB& db, const QString& providerMsgId, const QString& emoji);
-void updateMessageMedia(
-    LocalDB& db, const QString& providerMsgId, const std::optional<QString>& mediaType, const QString& path);
+
+// What an engine tells of a message reaches only the messages of its own account.
+void raiseMessageStatus(
+    LocalDB& db, const QString& accountSlug, const QString& providerMsgId, qint64 status); ///< never lowers it
+void setProviderReaction(LocalDB& db, const QString& accountSlug, const QString& providerMsgId, const QString& emoji);
+void updateMessageMedia(LocalDB& db, const QString& accountSlug, const QString& providerMsgId,
+    const std::optional<QString>& mediaType, const QString& path);
 void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path);
 
 /// Overwrites the name and queues the change for the web.

@@ -23,17 +23,18 @@ const tunes: Record<string, readonly number[]> = {
   "voice-kiln": [-12, -5, 0, -5, -12, -5, 0, 3],
 };
 
-/** Where the files of the accounts live. */
-export function mediaFolder(): string {
+/** Where the files of an account live: the desktop says so, or nobody does where an engine is run by hand. */
+function mediaFolder(slug: string): string {
   const data = process.env.XDG_DATA_HOME ?? "";
-  return join(isAbsolute(data) ? data : join(homedir(), ".local", "share"), "Corvane", "media");
+  const share = isAbsolute(data) ? data : join(homedir(), ".local", "share");
+  return process.env.CORVANE_MEDIA_DIR || join(share, "Corvane", "media", slug);
 }
 
 export class Library {
   private readonly folder: string;
 
   constructor(slug: string) {
-    this.folder = join(mediaFolder(), slug);
+    this.folder = mediaFolder(slug);
   }
 
   pathOf(name: string): string {

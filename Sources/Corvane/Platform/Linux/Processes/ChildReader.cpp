@@ -1,7 +1,7 @@
 #include "Platform/Linux/Processes/ChildReader.h"
 
 #include "Platform/Linux/Processes/SpawnedChild.h"
-#include "Platform/Linux/Processes/Utf8Chunks.h"
+#include "Platform/Linux/Processes/WholeLines.h"
 
 #include <algorithm>
 #include <array>
@@ -117,7 +117,7 @@ private:
         quint64 id = 0;
         Descriptor output;
         std::shared_ptr<const Descriptor> handle;
-        Utf8Chunks text = {};
+        WholeLines lines = {};
         bool chunkIsOut = false;
         std::optional<int> exitCode = std::nullopt;
         size_t leftAfterExit = 0; ///< what the child itself had left in the pipe when it ended
@@ -136,7 +136,7 @@ private:
     void noticeEnd(Child& child);
     void goOn(quint64 id);
     void read(Child& child);
-    void post(Child& child, QString text);
+    void post(Child& child, QByteArray lines);
 
     Descriptor m_epoll { ::epoll_create1(EPOLL_CLOEXEC) };
     std::shared_ptr<Orders> m_orders;
@@ -213,21 +213,21 @@ void ChildReader::Loop::read(Child& child)
             return child.output.close();
         if (count > 0) {
             child.leftAfterExit -= child.exitCode ? static_cast<size_t>(count) : 0;
-            QString text = child.text.take(QByteArrayView(m_buffer.data(), count));
-            if (!text.isEmpty())
-                return post(child, std::move(text));
+            QByteArray lines = child.lines.take(QByteArrayView(m_buffer.data(), count));
+            if (!lines.isEmpty())
+                return post(child, std::move(lines));
         }
     } while (child.exitCode);
     watch(EPOLL_CTL_MOD, child.output, tagOf(child.id, Source::Output), EPOLLIN | EPOLLONESHOT);
 }
 
-void ChildReader::Loop::post(Child& child, QString text)
+void ChildReader::Loop::post(Child& child, QByteArray lines)
 {
     child.chunkIsOut = true;
     QMetaObject::invokeMethod(
         &m_home,
         [output = m_receiver.output, id = child.id,
-            chunk = OutputChunk { std::move(text), std::make_shared<Hold>(m_orders, child.id) }]() mutable {
+            chunk = OutputChunk { std::move(lines), std::make_shared<Hold>(m_orders, child.id) }]() mutable {
             output(id, std::move(chunk));
         },
         Qt::QueuedConnection);

@@ -1,0 +1,67 @@
+#include "Engines/LineGroup.h"
+
+#include "Foundation/Log.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/StoreHealth.h"
+#include "Store/Core/Workspaces.h"
+
+namespace corvane {
+
+LineGroup::LineGroup(LocalDB& db)
+    : m_db(db)
+{
+}
+
+bool LineGroup::begin()
+{
+    if (m_db.health().fault() != StoreFault::None || m_db.isHeldElsewhere())
+        return false;
+    // Settles the selection of a workspace, which writes a user default, before the transaction rather than inside.
+    activeWorkspaceId(m_db);
+    m_transaction.emplace(m_db, Patience::Frame);
+    if (!m_transaction->begun())
+        m_transaction.reset();
+    return hasRows();
+}
+
+bool LineGroup::add(const std::function<void()>& store)
+{
+    if (!hasRows() && !begin())
+        return false;
+    const size_t effects = m_effects.size();
+    Transaction line(m_db);
+    m_db.forgetFailure();
+    store();
+    if (m_db.failure() == 0 && line.commit())
+        return true;
+    m_effects.resize(effects);
+    if (mayPass(m_db.failure()))
+        return false;
+    log(QStringLiteral("LineGroup: a line could not be stored"));
+    return true;
+}
+
+bool LineGroup::commit()
+{
+    if (hasRows() && !m_transaction->commit()) {
+        rollBack();
+        return false;
+    }
+    m_transaction.reset();
+    return true;
+}
+
+void LineGroup::rollBack()
+{
+    m_effects.clear();
+    m_transaction.reset();
+}
+
+void LineGroup::tell()
+{
+    // An effect may begin a group of its own.
+    for (const auto& effect : std::exchange(m_effects, {}))
+        effect();
+}
+
+}
