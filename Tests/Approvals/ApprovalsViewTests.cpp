@@ -206,6 +206,17 @@ TEST_F(ApprovalsViewTest, aRiskyDecisionIsAskedAboutOnceMoreWithWhatItPaysToWhom
     EXPECT_EQ(words("decision:w1", { "stateText", "secondsLeft" }), "Approving…|5");
     clock.advance(seconds(5));
     EXPECT_EQ(cell("SELECT status FROM work_decision WHERE id='w1';"), "approved");
+
+    writeDraft(db(), "d1", "Ana", "hello", "sending");
+    failUnacknowledgedDraft(db(), "d1");
+    look();
+    view.approve("draft:d1");
+    EXPECT_EQ(view.asking(), "draft:d1") << "a retry could send it twice";
+    EXPECT_EQ(shown("draft:d1", "question"), "This may have gone out already. Send it again?");
+    view.stepBack();
+    centre.post(
+        notifications::approvalAction, {}, { { "kind", "draft_failed" }, { "id", "d1" }, { "action", "approve" } });
+    EXPECT_EQ(view.asking() + draftStatus("d1"), "draft:d1failed");
 }
 
 TEST_F(ApprovalsViewTest, aRowThatWasPressedKeepsItsPlaceUntilThePointerLeavesOrTwoSecondsPass)

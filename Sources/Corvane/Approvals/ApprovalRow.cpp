@@ -65,6 +65,8 @@ ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arm
         row.stateText = draft.status == u"sending" ? sending : statusLabel(draft);
     if (draft.status == u"sending" || draft.status == u"placed")
         row.settledText = QStringLiteral("Sent");
+    if (row.canDecide && mayHaveGoneOut(draft))
+        row.question = confirmQuestion(draft);
     arm(row, arming, sending, QStringLiteral("Approved"));
     return row;
 }

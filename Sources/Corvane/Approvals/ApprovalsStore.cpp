@@ -288,8 +288,12 @@ void ApprovalsStore::tellRefusal(const ApprovalItem& seen, Verdict verdict, Deci
 
 bool ApprovalsStore::asksFirst(const ApprovalKey& key) const
 {
-    if (!m_engine || key.kind != ApprovalKind::Decision)
+    if (!m_engine || key.kind == ApprovalKind::Proposal)
         return false;
+    if (key.kind == ApprovalKind::Draft) {
+        const auto draft = fetchDraft(m_engine->db(), key.id);
+        return draft && waitsForPerson(*draft) && mayHaveGoneOut(*draft);
+    }
     const auto decision = fetchWorkDecision(m_engine->db(), key.id);
     return decision && decision->status == u"proposed" && isRisky(*decision);
 }

@@ -67,8 +67,7 @@ public:
 
 Q_SIGNALS:
     void changed(); ///< a list, the notice, or what is armed, and each second while something is
-    void confirmationRequested(
-        const QString& key); ///< a banner's Approve of a risky decision, to be asked in the window
+    void confirmationRequested(const QString& key); ///< a banner's Approve of what is asked about first, in the window
 
 private:
     enum class From { Window, Banner };
