@@ -70,8 +70,7 @@ TEST_F(ApprovalsViewTest, everyKindStandsUnderItsHeadInItsOwnWords)
     const QByteArrayList draft { "head", "title", "body", "approveLabel", "canDecide", "canEdit", "stateText" };
     EXPECT_EQ(words("draft:d1", draft),
         "Outbound Messages|AI wants to send to Ana · WHATSAPP|See you at three|Approve|true|true|");
-    EXPECT_EQ(words("draft:d2", draft),
-        "Outbound Messages|Local send failed to 1@s.whatsapp.net · WHATSAPP|Again|Retry|true|true|");
+    EXPECT_EQ(words("draft:d2", draft), "Outbound Messages|Local send failed to +1 · WHATSAPP|Again|Retry|true|true|");
     EXPECT_TRUE(shown("draft:d2", "failureReason").startsWith("Send failed — engine did not report"));
     EXPECT_EQ(shown("draft:d1", "failureReason"), "");
     db().exec("UPDATE outbound_draft SET error='It changed.' WHERE id IN ('d1','d3');");
