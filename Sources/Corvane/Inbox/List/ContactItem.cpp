@@ -56,7 +56,7 @@ QString spokenOf(const ContactItem& item)
 // The words that were searched for must be in sight, so a long text is cut in front of them.
 QString snippetAround(const QString& text, const QString& query)
 {
-    constexpr qsizetype lead = 32;
+    constexpr qsizetype lead = 18;
     const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
     if (at <= lead)
         return snippetOf(text, {});
