@@ -55,6 +55,7 @@ public:
         save(u"inbox-empty"_s, { Look::Light, Look::Dark });
         m_app.startAllEngines();
         waitForEngines();
+        m_app.approvals().attach(m_app.engine(), m_app.calls());
         inboxScreens();
         assistantScreens();
         contactScreens();
@@ -357,7 +358,6 @@ void Gallery::approvalScreens()
         m_app.approvals().refresh();
         wait(Milliseconds(200));
     };
-    m_app.approvals().attach(m_app.engine(), m_app.calls());
     m_screens.shell.openApprovals();
     look();
     save(u"approvals-empty"_s, { Look::Light, Look::Dark });

@@ -31,6 +31,12 @@ FocusScope {
     }
     Component.onCompleted: Qt.callLater(showAsked)
     Connections {
+        target: list.approvals.askingRow >= 0 ? rows.currentItem : null
+        function onHeightChanged() { // by the question
+            rows.positionViewAtIndex(rows.currentIndex, ListView.Contain);
+        }
+    }
+    Connections {
         target: list.approvals
         function onAskingChanged() {
             Qt.callLater(list.showAsked);
