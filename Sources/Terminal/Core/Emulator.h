@@ -51,7 +51,7 @@ public:
 
     // The parser's sink
     void printAscii(const uint8_t* text, size_t length);
-    void printPoint(char32_t point);
+    void printPoints(const char32_t* points, size_t count);
     void printCharacter(char32_t point); ///< already mapped
     void execute(uint8_t control);
     void escape(const Sequence& sequence);
@@ -226,6 +226,11 @@ private:
     void collectTables();
     void wrap();
     void printMapped(uint8_t code);
+    size_t printSimple(const char32_t* points, size_t count);
+    int widthOf(CodePoint properties) const
+    {
+        return config.ambiguousWide && properties.ambiguous() ? 2 : properties.width();
+    }
     void put(Cell cell, int width);
     bool joinPrevious(char32_t point);
     void scrollCells(const Rect& area, int count);

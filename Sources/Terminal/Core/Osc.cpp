@@ -57,8 +57,12 @@ int toNumber(std::string_view text, int fallback = -1)
 /// Without control characters, of C0 or C1, and valid UTF-8.
 std::string cleaned(std::string_view text, size_t most)
 {
+    text = text.substr(0, most);
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+    if (Kernels::instance().printable(bytes, text.size()) == text.size())
+        return std::string(text);
     std::string clean;
-    for (const char32_t point : decodeUtf8(text.substr(0, most))) {
+    for (const char32_t point : decodeUtf8(text)) {
         if (point >= 0x20 && (point < 0x7f || point >= 0xa0))
             appendUtf8(clean, point);
     }

@@ -99,21 +99,68 @@ void Emulator::printMapped(uint8_t code)
     printCharacter(asAscii ? char32_t(code) : translate(set, code));
 }
 
-void Emulator::printPoint(char32_t point)
+void Emulator::printPoints(const char32_t* points, size_t count)
 {
-    if (parser.coding() == Coding::EightBit && point >= 0xa0) {
+    if (parser.coding() == Coding::EightBit) {
         const Charsets& charsets = cursor.charsets;
-        point = translate(charsets.designated[charsets.right], uint8_t(point - 0x80));
+        for (size_t i = 0; i < count; ++i) {
+            const bool mapped = points[i] >= 0xa0 && points[i] < 0x100;
+            printCharacter(
+                mapped ? translate(charsets.designated[charsets.right], uint8_t(points[i] - 0x80)) : points[i]);
+        }
+        return;
     }
-    printCharacter(point);
+    for (size_t at = 0; at < count;) {
+        at += printSimple(points + at, count - at);
+        if (at < count)
+            printCharacter(points[at++]);
+    }
+}
+
+/// Writes characters that join nothing and fit before the last column; answers how many of them stand at the front.
+size_t Emulator::printSimple(const char32_t* points, size_t count)
+{
+    if (cursor.pendingWrap || modes.has(Mode::Insert))
+        return 0;
+    const bool clustered = modes.has(Mode::GraphemeClusters);
+    if (clustered && std::tuple(cursor.row, cursor.column, cursor.pendingWrap) != printedUpTo)
+        graphemes.afterPlainText();
+    const StyleId style = penStyle();
+    Row& row = cursorRow();
+    const int end = textEnd(row);
+    int column = cursor.column;
+    size_t done = 0;
+    for (; done < count; ++done) {
+        const CodePoint properties = codePoints[points[done]];
+        const int width = widthOf(properties);
+        if (width == 0 || column + width >= end || (clustered && !graphemes.surelyStarts(properties)))
+            break;
+        if (done == 0)
+            row.cutWide(column);
+        row.cells[column]
+            = Cell::character(points[done], style, width == 2 ? Cell::Part::WideHead : Cell::Part::Narrow);
+        if (width == 2)
+            row.cells[column + 1] = Cell::character(0, style, Cell::Part::WideTail);
+        column += width;
+    }
+    if (done == 0)
+        return 0;
+    if (column < row.used && row.cells[column].part() == Cell::Part::WideTail)
+        row.cells[column] = Cell::erased(row.cells[column].style());
+    row.styled |= style != 0;
+    row.complex = true;
+    row.touch(column);
+    touch(row);
+    cursor.column = column;
+    lastPrinted = points[done - 1];
+    printedUpTo = { cursor.row, cursor.column, false };
+    return done;
 }
 
 void Emulator::printCharacter(char32_t point)
 {
     const CodePoint properties = codePoints[point];
-    int width = properties.width();
-    if (config.ambiguousWide && properties.ambiguous())
-        width = 2;
+    const int width = widthOf(properties);
     if (modes.has(Mode::GraphemeClusters)) {
         const auto place = [this] {
             return std::tuple(cursor.row, cursor.column, cursor.pendingWrap);

@@ -15,7 +15,7 @@ enum class Coding : uint8_t { Utf8, EightBit };
 /// The state machine of DEC's ANSI parser, after Paul Williams's diagram. Runs of text and whole control sequences
 /// are taken straight from the buffer; only what a chunk cuts goes through the machine byte by byte.
 ///
-/// Sink: printAscii(text, size), printPoint(point), execute(control), escape(sequence), csi(sequence),
+/// Sink: printAscii(text, size), printPoints(points, count), execute(control), escape(sequence), csi(sequence),
 /// dcsBegin(sequence), dcsData(text), dcsEnd(complete), osc(text), apcBegin(), apcData(text), apcEnd(complete),
 /// vt52(final), vt52Move(row, column). A control is a C0 byte or a C1 code from 0x80 to 0x9f; those that begin
 /// sequences or strings are not handed on.
@@ -42,6 +42,7 @@ public:
     /// Longer strings are dropped; those that carry data may be longer.
     static constexpr size_t maxOsc = 64 * 1024;
     static constexpr size_t maxOscData = 48 << 20;
+    static constexpr size_t maxPoints = 64; ///< at once to the sink
 
 private:
     enum class State : uint8_t {
@@ -75,6 +76,8 @@ private:
     void step(uint8_t byte);
     void utf8Step(uint8_t byte);
     void point(char32_t point);
+    void print(char32_t point) { m_sink.printPoints(&point, 1); }
+    size_t printableRun(Byte at, Byte end) const;
     void c1(uint8_t control);
     void escapeByte(uint8_t byte);
     void csiByte(uint8_t byte);

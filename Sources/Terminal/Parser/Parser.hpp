@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace corvane::terminal {
@@ -40,7 +41,7 @@ template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
     while (at < end && m_state == State::Ground) {
         const uint8_t byte = *at;
         if (uint8_t(byte - 0x20) < 0x5f) {
-            const size_t run = m_kernels.printable(at, size_t(end - at));
+            const size_t run = printableRun(at, end);
             m_sink.printAscii(at, run);
             at += run;
         } else if (byte == escapeCode) {
@@ -57,6 +58,23 @@ template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
     return at;
 }
 
+/// As the kernel; short runs, which stand between escape sequences, are told without a call.
+template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) const
+{
+    constexpr size_t shortRun = 8;
+    const auto size = size_t(end - at);
+    if (size >= shortRun && std::endian::native == std::endian::little) {
+        uint64_t bytes;
+        std::memcpy(&bytes, at, sizeof bytes);
+        // The high bit of each byte that is a control, DEL or beyond ASCII. Only the lowest is exact.
+        constexpr uint64_t ones = 0x0101010101010101;
+        const uint64_t bad = ((bytes - ones * 0x20) | (bytes + ones) | bytes) & (ones * 0x80);
+        if (bad)
+            return size_t(std::countr_zero(bad)) / 8;
+    }
+    return m_kernels.printable(at, size);
+}
+
 /// A run of bytes from 0x80 on.
 template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
 {
@@ -65,18 +83,30 @@ template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
             point(*at);
         return at;
     }
-    while (end - at >= 4 && *at >= 0xc3) {
-        // Whole characters of two and three bytes, the common case; all else goes through the decoder.
+    // Whole well-formed characters, the common case; all else goes through the decoder.
+    char32_t points[maxPoints];
+    size_t count = 0;
+    const auto isMore = [](uint8_t byte) {
+        return (byte & 0xc0) == 0x80;
+    };
+    while (end - at >= 4 && count < maxPoints) {
         const uint8_t first = at[0];
-        if (first < 0xe0 && (at[1] & 0xc0) == 0x80) {
-            m_sink.printPoint(char32_t(first & 0x1f) << 6 | (at[1] & 0x3f));
+        if (first >= 0xc3 && first < 0xe0 && isMore(at[1])) {
+            points[count++] = char32_t(first & 0x1f) << 6 | (at[1] & 0x3f);
             at += 2;
-        } else if (first > 0xe0 && first < 0xf0 && first != 0xed && (at[1] & 0xc0) == 0x80 && (at[2] & 0xc0) == 0x80) {
-            m_sink.printPoint(char32_t(first & 0x0f) << 12 | char32_t(at[1] & 0x3f) << 6 | (at[2] & 0x3f));
+        } else if (first > 0xe0 && first < 0xf0 && first != 0xed && isMore(at[1]) && isMore(at[2])) {
+            points[count++] = char32_t(first & 0x0f) << 12 | char32_t(at[1] & 0x3f) << 6 | (at[2] & 0x3f);
             at += 3;
+        } else if (first == 0xf0 && uint8_t(at[1] - 0x90) < 0x30 && isMore(at[2]) && isMore(at[3])) {
+            points[count++] = char32_t(at[1] & 0x3f) << 12 | char32_t(at[2] & 0x3f) << 6 | (at[3] & 0x3f);
+            at += 4;
         } else {
             break;
         }
+    }
+    if (count > 0) {
+        m_sink.printPoints(points, count);
+        return at;
     }
     while (at < end && m_state == State::Ground && (*at >= 0x80 || m_utf8.isMidway())) {
         utf8Step(*at++);
@@ -104,10 +134,10 @@ template <typename Sink> void Parser<Sink>::utf8Step(uint8_t byte)
         if (m_rawC1 && byte < 0xa0)
             c1(byte);
         else
-            m_sink.printPoint(replacementCharacter);
+            print(replacementCharacter);
         return;
     case Result::MalformedBefore:
-        m_sink.printPoint(replacementCharacter);
+        print(replacementCharacter);
         utf8Step(byte);
         return;
     }
@@ -118,7 +148,7 @@ template <typename Sink> void Parser<Sink>::point(char32_t point)
     if (point >= 0x80 && point < 0xa0)
         c1(uint8_t(point));
     else
-        m_sink.printPoint(point);
+        print(point);
 }
 
 template <typename Sink> void Parser<Sink>::c1(uint8_t control)

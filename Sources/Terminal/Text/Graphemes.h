@@ -17,6 +17,20 @@ public:
         return starts;
     }
 
+    /// As startsCluster, where that is told at a glance; otherwise false, and nothing is taken.
+    bool surelyStarts(CodePoint next)
+    {
+        const GraphemeBreak kind = next.graphemeBreak();
+        const bool alone = kind == GraphemeBreak::Other || kind == GraphemeBreak::LV || kind == GraphemeBreak::LVT
+            || (kind == GraphemeBreak::Pictographic && !m_joined);
+        if (!alone || m_last == GraphemeBreak::Prepend || m_last == GraphemeBreak::L || m_last == GraphemeBreak::CR)
+            return false;
+        m_last = kind;
+        m_emoji = kind == GraphemeBreak::Pictographic;
+        m_joined = m_oddIndicator = false;
+        return true;
+    }
+
     void restart() { *this = {}; }
     /// As after a letter that joins nothing.
     void afterPlainText()

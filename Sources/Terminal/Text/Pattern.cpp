@@ -145,15 +145,24 @@ int32_t Pattern::stateOf(Table& table, std::vector<uint32_t> nodes) const
     return entry->second;
 }
 
+void Pattern::clear(Table& table)
+{
+    table.known.clear();
+    table.states.assign(2, {}); // unknown, dead
+    table.starts[0] = table.starts[1] = unknown;
+}
+
 int32_t Pattern::startState(Table& table, bool atBegin) const
 {
-    if (table.states.size() > maxStates || table.states.empty()) {
-        table.known.clear();
-        table.states.assign(2, {}); // unknown, dead
+    if (table.states.size() > maxStates || table.states.empty())
+        clear(table);
+    int32_t& start = table.starts[atBegin ? 0 : 1];
+    if (start == unknown) {
+        std::vector<uint32_t> nodes;
+        addNode(nodes, m_start, atBegin, false);
+        start = stateOf(table, std::move(nodes));
     }
-    std::vector<uint32_t> nodes;
-    addNode(nodes, m_start, atBegin, false);
-    return stateOf(table, std::move(nodes));
+    return start;
 }
 
 int32_t Pattern::step(Table& table, int32_t state, uint8_t byte) const
@@ -169,8 +178,7 @@ int32_t Pattern::step(Table& table, int32_t state, uint8_t byte) const
         addNode(nodes, m_start, false, false);
     if (table.states.size() > maxStates) {
         // Begin the table again with the state that is needed now.
-        table.known.clear();
-        table.states.resize(2);
+        clear(table);
         return stateOf(table, std::move(nodes));
     }
     const int32_t next = stateOf(table, std::move(nodes));

@@ -47,6 +47,7 @@ private:
     /// States are made as they are met. Those of a search begin anew at each byte; those of a match do not.
     struct Table {
         bool anywhere;
+        int32_t starts[2] {}; ///< where a text begins, and within it; 0 where not yet known
         std::vector<State> states {};
         std::map<std::vector<uint32_t>, int32_t> known {};
     };
@@ -55,6 +56,7 @@ private:
     std::optional<size_t> matchAt(std::string_view text, size_t from);
     void addNode(std::vector<uint32_t>& nodes, uint32_t node, bool atBegin, bool atEnd) const;
     int32_t stateOf(Table& table, std::vector<uint32_t> nodes) const;
+    static void clear(Table& table);
     int32_t startState(Table& table, bool atBegin) const;
     int32_t step(Table& table, int32_t state, uint8_t byte) const;
 
