@@ -71,6 +71,8 @@ class PictureModel final : public SystemLanguageModel {
 public:
     void choose(const Choice&) override { }
     std::optional<QString> unavailableReason() const override { return reason; }
+    bool runsElsewhere() const override { return false; }
+    QString modelName() const override { return u"llama3.2:3b"_s; }
     QString displayName() const override { return u"llama3.2:3b (Ollama)"_s; }
     QStringList models() const override { return { u"llama3.2:3b"_s, u"qwen2.5:7b"_s }; }
     QCoro::Task<> refresh() override { co_return; }

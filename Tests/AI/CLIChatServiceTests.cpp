@@ -84,10 +84,11 @@ TEST_F(Codex, theFirstCandidateThatMayBeExecutedIsTaken)
     EXPECT_EQ(service.codexPath(), home.path(".npm-global/bin/codex"));
 }
 
-TEST_F(Codex, theToolGetsNineArgumentsAndItsAnswerIsTakenAsItStands)
+TEST_F(Codex, theToolReadsThePromptOnStandardInputAndItsAnswerIsTakenAsItStands)
 {
-    install("printf '%s|' \"$#\" \"$@\" > \"" + home.path("arguments") + "\"; printf ' an answer\\n\\n' > \"$8\"");
-    const QString prompt = QStringLiteral("two\nlines, “quotes” $HOME `id`") + QChar(u'\0') + u'.';
+    install("printf '%s|' \"$#\" \"$@\" > \"" + home.path("arguments") + "\"; cat > \"" + home.path("input")
+        + "\"; printf ' an answer\\n\\n' > \"$8\"");
+    const QString prompt = QStringLiteral("two\nlines, “quotes” $HOME `id`") + QChar(u'\0') + QString(300'000, u'x');
     EXPECT_EQ(answerTo(prompt), " an answer\n\n");
     const QStringList arguments = QString::fromUtf8(home.read("arguments")).split(u'|');
     ASSERT_EQ(arguments.size(), 11);
@@ -96,7 +97,8 @@ TEST_F(Codex, theToolGetsNineArgumentsAndItsAnswerIsTakenAsItStands)
             "--output-last-message" }));
     EXPECT_TRUE(arguments[8].contains(
         QRegularExpression(QDir::tempPath() + "/corvane-cli-draft-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\.txt$")));
-    EXPECT_EQ(arguments[9], QStringLiteral("i\n\ntwo\nlines, “quotes” $HOME `id`\uFFFD."));
+    EXPECT_EQ(arguments[9], "-");
+    EXPECT_EQ(QString::fromUtf8(home.read("input")), "i\n\n" + prompt);
 }
 
 TEST_F(Codex, everyOtherEndIsAFailureInWords)

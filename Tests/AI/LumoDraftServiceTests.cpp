@@ -119,7 +119,7 @@ TEST_F(LumoDraftServiceTest, withoutAModelOfThePlatformTheCodexToolIsAskedInPlai
 {
     m_lumo.model.setUnavailable("no server");
     m_home.write("codex",
-        "#!/bin/sh\nprintf '%s' \"$9\" >\"$0.asked\"\n"
+        "#!/bin/sh\ncat >\"$0.asked\"\n"
         "printf 'Sure:\\n```\\n{\"draft\":\"Hi {Ana}\"}\\n```' >\"$8\"\n");
     QFile::setPermissions(m_home.path("codex"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const std::unique_ptr<ToolRunner> tools = makeToolRunner();

@@ -181,4 +181,14 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(ask.question() + '|' + ask.answer(), "And?|Tea.");
     ask.tryAgain(); // nothing failed
     EXPECT_EQ(ask.answer(), "Tea.");
+    const auto later = model.willAnswerLater();
+    ask.ask("Milk?");
+    EXPECT_EQ(ask.question() + '|' + ask.answer(), "Milk?|") << "the old answer is gone";
+    ask.dismiss();
+
+    ContactRow stranger;
+    stranger.id = "ct:WHATSAPP:491725550199@s.whatsapp.net";
+    stranger.name = "491725550199@s.whatsapp.net";
+    ask.open(stranger);
+    EXPECT_EQ(ask.heading(), "Ask Lumo about +491725550199");
 }

@@ -139,6 +139,29 @@ TEST_F(LanguageModel, aLlamaServerIsAskedInItsOwnWay)
     EXPECT_FALSE(web.requests().last().json().contains("response_format"));
 }
 
+TEST_F(LanguageModel, aModelThatRunsElsewhereAnswersOnlyOnceThatIsAllowed)
+{
+    QJsonObject models = ollamaModels({ "big:120b-cloud", "far", "near" });
+    QJsonArray entries = models["models"].toArray();
+    QJsonObject far = entries[1].toObject();
+    far["remote_host"] = "https://models.example";
+    entries[1] = far;
+    web.answer(version, LoopbackWeb::json({ { "version", "0.12.0" } }));
+    web.answer(tags, LoopbackWeb::json({ { "models", entries } }));
+    EXPECT_EQ(look(), "");
+    EXPECT_EQ(model.modelName(), "near") << "without a choice the texts stay here";
+    EXPECT_FALSE(model.runsElsewhere());
+    for (const QString& name : { "far", "big:120b-cloud" }) {
+        model.choose({ {}, name });
+        EXPECT_TRUE(look().startsWith("“" + name + "” runs elsewhere:"));
+        EXPECT_TRUE(model.runsElsewhere());
+        EXPECT_FALSE(result(model.respond("i", "p", {})).has_value());
+        model.choose({ {}, name, name });
+        EXPECT_EQ(look(), "");
+    }
+    EXPECT_FALSE(web.paths().contains(chat));
+}
+
 TEST_F(LanguageModel, aServerThatCannotAnswerIsUnavailableForAStatedReason)
 {
     struct Case {

@@ -65,6 +65,20 @@ TEST_F(Assistant, theChoiceOfModelAndServerIsKeptAndTakesEffectAtOnce)
     EXPECT_EQ(world.defaults.text("nimb.localModelUrl"), std::nullopt);
 }
 
+TEST_F(Assistant, aModelThatRunsElsewhereIsSaidAndUsedOnceAllowed)
+{
+    EXPECT_EQ(view.elsewhereText(), "");
+    lumo.model.elsewhere = true;
+    EXPECT_EQ(view.elsewhereText(),
+        "This model runs elsewhere: the messages and notes that fake:1b reads leave this machine.");
+    EXPECT_FALSE(view.elsewhereAllowed());
+    view.allowElsewhere(true);
+    EXPECT_EQ(lumo.model.chosen.allowedElsewhere, "fake:1b");
+    EXPECT_TRUE(view.elsewhereAllowed());
+    view.allowElsewhere(false);
+    EXPECT_EQ(lumo.model.chosen, SystemLanguageModel::Choice());
+}
+
 TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
 {
     lumo.machine.now.physicalMemoryBytes = Q_UINT64_C(1) << 34;

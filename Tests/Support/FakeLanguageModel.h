@@ -56,6 +56,8 @@ public:
 
     void choose(const Choice& choice) override { chosen = choice; }
     std::optional<QString> unavailableReason() const override { return m_reason; }
+    bool runsElsewhere() const override { return elsewhere; }
+    QString modelName() const override { return known.value(0); }
     QString displayName() const override { return QStringLiteral("Fake Model"); }
     QStringList models() const override { return known; }
     QCoro::Task<> refresh() override { co_return; }
@@ -76,6 +78,7 @@ public:
     QList<Question> asked;
     QStringList known { QStringLiteral("fake:1b") };
     Choice chosen;
+    bool elsewhere = false;
 
 private:
     static QString textKey() { return QStringLiteral("text"); }
@@ -115,7 +118,7 @@ public:
 /// A machine on which no tool runs.
 class NoTools final : public ToolRunner {
 public:
-    QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList, CancelHandle) override
+    QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList, QByteArray, CancelHandle) override
     {
         ADD_FAILURE() << "a tool that nobody expected: " << qPrintable(executable);
         co_return failure(QStringLiteral("no tools"));

@@ -56,12 +56,6 @@ private:
     const QString m_path;
 };
 
-/// No argument can hold a null character, which would end it early.
-QString asArgument(QString text)
-{
-    return text.replace(QChar(u'\0'), QChar(QChar::ReplacementCharacter));
-}
-
 }
 
 QString errorDescription(CLIChatError error, const QString& detail)
@@ -102,8 +96,10 @@ QCoro::Task<Result<QString>> CLIChatService::respond(QString instructions, QStri
     const AnswerFile answer(folder);
     const QStringList arguments { QStringLiteral("exec"), QStringLiteral("-s"), QStringLiteral("read-only"),
         QStringLiteral("--skip-git-repo-check"), QStringLiteral("-C"), folder, QStringLiteral("--output-last-message"),
-        answer.path(), asArgument(instructions + QStringLiteral("\n\n") + prompt) };
-    const Result<ToolEnd> end = co_await m_tools.run(*codex, arguments, cancel);
+        answer.path(), QStringLiteral("-") };
+    // Not as an argument: those are short, and other users of the machine can read them.
+    const QByteArray input = (instructions + QStringLiteral("\n\n") + prompt).toUtf8();
+    const Result<ToolEnd> end = co_await m_tools.run(*codex, arguments, input, cancel);
     if (!end)
         co_return std::unexpected(end.error());
 

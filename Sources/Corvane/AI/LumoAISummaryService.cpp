@@ -14,21 +14,32 @@ namespace {
 
 constexpr int nameLength = 140;
 constexpr int noteLength = 420;
+constexpr qsizetype contextBudget = 48'000; ///< characters of notes and messages together: a local model reads no more
+constexpr qsizetype notesBudget = contextBudget / 3;
 
+/// The newest notes, as many as fit.
 QString renderNotes(const QList<NoteRow>& notes)
 {
-    if (notes.isEmpty())
-        return QStringLiteral("(none)");
-    QStringList lines;
-    for (const NoteRow& note : notes)
-        lines.append(QStringLiteral("- ") + promptLine(note.body, noteLength));
-    return lines.join(u'\n');
+    QString lines;
+    for (const NoteRow& note : notes) {
+        const QString line = QStringLiteral("- ") + promptLine(note.body, noteLength);
+        if (lines.size() + line.size() > notesBudget)
+            break;
+        lines += (lines.isEmpty() ? QString() : QStringLiteral("\n")) + line;
+    }
+    return lines.isEmpty() ? QStringLiteral("(none)") : lines;
 }
 
-QString renderMessages(const QList<UnifiedMsgRow>& messages)
+/// The newest messages, as many as fit into what the notes leave.
+QString renderMessages(const QList<UnifiedMsgRow>& messages, qsizetype budget)
 {
-    const QList<LocalAIMessageCitation> citations = citationMessages(messages);
-    return citations.isEmpty() ? QStringLiteral("(no messages)") : renderThread(citations);
+    QList<LocalAIMessageCitation> citations = citationMessages(messages);
+    QString lines = renderThread(citations);
+    while (lines.size() > budget && citations.size() > 1) {
+        citations.removeFirst();
+        lines = renderThread(citations);
+    }
+    return citations.isEmpty() ? QStringLiteral("(no messages)") : lines;
 }
 
 }
@@ -81,9 +92,10 @@ QCoro::Task<Result<QString>> LumoAISummaryService::ask(
         "You are Lumo, answering questions about one CRM contact using ONLY the provided local context. Be concise and "
         "concrete. If the context doesn't answer the question, say so plainly — never invent facts, dates, or "
         "commitments.");
+    const QString known = renderNotes(notes);
     const QString prompt = QStringLiteral("Contact: ") + promptLine(contactName, nameLength)
-        + QStringLiteral("\nNotes:\n") + renderNotes(notes) + QStringLiteral("\n\nRecent thread:\n")
-        + renderMessages(messages) + QStringLiteral("\n\nQuestion: ") + question;
+        + QStringLiteral("\nNotes:\n") + known + QStringLiteral("\n\nRecent thread:\n")
+        + renderMessages(messages, contextBudget - known.size()) + QStringLiteral("\n\nQuestion: ") + question;
     return m_ai.respond(instructions, prompt, cancel);
 }
 

@@ -104,11 +104,16 @@ QCoro::Task<Result<LumoDraftResult>> LumoDraftService::rewrite(QString text, Lum
         co_return cancelled();
     if (!answer)
         co_return std::unexpected(answer.error());
-    const DraftExpectation expected { rewriteIntent, style, labels(prompt.citations), quotedFacts(composed) };
+    // It rests on the text that was there; the thread sets the tone, unless the answer names a message.
+    const DraftExpectation expected { rewriteIntent, style, {}, quotedFacts(composed) };
     const auto response = parseDraftAnswer(*answer, expected);
     if (!response)
         co_return std::unexpected(response.error());
-    co_return result(prompt, instructions, rewriteIntent, operationLabel(action), *response);
+    LumoDraftResult rewritten = result(prompt, instructions, rewriteIntent, operationLabel(action), *response);
+    rewritten.citations.removeIf(
+        [&used = rewritten.responseMetadata.usedMessageLabels](
+            const LocalAIMessageCitation& citation) { return !used.contains(citation.label); });
+    co_return rewritten;
 }
 
 QString LumoDraftService::instructionsWithMemory(const LumoDraftPrompt& prompt, const QString& contactId) const

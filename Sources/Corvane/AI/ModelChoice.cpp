@@ -8,6 +8,7 @@ namespace {
 
 const QString urlKey = QStringLiteral("nimb.localModelUrl");
 const QString modelKey = QStringLiteral("nimb.localModel");
+const QString elsewhereKey = QStringLiteral("nimb.localModelElsewhere");
 
 void set(UserDefaults& defaults, const QString& key, const QString& text)
 {
@@ -21,13 +22,15 @@ void set(UserDefaults& defaults, const QString& key, const QString& text)
 
 SystemLanguageModel::Choice modelChoice(const UserDefaults& defaults)
 {
-    return { defaults.text(urlKey).value_or(QString()), defaults.text(modelKey).value_or(QString()) };
+    return { defaults.text(urlKey).value_or(QString()), defaults.text(modelKey).value_or(QString()),
+        defaults.text(elsewhereKey).value_or(QString()) };
 }
 
 void setModelChoice(UserDefaults& defaults, const SystemLanguageModel::Choice& choice)
 {
     set(defaults, urlKey, choice.serverUrl);
     set(defaults, modelKey, choice.model);
+    set(defaults, elsewhereKey, choice.allowedElsewhere);
 }
 
 }

@@ -6,7 +6,8 @@ namespace corvane {
 
 class UserDefaults;
 
-/// Which local model the user picked, and where it is served: the defaults "nimb.localModel" and "nimb.localModelUrl".
+/// Which local model the user picked, and where it is served: the defaults "nimb.localModel",
+/// "nimb.localModelUrl" and "nimb.localModelElsewhere".
 SystemLanguageModel::Choice modelChoice(const UserDefaults& defaults);
 
 /// An empty text takes the default back.

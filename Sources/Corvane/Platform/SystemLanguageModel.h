@@ -19,6 +19,7 @@ public:
     struct Choice {
         QString serverUrl;
         QString model;
+        QString allowedElsewhere = {}; ///< the model that may answer although it runs on another machine
 
         bool operator==(const Choice&) const = default;
     };
@@ -27,6 +28,10 @@ public:
 
     /// Why the model cannot answer now, in words; nothing where it can.
     virtual std::optional<QString> unavailableReason() const = 0;
+    /// Whether the model that would answer runs on another machine, behind a server on this one. Then it is unavailable
+    /// until `Choice::allowedElsewhere` names it.
+    virtual bool runsElsewhere() const = 0;
+    virtual QString modelName() const = 0; ///< as `models` lists it
     virtual QString displayName() const = 0; ///< of the model that answers, such as "llama3.2:3b (Ollama)"
     virtual QStringList models() const = 0; ///< what `Choice::model` may name
 

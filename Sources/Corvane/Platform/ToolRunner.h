@@ -24,9 +24,11 @@ public:
     /// Kills what still runs; who waits for it fails.
     virtual ~ToolRunner() = default;
 
-    /// The environment is inherited, standard input is empty. There is no time limit; cancelling kills the
-    /// tool and all that descends from it. A program that does not start fails in the system's words.
-    virtual QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList arguments, CancelHandle cancel) = 0;
+    /// The environment is inherited, standard input holds `input` and then ends. There is no time limit; cancelling
+    /// kills the tool and all that descends from it. A program that does not start fails in the system's words.
+    virtual QCoro::Task<Result<ToolEnd>> run(
+        QString executable, QStringList arguments, QByteArray input, CancelHandle cancel)
+        = 0;
 };
 
 }

@@ -140,6 +140,29 @@ void AssistantSettings::setModel(const QString& model)
     Q_EMIT choiceChanged();
 }
 
+QString AssistantSettings::elsewhereText() const
+{
+    const SystemLanguageModel& model = m_services.systemModel;
+    return model.runsElsewhere()
+        ? QStringLiteral("This model runs elsewhere: the messages and notes that %1 reads leave this machine.")
+              .arg(model.modelName())
+        : QString();
+}
+
+bool AssistantSettings::elsewhereAllowed() const
+{
+    return modelChoice(m_defaults).allowedElsewhere == m_services.systemModel.modelName();
+}
+
+void AssistantSettings::allowElsewhere(bool allow)
+{
+    SystemLanguageModel::Choice choice = modelChoice(m_defaults);
+    choice.allowedElsewhere = allow ? m_services.systemModel.modelName() : QString();
+    setModelChoice(m_defaults, choice);
+    m_services.systemModel.choose(choice);
+    Q_EMIT changed();
+}
+
 QString AssistantSettings::serverUrl() const
 {
     return modelChoice(m_defaults).serverUrl;

@@ -27,6 +27,8 @@ class AssistantSettings : public QObject {
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY choiceChanged) ///< empty: the first that is there
     Q_PROPERTY(QString modelText READ modelText NOTIFY choiceChanged)
     Q_PROPERTY(QString firstModelLabel READ firstModelLabel CONSTANT)
+    Q_PROPERTY(QString elsewhereText READ elsewhereText NOTIFY changed) ///< empty: the model runs here
+    Q_PROPERTY(bool elsewhereAllowed READ elsewhereAllowed NOTIFY changed)
     Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl NOTIFY choiceChanged) ///< empty: the usual ports
     Q_PROPERTY(QString gateText READ gateText NOTIFY changed)
     Q_PROPERTY(bool gateIsOpen READ gateIsOpen NOTIFY changed)
@@ -52,6 +54,8 @@ public:
     void setModel(const QString& model);
     QString modelText() const;
     QString firstModelLabel() const { return QStringLiteral("The first that is there"); }
+    QString elsewhereText() const;
+    bool elsewhereAllowed() const;
     QString serverUrl() const;
     void setServerUrl(const QString& url);
     QString gateText() const { return m_gate.statusText(); }
@@ -67,6 +71,7 @@ public:
     /// While someone looks, what changes by itself is read every few seconds.
     void setVisible(bool visible);
 
+    Q_INVOKABLE void allowElsewhere(bool allow); ///< the model that would answer may read texts on another machine
     Q_INVOKABLE void tryIt(); ///< asks whoever answers for one sentence
     Q_INVOKABLE void cancelTry();
     Q_INVOKABLE void forget(const QString& memoryId);

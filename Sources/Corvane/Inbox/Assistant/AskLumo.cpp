@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "Inbox/Assistant/AssistantContext.h"
+#include "Inbox/List/ContactItem.h"
 
 namespace corvane {
 
@@ -20,6 +21,11 @@ AskLumo::AskLumo(LocalDB& db, AIServices& ai, QObject* parent)
     , m_services(ai)
 {
     connect(&ai.systemModel, &SystemLanguageModel::availabilityChanged, this, &AskLumo::changed);
+}
+
+QString AskLumo::heading() const
+{
+    return QStringLiteral("Ask Lumo about ") + contactName(m_contact);
 }
 
 QString AskLumo::placeholder() const
@@ -53,8 +59,8 @@ QCoro::Task<> AskLumo::run(QString question)
     const CancelHandle cancel = begin(QStringLiteral("Asking ") + (backend().isEmpty() ? noBackend() : backend()),
         [this, question] { ask(question); });
     m_question = question;
-    const Result<QString> answer = co_await m_services.summaries.ask(
-        m_contact.name, draftContext(m_db, m_contact).recentNotes, localThread(m_db, m_contact), question, cancel);
+    const Result<QString> answer = co_await m_services.summaries.ask(contactName(m_contact),
+        draftContext(m_db, m_contact).recentNotes, localThread(m_db, m_contact), question, cancel);
     if (cancel.isCancelled())
         co_return;
     m_answer = answer.value_or(QString()).trimmed();

@@ -22,7 +22,7 @@ public:
     /// Everything outlives the object.
     AskLumo(LocalDB& db, AIServices& ai, QObject* parent = nullptr);
 
-    QString heading() const { return QStringLiteral("Ask Lumo about ") + m_contact.name; }
+    QString heading() const;
     QString placeholder() const;
     const QString& question() const { return m_question; }
     const QString& answer() const { return m_answer; }

@@ -1,5 +1,6 @@
 #include "Inbox/Assistant/AssistantContext.h"
 
+#include "Inbox/List/ContactItem.h"
 #include "Store/People/IdentityQueries.h"
 
 namespace corvane {
@@ -18,7 +19,7 @@ std::optional<QString> known(const QString& text)
 LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact)
 {
     const QString id = effectiveContactId(db, contact.id);
-    LumoDraftCRMContext context { id, contact.name, contact.platforms, {}, fetchNotes(db, id) };
+    LumoDraftCRMContext context { id, contactName(contact), contact.platforms, {}, fetchNotes(db, id) };
     for (const ContactIdentity& identity : identitiesFor(db, id))
         context.identities.append({ identity.channel, identity.handle, known(identity.email), known(identity.phone) });
     return context;

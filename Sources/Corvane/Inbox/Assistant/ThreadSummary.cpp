@@ -3,6 +3,7 @@
 #include "AI/AIServices.h"
 #include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
+#include "Inbox/List/ContactItem.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -104,7 +105,7 @@ QCoro::Task<> ThreadSummary::run()
             QStringLiteral("This thread has no saved text messages yet."));
         co_return;
     }
-    Result<LocalAIThreadSummary> summary = co_await m_summaries.summarize(m_contact.name, messages, cancel);
+    Result<LocalAIThreadSummary> summary = co_await m_summaries.summarize(contactName(m_contact), messages, cancel);
     if (cancel.isCancelled())
         co_return;
     if (summary) {

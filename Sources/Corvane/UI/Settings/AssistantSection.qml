@@ -66,7 +66,7 @@ Column {
         SectionHeader { text: qsTr("Model on this machine") }
         SettingRow {
             label: qsTr("Server")
-            hint: qsTr("Ollama or a llama.cpp server. Nothing leaves this machine.")
+            hint: qsTr("Ollama or a llama.cpp server on this machine.")
             TextField {
                 objectName: "assistant.server"
                 width: 260
@@ -107,6 +107,15 @@ Column {
                     onObjectAdded: (index, item) => picker.list.insertItem(index + 1, item)
                     onObjectRemoved: (index, item) => picker.list.removeItem(item)
                 }
+            }
+        }
+        SettingRow {
+            visible: hint !== ""
+            hint: section.assistant.elsewhereText
+            Button {
+                objectName: "assistant.elsewhere"
+                text: section.assistant.elsewhereAllowed ? qsTr("Don't use it") : qsTr("Use it anyway")
+                onClicked: section.assistant.allowElsewhere(!section.assistant.elsewhereAllowed)
             }
         }
     }

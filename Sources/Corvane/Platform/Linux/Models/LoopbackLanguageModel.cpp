@@ -62,24 +62,48 @@ void LoopbackLanguageModel::choose(const Choice& choice)
     refresh();
 }
 
-QString LoopbackLanguageModel::model() const
+ServedModel LoopbackLanguageModel::model() const
 {
-    return m_choice.model.isEmpty() ? m_known.models.value(0) : m_choice.model;
+    const auto found = std::ranges::find_if(m_known.models, [this](const ServedModel& model) {
+        return m_choice.model.isEmpty() ? !model.runsElsewhere : model.name == m_choice.model;
+    });
+    if (found != m_known.models.cend())
+        return *found;
+    return m_choice.model.isEmpty() ? m_known.models.value(0) : ServedModel { m_choice.model };
+}
+
+bool LoopbackLanguageModel::runsElsewhere() const
+{
+    return m_known.server && model().runsElsewhere;
+}
+
+QStringList LoopbackLanguageModel::models() const
+{
+    QStringList names;
+    for (const ServedModel& model : m_known.models)
+        names.append(model.name);
+    return names;
 }
 
 std::optional<QString> LoopbackLanguageModel::unavailableReason() const
 {
     if (!m_known.server)
         return m_known.reason;
-    if (!m_known.models.contains(model()))
+    const ServedModel answering = model();
+    if (!m_known.models.contains(answering))
         return QStringLiteral("The model server at %1 has no model “%2”.")
-            .arg(m_known.server->base.toString(), model());
+            .arg(m_known.server->base.toString(), answering.name);
+    if (answering.runsElsewhere && answering.name != m_choice.allowedElsewhere)
+        return QStringLiteral(
+            "“%1” runs elsewhere: what it reads leaves this machine. It answers once you allow that in "
+            "the settings.")
+            .arg(answering.name);
     return std::nullopt;
 }
 
 QString LoopbackLanguageModel::displayName() const
 {
-    return m_known.server ? displayNameOf(model(), m_known.server->contract) : QString();
+    return m_known.server ? displayNameOf(model().name, m_known.server->contract) : QString();
 }
 
 QCoro::Task<> LoopbackLanguageModel::refresh()
@@ -144,7 +168,7 @@ QCoro::Task<Result<QString>> LoopbackLanguageModel::ask(ModelQuestion question, 
     if (const auto reason = unavailableReason())
         co_return failure(*reason);
     const ModelServer server = *m_known.server;
-    question.model = model();
+    question.model = model().name;
     QNetworkRequest sent = request(urlOf(server.base, chatPath(server.contract)));
     sent.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     // The request ends with the first of the two handles.

@@ -9,7 +9,7 @@
 namespace corvane {
 
 /// A model server on this machine: the one that was chosen, else Ollama or a llama.cpp server at its usual port.
-/// Nothing ever goes to another machine: no proxy, no redirect, no name that is looked up.
+/// No request goes to another machine: no proxy, no redirect, no name that is looked up.
 class LoopbackLanguageModel final : public SystemLanguageModel {
     Q_OBJECT
 public:
@@ -20,7 +20,9 @@ public:
     void choose(const Choice& choice) override;
     std::optional<QString> unavailableReason() const override;
     QString displayName() const override;
-    QStringList models() const override { return m_known.models; }
+    bool runsElsewhere() const override;
+    QString modelName() const override { return model().name; }
+    QStringList models() const override;
     QCoro::Task<> refresh() override;
     QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel) override;
     QCoro::Task<Result<QJsonObject>> respondGenerating(
@@ -30,7 +32,7 @@ private:
     /// What the last look found.
     struct Known {
         std::optional<ModelServer> server;
-        QStringList models;
+        QList<ServedModel> models;
         QString reason; ///< why there is no server
 
         bool operator==(const Known&) const = default;
@@ -41,7 +43,7 @@ private:
     QCoro::Task<Result<HttpReply>> get(QUrl url);
     QCoro::Task<Result<QString>> ask(ModelQuestion question, CancelHandle cancel);
     void lookAgainAfter(Milliseconds pause);
-    QString model() const; ///< the chosen one, else the first
+    ServedModel model() const; ///< the chosen one, else the first that runs here, else the first
 
     Scheduler& m_scheduler;
     const QStringList m_usualServers;

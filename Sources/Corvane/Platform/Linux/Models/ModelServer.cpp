@@ -82,6 +82,15 @@ Result<QJsonObject> objectIn(const HttpReply& reply, const ModelServer& server)
                   : failure(words(server, QStringLiteral("gave an answer that does not read.")));
 }
 
+/// Ollama names the host that it passes texts on to, and tags such models.
+bool runsElsewhere(const QJsonObject& model, const QString& name)
+{
+    const QString tag = name.section(u':', 1);
+    return !model[QLatin1StringView("remote_host")].toString().isEmpty()
+        || !model[QLatin1StringView("remote_model")].toString().isEmpty() || tag == QLatin1StringView("cloud")
+        || tag.endsWith(QLatin1StringView("-cloud"));
+}
+
 }
 
 std::optional<QUrl> loopbackUrl(const QString& text)
@@ -118,7 +127,7 @@ QString modelsPath(Contract contract)
     return contract == Contract::Ollama ? QStringLiteral("/api/tags") : QStringLiteral("/v1/models");
 }
 
-Result<QStringList> modelsIn(const HttpReply& reply, const ModelServer& server)
+Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& server)
 {
     const bool isOllama = server.contract == Contract::Ollama;
     const auto object = objectIn(reply, server);
@@ -127,15 +136,15 @@ Result<QStringList> modelsIn(const HttpReply& reply, const ModelServer& server)
     const QJsonValue list = object->value(isOllama ? QLatin1StringView("models") : QLatin1StringView("data"));
     if (!list.isArray())
         return failure(words(server, QStringLiteral("is no model server that is known here.")));
-    QStringList names;
+    QList<ServedModel> models;
     for (const QJsonValue& model : list.toArray()) {
         const QString name = model[isOllama ? QLatin1StringView("name") : QLatin1StringView("id")].toString();
         if (!name.isEmpty())
-            names.append(name);
+            models.append({ name, runsElsewhere(model.toObject(), name) });
     }
-    if (names.isEmpty())
+    if (models.isEmpty())
         return failure(words(server, QStringLiteral("has no model yet.")));
-    return names;
+    return models;
 }
 
 QString chatPath(Contract contract)

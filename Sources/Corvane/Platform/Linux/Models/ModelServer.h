@@ -20,6 +20,13 @@ struct ModelServer {
     bool operator==(const ModelServer&) const = default;
 };
 
+struct ServedModel {
+    QString name;
+    bool runsElsewhere = false; ///< the server passes the texts on to another machine
+
+    bool operator==(const ServedModel&) const = default;
+};
+
 /// What a model is asked.
 struct ModelQuestion {
     QString model;
@@ -40,7 +47,7 @@ bool isOllamaVersion(const HttpReply& reply);
 QString modelsPath(ModelServer::Contract contract);
 
 /// The models that the server lists; a failure says in words why there is no list.
-Result<QStringList> modelsIn(const HttpReply& reply, const ModelServer& server);
+Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& server);
 
 QString chatPath(ModelServer::Contract contract);
 QByteArray chatBody(const ModelQuestion& question, ModelServer::Contract contract);

@@ -142,11 +142,13 @@ PosixToolRunner::~PosixToolRunner()
     }
 }
 
-QCoro::Task<Result<ToolEnd>> PosixToolRunner::run(QString executable, QStringList arguments, CancelHandle cancel)
+QCoro::Task<Result<ToolEnd>> PosixToolRunner::run(
+    QString executable, QStringList arguments, QByteArray input, CancelHandle cancel)
 {
     if (cancel.isCancelled())
         co_return cancelled();
-    Result<SpawnedChild> tool = spawnTool({ executable, arguments, {}, QProcessEnvironment::systemEnvironment() });
+    Result<SpawnedChild> tool
+        = spawnTool({ executable, arguments, {}, QProcessEnvironment::systemEnvironment() }, input);
     if (!tool)
         co_return std::unexpected(tool.error());
 

@@ -15,7 +15,8 @@ public:
     PosixToolRunner();
     ~PosixToolRunner() override;
 
-    QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList arguments, CancelHandle cancel) override;
+    QCoro::Task<Result<ToolEnd>> run(
+        QString executable, QStringList arguments, QByteArray input, CancelHandle cancel) override;
 
 private:
     class Run;

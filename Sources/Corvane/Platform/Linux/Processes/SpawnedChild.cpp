@@ -6,6 +6,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -47,7 +49,7 @@ void makeNonBlocking(const Descriptor& descriptor)
     ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
 }
 
-/// A stream of the child: a pipe, or while it is not open the null device.
+/// A stream of the child: a pipe or a socket, or while it is not open the null device.
 class Stream {
 public:
     enum class Ours { Reads, Writes };
@@ -61,6 +63,26 @@ public:
         m_childs = Descriptor(ends[ours == Ours::Reads ? 1 : 0]);
         makeNonBlocking(m_own);
         return true;
+    }
+
+    bool openSocket()
+    {
+        int ends[2];
+        if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+            return false;
+        m_own = Descriptor(ends[0]);
+        m_childs = Descriptor(ends[1]);
+        makeNonBlocking(m_own);
+        return true;
+    }
+
+    /// A file that is nowhere on the disk: unlike a pipe it takes any length at once.
+    bool openWith(const QByteArray& content)
+    {
+        m_childs = Descriptor(::memfd_create("input", MFD_CLOEXEC));
+        QFile file;
+        return m_childs.isOpen() && file.open(m_childs.number(), QIODevice::WriteOnly)
+            && file.write(content) == content.size() && file.flush() && ::lseek(m_childs.number(), 0, SEEK_SET) == 0;
     }
 
     void connect(posix_spawn_file_actions_t& actions, int number) const
@@ -160,10 +182,19 @@ Result<SpawnedChild> spawnChild(const ProcessSpec& spec)
     return spawn(spec, streams);
 }
 
-Result<SpawnedChild> spawnTool(const ProcessSpec& spec)
+Result<SpawnedChild> spawnTool(const ProcessSpec& spec, const QByteArray& input)
 {
     Streams streams;
-    if (!streams.output.open(Stream::Ours::Reads) || !streams.errors.open(Stream::Ours::Reads))
+    if (!streams.input.openWith(input) || !streams.output.open(Stream::Ours::Reads)
+        || !streams.errors.open(Stream::Ours::Reads))
+        return systemFailure(spec.executable, errno);
+    return spawn(spec, streams);
+}
+
+Result<SpawnedChild> spawnOverSocket(const ProcessSpec& spec)
+{
+    Streams streams;
+    if (!streams.input.openSocket())
         return systemFailure(spec.executable, errno);
     return spawn(spec, streams);
 }

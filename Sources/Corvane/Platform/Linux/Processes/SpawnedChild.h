@@ -15,14 +15,18 @@ struct SpawnedChild {
     Descriptor errors = {};
 };
 
-// Both start the program as the leader of a process group of its own, with no descriptor but the standard three, no
+// All start the program as the leader of a process group of its own, with no descriptor but the standard three, no
 // signal blocked and SIGPIPE as it is by default.
 
 /// Standard error goes to the null device, and without `ProcessSpec::pipes` the others do too.
 Result<SpawnedChild> spawnChild(const ProcessSpec& spec);
 
-/// With pipes for what it prints and nothing on standard input.
-Result<SpawnedChild> spawnTool(const ProcessSpec& spec);
+/// With pipes for what it prints; `input` is all that it reads from standard input.
+Result<SpawnedChild> spawnTool(const ProcessSpec& spec, const QByteArray& input);
+
+/// `input` is one end of a socket whose other end is the child's standard input; its other streams go to the null
+/// device.
+Result<SpawnedChild> spawnOverSocket(const ProcessSpec& spec);
 
 /// Sends a signal to the very process, never to another that has taken over its number.
 void signalChild(const Descriptor& handle, int signal);
