@@ -106,9 +106,11 @@ TEST_F(Recovery, anEmptyFileOrABackupTakesThePlaceJustAsWell)
         launcher->expect(FakeLauncher::stays(), 2);
         db().health().note(SQLITE_NOTADB);
         clock.advance(seconds(6));
+        launcher->exitTerminated();
         recovery().choose(id);
         ASSERT_TRUE(await([&] { return !recovery().needed(); })) << id.toStdString();
         EXPECT_EQ(contacts(), expected);
+        clock.advance(seconds(10)); // the lines that waited for the file go first
     }
     EXPECT_TRUE(allRuns());
 }

@@ -49,6 +49,14 @@ QList<QJsonObject> FakeChild::commands() const
     return result;
 }
 
+void FakeLauncher::exitTerminated()
+{
+    for (const auto& child : children) {
+        if (child->terminated && child->isRunning())
+            child->exit();
+    }
+}
+
 FakeLauncher::~FakeLauncher()
 {
     EXPECT_TRUE(m_script.empty()) << "launches that never came: " << m_script.size();

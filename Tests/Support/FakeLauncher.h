@@ -73,6 +73,7 @@ public:
     int marked(const QString&, Marked) override { return 0; }
 
     FakeChild& last() const { return *children.last(); }
+    void exitTerminated(); ///< every child that was told to end does
 
     QList<std::shared_ptr<FakeChild>> children; ///< every launch that did not fail, in order
 

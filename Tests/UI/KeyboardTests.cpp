@@ -49,8 +49,8 @@ TEST_F(KeyboardTest, tabLeavesTheNewestMessageForTheReplyAndUpLeadsToWhatIsOlder
 TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
 {
     showInbox();
-    const QString sound = home.path(u"share/Corvane/media/main/a.wav"_s);
-    home.write(u"share/Corvane/media/main/a.wav"_s,
+    const QString sound = home.path(u"share/Corvane/media/studio/a.wav"_s);
+    home.write(u"share/Corvane/media/studio/a.wav"_s,
         QByteArray("RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1f\0\0\x80\x3e\0\0\x02\0\x10\0data\0\0\0\0", 44));
     receive(*launcher.children.first(), u"49171@s.whatsapp.net"_s, u"Ana Ruiz"_s, {},
         { { "mediaType", "audio" }, { "mediaPath", sound } });

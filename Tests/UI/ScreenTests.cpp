@@ -379,7 +379,7 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
 
 TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
 {
-    const QString path = home.path(u"share/Corvane/media/main/label #1, 50% & ü?.png"_s);
+    const QString path = home.path(u"share/Corvane/media/studio/label #1, 50% & ü?.png"_s);
     ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
     QImage picture(800, 400, QImage::Format_RGB32);
     picture.fill(QColor(200, 30, 30));
@@ -400,9 +400,9 @@ TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
 TEST_F(ScreenTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
 {
     const auto path = [this](const QString& name) {
-        return home.path(u"share/Corvane/media/main/"_s + name);
+        return home.path(u"share/Corvane/media/studio/"_s + name);
     };
-    home.write(u"share/Corvane/media/main/fake.png"_s, "<html>no picture</html>");
+    home.write(u"share/Corvane/media/studio/fake.png"_s, "<html>no picture</html>");
     home.write(u"secret.png"_s, "private");
     QImage picture(800, 400, QImage::Format_RGB32);
     picture.fill(QColor(200, 30, 30));
@@ -469,11 +469,13 @@ TEST_F(ScreenTest, aFullDiskIsABannerAndADamagedDatabaseAPageToChooseOn)
     clock.advance(seconds(10));
     expectDrawn(u"damaged database"_s);
     EXPECT_TRUE(focusWithin(u"recovery.save"_s));
+    launcher.exitTerminated();
     launcher.expect(FakeLauncher::stays(), 3); // the engines that ran
     click(u"recovery.new"_s);
     rest();
     EXPECT_FALSE(recovery.needed());
     EXPECT_EQ(findItem(u"recovery.new"_s), nullptr);
+    clock.advance(seconds(10)); // the lines that waited for the file go first
 }
 
 }

@@ -30,7 +30,10 @@ const olderPerSecond = 12;
 /** Runs until its input ends. */
 export function runEngine(profile: Profile): void {
   const engine = new Engine(profile, clockFrom(process.env));
-  listen((command) => void engine.told.then(() => engine.commands.handle(command)));
+  listen(
+    (command) => void engine.told.then(() => engine.commands.handle(command)),
+    () => engine.told,
+  );
   engine.connect();
 }
 

@@ -50,8 +50,9 @@ export async function drained(): Promise<void> {
   if (process.stdout.writableNeedDrain) await once(process.stdout, "drain");
 }
 
-/** Hands every command line to `handle`; what is no JSON object is passed over. Ends the process with its input. */
-export function listen(handle: (command: Command) => void): void {
+/** Hands every command line to `handle`; what is no JSON object is passed over. Ends the process with its input, once
+ *  what it was saying then is `said`; a signal ends it at once. */
+export function listen(handle: (command: Command) => void, said: () => Promise<void>): void {
   const leave = (): void => {
     if (isLeaving) return;
     isLeaving = true;
@@ -64,7 +65,7 @@ export function listen(handle: (command: Command) => void): void {
     const command = parsed(line);
     if (command !== undefined) handle(command);
   });
-  lines.on("close", leave);
+  lines.on("close", () => void said().then(leave));
 }
 
 function parsed(line: string): Command | undefined {

@@ -228,7 +228,8 @@ const shapes: Record<string, Record<string, (value: unknown) => boolean>> = {
 };
 
 function assertShape(event: Event): void {
-  const { type, ...rest } = event;
+  const { type, ack, ...rest } = event;
+  assert.ok(ack === undefined || Number(ack) > 0);
   const shape = shapes[type];
   assert.ok(shape !== undefined, `an unknown event: ${type}`);
   for (const [key, fits] of Object.entries(shape)) assert.ok(fits(rest[key]), `${key} of ${JSON.stringify(event)}`);
