@@ -1,28 +1,36 @@
 #include "Shell/AppShell.h"
 
 #include "Foundation/UserDefaults.h"
+#include "Shell/Hubs.h"
 
 namespace corvane {
 
 namespace {
 
 const QString selectedNavKey = QStringLiteral("nimb.selectedNav");
+const QString inboxId = QStringLiteral("inbox");
+
+int hubOr(const QString& id, const QString& other)
+{
+    const int hub = hubIndex(id);
+    return hub >= 0 ? hub : hubIndex(other);
+}
 
 }
 
 AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
-    , m_nav(navFromRaw(defaults.text(selectedNavKey).value_or(QString())).value_or(NavItem::Inbox))
+    , m_hub(hubOr(defaults.text(selectedNavKey).value_or(QString()), inboxId))
 {
-    m_hubs.setSelected(m_nav);
+    m_hubs.setSelected(m_hub);
     m_openConversation = centre.observe(
-        notifications::openConversation, [this](const Notification&) { show(NavItem::Inbox, Cover::None); });
+        notifications::openConversation, [this](const Notification&) { show(hubIndex(inboxId), Cover::None); });
     // The hub moves too, so that whoever closes the settings after such a jump is in the inbox.
     m_openSettings = centre.observe(
-        notifications::openSettings, [this](const Notification&) { show(NavItem::Inbox, Cover::Settings); });
+        notifications::openSettings, [this](const Notification&) { show(hubIndex(inboxId), Cover::Settings); });
     m_openWorkConsole = centre.observe(notifications::openWorkConsole, [this](const Notification& notification) {
-        show(navFromRaw(notification.object.value_or(QString())).value_or(NavItem::Dev), Cover::None);
+        show(hubOr(notification.object.value_or(QString()), QStringLiteral("dev")), Cover::None);
     });
     m_openApprovals = centre.observe(notifications::openApprovals, [this](const Notification&) { openApprovals(); });
     // Whoever presses the banner itself wants to read before they decide.
@@ -32,15 +40,25 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
     });
 }
 
+QString AppShell::selectedNav() const
+{
+    return hubTable().at(m_hub).id;
+}
+
+QUrl AppShell::page() const
+{
+    return hubTable().at(m_hub).page;
+}
+
 QList<PaletteCommand> AppShell::paletteCommands()
 {
     const auto always = PaletteCommand::When::Always;
     QList<PaletteCommand> commands;
-    for (const NavItem item : allNavItems) {
-        commands.append(
-            { navRaw(item), QStringLiteral("Go to ") + navLabel(item), hubShortcut(item), always, [this, item] {
-                 show(item, Cover::None);
-             } });
+    for (int hub = 0; hub < int(hubTable().size()); ++hub) {
+        commands.append({ hubTable().at(hub).id, QStringLiteral("Go to ") + hubTable().at(hub).label, hubShortcut(hub),
+            always, [this, hub] {
+                show(hub, Cover::None);
+            } });
     }
     commands.append(
         { QStringLiteral("settings"), QStringLiteral("Open Settings"), QStringLiteral("Ctrl+,"), always, [this] {
@@ -55,44 +73,44 @@ QList<PaletteCommand> AppShell::paletteCommands()
 
 void AppShell::selectHub(const QString& raw)
 {
-    if (const auto item = navFromRaw(raw))
-        show(*item, Cover::None);
+    if (const int hub = hubIndex(raw); hub >= 0)
+        show(hub, Cover::None);
 }
 
 void AppShell::toggleSettings()
 {
-    show(m_nav, settings() ? Cover::None : Cover::Settings);
+    show(m_hub, settings() ? Cover::None : Cover::Settings);
 }
 
 void AppShell::openSettings()
 {
-    show(m_nav, Cover::Settings);
+    show(m_hub, Cover::Settings);
 }
 
 void AppShell::toggleApprovals()
 {
-    show(m_nav, approvals() ? Cover::None : Cover::Approvals);
+    show(m_hub, approvals() ? Cover::None : Cover::Approvals);
 }
 
 void AppShell::openApprovals()
 {
-    show(m_nav, Cover::Approvals);
+    show(m_hub, Cover::Approvals);
 }
 
 void AppShell::uncover()
 {
-    show(m_nav, Cover::None);
+    show(m_hub, Cover::None);
 }
 
-void AppShell::show(NavItem nav, Cover cover)
+void AppShell::show(int hub, Cover cover)
 {
-    if (nav == m_nav && cover == m_cover)
+    if (hub == m_hub && cover == m_cover)
         return;
-    if (nav != m_nav)
-        m_defaults.setText(selectedNavKey, navRaw(nav));
-    m_nav = nav;
+    if (hub != m_hub)
+        m_defaults.setText(selectedNavKey, hubTable().at(hub).id);
+    m_hub = hub;
     m_cover = cover;
-    m_hubs.setSelected(cover == Cover::None ? std::optional(nav) : std::nullopt);
+    m_hubs.setSelected(cover == Cover::None ? hub : -1);
     Q_EMIT navigationChanged();
 }
 

@@ -2,18 +2,20 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Inbox/List/CommandPalette.h"
-#include "Shell/NavItem.h"
 #include "Shell/TopHubBar.h"
+
+#include <QUrl>
 
 namespace corvane {
 
 class UserDefaults;
 
-/// Where the user is: one of the six hubs, or what covers the hub and leaves it chosen: the settings, the approvals.
+/// Where the user is: one of the hubs, or what covers the hub and leaves it chosen: the settings, the approvals.
 class AppShell : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString selectedNav READ selectedNav NOTIFY navigationChanged)
-    Q_PROPERTY(QString selectedLabel READ selectedLabel NOTIFY navigationChanged)
+    Q_PROPERTY(QUrl page READ page NOTIFY navigationChanged) ///< of the chosen hub, in QML
+    Q_PROPERTY(QObject* screen READ screen NOTIFY navigationChanged) ///< what that page shows
     Q_PROPERTY(bool settings READ settings NOTIFY navigationChanged)
     Q_PROPERTY(bool approvals READ approvals NOTIFY navigationChanged)
     Q_PROPERTY(corvane::TopHubBar* hubs READ hubs CONSTANT)
@@ -21,9 +23,14 @@ public:
     /// Both references outlive the shell.
     AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* parent = nullptr);
 
-    NavItem nav() const { return m_nav; }
-    QString selectedNav() const { return navRaw(m_nav); } ///< kept while the hub is covered
-    QString selectedLabel() const { return navLabel(m_nav); }
+    void setScreens(const QList<QObject*>& screens)
+    {
+        m_screens = screens;
+    } ///< one for each hub; they outlive the shell
+
+    QString selectedNav() const; ///< kept while the hub is covered
+    QUrl page() const;
+    QObject* screen() const { return m_screens.value(m_hub); }
     bool settings() const { return m_cover == Cover::Settings; }
     bool approvals() const { return m_cover == Cover::Approvals; }
     TopHubBar* hubs() { return &m_hubs; }
@@ -45,11 +52,12 @@ private:
     enum class Cover { None, Settings, Approvals };
 
     void uncover(); ///< back to the hub
-    void show(NavItem nav, Cover cover);
+    void show(int hub, Cover cover);
 
     UserDefaults& m_defaults;
     TopHubBar m_hubs;
-    NavItem m_nav = NavItem::Inbox;
+    int m_hub; ///< in the table
+    QList<QObject*> m_screens;
     Cover m_cover = Cover::None;
     NotificationCentre::Observation m_openConversation;
     NotificationCentre::Observation m_openSettings;

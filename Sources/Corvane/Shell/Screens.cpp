@@ -2,6 +2,7 @@
 
 #include "Engines/EngineManager.h"
 #include "Shell/CorvaneApp.h"
+#include "Shell/Hubs.h"
 #include "Store/Core/LocalDB.h"
 #include "Web/SessionStore.h"
 
@@ -30,6 +31,11 @@ Screens::Screens(const Surroundings& at)
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
     inbox.palette()->addCommands(shell.paletteCommands());
+    inbox.setDrafts(drafts);
+    QList<QObject*> hubScreens;
+    for (const Hub& hub : hubTable())
+        hubScreens.append(hub.screen(*this, hub));
+    shell.setScreens(hubScreens);
 }
 
 Screens::Screens(CorvaneApp& app)

@@ -1,22 +1,20 @@
 #include "Shell/TopHubBar.h"
 
+#include "Shell/Hubs.h"
+
 namespace corvane {
 
 TopHubBar::TopHubBar(QObject* parent)
     : GadgetListModel(HubRow::staticMetaObject, parent)
 {
-    for (size_t i = 0; i < m_hubs.size(); ++i) {
-        const NavItem item = allNavItems.at(i);
-        m_hubs.at(i).raw = navRaw(item);
-        m_hubs.at(i).label = navLabel(item);
-        m_hubs.at(i).identifier = QStringLiteral("topnav.") + navRaw(item);
-        m_hubs.at(i).shortcut = hubShortcut(item);
+    for (const Hub& hub : hubTable()) {
+        HubRow row;
+        row.raw = hub.id;
+        row.label = hub.label;
+        row.identifier = QStringLiteral("topnav.") + hub.id;
+        row.shortcut = hubShortcut(int(m_hubs.size()));
+        m_hubs.append(row);
     }
-}
-
-QString hubShortcut(NavItem item)
-{
-    return QStringLiteral("Ctrl+%1").arg(int(item) + 1);
 }
 
 int TopHubBar::rowCount(const QModelIndex& parent) const
@@ -24,21 +22,20 @@ int TopHubBar::rowCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : int(m_hubs.size());
 }
 
-void TopHubBar::setSelected(std::optional<NavItem> item)
+void TopHubBar::setSelected(int index)
 {
-    for (const NavItem each : allNavItems)
-        change(each, [&](HubRow& hub) { hub.selected = each == item; });
+    for (int row = 0; row < int(m_hubs.size()); ++row)
+        change(row, [&](HubRow& hub) { hub.selected = row == index; });
 }
 
 void TopHubBar::setUnreadTotal(int count)
 {
-    change(NavItem::Inbox, [&](HubRow& hub) { hub.badge = unreadBadge(count); });
+    change(hubIndex(QStringLiteral("inbox")), [&](HubRow& hub) { hub.badge = unreadBadge(count); });
 }
 
-void TopHubBar::change(NavItem item, const std::function<void(HubRow&)>& edit)
+void TopHubBar::change(int row, const std::function<void(HubRow&)>& edit)
 {
-    const int row = int(item);
-    HubRow& hub = m_hubs.at(size_t(row));
+    HubRow& hub = m_hubs[row];
     const HubRow before = hub;
     edit(hub);
     if (hub != before)

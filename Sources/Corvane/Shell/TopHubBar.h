@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Presentation/RowListModel.h"
-#include "Shell/NavItem.h"
 
 namespace corvane {
 
@@ -25,7 +24,7 @@ public:
     bool operator==(const HubRow&) const = default;
 };
 
-/// The hubs of the bar, one row each.
+/// The bar's rows, one for each hub of the table.
 class TopHubBar : public GadgetListModel {
     Q_OBJECT
     Q_PROPERTY(QString searchLabel READ searchLabel CONSTANT)
@@ -36,19 +35,17 @@ public:
 
     QString searchLabel() const { return QStringLiteral("Search or ask Lumo…"); }
 
-    void setSelected(std::optional<NavItem> item); ///< nothing while something covers the hubs
+    void setSelected(int index); ///< -1 while something covers the hubs
     void setUnreadTotal(int count); ///< for the badge of the inbox
 
 protected:
-    const void* gadgetAt(int row) const override { return &m_hubs.at(size_t(row)); }
+    const void* gadgetAt(int row) const override { return &m_hubs.at(row); }
 
 private:
-    void change(NavItem item, const std::function<void(HubRow&)>& edit);
+    void change(int row, const std::function<void(HubRow&)>& edit);
 
-    std::array<HubRow, allNavItems.size()> m_hubs;
+    QList<HubRow> m_hubs;
 };
-
-QString hubShortcut(NavItem item); ///< such as "Ctrl+5"
 
 /// What the badge shows: nothing at 0 or below, the number to 99, "99+" from 100 up.
 QString unreadBadge(int count);

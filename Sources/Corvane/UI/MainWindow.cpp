@@ -66,7 +66,6 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
         { u"settings"_s, object(screens.settings) },
         { u"inbox"_s, object(screens.inbox) },
         { u"approvals"_s, object(screens.approvals) },
-        { u"drafts"_s, object(screens.drafts) },
         { u"appearance"_s, object(screens.appearance) },
         { u"layout"_s, object(m_layout) },
         { u"closingNotice"_s, object(screens.closingNotice) },

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Approvals/PendingDraftsView.h"
 #include "CRM/CRMPane.h"
 #include "Foundation/Coalescer.h"
 #include "Foundation/NotificationCentre.h"
@@ -75,6 +76,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
     Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
+    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< the bar over the thread
     // Around it
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
@@ -149,6 +151,8 @@ public:
     DraftAssistant* assistant() { return &m_assistant; }
     ThreadSummary* summary() { return &m_summary; }
     AskLumo* askLumo() { return &m_askLumo; }
+    PendingDraftsView* drafts() const { return m_drafts; }
+    void setDrafts(PendingDraftsView& drafts) { m_drafts = &drafts; } ///< they outlive the view
     ComposeSheet* composeSheet() { return &m_composeSheet; }
     bool shown() const { return m_shown; }
     void setShown(bool shown); ///< whether the list can be seen; one that cannot is read again when it shows
@@ -277,6 +281,7 @@ private:
     ThreadSummary m_summary;
     AskLumo m_askLumo;
     ComposeSheet m_composeSheet;
+    PendingDraftsView* m_drafts = nullptr;
     CRMPane m_crm;
     UndoOffer m_undo;
     MessageActions m_messageActions;

@@ -9,8 +9,6 @@ Page {
     required property QtObject approvals
     readonly property bool decided: approvals.log.shown
 
-    signal leave
-
     function act(command: string) {
         const list = content.item;
         if (command === "next" || command === "previous")

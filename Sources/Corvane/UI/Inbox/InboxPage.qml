@@ -5,18 +5,14 @@ import Corvane
 Page {
     id: page
 
-    required property QtObject inbox
-    required property QtObject drafts ///< what waits before it goes out
-    required property QtObject layout
+    required property QtObject screen
+    readonly property QtObject inbox: screen
 
     readonly property bool open: inbox.selectedId !== ""
     readonly property bool narrow: width < 1200
     /// Folded away below 1200 px until it is asked for.
     property bool contactAskedFor: false
     readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.showCRM)
-
-    signal openSettings
-    signal openAssistantSettings
 
     panes: [list, bar, thread, panels, reply, contact]
     Component.onCompleted: inbox.appear()
@@ -108,7 +104,7 @@ Page {
         focus: true
         inbox: page.inbox
         onEntered: thread.forceActiveFocus(Qt.TabFocusReason)
-        onOpenSettings: page.openSettings()
+        onOpenSettings: page.openSettings("")
     }
     DragHandle {
         id: listEdge
@@ -124,7 +120,7 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        drafts: page.drafts
+        drafts: page.inbox.drafts
         onEmptied: (page.open ? thread : list).forceActiveFocus(Qt.OtherFocusReason)
     }
     ThreadPane {
@@ -146,7 +142,7 @@ Page {
         inbox: page.inbox
         room: page.height - bar.height - reply.height - 160
         onEmptied: reply.focusField()
-        onSettingsAsked: page.openAssistantSettings()
+        onSettingsAsked: page.openSettings("assistant")
     }
     Composer {
         id: reply
@@ -183,7 +179,7 @@ Page {
     AskLumoSheet {
         id: askLumo
         askLumo: page.inbox.askLumo
-        onSettingsAsked: page.openAssistantSettings()
+        onSettingsAsked: page.openSettings("assistant")
     }
     NewMessage { compose: page.inbox.composeSheet }
     UndoToast {

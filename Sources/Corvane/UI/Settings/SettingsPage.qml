@@ -10,7 +10,6 @@ Page {
     required property QtObject approvals
     required property QtObject appearance
 
-    signal leave
     signal reviewApprovals
 
     readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, sync: sync,

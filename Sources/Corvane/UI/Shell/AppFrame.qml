@@ -11,7 +11,6 @@ FocusScope {
     required property QtObject settings
     required property QtObject inbox
     required property QtObject approvals
-    required property QtObject drafts ///< those of the approvals, for the bar over the thread
     required property QtObject appearance
     required property QtObject layout
     required property bool shown ///< the window is on the screen
@@ -88,21 +87,35 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: bar.height
         focus: true
-        sourceComponent: frame.shell.settings ? settingsPage : frame.shell.approvals ? approvalsPage : frame.inboxShown ? inboxPage : hubPage
         onLoaded: item.forceActiveFocus()
+        Component.onCompleted: showPage()
+
+        function showPage() {
+            if (frame.shell.settings)
+                sourceComponent = settingsPage;
+            else if (frame.shell.approvals)
+                sourceComponent = approvalsPage;
+            else
+                setSource(frame.shell.page, { screen: frame.shell.screen, hubBar: bar, layout: frame.layout });
+        }
     }
-    Component {
-        id: inboxPage
-        InboxPage {
-            inbox: frame.inbox
-            drafts: frame.drafts
-            layout: frame.layout
-            hubBar: bar
-            onOpenSettings: frame.shell.openSettings()
-            onOpenAssistantSettings: {
-                frame.settings.section = "assistant";
-                frame.shell.openSettings();
-            }
+    Connections {
+        target: frame.shell
+        function onNavigationChanged() { screen.showPage(); }
+    }
+    Connections {
+        target: screen.item
+        function onLeave() {
+            if (frame.shell.settings)
+                frame.shell.closeSettings();
+            else
+                frame.shell.closeApprovals();
+        }
+        function onOpenHub(hub) { frame.shell.selectHub(hub); }
+        function onOpenSettings(section) {
+            if (section)
+                frame.settings.section = section;
+            frame.shell.openSettings();
         }
     }
     Component {
@@ -113,7 +126,6 @@ FocusScope {
             appearance: frame.appearance
             onReviewApprovals: frame.shell.openApprovals()
             hubBar: bar
-            onLeave: frame.shell.closeSettings()
         }
     }
     Component {
@@ -121,16 +133,6 @@ FocusScope {
         ApprovalsPage {
             approvals: frame.approvals
             hubBar: bar
-            onLeave: frame.shell.closeApprovals()
-        }
-    }
-    Component {
-        id: hubPage
-        HubPage {
-            hub: frame.shell.selectedNav
-            label: frame.shell.selectedLabel
-            hubBar: bar
-            onOpenInbox: frame.shell.selectHub("inbox")
         }
     }
 

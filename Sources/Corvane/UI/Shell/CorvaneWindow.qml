@@ -16,7 +16,6 @@ T.ApplicationWindow {
     required property QtObject settings
     required property QtObject inbox
     required property QtObject approvals
-    required property QtObject drafts
     required property QtObject appearance
     required property QtObject layout
     required property QtObject closingNotice
@@ -100,7 +99,6 @@ T.ApplicationWindow {
             settings: window.settings
             inbox: window.inbox
             approvals: window.approvals
-            drafts: window.drafts
             appearance: window.appearance
             layout: window.layout
             shown: window.visible && window.visibility !== Window.Minimized

@@ -6,7 +6,12 @@ FocusScope {
     id: page
 
     required property Item hubBar
+    property QtObject layout: null ///< what the person made of the panes
     property var panes: [] ///< focus scopes, from left to right; hidden ones are passed over
+
+    signal leave ///< back to the hub
+    signal openHub(string hub)
+    signal openSettings(string section) ///< empty for the one that was open last
 
     function run(command: string) {
         if (command === "nextPane")

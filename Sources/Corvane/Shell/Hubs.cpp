@@ -1,0 +1,55 @@
+#include "Shell/Hubs.h"
+
+#include "Shell/PlannedHub.h"
+#include "Shell/Screens.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QUrl page(const QString& file)
+{
+    return QUrl(u"qrc:/qt/qml/Corvane/"_s + file);
+}
+
+QObject* planned(Screens& screens, const Hub& hub)
+{
+    return new PlannedHub(hub, &screens.shell);
+}
+
+QObject* inbox(Screens& screens, const Hub&)
+{
+    return &screens.inbox;
+}
+
+}
+
+const QList<Hub>& hubTable()
+{
+    static const QList<Hub> hubs {
+        { u"lumo"_s, u"Lumo"_s, u"hub-lumo"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"gtm"_s, u"GTM"_s, u"hub-gtm"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"cx"_s, u"CX"_s, u"hub-cx"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
+        { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Shell/HubPage.qml"_s), planned },
+    };
+    return hubs;
+}
+
+int hubIndex(const QString& id)
+{
+    const auto found = std::ranges::find(hubTable(), id, &Hub::id);
+    return found == hubTable().end() ? -1 : int(found - hubTable().begin());
+}
+
+QString hubShortcut(int index)
+{
+    return u"Ctrl+%1"_s.arg(index + 1);
+}
+
+}
