@@ -192,6 +192,7 @@ export class Commands {
       name: phone === null ? chatId : `+${phone[1]}`,
       language: "en",
       isGroup: false,
+      isQuiet: false,
       inAddressBook: false,
       picture: "none",
       look: "",

@@ -1,0 +1,146 @@
+// Sends what Corvane says, one message after the other and each of them once.
+
+import { createHash, randomUUID } from "node:crypto";
+import { emit, textOf, type Command } from "./wire.ts";
+import type { MessageEvent, SendName } from "./events.ts";
+import type { SendEntry, SendJournal } from "./journal.ts";
+import { stopping, wordsOf } from "./run.ts";
+
+export interface OutgoingFile {
+  path: string;
+  name: string;
+}
+
+export interface Sending {
+  /** Unique among what is sent. */
+  key: string;
+  chatId: string;
+  text: string;
+  subject: string;
+  files: OutgoingFile[];
+  /** Call it while something moves: it keeps Corvane from giving up. */
+  progress(): void;
+}
+
+/** The provider said no, in these words: the message did not go out, also after `begin`. */
+export class Refused extends Error {}
+
+/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back, and returns what to
+ *  show of it, the message itself first. Whatever it throws before `begin`, and `Refused` after it, fails the
+ *  draft; any other end after `begin` leaves it uncertain. It must end by itself, also where nobody answers. */
+export type Deliver = (sending: Sending, begin: () => void) => Promise<MessageEvent[]>;
+
+interface Waiting extends Sending {
+  name: SendName | undefined;
+  digest: string;
+}
+
+const progressEvery = 10_000;
+const queueProgressEvery = 30_000;
+const noAnswer = "The connection ended before the answer came.";
+
+export class Outbox {
+  readonly #journal: SendJournal;
+  readonly #deliver: Deliver;
+  readonly #queue: Waiting[] = [];
+  #working: Promise<void> | undefined;
+
+  constructor(journal: SendJournal, deliver: Deliver) {
+    this.#journal = journal;
+    this.#deliver = deliver;
+    setInterval(() => this.#queue.slice(1).forEach((waiting) => waiting.progress()), queueProgressEvery).unref();
+  }
+
+  /** Tells again how earlier runs ended, where Corvane may not have heard it. Before the first command. */
+  async resume(): Promise<void> {
+    for (const entry of this.#journal.untold()) await this.#tell(entry, nameIn(entry.key));
+  }
+
+  /** Takes a `send` command. */
+  send(command: Command): void {
+    const waiting = waitingFrom(command);
+    if (this.#queue.some(({ key, digest }) => key === waiting.key && digest === waiting.digest)) return;
+    this.#queue.push(waiting);
+    this.#working ??= this.#work().finally(() => (this.#working = undefined));
+  }
+
+  /** Resolves once nothing is under way. */
+  async idle(): Promise<void> {
+    await this.#working;
+  }
+
+  async #work(): Promise<void> {
+    for (let next = this.#queue[0]; next && !stopping.aborted; next = this.#queue[0]) {
+      await this.#sendOne(next);
+      this.#queue.shift();
+    }
+  }
+
+  async #sendOne(waiting: Waiting): Promise<void> {
+    const { key, digest, name } = waiting;
+    const before = this.#journal.find(key);
+    const isKnown = before?.digest === digest && !(before.stage === "begun" && before.told);
+    if (isKnown) return this.#tell(before, name);
+    let isBegun = false;
+    const begin = (): void => {
+      this.#journal.begin(key, digest);
+      isBegun = true;
+    };
+    try {
+      const messages = await this.#deliver(waiting, begin);
+      this.#journal.sent(key, digest, messages);
+      await this.#tell({ key, digest, stage: "sent", told: false, messages }, name);
+    } catch (error) {
+      if (isBegun && !(error instanceof Refused)) {
+        await this.#tell({ key, digest, stage: "begun", told: false, messages: [] }, name);
+        return;
+      }
+      if (isBegun) this.#journal.forget(key);
+      if (!stopping.aborted && name) await emit({ type: "sendAck", ...name, status: "failed", error: wordsOf(error) });
+    }
+  }
+
+  async #tell({ key, stage, messages }: SendEntry, name: SendName | undefined): Promise<void> {
+    for (const message of messages) await emit(message);
+    const told = (): void => this.#journal.told(key);
+    if (!name) return told();
+    if (stage === "begun") await emit({ type: "sendAck", ...name, status: "uncertain", error: noAnswer }, told);
+    else await emit({ type: "sendAck", ...name, status: "sent", providerMsgId: messages[0]?.providerMsgId }, told);
+  }
+}
+
+function waitingFrom(command: Command): Waiting {
+  const name = nameOf(command);
+  const files = filesOf(command);
+  const [chatId, text, subject] = [textOf(command, "chatId"), textOf(command, "text"), textOf(command, "subject")];
+  const digest = createHash("sha256").update(JSON.stringify([chatId, text, subject, files])).digest("hex");
+  let last = 0;
+  const progress = (): void => {
+    if (!name || Date.now() - last < progressEvery) return;
+    last = Date.now();
+    void emit({ type: "sendProgress", ...name });
+  };
+  return { key: keyOf(name), name, chatId, text, subject, files, digest, progress };
+}
+
+function nameOf(command: Command): SendName | undefined {
+  const [draftId, sendId] = [textOf(command, "draftId"), textOf(command, "sendId")];
+  if (draftId) return { draftId };
+  return sendId ? { sendId } : undefined;
+}
+
+function keyOf(name: SendName | undefined): string {
+  if (!name) return `none/${randomUUID()}`;
+  return "draftId" in name ? `draft/${name.draftId}` : `send/${name.sendId}`;
+}
+
+function nameIn(key: string): SendName | undefined {
+  const [kind, ...rest] = key.split("/");
+  if (kind === "draft") return { draftId: rest.join("/") };
+  return kind === "send" ? { sendId: rest.join("/") } : undefined;
+}
+
+function filesOf(command: Command): OutgoingFile[] {
+  const list = Array.isArray(command.files) ? (command.files as Command[]) : [];
+  return list.map((file) => ({ path: textOf(file ?? {}, "path"), name: textOf(file ?? {}, "name") }));
+}
