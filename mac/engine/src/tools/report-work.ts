@@ -1,0 +1,182 @@
+import { z } from "zod";
+import { Refusal } from "./database.ts";
+import { mustExist } from "./find.ts";
+import { agentName, freshId, touchContext } from "./report.ts";
+import { field, stamp, tool } from "./tool.ts";
+
+const item = field.id("Id of a work item.").optional();
+const session = field.id("Id of a session, from dev_session_start.").optional();
+
+export const workReportTools = [
+  tool({
+    name: "dev_session_start",
+    effect: "report",
+    description: "Notes that a session of work began, and who works in it. Report a heartbeat every few minutes.",
+    input: {
+      agent: agentName,
+      tool: field.line('The program that the agent is, such as "claude" or "codex".'),
+      purpose: field.line("What the session is for."),
+      role: field.line('Such as "implementer".').default("worker"),
+      item,
+      module: field.module,
+      context: field.context,
+    },
+    run({ agent, tool: program, purpose, role, item: workItem, module, context }, { store, now }) {
+      const db = store.writer;
+      const id = freshId("sess");
+      const at = stamp(now);
+      return db.transaction(() => {
+        mustExist(db, "work_context", context);
+        mustExist(db, "work_item", workItem);
+        db.run(
+          `INSERT INTO work_session(id, context_id, module, purpose, owner, tool, status, endpoint, current_item_id,
+             heartbeat_at, metadata_json, created_at, updated_at) VALUES(?,?,?,?,?,?,'running','',?,?,'{}',?,?)`,
+          id, context ?? null, module, purpose, agent, program, workItem ?? null, at, at, at,
+        );
+        db.run(
+          `INSERT INTO work_agent(id, context_id, module, name, tool, role, status, current_task, session_id,
+             heartbeat_at, created_at, updated_at) VALUES(?,?,?,?,?,?,'running',?,?,?,?,?)
+           ON CONFLICT(module, context_id, name, tool) DO UPDATE SET role=excluded.role, status=excluded.status,
+             current_task=excluded.current_task, session_id=excluded.session_id, heartbeat_at=excluded.heartbeat_at,
+             updated_at=excluded.updated_at`,
+          freshId("agent"), context ?? "", module, agent, program, role, purpose, id, at, at, at,
+        );
+        touchContext(db, context, at);
+        return { session: id };
+      });
+    },
+  }),
+  tool({
+    name: "dev_session_heartbeat",
+    effect: "report",
+    description: "Notes that a session is alive, what it does now, or that it is over.",
+    input: {
+      session: field.id("Id of a session, from dev_session_start."),
+      status: z.enum(["running", "blocked", "done", "failed"]).default("running"),
+      task: field.line("What is done now.").optional(),
+    },
+    run({ session: id, status, task }, { store, now }) {
+      const db = store.writer;
+      const at = stamp(now);
+      return db.transaction(() => {
+        if (!db.run("UPDATE work_session SET status=?, heartbeat_at=?, updated_at=? WHERE id=?", status, at, at, id))
+          throw new Refusal(`There is no session ${id}.`);
+        db.run(
+          `UPDATE work_agent SET status=?, heartbeat_at=?, updated_at=?, current_task=COALESCE(?, current_task)
+           WHERE session_id=?`,
+          status, at, at, task ?? null, id,
+        );
+        return { session: id, status };
+      });
+    },
+  }),
+  tool({
+    name: "dev_report_message",
+    effect: "report",
+    description: "Says something in the talk about the work.",
+    input: {
+      agent: agentName,
+      body: field.text("What is said."),
+      kind: z.enum(["message", "status", "ask", "answer", "error"]).default("message"),
+      session,
+      module: field.module,
+      context: field.context,
+    },
+    run({ agent, body, kind, session: workSession, module, context }, { store, now }) {
+      const db = store.writer;
+      const id = freshId("msg");
+      const at = stamp(now);
+      return db.transaction(() => {
+        mustExist(db, "work_context", context);
+        mustExist(db, "work_session", workSession);
+        db.run(
+          `INSERT INTO work_message(id, context_id, module, session_id, speaker, role, kind, body, status, metadata_json, created_at)
+           VALUES(?,?,?,?,?,'assistant',?,?,'posted','{}',?)`,
+          id, context ?? null, module, workSession ?? null, agent, kind, body, at,
+        );
+        touchContext(db, context, at);
+        return { id };
+      });
+    },
+  }),
+  tool({
+    name: "dev_report_evidence",
+    effect: "report",
+    description: "Notes proof of something done or found: a test run, a picture, a log. It is named, not uploaded.",
+    input: {
+      title: field.line("What it proves."),
+      kind: field.line('Such as "test-run", "screenshot" or "note".').default("note"),
+      uri: field.line("Where it lies, as a path or an address.").optional(),
+      summary: field.text("What it says, in short.").optional(),
+      source: field.line("Who or what made it.").default("mcp"),
+      item,
+      session,
+      module: field.module,
+      context: field.context,
+    },
+    run({ title, kind, uri = "", summary = "", source, item: of, session: workSession, module, context }, { store, now }) {
+      const db = store.writer;
+      const id = freshId("ev");
+      const at = stamp(now);
+      return db.transaction(() => {
+        mustExist(db, "work_context", context);
+        mustExist(db, "work_item", of);
+        mustExist(db, "work_session", workSession);
+        db.run(
+          `INSERT INTO work_evidence(id, context_id, module, item_id, session_id, kind, title, source, uri, summary, metadata_json, created_at)
+           VALUES(?,?,?,?,?,?,?,?,?,?,'{}',?)`,
+          id, context ?? null, module, of ?? null, workSession ?? null, kind, title, source, uri, summary, at,
+        );
+        touchContext(db, context, at);
+        return { id };
+      });
+    },
+  }),
+  tool({
+    name: "dev_report_item",
+    effect: "report",
+    description: "Notes something to do that was found, such as a bug.",
+    input: {
+      title: field.line("What is to be done."),
+      kind: field.line('Such as "task", "bug" or "research".').default("task"),
+      priority: z.enum(["high", "normal", "low"]).default("normal"),
+      summary: field.text("More about it.").optional(),
+      agent: agentName.optional(),
+      session,
+      module: field.module,
+      context: field.context,
+    },
+    run({ title, kind, priority, summary = "", agent = "unassigned", session: of, module, context }, { store, now }) {
+      const db = store.writer;
+      const id = freshId("item");
+      const at = stamp(now);
+      return db.transaction(() => {
+        mustExist(db, "work_context", context);
+        mustExist(db, "work_session", of);
+        db.run(
+          `INSERT INTO work_item(id, context_id, module, kind, title, status, priority, owner, session_id, source, summary, due_at, metadata_json, created_at, updated_at)
+           VALUES(?,?,?,?,?,'open',?,?,?,'mcp',?,'','{}',?,?)`,
+          id, context ?? null, module, kind, title, priority, agent, of ?? null, summary, at, at,
+        );
+        touchContext(db, context, at);
+        return { id };
+      });
+    },
+  }),
+  tool({
+    name: "dev_update_item",
+    effect: "report",
+    description: "Notes how far a work item is.",
+    input: { item: field.id("Id of a work item, from dev_work_list."), status: z.enum(["open", "in_progress", "blocked", "done"]) },
+    run({ item: id, status }, { store, now }) {
+      const db = store.writer;
+      const at = stamp(now);
+      return db.transaction(() => {
+        if (!db.run("UPDATE work_item SET status=?, updated_at=? WHERE id=?", status, at, id))
+          throw new Refusal(`There is no work item ${id}.`);
+        db.run("UPDATE work_context SET updated_at=? WHERE id=(SELECT context_id FROM work_item WHERE id=?)", at, id);
+        return { item: id, status };
+      });
+    },
+  }),
+];

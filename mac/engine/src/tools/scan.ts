@@ -1,0 +1,61 @@
+import { Refusal } from "./database.ts";
+import { projectOf } from "./find.ts";
+import { look, type Finding } from "./page.ts";
+import { freshId, touchContext } from "./report.ts";
+import { field, stamp, tool, type Call } from "./tool.ts";
+
+interface Scan {
+  project: string;
+  url: string;
+  finding: Finding;
+}
+
+/** One row for each page of a project, and one line of evidence for each look. */
+function note({ store, now }: Call, { project, url, finding }: Scan): string {
+  const db = store.writer;
+  const at = stamp(now);
+  const evidence = freshId("ev");
+  const { title, status, problems } = finding;
+  db.transaction(() => {
+    const known = db.row("SELECT id FROM dev_browser_session WHERE project_id=? AND url=? AND engine='http'", project, url);
+    db.run(
+      `INSERT INTO dev_browser_session(id, project_id, title, url, engine, status, last_capture_path, last_error, created_at, updated_at)
+       VALUES(?,?,?,?,'http','captured','',?,?,?)
+       ON CONFLICT(id) DO UPDATE SET title=excluded.title, status=excluded.status, last_error=excluded.last_error,
+         updated_at=excluded.updated_at`,
+      String(known?.id ?? freshId("browser")), project, title, url, problems[0] ?? "", at, at,
+    );
+    const context = db.row(
+      `SELECT c.id FROM work_context c JOIN project p ON p.slug=c.slug WHERE c.module='dev' AND p.id=?`, project,
+    )?.id;
+    db.run(
+      `INSERT INTO work_evidence(id, context_id, module, kind, title, source, uri, summary, metadata_json, created_at)
+       VALUES(?,?,'dev','browser-scan',?,'dev_browser_scan',?,?,'{}',?)`,
+      evidence, context ?? null, `Scan of ${url}`, url,
+      [`HTTP ${status}, ${finding.parts} parts looked at, ${problems.length} problems`, ...problems].join("\n"), at,
+    );
+    touchContext(db, context ? String(context) : undefined, at);
+  });
+  return evidence;
+}
+
+export const scanTools = [
+  tool({
+    name: "dev_browser_scan",
+    effect: "report",
+    description:
+      "Looks at a page that is served on this machine, as a browser asks for it but without running its scripts: the " +
+      "page and the scripts, styles and pictures that it names. Keeps what is wrong as evidence.",
+    input: {
+      project: field.line("Slug or id of a project."),
+      url: field.line('Address on this machine, such as "http://localhost:3000/".'),
+    },
+    async run({ project, url }, call) {
+      const id = projectOf(call.db, project);
+      const page = URL.parse(url);
+      if (!page) throw new Refusal(`${url} is no address.`);
+      const finding = await look(page);
+      return { ...finding, evidence: note(call, { project: id, url: page.href, finding }) };
+    },
+  }),
+];
