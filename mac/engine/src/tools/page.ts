@@ -56,7 +56,7 @@ function partsOf(html: string, base: URL): URL[] {
     const isLink = name?.toLowerCase() === "link";
     if (isLink && !/\b(stylesheet|icon)\b/i.test(attribute(tag, "rel") ?? "")) continue;
     const named = attribute(tag, isLink ? "href" : "src");
-    const url = named ? URL.parse(named, base) : null;
+    const url = named ? URL.parse(named, base.href) : null;
     if (url && url.protocol.startsWith("http")) found.set(url.href, url);
   }
   return [...found.values()];
