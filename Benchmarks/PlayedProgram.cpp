@@ -5,6 +5,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
+#include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SystemLanguageModel.h"
@@ -35,6 +36,7 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
     machine.tools = makeToolRunner();
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);
+    machine.decoder = makeMediaDecoder(scheduler);
     return machine;
 }
 

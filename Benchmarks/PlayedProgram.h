@@ -26,7 +26,7 @@ struct PlayedProgram {
     SystemScheduler scheduler;
     CorvaneApp app;
     Screens screens { app };
-    MainWindow window { screens, app.defaults() };
+    MainWindow window { screens, app.defaults(), app.decoder() };
 };
 
 /// The whole of `main`. What `bench` holds goes before the application object, as windows must.

@@ -10,6 +10,7 @@
 #include "Platform/Keyring.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
+#include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
@@ -151,7 +152,8 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     model = ownModel.get();
     machine.languageModel = std::move(ownModel);
     machine.facts = std::make_unique<PictureFacts>();
-    machine.player = makeAudioPlayer(scheduler);
+    machine.decoder = makeMediaDecoder(scheduler);
+    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
     return machine;
 }
 

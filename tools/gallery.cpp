@@ -10,6 +10,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Ids.h"
+#include "Platform/Linux/Decode/DecodeChild.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Approvals/OutboundQueries.h"
@@ -27,6 +28,7 @@
 #include <QQuickItem>
 #include <QStyleHints>
 #include <cstdio>
+#include <cstring>
 
 using namespace corvane;
 using namespace Qt::StringLiterals;
@@ -42,7 +44,7 @@ public:
         , m_clock(nowMs)
         , m_app(AppPaths::fromEnvironment(), m_clock, pictureMachine(m_desktop, m_model))
         , m_screens(m_app)
-        , m_window(m_screens, m_app.defaults())
+        , m_window(m_screens, m_app.defaults(), m_app.decoder())
         , m_panel(m_window.engine(), m_screens.panel, m_clock)
     {
         QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
@@ -477,6 +479,8 @@ void Gallery::wallScreens()
 
 int main(int argc, char** argv)
 {
+    if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
+        return runDecodeChild();
     QGuiApplication application(argc, argv);
     const qint64 nowMs = qEnvironmentVariable("CORVANE_DEMO_NOW").toLongLong();
     if (argc != 2 || nowMs <= 0) {

@@ -6,8 +6,10 @@
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
 #include "Platform/Keyring.h"
+#include "Platform/Linux/Decode/DecodeChild.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
+#include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
@@ -60,7 +62,8 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.tools = makeToolRunner();
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);
-    machine.player = makeAudioPlayer(scheduler);
+    machine.decoder = makeMediaDecoder(scheduler);
+    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;
@@ -69,6 +72,8 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
 /// A command that needs no display and may run beside the program; then its exit code.
 std::optional<int> ranCommand(int argc, char** argv)
 {
+    if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
+        return runDecodeChild();
     if (argc != 2 || std::strcmp(argv[1], "verify") != 0)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
@@ -140,7 +145,7 @@ int main(int argc, char** argv)
         app.onAppear();
     } else {
         screens = std::make_unique<Screens>(app);
-        window = std::make_unique<MainWindow>(*screens, app.defaults());
+        window = std::make_unique<MainWindow>(*screens, app.defaults(), app.decoder());
         QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),

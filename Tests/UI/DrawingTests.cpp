@@ -1,9 +1,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
-#include "UI/ImageProviders.h"
 #include "UI/QrItem.h"
 #include "UI/WindowLayout.h"
-#include "UI/WindowTools.h"
 
 #include <QPainter>
 #include <gtest/gtest.h>
@@ -53,28 +51,6 @@ TEST(QrItem, aTextThatFitsNoCodeDrawsNothing)
     item.setText({});
     EXPECT_FALSE(item.valid());
     EXPECT_EQ(drawn(item).pixelColor(50, 50), QColor(Qt::white));
-}
-
-TEST(PhotoProvider, cutsAPhotoToACircleAndRefusesWhatIsNone)
-{
-    const TemporaryHome home;
-    QImage photo(600, 300, QImage::Format_RGB32);
-    photo.fill(Qt::red);
-    ASSERT_TRUE(photo.save(home.path(u"wide photo.png"_s)));
-    home.write(u"broken.png"_s, "no picture at all");
-
-    PhotoProvider provider;
-    QSize size;
-    const QImage round = provider.requestImage(u"round/"_s + home.path(u"wide photo.png"_s), &size, { 40, 40 });
-    EXPECT_EQ(round.size(), QSize(40, 40));
-    EXPECT_EQ(round.pixelColor(20, 20), QColor(Qt::red));
-    EXPECT_EQ(round.pixelColor(0, 0).alpha(), 0);
-    EXPECT_EQ(round.pixelColor(39, 39).alpha(), 0);
-
-    EXPECT_TRUE(provider.requestImage(u"round/"_s + home.path(u"broken.png"_s), &size, { 40, 40 }).isNull());
-    EXPECT_TRUE(provider.requestImage(u"round/"_s + home.path(u"absent.png"_s), &size, { 40, 40 }).isNull());
-    EXPECT_EQ(WindowTools().pictureSize(home.path(u"wide photo.png"_s)), QSize(600, 300));
-    EXPECT_FALSE(WindowTools().pictureSize(home.path(u"broken.png"_s)).isValid());
 }
 
 TEST(WindowLayout, remembersWhatItWasToldAndHoldsItWithinReason)

@@ -377,58 +377,6 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
     EXPECT_TRUE(seen);
 }
 
-TEST_F(ScreenTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
-{
-    const QString path = home.path(u"share/Corvane/media/studio/label #1, 50% & ü?.png"_s);
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-    QImage picture(800, 400, QImage::Format_RGB32);
-    picture.fill(QColor(200, 30, 30));
-    ASSERT_TRUE(picture.save(path));
-    showInbox();
-    receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, u"the label"_s,
-        { { "mediaType", "image" }, { "mediaPath", path } });
-    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
-    rest();
-    QQuickItem* photo = item(u"media.photo"_s);
-    ASSERT_NE(photo, nullptr);
-    EXPECT_EQ(photo->size(), QSizeF(320, 160)); // before it has been read
-    ASSERT_TRUE(await([&] { return photo->property("status").toInt() == 1; }));
-    const QPoint middle = photo->mapToScene(QPointF(160, 80)).toPoint();
-    EXPECT_EQ(this->picture().pixelColor(middle), QColor(200, 30, 30));
-}
-
-TEST_F(ScreenTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
-{
-    const auto path = [this](const QString& name) {
-        return home.path(u"share/Corvane/media/studio/"_s + name);
-    };
-    home.write(u"share/Corvane/media/studio/fake.png"_s, "<html>no picture</html>");
-    home.write(u"secret.png"_s, "private");
-    QImage picture(800, 400, QImage::Format_RGB32);
-    picture.fill(QColor(200, 30, 30));
-    ASSERT_TRUE(picture.save(path(u"cut.png"_s)));
-    QFile cut(path(u"cut.png"_s));
-    ASSERT_TRUE(cut.resize(cut.size() / 3));
-    showInbox();
-    for (const QString& name : { u"fake.png"_s, u"link.png"_s, u"cut.png"_s, u"gone.png"_s })
-        receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
-            { { "mediaType", "image" }, { "mediaPath", path(name) } });
-    ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
-    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
-    const auto isShown = [this](const QString& text) {
-        return std::ranges::any_of(
-            visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
-    };
-    for (const QString& words : { u"Image file holds something else than it says, so it is not opened."_s,
-             u"Image file is a link to a place outside the media folder, so it is not opened."_s,
-             u"Image file is damaged: its end is missing."_s, u"Image file is missing from local media cache."_s }) {
-        EXPECT_TRUE(await([&] {
-            rest();
-            return isShown(words);
-        })) << qPrintable(words);
-    }
-}
-
 TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
 {
     QSignalSpy appeared(&window, &MainWindow::appeared);

@@ -7,6 +7,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
+#include "Support/RealDecoder.h"
 #include "UI/MainWindow.h"
 #include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
@@ -81,7 +82,8 @@ protected:
     ProfileMenu& profile = screens.profile;
     InboxView& inbox = screens.inbox;
     IntegrationsView& settings = screens.settings;
-    MainWindow window { screens, defaults };
+    RealDecoder media;
+    MainWindow window { screens, defaults, media.decoder };
 
 private:
     QQuickWindow* m_front = nullptr;

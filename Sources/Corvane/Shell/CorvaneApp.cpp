@@ -14,6 +14,7 @@
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
 #include "Platform/MachineFacts.h"
+#include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"

@@ -24,6 +24,7 @@ class AudioPlayer;
 class Desktop;
 class EngineManager;
 class MachineFacts;
+class MediaDecoder;
 class Microphone;
 class NotificationService;
 class Notifier;
@@ -53,6 +54,7 @@ struct Machine {
     std::unique_ptr<ToolRunner> tools;
     std::unique_ptr<SystemLanguageModel> languageModel;
     std::unique_ptr<MachineFacts> facts;
+    std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
     std::unique_ptr<AudioPlayer> player;
     std::unique_ptr<Tray> tray; ///< none in a headless run
 };
@@ -80,6 +82,7 @@ public:
     Scheduler& scheduler() { return m_scheduler; }
     Desktop& desktop() { return *m_machine.desktop; }
     Microphone& microphone() { return *m_machine.microphone; }
+    MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }
     const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
     const AppPaths& paths() const { return m_paths; }

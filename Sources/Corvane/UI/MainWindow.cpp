@@ -3,6 +3,7 @@
 #include "Foundation/Log.h"
 #include "Shell/Screens.h"
 #include "UI/ImageProviders.h"
+#include "UI/MediaCache.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -44,7 +45,7 @@ QVariant object(QObject& viewModel)
 
 }
 
-MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent)
+MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& decoder, QObject* parent)
     : QObject(parent)
     , m_layout(defaults)
 {
@@ -54,7 +55,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent
 
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_engine.addImageProvider(u"icon"_s, new IconProvider);
-    m_engine.addImageProvider(u"photo"_s, new PhotoProvider);
+    new MediaCache(decoder, &m_engine);
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Corvane/Shell/CorvaneWindow.qml"_s));
     std::unique_ptr<QObject> root(component.createWithInitialProperties({
         { u"content"_s, object(screens.content) },

@@ -7,6 +7,7 @@
 
 namespace corvane {
 
+class MediaDecoder;
 class Screens;
 
 /// The one window. It shows view models that others own and decides nothing of its own: closing it hides it,
@@ -14,8 +15,8 @@ class Screens;
 class MainWindow : public QObject {
     Q_OBJECT
 public:
-    /// Both outlive the window.
-    MainWindow(Screens& screens, UserDefaults& defaults, QObject* parent = nullptr);
+    /// All of them outlive the window.
+    MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& decoder, QObject* parent = nullptr);
     ~MainWindow() override;
 
     /// Shows the window and brings it to the front, in the size that it had last.

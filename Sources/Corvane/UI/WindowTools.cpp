@@ -4,7 +4,6 @@
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
-#include <QImageReader>
 #include <QUrl>
 
 namespace corvane {
@@ -33,13 +32,6 @@ void WindowTools::copy(const QString& text) const
 void WindowTools::open(const QString& path) const
 {
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-}
-
-QSize WindowTools::pictureSize(const QString& path) const
-{
-    const QImageReader reader(path);
-    const QSize size = reader.size();
-    return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
 }
 
 void WindowTools::announce(QQuickItem* item) const

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QQuickItem>
-#include <QSize>
 #include <QtQmlIntegration>
 
 namespace corvane {
@@ -21,10 +20,6 @@ public:
 
     Q_INVOKABLE void copy(const QString& text) const; ///< to the clipboard
     Q_INVOKABLE void open(const QString& path) const; ///< a file, in the program that the desktop has for it
-
-    /// The size a picture will have on the screen, read from its head alone and turned as its camera says;
-    /// empty where it is no picture.
-    Q_INVOKABLE QSize pictureSize(const QString& path) const;
 
     /// Says the item's accessible name when the reader has a moment, without moving the focus.
     Q_INVOKABLE void announce(QQuickItem* item) const;

@@ -135,11 +135,6 @@ void MessageActions::openMedia(const QString& messageId)
     m_surroundings.thread.setError(error);
 }
 
-QString MessageActions::pictureProblem(const QString& path, const QString& kind) const
-{
-    return mediaProblemText(checkMedia(path, kind, m_surroundings.mediaFolder), kind);
-}
-
 void MessageActions::callOnWhatsApp()
 {
     const QString digits = phone();

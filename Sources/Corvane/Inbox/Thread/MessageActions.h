@@ -49,9 +49,6 @@ public:
     Q_INVOKABLE void openMedia(const QString& messageId);
     Q_INVOKABLE void callOnWhatsApp();
 
-    /// Why a picture is not shown within its bubble; empty where it may be.
-    Q_INVOKABLE QString pictureProblem(const QString& path, const QString& kind) const;
-
 Q_SIGNALS:
     void canCallChanged();
     void noticeTextChanged();

@@ -9,6 +9,7 @@ class AddressBook;
 class AudioPlayer;
 class Desktop;
 class MachineFacts;
+class MediaDecoder;
 class Microphone;
 class NotificationService;
 class PortHolders;
@@ -31,7 +32,8 @@ std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);
 std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
-std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler);
+std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder);
+std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 
 }

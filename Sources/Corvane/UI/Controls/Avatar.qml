@@ -1,6 +1,5 @@
 import Corvane
 import QtQuick
-import QtQuick.Window
 
 /// A person's photo, or their initials on a hue that belongs to them, with the channel's mark at the corner.
 Item {
@@ -19,7 +18,7 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        visible: picture.status !== Image.Ready
+        visible: !picture.ready
         radius: width / 2
         color: Theme.avatarGround(avatar.hue / 360)
 
@@ -39,12 +38,11 @@ Item {
             color: Theme.avatarText(avatar.hue / 360)
         }
     }
-    Image {
+    Photo {
         id: picture
         anchors.fill: parent
-        asynchronous: true
-        sourceSize: Qt.size(avatar.width * Screen.devicePixelRatio, avatar.height * Screen.devicePixelRatio)
-        source: avatar.photo ? "image://photo/round/" + encodeURIComponent(avatar.photo) : ""
+        radius: width / 2
+        path: avatar.photo
     }
     Rectangle {
         visible: avatar.channel !== ""

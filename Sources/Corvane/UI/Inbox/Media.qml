@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Window
 import Corvane
 
-/// The medium of a message: a picture in its own ratio, or a card for any other file. The frame stands before
-/// the picture has been read, so that nothing jumps.
+/// The medium of a message: a picture, or a card for any other file. A picture's height is fixed and its width follows
+/// its ratio, so that nothing jumps when it has been read.
 Item {
     id: media
 
@@ -12,39 +11,34 @@ Item {
 
     readonly property bool here: item.mediaState === "ready"
     readonly property bool voice: item.mediaKind === "audio" && here
-    readonly property bool pictorial: ["image", "sticker"].includes(item.mediaKind) && here
-    readonly property string problem: pictorial ? item.inbox.messageActions.pictureProblem(item.mediaPath, item.mediaKind) : ""
-    readonly property size natural: pictorial && problem === ""
-        ? WindowTools.pictureSize(item.mediaPath) : Qt.size(0, 0)
-    readonly property bool framed: natural.width > 0 && natural.height > 0
-    readonly property bool broken: pictorial && (!framed || photo.status === Image.Error)
-    readonly property bool picture: framed && !broken
-    readonly property string stateText: broken ? problem || qsTr("This picture can't be shown here.") : item.mediaStateText
-    readonly property real longest: item.mediaKind === "sticker" ? 128 : 320
-    readonly property real scale: Math.min(1, longest / natural.width, longest / natural.height, maximumWidth / natural.width)
-
-    readonly property size frame: framed ? Qt.size(Math.max(48, Math.round(natural.width * scale)),
-        Math.max(48, Math.round(natural.height * scale))) : Qt.size(0, 0)
+    readonly property bool sticker: item.mediaKind === "sticker"
+    readonly property bool pictorial: (item.mediaKind === "image" || sticker) && here
+    readonly property bool broken: photo.problem !== ""
+    readonly property bool picture: pictorial && !broken
+    readonly property string stateText: broken ? photo.problem : item.mediaStateText
+    readonly property int pictureHeight: sticker ? 128 : 240
+    readonly property int pictureWidth: photo.ready ? photo.implicitWidth : sticker ? 128 : 320
     readonly property size card: Qt.size(Math.min(maximumWidth, 320), Math.max(52, words.implicitHeight + Theme.large))
 
-    // A picture that turns out to be damaged says so in its frame.
-    implicitWidth: picture ? frame.width : Math.max(card.width, frame.width)
-    implicitHeight: picture ? frame.height : Math.max(card.height, frame.height)
+    implicitWidth: picture ? Math.min(maximumWidth, pictureWidth) : card.width
+    implicitHeight: pictorial ? Math.max(pictureHeight, broken ? card.height : 0)
+        : voice ? playback.implicitHeight : card.height
 
     Rectangle {
         anchors.fill: parent
-        visible: media.picture && photo.status !== Image.Ready && media.item.mediaKind === "image"
+        visible: media.picture && !media.sticker
         radius: Theme.controlRadius
         color: Theme.raised
     }
-    Image {
+    Photo {
         id: photo
         objectName: "media.photo"
         anchors.fill: parent
         visible: media.picture
-        asynchronous: true
-        sourceSize: Qt.size(media.frame.width * Screen.devicePixelRatio, media.frame.height * Screen.devicePixelRatio)
-        source: media.framed ? "image://photo/" + Theme.controlRadius + "/" + encodeURIComponent(media.item.mediaPath) : ""
+        radius: Theme.controlRadius
+        leastWidth: media.sticker ? 64 : 140
+        mostWidth: media.sticker ? 160 : 480
+        path: media.pictorial ? media.item.mediaPath : ""
         TapHandler { onTapped: media.item.inbox.messageActions.openMedia(media.item.id) }
         HoverHandler { cursorShape: Qt.PointingHandCursor }
     }
@@ -105,6 +99,7 @@ Item {
         }
     }
     Loader {
+        id: playback
         anchors.fill: parent
         active: media.voice
         sourceComponent: VoicePlayback { item: media.item }

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane
 
-/// A voice note: a press plays it, the bar shows where it is and takes a press to go elsewhere.
+/// A voice note: its shape, name and length; a press plays it, and one on its shape goes elsewhere.
 Rectangle {
     id: note
 
@@ -10,12 +10,11 @@ Rectangle {
 
     readonly property QtObject player: item.inbox.voicePlayer
     readonly property bool current: player.messageId === item.id
-    readonly property bool failed: current && player.state === "failed"
-    readonly property string time: !current || player.state === "idle" ? ""
-        : player.durationText ? player.positionText + " / " + player.durationText : player.positionText
+    readonly property string problem: wave.problem || (current && player.state === "failed" ? player.stateText : "")
+    readonly property string time: !current || player.state === "idle" ? "" : player.positionText
 
     implicitWidth: 280
-    implicitHeight: 52
+    implicitHeight: 58
     radius: Theme.controlRadius
     color: item.outgoing ? Theme.surface : Theme.raised
 
@@ -47,38 +46,44 @@ Rectangle {
         onPressedChanged: if (!pressed) value = Qt.binding(() => note.current ? note.player.progress : 0)
         Accessible.name: qsTr("Position in the voice note")
 
-        background: Rectangle {
-            y: 10
+        background: Waveform {
+            id: wave
             width: track.width
-            height: 4
-            radius: 2
-            color: Theme.line
-            Rectangle {
-                width: track.visualPosition * parent.width
-                height: parent.height
-                radius: 2
-                color: Theme.accent
-            }
+            height: track.height
+            path: note.item.mediaPath
+            progress: track.visualPosition
+            ink: Theme.faint
+            accent: Theme.accent
         }
         handle: Rectangle {
             visible: track.enabled
             x: track.visualPosition * (track.width - width)
-            y: 6
-            width: 12
-            height: 12
-            radius: 6
+            y: (track.height - height) / 2
+            width: 4
+            height: track.height
+            radius: 2
             color: Theme.accent
-            scale: track.pressed || track.hovered ? 1.2 : 1
         }
     }
     Label {
         anchors.left: track.left
-        anchors.right: track.right
-        y: 28
-        text: note.failed ? note.player.stateText : note.time || note.item.mediaTitle
+        anchors.right: length.left
+        anchors.rightMargin: Theme.small
+        y: 34
+        text: note.problem || note.item.mediaTitle
         elide: Text.ElideRight
         font.pixelSize: Theme.meta
-        color: note.failed ? Theme.bad : Theme.soft
+        color: note.problem ? Theme.bad : Theme.soft
+        Accessible.ignored: true
+    }
+    Label {
+        id: length
+        objectName: "thread.voiceLength"
+        anchors.right: track.right
+        y: 34
+        text: !note.time ? wave.durationText : wave.durationText ? note.time + " / " + wave.durationText : note.time
+        font.pixelSize: Theme.meta
+        color: Theme.faint
         Accessible.ignored: true
     }
 }

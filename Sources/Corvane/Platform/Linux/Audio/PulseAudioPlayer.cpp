@@ -11,14 +11,18 @@ namespace {
 
 constexpr Milliseconds answerTime { 3000 };
 constexpr Milliseconds movementPeriod { 100 };
+constexpr qint64 enoughMs = 5000; ///< read ahead
+constexpr qint64 framesPerMs = SoundPiece::rate / 1000;
+constexpr int pieceFrames = SoundPiece::rate * 2;
 const QString noOutput = QStringLiteral("This machine has no sound output.");
 const QString lostOutput = QStringLiteral("The sound output went away.");
 const QString unreadable = QStringLiteral("This sound can't be played.");
 
 }
 
-PulseAudioPlayer::PulseAudioPlayer(Scheduler& scheduler)
+PulseAudioPlayer::PulseAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder)
     : m_scheduler(scheduler)
+    , m_decoder(decoder)
 {
 }
 
@@ -27,13 +31,36 @@ PulseAudioPlayer::~PulseAudioPlayer() = default;
 void PulseAudioPlayer::play(const QString& path)
 {
     stop();
-    auto file = SoundFile::open(path);
-    if (!file) {
-        log(QStringLiteral("AudioPlayer: ") + file.error().message);
-        setState(State::Failed, unreadable);
+    m_path = path;
+    m_durationMs = 0;
+    setState(State::Playing);
+    connectOutput();
+    readOn(0);
+}
+
+void PulseAudioPlayer::readOn(qint64 frame)
+{
+    m_nextFrame = frame;
+    m_reading = m_decoder.sound(m_path, { m_turn, frame, pieceFrames }, [this](const auto& piece) { take(piece); });
+}
+
+void PulseAudioPlayer::take(const std::expected<SoundPiece, DecodeFailure>& piece)
+{
+    m_reading.reset();
+    if (!piece) {
+        log(QStringLiteral("AudioPlayer: ") + describe(piece.error()));
+        end(State::Failed, unreadable);
         return;
     }
-    m_durationMs = (*file)->durationMs();
+    m_durationMs = std::max(m_durationMs, piece->durationMs);
+    m_nextFrame += piece->samples.size() / SoundPiece::channels;
+    m_playback->append(*piece);
+    if (!piece->isLast && m_playback->bufferedMs() < enoughMs)
+        readOn(m_nextFrame);
+}
+
+void PulseAudioPlayer::connectOutput()
+{
     const auto post = [this, turn = m_turn](const std::function<void()>& call) {
         QMetaObject::invokeMethod(
             this,
@@ -43,10 +70,13 @@ void PulseAudioPlayer::play(const QString& path)
             },
             Qt::QueuedConnection);
     };
-    setState(State::Playing);
     m_timeout = m_scheduler.after(answerTime, [this] { end(State::Failed, noOutput); });
-    m_movement = m_scheduler.every(movementPeriod, [this] { Q_EMIT positionChanged(); });
-    m_playback = std::make_unique<PulsePlayback>(std::move(*file),
+    m_movement = m_scheduler.every(movementPeriod, [this] {
+        if (!m_reading && !m_playback->isWhole() && m_playback->bufferedMs() < enoughMs)
+            readOn(m_nextFrame);
+        Q_EMIT positionChanged();
+    });
+    m_playback = std::make_unique<PulsePlayback>(
         PulsePlayback::Callbacks { .started = [this, post] { post([this] { m_timeout.reset(); }); },
             .finished = [this, post] { post([this] { end(State::Idle); }); },
             .lost =
@@ -83,18 +113,23 @@ void PulseAudioPlayer::seek(qint64 positionMs)
 {
     if (!m_playback)
         return;
-    m_playback->seek(std::clamp<qint64>(positionMs, 0, std::max<qint64>(0, m_durationMs)));
+    const qint64 from = std::max<qint64>(0, positionMs);
+    const qint64 to = m_durationMs > 0 ? std::min(from, m_durationMs) : from;
+    m_playback->seek(to);
+    readOn(to * framesPerMs);
     Q_EMIT positionChanged();
 }
 
 qint64 PulseAudioPlayer::positionMs() const
 {
-    return m_playback ? std::min(m_playback->positionMs(), m_durationMs) : 0;
+    const qint64 position = m_playback ? m_playback->positionMs() : 0;
+    return m_durationMs > 0 ? std::min(position, m_durationMs) : position;
 }
 
 void PulseAudioPlayer::end(State state, const QString& errorText)
 {
     ++m_turn;
+    m_reading.reset();
     m_playback.reset();
     m_timeout.reset();
     m_movement.reset();
@@ -110,9 +145,9 @@ void PulseAudioPlayer::setState(State state, const QString& errorText)
     Q_EMIT stateChanged();
 }
 
-std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler)
+std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder)
 {
-    return std::make_unique<PulseAudioPlayer>(scheduler);
+    return std::make_unique<PulseAudioPlayer>(scheduler, decoder);
 }
 
 }

@@ -14,19 +14,25 @@ void PulseConnection::close()
 {
     pa_threaded_mainloop_lock(loop);
     closing();
-    if (stream) {
-        pa_stream_set_state_callback(stream, nullptr, nullptr);
-        pa_stream_set_read_callback(stream, nullptr, nullptr);
-        pa_stream_set_write_callback(stream, nullptr, nullptr);
-        pa_stream_disconnect(stream);
-        pa_stream_unref(stream);
-    }
+    closeStream();
     pa_context_set_state_callback(context, nullptr, nullptr);
     pa_context_disconnect(context);
     pa_context_unref(context);
     pa_threaded_mainloop_unlock(loop);
     pa_threaded_mainloop_stop(loop);
     pa_threaded_mainloop_free(loop);
+}
+
+void PulseConnection::closeStream()
+{
+    if (!stream)
+        return;
+    pa_stream_set_state_callback(stream, nullptr, nullptr);
+    pa_stream_set_read_callback(stream, nullptr, nullptr);
+    pa_stream_set_write_callback(stream, nullptr, nullptr);
+    pa_stream_disconnect(stream);
+    pa_stream_unref(stream);
+    stream = nullptr;
 }
 
 QString PulseConnection::error() const

@@ -19,6 +19,7 @@ protected:
 
     bool connect(pa_context_flags_t flags); ///< false: nothing will come; `error` says why
     void close(); ///< no call comes after it
+    void closeStream(); ///< nor any for this stream
     QString error() const;
 
     virtual void contextChanged() = 0;

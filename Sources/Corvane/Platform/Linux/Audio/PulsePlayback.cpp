@@ -1,6 +1,7 @@
 #include "Platform/Linux/Audio/PulsePlayback.h"
 
 #include "Platform/Linux/Audio/PulseConnection.h"
+#include "Platform/Linux/Audio/SoundBuffer.h"
 
 #include <cstring>
 #include <optional>
@@ -17,7 +18,7 @@ constexpr uint32_t piecesPerSecond = 5; ///< how often the server asks for more
 struct PulsePlayback::State final : PulseConnection {
     using PulseConnection::loop;
 
-    State(std::unique_ptr<SoundFile> opened, Callbacks given);
+    explicit State(Callbacks given);
     ~State() override;
 
     void contextChanged() override;
@@ -25,19 +26,20 @@ struct PulsePlayback::State final : PulseConnection {
     void openStream();
     void streamChanged();
     void write(size_t bytes);
+    void append(const SoundPiece& piece);
     void drain();
     void stopDraining();
     void hold(bool held);
     void seek(qint64 ms);
+    bool isReady() const;
     qint64 positionMs() const;
     void end();
 
-    std::unique_ptr<SoundFile> file;
+    SoundBuffer sound;
     Callbacks callbacks;
     pa_operation* draining = nullptr; ///< from the end of the file on
     std::optional<qint64> heldAt; ///< where it stands still, whatever the server has yet to play or to drop
     bool ended = false;
-    bool isTimeKnown = true; ///< not between a move and the server's next word
     qint64 from = 0; ///< in milliseconds
     qint64 written = 0; ///< samples since then, all channels together
 };
@@ -68,9 +70,8 @@ void forget(pa_operation* operation)
 
 }
 
-PulsePlayback::State::State(std::unique_ptr<SoundFile> opened, Callbacks given)
-    : file(std::move(opened))
-    , callbacks(std::move(given))
+PulsePlayback::State::State(Callbacks given)
+    : callbacks(std::move(given))
 {
     if (!connect(PA_CONTEXT_NOFLAGS))
         end();
@@ -98,7 +99,7 @@ void PulsePlayback::State::contextChanged()
 
 void PulsePlayback::State::openStream()
 {
-    const pa_sample_spec samples { PA_SAMPLE_FLOAT32LE, uint32_t(SoundFile::rate), uint8_t(SoundFile::channels) };
+    const pa_sample_spec samples { PA_SAMPLE_FLOAT32LE, uint32_t(SoundPiece::rate), uint8_t(SoundPiece::channels) };
     stream = pa_stream_new(context, "Voice note", &samples, nullptr);
     if (!stream)
         return end();
@@ -118,30 +119,37 @@ void PulsePlayback::State::openStream()
 void PulsePlayback::State::streamChanged()
 {
     const pa_stream_state_t now = pa_stream_get_state(stream);
-    if (now == PA_STREAM_READY)
+    if (now == PA_STREAM_READY) {
+        hold(heldAt.has_value()); // it may have changed since the stream was asked for
         callbacks.started();
-    else if (!PA_STREAM_IS_GOOD(now))
+    } else if (!PA_STREAM_IS_GOOD(now))
         end();
 }
 
 void PulsePlayback::State::write(size_t bytes)
 {
-    while (bytes >= sizeof(float) && !draining && !ended) {
+    if (draining || ended)
+        return;
+    while (bytes >= sizeof(float) && !sound.isEmpty()) {
         void* data = nullptr;
         size_t room = bytes;
         if (pa_stream_begin_write(stream, &data, &room) < 0)
             return;
-        const size_t wanted = std::min(room, bytes) / sizeof(float);
-        const size_t count = file->read({ static_cast<float*>(data), wanted });
-        if (count == 0)
-            pa_stream_cancel_write(stream);
-        else
-            pa_stream_write(stream, data, count * sizeof(float), nullptr, 0, PA_SEEK_RELATIVE);
+        const size_t count = sound.read({ static_cast<float*>(data), std::min(room, bytes) / sizeof(float) });
+        pa_stream_write(stream, data, count * sizeof(float), nullptr, 0, PA_SEEK_RELATIVE);
         written += qint64(count);
         bytes -= count * sizeof(float);
-        if (count < wanted)
-            drain();
     }
+    if (sound.isEmpty() && sound.isWhole())
+        drain();
+}
+
+void PulsePlayback::State::append(const SoundPiece& piece)
+{
+    sound.append(piece);
+    // What the server asked for while there was nothing is still owed.
+    if (const size_t room = isReady() ? pa_stream_writable_size(stream) : size_t(-1); room != size_t(-1))
+        write(room);
 }
 
 void PulsePlayback::State::drain()
@@ -170,25 +178,28 @@ void PulsePlayback::State::stopDraining()
 void PulsePlayback::State::hold(bool held)
 {
     heldAt = held ? std::optional(positionMs()) : std::nullopt;
-    if (stream && pa_stream_get_state(stream) == PA_STREAM_READY)
+    if (isReady())
         forget(pa_stream_cork(stream, held, nullptr, nullptr));
 }
 
 void PulsePlayback::State::seek(qint64 ms)
 {
-    file->seek(ms);
+    sound.clear();
     from = ms;
     written = 0;
     if (heldAt)
         heldAt = ms;
-    if (!stream || pa_stream_get_state(stream) != PA_STREAM_READY)
+    if (!stream)
         return;
+    // A new stream rather than a flush: the server asks again for a full buffer, and its clock begins anew.
     stopDraining();
-    forget(pa_stream_flush(stream, nullptr, nullptr));
-    write(pa_stream_get_buffer_attr(stream)->tlength);
-    isTimeKnown = false;
-    forget(pa_stream_update_timing_info(
-        stream, [](pa_stream*, int, void* state) { static_cast<State*>(state)->isTimeKnown = true; }, this));
+    closeStream();
+    openStream();
+}
+
+bool PulsePlayback::State::isReady() const
+{
+    return stream && pa_stream_get_state(stream) == PA_STREAM_READY;
 }
 
 qint64 PulsePlayback::State::positionMs() const
@@ -197,10 +208,9 @@ qint64 PulsePlayback::State::positionMs() const
         return *heldAt;
     pa_usec_t unheard = 0;
     int isAhead = 0;
-    if (!stream || !isTimeKnown || pa_stream_get_state(stream) != PA_STREAM_READY
-        || pa_stream_get_latency(stream, &unheard, &isAhead) < 0)
+    if (!isReady() || pa_stream_get_latency(stream, &unheard, &isAhead) < 0)
         return from;
-    const qint64 given = written * 1000 / (SoundFile::rate * SoundFile::channels);
+    const qint64 given = written * 1000 / (SoundPiece::rate * SoundPiece::channels);
     return from + std::max<qint64>(0, isAhead ? given : given - qint64(unheard / 1000));
 }
 
@@ -211,12 +221,30 @@ void PulsePlayback::State::end()
     callbacks.lost(error());
 }
 
-PulsePlayback::PulsePlayback(std::unique_ptr<SoundFile> file, Callbacks callbacks)
-    : m_state(std::make_unique<State>(std::move(file), std::move(callbacks)))
+PulsePlayback::PulsePlayback(Callbacks callbacks)
+    : m_state(std::make_unique<State>(std::move(callbacks)))
 {
 }
 
 PulsePlayback::~PulsePlayback() = default;
+
+void PulsePlayback::append(const SoundPiece& piece)
+{
+    const Locked locked(m_state->loop);
+    m_state->append(piece);
+}
+
+qint64 PulsePlayback::bufferedMs() const
+{
+    const Locked locked(m_state->loop);
+    return m_state->sound.ms();
+}
+
+bool PulsePlayback::isWhole() const
+{
+    const Locked locked(m_state->loop);
+    return m_state->sound.isWhole();
+}
 
 void PulsePlayback::pause()
 {

@@ -1,0 +1,284 @@
+#include "Platform/Linux/Decode/SoundFile.h"
+
+#include "Platform/Linux/Audio/Ffmpeg.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+extern "C" {
+#include <libswresample/swresample.h>
+}
+
+namespace corvane {
+
+namespace {
+
+constexpr int rate = SoundPiece::rate;
+constexpr int channels = SoundPiece::channels;
+constexpr AVRational frames { 1, rate };
+constexpr qint64 settling = rate / 4; ///< a decoder that begins within a file needs some of it to be exact
+constexpr int bufferSize = 64 * 1024;
+constexpr qint64 wholeSeconds = 300; ///< a sound up to this is looked at from end to end
+constexpr int glance = rate / 10;
+constexpr const char* containers = "ogg,mov,mp3,wav,aac,amr,flac,matroska,caf,aiff";
+
+using Resampler = std::unique_ptr<SwrContext, Release<swr_free>>;
+
+struct ReleaseReader {
+    void operator()(AVIOContext* reader) const
+    {
+        av_freep(static_cast<void*>(&reader->buffer));
+        avio_context_free(&reader);
+    }
+};
+
+int descriptorOf(void* file)
+{
+    return static_cast<Descriptor*>(file)->number();
+}
+
+int readSome(void* file, uint8_t* bytes, int count)
+{
+    const ssize_t done = ::read(descriptorOf(file), bytes, size_t(count));
+    return done > 0 ? int(done) : done == 0 ? AVERROR_EOF : AVERROR(errno);
+}
+
+int64_t moveTo(void* file, int64_t offset, int whence)
+{
+    if (whence & AVSEEK_SIZE) {
+        const off_t at = ::lseek(descriptorOf(file), 0, SEEK_CUR);
+        const off_t size = ::lseek(descriptorOf(file), 0, SEEK_END);
+        ::lseek(descriptorOf(file), at, SEEK_SET);
+        return size;
+    }
+    return ::lseek(descriptorOf(file), offset, whence & ~AVSEEK_FORCE);
+}
+
+}
+
+struct SoundFile::State {
+    Descriptor file;
+    std::unique_ptr<AVIOContext, ReleaseReader> reader;
+    Input input; ///< reads through `reader`
+    Codec decoder;
+    AVStream* stream = nullptr;
+    Resampler resampler; ///< for frames like the last one
+    Frame frame { av_frame_alloc() };
+    Packet packet { av_packet_alloc() };
+    qint64 skip = -1; ///< up to where, after a move, what is decoded is not wanted
+    bool isPlaceKnown = true; ///< not after a move, until the first frame tells it
+    qint64 position = 0;
+    std::vector<float> ready;
+    size_t taken = 0; ///< of `ready`
+
+    Result<void> open();
+    Result<void> openInput();
+    bool decode(); ///< one frame more; false at the end
+    bool sendPacket();
+    void resample(const AVFrame* decoded); ///< null: what the resampler still holds
+    void dropSkipped();
+};
+
+Result<void> SoundFile::State::openInput()
+{
+    reader.reset(avio_alloc_context(
+        static_cast<uint8_t*>(av_malloc(bufferSize)), bufferSize, 0, &file, readSome, nullptr, moveTo));
+    AVFormatContext* opened = avformat_alloc_context();
+    opened->pb = reader.get();
+    opened->format_whitelist = av_strdup(containers);
+    if (const int code = avformat_open_input(&opened, "", nullptr, nullptr); code < 0)
+        return avFailure(code);
+    input.reset(opened);
+    const int code = avformat_find_stream_info(input.get(), nullptr);
+    return code < 0 ? Result<void>(avFailure(code)) : Result<void>();
+}
+
+Result<void> SoundFile::State::open()
+{
+    if (const auto opened = openInput(); !opened)
+        return opened;
+    const AVCodec* codec = nullptr;
+    const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
+    if (index < 0)
+        return avFailure(index);
+    stream = input->streams[index];
+    for (unsigned i = 0; i < input->nb_streams; ++i)
+        input->streams[i]->discard = int(i) == index ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    decoder.reset(avcodec_alloc_context3(codec));
+    avcodec_parameters_to_context(decoder.get(), stream->codecpar);
+    decoder->pkt_timebase = stream->time_base;
+    const int code = avcodec_open2(decoder.get(), codec, nullptr);
+    return code < 0 ? Result<void>(avFailure(code)) : Result<void>();
+}
+
+bool SoundFile::State::decode()
+{
+    for (;;) {
+        const int code = avcodec_receive_frame(decoder.get(), frame.get());
+        if (code == AVERROR(EAGAIN)) {
+            if (!sendPacket())
+                return false;
+        } else if (code == AVERROR_EOF) {
+            if (!resampler)
+                return false;
+            resample(nullptr);
+            resampler.reset();
+            dropSkipped();
+            return true;
+        } else if (code >= 0) {
+            if (frame->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
+                av_channel_layout_default(&frame->ch_layout, frame->ch_layout.nb_channels);
+            resample(frame.get());
+            dropSkipped();
+            return true;
+        }
+    }
+}
+
+/// The decoder is told of the end of the file once, and gives out what it still holds.
+bool SoundFile::State::sendPacket()
+{
+    for (;;) {
+        av_packet_unref(packet.get());
+        if (av_read_frame(input.get(), packet.get()) < 0)
+            return avcodec_send_packet(decoder.get(), nullptr) >= 0;
+        if (packet->stream_index == stream->index && avcodec_send_packet(decoder.get(), packet.get()) >= 0)
+            return true;
+    }
+}
+
+void SoundFile::State::resample(const AVFrame* decoded)
+{
+    ready.clear();
+    taken = 0;
+    const Frame result(av_frame_alloc());
+    result->sample_rate = rate;
+    result->format = AV_SAMPLE_FMT_FLT;
+    av_channel_layout_default(&result->ch_layout, channels);
+    if (!resampler)
+        resampler.reset(swr_alloc());
+    int code = swr_convert_frame(resampler.get(), result.get(), decoded);
+    if (code == AVERROR_INPUT_CHANGED) {
+        resampler.reset(swr_alloc());
+        code = swr_convert_frame(resampler.get(), result.get(), decoded);
+    }
+    if (code < 0 || result->nb_samples <= 0)
+        return;
+    const auto* const samples = reinterpret_cast<const float*>(result->data[0]);
+    ready.assign(samples, samples + size_t(result->nb_samples) * channels);
+}
+
+/// The first frame after a move says where the decoder went on; what comes before the wanted moment is left out.
+void SoundFile::State::dropSkipped()
+{
+    if (skip < 0)
+        return;
+    // Once: the resampler holds some back, so that later frames are not where their times say.
+    if (!std::exchange(isPlaceKnown, true) && frame->best_effort_timestamp != AV_NOPTS_VALUE) {
+        const qint64 start = stream->start_time == AV_NOPTS_VALUE ? 0 : stream->start_time;
+        position = std::max<qint64>(0, av_rescale_q(frame->best_effort_timestamp - start, stream->time_base, frames));
+    }
+    const auto count = qint64(ready.size()) / channels;
+    const qint64 dropped = std::clamp<qint64>(skip - position, 0, count);
+    taken = size_t(dropped) * channels;
+    position += dropped;
+    if (position >= skip)
+        position = std::exchange(skip, -1); // a seek may go too far: then a little is missing
+}
+
+SoundFile::SoundFile(std::unique_ptr<State> state)
+    : m_state(std::move(state))
+{
+}
+
+SoundFile::~SoundFile() = default;
+
+Result<std::unique_ptr<SoundFile>> SoundFile::open(Descriptor file)
+{
+    av_log_set_level(AV_LOG_QUIET); // what fails is told by its code
+    auto state = std::make_unique<State>();
+    state->file = std::move(file);
+    if (const auto opened = state->open(); !opened)
+        return std::unexpected(opened.error());
+    return std::unique_ptr<SoundFile>(new SoundFile(std::move(state)));
+}
+
+qint64 SoundFile::durationMs() const
+{
+    return std::max<qint64>(0, m_state->input->duration / (AV_TIME_BASE / 1000));
+}
+
+qint64 SoundFile::frame() const
+{
+    return m_state->position;
+}
+
+size_t SoundFile::read(std::span<float> samples)
+{
+    size_t done = 0;
+    while (done < samples.size()) {
+        if (m_state->taken == m_state->ready.size()) {
+            if (!m_state->decode())
+                break;
+            continue;
+        }
+        const size_t count = std::min(samples.size() - done, m_state->ready.size() - m_state->taken);
+        std::copy_n(
+            m_state->ready.begin() + std::ptrdiff_t(m_state->taken), count, samples.begin() + std::ptrdiff_t(done));
+        m_state->taken += count;
+        done += count;
+    }
+    m_state->position += qint64(done) / channels;
+    return done;
+}
+
+void SoundFile::seek(qint64 frame)
+{
+    State& state = *m_state;
+    const qint64 begin = std::max<qint64>(0, frame - settling);
+    const qint64 start = state.stream->start_time == AV_NOPTS_VALUE ? 0 : state.stream->start_time;
+    av_seek_frame(state.input.get(), state.stream->index, start + av_rescale_q(begin, frames, state.stream->time_base),
+        AVSEEK_FLAG_BACKWARD);
+    avcodec_flush_buffers(state.decoder.get());
+    state.resampler.reset();
+    state.ready.clear();
+    state.taken = 0;
+    state.position = begin;
+    state.skip = frame;
+    state.isPlaceKnown = false;
+}
+
+SoundShape shapeOf(SoundFile& file, int count)
+{
+    SoundShape shape { file.durationMs(), QList<float>(count) };
+    const auto loudest = [](std::span<const float> samples) {
+        float most = 0;
+        for (const float sample : samples)
+            most = std::max(most, std::min(1.0F, std::abs(sample)));
+        return most;
+    };
+    std::vector<float> samples(size_t(glance) * channels);
+    if (shape.durationMs > wholeSeconds * 1000) {
+        for (int i = 0; i < count; ++i) {
+            file.seek(shape.durationMs * (rate / 1000) * i / count);
+            shape.bars[i] = loudest({ samples.data(), file.read(samples) });
+        }
+        return shape;
+    }
+    // The container's word on the length may be missing or wrong, so the parts are made when the end was seen.
+    QList<float> glances;
+    while (const size_t read = file.read(samples))
+        glances.append(loudest({ samples.data(), read }));
+    shape.durationMs = file.frame() / (rate / 1000);
+    for (qsizetype i = 0; i < count && !glances.isEmpty(); ++i) {
+        const qsizetype from = i * glances.size() / count;
+        const qsizetype to = std::max(from + 1, (i + 1) * glances.size() / count);
+        shape.bars[i] = *std::max_element(glances.begin() + from, glances.begin() + to);
+    }
+    return shape;
+}
+
+}
