@@ -46,8 +46,9 @@ inline void decideSome(EngineManager& engine)
     for (const PendingDraft& draft : QList<PendingDraft>(engine.pendingDrafts())) {
         if (draft.status == u"failed")
             (void)rejectDraft(db, draft.id);
-        else if (approveDraft(db, draft.id, draftHash(draft)) == Decided::Taken)
-            acknowledgeDraft(db, draft.id, u"sent"_s, std::nullopt, {});
+        else if (approveDraft(db, draft.id, draftHash(draft)) == Decided::Taken
+            && DraftClaim::claim(db, draft.id).draft)
+            acknowledgeDraft(db, draft.accountId, draft.id, u"sent"_s, std::nullopt, {});
     }
     if (const auto note = crmProposal(db, u"p2"_s))
         (void)applyCRMUpdateProposal(db, note->id, proposalHash(*note));
