@@ -1,5 +1,6 @@
 #include "Store/Approvals/ApprovalRecords.h"
 
+#include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 
 #include <QCryptographicHash>
@@ -9,14 +10,17 @@ namespace corvane {
 
 namespace {
 
-const QString columns = QStringLiteral(
-    "SELECT seq, at, kind, subject_id, action, content_hash, previous_hash, hash FROM approval_record ");
-
-ApprovalRecord recordFrom(const SqlRow& row)
-{
-    return { row.integer(0), row.integer(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
-        row.text(7) };
-}
+const Table<ApprovalRecord> records("approval_record",
+    {
+        { "seq", &ApprovalRecord::seq },
+        { "at", &ApprovalRecord::at },
+        { "kind", &ApprovalRecord::kind },
+        { "subject_id", &ApprovalRecord::subjectId },
+        { "action", &ApprovalRecord::action },
+        { "content_hash", &ApprovalRecord::contentHash },
+        { "previous_hash", &ApprovalRecord::previousHash },
+        { "hash", &ApprovalRecord::hash },
+    });
 
 QString hashOf(const ApprovalRecord& line)
 {
@@ -57,15 +61,11 @@ QString fieldsHash(const QStringList& fields)
 bool appendRecord(
     LocalDB& db, const QString& kind, const QString& subjectId, const QString& action, const QString& contentHash)
 {
-    const ApprovalRecord last = db.firstRow(columns + QStringLiteral("ORDER BY seq DESC LIMIT 1;"), {}, recordFrom)
-                                    .value_or(ApprovalRecord());
+    const ApprovalRecord last
+        = records.first(db, QStringLiteral("ORDER BY seq DESC LIMIT 1;"), {}).value_or(ApprovalRecord());
     ApprovalRecord line { last.seq + 1, db.nowMs(), kind, subjectId, action, contentHash, last.hash, {} };
     line.hash = hashOf(line);
-    return db.changedRows(
-               "INSERT INTO approval_record(seq, at, kind, subject_id, action, content_hash, previous_hash, hash) "
-               "VALUES(?,?,?,?,?,?,?,?);",
-               { line.seq, line.at, kind, subjectId, action, contentHash, line.previousHash, line.hash })
-        == 1;
+    return records.insert(db, line);
 }
 
 void recordUndo(LocalDB& db, const QString& kind, const QString& subjectId, const QString& contentHash)
@@ -77,7 +77,7 @@ void recordUndo(LocalDB& db, const QString& kind, const QString& subjectId, cons
 
 QList<ApprovalRecord> latestRecords(LocalDB& db, int limit)
 {
-    return db.rows(columns + QStringLiteral("ORDER BY seq DESC LIMIT ?;"), { limit }, recordFrom);
+    return records.rows(db, QStringLiteral("ORDER BY seq DESC LIMIT ?;"), { limit });
 }
 
 RecordCheck checkRecords(SqlConnection& db)
@@ -91,7 +91,7 @@ RecordCheck checkRecords(SqlConnection& db)
         [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
     ApprovalRecord before;
     QSet<std::pair<QString, QString>> approved;
-    for (const ApprovalRecord& line : db.rows(columns + QStringLiteral("ORDER BY seq;"), {}, recordFrom)) {
+    for (const ApprovalRecord& line : records.rows(db, QStringLiteral("ORDER BY seq;"), {})) {
         if (const auto wrong = breakBetween(before, line))
             return { false, QStringLiteral("The record of decisions is broken: %1.").arg(*wrong) };
         if (line.action.startsWith(u"approve"))

@@ -2,6 +2,7 @@
 
 #include "Foundation/Json.h"
 #include "Foundation/Result.h"
+#include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmRecords.h"
@@ -17,17 +18,20 @@ const QString rejected = QStringLiteral("rejected");
 const QString note = QStringLiteral("note");
 const QString task = QStringLiteral("task");
 
-const QString columns
-    = QStringLiteral(R"(SELECT id, COALESCE(call_id,''), COALESCE(contact_id,''), COALESCE(deal_id,''),
-       kind, title, payload_json, COALESCE(confidence,0), status, created_at, COALESCE(error,'')
-FROM crm_update_proposal
-)");
-
-CRMUpdateProposal proposal(const SqlRow& row)
-{
-    return CRMUpdateProposal { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-        row.text(6), row.real(7), row.text(8), row.integer(9), row.text(10) };
-}
+const Table<CRMUpdateProposal> proposals("crm_update_proposal",
+    {
+        { "id", &CRMUpdateProposal::id },
+        { "call_id", &CRMUpdateProposal::callId, "''" },
+        { "contact_id", &CRMUpdateProposal::contactId, "''" },
+        { "deal_id", &CRMUpdateProposal::dealId, "''" },
+        { "kind", &CRMUpdateProposal::kind },
+        { "title", &CRMUpdateProposal::title },
+        { "payload_json", &CRMUpdateProposal::payloadJson },
+        { "confidence", &CRMUpdateProposal::confidence, "0" },
+        { "status", &CRMUpdateProposal::status },
+        { "created_at", &CRMUpdateProposal::createdAt },
+        { "error", &CRMUpdateProposal::error, "''" },
+    });
 
 /// The payload as an object; one that does not read holds nothing.
 QJsonObject payloadOf(const CRMUpdateProposal& proposal)
@@ -93,15 +97,14 @@ QString CRMUpdateProposal::bodyPreview() const
 
 QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit)
 {
-    return db.rows(columns + QStringLiteral(R"(WHERE workspace_id=? AND (?='' OR status=?)
-ORDER BY created_at DESC LIMIT ?;)"),
-        { activeWorkspaceId(db), status, status, limit }, proposal);
+    return proposals.rows(db, R"(WHERE workspace_id=? AND (?='' OR status=?)
+ORDER BY created_at DESC LIMIT ?;)",
+        { activeWorkspaceId(db), status, status, limit });
 }
 
 std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id)
 {
-    return db.firstRow(
-        columns + QStringLiteral("WHERE workspace_id=? AND id=? LIMIT 1;"), { activeWorkspaceId(db), id }, proposal);
+    return proposals.first(db, "WHERE workspace_id=? AND id=? LIMIT 1;", { activeWorkspaceId(db), id });
 }
 
 QString proposalHash(const CRMUpdateProposal& proposal)

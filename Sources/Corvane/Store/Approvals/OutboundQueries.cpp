@@ -1,17 +1,31 @@
 #include "Store/Approvals/OutboundQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
 namespace corvane {
 
 namespace {
 
-const QString draftColumns = QStringLiteral(
-    R"(SELECT id, conversation_id, channel, account_id, external_id, COALESCE(title,''), body,
-       status, COALESCE(source,''), COALESCE(web_ack_status,''), COALESCE(provider_msg_id,''), COALESCE(error,'')
-FROM outbound_draft
-)");
+const Table<PendingDraft> drafts("outbound_draft",
+    {
+        { "id", &PendingDraft::id },
+        { "workspace_id" },
+        { "conversation_id", &PendingDraft::conversationId },
+        { "channel", &PendingDraft::channel },
+        { "account_id", &PendingDraft::accountId },
+        { "external_id", &PendingDraft::externalId },
+        { "title", &PendingDraft::title, "''" },
+        { "body", &PendingDraft::body },
+        { "status", &PendingDraft::status, asStored, "'pending'" },
+        { "source", &PendingDraft::source, "''" },
+        { "web_ack_status", &PendingDraft::webAckStatus, "''", onlyRead },
+        { "provider_msg_id", &PendingDraft::providerMsgId, "''", onlyRead },
+        { "error", &PendingDraft::error, "''", onlyRead },
+        { "created_at" },
+        { "updated_at" },
+    });
 
 const QString unacknowledged = QStringLiteral("Engine never acknowledged the send — Retry to requeue.");
 
@@ -20,34 +34,28 @@ QString placeholders(qsizetype count)
     return QStringList(count, QStringLiteral("?")).join(u',');
 }
 
-PendingDraft draftFrom(const SqlRow& row)
-{
-    return PendingDraft { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6),
-        row.text(7), row.text(8), row.text(9), row.text(10), row.text(11) };
-}
-
 }
 
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source)
 {
-    struct Target {
-        QString accountId;
-        QString externalId;
-        QString channel;
-        QString title;
-    };
-    const auto target = db.firstRow("SELECT account_id, external_id, channel, COALESCE(title, external_id) FROM "
-                                    "unified_conversation WHERE id=? AND deleted_at IS NULL;",
-        { conversationId },
-        [](const SqlRow& row) { return Target { row.text(0), row.text(1), row.text(2), row.text(3) }; });
-    if (!target)
-        return false;
     const qint64 now = db.nowMs();
-    return db.run(
-        R"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,?,'pending',?,?,?);)",
-        { stampedId(QStringLiteral("od"), now), activeWorkspaceId(db), conversationId, target->channel,
-            target->accountId, target->externalId, target->title, text, source, now, now });
+    const auto draft = db.firstRow("SELECT account_id, external_id, channel, COALESCE(title, external_id) FROM "
+                                   "unified_conversation WHERE id=? AND deleted_at IS NULL;",
+        { conversationId }, [&](const SqlRow& row) {
+            PendingDraft queued;
+            queued.id = stampedId(QStringLiteral("od"), now);
+            queued.conversationId = conversationId;
+            queued.channel = row.text(2);
+            queued.accountId = row.text(0);
+            queued.externalId = row.text(1);
+            queued.title = row.text(3);
+            queued.body = text;
+            queued.source = source;
+            return queued;
+        });
+    return draft
+        && drafts.insert(
+            db, *draft, { { "workspace_id", activeWorkspaceId(db) }, { "created_at", now }, { "updated_at", now } });
 }
 
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit)
@@ -60,7 +68,7 @@ QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int li
 ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
 LIMIT ?;)")
                               .arg(placeholders(statuses.size()));
-    return db.rows(draftColumns + which, parameters, draftFrom);
+    return drafts.rows(db, which, parameters);
 }
 
 QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountIds, int limit)
@@ -72,7 +80,7 @@ QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountI
     const QString which = QStringLiteral(
         "WHERE workspace_id=? AND status='approved' AND account_id IN (%1) ORDER BY created_at ASC LIMIT ?;")
                               .arg(placeholders(accountIds.size()));
-    return db.rows(draftColumns + which, parameters, draftFrom);
+    return drafts.rows(db, which, parameters);
 }
 
 QList<DraftOfAccount> fetchApprovedIds(LocalDB& db)
@@ -101,7 +109,7 @@ bool mayHaveGoneOut(const PendingDraft& draft)
 
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
 {
-    return db.firstRow(draftColumns + QStringLiteral("WHERE id=?;"), { id }, draftFrom);
+    return drafts.first(db, QStringLiteral("WHERE id=?;"), { id });
 }
 
 bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to)

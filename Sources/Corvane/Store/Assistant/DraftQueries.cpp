@@ -2,12 +2,28 @@
 
 #include "Foundation/Ids.h"
 #include "Foundation/Text.h"
+#include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/ContactInfo.h"
 
 namespace corvane {
 
 namespace {
+
+const Table<DraftMetadataRow> metadata("draft_metadata",
+    {
+        { "id" },
+        { "workspace_id" },
+        { "contact_id", &DraftMetadataRow::contactId },
+        { "conversation_id", &DraftMetadataRow::conversationId },
+        { "intent", &DraftMetadataRow::intent },
+        { "model", &DraftMetadataRow::model },
+        { "prompt_ref", &DraftMetadataRow::promptRef },
+        { "result_ref", &DraftMetadataRow::resultRef },
+        { "used_message_ids" },
+        { "warnings" },
+        { "created_at" },
+    });
 
 /// One line an entry: what an agent kept must not be able to open a section of its own.
 void addSection(QStringList& sections, const QString& title, const QList<MemoryEntry>& entries)
@@ -41,12 +57,10 @@ QString memorySnapshot(LocalDB& db, const std::optional<QString>& contactId)
 bool insertDraftMetadata(LocalDB& db, const DraftMetadataRow& row)
 {
     const qint64 now = db.nowMs();
-    return db.run(R"(INSERT INTO draft_metadata
-  (id, workspace_id, contact_id, conversation_id, intent, model, prompt_ref, result_ref,
-   used_message_ids, warnings, created_at)
-VALUES(?,?,?,?,?,?,?,?,?,?,?);)",
-        { stampedId(QStringLiteral("dm"), now), activeWorkspaceId(db), row.contactId, row.conversationId, row.intent,
-            row.model, row.promptRef, row.resultRef, jsonString(row.usedMessageIds), jsonString(row.warnings), now });
+    return metadata.insert(db, row,
+        { { "id", stampedId(QStringLiteral("dm"), now) }, { "workspace_id", activeWorkspaceId(db) },
+            { "used_message_ids", jsonString(row.usedMessageIds) }, { "warnings", jsonString(row.warnings) },
+            { "created_at", now } });
 }
 
 }

@@ -2,12 +2,25 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
+#include "Store/Core/Table.h"
 
 #include <algorithm>
 
 namespace corvane {
 
 namespace {
+
+const Table<WorkspaceRow> workspaces("sync_workspace",
+    {
+        { "workspace_id", &WorkspaceRow::workspaceId },
+        { "workspace_name", &WorkspaceRow::workspaceName },
+        { "workspace_slug", &WorkspaceRow::workspaceSlug, "''" },
+        { "org_id", &WorkspaceRow::orgId },
+        { "org_name", &WorkspaceRow::orgName },
+        { "org_slug", &WorkspaceRow::orgSlug, "''" },
+        { "is_default", &WorkspaceRow::isDefault },
+        { "updated_at" },
+    });
 
 const QString fallback = QStringLiteral("local");
 const QString activeKey = QStringLiteral("nimb.activeWorkspaceId");
@@ -147,9 +160,7 @@ void commitEvenWithDanglingReferences(LocalDB& db)
 
 void storeWorkspaceRow(LocalDB& db, const WorkspaceRow& row)
 {
-    db.run(R"(INSERT INTO sync_workspace
-  (workspace_id, workspace_name, workspace_slug, org_id, org_name, org_slug, is_default, updated_at)
-VALUES(?,?,?,?,?,?,?,?)
+    workspaces.insert(db, row, { { "updated_at", db.nowMs() } }, R"(
 ON CONFLICT(workspace_id) DO UPDATE SET
   workspace_name=excluded.workspace_name,
   workspace_slug=excluded.workspace_slug,
@@ -157,9 +168,7 @@ ON CONFLICT(workspace_id) DO UPDATE SET
   org_name=excluded.org_name,
   org_slug=excluded.org_slug,
   is_default=excluded.is_default,
-  updated_at=excluded.updated_at;)",
-        { row.workspaceId, row.workspaceName, row.workspaceSlug, row.orgId, row.orgName, row.orgSlug,
-            row.isDefault ? 1 : 0, db.nowMs() });
+  updated_at=excluded.updated_at)");
 }
 
 /// The one in use, else the preferred one, else the web's default, else the first.
@@ -252,14 +261,7 @@ QString storeWorkspaceRows(
 
 QList<WorkspaceRow> fetchWorkspaceRows(LocalDB& db)
 {
-    return db.rows(R"(SELECT workspace_id, workspace_name, COALESCE(workspace_slug,''), org_id, org_name,
-       COALESCE(org_slug,''), is_default
-FROM sync_workspace
-ORDER BY org_name COLLATE NOCASE, is_default DESC, workspace_name COLLATE NOCASE;)",
-        {}, [](const SqlRow& row) {
-            return WorkspaceRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.integer(6) != 0 };
-        });
+    return workspaces.rows(db, "ORDER BY org_name COLLATE NOCASE, is_default DESC, workspace_name COLLATE NOCASE;", {});
 }
 
 std::optional<QString> consumeWorkspaceSelectionNotice(LocalDB& db)

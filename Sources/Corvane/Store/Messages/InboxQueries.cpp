@@ -1,9 +1,12 @@
 #include "Store/Messages/InboxQueries.h"
 
+#include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 
 #include <QSet>
+
+using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -16,19 +19,38 @@ const QString newestMessage = QStringLiteral(R"(FROM unified_conversation cc JOI
        ORDER BY n.ts DESC LIMIT 1)
      WHERE cc.contact_id=%1 ORDER BY m.ts DESC LIMIT 1)");
 
-const QString contactColumns = QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
-  (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
-     WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
-  COALESCE((SELECT m.body %1), ''),
-  MAX(c.last_ts), SUM(c.unread),
-  MIN(c.account_id),
-  MAX(CASE WHEN c.external_id LIKE '%@g.us' THEN 1 ELSE 0 END),
-  COALESCE(ct.avatar_path,''),
-  MAX(c.muted)
-FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
-WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
-  AND )")
-                                   .arg(newestMessage.arg(QStringLiteral("ct.id")));
+const QByteArray newestBody = u"(SELECT m.body %1)"_s.arg(newestMessage.arg(u"ct.id"_s)).toUtf8();
+
+const Table<ContactRow> contacts("contact ct",
+    {
+        { "ct.id", &ContactRow::id },
+        { "ct.display_name", &ContactRow::name, "''" },
+        { R"((SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
+     WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL))",
+            &ContactRow::platforms },
+        { newestBody.constData(), &ContactRow::snippet, "''" },
+        { "MAX(c.last_ts)", &ContactRow::lastTs },
+        { "SUM(c.unread)", &ContactRow::unread },
+        { "MIN(c.account_id)", &ContactRow::account },
+        { "MAX(CASE WHEN c.external_id LIKE '%@g.us' THEN 1 ELSE 0 END)", &ContactRow::isGroup },
+        { "ct.avatar_path", &ContactRow::avatarPath, "''" },
+        { "MAX(c.muted)", &ContactRow::isMuted },
+    });
+
+const QString ofWorkspace = u"JOIN unified_conversation c ON c.contact_id=ct.id\n"
+                            "WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL\n  AND "_s;
+
+const Table<MessageHit> hits("unified_message m",
+    {
+        { "m.id", &MessageHit::id },
+        { "cc.contact_id", &MessageHit::contactId },
+        { "COALESCE(ct.display_name, cc.contact_id)", &MessageHit::contactName },
+        { "cc.channel", &MessageHit::channel },
+        { "COALESCE(NULLIF(m.body,''), at.transcript, '')", &MessageHit::snippet },
+        { "m.ts", &MessageHit::ts },
+        { "m.direction", &MessageHit::direction },
+        { "ct.avatar_path", &MessageHit::avatarPath, "''" },
+    });
 
 QString archivedCondition(InboxFilter filter)
 {
@@ -76,10 +98,10 @@ QStringList newestPeople(LocalDB& db, InboxFilter filter, const QString& workspa
     return known.values();
 }
 
-/// Of the people alone who are named in a JSON array.
-QString contactsStatement(InboxFilter filter, qint64 nowMs)
+/// Of `contacts`, those alone who are named in a JSON array.
+QString namedPeople(InboxFilter filter, qint64 nowMs)
 {
-    QString sql = contactColumns + QStringLiteral("(? = '' OR c.account_id = ?) AND c.") + archivedCondition(filter)
+    QString sql = ofWorkspace + QStringLiteral("(? = '' OR c.account_id = ?) AND c.") + archivedCondition(filter)
         + QStringLiteral(" AND ct.id IN (SELECT value FROM json_each(?))\nGROUP BY ct.id ");
     if (filter == InboxFilter::NeedsMe)
         sql += QStringLiteral("HAVING SUM(c.unread) > 0");
@@ -88,42 +110,25 @@ QString contactsStatement(InboxFilter filter, qint64 nowMs)
     return sql + QStringLiteral("\nORDER BY MAX(c.last_ts) DESC, ct.id LIMIT ?;");
 }
 
-ContactRow contactRow(const SqlRow& row)
-{
-    return ContactRow {
-        .id = row.text(0),
-        .name = row.text(1),
-        .platforms = row.text(2).split(u',', Qt::SkipEmptyParts),
-        .snippet = row.text(3),
-        .lastTs = row.integer(4),
-        .unread = static_cast<int>(row.integer(5)),
-        .account = row.text(6),
-        .isGroup = row.integer(7) != 0,
-        .avatarPath = row.text(8),
-        .isMuted = row.integer(9) != 0,
-    };
-}
-
 }
 
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit)
 {
     const QString workspace = activeWorkspaceId(db);
     const QStringList people = newestPeople(db, filter, workspace, account, limit);
-    return db.rows(
-        contactsStatement(filter, db.nowMs()), { workspace, account, account, jsonString(people), limit }, contactRow);
+    return contacts.rows(
+        db, namedPeople(filter, db.nowMs()), { workspace, account, account, jsonString(people), limit });
 }
 
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QStringList& contactIds)
 {
-    return db.rows(contactsStatement(filter, db.nowMs()),
-        { activeWorkspaceId(db), QString(), QString(), jsonString(contactIds), contactIds.size() }, contactRow);
+    return contacts.rows(db, namedPeople(filter, db.nowMs()),
+        { activeWorkspaceId(db), QString(), QString(), jsonString(contactIds), contactIds.size() });
 }
 
 std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId)
 {
-    return db.firstRow(
-        contactColumns + QStringLiteral("ct.id=?\nGROUP BY ct.id;"), { activeWorkspaceId(db), contactId }, contactRow);
+    return contacts.first(db, ofWorkspace + u"ct.id=?\nGROUP BY ct.id;"_s, { activeWorkspaceId(db), contactId });
 }
 
 CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& contactIds)
@@ -168,20 +173,14 @@ JOIN unified_conversation c ON c.id=l.conversation_id;)")
 QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit)
 {
     const QString pattern = u'%' + query + u'%';
-    return db.rows(R"(SELECT m.id, cc.contact_id, COALESCE(ct.display_name, cc.contact_id), cc.channel,
-       COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts, m.direction, COALESCE(ct.avatar_path,'')
-FROM unified_message m
-JOIN unified_conversation cc ON m.conversation_id=cc.id
+    return hits.rows(db, R"(JOIN unified_conversation cc ON m.conversation_id=cc.id
 LEFT JOIN contact ct ON ct.id=cc.contact_id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL
   AND (m.body LIKE ? OR at.transcript LIKE ?)
   AND COALESCE(NULLIF(m.body,''), at.transcript, '') != ''
 ORDER BY m.ts DESC LIMIT ?;)",
-        { pattern, pattern, limit }, [](const SqlRow& row) {
-            return MessageHit { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5),
-                row.text(6), row.text(7) };
-        });
+        { pattern, pattern, limit });
 }
 
 std::optional<int> unreadOf(LocalDB& db, const QString& contactId)

@@ -1,44 +1,40 @@
 #include "Store/Messages/ThreadQueries.h"
 
+#include "Store/Core/Table.h"
+
 #include <algorithm>
 
 namespace corvane {
 
 namespace {
 
+const Table<UnifiedMsgRow> messages("unified_message m",
+    {
+        { "m.id", &UnifiedMsgRow::id },
+        { "m.direction", &UnifiedMsgRow::direction },
+        { "m.body", &UnifiedMsgRow::body, "''" },
+        { "cc.channel", &UnifiedMsgRow::platform },
+        { "cc.account_id", &UnifiedMsgRow::accountId },
+        { "cc.external_id", &UnifiedMsgRow::externalId },
+        { "m.provider_msg_id", &UnifiedMsgRow::providerMsgId, "''" },
+        { "m.ts", &UnifiedMsgRow::ts },
+        { "m.media_type", &UnifiedMsgRow::mediaType },
+        { "m.media_path", &UnifiedMsgRow::mediaPath },
+        { "m.sender", &UnifiedMsgRow::sender, "''" },
+        { "m.status", &UnifiedMsgRow::status, "0" },
+        { "m.reaction", &UnifiedMsgRow::reaction, "''" },
+        { "at.transcript", &UnifiedMsgRow::audioTranscript },
+    });
+
 // Each conversation gives at most a page, found in the index alone, so that a page costs the same wherever it stands
 // and however long the thread is. The plus keeps SQLite from walking whole conversations instead.
-const char* const pageStatement
-    = R"(SELECT m.id, m.direction, COALESCE(m.body,''), cc.channel, cc.account_id, cc.external_id,
-       COALESCE(m.provider_msg_id,''), m.ts, m.media_type, m.media_path, COALESCE(m.sender,''),
-       COALESCE(m.status,0), COALESCE(m.reaction,''), at.transcript
-FROM unified_message m JOIN unified_conversation cc ON +m.conversation_id=cc.id
+const QString page = QStringLiteral(R"(JOIN unified_conversation cc ON +m.conversation_id=cc.id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE cc.contact_id=? AND +m.deleted_at IS NULL AND m.rowid IN (
   SELECT p.rowid FROM unified_message p WHERE p.conversation_id=cc.id AND p.deleted_at IS NULL
     AND (p.ts, p.rowid) %1 (?, COALESCE((SELECT rowid FROM unified_message WHERE id=?), 0))
   ORDER BY p.ts %2, p.rowid %2 LIMIT ?)
-ORDER BY m.ts %2, m.rowid %2 LIMIT ?;)";
-
-UnifiedMsgRow messageRow(const SqlRow& row)
-{
-    return UnifiedMsgRow {
-        .id = row.text(0),
-        .direction = row.text(1),
-        .body = row.text(2),
-        .platform = row.text(3),
-        .accountId = row.text(4),
-        .externalId = row.text(5),
-        .providerMsgId = row.text(6),
-        .ts = row.integer(7),
-        .mediaType = row.optionalText(8),
-        .mediaPath = row.optionalText(9),
-        .sender = row.text(10),
-        .status = static_cast<int>(row.integer(11)),
-        .reaction = row.text(12),
-        .audioTranscript = row.optionalText(13),
-    };
-}
+ORDER BY m.ts %2, m.rowid %2 LIMIT ?;)");
 
 }
 
@@ -46,14 +42,12 @@ QList<UnifiedMsgRow> fetchThreadPage(
     LocalDB& db, const QString& contactId, Towards towards, const ThreadPlace& from, int limit)
 {
     const bool older = towards == Towards::Older;
-    const QString sql = QString::fromLatin1(pageStatement)
-                            .arg(older ? QStringLiteral("<") : QStringLiteral(">"),
-                                older ? QStringLiteral("DESC") : QStringLiteral("ASC"));
-    QList<UnifiedMsgRow> page
-        = db.rows(sql, { effectiveContactId(db, contactId), from.ts, from.messageId, limit, limit }, messageRow);
+    const QString which = older ? page.arg(u"<", u"DESC") : page.arg(u">", u"ASC");
+    QList<UnifiedMsgRow> found
+        = messages.rows(db, which, { effectiveContactId(db, contactId), from.ts, from.messageId, limit, limit });
     if (older)
-        std::ranges::reverse(page);
-    return page;
+        std::ranges::reverse(found);
+    return found;
 }
 
 QList<UnifiedMsgRow> fetchUnifiedThread(LocalDB& db, const QString& contactId, int limit)

@@ -1,5 +1,6 @@
 #include "Store/People/ContactInfo.h"
 
+#include "Store/Core/Table.h"
 #include "Store/People/CrmRecords.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -10,6 +11,37 @@ namespace corvane {
 namespace {
 
 const QString memoryTable = QStringLiteral("work_memory_entries");
+
+const Table<ActivityRow> messages("unified_message m",
+    {
+        { "m.id", &ActivityRow::id },
+        { "cc.channel", &ActivityRow::channel },
+        { "m.direction", &ActivityRow::direction },
+        { "COALESCE(NULLIF(m.body,''), at.transcript, '')", &ActivityRow::text },
+        { "m.ts", &ActivityRow::ts },
+    });
+
+const Table<ActivityRow> notes("contact_note",
+    {
+        { "id", &ActivityRow::id },
+        { "body", &ActivityRow::text },
+        { "ts", &ActivityRow::ts },
+    });
+
+const Table<ActivityRow> calls("call_recording",
+    {
+        { "id", &ActivityRow::id },
+        { "NULLIF(title,'')", &ActivityRow::text, "'Call recording'" },
+        { "processing_status", &ActivityRow::processingStatus, "''" },
+        { "started_at", &ActivityRow::ts },
+    });
+
+QList<ActivityRow> ofKind(ActivityRow::Kind kind, QList<ActivityRow> rows)
+{
+    for (ActivityRow& row : rows)
+        row.kind = kind;
+    return rows;
+}
 
 void tidy(QStringList& values)
 {
@@ -44,11 +76,7 @@ ContactInfoRow fetchContactInfo(LocalDB& db, const QString& contactId)
 
 QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, int limit)
 {
-    using Kind = ActivityRow::Kind;
-    QList<ActivityRow> rows
-        = db.rows(R"(SELECT m.id, cc.channel, m.direction, COALESCE(NULLIF(m.body,''), at.transcript, ''), m.ts
-FROM unified_message m
-JOIN unified_conversation cc ON +m.conversation_id=cc.id
+    QList<ActivityRow> rows = messages.rows(db, R"(JOIN unified_conversation cc ON +m.conversation_id=cc.id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE cc.contact_id=? AND cc.deleted_at IS NULL AND +m.deleted_at IS NULL AND m.rowid IN (
   SELECT p.rowid FROM unified_message p LEFT JOIN audio_transcript pt ON pt.message_id=p.id
@@ -56,23 +84,13 @@ WHERE cc.contact_id=? AND cc.deleted_at IS NULL AND +m.deleted_at IS NULL AND m.
     AND COALESCE(NULLIF(p.body,''), pt.transcript, '') != ''
   ORDER BY p.ts DESC, p.rowid DESC LIMIT ?)
 ORDER BY m.ts DESC, m.rowid DESC LIMIT ?;)",
-            { contactId, limit, limit }, [](const SqlRow& row) {
-                return ActivityRow { Kind::Message, row.text(0), row.text(1), row.text(2), row.text(3), {},
-                    row.integer(4) };
-            });
-    rows += db.rows(
-        "SELECT id, body, ts FROM contact_note WHERE contact_id=? AND deleted_at IS NULL ORDER BY ts DESC LIMIT ?;",
-        { contactId, limit }, [](const SqlRow& row) {
-            return ActivityRow { Kind::Note, row.text(0), {}, {}, row.text(1), {}, row.integer(2) };
-        });
-    rows
-        += db.rows(R"(SELECT id, COALESCE(NULLIF(title,''),'Call recording'), COALESCE(processing_status,''), started_at
-FROM call_recording
-WHERE contact_id=? AND deleted_at IS NULL
+        { contactId, limit, limit });
+    rows += ofKind(ActivityRow::Kind::Note,
+        notes.rows(db, "WHERE contact_id=? AND deleted_at IS NULL ORDER BY ts DESC LIMIT ?;", { contactId, limit }));
+    rows += ofKind(ActivityRow::Kind::Call,
+        calls.rows(db, R"(WHERE contact_id=? AND deleted_at IS NULL
 ORDER BY started_at DESC LIMIT ?;)",
-            { contactId, limit }, [](const SqlRow& row) {
-                return ActivityRow { Kind::Call, row.text(0), {}, {}, row.text(1), row.text(2), row.integer(3) };
-            });
+            { contactId, limit }));
     std::ranges::sort(rows, std::ranges::greater(), &ActivityRow::ts);
     return rows.first(std::min<qsizetype>(rows.size(), limit));
 }

@@ -1,6 +1,7 @@
 #include "Store/People/CrmRecords.h"
 
 #include "Foundation/Ids.h"
+#include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmQueue.h"
 
@@ -14,6 +15,71 @@ namespace {
 const QString origin = QStringLiteral("native-ui");
 const QString create = QStringLiteral("create");
 const QString unstaged = QStringLiteral("Unstaged");
+
+const Table<CRMTaskRow> tasks("crm_task",
+    {
+        { "id", &CRMTaskRow::id },
+        { "title", &CRMTaskRow::title },
+        { "due", &CRMTaskRow::due, "''" },
+        { "priority", &CRMTaskRow::priority, "''" },
+        { "status", &CRMTaskRow::status },
+        { "updated_at", &CRMTaskRow::updatedAt },
+    });
+
+const Table<NewTask> newTasks("crm_task",
+    {
+        { "id" },
+        { "workspace_id" },
+        { "title", &NewTask::title },
+        { "due", &NewTask::due },
+        { "priority", &NewTask::priority },
+        { "status", &NewTask::status },
+        { "updated_at" },
+    });
+
+const Table<NewTask> newTasksOfContact("crm_task",
+    {
+        { "id" },
+        { "workspace_id" },
+        { "contact_id" },
+        { "title", &NewTask::title },
+        { "due", &NewTask::due },
+        { "priority", &NewTask::priority },
+        { "status", &NewTask::status },
+        { "updated_at" },
+    });
+
+const Table<CRMDealRow> deals("crm_deal",
+    {
+        { "id", &CRMDealRow::id },
+        { "name", &CRMDealRow::name },
+        { "stage", &CRMDealRow::stage, "''" },
+        { "value", &CRMDealRow::value, "''" },
+        { "company", &CRMDealRow::company, "''" },
+        { "updated_at", &CRMDealRow::updatedAt },
+    });
+
+const Table<NewDeal> newDeals("crm_deal",
+    {
+        { "id" },
+        { "workspace_id" },
+        { "contact_id" },
+        { "name", &NewDeal::name },
+        { "company", &NewDeal::company },
+        { "stage", &NewDeal::stage },
+        { "value", &NewDeal::value },
+        { "close_date", &NewDeal::closeDate },
+        { "updated_at" },
+    });
+
+const Table<PipelineDeal> pipelineDeals("crm_deal",
+    {
+        { "name", &PipelineDeal::name },
+        { "company", &PipelineDeal::company, "''" },
+        { "stage", &PipelineDeal::stage, "''" },
+        { "value", &PipelineDeal::value, "''" },
+        { "close_date", &PipelineDeal::closeDate, "''" },
+    });
 
 /// A note's id names its millisecond and contact; a second note within it takes the next one that is free.
 QString freeNoteId(LocalDB& db, const QString& contactId)
@@ -68,24 +134,17 @@ VALUES(?,?,?,?,?,?);)",
 
 QList<CRMTaskRow> fetchContactTasks(LocalDB& db, const QString& contactId, DoneTasks done, int limit)
 {
-    return db.rows(R"(SELECT id, title, COALESCE(due,''), COALESCE(priority,''), status, updated_at
-FROM crm_task
-WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
+    return tasks.rows(db, R"(WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
   AND (?=1 OR lower(status) NOT IN ('done','completed','closed'))
 ORDER BY updated_at DESC LIMIT ?;)",
-        { activeWorkspaceId(db), contactId, done == DoneTasks::Include ? 1 : 0, limit }, [](const SqlRow& row) {
-            return CRMTaskRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5) };
-        });
+        { activeWorkspaceId(db), contactId, done == DoneTasks::Include ? 1 : 0, limit });
 }
 
 std::optional<QString> insertCRMTask(LocalDB& db, const NewTask& task)
 {
     const qint64 now = db.nowMs();
     const QString id = stampedId(QStringLiteral("tk"), now);
-    const bool added
-        = db.run("INSERT INTO crm_task(id,workspace_id,title,due,priority,status,updated_at) VALUES(?,?,?,?,?,?,?);",
-            { id, activeWorkspaceId(db), task.title, task.due, task.priority, task.status, now });
-    if (!added)
+    if (!newTasks.insert(db, task, { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "updated_at", now } }))
         return std::nullopt;
     recordCRMMutation(db, QStringLiteral("task"), id, create, origin, payloadOf(task));
     return id;
@@ -95,10 +154,9 @@ std::optional<QString> insertCRMTask(LocalDB& db, const QString& contactId, cons
 {
     const qint64 now = db.nowMs();
     const QString id = stampedId(QStringLiteral("tk"), now);
-    const bool added = db.run(R"(INSERT INTO crm_task(id,workspace_id,contact_id,title,due,priority,status,updated_at)
-VALUES(?,?,?,?,?,?,?,?);)",
-        { id, activeWorkspaceId(db), contactId, task.title, task.due, task.priority, task.status, now });
-    if (!added)
+    if (!newTasksOfContact.insert(db, task,
+            { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "contact_id", contactId },
+                { "updated_at", now } }))
         return std::nullopt;
     QJsonObject payload = payloadOf(task);
     payload.insert(QStringLiteral("contact_id"), contactId);
@@ -128,24 +186,18 @@ bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status)
 
 QList<CRMDealRow> fetchContactDeals(LocalDB& db, const QString& contactId, int limit)
 {
-    return db.rows(R"(SELECT id, name, COALESCE(stage,''), COALESCE(value,''), COALESCE(company,''), updated_at
-FROM crm_deal
-WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
+    return deals.rows(db, R"(WHERE workspace_id=? AND deleted_at IS NULL AND contact_id=?
 ORDER BY updated_at DESC LIMIT ?;)",
-        { activeWorkspaceId(db), contactId, limit }, [](const SqlRow& row) {
-            return CRMDealRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.integer(5) };
-        });
+        { activeWorkspaceId(db), contactId, limit });
 }
 
 std::optional<QString> insertCRMDeal(LocalDB& db, const QString& contactId, const NewDeal& deal)
 {
     const qint64 now = db.nowMs();
     const QString id = stampedId(QStringLiteral("dl"), now);
-    const bool added = db.run(
-        R"(INSERT INTO crm_deal(id,workspace_id,contact_id,name,company,stage,value,close_date,updated_at)
-VALUES(?,?,?,?,?,?,?,?,?);)",
-        { id, activeWorkspaceId(db), contactId, deal.name, deal.company, deal.stage, deal.value, deal.closeDate, now });
-    if (!added)
+    if (!newDeals.insert(db, deal,
+            { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "contact_id", contactId },
+                { "updated_at", now } }))
         return std::nullopt;
     recordCRMMutation(db, QStringLiteral("deal"), id, create, origin,
         { { QStringLiteral("contact_id"), contactId }, { QStringLiteral("name"), deal.name },
@@ -168,11 +220,8 @@ bool moveCRMDeal(LocalDB& db, const QString& id, const QString& stage)
 
 QList<PipelineDeal> fetchCRMDeals(LocalDB& db)
 {
-    return db.rows("SELECT name, COALESCE(company,''), COALESCE(stage,''), COALESCE(value,''), COALESCE(close_date,'') "
-                   "FROM crm_deal WHERE workspace_id=? AND deleted_at IS NULL ORDER BY updated_at DESC;",
-        { activeWorkspaceId(db) }, [](const SqlRow& row) {
-            return PipelineDeal { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4) };
-        });
+    return pipelineDeals.rows(
+        db, "WHERE workspace_id=? AND deleted_at IS NULL ORDER BY updated_at DESC;", { activeWorkspaceId(db) });
 }
 
 QStringList pipelineStages()

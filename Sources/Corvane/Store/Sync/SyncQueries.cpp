@@ -1,20 +1,31 @@
 #include "Store/Sync/SyncQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
 namespace corvane {
 
+namespace {
+
+const Table<SyncHealthRow> health("sync_health",
+    {
+        { "source", &SyncHealthRow::source },
+        { "status", &SyncHealthRow::status },
+        { "last_started_at", &SyncHealthRow::lastStartedAt },
+        { "last_finished_at", &SyncHealthRow::lastFinishedAt },
+        { "cursor", &SyncHealthRow::cursor },
+        { "counts_json", &SyncHealthRow::countsJson },
+        { "last_error", &SyncHealthRow::lastError, "''" },
+    });
+
+}
+
 QList<SyncHealthRow> fetchSyncHealthRows(LocalDB& db)
 {
-    return db.rows(R"(SELECT source, status, last_started_at, last_finished_at, cursor, counts_json,
-       COALESCE(last_error,'')
-FROM sync_health
-ORDER BY CASE source WHEN 'bootstrap' THEN 0 WHEN 'inbox' THEN 1 WHEN 'outbound_drafts' THEN 2 WHEN 'crm' THEN 3 WHEN 'corvane_ingest' THEN 4 ELSE 9 END;)",
-        {}, [](const SqlRow& row) {
-            return SyncHealthRow { row.text(0), row.text(1), row.optionalInteger(2), row.optionalInteger(3),
-                row.integer(4), row.text(5), row.text(6) };
-        });
+    return health.rows(db, R"(ORDER BY CASE source WHEN 'bootstrap' THEN 0 WHEN 'inbox' THEN 1
+  WHEN 'outbound_drafts' THEN 2 WHEN 'crm' THEN 3 WHEN 'corvane_ingest' THEN 4 ELSE 9 END;)",
+        {});
 }
 
 QString queueWebPullSync(LocalDB& db, const QString& source)

@@ -1,10 +1,31 @@
 #include "Store/Work/DigestQueries.h"
 
+#include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
 #include <algorithm>
 
 namespace corvane {
+
+namespace {
+
+// The few rows first, and only then what each of them says.
+const Table<InboxGlanceRow> glance(R"((SELECT * FROM unified_conversation c
+   WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL
+   ORDER BY (c.unread > 0) DESC, c.last_ts DESC LIMIT ?) c)",
+    {
+        { "c.id", &InboxGlanceRow::conversationId },
+        { "c.contact_id", &InboxGlanceRow::contactId, "''" },
+        { "COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, c.id)", &InboxGlanceRow::title },
+        { "c.channel", &InboxGlanceRow::channel },
+        { R"((SELECT m.body FROM unified_message m
+     WHERE m.conversation_id=c.id AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1))",
+            &InboxGlanceRow::snippet, "''" },
+        { "c.unread", &InboxGlanceRow::unread },
+        { "c.last_ts", &InboxGlanceRow::lastTs },
+    });
+
+}
 
 TodayDigest todayDigest(LocalDB& db, qint64 dayStartMs, qint64 dayEndMs, const QString& dayStartISO)
 {
@@ -34,21 +55,9 @@ bool hasCalendar(LocalDB& db)
 
 QList<InboxGlanceRow> fetchInboxGlance(LocalDB& db, int limit)
 {
-    // The few rows first, and only then what each of them says.
-    return db.rows(R"(SELECT c.id, COALESCE(c.contact_id,''),
-  COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, c.id), c.channel,
-  COALESCE((SELECT m.body FROM unified_message m
-     WHERE m.conversation_id=c.id AND m.deleted_at IS NULL ORDER BY m.ts DESC LIMIT 1), ''),
-  c.unread, c.last_ts
-FROM (SELECT * FROM unified_conversation c
-   WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL
-   ORDER BY (c.unread > 0) DESC, c.last_ts DESC LIMIT ?) c
-LEFT JOIN contact ct ON ct.id=c.contact_id AND ct.deleted_at IS NULL
+    return glance.rows(db, R"(LEFT JOIN contact ct ON ct.id=c.contact_id AND ct.deleted_at IS NULL
 ORDER BY (c.unread > 0) DESC, c.last_ts DESC;)",
-        { activeWorkspaceId(db), limit }, [](const SqlRow& row) {
-            return InboxGlanceRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4),
-                static_cast<int>(row.integer(5)), row.integer(6) };
-        });
+        { activeWorkspaceId(db), limit });
 }
 
 }

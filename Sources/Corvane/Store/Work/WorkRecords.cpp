@@ -1,169 +1,108 @@
 #include "Store/Work/WorkRecords.h"
 
+#include "Store/Work/WorkTables.h"
+
+using namespace Qt::StringLiterals;
+
 namespace corvane {
 
 namespace {
 
-const QString byRisk = QStringLiteral(
-    "ORDER BY CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 ELSE 4 "
-    "END, updated_at DESC");
-const QString lastChangedFirst = QStringLiteral("ORDER BY updated_at DESC");
-
-const QString decisionTable = QStringLiteral("work_decision");
-const QString decisionColumns = QStringLiteral("SELECT id, COALESCE(context_id,''), module, title, status, proposal, "
-                                               "rationale, risk, decided_by, updated_at\nFROM work_decision\n");
-const QString agentTable = QStringLiteral("work_agent");
-const QString agentColumns = QStringLiteral("SELECT id, COALESCE(context_id,''), module, name, tool, role, status, "
-                                            "COALESCE(current_task,''), COALESCE(heartbeat_at,'')\nFROM work_agent\n");
+const QString byRisk
+    = u"ORDER BY CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 "
+      "ELSE 4 END, updated_at DESC\nLIMIT ?;"_s;
+const QString lastChangedFirst = u"ORDER BY updated_at DESC\nLIMIT ?;"_s;
 
 /// What every list here is: rows of a table that may not be there.
-template <typename Read>
-auto guardedRows(LocalDB& db, const QString& table, const QString& sql, const QList<SqlValue>& parameters, Read read)
+template <typename Row>
+QList<Row> guardedRows(LocalDB& db, const Table<Row>& table, const QString& rest, const QList<SqlValue>& parameters)
 {
-    return db.tableExists(table) ? db.rows(sql, parameters, read) : decltype(db.rows(sql, parameters, read)) {};
+    return db.tableExists(table.name()) ? table.rows(db, rest, parameters) : QList<Row>();
 }
 
 /// The rows of a module, in one of its contexts or in all.
-template <typename Read>
-auto moduleRows(LocalDB& db, const QString& table, const QString& columns, const QString& order, const QString& module,
-    const WorkContextId& context, int limit, Read read)
+template <typename Row>
+QList<Row> moduleRows(LocalDB& db, const Table<Row>& table, const QString& order, const QString& module,
+    const WorkContextId& context, int limit)
 {
-    return guardedRows(db, table,
-        columns + QStringLiteral("WHERE module=? AND (? IS NULL OR context_id=?)\n") + order
-            + QStringLiteral("\nLIMIT ?;"),
-        { module, context, context, limit }, read);
-}
-
-WorkDecisionRecord decisionFrom(const SqlRow& row)
-{
-    return { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6), row.text(7),
-        row.text(8), row.text(9) };
-}
-
-WorkAgentRecord agentFrom(const SqlRow& row)
-{
-    return { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5), row.text(6), row.text(7),
-        row.text(8) };
+    return guardedRows(
+        db, table, u"WHERE module=? AND (? IS NULL OR context_id=?)\n"_s + order, { module, context, context, limit });
 }
 
 /// A join that counts a context's rows in another table as `{alias}.n`; a table that is missing has none.
 QString joinedCount(LocalDB& db, const QString& alias, const QString& table, const QString& which)
 {
     const QString counted = db.tableExists(table)
-        ? QStringLiteral("SELECT context_id, COUNT(*) AS n FROM %1 WHERE %2 GROUP BY context_id").arg(table, which)
-        : QStringLiteral("SELECT NULL AS context_id, 0 AS n");
-    return QStringLiteral("LEFT JOIN (%1) %2 ON %2.context_id=c.id\n").arg(counted, alias);
+        ? u"SELECT context_id, COUNT(*) AS n FROM %1 WHERE %2 GROUP BY context_id"_s.arg(table, which)
+        : u"SELECT NULL AS context_id, 0 AS n"_s;
+    return u"LEFT JOIN (%1) %2 ON %2.context_id=c.id\n"_s.arg(counted, alias);
 }
 
 }
 
 QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit)
 {
-    const QString live = QStringLiteral("status IN ('running','live')");
-    const QString joins
-        = joinedCount(db, QStringLiteral("i"), QStringLiteral("work_item"), QStringLiteral("status IS NOT 'done'"))
-        + joinedCount(db, QStringLiteral("s"), QStringLiteral("work_session"), live)
-        + joinedCount(db, QStringLiteral("a"), agentTable, live);
-    return guardedRows(db, QStringLiteral("work_context"),
-        QStringLiteral("SELECT c.id, c.module, c.kind, c.slug, c.title, c.subtitle, c.status, c.owner, "
-                       "c.external_ref, c.updated_at, COALESCE(i.n,0), COALESCE(s.n,0), COALESCE(a.n,0)\n"
-                       "FROM work_context c\n")
-            + joins + QStringLiteral("WHERE c.module=?\nORDER BY c.updated_at DESC\nLIMIT ?;"),
-        { module, limit }, [](const SqlRow& row) {
-            return WorkContextRow { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7), row.text(8), row.text(9), static_cast<int>(row.integer(10)),
-                static_cast<int>(row.integer(11)), static_cast<int>(row.integer(12)) };
-        });
+    const QString live = u"status IN ('running','live')"_s;
+    const QString joins = joinedCount(db, u"i"_s, u"work_item"_s, u"status IS NOT 'done'"_s)
+        + joinedCount(db, u"s"_s, u"work_session"_s, live) + joinedCount(db, u"a"_s, u"work_agent"_s, live);
+    return guardedRows(
+        db, workContexts, joins + u"WHERE c.module=?\nORDER BY c.updated_at DESC\nLIMIT ?;"_s, { module, limit });
 }
 
 QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, QStringLiteral("work_item"),
-        QStringLiteral("SELECT id, COALESCE(context_id,''), module, kind, title, status, priority, owner, source, "
-                       "summary, updated_at\nFROM work_item\n"),
-        QStringLiteral("ORDER BY CASE priority WHEN 'high' THEN 0 WHEN 'normal' THEN 1 ELSE 2 END, updated_at DESC"),
-        module, context, limit, [](const SqlRow& row) {
-            return WorkItemRecord { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7), row.text(8), row.text(9), row.text(10) };
-        });
+    return moduleRows(db, workItems,
+        u"ORDER BY CASE priority WHEN 'high' THEN 0 WHEN 'normal' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s,
+        module, context, limit);
 }
 
 QList<WorkDecisionRecord> fetchWorkDecisions(
     LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, decisionTable, decisionColumns, byRisk, module, context, limit, decisionFrom);
+    return moduleRows(db, workDecisions, byRisk, module, context, limit);
 }
 
 QList<WorkDecisionRecord> fetchPendingWorkDecisions(LocalDB& db, int limit)
 {
-    return guardedRows(db, decisionTable,
-        decisionColumns + QStringLiteral("WHERE status='proposed'\n") + byRisk + QStringLiteral("\nLIMIT ?;"),
-        { limit }, decisionFrom);
+    return guardedRows(db, workDecisions, u"WHERE status='proposed'\n"_s + byRisk, { limit });
 }
 
 std::optional<WorkDecisionRecord> fetchWorkDecision(LocalDB& db, const QString& id)
 {
-    const auto found
-        = guardedRows(db, decisionTable, decisionColumns + QStringLiteral("WHERE id=?;"), { id }, decisionFrom);
-    return found.isEmpty() ? std::nullopt : std::optional(found.first());
+    return db.tableExists(workDecisions.name()) ? workDecisions.first(db, u"WHERE id=?;"_s, { id }) : std::nullopt;
 }
 
 QList<WorkEvidenceRecord> fetchWorkEvidence(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, QStringLiteral("work_evidence"),
-        QStringLiteral("SELECT id, COALESCE(context_id,''), module, kind, title, source, uri, summary, created_at\n"
-                       "FROM work_evidence\n"),
-        QStringLiteral("ORDER BY created_at DESC"), module, context, limit, [](const SqlRow& row) {
-            return WorkEvidenceRecord { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7), row.text(8) };
-        });
+    return moduleRows(db, workEvidence, u"ORDER BY created_at DESC\nLIMIT ?;"_s, module, context, limit);
 }
 
 QList<WorkMessageRecord> fetchWorkMessages(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, QStringLiteral("work_message"),
-        QStringLiteral("SELECT id, COALESCE(context_id,''), module, speaker, role, kind, body, status, created_at\n"
-                       "FROM work_message\n"),
-        QStringLiteral("ORDER BY created_at ASC"), module, context, limit, [](const SqlRow& row) {
-            return WorkMessageRecord { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7), row.text(8) };
-        });
+    return moduleRows(db, workMessages, u"ORDER BY created_at ASC\nLIMIT ?;"_s, module, context, limit);
 }
 
 QList<WorkSessionRecord> fetchWorkSessions(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, QStringLiteral("work_session"),
-        QStringLiteral("SELECT id, COALESCE(context_id,''), module, purpose, owner, tool, status, heartbeat_at\n"
-                       "FROM work_session\n"),
-        lastChangedFirst, module, context, limit, [](const SqlRow& row) {
-            return WorkSessionRecord { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7) };
-        });
+    return moduleRows(db, workSessions, lastChangedFirst, module, context, limit);
 }
 
 QList<WorkAgentRecord> fetchWorkAgents(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, agentTable, agentColumns, lastChangedFirst, module, context, limit, agentFrom);
+    return moduleRows(db, workAgents, lastChangedFirst, module, context, limit);
 }
 
 QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit)
 {
-    return guardedRows(db, agentTable,
-        agentColumns + QStringLiteral("ORDER BY (status IN ('live','running')) DESC, heartbeat_at DESC\nLIMIT ?;"),
-        { limit }, agentFrom);
+    return guardedRows(
+        db, workAgents, u"ORDER BY (status IN ('live','running')) DESC, heartbeat_at DESC\nLIMIT ?;"_s, { limit });
 }
 
 QList<WorkMemoryRecord> fetchWorkMemory(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, QStringLiteral("work_memory"),
-        QStringLiteral("SELECT id, COALESCE(context_id,''), module, kind, body, source, confidence, status, owner, "
-                       "updated_at\nFROM work_memory\n"),
-        QStringLiteral("ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, "
-                       "updated_at DESC"),
-        module, context, limit, [](const SqlRow& row) {
-            return WorkMemoryRecord { row.text(0), row.text(1), row.text(2), row.text(3), row.text(4), row.text(5),
-                row.text(6), row.text(7), row.text(8), row.text(9) };
-        });
+    return moduleRows(db, workMemory,
+        u"ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s,
+        module, context, limit);
 }
 
 }

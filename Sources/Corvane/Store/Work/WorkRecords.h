@@ -17,8 +17,8 @@ struct WorkContextRow {
     QString subtitle;
     QString status;
     QString owner;
-    QString externalRef;
-    QString updatedAt;
+    QString externalRef = {};
+    QString updatedAt = {};
     int openItems = 0; ///< all that are not "done"
     int liveSessions = 0;
     int liveAgents = 0;
@@ -28,7 +28,7 @@ struct WorkContextRow {
 
 struct WorkItemRecord {
     QString id;
-    QString contextId; ///< empty where there is none, as in the records below
+    QString contextId = {}; ///< empty where there is none, as in the records below
     QString module;
     QString kind;
     QString title;
@@ -37,7 +37,7 @@ struct WorkItemRecord {
     QString owner;
     QString source;
     QString summary;
-    QString updatedAt;
+    QString updatedAt = {};
 
     bool operator==(const WorkItemRecord&) const = default;
 };
@@ -45,50 +45,50 @@ struct WorkItemRecord {
 /// An action that is held for a person.
 struct WorkDecisionRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString title;
     QString status; ///< "proposed" while it waits
     QString proposal;
     QString rationale;
     QString risk; ///< "money", "credential", "external", "high", or anything else
-    QString decidedBy;
-    QString updatedAt;
+    QString decidedBy = {};
+    QString updatedAt = {};
 
     bool operator==(const WorkDecisionRecord&) const = default;
 };
 
 struct WorkEvidenceRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString kind;
     QString title;
     QString source;
     QString uri;
     QString summary;
-    QString createdAt;
+    QString createdAt = {};
 
     bool operator==(const WorkEvidenceRecord&) const = default;
 };
 
 struct WorkMessageRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString speaker;
     QString role;
     QString kind;
     QString body;
     QString status;
-    QString createdAt;
+    QString createdAt = {};
 
     bool operator==(const WorkMessageRecord&) const = default;
 };
 
 struct WorkSessionRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString purpose;
     QString owner;
@@ -101,7 +101,7 @@ struct WorkSessionRecord {
 
 struct WorkAgentRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString name;
     QString tool;
@@ -115,15 +115,15 @@ struct WorkAgentRecord {
 
 struct WorkMemoryRecord {
     QString id;
-    QString contextId;
+    QString contextId = {};
     QString module;
     QString kind;
     QString body;
     QString source;
     QString confidence;
-    QString status;
+    QString status = {};
     QString owner;
-    QString updatedAt;
+    QString updatedAt = {};
 
     bool operator==(const WorkMemoryRecord&) const = default;
 };

@@ -1,20 +1,23 @@
 #include "Store/Work/WorkWrites.h"
 
 #include "Foundation/Ids.h"
+#include "Store/Work/WorkTables.h"
 
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 namespace corvane {
 
 namespace {
 
-const QString noMetadata = QStringLiteral("{}");
+const QString noMetadata = u"{}"_s;
 const QString none = QLatin1String("");
 
 /// "{prefix}:native:{uuid}": a row that this program wrote.
 QString nativeId(const QString& prefix)
 {
-    return prefix + QStringLiteral(":native:") + uuidText();
+    return prefix + u":native:"_s + uuidText();
 }
 
 /// One statement on a table that may not be there.
@@ -26,15 +29,18 @@ bool runOn(LocalDB& db, const QString& table, const QString& sql, const QList<Sq
 void touchWorkContext(LocalDB& db, const WorkContextId& id, const QString& at)
 {
     if (id)
-        runOn(db, QStringLiteral("work_context"), QStringLiteral("UPDATE work_context SET updated_at=? WHERE id=?;"),
-            { at, *id });
+        runOn(db, u"work_context"_s, u"UPDATE work_context SET updated_at=? WHERE id=?;"_s, { at, *id });
 }
 
 /// A new row, and the sign of life of its context.
-bool save(LocalDB& db, const QString& table, const WorkContextId& context, const QString& now, const QString& sql,
-    const QList<SqlValue>& values)
+template <typename Row>
+bool save(LocalDB& db, const Table<Row>& table, const Row& row, const WorkContextId& context, GivenValues given,
+    const char* onConflict = "")
 {
-    if (!runOn(db, table, sql, values))
+    const QString now = isoTime(db.nowMs());
+    given += GivenValues { { "context_id", context }, { "metadata_json", noMetadata }, { "created_at", now },
+        { "updated_at", now } };
+    if (!db.tableExists(table.name()) || !table.insert(db, row, given, onConflict))
         return false;
     touchWorkContext(db, context, now);
     return true;
@@ -59,14 +65,12 @@ bool updateStatus(LocalDB& db, const QString& table, const QString& assignments,
     if (!db.tableExists(table) || id.isEmpty() || status.isEmpty())
         return false;
     const QString now = isoTime(db.nowMs());
-    const bool updated
-        = db.changedRows(QStringLiteral("UPDATE %1 SET %2, updated_at=? WHERE id=?;").arg(table, assignments),
-              QList<SqlValue> { status } + values + QList<SqlValue> { now, id })
+    const bool updated = db.changedRows(u"UPDATE %1 SET %2, updated_at=? WHERE id=?;"_s.arg(table, assignments),
+                             QList<SqlValue> { status } + values + QList<SqlValue> { now, id })
         == 1;
     if (updated)
-        runOn(db, QStringLiteral("work_context"),
-            QStringLiteral("UPDATE work_context SET updated_at=? WHERE id=(SELECT context_id FROM %1 WHERE id=?);")
-                .arg(table),
+        runOn(db, u"work_context"_s,
+            u"UPDATE work_context SET updated_at=? WHERE id=(SELECT context_id FROM %1 WHERE id=?);"_s.arg(table),
             { now, id });
     return updated;
 }
@@ -75,143 +79,151 @@ bool updateStatus(LocalDB& db, const QString& table, const QString& assignments,
 
 std::optional<WorkContextRow> upsertWorkContext(LocalDB& db, const NewWorkContext& context)
 {
-    const QString now = isoTime(db.nowMs());
-    if (!runOn(db, QStringLiteral("work_context"),
-            QStringLiteral(
-                R"(INSERT INTO work_context(id, module, kind, slug, title, subtitle, status, owner, external_ref, metadata_json, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,?,?,?,?,?)
+    const WorkContextRow row { .id = u"ctx:%1:%2"_s.arg(context.module, context.slug),
+        .module = context.module,
+        .kind = context.kind,
+        .slug = context.slug,
+        .title = context.title,
+        .subtitle = context.subtitle,
+        .status = u"active"_s,
+        .owner = context.owner };
+    const char* const replaceAllButId = R"(
 ON CONFLICT(module, slug) DO UPDATE SET kind=excluded.kind, title=excluded.title, subtitle=excluded.subtitle,
   status=excluded.status, owner=excluded.owner, external_ref=excluded.external_ref,
-  metadata_json=excluded.metadata_json, updated_at=excluded.updated_at;)"),
-            { QStringLiteral("ctx:%1:%2").arg(context.module, context.slug), context.module, context.kind, context.slug,
-                context.title, context.subtitle, QStringLiteral("active"), context.owner, none, noMetadata, now, now }))
+  metadata_json=excluded.metadata_json, updated_at=excluded.updated_at)";
+    if (!save(db, workContexts, row, {}, {}, replaceAllButId))
         return std::nullopt;
     return firstOf(fetchWorkContexts(db, context.module, 500),
-        [&](const WorkContextRow& row) { return row.slug == context.slug; });
+        [&](const WorkContextRow& saved) { return saved.slug == context.slug; });
 }
 
 std::optional<WorkItemRecord> insertWorkItem(LocalDB& db, const NewWorkItem& item)
 {
-    const QString id = nativeId(QStringLiteral("item"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_item"), item.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_item(id, context_id, module, kind, title, status, priority, owner, session_id, source, summary, due_at, metadata_json, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,?,NULL,?,?,?,?,?,?);)"),
-            { id, item.context, item.module, item.kind, item.title, QStringLiteral("open"), item.priority, item.owner,
-                item.source, item.summary, none, noMetadata, now, now }))
+    const WorkItemRecord row { .id = nativeId(u"item"_s),
+        .module = item.module,
+        .kind = item.kind,
+        .title = item.title,
+        .status = u"open"_s,
+        .priority = item.priority,
+        .owner = item.owner,
+        .source = item.source,
+        .summary = item.summary };
+    if (!save(db, workItems, row, item.context, { { "due_at", none } }))
         return std::nullopt;
-    return withId(fetchWorkItems(db, item.module, item.context, 200), id);
+    return withId(fetchWorkItems(db, item.module, item.context, 200), row.id);
 }
 
 std::optional<WorkDecisionRecord> insertWorkDecision(LocalDB& db, const NewWorkDecision& decision)
 {
-    const QString id = nativeId(QStringLiteral("dec"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_decision"), decision.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_decision(id, context_id, module, title, status, proposal, rationale, risk, decided_by, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,?,?,?,?);)"),
-            { id, decision.context, decision.module, decision.title, QStringLiteral("proposed"), decision.proposal,
-                decision.rationale, decision.risk, none, now, now }))
+    const WorkDecisionRecord row { .id = nativeId(u"dec"_s),
+        .module = decision.module,
+        .title = decision.title,
+        .status = u"proposed"_s,
+        .proposal = decision.proposal,
+        .rationale = decision.rationale,
+        .risk = decision.risk };
+    if (!save(db, workDecisions, row, decision.context, {}))
         return std::nullopt;
-    return withId(fetchWorkDecisions(db, decision.module, decision.context, 50), id);
+    return withId(fetchWorkDecisions(db, decision.module, decision.context, 50), row.id);
 }
 
 std::optional<WorkEvidenceRecord> insertWorkEvidence(LocalDB& db, const NewWorkEvidence& evidence)
 {
-    const QString id = nativeId(QStringLiteral("ev"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_evidence"), evidence.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_evidence(id, context_id, module, item_id, session_id, kind, title, source, uri, summary, metadata_json, created_at)
-VALUES(?,?,?,?,NULL,?,?,?,?,?,?,?);)"),
-            { id, evidence.context, evidence.module, evidence.itemId, evidence.kind, evidence.title, evidence.source,
-                evidence.uri, evidence.summary, noMetadata, now }))
+    const WorkEvidenceRecord row { .id = nativeId(u"ev"_s),
+        .module = evidence.module,
+        .kind = evidence.kind,
+        .title = evidence.title,
+        .source = evidence.source,
+        .uri = evidence.uri,
+        .summary = evidence.summary };
+    if (!save(db, workEvidence, row, evidence.context, { { "item_id", evidence.itemId } }))
         return std::nullopt;
-    return withId(fetchWorkEvidence(db, evidence.module, evidence.context, 200), id);
+    return withId(fetchWorkEvidence(db, evidence.module, evidence.context, 200), row.id);
 }
 
 std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMessage& message)
 {
     if (message.body.trimmed().isEmpty())
         return std::nullopt;
-    const QString id = nativeId(QStringLiteral("msg"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_message"), message.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_message(id, context_id, module, session_id, agent_id, speaker, role, kind, body, status, metadata_json, created_at)
-VALUES(?,?,?,NULL,NULL,?,?,?,?,?,?,?);)"),
-            { id, message.context, message.module, message.speaker, message.role, message.kind, message.body,
-                QStringLiteral("posted"), noMetadata, now }))
+    const WorkMessageRecord row { .id = nativeId(u"msg"_s),
+        .module = message.module,
+        .speaker = message.speaker,
+        .role = message.role,
+        .kind = message.kind,
+        .body = message.body,
+        .status = u"posted"_s };
+    if (!save(db, workMessages, row, message.context, {}))
         return std::nullopt;
-    return withId(fetchWorkMessages(db, message.module, message.context, 200), id);
+    return withId(fetchWorkMessages(db, message.module, message.context, 200), row.id);
 }
 
 std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSession& session)
 {
-    const QString id = nativeId(QStringLiteral("sess"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_session"), session.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_session(id, context_id, module, purpose, owner, tool, status, pid, cwd, endpoint, current_item_id, heartbeat_at, metadata_json, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,NULL,'',?,NULL,?,?,?,?);)"),
-            { id, session.context, session.module, session.purpose, session.owner, session.tool, session.status, none,
-                now, noMetadata, now, now }))
+    const WorkSessionRecord row { .id = nativeId(u"sess"_s),
+        .module = session.module,
+        .purpose = session.purpose,
+        .owner = session.owner,
+        .tool = session.tool,
+        .status = session.status,
+        .heartbeatAt = isoTime(db.nowMs()) };
+    if (!save(db, workSessions, row, session.context, { { "endpoint", none } }))
         return std::nullopt;
-    return withId(fetchWorkSessions(db, session.module, session.context, 50), id);
+    return withId(fetchWorkSessions(db, session.module, session.context, 50), row.id);
 }
 
 std::optional<WorkAgentRecord> upsertWorkAgent(LocalDB& db, const NewWorkAgent& agent)
 {
-    const QString now = isoTime(db.nowMs());
     const QString context = agent.context.value_or(none); // NULL never equals itself, and the key would not hold
-    if (!save(db, QStringLiteral("work_agent"), agent.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_agent(id, context_id, module, name, tool, role, status, current_task, session_id, heartbeat_at, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,?,?,?,?,?)
+    const WorkAgentRecord row { .id = nativeId(u"agent"_s),
+        .module = agent.module,
+        .name = agent.name,
+        .tool = agent.tool,
+        .role = agent.role,
+        .status = agent.status,
+        .currentTask = agent.currentTask,
+        .heartbeatAt = isoTime(db.nowMs()) };
+    const char* const keepId = R"(
 ON CONFLICT(module, context_id, name, tool) DO UPDATE SET role=excluded.role, status=excluded.status,
   current_task=excluded.current_task, session_id=excluded.session_id, heartbeat_at=excluded.heartbeat_at,
-  updated_at=excluded.updated_at;)"),
-            { nativeId(QStringLiteral("agent")), context, agent.module, agent.name, agent.tool, agent.role,
-                agent.status, agent.currentTask, agent.sessionId, now, now, now }))
+  updated_at=excluded.updated_at)";
+    if (!save(db, workAgents, row, agent.context, { { "context_id", context }, { "session_id", agent.sessionId } },
+            keepId))
         return std::nullopt;
     return firstOf(fetchWorkAgents(db, agent.module, context, 100),
-        [&](const WorkAgentRecord& row) { return row.name == agent.name && row.tool == agent.tool; });
+        [&](const WorkAgentRecord& saved) { return saved.name == agent.name && saved.tool == agent.tool; });
 }
 
 std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemory& memory)
 {
-    const QString id = nativeId(QStringLiteral("mem"));
-    const QString now = isoTime(db.nowMs());
-    if (!save(db, QStringLiteral("work_memory"), memory.context, now,
-            QStringLiteral(
-                R"(INSERT INTO work_memory(id, context_id, module, kind, body, source, confidence, status, owner, verified_at, created_at, updated_at)
-VALUES(?,?,?,?,?,?,?,'proposed',?,'',?,?);)"),
-            { id, memory.context, memory.module, memory.kind, memory.body, memory.source, memory.confidence,
-                memory.owner, now, now }))
+    const WorkMemoryRecord row { .id = nativeId(u"mem"_s),
+        .module = memory.module,
+        .kind = memory.kind,
+        .body = memory.body,
+        .source = memory.source,
+        .confidence = memory.confidence,
+        .owner = memory.owner };
+    if (!save(db, workMemory, row, memory.context, {}))
         return std::nullopt;
-    return withId(fetchWorkMemory(db, memory.module, memory.context, 200), id);
+    return withId(fetchWorkMemory(db, memory.module, memory.context, 200), row.id);
 }
 
 bool updateWorkItemStatus(LocalDB& db, const QString& id, const QString& status)
 {
-    return updateStatus(
-        db, QStringLiteral("work_item"), QStringLiteral("status=?"), {}, id.trimmed(), status.trimmed());
+    return updateStatus(db, u"work_item"_s, u"status=?"_s, {}, id.trimmed(), status.trimmed());
 }
 
 bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy)
 {
-    return updateStatus(db, QStringLiteral("work_decision"), QStringLiteral("status=?, decided_by=?"), { decidedBy },
-        id.trimmed(), status.trimmed());
+    return updateStatus(
+        db, u"work_decision"_s, u"status=?, decided_by=?"_s, { decidedBy }, id.trimmed(), status.trimmed());
 }
 
 bool updateWorkMemoryStatus(LocalDB& db, const QString& id, const QString& status, const QString& owner)
 {
     const QString word = status.trimmed();
     const QString verifiedAt = word == QLatin1String("approved") ? isoTime(db.nowMs()) : none;
-    return updateStatus(db, QStringLiteral("work_memory"), QStringLiteral("status=?, owner=?, verified_at=?"),
-        { owner, verifiedAt }, id.trimmed(), word);
+    return updateStatus(
+        db, u"work_memory"_s, u"status=?, owner=?, verified_at=?"_s, { owner, verifiedAt }, id.trimmed(), word);
 }
 
 }

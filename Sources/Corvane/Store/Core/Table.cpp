@@ -1,0 +1,81 @@
+#include "Store/Core/Table.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+TableText::TableText(const char* table, const QList<Part>& parts)
+    : m_name(QString::fromLatin1(table).section(u' ', 0, 0))
+{
+    QStringList read;
+    QStringList written;
+    QStringList values;
+    for (const Part& part : parts) {
+        const QString name = QString::fromLatin1(part.name);
+        if (part.isRead && part.forNull)
+            read.append(QStringLiteral("COALESCE(%1,%2)").arg(name, QLatin1StringView(part.forNull)));
+        else if (part.isRead)
+            read.append(name);
+        if (part.written) {
+            written.append(name.section(u'.', -1));
+            values.append(QString::fromLatin1(part.written));
+        }
+    }
+    const QString comma = QStringLiteral(", ");
+    m_select = QStringLiteral("SELECT %1\nFROM %2\n").arg(read.join(comma), QLatin1StringView(table));
+    m_insertion = QStringLiteral("INSERT INTO %1(%2)\nVALUES(%3)").arg(m_name, written.join(comma), values.join(u','));
+}
+
+bool TableText::isBound(const char* written)
+{
+    return qstrcmp(written, "?") == 0;
+}
+
+const SqlValue* TableText::find(const GivenValues& given, const char* column)
+{
+    const auto found
+        = std::ranges::find_if(given, [&](const auto& value) { return qstrcmp(value.first, column) == 0; });
+    return found == given.end() ? nullptr : &found->second;
+}
+
+void TableText::fill(QString& member, const SqlRow& row, int column)
+{
+    member = row.text(column);
+}
+
+void TableText::fill(std::optional<QString>& member, const SqlRow& row, int column)
+{
+    member = row.optionalText(column);
+}
+
+void TableText::fill(qint64& member, const SqlRow& row, int column)
+{
+    member = row.integer(column);
+}
+
+void TableText::fill(std::optional<qint64>& member, const SqlRow& row, int column)
+{
+    member = row.optionalInteger(column);
+}
+
+void TableText::fill(int& member, const SqlRow& row, int column)
+{
+    member = static_cast<int>(row.integer(column));
+}
+
+void TableText::fill(bool& member, const SqlRow& row, int column)
+{
+    member = row.integer(column) != 0;
+}
+
+void TableText::fill(double& member, const SqlRow& row, int column)
+{
+    member = row.real(column);
+}
+
+void TableText::fill(QStringList& member, const SqlRow& row, int column)
+{
+    member = row.text(column).split(u',', Qt::SkipEmptyParts);
+}
+
+}
