@@ -8,6 +8,7 @@
 #include "Terminal/Core/Palette.h"
 #include "Terminal/Core/Screen.h"
 #include "Terminal/Core/Selection.h"
+#include "Terminal/Core/Snapshot.h"
 #include "Terminal/Graphics/Graphics.h"
 #include "Terminal/Grid/LinkTable.h"
 #include "Terminal/Input/MouseEncoder.h"
@@ -36,8 +37,6 @@ struct Cursor {
     Style pen;
     Charsets charsets;
 };
-
-enum class CursorShape : uint8_t { Block = 1, Underline = 3, Bar = 5 };
 
 enum class EraseKind : uint8_t { All, Selective };
 

@@ -85,7 +85,9 @@ void Emulator::fullReset()
     guardsUsed = false;
     if (palette.current != palette.initial)
         listener->paletteChanged();
-    palette = {};
+    palette.current = palette.initial;
+    palette.stack.clear();
+    palette.stackTop = 0;
     lastPrinted = 0;
     graphemes.restart();
     resetTabs();

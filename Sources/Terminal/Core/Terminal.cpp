@@ -50,6 +50,24 @@ bool Terminal::setOption(std::string_view name, std::string_view value)
     return true;
 }
 
+void Terminal::setColors(const PaletteState& colors, bool dark)
+{
+    Emulator& t = *m_emulator;
+    const PaletteState before = std::exchange(t.palette.initial, colors);
+    const auto follow = [](auto& current, const auto& old, const auto& now) {
+        for (size_t i = 0; i < current.size(); ++i) {
+            if (current[i] == old[i])
+                current[i] = now[i];
+        }
+    };
+    follow(t.palette.current.indexed, before.indexed, colors.indexed);
+    follow(t.palette.current.special, before.special, colors.special);
+    follow(t.palette.current.dynamic, before.dynamic, colors.dynamic);
+    ++t.generation;
+    if (std::exchange(t.config.darkColors, dark) != dark && t.modes.has(Mode::ColorSchemeReports))
+        t.replyCsi("?997;", dark ? 1 : 2, 'n');
+}
+
 namespace {
 
 /// Input is not held to the limit of answers: it is the user's own.
@@ -84,6 +102,11 @@ bool Terminal::paste(std::string_view text)
 bool Terminal::focus(bool in)
 {
     return has(Mode::FocusEvents) && send(*m_emulator, m_emulator->c1Text('[') + (in ? 'I' : 'O'));
+}
+
+bool Terminal::type(std::string_view text)
+{
+    return send(*m_emulator, std::string(text));
 }
 
 void Terminal::resize(Size size)

@@ -8,6 +8,7 @@
 #include "Terminal/Core/Screen.h"
 #include "Terminal/Core/Search.h"
 #include "Terminal/Core/Selection.h"
+#include "Terminal/Core/Snapshot.h"
 #include "Terminal/Graphics/Graphics.h"
 #include "Terminal/Input/KeyEvent.h"
 
@@ -21,16 +22,6 @@
 namespace corvane::terminal {
 
 class Emulator;
-enum class CursorShape : uint8_t;
-
-struct CursorState {
-    int row;
-    int column;
-    bool visible;
-    CursorShape shape;
-    bool blinks;
-    bool pendingWrap;
-};
 
 /// Bytes that the terminal holds.
 struct Memory {
@@ -60,12 +51,16 @@ public:
     const Config& config() const;
     /// As Config::set, at once.
     bool setOption(std::string_view name, std::string_view value);
+    /// The colours that a reset goes back to. What the program changed stays as it made it.
+    void setColors(const PaletteState& colors, bool dark);
 
     // Input; what the program gets of it comes with the replies. False where it gets nothing.
     bool key(const KeyEvent& event);
     bool mouse(const MouseEvent& event);
     bool paste(std::string_view text);
     bool focus(bool in);
+    /// What was typed by other means than keys, such as an input method, as it is.
+    bool type(std::string_view text);
 
     void resize(Size size);
     Size size() const;
@@ -88,6 +83,12 @@ public:
     const Style& style(StyleId id) const;
     std::string text(Cell cell) const;
     std::string_view linkAddress(uint32_t link) const;
+
+    /// Brings the snapshot up to date, for a view whose first row is `top`: only rows that changed are copied.
+    void snapshot(int64_t top, Snapshot& snapshot);
+    HistoryPlace placeInHistory(int64_t row); ///< of a negative row
+    /// The row, negative; the oldest one where the place is gone, 0 where its text is back on the screen.
+    int64_t rowOf(HistoryPlace place);
 
     /// Grows with every change.
     uint64_t generation() const;

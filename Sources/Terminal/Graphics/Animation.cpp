@@ -90,6 +90,7 @@ GraphicsResult Graphics::addFrame(const GraphicsCommand& command, uint32_t* id)
     if (command.integer('z') != 0)
         target->gap = std::max(command.integer('z'), 0);
     draw(target->bitmap, box.x, box.y, *part, { 0, 0, part->width, part->height }, command.number('X') == 1);
+    m_store.pixelsChanged(*image);
     if (!m_store.fit(*image)) {
         image->frames.pop_back();
         m_store.fit(*image);
@@ -135,6 +136,7 @@ GraphicsResult Graphics::compose(const GraphicsCommand& command, uint32_t* id)
     if (!fits(from, whole) || !fits(to, target->bitmap))
         return std::unexpected("EINVAL:outside the image");
     draw(target->bitmap, to.x, to.y, whole, from, command.number('C') == 1);
+    m_store.pixelsChanged(*image);
     return {};
 }
 

@@ -31,6 +31,7 @@ struct Image {
     uint32_t id = 0;
     uint32_t number = 0; ///< by which the program may name it; 0 is none
     uint64_t age = 0; ///< grows with every use
+    uint64_t version = 0; ///< another one whenever its pixels change
     std::vector<ImageFrame> frames; ///< the first is the image itself
     size_t current = 0;
     bool running = false;

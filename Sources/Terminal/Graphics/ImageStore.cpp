@@ -19,7 +19,7 @@ bool ImageStore::add(Image image, uint32_t* id)
         remove(image.id);
     }
     evict(size, image.id);
-    image.age = ++m_age;
+    image.age = image.version = ++m_age;
     *id = image.id;
     m_bytes += size;
     m_images[image.id] = std::move(image);

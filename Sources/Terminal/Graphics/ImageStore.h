@@ -50,6 +50,7 @@ public:
     Image* findNumber(uint32_t number);
     void remove(uint32_t id); ///< with its placements
     void touch(Image& image) { image.age = ++m_age; }
+    void pixelsChanged(Image& image) { image.version = ++m_age; }
     /// The frames of the image have grown.
     bool fit(const Image& grown);
 

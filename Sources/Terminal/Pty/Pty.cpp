@@ -5,9 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
 #include <poll.h>
 #include <pwd.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -78,7 +81,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
 
 /// In the child: everything here is safe between fork and exec.
 [[noreturn]] void runChild(int slave, int report, const char* program, char* const* arguments, char* const* environment,
-    const char* directory, const char* home)
+    const char* directory, const char* home, const unsigned* mask)
 {
     setsid();
     ioctl(slave, TIOCSCTTY, 0);
@@ -93,6 +96,8 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
         signal(number, SIG_DFL);
     if (directory && chdir(directory) != 0 && chdir(home) != 0)
         static_cast<void>(!chdir("/"));
+    if (mask)
+        umask(mode_t(*mask));
     environ = const_cast<char**>(environment);
     execvp(program, arguments);
     const int error = errno;
@@ -119,6 +124,19 @@ std::string loginShell()
     if (account && account->pw_shell && *account->pw_shell)
         return account->pw_shell;
     return "/bin/sh";
+}
+
+std::string programOf(int process)
+{
+    std::string name;
+    std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
+    return name;
+}
+
+std::string directoryOf(int process)
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/cwd", error).string();
 }
 
 std::expected<Pty, std::string> Pty::spawn(const Command& command, Size size)
@@ -163,7 +181,8 @@ std::expected<Pty, std::string> Pty::spawn(const Command& command, Size size)
         return failure("No process could be started", errno);
     if (pty.m_pid == 0) {
         runChild(slave.get(), reportWrite.get(), program.c_str(), argumentPointers.data(), environmentPointers.data(),
-            command.directory.empty() ? nullptr : command.directory.c_str(), home.c_str());
+            command.directory.empty() ? nullptr : command.directory.c_str(), home.c_str(),
+            command.umask ? &*command.umask : nullptr);
     }
     reportWrite.close();
     int error = 0;
@@ -214,6 +233,11 @@ void Pty::end(int grace)
     pollfd waiting { m_process.get(), POLLIN, 0 };
     if (poll(&waiting, 1, grace) == 0 && m_pid > 0)
         kill(-m_pid, SIGKILL);
+}
+
+int Pty::foregroundGroup() const
+{
+    return tcgetpgrp(descriptor());
 }
 
 bool Pty::hidesInput() const

@@ -3,6 +3,7 @@
 #include "Terminal/Core/Config.h"
 
 #include <expected>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -40,7 +41,8 @@ struct Command {
     std::vector<std::string> arguments;
     /// Set over the environment of this process; TERM and the like come by themselves.
     std::vector<std::pair<std::string, std::string>> environment;
-    std::string directory; ///< empty: that of this process; one that is not there: the home directory
+    std::string directory {}; ///< empty: that of this process; one that is not there: the home directory
+    std::optional<unsigned> umask {}; ///< none: that of this process
 };
 
 struct ExitStatus {
@@ -69,6 +71,9 @@ public:
     /// Hangs up, and kills what has not ended within `grace` milliseconds.
     void end(int grace);
 
+    /// The process group that the terminal's keys go to: the shell's own, or that of what it runs. -1 for none.
+    int foregroundGroup() const;
+
     /// Input is not shown, and taken by lines: a password is being asked for.
     bool hidesInput() const;
 
@@ -81,5 +86,9 @@ private:
 
 /// The user's shell: by the account, else /bin/sh.
 std::string loginShell();
+
+/// The name and the working directory of a process; empty where the system does not tell.
+std::string programOf(int process);
+std::string directoryOf(int process);
 
 }

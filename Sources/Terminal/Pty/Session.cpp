@@ -90,6 +90,19 @@ void Session::hangUp()
         m_pty->hangUp();
 }
 
+std::string Session::foregroundProgram() const
+{
+    if (!m_running)
+        return {};
+    const int group = m_pty->foregroundGroup();
+    return group > 0 && group != m_process ? programOf(group) : std::string();
+}
+
+std::string Session::workingDirectory() const
+{
+    return m_running ? directoryOf(m_process) : std::string();
+}
+
 bool Session::waitForExit(std::chrono::milliseconds timeout)
 {
     std::unique_lock lock(m_mutex);
