@@ -1,0 +1,17 @@
+#include "Terminals/DevProcessInspector.h"
+
+#include "Platform/ProcessTable.h"
+
+namespace corvane {
+
+QStringList DevProcessInspector::snapshot()
+{
+    return QString::fromLocal8Bit(processTable()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+int DevProcessInspector::count(const QString& matching)
+{
+    return int(snapshot().filter(matching, Qt::CaseInsensitive).size());
+}
+
+}

@@ -1,0 +1,195 @@
+#include "Terminals/LumoTerminalSession.h"
+
+#include <QUuid>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds initialCommandDelay { 350 };
+constexpr size_t historyLines = 100'000;
+constexpr size_t historyBytes = 64 << 20;
+
+terminal::Config configuration(bool dark)
+{
+    terminal::Config config;
+    config.scrollbackLines = historyLines;
+    config.scrollbackBytes = historyBytes;
+    config.darkColors = dark;
+    return config;
+}
+
+}
+
+LumoTerminalSession::LumoTerminalSession(Options options, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_options(std::move(options))
+    , m_scheduler(scheduler)
+    , m_startedAt(scheduler.nowMs())
+    , m_search(*this, scheduler)
+{
+}
+
+LumoTerminalSession::~LumoTerminalSession() = default;
+
+QString LumoTerminalSession::currentDirectory() const
+{
+    if (m_terminal) {
+        if (const std::string directory = m_terminal->workingDirectory(); !directory.empty())
+            return QString::fromStdString(directory);
+    }
+    return m_shellDirectory.isEmpty() ? QString::fromStdString(m_options.command.directory) : m_shellDirectory;
+}
+
+QString LumoTerminalSession::label() const
+{
+    if (!m_name.isEmpty())
+        return m_name;
+    return m_shellTitle.isEmpty() ? m_options.title : m_shellTitle;
+}
+
+void LumoTerminalSession::rename(const QString& name)
+{
+    m_name = name.simplified();
+    Q_EMIT labelChanged();
+}
+
+terminal::Session* LumoTerminalSession::view(terminal::Size size)
+{
+    if (!m_terminal && !m_exit)
+        start(size);
+    else if (m_terminal && m_terminal->terminal()->size() != size.clamped())
+        m_terminal->resize(size);
+    return m_terminal.get();
+}
+
+void LumoTerminalSession::start(terminal::Size size)
+{
+    terminal::SessionTaps taps;
+    taps.output = [this](std::string_view output) {
+        m_transcript.received(output);
+    };
+    taps.input = [this](std::string_view input, bool hidden) {
+        m_transcript.sent(input, hidden);
+    };
+    taps.changed = [this] {
+        post();
+    };
+    taps.exited = [this](terminal::ExitStatus) {
+        m_childEnded = true;
+        post();
+    };
+    m_terminal = std::make_unique<terminal::Session>(size, configuration(m_dark), std::move(taps));
+    {
+        const auto access = m_terminal->terminal();
+        access->setListener(&m_events);
+        access->setColors(m_colors, m_dark);
+    }
+    if (!m_terminal->start(m_options.command)) {
+        m_exit = terminal::ExitStatus { false, 127 };
+        Q_EMIT ended();
+        return;
+    }
+    if (m_options.initialCommand.trimmed().isEmpty())
+        return;
+    m_initialCommandTimer = m_scheduler.after(initialCommandDelay, [this] { send(m_options.initialCommand + u'\n'); });
+}
+
+void LumoTerminalSession::setColors(const terminal::PaletteState& colors, bool dark)
+{
+    m_colors = colors;
+    m_dark = dark;
+    if (m_terminal)
+        m_terminal->terminal()->setColors(colors, dark);
+    Q_EMIT changed();
+}
+
+void LumoTerminalSession::terminate()
+{
+    m_initialCommandTimer.reset();
+    m_tick.reset();
+    if (!m_exit)
+        m_exit = terminal::ExitStatus { true, 1 };
+    m_terminal.reset();
+}
+
+QString LumoTerminalSession::runningCommand() const
+{
+    return m_terminal ? QString::fromStdString(m_terminal->foregroundProgram()) : QString();
+}
+
+void LumoTerminalSession::send(const QString& text)
+{
+    if (m_terminal)
+        m_terminal->terminal()->type(text.toStdString());
+}
+
+bool LumoTerminalSession::snapshot(terminal::Snapshot& snapshot)
+{
+    if (!m_terminal)
+        return false;
+    const auto access = m_terminal->terminal();
+    const int64_t due = access->tick(m_scheduler.monotonicMs() * 1'000'000);
+    m_tick.reset();
+    if (due >= 0)
+        m_tick = m_scheduler.after(Milliseconds(due / 1'000'000 + 1), [this] { Q_EMIT changed(); });
+    if (access->isFrozen() && snapshot.size == access->size())
+        return false;
+    if (m_scrollTop < 0)
+        m_scrollTop = access->isAlternate() ? 0 : access->rowOf(m_scrollPlace);
+    access->snapshot(m_scrollTop, snapshot);
+    return true;
+}
+
+void LumoTerminalSession::scrollTo(int64_t top)
+{
+    if (!m_terminal)
+        return;
+    {
+        const auto access = m_terminal->terminal();
+        const auto rows = access->isAlternate() ? 0 : int64_t(access->historyRows());
+        m_scrollTop = std::clamp<int64_t>(top, -rows, 0);
+        if (m_scrollTop < 0)
+            m_scrollPlace = access->placeInHistory(m_scrollTop);
+    }
+    Q_EMIT changed();
+}
+
+void LumoTerminalSession::clearAttention()
+{
+    if (std::exchange(m_attention, false))
+        Q_EMIT labelChanged();
+}
+
+/// However much comes, one event waits at most.
+void LumoTerminalSession::post()
+{
+    if (!m_posted.exchange(true))
+        QMetaObject::invokeMethod(this, [this] { deliver(); }, Qt::QueuedConnection);
+}
+
+void LumoTerminalSession::deliver()
+{
+    m_posted = false;
+    if (!m_terminal)
+        return;
+    const TerminalRequests requests = m_events.take();
+    m_attention |= requests.bell;
+    if (requests.directory)
+        m_shellDirectory = *requests.directory;
+    if (requests.pointerShape)
+        m_pointerShape = *requests.pointerShape;
+    if (requests.title)
+        m_shellTitle = *requests.title;
+    if (requests.title || requests.bell)
+        Q_EMIT labelChanged();
+    Q_EMIT requested(requests);
+    Q_EMIT changed();
+    if (m_childEnded && !m_exit) {
+        m_exit = m_terminal->exitStatus();
+        Q_EMIT ended();
+    }
+}
+
+}

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+#include "Terminal/Pty/Session.h"
+#include "Terminals/TerminalEvents.h"
+#include "Terminals/TerminalSearch.h"
+#include "Terminals/TerminalTranscriptBuffer.h"
+
+#include <QObject>
+#include <atomic>
+
+namespace corvane {
+
+/// A local shell with its screen and its transcript. The shell starts when somebody first looks; the session keeps what
+/// a view needs to know, so that a view may come and go. Main thread only.
+class LumoTerminalSession : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString label READ label NOTIFY labelChanged)
+    Q_PROPERTY(QString pointerShape READ pointerShape NOTIFY requested)
+    Q_PROPERTY(corvane::TerminalSearch* search READ search CONSTANT)
+public:
+    struct Options {
+        QString title; ///< shown until the shell or the user gives another
+        std::optional<QString> projectId {};
+        QString projectSlug = QStringLiteral("local");
+        QString initialCommand {}; ///< typed once the shell is there
+        terminal::Command command;
+    };
+
+    /// The scheduler outlives the session.
+    LumoTerminalSession(Options options, Scheduler& scheduler, QObject* parent = nullptr);
+    ~LumoTerminalSession() override;
+
+    const QString& id() const { return m_id; }
+    const QString& title() const { return m_options.title; }
+    const std::optional<QString>& projectId() const { return m_options.projectId; }
+    const QString& projectSlug() const { return m_options.projectSlug; }
+    QString currentDirectory() const; ///< of the shell now; where it started, before and after
+    const QString& initialCommand() const { return m_options.initialCommand; }
+    qint64 startedAt() const { return m_startedAt; } ///< milliseconds since the epoch
+    TerminalTranscriptBuffer& transcript() { return m_transcript; }
+
+    /// What the tab says: what the user called it, else what the shell did, else the title.
+    QString label() const;
+    void rename(const QString& name); ///< empty: as the shell says
+
+    /// The terminal in the given size and colours; starts the shell at the first call. Null once terminated.
+    terminal::Session* view(terminal::Size size);
+    void setColors(const terminal::PaletteState& colors, bool dark);
+    terminal::Session* terminal() { return m_terminal.get(); } ///< null before the first look
+    /// Ends the shell and all that goes with it.
+    void terminate();
+
+    bool failedToStart() const { return m_terminal && m_terminal->process() < 0; }
+    bool isRunning() const { return m_terminal && m_terminal->isRunning(); }
+    const std::optional<terminal::ExitStatus>& exitStatus() const { return m_exit; } ///< none while it runs
+    QString runningCommand() const; ///< the program in the foreground; empty where the shell waits
+    void send(const QString& text); ///< as if typed
+
+    /// What the view shows now, from `scrollTop` on. False where the program holds its drawing back.
+    bool snapshot(terminal::Snapshot& snapshot);
+    /// The first row that is shown. It stays on its text while more comes; 0 follows the output.
+    int64_t scrollTop() const { return m_scrollTop; }
+    void scrollTo(int64_t top);
+
+    QString pointerShape() const { return m_pointerShape; }
+    TerminalSearch* search() { return &m_search; }
+    bool attention() const { return m_attention; } ///< the bell rang since somebody looked
+    void clearAttention();
+
+Q_SIGNALS:
+    void changed(); ///< there may be something new to show
+    void labelChanged();
+    void requested(const corvane::TerminalRequests& requests);
+    void ended(); ///< the shell has ended, or could not be started
+
+private:
+    void start(terminal::Size size);
+    void post(); ///< on any thread
+    void deliver();
+
+    const QString m_id;
+    Options m_options;
+    Scheduler& m_scheduler;
+    const qint64 m_startedAt;
+    TerminalTranscriptBuffer m_transcript;
+    TerminalEvents m_events;
+    QString m_name;
+    QString m_shellTitle;
+    QString m_shellDirectory;
+    QString m_pointerShape;
+    terminal::PaletteState m_colors = terminal::Palette().initial;
+    bool m_dark = true;
+    bool m_attention = false;
+    int64_t m_scrollTop = 0;
+    terminal::HistoryPlace m_scrollPlace;
+    TerminalSearch m_search;
+    std::unique_ptr<Timer> m_initialCommandTimer;
+    std::unique_ptr<Timer> m_tick;
+    std::atomic<bool> m_posted = false;
+    std::atomic<bool> m_childEnded = false;
+    std::optional<terminal::ExitStatus> m_exit;
+    std::unique_ptr<terminal::Session> m_terminal; // goes first: its threads call the members above
+};
+
+}

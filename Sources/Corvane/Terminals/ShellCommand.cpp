@@ -1,0 +1,31 @@
+#include "Terminals/ShellCommand.h"
+
+#include <QFileInfo>
+
+namespace corvane {
+
+terminal::Command shellCommand(const QString& directory, std::optional<mode_t> umask)
+{
+    terminal::Command command;
+    if (QFileInfo(QStringLiteral("/bin/zsh")).isExecutable()) {
+        command.program = "/bin/zsh";
+        command.arguments = { "-l", "-i" };
+    }
+    if (!qEnvironmentVariableIsSet("LANG"))
+        command.environment.emplace_back("LANG", "en_US.UTF-8");
+    command.directory = directory.toStdString();
+    command.umask = umask;
+    return command;
+}
+
+QString resolvedDirectory(const QString& wanted, const QString& home)
+{
+    const bool isOfHome = wanted == u'~' || wanted.startsWith(QLatin1String("~/"));
+    const QString path = isOfHome ? home + wanted.mid(1) : wanted;
+    if (QFileInfo(path).isDir())
+        return path;
+    const QString fallback = home + QLatin1String("/nimb");
+    return QFileInfo(fallback).isDir() ? fallback : home;
+}
+
+}

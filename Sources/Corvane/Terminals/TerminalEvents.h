@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Terminal/Core/Listener.h"
+
+#include <QString>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+namespace corvane {
+
+/// What a program asked for since somebody looked, the latest of each kind: a flood of them costs no memory.
+struct TerminalRequests {
+    std::optional<QString> title;
+    std::optional<QString> directory; ///< a path
+    std::optional<QString> clipboard; ///< text that it wants on the clipboard
+    std::optional<QString> pointerShape; ///< a name of CSS
+    std::optional<int> progress; ///< percent; -1 for none
+    bool bell = false;
+};
+
+/// Gathers the requests on the session's threads for the main thread to take.
+class TerminalEvents final : public terminal::Listener {
+public:
+    TerminalRequests take();
+
+    void bell() override;
+    void titleChanged(std::string_view title) override;
+    void directoryChanged(std::string_view address) override;
+    void clipboardWrite(std::string_view selection, std::string_view data) override;
+    void notification(const terminal::Notification& notification) override;
+    void progress(terminal::ProgressState state, int percent) override;
+    void pointerShape(std::string_view shape) override;
+
+private:
+    std::mutex m_lock;
+    TerminalRequests m_requests;
+};
+
+}

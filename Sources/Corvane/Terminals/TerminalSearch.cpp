@@ -1,0 +1,123 @@
+#include "Terminals/TerminalSearch.h"
+
+#include "Terminals/LumoTerminalSession.h"
+
+#include <QLocale>
+
+namespace corvane {
+
+namespace {
+
+constexpr size_t most = 100'000;
+constexpr Milliseconds pause { 200 };
+
+}
+
+TerminalSearch::TerminalSearch(LumoTerminalSession& session, Scheduler& scheduler)
+    : m_session(session)
+    , m_scheduler(scheduler)
+{
+}
+
+TerminalSearch::~TerminalSearch() = default;
+
+void TerminalSearch::setShown(bool shown)
+{
+    if (std::exchange(m_shown, shown) == shown)
+        return;
+    search();
+}
+
+void TerminalSearch::setText(const QString& text)
+{
+    if (std::exchange(m_text, text) == text)
+        return;
+    search();
+    if (!m_matches.empty())
+        show(m_matches.size() - 1);
+}
+
+void TerminalSearch::setRegex(bool on)
+{
+    m_regex = on;
+    search();
+}
+
+void TerminalSearch::setMatchCase(bool on)
+{
+    m_matchCase = on;
+    search();
+}
+
+QString TerminalSearch::status() const
+{
+    if (m_text.isEmpty())
+        return {};
+    if (m_malformed)
+        return QStringLiteral("Not a valid expression");
+    if (m_matches.empty())
+        return QStringLiteral("Nothing found");
+    const QLocale locale;
+    const QString count
+        = locale.toString(qulonglong(m_matches.size())) + QLatin1String(m_matches.size() == most ? "+" : "");
+    if (!m_current)
+        return count + QStringLiteral(" found");
+    // The newest is the first, as it is the one that is met first.
+    return QStringLiteral("%1 of %2").arg(locale.toString(qulonglong(m_matches.size() - *m_current)), count);
+}
+
+void TerminalSearch::next()
+{
+    if (!m_matches.empty())
+        show(m_current && *m_current > 0 ? *m_current - 1 : m_matches.size() - 1);
+}
+
+void TerminalSearch::previous()
+{
+    if (!m_matches.empty())
+        show(m_current && *m_current + 1 < m_matches.size() ? *m_current + 1 : 0);
+}
+
+void TerminalSearch::update()
+{
+    if (m_shown && !m_text.isEmpty() && !m_later && m_session.terminal()
+        && m_session.terminal()->terminal()->generation() != m_generation)
+        m_later = m_scheduler.after(pause, [this] { search(); });
+}
+
+/// The match that is shown stays the one with as many behind it, which is where it was.
+void TerminalSearch::search()
+{
+    m_later.reset();
+    const size_t behind = m_current ? m_matches.size() - *m_current : 0;
+    m_matches.clear();
+    m_malformed = false;
+    if (m_shown && !m_text.isEmpty() && m_session.terminal()) {
+        auto pattern = terminal::Pattern::make(m_text.toStdString(),
+            m_regex ? terminal::Pattern::Kind::Regex : terminal::Pattern::Kind::Literal,
+            m_matchCase ? terminal::Pattern::Case::Sensitive : terminal::Pattern::Case::Insensitive);
+        m_malformed = !pattern;
+        const auto access = m_session.terminal()->terminal();
+        m_generation = access->generation();
+        if (pattern)
+            m_matches = access->search(*pattern, most);
+    }
+    m_current = behind > 0 && behind <= m_matches.size() ? std::optional(m_matches.size() - behind) : std::nullopt;
+    Q_EMIT changed();
+    Q_EMIT m_session.changed();
+}
+
+/// Brings the match into sight, a third down from the top.
+void TerminalSearch::show(size_t match)
+{
+    m_current = match;
+    const int64_t row = m_matches[match].row;
+    const int rows = m_session.terminal()->terminal()->size().rows;
+    const int64_t top = m_session.scrollTop();
+    if (row < top || row >= top + rows)
+        m_session.scrollTo(row - rows / 3);
+    Q_EMIT changed();
+    Q_EMIT m_session.changed();
+}
+
+}

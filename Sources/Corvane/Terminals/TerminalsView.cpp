@@ -1,0 +1,285 @@
+#include "Terminals/TerminalsView.h"
+
+#include "Foundation/Text.h"
+#include "Foundation/UserDefaults.h"
+#include "Terminals/ShellCommand.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+const QString fontSizeKey = QStringLiteral("Corvane.terminal.fontSize");
+constexpr int usualFontSize = 14;
+constexpr int smallestFontSize = 8;
+constexpr int largestFontSize = 40;
+constexpr Milliseconds shortestSession { 2000 };
+constexpr qsizetype largestPaste = 1 << 20;
+constexpr qsizetype largestClipboard = 1 << 20;
+
+QString quoted(const QString& text)
+{
+    constexpr int most = 60;
+    const QString line = firstCharacters(singleLine(text), most);
+    return u'“' + line + (line.size() < singleLine(text).size() ? QStringLiteral("…”") : QStringLiteral("”"));
+}
+
+}
+
+TerminalsView::TerminalsView(Surroundings at, QObject* parent)
+    : QObject(parent)
+    , m_at(std::move(at))
+    , m_fontSize(std::clamp(
+          int(m_at.defaults.integer(fontSizeKey).value_or(usualFontSize)), smallestFontSize, largestFontSize))
+{
+}
+
+TerminalsView::~TerminalsView() = default;
+
+QString TerminalsView::titleFor(const QString& label) const
+{
+    const QString name = label.toLower().replace(u' ', u'-');
+    return QStringLiteral("local-%1-%2").arg(name).arg(m_sessions.size() + 1);
+}
+
+LumoTerminalSession& TerminalsView::createLocalSession(const QString& label, const QString& command)
+{
+    const QString directory = resolvedDirectory(m_current ? m_current->currentDirectory() : QString(), m_at.home);
+    return add({ .title = titleFor(label), .initialCommand = command, .command = shellCommand(directory, m_at.umask) });
+}
+
+LumoTerminalSession& TerminalsView::createLocalSession(const QString& label, terminal::Command command)
+{
+    return add({ .title = titleFor(label), .command = std::move(command) });
+}
+
+LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
+{
+    const auto at = std::ranges::find(m_sessions, m_current, &std::unique_ptr<LumoTerminalSession>::get);
+    const auto place = at == m_sessions.end() ? at : at + 1;
+    LumoTerminalSession& session
+        = **m_sessions.insert(place, std::make_unique<LumoTerminalSession>(std::move(options), m_at.scheduler));
+    connect(&session, &LumoTerminalSession::labelChanged, this, &TerminalsView::refresh);
+    connect(&session, &LumoTerminalSession::ended, this, [this, &session] { sessionEnded(session); });
+    connect(&session, &LumoTerminalSession::requested, this, [this, &session](const TerminalRequests& requests) {
+        if (!requests.clipboard || requests.clipboard->size() > largestClipboard)
+            return;
+        ask({ Subject::Clipboard,
+            QStringLiteral("A program in %1 wants to put this on the clipboard: %2")
+                .arg(session.label(), quoted(*requests.clipboard)),
+            QStringLiteral("Allow"), QStringLiteral("Refuse"), &session, *requests.clipboard });
+    });
+    select(session.id());
+    return session;
+}
+
+void TerminalsView::create()
+{
+    createLocalSession(QStringLiteral("shell"));
+}
+
+LumoTerminalSession* TerminalsView::find(const QString& id) const
+{
+    const auto found = std::ranges::find(m_sessions, id, &LumoTerminalSession::id);
+    return found == m_sessions.end() ? nullptr : found->get();
+}
+
+void TerminalsView::select(const QString& id)
+{
+    if (LumoTerminalSession* const session = find(id)) {
+        m_current = session;
+        session->clearAttention();
+        refresh();
+    }
+}
+
+void TerminalsView::step(int by)
+{
+    if (m_sessions.empty())
+        return;
+    const auto count = qsizetype(m_sessions.size());
+    const auto at = std::ranges::find(m_sessions, m_current, &std::unique_ptr<LumoTerminalSession>::get);
+    select(m_sessions[size_t((at - m_sessions.begin() + by + count) % count)]->id());
+}
+
+void TerminalsView::close(const QString& id)
+{
+    LumoTerminalSession* const session = find(id);
+    if (!session)
+        return;
+    const QString program = session->runningCommand();
+    if (program.isEmpty())
+        return closeNow(*session);
+    select(id);
+    ask({ Subject::Close, QStringLiteral("%1 is still running. Closing the terminal ends it.").arg(program),
+        QStringLiteral("Close"), QStringLiteral("Keep open"), session });
+}
+
+void TerminalsView::closeCurrent()
+{
+    if (m_current)
+        close(m_current->id());
+}
+
+void TerminalsView::closeNow(LumoTerminalSession& session)
+{
+    const auto at = std::ranges::find(m_sessions, &session, &std::unique_ptr<LumoTerminalSession>::get);
+    // It may be the one that told of its end just now.
+    LumoTerminalSession* const gone = at->release();
+    const auto next = m_sessions.erase(at);
+    if (m_current == gone)
+        m_current = m_sessions.empty() ? nullptr : (next == m_sessions.end() ? m_sessions.back() : *next).get();
+    if (m_question.session == gone)
+        ask({});
+    refresh();
+    gone->disconnect(this);
+    gone->terminate();
+    gone->deleteLater();
+}
+
+/// Who types "exit" wants the tab gone, whatever the last command's code was. What ended otherwise is there to be read.
+void TerminalsView::sessionEnded(LumoTerminalSession& session)
+{
+    const terminal::ExitStatus status = session.exitStatus().value_or(terminal::ExitStatus {});
+    const bool atOnce = m_at.scheduler.nowMs() - session.startedAt() < shortestSession.count();
+    if (session.failedToStart() || status.bySignal || (atOnce && status.code != 0))
+        return refresh();
+    closeNow(session);
+}
+
+void TerminalsView::restart()
+{
+    if (!m_current || !m_current->exitStatus())
+        return;
+    LumoTerminalSession& old = *m_current;
+    createLocalSession(QStringLiteral("shell"));
+    closeNow(old);
+}
+
+void TerminalsView::rename(const QString& id, const QString& name)
+{
+    if (LumoTerminalSession* const session = find(id))
+        session->rename(name);
+}
+
+void TerminalsView::paste(const QString& text)
+{
+    if (!m_current || !m_current->isRunning() || text.isEmpty())
+        return;
+    const std::string bytes = text.toStdString();
+    if (qsizetype(bytes.size()) > largestPaste) {
+        return ask({ Subject::None, QStringLiteral("The clipboard holds more than a terminal takes at once, 1 MB."), {},
+            QStringLiteral("Close"), m_current });
+    }
+    {
+        const auto access = m_current->terminal()->terminal();
+        const bool bracketed = access->has(terminal::Mode::BracketedPaste);
+        if (bracketed || !(text.contains(u'\n') || text.contains(u'\r'))) {
+            access->paste(bytes);
+            return;
+        }
+    }
+    const auto lines = text.trimmed().count(u'\n') + 1;
+    const QString words = lines == 1
+        ? QStringLiteral("Paste this line? The program in the terminal takes it at once: %1")
+        : QStringLiteral("Paste %2 lines? The program in the terminal takes each at once: %1");
+    ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), QStringLiteral("Paste"),
+        QStringLiteral("Cancel"), m_current, text });
+}
+
+void TerminalsView::ask(const Question& question)
+{
+    m_question = question;
+    Q_EMIT questionChanged();
+}
+
+void TerminalsView::answer(bool yes)
+{
+    const Question question = m_question;
+    ask({});
+    if (!yes)
+        return;
+    switch (question.subject) {
+    case Subject::Close:
+        if (question.session)
+            closeNow(*question.session);
+        break;
+    case Subject::Paste:
+        if (question.session && question.session->isRunning())
+            question.session->terminal()->terminal()->paste(question.data.toStdString());
+        break;
+    case Subject::Clipboard:
+        Q_EMIT clipboardGranted(question.data);
+        break;
+    case Subject::Quit:
+        Q_EMIT quitConfirmed();
+        break;
+    case Subject::None:
+        break;
+    }
+}
+
+QString TerminalsView::endedText() const
+{
+    if (!m_current || !m_current->exitStatus())
+        return {};
+    const terminal::ExitStatus status = *m_current->exitStatus();
+    if (m_current->failedToStart())
+        return QStringLiteral("The shell could not be started.");
+    return status.bySignal ? QStringLiteral("The shell was ended by signal %1.").arg(status.code)
+                           : QStringLiteral("The shell ended with code %1.").arg(status.code);
+}
+
+void TerminalsView::enlarge(int steps)
+{
+    setFontSize(m_fontSize + steps);
+}
+
+void TerminalsView::resetFontSize()
+{
+    setFontSize(usualFontSize);
+}
+
+void TerminalsView::setFontSize(int size)
+{
+    size = std::clamp(size, smallestFontSize, largestFontSize);
+    if (std::exchange(m_fontSize, size) == size)
+        return;
+    m_at.defaults.setInteger(fontSizeKey, size);
+    Q_EMIT fontSizeChanged();
+}
+
+bool TerminalsView::asksBeforeQuit()
+{
+    if (m_question.subject == Subject::Quit)
+        return false;
+    QStringList programs;
+    for (const auto& session : m_sessions) {
+        if (const QString program = session->runningCommand(); !program.isEmpty())
+            programs.append(program);
+    }
+    if (programs.isEmpty())
+        return false;
+    const QString verb = programs.size() == 1 ? QStringLiteral("is") : QStringLiteral("are");
+    ask({ Subject::Quit,
+        QStringLiteral("%1 %2 still running in a terminal. Quitting Corvane ends that.")
+            .arg(programs.join(QStringLiteral(", ")), verb),
+        QStringLiteral("Quit"), QStringLiteral("Keep running") });
+    return true;
+}
+
+void TerminalsView::refresh()
+{
+    QList<TerminalTab> tabs;
+    for (const auto& session : m_sessions) {
+        if (session.get() == m_current)
+            session->clearAttention();
+        tabs.append({ session->id(), session->label(), session.get() == m_current, session->attention(),
+            session->exitStatus().has_value() });
+    }
+    m_tabs.assign(tabs);
+    Q_EMIT changed();
+}
+
+}

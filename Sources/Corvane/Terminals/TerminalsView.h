@@ -1,0 +1,124 @@
+#pragma once
+
+#include "Presentation/RowListModel.h"
+#include "Terminals/LumoTerminalSession.h"
+
+#include <QPointer>
+#include <sys/types.h>
+
+namespace corvane {
+
+class UserDefaults;
+
+/// A terminal in the row of tabs.
+class TerminalTab {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(bool selected MEMBER selected)
+    Q_PROPERTY(bool attention MEMBER attention)
+    Q_PROPERTY(bool ended MEMBER ended)
+public:
+    QString id;
+    QString title;
+    bool selected = false;
+    bool attention = false; ///< its bell rang since it was last in front
+    bool ended = false;
+
+    QString key() const { return id; }
+    bool operator==(const TerminalTab&) const = default;
+};
+
+/// The terminal screen: local shells in tabs, one question at a time about them, and the size of their type.
+class TerminalsView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QAbstractItemModel* tabs READ tabs CONSTANT)
+    Q_PROPERTY(int count READ count NOTIFY changed)
+    Q_PROPERTY(corvane::LumoTerminalSession* current READ current NOTIFY changed)
+    Q_PROPERTY(QString question READ question NOTIFY questionChanged) ///< empty for none
+    Q_PROPERTY(QString questionAction READ questionAction NOTIFY questionChanged)
+    Q_PROPERTY(QString questionRefusal READ questionRefusal NOTIFY questionChanged)
+    Q_PROPERTY(QString endedText READ endedText NOTIFY changed) ///< about the current one; empty while it runs
+    Q_PROPERTY(int fontSize READ fontSize NOTIFY fontSizeChanged) ///< in pixels
+public:
+    struct Surroundings {
+        Scheduler& scheduler;
+        UserDefaults& defaults;
+        QString home;
+        std::optional<mode_t> umask; ///< of the user's programs; none: that of this process
+    };
+
+    /// All of it outlives the view.
+    explicit TerminalsView(Surroundings at, QObject* parent = nullptr);
+    ~TerminalsView() override;
+
+    QAbstractItemModel* tabs() { return &m_tabs; }
+    int count() const { return int(m_sessions.size()); }
+    LumoTerminalSession* current() const { return m_current; }
+    const std::vector<std::unique_ptr<LumoTerminalSession>>& localSessions() const { return m_sessions; }
+
+    /// A new shell in front, its title "local-{label}-{number}"; the command is typed into it.
+    LumoTerminalSession& createLocalSession(const QString& label, const QString& command = {});
+    /// The same with another program than the shell, as it stands.
+    LumoTerminalSession& createLocalSession(const QString& label, terminal::Command command);
+
+    Q_INVOKABLE void create();
+    Q_INVOKABLE void select(const QString& id);
+    Q_INVOKABLE void step(int by); ///< to the next or the previous tab, round at the ends
+    Q_INVOKABLE void close(const QString& id); ///< asks first while a program runs in it
+    Q_INVOKABLE void closeCurrent();
+    Q_INVOKABLE void restart(); ///< the current one, whose shell has ended, with a new shell
+    Q_INVOKABLE void rename(const QString& id, const QString& name); ///< empty: as its shell says
+    Q_INVOKABLE void paste(const QString& text); ///< into the current one; asks first where it would run at once
+
+    QString question() const { return m_question.text; }
+    QString questionAction() const { return m_question.action; }
+    QString questionRefusal() const { return m_question.refusal; }
+    Q_INVOKABLE void answer(bool yes);
+
+    QString endedText() const;
+
+    int fontSize() const { return m_fontSize; }
+    Q_INVOKABLE void enlarge(int steps);
+    Q_INVOKABLE void resetFontSize();
+
+    /// True where programs still run: then the question is put, unless it stands already; asked a second time,
+    /// quitting is what is meant.
+    bool asksBeforeQuit();
+
+Q_SIGNALS:
+    void changed();
+    void questionChanged();
+    void fontSizeChanged();
+    void clipboardGranted(const QString& text);
+    void quitConfirmed();
+
+private:
+    enum class Subject { None, Close, Paste, Clipboard, Quit };
+    struct Question {
+        Subject subject = Subject::None;
+        QString text {};
+        QString action {};
+        QString refusal {};
+        QPointer<LumoTerminalSession> session {};
+        QString data {};
+    };
+
+    LumoTerminalSession& add(LumoTerminalSession::Options options);
+    LumoTerminalSession* find(const QString& id) const;
+    void closeNow(LumoTerminalSession& session);
+    void sessionEnded(LumoTerminalSession& session);
+    void ask(const Question& question);
+    void refresh();
+    void setFontSize(int size);
+    QString titleFor(const QString& label) const;
+
+    const Surroundings m_at;
+    std::vector<std::unique_ptr<LumoTerminalSession>> m_sessions;
+    LumoTerminalSession* m_current = nullptr;
+    RowListModel<TerminalTab> m_tabs;
+    Question m_question;
+    int m_fontSize;
+};
+
+}

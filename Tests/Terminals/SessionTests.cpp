@@ -1,0 +1,181 @@
+#include "Foundation/UserDefaults.h"
+#include "Support/Await.h"
+#include "Support/Print.h"
+#include "Support/TemporaryHome.h"
+#include "Support/VirtualScheduler.h"
+#include "Terminals/DevProcessInspector.h"
+#include "Terminals/Redaction.h"
+#include "Terminals/ShellCommand.h"
+#include "Terminals/TerminalsView.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+terminal::Command script(const std::string& text)
+{
+    return { "/bin/sh", { "-c", text }, {}, {}, 027 };
+}
+
+class Terminals : public testing::Test {
+protected:
+    /// With its shell started, as when a view shows it.
+    LumoTerminalSession& open(const std::string& text)
+    {
+        LumoTerminalSession& session = view.createLocalSession(u"Test Run"_s, script(text));
+        session.view({ 60, 10 });
+        return session;
+    }
+    static QString transcript(LumoTerminalSession& session) { return session.transcript().snapshot(24'000); }
+    static bool awaitText(LumoTerminalSession& session, const QString& text)
+    {
+        return await([&] { return transcript(session).contains(text); });
+    }
+
+    TemporaryHome home;
+    VirtualScheduler clock;
+    UserDefaults defaults { home.paths().defaultsFile };
+    TerminalsView view { { clock, defaults, home.paths().home, {} } };
+};
+
+}
+
+TEST_F(Terminals, theInitialCommandIsTypedOnceTheShellIsThere)
+{
+    const auto make = [this](const QString& command) {
+        return std::make_unique<LumoTerminalSession>(
+            LumoTerminalSession::Options { .title = u"t"_s, .initialCommand = command, .command = script("cat") },
+            clock);
+    };
+    const auto session = make(u"echo hello"_s);
+    session->view({ 60, 10 });
+    clock.advance(Milliseconds(349));
+    EXPECT_EQ(transcript(*session), QString());
+    clock.advance(Milliseconds(1));
+    EXPECT_TRUE(awaitText(*session, u"echo hello"_s));
+
+    make(u"  "_s)->view({ 60, 10 });
+    EXPECT_EQ(clock.pendingTimers(), 0);
+    const auto closed = make(u"date"_s);
+    closed->view({ 60, 10 });
+    closed->terminate();
+    clock.advance(seconds(1));
+    EXPECT_EQ(transcript(*closed), QString());
+}
+
+TEST_F(Terminals, theTranscriptOfASessionWithAPasswordComesOutRedacted)
+{
+    LumoTerminalSession& session
+        = open("umask; stty -echo; printf 'Code? '; read x; stty echo; echo API_KEY=$x; sleep 60");
+    ASSERT_TRUE(awaitText(session, u"Code?"_s));
+    session.send(u"hunter22\n"_s);
+    ASSERT_TRUE(awaitText(session, u"API_KEY"_s));
+    const QString text = redactSensitive(transcript(session));
+    EXPECT_TRUE(text.startsWith(u"0027"_s));
+    EXPECT_TRUE(text.contains(u"Code? [hidden]"_s)) << text.toStdString();
+    EXPECT_TRUE(text.endsWith(u"API_KEY=[redacted]"_s)) << text.toStdString();
+    EXPECT_GT(DevProcessInspector::count(u"SLEEP 60"_s), 0);
+}
+
+TEST_F(Terminals, closingAndQuittingAskWhileAProgramRuns)
+{
+    LumoTerminalSession& session = view.createLocalSession(u"Test Run"_s, { "/bin/sh", { "-i" }, {}, {}, {} });
+    const QString id = session.id();
+    EXPECT_EQ(session.label(), u"local-test-run-1"_s);
+    session.view({ 60, 10 });
+    session.send(u"cat\n"_s);
+    ASSERT_TRUE(await([&] { return session.runningCommand() == u"cat"_s; }));
+    view.close(id);
+    EXPECT_EQ(view.question(), u"cat is still running. Closing the terminal ends it."_s);
+    view.answer(false);
+    EXPECT_EQ(view.count(), 1);
+
+    EXPECT_TRUE(view.asksBeforeQuit());
+    EXPECT_FALSE(view.asksBeforeQuit()); // who asks twice means it
+    QSignalSpy quit(&view, &TerminalsView::quitConfirmed);
+    view.answer(true);
+    EXPECT_EQ(quit.size(), 1);
+
+    view.close(id);
+    view.answer(true);
+    EXPECT_EQ(view.count(), 0);
+    EXPECT_EQ(view.current(), nullptr);
+}
+
+TEST_F(Terminals, aTabGoesWhenItsShellIsLeftAndStaysToTellOfAFailure)
+{
+    open("exit 0");
+    EXPECT_TRUE(await([this] { return view.count() == 0; }));
+    open("kill -9 $$");
+    EXPECT_TRUE(await([this] { return view.endedText() == u"The shell was ended by signal 9."_s; }));
+    LumoTerminalSession& missing = view.createLocalSession(u"x"_s, { "/no/such/shell", {}, {}, {}, {} });
+    missing.view({ 60, 10 });
+    EXPECT_EQ(view.endedText(), u"The shell could not be started."_s);
+    EXPECT_EQ(view.count(), 2);
+    terminal::Snapshot snapshot;
+    ASSERT_TRUE(missing.snapshot(snapshot));
+    EXPECT_EQ(snapshot.rows[0].cells.size(), std::string_view("/no/such/shell: No such file or directory").size());
+}
+
+TEST_F(Terminals, pastingLinesAsksWhereTheProgramDoesNotKnowPastes)
+{
+    LumoTerminalSession& session = open("stty -echo; printf ready; cat -v");
+    ASSERT_TRUE(awaitText(session, u"ready"_s));
+    view.paste(u"one"_s);
+    EXPECT_EQ(view.question(), QString());
+    view.paste(u"rm x\ny\n"_s);
+    EXPECT_EQ(view.question(), u"Paste 2 lines? The program in the terminal takes each at once: “rm x y”"_s);
+    view.answer(true);
+    EXPECT_TRUE(awaitText(session, u"onerm x"_s));
+    session.terminal()->terminal()->feed("\x1b[?2004h");
+    view.paste(u"a\x1b[201~\nb"_s);
+    EXPECT_EQ(view.question(), QString());
+    session.send(u"\n"_s);
+    EXPECT_TRUE(awaitText(session, u"^[[200~a[201~"_s));
+}
+
+TEST_F(Terminals, aViewThatIsScrolledBackStaysOnItsText)
+{
+    LumoTerminalSession& session = open("seq 1 100; read x; seq 101 300; read x");
+    ASSERT_TRUE(awaitText(session, u"100"_s));
+    terminal::Snapshot snapshot;
+    const auto first = [&] {
+        session.snapshot(snapshot);
+        std::string text;
+        for (const terminal::Cell cell : snapshot.rows[0].cells)
+            text.push_back(char(cell.content()));
+        return text;
+    };
+    ASSERT_TRUE(await([&] { return session.snapshot(snapshot), snapshot.historyRows == 91; }));
+    session.scrollTo(-50);
+    const std::string before = first();
+    session.send(u"\n"_s);
+    ASSERT_TRUE(await([&] { return session.snapshot(snapshot), snapshot.historyRows > 250; }));
+    EXPECT_EQ(first(), before);
+    session.view({ 20, 6 });
+    EXPECT_EQ(first(), before);
+
+    session.search()->setShown(true);
+    session.search()->setText(u"27"_s);
+    EXPECT_EQ(session.search()->status(), u"1 of 13"_s); // 27, 127, 227 and 270 to 279
+    session.search()->next();
+    EXPECT_EQ(session.search()->status(), u"2 of 13"_s);
+}
+
+TEST_F(Terminals, aShellStartsInItsFolderOrAtHome)
+{
+    const QString at = home.paths().home;
+    EXPECT_EQ(resolvedDirectory(u"/no/such"_s, at), at);
+    QDir().mkpath(at + u"/nimb/x"_s);
+    EXPECT_EQ(resolvedDirectory(u"/no/such"_s, at), at + u"/nimb"_s);
+    EXPECT_EQ(resolvedDirectory(u"~/nimb/x"_s, at), at + u"/nimb/x"_s);
+    EXPECT_EQ(resolvedDirectory(u"~"_s, at), at);
+}
+
+}

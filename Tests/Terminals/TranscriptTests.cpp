@@ -1,0 +1,93 @@
+#include "Support/Print.h"
+#include "Terminals/Redaction.h"
+#include "Terminals/TerminalTranscriptBuffer.h"
+
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+TEST(Transcript, theLastCharactersStayWhateverCameBeforeThem)
+{
+    TerminalTranscriptBuffer transcript;
+    transcript.received(std::string(6000, 'a'));
+    transcript.received(std::string(24'000, 'b'));
+    EXPECT_EQ(transcript.snapshot(24'000), QString(24'000, u'b'));
+    transcript.received("c");
+    EXPECT_EQ(transcript.snapshot(24'000), QString(23'999, u'b') + u'c');
+    EXPECT_EQ(transcript.snapshot(10).size(), 500);
+
+    // A flood is cut now and then; what is left is the same. A cluster counts as one character.
+    TerminalTranscriptBuffer flooded;
+    const QString family = u"👩‍👩‍👧"_s;
+    for (int i = 0; i < 40; ++i)
+        flooded.received(std::string(64'000, 'x'));
+    for (int i = 0; i < 24'000; ++i)
+        flooded.received(family.toStdString());
+    EXPECT_EQ(flooded.snapshot(24'000), family.repeated(24'000));
+}
+
+TEST(Transcript, whatMovesTheCursorIsLeftOutAndSoIsWhatIsNoText)
+{
+    EXPECT_EQ(cleanTranscript(u"\x1b[31mred\x1b[0m a\bb\a\x1b~c"_s), u"red abc"_s);
+    TerminalTranscriptBuffer transcript;
+    transcript.received("good ");
+    transcript.received("bad \xff\xfe");
+    transcript.received("gr\xc3"); // cut between two reads
+    transcript.received("\xbc\xc3\x9f\r\n");
+    EXPECT_EQ(transcript.snapshot(500), u"good grüß"_s);
+}
+
+TEST(Transcript, aTypedLineStandsOnceWhetherTheShellShowsItOrNot)
+{
+    TerminalTranscriptBuffer transcript;
+    transcript.received("$ ");
+    for (const char letter : std::string_view("ls")) {
+        transcript.sent(std::string(1, letter), false);
+        transcript.received(std::string(1, letter));
+    }
+    transcript.sent("\r", false);
+    transcript.received("\r\nfile\r\n$ ");
+    transcript.sent("quiet", false);
+    EXPECT_EQ(transcript.snapshot(500), u"$ ls\r\nfile\r\n$ quiet"_s);
+    transcript.sent("\r", false);
+    EXPECT_EQ(transcript.snapshot(500), u"$ ls\r\nfile\r\n$ quiet"_s);
+}
+
+TEST(Transcript, aPasswordIsHiddenWhereTheTerminalHidesItAndBehindAQuestionForOne)
+{
+    TerminalTranscriptBuffer transcript;
+    transcript.received("Name: ");
+    transcript.sent("hunter1\r", true);
+    transcript.received("\r\n[sudo] password for ana: ");
+    transcript.sent("hunter", false);
+    EXPECT_EQ(transcript.snapshot(500), u"Name: [hidden]\r\r\n[sudo] password for ana: [hidden]"_s);
+    transcript.sent("2\r", false);
+    transcript.received("\r\n\x1b[1mPassphrase for key 'a':\x1b[0m **");
+    transcript.sent("hunter3\r", false);
+    transcript.received("\r\n$ ");
+    transcript.sent("whoami\r", false);
+    const QString text = transcript.snapshot(500);
+    EXPECT_FALSE(text.contains(u"hunter"_s)) << text.toStdString();
+    EXPECT_EQ(text.count(u"[hidden]"_s), 3);
+    EXPECT_TRUE(text.endsWith(u"whoami"_s));
+}
+
+TEST(Redaction, secretsAreMaskedAndTheRestStays)
+{
+    const std::pair<QString, QString> texts[] = {
+        { u" password: hunter22 "_s, u"password=[redacted]"_s },
+        { u"password: abc"_s, u"password: abc"_s },
+        { u"api-key = 'abcdef'"_s, u"api-key=[redacted]'"_s },
+        { u"Authorization: Bearer abc.def"_s, u"Authorization: Bearer [redacted]"_s },
+        { u"key sk-abcdefghijklmnopqrst."_s, u"key [redacted-api-key]."_s },
+        { u"export GITHUB_TOKEN=ghp_1 next"_s, u"export GITHUB_TOKEN=[redacted] next"_s },
+        { u"MY_SECRET=\"two words\" x"_s, u"MY_SECRET=[redacted] x"_s },
+        { u"PATH=/usr/bin"_s, u"PATH=/usr/bin"_s },
+    };
+    for (const auto& [text, expected] : texts)
+        EXPECT_EQ(redactSensitive(text), expected);
+}
+
+}
