@@ -79,13 +79,17 @@ TEST_F(CrmTest, aProposalThatCannotBeAppliedSaysWhyAndStays)
     for (const char* id : { "empty", "garbage", "list" })
         EXPECT_EQ(at(id).error, "Call note payload is empty.") << id;
     EXPECT_EQ(at("deal").error, "Unsupported proposal kind: deal");
+    propose("timeless", "event", R"({"title":"Lunch","startMs":20,"endMs":"30"})", ana);
+    EXPECT_FALSE(applyAsSeen(*m_db, "timeless"));
+    EXPECT_EQ(at("timeless").error, "The event has no time.");
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "timeless"), Decided::Taken);
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 4);
 
     EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "deal"), Decided::Taken);
     EXPECT_EQ(at("deal").status, "rejected");
     EXPECT_EQ(at("deal").error, "");
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 3);
-    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "", 10).size(), 4);
+    EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "", 10).size(), 5);
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "", 2).size(), 2);
 }
 
@@ -117,6 +121,17 @@ TEST_F(CrmTest, aTaskTakesTheProposalsTitleWhereThePayloadHasNone)
     EXPECT_EQ(table("SELECT title, due, priority, status, contact_id FROM crm_task ORDER BY rowid;"),
         (QStringList { "Send the quote||Normal|To do|-", "Ring back|Friday|High|Doing|" + ana }));
     EXPECT_EQ(queued(), (QStringList { "task/create", "task/create" }));
+}
+
+TEST_F(CrmTest, anAppliedEventIsAskedOfTheCalendar)
+{
+    propose("e", "event",
+        R"({"title":"Lunch","startMs":1763982000000,"endMs":1763985600000,"location":"Bar Sol","calendar":"Work"})",
+        ana);
+    EXPECT_EQ(at("e").bodyPreview(), "Mon 24 Nov 2025, 12:00 to 13:00\nBar Sol");
+    EXPECT_TRUE(applyAsSeen(*m_db, "e"));
+    EXPECT_EQ(table("SELECT title, start_ms, end_ms, location, calendar, status FROM calendar_command;"),
+        QStringList("Lunch|1763982000000|1763985600000|Bar Sol|Work|pending"));
 }
 
 TEST_F(CrmTest, linkingOneProposalOfACallLinksTheCallAndAllThatWait)

@@ -1,5 +1,6 @@
 #include "Store/Approvals/CrmProposals.h"
 
+#include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Foundation/Result.h"
 #include "Store/Core/Table.h"
@@ -7,6 +8,9 @@
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmRecords.h"
 #include "Store/People/IdentityQueries.h"
+
+#include <QDateTime>
+#include <QLocale>
 
 namespace corvane {
 
@@ -17,6 +21,7 @@ const QString applied = QStringLiteral("applied");
 const QString rejected = QStringLiteral("rejected");
 const QString note = QStringLiteral("note");
 const QString task = QStringLiteral("task");
+const QString event = QStringLiteral("event");
 
 const Table<CRMUpdateProposal> proposals("crm_update_proposal",
     {
@@ -60,6 +65,51 @@ bool recordDecision(LocalDB& db, const CRMUpdateProposal& proposal, const char* 
         db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action), proposalHash(proposal));
 }
 
+struct Span {
+    qint64 startMs = 0;
+    qint64 endMs = 0;
+};
+
+/// When a proposed event is; nothing where the payload tells no time that can be.
+std::optional<Span> spanOf(const QJsonObject& payload)
+{
+    const auto start = wholeNumber(payload, QLatin1StringView("startMs"));
+    const auto end = wholeNumber(payload, QLatin1StringView("endMs"));
+    return start && end && *start > 0 && *end > *start ? std::optional(Span { *start, *end }) : std::nullopt;
+}
+
+QString spanWords(const Span& span)
+{
+    const QDateTime start = QDateTime::fromMSecsSinceEpoch(span.startMs);
+    const QDateTime end = QDateTime::fromMSecsSinceEpoch(span.endMs);
+    const QString time = QStringLiteral("HH:mm");
+    const QString day = QStringLiteral("ddd d MMM yyyy, ") + time;
+    return QStringLiteral("%1 to %2")
+        .arg(QLocale::c().toString(start, day), QLocale::c().toString(end, start.date() == end.date() ? time : day));
+}
+
+/// When, where and more of an event, a line each.
+QString eventWords(const QJsonObject& payload)
+{
+    const auto span = spanOf(payload);
+    QStringList lines { span ? spanWords(*span) : QString(), payloadText(payload, "location"),
+        payloadText(payload, "notes") };
+    lines.removeAll(QString());
+    return lines.join(u'\n');
+}
+
+/// Asks the calendar for the event.
+bool queueEvent(LocalDB& db, const QString& title, const Span& span, const QJsonObject& payload)
+{
+    const qint64 now = db.nowMs();
+    return db.run(R"(INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, notes, location, calendar,
+  status, created_at, updated_at)
+VALUES(?,?,?,?,?,?,?,?,'pending',?,?);)",
+        { stampedId(QStringLiteral("calcmd"), now), activeWorkspaceId(db), title, span.startMs, span.endMs,
+            payloadText(payload, "notes"), payloadText(payload, "location"), payloadText(payload, "calendar"), now,
+            now });
+}
+
 /// The reason where it fails.
 std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
 {
@@ -73,10 +123,17 @@ std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
             return QStringLiteral("Call note payload is empty.");
         return addNote(db, proposal.contactId, text) ? std::nullopt : std::optional(notSaved);
     }
+    const QString named = payloadText(payload, "title").trimmed();
+    const QString title = named.isEmpty() ? proposal.title : named;
+    if (proposal.kind == event) {
+        const auto span = spanOf(payload);
+        if (!span)
+            return QStringLiteral("The event has no time.");
+        return queueEvent(db, title, *span, payload) ? std::nullopt : std::optional(notSaved);
+    }
     if (proposal.kind == task) {
-        const QString title = payloadText(payload, "title").trimmed();
         NewTask added;
-        added.title = title.isEmpty() ? proposal.title : title;
+        added.title = title;
         added.due = payloadText(payload, "due");
         added.priority = payloadText(payload, "priority", added.priority);
         added.status = payloadText(payload, "status", added.status);
@@ -92,6 +149,8 @@ std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
 QString CRMUpdateProposal::bodyPreview() const
 {
     const QJsonObject payload = payloadOf(*this);
+    if (kind == event)
+        return eventWords(payload);
     return payloadText(payload, "body", kind == task ? payloadText(payload, "title") : QString());
 }
 

@@ -10,9 +10,10 @@ struct CRMUpdateProposal {
     QString callId;
     QString contactId;
     QString dealId;
-    QString kind; ///< "note" or "task"
+    QString kind; ///< "note", "task" or "event"
     QString title;
-    QString payloadJson; ///< "body" of a note; "title", "due", "priority", "status" of a task
+    QString payloadJson; ///< "body" of a note; "title", "due", "priority", "status" of a task; "title",
+                         ///< "startMs", "endMs", "location", "notes", "calendar" of an event
     double confidence = 0;
     QString status; ///< "pending", "applied" or "rejected"
     qint64 createdAt = 0; ///< milliseconds since the epoch
