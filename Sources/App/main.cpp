@@ -23,15 +23,18 @@
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Shell/StoreRecovery.h"
+#include "Shell/ToolCommand.h"
 #include "Shell/VerifyCommand.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QTextStream>
 #include <cstring>
+#include <unistd.h>
 
 using namespace corvane;
 
@@ -69,16 +72,34 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     return machine;
 }
 
+/// The arguments come from what is piped in; a person at a terminal who gives none is not waited for.
+int runTool(const AppPaths& paths, const QString& name, QTextStream& out)
+{
+    ToolCall call;
+    call.name = name;
+    QFile input;
+    if (!name.isEmpty() && isatty(STDIN_FILENO) == 0 && input.open(stdin, QIODevice::ReadOnly))
+        call.arguments = input.readAll();
+    if (const int port = qEnvironmentVariableIntValue("NIMB_MCP_PORT"); port > 0)
+        call.port = port;
+    SystemScheduler scheduler;
+    QTextStream errors(stderr);
+    return static_cast<int>(callTool(paths, scheduler, call, out, errors));
+}
+
 /// A command that needs no display and may run beside the program; then its exit code.
 std::optional<int> ranCommand(int argc, char** argv)
 {
     if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
         return runDecodeChild();
-    if (argc != 2 || std::strcmp(argv[1], "verify") != 0)
+    const bool verify = argc == 2 && std::strcmp(argv[1], "verify") == 0;
+    const bool tool = (argc == 2 || argc == 3) && std::strcmp(argv[1], "tool") == 0;
+    if (!verify && !tool)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
+    const AppPaths paths = AppPaths::fromEnvironment();
     QTextStream out(stdout);
-    return verifyDecisions(AppPaths::fromEnvironment(), out);
+    return verify ? verifyDecisions(paths, out) : runTool(paths, QString::fromLocal8Bit(argc == 3 ? argv[2] : ""), out);
 }
 
 void logEvents(EngineManager& engine)
@@ -117,7 +138,8 @@ int main(int argc, char** argv)
         QStringLiteral("save|backup|new") });
     parser.addPositionalArgument(QStringLiteral("url"),
         QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
-                       "decisions and ends."),
+                       "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
+                       "JSON object on its standard input."),
         QStringLiteral("[url]"));
     parser.process(application);
 

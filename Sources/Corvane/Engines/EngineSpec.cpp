@@ -266,6 +266,7 @@ ProcessSpec toolServerSpec(const AppPaths& paths, int port)
 {
     ProcessSpec spec = nodeSpec(paths, QStringLiteral("src/nimb-mcp.ts"), 96);
     spec.environment.insert(QStringLiteral("NIMB_MCP_PORT"), QString::number(port));
+    spec.environment.insert(QStringLiteral("CORVANE_API_BASE_URL"), QStringLiteral(CORVANE_API_BASE_URL));
     spec.environment.remove(markVariable);
     spec.pipes = false;
     return spec;

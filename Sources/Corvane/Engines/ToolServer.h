@@ -12,6 +12,8 @@ class PortHolders;
 class ProcessLauncher;
 struct AppPaths;
 
+inline constexpr int toolServerPort = 8765;
+
 /// The tool server that all channels share: a child that answers HTTP on loopback. An orphan of an earlier run is
 /// cleared off the port first; a server that dies comes back for as long as nobody stops it.
 class ToolServer {
@@ -40,7 +42,7 @@ private:
 
     std::shared_ptr<ChildProcess> m_process;
     std::unique_ptr<Timer> m_timer; ///< the wait for a freed port, or for a restart
-    int m_port = 8765;
+    int m_port = toolServerPort;
     int m_restartAttempts = 0;
     bool m_isRunning = false;
     bool m_isStarting = false;

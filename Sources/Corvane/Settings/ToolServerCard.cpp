@@ -1,6 +1,7 @@
 #include "Settings/ToolServerCard.h"
 
 #include "Engines/EngineManager.h"
+#include "Engines/ToolServer.h"
 
 namespace corvane {
 

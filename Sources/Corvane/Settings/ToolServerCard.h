@@ -33,7 +33,4 @@ private:
     EngineManager& m_engine;
 };
 
-/// The port of the tool server.
-inline constexpr int toolServerPort = 8765;
-
 }

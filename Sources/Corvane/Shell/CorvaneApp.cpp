@@ -8,6 +8,7 @@
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/ToolServer.h"
 #include "Foundation/Log.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
@@ -35,7 +36,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int toolServerPort = 8765;
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
 bool isPaused(const Account& account)
