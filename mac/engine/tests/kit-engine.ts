@@ -17,7 +17,8 @@ runEngine(async ({ stateDir }) => {
     appendFileSync(join(stateDir, "sent"), `${text}\n`);
     if (text === "die") process.kill(process.pid, "SIGKILL");
     if (text === "cable") throw new Error("connection reset");
-    return [{ type: "message", convExternalId: chatId, providerMsgId: `id ${key}`, direction: "OUT", body: text, ts: 1 }];
+    const id = `id ${key}`;
+    return { messages: [{ type: "message", convExternalId: chatId, providerMsgId: id, direction: "OUT", body: text, ts: 1 }] };
   });
   await outbox.resume();
   await emit({ type: "status", state: "open" });

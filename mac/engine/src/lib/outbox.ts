@@ -1,7 +1,7 @@
 // Sends what Corvane says, one message after the other and each of them once.
 
 import { createHash, randomUUID } from "node:crypto";
-import { emit, textOf, type Command } from "./wire.ts";
+import { emit, textOf, whenStored, type Command } from "./wire.ts";
 import type { MessageEvent, SendName } from "./events.ts";
 import type { SendEntry, SendJournal } from "./journal.ts";
 import { stopping, wordsOf } from "./run.ts";
@@ -14,6 +14,8 @@ export interface OutgoingFile {
 export interface Sending {
   /** Unique among what is sent. */
   key: string;
+  /** Of what is sent: the same key and digest are the same message again. */
+  digest: string;
   chatId: string;
   text: string;
   subject: string;
@@ -25,14 +27,19 @@ export interface Sending {
 /** The provider said no, in these words: the message did not go out, also after `begin`. */
 export class Refused extends Error {}
 
-/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back, and returns what to
- *  show of it, the message itself first. Whatever it throws before `begin`, and `Refused` after it, fails the
+export interface Delivered {
+  /** What to show of it, the message itself first. */
+  messages: MessageEvent[];
+  /** What is left to do, once the journal has the answer. */
+  after?: () => void;
+}
+
+/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back. Whatever it throws before `begin`, and `Refused` after it, fails the
  *  draft; any other end after `begin` leaves it uncertain. It must end by itself, also where nobody answers. */
-export type Deliver = (sending: Sending, begin: () => void) => Promise<MessageEvent[]>;
+export type Deliver = (sending: Sending, begin: () => void) => Promise<Delivered>;
 
 interface Waiting extends Sending {
   name: SendName | undefined;
-  digest: string;
 }
 
 const progressEvery = 10_000;
@@ -87,8 +94,9 @@ export class Outbox {
       isBegun = true;
     };
     try {
-      const messages = await this.#deliver(waiting, begin);
+      const { messages, after } = await this.#deliver(waiting, begin);
       this.#journal.sent(key, digest, messages);
+      after?.();
       await this.#tell({ key, digest, stage: "sent", told: false, messages }, name);
     } catch (error) {
       if (isBegun && !(error instanceof Refused)) {
@@ -102,10 +110,9 @@ export class Outbox {
 
   async #tell({ key, stage, messages }: SendEntry, name: SendName | undefined): Promise<void> {
     for (const message of messages) await emit(message);
-    const told = (): void => this.#journal.told(key);
-    if (!name) return told();
-    if (stage === "begun") await emit({ type: "sendAck", ...name, status: "uncertain", error: noAnswer }, told);
-    else await emit({ type: "sendAck", ...name, status: "sent", providerMsgId: messages[0]?.providerMsgId }, told);
+    if (name && stage === "begun") await emit({ type: "sendAck", ...name, status: "uncertain", error: noAnswer });
+    else if (name) await emit({ type: "sendAck", ...name, status: "sent", providerMsgId: messages[0]?.providerMsgId });
+    whenStored(() => this.#journal.told(key));
   }
 }
 

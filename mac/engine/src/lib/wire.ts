@@ -8,21 +8,28 @@ export type Command = Record<string, unknown>;
 
 const sentinel = "@@CORVANE@@";
 
-let lastNumber = 0;
+let printed = 0;
+let stored = 0;
 let isClosed = false;
-const unstored: { number: number; stored: () => void }[] = [];
+const waiting: { number: number; run: () => void }[] = [];
 
-/** Prints one event; await it, so that what the pipe does not take is never more than a line. With `stored`, which
- *  runs once Corvane has this line and all before it on its disk, the line is numbered. */
-export async function emit(event: EngineEvent, stored?: () => void): Promise<void> {
+/** Prints one event; await it, so that what the pipe does not take is never more than a line. */
+export async function emit(event: EngineEvent): Promise<void> {
   if (isClosed) return;
-  let line: object = event;
-  if (stored) {
-    line = { ...event, ack: ++lastNumber };
-    unstored.push({ number: lastNumber, stored });
-  }
-  process.stdout.write(sentinel + JSON.stringify(line) + "\n");
+  printed += 1;
+  print({ ...event, ack: printed });
   if (process.stdout.writableNeedDrain) await once(process.stdout, "drain");
+}
+
+/** Prints a line that nobody acknowledges. */
+export function print(event: object): void {
+  process.stdout.write(sentinel + JSON.stringify(event) + "\n");
+}
+
+/** Runs once everything that was printed so far is on Corvane's disk; in the order of the calls. */
+export function whenStored(run: () => void): void {
+  if (stored >= printed) run();
+  else waiting.push({ number: printed, run });
 }
 
 export const log = (msg: string): Promise<void> => emit({ type: "log", msg });
@@ -45,7 +52,8 @@ export async function readCommands(handle: (command: Command) => void): Promise<
 }
 
 function runStored(number: number): void {
-  while (unstored[0] && unstored[0].number <= number) unstored.shift()?.stored();
+  stored = Math.max(stored, number);
+  while (waiting[0] && waiting[0].number <= stored) waiting.shift()?.run();
 }
 
 function parsed(line: string): Command | undefined {

@@ -1,0 +1,63 @@
+// A mailbox: IMAP for what comes, SMTP for what goes.
+
+import { SendJournal } from "./lib/journal.ts";
+import { Outbox } from "./lib/outbox.ts";
+import { runEngine, signOut, type Engine, type Place } from "./lib/run.ts";
+import { openState } from "./lib/state.ts";
+import { emit, log, textOf, type Command } from "./lib/wire.ts";
+import { mostFileBytes } from "./email/compose.ts";
+import { runConnectSheet } from "./email/connect-sheet.ts";
+import { serversFor } from "./email/discovery.ts";
+import { download } from "./email/downloads.ts";
+import { Mailbox } from "./email/mailbox.ts";
+import { Sender } from "./email/sending.ts";
+import { settingsFrom, type Servers, type Settings } from "./email/settings.ts";
+import { mailTables } from "./email/store.ts";
+import { markRead } from "./email/unread.ts";
+
+const [, , mode] = process.argv;
+if (mode) await runConnectSheet(mode);
+else await runEngine(start);
+
+async function start(place: Place): Promise<Engine> {
+  const nothing: Engine = { handle: () => {}, close: async () => {} };
+  let settings: Settings;
+  let servers: Servers;
+  try {
+    settings = settingsFrom(process.env);
+    servers = await serversFor(settings);
+  } catch (error) {
+    await signOut((error as Error).message);
+    return nothing;
+  }
+
+  const db = openState(place.stateDir, mailTables);
+  const journal = new SendJournal(db);
+  const mailbox = new Mailbox(place.account, settings, servers, db);
+  const sender = new Sender(place, settings, servers, mailbox, journal);
+  const outbox = new Outbox(journal, sender.deliver);
+  await emit({ type: "features", files: true, maxBytes: mostFileBytes, subject: true });
+  await outbox.resume();
+  const staying = mailbox.stay(() => sender.fileCopies());
+
+  const handlers: Record<string, (command: Command) => void> = {
+    send: (command) => outbox.send(command),
+    sendAudio: () => void log("Voice notes cannot be sent by e-mail."),
+    downloadMedia: (command) =>
+      void download(mailbox.session?.client, mailbox.store, place.mediaDir, textOf(command, "messageId")),
+    markRead: (command) => {
+      const client = mailbox.session?.client;
+      if (client) markRead(client, mailbox.store, textOf(command, "chatId")).catch((error: Error) => log(error.message));
+    },
+  };
+  return {
+    handle: (command) => handlers[textOf(command, "cmd")]?.(command),
+    close: async () => {
+      await outbox.idle();
+      await sender.filed();
+      mailbox.session?.close();
+      await staying;
+      db.close();
+    },
+  };
+}

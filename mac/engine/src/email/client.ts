@@ -1,0 +1,64 @@
+// One signed-in IMAP connection, over verified TLS only.
+
+import { ImapFlow, type ImapFlowError } from "imapflow";
+import { credentials, NoToken, type Server, type Settings } from "./settings.ts";
+
+/** The server refused the sign-in, in its own words: trying again would only lock the account. */
+export class SignInRefused extends Error {}
+
+const mebibyte = 1 << 20;
+
+/** `idleAfter` in milliseconds without a command. */
+export async function connectImap(settings: Settings, { host, port, security }: Server, idleAfter = 15_000): Promise<ImapFlow> {
+  const client = new ImapFlow({
+    host,
+    port,
+    secure: security === "tls",
+    doSTARTTLS: security === "starttls" ? true : undefined,
+    auth: await credentials(settings),
+    clientInfo: { name: "Corvane" },
+    logger: false,
+    qresync: true,
+    autoIdleDelay: idleAfter,
+    maxIdleTime: 60_000,
+    connectionTimeout: 20_000,
+    socketTimeout: 120_000,
+    // A server that lies about sizes ends its connection, not this process.
+    maxLineLength: 8 * mebibyte,
+    maxLiteralSize: 4 * mebibyte,
+    maxResponseSize: 16 * mebibyte,
+  });
+  client.on("error", () => {}); // "close" follows
+  try {
+    await client.connect();
+    return client;
+  } catch (error) {
+    client.close();
+    throw understood(error as ImapFlowError, host);
+  }
+}
+
+const passing = new Set(["UNAVAILABLE", "INUSE", "LIMIT", "SERVERBUG"]);
+
+function understood(error: ImapFlowError, host: string): Error {
+  if (error instanceof NoToken) return error;
+  const words = wordsOfServer(error);
+  if (error.authenticationFailed && !passing.has(error.serverResponseCode ?? "")) return new SignInRefused(words, { cause: error });
+  if (error.responseText || error.authenticationFailed) return new Error(`${host}: ${words}`, { cause: error });
+  return new Error(networkWords(error, host), { cause: error });
+}
+
+/** What the server said, without the numbers of the protocol. */
+export function wordsOfServer(error: ImapFlowError): string {
+  const words = error.responseText || (typeof error.response === "string" ? error.response : "") || error.message;
+  return words.replace(/^\S+ (NO|BAD) /, "").replace(/^\[[A-Z-]+\]\s*/, "").slice(0, 500);
+}
+
+/** Why a host cannot be talked to. */
+export function networkWords(error: Error & { code?: string }, host: string): string {
+  const code = error.code ?? "";
+  if (code === "ENOTFOUND" || code === "EAI_AGAIN" || code === "EDNS") return `${host} cannot be found; is there a network?`;
+  if (/CERT|SELF_SIGNED|ALTNAME|UNABLE_TO/.test(code) || /certificate/i.test(error.message)) return `${host} has no valid certificate: ${error.message}`;
+  if (/REFUSED|TIMEOUT|TIMEDOUT|UNREACH|ECONNECTION|ECONNRESET|ClosedAfterConnect/.test(code)) return `${host} does not answer.`;
+  return `${host}: ${error.message}`;
+}

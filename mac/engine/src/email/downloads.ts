@@ -1,0 +1,69 @@
+// Fetches a file of a mail when the person asks for it.
+
+import type { Readable } from "node:stream";
+import type { ImapFlow } from "imapflow";
+import { emit } from "../lib/wire.ts";
+import { wordsOf } from "../lib/run.ts";
+import { writeMedia } from "../lib/media.ts";
+import { partsOf, type FilePart } from "./parts.ts";
+import type { MailPlace, MailStore } from "./store.ts";
+
+/** Fetches the file with the id "{mail}/{number}" and reports how that went. */
+export async function download(client: ImapFlow | undefined, store: MailStore, mediaDir: string, id: string): Promise<void> {
+  await emit({ type: "media", providerMsgId: id, state: "requested" });
+  try {
+    if (!client) throw new Error("The mail server is not connected.");
+    const [mail, number] = id.split("/");
+    const place = store.place(mail);
+    if (!place || !Number(number)) throw new Error("This file is not known any more.");
+    const save = (name: string, content: Readable): Promise<string> => writeMedia(mediaDir, id, name, content);
+    await emit({ type: "media", providerMsgId: id, state: "success", ...(await fetchFile(client, store, place, Number(number), save)) });
+  } catch (error) {
+    await emit({ type: "media", providerMsgId: id, state: "failed", error: wordsOf(error) });
+  }
+}
+
+async function fetchFile(
+  client: ImapFlow,
+  store: MailStore,
+  place: MailPlace,
+  number: number,
+  save: (name: string, content: Readable) => Promise<string>,
+): Promise<{ mediaPath: string; mediaType: FilePart["mediaType"] }> {
+  for await (const { path, uid } of candidates(client, store, place)) {
+    const lock = await client.getMailboxLock(path);
+    try {
+      const message = await client.fetchOne(String(uid), { uid: true, envelope: true, bodyStructure: true }, { uid: true });
+      if (!message || !message.bodyStructure || (message.envelope?.messageId ?? "").slice(0, 998) !== place.messageId) continue;
+      const file = partsOf(message.bodyStructure).files[number - 1];
+      if (!file) continue;
+      const { content } = await client.download(String(uid), file.key, { uid: true });
+      if (!content) continue;
+      return { mediaPath: await save(file.name, content), mediaType: file.mediaType };
+    } finally {
+      lock.release();
+    }
+  }
+  throw new Error("The mail is no longer on the server.");
+}
+
+/** Where the mail was last seen, then wherever its Message-ID is found: it may have been moved. */
+async function* candidates(client: ImapFlow, store: MailStore, place: MailPlace): AsyncGenerator<{ path: string; uid: number }> {
+  const known = store.folderById(place.folder);
+  if (known) yield { path: known.path, uid: place.uid };
+  if (!place.messageId) return;
+  for (const { path, flags } of await client.list()) {
+    if (flags.has("\\Noselect") || flags.has("\\NonExistent")) continue;
+    for (const uid of await uidsOf(client, path, place.messageId)) yield { path, uid };
+  }
+}
+
+/** The mails of a folder with that Message-ID. */
+export async function uidsOf(client: ImapFlow, path: string, messageId: string): Promise<number[]> {
+  const lock = await client.getMailboxLock(path);
+  try {
+    return (await client.search({ header: { "message-id": messageId } }, { uid: true })) || [];
+  } finally {
+    lock.release();
+  }
+}

@@ -1,0 +1,97 @@
+// Reads mails a page at a time: the structure first, then the text parts alone, never the files.
+
+import type { FetchMessageObject, ImapFlow, MessageEnvelopeObject, MessageStructureObject } from "imapflow";
+import { simpleParser } from "mailparser";
+import { partsOf, type FilePart, type Parts, type TextPart } from "./parts.ts";
+import { bodyOf, textOfPart } from "./text.ts";
+
+export interface Header {
+  uid: number;
+  isSeen: boolean;
+  isDraft: boolean;
+  /** When the server took it, in milliseconds. */
+  arrived: number;
+  size: number;
+  envelope: MessageEnvelopeObject;
+  structure: MessageStructureObject | undefined;
+  /** The Message-IDs that it refers to, oldest first. */
+  references: string;
+}
+
+export interface Content {
+  body: string;
+  files: FilePart[];
+}
+
+/** What is read of one text part, in bytes as transferred. */
+const mostOfText = 128 * 1024;
+/** What is read of a mail whose structure the server cannot tell. */
+const mostOfSource = 256 * 1024;
+
+export async function fetchHeaders(client: ImapFlow, uids: string): Promise<Header[]> {
+  const query = { uid: true, flags: true, internalDate: true, size: true, envelope: true, bodyStructure: true, headers: ["references"] };
+  const headers: Header[] = [];
+  for await (const message of client.fetch(uids, query, { uid: true })) headers.push(headerOf(message));
+  return headers;
+}
+
+function headerOf({ uid, flags, internalDate, size = 0, envelope = {}, bodyStructure, headers }: FetchMessageObject): Header {
+  const references = (headers?.toString("latin1") ?? "").match(/<[^<>\s]{1,250}>/g) ?? [];
+  return {
+    uid,
+    isSeen: flags?.has("\\Seen") ?? false,
+    isDraft: flags?.has("\\Draft") ?? false,
+    arrived: new Date(internalDate ?? 0).getTime() || 0,
+    size,
+    envelope,
+    structure: bodyStructure,
+    references: references.slice(-20).join(" "),
+  };
+}
+
+/** Gives each mail with its content, in the order in which the server sends them. Mails whose texts lie in the same parts are
+ *  asked for together. */
+export async function* fetchContents(client: ImapFlow, headers: Header[]): AsyncGenerator<{ header: Header; content: Content }> {
+  const groups = new Map<string, { header: Header; parts: Parts }[]>();
+  for (const header of headers) {
+    const parts = header.structure ? partsOf(header.structure) : { texts: [], files: [] };
+    const keys = parts.texts.map(({ key }) => key).join(" ");
+    groups.set(keys, [...(groups.get(keys) ?? []), { header, parts }]);
+  }
+  for (const [keys, group] of groups) {
+    if (keys !== "") yield* fetchGroup(client, keys.split(" "), group);
+    else for (const { header, parts } of group) yield { header, content: await withoutText(client, header, parts) };
+  }
+}
+
+async function* fetchGroup(
+  client: ImapFlow,
+  keys: string[],
+  group: { header: Header; parts: Parts }[],
+): AsyncGenerator<{ header: Header; content: Content }> {
+  const wanted = new Map(group.map((mail) => [mail.header.uid, mail]));
+  const bodyParts = keys.map((key) => ({ key, start: 0, maxLength: mostOfText }));
+  for await (const { uid, bodyParts: found } of client.fetch([...wanted.keys()].join(","), { uid: true, bodyParts }, { uid: true })) {
+    const mail = wanted.get(uid);
+    if (!mail || !found) continue;
+    wanted.delete(uid);
+    yield { header: mail.header, content: contentOf(mail.parts, found) };
+  }
+  // What is gone by now is shown by its header alone.
+  for (const { header, parts } of wanted.values()) yield { header, content: { body: "", files: parts.files } };
+}
+
+function contentOf({ texts, files }: Parts, found: Map<string, Buffer>): Content {
+  const text = (part: TextPart): string => textOfPart(part, found.get(part.key.toLowerCase()) ?? Buffer.alloc(0));
+  return { body: bodyOf(texts.map(text)), files };
+}
+
+/** A mail that is all files, or one whose structure the server did not tell. */
+async function withoutText(client: ImapFlow, { uid, structure }: Header, { files }: Parts): Promise<Content> {
+  if (structure) return { body: "", files };
+  const message = await client.fetchOne(String(uid), { source: { start: 0, maxLength: mostOfSource } }, { uid: true });
+  const source = message ? message.source : undefined;
+  if (!source) return { body: "", files: [] };
+  const { text = "" } = await simpleParser(source, { skipImageLinks: true, skipTextToHtml: true, skipTextLinks: true });
+  return { body: bodyOf([text]), files: [] };
+}

@@ -1,0 +1,106 @@
+// Mirrors one folder after the other, a page at a time: what is new upwards, the history downwards.
+
+import type { ImapFlow } from "imapflow";
+import { whenStored } from "../lib/wire.ts";
+import { fetchContents, fetchHeaders, type Header } from "./fetch.ts";
+import type { Names } from "./names.ts";
+import type { Folder, MailStore } from "./store.ts";
+import { mailOf, nothingTold, tell, type Account } from "./teller.ts";
+
+const pageSize = 200;
+/** Small, so that the first screen is there at once. */
+const firstPage = 50;
+const minute = 60_000;
+
+/** What is the same wherever a page is read. */
+export interface Mirror {
+  account: Account;
+  store: MailStore;
+  names: Names;
+  /** The path of the sent mail. */
+  sent: string | undefined;
+  /** When the account was first connected, in milliseconds: what arrived before is history wherever it turns up. */
+  since: number;
+  /** When it was last known that every new mail had been read, in milliseconds; 0 where it never was. */
+  syncedAt: number;
+  /** How often the page that ends at a folder's bottom went wrong, by path. */
+  troubles: Map<string, { bottom: number; count: number }>;
+}
+
+/** The folder that `client` has open, begun anew where it is a stranger or its UIDs are. */
+export function openedFolder(client: ImapFlow, { store, syncedAt }: Mirror, known?: Folder): Folder {
+  if (!client.mailbox) throw new Error("no folder is open");
+  const { path, uidValidity, uidNext } = client.mailbox;
+  const validity = String(uidValidity);
+  const folder = known?.path === path ? known : store.folder(path);
+  if (folder?.validity === validity) return folder;
+  const liveAfter = folder && syncedAt > 0 ? syncedAt - 10 * minute : null;
+  return store.beginFolder(path, validity, Math.max(uidNext - 1, 0), liveAfter);
+}
+
+/** Tells what came after the folder's top, in the order of arrival. */
+export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
+  if (!client.mailbox) return;
+  const last = client.mailbox.uidNext - 1;
+  for (;;) {
+    const first = folder.top + 1;
+    const isOpenEnd = first + pageSize > last;
+    const uids = isOpenEnd ? `${first}:*` : `${first}:${first + pageSize - 1}`;
+    const headers = (await fetchHeaders(client, uids)).filter(({ uid }) => uid >= first);
+    if (isOpenEnd && headers.length === 0) return;
+    const top = isOpenEnd ? Math.max(...headers.map(({ uid }) => uid)) : first + pageSize - 1;
+    await tellPage(client, mirror, folder, headers, { top, liveAfter: mirror.since - 24 * 60 * minute });
+  }
+}
+
+/** Tells the page below the folder's bottom, newest first. Where it went wrong before, fewer mails at a time. */
+export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
+  const trouble = mirror.troubles.get(folder.path);
+  const count = trouble?.bottom === folder.bottom ? trouble.count : 0;
+  mirror.troubles.set(folder.path, { bottom: folder.bottom, count: count + 1 });
+  const usual = folder.bottom > folder.top - firstPage ? firstPage : pageSize;
+  const size = [usual, 10][count] ?? 1;
+  const bottom = Math.max(folder.bottom - size, 1);
+  const uids = `${bottom}:${folder.bottom - 1}`;
+  const headers = count < 4 ? await fetchHeaders(client, uids) : await bareHeaders(client, uids);
+  await tellPage(client, mirror, folder, headers.reverse(), { bottom, liveAfter: folder.liveAfter });
+  mirror.troubles.delete(folder.path);
+}
+
+/** Of a mail that breaks the connection whenever it is described: that it is there. */
+async function bareHeaders(client: ImapFlow, uids: string): Promise<Header[]> {
+  const headers: Header[] = [];
+  for await (const { uid, internalDate, size = 0 } of client.fetch(uids, { uid: true, internalDate: true, size: true }, { uid: true })) {
+    const arrived = new Date(internalDate ?? 0).getTime() || 0;
+    const envelope = { subject: "(This mail could not be read.)" };
+    const structure = { type: "multipart/mixed", childNodes: [] };
+    headers.push({ uid, arrived, size, envelope, structure, isSeen: true, isDraft: false, references: "" });
+  }
+  return headers;
+}
+
+async function tellPage(
+  client: ImapFlow,
+  { account, store, names, sent }: Mirror,
+  folder: Folder,
+  headers: Header[],
+  { liveAfter, ...bounds }: { top?: number; bottom?: number; liveAfter: number | null },
+): Promise<void> {
+  const told = nothingTold();
+  const mails = new Map<number, ReturnType<typeof mailOf>>();
+  for (const header of headers) {
+    if (header.isDraft) continue;
+    const mail = mailOf(account, header, folder.path === sent);
+    if (!store.isTold(mail.id)) mails.set(header.uid, mail);
+    else told.places.push({ id: mail.id, folder: folder.id, uid: header.uid, messageId: header.envelope.messageId ?? "" });
+  }
+  const unknown = headers.filter(({ uid }) => mails.has(uid));
+  for await (const { header, content } of fetchContents(client, unknown)) {
+    const mail = mails.get(header.uid);
+    if (!mail) continue;
+    const isLate = liveAfter !== null && header.arrived > liveAfter;
+    await tell({ mail, content, folder, isNew: isLate && !header.isSeen && mail.direction === "IN" }, names, told);
+  }
+  Object.assign(folder, bounds);
+  whenStored(() => store.keep(told, folder, bounds));
+}

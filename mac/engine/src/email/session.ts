@@ -1,0 +1,150 @@
+// One stretch of being connected: a connection that hears of new mail at once, and one that does everything else.
+
+import { setTimeout as sleep } from "node:timers/promises";
+import type { ImapFlow } from "imapflow";
+import { connectImap } from "./client.ts";
+import { mailFolders, type MailFolders } from "./folders.ts";
+import { openedFolder, tellNew, tellOlder, type Mirror } from "./mirror.ts";
+import type { Server, Settings } from "./settings.ts";
+import type { Folder } from "./store.ts";
+import { compareRead, readElsewhere } from "./unread.ts";
+
+const pollEvery = 120_000;
+
+export class Session {
+  /** For what a person asks for. */
+  readonly client: ImapFlow;
+  readonly folders: MailFolders;
+  readonly #listener: ImapFlow;
+  readonly #mirror: Mirror;
+  readonly #synced: () => void;
+  readonly #ended = new AbortController();
+
+  private constructor(listener: ImapFlow, client: ImapFlow, folders: MailFolders, mirror: Mirror, synced: () => void) {
+    this.#listener = listener;
+    this.client = client;
+    this.folders = folders;
+    this.#mirror = { ...mirror, sent: folders.sent };
+    this.#synced = synced;
+    for (const connection of [listener, client]) connection.once("close", () => this.#ended.abort());
+    if (listener.isClosed || client.isClosed) this.#ended.abort();
+  }
+
+  /** `synced` is called whenever every new mail is known to be read. */
+  static async open(settings: Settings, server: Server, mirror: Mirror, synced: () => void): Promise<Session> {
+    const listener = await connectImap(settings, server, 250);
+    try {
+      const client = await connectImap(settings, server);
+      try {
+        return new Session(listener, client, await mailFolders(client), mirror, synced);
+      } catch (error) {
+        client.close();
+        throw error;
+      }
+    } catch (error) {
+      listener.close();
+      throw error;
+    }
+  }
+
+  /** Mirrors until the connection ends, which may be an error. */
+  async run(): Promise<void> {
+    try {
+      await Promise.all([this.#listen(), this.#work()]);
+    } catch (error) {
+      if (!this.#ended.signal.aborted) throw error;
+    } finally {
+      this.close();
+    }
+  }
+
+  close(): void {
+    this.#ended.abort();
+    this.#listener.close();
+    this.client.close();
+  }
+
+  /** Keeps the inbox open and tells what comes. */
+  async #listen(): Promise<void> {
+    const client = this.#listener;
+    await client.mailboxOpen("INBOX");
+    let inbox = openedFolder(client, this.#mirror);
+    const bell = new Bell(this.#ended.signal);
+    client.on("exists", () => bell.ring());
+    client.on("flags", ({ uid, flags }) => {
+      if (uid && flags.has("\\Seen")) void readElsewhere(this.#mirror.store, inbox, uid);
+    });
+    await tellNew(client, this.#mirror, inbox);
+    await compareRead(client, this.#mirror.store, inbox);
+    for (;;) {
+      await bell.rung();
+      if (this.#ended.signal.aborted) return;
+      inbox = openedFolder(client, this.#mirror, inbox);
+      await tellNew(client, this.#mirror, inbox);
+    }
+  }
+
+  /** Tells the history of all folders, and looks into them now and then. */
+  async #work(): Promise<void> {
+    const known = new Map<string, Folder>();
+    let looked = 0;
+    for (let paths = this.folders.mirrored; !this.#ended.signal.aborted; ) {
+      if (Date.now() - looked >= pollEvery) {
+        if (looked > 0) paths = (await mailFolders(this.client)).mirrored;
+        for (const path of paths) await this.#look(path, known);
+        this.#synced();
+        looked = Date.now();
+      }
+      const next = paths.map((path) => known.get(path)).find((folder) => folder !== undefined && folder.bottom > 1);
+      if (next) await this.#inFolder(next.path, known, (folder) => tellOlder(this.client, this.#mirror, folder));
+      else await sleep(looked + pollEvery - Date.now(), undefined, { signal: this.#ended.signal });
+    }
+  }
+
+  /** Reads what is new in a folder, where anything is. The inbox has its own connection for that. */
+  async #look(path: string, known: Map<string, Folder>): Promise<void> {
+    const folder = known.get(path);
+    if (folder && path !== "INBOX") {
+      const now = await this.client.status(path, { uidNext: true, uidValidity: true, highestModseq: true });
+      const { uidNext, uidValidity, highestModseq } = now || {};
+      const isSame = String(uidValidity) === folder.validity && uidNext === folder.top + 1;
+      if (isSame && highestModseq !== undefined && String(highestModseq) === folder.modseq) return;
+    }
+    await this.#inFolder(path, known, async (opened) => {
+      if (path !== "INBOX") await tellNew(this.client, this.#mirror, opened);
+      await compareRead(this.client, this.#mirror.store, opened);
+    });
+  }
+
+  async #inFolder(path: string, known: Map<string, Folder>, work: (folder: Folder) => Promise<void>): Promise<void> {
+    const lock = await this.client.getMailboxLock(path);
+    try {
+      const folder = openedFolder(this.client, this.#mirror, known.get(path));
+      known.set(path, folder);
+      await work(folder);
+    } finally {
+      lock.release();
+    }
+  }
+}
+
+/** Rings that come while nobody listens are one. */
+class Bell {
+  #isRung = false;
+  #wake: (() => void) | undefined;
+
+  constructor(ended: AbortSignal) {
+    ended.addEventListener("abort", () => this.ring());
+  }
+
+  ring(): void {
+    this.#isRung = true;
+    this.#wake?.();
+  }
+
+  async rung(): Promise<void> {
+    if (!this.#isRung) await new Promise<void>((resolve) => (this.#wake = resolve));
+    this.#isRung = false;
+    this.#wake = undefined;
+  }
+}

@@ -1,0 +1,87 @@
+// Whose mail it is, with what it is signed in, and where its servers are.
+
+import { output } from "../lib/child.ts";
+import { normalAddress } from "./address.ts";
+
+export interface Server {
+  host: string;
+  port: number;
+  /** TLS from the first byte, or STARTTLS, without which nothing goes on. */
+  security: "tls" | "starttls";
+}
+
+export interface Servers {
+  imap: Server;
+  smtp: Server;
+}
+
+export interface Settings {
+  /** As the person wrote it. */
+  address: string;
+  /** The name to sign in with. */
+  user: string;
+  secret: { password: string } | { tokenCommand: string[] };
+  servers: Partial<Servers>;
+  /** Every address of the person's, in the form that is compared. */
+  own: ReadonlySet<string>;
+}
+
+/** From EMAIL_USER and EMAIL_PASS. Throws in words for a person. */
+export function settingsFrom(environment: NodeJS.ProcessEnv): Settings {
+  const address = (environment.EMAIL_USER ?? "").trim();
+  if (!/^[^@\s]+@[^@\s]+$/.test(address)) throw new Error("The account has no e-mail address.");
+  const text = environment.EMAIL_PASS ?? "";
+  if (text === "") throw new Error("The account has no password.");
+  const given = parsed(text);
+  if (!given) return { address, user: address, secret: { password: text }, servers: {}, own: ownSet([address]) };
+
+  const tokenCommand = Array.isArray(given.tokenCommand) ? given.tokenCommand.map(String) : undefined;
+  if (tokenCommand?.length === 0) throw new Error("The token command is empty.");
+  const secret = tokenCommand ? { tokenCommand } : { password: String(given.password) };
+  const aliases = Array.isArray(given.aliases) ? given.aliases.map(String) : [];
+  const servers: Partial<Servers> = {};
+  if (given.imap !== undefined) servers.imap = serverFrom(given.imap, "IMAP");
+  if (given.smtp !== undefined) servers.smtp = serverFrom(given.smtp, "SMTP");
+  const user = typeof given.user === "string" && given.user ? given.user : address;
+  return { address, user, secret, servers, own: ownSet([address, ...aliases]) };
+}
+
+function ownSet(addresses: string[]): Set<string> {
+  return new Set(addresses.map(normalAddress));
+}
+
+/** Only an object that holds a password or a token command; any other text is a password, braces or not. */
+function parsed(text: string): Record<string, unknown> | undefined {
+  try {
+    const value = JSON.parse(text) as Record<string, unknown> | null;
+    if (typeof value !== "object" || value === null) return undefined;
+    return typeof value.password === "string" || Array.isArray(value.tokenCommand) ? value : undefined;
+  } catch {
+    return undefined;
+  }
+}
+
+function serverFrom(value: unknown, name: string): Server {
+  const { host, port, security } = (value ?? {}) as Record<string, unknown>;
+  const isKnown = security === "tls" || security === "starttls";
+  const isPort = Number.isInteger(port) && Number(port) > 0 && Number(port) < 65_536;
+  if (typeof host !== "string" || !host.trim() || !isPort || !isKnown) {
+    throw new Error(`The ${name} server needs a host, a port, and "tls" or "starttls".`);
+  }
+  return { host: host.trim().toLowerCase(), port: Number(port), security };
+}
+
+/** The token command failed, so nothing is known about the sign-in itself. */
+export class NoToken extends Error {}
+
+/** What to sign in with, fetched anew each time. */
+export async function credentials({ secret, user }: Settings): Promise<{ user: string; pass?: string; accessToken?: string }> {
+  if ("password" in secret) return { user, pass: secret.password };
+  try {
+    const accessToken = await output(secret.tokenCommand, { timeout: 30_000, without: ["EMAIL_PASS"] });
+    if (accessToken === "") throw new Error("it printed no token");
+    return { user, accessToken };
+  } catch (error) {
+    throw new NoToken(`The token command failed: ${(error as Error).message}`, { cause: error });
+  }
+}
