@@ -24,7 +24,9 @@ test("the connect sheet finds the servers and tries the password", async () => {
   };
   assert.deepEqual(await signIn({ password: "secret" }), [true, undefined, 0]);
   assert.deepEqual(await signIn({ password: "wrong" }), [false, "imap", 1]);
-  assert.deepEqual(await signIn({ password: "secret", smtp: { ...(smtp as object), port: 1 } }), [false, "smtp", 1]);
+  servers.submission.onAuth = (_, __, done) => done(new Error("No sending for you"));
+  assert.deepEqual(await signIn({ password: "secret" }), [false, "smtp", 1]);
+  servers.submission.onAuth = undefined;
   const EMAIL_PASS = JSON.stringify({ imap, smtp, password: "secret" });
   assert.match(String((await connectSheet("--sign-in", { EMAIL_USER: me, EMAIL_PASS })).event.error), /certificate/);
 });

@@ -54,12 +54,13 @@ export async function startMailServers(folder: string): Promise<MailServers> {
   const startImap = async (): Promise<void> => {
     const asUser = isRoot ? ["--reuid", String(uid), "--regid", String(gid), "--clear-groups"] : [];
     const words = ["--pdeathsig", "TERM", ...asUser, "--", "/usr/sbin/dovecot", "-F", "-c", configuration];
-    dovecot = spawn("setpriv", words, { stdio: ["ignore", "ignore", "inherit"] });
+    dovecot = spawn("setpriv", words, { stdio: ["ignore", "ignore", "inherit"], detached: true });
     await Promise.all([imapPort, lmtpPort].map(answering));
   };
   const stopImap = async (): Promise<void> => {
+    if (!dovecot?.pid) return;
     const ended = new Promise((resolve) => dovecot?.once("exit", resolve));
-    if (!dovecot?.kill("SIGTERM")) return;
+    process.kill(-dovecot.pid, "SIGTERM"); // its children would keep their connections for some seconds
     dovecot = undefined;
     await ended;
     rmSync(join(folder, "run"), { recursive: true, force: true });

@@ -56,8 +56,8 @@ export function wordsOfServer(error: ImapFlowError): string {
 
 /** Why a host cannot be talked to. */
 export function networkWords(error: Error & { code?: string }, host: string): string {
-  const code = error.code ?? "";
-  if (code === "ENOTFOUND" || code === "EAI_AGAIN" || code === "EDNS") return `${host} cannot be found; is there a network?`;
+  const code = `${error.code ?? ""} ${/\b(E[A-Z]+)\b/.exec(error.message)?.[1] ?? ""}`.trim();
+  if (/ENOTFOUND|EAI_AGAIN|EDNS/.test(code)) return `${host} cannot be found; is there a network?`;
   if (/CERT|SELF_SIGNED|ALTNAME|UNABLE_TO/.test(code) || /certificate/i.test(error.message)) return `${host} has no valid certificate: ${error.message}`;
   if (/REFUSED|TIMEOUT|TIMEDOUT|UNREACH|ECONNECTION|ECONNRESET|ClosedAfterConnect/.test(code)) return `${host} does not answer.`;
   return `${host}: ${error.message}`;
