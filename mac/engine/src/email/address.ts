@@ -29,9 +29,12 @@ export function isAddress(text: string): boolean {
   return /^[^\s@<>,;:"()\\]+@[^\s@<>,;:"()\\]+$/.test(text) && !text.endsWith("@invalid");
 }
 
+/** What servers put in the place of an address that is none. */
+const invented = /@(missing_domain|\.missing-host-name\.|\.syntax-error\.)$|^missing_mailbox@|^@|@$/i;
+
 export function peopleOf(list: MessageAddressObject[] | undefined): Person[] {
   return (list ?? [])
-    .filter(({ address = "" }) => address.includes("@"))
+    .filter(({ address = "" }) => address.includes("@") && !invented.test(address))
     .map(({ address = "", name = "" }) => ({ address: normalAddress(address), name: nameOf(name, address) }));
 }
 

@@ -37,7 +37,7 @@ async function fetchFile(
       if (!message || !message.bodyStructure || (message.envelope?.messageId ?? "").slice(0, 998) !== place.messageId) continue;
       const file = partsOf(message.bodyStructure).files[number - 1];
       if (!file) continue;
-      const { content } = await client.download(String(uid), file.key, { uid: true });
+      const { content } = await client.download(String(uid), file.key, { uid: true, chunkSize: 1 << 20 });
       if (!content) continue;
       return { mediaPath: await save(file.name, content), mediaType: file.mediaType };
     } finally {

@@ -1,7 +1,6 @@
 // Reads mails a page at a time: the structure first, then the text parts alone, never the files.
 
 import type { FetchMessageObject, ImapFlow, MessageEnvelopeObject, MessageStructureObject } from "imapflow";
-import { simpleParser } from "mailparser";
 import { partsOf, type FilePart, type Parts, type TextPart } from "./parts.ts";
 import { bodyOf, textOfPart } from "./text.ts";
 
@@ -28,14 +27,31 @@ const mostOfText = 128 * 1024;
 /** What is read of a mail whose structure the server cannot tell. */
 const mostOfSource = 256 * 1024;
 
-export async function fetchHeaders(client: ImapFlow, uids: string): Promise<Header[]> {
-  const query = { uid: true, flags: true, internalDate: true, size: true, envelope: true, bodyStructure: true, headers: ["references"] };
+const known = { uid: true, flags: true, internalDate: true, size: true };
+const described = { ...known, envelope: true, headers: ["references"] };
+
+/** How much of a mail is asked for: a server or the library may fail at its structure, or even at its header. */
+const forms = [{ ...described, bodyStructure: true }, described, known];
+
+/** The mails with these UIDs, in any order. Those that cannot be described are still among them. */
+export async function fetchHeaders(client: ImapFlow, uids: string, from = 0): Promise<Header[]> {
+  const missing = new Set((await client.search({ uid: uids }, { uid: true })) || []);
   const headers: Header[] = [];
-  for await (const message of client.fetch(uids, query, { uid: true })) headers.push(headerOf(message));
+  for (const form of forms.slice(from)) {
+    if (missing.size === 0) break;
+    for await (const message of client.fetch([...missing].join(","), form, { uid: true })) {
+      if (missing.delete(message.uid)) headers.push(headerOf(message));
+    }
+  }
   return headers;
 }
 
-function headerOf({ uid, flags, internalDate, size = 0, envelope = {}, bodyStructure, headers }: FetchMessageObject): Header {
+/** For `fetchHeaders`: ask for no more than that the mails are there. */
+export const bareForm = forms.length - 1;
+
+const unreadable: MessageEnvelopeObject = { subject: "(This mail could not be read.)" };
+
+function headerOf({ uid, flags, internalDate, size = 0, envelope = unreadable, bodyStructure, headers }: FetchMessageObject): Header {
   const references = (headers?.toString("latin1") ?? "").match(/<[^<>\s]{1,250}>/g) ?? [];
   return {
     uid,
@@ -87,11 +103,12 @@ function contentOf({ texts, files }: Parts, found: Map<string, Buffer>): Content
 }
 
 /** A mail that is all files, or one whose structure the server did not tell. */
-async function withoutText(client: ImapFlow, { uid, structure }: Header, { files }: Parts): Promise<Content> {
-  if (structure) return { body: "", files };
+async function withoutText(client: ImapFlow, { uid, structure, envelope }: Header, { files }: Parts): Promise<Content> {
+  if (structure || envelope === unreadable) return { body: "", files };
   const message = await client.fetchOne(String(uid), { source: { start: 0, maxLength: mostOfSource } }, { uid: true });
   const source = message ? message.source : undefined;
   if (!source) return { body: "", files: [] };
+  const { simpleParser } = await import("mailparser"); // 10 MB that hardly any mailbox needs
   const { text = "" } = await simpleParser(source, { skipImageLinks: true, skipTextToHtml: true, skipTextLinks: true });
   return { body: bodyOf([text]), files: [] };
 }

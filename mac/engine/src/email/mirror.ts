@@ -2,7 +2,7 @@
 
 import type { ImapFlow } from "imapflow";
 import { whenStored } from "../lib/wire.ts";
-import { fetchContents, fetchHeaders, type Header } from "./fetch.ts";
+import { bareForm, fetchContents, fetchHeaders, type Header } from "./fetch.ts";
 import type { Names } from "./names.ts";
 import type { Folder, MailStore } from "./store.ts";
 import { mailOf, nothingTold, tell, type Account } from "./teller.ts";
@@ -62,21 +62,10 @@ export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder
   const size = [usual, 10][count] ?? 1;
   const bottom = Math.max(folder.bottom - size, 1);
   const uids = `${bottom}:${folder.bottom - 1}`;
-  const headers = count < 4 ? await fetchHeaders(client, uids) : await bareHeaders(client, uids);
-  await tellPage(client, mirror, folder, headers.reverse(), { bottom, liveAfter: folder.liveAfter });
+  // A mail that breaks the connection whenever it is described is only said to be there.
+  const headers = await fetchHeaders(client, uids, count < 4 ? 0 : bareForm);
+  await tellPage(client, mirror, folder, headers.sort((a, b) => b.uid - a.uid), { bottom, liveAfter: folder.liveAfter });
   mirror.troubles.delete(folder.path);
-}
-
-/** Of a mail that breaks the connection whenever it is described: that it is there. */
-async function bareHeaders(client: ImapFlow, uids: string): Promise<Header[]> {
-  const headers: Header[] = [];
-  for await (const { uid, internalDate, size = 0 } of client.fetch(uids, { uid: true, internalDate: true, size: true }, { uid: true })) {
-    const arrived = new Date(internalDate ?? 0).getTime() || 0;
-    const envelope = { subject: "(This mail could not be read.)" };
-    const structure = { type: "multipart/mixed", childNodes: [] };
-    headers.push({ uid, arrived, size, envelope, structure, isSeen: true, isDraft: false, references: "" });
-  }
-  return headers;
 }
 
 async function tellPage(
