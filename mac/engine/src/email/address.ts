@@ -77,6 +77,6 @@ export function chatIdOf(people: Person[]): string {
 
 /** Exactly the addresses that a chat's id names. */
 export function addressesIn(chatId: string): string[] {
-  const names = chatId.endsWith(groupMark) ? chatId.slice(0, -groupMark.length).split(",") : [chatId];
-  return names.map((name) => name.trim().toLowerCase());
+  const names = chatId.endsWith(groupMark) ? chatId.slice(0, -groupMark.length) : chatId;
+  return names.split(",").map((name) => name.trim().toLowerCase());
 }

@@ -28,7 +28,7 @@ export async function connectImap(settings: Settings, { host, port, security }: 
     maxLiteralSize: 4 * mebibyte,
     maxResponseSize: 16 * mebibyte,
   });
-  client.on("error", () => {}); // "close" follows
+  client.on("error", (error: ImapFlowError) => lastErrors.set(client, error)); // "close" follows
   try {
     await client.connect();
     return client;
@@ -36,6 +36,14 @@ export async function connectImap(settings: Settings, { host, port, security }: 
     client.close();
     throw understood(error as ImapFlowError, host);
   }
+}
+
+const lastErrors = new WeakMap<ImapFlow, ImapFlowError>();
+
+/** Whether the connection ended, or the call failed, because of what the server said and not because of the network. */
+export function isUnreadable(client: ImapFlow, error: unknown): boolean {
+  const codes = [error as ImapFlowError, lastErrors.get(client)].map((known) => known?.code ?? "");
+  return codes.some((code) => /TooLarge|ParserError|NESTING|Processing|UnexpectedTag|InvalidResponse/.test(code));
 }
 
 const passing = new Set(["UNAVAILABLE", "INUSE", "LIMIT", "SERVERBUG"]);

@@ -2,6 +2,7 @@
 
 import type { ImapFlow } from "imapflow";
 import { whenStored } from "../lib/wire.ts";
+import { isUnreadable } from "./client.ts";
 import { bareForm, fetchContents, fetchHeaders, type Header } from "./fetch.ts";
 import type { Names } from "./names.ts";
 import type { Folder, MailStore } from "./store.ts";
@@ -23,8 +24,8 @@ export interface Mirror {
   since: number;
   /** When it was last known that every new mail had been read, in milliseconds; 0 where it never was. */
   syncedAt: number;
-  /** How often the page that ends at a folder's bottom went wrong, by path. */
-  troubles: Map<string, { bottom: number; count: number }>;
+  /** How often a page went wrong: what was read, and at which UID. */
+  troubles: Map<string, { at: number; count: number }>;
 }
 
 /** The folder that `client` has open, begun anew where it is a stranger or its UIDs are. */
@@ -32,7 +33,8 @@ export function openedFolder(client: ImapFlow, { store, syncedAt }: Mirror, know
   if (!client.mailbox) throw new Error("no folder is open");
   const { path, uidValidity, uidNext } = client.mailbox;
   const validity = String(uidValidity);
-  const folder = known?.path === path ? known : store.folder(path);
+  if (known?.path === path && known.validity === validity) return known;
+  const folder = store.folder(path);
   if (folder?.validity === validity) return folder;
   const liveAfter = folder && syncedAt > 0 ? syncedAt - 10 * minute : null;
   return store.beginFolder(path, validity, Math.max(uidNext - 1, 0), liveAfter);
@@ -42,30 +44,47 @@ export function openedFolder(client: ImapFlow, { store, syncedAt }: Mirror, know
 export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
   if (!client.mailbox) return;
   const last = client.mailbox.uidNext - 1;
-  for (;;) {
+  for (let isDone = false; !isDone; ) {
     const first = folder.top + 1;
-    const isOpenEnd = first + pageSize > last;
-    const uids = isOpenEnd ? `${first}:*` : `${first}:${first + pageSize - 1}`;
-    const headers = (await fetchHeaders(client, uids)).filter(({ uid }) => uid >= first);
-    if (isOpenEnd && headers.length === 0) return;
-    const top = isOpenEnd ? Math.max(...headers.map(({ uid }) => uid)) : first + pageSize - 1;
-    await tellPage(client, mirror, folder, headers, { top, liveAfter: mirror.since - 24 * 60 * minute });
+    await readPage(client, mirror, { what: `new in ${folder.path}`, at: first, usual: pageSize }, async (size, form) => {
+      const end = Math.min(first + size - 1, last);
+      const isOpen = first > last;
+      const found = await fetchHeaders(client, `${first}:${isOpen ? "*" : end}`, form);
+      const headers = found.filter(({ uid }) => uid >= first);
+      isDone = isOpen && headers.length === 0;
+      const top = isOpen ? Math.max(folder.top, ...headers.map(({ uid }) => uid)) : end;
+      if (!isDone) await tellPage(client, mirror, folder, headers, { top, liveAfter: mirror.since - 24 * 60 * minute });
+    });
   }
 }
 
-/** Tells the page below the folder's bottom, newest first. Where it went wrong before, fewer mails at a time. */
+/** Tells the page below the folder's bottom, newest first. */
 export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
-  const trouble = mirror.troubles.get(folder.path);
-  const count = trouble?.bottom === folder.bottom ? trouble.count : 0;
-  mirror.troubles.set(folder.path, { bottom: folder.bottom, count: count + 1 });
   const usual = folder.bottom > folder.top - firstPage ? firstPage : pageSize;
-  const size = [usual, 10][count] ?? 1;
-  const bottom = Math.max(folder.bottom - size, 1);
-  const uids = `${bottom}:${folder.bottom - 1}`;
-  // A mail that breaks the connection whenever it is described is only said to be there.
-  const headers = await fetchHeaders(client, uids, count < 4 ? 0 : bareForm);
-  await tellPage(client, mirror, folder, headers.sort((a, b) => b.uid - a.uid), { bottom, liveAfter: folder.liveAfter });
-  mirror.troubles.delete(folder.path);
+  await readPage(client, mirror, { what: `history of ${folder.path}`, at: folder.bottom, usual }, async (size, form) => {
+    const bottom = Math.max(folder.bottom - size, 1);
+    const headers = await fetchHeaders(client, `${bottom}:${folder.bottom - 1}`, form);
+    await tellPage(client, mirror, folder, headers.sort((a, b) => b.uid - a.uid), { bottom, liveAfter: folder.liveAfter });
+  });
+}
+
+/** Reads the page at a UID. Where the server's words for it broke the connection before, fewer mails at a time, until the
+ *  one that does stands alone, which is then only said to be there. */
+async function readPage(
+  client: ImapFlow,
+  { troubles }: Mirror,
+  { what, at, usual }: { what: string; at: number; usual: number },
+  read: (size: number, form: number) => Promise<void>,
+): Promise<void> {
+  const trouble = troubles.get(what);
+  const count = trouble?.at === at ? trouble.count : 0;
+  try {
+    await read([usual, 10][count] ?? 1, count < 3 ? 0 : bareForm);
+    troubles.delete(what);
+  } catch (error) {
+    if (isUnreadable(client, error)) troubles.set(what, { at, count: count + 1 });
+    throw error;
+  }
 }
 
 async function tellPage(

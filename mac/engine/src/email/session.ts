@@ -1,8 +1,9 @@
 // One stretch of being connected: a connection that hears of new mail at once, and one that does everything else.
 
 import { setTimeout as sleep } from "node:timers/promises";
-import type { ImapFlow } from "imapflow";
-import { connectImap } from "./client.ts";
+import type { ImapFlow, ImapFlowError } from "imapflow";
+import { log } from "../lib/wire.ts";
+import { connectImap, wordsOfServer } from "./client.ts";
 import { mailFolders, type MailFolders } from "./folders.ts";
 import { openedFolder, tellNew, tellOlder, type Mirror } from "./mirror.ts";
 import type { Server, Settings } from "./settings.ts";
@@ -116,8 +117,14 @@ export class Session {
     });
   }
 
+  /** A folder that the server does not open is passed over. */
   async #inFolder(path: string, known: Map<string, Folder>, work: (folder: Folder) => Promise<void>): Promise<void> {
-    const lock = await this.client.getMailboxLock(path);
+    const lock = await this.client.getMailboxLock(path).catch(async (error: ImapFlowError) => {
+      if (!this.client.usable) throw error;
+      known.delete(path);
+      await log(`The folder ${path} cannot be opened: ${wordsOfServer(error)}`);
+    });
+    if (!lock) return;
     try {
       const folder = openedFolder(this.client, this.#mirror, known.get(path));
       known.set(path, folder);
