@@ -51,7 +51,8 @@ const passing = new Set(["UNAVAILABLE", "INUSE", "LIMIT", "SERVERBUG"]);
 function understood(error: ImapFlowError, host: string): Error {
   if (error instanceof NoToken) return error;
   const words = wordsOfServer(error);
-  if (error.authenticationFailed && !passing.has(error.serverResponseCode ?? "")) return new SignInRefused(words, { cause: error });
+  const isPassing = passing.has(error.serverResponseCode ?? "");
+  if (error.authenticationFailed && !isPassing) return new SignInRefused(words, { cause: error });
   if (error.responseText || error.authenticationFailed) return new Error(`${host}: ${words}`, { cause: error });
   return new Error(networkWords(error, host), { cause: error });
 }
@@ -66,7 +67,8 @@ export function wordsOfServer(error: ImapFlowError): string {
 export function networkWords(error: Error & { code?: string }, host: string): string {
   const code = `${error.code ?? ""} ${/\b(E[A-Z]+)\b/.exec(error.message)?.[1] ?? ""}`.trim();
   if (/ENOTFOUND|EAI_AGAIN|EDNS/.test(code)) return `${host} cannot be found; is there a network?`;
-  if (/CERT|SELF_SIGNED|ALTNAME|UNABLE_TO/.test(code) || /certificate/i.test(error.message)) return `${host} has no valid certificate: ${error.message}`;
+  const isDistrusted = /CERT|SELF_SIGNED|ALTNAME|UNABLE_TO/.test(code) || /certificate/i.test(error.message);
+  if (isDistrusted) return `${host} has no valid certificate: ${error.message}`;
   if (/REFUSED|TIMEOUT|TIMEDOUT|UNREACH|ECONNECTION|ECONNRESET|ClosedAfterConnect/.test(code)) return `${host} does not answer.`;
   return `${host}: ${error.message}`;
 }

@@ -24,7 +24,7 @@ export async function discover(address: string, localAutoconfig = ""): Promise<F
   if (local) return judged(domain, local, "autoconfig");
 
   const provider = providerOfDomain(domain) ?? (await providerByExchanger(domain));
-  if (provider) return { ...serversOf(provider), found: "table", confirm: [], signIn: provider.signIn, hint: provider.hint ?? "" };
+  if (provider) return judged(domain, serversOf(provider), "table");
   const records = await serversFromRecords(domain);
   if (records) return judged(domain, records, "srv");
   const document = await publishedDocument(domain, address);
@@ -131,7 +131,8 @@ export function serversInDocument(xml: string): Servers | undefined {
     for (const { hostname = "", port, socketType } of list) {
       const security = { SSL: "tls", STARTTLS: "starttls" }[socketType] as Server["security"] | undefined;
       const isHost = /^[a-z0-9]([a-z0-9.-]*[a-z0-9])?$/i.test(hostname);
-      if (security && isHost && Number(port) > 0 && Number(port) < 65_536) return { host: hostname.toLowerCase(), port: Number(port), security };
+      const isPort = Number(port) > 0 && Number(port) < 65_536;
+      if (security && isHost && isPort) return { host: hostname.toLowerCase(), port: Number(port), security };
     }
     return undefined;
   };
@@ -145,7 +146,7 @@ async function guessed(domain: string): Promise<Servers> {
   const [hasTls, hasStartTls] = await Promise.all([answers(smtp, 465), answers(smtp, 587)]);
   return {
     imap: { host: `imap.${domain}`, port: 993, security: "tls" },
-    smtp: hasStartTls && !hasTls ? { host: smtp, port: 587, security: "starttls" } : { host: smtp, port: 465, security: "tls" },
+    smtp: { host: smtp, ...(hasStartTls && !hasTls ? { port: 587, security: "starttls" } : { port: 465, security: "tls" }) },
   };
 }
 

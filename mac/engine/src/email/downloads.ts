@@ -17,7 +17,8 @@ export async function download(client: ImapFlow | undefined, store: MailStore, m
     const place = store.place(mail);
     if (!place || !Number(number)) throw new Error("This file is not known any more.");
     const save = (name: string, content: Readable): Promise<string> => writeMedia(mediaDir, id, name, content);
-    await emit({ type: "media", providerMsgId: id, state: "success", ...(await fetchFile(client, store, place, Number(number), save)) });
+    const file = await fetchFile(client, store, place, Number(number), save);
+    await emit({ type: "media", providerMsgId: id, state: "success", ...file });
   } catch (error) {
     await emit({ type: "media", providerMsgId: id, state: "failed", error: wordsOf(error) });
   }

@@ -51,7 +51,8 @@ export const bareForm = forms.length - 1;
 
 const unreadable: MessageEnvelopeObject = { subject: "(This mail could not be read.)" };
 
-function headerOf({ uid, flags, internalDate, size = 0, envelope = unreadable, bodyStructure, headers }: FetchMessageObject): Header {
+function headerOf(message: FetchMessageObject): Header {
+  const { uid, flags, internalDate, size = 0, envelope = unreadable, bodyStructure, headers } = message;
   const references = (headers?.toString("latin1") ?? "").match(/<[^<>\s]{1,250}>/g) ?? [];
   return {
     uid,
@@ -87,7 +88,8 @@ async function* fetchGroup(
 ): AsyncGenerator<{ header: Header; content: Content }> {
   const wanted = new Map(group.map((mail) => [mail.header.uid, mail]));
   const bodyParts = keys.map((key) => ({ key, start: 0, maxLength: mostOfText }));
-  for await (const { uid, bodyParts: found } of client.fetch([...wanted.keys()].join(","), { uid: true, bodyParts }, { uid: true })) {
+  const uids = [...wanted.keys()].join(",");
+  for await (const { uid, bodyParts: found } of client.fetch(uids, { uid: true, bodyParts }, { uid: true })) {
     const mail = wanted.get(uid);
     if (!mail || !found) continue;
     wanted.delete(uid);

@@ -11,8 +11,8 @@ export interface MailFolders {
 
 const never = new Set(["\\Drafts", "\\Junk", "\\Trash"]);
 
-/** The inbox, the sent mail, the person's own folders and the archive; where the server has one folder of all mail, that one stands for
- *  the last two. */
+/** The inbox, the sent mail, the person's own folders and the archive; where the server has one folder of all mail, that
+ *  one stands for the last two. */
 export async function mailFolders(client: ImapFlow): Promise<MailFolders> {
   const all = (await client.list()).filter(({ flags }) => !flags.has("\\Noselect") && !flags.has("\\NonExistent"));
   const used = (use: string): ListResponse | undefined => all.find(({ specialUse }) => specialUse === use);

@@ -5,7 +5,7 @@ import type { DatabaseSync } from "node:sqlite";
 import { Backoff } from "../lib/limits.ts";
 import { signOut, stopping, wordsOf } from "../lib/run.ts";
 import { readFact, writeFact } from "../lib/state.ts";
-import { emit, log, whenStored } from "../lib/wire.ts";
+import { emit, log } from "../lib/wire.ts";
 import { SignInRefused } from "./client.ts";
 import type { Mirror } from "./mirror.ts";
 import { Names } from "./names.ts";
@@ -38,7 +38,6 @@ export class Mailbox {
       names: this.names,
       sent: undefined,
       since: this.#since(),
-      syncedAt: Number(readFact(db, "synced") ?? 0),
       troubles: new Map(),
     };
   }
@@ -50,7 +49,7 @@ export class Mailbox {
       const began = Date.now();
       try {
         await emit({ type: "status", state: "connecting" });
-        this.session = await Session.open(this.#settings, this.#servers.imap, this.#mirror, () => this.#synced());
+        this.session = await Session.open(this.#settings, this.#servers.imap, this.#mirror);
         await emit({ type: "status", state: "open", user: this.#settings.address });
         opened(this.session);
         await this.session.run();
@@ -74,13 +73,5 @@ export class Mailbox {
     const now = Date.now();
     writeFact(this.#db, "since", String(now));
     return now;
-  }
-
-  #synced(): void {
-    const now = Date.now();
-    whenStored(() => {
-      this.#mirror.syncedAt = now;
-      writeFact(this.#db, "synced", String(now));
-    });
   }
 }

@@ -22,21 +22,19 @@ export interface Mirror {
   sent: string | undefined;
   /** When the account was first connected, in milliseconds: what arrived before is history wherever it turns up. */
   since: number;
-  /** When it was last known that every new mail had been read, in milliseconds; 0 where it never was. */
-  syncedAt: number;
   /** How often a page went wrong: what was read, and at which UID. */
   troubles: Map<string, { at: number; count: number }>;
 }
 
 /** The folder that `client` has open, begun anew where it is a stranger or its UIDs are. */
-export function openedFolder(client: ImapFlow, { store, syncedAt }: Mirror, known?: Folder): Folder {
+export function openedFolder(client: ImapFlow, { store }: Mirror, known?: Folder): Folder {
   if (!client.mailbox) throw new Error("no folder is open");
   const { path, uidValidity, uidNext } = client.mailbox;
   const validity = String(uidValidity);
   if (known?.path === path && known.validity === validity) return known;
   const folder = store.folder(path);
   if (folder?.validity === validity) return folder;
-  const liveAfter = folder && syncedAt > 0 ? syncedAt - 10 * minute : null;
+  const liveAfter = folder?.synced ? folder.synced - 10 * minute : null;
   return store.beginFolder(path, validity, Math.max(uidNext - 1, 0), liveAfter);
 }
 
@@ -56,16 +54,21 @@ export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder):
       if (!isDone) await tellPage(client, mirror, folder, headers, { top, liveAfter: mirror.since - 24 * 60 * minute });
     });
   }
+  const now = Date.now();
+  whenStored(() => mirror.store.keepSynced(folder, now));
 }
 
-/** Tells the page below the folder's bottom, newest first. */
-export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
+/** Tells the page below the folder's bottom, newest first; when the oldest of its mails arrived, in milliseconds. */
+export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<number> {
+  let oldest = Infinity;
   const usual = folder.bottom > folder.top - firstPage ? firstPage : pageSize;
   await readPage(client, mirror, { what: `history of ${folder.path}`, at: folder.bottom, usual }, async (size, form) => {
     const bottom = Math.max(folder.bottom - size, 1);
     const headers = await fetchHeaders(client, `${bottom}:${folder.bottom - 1}`, form);
     await tellPage(client, mirror, folder, headers.sort((a, b) => b.uid - a.uid), { bottom, liveAfter: folder.liveAfter });
+    oldest = Math.min(...headers.map(({ arrived }) => arrived));
   });
+  return oldest;
 }
 
 /** Reads the page at a UID. Where the server's words for it broke the connection before, fewer mails at a time, until the

@@ -17,49 +17,76 @@ export interface Provider {
   keepsSent?: boolean;
 }
 
-const appPassword = (name: string): string => `${name} asks for an app password: make one in the security settings of the account.`;
+/** TLS from the first byte and a password, where nothing else is said. */
+const provider = (domains: string, imap: string, smtp: string, more: Partial<Provider> = {}): Provider => ({
+  domains: domains.split(" ").filter((domain) => domain !== ""),
+  imap,
+  smtp,
+  smtpPort: 465,
+  signIn: "password",
+  ...more,
+});
+
+const appPassword = (name: string): Partial<Provider> => ({
+  signIn: "app-password",
+  hint: `${name} asks for an app password: make one in the security settings of the account.`,
+});
+
+const afterAllowing = (name: string): Partial<Provider> => ({
+  hint: `Allow access by IMAP in the settings of ${name} first.`,
+});
 
 export const providers: Provider[] = [
-  {
-    domains: ["gmail.com", "googlemail.com"], exchangers: ["google.com", "googlemail.com"], imap: "imap.gmail.com", smtp: "smtp.gmail.com",
-    smtpPort: 465, signIn: "app-password", hint: appPassword("Google"), keepsSent: true,
-  },
-  {
-    domains: ["outlook.com", "hotmail.com", "live.com", "msn.com", "outlook.de", "hotmail.de", "hotmail.fr", "hotmail.co.uk"],
-    exchangers: ["protection.outlook.com"], imap: "outlook.office365.com", smtp: "smtp.office365.com", smtpPort: 587, signIn: "token",
-    hint: "Microsoft takes no passwords for mail: name a command that prints an access token.", keepsSent: true,
-  },
-  {
-    domains: ["yahoo.com", "ymail.com", "rocketmail.com", "yahoo.de", "yahoo.fr", "yahoo.co.uk", "yahoo.es", "yahoo.it"],
-    exchangers: ["yahoodns.net"], imap: "imap.mail.yahoo.com", smtp: "smtp.mail.yahoo.com", smtpPort: 465, signIn: "app-password",
-    hint: appPassword("Yahoo"), keepsSent: true,
-  },
-  {
-    domains: ["icloud.com", "me.com", "mac.com"], exchangers: ["mail.icloud.com"], imap: "imap.mail.me.com", smtp: "smtp.mail.me.com",
-    smtpPort: 587, signIn: "app-password", hint: appPassword("iCloud"),
-  },
-  { domains: ["aol.com", "aim.com"], imap: "imap.aol.com", smtp: "smtp.aol.com", smtpPort: 465, signIn: "app-password", hint: appPassword("AOL"), keepsSent: true },
-  {
-    domains: ["gmx.net", "gmx.de", "gmx.at", "gmx.ch"], imap: "imap.gmx.net", smtp: "mail.gmx.net", smtpPort: 465, signIn: "password",
-    hint: "Allow IMAP in the e-mail settings of GMX first.",
-  },
-  { domains: ["gmx.com", "gmx.us", "gmx.co.uk"], imap: "imap.gmx.com", smtp: "mail.gmx.com", smtpPort: 465, signIn: "password", hint: "Allow IMAP in the e-mail settings of GMX first." },
-  { domains: ["web.de"], imap: "imap.web.de", smtp: "smtp.web.de", smtpPort: 587, signIn: "password", hint: "Allow IMAP in the e-mail settings of WEB.DE first." },
-  { domains: ["t-online.de", "magenta.de"], imap: "secureimap.t-online.de", smtp: "securesmtp.t-online.de", smtpPort: 465, signIn: "app-password", hint: "Telekom asks for a password for e-mail programs: make one in its e-mail centre." },
-  { domains: ["mailbox.org"], exchangers: ["mailbox.org"], imap: "imap.mailbox.org", smtp: "smtp.mailbox.org", smtpPort: 465, signIn: "password" },
-  { domains: ["posteo.de", "posteo.net"], imap: "posteo.de", smtp: "posteo.de", smtpPort: 465, signIn: "password" },
-  {
-    domains: ["fastmail.com", "fastmail.fm"], exchangers: ["messagingengine.com"], imap: "imap.fastmail.com", smtp: "smtp.fastmail.com",
-    smtpPort: 465, signIn: "app-password", hint: appPassword("Fastmail"),
-  },
-  { domains: ["zoho.com", "zohomail.com"], exchangers: ["zoho.com"], imap: "imap.zoho.com", smtp: "smtp.zoho.com", smtpPort: 465, signIn: "app-password", hint: appPassword("Zoho") },
-  { domains: [], exchangers: ["ionos.de", "kundenserver.de", "1and1.com"], imap: "imap.ionos.de", smtp: "smtp.ionos.de", smtpPort: 465, signIn: "password" },
-  { domains: [], exchangers: ["ovh.net"], imap: "ssl0.ovh.net", smtp: "ssl0.ovh.net", smtpPort: 465, signIn: "password" },
-  { domains: ["orange.fr", "wanadoo.fr"], imap: "imap.orange.fr", smtp: "smtp.orange.fr", smtpPort: 465, signIn: "password" },
-  { domains: ["free.fr"], imap: "imap.free.fr", smtp: "smtp.free.fr", smtpPort: 465, signIn: "password" },
-  { domains: ["libero.it"], imap: "imapmail.libero.it", smtp: "smtp.libero.it", smtpPort: 465, signIn: "password" },
-  { domains: ["yandex.ru", "yandex.com", "ya.ru"], exchangers: ["mx.yandex.net"], imap: "imap.yandex.com", smtp: "smtp.yandex.com", smtpPort: 465, signIn: "app-password", hint: appPassword("Yandex"), keepsSent: true },
-  { domains: ["mail.ru", "bk.ru", "inbox.ru", "list.ru"], imap: "imap.mail.ru", smtp: "smtp.mail.ru", smtpPort: 465, signIn: "app-password", hint: appPassword("Mail.ru") },
+  provider("gmail.com googlemail.com", "imap.gmail.com", "smtp.gmail.com", {
+    ...appPassword("Google"),
+    exchangers: ["google.com", "googlemail.com"],
+    keepsSent: true,
+  }),
+  provider("outlook.com hotmail.com live.com msn.com outlook.de hotmail.de hotmail.fr hotmail.co.uk",
+    "outlook.office365.com", "smtp.office365.com", {
+    smtpPort: 587,
+    signIn: "token",
+    hint: "Microsoft takes no passwords for mail: name a command that prints an access token.",
+    exchangers: ["protection.outlook.com"],
+    keepsSent: true,
+  }),
+  provider("yahoo.com ymail.com rocketmail.com yahoo.de yahoo.fr yahoo.co.uk yahoo.es yahoo.it",
+    "imap.mail.yahoo.com", "smtp.mail.yahoo.com", {
+    ...appPassword("Yahoo"),
+    exchangers: ["yahoodns.net"],
+    keepsSent: true,
+  }),
+  provider("icloud.com me.com mac.com", "imap.mail.me.com", "smtp.mail.me.com", {
+    ...appPassword("iCloud"),
+    smtpPort: 587,
+    exchangers: ["mail.icloud.com"],
+  }),
+  provider("aol.com aim.com", "imap.aol.com", "smtp.aol.com", { ...appPassword("AOL"), keepsSent: true }),
+  provider("gmx.net gmx.de gmx.at gmx.ch", "imap.gmx.net", "mail.gmx.net", afterAllowing("GMX")),
+  provider("gmx.com gmx.us gmx.co.uk", "imap.gmx.com", "mail.gmx.com", afterAllowing("GMX")),
+  provider("web.de", "imap.web.de", "smtp.web.de", { ...afterAllowing("WEB.DE"), smtpPort: 587 }),
+  provider("t-online.de magenta.de", "secureimap.t-online.de", "securesmtp.t-online.de", appPassword("Telekom")),
+  provider("mailbox.org", "imap.mailbox.org", "smtp.mailbox.org", { exchangers: ["mailbox.org"] }),
+  provider("posteo.de posteo.net", "posteo.de", "posteo.de"),
+  provider("fastmail.com fastmail.fm", "imap.fastmail.com", "smtp.fastmail.com", {
+    ...appPassword("Fastmail"),
+    exchangers: ["messagingengine.com"],
+  }),
+  provider("zoho.com zohomail.com", "imap.zoho.com", "smtp.zoho.com", {
+    ...appPassword("Zoho"),
+    exchangers: ["zoho.com"],
+  }),
+  provider("", "imap.ionos.de", "smtp.ionos.de", { exchangers: ["ionos.de", "kundenserver.de", "1and1.com"] }),
+  provider("", "ssl0.ovh.net", "ssl0.ovh.net", { exchangers: ["ovh.net"] }),
+  provider("orange.fr wanadoo.fr", "imap.orange.fr", "smtp.orange.fr"),
+  provider("free.fr", "imap.free.fr", "smtp.free.fr"),
+  provider("libero.it", "imapmail.libero.it", "smtp.libero.it"),
+  provider("yandex.ru yandex.com ya.ru", "imap.yandex.com", "smtp.yandex.com", {
+    ...appPassword("Yandex"),
+    exchangers: ["mx.yandex.net"],
+    keepsSent: true,
+  }),
+  provider("mail.ru bk.ru inbox.ru list.ru", "imap.mail.ru", "smtp.mail.ru", appPassword("Mail.ru")),
 ];
 
 export function serversOf({ imap, smtp, smtpPort }: Provider): Servers {

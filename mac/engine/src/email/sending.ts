@@ -4,7 +4,7 @@ import { createReadStream } from "node:fs";
 import { readFile, rm } from "node:fs/promises";
 import { extname, join } from "node:path";
 import { detectMimeType } from "nodemailer/lib/mime-funcs";
-import { mediaTypeOf, type MessageEvent } from "../lib/events.ts";
+import { mediaTypeOf, type MediaType, type MessageEvent } from "../lib/events.ts";
 import { withinLimits } from "../lib/limits.ts";
 import { writeMedia } from "../lib/media.ts";
 import type { SendJournal } from "../lib/journal.ts";
@@ -111,7 +111,8 @@ export class Sender {
       convTitle: this.#mailbox.names.titleOf(to.map((address) => ({ address, name: "" }))),
       subject: subject || undefined,
     };
-    const rows = fileRows(message, files.map(({ name }) => ({ name, mediaType: mediaTypeOf(detectMimeType(extname(name).slice(1))) })));
+    const kindOf = (name: string): MediaType => mediaTypeOf(detectMimeType(extname(name).slice(1)));
+    const rows = fileRows(message, files.map(({ name }) => ({ name, mediaType: kindOf(name) })));
     for (const [index, row] of rows.entries()) {
       const { path, name } = files[index];
       const copy = writeMedia(this.#place.mediaDir, row.providerMsgId, name, createReadStream(path));

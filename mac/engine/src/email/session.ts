@@ -18,26 +18,23 @@ export class Session {
   readonly folders: MailFolders;
   readonly #listener: ImapFlow;
   readonly #mirror: Mirror;
-  readonly #synced: () => void;
   readonly #ended = new AbortController();
 
-  private constructor(listener: ImapFlow, client: ImapFlow, folders: MailFolders, mirror: Mirror, synced: () => void) {
+  private constructor(listener: ImapFlow, client: ImapFlow, folders: MailFolders, mirror: Mirror) {
     this.#listener = listener;
     this.client = client;
     this.folders = folders;
     this.#mirror = { ...mirror, sent: folders.sent };
-    this.#synced = synced;
     for (const connection of [listener, client]) connection.once("close", () => this.#ended.abort());
     if (listener.isClosed || client.isClosed) this.#ended.abort();
   }
 
-  /** `synced` is called whenever every new mail is known to be read. */
-  static async open(settings: Settings, server: Server, mirror: Mirror, synced: () => void): Promise<Session> {
+  static async open(settings: Settings, server: Server, mirror: Mirror): Promise<Session> {
     const listener = await connectImap(settings, server, 250);
     try {
       const client = await connectImap(settings, server);
       try {
-        return new Session(listener, client, await mailFolders(client), mirror, synced);
+        return new Session(listener, client, await mailFolders(client), mirror);
       } catch (error) {
         client.close();
         throw error;
@@ -85,19 +82,30 @@ export class Session {
     }
   }
 
-  /** Tells the history of all folders, and looks into them now and then. */
+  /** Tells the history of all folders, newest first, and looks into them now and then. */
   async #work(): Promise<void> {
     const known = new Map<string, Folder>();
+    /** How far back each folder is told, in milliseconds. */
+    const reached = new Map<string, number>();
+    const tellPage = async (path: string): Promise<void> =>
+      this.#inFolder(path, known, async (folder) => {
+        if (folder.bottom === 1) return;
+        const oldest = await tellOlder(this.client, this.#mirror, folder);
+        reached.set(path, Math.min(oldest, reached.get(path) ?? Infinity));
+      });
     let looked = 0;
     for (let paths = this.folders.mirrored; !this.#ended.signal.aborted; ) {
       if (Date.now() - looked >= pollEvery) {
         if (looked > 0) paths = (await mailFolders(this.client)).mirrored;
-        for (const path of paths) await this.#look(path, known);
-        this.#synced();
+        for (const path of paths) {
+          await this.#look(path, known);
+          if (looked === 0) await tellPage(path);
+        }
         looked = Date.now();
       }
-      const next = paths.map((path) => known.get(path)).find((folder) => folder !== undefined && folder.bottom > 1);
-      if (next) await this.#inFolder(next.path, known, (folder) => tellOlder(this.client, this.#mirror, folder));
+      const behind = paths.filter((path) => (known.get(path)?.bottom ?? 1) > 1);
+      const [next] = behind.sort((a, b) => (reached.get(b) ?? Infinity) - (reached.get(a) ?? Infinity));
+      if (next !== undefined) await tellPage(next);
       else await sleep(looked + pollEvery - Date.now(), undefined, { signal: this.#ended.signal });
     }
   }

@@ -5,7 +5,7 @@ import { transaction } from "../lib/state.ts";
 
 export const mailTables = `
 CREATE TABLE IF NOT EXISTS folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, validity TEXT NOT NULL,
-  bottom INTEGER NOT NULL, top INTEGER NOT NULL, live_after INTEGER, modseq TEXT);
+  bottom INTEGER NOT NULL, top INTEGER NOT NULL, synced INTEGER NOT NULL DEFAULT 0, live_after INTEGER, modseq TEXT);
 CREATE TABLE IF NOT EXISTS mail(id TEXT PRIMARY KEY, folder INTEGER NOT NULL, uid INTEGER NOT NULL,
   message_id TEXT NOT NULL) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS unread(id TEXT PRIMARY KEY, chat TEXT NOT NULL, folder INTEGER NOT NULL,
@@ -24,6 +24,8 @@ export interface Folder {
   validity: string;
   bottom: number;
   top: number;
+  /** When every new mail of it was last known to be told, in milliseconds; 0 where it never was. */
+  synced: number;
   /** What arrived later than this, in milliseconds, counts as new although it comes with the history; never where it is null. */
   liveAfter: number | null;
   /** Its highest MODSEQ when its flags were last compared. */
@@ -74,12 +76,12 @@ export class MailStore {
   }
 
   folder(path: string): Folder | undefined {
-    const row = this.#get("SELECT id, path, validity, bottom, top, live_after, modseq FROM folder WHERE path=?", path);
+    const row = this.#get("SELECT * FROM folder WHERE path=?", path);
     return row && folderOf(row);
   }
 
   folderById(id: number): Folder | undefined {
-    const row = this.#get("SELECT id, path, validity, bottom, top, live_after, modseq FROM folder WHERE id=?", id);
+    const row = this.#get("SELECT * FROM folder WHERE id=?", id);
     return row && folderOf(row);
   }
 
@@ -127,6 +129,11 @@ ON CONFLICT(id) DO UPDATE SET at=excluded.at, message_id=excluded.message_id, tr
   subject=excluded.subject WHERE excluded.at>=chat.at`,
       id, at, messageId.slice(0, 998), trail, subject,
     );
+  }
+
+  keepSynced(folder: Folder, now: number): void {
+    folder.synced = now;
+    this.#run("UPDATE folder SET synced=? WHERE id=? AND validity=?", now, folder.id, folder.validity);
   }
 
   keepModseq(folder: Folder, modseq: string): void {
@@ -206,13 +213,14 @@ ON CONFLICT(id) DO UPDATE SET at=excluded.at, message_id=excluded.message_id, tr
   }
 }
 
-function folderOf({ id, path, validity, bottom, top, live_after, modseq }: Record<string, unknown>): Folder {
+function folderOf({ id, path, validity, bottom, top, synced, live_after, modseq }: Record<string, unknown>): Folder {
   return {
     id: Number(id),
     path: String(path),
     validity: String(validity),
     bottom: Number(bottom),
     top: Number(top),
+    synced: Number(synced),
     liveAfter: live_after === null ? null : Number(live_after),
     modseq: String(modseq ?? ""),
   };

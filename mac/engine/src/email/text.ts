@@ -87,7 +87,11 @@ function tidy(text: string): string {
     .replace(/^\n+|\s+$/g, "");
 }
 
-const separator = /^[-_]{2,}\s*(original message|ursprüngliche nachricht|mensaje original|message d'origine|messaggio originale|oorspronkelijk bericht|mensagem original)\s*[-_]{2,}$/i;
+const separator = new RegExp(
+  "^[-_]{2,}\\s*(original message|ursprüngliche nachricht|mensaje original|message d'origine|messaggio originale|" +
+    "oorspronkelijk bericht|mensagem original)\\s*[-_]{2,}$",
+  "i",
+);
 const headerLine = /^\*?(from|von|de|da|van|fra|från|od|от)\s?\*?:\*?\s.*(@|<)/i;
 const nextHeader = /^\*?(sent|gesendet|date|datum|enviado|envoyé|inviato|data|fecha|to|an|para|à|a|aan)\s?\*?:\*?\s/i;
 
@@ -124,7 +128,8 @@ function attributionStart(lines: string[], start: number): number {
     if (first < 0 || lines[first].trim() === "") break;
     const words = lines.slice(first, start).join(" ");
     if (!/:\s*$/.test(words) || words.length > 300) break;
-    if (/\d{1,4}[./-]\d|\d{4}|<[^>]+@[^>]+>|wrote:|schrieb/.test(words) && !/[.!?]\s/.test(lines[first].slice(0, -1))) return first;
+    const isNaming = /\d{1,4}[./-]\d|\d{4}|<[^>]+@[^>]+>|wrote:|schrieb/.test(words);
+    if (isNaming && !/[.!?]\s/.test(lines[first].slice(0, -1))) return first;
   }
   return firstQuoted(lines, start);
 }

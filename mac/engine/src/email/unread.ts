@@ -13,7 +13,8 @@ export async function compareRead(client: ImapFlow, store: MailStore, folder: Fo
   for (let start = 0; start < unread.length; start += 500) {
     const some = unread.slice(start, start + 500);
     const still = new Set<number>();
-    for await (const { uid, flags } of client.fetch(some.map(({ uid }) => uid).join(","), { uid: true, flags: true }, { uid: true })) {
+    const uids = some.map(({ uid }) => uid).join(",");
+    for await (const { uid, flags } of client.fetch(uids, { uid: true, flags: true }, { uid: true })) {
       if (!flags?.has("\\Seen")) still.add(uid);
     }
     await forget(store, some.filter(({ uid }) => !still.has(uid)));

@@ -34,8 +34,9 @@ export interface Delivered {
   after?: () => void;
 }
 
-/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back. Whatever it throws before `begin`, and `Refused` after it, fails the
- *  draft; any other end after `begin` leaves it uncertain. It must end by itself, also where nobody answers. */
+/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back. Whatever it throws
+ *  before `begin`, and `Refused` after it, fails the draft; any other end after `begin` leaves it uncertain. It must end
+ *  by itself, also where nobody answers. */
 export type Deliver = (sending: Sending, begin: () => void) => Promise<Delivered>;
 
 interface Waiting extends Sending {
