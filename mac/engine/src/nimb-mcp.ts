@@ -34,18 +34,20 @@ function announce(): void {
   announced = true;
 }
 
-async function tick(): Promise<void> {
-  if (process.ppid !== parent) process.exit(0);
+async function look(): Promise<void> {
   token.current(); // a secret that was removed is replaced without waiting for a call
   if (!announced) announce();
   await pulls.look();
 }
 
+function tick(): void {
+  if (process.ppid !== parent) process.exit(0);
+  look().catch((error: unknown) => console.error((error as Error).message)); // the database may come back
+}
+
 // There is no input to end with: the server goes when it is told to, or when whoever started it is gone.
 const parent = process.ppid;
 process.on("SIGTERM", () => process.exit(0));
-token.current();
+tick();
 await listen({ port, store, token, version });
-setInterval(() => {
-  tick().catch((error: unknown) => console.error((error as Error).message)); // the database may come back
-}, 2000);
+setInterval(tick, 2000);

@@ -27,7 +27,7 @@ function everything(db: DatabaseSync): Map<string, string> {
 /** Names of rows that are there, so that a call gets past the first look. */
 const known: Record<string, string> = {
   conversation: "cv:ana", contact: "ct:ana", project: "shop", context: "ctx:dev:shop", item: "item:1", order: "msg:1",
-  call: "call:1", session: "sess:1", tab: "tab:1", before: "m4", start: "2026-01-01T00:00:00Z",
+  call: "call:1", session: "sess:1", tab: "tab:1", before: "m4", module: "dev", start: "2026-01-01T00:00:00Z",
   end: "2026-01-02T00:00:00Z", from: "2026-01-01T00:00:00Z", to: "2026-01-02T00:00:00Z",
 };
 

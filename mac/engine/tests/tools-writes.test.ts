@@ -45,6 +45,7 @@ test("what an agent reports shows in the lists, in its own name", async (t) => {
   await ask(client, "dev_report_message", { agent: "worker-01", body: "Found it", session, ...at });
   assert.match((await ask(client, "dev_report_message", { agent: " Oskel ", body: "I approve", ...at })).words, /belongs/);
   assert.match((await ask(client, "dev_report_message", { agent: "a", body: "x", context: "ctx:no" })).words, /no work context/);
+  assert.ok((await ask(client, "dev_report_item", { title: "Lost", ...at, module: "ops" })).failed, "of another module");
   await ask(client, "dev_report_evidence", { title: "It passes", item: "item:1", uri: "/tmp/log", ...at });
   const log = (await ask(client, "dev_work_log", at)).data;
   assert.deepEqual([log.messages.rows[0].speaker, log.messages.rows[0].role, log.evidence.rows[0].item],

@@ -43,6 +43,12 @@ export function projectOf(db: Connection, named: string): string {
   return String(row.id);
 }
 
+/** Refuses a context of another module, where a row would not be listed; passes an absent one. */
+export function mustBeContext(db: Connection, module: string, id: string | undefined): void {
+  if (id !== undefined && !db.row("SELECT 1 FROM work_context WHERE id=? AND module=?", id, module))
+    throw new Refusal(`There is no work context ${id} in the module ${module}.`);
+}
+
 /** Refuses an id that names no row; passes an absent one. */
 export function mustExist(db: Connection, table: string, id: string | undefined): void {
   if (id !== undefined && !db.row(`SELECT 1 FROM ${table} WHERE id=?`, id))

@@ -1,6 +1,6 @@
 import { z } from "zod";
 import { Refusal, type Connection } from "./database.ts";
-import { contactOf, conversationOf, mustExist, personBehind } from "./find.ts";
+import { contactOf, conversationOf, mustBeContext, personBehind } from "./find.ts";
 import { freshId, touchContext } from "./report.ts";
 import { field, stamp, stampedId, tool, type Call } from "./tool.ts";
 
@@ -124,7 +124,7 @@ export const proposingTools = [
       const id = freshId("dec");
       const at = stamp(now);
       store.writer.transaction(() => {
-        mustExist(store.writer, "work_context", context);
+        mustBeContext(store.writer, module, context);
         makeRoom(store.writer, "work_decision", "proposed");
         store.writer.run(
           `INSERT INTO work_decision(id, context_id, module, title, status, proposal, rationale, risk, decided_by, created_at, updated_at)
@@ -152,7 +152,7 @@ export const proposingTools = [
       const id = freshId("mem");
       const at = stamp(now);
       store.writer.transaction(() => {
-        mustExist(store.writer, "work_context", context);
+        mustBeContext(store.writer, module, context);
         makeRoom(store.writer, "work_memory", "proposed");
         store.writer.run(
           `INSERT INTO work_memory(id, context_id, module, kind, body, source, confidence, status, owner, verified_at, created_at, updated_at)

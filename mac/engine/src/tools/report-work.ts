@@ -1,6 +1,6 @@
 import { z } from "zod";
 import { Refusal } from "./database.ts";
-import { mustExist } from "./find.ts";
+import { mustBeContext, mustExist } from "./find.ts";
 import { agentName, freshId, touchContext } from "./report.ts";
 import { field, stamp, tool } from "./tool.ts";
 
@@ -26,7 +26,7 @@ export const workReportTools = [
       const id = freshId("sess");
       const at = stamp(now);
       return db.transaction(() => {
-        mustExist(db, "work_context", context);
+        mustBeContext(db, module, context);
         mustExist(db, "work_item", workItem);
         db.run(
           `INSERT INTO work_session(id, context_id, module, purpose, owner, tool, status, endpoint, current_item_id,
@@ -87,7 +87,7 @@ export const workReportTools = [
       const id = freshId("msg");
       const at = stamp(now);
       return db.transaction(() => {
-        mustExist(db, "work_context", context);
+        mustBeContext(db, module, context);
         mustExist(db, "work_session", workSession);
         db.run(
           `INSERT INTO work_message(id, context_id, module, session_id, speaker, role, kind, body, status, metadata_json, created_at)
@@ -119,7 +119,7 @@ export const workReportTools = [
       const id = freshId("ev");
       const at = stamp(now);
       return db.transaction(() => {
-        mustExist(db, "work_context", context);
+        mustBeContext(db, module, context);
         mustExist(db, "work_item", of);
         mustExist(db, "work_session", workSession);
         db.run(
@@ -151,7 +151,7 @@ export const workReportTools = [
       const id = freshId("item");
       const at = stamp(now);
       return db.transaction(() => {
-        mustExist(db, "work_context", context);
+        mustBeContext(db, module, context);
         mustExist(db, "work_session", of);
         db.run(
           `INSERT INTO work_item(id, context_id, module, kind, title, status, priority, owner, session_id, source, summary, due_at, metadata_json, created_at, updated_at)

@@ -56,7 +56,7 @@ export const field = {
   limit: (otherwise: number, most = 100) =>
     z.int().min(1).max(most).default(otherwise).describe("At most so many rows."),
   module: z.enum(modules).default("dev").describe("The part of the program that the work belongs to."),
-  context: z.string().trim().max(400).optional().describe("Id of a work context, from dev_work_contexts."),
+  context: z.string().trim().min(1).max(400).optional().describe("Id of a work context, from dev_work_contexts."),
 };
 
 const longestText = 4000;
