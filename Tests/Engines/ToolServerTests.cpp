@@ -67,11 +67,15 @@ TEST_F(ToolServerTest, aServerThatDiesComesBackEveryTwoSecondsWithoutEnd)
     for (int i = 1; i < 9; ++i) {
         world.launcher.last().exit(1);
         EXPECT_FALSE(world.engines.mcpRunning());
+        EXPECT_TRUE(world.engines.mcpProblem().startsWith(u"The engine's program is missing: "_s));
         advance(1999);
         EXPECT_EQ(world.ports.askedPorts().size(), i);
         advance(1);
         EXPECT_TRUE(await([&] { return launches() == i + 1; }));
     }
+    EXPECT_NE(world.engines.mcpProblem(), u""_s) << "a start proves nothing yet";
+    advance(10'000);
+    EXPECT_EQ(world.engines.mcpProblem(), u""_s);
 }
 
 TEST_F(ToolServerTest, aStoppedServerStaysDownAndItsLateExitTouchesNoSuccessor)
@@ -116,6 +120,7 @@ TEST_F(ToolServerTest, aFailedLaunchIsLoggedAndNotRetried)
     world.launcher.expect(FakeLauncher::fails(u"no node"_s));
     startAndLook();
     EXPECT_TRUE(logs.contains(u"unified MCP failed: no node"_s));
+    EXPECT_EQ(world.engines.mcpProblem(), u"no node"_s);
     advance(3'600'000);
     EXPECT_FALSE(world.engines.mcpRunning());
 

@@ -304,6 +304,15 @@ TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
     }));
     EXPECT_EQ(card.stateText(), "Running");
     EXPECT_EQ(card.actionLabel(), "Stop");
+    world.launcher.last().exit(-9);
+    EXPECT_EQ(card.stateText(), "Stopped: Ended by signal 9 (Killed)");
+    world.launcher.expect(FakeLauncher::stays());
+    card.startOrStop();
+    ASSERT_TRUE(await([&] {
+        world.settle();
+        return card.running();
+    }));
+    EXPECT_EQ(card.stateText(), "Started again: Ended by signal 9 (Killed)");
     card.startOrStop();
     EXPECT_FALSE(card.running());
     EXPECT_TRUE(world.launcher.last().terminated);

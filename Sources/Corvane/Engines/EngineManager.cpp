@@ -223,6 +223,11 @@ bool EngineManager::mcpRunning() const
     return m_state->toolServer.isRunning();
 }
 
+const QString& EngineManager::mcpProblem() const
+{
+    return m_state->toolServer.problem();
+}
+
 QString EngineManager::mcpURL() const
 {
     return m_state->toolServer.url();

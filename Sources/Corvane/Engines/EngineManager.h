@@ -75,6 +75,7 @@ public:
     void startUnifiedMCP(int port);
     void stopUnifiedMCP();
     bool mcpRunning() const;
+    const QString& mcpProblem() const; ///< why the tool server keeps ending; empty where it does not
     QString mcpURL() const;
 
     // Drafts
@@ -120,7 +121,7 @@ Q_SIGNALS:
     void inboxRevisionChanged(const QString& contactId); ///< as told to `bump`
     void unreadTotalChanged();
     void mediaDownloadStatusChanged(const QString& messageId);
-    void mcpRunningChanged();
+    void mcpRunningChanged(); ///< or its problem
     void pendingDraftsChanged();
     void draftReturned(const QString& id); ///< it is not as it was approved: the person is to be asked again
     void directSendAnswered(const QString& id, bool sent, const QString& error);

@@ -13,6 +13,7 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds portRelease { 300 };
+constexpr Milliseconds proofTime { 10'000 };
 
 /// Asks whoever listens on the port to end, except this process and other users' processes. Returns whether
 /// anyone was asked.
@@ -31,13 +32,13 @@ bool clearPort(PortHolders& ports, int port)
 }
 
 ToolServer::ToolServer(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, PortHolders& ports,
-    BackgroundQueue& background, std::function<void()> runningChanged)
+    BackgroundQueue& background, std::function<void()> changed)
     : m_paths(paths)
     , m_scheduler(scheduler)
     , m_launcher(launcher)
     , m_ports(ports)
     , m_background(background)
-    , m_runningChanged(std::move(runningChanged))
+    , m_changed(std::move(changed))
 {
 }
 
@@ -68,26 +69,28 @@ void ToolServer::launch()
         return;
     // A server that was stopped may still be ending: its exit must not touch its successor.
     const auto isCurrent = std::make_shared<std::weak_ptr<ChildProcess>>();
-    const auto exited = [this, alive = std::weak_ptr(m_alive), isCurrent](int) {
+    const auto exited = [this, alive = std::weak_ptr(m_alive), isCurrent](int code) {
         if (!alive.expired() && m_process && m_process == isCurrent->lock())
-            handleExit();
+            handleExit(code);
     };
     const auto process = m_launcher.start(toolServerSpec(m_paths, m_port), { .output = {}, .exited = exited });
     if (!process) {
         log(QStringLiteral("unified MCP failed: %1").arg(process.error().message));
-        setRunning(false);
+        setState(false, process.error().message);
         return;
     }
     *isCurrent = *process;
     m_process = *process;
     m_restartAttempts = 0;
-    setRunning(true);
+    setState(true, m_problem);
+    m_proof = m_scheduler.after(proofTime, [this] { setState(true, QString()); });
 }
 
-void ToolServer::handleExit()
+void ToolServer::handleExit(int code)
 {
     m_process.reset();
-    setRunning(false);
+    m_proof.reset();
+    setState(false, exitWords(toolServerSpec(m_paths, m_port), code));
     const int delaySeconds = std::min(1 << std::min(++m_restartAttempts, 5), 30);
     m_timer = m_scheduler.after(Milliseconds(1000 * delaySeconds), [this] { start(m_port); });
 }
@@ -99,7 +102,8 @@ void ToolServer::stop()
         m_timer.reset();
     if (const auto process = std::exchange(m_process, nullptr))
         process->terminate();
-    setRunning(false);
+    m_proof.reset();
+    setState(false, QString());
 }
 
 QString ToolServer::url() const
@@ -107,10 +111,13 @@ QString ToolServer::url() const
     return QStringLiteral("http://127.0.0.1:%1/mcp").arg(m_port);
 }
 
-void ToolServer::setRunning(bool running)
+void ToolServer::setState(bool running, const QString& problem)
 {
-    if (std::exchange(m_isRunning, running) != running)
-        m_runningChanged();
+    if (running == m_isRunning && problem == m_problem)
+        return;
+    m_isRunning = running;
+    m_problem = problem;
+    m_changed();
 }
 
 }

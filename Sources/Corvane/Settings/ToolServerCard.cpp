@@ -19,6 +19,9 @@ bool ToolServerCard::running() const
 
 QString ToolServerCard::stateText() const
 {
+    const QString& problem = m_engine.mcpProblem();
+    if (!problem.isEmpty())
+        return (running() ? QStringLiteral("Started again: ") : QStringLiteral("Stopped: ")) + problem;
     return running() ? QStringLiteral("Running") : QStringLiteral("Stopped");
 }
 
