@@ -117,7 +117,7 @@ TEST_F(CrmTest, aTaskTakesTheProposalsTitleWhereThePayloadHasNone)
     propose("full", "task", R"({"title":" Ring back ","due":"Friday","priority":"High","status":"Doing"})", ana);
     EXPECT_TRUE(applyAsSeen(*m_db, "bare"));
     EXPECT_TRUE(applyAsSeen(*m_db, "full"));
-    EXPECT_EQ(at("full").bodyPreview(), " Ring back ");
+    EXPECT_EQ(at("full").bodyPreview(), " Ring back \nDue: Friday\nPriority: High");
     EXPECT_EQ(table("SELECT title, due, priority, status, contact_id FROM crm_task ORDER BY rowid;"),
         (QStringList { "Send the quote||Normal|To do|-", "Ring back|Friday|High|Doing|" + ana }));
     EXPECT_EQ(queued(), (QStringList { "task/create", "task/create" }));

@@ -42,6 +42,13 @@ QString capitalised(QString word)
     return word;
 }
 
+/// What the title says already is not said twice.
+QString beyond(const QString& title, const QString& body)
+{
+    const QString first = body.section(u'\n', 0, 0);
+    return first.trimmed() == title.trimmed() ? body.mid(first.size() + 1) : body;
+}
+
 }
 
 void ApprovalRow::setKey(const ApprovalKey& key)
@@ -77,7 +84,7 @@ ApprovalRow proposalRow(
     ApprovalRow row
         = rowOf({ ApprovalKind::Proposal, proposal.id }, QStringLiteral("CRM Updates"), QStringLiteral("Apply"));
     row.title = proposal.title;
-    row.body = proposal.bodyPreview();
+    row.body = beyond(proposal.title, proposal.bodyPreview());
     row.detail = capitalised(proposal.kind);
     if (!contactName.isEmpty())
         row.detail += QStringLiteral(" · ") + contactName;

@@ -98,6 +98,19 @@ QString eventWords(const QJsonObject& payload)
     return lines.join(u'\n');
 }
 
+/// What a task is called, when it is due, and how it is rated where that is not as usual.
+QString taskWords(const QJsonObject& payload)
+{
+    const QString due = payloadText(payload, "due");
+    const QString priority = payloadText(payload, "priority");
+    QStringList lines { payloadText(payload, "title") };
+    if (!due.isEmpty())
+        lines.append(QStringLiteral("Due: ") + due);
+    if (!priority.isEmpty() && priority != NewTask().priority)
+        lines.append(QStringLiteral("Priority: ") + priority);
+    return lines.join(u'\n');
+}
+
 /// Asks the calendar for the event.
 bool queueEvent(LocalDB& db, const QString& title, const Span& span, const QJsonObject& payload)
 {
@@ -151,7 +164,7 @@ QString CRMUpdateProposal::bodyPreview() const
     const QJsonObject payload = payloadOf(*this);
     if (kind == event)
         return eventWords(payload);
-    return payloadText(payload, "body", kind == task ? payloadText(payload, "title") : QString());
+    return payloadText(payload, "body", kind == task ? taskWords(payload) : QString());
 }
 
 QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit)
