@@ -1,7 +1,7 @@
 // Who a mail is from and for, and which chat it belongs to.
 
 import type { MessageAddressObject, MessageEnvelopeObject } from "imapflow";
-import { oneLine } from "./text.ts";
+import { oneLine } from "../lib/text.ts";
 
 export interface Person {
   /** In lower case; a chat's id is made of it. */

@@ -1,10 +1,8 @@
 // One signed-in IMAP connection, over verified TLS only.
 
 import { ImapFlow, type ImapFlowError } from "imapflow";
+import { SignInRefused } from "../lib/stay.ts";
 import { credentials, NoToken, type Server, type Settings } from "./settings.ts";
-
-/** The server refused the sign-in, in its own words: trying again would only lock the account. */
-export class SignInRefused extends Error {}
 
 const mebibyte = 1 << 20;
 

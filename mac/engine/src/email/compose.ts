@@ -7,10 +7,10 @@ import { join } from "node:path";
 import { pipeline } from "node:stream/promises";
 import MailComposer from "nodemailer/lib/mail-composer";
 import { Refused, type Sending } from "../lib/outbox.ts";
+import { oneLine } from "../lib/text.ts";
 import { addressesIn, isAddress } from "./address.ts";
 import type { ChatMark, MailStore, Outgoing } from "./store.ts";
 import { longestSubject } from "./teller.ts";
-import { oneLine } from "./text.ts";
 
 /** What the files of one mail may weigh together, in bytes. Providers take mails of 25 MB, a third of which is encoding. */
 export const mostFileBytes = 18 * 1024 * 1024;

@@ -1,27 +1,19 @@
 // Fetches a file of a mail when the person asks for it.
 
-import type { Readable } from "node:stream";
 import type { ImapFlow } from "imapflow";
-import { emit } from "../lib/wire.ts";
-import { wordsOf } from "../lib/run.ts";
-import { writeMedia } from "../lib/media.ts";
-import { partsOf, type FilePart } from "./parts.ts";
+import { reportDownload, type FetchedFile, type Save } from "../lib/files.ts";
+import { partsOf } from "./parts.ts";
 import type { MailPlace, MailStore } from "./store.ts";
 
 /** Fetches the file with the id "{mail}/{number}" and reports how that went. */
 export async function download(client: ImapFlow | undefined, store: MailStore, mediaDir: string, id: string): Promise<void> {
-  await emit({ type: "media", providerMsgId: id, state: "requested" });
-  try {
+  await reportDownload(mediaDir, id, async (save) => {
     if (!client) throw new Error("The mail server is not connected.");
     const [mail, number] = id.split("/");
     const place = store.place(mail);
     if (!place || !Number(number)) throw new Error("This file is not known any more.");
-    const save = (name: string, content: Readable): Promise<string> => writeMedia(mediaDir, id, name, content);
-    const file = await fetchFile(client, store, place, Number(number), save);
-    await emit({ type: "media", providerMsgId: id, state: "success", ...file });
-  } catch (error) {
-    await emit({ type: "media", providerMsgId: id, state: "failed", error: wordsOf(error) });
-  }
+    return fetchFile(client, store, place, Number(number), save);
+  });
 }
 
 async function fetchFile(
@@ -29,8 +21,8 @@ async function fetchFile(
   store: MailStore,
   place: MailPlace,
   number: number,
-  save: (name: string, content: Readable) => Promise<string>,
-): Promise<{ mediaPath: string; mediaType: FilePart["mediaType"] }> {
+  save: Save,
+): Promise<FetchedFile> {
   for await (const { path, uid } of candidates(client, store, place)) {
     const lock = await client.getMailboxLock(path);
     try {

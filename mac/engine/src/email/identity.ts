@@ -1,7 +1,7 @@
 // The id of a mail, the same wherever it lies and however often it is read.
 
 import { createHash } from "node:crypto";
-import { oneLine } from "./text.ts";
+import { oneLine } from "../lib/text.ts";
 import type { Direction } from "./address.ts";
 
 export interface Marks {

@@ -1,12 +1,11 @@
 // Sends mails, and puts their copies among the sent mail.
 
-import { createReadStream } from "node:fs";
 import { readFile, rm } from "node:fs/promises";
 import { extname, join } from "node:path";
 import { detectMimeType } from "nodemailer/lib/mime-funcs";
 import { mediaTypeOf, type MediaType, type MessageEvent } from "../lib/events.ts";
+import { fileRows, keepSent } from "../lib/files.ts";
 import { withinLimits } from "../lib/limits.ts";
-import { writeMedia } from "../lib/media.ts";
 import type { SendJournal } from "../lib/journal.ts";
 import type { Deliver, Sending } from "../lib/outbox.ts";
 import { stopping, wordsOf, type Place } from "../lib/run.ts";
@@ -20,7 +19,6 @@ import { providerOfHost } from "./providers.ts";
 import type { Servers, Settings } from "./settings.ts";
 import type { Outgoing } from "./store.ts";
 import { submit } from "./submission.ts";
-import { fileRows } from "./teller.ts";
 import { bodyOf } from "./text.ts";
 
 const keepAlive = 20_000;
@@ -113,11 +111,7 @@ export class Sender {
     };
     const kindOf = (name: string): MediaType => mediaTypeOf(detectMimeType(extname(name).slice(1)));
     const rows = fileRows(message, files.map(({ name }) => ({ name, mediaType: kindOf(name) })));
-    for (const [index, row] of rows.entries()) {
-      const { path, name } = files[index];
-      const copy = writeMedia(this.#place.mediaDir, row.providerMsgId, name, createReadStream(path));
-      row.mediaPath = await copy.catch(() => undefined);
-    }
+    await keepSent(this.#place.mediaDir, rows, files);
     return [message, ...rows];
   }
 }

@@ -2,13 +2,13 @@
 
 import { emit } from "../lib/wire.ts";
 import type { MessageEvent } from "../lib/events.ts";
+import { fileRows } from "../lib/files.ts";
+import { oneLine } from "../lib/text.ts";
 import { chatIdOf, directionOf, participantsOf, senderOf, type Person } from "./address.ts";
 import type { Content, Header } from "./fetch.ts";
 import { providerMsgId } from "./identity.ts";
-import type { FilePart } from "./parts.ts";
 import type { Names } from "./names.ts";
 import type { Folder, Told } from "./store.ts";
-import { oneLine } from "./text.ts";
 
 export interface Account {
   /** The slug. */
@@ -88,15 +88,4 @@ export async function tell(
   told.places.push({ id, folder: folder.id, uid: header.uid, messageId });
   told.chats.push({ id: chat, at: date, messageId, trail, subject });
   if (isNew) told.unread.push({ id, chat, folder: folder.id, uid: header.uid });
-}
-
-export function fileRows(message: MessageEvent, files: Pick<FilePart, "name" | "mediaType">[]): MessageEvent[] {
-  return files.map(({ name, mediaType }, index) => ({
-    ...message,
-    providerMsgId: `${message.providerMsgId}/${index + 1}`,
-    body: `[Document] ${oneLine(name, 255) || "file"}`,
-    mediaType,
-    subject: undefined,
-    historical: true,
-  }));
 }

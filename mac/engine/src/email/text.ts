@@ -20,12 +20,6 @@ export function bodyOf(texts: string[]): string {
   return body.length > longestText ? `${body.slice(0, longestText).toWellFormed()}\n[...]` : body;
 }
 
-/** One line without control characters. */
-export function oneLine(text: string, longest: number): string {
-  const line = text.toWellFormed().replace(/[\s\p{Cc}\p{Zl}\p{Zp}]+/gu, " ").trim();
-  return line.length > longest ? line.slice(0, longest).toWellFormed() : line;
-}
-
 function transferDecoded(bytes: Buffer, encoding: string): Buffer {
   const name = encoding.trim().toLowerCase();
   if (name === "base64") return Buffer.from(bytes.toString("latin1"), "base64");

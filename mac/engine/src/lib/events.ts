@@ -43,3 +43,15 @@ export function mediaTypeOf(contentType: string): MediaType {
   const [kind] = contentType.toLowerCase().split("/");
   return kind === "image" || kind === "audio" || kind === "video" ? kind : "document";
 }
+
+const groupMark = "@g.us";
+
+/** The chat's id where several people are in it. */
+export function groupId(providerId: string): string {
+  return providerId + groupMark;
+}
+
+/** The provider's own id of a chat. */
+export function providerChat(chatId: string): string {
+  return chatId.endsWith(groupMark) ? chatId.slice(0, -groupMark.length) : chatId;
+}

@@ -32,6 +32,9 @@ export function whenStored(run: () => void): void {
   else waiting.push({ number: printed, run });
 }
 
+/** Resolves once everything that was printed so far is on Corvane's disk. */
+export const untilStored = (): Promise<void> => new Promise((resolve) => whenStored(resolve));
+
 export const log = (msg: string): Promise<void> => emit({ type: "log", msg });
 
 /** Lets out what was printed, and prints nothing more. */
