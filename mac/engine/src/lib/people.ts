@@ -1,0 +1,63 @@
+// Names and pictures of chats, told where they are new or have changed.
+
+import type { DatabaseSync } from "node:sqlite";
+import type { Readable } from "node:stream";
+import { join } from "node:path";
+import { writeMedia } from "./media.ts";
+import { wordsOf, type Place } from "./run.ts";
+import { emit, log, whenStored } from "./wire.ts";
+
+export const peopleTable = `CREATE TABLE IF NOT EXISTS person(
+  jid TEXT PRIMARY KEY, name TEXT NOT NULL DEFAULT '', picture TEXT NOT NULL DEFAULT '') WITHOUT ROWID;`;
+
+export interface Picture {
+  /** Another picture has another mark. */
+  mark: string;
+  open(): Promise<Readable>;
+}
+
+export class People {
+  readonly #db: DatabaseSync;
+  readonly #mediaDir: string;
+  readonly #met = new Set<string>();
+
+  constructor(db: DatabaseSync, { mediaDir }: Place) {
+    this.#db = db;
+    this.#mediaDir = mediaDir;
+  }
+
+  /** Tells about a chat once in the life of the process: `look` asks the provider. What fails is logged. */
+  async meet(jid: string, look: () => Promise<{ name?: string; picture?: Picture }>): Promise<void> {
+    if (this.#met.has(jid)) return;
+    this.#met.add(jid);
+    try {
+      const { name, picture } = await look();
+      if (name) await this.#tellName(jid, name);
+      if (picture) await this.#tellPicture(jid, picture);
+    } catch (error) {
+      await log(`The name or picture of ${jid}: ${wordsOf(error)}`);
+    }
+  }
+
+  async #tellName(jid: string, name: string): Promise<void> {
+    if (this.#known(jid).name === name) return;
+    await emit({ type: "contactName", jid, name });
+    this.#keep("name", jid, name);
+  }
+
+  async #tellPicture(jid: string, { mark, open }: Picture): Promise<void> {
+    if (this.#known(jid).picture === mark) return;
+    const path = await writeMedia(join(this.#mediaDir, "avatars"), jid, `${mark}.jpg`, await open());
+    await emit({ type: "avatar", jid, path });
+    this.#keep("picture", jid, mark);
+  }
+
+  #known(jid: string): { name?: string; picture?: string } {
+    return this.#db.prepare("SELECT name, picture FROM person WHERE jid=?").get(jid) ?? {};
+  }
+
+  #keep(column: "name" | "picture", jid: string, value: string): void {
+    const keep = `INSERT INTO person(jid, ${column}) VALUES(?,?) ON CONFLICT(jid) DO UPDATE SET ${column}=excluded.${column}`;
+    whenStored(() => this.#db.prepare(keep).run(jid, value));
+  }
+}
