@@ -19,6 +19,8 @@ export interface Network {
   fetchFile(messageId: string, chatId: string, save: Save): Promise<FetchedFile>;
   /** No emoji takes the reaction back. */
   react?(messageId: string, chatId: string, emoji: string): Promise<void>;
+  /** Looks for news now. */
+  sync?(): void;
   close?(): void;
 }
 
@@ -64,6 +66,7 @@ function handle(command: Command, network: Network, outbox: Outbox, mediaDir: st
       const reacted = network.react?.(messageId, chatId, textOf(command, "emoji"));
       reacted?.catch((error) => log(`The reaction was not taken: ${wordsOf(error)}`));
     },
+    sync: () => network.sync?.(),
   };
   handlers[textOf(command, "cmd")]?.();
 }

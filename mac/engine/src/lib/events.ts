@@ -31,6 +31,7 @@ export type EngineEvent =
   | { type: "unread"; convExternalId: string; count: number }
   | { type: "contactName"; jid: string; name: string }
   | { type: "avatar"; jid: string; path: string }
+  | { type: "phone"; jid: string; phone: string }
   | ({ type: "sendProgress" } & SendName)
   | ({ type: "sendAck"; providerMsgId?: string; error?: string; status: "sent" | "failed" | "uncertain" } & SendName);
 

@@ -16,6 +16,12 @@ export interface Picture {
   open(): Promise<Readable>;
 }
 
+export interface Person {
+  name?: string;
+  picture?: Picture;
+  phone?: string;
+}
+
 export class People {
   readonly #db: DatabaseSync;
   readonly #mediaDir: string;
@@ -27,11 +33,12 @@ export class People {
   }
 
   /** Tells about a chat once in the life of the process: `look` asks the provider. What fails is logged. */
-  async meet(jid: string, look: () => Promise<{ name?: string; picture?: Picture }>): Promise<void> {
+  async meet(jid: string, look: () => Promise<Person>): Promise<void> {
     if (this.#met.has(jid)) return;
     this.#met.add(jid);
     try {
-      const { name, picture } = await look();
+      const { name, picture, phone } = await look();
+      if (phone) await emit({ type: "phone", jid, phone });
       if (name) await this.#tellName(jid, name);
       if (picture) await this.#tellPicture(jid, picture);
     } catch (error) {

@@ -2,11 +2,12 @@
 
 import { setTimeout as sleep } from "node:timers/promises";
 import { Backoff, Limited } from "./limits.ts";
+import { Refused } from "./outbox.ts";
 import { signOut, stopping, wordsOf } from "./run.ts";
 import { emit, log } from "./wire.ts";
 
 /** The provider refused the sign-in, in its own words: trying again would only lock the account. */
-export class SignInRefused extends Error {}
+export class SignInRefused extends Refused {}
 
 /** A session that lasted so long, in milliseconds, was a good one: the pauses begin anew. */
 const goodSession = 30_000;

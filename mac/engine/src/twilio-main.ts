@@ -1,0 +1,7 @@
+// A telephone number at Twilio: SMS, and the pictures that come with them.
+
+import { runChannel } from "./lib/channel.ts";
+import { joinTwilio } from "./sms/network.ts";
+import { toldTable } from "./sms/mirror.ts";
+
+await runChannel(toldTable, joinTwilio);
