@@ -90,16 +90,22 @@ void ingestBare(benchmark::State& state, MirrorBench::Prepared prepared)
     state.SetItemsProcessed(state.iterations() * messagesPerChunk);
 }
 
+QByteArrayList historyChunks(int count)
+{
+    QByteArrayList chunks;
+    for (int i = 0; i < count; i += historyPerChunk)
+        chunks.append(nextLines(historyPerChunk, MirrorBench::Age::Historical));
+    return chunks;
+}
+
 /// A history as it comes after the pairing.
 void historyLines(benchmark::State& state)
 {
     for (auto _ : state) {
         state.PauseTiming();
-        QByteArrayList chunks;
-        for (int i = 0; i < historyLength; i += historyPerChunk)
-            chunks.append(nextLines(historyPerChunk, MirrorBench::Age::Historical));
+        const QByteArrayList chunks = historyChunks(historyLength);
         state.ResumeTiming();
-        for (const QByteArray& lines : std::as_const(chunks))
+        for (const QByteArray& lines : chunks)
             ingest(lines, historyPerChunk);
     }
     state.SetItemsProcessed(state.iterations() * historyLength);
@@ -150,6 +156,7 @@ std::vector<double> waitsOfSecondWriter(const std::function<void()>& flood)
         }
         sqlite3_close(db);
     });
+    flood();
     QElapsedTimer flooding;
     flooding.start();
     while (flooding.elapsed() < secondsOfFlood * 1000)
@@ -170,9 +177,11 @@ void secondWriter(benchmark::State& state, void (*flood)())
     }
 }
 
+/// Made beforehand, as an engine makes them beside the program: the flood leaves the second writer no pause.
 void floodLines()
 {
-    ingest(nextLines(historyPerChunk, MirrorBench::Age::Historical), historyPerChunk);
+    static QByteArrayList chunks = historyChunks(10 * historyLength);
+    ingest(chunks.takeFirst(), historyPerChunk);
 }
 
 /// A hundred engines die as they start; two waves of restarts follow. Only the waves themselves are sampled.
