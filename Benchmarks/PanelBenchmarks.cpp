@@ -48,7 +48,8 @@ public:
     EngineManager& engines() { return m_program.app.engine(); }
     std::unique_ptr<PanelWindow> panel()
     {
-        return std::make_unique<PanelWindow>(m_program.window.engine(), m_program.screens.panel, m_program.scheduler);
+        return std::make_unique<PanelWindow>(
+            m_program.window.engine(), m_program.screens.panel, m_program.screens.notices, m_program.scheduler);
     }
 
 private:

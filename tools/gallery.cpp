@@ -45,7 +45,7 @@ public:
         , m_app(AppPaths::fromEnvironment(), m_clock, pictureMachine(m_desktop, m_model))
         , m_screens(m_app)
         , m_window(m_screens, m_app.defaults(), m_app.decoder())
-        , m_panel(m_window.engine(), m_screens.panel, m_clock)
+        , m_panel(m_window.engine(), m_screens.panel, m_screens.notices, m_clock)
     {
         QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
     }

@@ -172,7 +172,7 @@ int main(int argc, char** argv)
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),
             [] { log(QStringLiteral("MainWindow: first frame")); });
-        panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, scheduler);
+        panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, screens->notices, scheduler);
         QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
         QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);
         QObject::connect(&app, &CorvaneApp::quitting, panel.get(), &PanelWindow::hide);

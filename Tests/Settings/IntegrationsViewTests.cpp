@@ -281,7 +281,7 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
         { world.clock.nowMs() - 3 * 3'600'000 });
     sync.queuePull();
     ASSERT_EQ(sync.health().size(), 2);
-    EXPECT_EQ(sync.health()[0].toMap()["source"], "inbox");
+    EXPECT_EQ(sync.health()[0].toMap()["source"], "Conversations from the web");
     EXPECT_EQ(sync.health()[0].toMap()["detail"], "Finished 3 hours ago");
     EXPECT_EQ(sync.health()[1].toMap()["detail"], "no route");
     EXPECT_EQ(sync.health()[1].toMap()["kind"], "bad");

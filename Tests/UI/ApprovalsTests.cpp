@@ -58,7 +58,7 @@ protected:
         return cell(u"SELECT "_s + column + u" FROM outbound_draft WHERE id='d1';"_s);
     }
 
-    PanelWindow panel { window.engine(), screens.panel, clock };
+    PanelWindow panel { window.engine(), screens.panel, screens.notices, clock };
 };
 
 }

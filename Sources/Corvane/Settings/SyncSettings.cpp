@@ -6,6 +6,8 @@
 #include "Web/SessionStore.h"
 
 #include <QVariantMap>
+#include <algorithm>
+#include <span>
 
 namespace corvane {
 
@@ -18,13 +20,42 @@ QString kindOf(const SyncHealthRow& row)
     return row.status == QLatin1StringView("running") ? QStringLiteral("busy") : QStringLiteral("good");
 }
 
+struct Word {
+    QLatin1StringView word;
+    QLatin1StringView text;
+};
+
+/// What the tool server and the push write into their rows, and what a person reads instead.
+constexpr Word sources[] = {
+    { QLatin1StringView("bootstrap"), QLatin1StringView("Workspaces and integrations") },
+    { QLatin1StringView("inbox"), QLatin1StringView("Conversations from the web") },
+    { QLatin1StringView("outbound_drafts"), QLatin1StringView("Drafts from the web") },
+    { QLatin1StringView("crm"), QLatin1StringView("Contacts and deals") },
+    { QLatin1StringView("corvane_ingest"), QLatin1StringView("Local channels to the web") },
+};
+constexpr Word statuses[] = {
+    { QLatin1StringView("running"), QLatin1StringView("Running") },
+    { QLatin1StringView("ok"), QLatin1StringView("Up to date") },
+    { QLatin1StringView("skipped"), QLatin1StringView("Skipped") },
+    { QLatin1StringView("waiting_for_web"), QLatin1StringView("Waiting for the web") },
+    { QLatin1StringView("error"), QLatin1StringView("Failed") },
+};
+
+/// A word that is not known stands for itself.
+QString plainWords(std::span<const Word> table, const QString& word)
+{
+    const auto known = std::ranges::find(table, word, &Word::word);
+    return known == table.end() ? word : QString(known->text);
+}
+
 QVariantMap healthLine(const SyncHealthRow& row, const DateWords& words)
 {
     QString detail = row.lastError;
     if (detail.isEmpty() && row.lastFinishedAt)
         detail = QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt);
-    return { { QStringLiteral("source"), row.source }, { QStringLiteral("status"), row.status },
-        { QStringLiteral("kind"), kindOf(row) }, { QStringLiteral("detail"), detail } };
+    return { { QStringLiteral("source"), plainWords(sources, row.source) },
+        { QStringLiteral("status"), plainWords(statuses, row.status) }, { QStringLiteral("kind"), kindOf(row) },
+        { QStringLiteral("detail"), detail } };
 }
 
 }

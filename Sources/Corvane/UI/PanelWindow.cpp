@@ -3,6 +3,7 @@
 #include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
+#include "Shell/Notices.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -38,10 +39,12 @@ QRect panelPlace(const QRect& free, const QPoint& at, const QSize& size)
         size };
 }
 
-PanelWindow::PanelWindow(QQmlEngine& engine, CorvaneMenuBarView& view, Scheduler& scheduler, QObject* parent)
+PanelWindow::PanelWindow(
+    QQmlEngine& engine, CorvaneMenuBarView& view, Notices& notices, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_engine(engine)
     , m_view(view)
+    , m_notices(notices)
     , m_scheduler(scheduler)
 {
     connect(&view, &CorvaneMenuBarView::windowRequested, this, &PanelWindow::hide);
@@ -52,8 +55,8 @@ PanelWindow::~PanelWindow() = default;
 bool PanelWindow::build()
 {
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Corvane/Panel/PanelFrame.qml"_s));
-    std::unique_ptr<QObject> root(
-        component.createWithInitialProperties({ { u"panel"_s, QVariant::fromValue(&m_view) } }));
+    std::unique_ptr<QObject> root(component.createWithInitialProperties(
+        { { u"panel"_s, QVariant::fromValue(&m_view) }, { u"notices"_s, QVariant::fromValue(&m_notices) } }));
     for (const QQmlError& error : component.errors())
         log(u"PanelWindow: %1"_s.arg(error.toString()));
     m_window.reset(qobject_cast<QQuickWindow*>(root.get()));

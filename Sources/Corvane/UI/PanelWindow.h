@@ -6,6 +6,7 @@
 namespace corvane {
 
 class CorvaneMenuBarView;
+class Notices;
 class Scheduler;
 
 /// The small window at the tray. It is made when it is first asked for, and only hidden afterwards.
@@ -13,7 +14,8 @@ class PanelWindow : public QObject {
     Q_OBJECT
 public:
     /// All of it outlives the window; the engine is the main window's, so that both look the same.
-    PanelWindow(QQmlEngine& engine, CorvaneMenuBarView& view, Scheduler& scheduler, QObject* parent = nullptr);
+    PanelWindow(QQmlEngine& engine, CorvaneMenuBarView& view, Notices& notices, Scheduler& scheduler,
+        QObject* parent = nullptr);
     ~PanelWindow() override;
 
     /// Shows the panel beside a point of the screen, such as the pressed icon; 0,0 is nowhere in particular. Shown
@@ -30,6 +32,7 @@ private:
 
     QQmlEngine& m_engine;
     CorvaneMenuBarView& m_view;
+    Notices& m_notices;
     Scheduler& m_scheduler;
     std::unique_ptr<QQuickWindow> m_window;
     qint64 m_hiddenMs = 0; ///< when it last hid

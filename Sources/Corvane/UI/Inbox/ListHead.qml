@@ -34,14 +34,15 @@ Column {
         spacing: 2
 
         Repeater {
-            model: head.inbox.tabs
+            model: head.inbox.tabs.length // the tabs stay while their counts change
             FilterTab {
-                required property var modelData
-                objectName: "inbox.filter." + modelData.key
-                text: modelData.label
-                count: modelData.count
-                selected: head.inbox.filter === modelData.key
-                onClicked: head.inbox.filter = modelData.key
+                required property int index
+                readonly property var tab: head.inbox.tabs[index]
+                objectName: "inbox.filter." + tab.key
+                text: tab.label
+                count: tab.count
+                selected: head.inbox.filter === tab.key
+                onClicked: head.inbox.filter = tab.key
             }
         }
     }

@@ -7,6 +7,7 @@ T.ApplicationWindow {
     id: window
 
     required property QtObject panel
+    required property QtObject notices
     readonly property QtObject approvals: panel.approvals
 
     title: qsTr("Corvane panel")
@@ -72,9 +73,15 @@ T.ApplicationWindow {
             height: 1
             color: Theme.line
         }
+        NoticeBar {
+            id: noticeBar
+            anchors.top: edge.bottom
+            width: parent.width
+            notices: window.notices
+        }
         Loader {
             id: content
-            anchors.top: edge.bottom
+            anchors.top: noticeBar.bottom
             anchors.bottom: foot.top
             width: parent.width
             focus: true
