@@ -131,6 +131,11 @@ TEST_F(MessageActionsTest, aFileOpensInTheDesktopsProgramOrSaysWhyNot)
     EXPECT_EQ(desktop.openedFiles.size(), 2);
     actions().openMedia("wa:msg:m1");
     EXPECT_EQ(desktop.openedFiles.size(), 2) << "a plain text has no file";
+
+    ASSERT_TRUE(QFile::remove(path) && QFile::link("/etc/hostname", path)) << "after it was received";
+    actions().openMedia("wa:msg:m3");
+    EXPECT_EQ(inbox.thread()->errorText(),
+        "Document file is not a plain file in its account's media folder, so it is not opened.");
 }
 
 TEST_F(MessageActionsTest, aCallOpensWhatsAppWithThePersonsNumber)

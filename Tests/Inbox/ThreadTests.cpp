@@ -118,16 +118,17 @@ TEST(UnifiedBubble, aMediumIsHereFetchableOrGone)
 {
     using Kind = bubble::MediaState::Kind;
     const TemporaryHome home;
-    home.write("voice.ogg", "x");
-    const QString file = home.path("voice.ogg");
-    const auto state = [](const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download = {}) {
-        return bubble::mediaState(row, download);
+    home.write("media/voice.ogg", "x");
+    const QString file = home.path("media/voice.ogg");
+    const auto state = [&home](const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download = {}) {
+        return bubble::mediaState(row, download, { home.path("media") });
     };
     EXPECT_EQ(state(message(noon)).kind, Kind::None);
     EXPECT_EQ(state(medium("audio", file)).kind, Kind::Ready);
     EXPECT_TRUE(bubble::hasAudio(medium("Audio", file)));
     EXPECT_FALSE(bubble::hasImage(medium("audio", file)));
     EXPECT_FALSE(bubble::hasAudio(medium("audio", file + "x")));
+    EXPECT_EQ(state(medium("audio", "/etc/hostname")).kind, Kind::Refused);
     EXPECT_EQ(state(medium("audio", file + "x")).text, "Audio file is missing from local media cache.");
     EXPECT_EQ(state(medium("image", {})).kind, Kind::Download);
     EXPECT_EQ(state(medium("image", {}), MediaDownloadStatus {}).text, "Fetching from WhatsApp...");
@@ -178,24 +179,27 @@ TEST(ThreadRow, aChannelIsNamedWhereItChanges)
 TEST(ThreadRow, aTextIsShownOnce)
 {
     const TemporaryHome home;
-    home.write("a.png", "x");
-    const auto row = [](const UnifiedMsgRow& from) {
-        return shownRows({ from }).last();
+    home.write("media/a.png", "x");
+    ThreadSurroundings surroundings;
+    surroundings.mediaPlaces = [&home](const UnifiedMsgRow&) {
+        return QStringList(home.path("media"));
     };
-    const ThreadRow here = row(medium("image", home.path("a.png"), "[Image] the roof"));
+    const auto row = [&surroundings](const UnifiedMsgRow& from) {
+        return shownRows({ from }, surroundings).last();
+    };
+    const ThreadRow here = row(medium("image", home.path("media/a.png"), "[Image] the roof"));
     EXPECT_EQ(here.body, "the roof");
-    EXPECT_EQ(here.mediaPath, home.path("a.png"));
+    EXPECT_EQ(here.mediaPath, home.path("media/a.png"));
     const ThreadRow there = row(medium("image", {}, "the roof"));
     EXPECT_EQ(there.body, "");
     EXPECT_EQ(there.mediaTitle, "the roof");
     EXPECT_EQ(there.mediaState, "download");
-    const ThreadRow document = row(medium("document", home.path("a.png"), "[Document] plan.pdf"));
+    const ThreadRow document = row(medium("document", home.path("media/a.png"), "[Document] plan.pdf"));
     EXPECT_EQ(document.body, "");
     EXPECT_EQ(document.mediaTitle, "plan.pdf");
     EXPECT_EQ(document.mediaState, "ready");
     EXPECT_EQ(document.spoken, "Ana, 12:00, Document: plan.pdf");
 
-    ThreadSurroundings surroundings;
     surroundings.contactName = "Ana Ruiz";
     EXPECT_EQ(shownRows({ message(noon, "IN", "") }, surroundings).last().spoken, "Ana Ruiz, 12:00: hello");
 }

@@ -36,7 +36,8 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
     const auto path = [this](const QString& name) {
         return home.path(u"share/Corvane/media/studio/"_s + name);
     };
-    home.write(u"share/Corvane/media/studio/fake.png"_s, "<html>no picture</html>");
+    home.write(u"share/Corvane/media/studio/fake.png"_s, "<svg><image href='file:///dev/zero'/></svg>");
+    ASSERT_TRUE(QImage(400'000, 1, QImage::Format_Mono).save(path(u"thin.png"_s)));
     home.write(u"secret.png"_s, "private");
     QImage picture(800, 400, QImage::Format_RGB32);
     picture.fill(QColor(200, 30, 30));
@@ -44,7 +45,7 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
     QFile cut(path(u"cut.png"_s));
     ASSERT_TRUE(cut.resize(cut.size() / 3));
     showInbox();
-    for (const QString& name : { u"fake.png"_s, u"link.png"_s, u"cut.png"_s, u"gone.png"_s })
+    for (const QString& name : { u"fake.png"_s, u"thin.png"_s, u"link.png"_s, u"cut.png"_s, u"gone.png"_s })
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "image" }, { "mediaPath", path(name) } });
     ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
@@ -53,9 +54,10 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
         return std::ranges::any_of(
             visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
     };
-    for (const QString& words : { u"The file is of a kind that is not shown here."_s,
-             u"This is a link or a device, not a file, so it is not opened."_s, u"The file is damaged."_s,
-             u"Image file is missing from local media cache."_s }) {
+    for (const QString& words :
+        { u"The file is of a kind that is not shown here."_s, u"The picture is too large to be shown here."_s,
+            u"Image file is not a plain file in its account's media folder, so it is not opened."_s,
+            u"The file is damaged."_s, u"Image file is missing from local media cache."_s }) {
         EXPECT_TRUE(await([&] {
             rest();
             return isShown(words);

@@ -14,6 +14,7 @@
 #include "Platform/Desktop.h"
 #include "Platform/Keychain.h"
 #include "Store/Messages/InboxQueries.h"
+#include "Store/Messages/ThreadQueries.h"
 
 #include <QDir>
 #include <QFile>
@@ -263,6 +264,15 @@ const QString& EngineManager::openContactId() const
 void EngineManager::setOpenContactId(const QString& contactId)
 {
     m_state->ingest.setOpenContactId(contactId);
+}
+
+QStringList EngineManager::mediaPlaces(const UnifiedMsgRow& row) const
+{
+    // The account may be gone, and its files still there.
+    Account account;
+    account.slug = row.accountId;
+    account.channelRaw = row.platform;
+    return corvane::mediaPlaces(m_state->paths, account);
 }
 
 std::optional<MediaDownloadStatus> EngineManager::mediaDownloadStatus(const QString& messageId) const

@@ -101,6 +101,7 @@ public:
     bool fetchAvatar(const Account& account, const QString& jid);
     bool sync(const Account& account);
     void retryMediaDownload(const UnifiedMsgRow& row);
+    QStringList mediaPlaces(const UnifiedMsgRow& row) const; ///< where the file of a message may lie
 
     // What the screens show
     qint64 inboxRevision() const { return m_inboxRevision; }

@@ -9,6 +9,7 @@ namespace corvane {
 namespace {
 
 constexpr qint64 tailSize = 4096;
+constexpr int mostParts = 100'000; // a file with more is not looked through
 constexpr qint64 longestJpeg = 64 << 20; // a longer one is not looked through
 constexpr quint32 streamedLength = 0x7ffff000; // written by programs that did not know the length yet
 
@@ -17,7 +18,10 @@ constexpr quint32 streamedLength = 0x7ffff000; // written by programs that did n
 bool isWholeMpeg4(QIODevice& file)
 {
     bool index = false;
-    for (qint64 at = 0; at < file.size();) {
+    qint64 at = 0;
+    for (int part = 0; at < file.size(); ++part) {
+        if (part == mostParts)
+            return true;
         file.seek(at);
         const QByteArray box = file.read(16);
         if (box.size() < 8)
@@ -38,7 +42,9 @@ bool isWholeMpeg4(QIODevice& file)
 /// Chunks of a PNG file: each tells its length, and "IEND" is the last. What stands behind it is no matter.
 bool isWholePng(QIODevice& file)
 {
-    for (qint64 at = 8; file.seek(at);) {
+    qint64 at = 8;
+    for (int part = 0; part < mostParts; ++part) {
+        file.seek(at);
         const QByteArray chunk = file.read(8);
         if (chunk.size() < 8)
             return false;
@@ -48,7 +54,7 @@ bool isWholePng(QIODevice& file)
         if (chunk.endsWith("IEND"))
             return true;
     }
-    return false;
+    return true;
 }
 
 /// Segments of a JPEG file tell their lengths up to the picture itself, which ends at a mark that is not found within

@@ -23,12 +23,6 @@ QVariantMap choice(const QString& key, const QString& label)
     return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label } };
 }
 
-/// Where engines are told to keep what messages carry.
-QString mediaFolder(const AppPaths& paths)
-{
-    return paths.applicationSupport + QStringLiteral("/media");
-}
-
 }
 
 InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
@@ -55,11 +49,11 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
           })
     , m_crm(m_engine.db(), m_scheduler)
     , m_undo(m_scheduler, [this] { Q_EMIT undoChanged(); })
-    , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo, mediaFolder(surroundings.paths),
+    , m_messageActions({ m_engine, surroundings.desktop, m_scheduler, m_thread, m_undo,
           [this] {
               return m_rows.rows();
           } }) // a search hides nobody to whom a message may go
-    , m_voicePlayer(surroundings.player, m_thread, mediaFolder(surroundings.paths))
+    , m_voicePlayer(surroundings.player, m_thread, m_engine)
     , m_reloadSoon(m_scheduler, reloadPause,
           [this] {
               if (m_shown)

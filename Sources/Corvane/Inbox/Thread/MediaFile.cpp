@@ -1,9 +1,9 @@
 #include "Inbox/Thread/MediaFile.h"
 
+#include "Engines/MediaPlaces.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Platform/WholeFile.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QMimeDatabase>
 
@@ -12,20 +12,6 @@ namespace corvane {
 namespace {
 
 constexpr qint64 headSize = 4096;
-
-bool isInside(const QString& path, const QString& folder)
-{
-    return !folder.isEmpty() && path.startsWith(folder + u'/');
-}
-
-bool leadsOutside(const QString& path, const QString& mediaFolder)
-{
-    const QFileInfo file(path);
-    const bool named = isInside(QDir::cleanPath(file.absoluteFilePath()), QDir::cleanPath(mediaFolder));
-    if (!named && !file.isSymLink())
-        return false;
-    return !isInside(file.canonicalFilePath(), QFileInfo(mediaFolder).canonicalFilePath());
-}
 
 bool isProgram(const QFileInfo& file, const QByteArray& head)
 {
@@ -56,15 +42,13 @@ bool isOfKind(const QString& kind, const QFileInfo& file, const QByteArray& head
 
 }
 
-MediaProblem checkMedia(const QString& path, const QString& kind, const QString& mediaFolder)
+MediaProblem checkMedia(const QString& path, const QString& kind, const QStringList& places)
 {
     const QFileInfo info(path);
     if (path.isEmpty() || !info.exists())
         return MediaProblem::Missing;
-    if (leadsOutside(path, mediaFolder))
-        return MediaProblem::LinkOutside;
-    if (!info.isFile())
-        return MediaProblem::NotAFile;
+    if (!isMediaPath(places, path))
+        return MediaProblem::Elsewhere;
     if (info.size() == 0)
         return MediaProblem::Empty;
     QFile file(path);
@@ -86,10 +70,8 @@ QString mediaProblemText(MediaProblem problem, const QString& kind)
         return {};
     case MediaProblem::Missing:
         return UnifiedBubble::missingText(kind);
-    case MediaProblem::LinkOutside:
-        return word + QStringLiteral(" file is a link to a place outside the media folder, so it is not opened.");
-    case MediaProblem::NotAFile:
-        return word + QStringLiteral(" file is not a file that can be read.");
+    case MediaProblem::Elsewhere:
+        return UnifiedBubble::refusedText(kind);
     case MediaProblem::Program:
         return word + QStringLiteral(" file is a program, so it is not opened.");
     case MediaProblem::Empty:

@@ -43,7 +43,7 @@ QVariantList MessageActions::actionsFor(const QString& messageId) const
         return {};
     const EngineManager& engine = m_surroundings.engine;
     using Kind = UnifiedBubble::MediaState::Kind;
-    const auto media = UnifiedBubble::mediaState(*row, engine.mediaDownloadStatus(row->id));
+    const auto media = UnifiedBubble::mediaState(*row, engine.mediaDownloadStatus(row->id), engine.mediaPlaces(*row));
     QVariantList actions;
     actions.append(action(QStringLiteral("react"), QStringLiteral("React"),
         engine.runningAccount(row->accountId) ? QString()
@@ -57,7 +57,7 @@ QVariantList MessageActions::actionsFor(const QString& messageId) const
         obstacle = QStringLiteral("There is nobody else in the list");
     actions.append(action(QStringLiteral("forward"), QStringLiteral("Forward as draft…"), obstacle));
 
-    if (UnifiedBubble::hasAudio(*row))
+    if (media.kind == Kind::Ready && UnifiedBubble::hasAudio(*row))
         actions.append(action(QStringLiteral("play"), QStringLiteral("Play")));
     if (media.kind == Kind::Download || media.kind == Kind::Failed)
         actions.append(action(QStringLiteral("fetch"),
@@ -129,7 +129,7 @@ void MessageActions::openMedia(const QString& messageId)
     if (path.isEmpty())
         return;
     const QString kind = UnifiedBubble::mediaKind(*row);
-    QString error = mediaProblemText(checkMedia(path, kind, m_surroundings.mediaFolder), kind);
+    QString error = mediaProblemText(checkMedia(path, kind, m_surroundings.engine.mediaPlaces(*row)), kind);
     if (error.isEmpty() && !m_surroundings.desktop.openFile(path))
         error = QStringLiteral("No program on this machine opens the file.");
     m_surroundings.thread.setError(error);

@@ -29,7 +29,6 @@ public:
         Scheduler& scheduler;
         ThreadView& thread;
         UndoOffer& undo;
-        QString mediaFolder;
         std::function<QList<ContactRow>()> contacts; ///< the people of the list, in its order
     };
 

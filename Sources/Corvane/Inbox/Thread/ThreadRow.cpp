@@ -34,6 +34,8 @@ QString mediaStateWord(MediaState::Kind kind)
         return QStringLiteral("failed");
     case MediaState::Kind::Missing:
         return QStringLiteral("missing");
+    case MediaState::Kind::Refused:
+        return QStringLiteral("refused");
     }
     return {};
 }
@@ -66,7 +68,8 @@ void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurro
     shown.mediaKind = UnifiedBubble::mediaKind(row);
     if (!shown.mediaKind.isEmpty()) {
         const auto download = surroundings.download ? surroundings.download(row.id) : std::nullopt;
-        const MediaState state = UnifiedBubble::mediaState(row, download);
+        const QStringList places = surroundings.mediaPlaces ? surroundings.mediaPlaces(row) : QStringList();
+        const MediaState state = UnifiedBubble::mediaState(row, download, places);
         shown.mediaState = mediaStateWord(state.kind);
         shown.mediaStateText = state.text;
         shown.mediaTitle = UnifiedBubble::mediaTitle(row);

@@ -55,7 +55,7 @@ public:
     QString mediaKind; ///< "" for none, "image", "audio", "video", "document", "sticker" or "media"
     QString mediaPath; ///< set only while the file is there
     QString mediaTitle;
-    QString mediaState; ///< "", "ready", "download", "downloading", "failed" (with a retry) or "missing"
+    QString mediaState; ///< "", "ready", "download", "downloading", "failed" (with a retry), "missing" or "refused"
     QString mediaStateText;
     QString transcript; ///< of a voice note
     QString reaction;
@@ -78,6 +78,7 @@ struct ThreadSurroundings {
     int unread = 0; ///< how many messages are unread from that one on
     QHash<QString, qsizetype> lengths = {}; ///< of bodies that a person wanted to see more of
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
+    std::function<QStringList(const UnifiedMsgRow& row)> mediaPlaces; ///< where the file of a message may lie
 };
 
 QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurroundings& surroundings);

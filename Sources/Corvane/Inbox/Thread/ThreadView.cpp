@@ -249,9 +249,11 @@ void ThreadView::present(Opening opening)
             .firstUnreadId = m_firstUnreadId,
             .unread = m_unread,
             .lengths = m_lengths,
-            .download = [this](const QString& messageId) {
-                return m_engine.mediaDownloadStatus(messageId);
-            } });
+            .download = [this](const QString& messageId) { return m_engine.mediaDownloadStatus(messageId); },
+            .mediaPlaces =
+                [this](const UnifiedMsgRow& row) {
+                    return m_engine.mediaPlaces(row);
+                } });
     if (opening == Opening::Yes) {
         // A view makes first what it is given first, so it is given what will be in sight.
         m_rows.assign(rows.last(std::min(rows.size(), screenful)));

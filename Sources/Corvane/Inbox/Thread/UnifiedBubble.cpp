@@ -1,5 +1,6 @@
 #include "Inbox/Thread/UnifiedBubble.h"
 
+#include "Engines/MediaPlaces.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 
@@ -124,10 +125,19 @@ QString missingText(const QString& mediaType)
     return mediaWord(mediaType) + QStringLiteral(" file is missing from local media cache.");
 }
 
-MediaState mediaState(const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download)
+QString refusedText(const QString& mediaType)
+{
+    return mediaWord(mediaType)
+        + QStringLiteral(" file is not a plain file in its account's media folder, so it is not opened.");
+}
+
+MediaState mediaState(
+    const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download, const QStringList& places)
 {
     if (mediaKind(row).isEmpty())
         return {};
+    if (isSet(row.mediaPath) && QFileInfo::exists(*row.mediaPath) && !isMediaPath(places, *row.mediaPath))
+        return { MediaState::Kind::Refused, refusedText(row.mediaType.value_or(QString())) };
     if (hasFile(row))
         return { MediaState::Kind::Ready, {} };
     if (isSet(row.mediaPath))

@@ -30,17 +30,19 @@ QString mediaWord(const QString& mediaType);
 /// The text without a leading mark such as "[Image]", trimmed; nothing where no mark leads it.
 std::optional<QString> textBehindMark(const QString& body);
 
-/// What is said of a file that a message names and that is not there.
+/// What is said of a file that a message names and that is not there, or not a plain file of its account.
 QString missingText(const QString& mediaType);
+QString refusedText(const QString& mediaType);
 
 struct MediaState {
-    enum class Kind { None, Ready, Download, Downloading, Failed, Missing };
+    enum class Kind { None, Ready, Download, Downloading, Failed, Missing, Refused };
     Kind kind = Kind::None;
     QString text;
 };
 
-/// Where the medium of a message stands. Only WhatsApp's can be fetched.
-MediaState mediaState(const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download);
+/// Where the medium of a message stands; `places` are those of its account. Only WhatsApp's can be fetched.
+MediaState mediaState(
+    const UnifiedMsgRow& row, const std::optional<MediaDownloadStatus>& download, const QStringList& places);
 
 /// What is read aloud and copied: the transcript of a voice note, else the body, on one line.
 QString readableText(const UnifiedMsgRow& row);

@@ -1,5 +1,6 @@
 #include "Inbox/Thread/VoicePlayer.h"
 
+#include "Engines/EngineManager.h"
 #include "Inbox/Thread/MediaFile.h"
 #include "Inbox/Thread/ThreadView.h"
 
@@ -9,11 +10,11 @@ namespace corvane {
 
 using State = AudioPlayer::State;
 
-VoicePlayer::VoicePlayer(AudioPlayer& player, ThreadView& thread, const QString& mediaFolder, QObject* parent)
+VoicePlayer::VoicePlayer(AudioPlayer& player, ThreadView& thread, EngineManager& engine, QObject* parent)
     : QObject(parent)
     , m_player(player)
     , m_thread(thread)
-    , m_mediaFolder(mediaFolder)
+    , m_engine(engine)
 {
     connect(&player, &AudioPlayer::stateChanged, this, [this] {
         Q_EMIT changed();
@@ -105,7 +106,7 @@ void VoicePlayer::toggle(const QString& messageId)
     const QString path = row->mediaPath.value_or(QString());
     const QString kind = QStringLiteral("audio");
     m_messageId = messageId;
-    m_problem = mediaProblemText(checkMedia(path, kind, m_mediaFolder), kind);
+    m_problem = mediaProblemText(checkMedia(path, kind, m_engine.mediaPlaces(*row)), kind);
     if (m_problem.isEmpty())
         m_player.play(path);
     Q_EMIT changed();

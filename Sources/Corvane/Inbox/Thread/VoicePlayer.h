@@ -4,6 +4,7 @@
 
 namespace corvane {
 
+class EngineManager;
 class ThreadView;
 
 /// The voice note that plays: one at a time, as long as its thread is open.
@@ -17,8 +18,8 @@ class VoicePlayer : public QObject {
     Q_PROPERTY(QString durationText READ durationText NOTIFY moved) ///< "1:20", empty while not known
     Q_PROPERTY(double progress READ progress NOTIFY moved) ///< from 0 to 1
 public:
-    /// Both outlive the object.
-    VoicePlayer(AudioPlayer& player, ThreadView& thread, const QString& mediaFolder, QObject* parent = nullptr);
+    /// All of them outlive the object.
+    VoicePlayer(AudioPlayer& player, ThreadView& thread, EngineManager& engine, QObject* parent = nullptr);
 
     const QString& messageId() const { return m_messageId; }
     QString state() const;
@@ -42,7 +43,7 @@ private:
 
     AudioPlayer& m_player;
     ThreadView& m_thread;
-    QString m_mediaFolder;
+    EngineManager& m_engine;
     QString m_messageId;
     QString m_problem; ///< why the file was not given to the player
 };

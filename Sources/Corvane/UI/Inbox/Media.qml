@@ -76,7 +76,7 @@ Item {
                 text: media.stateText
                 wrapMode: Text.Wrap
                 font.pixelSize: Theme.meta
-                color: media.broken || media.item.mediaState === "failed" || media.item.mediaState === "missing" ? Theme.bad : Theme.faint
+                color: media.broken || ["failed", "missing", "refused"].includes(media.item.mediaState) ? Theme.bad : Theme.faint
                 Accessible.ignored: true
             }
         }

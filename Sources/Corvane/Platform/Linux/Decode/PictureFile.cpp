@@ -15,8 +15,9 @@ namespace {
 
 constexpr int longestEdge = 30'000;
 constexpr int thinnest = 100; ///< one edge to the other
-constexpr qint64 mostPixels = 120'000'000;
-constexpr int mostMegabytes = 512; ///< of one decoded picture; larger ones must be scaled down while they are read
+constexpr qint64 mostPixels = 64'000'000;
+constexpr qint64 mostJpegPixels = 120'000'000; ///< it is scaled down while it is read
+constexpr int mostMegabytes = 512; ///< of one decoded picture
 
 using Failed = std::unexpected<DecodeFailure>;
 
@@ -63,13 +64,13 @@ bool isTurned(const QImageReader& reader)
     return reader.transformation() & QImageIOHandler::TransformationRotate90;
 }
 
-std::expected<QSize, DecodeFailure> checked(QSize size)
+std::expected<QSize, DecodeFailure> checked(QSize size, Format format)
 {
     if (size.isEmpty())
         return Failed(DecodeFailure::Damaged);
+    const qint64 most = format == Format::Jpeg ? mostJpegPixels : mostPixels;
     const auto [shorter, longer] = std::minmax({ size.width(), size.height() });
-    const bool fits
-        = longer <= longestEdge && longer <= qint64(shorter) * thinnest && qint64(shorter) * longer <= mostPixels;
+    const bool fits = longer <= longestEdge && longer <= qint64(shorter) * thinnest && qint64(shorter) * longer <= most;
     return fits ? std::expected<QSize, DecodeFailure>(size) : Failed(DecodeFailure::TooManyPixels);
 }
 
@@ -146,13 +147,14 @@ private:
 std::expected<Pixels, DecodeFailure> readHeif(QFile& file, PictureBox box)
 {
     Heif heif(file);
-    if (const auto size = checked(heif.size()); !size)
+    if (const auto size = checked(heif.size(), Format::Heif); !size)
         return Failed(size.error());
     const QImage image = heif.read();
     if (image.isNull())
         return Failed(DecodeFailure::Damaged);
     const View view = viewOf(image.size(), box);
-    return pixelsOf(image.copy(view.part).scaled(view.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    const QImage part = view.part == image.rect() ? image : image.copy(view.part);
+    return pixelsOf(part.scaled(view.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 }
@@ -180,7 +182,7 @@ std::expected<Pixels, DecodeFailure> readPicture(QFile& file, PictureBox box)
     file.seek(0);
     QImageReader reader(&file, readerName(*format));
     reader.setAutoTransform(true);
-    const auto size = checked(reader.size());
+    const auto size = checked(reader.size(), *format);
     if (!size)
         return Failed(size.error());
     const bool turned = isTurned(reader);

@@ -17,7 +17,7 @@ namespace corvane {
 namespace {
 
 /// Of address space, program and libraries included.
-constexpr rlim_t mostMemory = 2UL << 30;
+constexpr rlim_t mostMemory = 1UL << 30;
 
 #if __has_feature(address_sanitizer)
 constexpr bool isSanitized = true;

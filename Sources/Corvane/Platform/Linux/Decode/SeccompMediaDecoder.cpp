@@ -56,9 +56,11 @@ MediaDecoder::Handle SeccompMediaDecoder::ask(
         else
             answer(std::unexpected(outcome.error()));
     };
-    m_waiting.push_back(std::make_shared<Work>(Work { order, path, done }));
+    const auto work = std::make_shared<Work>(Work { order, path, done });
+    // What is being played runs out while pictures are read.
+    m_waiting.insert(order.kind == Kind::Sound ? m_waiting.begin() : m_waiting.end(), work);
     goOnSoon();
-    return std::make_unique<Withdrawal>(m_waiting.back());
+    return std::make_unique<Withdrawal>(work);
 }
 
 MediaDecoder::Handle SeccompMediaDecoder::picture(const QString& path, PictureBox box, Answer<Pixels> answer)
