@@ -379,9 +379,12 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
 
 TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
 {
+    showEmptyInbox();
+    window.hide();
+    EXPECT_TRUE(window.window()->close()) << "a quit is not held up";
+    window.show();
     QSignalSpy appeared(&window, &MainWindow::appeared);
     QSignalSpy closed(&window, &MainWindow::closed);
-    showEmptyInbox();
     window.window()->resize(1400, 900);
     window.window()->close();
     rest();

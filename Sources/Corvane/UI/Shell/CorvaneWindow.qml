@@ -27,7 +27,8 @@ T.ApplicationWindow {
     minimumHeight: 660
 
     onClosing: event => {
-        if (!window.closingNotice.due())
+        // A quit closes the window that it has hidden, too.
+        if (!window.visible || !window.closingNotice.due())
             return;
         event.accepted = false;
         notice.open();
