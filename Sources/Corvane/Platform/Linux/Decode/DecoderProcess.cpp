@@ -13,6 +13,8 @@ namespace corvane {
 
 namespace {
 
+constexpr int mostChunks = 64; ///< more than any answer has
+
 /// Reaps the child once it has ended, while the program goes on; at the program's end the system does.
 void reapLater(const std::shared_ptr<const Descriptor>& handle)
 {
@@ -84,11 +86,11 @@ bool DecoderProcess::isExpected(const DecodeHead& head) const
     return m_order && fitsOrder(head, *m_order);
 }
 
-/// Up to a whole answer; false once nothing can come any more.
+/// What has arrived, but not without end from a child that never stops; false once nothing can come any more.
 bool DecoderProcess::readMore()
 {
     std::array<char, 256 * 1024> chunk;
-    for (;;) {
+    for (int i = 0; i < mostChunks; ++i) {
         const ssize_t count = ::recv(m_socket.number(), chunk.data(), chunk.size(), MSG_DONTWAIT);
         if (count < 0 && errno == EINTR)
             continue;
@@ -100,6 +102,7 @@ bool DecoderProcess::readMore()
         if (count < ssize_t(chunk.size()))
             return true;
     }
+    return true;
 }
 
 }
