@@ -1,8 +1,8 @@
 #include "MirrorBench.h"
 #include "Rivals.h"
 
+#include "CRM/MergeSuggestions.h"
 #include "Store/Messages/InboxQueries.h"
-#include "Store/People/IdentityQueries.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>

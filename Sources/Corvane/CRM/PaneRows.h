@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CRM/MergeSuggestions.h"
 #include "CRM/PaneRow.h"
 #include "Store/People/ContactInfo.h"
 #include "Store/People/CrmRecords.h"

@@ -45,6 +45,31 @@ bool recordInMerge(LocalDB& db, const QString& merged, const QString& conversati
 
 }
 
+QList<PersonName> fetchPeopleWithConversations(LocalDB& db)
+{
+    QList<PersonName> people;
+    db.visitRows(R"(SELECT ct.id, COALESCE(ct.display_name,''),
+  (SELECT COUNT(*) FROM unified_conversation c WHERE c.contact_id=ct.id AND c.deleted_at IS NULL)
+FROM contact ct WHERE ct.workspace_id=? AND ct.deleted_at IS NULL;)",
+        { activeWorkspaceId(db) }, [&](const SqlRow& row) {
+            if (row.integer(2) > 0)
+                people.append({ row.text(0), row.text(1) });
+            return true;
+        });
+    return people;
+}
+
+QList<std::pair<QString, QString>> fetchPairsSharing(LocalDB& db, SharedSign sign)
+{
+    const QString sql
+        = QStringLiteral(R"(SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b
+  ON a.%1=b.%1 AND a.contact_id<b.contact_id
+WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;)")
+              .arg(sign == SharedSign::Email ? QStringLiteral("email") : QStringLiteral("phone"));
+    return db.rows(
+        sql, { activeWorkspaceId(db) }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
+}
+
 void lendPicture(LocalDB& db, const QString& merged)
 {
     const QString person = personBehind(db, merged);

@@ -4,17 +4,6 @@
 
 namespace corvane {
 
-/// Two contacts that may be one person.
-struct MergeCandidate {
-    QString aId;
-    QString aName;
-    QString bId;
-    QString bName;
-    QString signal; ///< what speaks for it: "email", "phone" or "name"
-
-    bool operator==(const MergeCandidate&) const = default;
-};
-
 /// A merge that was not undone.
 struct LiveMerge {
     QString id;
@@ -36,9 +25,16 @@ struct ContactIdentity {
     bool operator==(const ContactIdentity&) const = default;
 };
 
-/// Each pair once, under its strongest signal: e-mail, then phone, then name. With `touching`, only pairs with
-/// that contact. Contacts without a conversation, and pairs that are merged already, are left out.
-QList<MergeCandidate> suggestedMerges(LocalDB& db, int limit, const QString& touching = {});
+struct PersonName {
+    QString id;
+    QString name; ///< empty if none
+};
+
+QList<PersonName> fetchPeopleWithConversations(LocalDB& db);
+
+/// Pairs of contacts, each pair once, with the same e-mail address or the same phone number.
+enum class SharedSign { Email, Phone };
+QList<std::pair<QString, QString>> fetchPairsSharing(LocalDB& db, SharedSign sign);
 
 /// Moves the merged contact's conversations to the primary, and lends it the merged one's picture where it has none.
 /// Returns the merge's id, or nothing where there is

@@ -1,6 +1,5 @@
-// Which contacts may be one person: they share an e-mail address, a phone number or a name.
+#include "CRM/MergeSuggestions.h"
 
-#include "Store/Core/Workspaces.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -44,52 +43,35 @@ public:
     QList<MergeCandidate> collect()
     {
         readPeople();
-        for (const QString& field : { QStringLiteral("email"), QStringLiteral("phone") })
-            addSharing(field);
+        addSharing(SharedSign::Email, QStringLiteral("email"));
+        addSharing(SharedSign::Phone, QStringLiteral("phone"));
         addNamesakes();
         return m_found;
     }
 
 private:
-    struct Person {
-        QString id;
-        QString name;
-    };
-
     bool enough() const { return m_found.size() >= m_limit; }
 
     void readPeople()
     {
-        m_people = m_db.rows(R"(SELECT ct.id, COALESCE(ct.display_name,''),
-  (SELECT COUNT(*) FROM unified_conversation c WHERE c.contact_id=ct.id AND c.deleted_at IS NULL)
-FROM contact ct WHERE ct.workspace_id=? AND ct.deleted_at IS NULL;)",
-            { activeWorkspaceId(m_db) },
-            [](const SqlRow& row) { return Person { row.integer(2) > 0 ? row.text(0) : QString(), row.text(1) }; });
-        m_people.removeIf([](const Person& person) { return person.id.isEmpty(); });
+        m_people = fetchPeopleWithConversations(m_db);
         m_names.reserve(m_people.size());
-        for (const Person& person : std::as_const(m_people))
+        for (const PersonName& person : std::as_const(m_people))
             m_names.insert(person.id, person.name);
     }
 
-    void addSharing(const QString& field)
+    void addSharing(SharedSign sign, const QString& signal)
     {
         if (enough())
             return;
-        const QString sql
-            = QStringLiteral(R"(SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b
-  ON a.%1=b.%1 AND a.contact_id<b.contact_id
-WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;)")
-                  .arg(field);
-        const auto pairs = m_db.rows(
-            sql, { activeWorkspaceId(m_db) }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
-        for (const auto& [a, b] : pairs)
-            add(a, b, field);
+        for (const auto& [a, b] : fetchPairsSharing(m_db, sign))
+            add(a, b, signal);
     }
 
     void addNamesakes()
     {
         QHash<QString, QStringList> byName;
-        for (const Person& person : std::as_const(m_people)) {
+        for (const PersonName& person : std::as_const(m_people)) {
             const QString name = comparableName(person.name);
             if (!name.isEmpty())
                 byName[name].append(person.id);
@@ -135,7 +117,7 @@ WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NUL
     LocalDB& m_db;
     const qsizetype m_limit;
     const QString m_touching;
-    QList<Person> m_people; ///< those with a conversation
+    QList<PersonName> m_people; ///< those with a conversation
     QHash<QString, QString> m_names; ///< of the same
     QHash<QString, QString> m_effective; ///< answers of `effectiveContactId`
     QSet<std::pair<QString, QString>> m_seen;
