@@ -41,7 +41,7 @@ protected:
     {
         return checkMedia(path, kind, { m_home.path("media") });
     }
-    QString text(const QString& path, const QString& kind) const { return mediaProblemText(check(path, kind), kind); }
+    QString text(const QString& path, const QString& kind) const { return describe(check(path, kind), kind); }
 
     TemporaryHome m_home;
 };

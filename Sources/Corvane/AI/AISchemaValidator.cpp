@@ -22,7 +22,7 @@ QString wellFormed(const QString& text)
 
 }
 
-QString errorDescription(AISchemaValidatorError error, const QString& fact)
+QString describe(AISchemaValidatorError error, const QString& fact)
 {
     switch (error) {
     case AISchemaValidatorError::QuotedFactChanged:
@@ -42,10 +42,10 @@ Result<AIStructuredDraftResponse> validateDraftResponse(
 {
     response.draft = wellFormed(response.draft).trimmed();
     if (response.draft.isEmpty())
-        return failure(errorDescription(AISchemaValidatorError::EmptyDraft));
+        return failure(describe(AISchemaValidatorError::EmptyDraft));
     AIDraftResponseMetadata& metadata = response.metadata;
     if (metadata.sendSideEffect)
-        return failure(errorDescription(AISchemaValidatorError::SendSideEffectRequested));
+        return failure(describe(AISchemaValidatorError::SendSideEffectRequested));
     fillIfBlank(metadata.intent, expected.intent);
     fillIfBlank(metadata.tone, expected.tone);
     fillIfBlank(metadata.language, QStringLiteral("unknown"));
@@ -54,7 +54,7 @@ Result<AIStructuredDraftResponse> validateDraftResponse(
         metadata.usedMessageLabels = expected.fallbackLabels;
     for (const QString& fact : expected.requiredQuotedFacts) {
         if (!fact.trimmed().isEmpty() && !response.draft.contains(fact))
-            return failure(errorDescription(AISchemaValidatorError::QuotedFactChanged, fact));
+            return failure(describe(AISchemaValidatorError::QuotedFactChanged, fact));
     }
     return response;
 }

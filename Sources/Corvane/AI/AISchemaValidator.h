@@ -28,7 +28,7 @@ struct AIStructuredDraftResponse {
 };
 
 enum class AISchemaValidatorError { QuotedFactChanged, EmptyDraft, MalformedResponse, SendSideEffectRequested };
-QString errorDescription(AISchemaValidatorError error, const QString& fact = {});
+QString describe(AISchemaValidatorError error, const QString& fact = {});
 
 /// What a draft was asked for: it fills what the model left blank, and says what must have survived.
 struct DraftExpectation {

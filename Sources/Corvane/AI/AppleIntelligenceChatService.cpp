@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-QString errorDescription(AppleAIError)
+QString describe(AppleAIError)
 {
     return QStringLiteral("There is no model on %1 — falling back requires the codex CLI.")
         .arg(machineWords::thisMachine);
@@ -33,7 +33,7 @@ QCoro::Task<Result<QString>> AppleIntelligenceChatService::respond(
     QString instructions, QString prompt, CancelHandle cancel) const
 {
     if (platformIsTooOld())
-        co_return failure(errorDescription(AppleAIError::Unavailable));
+        co_return failure(describe(AppleAIError::Unavailable));
     co_return co_await m_model.respond(instructions, prompt, cancel);
 }
 
@@ -41,7 +41,7 @@ QCoro::Task<Result<QJsonObject>> AppleIntelligenceChatService::respondGenerating
     QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel) const
 {
     if (unavailableReason())
-        co_return failure(errorDescription(AppleAIError::Unavailable));
+        co_return failure(describe(AppleAIError::Unavailable));
     co_return co_await m_model.respondGenerating(instructions, prompt, schema, cancel);
 }
 

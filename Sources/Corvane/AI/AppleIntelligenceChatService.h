@@ -7,7 +7,7 @@ namespace corvane {
 class MachineFacts;
 
 enum class AppleAIError { Unavailable };
-QString errorDescription(AppleAIError error);
+QString describe(AppleAIError error);
 
 /// Text from the platform's own language model.
 class AppleIntelligenceChatService {

@@ -58,7 +58,7 @@ private:
 
 }
 
-QString errorDescription(CLIChatError error, const QString& detail)
+QString describe(CLIChatError error, const QString& detail)
 {
     return error == CLIChatError::Failed
         ? QStringLiteral("Codex CLI draft failed: ") + detail
@@ -90,7 +90,7 @@ QCoro::Task<Result<QString>> CLIChatService::respond(QString instructions, QStri
 {
     const std::optional<QString> codex = codexPath();
     if (!codex)
-        co_return failure(errorDescription(CLIChatError::Unavailable));
+        co_return failure(describe(CLIChatError::Unavailable));
 
     const QString folder = QDir::tempPath();
     const AnswerFile answer(folder);
@@ -109,11 +109,11 @@ QCoro::Task<Result<QString>> CLIChatService::respond(QString instructions, QStri
                 .arg(status, decodedUtf8(end->errors).value_or(QString())));
     } else if (answer.isFile()) {
         if (answer.isTooLarge())
-            co_return failure(errorDescription(CLIChatError::Failed, QStringLiteral("the answer is larger than 4 MB")));
+            co_return failure(describe(CLIChatError::Failed, QStringLiteral("the answer is larger than 4 MB")));
         if (const auto text = answer.text())
             co_return *text;
     }
-    co_return failure(errorDescription(CLIChatError::Failed, QStringLiteral("exit ") + status));
+    co_return failure(describe(CLIChatError::Failed, QStringLiteral("exit ") + status));
 }
 
 }

@@ -11,7 +11,7 @@ namespace corvane {
 class ToolRunner;
 
 enum class CLIChatError { Failed, Unavailable };
-QString errorDescription(CLIChatError error, const QString& detail = {});
+QString describe(CLIChatError error, const QString& detail = {});
 
 /// Where the Codex command line tool may stand, in the order in which it is looked for.
 QStringList codexCandidates(const QString& home);

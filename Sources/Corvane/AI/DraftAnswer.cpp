@@ -51,7 +51,7 @@ Result<AIStructuredDraftResponse> parseDraftAnswer(const QString& answer, const 
         return validateDraftResponse(*decoded, expected);
     const QString text = stripCodeFence(answer);
     if (text.isEmpty() || !hasFewerCharacters(text, repairLimit))
-        return failure(errorDescription(AISchemaValidatorError::MalformedResponse));
+        return failure(describe(AISchemaValidatorError::MalformedResponse));
     const AIDraftResponseMetadata metadata {
         .intent = expected.intent,
         .tone = expected.tone,

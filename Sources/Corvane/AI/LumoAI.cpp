@@ -40,7 +40,7 @@ QCoro::Task<Result<QString>> LumoAI::respond(QString instructions, QString promp
     if (!m_onDevice.unavailableReason())
         co_return co_await m_onDevice.respond(instructions, prompt, cancel);
     if (!m_codex.codexPath())
-        co_return failure(errorDescription(AppleAIError::Unavailable));
+        co_return failure(describe(AppleAIError::Unavailable));
     co_return co_await m_codex.respond(instructions, prompt, cancel);
 }
 

@@ -44,7 +44,7 @@ QString renderMessages(const QList<UnifiedMsgRow>& messages, qsizetype budget)
 
 }
 
-QString errorDescription(LumoAISummaryServiceError)
+QString describe(LumoAISummaryServiceError)
 {
     return QStringLiteral("There are no local text messages to summarize.");
 }
@@ -61,7 +61,7 @@ QCoro::Task<Result<LocalAIThreadSummary>> LumoAISummaryService::summarize(
 {
     const QList<LocalAIMessageCitation> citations = citationMessages(messages);
     if (citations.isEmpty())
-        co_return failure(errorDescription(LumoAISummaryServiceError::EmptyThread));
+        co_return failure(describe(LumoAISummaryServiceError::EmptyThread));
     const QString instructions
         = QStringLiteral("You summarize private local inbox threads inside Corvane. Use only the provided messages.\n"
                          "Do not invent facts, promises, dates, names, or tasks. If context is unclear, say what is "

@@ -23,7 +23,7 @@ struct LocalAIThreadSummary {
 };
 
 enum class LumoAISummaryServiceError { EmptyThread };
-QString errorDescription(LumoAISummaryServiceError error);
+QString describe(LumoAISummaryServiceError error);
 
 /// Reads a thread for its owner and answers questions about a contact, from local rows alone. Nothing is written,
 /// and nothing of it can be sent. A failure carries words for the user.

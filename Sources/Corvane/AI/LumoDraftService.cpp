@@ -34,7 +34,7 @@ LumoDraftResult LumoDraftResult::addingWarnings(const QStringList& warnings) con
     return result;
 }
 
-QString errorDescription(LumoDraftServiceError error)
+QString describe(LumoDraftServiceError error)
 {
     return error == LumoDraftServiceError::EmptyThread
         ? QStringLiteral("There are no local text messages to draft from.")
@@ -54,7 +54,7 @@ QCoro::Task<Result<LumoDraftResult>> LumoDraftService::draftReply(
     const QPointer<LumoDraftService> self(this);
     const LumoDraftPrompt prompt = makeDraftReplyPrompt(context, messages, style);
     if (prompt.citations.isEmpty())
-        co_return failure(errorDescription(LumoDraftServiceError::EmptyThread));
+        co_return failure(describe(LumoDraftServiceError::EmptyThread));
     const QString instructions = instructionsWithMemory(prompt, context.contactId);
     const DraftExpectation expected { replyIntent, style, labels(prompt.citations), {} };
     const auto response = co_await generateReply(instructions, prompt.prompt, expected, cancel);
@@ -85,7 +85,7 @@ QCoro::Task<Result<AIStructuredDraftResponse>> LumoDraftService::generateReply(
         co_return std::unexpected(answer.error());
     const auto draft = decodedGuidedDraft(*answer);
     if (!draft)
-        co_return failure(errorDescription(AISchemaValidatorError::MalformedResponse));
+        co_return failure(describe(AISchemaValidatorError::MalformedResponse));
     co_return validateDraftResponse(draftResponse(*draft, expected.tone), expected);
 }
 
@@ -96,7 +96,7 @@ QCoro::Task<Result<LumoDraftResult>> LumoDraftService::rewrite(QString text, Lum
     const QPointer<LumoDraftService> self(this);
     const QString composed = text.trimmed();
     if (composed.isEmpty())
-        co_return failure(errorDescription(LumoDraftServiceError::EmptyInput));
+        co_return failure(describe(LumoDraftServiceError::EmptyInput));
     const LumoDraftPrompt prompt = makeRewritePrompt(composed, action, targetLanguage, context, messages, style);
     const QString instructions = instructionsWithMemory(prompt, context.contactId);
     const Result<QString> answer = co_await m_ai.respond(instructions, prompt.prompt, cancel);

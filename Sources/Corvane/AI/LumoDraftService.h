@@ -29,7 +29,7 @@ struct LumoDraftResult {
 };
 
 enum class LumoDraftServiceError { EmptyThread, EmptyInput };
-QString errorDescription(LumoDraftServiceError error);
+QString describe(LumoDraftServiceError error);
 
 /// Replies and rewrites for the composer. Every result passed the gate (`AISchemaValidator`), and names among its
 /// warnings what stands nowhere in its prompt. A failure carries words for the user.

@@ -113,7 +113,7 @@ QVariantList AssistantSettings::backends() const
                                       : QStringLiteral("Stands by");
     return { onDevice,
         backend(QStringLiteral("Codex CLI"), codexState, codex && reason,
-            codex.value_or(errorDescription(CLIChatError::Unavailable))) };
+            codex.value_or(describe(CLIChatError::Unavailable))) };
 }
 
 QStringList AssistantSettings::models() const

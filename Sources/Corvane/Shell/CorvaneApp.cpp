@@ -175,7 +175,7 @@ void CorvaneApp::setUpTray()
 QString CorvaneApp::storeTrouble() const
 {
     return m_recovery->needed() ? m_recovery->title() + QStringLiteral(". ") + m_recovery->explanation()
-                                : storeFaultText(m_engine->db().health().fault(), m_paths);
+                                : describe(m_engine->db().health().fault(), m_paths);
 }
 
 /// What is wrong with the database stands first, as short as a menu needs it.

@@ -27,7 +27,7 @@ QVariantMap notice(const char* id, const char* tone, const QString& text, const 
 
 }
 
-QString storeFaultText(StoreFault fault, const AppPaths& paths)
+QString describe(StoreFault fault, const AppPaths& paths)
 {
     const QString waits = QStringLiteral(" New messages wait until then, and nothing is lost.");
     switch (fault) {
@@ -64,7 +64,7 @@ Notices::Notices(const Surroundings& surroundings, QObject* parent)
 QVariantList Notices::items() const
 {
     QVariantList items;
-    if (const QString text = storeFaultText(m_at.health.fault(), m_at.paths); !text.isEmpty())
+    if (const QString text = describe(m_at.health.fault(), m_at.paths); !text.isEmpty())
         items.append(notice("store", "bad", text));
     if (m_at.session.asksAboutLink())
         items.append(notice("link", "warn",

@@ -14,7 +14,7 @@ enum class StoreFault;
 struct AppPaths;
 
 /// What is wrong with the database, and what to do; empty where nothing is, or where another file is needed.
-QString storeFaultText(StoreFault fault, const AppPaths& paths);
+QString describe(StoreFault fault, const AppPaths& paths);
 
 /// What a person needs to know on whatever screen: each notice goes when its cause does.
 class Notices : public QObject {

@@ -177,7 +177,7 @@ bool DraftAssistant::hasText()
     if (m_composer.canSend())
         return true;
     dismiss();
-    show(State::Error, errorDescription(LumoDraftServiceError::EmptyInput));
+    show(State::Error, describe(LumoDraftServiceError::EmptyInput));
     return false;
 }
 

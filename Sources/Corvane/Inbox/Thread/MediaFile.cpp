@@ -62,7 +62,7 @@ MediaProblem checkMedia(const QString& path, const QString& kind, const QStringL
     return isWholeFile(file) ? MediaProblem::None : MediaProblem::CutShort;
 }
 
-QString mediaProblemText(MediaProblem problem, const QString& kind)
+QString describe(MediaProblem problem, const QString& kind)
 {
     const QString word = UnifiedBubble::mediaWord(kind);
     switch (problem) {

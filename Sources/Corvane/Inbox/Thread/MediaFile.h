@@ -20,6 +20,6 @@ enum class MediaProblem {
 MediaProblem checkMedia(const QString& path, const QString& kind, const QStringList& places);
 
 /// In the words of the screen; empty for none.
-QString mediaProblemText(MediaProblem problem, const QString& kind);
+QString describe(MediaProblem problem, const QString& kind);
 
 }

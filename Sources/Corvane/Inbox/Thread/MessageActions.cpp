@@ -129,7 +129,7 @@ void MessageActions::openMedia(const QString& messageId)
     if (path.isEmpty())
         return;
     const QString kind = UnifiedBubble::mediaKind(*row);
-    QString error = mediaProblemText(checkMedia(path, kind, m_surroundings.engine.mediaPlaces(*row)), kind);
+    QString error = describe(checkMedia(path, kind, m_surroundings.engine.mediaPlaces(*row)), kind);
     if (error.isEmpty() && !m_surroundings.desktop.openFile(path))
         error = QStringLiteral("No program on this machine opens the file.");
     m_surroundings.thread.setError(error);

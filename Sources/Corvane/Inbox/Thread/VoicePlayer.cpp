@@ -106,7 +106,7 @@ void VoicePlayer::toggle(const QString& messageId)
     const QString path = row->mediaPath.value_or(QString());
     const QString kind = QStringLiteral("audio");
     m_messageId = messageId;
-    m_problem = mediaProblemText(checkMedia(path, kind, m_engine.mediaPlaces(*row)), kind);
+    m_problem = describe(checkMedia(path, kind, m_engine.mediaPlaces(*row)), kind);
     if (m_problem.isEmpty())
         m_player.play(path);
     Q_EMIT changed();
