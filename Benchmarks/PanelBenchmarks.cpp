@@ -1,7 +1,7 @@
 #include "PlayedProgram.h"
 
 #include "Approvals/ApprovalsStore.h"
-#include "Engines/EngineManager.h"
+#include "Engines/DraftDelivery.h"
 #include "Store/Core/LocalDB.h"
 #include "UI/PanelWindow.h"
 
@@ -39,13 +39,13 @@ public:
             + QStringLiteral("SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
                              "FROM n;"));
         db.exec(QStringLiteral("COMMIT;"));
-        m_program.app.approvals().attach(m_program.app.engine(), m_program.app.calls());
-        m_program.app.engine().refreshDrafts();
+        m_program.app.approvals().attach(m_program.app.delivery(), m_program.app.calls());
+        m_program.app.delivery().refresh();
         m_program.screens.panel.setTab(QStringLiteral("approvals"));
     }
 
     ApprovalsStore& approvals() { return m_program.app.approvals(); }
-    EngineManager& engines() { return m_program.app.engine(); }
+    DraftDelivery& delivery() { return m_program.app.delivery(); }
     std::unique_ptr<PanelWindow> panel()
     {
         return std::make_unique<PanelWindow>(
@@ -102,7 +102,7 @@ void pollTick(benchmark::State& state)
 void deliveryTick(benchmark::State& state)
 {
     for (auto _ : state)
-        bench().engines().refreshDrafts();
+        bench().delivery().refresh();
 }
 
 BENCHMARK(firstOpening)->Name("panel of 30,000 waiting/first opening")->Unit(benchmark::kMillisecond);

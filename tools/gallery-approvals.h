@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Engines/EngineManager.h"
+#include "Engines/DraftDelivery.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Approvals/WorkDecisions.h"
@@ -40,10 +40,10 @@ VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arc
 }
 
 /// One of each kind, as if their five seconds were over.
-inline void decideSome(EngineManager& engine)
+inline void decideSome(DraftDelivery& delivery)
 {
-    LocalDB& db = engine.db();
-    for (const PendingDraft& draft : QList<PendingDraft>(engine.pendingDrafts())) {
+    LocalDB& db = delivery.db();
+    for (const PendingDraft& draft : QList<PendingDraft>(delivery.pending())) {
         if (draft.status == u"failed")
             (void)rejectDraft(db, draft.id);
         else if (approveDraft(db, draft.id, draftHash(draft)) == Decided::Taken

@@ -7,6 +7,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Ids.h"
@@ -57,7 +58,7 @@ public:
         save(u"inbox-empty"_s, { Look::Light, Look::Dark });
         m_app.startAllEngines();
         waitForEngines();
-        m_app.approvals().attach(m_app.engine(), m_app.calls());
+        m_app.approvals().attach(m_app.delivery(), m_app.calls());
         inboxScreens();
         assistantScreens();
         contactScreens();
@@ -158,8 +159,8 @@ private:
         const Composer& composer = *m_screens.inbox.composer();
         if (const auto target = replyTarget(db, composer.contactId(), composer.replyPlatform()))
             queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
-        m_app.engine().refreshDrafts();
-        for (const PendingDraft& draft : m_app.engine().pendingDrafts())
+        m_app.delivery().refresh();
+        for (const PendingDraft& draft : m_app.delivery().pending())
             m_screens.drafts.askToConfirm(draft.id);
         wait(Milliseconds(200));
     }
@@ -214,7 +215,7 @@ void Gallery::inboxScreens()
     inbox.composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
     save(u"inbox-draft"_s, { Look::Light, Look::Dark });
     (void)rejectDraft(m_app.engine().db(), m_screens.drafts.confirmDraft());
-    m_app.engine().refreshDrafts();
+    m_app.delivery().refresh();
     inbox.composer()->setText({});
     inbox.composeSheet()->open();
     save(u"inbox-new-message"_s, { Look::Light, Look::Dark });
@@ -356,7 +357,7 @@ void Gallery::approvalScreens()
 {
     LocalDB& db = m_app.engine().db();
     const auto look = [this] {
-        m_app.engine().refreshDrafts();
+        m_app.delivery().refresh();
         m_app.approvals().refresh();
         wait(Milliseconds(200));
     };
@@ -393,7 +394,7 @@ void Gallery::approvalScreens()
     m_screens.settings.setSection(u"approvals"_s);
     save(u"settings-approvals-waiting"_s, { Look::Light, Look::Dark });
     m_screens.settings.setSection(u"accounts"_s);
-    decideSome(m_app.engine());
+    decideSome(m_app.delivery());
     m_screens.shell.openApprovals();
     m_screens.approvals.log()->setShown(true);
     wait(Milliseconds(200));

@@ -78,8 +78,8 @@ protected:
         engines.start(mail);
         ASSERT_TRUE(becomes([&] { return engines.runtime(mail.id).status == WAStatus::Connected; }));
         ASSERT_TRUE(becomes([&] { return cell(u"SELECT COUNT(*) FROM unified_conversation;"_s).toInt() > 5; }));
-        engines.startDraftWatch();
-        approvals.attach(engines, calls);
+        delivery.startWatch();
+        approvals.attach(delivery, calls);
     }
 
     /// The clock stands still meanwhile.
@@ -152,6 +152,7 @@ protected:
     EngineManager engines { { around.home.paths(), clock, *launcher, around.ports, around.background, around.keychain,
                                 notifier, around.desktop },
         around.openDatabase(clock) };
+    DraftDelivery delivery { engines.db(), engines, clock };
     CallRecorder calls { engines.db() };
     ApprovalsStore approvals { around.centre, notifier, clock };
 };

@@ -25,10 +25,10 @@ protected:
         shop.channelRaw = u"WHATSAPP"_s;
         world.launcher.expect(FakeLauncher::stays());
         world.engines.start(shop);
-        world.engines.startDraftWatch();
+        world.delivery.startWatch();
     }
 
-    void attach(ApprovalsStore& to) { to.attach(world.engines, *calls); }
+    void attach(ApprovalsStore& to) { to.attach(world.delivery, *calls); }
     void attach() { attach(store); }
 
     LocalDB& db() { return world.engines.db(); }
@@ -126,7 +126,7 @@ TEST_F(ApprovalsTest, aRejectionOrAnEditInsideTheWindowEndsIt)
 {
     attach();
     const QString id = queue(u"hello"_s);
-    world.engines.refreshDrafts();
+    world.delivery.refresh();
     approve(id);
     const qsizetype timers = world.clock.pendingTimers();
     approve(id);
@@ -310,8 +310,9 @@ TEST(Approvals, withoutEngineAndRecorderAPressOnlySaysSo)
     {
         FakeLauncher launcher(world->clock);
         EngineManager engines(world->on(world->clock, launcher), world->openDatabase(world->clock));
+        DraftDelivery delivery(engines.db(), engines, world->clock);
         CallRecorder calls(engines.db());
-        store.attach(engines, calls);
+        store.attach(delivery, calls);
     }
     store.refresh();
     EXPECT_FALSE(store.saveDraftBody(u"a"_s, u"text"_s));

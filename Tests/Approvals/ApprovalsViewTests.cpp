@@ -16,13 +16,13 @@ namespace {
 
 class ApprovalsViewTest : public testing::Test, protected EngineWorld {
 protected:
-    ApprovalsViewTest() { store.attach(engines, calls); }
+    ApprovalsViewTest() { store.attach(delivery, calls); }
 
     LocalDB& db() { return engines.db(); }
 
     void look()
     {
-        engines.refreshDrafts();
+        delivery.refresh();
         store.refresh();
     }
 

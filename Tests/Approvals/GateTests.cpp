@@ -167,7 +167,7 @@ struct Copy {
         notifier.bootstrap();
         for (const Account& account : accounts())
             engine.start(account);
-        approvals.attach(engine, calls);
+        approvals.attach(delivery, calls);
     }
 
     OwnClock clock;
@@ -178,6 +178,7 @@ struct Copy {
     Notifier notifier { banners, centre, surroundings.defaults, clock, [] {
                        } };
     EngineManager engine;
+    DraftDelivery delivery { engine.db(), engine, clock };
     CallRecorder calls { engine.db() };
     ApprovalsStore approvals { centre, notifier, clock };
 };
@@ -215,8 +216,8 @@ protected:
             = std::make_unique<Copy>(world, [this, which](const QString& account, const QJsonObject& command) {
                   return reach(which, account, command);
               });
-        EngineManager& engine = copies[which]->engine;
-        QObject::connect(&engine, &EngineManager::draftReturned, &engine, [this] { ++returned; });
+        DraftDelivery& delivery = copies[which]->delivery;
+        QObject::connect(&delivery, &DraftDelivery::returned, &delivery, [this] { ++returned; });
     }
 
     int roll(int sides) { return int(chance() % unsigned(sides)); }
@@ -352,7 +353,7 @@ protected:
             draft.armed.removeIf([&](const Draft::Armed& armed) { return armed.copy == which; });
         };
         if (what < 12) {
-            copy.engine.refreshDrafts();
+            copy.delivery.refresh();
         } else if (what < 16) {
             copy.approvals.refresh();
         } else if (what < 30 && seen) {
@@ -384,7 +385,7 @@ protected:
         } else if (what < 56 && seen && seen->accountId == accounts().first().slug) {
             approvalCounts(id, contentOf(*seen));
             returned += approveDraft(copy.engine.db(), seen->id, draftHash(*seen)) == Decided::Changed;
-            copy.engine.refreshDrafts();
+            copy.delivery.refresh();
         } else if (what < 74) {
             writeElsewhere(id);
         } else if (what < 82) {
@@ -395,7 +396,7 @@ protected:
             refusing = !refusing;
         } else if (what < 88) {
             other->run(u"UPDATE outbound_draft SET updated_at=updated_at-121000 WHERE status='sending';"_s);
-            copy.engine.refreshDrafts();
+            copy.delivery.refresh();
         } else {
             tick();
         }
@@ -430,7 +431,7 @@ protected:
                 "body, status, created_at, updated_at) VALUES(?,'local','c','WHATSAPP','shop','a','a','pending',?,?);"_s,
                 { ids.last(), world.clock.nowMs(), world.clock.nowMs() });
         }
-        copies[which % 2]->engine.refreshDrafts();
+        copies[which % 2]->delivery.refresh();
         copies[which % 2]->approvals.refresh();
         for (int i = 0; i < steps && !HasFailure(); ++i)
             act();

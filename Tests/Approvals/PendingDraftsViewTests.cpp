@@ -23,8 +23,8 @@ protected:
         engines.setAccounts(&accounts);
         launcher.expect(FakeLauncher::stays());
         engines.start(account);
-        engines.startDraftWatch();
-        store.attach(engines, calls);
+        delivery.startWatch();
+        store.attach(delivery, calls);
     }
 
     QString queue(const QString& text)
@@ -189,13 +189,6 @@ TEST_F(PendingDraftsTest, whatAnotherProgramChangedMeanwhileIsNotSentAndTheRefus
     send(id);
     EXPECT_EQ(sent(), 1);
     EXPECT_EQ(drafts.notice(), "");
-
-    const QString second = queue("sent elsewhere");
-    drafts.reject(second);
-    ASSERT_TRUE(moveDraft(engines.db(), second, "pending", "sent"));
-    clock.advance(seconds(5));
-    EXPECT_EQ(status(second), "sent");
-    EXPECT_EQ(drafts.notice(), "Ana Ruiz: Already sent.");
 }
 
 TEST_F(PendingDraftsTest, oneAtATimeIsAskedAboutAndNoneThatIsEdited)
@@ -235,4 +228,13 @@ TEST(DraftWords, theLineOverTheThreadSaysWhoseDraftItIs)
         "Send failed — engine did not report a reason. Retry or check the account connection.");
     acknowledged.error = " no such chat\n";
     EXPECT_EQ(draftFailureReason(acknowledged), "no such chat");
+    acknowledged.providerMsgId = "p";
+    acknowledged.accountName = "Main";
+    for (const auto& [status, label] : { std::pair("failed", "failed  no such chat\n"), std::pair("sending", "sending"),
+             std::pair("placed", "Placed — awaiting LinkedIn confirmation"), std::pair("sent", "sent - p"),
+             std::pair("rejected", "rejected"), std::pair("approved", "Waits for the engine of Main"),
+             std::pair("pending", "waiting approval") }) {
+        acknowledged.status = status;
+        EXPECT_EQ(statusLabel(acknowledged), label);
+    }
 }

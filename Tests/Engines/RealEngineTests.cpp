@@ -5,6 +5,7 @@
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
+#include "Support/Drafts.h"
 #include "Support/EnginesNode.h"
 #include "Support/Environment.h"
 #include "Support/Places.h"
@@ -109,7 +110,8 @@ TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
     ensureConversation(engines->db(), u"WHATSAPP"_s, u"shop"_s, u"c"_s, u"Ana"_s, 1);
     queueDraft(engines->db(), u"wa:shop:c"_s, u"¿qué tal?"_s, u"mcp"_s);
     markDraft(engines->db(), cell(u"SELECT id FROM outbound_draft;"_s), u"approved"_s);
-    engines->refreshDrafts();
+    DraftDelivery delivery(engines->db(), *engines, scheduler);
+    delivery.refresh();
     EXPECT_TRUE(await([&] { return cell(u"SELECT status FROM outbound_draft;"_s) == u"sent"; }));
     EXPECT_EQ(cell(u"SELECT body FROM unified_message WHERE direction='OUT';"_s), u"¿qué tal?"_s);
     EXPECT_TRUE(await([&] { return engines->unreadTotal() == 2; })) << "it greets, and answers";

@@ -1,4 +1,5 @@
 #include "InboxViewTest.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/ContactInfo.h"
@@ -221,7 +222,7 @@ TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainStaysOnePersonUntilTheyAreTakenAp
 TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
 {
     meetNamesake();
-    engines.startDraftWatch();
+    engines.db().watch().start();
     inbox.select(namesake);
     inbox.composer()->setText("half a sentence");
     inbox.composer()->startVoice();

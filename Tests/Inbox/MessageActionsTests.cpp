@@ -100,7 +100,7 @@ TEST_F(MessageActionsTest, aForwardIsADraftThatWaits)
     actions().forward("wa:msg:m1", ben);
     EXPECT_EQ(cell("SELECT conversation_id || ' ' || body || ' ' || source || ' ' || status FROM outbound_draft;"),
         "wa:main:49172@s.whatsapp.net hello forward pending");
-    EXPECT_EQ(engines.pendingDrafts().size(), 1);
+    EXPECT_EQ(delivery.pending().size(), 1);
     EXPECT_EQ(commands("send").size(), 0);
     EXPECT_NE(actions().noticeText(), "");
     clock.advance(seconds(10));

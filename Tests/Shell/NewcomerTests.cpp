@@ -4,6 +4,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "FakeMachine.h"
 #include "Foundation/SystemScheduler.h"
@@ -42,7 +43,7 @@ protected:
     {
         app = std::make_unique<CorvaneApp>(paths, scheduler, fakeMachine(paths, makeProcessLauncher(scheduler)));
         screens = std::make_unique<Screens>(*app);
-        app->approvals().attach(app->engine(), app->calls());
+        app->approvals().attach(app->delivery(), app->calls());
         inbox().appear();
     }
 
@@ -84,7 +85,7 @@ protected:
 
 TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
 {
-    app->engine().startDraftWatch();
+    app->delivery().startWatch();
     app->startAllEngines();
 
     // One of the engines' programs writes into the database that Sofia is one person on three channels.

@@ -2,6 +2,7 @@
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Sync/SyncQueries.h"
+#include "Support/Drafts.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {
@@ -17,7 +18,7 @@ protected:
     QString queue(const char* body)
     {
         EXPECT_TRUE(queueDraft(*m_db, m_conversation, QString::fromUtf8(body), "compose"));
-        return fetchDrafts(*m_db, { "pending" }, 50).last().id;
+        return fetchDrafts(*m_db, { DraftStatus::Pending }, 50).last().id;
     }
 
     QString m_conversation;
@@ -29,13 +30,13 @@ TEST_F(OutboundTest, aDraftIsQueuedForItsConversation)
     EXPECT_TRUE(id.startsWith(QStringLiteral("od:%1:").arg(m_clock.nowMs())));
     const QList<PendingDraft> expected { { id, m_conversation, "SMS", "main", "34600", "Ana", "hello", "pending",
         "compose", "", "", "" } };
-    EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50), expected);
-    EXPECT_EQ(fetchDrafts(*m_db, { "approved" }, 50).size(), 0);
+    EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Failed, DraftStatus::Pending }, 50), expected);
+    EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Approved }, 50).size(), 0);
     EXPECT_EQ(fetchDrafts(*m_db, {}, 50).size(), 0);
     m_db->exec("UPDATE unified_conversation SET title=NULL;");
     m_clock.advance(seconds(1));
     queue("untitled");
-    EXPECT_EQ(fetchDrafts(*m_db, { "pending" }, 50).last().title, "34600");
+    EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Pending }, 50).last().title, "34600");
 }
 
 TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
@@ -45,24 +46,12 @@ TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)
         markDraft(*m_db, queue(state), QString::fromUtf8(state));
     }
     QStringList order;
-    for (const PendingDraft& draft : fetchDrafts(*m_db, { "failed", "pending", "sending", "placed" }, 4))
+    for (const PendingDraft& draft :
+        fetchDrafts(*m_db, { DraftStatus::Failed, DraftStatus::Pending, DraftStatus::Sending, DraftStatus::Placed }, 4))
         order.append(draft.status);
     EXPECT_EQ(order, (QStringList { "failed", "pending", "pending", "sending" }));
     m_db->exec("UPDATE outbound_draft SET workspace_id='elsewhere';");
-    EXPECT_EQ(fetchDrafts(*m_db, { "failed", "pending" }, 50).size(), 0);
-}
-
-TEST_F(OutboundTest, ofTwoProgramsOneTakesTheStep)
-{
-    LocalDB other(path(), { m_home.paths().resources, m_home.paths().home }, m_clock, m_defaults, m_centre);
-    const QString id = queue("once");
-    EXPECT_FALSE(moveDraft(*m_db, id, "approved", "sending")) << "nobody released it";
-    EXPECT_TRUE(moveDraft(other, id, "pending", "approved"));
-    m_clock.advance(seconds(1));
-    EXPECT_TRUE(moveDraft(*m_db, id, "approved", "sending"));
-    EXPECT_FALSE(moveDraft(other, id, "approved", "sending"));
-    EXPECT_EQ(fetchSendingIds(*m_db), QStringList(id));
-    EXPECT_EQ(accountsWithApprovedDrafts(*m_db), QStringList());
+    EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Failed, DraftStatus::Pending }, 50).size(), 0);
 }
 
 TEST_F(OutboundTest, aDraftInFlightIsNotEdited)

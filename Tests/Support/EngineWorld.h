@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/NotificationCentre.h"
@@ -62,6 +63,7 @@ struct EngineWorld : EngineSurroundings {
 
     FakeLauncher launcher { clock };
     EngineManager engines { on(clock, launcher), openDatabase(clock) };
+    DraftDelivery delivery { engines.db(), engines, clock };
 };
 
 }

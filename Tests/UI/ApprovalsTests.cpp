@@ -22,7 +22,7 @@ protected:
     void let(const std::function<void(LocalDB&)>& write)
     {
         write(engines.db());
-        engines.refreshDrafts();
+        delivery.refresh();
         approvals.refresh();
         rest();
     }

@@ -28,7 +28,7 @@ protected:
     void queue(const QString& text)
     {
         EXPECT_TRUE(queueDraft(engines.db(), u"wa:studio:49171@s.whatsapp.net"_s, text, u"mcp"_s));
-        engines.refreshDrafts();
+        delivery.refresh();
         rest();
     }
 
@@ -88,7 +88,7 @@ TEST_F(ComposerWindow, whatDidNotGoOutOrWasPlacedIsDealtWithWhereItStands)
     item(u"unsent.retry"_s);
     queue(u"in the box"_s);
     engines.db().exec(u"UPDATE outbound_draft SET status='placed';"_s);
-    engines.refreshDrafts();
+    delivery.refresh();
     rest();
     click(u"draft.line"_s);
     click(u"draft.confirmSent"_s);

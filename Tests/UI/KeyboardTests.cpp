@@ -90,7 +90,7 @@ TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
         press(Qt::Key_Down);
     press(Qt::Key_Right);
     press(Qt::Key_Return);
-    EXPECT_EQ(engines.pendingDrafts().size(), 1) << "forwarded as a draft";
+    EXPECT_EQ(delivery.pending().size(), 1) << "forwarded as a draft";
 }
 
 TEST_F(KeyboardTest, aConversationIsMutedArchivedAndBroughtBackWithKeys)

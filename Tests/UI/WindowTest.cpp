@@ -56,7 +56,7 @@ WindowTest::WindowTest(AIServices* assistant)
     : services(assistant ? *assistant : lumo)
 {
     desktop.setAppearance(ColourScheme::Light, true);
-    approvals.attach(engines, calls);
+    approvals.attach(delivery, calls);
     window.window()->resize(1320, 820); // the screen in memory is small
     window.show();
     rest();

@@ -52,7 +52,7 @@ void AIRequestWatcher::start()
 
 QCoro::Task<> AIRequestWatcher::processPending()
 {
-    if (m_isProcessing || m_db.isHeldElsewhere())
+    if (m_isProcessing || !m_db.isSound() || m_db.isHeldElsewhere())
         co_return; // the next tick does it
     failStaleAIRequests(m_db, staleMs);
     const QList<AIRequest> requests = fetchPendingAIRequests(m_db, batchSize);

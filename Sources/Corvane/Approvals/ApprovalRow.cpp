@@ -2,13 +2,11 @@
 
 #include "Approvals/DraftWords.h"
 #include "Approvals/RiskQuestion.h"
-#include "Engines/DraftDelivery.h"
 
 namespace corvane {
 
 namespace {
 
-const QString failed = QStringLiteral("failed");
 const QStringList risksWithAColour { QStringLiteral("money"), QStringLiteral("credential"), QStringLiteral("external"),
     QStringLiteral("high") };
 
@@ -61,7 +59,7 @@ void ApprovalRow::setKey(const ApprovalKey& key)
 ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arming)
 {
     ApprovalRow row = rowOf(draftKey(draft.id), QStringLiteral("Outbound Messages"),
-        draft.status == failed ? QStringLiteral("Retry") : QStringLiteral("Approve"));
+        draft.state() == DraftStatus::Failed ? QStringLiteral("Retry") : QStringLiteral("Approve"));
     row.title = draftStatusTitle(draft);
     row.body = draft.body;
     row.platform = draft.channel;
@@ -69,8 +67,8 @@ ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arm
     row.failureReason = draftFailureReason(draft);
     const QString sending = QStringLiteral("Sending…");
     if (!row.canDecide)
-        row.stateText = draft.status == u"sending" ? sending : statusLabel(draft);
-    if (draft.status == u"sending" || draft.status == u"placed")
+        row.stateText = draft.state() == DraftStatus::Sending ? sending : statusLabel(draft);
+    if (allows(draft.state(), DraftStep::Acknowledge))
         row.settledText = QStringLiteral("Sent");
     if (row.canDecide && mayHaveGoneOut(draft))
         row.question = confirmQuestion(draft);

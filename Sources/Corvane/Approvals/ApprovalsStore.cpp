@@ -4,10 +4,10 @@
 #include "Approvals/RiskQuestion.h"
 #include "Calls/CallRecorder.h"
 #include "Engines/DraftDelivery.h"
-#include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
 #include "Notifications/Notifier.h"
 #include "Store/Approvals/WorkDecisions.h"
+#include "Store/Core/StoreWatch.h"
 
 #include <algorithm>
 
@@ -25,7 +25,8 @@ const QString owner = QStringLiteral("Oskel");
 
 ApprovalItem itemOf(const PendingDraft& draft)
 {
-    return { draftKey(draft.id), draft.status == u"failed" ? QStringLiteral("draft_failed") : QStringLiteral("draft"),
+    return { draftKey(draft.id),
+        draft.state() == DraftStatus::Failed ? QStringLiteral("draft_failed") : QStringLiteral("draft"),
         draft.title.isEmpty() ? draft.externalId : draft.title, draft.body, draftHash(draft) };
 }
 
@@ -57,16 +58,22 @@ ApprovalsStore::ApprovalsStore(NotificationCentre& centre, Notifier& notifier, S
 {
 }
 
-void ApprovalsStore::attach(EngineManager& engine, CallRecorder& calls)
+void ApprovalsStore::attach(DraftDelivery& delivery, CallRecorder& calls)
 {
-    if (m_engine)
-        disconnect(m_engine, nullptr, this, nullptr);
+    if (m_delivery) {
+        disconnect(m_delivery, nullptr, this, nullptr);
+        disconnect(&m_delivery->db().watch(), nullptr, this, nullptr);
+    }
     if (m_calls)
         disconnect(m_calls, nullptr, this, nullptr);
-    m_engine = &engine;
+    m_delivery = &delivery;
     m_calls = &calls;
-    connect(&engine, &EngineManager::pendingDraftsChanged, this, &ApprovalsStore::changed);
-    connect(&engine, &EngineManager::draftReturned, this, [this](const QString& id) { m_seen.erase(draftKey(id)); });
+    connect(&delivery, &DraftDelivery::pendingChanged, this, &ApprovalsStore::changed);
+    connect(&delivery, &DraftDelivery::returned, this, [this](const QString& id) { m_seen.erase(draftKey(id)); });
+    delivery.db().watch().on(StoreSubject::Approvals, this, [this] {
+        refresh();
+        Q_EMIT changed();
+    });
     connect(&calls, &CallRecorder::changed, this, &ApprovalsStore::changed);
     refresh();
     m_timer = m_scheduler.every(pollPeriod, [this] { refresh(); });
@@ -84,9 +91,9 @@ void ApprovalsStore::attach(EngineManager& engine, CallRecorder& calls)
 
 void ApprovalsStore::refresh()
 {
-    if (!m_engine)
+    if (!m_delivery)
         return;
-    const QList<WorkDecisionRecord> decisions = fetchPendingWorkDecisions(m_engine->db(), decisionsRead);
+    const QList<WorkDecisionRecord> decisions = fetchPendingWorkDecisions(m_delivery->db(), decisionsRead);
     const bool decisionsChanged = std::exchange(m_decisions, decisions) != decisions;
     if (m_calls)
         m_calls->refresh();
@@ -98,7 +105,7 @@ void ApprovalsStore::refresh()
 const QList<PendingDraft>& ApprovalsStore::drafts() const
 {
     static const QList<PendingDraft> none;
-    return m_engine ? m_engine->pendingDrafts() : none;
+    return m_delivery ? m_delivery->pending() : none;
 }
 
 const QList<CRMUpdateProposal>& ApprovalsStore::proposals() const
@@ -134,8 +141,8 @@ void ApprovalsStore::undo(const ApprovalKey& key)
     const auto seen = disarm(key);
     if (!seen)
         return;
-    if (m_engine)
-        recordUndo(m_engine->db(), kindWord(key.kind), key.id, seen->hash);
+    if (m_delivery)
+        recordUndo(m_delivery->db(), kindWord(key.kind), key.id, seen->hash);
     Q_EMIT changed();
 }
 
@@ -158,20 +165,20 @@ Result<void> ApprovalsStore::saveDraftBody(const QString& id, const QString& bod
     const QString text = body.trimmed();
     if (text.isEmpty())
         return failure(QStringLiteral("A message needs a text."));
-    if (!m_engine)
+    if (!m_delivery)
         return failure(whyNot(draftKey(id)));
-    LocalDB& db = m_engine->db();
+    LocalDB& db = m_delivery->db();
     disarm(draftKey(id));
     const bool taken = editDraft(db, id, text) && fetchDraft(db, id).value_or(PendingDraft()).body == text;
     const QString reason = taken ? QString() : whyNot(draftKey(id));
-    m_engine->refreshDrafts();
+    m_delivery->refresh();
     Q_EMIT changed();
     return taken ? Result<void>() : failure(reason);
 }
 
 QString ApprovalsStore::whyNot(const ApprovalKey& key) const
 {
-    return m_engine ? refusalWords(m_engine->db(), key) : QStringLiteral("It couldn't be saved. Try again.");
+    return m_delivery ? refusalWords(m_delivery->db(), key) : QStringLiteral("It couldn't be saved. Try again.");
 }
 
 bool ApprovalsStore::linkProposal(const QString& id, const QString& contactId)
@@ -210,12 +217,10 @@ void ApprovalsStore::handleNotificationAction(const QString& kind, const QString
 
 void ApprovalsStore::notifyNewItems()
 {
-    LocalDB& db = m_engine->db();
+    LocalDB& db = m_delivery->db();
     QList<ApprovalItem> items;
     for (const PendingDraft& draft : fetchDrafts(db,
-             { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"),
-                 QStringLiteral("placed") },
-             draftsRead)) {
+             { DraftStatus::Failed, DraftStatus::Pending, DraftStatus::Sending, DraftStatus::Placed }, draftsRead)) {
         if (waitsForPerson(draft))
             items.append(itemOf(draft));
     }
@@ -249,7 +254,7 @@ void ApprovalsStore::notifyActionFailure(Verdict verdict, const QString& reason)
 
 Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
 {
-    LocalDB& db = m_engine->db();
+    LocalDB& db = m_delivery->db();
     const QString& id = seen.key.id;
     const bool approve = verdict == Verdict::Approve;
     switch (seen.key.kind) {
@@ -265,7 +270,7 @@ Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
 
 void ApprovalsStore::settle(const ApprovalItem& seen, Verdict verdict, From from)
 {
-    if (!m_engine || !m_calls)
+    if (!m_delivery || !m_calls)
         return notifyActionFailure(verdict);
     const Decided decided = carryOut(seen, verdict);
     if (decided == Decided::Changed)
@@ -273,7 +278,7 @@ void ApprovalsStore::settle(const ApprovalItem& seen, Verdict verdict, From from
     const bool pressedTwice = from == From::Banner && decided == Decided::AlreadySo;
     if (decided != Decided::Taken && !pressedTwice)
         tellRefusal(seen, verdict, decided);
-    m_engine->refreshDrafts();
+    m_delivery->refresh();
     refresh();
     Q_EMIT changed();
 }
@@ -288,22 +293,22 @@ void ApprovalsStore::tellRefusal(const ApprovalItem& seen, Verdict verdict, Deci
 
 bool ApprovalsStore::asksFirst(const ApprovalKey& key) const
 {
-    if (!m_engine || key.kind == ApprovalKind::Proposal)
+    if (!m_delivery || key.kind == ApprovalKind::Proposal)
         return false;
     if (key.kind == ApprovalKind::Draft) {
-        const auto draft = fetchDraft(m_engine->db(), key.id);
+        const auto draft = fetchDraft(m_delivery->db(), key.id);
         return draft && waitsForPerson(*draft) && mayHaveGoneOut(*draft);
     }
-    const auto decision = fetchWorkDecision(m_engine->db(), key.id);
+    const auto decision = fetchWorkDecision(m_delivery->db(), key.id);
     return decision && decision->status == u"proposed" && isRisky(*decision);
 }
 
 ApprovalItem ApprovalsStore::shown(const ApprovalKey& key) const
 {
     ApprovalItem item { key, kindWord(key.kind), {}, {}, {} };
-    if (!m_engine)
+    if (!m_delivery)
         return item;
-    LocalDB& db = m_engine->db();
+    LocalDB& db = m_delivery->db();
     if (key.kind == ApprovalKind::Draft) {
         if (const auto* draft = findById(drafts(), key.id))
             return itemOf(*draft);

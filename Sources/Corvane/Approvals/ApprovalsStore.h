@@ -16,7 +16,7 @@
 namespace corvane {
 
 class CallRecorder;
-class EngineManager;
+class DraftDelivery;
 class Notifier;
 
 constexpr Milliseconds undoWindow { 5000 };
@@ -41,11 +41,11 @@ public:
 
     /// Once at boot; a second call leaves one timer and one observer. Without the two, once they are gone, every
     /// action only says that it could not be done.
-    void attach(EngineManager& engine, CallRecorder& calls);
+    void attach(DraftDelivery& delivery, CallRecorder& calls);
     void refresh();
 
     const QList<WorkDecisionRecord>& decisions() const { return m_decisions; } ///< the 50 first that wait
-    const QList<PendingDraft>& drafts() const; ///< those of the engines; empty without them
+    const QList<PendingDraft>& drafts() const; ///< those of the delivery; empty without it
     const QList<CRMUpdateProposal>& proposals() const; ///< those of the recorder; empty without it
 
     /// Arms a verdict on the item as it is shown now. After the window it is carried out; until then nothing is written
@@ -93,7 +93,7 @@ private:
     NotificationCentre& m_centre;
     Notifier& m_notifier;
     Scheduler& m_scheduler;
-    QPointer<EngineManager> m_engine;
+    QPointer<DraftDelivery> m_delivery;
     QPointer<CallRecorder> m_calls;
     QList<WorkDecisionRecord> m_decisions;
     std::map<ApprovalKey, Armed> m_armed;

@@ -1,7 +1,6 @@
 #include "Approvals/DraftEdit.h"
 
 #include "Approvals/ApprovalsStore.h"
-#include "Engines/DraftDelivery.h"
 
 #include <algorithm>
 

@@ -9,6 +9,9 @@ namespace corvane {
 /// Whose draft it is and where it stands, as the line over the thread says it.
 QString draftStatusTitle(const PendingDraft& draft);
 
+/// Where it stands, in a word or two.
+QString statusLabel(const PendingDraft& draft);
+
 /// Why it failed, or why it waits for a person again; empty of every other draft.
 QString draftFailureReason(const PendingDraft& draft);
 

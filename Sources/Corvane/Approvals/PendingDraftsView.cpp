@@ -4,9 +4,9 @@
 #include "Approvals/DraftEdit.h"
 #include "Approvals/DraftWords.h"
 #include "Engines/AccountStore.h"
-#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Text.h"
+#include "Store/Core/StoreWatch.h"
 
 #include <algorithm>
 
@@ -15,7 +15,6 @@ namespace corvane {
 namespace {
 
 constexpr int previewLength = 240;
-const QString failed = QStringLiteral("failed");
 
 QVariantMap action(const char* id, const QString& label, const char* kind)
 {
@@ -26,12 +25,12 @@ QVariantMap action(const char* id, const QString& label, const char* kind)
 QVariantList actionsOf(const PendingDraft& draft, bool engineRuns)
 {
     QVariantList actions;
-    if (draft.status == u"approved") {
+    if (allows(draft.state(), DraftStep::TakeBack)) {
         if (!engineRuns)
             actions.append(action("start", QStringLiteral("Start"), "primary"));
         actions.append(action("takeBack", QStringLiteral("Take back"), "plain"));
         actions.append(action("reject", QStringLiteral("Reject"), "danger"));
-    } else if (draft.status == u"placed") {
+    } else if (allows(draft.state(), DraftStep::Confirm)) {
         actions.append(action("confirmSent", QStringLiteral("It was sent"), "primary"));
         actions.append(action("reject", QStringLiteral("Discard"), "danger"));
     }
@@ -56,7 +55,8 @@ PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
     item.actions = actionsOf(draft, account && m_at.engine.isRunning(*account));
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
-    item.approveLabel = draft.status == failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
+    item.approveLabel
+        = draft.state() == DraftStatus::Failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
     return item;
 }
 
@@ -68,7 +68,8 @@ PendingDraftsView::PendingDraftsView(const Surroundings& surroundings, QObject* 
     connect(&m_at.approvals, &ApprovalsStore::changed, this, &PendingDraftsView::present);
     connect(&m_at.editor, &DraftEdit::changed, this, &PendingDraftsView::present);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, [this] {
-        if (std::ranges::any_of(m_drafts, [](const PendingDraft& draft) { return draft.status == u"approved"; }))
+        if (std::ranges::any_of(
+                m_drafts, [](const PendingDraft& draft) { return draft.state() == DraftStatus::Approved; }))
             present();
     });
     present();
@@ -122,9 +123,8 @@ void PendingDraftsView::approveDraft(const QString& id)
     const QString draft = id; // the question goes with what it asked
     m_confirmDraft.clear();
     if (!m_at.accounts.findBySlug(asked->accountId)) {
-        failWaitingDraft(
-            m_at.engine.db(), draft, QStringLiteral("Account %1 is no longer connected").arg(asked->accountId));
-        m_at.engine.refreshDrafts();
+        failWaitingDraft(m_at.engine.db(), draft, describe(DraftFailure::AccountGone, asked->accountId));
+        m_at.engine.db().watch().tell(StoreSubject::Drafts);
         return;
     }
     m_rows.hold(draft);
@@ -146,7 +146,7 @@ void PendingDraftsView::perform(const QString& id, const QString& action)
         return;
     LocalDB& db = m_at.engine.db();
     const QString name = id; // the row goes with what is done
-    const bool isPlaced = draft->status == u"placed";
+    const bool isPlaced = draft->state() == DraftStatus::Placed;
     if (action == u"start") {
         if (const auto account = m_at.accounts.findBySlug(draft->accountId))
             m_at.engine.resume(*account);
@@ -159,7 +159,7 @@ void PendingDraftsView::perform(const QString& id, const QString& action)
     } else if (action == u"reject") {
         rejectDraft(db, name); // at once: its engine may come up inside the window
     }
-    m_at.engine.refreshDrafts();
+    m_at.engine.db().watch().tell(StoreSubject::Drafts);
 }
 
 void PendingDraftsView::undo(const QString& id)
@@ -188,8 +188,8 @@ void PendingDraftsView::present()
         }
         if (m_at.editor.lost() && draft.id == m_at.editor.draftId())
             item.statusLabel = QStringLiteral("No longer waiting");
-        const bool saysWhyBelow = draft.status == failed && item.canDecide && !mayHaveGoneOut(draft);
-        item.stateText = saysWhyBelow ? failed : item.statusLabel;
+        const bool saysWhyBelow = draft.state() == DraftStatus::Failed && item.canDecide && !mayHaveGoneOut(draft);
+        item.stateText = saysWhyBelow ? draft.status : item.statusLabel;
         items.append(item);
     }
     m_rows.assign(items, [](PendingDraftItem& item) {

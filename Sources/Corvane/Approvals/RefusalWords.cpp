@@ -15,11 +15,11 @@ const QString rejectedElsewhere = QStringLiteral("Already rejected elsewhere.");
 
 QString wordsOf(const PendingDraft& draft)
 {
-    if (draft.status == u"rejected")
+    if (draft.state() == DraftStatus::Rejected)
         return rejectedElsewhere;
-    if (draft.status == u"sent")
+    if (draft.state() == DraftStatus::Sent)
         return QStringLiteral("Already sent.");
-    return draft.status == u"pending" || draft.status == u"failed" ? notSaved : approvedElsewhere;
+    return waitsForPerson(draft) ? notSaved : approvedElsewhere;
 }
 
 QString wordsOf(const CRMUpdateProposal& proposal)

@@ -5,6 +5,8 @@
 #include "Foundation/MachineWords.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/WAName.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Work/DigestQueries.h"
 #include "Web/SessionStore.h"
 
@@ -82,6 +84,8 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
     connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.session, &SessionStore::changed, this, &CorvaneMenuBarView::refresh);
+    for (const StoreSubject subject : { StoreSubject::Messages, StoreSubject::Work, StoreSubject::Calendar })
+        m_at.engine.db().watch().on(subject, this, [this] { refresh(); });
 }
 
 QVariantList CorvaneMenuBarView::tabs() const

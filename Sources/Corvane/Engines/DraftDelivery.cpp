@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Platform/ProcessLauncher.h"
 #include "Store/Core/LocalDB.h"
+#include "Store/Core/StoreWatch.h"
 
 #include <algorithm>
 
@@ -22,20 +23,23 @@ bool placesTextInBrowser(Channel channel)
 
 }
 
-DraftDelivery::DraftDelivery(EngineManager& engines, Scheduler& scheduler)
-    : m_engines(engines)
+DraftDelivery::DraftDelivery(LocalDB& db, EngineManager& engines, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_db(db)
+    , m_engines(engines)
     , m_scheduler(scheduler)
 {
+    m_db.watch().on(StoreSubject::Drafts, this, [this] { refresh(); });
+    connect(&m_engines, &EngineManager::engineEnded, this, &DraftDelivery::engineEnded);
+    connect(&m_engines, &EngineManager::stopping, this, &DraftDelivery::stop);
 }
+
+DraftDelivery::~DraftDelivery() = default;
 
 void DraftDelivery::startWatch()
 {
     refresh();
-    m_timer = m_scheduler.every(watchPeriod, [this] {
-        refresh();
-        if (m_engines.db().changedElsewhere())
-            m_engines.bump();
-    });
+    m_timer = m_scheduler.every(watchPeriod, [this] { refresh(); });
 }
 
 void DraftDelivery::stop()
@@ -47,18 +51,17 @@ void DraftDelivery::stop()
 
 void DraftDelivery::refresh()
 {
-    LocalDB& db = m_engines.db();
-    if (m_isStopped)
+    if (m_isStopped || !m_db.isSound())
         return;
-    if (db.inTransaction()) {
+    if (m_db.inTransaction()) {
         m_soon = m_scheduler.after(Milliseconds(0), [this] { refresh(); });
         return;
     }
-    if (db.isHeldElsewhere())
+    if (m_db.isHeldElsewhere())
         return; // the next tick does it
     expire();
     failThoseOfGoneAccounts();
-    const QList<DraftOfAccount> approved = fetchApprovedIds(db);
+    const QList<DraftOfAccount> approved = fetchApprovedIds(m_db);
     wakeEngines(approved);
     deliverApproved(approved);
     present();
@@ -66,9 +69,9 @@ void DraftDelivery::refresh()
 
 bool DraftDelivery::deliver(const QString& draftId, const Account& account)
 {
-    const DraftClaim claim = DraftClaim::claim(m_engines.db(), draftId);
+    const DraftClaim claim = DraftClaim::claim(m_db, draftId);
     if (claim.returned)
-        Q_EMIT m_engines.draftReturned(draftId);
+        Q_EMIT returned(draftId);
     if (!claim.draft)
         return true;
     const PendingDraft& row = claim.draft->row();
@@ -83,7 +86,7 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
         m_awaited.insert(draftId, { m_scheduler.monotonicMs(), *claim.draft, engine, line });
         return true;
     }
-    (void)unclaimDraft(m_engines.db(), *claim.draft);
+    (void)unclaimDraft(m_db, *claim.draft);
     return false;
 }
 
@@ -98,9 +101,7 @@ bool DraftDelivery::isStillUnread(const ClaimedDraft& draft, const QByteArray& l
         earlier->sinceMs = m_scheduler.monotonicMs();
         earlier->draft = draft;
     } else {
-        failClaimedDraft(m_engines.db(), draft,
-            QStringLiteral("The engine has not read the earlier text yet, so that one may still go out. Stop the "
-                           "account before you send this one."));
+        failClaimedDraft(m_db, draft, describe(DraftFailure::EarlierTextUnread));
     }
     return true;
 }
@@ -110,18 +111,19 @@ bool DraftDelivery::takeBack(const Awaited& awaited)
 {
     if (!awaited.draft || !awaited.engine->withdraw(awaited.line))
         return false;
-    if (unclaimDraft(m_engines.db(), *awaited.draft))
+    if (unclaimDraft(m_db, *awaited.draft))
         m_wokenFor.insert(awaited.draft->row().id);
     return true;
 }
 
+/// What it has not read goes back to "approved".
 void DraftDelivery::engineEnded(const std::shared_ptr<ChildProcess>& engine)
 {
     const auto takeTheirsBack = [this, engine] {
         m_awaited.removeIf([&](const auto& each) { return each->engine == engine && takeBack(*each); });
         refresh();
     };
-    if (m_engines.db().inTransaction())
+    if (m_db.inTransaction())
         m_soon = m_scheduler.after(Milliseconds(0), takeTheirsBack);
     else
         takeTheirsBack();
@@ -130,9 +132,8 @@ void DraftDelivery::engineEnded(const std::shared_ptr<ChildProcess>& engine)
 /// Two minutes of this run without an acknowledgment: neither a jump of the clock nor sleep shortens them.
 void DraftDelivery::expire()
 {
-    LocalDB& db = m_engines.db();
     const qint64 now = m_scheduler.monotonicMs();
-    const QStringList sending = fetchSendingIds(db);
+    const QStringList sending = fetchSendingIds(m_db);
     for (const QString& id : sending) {
         if (!m_awaited.contains(id))
             m_awaited.insert(id, { now, {}, {}, {} });
@@ -144,16 +145,16 @@ void DraftDelivery::expire()
             return false;
         if (takeBack(*each))
             return true;
-        failUnacknowledgedDraft(db, each.key());
+        failUnacknowledgedDraft(m_db, each.key());
         return false;
     });
 }
 
 void DraftDelivery::failThoseOfGoneAccounts()
 {
-    for (const QString& slug : accountsWithApprovedDrafts(m_engines.db())) {
+    for (const QString& slug : accountsWithApprovedDrafts(m_db)) {
         if (m_engines.isGone(slug))
-            failApprovedDrafts(m_engines.db(), slug, QStringLiteral("Account %1 is no longer connected").arg(slug));
+            failApprovedDrafts(m_db, slug, describe(DraftFailure::AccountGone, slug));
     }
 }
 
@@ -184,7 +185,7 @@ void DraftDelivery::deliverApproved(const QList<DraftOfAccount>& approved)
     int left = rowsPerTick;
     for (bool someRefused = true; someRefused && left > 0 && !takers.isEmpty();) {
         someRefused = false;
-        for (const PendingDraft& row : fetchApprovedDrafts(m_engines.db(), takers.keys(), left)) {
+        for (const PendingDraft& row : fetchApprovedDrafts(m_db, takers.keys(), left)) {
             if (!takers.contains(row.accountId))
                 continue;
             if (deliver(row.id, takers.value(row.accountId))) {
@@ -217,38 +218,15 @@ void DraftDelivery::wakeEngines(const QList<DraftOfAccount>& approved)
 
 void DraftDelivery::present()
 {
-    QList<PendingDraft> pending = fetchDrafts(m_engines.db(),
-        { QStringLiteral("failed"), QStringLiteral("pending"), QStringLiteral("sending"), QStringLiteral("placed"),
-            QStringLiteral("approved") },
+    QList<PendingDraft> pending = fetchDrafts(m_db,
+        { DraftStatus::Failed, DraftStatus::Pending, DraftStatus::Sending, DraftStatus::Placed, DraftStatus::Approved },
         rowsPerTick);
     for (PendingDraft& draft : pending) {
         const auto account = m_engines.accountBySlug(draft.accountId);
         draft.accountName = account ? account->name : draft.accountId;
     }
     if (std::exchange(m_pending, pending) != pending)
-        Q_EMIT m_engines.pendingDraftsChanged();
-}
-
-bool waitsForPerson(const PendingDraft& draft)
-{
-    return draft.status == u"pending" || draft.status == u"failed";
-}
-
-QString statusLabel(const PendingDraft& draft)
-{
-    if (mayHaveGoneOut(draft))
-        return QStringLiteral("May have gone out");
-    if (draft.status == u"failed")
-        return QStringLiteral("failed ") + draft.error;
-    if (draft.status == u"sending" || draft.status == u"rejected")
-        return draft.status;
-    if (draft.status == u"placed")
-        return QStringLiteral("Placed — awaiting LinkedIn confirmation");
-    if (draft.status == u"sent")
-        return draft.providerMsgId.isEmpty() ? draft.status : QStringLiteral("sent - ") + draft.providerMsgId;
-    if (draft.status == u"approved")
-        return QStringLiteral("Waits for the engine of ") + draft.accountName;
-    return QStringLiteral("waiting approval");
+        Q_EMIT pendingChanged();
 }
 
 }

@@ -4,6 +4,7 @@
 #include "Store/Approvals/DraftApprovals.h"
 
 #include <QHash>
+#include <QObject>
 #include <QSet>
 
 namespace corvane {
@@ -14,20 +15,21 @@ struct Account;
 
 /// Brings approved drafts to their engines, and keeps the list of those that wait for the user, for their engine or
 /// for an acknowledgment.
-class DraftDelivery {
+class DraftDelivery : public QObject {
+    Q_OBJECT
 public:
-    /// The references outlive the object. The manager signals each change of `pending`, and each draft that goes back
-    /// to the person who approved it.
-    DraftDelivery(EngineManager& engines, Scheduler& scheduler);
+    /// The references outlive the object. It acts whenever the database's watch tells of drafts.
+    DraftDelivery(LocalDB& db, EngineManager& engines, Scheduler& scheduler, QObject* parent = nullptr);
+    ~DraftDelivery() override;
 
-    /// At once and every 4 seconds; a second call starts no second timer. What other programs wrote to the database
-    /// shows at the next tick, too.
+    LocalDB& db() { return m_db; }
+
+    /// At once and every 4 seconds; a second call starts no second timer.
     void startWatch();
 
     /// Hands over what is approved. An account whose engine does not run is started, also a paused one, once for each
     /// approval. Inside a transaction: once it is over.
     void refresh();
-    void stop(); ///< at quit: nothing goes out any more
     const QList<PendingDraft>& pending() const { return m_pending; }
 
     /// The one place where a draft's text goes to an engine, and only by whoever claims the row as it was approved: of
@@ -35,8 +37,9 @@ public:
     /// that goes out again. False where the engine took nothing: the draft stays approved.
     bool deliver(const QString& draftId, const Account& account);
 
-    /// What it has not read goes back to "approved".
-    void engineEnded(const std::shared_ptr<ChildProcess>& engine);
+Q_SIGNALS:
+    void pendingChanged();
+    void returned(const QString& draftId); ///< it is not as it was approved: the person is to be asked again
 
 private:
     /// A draft that was handed over, by this run or an earlier one.
@@ -47,6 +50,8 @@ private:
         QByteArray line;
     };
 
+    void stop();
+    void engineEnded(const std::shared_ptr<ChildProcess>& engine);
     bool isStillUnread(const ClaimedDraft& draft, const QByteArray& line);
     bool takeBack(const Awaited& awaited);
     void expire();
@@ -56,6 +61,7 @@ private:
     void wakeEngines(const QList<DraftOfAccount>& approved);
     void present();
 
+    LocalDB& m_db;
     EngineManager& m_engines;
     Scheduler& m_scheduler;
     std::unique_ptr<Timer> m_timer;
@@ -63,14 +69,8 @@ private:
     QHash<QString, Awaited> m_awaited; ///< by draft
     QSet<QString> m_wokenFor; ///< approved drafts whose accounts had their start
     bool m_isFirstLook = true;
-    bool m_isStopped = false;
+    bool m_isStopped = false; ///< at quit: nothing goes out any more
     QList<PendingDraft> m_pending;
 };
-
-/// Whether the draft can be approved, rejected and edited.
-bool waitsForPerson(const PendingDraft& draft);
-
-/// Where a draft stands, in the user's words.
-QString statusLabel(const PendingDraft& draft);
 
 }

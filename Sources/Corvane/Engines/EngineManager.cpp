@@ -13,6 +13,7 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Desktop.h"
 #include "Platform/Keychain.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 
@@ -80,14 +81,13 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
           EngineProcesses::Handlers {
               .event = [&manager](const QUuid& accountId, Speaker speaker,
                            const QJsonObject& event) { return manager.takeEvent(accountId, event, speaker); },
-              .ended = [this](const std::shared_ptr<ChildProcess>& child) { drafts.engineEnded(child); },
+              .ended = [&manager](const std::shared_ptr<ChildProcess>& child) { Q_EMIT manager.engineEnded(child); },
               .allEnded = [&manager] { Q_EMIT manager.allEnded(); },
           },
           lines)
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, lines, surroundings.notifier, surroundings.paths.applicationSupport)
-    , drafts(manager, surroundings.scheduler)
     , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.refreshUnreadBadge(); })
 {
 }
@@ -98,7 +98,7 @@ EngineManager::EngineManager(const Surroundings& surroundings, std::unique_ptr<L
 {
     connect(&surroundings.keychain, &Keychain::changed, this, [this] { m_state->processes.secretsArrived(); });
     connect(&m_state->ingest, &Ingest::inboxChanged, this, &EngineManager::bump);
-    connect(&m_state->ingest, &Ingest::draftAcknowledged, this, &EngineManager::refreshDrafts);
+    m_state->db->watch().on(StoreSubject::Messages, this, [this] { bump(); });
     connect(&m_state->ingest, &Ingest::mediaDownloadChanged, this, &EngineManager::setMediaDownload);
 }
 
@@ -152,7 +152,7 @@ void EngineManager::forget(const Account& account)
 
 void EngineManager::stopAll()
 {
-    m_state->drafts.stop();
+    Q_EMIT stopping();
     m_state->toolServer.stop();
     m_state->processes.stopAll();
 }
@@ -234,26 +234,11 @@ QString EngineManager::mcpURL() const
     return m_state->toolServer.url();
 }
 
-void EngineManager::startDraftWatch()
-{
-    m_state->drafts.startWatch();
-}
-
 void EngineManager::startAIRequestWatch(LumoAI& ai)
 {
     if (!m_state->aiRequests)
         m_state->aiRequests = std::make_unique<AIRequestWatcher>(*m_state->db, ai, m_state->scheduler);
     m_state->aiRequests->start();
-}
-
-void EngineManager::refreshDrafts()
-{
-    m_state->drafts.refresh();
-}
-
-const QList<PendingDraft>& EngineManager::pendingDrafts() const
-{
-    return m_state->drafts.pending();
 }
 
 const QString& EngineManager::openContactId() const

@@ -24,7 +24,6 @@ class ProcessLauncher;
 class Scheduler;
 enum class Speaker;
 struct AppPaths;
-struct PendingDraft;
 struct UnifiedMsgRow;
 
 /// Owns every engine child process, the tool server, and the one database. Main thread only.
@@ -78,11 +77,6 @@ public:
     const QString& mcpProblem() const; ///< why the tool server keeps ending; empty where it does not
     QString mcpURL() const;
 
-    // Drafts
-    void startDraftWatch(); ///< may be called again
-    void refreshDrafts(); ///< delivers what is approved now, rather than within 4 seconds
-    const QList<PendingDraft>& pendingDrafts() const; ///< what waits for the user or for an acknowledgment
-
     /// Answers from now on what other processes ask of the assistant. `ai` outlives the manager; may be called again.
     void startAIRequestWatch(LumoAI& ai);
 
@@ -123,9 +117,9 @@ Q_SIGNALS:
     void unreadTotalChanged();
     void mediaDownloadStatusChanged(const QString& messageId);
     void mcpRunningChanged(); ///< or its problem
-    void pendingDraftsChanged();
-    void draftReturned(const QString& id); ///< it is not as it was approved: the person is to be asked again
     void directSendAnswered(const QString& id, bool sent, const QString& error);
+    void stopping(); ///< every engine, at quit
+    void engineEnded(const std::shared_ptr<ChildProcess>& engine); ///< after its last event
     void allEnded(); ///< no engine is left, and what they printed is dealt with
     void eventHandled(const QString& accountSlug, const QString& type); ///< a line that counted, after the commit
 

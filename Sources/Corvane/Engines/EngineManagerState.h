@@ -2,7 +2,6 @@
 
 #include "AI/AIRequestWatcher.h"
 #include "Engines/AccountStore.h"
-#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Engines/Ingest.h"
@@ -31,7 +30,6 @@ struct EngineManager::State {
     EngineProcesses processes;
     ToolServer toolServer;
     Ingest ingest;
-    DraftDelivery drafts;
     std::unique_ptr<AIRequestWatcher> aiRequests; ///< none before it is started
     Coalescer badge;
     QHash<QString, MediaDownloadStatus> mediaDownloads;

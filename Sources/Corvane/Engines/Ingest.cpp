@@ -9,6 +9,7 @@
 #include "Notifications/Notifier.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/DraftApprovals.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/IdentityQueries.h"
@@ -167,7 +168,7 @@ bool Ingest::handleSendAck(const EventSource& source, const QJsonObject& event)
         return false;
     acknowledgeDraft(m_db, source.slug, *draftId, text(event, "status").value_or(QString()),
         text(event, "providerMsgId"), text(event, "error").value_or(QStringLiteral("Send failed")));
-    m_group.afterCommit([this] { Q_EMIT draftAcknowledged(); });
+    m_group.afterCommit([this] { m_db.watch().tell(StoreSubject::Drafts); });
     return true;
 }
 

@@ -43,7 +43,6 @@ public:
 
 Q_SIGNALS:
     void inboxChanged(const QString& contactId); ///< what the inbox shows of this person; empty for anybody
-    void draftAcknowledged();
     void mediaDownloadChanged(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 
 private:

@@ -7,6 +7,7 @@
 #include "Platform/Keychain.h"
 #include "Presentation/DateWords.h"
 #include "Settings/ConnectFlow.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Messages/AccountQueries.h"
 
 #include <algorithm>
@@ -147,7 +148,7 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
         if (keepsSecret(account->channel()))
             m_at.keychain.remove(account->slug);
         m_at.accounts.remove(*account);
-        m_at.engine.refreshDrafts(); // what was approved for it fails with the reason
+        m_at.engine.db().watch().tell(StoreSubject::Drafts); // what was approved for it fails with the reason
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Foundation/MachineWords.h"
 #include "Presentation/DateWords.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Sync/SyncQueries.h"
 #include "Web/SessionStore.h"
 
@@ -66,6 +67,7 @@ SyncSettings::SyncSettings(SessionStore& session, LocalDB& db, QObject* parent)
     , m_db(db)
 {
     connect(&m_session, &SessionStore::changed, this, &SyncSettings::changed);
+    m_db.watch().on(StoreSubject::Sync, this, [this] { refresh(); });
 }
 
 bool SyncSettings::signedIn() const

@@ -7,6 +7,7 @@
 #include "CRM/ContactsBridge.h"
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/ToolServer.h"
 #include "Foundation/Log.h"
@@ -26,6 +27,7 @@
 #include "Shell/StoreRecovery.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Core/Workspaces.h"
 #include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
@@ -68,6 +70,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
             m_scheduler, m_defaults, m_notifications));
     m_engine->setContactsBridge(m_contacts.get());
     m_engine->setAccounts(m_store.get());
+    m_delivery = std::make_unique<DraftDelivery>(m_engine->db(), *m_engine, m_scheduler);
     m_ai = std::make_unique<AIServices>(
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
     m_ai->drafts.setMemoryDB(m_engine->db());
@@ -90,7 +93,8 @@ void CorvaneApp::onAppear()
     if (isQuitting() || m_recovery->needed())
         return; // with a damaged database it runs once there is another
     m_engine->startUnifiedMCP(toolServerPort);
-    m_engine->startDraftWatch();
+    m_engine->db().watch().start();
+    m_delivery->startWatch();
     m_engine->startAIRequestWatch(m_ai->ai);
     m_data.local.emplace(m_engine->db());
     // A workspace that shows nothing is left here, before any list is built from it.
@@ -98,7 +102,7 @@ void CorvaneApp::onAppear()
     m_contacts->load();
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
-    m_approvals->attach(*m_engine, *m_calls);
+    m_approvals->attach(*m_delivery, *m_calls);
     for (const Account& account : m_store->accounts()) {
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);

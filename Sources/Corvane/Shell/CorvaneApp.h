@@ -22,6 +22,7 @@ class CallRecorder;
 class ContactsBridge;
 class AudioPlayer;
 class Desktop;
+class DraftDelivery;
 class EngineManager;
 class MachineFacts;
 class MediaDecoder;
@@ -69,6 +70,7 @@ public:
 
     AccountStore& store() { return *m_store; }
     EngineManager& engine() { return *m_engine; }
+    DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
     CallRecorder& calls() { return *m_calls; }
     ApprovalsStore& approvals() { return *m_approvals; }
@@ -132,6 +134,7 @@ private:
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<AIServices> m_ai;
     std::unique_ptr<EngineManager> m_engine;
+    std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<CallRecorder> m_calls;
     std::unique_ptr<ApprovalsStore> m_approvals;

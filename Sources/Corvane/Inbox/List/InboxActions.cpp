@@ -7,6 +7,7 @@
 #include "Foundation/Ids.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -151,7 +152,7 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
     const QString conversation = ensureConversation(db(), channel, account.slug, address, name, m_scheduler.nowMs());
     if (!queueDraft(db(), conversation, text, QStringLiteral("compose")))
         return false;
-    m_engine.refreshDrafts();
+    db().watch().tell(StoreSubject::Drafts);
     m_engine.bump();
     reload();
     select(contact);

@@ -8,6 +8,7 @@
 #include "Platform/Desktop.h"
 #include "Presentation/UndoOffer.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/StoreWatch.h"
 
 #include <QUrl>
 
@@ -118,7 +119,7 @@ bool MessageActions::forwardAsDraft(const QString& messageBody, const QString& c
 {
     if (!queueDraft(m_surroundings.engine.db(), conversationId, messageBody, QStringLiteral("forward")))
         return false;
-    m_surroundings.engine.refreshDrafts();
+    m_surroundings.engine.db().watch().tell(StoreSubject::Drafts);
     return true;
 }
 

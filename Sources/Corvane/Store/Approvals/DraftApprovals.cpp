@@ -6,13 +6,7 @@ namespace corvane {
 
 namespace {
 
-const QString approved = QStringLiteral("approved");
-const QString pending = QStringLiteral("pending");
-const QString sending = QStringLiteral("sending");
-const QString placed = QStringLiteral("placed");
-const QString sent = QStringLiteral("sent");
-const QString rejected = QStringLiteral("rejected");
-const QString failed = QStringLiteral("failed");
+using enum DraftStatus;
 
 bool record(LocalDB& db, const QString& id, const char* action, const QString& hash)
 {
@@ -41,8 +35,7 @@ std::optional<QString> approvedHash(LocalDB& db, const QString& id)
 bool sendBack(LocalDB& db, const PendingDraft& draft)
 {
     return db.changedRows("UPDATE outbound_draft SET status='pending', error=?, updated_at=? WHERE id=? AND status=?;",
-               { QStringLiteral("This draft changed after you approved it. Read it again before you decide."),
-                   db.nowMs(), draft.id, draft.status })
+               { describe(DraftFailure::Changed), db.nowMs(), draft.id, draft.status })
         == 1
         && forget(db, draft.id) && record(db, draft.id, "return", draftHash(draft));
 }
@@ -59,29 +52,24 @@ bool take(LocalDB& db, const PendingDraft& draft)
 /// What was read is not what is stored, such as a text that is no UTF-8: nobody can have seen what it says.
 bool failUnreadable(LocalDB& db, const PendingDraft& draft)
 {
-    markDraftFailed(db, draft.id, QStringLiteral("The text of this draft can't be read as it is stored."));
+    markDraftFailed(db, draft.id, describe(DraftFailure::Unreadable));
     return forget(db, draft.id) && record(db, draft.id, "failed", draftHash(draft));
 }
 
 /// Its engine has it, and has not said for good what became of it.
 bool isWithEngine(const PendingDraft& draft)
 {
-    return draft.status == sending || draft.status == u"placed" || mayHaveGoneOut(draft);
-}
-
-bool waits(const QString& status)
-{
-    return status == pending || status == failed;
+    return allows(draft.state(), DraftStep::Acknowledge) || mayHaveGoneOut(draft);
 }
 
 /// One step of a person, recorded; `AlreadySo` where the draft stands there already.
-Decided step(LocalDB& db, const QString& id, const QString& from, const QString& to, const char* action)
+Decided step(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to, const char* action)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
     if (!draft)
         return Decided::Refused;
-    if (draft->status == to)
+    if (draft->state() == to)
         return Decided::AlreadySo;
     const bool done = moveDraft(db, id, from, to) && forget(db, id) && record(db, id, action, draftHash(*draft))
         && transaction.commit();
@@ -89,10 +77,10 @@ Decided step(LocalDB& db, const QString& id, const QString& from, const QString&
 }
 
 /// Inside a transaction.
-bool failOne(LocalDB& db, const QString& id, const QString& from, const QString& error)
+bool failOne(LocalDB& db, const QString& id, DraftStatus from, const QString& error)
 {
     const auto draft = fetchDraft(db, id);
-    if (!draft || draft->status != from)
+    if (!draft || draft->state() != from)
         return false;
     markDraftFailed(db, id, error);
     return forget(db, id) && record(db, id, "failed", draftHash(*draft));
@@ -109,13 +97,13 @@ Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || draft->status == rejected)
+    if (!draft || draft->state() == Rejected)
         return Decided::Refused;
-    if (!waits(draft->status))
+    if (!waitsForPerson(*draft))
         return Decided::AlreadySo;
     if (draftHash(*draft) != seenHash)
         return sendBack(db, *draft) && transaction.commit() ? Decided::Changed : Decided::Refused;
-    const bool done = moveDraft(db, id, draft->status, approved) && remember(db, id, seenHash)
+    const bool done = moveDraft(db, id, draft->state(), Approved) && remember(db, id, seenHash)
         && record(db, id, "approve", seenHash) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
 }
@@ -126,30 +114,30 @@ Decided rejectDraft(LocalDB& db, const QString& id)
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
     if (!draft)
         return Decided::Refused;
-    if (draft->status == rejected)
+    if (draft->state() == Rejected)
         return Decided::AlreadySo;
-    if (!waits(draft->status) && draft->status != approved && draft->status != placed)
+    if (!allows(draft->state(), DraftStep::Reject))
         return Decided::Refused;
-    const bool done = moveDraft(db, id, draft->status, rejected) && forget(db, id)
+    const bool done = moveDraft(db, id, draft->state(), Rejected) && forget(db, id)
         && record(db, id, "reject", draftHash(*draft)) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
 }
 
 Decided takeBackDraft(LocalDB& db, const QString& id)
 {
-    return step(db, id, approved, pending, "undo");
+    return step(db, id, Approved, Pending, "undo");
 }
 
 Decided confirmDraftSent(LocalDB& db, const QString& id)
 {
-    return step(db, id, placed, sent, "sent");
+    return step(db, id, Placed, Sent, "sent");
 }
 
 bool editDraft(LocalDB& db, const QString& id, const QString& body)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || !waits(draft->status))
+    if (!draft || !waitsForPerson(*draft))
         return false;
     PendingDraft edited = *draft;
     edited.body = body;
@@ -161,7 +149,7 @@ void failWaitingDraft(LocalDB& db, const QString& id, const QString& error)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || !waits(draft->status))
+    if (!draft || !waitsForPerson(*draft))
         return;
     markDraftFailed(db, id, error);
     if (record(db, id, "failed", draftHash(*draft)))
@@ -176,7 +164,7 @@ void failApprovedDrafts(LocalDB& db, const QString& accountId, const QString& er
     const QStringList ids = db.rows("SELECT id FROM outbound_draft WHERE account_id=? AND status='approved';",
         { accountId }, [](const SqlRow& row) { return row.text(0); });
     for (const QString& id : ids) {
-        if (!failOne(db, id, approved, error))
+        if (!failOne(db, id, Approved, error))
             return;
     }
     (void)transaction.commit();
@@ -187,7 +175,7 @@ DraftClaim DraftClaim::claim(LocalDB& db, const QString& id)
     DraftClaim claim;
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || draft->status != approved)
+    if (!draft || !allows(draft->state(), DraftStep::HandOver))
         return claim;
     const QString hash = draftHash(*draft);
     const auto expected = approvedHash(db, id);
@@ -198,7 +186,7 @@ DraftClaim DraftClaim::claim(LocalDB& db, const QString& id)
     if (!expected && !record(db, id, "approve_elsewhere", hash))
         return claim;
     if (!take(db, *draft)) {
-        if (moveDraft(db, id, approved, failed) && failUnreadable(db, *draft))
+        if (moveDraft(db, id, Approved, Failed) && failUnreadable(db, *draft))
             (void)transaction.commit();
         return claim;
     }
@@ -211,7 +199,7 @@ bool unclaimDraft(LocalDB& db, const ClaimedDraft& draft)
 {
     const QString& id = draft.row().id;
     Transaction transaction(db);
-    return transaction.begun() && moveDraft(db, id, sending, approved) && remember(db, id, draftHash(draft.row()))
+    return transaction.begun() && moveDraft(db, id, Sending, Approved) && remember(db, id, draftHash(draft.row()))
         && transaction.commit();
 }
 
@@ -222,14 +210,14 @@ void acknowledgeDraft(LocalDB& db, const QString& accountSlug, const QString& id
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
     if (!draft || draft->accountId != accountSlug || !isWithEngine(*draft))
         return;
-    const bool completed = status == u"sent" || status == u"placed";
-    if (completed)
-        markDraftCompleted(db, id, status, providerMsgId);
-    else
+    const DraftStatus said = draftStatus(status);
+    const DraftStatus outcome = said == Sent || said == Placed ? said : Failed;
+    if (outcome == Failed)
         markDraftFailed(db, id, error);
-    const QString outcome = completed ? status : failed;
-    const bool news = draft->status != outcome;
-    if (forget(db, id) && (!news || record(db, id, outcome.toLatin1().constData(), draftHash(*draft))))
+    else
+        markDraftCompleted(db, id, outcome, providerMsgId);
+    const bool news = draft->state() != outcome;
+    if (forget(db, id) && (!news || record(db, id, draftStatusWord(outcome).toLatin1().constData(), draftHash(*draft))))
         (void)transaction.commit();
 }
 
@@ -237,7 +225,7 @@ void failUnacknowledgedDraft(LocalDB& db, const QString& id)
 {
     Transaction transaction(db);
     const auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
-    if (!draft || draft->status != sending)
+    if (!draft || draft->state() != Sending)
         return;
     markDraftUnacknowledged(db, id);
     if (record(db, id, "failed", draftHash(*draft)))
@@ -247,7 +235,7 @@ void failUnacknowledgedDraft(LocalDB& db, const QString& id)
 void failClaimedDraft(LocalDB& db, const ClaimedDraft& draft, const QString& error)
 {
     Transaction transaction(db);
-    if (transaction.begun() && failOne(db, draft.row().id, sending, error))
+    if (transaction.begun() && failOne(db, draft.row().id, Sending, error))
         (void)transaction.commit();
 }
 

@@ -27,8 +27,6 @@ const Table<PendingDraft> drafts("outbound_draft",
         { "updated_at" },
     });
 
-const QString unacknowledged = QStringLiteral("Engine never acknowledged the send — Retry to requeue.");
-
 QString placeholders(qsizetype count)
 {
     return QStringList(count, QStringLiteral("?")).join(u',');
@@ -58,11 +56,11 @@ bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text,
             db, *draft, { { "workspace_id", activeWorkspaceId(db) }, { "created_at", now }, { "updated_at", now } });
 }
 
-QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit)
+QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses, int limit)
 {
     QList<SqlValue> parameters { activeWorkspaceId(db) };
-    for (const QString& status : statuses)
-        parameters.append(status);
+    for (const DraftStatus status : statuses)
+        parameters.append(draftStatusWord(status));
     parameters.append(limit);
     const QString which = QStringLiteral(R"(WHERE workspace_id=? AND status IN (%1)
 ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
@@ -102,9 +100,14 @@ QStringList fetchSendingIds(LocalDB& db)
         "SELECT id FROM outbound_draft WHERE status='sending';", {}, [](const SqlRow& row) { return row.text(0); });
 }
 
+bool waitsForPerson(const PendingDraft& draft)
+{
+    return allows(draft.state(), DraftStep::Decide);
+}
+
 bool mayHaveGoneOut(const PendingDraft& draft)
 {
-    return draft.status == u"failed" && draft.error == unacknowledged;
+    return draft.state() == DraftStatus::Failed && draft.error == describe(DraftFailure::Unacknowledged);
 }
 
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
@@ -112,23 +115,17 @@ std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
     return drafts.first(db, QStringLiteral("WHERE id=?;"), { id });
 }
 
-bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to)
+bool moveDraft(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to)
 {
     return db.changedRows("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=? AND status=?;",
-               { to, db.nowMs(), id, from })
+               { draftStatusWord(to), db.nowMs(), id, draftStatusWord(from) })
         == 1;
 }
 
-void markDraft(LocalDB& db, const QString& id, const QString& status)
-{
-    db.run("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;", { status, db.nowMs(), id });
-}
-
-void markDraftCompleted(
-    LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& providerMsgId)
+void markDraftCompleted(LocalDB& db, const QString& id, DraftStatus status, const std::optional<QString>& providerMsgId)
 {
     db.run("UPDATE outbound_draft SET status=?, provider_msg_id=?, error=NULL, updated_at=? WHERE id=?;",
-        { status, providerMsgId, db.nowMs(), id });
+        { draftStatusWord(status), providerMsgId, db.nowMs(), id });
 }
 
 void markDraftFailed(LocalDB& db, const QString& id, const QString& error)
@@ -145,7 +142,7 @@ void updateDraftBody(LocalDB& db, const QString& id, const QString& body)
 void markDraftUnacknowledged(LocalDB& db, const QString& id)
 {
     db.run("UPDATE outbound_draft SET status='failed', error=?, updated_at=? WHERE id=? AND status='sending';",
-        { unacknowledged, db.nowMs(), id });
+        { describe(DraftFailure::Unacknowledged), db.nowMs(), id });
 }
 
 }

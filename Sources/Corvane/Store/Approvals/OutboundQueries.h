@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Store/Approvals/DraftStatus.h"
 #include "Store/Core/LocalDB.h"
 
 #include <QStringList>
@@ -15,13 +16,14 @@ struct PendingDraft {
     QString externalId;
     QString title;
     QString body;
-    QString status;
+    QString status; ///< the word in the row, also one that `DraftStatus` does not know
     QString source;
     QString webAckStatus;
     QString providerMsgId;
     QString error;
     QString accountName = {}; ///< as the person calls the account, where it is known; in no column
 
+    DraftStatus state() const { return draftStatus(status); }
     bool operator==(const PendingDraft&) const = default;
 };
 
@@ -29,7 +31,7 @@ struct PendingDraft {
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source);
 
 /// Oldest first within failed, pending, sending, and the rest.
-QList<PendingDraft> fetchDrafts(LocalDB& db, const QStringList& statuses, int limit);
+QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses, int limit);
 
 /// Of those approved drafts that `accountIds` can take, the oldest first.
 QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountIds, int limit);
@@ -47,6 +49,9 @@ QStringList accountsWithApprovedDrafts(LocalDB& db);
 /// Every draft that was handed to an engine and not acknowledged, in any workspace.
 QStringList fetchSendingIds(LocalDB& db);
 
+/// Whether a person can approve, reject and edit it.
+bool waitsForPerson(const PendingDraft& draft);
+
 /// Whether it failed because nobody acknowledged it in time: it may have gone out all the same.
 bool mayHaveGoneOut(const PendingDraft& draft);
 
@@ -56,11 +61,10 @@ std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id);
 /// Takes the row from one status to the next, in one step that only one caller can win: true where this call moved
 /// it, false where it no longer stood at `from` or the file did not take the change. Other programs move the same
 /// rows, so every step that must happen once is asked for here.
-[[nodiscard]] bool moveDraft(LocalDB& db, const QString& id, const QString& from, const QString& to);
+[[nodiscard]] bool moveDraft(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to);
 
-void markDraft(LocalDB& db, const QString& id, const QString& status);
 void markDraftCompleted(
-    LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& providerMsgId);
+    LocalDB& db, const QString& id, DraftStatus status, const std::optional<QString>& providerMsgId);
 void markDraftFailed(LocalDB& db, const QString& id, const QString& error);
 void updateDraftBody(LocalDB& db, const QString& id, const QString& body); ///< only while pending or failed
 void markDraftUnacknowledged(LocalDB& db, const QString& id); ///< only while sending

@@ -5,6 +5,7 @@
 #include "Store/Core/DamagedFile.h"
 #include "Store/Core/Schema.h"
 #include "Store/Core/StoreHealth.h"
+#include "Store/Core/StoreWatch.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -31,6 +32,7 @@ LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& sc
     , m_defaults(defaults)
     , m_notifications(notifications)
     , m_health(std::make_unique<StoreHealth>(scheduler, [this] { return takesWrites(); }))
+    , m_watch(std::make_unique<StoreWatch>(*this, scheduler))
 {
     noteResultsIn(m_health.get());
     if (!openFile())
@@ -42,7 +44,12 @@ LocalDB::~LocalDB() = default;
 void LocalDB::close()
 {
     closeFile();
-    m_version.reset();
+    m_watch->forget();
+}
+
+bool LocalDB::isSound() const
+{
+    return isOpen() && m_health->fault() == StoreFault::None;
 }
 
 bool LocalDB::reopen()
@@ -120,13 +127,6 @@ bool LocalDB::isHeldElsewhere()
         return sqlite3_errcode(m_db) == SQLITE_BUSY;
     exec(QStringLiteral("COMMIT;"));
     return false;
-}
-
-bool LocalDB::changedElsewhere()
-{
-    const auto version = scalar(QStringLiteral("PRAGMA data_version;"));
-    const auto before = std::exchange(m_version, version);
-    return before && version && *before != *version;
 }
 
 QString LocalDB::errorMessage() const

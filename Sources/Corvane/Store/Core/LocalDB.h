@@ -7,6 +7,7 @@ namespace corvane {
 class NotificationCentre;
 class Scheduler;
 class StoreHealth;
+class StoreWatch;
 class UserDefaults;
 
 /// How long a write waits for another program: five seconds, or one frame of the screen.
@@ -33,6 +34,12 @@ public:
     /// Whether the file can be written, and if not, why.
     StoreHealth& health() { return *m_health; }
 
+    /// What other programs change, told by subject.
+    StoreWatch& watch() { return *m_watch; }
+
+    /// Open and, as far as is known, writable: whoever looks at the file now and then leaves it alone otherwise.
+    bool isSound() const;
+
     /// Lets go of the file, which can then be moved away; until `reopen` every answer is empty.
     void close();
 
@@ -51,9 +58,6 @@ public:
     /// Whether another process keeps the right to write, so that a write now would wait, and after five seconds
     /// fail. Waits a frame at most.
     bool isHeldElsewhere();
-
-    /// Whether another connection, of this program or another, changed the file since this was last asked.
-    bool changedElsewhere();
 
     /// A script of one or more statements; a failure is only logged.
     void exec(const QString& sql);
@@ -88,7 +92,7 @@ private:
     UserDefaults& m_defaults;
     NotificationCentre& m_notifications;
     std::unique_ptr<StoreHealth> m_health;
-    std::optional<QString> m_version; ///< of the file, as far as other connections changed it
+    std::unique_ptr<StoreWatch> m_watch;
 };
 
 /// A JSON array of the texts; "[]" where it cannot be made.

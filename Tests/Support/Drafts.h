@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+/// What another program that knows no rules may do to a draft.
+inline void markDraft(LocalDB& db, const QString& id, const QString& status)
+{
+    db.run(QStringLiteral("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;"), { status, db.nowMs(), id });
+}
+
+}
