@@ -17,5 +17,6 @@ endif()
 qt_add_qml_module(corvane_UI URI Corvane VERSION 1.0 RESOURCE_PREFIX "/qt/qml" NO_PLUGIN NO_LINT ${qml_cache}
     OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml/Corvane"
     IMPORTS QtQuick QML_FILES ${qml_files} RESOURCES ${icons})
-target_include_directories(corvane_UI PRIVATE "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI" "${QRCODEGEN_INCLUDE}")
+target_include_directories(corvane_UI PRIVATE "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI"
+    "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/Terminals" "${QRCODEGEN_INCLUDE}")
 target_link_libraries(corvane_UI PRIVATE "${QRCODEGEN_LIBRARY}")

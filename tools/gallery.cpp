@@ -4,6 +4,7 @@
 
 #include "gallery-approvals.h"
 #include "gallery-machine.h"
+#include "gallery-terminal.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
@@ -65,6 +66,9 @@ public:
         approvalScreens();
         settingsScreens();
         hubScreens();
+        drawTerminals(
+            m_screens, [this](Milliseconds pause) { wait(pause); },
+            [this](const QString& name) { save(name, { Look::Light, Look::Dark }); });
         wallScreens();
         m_app.willTerminate();
     }
@@ -460,7 +464,7 @@ void Gallery::settingsScreens()
 
 void Gallery::hubScreens()
 {
-    for (const char* hub : { "lumo", "gtm", "cx", "ops", "dev" }) {
+    for (const char* hub : { "lumo", "gtm", "cx", "ops" }) {
         m_screens.shell.selectHub(QString::fromLatin1(hub));
         save(u"hub-"_s + QString::fromLatin1(hub), { qstrcmp(hub, "gtm") == 0 ? Look::Dark : Look::Light });
     }

@@ -60,6 +60,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.keyring = makeKeyring();
     machine.notifications = makeNotificationService();
     machine.desktop = makeDesktop(umaskOfOpened);
+    machine.userUmask = umaskOfOpened;
     machine.microphone = makeMicrophone(scheduler);
     machine.addressBook = makeAddressBook(paths);
     machine.tools = makeToolRunner();
@@ -154,7 +155,6 @@ int main(int argc, char** argv)
     SystemScheduler scheduler;
     CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode, startingUmask));
     QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
-    QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
     QObject::connect(&app, &CorvaneApp::ended, &application, &QCoreApplication::quit);
     QObject::connect(instance.get(), &SingleInstance::activated, &app, &CorvaneApp::open);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &app, &CorvaneApp::willTerminate);
@@ -164,6 +164,7 @@ int main(int argc, char** argv)
     std::unique_ptr<PanelWindow> panel;
     if (mode == Mode::Headless) {
         logEvents(app.engine());
+        QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
         app.onAppear();
     } else {
         screens = std::make_unique<Screens>(app);

@@ -1,5 +1,6 @@
 #include "Foundation/UserDefaults.h"
 #include "Support/Await.h"
+#include "Support/FakeDesktop.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
@@ -40,8 +41,9 @@ protected:
 
     TemporaryHome home;
     VirtualScheduler clock;
+    FakeDesktop desktop;
     UserDefaults defaults { home.paths().defaultsFile };
-    TerminalsView view { { clock, defaults, home.paths().home, {} } };
+    TerminalsView view { { clock, defaults, desktop, home.paths().home, {} } };
 };
 
 }

@@ -12,6 +12,8 @@
 #include <QPoint>
 #include <QStringList>
 #include <memory>
+#include <optional>
+#include <sys/types.h>
 
 namespace corvane {
 
@@ -58,6 +60,7 @@ struct Machine {
     std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
     std::unique_ptr<AudioPlayer> player;
     std::unique_ptr<Tray> tray; ///< none in a headless run
+    std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
 };
 
 /// The composition root: builds every long-lived object once and hands out references.
@@ -87,6 +90,7 @@ public:
     MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }
     const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
+    std::optional<mode_t> userUmask() const { return m_machine.userUmask; }
     const AppPaths& paths() const { return m_paths; }
 
     /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.

@@ -21,6 +21,11 @@ QObject* planned(Screens& screens, const Hub& hub)
     return new PlannedHub(hub, &screens.shell);
 }
 
+QObject* terminals(Screens& screens, const Hub&)
+{
+    return &screens.terminals;
+}
+
 QObject* inbox(Screens& screens, const Hub&)
 {
     return &screens.inbox;
@@ -36,7 +41,7 @@ const QList<Hub>& hubTable()
         { u"cx"_s, u"CX"_s, u"hub-cx"_s, page(u"Shell/HubPage.qml"_s), planned },
         { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Shell/HubPage.qml"_s), planned },
         { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
-        { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Terminals/TerminalsPage.qml"_s), terminals },
     };
     return hubs;
 }

@@ -34,10 +34,6 @@ Plan planOf(const QString& hub)
             { u"Operations: projects, their updates, and the questions that wait for you."_s,
                 { u"Projects with their state at a glance"_s, u"Updates as they come in"_s,
                     u"Decisions that only you can take"_s } } },
-        { u"dev"_s,
-            { u"Development: terminals, a browser for checks, and the agents at work."_s,
-                { u"A terminal for each project"_s, u"Evidence from the browser, and the bugs filed with it"_s,
-                    u"Agents, and what they are doing"_s } } },
     };
     return plans.value(hub);
 }

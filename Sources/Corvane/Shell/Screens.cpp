@@ -23,6 +23,7 @@ Screens::Screens(const Surroundings& at)
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
     , closingNotice(at.tray, at.defaults)
+    , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
 {
     const auto showUnread = [this, &engine = at.engine] {
         shell.hubs()->setUnreadTotal(engine.unreadTotal());
@@ -41,9 +42,16 @@ Screens::Screens(const Surroundings& at)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.recovery(), app.tray() })
+          app.translations(), app.recovery(), app.tray(), app.userUmask() })
 {
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
+    QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this, &app] {
+        if (!terminals.asksBeforeQuit())
+            return app.quit();
+        shell.selectHub(QStringLiteral("dev"));
+        Q_EMIT app.windowRequested();
+    });
+    QObject::connect(&terminals, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);
 }
 
 }

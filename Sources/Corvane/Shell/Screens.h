@@ -13,6 +13,7 @@
 #include "Shell/Notices.h"
 #include "Shell/ProfileMenu.h"
 #include "Shell/StoreRecovery.h"
+#include "Terminals/TerminalsView.h"
 
 namespace corvane {
 
@@ -42,6 +43,7 @@ public:
         TranslationService& translations;
         StoreRecovery& recovery;
         const Tray* tray = nullptr;
+        std::optional<mode_t> userUmask {}; ///< of programs that the user starts; none: that of this process
     };
 
     explicit Screens(const Surroundings& at);
@@ -60,6 +62,7 @@ public:
     IntegrationsView settings;
     CorvaneMenuBarView panel;
     ClosingNotice closingNotice;
+    TerminalsView terminals;
 };
 
 }

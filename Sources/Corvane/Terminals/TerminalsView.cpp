@@ -2,8 +2,10 @@
 
 #include "Foundation/Text.h"
 #include "Foundation/UserDefaults.h"
+#include "Platform/Desktop.h"
 #include "Terminals/ShellCommand.h"
 
+#include <QUrl>
 #include <algorithm>
 
 namespace corvane {
@@ -229,6 +231,18 @@ QString TerminalsView::endedText() const
         return QStringLiteral("The shell could not be started.");
     return status.bySignal ? QStringLiteral("The shell was ended by signal %1.").arg(status.code)
                            : QStringLiteral("The shell ended with code %1.").arg(status.code);
+}
+
+QString TerminalsView::emptyDetail() const
+{
+    return QStringLiteral(
+        "A terminal runs your shell on this computer. Ten at once are fine, and they go on while you are "
+        "elsewhere in Corvane.");
+}
+
+void TerminalsView::openLink(const QString& address) const
+{
+    m_at.desktop.openLink(QUrl(address));
 }
 
 void TerminalsView::enlarge(int steps)

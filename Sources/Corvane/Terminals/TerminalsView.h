@@ -8,6 +8,7 @@
 
 namespace corvane {
 
+class Desktop;
 class UserDefaults;
 
 /// A terminal in the row of tabs.
@@ -27,6 +28,7 @@ public:
 
     QString key() const { return id; }
     bool operator==(const TerminalTab&) const = default;
+    static constexpr const char* role = "tab";
 };
 
 /// The terminal screen: local shells in tabs, one question at a time about them, and the size of their type.
@@ -38,12 +40,19 @@ class TerminalsView : public QObject {
     Q_PROPERTY(QString question READ question NOTIFY questionChanged) ///< empty for none
     Q_PROPERTY(QString questionAction READ questionAction NOTIFY questionChanged)
     Q_PROPERTY(QString questionRefusal READ questionRefusal NOTIFY questionChanged)
+    Q_PROPERTY(bool questionTakesFocus READ questionTakesFocus NOTIFY questionChanged) ///< the person asked for it
     Q_PROPERTY(QString endedText READ endedText NOTIFY changed) ///< about the current one; empty while it runs
     Q_PROPERTY(int fontSize READ fontSize NOTIFY fontSizeChanged) ///< in pixels
+    Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
+    Q_PROPERTY(QString emptyDetail READ emptyDetail CONSTANT)
+    Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
+    Q_PROPERTY(QString restartLabel READ restartLabel CONSTANT)
+    Q_PROPERTY(QString closeLabel READ closeLabel CONSTANT)
 public:
     struct Surroundings {
         Scheduler& scheduler;
         UserDefaults& defaults;
+        Desktop& desktop;
         QString home;
         std::optional<mode_t> umask; ///< of the user's programs; none: that of this process
     };
@@ -76,7 +85,15 @@ public:
     QString questionRefusal() const { return m_question.refusal; }
     Q_INVOKABLE void answer(bool yes);
 
+    bool questionTakesFocus() const { return m_question.subject != Subject::Clipboard; }
+    Q_INVOKABLE void openLink(const QString& address) const; ///< in the desktop's program for it
+
     QString endedText() const;
+    QString emptyTitle() const { return QStringLiteral("No terminal is open"); }
+    QString emptyDetail() const;
+    QString createLabel() const { return QStringLiteral("New terminal"); }
+    QString restartLabel() const { return QStringLiteral("Start again"); }
+    QString closeLabel() const { return QStringLiteral("Close terminal"); }
 
     int fontSize() const { return m_fontSize; }
     Q_INVOKABLE void enlarge(int steps);

@@ -17,6 +17,8 @@ Rectangle {
     signal actedOtherwise
     signal dismissed
 
+    function takeFocus() { (primary.visible ? primary : secondary).forceActiveFocus(Qt.TabFocusReason); }
+
     implicitHeight: row.implicitHeight + Theme.small * 2
     radius: Theme.controlRadius
     color: Theme.raised
@@ -53,6 +55,7 @@ Rectangle {
             Accessible.ignored: true
         }
         Button {
+            id: primary
             visible: banner.action !== ""
             implicitHeight: 26
             kind: "plain"
@@ -60,6 +63,7 @@ Rectangle {
             onClicked: banner.acted()
         }
         Button {
+            id: secondary
             visible: banner.otherAction !== ""
             implicitHeight: 26
             kind: "quiet"

@@ -9,6 +9,7 @@ QtObject {
     readonly property string gate: qsTr("In Approvals")
     readonly property string thread: qsTr("This conversation")
     readonly property string message: qsTr("On a message")
+    readonly property string terminal: qsTr("In a terminal")
 
     readonly property var entries: [
         { section: everywhere, command: "palette", label: qsTr("Search and commands"), keys: "Ctrl+K", sequences: ["Ctrl+K"] },
@@ -45,7 +46,18 @@ QtObject {
         { section: gate, command: "undoApproval", label: qsTr("Undo within five seconds"), keys: "Ctrl+Z" },
         { section: gate, command: "editDraft", label: qsTr("Edit a message"), keys: "F2" },
         { section: gate, command: "reject", label: qsTr("Reject"), keys: "Del" },
-        { section: gate, command: "wholeText", label: qsTr("Show a long text whole"), keys: "Space" }
+        { section: gate, command: "wholeText", label: qsTr("Show a long text whole"), keys: "Space" },
+        { section: terminal, command: "newTerminal", label: qsTr("New terminal"), keys: "Ctrl+Shift+T", sequences: ["Ctrl+Shift+T"] },
+        { section: terminal, command: "closeTerminal", label: qsTr("Close it"), keys: "Ctrl+Shift+W", sequences: ["Ctrl+Shift+W"] },
+        { section: terminal, command: "nextTerminal", label: qsTr("Next terminal"), keys: "Ctrl+PgDown", sequences: ["Ctrl+PgDown", "Ctrl+Tab"] },
+        { section: terminal, command: "previousTerminal", label: qsTr("Previous terminal"), keys: "Ctrl+PgUp", sequences: ["Ctrl+PgUp", "Ctrl+Shift+Tab"] },
+        { section: terminal, command: "findInTerminal", label: qsTr("Find"), keys: "Ctrl+Shift+F", sequences: ["Ctrl+Shift+F"] },
+        { section: terminal, command: "copyFromTerminal", label: qsTr("Copy"), keys: "Ctrl+Shift+C", sequences: ["Ctrl+Shift+C"] },
+        { section: terminal, command: "pasteIntoTerminal", label: qsTr("Paste"), keys: "Ctrl+Shift+V", sequences: ["Ctrl+Shift+V"] },
+        { section: terminal, command: "largerType", label: qsTr("Larger type"), keys: "Ctrl++", sequences: ["Ctrl++", "Ctrl+=", "Ctrl+Shift++"] },
+        { section: terminal, command: "smallerType", label: qsTr("Smaller type"), keys: "Ctrl+-", sequences: ["Ctrl+-"] },
+        { section: terminal, command: "usualType", label: qsTr("Usual type"), keys: "Ctrl+0", sequences: ["Ctrl+0"] },
+        { section: terminal, command: "leaveTerminal", label: qsTr("Out of the terminal"), keys: "Shift+F6" }
     ]
 
     function keysOf(command: string): string {

@@ -15,7 +15,7 @@ Sheet {
         spacing: Theme.huge
 
         Repeater {
-            model: [[Keymap.everywhere], [Keymap.gate, Keymap.list], [Keymap.thread, Keymap.message]]
+            model: [[Keymap.everywhere, Keymap.list], [Keymap.gate, Keymap.terminal], [Keymap.thread, Keymap.message]]
             KeyColumn {
                 required property var modelData
                 width: (columns.width - columns.spacing * 2) / 3

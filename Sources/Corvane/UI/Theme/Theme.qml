@@ -29,6 +29,13 @@ QtObject {
     readonly property color bad: dark ? "#F08379" : "#BF3328"
     readonly property color secret: dark ? "#C9A2F0" : "#7A3AA8" ///< what touches passwords and tokens
 
+    /// The sixteen colours of a terminal. On the surface itself they are darkened or lightened until they read.
+    readonly property var terminal: dark
+        ? ["#24272B", "#F08379", "#5CC492", "#E0A84E", "#86A5FF", "#C9A2F0", "#63C7D8", "#D3D6DB",
+            "#7A808A", "#FF9E94", "#7FDCAE", "#F2C275", "#A9BFFF", "#DABDF8", "#8ADBE8", "#FFFFFF"]
+        : ["#1A1B1E", "#BF3328", "#1C7A4B", "#9A5B00", "#2F5FE0", "#7A3AA8", "#0B7285", "#D5D6D2",
+            "#646970", "#D9483B", "#2B9A63", "#B77400", "#5B82F0", "#9A5BD0", "#1590A8", "#F7F7F5"]
+
     // Spacing
     readonly property int tight: 4
     readonly property int small: 8

@@ -1,0 +1,150 @@
+#pragma once
+
+#include "Terminals/LumoTerminalSession.h"
+#include "UI/Terminals/TerminalPainter.h"
+
+#include <QPointer>
+#include <QQuickItem>
+#include <QtQmlIntegration>
+
+namespace corvane {
+
+/// Draws a terminal and takes its keys, mouse and input method. Rows that changed are painted into pictures on the main
+/// thread; rows that only moved keep theirs. Nothing is done while nothing changes, or while it is not seen.
+class TerminalItem : public QQuickItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(corvane::LumoTerminalSession* session READ session WRITE setSession NOTIFY sessionChanged)
+    Q_PROPERTY(int fontSize READ fontSize WRITE setFontSize NOTIFY fontSizeChanged)
+    /// Sixteen colours, then text, ground and cursor.
+    Q_PROPERTY(QVariantList colors READ colors WRITE setColors NOTIFY colorsChanged)
+    Q_PROPERTY(bool dark READ dark WRITE setDark NOTIFY colorsChanged)
+    Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY colorsChanged)
+    Q_PROPERTY(QColor matchColor MEMBER m_matchColor NOTIFY colorsChanged)
+    Q_PROPERTY(bool cursorOn READ cursorOn WRITE setCursorOn NOTIFY cursorOnChanged) ///< for one that blinks
+    Q_PROPERTY(bool cursorBlinks READ cursorBlinks NOTIFY viewChanged)
+    Q_PROPERTY(qreal scrollSize READ scrollSize NOTIFY viewChanged) ///< the share that is seen, as a scroll bar has it
+    Q_PROPERTY(qreal scrollPosition READ scrollPosition NOTIFY viewChanged)
+    Q_PROPERTY(QString sizeText READ sizeText NOTIFY viewChanged) ///< such as "80 × 24"
+    Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY viewChanged)
+    Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged) ///< where Ctrl and a click lead
+public:
+    explicit TerminalItem(QQuickItem* parent = nullptr);
+    ~TerminalItem() override;
+
+    LumoTerminalSession* session() const { return m_session; }
+    void setSession(LumoTerminalSession* session);
+    int fontSize() const { return m_fontSize; }
+    void setFontSize(int size);
+    const QVariantList& colors() const { return m_colors; }
+    void setColors(const QVariantList& colors);
+    bool dark() const { return m_dark; }
+    void setDark(bool dark);
+    bool cursorOn() const { return m_cursorOn; }
+    void setCursorOn(bool on);
+    bool cursorBlinks() const { return m_snapshot.cursor.blinks && m_snapshot.cursor.visible; }
+    qreal scrollSize() const;
+    qreal scrollPosition() const;
+    QString sizeText() const;
+    bool hasSelection() const { return m_snapshot.selection.has_value(); }
+    QString hoveredLink() const { return m_hoveredLink; }
+
+    Q_INVOKABLE void scrollToPosition(qreal position);
+    Q_INVOKABLE void scrollByPages(int pages);
+    Q_INVOKABLE void scrollToEnd(bool oldest);
+    Q_INVOKABLE void copy() const;
+    Q_INVOKABLE void selectAll();
+    Q_INVOKABLE QString clipboardText() const;
+
+    /// The rows that are shown as text, a line each, and where the cursor stands in it.
+    QString shownText() const;
+    int cursorOffset() const;
+    QRectF cellRect(int row, int column) const; ///< in the item's coordinates
+    QPoint cellAt(QPointF position) const; ///< column and row, within the screen
+
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
+Q_SIGNALS:
+    void sessionChanged();
+    void fontSizeChanged();
+    void colorsChanged();
+    void cursorOnChanged();
+    void viewChanged();
+    void hoveredLinkChanged();
+    void menuRequested(QPointF at);
+    void linkOpened(const QString& address);
+    void pasteRequested(const QString& text);
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseUngrabEvent() override;
+    void hoverMoveEvent(QHoverEvent* event) override;
+    void hoverLeaveEvent(QHoverEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+    void updatePolish() override;
+    QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData*) override;
+
+private:
+    friend class TerminalScene;
+
+    /// A row's picture. Its number stays as long as the row shows the same, wherever it moves.
+    struct Strip {
+        terminal::ShownRow::Key key;
+        uint64_t number = 0;
+        QImage picture;
+    };
+
+    void look(); ///< something may have changed
+    bool isSeen() const;
+    void updateFont();
+    void updateSize();
+    void paintStrips();
+    void applyColors();
+    bool sendKey(const QKeyEvent& event, terminal::KeyAction action);
+    bool sendMouse(QPointF position, terminal::MouseAction action, int button, Qt::KeyboardModifiers modifiers);
+    void select(terminal::SelectionMode mode, QPointF to);
+    void setFocusOfProgram(bool in);
+    void updateHover(QPointF position, Qt::KeyboardModifiers modifiers);
+    void setHover(const QString& link, const QList<QRect>& cells);
+    terminal::Position positionAt(QPointF position) const;
+    void announceText();
+    template <typename Action> void withTerminal(Action action);
+
+    QPointer<LumoTerminalSession> m_session;
+    std::unique_ptr<TerminalPainter> m_painter;
+    int m_fontSize = 14;
+    qreal m_ratio = 1; ///< device pixels for one of the item's
+    QVariantList m_colors;
+    bool m_dark = false;
+    QColor m_selectionColor;
+    QColor m_matchColor;
+    bool m_cursorOn = true;
+    terminal::Snapshot m_snapshot;
+    TerminalLook m_look;
+    std::vector<Strip> m_strips;
+    uint64_t m_lastStrip = 0;
+    QString m_preedit;
+    QString m_announced;
+
+    // Mouse
+    std::optional<terminal::Position> m_pressed; ///< where a selection begins
+    terminal::SelectionMode m_mode = terminal::SelectionMode::Character;
+    ulong m_doubleClickedAt = 0;
+    int m_buttonOfProgram = 0; ///< the press of which the program was told
+    qreal m_wheel = 0;
+    QString m_hoveredLink;
+    QList<QRect> m_hoveredCells; ///< rows of the link, in cells
+};
+
+}

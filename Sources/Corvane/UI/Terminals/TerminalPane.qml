@@ -1,0 +1,165 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The terminal in front, with what is said and asked about it.
+FocusScope {
+    id: pane
+
+    required property TerminalsView screen
+    readonly property alias terminal: terminal
+    readonly property alias notices: notices ///< a pane of its own, where something is said or asked
+
+    /// One thing at a time: the question, then the search.
+    function back() {
+        if (screen.question)
+            screen.answer(false);
+        else if (screen.current && screen.current.search.shown)
+            screen.current.search.shown = false;
+        terminal.forceActiveFocus();
+    }
+
+    FocusScope {
+        id: notices
+        width: parent.width
+        height: visible ? lines.height + Theme.small : 0
+        visible: question.visible || ended.visible
+        onActiveFocusChanged: if (activeFocus) (question.visible ? question : ended).takeFocus()
+
+        Column {
+            id: lines
+            x: Theme.small
+            y: Theme.small
+            width: parent.width - Theme.small * 2
+            spacing: Theme.tight
+
+            Banner {
+                id: question
+                objectName: "terminals.question"
+                width: parent.width
+                visible: text !== ""
+                tone: "warn"
+                text: pane.screen.question
+                action: pane.screen.questionAction
+                otherAction: pane.screen.questionRefusal
+                onActed: {
+                    pane.screen.answer(true);
+                    terminal.forceActiveFocus();
+                }
+                onActedOtherwise: pane.back()
+                onVisibleChanged: if (visible && pane.screen.questionTakesFocus) takeFocus()
+            }
+            Banner {
+                id: ended
+                objectName: "terminals.ended"
+                width: parent.width
+                visible: text !== ""
+                text: pane.screen.endedText
+                action: pane.screen.restartLabel
+                otherAction: pane.screen.closeLabel
+                onActed: pane.screen.restart()
+                onActedOtherwise: pane.screen.closeCurrent()
+                onVisibleChanged: if (visible && terminal.activeFocus) takeFocus()
+            }
+        }
+    }
+    TerminalItem {
+        id: terminal
+        objectName: "terminal"
+        anchors.fill: parent
+        anchors.margins: Theme.small
+        anchors.topMargin: notices.height + Theme.small
+        focus: true
+        session: pane.screen.current
+        fontSize: pane.screen.fontSize
+        colors: [...Theme.terminal, Theme.text, Theme.surface, Theme.accent]
+        dark: Theme.dark
+        selectionColor: Theme.accent
+        matchColor: Theme.warn
+        Accessible.role: Accessible.Terminal
+        onPasteRequested: text => pane.screen.paste(text)
+        onLinkOpened: address => pane.screen.openLink(address)
+        onMenuRequested: at => menu.popup(terminal, at.x, at.y)
+
+        Timer {
+            interval: Math.max(100, Qt.styleHints.cursorFlashTime / 2)
+            repeat: true
+            running: terminal.cursorBlinks && terminal.activeFocus && Qt.styleHints.cursorFlashTime > 0
+            onTriggered: terminal.cursorOn = !terminal.cursorOn
+            onRunningChanged: terminal.cursorOn = true
+        }
+    }
+    ScrollBar {
+        anchors.right: parent.right
+        anchors.top: terminal.top
+        anchors.bottom: terminal.bottom
+        orientation: Qt.Vertical
+        size: terminal.scrollSize
+        position: terminal.scrollPosition
+        active: hovered || pressed || terminal.scrollPosition + terminal.scrollSize < 0.999
+        onPositionChanged: if (pressed) terminal.scrollToPosition(position)
+    }
+    Rectangle {
+        anchors.left: terminal.left
+        anchors.bottom: terminal.bottom
+        width: Math.min(link.implicitWidth + Theme.small * 2, terminal.width)
+        height: 24
+        visible: terminal.hoveredLink !== ""
+        radius: Theme.controlRadius
+        color: Theme.raised
+        Label {
+            id: link
+            anchors.fill: parent
+            anchors.margins: Theme.tight
+            verticalAlignment: Text.AlignVCenter
+            leftPadding: Theme.tight
+            text: terminal.hoveredLink
+            font.pixelSize: Theme.meta
+            elide: Text.ElideMiddle
+        }
+    }
+    Loader {
+        anchors.right: parent.right
+        anchors.top: terminal.top
+        anchors.rightMargin: Theme.large
+        active: pane.screen.current?.search.shown ?? false
+        sourceComponent: TerminalSearchBar {
+            search: pane.screen.current.search
+            onClosed: pane.back()
+        }
+    }
+    Menu {
+        id: menu
+        MenuItem {
+            text: qsTr("Copy")
+            key: Keymap.keysOf("copyFromTerminal")
+            enabled: terminal.hasSelection
+            onTriggered: terminal.copy()
+        }
+        MenuItem {
+            text: qsTr("Paste")
+            key: Keymap.keysOf("pasteIntoTerminal")
+            onTriggered: pane.screen.paste(terminal.clipboardText())
+        }
+        MenuItem {
+            text: qsTr("Select all")
+            onTriggered: terminal.selectAll()
+        }
+        MenuSeparator {}
+        MenuItem {
+            text: qsTr("Find…")
+            key: Keymap.keysOf("findInTerminal")
+            onTriggered: pane.screen.current.search.shown = true
+        }
+        MenuItem {
+            text: pane.screen.createLabel
+            key: Keymap.keysOf("newTerminal")
+            onTriggered: pane.screen.create()
+        }
+        MenuItem {
+            text: pane.screen.closeLabel
+            key: Keymap.keysOf("closeTerminal")
+            onTriggered: pane.screen.closeCurrent()
+        }
+    }
+}

@@ -1,0 +1,239 @@
+#include "UI/Terminals/TerminalScene.h"
+
+#include "UI/Terminals/TerminalItem.h"
+
+#include <QQuickWindow>
+
+namespace corvane {
+
+using namespace terminal;
+
+namespace {
+
+void clear(QSGNode* group)
+{
+    while (QSGNode* const child = group->firstChild()) {
+        group->removeChildNode(child);
+        delete child;
+    }
+}
+
+QColor opaque(Rgb color)
+{
+    return QColor(QRgb(0xff000000 | color));
+}
+
+}
+
+TerminalScene::TerminalScene()
+    : m_ground(new QSGTransformNode)
+    , m_below(new QSGTransformNode)
+    , m_rows(new QSGTransformNode)
+    , m_above(new QSGTransformNode)
+    , m_marks(new QSGTransformNode)
+{
+    // The software renderer knows where children belong that come later only below nodes that have a place themselves.
+    for (QSGNode* group : { m_ground, m_below, m_rows, m_above, m_marks })
+        appendChildNode(group);
+}
+
+TerminalScene::~TerminalScene() = default;
+
+void TerminalScene::update(const TerminalItem& item)
+{
+    if (!m_groundRectangle) {
+        m_groundRectangle = item.window()->createRectangleNode();
+        m_ground->appendChildNode(m_groundRectangle);
+    }
+    m_groundRectangle->setRect(item.boundingRect());
+    m_groundRectangle->setColor(opaque(item.m_look.ground()));
+    updateRows(item);
+    updateImages(item);
+    updateMarks(item);
+}
+
+/// Rows that are still shown keep their nodes; those that are new take over the nodes of rows that are gone.
+void TerminalScene::updateRows(const TerminalItem& item)
+{
+    QHash<uint64_t, QSGImageNode*> kept;
+    for (const TerminalItem::Strip& strip : item.m_strips) {
+        if (QSGImageNode* const node = m_rowNodes.take(strip.number))
+            kept.insert(strip.number, node);
+    }
+    QList<QSGImageNode*> free = m_rowNodes.values();
+    for (size_t i = 0; i < item.m_strips.size(); ++i) {
+        const TerminalItem::Strip& strip = item.m_strips[i];
+        QSGImageNode*& node = kept[strip.number];
+        if (!node) {
+            if (free.isEmpty()) {
+                node = item.window()->createImageNode();
+                node->setOwnsTexture(true);
+                m_rows->appendChildNode(node);
+            } else {
+                node = free.takeLast();
+            }
+            node->setTexture(item.window()->createTextureFromImage(strip.picture));
+            node->setSourceRect(strip.picture.rect());
+        }
+        const QRectF cell = item.cellRect(int(i), 0);
+        node->setRect(QRectF(cell.topLeft(), QSizeF(strip.picture.size()) / item.m_ratio));
+    }
+    for (QSGImageNode* const node : free) {
+        m_rows->removeChildNode(node);
+        delete node;
+    }
+    m_rowNodes = kept;
+}
+
+void TerminalScene::updateImages(const TerminalItem& item)
+{
+    clear(m_below);
+    clear(m_above);
+    const Snapshot& snapshot = item.m_snapshot;
+    std::erase_if(m_textures, [&](const auto& entry) { return !snapshot.images.contains(entry.first); });
+    for (const PlacementView& view : snapshot.placements) {
+        const auto image = snapshot.images.find(view.image);
+        const bool isSeen = view.bottom > snapshot.top && view.top < snapshot.top + int64_t(snapshot.rows.size());
+        if (image == snapshot.images.end() || !isSeen || view.sourceWidth <= 0 || view.sourceHeight <= 0)
+            continue;
+        const ShownImage& shown = image->second;
+        Texture& texture = m_textures[view.image];
+        if (!texture.texture || texture.version != shown.version || texture.frame != shown.frame) {
+            const QImage picture(shown.bitmap.pixels.data(), shown.bitmap.width, shown.bitmap.height,
+                shown.bitmap.width * 4, QImage::Format_RGBA8888);
+            texture = { shown.version, shown.frame,
+                std::unique_ptr<QSGTexture>(item.window()->createTextureFromImage(
+                    picture.convertToFormat(QImage::Format_ARGB32_Premultiplied))) };
+        }
+        QRectF area(item.cellRect(int(view.top - snapshot.top), view.left).topLeft(),
+            item.cellRect(int(view.bottom - snapshot.top), view.right).topLeft());
+        // One that fills its cells but for a rest is shown pixel by pixel.
+        const QSizeF natural = QSizeF(view.sourceWidth, view.sourceHeight) / item.m_ratio;
+        const QSizeF cell = item.cellRect(0, 0).size();
+        const bool fits = natural.width() <= area.width() && natural.width() > area.width() - cell.width()
+            && natural.height() <= area.height() && natural.height() > area.height() - cell.height();
+        if (fits)
+            area.setSize(natural);
+        QSGImageNode* const node = item.window()->createImageNode();
+        node->setTexture(texture.texture.get());
+        node->setSourceRect(view.sourceX, view.sourceY, view.sourceWidth, view.sourceHeight);
+        node->setRect(area);
+        node->setFiltering(fits ? QSGTexture::Nearest : QSGTexture::Linear);
+        (view.z < 0 ? m_below : m_above)->appendChildNode(node);
+    }
+}
+
+void TerminalScene::addRectangle(const TerminalItem& item, QRectF area, QColor color)
+{
+    QSGRectangleNode* const node = item.window()->createRectangleNode();
+    node->setRect(area);
+    node->setColor(color);
+    m_marks->appendChildNode(node);
+}
+
+void TerminalScene::addPicture(const TerminalItem& item, const QImage& picture, QRectF area)
+{
+    QSGImageNode* const node = item.window()->createImageNode();
+    node->setOwnsTexture(true);
+    node->setTexture(item.window()->createTextureFromImage(picture));
+    node->setSourceRect(picture.rect());
+    node->setRect(area);
+    m_marks->appendChildNode(node);
+}
+
+void TerminalScene::updateMarks(const TerminalItem& item)
+{
+    clear(m_marks);
+    const Snapshot& snapshot = item.m_snapshot;
+    const int columns = snapshot.size.columns;
+    const auto rows = int64_t(snapshot.rows.size());
+    // From one place to another, the end included; a block has the same columns in each row.
+    const auto mark = [&](Position first, Position last, bool isBlock, QColor color) {
+        for (int64_t row = std::max(first.row, snapshot.top); row <= std::min(last.row, snapshot.top + rows - 1);
+            ++row) {
+            const int from = isBlock || row == first.row ? first.column : 0;
+            const int to = isBlock || row == last.row ? last.column + 1 : columns;
+            const QRectF begin = item.cellRect(int(row - snapshot.top), from);
+            addRectangle(
+                item, QRectF(begin.x(), begin.y(), begin.width() * std::max(1, to - from), begin.height()), color);
+        }
+    };
+    if (item.m_session && item.m_session->search()->shown()
+        && item.m_session->search()->generation() == snapshot.generation) {
+        const TerminalSearch& search = *item.m_session->search();
+        const auto& matches = search.matches();
+        const auto first = std::ranges::lower_bound(matches, snapshot.top, {}, &SearchMatch::endRow);
+        for (auto match = first; match != matches.end() && match->row < snapshot.top + rows; ++match) {
+            QColor color = item.m_matchColor;
+            const bool isCurrent = search.current() == size_t(match - matches.begin());
+            color.setAlphaF(isCurrent ? 0.6f : 0.25f);
+            mark({ match->row, match->column }, { match->endRow, match->endColumn - 1 }, false, color);
+        }
+    }
+    if (snapshot.selection) {
+        QColor color = item.m_selectionColor;
+        color.setAlphaF(0.35f);
+        mark(snapshot.selection->first, snapshot.selection->last, snapshot.selection->mode == SelectionMode::Block,
+            color);
+    }
+    for (const QRect& cells : item.m_hoveredCells) {
+        const QRectF begin = item.cellRect(cells.y(), cells.x());
+        const qreal thick = item.m_painter->lineWidth() / item.m_ratio;
+        addRectangle(item, { begin.x(), begin.bottom() - thick, begin.width() * cells.width(), thick },
+            opaque(item.m_look.text()));
+    }
+    addCursor(item);
+}
+
+void TerminalScene::addCursor(const TerminalItem& item)
+{
+    const Snapshot& snapshot = item.m_snapshot;
+    const CursorState& cursor = snapshot.cursor;
+    const int64_t row = cursor.row - snapshot.top;
+    if (row >= int64_t(snapshot.rows.size()) || !item.m_session || !item.m_session->isRunning())
+        return;
+    const ShownRow& text = snapshot.rows[size_t(row)];
+    const int scale = text.size == LineSize::Single ? 1 : 2;
+    QRectF area = item.cellRect(int(row), cursor.column * scale);
+    if (!item.m_preedit.isEmpty())
+        return addPreedit(item, area);
+    if (!cursor.visible || (cursor.blinks && !item.m_cursorOn && item.hasActiveFocus()))
+        return;
+    const Rgb color = snapshot.palette.dynamic[size_t(DynamicColor::Cursor)];
+    const bool isWide
+        = cursor.column < int(text.cells.size()) && text.cells[size_t(cursor.column)].part() == Cell::Part::WideHead;
+    area.setWidth(area.width() * scale * (isWide ? 2 : 1));
+    const qreal thick = item.m_painter->lineWidth() / item.m_ratio;
+    if (!item.hasActiveFocus()) {
+        addRectangle(item, { area.x(), area.y(), area.width(), thick }, opaque(color));
+        addRectangle(item, { area.x(), area.bottom() - thick, area.width(), thick }, opaque(color));
+        addRectangle(item, { area.x(), area.y(), thick, area.height() }, opaque(color));
+        addRectangle(item, { area.right() - thick, area.y(), thick, area.height() }, opaque(color));
+        return;
+    }
+    switch (cursor.shape) {
+    case CursorShape::Block:
+        addPicture(item,
+            item.m_painter->underCursor(
+                text, cursor.column, item.m_look, readableOn(color, item.m_look.ground()), color),
+            area);
+        break;
+    case CursorShape::Underline:
+        addRectangle(item, { area.x(), area.bottom() - 2 * thick, area.width(), 2 * thick }, opaque(color));
+        break;
+    case CursorShape::Bar:
+        addRectangle(item, { area.x(), area.y(), 2 * thick, area.height() }, opaque(color));
+        break;
+    }
+}
+
+void TerminalScene::addPreedit(const TerminalItem& item, QRectF at)
+{
+    const QImage picture = item.m_painter->preedit(item.m_preedit, item.m_look);
+    const QSizeF size = QSizeF(picture.size()) / item.m_ratio;
+    // What does not fit to the right of the cursor is shown from further left.
+    const qreal left = std::max(0.0, std::min(at.x(), item.width() - size.width()));
+    addPicture(item, picture, { QPointF(left, at.y()), size });
+}
+
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QHash>
+#include <QSGImageNode>
+#include <QSGRectangleNode>
+#include <memory>
+
+class QQuickWindow;
+
+namespace corvane {
+
+class TerminalItem;
+
+/// The nodes of a terminal in the scene, from below: ground, images under the text, rows, images over it, marks
+/// (selection, matches, links), cursor.
+class TerminalScene : public QSGNode {
+public:
+    TerminalScene();
+    ~TerminalScene() override;
+
+    /// On the thread that draws, while the main thread waits.
+    void update(const TerminalItem& item);
+
+private:
+    void updateRows(const TerminalItem& item);
+    void updateImages(const TerminalItem& item);
+    void updateMarks(const TerminalItem& item);
+    void addCursor(const TerminalItem& item);
+    void addPreedit(const TerminalItem& item, QRectF at);
+    void addRectangle(const TerminalItem& item, QRectF area, QColor color);
+    void addPicture(const TerminalItem& item, const QImage& picture, QRectF area);
+
+    struct Texture {
+        uint64_t version = 0;
+        size_t frame = 0;
+        std::unique_ptr<QSGTexture> texture;
+    };
+
+    QSGNode* m_ground;
+    QSGNode* m_below;
+    QSGNode* m_rows;
+    QSGNode* m_above;
+    QSGNode* m_marks;
+    QSGRectangleNode* m_groundRectangle = nullptr;
+    QHash<uint64_t, QSGImageNode*> m_rowNodes; ///< by the number of the strip
+    std::unordered_map<uint32_t, Texture> m_textures; ///< by the image
+};
+
+}

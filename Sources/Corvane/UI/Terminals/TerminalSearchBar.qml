@@ -1,0 +1,96 @@
+import QtQuick
+import Corvane
+
+/// What is looked for in a terminal, how often it is there, and the way from one place to the next.
+FocusScope {
+    id: bar
+
+    required property TerminalSearch search
+
+    signal closed
+
+    width: row.implicitWidth + Theme.small * 2
+    height: Theme.control + Theme.small * 2
+    Accessible.role: Accessible.ToolBar
+    Accessible.name: qsTr("Find in the terminal")
+    Component.onCompleted: {
+        field.forceActiveFocus();
+        field.selectAll();
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.cardRadius
+        color: Theme.surface
+        border.width: 1
+        border.color: Theme.line
+        Shadow { radius: Theme.cardRadius }
+    }
+    Row {
+        id: row
+        anchors.centerIn: parent
+        spacing: Theme.tight
+
+        TextField {
+            id: field
+            objectName: "terminalSearch.field"
+            width: 260
+            icon: "edit-find"
+            placeholderText: qsTr("Find in the terminal")
+            focus: true
+            text: bar.search.text
+            rightPadding: status.implicitWidth + Theme.medium
+            onTextEdited: bar.search.text = text
+            Keys.onReturnPressed: event => event.modifiers & Qt.ShiftModifier ? bar.search.previous() : bar.search.next()
+            Keys.onEscapePressed: bar.closed()
+
+            Label {
+                id: status
+                objectName: "terminalSearch.status"
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                text: bar.search.status
+                font.pixelSize: Theme.meta
+                color: Theme.soft
+            }
+        }
+        IconButton {
+            icon.name: "go-up"
+            text: qsTr("Older")
+            key: "Return"
+            onClicked: bar.search.next()
+        }
+        IconButton {
+            icon.name: "go-down"
+            text: qsTr("Newer")
+            key: "Shift+Return"
+            onClicked: bar.search.previous()
+        }
+        Button {
+            kind: bar.search.matchCase ? "plain" : "quiet"
+            text: "Aa"
+            hint: qsTr("Match case")
+            checkable: true
+            checked: bar.search.matchCase
+            Accessible.name: hint
+            onToggled: bar.search.matchCase = checked
+        }
+        Button {
+            kind: bar.search.regex ? "plain" : "quiet"
+            text: ".*"
+            hint: qsTr("Regular expression")
+            checkable: true
+            checked: bar.search.regex
+            Accessible.name: hint
+            onToggled: bar.search.regex = checked
+        }
+        IconButton {
+            icon.name: "window-close"
+            iconSize: 14
+            text: qsTr("Close")
+            key: "Esc"
+            onClicked: bar.closed()
+        }
+    }
+}

@@ -1,0 +1,204 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane
+
+/// The row of tabs: one for each terminal, a new one, and what else can be done.
+FocusScope {
+    id: bar
+
+    required property TerminalsView screen
+    property string renamed ///< the id of the one whose name is being typed
+
+    signal leave
+
+    implicitHeight: 36
+    Accessible.role: Accessible.PageTabList
+    Accessible.name: qsTr("Terminals")
+
+    function finishRename(id: string, name: string) {
+        renamed = "";
+        screen.rename(id, name);
+        leave();
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.window
+    }
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+    ListView {
+        id: list
+        anchors.left: parent.left
+        anchors.right: create.left
+        height: parent.height
+        orientation: ListView.Horizontal
+        boundsBehavior: Flickable.StopAtBounds
+        model: bar.screen.tabs
+        clip: true
+        focus: true
+
+        readonly property real tabWidth: Math.max(96, Math.min(220, width / Math.max(1, count)))
+
+        delegate: T.AbstractButton {
+            id: tab
+
+            required property string id
+            required property string title
+            required property bool selected
+            required property bool attention
+            required property bool ended
+
+            objectName: "terminalTab:" + title
+            width: list.tabWidth
+            height: bar.height
+            hoverEnabled: true
+            focus: selected
+            focusPolicy: Qt.TabFocus
+            text: title
+            Accessible.role: Accessible.PageTab
+            Accessible.name: attention ? qsTr("%1, wants attention").arg(title) : ended ? qsTr("%1, ended").arg(title) : title
+            Accessible.selected: selected
+            onClicked: {
+                bar.screen.select(id);
+                bar.leave();
+            }
+            onDoubleClicked: bar.renamed = id
+            Keys.onReturnPressed: clicked()
+            Keys.onLeftPressed: bar.screen.step(-1)
+            Keys.onRightPressed: bar.screen.step(1)
+            Keys.onPressed: event => {
+                if (event.key === Qt.Key_F2)
+                    bar.renamed = id;
+                else if (event.key === Qt.Key_Delete)
+                    bar.screen.close(id);
+                else if (event.key === Qt.Key_Menu)
+                    menu.popup(tab, 0, tab.height);
+                else
+                    return;
+                event.accepted = true;
+            }
+
+            onSelectedChanged: if (selected) list.positionViewAtIndex(list.model ? Positioner.index : 0, ListView.Contain)
+
+            background: Rectangle {
+                color: tab.selected ? Theme.surface : tab.hovered ? Theme.raised : Theme.none
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    width: parent.width
+                    height: 2
+                    visible: tab.selected
+                    color: Theme.accent
+                }
+                Rectangle {
+                    anchors.right: parent.right
+                    y: 8
+                    width: 1
+                    height: parent.height - 16
+                    visible: !tab.selected
+                    color: Theme.line
+                }
+                FocusRing { control: tab; anchors.margins: 2; radius: Theme.controlRadius }
+            }
+            contentItem: Item {
+                Rectangle {
+                    id: dot
+                    x: Theme.medium
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: 6
+                    height: 6
+                    radius: 3
+                    visible: tab.attention
+                    color: Theme.accent
+                }
+                Label {
+                    anchors.left: tab.attention ? dot.right : parent.left
+                    anchors.leftMargin: tab.attention ? Theme.small : Theme.medium
+                    anchors.right: closer.left
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: bar.renamed !== tab.id
+                    text: tab.title
+                    color: tab.ended ? Theme.faint : tab.selected ? Theme.text : Theme.soft
+                    font.strikeout: tab.ended
+                    elide: Text.ElideMiddle
+                    Accessible.ignored: true
+                }
+                Loader {
+                    anchors.left: parent.left
+                    anchors.right: closer.left
+                    anchors.leftMargin: Theme.tight
+                    anchors.verticalCenter: parent.verticalCenter
+                    active: bar.renamed === tab.id
+                    sourceComponent: TextField {
+                        objectName: "terminalTab.name"
+                        implicitHeight: 28
+                        label: ""
+                        placeholderText: tab.title
+                        text: tab.title
+                        onAccepted: bar.finishRename(tab.id, text)
+                        onActiveFocusChanged: if (!activeFocus && bar.renamed === tab.id) bar.renamed = ""
+                        Keys.onEscapePressed: bar.finishRename(tab.id, "")
+                        Component.onCompleted: {
+                            forceActiveFocus();
+                            selectAll();
+                        }
+                    }
+                }
+                IconButton {
+                    id: closer
+                    anchors.right: parent.right
+                    anchors.rightMargin: Theme.tight
+                    anchors.verticalCenter: parent.verticalCenter
+                    opacity: tab.hovered || tab.selected || hovered ? 1 : 0
+                    focusPolicy: Qt.NoFocus
+                    size: 24
+                    iconSize: 12
+                    icon.name: "window-close"
+                    text: qsTr("Close")
+                    key: tab.selected ? Keymap.keysOf("closeTerminal") : ""
+                    onClicked: bar.screen.close(tab.id)
+                }
+            }
+            TapHandler {
+                acceptedButtons: Qt.MiddleButton
+                onTapped: bar.screen.close(tab.id)
+            }
+            TapHandler {
+                acceptedButtons: Qt.RightButton
+                onTapped: menu.popup()
+            }
+            Menu {
+                id: menu
+                MenuItem {
+                    text: qsTr("Rename…")
+                    key: "F2"
+                    onTriggered: bar.renamed = tab.id
+                }
+                MenuItem {
+                    text: qsTr("Close")
+                    key: Keymap.keysOf("closeTerminal")
+                    onTriggered: bar.screen.close(tab.id)
+                }
+            }
+        }
+    }
+    IconButton {
+        id: create
+        objectName: "terminals.new"
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        size: 28
+        icon.name: "list-add"
+        text: bar.screen.createLabel
+        key: Keymap.keysOf("newTerminal")
+        onClicked: {
+            bar.screen.create();
+            bar.leave();
+        }
+    }
+}

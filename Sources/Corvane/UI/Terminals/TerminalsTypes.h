@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Terminals/TerminalsView.h"
+
+#include <QtQml/qqml.h>
+
+namespace corvane::qml {
+
+// The types of the rooms that this module's QML names. The rooms know nothing of QML.
+
+struct TerminalsViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TerminalsView)
+    QML_NAMED_ELEMENT(TerminalsView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct LumoTerminalSessionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::LumoTerminalSession)
+    QML_NAMED_ELEMENT(LumoTerminalSession)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct TerminalSearchType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TerminalSearch)
+    QML_NAMED_ELEMENT(TerminalSearch)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+}
