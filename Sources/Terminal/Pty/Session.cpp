@@ -51,6 +51,12 @@ Session::Access::~Access()
     m_session.sendReplies();
 }
 
+std::unique_lock<std::mutex> Session::lockTerminal()
+{
+    const std::lock_guard turn(m_turn);
+    return std::unique_lock(m_terminalMutex);
+}
+
 void Session::sendReplies()
 {
     const std::string_view replies = m_terminal.replies();
@@ -202,7 +208,7 @@ void Session::parseLoop()
         // Others get their turn at the terminal between pieces.
         constexpr size_t piece = 64 * 1024;
         for (size_t at = 0; at < batch.size(); at += piece) {
-            const std::lock_guard lock(m_terminalMutex);
+            const std::unique_lock lock = lockTerminal();
             m_terminal.feed(std::string_view(batch).substr(at, piece));
             sendReplies();
         }

@@ -37,7 +37,7 @@ public:
     public:
         explicit Access(Session& session)
             : m_session(session)
-            , m_lock(session.m_terminalMutex)
+            , m_lock(session.lockTerminal())
         {
         }
         ~Access();
@@ -68,12 +68,14 @@ private:
     void writeBacklog();
     void sendReplies(); // with the terminal locked
     void wakeReader();
+    std::unique_lock<std::mutex> lockTerminal();
 
     static constexpr size_t maxPending = 1 << 20;
     static constexpr size_t maxBacklog = 4 << 20;
 
     Terminal m_terminal;
     std::mutex m_terminalMutex;
+    std::mutex m_turn; // held while waiting for the terminal, so that a flood leaves others their turn
     SessionTaps m_taps;
     std::optional<Pty> m_pty;
     Descriptor m_wake;
