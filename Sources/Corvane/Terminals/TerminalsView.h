@@ -14,7 +14,7 @@ class UserDefaults;
 /// A terminal in the row of tabs.
 class TerminalTab {
     Q_GADGET
-    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString tabId MEMBER id)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(bool selected MEMBER selected)
     Q_PROPERTY(bool attention MEMBER attention)

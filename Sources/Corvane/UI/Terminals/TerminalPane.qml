@@ -124,7 +124,7 @@ FocusScope {
         anchors.rightMargin: Theme.large
         active: pane.screen.current?.search.shown ?? false
         sourceComponent: TerminalSearchBar {
-            search: pane.screen.current.search
+            search: pane.screen.current?.search ?? null
             onClosed: pane.back()
         }
     }

@@ -38,7 +38,7 @@ FocusScope {
             icon: "edit-find"
             placeholderText: qsTr("Find in the terminal")
             focus: true
-            text: bar.search.text
+            text: bar.search?.text ?? ""
             rightPadding: status.implicitWidth + Theme.medium
             onTextEdited: bar.search.text = text
             Keys.onReturnPressed: event => event.modifiers & Qt.ShiftModifier ? bar.search.previous() : bar.search.next()
@@ -50,7 +50,7 @@ FocusScope {
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                text: bar.search.status
+                text: bar.search?.status ?? ""
                 font.pixelSize: Theme.meta
                 color: Theme.soft
             }
@@ -68,20 +68,20 @@ FocusScope {
             onClicked: bar.search.previous()
         }
         Button {
-            kind: bar.search.matchCase ? "plain" : "quiet"
+            kind: checked ? "plain" : "quiet"
             text: "Aa"
             hint: qsTr("Match case")
             checkable: true
-            checked: bar.search.matchCase
+            checked: bar.search?.matchCase ?? false
             Accessible.name: hint
             onToggled: bar.search.matchCase = checked
         }
         Button {
-            kind: bar.search.regex ? "plain" : "quiet"
+            kind: checked ? "plain" : "quiet"
             text: ".*"
             hint: qsTr("Regular expression")
             checkable: true
-            checked: bar.search.regex
+            checked: bar.search?.regex ?? false
             Accessible.name: hint
             onToggled: bar.search.regex = checked
         }

@@ -47,7 +47,8 @@ FocusScope {
         delegate: T.AbstractButton {
             id: tab
 
-            required property string id
+            required property int index
+            required property string tabId
             required property string title
             required property bool selected
             required property bool attention
@@ -64,18 +65,18 @@ FocusScope {
             Accessible.name: attention ? qsTr("%1, wants attention").arg(title) : ended ? qsTr("%1, ended").arg(title) : title
             Accessible.selected: selected
             onClicked: {
-                bar.screen.select(id);
+                bar.screen.select(tabId);
                 bar.leave();
             }
-            onDoubleClicked: bar.renamed = id
+            onDoubleClicked: bar.renamed = tabId
             Keys.onReturnPressed: clicked()
             Keys.onLeftPressed: bar.screen.step(-1)
             Keys.onRightPressed: bar.screen.step(1)
             Keys.onPressed: event => {
                 if (event.key === Qt.Key_F2)
-                    bar.renamed = id;
+                    bar.renamed = tabId;
                 else if (event.key === Qt.Key_Delete)
-                    bar.screen.close(id);
+                    bar.screen.close(tabId);
                 else if (event.key === Qt.Key_Menu)
                     menu.popup(tab, 0, tab.height);
                 else
@@ -83,7 +84,7 @@ FocusScope {
                 event.accepted = true;
             }
 
-            onSelectedChanged: if (selected) list.positionViewAtIndex(list.model ? Positioner.index : 0, ListView.Contain)
+            onSelectedChanged: if (selected) list.positionViewAtIndex(index, ListView.Contain)
 
             background: Rectangle {
                 color: tab.selected ? Theme.surface : tab.hovered ? Theme.raised : Theme.none
@@ -120,7 +121,7 @@ FocusScope {
                     anchors.leftMargin: tab.attention ? Theme.small : Theme.medium
                     anchors.right: closer.left
                     anchors.verticalCenter: parent.verticalCenter
-                    visible: bar.renamed !== tab.id
+                    visible: bar.renamed !== tab.tabId
                     text: tab.title
                     color: tab.ended ? Theme.faint : tab.selected ? Theme.text : Theme.soft
                     font.strikeout: tab.ended
@@ -132,16 +133,16 @@ FocusScope {
                     anchors.right: closer.left
                     anchors.leftMargin: Theme.tight
                     anchors.verticalCenter: parent.verticalCenter
-                    active: bar.renamed === tab.id
+                    active: bar.renamed === tab.tabId
                     sourceComponent: TextField {
                         objectName: "terminalTab.name"
                         implicitHeight: 28
                         label: ""
                         placeholderText: tab.title
                         text: tab.title
-                        onAccepted: bar.finishRename(tab.id, text)
-                        onActiveFocusChanged: if (!activeFocus && bar.renamed === tab.id) bar.renamed = ""
-                        Keys.onEscapePressed: bar.finishRename(tab.id, "")
+                        onAccepted: bar.finishRename(tab.tabId, text)
+                        onActiveFocusChanged: if (!activeFocus && bar.renamed === tab.tabId) bar.renamed = ""
+                        Keys.onEscapePressed: bar.finishRename(tab.tabId, "")
                         Component.onCompleted: {
                             forceActiveFocus();
                             selectAll();
@@ -160,12 +161,12 @@ FocusScope {
                     icon.name: "window-close"
                     text: qsTr("Close")
                     key: tab.selected ? Keymap.keysOf("closeTerminal") : ""
-                    onClicked: bar.screen.close(tab.id)
+                    onClicked: bar.screen.close(tab.tabId)
                 }
             }
             TapHandler {
                 acceptedButtons: Qt.MiddleButton
-                onTapped: bar.screen.close(tab.id)
+                onTapped: bar.screen.close(tab.tabId)
             }
             TapHandler {
                 acceptedButtons: Qt.RightButton
@@ -176,12 +177,12 @@ FocusScope {
                 MenuItem {
                     text: qsTr("Rename…")
                     key: "F2"
-                    onTriggered: bar.renamed = tab.id
+                    onTriggered: bar.renamed = tab.tabId
                 }
                 MenuItem {
                     text: qsTr("Close")
                     key: Keymap.keysOf("closeTerminal")
-                    onTriggered: bar.screen.close(tab.id)
+                    onTriggered: bar.screen.close(tab.tabId)
                 }
             }
         }
