@@ -54,7 +54,7 @@ QtObject {
         { section: terminal, command: "findInTerminal", label: qsTr("Find"), keys: "Ctrl+Shift+F", sequences: ["Ctrl+Shift+F"] },
         { section: terminal, command: "copyFromTerminal", label: qsTr("Copy"), keys: "Ctrl+Shift+C", sequences: ["Ctrl+Shift+C"] },
         { section: terminal, command: "pasteIntoTerminal", label: qsTr("Paste"), keys: "Ctrl+Shift+V", sequences: ["Ctrl+Shift+V"] },
-        { section: terminal, command: "largerType", label: qsTr("Larger type"), keys: "Ctrl++", sequences: ["Ctrl++", "Ctrl+=", "Ctrl+Shift++"] },
+        { section: terminal, command: "largerType", label: qsTr("Larger type"), keys: "Ctrl++", sequences: ["Ctrl++", "Ctrl+="] },
         { section: terminal, command: "smallerType", label: qsTr("Smaller type"), keys: "Ctrl+-", sequences: ["Ctrl+-"] },
         { section: terminal, command: "usualType", label: qsTr("Usual type"), keys: "Ctrl+0", sequences: ["Ctrl+0"] },
         { section: terminal, command: "leaveTerminal", label: qsTr("Out of the terminal"), keys: "Shift+F6" }
