@@ -19,6 +19,12 @@ FocusScope {
         terminal.forceActiveFocus();
     }
 
+    /// What came unasked leaves the keyboard where it is.
+    function turnToQuestion() {
+        if (question.visible && screen.questionTakesFocus)
+            question.takeFocus();
+    }
+
     FocusScope {
         id: notices
         width: parent.width
@@ -47,7 +53,7 @@ FocusScope {
                     terminal.forceActiveFocus();
                 }
                 onActedOtherwise: pane.back()
-                onVisibleChanged: if (visible && pane.screen.questionTakesFocus) takeFocus()
+                onVisibleChanged: if (visible) Qt.callLater(pane.turnToQuestion)
             }
             Banner {
                 id: ended
@@ -59,7 +65,7 @@ FocusScope {
                 otherAction: pane.screen.closeLabel
                 onActed: pane.screen.restart()
                 onActedOtherwise: pane.screen.closeCurrent()
-                onVisibleChanged: if (visible && terminal.activeFocus) takeFocus()
+                onVisibleChanged: if (visible && terminal.activeFocus) Qt.callLater(takeFocus)
             }
         }
     }
