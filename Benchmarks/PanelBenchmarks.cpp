@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
 #include "Store/Core/LocalDB.h"
 #include "UI/PanelWindow.h"
 
