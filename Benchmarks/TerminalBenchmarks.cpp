@@ -83,7 +83,8 @@ void inWindow(benchmark::State& state)
     SystemScheduler scheduler;
     QQuickWindow window;
     window.resize(200 * 8 + 4, 50 * 17 + 4);
-    TerminalItem item(window.contentItem());
+    TerminalItem item;
+    item.setParentItem(window.contentItem());
     item.setSize(window.size());
     window.show();
     QElapsedTimer frame;
