@@ -53,14 +53,16 @@ function codesOf(error: unknown): string {
   return [code, cause ? codesOf(cause) : "", inner ? codesOf(inner) : ""].join(" ");
 }
 
-/** Opens a file of the provider's. `headers` go to that address alone. Throws where it is not there. */
+/** Opens a file of the provider's. `headers` go to that address alone, not to where it may lead. Throws where the file is
+ *  not there. */
 export async function openFile(address: string, provider: string, headers: Record<string, string> = {}): Promise<Readable> {
-  const redirect = Object.keys(headers).length > 0 ? "manual" : "follow";
-  const response = await fetch(address, { headers, redirect, signal: stopping }).catch((error: unknown) => {
+  const response = await fetch(address, { headers, redirect: "manual", signal: stopping }).catch((error: unknown) => {
     throw networkError(error, provider);
   });
   const target = response.headers.get("location");
-  if (response.status >= 300 && response.status < 400 && target) return openFile(new URL(target, address).href, provider);
+  if (response.status >= 300 && response.status < 400 && target) {
+    return openFile(new URL(target, address).href, provider);
+  }
   if (!response.ok || !response.body) throw new Error(`${provider} does not give this file (${response.status}).`);
   return Readable.fromWeb(response.body as ReadableStream);
 }
