@@ -74,6 +74,11 @@ test("answers are bounded, and a wrong call is told what is wrong", async (t) =>
   assert.ok(words.length < 70_000 && data.more && data.rows.length > 5);
   assert.match(data.rows.at(-1).text, /… \(5000 more characters\)$/);
 
+  for (let i = 0; i < 20; ++i)
+    profile.db.exec(`INSERT INTO contact_note(id,workspace_id,contact_id,body) VALUES('n${i}','w1','ct:ana',hex(zeroblob(4500)));
+      INSERT INTO work_memory_entries(id,scope,body) VALUES('e${i}','contact:ct:ana',hex(zeroblob(4500)))`);
+  assert.ok((await ask(client, "inbox_person", { contact: "ct:ana" })).words.length < 70_000);
+
   assert.match((await ask(client, "inbox_list", { limit: 1000 })).words, /limit/);
   assert.match((await ask(client, "inbox_list", { path: "/etc/passwd" })).words, /path/);
   assert.match((await ask(client, "inbox_send")).words, /There is no tool inbox_send/);

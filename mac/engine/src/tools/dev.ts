@@ -55,7 +55,7 @@ export const devTools = [
         `SELECT id, item_id AS item, kind, title, source, uri, summary, created_at FROM work_evidence
          WHERE ${inModule} ORDER BY created_at DESC LIMIT ?3`, ...at,
       );
-      return { messages: page(messages, limit), evidence: page(evidence, limit) };
+      return { messages: page(messages, limit, 2), evidence: page(evidence, limit, 2) };
     },
   }),
   tool({
@@ -73,7 +73,7 @@ export const devTools = [
         `SELECT id, name, tool, role, status, current_task, session_id AS session, heartbeat_at FROM work_agent
          WHERE ${inModule} ORDER BY updated_at DESC LIMIT ?3`, ...at,
       );
-      return { sessions: page(sessions, limit), agents: page(agents, limit) };
+      return { sessions: page(sessions, limit, 2), agents: page(agents, limit, 2) };
     },
   }),
   tool({

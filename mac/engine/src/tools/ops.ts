@@ -44,13 +44,13 @@ export const opsTools = [
              FROM message a LEFT JOIN project p ON p.id=a.project_id
              WHERE a.status='pending' AND (?1='' OR a.project_id=?1) AND (?2='' OR a.to_tab_id=?2)
              ORDER BY a.ts LIMIT 31`, id, tab,
-          ), 30,
+          ), 30, 4,
         ),
-        open_asks: page(db.rows(`${askColumns} WHERE a.status='open' AND ${mine} ${askOrder} LIMIT 31`, id, tab), 30),
-        answers: page(db.rows(`${askColumns} WHERE a.status='answered' AND ${mine} ${askOrder} LIMIT 11`, id, tab), 10),
+        open_asks: page(db.rows(`${askColumns} WHERE a.status='open' AND ${mine} ${askOrder} LIMIT 31`, id, tab), 30, 4),
+        answers: page(db.rows(`${askColumns} WHERE a.status='answered' AND ${mine} ${askOrder} LIMIT 11`, id, tab), 10, 4),
         waiting_decisions: page(
           db.rows(`SELECT id, module, title, risk, updated_at FROM work_decision WHERE status='proposed'
-            ORDER BY updated_at DESC LIMIT 11`), 10,
+            ORDER BY updated_at DESC LIMIT 11`), 10, 4,
         ),
       };
     },

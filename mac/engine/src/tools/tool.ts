@@ -68,14 +68,14 @@ export interface Page {
   more: boolean;
 }
 
-/** Asked for one row more than `limit`, the rows tell whether there are more. */
-export function page(rows: Row[], limit: number): Page {
+/** Asked for one row more than `limit`, the rows tell whether there are more. An answer has room for all its `lists`. */
+export function page(rows: Row[], limit: number, lists = 1): Page {
   const kept: Row[] = [];
   let length = 0;
   for (const row of rows.slice(0, limit)) {
     const clipped = clip(row);
     length += JSON.stringify(clipped).length;
-    if (length > longestAnswer && kept.length > 0) break;
+    if (length > longestAnswer / lists && kept.length > 0) break;
     kept.push(clipped);
   }
   return { rows: kept, more: rows.length > kept.length };
