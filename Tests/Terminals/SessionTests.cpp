@@ -62,8 +62,9 @@ TEST_F(Terminals, theInitialCommandIsTypedOnceTheShellIsThere)
     clock.advance(Milliseconds(1));
     EXPECT_TRUE(awaitText(*session, u"echo hello"_s));
 
+    const auto timers = clock.pendingTimers();
     make(u"  "_s)->view({ 60, 10 });
-    EXPECT_EQ(clock.pendingTimers(), 0);
+    EXPECT_EQ(clock.pendingTimers(), timers);
     const auto closed = make(u"date"_s);
     closed->view({ 60, 10 });
     closed->terminate();

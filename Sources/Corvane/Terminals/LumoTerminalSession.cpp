@@ -7,6 +7,9 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds initialCommandDelay { 350 };
+constexpr Milliseconds quietBeforePacking { 10'000 };
+constexpr Milliseconds pauseOfPacking { 50 };
+constexpr size_t pagesAtOnce = 4;
 constexpr size_t historyLines = 100'000;
 constexpr size_t historyBytes = 64 << 20;
 
@@ -109,6 +112,7 @@ void LumoTerminalSession::terminate()
 {
     m_initialCommandTimer.reset();
     m_tick.reset();
+    m_packing.reset();
     if (!m_exit)
         m_exit = terminal::ExitStatus { true, 1 };
     m_terminal.reset();
@@ -178,18 +182,25 @@ void LumoTerminalSession::deliver()
     m_attention |= requests.bell;
     if (requests.directory)
         m_shellDirectory = *requests.directory;
-    if (requests.pointerShape)
-        m_pointerShape = *requests.pointerShape;
     if (requests.title)
         m_shellTitle = *requests.title;
     if (requests.title || requests.bell)
         Q_EMIT labelChanged();
-    Q_EMIT requested(requests);
+    if (requests.clipboard)
+        Q_EMIT clipboardRequested(*requests.clipboard);
     Q_EMIT changed();
+    m_packing = m_scheduler.after(quietBeforePacking, [this] { packHistory(); });
     if (m_childEnded && !m_exit) {
         m_exit = m_terminal->exitStatus();
         Q_EMIT ended();
     }
+}
+
+/// The history of a terminal that rests takes less memory, a little of it at a time.
+void LumoTerminalSession::packHistory()
+{
+    if (m_terminal && m_terminal->terminal()->compressHistory(pagesAtOnce))
+        m_packing = m_scheduler.after(pauseOfPacking, [this] { packHistory(); });
 }
 
 }

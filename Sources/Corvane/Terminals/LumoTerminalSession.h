@@ -16,7 +16,6 @@ namespace corvane {
 class LumoTerminalSession : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label NOTIFY labelChanged)
-    Q_PROPERTY(QString pointerShape READ pointerShape NOTIFY requested)
     Q_PROPERTY(corvane::TerminalSearch* search READ search CONSTANT)
 public:
     struct Options {
@@ -63,7 +62,6 @@ public:
     int64_t scrollTop() const { return m_scrollTop; }
     void scrollTo(int64_t top);
 
-    QString pointerShape() const { return m_pointerShape; }
     TerminalSearch* search() { return &m_search; }
     bool attention() const { return m_attention; } ///< the bell rang since somebody looked
     void clearAttention();
@@ -71,13 +69,14 @@ public:
 Q_SIGNALS:
     void changed(); ///< there may be something new to show
     void labelChanged();
-    void requested(const corvane::TerminalRequests& requests);
+    void clipboardRequested(const QString& text); ///< a program wants it on the clipboard
     void ended(); ///< the shell has ended, or could not be started
 
 private:
     void start(terminal::Size size);
     void post(); ///< on any thread
     void deliver();
+    void packHistory();
 
     const QString m_id;
     Options m_options;
@@ -88,7 +87,6 @@ private:
     QString m_name;
     QString m_shellTitle;
     QString m_shellDirectory;
-    QString m_pointerShape;
     terminal::PaletteState m_colors = terminal::Palette().initial;
     bool m_dark = true;
     bool m_attention = false;
@@ -97,6 +95,7 @@ private:
     TerminalSearch m_search;
     std::unique_ptr<Timer> m_initialCommandTimer;
     std::unique_ptr<Timer> m_tick;
+    std::unique_ptr<Timer> m_packing;
     std::atomic<bool> m_posted = false;
     std::atomic<bool> m_childEnded = false;
     std::optional<terminal::ExitStatus> m_exit;

@@ -51,16 +51,4 @@ void TerminalEvents::notification(const terminal::Notification&)
     bell();
 }
 
-void TerminalEvents::progress(terminal::ProgressState state, int percent)
-{
-    const std::lock_guard lock(m_lock);
-    m_requests.progress = state == terminal::ProgressState::None ? -1 : percent;
-}
-
-void TerminalEvents::pointerShape(std::string_view shape)
-{
-    const std::lock_guard lock(m_lock);
-    m_requests.pointerShape = text(shape);
-}
-
 }

@@ -14,8 +14,6 @@ struct TerminalRequests {
     std::optional<QString> title;
     std::optional<QString> directory; ///< a path
     std::optional<QString> clipboard; ///< text that it wants on the clipboard
-    std::optional<QString> pointerShape; ///< a name of CSS
-    std::optional<int> progress; ///< percent; -1 for none
     bool bell = false;
 };
 
@@ -29,8 +27,6 @@ public:
     void directoryChanged(std::string_view address) override;
     void clipboardWrite(std::string_view selection, std::string_view data) override;
     void notification(const terminal::Notification& notification) override;
-    void progress(terminal::ProgressState state, int percent) override;
-    void pointerShape(std::string_view shape) override;
 
 private:
     std::mutex m_lock;

@@ -87,7 +87,7 @@ bool endsInPasswordPrompt(const QString& text)
     // Stars may stand for what was typed so far.
     static const QRegularExpression prompt(
         QStringLiteral(R"((?i)\b(pass(word|phrase|code|wort)|passwd|pin|secret|token|verification code)\b)"
-                       R"([^\n]{0,80}[:?][ \t]*[*•]*$)"));
+                       R"([^\n]{0,80}[:?][ \t]*[*•]*\z)"));
     return prompt.match(text).hasMatch();
 }
 

@@ -64,13 +64,13 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
         = **m_sessions.insert(place, std::make_unique<LumoTerminalSession>(std::move(options), m_at.scheduler));
     connect(&session, &LumoTerminalSession::labelChanged, this, &TerminalsView::refresh);
     connect(&session, &LumoTerminalSession::ended, this, [this, &session] { sessionEnded(session); });
-    connect(&session, &LumoTerminalSession::requested, this, [this, &session](const TerminalRequests& requests) {
-        if (!requests.clipboard || requests.clipboard->size() > largestClipboard)
+    connect(&session, &LumoTerminalSession::clipboardRequested, this, [this, &session](const QString& text) {
+        // A program must not put its question in the place of one that is about to be answered.
+        if (!m_question.text.isEmpty() || text.size() > largestClipboard)
             return;
         ask({ Subject::Clipboard,
-            QStringLiteral("A program in %1 wants to put this on the clipboard: %2")
-                .arg(session.label(), quoted(*requests.clipboard)),
-            QStringLiteral("Allow"), QStringLiteral("Refuse"), &session, *requests.clipboard });
+            QStringLiteral("A program in %1 wants to put this on the clipboard: %2").arg(session.label(), quoted(text)),
+            QStringLiteral("Allow"), QStringLiteral("Refuse"), &session, text });
     });
     select(session.id());
     return session;

@@ -218,11 +218,6 @@ qreal TerminalItem::scrollPosition() const
                      : (qreal(m_snapshot.historyRows) + qreal(m_snapshot.top)) / (rows + qreal(m_snapshot.historyRows));
 }
 
-QString TerminalItem::sizeText() const
-{
-    return QStringLiteral("%1 × %2").arg(m_snapshot.size.columns).arg(m_snapshot.size.rows);
-}
-
 void TerminalItem::scrollToPosition(qreal position)
 {
     const auto all = qreal(m_snapshot.rows.size() + m_snapshot.historyRows);

@@ -25,7 +25,6 @@ class TerminalItem : public QQuickItem {
     Q_PROPERTY(bool cursorBlinks READ cursorBlinks NOTIFY viewChanged)
     Q_PROPERTY(qreal scrollSize READ scrollSize NOTIFY viewChanged) ///< the share that is seen, as a scroll bar has it
     Q_PROPERTY(qreal scrollPosition READ scrollPosition NOTIFY viewChanged)
-    Q_PROPERTY(QString sizeText READ sizeText NOTIFY viewChanged) ///< such as "80 × 24"
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY viewChanged)
     Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged) ///< where Ctrl and a click lead
 public:
@@ -45,7 +44,6 @@ public:
     bool cursorBlinks() const { return m_snapshot.cursor.blinks && m_snapshot.cursor.visible; }
     qreal scrollSize() const;
     qreal scrollPosition() const;
-    QString sizeText() const;
     bool hasSelection() const { return m_snapshot.selection.has_value(); }
     QString hoveredLink() const { return m_hoveredLink; }
 

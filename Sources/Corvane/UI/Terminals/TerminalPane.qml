@@ -19,6 +19,13 @@ FocusScope {
         terminal.forceActiveFocus();
     }
 
+    function find() {
+        if (!screen.current)
+            return;
+        screen.current.search.shown = true;
+        searchBar.item?.forceActiveFocus();
+    }
+
     /// What came unasked leaves the keyboard where it is.
     function turnToQuestion() {
         if (question.visible && screen.questionTakesFocus)
@@ -125,6 +132,7 @@ FocusScope {
         }
     }
     Loader {
+        id: searchBar
         anchors.right: parent.right
         anchors.top: terminal.top
         anchors.rightMargin: Theme.large
@@ -155,7 +163,7 @@ FocusScope {
         MenuItem {
             text: qsTr("Find…")
             key: Keymap.keysOf("findInTerminal")
-            onTriggered: pane.screen.current.search.shown = true
+            onTriggered: pane.find()
         }
         MenuItem {
             text: pane.screen.createLabel

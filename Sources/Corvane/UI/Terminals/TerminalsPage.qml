@@ -24,8 +24,7 @@ Page {
             screen.step(-1);
             break;
         case "findInTerminal":
-            if (screen.current)
-                screen.current.search.shown = true;
+            pane.find();
             break;
         case "copyFromTerminal":
             pane.terminal.copy();
