@@ -17,8 +17,14 @@ export interface Post {
 }
 
 /** Shared by the tests of a file; each has a mailbox and a state of its own. */
-export const servers: MailServers = await startMailServers(temporaryFolder(after));
-after(() => servers.stop());
+export const servers: MailServers = await startedServers();
+
+/** They stop before their folder goes. */
+async function startedServers(): Promise<MailServers> {
+  let started: MailServers | undefined;
+  after(() => started?.stop());
+  return (started = await startMailServers(temporaryFolder(after)));
+}
 
 let mailboxes = 0;
 

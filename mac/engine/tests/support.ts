@@ -10,6 +10,9 @@ export type Event = Record<string, unknown> & { type: string };
 
 const flags = ["--max-old-space-size=128", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings"];
 
+/** In milliseconds; long enough for a machine that does other things as well. */
+const patience = 90_000;
+
 const children = new Map<ChildProcess, string>();
 
 /** A folder that goes with its test, and so does every child whose environment lies in it. */
@@ -18,7 +21,7 @@ export function temporaryFolder(after: (fn: () => void) => void): string {
   chmodSync(folder, 0o755);
   after(() => {
     for (const [child, environment] of children) if (environment.includes(folder)) child.kill("SIGKILL");
-    rmSync(folder, { recursive: true, force: true });
+    rmSync(folder, { recursive: true, force: true, maxRetries: 20 }); // a child may still write
   });
   return folder;
 }
@@ -83,7 +86,7 @@ export class EngineProcess {
     return this.#events;
   }
 
-  /** The first event that `fits`, said already or within 20 seconds. */
+  /** The first event that `fits`, said already or within `patience`. */
   async event(fits: (event: Event) => boolean, from = 0): Promise<Event> {
     return (await this.until((events) => events.slice(from).some(fits))).slice(from).find(fits) as Event;
   }
@@ -94,12 +97,12 @@ export class EngineProcess {
       isLate = true;
       this.#wake();
     };
-    const deadline = setTimeout(late, 20_000);
+    const deadline = setTimeout(late, patience);
     try {
       for (;;) {
         if (enough(this.#events)) return this.#events;
         const last = JSON.stringify(this.#events.slice(-3));
-        if (isLate) throw new Error(`nothing came in 20 seconds; the last lines were ${last}`);
+        if (isLate) throw new Error(`nothing came in ${patience / 1000} seconds; the last lines were ${last}`);
         if (this.child.exitCode !== null || this.child.signalCode) throw new Error(`the engine ended with ${this.child.exitCode}: ${last}`);
         await new Promise<void>((resolve) => this.#waiting.push(resolve));
       }
