@@ -229,6 +229,7 @@ TEST_F(Supervisor, aResetStopsTheEngineAndDeletesItsStateFolder)
     const QString state = u".whatsapp-baileys/shop/creds.json"_s;
     world.home.write(state, "{}");
     world.home.write(u".whatsapp-baileys/other/creds.json"_s, "{}");
+    world.home.write(u"share/Corvane/engines/shop/state.sqlite"_s, "x");
     startShop();
     report({ { u"type"_s, u"log"_s }, { u"msg"_s, u"kept"_s } });
     report({ { u"type"_s, u"mcp"_s }, { u"state"_s, u"listening"_s }, { u"url"_s, u"http://x"_s } });
@@ -237,6 +238,7 @@ TEST_F(Supervisor, aResetStopsTheEngineAndDeletesItsStateFolder)
     EXPECT_TRUE(world.launcher.last().terminated);
     EXPECT_EQ(runtime(), (RuntimeState { WAStatus::Stopped, {}, {}, u"http://x"_s, u"kept"_s }));
     EXPECT_FALSE(QFile::exists(world.home.path(u".whatsapp-baileys/shop"_s)));
+    EXPECT_FALSE(QFile::exists(world.home.path(u"share/Corvane/engines/shop"_s)));
     EXPECT_TRUE(QFile::exists(world.home.path(u".whatsapp-baileys/other/creds.json"_s)));
 
     for (const QString& slug : { QString(), u".."_s, u"../.whatsapp-baileys/other"_s, u"."_s })

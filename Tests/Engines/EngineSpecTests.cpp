@@ -97,6 +97,8 @@ TEST_F(EngineSpecTest, anEngineIsNodeWithCappedHeapAndTheScriptsWholePath)
     EXPECT_EQ(environment.value(u"LOG_LEVEL"_s), u"info"_s);
     EXPECT_EQ(environment.value(u"WHATSAPP_ACCOUNT_NAME"_s), u"shop"_s);
     EXPECT_EQ(environment.value(u"CORVANE_SOMETHING"_s), u"inherited"_s);
+    EXPECT_EQ(environment.value(u"CORVANE_ACCOUNT"_s), u"shop"_s);
+    EXPECT_EQ(environment.value(u"CORVANE_STATE_DIR"_s), memoryFolder(world.home.paths(), unknown));
     EXPECT_FALSE(environment.contains(u"MCP_HTTP_PORT"_s));
 
     setVariable("PATH", QByteArray());

@@ -160,8 +160,10 @@ void EngineManager::stopAll()
 void EngineManager::resetAuth(const Account& account)
 {
     stop(account);
-    if (const auto folder = stateFolder(m_state->paths, account))
-        removeFolder(*folder);
+    for (const auto& folder : { stateFolder(m_state->paths, account), memoryFolder(m_state->paths, account) }) {
+        if (folder)
+            removeFolder(*folder);
+    }
     RuntimeState state = runtime(account.id);
     state.status = WAStatus::Stopped;
     state.qr.reset();

@@ -24,6 +24,12 @@ QString markOf(const AppPaths& paths, const Account& account)
     return paths.applicationSupport + u':' + account.slug;
 }
 
+/// Folders of an account are deleted at a reset: a slug edited by hand must not lead anywhere else.
+bool isFolderName(const QString& slug)
+{
+    return !slug.isEmpty() && !slug.startsWith(u'.') && !slug.contains(u'/');
+}
+
 bool isExecutableFile(const QString& path)
 {
     const QFileInfo file(path);
@@ -191,10 +197,16 @@ QString nodePath(const QString& engineDir)
     return found == candidates.end() ? envExecutable : *found;
 }
 
+std::optional<QString> memoryFolder(const AppPaths& paths, const Account& account)
+{
+    if (!isFolderName(account.slug))
+        return std::nullopt;
+    return paths.applicationSupport + QStringLiteral("/engines/") + account.slug;
+}
+
 std::optional<QString> stateFolder(const AppPaths& paths, const Account& account)
 {
-    // The folder is deleted at a reset: a slug edited by hand must not lead anywhere else.
-    if (account.slug.isEmpty() || account.slug.startsWith(u'.') || account.slug.contains(u'/'))
+    if (!isFolderName(account.slug))
         return std::nullopt;
     const auto named = [&](const QString& folder) {
         return paths.home + folder + account.slug;
@@ -237,6 +249,9 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
     spec.environment.insert(QStringLiteral("LOG_LEVEL"), QStringLiteral("info"));
     if (const auto folder = mediaFolder(paths, account))
         spec.environment.insert(QStringLiteral("CORVANE_MEDIA_DIR"), *folder);
+    spec.environment.insert(QStringLiteral("CORVANE_ACCOUNT"), account.slug);
+    if (const auto folder = memoryFolder(paths, account))
+        spec.environment.insert(QStringLiteral("CORVANE_STATE_DIR"), *folder);
     spec.environment.insert(markVariable, markOf(paths, account));
     insertChannelVariables(spec.environment, paths, keychain, account);
     spec.environment.remove(QStringLiteral("MCP_HTTP_PORT")); // an engine opens no tool port of its own

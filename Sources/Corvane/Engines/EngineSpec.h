@@ -17,6 +17,9 @@ QString nodePath(const QString& engineDir);
 /// Where the account's engine keeps its sign-in; nothing where the slug is no plain folder name.
 std::optional<QString> stateFolder(const AppPaths& paths, const Account& account);
 
+/// Where the account's engine keeps what it remembers; nothing where the slug is no plain folder name.
+std::optional<QString> memoryFolder(const AppPaths& paths, const Account& account);
+
 /// Whether an account of that channel keeps a secret of its own.
 bool keepsSecret(Channel channel);
 

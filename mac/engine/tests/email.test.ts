@@ -32,7 +32,7 @@ test("the connect sheet finds the servers and tries the password", async () => {
 });
 
 test("a mailbox is mirrored once, and what comes later is new", async () => {
-  const { put, start, imap, me } = openPost();
+  const { put, start, imap, me, folder } = openPost();
   await put("Plan", "Yes!\r\n\r\nOn Mon, 1 Nov 2026, Hola <hola@x.org> wrote:\r\n> When?");
   await put("Round", "All", ["To: Ben <BEN@example.org>, " + me, "Cc: carla@example.org"]);
   await put("List", "Hi", ["Reply-To: Desk <desk@example.org>", "Subject: =?utf-8?q?Gr=C3=BC=C3=9Fe?="]);
@@ -71,6 +71,11 @@ test("a mailbox is mirrored once, and what comes later is new", async () => {
   await again.until((said) => withSubject(said, "Overnight").length > 0);
   assert.deepEqual(messages(await again.end()).map(({ subject, historical }) => [subject, historical]), [["Overnight", undefined]]);
   await client.logout();
+
+  writeFileSync(join(folder, "state", "retell"), "");
+  const anew = start();
+  await anew.until((said) => messages(said).length >= 9);
+  assert.ok(messages(await anew.end()).every(({ historical }) => historical));
 });
 
 const page = [

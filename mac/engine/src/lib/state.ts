@@ -6,11 +6,21 @@ import { DatabaseSync } from "node:sqlite";
 import { log } from "./wire.ts";
 
 /** Opens the state with the channel's own tables (CREATE TABLE IF NOT EXISTS ...). A commit is on the disk when it
- *  returns. Throws where another engine of the account has it; a damaged file is set aside and begun anew. */
-export function openState(folder: string, tables: string): DatabaseSync {
+ *  returns. Throws where another engine of the account has it; a damaged file is set aside and begun anew. `cursors`
+ *  are the tables that say how far the history is told: they are emptied where Corvane asks for it anew. */
+export function openState(folder: string, tables: string, cursors: string[] = []): DatabaseSync {
   mkdirSync(folder, { recursive: true, mode: 0o700 });
   chmodSync(folder, 0o700);
-  const file = join(folder, "state.sqlite");
+  const db = openedOrAnew(join(folder, "state.sqlite"), tables);
+  const retell = join(folder, "retell");
+  if (existsSync(retell)) {
+    transaction(db, () => cursors.forEach((table) => db.exec(`DELETE FROM ${table}`)));
+    rmSync(retell);
+  }
+  return db;
+}
+
+function openedOrAnew(file: string, tables: string): DatabaseSync {
   try {
     return opened(file, tables);
   } catch (error) {
