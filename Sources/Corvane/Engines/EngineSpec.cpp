@@ -2,9 +2,11 @@
 
 #include "Engines/MediaPlaces.h"
 #include "Foundation/Json.h"
+#include "Foundation/Log.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSysInfo>
 #include <cstring>
@@ -22,6 +24,11 @@ constexpr int envFoundNothing = 127;
 QString markOf(const AppPaths& paths, const Account& account)
 {
     return paths.applicationSupport + u':' + account.slug;
+}
+
+QString memoriesFolder(const AppPaths& paths)
+{
+    return paths.applicationSupport + QStringLiteral("/engines");
 }
 
 /// Folders of an account are deleted at a reset: a slug edited by hand must not lead anywhere else.
@@ -201,7 +208,17 @@ std::optional<QString> memoryFolder(const AppPaths& paths, const Account& accoun
 {
     if (!isFolderName(account.slug))
         return std::nullopt;
-    return paths.applicationSupport + QStringLiteral("/engines/") + account.slug;
+    return memoriesFolder(paths) + u'/' + account.slug;
+}
+
+void askToRetell(const AppPaths& paths)
+{
+    const QDir memories(memoriesFolder(paths));
+    for (const QString& slug : memories.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile mark(memories.filePath(slug + QStringLiteral("/retell")));
+        if (!mark.open(QIODevice::WriteOnly))
+            log(QStringLiteral("The engine of %1 cannot be asked to retell: %2").arg(slug, mark.errorString()));
+    }
 }
 
 std::optional<QString> stateFolder(const AppPaths& paths, const Account& account)

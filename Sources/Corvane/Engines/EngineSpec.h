@@ -20,6 +20,9 @@ std::optional<QString> stateFolder(const AppPaths& paths, const Account& account
 /// Where the account's engine keeps what it remembers; nothing where the slug is no plain folder name.
 std::optional<QString> memoryFolder(const AppPaths& paths, const Account& account);
 
+/// Asks every engine to tell its history anew at its next start, since the database may have lost some of it.
+void askToRetell(const AppPaths& paths);
+
 /// Whether an account of that channel keeps a secret of its own.
 bool keepsSecret(Channel channel);
 

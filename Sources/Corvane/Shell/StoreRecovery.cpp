@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/EngineSpec.h"
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/Log.h"
 #include "Foundation/NotificationCentre.h"
@@ -199,6 +200,7 @@ void StoreRecovery::putInPlace()
     if (!m_at.engine.db().reopen())
         return set(Step::Choosing, QStringLiteral("The new file cannot be opened."));
     set(Step::None);
+    askToRetell(m_at.paths);
     Q_EMIT recovered();
     for (const QString& slug : std::exchange(m_stopped, {})) {
         if (const auto account = m_at.accounts.findBySlug(slug))
