@@ -36,7 +36,7 @@ export class StandIn {
       for (const [ending, wake] of this.#waiting) if (call.path.endsWith(ending)) wake();
       const answer = await route(call);
       if (!answer) return void request.socket.destroy();
-      response.writeHead(answer.status ?? 200, { "content-type": "application/json", ...answer.headers });
+      response.writeHead(answer.status ?? 200, { ...(answer.json !== undefined && { "content-type": "application/json" }), ...answer.headers });
       response.end(answer.raw ?? JSON.stringify(answer.json));
     });
     this.#sockets = new WebSocketServer({ server: this.#server }).on("connection", connected);
@@ -53,9 +53,14 @@ export class StandIn {
     return this.calls.filter(({ path }) => path.endsWith(ending));
   }
 
-  /** The first call to a path with that ending, made already or to come. */
+  /** The first call to a path with that ending, made already or within 20 seconds. */
   async called(ending: string): Promise<Call> {
-    if (this.to(ending).length === 0) await new Promise<void>((resolve) => this.#waiting.set(ending, resolve));
+    await new Promise<void>((resolve, reject) => {
+      const made = (): string => this.calls.map(({ method, path }) => `${method} ${path}`).slice(-9).join("\n");
+      const late = setTimeout(() => reject(new Error(`nobody called ${ending}; the last calls were\n${made()}`)), 20_000);
+      this.#waiting.set(ending, () => (clearTimeout(late), resolve()));
+      if (this.to(ending).length > 0) this.#waiting.get(ending)?.();
+    });
     return this.to(ending)[0];
   }
 

@@ -36,6 +36,7 @@ export class History<M> {
   readonly #current = new Set<string>();
   #catching = "";
   #ended = stopping;
+  #telling = Promise.resolve();
 
   constructor(db: DatabaseSync, source: Source<M>) {
     this.#db = db;
@@ -64,14 +65,19 @@ export class History<M> {
   }
 
   /** Listening began anew: tells what was missed in these chats, then their past, until `ended`. */
-  async tellAll(chats: string[], ended: AbortSignal): Promise<void> {
+  tellAll(chats: string[], ended: AbortSignal): Promise<void> {
+    const before = this.#telling;
+    this.#telling = before.catch(() => {}).then(() => this.#tellAll(chats, ended));
+    return this.#telling;
+  }
+
+  async #tellAll(chats: string[], ended: AbortSignal): Promise<void> {
     this.#current.clear();
     this.#ended = AbortSignal.any([stopping, ended]);
     for (const chat of new Set(chats)) {
       if (ended.aborted) return;
       this.#catching = chat;
-      await this.#unlessRefused(chat, () => this.#catchUp(chat));
-      this.#catching = "";
+      await this.#unlessRefused(chat, () => this.#catchUp(chat)).finally(() => (this.#catching = ""));
     }
     for (let isLeft = true; isLeft && !ended.aborted; ) {
       isLeft = false;
