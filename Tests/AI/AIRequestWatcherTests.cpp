@@ -53,6 +53,16 @@ TEST_F(AIRequestWatcherTest, requestsAreAnsweredOldestFirstOneAtATimeFiveInABatc
             "0|error|-|LumoAI request expired before the app could complete it. Retry the request.", "2|done|two|-" }));
 }
 
+TEST_F(AIRequestWatcherTest, aClosedDatabaseIsLeftAlone)
+{
+    AIRequestWatcher watcher(*m_db, m_lumo.ai, m_clock);
+    watcher.start();
+    m_db->close();
+    const QStringList logged = m_log.lines();
+    m_clock.advance(seconds(60));
+    EXPECT_EQ(m_log.lines(), logged);
+}
+
 TEST_F(AIRequestWatcherTest, withoutABackendEachRequestFailsInWords)
 {
     m_lumo.model.setUnavailable("no server");
