@@ -1,22 +1,59 @@
-# The window's QML module "Corvane": every QML file and icon under Sources/Corvane/UI, compiled into the room.
-# The sanitized build leaves the ahead-of-time compilation out: it doubles the room's build and tests nothing.
-file(GLOB_RECURSE qml_files CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/*.qml")
-file(GLOB icons CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/Icons/*.svg")
-foreach(file IN LISTS qml_files icons)
-    file(RELATIVE_PATH alias "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI" "${file}")
-    set_source_files_properties("${file}" PROPERTIES QT_RESOURCE_ALIAS "${alias}")
-endforeach()
-foreach(singleton IN ITEMS Theme/Theme Shell/Keymap Controls/OpenMenus)
-    set_source_files_properties("${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/${singleton}.qml"
-        PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
-endforeach()
-
+# The QML modules of the window: each folder under Sources/Corvane/UI with QML in it is the module Corvane.FOLDER, a
+# static library of its own with the C++ that stands beside the QML.
+# The sanitized build leaves the ahead-of-time compilation out: it doubles the build of the modules and tests nothing.
 if(CORVANE_SANITIZE)
     set(qml_cache NO_CACHEGEN)
 endif()
-qt_add_qml_module(corvane_UI URI Corvane VERSION 1.0 RESOURCE_PREFIX "/qt/qml" NO_PLUGIN NO_LINT ${qml_cache}
-    OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml/Corvane"
-    IMPORTS QtQuick QML_FILES ${qml_files} RESOURCES ${icons})
-target_include_directories(corvane_UI PRIVATE "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI"
-    "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/Terminals" "${QRCODEGEN_INCLUDE}")
-target_link_libraries(corvane_UI PRIVATE "${QRCODEGEN_LIBRARY}")
+
+function(corvane_qml name)
+    set(folder "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/${name}")
+    set(target corvane_UI_${name})
+    file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp" "${folder}/*.h")
+    file(GLOB qml_files CONFIGURE_DEPENDS "${folder}/*.qml")
+    set(depends)
+    foreach(file IN LISTS qml_files)
+        file(STRINGS "${file}" imports REGEX "^import Corvane\\.")
+        list(APPEND depends ${imports})
+        cmake_path(GET file FILENAME alias)
+        file(STRINGS "${file}" singleton REGEX "^pragma Singleton")
+        set_source_files_properties("${file}" PROPERTIES QT_RESOURCE_ALIAS "${alias}")
+        if(singleton)
+            set_source_files_properties("${file}" PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+        endif()
+    endforeach()
+    list(TRANSFORM depends REPLACE "import " "")
+    list(REMOVE_DUPLICATES depends)
+    list(REMOVE_ITEM depends Corvane.${name})
+    add_library(${target} STATIC ${sources})
+    qt_add_qml_module(${target} URI Corvane.${name} VERSION 1.0 RESOURCE_PREFIX "/qt/qml" NO_PLUGIN NO_LINT ${qml_cache}
+        OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml/Corvane/${name}" OUTPUT_TARGETS made
+        IMPORTS QtQuick DEPENDENCIES ${depends} QML_FILES ${qml_files})
+    set_target_properties(${made} PROPERTIES AUTOMOC OFF)
+    target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}/Sources/Corvane" PRIVATE "${folder}" "${QRCODEGEN_INCLUDE}")
+    target_link_libraries(${target} PUBLIC corvane_Shell Qt6::Quick PRIVATE Qt6::Qml "${QRCODEGEN_LIBRARY}")
+    corvane_precompile(${target})
+    target_link_libraries(corvane_UI PUBLIC ${target})
+endfunction()
+
+file(GLOB modules RELATIVE "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI" CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/*/*.qml")
+list(TRANSFORM modules REPLACE "/.*" "")
+list(REMOVE_DUPLICATES modules)
+foreach(module IN LISTS modules)
+    corvane_qml(${module})
+    string(APPEND declarations "void qml_register_types_Corvane_${module}();\n")
+    string(APPEND calls "    qml_register_types_Corvane_${module}();\n")
+endforeach()
+
+# "UI/QmlModules.h": naming each module's registration keeps it in the program.
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/generated/UI/QmlModules.h" CONTENT [[
+#pragma once
+
+@declarations@
+inline void registerQmlModules()
+{
+@calls@}
+]] @ONLY)
+target_include_directories(corvane_UI PRIVATE "${CMAKE_BINARY_DIR}/generated")
+
+file(GLOB icons CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/Icons/*.svg")
+qt_add_resources(corvane_UI icons PREFIX "/qt/qml/Corvane" BASE "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI" FILES ${icons})

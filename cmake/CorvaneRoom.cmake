@@ -8,6 +8,7 @@ function(corvane_room name)
     set(target corvane_${name})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS
         "${CMAKE_SOURCE_DIR}/Sources/Corvane/${name}/*.cpp" "${CMAKE_SOURCE_DIR}/Sources/Corvane/${name}/*.h")
+    list(FILTER sources EXCLUDE REGEX "/UI/[^/]+/") # the QML modules', see CorvaneQml.cmake
     add_library(${target} STATIC ${sources})
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}/Sources/Corvane")
@@ -19,6 +20,9 @@ function(corvane_room name)
     endforeach()
     target_link_libraries(${target} PUBLIC ${room_LINK} PRIVATE ${room_PRIVATE})
     corvane_precompile(${target})
+    if(NOT name STREQUAL "UI")
+        qt_extract_metatypes(${target}) # for the QML modules, which register the types of the rooms
+    endif()
 
     if(CORVANE_TESTS)
         file(GLOB_RECURSE tests CONFIGURE_DEPENDS

@@ -295,8 +295,8 @@ TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAb
     ProposalLink& link = *view.link();
     const auto offered = [&] {
         QStringList names;
-        for (const QVariant& person : link.people())
-            names.append(person.toMap().value("name").toString());
+        for (const auto& person : link.people())
+            names.append(person.name);
         return names.join(',');
     };
     link.begin("p1");

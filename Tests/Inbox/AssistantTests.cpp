@@ -1,5 +1,7 @@
 #include "InboxViewTest.h"
 
+#include <QJsonArray>
+
 using namespace corvane;
 
 namespace {
@@ -45,7 +47,7 @@ TEST_F(AssistantTest, aDraftIsAPreviewUntilItIsTakenAndCanBeTakenBack)
     EXPECT_EQ(draft.stateWord() + '|' + draft.draft() + '|' + draft.modelName(),
         "ready|Thursday at 16:00 suits me.|Fake Model");
     ASSERT_EQ(draft.citations().size(), 1);
-    EXPECT_EQ(draft.citations().first().toMap().value("messageId"), "wa:msg:m1");
+    EXPECT_EQ(draft.citations().first().messageId, "wa:msg:m1");
     EXPECT_FALSE(draft.warnings().filter("16:00").isEmpty()) << "a time that nobody named";
     EXPECT_EQ(composer.text(), "");
 
@@ -148,7 +150,7 @@ TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
         "M7].<br>&nbsp;&nbsp;&nbsp;"
         "&nbsp;• <b>Next</b>: answer M1");
     ASSERT_EQ(summary.citations().size(), 1);
-    EXPECT_EQ(summary.citations().first().toMap().value("messageId"), "wa:msg:m1");
+    EXPECT_EQ(summary.citations().first().messageId, "wa:msg:m1");
     EXPECT_TRUE(model.asked.last().prompt.startsWith("Summarize this local thread with Ana Ruiz.\n\nReturn exactly:"));
 
     engines.db().exec("UPDATE unified_message SET body='  ';");

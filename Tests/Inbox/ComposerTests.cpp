@@ -183,7 +183,7 @@ TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterAS
 {
     addEmailToAna();
     EXPECT_EQ(composer.replyPlatforms().size(), 2);
-    EXPECT_EQ(composer.replyPlatforms().last().toMap().value("label"), channelLabel(inbox.selected().platforms.last()));
+    EXPECT_EQ(composer.replyPlatforms().last().label, channelLabel(inbox.selected().platforms.last()));
     composer.setReplyPlatform("SLACK");
     EXPECT_NE(composer.replyPlatform(), "SLACK");
     for (const QString& platform : { QStringLiteral("EMAIL"), QStringLiteral("WHATSAPP") }) {

@@ -50,7 +50,7 @@ TEST_F(InboxViewTest, filtersHideRowsAndTheOpenThreadStays)
     inbox.setAccountFilter(account.slug);
     EXPECT_EQ(names().size(), 2);
     EXPECT_EQ(inbox.accountFilterLabel(), "Main");
-    EXPECT_EQ(inbox.channelChoices().first().toMap().value("label"), "WhatsApp");
+    EXPECT_EQ(inbox.channelChoices().first().label, "WhatsApp");
 }
 
 TEST_F(InboxViewTest, arrowsStopAtTheEnds)

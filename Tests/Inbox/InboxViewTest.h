@@ -109,9 +109,9 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
 
     int count(const QString& key) const
     {
-        for (const QVariant& tab : inbox.tabs()) {
-            if (tab.toMap().value("key") == key)
-                return tab.toMap().value("count").toInt();
+        for (const auto& tab : inbox.tabs()) {
+            if (tab.id == key)
+                return tab.count;
         }
         return -1;
     }

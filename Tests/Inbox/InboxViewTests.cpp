@@ -187,11 +187,10 @@ TEST_F(InboxViewTest, aStaleWebChannelWarnsAndARetryAsksTheWeb)
     engines.db().exec("INSERT INTO sync_health(source, status, updated_at) VALUES('inbox','error',1);");
     inbox.reload();
     ASSERT_EQ(inbox.stalenessBanners().size(), 1);
-    const QVariantMap banner = inbox.stalenessBanners().first().toMap();
-    EXPECT_EQ(banner.value("text"), "LinkedIn last synced 3 hours ago — web connection degraded");
+    EXPECT_EQ(inbox.stalenessBanners().first().text, "LinkedIn last synced 3 hours ago — web connection degraded");
     inbox.retry("LINKEDIN");
     EXPECT_EQ(cell("SELECT kind || source || status FROM sync_command;"), "web_pullinboxpending");
-    EXPECT_TRUE(inbox.stalenessBanners().first().toMap().value("queued").toBool());
+    EXPECT_TRUE(inbox.stalenessBanners().first().queued);
     engines.db().exec("UPDATE sync_health SET status='ok';");
     inbox.reload();
     EXPECT_TRUE(inbox.stalenessBanners().isEmpty());

@@ -155,12 +155,11 @@ TEST(InboxList, anEmptyListSaysWhyAndClearsOneThingAtATime)
 
 TEST(InboxWords, wordsAndWhatTheyNameAgree)
 {
-    for (const QVariant& tab : inboxTabs([](InboxFilter) { return 3; })) {
-        const QString key = tab.toMap().value("key").toString();
-        ASSERT_TRUE(inboxFilter(key));
-        EXPECT_EQ(wordOf(*inboxFilter(key)), key);
+    for (const TabItem& tab : inboxTabs([](InboxFilter) { return 3; })) {
+        ASSERT_TRUE(inboxFilter(tab.id));
+        EXPECT_EQ(wordOf(*inboxFilter(tab.id)), tab.id);
     }
-    EXPECT_EQ(inboxTabs([](InboxFilter) { return 3; }).first().toMap().value("count"), 3);
+    EXPECT_EQ(inboxTabs([](InboxFilter) { return 3; }).first().count, 3);
     EXPECT_FALSE(inboxFilter("everything"));
     EXPECT_FALSE(viewMode(""));
     EXPECT_FALSE(sortMode("oldest"));

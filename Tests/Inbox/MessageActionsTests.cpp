@@ -18,16 +18,14 @@ protected:
     MessageActions& actions() { return *inbox.messageActions(); }
     VoicePlayer& voice() { return *inbox.voicePlayer(); }
 
-    /// "key" for each that can be done, "key: why not" for each that cannot.
+    /// "id" for each that can be done, "id: why not" for each that cannot.
     QStringList offered(const QString& messageId)
     {
         QStringList words;
-        for (const QVariant& each : actions().actionsFor(messageId)) {
-            const QVariantMap action = each.toMap();
-            const QString help = action.value("help").toString();
-            EXPECT_FALSE(action.value("label").toString().isEmpty());
-            EXPECT_EQ(action.value("enabled").toBool(), help.isEmpty());
-            words.append(action.value("key").toString() + (help.isEmpty() ? QString() : ": " + help));
+        for (const MessageOffer& offer : actions().actionsFor(messageId)) {
+            EXPECT_FALSE(offer.label.isEmpty());
+            EXPECT_EQ(offer.enabled, offer.help.isEmpty());
+            words.append(offer.id + (offer.help.isEmpty() ? QString() : ": " + offer.help));
         }
         return words;
     }
@@ -64,7 +62,7 @@ TEST_F(MessageActionsTest, aMessageOffersWhatItHas)
         (QStringList {
             "react", "copy", "forward", "open: Document file is missing from local media cache.", "delete" }));
     EXPECT_TRUE(actions().actionsFor("wa:msg:none").isEmpty());
-    EXPECT_EQ(actions().actionsFor("wa:msg:m1").last().toMap().value("label"), "Delete (local copy)");
+    EXPECT_EQ(actions().actionsFor("wa:msg:m1").last().label, "Delete (local copy)");
 }
 
 TEST_F(MessageActionsTest, aDeletedMessageIsGoneHereAndComesBackWithAnUndo)
@@ -91,10 +89,10 @@ TEST_F(MessageActionsTest, aDeletedMessageIsGoneHereAndComesBackWithAnUndo)
 
 TEST_F(MessageActionsTest, aForwardIsADraftThatWaits)
 {
-    const QVariantList targets = actions().forwardTargets();
+    const QList<ContactChoice> targets = actions().forwardTargets();
     ASSERT_EQ(targets.size(), 1) << "not the person who is open";
-    EXPECT_EQ(targets.first().toMap().value("name"), "Ben");
-    EXPECT_EQ(targets.first().toMap().value("detail"), "WhatsApp");
+    EXPECT_EQ(targets.first().name, "Ben");
+    EXPECT_EQ(targets.first().detail, "WhatsApp");
     type("ana");
     EXPECT_EQ(actions().forwardTargets(), targets) << "a search hides nobody";
     actions().forward("wa:msg:m1", ben);

@@ -19,6 +19,7 @@ public:
     QString id;
     int value = 0;
 
+    static constexpr const char* role = "line";
     const QString& key() const { return id; }
     bool operator==(const Line&) const = default;
 };

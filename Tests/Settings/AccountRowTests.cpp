@@ -46,10 +46,9 @@ QStringList lines(const QString& channel, bool paused = false)
 QStringList actionLabels(const QString& channel, WAStatus status, bool paused = false)
 {
     QStringList labels;
-    for (const QVariant& each : accountRow(accountOf(channel, paused), stateOf(status), {}).actions) {
-        const QVariantMap action = each.toMap();
-        labels.append(action["label"].toString() + (action["destructive"].toBool() ? "!" : QString()));
-    }
+    const AccountRow row = accountRow(accountOf(channel, paused), stateOf(status), {});
+    for (const AccountAction& action : row.actions)
+        labels.append(action.label + (action.destructive ? "!" : QString()));
     return labels;
 }
 

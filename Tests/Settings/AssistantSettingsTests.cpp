@@ -16,15 +16,15 @@ protected:
     QStringList states() const
     {
         QStringList words;
-        for (const QVariant& backend : view.backends())
-            words.append(backend.toMap()["stateText"].toString() + ": " + backend.toMap()["detail"].toString());
+        for (const auto& backend : view.backends())
+            words.append(backend.stateText + ": " + backend.detail);
         return words;
     }
     QStringList remembered() const
     {
         QStringList words;
-        for (const QVariant& entry : view.memory())
-            words.append(entry.toMap()["scope"].toString() + ": " + entry.toMap()["body"].toString());
+        for (const auto& entry : view.memory())
+            words.append(entry.scope + ": " + entry.body);
         return words;
     }
 
@@ -84,11 +84,11 @@ TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
     lumo.machine.now.physicalMemoryBytes = Q_UINT64_C(1) << 34;
     view.setVisible(true);
     EXPECT_TRUE(view.gateIsOpen());
-    EXPECT_EQ(view.gateFacts()[3].toMap()["value"].toString(), "16.0 GiB");
+    EXPECT_EQ(view.gateFacts()[3].value, "16.0 GiB");
     lumo.machine.now.powerSourceStates = { "Battery Power" };
     world.clock.advance(seconds(5));
     EXPECT_EQ(view.gateText(), "This computer is on battery. Connect power before running local transcription.");
-    EXPECT_EQ(view.gateFacts()[0].toMap()["value"].toString(), "Battery");
+    EXPECT_EQ(view.gateFacts()[0].value, "Battery");
     view.setVisible(false);
     lumo.machine.now.powerSourceStates.clear();
     world.clock.advance(seconds(60));

@@ -281,10 +281,10 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
         { world.clock.nowMs() - 3 * 3'600'000 });
     sync.queuePull();
     ASSERT_EQ(sync.health().size(), 2);
-    EXPECT_EQ(sync.health()[0].toMap()["source"], "Conversations from the web");
-    EXPECT_EQ(sync.health()[0].toMap()["detail"], "Finished 3 hours ago");
-    EXPECT_EQ(sync.health()[1].toMap()["detail"], "no route");
-    EXPECT_EQ(sync.health()[1].toMap()["kind"], "bad");
+    EXPECT_EQ(sync.health()[0].source, "Conversations from the web");
+    EXPECT_EQ(sync.health()[0].detail, "Finished 3 hours ago");
+    EXPECT_EQ(sync.health()[1].detail, "no route");
+    EXPECT_EQ(sync.health()[1].kind, "bad");
     EXPECT_EQ(
         world.cell("SELECT kind || ' ' || status || ' ' || source FROM sync_command"), "web_pull pending settings");
     EXPECT_TRUE(sync.queuedText().startsWith("Queued as sync:"));
@@ -320,9 +320,9 @@ TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
 
 TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
 {
-    const QVariantMap slack = view.connectFlows().value(5).toMap();
-    EXPECT_EQ(slack["channel"], "SLACK");
-    EXPECT_EQ(slack["fields"].toList()[0].toMap()["masked"], true);
+    const ConnectFlow& slack = view.connectFlows().at(5);
+    EXPECT_EQ(slack.channelWord(), "SLACK");
+    EXPECT_TRUE(slack.fields.first().masked);
     view.setSection("system");
     view.setSection("nowhere");
     EXPECT_EQ(view.section(), "system");

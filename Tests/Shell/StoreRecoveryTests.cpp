@@ -52,8 +52,8 @@ protected:
     QStringList offered()
     {
         QStringList ids;
-        for (const QVariant& choice : recovery().choices())
-            ids.append(choice.toMap()["id"].toString());
+        for (const auto& choice : recovery().choices())
+            ids.append(choice.id);
         return ids;
     }
     QString contacts() { return db().scalar("SELECT group_concat(display_name) FROM contact;").value_or("-"); }
@@ -123,8 +123,8 @@ TEST_F(Recovery, noticesSayWhatIsWrongAndGoWithItsCause)
     Screens screens(*app);
     const auto texts = [&] {
         QStringList all;
-        for (const QVariant& item : screens.notices.items())
-            all.append(item.toMap()["text"].toString().section(u'.', 0, 0));
+        for (const auto& item : screens.notices.items())
+            all.append(item.text.section(u'.', 0, 0));
         return all;
     };
     EXPECT_EQ(texts(), QStringList());

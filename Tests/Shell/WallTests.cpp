@@ -140,17 +140,15 @@ protected:
     QStringList labels() const
     {
         QStringList result;
-        for (const QVariant& action : menu.actions())
-            result.append(action.toMap()["label"].toString());
+        for (const auto& action : menu.actions())
+            result.append(action.label);
         return result;
     }
     QStringList workspaces() const
     {
         QStringList result;
-        for (const QVariant& workspace : menu.workspaces()) {
-            const QVariantMap map = workspace.toMap();
-            result.append(map["name"].toString() + (map["selected"].toBool() ? QString("*") : QString()));
-        }
+        for (const auto& workspace : menu.workspaces())
+            result.append(workspace.name + (workspace.selected ? QString("*") : QString()));
         return result;
     }
 
@@ -169,7 +167,7 @@ TEST_F(Profile, offersTheSignInAloneWithoutAToken)
     EXPECT_EQ(menu.initial(), "") << "a face stands there, not a question mark";
     EXPECT_EQ(labels(), (QStringList { "Sign in to Nimb", "Quit Corvane" }));
     EXPECT_TRUE(menu.workspaces().isEmpty());
-    menu.perform(menu.actions()[0].toMap()["id"].toString());
+    menu.perform(menu.actions()[0].id);
     EXPECT_EQ(desktop.opened.size(), 1);
     EXPECT_TRUE(desktop.opened.value(0).toString().startsWith("https://"));
 }
@@ -197,10 +195,10 @@ TEST_F(Profile, opensTheSettingsAndSignsOut)
     session->setAuth(anyToken, "d");
     EXPECT_EQ(labels(), QStringList({ "Open Settings", "Sign Out", "Quit Corvane" }));
     shell.selectHub("cx");
-    menu.perform(menu.actions()[0].toMap()["id"].toString());
+    menu.perform(menu.actions()[0].id);
     EXPECT_TRUE(shell.settings());
     EXPECT_EQ(shell.selectedNav(), "cx");
-    menu.perform(menu.actions()[1].toMap()["id"].toString());
+    menu.perform(menu.actions()[1].id);
     EXPECT_FALSE(session->signedIn());
     EXPECT_TRUE(content->showsWall());
 }

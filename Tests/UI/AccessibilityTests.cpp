@@ -82,8 +82,8 @@ protected:
         shell.selectHub(u"gtm"_s);
         visit(u"hub"_s);
         shell.openSettings();
-        for (const QVariant& section : settings.sections()) {
-            settings.setSection(section.toMap().value(u"id"_s).toString());
+        for (const auto& section : settings.sections()) {
+            settings.setSection(section.id);
             visit(settings.section());
         }
     }

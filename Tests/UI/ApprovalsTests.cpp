@@ -214,8 +214,8 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
     openPanel();
     const auto lines = [&] {
         QStringList told;
-        for (const QVariant& line : screens.panel.today())
-            told.append(line.toMap().value(u"text"_s).toString());
+        for (const auto& line : screens.panel.today())
+            told.append(line.text);
         return told;
     };
     EXPECT_EQ(lines(),

@@ -1,7 +1,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
-#include "UI/QrItem.h"
-#include "UI/WindowLayout.h"
+#include "UI/Controls/WindowLayout.h"
+#include "UI/Settings/QrItem.h"
 
 #include <QPainter>
 #include <gtest/gtest.h>

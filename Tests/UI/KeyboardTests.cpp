@@ -182,7 +182,7 @@ TEST_F(KeyboardTest, hubsAndSettingsHaveTheirKeys)
     EXPECT_TRUE(shell.settings());
     EXPECT_TRUE(focusWithin(u"settings.accounts"_s));
     press(Qt::Key_Down);
-    EXPECT_EQ(settings.section(), settings.sections().at(1).toMap().value(u"id"_s).toString());
+    EXPECT_EQ(settings.section(), settings.sections().at(1).id);
     press(Qt::Key_Escape);
     EXPECT_FALSE(shell.settings());
     EXPECT_EQ(shell.selectedNav(), u"dev"_s);

@@ -9,6 +9,17 @@
 
 namespace corvane {
 
+namespace {
+
+/// What a line of the thread shows; nothing of any other item.
+ThreadRow messageOf(const QQuickItem* item)
+{
+    const bool isLine = QByteArray(item->metaObject()->className()).startsWith("ThreadItem");
+    return isLine ? item->property("message").value<ThreadRow>() : ThreadRow();
+}
+
+}
+
 class ScreenTest : public WindowTest {
 protected:
     /// Not one flat colour, in both themes, and different from what was drawn before.
@@ -71,20 +82,19 @@ TEST_F(ScreenTest, everySectionAndSheetOfTheSettingsDrawsWithoutAWarning)
 {
     showInbox();
     shell.openSettings();
-    for (const QVariant& section : settings.sections()) {
-        settings.setSection(section.toMap().value(u"id"_s).toString());
+    for (const auto& section : settings.sections()) {
+        settings.setSection(section.id);
         expectDrawn(settings.section());
     }
     settings.setSection(u"accounts"_s);
     rest();
-    for (const QVariant& value : settings.connectFlows()) {
-        const QVariantMap flow = value.toMap();
-        if (flow.value(u"fields"_s).toList().isEmpty())
+    for (const ConnectFlow& flow : settings.connectFlows()) {
+        if (flow.fields.isEmpty())
             continue;
-        QQuickItem* tile = item(u"connect."_s + flow.value(u"channel"_s).toString());
+        QQuickItem* tile = item(u"connect."_s + flow.channelWord());
         ASSERT_NE(tile, nullptr);
         QMetaObject::invokeMethod(tile, "clicked");
-        expectDrawn(flow.value(u"title"_s).toString());
+        expectDrawn(flow.title);
         press(Qt::Key_Escape);
         EXPECT_EQ(findItem(u"connectSheet"_s), nullptr);
     }
@@ -142,9 +152,10 @@ TEST_F(ScreenTest, whatCannotBeUndoneAsksFirst)
     const Account victim = accounts.accounts().first();
     QQuickItem* line = item(u"account:"_s + victim.id.toString(QUuid::WithoutBraces));
     ASSERT_NE(line, nullptr);
-    for (const QVariant& action : line->property("actions").toList()) {
-        if (action.toMap().value(u"id"_s) == u"remove"_s)
-            QMetaObject::invokeMethod(line, "acted", Q_ARG(QVariant, action));
+    const auto row = line->property("account").value<AccountRow>();
+    for (const AccountAction& action : row.actions) {
+        if (action.id == u"remove"_s)
+            QMetaObject::invokeMethod(line, "acted", Q_ARG(corvane::AccountAction, action));
     }
     rest();
     ASSERT_NE(item(u"confirmSheet"_s), nullptr);
@@ -220,7 +231,7 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     ASSERT_NE(thread, nullptr);
     const auto placeOf = [&](const QString& body) {
         for (QQuickItem* row : visibleItems()) {
-            if (row->property("body").toString() == body)
+            if (messageOf(row).body == body)
                 return row->mapToItem(thread, QPointF()).y();
         }
         return -1.0;
@@ -282,8 +293,8 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE external_id='49171
         QHash<QString, double> rows;
         for (QQuickItem* row : visibleItems()) {
             const double y = row->mapToItem(thread, QPointF()).y();
-            if (row->property("body").toString().startsWith(u"old "_s) && y >= 100 && y < thread->height())
-                rows.insert(row->property("id").toString(), y);
+            if (messageOf(row).body.startsWith(u"old "_s) && y >= 100 && y < thread->height())
+                rows.insert(messageOf(row).id, y);
         }
         return rows;
     };
@@ -369,7 +380,7 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
     ASSERT_NE(thread, nullptr);
     bool seen = false;
     for (QQuickItem* row : visibleItems()) {
-        if (row->property("body").toString() == u"Message 3 of a long morning"_s) {
+        if (messageOf(row).body == u"Message 3 of a long morning"_s) {
             const QRectF place = row->mapRectToItem(thread, row->boundingRect());
             seen = thread->boundingRect().contains(place);
         }

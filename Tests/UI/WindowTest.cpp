@@ -21,7 +21,8 @@ void collect(QtMsgType type, const QMessageLogContext&, const QString& message)
     // animation ends its driver twice.
     const bool ofThePlatform = message == u"This plugin does not support raise()"
         || message == u"QUnifiedTimer::stopAnimationDriver: driver is not running";
-    if (type != QtDebugMsg && type != QtInfoMsg && !ofThePlatform)
+    const bool told = (type != QtDebugMsg && type != QtInfoMsg) || message.startsWith(u"MainWindow: ");
+    if (told && !ofThePlatform)
         warningLines().append(message);
 }
 
@@ -57,6 +58,7 @@ WindowTest::WindowTest(AIServices* assistant)
 {
     desktop.setAppearance(ColourScheme::Light, true);
     approvals.attach(delivery, calls);
+    EXPECT_TRUE(window.window()) << qPrintable(Warnings::seen().join(u'\n'));
     window.window()->resize(1320, 820); // the screen in memory is small
     window.show();
     rest();
@@ -183,7 +185,7 @@ bool WindowTest::focusWithin(const QString& objectName)
 QObject* themeObject(MainWindow& window)
 {
     QQmlComponent component(qmlEngine(window.window()));
-    component.setData("import QtQml; import Corvane; QtObject { property QtObject theme: Theme }", QUrl());
+    component.setData("import QtQml; import Corvane.Controls; QtObject { property QtObject theme: Theme }", QUrl());
     const std::unique_ptr<QObject> holder(component.create());
     return holder->property("theme").value<QObject*>();
 }

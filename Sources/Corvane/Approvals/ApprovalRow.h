@@ -52,6 +52,7 @@ public:
     bool canEdit = false;
     QString linkLabel; ///< "Link contact" or "Change contact"; empty where there is nobody to link
 
+    static constexpr const char* role = "approval";
     void setKey(const ApprovalKey& key);
     const QString& key() const { return m_key; }
     bool operator==(const ApprovalRow&) const = default;

@@ -18,7 +18,7 @@ class LocalDB;
 /// approved, one at a time.
 class ApprovalsView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of ApprovalRow, by what they stand under
+    Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of ApprovalRow, by what they stand under
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(int waiting READ waiting NOTIFY changed) ///< for a decision; what is on its way counts no more
     Q_PROPERTY(QString badge READ badge NOTIFY changed)
@@ -33,15 +33,15 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(QString asking READ asking NOTIFY askingChanged) ///< the key of what is asked about, or empty
     Q_PROPERTY(int askingRow READ askingRow NOTIFY askingChanged) ///< its place, or -1
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last verdict changed nothing, or empty
-    Q_PROPERTY(QObject* editor READ editor CONSTANT)
-    Q_PROPERTY(QObject* link READ link CONSTANT) ///< whom a change to the CRM is about
-    Q_PROPERTY(QObject* log READ log CONSTANT) ///< what was decided
+    Q_PROPERTY(corvane::DraftEdit* editor READ editor CONSTANT)
+    Q_PROPERTY(corvane::ProposalLink* link READ link CONSTANT) ///< whom a change to the CRM is about
+    Q_PROPERTY(corvane::DecisionLog* log READ log CONSTANT) ///< what was decided
 public:
     /// All of it outlives the view.
     ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
     ~ApprovalsView() override;
 
-    QAbstractItemModel* rows() { return &m_rows; }
+    HoldingListModel* rows() { return &m_rows; }
     int count() const { return m_rows.rowCount(); }
     int waiting() const { return m_waiting; }
     QString badge() const;

@@ -35,6 +35,7 @@ public:
     QString body; ///< in one line; why it can't be told where its row is gone or says something else by now
     QString outcome; ///< what came of it: "Sent", "Failed", ...; may be empty
 
+    static constexpr const char* role = "decided";
     const QString& key() const { return id; }
     bool operator==(const DecidedRow&) const = default;
 };
@@ -43,7 +44,7 @@ public:
 /// as long as these are as they were.
 class DecisionLog : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of DecidedRow
+    Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of DecidedRow
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< only then it is read
     Q_PROPERTY(bool hasOlder READ hasOlder NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
@@ -52,7 +53,7 @@ public:
     /// All of it outlives the log.
     DecisionLog(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
 
-    QAbstractItemModel* rows() { return &m_rows; }
+    HoldingListModel* rows() { return &m_rows; }
     bool shown() const { return m_shown; }
     void setShown(bool shown);
     bool hasOlder() const { return m_hasOlder; }

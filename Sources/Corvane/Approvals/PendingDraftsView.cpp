@@ -16,15 +16,14 @@ namespace {
 
 constexpr int previewLength = 240;
 
-QVariantMap action(const char* id, const QString& label, const char* kind)
+DraftAction action(const char* id, const QString& label, const char* kind)
 {
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
-        { QStringLiteral("kind"), QString::fromLatin1(kind) } };
+    return { QString::fromLatin1(id), label, QString::fromLatin1(kind) };
 }
 
-QVariantList actionsOf(const PendingDraft& draft, bool engineRuns)
+QList<DraftAction> actionsOf(const PendingDraft& draft, bool engineRuns)
 {
-    QVariantList actions;
+    QList<DraftAction> actions;
     if (allows(draft.state(), DraftStep::TakeBack)) {
         if (!engineRuns)
             actions.append(action("start", QStringLiteral("Start"), "primary"));
@@ -80,7 +79,7 @@ const QString& PendingDraftsView::notice() const
     return m_at.approvals.notice();
 }
 
-QObject* PendingDraftsView::editor() const
+DraftEdit* PendingDraftsView::editor() const
 {
     return &m_at.editor;
 }

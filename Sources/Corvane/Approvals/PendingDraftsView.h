@@ -1,16 +1,28 @@
 #pragma once
 
+#include "Approvals/DraftEdit.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Approvals/OutboundQueries.h"
-
-#include <QVariantList>
 
 namespace corvane {
 
 class AccountStore;
 class ApprovalsStore;
-class DraftEdit;
 class EngineManager;
+
+/// What can be done with a draft that waits for its engine or was placed.
+class DraftAction {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString kind MEMBER kind)
+public:
+    QString id; ///< "start", "takeBack", "confirmSent" or "reject"
+    QString label;
+    QString kind; ///< a button's
+
+    bool operator==(const DraftAction&) const = default;
+};
 
 /// A draft that waits, in the words of the bar.
 class PendingDraftItem {
@@ -27,7 +39,7 @@ class PendingDraftItem {
     Q_PROPERTY(QString platform MEMBER platform)
     Q_PROPERTY(bool canDecide MEMBER canDecide)
     Q_PROPERTY(QString approveLabel MEMBER approveLabel)
-    Q_PROPERTY(QVariantList actions MEMBER actions)
+    Q_PROPERTY(QList<corvane::DraftAction> actions MEMBER actions)
 public:
     QString id;
     QString title;
@@ -41,10 +53,9 @@ public:
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
     QString approveLabel; ///< "Approve & Send" or "Retry Send"
-    /// {id, label, kind}: what can be done with one that waits for its engine or was placed; `kind` is a button's. The
-    /// ids: "start", "takeBack", "confirmSent", "reject".
-    QVariantList actions;
+    QList<DraftAction> actions;
 
+    static constexpr const char* role = "draft";
     const QString& key() const { return id; }
     bool operator==(const PendingDraftItem&) const = default;
 };
@@ -54,13 +65,13 @@ public:
 /// other surface.
 class PendingDraftsView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT) ///< of PendingDraftItem
+    Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of PendingDraftItem
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(
         QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one that is asked about, or empty
     Q_PROPERTY(QString confirmText READ confirmText NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action did nothing, or empty
-    Q_PROPERTY(QObject* editor READ editor CONSTANT)
+    Q_PROPERTY(corvane::DraftEdit* editor READ editor CONSTANT)
 public:
     /// What the bar stands on; all of it outlives the view.
     struct Surroundings {
@@ -73,12 +84,12 @@ public:
 
     explicit PendingDraftsView(const Surroundings& surroundings, QObject* parent = nullptr);
 
-    QAbstractItemModel* rows() { return &m_rows; }
+    HoldingListModel* rows() { return &m_rows; }
     int count() const { return m_rows.rowCount(); }
     const QString& confirmDraft() const { return m_confirmDraft; }
     QString confirmText() const;
     const QString& notice() const;
-    QObject* editor() const;
+    DraftEdit* editor() const;
 
     Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was asked about no longer is
     Q_INVOKABLE void cancelConfirm();

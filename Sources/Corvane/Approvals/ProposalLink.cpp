@@ -64,9 +64,7 @@ void ProposalLink::search()
             break;
         if (!folded(contact.name).contains(wanted) && !folded(contact.id).contains(wanted))
             continue;
-        m_people.append(QVariantMap { { QStringLiteral("id"), contact.id },
-            { QStringLiteral("name"), WAName::pretty(contact.name) }, { QStringLiteral("channel"), contact.channel },
-            { QStringLiteral("detail"), channelLabel(contact.channel) } });
+        m_people.append({ contact.id, WAName::pretty(contact.name), contact.channel, channelLabel(contact.channel) });
     }
     Q_EMIT changed();
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Presentation/Choice.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <QObject>
-#include <QVariantList>
 
 namespace corvane {
 
@@ -17,7 +17,7 @@ class ProposalLink : public QObject {
     Q_PROPERTY(QString proposalId READ proposalId NOTIFY changed) ///< the one that is linked, or empty
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QString searchText READ searchText CONSTANT)
-    Q_PROPERTY(QVariantList people READ people NOTIFY changed) ///< of {id, name, channel, detail}
+    Q_PROPERTY(QList<corvane::ContactChoice> people READ people NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT) ///< where nobody matches
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
 public:
@@ -28,7 +28,7 @@ public:
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
     QString searchText() const { return QStringLiteral("Search contacts"); }
-    const QVariantList& people() const { return m_people; }
+    const QList<ContactChoice>& people() const { return m_people; }
     QString emptyText() const { return QStringLiteral("Nobody of that name has written yet."); }
     const QString& errorText() const { return m_errorText; }
 
@@ -47,7 +47,7 @@ private:
     QString m_proposalId;
     QString m_query;
     QList<ContactLink> m_contacts; ///< all, while somebody is picked
-    QVariantList m_people;
+    QList<ContactChoice> m_people;
     QString m_errorText;
 };
 

@@ -20,14 +20,15 @@ class CRMPane : public QObject {
     Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
     Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
     // Each is a model of PaneRow
-    Q_PROPERTY(QAbstractItemModel* suggestions READ suggestions CONSTANT) ///< "Same as Ana?"; id is the other contact
-    Q_PROPERTY(QAbstractItemModel* merges READ merges CONSTANT) ///< "Merged with Ana"
-    Q_PROPERTY(QAbstractItemModel* memory READ memory CONSTANT)
-    Q_PROPERTY(QAbstractItemModel* info READ info CONSTANT)
-    Q_PROPERTY(QAbstractItemModel* deals READ deals CONSTANT)
-    Q_PROPERTY(QAbstractItemModel* notes READ notes CONSTANT)
-    Q_PROPERTY(QAbstractItemModel* activity READ activity CONSTANT)
-    Q_PROPERTY(QAbstractItemModel* tasks READ tasks CONSTANT)
+    Q_PROPERTY(
+        corvane::HoldingListModel* suggestions READ suggestions CONSTANT) ///< "Same as Ana?"; id is the other contact
+    Q_PROPERTY(corvane::HoldingListModel* merges READ merges CONSTANT) ///< "Merged with Ana"
+    Q_PROPERTY(corvane::HoldingListModel* memory READ memory CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* info READ info CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* deals READ deals CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* notes READ notes CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* activity READ activity CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* tasks READ tasks CONSTANT)
     // What stands in a section without rows
     Q_PROPERTY(QString memoryEmpty READ memoryEmpty CONSTANT)
     Q_PROPERTY(QString infoEmpty READ infoEmpty CONSTANT)
@@ -50,14 +51,14 @@ public:
     const QString& contactName() const { return m_contact.name; }
     QString identityText() const;
     QString identityEmpty() const;
-    QAbstractItemModel* suggestions() { return &m_suggestions; }
-    QAbstractItemModel* merges() { return &m_merges; }
-    QAbstractItemModel* memory() { return &m_memory; }
-    QAbstractItemModel* info() { return &m_info; }
-    QAbstractItemModel* deals() { return &m_deals; }
-    QAbstractItemModel* notes() { return &m_notes; }
-    QAbstractItemModel* activity() { return &m_activity; }
-    QAbstractItemModel* tasks() { return &m_tasks; }
+    HoldingListModel* suggestions() { return &m_suggestions; }
+    HoldingListModel* merges() { return &m_merges; }
+    HoldingListModel* memory() { return &m_memory; }
+    HoldingListModel* info() { return &m_info; }
+    HoldingListModel* deals() { return &m_deals; }
+    HoldingListModel* notes() { return &m_notes; }
+    HoldingListModel* activity() { return &m_activity; }
+    HoldingListModel* tasks() { return &m_tasks; }
     QString memoryEmpty() const;
     QString infoEmpty() const;
     QString dealsEmpty() const;

@@ -26,6 +26,7 @@ public:
     QString icon; ///< the mark of a line without a channel
     QString stage; ///< of a deal
 
+    static constexpr const char* role = "entry";
     const QString& key() const { return id; }
     bool operator==(const PaneRow&) const = default;
 };

@@ -68,10 +68,9 @@ QString agentsText(const TodayDigest& day)
                                       : QStringLiteral("%1 agent actions today").arg(day.agentActionsToday);
 }
 
-QVariantMap line(const char* icon, const QString& text, const char* action)
+DayLine line(const char* icon, const QString& text, const char* action)
 {
-    return { { QStringLiteral("icon"), QString::fromLatin1(icon) }, { QStringLiteral("text"), text },
-        { QStringLiteral("action"), QString::fromLatin1(action) } };
+    return { QString::fromLatin1(icon), text, QString::fromLatin1(action) };
 }
 
 }
@@ -88,13 +87,11 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
         m_at.engine.db().watch().on(subject, this, [this] { refresh(); });
 }
 
-QVariantList CorvaneMenuBarView::tabs() const
+QList<TabItem> CorvaneMenuBarView::tabs() const
 {
-    QVariantList tabs;
+    QList<TabItem> tabs;
     for (const MenuTab tab : shownTabs)
-        tabs.append(
-            QVariantMap { { QStringLiteral("id"), words(tab).id }, { QStringLiteral("label"), words(tab).label },
-                { QStringLiteral("count"), tab == MenuTab::Approvals ? m_at.approvals.waiting() : 0 } });
+        tabs.append({ words(tab).id, words(tab).label, tab == MenuTab::Approvals ? m_at.approvals.waiting() : 0 });
     return tabs;
 }
 
@@ -167,9 +164,8 @@ void CorvaneMenuBarView::readDay()
         "settings"));
     m_glance.clear();
     for (const InboxGlanceRow& row : fetchInboxGlance(m_at.engine.db(), glanceRows))
-        m_glance.append(QVariantMap { { QStringLiteral("contactId"), row.contactId },
-            { QStringLiteral("channel"), row.channel }, { QStringLiteral("title"), WAName::pretty(row.title) },
-            { QStringLiteral("snippet"), row.snippet.simplified() }, { QStringLiteral("unread"), row.unread } });
+        m_glance.append(
+            { row.contactId, row.channel, WAName::pretty(row.title), row.snippet.simplified(), row.unread });
 }
 
 void CorvaneMenuBarView::run(const QString& action)

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
-
-#include <QVariantList>
+#include "Presentation/Choice.h"
 
 namespace corvane {
 
@@ -11,13 +10,45 @@ class EngineManager;
 class NotificationCentre;
 class SessionStore;
 
+/// A line of the day, and the way to what it speaks of.
+class DayLine {
+    Q_GADGET
+    Q_PROPERTY(QString icon MEMBER icon)
+    Q_PROPERTY(QString text MEMBER text)
+    Q_PROPERTY(QString action MEMBER action)
+public:
+    QString icon;
+    QString text;
+    QString action; ///< for `run`
+
+    bool operator==(const DayLine&) const = default;
+};
+
+/// A conversation of the inbox, the latest first.
+class GlanceLine {
+    Q_GADGET
+    Q_PROPERTY(QString contactId MEMBER contactId)
+    Q_PROPERTY(QString channel MEMBER channel)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString snippet MEMBER snippet)
+    Q_PROPERTY(int unread MEMBER unread)
+public:
+    QString contactId; ///< may be empty
+    QString channel; ///< such as "WHATSAPP"
+    QString title;
+    QString snippet;
+    int unread = 0;
+
+    bool operator==(const GlanceLine&) const = default;
+};
+
 /// The small window at the tray: the day at a glance while the main window is closed.
 class CorvaneMenuBarView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QVariantList tabs READ tabs NOTIFY changed) ///< of {id, label, count}
+    Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY tabChanged) ///< the id of the one in front
-    Q_PROPERTY(QVariantList today READ today NOTIFY changed) ///< of {icon, text, action}; `run` takes the action
-    Q_PROPERTY(QVariantList glance READ glance NOTIFY changed) ///< of {contactId, channel, title, snippet, unread}
+    Q_PROPERTY(QList<corvane::DayLine> today READ today NOTIFY changed)
+    Q_PROPERTY(QList<corvane::GlanceLine> glance READ glance NOTIFY changed)
     Q_PROPERTY(QString emptyGlanceText READ emptyGlanceText CONSTANT)
     Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< of the web account; both may be empty
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
@@ -38,11 +69,11 @@ public:
 
     explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
 
-    QVariantList tabs() const;
+    QList<TabItem> tabs() const;
     QString tab() const;
     void setTab(const QString& id); ///< an unknown word changes nothing
-    const QVariantList& today() const { return m_today; }
-    const QVariantList& glance() const { return m_glance; }
+    const QList<DayLine>& today() const { return m_today; }
+    const QList<GlanceLine>& glance() const { return m_glance; }
     QString emptyGlanceText() const { return QStringLiteral("No conversations in the local mirror yet."); }
     QString noticeTitle() const;
     QString noticeText() const;
@@ -67,8 +98,8 @@ private:
 
     Surroundings m_at;
     MenuTab m_tab = MenuTab::Now;
-    QVariantList m_today;
-    QVariantList m_glance;
+    QList<DayLine> m_today;
+    QList<GlanceLine> m_glance;
     bool m_visible = false;
 };
 

@@ -8,18 +8,20 @@ namespace {
 
 constexpr Milliseconds holdTime { 2000 };
 constexpr int heldRole = Qt::UserRole - 1;
+constexpr int gadgetRole = Qt::UserRole - 2;
 
 }
 
-GadgetListModel::GadgetListModel(const QMetaObject& gadget, QObject* parent)
+GadgetListModel::GadgetListModel(const QMetaObject& gadget, const char* role, QObject* parent)
     : QAbstractListModel(parent)
     , m_gadget(gadget)
+    , m_role(role)
 {
 }
 
 QHash<int, QByteArray> GadgetListModel::roleNames() const
 {
-    QHash<int, QByteArray> names;
+    QHash<int, QByteArray> names { { gadgetRole, m_role } };
     for (int i = 0; i < m_gadget.propertyCount(); ++i)
         names.insert(Qt::UserRole + i, m_gadget.property(i).name());
     return names;
@@ -27,13 +29,17 @@ QHash<int, QByteArray> GadgetListModel::roleNames() const
 
 QVariant GadgetListModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid) || role < Qt::UserRole)
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    if (role == gadgetRole)
+        return QVariant(m_gadget.metaType(), gadgetAt(index.row()));
+    if (role < Qt::UserRole)
         return {};
     return m_gadget.property(role - Qt::UserRole).readOnGadget(gadgetAt(index.row()));
 }
 
-HoldingListModel::HoldingListModel(const QMetaObject& gadget, Scheduler* scheduler, QObject* parent)
-    : GadgetListModel(gadget, parent)
+HoldingListModel::HoldingListModel(const QMetaObject& gadget, const char* role, Scheduler* scheduler, QObject* parent)
+    : GadgetListModel(gadget, role, parent)
     , m_scheduler(scheduler)
 {
 }

@@ -8,12 +8,13 @@
 
 namespace corvane {
 
-/// A list of gadgets: each property of the gadget is a role of that name.
+/// A list of gadgets: each property of the gadget is a role of that name, and so is the gadget itself.
 class GadgetListModel : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 public:
-    explicit GadgetListModel(const QMetaObject& gadget, QObject* parent = nullptr);
+    /// `role` names the whole gadget: what a delegate requires.
+    GadgetListModel(const QMetaObject& gadget, const char* role, QObject* parent = nullptr);
 
     int count() const { return rowCount(); }
     QHash<int, QByteArray> roleNames() const override;
@@ -27,16 +28,17 @@ protected:
 
 private:
     const QMetaObject& m_gadget;
+    QByteArray m_role;
 };
 
 /// One whose rows keep their place after a person acted on them and they are gone, with the role "held", until the
 /// pointer leaves the list or two seconds pass: so no other row's button comes under the pointer.
-class HoldingListModel : public GadgetListModel {
+class HoldingListModel : public corvane::GadgetListModel {
     Q_OBJECT
     Q_PROPERTY(bool pointerInside READ pointerInside WRITE setPointerInside NOTIFY pointerInsideChanged)
 public:
     /// Without a scheduler no row is held.
-    HoldingListModel(const QMetaObject& gadget, Scheduler* scheduler, QObject* parent = nullptr);
+    HoldingListModel(const QMetaObject& gadget, const char* role, Scheduler* scheduler, QObject* parent = nullptr);
     ~HoldingListModel() override;
 
     QHash<int, QByteArray> roleNames() const override;
@@ -73,17 +75,17 @@ private:
 };
 
 /// Rows that are replaced as a whole and shown by their differences: only what changed is removed, inserted,
-/// moved or redrawn. `Row` is a gadget with `key()` and `operator==`.
+/// moved or redrawn. `Row` is a gadget with `key()`, `operator==` and the name of its `role`.
 template <typename Row> class RowListModel final : public HoldingListModel {
 public:
     explicit RowListModel(QObject* parent = nullptr)
-        : HoldingListModel(Row::staticMetaObject, nullptr, parent)
+        : HoldingListModel(Row::staticMetaObject, Row::role, nullptr, parent)
     {
     }
 
     /// One that holds rows; the scheduler outlives it.
     explicit RowListModel(Scheduler& scheduler, QObject* parent = nullptr)
-        : HoldingListModel(Row::staticMetaObject, &scheduler, parent)
+        : HoldingListModel(Row::staticMetaObject, Row::role, &scheduler, parent)
     {
     }
 

@@ -2,7 +2,7 @@
 
 #include "Foundation/Text.h"
 
-#include <QVariantMap>
+#include <algorithm>
 
 namespace corvane {
 
@@ -132,10 +132,9 @@ QString noteText(const QString& detail, const RuntimeState& state)
     return parts.join(QStringLiteral(" · "));
 }
 
-QVariantMap action(const char* id, const QString& label, const QString& confirmation = {})
+AccountAction action(const char* id, const QString& label, const QString& confirmation = {})
 {
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
-        { QStringLiteral("confirmation"), confirmation }, { QStringLiteral("destructive"), !confirmation.isEmpty() } };
+    return { QString::fromLatin1(id), label, confirmation, !confirmation.isEmpty() };
 }
 
 /// Where a link or a session stands, giving it up is asked about first; where none does, there is nothing to lose.
@@ -144,9 +143,9 @@ QString resetQuestion(WAStatus status, const QString& question)
     return status == WAStatus::LoggedOut || status == WAStatus::NeedsQR ? QString() : question;
 }
 
-QVariantList actionsOf(Voice voice, const Account& account, WAStatus status)
+QList<AccountAction> actionsOf(Voice voice, const Account& account, WAStatus status)
 {
-    QVariantList actions;
+    QList<AccountAction> actions;
     const bool down = status == WAStatus::Stopped || status == WAStatus::Error || status == WAStatus::LoggedOut;
     if (voice == Voice::Pairing && status == WAStatus::NeedsQR)
         actions.append(action("pair", QStringLiteral("Scan QR to link")));
@@ -179,6 +178,19 @@ QString sentenceOf(const AccountRow& row)
     return parts.join(QStringLiteral(", "));
 }
 
+}
+
+AccountAction AccountRow::first() const
+{
+    const auto found = std::ranges::find_if(actions, [](const AccountAction& action) { return !action.destructive; });
+    return found == actions.end() ? AccountAction() : *found;
+}
+
+QList<AccountAction> AccountRow::others() const
+{
+    QList<AccountAction> rest = actions;
+    rest.removeOne(first());
+    return rest;
 }
 
 AccountRow accountRow(const Account& account, const RuntimeState& state, const QString& lastMessageTime)

@@ -4,9 +4,24 @@
 #include "Engines/RuntimeState.h"
 
 #include <QMetaType>
-#include <QVariantList>
 
 namespace corvane {
+
+/// Something that can be done to an account.
+class AccountAction {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString confirmation MEMBER confirmation)
+    Q_PROPERTY(bool destructive MEMBER destructive)
+public:
+    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync" or "remove"
+    QString label;
+    QString confirmation; ///< the question to ask first; empty where none is needed
+    bool destructive = false;
+
+    bool operator==(const AccountAction&) const = default;
+};
 
 /// One account on the settings screen, in the words that it shows.
 class AccountRow {
@@ -20,7 +35,8 @@ class AccountRow {
     Q_PROPERTY(QString note MEMBER note)
     Q_PROPERTY(QString kind MEMBER kind)
     Q_PROPERTY(QString lastMessage MEMBER lastMessage)
-    Q_PROPERTY(QVariantList actions MEMBER actions)
+    Q_PROPERTY(corvane::AccountAction first READ first)
+    Q_PROPERTY(QList<corvane::AccountAction> others READ others)
     Q_PROPERTY(QString sentence MEMBER sentence)
 public:
     QString accountId;
@@ -32,11 +48,12 @@ public:
     QString note; ///< how the engine ended, and what it said last
     QString kind; ///< "good", "busy", "warn", "bad" or "idle"
     QString lastMessage; ///< such as "Last message 14:20"
-    /// {id, label, confirmation, destructive}. `confirmation` is the question to ask first, empty where none is
-    /// needed. The ids: "start", "pause", "pair", "resetPairing", "resetSession", "sync", "remove".
-    QVariantList actions;
+    QList<AccountAction> actions;
     QString sentence; ///< the row, read aloud
 
+    AccountAction first() const; ///< that needs no question; with an empty id where there is none
+    QList<AccountAction> others() const; ///< all but the first
+    static constexpr const char* role = "account";
     const QString& key() const { return accountId; }
     bool operator==(const AccountRow&) const = default;
 };

@@ -3,8 +3,6 @@
 #include "Foundation/UserDefaults.h"
 #include "Platform/Desktop.h"
 
-#include <QVariantMap>
-
 namespace corvane {
 
 namespace {
@@ -51,13 +49,10 @@ bool Appearance::reducedMotion() const
     return m_desktop.prefersReducedMotion();
 }
 
-QVariantList Appearance::modes() const
+QList<Choice> Appearance::modes() const
 {
-    const auto mode = [](const QString& id, const QString& label) {
-        return QVariantMap { { QStringLiteral("id"), id }, { QStringLiteral("label"), label } };
-    };
-    return { mode(afterDesktop, QStringLiteral("Like the desktop")), mode(lightMode, QStringLiteral("Light")),
-        mode(darkMode, QStringLiteral("Dark")) };
+    return { { afterDesktop, QStringLiteral("Like the desktop") }, { lightMode, QStringLiteral("Light") },
+        { darkMode, QStringLiteral("Dark") } };
 }
 
 }

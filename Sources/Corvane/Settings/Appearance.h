@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QObject>
+#include "Presentation/Choice.h"
 #include <QString>
-#include <QVariantList>
 
 namespace corvane {
 
@@ -15,7 +14,7 @@ class Appearance : public QObject {
     Q_PROPERTY(QString mode READ mode WRITE setMode NOTIFY changed)
     Q_PROPERTY(bool dark READ dark NOTIFY changed)
     Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
-    Q_PROPERTY(QVariantList modes READ modes CONSTANT) ///< {id, label}
+    Q_PROPERTY(QList<corvane::Choice> modes READ modes CONSTANT)
 public:
     Appearance(Desktop& desktop, UserDefaults& defaults, QObject* parent = nullptr);
 
@@ -23,7 +22,7 @@ public:
     void setMode(const QString& mode); ///< an unknown word changes nothing
     bool dark() const;
     bool reducedMotion() const;
-    QVariantList modes() const;
+    QList<Choice> modes() const;
 
 Q_SIGNALS:
     void changed();

@@ -16,16 +16,9 @@ constexpr auto refreshPeriod = std::chrono::seconds(5);
 constexpr int memoryLimit = 200;
 constexpr int shownCharacters = 400;
 
-QVariantMap backend(const QString& name, const QString& state, bool isGood, const QString& detail)
+AssistantBackend backend(const QString& name, const QString& state, bool isGood, const QString& detail)
 {
-    return { { QStringLiteral("name"), name }, { QStringLiteral("stateText"), state },
-        { QStringLiteral("kind"), isGood ? QStringLiteral("good") : QStringLiteral("idle") },
-        { QStringLiteral("detail"), detail } };
-}
-
-QVariantMap fact(const QString& label, const QString& value)
-{
-    return { { QStringLiteral("label"), label }, { QStringLiteral("value"), value } };
+    return { name, state, isGood ? QStringLiteral("good") : QStringLiteral("idle"), detail };
 }
 
 QString powerText(LocalAIPowerSource source)
@@ -101,10 +94,10 @@ QString AssistantSettings::answersText() const
     return name ? *name + QStringLiteral(" answers now.") : QStringLiteral("No LumoAI backend available.");
 }
 
-QVariantList AssistantSettings::backends() const
+QList<AssistantBackend> AssistantSettings::backends() const
 {
     const auto reason = m_services.onDevice.unavailableReason();
-    const QVariantMap onDevice = backend(QStringLiteral("Model on this machine"),
+    const AssistantBackend onDevice = backend(QStringLiteral("Model on this machine"),
         reason ? QStringLiteral("Not available") : QStringLiteral("Answers"), !reason,
         reason.value_or(m_services.onDevice.displayName()));
     const auto codex = m_services.codex.codexPath();
@@ -176,18 +169,17 @@ void AssistantSettings::setServerUrl(const QString& url)
     Q_EMIT choiceChanged();
 }
 
-QVariantList AssistantSettings::gateFacts() const
+QList<MachineFact> AssistantSettings::gateFacts() const
 {
-    return { fact(QStringLiteral("Power"), powerText(m_gate.powerSource)),
-        fact(QStringLiteral("Power saving"), m_gate.lowPowerMode ? QStringLiteral("On") : QStringLiteral("Off")),
-        fact(QStringLiteral("Heat"), heatText(m_gate.thermalState)),
-        fact(QStringLiteral("Memory"), sizeText(static_cast<qint64>(m_gate.physicalMemoryBytes))),
-        fact(QStringLiteral("Free disk space"), sizeText(m_gate.freeDiskBytes)),
-        fact(QStringLiteral("System"),
-            QStringLiteral("%1.%2.%3")
-                .arg(m_gate.osVersion.major)
-                .arg(m_gate.osVersion.minor)
-                .arg(m_gate.osVersion.patch)) };
+    const QString version = QStringLiteral("%1.%2.%3")
+                                .arg(m_gate.osVersion.major)
+                                .arg(m_gate.osVersion.minor)
+                                .arg(m_gate.osVersion.patch);
+    return { { QStringLiteral("Power"), powerText(m_gate.powerSource) },
+        { QStringLiteral("Power saving"), m_gate.lowPowerMode ? QStringLiteral("On") : QStringLiteral("Off") },
+        { QStringLiteral("Heat"), heatText(m_gate.thermalState) },
+        { QStringLiteral("Memory"), sizeText(static_cast<qint64>(m_gate.physicalMemoryBytes)) },
+        { QStringLiteral("Free disk space"), sizeText(m_gate.freeDiskBytes) }, { QStringLiteral("System"), version } };
 }
 
 void AssistantSettings::setVisible(bool visible)
@@ -286,9 +278,7 @@ void AssistantSettings::readMemory()
     QString last;
     for (const ScopedMemoryEntry& entry : fetchAllMemoryEntries(m_db, memoryLimit)) {
         const QString scope = scopeText(entry);
-        m_memory.append(QVariantMap { { QStringLiteral("id"), entry.id }, { QStringLiteral("scope"), scope },
-            { QStringLiteral("body"), singleLine(entry.body) },
-            { QStringLiteral("heading"), scope == last ? QString() : scope } });
+        m_memory.append({ entry.id, scope, singleLine(entry.body), scope == last ? QString() : scope });
         last = scope;
     }
     Q_EMIT memoryChanged();

@@ -7,7 +7,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QVariantList>
 #include <qcoro/qcorotask.h>
 
 namespace corvane {
@@ -16,13 +15,57 @@ class LocalDB;
 class UserDefaults;
 struct AIServices;
 
+/// Somebody who can answer.
+class AssistantBackend {
+    Q_GADGET
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString stateText MEMBER stateText)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString detail MEMBER detail)
+public:
+    QString name;
+    QString stateText;
+    QString kind; ///< "good" or "idle"
+    QString detail;
+
+    bool operator==(const AssistantBackend&) const = default;
+};
+
+/// Something about this machine.
+class MachineFact {
+    Q_GADGET
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString value MEMBER value)
+public:
+    QString label;
+    QString value;
+
+    bool operator==(const MachineFact&) const = default;
+};
+
+/// Something that the assistant remembers.
+class MemoryLine {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString scope MEMBER scope)
+    Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString heading MEMBER heading)
+public:
+    QString id;
+    QString scope;
+    QString body;
+    QString heading; ///< the scope, on its first line
+
+    bool operator==(const MemoryLine&) const = default;
+};
+
 /// The assistant, as the settings show it: who answers and why the other does not, which local model, whether this
 /// machine may do heavy work, and what is kept in memory.
 class AssistantSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString answersText READ answersText NOTIFY changed)
     Q_PROPERTY(bool available READ available NOTIFY changed)
-    Q_PROPERTY(QVariantList backends READ backends NOTIFY changed) ///< {name, stateText, kind, detail}
+    Q_PROPERTY(QList<corvane::AssistantBackend> backends READ backends NOTIFY changed)
     Q_PROPERTY(QStringList models READ models NOTIFY choiceChanged)
     Q_PROPERTY(QString model READ model WRITE setModel NOTIFY choiceChanged) ///< empty: the first that is there
     Q_PROPERTY(QString modelText READ modelText NOTIFY choiceChanged)
@@ -32,12 +75,11 @@ class AssistantSettings : public QObject {
     Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl NOTIFY choiceChanged) ///< empty: the usual ports
     Q_PROPERTY(QString gateText READ gateText NOTIFY changed)
     Q_PROPERTY(bool gateIsOpen READ gateIsOpen NOTIFY changed)
-    Q_PROPERTY(QVariantList gateFacts READ gateFacts NOTIFY changed) ///< {label, value}
+    Q_PROPERTY(QList<corvane::MachineFact> gateFacts READ gateFacts NOTIFY changed)
     Q_PROPERTY(bool trying READ trying NOTIFY tryChanged)
     Q_PROPERTY(QString tryText READ tryText NOTIFY tryChanged) ///< how far it is, or what came of it
     Q_PROPERTY(QString tryKind READ tryKind NOTIFY tryChanged) ///< "idle", "busy", "good" or "bad"
-    Q_PROPERTY(
-        QVariantList memory READ memory NOTIFY memoryChanged) ///< {id, scope, body, heading: on the first of a scope}
+    Q_PROPERTY(QList<corvane::MemoryLine> memory READ memory NOTIFY memoryChanged)
     Q_PROPERTY(QString memoryEmptyText READ memoryEmptyText CONSTANT)
     Q_PROPERTY(QString forgottenText READ forgottenText NOTIFY memoryChanged) ///< empty: nothing to take back
 public:
@@ -48,7 +90,7 @@ public:
 
     QString answersText() const;
     bool available() const;
-    QVariantList backends() const;
+    QList<AssistantBackend> backends() const;
     QStringList models() const;
     QString model() const;
     void setModel(const QString& model);
@@ -60,11 +102,11 @@ public:
     void setServerUrl(const QString& url);
     QString gateText() const { return m_gate.statusText(); }
     bool gateIsOpen() const { return !m_gate.stopCondition; }
-    QVariantList gateFacts() const;
+    QList<MachineFact> gateFacts() const;
     bool trying() const { return m_trying; }
     const QString& tryText() const { return m_tryText; }
     const QString& tryKind() const { return m_tryKind; }
-    const QVariantList& memory() const { return m_memory; }
+    const QList<MemoryLine>& memory() const { return m_memory; }
     QString memoryEmptyText() const;
     QString forgottenText() const;
 
@@ -102,7 +144,7 @@ private:
     bool m_trying = false;
     QString m_tryText;
     QString m_tryKind = QStringLiteral("idle");
-    QVariantList m_memory;
+    QList<MemoryLine> m_memory;
     std::optional<ForgottenMemory> m_forgotten;
 };
 

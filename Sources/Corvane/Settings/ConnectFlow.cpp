@@ -98,6 +98,16 @@ ConnectRequest nameOnly(const QString& name)
 
 }
 
+QString ConnectFlow::channelWord() const
+{
+    return channelRaw(channel);
+}
+
+QString ConnectFlow::label() const
+{
+    return channelLabel(channelRaw(channel));
+}
+
 const QList<ConnectFlow>& connectFlows()
 {
     static const QList<ConnectFlow> flows = makeFlows();

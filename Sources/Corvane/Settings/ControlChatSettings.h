@@ -22,6 +22,7 @@ public:
     bool chosen = false;
     QString sentence; ///< the row, read aloud
 
+    static constexpr const char* role = "chat";
     const QString& key() const { return id; }
     bool operator==(const ControlChatRow&) const = default;
 };

@@ -6,7 +6,6 @@
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 #include "Presentation/DateWords.h"
-#include "Settings/ConnectFlow.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/AccountQueries.h"
 
@@ -15,28 +14,6 @@
 namespace corvane {
 
 namespace {
-
-QVariantMap named(const char* id, const QString& label)
-{
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label } };
-}
-
-QVariantMap fieldMap(const ConnectField& field)
-{
-    return { { QStringLiteral("id"), field.id }, { QStringLiteral("label"), field.label },
-        { QStringLiteral("placeholder"), field.placeholder }, { QStringLiteral("masked"), field.masked } };
-}
-
-QVariantMap flowMap(const ConnectFlow& flow)
-{
-    QVariantList fields;
-    for (const ConnectField& field : flow.fields)
-        fields.append(fieldMap(field));
-    const QString channel = channelRaw(flow.channel);
-    return { { QStringLiteral("channel"), channel }, { QStringLiteral("label"), channelLabel(channel) },
-        { QStringLiteral("title"), flow.title }, { QStringLiteral("hint"), flow.hint },
-        { QStringLiteral("buttonLabel"), flow.buttonLabel }, { QStringLiteral("fields"), fields } };
-}
 
 ConnectValues texts(const QVariantMap& values)
 {
@@ -72,31 +49,28 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     refreshRows();
 }
 
-QVariantList IntegrationsView::sections() const
+QList<Choice> IntegrationsView::sections() const
 {
-    return { named("accounts", QStringLiteral("Accounts")), named("approvals", QStringLiteral("Approvals")),
-        named("assistant", QStringLiteral("Assistant")), named("sync", QStringLiteral("Sync")),
-        named("system", QStringLiteral("System")) };
+    return { { QStringLiteral("accounts"), QStringLiteral("Accounts") },
+        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
+        { QStringLiteral("assistant"), QStringLiteral("Assistant") },
+        { QStringLiteral("sync"), QStringLiteral("Sync") }, { QStringLiteral("system"), QStringLiteral("System") } };
+}
+
+QString IntegrationsView::sectionLabel() const
+{
+    const QList<Choice> all = sections();
+    return std::ranges::find(all, m_section, &Choice::id)->label;
 }
 
 void IntegrationsView::setSection(const QString& id)
 {
-    const QVariantList all = sections();
-    const bool known = std::ranges::any_of(
-        all, [&](const QVariant& section) { return section.toMap()[QStringLiteral("id")].toString() == id; });
+    const bool known = std::ranges::any_of(sections(), [&](const Choice& section) { return section.id == id; });
     if (!known || id == m_section)
         return;
     m_section = id;
     readSection();
     Q_EMIT sectionChanged();
-}
-
-QVariantList IntegrationsView::connectFlows() const
-{
-    QVariantList flows;
-    for (const ConnectFlow& flow : corvane::connectFlows())
-        flows.append(flowMap(flow));
-    return flows;
 }
 
 void IntegrationsView::setVisible(bool visible)

@@ -1,16 +1,17 @@
 #pragma once
 
 #include "Foundation/Coalescer.h"
+#include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
 #include "Settings/AccountRow.h"
 #include "Settings/AssistantSettings.h"
+#include "Settings/ConnectFlow.h"
 #include "Settings/ControlChatSettings.h"
 #include "Settings/PairingSheet.h"
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
 #include "Settings/ToolServerCard.h"
 
-#include <QVariantList>
 #include <QVariantMap>
 
 namespace corvane {
@@ -25,15 +26,15 @@ class SessionStore;
 class IntegrationsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString approvalRule READ approvalRule CONSTANT)
-    Q_PROPERTY(QVariantList sections READ sections CONSTANT) ///< {id, label}
+    Q_PROPERTY(QList<corvane::Choice> sections READ sections CONSTANT)
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
+    Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY sectionChanged)
     /// The account rows, by channel; the properties of `AccountRow` are the roles.
     Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    /// One a channel: {channel, label, title, hint (Markdown), buttonLabel, fields: {id, label, placeholder, masked}}.
-    /// Without fields there is no sheet: `connectAccount` at once.
-    Q_PROPERTY(QVariantList connectFlows READ connectFlows CONSTANT)
+    /// One a channel. Without fields there is no sheet: `connectAccount` at once.
+    Q_PROPERTY(QList<corvane::ConnectFlow> connectFlows READ connectFlows CONSTANT)
     Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
@@ -60,13 +61,14 @@ public:
     {
         return QStringLiteral("Sends/drafts always stay manual — Corvane never sends on its own (hard wall #1).");
     }
-    QVariantList sections() const;
+    QList<Choice> sections() const;
     const QString& section() const { return m_section; }
+    QString sectionLabel() const;
     void setSection(const QString& id); ///< an unknown word changes nothing
     GadgetListModel* accounts() { return &m_rows; }
     QString emptyTitle() const { return QStringLiteral("No accounts yet"); }
     QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
-    QVariantList connectFlows() const;
+    const QList<ConnectFlow>& connectFlows() const { return corvane::connectFlows(); }
     PairingSheet* pairing() { return &m_pairing; }
     ControlChatSettings* controlChat() { return &m_controlChat; }
     AssistantSettings* assistant() { return &m_assistant; }

@@ -6,7 +6,6 @@
 #include "Store/Sync/SyncQueries.h"
 #include "Web/SessionStore.h"
 
-#include <QVariantMap>
 #include <algorithm>
 #include <span>
 
@@ -49,14 +48,12 @@ QString plainWords(std::span<const Word> table, const QString& word)
     return known == table.end() ? word : QString(known->text);
 }
 
-QVariantMap healthLine(const SyncHealthRow& row, const DateWords& words)
+SyncHealthLine healthLine(const SyncHealthRow& row, const DateWords& words)
 {
     QString detail = row.lastError;
     if (detail.isEmpty() && row.lastFinishedAt)
         detail = QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt);
-    return { { QStringLiteral("source"), plainWords(sources, row.source) },
-        { QStringLiteral("status"), plainWords(statuses, row.status) }, { QStringLiteral("kind"), kindOf(row) },
-        { QStringLiteral("detail"), detail } };
+    return { plainWords(sources, row.source), plainWords(statuses, row.status), kindOf(row), detail };
 }
 
 }

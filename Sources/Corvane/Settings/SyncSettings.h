@@ -1,12 +1,27 @@
 #pragma once
 
 #include <QObject>
-#include <QVariantList>
 
 namespace corvane {
 
 class LocalDB;
 class SessionStore;
+
+/// What one part of the sync last did.
+class SyncHealthLine {
+    Q_GADGET
+    Q_PROPERTY(QString source MEMBER source)
+    Q_PROPERTY(QString status MEMBER status)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString detail MEMBER detail)
+public:
+    QString source;
+    QString status;
+    QString kind; ///< "good", "busy" or "bad"
+    QString detail;
+
+    bool operator==(const SyncHealthLine&) const = default;
+};
 
 /// The account card and the state of the web mirror.
 class SyncSettings : public QObject {
@@ -16,8 +31,7 @@ class SyncSettings : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
     Q_PROPERTY(QString stateKind READ stateKind NOTIFY changed) ///< "good", "busy", "bad" or "idle"
     Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
-    /// {source, status, kind, detail}: one line a source.
-    Q_PROPERTY(QVariantList health READ health NOTIFY changed)
+    Q_PROPERTY(QList<corvane::SyncHealthLine> health READ health NOTIFY changed)
     Q_PROPERTY(QString emptyHealthText READ emptyHealthText CONSTANT)
     Q_PROPERTY(QString queueLabel READ queueLabel CONSTANT)
     Q_PROPERTY(QString queueHint READ queueHint CONSTANT)
@@ -30,7 +44,7 @@ public:
     QString stateText() const;
     QString stateKind() const;
     QString actionLabel() const;
-    const QVariantList& health() const { return m_health; }
+    const QList<SyncHealthLine>& health() const { return m_health; }
     QString emptyHealthText() const
     {
         return QStringLiteral("Nothing has been synced yet. What each part of the sync last did appears here.");
@@ -49,7 +63,7 @@ Q_SIGNALS:
 private:
     SessionStore& m_session;
     LocalDB& m_db;
-    QVariantList m_health;
+    QList<SyncHealthLine> m_health;
     QString m_queuedText;
 };
 

@@ -14,15 +14,14 @@ namespace corvane {
 
 namespace {
 
-QVariantMap action(const char* id, const QString& label)
+Choice action(const char* id, const QString& label)
 {
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label } };
+    return { QString::fromLatin1(id), label };
 }
 
-QVariantMap notice(const char* id, const char* tone, const QString& text, const QVariantList& actions = {})
+Notice notice(const char* id, const char* tone, const QString& text, const QList<Choice>& actions = {})
 {
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("tone"), QString::fromLatin1(tone) },
-        { QStringLiteral("text"), text }, { QStringLiteral("actions"), actions } };
+    return { QString::fromLatin1(id), QString::fromLatin1(tone), text, actions };
 }
 
 }
@@ -61,9 +60,9 @@ Notices::Notices(const Surroundings& surroundings, QObject* parent)
     connect(&m_at.content, &ContentView::showsWallChanged, this, &Notices::changed);
 }
 
-QVariantList Notices::items() const
+QList<Notice> Notices::items() const
 {
-    QVariantList items;
+    QList<Notice> items;
     if (const QString text = describe(m_at.health.fault(), m_at.paths); !text.isEmpty())
         items.append(notice("store", "bad", text));
     if (m_at.session.asksAboutLink())

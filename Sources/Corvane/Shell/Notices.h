@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QObject>
-#include <QVariantList>
+#include "Presentation/Choice.h"
 
 namespace corvane {
 
@@ -13,15 +12,30 @@ class StoreHealth;
 enum class StoreFault;
 struct AppPaths;
 
+/// A line of the notices.
+class Notice {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString tone MEMBER tone)
+    Q_PROPERTY(QString text MEMBER text)
+    Q_PROPERTY(QList<corvane::Choice> actions MEMBER actions)
+public:
+    QString id;
+    QString tone; ///< "bad", "warn" or "plain"
+    QString text;
+    QList<Choice> actions; ///< two at most
+
+    bool operator==(const Notice&) const = default;
+};
+
 /// What is wrong with the database, and what to do; empty where nothing is, or where another file is needed.
 QString describe(StoreFault fault, const AppPaths& paths);
 
 /// What a person needs to know on whatever screen: each notice goes when its cause does.
 class Notices : public QObject {
     Q_OBJECT
-    /// Of {id, tone, text, actions}, the most pressing first. The tone is "bad", "warn" or "plain"; the actions are of
-    /// {id, label}, and `perform` takes both ids.
-    Q_PROPERTY(QVariantList items READ items NOTIFY changed)
+    /// The most pressing first; `perform` takes the ids of a notice and of its action.
+    Q_PROPERTY(QList<corvane::Notice> items READ items NOTIFY changed)
 public:
     struct Surroundings {
         StoreHealth& health;
@@ -34,7 +48,7 @@ public:
 
     explicit Notices(const Surroundings& surroundings, QObject* parent = nullptr);
 
-    QVariantList items() const;
+    QList<Notice> items() const;
     Q_INVOKABLE void perform(const QString& id, const QString& action);
 
 Q_SIGNALS:

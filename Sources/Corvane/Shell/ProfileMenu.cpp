@@ -4,8 +4,6 @@
 #include "Store/Core/Workspaces.h"
 #include "Web/SessionStore.h"
 
-#include <QVariantMap>
-
 namespace corvane {
 
 namespace {
@@ -14,11 +12,6 @@ const QString openSettingsId = QStringLiteral("openSettings");
 const QString signOutId = QStringLiteral("signOut");
 const QString signInId = QStringLiteral("signIn");
 const QString quitId = QStringLiteral("quit");
-
-QVariantMap action(const QString& id, const QString& label)
-{
-    return { { QStringLiteral("id"), id }, { QStringLiteral("label"), label } };
-}
 
 }
 
@@ -49,13 +42,12 @@ bool ProfileMenu::signedIn() const
     return m_session.signedIn();
 }
 
-QVariantList ProfileMenu::actions() const
+QList<Choice> ProfileMenu::actions() const
 {
-    const QVariantMap quit = action(quitId, QStringLiteral("Quit Corvane"));
+    const Choice quit { quitId, QStringLiteral("Quit Corvane") };
     if (!signedIn())
-        return { action(signInId, QStringLiteral("Sign in to Nimb")), quit };
-    return { action(openSettingsId, QStringLiteral("Open Settings")), action(signOutId, QStringLiteral("Sign Out")),
-        quit };
+        return { { signInId, QStringLiteral("Sign in to Nimb") }, quit };
+    return { { openSettingsId, QStringLiteral("Open Settings") }, { signOutId, QStringLiteral("Sign Out") }, quit };
 }
 
 void ProfileMenu::refresh()
@@ -63,11 +55,8 @@ void ProfileMenu::refresh()
     m_workspaces.clear();
     if (signedIn()) {
         const QString active = activeWorkspaceId(m_db, Repair::No);
-        for (const WorkspaceRow& row : fetchWorkspaceRows(m_db)) {
-            m_workspaces.append(
-                QVariantMap { { QStringLiteral("id"), row.workspaceId }, { QStringLiteral("name"), row.displayName() },
-                    { QStringLiteral("selected"), row.workspaceId == active } });
-        }
+        for (const WorkspaceRow& row : fetchWorkspaceRows(m_db))
+            m_workspaces.append({ row.workspaceId, row.displayName(), row.workspaceId == active });
     }
     Q_EMIT changed();
 }

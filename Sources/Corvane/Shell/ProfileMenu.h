@@ -1,15 +1,27 @@
 #pragma once
 
 #include "Foundation/NotificationCentre.h"
-
-#include <QObject>
-#include <QVariantList>
+#include "Presentation/Choice.h"
 
 namespace corvane {
 
 class AppShell;
 class LocalDB;
 class SessionStore;
+
+/// A workspace to choose.
+class WorkspaceChoice {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(bool selected MEMBER selected)
+public:
+    QString id;
+    QString name;
+    bool selected = false;
+
+    bool operator==(const WorkspaceChoice&) const = default;
+};
 
 /// The menu behind the round profile button.
 class ProfileMenu : public QObject {
@@ -18,10 +30,10 @@ class ProfileMenu : public QObject {
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
     Q_PROPERTY(QString workspaceLabel READ workspaceLabel CONSTANT)
-    /// {id, name, selected}, for the submenu; empty without a token.
-    Q_PROPERTY(QVariantList workspaces READ workspaces NOTIFY changed)
-    /// {id, label}, in order below the submenu; `perform` takes the id.
-    Q_PROPERTY(QVariantList actions READ actions NOTIFY changed)
+    /// For the submenu; empty without a token.
+    Q_PROPERTY(QList<corvane::WorkspaceChoice> workspaces READ workspaces NOTIFY changed)
+    /// In order below the submenu; `perform` takes the id.
+    Q_PROPERTY(QList<corvane::Choice> actions READ actions NOTIFY changed)
 public:
     /// All references outlive the menu.
     ProfileMenu(
@@ -31,8 +43,8 @@ public:
     QString initial() const; ///< empty where there is no name to take it from
     bool signedIn() const;
     QString workspaceLabel() const { return QStringLiteral("Workspace"); }
-    const QVariantList& workspaces() const { return m_workspaces; }
-    QVariantList actions() const;
+    const QList<WorkspaceChoice>& workspaces() const { return m_workspaces; }
+    QList<Choice> actions() const;
 
     Q_INVOKABLE void refresh(); ///< reads the workspaces again, as the menu opens
     Q_INVOKABLE void selectWorkspace(const QString& id);
@@ -45,7 +57,7 @@ private:
     SessionStore& m_session;
     AppShell& m_shell;
     LocalDB& m_db;
-    QVariantList m_workspaces;
+    QList<WorkspaceChoice> m_workspaces;
     NotificationCentre::Observation m_workspaceChanged;
 };
 

@@ -25,10 +25,9 @@ namespace {
 constexpr Milliseconds enginesTime { 5'000 }; // until an engine that was told to end is gone
 constexpr Milliseconds lookAgain { 200 };
 
-QVariantMap choice(const char* id, const QString& label, const QString& hint)
+RecoveryChoice choice(const char* id, const QString& label, const QString& hint)
 {
-    return { { QStringLiteral("id"), QString::fromLatin1(id) }, { QStringLiteral("label"), label },
-        { QStringLiteral("hint"), hint } };
+    return { QString::fromLatin1(id), label, hint };
 }
 
 }
@@ -70,13 +69,13 @@ QString StoreRecovery::explanation() const
     Q_UNREACHABLE();
 }
 
-QVariantList StoreRecovery::choices() const
+QList<RecoveryChoice> StoreRecovery::choices() const
 {
     if (m_step == Step::Stuck)
         return { choice("retry", QStringLiteral("Try again"), {}) };
     if (m_step != Step::Choosing)
         return {};
-    QVariantList offered { choice("save", QStringLiteral("Save what can be read"),
+    QList<RecoveryChoice> offered { choice("save", QStringLiteral("Save what can be read"),
         QStringLiteral("Copies every row that can still be read into a new database.")) };
     if (const auto backup = latestBackup()) {
         const QDateTime made = QFileInfo(*backup).lastModified();

@@ -3,7 +3,6 @@
 #include "Foundation/Scheduler.h"
 
 #include <QObject>
-#include <QVariantList>
 
 namespace corvane {
 
@@ -13,6 +12,20 @@ class EngineManager;
 struct AppPaths;
 struct SalvageProgress;
 
+/// What can take the place of a damaged database.
+class RecoveryChoice {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString hint MEMBER hint)
+public:
+    QString id;
+    QString label;
+    QString hint;
+
+    bool operator==(const RecoveryChoice&) const = default;
+};
+
 /// A damaged database: the engines and the tool server are stopped, the file is moved aside, and the user chooses what
 /// takes its place. What engines have printed meanwhile waits. Also after a start that finds the choice still open.
 class StoreRecovery : public QObject {
@@ -21,7 +34,7 @@ class StoreRecovery : public QObject {
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString explanation READ explanation NOTIFY changed)
-    Q_PROPERTY(QVariantList choices READ choices NOTIFY changed) ///< of {id, label, hint}; `choose` takes the id
+    Q_PROPERTY(QList<corvane::RecoveryChoice> choices READ choices NOTIFY changed) ///< `choose` takes the id
     Q_PROPERTY(QString progressText READ progressText NOTIFY progressed) ///< while busy
     Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< 0 to 1, while busy
     Q_PROPERTY(QString error READ error NOTIFY changed) ///< why the last choice came to nothing; mostly empty
@@ -41,7 +54,7 @@ public:
     bool busy() const { return m_step == Step::Stopping || m_step == Step::Copying; }
     QString title() const { return QStringLiteral("The database is damaged"); }
     QString explanation() const;
-    QVariantList choices() const;
+    QList<RecoveryChoice> choices() const;
     QString progressText() const;
     double progress() const;
     const QString& error() const { return m_error; }

@@ -5,7 +5,7 @@
 namespace corvane {
 
 TopHubBar::TopHubBar(QObject* parent)
-    : GadgetListModel(HubRow::staticMetaObject, parent)
+    : GadgetListModel(HubRow::staticMetaObject, HubRow::role, parent)
 {
     for (const Hub& hub : hubTable()) {
         HubRow row;

@@ -21,11 +21,12 @@ public:
     QString identifier; ///< such as "topnav.inbox"
     QString shortcut; ///< such as "Ctrl+5"
 
+    static constexpr const char* role = "hub";
     bool operator==(const HubRow&) const = default;
 };
 
 /// The bar's rows, one for each hub of the table.
-class TopHubBar : public GadgetListModel {
+class TopHubBar : public corvane::GadgetListModel {
     Q_OBJECT
     Q_PROPERTY(QString searchLabel READ searchLabel CONSTANT)
 public:

@@ -26,6 +26,7 @@ public:
     bool attention = false; ///< its bell rang since it was last in front
     bool ended = false;
 
+    static constexpr const char* role = "entry";
     QString key() const { return id; }
     bool operator==(const TerminalTab&) const = default;
     static constexpr const char* role = "tab";
@@ -34,7 +35,7 @@ public:
 /// The terminal screen: local shells in tabs, one question at a time about them, and the size of their type.
 class TerminalsView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QAbstractItemModel* tabs READ tabs CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* tabs READ tabs CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(corvane::LumoTerminalSession* current READ current NOTIFY changed)
     Q_PROPERTY(QString question READ question NOTIFY questionChanged) ///< empty for none
@@ -61,7 +62,7 @@ public:
     explicit TerminalsView(Surroundings at, QObject* parent = nullptr);
     ~TerminalsView() override;
 
-    QAbstractItemModel* tabs() { return &m_tabs; }
+    HoldingListModel* tabs() { return &m_tabs; }
     int count() const { return int(m_sessions.size()); }
     LumoTerminalSession* current() const { return m_current; }
     const std::vector<std::unique_ptr<LumoTerminalSession>>& localSessions() const { return m_sessions; }

@@ -2,8 +2,9 @@
 
 #include "Foundation/Log.h"
 #include "Shell/Screens.h"
+#include "UI/Controls/MediaCache.h"
 #include "UI/ImageProviders.h"
-#include "UI/MediaCache.h"
+#include "UI/QmlModules.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -12,9 +13,6 @@
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
-
-// Made by the build for the module "Corvane"; naming it keeps the static library's registration in the program.
-void qml_register_types_Corvane();
 
 namespace corvane {
 
@@ -49,7 +47,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& d
     : QObject(parent)
     , m_layout(defaults)
 {
-    qml_register_types_Corvane();
+    registerQmlModules();
     chooseFont();
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 
@@ -57,20 +55,22 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& d
     m_engine.addImageProvider(u"icon"_s, new IconProvider);
     new MediaCache(decoder, &m_engine);
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Corvane/Shell/CorvaneWindow.qml"_s));
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({
-        { u"content"_s, object(screens.content) },
-        { u"wall"_s, object(screens.wall) },
-        { u"notices"_s, object(screens.notices) },
-        { u"recovery"_s, object(screens.recovery) },
-        { u"shell"_s, object(screens.shell) },
-        { u"profile"_s, object(screens.profile) },
-        { u"settings"_s, object(screens.settings) },
-        { u"inbox"_s, object(screens.inbox) },
-        { u"approvals"_s, object(screens.approvals) },
-        { u"appearance"_s, object(screens.appearance) },
-        { u"layout"_s, object(m_layout) },
-        { u"closingNotice"_s, object(screens.closingNotice) },
-    }));
+    std::unique_ptr<QObject> root;
+    if (component.isReady())
+        root.reset(component.createWithInitialProperties({
+            { u"content"_s, object(screens.content) },
+            { u"wall"_s, object(screens.wall) },
+            { u"notices"_s, object(screens.notices) },
+            { u"recovery"_s, object(screens.recovery) },
+            { u"shell"_s, object(screens.shell) },
+            { u"profile"_s, object(screens.profile) },
+            { u"settings"_s, object(screens.settings) },
+            { u"inbox"_s, object(screens.inbox) },
+            { u"approvals"_s, object(screens.approvals) },
+            { u"appearance"_s, object(screens.appearance) },
+            { u"layout"_s, object(m_layout) },
+            { u"closingNotice"_s, object(screens.closingNotice) },
+        }));
     for (const QQmlError& error : component.errors())
         log(u"MainWindow: %1"_s.arg(error.toString()));
     m_window.reset(qobject_cast<QQuickWindow*>(root.get()));

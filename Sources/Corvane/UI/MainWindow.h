@@ -1,6 +1,6 @@
 #pragma once
 
-#include "UI/WindowLayout.h"
+#include "UI/Controls/WindowLayout.h"
 
 #include <QQmlEngine>
 #include <QQuickWindow>

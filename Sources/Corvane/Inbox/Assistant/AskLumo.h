@@ -9,7 +9,7 @@ namespace corvane {
 struct AIServices;
 
 /// A question about the person whose thread is open, answered from what is known here.
-class AskLumo final : public GenerationPanel {
+class AskLumo final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString heading READ heading NOTIFY changed) ///< "Ask Lumo about Ana"
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)

@@ -30,13 +30,12 @@ QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact)
     return fetchUnifiedThread(db, contact.id, threadLimit);
 }
 
-QVariantList citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels)
+QList<Citation> citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels)
 {
-    QVariantList choices;
+    QList<Citation> choices;
     for (const LocalAIMessageCitation& citation : citations) {
         if (labels.contains(citation.label))
-            choices.append(QVariantMap { { QStringLiteral("label"), citation.label },
-                { QStringLiteral("messageId"), citation.id }, { QStringLiteral("excerpt"), citation.excerpt } });
+            choices.append({ citation.label, citation.id, citation.excerpt });
     }
     return choices;
 }

@@ -3,16 +3,30 @@
 #include "AI/LumoDraftPrompt.h"
 #include "Store/Messages/InboxQueries.h"
 
-#include <QVariantList>
+#include <QObject>
 
 namespace corvane {
+
+/// A message that an answer names.
+class Citation {
+    Q_GADGET
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString messageId MEMBER messageId)
+    Q_PROPERTY(QString excerpt MEMBER excerpt)
+public:
+    QString label; ///< such as "M3"
+    QString messageId;
+    QString excerpt;
+
+    bool operator==(const Citation&) const = default;
+};
 
 // What is known here of the person whose thread is open, read afresh.
 
 LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact);
 QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact); ///< oldest first
 
-/// Those of `labels`, as a screen shows them: {label, messageId, excerpt}.
-QVariantList citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels);
+/// Those of `labels`, as a screen shows them.
+QList<Citation> citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels);
 
 }

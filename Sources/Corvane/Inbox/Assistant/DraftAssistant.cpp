@@ -51,10 +51,10 @@ bool DraftAssistant::isRewrite() const
     return m_result && m_result->intent == rewriteIntent();
 }
 
-QVariantList DraftAssistant::citations() const
+QList<Citation> DraftAssistant::citations() const
 {
     return m_result ? citationChoices(m_result->citations, m_result->responseMetadata.usedMessageLabels)
-                    : QVariantList();
+                    : QList<Citation>();
 }
 
 QString DraftAssistant::caption() const
@@ -62,12 +62,11 @@ QString DraftAssistant::caption() const
     return QStringLiteral("Composer draft only");
 }
 
-QVariantList DraftAssistant::rewrites() const
+QList<Choice> DraftAssistant::rewrites() const
 {
-    QVariantList choices;
+    QList<Choice> choices;
     for (const Rewrite& rewrite : offeredRewrites)
-        choices.append(QVariantMap { { QStringLiteral("key"), QString::fromLatin1(rewrite.key) },
-            { QStringLiteral("label"), corvane::operationLabel(rewrite.action) } });
+        choices.append({ QString::fromLatin1(rewrite.key), corvane::operationLabel(rewrite.action) });
     return choices;
 }
 

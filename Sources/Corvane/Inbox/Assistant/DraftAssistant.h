@@ -1,9 +1,9 @@
 #pragma once
 
 #include "AI/LumoDraftService.h"
+#include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/Assistant/GenerationPanel.h"
-
-#include <QVariantList>
+#include "Presentation/Choice.h"
 
 namespace corvane {
 
@@ -13,16 +13,16 @@ struct AIServices;
 
 /// Prepares texts for the composer: a reply, or another wording of what stands there. What it makes is a preview, which
 /// the person takes over or not; nothing here can send.
-class DraftAssistant final : public GenerationPanel {
+class DraftAssistant final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString draft READ draft NOTIFY changed)
     Q_PROPERTY(QString operationLabel READ operationLabel NOTIFY changed) ///< "Draft reply", "Shorten", ...
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
     Q_PROPERTY(bool isRewrite READ isRewrite NOTIFY changed) ///< of the composer's text, rather than beside it
     Q_PROPERTY(QStringList warnings READ warnings NOTIFY changed)
-    Q_PROPERTY(QVariantList citations READ citations NOTIFY changed) ///< of {label, messageId, excerpt}
+    Q_PROPERTY(QList<corvane::Citation> citations READ citations NOTIFY changed)
     Q_PROPERTY(QString caption READ caption CONSTANT)
-    Q_PROPERTY(QVariantList rewrites READ rewrites CONSTANT) ///< of {key, label}
+    Q_PROPERTY(QList<corvane::Choice> rewrites READ rewrites CONSTANT)
     Q_PROPERTY(QStringList languages READ languages CONSTANT) ///< that a text can be translated to
 public:
     struct Surroundings {
@@ -40,9 +40,9 @@ public:
     QString modelName() const { return m_result ? m_result->model.displayName : QString(); }
     bool isRewrite() const;
     QStringList warnings() const { return m_result ? m_result->responseMetadata.warnings : QStringList(); }
-    QVariantList citations() const; ///< those that the draft names
+    QList<Citation> citations() const; ///< those that the draft names
     QString caption() const;
-    QVariantList rewrites() const;
+    QList<Choice> rewrites() const;
     QStringList languages() const;
 
     Q_INVOKABLE void draftReply();

@@ -78,7 +78,7 @@ QString ThreadSummary::html() const
     return linked(inLines(m_summary->text.trimmed()), messages);
 }
 
-QVariantList ThreadSummary::citations() const
+QList<Citation> ThreadSummary::citations() const
 {
     if (!m_summary)
         return {};

@@ -1,21 +1,20 @@
 #pragma once
 
 #include "AI/LumoAISummaryService.h"
+#include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/Assistant/GenerationPanel.h"
-
-#include <QVariantList>
 
 namespace corvane {
 
 struct AIServices;
 
 /// The open thread in a few lines, with the messages that it rests on.
-class ThreadSummary final : public GenerationPanel {
+class ThreadSummary final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString html READ html NOTIFY changed) ///< the text; a label such as M3 links to its message's id
     Q_PROPERTY(QString text READ text NOTIFY changed)
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
-    Q_PROPERTY(QVariantList citations READ citations NOTIFY changed) ///< that it names: {label, messageId, excerpt}
+    Q_PROPERTY(QList<corvane::Citation> citations READ citations NOTIFY changed) ///< that it names
 public:
     /// Everything outlives the object.
     ThreadSummary(LocalDB& db, AIServices& ai, QObject* parent = nullptr);
@@ -24,7 +23,7 @@ public:
     QString text() const { return m_summary ? m_summary->text : QString(); }
     QString modelName() const { return m_summary ? m_summary->model.displayName : QString(); }
 
-    QVariantList citations() const;
+    QList<Citation> citations() const;
 
     Q_INVOKABLE void summarize();
 

@@ -90,15 +90,14 @@ QString ComposeSheet::emptyText() const
     return m_accounts.accounts().isEmpty() ? QStringLiteral("Connect an account in Settings first.") : QString();
 }
 
-QVariantList ComposeSheet::accounts() const
+QList<AccountChoice> ComposeSheet::accounts() const
 {
-    QVariantList choices;
+    QList<AccountChoice> choices;
     for (const Account& each : m_accounts.accounts()) {
         const QString channel = channelRaw(each.channel());
         const QString word = channelLabel(channel);
-        choices.append(QVariantMap { { QStringLiteral("key"), each.id.toString() },
-            { QStringLiteral("label"), each.name == word ? word : QStringLiteral("%1 · %2").arg(each.name, word) },
-            { QStringLiteral("channel"), channel } });
+        choices.append(
+            { each.id.toString(), each.name == word ? word : QStringLiteral("%1 · %2").arg(each.name, word), channel });
     }
     return choices;
 }

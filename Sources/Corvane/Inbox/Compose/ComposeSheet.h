@@ -3,7 +3,6 @@
 #include "Engines/Account.h"
 
 #include <QObject>
-#include <QVariantList>
 #include <functional>
 
 namespace corvane {
@@ -22,6 +21,20 @@ QString recipientExample(Channel channel);
 /// The recipient as the channel's conversations name it: a WhatsApp number becomes its address.
 QString recipientAddress(Channel channel, const QString& recipient);
 
+/// An account to send from.
+class AccountChoice {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString channel MEMBER channel)
+public:
+    QString id;
+    QString label;
+    QString channel; ///< such as "WHATSAPP"
+
+    bool operator==(const AccountChoice&) const = default;
+};
+
 /// A message to a new person. It queues a draft, which a person approves before it goes out. What was typed stays
 /// until it is queued.
 class ComposeSheet : public QObject {
@@ -31,7 +44,7 @@ class ComposeSheet : public QObject {
     Q_PROPERTY(QString submitLabel READ submitLabel CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< only where there is no account
     Q_PROPERTY(bool shown READ shown NOTIFY changed)
-    Q_PROPERTY(QVariantList accounts READ accounts NOTIFY changed) ///< of {key, label, channel}
+    Q_PROPERTY(QList<corvane::AccountChoice> accounts READ accounts NOTIFY changed)
     Q_PROPERTY(QString accountId READ accountId WRITE setAccountId NOTIFY changed)
     Q_PROPERTY(QString recipientLabel READ label NOTIFY changed)
     Q_PROPERTY(QString recipientExample READ example NOTIFY changed)
@@ -52,7 +65,7 @@ public:
     QString submitLabel() const { return QStringLiteral("Queue draft"); }
     QString emptyText() const;
     bool shown() const { return m_shown; }
-    QVariantList accounts() const;
+    QList<AccountChoice> accounts() const;
     QString accountId() const;
     void setAccountId(const QString& id); ///< an unknown id changes nothing
     QString label() const;

@@ -97,12 +97,11 @@ void Composer::gatherMerged()
     }
 }
 
-QVariantList Composer::replyPlatforms() const
+QList<Choice> Composer::replyPlatforms() const
 {
-    QVariantList choices;
+    QList<Choice> choices;
     for (const QString& platform : m_contact.platforms)
-        choices.append(
-            QVariantMap { { QStringLiteral("key"), platform }, { QStringLiteral("label"), channelLabel(platform) } });
+        choices.append({ platform, channelLabel(platform) });
     return choices;
 }
 

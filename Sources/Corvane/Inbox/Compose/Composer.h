@@ -3,10 +3,10 @@
 #include "Inbox/Compose/UnsentMessages.h"
 #include "Inbox/Compose/UnsentTexts.h"
 #include "Inbox/Compose/VoiceRecorder.h"
+#include "Presentation/Choice.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QUrl>
-#include <QVariantList>
 
 namespace corvane {
 
@@ -23,14 +23,14 @@ class Composer : public QObject {
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY textChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged) ///< of the last `apply`
-    Q_PROPERTY(QVariantList replyPlatforms READ replyPlatforms NOTIFY contactChanged) ///< of {key, label}
+    Q_PROPERTY(QList<corvane::Choice> replyPlatforms READ replyPlatforms NOTIFY contactChanged)
     Q_PROPERTY(QString replyPlatform READ replyPlatform WRITE setReplyPlatform NOTIFY replyPlatformChanged)
     Q_PROPERTY(QString replyPlatformLabel READ replyPlatformLabel NOTIFY replyPlatformChanged)
     Q_PROPERTY(QString placeholder READ placeholder NOTIFY hintsChanged)
     Q_PROPERTY(bool returnSends READ returnSends NOTIFY hintsChanged) ///< Ctrl+Return always does
     Q_PROPERTY(QString sendKeys READ sendKeys NOTIFY hintsChanged)
     Q_PROPERTY(QString sendError READ sendError NOTIFY sendErrorChanged)
-    Q_PROPERTY(QAbstractItemModel* unsent READ unsent CONSTANT) ///< of UnsentMessageItem: what did not go out
+    Q_PROPERTY(corvane::HoldingListModel* unsent READ unsent CONSTANT) ///< of UnsentMessageItem: what did not go out
     Q_PROPERTY(bool editing MEMBER m_editing NOTIFY editingChanged) ///< the field has the keys
     Q_PROPERTY(corvane::VoiceRecorder* voice READ voice CONSTANT)
     Q_PROPERTY(bool showsVoice READ showsVoice NOTIFY voiceShown) ///< a note to the open contact runs or waits
@@ -60,7 +60,7 @@ public:
     void setText(const QString& text);
     bool canSend() const { return !text().trimmed().isEmpty(); }
     bool canUndo() const { return m_beforeApply.has_value(); }
-    QVariantList replyPlatforms() const;
+    QList<Choice> replyPlatforms() const;
     const QString& replyPlatform() const { return m_replyPlatform; }
     void setReplyPlatform(const QString& platform); ///< one that the contact has
     QString replyPlatformLabel() const;
@@ -68,7 +68,7 @@ public:
     bool returnSends() const;
     QString sendKeys() const;
     const QString& sendError() const { return m_sendError; }
-    QAbstractItemModel* unsent() { return &m_unsent.rows(); }
+    HoldingListModel* unsent() { return &m_unsent.rows(); }
     VoiceRecorder* voice() { return &m_voice; }
     bool showsVoice() const;
 

@@ -22,6 +22,7 @@ public:
     QString body;
     QString reason;
 
+    static constexpr const char* role = "message";
     const QString& key() const { return id; }
     bool operator==(const UnsentMessageItem&) const = default;
 };

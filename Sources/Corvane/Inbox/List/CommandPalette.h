@@ -40,6 +40,7 @@ public:
     bool highlighted = false;
     QString contactId; ///< for a contact
 
+    static constexpr const char* role = "entry";
     const QString& key() const { return id; }
     bool operator==(const PaletteItem&) const = default;
 };
@@ -53,7 +54,7 @@ class CommandPalette : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
     Q_PROPERTY(int index READ index WRITE setIndex NOTIFY indexChanged)
-    Q_PROPERTY(QAbstractItemModel* items READ items CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* items READ items CONSTANT)
 public:
     explicit CommandPalette(QObject* parent = nullptr);
 
@@ -61,7 +62,7 @@ public:
     void setQuery(const QString& query);
     int index() const { return m_index; } ///< of the highlighted line
     void setIndex(int index);
-    QAbstractItemModel* items() { return &m_items; }
+    HoldingListModel* items() { return &m_items; }
 
     void addCommands(const QList<PaletteCommand>& commands); ///< below those that stand there already
     void setContacts(const QList<ContactRow>& contacts);

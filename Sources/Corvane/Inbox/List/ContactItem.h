@@ -51,6 +51,7 @@ public:
     bool selected = false;
     bool checked = false;
 
+    static constexpr const char* role = "contact";
     const QString& key() const { return id; }
     bool operator==(const ContactItem&) const = default;
 };
@@ -89,6 +90,7 @@ public:
     int hue = 0;
     QString spoken;
 
+    static constexpr const char* role = "hit";
     const QString& key() const { return id; }
     bool operator==(const MessageHitItem&) const = default;
 };

@@ -18,11 +18,6 @@ constexpr Milliseconds reloadPause { 100 };
 constexpr Milliseconds searchDelay { 250 };
 constexpr Milliseconds countsPeriod { 1000 };
 
-QVariantMap choice(const QString& key, const QString& label)
-{
-    return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label } };
-}
-
 }
 
 InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
@@ -330,7 +325,7 @@ void InboxView::showRead(const std::optional<QStringList>& contactIds)
     present();
 }
 
-QVariantList InboxView::countedTabs() const
+QList<TabItem> InboxView::countedTabs() const
 {
     return inboxTabs([this](InboxFilter filter) { return m_counts.of(filter); });
 }
@@ -338,7 +333,7 @@ QVariantList InboxView::countedTabs() const
 void InboxView::presentCounts()
 {
     m_counts.read();
-    const QVariantList tabs = countedTabs();
+    const QList<TabItem> tabs = countedTabs();
     if (tabs == m_tabs)
         return;
     m_tabs = tabs;
@@ -395,12 +390,12 @@ void InboxView::presentChoices()
     slugs.removeDuplicates();
     channels.sort();
     slugs.sort();
-    QVariantList channelChoices;
+    QList<Choice> channelChoices;
     for (const QString& channel : channels)
-        channelChoices.append(choice(channel, channelLabel(channel)));
-    QVariantList accountChoices;
+        channelChoices.append({ channel, channelLabel(channel) });
+    QList<Choice> accountChoices;
     for (const QString& slug : slugs)
-        accountChoices.append(choice(slug, accountLabel(slug)));
+        accountChoices.append({ slug, accountLabel(slug) });
     if (channelChoices == m_channelChoices && accountChoices == m_accountChoices)
         return;
     m_channelChoices = channelChoices;
@@ -410,7 +405,7 @@ void InboxView::presentChoices()
 
 void InboxView::presentBanners()
 {
-    const QVariantList banners = m_webMirror.banners(m_state.channelFilter, m_scheduler.nowMs());
+    const QList<StalenessBanner> banners = m_webMirror.banners(m_state.channelFilter, m_scheduler.nowMs());
     if (banners == m_banners)
         return;
     m_banners = banners;

@@ -23,8 +23,6 @@
 #include "Inbox/Thread/VoicePlayer.h"
 #include "Presentation/UndoOffer.h"
 
-#include <QVariantList>
-
 namespace corvane {
 
 class TranslationService;
@@ -39,7 +37,7 @@ struct AppPaths;
 class InboxView : public QObject {
     Q_OBJECT
     // What is listed
-    Q_PROPERTY(QVariantList tabs READ tabs NOTIFY tabsChanged) ///< of {key, label, count}; a count of 0 is not shown
+    Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY tabsChanged)
     Q_PROPERTY(QString filter READ filterWord WRITE setFilterWord NOTIFY filterChanged) ///< needsMe today all archived
     Q_PROPERTY(bool unarchives READ unarchives NOTIFY filterChanged) ///< `archive` brings back here
     Q_PROPERTY(QString archiveLabel READ archiveLabel NOTIFY filterChanged)
@@ -48,12 +46,12 @@ class InboxView : public QObject {
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(QString channelFilter READ channelFilter WRITE setChannelFilter NOTIFY narrowingChanged)
     Q_PROPERTY(QString accountFilter READ accountFilter WRITE setAccountFilter NOTIFY narrowingChanged)
-    Q_PROPERTY(QVariantList channelChoices READ channelChoices NOTIFY choicesChanged) ///< of {key, label}
-    Q_PROPERTY(QVariantList accountChoices READ accountChoices NOTIFY choicesChanged) ///< of {key, label}
+    Q_PROPERTY(QList<corvane::Choice> channelChoices READ channelChoices NOTIFY choicesChanged)
+    Q_PROPERTY(QList<corvane::Choice> accountChoices READ accountChoices NOTIFY choicesChanged)
     Q_PROPERTY(QString channelFilterLabel READ channelFilterLabel NOTIFY narrowingChanged)
     Q_PROPERTY(QString accountFilterLabel READ accountFilterLabel NOTIFY narrowingChanged)
-    Q_PROPERTY(QAbstractItemModel* contacts READ contacts CONSTANT) ///< of ContactItem
-    Q_PROPERTY(QAbstractItemModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
+    Q_PROPERTY(corvane::HoldingListModel* contacts READ contacts CONSTANT) ///< of ContactItem
+    Q_PROPERTY(corvane::HoldingListModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
     Q_PROPERTY(bool atTop READ atTop WRITE setAtTop NOTIFY atTopChanged) ///< the first rows are in sight
     Q_PROPERTY(QString newAbove READ newAbove NOTIFY newAboveChanged) ///< such as "3 new above"; empty for none
     Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
@@ -85,8 +83,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
     Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
     Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
-    Q_PROPERTY(
-        QVariantList stalenessBanners READ stalenessBanners NOTIFY stalenessChanged) ///< of {channel, text, queued}
+    Q_PROPERTY(QList<corvane::StalenessBanner> stalenessBanners READ stalenessBanners NOTIFY stalenessChanged)
     Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the rows picked for one action
     Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty where nothing can be undone
 public:
@@ -108,7 +105,7 @@ public:
     explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
     ~InboxView() override;
 
-    const QVariantList& tabs() const { return m_tabs; }
+    const QList<TabItem>& tabs() const { return m_tabs; }
     QString filterWord() const;
     void setFilterWord(const QString& word); ///< an unknown word changes nothing, here and below
     bool unarchives() const { return m_state.filter == InboxFilter::Archived; }
@@ -123,12 +120,12 @@ public:
     void setChannelFilter(const QString& channel);
     const QString& accountFilter() const { return m_state.accountFilter; }
     void setAccountFilter(const QString& slug);
-    const QVariantList& channelChoices() const { return m_channelChoices; }
-    const QVariantList& accountChoices() const { return m_accountChoices; }
+    const QList<Choice>& channelChoices() const { return m_channelChoices; }
+    const QList<Choice>& accountChoices() const { return m_accountChoices; }
     QString channelFilterLabel() const;
     QString accountFilterLabel() const;
-    QAbstractItemModel* contacts() { return &m_contactModel; }
-    QAbstractItemModel* messageHits() { return m_hits.model(); }
+    HoldingListModel* contacts() { return &m_contactModel; }
+    HoldingListModel* messageHits() { return m_hits.model(); }
     bool atTop() const { return m_atTop; }
     void setAtTop(bool atTop);
     QString newAbove() const;
@@ -164,7 +161,7 @@ public:
     void setShowPalette(bool show);
     CommandPalette* palette() { return &m_palette; }
     const QString& workspaceNotice() const { return m_workspaceNotice; }
-    const QVariantList& stalenessBanners() const { return m_banners; }
+    const QList<StalenessBanner>& stalenessBanners() const { return m_banners; }
     BulkSelection* bulk() { return &m_bulk; }
     const QString& undoText() const { return m_undo.text(); }
 
@@ -230,7 +227,7 @@ private:
     void present();
     void presentChoices();
     void presentBanners();
-    QVariantList countedTabs() const;
+    QList<TabItem> countedTabs() const;
     void presentCounts();
 
     /// Of the list, else of a person whom the list does not show: filtered away, or beyond its end.
@@ -265,9 +262,9 @@ private:
     bool m_atTop = true;
     qint64 m_topSeenTs = 0; ///< the newest message when the top was last in sight
     TabCounts m_counts;
-    QVariantList m_tabs;
-    QVariantList m_channelChoices;
-    QVariantList m_accountChoices;
+    QList<TabItem> m_tabs;
+    QList<Choice> m_channelChoices;
+    QList<Choice> m_accountChoices;
     AvatarRequests m_avatars;
 
     QString m_selectedId;
@@ -295,7 +292,7 @@ private:
     bool m_showPalette = false;
     QString m_workspaceNotice;
     WebMirror m_webMirror;
-    QVariantList m_banners;
+    QList<StalenessBanner> m_banners;
 
     Coalescer m_reloadSoon;
     std::unique_ptr<Timer> m_reloadAfterOpening;

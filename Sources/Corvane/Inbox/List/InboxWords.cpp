@@ -51,13 +51,11 @@ std::optional<SortMode> sortMode(const QString& word)
     return word == QStringLiteral("unread") ? std::optional(SortMode::Unread) : std::nullopt;
 }
 
-QVariantList inboxTabs(const std::function<int(InboxFilter)>& countOf)
+QList<TabItem> inboxTabs(const std::function<int(InboxFilter)>& countOf)
 {
-    QVariantList tabs;
-    for (const FilterWords& words : filterWords()) {
-        tabs.append(QVariantMap { { QStringLiteral("key"), words.key }, { QStringLiteral("label"), words.label },
-            { QStringLiteral("count"), countOf(words.filter) } });
-    }
+    QList<TabItem> tabs;
+    for (const FilterWords& words : filterWords())
+        tabs.append({ words.key, words.label, countOf(words.filter) });
     return tabs;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Inbox/List/InboxList.h"
+#include "Presentation/Choice.h"
 
-#include <QVariantList>
 #include <functional>
 
 namespace corvane {
@@ -13,7 +13,7 @@ std::optional<InboxFilter> inboxFilter(const QString& word);
 std::optional<ViewMode> viewMode(const QString& word);
 std::optional<SortMode> sortMode(const QString& word);
 
-/// The tabs over the list, of {key, label, count}; a count of 0 is not shown.
-QVariantList inboxTabs(const std::function<int(InboxFilter)>& countOf);
+/// The tabs over the list.
+QList<TabItem> inboxTabs(const std::function<int(InboxFilter)>& countOf);
 
 }

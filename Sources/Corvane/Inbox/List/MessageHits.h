@@ -15,7 +15,7 @@ public:
     /// Both outlive the object.
     MessageHits(const LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
 
-    QAbstractItemModel* model() { return &m_model; }
+    HoldingListModel* model() { return &m_model; }
     const QList<MessageHitItem>& rows() const { return m_model.rows(); }
     bool pending() const { return m_pending; } ///< what is shown does not answer the query yet
     bool searching() const { return m_searching; } ///< and for so long that a person should be told

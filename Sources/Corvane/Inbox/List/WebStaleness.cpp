@@ -57,14 +57,13 @@ void WebMirror::retry(LocalDB& db)
     m_retryQueued = true;
 }
 
-QVariantList WebMirror::banners(const QString& channelFilter, qint64 nowMs) const
+QList<StalenessBanner> WebMirror::banners(const QString& channelFilter, qint64 nowMs) const
 {
     const DateWords words(nowMs);
-    QVariantList banners;
+    QList<StalenessBanner> banners;
     for (const WebStaleness& stale :
         activeWebStaleness(channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
-        banners.append(QVariantMap { { QStringLiteral("channel"), stale.channel },
-            { QStringLiteral("text"), stalenessText(stale, words) }, { QStringLiteral("queued"), m_retryQueued } });
+        banners.append({ stale.channel, stalenessText(stale, words), m_retryQueued });
     }
     return banners;
 }

@@ -3,7 +3,7 @@
 #include "Store/Sync/SyncQueries.h"
 
 #include <QHash>
-#include <QVariantList>
+#include <QObject>
 
 namespace corvane {
 
@@ -27,14 +27,27 @@ QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList
 
 QString stalenessText(const WebStaleness& staleness, const DateWords& words);
 
+/// What is said of such a channel over the list.
+class StalenessBanner {
+    Q_GADGET
+    Q_PROPERTY(QString channel MEMBER channel)
+    Q_PROPERTY(QString text MEMBER text)
+    Q_PROPERTY(bool queued MEMBER queued)
+public:
+    QString channel;
+    QString text;
+    bool queued = false; ///< a retry was asked for; until the web reports again
+
+    bool operator==(const StalenessBanner&) const = default;
+};
+
 /// How the web mirror fares, as last read.
 class WebMirror {
 public:
     void refresh(LocalDB& db);
     void retry(LocalDB& db); ///< asks the web for a pull
 
-    /// Of {channel, text, queued}: a retry stays queued until the web reports again.
-    QVariantList banners(const QString& channelFilter, qint64 nowMs) const;
+    QList<StalenessBanner> banners(const QString& channelFilter, qint64 nowMs) const;
 
 private:
     QList<SyncHealthRow> m_syncHealthRows;

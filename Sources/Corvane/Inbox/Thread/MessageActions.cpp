@@ -22,10 +22,9 @@ const QString whatsApp = QStringLiteral("WHATSAPP");
 const QString whatsAppPerson = QStringLiteral("@s.whatsapp.net");
 
 /// An action that cannot be done says why; an empty `obstacle` means that it can.
-QVariantMap action(const QString& key, const QString& label, const QString& obstacle = {})
+MessageOffer action(const QString& key, const QString& label, const QString& obstacle = {})
 {
-    return { { QStringLiteral("key"), key }, { QStringLiteral("label"), label },
-        { QStringLiteral("enabled"), obstacle.isEmpty() }, { QStringLiteral("help"), obstacle } };
+    return { key, label, obstacle.isEmpty(), obstacle };
 }
 
 }
@@ -37,7 +36,7 @@ MessageActions::MessageActions(const Surroundings& surroundings, QObject* parent
     connect(&m_surroundings.thread, &ThreadView::contactChanged, this, &MessageActions::updateCall);
 }
 
-QVariantList MessageActions::actionsFor(const QString& messageId) const
+QList<MessageOffer> MessageActions::actionsFor(const QString& messageId) const
 {
     const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
     if (!row)
@@ -45,7 +44,7 @@ QVariantList MessageActions::actionsFor(const QString& messageId) const
     const EngineManager& engine = m_surroundings.engine;
     using Kind = UnifiedBubble::MediaState::Kind;
     const auto media = UnifiedBubble::mediaState(*row, engine.mediaDownloadStatus(row->id), engine.mediaPlaces(*row));
-    QVariantList actions;
+    QList<MessageOffer> actions;
     actions.append(action(QStringLiteral("react"), QStringLiteral("React"),
         engine.runningAccount(row->accountId) ? QString()
                                               : QStringLiteral("Account %1 is not connected").arg(row->accountId)));
@@ -86,17 +85,16 @@ void MessageActions::deleteLocal(const QString& messageId)
     refresh();
 }
 
-QVariantList MessageActions::forwardTargets() const
+QList<ContactChoice> MessageActions::forwardTargets() const
 {
-    QVariantList targets;
+    QList<ContactChoice> targets;
     for (const ContactRow& row : m_surroundings.contacts()) {
         if (row.id == m_surroundings.thread.contactId())
             continue;
         QStringList channels;
         for (const QString& platform : row.platforms)
             channels.append(channelLabel(platform));
-        targets.append(QVariantMap { { QStringLiteral("id"), row.id }, { QStringLiteral("name"), contactName(row) },
-            { QStringLiteral("detail"), channels.join(QStringLiteral(", ")) } });
+        targets.append({ row.id, contactName(row), {}, channels.join(QStringLiteral(", ")) });
         if (targets.size() == forwardLimit)
             break;
     }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Foundation/Scheduler.h"
+#include "Presentation/Choice.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QObject>
-#include <QVariantList>
 
 namespace corvane {
 
@@ -13,6 +13,22 @@ class EngineManager;
 class ThreadView;
 class UndoOffer;
 struct UnifiedMsgRow;
+
+/// Something to do with a message.
+class MessageOffer {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(bool enabled MEMBER enabled)
+    Q_PROPERTY(QString help MEMBER help)
+public:
+    QString id; ///< "react", "copy", "forward", "play", "open", "fetch" or "delete"
+    QString label;
+    bool enabled = false;
+    QString help; ///< why it is not enabled
+
+    bool operator==(const MessageOffer&) const = default;
+};
 
 /// What a person can do with one message of the open thread, and the call beside it. What goes wrong is told as
 /// the thread's error.
@@ -38,12 +54,11 @@ public:
     bool canCall() const { return m_canCall; }
     const QString& noticeText() const { return m_noticeText; }
 
-    /// Of {key, label, enabled, help}: "react", "copy", "forward", "play", "open", "fetch" and "delete", as far as the
-    /// message has them; `help` says why one is not enabled.
-    Q_INVOKABLE QVariantList actionsFor(const QString& messageId) const;
+    /// As far as the message has them.
+    Q_INVOKABLE QList<corvane::MessageOffer> actionsFor(const QString& messageId) const;
 
     Q_INVOKABLE void deleteLocal(const QString& messageId); ///< with a way back
-    Q_INVOKABLE QVariantList forwardTargets() const; ///< of {id, name, detail}
+    Q_INVOKABLE QList<corvane::ContactChoice> forwardTargets() const;
     Q_INVOKABLE void forward(const QString& messageId, const QString& contactId);
     Q_INVOKABLE void openMedia(const QString& messageId);
     Q_INVOKABLE void callOnWhatsApp();

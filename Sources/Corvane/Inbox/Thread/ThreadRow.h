@@ -62,6 +62,7 @@ public:
     bool highlighted = false;
     QString spoken;
 
+    static constexpr const char* role = "message";
     const QString& key() const { return id; }
     bool operator==(const ThreadRow&) const = default;
 };

@@ -19,7 +19,7 @@ class EngineManager;
 class ThreadView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged)
-    Q_PROPERTY(QAbstractItemModel* rows READ rows CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     Q_PROPERTY(QString firstUnreadId READ firstUnreadId NOTIFY contactChanged) ///< at the opening; empty for none
@@ -34,7 +34,7 @@ public:
     ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent = nullptr);
 
     const QString& contactId() const { return m_contact.id; }
-    QAbstractItemModel* rows() { return &m_rows; }
+    HoldingListModel* rows() { return &m_rows; }
     bool isEmpty() const { return m_window.messages().isEmpty(); }
     QString emptyText() const;
     const QString& highlightId() const { return m_highlightId; }

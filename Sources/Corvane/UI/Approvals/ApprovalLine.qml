@@ -1,49 +1,33 @@
 import QtQuick
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// Something that waits for a person: what it is, all of its text, and what can be done with it.
 FocusScope {
     id: line
 
     required property int index
-    required property string key
-    required property string id
-    required property string kind
-    required property string title
-    required property string body
-    required property string why
-    required property string detail
-    required property string platform
-    required property string riskText
-    required property string riskTone
-    required property string failureReason
-    required property string stateText
-    required property int secondsLeft
-    required property string approveLabel
-    required property string question
-    required property bool canDecide
-    required property bool canEdit
-    required property string linkLabel
+    required property approvalRow approval
     required property bool held ///< it is gone, and keeps its place for a moment
-    required property QtObject approvals
+    required property ApprovalsView approvals
     property bool ringed: false
 
-    readonly property QtObject editor: approvals.editor
-    readonly property bool editing: kind === "draft" && editor.draftId === id
-    readonly property bool asking: approvals.asking === key
-    readonly property bool linking: kind === "proposal" && approvals.link.proposalId === id
-    readonly property bool armed: secondsLeft > 0
-    readonly property bool tells: detail !== "" || riskText !== ""
+    readonly property DraftEdit editor: approvals.editor
+    readonly property bool editing: approval.kind === "draft" && editor.draftId === approval.id
+    readonly property bool asking: approvals.asking === approval.key
+    readonly property bool linking: approval.kind === "proposal" && approvals.link.proposalId === approval.id
+    readonly property bool armed: approval.secondsLeft > 0
+    readonly property bool tells: approval.detail !== "" || approval.riskText !== ""
     property bool wholeText: false
     readonly property var tones: ({ money: Theme.warn, credential: Theme.secret, external: Theme.accent, high: Theme.bad })
     readonly property var signs: ({ proposal: "user", decision: "approvals" })
 
-    objectName: "approval:" + key
+    objectName: "approval:" + approval.key
     enabled: !held
     opacity: held ? 0.6 : 1
     implicitHeight: card.implicitHeight
     Accessible.role: Accessible.ListItem
-    Accessible.name: [title, riskText, stateText, body].filter(part => part !== "").join(", ")
+    Accessible.name: [approval.title, approval.riskText, approval.stateText, approval.body].filter(part => part !== "").join(", ")
 
     /// The keyboard stays in the row when the buttons under it change.
     function focusOn(button: Item) {
@@ -75,7 +59,7 @@ FocusScope {
                 id: sign
                 y: 1
                 size: 16
-                name: line.platform ? "channel-" + line.platform.toLowerCase() : line.signs[line.kind] ?? "mail-send"
+                name: line.approval.platform ? "channel-" + line.approval.platform.toLowerCase() : line.signs[line.approval.kind] ?? "mail-send"
                 color: Theme.soft
             }
             Label {
@@ -83,7 +67,7 @@ FocusScope {
                 anchors.left: sign.right
                 anchors.leftMargin: Theme.small
                 anchors.right: parent.right
-                text: line.title
+                text: line.approval.title
                 wrapMode: Text.Wrap
                 maximumLineCount: 3
                 font.weight: Theme.strong
@@ -94,7 +78,7 @@ FocusScope {
             id: bodyText
             width: parent.width
             visible: text !== "" && !line.editing
-            text: line.body
+            text: line.approval.body
             wrapMode: Text.Wrap
             lineHeight: 1.3
             maximumLineCount: line.wholeText ? 10000 : 6
@@ -135,14 +119,14 @@ FocusScope {
         Label {
             width: parent.width
             visible: text !== ""
-            text: line.why
+            text: line.approval.why
             wrapMode: Text.Wrap
             color: Theme.soft
         }
         Label {
             width: parent.width
             visible: text !== ""
-            text: line.failureReason
+            text: line.approval.failureReason
             wrapMode: Text.Wrap
             color: Theme.bad
         }
@@ -156,7 +140,7 @@ FocusScope {
             objectName: "approval.question"
             width: parent.width
             visible: line.asking
-            text: line.question
+            text: line.approval.question
             wrapMode: Text.Wrap
             font.weight: Theme.strong
             Accessible.role: Accessible.AlertMessage
@@ -170,36 +154,36 @@ FocusScope {
 
             Row {
                 id: deciding
-                visible: line.canDecide && !line.editing && !line.asking
+                visible: line.approval.canDecide && !line.editing && !line.asking
                 spacing: Theme.small
                 Button {
                     id: approve
                     objectName: "approval.approve"
                     kind: "primary"
-                    text: line.approveLabel
-                    Accessible.name: text + ": " + line.title
-                    onClicked: line.approvals.approve(line.key)
+                    text: line.approval.approveLabel
+                    Accessible.name: text + ": " + line.approval.title
+                    onClicked: line.approvals.approve(line.approval.key)
                 }
                 Button {
                     objectName: "approval.edit"
-                    visible: line.canEdit
+                    visible: line.approval.canEdit
                     text: qsTr("Edit")
-                    Accessible.name: text + ": " + line.title
-                    onClicked: line.approvals.edit(line.key)
+                    Accessible.name: text + ": " + line.approval.title
+                    onClicked: line.approvals.edit(line.approval.key)
                 }
                 Button {
                     objectName: "approval.link"
-                    visible: line.linkLabel !== ""
-                    text: line.linkLabel
-                    Accessible.name: text + ": " + line.title
-                    onClicked: line.approvals.link.begin(line.id)
+                    visible: line.approval.linkLabel !== ""
+                    text: line.approval.linkLabel
+                    Accessible.name: text + ": " + line.approval.title
+                    onClicked: line.approvals.link.begin(line.approval.id)
                 }
                 Button {
                     objectName: "approval.reject"
                     kind: "danger"
                     text: qsTr("Reject")
-                    Accessible.name: text + ": " + line.title
-                    onClicked: line.approvals.reject(line.key)
+                    Accessible.name: text + ": " + line.approval.title
+                    onClicked: line.approvals.reject(line.approval.key)
                 }
             }
             Label {
@@ -207,7 +191,7 @@ FocusScope {
                 anchors.verticalCenter: parent.verticalCenter
                 visible: text !== "" && !line.editing
                 width: parent.width - (line.armed ? undo.width + Theme.small : 0)
-                text: line.armed ? qsTr("%1 %2 s").arg(line.stateText).arg(line.secondsLeft) : line.stateText
+                text: line.armed ? qsTr("%1 %2 s").arg(line.approval.stateText).arg(line.approval.secondsLeft) : line.approval.stateText
                 color: Theme.soft
                 Accessible.ignored: true
             }
@@ -218,8 +202,8 @@ FocusScope {
                 anchors.right: parent.right
                 visible: line.armed
                 text: qsTr("Undo")
-                Accessible.name: text + ": " + line.title
-                onClicked: line.approvals.undo(line.key)
+                Accessible.name: text + ": " + line.approval.title
+                onClicked: line.approvals.undo(line.approval.key)
             }
             Row {
                 visible: line.asking
@@ -228,14 +212,14 @@ FocusScope {
                     id: doubt
                     objectName: "approval.doubt"
                     text: qsTr("Not now")
-                    Accessible.name: text + ": " + line.title
+                    Accessible.name: text + ": " + line.approval.title
                     onClicked: line.approvals.stepBack()
                 }
                 Button {
                     objectName: "approval.confirm"
                     kind: "primary"
-                    text: line.approveLabel
-                    Accessible.name: line.question + " " + text
+                    text: line.approval.approveLabel
+                    Accessible.name: line.approval.question + " " + text
                     onClicked: line.approvals.confirm()
                 }
             }
@@ -271,7 +255,7 @@ FocusScope {
                 Label {
                     anchors.verticalCenter: parent.verticalCenter
                     width: Math.min(implicitWidth, 150)
-                    text: line.detail
+                    text: line.approval.detail
                     font.pixelSize: Theme.meta
                     color: Theme.faint
                     Accessible.ignored: true
@@ -280,10 +264,10 @@ FocusScope {
                     objectName: "approval.risk"
                     anchors.verticalCenter: parent.verticalCenter
                     width: Math.min(implicitWidth, 130)
-                    text: line.riskText
+                    text: line.approval.riskText
                     font.pixelSize: Theme.meta
-                    font.weight: line.riskTone ? Theme.strong : Theme.regular
-                    color: line.tones[line.riskTone] ?? Theme.soft
+                    font.weight: line.approval.riskTone ? Theme.strong : Theme.regular
+                    color: line.tones[line.approval.riskTone] ?? Theme.soft
                     Accessible.ignored: true
                 }
             }

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// Everything that waits for a person, under the head of its kind. Up and Down walk over it, Ctrl+Return approves,
 /// F2 edits, Delete rejects, Ctrl+Z takes either back, Space shows a long text whole.
 FocusScope {
     id: list
 
-    required property QtObject approvals
+    required property ApprovalsView approvals
     property int sideMargin: Theme.medium
     property alias count: rows.count
     readonly property real fullHeight: rows.contentHeight + rows.topMargin + rows.bottomMargin
@@ -18,7 +19,7 @@ FocusScope {
     }
     function undoCurrent() {
         if (rows.currentItem)
-            approvals.undo(rows.currentItem.key);
+            approvals.undo((rows.currentItem as ApprovalLine).approval.key);
     }
 
     // What is asked about comes into sight, wherever the question came from.
@@ -27,7 +28,7 @@ FocusScope {
             return;
         rows.currentIndex = approvals.askingRow;
         rows.positionViewAtIndex(rows.currentIndex, ListView.Contain);
-        rows.currentItem.focusQuestion();
+        (rows.currentItem as ApprovalLine).focusQuestion();
     }
     Component.onCompleted: Qt.callLater(showAsked)
     Connections {
@@ -46,7 +47,7 @@ FocusScope {
     objectName: "approvals.list"
 
     Keys.onPressed: event => {
-        const line = rows.currentItem;
+        const line = rows.currentItem as ApprovalLine;
         if (!line || approvals.asking !== "" || approvals.editor.draftId !== "" || approvals.link.proposalId !== "")
             return;
         event.accepted = true;
@@ -55,11 +56,11 @@ FocusScope {
         else if (event.key === Qt.Key_Up)
             step(-1);
         else if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && event.modifiers & Qt.ControlModifier)
-            approvals.approve(line.key);
+            approvals.approve(line.approval.key);
         else if (event.key === Qt.Key_F2)
-            approvals.edit(line.key);
+            approvals.edit(line.approval.key);
         else if (event.key === Qt.Key_Delete)
-            approvals.reject(line.key);
+            approvals.reject(line.approval.key);
         else if (event.key === Qt.Key_Z && event.modifiers & Qt.ControlModifier)
             undoCurrent();
         else if (event.key === Qt.Key_Space)

@@ -1,22 +1,27 @@
 import QtQuick
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// The screen where messages, CRM updates and decisions wait together, whether the desktop has a tray or not, and what
 /// was decided.
 Page {
     id: page
 
-    required property QtObject approvals
+    required property ApprovalsView approvals
     readonly property bool decided: approvals.log.shown
 
     function act(command: string) {
-        const list = content.item;
         if (command === "next" || command === "previous")
-            list.step(command === "next" ? 1 : -1);
-        else if (command === "undo" && !page.decided)
-            list.undoCurrent();
+            step(command === "next" ? 1 : -1);
+        else if (command === "undo")
+            (content.item as ApprovalList)?.undoCurrent();
         else if (command === "back" && !approvals.stepBack())
             leave();
+    }
+
+    function step(by: int) {
+        (content.item as ApprovalList)?.step(by);
+        (content.item as DecidedList)?.step(by);
     }
 
     panes: [desk]

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// Whom a change to the CRM is about: a name typed, and one of those who match.
 Column {
     id: picker
 
-    required property QtObject link ///< the view model
+    required property ProposalLink link ///< the view model
 
     spacing: Theme.small
     Accessible.role: Accessible.Grouping
@@ -42,15 +43,15 @@ Column {
         Accessible.role: Accessible.List
         Accessible.name: search.placeholderText
         T.ScrollBar.vertical: ScrollBar {}
-        Keys.onReturnPressed: currentItem?.clicked()
-        Keys.onSpacePressed: currentItem?.clicked()
+        Keys.onReturnPressed: (currentItem as T.AbstractButton)?.clicked()
+        Keys.onSpacePressed: (currentItem as T.AbstractButton)?.clicked()
 
         KeyboardFocus { id: keyboard; target: rows }
 
         delegate: T.AbstractButton {
             id: row
 
-            required property var modelData
+            required property contactChoice modelData
 
             objectName: "contactPicker:" + modelData.id
             width: ListView.view.width

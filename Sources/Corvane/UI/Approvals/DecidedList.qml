@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// What was decided, by day, newest first.
 FocusScope {
     id: list
 
-    required property QtObject log ///< the view model
+    required property DecisionLog log ///< the view model
     property int sideMargin: Theme.medium
     property alias count: rows.count
 
@@ -46,23 +47,14 @@ FocusScope {
         delegate: Item {
             id: row
 
-            required property string id
-            required property string time
-            required property string verdict
-            required property string tone
-            required property string who
-            required property string kind
-            required property string platform
-            required property string title
-            required property string body
-            required property string outcome
+            required property decidedRow decided
 
-            objectName: "decided:" + id
+            objectName: "decided:" + decided.id
             x: list.sideMargin
             width: ListView.view.width - list.sideMargin * 2
             implicitHeight: 56
             Accessible.role: Accessible.ListItem
-            Accessible.name: [verdict, title, body, who, time, outcome].filter(part => part !== "").join(", ")
+            Accessible.name: [decided.verdict, decided.title, decided.body, decided.who, decided.time, decided.outcome].filter(part => part !== "").join(", ")
 
             Rectangle {
                 anchors.fill: parent
@@ -82,7 +74,7 @@ FocusScope {
                 x: Theme.tight
                 anchors.verticalCenter: parent.verticalCenter
                 size: 16
-                name: row.platform ? "channel-" + row.platform.toLowerCase() : row.kind === "proposal" ? "user" : row.kind === "decision" ? "approvals" : "mail-send"
+                name: row.decided.platform ? "channel-" + row.decided.platform.toLowerCase() : row.decided.kind === "proposal" ? "user" : row.decided.kind === "decision" ? "approvals" : "mail-send"
                 color: Theme.soft
             }
             Column {
@@ -94,14 +86,14 @@ FocusScope {
                 spacing: 2
                 Label {
                     width: parent.width
-                    text: row.title
+                    text: row.decided.title
                     font.weight: Theme.strong
                     Accessible.ignored: true
                 }
                 Label {
                     width: parent.width
                     visible: text !== ""
-                    text: row.body
+                    text: row.decided.body
                     color: Theme.soft
                     Accessible.ignored: true
                 }
@@ -114,14 +106,14 @@ FocusScope {
                 spacing: 2
                 Label {
                     anchors.right: parent.right
-                    text: row.verdict
+                    text: row.decided.verdict
                     font.weight: Theme.strong
-                    color: row.tone === "good" ? Theme.good : Theme.bad
+                    color: row.decided.tone === "good" ? Theme.good : Theme.bad
                     Accessible.ignored: true
                 }
                 Label {
                     anchors.right: parent.right
-                    text: [row.outcome, row.who, row.time].filter(part => part !== "").join(" · ")
+                    text: [row.decided.outcome, row.decided.who, row.decided.time].filter(part => part !== "").join(" · ")
                     font.pixelSize: Theme.meta
                     color: Theme.faint
                     Accessible.ignored: true

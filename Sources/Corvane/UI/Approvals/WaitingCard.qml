@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// What waits, as a card of the settings.
 Card {
     id: card
 
-    required property QtObject approvals
+    required property ApprovalsView approvals
 
     signal reviewed
 

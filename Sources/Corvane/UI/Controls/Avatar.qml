@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// A person's photo, or their initials on a hue that belongs to them, with the channel's mark at the corner.

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// A count that wants attention; gone where there is no text.

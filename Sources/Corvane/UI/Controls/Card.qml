@@ -1,8 +1,10 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// A pane of its own on the desk.
 Rectangle {
+    id: card
+
     default property alias content: inner.data
     property int padding: Theme.large
 
@@ -18,7 +20,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        anchors.margins: parent.padding
+        anchors.margins: card.padding
         spacing: Theme.medium
     }
 }

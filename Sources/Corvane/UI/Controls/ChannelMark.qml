@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// The glyph of a channel, told apart by its shape and never by its colour.

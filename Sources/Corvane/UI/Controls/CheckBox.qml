@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// The edge between two panes; dragging it reports the wanted width of the pane, the arrow keys move it too.

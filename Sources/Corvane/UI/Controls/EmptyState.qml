@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// Nothing is here: an icon, a title, one sentence, and one way on.

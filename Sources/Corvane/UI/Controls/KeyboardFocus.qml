@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// Whether a list should show where the keyboard is: it has the focus, and a key brought it there or moved in it.

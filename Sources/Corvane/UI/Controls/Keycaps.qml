@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// Keys as they stand on the keyboard; plain words stand between them.

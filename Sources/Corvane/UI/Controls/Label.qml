@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// Plain text in the window's type; what people write is never read as markup.

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// The program's own mark: two bubbles that meet on one desk.

@@ -1,9 +1,9 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// What an empty field asks for.
 Label {
-    required property Item field
+    required property var field ///< of one line or of several, which have no type in common
 
     x: field.leftPadding
     y: field.topPadding

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// A field with a lens, a way to clear it, and Down or Return leading on to what was found.

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// A soft shadow under its parent, made of plain rectangles so that every renderer draws it.

@@ -1,4 +1,4 @@
-import Corvane
+import Corvane.Controls
 import QtQuick
 
 /// Rows in outline while the real ones are on their way; shown only after 150 ms, so that a quick answer

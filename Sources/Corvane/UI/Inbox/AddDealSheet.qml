@@ -1,13 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A deal with the person beside the thread: what it is called, how far it is, what it is worth.
 Sheet {
     id: sheet
 
-    required property QtObject crm
+    required property CRMPane crm
     readonly property string contactName: crm.contactName
-    readonly property var stages: crm.stages
+    readonly property list<string> stages: crm.stages
     property string stage: stages[0]
     property string owner ///< whose deal stands in the fields
 

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A question about the person whose thread is open.
 Sheet {
     id: sheet
 
-    required property QtObject askLumo ///< the view model
+    required property AskLumo askLumo ///< the view model
 
     signal settingsAsked
 

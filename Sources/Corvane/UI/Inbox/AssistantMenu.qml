@@ -1,13 +1,14 @@
 import QtQml
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What the assistant can do with the open thread and with what stands in the composer.
 IconButton {
     id: button
 
-    required property QtObject inbox
-    readonly property QtObject draft: inbox.assistant
+    required property InboxView inbox
+    readonly property DraftAssistant draft: inbox.assistant
     readonly property bool hasText: inbox.composer.canSend
 
     signal askAsked
@@ -52,9 +53,9 @@ IconButton {
             Instantiator {
                 model: button.draft.rewrites
                 delegate: MenuItem {
-                    required property var modelData
+                    required property choice modelData
                     text: modelData.label
-                    onTriggered: button.draft.rewrite(modelData.key)
+                    onTriggered: button.draft.rewrite(modelData.id)
                 }
                 onObjectAdded: (index, item) => rewrites.insertItem(index, item)
                 onObjectRemoved: (index, item) => rewrites.removeItem(item)

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What the assistant has to say about the open thread, between the thread and the composer.
 FocusScope {
     id: panels
 
-    required property QtObject inbox
+    required property InboxView inbox
     required property real room ///< height that the thread can spare
 
     readonly property int ready: (summary.ready ? 1 : 0) + (draft.ready ? 1 : 0)
@@ -21,7 +22,7 @@ FocusScope {
         while (at && at !== summary && at !== draft)
             at = at.parent;
         if (at)
-            at.dismiss();
+            (at === summary ? summary : draft).dismiss();
         else
             emptied();
     }

@@ -1,39 +1,42 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// One message: its medium, its text, and, at the end of a run, its time and how far it got.
 Rectangle {
     id: bubble
 
-    required property Item item
+    required property threadRow message
+    required property InboxView inbox
     required property int maximumWidth
+    property bool ringed: false
 
-    readonly property bool bare: item.mediaKind === "sticker" && item.mediaState === "ready"
+    readonly property bool bare: message.mediaKind === "sticker" && message.mediaState === "ready"
     /// The card of a file says the words already.
-    readonly property bool saidByCard: item.mediaKind !== "" && item.body === item.mediaTitle
-        && !(["image", "sticker"].includes(item.mediaKind) && item.mediaState === "ready")
-    readonly property bool timed: item.showTime
+    readonly property bool saidByCard: message.mediaKind !== "" && message.body === message.mediaTitle
+        && !(["image", "sticker"].includes(message.mediaKind) && message.mediaState === "ready")
+    readonly property bool timed: message.showTime
     /// Text from right to left ends where the time stands, so the time gets a line of its own.
-    readonly property bool rightToLeft: /[\u0590-\u08ff]/.test(item.body)
+    readonly property bool rightToLeft: /[\u0590-\u08ff]/.test(message.body)
     readonly property int padding: Theme.medium
 
     implicitWidth: Math.max(content.implicitWidth + padding * 2, timed ? stamp.width + padding * 2 : 0)
     implicitHeight: content.implicitHeight + 16 + (stampBelow ? stamp.height + 2 : 0)
     readonly property bool stampBelow: timed && (rightToLeft || !text.visible)
     radius: Theme.bubbleRadius
-    color: bare ? Theme.none : item.outgoing ? Theme.tint : Theme.surface
-    border.width: bare || item.outgoing ? 0 : 1
+    color: bare ? Theme.none : message.outgoing ? Theme.tint : Theme.surface
+    border.width: bare || message.outgoing ? 0 : 1
     border.color: Theme.line
 
     Rectangle {
         anchors.fill: parent
         anchors.margins: -3
-        visible: bubble.item.ringed || bubble.item.highlighted
+        visible: bubble.ringed || bubble.message.highlighted
         radius: parent.radius + 3
         color: Theme.none
         border.width: 2
         border.color: Theme.accent
-        opacity: bubble.item.ringed ? 1 : 0.6
+        opacity: bubble.ringed ? 1 : 0.6
     }
     Column {
         id: content
@@ -42,16 +45,17 @@ Rectangle {
         spacing: 6
 
         Loader {
-            active: bubble.item.mediaKind !== ""
+            active: bubble.message.mediaKind !== ""
             visible: active
             sourceComponent: Media {
-                item: bubble.item
+                message: bubble.message
+                inbox: bubble.inbox
                 maximumWidth: bubble.maximumWidth - bubble.padding * 2
             }
         }
         Text {
             id: text
-            visible: bubble.item.body !== "" && !bubble.saidByCard
+            visible: bubble.message.body !== "" && !bubble.saidByCard
             width: Math.min(Math.ceil(measure.implicitWidth), bubble.maximumWidth - bubble.padding * 2)
             wrapMode: Text.Wrap
             lineHeight: 1.2
@@ -59,22 +63,22 @@ Rectangle {
             color: Theme.text
             font.pixelSize: Theme.body
             // Unbreakable blanks at the end keep the last line clear of the time.
-            text: bubble.item.body + (bubble.timed && !bubble.rightToLeft ? " " + "\u00a0".repeat(Math.ceil(stamp.width / 3.6) + 2) : "")
+            text: bubble.message.body + (bubble.timed && !bubble.rightToLeft ? " " + "\u00a0".repeat(Math.ceil(stamp.width / 3.6) + 2) : "")
             Accessible.ignored: true
         }
         Button {
-            visible: bubble.item.moreText !== ""
+            visible: bubble.message.moreText !== ""
             implicitHeight: 28
             kind: "quiet"
-            text: bubble.item.moreText
-            onClicked: bubble.item.thread.showMore(bubble.item.id)
+            text: bubble.message.moreText
+            onClicked: bubble.inbox.thread.showMore(bubble.message.id)
         }
         Label {
-            visible: bubble.item.transcript !== ""
+            visible: bubble.message.transcript !== ""
             width: Math.min(implicitWidth, bubble.maximumWidth - bubble.padding * 2)
             wrapMode: Text.Wrap
             lineHeight: 1.2
-            text: bubble.item.transcript
+            text: bubble.message.transcript
             color: Theme.soft
             Accessible.ignored: true
         }
@@ -96,14 +100,14 @@ Rectangle {
         spacing: 3
 
         Label {
-            text: bubble.item.timeText
+            text: bubble.message.timeText
             font.pixelSize: Theme.meta
             color: Theme.faint
             Accessible.ignored: true
         }
         Label {
-            visible: bubble.item.ticks === "word"
-            text: bubble.item.ticksText
+            visible: bubble.message.ticks === "word"
+            text: bubble.message.ticksText
             font.pixelSize: Theme.meta
             color: Theme.faint
             Accessible.ignored: true
@@ -111,17 +115,17 @@ Rectangle {
         Ticks {
             anchors.verticalCenter: parent.verticalCenter
             size: 14
-            ticks: bubble.item.ticks
+            ticks: bubble.message.ticks
         }
         HoverHandler { id: overTicks }
     }
     Tooltip {
-        text: bubble.item.ticksHelp || bubble.item.ticksText
-        shown: overTicks.hovered && bubble.item.ticks !== ""
+        text: bubble.message.ticksHelp || bubble.message.ticksText
+        shown: overTicks.hovered && bubble.message.ticks !== ""
     }
     Rectangle {
-        visible: bubble.item.reaction !== ""
-        x: bubble.item.outgoing ? -6 : parent.width - width + 6
+        visible: bubble.message.reaction !== ""
+        x: bubble.message.outgoing ? -6 : parent.width - width + 6
         y: parent.height - 10
         width: mood.implicitWidth + 12
         height: 22
@@ -132,7 +136,7 @@ Rectangle {
         Label {
             id: mood
             anchors.centerIn: parent
-            text: bubble.item.reaction
+            text: bubble.message.reaction
             font.family: Theme.pictures
             font.pixelSize: Theme.body
             Accessible.ignored: true

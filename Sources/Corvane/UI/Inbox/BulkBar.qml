@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What can be done with all picked rows at once.
 Rectangle {
     id: bar
 
-    required property QtObject inbox
+    required property InboxView inbox
 
     implicitHeight: inbox.bulk.active ? Theme.bar : 0
     visible: height > 0

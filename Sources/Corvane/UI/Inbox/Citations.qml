@@ -1,12 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The messages that a text of the assistant rests on; each is one press away.
 Flow {
     id: line
 
-    required property QtObject inbox
-    required property var citations ///< of {label, messageId, excerpt}
+    required property InboxView inbox
+    required property list<citation> citations
 
     spacing: Theme.tight
     visible: citations.length > 0
@@ -21,15 +22,15 @@ Flow {
     Repeater {
         model: line.citations
         Chip {
-            id: citation
-            required property var modelData
+            id: chip
+            required property citation modelData
             objectName: "citation." + modelData.label
             text: modelData.label
             Accessible.name: qsTr("Show the message %1: %2").arg(modelData.label).arg(modelData.excerpt)
             onClicked: line.inbox.jumpTo(modelData.messageId)
             Tooltip {
-                text: citation.modelData.excerpt.slice(0, 120)
-                shown: citation.hovered
+                text: chip.modelData.excerpt.slice(0, 120)
+                shown: chip.hovered
                 y: -implicitHeight - Theme.tight
             }
         }

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The rows of people, and under them the messages that a search found.
 ListView {
     id: list
 
-    required property QtObject inbox
+    required property InboxView inbox
 
     signal entered
 
@@ -75,14 +76,14 @@ ListView {
         id: line
         width: ListView.view.width
         picking: list.inbox.bulk.active
-        ringed: keyboard.shown && selected
+        ringed: keyboard.shown && contact.selected
         onOpened: {
             list.forceActiveFocus(Qt.MouseFocusReason);
-            list.inbox.select(id);
+            list.inbox.select(line.contact.id);
         }
-        onToggled: list.inbox.bulk.toggle(id)
-        onAdded: list.inbox.bulk.add(id)
-        onExtended: list.inbox.bulk.extendTo(id)
+        onToggled: list.inbox.bulk.toggle(line.contact.id)
+        onAdded: list.inbox.bulk.add(line.contact.id)
+        onExtended: list.inbox.bulk.extendTo(line.contact.id)
         onMenuAsked: menu.show(line, null)
     }
 
@@ -111,8 +112,9 @@ ListView {
             id: hits
             model: list.inbox.messageHits
             HitRow {
+                id: found
                 width: list.width
-                onClicked: list.inbox.openHit(id)
+                onClicked: list.inbox.openHit(found.hit.id)
             }
         }
     }

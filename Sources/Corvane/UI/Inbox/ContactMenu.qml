@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What can be done with one person of the list.
 Menu {
     id: menu
 
-    required property QtObject inbox
+    required property InboxView inbox
     property string contactId
     property bool isUnread
     property bool isMuted
@@ -14,9 +15,9 @@ Menu {
 
     /// At the pointer, or under the row where a key asked for it.
     function show(row: ContactRow, under: Item) {
-        contactId = row.id;
-        isUnread = row.unread > 0;
-        isMuted = row.isMuted;
+        contactId = row.contact.id;
+        isUnread = row.contact.unread > 0;
+        isMuted = row.contact.isMuted;
         if (under)
             popup(under, Theme.large, under.height);
         else

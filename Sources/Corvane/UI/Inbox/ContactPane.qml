@@ -1,17 +1,18 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The person behind the thread: who they are, what is known and what happened, what is planned with them.
 FocusScope {
     id: pane
 
-    required property QtObject inbox
-    required property QtObject layout
+    required property InboxView inbox
+    required property WindowLayout layout
     property bool over: false ///< lies over the thread rather than beside it
 
-    readonly property var contact: inbox.selected
-    readonly property QtObject crm: inbox.crm
+    readonly property contactItem contact: inbox.selected
+    readonly property CRMPane crm: inbox.crm
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Contact")
@@ -111,8 +112,8 @@ FocusScope {
                         PaneLink {
                             objectName: "contact.forget"
                             text: qsTr("Forget")
-                            subject: fact.text
-                            onClicked: pane.crm.forget(fact.id)
+                            subject: fact.entry.text
+                            onClicked: pane.crm.forget(fact.entry.id)
                         }
                     }
                 }
@@ -142,21 +143,20 @@ FocusScope {
                     model: pane.crm.deals
                     PaneLine {
                         id: deal
-                        required property string stage
                         strong: true
                         lines: 2
                         PaneLink {
                             id: move
                             objectName: "contact.moveDeal"
                             text: qsTr("Move")
-                            subject: deal.text
+                            subject: deal.entry.text
                             onClicked: stages.open()
                             StageMenu {
                                 id: stages
                                 y: move.height
                                 names: pane.crm.stages
-                                current: deal.stage
-                                onPicked: stage => pane.crm.moveDeal(deal.id, stage)
+                                current: deal.entry.stage
+                                onPicked: stage => pane.crm.moveDeal(deal.entry.id, stage)
                             }
                         }
                     }

@@ -1,30 +1,17 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// One person: who, when, what was said last, and what waits.
 Item {
     id: row
 
-    required property string id
-    required property string name
-    required property var platforms
-    required property string snippet
-    required property string ticks
-    required property string timeText
-    required property int unread
-    required property bool isGroup
-    required property string avatarPath
-    required property string initials
-    required property int hue
-    required property bool isMuted
-    required property string spoken
-    required property bool selected
-    required property bool checked
+    required property contactItem contact
 
     property bool picking: false ///< several rows are being picked
     property bool ringed: false ///< the keyboard is here
 
-    readonly property color ground: checked || selected ? Theme.tint : hover.hovered ? Theme.raised : Theme.surface
+    readonly property color ground: contact.checked || contact.selected ? Theme.tint : hover.hovered ? Theme.raised : Theme.surface
 
     signal opened
     signal toggled
@@ -32,13 +19,13 @@ Item {
     signal extended ///< Shift and a press
     signal menuAsked
 
-    objectName: "contact:" + id
+    objectName: "contact:" + contact.id
     implicitHeight: Theme.row
     Accessible.role: Accessible.ListItem
-    Accessible.name: spoken
-    Accessible.selected: selected
+    Accessible.name: contact.spoken
+    Accessible.selected: contact.selected
     Accessible.checkable: true
-    Accessible.checked: checked
+    Accessible.checked: contact.checked
     Accessible.onPressAction: opened()
 
     Rectangle {
@@ -64,19 +51,19 @@ Item {
         x: Theme.large
         anchors.verticalCenter: parent.verticalCenter
         visible: !box.visible
-        hue: row.hue
-        initials: row.initials
-        photo: row.avatarPath
-        group: row.isGroup
-        channel: row.platforms[0] ?? ""
+        hue: row.contact.hue
+        initials: row.contact.initials
+        photo: row.contact.avatarPath
+        group: row.contact.isGroup
+        channel: row.contact.platforms[0] ?? ""
         ground: row.ground
     }
     CheckBox {
         id: box
         anchors.centerIn: face
         visible: row.picking || (hover.hovered && hover.point.position.x < 60)
-        checked: row.checked
-        name: qsTr("Pick %1").arg(row.name)
+        checked: row.contact.checked
+        name: qsTr("Pick %1").arg(row.contact.name)
         onToggled: row.toggled()
     }
 
@@ -86,8 +73,8 @@ Item {
         anchors.leftMargin: Theme.medium
         y: 13
         width: Math.min(implicitWidth, marks.leftmost - anchors.leftMargin - face.x - face.width)
-        text: row.name
-        font.weight: row.unread ? Theme.strong : Theme.regular
+        text: row.contact.name
+        font.weight: row.contact.unread ? Theme.strong : Theme.regular
         Accessible.ignored: true
     }
     Row {
@@ -99,7 +86,7 @@ Item {
         spacing: 3
 
         Repeater {
-            model: row.platforms.length > 1 ? row.platforms.slice(1) : []
+            model: row.contact.platforms.length > 1 ? row.contact.platforms.slice(1) : []
             ChannelMark {
                 required property string modelData
                 channel: modelData
@@ -108,13 +95,13 @@ Item {
             }
         }
         Icon {
-            visible: row.isGroup
+            visible: row.contact.isGroup
             name: "system-users"
             size: 13
             color: Theme.faint
         }
         Icon {
-            visible: row.isMuted
+            visible: row.contact.isMuted
             name: "notifications-disabled"
             size: 13
             color: Theme.faint
@@ -125,9 +112,9 @@ Item {
         anchors.right: parent.right
         anchors.rightMargin: Theme.large
         anchors.baseline: title.baseline
-        text: row.timeText
+        text: row.contact.timeText
         font.pixelSize: Theme.meta
-        color: row.unread && !row.isMuted ? Theme.accent : Theme.faint
+        color: row.contact.unread && !row.contact.isMuted ? Theme.accent : Theme.faint
         Accessible.ignored: true
     }
     Ticks {
@@ -135,7 +122,7 @@ Item {
         x: title.x
         anchors.verticalCenter: said.verticalCenter
         size: 14
-        ticks: row.ticks
+        ticks: row.contact.ticks
     }
     Label {
         id: said
@@ -144,8 +131,8 @@ Item {
         anchors.right: count.visible ? count.left : parent.right
         anchors.rightMargin: count.visible ? Theme.small : Theme.large
         y: 34
-        text: row.snippet
-        color: row.unread ? Theme.text : Theme.soft
+        text: row.contact.snippet
+        color: row.contact.unread ? Theme.text : Theme.soft
         horizontalAlignment: Text.AlignLeft
         Accessible.ignored: true
     }
@@ -154,8 +141,8 @@ Item {
         anchors.right: parent.right
         anchors.rightMargin: Theme.large
         y: 34
-        quiet: row.isMuted
-        text: row.unread > 99 ? "99+" : row.unread > 0 ? row.unread : ""
+        quiet: row.contact.isMuted
+        text: row.contact.unread > 99 ? "99+" : row.contact.unread > 0 ? row.contact.unread : ""
     }
 
     HoverHandler { id: hover }

@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What begins here: a day, or what has not been read.
 Item {

@@ -1,12 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What the assistant proposes for the composer. Nothing of it goes out by itself.
 GenerationCard {
     id: card
 
-    required property QtObject inbox
-    readonly property QtObject draft: inbox.assistant
+    required property InboxView inbox
+    readonly property DraftAssistant draft: inbox.assistant
 
     objectName: "draftPreview"
     panel: draft

@@ -1,25 +1,26 @@
 import QtQml
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// To whom a message goes as a draft.
 Menu {
-    id: menu
+    id: forwarding
 
     required property string messageId
-    required property QtObject actions
-    property var targets: []
+    required property MessageActions actions
+    property list<contactChoice> targets
 
     sign: "mail-forward"
 
     Instantiator {
-        model: menu.targets
+        model: forwarding.targets
         delegate: MenuItem {
-            required property var modelData
+            required property contactChoice modelData
             text: modelData.name
             key: modelData.detail
-            onTriggered: menu.actions.forward(menu.messageId, modelData.id)
+            onTriggered: forwarding.actions.forward(forwarding.messageId, modelData.id)
         }
-        onObjectAdded: (index, object) => menu.insertItem(index, object)
-        onObjectRemoved: (index, object) => menu.removeItem(object)
+        onObjectAdded: (index, object) => forwarding.insertItem(index, object)
+        onObjectRemoved: (index, object) => forwarding.removeItem(object)
     }
 }

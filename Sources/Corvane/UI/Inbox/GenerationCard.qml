@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A panel of the assistant: what it is doing, what is missing, or what it brought. `content` shows what is ready.
 Card {
     id: card
 
-    required property QtObject panel ///< the view model, a GenerationPanel
+    required property GenerationPanel panel ///< the view model, a GenerationPanel
     property string name ///< said aloud
     property string dismissLabel: qsTr("Dismiss")
     property alias buttons: foot.data

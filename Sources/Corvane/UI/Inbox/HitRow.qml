@@ -1,26 +1,18 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A message that the search found. The first of a person shows who they are, the others stand under it.
 T.AbstractButton {
     id: row
 
-    required property string id
-    required property string name
-    required property string platform
-    required property string snippet
-    required property string timeText
-    required property bool leads
-    required property string avatarPath
-    required property string initials
-    required property int hue
-    required property string spoken
+    required property messageHit hit
 
-    implicitHeight: leads ? 52 : 28
+    implicitHeight: hit.leads ? 52 : 28
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
-    Accessible.name: spoken
+    Accessible.name: hit.spoken
     Keys.onReturnPressed: clicked()
     Keys.onDownPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
@@ -38,28 +30,28 @@ T.AbstractButton {
             id: face
             x: Theme.large + 4
             y: 10
-            visible: row.leads
+            visible: row.hit.leads
             width: 32
-            hue: row.hue
-            initials: row.initials
-            photo: row.avatarPath
-            channel: row.platform
+            hue: row.hit.hue
+            initials: row.hit.initials
+            photo: row.hit.avatarPath
+            channel: row.hit.platform
         }
         Label {
             anchors.left: said.left
             anchors.right: time.left
             anchors.rightMargin: Theme.small
             y: 8
-            visible: row.leads
-            text: row.name
+            visible: row.hit.leads
+            text: row.hit.name
             Accessible.ignored: true
         }
         Label {
             id: time
             anchors.right: parent.right
             anchors.rightMargin: Theme.large
-            y: row.leads ? 9 : 7
-            text: row.timeText
+            y: row.hit.leads ? 9 : 7
+            text: row.hit.timeText
             font.pixelSize: Theme.meta
             color: Theme.faint
             Accessible.ignored: true
@@ -68,10 +60,10 @@ T.AbstractButton {
             id: said
             anchors.left: face.right
             anchors.leftMargin: Theme.medium + 4
-            anchors.right: row.leads ? parent.right : time.left
-            anchors.rightMargin: row.leads ? Theme.large : Theme.small
-            y: row.leads ? 27 : 5
-            text: row.snippet // escaped by the view model: what people write is never read as markup
+            anchors.right: row.hit.leads ? parent.right : time.left
+            anchors.rightMargin: row.hit.leads ? Theme.large : Theme.small
+            y: row.hit.leads ? 27 : 5
+            text: row.hit.snippet // escaped by the view model: what people write is never read as markup
             textFormat: Text.StyledText
             color: Theme.soft
             horizontalAlignment: Text.AlignLeft

@@ -1,12 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// Which contacts are one person, and which may be.
 Section {
     id: section
 
-    required property QtObject crm
-    required property var platforms
+    required property CRMPane crm
+    required property list<string> platforms
 
     name: "identity"
     title: qsTr("Identity")
@@ -41,8 +42,8 @@ Section {
             PaneLink {
                 objectName: "contact.unmerge"
                 text: qsTr("Unmerge")
-                subject: merged.text
-                onClicked: section.crm.unmerge(merged.id)
+                subject: merged.entry.text
+                onClicked: section.crm.unmerge(merged.entry.id)
             }
         }
     }
@@ -53,8 +54,9 @@ Section {
         Repeater {
             model: section.crm.suggestions
             MergeSuggestion {
-                onMerged: section.crm.mergeWith(id)
-                onDismissed: section.crm.dismissSuggestion(id)
+                id: suggestion
+                onMerged: section.crm.mergeWith(suggestion.entry.id)
+                onDismissed: section.crm.dismissSuggestion(suggestion.entry.id)
             }
         }
     }

@@ -1,12 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The list, the open thread, and the person it belongs to.
 Page {
     id: page
 
-    required property QtObject screen
-    readonly property QtObject inbox: screen
+    required property InboxView screen
+    readonly property InboxView inbox: screen
 
     readonly property bool open: inbox.selectedId !== ""
     readonly property bool narrow: width < 1200
@@ -144,7 +146,7 @@ Page {
         onEmptied: reply.focusField()
         onSettingsAsked: page.openSettings("assistant")
     }
-    Composer {
+    ReplyPane {
         id: reply
         anchors.bottom: parent.bottom
         anchors.left: thread.left

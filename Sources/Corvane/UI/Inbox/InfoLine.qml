@@ -1,22 +1,23 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A fact about a person: its name and its value. Pressing it copies the value.
 T.AbstractButton {
     id: line
 
-    required property string label
-    required property string channel
-    required text
+    required property paneRow entry
     property bool copied: false
+
+    text: entry.text
 
     width: parent?.width ?? 0
     height: 28
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
-    Accessible.name: label + ": " + text
+    Accessible.name: entry.label + ": " + text
     Accessible.description: qsTr("Copy")
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
@@ -32,7 +33,7 @@ T.AbstractButton {
             id: name
             anchors.verticalCenter: parent.verticalCenter
             width: 64
-            text: line.label
+            text: line.entry.label
             font.pixelSize: Theme.meta
             color: Theme.faint
         }
@@ -40,9 +41,9 @@ T.AbstractButton {
             id: mark
             anchors.left: name.right
             anchors.verticalCenter: parent.verticalCenter
-            visible: line.channel !== ""
+            visible: line.entry.channel !== ""
             width: visible ? 14 : 0
-            channel: line.channel
+            channel: line.entry.channel
         }
         Label {
             anchors.left: mark.right

@@ -1,12 +1,13 @@
 import QtQuick
 import QtQml
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// Search, filter tabs, and the choices of sorting, view, channel and account.
 Column {
     id: head
 
-    required property QtObject inbox
+    required property InboxView inbox
 
     signal leave
 
@@ -36,13 +37,14 @@ Column {
         Repeater {
             model: head.inbox.tabs.length // the tabs stay while their counts change
             FilterTab {
+                id: filter
                 required property int index
-                readonly property var tab: head.inbox.tabs[index]
-                objectName: "inbox.filter." + tab.key
+                readonly property tabItem tab: head.inbox.tabs[index]
+                objectName: "inbox.filter." + tab.id
                 text: tab.label
                 count: tab.count
-                selected: head.inbox.filter === tab.key
-                onClicked: head.inbox.filter = tab.key
+                selected: head.inbox.filter === tab.id
+                onClicked: head.inbox.filter = filter.tab.id
             }
         }
     }
@@ -141,10 +143,10 @@ Column {
         Instantiator {
             model: head.inbox.channelChoices
             delegate: MenuItem {
-                required property var modelData
-                icon.name: "channel-" + modelData.key.toLowerCase()
+                required property choice modelData
+                icon.name: "channel-" + modelData.id.toLowerCase()
                 text: modelData.label
-                onTriggered: head.inbox.channelFilter = modelData.key
+                onTriggered: head.inbox.channelFilter = modelData.id
             }
             onObjectAdded: (index, item) => choices.insertItem(index, item)
             onObjectRemoved: (index, item) => choices.removeItem(item)
@@ -153,10 +155,10 @@ Column {
         Instantiator {
             model: head.inbox.accountChoices
             delegate: MenuItem {
-                required property var modelData
+                required property choice modelData
                 icon.name: "user"
                 text: modelData.label
-                onTriggered: head.inbox.accountFilter = modelData.key
+                onTriggered: head.inbox.accountFilter = modelData.id
             }
             onObjectAdded: (index, item) => choices.addItem(item)
             onObjectRemoved: (index, item) => choices.removeItem(item)

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The people, with the ways to narrow them down above.
 FocusScope {
     id: pane
 
-    required property QtObject inbox
+    required property InboxView inbox
 
     signal entered ///< Return on a row: on into its thread
     signal openSettings
@@ -47,11 +48,11 @@ FocusScope {
         Repeater {
             model: pane.inbox.stalenessBanners
             Banner {
-                required property var modelData
+                required property stalenessBanner modelData
                 width: notices.width
                 tone: "warn"
                 text: modelData.text
-                action: modelData.retryLabel ?? qsTr("Retry")
+                action: qsTr("Retry")
                 onActed: pane.inbox.retry(modelData.channel)
             }
         }

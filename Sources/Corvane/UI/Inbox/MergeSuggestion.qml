@@ -1,14 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// Somebody who may be the same person, and why.
 Rectangle {
     id: card
 
-    required property string id
-    required property string text
-    required property string detail
-    required property string channel
+    required property paneRow entry
 
     signal merged
     signal dismissed
@@ -18,13 +16,13 @@ Rectangle {
     radius: Theme.cardRadius
     color: Theme.raised
     Accessible.role: Accessible.Grouping
-    Accessible.name: text + " " + detail
+    Accessible.name: entry.text + " " + entry.detail
 
     ChannelMark {
         id: mark
         x: Theme.medium
         y: Theme.small + 2
-        channel: card.channel
+        channel: card.entry.channel
     }
     Column {
         id: words
@@ -36,7 +34,7 @@ Rectangle {
 
         Label {
             width: parent.width
-            text: card.text
+            text: card.entry.text
             wrapMode: Text.Wrap
             maximumLineCount: 3
             font.weight: Theme.strong
@@ -44,7 +42,7 @@ Rectangle {
         }
         Label {
             width: parent.width
-            text: card.detail
+            text: card.entry.detail
             font.pixelSize: Theme.meta
             color: Theme.soft
             Accessible.ignored: true
@@ -54,7 +52,7 @@ Rectangle {
             objectName: "contact.merge"
             implicitHeight: 28
             text: qsTr("Merge")
-            Accessible.description: card.text
+            Accessible.description: card.entry.text
             onClicked: card.merged()
         }
     }

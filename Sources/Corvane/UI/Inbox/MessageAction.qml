@@ -1,12 +1,13 @@
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A line of a message's menu, there where the message has that action.
 MenuItem {
-    required property var offer ///< {label, enabled, help}, or nothing
+    required property messageOffer offer
 
-    visible: !!offer
+    visible: offer.id !== ""
     height: visible ? implicitHeight : 0
-    enabled: offer?.enabled ?? false
-    text: offer?.label ?? ""
-    Accessible.description: offer?.help ?? ""
+    enabled: offer.enabled
+    text: offer.label
+    Accessible.description: offer.help
 }

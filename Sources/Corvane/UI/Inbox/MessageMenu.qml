@@ -1,23 +1,30 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What can be done with one message.
 Menu {
     id: menu
 
     required property string messageId
-    required property QtObject inbox
+    required property InboxView inbox
 
-    readonly property QtObject thread: inbox.thread
-    readonly property QtObject actions: inbox.messageActions
-    property var offers: ({})
+    readonly property ThreadView thread: inbox.thread
+    readonly property MessageActions actions: inbox.messageActions
+    property list<messageOffer> offers
+    property messageOffer none ///< of an action that the message does not have
+
+    function offer(id: string): messageOffer {
+        for (let i = 0; i < offers.length; ++i) {
+            if (offers[i].id === id)
+                return offers[i];
+        }
+        return none;
+    }
 
     onAboutToShow: {
-        const found = {};
-        for (const offer of actions.actionsFor(messageId))
-            found[offer.key] = offer;
-        offers = found;
+        offers = actions.actionsFor(messageId);
         forwarding.targets = actions.forwardTargets();
     }
 
@@ -25,13 +32,13 @@ Menu {
     T.MenuItem {
         id: moods
         property int chosen: 0
-        readonly property var all: ["👍", "❤️", "😂", "😮", "😢", "🙏"]
+        readonly property list<string> all: ["👍", "❤️", "😂", "😮", "😢", "🙏"]
 
         objectName: "message.moods"
         Keys.onLeftPressed: chosen = Math.max(0, chosen - 1)
         Keys.onRightPressed: chosen = Math.min(all.length - 1, chosen + 1)
         onTriggered: menu.thread.react(menu.messageId, all[chosen])
-        enabled: menu.offers.react?.enabled ?? false
+        enabled: menu.offer("react").enabled
         opacity: enabled ? 1 : 0.4
         implicitHeight: 40
         implicitWidth: row.implicitWidth + Theme.small * 2
@@ -74,37 +81,37 @@ Menu {
     MessageAction {
         icon.name: "media-playback-start"
         key: "Space"
-        offer: menu.offers.play
+        offer: menu.offer("play")
         onTriggered: menu.inbox.voicePlayer.toggle(menu.messageId)
     }
     MessageAction {
         icon.name: "edit-copy"
         key: "Ctrl+C"
-        offer: menu.offers.copy
+        offer: menu.offer("copy")
         onTriggered: WindowTools.copy(menu.thread.readableText(menu.messageId))
     }
     ForwardMenu {
         id: forwarding
-        title: menu.offers.forward?.label ?? ""
-        enabled: menu.offers.forward?.enabled ?? false
+        title: menu.offer("forward").label
+        enabled: menu.offer("forward").enabled
         messageId: menu.messageId
         actions: menu.actions
     }
     MessageAction {
         icon.name: "document-open"
-        offer: menu.offers.open
+        offer: menu.offer("open")
         onTriggered: menu.actions.openMedia(menu.messageId)
     }
     MessageAction {
         icon.name: "download"
-        offer: menu.offers.fetch
+        offer: menu.offer("fetch")
         onTriggered: menu.thread.fetchMedia(menu.messageId)
     }
     MessageAction {
         icon.name: "edit-delete"
         key: "Del"
         danger: true
-        offer: menu.offers.delete
+        offer: menu.offer("delete")
         onTriggered: menu.actions.deleteLocal(menu.messageId)
     }
 }

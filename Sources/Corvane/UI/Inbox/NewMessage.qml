@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A message to somebody new: through which account, to whom, and what.
 Sheet {
     id: sheet
 
-    required property QtObject compose ///< the view model
+    required property ComposeSheet compose ///< the view model
 
     objectName: "newMessage"
     title: compose.title
@@ -38,14 +39,14 @@ Sheet {
         Repeater {
             model: sheet.compose.accounts
             Chip {
-                required property var modelData
+                required property accountChoice modelData
                 implicitHeight: 28
                 mark: modelData.channel
                 text: modelData.label
                 checkable: true
                 autoExclusive: true
-                checked: sheet.compose.accountId === modelData.key
-                onClicked: sheet.compose.accountId = modelData.key
+                checked: sheet.compose.accountId === modelData.id
+                onClicked: sheet.compose.accountId = modelData.id
             }
         }
     }

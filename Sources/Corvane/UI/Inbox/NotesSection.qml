@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What was written down about a person.
 Section {
     id: section
 
-    required property QtObject crm
+    required property CRMPane crm
 
     name: "notes"
     title: qsTr("Notes")

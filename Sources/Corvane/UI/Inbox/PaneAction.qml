@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// An action as a line of its own, with its key at the right.
 Button {

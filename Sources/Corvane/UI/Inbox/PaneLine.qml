@@ -1,31 +1,26 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A line of a section: what it says, weaker words under it, a mark before it, and what can be done at its right.
 Item {
     id: line
 
     // As a row of the view model tells it
-    required property string id
-    required property string label
-    required property string text
-    required property string detail
-    required property string timeText
-    required property string channel
-    required property string icon
+    required property paneRow entry
 
     default property alias actions: side.data
     property alias lead: front.data ///< in place of the mark
     property bool strong: false
     property bool foldable: true ///< a text that is too long can be opened
     property int lines: 4
-    readonly property string under: [label, detail, timeText].filter(word => word).join(" · ")
+    readonly property string under: [entry.label, entry.detail, entry.timeText].filter(word => word).join(" · ")
     property bool whole: false ///< all of a long text
 
     width: parent?.width ?? 0
     height: Math.max(words.height, side.height) + Theme.small
     Accessible.role: Accessible.ListItem
-    Accessible.name: [text, under].filter(word => word).join(", ")
+    Accessible.name: [entry.text, under].filter(word => word).join(", ")
 
     Item {
         id: front
@@ -37,7 +32,7 @@ Item {
             id: mark
             y: 2
             visible: !front.taken
-            name: line.channel ? "channel-" + line.channel.toLowerCase() : line.icon
+            name: line.entry.channel ? "channel-" + line.entry.channel.toLowerCase() : line.entry.icon
             size: 14
             color: Theme.faint
         }
@@ -52,7 +47,7 @@ Item {
         Label {
             id: said
             width: parent.width
-            text: line.text
+            text: line.entry.text
             font.weight: line.strong ? Theme.strong : Theme.regular
             wrapMode: Text.Wrap
             maximumLineCount: line.whole ? 10000 : line.lines
@@ -71,7 +66,7 @@ Item {
             x: -Theme.small
             visible: line.foldable && (said.truncated || line.whole)
             text: line.whole ? qsTr("Show less") : qsTr("Show more")
-            subject: line.text.slice(0, 40)
+            subject: line.entry.text.slice(0, 40)
             onClicked: line.whole = !line.whole
         }
     }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A small word that does something to the line it stands in. `subject` names that line aloud.
 T.AbstractButton {

@@ -1,12 +1,13 @@
 import QtQml
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The channel that a reply goes to, and the choice among the person's others.
 Chip {
     id: chip
 
-    required property QtObject composer
+    required property Composer composer
     readonly property bool hasChoice: composer.replyPlatforms.length > 1
 
     objectName: "composer.channel"
@@ -22,15 +23,20 @@ Chip {
     Menu {
         id: choices
         y: -height - Theme.tight
-        onOpened: currentIndex = chip.composer.replyPlatforms.findIndex(each => each.key === chip.composer.replyPlatform)
+        onOpened: {
+            for (let i = 0; i < chip.composer.replyPlatforms.length; ++i) {
+                if (chip.composer.replyPlatforms[i].id === chip.composer.replyPlatform)
+                    currentIndex = i;
+            }
+        }
         Instantiator {
             model: chip.composer.replyPlatforms
             delegate: MenuItem {
-                required property var modelData
+                required property choice modelData
                 text: modelData.label
                 checkable: true
-                checked: chip.composer.replyPlatform === modelData.key
-                onTriggered: chip.composer.replyPlatform = modelData.key
+                checked: chip.composer.replyPlatform === modelData.id
+                onTriggered: chip.composer.replyPlatform = modelData.id
             }
             onObjectAdded: (index, item) => choices.insertItem(index, item)
             onObjectRemoved: (index, item) => choices.removeItem(item)

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A part of the contact pane that folds, and stays as it was left.
 Column {
     id: section
 
     default property alias content: inner.data
-    required property QtObject layout
+    required property WindowLayout layout
     required property string name
     property string title
     property int count: 0

@@ -1,26 +1,27 @@
 import QtQml
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// How far a deal is.
 Menu {
-    id: menu
+    id: stages
 
-    required property var names
+    required property list<string> names
     required property string current
 
     signal picked(stage: string)
 
     Instantiator {
-        model: menu.names
+        model: stages.names
         delegate: MenuItem {
             required property string modelData
             objectName: "stage." + modelData
             text: modelData
             checkable: true
-            checked: menu.current === modelData
-            onTriggered: menu.picked(modelData)
+            checked: stages.current === modelData
+            onTriggered: stages.picked(modelData)
         }
-        onObjectAdded: (index, object) => menu.insertItem(index, object)
-        onObjectRemoved: (index, object) => menu.removeItem(object)
+        onObjectAdded: (index, object) => stages.insertItem(index, object)
+        onObjectRemoved: (index, object) => stages.removeItem(object)
     }
 }

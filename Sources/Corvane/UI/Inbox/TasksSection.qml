@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What is to be done for a person.
 Section {
     id: section
 
-    required property QtObject crm
+    required property CRMPane crm
 
     name: "tasks"
     title: qsTr("Tasks")
@@ -22,9 +23,9 @@ Section {
                 y: -5
                 objectName: "contact.complete"
                 focusPolicy: Qt.StrongFocus
-                name: qsTr("Complete: %1").arg(task.text)
+                name: qsTr("Complete: %1").arg(task.entry.text)
                 hint: qsTr("Complete")
-                onClicked: section.crm.completeTask(task.id)
+                onClicked: section.crm.completeTask(task.entry.id)
             }
         }
     }

@@ -1,12 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// Whose thread it is, and what can be done with it.
 Rectangle {
     id: head
 
-    required property QtObject inbox
-    required property var contact
+    required property InboxView inbox
+    required property contactItem contact
     required property bool contactShown
 
     signal toggleContact

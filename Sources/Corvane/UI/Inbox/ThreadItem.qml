@@ -1,97 +1,74 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A line of the thread: a day, or one message's bubble with what surrounds it.
 Item {
     id: threadItem
 
-    required property string id
-    required property bool isDate
-    required property string dateText
-    required property bool outgoing
-    required property bool grouped
-    required property bool showTime
-    required property string timeText
-    required property string body
-    required property string senderLabel
-    required property string platform
-    required property string channelLabel
-    required property string ticks
-    required property string ticksText
-    required property string ticksHelp
-    required property string mediaKind
-    required property string mediaPath
-    required property string mediaTitle
-    required property string mediaState
-    required property string mediaStateText
-    required property string transcript
-    required property string reaction
-    required property bool highlighted
-    required property string spoken
+    required property threadRow message
 
-    required property string unreadText
-    required property string moreText
 
-    required property QtObject inbox
-    readonly property QtObject thread: inbox.thread
+    required property InboxView inbox
+    readonly property ThreadView thread: inbox.thread
     property bool ringed: false
 
     function openMenu() {
-        if (isDate)
+        if (message.isDate)
             return;
         menu.active = true;
-        menu.item.popup(bubble, 0, bubble.height + Theme.tight);
+        (menu.item as MessageMenu).popup(bubble, 0, bubble.height + Theme.tight);
     }
 
-    implicitHeight: isDate ? 44 : column.y + column.height
-    Accessible.role: isDate ? Accessible.Separator : Accessible.ListItem
-    Accessible.name: spoken
+    implicitHeight: message.isDate ? 44 : column.y + column.height
+    Accessible.role: message.isDate ? Accessible.Separator : Accessible.ListItem
+    Accessible.name: message.spoken
     Accessible.onPressAction: openMenu()
 
     DaySeparator {
-        visible: threadItem.isDate
+        visible: threadItem.message.isDate
         width: parent.width
-        text: threadItem.dateText
+        text: threadItem.message.dateText
     }
     Column {
         id: column
-        visible: !threadItem.isDate
-        y: threadItem.grouped && !switched.visible ? 2 : Theme.medium
+        visible: !threadItem.message.isDate
+        y: threadItem.message.grouped && !switched.visible ? 2 : Theme.medium
         x: Theme.wide
         width: parent.width - Theme.wide * 2
         spacing: Theme.tight
 
         DaySeparator {
-            visible: threadItem.unreadText !== ""
+            visible: threadItem.message.unreadText !== ""
             x: -Theme.wide
             width: threadItem.width
-            text: threadItem.unreadText
+            text: threadItem.message.unreadText
             ink: Theme.accent
         }
         Row {
             id: switched
-            visible: threadItem.channelLabel !== ""
-            anchors.right: threadItem.outgoing ? parent.right : undefined
+            visible: threadItem.message.channelLabel !== ""
+            anchors.right: threadItem.message.outgoing ? parent.right : undefined
             anchors.rightMargin: Theme.tight
-            leftPadding: threadItem.outgoing ? 0 : Theme.tight
+            leftPadding: threadItem.message.outgoing ? 0 : Theme.tight
             spacing: Theme.tight
             ChannelMark {
                 anchors.verticalCenter: parent.verticalCenter
-                channel: switched.visible ? threadItem.platform : ""
+                channel: switched.visible ? threadItem.message.platform : ""
                 size: 12
                 color: Theme.faint
             }
             Label {
-                text: threadItem.channelLabel
+                text: threadItem.message.channelLabel
                 font.pixelSize: Theme.meta
                 color: Theme.faint
                 Accessible.ignored: true
             }
         }
         Label {
-            visible: threadItem.senderLabel !== ""
+            visible: threadItem.message.senderLabel !== ""
             leftPadding: Theme.tight
-            text: threadItem.senderLabel
+            text: threadItem.message.senderLabel
             font.pixelSize: Theme.meta
             font.weight: Theme.strong
             color: Theme.soft
@@ -99,11 +76,13 @@ Item {
         }
         Bubble {
             id: bubble
-            anchors.right: threadItem.outgoing ? parent.right : undefined
-            item: threadItem
+            anchors.right: threadItem.message.outgoing ? parent.right : undefined
+            message: threadItem.message
+            inbox: threadItem.inbox
+            ringed: threadItem.ringed
             maximumWidth: Math.floor(Math.min(threadItem.width, 1100) * 0.68)
         }
-        Item { width: 1; height: visible ? 10 : 0; visible: threadItem.reaction !== "" }
+        Item { width: 1; height: visible ? 10 : 0; visible: threadItem.message.reaction !== "" }
     }
 
     TapHandler {
@@ -116,8 +95,8 @@ Item {
     }
     HoverHandler { id: over }
     Loader {
-        active: over.hovered && !threadItem.isDate
-        x: column.x + (threadItem.outgoing ? bubble.x - width - Theme.tight : bubble.width + Theme.tight)
+        active: over.hovered && !threadItem.message.isDate
+        x: column.x + (threadItem.message.outgoing ? bubble.x - width - Theme.tight : bubble.width + Theme.tight)
         y: column.y + bubble.y + (bubble.height - height) / 2
         sourceComponent: IconButton {
             objectName: "message.more"
@@ -133,7 +112,7 @@ Item {
         id: menu
         active: false
         sourceComponent: MessageMenu {
-            messageId: threadItem.id
+            messageId: threadItem.message.id
             inbox: threadItem.inbox
         }
     }

@@ -1,15 +1,18 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// The messages, oldest first. It opens at the newest and stays there while it is in sight.
 ListView {
     id: list
 
-    required property QtObject thread
-    required property QtObject inbox
+    required property InboxView inbox
+    readonly property ThreadView thread: inbox.thread
 
     property bool atNewest: true
+    readonly property ThreadItem current: currentItem as ThreadItem ///< where the keyboard is
+    property Item headerButton: null
 
     objectName: "thread.list"
     clip: true
@@ -71,27 +74,29 @@ ListView {
 
     // Where rows come or go above what is being read, that stays in its place. A page of them comes in parts, so what
     // was read before the first is held until the person moves on.
-    property var anchor: null
+    property string anchorId ///< empty where nothing is held
+    property real anchorY
     property bool holding: false
 
     function holdPlace() {
         if (atNewest || holding)
             return;
-        const held = anchor ? itemAtIndex(thread.rowOf(anchor.id)) : null;
-        if (!held || Math.abs(held.y - contentY - anchor.y) > 1) {
+        const held = anchorId ? itemAtIndex(thread.rowOf(anchorId)) : null;
+        if (!held || Math.abs(held.y - contentY - anchorY) > 1) {
             const steady = messageFrom(height / 2, Theme.wide) ?? messageFrom(0, Theme.wide);
-            anchor = steady ? { id: steady.id, y: steady.y - contentY } : null;
+            anchorId = steady?.message.id ?? "";
+            anchorY = steady ? steady.y - contentY : 0;
         }
-        holding = anchor !== null;
+        holding = anchorId !== "";
         if (holding)
             Qt.callLater(takePlace);
     }
 
     /// The first message in sight from `y` on, by steps that may lead upwards.
-    function messageFrom(y: real, step: real): Item {
+    function messageFrom(y: real, step: real): ThreadItem {
         for (; y >= 0 && y < height; y += step) {
-            const item = itemAt(Theme.wide, contentY + y);
-            if (item && !item.isDate)
+            const item = itemAt(Theme.wide, contentY + y) as ThreadItem;
+            if (item && !item.message.isDate)
                 return item;
         }
         return null;
@@ -99,31 +104,31 @@ ListView {
 
     function lastInSight(): int {
         const last = atNewest ? null : messageFrom(height - 1, -Theme.wide);
-        return last ? thread.rowOf(last.id) : count - 1;
+        return last ? thread.rowOf(last.message.id) : count - 1;
     }
 
     function takePlace() {
         holding = false;
-        const row = atNewest ? -1 : thread.rowOf(anchor.id);
+        const row = atNewest ? -1 : thread.rowOf(anchorId);
         if (row < 0)
             return;
         const held = itemAtIndex(row);
-        if (held && Math.abs(held.y - contentY - anchor.y) <= 1)
+        if (held && Math.abs(held.y - contentY - anchorY) <= 1)
             return; // a view that is moved would stop a flick
         positionViewAtIndex(row, ListView.Beginning);
-        contentY = itemAtIndex(row).y - anchor.y;
+        contentY = itemAtIndex(row).y - anchorY;
     }
 
     function step(by: int) {
         thread.reading.touch();
-        if (by < 0 && currentIndex >= 0 && currentIndex <= 1 && headerItem.button.visible) {
-            headerItem.button.forceActiveFocus(Qt.BacktabFocusReason);
+        if (by < 0 && currentIndex >= 0 && currentIndex <= 1 && headerButton.visible) {
+            headerButton.forceActiveFocus(Qt.BacktabFocusReason);
             return;
         }
         const inSight = currentItem && currentItem.y + currentItem.height > contentY && currentItem.y < contentY + height;
         let next = inSight ? currentIndex + by : lastInSight();
         atNewest = false;
-        while (itemAtIndex(next)?.isDate)
+        while ((itemAtIndex(next) as ThreadItem)?.message.isDate)
             next += by;
         currentIndex = Math.max(0, Math.min(count - 1, next));
         positionViewAtIndex(currentIndex, ListView.Contain);
@@ -199,23 +204,23 @@ ListView {
     Keys.onDownPressed: step(1)
     Keys.onUpPressed: step(-1)
     Keys.onTabPressed: event => event.accepted = leave(true)
-    Keys.onReturnPressed: currentItem?.openMenu?.()
+    Keys.onReturnPressed: current?.openMenu()
     Keys.onPressed: event => {
         thread.reading.touch();
-        if (event.matches(StandardKey.Copy) && currentItem?.id) {
-            WindowTools.copy(thread.readableText(currentItem.id));
+        if (event.matches(StandardKey.Copy) && current) {
+            WindowTools.copy(thread.readableText(current.message.id));
             event.accepted = true;
         } else if (event.key === Qt.Key_Menu) {
-            currentItem?.openMenu?.();
+            current?.openMenu();
             event.accepted = true;
-        } else if (event.key === Qt.Key_Space && currentItem?.mediaKind === "audio" && currentItem.mediaState === "ready") {
-            inbox.voicePlayer.toggle(currentItem.id);
+        } else if (event.key === Qt.Key_Space && current?.message.mediaKind === "audio" && current.message.mediaState === "ready") {
+            inbox.voicePlayer.toggle(current.message.id);
             event.accepted = true;
-        } else if ((event.key === Qt.Key_Left || event.key === Qt.Key_Right) && currentItem?.id === inbox.voicePlayer.messageId) {
+        } else if ((event.key === Qt.Key_Left || event.key === Qt.Key_Right) && current?.message.id === inbox.voicePlayer.messageId) {
             inbox.voicePlayer.skip(event.key === Qt.Key_Left ? -5 : 5);
             event.accepted = true;
-        } else if (event.key === Qt.Key_Delete && currentItem && !currentItem.isDate) {
-            inbox.messageActions.deleteLocal(currentItem.id);
+        } else if (event.key === Qt.Key_Delete && current && !current.message.isDate) {
+            inbox.messageActions.deleteLocal(current.message.id);
             event.accepted = true;
         } else if (event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown) {
             page(event.key === Qt.Key_PageUp ? -1 : 1);
@@ -231,7 +236,6 @@ ListView {
     }
 
     header: Item {
-        readonly property Item button: older
         width: list.width
         height: Theme.medium + (older.visible ? older.height : 0)
         Button {
@@ -244,6 +248,7 @@ ListView {
             kind: "quiet"
             text: list.thread.loadOlderText
             enabled: !list.thread.loadingMore
+            Component.onCompleted: list.headerButton = older
             activeFocusOnTab: false // Up leads to it, from the first message
             Keys.onDownPressed: {
                 focus = false;

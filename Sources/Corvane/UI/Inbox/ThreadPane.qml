@@ -1,15 +1,16 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What was said with one person, and the actions on the conversation.
 FocusScope {
     id: pane
 
-    required property QtObject inbox
+    required property InboxView inbox
     required property bool contactShown
 
-    readonly property QtObject thread: inbox.thread
-    readonly property var contact: inbox.selected
+    readonly property ThreadView thread: inbox.thread
+    readonly property contactItem contact: inbox.selected
     readonly property bool open: inbox.selectedId !== ""
 
     signal toggleContact
@@ -51,7 +52,6 @@ FocusScope {
         width: parent.width
         focus: true
         visible: pane.open
-        thread: pane.thread
         inbox: pane.inbox
     }
     EmptyState {

@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// How far a message got, as ticks; nothing where there are none to show.
 Icon {

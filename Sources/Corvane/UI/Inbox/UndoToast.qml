@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What was just done, and the way back.
 Rectangle {
     id: toast
 
-    required property QtObject inbox
+    required property InboxView inbox
 
     readonly property bool shown: inbox.undoText !== ""
     property string lastText

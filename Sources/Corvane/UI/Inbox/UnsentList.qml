@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What the person sent and did not go out, as it would stand in the thread.
 Column {
     id: list
 
-    required property QtObject composer ///< the view model
+    required property Composer composer ///< the view model
 
     spacing: Theme.small
     visible: lines.count > 0
@@ -18,11 +19,9 @@ Column {
         Rectangle {
             id: bubble
 
-            required property string id
-            required property string body
-            required property string reason
+            required property unsentMessage message
 
-            objectName: "unsent:" + id
+            objectName: "unsent:" + message.id
             anchors.right: parent.right
             width: Math.min(parent.width * 0.68, Math.max(320, words.implicitWidth + Theme.medium * 2))
             height: parts.implicitHeight + Theme.medium * 2
@@ -31,7 +30,7 @@ Column {
             border.width: 1
             border.color: Theme.bad
             Accessible.role: Accessible.ListItem
-            Accessible.name: bubble.reason + ": " + bubble.body
+            Accessible.name: bubble.message.reason + ": " + bubble.message.body
 
             Column {
                 id: parts
@@ -43,7 +42,7 @@ Column {
                 Label {
                     id: words
                     width: parent.width
-                    text: bubble.body
+                    text: bubble.message.body
                     wrapMode: Text.Wrap
                     maximumLineCount: 6
                     lineHeight: 1.2
@@ -51,7 +50,7 @@ Column {
                 }
                 Label {
                     width: parent.width
-                    text: bubble.reason
+                    text: bubble.message.reason
                     wrapMode: Text.Wrap
                     maximumLineCount: 3
                     font.pixelSize: Theme.meta
@@ -63,15 +62,15 @@ Column {
                     Button {
                         objectName: "unsent.retry"
                         text: qsTr("Retry")
-                        Accessible.description: bubble.body
-                        onClicked: list.composer.retry(bubble.id)
+                        Accessible.description: bubble.message.body
+                        onClicked: list.composer.retry(bubble.message.id)
                     }
                     Button {
                         objectName: "unsent.discard"
                         kind: "quiet"
                         text: qsTr("Discard")
-                        Accessible.description: bubble.body
-                        onClicked: list.composer.discard(bubble.id)
+                        Accessible.description: bubble.message.body
+                        onClicked: list.composer.discard(bubble.message.id)
                     }
                 }
             }

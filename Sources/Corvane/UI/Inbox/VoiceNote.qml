@@ -1,12 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A voice note that is recorded, or waits to be sent.
 Item {
     id: note
 
-    required property QtObject composer
-    readonly property QtObject voice: composer.voice
+    required property Composer composer
+    readonly property VoiceRecorder voice: composer.voice
 
     implicitHeight: Theme.control
 

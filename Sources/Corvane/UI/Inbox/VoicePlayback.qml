@@ -1,22 +1,23 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// A voice note: its shape, name and length; a press plays it, and one on its shape goes elsewhere.
 Rectangle {
     id: note
 
-    required property Item item
+    required property threadRow message
+    required property VoicePlayer player
 
-    readonly property QtObject player: item.inbox.voicePlayer
-    readonly property bool current: player.messageId === item.id
+    readonly property bool current: player.messageId === message.id
     readonly property string problem: wave.problem || (current && player.state === "failed" ? player.stateText : "")
     readonly property string time: !current || player.state === "idle" ? "" : player.positionText
 
     implicitWidth: 280
     implicitHeight: 58
     radius: Theme.controlRadius
-    color: item.outgoing ? Theme.surface : Theme.raised
+    color: message.outgoing ? Theme.surface : Theme.raised
 
     IconButton {
         id: press
@@ -26,7 +27,7 @@ Rectangle {
         focusPolicy: Qt.NoFocus
         icon.name: note.current && note.player.state === "playing" ? "media-playback-pause" : "media-playback-start"
         text: note.current ? note.player.actionText : qsTr("Play")
-        onClicked: note.player.toggle(note.item.id)
+        onClicked: note.player.toggle(note.message.id)
     }
     T.Slider {
         id: track
@@ -50,7 +51,7 @@ Rectangle {
             id: wave
             width: track.width
             height: track.height
-            path: note.item.mediaPath
+            path: note.message.mediaPath
             progress: track.visualPosition
             ink: Theme.faint
             accent: Theme.accent
@@ -70,7 +71,7 @@ Rectangle {
         anchors.right: length.left
         anchors.rightMargin: Theme.small
         y: 34
-        text: note.problem || note.item.mediaTitle
+        text: note.problem || note.message.mediaTitle
         elide: Text.ElideRight
         font.pixelSize: Theme.meta
         color: note.problem ? Theme.bad : Theme.soft

@@ -1,12 +1,17 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Panel
 
 /// The day in a few lines and who wrote last, each the way to what it speaks of.
 FocusScope {
     id: tab
 
-    required property QtObject panel
+    required property CorvaneMenuBarView panel
+
+    // As many lines as there were keep their delegates, and so the keyboard its place; what is gone is empty.
+    property dayLine noFact
+    property glanceLine noLine
 
     Flickable {
         anchors.fill: parent
@@ -58,14 +63,15 @@ FocusScope {
                 Repeater {
                     model: tab.panel.today.length
                     PanelLine {
+                        id: fact
                         required property int index
-                        readonly property var fact: tab.panel.today[index] ?? ({ text: "", icon: "", action: "" })
-                        objectName: "panel.line." + fact.action
+                        readonly property dayLine line: tab.panel.today[index] ?? tab.noFact
+                        objectName: "panel.line." + fact.line.action
                         width: parent.width
                         focus: index === 0
-                        sign: fact.icon
-                        text: fact.text
-                        onClicked: tab.panel.run(fact.action)
+                        sign: fact.line.icon
+                        text: fact.line.text
+                        onClicked: tab.panel.run(fact.line.action)
                     }
                 }
             }
@@ -85,16 +91,16 @@ FocusScope {
                 Repeater {
                     model: tab.panel.glance.length
                     PanelLine {
+                        id: row
                         required property int index
-                        readonly property var row: tab.panel.glance[index]
-                            ?? ({ title: "", snippet: "", channel: "", unread: 0, contactId: "" })
+                        readonly property glanceLine line: tab.panel.glance[index] ?? tab.noLine
                         objectName: "panel.glance"
                         width: parent.width
-                        sign: row.channel ? "channel-" + row.channel.toLowerCase() : "hub-inbox"
-                        text: row.title
-                        more: row.snippet
-                        count: row.unread > 0 ? row.unread : ""
-                        onClicked: tab.panel.openConversation(row.contactId)
+                        sign: row.line.channel ? "channel-" + row.line.channel.toLowerCase() : "hub-inbox"
+                        text: row.line.title
+                        more: row.line.snippet
+                        count: row.line.unread > 0 ? row.line.unread : ""
+                        onClicked: tab.panel.openConversation(row.line.contactId)
                     }
                 }
             }

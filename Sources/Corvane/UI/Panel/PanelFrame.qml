@@ -1,14 +1,16 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Panel
 
 /// The small window at the tray: tabs on top, what the chosen one shows, and the way to the main window.
 T.ApplicationWindow {
     id: window
 
-    required property QtObject panel
-    required property QtObject notices
-    readonly property QtObject approvals: panel.approvals
+    required property CorvaneMenuBarView panel
+    required property Notices notices
+    readonly property ApprovalsView approvals: panel.approvals
 
     title: qsTr("Corvane panel")
     width: 380
@@ -53,13 +55,14 @@ T.ApplicationWindow {
                 id: tabButtons
                 model: window.panel.tabs.length
                 FilterTab {
+                    id: button
                     required property int index
-                    readonly property var tab: window.panel.tabs[index]
-                    objectName: "panel." + tab.id
-                    text: tab.label
-                    count: tab.count
-                    selected: window.panel.tab === tab.id
-                    onClicked: window.panel.tab = tab.id
+                    readonly property tabItem tab: window.panel.tabs[index]
+                    objectName: "panel." + button.tab.id
+                    text: button.tab.label
+                    count: button.tab.count
+                    selected: window.panel.tab === button.tab.id
+                    onClicked: window.panel.tab = button.tab.id
                     Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
                     Keys.onLeftPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Panel
 
 /// A line of the panel that leads to what it speaks of.
 T.AbstractButton {

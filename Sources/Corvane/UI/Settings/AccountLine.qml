@@ -1,35 +1,26 @@
 import QtQuick
 import QtQuick.Layouts
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// One account: its channel and name, its state in words, and what can be done with it.
 Item {
     id: line
 
     required property int index
-    required property string accountId
-    required property string name
-    required property string channel
-    required property string channelLabel
-    required property string status
-    required property string detail
-    required property string note
-    required property string kind
-    required property string lastMessage
-    required property var actions
-    required property string sentence
+    required property accountRow account
 
-    readonly property color tone: kind === "good" ? Theme.good : kind === "bad" ? Theme.bad : kind === "warn" ? Theme.warn : Theme.soft
+    readonly property color tone: account.kind === "good" ? Theme.good : account.kind === "bad" ? Theme.bad : account.kind === "warn" ? Theme.warn : Theme.soft
     // The first action stands as a button; the others wait in a menu.
-    readonly property var first: actions.find(action => !action.destructive && !action.confirmation) ?? null
-    readonly property var others: actions.filter(action => action.id !== first?.id)
+    readonly property accountAction first: account.first
+    readonly property list<accountAction> others: account.others
 
-    signal acted(var action)
+    signal acted(action: accountAction)
 
-    objectName: "account:" + accountId
+    objectName: "account:" + account.accountId
     implicitHeight: Math.max(72, words.implicitHeight + Theme.large * 2)
     Accessible.role: Accessible.ListItem
-    Accessible.name: sentence
+    Accessible.name: account.sentence
 
     Rectangle {
         visible: line.index > 0
@@ -51,7 +42,7 @@ Item {
             color: Theme.raised
             ChannelMark {
                 anchors.centerIn: parent
-                channel: line.channel
+                channel: line.account.channel
                 size: 20
             }
         }
@@ -64,12 +55,12 @@ Item {
                 Layout.fillWidth: true
                 spacing: Theme.small
                 Label {
-                    text: line.name
+                    text: line.account.name
                     font.weight: Theme.strong
                     Accessible.ignored: true
                 }
                 Label {
-                    text: line.channelLabel
+                    text: line.account.channelLabel
                     color: Theme.faint
                     Accessible.ignored: true
                 }
@@ -81,11 +72,11 @@ Item {
                     Layout.preferredWidth: 8
                     Layout.preferredHeight: 8
                     radius: 4
-                    color: line.kind === "idle" ? Theme.none : line.tone
-                    border.width: line.kind === "idle" ? 1.5 : 0
+                    color: line.account.kind === "idle" ? Theme.none : line.tone
+                    border.width: line.account.kind === "idle" ? 1.5 : 0
                     border.color: Theme.faint
                     SequentialAnimation on opacity {
-                        running: line.kind === "busy" && !Theme.reducedMotion
+                        running: line.account.kind === "busy" && !Theme.reducedMotion
                         loops: Animation.Infinite
                         alwaysRunToEnd: true
                         NumberAnimation { to: 0.3; duration: 700; easing.type: Easing.InOutSine }
@@ -93,20 +84,20 @@ Item {
                     }
                 }
                 Label {
-                    text: line.status
+                    text: line.account.status
                     color: line.tone
                     Accessible.ignored: true
                 }
                 Label {
                     Layout.fillWidth: true
-                    text: line.detail
+                    text: line.account.detail
                     color: Theme.soft
                     Accessible.ignored: true
                 }
             }
             Label {
                 Layout.fillWidth: true
-                text: line.lastMessage
+                text: line.account.lastMessage
                 font.pixelSize: Theme.meta
                 color: Theme.faint
                 Accessible.ignored: true
@@ -114,25 +105,25 @@ Item {
             Label {
                 Layout.fillWidth: true
                 visible: text !== ""
-                text: line.note
+                text: line.account.note
                 wrapMode: Text.Wrap
                 maximumLineCount: 3
                 font.pixelSize: Theme.meta
-                color: line.kind === "bad" ? Theme.bad : Theme.faint
+                color: line.account.kind === "bad" ? Theme.bad : Theme.faint
                 Accessible.ignored: true
             }
         }
         Button {
-            visible: line.first !== null
-            text: line.first?.label ?? ""
-            Accessible.description: line.name
+            visible: line.first.id !== ""
+            text: line.first.label
+            Accessible.description: line.account.name
             onClicked: line.acted(line.first)
         }
         IconButton {
             id: more
             visible: line.others.length > 0
             icon.name: "overflow-menu"
-            text: qsTr("More for %1").arg(line.name)
+            text: qsTr("More for %1").arg(line.account.name)
             Accessible.role: Accessible.ButtonMenu
             down: pressed || menu.visible
             onClicked: menu.popup(more, more.width - menu.width, more.height + Theme.tight)
@@ -142,9 +133,9 @@ Item {
                 Repeater {
                     model: line.others
                     MenuItem {
-                        required property var modelData
+                        required property accountAction modelData
                         text: modelData.label
-                        danger: modelData.destructive === true
+                        danger: modelData.destructive
                         onTriggered: line.acted(modelData)
                     }
                 }

@@ -1,32 +1,33 @@
 import QtQuick
 import QtQuick.Layouts
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// The accounts with their state and actions, and under them what can be connected.
 FocusScope {
     id: section
 
-    required property QtObject settings
-    readonly property QtObject accounts: settings.accounts
+    required property IntegrationsView settings
+    readonly property GadgetListModel accounts: settings.accounts
 
     implicitHeight: column.implicitHeight
 
-    function connectTo(flow: var) {
-        if (!flow.fields.length) {
+    function connectTo(flow: connectFlow) {
+        if (flow.fields.length === 0) {
             settings.connectAccount(flow.channel, {});
             return;
         }
         sheet.active = true;
-        sheet.item.offer(flow);
+        (sheet.item as ConnectSheet).offer(flow);
     }
 
-    function perform(accountId: string, action: var) {
+    function perform(accountId: string, action: accountAction) {
         if (!action.confirmation) {
             settings.perform(accountId, action.id);
             return;
         }
         question.active = true;
-        question.item.ask(accountId, action);
+        (question.item as ConfirmSheet).ask(accountId, action);
     }
 
     Column {
@@ -58,8 +59,9 @@ FocusScope {
                 Repeater {
                     model: section.accounts
                     AccountLine {
+                        id: line
                         width: rows.width
-                        onActed: action => section.perform(accountId, action)
+                        onActed: action => section.perform(line.account.accountId, action)
                     }
                 }
             }
@@ -78,7 +80,7 @@ FocusScope {
                 model: section.settings.connectFlows
                 ChannelTile {
                     required property int index
-                    required property var modelData
+                    required property connectFlow modelData
                     Layout.fillWidth: true
                     Layout.preferredWidth: 1
                     objectName: "connect." + modelData.channel

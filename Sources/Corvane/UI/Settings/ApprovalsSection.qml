@@ -1,12 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Settings
 
 /// What waits for a person, and from where approvals can be given.
 Column {
     id: section
 
-    required property QtObject settings
-    required property QtObject approvals
+    required property IntegrationsView settings
+    required property ApprovalsView approvals
 
     signal reviewed
 

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// Who answers for the assistant, the local model, what this machine may do, and the memory.
 Column {
     id: section
 
-    required property QtObject assistant
+    required property AssistantSettings assistant
 
     spacing: Theme.large
 
@@ -23,7 +24,7 @@ Column {
             model: section.assistant.backends
             SettingRow {
                 id: backend
-                required property var modelData
+                required property assistantBackend modelData
                 label: modelData.name
                 hint: modelData.detail
                 Label {
@@ -135,7 +136,7 @@ Column {
             Repeater {
                 model: section.assistant.gateFacts
                 Column {
-                    required property var modelData
+                    required property machineFact modelData
                     spacing: 3
                     Label {
                         text: parent.modelData.label
@@ -171,7 +172,7 @@ Column {
             model: section.assistant.memory
             Column {
                 id: entry
-                required property var modelData
+                required property memoryLine modelData
                 width: parent ? parent.width : 0
                 spacing: Theme.tight
                 Label {

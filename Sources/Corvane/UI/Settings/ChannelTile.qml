@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// A channel that can be connected.
 T.AbstractButton {

@@ -1,16 +1,17 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// Asks before something that cannot be undone.
 Sheet {
     id: sheet
 
     property string subject
-    property var action: ({ id: "", label: "", confirmation: "" })
+    property accountAction action
 
     signal confirmed(string subject, string actionId)
 
-    function ask(about: string, wanted: var) {
+    function ask(about: string, wanted: accountAction) {
         subject = about;
         action = wanted;
         open();

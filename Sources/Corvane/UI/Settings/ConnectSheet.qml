@@ -1,16 +1,18 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// The fields that connect a channel. Its button waits until they hold what the channel needs.
 Sheet {
     id: sheet
 
-    required property QtObject settings
-    property var flow: ({ channel: "", title: "", hint: "", buttonLabel: "", fields: [] })
+    required property IntegrationsView settings
+    property connectFlow flow
+    property connectFlow none ///< while no sheet is open
     property var values: ({})
     readonly property bool complete: flow.channel !== "" && settings.canConnect(flow.channel, values)
 
-    function offer(wanted: var) {
+    function offer(wanted: connectFlow) {
         values = {};
         flow = wanted;
         open();
@@ -26,7 +28,7 @@ Sheet {
     title: flow.title
     onClosed: {
         values = {}; // a secret does not stay in memory longer than its sheet
-        flow = { channel: "", title: "", hint: "", buttonLabel: "", fields: [] };
+        flow = none;
     }
 
     Label {
@@ -44,7 +46,7 @@ Sheet {
         model: sheet.flow.fields
         TextField {
             required property int index
-            required property var modelData
+            required property connectField modelData
             objectName: "connect." + modelData.id
             width: parent.width
             label: modelData.label

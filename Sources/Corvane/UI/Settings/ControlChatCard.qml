@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// Names the one conversation from which approvals can be given.
 Card {
     id: card
 
-    required property QtObject chat ///< the view model
+    required property ControlChatSettings chat ///< the view model
 
     SettingRow {
         label: card.chat.title
@@ -48,8 +49,8 @@ Card {
         Accessible.role: Accessible.List
         Accessible.name: card.chat.title
         T.ScrollBar.vertical: ScrollBar {}
-        Keys.onReturnPressed: currentItem?.clicked()
-        Keys.onSpacePressed: currentItem?.clicked()
+        Keys.onReturnPressed: (currentItem as T.AbstractButton)?.clicked()
+        Keys.onSpacePressed: (currentItem as T.AbstractButton)?.clicked()
 
         KeyboardFocus { id: keyboard; target: rows }
 
@@ -57,29 +58,24 @@ Card {
             id: row
 
             required property int index
-            required property string id
-            required property string title
-            required property string channel
-            required property string detail
-            required property bool chosen
-            required property string sentence
+            required property controlChatRow chat
 
-            objectName: "controlChat:" + id
+            objectName: "controlChat:" + chat.id
             width: ListView.view.width
             implicitHeight: 44
             hoverEnabled: true
             focusPolicy: Qt.NoFocus
             Accessible.role: Accessible.RadioButton
-            Accessible.name: sentence
-            Accessible.checked: chosen
+            Accessible.name: chat.sentence
+            Accessible.checked: chat.chosen
             onClicked: {
-                rows.currentIndex = index;
-                card.chat.choose(id);
+                rows.currentIndex = row.index;
+                card.chat.choose(row.chat.id);
             }
 
             background: Rectangle {
                 radius: Theme.controlRadius
-                color: row.chosen ? Theme.tint : row.hovered ? Theme.raised : Theme.none
+                color: row.chat.chosen ? Theme.tint : row.hovered ? Theme.raised : Theme.none
                 border.width: keyboard.shown && row.ListView.isCurrentItem ? 2 : 0
                 border.color: Theme.accent
             }
@@ -88,7 +84,7 @@ Card {
                     id: mark
                     x: Theme.medium
                     anchors.verticalCenter: parent.verticalCenter
-                    channel: row.channel
+                    channel: row.chat.channel
                     size: 16
                 }
                 Label {
@@ -97,8 +93,8 @@ Card {
                     anchors.right: where.left
                     anchors.rightMargin: Theme.medium
                     anchors.verticalCenter: parent.verticalCenter
-                    text: row.title
-                    color: row.chosen ? Theme.accent : Theme.text
+                    text: row.chat.title
+                    color: row.chat.chosen ? Theme.accent : Theme.text
                 }
                 Label {
                     id: where
@@ -106,7 +102,7 @@ Card {
                     anchors.right: tick.left
                     anchors.rightMargin: Theme.small
                     anchors.verticalCenter: parent.verticalCenter
-                    text: row.detail
+                    text: row.chat.detail
                     font.pixelSize: Theme.meta
                     color: Theme.faint
                 }
@@ -115,7 +111,7 @@ Card {
                     anchors.right: parent.right
                     anchors.rightMargin: Theme.medium
                     anchors.verticalCenter: parent.verticalCenter
-                    name: row.chosen ? "dialog-ok" : ""
+                    name: row.chat.chosen ? "dialog-ok" : ""
                     color: Theme.accent
                 }
             }

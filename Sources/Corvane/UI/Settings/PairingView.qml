@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// Links an account: the code while there is one, then that it worked.
 Sheet {
     id: sheet
 
-    required property QtObject pairing
+    required property PairingSheet pairing
 
     objectName: "pairingSheet"
     title: pairing.title

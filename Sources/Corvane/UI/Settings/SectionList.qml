@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// The sections of the settings, one above the other.
 FocusScope {
     id: pane
 
-    property var sections: []
+    property list<choice> sections
     property string chosen
 
     signal picked(string id)
@@ -18,7 +19,10 @@ FocusScope {
         calls: "call-start", calendar: "view-calendar", sync: "sync", system: "computer" })
 
     function step(by: int) {
-        const index = sections.findIndex(section => section.id === chosen) + by;
+        let index = 0;
+        while (sections[index].id !== chosen)
+            ++index;
+        index += by;
         if (index >= 0 && index < sections.length) {
             picked(sections[index].id);
             entries.itemAt(index).forceActiveFocus(Qt.TabFocusReason);
@@ -48,7 +52,7 @@ FocusScope {
             model: pane.sections
             T.AbstractButton {
                 id: entry
-                required property var modelData
+                required property choice modelData
                 readonly property bool selected: modelData.id === pane.chosen
 
                 objectName: "settings." + modelData.id

@@ -1,20 +1,21 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Settings
 
 /// The settings: their sections at the left, the cards of one at the right.
 Page {
     id: page
 
-    required property QtObject settings
-    required property QtObject approvals
-    required property QtObject appearance
+    required property IntegrationsView settings
+    required property ApprovalsView approvals
+    required property Appearance appearance
 
     signal reviewApprovals
 
     readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, sync: sync,
         system: system })
-    readonly property string label: settings.sections.find(section => section.id === settings.section)?.label ?? ""
 
     panes: [sections, cards]
 
@@ -40,7 +41,7 @@ Page {
         anchors.right: parent.right
         height: parent.height
         Accessible.role: Accessible.Pane
-        Accessible.name: page.label
+        Accessible.name: page.settings.sectionLabel
 
         RevealFocus { view: scroll }
         Flickable {
@@ -59,7 +60,7 @@ Page {
                 spacing: Theme.large
 
                 Label {
-                    text: page.label
+                    text: page.settings.sectionLabel
                     font.pixelSize: Theme.screen
                     font.weight: Theme.strong
                     Accessible.role: Accessible.Heading

@@ -1,13 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// The web account, the state of its mirror, and the local tool server.
 Column {
     id: section
 
-    required property QtObject settings
-    readonly property QtObject sync: settings.sync
-    readonly property QtObject toolServer: settings.toolServer
+    required property IntegrationsView settings
+    readonly property SyncSettings sync: settings.sync
+    readonly property ToolServerCard toolServer: settings.toolServer
 
     spacing: Theme.large
 
@@ -41,13 +42,14 @@ Column {
         Repeater {
             model: section.sync.health
             SettingRow {
-                required property var modelData
+                id: line
+                required property syncHealthLine modelData
                 width: parent.width
                 label: modelData.source
                 hint: modelData.detail
                 Label {
-                    text: parent.parent.modelData.status
-                    color: section.tone(parent.parent.modelData.kind)
+                    text: line.modelData.status
+                    color: section.tone(line.modelData.kind)
                 }
             }
         }

@@ -1,13 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Settings
 
 /// How the window looks, what it announces, and where things are kept.
 Column {
     id: section
 
-    required property QtObject settings
-    required property QtObject appearance
-    readonly property QtObject system: settings.system
+    required property IntegrationsView settings
+    required property Appearance appearance
+    readonly property SystemSettings system: settings.system
 
     spacing: Theme.large
 
@@ -19,7 +20,7 @@ Column {
             Repeater {
                 model: section.appearance.modes
                 Chip {
-                    required property var modelData
+                    required property choice modelData
                     objectName: "appearance." + modelData.id
                     implicitHeight: 28
                     text: modelData.label

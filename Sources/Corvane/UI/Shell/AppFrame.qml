@@ -1,18 +1,22 @@
 import QtQuick
 import QtQml
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Inbox
+import Corvane.Settings
+import Corvane.Shell
 
 /// Everything behind the wall: the hub bar, the screen under it, and what may lie over both.
 FocusScope {
     id: frame
 
-    required property QtObject shell
-    required property QtObject profile
-    required property QtObject settings
-    required property QtObject inbox
-    required property QtObject approvals
-    required property QtObject appearance
-    required property QtObject layout
+    required property AppShell shell
+    required property ProfileMenu profile
+    required property IntegrationsView settings
+    required property InboxView inbox
+    required property ApprovalsView approvals
+    required property Appearance appearance
+    required property WindowLayout layout
     required property bool shown ///< the window is on the screen
     required property bool seen ///< and a person looks at it
 
@@ -34,21 +38,21 @@ FocusScope {
             break;
         case "shortcuts":
             shortcuts.active = true;
-            shortcuts.item.open();
+            (shortcuts.item as ShortcutsSheet).open();
             break;
         case "search":
         case "newMessage":
             shell.selectHub("inbox");
-            screen.item.run(command);
+            (screen.item as Page).run(command);
             break;
         case "back":
             if (shell.settings)
                 shell.closeSettings();
             else
-                screen.item.run(command);
+                (screen.item as Page).run(command);
             break;
         default:
-            screen.item.run(command);
+            (screen.item as Page).run(command);
         }
     }
 
@@ -87,7 +91,7 @@ FocusScope {
         anchors.fill: parent
         anchors.topMargin: bar.height
         focus: true
-        onLoaded: item.forceActiveFocus()
+        onLoaded: (item as Page).forceActiveFocus()
         Component.onCompleted: showPage()
 
         function showPage() {
@@ -104,15 +108,15 @@ FocusScope {
         function onNavigationChanged() { screen.showPage(); }
     }
     Connections {
-        target: screen.item
+        target: screen.item as Page
         function onLeave() {
             if (frame.shell.settings)
                 frame.shell.closeSettings();
             else
                 frame.shell.closeApprovals();
         }
-        function onOpenHub(hub) { frame.shell.selectHub(hub); }
-        function onOpenSettings(section) {
+        function onOpenHub(hub: string) { frame.shell.selectHub(hub); }
+        function onOpenSettings(section: string) {
             if (section)
                 frame.settings.section = section;
             frame.shell.openSettings();

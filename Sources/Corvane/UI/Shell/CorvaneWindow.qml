@@ -1,24 +1,29 @@
 import QtQuick
 import QtQuick.Window
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Inbox
+import Corvane.Settings
+import Corvane.Shell
+import Corvane.Wall
 
 /// The main window: the wall, or the frame with the screens behind it.
 T.ApplicationWindow {
     id: window
 
-    required property QtObject content
-    required property QtObject wall
-    required property QtObject notices
-    required property QtObject recovery
-    required property QtObject shell
-    required property QtObject profile
-    required property QtObject settings
-    required property QtObject inbox
-    required property QtObject approvals
-    required property QtObject appearance
-    required property QtObject layout
-    required property QtObject closingNotice
+    required property ContentView content
+    required property LoginWallView wall
+    required property Notices notices
+    required property StoreRecovery recovery
+    required property AppShell shell
+    required property ProfileMenu profile
+    required property IntegrationsView settings
+    required property InboxView inbox
+    required property ApprovalsView approvals
+    required property Appearance appearance
+    required property WindowLayout layout
+    required property ClosingNotice closingNotice
 
     title: content.title
     color: Theme.window
@@ -82,7 +87,7 @@ T.ApplicationWindow {
         anchors.topMargin: noticeBar.height
         focus: true
         sourceComponent: window.recovery.needed ? recoveryPage : window.content.showsWall ? gate : frame
-        onLoaded: item.forceActiveFocus()
+        onLoaded: (item as Item).forceActiveFocus()
     }
     Component {
         id: recoveryPage

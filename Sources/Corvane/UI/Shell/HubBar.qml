@@ -1,14 +1,16 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
+import Corvane.Shell
 
 /// The bar on top: the hubs as words, the search in the middle, the person and the gear at the right.
 FocusScope {
     id: bar
 
-    required property QtObject shell
-    required property QtObject profile
-    required property QtObject approvals
+    required property AppShell shell
+    required property ProfileMenu profile
+    required property ApprovalsView approvals
 
     signal searchPressed
 
@@ -36,9 +38,10 @@ FocusScope {
         Repeater {
             model: bar.shell.hubs
             HubButton {
+                id: button
                 height: hubs.height
-                focus: selected
-                onClicked: bar.shell.selectHub(raw)
+                focus: hub.selected
+                onClicked: bar.shell.selectHub(button.hub.raw)
             }
         }
     }

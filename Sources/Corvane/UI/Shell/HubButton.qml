@@ -1,28 +1,24 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// One hub: its word, what waits in it, and the underline of the chosen one.
 T.AbstractButton {
     id: control
 
-    required property string raw
-    required property string label
-    required property string badge
-    required property bool selected
-    required property string identifier
-    required property string shortcut
+    required property hubRow hub
 
-    objectName: identifier
+    objectName: hub.identifier
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     leftPadding: Theme.medium
     rightPadding: Theme.medium
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
-    text: label
+    text: hub.label
     Accessible.role: Accessible.PageTab
-    Accessible.name: badge ? qsTr("%1, %2 unread").arg(label).arg(badge) : label
-    Accessible.selected: selected
+    Accessible.name: hub.badge ? qsTr("%1, %2 unread").arg(hub.label).arg(hub.badge) : hub.label
+    Accessible.selected: hub.selected
     Keys.onReturnPressed: clicked()
     Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
     Keys.onLeftPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
@@ -31,13 +27,13 @@ T.AbstractButton {
         spacing: 6
         Label {
             anchors.verticalCenter: parent.verticalCenter
-            text: control.label
-            font.weight: control.selected ? Theme.strong : Theme.regular
-            color: control.selected || control.hovered ? Theme.text : Theme.soft
+            text: control.hub.label
+            font.weight: control.hub.selected ? Theme.strong : Theme.regular
+            color: control.hub.selected || control.hovered ? Theme.text : Theme.soft
         }
         Badge {
             anchors.verticalCenter: parent.verticalCenter
-            text: control.badge
+            text: control.hub.badge
         }
     }
     background: Item {
@@ -46,11 +42,11 @@ T.AbstractButton {
             anchors.topMargin: 10
             anchors.bottomMargin: 10
             radius: Theme.controlRadius
-            color: control.hovered && !control.selected ? Theme.raised : Theme.none
+            color: control.hovered && !control.hub.selected ? Theme.raised : Theme.none
             FocusRing { control: control; anchors.margins: -2 }
         }
         Rectangle {
-            visible: control.selected
+            visible: control.hub.selected
             anchors.bottom: parent.bottom
             x: Theme.medium
             width: parent.width - Theme.medium * 2
@@ -59,5 +55,5 @@ T.AbstractButton {
             color: Theme.accent
         }
     }
-    Tooltip { text: control.label + "   " + control.shortcut; shown: control.hovered }
+    Tooltip { text: control.hub.label + "   " + control.hub.shortcut; shown: control.hovered }
 }

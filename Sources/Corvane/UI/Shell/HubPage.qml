@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// A hub whose room is not furnished yet: what it is for, and what will stand in it.
 Page {
     id: page
 
-    required property QtObject screen ///< a PlannedHub
+    required property PlannedHub screen
 
     panes: [desk]
 

@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// The keys of some sections of the keymap, one below the other.
 Column {

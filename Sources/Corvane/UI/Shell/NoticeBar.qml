@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// What needs to be known on every screen, one line each; it takes no room where there is nothing.
 Column {
     id: bar
 
-    required property QtObject notices
+    required property Notices notices
 
     topPadding: list.count > 0 ? Theme.small : 0
     bottomPadding: topPadding
@@ -16,7 +17,7 @@ Column {
         model: bar.notices.items
         Banner {
             id: line
-            required property var modelData
+            required property notice modelData
             objectName: "notice." + modelData.id
             x: Theme.medium
             width: bar.width - Theme.medium * 2

@@ -1,73 +1,67 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
+import Corvane.Shell
 
 /// A person or an action of the palette.
 T.AbstractButton {
     id: row
 
     required property int index
-    required property string id
-    required property bool isAction
-    required property string label
-    required property string detail
-    required property string platform
-    required property string avatarPath
-    required property string initials
-    required property int hue
-    required property bool highlighted
+    required property paletteItem entry
 
     implicitHeight: 40
     hoverEnabled: true
     focusPolicy: Qt.NoFocus
     Accessible.role: Accessible.ListItem
-    Accessible.name: detail ? label + ", " + detail : label
-    Accessible.selected: highlighted
+    Accessible.name: entry.detail ? entry.label + ", " + entry.detail : entry.label
+    Accessible.selected: entry.highlighted
 
     background: Rectangle {
         radius: Theme.controlRadius
-        color: row.highlighted ? Theme.tint : row.hovered ? Theme.raised : Theme.none
+        color: row.entry.highlighted ? Theme.tint : row.hovered ? Theme.raised : Theme.none
     }
     contentItem: Item {
         Avatar {
-            visible: !row.isAction
+            visible: !row.entry.isAction
             x: Theme.small
             anchors.verticalCenter: parent.verticalCenter
             width: 28
-            hue: row.hue
-            initials: row.initials
-            photo: row.avatarPath
-            group: row.initials === ""
+            hue: row.entry.hue
+            initials: row.entry.initials
+            photo: row.entry.avatarPath
+            group: row.entry.initials === ""
         }
         Icon {
-            visible: row.isAction
+            visible: row.entry.isAction
             x: Theme.small + 6
             anchors.verticalCenter: parent.verticalCenter
-            name: !visible ? "" : row.id === "action:search" ? "edit-find" : "go-next"
-            color: row.highlighted ? Theme.accent : Theme.faint
+            name: !visible ? "" : row.entry.id === "action:search" ? "edit-find" : "go-next"
+            color: row.entry.highlighted ? Theme.accent : Theme.faint
         }
         Label {
             x: 48
             width: more.x - x - Theme.small
             anchors.verticalCenter: parent.verticalCenter
-            text: row.label
+            text: row.entry.label
         }
         Label {
             id: more
-            visible: !row.isAction
+            visible: !row.entry.isAction
             anchors.right: parent.right
             anchors.rightMargin: Theme.medium
             anchors.verticalCenter: parent.verticalCenter
-            text: row.detail
+            text: row.entry.detail
             font.pixelSize: Theme.meta
             color: Theme.soft
         }
         Keycaps {
-            visible: row.isAction && row.detail !== ""
+            visible: row.entry.isAction && row.entry.detail !== ""
             anchors.right: parent.right
             anchors.rightMargin: Theme.small
             anchors.verticalCenter: parent.verticalCenter
-            keys: row.isAction ? row.detail : ""
+            keys: row.entry.isAction ? row.entry.detail : ""
         }
     }
 }

@@ -1,13 +1,15 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
+import Corvane.Shell
 
 /// Over everything: a few letters lead to a person or an action.
 T.Popup {
     id: popup
 
-    required property QtObject inbox
-    readonly property QtObject palette: inbox.palette
+    required property InboxView inbox
+    readonly property CommandPalette palette: inbox.palette
 
     objectName: "palette"
     parent: T.Overlay.overlay

@@ -1,13 +1,14 @@
 import QtQuick
 import QtQuick.Templates as T
 import QtQml
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// The round button with the person's initial, and the menu behind it.
 T.AbstractButton {
     id: control
 
-    required property QtObject profile
+    required property ProfileMenu profile
 
     objectName: "topnav.profile"
     implicitWidth: Theme.control
@@ -56,7 +57,7 @@ T.AbstractButton {
         Instantiator {
             model: control.profile.actions
             delegate: MenuItem {
-                required property var modelData
+                required property choice modelData
                 text: modelData.label
                 key: modelData.id === "quit" ? Keymap.keysOf("quit") : ""
                 onTriggered: control.profile.perform(modelData.id)
@@ -87,7 +88,7 @@ T.AbstractButton {
         Instantiator {
             model: control.profile.workspaces
             delegate: MenuItem {
-                required property var modelData
+                required property workspaceChoice modelData
                 checkable: true
                 checked: modelData.selected
                 text: modelData.name

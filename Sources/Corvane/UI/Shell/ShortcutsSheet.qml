@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Shell
 
 /// Every key, by where it works.
 Sheet {

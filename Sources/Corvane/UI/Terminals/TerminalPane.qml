@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Terminals
 
 /// The terminal in front, with what is said and asked about it.
 FocusScope {

@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Terminals
 
 /// What is looked for in a terminal, how often it is there, and the way from one place to the next.
 FocusScope {

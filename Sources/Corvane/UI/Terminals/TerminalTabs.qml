@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Controls
+import Corvane.Terminals
 
 /// The row of tabs: one for each terminal, a new one, and what else can be done.
 FocusScope {
@@ -48,35 +49,31 @@ FocusScope {
             id: tab
 
             required property int index
-            required property string tabId
-            required property string title
-            required property bool selected
-            required property bool attention
-            required property bool ended
+            required property terminalTab entry
 
-            objectName: "terminalTab:" + title
+            objectName: "terminalTab:" + entry.title
             width: list.tabWidth
             height: bar.height
             hoverEnabled: true
-            focus: selected
+            focus: entry.selected
             focusPolicy: Qt.TabFocus
-            text: title
+            text: entry.title
             Accessible.role: Accessible.PageTab
-            Accessible.name: attention ? qsTr("%1, wants attention").arg(title) : ended ? qsTr("%1, ended").arg(title) : title
-            Accessible.selected: selected
+            Accessible.name: entry.attention ? qsTr("%1, wants attention").arg(entry.title) : entry.ended ? qsTr("%1, ended").arg(entry.title) : entry.title
+            Accessible.selected: entry.selected
             onClicked: {
-                bar.screen.select(tabId);
+                bar.screen.select(tab.entry.tabId);
                 bar.leave();
             }
-            onDoubleClicked: bar.renamed = tabId
+            onDoubleClicked: bar.renamed = tab.entry.tabId
             Keys.onReturnPressed: clicked()
             Keys.onLeftPressed: bar.screen.step(-1)
             Keys.onRightPressed: bar.screen.step(1)
             Keys.onPressed: event => {
                 if (event.key === Qt.Key_F2)
-                    bar.renamed = tabId;
+                    bar.renamed = tab.entry.tabId;
                 else if (event.key === Qt.Key_Delete)
-                    bar.screen.close(tabId);
+                    bar.screen.close(tab.entry.tabId);
                 else if (event.key === Qt.Key_Menu)
                     menu.popup(tab, 0, tab.height);
                 else
@@ -84,15 +81,16 @@ FocusScope {
                 event.accepted = true;
             }
 
-            onSelectedChanged: if (selected) list.positionViewAtIndex(index, ListView.Contain)
+            readonly property bool inFront: entry.selected
+            onInFrontChanged: if (inFront) list.positionViewAtIndex(index, ListView.Contain)
 
             background: Rectangle {
-                color: tab.selected ? Theme.surface : tab.hovered ? Theme.raised : Theme.none
+                color: tab.entry.selected ? Theme.surface : tab.hovered ? Theme.raised : Theme.none
                 Rectangle {
                     anchors.bottom: parent.bottom
                     width: parent.width
                     height: 2
-                    visible: tab.selected
+                    visible: tab.entry.selected
                     color: Theme.accent
                 }
                 Rectangle {
@@ -100,7 +98,7 @@ FocusScope {
                     y: 8
                     width: 1
                     height: parent.height - 16
-                    visible: !tab.selected
+                    visible: !tab.entry.selected
                     color: Theme.line
                 }
                 FocusRing { control: tab; anchors.margins: 2; radius: Theme.controlRadius }
@@ -113,18 +111,18 @@ FocusScope {
                     width: 6
                     height: 6
                     radius: 3
-                    visible: tab.attention
+                    visible: tab.entry.attention
                     color: Theme.accent
                 }
                 Label {
-                    anchors.left: tab.attention ? dot.right : parent.left
-                    anchors.leftMargin: tab.attention ? Theme.small : Theme.medium
+                    anchors.left: tab.entry.attention ? dot.right : parent.left
+                    anchors.leftMargin: tab.entry.attention ? Theme.small : Theme.medium
                     anchors.right: closer.left
                     anchors.verticalCenter: parent.verticalCenter
-                    visible: bar.renamed !== tab.tabId
-                    text: tab.title
-                    color: tab.ended ? Theme.faint : tab.selected ? Theme.text : Theme.soft
-                    font.strikeout: tab.ended
+                    visible: bar.renamed !== tab.entry.tabId
+                    text: tab.entry.title
+                    color: tab.entry.ended ? Theme.faint : tab.entry.selected ? Theme.text : Theme.soft
+                    font.strikeout: tab.entry.ended
                     elide: Text.ElideMiddle
                     Accessible.ignored: true
                 }
@@ -133,16 +131,16 @@ FocusScope {
                     anchors.right: closer.left
                     anchors.leftMargin: Theme.tight
                     anchors.verticalCenter: parent.verticalCenter
-                    active: bar.renamed === tab.tabId
+                    active: bar.renamed === tab.entry.tabId
                     sourceComponent: TextField {
                         objectName: "terminalTab.name"
                         implicitHeight: 28
                         label: ""
-                        placeholderText: tab.title
-                        text: tab.title
-                        onAccepted: bar.finishRename(tab.tabId, text)
-                        onActiveFocusChanged: if (!activeFocus && bar.renamed === tab.tabId) bar.renamed = ""
-                        Keys.onEscapePressed: bar.finishRename(tab.tabId, "")
+                        placeholderText: tab.entry.title
+                        text: tab.entry.title
+                        onAccepted: bar.finishRename(tab.entry.tabId, text)
+                        onActiveFocusChanged: if (!activeFocus && bar.renamed === tab.entry.tabId) bar.renamed = ""
+                        Keys.onEscapePressed: bar.finishRename(tab.entry.tabId, "")
                         Component.onCompleted: {
                             forceActiveFocus();
                             selectAll();
@@ -154,19 +152,19 @@ FocusScope {
                     anchors.right: parent.right
                     anchors.rightMargin: Theme.tight
                     anchors.verticalCenter: parent.verticalCenter
-                    opacity: tab.hovered || tab.selected || hovered ? 1 : 0
+                    opacity: tab.hovered || tab.entry.selected || hovered ? 1 : 0
                     focusPolicy: Qt.NoFocus
                     size: 24
                     iconSize: 12
                     icon.name: "window-close"
                     text: qsTr("Close")
-                    key: tab.selected ? Keymap.keysOf("closeTerminal") : ""
-                    onClicked: bar.screen.close(tab.tabId)
+                    key: tab.entry.selected ? Keymap.keysOf("closeTerminal") : ""
+                    onClicked: bar.screen.close(tab.entry.tabId)
                 }
             }
             TapHandler {
                 acceptedButtons: Qt.MiddleButton
-                onTapped: bar.screen.close(tab.tabId)
+                onTapped: bar.screen.close(tab.entry.tabId)
             }
             TapHandler {
                 acceptedButtons: Qt.RightButton
@@ -177,12 +175,12 @@ FocusScope {
                 MenuItem {
                     text: qsTr("Rename…")
                     key: "F2"
-                    onTriggered: bar.renamed = tab.tabId
+                    onTriggered: bar.renamed = tab.entry.tabId
                 }
                 MenuItem {
                     text: qsTr("Close")
                     key: Keymap.keysOf("closeTerminal")
-                    onTriggered: bar.screen.close(tab.tabId)
+                    onTriggered: bar.screen.close(tab.entry.tabId)
                 }
             }
         }

@@ -1,5 +1,6 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Terminals
 
 /// The Dev hub: local shells in tabs.
 Page {

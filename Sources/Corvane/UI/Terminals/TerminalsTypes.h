@@ -29,4 +29,10 @@ struct TerminalSearchType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct TerminalTabType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TerminalTab)
+    QML_VALUE_TYPE(terminalTab)
+};
+
 }

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Wall
 
 /// Sign in, or go on without.
 FocusScope {
     id: page
 
-    required property QtObject wall
+    required property LoginWallView wall
 
     focus: true
 

@@ -1,11 +1,12 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Wall
 
 /// The database is damaged: what happened to it, and what shall take its place.
 FocusScope {
     id: page
 
-    required property QtObject recovery
+    required property StoreRecovery recovery
 
     focus: true
 
@@ -73,7 +74,7 @@ FocusScope {
                 model: page.recovery.choices
                 Column {
                     id: offer
-                    required property var modelData
+                    required property recoveryChoice modelData
                     required property int index
                     width: parent.width
                     spacing: Theme.tight

@@ -1,7 +1,7 @@
-#include "UI/WaveformItem.h"
+#include "UI/Controls/WaveformItem.h"
 
 #include "Inbox/Thread/VoicePlayer.h"
-#include "UI/MediaCache.h"
+#include "UI/Controls/MediaCache.h"
 
 #include <QPainter>
 #include <algorithm>

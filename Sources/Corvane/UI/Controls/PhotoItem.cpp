@@ -1,6 +1,6 @@
-#include "UI/PhotoItem.h"
+#include "UI/Controls/PhotoItem.h"
 
-#include "UI/MediaCache.h"
+#include "UI/Controls/MediaCache.h"
 
 #include <QPainter>
 #include <QQuickWindow>

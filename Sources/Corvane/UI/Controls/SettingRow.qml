@@ -1,5 +1,5 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
 
 /// A setting: its name and a line of help at the left, the control at the right.
 Item {

@@ -1,33 +1,22 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// One draft of the bar: a line, which opens to the whole text and what can be done with it.
 Column {
     id: line
 
-    required property QtObject drafts
+    required property PendingDraftsView drafts
     required property int index
-    required property string id
-    required property string title
-    required property string body
-    required property string preview
-    required property string status
-    required property string statusLabel
-    required property string stateText
-    required property string failureReason
-    required property string platform
-    required property bool canDecide
-    required property string approveLabel
-    required property int secondsLeft
+    required property pendingDraft draft
     required property bool held ///< it is gone, and keeps its place for a moment
-    required property var actions
 
-    readonly property bool canOpen: canDecide || actions.length > 0
-    readonly property bool asking: drafts.confirmDraft === id
-    readonly property QtObject editor: drafts.editor
-    readonly property bool editing: editor.draftId === id
-    readonly property bool armed: secondsLeft > 0
+    readonly property bool canOpen: draft.canDecide || draft.actions.length > 0
+    readonly property bool asking: drafts.confirmDraft === draft.id
+    readonly property DraftEdit editor: drafts.editor
+    readonly property bool editing: editor.draftId === draft.id
+    readonly property bool armed: draft.secondsLeft > 0
     property bool open: false
 
     signal toggled
@@ -56,9 +45,9 @@ Column {
         focus: line.index === 0
         hoverEnabled: line.canOpen && !line.editing
         focusPolicy: Qt.StrongFocus
-        text: line.title
+        text: line.draft.title
         Accessible.role: Accessible.Button
-        Accessible.name: line.title + ", " + line.statusLabel + ": " + line.preview
+        Accessible.name: line.draft.title + ", " + line.draft.statusLabel + ": " + line.draft.preview
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: {
@@ -78,7 +67,7 @@ Column {
                 id: mark
                 x: Theme.large
                 anchors.verticalCenter: parent.verticalCenter
-                channel: line.platform
+                channel: line.draft.platform
             }
             Label {
                 id: title
@@ -86,7 +75,7 @@ Column {
                 anchors.leftMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
                 width: Math.min(implicitWidth, line.open ? state.x - x - Theme.small : parent.width * 0.55)
-                text: line.title
+                text: line.draft.title
                 font.weight: Theme.strong
             }
             Label {
@@ -96,7 +85,7 @@ Column {
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
                 visible: !line.open
-                text: line.preview
+                text: line.draft.preview
                 color: Theme.soft
             }
             Label {
@@ -104,9 +93,9 @@ Column {
                 anchors.right: line.armed ? undo.left : chevron.left
                 anchors.rightMargin: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                text: line.armed ? qsTr("%1 %2 s").arg(line.statusLabel).arg(line.secondsLeft) : line.stateText
+                text: line.armed ? qsTr("%1 %2 s").arg(line.draft.statusLabel).arg(line.draft.secondsLeft) : line.draft.stateText
                 font.pixelSize: Theme.meta
-                color: line.armed || !line.canDecide ? Theme.soft : line.status === "failed" ? Theme.bad : line.status === "pending" ? Theme.warn : Theme.soft
+                color: line.armed || !line.draft.canDecide ? Theme.soft : line.draft.status === "failed" ? Theme.bad : line.draft.status === "pending" ? Theme.warn : Theme.soft
             }
             Button {
                 id: undo
@@ -117,8 +106,8 @@ Column {
                 implicitHeight: 28
                 visible: line.armed
                 text: qsTr("Undo")
-                Accessible.name: text + ": " + line.title
-                onClicked: line.drafts.undo(line.id)
+                Accessible.name: text + ": " + line.draft.title
+                onClicked: line.drafts.undo(line.draft.id)
             }
             Icon {
                 id: chevron
@@ -150,15 +139,15 @@ Column {
                 width: parent.width
                 visible: text !== ""
                 wrapMode: Text.Wrap
-                text: line.failureReason
-                color: line.canDecide ? Theme.bad : Theme.soft
+                text: line.draft.failureReason
+                color: line.draft.canDecide ? Theme.bad : Theme.soft
             }
             Label {
                 width: parent.width
                 visible: !line.editing
                 wrapMode: Text.Wrap
                 lineHeight: 1.3
-                text: line.open ? line.body : "" // laying out a text of a megabyte takes its time
+                text: line.open ? line.draft.body : "" // laying out a text of a megabyte takes its time
             }
             TextBox {
                 id: words
@@ -184,36 +173,36 @@ Column {
             }
             Row {
                 spacing: Theme.small
-                visible: line.actions.length > 0
+                visible: line.draft.actions.length > 0
                 Repeater {
-                    model: line.actions
+                    model: line.draft.actions
                     Button {
-                        required property var modelData
+                        required property draftAction modelData
                         objectName: "draft." + modelData.id
                         kind: modelData.kind
                         text: modelData.label
                         onClicked: {
                             line.decided();
-                            line.drafts.perform(line.id, modelData.id);
+                            line.drafts.perform(line.draft.id, modelData.id);
                         }
                     }
                 }
             }
             Row {
                 spacing: Theme.small
-                visible: line.canDecide && !line.editing && !line.asking
+                visible: line.draft.canDecide && !line.editing && !line.asking
                 Button {
                     id: approve
                     objectName: "draft.approve"
                     kind: "primary"
-                    text: line.approveLabel
-                    onClicked: line.drafts.askToConfirm(line.id)
+                    text: line.draft.approveLabel
+                    onClicked: line.drafts.askToConfirm(line.draft.id)
                 }
                 Button {
                     objectName: "draft.edit"
                     text: qsTr("Edit")
                     onClicked: {
-                        line.editor.begin(line.id);
+                        line.editor.begin(line.draft.id);
                         if (!line.editing)
                             return;
                         words.forceActiveFocus(Qt.TabFocusReason);
@@ -226,7 +215,7 @@ Column {
                     text: qsTr("Discard")
                     onClicked: {
                         line.decided();
-                        line.drafts.reject(line.id);
+                        line.drafts.reject(line.draft.id);
                     }
                 }
             }
@@ -246,7 +235,7 @@ Column {
                     text: qsTr("Send")
                     onClicked: {
                         line.decided();
-                        line.drafts.approveDraft(line.id);
+                        line.drafts.approveDraft(line.draft.id);
                     }
                 }
                 Button {

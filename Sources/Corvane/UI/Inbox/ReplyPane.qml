@@ -1,13 +1,14 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
+import Corvane.Inbox
 
 /// What is said next: the text, the channel that it goes to, a voice note.
 FocusScope {
     id: pane
 
-    required property QtObject inbox
-    readonly property QtObject composer: inbox.composer ///< the view model
-    readonly property QtObject voice: composer.voice
+    required property InboxView inbox
+    readonly property Composer composer: inbox.composer ///< the view model
+    readonly property VoiceRecorder voice: composer.voice
 
     signal askLumo
 

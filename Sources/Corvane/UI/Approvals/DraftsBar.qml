@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Templates as T
-import Corvane
+import Corvane.Approvals
+import Corvane.Controls
 
 /// What waits before it goes out: one line a draft, its text and the decision one press away.
 FocusScope {
     id: bar
 
-    required property QtObject drafts ///< the view model
+    required property PendingDraftsView drafts ///< the view model
     property string openId ///< whose text shows
 
     signal emptied ///< the keys were here, and nothing is left to decide
@@ -14,8 +15,8 @@ FocusScope {
     /// After a decision: to the next draft that waits for one.
     function goOn() {
         for (let i = 0; i < lines.count; ++i) {
-            const line = lines.itemAt(i);
-            if (line.canDecide) {
+            const line = lines.itemAt(i) as DraftLine;
+            if (line.draft.canDecide) {
                 line.focusHead();
                 return;
             }
@@ -50,10 +51,11 @@ FocusScope {
                 id: lines
                 model: bar.drafts.rows
                 DraftLine {
+                    id: line
                     width: content.width
                     drafts: bar.drafts
-                    open: editing || (canOpen && (bar.openId === id || asking))
-                    onToggled: bar.openId = open ? "" : id
+                    open: editing || (canOpen && (bar.openId === draft.id || asking))
+                    onToggled: bar.openId = line.open ? "" : line.draft.id
                     onDecided: Qt.callLater(bar.goOn)
                 }
             }

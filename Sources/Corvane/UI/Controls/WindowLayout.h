@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QSize>
+#include <QtQmlIntegration>
 
 namespace corvane {
 
@@ -10,6 +11,8 @@ class UserDefaults;
 /// The width of the panes, which of their sections are open, and the size of the window: all of it remembered.
 class WindowLayout : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window makes it.")
     Q_PROPERTY(int listWidth READ listWidth WRITE setListWidth NOTIFY panesChanged)
     Q_PROPERTY(int contactWidth READ contactWidth WRITE setContactWidth NOTIFY panesChanged)
 public:

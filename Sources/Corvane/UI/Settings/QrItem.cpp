@@ -1,4 +1,4 @@
-#include "QrItem.h"
+#include "UI/Settings/QrItem.h"
 
 #include <QPainter>
 #include <qrcodegen/QrCode.hpp>

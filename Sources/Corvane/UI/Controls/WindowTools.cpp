@@ -1,4 +1,4 @@
-#include "WindowTools.h"
+#include "UI/Controls/WindowTools.h"
 
 #include <QAccessible>
 #include <QClipboard>

@@ -1,4 +1,4 @@
-#include "WindowLayout.h"
+#include "UI/Controls/WindowLayout.h"
 
 #include "Foundation/UserDefaults.h"
 

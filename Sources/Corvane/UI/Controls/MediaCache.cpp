@@ -1,4 +1,4 @@
-#include "UI/MediaCache.h"
+#include "UI/Controls/MediaCache.h"
 
 #include <QDateTime>
 #include <QFileInfo>

@@ -1,13 +1,13 @@
 import QtQuick
-import Corvane
+import Corvane.Controls
 
 /// A screen under the hub bar. F6 walks over its panes and the bar, in reading order.
 FocusScope {
     id: page
 
     required property Item hubBar
-    property QtObject layout: null ///< what the person made of the panes
-    property var panes: [] ///< focus scopes, from left to right; hidden ones are passed over
+    property WindowLayout layout ///< what the person made of the panes
+    property list<Item> panes ///< focus scopes, from left to right; hidden ones are passed over
 
     signal leave ///< back to the hub
     signal openHub(string hub)
@@ -26,7 +26,11 @@ FocusScope {
     function act(command: string) {}
 
     function stepPane(step: int) {
-        const shown = [hubBar, ...panes].filter(pane => pane.visible && pane.enabled);
+        const shown = [hubBar];
+        for (let i = 0; i < panes.length; ++i) {
+            if (panes[i].visible && panes[i].enabled)
+                shown.push(panes[i]);
+        }
         const current = shown.findIndex(pane => pane.activeFocus);
         shown[(current + step + shown.length) % shown.length].forceActiveFocus(Qt.TabFocusReason);
     }

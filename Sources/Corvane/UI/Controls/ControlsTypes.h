@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Presentation/Choice.h"
+#include "Presentation/RowListModel.h"
+
+#include <QtQml/qqml.h>
+
+namespace corvane::qml {
+
+// The types of the rooms that this module's QML names. The rooms know nothing of QML.
+
+struct GadgetListModelType {
+    Q_GADGET
+    QML_FOREIGN(corvane::GadgetListModel)
+    QML_NAMED_ELEMENT(GadgetListModel)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct HoldingListModelType {
+    Q_GADGET
+    QML_FOREIGN(corvane::HoldingListModel)
+    QML_NAMED_ELEMENT(HoldingListModel)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ChoiceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Choice)
+    QML_VALUE_TYPE(choice)
+};
+
+struct TabItemType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TabItem)
+    QML_VALUE_TYPE(tabItem)
+};
+
+struct ContactChoiceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ContactChoice)
+    QML_VALUE_TYPE(contactChoice)
+};
+
+}

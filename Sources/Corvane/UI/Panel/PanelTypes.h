@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Desk/CorvaneMenuBarView.h"
+
+#include <QtQml/qqml.h>
+
+namespace corvane::qml {
+
+// The types of the rooms that this module's QML names. The rooms know nothing of QML.
+
+struct CorvaneMenuBarViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CorvaneMenuBarView)
+    QML_NAMED_ELEMENT(CorvaneMenuBarView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct DayLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DayLine)
+    QML_VALUE_TYPE(dayLine)
+};
+
+struct GlanceLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::GlanceLine)
+    QML_VALUE_TYPE(glanceLine)
+};
+
+}

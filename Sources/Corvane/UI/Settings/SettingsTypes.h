@@ -1,0 +1,122 @@
+#pragma once
+
+#include "Settings/Appearance.h"
+#include "Settings/IntegrationsView.h"
+
+#include <QtQml/qqml.h>
+
+namespace corvane::qml {
+
+// The types of the rooms that this module's QML names. The rooms know nothing of QML.
+
+struct IntegrationsViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::IntegrationsView)
+    QML_NAMED_ELEMENT(IntegrationsView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct PairingSheetType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PairingSheet)
+    QML_NAMED_ELEMENT(PairingSheet)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ControlChatSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ControlChatSettings)
+    QML_NAMED_ELEMENT(ControlChatSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct AssistantSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AssistantSettings)
+    QML_NAMED_ELEMENT(AssistantSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct SyncSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SyncSettings)
+    QML_NAMED_ELEMENT(SyncSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct SystemSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SystemSettings)
+    QML_NAMED_ELEMENT(SystemSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ToolServerCardType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ToolServerCard)
+    QML_NAMED_ELEMENT(ToolServerCard)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct AppearanceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Appearance)
+    QML_NAMED_ELEMENT(Appearance)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct AccountRowType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AccountRow)
+    QML_VALUE_TYPE(accountRow)
+};
+
+struct AccountActionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AccountAction)
+    QML_VALUE_TYPE(accountAction)
+};
+
+struct ConnectFlowType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ConnectFlow)
+    QML_VALUE_TYPE(connectFlow)
+};
+
+struct ConnectFieldType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ConnectField)
+    QML_VALUE_TYPE(connectField)
+};
+
+struct AssistantBackendType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AssistantBackend)
+    QML_VALUE_TYPE(assistantBackend)
+};
+
+struct MachineFactType {
+    Q_GADGET
+    QML_FOREIGN(corvane::MachineFact)
+    QML_VALUE_TYPE(machineFact)
+};
+
+struct MemoryLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::MemoryLine)
+    QML_VALUE_TYPE(memoryLine)
+};
+
+struct SyncHealthLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SyncHealthLine)
+    QML_VALUE_TYPE(syncHealthLine)
+};
+
+struct ControlChatRowType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ControlChatRow)
+    QML_VALUE_TYPE(controlChatRow)
+};
+
+}
