@@ -1,8 +1,8 @@
-# corvane_room(NAME [USES ROOM...] [LINK TARGET...] [PRIVATE TARGET...])
+# corvane_room(NAME [USES ALL | ROOM...] [LINK TARGET...] [PRIVATE TARGET...])
 #
 # One room of the house: a static library of everything under Sources/Corvane/NAME, and, where tests are
 # built, one program of everything under Tests/NAME. A room may use only rooms that stand above its own
-# line; tools/lint holds every include against this list.
+# line, ALL of them or those that it names; tools/lint holds every include against this list.
 function(corvane_room name)
     cmake_parse_arguments(PARSE_ARGV 1 room "" "" "USES;LINK;PRIVATE")
     set(target corvane_${name})
@@ -12,6 +12,10 @@ function(corvane_room name)
     add_library(${target} STATIC ${sources})
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}/Sources/Corvane")
+    if(room_USES STREQUAL "ALL")
+        get_property(room_USES GLOBAL PROPERTY corvane_rooms)
+    endif()
+    set_property(GLOBAL APPEND PROPERTY corvane_rooms ${name})
     foreach(used IN LISTS room_USES)
         if(NOT TARGET corvane_${used})
             message(FATAL_ERROR "${name} uses ${used}, which is not a floor below it.")

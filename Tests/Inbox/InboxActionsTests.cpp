@@ -1,4 +1,6 @@
 #include "InboxViewTest.h"
+
+#include "Inbox/InboxCommands.h"
 #include "Store/Messages/IngestQueries.h"
 
 using namespace corvane;
@@ -174,6 +176,9 @@ TEST_F(InboxViewTest, severalRowsTakeOneAction)
 TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
 {
     receiveFromAnaAndBen();
+    Commands commands;
+    commands.add(inboxCommands(inbox));
+    inbox.palette()->setCommands(commands);
     inbox.setShowPalette(true);
     inbox.palette()->setQuery("ana");
     inbox.palette()->runHighlighted();

@@ -249,10 +249,17 @@ TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
     QList<ContactRow> rows;
     for (int i = 0; i < 40; ++i)
         rows.append(person(QString::number(i), QStringLiteral("Ana %1").arg(i)));
-    const QList<PaletteCommand> commands { { "one", "Archive it", {}, PaletteCommand::When::WithSelection, {} },
-        { "two", "Mark all", {}, PaletteCommand::When::Always, {} } };
-    const auto found = [&](const QList<ContactRow>& people, bool hasSelection, const QString& query) {
-        return labels(paletteItems(people, commands, hasSelection, query));
+    bool hasSelection = false;
+    const QList<Command> commands { { .id = "one",
+                                        .action = "Archive it",
+                                        .canRun =
+                                            [&] {
+                                                return hasSelection;
+                                            } },
+        { .id = "two", .action = "Mark all" }, { .id = "three", .label = "Only a key", .keys = "K" } };
+    const auto found = [&](const QList<ContactRow>& people, bool selected, const QString& query) {
+        hasSelection = selected;
+        return labels(paletteItems(people, commands, query));
     };
     EXPECT_EQ(found(rows, false, {}).size(), 8 + 1);
     EXPECT_EQ(found({}, true, " "), (QStringList { "Archive it", "Mark all" }));
@@ -268,13 +275,17 @@ TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
     QSignalSpy chosen(&palette, &CommandPalette::contactChosen);
     QSignalSpy searches(&palette, &CommandPalette::searchChosen);
     int runs = 0;
-    palette.addCommands({ { "one", "One", {}, PaletteCommand::When::Always,
-                              [&] {
-                                  ++runs;
-                              } },
-        { "two", "Two", {}, PaletteCommand::When::Always, [&] {
+    Commands commands;
+    commands.add({ { .id = "one",
+                       .action = "One",
+                       .run =
+                           [&] {
+                               ++runs;
+                           } },
+        { .id = "two", .action = "Two", .run = [&] {
              runs += 10;
          } } });
+    palette.setCommands(commands);
     QSignalSpy closed(&palette, &CommandPalette::closed);
     palette.setContacts({ person("1", "Ana"), person("2", "Ben") });
     palette.open();

@@ -50,27 +50,6 @@ QUrl AppShell::page() const
     return hubTable().at(m_hub).page;
 }
 
-QList<PaletteCommand> AppShell::paletteCommands()
-{
-    const auto always = PaletteCommand::When::Always;
-    QList<PaletteCommand> commands;
-    for (int hub = 0; hub < int(hubTable().size()); ++hub) {
-        commands.append({ hubTable().at(hub).id, QStringLiteral("Go to ") + hubTable().at(hub).label, hubShortcut(hub),
-            always, [this, hub] {
-                show(hub, Cover::None);
-            } });
-    }
-    commands.append(
-        { QStringLiteral("settings"), QStringLiteral("Open Settings"), QStringLiteral("Ctrl+,"), always, [this] {
-             openSettings();
-         } });
-    commands.append({ QStringLiteral("openApprovals"), QStringLiteral("Open Approvals"), QStringLiteral("Ctrl+Shift+A"),
-        always, [this] {
-            openApprovals();
-        } });
-    return commands;
-}
-
 void AppShell::selectHub(const QString& raw)
 {
     if (const int hub = hubIndex(raw); hub >= 0)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Foundation/NotificationCentre.h"
-#include "Inbox/List/CommandPalette.h"
 #include "Shell/TopHubBar.h"
 
 #include <QUrl>
@@ -34,7 +33,6 @@ public:
     bool settings() const { return m_cover == Cover::Settings; }
     bool approvals() const { return m_cover == Cover::Approvals; }
     TopHubBar* hubs() { return &m_hubs; }
-    QList<PaletteCommand> paletteCommands(); ///< to each hub, and to what covers them
 
     Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word changes nothing
     Q_INVOKABLE void toggleSettings(); ///< the gear

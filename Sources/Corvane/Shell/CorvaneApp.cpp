@@ -33,6 +33,7 @@
 #include "Web/SessionStore.h"
 
 #include <QUrl>
+#include <algorithm>
 
 namespace corvane {
 
@@ -62,6 +63,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     , m_notifier(std::make_unique<Notifier>(
           *m_machine.notifications, m_notifications, m_defaults, m_scheduler, [this] { Q_EMIT windowRequested(); }))
     , m_store(std::make_unique<AccountStore>(m_paths.applicationSupport))
+    , m_trayCommands(trayCommands())
 {
     const EngineManager::Surroundings surroundings { m_paths, m_scheduler, *m_machine.launcher, *m_machine.ports,
         m_background, m_keychain, *m_notifier, *m_machine.desktop };
@@ -147,6 +149,34 @@ void CorvaneApp::quit()
     m_engine->stopAll();
 }
 
+QList<Command> CorvaneApp::trayCommands()
+{
+    const auto inWindow = [this](const QString& notification) {
+        return [this, notification] {
+            if (isQuitting())
+                return;
+            Q_EMIT windowRequested();
+            if (!notification.isEmpty())
+                m_notifications.post(notification);
+        };
+    };
+    return {
+        { .id = QStringLiteral("open"), .label = QStringLiteral("Open Corvane"), .run = inWindow({}) },
+        { .id = QStringLiteral("approvals"),
+            .label = QStringLiteral("Approvals"),
+            .run = inWindow(notifications::openApprovals) },
+        { .id = QStringLiteral("settings"),
+            .label = QStringLiteral("Settings"),
+            .run = inWindow(notifications::openSettings) },
+        { .id = QStringLiteral("quit"),
+            .label = QStringLiteral("Quit"),
+            .run =
+                [this] {
+                    Q_EMIT quitRequested();
+                } },
+    };
+}
+
 void CorvaneApp::setUpTray()
 {
     Tray* const tray = m_machine.tray.get();
@@ -158,17 +188,9 @@ void CorvaneApp::setUpTray()
             Q_EMIT panelRequested(at);
     });
     connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
-        if (item == QLatin1String("quit")) {
-            Q_EMIT quitRequested();
-            return;
-        }
-        if (isQuitting())
-            return;
-        Q_EMIT windowRequested();
-        if (item == QLatin1String("settings"))
-            m_notifications.post(notifications::openSettings);
-        else if (item == QLatin1String("approvals"))
-            m_notifications.post(notifications::openApprovals);
+        // What is wrong stands in the menu only to be read: a press on it opens the window.
+        const auto found = std::ranges::find(m_trayCommands, item, &Command::id);
+        (found == m_trayCommands.end() ? m_trayCommands.first() : *found).run();
     });
     connect(m_engine.get(), &EngineManager::unreadTotalChanged, tray,
         [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
@@ -187,10 +209,10 @@ void CorvaneApp::updateTrayMenu()
 {
     if (!m_machine.tray)
         return;
-    QList<Tray::Item> items { { QStringLiteral("open"), QStringLiteral("Open Corvane") },
-        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
-        { QStringLiteral("settings"), QStringLiteral("Settings") }, {},
-        { QStringLiteral("quit"), QStringLiteral("Quit") } };
+    QList<Tray::Item> items;
+    for (const Command& command : std::as_const(m_trayCommands))
+        items.append({ command.id, command.label });
+    items.insert(items.size() - 1, Tray::Item());
     if (const QString trouble = storeTrouble(); !trouble.isEmpty())
         items = QList<Tray::Item> { { QStringLiteral("trouble"), trouble.section(QStringLiteral(". "), 0, 0) }, {} }
             + items;

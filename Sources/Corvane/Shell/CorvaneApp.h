@@ -6,6 +6,7 @@
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
+#include "Presentation/Commands.h"
 #include "Shell/AppData.h"
 
 #include <QObject>
@@ -121,6 +122,7 @@ Q_SIGNALS:
     void ended(); ///< the process may end
 
 private:
+    QList<Command> trayCommands();
     void setUpTray();
     void updateTrayMenu();
     void watchStore();
@@ -144,6 +146,7 @@ private:
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<StoreRecovery> m_recovery;
+    const QList<Command> m_trayCommands;
     QString m_told; ///< of what is wrong with the database
     std::unique_ptr<Timer> m_quitLimit; ///< while it quits
 };

@@ -1,15 +1,20 @@
 #include "Shell/Screens.h"
 
+#include "Approvals/ApprovalCommands.h"
 #include "Engines/EngineManager.h"
+#include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Hubs.h"
+#include "Shell/ShellCommands.h"
 #include "Store/Core/LocalDB.h"
+#include "Terminals/TerminalCommands.h"
 #include "Web/SessionStore.h"
 
 namespace corvane {
 
-Screens::Screens(const Surroundings& at)
-    : appearance(at.desktop, at.defaults)
+Screens::Screens(const Surroundings& surroundings)
+    : at(surroundings)
+    , appearance(at.desktop, at.defaults)
     , content(at.session, at.defaults)
     , wall(at.session, content)
     , notices({ at.engine.db().health(), at.keychain, at.session, at.accounts, content, at.paths })
@@ -25,13 +30,18 @@ Screens::Screens(const Surroundings& at)
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
 {
-    const auto showUnread = [this, &engine = at.engine] {
-        shell.hubs()->setUnreadTotal(engine.unreadTotal());
+    const auto showUnread = [this] {
+        shell.hubs()->setUnreadTotal(at.engine.unreadTotal());
     };
     QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
-    inbox.palette()->addCommands(shell.paletteCommands());
+    commands.add(shellCommands(shell, inbox, commands));
+    commands.add(approvalCommands());
+    commands.add(inboxCommands(inbox));
+    commands.add(terminalCommands());
+    commands.add(placeCommands(shell));
+    inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
     QList<QObject*> hubScreens;
     for (const Hub& hub : hubTable())

@@ -4,6 +4,7 @@
 #include "Approvals/PendingDraftsView.h"
 #include "Desk/CorvaneMenuBarView.h"
 #include "Inbox/List/InboxView.h"
+#include "Presentation/Commands.h"
 #include "Settings/Appearance.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
@@ -49,6 +50,9 @@ public:
     explicit Screens(const Surroundings& at);
     explicit Screens(CorvaneApp& app);
 
+    const Surroundings at; ///< for the factories of the hubs
+
+    Commands commands;
     Appearance appearance;
     ContentView content;
     LoginWallView wall;

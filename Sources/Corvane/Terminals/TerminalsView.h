@@ -29,7 +29,6 @@ public:
     static constexpr const char* role = "entry";
     QString key() const { return id; }
     bool operator==(const TerminalTab&) const = default;
-    static constexpr const char* role = "tab";
 };
 
 /// The terminal screen: local shells in tabs, one question at a time about them, and the size of their type.

@@ -2,6 +2,7 @@
 
 #include "Foundation/Log.h"
 #include "Shell/Screens.h"
+#include "UI/Controls/ControlsTypes.h"
 #include "UI/Controls/MediaCache.h"
 #include "UI/ImageProviders.h"
 #include "UI/QmlModules.h"
@@ -54,6 +55,7 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& d
     m_engine.addImportPath(u"qrc:/qt/qml"_s);
     m_engine.addImageProvider(u"icon"_s, new IconProvider);
     new MediaCache(decoder, &m_engine);
+    m_engine.setProperty(qml::CommandsType::property, QVariant::fromValue(&screens.commands));
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qt/qml/Corvane/Shell/CorvaneWindow.qml"_s));
     std::unique_ptr<QObject> root;
     if (component.isReady())

@@ -12,7 +12,7 @@ namespace {
 constexpr qsizetype contactsWithQuery = 30;
 constexpr qsizetype contactsWithoutQuery = 8;
 
-const QString searchId = QStringLiteral("search");
+const QString searchId = QStringLiteral("searchMessages");
 
 PaletteItem contactLine(const ContactRow& row)
 {
@@ -41,8 +41,7 @@ PaletteItem actionLine(const QString& id, const QString& label, const QString& k
 
 }
 
-QList<PaletteItem> paletteItems(
-    const QList<ContactRow>& contacts, const QList<PaletteCommand>& commands, bool hasSelection, const QString& query)
+QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, const QList<Command>& commands, const QString& query)
 {
     const QString wanted = query.trimmed().toLower();
     const qsizetype limit = wanted.isEmpty() ? contactsWithoutQuery : contactsWithQuery;
@@ -53,10 +52,10 @@ QList<PaletteItem> paletteItems(
         if (row.name.toLower().contains(wanted))
             items.append(contactLine(row));
     }
-    for (const PaletteCommand& command : commands) {
-        const bool possible = hasSelection || command.when == PaletteCommand::When::Always;
-        if (possible && command.label.toLower().contains(wanted))
-            items.append(actionLine(command.id, command.label, command.keys));
+    for (const Command& command : commands) {
+        const bool possible = !command.action.isEmpty() && (!command.canRun || command.canRun());
+        if (possible && command.action.toLower().contains(wanted))
+            items.append(actionLine(command.id, command.action, command.keys));
     }
     if (!wanted.isEmpty())
         items.append(actionLine(searchId, QStringLiteral("Search messages for “%1”").arg(query.trimmed()), {}));
@@ -89,11 +88,6 @@ void CommandPalette::setIndex(int index)
     Q_EMIT indexChanged();
 }
 
-void CommandPalette::addCommands(const QList<PaletteCommand>& commands)
-{
-    m_commands += commands;
-}
-
 void CommandPalette::setContacts(const QList<ContactRow>& contacts)
 {
     m_contacts = contacts;
@@ -101,9 +95,8 @@ void CommandPalette::setContacts(const QList<ContactRow>& contacts)
         present();
 }
 
-void CommandPalette::setHasSelection(bool hasSelection)
+void CommandPalette::refresh()
 {
-    m_hasSelection = hasSelection;
     if (m_isOpen)
         present();
 }
@@ -136,16 +129,15 @@ void CommandPalette::run(int index)
     if (!item.isAction)
         return Q_EMIT contactChosen(item.contactId);
     const QString id = item.id.section(u':', 1);
-    const auto command = std::ranges::find(m_commands, id, &PaletteCommand::id);
-    if (command != m_commands.end())
-        command->run();
-    else
+    if (id == searchId)
         Q_EMIT searchChosen(query);
+    else
+        m_commands->run(id);
 }
 
 void CommandPalette::present()
 {
-    QList<PaletteItem> items = paletteItems(m_contacts, m_commands, m_hasSelection, m_query);
+    QList<PaletteItem> items = paletteItems(m_contacts, m_commands ? m_commands->all() : QList<Command>(), m_query);
     m_index = std::clamp(m_index, 0, std::max(0, int(items.size()) - 1));
     if (!items.isEmpty())
         items[m_index].highlighted = true;

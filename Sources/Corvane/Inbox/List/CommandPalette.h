@@ -1,20 +1,10 @@
 #pragma once
 
+#include "Presentation/Commands.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
 
-#include <functional>
-
 namespace corvane {
-
-/// Something that the palette can do.
-struct PaletteCommand {
-    QString id;
-    QString label;
-    QString keys; ///< that do the same; empty for none
-    enum class When { Always, WithSelection } when = When::Always;
-    std::function<void()> run;
-};
 
 /// A line of the palette in the words of the screen.
 class PaletteItem {
@@ -47,7 +37,7 @@ public:
 
 /// Contacts first, then actions; at the end of what a query finds, the search for it.
 QList<PaletteItem> paletteItems(
-    const QList<ContactRow>& contacts, const QList<PaletteCommand>& commands, bool hasSelection, const QString& query);
+    const QList<ContactRow>& contacts, const QList<Command>& commands, const QString& query);
 
 /// Jumps to a person, runs an action or hands on to the search, by a few typed letters.
 class CommandPalette : public QObject {
@@ -64,9 +54,9 @@ public:
     void setIndex(int index);
     HoldingListModel* items() { return &m_items; }
 
-    void addCommands(const QList<PaletteCommand>& commands); ///< below those that stand there already
+    void setCommands(Commands& commands) { m_commands = &commands; } ///< they outlive the palette
     void setContacts(const QList<ContactRow>& contacts);
-    void setHasSelection(bool hasSelection);
+    void refresh(); ///< what can run may have changed
 
     Q_INVOKABLE void open(); ///< an empty query and the first line
     Q_INVOKABLE void moveUp() { setIndex(m_index - 1); }
@@ -87,9 +77,8 @@ private:
 
     QString m_query;
     int m_index = 0;
-    QList<PaletteCommand> m_commands;
+    Commands* m_commands = nullptr;
     QList<ContactRow> m_contacts;
-    bool m_hasSelection = false;
     bool m_isOpen = false; ///< a closed palette is not kept up to date
     RowListModel<PaletteItem> m_items;
 };

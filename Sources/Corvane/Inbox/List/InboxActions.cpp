@@ -73,7 +73,7 @@ void InboxView::openContact(const ContactRow& row)
     m_selectedRow = row;
     m_selectedId = row.id;
     m_jumpMsgId.clear();
-    m_palette.setHasSelection(true);
+    m_palette.refresh();
     tellWhatIsOpen();
     openPanes(m_selectedRow);
     m_reloadAfterOpening = m_scheduler.after(openingTime, [this] { personChanged(m_selectedId); });
@@ -88,7 +88,7 @@ void InboxView::close()
     m_selectedId.clear();
     m_selectedRow = {};
     m_jumpMsgId.clear();
-    m_palette.setHasSelection(false);
+    m_palette.refresh();
     tellWhatIsOpen();
     openPanes({});
     Q_EMIT selectionChanged();
@@ -203,35 +203,10 @@ void InboxView::setShowPalette(bool show)
     Q_EMIT showPaletteChanged();
 }
 
-QList<PaletteCommand> InboxView::paletteCommands()
+void InboxView::writeNew()
 {
-    using When = PaletteCommand::When;
-    return {
-        { QStringLiteral("archiveCurrent"), QStringLiteral("Archive current conversation"), QStringLiteral("E"),
-            When::WithSelection,
-            [this] {
-                archiveSelected();
-            } },
-        { QStringLiteral("muteCurrent"), QStringLiteral("Mute / unmute current conversation"), QStringLiteral("M"),
-            When::WithSelection,
-            [this] {
-                muteSelected();
-            } },
-        { QStringLiteral("toggleCRM"), QStringLiteral("Toggle contact panel"), QStringLiteral("Ctrl+I"),
-            When::WithSelection,
-            [this] {
-                setShowCRM(!m_showCRM);
-            } },
-        { QStringLiteral("markAllRead"), QStringLiteral("Mark all as read"), {}, When::Always,
-            [this] {
-                markAllRead();
-            } },
-        { QStringLiteral("newMessage"), m_composeSheet.title(), QStringLiteral("Ctrl+N"), When::Always,
-            [this] {
-                comeToFront();
-                m_composeSheet.open();
-            } },
-    };
+    comeToFront();
+    m_composeSheet.open();
 }
 
 void InboxView::comeToFront()

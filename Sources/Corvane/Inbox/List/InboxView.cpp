@@ -68,7 +68,6 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
         [this](const QString& text, const std::function<void()>& back) { m_undo.offer(text, back); });
     connect(&m_messageActions, &MessageActions::messagesChanged, this, [this] { personChanged(m_selectedId); });
     connect(&m_bulk, &BulkSelection::changed, this, &InboxView::present);
-    m_palette.addCommands(paletteCommands());
     connect(&m_palette, &CommandPalette::contactChosen, this,
         [this](const QString& contactId) { m_notifications.post(notifications::openConversation, contactId); });
     connect(&m_palette, &CommandPalette::searchChosen, this, &InboxView::searchFor);

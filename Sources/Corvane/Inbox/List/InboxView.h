@@ -176,6 +176,8 @@ public:
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
     Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
 
+    void writeNew(); ///< to somebody new, with the inbox in front
+
     /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
     bool composeNew(const Account& account, const QString& recipient, const QString& text);
 
@@ -239,7 +241,6 @@ private:
     void tellWhatIsOpen();
     void tellRead(const QString& contactId); ///< in the store, and WhatsApp
     void readSelected();
-    QList<PaletteCommand> paletteCommands();
     void comeToFront();
     void searchFor(const QString& query);
     void afterAction();

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Presentation/Choice.h"
+#include "Presentation/Commands.h"
 #include "Presentation/RowListModel.h"
 
+#include <QtQml/QQmlEngine>
 #include <QtQml/qqml.h>
 
 namespace corvane::qml {
@@ -39,6 +41,28 @@ struct ContactChoiceType {
     Q_GADGET
     QML_FOREIGN(corvane::ContactChoice)
     QML_VALUE_TYPE(contactChoice)
+};
+
+struct CommandRowType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CommandRow)
+    QML_VALUE_TYPE(commandRow)
+};
+
+/// The one table of the program, which the window hands to its engine.
+struct CommandsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Commands)
+    QML_NAMED_ELEMENT(Commands)
+    QML_SINGLETON
+public:
+    static constexpr const char* property = "commands";
+    static corvane::Commands* create(QQmlEngine* engine, QJSEngine*)
+    {
+        auto* const commands = engine->property(property).value<corvane::Commands*>();
+        QJSEngine::setObjectOwnership(commands, QJSEngine::CppOwnership);
+        return commands;
+    }
 };
 
 }

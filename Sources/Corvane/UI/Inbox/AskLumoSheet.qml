@@ -78,7 +78,7 @@ Sheet {
             kind: "primary"
             enabled: sheet.askLumo.canAsk && question.text.trim() !== "" && sheet.askLumo.state !== "loading"
             text: sheet.askLumo.actionLabel
-            hint: Keymap.keysOf("send")
+            hint: Commands.keysOf("send")
             onClicked: sheet.askLumo.ask(question.text)
         }
     ]

@@ -16,7 +16,7 @@ IconButton {
     objectName: "composer.assistant"
     icon.name: "hub-lumo"
     text: qsTr("Assistant")
-    key: Keymap.keysOf("assistant")
+    key: Commands.keysOf("assistant")
     Accessible.role: Accessible.ButtonMenu
     onClicked: openMenu()
 

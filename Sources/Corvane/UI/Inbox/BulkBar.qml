@@ -40,21 +40,21 @@ Rectangle {
             objectName: "bulk.mute"
             icon.name: "notifications-disabled"
             text: qsTr("Mute or unmute")
-            key: Keymap.keysOf("mute")
+            key: Commands.keysOf("mute")
             onClicked: bar.inbox.muteChecked()
         }
         IconButton {
             objectName: "bulk.archive"
             icon.name: bar.inbox.unarchives ? "mail-unarchive" : "mail-archive"
             text: bar.inbox.archiveLabel
-            key: Keymap.keysOf("archive")
+            key: Commands.keysOf("archive")
             onClicked: bar.inbox.archiveChecked()
         }
         IconButton {
             objectName: "bulk.clear"
             icon.name: "window-close"
             text: qsTr("Pick none")
-            key: Keymap.keysOf("back")
+            key: Commands.keysOf("back")
             onClicked: bar.inbox.bulk.clear()
         }
     }

@@ -33,26 +33,26 @@ Menu {
         objectName: "contactMenu.read"
         icon.name: "mail-mark-read"
         text: menu.isUnread ? qsTr("Mark as read") : qsTr("Mark as unread")
-        key: Keymap.keysOf("unread")
+        key: Commands.keysOf("unread")
         onTriggered: menu.inbox.toggleRead(menu.contactId)
     }
     MenuItem {
         icon.name: menu.isMuted ? "notifications" : "notifications-disabled"
         text: menu.isMuted ? qsTr("Unmute") : qsTr("Mute")
-        key: Keymap.keysOf("mute")
+        key: Commands.keysOf("mute")
         onTriggered: menu.inbox.mute([menu.contactId])
     }
     MenuItem {
         icon.name: menu.inbox.unarchives ? "mail-unarchive" : "mail-archive"
         text: menu.inbox.archiveLabel
-        key: Keymap.keysOf("archive")
+        key: Commands.keysOf("archive")
         onTriggered: menu.inbox.archive([menu.contactId])
     }
     MenuSeparator {}
     MenuItem {
         icon.name: "select"
         text: qsTr("Pick")
-        key: Keymap.keysOf("check")
+        key: Commands.keysOf("check")
         onTriggered: menu.inbox.bulk.toggle(menu.contactId)
     }
 }

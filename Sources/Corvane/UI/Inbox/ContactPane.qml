@@ -213,14 +213,14 @@ FocusScope {
                     objectName: "contact.mute"
                     icon.name: pane.contact.isMuted ? "notifications" : "notifications-disabled"
                     text: pane.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
-                    key: Keymap.keysOf("mute")
+                    key: Commands.keysOf("mute")
                     onClicked: pane.inbox.muteSelected()
                 }
                 PaneAction {
                     objectName: "contact.archive"
                     icon.name: pane.inbox.unarchives ? "mail-unarchive" : "mail-archive"
                     text: pane.inbox.archiveLabel
-                    key: Keymap.keysOf("archive")
+                    key: Commands.keysOf("archive")
                     onClicked: pane.inbox.archiveSelected()
                 }
                 PaneAction {

@@ -58,9 +58,6 @@ Page {
             if (reply.visible)
                 reply.openAssistant();
             break;
-        case "newMessage":
-            inbox.composeSheet.open();
-            break;
         case "undo":
             inbox.undo();
             break;

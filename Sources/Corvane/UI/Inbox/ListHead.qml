@@ -102,7 +102,7 @@ Column {
                 iconSize: 16
                 icon.name: "list-add"
                 text: head.inbox.composeSheet.title
-                key: Keymap.keysOf("newMessage")
+                key: Commands.keysOf("newMessage")
                 onClicked: head.inbox.composeSheet.open()
             }
             IconButton {
@@ -174,7 +174,7 @@ Column {
         MenuItem {
             icon.name: "select"
             text: qsTr("Pick all")
-            key: Keymap.keysOf("checkAll")
+            key: Commands.keysOf("checkAll")
             onTriggered: head.inbox.bulk.all()
         }
     }

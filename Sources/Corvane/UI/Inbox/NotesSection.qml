@@ -33,7 +33,7 @@ Section {
         kind: "primary"
         text: qsTr("Add")
         Accessible.name: qsTr("Add the note")
-        hint: Keymap.keysOf("send")
+        hint: Commands.keysOf("send")
         onClicked: {
             section.crm.addNote(field.text);
             field.forceActiveFocus(Qt.TabFocusReason);

@@ -99,14 +99,14 @@ Rectangle {
             objectName: "thread.mute"
             icon.name: head.contact.isMuted ? "notifications" : "notifications-disabled"
             text: head.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
-            key: Keymap.keysOf("mute")
+            key: Commands.keysOf("mute")
             onClicked: head.inbox.muteSelected()
         }
         IconButton {
             objectName: "thread.archive"
             icon.name: head.inbox.unarchives ? "mail-unarchive" : "mail-archive"
             text: head.inbox.archiveLabel
-            key: Keymap.keysOf("archive")
+            key: Commands.keysOf("archive")
             onClicked: head.inbox.archiveSelected()
         }
         IconButton {
@@ -114,7 +114,7 @@ Rectangle {
             icon.name: "view-right-pane"
             checked: head.contactShown
             text: head.contactShown ? qsTr("Hide the contact") : qsTr("Show the contact")
-            key: Keymap.keysOf("contactPane")
+            key: Commands.keysOf("contactPane")
             onClicked: head.toggleContact()
         }
     }

@@ -41,7 +41,7 @@ Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             implicitHeight: 28
             text: qsTr("Undo")
-            hint: Keymap.keysOf("undo")
+            hint: Commands.keysOf("undo")
             onClicked: toast.inbox.undo()
         }
         IconButton {

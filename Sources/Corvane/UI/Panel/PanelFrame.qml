@@ -3,6 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 import Corvane.Panel
+import Corvane.Shell
 
 /// The small window at the tray: tabs on top, what the chosen one shows, and the way to the main window.
 T.ApplicationWindow {

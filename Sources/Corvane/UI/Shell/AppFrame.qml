@@ -25,56 +25,29 @@ FocusScope {
 
     focus: true
 
-    function run(command: string) {
-        switch (command) {
-        case "palette":
-            inbox.showPalette = true;
-            break;
-        case "settings":
-            shell.toggleSettings();
-            break;
-        case "approvals":
-            shell.toggleApprovals();
-            break;
-        case "shortcuts":
-            shortcuts.active = true;
-            (shortcuts.item as ShortcutsSheet).open();
-            break;
-        case "search":
-        case "newMessage":
-            shell.selectHub("inbox");
-            (screen.item as Page).run(command);
-            break;
-        case "back":
-            if (shell.settings)
-                shell.closeSettings();
-            else
-                (screen.item as Page).run(command);
-            break;
-        default:
-            (screen.item as Page).run(command);
-        }
-    }
-
     Binding { target: frame.inbox; property: "shown"; value: frame.shown && frame.inboxShown }
     Binding { target: frame.inbox; property: "onScreen"; value: frame.seen && frame.inboxShown }
     Binding { target: frame.settings; property: "visible"; value: frame.shell.settings }
 
     Instantiator {
-        model: Keymap.entries.filter(entry => entry.sequences)
+        model: Commands.shortcuts
         delegate: Shortcut {
-            required property var modelData
+            required property commandRow modelData
             sequences: modelData.sequences
-            onActivated: frame.run(modelData.command)
+            onActivated: Commands.run(modelData.id)
         }
     }
-    Instantiator {
-        model: frame.shell.hubs
-        delegate: Shortcut {
-            required property string raw
-            required property string shortcut
-            sequence: shortcut
-            onActivated: frame.shell.selectHub(raw)
+    Connections {
+        target: Commands
+        function onPageAsked(id: string) {
+            if (id === "shortcuts") {
+                shortcuts.active = true;
+                (shortcuts.item as ShortcutsSheet).open();
+            } else if (id === "back" && frame.shell.settings) {
+                frame.shell.closeSettings();
+            } else {
+                (screen.item as Page).run(id);
+            }
         }
     }
 
@@ -84,7 +57,7 @@ FocusScope {
         shell: frame.shell
         profile: frame.profile
         approvals: frame.approvals
-        onSearchPressed: frame.run("palette")
+        onSearchPressed: Commands.run("palette")
     }
     Loader {
         id: screen

@@ -39,8 +39,8 @@ T.ApplicationWindow {
         notice.open();
     }
     Shortcut {
-        sequence: "Ctrl+Q"
-        onActivated: window.profile.perform("quit")
+        sequence: Commands.keysOf("quit") // behind the wall, too
+        onActivated: Commands.run("quit")
     }
     Sheet {
         id: notice

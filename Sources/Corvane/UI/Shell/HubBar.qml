@@ -91,7 +91,7 @@ FocusScope {
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.medium
                 anchors.verticalCenter: parent.verticalCenter
-                text: Keymap.keysOf("palette")
+                text: Commands.keysOf("palette")
                 color: Theme.soft
                 font.pixelSize: Theme.meta
             }
@@ -107,7 +107,7 @@ FocusScope {
         icon.name: "approvals"
         checked: bar.shell.approvals
         text: qsTr("Approvals")
-        key: Keymap.keysOf("approvals")
+        key: Commands.keysOf("approvals")
         Accessible.name: bar.approvals.waiting > 0 ? text + ", " + bar.approvals.waitingText : text
         onClicked: bar.shell.toggleApprovals()
 
@@ -133,7 +133,7 @@ FocusScope {
         icon.name: "preferences-system"
         checked: bar.shell.settings
         text: qsTr("Settings")
-        key: Keymap.keysOf("settings")
+        key: Commands.keysOf("settings")
         onClicked: bar.shell.toggleSettings()
     }
 }

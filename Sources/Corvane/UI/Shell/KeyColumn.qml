@@ -2,16 +2,16 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Shell
 
-/// The keys of some sections of the keymap, one below the other.
+/// The keys of some places, one below the other.
 Column {
     id: column
 
-    property var sections: []
+    property list<string> places
 
     spacing: Theme.large
 
     Repeater {
-        model: column.sections
+        model: column.places
         Column {
             id: section
             required property string modelData
@@ -22,10 +22,10 @@ Column {
                 bottomPadding: Theme.tight
             }
             Repeater {
-                model: Keymap.entries.filter(entry => entry.section === section.modelData)
+                model: Commands.commandsAt(section.modelData)
                 Item {
                     id: line
-                    required property var modelData
+                    required property commandRow modelData
                     width: section.width
                     height: 28
                     Accessible.role: Accessible.StaticText

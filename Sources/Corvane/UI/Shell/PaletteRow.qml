@@ -37,7 +37,7 @@ T.AbstractButton {
             visible: row.entry.isAction
             x: Theme.small + 6
             anchors.verticalCenter: parent.verticalCenter
-            name: !visible ? "" : row.entry.id === "action:search" ? "edit-find" : "go-next"
+            name: !visible ? "" : row.entry.id === "action:searchMessages" ? "edit-find" : "go-next"
             color: row.entry.highlighted ? Theme.accent : Theme.faint
         }
         Label {

@@ -59,7 +59,7 @@ T.AbstractButton {
             delegate: MenuItem {
                 required property choice modelData
                 text: modelData.label
-                key: modelData.id === "quit" ? Keymap.keysOf("quit") : ""
+                key: modelData.id === "quit" ? Commands.keysOf("quit") : ""
                 onTriggered: control.profile.perform(modelData.id)
             }
             onObjectAdded: (index, item) => menu.addItem(item)

@@ -16,11 +16,11 @@ Sheet {
         spacing: Theme.huge
 
         Repeater {
-            model: [[Keymap.everywhere, Keymap.list], [Keymap.gate, Keymap.terminal], [Keymap.thread, Keymap.message]]
+            model: Commands.columns
             KeyColumn {
-                required property var modelData
-                width: (columns.width - columns.spacing * 2) / 3
-                sections: modelData
+                required property int index
+                width: (columns.width - columns.spacing * (Commands.columns - 1)) / Commands.columns
+                places: Commands.placesIn(index)
             }
         }
     }

@@ -147,13 +147,13 @@ FocusScope {
         id: menu
         MenuItem {
             text: qsTr("Copy")
-            key: Keymap.keysOf("copyFromTerminal")
+            key: Commands.keysOf("copyFromTerminal")
             enabled: terminal.hasSelection
             onTriggered: terminal.copy()
         }
         MenuItem {
             text: qsTr("Paste")
-            key: Keymap.keysOf("pasteIntoTerminal")
+            key: Commands.keysOf("pasteIntoTerminal")
             onTriggered: pane.screen.paste(terminal.clipboardText())
         }
         MenuItem {
@@ -163,17 +163,17 @@ FocusScope {
         MenuSeparator {}
         MenuItem {
             text: qsTr("Find…")
-            key: Keymap.keysOf("findInTerminal")
+            key: Commands.keysOf("findInTerminal")
             onTriggered: pane.find()
         }
         MenuItem {
             text: pane.screen.createLabel
-            key: Keymap.keysOf("newTerminal")
+            key: Commands.keysOf("newTerminal")
             onTriggered: pane.screen.create()
         }
         MenuItem {
             text: pane.screen.closeLabel
-            key: Keymap.keysOf("closeTerminal")
+            key: Commands.keysOf("closeTerminal")
             onTriggered: pane.screen.closeCurrent()
         }
     }

@@ -158,7 +158,7 @@ FocusScope {
                     iconSize: 12
                     icon.name: "window-close"
                     text: qsTr("Close")
-                    key: tab.entry.selected ? Keymap.keysOf("closeTerminal") : ""
+                    key: tab.entry.selected ? Commands.keysOf("closeTerminal") : ""
                     onClicked: bar.screen.close(tab.entry.tabId)
                 }
             }
@@ -179,7 +179,7 @@ FocusScope {
                 }
                 MenuItem {
                     text: qsTr("Close")
-                    key: Keymap.keysOf("closeTerminal")
+                    key: Commands.keysOf("closeTerminal")
                     onTriggered: bar.screen.close(tab.entry.tabId)
                 }
             }
@@ -194,7 +194,7 @@ FocusScope {
         size: 28
         icon.name: "list-add"
         text: bar.screen.createLabel
-        key: Keymap.keysOf("newTerminal")
+        key: Commands.keysOf("newTerminal")
         onClicked: {
             bar.screen.create();
             bar.leave();

@@ -86,7 +86,7 @@ Page {
                 focus: page.screen.count === 0
                 kind: "primary"
                 text: page.screen.createLabel
-                hint: Keymap.keysOf("newTerminal")
+                hint: Commands.keysOf("newTerminal")
                 onClicked: page.screen.create()
             }
         }

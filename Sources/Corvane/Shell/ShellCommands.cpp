@@ -1,0 +1,74 @@
+#include "Shell/ShellCommands.h"
+
+#include "Inbox/List/InboxView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Hubs.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& commands)
+{
+    const CommandPlace everywhere { u"Everywhere"_s, 0 };
+    const auto inInbox = [&shell, &commands](const QString& id) {
+        return [&shell, &commands, id] {
+            shell.selectHub(u"inbox"_s);
+            Q_EMIT commands.pageAsked(id);
+        };
+    };
+    const QString hubKeys = hubShortcut(0) + u" … "_s + hubShortcut(int(hubTable().size()) - 1);
+    return {
+        { u"palette"_s, u"Search and commands"_s, u"Ctrl+K"_s, { u"Ctrl+K"_s }, everywhere, {}, {},
+            [&inbox] {
+                inbox.setShowPalette(true);
+            } },
+        { u"search"_s, u"Search the inbox"_s, u"Ctrl+F"_s, { u"Ctrl+F"_s }, everywhere, {}, {}, inInbox(u"search"_s) },
+        { u"hub"_s, u"Go to a hub"_s, hubKeys, {}, everywhere },
+        { u"settings"_s, u"Settings"_s, u"Ctrl+,"_s, { u"Ctrl+,"_s }, everywhere, {}, {},
+            [&shell] {
+                shell.toggleSettings();
+            } },
+        { u"approvals"_s, u"Approvals"_s, u"Ctrl+Shift+A"_s, { u"Ctrl+Shift+A"_s }, everywhere, {}, {},
+            [&shell] {
+                shell.toggleApprovals();
+            } },
+        { u"newMessage"_s, u"New message"_s, u"Ctrl+N"_s, { u"Ctrl+N"_s }, everywhere, {}, {},
+            [&inbox] {
+                inbox.writeNew();
+            } },
+        { u"shortcuts"_s, u"This list"_s, u"F1 or ?"_s, { u"F1"_s, u"?"_s }, everywhere },
+        { u"nextPane"_s, u"Next pane"_s, u"F6"_s, { u"F6"_s }, everywhere },
+        { u"previousPane"_s, u"Previous pane"_s, u"Shift+F6"_s, { u"Shift+F6"_s }, everywhere },
+        { u"quit"_s, u"Quit"_s, u"Ctrl+Q"_s, {}, everywhere, {}, {},
+            [&shell] {
+                Q_EMIT shell.quitRequested();
+            } },
+        { u"back"_s, u"Back one level"_s, u"Esc"_s, { u"Esc"_s }, everywhere },
+    };
+}
+
+QList<Command> placeCommands(AppShell& shell)
+{
+    QList<Command> commands;
+    for (const Hub& hub : hubTable()) {
+        const QString keys = hubShortcut(int(commands.size()));
+        commands.append({ .id = hub.id,
+            .keys = keys,
+            .sequences = { keys },
+            .action = u"Go to "_s + hub.label,
+            .run = [&shell, id = hub.id] {
+                shell.selectHub(id);
+            } });
+    }
+    commands.append({ .id = u"openSettings"_s, .keys = u"Ctrl+,"_s, .action = u"Open Settings"_s, .run = [&shell] {
+                         shell.openSettings();
+                     } });
+    commands.append(
+        { .id = u"openApprovals"_s, .keys = u"Ctrl+Shift+A"_s, .action = u"Open Approvals"_s, .run = [&shell] {
+             shell.openApprovals();
+         } });
+    return commands;
+}
+
+}
