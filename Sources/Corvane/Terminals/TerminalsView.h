@@ -25,7 +25,6 @@ public:
     bool selected = false;
     bool attention = false; ///< its bell rang since it was last in front
     bool ended = false;
-    static constexpr const char* role = "tab";
 
     static constexpr const char* role = "entry";
     QString key() const { return id; }
