@@ -1,7 +1,7 @@
 // Sends what Corvane says, one message after the other and each of them once.
 
 import { createHash, randomUUID } from "node:crypto";
-import { emit, textOf, whenStored, type Command } from "./wire.ts";
+import { emit, log, textOf, whenStored, type Command } from "./wire.ts";
 import type { MessageEvent, SendName } from "./events.ts";
 import type { SendEntry, SendJournal } from "./journal.ts";
 import { stopping, wordsOf } from "./run.ts";
@@ -105,7 +105,9 @@ export class Outbox {
         return;
       }
       if (isBegun) this.#journal.forget(key);
-      if (!stopping.aborted && name) await emit({ type: "sendAck", ...name, status: "failed", error: wordsOf(error) });
+      if (stopping.aborted) return;
+      if (name) await emit({ type: "sendAck", ...name, status: "failed", error: wordsOf(error) });
+      else await log(`A message was not sent: ${wordsOf(error)}`);
     }
   }
 

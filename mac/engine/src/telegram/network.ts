@@ -14,7 +14,8 @@ import { mostFileBytes, telegramDeliver } from "./sending.ts";
 import { chatId, emojiOf, messageId, nameOf, rowsFrom } from "./teller.ts";
 
 const wanted = ["message", "edited_message", "channel_post", "edited_channel_post", "message_reaction"] as const;
-const longPoll = 25;
+/** In seconds: how long Telegram may have nothing to say, and how much later its answer may come. */
+const [longPoll, grace] = [25, 15];
 
 export function joinTelegram(place: Place, db: DatabaseSync): Network {
   const telegram = telegramFrom();
@@ -60,7 +61,8 @@ export function joinTelegram(place: Place, db: DatabaseSync): Network {
       const { username } = await api.getMe();
       let [offset, timeout] = [0, 0];
       while (!stopping.aborted) {
-        const updates = await api.getUpdates({ offset, timeout, allowed_updates: wanted }, stopping as never);
+        const signal = AbortSignal.any([stopping, AbortSignal.timeout((timeout + grace) * 1000)]);
+        const updates = await api.getUpdates({ offset, timeout, allowed_updates: wanted }, signal as never);
         if (timeout === 0) await emit({ type: "status", state: "open", user: `@${username}` });
         timeout = longPoll;
         for (const update of updates) await tell(update);
