@@ -29,24 +29,20 @@ Rgb mixed(Rgb one, Rgb other, uint32_t share)
     return result;
 }
 
-/// `ink` is premultiplied by its own alpha, which is `alpha`.
-uint32_t over(uint32_t below, uint32_t ink, uint32_t alpha)
+/// Both pixels weighted, two channels at a time; `alpha` of 255 parts is the first one's.
+uint32_t weighted(uint32_t one, uint32_t alpha, uint32_t other, uint32_t rest)
 {
-    const uint32_t rest = 255 - alpha;
-    const uint32_t odd = (below >> 8 & 0xff00ff) * rest;
-    const uint32_t even = (below & 0xff00ff) * rest;
     const auto divided = [](uint32_t pair) {
         return (pair + (pair >> 8 & 0xff00ff) + 0x800080) >> 8 & 0xff00ff;
     };
-    return ink + (divided(odd) << 8 | divided(even));
+    const uint32_t even = (one & 0xff00ff) * alpha + (other & 0xff00ff) * rest;
+    const uint32_t odd = (one >> 8 & 0xff00ff) * alpha + (other >> 8 & 0xff00ff) * rest;
+    return divided(odd) << 8 | divided(even);
 }
 
-uint32_t covered(Rgb ink, uint32_t alpha)
+uint32_t* lineOf(QImage& image, int y)
 {
-    uint32_t result = alpha << 24;
-    for (const int shift : { 16, 8, 0 })
-        result |= ((ink >> shift & 0xff) * alpha + 127) / 255 << shift;
-    return result;
+    return reinterpret_cast<uint32_t*>(image.bits()) + qsizetype(y) * image.bytesPerLine() / 4;
 }
 
 TerminalGlyphs::Face faceOf(const Style& style)
@@ -157,6 +153,8 @@ void TerminalPainter::drawText(QImage& image, const ShownRow& row, const Termina
         inks.push_back(inkOf(style, look));
     const int cellWidth = m_glyphs.cellWidth();
     const int count = std::min(int(row.cells.size()), image.width() / cellWidth);
+    const int height = image.height();
+    const qsizetype stride = image.bytesPerLine() / 4;
 
     // All grounds first, since characters may stand out of their cells.
     for (int from = 0; from < count;) {
@@ -165,10 +163,9 @@ void TerminalPainter::drawText(QImage& image, const ShownRow& row, const Termina
             ++to;
         const Ink& ink = inks[row.cells[size_t(from)].style()];
         if (ink.hasGround) {
-            for (int y = 0; y < image.height(); ++y) {
-                auto* line = reinterpret_cast<uint32_t*>(image.scanLine(y));
-                std::fill(line + from * cellWidth, line + to * cellWidth, opaque | ink.ground);
-            }
+            uint32_t* line = lineOf(image, 0) + from * cellWidth;
+            for (int y = 0; y < height; ++y, line += stride)
+                std::fill_n(line, (to - from) * cellWidth, opaque | ink.ground);
         }
         from = to;
     }
@@ -190,20 +187,22 @@ void TerminalPainter::drawGlyph(QImage& image, const TerminalGlyph& glyph, int l
     const int begin = std::max(0, left - glyph.margin);
     const int end = std::min(image.width(), left - glyph.margin + glyph.width);
     const int skipped = begin - (left - glyph.margin);
-    for (int y = 0; y < image.height() && glyph.width > 0; ++y) {
-        auto* const line = reinterpret_cast<uint32_t*>(image.scanLine(y));
+    if (glyph.width == 0)
+        return;
+    const int height = image.height();
+    const qsizetype stride = image.bytesPerLine() / 4;
+    uint32_t* line = lineOf(image, 0);
+    for (int y = 0; y < height; ++y, line += stride) {
         if (glyph.mask.empty()) {
             const auto* source = reinterpret_cast<const uint32_t*>(glyph.picture.constScanLine(y)) + skipped;
             for (int x = begin; x < end; ++x, ++source)
-                line[x] = over(line[x], *source, *source >> 24);
+                line[x] = *source + weighted(0, 0, line[x], 255 - (*source >> 24));
             continue;
         }
         const uint8_t* source = glyph.mask.data() + size_t(y) * size_t(glyph.width) + size_t(skipped);
         for (int x = begin; x < end; ++x, ++source) {
-            if (*source == 255)
-                line[x] = opaque | ink;
-            else if (*source)
-                line[x] = over(line[x], covered(ink, *source), *source);
+            if (*source)
+                line[x] = weighted(opaque | ink, *source, line[x], 255u - *source);
         }
     }
 }

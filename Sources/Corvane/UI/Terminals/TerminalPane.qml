@@ -20,6 +20,8 @@ FocusScope {
         terminal.forceActiveFocus();
     }
 
+    Component.onCompleted: Qt.callLater(turnToQuestion)
+
     function find() {
         if (!screen.current)
             return;
