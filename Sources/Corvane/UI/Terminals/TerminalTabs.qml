@@ -43,6 +43,10 @@ FocusScope {
         clip: true
         focus: true
 
+        function reveal(index: int) {
+            positionViewAtIndex(index, ListView.Contain);
+        }
+
         readonly property real tabWidth: Math.max(96, Math.min(220, width / Math.max(1, count)))
 
         delegate: T.AbstractButton {
@@ -82,7 +86,7 @@ FocusScope {
             }
 
             readonly property bool inFront: entry.selected
-            onInFrontChanged: if (inFront) list.positionViewAtIndex(index, ListView.Contain)
+            onInFrontChanged: if (inFront) Qt.callLater(list.reveal, index) // not while the list lays itself out
 
             background: Rectangle {
                 color: tab.entry.selected ? Theme.surface : tab.hovered ? Theme.raised : Theme.none
