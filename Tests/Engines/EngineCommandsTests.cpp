@@ -68,12 +68,10 @@ TEST_F(Commands, aFailedDownloadIsAskedForAgain)
         world.engines.retryMediaDownload(row);
         return world.engines.mediaDownloadStatus(row.id);
     };
-    const MediaDownloadStatus notRunning { Kind::Failed, u"WhatsApp engine is not running for this account."_s };
-    EXPECT_FALSE(retry()) << "only WhatsApp can";
-    row.platform = u"WHATSAPP"_s;
+    const MediaDownloadStatus notRunning { Kind::Failed, u"Telegram engine is not running for this account."_s };
     row.accountId = u"shop"_s;
     EXPECT_EQ(retry(),
-        (MediaDownloadStatus { Kind::Failed, u"This message is missing the WhatsApp ids needed to retry."_s }));
+        (MediaDownloadStatus { Kind::Failed, u"This message is missing the Telegram ids needed to retry."_s }));
     row.externalId = u"chat"_s;
     EXPECT_EQ(retry(), notRunning);
 

@@ -137,7 +137,8 @@ TEST(UnifiedBubble, aMediumIsHereFetchableOrGone)
     EXPECT_EQ(failed.text, "gone");
     UnifiedMsgRow elsewhere = medium("image", {});
     elsewhere.platform = "TELEGRAM";
-    EXPECT_EQ(state(elsewhere).kind, Kind::Missing) << "only WhatsApp's media can be fetched";
+    EXPECT_EQ(state(elsewhere).kind, Kind::Download);
+    EXPECT_EQ(state(elsewhere, MediaDownloadStatus {}).text, "Fetching from Telegram...");
 }
 
 TEST(UnifiedBubble, whatIsReadAloudIsOneLine)

@@ -3,6 +3,7 @@
 #include "Engines/EngineCommands.h"
 
 #include "Engines/EngineManagerState.h"
+#include "Foundation/Channel.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
 #include "Store/Messages/ThreadQueries.h"
@@ -122,15 +123,16 @@ bool EngineManager::sync(const Account& account)
 
 void EngineManager::retryMediaDownload(const UnifiedMsgRow& row)
 {
-    if (row.platform != channelRaw(Channel::WhatsApp))
-        return;
+    const QString channel = channelLabel(row.platform);
     const QString providerId
         = row.providerMsgId.isEmpty() ? QString(row.id).remove(QStringLiteral("wa:msg:")) : row.providerMsgId;
     if (row.accountId.isEmpty() || row.externalId.isEmpty() || providerId.isEmpty()) {
-        setMediaDownload(row.id, failed(QStringLiteral("This message is missing the WhatsApp ids needed to retry.")));
+        setMediaDownload(
+            row.id, failed(QStringLiteral("This message is missing the %1 ids needed to retry.").arg(channel)));
         return;
     }
-    const MediaDownloadStatus notRunning = failed(QStringLiteral("WhatsApp engine is not running for this account."));
+    const MediaDownloadStatus notRunning
+        = failed(QStringLiteral("%1 engine is not running for this account.").arg(channel));
     const auto account = runningAccount(row.accountId);
     if (!account) {
         setMediaDownload(row.id, notRunning);

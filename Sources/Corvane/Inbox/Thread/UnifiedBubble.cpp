@@ -1,6 +1,7 @@
 #include "Inbox/Thread/UnifiedBubble.h"
 
 #include "Engines/MediaPlaces.h"
+#include "Foundation/Channel.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 
@@ -142,12 +143,10 @@ MediaState mediaState(
         return { MediaState::Kind::Ready, {} };
     if (isSet(row.mediaPath))
         return { MediaState::Kind::Missing, missingText(row.mediaType.value_or(QString())) };
-    if (row.platform != QStringLiteral("WHATSAPP"))
-        return { MediaState::Kind::Missing, QStringLiteral("Not on this machine.") };
     if (!download)
         return { MediaState::Kind::Download, QStringLiteral("Download") };
     if (download->kind == MediaDownloadStatus::Kind::Downloading)
-        return { MediaState::Kind::Downloading, QStringLiteral("Fetching from WhatsApp...") };
+        return { MediaState::Kind::Downloading, QStringLiteral("Fetching from %1...").arg(channelLabel(row.platform)) };
     return { MediaState::Kind::Failed, download->message };
 }
 
