@@ -39,7 +39,7 @@ FocusScope {
         id: notices
         width: parent.width
         height: visible ? lines.height + Theme.small : 0
-        visible: question.visible || ended.visible
+        visible: question.text !== "" || ended.text !== ""
         onActiveFocusChanged: if (activeFocus) (question.visible ? question : ended).takeFocus()
 
         Column {

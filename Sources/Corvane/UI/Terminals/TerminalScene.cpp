@@ -65,15 +65,13 @@ void TerminalScene::updateRows(const TerminalItem& item)
         const TerminalItem::Strip& strip = item.m_strips[i];
         QSGImageNode*& node = kept[strip.number];
         if (!node) {
-            if (free.isEmpty()) {
-                node = item.window()->createImageNode();
-                node->setOwnsTexture(true);
-                m_rows->appendChildNode(node);
-            } else {
-                node = free.takeLast();
-            }
+            node = free.isEmpty() ? item.window()->createImageNode() : free.takeLast();
+            node->setOwnsTexture(true);
             node->setTexture(item.window()->createTextureFromImage(strip.picture));
             node->setSourceRect(strip.picture.rect());
+            // The software renderer asks a node for its texture as soon as it is in the scene.
+            if (!node->parent())
+                m_rows->appendChildNode(node);
         }
         const QRectF cell = item.cellRect(int(i), 0);
         node->setRect(QRectF(cell.topLeft(), QSizeF(strip.picture.size()) / item.m_ratio));
