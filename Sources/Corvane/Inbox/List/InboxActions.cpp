@@ -17,7 +17,7 @@ namespace corvane {
 
 namespace {
 
-const QString whatsApp = QStringLiteral("WHATSAPP");
+const QStringList readAtProvider { QStringLiteral("WHATSAPP"), QStringLiteral("EMAIL") };
 constexpr Milliseconds openingTime { 60 };
 
 QString countedConversations(qsizetype count)
@@ -287,10 +287,12 @@ void InboxView::markCheckedRead()
 void InboxView::tellRead(const QString& contactId)
 {
     markRead(db(), contactId);
-    const auto target = replyTarget(db(), contactId, whatsApp);
-    const auto account = target ? m_accounts.findBySlug(target->account) : std::nullopt;
-    if (account)
-        m_engine.markRead(*account, target->chatId);
+    for (const QString& platform : readAtProvider) {
+        const auto target = replyTarget(db(), contactId, platform);
+        const auto account = target ? m_accounts.findBySlug(target->account) : std::nullopt;
+        if (account)
+            m_engine.markRead(*account, target->chatId);
+    }
 }
 
 void InboxView::readSelected()
