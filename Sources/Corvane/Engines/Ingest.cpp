@@ -9,6 +9,7 @@
 #include "Notifications/Notifier.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/DraftApprovals.h"
+#include "Store/Approvals/DraftStatus.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
@@ -166,8 +167,11 @@ bool Ingest::handleSendAck(const EventSource& source, const QJsonObject& event)
     const auto draftId = text(event, "draftId");
     if (!draftId)
         return false;
-    acknowledgeDraft(m_db, source.slug, *draftId, text(event, "status").value_or(QString()),
-        text(event, "providerMsgId"), text(event, "error").value_or(QStringLiteral("Send failed")));
+    const QString status = text(event, "status").value_or(QString());
+    // An engine that cannot know leaves the draft as one that nobody acknowledged: a person is asked before a retry.
+    const QString error = status == u"uncertain" ? describe(DraftFailure::Unacknowledged)
+                                                 : text(event, "error").value_or(QStringLiteral("Send failed"));
+    acknowledgeDraft(m_db, source.slug, *draftId, status, text(event, "providerMsgId"), error);
     m_group.afterCommit([this] { m_db.watch().tell(StoreSubject::Drafts); });
     return true;
 }
