@@ -37,7 +37,7 @@ export async function serversFor({ servers: { imap, smtp }, address }: Settings)
   if (imap && smtp) return { imap, smtp };
   const found = await discover(address, process.env.CORVANE_MAIL_AUTOCONFIG);
   const [stranger] = found.confirm;
-  if (stranger) throw new Error(`${stranger} was found as the mail server: confirm it in the account's server settings.`);
+  if (stranger) throw new Error(`${stranger} was found as the mail server of a foreign domain. If it is yours, name the servers beside the password.`);
   return { imap: imap ?? found.imap, smtp: smtp ?? found.smtp };
 }
 
