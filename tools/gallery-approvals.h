@@ -24,6 +24,8 @@ inline void letItemsWait(LocalDB& db, const QString& megan, const QString& hanna
         u"them ready by Tuesday, one on the dark clay and one on the white.\n\nIf you would rather decide in the "
         u"studio, we open at ten. There is coffee, and the kiln is still warm.\n\nThe price would stay as it is in "
         u"the offer, and delivery takes four weeks from your yes.\n\nBest wishes\nMarta"_s);
+    draft(megan, u"Hi Megan, thank you for the kind words about the exhibition."_s);
+    db.run(u"UPDATE outbound_draft SET status='placed' WHERE body LIKE '%kind words%';"_s);
     db.run(u"UPDATE outbound_draft SET status='failed', error='The phone is not connected.' WHERE status='pending' AND "
            u"body LIKE 'Dear Hannah%';"_s);
     db.run(

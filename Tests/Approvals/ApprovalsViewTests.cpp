@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallRecorder.h"
+#include "Engines/AccountStore.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
@@ -49,7 +50,9 @@ protected:
 
     CallRecorder calls { engines.db() };
     ApprovalsStore store { centre, notifier, clock };
-    ApprovalsView view { store, engines.db(), clock };
+    AccountStore accounts { home.paths().applicationSupport };
+    DraftActions actions { store, engines, accounts };
+    ApprovalsView view { store, actions, engines.db(), clock };
     QAbstractItemModelTester tester { view.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
 

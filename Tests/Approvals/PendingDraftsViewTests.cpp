@@ -55,8 +55,9 @@ protected:
     Account account = accounts.add("Main", Channel::WhatsApp);
     CallRecorder calls { engines.db() };
     ApprovalsStore store { centre, notifier, clock };
-    ApprovalsView panel { store, engines.db(), clock };
-    PendingDraftsView drafts { { store, *panel.editor(), engines, accounts, clock } };
+    DraftActions actions { store, engines, accounts };
+    ApprovalsView panel { store, actions, engines.db(), clock };
+    PendingDraftsView drafts { { store, actions, *panel.editor(), engines, accounts, clock } };
     QAbstractItemModelTester tester { drafts.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
 
@@ -150,7 +151,7 @@ TEST_F(PendingDraftsTest, whatWaitsForItsEngineOrWasPlacedCanBeDealtWith)
     EXPECT_EQ(shown("title"), "Approved for Ana Ruiz · WHATSAPP");
     EXPECT_EQ(shown("stateText"), "Waits for the engine of Main");
     EXPECT_EQ(shown("failureReason"), "The account is signed out. Sign in again in Settings.");
-    drafts.perform(id, "takeBack");
+    panel.perform("draft:" + id, "takeBack");
     EXPECT_EQ(status(id), "pending");
     send(id);
     launcher.expect(FakeLauncher::stays());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalKey.h"
+#include "Approvals/DraftActions.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Work/WorkRecords.h"
@@ -31,6 +32,7 @@ class ApprovalRow {
     Q_PROPERTY(bool canDecide MEMBER canDecide)
     Q_PROPERTY(bool canEdit MEMBER canEdit)
     Q_PROPERTY(QString linkLabel MEMBER linkLabel)
+    Q_PROPERTY(QList<corvane::DraftAction> actions MEMBER actions)
 public:
     QString kind; ///< "draft", "proposal" or "decision"
     QString id;
@@ -51,6 +53,7 @@ public:
     bool canDecide = false; ///< approve and reject apply
     bool canEdit = false;
     QString linkLabel; ///< "Link contact" or "Change contact"; empty where there is nobody to link
+    QList<DraftAction> actions; ///< of a draft that was decided and is still here
 
     static constexpr const char* role = "approval";
     void setKey(const ApprovalKey& key);

@@ -8,9 +8,11 @@
 
 namespace corvane {
 
-ApprovalsView::ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent)
+ApprovalsView::ApprovalsView(
+    ApprovalsStore& store, DraftActions& actions, LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_store(store)
+    , m_actions(actions)
     , m_db(db)
     , m_editor(store)
     , m_link(store, db)
@@ -19,6 +21,7 @@ ApprovalsView::ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& sche
 {
     connect(&store, &ApprovalsStore::changed, this, &ApprovalsView::present);
     connect(&store, &ApprovalsStore::confirmationRequested, this, &ApprovalsView::ask);
+    connect(&actions, &DraftActions::changed, this, &ApprovalsView::present);
     connect(&m_editor, &DraftEdit::changed, this, &ApprovalsView::present);
     present();
 }
@@ -126,6 +129,17 @@ void ApprovalsView::edit(const QString& key)
         m_editor.begin(QString(row->id));
 }
 
+void ApprovalsView::perform(const QString& key, const QString& action)
+{
+    const ApprovalRow* const row = find(key);
+    const auto& drafts = m_store.drafts();
+    const auto draft = row ? std::ranges::find(drafts, row->id, &PendingDraft::id) : drafts.end();
+    if (draft == drafts.end())
+        return;
+    m_rows.hold(key);
+    m_actions.perform(PendingDraft(*draft), action);
+}
+
 bool ApprovalsView::stepBack()
 {
     if (!asking().isEmpty())
@@ -159,8 +173,13 @@ std::optional<Arming> ApprovalsView::arming(ApprovalKind kind, const QString& id
 QList<ApprovalRow> ApprovalsView::currentRows() const
 {
     QList<ApprovalRow> rows;
-    for (const PendingDraft& draft : m_editor.withLost(m_store.drafts()))
-        rows.append(draftRow(draft, arming(ApprovalKind::Draft, draft.id)));
+    for (const PendingDraft& draft : m_editor.withLost(m_store.drafts())) {
+        ApprovalRow row = draftRow(draft, arming(ApprovalKind::Draft, draft.id));
+        row.actions = m_actions.actions(draft);
+        if (row.failureReason.isEmpty())
+            row.failureReason = m_actions.waitingReason(draft);
+        rows.append(row);
+    }
     for (const CRMUpdateProposal& proposal : m_store.proposals())
         rows.append(proposalRow(proposal,
             proposal.contactId.isEmpty() ? QString() : WAName::pretty(displayName(m_db, proposal.contactId)),
@@ -186,6 +205,7 @@ void ApprovalsView::present()
         m_emptyLines.append(QStringLiteral("No agent decisions waiting."));
     m_rows.assign(rows, [this](ApprovalRow& row) {
         row.canDecide = row.canEdit = false;
+        row.actions.clear();
         row.secondsLeft = 0;
         row.stateText = m_store.notice().isEmpty() && !row.settledText.isEmpty() ? row.settledText
                                                                                  : QStringLiteral("No longer waiting");

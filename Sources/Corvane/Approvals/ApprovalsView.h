@@ -38,7 +38,8 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(corvane::DecisionLog* log READ log CONSTANT) ///< what was decided
 public:
     /// All of it outlives the view.
-    ApprovalsView(ApprovalsStore& store, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+    ApprovalsView(
+        ApprovalsStore& store, DraftActions& actions, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
     ~ApprovalsView() override;
 
     HoldingListModel* rows() { return &m_rows; }
@@ -66,6 +67,7 @@ public:
     Q_INVOKABLE void reject(const QString& key);
     Q_INVOKABLE void undo(const QString& key);
     Q_INVOKABLE void edit(const QString& key);
+    Q_INVOKABLE void perform(const QString& key, const QString& action); ///< one of the row's actions
     Q_INVOKABLE bool stepBack(); ///< leaves what is asked, edited or linked; false where nothing is
     Q_INVOKABLE void dismissNotice();
     Q_INVOKABLE void refresh(); ///< as a surface comes up
@@ -84,6 +86,7 @@ private:
     QList<ApprovalRow> currentRows() const;
 
     ApprovalsStore& m_store;
+    DraftActions& m_actions;
     LocalDB& m_db;
     DraftEdit m_editor;
     ProposalLink m_link;

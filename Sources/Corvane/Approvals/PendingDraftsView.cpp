@@ -16,31 +16,10 @@ namespace {
 
 constexpr int previewLength = 240;
 
-DraftAction action(const char* id, const QString& label, const char* kind)
-{
-    return { QString::fromLatin1(id), label, QString::fromLatin1(kind) };
-}
-
-QList<DraftAction> actionsOf(const PendingDraft& draft, bool engineRuns)
-{
-    QList<DraftAction> actions;
-    if (allows(draft.state(), DraftStep::TakeBack)) {
-        if (!engineRuns)
-            actions.append(action("start", QStringLiteral("Start"), "primary"));
-        actions.append(action("takeBack", QStringLiteral("Take back"), "plain"));
-        actions.append(action("reject", QStringLiteral("Reject"), "danger"));
-    } else if (allows(draft.state(), DraftStep::Confirm)) {
-        actions.append(action("confirmSent", QStringLiteral("It was sent"), "primary"));
-        actions.append(action("reject", QStringLiteral("Discard"), "danger"));
-    }
-    return actions;
-}
-
 }
 
 PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
 {
-    const auto account = m_at.accounts.findBySlug(draft.accountId);
     PendingDraftItem item;
     item.id = draft.id;
     item.title = draftStatusTitle(draft);
@@ -49,9 +28,9 @@ PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
     item.status = draft.status;
     item.statusLabel = statusLabel(draft);
     item.failureReason = draftFailureReason(draft);
-    if (account && item.failureReason.isEmpty())
-        item.failureReason = waitingReason(draft, *account, m_at.engine.runtime(account->id));
-    item.actions = actionsOf(draft, account && m_at.engine.isRunning(*account));
+    if (item.failureReason.isEmpty())
+        item.failureReason = m_at.actions.waitingReason(draft);
+    item.actions = m_at.actions.actions(draft);
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
     item.approveLabel
@@ -66,11 +45,7 @@ PendingDraftsView::PendingDraftsView(const Surroundings& surroundings, QObject* 
 {
     connect(&m_at.approvals, &ApprovalsStore::changed, this, &PendingDraftsView::present);
     connect(&m_at.editor, &DraftEdit::changed, this, &PendingDraftsView::present);
-    connect(&m_at.engine, &EngineManager::runtimeChanged, this, [this] {
-        if (std::ranges::any_of(
-                m_drafts, [](const PendingDraft& draft) { return draft.state() == DraftStatus::Approved; }))
-            present();
-    });
+    connect(&m_at.actions, &DraftActions::changed, this, &PendingDraftsView::present);
     present();
 }
 
@@ -140,25 +115,8 @@ void PendingDraftsView::reject(const QString& id)
 
 void PendingDraftsView::perform(const QString& id, const QString& action)
 {
-    const PendingDraft* const draft = shown(id);
-    if (!draft || m_at.approvals.armed(draftKey(id)))
-        return;
-    LocalDB& db = m_at.engine.db();
-    const QString name = id; // the row goes with what is done
-    const bool isPlaced = draft->state() == DraftStatus::Placed;
-    if (action == u"start") {
-        if (const auto account = m_at.accounts.findBySlug(draft->accountId))
-            m_at.engine.resume(*account);
-    } else if (action == u"takeBack") {
-        takeBackDraft(db, name);
-    } else if (action == u"confirmSent") {
-        confirmDraftSent(db, name);
-    } else if (action == u"reject" && isPlaced) {
-        m_at.approvals.decide(draftKey(name), Verdict::Reject, undoWindow);
-    } else if (action == u"reject") {
-        rejectDraft(db, name); // at once: its engine may come up inside the window
-    }
-    m_at.engine.db().watch().tell(StoreSubject::Drafts);
+    if (const PendingDraft* const draft = shown(id))
+        m_at.actions.perform(*draft, action);
 }
 
 void PendingDraftsView::undo(const QString& id)
@@ -180,7 +138,6 @@ void PendingDraftsView::present()
         PendingDraftItem item = itemOf(draft);
         if (const auto verdict = m_at.approvals.armed(draftKey(draft.id))) {
             item.canDecide = false;
-            item.actions.clear();
             item.secondsLeft = m_at.approvals.secondsLeft(draftKey(draft.id));
             item.statusLabel
                 = *verdict == Verdict::Approve ? QStringLiteral("Sending…") : QStringLiteral("Discarding…");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Approvals/DraftActions.h"
 #include "Approvals/DraftEdit.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Approvals/OutboundQueries.h"
@@ -9,20 +10,6 @@ namespace corvane {
 class AccountStore;
 class ApprovalsStore;
 class EngineManager;
-
-/// What can be done with a draft that waits for its engine or was placed.
-class DraftAction {
-    Q_GADGET
-    Q_PROPERTY(QString id MEMBER id)
-    Q_PROPERTY(QString label MEMBER label)
-    Q_PROPERTY(QString kind MEMBER kind)
-public:
-    QString id; ///< "start", "takeBack", "confirmSent" or "reject"
-    QString label;
-    QString kind; ///< a button's
-
-    bool operator==(const DraftAction&) const = default;
-};
 
 /// A draft that waits, in the words of the bar.
 class PendingDraftItem {
@@ -76,6 +63,7 @@ public:
     /// What the bar stands on; all of it outlives the view.
     struct Surroundings {
         ApprovalsStore& approvals;
+        DraftActions& actions;
         DraftEdit& editor;
         EngineManager& engine;
         AccountStore& accounts;

@@ -61,6 +61,7 @@ public:
     AppShell shell;
     ProfileMenu profile;
     InboxView inbox;
+    DraftActions draftActions;
     ApprovalsView approvals;
     PendingDraftsView drafts;
     IntegrationsView settings;

@@ -17,6 +17,7 @@ FocusScope {
     readonly property bool asking: approvals.asking === approval.key
     readonly property bool linking: approval.kind === "proposal" && approvals.link.proposalId === approval.id
     readonly property bool armed: approval.secondsLeft > 0
+    readonly property bool acts: approval.actions.length > 0
     readonly property bool tells: approval.detail !== "" || approval.riskText !== ""
     property bool wholeText: false
     readonly property var tones: ({ money: Theme.warn, credential: Theme.secret, external: Theme.accent, high: Theme.bad })
@@ -128,7 +129,15 @@ FocusScope {
             visible: text !== ""
             text: line.approval.failureReason
             wrapMode: Text.Wrap
-            color: Theme.bad
+            color: line.approval.canDecide ? Theme.bad : Theme.soft
+        }
+        Label {
+            width: parent.width
+            visible: line.acts
+            text: line.approval.stateText
+            wrapMode: Text.Wrap
+            color: Theme.soft
+            Accessible.ignored: true
         }
         ContactPicker {
             id: picker
@@ -186,10 +195,25 @@ FocusScope {
                     onClicked: line.approvals.reject(line.approval.key)
                 }
             }
+            Row {
+                visible: line.acts && !line.editing
+                spacing: Theme.small
+                Repeater {
+                    model: line.approval.actions
+                    Button {
+                        required property draftAction modelData
+                        objectName: "approval." + modelData.id
+                        kind: modelData.kind
+                        text: modelData.label
+                        Accessible.name: text + ": " + line.approval.title
+                        onClicked: line.approvals.perform(line.approval.key, modelData.id)
+                    }
+                }
+            }
             Label {
                 objectName: "approval.state"
                 anchors.verticalCenter: parent.verticalCenter
-                visible: text !== "" && !line.editing
+                visible: text !== "" && !line.editing && !line.acts
                 width: parent.width - (line.armed ? undo.width + Theme.small : 0)
                 text: line.armed ? qsTr("%1 %2 s").arg(line.approval.stateText).arg(line.approval.secondsLeft) : line.approval.stateText
                 color: Theme.soft

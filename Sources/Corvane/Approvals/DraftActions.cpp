@@ -1,0 +1,83 @@
+#include "Approvals/DraftActions.h"
+
+#include "Approvals/ApprovalsStore.h"
+#include "Approvals/DraftWords.h"
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Store/Core/StoreWatch.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+DraftAction action(const char* id, const QString& label, const char* kind)
+{
+    return { QString::fromLatin1(id), label, QString::fromLatin1(kind) };
+}
+
+}
+
+DraftActions::DraftActions(ApprovalsStore& approvals, EngineManager& engine, AccountStore& accounts, QObject* parent)
+    : QObject(parent)
+    , m_approvals(approvals)
+    , m_engine(engine)
+    , m_accounts(accounts)
+{
+    connect(&engine, &EngineManager::runtimeChanged, this, [this] {
+        const auto isApproved = [](const PendingDraft& draft) {
+            return draft.state() == DraftStatus::Approved;
+        };
+        if (std::ranges::any_of(m_approvals.drafts(), isApproved))
+            Q_EMIT changed();
+    });
+}
+
+QList<DraftAction> DraftActions::actions(const PendingDraft& draft) const
+{
+    if (m_approvals.armed(draftKey(draft.id)))
+        return {};
+    QList<DraftAction> actions;
+    if (allows(draft.state(), DraftStep::TakeBack)) {
+        const auto account = m_accounts.findBySlug(draft.accountId);
+        if (!account || !m_engine.isRunning(*account))
+            actions.append(action("start", QStringLiteral("Start"), "primary"));
+        actions.append(action("takeBack", QStringLiteral("Take back"), "plain"));
+        actions.append(action("reject", QStringLiteral("Reject"), "danger"));
+    } else if (allows(draft.state(), DraftStep::Confirm)) {
+        actions.append(action("confirmSent", QStringLiteral("It was sent"), "primary"));
+        actions.append(action("reject", QStringLiteral("Discard"), "danger"));
+    }
+    return actions;
+}
+
+QString DraftActions::waitingReason(const PendingDraft& draft) const
+{
+    const auto account = m_accounts.findBySlug(draft.accountId);
+    return account ? corvane::waitingReason(draft, *account, m_engine.runtime(account->id)) : QString();
+}
+
+void DraftActions::perform(const PendingDraft& draft, const QString& action)
+{
+    const ApprovalKey key = draftKey(draft.id);
+    if (m_approvals.armed(key))
+        return;
+    LocalDB& db = m_engine.db();
+    const QString id = draft.id; // the row goes with what is done
+    if (action == u"start") {
+        if (const auto account = m_accounts.findBySlug(draft.accountId))
+            m_engine.resume(*account);
+    } else if (action == u"takeBack") {
+        takeBackDraft(db, id);
+    } else if (action == u"confirmSent") {
+        confirmDraftSent(db, id);
+    } else if (action == u"reject" && draft.state() == DraftStatus::Placed) {
+        m_approvals.decide(key, Verdict::Reject, undoWindow);
+    } else if (action == u"reject") {
+        rejectDraft(db, id); // at once: its engine may come up inside the window
+    }
+    db.watch().tell(StoreSubject::Drafts);
+}
+
+}
