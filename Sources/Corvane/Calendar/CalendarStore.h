@@ -1,0 +1,93 @@
+#pragma once
+
+#include "Foundation/Coalescer.h"
+#include "Foundation/NotificationCentre.h"
+#include "Platform/CalendarSource.h"
+#include "Store/Work/CalendarQueries.h"
+
+namespace corvane {
+
+class BackgroundQueue;
+class UserDefaults;
+
+/// The mirror of the user's calendars: a day back and sixty ahead, in memory and in the database, where other
+/// programs read it.
+class CalendarStore : public QObject {
+    Q_OBJECT
+public:
+    enum class Access { Unknown, Granted, Denied };
+
+    /// What it stands on; all of it outlives the store.
+    struct Surroundings {
+        LocalDB& db;
+        CalendarSource& source;
+        BackgroundQueue& background;
+        Scheduler& scheduler;
+        UserDefaults& defaults;
+        NotificationCentre& notifications;
+        std::function<QStringList()> ownAddresses; ///< of the user's accounts, in any case
+    };
+
+    explicit CalendarStore(Surroundings surroundings, QObject* parent = nullptr);
+    ~CalendarStore() override;
+
+    void bootstrap(); ///< may be called again
+    void refresh(); ///< reads the calendars away from the main thread; nothing without access
+    void requestAccess(); ///< the user pressed Connect: what is found is read from now on
+
+    Access access() const { return m_access; }
+    const std::optional<QString>& lastError() const { return m_lastError; } ///< for the user
+    const QList<CalEvent>& events() const { return m_events; } ///< of all calendars, by their start
+    const QList<CalendarInfo>& calendars() const { return m_calendars; } ///< empty until the first reading
+
+    QStringList calendarNames() const; ///< of the events, each once, sorted
+    void toggleCalendar(const QString& name); ///< shows its events, or no longer
+    bool isCalendarIncluded(const QString& name) const;
+    QList<CalEvent> visible(const QList<CalEvent>& events) const;
+
+    /// Events outside the mirror, which are not stored. Nothing follows once `context` or the store is gone.
+    void eventsBetween(
+        qint64 fromMs, qint64 toMs, QObject* context, const std::function<void(const QList<CalEvent>&)>& done);
+
+    const CalendarPlaces& places() const { return m_places; }
+    void setPlaces(const CalendarPlaces& places);
+
+    const Surroundings& surroundings() const { return m_at; }
+
+Q_SIGNALS:
+    void changed(); ///< access, error, events, calendars or what is shown of them
+
+private:
+    struct Reading {
+        QList<CalEvent> events;
+        QList<CalendarInfo> calendars;
+        QStringList troubles;
+        CalendarChange change; ///< since the reading before
+    };
+    static QList<CalEvent> mapped(const CalendarReading& reading, const QStringList& own);
+
+    void grant();
+    void deny(const QString& reason);
+    void read();
+    void finish(Reading reading);
+    void tick();
+    QStringList ownAddresses() const;
+
+    const Surroundings m_at;
+    CalendarPlaces m_places;
+    Access m_access = Access::Unknown;
+    std::optional<QString> m_lastError;
+    QList<CalEvent> m_events;
+    QList<CalendarInfo> m_calendars;
+    QStringList m_excluded;
+    bool m_reading = false;
+    bool m_again = false; ///< asked for while a reading was on its way
+    bool m_mirrored = false; ///< the database holds `m_events` of the active workspace
+    Coalescer m_changes;
+    std::unique_ptr<Timer> m_ticks;
+    QString m_day; ///< date and zone of the last reading
+    qint64 m_asleepMs = 0; ///< how far the clock is from the time awake
+    NotificationCentre::Observation m_workspaceChanged;
+};
+
+}

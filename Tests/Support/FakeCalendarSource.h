@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Platform/CalendarSource.h"
+
+#include <mutex>
+
+namespace corvane {
+
+/// Calendars that a test fills. What it holds is read on other threads.
+class FakeCalendarSource final : public CalendarSource {
+public:
+    using CalendarSource::CalendarSource;
+
+    void set(const CalendarReading& reading)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_reading = reading;
+    }
+
+    CalendarAccess access(const CalendarPlaces&) const override { return given; }
+
+    CalendarReading read(const CalendarPlaces&, qint64 fromMs, qint64 toMs) override
+    {
+        const std::lock_guard lock(m_mutex);
+        CalendarReading reading = m_reading;
+        reading.entries.removeIf(
+            [&](const CalendarEntry& entry) { return entry.endMs <= fromMs || entry.startMs >= toMs; });
+        return reading;
+    }
+
+    Result<void> add(const CalendarPlaces&, const QString&, const NewCalendarEntry&) override
+    {
+        return failure(QStringLiteral("It takes none."));
+    }
+    Result<void> remove(const CalendarPlaces&, const QString&, const QString&) override { return {}; }
+    Result<int> import(const CalendarPlaces&, const QString&, const QByteArray&) override { return 0; }
+    Result<QByteArray> exported(const CalendarPlaces&, const QString&, const QString&) override
+    {
+        return failure(QStringLiteral("It holds none."));
+    }
+    Result<void> makeCalendar(const QString&) override { return {}; }
+    void watch(const CalendarPlaces&) override { }
+
+    CalendarAccess given = CalendarAccess::Full;
+
+private:
+    std::mutex m_mutex;
+    CalendarReading m_reading;
+};
+
+}
