@@ -1,7 +1,7 @@
 // A Discord bot: the servers that it is in, and everybody who writes to it.
 
 import { runChannel } from "./lib/channel.ts";
-import { chatTable } from "./lib/history.ts";
+import { chatTables } from "./lib/history.ts";
 import { joinDiscord } from "./discord/network.ts";
 
-await runChannel(chatTable, joinDiscord);
+await runChannel(chatTables, joinDiscord);

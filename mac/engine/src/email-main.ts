@@ -31,7 +31,7 @@ async function start(place: Place): Promise<Engine> {
     return nothing;
   }
 
-  const db = openState(place.stateDir, mailTables, ["folder", "mail"]);
+  const db = openState(place.stateDir, mailTables);
   const journal = new SendJournal(db);
   const mailbox = new Mailbox(place.account, settings, servers, db);
   const sender = new Sender(place, settings, servers, mailbox, journal);

@@ -1,7 +1,7 @@
 // A Slack app: the channels that it is in, and everybody who writes to it.
 
 import { runChannel } from "./lib/channel.ts";
-import { chatTable } from "./lib/history.ts";
+import { chatTables } from "./lib/history.ts";
 import { joinSlack } from "./slack/network.ts";
 
-await runChannel(chatTable, joinSlack);
+await runChannel(chatTables, joinSlack);

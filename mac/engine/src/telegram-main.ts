@@ -2,6 +2,6 @@
 
 import { runChannel } from "./lib/channel.ts";
 import { joinTelegram } from "./telegram/network.ts";
-import { fileTable } from "./telegram/files.ts";
+import { fileTables } from "./telegram/files.ts";
 
-await runChannel(fileTable, joinTelegram);
+await runChannel(fileTables, joinTelegram);

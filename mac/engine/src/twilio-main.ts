@@ -2,6 +2,6 @@
 
 import { runChannel } from "./lib/channel.ts";
 import { joinTwilio } from "./sms/network.ts";
-import { toldTable } from "./sms/mirror.ts";
+import { toldTables } from "./sms/mirror.ts";
 
-await runChannel(toldTable, joinTwilio);
+await runChannel(toldTables, joinTwilio);

@@ -49,7 +49,7 @@ async function openDiscord(past: ReturnType<typeof said>[], answers: Record<stri
 
 test("servers and direct chats are mirrored, and what was missed is new", async () => {
   const past = [said(13, { content: "<@7> in <#20> <:yes:5>", mentions: [ana] }), said(12, { type: 7 }), said(11, { content: "" })];
-  const { start, come, drop, standIn } = await openDiscord(past);
+  const { start, come, drop, standIn, folder } = await openDiscord(past);
   past[2].attachments.push({ id: "f", filename: "a.png", content_type: "image/png", url: `${standIn.address}/file` });
   const engine = start();
   const [text, picture] = (await engine.until((events) => events.filter(isMessage).length === 2)).filter(isMessage);
@@ -74,6 +74,11 @@ test("servers and direct chats are mirrored, and what was missed is new", async 
   const second = start();
   await second.until((events) => events.filter(isMessage).length === 3);
   assert.deepEqual((await second.end()).filter(isMessage).map(({ historical }) => historical), [undefined, undefined, undefined]);
+  writeFileSync(join(folder, "state", "retell"), "");
+  const anew = start();
+  await anew.until((events) => events.filter(isMessage).length === 5);
+  await anew.event(({ msg }) => /history of 30/.test(String(msg))); // it is asked for, too
+  assert.ok((await anew.end()).filter(isMessage).every(({ historical }) => historical));
 });
 
 test("a draft goes out once, after the pause that Discord asks for, with its files", async () => {

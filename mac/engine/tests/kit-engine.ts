@@ -9,7 +9,7 @@ import { openState } from "../src/lib/state.ts";
 import { emit } from "../src/lib/wire.ts";
 
 runEngine(async ({ stateDir }) => {
-  const journal = new SendJournal(openState(stateDir, ""));
+  const journal = new SendJournal(openState(stateDir));
   const outbox = new Outbox(journal, async ({ key, chatId, text }, begin) => {
     if (text === "too late") throw new Refused("closed");
     begin();

@@ -1,5 +1,6 @@
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
+import { readFileSync, writeFileSync } from "node:fs";
+import { join } from "node:path";
 import { after, test } from "node:test";
 import { StandIn, type Answer, type Call } from "./stand-in.ts";
 import { EngineProcess, isMessage, placeIn, source, temporaryFolder, type Event } from "./support.ts";
@@ -27,14 +28,15 @@ async function openTwilio(log: ReturnType<typeof sms>[], send: (call: Call) => A
     return { json: { messages: all.slice(start, start + 2), next_page_uri: next } };
   });
   after(() => standIn.close());
-  const environment = { ...placeIn(temporaryFolder(after)), TWILIO_SID: "AC1", TWILIO_AUTH: "secret", TWILIO_FROM: "+34 911", CORVANE_TWILIO_API: standIn.address };
-  return { standIn, start: () => new EngineProcess(source("twilio-main.ts"), environment) };
+  const folder = temporaryFolder(after);
+  const environment = { ...placeIn(folder), TWILIO_SID: "AC1", TWILIO_AUTH: "secret", TWILIO_FROM: "+34 911", CORVANE_TWILIO_API: standIn.address };
+  return { standIn, folder, start: () => new EngineProcess(source("twilio-main.ts"), environment) };
 }
 
 test("a number's messages are told once, the old ones as history", async () => {
   const out = { from: mine, to: "+34600", direction: "outbound-api", status: "queued" };
   const log = [sms("SM4", out), sms("SM3", { body: "", num_media: "1" }), sms("SM2"), sms("SM1")];
-  const { start } = await openTwilio(log);
+  const { start, folder } = await openTwilio(log);
   const engine = start();
   const told = (await engine.until((events) => events.filter(isMessage).length === 4)).filter(isMessage);
   assert.deepEqual(told.map(({ providerMsgId, historical, direction }) => [providerMsgId, historical, direction]),
@@ -52,6 +54,10 @@ test("a number's messages are told once, the old ones as history", async () => {
   await again.event(({ msg }) => msg === "A message to +34600 was not delivered: undelivered");
   const news = (await again.end()).filter(isMessage);
   assert.deepEqual(news.map(({ providerMsgId, historical }) => [providerMsgId, historical]), [["SM5", undefined], ["SM6", undefined]]);
+  writeFileSync(join(folder, "state", "retell"), "");
+  const anew = start();
+  await anew.until((events) => events.filter(isMessage).length === 6);
+  assert.ok((await anew.end()).filter(isMessage).every(({ historical }) => historical));
 });
 
 test("an SMS goes out once, and what Twilio says decides", async () => {

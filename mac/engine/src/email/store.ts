@@ -1,9 +1,10 @@
 // What the mail engine remembers: how far each folder is told, where mails lie, and what an answer needs to know.
 
 import type { DatabaseSync, StatementSync } from "node:sqlite";
-import { transaction } from "../lib/state.ts";
+import { transaction, type Tables } from "../lib/state.ts";
 
-export const mailTables = `
+export const mailTables: Tables = {
+  create: `
 CREATE TABLE IF NOT EXISTS folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, validity TEXT NOT NULL,
   bottom INTEGER NOT NULL, top INTEGER NOT NULL, synced INTEGER NOT NULL DEFAULT 0, live_after INTEGER, modseq TEXT);
 CREATE TABLE IF NOT EXISTS mail(id TEXT PRIMARY KEY, folder INTEGER NOT NULL, uid INTEGER NOT NULL,
@@ -14,7 +15,9 @@ CREATE TABLE IF NOT EXISTS person(address TEXT PRIMARY KEY, name TEXT NOT NULL, 
 CREATE TABLE IF NOT EXISTS chat(id TEXT PRIMARY KEY, at INTEGER NOT NULL, message_id TEXT NOT NULL, trail TEXT NOT NULL,
   subject TEXT NOT NULL) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS outgoing(key TEXT NOT NULL, digest TEXT NOT NULL, file TEXT NOT NULL,
-  message_id TEXT NOT NULL, date INTEGER NOT NULL, PRIMARY KEY(key, digest)) WITHOUT ROWID;`;
+  message_id TEXT NOT NULL, date INTEGER NOT NULL, PRIMARY KEY(key, digest)) WITHOUT ROWID;`,
+  retell: "DELETE FROM folder; DELETE FROM mail",
+};
 
 /** A mirrored folder. Every mail whose UID is from `bottom` to `top` is told. */
 export interface Folder {

@@ -1,12 +1,12 @@
 // What the engines of chat networks have in common: they wire a network's own parts to the commands.
 
 import type { DatabaseSync } from "node:sqlite";
-import { peopleTable } from "./people.ts";
+import { peopleTables } from "./people.ts";
 import { SendJournal } from "./journal.ts";
 import { reportDownload, type FetchedFile, type Save } from "./files.ts";
 import { Outbox, type Deliver } from "./outbox.ts";
 import { runEngine, signOut, wordsOf, type Place } from "./run.ts";
-import { openState } from "./state.ts";
+import { openState, type Tables } from "./state.ts";
 import { SignInRefused, stayConnected } from "./stay.ts";
 import { emit, log, textOf, type Command } from "./wire.ts";
 
@@ -25,9 +25,9 @@ export interface Network {
 }
 
 /** Runs the engine of a network. `join` may throw `SignInRefused`, and so may a session. */
-export async function runChannel(tables: string, join: (place: Place, db: DatabaseSync) => Network): Promise<void> {
+export async function runChannel(tables: Tables, join: (place: Place, db: DatabaseSync) => Network): Promise<void> {
   await runEngine(async (place) => {
-    const db = openState(place.stateDir, peopleTable + tables);
+    const db = openState(place.stateDir, peopleTables, tables);
     let network: Network;
     try {
       network = join(place, db);

@@ -4,10 +4,17 @@ import type { DatabaseSync } from "node:sqlite";
 import { Limited, withinLimits } from "./limits.ts";
 import { Refused } from "./outbox.ts";
 import { stopping } from "./run.ts";
+import type { Tables } from "./state.ts";
 import { log, untilStored, whenStored } from "./wire.ts";
 
-export const chatTable = `CREATE TABLE IF NOT EXISTS chat(
-  id TEXT PRIMARY KEY, newest TEXT NOT NULL, oldest TEXT NOT NULL, wanted INTEGER NOT NULL) WITHOUT ROWID;`;
+/** `wanted` of a chat that is known and of which nothing is told. */
+const untold = -1;
+
+export const chatTables: Tables = {
+  create: `CREATE TABLE IF NOT EXISTS chat(
+  id TEXT PRIMARY KEY, newest TEXT NOT NULL, oldest TEXT NOT NULL, wanted INTEGER NOT NULL) WITHOUT ROWID;`,
+  retell: `UPDATE chat SET wanted=${untold}`, // a direct chat may not be found again
+};
 
 /** How much of a chat's past is told, in messages. */
 const depth = 1000;
@@ -31,6 +38,7 @@ interface Span {
 export class History<M> {
   readonly #db: DatabaseSync;
   readonly #source: Source<M>;
+  readonly #known = new Set<string>();
   readonly #spans = new Map<string, Span>();
   /** Chats whose every message is heard of as it comes. */
   readonly #current = new Set<string>();
@@ -42,12 +50,15 @@ export class History<M> {
     this.#db = db;
     this.#source = source;
     const rows = db.prepare("SELECT id, newest, oldest, wanted FROM chat").all() as unknown as (Span & { id: string })[];
-    for (const { id, ...span } of rows) this.#spans.set(id, span);
+    for (const { id, ...span } of rows) {
+      this.#known.add(id);
+      if (span.wanted !== untold) this.#spans.set(id, span);
+    }
   }
 
   /** Every chat that was told before. */
   known(): string[] {
-    return [...this.#spans.keys()];
+    return [...this.#known];
   }
 
   /** A message that just came. */
@@ -144,6 +155,7 @@ export class History<M> {
   }
 
   #keep(chat: string, span: Span): void {
+    this.#known.add(chat);
     this.#spans.set(chat, span);
     const { newest, oldest, wanted } = span;
     whenStored(() => this.#db.prepare("INSERT OR REPLACE INTO chat VALUES(?,?,?,?)").run(chat, newest, oldest, wanted));

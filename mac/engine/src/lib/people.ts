@@ -5,10 +5,14 @@ import type { Readable } from "node:stream";
 import { join } from "node:path";
 import { writeMedia } from "./media.ts";
 import { wordsOf, type Place } from "./run.ts";
+import type { Tables } from "./state.ts";
 import { emit, log, whenStored } from "./wire.ts";
 
-export const peopleTable = `CREATE TABLE IF NOT EXISTS person(
-  jid TEXT PRIMARY KEY, name TEXT NOT NULL DEFAULT '', picture TEXT NOT NULL DEFAULT '') WITHOUT ROWID;`;
+export const peopleTables: Tables = {
+  create: `CREATE TABLE IF NOT EXISTS person(
+  jid TEXT PRIMARY KEY, name TEXT NOT NULL DEFAULT '', picture TEXT NOT NULL DEFAULT '') WITHOUT ROWID;`,
+  retell: "DELETE FROM person",
+};
 
 export interface Picture {
   /** Another picture has another mark. */

@@ -5,39 +5,46 @@ import { join } from "node:path";
 import { DatabaseSync } from "node:sqlite";
 import { log } from "./wire.ts";
 
-/** Opens the state with the channel's own tables (CREATE TABLE IF NOT EXISTS ...). A commit is on the disk when it
- *  returns. Throws where another engine of the account has it; a damaged file is set aside and begun anew. `cursors`
- *  are the tables that say how far the history is told: they are emptied where Corvane asks for it anew. */
-export function openState(folder: string, tables: string, cursors: string[] = []): DatabaseSync {
+/** What one part of an engine remembers. */
+export interface Tables {
+  /** CREATE TABLE IF NOT EXISTS ... */
+  create: string;
+  /** Forgets how far things were told, but not what was sent. */
+  retell: string;
+}
+
+/** Opens the state with these tables. A commit is on the disk when it returns. Throws where another engine of the account
+ *  has it; a damaged file is set aside and begun anew. Where Corvane asks for everything anew, all of it is still to tell. */
+export function openState(folder: string, ...parts: Tables[]): DatabaseSync {
   mkdirSync(folder, { recursive: true, mode: 0o700 });
   chmodSync(folder, 0o700);
-  const db = openedOrAnew(join(folder, "state.sqlite"), tables);
-  const retell = join(folder, "retell");
-  if (existsSync(retell)) {
-    transaction(db, () => cursors.forEach((table) => db.exec(`DELETE FROM ${table}`)));
-    rmSync(retell);
+  const db = openedOrAnew(join(folder, "state.sqlite"), parts.map(({ create }) => create).join("\n"));
+  const marker = join(folder, "retell");
+  if (existsSync(marker)) {
+    transaction(db, () => parts.forEach(({ retell }) => db.exec(retell)));
+    rmSync(marker);
   }
   return db;
 }
 
-function openedOrAnew(file: string, tables: string): DatabaseSync {
+function openedOrAnew(file: string, create: string): DatabaseSync {
   try {
-    return opened(file, tables);
+    return opened(file, create);
   } catch (error) {
     if (!isDamage(error)) throw error;
     void log("The engine's memory was damaged and begins anew; it is kept as state.sqlite.damaged.");
     renameSync(file, `${file}.damaged`);
     for (const rest of ["-wal", "-shm"]) if (existsSync(file + rest)) rmSync(file + rest);
-    return opened(file, tables);
+    return opened(file, create);
   }
 }
 
-function opened(file: string, tables: string): DatabaseSync {
+function opened(file: string, create: string): DatabaseSync {
   const db = new DatabaseSync(file);
   try {
     db.exec(`PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA cache_size=-1000;
 CREATE TABLE IF NOT EXISTS fact(name TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;
-${tables}`);
+${create}`);
     return db;
   } catch (error) {
     db.close();

@@ -4,11 +4,14 @@ import type { DatabaseSync } from "node:sqlite";
 import { mediaTypeOf, type MessageEvent } from "../lib/events.ts";
 import { rowsOf, type FileMark } from "../lib/files.ts";
 import type { People } from "../lib/people.ts";
-import { readFact, writeFact } from "../lib/state.ts";
+import { readFact, writeFact, type Tables } from "../lib/state.ts";
 import { emit, log, untilStored, whenStored } from "../lib/wire.ts";
 import type { Sms, SmsMedia, Twilio } from "./api.ts";
 
-export const toldTable = `CREATE TABLE IF NOT EXISTS told(sid TEXT PRIMARY KEY, status TEXT NOT NULL) WITHOUT ROWID;`;
+export const toldTables: Tables = {
+  create: "CREATE TABLE IF NOT EXISTS told(sid TEXT PRIMARY KEY, status TEXT NOT NULL) WITHOUT ROWID;",
+  retell: "DELETE FROM told; DELETE FROM fact WHERE name LIKE 'history %'",
+};
 
 /** How far a message got, by Twilio's word for it. */
 const steps: Record<string, number> = { sent: 2, delivered: 3, read: 4 };

@@ -3,11 +3,15 @@
 import type { DatabaseSync } from "node:sqlite";
 import type { Message } from "grammy/types";
 import type { FetchedFile, FileMark, Save } from "../lib/files.ts";
+import type { Tables } from "../lib/state.ts";
 import { openFile } from "../lib/web.ts";
 import type { Telegram } from "./api.ts";
 
-export const fileTable = `CREATE TABLE IF NOT EXISTS file(
-  message TEXT PRIMARY KEY, ref TEXT NOT NULL, name TEXT NOT NULL, kind TEXT NOT NULL) WITHOUT ROWID;`;
+export const fileTables: Tables = {
+  create: `CREATE TABLE IF NOT EXISTS file(
+  message TEXT PRIMARY KEY, ref TEXT NOT NULL, name TEXT NOT NULL, kind TEXT NOT NULL) WITHOUT ROWID;`,
+  retell: "", // a bot hears everything once
+};
 
 export interface TelegramFile extends FileMark {
   /** What Telegram gives it out for. */
