@@ -1,6 +1,7 @@
 // One signed-in IMAP connection, over verified TLS only.
 
 import { ImapFlow, type ImapFlowError } from "imapflow";
+import { stopping } from "../lib/run.ts";
 import { SignInRefused } from "../lib/stay.ts";
 import { credentials, NoToken, type Server, type Settings } from "./settings.ts";
 
@@ -27,12 +28,16 @@ export async function connectImap(settings: Settings, { host, port, security }: 
     maxResponseSize: 16 * mebibyte,
   });
   client.on("error", (error: ImapFlowError) => lastErrors.set(client, error)); // "close" follows
+  const giveUp = (): void => client.close();
+  stopping.addEventListener("abort", giveUp);
   try {
     await client.connect();
     return client;
   } catch (error) {
     client.close();
     throw understood(error as ImapFlowError, host);
+  } finally {
+    stopping.removeEventListener("abort", giveUp);
   }
 }
 

@@ -1,6 +1,7 @@
 // Stays connected to the account's mailbox, through everything that a network does.
 
 import type { DatabaseSync } from "node:sqlite";
+import { stopping } from "../lib/run.ts";
 import { readFact, writeFact } from "../lib/state.ts";
 import { stayConnected } from "../lib/stay.ts";
 import { emit } from "../lib/wire.ts";
@@ -41,6 +42,7 @@ export class Mailbox {
     await stayConnected(async () => {
       try {
         this.session = await Session.open(this.#settings, this.#servers.imap, this.#mirror);
+        if (stopping.aborted) return this.session.close(); // whoever stops it found no session to close
         await emit({ type: "status", state: "open", user: this.#settings.address });
         opened(this.session);
         await this.session.run();
