@@ -4,7 +4,7 @@ import { request } from "node:http";
 import { join } from "node:path";
 import { test } from "node:test";
 import { current, renewed } from "../src/tools/document.ts";
-import { ask, makeProfile, startServer } from "./tools-support.ts";
+import { ask, lastWords, makeProfile, startServer } from "./tools-support.ts";
 
 /** Node's fetch sets Host by itself. */
 function statusOf(url: string, headers: Record<string, string>, body = "{}"): Promise<number | undefined> {
@@ -38,6 +38,12 @@ test("only who holds the token is answered, by address and not from a web page",
   assert.equal(await statusOf(server.url, { authorization: `Bearer ${second}` }), 401);
   assert.equal(statSync(file).mode & 0o777, 0o600, "a secret that others could read is replaced");
   assert.ok((await (await server.connect()).listTools()).tools.length > 0);
+});
+
+test("a server that can't start says why in its last line", async (t) => {
+  const profile = makeProfile(t);
+  const { port } = new URL((await startServer(t, profile)).url);
+  assert.equal(await lastWords(profile, port), `The tool server can't start: another program uses port ${port}.`);
 });
 
 test("reads keep to the workspace and to what is not deleted", async (t) => {

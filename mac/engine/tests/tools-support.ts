@@ -1,9 +1,11 @@
-import { spawn } from "node:child_process";
+import { spawn, type ChildProcess } from "node:child_process";
 import { mkdirSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
 import { createServer } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { DatabaseSync } from "node:sqlite";
+import type { Readable } from "node:stream";
+import { text } from "node:stream/consumers";
 import type { TestContext } from "node:test";
 import { Client } from "@modelcontextprotocol/sdk/client/index.js";
 import { StreamableHTTPClientTransport } from "@modelcontextprotocol/sdk/client/streamableHttp.js";
@@ -98,26 +100,33 @@ export interface Running {
   connect(): Promise<Client>;
 }
 
-/** The real server as the program starts it; it answers when this returns, and ends with the test. */
-export async function startServer(t: TestContext, { home, folder }: Profile): Promise<Running> {
+/** The server's process as the program starts it. */
+function spawnServer({ home }: Profile, port: string, errors: "inherit" | "pipe"): ChildProcess {
+  const words = ["--max-old-space-size=96", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings"];
+  const places = { HOME: home, XDG_DATA_HOME: join(home, "share"), XDG_CONFIG_HOME: join(home, "config") };
+  return spawn(process.execPath, [...words, new URL("mac/engine/src/nimb-mcp.ts", repository).pathname], {
+    env: { ...process.env, ...places, NIMB_MCP_PORT: port },
+    stdio: ["ignore", "ignore", errors],
+  });
+}
+
+/** The last line of a server that is expected to end. */
+export async function lastWords(profile: Profile, port: string): Promise<string | undefined> {
+  const { stderr } = spawnServer(profile, port, "pipe");
+  return (await text(stderr as Readable)).trim().split("\n").at(-1);
+}
+
+/** The real server; it answers when this returns, and ends with the test. */
+export async function startServer(t: TestContext, profile: Profile): Promise<Running> {
   const port = await freePort();
-  const child = spawn(
-    process.execPath,
-    ["--max-old-space-size=96", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings",
-      new URL("mac/engine/src/nimb-mcp.ts", repository).pathname],
-    {
-      env: { ...process.env, HOME: home, XDG_DATA_HOME: join(home, "share"), XDG_CONFIG_HOME: join(home, "config"),
-        NIMB_MCP_PORT: String(port) },
-      stdio: ["ignore", "ignore", "inherit"],
-    },
-  );
+  const child = spawnServer(profile, String(port), "inherit");
   const ended = new Promise((resolve) => child.once("exit", resolve));
   t.after(async () => {
     child.kill();
     await ended;
   });
   const url = `http://127.0.0.1:${port}/mcp`;
-  const token = (): string => readFileSync(join(folder, "mcp-token"), "utf8").trim();
+  const token = (): string => readFileSync(join(profile.folder, "mcp-token"), "utf8").trim();
   while (child.exitCode === null && !(await fetch(url).catch(() => undefined)));
   const connect = async (): Promise<Client> => {
     const client = new Client({ name: "tests", version: "1" });
