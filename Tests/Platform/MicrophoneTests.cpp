@@ -2,6 +2,7 @@
 
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Services.h"
+#include "SoundFiles.h"
 #include "SoundServer.h"
 #include "Support/LogCapture.h"
 #include "Support/VirtualScheduler.h"
@@ -10,45 +11,10 @@
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QSignalSpy>
-#include <algorithm>
-#include <cmath>
-#include <cstring>
 
 using namespace corvane;
 
 namespace {
-
-QByteArray output(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    EXPECT_TRUE(process.waitForFinished(20'000)) << qPrintable(program);
-    return process.readAllStandardOutput().trimmed();
-}
-
-/// "codec,rate,channels" of the sound in a file.
-QByteArray formatOf(const QString& path)
-{
-    return output("ffprobe",
-        { "-v", "error", "-show_entries", "stream=codec_name,sample_rate,channels", "-of", "csv=p=0", path });
-}
-
-double secondsOf(const QString& path)
-{
-    return output("ffprobe", { "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", path }).toDouble();
-}
-
-float peakOf(const QString& path)
-{
-    const QByteArray raw = output("ffmpeg", { "-v", "error", "-i", path, "-f", "f32le", "-" });
-    float peak = 0;
-    for (qsizetype at = 0; at + 4 <= raw.size(); at += 4) {
-        float sample = 0;
-        std::memcpy(&sample, raw.constData() + at, 4);
-        peak = std::max(peak, std::fabs(sample));
-    }
-    return peak;
-}
 
 class MicrophoneTest : public testing::Test {
 protected:

@@ -18,15 +18,21 @@ enum class Microphones { None, One };
 class SoundServer {
 public:
     explicit SoundServer(Microphones microphones)
+        : m_microphones(microphones)
     {
         for (const char* variable : { "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH" })
             qputenv(variable, QFile::encodeName(m_folder.path()));
         qputenv("PULSE_COOKIE", QFile::encodeName(m_folder.filePath("cookie")));
         qputenv("PULSE_SERVER", QFile::encodeName("unix:" + socket()));
+        start();
+    }
+
+    void start()
+    {
         QStringList arguments { "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
             "module-native-protocol-unix auth-anonymous=1 socket=" + socket(), "-L",
             "module-null-sink sink_name=speaker rate=48000 channels=2" };
-        if (microphones == Microphones::One) {
+        if (m_microphones == Microphones::One) {
             arguments += { "-L", "module-null-sink sink_name=room rate=48000 channels=1", "-L",
                 "module-remap-source source_name=mic master=room.monitor", "-L",
                 "module-sine sink=room frequency=440" };
@@ -36,13 +42,13 @@ public:
         m_server.start("pulseaudio", arguments);
         EXPECT_TRUE(await([] { return control({ "info" }); })) << "pulseaudio did not come up";
         control({ "set-default-sink", "speaker" });
-        if (microphones == Microphones::One)
+        if (m_microphones == Microphones::One)
             EXPECT_TRUE(control({ "set-default-source", "mic" }));
         // A room in which nothing plays in haste sleeps for up to two seconds before it is heard, and before it is
         // silent.
         m_haste.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         m_haste.start("pacat",
-            { "--latency-msec=20", microphones == Microphones::One ? "--device=room" : "--device=speaker",
+            { "--latency-msec=20", m_microphones == Microphones::One ? "--device=room" : "--device=speaker",
                 "/dev/zero" });
     }
 
@@ -66,8 +72,13 @@ public:
     }
 
     bool unplug() { return control({ "unload-module", "module-remap-source" }); }
+    bool plugIn()
+    {
+        return control({ "load-module", "module-remap-source", "source_name=mic", "master=room.monitor" })
+            && control({ "set-default-source", "mic" });
+    }
 
-private:
+    /// What `pactl` is told.
     static bool control(const QStringList& arguments)
     {
         QProcess pactl;
@@ -76,6 +87,8 @@ private:
         return pactl.waitForFinished() && pactl.exitCode() == 0;
     }
 
+private:
+    const Microphones m_microphones;
     QTemporaryDir m_folder;
     QProcess m_server;
     QProcess m_haste;

@@ -7,6 +7,7 @@ namespace corvane {
 
 class AddressBook;
 class AudioPlayer;
+class CallAudio;
 class Desktop;
 class MachineFacts;
 class MediaDecoder;
@@ -16,6 +17,7 @@ class PortHolders;
 class ProcessLauncher;
 class Scheduler;
 class SingleInstance;
+class SleepInhibitor;
 class SystemLanguageModel;
 class ToolRunner;
 class Tray;
@@ -28,6 +30,8 @@ std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< of programs that open something for the user
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
+std::unique_ptr<CallAudio> makeCallAudio(Scheduler& scheduler);
+std::unique_ptr<SleepInhibitor> makeSleepInhibitor();
 std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);
 std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);

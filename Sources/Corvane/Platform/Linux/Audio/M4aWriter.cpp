@@ -13,8 +13,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int bitsPerChannel = 96'000;
-
 void closeOutput(AVFormatContext** context)
 {
     avio_closep(&(*context)->pb);
@@ -100,7 +98,7 @@ Result<void> M4aWriter::State::open(SoundFormat format)
     output = std::move(*opened);
     encoder.reset(avcodec_alloc_context3(codec));
     encoder->sample_rate = format.rate;
-    encoder->bit_rate = bitsPerChannel * format.channels;
+    encoder->bit_rate = format.bitRate;
     encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
     encoder->time_base = { 1, format.rate };
     encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
@@ -113,7 +111,7 @@ Result<void> M4aWriter::State::open(SoundFormat format)
 
     AVDictionary* options = nullptr;
     av_dict_set(&options, "movflags", "frag_keyframe+empty_moov+default_base_moof", 0);
-    av_dict_set(&options, "frag_duration", "1000000", 0);
+    av_dict_set(&options, "frag_duration", "500000", 0);
     output->flush_packets = 1;
     const int code = avformat_write_header(output.get(), &options);
     av_dict_free(&options);
@@ -190,23 +188,35 @@ Result<void> M4aWriter::write(std::span<const float> samples)
     const size_t size = size_t(m_state->encoder->frame_size) * size_t(m_state->encoder->ch_layout.nb_channels);
     size_t done = 0;
     for (; waiting.size() - done >= size; done += size) {
-        if (const auto encoded = m_state->encode(std::span(waiting).subspan(done, size)); !encoded)
+        if (const auto encoded = m_state->encode(std::span(waiting).subspan(done, size)); !encoded) {
+            waiting.clear(); // `close` takes less than a frame
             return encoded;
+        }
     }
     waiting.erase(waiting.begin(), waiting.begin() + std::ptrdiff_t(done));
     return {};
 }
 
-Result<void> M4aWriter::finish()
+Result<void> M4aWriter::close()
 {
-    const QString& path = m_state->path;
     if (!m_state->waiting.empty())
         (void)m_state->encode(m_state->waiting);
     (void)m_state->drain(nullptr);
     const int code = av_write_trailer(m_state->output.get());
     m_state->output.reset();
-    if (code < 0)
-        return avFailure(code);
+    return code < 0 ? Result<void>(avFailure(code)) : Result<void>();
+}
+
+Result<void> M4aWriter::finish()
+{
+    const auto closed = close();
+    if (closed)
+        (void)join(m_state->path); // the pieces play too
+    return closed;
+}
+
+Result<void> M4aWriter::join(const QString& path)
+{
     const QString whole = path + QStringLiteral(".whole");
     QFile::remove(whole);
     auto joined = createFile(whole);
@@ -215,8 +225,8 @@ Result<void> M4aWriter::finish()
     if (joined && ::rename(QFile::encodeName(whole).constData(), QFile::encodeName(path).constData()) != 0)
         joined = failure(QString::fromLocal8Bit(std::strerror(errno)));
     if (!joined)
-        QFile::remove(whole); // the pieces play too
-    return {};
+        QFile::remove(whole);
+    return joined;
 }
 
 }

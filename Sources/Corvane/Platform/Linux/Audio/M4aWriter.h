@@ -10,11 +10,11 @@ namespace corvane {
 struct SoundFormat {
     int rate = 44'100; ///< samples a second
     int channels = 1;
+    int bitRate = 96'000; ///< bits a second of the file, all channels together
 };
 
-/// Sound into an .m4a file (AAC). While it grows it stands in pieces of a second, each of which plays without the
-/// next: a program that is killed loses the last of them. `finish` makes one piece of it. Used by one thread at a
-/// time.
+/// Sound into an .m4a file (AAC). While it grows it stands in pieces of half a second, each of which plays without the
+/// next: a program that is killed loses the last of them. Used by one thread at a time.
 class M4aWriter {
 public:
     /// Makes the file, of mode 0600; fails where one stands there already.
@@ -22,7 +22,11 @@ public:
     ~M4aWriter(); ///< leaves what was written
 
     Result<void> write(std::span<const float> samples); ///< interleaved, from -1 to 1
-    Result<void> finish();
+    Result<void> close(); ///< writes what waits; the file stays in pieces, and takes nothing more
+    Result<void> finish(); ///< closes and joins
+
+    /// Makes one piece of the file, which costs as much as to copy it. Where that fails it is left as it is.
+    static Result<void> join(const QString& path);
 
 private:
     struct State;

@@ -2,13 +2,25 @@
 
 #include "Platform/Linux/Audio/M4aWriter.h"
 
+#include <QByteArray>
 #include <functional>
 #include <span>
 
 namespace corvane {
 
-/// Sound from the default source of the sound server, PulseAudio or PipeWire. It has a thread of its own, on which
-/// every callback comes; destroying the capture ends it at once.
+/// Which sound is captured.
+struct CaptureTarget {
+    enum class Kind { Microphone, Speakers, Application };
+
+    Kind kind = Kind::Microphone;
+    QByteArray binary = {}; ///< the file name of the application's program
+    bool follows = false; ///< goes on with what takes the place of a source that went
+    const char* name = "Voice note"; ///< in the mixer of the desktop
+};
+
+/// Sound from the default source of the sound server, PulseAudio or PipeWire, from what its default output plays, or
+/// from one application. It has a thread of its own, on which every callback comes; destroying the capture ends it at
+/// once.
 class PulseCapture {
 public:
     enum class End { Denied, Missing, Lost };
@@ -17,12 +29,15 @@ public:
         std::function<void()> ready; ///< the source is there, and sound will come
         std::function<void(std::span<const float> samples)> sound; ///< interleaved; none: only looks for the source
         std::function<void(End end, const QString& reason)> ended; ///< once; nothing comes after it
+        std::function<void()> away = {}; ///< of one that follows: there is no source until the next `ready`
     };
 
-    PulseCapture(SoundFormat format, Callbacks callbacks);
+    PulseCapture(const CaptureTarget& target, SoundFormat format, Callbacks callbacks);
     ~PulseCapture();
     PulseCapture(const PulseCapture&) = delete;
     PulseCapture& operator=(const PulseCapture&) = delete;
+
+    void look(); ///< for the source that is wanted now, of one that follows
 
 private:
     struct State;

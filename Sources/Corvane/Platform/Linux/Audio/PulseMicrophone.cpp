@@ -35,7 +35,7 @@ public:
         : m_path(path)
         , m_writer(std::move(writer))
         , m_timeout(scheduler.after(answerTime, [this] { end(QStringLiteral("the sound server does not answer")); }))
-        , m_capture(std::make_unique<PulseCapture>(voice,
+        , m_capture(std::make_unique<PulseCapture>(CaptureTarget(), voice,
               PulseCapture::Callbacks { .ready = [this] { post([this] { m_timeout.reset(); }); },
                   .sound = [this](std::span<const float> samples) { hear(samples); },
                   .ended =
@@ -133,7 +133,7 @@ void PulseMicrophone::requestAccess(std::function<void(MicrophoneAccess)> answer
     probe.answer = std::move(answer);
     probe.timeout = m_scheduler.after(answerTime,
         [this, id] { answered(id, MicrophoneAccess::Missing, QStringLiteral("the sound server does not answer")); });
-    probe.capture = std::make_unique<PulseCapture>(voice,
+    probe.capture = std::make_unique<PulseCapture>(CaptureTarget(), voice,
         PulseCapture::Callbacks { .ready = [tell] { tell(MicrophoneAccess::Granted, {}); },
             .sound = nullptr,
             .ended =

@@ -1,0 +1,101 @@
+#include "Platform/Linux/Audio/PulseCallAudio.h"
+
+#include "Foundation/Log.h"
+#include "Platform/Linux/Audio/PulseTrack.h"
+#include "Platform/Linux/Services.h"
+
+#include <QFile>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds answerTime { 3000 };
+constexpr SoundFormat voice { .rate = 44'100, .channels = 1, .bitRate = 96'000 };
+constexpr SoundFormat output { .rate = 48'000, .channels = 2, .bitRate = 128'000 };
+const char* const streamName = "Call recording";
+
+}
+
+PulseCallAudio::PulseCallAudio(Scheduler& scheduler)
+    : m_scheduler(scheduler)
+{
+}
+
+PulseCallAudio::~PulseCallAudio() = default;
+
+std::unique_ptr<TrackRecording> PulseCallAudio::recordMicrophone(const QString& path)
+{
+    return record(path, { .kind = CaptureTarget::Kind::Microphone, .follows = true, .name = streamName }, voice);
+}
+
+std::unique_ptr<TrackRecording> PulseCallAudio::recordSystem(const QString& path, const QString& binary)
+{
+    const auto kind = binary.isEmpty() ? CaptureTarget::Kind::Speakers : CaptureTarget::Kind::Application;
+    return record(
+        path, { .kind = kind, .binary = QFile::encodeName(binary), .follows = true, .name = streamName }, output);
+}
+
+std::unique_ptr<TrackRecording> PulseCallAudio::record(
+    const QString& path, const CaptureTarget& target, SoundFormat format)
+{
+    auto writer = M4aWriter::create(path, format);
+    if (!writer) {
+        log(QStringLiteral("CallAudio: %1: %2").arg(path, writer.error().message));
+        return nullptr;
+    }
+    return std::make_unique<PulseTrack>(path, std::move(*writer), target, format, m_scheduler, m_background);
+}
+
+void PulseCallAudio::end(quint64 id, const std::function<void()>& answer)
+{
+    if (const auto question = m_questions.extract(id))
+        answer();
+}
+
+void PulseCallAudio::findSystemAudio(std::function<void(const Result<void>&)> answer)
+{
+    const quint64 id = ++m_lastQuestion;
+    const auto tell = [this, id, answer](const Result<void>& found) {
+        const auto post = [this, id, answer, found] {
+            end(id, [answer, found] { answer(found); });
+        };
+        QMetaObject::invokeMethod(this, post, Qt::QueuedConnection);
+    };
+    Question& question = m_questions[id];
+    question.timeout
+        = m_scheduler.after(answerTime, [tell] { tell(failure(QStringLiteral("the sound server does not answer"))); });
+    question.capture = std::make_unique<PulseCapture>(CaptureTarget { .kind = CaptureTarget::Kind::Speakers }, output,
+        PulseCapture::Callbacks { .ready = [tell] { tell({}); },
+            .sound = nullptr,
+            .ended =
+                [tell](PulseCapture::End, const QString& reason) {
+                    tell(failure(reason));
+                } });
+}
+
+void PulseCallAudio::findApplications(std::function<void(const QList<SoundApplication>&)> answer)
+{
+    const quint64 id = ++m_lastQuestion;
+    const auto tell = [this, id, answer](const QList<SoundApplication>& found) {
+        const auto post = [this, id, answer, found] {
+            end(id, [answer, found] { answer(found); });
+        };
+        QMetaObject::invokeMethod(this, post, Qt::QueuedConnection);
+    };
+    Question& question = m_questions[id];
+    question.timeout = m_scheduler.after(answerTime, [tell] { tell({}); });
+    question.applications = std::make_unique<PulseApplications>(tell);
+}
+
+void PulseCallAudio::repair(const QString& path, TrackRecording::Done done)
+{
+    m_background.run<Result<void>>([path] { return M4aWriter::join(path); }, std::move(done));
+}
+
+std::unique_ptr<CallAudio> makeCallAudio(Scheduler& scheduler)
+{
+    return std::make_unique<PulseCallAudio>(scheduler);
+}
+
+}

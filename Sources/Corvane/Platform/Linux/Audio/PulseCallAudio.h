@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/Scheduler.h"
+#include "Platform/CallAudio.h"
+#include "Platform/Linux/Audio/PulseApplications.h"
+#include "Platform/Linux/Audio/PulseCapture.h"
+
+#include <map>
+
+namespace corvane {
+
+/// The sound of a call through the sound server.
+class PulseCallAudio final : public QObject, public CallAudio {
+    Q_OBJECT
+public:
+    explicit PulseCallAudio(Scheduler& scheduler);
+    ~PulseCallAudio() override;
+
+    std::unique_ptr<TrackRecording> recordMicrophone(const QString& path) override;
+    std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary) override;
+    void findSystemAudio(std::function<void(const Result<void>&)> answer) override;
+    void findApplications(std::function<void(const QList<SoundApplication>&)> answer) override;
+    void repair(const QString& path, TrackRecording::Done done) override;
+
+private:
+    /// One question to the sound server.
+    struct Question {
+        std::unique_ptr<PulseCapture> capture;
+        std::unique_ptr<PulseApplications> applications;
+        std::unique_ptr<Timer> timeout;
+    };
+    std::unique_ptr<TrackRecording> record(const QString& path, const CaptureTarget& target, SoundFormat format);
+    void end(quint64 question, const std::function<void()>& answer);
+
+    Scheduler& m_scheduler;
+    BackgroundQueue m_background;
+    quint64 m_lastQuestion = 0;
+    std::map<quint64, Question> m_questions;
+};
+
+}

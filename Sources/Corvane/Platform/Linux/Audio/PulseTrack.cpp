@@ -1,0 +1,177 @@
+#include "Platform/Linux/Audio/PulseTrack.h"
+
+#include "Foundation/Log.h"
+
+#include <QFile>
+#include <cmath>
+#include <vector>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds beatPeriod { 250 };
+constexpr Milliseconds noDelay { 0 };
+// A source that is there may bring its sound late and all at once; what looked like a gap until then was none.
+constexpr Milliseconds latestSound { 3000 };
+
+void post(QObject* to, std::function<void()> call)
+{
+    QMetaObject::invokeMethod(to, std::move(call), Qt::QueuedConnection);
+}
+
+}
+
+PulseTrack::PulseTrack(const QString& path, std::unique_ptr<M4aWriter> writer, const CaptureTarget& target,
+    SoundFormat format, Scheduler& scheduler, BackgroundQueue& background)
+    : m_path(path)
+    , m_target(target)
+    , m_format(format)
+    , m_scheduler(scheduler)
+    , m_background(background)
+    , m_startedMs(scheduler.monotonicMs())
+    , m_writer(std::move(writer))
+{
+    connectSource();
+    m_beat = m_scheduler.every(beatPeriod, [this] { beat(); });
+}
+
+PulseTrack::~PulseTrack()
+{
+    PulseTrack::close();
+}
+
+double PulseTrack::elapsedSeconds() const
+{
+    return double(m_written) / (double(m_format.rate) * m_format.channels);
+}
+
+double PulseTrack::level()
+{
+    return std::min(1.0F, m_peak.exchange(0));
+}
+
+void PulseTrack::connectSource()
+{
+    m_lost = false;
+    m_capture = std::make_unique<PulseCapture>(m_target, m_format,
+        PulseCapture::Callbacks {
+            .ready =
+                [this] {
+                    fillUp(noDelay);
+                    post(this, [this] { setHasSource(true); });
+                },
+            .sound = [this](std::span<const float> samples) { hear(samples); },
+            .ended =
+                [this](PulseCapture::End, const QString& reason) {
+                    post(this, [this, reason] {
+                        log(QStringLiteral("PulseTrack: ") + reason);
+                        m_lost = true;
+                        setHasSource(false);
+                    });
+                },
+            .away = [this] { post(this, [this] { setHasSource(false); }); },
+        });
+}
+
+void PulseTrack::beat()
+{
+    if (m_lost) {
+        m_capture.reset();
+        connectSource();
+    } else if (!m_hasSource && m_capture) {
+        m_capture->look();
+    }
+    fillUp(m_hasSource ? latestSound : beatPeriod);
+}
+
+void PulseTrack::setHasSource(bool hasSource)
+{
+    if (std::exchange(m_hasSource, hasSource) != hasSource)
+        Q_EMIT sourceChanged();
+}
+
+void PulseTrack::hear(std::span<const float> samples)
+{
+    float peak = m_peak;
+    for (const float sample : samples)
+        peak = std::max(peak, std::fabs(sample));
+    m_peak = peak;
+    m_heard = true;
+    const std::scoped_lock lock(m_writing);
+    write(samples);
+}
+
+void PulseTrack::fillUp(Milliseconds allowed)
+{
+    const std::scoped_lock lock(m_writing);
+    const qint64 perMs = qint64(m_format.rate) * m_format.channels;
+    const qint64 behind = (m_scheduler.monotonicMs() - m_startedMs) * perMs / 1000 - m_written;
+    if (behind <= allowed.count() * perMs / 1000)
+        return;
+    const std::vector<float> silence(size_t(m_format.rate * m_format.channels) / 4);
+    qint64 missing = behind - behind % m_format.channels;
+    while (missing > 0 && !m_broken) {
+        const auto count = std::min(missing, qint64(silence.size()));
+        write(std::span(silence).first(size_t(count)));
+        missing -= count;
+    }
+}
+
+void PulseTrack::write(std::span<const float> samples)
+{
+    if (m_broken || !m_writer)
+        return;
+    if (const auto written = m_writer->write(samples); !written) {
+        m_broken = true;
+        post(this, [this, reason = written.error().message] {
+            log(QStringLiteral("PulseTrack: %1: %2").arg(m_path, reason));
+            endCapture();
+            Q_EMIT failed(reason);
+        });
+        return;
+    }
+    m_written += qint64(samples.size());
+}
+
+void PulseTrack::endCapture()
+{
+    m_beat.reset();
+    m_capture.reset();
+}
+
+void PulseTrack::stop(Done done)
+{
+    endCapture();
+    if (!m_heard || !m_writer) {
+        cancel();
+        const auto nothing = [] {
+            return Result<void>(failure(QStringLiteral("no sound came.")));
+        };
+        m_background.run<Result<void>>(nothing, done);
+        return;
+    }
+    const auto finish = [writer = std::shared_ptr<M4aWriter>(std::move(m_writer))] {
+        return writer->finish();
+    };
+    m_background.run<Result<void>>(finish, done);
+}
+
+void PulseTrack::close()
+{
+    endCapture();
+    if (!m_writer)
+        return;
+    if (const auto closed = m_writer->close(); !closed)
+        log(QStringLiteral("PulseTrack: %1: %2").arg(m_path, closed.error().message));
+    m_writer.reset();
+}
+
+void PulseTrack::cancel()
+{
+    endCapture();
+    m_writer.reset();
+    QFile::remove(m_path);
+}
+
+}
