@@ -4,6 +4,7 @@ import { DatabaseSync, type SQLInputValue, type SQLOutputValue, type StatementSy
 import { guard, type Writable } from "./guard.ts";
 
 export type Row = Record<string, SQLOutputValue>;
+export type Columns = Record<string, SQLInputValue | undefined>;
 
 /** A failure that the caller can do something about; its message is for them. */
 export class Refusal extends Error {}
@@ -28,6 +29,14 @@ export class Connection {
   /** How many rows the statement changed. */
   run(sql: string, ...parameters: SQLInputValue[]): number {
     return Number(this.#prepared(sql).run(...parameters).changes);
+  }
+
+  /** A new row; a column without a value has its default. */
+  insert(table: string, row: Columns): void {
+    const given = Object.entries(row).filter((entry): entry is [string, SQLInputValue] => entry[1] !== undefined);
+    const names = given.map(([name]) => name).join(",");
+    const places = given.map(() => "?").join(",");
+    this.run(`INSERT INTO "${table}"(${names}) VALUES(${places})`, ...given.map(([, value]) => value));
   }
 
   /** All of it or nothing. Keep it short: other processes wait meanwhile. */

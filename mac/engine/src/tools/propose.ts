@@ -1,20 +1,12 @@
 import { z } from "zod";
-import { Refusal, type Connection } from "./database.ts";
-import { contactOf, conversationOf, mustBeContext, personBehind } from "./find.ts";
-import { freshId, touchContext } from "./report.ts";
-import { field, stamp, stampedId, tool, type Call } from "./tool.ts";
+import { Refusal, type Columns } from "./database.ts";
+import { contactOf, conversationOf, personBehind } from "./find.ts";
+import { addWork, makeRoom, write } from "./report.ts";
+import { field, stampedId, tool, type Call } from "./tool.ts";
 
 // What an agent puts before a person. Each row waits; what comes of it is the program's, on the person's word.
 
-const mostWaiting = 200;
 const waits = { waits_for: "a person, under Approvals" };
-
-/** A person can't look through thousands: an agent that runs wild is stopped. */
-function makeRoom(db: Connection, table: string, status: string): void {
-  const waiting = db.row(`SELECT COUNT(*) AS n FROM ${table} WHERE status=?`, status)?.n;
-  if (Number(waiting) >= mostWaiting)
-    throw new Refusal(`${mostWaiting} of these wait already; a person has to look at them first.`);
-}
 
 interface CrmProposal {
   kind: "note" | "task" | "event";
@@ -23,19 +15,31 @@ interface CrmProposal {
   payload: object;
 }
 
-function proposeToCrm({ store, db, workspace, now }: Call, { kind, title, contact, payload }: CrmProposal): object {
-  const person = contact ? String(contactOf(db, workspace, personBehind(db, contact)).contact) : null;
-  const id = freshId("prop");
+function proposeToCrm(call: Call, { kind, title, contact, payload }: CrmProposal): object {
+  const { db, workspace, now } = call;
+  const person = contact ? String(contactOf(db, workspace, personBehind(db, contact)).contact) : undefined;
   const ms = now.getTime();
-  store.writer.transaction(() => {
-    makeRoom(store.writer, "crm_update_proposal", "pending");
-    store.writer.run(
-      `INSERT INTO crm_update_proposal(id, workspace_id, contact_id, kind, title, payload_json, status, created_at, updated_at)
-       VALUES(?,?,?,?,?,?,'pending',?,?)`,
-      id, workspace, person, kind, title, JSON.stringify(payload), ms, ms,
-    );
+  const id = write(call, "prop", ({ id, db }) => {
+    makeRoom(db, "crm_update_proposal", "pending");
+    db.insert("crm_update_proposal", {
+      id, workspace_id: workspace, contact_id: person, kind, title, payload_json: JSON.stringify(payload),
+      status: "pending", created_at: ms, updated_at: ms,
+    });
   });
   return { id, ...waits };
+}
+
+function proposeWork(
+  call: Call,
+  table: string,
+  prefix: string,
+  where: { module: string; context?: string | undefined },
+  columns: Columns,
+): string {
+  return write(call, prefix, (fresh) => {
+    makeRoom(fresh.db, table, "proposed");
+    addWork(fresh, table, where, { ...columns, status: "proposed", updated_at: fresh.at });
+  });
 }
 
 export const proposingTools = [
@@ -50,12 +54,11 @@ export const proposingTools = [
       const ms = now.getTime();
       store.writer.transaction(() => {
         makeRoom(store.writer, "outbound_draft", "pending");
-        store.writer.run(
-          `INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body,
-             status, source, created_at, updated_at) VALUES(?,?,?,?,?,?,?,?,'pending','mcp',?,?)`,
-          id, workspace, conversation, to.channel ?? "", to.account_id ?? "", to.external_id ?? "", to.title ?? "",
-          body, ms, ms,
-        );
+        store.writer.insert("outbound_draft", {
+          id, workspace_id: workspace, conversation_id: conversation, channel: to.channel ?? "",
+          account_id: to.account_id ?? "", external_id: to.external_id ?? "", title: to.title ?? "", body,
+          status: "pending", source: "mcp", created_at: ms, updated_at: ms,
+        });
       });
       return { id, ...waits };
     },
@@ -120,20 +123,8 @@ export const proposingTools = [
       module: field.module,
       context: field.context,
     },
-    run({ title, proposal, rationale = "", risk, module, context }, { store, now }) {
-      const id = freshId("dec");
-      const at = stamp(now);
-      store.writer.transaction(() => {
-        mustBeContext(store.writer, module, context);
-        makeRoom(store.writer, "work_decision", "proposed");
-        store.writer.run(
-          `INSERT INTO work_decision(id, context_id, module, title, status, proposal, rationale, risk, decided_by, created_at, updated_at)
-           VALUES(?,?,?,?,'proposed',?,?,?,'',?,?)`,
-          id, context ?? null, module, title, proposal, rationale, risk, at, at,
-        );
-        touchContext(store.writer, context, at);
-      });
-      return { id, ...waits };
+    run({ module, context, rationale = "", ...asked }, call) {
+      return { id: proposeWork(call, "work_decision", "dec", { module, context }, { rationale, ...asked, decided_by: "" }), ...waits };
     },
   }),
   tool({
@@ -148,20 +139,9 @@ export const proposingTools = [
       module: field.module,
       context: field.context,
     },
-    run({ body, kind, source = "mcp", confidence, module, context }, { store, now }) {
-      const id = freshId("mem");
-      const at = stamp(now);
-      store.writer.transaction(() => {
-        mustBeContext(store.writer, module, context);
-        makeRoom(store.writer, "work_memory", "proposed");
-        store.writer.run(
-          `INSERT INTO work_memory(id, context_id, module, kind, body, source, confidence, status, owner, verified_at, created_at, updated_at)
-           VALUES(?,?,?,?,?,?,?,'proposed','','',?,?)`,
-          id, context ?? null, module, kind, body, source, confidence, at, at,
-        );
-        touchContext(store.writer, context, at);
-      });
-      return { id, waits_for: "a person, in the module's memory" };
+    run({ module, context, source = "mcp", ...fact }, call) {
+      const row = { source, ...fact, owner: "", verified_at: "" };
+      return { id: proposeWork(call, "work_memory", "mem", { module, context }, row), waits_for: "a person, in the module's memory" };
     },
   }),
 ];

@@ -1,11 +1,20 @@
 import { z } from "zod";
-import { Refusal, type Connection } from "./database.ts";
+import { Refusal, type Columns } from "./database.ts";
 import { mustExist, projectOf } from "./find.ts";
-import { agentName, freshId } from "./report.ts";
-import { field, stamp, tool } from "./tool.ts";
+import { agentName, write, type Fresh } from "./report.ts";
+import { field, tool } from "./tool.ts";
 
-function touchProject(db: Connection, project: string | null, at: string): void {
-  if (project) db.run("UPDATE project SET updated_at=? WHERE id=?", at, project);
+/** Adds a row about a project, perhaps from one of its tabs; the project is the last changed one then. */
+function addNews(
+  { id, at, db }: Fresh,
+  table: "update" | "ask",
+  { project, tab }: { project?: string | undefined; tab?: string | undefined },
+  columns: Columns,
+): void {
+  const of = project && projectOf(db, project);
+  mustExist(db, "tab", tab);
+  db.insert(table, { id, project_id: of, tab_id: tab, ts: at, ...columns });
+  if (of) db.run("UPDATE project SET updated_at=? WHERE id=?", at, of);
 }
 
 export const opsReportTools = [
@@ -20,22 +29,14 @@ export const opsReportTools = [
       tab: field.id("Id of the agent's tab, from ops_open_tab.").optional(),
       task: field.line("What the tab works on now.").optional(),
     },
-    run({ project, body, kind, tab, task }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("upd");
-      const at = stamp(now);
-      return db.transaction(() => {
-        const of = projectOf(db, project);
-        mustExist(db, "tab", tab);
-        db.run(
-          `INSERT INTO "update"(id, project_id, tab_id, ts, kind, body, created_at) VALUES(?,?,?,?,?,?,?)`,
-          id, of, tab ?? null, at, kind, body, at,
-        );
-        if (tab)
-          db.run("UPDATE tab SET heartbeat_at=?, current_task=COALESCE(?, current_task) WHERE id=?", at, task ?? null, tab);
-        touchProject(db, of, at);
-        return { id };
+    run({ body, kind, task, ...of }, call) {
+      const id = write(call, "upd", (fresh) => {
+        const { db, at } = fresh;
+        addNews(fresh, "update", of, { kind, body, created_at: at });
+        if (of.tab)
+          db.run("UPDATE tab SET heartbeat_at=?, current_task=COALESCE(?, current_task) WHERE id=?", at, task ?? null, of.tab);
       });
+      return { id };
     },
   }),
   tool({
@@ -49,18 +50,14 @@ export const opsReportTools = [
       model: field.line("The model that the agent is.").optional(),
       interval_seconds: z.int().min(30).max(86_400).default(600).describe("How often it reports."),
     },
-    run({ project, agent, role, model = "", interval_seconds: interval }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("tab");
-      const at = stamp(now);
-      return db.transaction(() => {
-        db.run(
-          `INSERT INTO tab(id, current_project_id, name, role, status, model, interval_sec, heartbeat_at, created_at)
-           VALUES(?,?,?,?,'running',?,?,?,?)`,
-          id, projectOf(db, project), agent, role, model, interval, at, at,
-        );
-        return { tab: id };
-      });
+    run({ project, agent, role, model = "", interval_seconds: interval }, call) {
+      const tab = write(call, "tab", ({ id, at, db }) =>
+        db.insert("tab", {
+          id, current_project_id: projectOf(db, project), name: agent, role, status: "running", model,
+          interval_sec: interval, heartbeat_at: at, created_at: at,
+        }),
+      );
+      return { tab };
     },
   }),
   tool({
@@ -73,20 +70,8 @@ export const opsReportTools = [
       project: field.line("Slug or id of a project.").optional(),
       tab: field.id("Id of the agent's tab.").optional(),
     },
-    run({ question, urgency, project, tab }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("ask");
-      const at = stamp(now);
-      return db.transaction(() => {
-        const of = project ? projectOf(db, project) : null;
-        mustExist(db, "tab", tab);
-        db.run(
-          "INSERT INTO ask(id, project_id, tab_id, ts, question, urgency, status) VALUES(?,?,?,?,?,?,'open')",
-          id, of, tab ?? null, at, question, urgency,
-        );
-        touchProject(db, of, at);
-        return { id };
-      });
+    run({ question, urgency, ...of }, call) {
+      return { id: write(call, "ask", (fresh) => addNews(fresh, "ask", of, { question, urgency, status: "open" })) };
     },
   }),
   tool({

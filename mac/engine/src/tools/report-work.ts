@@ -1,7 +1,6 @@
 import { z } from "zod";
 import { Refusal } from "./database.ts";
-import { mustBeContext, mustExist } from "./find.ts";
-import { agentName, freshId, touchContext } from "./report.ts";
+import { addWork, agentName, freshId, write } from "./report.ts";
 import { field, stamp, tool } from "./tool.ts";
 
 const item = field.id("Id of a work item.").optional();
@@ -21,29 +20,23 @@ export const workReportTools = [
       module: field.module,
       context: field.context,
     },
-    run({ agent, tool: program, purpose, role, item: workItem, module, context }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("sess");
-      const at = stamp(now);
-      return db.transaction(() => {
-        mustBeContext(db, module, context);
-        mustExist(db, "work_item", workItem);
-        db.run(
-          `INSERT INTO work_session(id, context_id, module, purpose, owner, tool, status, endpoint, current_item_id,
-             heartbeat_at, metadata_json, created_at, updated_at) VALUES(?,?,?,?,?,?,'running','',?,?,'{}',?,?)`,
-          id, context ?? null, module, purpose, agent, program, workItem ?? null, at, at, at,
-        );
+    run({ agent, tool: program, purpose, role, item: workItem, ...where }, call) {
+      const session = write(call, "sess", (fresh) => {
+        const { id, at, db } = fresh;
+        addWork(fresh, "work_session", where, {
+          purpose, owner: agent, tool: program, status: "running", endpoint: "", current_item_id: workItem,
+          heartbeat_at: at, updated_at: at,
+        });
         db.run(
           `INSERT INTO work_agent(id, context_id, module, name, tool, role, status, current_task, session_id,
              heartbeat_at, created_at, updated_at) VALUES(?,?,?,?,?,?,'running',?,?,?,?,?)
            ON CONFLICT(module, context_id, name, tool) DO UPDATE SET role=excluded.role, status=excluded.status,
              current_task=excluded.current_task, session_id=excluded.session_id, heartbeat_at=excluded.heartbeat_at,
              updated_at=excluded.updated_at`,
-          freshId("agent"), context ?? "", module, agent, program, role, purpose, id, at, at, at,
+          freshId("agent"), where.context ?? "", where.module, agent, program, role, purpose, id, at, at, at,
         );
-        touchContext(db, context, at);
-        return { session: id };
       });
+      return { session };
     },
   }),
   tool({
@@ -82,21 +75,9 @@ export const workReportTools = [
       module: field.module,
       context: field.context,
     },
-    run({ agent, body, kind, session: workSession, module, context }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("msg");
-      const at = stamp(now);
-      return db.transaction(() => {
-        mustBeContext(db, module, context);
-        mustExist(db, "work_session", workSession);
-        db.run(
-          `INSERT INTO work_message(id, context_id, module, session_id, speaker, role, kind, body, status, metadata_json, created_at)
-           VALUES(?,?,?,?,?,'assistant',?,?,'posted','{}',?)`,
-          id, context ?? null, module, workSession ?? null, agent, kind, body, at,
-        );
-        touchContext(db, context, at);
-        return { id };
-      });
+    run({ agent, session: of, module, context, ...said }, call) {
+      const row = { session_id: of, speaker: agent, role: "assistant", status: "posted", ...said };
+      return { id: write(call, "msg", (fresh) => addWork(fresh, "work_message", { module, context }, row)) };
     },
   }),
   tool({
@@ -114,22 +95,9 @@ export const workReportTools = [
       module: field.module,
       context: field.context,
     },
-    run({ title, kind, uri = "", summary = "", source, item: of, session: workSession, module, context }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("ev");
-      const at = stamp(now);
-      return db.transaction(() => {
-        mustBeContext(db, module, context);
-        mustExist(db, "work_item", of);
-        mustExist(db, "work_session", workSession);
-        db.run(
-          `INSERT INTO work_evidence(id, context_id, module, item_id, session_id, kind, title, source, uri, summary, metadata_json, created_at)
-           VALUES(?,?,?,?,?,?,?,?,?,?,'{}',?)`,
-          id, context ?? null, module, of ?? null, workSession ?? null, kind, title, source, uri, summary, at,
-        );
-        touchContext(db, context, at);
-        return { id };
-      });
+    run({ item: of, session: workSession, module, context, uri = "", summary = "", ...proof }, call) {
+      const row = { item_id: of, session_id: workSession, uri, summary, ...proof };
+      return { id: write(call, "ev", (fresh) => addWork(fresh, "work_evidence", { module, context }, row)) };
     },
   }),
   tool({
@@ -146,21 +114,12 @@ export const workReportTools = [
       module: field.module,
       context: field.context,
     },
-    run({ title, kind, priority, summary = "", agent = "unassigned", session: of, module, context }, { store, now }) {
-      const db = store.writer;
-      const id = freshId("item");
-      const at = stamp(now);
-      return db.transaction(() => {
-        mustBeContext(db, module, context);
-        mustExist(db, "work_session", of);
-        db.run(
-          `INSERT INTO work_item(id, context_id, module, kind, title, status, priority, owner, session_id, source, summary, due_at, metadata_json, created_at, updated_at)
-           VALUES(?,?,?,?,?,'open',?,?,?,'mcp',?,'','{}',?,?)`,
-          id, context ?? null, module, kind, title, priority, agent, of ?? null, summary, at, at,
-        );
-        touchContext(db, context, at);
-        return { id };
-      });
+    run({ agent = "unassigned", session: of, module, context, summary = "", ...found }, call) {
+      const row = { status: "open", owner: agent, session_id: of, source: "mcp", due_at: "", summary, ...found };
+      const id = write(call, "item", (fresh) =>
+        addWork(fresh, "work_item", { module, context }, { ...row, updated_at: fresh.at }),
+      );
+      return { id };
     },
   }),
   tool({

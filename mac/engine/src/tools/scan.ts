@@ -1,8 +1,8 @@
 import { Refusal } from "./database.ts";
 import { projectOf } from "./find.ts";
 import { look, type Finding } from "./page.ts";
-import { freshId, touchContext } from "./report.ts";
-import { field, stamp, tool, type Call } from "./tool.ts";
+import { addWork, freshId, write } from "./report.ts";
+import { field, tool, type Call } from "./tool.ts";
 
 interface Scan {
   project: string;
@@ -11,12 +11,10 @@ interface Scan {
 }
 
 /** One row for each page of a project, and one line of evidence for each look. */
-function note({ store, now }: Call, { project, url, finding }: Scan): string {
-  const db = store.writer;
-  const at = stamp(now);
-  const evidence = freshId("ev");
+function note(call: Call, { project, url, finding }: Scan): string {
   const { title, status, problems } = finding;
-  db.transaction(() => {
+  return write(call, "ev", (fresh) => {
+    const { db, at } = fresh;
     const known = db.row("SELECT id FROM dev_browser_session WHERE project_id=? AND url=? AND engine='http'", project, url);
     db.run(
       `INSERT INTO dev_browser_session(id, project_id, title, url, engine, status, last_capture_path, last_error, created_at, updated_at)
@@ -28,15 +26,10 @@ function note({ store, now }: Call, { project, url, finding }: Scan): string {
     const context = db.row(
       `SELECT c.id FROM work_context c JOIN project p ON p.slug=c.slug WHERE c.module='dev' AND p.id=?`, project,
     )?.id;
-    db.run(
-      `INSERT INTO work_evidence(id, context_id, module, kind, title, source, uri, summary, metadata_json, created_at)
-       VALUES(?,?,'dev','browser-scan',?,'dev_browser_scan',?,?,'{}',?)`,
-      evidence, context ?? null, `Scan of ${url}`, url,
-      [`HTTP ${status}, ${finding.parts} parts looked at, ${problems.length} problems`, ...problems].join("\n"), at,
-    );
-    touchContext(db, context ? String(context) : undefined, at);
+    const summary = [`HTTP ${status}, ${finding.parts} parts looked at, ${problems.length} problems`, ...problems].join("\n");
+    const row = { kind: "browser-scan", title: `Scan of ${url}`, source: "dev_browser_scan", uri: url, summary };
+    addWork(fresh, "work_evidence", { module: "dev", context: context ? String(context) : undefined }, row);
   });
-  return evidence;
 }
 
 export const scanTools = [
