@@ -110,6 +110,16 @@ TEST_F(AccountStoreTest, anEarlierFileLoadsAsWhatsAppAndAnUnknownAccountChangesN
     EXPECT_TRUE(store.findBySlug(u"shop"_s));
 }
 
+TEST_F(AccountStoreTest, whetherAnAccountStartsWithTheProgramIsKept)
+{
+    AccountStore store(folder());
+    Account account = store.add(u"mail"_s, Channel::Email);
+    EXPECT_FALSE(account.startAtBoot);
+    account.startAtBoot = true;
+    store.update(account);
+    EXPECT_EQ(AccountStore(folder()).accounts(), QList { account });
+}
+
 TEST(Accounts, aFileDecodesWholeOrNotAtAll)
 {
     const QByteArray good = earlierFile;

@@ -115,6 +115,7 @@ TEST_F(DraftDeliveryTest, anAcknowledgmentClosesTheDraftAtOnce)
     report({ { u"type"_s, u"sendAck"_s } });
     ASSERT_EQ(world.delivery.pending().size(), 3);
     EXPECT_EQ(std::ranges::count_if(world.delivery.pending(), mayHaveGoneOut), 1) << "a retry asks first";
+    EXPECT_EQ(draft(fourth, u"error"_s), u"It may have gone out. no answer"_s);
     EXPECT_EQ(world.engines.inboxRevision(), revision) << "the message that was sent comes as an event of its own";
 }
 

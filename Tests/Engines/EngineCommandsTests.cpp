@@ -20,7 +20,7 @@ TEST_F(Commands, eachCommandIsOneLineWithItsKeys)
 {
     startShop();
     EngineManager& engines = world.engines;
-    EXPECT_TRUE(engines.sendText(shop, u"c"_s, u"line\nbreak \u2028 \"quoted\""_s));
+    EXPECT_TRUE(engines.sendText(shop, u"c"_s, { u"line\nbreak \u2028 \"quoted\""_s }));
     EXPECT_EQ(lastCommand(), u"{\"chatId\":\"c\",\"cmd\":\"send\",\"text\":\"line\\nbreak \u2028 \\\"quoted\\\"\"}"_s);
     EXPECT_TRUE(engines.sendAudio(shop, u"c"_s, u"/tmp/a.m4a"_s));
     EXPECT_EQ(lastCommand(), uR"({"chatId":"c","cmd":"sendAudio","path":"/tmp/a.m4a"})"_s);
@@ -45,17 +45,17 @@ TEST_F(Commands, aCommandWithoutAPipeIsRefusedWithALogLine)
     EXPECT_TRUE(logs.contains(u"EngineManager.writeCommand: no running engine pipe for shop cmd=markRead"_s));
     EXPECT_TRUE(logs.contains(u"EngineManager.markRead: command write failed for shop chatId=c"_s));
     const qsizetype before = logs.lines().size();
-    EXPECT_FALSE(engines.sendText(shop, u"c"_s, u"t"_s));
+    EXPECT_FALSE(engines.sendText(shop, u"c"_s, { u"t"_s }));
     EXPECT_EQ(logs.lines().size(), before);
 
     startShop();
     world.launcher.last().writeFailure = u"full"_s;
     EXPECT_FALSE(engines.sync(shop));
     EXPECT_TRUE(logs.contains(u"EngineManager.writeCommand: pipe write failed for shop: full"_s));
-    EXPECT_FALSE(engines.sendText(shop, u"c"_s, u"t"_s));
+    EXPECT_FALSE(engines.sendText(shop, u"c"_s, { u"t"_s }));
     EXPECT_TRUE(logs.contains(u"EngineManager.sendText: pipe write failed for shop: full"_s));
     engines.stop(shop);
-    EXPECT_FALSE(engines.sendText(shop, u"c"_s, u"t"_s)) << "a stopped engine takes nothing more";
+    EXPECT_FALSE(engines.sendText(shop, u"c"_s, { u"t"_s })) << "a stopped engine takes nothing more";
 }
 
 TEST_F(Commands, aFailedDownloadIsAskedForAgain)

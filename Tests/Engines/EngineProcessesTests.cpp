@@ -154,7 +154,7 @@ TEST_F(Supervisor, anEngineThatClosedItsInputShowsItAndIsStartedAfresh)
     startShop();
     FakeChild& deaf = world.launcher.last();
     deaf.writeFailure = u"standard input is closed"_s;
-    EXPECT_FALSE(world.engines.sendText(shop, u"c"_s, u"hello"_s));
+    EXPECT_FALSE(world.engines.sendText(shop, u"c"_s, { u"hello"_s }));
     EXPECT_EQ(status(), WAStatus::Error);
     EXPECT_EQ(runtime().lastLog, u"The engine takes no commands: it closed its input. Start it again."_s);
     world.engines.start(shop);

@@ -54,7 +54,7 @@ TEST_F(RealEngines, aLineBecomesARowAndACommandReachesTheEngine)
 {
     const QString record = around.home.path(u"commands"_s);
     start("print noise " + message("m1", "h\xc3\xa9llo \xf0\x9f\x8e\x89") + "\nrecord " + record.toUtf8());
-    EXPECT_TRUE(engines->sendText(shop, u"c"_s, u"answer"_s)) << "before the child has said a word";
+    EXPECT_TRUE(engines->sendText(shop, u"c"_s, { u"answer"_s })) << "before the child has said a word";
     EXPECT_TRUE(await([&] { return engines->inboxRevision() == 1; }));
     EXPECT_EQ(cell(u"SELECT body FROM unified_message;"_s), u"héllo 🎉"_s);
     EXPECT_TRUE(await([&] { return around.home.read(u"commands"_s).endsWith('\n'); }));

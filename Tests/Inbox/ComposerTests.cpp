@@ -83,7 +83,7 @@ TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)
     EXPECT_TRUE(composer.canSend());
     composer.send();
     QJsonObject command = engine().commands().last();
-    EXPECT_TRUE(command.take("draftId").toString().startsWith("ds:"));
+    EXPECT_TRUE(command.take("sendId").toString().startsWith("ds:"));
     EXPECT_EQ(compactJson(command), R"({"chatId":"49171@s.whatsapp.net","cmd":"send","text":"see you\ntomorrow"})");
     EXPECT_EQ(cell(rows), before);
     EXPECT_EQ(composer.text(), "");
@@ -150,7 +150,7 @@ TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
         return column(composer.unsent(), role);
     };
     const auto answer = [&](const QString& status) {
-        engine().printEvent({ { "type", "sendAck" }, { "draftId", engine().commands().last().value("draftId") },
+        engine().printEvent({ { "type", "sendAck" }, { "sendId", engine().commands().last().value("sendId") },
             { "status", status }, { "error", "no such chat" } });
         settle();
     };
@@ -167,6 +167,15 @@ TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
     composer.retry(unsent("id").first());
     EXPECT_EQ(commands("send").size(), 2);
     EXPECT_EQ(unsent("body"), QStringList());
+    answer("uncertain");
+    EXPECT_EQ(unsent("reason"), QStringList("It may have gone out. no such chat"));
+    composer.retry(unsent("id").first());
+    clock.advance(seconds(119));
+    engine().printEvent({ { "type", "sendProgress" }, { "sendId", engine().commands().last().value("sendId") } });
+    clock.advance(seconds(119));
+    answer("failed");
+    EXPECT_EQ(unsent("body"), QStringList("hello")) << "an engine that is still at work has not answered";
+    composer.retry(unsent("id").first());
     answer("sent");
     composer.setText("again");
     composer.send();

@@ -32,6 +32,12 @@ Account account(const QString& name, const std::optional<QString>& channel, bool
     return account;
 }
 
+Account startedAtBoot(Account account)
+{
+    account.startAtBoot = true;
+    return account;
+}
+
 class CorvaneAppTest : public testing::Test {
 protected:
     void build(const QList<Account>& accounts, std::unique_ptr<Tray> tray = nullptr)
@@ -56,7 +62,7 @@ protected:
     {
         QStringList started;
         for (const auto& child : launcher->children)
-            started.append(child->spec.environment.value("WHATSAPP_ACCOUNT_NAME"));
+            started.append(child->spec.environment.value("CORVANE_ACCOUNT"));
         started.removeAll(QString());
         return started;
     }
@@ -70,21 +76,23 @@ protected:
 
 }
 
-TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheWhatsAppEnginesRunBehindIt)
+TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheEnginesRunBehindIt)
 {
     build({ account("first", "WHATSAPP", true, std::nullopt), account("telegram", "TELEGRAM", true, std::nullopt),
         account("old", std::nullopt, true, false), account("unknown", "FAX", true, std::nullopt),
-        account("paused", "WHATSAPP", true, true), account("by-hand", "WHATSAPP", false, std::nullopt) });
+        account("paused", "WHATSAPP", true, true), account("by-hand", "WHATSAPP", false, std::nullopt),
+        startedAtBoot(account("mail", "EMAIL", true, std::nullopt)),
+        startedAtBoot(account("paused-mail", "EMAIL", true, true)) });
     Screens screens(*app);
     LocalDB& db = app->engine().db();
     EXPECT_TRUE(
         db.run("INSERT INTO ai_requests(id, prompt, created_at) VALUES('a','Are you there?',?);", { clock.nowMs() }));
     dynamic_cast<FakeLanguageModel&>(app->ai().systemModel).willAnswer(QStringLiteral("Yes."));
-    appear(3);
+    appear(4);
     EXPECT_EQ(db.scalar("SELECT response FROM ai_requests;"), "Yes.");
     EXPECT_TRUE(screens.content.showsWall());
     EXPECT_EQ(screens.shell.selectedNav(), "inbox");
-    EXPECT_EQ(startedEngines(), QStringList({ "first", "old", "unknown" }));
+    EXPECT_EQ(startedEngines(), QStringList({ "first", "old", "unknown", "mail" }));
     EXPECT_TRUE(app->data().local.has_value());
 }
 

@@ -1,4 +1,4 @@
-#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Approvals/DraftApprovals.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Sync/SyncQueries.h"
@@ -37,6 +37,30 @@ TEST_F(OutboundTest, aDraftIsQueuedForItsConversation)
     m_clock.advance(seconds(1));
     queue("untitled");
     EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Pending }, 50).last().title, "34600");
+}
+
+TEST_F(OutboundTest, theSubjectAndTheFilesBelongToTheDraftAndToItsHash)
+{
+    const OutgoingMessage message { "see \u201cplan\u201d", "Plan", { { "/o/1/plan.pdf", "plan.pdf", 7, "ab" } } };
+    ASSERT_TRUE(queueDraft(*m_db, m_conversation, message, "compose"));
+    const PendingDraft draft = fetchDrafts(*m_db, { DraftStatus::Pending }, 50).first();
+    EXPECT_EQ((OutgoingMessage { draft.body, draft.subject, *filesFromText(draft.files) }), message);
+    EXPECT_EQ(fetchDraftFiles(*m_db), message.files);
+
+    const QString seen = draftHash(draft);
+    for (const char* change : { "subject='Other'", "files=replace(files,'\"ab\"','\"cd\"')", "files=NULL" }) {
+        m_db->exec(QStringLiteral("SAVEPOINT before; UPDATE outbound_draft SET %1;").arg(change));
+        EXPECT_EQ(approveDraft(*m_db, draft.id, seen), Decided::Changed) << change;
+        m_db->exec("ROLLBACK TO before; RELEASE before;");
+    }
+    EXPECT_EQ(approveDraft(*m_db, draft.id, seen), Decided::Taken);
+
+    const QString other = queue("text alone");
+    m_db->exec("UPDATE outbound_draft SET files='[{}]' WHERE body='text alone';");
+    EXPECT_FALSE(fetchDraftFiles(*m_db)) << "nobody knows which files it needs";
+    markDraft(*m_db, other, "rejected");
+    markDraft(*m_db, draft.id, "sent");
+    EXPECT_EQ(fetchDraftFiles(*m_db), QList<OutgoingFile>());
 }
 
 TEST_F(OutboundTest, draftsComeInTheOrderOfUrgency)

@@ -259,7 +259,7 @@ Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
     const bool approve = verdict == Verdict::Approve;
     switch (seen.key.kind) {
     case ApprovalKind::Draft:
-        return approve ? approveDraft(db, id, seen.hash) : rejectDraft(db, id);
+        return approve ? m_delivery->approve(id, seen.hash) : rejectDraft(db, id);
     case ApprovalKind::Proposal:
         return approve ? applyCRMUpdateProposal(db, id, seen.hash) : rejectCRMUpdateProposal(db, id);
     case ApprovalKind::Decision:

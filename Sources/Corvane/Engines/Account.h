@@ -21,6 +21,7 @@ struct Account {
     std::optional<QString> chromeProfile;
     std::optional<QString> email;
     std::optional<bool> paused;
+    std::optional<bool> startAtBoot; ///< of any channel: started last at the program's start, unless paused
 
     Channel channel() const { return channelFromRaw(channelRaw); }
     bool operator==(const Account&) const = default;

@@ -81,6 +81,7 @@ std::optional<Account> decodeAccount(const QJsonObject& object)
     account.chromeProfile = reader.optionalText(QLatin1StringView("chromeProfile"));
     account.email = reader.optionalText(QLatin1StringView("email"));
     account.paused = reader.optionalBoolean(QLatin1StringView("paused"));
+    account.startAtBoot = reader.optionalBoolean(QLatin1StringView("startAtBoot"));
     return reader.isValid() && !account.id.isNull() ? std::optional(account) : std::nullopt;
 }
 
@@ -111,6 +112,7 @@ QByteArray encodeAccount(const Account& account)
     addOptional("chromeProfile", account.chromeProfile);
     addOptional("email", account.email);
     addOptional("paused", account.paused);
+    addOptional("startAtBoot", account.startAtBoot);
     return '{' + members.join(',') + '}';
 }
 

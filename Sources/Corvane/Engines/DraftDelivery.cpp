@@ -2,9 +2,11 @@
 
 #include "Engines/EngineCommands.h"
 #include "Engines/EngineManager.h"
+#include "Engines/Outbox.h"
 #include "Platform/ProcessLauncher.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Messages/ChannelFeatures.h"
 
 #include <algorithm>
 
@@ -31,6 +33,7 @@ DraftDelivery::DraftDelivery(LocalDB& db, EngineManager& engines, Scheduler& sch
 {
     m_db.watch().on(StoreSubject::Drafts, this, [this] { refresh(); });
     connect(&m_engines, &EngineManager::engineEnded, this, &DraftDelivery::engineEnded);
+    connect(&m_engines, &EngineManager::sendProgressed, this, &DraftDelivery::sendProgressed);
     connect(&m_engines, &EngineManager::stopping, this, &DraftDelivery::stop);
 }
 
@@ -76,8 +79,15 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
         return true;
     const PendingDraft& row = claim.draft->row();
     const bool places = placesTextInBrowser(account.channel());
-    const QByteArray line = commandLine(
-        places ? placeCommand(row.externalId, row.body, row.id) : sendCommand(row.externalId, row.body, row.id));
+    const ChannelFeatures features = fetchFeatures(m_db, account.slug);
+    const auto files = filesFromText(row.files);
+    if (const auto reason = obstacle(files, !places && features.files, account)) {
+        failClaimedDraft(m_db, *claim.draft, *reason);
+        return true;
+    }
+    const QByteArray line = commandLine(places ? placeCommand(row.externalId, row.body, row.id)
+                                               : sendCommand(row.externalId, { row.body, row.subject, *files },
+                                                   features, Acknowledges::Draft, row.id));
     if (isStillUnread(*claim.draft, line))
         return true;
     const auto engine = m_engines.engineOf(account);
@@ -88,6 +98,38 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
     }
     (void)unclaimDraft(m_db, *claim.draft);
     return false;
+}
+
+Decided DraftDelivery::approve(const QString& draftId, const QString& seenHash)
+{
+    const auto draft = fetchDraft(m_db, draftId);
+    const auto files = filesFromText(draft ? draft->files : QString());
+    if (files) {
+        const QList<OutgoingFile> now = m_engines.outbox().asTheyLie(*files);
+        if (now != *files)
+            return returnDraft(m_db, draftId, now);
+    }
+    return approveDraft(m_db, draftId, seenHash);
+}
+
+/// Why these files cannot go out as they were approved.
+std::optional<QString> DraftDelivery::obstacle(
+    const std::optional<QList<OutgoingFile>>& files, bool takesFiles, const Account& account) const
+{
+    if (!files)
+        return describe(DraftFailure::Unreadable);
+    if (files->isEmpty())
+        return std::nullopt;
+    if (!takesFiles)
+        return describe(DraftFailure::NoFiles, account.name);
+    const QList<OutgoingFile> now = m_engines.outbox().asTheyLie(*files);
+    for (qsizetype i = 0; i < now.size(); ++i) {
+        if (now[i].bytes < 0)
+            return describe(DraftFailure::FileGone, now[i].name);
+        if (now[i] != files->at(i))
+            return describe(DraftFailure::FileChanged, now[i].name);
+    }
+    return std::nullopt;
 }
 
 /// The engine has not come to the line that it got before: a second one would go out beside it.
@@ -127,6 +169,14 @@ void DraftDelivery::engineEnded(const std::shared_ptr<ChildProcess>& engine)
         m_soon = m_scheduler.after(Milliseconds(0), takeTheirsBack);
     else
         takeTheirsBack();
+}
+
+void DraftDelivery::sendProgressed(const QString& accountSlug, const QString& draftId)
+{
+    const auto awaited = m_awaited.find(draftId);
+    const auto draft = awaited == m_awaited.end() ? std::nullopt : fetchDraft(m_db, draftId);
+    if (draft && draft->accountId == accountSlug)
+        awaited->sinceMs = m_scheduler.monotonicMs();
 }
 
 /// Two minutes of this run without an acknowledgment: neither a jump of the clock nor sleep shortens them.
@@ -225,8 +275,20 @@ void DraftDelivery::present()
         const auto account = m_engines.accountBySlug(draft.accountId);
         draft.accountName = account ? account->name : draft.accountId;
     }
-    if (std::exchange(m_pending, pending) != pending)
+    const bool isNews = std::exchange(m_pending, pending) != pending;
+    if (isNews || !std::exchange(m_filesAreTidy, true))
+        tidyFiles();
+    if (isNews)
         Q_EMIT pendingChanged();
+}
+
+/// Drafts that were sent or rejected need their files no more; of some others a crash may have kept the row back.
+void DraftDelivery::tidyFiles()
+{
+    const Outbox& outbox = m_engines.outbox();
+    const auto files = outbox.holdsForDrafts() ? fetchDraftFiles(m_db) : std::nullopt;
+    if (files)
+        outbox.keepForDrafts(*files);
 }
 
 }

@@ -32,6 +32,9 @@ public:
     void refresh();
     const QList<PendingDraft>& pending() const { return m_pending; }
 
+    /// A person approves a draft as it was seen, that is: with that hash, and with the files that it stands for.
+    Decided approve(const QString& draftId, const QString& seenHash);
+
     /// The one place where a draft's text goes to an engine, and only by whoever claims the row as it was approved: of
     /// two programs, or two ticks, one does. A crash after that step leaves a row that fails by its age, never one
     /// that goes out again. False where the engine took nothing: the draft stays approved.
@@ -54,6 +57,10 @@ private:
     void engineEnded(const std::shared_ptr<ChildProcess>& engine);
     bool isStillUnread(const ClaimedDraft& draft, const QByteArray& line);
     bool takeBack(const Awaited& awaited);
+    void sendProgressed(const QString& accountSlug, const QString& draftId);
+    std::optional<QString> obstacle(
+        const std::optional<QList<OutgoingFile>>& files, bool takesFiles, const Account& account) const;
+    void tidyFiles();
     void expire();
     void failThoseOfGoneAccounts();
     void deliverApproved(const QList<DraftOfAccount>& approved);
@@ -69,6 +76,7 @@ private:
     QHash<QString, Awaited> m_awaited; ///< by draft
     QSet<QString> m_wokenFor; ///< approved drafts whose accounts had their start
     bool m_isFirstLook = true;
+    bool m_filesAreTidy = false; ///< this run has looked
     bool m_isStopped = false; ///< at quit: nothing goes out any more
     QList<PendingDraft> m_pending;
 };

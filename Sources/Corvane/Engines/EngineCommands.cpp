@@ -6,7 +6,11 @@
 #include "Foundation/Channel.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/ChannelFeatures.h"
 #include "Store/Messages/ThreadQueries.h"
+
+#include <QJsonArray>
 
 namespace corvane {
 
@@ -26,11 +30,19 @@ MediaDownloadStatus failed(const QString& reason)
 
 }
 
-QJsonObject sendCommand(const QString& chatId, const QString& text, const QString& draftId)
+QJsonObject sendCommand(const QString& chatId, const OutgoingMessage& message, const ChannelFeatures& features,
+    Acknowledges kind, const QString& id)
 {
-    QJsonObject command { { cmdKey, QStringLiteral("send") }, { chatIdKey, chatId }, { textKey, text } };
-    if (!draftId.isEmpty())
-        command.insert(draftIdKey, draftId);
+    QJsonObject command { { cmdKey, QStringLiteral("send") }, { chatIdKey, chatId }, { textKey, message.text } };
+    if (features.subject && !message.subject.isEmpty())
+        command.insert(QStringLiteral("subject"), message.subject);
+    QJsonArray files;
+    for (const OutgoingFile& file : message.files)
+        files.append(QJsonObject { { QStringLiteral("path"), file.path }, { QStringLiteral("name"), file.name } });
+    if (features.files && !files.isEmpty())
+        command.insert(QStringLiteral("files"), files);
+    if (!id.isEmpty())
+        command.insert(kind == Acknowledges::Draft ? draftIdKey : QStringLiteral("sendId"), id);
     return command;
 }
 
@@ -77,10 +89,27 @@ bool EngineManager::writeCommand(const Account& account, const QJsonObject& comm
     return writeLine(account, commandLine(command), QStringLiteral("writeCommand"));
 }
 
-bool EngineManager::sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId)
+bool EngineManager::sendText(
+    const Account& account, const QString& chatId, const OutgoingMessage& message, const QString& sendId)
 {
-    return engineOf(account)
-        && writeLine(account, commandLine(sendCommand(chatId, text, draftId)), QStringLiteral("sendText"));
+    if (!engineOf(account))
+        return false;
+    const QJsonObject command
+        = sendCommand(chatId, message, fetchFeatures(db(), account.slug), Acknowledges::DirectSend, sendId);
+    return writeLine(account, commandLine(command), QStringLiteral("sendText"));
+}
+
+const Outbox& EngineManager::outbox() const
+{
+    return m_state->outbox;
+}
+
+bool EngineManager::queueDraft(const QString& conversationId, const OutgoingMessage& message, const QString& source)
+{
+    OutgoingMessage queued = message;
+    const auto files = outbox().copyForDraft(message.files);
+    queued.files = files.value_or(QList<OutgoingFile>());
+    return files && corvane::queueDraft(db(), conversationId, queued, source);
 }
 
 bool EngineManager::sendAudio(const Account& account, const QString& chatId, const QString& path)

@@ -1,13 +1,20 @@
 #pragma once
 
+#include "Store/Approvals/OutgoingMessage.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
 
 namespace corvane {
 
-/// The command that sends a text. With a draft's id the engine owes an acknowledgment.
-QJsonObject sendCommand(const QString& chatId, const QString& text, const QString& draftId = {});
+struct ChannelFeatures;
+
+/// The command that sends a message, with as much of it as the channel carries. Without an id the engine owes no
+/// acknowledgment.
+enum class Acknowledges { Draft, DirectSend };
+QJsonObject sendCommand(const QString& chatId, const OutgoingMessage& message, const ChannelFeatures& features,
+    Acknowledges kind, const QString& id);
 
 /// The command that puts a draft's text into the box of a thread.
 QJsonObject placeCommand(const QString& threadId, const QString& text, const QString& draftId);

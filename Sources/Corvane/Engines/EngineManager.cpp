@@ -50,14 +50,24 @@ void withdrawRead(LocalDB& db, Notifier& notifier)
 
 const QString directSendPrefix = QStringLiteral("ds");
 
-bool isDirectSend(const QString& id)
+/// The id of the direct send that an acknowledgment answers; nothing where it answers none.
+std::optional<QString> answeredDirectSend(const QString& type, const QJsonObject& event)
 {
-    return id.startsWith(directSendPrefix + u':');
+    return type == u"sendAck" ? textValue(event, QLatin1StringView("sendId")) : std::nullopt;
 }
 
-bool answersDirectSend(const QString& type, const QJsonObject& event)
+/// What the send command named: a draft or a direct send.
+QString nameOfSend(const QJsonObject& event)
 {
-    return type == u"sendAck" && isDirectSend(textValue(event, QLatin1StringView("draftId")).value_or(QString()));
+    const auto draftId = textValue(event, QLatin1StringView("draftId"));
+    return draftId ? *draftId : textValue(event, QLatin1StringView("sendId")).value_or(QString());
+}
+
+SendFate fateOf(const QString& status)
+{
+    if (status == u"sent" || status == u"placed")
+        return SendFate::Sent;
+    return status == u"uncertain" ? SendFate::Uncertain : SendFate::Failed;
 }
 
 EventSource sourceOf(const AppPaths& paths, const QUuid& accountId, const std::optional<Account>& account)
@@ -85,6 +95,7 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
               .allEnded = [&manager] { Q_EMIT manager.allEnded(); },
           },
           lines)
+    , outbox(surroundings.paths)
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, lines, surroundings.notifier, surroundings.paths.applicationSupport)
@@ -99,6 +110,7 @@ EngineManager::EngineManager(const Surroundings& surroundings, std::unique_ptr<L
     connect(&surroundings.keychain, &Keychain::changed, this, [this] { m_state->processes.secretsArrived(); });
     connect(&m_state->ingest, &Ingest::inboxChanged, this, &EngineManager::bump);
     m_state->db->watch().on(StoreSubject::Messages, this, [this] { bump(); });
+    connect(&m_state->ingest, &Ingest::featuresChanged, this, &EngineManager::featuresChanged);
     connect(&m_state->ingest, &Ingest::mediaDownloadChanged, this, &EngineManager::setMediaDownload);
 }
 
@@ -304,15 +316,15 @@ void EngineManager::handleEvent(const QUuid& accountId, const QString& line, Spe
         m_state->lines.rollBack();
 }
 
-void EngineManager::tellDirectSend(const QJsonObject& acknowledgment)
+void EngineManager::tellDirectSend(const QString& id, const QJsonObject& acknowledgment)
 {
     const auto text = [&](const char* key) {
         return textValue(acknowledgment, QLatin1StringView(key)).value_or(QString());
     };
-    const QString status = text("status");
+    const SendFate fate = fateOf(text("status"));
     const QString error = text("error");
-    Q_EMIT directSendAnswered(text("draftId"), status == u"sent" || status == u"placed",
-        error.isEmpty() ? QStringLiteral("Send failed") : error);
+    const QString reason = fate == SendFate::Uncertain ? QStringLiteral("No answer came.") : QStringLiteral("Send failed");
+    Q_EMIT directSendAnswered(id, fate, error.isEmpty() ? reason : error);
 }
 
 /// False where the event is to come again.
@@ -326,8 +338,11 @@ bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, 
     const auto tell = [this, slug = source.slug, type = *type] {
         Q_EMIT eventHandled(slug, type);
     };
-    if (answersDirectSend(*type, event)) {
-        lines.afterCommit([this, event] { tellDirectSend(event); });
+    if (const auto sendId = answeredDirectSend(*type, event)) {
+        lines.afterCommit([this, id = *sendId, event] { tellDirectSend(id, event); });
+        lines.afterCommit(tell);
+    } else if (*type == u"sendProgress") {
+        lines.afterCommit([this, slug = source.slug, id = nameOfSend(event)] { Q_EMIT sendProgressed(slug, id); });
         lines.afterCommit(tell);
     } else if (Ingest::storesRows(*type)) {
         const bool stored = lines.add([&] {

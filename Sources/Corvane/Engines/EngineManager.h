@@ -19,12 +19,17 @@ class Keychain;
 class LocalDB;
 class LumoAI;
 class Notifier;
+class Outbox;
 class PortHolders;
 class ProcessLauncher;
 class Scheduler;
 enum class Speaker;
 struct AppPaths;
+struct OutgoingMessage;
 struct UnifiedMsgRow;
+
+/// What became of a message that was sent directly. One that is uncertain may have gone out.
+enum class SendFate { Sent, Failed, Uncertain };
 
 /// Owns every engine child process, the tool server, and the one database. Main thread only.
 class EngineManager : public QObject {
@@ -84,8 +89,10 @@ public:
     bool writeCommand(const Account& account, const QJsonObject& command);
     /// To an engine that runs; the log names the caller where it fails.
     bool writeLine(const Account& account, const QByteArray& line, const QString& caller);
-    bool sendText(const Account& account, const QString& chatId, const QString& text, const QString& draftId = {});
-    /// In place of a draft's id, for a text that a person sends directly: `directSendAnswered` tells what became of it.
+    /// What a person sends directly; the subject and the files go with it where the account's channel carries them. With
+    /// an id of `directSendId`, `directSendAnswered` tells what became of it.
+    bool sendText(
+        const Account& account, const QString& chatId, const OutgoingMessage& message, const QString& sendId = {});
     static QString directSendId(qint64 nowMs);
     bool sendAudio(const Account& account, const QString& chatId, const QString& path);
     bool markRead(const Account& account, const QString& chatId);
@@ -96,6 +103,12 @@ public:
     bool sync(const Account& account);
     void retryMediaDownload(const UnifiedMsgRow& row);
     QStringList mediaPlaces(const UnifiedMsgRow& row) const; ///< where the file of a message may lie
+
+    // Files on their way out
+    const Outbox& outbox() const;
+    /// Queues a draft that waits for the user; it gets copies of the picked files. False where there is no such
+    /// conversation, or a file is not as it was picked.
+    bool queueDraft(const QString& conversationId, const OutgoingMessage& message, const QString& source);
 
     // What the screens show
     qint64 inboxRevision() const { return m_inboxRevision; }
@@ -117,7 +130,9 @@ Q_SIGNALS:
     void unreadTotalChanged();
     void mediaDownloadStatusChanged(const QString& messageId);
     void mcpRunningChanged(); ///< or its problem
-    void directSendAnswered(const QString& id, bool sent, const QString& error);
+    void directSendAnswered(const QString& id, SendFate fate, const QString& error);
+    void sendProgressed(const QString& accountSlug, const QString& id); ///< a draft or direct send is still worked at
+    void featuresChanged(const QString& accountSlug); ///< `fetchFeatures` has them
     void stopping(); ///< every engine, at quit
     void engineEnded(const std::shared_ptr<ChildProcess>& engine); ///< after its last event
     void allEnded(); ///< no engine is left, and what they printed is dealt with
@@ -125,7 +140,7 @@ Q_SIGNALS:
 
 private:
     bool takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker);
-    void tellDirectSend(const QJsonObject& acknowledgment);
+    void tellDirectSend(const QString& id, const QJsonObject& acknowledgment);
     void setMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 
     struct State;

@@ -6,6 +6,7 @@
 #include "Engines/EngineProcesses.h"
 #include "Engines/Ingest.h"
 #include "Engines/LineGroup.h"
+#include "Engines/Outbox.h"
 #include "Engines/RuntimeStates.h"
 #include "Engines/ToolServer.h"
 #include "Foundation/Coalescer.h"
@@ -28,6 +29,7 @@ struct EngineManager::State {
     LineGroup lines;
     RuntimeStates runtime;
     EngineProcesses processes;
+    Outbox outbox;
     ToolServer toolServer;
     Ingest ingest;
     std::unique_ptr<AIRequestWatcher> aiRequests; ///< none before it is started

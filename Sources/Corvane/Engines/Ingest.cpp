@@ -6,11 +6,13 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
+#include "Foundation/Text.h"
 #include "Notifications/Notifier.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Approvals/DraftStatus.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Messages/ChannelFeatures.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/IdentityQueries.h"
@@ -22,6 +24,8 @@
 namespace corvane {
 
 namespace {
+
+constexpr int longestSubject = 998;
 
 std::optional<QString> text(const QJsonObject& event, const char* key)
 {
@@ -62,6 +66,8 @@ Ingest::Handler Ingest::handlerOf(const QString& type)
         { QStringLiteral("sendAck"), &Ingest::handleSendAck },
         { QStringLiteral("reaction"), &Ingest::handleReaction },
         { QStringLiteral("media"), &Ingest::handleMedia },
+        { QStringLiteral("unread"), &Ingest::handleUnread },
+        { QStringLiteral("features"), &Ingest::handleFeatures },
         { QStringLiteral("contactName"), &Ingest::handleContactName },
         { QStringLiteral("phone"), &Ingest::handlePhone },
     };
@@ -111,6 +117,8 @@ bool Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     message.sender = text(event, "sender");
     message.mediaType = text(event, "mediaType");
     message.mediaPath = mediaPath(source, event, "mediaPath");
+    if (const auto subject = text(event, "subject"))
+        message.subject = firstCharacters(singleLine(*subject), longestSubject);
     const auto stored = storeMessage(m_db, source.channel, source.slug, message);
     if (!stored)
         return false;
@@ -168,9 +176,9 @@ bool Ingest::handleSendAck(const EventSource& source, const QJsonObject& event)
     if (!draftId)
         return false;
     const QString status = text(event, "status").value_or(QString());
-    // An engine that cannot know leaves the draft as one that nobody acknowledged: a person is asked before a retry.
-    const QString error = status == u"uncertain" ? describe(DraftFailure::Unacknowledged)
-                                                 : text(event, "error").value_or(QStringLiteral("Send failed"));
+    const auto said = text(event, "error");
+    const QString error = status == u"uncertain" ? describe(DraftFailure::Uncertain, said.value_or(QString()))
+                                                 : said.value_or(QStringLiteral("Send failed"));
     acknowledgeDraft(m_db, source.slug, *draftId, status, text(event, "providerMsgId"), error);
     m_group.afterCommit([this] { m_db.watch().tell(StoreSubject::Drafts); });
     return true;
@@ -209,6 +217,33 @@ bool Ingest::handleMedia(const EventSource& source, const QJsonObject& event)
         return false;
     }
     tellMessageChanged(source, *providerMsgId);
+    return true;
+}
+
+bool Ingest::handleUnread(const EventSource& source, const QJsonObject& event)
+{
+    const auto externalId = text(event, "convExternalId");
+    const auto count = wholeNumber(event, QLatin1StringView("count"));
+    if (!externalId || !count || *count < 0)
+        return false;
+    const QString conversation = conversationId(source.slug, *externalId);
+    lowerUnread(m_db, conversation, *count);
+    tellInboxChanged(contactOfConversation(m_db, conversation));
+    return true;
+}
+
+bool Ingest::handleFeatures(const EventSource& source, const QJsonObject& event)
+{
+    const auto flag = [&](const char* key) {
+        return event.value(QLatin1StringView(key));
+    };
+    const auto isFlag = [](const QJsonValue& value) { return value.isUndefined() || value.isBool(); };
+    const auto maxBytes = wholeNumber(event, QLatin1StringView("maxBytes"));
+    if (!isFlag(flag("files")) || !isFlag(flag("subject"))
+        || (event.contains(QLatin1StringView("maxBytes")) && maxBytes.value_or(0) <= 0))
+        return false;
+    if (rememberFeatures(m_db, source.slug, { flag("files").toBool(), maxBytes, flag("subject").toBool() }))
+        m_group.afterCommit([this, slug = source.slug] { Q_EMIT featuresChanged(slug); });
     return true;
 }
 

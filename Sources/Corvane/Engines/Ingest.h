@@ -43,6 +43,7 @@ public:
 
 Q_SIGNALS:
     void inboxChanged(const QString& contactId); ///< what the inbox shows of this person; empty for anybody
+    void featuresChanged(const QString& accountSlug);
     void mediaDownloadChanged(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 
 private:
@@ -58,6 +59,8 @@ private:
     bool handleSendAck(const EventSource& source, const QJsonObject& event);
     bool handleReaction(const EventSource& source, const QJsonObject& event);
     bool handleMedia(const EventSource& source, const QJsonObject& event);
+    bool handleUnread(const EventSource& source, const QJsonObject& event);
+    bool handleFeatures(const EventSource& source, const QJsonObject& event);
     bool handleContactName(const EventSource& source, const QJsonObject& event);
     bool handlePhone(const EventSource& source, const QJsonObject& event);
     std::optional<QString> writeAddressBookPhoto(

@@ -109,6 +109,10 @@ void CorvaneApp::onAppear()
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);
     }
+    for (const Account& account : m_store->accounts()) {
+        if (account.startAtBoot.value_or(false) && !isPaused(account))
+            m_engine->start(account);
+    }
 }
 
 void CorvaneApp::startAllEngines()

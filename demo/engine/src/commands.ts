@@ -7,7 +7,7 @@ import type { Engine } from "./engine.ts";
 import { randomFrom } from "./random.ts";
 import { messageId, type Conversation, type Media, type Message } from "./script.ts";
 import { exchanges, replies } from "./small-talk.ts";
-import { emit, textOf, type Command } from "./wire.ts";
+import { emit, textOf, type Command, type SendName } from "./wire.ts";
 
 /** Each conversation has this many pages of older messages. */
 const olderPages = 4;
@@ -23,11 +23,11 @@ export class Commands {
   handle(command: Command): void {
     switch (command.cmd) {
       case "send":
-        return this.send(textOf(command, "chatId"), textOf(command, "text"), textOf(command, "draftId"));
+        return this.send(textOf(command, "chatId"), textOf(command, "text"), nameOf(command));
       case "sendAudio":
         return this.sendAudio(textOf(command, "chatId"), textOf(command, "path"));
       case "draft":
-        return this.refuse(textOf(command, "draftId"), "This channel sends at once and places no drafts");
+        return this.refuse(nameOf(command), "This channel sends at once and places no drafts");
       case "react":
         return this.react(textOf(command, "messageId"), textOf(command, "emoji"));
       case "loadMore":
@@ -43,44 +43,45 @@ export class Commands {
     }
   }
 
-  private send(chatId: string, text: string, draftId: string): void {
-    if (!this.engine.isOpen) return this.refuse(draftId, "Not connected yet");
-    if (chatId === "" || text.trim() === "") return this.refuse(draftId, "There is nothing to send");
+  private send(chatId: string, text: string, name: SendName | undefined): void {
+    if (!this.engine.isOpen) return this.refuse(name, "Not connected yet");
+    if (chatId === "" || text.trim() === "") return this.refuse(name, "There is nothing to send");
     const { drafts } = this.engine.memory;
     // A retry of what went out already, though the desktop did not hear of it.
-    if (drafts[draftId]?.text === text) return this.acknowledge(draftId, drafts[draftId].id);
+    const key = name && Object.values(name)[0];
+    if (name && key && drafts[key]?.text === text) return this.acknowledge(name, drafts[key].id);
     const conversation = this.conversationWith(chatId);
     const id = this.nextSentId(chatId);
-    if (draftId !== "") {
-      drafts[draftId] = { text, id };
+    if (key) {
+      drafts[key] = { text, id };
       this.engine.save();
     }
     const message: Message = { id, outgoing: true, body: text, at: 0 };
     this.engine.say(conversation, message, this.engine.clock.now());
-    if (draftId !== "") this.acknowledge(draftId, id);
+    if (name) this.acknowledge(name, id);
     this.sometimesAnswer(conversation);
   }
 
-  private acknowledge(draftId: string, providerMsgId: string): void {
-    emit({ type: "sendAck", draftId, status: "sent", providerMsgId });
+  private acknowledge(name: SendName, providerMsgId: string): void {
+    emit({ type: "sendAck", ...name, status: "sent", providerMsgId });
   }
 
-  private refuse(draftId: string, error: string): void {
-    if (draftId === "") emit({ type: "log", msg: error });
-    else emit({ type: "sendAck", draftId, status: "failed", error });
+  private refuse(name: SendName | undefined, error: string): void {
+    if (!name) emit({ type: "log", msg: error });
+    else emit({ type: "sendAck", ...name, status: "failed", error });
   }
 
   /** Keeps a copy: the recording itself is a temporary file. */
   private sendAudio(chatId: string, path: string): void {
-    if (!this.engine.isOpen || chatId === "") return this.refuse("", "Not connected yet");
-    if (!isAbsolute(path)) return this.refuse("", "The voice note has no file");
+    if (!this.engine.isOpen || chatId === "") return this.refuse(undefined, "Not connected yet");
+    if (!isAbsolute(path)) return this.refuse(undefined, "The voice note has no file");
     const id = this.nextSentId(chatId);
     const copy = this.engine.library.pathOf(`voice-${id.replace(/\W/g, "-")}${extname(path)}`);
     try {
       mkdirSync(dirname(copy), { recursive: true });
       copyFileSync(path, copy);
     } catch (error) {
-      return this.refuse("", `The voice note could not be read: ${(error as Error).message}`);
+      return this.refuse(undefined, `The voice note could not be read: ${(error as Error).message}`);
     }
     emit({
       type: "message",
@@ -202,4 +203,10 @@ export class Commands {
       live: [],
     };
   }
+}
+
+function nameOf(command: Command): SendName | undefined {
+  const [draftId, sendId] = [textOf(command, "draftId"), textOf(command, "sendId")];
+  if (draftId !== "") return { draftId };
+  return sendId === "" ? undefined : { sendId };
 }

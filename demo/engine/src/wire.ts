@@ -19,6 +19,9 @@ export interface MessageEvent {
   historical?: boolean;
 }
 
+/** What a `send` command named, and its acknowledgment names. */
+export type SendName = { draftId: string } | { sendId: string };
+
 export type EngineEvent =
   | MessageEvent
   | { type: "qr"; qr: string }
@@ -26,7 +29,7 @@ export type EngineEvent =
   | { type: "log"; msg: string }
   | { type: "avatar"; jid: string; path: string }
   | { type: "msgStatus"; providerMsgId: string; status: number }
-  | { type: "sendAck"; draftId: string; status: "sent" | "failed"; providerMsgId?: string; error?: string }
+  | ({ type: "sendAck"; status: "sent" | "failed"; providerMsgId?: string; error?: string } & SendName)
   | { type: "reaction"; targetProviderMsgId: string; emoji: string }
   | { type: "media"; providerMsgId: string; state: "requested" }
   | { type: "media"; providerMsgId: string; state: "success"; mediaPath: string; mediaType: string }

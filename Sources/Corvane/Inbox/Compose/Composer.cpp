@@ -5,6 +5,7 @@
 #include "Inbox/Compose/DroppedText.h"
 #include "Inbox/Compose/ReplyRouting.h"
 #include "Presentation/SendKeys.h"
+#include "Store/Approvals/OutgoingMessage.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <QDir>
@@ -199,7 +200,7 @@ bool Composer::sendText(const QString& platform, const QString& text)
 {
     return sendThrough(platform, [&](const Account& account, const QString& chatId) {
         const QString id = m_unsent.begin({ m_contact.id, platform, text }, account);
-        const bool taken = m_engine.sendText(account, chatId, text, id);
+        const bool taken = m_engine.sendText(account, chatId, { text }, id);
         if (!taken)
             m_unsent.forget(id);
         return taken;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr Milliseconds answerLimit { 120'000 }; // an engine may leave a direct send without an answer
 
+const QString uncertain = QStringLiteral("It may have gone out. ");
 const QString contactKey = QStringLiteral("contact");
 const QString platformKey = QStringLiteral("platform");
 const QString textKey = QStringLiteral("text");
@@ -28,6 +29,8 @@ UnsentMessages::UnsentMessages(EngineManager& engine, Scheduler& scheduler, cons
 {
     load();
     connect(&engine, &EngineManager::directSendAnswered, this, &UnsentMessages::answer);
+    connect(&engine, &EngineManager::sendProgressed, this,
+        [this](const QString&, const QString& id) { awaitAnswer(id); });
     connect(&engine, &EngineManager::runtimeChanged, this, &UnsentMessages::failThoseOf);
 }
 
@@ -58,9 +61,17 @@ void UnsentMessages::show(const QString& contactId)
 QString UnsentMessages::begin(const Message& message, const Account& account)
 {
     const QString id = EngineManager::directSendId(m_scheduler.nowMs());
-    m_entries[id] = { message, account.id, {}, m_scheduler.after(answerLimit, [this, id] { forget(QString(id)); }) };
+    m_entries[id] = { message, account.id, {}, {} };
+    awaitAnswer(id);
     changed();
     return id;
+}
+
+void UnsentMessages::awaitAnswer(const QString& id)
+{
+    const auto found = m_entries.find(id);
+    if (found != m_entries.end() && found->second.reason.isEmpty())
+        found->second.limit = m_scheduler.after(answerLimit, [this, id] { forget(QString(id)); });
 }
 
 void UnsentMessages::forget(const QString& id)
@@ -76,15 +87,15 @@ std::optional<UnsentMessages::Message> UnsentMessages::find(const QString& id) c
                                                                       : std::optional(found->second.message);
 }
 
-void UnsentMessages::answer(const QString& id, bool sent, const QString& error)
+void UnsentMessages::answer(const QString& id, SendFate fate, const QString& error)
 {
-    if (sent)
+    if (fate == SendFate::Sent)
         return forget(id);
     const auto found = m_entries.find(id);
     if (found == m_entries.end())
         return;
     found->second.limit.reset();
-    found->second.reason = error;
+    found->second.reason = fate == SendFate::Uncertain ? uncertain + error : error;
     changed();
 }
 
@@ -121,7 +132,8 @@ void UnsentMessages::present()
     for (const auto& [id, entry] : m_entries) {
         if (!entry.reason.isEmpty() && !m_contactId.isEmpty()
             && personBehind(m_engine.db(), entry.message.contactId) == m_contactId)
-            items.append({ id, entry.message.text, QStringLiteral("Not sent: ") + entry.reason });
+            items.append({ id, entry.message.text,
+                entry.reason.startsWith(uncertain) ? entry.reason : QStringLiteral("Not sent: ") + entry.reason });
     }
     m_rows.assign(items);
 }

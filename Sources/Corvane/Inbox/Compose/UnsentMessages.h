@@ -9,6 +9,7 @@
 namespace corvane {
 
 class EngineManager;
+enum class SendFate;
 struct Account;
 
 /// A message that did not go out, in the words of the screen.
@@ -57,7 +58,8 @@ private:
         std::unique_ptr<Timer> limit;
     };
 
-    void answer(const QString& id, bool sent, const QString& error);
+    void answer(const QString& id, SendFate fate, const QString& error);
+    void awaitAnswer(const QString& id); ///< for two minutes from now
     void failThoseOf(const QUuid& accountId);
     void present();
     void load();

@@ -44,8 +44,10 @@ bool sendBack(LocalDB& db, const PendingDraft& draft)
 bool take(LocalDB& db, const PendingDraft& draft)
 {
     return db.changedRows("UPDATE outbound_draft SET status='sending', updated_at=? WHERE id=? AND status='approved' "
-                          "AND body=? AND channel=? AND account_id=? AND external_id=?;",
-               { db.nowMs(), draft.id, draft.body, draft.channel, draft.accountId, draft.externalId })
+                          "AND body=? AND channel=? AND account_id=? AND external_id=? AND COALESCE(subject,'')=? "
+                          "AND COALESCE(files,'')=?;",
+               { db.nowMs(), draft.id, draft.body, draft.channel, draft.accountId, draft.externalId, draft.subject,
+                   draft.files })
         == 1;
 }
 
@@ -90,7 +92,11 @@ bool failOne(LocalDB& db, const QString& id, DraftStatus from, const QString& er
 
 QString draftHash(const PendingDraft& draft)
 {
-    return fieldsHash({ QStringLiteral("draft"), draft.channel, draft.accountId, draft.externalId, draft.body });
+    QStringList fields { QStringLiteral("draft"), draft.channel, draft.accountId, draft.externalId, draft.body };
+    // A text alone keeps the hash that it always had.
+    if (!draft.subject.isEmpty() || !draft.files.isEmpty())
+        fields += { draft.subject, draft.files };
+    return fieldsHash(fields);
 }
 
 Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash)
@@ -106,6 +112,18 @@ Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash)
     const bool done = moveDraft(db, id, draft->state(), Approved) && remember(db, id, seenHash)
         && record(db, id, "approve", seenHash) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
+}
+
+Decided returnDraft(LocalDB& db, const QString& id, const QList<OutgoingFile>& files)
+{
+    Transaction transaction(db);
+    auto draft = transaction.begun() ? fetchDraft(db, id) : std::nullopt;
+    if (!draft || !waitsForPerson(*draft))
+        return Decided::Refused;
+    draft->files = filesText(files);
+    const bool done = db.run("UPDATE outbound_draft SET files=? WHERE id=?;", { draft->files, id })
+        && sendBack(db, *draft) && transaction.commit();
+    return done ? Decided::Changed : Decided::Refused;
 }
 
 Decided rejectDraft(LocalDB& db, const QString& id)

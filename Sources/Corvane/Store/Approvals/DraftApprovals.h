@@ -8,11 +8,16 @@ namespace corvane {
 // The one road of a draft from "pending" to an engine and back. Each step is a transaction that changes the row, what
 // is remembered of its approval, and the record of decisions; a step that cannot be recorded does not happen.
 
-/// Stands for what leaves the machine: body, channel, account and recipient.
+/// Stands for what leaves the machine: body, channel, account and recipient, and where there are any, the subject and
+/// the files with the hashes of their content.
 QString draftHash(const PendingDraft& draft);
 
 /// Approves a pending or failed draft as it was seen, that is: with that hash.
 Decided approveDraft(LocalDB& db, const QString& id, const QString& seenHash);
+
+/// Its files are not as the person saw them: it waits for another decision with those that are given. `Changed`, or
+/// `Refused` where nobody can decide about it.
+Decided returnDraft(LocalDB& db, const QString& id, const QList<OutgoingFile>& files);
 
 /// From "pending", "failed", "approved" and "placed"; one that is on its way is not called back.
 Decided rejectDraft(LocalDB& db, const QString& id);

@@ -54,7 +54,7 @@ bool allows(DraftStatus status, DraftStep step)
     return (stateOf(status).steps & any(step)) != 0;
 }
 
-QString describe(DraftFailure failure, const QString& account)
+QString describe(DraftFailure failure, const QString& what)
 {
     switch (failure) {
     case DraftFailure::Unacknowledged:
@@ -66,8 +66,16 @@ QString describe(DraftFailure failure, const QString& account)
     case DraftFailure::EarlierTextUnread:
         return QStringLiteral("The engine has not read the earlier text yet, so that one may still go out. Stop the "
                               "account before you send this one.");
+    case DraftFailure::Uncertain:
+        return QStringLiteral("It may have gone out. ") + what;
     case DraftFailure::AccountGone:
-        return QStringLiteral("Account %1 is no longer connected").arg(account);
+        return QStringLiteral("Account %1 is no longer connected").arg(what);
+    case DraftFailure::NoFiles:
+        return QStringLiteral("The account %1 can't carry files.").arg(what);
+    case DraftFailure::FileGone:
+        return QStringLiteral("The file %1 is gone. Write the message again with it.").arg(what);
+    case DraftFailure::FileChanged:
+        return QStringLiteral("The file %1 changed after it was attached. Write the message again with it.").arg(what);
     }
     return {};
 }

@@ -29,9 +29,14 @@ enum class DraftFailure {
     Changed, ///< it is not as it was approved
     Unreadable,
     EarlierTextUnread, ///< another text for the same draft may still go out
+    Uncertain, ///< its engine cannot know whether it went out
     AccountGone,
+    NoFiles, ///< the channel carries none
+    FileGone,
+    FileChanged,
 };
 
-QString describe(DraftFailure failure, const QString& account = {});
+/// `what` is the account or the file, or what the engine said.
+QString describe(DraftFailure failure, const QString& what = {});
 
 }

@@ -23,6 +23,8 @@ const Table<PendingDraft> drafts("outbound_draft",
         { "web_ack_status", &PendingDraft::webAckStatus, "''", onlyRead },
         { "provider_msg_id", &PendingDraft::providerMsgId, "''", onlyRead },
         { "error", &PendingDraft::error, "''", onlyRead },
+        { "subject", &PendingDraft::subject, "''" },
+        { "files", &PendingDraft::files, "''" },
         { "created_at" },
         { "updated_at" },
     });
@@ -36,6 +38,11 @@ QString placeholders(qsizetype count)
 
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source)
 {
+    return queueDraft(db, conversationId, OutgoingMessage { text }, source);
+}
+
+bool queueDraft(LocalDB& db, const QString& conversationId, const OutgoingMessage& message, const QString& source)
+{
     const qint64 now = db.nowMs();
     const auto draft = db.firstRow("SELECT account_id, external_id, channel, COALESCE(title, external_id) FROM "
                                    "unified_conversation WHERE id=? AND deleted_at IS NULL;",
@@ -47,13 +54,30 @@ bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text,
             queued.accountId = row.text(0);
             queued.externalId = row.text(1);
             queued.title = row.text(3);
-            queued.body = text;
+            queued.body = message.text;
             queued.source = source;
+            queued.subject = message.subject;
+            queued.files = filesText(message.files);
             return queued;
         });
     return draft
         && drafts.insert(
             db, *draft, { { "workspace_id", activeWorkspaceId(db) }, { "created_at", now }, { "updated_at", now } });
+}
+
+std::optional<QList<OutgoingFile>> fetchDraftFiles(LocalDB& db)
+{
+    db.forgetFailure();
+    QList<OutgoingFile> files;
+    bool allReadable = true;
+    db.visitRows("SELECT files FROM outbound_draft WHERE files<>'' AND status NOT IN ('sent','rejected');", {},
+        [&](const SqlRow& row) {
+            const auto theirs = filesFromText(row.text(0));
+            allReadable = allReadable && theirs;
+            files.append(theirs.value_or(QList<OutgoingFile>()));
+            return allReadable;
+        });
+    return db.isOpen() && db.failure() == 0 && allReadable ? std::optional(files) : std::nullopt;
 }
 
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses, int limit)
@@ -107,7 +131,9 @@ bool waitsForPerson(const PendingDraft& draft)
 
 bool mayHaveGoneOut(const PendingDraft& draft)
 {
-    return draft.state() == DraftStatus::Failed && draft.error == describe(DraftFailure::Unacknowledged);
+    return draft.state() == DraftStatus::Failed
+        && (draft.error == describe(DraftFailure::Unacknowledged)
+            || draft.error.startsWith(describe(DraftFailure::Uncertain)));
 }
 
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Approvals/DraftStatus.h"
+#include "Store/Approvals/OutgoingMessage.h"
 #include "Store/Core/LocalDB.h"
 
 #include <QStringList>
@@ -21,6 +22,8 @@ struct PendingDraft {
     QString webAckStatus;
     QString providerMsgId;
     QString error;
+    QString subject = {};
+    QString files = {}; ///< as the row holds them: `filesFromText` reads it
     QString accountName = {}; ///< as the person calls the account, where it is known; in no column
 
     DraftStatus state() const { return draftStatus(status); }
@@ -29,6 +32,12 @@ struct PendingDraft {
 
 /// Queues a draft that waits for the user; false where there is no such conversation.
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source);
+
+/// The same with a subject and with files that lie in the outbox of the drafts.
+bool queueDraft(LocalDB& db, const QString& conversationId, const OutgoingMessage& message, const QString& source);
+
+/// Every file of a draft that may still be sent, in any workspace; nothing where they cannot be read.
+std::optional<QList<OutgoingFile>> fetchDraftFiles(LocalDB& db);
 
 /// Oldest first within failed, pending, sending, and the rest.
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses, int limit);
@@ -52,7 +61,7 @@ QStringList fetchSendingIds(LocalDB& db);
 /// Whether a person can approve, reject and edit it.
 bool waitsForPerson(const PendingDraft& draft);
 
-/// Whether it failed because nobody acknowledged it in time: it may have gone out all the same.
+/// Whether it failed because nobody acknowledged it in time, or its engine cannot know: it may have gone out.
 bool mayHaveGoneOut(const PendingDraft& draft);
 
 /// The row as it stands now, whatever its status and workspace.

@@ -221,6 +221,12 @@ BEGIN SELECT RAISE(ABORT, 'a new line stands behind the last one'); END;)" },
 BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
         Statement { R"(CREATE TRIGGER IF NOT EXISTS approval_record_holds BEFORE DELETE ON approval_record
 BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
+        AddedColumn { "unified_message", "subject TEXT" },
+        AddedColumn { "outbound_draft", "subject TEXT" },
+        AddedColumn { "outbound_draft", "files TEXT" },
+        Statement { R"(CREATE TABLE IF NOT EXISTS account_features (
+  account_id TEXT PRIMARY KEY, files INTEGER NOT NULL, max_bytes INTEGER, subject INTEGER NOT NULL,
+  updated_at INTEGER NOT NULL);)" },
     };
     // clang-format on
     return all;

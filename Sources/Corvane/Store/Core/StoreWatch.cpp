@@ -22,7 +22,7 @@ QStringList rowsOf(StoreSubject subject)
     case StoreSubject::Drafts:
         return { workspace,
             u"SELECT json_array(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, "
-            "status, source, web_ack_status, provider_msg_id, error, created_at) FROM outbound_draft "
+            "status, source, web_ack_status, provider_msg_id, error, subject, files, created_at) FROM outbound_draft "
             "WHERE status IN ('pending','approved','sending','placed','failed');"_s };
     case StoreSubject::Approvals:
         return { workspace, u"SELECT MAX(seq) FROM approval_record;"_s,

@@ -292,6 +292,11 @@ std::optional<QString> newestConversation(LocalDB& db, const QString& contactId)
         { contactId });
 }
 
+QString contactOfConversation(LocalDB& db, const QString& conversationId)
+{
+    return db.scalar("SELECT contact_id FROM unified_conversation WHERE id=?;", { conversationId }).value_or(QString());
+}
+
 QString contactOfMessage(LocalDB& db, const QString& messageId)
 {
     return db

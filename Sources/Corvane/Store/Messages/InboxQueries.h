@@ -105,7 +105,8 @@ std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, co
 /// Where a message to the contact goes when nothing else is said.
 std::optional<QString> newestConversation(LocalDB& db, const QString& contactId);
 
-/// Whom the message was exchanged with; empty where the message is not known.
+/// Whom the conversation or message is exchanged with; empty where it is not known.
+QString contactOfConversation(LocalDB& db, const QString& conversationId);
 QString contactOfMessage(LocalDB& db, const QString& messageId);
 
 /// Stores a reaction made here on the message of that row id.

@@ -117,17 +117,18 @@ std::optional<StoredMessage> storeMessage(
     const QString id = messageIdOf(db, accountSlug, message.providerMsgId);
     const bool isNew = !ownerOf(db, id);
     const qint64 changed = db.changedRows(
-        R"(INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, media_type, media_path, source, updated_at)
-VALUES(?,?,?,?,?,?,?,?,?,?,?,?)
+        R"(INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, sender, ts, provider_msg_id, media_type, media_path, source, subject, updated_at)
+VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)
 ON CONFLICT(id) DO UPDATE SET body=excluded.body,
     media_type=COALESCE(excluded.media_type, unified_message.media_type),
     media_path=COALESCE(excluded.media_path, unified_message.media_path),
     source=COALESCE(unified_message.source, excluded.source),
+    subject=COALESCE(excluded.subject, unified_message.subject),
     updated_at=excluded.updated_at
 WHERE EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);)",
         { id, workspace, conversation, message.outgoing ? QStringLiteral("OUT") : QStringLiteral("IN"), message.body,
             message.sender, message.ts, message.providerMsgId, message.mediaType, message.mediaPath,
-            QStringLiteral("local"), db.nowMs(), accountSlug });
+            QStringLiteral("local"), message.subject, db.nowMs(), accountSlug });
     if (changed == 0)
         return std::nullopt;
     return StoredMessage { conversation, isNew };
@@ -136,6 +137,11 @@ WHERE EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.co
 void raiseUnread(LocalDB& db, const QString& conversationId)
 {
     db.run("UPDATE unified_conversation SET unread = unread + 1 WHERE id=?;", { conversationId });
+}
+
+void lowerUnread(LocalDB& db, const QString& conversationId, qint64 count)
+{
+    db.run("UPDATE unified_conversation SET unread=? WHERE id=? AND unread>?;", { count, conversationId, count });
 }
 
 void raiseMessageStatus(LocalDB& db, const QString& accountSlug, const QString& providerMsgId, qint64 status)

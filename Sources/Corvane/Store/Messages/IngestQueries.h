@@ -21,6 +21,7 @@ struct IncomingMessage {
     std::optional<QString> sender;
     std::optional<QString> mediaType;
     std::optional<QString> mediaPath;
+    std::optional<QString> subject;
 };
 
 MatchSignals matchSignals(const QString& channel, const QString& handle);
@@ -48,6 +49,9 @@ std::optional<StoredMessage> storeMessage(
 QString messageIdOf(LocalDB& db, const QString& accountSlug, const QString& providerMsgId);
 
 void raiseUnread(LocalDB& db, const QString& conversationId);
+
+/// Some of the conversation was read elsewhere: its unread count falls to `count`, and never rises.
+void lowerUnread(LocalDB& db, const QString& conversationId, qint64 count);
 
 // What an engine tells of a message reaches only the messages of its own account.
 void raiseMessageStatus(

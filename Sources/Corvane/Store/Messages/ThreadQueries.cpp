@@ -24,6 +24,7 @@ const Table<UnifiedMsgRow> messages("unified_message m",
         { "m.status", &UnifiedMsgRow::status, "0" },
         { "m.reaction", &UnifiedMsgRow::reaction, "''" },
         { "at.transcript", &UnifiedMsgRow::audioTranscript },
+        { "m.subject", &UnifiedMsgRow::subject, "''" },
     });
 
 // Each conversation gives at most a page, found in the index alone, so that a page costs the same wherever it stands

@@ -22,6 +22,7 @@ struct UnifiedMsgRow {
     int status = 0;
     QString reaction;
     std::optional<QString> audioTranscript;
+    QString subject; ///< empty where the channel knows none
 
     bool operator==(const UnifiedMsgRow&) const = default;
 };

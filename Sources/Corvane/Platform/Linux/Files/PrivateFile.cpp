@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -17,11 +18,11 @@ namespace corvane {
 
 namespace {
 
-bool writeAll(int descriptor, const QByteArray& content)
+bool writeAll(int descriptor, QByteArrayView content)
 {
     qsizetype written = 0;
     while (written < content.size()) {
-        const ssize_t count = ::write(descriptor, content.constData() + written, size_t(content.size() - written));
+        const ssize_t count = ::write(descriptor, content.data() + written, size_t(content.size() - written));
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
@@ -29,6 +30,73 @@ bool writeAll(int descriptor, const QByteArray& content)
         written += count;
     }
     return true;
+}
+
+constexpr int pieceBytes = 1 << 18;
+
+Error errorOf(int number)
+{
+    if (number == ENOSPC || number == EDQUOT)
+        return { QStringLiteral("There is no room left on the disk.") };
+    return { QString::fromLocal8Bit(::strerror(number)) + u'.' };
+}
+
+/// Closes with its scope.
+struct Descriptor {
+    int number;
+    explicit Descriptor(int opened)
+        : number(opened)
+    {
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (number >= 0)
+            ::close(number);
+    }
+};
+
+void syncFolder(const QString& folder)
+{
+    const Descriptor descriptor(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.number >= 0)
+        ::fsync(descriptor.number);
+}
+
+/// Every folder that is made is on the disk.
+bool makePrivateFolder(const QString& folder)
+{
+    if (QFileInfo(folder).isDir())
+        return true;
+    const QString parent = QFileInfo(folder).absolutePath();
+    if (!makePrivateFolder(parent) || (::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) != 0 && errno != EEXIST))
+        return false;
+    syncFolder(parent);
+    return true;
+}
+
+Result<qint64> copyAll(int from, int to, qint64 limit, const std::function<void(QByteArrayView)>& seen)
+{
+    QByteArray piece(pieceBytes, Qt::Uninitialized);
+    qint64 size = 0;
+    for (;;) {
+        const ssize_t count = ::read(from, piece.data(), size_t(piece.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::unexpected(errorOf(errno));
+        if (count == 0)
+            break;
+        size += count;
+        if (limit > 0 && size > limit)
+            return failure(QStringLiteral("It is too large."));
+        const QByteArrayView read(piece.constData(), count);
+        if (!writeAll(to, read))
+            return std::unexpected(errorOf(errno));
+        seen(read);
+    }
+    return ::fsync(to) == 0 ? Result<qint64>(size) : std::unexpected(errorOf(errno));
 }
 
 /// The folder itself comes last: until then a start that was cut short is made good by the next one.
@@ -65,6 +133,31 @@ mode_t keepFilesPrivate(const QStringList& folders)
     return before;
 }
 
+Result<qint64> copyPrivateFile(
+    const QString& from, const QString& to, qint64 limit, const std::function<void(QByteArrayView piece)>& seen)
+{
+    // Not blocking, since the name may be a pipe's.
+    const Descriptor source(::open(QFile::encodeName(from).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status { };
+    if (source.number < 0 || ::fstat(source.number, &status) != 0)
+        return std::unexpected(errorOf(errno));
+    if (!S_ISREG(status.st_mode))
+        return failure(QStringLiteral("It is no plain file."));
+    const QString folder = QFileInfo(to).absolutePath();
+    const QByteArray target = QFile::encodeName(to);
+    if (!makePrivateFolder(folder))
+        return std::unexpected(errorOf(errno));
+    const Descriptor copy(::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (copy.number < 0)
+        return std::unexpected(errorOf(errno));
+    const Result<qint64> size = copyAll(source.number, copy.number, limit, seen);
+    if (size)
+        syncFolder(folder);
+    else
+        ::unlink(target.constData());
+    return size;
+}
+
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives)
 {
     const QString folder = QFileInfo(path).absolutePath();
@@ -80,12 +173,8 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
     const bool closed = ::close(descriptor) == 0;
     if (complete && closed && ::rename(temporary.constData(), QFile::encodeName(path).constData()) == 0) {
         // The rename itself survives a power cut only once the folder is on the disk.
-        const int folderDescriptor
-            = waits ? ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
-        if (folderDescriptor >= 0) {
-            ::fsync(folderDescriptor);
-            ::close(folderDescriptor);
-        }
+        if (waits)
+            syncFolder(folder);
         return true;
     }
     ::unlink(temporary.constData());
