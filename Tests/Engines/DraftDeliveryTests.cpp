@@ -1,8 +1,13 @@
 #include "EngineTest.h"
 
+#include "Engines/Outbox.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Messages/ChannelFeatures.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Drafts.h"
+
+#include <QFile>
+#include <QJsonArray>
 
 using namespace corvane;
 
@@ -33,6 +38,25 @@ protected:
         const auto seen = fetchDraft(world.engines.db(), id);
         EXPECT_EQ(approveDraft(world.engines.db(), id, draftHash(*seen)), Decided::Taken);
         world.delivery.refresh();
+    }
+
+    /// A draft with a subject and a file, and the file as it lies in the outbox.
+    QString queueWithFile()
+    {
+        const QString conversation
+            = ensureConversation(world.engines.db(), u"EMAIL"_s, u"shop"_s, u"chat"_s, u"Ana"_s, 1);
+        const OutgoingFile picked = *world.engines.outbox().pick(u"plan.pdf"_s, "the plan");
+        EXPECT_TRUE(world.engines.queueDraft(conversation, { u"Here it is"_s, u"Plan"_s, { picked } }, u"compose"_s));
+        world.engines.outbox().drop({ picked });
+        return cell(u"SELECT id FROM outbound_draft ORDER BY rowid DESC LIMIT 1;"_s);
+    }
+    OutgoingFile fileOf(const QString& id) { return filesFromText(draft(id, u"files"_s))->first(); }
+
+    static void write(const QString& path, const QByteArray& content)
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
     }
 
     FakeChild& engine() { return world.launcher.last(); }
@@ -117,6 +141,100 @@ TEST_F(DraftDeliveryTest, anAcknowledgmentClosesTheDraftAtOnce)
     EXPECT_EQ(std::ranges::count_if(world.delivery.pending(), mayHaveGoneOut), 1) << "a retry asks first";
     EXPECT_EQ(draft(fourth, u"error"_s), u"It may have gone out. no answer"_s);
     EXPECT_EQ(world.engines.inboxRevision(), revision) << "the message that was sent comes as an event of its own";
+}
+
+TEST_F(DraftDeliveryTest, aSubjectAndFilesGoOutAsTheyWereApprovedAndTheFilesEndWithTheDraft)
+{
+    startShop();
+    rememberFeatures(world.engines.db(), u"shop"_s, { true, std::nullopt, true });
+    const QString id = queueWithFile();
+    const OutgoingFile file = fileOf(id);
+    approve(id);
+    const QJsonObject expected { { u"cmd"_s, u"send"_s }, { u"chatId"_s, u"chat"_s }, { u"text"_s, u"Here it is"_s },
+        { u"subject"_s, u"Plan"_s }, { u"draftId"_s, id },
+        { u"files"_s, QJsonArray { QJsonObject { { u"path"_s, file.path }, { u"name"_s, u"plan.pdf"_s } } } } };
+    EXPECT_EQ(engine().commands(), QList { expected });
+    report({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, id }, { u"status"_s, u"failed"_s } });
+    EXPECT_TRUE(QFile::exists(file.path)) << "it may be sent again";
+    approve(id);
+    EXPECT_EQ(engine().commands().size(), 2);
+    report({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, id }, { u"status"_s, u"sent"_s } });
+    EXPECT_FALSE(QFile::exists(file.path));
+}
+
+TEST_F(DraftDeliveryTest, aFileThatIsNotAsItWasSeenDoesNotGoOut)
+{
+    startShop();
+    rememberFeatures(world.engines.db(), u"shop"_s, { true, std::nullopt, true });
+    const QString id = queueWithFile();
+    const QString seen = draftHash(*fetchDraft(world.engines.db(), id));
+    write(fileOf(id).path, "no plan");
+    EXPECT_EQ(world.delivery.approve(id, seen), Decided::Changed);
+    EXPECT_EQ(draft(id), u"pending"_s);
+    EXPECT_EQ(world.delivery.approve(id, seen), Decided::Changed) << "what was seen is still another";
+    EXPECT_EQ(world.delivery.approve(id, draftHash(*fetchDraft(world.engines.db(), id))), Decided::Taken);
+    write(fileOf(id).path, "a third");
+    world.delivery.refresh();
+    EXPECT_EQ(draft(id, u"status || ' ' || error"_s),
+        u"failed The file plan.pdf changed after it was attached. Write the message again with it."_s);
+
+    const QString second = queueWithFile();
+    approve(second);
+    const QString third = queueWithFile();
+    QFile::remove(fileOf(third).path);
+    markDraft(world.engines.db(), third, u"approved"_s);
+    const QString fourth = queueWithFile();
+    world.engines.db().run(
+        u"UPDATE outbound_draft SET files=replace(files, '/outbox/drafts/', '/') WHERE id=?;"_s, { fourth });
+    markDraft(world.engines.db(), fourth, u"approved"_s);
+    const QString fifth = queueWithFile();
+    world.engines.db().run(u"UPDATE outbound_draft SET files='{}' WHERE id=?;"_s, { fifth });
+    markDraft(world.engines.db(), fifth, u"approved"_s);
+    world.delivery.refresh();
+    EXPECT_EQ(draft(second), u"sending"_s);
+    EXPECT_EQ(draft(third, u"error"_s), u"The file plan.pdf is gone. Write the message again with it."_s);
+    EXPECT_EQ(draft(fourth, u"error"_s), draft(third, u"error"_s)) << "a row of another program may name any file";
+    EXPECT_EQ(draft(fifth, u"error"_s), u"The text of this draft can't be read as it is stored."_s);
+    rememberFeatures(world.engines.db(), u"shop"_s, {});
+    const QString sixth = queueWithFile();
+    approve(sixth);
+    EXPECT_EQ(draft(sixth, u"error"_s), u"The account shop can't carry files."_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
+TEST_F(DraftDeliveryTest, theFilesOfDraftsThatACrashKeptBackGoAtTheStart)
+{
+    const QString kept = queueWithFile();
+    const OutgoingFile picked = *world.engines.outbox().pick(u"lost.txt"_s, "lost");
+    const QList<OutgoingFile> lost = *world.engines.outbox().copyForDraft({ picked });
+    world.engines.db().run(u"UPDATE outbound_draft SET workspace_id='other';"_s);
+    world.delivery.startWatch();
+    EXPECT_TRUE(QFile::exists(fileOf(kept).path)) << "in whichever workspace";
+    EXPECT_FALSE(QFile::exists(lost.first().path));
+    EXPECT_TRUE(QFile::exists(picked.path)) << "the composer's own";
+}
+
+TEST_F(DraftDeliveryTest, anEngineThatIsStillAtWorkHasItsTwoMinutesAnew)
+{
+    startShop();
+    const Account other = accountNamed(u"other"_s);
+    world.launcher.expect(FakeLauncher::stays());
+    world.delivery.startWatch();
+    const QString id = queue(shop, u"a long upload"_s);
+    tick();
+    FakeChild& child = engine();
+    const auto progress = [&](const QString& draftId) {
+        child.printEvent({ { u"type"_s, u"sendProgress"_s }, { u"draftId"_s, draftId } });
+    };
+    world.engines.start(other);
+    world.clock.advance(seconds(100));
+    progress(id);
+    progress(u"od:1:unknown"_s);
+    world.clock.advance(seconds(100));
+    EXPECT_EQ(draft(id), u"sending"_s);
+    engine().printEvent({ { u"type"_s, u"sendProgress"_s }, { u"draftId"_s, id } });
+    world.clock.advance(seconds(30));
+    EXPECT_EQ(draft(id), u"failed"_s) << "another account's engine knows nothing of it";
 }
 
 TEST_F(DraftDeliveryTest, aBrowserDrivenEngineIsAskedToPlaceTheText)

@@ -29,12 +29,13 @@ protected:
 
     QStringList kept(const QString& place)
     {
-        return QDir(home.paths().applicationSupport + u"/outbox/"_s + place).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        return QDir(home.paths().applicationSupport + u"/outbox/"_s + place)
+            .entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     }
 
     static uint mode(const QString& path)
     {
-        struct stat status { };
+        struct stat status {};
         return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
     }
 

@@ -85,9 +85,9 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
         failClaimedDraft(m_db, *claim.draft, *reason);
         return true;
     }
-    const QByteArray line = commandLine(places ? placeCommand(row.externalId, row.body, row.id)
-                                               : sendCommand(row.externalId, { row.body, row.subject, *files },
-                                                   features, Acknowledges::Draft, row.id));
+    const QByteArray line = commandLine(places
+            ? placeCommand(row.externalId, row.body, row.id)
+            : sendCommand(row.externalId, { row.body, row.subject, *files }, features, Acknowledges::Draft, row.id));
     if (isStillUnread(*claim.draft, line))
         return true;
     const auto engine = m_engines.engineOf(account);

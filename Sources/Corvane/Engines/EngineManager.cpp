@@ -323,7 +323,8 @@ void EngineManager::tellDirectSend(const QString& id, const QJsonObject& acknowl
     };
     const SendFate fate = fateOf(text("status"));
     const QString error = text("error");
-    const QString reason = fate == SendFate::Uncertain ? QStringLiteral("No answer came.") : QStringLiteral("Send failed");
+    const QString reason
+        = fate == SendFate::Uncertain ? QStringLiteral("No answer came.") : QStringLiteral("Send failed");
     Q_EMIT directSendAnswered(id, fate, error.isEmpty() ? reason : error);
 }
 

@@ -89,8 +89,8 @@ public:
     bool writeCommand(const Account& account, const QJsonObject& command);
     /// To an engine that runs; the log names the caller where it fails.
     bool writeLine(const Account& account, const QByteArray& line, const QString& caller);
-    /// What a person sends directly; the subject and the files go with it where the account's channel carries them. With
-    /// an id of `directSendId`, `directSendAnswered` tells what became of it.
+    /// What a person sends directly; the subject and the files go with it where the account's channel carries them.
+    /// With an id of `directSendId`, `directSendAnswered` tells what became of it.
     bool sendText(
         const Account& account, const QString& chatId, const OutgoingMessage& message, const QString& sendId = {});
     static QString directSendId(qint64 nowMs);

@@ -237,7 +237,9 @@ bool Ingest::handleFeatures(const EventSource& source, const QJsonObject& event)
     const auto flag = [&](const char* key) {
         return event.value(QLatin1StringView(key));
     };
-    const auto isFlag = [](const QJsonValue& value) { return value.isUndefined() || value.isBool(); };
+    const auto isFlag = [](const QJsonValue& value) {
+        return value.isUndefined() || value.isBool();
+    };
     const auto maxBytes = wholeNumber(event, QLatin1StringView("maxBytes"));
     if (!isFlag(flag("files")) || !isFlag(flag("subject"))
         || (event.contains(QLatin1StringView("maxBytes")) && maxBytes.value_or(0) <= 0))

@@ -21,7 +21,8 @@ constexpr qsizetype longestName = 200; // bytes; a file system takes 255
 QString plainName(const QString& name)
 {
     QString plain = name;
-    std::ranges::replace_if(plain, [](QChar unit) { return unit == u'/' || (!unit.isPrint() && !unit.isSurrogate()); }, u'_');
+    std::ranges::replace_if(
+        plain, [](QChar unit) { return unit == u'/' || (!unit.isPrint() && !unit.isSurrogate()); }, u'_');
     plain = plain.trimmed();
     while (plain.startsWith(u'.'))
         plain.remove(0, 1);
@@ -153,8 +154,8 @@ QList<OutgoingFile> Outbox::asTheyLie(QList<OutgoingFile> files) const
         const QFileInfo found(each.path);
         QFile file(each.path);
         QCryptographicHash hash(QCryptographicHash::Sha256);
-        const bool isRead = isHere && found.isFile() && !found.isSymLink() && file.open(QIODevice::ReadOnly)
-            && hash.addData(&file);
+        const bool isRead
+            = isHere && found.isFile() && !found.isSymLink() && file.open(QIODevice::ReadOnly) && hash.addData(&file);
         each.bytes = isRead ? file.size() : -1;
         each.sha256 = isRead ? hashText(hash) : QString();
     }

@@ -7,9 +7,9 @@ namespace corvane {
 
 struct AppPaths;
 
-/// The files on their way out: copies of what a person picked, private, each in a folder of its own, that nobody changes
-/// until their message has ended. Those of drafts lie apart from those of texts that are still being written or were
-/// sent directly, so that each owner tidies up its own. It holds only paths; errors are in words for the user.
+/// The files on their way out: copies of what a person picked, private, each in a folder of its own, that nobody
+/// changes until their message has ended. Those of drafts lie apart from those of texts that are still being written or
+/// were sent directly, so that each owner tidies up its own. It holds only paths; errors are in words for the user.
 class Outbox {
 public:
     explicit Outbox(const AppPaths& paths);

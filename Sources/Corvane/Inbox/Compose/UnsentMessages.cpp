@@ -29,8 +29,8 @@ UnsentMessages::UnsentMessages(EngineManager& engine, Scheduler& scheduler, cons
 {
     load();
     connect(&engine, &EngineManager::directSendAnswered, this, &UnsentMessages::answer);
-    connect(&engine, &EngineManager::sendProgressed, this,
-        [this](const QString&, const QString& id) { awaitAnswer(id); });
+    connect(
+        &engine, &EngineManager::sendProgressed, this, [this](const QString&, const QString& id) { awaitAnswer(id); });
     connect(&engine, &EngineManager::runtimeChanged, this, &UnsentMessages::failThoseOf);
 }
 

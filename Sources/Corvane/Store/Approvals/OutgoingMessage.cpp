@@ -30,8 +30,8 @@ std::optional<OutgoingFile> fileFrom(const QJsonObject& object)
 
 qint64 totalBytes(const QList<OutgoingFile>& files)
 {
-    return std::accumulate(files.begin(), files.end(), qint64(0),
-        [](qint64 sum, const OutgoingFile& file) { return sum + file.bytes; });
+    return std::accumulate(
+        files.begin(), files.end(), qint64(0), [](qint64 sum, const OutgoingFile& file) { return sum + file.bytes; });
 }
 
 QString filesText(const QList<OutgoingFile>& files)

@@ -138,7 +138,7 @@ Result<qint64> copyPrivateFile(
 {
     // Not blocking, since the name may be a pipe's.
     const Descriptor source(::open(QFile::encodeName(from).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status { };
+    struct stat status {};
     if (source.number < 0 || ::fstat(source.number, &status) != 0)
         return std::unexpected(errorOf(errno));
     if (!S_ISREG(status.st_mode))
