@@ -1,5 +1,6 @@
 #include "EngineTest.h"
 
+#include "Engines/Outbox.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Services.h"
 #include "Store/Approvals/OutboundQueries.h"
@@ -118,4 +119,43 @@ TEST_F(RealEngines, theEngineThatTheProtocolsPageShowsRuns)
     const qint64 pid = engines->processId(shop);
     engines->stop(shop);
     EXPECT_TRUE(await([&] { return ::kill(static_cast<pid_t>(pid), 0) != 0; })) << "it ends when it is asked to";
+}
+
+TEST_F(RealEngines, aSubjectAndAFileReachTheEngineAndADirectSendHearsItsFate)
+{
+    environment.set("CORVANE_NODE", QFile::encodeName(node));
+    start(R"(import { readFileSync } from "node:fs";
+import { createInterface } from "node:readline";
+const emit = (event) => process.stdout.write("@@CORVANE@@" + JSON.stringify(event) + "\n");
+emit({ type: "features", files: true, subject: true });
+emit({ type: "status", state: "open" });
+for await (const line of createInterface({ input: process.stdin })) {
+    const { cmd, chatId, text, subject, files = [], ...named } = JSON.parse(line);
+    if (cmd !== "send") continue;
+    const body = [text, ...files.map((file) => file.name + ": " + readFileSync(file.path, "utf8"))].join(", ");
+    emit({ type: "message", convExternalId: chatId, providerMsgId: text, direction: "OUT", body, subject });
+    emit({ type: "sendAck", ...named, status: named.sendId ? "uncertain" : "sent", error: "no answer" });
+})");
+    ASSERT_TRUE(await([&] { return runtime().status == WAStatus::Connected; }));
+    const OutgoingFile picked = *engines->outbox().pick(u"plan.txt"_s, "the plan");
+    ensureConversation(engines->db(), u"WHATSAPP"_s, u"shop"_s, u"c"_s, u"Ana"_s, 1);
+    ASSERT_TRUE(engines->queueDraft(u"wa:shop:c"_s, { u"Here it is"_s, u"Plan"_s, { picked } }, u"compose"_s));
+    const PendingDraft draft = fetchDrafts(engines->db(), { DraftStatus::Pending }, 1).first();
+    DraftDelivery delivery(engines->db(), *engines, scheduler);
+    ASSERT_EQ(delivery.approve(draft.id, draftHash(draft)), Decided::Taken);
+    delivery.refresh();
+    EXPECT_TRUE(await([&] { return cell(u"SELECT status FROM outbound_draft;"_s) == u"sent"; }));
+    EXPECT_EQ(
+        cell(u"SELECT subject || ' / ' || body FROM unified_message;"_s), u"Plan / Here it is, plan.txt: the plan"_s);
+    EXPECT_TRUE(await([&] { return !engines->outbox().holdsForDrafts(); }));
+
+    QStringList fates;
+    QObject::connect(engines.get(), &EngineManager::directSendAnswered, engines.get(),
+        [&](const QString& id, SendFate fate, const QString& error) {
+            fates.append(id + (fate == SendFate::Uncertain ? u" may have gone out: "_s : u" "_s) + error);
+        });
+    const QString sendId = EngineManager::directSendId(scheduler.nowMs());
+    EXPECT_TRUE(engines->sendText(shop, u"c"_s, { u"hello"_s }, sendId));
+    EXPECT_TRUE(await([&] { return !fates.isEmpty(); }));
+    EXPECT_EQ(fates, QStringList { sendId + u" may have gone out: no answer"_s });
 }
