@@ -174,17 +174,20 @@ TEST_F(InboxTest, archivingHidesAPersonAndTheirUnread)
     EXPECT_EQ(totalUnread(*m_db), 0);
 }
 
-TEST_F(InboxTest, aSearchFindsBodiesAndTranscripts)
+TEST_F(InboxTest, aSearchFindsBodiesTranscriptsAndSubjects)
 {
     chat("SMS", "a", "1", 100, "Invoice 7 is paid", "Ana");
     chat("SMS", "a", "2", 200, "", "Bo");
     chat("SMS", "a", "3", 300, "the invoice again", "Cy");
     chat("SMS", "a", "4", 400, "invoice deleted", "Di");
+    chat("SMS", "a", "5", 500, "see below", "Eve");
     m_db->exec("INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at)"
                " VALUES('wa:msg:p2','send the INVOICE',1,1);"
-               "UPDATE unified_message SET deleted_at=1 WHERE body='invoice deleted';");
+               "UPDATE unified_message SET deleted_at=1 WHERE body='invoice deleted';"
+               "UPDATE unified_message SET subject='Your invoice' WHERE id='wa:msg:p5';");
     EXPECT_EQ(searchMessages(*m_db, "invoice", 60),
-        (QList<MessageHit> { { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN", "" },
+        (QList<MessageHit> { { "wa:msg:p5", "ct:SMS:5", "Eve", "SMS", "Your invoice: see below", 500, "IN", "" },
+            { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN", "" },
             { "wa:msg:p2", "ct:SMS:2", "Bo", "SMS", "send the INVOICE", 200, "IN", "" },
             { "wa:msg:p1", "ct:SMS:1", "Ana", "SMS", "Invoice 7 is paid", 100, "IN", "" } }));
     EXPECT_EQ(searchMessages(*m_db, "invoice", 1).size(), 1);

@@ -46,7 +46,8 @@ const Table<MessageHit> hits("unified_message m",
         { "cc.contact_id", &MessageHit::contactId },
         { "COALESCE(ct.display_name, cc.contact_id)", &MessageHit::contactName },
         { "cc.channel", &MessageHit::channel },
-        { "COALESCE(NULLIF(m.body,''), at.transcript, '')", &MessageHit::snippet },
+        { "COALESCE(NULLIF(m.subject,'') || ': ', '') || COALESCE(NULLIF(m.body,''), at.transcript, '')",
+            &MessageHit::snippet },
         { "m.ts", &MessageHit::ts },
         { "m.direction", &MessageHit::direction },
         { "ct.avatar_path", &MessageHit::avatarPath, "''" },
@@ -177,10 +178,10 @@ QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int li
 LEFT JOIN contact ct ON ct.id=cc.contact_id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL
-  AND (m.body LIKE ? OR at.transcript LIKE ?)
-  AND COALESCE(NULLIF(m.body,''), at.transcript, '') != ''
+  AND (m.body LIKE ? OR at.transcript LIKE ? OR m.subject LIKE ?)
+  AND COALESCE(NULLIF(m.body,''), at.transcript, m.subject, '') != ''
 ORDER BY m.ts DESC LIMIT ?;)",
-        { pattern, pattern, limit });
+        { pattern, pattern, pattern, limit });
 }
 
 std::optional<int> unreadOf(LocalDB& db, const QString& contactId)
