@@ -228,14 +228,15 @@ TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
                "UPDATE unified_conversation SET contact_id='ct:SMS:1';"
                "INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at)"
                " VALUES('wa:msg:p1','spoken',1,1);"
-               "UPDATE unified_message SET media_type='audio', media_path='/a', status=3 WHERE id='wa:msg:p1';");
+               "UPDATE unified_message SET media_type='audio', media_path='/a', status=3, subject='Plan' "
+               "WHERE id='wa:msg:p1';");
     setReaction(*m_db, "wa:msg:p1", "❤");
     const auto thread = fetchUnifiedThread(*m_db, "ct:EMAIL:x@y.z", 1000);
     ASSERT_EQ(thread.size(), 3);
     EXPECT_EQ(thread[1].body + thread[1].platform, "secondEMAIL");
     EXPECT_EQ(thread[2],
         (UnifiedMsgRow { "wa:msg:p1", "IN", "third", "SMS", "a", "1", "p1", 300, QString("audio"), QString("/a"), "", 3,
-            "❤", QString("spoken") }));
+            "❤", QString("spoken"), "Plan" }));
     EXPECT_EQ(thread[0].mediaType, std::nullopt);
     EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1).first().body, "third") << "the newest where a limit cuts";
     m_db->exec("UPDATE contact_merge SET undone_at=1; UPDATE unified_message SET deleted_at=1 WHERE ts=200;");
