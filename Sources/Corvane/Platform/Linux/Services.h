@@ -9,6 +9,7 @@ class AddressBook;
 class AudioPlayer;
 class CallAudio;
 class Desktop;
+class GlobalShortcuts;
 class MachineFacts;
 class MediaDecoder;
 class Microphone;
@@ -29,6 +30,7 @@ std::unique_ptr<ToolRunner> makeToolRunner();
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< of programs that open something for the user
+std::unique_ptr<GlobalShortcuts> makeGlobalShortcuts();
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<CallAudio> makeCallAudio(Scheduler& scheduler);
 std::unique_ptr<SleepInhibitor> makeSleepInhibitor();

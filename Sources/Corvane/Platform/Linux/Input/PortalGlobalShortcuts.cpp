@@ -1,0 +1,238 @@
+#include "Platform/Linux/Input/PortalGlobalShortcuts.h"
+
+#include "Foundation/Log.h"
+#include "Platform/Linux/Bus/BusObject.h"
+#include "Platform/Linux/Input/X11GlobalShortcuts.h"
+#include "Platform/Linux/Services.h"
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QKeySequence>
+
+namespace corvane {
+
+static QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcut& shortcut)
+{
+    argument.beginStructure();
+    argument << shortcut.id << shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+static const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcut& shortcut)
+{
+    argument.beginStructure();
+    argument >> shortcut.id >> shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+namespace {
+
+using Kind = GlobalShortcutState::Kind;
+
+const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
+    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.GlobalShortcuts") };
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+
+const QString handleToken = QStringLiteral("handle_token");
+const QString triggerDescription = QStringLiteral("trigger_description");
+
+QList<PortalShortcut> shortcutsIn(const QVariant& value)
+{
+    const QVariant plain = unwrapped(value);
+    if (plain.metaType() != QMetaType::fromType<QDBusArgument>())
+        return {};
+    const auto argument = plain.value<QDBusArgument>();
+    return argument.currentSignature() == u"a(sa{sv})" ? qdbus_cast<QList<PortalShortcut>>(argument)
+                                                       : QList<PortalShortcut>();
+}
+
+}
+
+QString portalTrigger(const QString& keys)
+{
+    const QKeySequence sequence(keys, QKeySequence::PortableText);
+    if (sequence.count() != 1)
+        return {};
+    const Qt::KeyboardModifiers held = sequence[0].keyboardModifiers();
+    QString trigger;
+    for (const auto& [modifier, name] : { std::pair { Qt::ControlModifier, "CTRL+" }, { Qt::AltModifier, "ALT+" },
+             { Qt::ShiftModifier, "SHIFT+" }, { Qt::MetaModifier, "LOGO+" } })
+        if (held & modifier)
+            trigger += QLatin1String(name);
+    const QString key = QKeySequence(sequence[0].key()).toString(QKeySequence::PortableText);
+    return trigger + (key.size() == 1 ? key.toLower() : key);
+}
+
+PortalGlobalShortcuts::PortalGlobalShortcuts(const QDBusConnection& bus)
+    : m_bus(bus)
+{
+    qDBusRegisterMetaType<PortalShortcut>();
+    qDBusRegisterMetaType<QList<PortalShortcut>>();
+    const auto on = [&](const char* signal, const char* slot) {
+        m_bus.connect(portal.service, portal.path, portal.interface, QLatin1String(signal), this, slot);
+    };
+    on("Activated", SLOT(onActivated(QDBusMessage)));
+    on("Deactivated", SLOT(onDeactivated(QDBusMessage)));
+    on("ShortcutsChanged", SLOT(onShortcutsChanged(QDBusMessage)));
+}
+
+PortalGlobalShortcuts::~PortalGlobalShortcuts()
+{
+    closeSession();
+}
+
+void PortalGlobalShortcuts::bind(const GlobalShortcut& shortcut)
+{
+    m_shortcuts.removeIf([&](const GlobalShortcut& each) { return each.id == shortcut.id; });
+    m_shortcuts.append(shortcut);
+    setState(shortcut.id, { m_bus.isConnected() ? Kind::Waiting : Kind::Unavailable });
+    bindSoon();
+}
+
+void PortalGlobalShortcuts::release(const QString& id)
+{
+    if (m_shortcuts.removeIf([&](const GlobalShortcut& each) { return each.id == id; }) == 0)
+        return;
+    setState(id, {});
+    m_states.remove(id);
+    bindSoon();
+}
+
+/// One session for all that is bound and released in a turn of the event loop.
+void PortalGlobalShortcuts::bindSoon()
+{
+    if (!m_bus.isConnected() || std::exchange(m_isQueued, true))
+        return;
+    QMetaObject::invokeMethod(this, &PortalGlobalShortcuts::openSession, Qt::QueuedConnection);
+}
+
+void PortalGlobalShortcuts::openSession()
+{
+    m_isQueued = false;
+    closeSession();
+    m_awaited.clear();
+    if (m_shortcuts.isEmpty())
+        return;
+    ask(QStringLiteral("CreateSession"), {},
+        { { QStringLiteral("session_handle_token"), QStringLiteral("corvane_session%1").arg(m_requests) } },
+        &PortalGlobalShortcuts::bindAll);
+}
+
+void PortalGlobalShortcuts::closeSession()
+{
+    if (m_session.isEmpty() || !m_bus.isConnected())
+        return;
+    m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(QStringLiteral("Close")));
+    m_session.clear();
+}
+
+void PortalGlobalShortcuts::bindAll(const QVariantMap& results)
+{
+    m_session = unwrapped(results.value(QStringLiteral("session_handle"))).toString();
+    QList<PortalShortcut> shortcuts;
+    for (const GlobalShortcut& shortcut : std::as_const(m_shortcuts)) {
+        QVariantMap properties { { QStringLiteral("description"), shortcut.description } };
+        if (const QString trigger = portalTrigger(shortcut.keys.value(0)); !trigger.isEmpty())
+            properties[QStringLiteral("preferred_trigger")] = trigger;
+        shortcuts.append({ shortcut.id, properties });
+    }
+    const QString noParent;
+    ask(QStringLiteral("BindShortcuts"),
+        { QVariant::fromValue(QDBusObjectPath(m_session)), QVariant::fromValue(shortcuts), noParent }, {},
+        &PortalGlobalShortcuts::takeShortcuts);
+}
+
+void PortalGlobalShortcuts::takeShortcuts(const QVariantMap& results)
+{
+    setAll({ Kind::Unavailable });
+    const QList<PortalShortcut> bound = shortcutsIn(results.value(QStringLiteral("shortcuts")));
+    for (const PortalShortcut& shortcut : bound)
+        if (m_states.contains(shortcut.id))
+            setState(shortcut.id, { Kind::Bound, unwrapped(shortcut.properties.value(triggerDescription)).toString() });
+}
+
+void PortalGlobalShortcuts::ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then)
+{
+    const QString token = QStringLiteral("corvane%1").arg(++m_requests);
+    options[handleToken] = token;
+    const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
+    const QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2").arg(sender, token);
+    m_awaited[path] = then;
+    // Before the call: the answer may come first.
+    m_bus.connect(
+        portal.service, path, requestInterface, QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
+    callAsync(m_bus, portal.method(method, arguments + QVariantList { options }), this,
+        [this, path](const QDBusMessage& reply) {
+            if (reply.type() != QDBusMessage::ErrorMessage || m_awaited.remove(path) == 0)
+                return;
+            log(QStringLiteral("GlobalShortcuts: ") + reply.errorMessage());
+            setAll({ Kind::Unavailable });
+        });
+}
+
+void PortalGlobalShortcuts::onResponse(const QDBusMessage& response)
+{
+    m_bus.disconnect(portal.service, response.path(), requestInterface, QStringLiteral("Response"), this,
+        SLOT(onResponse(QDBusMessage)));
+    const Answer then = m_awaited.take(response.path());
+    if (!then || response.signature() != u"ua{sv}")
+        return;
+    constexpr uint granted = 0;
+    if (response.arguments().at(0).toUInt() != granted)
+        return setAll({ Kind::Unavailable });
+    (this->*then)(qdbus_cast<QVariantMap>(response.arguments().at(1)));
+}
+
+bool PortalGlobalShortcuts::isOurs(const QDBusMessage& signal) const
+{
+    return !m_session.isEmpty() && signal.arguments().value(0).value<QDBusObjectPath>().path() == m_session;
+}
+
+void PortalGlobalShortcuts::onActivated(const QDBusMessage& signal)
+{
+    const QString id = signal.arguments().value(1).toString();
+    if (isOurs(signal) && m_states.contains(id))
+        Q_EMIT pressed(id);
+}
+
+void PortalGlobalShortcuts::onDeactivated(const QDBusMessage& signal)
+{
+    const QString id = signal.arguments().value(1).toString();
+    if (isOurs(signal) && m_states.contains(id))
+        Q_EMIT released(id);
+}
+
+void PortalGlobalShortcuts::onShortcutsChanged(const QDBusMessage& signal)
+{
+    if (isOurs(signal))
+        takeShortcuts({ { QStringLiteral("shortcuts"), signal.arguments().value(1) } });
+}
+
+void PortalGlobalShortcuts::setAll(const GlobalShortcutState& state)
+{
+    const QStringList ids = m_states.keys();
+    for (const QString& id : ids)
+        setState(id, state);
+}
+
+void PortalGlobalShortcuts::setState(const QString& id, const GlobalShortcutState& state)
+{
+    if (m_states.value(id) == state)
+        return;
+    m_states[id] = state;
+    Q_EMIT stateChanged(id);
+}
+
+std::unique_ptr<GlobalShortcuts> makeGlobalShortcuts()
+{
+    // An X11 grab on Wayland sees only the programs of the old kind.
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        return std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus());
+    return std::make_unique<X11GlobalShortcuts>();
+}
+
+}

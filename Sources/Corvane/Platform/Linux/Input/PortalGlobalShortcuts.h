@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Platform/GlobalShortcuts.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QVariantMap>
+
+namespace corvane {
+
+/// A shortcut as the portal names it.
+struct PortalShortcut {
+    QString id;
+    QVariantMap properties;
+};
+
+/// Such as "CTRL+ALT+n", by the XDG shortcuts specification; empty for what is not one key.
+QString portalTrigger(const QString& keys);
+
+/// The GlobalShortcuts portal, version 1. The desktop chooses the keys and may ask the user; a session takes its
+/// shortcuts once, so each change opens another one.
+class PortalGlobalShortcuts final : public GlobalShortcuts {
+    Q_OBJECT
+public:
+    explicit PortalGlobalShortcuts(const QDBusConnection& bus);
+    ~PortalGlobalShortcuts() override;
+
+    void bind(const GlobalShortcut& shortcut) override;
+    void release(const QString& id) override;
+    GlobalShortcutState state(const QString& id) const override { return m_states.value(id); }
+
+private Q_SLOTS:
+    void onActivated(const QDBusMessage& signal);
+    void onDeactivated(const QDBusMessage& signal);
+    void onShortcutsChanged(const QDBusMessage& signal);
+    void onResponse(const QDBusMessage& response);
+
+private:
+    using Answer = void (PortalGlobalShortcuts::*)(const QVariantMap& results);
+
+    bool isOurs(const QDBusMessage& signal) const; ///< of the open session
+    void bindSoon();
+    void openSession();
+    void closeSession();
+    void bindAll(const QVariantMap& results); ///< the session is open
+    void takeShortcuts(const QVariantMap& results); ///< what the desktop bound
+    void ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then);
+    void setAll(const GlobalShortcutState& state);
+    void setState(const QString& id, const GlobalShortcutState& state);
+
+    QDBusConnection m_bus;
+    QList<GlobalShortcut> m_shortcuts;
+    QHash<QString, GlobalShortcutState> m_states;
+    QString m_session; ///< the path of the open one, or empty
+    QHash<QString, Answer> m_awaited; ///< by the path of the request; of the latest session alone
+    int m_requests = 0;
+    bool m_isQueued = false;
+};
+
+}
+
+Q_DECLARE_METATYPE(corvane::PortalShortcut)

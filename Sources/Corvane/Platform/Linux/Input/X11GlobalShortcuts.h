@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Platform/GlobalShortcuts.h"
+
+#include <QHash>
+#include <memory>
+#include <xcb/xcb.h>
+
+class QSocketNotifier;
+struct _XCBKeySymbols;
+
+namespace corvane {
+
+struct XcbDisconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+using XcbConnection = std::unique_ptr<xcb_connection_t, XcbDisconnect>;
+
+/// A key and what is held with it, as the X server numbers them.
+struct XKey {
+    uint32_t symbol = 0;
+    uint16_t modifiers = 0;
+
+    bool operator==(const XKey&) const = default;
+};
+
+/// Nothing for what is not one key, or a key without a symbol here.
+std::optional<XKey> xKeyOf(const QString& keys);
+
+/// Passive grabs on the root window, on a connection of its own: it works without a window and without Qt's plug-in.
+/// NumLock and CapsLock make no difference. Ends with the X server, then every shortcut is unavailable.
+class X11GlobalShortcuts final : public GlobalShortcuts {
+public:
+    explicit X11GlobalShortcuts(const QByteArray& display = {}); ///< empty: the one of the environment
+    ~X11GlobalShortcuts() override;
+
+    void bind(const GlobalShortcut& shortcut) override;
+    void release(const QString& id) override;
+    GlobalShortcutState state(const QString& id) const override;
+
+private:
+    struct Grab {
+        GlobalShortcut shortcut;
+        GlobalShortcutState state;
+        XKey key;
+        QList<xcb_keycode_t> codes; ///< several keys may carry a symbol
+        bool isDown = false;
+    };
+
+    void read();
+    void handle(const xcb_generic_event_t& event);
+    void handleKey(const xcb_key_press_event_t& event, bool isPress);
+    void grabFirstFree(Grab& grab);
+    bool grabKey(const XKey& key, const QList<xcb_keycode_t>& codes);
+    void ungrabKey(const XKey& key, const QList<xcb_keycode_t>& codes);
+    QList<xcb_keycode_t> codesOf(const XKey& key) const;
+    void grabAgain(); ///< another layout has its keys elsewhere
+    void loseServer();
+
+    XcbConnection m_connection;
+    std::unique_ptr<_XCBKeySymbols, void (*)(_XCBKeySymbols*)> m_symbols;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    xcb_window_t m_root = 0;
+    QHash<QString, Grab> m_grabs;
+};
+
+}

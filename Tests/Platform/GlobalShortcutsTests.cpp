@@ -1,0 +1,204 @@
+#include "Platform/Linux/Input/PortalGlobalShortcuts.h"
+#include "Platform/Linux/Input/X11GlobalShortcuts.h"
+
+#include "Support/Await.h"
+#include "Support/PrivateBus.h"
+
+#include <QDBusContext>
+#include <QDBusObjectPath>
+#include <QProcess>
+#include <gtest/gtest.h>
+#include <xcb/xtest.h>
+
+using namespace corvane;
+using Kind = GlobalShortcutState::Kind;
+
+namespace {
+
+/// An X server without a screen, and a keyboard at it.
+class XServer {
+public:
+    XServer()
+    {
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server.start("Xvfb", { "-displayfd", "1", "-nolisten", "tcp", "-noreset", "-screen", "0", "64x64x24" });
+        while (m_server.waitForReadyRead() && !m_server.canReadLine()) { }
+        display = ':' + m_server.readLine().trimmed();
+        m_keyboard.reset(xcb_connect(display.constData(), nullptr));
+    }
+    ~XServer() { stop(); }
+
+    void stop()
+    {
+        m_server.terminate();
+        m_server.waitForFinished();
+    }
+
+    void send(const QList<std::pair<uint8_t, xcb_keycode_t>>& events)
+    {
+        for (const auto& [type, code] : events)
+            xcb_test_fake_input(m_keyboard.get(), type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(m_keyboard.get());
+    }
+    void hold(xcb_keycode_t code) { send({ { XCB_KEY_PRESS, code } }); }
+    void letGo(xcb_keycode_t code) { send({ { XCB_KEY_RELEASE, code } }); }
+
+    QByteArray display;
+
+private:
+    QProcess m_server;
+    XcbConnection m_keyboard;
+};
+
+// Of a PC keyboard.
+constexpr xcb_keycode_t control = 37;
+constexpr xcb_keycode_t alt = 64;
+constexpr xcb_keycode_t shift = 50;
+constexpr xcb_keycode_t numLock = 77;
+constexpr xcb_keycode_t letterN = 57;
+
+QStringList& heardFrom(GlobalShortcuts& shortcuts, QStringList& heard)
+{
+    QObject::connect(&shortcuts, &GlobalShortcuts::pressed, &shortcuts, [&](const QString& id) { heard << id; });
+    QObject::connect(
+        &shortcuts, &GlobalShortcuts::released, &shortcuts, [&](const QString& id) { heard << id + " up"; });
+    return heard;
+}
+
+/// The portal of a desktop that binds what it is asked for, but for "taken".
+class ShortcutsPortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.GlobalShortcuts")
+public:
+    explicit ShortcutsPortal(const QDBusConnection& client)
+        : bus(client)
+    {
+        bus.registerObject("/org/freedesktop/portal/desktop", this,
+            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals);
+        bus.registerService("org.freedesktop.portal.Desktop");
+    }
+
+    QDBusConnection bus;
+    QStringList bound;
+    uint answer = 0;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusObjectPath CreateSession(const QVariantMap& options)
+    {
+        return respond(options, { { "session_handle", "/session/" + options["session_handle_token"].toString() } });
+    }
+    Q_SCRIPTABLE QDBusObjectPath BindShortcuts(const QDBusObjectPath& session,
+        const QList<corvane::PortalShortcut>& shortcuts, const QString& /*parent*/, const QVariantMap& options)
+    {
+        QList<PortalShortcut> granted;
+        for (PortalShortcut shortcut : shortcuts) {
+            const QString trigger = shortcut.properties["preferred_trigger"].toString();
+            bound << session.path() + ' ' + shortcut.id + ' ' + trigger;
+            shortcut.properties["trigger_description"] = "Press " + trigger;
+            if (shortcut.id != "taken")
+                granted << shortcut;
+        }
+        return respond(options, { { "shortcuts", QVariant::fromValue(granted) } });
+    }
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void Activated(
+        const QDBusObjectPath& session, const QString& id, qulonglong time, const QVariantMap& options);
+
+private:
+    QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
+    {
+        const QString path = QString("/org/freedesktop/portal/desktop/request/%1/%2")
+                                 .arg(message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
+        auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
+        bus.send(response << answer << results);
+        return QDBusObjectPath(path);
+    }
+};
+
+}
+
+TEST(X11GlobalShortcutsTest, aKeyWorksFromTheBackgroundOnceForEachPress)
+{
+    XServer server;
+    X11GlobalShortcuts shortcuts(server.display);
+    QStringList heard;
+    heardFrom(shortcuts, heard);
+    shortcuts.bind({ "capture", "", { "Ctrl+Alt+N" } });
+    EXPECT_EQ(shortcuts.state("capture"), (GlobalShortcutState { Kind::Bound, "Ctrl+Alt+N" }));
+
+    server.send({ { XCB_KEY_PRESS, numLock }, { XCB_KEY_RELEASE, numLock } });
+    server.hold(control);
+    server.hold(alt);
+    server.hold(letterN);
+    ASSERT_TRUE(await([&] { return heard == QStringList { "capture" }; }));
+    server.hold(letterN); // as it repeats
+    server.letGo(letterN);
+    ASSERT_TRUE(await([&] { return heard == QStringList({ "capture", "capture up" }); }));
+    server.hold(shift); // another key altogether
+    server.hold(letterN);
+    server.letGo(letterN);
+    server.letGo(shift);
+    shortcuts.bind({ "capture", "", { "Ctrl+Alt+M", "Ctrl+Alt+N" } });
+    server.hold(letterN);
+    server.letGo(letterN);
+    shortcuts.bind({ "dictate", "", { "Ctrl+Alt+N" } });
+    server.hold(letterN);
+    ASSERT_TRUE(await([&] { return heard.size() == 3; }));
+    EXPECT_EQ(heard.last(), "dictate");
+}
+
+TEST(X11GlobalShortcutsTest, aKeyOfAnotherProgramIsNamedAndTheNextOneServes)
+{
+    XServer server;
+    X11GlobalShortcuts other(server.display);
+    other.bind({ "theirs", "", { "Ctrl+Alt+N" } });
+    X11GlobalShortcuts shortcuts(server.display);
+    shortcuts.bind({ "capture", "", { "Ctrl+Alt+N" } });
+    EXPECT_EQ(shortcuts.state("capture"), (GlobalShortcutState { Kind::Taken, "Ctrl+Alt+N" }));
+    shortcuts.bind({ "capture", "", { "Ctrl+Alt+N", "no key", "Ctrl+Alt+Shift+N" } });
+    EXPECT_EQ(shortcuts.state("capture"), (GlobalShortcutState { Kind::Bound, "Ctrl+Alt+Shift+N" }));
+    other.release("theirs");
+    shortcuts.bind({ "capture", "", { "Ctrl+Alt+N" } });
+    EXPECT_EQ(shortcuts.state("capture").kind, Kind::Bound);
+
+    server.stop();
+    ASSERT_TRUE(await([&] { return shortcuts.state("capture").kind == Kind::Unavailable; }));
+    shortcuts.bind({ "late", "", { "F9" } });
+    EXPECT_EQ(shortcuts.state("late").kind, Kind::Unavailable);
+    EXPECT_EQ(X11GlobalShortcuts(":no display").state("capture").kind, Kind::Unbound);
+}
+
+TEST(PortalGlobalShortcutsTest, theDesktopBindsThemInOneSession)
+{
+    PrivateBus bus;
+    PortalGlobalShortcuts shortcuts(bus.connect());
+    QStringList heard;
+    heardFrom(shortcuts, heard);
+    shortcuts.bind({ "early", "", { "F9" } });
+    bus.settle();
+    EXPECT_EQ(shortcuts.state("early").kind, Kind::Unavailable) << "no portal";
+
+    ShortcutsPortal portal(bus.connect());
+    shortcuts.release("early");
+    shortcuts.bind({ "capture", "Capture a task", { "Ctrl+Alt+N" } });
+    shortcuts.bind({ "taken", "", { "Meta+Shift+F5" } });
+    EXPECT_EQ(shortcuts.state("capture").kind, Kind::Waiting);
+    ASSERT_TRUE(await([&] { return shortcuts.state("taken").kind == Kind::Unavailable; }));
+    EXPECT_EQ(shortcuts.state("capture"), (GlobalShortcutState { Kind::Bound, "Press CTRL+ALT+n" }));
+    ASSERT_EQ(portal.bound.size(), 2);
+    EXPECT_TRUE(portal.bound[1].endsWith("taken SHIFT+LOGO+F5")) << portal.bound[1].toStdString();
+
+    const QDBusObjectPath session(portal.bound[0].section(' ', 0, 0));
+    Q_EMIT portal.Activated(QDBusObjectPath("/session/of_another"), "capture", 0, {});
+    Q_EMIT portal.Activated(session, "capture", 1, {});
+    EXPECT_TRUE(await([&] { return !heard.isEmpty(); }));
+    EXPECT_EQ(heard, QStringList("capture"));
+
+    portal.answer = 1; // the user said no
+    shortcuts.bind({ "dictate", "", { "F8" } });
+    ASSERT_TRUE(await([&] { return shortcuts.state("dictate").kind == Kind::Unavailable; }));
+    EXPECT_EQ(shortcuts.state("capture").kind, Kind::Unavailable);
+}
+
+#include "GlobalShortcutsTests.moc"
