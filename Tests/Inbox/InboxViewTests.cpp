@@ -94,6 +94,12 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     clock.advance(seconds(5));
     EXPECT_EQ(column(inbox.thread()->rows(), "highlighted").last(), "false");
 
+    receive(ben, "Yes.\n> an old invoice");
+    EXPECT_EQ(column(inbox.thread()->rows(), "quote").last(), "");
+    type("invoice");
+    inbox.openHit("wa:msg:m4");
+    EXPECT_EQ(column(inbox.thread()->rows(), "quote").last(), "an old invoice") << "what was found is shown";
+
     type("zebra");
     EXPECT_TRUE(inbox.isEmpty());
     EXPECT_EQ(inbox.emptyTitle(), "No conversations match “zebra”");

@@ -205,6 +205,23 @@ TEST(ThreadRow, aTextIsShownOnce)
     EXPECT_EQ(shownRows({ message(noon, "IN", "") }, surroundings).last().spoken, "Ana Ruiz, 12:00: hello");
 }
 
+TEST(ThreadRow, theQuotedTailOfAMailIsFoldedAndNotLost)
+{
+    UnifiedMsgRow mail = message(noon);
+    mail.body = "Yes.\n\n> Shall we?";
+    const ThreadRow shown = shownRows({ mail })[1];
+    EXPECT_EQ(shown.body, "Yes.");
+    EXPECT_EQ(shown.quoteLabel, "Show quoted text");
+    EXPECT_EQ(shown.quote, "");
+    ThreadSurroundings surroundings;
+    surroundings.unfolded = { mail.id };
+    const ThreadRow whole = shownRows({ mail }, surroundings)[1];
+    EXPECT_EQ(whole.quote, "Shall we?");
+    EXPECT_EQ(whole.quoteLabel, "Hide quoted text");
+    EXPECT_EQ(shownRows({ message(noon) })[1].quoteLabel, "");
+    EXPECT_EQ(bubble::readableText(mail), "Yes. > Shall we?");
+}
+
 TEST(ThreadRow, aBookIsShownInPartAndCopiedWhole)
 {
     const QString book(50'000'000, u'b');

@@ -1,5 +1,6 @@
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/MailText.h"
 #include "Presentation/WAName.h"
 #include "Support/Print.h"
 
@@ -116,4 +117,29 @@ TEST(DateWords, theNextDayBeginsWhenTheClocksChangeToo)
 {
     EXPECT_EQ(nextMidnightMs(at(2025, 3, 30, 0, 30)), at(2025, 3, 31)) << "a day of 23 hours";
     EXPECT_EQ(nextMidnightMs(at(2025, 10, 26)), at(2025, 10, 27)) << "a day of 25 hours";
+}
+
+TEST(MailText, aQuotedTailReachesToTheEndAndFollowsSomething)
+{
+    const std::tuple<QString, QString, QString> cases[] {
+        { "Yes.\n\n> On Monday Ana wrote:\n> > older\n>\n> newer\n\n", "Yes.",
+            "On Monday Ana wrote:\n> older\n\nnewer" },
+        { "Yes.\n> asked\nand no.", "Yes.\n> asked\nand no.", "" },
+        { "\n> all of it\n> is quoted", "\n> all of it\n> is quoted", "" },
+        { "a > b\n", "a > b", "" },
+        { "", "", "" },
+    };
+    for (const auto& [body, head, quote] : cases) {
+        const qsizetype start = MailText::quoteStart(body);
+        EXPECT_EQ(body.first(start).trimmed(), head.trimmed());
+        EXPECT_EQ(MailText::unquoted(body.sliced(start)), quote);
+    }
+}
+
+TEST(MailText, subjectsAreComparedWithoutWhatRepliesPutBeforeThem)
+{
+    for (const QString& subject : { "Plan", "Re: Plan", " RE[2]:Fwd: AW:  Plan ", "Fw : Plan" })
+        EXPECT_EQ(MailText::plainSubject(subject), "Plan");
+    EXPECT_EQ(MailText::plainSubject("Recipe: Plan"), "Recipe: Plan");
+    EXPECT_EQ(MailText::plainSubject("Re:"), "");
 }

@@ -134,7 +134,7 @@ void InboxView::openHit(const QString& messageId)
 
 void InboxView::jumpTo(const QString& messageId)
 {
-    if (!m_thread.show(messageId))
+    if (!m_thread.show(messageId, m_search))
         return;
     m_jumpMsgId = messageId;
     Q_EMIT jumped();

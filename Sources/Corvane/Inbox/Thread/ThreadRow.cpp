@@ -5,6 +5,7 @@
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/MailText.h"
 #include "Presentation/WAName.h"
 
 #include <algorithm>
@@ -38,6 +39,26 @@ QString mediaStateWord(MediaState::Kind kind)
         return QStringLiteral("refused");
     }
     return {};
+}
+
+/// Takes the quoted tail of a mail from the row, and shows it where the person wants it; returns how much of it is left
+/// out then.
+qsizetype foldQuote(ThreadRow& shown, UnifiedMsgRow& row, const ThreadSurroundings& surroundings, qsizetype length)
+{
+    const qsizetype start = MailText::quoteStart(row.body);
+    if (start == row.body.size())
+        return 0;
+    const bool isFolded = !surroundings.unfolded.contains(row.id);
+    shown.quoteLabel = isFolded ? QStringLiteral("Show quoted text") : QStringLiteral("Hide quoted text");
+    qsizetype hidden = 0;
+    if (!isFolded) {
+        const auto quote = BodyText::shown(row.body.sliced(start), length);
+        shown.quote = MailText::unquoted(quote.text);
+        hidden = quote.hidden;
+    }
+    row.body.truncate(start);
+    row.body = row.body.trimmed();
+    return hidden;
 }
 
 /// Cuts what may be a whole book, which to lay out would hold the window; returns how much is left out.
@@ -105,7 +126,9 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
 {
     ThreadRow shown;
     UnifiedMsgRow row = message.row;
-    shown.moreText = BodyText::moreText(shorten(row, surroundings.lengths.value(row.id, firstBodyLength)));
+    const qsizetype length = surroundings.lengths.value(row.id, firstBodyLength);
+    const qsizetype ofQuote = foldQuote(shown, row, surroundings, length);
+    shown.moreText = BodyText::moreText(shorten(row, length) + ofQuote);
     shown.id = row.id;
     shown.outgoing = row.direction == QStringLiteral("OUT");
     shown.grouped = message.grouped;

@@ -4,6 +4,7 @@
 #include "Inbox/Thread/ThreadBuilder.h"
 
 #include <QMetaType>
+#include <QSet>
 
 namespace corvane {
 
@@ -18,6 +19,8 @@ class ThreadRow {
     Q_PROPERTY(bool showTime MEMBER showTime)
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString quote MEMBER quote)
+    Q_PROPERTY(QString quoteLabel MEMBER quoteLabel)
     Q_PROPERTY(QString moreText MEMBER moreText)
     Q_PROPERTY(QString unreadText MEMBER unreadText)
     Q_PROPERTY(QString senderLabel MEMBER senderLabel)
@@ -44,6 +47,8 @@ public:
     bool showTime = false; ///< the last bubble of its run: time and ticks are shown
     QString timeText;
     QString body; ///< text of the bubble; empty where the medium's title says it already
+    QString quote; ///< the quoted tail of a mail, while it is not folded
+    QString quoteLabel; ///< of what shows or folds the quoted tail; empty where there is none
     QString moreText; ///< the label of what shows more of a long body, else empty
     QString unreadText; ///< above the first message that was unread when the thread was opened: "3 unread messages"
     QString senderLabel; ///< group chats: first bubble of a run
@@ -78,6 +83,7 @@ struct ThreadSurroundings {
     QString firstUnreadId;
     int unread = 0; ///< how many messages are unread from that one on
     QHash<QString, qsizetype> lengths = {}; ///< of bodies that a person wanted to see more of
+    QSet<QString> unfolded = {}; ///< messages whose quoted tail is shown
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
     std::function<QStringList(const UnifiedMsgRow& row)> mediaPlaces; ///< where the file of a message may lie
 };

@@ -5,6 +5,7 @@
 #include "Foundation/Text.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/MailText.h"
 
 #include <algorithm>
 
@@ -18,6 +19,16 @@ constexpr qsizetype screenful = 16; ///< rows, about
 constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
 const QString whatsApp = QStringLiteral("WHATSAPP");
+
+/// Whether some of the words stand in the quoted tail alone.
+bool isInQuote(const QString& body, const QString& words)
+{
+    const qsizetype start = MailText::quoteStart(body);
+    const QString head = folded(body.first(start));
+    const QString quote = folded(body.sliced(start));
+    return std::ranges::any_of(folded(words).split(u' ', Qt::SkipEmptyParts),
+        [&](const QString& word) { return quote.contains(word) && !head.contains(word); });
+}
 
 }
 
@@ -62,6 +73,7 @@ void ThreadView::open(const ContactRow& contact, int unread)
         m_unread = unread;
         m_firstUnreadId.clear();
         m_lengths.clear();
+        m_unfolded.clear();
         m_highlightId.clear();
         m_highlightEnd.reset();
         m_loadingMore.reset();
@@ -140,7 +152,7 @@ void ThreadView::showOldest()
     presentWindow();
 }
 
-bool ThreadView::show(const QString& messageId)
+bool ThreadView::show(const QString& messageId, const QString& words)
 {
     if (!message(messageId)) {
         if (!m_window.showAround(messageId)) {
@@ -150,6 +162,8 @@ bool ThreadView::show(const QString& messageId)
         presentWindow();
     }
     m_reading.setNewestInSight(false); // the window tells where that message stands
+    if (isInQuote(message(messageId)->body, words))
+        m_unfolded.insert(messageId);
     highlight(messageId);
     return true;
 }
@@ -225,6 +239,13 @@ void ThreadView::showMore(const QString& messageId)
     present();
 }
 
+void ThreadView::toggleQuote(const QString& messageId)
+{
+    if (!m_unfolded.remove(messageId))
+        m_unfolded.insert(messageId);
+    present();
+}
+
 QString ThreadView::readableText(const QString& messageId) const
 {
     const UnifiedMsgRow* row = message(messageId);
@@ -249,6 +270,7 @@ void ThreadView::present(Opening opening)
             .firstUnreadId = m_firstUnreadId,
             .unread = m_unread,
             .lengths = m_lengths,
+            .unfolded = m_unfolded,
             .download = [this](const QString& messageId) { return m_engine.mediaDownloadStatus(messageId); },
             .mediaPlaces =
                 [this](const UnifiedMsgRow& row) {

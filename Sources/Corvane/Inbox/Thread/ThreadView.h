@@ -49,7 +49,9 @@ public:
     /// above them stays until another thread is opened.
     void open(const ContactRow& contact, int unread = 0);
     void reload();
-    bool show(const QString& messageId); ///< with its surroundings, highlighted for a moment; false where it is gone
+    /// With its surroundings, highlighted for a moment; false where it is gone. Its quoted tail is shown where words
+    /// that were searched for stand only there.
+    bool show(const QString& messageId, const QString& words = {});
 
     const QString& firstUnreadId() const { return m_firstUnreadId; }
     const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
@@ -63,6 +65,7 @@ public:
     Q_INVOKABLE void fetchMedia(const QString& messageId); ///< the download and the retry control
     Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
     Q_INVOKABLE void showMore(const QString& messageId); ///< of a long body
+    Q_INVOKABLE void toggleQuote(const QString& messageId); ///< shows or folds the quoted tail of a mail
     Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying and reading aloud
     Q_INVOKABLE int rowOf(const QString& messageId) const; ///< -1 where the thread does not show it
     Q_INVOKABLE void dismissError() { setError({}); }
@@ -98,6 +101,7 @@ private:
     QDate m_today; ///< as the rows were made for
     QString m_firstUnreadId;
     QHash<QString, qsizetype> m_lengths; ///< of long bodies, as shown now
+    QSet<QString> m_unfolded; ///< messages whose quoted tail is shown
     QString m_highlightId;
     std::unique_ptr<Timer> m_highlightEnd;
     std::unique_ptr<Timer> m_loadingMore;

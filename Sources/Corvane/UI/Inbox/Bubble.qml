@@ -22,7 +22,7 @@ Rectangle {
 
     implicitWidth: Math.max(content.implicitWidth + padding * 2, timed ? stamp.width + padding * 2 : 0)
     implicitHeight: content.implicitHeight + 16 + (stampBelow ? stamp.height + 2 : 0)
-    readonly property bool stampBelow: timed && (rightToLeft || !text.visible)
+    readonly property bool stampBelow: timed && (rightToLeft || !text.visible || message.quoteLabel !== "" || message.moreText !== "")
     radius: Theme.bubbleRadius
     color: bare ? Theme.none : message.outgoing ? Theme.tint : Theme.surface
     border.width: bare || message.outgoing ? 0 : 1
@@ -66,12 +66,24 @@ Rectangle {
             text: bubble.message.body + (bubble.timed && !bubble.rightToLeft ? " " + "\u00a0".repeat(Math.ceil(stamp.width / 3.6) + 2) : "")
             Accessible.ignored: true
         }
-        Button {
-            visible: bubble.message.moreText !== ""
-            implicitHeight: 28
-            kind: "quiet"
-            text: bubble.message.moreText
-            onClicked: bubble.inbox.thread.showMore(bubble.message.id)
+        Loader {
+            active: bubble.message.quoteLabel !== ""
+            visible: active
+            sourceComponent: Quotation {
+                message: bubble.message
+                thread: bubble.inbox.thread
+                maximumWidth: bubble.maximumWidth - bubble.padding * 2
+            }
+        }
+        Loader {
+            active: bubble.message.moreText !== ""
+            visible: active
+            sourceComponent: Button {
+                implicitHeight: 28
+                kind: "quiet"
+                text: bubble.message.moreText
+                onClicked: bubble.inbox.thread.showMore(bubble.message.id)
+            }
         }
         Label {
             visible: bubble.message.transcript !== ""
