@@ -21,6 +21,22 @@ constexpr Milliseconds gap { 10 };
 
 }
 
+QList<QJsonObject> eventsIn(QByteArrayView lines)
+{
+    QList<QJsonObject> events;
+    for (QByteArrayView rest = lines; !rest.isEmpty();) {
+        const QByteArrayView line = rest.first(rest.indexOf('\n'));
+        rest = rest.sliced(line.size() + 1);
+        const qsizetype mark = line.indexOf(sentinel);
+        if (mark < 0)
+            continue;
+        const QByteArrayView text = line.sliced(mark + sentinel.size());
+        if (auto event = jsonObject(QByteArray::fromRawData(text.data(), text.size())))
+            events.append(*std::move(event));
+    }
+    return events;
+}
+
 std::shared_ptr<EngineStream> EngineLines::open(Receiver receiver)
 {
     return std::make_shared<EngineStream>(*this, std::move(receiver));
@@ -98,16 +114,8 @@ EngineStream::EngineStream(EngineLines& lines, EngineLines::Receiver receiver)
 
 void EngineStream::append(const OutputChunk& chunk)
 {
-    for (QByteArrayView rest = chunk.lines; !rest.isEmpty();) {
-        const QByteArrayView line = rest.first(rest.indexOf('\n'));
-        rest = rest.sliced(line.size() + 1);
-        const qsizetype mark = line.indexOf(sentinel);
-        if (mark < 0)
-            continue;
-        const QByteArrayView text = line.sliced(mark + sentinel.size());
-        if (auto event = jsonObject(QByteArray::fromRawData(text.data(), text.size())))
-            m_events.push_back({ *std::move(event), chunk.hold });
-    }
+    for (QJsonObject& event : eventsIn(chunk.lines))
+        m_events.push_back({ std::move(event), chunk.hold });
     if (hasNext())
         m_lines.wake(shared_from_this());
 }

@@ -53,6 +53,9 @@ private:
     qint64 m_endMs = 0; ///< of the last group
 };
 
+/// The objects behind the sentinel in whole lines, in order.
+QList<QJsonObject> eventsIn(QByteArrayView lines);
+
 /// The standard output of one engine.
 class EngineStream : public std::enable_shared_from_this<EngineStream> {
 public:

@@ -275,6 +275,19 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
     return spec;
 }
 
+ProcessSpec mailProbeSpec(const AppPaths& paths, const QString& mode, const QString& address, const QString& secret)
+{
+    ProcessSpec spec = nodeSpec(paths, entryScript(Channel::Email), 128);
+    spec.arguments.append(mode);
+    spec.environment.insert(QStringLiteral("EMAIL_USER"), address);
+    if (secret.isEmpty())
+        spec.environment.remove(QStringLiteral("EMAIL_PASS"));
+    else
+        spec.environment.insert(QStringLiteral("EMAIL_PASS"), secret);
+    spec.environment.remove(markVariable);
+    return spec;
+}
+
 QString engineMark(const AppPaths& paths, const Account& account)
 {
     return markVariable + u'=' + markOf(paths, account);
@@ -289,8 +302,12 @@ QString exitWords(const ProcessSpec& spec, int code)
         return QStringLiteral("Node was not found. ") + neededNode;
     if (code == nodeRefusedItsOptions)
         return QStringLiteral("%1 is too old. ").arg(spec.executable) + neededNode;
-    if (const QString script = spec.arguments.value(spec.arguments.size() - 1); code > 0 && !QFileInfo::exists(script))
-        return QStringLiteral("The engine's program is missing: ") + script;
+    const auto isScript = [](const QString& argument) {
+        return argument.endsWith(QLatin1StringView(".ts"));
+    };
+    const auto script = std::ranges::find_if(spec.arguments, isScript);
+    if (code > 0 && script != spec.arguments.end() && !QFileInfo::exists(*script))
+        return QStringLiteral("The engine's program is missing: ") + *script;
     return code == 0 ? QStringLiteral("Ended by itself") : QStringLiteral("Ended with exit code %1").arg(code);
 }
 

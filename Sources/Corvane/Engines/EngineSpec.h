@@ -29,6 +29,10 @@ bool keepsSecret(Channel channel);
 /// How to start the engine of an account. Reads the account's secret.
 ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account& account);
 
+/// How to run the e-mail engine in one of the modes of the connect sheet, before there is an account. The secret stays
+/// out of the environment where it is empty.
+ProcessSpec mailProbeSpec(const AppPaths& paths, const QString& mode, const QString& address, const QString& secret);
+
 /// "NAME=value" in the environment of the account's engine and of what it starts: which profile and account they
 /// work for.
 QString engineMark(const AppPaths& paths, const Account& account);
