@@ -3,6 +3,7 @@
 // still, so that each run draws the same.
 
 #include "gallery-approvals.h"
+#include "gallery-connect.h"
 #include "gallery-machine.h"
 #include "gallery-terminal.h"
 
@@ -36,8 +37,6 @@ using namespace corvane;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-enum class Look { Light, Dark, LightSmall, DarkSmall };
 
 class Gallery {
 public:
@@ -440,13 +439,9 @@ void Gallery::settingsScreens()
     save(u"settings-pairing"_s, { Look::Light, Look::Dark });
     m_screens.settings.pairing()->close();
     wait(Milliseconds(200));
-    for (const auto& [channel, look] : { std::pair(u"SLACK"_s, Look::Light), std::pair(u"EMAIL"_s, Look::Dark),
-             std::pair(u"SMS"_s, Look::LightSmall) }) {
-        if (QQuickItem* tile = item(u"connect."_s + channel))
-            QMetaObject::invokeMethod(tile, "clicked");
-        save(u"settings-connect-"_s + channel.toLower(), { look });
-        press(Qt::Key_Escape);
-    }
+    drawConnectSheets(
+        m_screens.settings, [this](Milliseconds pause) { wait(pause); },
+        [this](const QString& name, Look look) { save(name, { look }); });
     m_screens.settings.setSection(u"approvals"_s);
     m_screens.settings.controlChat()->choose(conversationId(u"taller-vidal"_s, u"34600000109@s.whatsapp.net"_s));
     save(u"settings-approvals"_s, { Look::Light, Look::Dark });

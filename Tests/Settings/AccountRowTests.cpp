@@ -110,7 +110,8 @@ TEST(AccountRowActions, dependOnTheStateAndTheChannel)
         QStringList({ "Sync now", "Pause (free RAM)", "Re-login (reset session)!", "Remove!" }));
     EXPECT_EQ(actionLabels("INSTAGRAM", WAStatus::Connected),
         QStringList({ "Pause (free RAM)", "Re-login (reset session)!", "Remove!" }));
-    EXPECT_EQ(actionLabels("TELEGRAM", WAStatus::Error), QStringList({ "Start", "Remove!" }));
+    EXPECT_EQ(actionLabels("TELEGRAM", WAStatus::Error), QStringList({ "Start", "Edit account", "Remove!" }));
+    EXPECT_EQ(actionLabels("EMAIL", WAStatus::LoggedOut), QStringList({ "Edit account", "Start", "Remove!" }));
 }
 
 TEST(AccountRowActions, secretsBelongToTheChannelsThatAskedForOne)

@@ -30,11 +30,14 @@ protected:
     }
 
     /// Connects a channel whose engine then runs.
-    QString connectAccount(const QString& channel, const QVariantMap& values = {})
+    QString connectAccount(const QString& channel, const ConnectValues& values = {})
     {
         world.launcher.expect(FakeLauncher::stays());
-        EXPECT_TRUE(view.canConnect(channel, values));
-        EXPECT_TRUE(view.connectAccount(channel, values));
+        view.connectChannel(channel);
+        for (int i = 0; i < view.connectForm()->fieldCount(); ++i)
+            view.connectForm()->field(i)->type(values.value(view.connectForm()->field(i)->id()));
+        view.connectForm()->submit();
+        EXPECT_FALSE(view.connectForm()->isOpen());
         return accounts.accounts().last().id.toString(QUuid::WithoutBraces);
     }
 
@@ -52,7 +55,7 @@ protected:
     AccountStore accounts { world.home.paths().applicationSupport };
     FakeLumo lumo;
     IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
-        world.home.paths(), lumo } };
+        world.home.paths(), lumo, world.launcher } };
     QAbstractItemModel* model = view.accounts();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
@@ -89,13 +92,12 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
 {
     struct Case {
         QString channel;
-        QVariantMap values;
+        ConnectValues values;
         QString slug;
         QString secret;
     };
     const QList<Case> cases {
         { "LINKEDIN", {}, "linkedin", "none" },
-        { "EMAIL", { { "email", " ana@b.example" }, { "password", "app pass" } }, "ana-b-example", "app pass" },
         { "TELEGRAM", { { "token", "1:a " } }, "telegram", "1:a" },
         { "DISCORD", { { "token", "d" } }, "discord", "d" },
         { "SLACK", { { "appToken", " xapp-1" }, { "botToken", "xoxb-2" } }, "slack",
@@ -115,12 +117,32 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
         EXPECT_TRUE(world.engines.isRunning(account));
         EXPECT_FALSE(view.pairing()->isOpen());
     }
-    EXPECT_EQ(accounts.accounts()[1].email, "ana@b.example");
-    EXPECT_FALSE(view.connectAccount("EMAIL", { { "email", "ana" }, { "password", "x" } }));
+    view.connectChannel("DISCORD");
+    EXPECT_FALSE(view.connectForm()->complete());
+    view.connectForm()->submit();
     EXPECT_EQ(accounts.accounts().size(), cases.size()) << "a sheet whose rule does not hold adds nothing";
     EXPECT_EQ(column("channelLabel"),
-        QStringList(
-            { "LinkedIn", "Email", "Telegram", "Discord", "Slack", "Instagram", "Messenger", "SMS", "iMessage" }));
+        QStringList({ "LinkedIn", "Telegram", "Discord", "Slack", "Instagram", "Messenger", "SMS", "iMessage" }));
+}
+
+TEST_F(Settings, anAccountWhoseTokenIsRefusedIsGivenAnotherAndStartsAnew)
+{
+    const QString id = connectAccount("SLACK", { { "appToken", "xapp-1" }, { "botToken", "xoxb-2" } });
+    report({ { "type", "status" }, { "state", "logged_out" } });
+    EXPECT_EQ(view.accounts()->index(0, 0).data(view.accounts()->roleNames().key("first")).value<AccountAction>().label,
+        "Edit account");
+    view.perform(id, "edit");
+    ConnectForm& form = *view.connectForm();
+    EXPECT_EQ(form.title(), "Edit Slack");
+    ASSERT_EQ(form.fieldCount(), 2);
+    EXPECT_EQ(form.field(0)->text(), "xapp-1");
+    form.field(1)->type("xoxb-3");
+    form.submit();
+    world.launcher.expect(FakeLauncher::stays());
+    world.launcher.last().exit();
+    world.settle();
+    EXPECT_EQ(accounts.accounts().size(), 1);
+    EXPECT_EQ(world.launcher.last().spec.environment.value("SLACK_BOT_TOKEN"), "xoxb-3");
 }
 
 TEST_F(Settings, rowsStandByChannelAndOnlyTheOneThatChangedIsRedrawn)

@@ -1,5 +1,7 @@
 #include "Store/Core/StoreHealth.h"
 #include "Support/Await.h"
+#include "Support/Environment.h"
+#include "Support/Places.h"
 #include "UI/WindowTest.h"
 
 #include <QSet>
@@ -89,7 +91,7 @@ TEST_F(ScreenTest, everySectionAndSheetOfTheSettingsDrawsWithoutAWarning)
     settings.setSection(u"accounts"_s);
     rest();
     for (const ConnectFlow& flow : settings.connectFlows()) {
-        if (flow.fields.isEmpty())
+        if (flow.fields.isEmpty() && flow.channel != Channel::Email)
             continue;
         QQuickItem* tile = item(u"connect."_s + flow.channelWord());
         ASSERT_NE(tile, nullptr);
@@ -116,6 +118,48 @@ TEST_F(ScreenTest, aSheetConnectsOnlyWhenItsRuleHoldsAndKeepsTheSecret)
 
     ASSERT_EQ(accounts.accounts().size(), before + 1);
     EXPECT_EQ(keychain.get(accounts.accounts().last().slug), u"123456:ABC"_s);
+    EXPECT_EQ(findItem(u"connectSheet"_s), nullptr);
+}
+
+TEST_F(ScreenTest, aMailboxIsConnectedByAddressAndPasswordAlone)
+{
+    // The child program of the tests stands in for Node, and obeys the entry script.
+    const Environment environment { { "CORVANE_NODE", CORVANE_TEST_PROGRAMS "/ChildProgram" } };
+    home.write(u"resources/engine/src/main.ts"_s, "");
+    const auto engineSays = [&](const QByteArray& event) {
+        home.write(u"resources/engine/src/email-main.ts"_s, event.isEmpty() ? "hang" : "print @@CORVANE@@" + event);
+    };
+    const auto message = [&] {
+        QQuickItem* label = findItem(u"connect.message"_s);
+        return label ? label->property("text").toString() : QString();
+    };
+    showEmptyInbox();
+    shell.openSettings();
+    rest();
+    QMetaObject::invokeMethod(item(u"connect.EMAIL"_s), "clicked");
+    rest();
+    EXPECT_FALSE(item(u"connect.submit"_s)->isEnabled());
+    type(u"ana@studio.example"_s);
+    press(Qt::Key_Return);
+    type(u"secret"_s);
+    engineSays({});
+    press(Qt::Key_Return);
+    EXPECT_EQ(message(), u"Looking for the mail servers of studio.example…"_s);
+    expectDrawn(u"finding"_s);
+    click(u"connect.cancel"_s);
+    EXPECT_EQ(message(), QString());
+
+    engineSays(R"({"type":"servers","imap":{"host":"imap.else.example","port":993,"security":"tls"},"smtp":{"host":)"
+               R"("smtp.else.example","port":465,"security":"tls"},"found":"srv","confirm":["imap.else.example"]})");
+    click(u"connect.submit"_s);
+    EXPECT_TRUE(await([&] { return message().contains(u"imap.else.example"_s); }));
+    expectDrawn(u"confirm"_s);
+    EXPECT_EQ(item(u"connect.imap.host"_s)->property("text"), u"imap.else.example"_s);
+    engineSays(R"({"type":"signIn","ok":true})");
+    launcher.expect(FakeLauncher::stays());
+    click(u"connect.submit"_s);
+    EXPECT_TRUE(await([&] { return accounts.accounts().size() == 1; }));
+    rest();
     EXPECT_EQ(findItem(u"connectSheet"_s), nullptr);
 }
 

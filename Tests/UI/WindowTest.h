@@ -3,6 +3,8 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallRecorder.h"
 #include "Engines/AccountStore.h"
+#include "Foundation/SystemScheduler.h"
+#include "Platform/Linux/Services.h"
 #include "Shell/Screens.h"
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
@@ -73,9 +75,11 @@ protected:
     TranslationService translations { lumo.machine };
     CallRecorder calls { engines.db() };
     ApprovalsStore approvals { centre, notifier, clock };
+    SystemScheduler realClock;
+    const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
     StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations, recovery } };
+        desktop, microphone, player, home.paths(), services, translations, recovery, *realChildren } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

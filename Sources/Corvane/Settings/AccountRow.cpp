@@ -1,5 +1,6 @@
 #include "Settings/AccountRow.h"
 
+#include "Engines/EngineSpec.h"
 #include "Foundation/Text.h"
 
 #include <algorithm>
@@ -146,6 +147,10 @@ QString resetQuestion(WAStatus status, const QString& question)
 QList<AccountAction> actionsOf(Voice voice, const Account& account, WAStatus status)
 {
     QList<AccountAction> actions;
+    const bool edits = keepsSecret(account.channel());
+    const AccountAction edit = action("edit", QStringLiteral("Edit account"));
+    if (edits && status == WAStatus::LoggedOut)
+        actions.append(edit);
     const bool down = status == WAStatus::Stopped || status == WAStatus::Error || status == WAStatus::LoggedOut;
     if (voice == Voice::Pairing && status == WAStatus::NeedsQR)
         actions.append(action("pair", QStringLiteral("Scan QR to link")));
@@ -156,6 +161,8 @@ QList<AccountAction> actionsOf(Voice voice, const Account& account, WAStatus sta
             action("start", account.paused.value_or(false) ? QStringLiteral("Resume") : QStringLiteral("Start")));
     else
         actions.append(action("pause", QStringLiteral("Pause (free RAM)")));
+    if (edits && status != WAStatus::LoggedOut)
+        actions.append(edit);
     if (voice == Voice::Pairing)
         actions.append(action("resetPairing", QStringLiteral("Re-pair (reset QR)"),
             resetQuestion(status, QStringLiteral("Unlink %1 and pair it again?").arg(account.name))));

@@ -15,7 +15,7 @@ class AccountAction {
     Q_PROPERTY(QString confirmation MEMBER confirmation)
     Q_PROPERTY(bool destructive MEMBER destructive)
 public:
-    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync" or "remove"
+    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync", "edit" or "remove"
     QString label;
     QString confirmation; ///< the question to ask first; empty where none is needed
     bool destructive = false;

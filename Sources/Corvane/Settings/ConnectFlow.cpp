@@ -8,8 +8,6 @@ namespace corvane {
 namespace {
 
 const QString nameField = QStringLiteral("name");
-const QString emailField = QStringLiteral("email");
-const QString passwordField = QStringLiteral("password");
 const QString tokenField = QStringLiteral("token");
 const QString appField = QStringLiteral("appToken");
 const QString botField = QStringLiteral("botToken");
@@ -41,9 +39,9 @@ QList<ConnectFlow> makeFlows()
         button(Channel::LinkedIn, QStringLiteral("Connect LinkedIn account")),
         sheet(Channel::Email, QStringLiteral("Connect email"),
             QStringLiteral("Works with Gmail, Outlook, iCloud, Yahoo, or any IMAP provider. Use an **app password** "
-                           "(not your login password) — Gmail/Outlook/iCloud require one."),
-            { { emailField, QStringLiteral("Email address"), QStringLiteral("you@company.com") },
-                masked(passwordField, QStringLiteral("App password"), QStringLiteral("App password")) }),
+                           "(not your login password) — Gmail/Outlook/iCloud require one. Microsoft mailboxes take "
+                           "only tokens: name a command that prints one in the server settings."),
+            {}),
         sheet(Channel::Telegram, QStringLiteral("Connect Telegram bot"),
             QStringLiteral("Create a bot with **@BotFather** in Telegram and paste its token. (This connects a bot "
                            "inbox — people who message your bot. Your personal chats need a separate login, coming "
@@ -114,6 +112,16 @@ const QList<ConnectFlow>& connectFlows()
     return flows;
 }
 
+QString editTitle(const QString& accountName)
+{
+    return QStringLiteral("Edit %1").arg(accountName);
+}
+
+QString saveLabel()
+{
+    return QStringLiteral("Save");
+}
+
 std::optional<ConnectRequest> connectRequest(Channel channel, const ConnectValues& values)
 {
     const auto value = [&](const QString& field) {
@@ -138,12 +146,8 @@ std::optional<ConnectRequest> connectRequest(Channel channel, const ConnectValue
         return token(QStringLiteral("Telegram"));
     case Channel::Discord:
         return token(QStringLiteral("Discord"));
-    case Channel::Email: {
-        const QString address = value(emailField);
-        if (!address.contains(u'@') || value(passwordField).isEmpty())
-            return std::nullopt;
-        return ConnectRequest { address, address, value(passwordField) };
-    }
+    case Channel::Email:
+        return std::nullopt;
     case Channel::Slack:
         if (!slackTokensAreValid(value(appField), value(botField)))
             return std::nullopt;
@@ -157,6 +161,25 @@ std::optional<ConnectRequest> connectRequest(Channel channel, const ConnectValue
                 { QStringLiteral("from"), value(fromField) } }));
     }
     Q_UNREACHABLE();
+}
+
+ConnectValues valuesOf(Channel channel, const QString& secret)
+{
+    const QJsonObject parts = jsonObject(secret.toUtf8()).value_or(QJsonObject());
+    const auto part = [&](const char* key) {
+        return parts.value(QLatin1StringView(key)).toString();
+    };
+    switch (channel) {
+    case Channel::Telegram:
+    case Channel::Discord:
+        return { { tokenField, secret } };
+    case Channel::Slack:
+        return { { appField, part("app") }, { botField, part("bot") } };
+    case Channel::Sms:
+        return { { sidField, part("sid") }, { authField, part("auth") }, { fromField, part("from") } };
+    default:
+        return {};
+    }
 }
 
 }

@@ -48,6 +48,10 @@ public:
 /// One flow a channel, in the channels' order.
 const QList<ConnectFlow>& connectFlows();
 
+// The words of a sheet that changes an account.
+QString editTitle(const QString& accountName);
+QString saveLabel();
+
 /// What a filled sheet asks for.
 struct ConnectRequest {
     QString name;
@@ -57,7 +61,10 @@ struct ConnectRequest {
 
 using ConnectValues = QHash<QString, QString>; ///< by the id of the field
 
-/// Nothing while the sheet's rule does not hold. The values are trimmed first.
+/// Nothing while the sheet's rule does not hold. The values are trimmed first. E-mail has a form of its own.
 std::optional<ConnectRequest> connectRequest(Channel channel, const ConnectValues& values);
+
+/// The values from which `connectRequest` made this secret.
+ConnectValues valuesOf(Channel channel, const QString& secret);
 
 }

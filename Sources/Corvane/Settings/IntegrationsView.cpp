@@ -3,7 +3,6 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
-#include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
@@ -13,21 +12,12 @@
 
 namespace corvane {
 
-namespace {
-
-ConnectValues texts(const QVariantMap& values)
-{
-    ConnectValues result;
-    for (auto value = values.cbegin(); value != values.cend(); ++value)
-        result.insert(value.key(), value->toString());
-    return result;
-}
-
-}
-
 IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
     , m_at(surroundings)
+    , m_setup { m_at.accounts, m_at.engine, m_at.keychain }
+    , m_connectForm(m_setup)
+    , m_mailForm(m_setup, m_at.paths, m_at.launcher, m_at.scheduler)
     , m_pairing(m_at.accounts, m_at.engine)
     , m_controlChat(m_at.engine.db())
     , m_assistant(m_at.ai, m_at.defaults, m_at.engine.db(), m_at.scheduler)
@@ -42,6 +32,10 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     };
     connect(&m_at.accounts, &AccountStore::accountsChanged, this, &IntegrationsView::refreshRows);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, request);
+    connect(&m_connectForm, &ConnectForm::added, this, [this](const QUuid& accountId) {
+        if (const auto account = m_at.accounts.find(accountId); account && account->channel() == Channel::WhatsApp)
+            m_pairing.open(accountId);
+    });
     connect(&m_at.engine, &EngineManager::inboxRevisionChanged, this, [this, request] {
         if (m_visible)
             request();
@@ -106,6 +100,8 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
         m_at.engine.stop(*account);
         account->paused = true;
         m_at.accounts.update(*account);
+    } else if (actionId == QLatin1StringView("edit")) {
+        editAccount(*account);
     } else if (actionId == QLatin1StringView("pair")) {
         m_pairing.open(account->id);
     } else if (actionId == QLatin1StringView("resetPairing")) {
@@ -126,28 +122,24 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
     }
 }
 
-bool IntegrationsView::canConnect(const QString& channel, const QVariantMap& values) const
+void IntegrationsView::connectChannel(const QString& channel)
 {
-    return connectRequest(channelFromRaw(channel), texts(values)).has_value();
+    const auto& flows = corvane::connectFlows();
+    const ConnectFlow& flow = *std::ranges::find(flows, channelFromRaw(channel), &ConnectFlow::channel);
+    if (flow.channel == Channel::Email)
+        m_mailForm.open();
+    else if (!flow.fields.isEmpty())
+        m_connectForm.open(flow);
+    else if (const auto request = connectRequest(flow.channel, {}))
+        m_setup.add(flow.channel, *request);
 }
 
-bool IntegrationsView::connectAccount(const QString& channel, const QVariantMap& values)
+void IntegrationsView::editAccount(const Account& account)
 {
-    const Channel wanted = channelFromRaw(channel);
-    const auto request = connectRequest(wanted, texts(values));
-    if (!request)
-        return false;
-    Account account = m_at.accounts.add(request->name, wanted);
-    if (request->email) {
-        account.email = request->email;
-        m_at.accounts.update(account);
-    }
-    if (request->secret && !m_at.keychain.set(*request->secret, account.slug))
-        log(QStringLiteral("IntegrationsView: the secret of %1 could not be kept").arg(account.slug));
-    m_at.engine.start(account);
-    if (wanted == Channel::WhatsApp)
-        m_pairing.open(account.id);
-    return true;
+    if (account.channel() == Channel::Email)
+        m_mailForm.edit(account);
+    else
+        m_connectForm.edit(account);
 }
 
 void IntegrationsView::refreshRows()

@@ -5,14 +5,13 @@
 #include "Presentation/RowListModel.h"
 #include "Settings/AccountRow.h"
 #include "Settings/AssistantSettings.h"
-#include "Settings/ConnectFlow.h"
+#include "Settings/ConnectForm.h"
 #include "Settings/ControlChatSettings.h"
+#include "Settings/MailForm.h"
 #include "Settings/PairingSheet.h"
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
 #include "Settings/ToolServerCard.h"
-
-#include <QVariantMap>
 
 namespace corvane {
 
@@ -33,8 +32,10 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    /// One a channel. Without fields there is no sheet: `connectAccount` at once.
+    /// One a channel, for `connectChannel`.
     Q_PROPERTY(QList<corvane::ConnectFlow> connectFlows READ connectFlows CONSTANT)
+    Q_PROPERTY(corvane::ConnectForm* connectForm READ connectForm CONSTANT)
+    Q_PROPERTY(corvane::MailForm* mailForm READ mailForm CONSTANT)
     Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
@@ -53,6 +54,7 @@ public:
         Scheduler& scheduler;
         const AppPaths& paths;
         AIServices& ai;
+        ProcessLauncher& launcher;
     };
 
     explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -69,6 +71,8 @@ public:
     QString emptyTitle() const { return QStringLiteral("No accounts yet"); }
     QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
     const QList<ConnectFlow>& connectFlows() const { return corvane::connectFlows(); }
+    ConnectForm* connectForm() { return &m_connectForm; }
+    MailForm* mailForm() { return &m_mailForm; }
     PairingSheet* pairing() { return &m_pairing; }
     ControlChatSettings* controlChat() { return &m_controlChat; }
     AssistantSettings* assistant() { return &m_assistant; }
@@ -83,11 +87,8 @@ public:
     /// One of the actions of a row. What has a `confirmation` was confirmed before.
     Q_INVOKABLE void perform(const QString& accountId, const QString& actionId);
 
-    /// Whether the sheet's rule holds; `values` by the id of the field.
-    Q_INVOKABLE bool canConnect(const QString& channel, const QVariantMap& values) const;
-
-    /// Adds the account, keeps its secret, starts its engine; nothing and false while the rule does not hold.
-    Q_INVOKABLE bool connectAccount(const QString& channel, const QVariantMap& values);
+    /// Opens the channel's sheet; one that asks for nothing is connected at once.
+    Q_INVOKABLE void connectChannel(const QString& channel);
 
 Q_SIGNALS:
     void sectionChanged();
@@ -95,10 +96,14 @@ Q_SIGNALS:
 
 private:
     void refreshRows();
+    void editAccount(const Account& account);
     void readSection(); ///< what only one section shows
 
     Surroundings m_at;
+    const AccountSetup m_setup;
     RowListModel<AccountRow> m_rows;
+    ConnectForm m_connectForm;
+    MailForm m_mailForm;
     PairingSheet m_pairing;
     ControlChatSettings m_controlChat;
     AssistantSettings m_assistant;

@@ -86,6 +86,7 @@ public:
     NotificationCentre& notifications() { return m_notifications; }
     Keychain& keychain() { return m_keychain; }
     Scheduler& scheduler() { return m_scheduler; }
+    ProcessLauncher& launcher() { return *m_machine.launcher; }
     Desktop& desktop() { return *m_machine.desktop; }
     Microphone& microphone() { return *m_machine.microphone; }
     MediaDecoder& decoder() { return *m_machine.decoder; }

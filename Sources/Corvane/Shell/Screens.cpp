@@ -26,7 +26,8 @@ Screens::Screens(const Surroundings& surroundings)
     , draftActions(at.approvals, at.engine, at.accounts)
     , approvals(at.approvals, draftActions, at.engine.db(), at.scheduler)
     , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
-    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai })
+    , settings(
+          { at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai, at.launcher })
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
@@ -53,7 +54,7 @@ Screens::Screens(const Surroundings& surroundings)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.recovery(), app.tray(), app.userUmask() })
+          app.translations(), app.recovery(), app.launcher(), app.tray(), app.userUmask() })
 {
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this, &app] {

@@ -43,6 +43,7 @@ public:
         AIServices& ai;
         TranslationService& translations;
         StoreRecovery& recovery;
+        ProcessLauncher& launcher;
         const Tray* tray = nullptr;
         std::optional<mode_t> userUmask {}; ///< of programs that the user starts; none: that of this process
     };

@@ -34,7 +34,15 @@ export type EngineEvent =
   | { type: "media"; providerMsgId: string; state: "requested" }
   | { type: "media"; providerMsgId: string; state: "success"; mediaPath: string; mediaType: string }
   | { type: "media"; providerMsgId: string; state: "failed"; error: string }
-  | { type: "contactName"; jid: string; name: string };
+  | { type: "contactName"; jid: string; name: string }
+  | { type: "servers"; imap: Server; smtp: Server; found: string; confirm: string[]; signIn: string; hint: string }
+  | { type: "signIn"; ok: boolean; at?: string; error?: string };
+
+export interface Server {
+  host: string;
+  port: number;
+  security: "tls" | "starttls";
+}
 
 export type Command = Record<string, unknown>;
 

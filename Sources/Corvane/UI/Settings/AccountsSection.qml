@@ -12,15 +12,6 @@ FocusScope {
 
     implicitHeight: column.implicitHeight
 
-    function connectTo(flow: connectFlow) {
-        if (flow.fields.length === 0) {
-            settings.connectAccount(flow.channel, {});
-            return;
-        }
-        sheet.active = true;
-        (sheet.item as ConnectSheet).offer(flow);
-    }
-
     function perform(accountId: string, action: accountAction) {
         if (!action.confirmation) {
             settings.perform(accountId, action.id);
@@ -88,16 +79,13 @@ FocusScope {
                     channel: modelData.channel
                     text: modelData.label
                     detail: modelData.title
-                    onClicked: section.connectTo(modelData)
+                    onClicked: section.settings.connectChannel(modelData.channel)
                 }
             }
         }
     }
-    Loader {
-        id: sheet
-        active: false
-        sourceComponent: ConnectSheet { settings: section.settings }
-    }
+    ConnectSheet { form: section.settings.connectForm }
+    MailSheet { form: section.settings.mailForm }
     Loader {
         id: question
         active: false

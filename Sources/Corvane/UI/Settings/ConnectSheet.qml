@@ -6,58 +6,38 @@ import Corvane.Settings
 Sheet {
     id: sheet
 
-    required property IntegrationsView settings
-    property connectFlow flow
-    property connectFlow none ///< while no sheet is open
-    property var values: ({})
-    readonly property bool complete: flow.channel !== "" && settings.canConnect(flow.channel, values)
+    required property ConnectForm form
 
-    function offer(wanted: connectFlow) {
-        values = {};
-        flow = wanted;
+    function follow() {
+        if (!form.isOpen)
+            return close();
         open();
         fields.itemAt(0).forceActiveFocus(Qt.TabFocusReason);
     }
 
-    function submit() {
-        if (complete && settings.connectAccount(flow.channel, values))
-            close();
-    }
-
     objectName: "connectSheet"
-    title: flow.title
-    onClosed: {
-        values = {}; // a secret does not stay in memory longer than its sheet
-        flow = none;
+    title: form.title
+    onClosed: form.close()
+    Component.onCompleted: follow()
+
+    Connections {
+        target: sheet.form
+        function onChanged() { sheet.follow(); }
     }
 
-    Label {
-        width: parent.width
-        visible: text !== ""
-        wrapMode: Text.Wrap
-        lineHeight: 1.3
-        textFormat: Text.MarkdownText
-        elide: Text.ElideNone
-        text: sheet.flow.hint
-        color: Theme.soft
-    }
+    SheetHint { text: sheet.form.hint }
     Repeater {
         id: fields
-        model: sheet.flow.fields
-        TextField {
+        model: sheet.form.fieldCount
+        FormFieldBox {
             required property int index
-            required property connectField modelData
-            objectName: "connect." + modelData.id
             width: parent.width
-            label: modelData.label
-            placeholderText: modelData.placeholder
-            echoMode: modelData.masked ? TextInput.Password : TextInput.Normal
-            onTextEdited: sheet.values = Object.assign({}, sheet.values, { [modelData.id]: text })
+            field: sheet.form.field(index)
             onAccepted: {
                 if (index + 1 < fields.count)
                     fields.itemAt(index + 1).forceActiveFocus(Qt.TabFocusReason);
                 else
-                    sheet.submit();
+                    sheet.form.submit();
             }
         }
     }
@@ -70,9 +50,9 @@ Sheet {
         Button {
             objectName: "connect.submit"
             kind: "primary"
-            enabled: sheet.complete
-            text: sheet.flow.buttonLabel
-            onClicked: sheet.submit()
+            enabled: sheet.form.complete
+            text: sheet.form.buttonLabel
+            onClicked: sheet.form.submit()
         }
     ]
 }

@@ -23,6 +23,34 @@ struct PairingSheetType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct ConnectFormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ConnectForm)
+    QML_NAMED_ELEMENT(ConnectForm)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct FormFieldType {
+    Q_GADGET
+    QML_FOREIGN(corvane::FormField)
+    QML_NAMED_ELEMENT(FormField)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct MailFormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::MailForm)
+    QML_NAMED_ELEMENT(MailForm)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct MailServerFormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::MailServerForm)
+    QML_NAMED_ELEMENT(MailServerForm)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct ControlChatSettingsType {
     Q_GADGET
     QML_FOREIGN(corvane::ControlChatSettings)
