@@ -12,7 +12,7 @@ export interface Post {
   /** Puts a mail into the mailbox; `head` are its further header lines. */
   put(subject: string, body?: string, head?: string[]): Promise<void>;
   /** Starts the engine. */
-  start(more?: Record<string, string>): EngineProcess;
+  start(more?: Record<string, string>, place?: string[]): EngineProcess;
   imap(): Promise<ImapFlow>;
 }
 
@@ -42,7 +42,7 @@ export function openPost(): Post {
     me,
     folder,
     put: (subject, body = `About ${subject}`, head = []) => servers.deliver(me, mail({ to: me, subject, body, head })),
-    start: (more = {}) => new EngineProcess(source("email-main.ts"), { ...environment, ...more }),
+    start: (more = {}, place = []) => new EngineProcess(source("email-main.ts"), { ...environment, ...more }, place),
     imap: async () => {
       const client = new ImapFlow({
         host: "localhost", port: servers.imapPort, secure: true, auth: { user: me, pass: password }, logger: false,

@@ -39,7 +39,13 @@ export function placeIn(folder: string): Record<string, string> {
 export const source = (name: string): string => fileURLToPath(new URL(`../src/${name}`, import.meta.url));
 
 export function startScript(script: string, environment: NodeJS.ProcessEnv, ...words: string[]): ChildProcess {
-  const child = spawn(process.execPath, [...flags, script, ...words], {
+  return startWithin([], script, environment, ...words);
+}
+
+/** `place` is a command that starts another one, perhaps none. */
+function startWithin(place: string[], script: string, environment: NodeJS.ProcessEnv, ...words: string[]): ChildProcess {
+  const [program, ...line] = [...place, process.execPath, ...flags, script, ...words];
+  const child = spawn(program, line, {
     env: environment,
     stdio: ["pipe", "pipe", "inherit"],
   });
@@ -61,8 +67,8 @@ export class EngineProcess {
   acknowledges = true;
   keepsOutput = false;
 
-  constructor(script: string, environment: NodeJS.ProcessEnv) {
-    this.child = startScript(script, environment);
+  constructor(script: string, environment: NodeJS.ProcessEnv, place: string[] = []) {
+    this.child = startWithin(place, script, environment);
     this.child.stdout?.setEncoding("utf8").on("data", (text: string) => this.#read(text));
     this.exited = new Promise((resolve) => this.child.on("close", (code) => (this.#wake(), resolve(code))));
   }

@@ -22,8 +22,8 @@ export interface Mirror {
   sent: string | undefined;
   /** When the account was first connected, in milliseconds: what arrived before is history wherever it turns up. */
   since: number;
-  /** How often a page went wrong: what was read, and at which UID. */
-  troubles: Map<string, { at: number; count: number }>;
+  /** How often a page went wrong: what was read, and how many UIDs further that page ended. */
+  troubles: Map<string, { end: number; count: number }>;
 }
 
 /** The folder that `client` has open, begun anew where it is a stranger or its UIDs are. */
@@ -44,7 +44,7 @@ export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder):
   const last = client.mailbox.uidNext - 1;
   for (let isDone = false; !isDone; ) {
     const first = folder.top + 1;
-    await readPage(client, mirror, { what: `new in ${folder.path}`, at: first, usual: pageSize }, async (size, form) => {
+    await readPage(client, mirror, { what: `new in ${folder.path}`, from: first, usual: pageSize }, async (size, form) => {
       const end = Math.min(first + size - 1, last);
       const isOpen = first > last;
       const found = await fetchHeaders(client, `${first}:${isOpen ? "*" : end}`, form);
@@ -62,7 +62,8 @@ export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder):
 export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<number> {
   let oldest = Infinity;
   const usual = folder.bottom > folder.top - firstPage ? firstPage : pageSize;
-  await readPage(client, mirror, { what: `history of ${folder.path}`, at: folder.bottom, usual }, async (size, form) => {
+  const from = folder.top - folder.bottom;
+  await readPage(client, mirror, { what: `history of ${folder.path}`, from, usual }, async (size, form) => {
     const bottom = Math.max(folder.bottom - size, 1);
     const headers = await fetchHeaders(client, `${bottom}:${folder.bottom - 1}`, form);
     await tellPage(client, mirror, folder, headers.sort((a, b) => b.uid - a.uid), { bottom, liveAfter: folder.liveAfter });
@@ -71,21 +72,21 @@ export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder
   return oldest;
 }
 
-/** Reads the page at a UID. Where the server's words for it broke the connection before, fewer mails at a time, until the
- *  one that does stands alone, which is then only said to be there. */
+/** Reads the page that begins so many UIDs on the way. Where the server's words for some of it broke the connection before,
+ *  fewer mails at a time, until the one that does stands alone, which is then only said to be there. */
 async function readPage(
   client: ImapFlow,
   { troubles }: Mirror,
-  { what, at, usual }: { what: string; at: number; usual: number },
+  { what, from, usual }: { what: string; from: number; usual: number },
   read: (size: number, form: number) => Promise<void>,
 ): Promise<void> {
-  const trouble = troubles.get(what);
-  const count = trouble?.at === at ? trouble.count : 0;
+  const { end, count } = troubles.get(what) ?? { end: 0, count: 0 };
+  const size = [usual, 10][count] ?? 1;
   try {
-    await read([usual, 10][count] ?? 1, count < 3 ? 0 : bareForm);
-    troubles.delete(what);
+    await read(size, count < 3 ? 0 : bareForm);
+    if (from + size >= end) troubles.delete(what);
   } catch (error) {
-    if (isUnreadable(client, error)) troubles.set(what, { at, count: count + 1 });
+    if (isUnreadable(client, error)) troubles.set(what, { end: from + size, count: count + 1 });
     throw error;
   }
 }

@@ -67,7 +67,7 @@ export function transaction(db: DatabaseSync, work: () => void): void {
     work();
     db.exec("COMMIT");
   } catch (error) {
-    db.exec("ROLLBACK");
+    if (db.isTransaction) db.exec("ROLLBACK"); // SQLite itself may have taken it back
     throw error;
   }
 }
