@@ -7,11 +7,11 @@ import { openState } from "./lib/state.ts";
 import { emit, log, textOf, type Command } from "./lib/wire.ts";
 import { mostFileBytes } from "./email/compose.ts";
 import { runConnectSheet } from "./email/connect-sheet.ts";
-import { serversFor } from "./email/discovery.ts";
+import { serverFinder } from "./email/discovery.ts";
 import { download } from "./email/downloads.ts";
 import { Mailbox } from "./email/mailbox.ts";
 import { Sender } from "./email/sending.ts";
-import { settingsFrom, type Servers, type Settings } from "./email/settings.ts";
+import { settingsFrom, type Settings } from "./email/settings.ts";
 import { mailTables } from "./email/store.ts";
 import { markRead } from "./email/unread.ts";
 
@@ -22,15 +22,14 @@ else await runEngine(start);
 async function start(place: Place): Promise<Engine> {
   const nothing: Engine = { handle: () => {}, close: async () => {} };
   let settings: Settings;
-  let servers: Servers;
   try {
     settings = settingsFrom(process.env);
-    servers = await serversFor(settings);
   } catch (error) {
     await signOut((error as Error).message);
     return nothing;
   }
 
+  const servers = serverFinder(settings);
   const db = openState(place.stateDir, mailTables);
   const journal = new SendJournal(db);
   const mailbox = new Mailbox(place.account, settings, servers, db);

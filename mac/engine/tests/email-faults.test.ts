@@ -3,6 +3,8 @@
 import assert from "node:assert/strict";
 import { execFileSync, spawn } from "node:child_process";
 import { mkdirSync } from "node:fs";
+import { createServer, request } from "node:https";
+import type { AddressInfo } from "node:net";
 import { join } from "node:path";
 import { after, test, type TestContext } from "node:test";
 import { fillInbox } from "./mail-corpus.ts";
@@ -79,6 +81,23 @@ test("a server that refuses or throttles for a while is asked again and keeps th
   assert.equal(refusals.length, 0);
   const said = await engine.end();
   assert.ok(said.some(({ msg }) => /Slow down/.test(String(msg))) && !said.some(({ state }) => state === "logged_out"));
+});
+
+test("servers that cannot be looked up at first are looked up again, and a draft waits for them", async () => {
+  const { start } = openPost();
+  let asked = 0;
+  const provider = createServer(servers.tls(), (_, response) => {
+    if (++asked === 1) response.destroy();
+    else request(servers.autoconfig, { ca: servers.tls().cert }, (document) => document.pipe(response)).end();
+  });
+  after(() => provider.close());
+  await new Promise<void>((resolve) => provider.listen(0, "127.0.0.1", resolve));
+  const { port } = provider.address() as AddressInfo;
+  const engine = start({ CORVANE_MAIL_AUTOCONFIG: `https://localhost:${port}/` });
+  engine.command({ cmd: "send", chatId: "ana@example.org", text: "Hello", draftId: "od:1" });
+  assert.equal((await engine.event(({ type }) => type === "sendAck")).status, "sent");
+  await engine.event(isOpen);
+  assert.ok((await engine.end()).some(({ msg }) => /is there a network/.test(String(msg))));
 });
 
 /** A disk of `size` for the folder, which `grow` makes larger; nothing outside its name space sees it. */

@@ -1,8 +1,6 @@
 // Stands between the engine and Dovecot, over TLS on both sides, and spoils what a test wants spoiled.
 
-import { readFileSync } from "node:fs";
 import type { AddressInfo } from "node:net";
-import { join } from "node:path";
 import { connect, createServer, type TLSSocket } from "node:tls";
 import { password, type MailServers } from "./mail-servers.ts";
 
@@ -14,9 +12,8 @@ export class SpoiledImap {
   readonly #sockets = new Set<TLSSocket>();
   readonly #server;
 
-  private constructor({ folder, certificate, imapPort }: MailServers) {
-    const tls = { key: readFileSync(join(folder, "key.pem")), cert: readFileSync(certificate) };
-    this.#server = createServer(tls, (engine) => {
+  private constructor({ tls, imapPort }: MailServers) {
+    this.#server = createServer(tls(), (engine) => {
       const server = connect({ port: imapPort, host: "127.0.0.1", rejectUnauthorized: false });
       for (const [socket, other] of [[engine, server], [server, engine]]) {
         this.#sockets.add(socket);

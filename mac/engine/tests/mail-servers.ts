@@ -26,6 +26,8 @@ export interface MailServers {
   smtpPort: number;
   /** For NODE_EXTRA_CA_CERTS. */
   certificate: string;
+  /** For a server of a test's own. */
+  tls(): { key: Buffer; cert: Buffer };
   /** For CORVANE_MAIL_AUTOCONFIG. */
   autoconfig: string;
   /** Hooks of the submission server that a test sets. */
@@ -103,6 +105,7 @@ export async function startMailServers(folder: string): Promise<MailServers> {
     imapPort,
     smtpPort,
     certificate,
+    tls: () => tls,
     autoconfig: `https://localhost:${webPort}/mail/config-v1.1.xml`,
     submission,
     deliver,

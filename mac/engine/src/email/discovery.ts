@@ -1,8 +1,10 @@
 // Finds the servers of an address: the table, SRV records, the provider's own document, and the usual names.
 
-import { Resolver } from "node:dns/promises";
+import { lookup, Resolver } from "node:dns/promises";
 import { connect } from "node:net";
 import { Parser } from "htmlparser2";
+import { Limited } from "../lib/limits.ts";
+import { SignInRefused } from "../lib/stay.ts";
 import { providerOfDomain, providerOfExchanger, providerOfHost, serversOf, type Provider } from "./providers.ts";
 import type { Server, Servers, Settings } from "./settings.ts";
 
@@ -32,13 +34,33 @@ export async function discover(address: string, localAutoconfig = ""): Promise<F
   return judged(domain, await guessed(domain), "guess");
 }
 
-/** The servers that the account names, else those that are found. Throws where a person has to confirm one first. */
+/** Looks for the servers of an account until they are found. */
+export type FindServers = () => Promise<Servers>;
+
+export function serverFinder(settings: Settings): FindServers {
+  let found: Servers | undefined;
+  return async () => (found ??= await serversFor(settings));
+}
+
+const pause = 5_000;
+
+/** The servers that the account names, else those that are found. Throws `SignInRefused` where a person has to confirm one
+ *  first, and `Limited` where none is found: without a network a guess would stand in for what the provider says. */
 export async function serversFor({ servers: { imap, smtp }, address }: Settings): Promise<Servers> {
   if (imap && smtp) return { imap, smtp };
   const found = await discover(address, process.env.CORVANE_MAIL_AUTOCONFIG);
   const [stranger] = found.confirm;
-  if (stranger) throw new Error(`${stranger} was found as the mail server of a foreign domain. If it is yours, name the servers beside the password.`);
+  if (stranger) {
+    throw new SignInRefused(`${stranger} was found as the mail server of a foreign domain. If it is yours, name the servers beside the password.`);
+  }
+  if (found.found === "guess" && !(await isHost(found.imap.host))) {
+    throw new Limited(pause, `The mail servers of ${address} cannot be found; is there a network?`);
+  }
   return { imap: imap ?? found.imap, smtp: smtp ?? found.smtp };
+}
+
+async function isHost(name: string): Promise<boolean> {
+  return lookup(name).then(() => true, () => false);
 }
 
 function judged(domain: string, { imap, smtp }: Servers, found: Found["found"]): Found {

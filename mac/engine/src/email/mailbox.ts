@@ -5,23 +5,24 @@ import { stopping } from "../lib/run.ts";
 import { readFact, writeFact } from "../lib/state.ts";
 import { stayConnected } from "../lib/stay.ts";
 import { emit } from "../lib/wire.ts";
+import type { FindServers } from "./discovery.ts";
 import type { Mirror } from "./mirror.ts";
 import { Names } from "./names.ts";
 import { Session } from "./session.ts";
-import type { Servers, Settings } from "./settings.ts";
+import type { Settings } from "./settings.ts";
 import { MailStore } from "./store.ts";
 
 export class Mailbox {
   readonly store: MailStore;
   readonly names: Names;
   readonly #settings: Settings;
-  readonly #servers: Servers;
+  readonly #servers: FindServers;
   readonly #db: DatabaseSync;
   readonly #mirror: Mirror;
   /** The present session; nothing while the mailbox is out of reach. */
   session: Session | undefined;
 
-  constructor(account: string, settings: Settings, servers: Servers, db: DatabaseSync) {
+  constructor(account: string, settings: Settings, servers: FindServers, db: DatabaseSync) {
     this.#settings = settings;
     this.#servers = servers;
     this.#db = db;
@@ -41,7 +42,8 @@ export class Mailbox {
   async stay(opened: (session: Session) => void): Promise<void> {
     await stayConnected(async () => {
       try {
-        this.session = await Session.open(this.#settings, this.#servers.imap, this.#mirror);
+        const { imap } = await this.#servers();
+        this.session = await Session.open(this.#settings, imap, this.#mirror);
         if (stopping.aborted) return this.session.close(); // whoever stops it found no session to close
         await emit({ type: "status", state: "open", user: this.#settings.address });
         opened(this.session);

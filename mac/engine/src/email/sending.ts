@@ -12,11 +12,12 @@ import { stopping, wordsOf, type Place } from "../lib/run.ts";
 import { log } from "../lib/wire.ts";
 import { chatIdOf, normalAddress } from "./address.ts";
 import { chatAfter, writeMail, type Written } from "./compose.ts";
+import type { FindServers } from "./discovery.ts";
 import { uidsOf } from "./downloads.ts";
 import { providerMsgId } from "./identity.ts";
 import type { Mailbox } from "./mailbox.ts";
 import { providerOfHost } from "./providers.ts";
-import type { Servers, Settings } from "./settings.ts";
+import type { Settings } from "./settings.ts";
 import type { Outgoing } from "./store.ts";
 import { submit } from "./submission.ts";
 import { bodyOf } from "./text.ts";
@@ -28,12 +29,12 @@ const patience = 20_000;
 export class Sender {
   readonly #place: Place;
   readonly #settings: Settings;
-  readonly #servers: Servers;
+  readonly #servers: FindServers;
   readonly #mailbox: Mailbox;
   readonly #journal: SendJournal;
   #filing: Promise<void> = Promise.resolve();
 
-  constructor(place: Place, settings: Settings, servers: Servers, mailbox: Mailbox, journal: SendJournal) {
+  constructor(place: Place, settings: Settings, servers: FindServers, mailbox: Mailbox, journal: SendJournal) {
     this.#place = place;
     this.#settings = settings;
     this.#servers = servers;
@@ -51,7 +52,10 @@ export class Sender {
     try {
       const limits = { signal: stopping, budget: patience };
       const envelope = { from: from.address, to: mail.to };
-      await withinLimits(() => submit(this.#settings, this.#servers.smtp, envelope, mail.file, begin), limits);
+      await withinLimits(async () => {
+        const { smtp } = await this.#servers();
+        await submit(this.#settings, smtp, envelope, mail.file, begin);
+      }, limits);
     } finally {
       clearInterval(alive);
     }
@@ -87,7 +91,8 @@ export class Sender {
   async #file({ file, messageId, date }: Outgoing): Promise<boolean> {
     const { session } = this.#mailbox;
     if (!session) return false;
-    if (providerOfHost(this.#servers.smtp.host)?.keepsSent || !session.folders.sent) return true;
+    const { smtp } = await this.#servers();
+    if (providerOfHost(smtp.host)?.keepsSent || !session.folders.sent) return true;
     const copies = await uidsOf(session.client, session.folders.sent, messageId);
     if (copies.length === 0) {
       await session.client.append(session.folders.sent, await readFile(file), ["\\Seen"], new Date(date));
