@@ -40,7 +40,7 @@ public:
             + QStringLiteral("SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
                              "FROM n;"));
         db.exec(QStringLiteral("COMMIT;"));
-        m_program.app.approvals().attach(m_program.app.delivery(), m_program.app.calls());
+        m_program.app.approvals().attach(m_program.app.delivery(), m_program.app.recordedCalls());
         m_program.app.delivery().refresh();
         m_program.screens.panel.setTab(QStringLiteral("approvals"));
     }

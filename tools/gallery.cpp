@@ -58,7 +58,7 @@ public:
         save(u"inbox-empty"_s, { Look::Light, Look::Dark });
         m_app.startAllEngines();
         waitForEngines();
-        m_app.approvals().attach(m_app.delivery(), m_app.calls());
+        m_app.approvals().attach(m_app.delivery(), m_app.recordedCalls());
         inboxScreens();
         assistantScreens();
         contactScreens();

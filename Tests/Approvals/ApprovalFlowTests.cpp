@@ -2,7 +2,7 @@
 // process, the notification service stands on a bus, the engine is the demonstration's.
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Bus/BusNotificationService.h"
 #include "Platform/Linux/Services.h"
@@ -153,7 +153,7 @@ protected:
                                 notifier, around.desktop },
         around.openDatabase(clock) };
     DraftDelivery delivery { engines.db(), engines, clock };
-    CallRecorder calls { engines.db() };
+    RecordedCalls calls { engines.db() };
     ApprovalsStore approvals { around.centre, notifier, clock };
 };
 

@@ -1,6 +1,6 @@
 #include "Approvals/ApprovalsStore.h"
 
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/EngineProcesses.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
@@ -88,7 +88,7 @@ protected:
     LogCapture logs;
     EngineWorld world;
     Account shop;
-    std::unique_ptr<CallRecorder> calls = std::make_unique<CallRecorder>(world.engines.db());
+    std::unique_ptr<RecordedCalls> calls = std::make_unique<RecordedCalls>(world.engines.db());
     ApprovalsStore store { world.centre, world.notifier, world.clock };
 };
 
@@ -311,7 +311,7 @@ TEST(Approvals, withoutEngineAndRecorderAPressOnlySaysSo)
         FakeLauncher launcher(world->clock);
         EngineManager engines(world->on(world->clock, launcher), world->openDatabase(world->clock));
         DraftDelivery delivery(engines.db(), engines, world->clock);
-        CallRecorder calls(engines.db());
+        RecordedCalls calls(engines.db());
         store.attach(delivery, calls);
     }
     store.refresh();

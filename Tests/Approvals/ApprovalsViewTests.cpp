@@ -1,7 +1,7 @@
 #include "Approvals/ApprovalsView.h"
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
@@ -48,7 +48,7 @@ protected:
 
     QString draftStatus(const QString& id) { return cell("SELECT status FROM outbound_draft WHERE id=?;", { id }); }
 
-    CallRecorder calls { engines.db() };
+    RecordedCalls calls { engines.db() };
     ApprovalsStore store { centre, notifier, clock };
     AccountStore accounts { home.paths().applicationSupport };
     DraftActions actions { store, engines, accounts };

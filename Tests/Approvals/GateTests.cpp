@@ -4,7 +4,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/EngineProcesses.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/Json.h"
@@ -179,7 +179,7 @@ struct Copy {
                        } };
     EngineManager engine;
     DraftDelivery delivery { engine.db(), engine, clock };
-    CallRecorder calls { engine.db() };
+    RecordedCalls calls { engine.db() };
     ApprovalsStore approvals { centre, notifier, clock };
 };
 

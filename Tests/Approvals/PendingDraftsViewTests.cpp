@@ -3,7 +3,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Approvals/ApprovalsView.h"
 #include "Approvals/DraftWords.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
@@ -53,7 +53,7 @@ protected:
 
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
-    CallRecorder calls { engines.db() };
+    RecordedCalls calls { engines.db() };
     ApprovalsStore store { centre, notifier, clock };
     DraftActions actions { store, engines, accounts };
     ApprovalsView panel { store, actions, engines.db(), clock };

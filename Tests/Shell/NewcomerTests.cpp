@@ -2,7 +2,7 @@
 // database file, with the demonstration's engines as the processes that they are.
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
@@ -43,7 +43,7 @@ protected:
     {
         app = std::make_unique<CorvaneApp>(paths, scheduler, fakeMachine(paths, makeProcessLauncher(scheduler)));
         screens = std::make_unique<Screens>(*app);
-        app->approvals().attach(app->delivery(), app->calls());
+        app->approvals().attach(app->delivery(), app->recordedCalls());
         inbox().appear();
     }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Services.h"
@@ -73,7 +73,7 @@ protected:
     FakeLumo lumo { clock };
     AIServices& services;
     TranslationService translations { lumo.machine };
-    CallRecorder calls { engines.db() };
+    RecordedCalls calls { engines.db() };
     ApprovalsStore approvals { centre, notifier, clock };
     SystemScheduler realClock;
     const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines

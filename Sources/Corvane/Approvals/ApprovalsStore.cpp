@@ -2,7 +2,7 @@
 
 #include "Approvals/RefusalWords.h"
 #include "Approvals/RiskQuestion.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/DraftDelivery.h"
 #include "Foundation/Ids.h"
 #include "Notifications/Notifier.h"
@@ -58,7 +58,7 @@ ApprovalsStore::ApprovalsStore(NotificationCentre& centre, Notifier& notifier, S
 {
 }
 
-void ApprovalsStore::attach(DraftDelivery& delivery, CallRecorder& calls)
+void ApprovalsStore::attach(DraftDelivery& delivery, RecordedCalls& calls)
 {
     if (m_delivery) {
         disconnect(m_delivery, nullptr, this, nullptr);
@@ -74,7 +74,7 @@ void ApprovalsStore::attach(DraftDelivery& delivery, CallRecorder& calls)
         refresh();
         Q_EMIT changed();
     });
-    connect(&calls, &CallRecorder::changed, this, &ApprovalsStore::changed);
+    connect(&calls, &RecordedCalls::changed, this, &ApprovalsStore::changed);
     refresh();
     m_timer = m_scheduler.every(pollPeriod, [this] { refresh(); });
     m_actionObserver = m_centre.observe(notifications::approvalAction, [this](const Notification& notification) {

@@ -15,7 +15,7 @@
 
 namespace corvane {
 
-class CallRecorder;
+class RecordedCalls;
 class DraftDelivery;
 class Notifier;
 
@@ -41,7 +41,7 @@ public:
 
     /// Once at boot; a second call leaves one timer and one observer. Without the two, once they are gone, every
     /// action only says that it could not be done.
-    void attach(DraftDelivery& delivery, CallRecorder& calls);
+    void attach(DraftDelivery& delivery, RecordedCalls& calls);
     void refresh();
 
     const QList<WorkDecisionRecord>& decisions() const { return m_decisions; } ///< the 50 first that wait
@@ -94,7 +94,7 @@ private:
     Notifier& m_notifier;
     Scheduler& m_scheduler;
     QPointer<DraftDelivery> m_delivery;
-    QPointer<CallRecorder> m_calls;
+    QPointer<RecordedCalls> m_calls;
     QList<WorkDecisionRecord> m_decisions;
     std::map<ApprovalKey, Armed> m_armed;
     std::unique_ptr<Timer> m_countDown;

@@ -1,27 +1,361 @@
 #include "Calls/CallRecorder.h"
 
+#include "Calls/RecordedCalls.h"
+#include "Foundation/MachineWords.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/MachineFacts.h"
+#include "Store/Work/CallWrites.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QPointer>
+#include <QRandomGenerator>
+#include <algorithm>
+
 namespace corvane {
 
 namespace {
 
-constexpr int callsShown = 8;
-constexpr int proposalsShown = 20;
+constexpr Milliseconds tickPeriod { 300 };
+constexpr qint64 diskPeriodMs = 5000;
+constexpr qint64 lowDiskBytes = 500'000'000;
+constexpr qint64 fullDiskBytes = 100'000'000;
+const QString systemAudioKey = QStringLiteral("nimb.calls.systemAudioEnabled");
+const QString systemAudioOff = QStringLiteral("System audio capture is off.");
+const QString noDatabase = QStringLiteral("Local database is not ready.");
+const QString calendarAuto = QStringLiteral("calendar_auto");
+const QString micBackend = QStringLiteral("avaudiorecorder");
+const QString bothBackend = QStringLiteral("avaudiorecorder+screencapturekit");
+
+QString newCallId(qint64 nowMs)
+{
+    return QStringLiteral("call-%1-%2").arg(nowMs).arg(QRandomGenerator::global()->bounded(1000, 10'000));
+}
+
+QString callFolder(const AppPaths& paths, const QString& id, qint64 startedAtMs)
+{
+    const QDate day = QDateTime::fromMSecsSinceEpoch(startedAtMs).date();
+    return QStringLiteral("%1/media/calls/%2/%3/%4")
+        .arg(paths.applicationSupport, QString::number(day.isValid() ? day.year() : 1970),
+            QString::number(day.isValid() ? day.month() : 1).rightJustified(2, u'0'), id);
+}
 
 }
 
-CallRecorder::CallRecorder(LocalDB& db, QObject* parent)
+CallRecorder::CallRecorder(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
-    , m_db(db)
+    , m_at(surroundings)
+    , m_systemAudioStatus(systemAudioOff)
 {
+    connect(&m_at.processor, &CallProcessor::advanced, this, &CallRecorder::onAdvanced);
 }
 
-void CallRecorder::refresh()
+CallRecorder::~CallRecorder() = default;
+
+bool CallRecorder::systemAudioEnabled() const
 {
-    const QList<CallRecordingRow> calls = recentCallRecordings(m_db, callsShown);
-    const QList<CRMUpdateProposal> proposals = fetchCRMUpdateProposals(m_db, QStringLiteral("pending"), proposalsShown);
-    const bool callsChanged = std::exchange(m_recentCalls, calls) != calls;
-    if (std::exchange(m_pendingProposals, proposals) != proposals || callsChanged)
+    return m_at.defaults.boolean(systemAudioKey).value_or(false);
+}
+
+void CallRecorder::setSystemAudioEnabled(bool enabled)
+{
+    m_at.defaults.setBoolean(systemAudioKey, enabled);
+    m_systemAudioStatus
+        = enabled ? QStringLiteral("System audio will be captured when a sound output is available.") : systemAudioOff;
+    Q_EMIT changed();
+}
+
+void CallRecorder::setApplication(const QString& binary)
+{
+    m_application = binary;
+    Q_EMIT changed();
+}
+
+void CallRecorder::start(const QString& title, const CallRecordingContext& context)
+{
+    if (isRecording() || m_starting)
+        return;
+    if (!m_at.recorded.db().isOpen())
+        return fail(noDatabase);
+    m_starting = true;
+    m_at.microphone.requestAccess([self = QPointer<CallRecorder>(this), title, context](MicrophoneAccess access) {
+        if (!self)
+            return;
+        if (access == MicrophoneAccess::Granted)
+            return self->begin(title, context);
+        self->m_starting = false;
+        self->fail(access == MicrophoneAccess::Denied ? QStringLiteral("Microphone access is denied.")
+                                                      : QStringLiteral("No microphone was found."));
+    });
+}
+
+void CallRecorder::fail(const QString& message)
+{
+    m_phase = { CallPhase::Kind::Failed, message };
+    m_statusText = message;
+    m_starting = false;
+    m_next.reset();
+    m_active.reset();
+    m_timer.reset();
+    Q_EMIT changed();
+}
+
+void CallRecorder::begin(const QString& title, const CallRecordingContext& context)
+{
+    if (!m_at.recorded.db().isOpen())
+        return fail(noDatabase);
+    const qint64 now = m_at.scheduler.nowMs();
+    const QString named = title.trimmed();
+    const Shown call {
+        .id = newCallId(now), .title = named.isEmpty() ? QStringLiteral("Manual recording") : named, .context = context
+    };
+    const QString folder = callFolder(m_at.paths, call.id, now);
+    if (!QDir().mkpath(folder))
+        return fail(QStringLiteral("The folder for the recording can't be made: ") + folder);
+    m_next = std::make_unique<Active>();
+    m_next->startedAtMs = now;
+    m_next->micPath = folder + QStringLiteral("/mic.m4a");
+    m_next->microphone = m_at.audio.recordMicrophone(m_next->micPath);
+    if (!m_next->microphone)
+        return fail(QStringLiteral("Could not start the microphone recorder."));
+    if (!systemAudioEnabled())
+        return begun(call, failure({}));
+    m_systemAudioStatus = QStringLiteral("System audio is not started.");
+    m_next->system = std::make_unique<SystemAudioCapture>(m_at.audio);
+    m_next->system->start(folder + QStringLiteral("/system.m4a"), m_application,
+        [this, call](const Result<void>& started) { begun(call, started); });
+}
+
+/// The microphone records; `system` tells whether the machine's sound is recorded, too.
+void CallRecorder::begun(const Shown& given, const Result<void>& system)
+{
+    Shown call = given;
+    Active& next = *m_next;
+    if (system) {
+        call.captureMode = captureMode::micAndSystem;
+        next.systemPath = QFileInfo(next.micPath).path() + QStringLiteral("/system.m4a");
+        m_systemAudioStatus = QStringLiteral("System audio capturing.");
+    } else if (next.system) {
+        next.system->cancel();
+        next.system.reset();
+        m_systemAudioStatus
+            = QStringLiteral("System audio unavailable; mic fallback active. ") + system.error().message;
+    } else {
+        m_systemAudioStatus = systemAudioOff;
+    }
+    const CallRecordingContext& context = call.context;
+    const bool inserted = insertCall(m_at.recorded.db(),
+        { .id = call.id,
+            .calendarEventId = context.calendarEventId,
+            .contactId = context.contactId,
+            .conversationId = context.conversationId,
+            .title = call.title,
+            .sourceApp = context.sourceApp,
+            .sourceBundleId = context.sourceBundleId,
+            .captureBackend = next.system ? bothBackend : micBackend,
+            .captureMode = call.captureMode,
+            .startedAtMs = next.startedAtMs,
+            .audioPath = next.system ? next.systemPath : next.micPath,
+            .micPath = next.micPath,
+            .systemPath = next.systemPath,
+            .consentRequired = context.consentRequired,
+            .consentGranted = context.consentGranted,
+            .consentNote = context.consentNote,
+            .disclosureMode = context.disclosureMode });
+    if (!inserted) {
+        next.microphone->cancel();
+        if (next.system)
+            next.system->cancel();
+        return fail(noDatabase);
+    }
+    m_active = std::move(m_next);
+    m_starting = false;
+    m_shown = call;
+    m_phase = { CallPhase::Kind::Recording };
+    m_elapsed = 0;
+    m_diskCheckedMs = 0;
+    m_diskIsLow = false;
+    m_notes = {};
+    m_waveform = {};
+    m_active->awake = m_at.sleep.hold(QStringLiteral("A call is being recorded"));
+    const auto stopOnFailure = [this](const QString& reason) {
+        stopBecause(QStringLiteral("The recording could not be written and was stopped: ") + reason);
+    };
+    connect(m_active->microphone.get(), &TrackRecording::failed, this, stopOnFailure);
+    connect(m_active->microphone.get(), &TrackRecording::sourceChanged, this, &CallRecorder::changed);
+    if (m_active->system)
+        connect(m_active->system->track(), &TrackRecording::failed, this, stopOnFailure);
+    m_statusText
+        = QStringLiteral("%1 %2. %3 on %4.")
+              .arg(context.startMode == calendarAuto ? QStringLiteral("Auto-recording") : QStringLiteral("Recording"),
+                  call.title,
+                  m_active->system ? QStringLiteral("Mic and system audio stay") : QStringLiteral("Audio stays"),
+                  machineWords::thisMachine);
+    m_timer = m_at.scheduler.every(tickPeriod, [this] { tick(); });
+    m_at.recorded.refresh();
+    Q_EMIT changed();
+}
+
+void CallRecorder::tick()
+{
+    m_elapsed = m_active->microphone->elapsedSeconds();
+    TrackRecording* const system = m_active->system ? m_active->system->track() : nullptr;
+    m_waveform.append(m_active->microphone->level(), system ? system->level() : 0);
+    Q_EMIT ticked();
+    checkDisk();
+}
+
+void CallRecorder::checkDisk()
+{
+    const qint64 now = m_at.scheduler.monotonicMs();
+    if (m_diskCheckedMs != 0 && now - m_diskCheckedMs < diskPeriodMs)
+        return;
+    m_diskCheckedMs = now;
+    const qint64 free = m_at.machine.state().freeDiskBytes;
+    if (free >= 0 && free < fullDiskBytes)
+        return stopBecause(QStringLiteral("The disk is full. The recording was stopped and saved."));
+    const bool isLow = free >= 0 && free < lowDiskBytes;
+    if (std::exchange(m_diskIsLow, isLow) != isLow)
         Q_EMIT changed();
+}
+
+QString CallRecorder::warningText() const
+{
+    if (!m_active)
+        return {};
+    if (m_diskIsLow)
+        return QStringLiteral("The disk is almost full. The recording stops by itself when it is.");
+    if (!m_active->microphone->hasSource() && m_elapsed > 3)
+        return QStringLiteral("The microphone is gone. It is recorded again as soon as it is back.");
+    return {};
+}
+
+QString CallRecorder::folder() const
+{
+    return QFileInfo(m_active->micPath).path();
+}
+
+void CallRecorder::mark()
+{
+    if (!m_active)
+        return;
+    m_notes.marksMs.append(qint64(m_active->microphone->elapsedSeconds() * 1000));
+    writeCallNotes(folder(), m_notes);
+    Q_EMIT changed();
+}
+
+void CallRecorder::stopBecause(const QString& words)
+{
+    if (!m_active)
+        return;
+    stop();
+    m_statusText = words;
+    Q_EMIT changed();
+}
+
+void CallRecorder::stop()
+{
+    if (!m_active)
+        return;
+    m_timer.reset();
+    writeWaveform(folder(), m_waveform);
+    const std::shared_ptr<Active> active = std::move(m_active);
+    active->awake.reset();
+    const Shown call = m_shown;
+    m_phase = { CallPhase::Kind::Transcribing };
+    m_statusText = QStringLiteral("Recording saved. Starting local transcript.");
+    endCall(m_at.recorded.db(), call.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::transcribing);
+    const QPointer<CallRecorder> self(this);
+    active->microphone->stop([self, call, active](const Result<void>& microphone) {
+        if (!self)
+            return;
+        if (!active->system)
+            return self->finish(call, active, microphone, {});
+        active->system->stop([self, call, active, microphone](const Result<void>& system) {
+            if (self)
+                self->finish(call, active, microphone, system);
+        });
+    });
+    m_at.recorded.refresh();
+    Q_EMIT changed();
+}
+
+/// Both files are whole, or as whole as they get.
+void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& active, const Result<void>& microphone,
+    const Result<void>& system)
+{
+    CallJob job { .callId = call.id,
+        .title = call.title,
+        .captureMode = call.captureMode,
+        .micPath = microphone || !active->system ? active->micPath : QString(),
+        .systemPath = active->systemPath };
+    if (active->system && !system) {
+        const QString words = QStringLiteral("System audio failed; using mic recording. ") + system.error().message;
+        if (m_shown.id == call.id)
+            m_systemAudioStatus = words;
+        updateCallProcessing(m_at.recorded.db(), call.id, callStatus::transcribing, words);
+        job.captureMode = captureMode::micOnly;
+        job.micPath = active->micPath;
+        job.systemPath.clear();
+    } else if (active->system && m_shown.id == call.id) {
+        m_systemAudioStatus = QStringLiteral("System audio saved.");
+    }
+    m_at.processor.process(job);
+}
+
+void CallRecorder::onAdvanced(const QString& callId, const CallPhase& phase, const QString& words)
+{
+    // An earlier call never changes what is shown of the one that records.
+    if (callId == m_shown.id && !isRecording()) {
+        m_phase = phase;
+        m_statusText = words;
+        if (phase.kind == CallPhase::Kind::Ready || phase.kind == CallPhase::Kind::Failed)
+            forgetShown();
+    }
+    m_at.recorded.refresh();
+    Q_EMIT changed();
+}
+
+void CallRecorder::forgetShown()
+{
+    m_shown = {};
+}
+
+void CallRecorder::cancelActiveRecording()
+{
+    if (!m_active)
+        return;
+    const std::unique_ptr<Active> active = std::move(m_active);
+    m_timer.reset();
+    m_phase = {};
+    m_statusText = QStringLiteral("Recording cancelled.");
+    active->microphone->cancel();
+    if (active->system)
+        active->system->cancel();
+    updateCallProcessing(
+        m_at.recorded.db(), m_shown.id, callStatus::cancelled, QStringLiteral("User cancelled before processing."));
+    forgetShown();
+    m_at.recorded.refresh();
+    Q_EMIT changed();
+}
+
+void CallRecorder::stopForQuit()
+{
+    if (!m_active)
+        return;
+    writeWaveform(folder(), m_waveform);
+    const std::unique_ptr<Active> active = std::move(m_active);
+    m_timer.reset();
+    active->microphone->close();
+    if (active->system)
+        active->system->close();
+    m_statusText = QStringLiteral("Interrupted");
+    LocalDB& db = m_at.recorded.db();
+    endCall(db, m_shown.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::interrupted);
+    updateCallProcessing(db, m_shown.id, callStatus::interrupted, QStringLiteral("Corvane quit while recording."));
+    Q_EMIT changed();
 }
 
 }

@@ -1,32 +1,137 @@
 #pragma once
 
-#include "Store/Approvals/CrmProposals.h"
-#include "Store/Work/CallQueries.h"
-
-#include <QObject>
+#include "Calls/CallNotes.h"
+#include "Calls/CallPhase.h"
+#include "Calls/CallProcessor.h"
+#include "Calls/CallWaveform.h"
+#include "Calls/SystemAudioCapture.h"
+#include "Foundation/Scheduler.h"
+#include "Platform/Microphone.h"
+#include "Platform/SleepInhibitor.h"
 
 namespace corvane {
 
-/// What the screens show of recorded calls, and the changes to the CRM that came out of them.
+class MachineFacts;
+class RecordedCalls;
+class UserDefaults;
+struct AppPaths;
+
+/// What a recording is about, and who says that it may be made.
+struct CallRecordingContext {
+    QString startMode = QStringLiteral("manual"); ///< or "calendar_auto"
+    QString calendarEventId = {};
+    QString contactId = {};
+    QString conversationId = {};
+    QString sourceApp = {};
+    QString sourceBundleId = {};
+    bool consentRequired = true;
+    bool consentGranted = false;
+    QString consentNote = QStringLiteral("User-started from Corvane; participant consent must be handled by the user.");
+    QString disclosureMode = QStringLiteral("manual");
+};
+
+/// The one owner of a running recording. It records the microphone and, where that is wanted and can be had, what the
+/// machine plays, keeps the call's row up to date, and hands what was recorded to the processor. One recording runs at
+/// a time; an earlier call may still be processed meanwhile.
 class CallRecorder : public QObject {
     Q_OBJECT
 public:
-    /// `db` outlives the recorder.
-    explicit CallRecorder(LocalDB& db, QObject* parent = nullptr);
+    /// What it stands on; all of it outlives the recorder.
+    struct Surroundings {
+        RecordedCalls& recorded;
+        CallProcessor& processor;
+        Microphone& microphone;
+        CallAudio& audio;
+        SleepInhibitor& sleep;
+        const MachineFacts& machine;
+        UserDefaults& defaults;
+        Scheduler& scheduler;
+        const AppPaths& paths;
+    };
 
-    LocalDB& db() { return m_db; }
-    void refresh();
+    explicit CallRecorder(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~CallRecorder() override;
 
-    const QList<CallRecordingRow>& recentCalls() const { return m_recentCalls; } ///< the 8 newest
-    const QList<CRMUpdateProposal>& pendingProposals() const { return m_pendingProposals; } ///< the 20 newest
+    void start(const QString& title, const CallRecordingContext& context); ///< nothing while one runs or begins
+    void stop();
+    void stopForQuit(); ///< closes the files at once and keeps them
+    void cancelActiveRecording(); ///< removes them
+    void mark(); ///< this moment of the recording
+
+    const CallPhase& phase() const { return m_phase; } ///< of the call that began last
+    bool isRecording() const { return m_active != nullptr; }
+    double elapsed() const { return m_elapsed; } ///< in seconds
+    const CallWaveform& waveform() const { return m_waveform; } ///< of the recording that runs or ran last
+    const QString& activeCallId() const { return m_shown.id; } ///< empty once it is processed
+    const QString& activeCalendarEventId() const { return m_shown.context.calendarEventId; }
+    const QString& activeStartMode() const { return m_shown.context.startMode; }
+    const QString& activeCaptureMode() const { return m_shown.captureMode; }
+    const QString& activeTitle() const { return m_shown.title; }
+    const QString& statusText() const { return m_statusText; }
+    QString warningText() const; ///< what threatens the recording that runs
+    const QList<qint64>& marksMs() const { return m_notes.marksMs; } ///< of the recording that runs
+
+    bool systemAudioEnabled() const;
+    void setSystemAudioEnabled(bool enabled);
+    const QString& systemAudioStatus() const { return m_systemAudioStatus; }
+
+    /// Of all that plays, only the sound of the program with that file name; empty for everything.
+    const QString& application() const { return m_application; }
+    void setApplication(const QString& binary);
+
+    CallProcessor& processor() { return m_at.processor; }
+    RecordedCalls& recorded() { return m_at.recorded; }
+    const Surroundings& surroundings() const { return m_at; }
 
 Q_SIGNALS:
     void changed();
+    void ticked(); ///< elapsed time and level of the recording that runs
 
 private:
-    LocalDB& m_db;
-    QList<CallRecordingRow> m_recentCalls;
-    QList<CRMUpdateProposal> m_pendingProposals;
+    /// What a call says of itself, whether it is recorded or processed.
+    struct Shown {
+        QString id;
+        QString title;
+        QString captureMode = corvane::captureMode::micOnly;
+        CallRecordingContext context {};
+    };
+    /// The recording that runs.
+    struct Active {
+        qint64 startedAtMs = 0;
+        QString micPath;
+        QString systemPath; ///< empty without the system's sound
+        std::unique_ptr<TrackRecording> microphone;
+        std::unique_ptr<SystemAudioCapture> system;
+        std::unique_ptr<SleepInhibitor::Hold> awake;
+    };
+
+    void begin(const QString& title, const CallRecordingContext& context);
+    void begun(const Shown& call, const Result<void>& system);
+    void tick();
+    void checkDisk();
+    void stopBecause(const QString& words);
+    void fail(const QString& message);
+    void finish(const Shown& call, const std::shared_ptr<Active>& active, const Result<void>& microphone,
+        const Result<void>& system);
+    void onAdvanced(const QString& callId, const CallPhase& phase, const QString& words);
+    void forgetShown();
+    QString folder() const; ///< of the recording that runs
+
+    const Surroundings m_at;
+    CallPhase m_phase;
+    Shown m_shown;
+    bool m_starting = false;
+    std::unique_ptr<Active> m_next; ///< while it begins
+    std::unique_ptr<Active> m_active;
+    std::unique_ptr<Timer> m_timer;
+    double m_elapsed = 0;
+    qint64 m_diskCheckedMs = 0;
+    bool m_diskIsLow = false;
+    CallNotes m_notes; ///< of the recording that runs
+    CallWaveform m_waveform;
+    QString m_application;
+    QString m_statusText = QStringLiteral("Ready for user-started recording.");
+    QString m_systemAudioStatus;
 };
 
 }

@@ -5,7 +5,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
-#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
@@ -78,7 +78,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_ai->drafts.setMemoryDB(m_engine->db());
     m_translations = std::make_unique<TranslationService>(*m_machine.facts);
     m_machine.languageModel->choose(modelChoice(m_defaults));
-    m_calls = std::make_unique<CallRecorder>(m_engine->db());
+    m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
@@ -104,7 +104,7 @@ void CorvaneApp::onAppear()
     m_contacts->load();
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
-    m_approvals->attach(*m_delivery, *m_calls);
+    m_approvals->attach(*m_delivery, *m_recordedCalls);
     for (const Account& account : m_store->accounts()) {
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);

@@ -21,7 +21,6 @@ namespace corvane {
 class AccountStore;
 class ApprovalsStore;
 class AddressBook;
-class CallRecorder;
 class ContactsBridge;
 class AudioPlayer;
 class Desktop;
@@ -33,6 +32,7 @@ class Microphone;
 class NotificationService;
 class Notifier;
 class PortHolders;
+class RecordedCalls;
 class ProcessLauncher;
 class SessionStore;
 class StoreRecovery;
@@ -76,7 +76,7 @@ public:
     EngineManager& engine() { return *m_engine; }
     DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
-    CallRecorder& calls() { return *m_calls; }
+    RecordedCalls& recordedCalls() { return *m_recordedCalls; }
     ApprovalsStore& approvals() { return *m_approvals; }
     AIServices& ai() { return *m_ai; }
     TranslationService& translations() { return *m_translations; }
@@ -143,7 +143,7 @@ private:
     std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
-    std::unique_ptr<CallRecorder> m_calls;
+    std::unique_ptr<RecordedCalls> m_recordedCalls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<StoreRecovery> m_recovery;

@@ -24,4 +24,47 @@ struct CallRecordingRow {
 
 QList<CallRecordingRow> recentCallRecordings(LocalDB& db, int limit); ///< newest first
 
+/// Those whose title, person, transcript or summary holds the text; all for an empty one. Newest first.
+QList<CallRecordingRow> findCallRecordings(LocalDB& db, const QString& text, int limit);
+
+/// All that is known of one call.
+struct CallDetails {
+    QString id;
+    QString title;
+    QString contactId;
+    QString contactName;
+    qint64 startedAt = 0;
+    qint64 endedAt = 0;
+    qint64 durationMs = 0;
+    QString micPath;
+    QString systemPath; ///< empty where the system's sound was not recorded
+    QString captureMode;
+    QString processingStatus;
+    QString processingError;
+    QString consentNote;
+    QString transcript;
+    QString model; ///< what transcribed it
+    QString summary;
+
+    bool operator==(const CallDetails&) const = default;
+};
+
+std::optional<CallDetails> fetchCall(LocalDB& db, const QString& id);
+
+QString transcriptText(LocalDB& db, const QString& callId);
+
+/// Calls whose sound is still there and that ended before the moment, with a transcript.
+QList<CallDetails> callsWithSoundBefore(LocalDB& db, qint64 endedBeforeMs);
+
+/// Somebody whose name may be spoken of.
+struct NamedContact {
+    QString id;
+    QString name;
+};
+
+QList<NamedContact> namedContacts(LocalDB& db, int limit); ///< the most recently updated first
+
+/// The contact with that address, compared without case; empty where there is none.
+QString contactWithEmail(LocalDB& db, const QString& email);
+
 }

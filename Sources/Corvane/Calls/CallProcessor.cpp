@@ -1,0 +1,180 @@
+#include "Calls/CallProcessor.h"
+
+#include "Calls/CallProposals.h"
+#include "Calls/CallSummarizer.h"
+#include "Calls/CallTurns.h"
+#include "Foundation/MachineWords.h"
+#include "Store/Work/CallWrites.h"
+
+#include <QFileInfo>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+using SpeechError = SpeechTranscriberError;
+
+/// The stretches of a transcript; one without times is one stretch.
+QList<SpeechSegment> segmentsOf(const TranscriptionOutcome& outcome)
+{
+    if (!outcome)
+        return {};
+    return outcome->segments.isEmpty() ? QList<SpeechSegment> { { 0, 0, outcome->text } } : outcome->segments;
+}
+
+bool isSilent(const TranscriptionOutcome& outcome)
+{
+    return !outcome && outcome.error().kind == SpeechError::Kind::EmptyTranscript;
+}
+
+}
+
+CallProcessor::CallProcessor(LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, QObject* parent)
+    : QObject(parent)
+    , m_db(db)
+    , m_summarizer(summarizer)
+    , m_transcribe(std::move(transcribe))
+{
+}
+
+CallProcessor::~CallProcessor()
+{
+    const auto running = std::exchange(m_running, {});
+    for (const Running& job : running)
+        job.cancel.cancel();
+}
+
+void CallProcessor::process(const CallJob& job)
+{
+    if (isProcessing(job.callId))
+        return;
+    Running& running = m_running[job.callId];
+    updateCallProcessing(m_db, job.callId, callStatus::transcribing);
+    run(job, running.cancel);
+}
+
+void CallProcessor::summarizeAgain(const QString& callId)
+{
+    const auto call = fetchCall(m_db, callId);
+    if (isProcessing(callId) || !call)
+        return;
+    const CancelHandle cancel = m_running[callId].cancel;
+    summarize(callId, call->title, call->captureMode, cancel);
+}
+
+void CallProcessor::cancel(const QString& callId)
+{
+    const CancelHandle handle = m_running.value(callId).cancel;
+    handle.cancel();
+}
+
+QCoro::Task<> CallProcessor::run(CallJob job, CancelHandle cancel)
+{
+    const QPointer<CallProcessor> self(this);
+    const auto transcript = co_await hear(job, cancel);
+    if (!self || !m_running.contains(job.callId))
+        co_return;
+    if (!transcript) {
+        const QString words = describe(transcript.error());
+        fail(job.callId, words, words);
+        co_return;
+    }
+    if (transcript->text.trimmed().isEmpty()) {
+        fail(job.callId, QStringLiteral("Transcript was empty; summary skipped."),
+            QStringLiteral("Transcript was empty. Summary skipped."));
+        co_return;
+    }
+    replaceCallTranscript(m_db, { job.callId, job.captureMode, transcript->text, transcript->model });
+    co_await summarize(job.callId, job.title, job.captureMode, cancel);
+}
+
+TranscriptionRequest CallProcessor::request(
+    const CallJob& job, const QString& path, double from, double to, CancelHandle cancel)
+{
+    const auto report = [self = QPointer<CallProcessor>(this), id = job.callId, from, to](double done) {
+        if (!self || !self->m_running.contains(id))
+            return;
+        self->m_running[id].progress = from + (to - from) * done;
+        Q_EMIT self->progressed(id);
+    };
+    return { .audioPath = path, .onProgress = report, .cancel = std::move(cancel) };
+}
+
+/// The text of one track as it is, or of both on one time line. One that is silent leaves the other to speak.
+QCoro::Task<std::expected<CallProcessor::Transcript, SpeechTranscriberError>> CallProcessor::hear(
+    CallJob job, CancelHandle cancel)
+{
+    const QPointer<CallProcessor> self(this);
+    if (job.systemPath.isEmpty() || job.micPath.isEmpty()) {
+        const QString path = job.systemPath.isEmpty() ? job.micPath : job.systemPath;
+        const auto outcome = co_await m_transcribe(request(job, path, 0, 1, cancel));
+        if (!outcome)
+            co_return std::unexpected(outcome.error());
+        writeTurns(QFileInfo(path).path(),
+            turnsOf(segmentsOf(outcome), job.systemPath.isEmpty() ? meSpeaker : meetingSpeaker));
+        co_return Transcript { outcome->text, transcriptModel(outcome->model) };
+    }
+    const auto meeting = co_await m_transcribe(request(job, job.systemPath, 0, 0.5, cancel));
+    if (!self || cancel.isCancelled())
+        co_return std::unexpected(SpeechError { .kind = SpeechError::Kind::Cancelled });
+    const auto microphone = co_await m_transcribe(request(job, job.micPath, 0.5, 1, cancel));
+    if (!self || cancel.isCancelled())
+        co_return std::unexpected(SpeechError { .kind = SpeechError::Kind::Cancelled });
+    if (!meeting && !microphone) {
+        if (isSilent(meeting) && isSilent(microphone))
+            co_return Transcript {};
+        co_return std::unexpected((isSilent(meeting) ? microphone : meeting).error());
+    }
+    const QList<CallTurn> turns = mergedTurns(segmentsOf(microphone), segmentsOf(meeting));
+    writeTurns(QFileInfo(job.micPath).path(), turns);
+    co_return Transcript { textOf(turns), transcriptModel((meeting ? meeting : microphone)->model) };
+}
+
+QCoro::Task<> CallProcessor::summarize(QString callId, QString title, QString captureMode, CancelHandle cancel)
+{
+    const QPointer<CallProcessor> self(this);
+    advance(callId, { CallPhase::Kind::Summarizing }, QStringLiteral("Transcript ready. Running LumoAI summary."));
+    const QString transcript = transcriptText(m_db, callId);
+    Result<QString> summary = failure(QStringLiteral("The transcript was not sent to the Codex CLI yet."));
+    const bool waitsForAnswer = co_await m_summarizer.needsCodexAnswer();
+    if (self && !waitsForAnswer) {
+        const QString input = co_await m_summarizer.summaryInput(transcript, cancel);
+        if (self && !cancel.isCancelled())
+            summary = co_await m_summarizer.summarize(title, input, cancel);
+    }
+    if (!self || !m_running.contains(callId))
+        co_return;
+    if (cancel.isCancelled())
+        summary = cancelled();
+    createCRMProposalsForCall(m_db, callId, title, summary.value_or(QString()), transcript);
+    m_running.remove(callId);
+    if (summary) {
+        storeCallSummary(m_db, callId, *summary, QStringLiteral("LumoAI"), summaryWarnings(captureMode));
+        updateCallProcessing(m_db, callId, callStatus::ready);
+        advance(callId, { CallPhase::Kind::Ready },
+            QStringLiteral("Call transcript, summary, and CRM proposals are ready."));
+        co_return;
+    }
+    updateCallProcessing(
+        m_db, callId, callStatus::transcribed, QStringLiteral("Summary not ready: ") + summary.error().message);
+    advance(callId, { CallPhase::Kind::Ready },
+        QStringLiteral("Transcript ready. CRM proposals created from transcript. Summary needs %1 or Codex CLI.")
+            .arg(machineWords::localModel));
+}
+
+void CallProcessor::fail(const QString& callId, const QString& stored, const QString& shown)
+{
+    m_running.remove(callId);
+    updateCallProcessing(m_db, callId, callStatus::failed, stored);
+    advance(callId, { CallPhase::Kind::Failed, shown }, shown);
+}
+
+void CallProcessor::advance(const QString& callId, const CallPhase& phase, const QString& words)
+{
+    if (const auto running = m_running.find(callId); running != m_running.end())
+        running->phase = phase.kind;
+    Q_EMIT advanced(callId, phase, words);
+}
+
+}

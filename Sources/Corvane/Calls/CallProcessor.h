@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Calls/CallPhase.h"
+#include "Foundation/Cancellation.h"
+#include "Voice/SpeechTranscript.h"
+
+#include <QHash>
+#include <QObject>
+#include <functional>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+class CallSummarizer;
+class LocalDB;
+
+/// A recorded call whose sound becomes text.
+struct CallJob {
+    QString callId;
+    QString title;
+    QString captureMode; ///< of what there is to be heard
+    QString micPath; ///< empty where the microphone is not transcribed
+    QString systemPath;
+};
+
+/// Makes transcript, summary and proposals of recorded calls. Several may run, each for itself.
+class CallProcessor : public QObject {
+    Q_OBJECT
+public:
+    using Transcribe = std::function<QCoro::Task<TranscriptionOutcome>(TranscriptionRequest)>;
+
+    /// All of it outlives the processor.
+    CallProcessor(LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, QObject* parent = nullptr);
+    ~CallProcessor() override;
+
+    /// Nothing where the call is being processed already.
+    void process(const CallJob& job);
+    void summarizeAgain(const QString& callId); ///< from the transcript that is there
+
+    bool isProcessing(const QString& callId) const { return m_running.contains(callId); }
+    CallPhase::Kind phase(const QString& callId) const { return m_running.value(callId).phase; }
+    double progress(const QString& callId) const { return m_running.value(callId).progress; } ///< of the transcript
+    void cancel(const QString& callId);
+
+Q_SIGNALS:
+    void advanced(const QString& callId, const corvane::CallPhase& phase, const QString& words);
+    void progressed(const QString& callId);
+
+private:
+    struct Running {
+        CancelHandle cancel;
+        CallPhase::Kind phase = CallPhase::Kind::Transcribing;
+        double progress = 0;
+    };
+    struct Transcript {
+        QString text;
+        QString model;
+    };
+
+    QCoro::Task<> run(CallJob job, CancelHandle cancel);
+    QCoro::Task<> transcribe(CallJob job, CancelHandle cancel);
+    QCoro::Task<std::expected<Transcript, SpeechTranscriberError>> hear(CallJob job, CancelHandle cancel);
+    QCoro::Task<> summarize(QString callId, QString title, QString captureMode, CancelHandle cancel);
+    TranscriptionRequest request(const CallJob& job, const QString& path, double from, double to, CancelHandle cancel);
+    void fail(const QString& callId, const QString& stored, const QString& shown);
+    void advance(const QString& callId, const CallPhase& phase, const QString& words);
+
+    LocalDB& m_db;
+    CallSummarizer& m_summarizer;
+    const Transcribe m_transcribe;
+    QHash<QString, Running> m_running;
+};
+
+}

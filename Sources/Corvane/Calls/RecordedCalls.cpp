@@ -1,0 +1,27 @@
+#include "Calls/RecordedCalls.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr int callsShown = 8;
+constexpr int proposalsShown = 20;
+
+}
+
+RecordedCalls::RecordedCalls(LocalDB& db, QObject* parent)
+    : QObject(parent)
+    , m_db(db)
+{
+}
+
+void RecordedCalls::refresh()
+{
+    const QList<CallRecordingRow> calls = recentCallRecordings(m_db, callsShown);
+    const QList<CRMUpdateProposal> proposals = fetchCRMUpdateProposals(m_db, QStringLiteral("pending"), proposalsShown);
+    const bool callsChanged = std::exchange(m_recentCalls, calls) != calls;
+    if (std::exchange(m_pendingProposals, proposals) != proposals || callsChanged)
+        Q_EMIT changed();
+}
+
+}
