@@ -295,7 +295,7 @@ TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAb
     EXPECT_EQ(shown("proposal:p1", "failureReason"), "No contact linked. Open CRM and link this call first.");
     EXPECT_EQ(words("proposal:p1", { "detail", "linkLabel" }), "Note|Link contact");
 
-    ProposalLink& link = *view.link();
+    ContactPick& link = *view.link();
     const auto offered = [&] {
         QStringList names;
         for (const auto& person : link.people())
@@ -308,14 +308,14 @@ TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAb
     EXPECT_EQ(offered(), "José Ortega");
     link.choose("ct:EMAIL:gone");
     EXPECT_EQ(link.errorText(), "Couldn't link it, try again.");
-    EXPECT_EQ(link.proposalId(), "p1");
+    EXPECT_EQ(link.subject(), "p1");
     link.choose("ct:EMAIL:jose@example.com");
-    EXPECT_EQ(link.proposalId(), "");
+    EXPECT_EQ(link.subject(), "");
     EXPECT_EQ(words("proposal:p1", { "title", "detail", "linkLabel", "failureReason" }),
         "Add call note|Note · José Ortega|Change contact|");
     link.begin("p1");
     view.approve("proposal:p1");
     clock.advance(seconds(5));
-    EXPECT_EQ(link.proposalId(), "") << "it no longer waits";
+    EXPECT_EQ(link.subject(), "") << "it no longer waits";
     EXPECT_EQ(cell("SELECT contact_id FROM contact_note WHERE body='Wants two sizes.';"), "ct:EMAIL:jose@example.com");
 }

@@ -15,7 +15,8 @@ ApprovalsView::ApprovalsView(
     , m_actions(actions)
     , m_db(db)
     , m_editor(store)
-    , m_link(store, db)
+    , m_link(db,
+          [&store](const QString& proposal, const QString& contact) { return store.linkProposal(proposal, contact); })
     , m_log(store, db, scheduler)
     , m_rows(scheduler)
 {
@@ -146,7 +147,7 @@ bool ApprovalsView::stepBack()
         ask({});
     else if (!m_editor.draftId().isEmpty())
         m_editor.close();
-    else if (!m_link.proposalId().isEmpty())
+    else if (!m_link.subject().isEmpty())
         m_link.cancel();
     else
         return false;
@@ -213,7 +214,7 @@ void ApprovalsView::present()
     const ApprovalRow* const asked = decidable(asking());
     if (!asking().isEmpty() && (!asked || *asked != m_asked))
         ask({}); // what was read when it was asked is not what stands there
-    if (const QString linked = m_link.proposalId(); !linked.isEmpty() && !find(QStringLiteral("proposal:") + linked))
+    if (const QString linked = m_link.subject(); !linked.isEmpty() && !find(QStringLiteral("proposal:") + linked))
         m_link.cancel();
     Q_EMIT changed();
 }

@@ -3,7 +3,7 @@
 #include "Approvals/ApprovalRow.h"
 #include "Approvals/DecisionLog.h"
 #include "Approvals/DraftEdit.h"
-#include "Approvals/ProposalLink.h"
+#include "CRM/ContactPick.h"
 #include "Presentation/RowListModel.h"
 
 #include <QVariantMap>
@@ -34,7 +34,7 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(int askingRow READ askingRow NOTIFY askingChanged) ///< its place, or -1
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last verdict changed nothing, or empty
     Q_PROPERTY(corvane::DraftEdit* editor READ editor CONSTANT)
-    Q_PROPERTY(corvane::ProposalLink* link READ link CONSTANT) ///< whom a change to the CRM is about
+    Q_PROPERTY(corvane::ContactPick* link READ link CONSTANT) ///< whom a change to the CRM is about
     Q_PROPERTY(corvane::DecisionLog* log READ log CONSTANT) ///< what was decided
 public:
     /// All of it outlives the view.
@@ -58,7 +58,7 @@ public:
     int askingRow() const;
     const QString& notice() const;
     DraftEdit* editor() { return &m_editor; }
-    ProposalLink* link() { return &m_link; }
+    ContactPick* link() { return &m_link; }
     DecisionLog* log() { return &m_log; }
 
     // By the key of a row; one that is gone, or stands otherwise by now, stays as it is.
@@ -89,7 +89,7 @@ private:
     DraftActions& m_actions;
     LocalDB& m_db;
     DraftEdit m_editor;
-    ProposalLink m_link;
+    ContactPick m_link;
     DecisionLog m_log;
     RowListModel<ApprovalRow> m_rows;
     int m_waiting = 0;

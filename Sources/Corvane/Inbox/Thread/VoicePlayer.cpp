@@ -134,13 +134,4 @@ void VoicePlayer::stop()
     Q_EMIT moved();
 }
 
-QString playTime(qint64 ms)
-{
-    const qint64 seconds = std::max<qint64>(0, ms / 1000);
-    const QString last = QStringLiteral(":%1").arg(seconds % 60, 2, 10, QChar(u'0'));
-    if (seconds < 3600)
-        return QString::number(seconds / 60) + last;
-    return QStringLiteral("%1:%2").arg(seconds / 3600).arg(seconds / 60 % 60, 2, 10, QChar(u'0')) + last;
-}
-
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AudioPlayer.h"
+#include "Presentation/PlayTime.h"
 
 namespace corvane {
 
@@ -47,8 +48,5 @@ private:
     QString m_messageId;
     QString m_problem; ///< why the file was not given to the player
 };
-
-/// "0:07", "1:20", "1:02:03"; a part of a second does not count.
-QString playTime(qint64 ms);
 
 }

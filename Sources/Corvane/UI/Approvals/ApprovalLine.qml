@@ -15,7 +15,7 @@ FocusScope {
     readonly property DraftEdit editor: approvals.editor
     readonly property bool editing: approval.kind === "draft" && editor.draftId === approval.id
     readonly property bool asking: approvals.asking === approval.key
-    readonly property bool linking: approval.kind === "proposal" && approvals.link.proposalId === approval.id
+    readonly property bool linking: approval.kind === "proposal" && approvals.link.subject === approval.id
     readonly property bool armed: approval.secondsLeft > 0
     readonly property bool acts: approval.actions.length > 0
     readonly property bool tells: approval.detail !== "" || approval.riskText !== ""

@@ -48,7 +48,7 @@ FocusScope {
 
     Keys.onPressed: event => {
         const line = rows.currentItem as ApprovalLine;
-        if (!line || approvals.asking !== "" || approvals.editor.draftId !== "" || approvals.link.proposalId !== "")
+        if (!line || approvals.asking !== "" || approvals.editor.draftId !== "" || approvals.link.subject !== "")
             return;
         event.accepted = true;
         if (event.key === Qt.Key_Down)

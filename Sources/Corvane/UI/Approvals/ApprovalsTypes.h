@@ -30,10 +30,10 @@ struct DraftEditType {
     QML_UNCREATABLE("The program makes it.")
 };
 
-struct ProposalLinkType {
+struct ContactPickType {
     Q_GADGET
-    QML_FOREIGN(corvane::ProposalLink)
-    QML_NAMED_ELEMENT(ProposalLink)
+    QML_FOREIGN(corvane::ContactPick)
+    QML_NAMED_ELEMENT(ContactPick)
     QML_UNCREATABLE("The program makes it.")
 };
 

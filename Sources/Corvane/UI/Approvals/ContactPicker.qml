@@ -7,7 +7,7 @@ import Corvane.Controls
 Column {
     id: picker
 
-    required property ProposalLink link ///< the view model
+    required property ContactPick link ///< the view model
 
     spacing: Theme.small
     Accessible.role: Accessible.Grouping

@@ -1,6 +1,6 @@
 #include "UI/Controls/WaveformItem.h"
 
-#include "Inbox/Thread/VoicePlayer.h"
+#include "Presentation/PlayTime.h"
 #include "UI/Controls/MediaCache.h"
 
 #include <QPainter>

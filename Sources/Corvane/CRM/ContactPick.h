@@ -4,27 +4,29 @@
 #include "Store/People/IdentityQueries.h"
 
 #include <QObject>
+#include <functional>
 
 namespace corvane {
 
-class ApprovalsStore;
 class LocalDB;
 
-/// Whom a change to the CRM is about, where the program could not tell, or told wrong: a person picks the contact. One
-/// proposal at a time.
-class ProposalLink : public QObject {
+/// Whom something is about, where the program could not tell, or told wrong: a person picks the contact. One thing at
+/// a time.
+class ContactPick : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString proposalId READ proposalId NOTIFY changed) ///< the one that is linked, or empty
+    Q_PROPERTY(QString subject READ subject NOTIFY changed) ///< what a contact is picked for, or empty
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QString searchText READ searchText CONSTANT)
     Q_PROPERTY(QList<corvane::ContactChoice> people READ people NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT) ///< where nobody matches
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
 public:
-    /// Both outlive the object.
-    ProposalLink(ApprovalsStore& store, LocalDB& db, QObject* parent = nullptr);
+    using Link = std::function<bool(const QString& subject, const QString& contactId)>; ///< false where it failed
 
-    const QString& proposalId() const { return m_proposalId; }
+    /// `db` outlives the object.
+    ContactPick(LocalDB& db, Link link, QObject* parent = nullptr);
+
+    const QString& subject() const { return m_subject; }
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
     QString searchText() const { return QStringLiteral("Search contacts"); }
@@ -32,8 +34,8 @@ public:
     QString emptyText() const { return QStringLiteral("Nobody of that name has written yet."); }
     const QString& errorText() const { return m_errorText; }
 
-    Q_INVOKABLE void begin(const QString& proposalId);
-    Q_INVOKABLE void choose(const QString& contactId); ///< ends it, unless the proposal could not be linked
+    Q_INVOKABLE void begin(const QString& subject);
+    Q_INVOKABLE void choose(const QString& contactId); ///< ends it, unless the contact could not be linked
     Q_INVOKABLE void cancel();
 
 Q_SIGNALS:
@@ -42,9 +44,9 @@ Q_SIGNALS:
 private:
     void search();
 
-    ApprovalsStore& m_store;
     LocalDB& m_db;
-    QString m_proposalId;
+    const Link m_link;
+    QString m_subject;
     QString m_query;
     QList<ContactLink> m_contacts; ///< all, while somebody is picked
     QList<ContactChoice> m_people;

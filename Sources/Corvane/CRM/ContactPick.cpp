@@ -1,6 +1,5 @@
-#include "Approvals/ProposalLink.h"
+#include "CRM/ContactPick.h"
 
-#include "Approvals/ApprovalsStore.h"
 #include "Foundation/Channel.h"
 #include "Foundation/Text.h"
 #include "Presentation/WAName.h"
@@ -13,14 +12,14 @@ constexpr int peopleShown = 30;
 
 }
 
-ProposalLink::ProposalLink(ApprovalsStore& store, LocalDB& db, QObject* parent)
+ContactPick::ContactPick(LocalDB& db, Link link, QObject* parent)
     : QObject(parent)
-    , m_store(store)
     , m_db(db)
+    , m_link(std::move(link))
 {
 }
 
-void ProposalLink::setQuery(const QString& query)
+void ContactPick::setQuery(const QString& query)
 {
     if (query == m_query)
         return;
@@ -28,34 +27,34 @@ void ProposalLink::setQuery(const QString& query)
     search();
 }
 
-void ProposalLink::begin(const QString& proposalId)
+void ContactPick::begin(const QString& subject)
 {
-    m_proposalId = proposalId;
+    m_subject = subject;
     m_contacts = fetchContactLinks(m_db); // once, as a search must keep up with the typing
     m_query.clear();
     m_errorText.clear();
     search();
 }
 
-void ProposalLink::choose(const QString& contactId)
+void ContactPick::choose(const QString& contactId)
 {
-    if (m_proposalId.isEmpty())
+    if (m_subject.isEmpty())
         return;
-    if (m_store.linkProposal(m_proposalId, contactId))
+    if (m_link(m_subject, contactId))
         return cancel();
     m_errorText = QStringLiteral("Couldn't link it, try again.");
     Q_EMIT changed();
 }
 
-void ProposalLink::cancel()
+void ContactPick::cancel()
 {
-    m_proposalId.clear();
+    m_subject.clear();
     m_contacts.clear();
     m_people.clear();
     Q_EMIT changed();
 }
 
-void ProposalLink::search()
+void ContactPick::search()
 {
     const QString wanted = folded(m_query.trimmed());
     m_people.clear();
