@@ -1,11 +1,11 @@
 // One stretch of being connected: a connection that hears of new mail at once, and one that does everything else.
 
-import { setTimeout as sleep } from "node:timers/promises";
 import type { ImapFlow, ImapFlowError } from "imapflow";
 import { log } from "../lib/wire.ts";
 import { connectImap, wordsOfServer } from "./client.ts";
 import { mailFolders, type MailFolders } from "./folders.ts";
 import { openedFolder, tellNew, tellOlder, type Mirror } from "./mirror.ts";
+import { notify } from "./notify.ts";
 import type { Server, Settings } from "./settings.ts";
 import type { Folder } from "./store.ts";
 import { compareRead, readElsewhere } from "./unread.ts";
@@ -19,6 +19,9 @@ export class Session {
   readonly #listener: ImapFlow;
   readonly #mirror: Mirror;
   readonly #ended = new AbortController();
+  /** Folders of which the server said that something is new in them. */
+  readonly #stirred = new Set<string>();
+  readonly #stir = new Bell(this.#ended.signal);
 
   private constructor(listener: ImapFlow, client: ImapFlow, folders: MailFolders, mirror: Mirror) {
     this.#listener = listener;
@@ -66,6 +69,10 @@ export class Session {
   async #listen(): Promise<void> {
     const client = this.#listener;
     await client.mailboxOpen("INBOX");
+    await notify(client, this.folders.mirrored, (path) => {
+      this.#stirred.add(path);
+      this.#stir.ring();
+    });
     let inbox = openedFolder(client, this.#mirror);
     const bell = new Bell(this.#ended.signal);
     client.on("exists", () => bell.ring());
@@ -103,10 +110,14 @@ export class Session {
         }
         looked = Date.now();
       }
+      for (const path of this.#stirred) {
+        this.#stirred.delete(path);
+        await this.#look(path, known);
+      }
       const behind = paths.filter((path) => (known.get(path)?.bottom ?? 1) > 1);
       const [next] = behind.sort((a, b) => (reached.get(b) ?? Infinity) - (reached.get(a) ?? Infinity));
       if (next !== undefined) await tellPage(next);
-      else await sleep(looked + pollEvery - Date.now(), undefined, { signal: this.#ended.signal });
+      else await this.#stir.rung(looked + pollEvery - Date.now());
     }
   }
 
@@ -157,8 +168,15 @@ class Bell {
     this.#wake?.();
   }
 
-  async rung(): Promise<void> {
-    if (!this.#isRung) await new Promise<void>((resolve) => (this.#wake = resolve));
+  /** Waits for a ring, or for so many milliseconds. */
+  async rung(longest?: number): Promise<void> {
+    let late: NodeJS.Timeout | undefined;
+    await new Promise<void>((resolve) => {
+      this.#wake = resolve;
+      if (this.#isRung) resolve();
+      else if (longest !== undefined) late = setTimeout(resolve, longest);
+    });
+    clearTimeout(late);
     this.#isRung = false;
     this.#wake = undefined;
   }
