@@ -3,11 +3,13 @@
 #include "Mirror.h"
 
 #include "Platform/AddressBook.h"
+#include "Platform/AudioPlayer.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
@@ -37,6 +39,9 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);
     machine.decoder = makeMediaDecoder(scheduler);
+    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
+    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     return machine;
 }
 

@@ -15,6 +15,7 @@
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
@@ -154,6 +155,8 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     machine.facts = std::make_unique<PictureFacts>();
     machine.decoder = makeMediaDecoder(scheduler);
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
+    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     return machine;
 }
 

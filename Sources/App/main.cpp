@@ -16,6 +16,7 @@
 #include "Platform/PrivateFile.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/TerminationSignals.h"
 #include "Platform/ToolRunner.h"
@@ -68,6 +69,8 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.facts = makeMachineFacts(paths);
     machine.decoder = makeMediaDecoder(scheduler);
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
+    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     if (mode == Mode::Window)
         machine.tray = makeTray();
     return machine;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
 #include "Platform/Linux/Services.h"
+#include "Platform/MediaDecoder.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Shell/CorvaneApp.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeDesktop.h"
@@ -17,6 +20,7 @@ namespace corvane {
 /// A machine of fakes around the launcher.
 inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLauncher> launcher)
 {
+    static SystemScheduler scheduler; // of what waits for real children
     Machine machine;
     machine.launcher = std::move(launcher);
     machine.ports = std::make_unique<FakePortHolders>();
@@ -28,6 +32,9 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.tools = std::make_unique<NoTools>();
     machine.languageModel = std::make_unique<FakeLanguageModel>();
     machine.player = std::make_unique<FakeAudioPlayer>();
+    machine.decoder = makeMediaDecoder(scheduler);
+    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
+    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     machine.facts = std::make_unique<FakeMachineFacts>();
     return machine;
 }

@@ -48,9 +48,20 @@ struct SoundShape {
     QList<float> bars; ///< the loudest of each part, from 0 to 1
 };
 
+/// How samples are wanted, whatever the file holds.
+struct SampleFormat {
+    qint32 rate = 0; ///< moments a second
+    qint32 channels = 0;
+
+    bool operator==(const SampleFormat&) const = default;
+};
+
+/// What recognisers of speech take.
+inline constexpr SampleFormat speechFormat { 16'000, 1 };
+
 /// Samples from -1 to 1, all channels of one moment side by side.
 struct SoundPiece {
-    static constexpr int rate = 48'000; ///< whatever the file holds
+    static constexpr int rate = 48'000; ///< as it is played
     static constexpr int channels = 2;
 
     QList<float> samples;
@@ -61,8 +72,9 @@ struct SoundPiece {
 /// Where a piece of sound begins. Pieces of one playing that follow each other are joined without a seam.
 struct SoundPosition {
     quint64 playing = 0;
-    qint64 frame = 0; ///< moments since the start, at `SoundPiece::rate`
+    qint64 frame = 0; ///< moments since the start, at the format's rate
     int count = 0; ///< moments wanted
+    SampleFormat format = { SoundPiece::rate, SoundPiece::channels };
 };
 
 /// Reads pictures and sounds that others wrote, outside of this process and within limits of memory and time. Formats

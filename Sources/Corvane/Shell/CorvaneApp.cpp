@@ -21,6 +21,7 @@
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Shell/Notices.h"
@@ -30,6 +31,7 @@
 #include "Store/Core/StoreWatch.h"
 #include "Store/Core/Workspaces.h"
 #include "Voice/TranslationService.h"
+#include "Voice/VoiceServices.h"
 #include "Web/SessionStore.h"
 
 #include <QUrl>
@@ -77,6 +79,9 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
     m_ai->drafts.setMemoryDB(m_engine->db());
     m_translations = std::make_unique<TranslationService>(*m_machine.facts);
+    m_voice
+        = std::make_unique<VoiceServices>(VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser,
+            *m_machine.basicRecogniser, m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport });
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);

@@ -36,11 +36,13 @@ class RecordedCalls;
 class ProcessLauncher;
 class SessionStore;
 class StoreRecovery;
+class SpeechRecogniser;
 class SystemLanguageModel;
 class ToolRunner;
 class TranslationService;
 class Tray;
 struct AIServices;
+struct VoiceServices;
 
 /// The services that the program finds on its machine.
 struct Machine {
@@ -60,6 +62,8 @@ struct Machine {
     std::unique_ptr<MachineFacts> facts;
     std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
     std::unique_ptr<AudioPlayer> player;
+    std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
+    std::unique_ptr<SpeechRecogniser> basicRecogniser;
     std::unique_ptr<Tray> tray; ///< none in a headless run
     std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
 };
@@ -80,6 +84,7 @@ public:
     ApprovalsStore& approvals() { return *m_approvals; }
     AIServices& ai() { return *m_ai; }
     TranslationService& translations() { return *m_translations; }
+    VoiceServices& voice() { return *m_voice; }
     SessionStore& session() { return *m_session; }
     StoreRecovery& recovery() { return *m_recovery; }
     UserDefaults& defaults() { return m_defaults; }
@@ -143,6 +148,7 @@ private:
     std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
+    std::unique_ptr<VoiceServices> m_voice;
     std::unique_ptr<RecordedCalls> m_recordedCalls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<SessionStore> m_session;

@@ -52,9 +52,6 @@ public:
     const QList<DictationLocaleChoice>& dictationLocales() const { return m_dictationLocales; }
     void refreshDictationLocales();
 
-    /// "German (Germany)"; for an empty id "System (English (United States))".
-    static QString localeDisplayName(const QString& localeId);
-
 Q_SIGNALS:
     void loadStateChanged();
     void dictationLocalesChanged();

@@ -19,6 +19,7 @@ class ProcessLauncher;
 class Scheduler;
 class SingleInstance;
 class SleepInhibitor;
+class SpeechRecogniser;
 class SystemLanguageModel;
 class ToolRunner;
 class Tray;
@@ -40,6 +41,8 @@ std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
 std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder);
 std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
+std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< takes a model of the person's
+std::unique_ptr<SpeechRecogniser> makeBasicRecogniser(ProcessLauncher& launcher); ///< English, with a model of its own
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 
 }

@@ -19,11 +19,19 @@ namespace {
 
 using Kind = DecodeOrder::Kind;
 
-/// The last sound stays open, so that the next piece of it goes on where the last one ended.
+/// The last sound of a format stays open, so that the next piece of it goes on where the last one ended.
 struct OpenSound {
     quint64 playing = 0;
     std::unique_ptr<SoundFile> file;
 };
+
+/// One that is transcribed does not close the one that plays.
+struct OpenSounds {
+    OpenSound played;
+    OpenSound other;
+};
+
+constexpr SampleFormat playedFormat { SoundPiece::rate, SoundPiece::channels };
 
 template <typename Value> QByteArray bytesOf(const QList<Value>& values)
 {
@@ -62,7 +70,7 @@ DecodeReply ofPicture(const DecodeOrder& order, const Descriptor& descriptor)
 
 DecodeReply ofShape(const DecodeOrder& order, Descriptor descriptor)
 {
-    const auto sound = SoundFile::open(std::move(descriptor));
+    const auto sound = SoundFile::open(std::move(descriptor), playedFormat);
     if (!sound)
         return failed(DecodeFailure::Damaged);
     const SoundShape shape = shapeOf(**sound, order.count);
@@ -73,15 +81,15 @@ DecodeReply ofShape(const DecodeOrder& order, Descriptor descriptor)
 
 DecodeReply ofSound(const DecodeOrder& order, Descriptor descriptor, OpenSound& open)
 {
-    if (!open.file || open.playing != order.playing) {
-        auto sound = SoundFile::open(std::move(descriptor));
+    if (!open.file || open.playing != order.playing || open.file->format() != order.format) {
+        auto sound = SoundFile::open(std::move(descriptor), order.format);
         if (!sound)
             return failed(DecodeFailure::Damaged);
         open = { order.playing, std::move(*sound) };
     }
     if (open.file->frame() != order.frame)
         open.file->seek(order.frame);
-    QList<float> samples(qsizetype(order.count) * SoundPiece::channels);
+    QList<float> samples(qsizetype(order.count) * order.format.channels);
     const size_t count = open.file->read({ samples.data(), size_t(samples.size()) });
     const bool isLast = count < size_t(samples.size());
     samples.resize(qsizetype(count));
@@ -91,7 +99,7 @@ DecodeReply ofSound(const DecodeOrder& order, Descriptor descriptor, OpenSound& 
     return reply;
 }
 
-DecodeReply answer(const DecodeOrder& order, Descriptor descriptor, OpenSound& sound)
+DecodeReply answer(const DecodeOrder& order, Descriptor descriptor, OpenSounds& sounds)
 {
     try {
         switch (order.kind) {
@@ -100,7 +108,7 @@ DecodeReply answer(const DecodeOrder& order, Descriptor descriptor, OpenSound& s
         case Kind::Shape:
             return ofShape(order, std::move(descriptor));
         case Kind::Sound:
-            return ofSound(order, std::move(descriptor), sound);
+            return ofSound(order, std::move(descriptor), order.format == playedFormat ? sounds.played : sounds.other);
         }
     } catch (const std::bad_alloc&) {
         return failed(DecodeFailure::TooManyPixels);
@@ -124,11 +132,11 @@ int runDecodeChild()
     if (!enterSandbox())
         return 1;
     const Descriptor socket(STDIN_FILENO);
-    OpenSound sound;
+    OpenSounds sounds;
     if (!sendReply(socket, {}))
         return 1;
     while (auto next = receiveOrder(socket)) {
-        if (!sendReply(socket, answer(next->first, std::move(next->second), sound)))
+        if (!sendReply(socket, answer(next->first, std::move(next->second), sounds)))
             break;
     }
     // What else would be done at the end is forbidden here.

@@ -57,8 +57,8 @@ bool fitsOrder(const DecodeHead& head, const DecodeOrder& order)
     case Kind::Shape:
         return head.payload == size_t(order.count) * sizeof(float);
     case Kind::Sound:
-        return head.payload <= size_t(order.count) * SoundPiece::channels * sizeof(float)
-            && head.payload % (SoundPiece::channels * sizeof(float)) == 0;
+        return head.payload <= size_t(order.count) * size_t(order.format.channels) * sizeof(float)
+            && head.payload % (size_t(order.format.channels) * sizeof(float)) == 0;
     }
     return false;
 }

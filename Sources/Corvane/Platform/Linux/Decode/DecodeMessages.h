@@ -17,6 +17,7 @@ struct DecodeOrder {
     qint32 count = 0; ///< bars, or moments of sound
     quint64 playing = 0;
     qint64 frame = 0;
+    SampleFormat format = {}; ///< of sound
 };
 
 /// The head of an answer. `payload` bytes follow: pixels, bars or samples.

@@ -58,7 +58,8 @@ MediaDecoder::Handle SeccompMediaDecoder::ask(
     };
     const auto work = std::make_shared<Work>(Work { order, path, done });
     // What is being played runs out while pictures are read.
-    m_waiting.insert(order.kind == Kind::Sound ? m_waiting.begin() : m_waiting.end(), work);
+    const bool isPlayed = order.kind == Kind::Sound && order.format.rate == SoundPiece::rate;
+    m_waiting.insert(isPlayed ? m_waiting.begin() : m_waiting.end(), work);
     goOnSoon();
     return std::make_unique<Withdrawal>(work);
 }
@@ -77,7 +78,11 @@ MediaDecoder::Handle SeccompMediaDecoder::shape(const QString& path, int bars, A
 
 MediaDecoder::Handle SeccompMediaDecoder::sound(const QString& path, SoundPosition position, Answer<SoundPiece> answer)
 {
-    return ask({ .kind = Kind::Sound, .count = position.count, .playing = position.playing, .frame = position.frame },
+    return ask({ .kind = Kind::Sound,
+                   .count = position.count,
+                   .playing = position.playing,
+                   .frame = position.frame,
+                   .format = position.format },
         path, std::move(answer), [](const DecodeReply& reply) {
             return SoundPiece { floatsOf(reply.payload), reply.head.isLast != 0, reply.head.durationMs };
         });

@@ -16,13 +16,10 @@ namespace corvane {
 
 namespace {
 
-constexpr int rate = SoundPiece::rate;
-constexpr int channels = SoundPiece::channels;
-constexpr AVRational frames { 1, rate };
-constexpr qint64 settling = rate / 4; ///< a decoder that begins within a file needs some of it to be exact
+constexpr int settlingParts = 4; ///< of a second: a decoder that begins within a file needs some of it to be exact
 constexpr int bufferSize = 64 * 1024;
 constexpr qint64 wholeSeconds = 300; ///< a sound up to this is looked at from end to end
-constexpr int glance = rate / 10;
+constexpr int glancesPerSecond = 10;
 constexpr const char* containers = "ogg,mov,mp3,wav,aac,amr,flac,matroska,caf,aiff";
 
 using Resampler = std::unique_ptr<SwrContext, Release<swr_free>>;
@@ -61,6 +58,7 @@ int64_t moveTo(void* file, int64_t offset, int whence)
 
 struct SoundFile::State {
     Descriptor file;
+    SampleFormat format;
     std::unique_ptr<AVIOContext, ReleaseReader> reader;
     Input input; ///< reads through `reader`
     Codec decoder;
@@ -80,6 +78,7 @@ struct SoundFile::State {
     bool sendPacket();
     void resample(const AVFrame* decoded); ///< null: what the resampler still holds
     void dropSkipped();
+    AVRational frames() const { return { 1, format.rate }; }
 };
 
 Result<void> SoundFile::State::openInput()
@@ -155,9 +154,9 @@ void SoundFile::State::resample(const AVFrame* decoded)
     ready.clear();
     taken = 0;
     const Frame result(av_frame_alloc());
-    result->sample_rate = rate;
+    result->sample_rate = format.rate;
     result->format = AV_SAMPLE_FMT_FLT;
-    av_channel_layout_default(&result->ch_layout, channels);
+    av_channel_layout_default(&result->ch_layout, format.channels);
     if (!resampler)
         resampler.reset(swr_alloc());
     int code = swr_convert_frame(resampler.get(), result.get(), decoded);
@@ -168,7 +167,7 @@ void SoundFile::State::resample(const AVFrame* decoded)
     if (code < 0 || result->nb_samples <= 0)
         return;
     const auto* const samples = reinterpret_cast<const float*>(result->data[0]);
-    ready.assign(samples, samples + size_t(result->nb_samples) * channels);
+    ready.assign(samples, samples + size_t(result->nb_samples) * size_t(format.channels));
 }
 
 /// The first frame after a move says where the decoder went on; what comes before the wanted moment is left out.
@@ -179,11 +178,11 @@ void SoundFile::State::dropSkipped()
     // Once: the resampler holds some back, so that later frames are not where their times say.
     if (!std::exchange(isPlaceKnown, true) && frame->best_effort_timestamp != AV_NOPTS_VALUE) {
         const qint64 start = stream->start_time == AV_NOPTS_VALUE ? 0 : stream->start_time;
-        position = std::max<qint64>(0, av_rescale_q(frame->best_effort_timestamp - start, stream->time_base, frames));
+        position = std::max<qint64>(0, av_rescale_q(frame->best_effort_timestamp - start, stream->time_base, frames()));
     }
-    const auto count = qint64(ready.size()) / channels;
+    const auto count = qint64(ready.size()) / format.channels;
     const qint64 dropped = std::clamp<qint64>(skip - position, 0, count);
-    taken = size_t(dropped) * channels;
+    taken = size_t(dropped) * size_t(format.channels);
     position += dropped;
     if (position >= skip)
         position = std::exchange(skip, -1); // a seek may go too far: then a little is missing
@@ -196,11 +195,12 @@ SoundFile::SoundFile(std::unique_ptr<State> state)
 
 SoundFile::~SoundFile() = default;
 
-Result<std::unique_ptr<SoundFile>> SoundFile::open(Descriptor file)
+Result<std::unique_ptr<SoundFile>> SoundFile::open(Descriptor file, SampleFormat format)
 {
     av_log_set_level(AV_LOG_QUIET); // what fails is told by its code
     auto state = std::make_unique<State>();
     state->file = std::move(file);
+    state->format = format;
     if (const auto opened = state->open(); !opened)
         return std::unexpected(opened.error());
     return std::unique_ptr<SoundFile>(new SoundFile(std::move(state)));
@@ -209,6 +209,11 @@ Result<std::unique_ptr<SoundFile>> SoundFile::open(Descriptor file)
 qint64 SoundFile::durationMs() const
 {
     return std::max<qint64>(0, m_state->input->duration / (AV_TIME_BASE / 1000));
+}
+
+const SampleFormat& SoundFile::format() const
+{
+    return m_state->format;
 }
 
 qint64 SoundFile::frame() const
@@ -231,17 +236,17 @@ size_t SoundFile::read(std::span<float> samples)
         m_state->taken += count;
         done += count;
     }
-    m_state->position += qint64(done) / channels;
+    m_state->position += qint64(done) / m_state->format.channels;
     return done;
 }
 
 void SoundFile::seek(qint64 frame)
 {
     State& state = *m_state;
-    const qint64 begin = std::max<qint64>(0, frame - settling);
+    const qint64 begin = std::max<qint64>(0, frame - state.format.rate / settlingParts);
     const qint64 start = state.stream->start_time == AV_NOPTS_VALUE ? 0 : state.stream->start_time;
-    av_seek_frame(state.input.get(), state.stream->index, start + av_rescale_q(begin, frames, state.stream->time_base),
-        AVSEEK_FLAG_BACKWARD);
+    av_seek_frame(state.input.get(), state.stream->index,
+        start + av_rescale_q(begin, state.frames(), state.stream->time_base), AVSEEK_FLAG_BACKWARD);
     avcodec_flush_buffers(state.decoder.get());
     state.resampler.reset();
     state.ready.clear();
@@ -260,7 +265,8 @@ SoundShape shapeOf(SoundFile& file, int count)
             most = std::max(most, std::min(1.0F, std::abs(sample)));
         return most;
     };
-    std::vector<float> samples(size_t(glance) * channels);
+    const int rate = file.format().rate;
+    std::vector<float> samples(size_t(rate / glancesPerSecond) * size_t(file.format().channels));
     if (shape.durationMs > wholeSeconds * 1000) {
         for (int i = 0; i < count; ++i) {
             file.seek(shape.durationMs * (rate / 1000) * i / count);

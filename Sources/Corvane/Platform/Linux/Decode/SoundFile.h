@@ -9,10 +9,10 @@
 
 namespace corvane {
 
-/// The sound of an open file in the format of `SoundPiece`, decoded as it is read. What cannot be decoded is left out.
+/// The sound of an open file in one format, decoded as it is read. What cannot be decoded is left out.
 class SoundFile {
 public:
-    static Result<std::unique_ptr<SoundFile>> open(Descriptor file);
+    static Result<std::unique_ptr<SoundFile>> open(Descriptor file, SampleFormat format);
     ~SoundFile();
 
     qint64 durationMs() const; ///< 0 where the file does not say
@@ -20,7 +20,9 @@ public:
     /// Fills the samples; returns how many, fewer than asked for only at the end.
     size_t read(std::span<float> samples);
 
-    /// To a moment of `SoundPiece::rate`, to the very sample.
+    const SampleFormat& format() const;
+
+    /// To a moment at the format's rate, to the very sample.
     void seek(qint64 frame);
     qint64 frame() const; ///< where the next read begins
 

@@ -1,0 +1,64 @@
+#include "Platform/Linux/Speech/ChildRecogniser.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QThread>
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int mostThreads = 8; ///< more do not make it faster
+constexpr int unreadableModel = 3; ///< the exit code
+
+/// whisper.cpp's command line tool stands beside the program, under a name of its own.
+QString whisperExecutable()
+{
+    const QFileInfo file(QCoreApplication::applicationDirPath() + QStringLiteral("/corvane-whisper"));
+    return file.isFile() && file.isExecutable() ? file.absoluteFilePath() : QString();
+}
+
+qint64 timeOf(const QRegularExpressionMatch& match, int first)
+{
+    const auto part = [&](int index) {
+        return match.capturedView(first + index).toLongLong();
+    };
+    return ((part(0) * 60 + part(1)) * 60 + part(2)) * 1000 + part(3);
+}
+
+/// "[00:00:00.000 --> 00:00:05.120]   What was said." A line of another form goes on with the text before it.
+void hear(const QString& line, QList<HeardSpeech>& heard)
+{
+    static const QRegularExpression stretch(
+        QStringLiteral(R"(^\[(\d+):(\d\d):(\d\d)\.(\d{3}) --> (\d+):(\d\d):(\d\d)\.(\d{3})\]\s*(.*)$)"));
+    if (const auto match = stretch.match(line); match.hasMatch())
+        heard.append({ timeOf(match, 1), timeOf(match, 5), match.captured(9).trimmed() });
+    else if (!line.isEmpty() && !heard.isEmpty())
+        heard.last().text += QLatin1Char(' ') + line;
+}
+
+QString describeFailure(int code)
+{
+    return code == unreadableModel ? QStringLiteral("The speech model cannot be read.")
+                                   : QStringLiteral("The speech recogniser ended unexpectedly.");
+}
+
+}
+
+RecogniserProgram whisperProgram()
+{
+    const QString threads = QString::number(std::clamp(QThread::idealThreadCount(), 1, mostThreads));
+    return { .executable = whisperExecutable(),
+        .wantsHeader = true,
+        .arguments =
+            [threads](const SpeechJob& job, const QString& soundPath) {
+                return QStringList { QStringLiteral("-m"), job.model, QStringLiteral("-f"), soundPath,
+                    QStringLiteral("-l"), job.language, QStringLiteral("-t"), threads, QStringLiteral("-np") };
+            },
+        .hear = hear,
+        .describeFailure = describeFailure };
+}
+
+}

@@ -1,0 +1,50 @@
+#include "Voice/SpeechLanguages.h"
+
+#include <QHash>
+#include <QLocale>
+
+namespace corvane {
+
+const QStringList& modelLanguages()
+{
+    static const QStringList languages
+        = QStringLiteral("en zh de es ru ko fr ja pt tr pl ca nl ar sv it id hi fi vi he uk el ms cs ro da hu ta no th "
+                         "ur hr bg lt la mi "
+                         "ml cy sk te fa lv bn sr az sl kn et mk br eu is hy ne mn bs kk sq sw gl mr pa si km sn yo so "
+                         "af oc ka be tg sd "
+                         "gu am yi lo uz fo ht ps tk nn mt sa lb my bo tl mg as tt haw ln ha ba jw su yue")
+              .split(QLatin1Char(' '));
+    return languages;
+}
+
+QString modelLanguage(const QString& localeId)
+{
+    if (localeId == anyLanguage)
+        return anyLanguage;
+    // Where the models have another code than locales.
+    static const QHash<QString, QString> others { { QStringLiteral("nb"), QStringLiteral("no") },
+        { QStringLiteral("fil"), QStringLiteral("tl") }, { QStringLiteral("jv"), QStringLiteral("jw") },
+        { QStringLiteral("C"), QStringLiteral("en") } };
+    const QString name = localeId.isEmpty() ? QLocale::system().name() : localeId;
+    const QString code = name.section(QLatin1Char('_'), 0, 0).section(QLatin1Char('-'), 0, 0);
+    return others.value(code, code);
+}
+
+QString localeDisplayName(const QString& localeId)
+{
+    if (localeId == anyLanguage)
+        return QStringLiteral("Detected from the sound");
+    if (localeId.isEmpty())
+        return QStringLiteral("System (%1)").arg(localeDisplayName(QLocale::system().name()));
+    static const QHash<QString, QString> locales { { QStringLiteral("tl"), QStringLiteral("fil") },
+        { QStringLiteral("jw"), QStringLiteral("jv") }, { QStringLiteral("no"), QStringLiteral("nb") } };
+    const QLocale locale(locales.value(localeId, localeId));
+    if (locale.language() == QLocale::C)
+        return localeId == QLatin1String("C") ? QStringLiteral("English") : localeId;
+    const QString language = QLocale::languageToString(locale.language());
+    return localeId.contains(QLatin1Char('_'))
+        ? QStringLiteral("%1 (%2)").arg(language, QLocale::territoryToString(locale.territory()))
+        : language;
+}
+
+}

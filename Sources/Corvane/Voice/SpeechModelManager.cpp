@@ -1,0 +1,90 @@
+#include "Voice/SpeechModelManager.h"
+
+#include "Voice/SpeechLanguages.h"
+#include "Voice/SpeechModelStore.h"
+#include "Voice/TranscriptionService.h"
+
+#include <QPointer>
+#include <algorithm>
+
+namespace corvane {
+
+using Kind = SpeechModelLoadState::Kind;
+
+SpeechModelManager::SpeechModelManager(
+    TranscriptionService& service, SpeechModelStore& store, const LocalAIAvailability& gate, QObject* parent)
+    : QObject(parent)
+    , m_service(service)
+    , m_store(store)
+    , m_gate(gate)
+{
+    connect(&store, &SpeechModelStore::changed, this, &SpeechModelManager::refreshDictationLocales);
+    refreshDictationLocales();
+}
+
+SpeechModelSpec SpeechModelManager::preferredModel() const
+{
+    return m_store.preferredModel();
+}
+
+QCoro::Task<TranscriptionOutcome> SpeechModelManager::transcribe(TranscriptionRequest request)
+{
+    if (const auto condition = stopConditionForSpeechWork()) {
+        co_return std::unexpected(
+            SpeechTranscriberError { .kind = SpeechTranscriberError::Kind::Stopped, .condition = condition });
+    }
+    if (!request.model)
+        request.model = preferredModel();
+    const QString name = request.model->displayName;
+    enter({ .kind = Kind::Transcribing, .text = name });
+    const QPointer<SpeechModelManager> self(this);
+    request.onProgress = [self, name, told = request.onProgress](double progress) {
+        if (self)
+            self->enter({ .kind = Kind::Transcribing, .text = name, .progress = progress });
+        if (told)
+            told(progress);
+    };
+    TranscriptionOutcome outcome = co_await m_service.transcribe(std::move(request));
+    if (!self)
+        co_return outcome;
+    if (outcome)
+        m_store.markUsed(outcome->model);
+    enter(outcome ? SpeechModelLoadState { .kind = Kind::Loaded, .text = outcome->model.displayName }
+                  : SpeechModelLoadState { .kind = Kind::Failed, .text = describe(outcome.error()) });
+    co_return outcome;
+}
+
+void SpeechModelManager::refreshDictationLocales()
+{
+    QList<DictationLocaleChoice> choices;
+    for (const QString& language : modelLanguages())
+        choices.append({ .id = language,
+            .displayName = localeDisplayName(language),
+            .isSystemDefault = false,
+            .isInstalled = m_service.speaks(language) });
+    std::ranges::sort(choices, {}, &DictationLocaleChoice::displayName);
+    choices.prepend({ .id = QStringLiteral("system"),
+        .displayName = localeDisplayName(QString()),
+        .isSystemDefault = true,
+        .isInstalled = m_service.speaks(modelLanguage(QString())) });
+    if (m_dictationLocales == choices)
+        return;
+    m_dictationLocales = choices;
+    Q_EMIT dictationLocalesChanged();
+}
+
+std::optional<LocalAIStopCondition> SpeechModelManager::stopConditionForSpeechWork()
+{
+    m_availability = m_gate.snapshot(true, true);
+    return m_availability.stopCondition;
+}
+
+void SpeechModelManager::enter(const SpeechModelLoadState& state)
+{
+    if (m_loadState == state)
+        return;
+    m_loadState = state;
+    Q_EMIT loadStateChanged();
+}
+
+}
