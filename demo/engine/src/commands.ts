@@ -7,7 +7,7 @@ import type { Engine } from "./engine.ts";
 import { randomFrom } from "./random.ts";
 import { messageId, type Conversation, type Media, type Message } from "./script.ts";
 import { exchanges, replies } from "./small-talk.ts";
-import { emit, textOf, type Command, type SendName } from "./wire.ts";
+import { emit, textOf, type Command, type MediaType, type SendName } from "./wire.ts";
 
 /** Each conversation has this many pages of older messages. */
 const olderPages = 4;
@@ -36,8 +36,6 @@ export class Commands {
         return this.downloadMedia(textOf(command, "messageId"));
       case "fetchAvatar":
         return this.fetchAvatar(textOf(command, "jid"));
-      case "ack":
-        return this.engine.kept(Number(command.n));
       case "sync":
         return emit({ type: "log", msg: "Everything is up to date" });
     }
@@ -144,7 +142,7 @@ export class Commands {
         return emit({ type: "media", providerMsgId: id, state: "failed", error });
       }
       const mediaPath = this.engine.library.file(media);
-      emit({ type: "media", providerMsgId: id, state: "success", mediaPath, mediaType: media.kind });
+      emit({ type: "media", providerMsgId: id, state: "success", mediaPath, mediaType: media.kind as MediaType });
     });
   }
 

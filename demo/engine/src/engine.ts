@@ -9,7 +9,7 @@ import { Library } from "./media/library.ts";
 import { randomFrom, type Random } from "./random.ts";
 import { writeRecords } from "./records.ts";
 import { readScript, type Conversation, type Message, type Turn } from "./script.ts";
-import { drained, emit, listen, type MessageEvent } from "./wire.ts";
+import { drained, emit, listen, type MediaType, type MessageEvent } from "./wire.ts";
 
 export interface Profile {
   channel: "whatsapp" | "email" | "telegram";
@@ -117,7 +117,7 @@ export class Engine {
     let said = this.memory.said;
     for (const { conversation, message } of unread.slice(said)) {
       said += 1;
-      this.say(conversation, message, message.at, "live", said);
+      this.say(conversation, message, message.at, "live", this.keeping(said));
     }
     if (this.clock.still) return;
 
@@ -128,7 +128,7 @@ export class Engine {
       const pause = this.random.between(least, most) * (live.goesOn ? 0.5 : 1);
       this.clock.after(pause * 1000, () => {
         said += 1;
-        this.happen(live.conversation, live.turn, said);
+        this.happen(live.conversation, live.turn, this.keeping(said));
         next();
       });
     };
@@ -136,10 +136,14 @@ export class Engine {
   }
 
   /** The desktop has stored every live line up to this one. */
-  kept(number: number): void {
+  private kept(number: number): void {
     if (number <= this.memory.said) return;
     this.memory.said = number;
     this.save();
+  }
+
+  private keeping(number: number): () => void {
+    return () => this.kept(number);
   }
 
   /** The messages of everybody first, so that the list fills at once; then names and faces. */
@@ -190,10 +194,10 @@ export class Engine {
     emit({ type: "avatar", jid: conversation.handle, path });
   }
 
-  private happen(conversation: Conversation, turn: Turn, ack: number): void {
-    if ("message" in turn) return this.say(conversation, turn.message, this.clock.now(), "live", ack);
+  private happen(conversation: Conversation, turn: Turn, stored: () => void): void {
+    if ("message" in turn) return this.say(conversation, turn.message, this.clock.now(), "live", stored);
     conversation.name = turn.name;
-    emit({ type: "contactName", jid: conversation.handle, name: turn.name }, ack);
+    emit({ type: "contactName", jid: conversation.handle, name: turn.name }, stored);
   }
 
   say(
@@ -201,7 +205,7 @@ export class Engine {
     message: Message,
     at: number,
     how: "historical" | "live" = "live",
-    ack?: number,
+    stored?: () => void,
   ): void {
     const event: MessageEvent = {
       type: "message",
@@ -214,11 +218,11 @@ export class Engine {
     };
     if (!message.outgoing) event.sender = message.sender ?? conversation.name;
     if (message.media !== undefined) {
-      event.mediaType = message.media.kind;
+      event.mediaType = message.media.kind as MediaType; // the desktop also shows a kind that it has no word for
       if (message.media.state === "there") event.mediaPath = this.library.file(message.media);
     }
     if (how === "historical") event.historical = true;
-    emit(event, ack);
+    emit(event, stored);
     if (message.outgoing && how === "live") this.followDelivery(message.id);
     else if (message.outgoing) emit({ type: "msgStatus", providerMsgId: message.id, status: this.statusOf(message) });
     if (message.reaction !== undefined) {

@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { existsSync, readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { after, before, test } from "node:test";
-import { EngineProcess, environmentIn, isMessage, standingStill, temporaryHome, type Event } from "./support.ts";
+import { EngineProcess, environmentIn, isMessage, standingStill, temporaryHome, unnumbered, type Event } from "./support.ts";
 
 after(() => engine.end());
 const home = temporaryHome(after);
@@ -16,7 +16,7 @@ async function answers(command: object): Promise<Event[]> {
   engine.command(command);
   engine.command({ cmd: "sync" });
   const events = await engine.until((said) => said.slice(from).some(({ msg }) => msg === "Everything is up to date"));
-  return events.slice(from).filter(({ msg }) => msg !== "Everything is up to date");
+  return events.slice(from).filter(({ msg }) => msg !== "Everything is up to date").map(unnumbered);
 }
 
 before(async () => {

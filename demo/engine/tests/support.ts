@@ -3,7 +3,7 @@
 import type { ChildProcess } from "node:child_process";
 import { join } from "node:path";
 import { fileURLToPath } from "node:url";
-import { EngineProcess as Process, startScript as start } from "../../../mac/engine/tests/support.ts";
+import { EngineProcess as Process, startScript as start, type Event } from "../../../mac/engine/tests/support.ts";
 
 export { isLive, isMessage, temporaryFolder as temporaryHome, type Event } from "../../../mac/engine/tests/support.ts";
 
@@ -25,6 +25,9 @@ export function environmentIn(home: string, more: Record<string, string> = {}): 
     ...more,
   };
 }
+
+/** Without the line's number. */
+export const unnumbered = ({ ack, ...event }: Event): Event => event;
 
 export function script(entry: string): string {
   return fileURLToPath(new URL(`../src/${entry}`, import.meta.url));

@@ -22,6 +22,7 @@ export type SendName = { draftId: string } | { sendId: string };
 
 export type EngineEvent =
   | MessageEvent
+  | { type: "qr"; qr: string }
   | { type: "status"; state: "connecting" | "open" | "close" | "logged_out"; user?: string }
   | { type: "log"; msg: string }
   | { type: "features"; files: boolean; maxBytes?: number; subject: boolean }

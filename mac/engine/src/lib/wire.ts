@@ -18,6 +18,11 @@ export async function emit(event: EngineEvent): Promise<void> {
   if (isClosed) return;
   printed += 1;
   print({ ...event, ack: printed });
+  await drained();
+}
+
+/** Resolves once the pipe has taken what was printed. */
+export async function drained(): Promise<void> {
   if (process.stdout.writableNeedDrain) await once(process.stdout, "drain");
 }
 
