@@ -5,6 +5,7 @@
 #include "Platform/ApplicationId.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
+#include "Platform/GlobalShortcuts.h"
 #include "Platform/Keyring.h"
 #include "Platform/Linux/Decode/DecodeChild.h"
 #include "Platform/Linux/Services.h"
@@ -21,11 +22,13 @@
 #include "Platform/TerminationSignals.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
+#include "Shell/CaptureCommand.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Shell/StoreRecovery.h"
 #include "Shell/ToolCommand.h"
 #include "Shell/VerifyCommand.h"
+#include "UI/CaptureWindow.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
@@ -71,8 +74,10 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
-    if (mode == Mode::Window)
+    if (mode == Mode::Window) {
         machine.tray = makeTray();
+        machine.shortcuts = makeGlobalShortcuts();
+    }
     return machine;
 }
 
@@ -98,11 +103,15 @@ std::optional<int> ranCommand(int argc, char** argv)
         return runDecodeChild();
     const bool verify = argc == 2 && std::strcmp(argv[1], "verify") == 0;
     const bool tool = (argc == 2 || argc == 3) && std::strcmp(argv[1], "tool") == 0;
-    if (!verify && !tool)
+    const bool capture = argc > 2 && std::strcmp(argv[1], "capture") == 0;
+    if (!verify && !tool && !capture)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
     const AppPaths paths = AppPaths::fromEnvironment();
     QTextStream out(stdout);
+    QTextStream errors(stderr);
+    if (capture)
+        return captureWords(paths, QCoreApplication::arguments().mid(2), errors);
     return verify ? verifyDecisions(paths, out) : runTool(paths, QString::fromLocal8Bit(argc == 3 ? argv[2] : ""), out);
 }
 
@@ -143,7 +152,8 @@ int main(int argc, char** argv)
     parser.addPositionalArgument(QStringLiteral("url"),
         QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
                        "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
-                       "JSON object on its standard input."),
+                       "JSON object on its standard input; or \"capture [--note] [WORDS]\", which keeps a task or a "
+                       "note, and opens its panel without words."),
         QStringLiteral("[url]"));
     parser.process(application);
 
@@ -165,6 +175,7 @@ int main(int argc, char** argv)
     std::unique_ptr<Screens> screens;
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<PanelWindow> panel;
+    std::unique_ptr<CaptureWindow> capture;
     if (mode == Mode::Headless) {
         logEvents(app.engine());
         QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
@@ -174,8 +185,11 @@ int main(int argc, char** argv)
         window = std::make_unique<MainWindow>(*screens, app.defaults(), app.decoder());
         QObject::connect(&app, &CorvaneApp::windowRequested, window.get(), &MainWindow::show);
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
-        QObject::connect(window.get(), &MainWindow::firstFrame, window.get(),
-            [] { log(QStringLiteral("MainWindow: first frame")); });
+        capture = std::make_unique<CaptureWindow>(window->engine(), app.capture());
+        QObject::connect(window.get(), &MainWindow::firstFrame, capture.get(), [&capture] {
+            log(QStringLiteral("MainWindow: first frame"));
+            capture->prepare();
+        });
         panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, screens->notices, scheduler);
         QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
         QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 
 namespace corvane {
 
+class HotKey;
 class Keychain;
 class UserDefaults;
 struct AppPaths;
@@ -18,6 +20,7 @@ class SystemSettings : public QObject {
     Q_PROPERTY(bool returnSends READ returnSends WRITE setReturnSends NOTIFY changed)
     Q_PROPERTY(QString returnSendsLabel READ returnSendsLabel CONSTANT)
     Q_PROPERTY(QString returnSendsHint READ returnSendsHint CONSTANT)
+    Q_PROPERTY(int hotKeyCount READ hotKeyCount CONSTANT)
     Q_PROPERTY(QString secretsPlace READ secretsPlace NOTIFY changed)
     Q_PROPERTY(bool canUnlock READ canUnlock NOTIFY changed)
     Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
@@ -35,6 +38,9 @@ public:
     {
         return QStringLiteral("Shift+Return begins a new line. Ctrl+Return sends either way.");
     }
+    int hotKeyCount() const { return int(m_hotKeys.size()); }
+    Q_INVOKABLE corvane::HotKey* hotKey(int index) const { return m_hotKeys.value(index); }
+    void setHotKeys(const QList<HotKey*>& hotKeys) { m_hotKeys = hotKeys; } ///< before the window; they outlive it
     QString secretsPlace() const; ///< such as "the desktop's keyring"
     bool canUnlock() const; ///< whether the keyring is locked
     Q_INVOKABLE void unlock();
@@ -47,6 +53,7 @@ private:
     UserDefaults& m_defaults;
     Keychain& m_keychain;
     const AppPaths& m_paths;
+    QList<HotKey*> m_hotKeys;
 };
 
 }

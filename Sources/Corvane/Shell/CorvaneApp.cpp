@@ -6,6 +6,7 @@
 #include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
 #include "Calls/RecordedCalls.h"
+#include "Desk/QuickCapture.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
@@ -15,6 +16,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/Desktop.h"
+#include "Platform/GlobalShortcuts.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
@@ -85,6 +87,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
+    m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     m_recovery = std::make_unique<StoreRecovery>(
@@ -110,6 +113,7 @@ void CorvaneApp::onAppear()
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
     m_approvals->attach(*m_delivery, *m_recordedCalls);
+    m_capture->registerHotKey();
     for (const Account& account : m_store->accounts()) {
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);
@@ -132,6 +136,11 @@ void CorvaneApp::startAllEngines()
 
 void CorvaneApp::open(const QStringList& arguments)
 {
+    if (arguments == QStringList { QStringLiteral("capture") }) {
+        if (!isQuitting())
+            m_capture->toggle();
+        return;
+    }
     for (const QString& argument : arguments) {
         if (argument.startsWith(QLatin1String("nimb-companion:")))
             m_session->handleCallback(QUrl(argument));
@@ -174,6 +183,12 @@ QList<Command> CorvaneApp::trayCommands()
         { .id = QStringLiteral("approvals"),
             .label = QStringLiteral("Approvals"),
             .run = inWindow(notifications::openApprovals) },
+        { .id = QStringLiteral("capture"),
+            .label = QStringLiteral("Capture a Task"),
+            .run =
+                [this] {
+                    m_capture->toggle();
+                } },
         { .id = QStringLiteral("settings"),
             .label = QStringLiteral("Settings"),
             .run = inWindow(notifications::openSettings) },

@@ -24,6 +24,7 @@ class AddressBook;
 class ContactsBridge;
 class AudioPlayer;
 class Desktop;
+class GlobalShortcuts;
 class DraftDelivery;
 class EngineManager;
 class MachineFacts;
@@ -34,6 +35,7 @@ class Notifier;
 class PortHolders;
 class RecordedCalls;
 class ProcessLauncher;
+class QuickCapture;
 class SessionStore;
 class StoreRecovery;
 class SpeechRecogniser;
@@ -64,6 +66,7 @@ struct Machine {
     std::unique_ptr<AudioPlayer> player;
     std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
     std::unique_ptr<SpeechRecogniser> basicRecogniser;
+    std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
     std::unique_ptr<Tray> tray; ///< none in a headless run
     std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
 };
@@ -85,6 +88,7 @@ public:
     AIServices& ai() { return *m_ai; }
     TranslationService& translations() { return *m_translations; }
     VoiceServices& voice() { return *m_voice; }
+    QuickCapture& capture() { return *m_capture; }
     SessionStore& session() { return *m_session; }
     StoreRecovery& recovery() { return *m_recovery; }
     UserDefaults& defaults() { return m_defaults; }
@@ -109,7 +113,7 @@ public:
     /// What is wrong with the database and what to do; empty where nothing is.
     QString storeTrouble() const;
 
-    /// What a later start of the program was given: a sign-in's URL, or nothing but the wish to be shown.
+    /// What a later start of the program was given: a sign-in's URL, "capture", or nothing but the wish to be shown.
     void open(const QStringList& arguments);
 
     /// Ends what runs, and says `ended` once engines have ended and what they printed is stored, after six seconds at
@@ -151,6 +155,7 @@ private:
     std::unique_ptr<VoiceServices> m_voice;
     std::unique_ptr<RecordedCalls> m_recordedCalls;
     std::unique_ptr<ApprovalsStore> m_approvals;
+    std::unique_ptr<QuickCapture> m_capture;
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<StoreRecovery> m_recovery;
     const QList<Command> m_trayCommands;

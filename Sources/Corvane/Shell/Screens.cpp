@@ -1,6 +1,8 @@
 #include "Shell/Screens.h"
 
 #include "Approvals/ApprovalCommands.h"
+#include "Desk/CaptureCommands.h"
+#include "Desk/QuickCapture.h"
 #include "Engines/EngineManager.h"
 #include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
@@ -43,6 +45,10 @@ Screens::Screens(const Surroundings& surroundings)
     commands.add(inboxCommands(inbox));
     commands.add(terminalCommands());
     commands.add(placeCommands(shell));
+    if (at.capture) {
+        commands.add(captureCommands(*at.capture));
+        settings.system()->setHotKeys({ &at.capture->hotKey() });
+    }
     inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
     QList<QObject*> hubScreens;
@@ -54,7 +60,7 @@ Screens::Screens(const Surroundings& surroundings)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.recovery(), app.launcher(), app.tray(), app.userUmask() })
+          app.translations(), app.recovery(), app.launcher(), app.tray(), app.userUmask(), &app.capture() })
 {
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this, &app] {

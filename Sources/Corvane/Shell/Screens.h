@@ -20,6 +20,7 @@ namespace corvane {
 
 class CorvaneApp;
 class Desktop;
+class QuickCapture;
 struct AIServices;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
@@ -46,6 +47,7 @@ public:
         ProcessLauncher& launcher;
         const Tray* tray = nullptr;
         std::optional<mode_t> userUmask {}; ///< of programs that the user starts; none: that of this process
+        QuickCapture* capture = nullptr;
     };
 
     explicit Screens(const Surroundings& at);

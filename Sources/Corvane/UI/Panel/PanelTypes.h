@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desk/CorvaneMenuBarView.h"
+#include "Desk/QuickCapture.h"
 
 #include <QtQml/qqml.h>
 
@@ -12,6 +13,13 @@ struct CorvaneMenuBarViewType {
     Q_GADGET
     QML_FOREIGN(corvane::CorvaneMenuBarView)
     QML_NAMED_ELEMENT(CorvaneMenuBarView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct QuickCaptureType {
+    Q_GADGET
+    QML_FOREIGN(corvane::QuickCapture)
+    QML_NAMED_ELEMENT(QuickCapture)
     QML_UNCREATABLE("The program makes it.")
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/HotKey.h"
 #include "Settings/Appearance.h"
 #include "Settings/IntegrationsView.h"
 
@@ -69,6 +70,13 @@ struct SyncSettingsType {
     Q_GADGET
     QML_FOREIGN(corvane::SyncSettings)
     QML_NAMED_ELEMENT(SyncSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct HotKeyType {
+    Q_GADGET
+    QML_FOREIGN(corvane::HotKey)
+    QML_NAMED_ELEMENT(HotKey)
     QML_UNCREATABLE("The program makes it.")
 };
 

@@ -60,6 +60,24 @@ Column {
     }
     Card {
         width: parent.width
+        visible: section.system.hotKeyCount > 0
+        Repeater {
+            model: section.system.hotKeyCount
+            SettingRow {
+                id: row
+                required property int index
+                readonly property HotKey hotKey: section.system.hotKey(index)
+                label: row.hotKey.label
+                hint: row.hotKey.hint
+                KeyField {
+                    objectName: "system.key." + row.hotKey.id
+                    hotKey: row.hotKey
+                }
+            }
+        }
+    }
+    Card {
+        width: parent.width
         SettingRow {
             label: qsTr("Passwords and tokens")
             hint: section.system.secretsPlace

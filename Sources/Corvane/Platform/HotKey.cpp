@@ -1,0 +1,121 @@
+#include "Platform/HotKey.h"
+
+#include "Foundation/UserDefaults.h"
+#include "Platform/GlobalShortcuts.h"
+
+#include <QKeySequence>
+
+namespace corvane {
+
+namespace {
+
+using Kind = GlobalShortcutState::Kind;
+
+bool isModifier(int key)
+{
+    return key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock;
+}
+
+}
+
+HotKey::HotKey(const Definition& definition, GlobalShortcuts* shortcuts, UserDefaults& defaults, QObject* parent)
+    : QObject(parent)
+    , m_definition(definition)
+    , m_shortcuts(shortcuts)
+    , m_defaults(defaults)
+{
+    if (!shortcuts)
+        return;
+    const auto forward = [this](auto signal, void (HotKey::*own)()) {
+        connect(m_shortcuts, signal, this, [this, own](const QString& id) {
+            if (id == m_definition.id)
+                (this->*own)();
+        });
+    };
+    forward(&GlobalShortcuts::pressed, &HotKey::pressed);
+    forward(&GlobalShortcuts::released, &HotKey::released);
+    forward(&GlobalShortcuts::stateChanged, &HotKey::changed);
+}
+
+HotKey::~HotKey()
+{
+    unbind();
+}
+
+QString HotKey::defaultsKey() const
+{
+    return QStringLiteral("Corvane.keys.") + m_definition.id;
+}
+
+QStringList HotKey::wished() const
+{
+    const auto chosen = m_defaults.text(defaultsKey());
+    return chosen ? QStringList { *chosen } : m_definition.keys;
+}
+
+QString HotKey::keys() const
+{
+    const QString inForce = m_shortcuts ? m_shortcuts->state(m_definition.id).keys : QString();
+    return inForce.isEmpty() ? wished().value(0) : inForce;
+}
+
+QString HotKey::hint() const
+{
+    const QString otherWay
+        = QStringLiteral("In the keyboard settings of the desktop, bind a key to: ") + m_definition.command;
+    switch (m_shortcuts ? m_shortcuts->state(m_definition.id).kind : Kind::Unavailable) {
+    case Kind::Bound:
+        return QStringLiteral("Works in every program.");
+    case Kind::Waiting:
+        return QStringLiteral("The desktop decides about this key.");
+    case Kind::Taken:
+        return QStringLiteral("Another program holds %1. Choose another key.").arg(keys());
+    case Kind::Unavailable:
+        return QStringLiteral("This desktop gives programs no keys of their own. ") + otherWay;
+    case Kind::Unbound:
+        break;
+    }
+    return QStringLiteral("Off");
+}
+
+bool HotKey::isWrong() const
+{
+    const Kind kind = m_shortcuts ? m_shortcuts->state(m_definition.id).kind : Kind::Unavailable;
+    return kind == Kind::Taken || kind == Kind::Unavailable;
+}
+
+void HotKey::bind()
+{
+    if (m_shortcuts && !std::exchange(m_isAsked, true))
+        m_shortcuts->bind({ m_definition.id, m_definition.label, wished() });
+}
+
+void HotKey::unbind()
+{
+    if (m_shortcuts && std::exchange(m_isAsked, false))
+        m_shortcuts->release(m_definition.id);
+}
+
+bool HotKey::isBound() const
+{
+    return m_shortcuts && m_shortcuts->state(m_definition.id).kind == Kind::Bound;
+}
+
+bool HotKey::choose(int key, int modifiers)
+{
+    const Qt::KeyboardModifiers held = Qt::KeyboardModifiers(modifiers)
+        & (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier | Qt::MetaModifier);
+    const bool isFunctionKey = key >= Qt::Key_F1 && key <= Qt::Key_F35;
+    if (isModifier(key) || (!isFunctionKey && !(held & ~Qt::KeyboardModifiers(Qt::ShiftModifier))))
+        return false;
+    m_defaults.setText(
+        defaultsKey(), QKeySequence(QKeyCombination(held, Qt::Key(key))).toString(QKeySequence::PortableText));
+    if (m_isAsked) {
+        unbind();
+        bind();
+    }
+    Q_EMIT changed();
+    return true;
+}
+
+}

@@ -1,0 +1,22 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Settings
+
+/// Shows a key of the desktop, and takes another one as it is pressed.
+Button {
+    id: field
+
+    required property HotKey hotKey
+
+    text: checked ? qsTr("Press the new key…") : hotKey.keys
+    checkable: true
+    Accessible.name: hotKey.label + ", " + text
+    onActiveFocusChanged: if (!activeFocus) checked = false
+    Keys.onPressed: event => {
+        if (!checked)
+            return;
+        event.accepted = true;
+        if (event.key === Qt.Key_Escape || hotKey.choose(event.key, event.modifiers))
+            checked = false;
+    }
+}

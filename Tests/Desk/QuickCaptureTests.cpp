@@ -1,0 +1,106 @@
+#include "Desk/QuickCapture.h"
+
+#include "Platform/GlobalShortcuts.h"
+#include "Store/Work/WorkRecords.h"
+#include "Support/StoreTest.h"
+
+using namespace corvane;
+using Kind = GlobalShortcutState::Kind;
+
+namespace {
+
+/// A desktop where other programs hold some keys.
+class Keys final : public GlobalShortcuts {
+public:
+    void bind(const GlobalShortcut& shortcut) override
+    {
+        bound << shortcut.keys.join(' ');
+        states[shortcut.id] = { Kind::Taken, shortcut.keys.first() };
+        for (const QString& keys : shortcut.keys)
+            if (!taken.contains(keys) && states[shortcut.id].kind == Kind::Taken)
+                states[shortcut.id] = { Kind::Bound, keys };
+        Q_EMIT stateChanged(shortcut.id);
+    }
+    void release(const QString& id) override { states.remove(id); }
+    GlobalShortcutState state(const QString& id) const override { return states.value(id); }
+
+    QStringList taken;
+    QStringList bound;
+    QHash<QString, GlobalShortcutState> states;
+};
+
+class QuickCaptureTest : public StoreTest {
+protected:
+    QStringList items()
+    {
+        QStringList found;
+        for (const WorkItemRecord& item : fetchWorkItems(db, "ops", std::nullopt, 10))
+            found << QStringList({ item.kind, item.title, item.status, item.priority, item.owner, item.source })
+                         .join('|');
+        return found;
+    }
+
+    LocalDB& db = open();
+    Keys keys;
+    QuickCapture capture { db, &keys, m_defaults };
+};
+
+}
+
+TEST_F(QuickCaptureTest, oneKeyOpensAndClosesItAndReturnKeepsTheWords)
+{
+    capture.registerHotKey();
+    capture.registerHotKey();
+    EXPECT_EQ(keys.bound, QStringList("Ctrl+Alt+N Ctrl+Alt+Shift+N"));
+    Q_EMIT keys.pressed("dictate");
+    EXPECT_FALSE(capture.isVisible());
+    Q_EMIT keys.pressed("capture");
+    EXPECT_TRUE(capture.isVisible());
+    EXPECT_EQ(capture.hint(), "Saves as an Ops task — review anytime in the Work Console.");
+    capture.setProperty("text", " Call Ana\n");
+    capture.save();
+    EXPECT_FALSE(capture.isVisible());
+    EXPECT_EQ(items(), QStringList("task|Call Ana|open|normal|Oskel|quick-capture"));
+    EXPECT_EQ(db.scalar("SELECT context_id IS NULL FROM work_item;"), "1");
+
+    capture.toggle();
+    EXPECT_EQ(capture.property("text").toString(), "") << "of the last time";
+    capture.setProperty("text", " \n ");
+    capture.save();
+    capture.toggle();
+    capture.setProperty("text", "never");
+    capture.toggle();
+    EXPECT_FALSE(capture.isVisible());
+    EXPECT_EQ(items().size(), 1);
+
+    EXPECT_TRUE(saveCapture(db, "note", "The kiln is cold"));
+    db.exec("DROP TABLE work_item;");
+    capture.toggle();
+    capture.setProperty("text", "lost");
+    capture.save();
+    EXPECT_FALSE(capture.isVisible());
+}
+
+TEST_F(QuickCaptureTest, itsKeyIsChosenAndKeptAndSaysWhoHoldsIt)
+{
+    HotKey& key = capture.hotKey();
+    EXPECT_EQ(key.hint(), "Off");
+    keys.taken = { "Ctrl+Alt+N" };
+    capture.registerHotKey();
+    EXPECT_EQ(key.keys(), "Ctrl+Alt+Shift+N");
+    EXPECT_FALSE(key.isWrong());
+    keys.taken << "Ctrl+Shift+F5";
+    EXPECT_FALSE(key.choose(Qt::Key_N, Qt::ShiftModifier)) << "it would be missed when typing";
+    EXPECT_FALSE(key.choose(Qt::Key_Control, Qt::ControlModifier));
+    EXPECT_TRUE(key.choose(Qt::Key_F5, Qt::ControlModifier | Qt::ShiftModifier));
+    EXPECT_EQ(key.hint(), "Another program holds Ctrl+Shift+F5. Choose another key.");
+    EXPECT_TRUE(key.isWrong());
+    EXPECT_TRUE(key.choose(Qt::Key_F8, Qt::NoModifier));
+    EXPECT_EQ(key.keys(), "F8");
+
+    QuickCapture next(db, &keys, m_defaults);
+    EXPECT_EQ(next.hotKey().keys(), "F8");
+    QuickCapture nowhere(db, nullptr, m_defaults);
+    nowhere.registerHotKey();
+    EXPECT_TRUE(nowhere.hotKey().hint().endsWith("bind a key to: corvane capture"));
+}
