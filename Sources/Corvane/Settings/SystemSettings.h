@@ -14,6 +14,7 @@ struct AppPaths;
 /// What concerns this machine: banners, keys, and where things are kept.
 class SystemSettings : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("Platform/HotKey.h")
     Q_PROPERTY(bool notifyOnNewMessage READ notifyOnNewMessage WRITE setNotifyOnNewMessage NOTIFY changed)
     Q_PROPERTY(QString notifyLabel READ notifyLabel CONSTANT)
     Q_PROPERTY(QString notifyHint READ notifyHint CONSTANT)

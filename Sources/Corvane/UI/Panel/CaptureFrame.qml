@@ -12,7 +12,7 @@ T.ApplicationWindow {
     title: qsTr("Capture")
     width: 560
     height: parts.implicitHeight + Theme.large * 2
-    color: Theme.window
+    color: Theme.surface
     font: Qt.application.font
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     onVisibleChanged: if (visible) field.forceActiveFocus(Qt.ShortcutFocusReason)
