@@ -88,5 +88,6 @@ TEST(ComposeSheetRules, aRecipientIsCheckedByItsChannel)
     EXPECT_EQ(recipientLabel(Channel::LinkedIn), "LinkedIn profile");
     EXPECT_EQ(recipientLabel(Channel::Telegram), "Recipient");
     EXPECT_EQ(recipientAddress(Channel::WhatsApp, "+٤٩ 170"), "49170@s.whatsapp.net");
-    EXPECT_EQ(recipientAddress(Channel::Sms, " +49 170 "), "+49 170");
+    EXPECT_EQ(recipientAddress(Channel::Sms, " +49 (170) 12 "), "+4917012");
+    EXPECT_EQ(recipientAddress(Channel::Sms, "0049 170 12"), "+4917012");
 }

@@ -21,6 +21,15 @@ QString digitsOf(const QString& text)
     return digits;
 }
 
+/// The number as a provider writes it, so that its answers come into the same conversation.
+QString internationalNumber(const QString& text)
+{
+    const QString digits = digitsOf(text);
+    if (text.startsWith(u'+'))
+        return u'+' + digits;
+    return digits.startsWith(QStringLiteral("00")) ? u'+' + digits.sliced(2) : digits;
+}
+
 }
 
 bool recipientValid(Channel channel, const QString& recipient)
@@ -74,7 +83,9 @@ QString recipientExample(Channel channel)
 
 QString recipientAddress(Channel channel, const QString& recipient)
 {
-    return channel == Channel::WhatsApp ? digitsOf(recipient) + QStringLiteral("@s.whatsapp.net") : recipient.trimmed();
+    if (channel == Channel::WhatsApp)
+        return digitsOf(recipient) + QStringLiteral("@s.whatsapp.net");
+    return channel == Channel::Sms ? internationalNumber(recipient.trimmed()) : recipient.trimmed();
 }
 
 ComposeSheet::ComposeSheet(AccountStore& accounts, Submit onSubmit, QObject* parent)
