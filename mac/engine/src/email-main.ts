@@ -54,8 +54,9 @@ async function start(place: Place): Promise<Engine> {
     close: async () => {
       await outbox.idle();
       await sender.filed();
-      mailbox.session?.close();
-      await staying;
+      const { session } = mailbox;
+      session?.close();
+      if (session) await staying; // else it may be looking for servers, for longer than there is time
       db.close();
     },
   };
