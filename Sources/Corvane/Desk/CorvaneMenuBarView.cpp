@@ -1,5 +1,6 @@
 #include "Desk/CorvaneMenuBarView.h"
 
+#include "Desk/QuickCapture.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/MachineWords.h"
@@ -68,6 +69,12 @@ QString agentsText(const TodayDigest& day)
                                       : QStringLiteral("%1 agent actions today").arg(day.agentActionsToday);
 }
 
+QString captureText(QuickCapture& capture)
+{
+    const QString text = QStringLiteral("Quick capture — task or note");
+    return capture.hotKey().isBound() ? text + QStringLiteral(" (%1 anywhere)").arg(capture.hotKey().keys()) : text;
+}
+
 DayLine line(const char* icon, const QString& text, const char* action)
 {
     return { QString::fromLatin1(icon), text, QString::fromLatin1(action) };
@@ -78,7 +85,9 @@ DayLine line(const char* icon, const QString& text, const char* action)
 CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
     , m_at(surroundings)
+    , m_replies(surroundings.engine.db(), surroundings.ai)
 {
+    connect(&m_replies, &ReplyDrafts::changed, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.approvals, &ApprovalsView::changed, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
@@ -127,6 +136,8 @@ QString CorvaneMenuBarView::noticeText() const
 void CorvaneMenuBarView::setVisible(bool visible)
 {
     m_visible = visible;
+    if (!visible)
+        m_replies.forgetDone();
     refresh();
 }
 
@@ -162,16 +173,25 @@ void CorvaneMenuBarView::readDay()
     m_today.append(line("link",
         engines == 1 ? QStringLiteral("1 engine running") : QStringLiteral("%1 engines running").arg(engines),
         "settings"));
+    if (m_at.capture)
+        m_today.append(line("list-add", captureText(*m_at.capture), "capture"));
     m_glance.clear();
-    for (const InboxGlanceRow& row : fetchInboxGlance(m_at.engine.db(), glanceRows))
-        m_glance.append(
-            { row.contactId, row.channel, WAName::pretty(row.title), row.snippet.simplified(), row.unread });
+    m_glanceRows = fetchInboxGlance(m_at.engine.db(), glanceRows);
+    for (const InboxGlanceRow& row : std::as_const(m_glanceRows)) {
+        const ReplyDrafts::State reply = m_replies.state(row.conversationId);
+        m_glance.append({ row.contactId, row.channel, WAName::pretty(row.title), row.snippet.simplified(), row.unread,
+            reply.isBusy, reply.text });
+    }
 }
 
 void CorvaneMenuBarView::run(const QString& action)
 {
     if (action == u"approvals") {
         setTab(action);
+        return;
+    }
+    if (action == u"capture") {
+        m_at.capture->toggle();
         return;
     }
     if (action == u"signIn") {
@@ -191,6 +211,12 @@ void CorvaneMenuBarView::openConversation(const QString& contactId)
         return;
     m_at.notifications.post(notifications::openConversation, contactId);
     Q_EMIT windowRequested();
+}
+
+void CorvaneMenuBarView::draftReply(int row)
+{
+    if (row >= 0 && row < m_glanceRows.size())
+        m_replies.draft(InboxGlanceRow(m_glanceRows[row]));
 }
 
 void CorvaneMenuBarView::reviewAll()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
+#include "Desk/ReplyDrafts.h"
 #include "Presentation/Choice.h"
 
 namespace corvane {
@@ -8,6 +9,7 @@ namespace corvane {
 class AccountStore;
 class EngineManager;
 class NotificationCentre;
+class QuickCapture;
 class SessionStore;
 
 /// A line of the day, and the way to what it speaks of.
@@ -32,12 +34,16 @@ class GlanceLine {
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString snippet MEMBER snippet)
     Q_PROPERTY(int unread MEMBER unread)
+    Q_PROPERTY(bool isDrafting MEMBER isDrafting)
+    Q_PROPERTY(QString draftText MEMBER draftText)
 public:
     QString contactId; ///< may be empty
     QString channel; ///< such as "WHATSAPP"
     QString title;
     QString snippet;
     int unread = 0;
+    bool isDrafting = false; ///< a reply
+    QString draftText; ///< what became of it; empty where none was asked for
 
     bool operator==(const GlanceLine&) const = default;
 };
@@ -49,6 +55,7 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY tabChanged) ///< the id of the one in front
     Q_PROPERTY(QList<corvane::DayLine> today READ today NOTIFY changed)
     Q_PROPERTY(QList<corvane::GlanceLine> glance READ glance NOTIFY changed)
+    Q_PROPERTY(QString draftLabel READ draftLabel CONSTANT)
     Q_PROPERTY(QString emptyGlanceText READ emptyGlanceText CONSTANT)
     Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< of the web account; both may be empty
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
@@ -65,6 +72,8 @@ public:
         NotificationCentre& notifications;
         Scheduler& scheduler;
         ApprovalsView& approvals;
+        AIServices& ai;
+        QuickCapture* capture = nullptr; ///< none: nothing of it is shown
     };
 
     explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -74,6 +83,10 @@ public:
     void setTab(const QString& id); ///< an unknown word changes nothing
     const QList<DayLine>& today() const { return m_today; }
     const QList<GlanceLine>& glance() const { return m_glance; }
+    QString draftLabel() const
+    {
+        return QStringLiteral("AI-draft a reply — it queues in Approvals, nothing sends without you");
+    }
     QString emptyGlanceText() const { return QStringLiteral("No conversations in the local mirror yet."); }
     QString noticeTitle() const;
     QString noticeText() const;
@@ -84,6 +97,7 @@ public:
 
     Q_INVOKABLE void run(const QString& action); ///< of a line of `today`, or "window", "settings" or "signIn"
     Q_INVOKABLE void openConversation(const QString& contactId); ///< nothing for a row without a contact
+    Q_INVOKABLE void draftReply(int row); ///< of `glance`
     Q_INVOKABLE void reviewAll(); ///< the approvals in the main window
 
 Q_SIGNALS:
@@ -100,6 +114,8 @@ private:
     MenuTab m_tab = MenuTab::Now;
     QList<DayLine> m_today;
     QList<GlanceLine> m_glance;
+    QList<InboxGlanceRow> m_glanceRows; ///< behind them
+    ReplyDrafts m_replies;
     bool m_visible = false;
 };
 

@@ -30,7 +30,7 @@ Screens::Screens(const Surroundings& surroundings)
     , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
     , settings(
           { at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai, at.launcher })
-    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals })
+    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, at.ai, at.capture })
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
 {

@@ -1,6 +1,7 @@
 #include "Inbox/Assistant/DraftAssistant.h"
 
 #include "AI/AIServices.h"
+#include "AI/DraftContext.h"
 #include "Foundation/Ids.h"
 #include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
@@ -24,11 +25,6 @@ constexpr Rewrite offeredRewrites[] {
     { LumoDraftRewriteAction::Warmer, "warmer", "Making warmer" },
     { LumoDraftRewriteAction::Grammar, "grammar", "Fixing grammar" },
 };
-
-QString defaultDraftStyle()
-{
-    return QStringLiteral("Warm, concise, grounded, natural");
-}
 
 QString rewriteIntent()
 {

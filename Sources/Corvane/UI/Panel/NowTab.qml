@@ -96,11 +96,25 @@ FocusScope {
                         readonly property glanceLine line: tab.panel.glance[index] ?? tab.noLine
                         objectName: "panel.glance"
                         width: parent.width
+                        rightPadding: draft.width
                         sign: row.line.channel ? "channel-" + row.line.channel.toLowerCase() : "hub-inbox"
                         text: row.line.title
-                        more: row.line.snippet
+                        more: row.line.draftText || row.line.snippet
                         count: row.line.unread > 0 ? row.line.unread : ""
                         onClicked: tab.panel.openConversation(row.line.contactId)
+
+                        IconButton {
+                            id: draft
+                            objectName: "panel.draft"
+                            anchors.right: parent.right
+                            anchors.verticalCenter: parent.verticalCenter
+                            size: 32
+                            icon.name: "hub-lumo"
+                            enabled: !row.line.isDrafting
+                            text: tab.panel.draftLabel
+                            Accessible.description: row.line.title
+                            onClicked: tab.panel.draftReply(row.index)
+                        }
                     }
                 }
             }
