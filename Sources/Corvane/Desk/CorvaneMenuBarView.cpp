@@ -21,7 +21,6 @@ namespace {
 using MenuTab = CorvaneMenuBarView::MenuTab;
 
 constexpr int glanceRows = 4;
-constexpr std::array shownTabs { MenuTab::Now, MenuTab::Approvals };
 
 struct TabWords {
     QString id;
@@ -96,10 +95,18 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
         m_at.engine.db().watch().on(subject, this, [this] { refresh(); });
 }
 
+QList<MenuTab> CorvaneMenuBarView::shownTabs() const
+{
+    QList<MenuTab> tabs { MenuTab::Now, MenuTab::Approvals };
+    if (m_resources.hasMonitor())
+        tabs.append(MenuTab::Ram);
+    return tabs;
+}
+
 QList<TabItem> CorvaneMenuBarView::tabs() const
 {
     QList<TabItem> tabs;
-    for (const MenuTab tab : shownTabs)
+    for (const MenuTab tab : shownTabs())
         tabs.append({ words(tab).id, words(tab).label, tab == MenuTab::Approvals ? m_at.approvals.waiting() : 0 });
     return tabs;
 }
@@ -111,8 +118,9 @@ QString CorvaneMenuBarView::tab() const
 
 void CorvaneMenuBarView::setTab(const QString& id)
 {
-    const auto found = std::ranges::find_if(shownTabs, [&](MenuTab tab) { return words(tab).id == id; });
-    if (found == shownTabs.end() || *found == m_tab)
+    const QList<MenuTab> shown = shownTabs();
+    const auto found = std::ranges::find_if(shown, [&](MenuTab tab) { return words(tab).id == id; });
+    if (found == shown.end() || *found == m_tab)
         return;
     m_tab = *found;
     refresh();
@@ -149,6 +157,7 @@ int CorvaneMenuBarView::enginesRunning() const
 
 void CorvaneMenuBarView::refresh()
 {
+    m_resources.setShown(m_visible && m_tab == MenuTab::Ram);
     if (!m_visible)
         return;
     if (m_tab == MenuTab::Now)

@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsView.h"
 #include "Desk/ReplyDrafts.h"
+#include "Desk/ResourcesView.h"
 #include "Presentation/Choice.h"
 
 namespace corvane {
@@ -60,8 +61,10 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< of the web account; both may be empty
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
     Q_PROPERTY(corvane::ApprovalsView* approvals READ approvals CONSTANT)
+    Q_PROPERTY(corvane::ResourcesView* resources READ resources CONSTANT)
 public:
-    /// In the order of the tabs. A tab comes with what it shows: so far the first two.
+    /// In the order of the tabs. A tab comes with what it shows: so far the first three, and
+    /// "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
 
     /// What the panel stands on; all of it outlives the panel.
@@ -91,6 +94,7 @@ public:
     QString noticeTitle() const;
     QString noticeText() const;
     ApprovalsView* approvals() { return &m_at.approvals; }
+    ResourcesView* resources() { return &m_resources; }
 
     /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
     void setVisible(bool visible);
@@ -106,11 +110,13 @@ Q_SIGNALS:
     void windowRequested(); ///< show the main window and bring it to the front
 
 private:
+    QList<MenuTab> shownTabs() const;
     void refresh();
     void readDay();
     int enginesRunning() const;
 
     Surroundings m_at;
+    ResourcesView m_resources;
     MenuTab m_tab = MenuTab::Now;
     QList<DayLine> m_today;
     QList<GlanceLine> m_glance;

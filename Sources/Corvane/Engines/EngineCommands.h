@@ -10,9 +10,10 @@ namespace corvane {
 
 struct ChannelFeatures;
 
-/// The command that sends a message, with as much of it as the channel carries. Without an id the engine owes no
-/// acknowledgment.
 enum class Acknowledges { Draft, DirectSend };
+
+/// The command that sends a message, with as much of it as the channel carries. The acknowledgment names the id;
+/// without one the engine owes none.
 QJsonObject sendCommand(const QString& chatId, const OutgoingMessage& message, const ChannelFeatures& features,
     Acknowledges kind, const QString& id);
 

@@ -7,6 +7,7 @@
 #include "CRM/ContactsBridge.h"
 #include "Calls/RecordedCalls.h"
 #include "Desk/QuickCapture.h"
+#include "Desk/ResourceMonitor.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
@@ -85,6 +86,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         = std::make_unique<VoiceServices>(VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser,
             *m_machine.basicRecogniser, m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport });
     m_machine.languageModel->choose(modelChoice(m_defaults));
+    m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
@@ -106,6 +108,7 @@ void CorvaneApp::onAppear()
     m_engine->db().watch().start();
     m_delivery->startWatch();
     m_engine->startAIRequestWatch(m_ai->ai);
+    m_resources->start();
     m_data.local.emplace(m_engine->db());
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);

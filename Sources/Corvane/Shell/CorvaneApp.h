@@ -36,6 +36,7 @@ class PortHolders;
 class RecordedCalls;
 class ProcessLauncher;
 class QuickCapture;
+class ResourceMonitor;
 class SessionStore;
 class StoreRecovery;
 class SpeechRecogniser;
@@ -84,6 +85,7 @@ public:
     DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
     RecordedCalls& recordedCalls() { return *m_recordedCalls; }
+    ResourceMonitor& resources() { return *m_resources; }
     ApprovalsStore& approvals() { return *m_approvals; }
     AIServices& ai() { return *m_ai; }
     TranslationService& translations() { return *m_translations; }
@@ -153,6 +155,7 @@ private:
     std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<VoiceServices> m_voice;
+    std::unique_ptr<ResourceMonitor> m_resources;
     std::unique_ptr<RecordedCalls> m_recordedCalls;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<QuickCapture> m_capture;

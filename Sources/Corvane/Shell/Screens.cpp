@@ -3,6 +3,7 @@
 #include "Approvals/ApprovalCommands.h"
 #include "Desk/CaptureCommands.h"
 #include "Desk/QuickCapture.h"
+#include "Desk/ResourceMonitor.h"
 #include "Engines/EngineManager.h"
 #include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
@@ -62,6 +63,7 @@ Screens::Screens(CorvaneApp& app)
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
           app.translations(), app.recovery(), app.launcher(), app.tray(), app.userUmask(), &app.capture() })
 {
+    panel.resources()->setMonitor(app.resources());
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this, &app] {
         if (!terminals.asksBeforeQuit())

@@ -12,6 +12,7 @@ T.ApplicationWindow {
     required property CorvaneMenuBarView panel
     required property Notices notices
     readonly property ApprovalsView approvals: panel.approvals
+    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram })
 
     title: qsTr("Corvane panel")
     width: 380
@@ -41,7 +42,7 @@ T.ApplicationWindow {
         anchors.fill: parent
         focus: true
         Keys.onEscapePressed: {
-            if (!window.approvals.stepBack())
+            if (!window.approvals.stepBack() && !window.panel.resources.stepBack())
                 window.hide();
         }
 
@@ -89,7 +90,7 @@ T.ApplicationWindow {
             anchors.bottom: foot.top
             width: parent.width
             focus: true
-            sourceComponent: window.panel.tab === "approvals" ? waiting : now
+            sourceComponent: window.tabs[window.panel.tab] ?? now
             onLoaded: if (window.active) forceActiveFocus(Qt.TabFocusReason)
         }
         Item {
@@ -143,6 +144,13 @@ T.ApplicationWindow {
         NowTab {
             focus: true
             panel: window.panel
+        }
+    }
+    Component {
+        id: ram
+        RamTab {
+            focus: true
+            resources: window.panel.resources
         }
     }
     Component {

@@ -29,6 +29,19 @@ struct DayLineType {
     QML_VALUE_TYPE(dayLine)
 };
 
+struct ResourcesViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ResourcesView)
+    QML_NAMED_ELEMENT(ResourcesView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ProcessItemType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ProcessItem)
+    QML_VALUE_TYPE(processItem)
+};
+
 struct GlanceLineType {
     Q_GADGET
     QML_FOREIGN(corvane::GlanceLine)

@@ -1,6 +1,7 @@
 #include "Platform/PrivateFile.h"
 
 #include "Foundation/Log.h"
+#include "Platform/Linux/Files/Descriptor.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,27 +42,11 @@ Error errorOf(int number)
     return { QString::fromLocal8Bit(::strerror(number)) + u'.' };
 }
 
-/// Closes with its scope.
-struct Descriptor {
-    int number;
-    explicit Descriptor(int opened)
-        : number(opened)
-    {
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (number >= 0)
-            ::close(number);
-    }
-};
-
 void syncFolder(const QString& folder)
 {
     const Descriptor descriptor(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor.number >= 0)
-        ::fsync(descriptor.number);
+    if (descriptor.isOpen())
+        ::fsync(descriptor.number());
 }
 
 /// Every folder that is made is on the disk.
@@ -139,7 +124,7 @@ Result<qint64> copyPrivateFile(
     // Not blocking, since the name may be a pipe's.
     const Descriptor source(::open(QFile::encodeName(from).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
-    if (source.number < 0 || ::fstat(source.number, &status) != 0)
+    if (!source.isOpen() || ::fstat(source.number(), &status) != 0)
         return std::unexpected(errorOf(errno));
     if (!S_ISREG(status.st_mode))
         return failure(QStringLiteral("It is no plain file."));
@@ -148,9 +133,9 @@ Result<qint64> copyPrivateFile(
     if (!makePrivateFolder(folder))
         return std::unexpected(errorOf(errno));
     const Descriptor copy(::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (copy.number < 0)
+    if (!copy.isOpen())
         return std::unexpected(errorOf(errno));
-    const Result<qint64> size = copyAll(source.number, copy.number, limit, seen);
+    const Result<qint64> size = copyAll(source.number(), copy.number(), limit, seen);
     if (size)
         syncFolder(folder);
     else

@@ -1,0 +1,189 @@
+#include "Platform/MachineResources.h"
+
+#include "Platform/Linux/Files/Descriptor.h"
+#include "Platform/Linux/Files/SystemFiles.h"
+
+#include <QDir>
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+// glibc 2.36 forgets to declare these as C.
+extern "C" {
+#include <sys/pidfd.h>
+}
+
+namespace corvane {
+
+namespace {
+
+constexpr size_t longestStat = 2048;
+constexpr size_t longestCommandLine = 4096; // what a row can show, and where the program's name stands
+
+/// The start of a file below the folder, in one read.
+template <size_t size> QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer)
+{
+    const Descriptor file(::openat(folder, path.constData(), O_RDONLY | O_CLOEXEC));
+    const ssize_t count = file.isOpen() ? ::read(file.number(), buffer.data(), size) : -1;
+    return { buffer.data(), std::max<ssize_t>(count, 0) };
+}
+
+/// "17 (a name (with) brackets) S 4 ...": the name, and the fields behind it, of which the first is the third.
+struct Stat {
+    QByteArrayView name;
+    QList<QByteArrayView> fields;
+
+    qint64 number(int field) const { return fields.value(field - 3).toLongLong(); }
+    quint64 startTime() const { return fields.value(19).toULongLong(); }
+};
+
+std::optional<Stat> statIn(QByteArrayView text)
+{
+    const qsizetype open = text.indexOf('(');
+    const qsizetype close = text.lastIndexOf(')');
+    if (open < 0 || close < open)
+        return std::nullopt;
+    Stat stat { text.sliced(open + 1, close - open - 1), {} };
+    for (qsizetype from = close + 2; from < text.size();) {
+        const qsizetype space = text.indexOf(' ', from);
+        const qsizetype to = space < 0 ? text.size() : space;
+        stat.fields.append(text.sliced(from, to - from));
+        from = to + 1;
+    }
+    return stat.fields.size() >= 22 ? std::optional(stat) : std::nullopt;
+}
+
+/// The whole name where the kernel cut it at 15 bytes.
+QString programName(QByteArrayView kernelName, const QString& arguments)
+{
+    const QString name = QString::fromUtf8(kernelName);
+    const QString first = arguments.section(u' ', 0, 0).section(u'/', -1);
+    return first.startsWith(name) ? first : name;
+}
+
+QString oneLine(QByteArrayView commandLine)
+{
+    QString line = QString::fromUtf8(commandLine);
+    std::ranges::replace_if(line, [](QChar unit) { return unit.unicode() < 0x20; }, u' ');
+    return line.trimmed();
+}
+
+/// What this program knows of itself, to tell others by.
+struct Own {
+    uid_t user = ::getuid();
+    qint64 terminal = 0;
+    QList<qint64> leaders;
+};
+
+/// The desktop's session is led by another process than the one of a terminal that the program was started in.
+Own ownPlace(int folder, const QString& root)
+{
+    Own own;
+    std::array<char, longestStat> buffer {};
+    if (const auto self = statIn(startOf(folder, "self/stat", buffer))) {
+        own.terminal = self->number(7);
+        own.leaders.append(self->number(6));
+    }
+    const QString session = qEnvironmentVariable("XDG_SESSION_ID");
+    for (const QByteArray& line : systemFile(root + QStringLiteral("/run/systemd/sessions/") + session).split('\n')) {
+        if (line.startsWith("LEADER="))
+            own.leaders.append(line.sliced(7).toLongLong());
+    }
+    return own;
+}
+
+std::optional<RunningProcess> processIn(int folder, const char* name, const Own& own, quint64 pageSize)
+{
+    std::array<char, longestStat> statText {};
+    std::array<char, longestCommandLine> commandLine {};
+    const QByteArray place(name);
+    struct stat owner {};
+    const auto stat = statIn(startOf(folder, place + "/stat", statText));
+    if (!stat || ::fstatat(folder, name, &owner, 0) != 0)
+        return std::nullopt; // it has ended meanwhile
+    const QString arguments = oneLine(startOf(folder, place + "/cmdline", commandLine));
+    const qint64 pages = stat->number(24);
+    if (pages == 0 && arguments.isEmpty())
+        return std::nullopt; // a thread of the kernel, or a process that has ended
+    RunningProcess process;
+    process.pid = place.toLongLong();
+    process.startTime = stat->startTime();
+    process.parentPid = stat->number(4);
+    process.residentBytes = pages * qint64(pageSize);
+    process.command = programName(stat->name, arguments);
+    process.arguments = arguments;
+    process.isOfThisUser = owner.st_uid == own.user;
+    process.hasOwnTerminal = stat->number(7) != 0 && stat->number(7) != own.terminal;
+    process.leadsSession = own.leaders.contains(process.pid);
+    return process;
+}
+
+quint64 kilobytes(const QByteArray& meminfo, const char* key)
+{
+    const qsizetype at = meminfo.indexOf(QByteArray("\n") + key + ':');
+    return at < 0 ? 0
+                  : meminfo.sliced(at + qsizetype(std::strlen(key)) + 2).simplified().split(' ').first().toULongLong();
+}
+
+/// What zswap and zram hold, as it was before it was compressed.
+quint64 compressedBytes(const QString& root)
+{
+    quint64 bytes = kilobytes(systemFile(root + QStringLiteral("/proc/meminfo")), "Zswapped") * 1024;
+    const QString disks = root + QStringLiteral("/sys/block/");
+    for (const QString& disk : QDir(disks).entryList({ QStringLiteral("zram*") }, QDir::Dirs | QDir::System))
+        bytes += systemFile(disks + disk + QStringLiteral("/mm_stat")).simplified().split(' ').first().toULongLong();
+    return bytes;
+}
+
+std::optional<double> pressureIn(const QByteArray& text)
+{
+    const qsizetype at = text.indexOf("some avg10=");
+    if (at < 0)
+        return std::nullopt;
+    bool isNumber = false;
+    const double percent = text.sliced(at + 11).split(' ').first().toDouble(&isNumber);
+    return isNumber ? std::optional(percent) : std::nullopt;
+}
+
+}
+
+Result<ResourceReading> readResources(const QString& root)
+{
+    const QByteArray path = QFile::encodeName(root) + "/proc";
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path.constData()), &::closedir);
+    if (!folder)
+        return failure(
+            QStringLiteral("The list of processes can't be read: %1.").arg(QString::fromLocal8Bit(::strerror(errno))));
+    ResourceReading reading;
+    reading.pageSize = quint64(::sysconf(_SC_PAGESIZE));
+    reading.compressedPages = compressedBytes(root) / reading.pageSize;
+    reading.pressure = pressureIn(systemFile(root + QStringLiteral("/proc/pressure/memory")));
+    const int descriptor = ::dirfd(folder.get());
+    const Own own = ownPlace(descriptor, root);
+    while (const dirent* entry = ::readdir(folder.get())) {
+        const char* name = entry->d_name;
+        if (*name < '1' || *name > '9')
+            continue;
+        if (const auto process = processIn(descriptor, name, own, reading.pageSize))
+            reading.processes.append(*process);
+    }
+    return reading;
+}
+
+bool askToEnd(qint64 pid, quint64 startTime)
+{
+    if (pid <= 0 || pid > std::numeric_limits<pid_t>::max())
+        return false;
+    // Opened before the start is compared: the signal then reaches that process or none.
+    const Descriptor handle(::pidfd_open(pid_t(pid), 0));
+    const QByteArray text = systemFile(QStringLiteral("/proc/%1/stat").arg(pid));
+    const auto stat = statIn(text);
+    return handle.isOpen() && stat && stat->startTime() == startTime
+        && ::pidfd_send_signal(handle.number(), SIGTERM, nullptr, 0) == 0;
+}
+
+}
