@@ -16,6 +16,7 @@
 #include "Platform/MachineFacts.h"
 #include "Platform/Microphone.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/ToolRunner.h"
 #include "Store/Core/LocalDB.h"
@@ -26,6 +27,7 @@
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
 #include "Voice/TranslationService.h"
+#include "Voice/VoiceServices.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -103,8 +105,13 @@ private:
     std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
     AIServices m_ai { *m_model, *m_facts, *m_tools, {}, m_scheduler };
     TranslationService m_translations { *m_facts };
+    std::unique_ptr<MediaDecoder> m_decoder = makeMediaDecoder(m_scheduler);
+    std::unique_ptr<SpeechRecogniser> m_models = makeModelRecogniser(*m_launcher);
+    std::unique_ptr<SpeechRecogniser> m_basic = makeBasicRecogniser(*m_launcher);
+    VoiceServices m_voice { { *m_decoder, *m_models, *m_basic, m_ai.gate, m_defaults, m_scheduler,
+        m_paths.applicationSupport, *m_tools, m_player } };
     InboxView m_inbox { InboxView::Surroundings { m_engine, m_accounts, m_defaults, m_centre, m_scheduler,
-        *m_microphone, m_desktop, m_player, m_paths, m_ai, m_translations } };
+        *m_microphone, m_desktop, m_player, m_paths, m_ai, m_translations, m_voice } };
     IncomingMessage m_message;
     int m_messages = 0;
 };

@@ -40,6 +40,7 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
     machine.facts = makeMachineFacts(paths);
     machine.decoder = makeMediaDecoder(scheduler);
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     return machine;

@@ -155,6 +155,7 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     machine.facts = std::make_unique<PictureFacts>();
     machine.decoder = makeMediaDecoder(scheduler);
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     return machine;

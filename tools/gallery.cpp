@@ -6,6 +6,7 @@
 #include "gallery-connect.h"
 #include "gallery-machine.h"
 #include "gallery-terminal.h"
+#include "gallery-voice.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
@@ -450,6 +451,10 @@ void Gallery::settingsScreens()
                             u"('g2','owner','Signs with Marta, never with the surname.','2');"_s);
     m_screens.settings.setSection(u"assistant"_s);
     save(u"settings-assistant"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    m_screens.settings.setSection(u"voice"_s);
+    save(u"settings-voice"_s, { Look::Light, Look::Dark });
+    addSpeechModels(m_app.voice().store, *m_screens.settings.voice());
+    save(u"settings-voice-models"_s, { Look::Light, Look::LightSmall });
     m_screens.settings.setSection(u"sync"_s);
     save(u"settings-sync"_s, { Look::Light });
     m_screens.settings.setSection(u"system"_s);

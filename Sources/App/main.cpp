@@ -72,6 +72,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.facts = makeMachineFacts(paths);
     machine.decoder = makeMediaDecoder(scheduler);
     machine.player = makeAudioPlayer(scheduler, *machine.decoder);
+    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     if (mode == Mode::Window) {

@@ -28,7 +28,7 @@ protected:
     std::unique_ptr<InboxView> restarted()
     {
         return std::make_unique<InboxView>(InboxView::Surroundings { engines, accounts, defaults, centre, clock,
-            microphone, desktop, player, home.paths(), lumo, translations });
+            microphone, desktop, player, home.paths(), lumo, translations, voice.services });
     }
 
     void addEmailToAna()

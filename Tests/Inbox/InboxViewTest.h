@@ -7,6 +7,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
+#include "Support/RealVoice.h"
 
 #include "Voice/TranslationService.h"
 
@@ -131,10 +132,11 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
 
     FakeLumo lumo { clock };
     TranslationService translations { lumo.machine };
+    RealVoice voice { lumo.machine, defaults, clock, home.paths().applicationSupport };
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
-    InboxView inbox { InboxView::Surroundings {
-        engines, accounts, defaults, centre, clock, microphone, desktop, player, home.paths(), lumo, translations } };
+    InboxView inbox { InboxView::Surroundings { engines, accounts, defaults, centre, clock, microphone, desktop, player,
+        home.paths(), lumo, translations, voice.services } };
     QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester threadTester { inbox.thread()->rows(),

@@ -52,7 +52,7 @@ protected:
 
 TEST_F(MessageActionsTest, aMessageOffersWhatItHas)
 {
-    EXPECT_EQ(offered("wa:msg:m1"), (QStringList { "react", "copy", "forward", "delete" }));
+    EXPECT_EQ(offered("wa:msg:m1"), (QStringList { "react", "copy", "forward", "speak", "delete" }));
     receiveMedium("image", {});
     EXPECT_EQ(offered("wa:msg:m3"),
         (QStringList {
@@ -60,7 +60,7 @@ TEST_F(MessageActionsTest, aMessageOffersWhatItHas)
     receiveMedium("document", home.path("share/Corvane/media/main/gone.pdf"), "the plan");
     EXPECT_EQ(offered("wa:msg:m4"),
         (QStringList {
-            "react", "copy", "forward", "open: Document file is missing from local media cache.", "delete" }));
+            "react", "copy", "forward", "speak", "open: Document file is missing from local media cache.", "delete" }));
     EXPECT_TRUE(actions().actionsFor("wa:msg:none").isEmpty());
     EXPECT_EQ(actions().actionsFor("wa:msg:m1").last().label, "Delete (local copy)");
 }

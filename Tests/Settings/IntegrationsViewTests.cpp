@@ -6,6 +6,7 @@
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
+#include "Support/RealVoice.h"
 #include "Support/Rows.h"
 #include "Web/SessionStore.h"
 
@@ -54,8 +55,9 @@ protected:
     SessionStore session { world.home.paths(), world.keychain, world.defaults, world.desktop, world.clock };
     AccountStore accounts { world.home.paths().applicationSupport };
     FakeLumo lumo;
+    RealVoice voice { lumo.machine, world.defaults, world.clock, world.home.paths().applicationSupport };
     IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
-        world.home.paths(), lumo, world.launcher } };
+        world.home.paths(), lumo, world.launcher, world.centre, voice.services } };
     QAbstractItemModel* model = view.accounts();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };

@@ -33,6 +33,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.languageModel = std::make_unique<FakeLanguageModel>();
     machine.player = std::make_unique<FakeAudioPlayer>();
     machine.decoder = makeMediaDecoder(scheduler);
+    machine.reader = std::make_unique<FakeAudioPlayer>();
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     machine.facts = std::make_unique<FakeMachineFacts>();

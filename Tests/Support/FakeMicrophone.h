@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A microphone that hears what a test says. Its recordings are files of the word "sound".
+/// A microphone that hears what a test says. Its recordings are files of the word "sound", or what a test puts there.
 class FakeMicrophone final : public Microphone {
 public:
     class Recording final : public MicrophoneRecording {
@@ -27,13 +27,14 @@ public:
                 return false;
             }
             QFile file(m_path);
-            return file.open(QIODevice::WriteOnly) && file.write("sound") == 5;
+            return file.open(QIODevice::WriteOnly) && file.write(sound) == sound.size();
         }
 
         void cancel() override { QFile::remove(m_path); }
 
         double seconds = 0;
         double loudness = 0;
+        QByteArray sound = "sound";
 
     private:
         const QString m_path;

@@ -10,6 +10,7 @@
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
 #include "Support/RealDecoder.h"
+#include "Support/RealVoice.h"
 #include "UI/MainWindow.h"
 #include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
@@ -73,13 +74,14 @@ protected:
     FakeLumo lumo { clock };
     AIServices& services;
     TranslationService translations { lumo.machine };
+    RealVoice voice { lumo.machine, defaults, clock, home.paths().applicationSupport };
     RecordedCalls calls { engines.db() };
     ApprovalsStore approvals { centre, notifier, clock };
     SystemScheduler realClock;
     const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
     StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations, recovery, *realChildren } };
+        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, *realChildren } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

@@ -44,7 +44,7 @@ private:
 
 namespace notifications {
 inline const QString openConversation = QStringLiteral("nimb.openConversation"); ///< object: a contact id
-inline const QString openSettings = QStringLiteral("nimb.openSettings");
+inline const QString openSettings = QStringLiteral("nimb.openSettings"); ///< object: a section, or none
 inline const QString openWorkConsole = QStringLiteral("nimb.openWorkConsole"); ///< object: a hub's raw value, or none
 inline const QString openApprovals = QStringLiteral("corvane.openApprovals");
 inline const QString focusComposer = QStringLiteral("nimb.focusComposer");

@@ -23,6 +23,11 @@ QList<Command> inboxCommands(InboxView& inbox)
         { u"reply"_s, u"Reply"_s, u"R"_s, { u"R"_s }, thread },
         { u"send"_s, u"Send what is typed"_s, u"Ctrl+Return"_s, {}, thread },
         { u"assistant"_s, u"Ask the assistant"_s, u"Ctrl+J"_s, { u"Ctrl+J"_s }, thread },
+        { u"dictate"_s, u"Dictate, or insert what was said"_s, u"Ctrl+Shift+D"_s, { u"Ctrl+Shift+D"_s }, thread,
+            u"Dictate into the reply"_s, somebodyIsOpen,
+            [&inbox] {
+                inbox.composer()->dictate();
+            } },
         { u"unread"_s, u"Mark as unread"_s, u"U"_s, { u"U"_s }, thread },
         { u"archive"_s, u"Archive or unarchive"_s, u"E"_s, { u"E"_s }, thread },
         { u"undo"_s, u"Undo an archive or a deletion"_s, u"Ctrl+Z"_s, { u"Ctrl+Z"_s }, thread },

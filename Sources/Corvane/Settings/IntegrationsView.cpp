@@ -23,6 +23,7 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     , m_assistant(m_at.ai, m_at.defaults, m_at.engine.db(), m_at.scheduler)
     , m_sync(m_at.session, m_at.engine.db())
     , m_system(m_at.defaults, m_at.keychain, m_at.paths)
+    , m_voice(m_at.voice, m_at.defaults)
     , m_toolServer(m_at.engine)
     , m_refresh(m_at.scheduler, Milliseconds(250), [this] { refreshRows(); })
     , m_section(QStringLiteral("accounts"))
@@ -40,6 +41,8 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
         if (m_visible)
             request();
     });
+    m_sectionAsked = m_at.notifications.observe(notifications::openSettings,
+        [this](const Notification& notification) { setSection(notification.object.value_or(QString())); });
     refreshRows();
 }
 
@@ -48,7 +51,8 @@ QList<Choice> IntegrationsView::sections() const
     return { { QStringLiteral("accounts"), QStringLiteral("Accounts") },
         { QStringLiteral("approvals"), QStringLiteral("Approvals") },
         { QStringLiteral("assistant"), QStringLiteral("Assistant") },
-        { QStringLiteral("sync"), QStringLiteral("Sync") }, { QStringLiteral("system"), QStringLiteral("System") } };
+        { QStringLiteral("voice"), QStringLiteral("Voice") }, { QStringLiteral("sync"), QStringLiteral("Sync") },
+        { QStringLiteral("system"), QStringLiteral("System") } };
 }
 
 QString IntegrationsView::sectionLabel() const

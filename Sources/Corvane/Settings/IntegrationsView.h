@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Coalescer.h"
+#include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
 #include "Settings/AccountRow.h"
@@ -12,6 +13,7 @@
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
 #include "Settings/ToolServerCard.h"
+#include "Settings/VoiceSettings.h"
 
 namespace corvane {
 
@@ -41,6 +43,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
+    Q_PROPERTY(corvane::VoiceSettings* voice READ voice CONSTANT)
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
 public:
@@ -55,6 +58,8 @@ public:
         const AppPaths& paths;
         AIServices& ai;
         ProcessLauncher& launcher;
+        NotificationCentre& notifications;
+        VoiceServices& voice;
     };
 
     explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -78,6 +83,7 @@ public:
     AssistantSettings* assistant() { return &m_assistant; }
     SyncSettings* sync() { return &m_sync; }
     SystemSettings* system() { return &m_system; }
+    VoiceSettings* voice() { return &m_voice; }
     ToolServerCard* toolServer() { return &m_toolServer; }
 
     /// Last message times, sync health and conversations are read only while someone looks.
@@ -109,11 +115,13 @@ private:
     AssistantSettings m_assistant;
     SyncSettings m_sync;
     SystemSettings m_system;
+    VoiceSettings m_voice;
     ToolServerCard m_toolServer;
     Coalescer m_refresh;
     QHash<QString, qint64> m_lastMessages; ///< by slug, milliseconds since the epoch
     QString m_section;
     bool m_visible = false;
+    NotificationCentre::Observation m_sectionAsked;
 };
 
 }

@@ -82,9 +82,9 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
     m_ai->drafts.setMemoryDB(m_engine->db());
     m_translations = std::make_unique<TranslationService>(*m_machine.facts);
-    m_voice
-        = std::make_unique<VoiceServices>(VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser,
-            *m_machine.basicRecogniser, m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport });
+    m_voice = std::make_unique<VoiceServices>(
+        VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser, *m_machine.basicRecogniser,
+            m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport, *m_machine.tools, *m_machine.reader });
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());

@@ -65,6 +65,7 @@ struct Machine {
     std::unique_ptr<MachineFacts> facts;
     std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
     std::unique_ptr<AudioPlayer> player;
+    std::unique_ptr<AudioPlayer> reader; ///< of texts that are read aloud
     std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
     std::unique_ptr<SpeechRecogniser> basicRecogniser;
     std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run

@@ -25,12 +25,12 @@ Screens::Screens(const Surroundings& surroundings)
     , shell(at.notifications, at.defaults)
     , profile(at.session, shell, at.engine.db(), at.notifications)
     , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
-          at.paths, at.ai, at.translations })
+          at.paths, at.ai, at.translations, at.voice })
     , draftActions(at.approvals, at.engine, at.accounts)
     , approvals(at.approvals, draftActions, at.engine.db(), at.scheduler)
     , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
-    , settings(
-          { at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai, at.launcher })
+    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai,
+          at.launcher, at.notifications, at.voice })
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, at.ai, at.capture })
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
@@ -61,7 +61,8 @@ Screens::Screens(const Surroundings& surroundings)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.recovery(), app.launcher(), app.tray(), app.userUmask(), &app.capture() })
+          app.translations(), app.voice(), app.recovery(), app.launcher(), app.tray(), app.userUmask(),
+          &app.capture() })
 {
     panel.resources()->setMonitor(app.resources());
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);

@@ -43,6 +43,7 @@ public:
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;
+        VoiceServices& voice;
         StoreRecovery& recovery;
         ProcessLauncher& launcher;
         const Tray* tray = nullptr;

@@ -1,5 +1,8 @@
 #include "Voice/SpeechLanguages.h"
 
+#include "Foundation/UserDefaults.h"
+#include "Voice/SpeechModelStore.h"
+
 #include <QHash>
 #include <QLocale>
 
@@ -12,7 +15,7 @@ const QStringList& modelLanguages()
                          "ur hr bg lt la mi "
                          "ml cy sk te fa lv bn sr az sl kn et mk br eu is hy ne mn bs kk sq sw gl mr pa si km sn yo so "
                          "af oc ka be tg sd "
-                         "gu am yi lo uz fo ht ps tk nn mt sa lb my bo tl mg as tt haw ln ha ba jw su yue")
+                         "gu am yi lo uz fo ht ps tk nn mt sa lb my bo tl mg as tt haw ln ha ba jw su")
               .split(QLatin1Char(' '));
     return languages;
 }
@@ -28,6 +31,18 @@ QString modelLanguage(const QString& localeId)
     const QString name = localeId.isEmpty() ? QLocale::system().name() : localeId;
     const QString code = name.section(QLatin1Char('_'), 0, 0).section(QLatin1Char('-'), 0, 0);
     return others.value(code, code);
+}
+
+QString dictationLocale(const UserDefaults& defaults)
+{
+    return defaults.text(dictationLocaleKey).value_or(QString());
+}
+
+QString voiceNoteLocale(const UserDefaults& defaults, const SpeechModelStore& store)
+{
+    const QString chosen = dictationLocale(defaults);
+    const bool isModel = store.installedModel(store.preferredModel()).has_value();
+    return !chosen.isEmpty() || !isModel ? chosen : anyLanguage;
 }
 
 QString localeDisplayName(const QString& localeId)

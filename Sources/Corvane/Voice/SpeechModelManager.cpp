@@ -1,5 +1,6 @@
 #include "Voice/SpeechModelManager.h"
 
+#include "Voice/ModelInstaller.h"
 #include "Voice/SpeechLanguages.h"
 #include "Voice/SpeechModelStore.h"
 #include "Voice/TranscriptionService.h"
@@ -71,6 +72,29 @@ void SpeechModelManager::refreshDictationLocales()
         return;
     m_dictationLocales = choices;
     Q_EMIT dictationLocalesChanged();
+}
+
+void SpeechModelManager::showInstallation(const ModelInstaller& installer)
+{
+    using Step = ModelInstaller::Step;
+    const qint64 total = installer.totalBytes();
+    const double progress = total > 0 ? double(installer.doneBytes()) / double(total) : 0;
+    switch (installer.step()) {
+    case Step::Idle:
+        if (m_loadState.kind == Kind::Downloading || m_loadState.kind == Kind::Loading)
+            enter({});
+        break;
+    case Step::Downloading:
+        enter({ .kind = Kind::Downloading, .text = installer.name(), .progress = progress });
+        break;
+    case Step::Copying:
+    case Step::Checking:
+        enter({ .kind = Kind::Loading, .text = installer.name(), .progress = progress });
+        break;
+    case Step::Failed:
+        enter({ .kind = Kind::Failed, .text = installer.errorText() });
+        break;
+    }
 }
 
 std::optional<LocalAIStopCondition> SpeechModelManager::stopConditionForSpeechWork()

@@ -7,6 +7,7 @@
 
 namespace corvane {
 
+class ModelInstaller;
 class SpeechModelStore;
 class TranscriptionService;
 
@@ -20,7 +21,7 @@ struct DictationLocaleChoice {
     bool operator==(const DictationLocaleChoice&) const = default;
 };
 
-/// What the latest job does.
+/// What the latest job, or the installation of a model, does.
 struct SpeechModelLoadState {
     enum class Kind { Idle, Downloading, Loading, Transcribing, Loaded, Failed };
 
@@ -51,6 +52,8 @@ public:
     /// "System ({language})" first, then by name.
     const QList<DictationLocaleChoice>& dictationLocales() const { return m_dictationLocales; }
     void refreshDictationLocales();
+
+    void showInstallation(const ModelInstaller& installer); ///< as the state
 
 Q_SIGNALS:
     void loadStateChanged();

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Voice/ModelInstaller.h"
 #include "Voice/SpeechModelManager.h"
 #include "Voice/SpeechModelStore.h"
+#include "Voice/SpeechReader.h"
 #include "Voice/TranscriptionService.h"
 
 namespace corvane {
 
-/// What hears, built once and wired to each other.
+/// What hears and speaks, built once and wired to each other.
 struct VoiceServices {
     /// All of it outlives the services.
     struct Surroundings {
@@ -17,18 +19,25 @@ struct VoiceServices {
         UserDefaults& defaults;
         Scheduler& scheduler;
         const QString& applicationSupport;
+        ToolRunner& tools;
+        AudioPlayer& player; ///< for reading aloud alone
     };
 
     explicit VoiceServices(const Surroundings& at)
         : store(at.applicationSupport, at.defaults, at.scheduler)
         , transcription(at.decoder, at.models, at.basic, store)
         , speech(transcription, store, at.gate)
+        , installer(store, at.scheduler)
+        , reader(at.tools, at.player)
     {
+        QObject::connect(&installer, &ModelInstaller::changed, &speech, [this] { speech.showInstallation(installer); });
     }
 
     SpeechModelStore store;
     TranscriptionService transcription;
     SpeechModelManager speech;
+    ModelInstaller installer;
+    SpeechReader reader;
 };
 
 }

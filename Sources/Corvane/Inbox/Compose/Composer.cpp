@@ -9,6 +9,7 @@
 #include "Store/People/IdentityQueries.h"
 
 #include <QDir>
+#include <algorithm>
 
 namespace corvane {
 
@@ -42,8 +43,10 @@ Composer::Composer(const Surroundings& surroundings, QObject* parent)
     , m_texts(surroundings.unsentTextsFile, surroundings.scheduler)
     , m_unsent(surroundings.engine, surroundings.scheduler, surroundings.unsentMessagesFile)
     , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
+    , m_dictation(surroundings.voice, surroundings.microphone, surroundings.scheduler, surroundings.defaults)
 {
     connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
+    connect(&m_dictation, &ComposerDictation::dictated, this, &Composer::takeDictation);
     connect(this, &Composer::replyPlatformChanged, this, &Composer::hintsChanged);
 }
 
@@ -56,6 +59,8 @@ void Composer::open(const ContactRow& contact)
         return;
     if (!samePerson && showsVoice())
         m_voice.leave();
+    if (!samePerson)
+        m_dictation.finish(); // what was said to the other one goes into their text
     m_contact = contact;
     if (!samePerson || !contact.platforms.contains(m_replyPlatform))
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
@@ -215,6 +220,40 @@ void Composer::startVoice()
         m_voice.start(m_contact.id);
     else if (!showsVoice())
         setSendError(QStringLiteral("A voice note to another contact waits: send or discard it first."));
+}
+
+void Composer::dictate()
+{
+    if (m_dictation.active())
+        m_dictation.finish();
+    else if (!showsVoice())
+        m_dictation.start(m_contact.id);
+}
+
+void Composer::takeDictation(const QString& contactId, const QString& said)
+{
+    if (personBehind(m_engine.db(), contactId) == m_contact.id) {
+        Q_EMIT dictated(said);
+        return;
+    }
+    const QString before = m_texts.text(contactId);
+    m_texts.setText(contactId, before.isEmpty() ? said : before + QLatin1Char(' ') + said);
+}
+
+int Composer::insertDictation(const QString& said, int cursor)
+{
+    const QString before = text();
+    const qsizetype place = std::clamp<qsizetype>(cursor, 0, before.size());
+    const QString head = before.left(place);
+    const QString tail = before.mid(place);
+    const bool needsBlank = !head.isEmpty() && !head.back().isSpace();
+    const bool runsIntoWord = !tail.isEmpty() && tail.front().isLetterOrNumber();
+    const QString inserted
+        = (needsBlank ? QStringLiteral(" ") : QString()) + said + (runsIntoWord ? QStringLiteral(" ") : QString());
+    setText(head + inserted + tail);
+    m_beforeApply = before;
+    Q_EMIT undoChanged();
+    return int(place + inserted.size());
 }
 
 void Composer::sendVoice()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inbox/Compose/ComposerDictation.h"
 #include "Inbox/Compose/UnsentMessages.h"
 #include "Inbox/Compose/UnsentTexts.h"
 #include "Inbox/Compose/VoiceRecorder.h"
@@ -33,6 +34,7 @@ class Composer : public QObject {
     Q_PROPERTY(corvane::HoldingListModel* unsent READ unsent CONSTANT) ///< of UnsentMessageItem: what did not go out
     Q_PROPERTY(bool editing MEMBER m_editing NOTIFY editingChanged) ///< the field has the keys
     Q_PROPERTY(corvane::VoiceRecorder* voice READ voice CONSTANT)
+    Q_PROPERTY(corvane::ComposerDictation* dictation READ dictation CONSTANT)
     Q_PROPERTY(bool showsVoice READ showsVoice NOTIFY voiceShown) ///< a note to the open contact runs or waits
 public:
     enum class Placement { After, Instead };
@@ -45,6 +47,7 @@ public:
         Microphone& microphone;
         QString unsentTextsFile;
         QString unsentMessagesFile;
+        VoiceServices& voice;
     };
 
     /// Everything outlives the composer.
@@ -70,6 +73,7 @@ public:
     const QString& sendError() const { return m_sendError; }
     HoldingListModel* unsent() { return &m_unsent.rows(); }
     VoiceRecorder* voice() { return &m_voice; }
+    ComposerDictation* dictation() { return &m_dictation; }
     bool showsVoice() const;
 
     /// Puts a prepared text into the field: after what is there, with a blank line between, or in its place.
@@ -83,6 +87,11 @@ public:
     Q_INVOKABLE void dropText(const QString& text); ///< let go over the field
     Q_INVOKABLE void dropFiles(const QList<QUrl>& files); ///< their texts; what is no text is refused
     Q_INVOKABLE void startVoice();
+    Q_INVOKABLE void dictate(); ///< begins, or ends what was said
+
+    /// Puts what was said where the cursor stands, with blanks around it as words need; returns where the cursor is
+    /// then.
+    Q_INVOKABLE int insertDictation(const QString& said, int cursor);
     Q_INVOKABLE void sendVoice();
 
 Q_SIGNALS:
@@ -95,6 +104,7 @@ Q_SIGNALS:
     void editingChanged();
     void voiceShown();
     void focusRequested();
+    void dictated(const QString& text); ///< to be inserted at the cursor
     void sent(); ///< a text or a voice note went to its engine
 
 private:
@@ -103,6 +113,7 @@ private:
     bool sendThrough(
         const QString& platform, const std::function<bool(const Account& account, const QString& chatId)>& say);
     bool sendText(const QString& platform, const QString& text);
+    void takeDictation(const QString& contactId, const QString& text);
     void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
     void forgetUndo();
 
@@ -112,6 +123,7 @@ private:
     UnsentTexts m_texts;
     UnsentMessages m_unsent;
     VoiceRecorder m_voice;
+    ComposerDictation m_dictation;
     ContactRow m_contact;
     QString m_replyPlatform;
     QString m_sendError;

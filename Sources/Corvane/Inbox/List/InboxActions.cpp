@@ -132,6 +132,11 @@ void InboxView::openHit(const QString& messageId)
     jumpTo(messageId);
 }
 
+void InboxView::openVoiceSettings()
+{
+    m_notifications.post(notifications::openSettings, QStringLiteral("voice"));
+}
+
 void InboxView::jumpTo(const QString& messageId)
 {
     if (!m_thread.show(messageId, m_search))

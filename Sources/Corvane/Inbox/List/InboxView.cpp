@@ -34,7 +34,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
           surroundings.paths.applicationSupport + QStringLiteral("/unsent.json"),
-          surroundings.paths.applicationSupport + QStringLiteral("/unsent-messages.json") })
+          surroundings.paths.applicationSupport + QStringLiteral("/unsent-messages.json"), surroundings.voice })
     , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
     , m_summary(m_engine.db(), surroundings.ai)
     , m_askLumo(m_engine.db(), surroundings.ai)
@@ -49,6 +49,7 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
               return m_rows.rows();
           } }) // a search hides nobody to whom a message may go
     , m_voicePlayer(surroundings.player, m_thread, m_engine)
+    , m_transcripts(surroundings.voice, m_thread, m_engine, m_defaults)
     , m_reloadSoon(m_scheduler, reloadPause,
           [this] {
               if (m_shown)
@@ -63,6 +64,10 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     connect(m_thread.reading(), &ThreadReading::read, this, &InboxView::readSelected);
     connect(&m_composer, &Composer::sent, m_thread.reading(), &ThreadReading::touch);
     connect(&m_hits, &MessageHits::changed, this, &InboxView::changed);
+    connect(&m_transcripts, &VoiceTranscripts::speakingChanged, this, [this] {
+        if (!m_transcripts.speakingId().isEmpty())
+            m_voicePlayer.stop();
+    });
     connect(&m_crm, &CRMPane::peopleChanged, this, &InboxView::afterAction);
     connect(&m_crm, &CRMPane::undoable, this,
         [this](const QString& text, const std::function<void()>& back) { m_undo.offer(text, back); });

@@ -21,6 +21,7 @@
 #include "Inbox/Thread/MessageActions.h"
 #include "Inbox/Thread/ThreadView.h"
 #include "Inbox/Thread/VoicePlayer.h"
+#include "Inbox/Thread/VoiceTranscripts.h"
 #include "Presentation/UndoOffer.h"
 
 namespace corvane {
@@ -69,6 +70,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
     Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
     Q_PROPERTY(corvane::VoicePlayer* voicePlayer READ voicePlayer CONSTANT)
+    Q_PROPERTY(corvane::VoiceTranscripts* transcripts READ transcripts CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
     Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
@@ -100,6 +102,7 @@ public:
         const AppPaths& paths;
         AIServices& ai;
         TranslationService& translations;
+        VoiceServices& voice;
     };
 
     explicit InboxView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -143,6 +146,7 @@ public:
     CRMPane* crm() { return &m_crm; }
     MessageActions* messageActions() { return &m_messageActions; }
     VoicePlayer* voicePlayer() { return &m_voicePlayer; }
+    VoiceTranscripts* transcripts() { return &m_transcripts; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     Composer* composer() { return &m_composer; }
     DraftAssistant* assistant() { return &m_assistant; }
@@ -175,6 +179,7 @@ public:
     Q_INVOKABLE void moveSelection(int delta);
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
     Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
+    Q_INVOKABLE void openVoiceSettings(); ///< where a speech model is added
 
     void writeNew(); ///< to somebody new, with the inbox in front
 
@@ -284,6 +289,7 @@ private:
     UndoOffer m_undo;
     MessageActions m_messageActions;
     VoicePlayer m_voicePlayer;
+    VoiceTranscripts m_transcripts;
     CommandPalette m_palette;
     BulkSelection m_bulk;
 

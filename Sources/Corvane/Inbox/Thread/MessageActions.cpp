@@ -59,6 +59,11 @@ QList<MessageOffer> MessageActions::actionsFor(const QString& messageId) const
 
     if (media.kind == Kind::Ready && UnifiedBubble::hasAudio(*row))
         actions.append(action(QStringLiteral("play"), QStringLiteral("Play")));
+    if (media.kind == Kind::Ready && UnifiedBubble::hasAudio(*row))
+        actions.append(action(QStringLiteral("transcribe"), QStringLiteral("Transcribe on this computer")));
+    if (!UnifiedBubble::readableText(*row).isEmpty())
+        actions.append(action(QStringLiteral("speak"),
+            row->audioTranscript ? QStringLiteral("Read transcript aloud") : QStringLiteral("Read aloud")));
     if (media.kind == Kind::Download || media.kind == Kind::Failed)
         actions.append(action(QStringLiteral("fetch"),
             media.kind == Kind::Failed ? QStringLiteral("Try again") : QStringLiteral("Download")));

@@ -22,7 +22,7 @@ class MessageOffer {
     Q_PROPERTY(bool enabled MEMBER enabled)
     Q_PROPERTY(QString help MEMBER help)
 public:
-    QString id; ///< "react", "copy", "forward", "play", "open", "fetch" or "delete"
+    QString id; ///< "react", "copy", "forward", "play", "transcribe", "speak", "open", "fetch" or "delete"
     QString label;
     bool enabled = false;
     QString help; ///< why it is not enabled

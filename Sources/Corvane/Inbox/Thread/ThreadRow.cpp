@@ -84,6 +84,23 @@ QString bubbleText(const UnifiedMsgRow& row, const ThreadRow& shown)
     return isCard ? QString() : UnifiedBubble::textBehindMark(row.body).value_or(row.body);
 }
 
+/// A voice note that is here and has no text yet can get one.
+void describeTranscription(ThreadRow& shown, const ThreadSurroundings& surroundings)
+{
+    if (shown.mediaKind != QStringLiteral("audio") || shown.mediaPath.isEmpty())
+        return;
+    using Kind = AudioTranscriptionState::Kind;
+    const auto state = surroundings.transcription ? surroundings.transcription(shown.id) : std::nullopt;
+    if (!state) {
+        shown.transcribeState = shown.transcript.isEmpty() ? QStringLiteral("offer") : QString();
+        return;
+    }
+    shown.transcribeState = state->kind == Kind::Loading ? QStringLiteral("loading")
+        : state->kind == Kind::MissingModel              ? QStringLiteral("missing")
+                                                         : QStringLiteral("failed");
+    shown.transcribeText = state->text;
+}
+
 void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurroundings& surroundings)
 {
     shown.mediaKind = UnifiedBubble::mediaKind(row);
@@ -99,6 +116,7 @@ void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurro
     }
     shown.body = bubbleText(row, shown);
     shown.transcript = row.audioTranscript.value_or(QString());
+    describeTranscription(shown, surroundings);
 }
 
 QString spokenMessage(const ThreadRow& shown, const QString& sender)

@@ -2,6 +2,7 @@
 
 #include "Engines/RuntimeState.h"
 #include "Inbox/Thread/ThreadBuilder.h"
+#include "Inbox/Thread/VoiceTranscripts.h"
 
 #include <QMetaType>
 #include <QSet>
@@ -35,6 +36,8 @@ class ThreadRow {
     Q_PROPERTY(QString mediaState MEMBER mediaState)
     Q_PROPERTY(QString mediaStateText MEMBER mediaStateText)
     Q_PROPERTY(QString transcript MEMBER transcript)
+    Q_PROPERTY(QString transcribeState MEMBER transcribeState)
+    Q_PROPERTY(QString transcribeText MEMBER transcribeText)
     Q_PROPERTY(QString reaction MEMBER reaction)
     Q_PROPERTY(bool highlighted MEMBER highlighted)
     Q_PROPERTY(QString spoken MEMBER spoken)
@@ -63,6 +66,8 @@ public:
     QString mediaState; ///< "", "ready", "download", "downloading", "failed" (with a retry), "missing" or "refused"
     QString mediaStateText;
     QString transcript; ///< of a voice note
+    QString transcribeState; ///< "", "offer", "loading", "missing" (no model) or "failed"
+    QString transcribeText; ///< how far it is, or why it failed
     QString reaction;
     bool highlighted = false;
     QString spoken;
@@ -86,6 +91,7 @@ struct ThreadSurroundings {
     QSet<QString> unfolded = {}; ///< messages whose quoted tail is shown
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
     std::function<QStringList(const UnifiedMsgRow& row)> mediaPlaces; ///< where the file of a message may lie
+    std::function<std::optional<AudioTranscriptionState>(const QString& messageId)> transcription = {};
 };
 
 QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurroundings& surroundings);

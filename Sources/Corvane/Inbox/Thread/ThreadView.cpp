@@ -272,10 +272,8 @@ void ThreadView::present(Opening opening)
             .lengths = m_lengths,
             .unfolded = m_unfolded,
             .download = [this](const QString& messageId) { return m_engine.mediaDownloadStatus(messageId); },
-            .mediaPlaces =
-                [this](const UnifiedMsgRow& row) {
-                    return m_engine.mediaPlaces(row);
-                } });
+            .mediaPlaces = [this](const UnifiedMsgRow& row) { return m_engine.mediaPlaces(row); },
+            .transcription = m_transcription });
     if (opening == Opening::Yes) {
         // A view makes first what it is given first, so it is given what will be in sight.
         m_rows.assign(rows.last(std::min(rows.size(), screenful)));

@@ -57,6 +57,10 @@ public:
     const UnifiedMsgRow* message(const QString& messageId) const; ///< until the next reload
     void setError(const QString& text);
 
+    using TranscriptionState = std::function<std::optional<AudioTranscriptionState>(const QString& messageId)>;
+    void setTranscriptionState(TranscriptionState state) { m_transcription = std::move(state); }
+    void refresh() { present(); } ///< what the rows depend on besides the messages has changed
+
     Q_INVOKABLE void showNewest();
     Q_INVOKABLE void showOldest(); ///< of what is in the database
     Q_INVOKABLE void extendOlder(); ///< by a page of the database, where it has one
@@ -106,6 +110,7 @@ private:
     std::unique_ptr<Timer> m_highlightEnd;
     std::unique_ptr<Timer> m_loadingMore;
     QString m_errorText;
+    TranscriptionState m_transcription;
 };
 
 }

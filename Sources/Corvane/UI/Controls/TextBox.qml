@@ -10,6 +10,7 @@ FocusScope {
     property alias text: area.text
     property alias placeholderText: area.placeholderText
     property alias readOnly: area.readOnly
+    property alias cursorPosition: area.cursorPosition
     property string label
     property int minimumLines: 1
     property int maximumLines: 8

@@ -94,6 +94,15 @@ Rectangle {
             color: Theme.soft
             Accessible.ignored: true
         }
+        Loader {
+            active: bubble.message.transcribeState !== "" || bubble.message.transcript !== ""
+            visible: active
+            sourceComponent: Transcription {
+                message: bubble.message
+                inbox: bubble.inbox
+                maximumWidth: bubble.maximumWidth - bubble.padding * 2
+            }
+        }
     }
     Text {
         id: measure

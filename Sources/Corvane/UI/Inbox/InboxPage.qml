@@ -78,7 +78,9 @@ Page {
     }
 
     function back() {
-        if (narrow && contactAskedFor) {
+        if (inbox.composer.dictation.state !== "idle") {
+            inbox.composer.dictation.cancel();
+        } else if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
         } else if (inbox.bulk.active) {

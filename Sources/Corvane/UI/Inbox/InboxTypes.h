@@ -50,6 +50,20 @@ struct MessageActionsType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct VoiceTranscriptsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::VoiceTranscripts)
+    QML_NAMED_ELEMENT(VoiceTranscripts)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ComposerDictationType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ComposerDictation)
+    QML_NAMED_ELEMENT(ComposerDictation)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct VoicePlayerType {
     Q_GADGET
     QML_FOREIGN(corvane::VoicePlayer)

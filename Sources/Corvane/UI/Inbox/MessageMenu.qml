@@ -98,6 +98,16 @@ Menu {
         actions: menu.actions
     }
     MessageAction {
+        icon.name: "note"
+        offer: menu.offer("transcribe")
+        onTriggered: menu.inbox.transcripts.transcribe(menu.messageId)
+    }
+    MessageAction {
+        icon.name: "audio"
+        offer: menu.offer("speak")
+        onTriggered: menu.inbox.transcripts.speak(menu.messageId)
+    }
+    MessageAction {
         icon.name: "document-open"
         offer: menu.offer("open")
         onTriggered: menu.actions.openMedia(menu.messageId)

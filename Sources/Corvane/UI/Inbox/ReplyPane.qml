@@ -31,6 +31,11 @@ FocusScope {
         function onFocusRequested() {
             pane.focusField();
         }
+        function onDictated(text: string) {
+            const cursor = pane.composer.insertDictation(text, field.cursorPosition);
+            field.forceActiveFocus(Qt.TabFocusReason);
+            field.cursorPosition = cursor;
+        }
     }
 
     Rectangle {
@@ -99,6 +104,12 @@ FocusScope {
             visible: pane.composer.showsVoice
             composer: pane.composer
         }
+        DictationBar {
+            width: parent.width
+            visible: dictation.state !== "idle" && !pane.composer.showsVoice
+            dictation: pane.composer.dictation
+            onModelWanted: pane.inbox.openVoiceSettings()
+        }
         Item {
             width: parent.width
             height: field.implicitHeight
@@ -131,6 +142,12 @@ FocusScope {
                 anchors.bottom: parent.bottom
                 spacing: Theme.tight
 
+                IconButton {
+                    objectName: "composer.dictate"
+                    icon.name: "dictate"
+                    text: pane.composer.dictation.active ? qsTr("Finish dictating") : qsTr("Dictate (Ctrl+Shift+D)")
+                    onClicked: pane.composer.dictate()
+                }
                 IconButton {
                     objectName: "composer.voice"
                     icon.name: "microphone"

@@ -14,7 +14,7 @@ Page {
 
     signal reviewApprovals
 
-    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, sync: sync,
+    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, voice: voice, sync: sync,
         system: system })
 
     panes: [sections, cards]
@@ -89,6 +89,10 @@ Page {
     Component {
         id: assistant
         AssistantSection { assistant: page.settings.assistant }
+    }
+    Component {
+        id: voice
+        VoiceSection { voice: page.settings.voice }
     }
     Component {
         id: sync

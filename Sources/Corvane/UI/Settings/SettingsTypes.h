@@ -87,6 +87,13 @@ struct SystemSettingsType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct VoiceSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::VoiceSettings)
+    QML_NAMED_ELEMENT(VoiceSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct ToolServerCardType {
     Q_GADGET
     QML_FOREIGN(corvane::ToolServerCard)
@@ -129,6 +136,18 @@ struct AssistantBackendType {
     Q_GADGET
     QML_FOREIGN(corvane::AssistantBackend)
     QML_VALUE_TYPE(assistantBackend)
+};
+
+struct SpeechModelLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SpeechModelLine)
+    QML_VALUE_TYPE(speechModelLine)
+};
+
+struct PublishedModelLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PublishedModelLine)
+    QML_VALUE_TYPE(publishedModelLine)
 };
 
 struct MachineFactType {

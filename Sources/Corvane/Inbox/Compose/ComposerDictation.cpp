@@ -1,0 +1,143 @@
+#include "Inbox/Compose/ComposerDictation.h"
+
+#include "Voice/SpeechLanguages.h"
+#include "Voice/VoiceServices.h"
+
+#include <QDir>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds noticeTime { 4000 };
+
+}
+
+ComposerDictation::ComposerDictation(
+    VoiceServices& voice, Microphone& microphone, Scheduler& scheduler, UserDefaults& defaults, QObject* parent)
+    : QObject(parent)
+    , m_voice(voice)
+    , m_scheduler(scheduler)
+    , m_defaults(defaults)
+    , m_recorder(microphone, scheduler, QDir::tempPath())
+{
+    connect(&m_recorder, &VoiceRecorder::stateChanged, this, &ComposerDictation::follow);
+    connect(&m_recorder, &VoiceRecorder::noticeChanged, this, &ComposerDictation::follow);
+    connect(&m_recorder, &VoiceRecorder::progressed, this, &ComposerDictation::progressed);
+}
+
+ComposerDictation::~ComposerDictation()
+{
+    cancel();
+}
+
+QString ComposerDictation::stateWord() const
+{
+    switch (m_state) {
+    case State::Idle:
+        break;
+    case State::Starting:
+        return QStringLiteral("starting");
+    case State::Recording:
+        return QStringLiteral("recording");
+    case State::Transcribing:
+        return QStringLiteral("transcribing");
+    case State::Missing:
+        return QStringLiteral("missing");
+    case State::Error:
+        return QStringLiteral("error");
+    case State::Inserted:
+        return QStringLiteral("inserted");
+    }
+    return QStringLiteral("idle");
+}
+
+bool ComposerDictation::active() const
+{
+    return m_state == State::Starting || m_state == State::Recording || m_state == State::Transcribing;
+}
+
+void ComposerDictation::start(const QString& contactId)
+{
+    if (active() || contactId.isEmpty())
+        return;
+    const QString language = modelLanguage(dictationLocale(m_defaults));
+    if (!m_voice.transcription.speaks(language)) {
+        enter(State::Missing, QStringLiteral("Dictation in %1 needs a speech model.").arg(localeDisplayName(language)));
+        return;
+    }
+    m_recorder.start(contactId);
+}
+
+/// A recording that ends by itself is transcribed as far as it came.
+void ComposerDictation::follow()
+{
+    if (m_state == State::Transcribing)
+        return;
+    const QString word = m_recorder.stateWord();
+    if (word == QLatin1String("starting"))
+        enter(State::Starting, QStringLiteral("Asking for the microphone…"));
+    else if (word == QLatin1String("recording"))
+        enter(State::Recording, QStringLiteral("Dictating locally"));
+    else if (word == QLatin1String("kept"))
+        finish();
+    else if (!m_recorder.notice().isEmpty())
+        enter(State::Error, m_recorder.notice());
+    else if (active())
+        enter(State::Idle);
+}
+
+void ComposerDictation::finish()
+{
+    if (m_state != State::Recording)
+        return;
+    const QString contactId = m_recorder.contactId();
+    m_state = State::Transcribing;
+    const QString path = m_recorder.stop();
+    if (path.isEmpty()) {
+        enter(State::Error, m_recorder.notice());
+        return;
+    }
+    enter(State::Transcribing, QStringLiteral("Transcribing with %1").arg(m_voice.speech.preferredModel().displayName));
+    m_cancel = {};
+    transcribe(contactId, path, m_cancel);
+}
+
+QCoro::Task<> ComposerDictation::transcribe(QString contactId, QString path, CancelHandle cancel)
+{
+    const QPointer<ComposerDictation> self(this);
+    TranscriptionRequest request;
+    request.audioPath = path;
+    request.locale = dictationLocale(m_defaults);
+    request.cancel = cancel;
+    const TranscriptionOutcome outcome = co_await m_voice.speech.transcribe(std::move(request));
+    if (!self || cancel.isCancelled())
+        co_return;
+    m_recorder.cancel();
+    if (!outcome) {
+        enter(State::Error, describe(outcome.error()));
+        co_return;
+    }
+    enter(State::Inserted, QStringLiteral("Dictation inserted into composer."));
+    Q_EMIT dictated(contactId, outcome->text);
+}
+
+void ComposerDictation::cancel()
+{
+    const CancelHandle running = m_cancel;
+    m_state = State::Idle;
+    running.cancel();
+    m_recorder.cancel();
+    enter(State::Idle);
+}
+
+void ComposerDictation::enter(State state, const QString& text)
+{
+    m_state = state;
+    m_text = text;
+    m_forget = state == State::Inserted ? m_scheduler.after(noticeTime, [this] { enter(State::Idle); }) : nullptr;
+    Q_EMIT changed();
+}
+
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Foundation/Cancellation.h"
+#include "Inbox/Compose/VoiceRecorder.h"
+
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+class UserDefaults;
+struct VoiceServices;
+
+/// Speaking instead of typing: what is said becomes text of the composer, and its sound is deleted.
+class ComposerDictation : public QObject {
+    Q_OBJECT
+    /// idle, starting, recording, transcribing, missing (no model speaks the language), error, inserted
+    Q_PROPERTY(QString state READ stateWord NOTIFY changed)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed) ///< in the words of the screen
+    Q_PROPERTY(bool active READ active NOTIFY changed) ///< listens or transcribes
+    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed)
+    Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
+public:
+    /// All of them outlive the object.
+    ComposerDictation(VoiceServices& voice, Microphone& microphone, Scheduler& scheduler, UserDefaults& defaults,
+        QObject* parent = nullptr);
+    ~ComposerDictation() override;
+
+    QString stateWord() const;
+    const QString& stateText() const { return m_text; }
+    bool active() const;
+    QString elapsedText() const { return m_recorder.elapsedText(); }
+    double level() const { return m_recorder.level(); }
+
+    void start(const QString& contactId);
+    Q_INVOKABLE void finish(); ///< what was said is transcribed
+    Q_INVOKABLE void cancel(); ///< nothing is inserted; also takes a message away
+
+Q_SIGNALS:
+    void changed();
+    void progressed();
+    void dictated(const QString& contactId, const QString& text);
+
+private:
+    enum class State { Idle, Starting, Recording, Transcribing, Missing, Error, Inserted };
+
+    void follow();
+    QCoro::Task<> transcribe(QString contactId, QString path, CancelHandle cancel);
+    void enter(State state, const QString& text = {});
+
+    VoiceServices& m_voice;
+    Scheduler& m_scheduler;
+    UserDefaults& m_defaults;
+    VoiceRecorder m_recorder;
+    State m_state = State::Idle;
+    QString m_text;
+    CancelHandle m_cancel;
+    std::unique_ptr<Timer> m_forget;
+};
+
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Foundation/Cancellation.h"
+
+#include <QHash>
+#include <QObject>
+#include <optional>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+class EngineManager;
+class SpeechReader;
+class ThreadView;
+class UserDefaults;
+struct VoiceServices;
+
+/// How far the transcript of a voice note is.
+struct AudioTranscriptionState {
+    enum class Kind { Loading, MissingModel, Failed };
+    Kind kind = Kind::Loading;
+    QString text; ///< in the words of the screen
+};
+
+/// The voice notes of the open thread as text, and its texts as voice.
+class VoiceTranscripts : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString speakingId READ speakingId NOTIFY speakingChanged) ///< the message that is read aloud
+public:
+    /// All of them outlive the object.
+    VoiceTranscripts(VoiceServices& voice, ThreadView& thread, EngineManager& engine, UserDefaults& defaults,
+        QObject* parent = nullptr);
+    ~VoiceTranscripts() override; ///< cancels what runs
+
+    /// Nothing where neither a job runs nor one failed.
+    std::optional<AudioTranscriptionState> state(const QString& messageId) const;
+    QString speakingId() const;
+
+    Q_INVOKABLE void transcribe(const QString& messageId); ///< the note has a file; one that runs is left alone
+    Q_INVOKABLE void cancel(const QString& messageId);
+    Q_INVOKABLE void speak(const QString& messageId); ///< or stops, where it is the one that is read
+
+Q_SIGNALS:
+    void changed(); ///< a state, or a transcript was stored
+    void speakingChanged();
+
+private:
+    struct Job {
+        AudioTranscriptionState state;
+        CancelHandle cancel;
+    };
+
+    QCoro::Task<> run(QString messageId, QString path, CancelHandle cancel);
+    void set(const QString& messageId, AudioTranscriptionState::Kind kind, const QString& text);
+    void forgetFailures();
+
+    VoiceServices& m_voice;
+    ThreadView& m_thread;
+    EngineManager& m_engine;
+    UserDefaults& m_defaults;
+    QHash<QString, Job> m_jobs;
+    QString m_contactId;
+};
+
+}

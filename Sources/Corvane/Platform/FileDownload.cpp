@@ -1,0 +1,178 @@
+#include "Platform/FileDownload.h"
+
+#include "Platform/HttpExchange.h"
+#include "Platform/PrivateFile.h"
+
+#include <QFile>
+#include <QHostAddress>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <qcoro/qcoronetworkreply.h>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+constexpr int stalledAfterMs = 30'000;
+constexpr qint64 keptInMemory = 1 << 20;
+constexpr int rangeNotSatisfiable = 416;
+
+QString partPath(const QString& path)
+{
+    return path + QStringLiteral(".part");
+}
+
+/// Holds the address, and what names the version of the file there.
+QString originPath(const QString& path)
+{
+    return path + QStringLiteral(".origin");
+}
+
+bool isAllowed(const QUrl& url)
+{
+    const bool isHere = url.host() == QLatin1String("localhost") || QHostAddress(url.host()).isLoopback();
+    return !url.host().isEmpty()
+        && (url.scheme() == QLatin1String("https") || (url.scheme() == QLatin1String("http") && isHere));
+}
+
+/// Empty where what has come is of another address.
+QByteArray versionOf(const QString& path, const QUrl& url)
+{
+    QFile file(originPath(path));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    return lines.size() == 2 && lines[0] == url.toEncoded() ? lines[1] : QByteArray();
+}
+
+/// Takes what comes into the part that is there, or into a new one.
+class Incoming {
+public:
+    Incoming(QNetworkReply* reply, const QString& path, const QUrl& url)
+        : m_reply(reply)
+        , m_path(path)
+        , m_url(url)
+        , m_file(partPath(path))
+    {
+    }
+
+    const QString& problem() const { return m_problem; }
+    DownloadProgress progress() const { return { m_received, m_total }; }
+
+    void take()
+    {
+        if (!m_problem.isEmpty() || (!m_file.isOpen() && !begin()))
+            return;
+        const QByteArray bytes = m_reply->readAll();
+        if (m_file.write(bytes) != bytes.size() || !m_file.flush()) {
+            m_problem = QStringLiteral("the file cannot be written (%1)").arg(m_file.errorString());
+            m_reply->abort();
+        }
+        m_received += bytes.size();
+    }
+
+    bool finish()
+    {
+        const bool isWhole = m_file.isOpen() && (m_total == 0 || m_received == m_total);
+        if (!isWhole || ::fsync(m_file.handle()) != 0)
+            return false;
+        m_file.close();
+        QFile::remove(m_path);
+        QFile::remove(originPath(m_path));
+        return QFile::rename(partPath(m_path), m_path);
+    }
+
+private:
+    int status() const { return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
+
+    bool begin()
+    {
+        const qint64 have = m_file.size();
+        const QByteArray range = m_reply->rawHeader("Content-Range");
+        const bool goesOn = status() == 206 && range.startsWith("bytes " + QByteArray::number(have) + '-');
+        if (!goesOn && status() != 200)
+            return false; // an error's page
+        m_received = goesOn ? have : 0;
+        const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+        m_total = length > 0 ? m_received + length : 0;
+        QByteArray version = m_reply->rawHeader("ETag");
+        if (version.isEmpty() || version.startsWith("W/"))
+            version = m_reply->rawHeader("Last-Modified");
+        const bool opened = m_file.open(goesOn ? QIODevice::Append : QIODevice::WriteOnly)
+            && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
+            && writePrivateFile(originPath(m_path), m_url.toEncoded() + '\n' + version, Outlives::Program);
+        if (!opened) {
+            m_problem = QStringLiteral("the file cannot be written (%1)").arg(m_file.errorString());
+            m_reply->abort();
+        }
+        return opened;
+    }
+
+    QNetworkReply* const m_reply;
+    const QString m_path;
+    const QUrl m_url;
+    QFile m_file;
+    qint64 m_received = 0;
+    qint64 m_total = 0;
+    QString m_problem;
+};
+
+}
+
+QCoro::Task<Result<void>> downloadFile(
+    QUrl url, QString path, std::function<void(DownloadProgress)> onProgress, CancelHandle cancel)
+{
+    if (!isAllowed(url))
+        co_return failure(QStringLiteral("the address must begin with https://"));
+    QNetworkAccessManager manager;
+    QNetworkRequest request(url);
+    makePlain(request);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setTransferTimeout(stalledAfterMs);
+    const QByteArray version = versionOf(path, url);
+    const qint64 have = QFile(partPath(path)).size();
+    const bool resumes = have > 0 && !version.isEmpty();
+    if (resumes) {
+        request.setRawHeader("Range", "bytes=" + QByteArray::number(have) + '-');
+        request.setRawHeader("If-Range", version);
+    }
+    const std::unique_ptr<QNetworkReply, QScopedPointerDeleteLater> reply(manager.get(request));
+    reply->setReadBufferSize(keptInMemory);
+    Incoming incoming(reply.get(), path, url);
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&incoming, &onProgress] {
+        incoming.take();
+        if (onProgress)
+            onProgress(incoming.progress());
+    });
+    const auto watch = cancel.onCancel([&reply] { reply->abort(); });
+    co_await reply.get();
+
+    if (cancel.isCancelled())
+        co_return cancelled();
+    if (!incoming.problem().isEmpty())
+        co_return failure(incoming.problem());
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (resumes && status == rangeNotSatisfiable) { // it is another file now
+        forgetDownload(path);
+        co_return co_await downloadFile(url, path, onProgress, cancel);
+    }
+    if (status >= 300)
+        co_return failure(QStringLiteral("the server answered %1").arg(status));
+    if (reply->error() != QNetworkReply::NoError)
+        co_return failure(reply->errorString());
+    incoming.take();
+    if (!incoming.finish())
+        co_return failure(
+            incoming.problem().isEmpty() ? QStringLiteral("the file did not come whole") : incoming.problem());
+    co_return {};
+}
+
+void forgetDownload(const QString& path)
+{
+    QFile::remove(partPath(path));
+    QFile::remove(originPath(path));
+}
+
+}

@@ -1,0 +1,115 @@
+#include "Foundation/UserDefaults.h"
+#include "Settings/VoiceSettings.h"
+#include "Support/Await.h"
+#include "Support/FakeLanguageModel.h"
+#include "Support/LoopbackWeb.h"
+#include "Support/RealVoice.h"
+#include "Support/SpeechModelFile.h"
+#include "Support/TemporaryHome.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+class VoiceSettingsTest : public testing::Test {
+protected:
+    void install()
+    {
+        EXPECT_TRUE(await([&] { return !view.busy(); }));
+    }
+
+    TemporaryHome home;
+    SystemScheduler clock;
+    UserDefaults defaults { home.paths().defaultsFile };
+    FakeMachineFacts machine;
+    RealVoice voice { machine, defaults, clock, home.paths().applicationSupport };
+    VoiceSettings view { voice.services, defaults };
+    LoopbackWeb web;
+    const QByteArray model = speechModelFile();
+};
+
+}
+
+TEST_F(VoiceSettingsTest, aDownloadThatBrokeOffGoesOnAndItsModelIsUsed)
+{
+    EXPECT_EQ(view.models().size(), 1);
+    EXPECT_TRUE(view.address().startsWith("https://"));
+    const qsizetype part = 1'000'000;
+    web.answer("/ggml-tiny.bin",
+        { "HTTP/1.1 200 OK\r\nETag: \"one\"\r\nContent-Length: " + QByteArray::number(model.size()) + "\r\n\r\n"
+            + model.left(part) });
+    view.setAddress(web.base() + "/ggml-tiny.bin");
+    view.download();
+    EXPECT_TRUE(view.busy());
+    EXPECT_EQ(voice.services.speech.loadState().kind, SpeechModelLoadState::Kind::Downloading);
+    install();
+    EXPECT_TRUE(view.installText().startsWith("Preparing Whisper Tiny failed: ")) << qPrintable(view.installText());
+    EXPECT_TRUE(view.installText().endsWith(". Check the network and try again."));
+
+    const QByteArray range = "bytes " + QByteArray::number(part) + '-' + QByteArray::number(model.size() - 1) + '/'
+        + QByteArray::number(model.size());
+    web.answer("/ggml-tiny.bin", LoopbackWeb::status(206, model.mid(part), { "Content-Range: " + range }));
+    view.download();
+    install();
+    EXPECT_EQ(web.requests().last().headers["range"], "bytes=1000000-");
+    EXPECT_EQ(web.requests().last().headers["if-range"], "\"one\"");
+    ASSERT_FALSE(view.installFailed()) << qPrintable(view.installText());
+    const SpeechModelLine line = view.models().first();
+    EXPECT_EQ(line.name, "Whisper Tiny");
+    EXPECT_TRUE(line.preferred && line.removable);
+    EXPECT_EQ(line.detail, "8 MB · 99 languages · ggml-tiny.bin");
+
+    view.setLocale("de");
+    EXPECT_EQ(view.localeText(), "German");
+    EXPECT_EQ(view.localeHint(), "");
+    view.prefer(view.models().last().id);
+    EXPECT_EQ(view.localeHint(), "The chosen recogniser does not understand German.");
+    view.remove(line.id);
+    EXPECT_EQ(view.models().size(), 1);
+    EXPECT_FALSE(QFile::exists(voice.services.store.modelsRoot() + "/ggml-tiny.bin"));
+}
+
+TEST_F(VoiceSettingsTest, whatIsNoModelIsRefusedAndAnotherMachineWithoutHttpsToo)
+{
+    struct Case {
+        QString address;
+        QString words;
+    };
+    web.answer("/page.bin", LoopbackWeb::status(200, "<html>sign in</html>"));
+    web.answer("/gone.bin", LoopbackWeb::status(404, "gone"));
+    const QList<Case> cases {
+        { web.base() + "/page.bin", "This is not a speech model: a ggml file of whisper.cpp is needed." },
+        { web.base() + "/gone.bin",
+            "Preparing gone.bin failed: the server answered 404. Check the network and try again." },
+        { "http://models.example/a.bin",
+            "Preparing a.bin failed: the address must begin with https://. Check the network and try again." },
+        { "https://models.example/", "The address must name a model's file, such as .../ggml-base.bin." },
+    };
+    for (const Case& each : cases) {
+        view.setAddress(each.address);
+        view.download();
+        install();
+        EXPECT_EQ(view.installText(), each.words);
+    }
+    EXPECT_EQ(view.models().size(), 1);
+}
+
+TEST_F(VoiceSettingsTest, aFileOfThisMachineIsCopiedAndACancelledCopyLeavesNothing)
+{
+    home.write("ggml-base.bin", model);
+    const QUrl file = QUrl::fromLocalFile(home.path("ggml-base.bin"));
+    view.addFiles({ file });
+    view.cancel();
+    EXPECT_FALSE(view.busy());
+    view.addFiles({ file });
+    install();
+    ASSERT_EQ(view.models().size(), 2);
+    EXPECT_EQ(view.models().first().name, "Whisper Base");
+    EXPECT_TRUE(view.models().first().checksum.startsWith("SHA-256 "));
+    EXPECT_EQ(QDir(voice.services.store.modelsRoot()).entryList(QDir::Files).size(), 2) << "the model and the list";
+    EXPECT_TRUE(QFile::exists(file.toLocalFile()));
+}
