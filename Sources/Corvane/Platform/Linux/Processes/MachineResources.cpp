@@ -24,11 +24,17 @@ namespace {
 constexpr size_t longestStat = 2048;
 constexpr size_t longestCommandLine = 4096; // what a row can show, and where the program's name stands
 
-/// The start of a file below the folder, in one read.
-template <size_t size> QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer)
+constexpr quint64 kernelThread = 0x00200000; // PF_KTHREAD
+
+/// The start of a file below the folder, in one read, and whose file it is.
+template <size_t size>
+QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer, uid_t* owner = nullptr)
 {
     const Descriptor file(::openat(folder, path.constData(), O_RDONLY | O_CLOEXEC));
     const ssize_t count = file.isOpen() ? ::read(file.number(), buffer.data(), size) : -1;
+    struct stat status {};
+    if (owner && count > 0 && ::fstat(file.number(), &status) == 0)
+        *owner = status.st_uid;
     return { buffer.data(), std::max<ssize_t>(count, 0) };
 }
 
@@ -98,17 +104,17 @@ Own ownPlace(int folder, const QString& root)
 
 std::optional<RunningProcess> processIn(int folder, const char* name, const Own& own, quint64 pageSize)
 {
-    std::array<char, longestStat> statText {};
-    std::array<char, longestCommandLine> commandLine {};
+    std::array<char, longestStat> statText;
+    std::array<char, longestCommandLine> commandLine;
     const QByteArray place(name);
-    struct stat owner {};
-    const auto stat = statIn(startOf(folder, place + "/stat", statText));
-    if (!stat || ::fstatat(folder, name, &owner, 0) != 0)
-        return std::nullopt; // it has ended meanwhile
+    uid_t owner = 0;
+    const auto stat = statIn(startOf(folder, place + "/stat", statText, &owner));
+    if (!stat || (stat->fields.value(6).toULongLong() & kernelThread) != 0)
+        return std::nullopt; // or it has ended meanwhile
     const QString arguments = oneLine(startOf(folder, place + "/cmdline", commandLine));
     const qint64 pages = stat->number(24);
     if (pages == 0 && arguments.isEmpty())
-        return std::nullopt; // a thread of the kernel, or a process that has ended
+        return std::nullopt; // it has ended, and nobody took notice yet
     RunningProcess process;
     process.pid = place.toLongLong();
     process.startTime = stat->startTime();
@@ -116,7 +122,7 @@ std::optional<RunningProcess> processIn(int folder, const char* name, const Own&
     process.residentBytes = pages * qint64(pageSize);
     process.command = programName(stat->name, arguments);
     process.arguments = arguments;
-    process.isOfThisUser = owner.st_uid == own.user;
+    process.isOfThisUser = owner == own.user;
     process.hasOwnTerminal = stat->number(7) != 0 && stat->number(7) != own.terminal;
     process.leadsSession = own.leaders.contains(process.pid);
     return process;
