@@ -112,4 +112,12 @@ TEST_F(VoiceSettingsTest, aFileOfThisMachineIsCopiedAndACancelledCopyLeavesNothi
     EXPECT_TRUE(view.models().first().checksum.startsWith("SHA-256 "));
     EXPECT_EQ(QDir(voice.services.store.modelsRoot()).entryList(QDir::Files).size(), 2) << "the model and the list";
     EXPECT_TRUE(QFile::exists(file.toLocalFile()));
+
+    // The program was killed before the list knew of the model.
+    const QString root = voice.services.store.modelsRoot();
+    EXPECT_TRUE(QFile::remove(root + "/models.json"));
+    RealVoice next(machine, defaults, clock, home.paths().applicationSupport);
+    EXPECT_TRUE(await([&] { return !next.services.installer.isBusy(); }));
+    ASSERT_EQ(next.services.store.installed().size(), 1);
+    EXPECT_EQ(next.services.store.installed().first().spec.displayName, "Whisper Base");
 }

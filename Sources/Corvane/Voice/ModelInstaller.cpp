@@ -5,9 +5,11 @@
 #include "Voice/ModelFile.h"
 #include "Voice/SpeechModelStore.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <algorithm>
 #include <unistd.h>
 
 namespace corvane {
@@ -16,6 +18,7 @@ namespace {
 
 constexpr Milliseconds tick { 200 };
 constexpr qint64 copiedAtOnce = 1 << 20;
+const QString uncheckedSuffix = QStringLiteral(".unchecked");
 
 QString inRoot(const SpeechModelStore& store, const QString& fileName)
 {
@@ -25,7 +28,7 @@ QString inRoot(const SpeechModelStore& store, const QString& fileName)
 /// Where a model stands until it has been checked.
 QString uncheckedPath(const SpeechModelStore& store, const QString& fileName)
 {
-    return inRoot(store, fileName) + QStringLiteral(".unchecked");
+    return inRoot(store, fileName) + uncheckedSuffix;
 }
 
 Result<void> copyFile(const QString& from, const QString& to, std::atomic<qint64>& done, const std::atomic_bool& stop)
@@ -61,12 +64,30 @@ ModelInstaller::ModelInstaller(SpeechModelStore& store, Scheduler& scheduler, QO
     , m_store(store)
     , m_scheduler(scheduler)
 {
+    takeUpLeftover();
 }
 
 ModelInstaller::~ModelInstaller()
 {
     cancel();
     m_background.reset();
+}
+
+void ModelInstaller::takeUpLeftover()
+{
+    QDir root(m_store.modelsRoot());
+    for (const QString& fileName : root.entryList({ QStringLiteral("*.bin") }, QDir::Files)) {
+        const bool isKnown = std::ranges::any_of(
+            m_store.installed(), [&](const auto& model) { return model.spec.variant == fileName; });
+        if (!isKnown)
+            root.rename(fileName, fileName + uncheckedSuffix);
+    }
+    const QStringList left = root.entryList({ QLatin1Char('*') + uncheckedSuffix }, QDir::Files);
+    if (left.isEmpty())
+        return;
+    const QString fileName = left.first().chopped(uncheckedSuffix.size());
+    begin(Step::Checking, modelName(fileName));
+    check(fileName, {});
 }
 
 void ModelInstaller::download(const QUrl& url)

@@ -21,7 +21,8 @@ class ModelInstaller : public QObject {
 public:
     enum class Step { Idle, Downloading, Copying, Checking, Failed };
 
-    /// Both outlive the installer.
+    /// Both outlive the installer. A model that an earlier run of the program brought and did not live to enter into
+    /// the store is checked now.
     ModelInstaller(SpeechModelStore& store, Scheduler& scheduler, QObject* parent = nullptr);
     ~ModelInstaller() override; ///< ends what runs; a download can be taken up again
 
@@ -47,6 +48,7 @@ private:
     struct Work; ///< shared with the thread that does it
 
     QCoro::Task<> bring(QUrl url, QString fileName);
+    void takeUpLeftover();
     void check(const QString& fileName, const QString& source);
     void begin(Step step, const QString& name);
     void fail(const QString& words);

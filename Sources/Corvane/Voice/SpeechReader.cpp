@@ -59,17 +59,19 @@ QCoro::Task<> SpeechReader::read(QString text, QString language)
     }
     const QString voice = language.isEmpty() ? QLocale::system().name().section(QLatin1Char('_'), 0, 0) : language;
     const QString path = m_folder.filePath(QStringLiteral("speech.wav"));
-    const QStringList arguments { QStringLiteral("--stdin"), QStringLiteral("-v"),
-        voice == QLatin1String("C") ? QStringLiteral("en") : voice, QStringLiteral("-w"), path };
-    const auto result = co_await m_tools.run(program, arguments, text.toUtf8(), cancel);
-    if (!self || cancel.isCancelled())
-        co_return;
-    if (!result || !result->isSuccess()) {
-        end(QStringLiteral("The text could not be read aloud."));
-        co_return;
+    for (const QString& each : { voice, QStringLiteral("en") }) { // where the first is none of its voices
+        const QStringList arguments { QStringLiteral("--stdin"), QStringLiteral("-v"), each, QStringLiteral("-w"),
+            path };
+        const auto result = co_await m_tools.run(program, arguments, text.toUtf8(), cancel);
+        if (!self || cancel.isCancelled())
+            co_return;
+        if (result && result->isSuccess()) {
+            m_playing = true;
+            m_player.play(path);
+            co_return;
+        }
     }
-    m_playing = true;
-    m_player.play(path);
+    end(QStringLiteral("The text could not be read aloud."));
 }
 
 void SpeechReader::stop()

@@ -117,7 +117,7 @@ void VoiceTranscripts::speak(const QString& messageId)
     if (speakingId() == messageId)
         m_voice.reader.stop();
     else
-        m_voice.reader.speak(messageId, m_thread.readableText(messageId));
+        m_voice.reader.speak(messageId, m_thread.readableText(messageId), modelLanguage(dictationLocale(m_defaults)));
 }
 
 void VoiceTranscripts::set(const QString& messageId, Kind kind, const QString& text)
