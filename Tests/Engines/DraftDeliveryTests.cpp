@@ -160,6 +160,7 @@ TEST_F(DraftDeliveryTest, aSubjectAndFilesGoOutAsTheyWereApprovedAndTheFilesEndW
     EXPECT_EQ(engine().commands().size(), 2);
     report({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, id }, { u"status"_s, u"sent"_s } });
     EXPECT_FALSE(QFile::exists(file.path));
+    EXPECT_EQ(world.delivery.approve(id, draftHash(*fetchDraft(world.engines.db(), id))), Decided::AlreadySo);
 }
 
 TEST_F(DraftDeliveryTest, aFileThatIsNotAsItWasSeenDoesNotGoOut)

@@ -103,7 +103,7 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
 Decided DraftDelivery::approve(const QString& draftId, const QString& seenHash)
 {
     const auto draft = fetchDraft(m_db, draftId);
-    const auto files = filesFromText(draft ? draft->files : QString());
+    const auto files = draft && waitsForPerson(*draft) ? filesFromText(draft->files) : std::nullopt;
     if (files) {
         const QList<OutgoingFile> now = m_engines.outbox().asTheyLie(*files);
         if (now != *files)
