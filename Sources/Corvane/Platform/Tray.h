@@ -22,6 +22,7 @@ public:
     virtual bool isShown() const = 0;
     virtual void setUnread(int count) = 0;
     virtual void setWaiting(int count) = 0; ///< for a decision: while it is above 0 the icon asks for attention
+    virtual void setRecording(bool recording) = 0; ///< a red dot, before any other mark
     virtual void setMenu(const QList<Item>& items) = 0;
 
 Q_SIGNALS:

@@ -19,6 +19,8 @@ TrayPixmap trayPixmap(const QImage& drawn)
 
 TrayMark StatusNotifierItem::mark() const
 {
+    if (m_recording)
+        return TrayMark::Recording;
     return m_waiting > 0 ? TrayMark::Waiting : m_unread > 0 ? TrayMark::Unread : TrayMark::None;
 }
 
@@ -39,6 +41,15 @@ void StatusNotifierItem::show(int unread, int waiting)
     Q_EMIT NewToolTip();
 }
 
+void StatusNotifierItem::setRecording(bool recording)
+{
+    if (std::exchange(m_recording, recording) == recording)
+        return;
+    Q_EMIT NewIcon();
+    Q_EMIT NewAttentionIcon();
+    Q_EMIT NewToolTip();
+}
+
 QString StatusNotifierItem::status() const
 {
     return m_waiting > 0 ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
@@ -55,6 +66,8 @@ TrayPixmaps StatusNotifierItem::icon() const
 TrayToolTip StatusNotifierItem::toolTip() const
 {
     QStringList words;
+    if (m_recording)
+        words.append(QStringLiteral("Recording a call"));
     if (m_waiting > 0)
         words.append(QStringLiteral("%1 waiting for your approval").arg(m_waiting));
     if (m_unread > 0)

@@ -32,6 +32,7 @@ class StatusNotifierItem final : public QObject {
 public:
     void setUnread(int count) { show(count, m_waiting); }
     void setWaiting(int count) { show(m_unread, count); }
+    void setRecording(bool recording);
 
     QString category() const { return QStringLiteral("Communications"); }
     QString id() const { return applicationId; }
@@ -70,6 +71,7 @@ private:
 
     int m_unread = 0;
     int m_waiting = 0;
+    bool m_recording = false;
 };
 
 }

@@ -18,6 +18,7 @@ public:
     bool isShown() const override { return m_shown; }
     void setUnread(int count) override { m_item.setUnread(count); }
     void setWaiting(int count) override { m_item.setWaiting(count); }
+    void setRecording(bool recording) override { m_item.setRecording(recording); }
     void setMenu(const QList<Item>& items) override { m_menu.setItems(items); }
 
 private Q_SLOTS:

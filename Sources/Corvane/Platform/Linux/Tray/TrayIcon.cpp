@@ -45,6 +45,12 @@ QImage trayIcon(int size, TrayMark mark)
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         painter.setBrush(mark == TrayMark::Waiting ? waitingDot : unreadDot);
         painter.drawEllipse(QPointF(51, 13), 11, 11);
+        if (mark == TrayMark::Recording) {
+            painter.setBrush(Qt::white);
+            painter.drawEllipse(QPointF(51, 13), 8, 8);
+            painter.setBrush(unreadDot);
+            painter.drawEllipse(QPointF(51, 13), 5, 5);
+        }
     }
     return image;
 }
