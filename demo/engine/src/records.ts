@@ -4,8 +4,9 @@
 
 import { existsSync } from "node:fs";
 import { homedir } from "node:os";
-import { join } from "node:path";
+import { dirname, join } from "node:path";
 import type { DatabaseSync } from "node:sqlite";
+import { writeCall, type RecordedCall } from "./calls.ts";
 import { day, minute } from "./clock.ts";
 import { contentOf } from "./content.ts";
 import { readScript } from "./script.ts";
@@ -19,7 +20,7 @@ export interface Person {
   deals: { name: string; company: string; stage: string; value: string; days: number }[];
   notes: { body: string; days: number }[];
   tasks: { title: string; due: string; priority: string }[];
-  calls: { title: string; status: string; days: number; minutes: number }[];
+  calls: RecordedCall[];
 }
 
 const patience = minute;
@@ -43,7 +44,7 @@ export function writeRecords(since: number, done: () => void): void {
       const attempt = (): void => {
         try {
           if (expected.every((id) => holdsMessage(database, id))) {
-            write(database, people, since);
+            write(database, people, since, join(dirname(path), "media", "calls"));
             done();
           } else if (performance.now() < until) {
             setTimeout(attempt, period);
@@ -75,7 +76,7 @@ function holdsMessage(database: DatabaseSync, id: string): boolean {
 }
 
 /** All or nothing; a second time changes nothing. */
-function write(database: DatabaseSync, people: Person[], since: number): void {
+function write(database: DatabaseSync, people: Person[], since: number, callFolder: string): void {
   const workspace = String(
     database.prepare("SELECT workspace_id FROM contact WHERE id=?;").get(people[0].contact)?.workspace_id ?? "local",
   );
@@ -105,18 +106,7 @@ function write(database: DatabaseSync, people: Person[], since: number): void {
       insert("contact_note", { id: `note:${ago(days)}:${contact}`, ...own, body, ts: ago(days), updated_at: ago(days) });
     for (const task of tasks)
       insert("crm_task", { id: `tk:${since}:${number++}`, ...own, ...task, status: "To do", updated_at: since - number });
-    for (const { days, minutes, title, status } of calls)
-      insert("call_recording", {
-        id: `demo-call-${number++}`,
-        ...own,
-        title,
-        started_at: ago(days),
-        ended_at: ago(days) + minutes * minute,
-        duration_ms: minutes * minute,
-        processing_status: status,
-        created_at: ago(days),
-        updated_at: ago(days),
-      });
+    for (const call of calls) writeCall(callFolder, `call-demo-${number++}`, call, ago(call.days), own, insert);
   }
   database.exec("COMMIT;");
 }
