@@ -2,6 +2,8 @@
 
 // The machine that the pictures of tools/gallery show: real where it moves the program, and the same each time.
 
+#include "gallery-sound.h"
+
 #include "Foundation/Arrival.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
@@ -15,6 +17,7 @@
 #include "Platform/NotificationService.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
+#include "Platform/SleepInhibitor.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/ToolRunner.h"
@@ -146,7 +149,7 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     auto own = std::make_unique<PictureDesktop>();
     desktop = own.get();
     machine.desktop = std::move(own);
-    machine.microphone = makeMicrophone(scheduler);
+    machine.microphone = std::make_unique<PictureMicrophone>(makeMicrophone(scheduler));
     machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
     machine.tools = makeToolRunner();
     auto ownModel = std::make_unique<PictureModel>();
@@ -158,6 +161,12 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
+    machine.callAudio = std::make_unique<PictureCallAudio>();
+    machine.sleep = makeSleepInhibitor();
+    for (size_t track = 0; track < machine.callPlayers.size(); ++track) {
+        machine.callDecoders[track] = makeMediaDecoder(scheduler);
+        machine.callPlayers[track] = makeAudioPlayer(scheduler, *machine.callDecoders[track]);
+    }
     return machine;
 }
 

@@ -3,10 +3,12 @@
 // still, so that each run draws the same.
 
 #include "gallery-approvals.h"
+#include "gallery-calls.h"
 #include "gallery-connect.h"
 #include "gallery-machine.h"
 #include "gallery-terminal.h"
 #include "gallery-voice.h"
+#include "gallery-window.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/AccountStore.h"
@@ -69,6 +71,10 @@ public:
         drawTerminals(
             m_screens, [this](Milliseconds pause) { wait(pause); },
             [this](const QString& name) { save(name, { Look::Light, Look::Dark }); });
+        drawCalls(
+            m_screens, m_app.engine().db(), [this](Milliseconds pause) { wait(pause); },
+            [this](const QString& name) { save(name, { Look::Light, Look::Dark, Look::LightSmall }); },
+            [this](const QString& name) { savePanel(name, { Look::Light, Look::Dark }); });
         wallScreens();
         m_app.willTerminate();
     }
@@ -130,17 +136,6 @@ private:
     }
 
     QQuickItem* item(const QString& name) const { return itemUnder(m_window.window()->contentItem(), name); }
-
-    static QQuickItem* itemUnder(QQuickItem* parent, const QString& name)
-    {
-        if (parent->objectName() == name)
-            return parent;
-        for (QQuickItem* child : parent->childItems()) {
-            if (QQuickItem* found = itemUnder(child, name))
-                return found;
-        }
-        return nullptr;
-    }
 
     QString contactNamed(const QString& name)
     {

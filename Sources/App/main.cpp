@@ -4,6 +4,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/ApplicationId.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/CallAudio.h"
 #include "Platform/Desktop.h"
 #include "Platform/GlobalShortcuts.h"
 #include "Platform/Keyring.h"
@@ -17,6 +18,7 @@
 #include "Platform/PrivateFile.h"
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
+#include "Platform/SleepInhibitor.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
 #include "Platform/TerminationSignals.h"
@@ -75,6 +77,12 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
+    machine.callAudio = makeCallAudio(scheduler);
+    machine.sleep = makeSleepInhibitor();
+    for (size_t track = 0; track < machine.callPlayers.size(); ++track) {
+        machine.callDecoders[track] = makeMediaDecoder(scheduler);
+        machine.callPlayers[track] = makeAudioPlayer(scheduler, *machine.callDecoders[track]);
+    }
     if (mode == Mode::Window) {
         machine.tray = makeTray();
         machine.shortcuts = makeGlobalShortcuts();

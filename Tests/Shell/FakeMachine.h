@@ -7,6 +7,7 @@
 #include "Platform/SpeechRecogniser.h"
 #include "Shell/CorvaneApp.h"
 #include "Support/FakeAudioPlayer.h"
+#include "Support/FakeCallAudio.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
 #include "Support/FakeLanguageModel.h"
@@ -36,6 +37,10 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.reader = std::make_unique<FakeAudioPlayer>();
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
+    machine.callAudio = std::make_unique<FakeCallAudio>();
+    machine.sleep = std::make_unique<FakeSleepInhibitor>();
+    for (auto& player : machine.callPlayers)
+        player = std::make_unique<FakeAudioPlayer>();
     machine.facts = std::make_unique<FakeMachineFacts>();
     return machine;
 }

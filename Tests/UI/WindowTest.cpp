@@ -57,7 +57,7 @@ WindowTest::WindowTest(AIServices* assistant)
     : services(assistant ? *assistant : lumo)
 {
     desktop.setAppearance(ColourScheme::Light, true);
-    approvals.attach(delivery, calls);
+    approvals.attach(delivery, recordedCalls);
     EXPECT_TRUE(window.window()) << qPrintable(Warnings::seen().join(u'\n'));
     window.window()->resize(1320, 820); // the screen in memory is small
     window.show();

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calls/RecordedCalls.h"
+#include "Calls/CallServices.h"
 #include "Engines/AccountStore.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Services.h"
 #include "Shell/Screens.h"
 #include "Support/EngineWorld.h"
+#include "Support/FakeCallAudio.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
 #include "Support/RealDecoder.h"
@@ -75,13 +76,23 @@ protected:
     AIServices& services;
     TranslationService translations { lumo.machine };
     RealVoice voice { lumo.machine, defaults, clock, home.paths().applicationSupport };
-    RecordedCalls calls { engines.db() };
+    RecordedCalls recordedCalls { engines.db() };
+    FakeCallAudio callAudio;
+    FakeSleepInhibitor sleep;
+    FakeAudioPlayer callMicrophone;
+    FakeAudioPlayer callSystem;
+    TranscriptionOutcome callTranscript = std::unexpected(SpeechTranscriberError::unavailable(u"no recogniser"_s));
+    CallServices calls { recordedCalls, services.ai,
+        [this](TranscriptionRequest) -> QCoro::Task<TranscriptionOutcome> { co_return callTranscript; },
+        CallServices::Machine { microphone, callAudio, sleep, lumo.machine, callMicrophone, callSystem }, defaults,
+        clock, home.paths() };
     ApprovalsStore approvals { centre, notifier, clock };
     SystemScheduler realClock;
     const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
     StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, *realChildren } };
+        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, calls,
+        *realChildren } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;

@@ -37,6 +37,7 @@ public:
     void process(const CallJob& job);
     void summarizeAgain(const QString& callId); ///< from the transcript that is there
 
+    CallSummarizer& summarizer() { return m_summarizer; }
     bool isProcessing(const QString& callId) const { return m_running.contains(callId); }
     CallPhase::Kind phase(const QString& callId) const { return m_running.value(callId).phase; }
     double progress(const QString& callId) const { return m_running.value(callId).progress; } ///< of the transcript

@@ -91,6 +91,11 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
     connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.session, &SessionStore::changed, this, &CorvaneMenuBarView::refresh);
+    // It is asked in the main window.
+    connect(m_at.calls.recording(), &RecordingView::consentAsked, this, [this] {
+        if (m_visible)
+            Q_EMIT windowRequested();
+    });
     for (const StoreSubject subject : { StoreSubject::Messages, StoreSubject::Work, StoreSubject::Calendar })
         m_at.engine.db().watch().on(subject, this, [this] { refresh(); });
 }
@@ -100,6 +105,7 @@ QList<MenuTab> CorvaneMenuBarView::shownTabs() const
     QList<MenuTab> tabs { MenuTab::Now, MenuTab::Approvals };
     if (m_resources.hasMonitor())
         tabs.append(MenuTab::Ram);
+    tabs.append(MenuTab::Calls);
     return tabs;
 }
 
@@ -162,6 +168,8 @@ void CorvaneMenuBarView::refresh()
         return;
     if (m_tab == MenuTab::Now)
         readDay();
+    if (m_tab == MenuTab::Calls)
+        m_at.calls.refresh();
     Q_EMIT changed();
 }
 
@@ -226,6 +234,13 @@ void CorvaneMenuBarView::draftReply(int row)
 {
     if (row >= 0 && row < m_glanceRows.size())
         m_replies.draft(InboxGlanceRow(m_glanceRows[row]));
+}
+
+void CorvaneMenuBarView::openCall(const QString& id)
+{
+    m_at.calls.select(id);
+    m_at.calls.show();
+    Q_EMIT windowRequested();
 }
 
 void CorvaneMenuBarView::reviewAll()

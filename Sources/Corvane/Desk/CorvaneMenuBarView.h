@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
+#include "Calls/CallsView.h"
 #include "Desk/ReplyDrafts.h"
 #include "Desk/ResourcesView.h"
 #include "Presentation/Choice.h"
@@ -62,9 +63,9 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
     Q_PROPERTY(corvane::ApprovalsView* approvals READ approvals CONSTANT)
     Q_PROPERTY(corvane::ResourcesView* resources READ resources CONSTANT)
+    Q_PROPERTY(corvane::CallsView* calls READ calls CONSTANT)
 public:
-    /// In the order of the tabs. A tab comes with what it shows: so far the first three, and
-    /// "RAM" only with a monitor.
+    /// In the order of the tabs. A tab comes with what it shows: "Calendar" later, and "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
 
     /// What the panel stands on; all of it outlives the panel.
@@ -75,6 +76,7 @@ public:
         NotificationCentre& notifications;
         Scheduler& scheduler;
         ApprovalsView& approvals;
+        CallsView& calls;
         AIServices& ai;
         QuickCapture* capture = nullptr; ///< none: nothing of it is shown
     };
@@ -95,6 +97,7 @@ public:
     QString noticeText() const;
     ApprovalsView* approvals() { return &m_at.approvals; }
     ResourcesView* resources() { return &m_resources; }
+    CallsView* calls() { return &m_at.calls; }
 
     /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
     void setVisible(bool visible);
@@ -102,6 +105,7 @@ public:
     Q_INVOKABLE void run(const QString& action); ///< of a line of `today`, or "window", "settings" or "signIn"
     Q_INVOKABLE void openConversation(const QString& contactId); ///< nothing for a row without a contact
     Q_INVOKABLE void draftReply(int row); ///< of `glance`
+    Q_INVOKABLE void openCall(const QString& id); ///< in the main window
     Q_INVOKABLE void reviewAll(); ///< the approvals in the main window
 
 Q_SIGNALS:

@@ -51,8 +51,8 @@ QList<Choice> IntegrationsView::sections() const
     return { { QStringLiteral("accounts"), QStringLiteral("Accounts") },
         { QStringLiteral("approvals"), QStringLiteral("Approvals") },
         { QStringLiteral("assistant"), QStringLiteral("Assistant") },
-        { QStringLiteral("voice"), QStringLiteral("Voice") }, { QStringLiteral("sync"), QStringLiteral("Sync") },
-        { QStringLiteral("system"), QStringLiteral("System") } };
+        { QStringLiteral("voice"), QStringLiteral("Voice") }, { QStringLiteral("calls"), QStringLiteral("Calls") },
+        { QStringLiteral("sync"), QStringLiteral("Sync") }, { QStringLiteral("system"), QStringLiteral("System") } };
 }
 
 QString IntegrationsView::sectionLabel() const

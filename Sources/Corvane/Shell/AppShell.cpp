@@ -76,6 +76,16 @@ void AppShell::openApprovals()
     show(m_hub, Cover::Approvals);
 }
 
+void AppShell::toggleCalls()
+{
+    show(m_hub, calls() ? Cover::None : Cover::Calls);
+}
+
+void AppShell::openCalls()
+{
+    show(m_hub, Cover::Calls);
+}
+
 void AppShell::uncover()
 {
     show(m_hub, Cover::None);

@@ -9,7 +9,8 @@ namespace corvane {
 
 class UserDefaults;
 
-/// Where the user is: one of the hubs, or what covers the hub and leaves it chosen: the settings, the approvals.
+/// Where the user is: one of the hubs, or what covers the hub and leaves it chosen: the settings, the approvals,
+/// the calls.
 class AppShell : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString selectedNav READ selectedNav NOTIFY navigationChanged)
@@ -17,6 +18,7 @@ class AppShell : public QObject {
     Q_PROPERTY(QObject* screen READ screen NOTIFY navigationChanged) ///< what that page shows
     Q_PROPERTY(bool settings READ settings NOTIFY navigationChanged)
     Q_PROPERTY(bool approvals READ approvals NOTIFY navigationChanged)
+    Q_PROPERTY(bool calls READ calls NOTIFY navigationChanged)
     Q_PROPERTY(corvane::TopHubBar* hubs READ hubs CONSTANT)
 public:
     /// Both references outlive the shell.
@@ -32,6 +34,7 @@ public:
     QObject* screen() const { return m_screens.value(m_hub); }
     bool settings() const { return m_cover == Cover::Settings; }
     bool approvals() const { return m_cover == Cover::Approvals; }
+    bool calls() const { return m_cover == Cover::Calls; }
     TopHubBar* hubs() { return &m_hubs; }
 
     Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word changes nothing
@@ -39,15 +42,18 @@ public:
     Q_INVOKABLE void openSettings(); ///< the profile menu; the hub stays
     Q_INVOKABLE void toggleApprovals();
     Q_INVOKABLE void openApprovals();
+    Q_INVOKABLE void toggleCalls();
+    Q_INVOKABLE void openCalls();
     Q_INVOKABLE void closeSettings() { uncover(); }
     Q_INVOKABLE void closeApprovals() { uncover(); }
+    Q_INVOKABLE void closeCalls() { uncover(); }
 
 Q_SIGNALS:
     void navigationChanged();
     void quitRequested();
 
 private:
-    enum class Cover { None, Settings, Approvals };
+    enum class Cover { None, Settings, Approvals, Calls };
 
     void uncover(); ///< back to the hub
     void show(int hub, Cover cover);

@@ -5,7 +5,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
-#include "Calls/RecordedCalls.h"
+#include "Calls/CallServices.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/AccountStore.h"
@@ -45,6 +45,8 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
+
+const QString stopRecordingId = QStringLiteral("stopRecording");
 
 bool isPaused(const Account& account)
 {
@@ -88,6 +90,11 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
+    m_calls = std::make_unique<CallServices>(
+        *m_recordedCalls, m_ai->ai, [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); },
+        CallServices::Machine { *m_machine.microphone, *m_machine.callAudio, *m_machine.sleep, *m_machine.facts,
+            *m_machine.callPlayers[0], *m_machine.callPlayers[1] },
+        m_defaults, m_scheduler, m_paths);
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
@@ -96,9 +103,21 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         StoreRecovery::Surroundings { *m_engine, *m_store, m_background, m_scheduler, m_paths });
     setUpTray();
     watchStore();
+    watchCalls();
 }
 
 CorvaneApp::~CorvaneApp() = default;
+
+/// Calls wait for mains power unless the person wants them to go on without.
+QCoro::Task<TranscriptionOutcome> CorvaneApp::transcribeCall(TranscriptionRequest request)
+{
+    const bool waits = m_ai->gate.snapshot(true, true).stopCondition == LocalAIStopCondition::OnBattery;
+    if (!waits || !m_calls->settings.alsoOnBattery())
+        return m_voice->speech.transcribe(std::move(request));
+    if (!request.model)
+        request.model = m_voice->speech.preferredModel();
+    return m_voice->transcription.transcribe(std::move(request));
+}
 
 void CorvaneApp::onAppear()
 {
@@ -117,6 +136,9 @@ void CorvaneApp::onAppear()
     m_engine->refreshUnreadBadge();
     m_approvals->attach(*m_delivery, *m_recordedCalls);
     m_capture->registerHotKey();
+    m_recordedCalls->refresh();
+    deleteOldSound(m_calls->recorder);
+    m_callHousekeeping = m_scheduler.every(std::chrono::hours(24), [this] { deleteOldSound(m_calls->recorder); });
     for (const Account& account : m_store->accounts()) {
         if (account.channel() == Channel::WhatsApp && account.autoStart && !isPaused(account))
             m_engine->start(account);
@@ -154,6 +176,7 @@ void CorvaneApp::open(const QStringList& arguments)
 
 void CorvaneApp::willTerminate()
 {
+    m_calls->recorder.stopForQuit();
     m_engine->stopAll();
 }
 
@@ -167,6 +190,7 @@ void CorvaneApp::quit()
     m_quitLimit = m_scheduler.after(quitLimit, end);
     Q_EMIT quitting();
     connect(m_engine.get(), &EngineManager::allEnded, this, end);
+    m_calls->recorder.stopForQuit();
     m_engine->stopAll();
 }
 
@@ -215,6 +239,8 @@ void CorvaneApp::setUpTray()
             Q_EMIT panelRequested(at);
     });
     connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
+        if (item == stopRecordingId)
+            return m_calls->recorder.stop();
         // What is wrong stands in the menu only to be read: a press on it opens the window.
         const auto found = std::ranges::find(m_trayCommands, item, &Command::id);
         (found == m_trayCommands.end() ? m_trayCommands.first() : *found).run();
@@ -240,10 +266,32 @@ void CorvaneApp::updateTrayMenu()
     for (const Command& command : std::as_const(m_trayCommands))
         items.append({ command.id, command.label });
     items.insert(items.size() - 1, Tray::Item());
+    if (m_calls && m_calls->recorder.isRecording())
+        items = QList<Tray::Item> {
+            { stopRecordingId, QStringLiteral("Stop recording (%1 min)").arg(int(m_calls->recorder.elapsed()) / 60) },
+            {}
+        } + items;
     if (const QString trouble = storeTrouble(); !trouble.isEmpty())
         items = QList<Tray::Item> { { QStringLiteral("trouble"), trouble.section(QStringLiteral(". "), 0, 0) }, {} }
             + items;
     m_machine.tray->setMenu(items);
+}
+
+/// The red dot at the tray, and the way to end the recording.
+void CorvaneApp::watchCalls()
+{
+    const auto show = [this] {
+        if (!m_machine.tray)
+            return;
+        const CallRecorder& recorder = m_calls->recorder;
+        const int minutes = recorder.isRecording() ? int(recorder.elapsed()) / 60 : -1;
+        if (std::exchange(m_toldMinutes, minutes) == minutes)
+            return;
+        m_machine.tray->setRecording(recorder.isRecording());
+        updateTrayMenu();
+    };
+    connect(&m_calls->recorder, &CallRecorder::changed, this, show);
+    connect(&m_calls->recorder, &CallRecorder::ticked, this, show);
 }
 
 void CorvaneApp::watchStore()

@@ -8,12 +8,15 @@
 #include "Platform/Keychain.h"
 #include "Presentation/Commands.h"
 #include "Shell/AppData.h"
+#include "Voice/SpeechTranscript.h"
 
 #include <QObject>
 #include <QPoint>
 #include <QStringList>
+#include <array>
 #include <memory>
 #include <optional>
+#include <qcoro/qcorotask.h>
 #include <sys/types.h>
 
 namespace corvane {
@@ -23,6 +26,7 @@ class ApprovalsStore;
 class AddressBook;
 class ContactsBridge;
 class AudioPlayer;
+class CallAudio;
 class Desktop;
 class GlobalShortcuts;
 class DraftDelivery;
@@ -37,6 +41,7 @@ class RecordedCalls;
 class ProcessLauncher;
 class QuickCapture;
 class ResourceMonitor;
+class SleepInhibitor;
 class SessionStore;
 class StoreRecovery;
 class SpeechRecogniser;
@@ -46,6 +51,7 @@ class TranslationService;
 class Tray;
 struct AIServices;
 struct VoiceServices;
+struct CallServices;
 
 /// The services that the program finds on its machine.
 struct Machine {
@@ -69,6 +75,11 @@ struct Machine {
     std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
     std::unique_ptr<SpeechRecogniser> basicRecogniser;
     std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
+    std::unique_ptr<CallAudio> callAudio;
+    std::unique_ptr<SleepInhibitor> sleep;
+    /// Both tracks of a call play at once, each through a decoder of its own.
+    std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
+    std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
     std::unique_ptr<Tray> tray; ///< none in a headless run
     std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
 };
@@ -85,6 +96,7 @@ public:
     EngineManager& engine() { return *m_engine; }
     DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
+    CallServices& calls() { return *m_calls; }
     RecordedCalls& recordedCalls() { return *m_recordedCalls; }
     ResourceMonitor& resources() { return *m_resources; }
     ApprovalsStore& approvals() { return *m_approvals; }
@@ -139,6 +151,8 @@ private:
     void setUpTray();
     void updateTrayMenu();
     void watchStore();
+    void watchCalls();
+    QCoro::Task<TranscriptionOutcome> transcribeCall(TranscriptionRequest request);
 
     const AppPaths m_paths;
     Scheduler& m_scheduler;
@@ -158,11 +172,14 @@ private:
     std::unique_ptr<VoiceServices> m_voice;
     std::unique_ptr<ResourceMonitor> m_resources;
     std::unique_ptr<RecordedCalls> m_recordedCalls;
+    std::unique_ptr<CallServices> m_calls;
+    std::unique_ptr<Timer> m_callHousekeeping;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<QuickCapture> m_capture;
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<StoreRecovery> m_recovery;
     const QList<Command> m_trayCommands;
+    int m_toldMinutes = -1; ///< of the recording, at the tray; -1 without one
     QString m_told; ///< of what is wrong with the database
     std::unique_ptr<Timer> m_quitLimit; ///< while it quits
 };

@@ -1,6 +1,7 @@
 #include "Shell/Screens.h"
 
 #include "Approvals/ApprovalCommands.h"
+#include "Calls/CallServices.h"
 #include "Desk/CaptureCommands.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
@@ -31,7 +32,9 @@ Screens::Screens(const Surroundings& surroundings)
     , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai,
           at.launcher, at.notifications, at.voice })
-    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, at.ai, at.capture })
+    , calls(at.calls.recorder, at.calls.player)
+    , callSettings(at.calls.settings)
+    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, calls, at.ai, at.capture })
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
 {
@@ -44,6 +47,8 @@ Screens::Screens(const Surroundings& surroundings)
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());
     commands.add(inboxCommands(inbox));
+    commands.add(callCommands(calls));
+    QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(terminalCommands());
     commands.add(placeCommands(shell));
     if (at.capture) {
@@ -61,7 +66,7 @@ Screens::Screens(const Surroundings& surroundings)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.voice(), app.recovery(), app.launcher(), app.tray(), app.userUmask(),
+          app.translations(), app.voice(), app.recovery(), app.calls(), app.launcher(), app.tray(), app.userUmask(),
           &app.capture() })
 {
     panel.resources()->setMonitor(app.resources());

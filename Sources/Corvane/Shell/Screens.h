@@ -2,6 +2,8 @@
 
 #include "Approvals/ApprovalsView.h"
 #include "Approvals/PendingDraftsView.h"
+#include "Calls/CallSettings.h"
+#include "Calls/CallsView.h"
 #include "Desk/CorvaneMenuBarView.h"
 #include "Inbox/List/InboxView.h"
 #include "Presentation/Commands.h"
@@ -22,6 +24,7 @@ class CorvaneApp;
 class Desktop;
 class QuickCapture;
 struct AIServices;
+struct CallServices;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
 /// that is closed and opened again shows what it showed.
@@ -45,6 +48,7 @@ public:
         TranslationService& translations;
         VoiceServices& voice;
         StoreRecovery& recovery;
+        CallServices& calls;
         ProcessLauncher& launcher;
         const Tray* tray = nullptr;
         std::optional<mode_t> userUmask {}; ///< of programs that the user starts; none: that of this process
@@ -69,6 +73,8 @@ public:
     ApprovalsView approvals;
     PendingDraftsView drafts;
     IntegrationsView settings;
+    CallsView calls;
+    CallSettings& callSettings;
     CorvaneMenuBarView panel;
     ClosingNotice closingNotice;
     TerminalsView terminals;

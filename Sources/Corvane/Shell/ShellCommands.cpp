@@ -33,6 +33,10 @@ QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& comman
             [&shell] {
                 shell.toggleApprovals();
             } },
+        { u"calls"_s, u"Calls"_s, u"Ctrl+Shift+L"_s, { u"Ctrl+Shift+L"_s }, everywhere, {}, {},
+            [&shell] {
+                shell.toggleCalls();
+            } },
         { u"newMessage"_s, u"New message"_s, u"Ctrl+N"_s, { u"Ctrl+N"_s }, everywhere, {}, {},
             [&inbox] {
                 inbox.writeNew();
@@ -68,6 +72,9 @@ QList<Command> placeCommands(AppShell& shell)
         { .id = u"openApprovals"_s, .keys = u"Ctrl+Shift+A"_s, .action = u"Open Approvals"_s, .run = [&shell] {
              shell.openApprovals();
          } });
+    commands.append({ .id = u"openCalls"_s, .keys = u"Ctrl+Shift+L"_s, .action = u"Open Calls"_s, .run = [&shell] {
+                         shell.openCalls();
+                     } });
     return commands;
 }
 

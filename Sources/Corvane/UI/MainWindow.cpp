@@ -69,6 +69,8 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& d
             { u"settings"_s, object(screens.settings) },
             { u"inbox"_s, object(screens.inbox) },
             { u"approvals"_s, object(screens.approvals) },
+            { u"calls"_s, object(screens.calls) },
+            { u"callSettings"_s, object(screens.callSettings) },
             { u"appearance"_s, object(screens.appearance) },
             { u"layout"_s, object(m_layout) },
             { u"closingNotice"_s, object(screens.closingNotice) },

@@ -174,6 +174,12 @@ ORDER BY created_at DESC LIMIT ?;)",
         { activeWorkspaceId(db), status, status, limit });
 }
 
+QList<CRMUpdateProposal> callProposals(LocalDB& db, const QString& callId)
+{
+    return proposals.rows(
+        db, "WHERE workspace_id=? AND call_id=? ORDER BY created_at, id;", { activeWorkspaceId(db), callId });
+}
+
 std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id)
 {
     return proposals.first(db, "WHERE workspace_id=? AND id=? LIMIT 1;", { activeWorkspaceId(db), id });

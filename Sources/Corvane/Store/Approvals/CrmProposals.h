@@ -25,6 +25,7 @@ struct CRMUpdateProposal {
 
 /// Newest first; an empty `status` means every status.
 QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit);
+QList<CRMUpdateProposal> callProposals(LocalDB& db, const QString& callId); ///< of every status
 std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id);
 
 /// Stands for what it would write, and on whom.

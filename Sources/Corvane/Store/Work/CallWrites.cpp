@@ -145,11 +145,4 @@ WHERE workspace_id=? AND call_id=? AND status='pending';)",
         && transaction.commit();
 }
 
-bool forgetCallSound(LocalDB& db, const QString& id)
-{
-    return db.run(R"(UPDATE call_recording SET audio_path='', mic_audio_path='', system_audio_path='', updated_at=?
-WHERE id=? AND workspace_id=?;)",
-        { db.nowMs(), id, activeWorkspaceId(db) });
-}
-
 }

@@ -63,6 +63,5 @@ QString callContact(LocalDB& db, const QString& callId); ///< empty where none i
 bool renameCall(LocalDB& db, const QString& id, const QString& title);
 bool linkCall(LocalDB& db, const QString& id, const QString& contactId); ///< and what it proposes and is not decided
 bool deleteCall(LocalDB& db, const QString& id); ///< what it proposed and is not decided is rejected
-bool forgetCallSound(LocalDB& db, const QString& id); ///< its files are gone
 
 }

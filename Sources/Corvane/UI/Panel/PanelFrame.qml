@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calls
 import Corvane.Controls
 import Corvane.Panel
 import Corvane.Shell
@@ -12,7 +13,7 @@ T.ApplicationWindow {
     required property CorvaneMenuBarView panel
     required property Notices notices
     readonly property ApprovalsView approvals: panel.approvals
-    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram })
+    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram, calls: calls })
 
     title: qsTr("Corvane panel")
     width: 380
@@ -116,12 +117,21 @@ T.ApplicationWindow {
                 objectName: "panel.window"
                 x: Theme.small
                 anchors.verticalCenter: parent.verticalCenter
-                visible: window.panel.tab === "now"
+                visible: window.panel.tab !== "approvals"
                 kind: "quiet"
                 text: qsTr("Open Corvane")
                 onClicked: window.panel.run("window")
             }
+            RecordingPill {
+                anchors.right: gear.left
+                anchors.rightMargin: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                recording: window.panel.calls.recording
+                visible: recording.recording && window.panel.tab !== "calls"
+                onOpened: window.panel.tab = "calls"
+            }
             IconButton {
+                id: gear
                 objectName: "panel.settings"
                 anchors.right: parent.right
                 anchors.rightMargin: Theme.small
@@ -151,6 +161,13 @@ T.ApplicationWindow {
         RamTab {
             focus: true
             resources: window.panel.resources
+        }
+    }
+    Component {
+        id: calls
+        CallsTab {
+            focus: true
+            panel: window.panel
         }
     }
     Component {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calls
 import Corvane.Controls
 import Corvane.Settings
 
@@ -11,10 +12,12 @@ Page {
     required property IntegrationsView settings
     required property ApprovalsView approvals
     required property Appearance appearance
+    required property CallSettings calls
 
     signal reviewApprovals
 
-    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, voice: voice, sync: sync,
+    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, voice: voice,
+        calls: callCards, sync: sync,
         system: system })
 
     panes: [sections, cards]
@@ -93,6 +96,10 @@ Page {
     Component {
         id: voice
         VoiceSection { voice: page.settings.voice }
+    }
+    Component {
+        id: callCards
+        CallsSection { calls: page.calls }
     }
     Component {
         id: sync

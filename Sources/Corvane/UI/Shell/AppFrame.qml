@@ -1,6 +1,7 @@
 import QtQuick
 import QtQml
 import Corvane.Approvals
+import Corvane.Calls
 import Corvane.Controls
 import Corvane.Inbox
 import Corvane.Settings
@@ -15,12 +16,14 @@ FocusScope {
     required property IntegrationsView settings
     required property InboxView inbox
     required property ApprovalsView approvals
+    required property CallsView calls
+    required property CallSettings callSettings
     required property Appearance appearance
     required property WindowLayout layout
     required property bool shown ///< the window is on the screen
     required property bool seen ///< and a person looks at it
 
-    readonly property bool covered: shell.settings || shell.approvals
+    readonly property bool covered: shell.settings || shell.approvals || shell.calls
     readonly property bool inboxShown: !covered && shell.selectedNav === "inbox"
 
     focus: true
@@ -57,6 +60,7 @@ FocusScope {
         shell: frame.shell
         profile: frame.profile
         approvals: frame.approvals
+        recording: frame.calls.recording
         onSearchPressed: Commands.run("palette")
     }
     Loader {
@@ -72,6 +76,8 @@ FocusScope {
                 sourceComponent = settingsPage;
             else if (frame.shell.approvals)
                 sourceComponent = approvalsPage;
+            else if (frame.shell.calls)
+                sourceComponent = callsPage;
             else
                 setSource(frame.shell.page, { screen: frame.shell.screen, hubBar: bar, layout: frame.layout });
         }
@@ -85,6 +91,8 @@ FocusScope {
         function onLeave() {
             if (frame.shell.settings)
                 frame.shell.closeSettings();
+            else if (frame.shell.calls)
+                frame.shell.closeCalls();
             else
                 frame.shell.closeApprovals();
         }
@@ -101,6 +109,7 @@ FocusScope {
             settings: frame.settings
             approvals: frame.approvals
             appearance: frame.appearance
+            calls: frame.callSettings
             onReviewApprovals: frame.shell.openApprovals()
             hubBar: bar
         }
@@ -111,6 +120,23 @@ FocusScope {
             approvals: frame.approvals
             hubBar: bar
         }
+    }
+
+    Component {
+        id: callsPage
+        CallsPage {
+            calls: frame.calls
+            hubBar: bar
+        }
+    }
+    ConsentSheet {
+        id: consent
+        recording: frame.calls.recording
+    }
+    Connections {
+        target: frame.calls.recording
+        function onConsentAsked() { consent.open(); }
+        function onStarted() { consent.close(); }
     }
 
     PaletteView { inbox: frame.inbox }

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Window
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calls
 import Corvane.Controls
 import Corvane.Inbox
 import Corvane.Settings
@@ -21,6 +22,8 @@ T.ApplicationWindow {
     required property IntegrationsView settings
     required property InboxView inbox
     required property ApprovalsView approvals
+    required property CallsView calls
+    required property CallSettings callSettings
     required property Appearance appearance
     required property WindowLayout layout
     required property ClosingNotice closingNotice
@@ -105,6 +108,8 @@ T.ApplicationWindow {
             settings: window.settings
             inbox: window.inbox
             approvals: window.approvals
+            calls: window.calls
+            callSettings: window.callSettings
             appearance: window.appearance
             layout: window.layout
             shown: window.visible && window.visibility !== Window.Minimized

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calls
 import Corvane.Controls
 import Corvane.Shell
 
@@ -11,6 +12,7 @@ FocusScope {
     required property AppShell shell
     required property ProfileMenu profile
     required property ApprovalsView approvals
+    required property RecordingView recording
 
     signal searchPressed
 
@@ -51,7 +53,7 @@ FocusScope {
         objectName: "topnav.search"
 
         readonly property real leftEdge: hubs.x + hubs.width + Theme.wide
-        readonly property real rightEdge: gate.x - Theme.wide
+        readonly property real rightEdge: (dot.visible ? dot.x : calls.x) - Theme.wide
 
         width: Math.min(360, rightEdge - leftEdge)
         height: Theme.control
@@ -98,6 +100,26 @@ FocusScope {
         }
     }
 
+    RecordingPill {
+        id: dot
+        anchors.right: calls.left
+        anchors.rightMargin: Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        recording: bar.recording
+        onOpened: bar.shell.openCalls()
+    }
+    IconButton {
+        id: calls
+        objectName: "topnav.calls"
+        anchors.right: gate.left
+        anchors.rightMargin: Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        icon.name: "call-start"
+        checked: bar.shell.calls
+        text: qsTr("Calls")
+        key: Commands.keysOf("calls")
+        onClicked: bar.shell.toggleCalls()
+    }
     IconButton {
         id: gate
         objectName: "topnav.approvals"

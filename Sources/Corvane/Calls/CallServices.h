@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Calls/CallPlayer.h"
+#include "Calls/CallRecorder.h"
+#include "Calls/CallSettings.h"
+#include "Calls/CallSummarizer.h"
+#include "Calls/RecordedCalls.h"
+
+namespace corvane {
+
+/// What records calls and works on them, built once and wired to each other.
+struct CallServices {
+    /// What the machine gives; all of it outlives the services.
+    struct Machine {
+        Microphone& microphone;
+        CallAudio& audio;
+        SleepInhibitor& sleep;
+        const MachineFacts& facts;
+        AudioPlayer& microphonePlayer; ///< for nothing but calls, as the next
+        AudioPlayer& systemPlayer;
+    };
+
+    CallServices(RecordedCalls& recorded, LumoAI& ai, CallProcessor::Transcribe transcribe, const Machine& machine,
+        UserDefaults& defaults, Scheduler& scheduler, const AppPaths& paths)
+        : summarizer(ai, defaults)
+        , processor(recorded.db(), summarizer, std::move(transcribe))
+        , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts, defaults,
+              scheduler, paths })
+        , player(machine.microphonePlayer, machine.systemPlayer)
+        , settings(recorder)
+    {
+    }
+
+    CallSummarizer summarizer;
+    CallProcessor processor;
+    CallRecorder recorder;
+    CallPlayer player;
+    CallSettings settings;
+};
+
+}

@@ -1,0 +1,113 @@
+#include "Calls/CallsView.h"
+
+#include "Calls/CallRecorder.h"
+#include "Calls/RecordedCalls.h"
+#include "Presentation/DateWords.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int callsListed = 500;
+constexpr Milliseconds pause { 100 };
+
+}
+
+CallsView::CallsView(CallRecorder& recorder, CallPlayer& player, QObject* parent)
+    : QObject(parent)
+    , m_recorder(recorder)
+    , m_page(recorder, player)
+    , m_recording(recorder)
+    , m_reload(recorder.surroundings().scheduler, pause, [this] { refresh(); })
+{
+    const auto request = [this] {
+        m_reload.request();
+    };
+    connect(&recorder.recorded(), &RecordedCalls::changed, this, request);
+    connect(&recorder, &CallRecorder::changed, this, request);
+    connect(&m_page, &CallPage::removed, this, &CallsView::refresh);
+    connect(&m_recording, &RecordingView::started, this, [this] {
+        refresh();
+        select(m_recording.callId());
+    });
+}
+
+void CallsView::setQuery(const QString& query)
+{
+    if (query == m_query)
+        return;
+    m_query = query;
+    refresh();
+    if (!m_page.callId().isEmpty())
+        m_page.open(m_page.callId(), m_query);
+}
+
+void CallsView::refresh()
+{
+    const DateWords words(m_recorder.surroundings().scheduler.nowMs());
+    QList<CallRow> rows;
+    for (const CallRecordingRow& call :
+        findCallRecordings(m_recorder.recorded().db(), m_query.trimmed(), callsListed)) {
+        const bool isRecording = m_recorder.isRecording() && m_recorder.activeCallId() == call.id;
+        rows.append(callRow(call,
+            callState(call.processingStatus, call.processingError, isRecording, m_recorder.processor(), call.id),
+            words));
+    }
+    m_rows.assign(rows);
+    if (m_page.callId().isEmpty() && !rows.isEmpty())
+        m_page.open(rows.first().id, m_query);
+    Q_EMIT changed();
+}
+
+void CallsView::select(const QString& id)
+{
+    m_page.open(id, m_query);
+    Q_EMIT changed();
+}
+
+void CallsView::step(int by)
+{
+    const QList<CallRow>& rows = m_rows.rows();
+    if (rows.isEmpty())
+        return;
+    const auto found = std::ranges::find(rows, selected(), &CallRow::id);
+    const auto at = found == rows.end() ? 0 : found - rows.begin() + by;
+    select(rows.at(std::clamp<qsizetype>(at, 0, rows.size() - 1)).id);
+}
+
+QString CallsView::emptyTitle() const
+{
+    return m_query.isEmpty() ? u"No calls yet"_s : u"No call holds “%1”"_s.arg(m_query);
+}
+
+QString CallsView::emptyText() const
+{
+    return m_query.isEmpty()
+        ? u"Record a call, and its transcript, summary and next steps appear here. Everything stays on this computer."_s
+        : u"Titles, people, transcripts and summaries are searched."_s;
+}
+
+QList<Command> callCommands(CallsView& calls)
+{
+    const CommandPlace everywhere { u"Everywhere"_s, 0 };
+    RecordingView* const recording = calls.recording();
+    return {
+        { u"recordCall"_s, u"Start or stop recording a call"_s, u"Ctrl+Shift+R"_s, { u"Ctrl+Shift+R"_s }, everywhere,
+            u"Start or stop recording a call"_s, {},
+            [&calls] {
+                calls.show();
+                calls.recording()->toggle();
+            } },
+        { u"markCall"_s, u"Mark this moment of the call"_s, u"Ctrl+Shift+M"_s, { u"Ctrl+Shift+M"_s }, everywhere,
+            u"Mark this moment of the call"_s, [recording] { return recording->recording(); },
+            [recording] {
+                recording->mark();
+            } },
+    };
+}
+
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Calls/CallPage.h"
+#include "Calls/RecordingView.h"
+#include "Foundation/Coalescer.h"
+#include "Presentation/Commands.h"
+
+namespace corvane {
+
+/// All calls, the one that is open, and the recording that runs.
+class CallsView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::GadgetListModel* rows READ rows CONSTANT)
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
+    Q_PROPERTY(QString searchText READ searchText CONSTANT)
+    Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the open one
+    Q_PROPERTY(corvane::CallPage* page READ page CONSTANT)
+    Q_PROPERTY(corvane::RecordingView* recording READ recording CONSTANT)
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
+public:
+    /// All of them outlive the view.
+    CallsView(CallRecorder& recorder, CallPlayer& player, QObject* parent = nullptr);
+
+    GadgetListModel* rows() { return &m_rows; }
+    const QString& query() const { return m_query; }
+    void setQuery(const QString& query);
+    QString searchText() const { return QStringLiteral("Search calls"); }
+    QString selected() const { return m_page.callId(); }
+    CallPage* page() { return &m_page; }
+    RecordingView* recording() { return &m_recording; }
+    QString emptyTitle() const;
+    QString emptyText() const;
+
+    Q_INVOKABLE void select(const QString& id);
+    Q_INVOKABLE void step(int by); ///< to the call below, or above where negative
+    Q_INVOKABLE void refresh();
+    void show() { Q_EMIT shown(); }
+
+Q_SIGNALS:
+    void changed();
+    void shown(); ///< the page is wanted in front
+
+private:
+    CallRecorder& m_recorder;
+    RowListModel<CallRow> m_rows;
+    CallPage m_page;
+    RecordingView m_recording;
+    QString m_query;
+    Coalescer m_reload;
+};
+
+QList<Command> callCommands(CallsView& calls); ///< the view outlives them
+
+}

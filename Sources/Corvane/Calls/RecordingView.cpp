@@ -1,0 +1,174 @@
+#include "Calls/RecordingView.h"
+
+#include "Calls/CallRecorder.h"
+#include "Foundation/UserDefaults.h"
+#include "Presentation/PlayTime.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+const QString consentKey = QStringLiteral("Corvane.calls.consentRead");
+const QString nothing = QStringLiteral("none");
+const QString everything = QStringLiteral("everything");
+
+QList<Choice> fixedSources()
+{
+    return { { nothing, QStringLiteral("Microphone only") },
+        { everything, QStringLiteral("Microphone and everything") } };
+}
+
+}
+
+RecordingView::RecordingView(CallRecorder& recorder, QObject* parent)
+    : QObject(parent)
+    , m_recorder(recorder)
+    , m_sources(fixedSources())
+{
+    connect(&recorder, &CallRecorder::changed, this, [this, was = false]() mutable {
+        if (!std::exchange(was, recording()) && recording())
+            Q_EMIT started();
+        Q_EMIT changed();
+        Q_EMIT ticked();
+    });
+    connect(&recorder, &CallRecorder::ticked, this, &RecordingView::ticked);
+}
+
+bool RecordingView::recording() const
+{
+    return m_recorder.isRecording();
+}
+
+QString RecordingView::callId() const
+{
+    return m_recorder.activeCallId();
+}
+
+QString RecordingView::title() const
+{
+    return recording() ? m_recorder.activeTitle() : QString();
+}
+
+QString RecordingView::statusText() const
+{
+    return m_recorder.statusText();
+}
+
+QString RecordingView::warningText() const
+{
+    return m_recorder.warningText();
+}
+
+QString RecordingView::errorText() const
+{
+    const bool began = !m_recorder.activeCallId().isEmpty();
+    return m_recorder.phase().kind == CallPhase::Kind::Failed && !began ? m_recorder.phase().message : QString();
+}
+
+QString RecordingView::elapsedText() const
+{
+    return playTime(qint64(m_recorder.elapsed() * 1000));
+}
+
+double RecordingView::level() const
+{
+    return recording() ? m_recorder.waveform().lastLevel() : 0;
+}
+
+QString RecordingView::marksText() const
+{
+    const qsizetype count = recording() ? m_recorder.marksMs().size() : 0;
+    return count == 0 ? QString() : count == 1 ? QStringLiteral("1 mark") : QStringLiteral("%1 marks").arg(count);
+}
+
+QString RecordingView::aloudText() const
+{
+    return recording() ? QStringLiteral("Recording ") + title() : QString();
+}
+
+QString RecordingView::source() const
+{
+    if (!m_recorder.systemAudioEnabled())
+        return nothing;
+    return m_recorder.application().isEmpty() ? everything : m_recorder.application();
+}
+
+void RecordingView::setSource(const QString& id)
+{
+    if (std::ranges::find(m_sources, id, &Choice::id) == m_sources.end())
+        return;
+    m_recorder.setApplication(id == nothing || id == everything ? QString() : id);
+    m_recorder.setSystemAudioEnabled(id != nothing);
+}
+
+QString RecordingView::sourceText() const
+{
+    const auto found = std::ranges::find(m_sources, source(), &Choice::id);
+    return QStringLiteral("Record: ")
+        + (found == m_sources.end() ? m_recorder.application()
+                                    : found->label.first(1).toLower() + found->label.sliced(1));
+}
+
+QString RecordingView::consentText() const
+{
+    return QStringLiteral(
+        "In many places everybody on a call has to know that it is recorded, and in some they have to agree first. "
+        "Tell "
+        "them at the start and wait for their answer.\n\nThe sound and its transcript stay on this computer. A red dot "
+        "shows in the window, the panel and the tray as long as a recording runs.");
+}
+
+void RecordingView::start()
+{
+    if (m_recorder.surroundings().defaults.boolean(consentKey).value_or(false))
+        m_recorder.start({}, {});
+    else
+        Q_EMIT consentAsked();
+}
+
+void RecordingView::acceptConsent()
+{
+    m_recorder.surroundings().defaults.setBoolean(consentKey, true);
+    m_recorder.start({}, {});
+}
+
+void RecordingView::stop()
+{
+    m_recorder.stop();
+}
+
+void RecordingView::toggle()
+{
+    recording() ? stop() : start();
+}
+
+void RecordingView::mark()
+{
+    m_recorder.mark();
+}
+
+void RecordingView::discard()
+{
+    m_recorder.cancelActiveRecording();
+}
+
+void RecordingView::findSources()
+{
+    m_recorder.surroundings().audio.findApplications(
+        [self = QPointer<RecordingView>(this)](const QList<SoundApplication>& applications) {
+            if (!self)
+                return;
+            self->m_sources = fixedSources();
+            for (const SoundApplication& application : applications) {
+                if (application.plays)
+                    self->m_sources.append({ application.binary,
+                        QStringLiteral("Microphone and ")
+                            + (application.name.isEmpty() ? application.binary : application.name) });
+            }
+            Q_EMIT self->changed();
+        });
+}
+
+}

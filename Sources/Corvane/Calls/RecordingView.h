@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Presentation/Choice.h"
+
+namespace corvane {
+
+class CallRecorder;
+
+/// The recording that runs, as it is in sight wherever the program is: in the window, in the panel, at the tray.
+class RecordingView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool recording READ recording NOTIFY changed)
+    Q_PROPERTY(QString callId READ callId NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
+    Q_PROPERTY(QString warningText READ warningText NOTIFY changed)
+    Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why no recording began
+    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY ticked) ///< "12:04"
+    Q_PROPERTY(double level READ level NOTIFY ticked) ///< from 0 to 1
+    Q_PROPERTY(QString marksText READ marksText NOTIFY changed) ///< such as "2 marks"; empty for none
+    Q_PROPERTY(QString aloudText READ aloudText NOTIFY changed)
+    Q_PROPERTY(QString stopLabel READ stopLabel CONSTANT)
+    Q_PROPERTY(QString markLabel READ markLabel CONSTANT)
+    /// Whose sound is recorded beside the microphone: nobody's, everything, or one program.
+    Q_PROPERTY(QList<corvane::Choice> sources READ sources NOTIFY changed)
+    Q_PROPERTY(QString source READ source WRITE setSource NOTIFY changed)
+    Q_PROPERTY(QString sourceText READ sourceText NOTIFY changed) ///< such as "Record: everything"
+    Q_PROPERTY(QString consentTitle READ consentTitle CONSTANT)
+    Q_PROPERTY(QString consentText READ consentText CONSTANT)
+public:
+    /// `recorder` outlives the view.
+    explicit RecordingView(CallRecorder& recorder, QObject* parent = nullptr);
+
+    bool recording() const;
+    QString callId() const;
+    QString title() const;
+    QString statusText() const;
+    QString warningText() const;
+    QString errorText() const;
+    QString elapsedText() const;
+    double level() const;
+    QString marksText() const;
+    QString aloudText() const;
+    QString stopLabel() const { return QStringLiteral("Stop"); }
+    QString markLabel() const { return QStringLiteral("Mark this moment"); }
+    QList<Choice> sources() const { return m_sources; }
+    QString source() const;
+    void setSource(const QString& id); ///< for the next recording; an unknown id changes nothing
+    QString sourceText() const;
+    QString consentTitle() const { return QStringLiteral("Before you record"); }
+    QString consentText() const;
+
+    /// Begins a recording, after the person has read once what others have to agree to.
+    Q_INVOKABLE void start();
+    Q_INVOKABLE void acceptConsent(); ///< they have, and the recording begins
+    Q_INVOKABLE void stop();
+    Q_INVOKABLE void toggle();
+    Q_INVOKABLE void mark();
+    Q_INVOKABLE void discard(); ///< ends the recording and removes its sound
+    Q_INVOKABLE void findSources(); ///< which programs play now
+
+    CallRecorder& recorder() { return m_recorder; }
+
+Q_SIGNALS:
+    void changed();
+    void ticked();
+    void consentAsked();
+    void started();
+
+private:
+    CallRecorder& m_recorder;
+    QList<Choice> m_sources;
+};
+
+}

@@ -1,0 +1,153 @@
+import QtQuick
+import Corvane.Calls
+import Corvane.Controls
+
+/// A call's name, when it was, how it stands, and what can be done with it.
+Item {
+    id: head
+
+    required property CallPage page
+
+    implicitHeight: words.implicitHeight
+
+    Column {
+        id: words
+        anchors.left: parent.left
+        anchors.right: actions.left
+        anchors.rightMargin: Theme.large
+        spacing: Theme.tight
+        TextField {
+            id: title
+            objectName: "call.title"
+            width: Math.min(parent.width, 460)
+            text: head.page.title
+            font.pixelSize: Theme.title
+            font.weight: Theme.strong
+            placeholderText: qsTr("Name of the call")
+            onTextChanged: if (!activeFocus) cursorPosition = 0 // a long name shows its start
+            onEditingFinished: {
+                head.page.rename(text);
+                text = Qt.binding(() => head.page.title);
+            }
+        }
+        Label {
+            width: parent.width
+            text: head.page.whenText + " · " + head.page.stateText
+            color: Theme.soft
+        }
+        Label {
+            objectName: "call.error"
+            width: parent.width
+            visible: text !== ""
+            wrapMode: Text.Wrap
+            text: head.page.errorText
+            color: head.page.tone === "bad" ? Theme.bad : Theme.warn
+        }
+        Row {
+            visible: head.page.busy
+            spacing: Theme.small
+            Rectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                width: 180
+                height: 4
+                radius: 2
+                color: Theme.raised
+                Accessible.role: Accessible.ProgressBar
+                Accessible.name: head.page.stateText
+                Rectangle {
+                    width: parent.width * head.page.progress
+                    height: parent.height
+                    radius: 2
+                    color: Theme.accent
+                }
+            }
+            Button {
+                objectName: "call.cancelWork"
+                implicitHeight: 24
+                kind: "quiet"
+                text: qsTr("Cancel")
+                onClicked: head.page.stopWork()
+            }
+        }
+        Label {
+            objectName: "call.done"
+            width: parent.width
+            visible: text !== ""
+            elide: Text.ElideMiddle
+            text: head.page.doneText
+            color: Theme.soft
+            font.pixelSize: Theme.meta
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
+    }
+    Row {
+        id: actions
+        anchors.right: parent.right
+        spacing: Theme.tight
+        Button {
+            objectName: "call.process"
+            visible: text !== ""
+            text: head.page.processLabel
+            onClicked: head.page.process()
+        }
+        MenuButton {
+            objectName: "call.more"
+            implicitHeight: Theme.control
+            icon.name: "overflow-menu"
+            chevron: false
+            Accessible.name: qsTr("More")
+            MenuItem {
+                text: qsTr("Export as text")
+                icon.name: "document"
+                onTriggered: head.page.exportText()
+            }
+            MenuItem {
+                text: qsTr("Export subtitles (.vtt)")
+                icon.name: "document"
+                onTriggered: head.page.exportSubtitles()
+            }
+            MenuItem {
+                text: qsTr("Export the sound")
+                icon.name: "audio"
+                enabled: head.page.hasSound
+                onTriggered: head.page.exportSound()
+            }
+            MenuSeparator {}
+            MenuItem {
+                text: qsTr("Delete…")
+                icon.name: "edit-delete"
+                onTriggered: remove.open()
+            }
+        }
+    }
+    Sheet {
+        id: remove
+        objectName: "call.removeSheet"
+        title: qsTr("Delete this call?")
+        Label {
+            width: parent.width
+            wrapMode: Text.Wrap
+            lineHeight: 1.3
+            text: head.page.deleteQuestion
+            color: Theme.soft
+        }
+        buttons: [
+            Button {
+                kind: "quiet"
+                focus: true
+                text: qsTr("Keep it")
+                onClicked: remove.close()
+            },
+            Button {
+                objectName: "call.removeNow"
+                kind: "danger"
+                text: qsTr("Delete")
+                onClicked: {
+                    remove.close();
+                    head.page.remove();
+                }
+            }
+        ]
+    }
+}

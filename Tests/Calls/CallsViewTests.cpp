@@ -1,0 +1,157 @@
+#include "Calls/CallsView.h"
+
+#include "CallTest.h"
+#include "Calls/CallExport.h"
+#include "Calls/CallSettings.h"
+#include "Support/FakeAudioPlayer.h"
+#include "Support/Rows.h"
+
+#include <QSignalSpy>
+
+using namespace corvane;
+
+namespace {
+
+class CallsViewTest : public CallTest {
+protected:
+    CallsViewTest()
+    {
+        says["system"] = speech({ { 1000, 4000, "we ship on Friday" }, { 9000, 9500, "bye" } });
+        says["mic"] = speech({ { 5000, 8000, "Ana Ruiz, send the offer" } });
+        m_clock.advance(std::chrono::hours(24 * 365));
+    }
+
+    /// A call of both sides, transcribed and summed up.
+    QString record(const QString& title)
+    {
+        recorder->setSystemAudioEnabled(true);
+        lumo.model.willAnswer(QStringLiteral("**Summary:** Ship.\n\nDecisions:\n- Friday\nFollow-up: Send the offer."));
+        start(title);
+        const QString id = recorder->activeCallId();
+        m_clock.advance(Milliseconds(10'000));
+        recorder->stop();
+        m_clock.advance(Milliseconds(200));
+        return id;
+    }
+
+    FakeAudioPlayer microphonePlayer;
+    FakeAudioPlayer systemPlayer;
+    CallPlayer player { microphonePlayer, systemPlayer };
+    CallsView calls { *recorder, player };
+    CallPage& page = *calls.page();
+};
+
+}
+
+TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
+{
+    const QString id = record("Weekly");
+    calls.select(id);
+    EXPECT_EQ(column(*calls.rows(), "detail"), QStringList("0:10 · Ready"));
+    EXPECT_EQ(column(*page.turns(), "speaker"), QStringList({ "Meeting audio", "Me", "Meeting audio" }));
+    EXPECT_EQ(column(*page.turns(), "time"), QStringList({ "0:01", "0:05", "0:09" }));
+    const QList<CallSummarySection> sections { { "Summary", "Ship." }, { "Decisions", "- Friday" },
+        { "Follow-up", "Send the offer." } };
+    EXPECT_EQ(page.summary(), sections);
+    EXPECT_EQ(page.currentTurn(), -1);
+
+    page.playTurn(1);
+    EXPECT_EQ(microphonePlayer.position, 5000);
+    EXPECT_EQ(systemPlayer.position, 5000);
+    EXPECT_EQ(page.currentTurn(), 1);
+    microphonePlayer.moveTo(9100);
+    EXPECT_EQ(page.currentTurn(), 2);
+    player.setMicrophoneOn(false);
+    EXPECT_EQ(microphonePlayer.current, AudioPlayer::State::Idle);
+    EXPECT_EQ(player.state(), "playing");
+    player.setSystemOn(false);
+    EXPECT_TRUE(player.microphoneOn()) << "one side is always heard";
+    player.toggle();
+    EXPECT_EQ(player.state(), "paused");
+
+    calls.setQuery("OFFER");
+    EXPECT_EQ(page.firstHit(), 1) << "a search leads to its second";
+    calls.setQuery("nothing like it");
+    EXPECT_EQ(calls.rows()->rowCount(), 0);
+    EXPECT_EQ(calls.emptyTitle(), "No call holds “nothing like it”");
+}
+
+TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
+{
+    const QString id = record("Weekly");
+    calls.select(id);
+    ASSERT_EQ(page.proposals().size(), 2);
+    EXPECT_EQ(page.personName(), "") << "a person links it";
+    page.people()->begin(id);
+    page.people()->choose("ct:1");
+    EXPECT_EQ(page.personName(), "Ana Ruiz");
+    page.applyProposal("proposal:" + id + ":note");
+    EXPECT_TRUE(cell("SELECT body FROM contact_note;").startsWith("Call note: Weekly"));
+    page.rejectProposal("proposal:" + id + ":task");
+    EXPECT_EQ(page.proposals().value(0).state + page.proposals().value(1).state, "AppliedRejected");
+    EXPECT_TRUE(recorded->pendingProposals().isEmpty());
+    page.rename("  Renamed ");
+    m_clock.advance(Milliseconds(200));
+    EXPECT_EQ(column(*calls.rows(), "title"), QStringList("Renamed"));
+    page.setNotes("bring the invoice");
+    EXPECT_TRUE(callAsText(*fetchCall(*m_db, id), readTurns(folder()), readCallNotes(folder()))
+            .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
+    const QString files = folder();
+    page.remove();
+    EXPECT_FALSE(QDir(files).exists());
+    EXPECT_EQ(calls.rows()->rowCount(), 0);
+}
+
+TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
+{
+    lumo.model.setUnavailable("none");
+    recorder->setSystemAudioEnabled(true);
+    start("Weekly");
+    const QString id = recorder->activeCallId();
+    recorder->stopForQuit();
+    m_db->run("UPDATE call_recording SET processing_status='recording', ended_at=NULL, duration_ms=NULL;", {});
+    calls.select(id);
+    EXPECT_EQ(page.stateText(), "Broken off");
+    EXPECT_EQ(page.processLabel(), "Recover");
+    page.process();
+    EXPECT_EQ(audio.repaired.size(), 2);
+    EXPECT_EQ(page.stateText(), "Transcribed, no summary");
+    EXPECT_GE(cell("SELECT ended_at - started_at FROM call_recording;").toLongLong(), 0);
+    EXPECT_EQ(page.processLabel(), "Transcribe again");
+}
+
+TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)
+{
+    RecordingView& recording = *calls.recording();
+    audio.applications = { { "zoom", "Zoom", true, true }, { "mpv", "mpv", false, false } };
+    recording.findSources();
+    EXPECT_EQ(recording.sources().last(), (Choice { "zoom", "Microphone and Zoom" }));
+    recording.setSource("zoom");
+    EXPECT_EQ(recording.sourceText(), "Record: microphone and Zoom");
+    QSignalSpy asked(&recording, &RecordingView::consentAsked);
+    recording.start();
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_FALSE(recording.recording());
+    recording.acceptConsent();
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_EQ(audio.recordedBinary, "zoom");
+    EXPECT_EQ(calls.selected(), recorder->activeCallId()) << "it is opened";
+    EXPECT_EQ(page.processLabel(), "");
+    recording.discard();
+    recording.start();
+    EXPECT_EQ(asked.size(), 1) << "once";
+}
+
+TEST_F(CallsViewTest, soundThatIsOldEnoughGoesAndItsTextStays)
+{
+    record("old");
+    CallSettings settings(*recorder);
+    settings.setKept("30");
+    EXPECT_EQ(deleteOldSound(*recorder), 0);
+    m_clock.advance(std::chrono::hours(24 * 31));
+    EXPECT_EQ(deleteOldSound(*recorder), 2);
+    calls.select(cell("SELECT id FROM call_recording;"));
+    EXPECT_FALSE(page.hasSound());
+    EXPECT_EQ(page.noSoundText(), "The sound of this call is no longer here.");
+    EXPECT_EQ(page.turns()->rowCount(), 3);
+}

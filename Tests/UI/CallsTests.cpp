@@ -1,0 +1,66 @@
+#include "UI/WindowTest.h"
+
+#include <QTest>
+
+namespace corvane {
+
+namespace {
+
+class CallsWindow : public WindowTest { };
+
+}
+
+TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
+{
+    showEmptyInbox();
+    click(u"topnav.calls"_s);
+    rest();
+    EXPECT_NE(findItem(u"calls.list"_s), nullptr);
+    click(u"calls.record"_s);
+    rest();
+    ASSERT_NE(findItem(u"recordingConsent.accept"_s), nullptr) << "what the law of many places asks";
+    click(u"recordingConsent.accept"_s);
+    microphone.answer(MicrophoneAccess::Granted);
+    rest();
+    EXPECT_NE(findItem(u"recording.stop"_s), nullptr);
+    press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    rest();
+    EXPECT_NE(findItem(u"recording.stop"_s), nullptr) << "the red dot is in sight everywhere";
+    callAudio.microphone->seconds = 5;
+    clock.advance(Milliseconds(600));
+    press(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(screens.calls.recording()->marksText(), "1 mark");
+    callTranscript = SpeechTranscriptResult { u"ship on Friday"_s, basicRecogniserSpec(),
+        { { 0, 1000, u"ship on Friday"_s }, { 2000, 3000, u"send the offer"_s } } };
+    lumo.model.willAnswer(u"Summary: Ship.\nFollow-up: Send the offer."_s);
+    click(u"recording.stop"_s);
+    rest();
+    EXPECT_EQ(findItem(u"recording.stop"_s), nullptr);
+    press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    rest();
+    EXPECT_EQ(screens.calls.page()->stateText(), "Ready");
+    click(u"call.apply"_s);
+    EXPECT_NE(screens.calls.page()->proposals().value(1).state + screens.calls.page()->proposals().value(0).error, "");
+    click(u"calls.search"_s);
+    type(u"offer"_s);
+    rest();
+    EXPECT_EQ(screens.calls.page()->firstHit(), 1);
+    screens.calls.page()->playTurn(1);
+    EXPECT_EQ(callMicrophone.position, 2000);
+    press(Qt::Key_Escape);
+    press(Qt::Key_Escape);
+}
+
+TEST_F(CallsWindow, callsHaveASettingsSection)
+{
+    showEmptyInbox();
+    settings.setSection(u"calls"_s);
+    shell.openSettings();
+    rest();
+    click(u"calls.systemAudio"_s);
+    EXPECT_TRUE(calls.recorder.systemAudioEnabled());
+    click(u"calls.keep.90"_s);
+    EXPECT_EQ(calls.settings.kept(), "90");
+}
+
+}
