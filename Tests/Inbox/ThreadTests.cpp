@@ -222,6 +222,19 @@ TEST(ThreadRow, theQuotedTailOfAMailIsFoldedAndNotLost)
     EXPECT_EQ(bubble::readableText(mail), "Yes. > Shall we?");
 }
 
+TEST(ThreadRow, aSubjectIsTheTitleWhereItChanges)
+{
+    QList<UnifiedMsgRow> mails { message(noon), message(noon + 1, "OUT"), message(noon + 2), message(noon + 3),
+        message(noon + 4) };
+    const QStringList subjects { "Plan", "Re: Plan", "", "RE: Fwd: Plan", "Bill" };
+    for (qsizetype i = 0; i < mails.size(); ++i)
+        mails[i].subject = subjects[i];
+    QStringList shown;
+    for (const ThreadRow& row : shownRows(mails).sliced(1))
+        shown.append(row.subject);
+    EXPECT_EQ(shown, QStringList({ "Plan", "", "", "", "Bill" }));
+}
+
 TEST(ThreadRow, aBookIsShownInPartAndCopiedWhole)
 {
     const QString book(50'000'000, u'b');

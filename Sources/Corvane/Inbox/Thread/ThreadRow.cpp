@@ -164,9 +164,23 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
         shown.unreadText = surroundings.unread == 1 ? QStringLiteral("1 unread message")
                                                     : QStringLiteral("%1 unread messages").arg(surroundings.unread);
     shown.highlighted = row.id == surroundings.highlightId;
+    shown.subject = row.subject;
     describeMedia(shown, row, surroundings);
     shown.spoken = spokenMessage(shown, row.sender.trimmed().isEmpty() ? surroundings.contactName : row.sender);
     return shown;
+}
+
+/// A subject is told where a conversation turns to it.
+void labelSubjects(QList<ThreadRow>& rows)
+{
+    QString previous;
+    for (ThreadRow& row : rows) {
+        if (row.subject.isEmpty())
+            continue;
+        const QString plain = MailText::plainSubject(row.subject);
+        row.subject = plain == previous ? QString() : BodyText::printable(singleLine(row.subject));
+        previous = plain;
+    }
 }
 
 /// The first message tells its channel only where another follows.
@@ -199,6 +213,7 @@ QList<ThreadRow> threadRows(const QList<ThreadItem>& items, const ThreadSurround
         rows.append(message ? messageRow(*message, surroundings, words) : dateRow(std::get<QString>(item)));
     }
     labelChannels(rows);
+    labelSubjects(rows);
     return rows;
 }
 

@@ -19,6 +19,7 @@ class ThreadRow {
     Q_PROPERTY(bool grouped MEMBER grouped)
     Q_PROPERTY(bool showTime MEMBER showTime)
     Q_PROPERTY(QString timeText MEMBER timeText)
+    Q_PROPERTY(QString subject MEMBER subject)
     Q_PROPERTY(QString body MEMBER body)
     Q_PROPERTY(QString quote MEMBER quote)
     Q_PROPERTY(QString quoteLabel MEMBER quoteLabel)
@@ -49,6 +50,7 @@ public:
     bool grouped = false; ///< continues the run of the bubble above
     bool showTime = false; ///< the last bubble of its run: time and ticks are shown
     QString timeText;
+    QString subject; ///< of a mail, where it is another than before
     QString body; ///< text of the bubble; empty where the medium's title says it already
     QString quote; ///< the quoted tail of a mail, while it is not folded
     QString quoteLabel; ///< of what shows or folds the quoted tail; empty where there is none

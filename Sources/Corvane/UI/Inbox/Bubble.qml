@@ -45,6 +45,18 @@ Rectangle {
         spacing: 6
 
         Loader {
+            active: bubble.message.subject !== ""
+            visible: active
+            sourceComponent: Label {
+                width: Math.min(implicitWidth, bubble.maximumWidth - bubble.padding * 2)
+                wrapMode: Text.Wrap
+                maximumLineCount: 3
+                text: bubble.message.subject
+                font.weight: Theme.strong
+                Accessible.ignored: true
+            }
+        }
+        Loader {
             active: bubble.message.mediaKind !== ""
             visible: active
             sourceComponent: Media {
