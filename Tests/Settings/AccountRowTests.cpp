@@ -107,11 +107,13 @@ TEST(AccountRowActions, dependOnTheStateAndTheChannel)
     EXPECT_EQ(actionLabels(whatsApp, WAStatus::LoggedOut), QStringList({ "Start", "Re-pair (reset QR)", "Remove!" }))
         << "a link that is gone is nothing to lose";
     EXPECT_EQ(actionLabels("LINKEDIN", WAStatus::Connected),
-        QStringList({ "Sync now", "Pause (free RAM)", "Re-login (reset session)!", "Remove!" }));
+        QStringList({ "Sync now", "Pause (free RAM)", "Re-login (reset session)!", "Start with Corvane", "Remove!" }));
     EXPECT_EQ(actionLabels("INSTAGRAM", WAStatus::Connected),
-        QStringList({ "Pause (free RAM)", "Re-login (reset session)!", "Remove!" }));
-    EXPECT_EQ(actionLabels("TELEGRAM", WAStatus::Error), QStringList({ "Start", "Edit account", "Remove!" }));
-    EXPECT_EQ(actionLabels("EMAIL", WAStatus::LoggedOut), QStringList({ "Edit account", "Start", "Remove!" }));
+        QStringList({ "Pause (free RAM)", "Re-login (reset session)!", "Start with Corvane", "Remove!" }));
+    EXPECT_EQ(actionLabels("TELEGRAM", WAStatus::Error),
+        QStringList({ "Start", "Edit account", "Start with Corvane", "Remove!" }));
+    EXPECT_EQ(actionLabels("EMAIL", WAStatus::LoggedOut),
+        QStringList({ "Edit account", "Start", "Start with Corvane", "Remove!" }));
 }
 
 TEST(AccountRowActions, secretsBelongToTheChannelsThatAskedForOne)

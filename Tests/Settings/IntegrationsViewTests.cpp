@@ -118,6 +118,9 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
         EXPECT_EQ(world.keychain.get(account.slug).value_or("none"), each.secret);
         EXPECT_TRUE(world.engines.isRunning(account));
         EXPECT_FALSE(view.pairing()->isOpen());
+        EXPECT_EQ(account.startAtBoot.value_or(false), each.secret != "none");
+        view.perform(account.id.toString(), "startAtBoot");
+        EXPECT_EQ(accounts.find(account.id)->startAtBoot, each.secret == "none");
     }
     view.connectChannel("DISCORD");
     EXPECT_FALSE(view.connectForm()->complete());

@@ -135,7 +135,12 @@ QString noteText(const QString& detail, const RuntimeState& state)
 
 AccountAction action(const char* id, const QString& label, const QString& confirmation = {})
 {
-    return { QString::fromLatin1(id), label, confirmation, !confirmation.isEmpty() };
+    return { QString::fromLatin1(id), label, confirmation, !confirmation.isEmpty(), false, false };
+}
+
+bool startsAtBoot(const Account& account)
+{
+    return account.startAtBoot.value_or(false);
 }
 
 /// Where a link or a session stands, giving it up is asked about first; where none does, there is nothing to lose.
@@ -169,6 +174,12 @@ QList<AccountAction> actionsOf(Voice voice, const Account& account, WAStatus sta
     if (voice == Voice::Browser)
         actions.append(action("resetSession", QStringLiteral("Re-login (reset session)"),
             resetQuestion(status, QStringLiteral("Forget the session of %1 and log in again?").arg(account.name))));
+    if (voice != Voice::Pairing) {
+        AccountAction boot = action("startAtBoot", QStringLiteral("Start with Corvane"));
+        boot.checkable = true;
+        boot.checked = startsAtBoot(account);
+        actions.append(boot);
+    }
     actions.append(action("remove", QStringLiteral("Remove"),
         QStringLiteral("Remove %1? Its conversations stay in the inbox.").arg(account.name)));
     return actions;
@@ -189,7 +200,8 @@ QString sentenceOf(const AccountRow& row)
 
 AccountAction AccountRow::first() const
 {
-    const auto found = std::ranges::find_if(actions, [](const AccountAction& action) { return !action.destructive; });
+    const auto found = std::ranges::find_if(
+        actions, [](const AccountAction& action) { return !action.destructive && !action.checkable; });
     return found == actions.end() ? AccountAction() : *found;
 }
 
@@ -214,6 +226,8 @@ AccountRow accountRow(const Account& account, const RuntimeState& state, const Q
     row.kind = kindOf(speaks, state.status);
     row.lastMessage = lastMessageTime.isEmpty() ? QStringLiteral("No messages yet")
                                                 : QStringLiteral("Last message ") + lastMessageTime;
+    if (startsAtBoot(account))
+        row.lastMessage += QStringLiteral(" · Starts with Corvane");
     row.actions = actionsOf(speaks, account, state.status);
     row.sentence = sentenceOf(row);
     return row;

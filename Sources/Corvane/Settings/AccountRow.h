@@ -14,11 +14,16 @@ class AccountAction {
     Q_PROPERTY(QString label MEMBER label)
     Q_PROPERTY(QString confirmation MEMBER confirmation)
     Q_PROPERTY(bool destructive MEMBER destructive)
+    Q_PROPERTY(bool checkable MEMBER checkable)
+    Q_PROPERTY(bool checked MEMBER checked)
 public:
-    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync", "edit" or "remove"
+    QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync", "edit", "startAtBoot" or
+                ///< "remove"
     QString label;
     QString confirmation; ///< the question to ask first; empty where none is needed
     bool destructive = false;
+    bool checkable = false; ///< it switches between two states
+    bool checked = false;
 
     bool operator==(const AccountAction&) const = default;
 };
@@ -51,7 +56,7 @@ public:
     QList<AccountAction> actions;
     QString sentence; ///< the row, read aloud
 
-    AccountAction first() const; ///< that needs no question; with an empty id where there is none
+    AccountAction first() const; ///< that needs no question and is no switch; with an empty id where there is none
     QList<AccountAction> others() const; ///< all but the first
     static constexpr const char* role = "account";
     const QString& key() const { return accountId; }

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/EngineSpec.h"
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 
@@ -20,10 +21,10 @@ void keep(Keychain& keychain, const QString& secret, const Account& account)
 Account AccountSetup::add(Channel channel, const ConnectRequest& request) const
 {
     Account account = accounts.add(request.name, channel);
-    if (request.email) {
-        account.email = request.email;
-        accounts.update(account);
-    }
+    account.email = request.email;
+    if (keepsSecret(channel))
+        account.startAtBoot = true; // nobody connects a mailbox to find it dead after a restart
+    accounts.update(account);
     if (request.secret)
         keep(keychain, *request.secret, account);
     engine.start(account);

@@ -106,6 +106,9 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
         m_at.accounts.update(*account);
     } else if (actionId == QLatin1StringView("edit")) {
         editAccount(*account);
+    } else if (actionId == QLatin1StringView("startAtBoot")) {
+        account->startAtBoot = !account->startAtBoot.value_or(false);
+        m_at.accounts.update(*account);
     } else if (actionId == QLatin1StringView("pair")) {
         m_pairing.open(account->id);
     } else if (actionId == QLatin1StringView("resetPairing")) {

@@ -136,6 +136,8 @@ Item {
                         required property accountAction modelData
                         text: modelData.label
                         danger: modelData.destructive
+                        checkable: modelData.checkable
+                        checked: modelData.checked
                         onTriggered: line.acted(modelData)
                     }
                 }
