@@ -87,6 +87,10 @@ TEST_F(Commands, aFailedDownloadIsAskedForAgain)
     EXPECT_EQ(lastCommand(),
         uR"({"chatId":"chat","cmd":"downloadMedia","fromMe":false,"messageId":"p1","participant":"34600@s.whatsapp.net"})"_s);
 
+    world.launcher.last().exit();
+    world.settle();
+    EXPECT_EQ(world.engines.mediaDownloadStatus(row.id),
+        (MediaDownloadStatus { Kind::Failed, u"The engine ended before the file was there."_s }));
     world.engines.stop(shop);
     EXPECT_EQ(retry(), notRunning);
 }

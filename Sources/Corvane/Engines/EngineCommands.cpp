@@ -173,8 +173,22 @@ void EngineManager::retryMediaDownload(const UnifiedMsgRow& row)
     // In a group an engine may report the sender by address, which then says who to ask for the file.
     if (row.sender.contains(u'@'))
         command.insert(QStringLiteral("participant"), row.sender);
+    m_state->mediaAskedOf.insert(row.id, engineOf(*account));
     if (!writeCommand(*account, command))
         setMediaDownload(row.id, notRunning);
+}
+
+void EngineManager::failMediaOf(const std::shared_ptr<ChildProcess>& engine)
+{
+    const QStringList messages = m_state->mediaAskedOf.keys();
+    for (const QString& message : messages) {
+        if (m_state->mediaAskedOf.value(message).lock() != engine)
+            continue;
+        m_state->mediaAskedOf.remove(message);
+        const auto status = mediaDownloadStatus(message);
+        if (status && status->kind == MediaDownloadStatus::Kind::Downloading)
+            setMediaDownload(message, failed(QStringLiteral("The engine ended before the file was there.")));
+    }
 }
 
 }

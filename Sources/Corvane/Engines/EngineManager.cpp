@@ -112,6 +112,7 @@ EngineManager::EngineManager(const Surroundings& surroundings, std::unique_ptr<L
     m_state->db->watch().on(StoreSubject::Messages, this, [this] { bump(); });
     connect(&m_state->ingest, &Ingest::featuresChanged, this, &EngineManager::featuresChanged);
     connect(&m_state->ingest, &Ingest::mediaDownloadChanged, this, &EngineManager::setMediaDownload);
+    connect(this, &EngineManager::engineEnded, this, &EngineManager::failMediaOf);
 }
 
 EngineManager::~EngineManager() = default;

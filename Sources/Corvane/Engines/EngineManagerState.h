@@ -35,6 +35,7 @@ struct EngineManager::State {
     std::unique_ptr<AIRequestWatcher> aiRequests; ///< none before it is started
     Coalescer badge;
     QHash<QString, MediaDownloadStatus> mediaDownloads;
+    QHash<QString, std::weak_ptr<ChildProcess>> mediaAskedOf; ///< the engine that fetches the file of a message
 };
 
 }
