@@ -61,6 +61,7 @@ ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arm
     ApprovalRow row = rowOf(draftKey(draft.id), QStringLiteral("Outbound Messages"),
         draft.state() == DraftStatus::Failed ? QStringLiteral("Retry") : QStringLiteral("Approve"));
     row.title = draftStatusTitle(draft);
+    row.subject = subjectLine(draft);
     row.body = draft.body;
     row.platform = draft.channel;
     row.canDecide = row.canEdit = waitsForPerson(draft);

@@ -19,6 +19,8 @@ class ApprovalRow {
     Q_PROPERTY(QString head MEMBER head)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString subject MEMBER subject)
+    Q_PROPERTY(QList<corvane::DraftFile> files MEMBER files)
     Q_PROPERTY(QString why MEMBER why)
     Q_PROPERTY(QString detail MEMBER detail)
     Q_PROPERTY(QString platform MEMBER platform)
@@ -39,6 +41,8 @@ public:
     QString head; ///< what it stands under: "Outbound Messages", ...
     QString title;
     QString body;
+    QString subject; ///< "Subject: ..." of a draft; empty for none
+    QList<DraftFile> files; ///< of a draft
     QString why; ///< "Why: ..." of a decision
     QString detail; ///< in a weaker voice: "Task", "ops"
     QString platform; ///< such as "WHATSAPP", for its mark

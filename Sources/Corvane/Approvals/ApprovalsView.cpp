@@ -177,6 +177,7 @@ QList<ApprovalRow> ApprovalsView::currentRows() const
     for (const PendingDraft& draft : m_editor.withLost(m_store.drafts())) {
         ApprovalRow row = draftRow(draft, arming(ApprovalKind::Draft, draft.id));
         row.actions = m_actions.actions(draft);
+        row.files = m_actions.files(draft);
         if (row.failureReason.isEmpty())
             row.failureReason = m_actions.waitingReason(draft);
         rows.append(row);

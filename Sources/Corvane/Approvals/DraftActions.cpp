@@ -4,6 +4,8 @@
 #include "Approvals/DraftWords.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Engines/Outbox.h"
+#include "Presentation/SizeWords.h"
 #include "Store/Core/StoreWatch.h"
 
 #include <algorithm>
@@ -50,6 +52,17 @@ QList<DraftAction> DraftActions::actions(const PendingDraft& draft) const
         actions.append(action("reject", QStringLiteral("Discard"), "danger"));
     }
     return actions;
+}
+
+QList<DraftFile> DraftActions::files(const PendingDraft& draft) const
+{
+    QList<DraftFile> files;
+    for (const OutgoingFile& file : filesFromText(draft.files).value_or(QList<OutgoingFile>())) {
+        const bool isHere = m_engine.outbox().holds(file);
+        files.append({ file.name, isHere ? sizeWords(file.bytes) : QStringLiteral("Not there any more"),
+            isHere ? file.path : QString() });
+    }
+    return files;
 }
 
 QString DraftActions::waitingReason(const PendingDraft& draft) const

@@ -25,6 +25,20 @@ public:
     bool operator==(const DraftAction&) const = default;
 };
 
+/// A file that goes out with a draft.
+class DraftFile {
+    Q_GADGET
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString size MEMBER size)
+    Q_PROPERTY(QString path MEMBER path)
+public:
+    QString name;
+    QString size;
+    QString path; ///< to open it; empty where it is not there any more
+
+    bool operator==(const DraftFile&) const = default;
+};
+
 /// The actions of a draft that a person decided already, the same on every surface.
 class DraftActions : public QObject {
     Q_OBJECT
@@ -33,6 +47,7 @@ public:
     DraftActions(ApprovalsStore& approvals, EngineManager& engine, AccountStore& accounts, QObject* parent = nullptr);
 
     QList<DraftAction> actions(const PendingDraft& draft) const; ///< none while a verdict on it can be undone
+    QList<DraftFile> files(const PendingDraft& draft) const;
     QString waitingReason(const PendingDraft& draft) const; ///< why an approved one stays here; empty where it does not
     void perform(const PendingDraft& draft, const QString& action); ///< nothing while a verdict on it can be undone
 

@@ -30,6 +30,11 @@ QString draftStatusTitle(const PendingDraft& draft)
     return QStringLiteral("AI wants to send to ") + target;
 }
 
+QString subjectLine(const PendingDraft& draft)
+{
+    return draft.subject.isEmpty() ? QString() : QStringLiteral("Subject: ") + draft.subject;
+}
+
 QString statusLabel(const PendingDraft& draft)
 {
     if (mayHaveGoneOut(draft))

@@ -9,6 +9,9 @@ namespace corvane {
 /// Whose draft it is and where it stands, as the line over the thread says it.
 QString draftStatusTitle(const PendingDraft& draft);
 
+/// "Subject: ..."; empty where it has none.
+QString subjectLine(const PendingDraft& draft);
+
 /// Where it stands, in a word or two.
 QString statusLabel(const PendingDraft& draft);
 

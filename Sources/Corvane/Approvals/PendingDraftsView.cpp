@@ -24,6 +24,8 @@ PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
     item.id = draft.id;
     item.title = draftStatusTitle(draft);
     item.body = draft.body;
+    item.subject = subjectLine(draft);
+    item.files = m_at.actions.files(draft);
     item.preview = singleLine(firstCharacters(draft.body, previewLength));
     item.status = draft.status;
     item.statusLabel = statusLabel(draft);

@@ -17,6 +17,8 @@ class PendingDraftItem {
     Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString subject MEMBER subject)
+    Q_PROPERTY(QList<corvane::DraftFile> files MEMBER files)
     Q_PROPERTY(QString preview MEMBER preview)
     Q_PROPERTY(QString status MEMBER status)
     Q_PROPERTY(QString statusLabel MEMBER statusLabel)
@@ -31,6 +33,8 @@ public:
     QString id;
     QString title;
     QString body;
+    QString subject; ///< "Subject: ..."; empty for none
+    QList<DraftFile> files;
     QString preview; ///< as much of the body as a line can show
     QString status;
     QString statusLabel;

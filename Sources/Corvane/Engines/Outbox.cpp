@@ -147,15 +147,18 @@ bool Outbox::holdsForDrafts() const
     return !foldersIn(m_drafts).isEmpty();
 }
 
+bool Outbox::holds(const OutgoingFile& file) const
+{
+    const bool isHere = liesBelow(m_picked, file.path) || liesBelow(m_drafts, file.path);
+    return isHere && QFileInfo(file.path).isFile() && !QFileInfo(file.path).isSymLink();
+}
+
 QList<OutgoingFile> Outbox::asTheyLie(QList<OutgoingFile> files) const
 {
     for (OutgoingFile& each : files) {
-        const bool isHere = liesBelow(m_picked, each.path) || liesBelow(m_drafts, each.path);
-        const QFileInfo found(each.path);
         QFile file(each.path);
         QCryptographicHash hash(QCryptographicHash::Sha256);
-        const bool isRead
-            = isHere && found.isFile() && !found.isSymLink() && file.open(QIODevice::ReadOnly) && hash.addData(&file);
+        const bool isRead = holds(each) && file.open(QIODevice::ReadOnly) && hash.addData(&file);
         each.bytes = isRead ? file.size() : -1;
         each.sha256 = isRead ? hashText(hash) : QString();
     }

@@ -27,6 +27,8 @@ public:
     void keepForDrafts(const QList<OutgoingFile>& files) const; ///< removes all others, whose drafts have ended
     bool holdsForDrafts() const; ///< any file
 
+    bool holds(const OutgoingFile& file) const; ///< a plain file that lies here, whatever is in it
+
     /// The files as they lie here now. One that is gone, or lies elsewhere, has -1 bytes and no hash.
     QList<OutgoingFile> asTheyLie(QList<OutgoingFile> files) const;
 

@@ -76,6 +76,14 @@ FocusScope {
             }
         }
         Label {
+            width: parent.width
+            visible: text !== ""
+            text: line.approval.subject
+            wrapMode: Text.Wrap
+            font.weight: Theme.strong
+            Accessible.ignored: true
+        }
+        Label {
             id: bodyText
             width: parent.width
             visible: text !== "" && !line.editing
@@ -116,6 +124,10 @@ FocusScope {
             color: Theme.bad
             Accessible.role: Accessible.AlertMessage
             Accessible.name: text
+        }
+        DraftFiles {
+            width: parent.width
+            files: line.approval.files
         }
         Label {
             width: parent.width

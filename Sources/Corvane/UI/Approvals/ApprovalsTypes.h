@@ -62,6 +62,12 @@ struct PendingDraftItemType {
     QML_VALUE_TYPE(pendingDraft)
 };
 
+struct DraftFileType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DraftFile)
+    QML_VALUE_TYPE(draftFile)
+};
+
 struct DraftActionType {
     Q_GADGET
     QML_FOREIGN(corvane::DraftAction)

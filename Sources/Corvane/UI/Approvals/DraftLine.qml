@@ -144,10 +144,21 @@ Column {
             }
             Label {
                 width: parent.width
-                visible: !line.editing
+                visible: text !== ""
+                wrapMode: Text.Wrap
+                text: line.draft.subject
+                font.weight: Theme.strong
+            }
+            Label {
+                width: parent.width
+                visible: !line.editing && text !== ""
                 wrapMode: Text.Wrap
                 lineHeight: 1.3
                 text: line.open ? line.draft.body : "" // laying out a text of a megabyte takes its time
+            }
+            DraftFiles {
+                width: parent.width
+                files: line.draft.files
             }
             TextBox {
                 id: words
