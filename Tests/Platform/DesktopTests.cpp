@@ -85,6 +85,31 @@ TEST_F(DesktopTest, aPortalMayComeLate)
     EXPECT_FALSE(desktop.prefersReducedMotion()) << "a setting that the portal does not know says nothing";
 }
 
+TEST_F(DesktopTest, filesAreChosenInTheDesktopsWindowAndWithoutOneThePersonIsTold)
+{
+    XdgDesktop desktop(bus, 027);
+    XdgDesktop alone(noBus(), 027);
+    QStringList told;
+    const auto choose = [&](XdgDesktop& where) {
+        QObject context;
+        where.chooseFiles("Attach files", &context, [&](const Result<QList<QUrl>>& files) {
+            told.append(files ? QUrl::toStringList(*files).join(' ') : files.error().message);
+        });
+        privateBus.settle();
+    };
+    const QString none = "This desktop has no window to choose files in. Drag them here, or paste them.";
+    choose(alone);
+    choose(desktop);
+    EXPECT_EQ(std::exchange(told, {}), QStringList({ none, none }));
+    {
+        const FilePortal portal(desktopBus, 0, { "file:///tmp/a%20b.pdf", "file:///c" });
+        choose(desktop);
+    }
+    const FilePortal portal(desktopBus, 1, { "file:///c" });
+    choose(desktop);
+    EXPECT_EQ(told, QStringList({ "file:///tmp/a b.pdf file:///c", "" })) << "the second time the person gave up";
+}
+
 TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)
 {
     XdgDesktop desktop(noBus(), 027);

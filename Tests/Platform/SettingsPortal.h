@@ -3,6 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QObject>
 #include <QVariantMap>
@@ -47,6 +49,40 @@ Q_SIGNALS:
 
 private:
     QDBusConnection m_bus;
+};
+
+/// The file chooser of the same portal; whoever asks is answered at once.
+class FilePortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
+public:
+    FilePortal(const QDBusConnection& bus, uint response, const QStringList& uris)
+        : m_bus(bus)
+        , m_response(response)
+        , m_uris(uris)
+    {
+        m_bus.registerObject("/org/freedesktop/portal/desktop", this, QDBusConnection::ExportScriptableSlots);
+        m_bus.registerService("org.freedesktop.portal.Desktop");
+    }
+    ~FilePortal() override { m_bus.unregisterService("org.freedesktop.portal.Desktop"); }
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusObjectPath OpenFile(const QString&, const QString& title, const QVariantMap& options)
+    {
+        const QString sender = message().service().mid(1).replace('.', '_');
+        const QString path
+            = "/org/freedesktop/portal/desktop/request/" + sender + '/' + options["handle_token"].toString();
+        auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
+        response << m_response << QVariantMap { { "uris", m_uris } };
+        if (title == "Attach files" && options["multiple"].toBool())
+            m_bus.send(response);
+        return QDBusObjectPath(path);
+    }
+
+private:
+    QDBusConnection m_bus;
+    const uint m_response;
+    const QStringList m_uris;
 };
 
 /// A dock that shows the badges of programs.

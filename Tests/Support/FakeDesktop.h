@@ -20,6 +20,10 @@ public:
         openedLinks.append(link);
         return opens;
     }
+    void chooseFiles(const QString&, QObject*, std::function<void(const Result<QList<QUrl>>& files)> done) override
+    {
+        done(chosen);
+    }
     QString hostName() const override { return host; }
     void setBadge(int count) override { badge = count; }
     ColourScheme colourScheme() const override { return scheme; }
@@ -35,6 +39,7 @@ public:
     QList<QUrl> opened;
     QStringList openedFiles;
     QList<QUrl> openedLinks;
+    Result<QList<QUrl>> chosen; ///< what the person chooses
     bool opens = true; ///< whether a program is there for files and links
     QString host = QStringLiteral("studio+1");
     int badge = -1; ///< -1 until it is set

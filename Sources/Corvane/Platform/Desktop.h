@@ -1,7 +1,11 @@
 #pragma once
 
+#include "Foundation/Result.h"
+
+#include <QList>
 #include <QObject>
 #include <QUrl>
+#include <functional>
 
 namespace corvane {
 
@@ -18,6 +22,12 @@ public:
     /// In the program that the desktop keeps for such a file, or for such a link; false where none starts.
     virtual bool openFile(const QString& path) = 0;
     virtual bool openLink(const QUrl& link) = 0;
+
+    /// Lets the person choose files, in the desktop's own window. Unless `context` goes first, `done` is called once:
+    /// with the files, none where the person gave up, or with why there is no such window, in words for them.
+    virtual void chooseFiles(
+        const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
+        = 0;
 
     virtual QString hostName() const = 0; ///< empty where the machine has none
 

@@ -2,6 +2,7 @@
 
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
+#include "Platform/Linux/Bus/PortalFileChooser.h"
 #include "Platform/Linux/Services.h"
 
 #include <QDBusServiceWatcher>
@@ -96,6 +97,12 @@ bool XdgDesktop::openFile(const QString& path)
 bool XdgDesktop::openLink(const QUrl& link)
 {
     return startOpener(link, m_umaskOfOpened);
+}
+
+void XdgDesktop::chooseFiles(
+    const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
+{
+    new PortalFileChooser(m_bus, title, std::move(done), context);
 }
 
 QString XdgDesktop::hostName() const

@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// The desktop through xdg-open, the settings portal and the docks' launcher signal. What the portal says
-/// arrives a moment after the start and is announced as a change of appearance.
+/// The desktop through xdg-open, the portals of settings and files, and the docks' launcher signal. What the portal
+/// says arrives a moment after the start and is announced as a change of appearance.
 class XdgDesktop final : public Desktop {
     Q_OBJECT
 public:
@@ -18,6 +18,8 @@ public:
     void openInBrowser(const QUrl& url) override;
     bool openFile(const QString& path) override;
     bool openLink(const QUrl& link) override;
+    void chooseFiles(
+        const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done) override;
     QString hostName() const override;
     void setBadge(int count) override;
     ColourScheme colourScheme() const override { return m_scheme; }
