@@ -1,6 +1,7 @@
 #include "InboxViewTest.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/Await.h"
 
 using namespace corvane;
 
@@ -37,9 +38,9 @@ TEST_F(ComposeSheetTest, aMessageToANewPersonWaitsForApproval)
 TEST_F(ComposeSheetTest, somebodyKnownKeepsTheirNameAndADeletedConversationTakesNoDraft)
 {
     engines.db().exec("UPDATE unified_conversation SET deleted_at=1;");
-    EXPECT_FALSE(inbox.composeNew(account, "49171", "again"));
+    EXPECT_FALSE(inbox.composeNew(account, "49171", { "again" }));
     engines.db().exec("UPDATE unified_conversation SET deleted_at=NULL;");
-    EXPECT_TRUE(inbox.composeNew(account, "+49 171", "again"));
+    EXPECT_TRUE(inbox.composeNew(account, "+49 171", { "again" }));
     EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
 }
 
@@ -52,8 +53,14 @@ TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
     sheet.setAccountId("nonsense");
     EXPECT_EQ(sheet.accountId(), mail.id.toString());
     EXPECT_EQ(sheet.property("recipientLabel"), "Email address");
-    sheet.setRecipient(" new@x.de ");
+    sheet.setRecipient(" New@X.de ");
     sheet.setMessage("good day");
+    rememberFeatures(engines.db(), mail.slug, { true, 1000, true });
+    sheet.setAccountId(mail.id.toString());
+    EXPECT_TRUE(sheet.takesSubject());
+    sheet.setSubject("Plans");
+    sheet.attachments()->paste({}, "picture");
+    ASSERT_TRUE(await([&] { return sheet.attachments()->isReady(); }));
     engines.db().exec("CREATE TRIGGER full BEFORE INSERT ON outbound_draft BEGIN SELECT RAISE(ABORT, 'full'); END;");
     sheet.submit();
     EXPECT_EQ(sheet.errorText(), "Couldn't queue the draft for this conversation.");
@@ -62,6 +69,7 @@ TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
     sheet.submit();
     EXPECT_FALSE(sheet.shown());
     EXPECT_EQ(inbox.selectedId(), "ct:EMAIL:new@x.de");
+    EXPECT_TRUE(cell("SELECT subject || files FROM outbound_draft;").startsWith("Plans[{"));
     accounts.remove(mail);
     accounts.remove(account);
     EXPECT_EQ(sheet.emptyText(), "Connect an account in Settings first.");

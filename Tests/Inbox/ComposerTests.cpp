@@ -1,10 +1,12 @@
 #include "InboxViewTest.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/Await.h"
 #include "Support/LogCapture.h"
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 
 using namespace corvane;
 
@@ -72,6 +74,79 @@ TEST_F(ComposerTest, wordsAreDroppedAndWhatHoldsNoneIsRefusedWithAWord)
     }
     composer.dropText("words");
     EXPECT_EQ(composer.text() + composer.sendError(), "before\n\nwords");
+}
+
+TEST_F(ComposerTest, filesGoWithTheMessageAndAreKeptWithItsText)
+{
+    const auto file = [this](const QString& name, qsizetype bytes) {
+        home.write(name, QByteArray(bytes, 'x'));
+        return QUrl::fromLocalFile(home.path(name));
+    };
+    engine().printEvent({ { "type", "features" }, { "files", true }, { "maxBytes", 3000 }, { "subject", true } });
+    settle();
+    Attachments& attachments = *composer.attachments();
+    EXPECT_TRUE(composer.takesSubject() && attachments.allowed());
+    desktop.chosen = failure("There is no window to choose in.");
+    attachments.choose();
+    EXPECT_EQ(composer.sendError(), "There is no window to choose in.");
+    desktop.chosen = QList<QUrl> { file("plan.pdf", 2000) };
+    attachments.choose();
+    ASSERT_TRUE(await([&] { return attachments.files().size() == 1; }));
+    EXPECT_EQ(attachments.summary(), "2 kB of 3 kB");
+    EXPECT_TRUE(composer.canSend()) << "files need no text";
+    composer.dropFiles({ file("large.pdf", 1001), QUrl::fromLocalFile(home.path("share")) });
+    EXPECT_EQ(composer.sendError(), "share is a folder, and only files can be attached.");
+    composer.dropFiles({ file("large.pdf", 1001) });
+    EXPECT_EQ(composer.sendError(),
+        "large.pdf (1,001 bytes) doesn't fit: WhatsApp carries at most 3 kB of files in one message.");
+    attachments.paste({}, QByteArray(10, 'p'));
+    ASSERT_TRUE(await([&] { return attachments.files().size() == 2; }));
+    composer.setSubject("Plans");
+    composer.setText("Here");
+
+    inbox.select(ben);
+    EXPECT_EQ(attachments.files().size(), 0);
+    pause();
+    const auto later = restarted();
+    later->select(ana);
+    EXPECT_EQ(later->composer()->subject() + later->composer()->text(), "PlansHere");
+    ASSERT_EQ(later->composer()->attachments()->files().size(), 2);
+    EXPECT_EQ(later->composer()->attachments()->files()[1].name, "Pasted picture.png");
+
+    inbox.select(ana);
+    const QString dropped = attachments.files()[1].path;
+    attachments.remove(dropped);
+    EXPECT_FALSE(QFile::exists(dropped));
+    const QString kept = attachments.files()[0].path;
+    composer.send();
+    const QJsonObject command = engine().commands().last();
+    EXPECT_EQ(command["subject"], "Plans");
+    EXPECT_EQ(command["files"].toArray().size(), 1);
+    EXPECT_EQ(attachments.rows()->rowCount(), 0);
+    EXPECT_TRUE(QFile::exists(kept)) << "until the engine has sent it";
+    const QString id = command["sendId"].toString();
+    engine().printEvent({ { "type", "sendAck" }, { "sendId", id }, { "status", "failed" }, { "error", "full" } });
+    settle();
+    EXPECT_EQ(column(composer.unsent(), "files"), QStringList("plan.pdf"));
+    composer.retry(id);
+    const QString again = engine().commands().last()["sendId"].toString();
+    engine().printEvent({ { "type", "sendAck" }, { "sendId", again }, { "status", "sent" } });
+    settle();
+    EXPECT_FALSE(QFile::exists(kept));
+}
+
+TEST_F(ComposerTest, aChannelThatCarriesNoFilesSaysSo)
+{
+    addEmailToAna();
+    engine().printEvent({ { "type", "features" }, { "files", true } });
+    settle();
+    home.write("plan.pdf", "x");
+    composer.dropFiles({ QUrl::fromLocalFile(home.path("plan.pdf")) });
+    ASSERT_TRUE(await([&] { return composer.canSend(); }));
+    composer.setReplyPlatform("EMAIL");
+    EXPECT_EQ(
+        composer.attachments()->problem(), "Email carries no files here. Remove them, or choose another channel.");
+    EXPECT_FALSE(composer.canSend());
 }
 
 TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)

@@ -1,6 +1,12 @@
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/Await.h"
 #include "WindowTest.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QJsonArray>
+#include <QMimeData>
 
 namespace corvane {
 
@@ -74,6 +80,50 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_TRUE(focusWithin(u"thread.list"_s));
 }
 
+TEST_F(ComposerWindow, aCopiedFileAndPictureArePastedAndASubjectIsTypedWhereTheChannelCarriesThem)
+{
+    EXPECT_EQ(findItem(u"composer.attach"_s), nullptr);
+    launcher.children[0]->printEvent({ { "type", "features" }, { "files", true }, { "subject", true } });
+    settle();
+    rest();
+    ASSERT_NE(item(u"composer.attach"_s), nullptr);
+    inbox.composer()->requestFocus();
+    Attachments& attachments = *inbox.composer()->attachments();
+    const auto paste = [&](QMimeData* copied, qsizetype count) {
+        QGuiApplication::clipboard()->setMimeData(copied);
+        press(Qt::Key_V, Qt::ControlModifier);
+        EXPECT_TRUE(await([&] { return attachments.files().size() == count; }));
+        rest();
+    };
+    home.write(u"plan.pdf"_s, "a plan");
+    auto* const file = new QMimeData;
+    file->setUrls({ QUrl::fromLocalFile(home.path(u"plan.pdf"_s)) });
+    paste(file, 1);
+    auto* const picture = new QMimeData;
+    picture->setImageData(QImage(4, 4, QImage::Format_RGB32));
+    paste(picture, 2);
+    EXPECT_EQ(attachments.files()[1].name, u"Pasted picture.png"_s);
+    EXPECT_EQ(QImage(attachments.files()[1].path).size(), QSize(4, 4));
+    EXPECT_TRUE(differsFromBefore());
+    click(u"file.remove"_s);
+    EXPECT_EQ(attachments.files().size(), 1);
+    auto* const words = new QMimeData;
+    words->setText(u"words"_s);
+    QGuiApplication::clipboard()->setMimeData(words);
+    inbox.composer()->requestFocus();
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(inbox.composer()->text(), u"words"_s);
+    item(u"composer.subject"_s)->forceActiveFocus();
+    type(u"Plans"_s);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(focusWithin(u"composer"_s));
+    press(Qt::Key_Return, Qt::ControlModifier);
+    const QJsonObject command = launcher.children[0]->commands().last();
+    EXPECT_EQ(command[u"subject"], u"Plans"_s);
+    EXPECT_EQ(command[u"files"].toArray().size(), 1);
+    EXPECT_EQ(findItem(u"attachment"_s), nullptr);
+}
+
 TEST_F(ComposerWindow, whatDidNotGoOutOrWasPlacedIsDealtWithWhereItStands)
 {
     type(u"r"_s);
@@ -82,7 +132,7 @@ TEST_F(ComposerWindow, whatDidNotGoOutOrWasPlacedIsDealtWithWhereItStands)
     for (const auto& engine : launcher.children)
         for (const QJsonObject& command : engine->commands())
             if (command.value(u"cmd"_s) == u"send"_s)
-                engine->printEvent({ { u"type"_s, u"sendAck"_s }, { u"draftId"_s, command.value(u"draftId"_s) },
+                engine->printEvent({ { u"type"_s, u"sendAck"_s }, { u"sendId"_s, command.value(u"sendId"_s) },
                     { u"error"_s, u"no such chat"_s } });
     rest();
     item(u"unsent.retry"_s);

@@ -1,6 +1,8 @@
 #include "Inbox/Compose/ComposeSheet.h"
 
 #include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/Text.h"
 
 #include <algorithm>
 
@@ -85,15 +87,24 @@ QString recipientAddress(Channel channel, const QString& recipient)
 {
     if (channel == Channel::WhatsApp)
         return digitsOf(recipient) + QStringLiteral("@s.whatsapp.net");
-    return channel == Channel::Sms ? internationalNumber(recipient.trimmed()) : recipient.trimmed();
+    if (channel == Channel::Sms)
+        return internationalNumber(recipient.trimmed());
+    // Mail is delivered whatever the case, and a conversation is named by the address in lower case.
+    return channel == Channel::Email ? recipient.trimmed().toLower() : recipient.trimmed();
 }
 
-ComposeSheet::ComposeSheet(AccountStore& accounts, Submit onSubmit, QObject* parent)
+ComposeSheet::ComposeSheet(
+    AccountStore& accounts, EngineManager& engine, Desktop& desktop, Submit onSubmit, QObject* parent)
     : QObject(parent)
     , m_accounts(accounts)
+    , m_engine(engine)
     , m_onSubmit(std::move(onSubmit))
+    , m_attachments(engine.outbox(), desktop)
 {
-    connect(&accounts, &AccountStore::accountsChanged, this, &ComposeSheet::changed);
+    connect(&accounts, &AccountStore::accountsChanged, this, &ComposeSheet::readFeatures);
+    connect(&engine, &EngineManager::featuresChanged, this, &ComposeSheet::readFeatures);
+    connect(&m_attachments, &Attachments::changed, this, &ComposeSheet::changed);
+    connect(&m_attachments, &Attachments::refused, this, &ComposeSheet::refuse);
 }
 
 QString ComposeSheet::emptyText() const
@@ -134,6 +145,34 @@ void ComposeSheet::setAccountId(const QString& id)
     if (!m_accounts.find(wanted))
         return;
     m_accountId = wanted;
+    readFeatures();
+}
+
+void ComposeSheet::readFeatures()
+{
+    const auto picked = account();
+    m_features = picked ? fetchFeatures(m_engine.db(), picked->slug) : ChannelFeatures();
+    m_attachments.setChannel(picked ? channelLabel(channelRaw(picked->channel())) : QString(), m_features);
+    Q_EMIT changed();
+}
+
+void ComposeSheet::refuse(const QString& why)
+{
+    m_errorText = why;
+    Q_EMIT changed();
+}
+
+bool ComposeSheet::valid() const
+{
+    const bool says = !m_message.trimmed().isEmpty() || !m_attachments.files().isEmpty();
+    return hasValidRecipient() && says && m_attachments.isReady();
+}
+
+void ComposeSheet::setSubject(const QString& subject)
+{
+    if (m_subject == subject)
+        return;
+    m_subject = subject;
     Q_EMIT changed();
 }
 
@@ -175,7 +214,7 @@ void ComposeSheet::open()
 {
     m_shown = true;
     m_errorText.clear();
-    Q_EMIT changed();
+    readFeatures();
 }
 
 void ComposeSheet::close()
@@ -189,8 +228,12 @@ void ComposeSheet::submit()
     const auto picked = account();
     if (!valid() || !picked)
         return;
-    if (m_onSubmit(*picked, m_recipient, m_message)) {
+    const QString subject = m_features.subject ? singleLine(m_subject) : QString();
+    if (m_onSubmit(*picked, m_recipient, { m_message, subject, m_attachments.files() })) {
+        m_engine.outbox().drop(m_attachments.files()); // the draft has copies
+        m_attachments.show({}, {});
         m_recipient.clear();
+        m_subject.clear();
         m_message.clear();
         m_errorText.clear();
         m_shown = false;

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "Engines/Account.h"
+#include "Inbox/Compose/Attachments.h"
 
-#include <QObject>
 #include <functional>
 
 namespace corvane {
 
 class AccountStore;
+class EngineManager;
 
 /// Whether a message can be addressed so through the account. Blanks around it do not count.
 bool recipientValid(Channel channel, const QString& recipient);
@@ -50,15 +51,20 @@ class ComposeSheet : public QObject {
     Q_PROPERTY(QString recipientExample READ example NOTIFY changed)
     Q_PROPERTY(QString recipient READ recipient WRITE setRecipient NOTIFY changed)
     Q_PROPERTY(bool recipientValid READ hasValidRecipient NOTIFY changed)
+    Q_PROPERTY(bool takesSubject READ takesSubject NOTIFY changed)
+    Q_PROPERTY(QString subject READ subject WRITE setSubject NOTIFY changed)
+    Q_PROPERTY(corvane::Attachments* attachments READ attachments CONSTANT)
     Q_PROPERTY(QString message READ message WRITE setMessage NOTIFY changed)
     Q_PROPERTY(bool valid READ valid NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
 public:
     /// Queues the message; false where that failed.
-    using Submit = std::function<bool(const Account& account, const QString& recipient, const QString& message)>;
+    using Submit
+        = std::function<bool(const Account& account, const QString& recipient, const OutgoingMessage& message)>;
 
-    /// `accounts` outlives the sheet.
-    ComposeSheet(AccountStore& accounts, Submit onSubmit, QObject* parent = nullptr);
+    /// The references outlive the sheet.
+    ComposeSheet(
+        AccountStore& accounts, EngineManager& engine, Desktop& desktop, Submit onSubmit, QObject* parent = nullptr);
 
     QString title() const { return QStringLiteral("New message"); }
     QString note() const { return QStringLiteral("Queues a draft — you approve it before it sends."); }
@@ -73,9 +79,13 @@ public:
     const QString& recipient() const { return m_recipient; }
     void setRecipient(const QString& recipient);
     bool hasValidRecipient() const;
+    bool takesSubject() const { return m_features.subject; }
+    const QString& subject() const { return m_subject; }
+    void setSubject(const QString& subject);
+    Attachments* attachments() { return &m_attachments; }
     const QString& message() const { return m_message; }
     void setMessage(const QString& message);
-    bool valid() const { return hasValidRecipient() && !m_message.trimmed().isEmpty(); }
+    bool valid() const;
     const QString& errorText() const { return m_errorText; }
 
     Q_INVOKABLE void open();
@@ -87,12 +97,18 @@ Q_SIGNALS:
 
 private:
     std::optional<Account> account() const; ///< the one picked, else the first
+    void readFeatures(); ///< of that account
+    void refuse(const QString& why);
 
     AccountStore& m_accounts;
+    EngineManager& m_engine;
     Submit m_onSubmit;
+    Attachments m_attachments;
+    ChannelFeatures m_features;
     std::optional<QUuid> m_accountId;
     bool m_shown = false;
     QString m_recipient;
+    QString m_subject;
     QString m_message;
     QString m_errorText;
 };

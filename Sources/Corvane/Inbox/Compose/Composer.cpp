@@ -2,10 +2,10 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Text.h"
 #include "Inbox/Compose/DroppedText.h"
 #include "Inbox/Compose/ReplyRouting.h"
 #include "Presentation/SendKeys.h"
-#include "Store/Approvals/OutgoingMessage.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <QDir>
@@ -42,12 +42,25 @@ Composer::Composer(const Surroundings& surroundings, QObject* parent)
     , m_defaults(surroundings.defaults)
     , m_texts(surroundings.unsentTextsFile, surroundings.scheduler)
     , m_unsent(surroundings.engine, surroundings.scheduler, surroundings.unsentMessagesFile)
+    , m_attachments(surroundings.engine.outbox(), surroundings.desktop)
     , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
     , m_dictation(surroundings.voice, surroundings.microphone, surroundings.scheduler, surroundings.defaults)
 {
     connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
     connect(&m_dictation, &ComposerDictation::dictated, this, &Composer::takeDictation);
     connect(this, &Composer::replyPlatformChanged, this, &Composer::hintsChanged);
+    connect(this, &Composer::replyPlatformChanged, this, &Composer::readFeatures);
+    connect(&m_engine, &EngineManager::featuresChanged, this, &Composer::readFeatures);
+    connect(&m_attachments, &Attachments::changed, this, &Composer::textChanged);
+    connect(&m_attachments, &Attachments::refused, this, &Composer::setSendError);
+    connect(&m_attachments, &Attachments::added, this, [this](const QString& contactId, const OutgoingFile& file) {
+        OutgoingMessage message = m_texts.message(contactId);
+        message.files.append(file);
+        m_texts.set(contactId, message);
+    });
+    connect(&m_attachments, &Attachments::removed, this,
+        [this] { change([this](OutgoingMessage& message) { message.files = m_attachments.files(); }); });
+    m_engine.outbox().keepPicked(m_texts.files() + m_unsent.files());
 }
 
 Composer::~Composer() = default;
@@ -66,6 +79,7 @@ void Composer::open(const ContactRow& contact)
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
     gatherMerged();
     m_unsent.show(contact.id);
+    m_attachments.show(contact.id, m_texts.message(contact.id).files);
     if (!samePerson) {
         forgetUndo();
         setSendError({});
@@ -86,8 +100,35 @@ void Composer::setText(const QString& text)
 {
     if (m_contact.id.isEmpty() || text == this->text())
         return;
-    m_texts.setText(m_contact.id, text);
+    change([&](OutgoingMessage& message) { message.text = text; });
+}
+
+void Composer::setSubject(const QString& subject)
+{
+    if (!m_contact.id.isEmpty() && subject != this->subject())
+        change([&](OutgoingMessage& message) { message.subject = subject; });
+}
+
+void Composer::change(const std::function<void(OutgoingMessage& message)>& change)
+{
+    OutgoingMessage message = m_texts.message(m_contact.id);
+    change(message);
+    m_texts.set(m_contact.id, message);
     Q_EMIT textChanged();
+}
+
+bool Composer::canSend() const
+{
+    return m_attachments.isReady() && (!text().trimmed().isEmpty() || !m_attachments.files().isEmpty());
+}
+
+void Composer::readFeatures()
+{
+    const auto target
+        = m_contact.id.isEmpty() ? std::nullopt : replyTarget(m_engine.db(), m_contact.id, m_replyPlatform);
+    m_features = target ? fetchFeatures(m_engine.db(), target->account) : ChannelFeatures();
+    m_attachments.setChannel(replyPlatformLabel(), m_features);
+    Q_EMIT featuresChanged();
 }
 
 void Composer::gatherMerged()
@@ -97,9 +138,16 @@ void Composer::gatherMerged()
     for (const QString& id : m_texts.contactIds()) {
         if (id == m_contact.id || personBehind(m_engine.db(), id) != m_contact.id)
             continue;
-        const QString theirs = m_texts.text(id);
-        m_texts.setText(m_contact.id, text().isEmpty() ? theirs : text() + QStringLiteral("\n\n") + theirs);
-        m_texts.setText(id, {});
+        const OutgoingMessage theirs = m_texts.message(id);
+        OutgoingMessage all = m_texts.message(m_contact.id);
+        if (!all.text.isEmpty() && !theirs.text.isEmpty())
+            all.text += QStringLiteral("\n\n");
+        all.text += theirs.text;
+        if (all.subject.isEmpty())
+            all.subject = theirs.subject;
+        all.files += theirs.files;
+        m_texts.set(m_contact.id, all);
+        m_texts.set(id, {});
     }
 }
 
@@ -160,6 +208,10 @@ void Composer::dropText(const QString& text)
 
 void Composer::dropFiles(const QList<QUrl>& files)
 {
+    if (m_attachments.allowed()) {
+        setSendError({});
+        return m_attachments.add(files);
+    }
     const auto text = DroppedText::ofFiles(files);
     if (text)
         dropText(*text);
@@ -184,12 +236,15 @@ void Composer::forgetUndo()
 
 void Composer::send()
 {
-    const QString said = text().trimmed();
-    if (said.isEmpty())
+    if (!canSend())
         return;
-    if (!sendText(m_replyPlatform, said))
+    OutgoingMessage message = m_texts.message(m_contact.id);
+    message.text = message.text.trimmed();
+    message.subject = m_features.subject ? singleLine(message.subject) : QString();
+    if (!sendMessage(m_replyPlatform, message))
         return;
     m_texts.forget(m_contact.id);
+    m_attachments.show(m_contact.id, {});
     forgetUndo();
     Q_EMIT textChanged();
 }
@@ -197,15 +252,15 @@ void Composer::send()
 void Composer::retry(const QString& id)
 {
     const auto message = m_unsent.find(id);
-    if (message && sendText(message->platform, message->text))
+    if (message && sendMessage(message->platform, message->content))
         m_unsent.forget(id);
 }
 
-bool Composer::sendText(const QString& platform, const QString& text)
+bool Composer::sendMessage(const QString& platform, const OutgoingMessage& message)
 {
     return sendThrough(platform, [&](const Account& account, const QString& chatId) {
-        const QString id = m_unsent.begin({ m_contact.id, platform, text }, account);
-        const bool taken = m_engine.sendText(account, chatId, { text }, id);
+        const QString id = m_unsent.begin({ m_contact.id, platform, message }, account);
+        const bool taken = m_engine.sendText(account, chatId, message, id);
         if (!taken)
             m_unsent.forget(id);
         return taken;
@@ -236,8 +291,9 @@ void Composer::takeDictation(const QString& contactId, const QString& said)
         Q_EMIT dictated(said);
         return;
     }
-    const QString before = m_texts.text(contactId);
-    m_texts.setText(contactId, before.isEmpty() ? said : before + QLatin1Char(' ') + said);
+    OutgoingMessage message = m_texts.message(contactId);
+    message.text = message.text.isEmpty() ? said : message.text + QLatin1Char(' ') + said;
+    m_texts.set(contactId, message);
 }
 
 int Composer::insertDictation(const QString& said, int cursor)

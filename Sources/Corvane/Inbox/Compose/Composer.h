@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Inbox/Compose/Attachments.h"
 #include "Inbox/Compose/ComposerDictation.h"
 #include "Inbox/Compose/UnsentMessages.h"
 #include "Inbox/Compose/UnsentTexts.h"
@@ -16,13 +17,16 @@ class EngineManager;
 class UserDefaults;
 struct Account;
 
-/// What stands under the open thread: the text, the channel of the reply, a voice note. The one place from which a
-/// person sends directly. Whatever else prepares a text puts it here by `apply` and cannot send.
+/// What stands under the open thread: the text, its subject and files, the channel of the reply, a voice note. The one
+/// place from which a person sends directly. Whatever else prepares a text puts it here by `apply` and cannot send.
 class Composer : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where no thread is open
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY textChanged)
+    Q_PROPERTY(bool takesSubject READ takesSubject NOTIFY featuresChanged)
+    Q_PROPERTY(QString subject READ subject WRITE setSubject NOTIFY textChanged)
+    Q_PROPERTY(corvane::Attachments* attachments READ attachments CONSTANT)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged) ///< of the last `apply`
     Q_PROPERTY(QList<corvane::Choice> replyPlatforms READ replyPlatforms NOTIFY contactChanged)
     Q_PROPERTY(QString replyPlatform READ replyPlatform WRITE setReplyPlatform NOTIFY replyPlatformChanged)
@@ -45,6 +49,7 @@ public:
         UserDefaults& defaults;
         Scheduler& scheduler;
         Microphone& microphone;
+        Desktop& desktop;
         QString unsentTextsFile;
         QString unsentMessagesFile;
         VoiceServices& voice;
@@ -59,9 +64,13 @@ public:
     void requestFocus() { Q_EMIT focusRequested(); }
 
     const QString& contactId() const { return m_contact.id; }
-    QString text() const { return m_texts.text(m_contact.id); }
+    QString text() const { return m_texts.message(m_contact.id).text; }
     void setText(const QString& text);
-    bool canSend() const { return !text().trimmed().isEmpty(); }
+    bool takesSubject() const { return m_features.subject; }
+    QString subject() const { return m_texts.message(m_contact.id).subject; }
+    void setSubject(const QString& subject);
+    Attachments* attachments() { return &m_attachments; }
+    bool canSend() const; ///< there is something, and the channel carries it
     bool canUndo() const { return m_beforeApply.has_value(); }
     QList<Choice> replyPlatforms() const;
     const QString& replyPlatform() const { return m_replyPlatform; }
@@ -82,10 +91,11 @@ public:
     Q_INVOKABLE void undo(); ///< the text is again what it was before the last `apply`
     Q_INVOKABLE void send();
     Q_INVOKABLE void retry(const QString& id); ///< sends a message that did not go out again
-    Q_INVOKABLE void discard(const QString& id) { m_unsent.forget(id); }
+    Q_INVOKABLE void discard(const QString& id) { m_unsent.discard(id); }
     Q_INVOKABLE void dismissError() { setSendError({}); }
     Q_INVOKABLE void dropText(const QString& text); ///< let go over the field
-    Q_INVOKABLE void dropFiles(const QList<QUrl>& files); ///< their texts; what is no text is refused
+    /// They are attached; where the channel carries no files, their texts are added, and what is no text is refused.
+    Q_INVOKABLE void dropFiles(const QList<QUrl>& files);
     Q_INVOKABLE void startVoice();
     Q_INVOKABLE void dictate(); ///< begins, or ends what was said
 
@@ -96,7 +106,8 @@ public:
 
 Q_SIGNALS:
     void contactChanged();
-    void textChanged();
+    void textChanged(); ///< or the subject, or the files
+    void featuresChanged();
     void undoChanged();
     void replyPlatformChanged();
     void hintsChanged();
@@ -112,8 +123,10 @@ private:
     /// takes nothing, the error is set. True where it was taken.
     bool sendThrough(
         const QString& platform, const std::function<bool(const Account& account, const QString& chatId)>& say);
-    bool sendText(const QString& platform, const QString& text);
     void takeDictation(const QString& contactId, const QString& text);
+    bool sendMessage(const QString& platform, const OutgoingMessage& message);
+    void readFeatures(); ///< of the account that the reply goes through
+    void change(const std::function<void(OutgoingMessage& message)>& change); ///< of what is written to the contact
     void gatherMerged(); ///< what was typed to contacts that are merged into the open one since
     void forgetUndo();
 
@@ -122,9 +135,11 @@ private:
     UserDefaults& m_defaults;
     UnsentTexts m_texts;
     UnsentMessages m_unsent;
+    Attachments m_attachments;
     VoiceRecorder m_voice;
     ComposerDictation m_dictation;
     ContactRow m_contact;
+    ChannelFeatures m_features;
     QString m_replyPlatform;
     QString m_sendError;
     std::optional<QString> m_beforeApply;

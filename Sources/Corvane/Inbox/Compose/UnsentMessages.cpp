@@ -1,6 +1,7 @@
 #include "Inbox/Compose/UnsentMessages.h"
 
 #include "Engines/EngineManager.h"
+#include "Engines/Outbox.h"
 #include "Foundation/Json.h"
 #include "Foundation/Log.h"
 #include "Platform/PrivateFile.h"
@@ -18,7 +19,17 @@ const QString uncertain = QStringLiteral("It may have gone out. ");
 const QString contactKey = QStringLiteral("contact");
 const QString platformKey = QStringLiteral("platform");
 const QString textKey = QStringLiteral("text");
+const QString subjectKey = QStringLiteral("subject");
+const QString filesKey = QStringLiteral("files");
 const QString reasonKey = QStringLiteral("reason");
+
+QString namesOf(const QList<OutgoingFile>& files)
+{
+    QStringList names;
+    for (const OutgoingFile& file : files)
+        names.append(file.name);
+    return names.join(QStringLiteral(", "));
+}
 
 }
 
@@ -44,7 +55,8 @@ void UnsentMessages::load()
         const QJsonObject saved = each.value().toObject();
         Entry entry;
         entry.message = { saved.value(contactKey).toString(), saved.value(platformKey).toString(),
-            saved.value(textKey).toString() };
+            { saved.value(textKey).toString(), saved.value(subjectKey).toString(),
+                filesFromText(saved.value(filesKey).toString()).value_or(QList<OutgoingFile>()) } };
         entry.reason = saved.value(reasonKey).toString();
         if (entry.reason.isEmpty())
             entry.reason = QStringLiteral("Corvane ended before the engine answered. It may have gone out.");
@@ -71,13 +83,30 @@ void UnsentMessages::awaitAnswer(const QString& id)
 {
     const auto found = m_entries.find(id);
     if (found != m_entries.end() && found->second.reason.isEmpty())
-        found->second.limit = m_scheduler.after(answerLimit, [this, id] { forget(QString(id)); });
+        found->second.limit = m_scheduler.after(answerLimit, [this, id] { discard(QString(id)); });
 }
 
 void UnsentMessages::forget(const QString& id)
 {
     if (m_entries.erase(id) > 0)
         changed();
+}
+
+void UnsentMessages::discard(const QString& id)
+{
+    const auto found = m_entries.find(id);
+    if (found == m_entries.end())
+        return;
+    m_engine.outbox().drop(found->second.message.content.files);
+    forget(id);
+}
+
+QList<OutgoingFile> UnsentMessages::files() const
+{
+    QList<OutgoingFile> files;
+    for (const auto& [id, entry] : m_entries)
+        files += entry.message.content.files;
+    return files;
 }
 
 std::optional<UnsentMessages::Message> UnsentMessages::find(const QString& id) const
@@ -90,7 +119,7 @@ std::optional<UnsentMessages::Message> UnsentMessages::find(const QString& id) c
 void UnsentMessages::answer(const QString& id, SendFate fate, const QString& error)
 {
     if (fate == SendFate::Sent)
-        return forget(id);
+        return discard(QString(id));
     const auto found = m_entries.find(id);
     if (found == m_entries.end())
         return;
@@ -120,7 +149,8 @@ void UnsentMessages::changed()
     for (const auto& [id, entry] : m_entries)
         messages.insert(id,
             QJsonObject { { contactKey, entry.message.contactId }, { platformKey, entry.message.platform },
-                { textKey, entry.message.text }, { reasonKey, entry.reason } });
+                { textKey, entry.message.content.text }, { subjectKey, entry.message.content.subject },
+                { filesKey, filesText(entry.message.content.files) }, { reasonKey, entry.reason } });
     if (!writePrivateFile(m_filePath, compactJson(messages), Outlives::Program))
         log(QStringLiteral("UnsentMessages: cannot write ") + m_filePath);
     present();
@@ -132,7 +162,7 @@ void UnsentMessages::present()
     for (const auto& [id, entry] : m_entries) {
         if (!entry.reason.isEmpty() && !m_contactId.isEmpty()
             && personBehind(m_engine.db(), entry.message.contactId) == m_contactId)
-            items.append({ id, entry.message.text,
+            items.append({ id, entry.message.content.text, namesOf(entry.message.content.files),
                 entry.reason.startsWith(uncertain) ? entry.reason : QStringLiteral("Not sent: ") + entry.reason });
     }
     m_rows.assign(items);

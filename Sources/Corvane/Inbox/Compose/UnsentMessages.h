@@ -2,6 +2,7 @@
 
 #include "Foundation/Scheduler.h"
 #include "Presentation/RowListModel.h"
+#include "Store/Approvals/OutgoingMessage.h"
 
 #include <QUuid>
 #include <map>
@@ -17,10 +18,12 @@ class UnsentMessageItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString files MEMBER files)
     Q_PROPERTY(QString reason MEMBER reason)
 public:
     QString id;
     QString body;
+    QString files; ///< their names; empty for none
     QString reason;
 
     static constexpr const char* role = "message";
@@ -36,7 +39,7 @@ public:
     struct Message {
         QString contactId;
         QString platform;
-        QString text;
+        OutgoingMessage content; ///< with the files, which are its own
     };
 
     /// The references outlive the object.
@@ -47,8 +50,10 @@ public:
 
     /// A message is handed to the account's engine. The id goes with it, and comes back with the engine's answer.
     QString begin(const Message& message, const Account& account);
-    void forget(const QString& id); ///< it was not handed over, or is discarded
+    void forget(const QString& id); ///< it was not handed over, or is sent again: its files are somebody else's
+    void discard(const QString& id); ///< it went out, or is wanted no more: with its files
     std::optional<Message> find(const QString& id) const; ///< one that did not go out
+    QList<OutgoingFile> files() const; ///< of all
 
 private:
     struct Entry {

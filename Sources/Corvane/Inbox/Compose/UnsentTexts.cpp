@@ -14,6 +14,27 @@ namespace {
 constexpr Milliseconds writeDelay { 500 };
 constexpr Milliseconds retryDelay { 10'000 };
 
+const QString textKey = QStringLiteral("text");
+const QString subjectKey = QStringLiteral("subject");
+const QString filesKey = QStringLiteral("files");
+
+/// A text alone is a text.
+QJsonValue savedMessage(const OutgoingMessage& message)
+{
+    if (message.subject.isEmpty() && message.files.isEmpty())
+        return message.text;
+    return QJsonObject { { textKey, message.text }, { subjectKey, message.subject },
+        { filesKey, filesText(message.files) } };
+}
+
+OutgoingMessage readMessage(const QJsonValue& saved)
+{
+    if (saved.isString())
+        return { saved.toString() };
+    return { saved[textKey].toString(), saved[subjectKey].toString(),
+        filesFromText(saved[filesKey].toString()).value_or(QList<OutgoingFile>()) };
+}
+
 }
 
 UnsentTexts::UnsentTexts(const QString& filePath, Scheduler& scheduler)
@@ -39,26 +60,34 @@ void UnsentTexts::load()
     if (!texts)
         return;
     for (auto each = texts->begin(); each != texts->end(); ++each) {
-        if (const QString text = each.value().toString(); !text.isEmpty())
-            m_texts.insert(each.key(), text);
+        if (const OutgoingMessage message = readMessage(each.value()); message != OutgoingMessage())
+            m_messages.insert(each.key(), message);
     }
 }
 
-void UnsentTexts::setText(const QString& contactId, const QString& text)
+void UnsentTexts::set(const QString& contactId, const OutgoingMessage& message)
 {
-    if (m_texts.value(contactId) == text)
+    if (m_messages.value(contactId) == message)
         return;
-    if (text.isEmpty())
-        m_texts.remove(contactId);
+    if (message == OutgoingMessage())
+        m_messages.remove(contactId);
     else
-        m_texts.insert(contactId, text);
+        m_messages.insert(contactId, message);
     if (!m_writeSoon)
         m_writeSoon = m_scheduler.after(writeDelay, [this] { write(); });
 }
 
+QList<OutgoingFile> UnsentTexts::files() const
+{
+    QList<OutgoingFile> files;
+    for (const OutgoingMessage& message : m_messages)
+        files += message.files;
+    return files;
+}
+
 void UnsentTexts::forget(const QString& contactId)
 {
-    if (m_texts.remove(contactId))
+    if (m_messages.remove(contactId))
         write();
 }
 
@@ -66,8 +95,8 @@ void UnsentTexts::write()
 {
     m_writeSoon.reset();
     QJsonObject texts;
-    for (auto each = m_texts.cbegin(); each != m_texts.cend(); ++each)
-        texts.insert(each.key(), each.value());
+    for (auto each = m_messages.cbegin(); each != m_messages.cend(); ++each)
+        texts.insert(each.key(), savedMessage(each.value()));
     const bool mayWrite = !m_fileIsDamaged || copyAside(m_filePath);
     // A kill leaves what was written; waiting for the disk at every pause of the keys would be felt.
     if (mayWrite && writePrivateFile(m_filePath, compactJson(texts), Outlives::Program)) {

@@ -145,7 +145,7 @@ void InboxView::jumpTo(const QString& messageId)
     Q_EMIT jumped();
 }
 
-bool InboxView::composeNew(const Account& account, const QString& recipient, const QString& text)
+bool InboxView::composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message)
 {
     const QString channel = channelRaw(account.channel());
     const QString address = recipientAddress(account.channel(), recipient);
@@ -155,7 +155,7 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
         : account.channel() == Channel::WhatsApp      ? WAName::pretty(address)
                                                       : address;
     const QString conversation = ensureConversation(db(), channel, account.slug, address, name, m_scheduler.nowMs());
-    if (!queueDraft(db(), conversation, text, QStringLiteral("compose")))
+    if (!m_engine.queueDraft(conversation, message, QStringLiteral("compose")))
         return false;
     db().watch().tell(StoreSubject::Drafts);
     m_engine.bump();

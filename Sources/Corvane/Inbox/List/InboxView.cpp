@@ -32,14 +32,14 @@ InboxView::InboxView(const Surroundings& surroundings, QObject* parent)
     , m_counts(m_engine.db())
     , m_avatars(m_engine, m_accounts)
     , m_thread(m_engine, m_accounts, m_scheduler)
-    , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone,
+    , m_composer({ m_engine, m_accounts, m_defaults, m_scheduler, surroundings.microphone, surroundings.desktop,
           surroundings.paths.applicationSupport + QStringLiteral("/unsent.json"),
           surroundings.paths.applicationSupport + QStringLiteral("/unsent-messages.json"), surroundings.voice })
     , m_assistant({ m_engine.db(), surroundings.ai, surroundings.translations, m_composer })
     , m_summary(m_engine.db(), surroundings.ai)
     , m_askLumo(m_engine.db(), surroundings.ai)
-    , m_composeSheet(m_accounts,
-          [this](const Account& account, const QString& recipient, const QString& message) {
+    , m_composeSheet(m_accounts, m_engine, surroundings.desktop,
+          [this](const Account& account, const QString& recipient, const OutgoingMessage& message) {
               return composeNew(account, recipient, message);
           })
     , m_crm(m_engine.db(), m_scheduler)

@@ -184,7 +184,7 @@ public:
     void writeNew(); ///< to somebody new, with the inbox in front
 
     /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
-    bool composeNew(const Account& account, const QString& recipient, const QString& text);
+    bool composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message);
 
     /// Archives them, or brings them back where the list shows what is archived.
     Q_INVOKABLE void archive(const QStringList& contactIds);

@@ -19,7 +19,10 @@ FocusScope {
 
     property bool returnSubmits: false ///< not only Ctrl+Return; Shift+Return begins a new line then
 
+    property bool pasteFiles: false ///< files and pictures of the clipboard are told of, and no text is pasted
+
     signal submitted
+    signal filesPasted
 
     function moveToEnd() {
         area.cursorPosition = area.length;
@@ -98,6 +101,9 @@ FocusScope {
                 if (enter && (event.modifiers & Qt.ControlModifier || plain && box.returnSubmits)) {
                     event.accepted = true;
                     box.submitted();
+                } else if (box.pasteFiles && event.matches(StandardKey.Paste) && WindowTools.clipboardHoldsFiles()) {
+                    event.accepted = true;
+                    box.filesPasted();
                 } else if (event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab) {
                     event.accepted = true;
                     nextItemInFocusChain(event.key === Qt.Key_Tab).forceActiveFocus(Qt.TabFocusReason);

@@ -1,10 +1,14 @@
 #include "UI/Controls/WindowTools.h"
 
 #include <QAccessible>
+#include <QBuffer>
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
-#include <QUrl>
+#include <QImage>
+#include <QMimeData>
+
+#include <algorithm>
 
 namespace corvane {
 
@@ -27,6 +31,27 @@ bool WindowTools::eventFilter(QObject* object, QEvent* event)
 void WindowTools::copy(const QString& text) const
 {
     QGuiApplication::clipboard()->setText(text);
+}
+
+QList<QUrl> WindowTools::clipboardFiles() const
+{
+    const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
+    const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
+    return std::ranges::all_of(urls, &QUrl::isLocalFile) ? urls : QList<QUrl>();
+}
+
+bool WindowTools::clipboardHoldsFiles() const
+{
+    const QMimeData* const data = QGuiApplication::clipboard()->mimeData();
+    return !clipboardFiles().isEmpty() || (data && data->hasImage() && !data->hasText());
+}
+
+QByteArray WindowTools::clipboardPicture() const
+{
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    QGuiApplication::clipboard()->image().save(&png, "PNG");
+    return png.data();
 }
 
 void WindowTools::open(const QString& path) const

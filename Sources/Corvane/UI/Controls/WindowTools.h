@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QQuickItem>
+#include <QUrl>
 #include <QtQmlIntegration>
 
 namespace corvane {
@@ -19,6 +20,12 @@ public:
     bool lastInputWasKey() const { return m_lastInputWasKey; }
 
     Q_INVOKABLE void copy(const QString& text) const; ///< to the clipboard
+
+    // What the clipboard holds besides text: files of this machine, or a picture with no text beside it, as PNG.
+    Q_INVOKABLE bool clipboardHoldsFiles() const;
+    Q_INVOKABLE QList<QUrl> clipboardFiles() const;
+    Q_INVOKABLE QByteArray clipboardPicture() const;
+
     Q_INVOKABLE void open(const QString& path) const; ///< a file, in the program that the desktop has for it
 
     /// Says the item's accessible name when the reader has a moment, without moving the focus.

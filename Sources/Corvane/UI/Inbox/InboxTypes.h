@@ -71,6 +71,19 @@ struct VoicePlayerType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct AttachmentsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Attachments)
+    QML_NAMED_ELEMENT(Attachments)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct AttachmentItemType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AttachmentItem)
+    QML_VALUE_TYPE(attachmentItem)
+};
+
 struct ComposerType {
     Q_GADGET
     QML_FOREIGN(corvane::Composer)

@@ -12,6 +12,7 @@ Sheet {
     title: compose.title
     onAboutToShow: {
         recipient.text = compose.recipient;
+        subject.text = compose.subject;
         message.text = compose.message;
         recipient.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -58,6 +59,15 @@ Sheet {
         label: sheet.compose.recipientLabel
         placeholderText: sheet.compose.recipientExample
         onTextEdited: sheet.compose.recipient = text
+        onAccepted: (subject.visible ? subject : message).forceActiveFocus(Qt.TabFocusReason)
+    }
+    TextField {
+        id: subject
+        objectName: "newMessage.subject"
+        width: parent.width
+        visible: sheet.compose.emptyText === "" && sheet.compose.takesSubject
+        label: qsTr("Subject")
+        onTextEdited: sheet.compose.subject = text
         onAccepted: message.forceActiveFocus(Qt.TabFocusReason)
     }
     TextBox {
@@ -70,6 +80,30 @@ Sheet {
         minimumLines: 4
         onTextChanged: sheet.compose.message = text
         onSubmitted: sheet.compose.submit()
+        pasteFiles: sheet.compose.attachments.allowed
+        onFilesPasted: sheet.compose.attachments.paste(WindowTools.clipboardFiles(), WindowTools.clipboardPicture())
+
+        DropArea {
+            anchors.fill: parent
+            enabled: sheet.compose.attachments.allowed
+            onEntered: drag => drag.accepted = drag.hasUrls
+            onDropped: drop => sheet.compose.attachments.add(drop.urls)
+        }
+    }
+    Row {
+        width: parent.width
+        visible: sheet.compose.attachments.allowed || files.visible
+        spacing: Theme.small
+        AttachButton {
+            id: attach
+            labelled: files.count === 0
+            attachments: sheet.compose.attachments
+        }
+        AttachmentList {
+            id: files
+            width: parent.width - attach.width - parent.spacing
+            attachments: sheet.compose.attachments
+        }
     }
     Label {
         width: parent.width

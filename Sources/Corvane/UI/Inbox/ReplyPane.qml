@@ -47,7 +47,6 @@ FocusScope {
             color: Theme.line
         }
     }
-    // Words are all that can be said here: a picture or another file has no way to the channel.
     DropArea {
         id: drop
         anchors.fill: parent
@@ -99,6 +98,20 @@ FocusScope {
             dismissable: true
             onDismissed: pane.voice.dismissNotice()
         }
+        AttachmentList {
+            width: parent.width
+            attachments: pane.composer.attachments
+        }
+        TextField {
+            objectName: "composer.subject"
+            width: parent.width
+            visible: pane.composer.takesSubject && !pane.composer.showsVoice
+            placeholderText: qsTr("Subject (as before, where it is empty)")
+            Accessible.name: qsTr("Subject")
+            text: pane.composer.subject
+            onTextEdited: pane.composer.subject = text
+            onAccepted: pane.focusField()
+        }
         VoiceNote {
             width: parent.width
             visible: pane.composer.showsVoice
@@ -134,6 +147,8 @@ FocusScope {
                 text: pane.composer.text
                 onTextChanged: pane.composer.text = text
                 onSubmitted: pane.composer.send()
+                pasteFiles: pane.composer.attachments.allowed
+                onFilesPasted: pane.composer.attachments.paste(WindowTools.clipboardFiles(), WindowTools.clipboardPicture())
                 onEditingChanged: pane.composer.editing = editing
             }
             Row {
@@ -142,6 +157,7 @@ FocusScope {
                 anchors.bottom: parent.bottom
                 spacing: Theme.tight
 
+                AttachButton { attachments: pane.composer.attachments }
                 IconButton {
                     objectName: "composer.dictate"
                     icon.name: "dictate"

@@ -42,10 +42,18 @@ Column {
                 Label {
                     id: words
                     width: parent.width
+                    visible: text !== ""
                     text: bubble.message.body
                     wrapMode: Text.Wrap
                     maximumLineCount: 6
                     lineHeight: 1.2
+                    Accessible.ignored: true
+                }
+                Label {
+                    width: parent.width
+                    visible: text !== ""
+                    text: bubble.message.files
+                    color: Theme.soft
                     Accessible.ignored: true
                 }
                 Label {

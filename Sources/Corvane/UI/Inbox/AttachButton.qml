@@ -1,0 +1,22 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Inbox
+
+/// Picks files for a message.
+Button {
+    id: button
+
+    required property Attachments attachments
+    property bool labelled: false ///< the words stand beside the sign
+
+    objectName: "composer.attach"
+    visible: attachments.allowed
+    kind: "quiet"
+    leftPadding: labelled ? Theme.medium : 7
+    rightPadding: leftPadding
+    icon.name: "mail-attachment"
+    text: labelled ? qsTr("Attach files") : ""
+    hint: labelled ? "" : qsTr("Attach files")
+    Accessible.name: qsTr("Attach files")
+    onClicked: attachments.choose()
+}
