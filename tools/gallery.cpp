@@ -5,6 +5,7 @@
 #include "gallery-approvals.h"
 #include "gallery-calls.h"
 #include "gallery-connect.h"
+#include "gallery-files.h"
 #include "gallery-machine.h"
 #include "gallery-terminal.h"
 #include "gallery-voice.h"
@@ -209,6 +210,9 @@ void Gallery::inboxScreens()
     save(u"inbox-group"_s, { Look::Light, Look::Dark });
     openThread(u"Hannah Fischer"_s);
     save(u"inbox-mail"_s, { Look::Light });
+    drawFiles(
+        m_app, m_screens, [this](Milliseconds pause) { wait(pause); },
+        [this](const QString& name, Look look) { save(name, { look }); });
     openThread(u"Megan Price"_s);
     queueReply(u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
     inbox.composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
