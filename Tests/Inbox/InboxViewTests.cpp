@@ -106,6 +106,7 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     inbox.clearActiveEmptyFilter();
     EXPECT_EQ(inbox.search(), "");
     EXPECT_EQ(names().size(), 2);
+    EXPECT_EQ(column(inbox.contacts(), "snippet").first(), "Yes.");
     EXPECT_EQ(inbox.messageHits()->rowCount(), 0);
 }
 

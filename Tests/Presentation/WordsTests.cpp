@@ -131,7 +131,7 @@ TEST(MailText, aQuotedTailReachesToTheEndAndFollowsSomething)
     };
     for (const auto& [body, head, quote] : cases) {
         const qsizetype start = MailText::quoteStart(body);
-        EXPECT_EQ(body.first(start).trimmed(), head.trimmed());
+        EXPECT_EQ(MailText::withoutQuote(body).trimmed(), head.trimmed());
         EXPECT_EQ(MailText::unquoted(body.sliced(start)), quote);
     }
 }

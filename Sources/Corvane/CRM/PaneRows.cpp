@@ -4,6 +4,7 @@
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/MailText.h"
 #include "Presentation/WAName.h"
 
 namespace corvane {
@@ -15,7 +16,7 @@ constexpr int longestText = 10'000; ///< more would hold up the window, and nobo
 
 QString line(const QString& text)
 {
-    return singleLine(BodyText::printable(firstCharacters(text, lineLength)));
+    return singleLine(BodyText::printable(MailText::withoutQuote(firstCharacters(text, lineLength))));
 }
 
 QString joined(QStringList parts)

@@ -48,6 +48,11 @@ qsizetype quoteStart(const QString& body)
     return text.size();
 }
 
+QString withoutQuote(const QString& body)
+{
+    return body.first(quoteStart(body));
+}
+
 QString unquoted(const QString& quote)
 {
     QStringList lines = quote.split(u'\n');

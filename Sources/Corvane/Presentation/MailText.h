@@ -9,6 +9,9 @@ namespace corvane::MailText {
 /// nothing but a quotation. Costs no more than the length of that tail.
 qsizetype quoteStart(const QString& body);
 
+/// The text before its quoted tail.
+QString withoutQuote(const QString& body);
+
 /// A quotation without the outermost ">" of its lines.
 QString unquoted(const QString& quote);
 

@@ -6,6 +6,7 @@
 #include "Presentation/BodyText.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/MailText.h"
 #include "Presentation/WAName.h"
 
 #include <QFileInfo>
@@ -25,7 +26,7 @@ QString lineOf(const QString& text)
 
 QString snippetOf(const QString& body, const QString& mediaType)
 {
-    const QString start = body.left(2 * snippetLength).trimmed();
+    const QString start = MailText::withoutQuote(body.left(2 * snippetLength)).trimmed();
     if (start.isEmpty())
         return mediaType.isEmpty() ? QString() : UnifiedBubble::mediaWord(mediaType);
     if (const auto text = UnifiedBubble::textBehindMark(start)) {

@@ -20,6 +20,15 @@ constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
 const QString whatsApp = QStringLiteral("WHATSAPP");
 
+/// A file that came with a message has its id, a slash and a number; the message alone counts as unread.
+bool isAttachment(const UnifiedMsgRow& row)
+{
+    const qsizetype slash = row.providerMsgId.lastIndexOf(u'/');
+    bool isNumber = false;
+    row.providerMsgId.mid(slash + 1).toInt(&isNumber);
+    return slash > 0 && isNumber && row.mediaType.has_value();
+}
+
 /// Whether some of the words stand in the quoted tail alone.
 bool isInQuote(const QString& body, const QString& words)
 {
@@ -176,7 +185,7 @@ void ThreadView::markFirstUnread()
         return;
     int left = m_unread;
     for (auto row = m_window.messages().crbegin(); row != m_window.messages().crend() && left > 0; ++row) {
-        if (row->direction == u"OUT" || row->ts > m_openedAt.ts)
+        if (row->direction == u"OUT" || row->ts > m_openedAt.ts || isAttachment(*row))
             continue;
         if (--left == 0)
             m_firstUnreadId = row->id;

@@ -15,7 +15,7 @@ T.TextField {
     leftPadding: icon ? 34 : Theme.medium
     rightPadding: Theme.medium
     verticalAlignment: TextInput.AlignVCenter
-    color: Theme.text
+    color: readOnly ? Theme.soft : Theme.text
     font.pixelSize: Theme.body
     placeholderTextColor: Theme.faint
     selectionColor: Theme.accent

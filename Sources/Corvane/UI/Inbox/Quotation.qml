@@ -35,13 +35,20 @@ Column {
         Label {
             id: quoted
             x: Theme.small
-            width: Math.min(implicitWidth, quotation.maximumWidth - x)
+            width: Math.min(Math.ceil(measure.implicitWidth), quotation.maximumWidth - x)
             wrapMode: Text.Wrap
             lineHeight: 1.2
             elide: Text.ElideNone
             text: quotation.message.quote
             color: Theme.soft
             Accessible.ignored: true
+        }
+        Text {
+            id: measure
+            visible: false
+            textFormat: Text.PlainText
+            font: quoted.font
+            text: quoted.text
         }
     }
 }
