@@ -5,8 +5,10 @@
 #include "gallery-look.h"
 
 #include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
+#include "Foundation/Ids.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Messages/InboxQueries.h"
