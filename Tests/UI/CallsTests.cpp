@@ -41,6 +41,11 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
     EXPECT_EQ(screens.calls.page()->stateText(), "Ready");
     click(u"call.apply"_s);
     EXPECT_NE(screens.calls.page()->proposals().value(1).state + screens.calls.page()->proposals().value(0).error, "");
+    item(u"call.notes.text"_s)->forceActiveFocus();
+    type(u"bring tea"_s);
+    screens.calls.page()->reload();
+    rest();
+    EXPECT_EQ(item(u"call.notes.text"_s)->property("text"), "bring tea") << "what is typed stays";
     click(u"calls.search"_s);
     type(u"offer"_s);
     rest();

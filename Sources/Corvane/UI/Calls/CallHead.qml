@@ -20,15 +20,13 @@ Item {
             id: title
             objectName: "call.title"
             width: Math.min(parent.width, 460)
-            text: head.page.title
             font.pixelSize: Theme.title
             font.weight: Theme.strong
             placeholderText: qsTr("Name of the call")
             onTextChanged: if (!activeFocus) cursorPosition = 0 // a long name shows its start
-            onEditingFinished: {
-                head.page.rename(text);
-                text = Qt.binding(() => head.page.title);
-            }
+            onEditingFinished: head.page.rename(text)
+            // What is being typed stays, whatever changes meanwhile.
+            Binding { title.text: head.page.title; when: !title.activeFocus }
         }
         Label {
             width: parent.width

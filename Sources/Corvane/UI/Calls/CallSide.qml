@@ -168,9 +168,7 @@ FocusScope {
                 minimumLines: 3
                 maximumLines: 12
                 text: side.page.notes
-                onEditingChanged: if (!editing) side.page.notes = text
-                onSubmitted: side.page.notes = text
-                Component.onDestruction: if (editing) side.page.notes = text
+                onTextChanged: if (editing) side.page.notes = text
             }
         }
     }
