@@ -26,7 +26,7 @@ Item {
             onTextChanged: if (!activeFocus) cursorPosition = 0 // a long name shows its start
             onEditingFinished: head.page.rename(text)
             // What is being typed stays, whatever changes meanwhile.
-            Binding { title.text: head.page.title; when: !title.activeFocus }
+            Binding { target: title; property: "text"; value: head.page.title; when: !title.activeFocus; restoreMode: Binding.RestoreNone }
         }
         Label {
             width: parent.width
