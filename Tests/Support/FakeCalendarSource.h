@@ -33,7 +33,10 @@ public:
         return failure(QStringLiteral("It takes none."));
     }
     Result<void> remove(const CalendarPlaces&, const QString&, const QString&) override { return {}; }
-    Result<int> import(const CalendarPlaces&, const QString&, const QByteArray&) override { return 0; }
+    Result<CalendarImport> import(const CalendarPlaces&, const QString&, const QByteArray&) override
+    {
+        return CalendarImport();
+    }
     Result<QByteArray> exported(const CalendarPlaces&, const QString&, const QString&) override
     {
         return failure(QStringLiteral("It holds none."));

@@ -20,8 +20,8 @@ struct CalendarPlaces {
 struct CalendarInfo {
     QString id; ///< stays the same for as long as the calendar is where it is
     QString title;
-    QString colour; ///< "#rrggbb", or empty
-    QString origin; ///< in words: the folder, or the service's name
+    QString colour {}; ///< "#rrggbb", or empty
+    QString origin {}; ///< in words: the folder, or the service's name
     bool writable = false;
 
     bool operator==(const CalendarInfo&) const = default;
@@ -47,7 +47,7 @@ struct CalendarEntry {
     qint64 startMs = 0;
     qint64 endMs = 0; ///< of one that lasts all day: the local midnight at its end
     bool allDay = false;
-    QList<CalendarPerson> people; ///< the organizer first
+    QList<CalendarPerson> people {}; ///< the organizer first
 
     bool operator==(const CalendarEntry&) const = default;
 };
@@ -66,6 +66,13 @@ struct NewCalendarEntry {
     qint64 startMs = 0;
     qint64 endMs = 0;
     bool allDay = false; ///< from and to a local midnight
+    qint64 stampMs = 0; ///< when it was made
+};
+
+/// What became of the events of a file; a series counts once.
+struct CalendarImport {
+    int added = 0;
+    int present = 0; ///< there before, and left as they are
 };
 
 enum class CalendarAccess { None, WriteOnly, Full };
@@ -90,10 +97,12 @@ public:
     /// Takes back what `add` wrote; an error where it was changed since.
     virtual Result<void> remove(const CalendarPlaces& places, const QString& calendarId, const QString& uid) = 0;
 
-    /// The events of a calendar file, each with its exceptions, are put into the calendar. Their number.
-    virtual Result<int> import(const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics) = 0;
+    /// Puts the events of a calendar file into the calendar.
+    virtual Result<CalendarImport> import(
+        const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics)
+        = 0;
 
-    /// A calendar file of these events, series whole.
+    /// A calendar file of the event, a series whole.
     virtual Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid)
         = 0;
 

@@ -8,6 +8,7 @@ namespace corvane {
 class AddressBook;
 class AudioPlayer;
 class CallAudio;
+class CalendarSource;
 class Desktop;
 class GlobalShortcuts;
 class MachineFacts;
@@ -39,6 +40,7 @@ std::unique_ptr<Tray> makeTray();
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler);
 std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths);
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
+std::unique_ptr<CalendarSource> makeCalendarSource(const AppPaths& paths);
 std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder);
 std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
 std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< takes a model of the person's
