@@ -47,13 +47,18 @@ QString dayAndZone(qint64 nowMs)
 
 }
 
+CalendarPlaces calendarPlaces(const UserDefaults& defaults)
+{
+    return { defaults.text(foldersKey).value_or(QString()).split(u':', Qt::SkipEmptyParts),
+        defaults.boolean(serviceKey).value_or(false) };
+}
+
 CalendarStore::CalendarStore(Surroundings surroundings, QObject* parent)
     : QObject(parent)
     , m_at(std::move(surroundings))
+    , m_places(calendarPlaces(m_at.defaults))
     , m_changes(m_at.scheduler, pauseBetweenChanges, [this] { refresh(); })
 {
-    m_places.folders = m_at.defaults.text(foldersKey).value_or(QString()).split(u':', Qt::SkipEmptyParts);
-    m_places.service = m_at.defaults.boolean(serviceKey).value_or(false);
     m_excluded = m_at.defaults.text(excludedKey).value_or(QString()).split(betweenNames, Qt::SkipEmptyParts);
     connect(&m_at.source, &CalendarSource::changed, this, [this] { m_changes.request(); });
     m_workspaceChanged = m_at.notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
@@ -114,12 +119,12 @@ void CalendarStore::refresh()
 {
     if (m_access == Access::Unknown)
         return;
-    if (m_access == Access::Denied || m_at.source.access(m_places) != CalendarAccess::Full) {
-        if (m_at.source.access(m_places) != CalendarAccess::Full)
-            return m_access == Access::Granted ? requestAccess() : void();
-        return grant();
-    }
-    if (m_reading)
+    const bool readable = m_at.source.access(m_places) == CalendarAccess::Full;
+    if (readable != (m_access == Access::Granted))
+        requestAccess(); // what was missing came, or what was there went
+    else if (!readable)
+        m_at.source.watch(m_places);
+    else if (m_reading)
         m_again = true;
     else
         read();
@@ -187,11 +192,23 @@ QList<CalEvent> CalendarStore::mapped(const CalendarReading& reading, const QStr
 QStringList CalendarStore::ownAddresses() const
 {
     QStringList own = m_at.ownAddresses ? m_at.ownAddresses() : QStringList();
-    own += m_at.defaults.text(addressesKey).value_or(QString()).split(u',', Qt::SkipEmptyParts);
+    own += extraAddresses().split(u',', Qt::SkipEmptyParts);
     for (QString& address : own)
         address = address.trimmed();
     own.removeAll(QString());
     return own;
+}
+
+QString CalendarStore::extraAddresses() const
+{
+    return m_at.defaults.text(addressesKey).value_or(QString());
+}
+
+void CalendarStore::setExtraAddresses(const QString& addresses)
+{
+    m_at.defaults.setText(addressesKey, addresses);
+    refresh();
+    Q_EMIT changed();
 }
 
 /// A day that begins, a machine that wakes, a clock or zone that is set: each moves what the mirror holds.

@@ -10,6 +10,8 @@ namespace corvane {
 class BackgroundQueue;
 class UserDefaults;
 
+CalendarPlaces calendarPlaces(const UserDefaults& defaults); ///< as the user chose them
+
 /// The mirror of the user's calendars: a day back and sixty ahead, in memory and in the database, where other
 /// programs read it.
 class CalendarStore : public QObject {
@@ -51,6 +53,9 @@ public:
 
     const CalendarPlaces& places() const { return m_places; }
     void setPlaces(const CalendarPlaces& places);
+
+    QString extraAddresses() const; ///< of the user, beside those of the accounts, with commas between them
+    void setExtraAddresses(const QString& addresses);
 
     const Surroundings& surroundings() const { return m_at; }
 

@@ -102,6 +102,12 @@ std::optional<QUrl> meetingURL(const CalEvent& event)
     return web == links.end() ? std::nullopt : std::optional(*web);
 }
 
+std::optional<QUrl> joinURL(const CalEvent& event)
+{
+    const std::optional<QUrl> url = meetingURL(event);
+    return url && (url->scheme() == "https"_L1 || url->scheme() == "http"_L1) ? url : std::nullopt;
+}
+
 QString compactTitle(const CalEvent& event)
 {
     const QString title = event.title.trimmed();

@@ -15,6 +15,8 @@ bool isMeetingCandidate(const CalEvent& event);
 
 std::optional<QUrl> meetingURL(const CalEvent& event); ///< of a meeting service, else the first web link
 
+std::optional<QUrl> joinURL(const CalEvent& event); ///< the same, where a browser may open it
+
 QString compactTitle(const CalEvent& event); ///< 32 characters at most
 
 /// The first candidate that has not ended.

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Platform/CalendarSource.h"
+
+#include <functional>
+
+namespace corvane {
+
+class CalendarStore;
+class UserDefaults;
+
+// What is written to the calendars, away from the main thread; the mirror follows. Nothing comes home once `context` is
+// gone.
+
+/// A calendar that takes events: the first one of that title, else the default; nothing where none takes any.
+std::optional<CalendarInfo> writableCalendar(const CalendarStore& store, const QString& title = {});
+
+QString defaultCalendar(const UserDefaults& defaults); ///< the id that was chosen for new events; empty for none
+void setDefaultCalendar(CalendarStore& store, const QString& id);
+
+void addEvent(CalendarStore& store, const QString& calendarId, const NewCalendarEntry& entry, QObject* context,
+    const std::function<void(const Result<QString>& eventId)>& done);
+void takeBackEvent(CalendarStore& store, const QString& calendarId, const QString& uid, QObject* context,
+    const std::function<void(const Result<void>&)>& done);
+
+/// The blocking part of an import, into the calendar that new events go to; what came of it in words.
+Result<QString> importFile(
+    CalendarSource& source, const CalendarPlaces& places, const QString& chosen, const QString& path);
+
+/// Into the default calendar; what came of it in words.
+void importEvents(CalendarStore& store, const QString& path, QObject* context,
+    const std::function<void(const Result<QString>&)>& done);
+void exportEvent(CalendarStore& store, const QString& eventId, const QString& path, QObject* context,
+    const std::function<void(const Result<QString>&)>& done);
+
+void makeCalendar(CalendarStore& store, const QString& title); ///< and reads it from now on
+
+}

@@ -1,0 +1,119 @@
+#include "Calendar/CalendarSettings.h"
+
+#include "Calendar/CalendarCommands.h"
+#include "Calendar/CalendarEdits.h"
+#include "Calendar/CalendarStore.h"
+#include "Foundation/UserDefaults.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+CalendarSettings::CalendarSettings(CalendarStore& store, CalendarCommands& commands, QObject* parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_commands(commands)
+{
+    connect(&m_store, &CalendarStore::changed, this, &CalendarSettings::changed);
+    connect(&m_commands, &CalendarCommands::changed, this, &CalendarSettings::changed);
+}
+
+bool CalendarSettings::isConnected() const
+{
+    return m_store.access() != CalendarStore::Access::Unknown;
+}
+
+QString CalendarSettings::stateText() const
+{
+    if (!isConnected())
+        return u"Calendar not connected"_s;
+    if (const auto& error = m_store.lastError())
+        return *error;
+    const qsizetype count = m_store.calendars().size();
+    return count == 1 ? u"1 calendar is read"_s : u"%1 calendars are read"_s.arg(count);
+}
+
+QList<CalendarLine> CalendarSettings::calendars() const
+{
+    const auto writable = writableCalendar(m_store);
+    QList<CalendarLine> lines;
+    for (const CalendarInfo& calendar : m_store.calendars()) {
+        const QString detail = calendar.writable ? calendar.origin : calendar.origin + u" · can only be read"_s;
+        lines.append({ calendar.id, calendar.title, detail, m_store.isCalendarIncluded(calendar.title),
+            calendar.writable, writable && writable->id == calendar.id });
+    }
+    return lines;
+}
+
+QStringList CalendarSettings::folders() const
+{
+    return m_store.places().folders;
+}
+
+bool CalendarSettings::agentsMayAdd() const
+{
+    return m_commands.agentsMayAdd();
+}
+
+void CalendarSettings::setAgentsMayAdd(bool may)
+{
+    m_commands.setAgentsMayAdd(may);
+}
+
+QString CalendarSettings::addresses() const
+{
+    return m_store.extraAddresses();
+}
+
+void CalendarSettings::setAddresses(const QString& addresses)
+{
+    m_store.setExtraAddresses(addresses);
+}
+
+void CalendarSettings::connectCalendar()
+{
+    m_store.requestAccess();
+}
+
+void CalendarSettings::makeLocal()
+{
+    makeCalendar(m_store, u"Personal"_s);
+}
+
+void CalendarSettings::toggle(const QString& title)
+{
+    m_store.toggleCalendar(title);
+}
+
+void CalendarSettings::chooseForNew(const QString& id)
+{
+    setDefaultCalendar(m_store, id);
+}
+
+QString CalendarSettings::addFolder(const QString& path)
+{
+    const QString folder = path.trimmed();
+    const QString absolute = folder.startsWith("~/"_L1) ? QDir::homePath() + folder.sliced(1) : folder;
+    if (!QDir::isAbsolutePath(absolute) || !QFileInfo(absolute).isDir())
+        return u"There is no such folder."_s;
+    if (absolute.contains(u':'))
+        return u"The folder's name must not hold a colon."_s;
+    CalendarPlaces places = m_store.places();
+    if (!places.folders.contains(folder))
+        places.folders.append(folder);
+    m_store.setPlaces(places);
+    m_store.requestAccess();
+    return {};
+}
+
+void CalendarSettings::removeFolder(const QString& path)
+{
+    CalendarPlaces places = m_store.places();
+    places.folders.removeAll(path);
+    m_store.setPlaces(places);
+}
+
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Presentation/Choice.h"
+
+#include <QUrl>
+
+namespace corvane {
+
+class CalendarCommands;
+class CalendarStore;
+
+/// A calendar, or a folder of them, as the settings list it.
+class CalendarLine {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(bool shown MEMBER shown)
+    Q_PROPERTY(bool takesNew MEMBER takesNew)
+    Q_PROPERTY(bool chosen MEMBER chosen)
+public:
+    QString id;
+    QString title;
+    QString detail;
+    bool shown = true;
+    bool takesNew = false; ///< new events can be written into it
+    bool chosen = false; ///< and are
+
+    bool operator==(const CalendarLine&) const = default;
+};
+
+/// The calendar's part of the settings.
+class CalendarSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool connected READ isConnected NOTIFY changed)
+    Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
+    Q_PROPERTY(QList<corvane::CalendarLine> calendars READ calendars NOTIFY changed)
+    Q_PROPERTY(QStringList folders READ folders NOTIFY changed) ///< further ones, that the user named
+    Q_PROPERTY(bool agentsMayAdd READ agentsMayAdd WRITE setAgentsMayAdd NOTIFY changed)
+    Q_PROPERTY(QString addresses READ addresses WRITE setAddresses NOTIFY changed)
+public:
+    /// Both outlive the object.
+    CalendarSettings(CalendarStore& store, CalendarCommands& commands, QObject* parent = nullptr);
+
+    bool isConnected() const;
+    QString stateText() const;
+    QList<CalendarLine> calendars() const;
+    QStringList folders() const;
+    bool agentsMayAdd() const;
+    void setAgentsMayAdd(bool may);
+    QString addresses() const; ///< of the user beside those of the accounts, with commas
+    void setAddresses(const QString& addresses);
+
+    Q_INVOKABLE void connectCalendar();
+    Q_INVOKABLE void makeLocal();
+    Q_INVOKABLE void toggle(const QString& title); ///< shows a calendar, or no longer
+    Q_INVOKABLE void chooseForNew(const QString& id);
+    Q_INVOKABLE QString addFolder(const QString& path); ///< why not, or nothing
+    Q_INVOKABLE void removeFolder(const QString& path); ///< it stays on the disk
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    CalendarStore& m_store;
+    CalendarCommands& m_commands;
+};
+
+}

@@ -1,0 +1,363 @@
+#include "Calendar/CalendarView.h"
+
+#include "Calendar/CalendarCommands.h"
+#include "Calendar/CalendarEdits.h"
+#include "Calendar/MeetingRules.h"
+#include "Foundation/Ids.h"
+#include "Platform/Desktop.h"
+#include "Presentation/DateWords.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <algorithm>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int weekDays = 7;
+constexpr Milliseconds minute { 60'000 };
+constexpr qint64 mirrorBackMs = 86'400'000;
+constexpr qint64 mirrorAheadMs = 60LL * 86'400'000;
+
+qint64 startOf(const QDate& day)
+{
+    return day.startOfDay().toMSecsSinceEpoch();
+}
+
+EventCard cardOf(LocalDB& db, const CalEvent& event, qint64 nowMs)
+{
+    EventCard card { event.id, event.title, whenText(event, nowMs), event.location, event.calendar, event.notes, {},
+        isJoinable(event, nowMs), isMeetingCandidate(event), {} };
+    if (const auto link = joinURL(event))
+        card.link = link->toString();
+    for (const CalAttendee& attendee : event.attendeeDetails) {
+        const QString detail = attendee.currentUser ? u"you"_s
+            : attendee.declined                     ? u"declined"_s
+            : attendee.email == attendee.name       ? QString()
+                                                    : attendee.email;
+        card.people.append({ attendee.name, detail,
+            attendee.currentUser ? QString()
+                                 : attendeeContact(db, attendee.email, attendee.name).value_or(QString()) });
+    }
+    return card;
+}
+
+}
+
+CalendarView::CalendarView(const Surroundings& surroundings, QObject* parent)
+    : QObject(parent)
+    , m_at(surroundings)
+    , m_day(DateWords(nowMs()).today())
+{
+    connect(&m_at.store, &CalendarStore::changed, this, &CalendarView::readPage);
+    connect(&m_at.commands, &CalendarCommands::changed, this, &CalendarView::changed);
+    m_minute = m_at.store.surroundings().scheduler.every(minute, [this] { lay(); });
+    readPage();
+}
+
+CalendarView::~CalendarView() = default;
+
+qint64 CalendarView::nowMs() const
+{
+    return m_at.store.surroundings().scheduler.nowMs();
+}
+
+QString CalendarView::state() const
+{
+    switch (m_at.store.access()) {
+    case CalendarStore::Access::Unknown:
+        return u"unknown"_s;
+    case CalendarStore::Access::Denied:
+        return m_at.store.events().isEmpty() ? u"denied"_s : u"ready"_s;
+    case CalendarStore::Access::Granted:
+        return u"ready"_s;
+    }
+    return {};
+}
+
+QString CalendarView::emptyTitle() const
+{
+    return m_at.store.access() == CalendarStore::Access::Unknown ? u"Calendar not connected"_s
+                                                                 : u"Calendar access denied"_s;
+}
+
+QString CalendarView::emptyText() const
+{
+    return m_at.store.access() == CalendarStore::Access::Unknown
+        ? u"Connect the calendars on this computer to see your meetings here, and prepare for them."_s
+        : m_at.store.lastError().value_or(QString());
+}
+
+QString CalendarView::notice() const
+{
+    return !m_told.isEmpty() || state() != "ready"_L1 ? m_told : m_at.store.lastError().value_or(QString());
+}
+
+QDate CalendarView::firstDay() const
+{
+    if (!m_week)
+        return m_day;
+    const int back = (m_day.dayOfWeek() - QLocale().firstDayOfWeek() + weekDays) % weekDays;
+    return m_day.addDays(-back);
+}
+
+QString CalendarView::title() const
+{
+    const QLocale locale;
+    const QDate first = firstDay();
+    if (!m_week)
+        return locale.toString(first, u"dddd, d MMMM yyyy"_s);
+    const QDate last = first.addDays(weekDays - 1);
+    const QString from
+        = first.month() == last.month() ? QString::number(first.day()) : locale.toString(first, u"d MMMM"_s);
+    return from + u" – "_s + locale.toString(last, u"d MMMM yyyy"_s);
+}
+
+void CalendarView::setWeek(bool week)
+{
+    if (week == m_week)
+        return;
+    m_week = week;
+    readPage();
+}
+
+int CalendarView::nowDay() const
+{
+    const qint64 day = firstDay().daysTo(DateWords(nowMs()).today());
+    return day >= 0 && day < m_layout.days.size() ? int(day) : -1;
+}
+
+double CalendarView::nowHour() const
+{
+    return double(QDateTime::fromMSecsSinceEpoch(nowMs()).time().msecsSinceStartOfDay()) / 3'600'000
+        - m_layout.firstHour;
+}
+
+/// What the mirror holds is shown at once; other pages are read.
+void CalendarView::readPage()
+{
+    const qint64 fromMs = startOf(firstDay());
+    const qint64 toMs = startOf(firstDay().addDays(m_week ? weekDays : 1));
+    const auto show = [this, fromMs, toMs](const QList<CalEvent>& events) {
+        if (startOf(firstDay()) != fromMs)
+            return; // another page by now
+        m_events = m_at.store.visible(events);
+        m_events.removeIf([&](const CalEvent& event) {
+            return event.startMs >= toMs || std::max(event.endMs, event.startMs + 1) <= fromMs;
+        });
+        lay();
+    };
+    show(m_at.store.events());
+    if (fromMs < nowMs() - mirrorBackMs || toMs > nowMs() + mirrorAheadMs)
+        m_at.store.eventsBetween(fromMs, toMs, this, show);
+}
+
+void CalendarView::lay()
+{
+    QHash<QString, QString> colours;
+    for (const CalendarInfo& calendar : m_at.store.calendars())
+        colours.insert(calendar.title, calendar.colour);
+    m_layout = calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours);
+    const CalEvent* const event = find(m_selected);
+    m_card = event ? cardOf(m_at.store.surroundings().db, *event, nowMs()) : EventCard();
+    if (!event)
+        m_selected.clear();
+    Q_EMIT changed();
+}
+
+const CalEvent* CalendarView::find(const QString& id) const
+{
+    const auto found = std::ranges::find(m_events, id, &CalEvent::id);
+    if (found != m_events.end())
+        return &*found;
+    const QList<CalEvent>& mirrored = m_at.store.events();
+    const auto other = std::ranges::find(mirrored, id, &CalEvent::id);
+    return id.isEmpty() || other == mirrored.end() ? nullptr : &*other;
+}
+
+void CalendarView::makeLocal()
+{
+    makeCalendar(m_at.store, u"Personal"_s);
+}
+
+void CalendarView::useFolder(const QUrl& folder)
+{
+    CalendarPlaces places = m_at.store.places();
+    if (!folder.isLocalFile() || places.folders.contains(folder.toLocalFile()))
+        return;
+    places.folders.append(folder.toLocalFile());
+    m_at.store.setPlaces(places);
+    m_at.store.requestAccess();
+}
+
+void CalendarView::step(int pages)
+{
+    m_day = m_day.addDays(pages * (m_week ? weekDays : 1));
+    m_selected.clear();
+    readPage();
+}
+
+void CalendarView::today()
+{
+    m_day = DateWords(nowMs()).today();
+    readPage();
+}
+
+void CalendarView::select(const QString& id)
+{
+    m_selected = id;
+    lay();
+}
+
+void CalendarView::selectNext(int step)
+{
+    QStringList ids;
+    for (const EventBlock& block : m_layout.allDay + m_layout.blocks) {
+        if (!ids.contains(block.id))
+            ids.append(block.id);
+    }
+    if (ids.isEmpty())
+        return;
+    const qsizetype at = ids.indexOf(m_selected);
+    if (at >= 0)
+        return select(ids[qBound<qsizetype>(0, at + step, ids.size() - 1)]);
+    // The first press goes to what comes next.
+    const auto next = std::ranges::find_if(m_layout.blocks, [](const EventBlock& block) { return !block.past; });
+    select(next == m_layout.blocks.end() ? ids.first() : next->id);
+}
+
+void CalendarView::join(const QString& id)
+{
+    if (const CalEvent* const event = find(id)) {
+        if (const auto link = joinURL(*event))
+            m_at.desktop.openInBrowser(*link);
+    }
+}
+
+void CalendarView::openPerson(const QString& contactId)
+{
+    if (!contactId.isEmpty())
+        m_at.notifications.post(notifications::openConversation, contactId);
+}
+
+void CalendarView::prepare(const QString& id)
+{
+    if (const CalEvent* const event = find(id))
+        m_at.prep.prepare(CalEvent(*event));
+}
+
+void CalendarView::openReview()
+{
+    m_at.prep.close();
+    m_at.notifications.post(notifications::openApprovals);
+}
+
+bool CalendarView::canAdd() const
+{
+    return m_at.store.access() == CalendarStore::Access::Granted && writableCalendar(m_at.store);
+}
+
+QString CalendarView::suggestedDay() const
+{
+    const QDate today = DateWords(nowMs()).today();
+    const bool shown = firstDay() <= today && today < firstDay().addDays(m_week ? weekDays : 1);
+    return (shown ? today : firstDay()).toString(Qt::ISODate);
+}
+
+QString CalendarView::suggestedTime() const
+{
+    const int hour = QDateTime::fromMSecsSinceEpoch(nowMs()).time().hour();
+    return u"%1:00"_s.arg(qBound(8, hour + 1, 18), 2, 10, QChar(u'0'));
+}
+
+QString CalendarView::addEvent(const QString& what, const QString& day, const QString& from, const QString& to,
+    const QString& place, const QString& notes)
+{
+    const auto calendar = writableCalendar(m_at.store);
+    const QDate date = QDate::fromString(day.trimmed(), Qt::ISODate);
+    const auto time = [](const QString& text) {
+        return QTime::fromString(text.trimmed(), u"H:mm"_s);
+    };
+    const bool wholeDay = from.trimmed().isEmpty();
+    const QTime start = time(from);
+    const QTime end = to.trimmed().isEmpty() ? start.addSecs(3600) : time(to);
+    if (!calendar)
+        return u"There is no calendar that takes events."_s;
+    if (what.trimmed().isEmpty())
+        return u"Give the event a title."_s;
+    if (!date.isValid())
+        return u"Write the day like 2026-11-23."_s;
+    if (!wholeDay && (!start.isValid() || !end.isValid()))
+        return u"Write times like 9:30, or leave them empty for a whole day."_s;
+    if (!wholeDay && end <= start)
+        return u"It ends before it starts."_s;
+    const qint64 startMs = wholeDay ? startOf(date) : QDateTime(date, start).toMSecsSinceEpoch();
+    const qint64 endMs = wholeDay ? startOf(date.addDays(1)) : QDateTime(date, end).toMSecsSinceEpoch();
+    const NewCalendarEntry entry { uuidText(), what.trimmed(), place.trimmed(), notes.trimmed(), startMs, endMs,
+        wholeDay, nowMs() };
+    m_day = date;
+    corvane::addEvent(m_at.store, calendar->id, entry, this, [this](const Result<QString>& added) {
+        if (added)
+            m_selected = *added;
+        else
+            told(added.error().message);
+    });
+    readPage();
+    return {};
+}
+
+void CalendarView::importFile(const QUrl& file)
+{
+    importEvents(m_at.store, file.toLocalFile(), this,
+        [this](const Result<QString>& words) { told(words ? *words : words.error().message); });
+}
+
+void CalendarView::exportSelected()
+{
+    static const QRegularExpression unfit(u"[^\\w -]"_s, QRegularExpression::UseUnicodePropertiesOption);
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    const QString name = QString(m_card.title).remove(unfit).simplified().left(60);
+    QString path = folder + u'/' + name + u".ics"_s;
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = folder + u"/%1 %2.ics"_s.arg(name).arg(number);
+    exportEvent(m_at.store, m_selected, path, this, [this, path](const Result<QString>& saved) {
+        told(saved ? u"The event was saved as %1."_s.arg(path) : saved.error().message);
+    });
+}
+
+void CalendarView::told(const QString& words)
+{
+    m_told = words;
+    Q_EMIT changed();
+}
+
+void CalendarView::dismiss()
+{
+    told({});
+}
+
+QList<Choice> CalendarView::asked() const
+{
+    QList<Choice> asked;
+    for (const CalCommand& command : m_at.commands.waiting()) {
+        CalEvent event;
+        event.startMs = command.startMs;
+        event.endMs = command.endMs;
+        asked.append({ command.id, command.title + u" · "_s + whenText(event, nowMs()) });
+    }
+    return asked;
+}
+
+void CalendarView::answer(const QString& command, bool add)
+{
+    if (add)
+        m_at.commands.add(command);
+    else
+        m_at.commands.reject(command);
+}
+
+}

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "Calendar/CalendarLayout.h"
+#include "Calendar/CalendarStore.h"
+#include "Calendar/MeetingPrep.h"
+#include "Presentation/Choice.h"
+
+#include <QUrl>
+
+namespace corvane {
+
+class CalendarCommands;
+class Desktop;
+
+/// Somebody who takes part.
+class EventPerson {
+    Q_GADGET
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(QString contactId MEMBER contactId)
+public:
+    QString name;
+    QString detail; ///< "you", "declined", or the address
+    QString contactId; ///< empty where nobody here is known by the address
+
+    bool operator==(const EventPerson&) const = default;
+};
+
+/// The event that is chosen, whole.
+class EventCard {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString when MEMBER when)
+    Q_PROPERTY(QString place MEMBER place)
+    Q_PROPERTY(QString calendar MEMBER calendar)
+    Q_PROPERTY(QString notes MEMBER notes)
+    Q_PROPERTY(QString link MEMBER link)
+    Q_PROPERTY(bool joinable MEMBER joinable)
+    Q_PROPERTY(bool meeting MEMBER meeting)
+    Q_PROPERTY(QList<corvane::EventPerson> people MEMBER people)
+public:
+    QString id;
+    QString title;
+    QString when;
+    QString place;
+    QString calendar;
+    QString notes;
+    QString link; ///< of the call, or of a page
+    bool joinable = false;
+    bool meeting = false; ///< it can be prepared
+    QList<EventPerson> people;
+
+    bool operator==(const EventCard&) const = default;
+};
+
+/// The calendar's page: a week or a day, the event that is chosen, and what is asked of a person.
+class CalendarView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString state READ state NOTIFY changed) ///< "unknown", "denied" or "ready"
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what went wrong, or came of the last press
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(bool week READ isWeek WRITE setWeek NOTIFY changed)
+    Q_PROPERTY(QList<corvane::DayHead> days READ days NOTIFY changed)
+    Q_PROPERTY(int firstHour READ firstHour NOTIFY changed)
+    Q_PROPERTY(int lastHour READ lastHour NOTIFY changed)
+    Q_PROPERTY(QList<corvane::EventBlock> blocks READ blocks NOTIFY changed)
+    Q_PROPERTY(QList<corvane::EventBlock> allDay READ allDay NOTIFY changed)
+    Q_PROPERTY(int allDayRows READ allDayRows NOTIFY changed)
+    Q_PROPERTY(QList<corvane::FreeGap> gaps READ gaps NOTIFY changed)
+    Q_PROPERTY(int nowDay READ nowDay NOTIFY changed) ///< the column of this moment, or -1
+    Q_PROPERTY(double nowHour READ nowHour NOTIFY changed) ///< from the grid's first one
+    Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the chosen event, or empty
+    Q_PROPERTY(corvane::EventCard card READ card NOTIFY changed)
+    Q_PROPERTY(QList<corvane::Choice> asked READ asked NOTIFY changed) ///< events that agents want to add
+    Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
+    Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
+public:
+    /// All of it outlives the view.
+    struct Surroundings {
+        CalendarStore& store;
+        CalendarCommands& commands;
+        MeetingPrep& prep;
+        Desktop& desktop;
+        NotificationCentre& notifications;
+    };
+
+    explicit CalendarView(const Surroundings& surroundings, QObject* parent = nullptr);
+    ~CalendarView() override;
+
+    QString state() const;
+    QString emptyTitle() const;
+    QString emptyText() const;
+    QString notice() const;
+    QString title() const;
+    bool isWeek() const { return m_week; }
+    void setWeek(bool week);
+    const QList<DayHead>& days() const { return m_layout.days; }
+    int firstHour() const { return m_layout.firstHour; }
+    int lastHour() const { return m_layout.lastHour; }
+    const QList<EventBlock>& blocks() const { return m_layout.blocks; }
+    const QList<EventBlock>& allDay() const { return m_layout.allDay; }
+    int allDayRows() const { return m_layout.allDayRows; }
+    const QList<FreeGap>& gaps() const { return m_layout.gaps; }
+    int nowDay() const;
+    double nowHour() const;
+    const QString& selected() const { return m_selected; }
+    const EventCard& card() const { return m_card; }
+    QList<Choice> asked() const;
+    bool canAdd() const;
+    MeetingPrep* prep() { return &m_at.prep; }
+
+    Q_INVOKABLE void connectCalendar() { m_at.store.requestAccess(); }
+    Q_INVOKABLE void makeLocal(); ///< a calendar of one's own
+    Q_INVOKABLE void useFolder(const QUrl& folder);
+
+    Q_INVOKABLE void step(int pages); ///< weeks, or days
+    Q_INVOKABLE void today();
+    Q_INVOKABLE void select(const QString& id); ///< an empty one closes the card
+    Q_INVOKABLE void selectNext(int step); ///< in the order of their times
+    Q_INVOKABLE void join(const QString& id);
+    Q_INVOKABLE void openPerson(const QString& contactId);
+    Q_INVOKABLE void prepare(const QString& id);
+    Q_INVOKABLE void openReview();
+
+    Q_INVOKABLE QString suggestedDay() const; ///< for a new event: "2026-11-23"
+    Q_INVOKABLE QString suggestedTime() const; ///< "10:00"
+    /// Why it cannot be added, or nothing: then it is.
+    Q_INVOKABLE QString addEvent(const QString& what, const QString& day, const QString& from, const QString& to,
+        const QString& place, const QString& notes);
+    Q_INVOKABLE void importFile(const QUrl& file);
+    Q_INVOKABLE void exportSelected(); ///< into the folder of downloads
+
+    Q_INVOKABLE void dismiss(); ///< the notice
+    Q_INVOKABLE void answer(const QString& command, bool add);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void readPage();
+    void lay();
+    const CalEvent* find(const QString& id) const;
+    void told(const QString& words);
+    qint64 nowMs() const;
+    QDate firstDay() const;
+
+    Surroundings m_at;
+    QDate m_day; ///< the page holds it
+    bool m_week = true;
+    QList<CalEvent> m_events; ///< of the page, that are shown
+    CalendarLayout m_layout;
+    QString m_selected;
+    EventCard m_card;
+    QString m_told;
+    std::unique_ptr<Timer> m_minute;
+};
+
+}

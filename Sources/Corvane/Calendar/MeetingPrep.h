@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Store/Work/CalendarQueries.h"
+#include "Store/Work/MeetingPrepQueries.h"
+
+#include <QObject>
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+struct AIServices;
+
+/// The packet of all that is known here before a meeting.
+QString meetingPrepPacket(LocalDB& db, const CalEvent& event);
+
+QString agoLabel(qint64 ms, qint64 nowMs); ///< "5m ago"
+
+/// The brief for a meeting: made once, kept, and shown until another is asked for. Where it hints at something to send,
+/// a person is asked in Approvals; nothing is ever sent from here.
+class MeetingPrep : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool open READ isOpen NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString summary READ summary NOTIFY changed)
+    Q_PROPERTY(QString packet READ packet NOTIFY changed)
+    Q_PROPERTY(QString madeBy READ madeBy NOTIFY changed) ///< who made the summary, and when
+    Q_PROPERTY(QString message READ message NOTIFY changed) ///< what came of the last press; may be empty
+    Q_PROPERTY(bool busy READ isBusy NOTIFY changed)
+    Q_PROPERTY(bool asksReview READ asksReview NOTIFY changed) ///< a decision waits in Approvals
+public:
+    /// All of it outlives the brief.
+    struct Surroundings {
+        LocalDB& db;
+        AIServices& ai;
+    };
+
+    explicit MeetingPrep(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    bool isOpen() const { return !m_event.id.isEmpty(); }
+    const QString& title() const { return m_event.title; }
+    QString summary() const { return m_row.aiSummary; }
+    QString packet() const { return m_row.rawBrief; }
+    QString madeBy() const;
+    const QString& message() const { return m_message; }
+    bool isBusy() const { return m_busy; }
+    bool asksReview() const { return m_asksReview; }
+
+    void prepare(const CalEvent& event); ///< opens it; one that is kept is shown at once
+    void prepareAhead(const CalEvent& event); ///< without opening it: by a model on this machine, or not at all
+    Q_INVOKABLE void regenerate();
+    Q_INVOKABLE void close();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    enum class Reason { First, Again };
+
+    QCoro::Task<> make(CalEvent event, Reason reason);
+    QCoro::Task<> makeAhead(CalEvent event);
+    QCoro::Task<std::optional<QString>> summarized(QString packet);
+    void keep(const CalEvent& event, const MeetingPrepCacheRow& row, Reason reason);
+    bool proposeReview(const MeetingPrepCacheRow& row); ///< whether a decision waits
+
+    Surroundings m_at;
+    CalEvent m_event; ///< empty while nothing is open
+    MeetingPrepCacheRow m_row;
+    QString m_message;
+    bool m_busy = false;
+    bool m_asksReview = false;
+};
+
+}

@@ -1,0 +1,72 @@
+#include "Calendar/CalendarCommands.h"
+
+#include "Calendar/CalendarTest.h"
+
+namespace corvane {
+
+namespace {
+
+class AgentEvents : public CalendarTest {
+protected:
+    AgentEvents()
+    {
+        QDir().mkpath(m_folder);
+        m_defaults.setBoolean(u"nimb.calendarConnected"_s, true);
+        start(*m_source);
+        EXPECT_TRUE(await([&] { return !m_store->calendars().isEmpty(); }));
+        commands = std::make_unique<CalendarCommands>(*m_store);
+    }
+
+    void ask(const char* id, const char* title, const char* from, const char* to, const char* calendar = "")
+    {
+        m_db->run(u"INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, notes, calendar, status, "
+                  "created_at) VALUES(?,'local',?,?,?,'',?,'pending',0);"_s,
+            { QString::fromLatin1(id), QString::fromUtf8(title), at(from), at(to), QString::fromLatin1(calendar) });
+    }
+
+    bool awaitRow(const char* expected)
+    {
+        return await([&] {
+            return table(u"SELECT id, status, error FROM calendar_command ORDER BY id;"_s)
+                == QString::fromUtf8(expected).split(u';');
+        });
+    }
+
+    std::unique_ptr<CalendarCommands> commands;
+};
+
+TEST_F(AgentEvents, areAddedAsToldAndTakenBackWithinTenSeconds)
+{
+    ask("c1", "Lunch with Ana", "2026-10-09 12:00", "2026-10-09 13:00", "no such calendar");
+    ask("c2", "Backwards", "2026-10-09 12:00", "2026-10-09 11:00");
+    commands->processPendingCommands();
+    EXPECT_TRUE(awaitRow("c1|done|-;c2|failed|The event has no time, or ends before it starts."));
+    EXPECT_EQ(cell(u"SELECT event_id FROM calendar_command WHERE id='c1';"_s), u"work:c1@corvane"_s);
+    EXPECT_TRUE(commands->undoText().contains(u"Lunch with Ana"_s));
+    EXPECT_TRUE(awaitEvents({ u"Lunch with Ana"_s }));
+    ask("c3", "Later", "2026-10-10 12:00", "2026-10-10 13:00");
+    m_clock.advance(seconds(11));
+    EXPECT_TRUE(await([&] { return commands->undoText().contains(u"Later"_s); })) << "asked for every five seconds";
+    commands->undo();
+    EXPECT_TRUE(awaitRow("c1|done|-;c2|failed|The event has no time, or ends before it starts.;c3|failed|Undone."));
+    EXPECT_TRUE(awaitEvents({ u"Lunch with Ana"_s }));
+}
+
+TEST_F(AgentEvents, waitForAWordWhereThePersonWantsIt)
+{
+    commands->setAgentsMayAdd(false);
+    ask("c1", "One", "2026-10-09 12:00", "2026-10-09 13:00");
+    ask("c2", "Two", "2026-10-09 14:00", "2026-10-09 15:00");
+    commands->processPendingCommands();
+    ASSERT_EQ(commands->waiting().size(), 2);
+    commands->reject(u"c1"_s);
+    commands->add(u"c2"_s);
+    EXPECT_TRUE(awaitRow("c1|failed|Rejected.;c2|done|-"));
+    EXPECT_TRUE(awaitEvents({ u"Two"_s }));
+    commands->processPendingCommands();
+    EXPECT_TRUE(commands->waiting().isEmpty());
+}
+
+}
+
+}

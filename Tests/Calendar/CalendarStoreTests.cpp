@@ -1,0 +1,162 @@
+#include "Calendar/CalendarStore.h"
+
+#include "Calendar/CalendarTest.h"
+#include "Calendar/MeetingRules.h"
+#include "Support/FakeCalendarSource.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+CalEvent titled(const char* title)
+{
+    CalEvent event;
+    event.title = QString::fromUtf8(title);
+    return event;
+}
+
+}
+
+TEST(MeetingRules, aMeetingIsToldByPeopleThenByWordsAndNeverByAWholeDay)
+{
+    CalEvent call = titled("Team call");
+    EXPECT_TRUE(isMeetingCandidate(call));
+    call.allDay = true;
+    EXPECT_FALSE(isMeetingCandidate(call));
+    EXPECT_FALSE(isMeetingCandidate(titled("Team lunch")));
+    EXPECT_TRUE(isMeetingCandidate(titled("Breakfast sync"))) << "no whole word";
+    EXPECT_TRUE(isMeetingCandidate(titled("Demo")));
+    EXPECT_FALSE(isMeetingCandidate(titled("Write report")));
+    CalEvent withOthers = titled("Report");
+    withOthers.attendeeDetails = { { u"Me"_s, {}, true } };
+    EXPECT_FALSE(isMeetingCandidate(withOthers));
+    withOthers.attendees = 2;
+    EXPECT_TRUE(isMeetingCandidate(withOthers));
+    withOthers.attendeeDetails.append({ u"Ana"_s, u"ana@x.example"_s });
+    withOthers.notes = u"then\nlunch\nbreak"_s;
+    EXPECT_FALSE(isMeetingCandidate(withOthers)) << "a word on a line of its own is a whole one";
+    withOthers.notes.clear();
+    withOthers.attendeeDetails.first().declined = true;
+    EXPECT_FALSE(isMeetingCandidate(withOthers));
+    EXPECT_TRUE(isPlaceholderBlock(titled("Focus Time, please")));
+}
+
+TEST(MeetingRules, theLinkOfAMeetingServiceComesBeforeAnyOther)
+{
+    CalEvent event;
+    EXPECT_EQ(meetingURL(event), std::nullopt);
+    event.location = u"Room 1"_s;
+    event.notes = u"Agenda: https://docs.example/a. Join <a href=\"https://acme.zoom.us/j/1?pwd=a&amp;b=2\">here</a>"_s;
+    EXPECT_EQ(meetingURL(event), QUrl(u"https://acme.zoom.us/j/1?pwd=a&b=2"_s));
+    event.notes = u"mailto:a@x.example, see ftp://x.example or (https://docs.example/a)."_s;
+    EXPECT_EQ(meetingURL(event), QUrl(u"https://docs.example/a"_s));
+}
+
+TEST(MeetingRules, theTimeUntilAMeetingIsToldInTheLargestUnitsThatMatter)
+{
+    const qint64 now = at("2026-10-08 09:00");
+    const auto in = [&](qint64 secondsAhead) {
+        return relativeStart(now + secondsAhead * 1000, now);
+    };
+    EXPECT_EQ(in(-61), u"started"_s);
+    EXPECT_EQ(in(-60), u"now"_s);
+    EXPECT_EQ(in(60), u"now"_s);
+    EXPECT_EQ(in(61), u"in 1m"_s);
+    EXPECT_EQ(in(3600), u"in 1h"_s);
+    EXPECT_EQ(in(5460), u"in 1h 31m"_s);
+    EXPECT_EQ(in(86'400), u"in 1d"_s);
+    EXPECT_EQ(in(90'000), u"in 2d"_s);
+    EXPECT_EQ(in(521'999), u"in 6d"_s);
+    EXPECT_EQ(in(522'000), u"Oct 14"_s);
+    EXPECT_EQ(relativeStart(now + 1, now), u"now"_s);
+    EXPECT_EQ(compactCountdown(now + 60'000, now), u"Now"_s);
+    EXPECT_EQ(compactCountdown(now + 600'000, now), u"10m"_s);
+    CalEvent event = titled("Standup");
+    event.startMs = now + 300'000;
+    event.endMs = now + 600'000;
+    EXPECT_EQ(nextMeetingHeadline(event, now), u"Next meeting in 5m"_s);
+    EXPECT_EQ(nextMeetingHeadline(event, event.startMs), u"Meeting starts now"_s);
+    EXPECT_EQ(nextMeetingHeadline(event, event.endMs), u"Meeting already started"_s);
+    CalEvent ended = event;
+    ended.endMs = now - 1;
+    ended.startMs = now - 2;
+    EXPECT_EQ(nextMeetingCandidate({ ended, event }, now), event);
+    EXPECT_EQ(compactTitle(titled(" 12345678901234567890123456789012 ")), u"12345678901234567890123456789012"_s);
+    EXPECT_EQ(compactTitle(titled("123456789012345678901234567890123")), u"1234567890123456789012345678901…"_s);
+}
+
+using CalendarMirror = CalendarTest;
+
+TEST_F(CalendarMirror, nothingIsReadBeforeConnectIsPressedAndTheChoiceIsKept)
+{
+    EXPECT_EQ(start(*m_source).access(), CalendarStore::Access::Unknown);
+    m_store->requestAccess();
+    EXPECT_EQ(m_store->access(), CalendarStore::Access::Denied);
+    EXPECT_TRUE(m_store->lastError().value_or(QString()).contains(u"No calendar was found"_s));
+    write(u"a.ics"_s, "DTSTART:20261008T100000\r\n");
+    EXPECT_TRUE(awaitEvents({ u"(no title)"_s })) << "what was missing came";
+    EXPECT_EQ(m_store->access(), CalendarStore::Access::Granted);
+    EXPECT_EQ(m_store->lastError(), std::nullopt);
+    EXPECT_EQ(start(*m_source).access(), CalendarStore::Access::Granted) << "at the next start";
+    EXPECT_EQ(m_store->events().size(), 1) << "shown before the calendars answer";
+
+    FakeCalendarSource writeOnly;
+    writeOnly.given = CalendarAccess::WriteOnly;
+    EXPECT_EQ(start(writeOnly).access(), CalendarStore::Access::Denied);
+    EXPECT_EQ(
+        m_store->lastError(), u"Corvane has write-only Calendar access. Connect Calendar to grant full read access."_s);
+}
+
+TEST_F(CalendarMirror, theMirrorFollowsFilesDaysAndTheWorkspace)
+{
+    write(u"a.ics"_s,
+        "DTSTART:20261008T100000\r\nDTEND:20261008T110000\r\nSUMMARY:Today\r\nORGANIZER:mailto:Me@x.example\r\n"
+        "ATTENDEE;CN=Ana:mailto:ana@y.example\r\nATTENDEE;CUTYPE=ROOM:mailto:room@y.example\r\n");
+    write(u"b.ics"_s, "DTSTART:20261206T083000\r\nDTEND:20261206T093000\r\nSUMMARY:Later\r\n");
+    m_defaults.setBoolean(u"nimb.calendarConnected"_s, true);
+    start(*m_source);
+    ASSERT_TRUE(awaitEvents({ u"Today"_s, u"Later"_s }));
+    EXPECT_EQ(table(u"SELECT id, attendees, attendees_json FROM calendar_event WHERE title='Today';"_s),
+        QStringList { u"work:a.ics|2|[{\"currentUser\":true,\"email\":\"Me@x.example\",\"name\":\"Me@x.example\"},"
+                      "{\"currentUser\":false,\"email\":\"ana@y.example\",\"name\":\"Ana\"}]"_s });
+    EXPECT_EQ(fetchCalendarEvent(*m_db, u"work:a.ics"_s), m_store->events().first());
+    write(u"a.ics"_s, "DTSTART:20261008T100000\r\nSUMMARY:Changed\r\n");
+    EXPECT_TRUE(awaitEvents({ u"Changed"_s, u"Later"_s }));
+    QFile::remove(m_folder + u"a.ics"_s);
+    write(u"d.ics"_s, "DTSTART:20261210T100000\r\nSUMMARY:Next\r\n");
+    EXPECT_TRUE(awaitEvents({ u"Later"_s })) << "sixty days ahead";
+    m_clock.setNowMs(at("2026-10-11 11:30"));
+    EXPECT_TRUE(awaitEvents({ u"Later"_s, u"Next"_s })) << "the day moved, as after sleep";
+
+    QDir(m_folder + u".."_s).removeRecursively();
+    EXPECT_TRUE(await([&] {
+        m_clock.advance(Milliseconds(250));
+        return m_store->access() == CalendarStore::Access::Denied;
+    }));
+    EXPECT_EQ(m_store->events().size(), 2) << "a folder may be away for a moment";
+}
+
+TEST_F(CalendarMirror, hiddenCalendarsAreMirroredAndOnlyNotShown)
+{
+    FakeCalendarSource source;
+    const qint64 startMs = at("2026-10-08 10:00");
+    source.set({ { { u"w"_s, u"Work"_s }, { u"h"_s, u"Home, sweet"_s } },
+        { { u"w"_s, u"1"_s, {}, u"A"_s, {}, {}, startMs, startMs + 1 },
+            { u"h"_s, u"2"_s, at("2026-10-08 11:00"), u"B"_s, {}, {}, startMs + 5, startMs + 6 } },
+        {} });
+    m_defaults.setBoolean(u"nimb.calendarConnected"_s, true);
+    start(source);
+    ASSERT_TRUE(awaitEvents({ u"A"_s, u"B"_s }));
+    EXPECT_EQ(m_store->events().last().id, u"h:2:20261008T090000Z"_s);
+    EXPECT_EQ(m_store->calendarNames(), QStringList({ u"Home, sweet"_s, u"Work"_s }));
+    m_store->toggleCalendar(u"Home, sweet"_s);
+    start(source);
+    EXPECT_FALSE(m_store->isCalendarIncluded(u"Home, sweet"_s));
+    EXPECT_EQ(m_store->visible(m_store->events()).size(), 1);
+    m_store->toggleCalendar(u"Home, sweet"_s);
+    EXPECT_EQ(m_store->visible(m_store->events()).size(), 2);
+}
+
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Calendar/CalendarStore.h"
+#include "Foundation/BackgroundQueue.h"
+#include "Platform/Linux/Services.h"
+#include "Support/Await.h"
+#include "Support/StoreTest.h"
+
+#include <QDateTime>
+#include <QDir>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+inline qint64 at(const char* local)
+{
+    return QDateTime::fromString(QString::fromLatin1(local), u"yyyy-MM-dd HH:mm"_s).toMSecsSinceEpoch();
+}
+
+/// The folders of a calendar and the database that mirrors them, with a clock that stands.
+class CalendarTest : public StoreTest {
+protected:
+    CalendarTest()
+    {
+        open();
+        m_clock.setNowMs(at("2026-10-08 09:00"));
+    }
+
+    void write(const QString& name, const QByteArray& properties)
+    {
+        QDir().mkpath(m_folder);
+        QFile file(m_folder + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:" + name.toUtf8() + "\r\n" + properties
+            + "END:VEVENT\r\nEND:VCALENDAR\r\n");
+    }
+
+    CalendarStore& start(CalendarSource& source)
+    {
+        m_store = std::make_unique<CalendarStore>(
+            CalendarStore::Surroundings { *m_db, source, m_background, m_clock, m_defaults, m_centre, [] {
+                                             return QStringList { u"me@x.example"_s };
+                                         } });
+        m_store->bootstrap();
+        return *m_store;
+    }
+
+    /// Waits for what threads and the kernel tell, with the clock going on.
+    bool awaitEvents(const QStringList& titles)
+    {
+        return await([&] {
+            m_clock.advance(Milliseconds(250));
+            QStringList found;
+            for (const CalEvent& event : m_store->events())
+                found.append(event.title);
+            return found == titles && table(u"SELECT title FROM calendar_event ORDER BY start_ms;"_s) == titles;
+        });
+    }
+
+    const QString m_folder = QFileInfo(m_home.paths().applicationSupport).path() + u"/calendars/work/"_s;
+    std::unique_ptr<CalendarSource> m_source { makeCalendarSource(m_home.paths()) };
+    BackgroundQueue m_background;
+    std::unique_ptr<CalendarStore> m_store;
+};
+
+}

@@ -1,0 +1,118 @@
+#include "Calendar/CalendarView.h"
+
+#include "Calendar/CalendarServices.h"
+#include "Calendar/CalendarTest.h"
+#include "Calendar/UpcomingMeetings.h"
+#include "Support/FakeDesktop.h"
+#include "Support/FakeLanguageModel.h"
+
+namespace corvane {
+
+namespace {
+
+CalEvent event(const char* title, const char* from, const char* to, bool allDay = false)
+{
+    CalEvent event;
+    event.id = event.title = QString::fromUtf8(title);
+    event.startMs = at(from);
+    event.endMs = at(to);
+    event.allDay = allDay;
+    return event;
+}
+
+/// "title day top height lane/lanes", a line each.
+QStringList placed(const QList<EventBlock>& blocks)
+{
+    QStringList lines;
+    for (const EventBlock& block : blocks)
+        lines.append(u"%1 %2 %3 %4 %5/%6"_s.arg(block.title)
+                .arg(block.day)
+                .arg(block.top)
+                .arg(block.height)
+                .arg(block.lane)
+                .arg(block.lanes));
+    return lines;
+}
+
+}
+
+TEST(CalendarLayout, eventsAtTheSameTimeShareTheColumnAndTheHoursHoldThemAll)
+{
+    const CalendarLayout layout = calendarLayout(
+        { event("A", "2026-10-08 07:30", "2026-10-08 09:00"), event("B", "2026-10-08 08:00", "2026-10-08 08:30"),
+            event("C", "2026-10-08 08:30", "2026-10-08 10:00"), event("D", "2026-10-08 11:30", "2026-10-08 11:30"),
+            event("Night", "2026-10-09 23:00", "2026-10-10 01:00"),
+            event("Fair", "2026-10-08 00:00", "2026-10-10 00:00", true),
+            event("Trip", "2026-10-09 00:00", "2026-10-12 00:00", true) },
+        QDate(2026, 10, 8), 2, at("2026-10-08 09:00"), {});
+    EXPECT_EQ(layout.firstHour, 7);
+    EXPECT_EQ(layout.lastHour, 24);
+    EXPECT_EQ(placed(layout.blocks),
+        QStringList({ u"A 0 0.5 1.5 0/2"_s, u"B 0 1 0.5 1/2"_s, u"C 0 1.5 1.5 1/2"_s, u"D 0 4.5 0.4 0/1"_s,
+            u"Night 1 16 1 0/1"_s }));
+    EXPECT_EQ(placed(layout.allDay), QStringList({ u"Fair 0 0 0 0/1"_s, u"Trip 1 0 0 1/1"_s }));
+    EXPECT_EQ(layout.allDay.first().days, 2);
+    EXPECT_EQ(layout.allDayRows, 2);
+    ASSERT_EQ(layout.gaps.size(), 1);
+    EXPECT_EQ(layout.gaps.first().text, u"1 h 30 min free"_s);
+    EXPECT_TRUE(layout.days.first().today);
+}
+
+class CalendarPage : public CalendarTest {
+protected:
+    CalendarStore::Surroundings surroundings()
+    {
+        return { *m_db, *m_source, m_background, m_clock, m_defaults, m_centre, {} };
+    }
+    bool awaitShown(const char* titles)
+    {
+        return await([&] {
+            m_clock.advance(Milliseconds(250));
+            QStringList shown;
+            for (const EventBlock& block : view.blocks())
+                shown.append(block.title);
+            return shown.join(u',') == QString::fromLatin1(titles);
+        });
+    }
+
+    FakeDesktop desktop;
+    FakeLumo lumo { m_clock };
+    CalendarServices services { surroundings(), lumo };
+    CalendarView view { { services.store, services.commands, services.prep, desktop, m_centre } };
+};
+
+TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
+{
+    EXPECT_EQ(view.state(), u"unknown"_s);
+    view.connectCalendar();
+    EXPECT_EQ(view.state(), u"denied"_s);
+    view.makeLocal();
+    ASSERT_TRUE(await([&] { return view.canAdd(); }));
+    EXPECT_EQ(view.title(), u"5 – 11 October 2026"_s);
+    for (const auto& [what, from, to] :
+        { std::tuple("", "10:00", "11:00"), std::tuple("Call", "nine", "11:00"), std::tuple("Call", "10:00", "9:00") })
+        EXPECT_FALSE(
+            view.addEvent(QString::fromLatin1(what), u"2026-10-08"_s, QString::fromLatin1(from),
+                    QString::fromLatin1(to), {}, {})
+                .isEmpty());
+    EXPECT_EQ(view.addEvent(u"Call"_s, view.suggestedDay(), u"9:05"_s, {}, u"https://meet.example/a"_s, {}), QString());
+    ASSERT_TRUE(awaitShown("Call"));
+    EXPECT_EQ(view.card().title, u"Call"_s);
+    EXPECT_EQ(view.card().when, u"Thu 8 Oct, 09:05–10:05"_s);
+    EXPECT_TRUE(view.blocks().first().joinable) << "from ten minutes before";
+    view.join(view.selected());
+    EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(u"https://meet.example/a"_s) });
+    view.step(20); // beyond the mirror
+    EXPECT_TRUE(view.blocks().isEmpty());
+    EXPECT_EQ(view.addEvent(u"Far"_s, u"2027-03-01"_s, u"9:00"_s, u"10:00"_s, {}, {}), QString());
+    EXPECT_TRUE(awaitShown("Far"));
+    view.today();
+    view.selectNext(1);
+    EXPECT_EQ(view.card().title, u"Call"_s);
+
+    UpcomingMeetings meetings({ services.store, services.prep, desktop, m_centre });
+    ASSERT_EQ(meetings.lines().size(), 1);
+    EXPECT_TRUE(meetings.headline().startsWith(u"Next meeting in "_s));
+}
+
+}

@@ -1,0 +1,112 @@
+#include "Calendar/MeetingPrep.h"
+
+#include "Calendar/CalendarTest.h"
+#include "Support/FakeLanguageModel.h"
+
+namespace corvane {
+
+namespace {
+
+class Prep : public CalendarTest {
+protected:
+    Prep()
+    {
+        event.id = u"work:Review"_s;
+        event.title = u"Review"_s;
+        event.startMs = at("2026-10-08 10:00");
+        event.calendar = u"Work"_s;
+        event.attendeeDetails
+            = { { u"Me"_s, u"me@x.example"_s, true }, { u"Ana"_s, u"ANA@acme.example"_s }, { u"Bo"_s, {} } };
+    }
+
+    QStringList decisions() { return table(u"SELECT id, status, risk FROM work_decision;"_s); }
+
+    CalEvent event;
+    FakeLumo lumo { m_clock };
+};
+
+TEST_F(Prep, thePacketTellsWhatIsKnownOfEveryoneElse)
+{
+    CalEvent solo = event;
+    solo.attendeeDetails = {};
+    EXPECT_EQ(meetingPrepPacket(*m_db, solo),
+        u"Meeting: Review\nWhen: Thursday 8 October 2026, 10:00\nCalendar: Work\n"
+        "Attendees: No external attendees on the calendar event."_s);
+    m_db->exec(u"INSERT INTO contact(id, workspace_id, display_name) VALUES('c1','local','Ana Ruiz');"
+               "INSERT INTO contact_identity(id, workspace_id, contact_id, channel, handle, email, updated_at)"
+               " VALUES('i1','local','c1','EMAIL','ana@acme.example','Ana@Acme.example',0);"
+               "INSERT INTO crm_deal(id, workspace_id, name, stage, company, updated_at)"
+               " VALUES('d1','local','Bowls','Offer','ACME Ltd',0);"_s);
+    event.location = u"Room 1"_s;
+    EXPECT_EQ(meetingPrepPacket(*m_db, event),
+        u"Meeting: Review\nWhen: Thursday 8 October 2026, 10:00\nCalendar: Work\nLocation: Room 1\n"
+        "Attendee: Ana Ruiz\nLast message: No local messages yet.\nLast touch: No local timestamp yet.\n"
+        "Open deal: Bowls · Offer\nNotes: No local notes yet.\nAttendee: Bo\nNo history with Bo yet."_s);
+    EXPECT_EQ(agoLabel(1000, 0), u"0m ago"_s);
+    EXPECT_EQ(agoLabel(0, 7'200'000), u"2h ago"_s);
+    EXPECT_EQ(agoLabel(0, 86'400'000), u"1d ago"_s);
+}
+
+TEST_F(Prep, aBriefIsMadeOnceKeptAndHintsBecomeOneDecision)
+{
+    MeetingPrep prep({ *m_db, lumo });
+    lumo.model.willAnswer(u"Who: Ana\nSuggested goal: send the offer"_s);
+    prep.prepare(event);
+    EXPECT_EQ(prep.summary(), u"Who: Ana\nSuggested goal: send the offer"_s);
+    EXPECT_EQ(prep.madeBy(), u"Fake Model · 0m ago"_s);
+    EXPECT_TRUE(prep.asksReview());
+    EXPECT_EQ(decisions(), QStringList { u"dec:native:gtm:work:review|proposed|external"_s });
+    EXPECT_EQ(table(u"SELECT id, kind, owner FROM work_context;"_s),
+        QStringList { u"ctx:gtm:meeting-work:review|meeting|Oskel"_s });
+    prep.close();
+    EXPECT_FALSE(prep.isOpen());
+    prep.prepare(event);
+    EXPECT_EQ(lumo.model.asked.size(), 1) << "kept";
+
+    lumo.model.willFail(u"no"_s);
+    prep.regenerate();
+    EXPECT_EQ(prep.summary(), u"LumoAI failed — showing the raw local brief."_s);
+    EXPECT_EQ(prep.message(), u"Brief regenerated."_s);
+    EXPECT_EQ(decisions().size(), 1);
+    EXPECT_EQ(fetchMeetingPrepCache(*m_db, event.id)->rawBrief, meetingPrepPacket(*m_db, event));
+    m_db->exec(u"DROP TABLE meeting_prep_cache;"_s);
+    lumo.model.willAnswer(u"Who: nobody"_s);
+    prep.regenerate();
+    EXPECT_EQ(prep.message(), u"Could not cache this meeting brief."_s);
+    EXPECT_EQ(prep.summary(), u"Who: nobody"_s) << "shown all the same";
+}
+
+TEST_F(Prep, aBriefMadeAheadComesFromThisMachineAndProposesOnlyOnceItIsOpened)
+{
+    MeetingPrep prep({ *m_db, lumo });
+    lumo.machine.now.physicalMemoryBytes = 32ULL << 30;
+    lumo.model.elsewhere = true;
+    prep.prepareAhead(event); // a question would fail the test
+    lumo.model.elsewhere = false;
+    lumo.model.willAnswer(u"Suggested goal: follow up"_s);
+    prep.prepareAhead(event);
+    prep.prepareAhead(event);
+    EXPECT_FALSE(prep.isOpen());
+    EXPECT_EQ(decisions(), QStringList());
+    prep.prepare(event);
+    EXPECT_EQ(prep.summary(), u"Suggested goal: follow up"_s);
+    EXPECT_EQ(decisions().size(), 1);
+    m_db->exec(u"UPDATE work_decision SET status='rejected';"_s);
+    prep.prepare(event);
+    EXPECT_FALSE(prep.asksReview()) << "the person has said it";
+}
+
+TEST_F(Prep, withNobodyToAnswerTheRawBriefStandsAndNothingIsProposed)
+{
+    lumo.model.setUnavailable(u"none"_s);
+    MeetingPrep prep({ *m_db, lumo });
+    event.notes = u"send the draft "_s;
+    prep.prepare(event);
+    EXPECT_TRUE(prep.summary().endsWith(u"unavailable — showing the raw local brief."_s));
+    EXPECT_TRUE(prep.madeBy().startsWith(u"Raw LocalDB brief"_s));
+    EXPECT_EQ(decisions(), QStringList());
+}
+
+}
+
+}
