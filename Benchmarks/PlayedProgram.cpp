@@ -4,6 +4,7 @@
 
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/CalendarSource.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
@@ -35,6 +36,7 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
     machine.desktop = std::make_unique<FakeDesktop>();
     machine.microphone = makeMicrophone(scheduler);
     machine.addressBook = makeAddressBook(paths);
+    machine.calendars = makeCalendarSource(paths);
     machine.tools = makeToolRunner();
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);

@@ -8,6 +8,7 @@
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/CalendarSource.h"
 #include "Platform/Desktop.h"
 #include "Platform/Keyring.h"
 #include "Platform/Linux/Services.h"
@@ -152,6 +153,7 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     machine.desktop = std::move(own);
     machine.microphone = std::make_unique<PictureMicrophone>(makeMicrophone(scheduler));
     machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
+    machine.calendars = makeCalendarSource(AppPaths::fromEnvironment());
     machine.tools = makeToolRunner();
     auto ownModel = std::make_unique<PictureModel>();
     model = ownModel.get();

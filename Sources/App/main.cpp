@@ -4,6 +4,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/ApplicationId.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/CalendarSource.h"
 #include "Platform/CallAudio.h"
 #include "Platform/Desktop.h"
 #include "Platform/GlobalShortcuts.h"
@@ -24,6 +25,7 @@
 #include "Platform/TerminationSignals.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
+#include "Shell/CalendarCommand.h"
 #include "Shell/CaptureCommand.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -69,6 +71,7 @@ Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode
     machine.userUmask = umaskOfOpened;
     machine.microphone = makeMicrophone(scheduler);
     machine.addressBook = makeAddressBook(paths);
+    machine.calendars = makeCalendarSource(paths);
     machine.tools = makeToolRunner();
     machine.languageModel = makeLanguageModel(scheduler);
     machine.facts = makeMachineFacts(paths);
@@ -111,9 +114,10 @@ std::optional<int> ranCommand(int argc, char** argv)
     if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
         return runDecodeChild();
     const bool verify = argc == 2 && std::strcmp(argv[1], "verify") == 0;
+    const bool calendar = argc == 4 && std::strcmp(argv[1], "calendar") == 0 && std::strcmp(argv[2], "import") == 0;
     const bool tool = (argc == 2 || argc == 3) && std::strcmp(argv[1], "tool") == 0;
     const bool capture = argc > 2 && std::strcmp(argv[1], "capture") == 0;
-    if (!verify && !tool && !capture)
+    if (!verify && !tool && !capture && !calendar)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
     const AppPaths paths = AppPaths::fromEnvironment();
@@ -121,6 +125,8 @@ std::optional<int> ranCommand(int argc, char** argv)
     QTextStream errors(stderr);
     if (capture)
         return captureWords(paths, QCoreApplication::arguments().mid(2), errors);
+    if (calendar)
+        return importCalendarFile(paths, QFile::decodeName(argv[3]), out);
     return verify ? verifyDecisions(paths, out) : runTool(paths, QString::fromLocal8Bit(argc == 3 ? argv[2] : ""), out);
 }
 
@@ -162,7 +168,8 @@ int main(int argc, char** argv)
         QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
                        "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
                        "JSON object on its standard input; or \"capture [--note] [WORDS]\", which keeps a task or a "
-                       "note, and opens its panel without words."),
+                       "note, and opens its panel without words; or "
+                       "\"calendar import FILE\", which adds the events of a calendar file."),
         QStringLiteral("[url]"));
     parser.process(application);
 

@@ -2,6 +2,7 @@
 
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
+#include "Platform/CalendarSource.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MediaDecoder.h"
 #include "Platform/SpeechRecogniser.h"
@@ -30,6 +31,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.desktop = std::make_unique<FakeDesktop>();
     machine.microphone = std::make_unique<FakeMicrophone>();
     machine.addressBook = makeAddressBook(paths);
+    machine.calendars = makeCalendarSource(paths);
     machine.tools = std::make_unique<NoTools>();
     machine.languageModel = std::make_unique<FakeLanguageModel>();
     machine.player = std::make_unique<FakeAudioPlayer>();

@@ -31,7 +31,7 @@ TEST_F(ResourcesWindow, aProcessIsEndedFromThePanelWithKeysAfterAQuestion)
     ASSERT_TRUE(await([&] { return shell.canReadLine(); }));
     const QString detail = u"Claude · "_s + QString::fromLatin1(shell.readLine()).trimmed();
     showEmptyInbox();
-    EXPECT_EQ(screens.panel.tabs().size(), 3) << "no tab without a monitor";
+    EXPECT_EQ(screens.panel.tabs().size(), 4) << "no tab without a monitor";
     ResourcesView& resources = *screens.panel.resources();
     resources.setMonitor(monitor);
     panel.toggle({});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsStore.h"
+#include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Engines/AccountStore.h"
 #include "Foundation/SystemScheduler.h"
@@ -90,8 +91,11 @@ protected:
     SystemScheduler realClock;
     const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
     StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
+    const std::unique_ptr<CalendarSource> calendars = makeCalendarSource(home.paths());
+    BackgroundQueue calendarWork; // goes before what it reads
+    CalendarServices calendar { { engines.db(), *calendars, calendarWork, clock, defaults, centre, {} }, services };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, calls,
+        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, calendar, calls,
         *realChildren } };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;

@@ -105,6 +105,7 @@ QList<MenuTab> CorvaneMenuBarView::shownTabs() const
     QList<MenuTab> tabs { MenuTab::Now, MenuTab::Approvals };
     if (m_resources.hasMonitor())
         tabs.append(MenuTab::Ram);
+    tabs.append(MenuTab::Calendar);
     tabs.append(MenuTab::Calls);
     return tabs;
 }
@@ -183,7 +184,7 @@ void CorvaneMenuBarView::readDay()
         line("hub-ops", QStringLiteral("%1 open work items").arg(day.openWorkItems), "ops"),
     };
     if (hasCalendar(m_at.engine.db()))
-        m_today.append(line("view-calendar", meetingsText(day), "window"));
+        m_today.append(line("view-calendar", meetingsText(day), "calendar"));
     m_today.append(line("hub-dev", agentsText(day), "dev"));
     if (day.latestUpdate)
         m_today.append(line("note", *day.latestUpdate, "ops"));
@@ -203,7 +204,7 @@ void CorvaneMenuBarView::readDay()
 
 void CorvaneMenuBarView::run(const QString& action)
 {
-    if (action == u"approvals") {
+    if (action == u"approvals" || action == u"calendar") {
         setTab(action);
         return;
     }

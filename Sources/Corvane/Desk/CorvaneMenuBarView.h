@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Approvals/ApprovalsView.h"
+#include "Calendar/UpcomingMeetings.h"
 #include "Calls/CallsView.h"
 #include "Desk/ReplyDrafts.h"
 #include "Desk/ResourcesView.h"
@@ -63,9 +64,10 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
     Q_PROPERTY(corvane::ApprovalsView* approvals READ approvals CONSTANT)
     Q_PROPERTY(corvane::ResourcesView* resources READ resources CONSTANT)
+    Q_PROPERTY(corvane::UpcomingMeetings* meetings READ meetings CONSTANT)
     Q_PROPERTY(corvane::CallsView* calls READ calls CONSTANT)
 public:
-    /// In the order of the tabs. A tab comes with what it shows: "Calendar" later, and "RAM" only with a monitor.
+    /// In the order of the tabs; "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
 
     /// What the panel stands on; all of it outlives the panel.
@@ -76,6 +78,7 @@ public:
         NotificationCentre& notifications;
         Scheduler& scheduler;
         ApprovalsView& approvals;
+        UpcomingMeetings& meetings;
         CallsView& calls;
         AIServices& ai;
         QuickCapture* capture = nullptr; ///< none: nothing of it is shown
@@ -97,6 +100,7 @@ public:
     QString noticeText() const;
     ApprovalsView* approvals() { return &m_at.approvals; }
     ResourcesView* resources() { return &m_resources; }
+    UpcomingMeetings* meetings() { return &m_at.meetings; }
     CallsView* calls() { return &m_at.calls; }
 
     /// The day is read as the panel opens, and again as what it shows changes, while someone looks.

@@ -52,7 +52,8 @@ QList<Choice> IntegrationsView::sections() const
         { QStringLiteral("approvals"), QStringLiteral("Approvals") },
         { QStringLiteral("assistant"), QStringLiteral("Assistant") },
         { QStringLiteral("voice"), QStringLiteral("Voice") }, { QStringLiteral("calls"), QStringLiteral("Calls") },
-        { QStringLiteral("sync"), QStringLiteral("Sync") }, { QStringLiteral("system"), QStringLiteral("System") } };
+        { QStringLiteral("calendar"), QStringLiteral("Calendar") }, { QStringLiteral("sync"), QStringLiteral("Sync") },
+        { QStringLiteral("system"), QStringLiteral("System") } };
 }
 
 QString IntegrationsView::sectionLabel() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Calendar/CalendarSettings.h"
 #include "Foundation/Coalescer.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
@@ -41,6 +42,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
+    Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
     Q_PROPERTY(corvane::VoiceSettings* voice READ voice CONSTANT)
@@ -81,6 +83,8 @@ public:
     PairingSheet* pairing() { return &m_pairing; }
     ControlChatSettings* controlChat() { return &m_controlChat; }
     AssistantSettings* assistant() { return &m_assistant; }
+    CalendarSettings* calendar() const { return m_calendar; }
+    void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is made
     SyncSettings* sync() { return &m_sync; }
     SystemSettings* system() { return &m_system; }
     VoiceSettings* voice() { return &m_voice; }
@@ -113,6 +117,7 @@ private:
     PairingSheet m_pairing;
     ControlChatSettings m_controlChat;
     AssistantSettings m_assistant;
+    CalendarSettings* m_calendar = nullptr;
     SyncSettings m_sync;
     SystemSettings m_system;
     VoiceSettings m_voice;

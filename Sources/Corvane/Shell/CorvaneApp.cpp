@@ -5,6 +5,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
+#include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
@@ -16,6 +17,7 @@
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/CalendarSource.h"
 #include "Platform/Desktop.h"
 #include "Platform/GlobalShortcuts.h"
 #include "Platform/MachineFacts.h"
@@ -47,6 +49,15 @@ namespace {
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
 const QString stopRecordingId = QStringLiteral("stopRecording");
+
+/// Of the user, as the accounts tell them.
+QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
+{
+    QStringList addresses;
+    for (const Account& account : store.accounts())
+        addresses += account.email.value_or(QString());
+    return addresses << session.email().value_or(QString());
+}
 
 bool isPaused(const Account& account)
 {
@@ -89,6 +100,12 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
             m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport, *m_machine.tools, *m_machine.reader });
     m_machine.languageModel->choose(modelChoice(m_defaults));
     m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler);
+    m_calendar = std::make_unique<CalendarServices>(CalendarStore::Surroundings { m_engine->db(), *m_machine.calendars,
+                                                        m_background, m_scheduler, m_defaults, m_notifications,
+                                                        [this] {
+                                                            return ownAddresses(*m_store, *m_session);
+                                                        } },
+        *m_ai);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_calls = std::make_unique<CallServices>(
         *m_recordedCalls, m_ai->ai, [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); },
@@ -129,6 +146,7 @@ void CorvaneApp::onAppear()
     m_engine->startAIRequestWatch(m_ai->ai);
     m_resources->start();
     m_data.local.emplace(m_engine->db());
+    m_calendar->store.bootstrap();
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);
     m_contacts->load();

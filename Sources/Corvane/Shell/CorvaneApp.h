@@ -24,6 +24,7 @@ namespace corvane {
 class AccountStore;
 class ApprovalsStore;
 class AddressBook;
+class CalendarSource;
 class ContactsBridge;
 class AudioPlayer;
 class CallAudio;
@@ -50,6 +51,7 @@ class ToolRunner;
 class TranslationService;
 class Tray;
 struct AIServices;
+struct CalendarServices;
 struct VoiceServices;
 struct CallServices;
 
@@ -66,6 +68,7 @@ struct Machine {
     std::unique_ptr<Desktop> desktop;
     std::unique_ptr<Microphone> microphone;
     std::unique_ptr<AddressBook> addressBook;
+    std::unique_ptr<CalendarSource> calendars;
     std::unique_ptr<ToolRunner> tools;
     std::unique_ptr<SystemLanguageModel> languageModel;
     std::unique_ptr<MachineFacts> facts;
@@ -96,6 +99,7 @@ public:
     EngineManager& engine() { return *m_engine; }
     DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
+    CalendarServices& calendar() { return *m_calendar; }
     CallServices& calls() { return *m_calls; }
     RecordedCalls& recordedCalls() { return *m_recordedCalls; }
     ResourceMonitor& resources() { return *m_resources; }
@@ -169,6 +173,7 @@ private:
     std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
+    std::unique_ptr<CalendarServices> m_calendar;
     std::unique_ptr<VoiceServices> m_voice;
     std::unique_ptr<ResourceMonitor> m_resources;
     std::unique_ptr<RecordedCalls> m_recordedCalls;

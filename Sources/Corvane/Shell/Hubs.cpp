@@ -26,6 +26,11 @@ QObject* terminals(Screens& screens, const Hub&)
     return &screens.terminals;
 }
 
+QObject* calendar(Screens& screens, const Hub&)
+{
+    return &screens.calendar;
+}
+
 QObject* inbox(Screens& screens, const Hub&)
 {
     return &screens.inbox;
@@ -42,6 +47,7 @@ const QList<Hub>& hubTable()
         { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Shell/HubPage.qml"_s), planned },
         { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
         { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Terminals/TerminalsPage.qml"_s), terminals },
+        { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s, page(u"Calendar/CalendarPage.qml"_s), calendar },
     };
     return hubs;
 }

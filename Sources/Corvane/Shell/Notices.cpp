@@ -1,5 +1,6 @@
 #include "Shell/Notices.h"
 
+#include "Calendar/CalendarServices.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineSpec.h"
 #include "Platform/AppPaths.h"
@@ -58,6 +59,8 @@ Notices::Notices(const Surroundings& surroundings, QObject* parent)
     connect(&m_at.session, &SessionStore::changed, this, &Notices::changed);
     connect(&m_at.accounts, &AccountStore::accountsChanged, this, &Notices::changed);
     connect(&m_at.content, &ContentView::showsWallChanged, this, &Notices::changed);
+    connect(&m_at.calendar.reminder, &MeetingReminder::changed, this, &Notices::changed);
+    connect(&m_at.calendar.commands, &CalendarCommands::changed, this, &Notices::changed);
 }
 
 QList<Notice> Notices::items() const
@@ -79,6 +82,12 @@ QList<Notice> Notices::items() const
         items.append(notice("keyring", "warn",
             QStringLiteral("The desktop's keyring is locked. Accounts wait for their passwords."),
             { action("unlock", QStringLiteral("Unlock…")) }));
+    if (const QString text = m_at.calendar.reminder.text(); !text.isEmpty())
+        items.append(notice("meeting", "plain", text,
+            { action("prepare", QStringLiteral("Open brief")), action("dismiss", QStringLiteral("Dismiss")) }));
+    if (const QString text = m_at.calendar.commands.undoText(); !text.isEmpty())
+        items.append(notice("event", "plain", text,
+            { action("undo", QStringLiteral("Undo")), action("dismiss", QStringLiteral("Dismiss")) }));
     return items;
 }
 
@@ -90,6 +99,19 @@ void Notices::perform(const QString& id, const QString& action)
         action == QLatin1StringView("again") ? m_at.session.startSignIn() : m_at.session.forgetError();
     else if (id == QLatin1StringView("keyring"))
         m_at.keychain.unlock();
+    else if (id == QLatin1StringView("meeting"))
+        answerReminder(action == QLatin1StringView("prepare"));
+    else if (id == QLatin1StringView("event"))
+        action == QLatin1StringView("undo") ? m_at.calendar.commands.undo() : m_at.calendar.commands.dismiss();
+}
+
+void Notices::answerReminder(bool prepares)
+{
+    if (const auto meeting = m_at.calendar.reminder.meeting(); meeting && prepares) {
+        m_at.calendar.prep.prepare(*meeting);
+        Q_EMIT calendarRequested();
+    }
+    m_at.calendar.reminder.dismiss();
 }
 
 bool Notices::accountsWait() const

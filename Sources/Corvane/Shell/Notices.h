@@ -11,6 +11,7 @@ class SessionStore;
 class StoreHealth;
 enum class StoreFault;
 struct AppPaths;
+struct CalendarServices;
 
 /// A line of the notices.
 class Notice {
@@ -44,6 +45,7 @@ public:
         AccountStore& accounts;
         ContentView& content;
         const AppPaths& paths;
+        CalendarServices& calendar;
     };
 
     explicit Notices(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -52,9 +54,11 @@ public:
     Q_INVOKABLE void perform(const QString& id, const QString& action);
 
 Q_SIGNALS:
+    void calendarRequested(); ///< show the calendar
     void changed();
 
 private:
+    void answerReminder(bool prepares);
     bool accountsWait() const; ///< for a locked keyring
 
     Surroundings m_at;

@@ -1,6 +1,8 @@
 #include "Shell/Screens.h"
 
 #include "Approvals/ApprovalCommands.h"
+#include "Calendar/CalendarKeys.h"
+#include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Desk/CaptureCommands.h"
 #include "Desk/QuickCapture.h"
@@ -21,7 +23,7 @@ Screens::Screens(const Surroundings& surroundings)
     , appearance(at.desktop, at.defaults)
     , content(at.session, at.defaults)
     , wall(at.session, content)
-    , notices({ at.engine.db().health(), at.keychain, at.session, at.accounts, content, at.paths })
+    , notices({ at.engine.db().health(), at.keychain, at.session, at.accounts, content, at.paths, at.calendar })
     , recovery(at.recovery)
     , shell(at.notifications, at.defaults)
     , profile(at.session, shell, at.engine.db(), at.notifications)
@@ -32,9 +34,13 @@ Screens::Screens(const Surroundings& surroundings)
     , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
     , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai,
           at.launcher, at.notifications, at.voice })
+    , calendar({ at.calendar.store, at.calendar.commands, at.calendar.prep, at.desktop, at.notifications })
+    , calendarSettings(at.calendar.store, at.calendar.commands)
+    , meetings({ at.calendar.store, at.calendar.prep, at.desktop, at.notifications })
     , calls(at.calls.recorder, at.calls.player)
     , callSettings(at.calls.settings)
-    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, calls, at.ai, at.capture })
+    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, meetings, calls, at.ai,
+          at.capture })
     , closingNotice(at.tray, at.defaults)
     , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
 {
@@ -44,9 +50,13 @@ Screens::Screens(const Surroundings& surroundings)
     QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
+    QObject::connect(
+        &notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(QStringLiteral("calendar")); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());
     commands.add(inboxCommands(inbox));
+    commands.add(calendarCommands());
+    settings.setCalendar(calendarSettings);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(terminalCommands());
@@ -66,8 +76,8 @@ Screens::Screens(const Surroundings& surroundings)
 Screens::Screens(CorvaneApp& app)
     : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
           app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.voice(), app.recovery(), app.calls(), app.launcher(), app.tray(), app.userUmask(),
-          &app.capture() })
+          app.translations(), app.voice(), app.recovery(), app.calendar(), app.calls(), app.launcher(), app.tray(),
+          app.userUmask(), &app.capture() })
 {
     panel.resources()->setMonitor(app.resources());
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);

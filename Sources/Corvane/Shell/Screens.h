@@ -2,6 +2,9 @@
 
 #include "Approvals/ApprovalsView.h"
 #include "Approvals/PendingDraftsView.h"
+#include "Calendar/CalendarSettings.h"
+#include "Calendar/CalendarView.h"
+#include "Calendar/UpcomingMeetings.h"
 #include "Calls/CallSettings.h"
 #include "Calls/CallsView.h"
 #include "Desk/CorvaneMenuBarView.h"
@@ -24,6 +27,7 @@ class CorvaneApp;
 class Desktop;
 class QuickCapture;
 struct AIServices;
+struct CalendarServices;
 struct CallServices;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
@@ -48,6 +52,7 @@ public:
         TranslationService& translations;
         VoiceServices& voice;
         StoreRecovery& recovery;
+        CalendarServices& calendar;
         CallServices& calls;
         ProcessLauncher& launcher;
         const Tray* tray = nullptr;
@@ -73,6 +78,9 @@ public:
     ApprovalsView approvals;
     PendingDraftsView drafts;
     IntegrationsView settings;
+    CalendarView calendar;
+    CalendarSettings calendarSettings;
+    UpcomingMeetings meetings;
     CallsView calls;
     CallSettings& callSettings;
     CorvaneMenuBarView panel;

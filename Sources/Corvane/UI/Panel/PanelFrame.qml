@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calendar
 import Corvane.Calls
 import Corvane.Controls
 import Corvane.Panel
@@ -13,7 +14,7 @@ T.ApplicationWindow {
     required property CorvaneMenuBarView panel
     required property Notices notices
     readonly property ApprovalsView approvals: panel.approvals
-    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram, calls: calls })
+    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram, calendar: meetings, calls: calls })
 
     title: qsTr("Corvane panel")
     width: 380
@@ -43,7 +44,9 @@ T.ApplicationWindow {
         anchors.fill: parent
         focus: true
         Keys.onEscapePressed: {
-            if (!window.approvals.stepBack() && !window.panel.resources.stepBack())
+            if (window.panel.tab === "calendar" && window.panel.meetings.prep.open)
+                window.panel.meetings.prep.close();
+            else if (!window.approvals.stepBack() && !window.panel.resources.stepBack())
                 window.hide();
         }
 
@@ -161,6 +164,14 @@ T.ApplicationWindow {
         RamTab {
             focus: true
             resources: window.panel.resources
+        }
+    }
+    Component {
+        id: meetings
+        UpcomingTab {
+            focus: true
+            meetings: window.panel.meetings
+            onReviewPressed: window.panel.reviewAll()
         }
     }
     Component {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
+import Corvane.Calendar
 import Corvane.Calls
 import Corvane.Controls
 import Corvane.Settings
@@ -17,7 +18,7 @@ Page {
     signal reviewApprovals
 
     readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, voice: voice,
-        calls: callCards, sync: sync,
+        calls: callCards, calendar: calendar, sync: sync,
         system: system })
 
     panes: [sections, cards]
@@ -100,6 +101,10 @@ Page {
     Component {
         id: callCards
         CallsSection { calls: page.calls }
+    }
+    Component {
+        id: calendar
+        CalendarSection { calendar: page.settings.calendar }
     }
     Component {
         id: sync

@@ -1,0 +1,73 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane.Calendar
+import Corvane.Controls
+
+/// An event in the grid.
+T.AbstractButton {
+    id: tile
+
+    required property eventBlock event
+    required property bool selected
+
+    signal joined
+
+    hoverEnabled: true
+    focusPolicy: Qt.NoFocus // the grid walks over them
+    objectName: "calendar.event"
+    text: event.title
+    opacity: event.past && !selected ? 0.6 : 1
+    Accessible.role: Accessible.ListItem
+    Accessible.name: event.spoken
+    Accessible.selected: selected
+
+    background: Rectangle {
+        radius: Theme.controlRadius
+        color: tile.selected ? Theme.tint : tile.hovered ? Theme.line : Theme.raised
+        border.width: tile.selected ? 2 : 1
+        border.color: tile.selected ? Theme.accent : Theme.line
+        Rectangle {
+            x: 3
+            y: 3
+            width: 3
+            height: parent.height - 6
+            radius: 2
+            color: tile.event.colour !== "" ? tile.event.colour : Theme.accent
+        }
+    }
+    contentItem: Item {
+        clip: true
+        Label {
+            id: title
+            x: Theme.medium
+            y: tile.height < 30 ? Math.round((tile.height - height) / 2) : Theme.tight
+            width: parent.width - x - Theme.tight - (join.visible ? join.width : 0)
+            text: tile.event.title
+            font.pixelSize: Theme.meta + 1
+            font.weight: Theme.strong
+            font.strikeout: tile.event.declined
+        }
+        Label {
+            anchors.top: title.bottom
+            x: Theme.medium
+            width: parent.width - x - Theme.tight
+            visible: tile.height >= 40
+            text: tile.event.timeText
+            font.pixelSize: Theme.meta
+            color: Theme.soft
+        }
+        Button {
+            id: join
+            objectName: "calendar.tileJoin"
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.margins: 2
+            visible: tile.event.joinable
+            implicitHeight: Math.min(24, tile.height - 4)
+            kind: "primary"
+            focusPolicy: Qt.NoFocus
+            text: qsTr("Join")
+            onClicked: tile.joined()
+        }
+    }
+}
