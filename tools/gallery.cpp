@@ -1,8 +1,8 @@
-// Renders every screen and state of the window into a folder of pictures: the real window over the real view
-// models and a database that the demonstration engines filled through the real supervisor. The clock stands
-// still, so that each run draws the same.
+// Renders every screen and state of the window into a folder of pictures: the real window over the real view models and
+// a database that the demonstration engines filled. The clock stands still, so that each run draws the same.
 
 #include "gallery-approvals.h"
+#include "gallery-calendar.h"
 #include "gallery-calls.h"
 #include "gallery-connect.h"
 #include "gallery-files.h"
@@ -66,12 +66,13 @@ public:
         inboxScreens();
         assistantScreens();
         contactScreens();
+        drawCalendar(m_screens, *m_model,
+            [this](const QString& name) { name.startsWith(u"panel"_s) ? savePanel(name) : save(name); });
         approvalScreens();
         settingsScreens();
         hubScreens();
         drawTerminals(
-            m_screens, [this](Milliseconds pause) { wait(pause); },
-            [this](const QString& name) { save(name, { Look::Light, Look::Dark }); });
+            m_screens, [this](Milliseconds pause) { wait(pause); }, [this](const QString& name) { save(name); });
         drawCalls(
             m_screens, m_app.engine().db(), [this](Milliseconds pause) { wait(pause); },
             [this](const QString& name) { save(name, { Look::Light, Look::Dark, Look::LightSmall }); },
@@ -97,7 +98,7 @@ private:
         }
     }
 
-    void save(const QString& name, std::initializer_list<Look> looks)
+    void save(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark })
     {
         for (const Look look : looks) {
             const bool small = look == Look::LightSmall || look == Look::DarkSmall;
@@ -106,7 +107,7 @@ private:
         }
     }
 
-    void savePanel(const QString& name, std::initializer_list<Look> looks)
+    void savePanel(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark })
     {
         m_panel.show({});
         for (const Look look : looks)
