@@ -33,7 +33,7 @@ QuickCapture::QuickCapture(LocalDB& db, GlobalShortcuts* shortcuts, UserDefaults
                    .label = QStringLiteral("Capture a task or a note"),
                    .keys = { QStringLiteral("Ctrl+Alt+N"), QStringLiteral("Ctrl+Alt+Shift+N") },
                    .command = QStringLiteral("corvane capture") },
-          shortcuts, defaults)
+          shortcuts, defaults, this)
 {
     connect(&m_hotKey, &HotKey::pressed, this, &QuickCapture::toggle);
 }
