@@ -2,7 +2,6 @@
 
 #include "Calendar/CalendarTest.h"
 #include "Calendar/MeetingRules.h"
-#include "Support/FakeCalendarSource.h"
 
 namespace corvane {
 
@@ -102,7 +101,7 @@ TEST_F(CalendarMirror, nothingIsReadBeforeConnectIsPressedAndTheChoiceIsKept)
     EXPECT_EQ(start(*m_source).access(), CalendarStore::Access::Granted) << "at the next start";
     EXPECT_EQ(m_store->events().size(), 1) << "shown before the calendars answer";
 
-    FakeCalendarSource writeOnly;
+    FakeCalendarSource& writeOnly = m_fake;
     writeOnly.given = CalendarAccess::WriteOnly;
     EXPECT_EQ(start(writeOnly).access(), CalendarStore::Access::Denied);
     EXPECT_EQ(
@@ -140,7 +139,7 @@ TEST_F(CalendarMirror, theMirrorFollowsFilesDaysAndTheWorkspace)
 
 TEST_F(CalendarMirror, hiddenCalendarsAreMirroredAndOnlyNotShown)
 {
-    FakeCalendarSource source;
+    FakeCalendarSource& source = m_fake;
     const qint64 startMs = at("2026-10-08 10:00");
     source.set({ { { u"w"_s, u"Work"_s }, { u"h"_s, u"Home, sweet"_s } },
         { { u"w"_s, u"1"_s, {}, u"A"_s, {}, {}, startMs, startMs + 1 },

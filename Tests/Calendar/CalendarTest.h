@@ -4,6 +4,7 @@
 #include "Foundation/BackgroundQueue.h"
 #include "Platform/Linux/Services.h"
 #include "Support/Await.h"
+#include "Support/FakeCalendarSource.h"
 #include "Support/StoreTest.h"
 
 #include <QDateTime>
@@ -60,6 +61,7 @@ protected:
 
     const QString m_folder = QFileInfo(m_home.paths().applicationSupport).path() + u"/calendars/work/"_s;
     std::unique_ptr<CalendarSource> m_source { makeCalendarSource(m_home.paths()) };
+    FakeCalendarSource m_fake; ///< outlives what runs in the background
     BackgroundQueue m_background;
     std::unique_ptr<CalendarStore> m_store;
 };

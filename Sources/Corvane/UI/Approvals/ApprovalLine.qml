@@ -30,21 +30,18 @@ FocusScope {
     Accessible.role: Accessible.ListItem
     Accessible.name: [approval.title, approval.riskText, approval.stateText, approval.body].filter(part => part !== "").join(", ")
 
-    /// The keyboard stays in the row when the buttons under it change.
-    function focusOn(button: Item) {
-        if (activeFocus && button.visible)
-            button.forceActiveFocus(Qt.TabFocusReason);
-    }
     function focusQuestion() {
         doubt.forceActiveFocus(Qt.TabFocusReason);
     }
     function toggleText() {
         wholeText = !wholeText;
     }
-    onArmedChanged: Qt.callLater(focusOn, armed ? undo : approve)
-    onAskingChanged: if (!asking) Qt.callLater(focusOn, armed ? undo : approve)
-    onEditingChanged: Qt.callLater(focusOn, editing ? words : approve)
-    onLinkingChanged: Qt.callLater(linking ? picker.focusSearch : () => line.focusOn(approve))
+    // The keyboard stays in the row when the buttons under it change.
+    FocusLater { id: focusLater; scope: line }
+    onArmedChanged: focusLater.move(armed ? undo : approve)
+    onAskingChanged: if (!asking) focusLater.move(armed ? undo : approve)
+    onEditingChanged: focusLater.move(editing ? words : approve)
+    onLinkingChanged: focusLater.move(linking ? picker.field : approve)
 
     FocusRing { control: line; shown: line.ringed; anchors.margins: -2; radius: Theme.cardRadius + 2 }
     Card {

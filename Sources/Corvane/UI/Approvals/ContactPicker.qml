@@ -8,14 +8,11 @@ Column {
     id: picker
 
     required property ContactPick link ///< the view model
+    property alias field: search
 
     spacing: Theme.small
     Accessible.role: Accessible.Grouping
     Accessible.name: search.placeholderText
-
-    function focusSearch() {
-        search.forceActiveFocus(Qt.TabFocusReason);
-    }
 
     SearchField {
         id: search

@@ -29,13 +29,10 @@ Column {
         head.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    /// The keyboard stays in the line when the buttons under it change.
-    function focusOn(button: Item) {
-        if (inner.activeFocus)
-            button.forceActiveFocus(Qt.TabFocusReason);
-    }
-    onAskingChanged: Qt.callLater(focusOn, asking ? send : approve)
-    onEditingChanged: if (!editing) Qt.callLater(focusOn, approve)
+    // The keyboard stays in the line when the buttons under it change.
+    FocusLater { id: focusLater; scope: inner }
+    onAskingChanged: focusLater.move(asking ? send : approve)
+    onEditingChanged: if (!editing) focusLater.move(approve)
 
     T.AbstractButton {
         id: head

@@ -1,0 +1,18 @@
+import QtQuick
+
+/// Moves the keyboard to an item once the present event is handled, if it is still inside of `scope` then. In a
+/// delegate Qt.callLater would run after the delegate was removed, and crash.
+Timer {
+    id: later
+
+    required property Item scope
+    property Item target
+
+    function move(to: Item) {
+        target = to;
+        restart();
+    }
+
+    interval: 0
+    onTriggered: if (scope.activeFocus && target && target.visible) target.forceActiveFocus(Qt.TabFocusReason)
+}
