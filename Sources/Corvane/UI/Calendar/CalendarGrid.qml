@@ -219,9 +219,10 @@ FocusScope {
                 contentY = Math.min(Math.max(0, contentHeight - height), top + length - height + Theme.large);
         }
     }
+    KeyboardFocus { id: keyboard; target: grid }
     FocusRing {
         control: grid
         anchors.margins: 2
-        shown: grid.activeFocus && grid.screen.selected === ""
+        shown: keyboard.shown && grid.screen.selected === ""
     }
 }
