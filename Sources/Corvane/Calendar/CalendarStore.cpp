@@ -90,8 +90,8 @@ void CalendarStore::requestAccess()
     case CalendarAccess::WriteOnly:
         return deny(u"Corvane has write-only Calendar access. Connect Calendar to grant full read access."_s);
     case CalendarAccess::None:
-        return deny(u"No calendar was found. Make a local calendar, choose a folder of calendar files, or connect "
-                    "the desktop's calendars."_s);
+        return deny(u"No calendar was found. Make a local calendar, or add a folder of calendar files in the "
+                    "settings."_s);
     }
 }
 
