@@ -14,7 +14,7 @@ struct PortalShortcut {
     QVariantMap properties;
 };
 
-/// Such as "CTRL+ALT+n", by the XDG shortcuts specification; empty for what is not one key.
+/// Such as "CTRL+ALT+n", as freedesktop.org writes shortcuts; empty for what is not one key.
 QString portalTrigger(const QString& keys);
 
 /// The GlobalShortcuts portal, version 1. The desktop chooses the keys and may ask the user; a session takes its
