@@ -232,7 +232,8 @@ QList<Command> CorvaneApp::trayCommands()
             .label = QStringLiteral("Capture a Task"),
             .run =
                 [this] {
-                    m_capture->toggle();
+                    if (!isQuitting())
+                        m_capture->toggle();
                 } },
         { .id = QStringLiteral("settings"),
             .label = QStringLiteral("Settings"),
