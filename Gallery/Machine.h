@@ -2,7 +2,7 @@
 
 // The machine that the pictures of tools/gallery show: real where it moves the program, and the same each time.
 
-#include "gallery-sound.h"
+#include "Sound.h"
 
 #include "Foundation/Arrival.h"
 #include "Foundation/SystemScheduler.h"

@@ -1,5 +1,7 @@
-#pragma once
+#include "Gallery.h"
+#include "Pages.h"
 
+#include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/DraftApprovals.h"
@@ -10,8 +12,10 @@ namespace corvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
 /// What agents left for the owner of the workshop.
-inline void letItemsWait(LocalDB& db, const QString& megan, const QString& hannah)
+void letItemsWait(LocalDB& db, const QString& megan, const QString& hannah)
 {
     const auto draft = [&](const QString& contact, const QString& text) {
         const auto conversation = db.scalar(
@@ -42,7 +46,7 @@ VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arc
 }
 
 /// One of each kind, as if their five seconds were over.
-inline void decideSome(DraftDelivery& delivery)
+void decideSome(DraftDelivery& delivery)
 {
     LocalDB& db = delivery.db();
     for (const PendingDraft& draft : QList<PendingDraft>(delivery.pending())) {
@@ -57,6 +61,62 @@ inline void decideSome(DraftDelivery& delivery)
     (void)rejectWorkDecision(db, u"w3"_s, u"Oskel"_s);
     if (const auto payment = fetchWorkDecision(db, u"w1"_s))
         (void)approveWorkDecision(db, payment->id, u"Oskel"_s, decisionHash(*payment));
+}
+
+}
+
+void drawApprovals(Gallery& gallery)
+{
+    LocalDB& db = gallery.db();
+    const auto look = [&gallery] {
+        gallery.app().delivery().refresh();
+        gallery.app().approvals().refresh();
+        gallery.wait(Milliseconds(200));
+    };
+    gallery.screens().shell.openApprovals();
+    look();
+    gallery.save(u"approvals-empty"_s, { Look::Light, Look::Dark });
+    gallery.screens().approvals.log()->setShown(true);
+    gallery.wait(Milliseconds(200));
+    gallery.save(u"approvals-nothing-decided"_s, { Look::Light });
+    gallery.screens().approvals.log()->setShown(false);
+    gallery.screens().panel.setTab(u"approvals"_s);
+    gallery.savePanel(u"panel-approvals-empty"_s, { Look::Light });
+
+    letItemsWait(db, gallery.contactNamed(u"Megan Price"_s), gallery.contactNamed(u"Hannah Fischer"_s));
+    look();
+    gallery.save(u"approvals-filled"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    gallery.savePanel(u"panel-approvals"_s, { Look::Light, Look::Dark });
+    const QString first = gallery.screens().approvals.rows()->index(1, 0).data(Qt::UserRole).toString();
+    gallery.screens().approvals.approve(first);
+    gallery.wait(Milliseconds(200));
+    gallery.save(u"approvals-armed"_s, { Look::Light, Look::Dark });
+    gallery.screens().approvals.undo(first);
+    gallery.screens().approvals.approve(u"decision:w1"_s);
+    gallery.wait(Milliseconds(200));
+    gallery.save(u"approvals-asked"_s, { Look::Light, Look::Dark });
+    gallery.screens().approvals.stepBack();
+    gallery.screens().approvals.edit(first);
+    gallery.wait(Milliseconds(200));
+    gallery.save(u"approvals-edited"_s, { Look::Light });
+    gallery.screens().approvals.editor()->close();
+    gallery.screens().panel.setTab(u"now"_s);
+    gallery.savePanel(u"panel-now"_s, { Look::Light, Look::Dark });
+    gallery.screens().shell.openSettings();
+    gallery.screens().settings.setSection(u"approvals"_s);
+    gallery.save(u"settings-approvals-waiting"_s, { Look::Light, Look::Dark });
+    gallery.screens().settings.setSection(u"accounts"_s);
+    decideSome(gallery.app().delivery());
+    gallery.screens().shell.openApprovals();
+    gallery.screens().approvals.log()->setShown(true);
+    gallery.wait(Milliseconds(200));
+    gallery.save(u"approvals-decided"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    gallery.screens().approvals.log()->setShown(false);
+    gallery.screens().shell.closeApprovals();
+    db.run(u"DELETE FROM outbound_draft WHERE status IN ('pending','failed');"_s);
+    db.run(u"DELETE FROM crm_update_proposal WHERE status='pending';"_s);
+    db.run(u"DELETE FROM work_decision WHERE status='proposed';"_s);
+    look();
 }
 
 }

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Machine.h"
+
+#include "Shell/CorvaneApp.h"
+#include "Shell/Screens.h"
+#include "UI/MainWindow.h"
+#include "UI/PanelWindow.h"
+
+#include <QQuickItem>
+
+namespace corvane {
+
+/// In which colours and size a picture is drawn.
+enum class Look { Light, Dark, LightSmall, DarkSmall };
+
+/// The real window over the real view models and a database that the demonstration engines filled.
+class Gallery {
+public:
+    /// Pictures go into `folder`; the clock stands at `nowMs`.
+    Gallery(const QString& folder, qint64 nowMs);
+    ~Gallery();
+
+    /// Shows the empty window, starts the engines and waits until they have told everything.
+    void open();
+
+    CorvaneApp& app() { return m_app; }
+    Screens& screens() { return m_screens; }
+    LocalDB& db();
+    QQuickWindow& window() { return *m_window.window(); }
+    StandingClock& clock() { return m_clock; }
+    PictureModel& model() { return *m_model; }
+
+    void wait(Milliseconds duration);
+    /// Draws what is on the screen.
+    void save(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
+    void savePanel(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    QQuickItem* item(const QString& name); ///< null where there is none of that name
+    QString contactNamed(const QString& name); ///< its id
+    void openThread(const QString& contactName);
+
+private:
+    void saveWindow(QQuickWindow& window, const QString& name, Look look, const QString& size);
+
+    const QString m_folder;
+    StandingClock m_clock;
+    PictureDesktop* m_desktop = nullptr;
+    PictureModel* m_model = nullptr;
+    CorvaneApp m_app;
+    Screens m_screens;
+    MainWindow m_window;
+    PanelWindow m_panel;
+    int m_events = 0;
+};
+
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace corvane {
+
+class Gallery;
+
+// Each starts in the inbox and leaves it as it was.
+
+void drawInbox(Gallery& gallery);
+void drawAssistant(Gallery& gallery);
+void drawContact(Gallery& gallery);
+void drawCalendar(Gallery& gallery);
+void drawApprovals(Gallery& gallery);
+void drawSettings(Gallery& gallery);
+void drawHubs(Gallery& gallery);
+void drawTerminals(Gallery& gallery);
+void drawCalls(Gallery& gallery);
+void drawWall(Gallery& gallery);
+
+}

@@ -1,0 +1,61 @@
+// Renders every screen and state of the window into a folder of pictures. The clock stands still, so that each run
+// draws the same.
+
+#include "Gallery.h"
+#include "Pages.h"
+
+#include "Platform/Linux/Decode/DecodeChild.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QStyleHints>
+#include <cstdio>
+#include <cstring>
+
+using namespace corvane;
+
+namespace {
+
+struct Page {
+    QString name;
+    void (*draw)(Gallery&);
+};
+
+/// In the order in which they are drawn; the wall signs out.
+const Page pages[] = {
+    { QStringLiteral("inbox"), drawInbox },
+    { QStringLiteral("assistant"), drawAssistant },
+    { QStringLiteral("contact"), drawContact },
+    { QStringLiteral("calendar"), drawCalendar },
+    { QStringLiteral("approvals"), drawApprovals },
+    { QStringLiteral("settings"), drawSettings },
+    { QStringLiteral("hubs"), drawHubs },
+    { QStringLiteral("terminals"), drawTerminals },
+    { QStringLiteral("calls"), drawCalls },
+    { QStringLiteral("wall"), drawWall },
+};
+
+}
+
+int main(int argc, char** argv)
+{
+    if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
+        return runDecodeChild();
+    QGuiApplication application(argc, argv);
+    const QStringList wanted = application.arguments().mid(2);
+    const qint64 nowMs = qEnvironmentVariable("CORVANE_DEMO_NOW").toLongLong();
+    if (argc < 2 || nowMs <= 0) {
+        std::fprintf(stderr, "usage: tools/gallery [DIR [PAGE...]]\n");
+        return 2;
+    }
+    QGuiApplication::styleHints()->setCursorFlashTime(0);
+    const QString folder = application.arguments().at(1);
+    QDir().mkpath(folder);
+    Gallery gallery(folder, nowMs);
+    gallery.open();
+    for (const Page& page : pages) {
+        if (wanted.isEmpty() || wanted.contains(page.name))
+            page.draw(gallery);
+    }
+    return 0;
+}
