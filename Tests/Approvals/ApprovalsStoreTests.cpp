@@ -1,9 +1,13 @@
 #include "Approvals/ApprovalsStore.h"
 
+#include "Calendar/CalendarCommands.h"
+#include "Calendar/CalendarStore.h"
 #include "Calls/RecordedCalls.h"
 #include "Engines/EngineProcesses.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/Await.h"
 #include "Support/EngineWorld.h"
+#include "Support/FakeCalendarSource.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/WaitingItems.h"
@@ -329,4 +333,34 @@ TEST(Approvals, withoutEngineAndRecorderAPressOnlySaysSo)
         u"Couldn't approve,Couldn't reject,Couldn't approve,Couldn't reject,Couldn't approve,Couldn't reject"_s);
     EXPECT_EQ(world->banners.shown.first().body, u"Couldn't approve — engine not ready, try again"_s);
     EXPECT_TRUE(store.drafts().isEmpty() && store.proposals().isEmpty());
+}
+
+TEST_F(ApprovalsTest, anEventThatAnAgentWantsIsAddedOrRejectedAndWhyTheCalendarRefusesIsTold)
+{
+    FakeCalendarSource source;
+    source.set({ { { u"work"_s, u"Work"_s, {}, {}, true } }, {}, {} });
+    CalendarStore calendar({ db(), source, world.background, world.clock, world.defaults, world.centre, {} });
+    CalendarCommands events(calendar);
+    events.setAgentsMayAdd(false);
+    calendar.requestAccess();
+    ASSERT_TRUE(await([&] { return !calendar.calendars().isEmpty(); }));
+    attach();
+    store.attach(events);
+    poll();
+    for (const QString& id : { u"c1"_s, u"c2"_s })
+        db().run(u"INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, status, created_at) "
+                 "VALUES(?,'local','Lunch',1000,2000,'pending',0);"_s,
+            { id });
+    poll();
+    EXPECT_EQ(announced(), QStringList({ u"event c1: Lunch"_s, u"event c2: Lunch"_s }));
+    EXPECT_EQ(waitingForDecision(store), 2);
+    press(u"event"_s, u"c1"_s, u"reject"_s);
+    store.decide({ ApprovalKind::Event, u"c2"_s }, Verdict::Approve, seconds(5));
+    EXPECT_EQ(waitingForDecision(store), 0);
+    poll();
+    EXPECT_TRUE(await([&] { return status(u"c2"_s, u"calendar_command"_s) == u"failed"; }));
+    EXPECT_EQ(store.notice(), u"Lunch: It takes none."_s);
+    EXPECT_EQ(world.cell(u"SELECT error FROM calendar_command WHERE id='c1';"_s), u"Rejected."_s);
+    EXPECT_EQ(world.cell(u"SELECT group_concat(action || ' ' || subject_id) FROM approval_record;"_s),
+        u"reject c1,approve c2"_s);
 }

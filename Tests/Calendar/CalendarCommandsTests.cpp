@@ -59,8 +59,12 @@ TEST_F(AgentEvents, waitForAWordWhereThePersonWantsIt)
     ask("c2", "Two", "2026-10-09 14:00", "2026-10-09 15:00");
     commands->processPendingCommands();
     ASSERT_EQ(commands->waiting().size(), 2);
-    commands->reject(u"c1"_s);
-    commands->add(u"c2"_s);
+    const QString seen = eventHash(commands->waiting().last());
+    EXPECT_EQ(commands->reject(u"c1"_s), Decided::Taken);
+    m_db->run(u"UPDATE calendar_command SET title='Tower' WHERE id='c2';"_s);
+    EXPECT_EQ(commands->add(u"c2"_s, seen), Decided::Changed) << "only what was seen is added";
+    m_db->run(u"UPDATE calendar_command SET title='Two' WHERE id='c2';"_s);
+    EXPECT_EQ(commands->add(u"c2"_s, seen), Decided::Taken);
     EXPECT_TRUE(awaitRow("c1|failed|Rejected.;c2|done|-"));
     EXPECT_TRUE(awaitEvents({ u"Two"_s }));
     commands->processPendingCommands();

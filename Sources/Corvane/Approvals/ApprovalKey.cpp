@@ -11,6 +11,8 @@ QString kindWord(ApprovalKind kind)
         return QStringLiteral("proposal");
     case ApprovalKind::Decision:
         return QStringLiteral("decision");
+    case ApprovalKind::Event:
+        return QStringLiteral("event");
     }
     return {};
 }
@@ -23,6 +25,8 @@ std::optional<ApprovalKind> kindOf(const QString& word)
         return ApprovalKind::Proposal;
     if (word == u"decision")
         return ApprovalKind::Decision;
+    if (word == u"event")
+        return ApprovalKind::Event;
     return std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Approvals/DraftWords.h"
 #include "Approvals/RiskQuestion.h"
+#include "Calendar/CalendarLayout.h"
 
 namespace corvane {
 
@@ -110,6 +111,27 @@ ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<
         row.question = riskQuestion(decision);
     arm(row, arming, QStringLiteral("Approving…"), QStringLiteral("Approved"));
     return row;
+}
+
+ApprovalRow eventRow(const CalCommand& event, qint64 nowMs, const std::optional<Arming>& arming)
+{
+    ApprovalRow row
+        = rowOf({ ApprovalKind::Event, event.id }, QStringLiteral("Calendar Events"), QStringLiteral("Add"));
+    row.title = event.title;
+    row.body = event.notes;
+    row.detail = eventWords(event, nowMs);
+    arm(row, arming, QStringLiteral("Adding…"), QStringLiteral("Added"));
+    return row;
+}
+
+QString eventWords(const CalCommand& event, qint64 nowMs)
+{
+    CalEvent timed;
+    timed.startMs = event.startMs;
+    timed.endMs = event.endMs;
+    QStringList parts { whenText(timed, nowMs), event.location, event.calendar };
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" · "));
 }
 
 }

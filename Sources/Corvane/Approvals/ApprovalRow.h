@@ -4,6 +4,7 @@
 #include "Approvals/DraftActions.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Work/CalendarQueries.h"
 #include "Store/Work/WorkRecords.h"
 
 #include <QMetaType>
@@ -36,7 +37,7 @@ class ApprovalRow {
     Q_PROPERTY(QString linkLabel MEMBER linkLabel)
     Q_PROPERTY(QList<corvane::DraftAction> actions MEMBER actions)
 public:
-    QString kind; ///< "draft", "proposal" or "decision"
+    QString kind; ///< "draft", "proposal", "decision" or "event"
     QString id;
     QString head; ///< what it stands under: "Outbound Messages", ...
     QString title;
@@ -52,7 +53,7 @@ public:
     QString stateText; ///< "Sending…", of what is on its way
     int secondsLeft = 0; ///< to undo it; 0 where nothing can be undone
     QString settledText; ///< "Approved", for when the seconds are over
-    QString approveLabel; ///< "Approve", "Retry" or "Apply"
+    QString approveLabel; ///< "Approve", "Retry", "Apply" or "Add"
     QString question; ///< what is asked before it is approved; empty where one press is enough
     bool canDecide = false; ///< approve and reject apply
     bool canEdit = false;
@@ -78,5 +79,9 @@ ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arm
 ApprovalRow proposalRow(
     const CRMUpdateProposal& proposal, const QString& contactName, const std::optional<Arming>& arming = {});
 ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<Arming>& arming = {});
+ApprovalRow eventRow(const CalCommand& event, qint64 nowMs, const std::optional<Arming>& arming = {});
+
+/// When and where a wanted event is, in one line.
+QString eventWords(const CalCommand& event, qint64 nowMs);
 
 }

@@ -1,7 +1,9 @@
 #include "Approvals/ApprovalsStore.h"
 
+#include "Approvals/ApprovalRow.h"
 #include "Approvals/RefusalWords.h"
 #include "Approvals/RiskQuestion.h"
+#include "Calendar/CalendarCommands.h"
 #include "Calls/RecordedCalls.h"
 #include "Engines/DraftDelivery.h"
 #include "Foundation/Ids.h"
@@ -40,6 +42,12 @@ ApprovalItem itemOf(const WorkDecisionRecord& decision)
 {
     return { { ApprovalKind::Decision, decision.id }, kindWord(ApprovalKind::Decision), decision.title,
         decision.proposal, decisionHash(decision) };
+}
+
+ApprovalItem itemOf(const CalCommand& event, qint64 nowMs)
+{
+    return { { ApprovalKind::Event, event.id }, kindWord(ApprovalKind::Event), event.title, eventWords(event, nowMs),
+        eventHash(event) };
 }
 
 template <typename Row> const Row* findById(const QList<Row>& rows, const QString& id)
@@ -89,6 +97,21 @@ void ApprovalsStore::attach(DraftDelivery& delivery, RecordedCalls& calls)
     });
 }
 
+void ApprovalsStore::attach(CalendarCommands& events)
+{
+    if (m_events == &events)
+        return;
+    m_events = &events;
+    connect(&events, &CalendarCommands::changed, this, [this] {
+        refresh();
+        Q_EMIT changed();
+    });
+    connect(&events, &CalendarCommands::refused, this, [this](const QString& title, const QString& reason) {
+        m_notice = title + QStringLiteral(": ") + reason;
+        Q_EMIT changed();
+    });
+}
+
 void ApprovalsStore::refresh()
 {
     if (!m_delivery)
@@ -112,6 +135,12 @@ const QList<CRMUpdateProposal>& ApprovalsStore::proposals() const
 {
     static const QList<CRMUpdateProposal> none;
     return m_calls ? m_calls->pendingProposals() : none;
+}
+
+const QList<CalCommand>& ApprovalsStore::events() const
+{
+    static const QList<CalCommand> none;
+    return m_events ? m_events->waiting() : none;
 }
 
 void ApprovalsStore::decide(const ApprovalKey& key, Verdict verdict, Milliseconds window)
@@ -228,6 +257,8 @@ void ApprovalsStore::notifyNewItems()
         items.append(itemOf(proposal));
     for (const WorkDecisionRecord& decision : std::as_const(m_decisions))
         items.append(itemOf(decision));
+    for (const CalCommand& event : events())
+        items.append(itemOf(event, m_scheduler.nowMs()));
 
     std::erase_if(m_announced, [&](const auto& announced) {
         const bool waits = std::ranges::find(items, announced.first, &ApprovalItem::key) != items.end();
@@ -264,6 +295,10 @@ Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
         return approve ? applyCRMUpdateProposal(db, id, seen.hash) : rejectCRMUpdateProposal(db, id);
     case ApprovalKind::Decision:
         return approve ? approveWorkDecision(db, id, owner, seen.hash) : rejectWorkDecision(db, id, owner);
+    case ApprovalKind::Event:
+        if (!m_events)
+            return Decided::Refused;
+        return approve ? m_events->add(id, seen.hash) : m_events->reject(id);
     }
     return Decided::Refused;
 }
@@ -293,7 +328,7 @@ void ApprovalsStore::tellRefusal(const ApprovalItem& seen, Verdict verdict, Deci
 
 bool ApprovalsStore::asksFirst(const ApprovalKey& key) const
 {
-    if (!m_delivery || key.kind == ApprovalKind::Proposal)
+    if (!m_delivery || key.kind == ApprovalKind::Proposal || key.kind == ApprovalKind::Event)
         return false;
     if (key.kind == ApprovalKind::Draft) {
         const auto draft = fetchDraft(m_delivery->db(), key.id);
@@ -318,6 +353,10 @@ ApprovalItem ApprovalsStore::shown(const ApprovalKey& key) const
         if (const auto* proposal = findById(proposals(), key.id))
             return itemOf(*proposal);
         item.title = crmProposal(db, key.id).value_or(CRMUpdateProposal()).title;
+    } else if (key.kind == ApprovalKind::Event) {
+        if (const auto* event = findById(events(), key.id))
+            return itemOf(*event, m_scheduler.nowMs());
+        item.title = fetchCalendarCommand(db, key.id).value_or(CalCommand()).title;
     } else {
         if (const auto* decision = findById(m_decisions, key.id))
             return itemOf(*decision);
@@ -346,7 +385,8 @@ int waitingForDecision(const ApprovalsStore& store)
     const auto drafts = std::ranges::count_if(store.drafts(),
         [&](const PendingDraft& draft) { return waitsForPerson(draft) && waits(ApprovalKind::Draft)(draft); });
     return int(drafts + std::ranges::count_if(store.proposals(), waits(ApprovalKind::Proposal))
-        + std::ranges::count_if(store.decisions(), waits(ApprovalKind::Decision)));
+        + std::ranges::count_if(store.decisions(), waits(ApprovalKind::Decision))
+        + std::ranges::count_if(store.events(), waits(ApprovalKind::Event)));
 }
 
 }

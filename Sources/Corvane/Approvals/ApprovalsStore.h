@@ -6,6 +6,7 @@
 #include "Foundation/Scheduler.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/DraftApprovals.h"
+#include "Store/Work/CalendarQueries.h"
 #include "Store/Work/WorkRecords.h"
 
 #include <QObject>
@@ -15,6 +16,7 @@
 
 namespace corvane {
 
+class CalendarCommands;
 class RecordedCalls;
 class DraftDelivery;
 class Notifier;
@@ -24,7 +26,7 @@ constexpr Milliseconds undoWindow { 5000 };
 /// Something that waits for a person, as it is announced.
 struct ApprovalItem {
     ApprovalKey key; ///< a draft keeps its key when it fails
-    QString kind; ///< "draft", "draft_failed", "proposal" or "decision"
+    QString kind; ///< "draft", "draft_failed", "proposal", "decision" or "event"
     QString title;
     QString body;
     QString hash; ///< stands for all that a person sees of it
@@ -42,11 +44,13 @@ public:
     /// Once at boot; a second call leaves one timer and one observer. Without the two, once they are gone, every
     /// action only says that it could not be done.
     void attach(DraftDelivery& delivery, RecordedCalls& calls);
+    void attach(CalendarCommands& events); ///< that agents want to add; a second call changes nothing
     void refresh();
 
     const QList<WorkDecisionRecord>& decisions() const { return m_decisions; } ///< the 50 first that wait
     const QList<PendingDraft>& drafts() const; ///< those of the delivery; empty without it
     const QList<CRMUpdateProposal>& proposals() const; ///< those of the recorder; empty without it
+    const QList<CalCommand>& events() const; ///< those of the calendar; empty without it
 
     /// Arms a verdict on the item as it is shown now. After the window it is carried out; until then nothing is written
     /// and a quit forgets it. An item that is armed already keeps its verdict.
@@ -95,6 +99,7 @@ private:
     Scheduler& m_scheduler;
     QPointer<DraftDelivery> m_delivery;
     QPointer<RecordedCalls> m_calls;
+    QPointer<CalendarCommands> m_events;
     QList<WorkDecisionRecord> m_decisions;
     std::map<ApprovalKey, Armed> m_armed;
     std::unique_ptr<Timer> m_countDown;

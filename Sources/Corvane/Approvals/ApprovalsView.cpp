@@ -14,6 +14,7 @@ ApprovalsView::ApprovalsView(
     , m_store(store)
     , m_actions(actions)
     , m_db(db)
+    , m_scheduler(scheduler)
     , m_editor(store)
     , m_link(db,
           [&store](const QString& proposal, const QString& contact) { return store.linkProposal(proposal, contact); })
@@ -188,6 +189,8 @@ QList<ApprovalRow> ApprovalsView::currentRows() const
             arming(ApprovalKind::Proposal, proposal.id)));
     for (const WorkDecisionRecord& decision : m_store.decisions())
         rows.append(decisionRow(decision, arming(ApprovalKind::Decision, decision.id)));
+    for (const CalCommand& event : m_store.events())
+        rows.append(eventRow(event, m_scheduler.nowMs(), arming(ApprovalKind::Event, event.id)));
     return rows;
 }
 

@@ -88,6 +88,7 @@ private:
     ApprovalsStore& m_store;
     DraftActions& m_actions;
     LocalDB& m_db;
+    Scheduler& m_scheduler;
     DraftEdit m_editor;
     ContactPick m_link;
     DecisionLog m_log;

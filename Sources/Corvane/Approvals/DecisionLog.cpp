@@ -1,9 +1,11 @@
 #include "Approvals/DecisionLog.h"
 
 #include "Approvals/ApprovalKey.h"
+#include "Approvals/ApprovalRow.h"
 #include "Approvals/ApprovalsStore.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
+#include "Store/Approvals/EventRequests.h"
 #include "Store/Approvals/WorkDecisions.h"
 
 namespace corvane {
@@ -72,6 +74,11 @@ std::optional<Subject> subjectOf(LocalDB& db, const ApprovalRecord& line)
             return Subject { proposal.title, proposal.bodyPreview(), proposalHash(proposal), {}, {} };
         });
     }
+    if (kind == ApprovalKind::Event) {
+        return subjectOf(fetchCalendarCommand(db, line.subjectId), [&](const CalCommand& event) {
+            return Subject { event.title, eventWords(event, line.at), eventHash(event), {}, {} };
+        });
+    }
     return subjectOf(fetchWorkDecision(db, line.subjectId), [](const WorkDecisionRecord& decision) {
         return Subject { decision.title, decision.proposal, decisionHash(decision), {}, decision.decidedBy };
     });
@@ -81,6 +88,8 @@ QString nameOfGone(const QString& kind)
 {
     if (kind == u"draft")
         return QStringLiteral("A message");
+    if (kind == u"event")
+        return QStringLiteral("A calendar event");
     return kind == u"proposal" ? QStringLiteral("A change to the CRM") : QStringLiteral("A decision");
 }
 

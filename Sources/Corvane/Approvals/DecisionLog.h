@@ -29,7 +29,7 @@ public:
     QString verdict; ///< "Approved", "Applied" or "Rejected"
     QString tone; ///< "good" or "bad"
     QString who; ///< "You", another program, or a name
-    QString kind; ///< "draft", "proposal" or "decision"
+    QString kind; ///< "draft", "proposal", "decision" or "event"
     QString platform; ///< such as "WHATSAPP", of a draft
     QString title;
     QString body; ///< in one line; why it can't be told where its row is gone or says something else by now

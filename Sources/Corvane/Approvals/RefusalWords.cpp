@@ -2,6 +2,7 @@
 
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Work/CalendarQueries.h"
 #include "Store/Work/WorkRecords.h"
 
 namespace corvane {
@@ -38,6 +39,15 @@ QString wordsOf(const WorkDecisionRecord& decision)
     return decision.status == u"rejected" ? rejectedElsewhere : notSaved;
 }
 
+QString wordsOf(const CalCommand& command)
+{
+    if (command.status == u"done")
+        return QStringLiteral("Already added elsewhere.");
+    if (command.error == eventRejected)
+        return rejectedElsewhere;
+    return command.error.isEmpty() ? notSaved : command.error;
+}
+
 template <typename Row> QString wordsOrGone(const std::optional<Row>& row)
 {
     return row ? wordsOf(*row) : gone;
@@ -54,6 +64,8 @@ QString refusalWords(LocalDB& db, const ApprovalKey& key)
         return wordsOrGone(crmProposal(db, key.id));
     case ApprovalKind::Decision:
         return wordsOrGone(fetchWorkDecision(db, key.id));
+    case ApprovalKind::Event:
+        return wordsOrGone(fetchCalendarCommand(db, key.id));
     }
     return {};
 }

@@ -57,8 +57,7 @@ void CalendarCommands::processPendingCommands()
 
 void CalendarCommands::run(const QList<CalCommand>& commands)
 {
-    m_added.clear();
-    m_running = int(commands.size());
+    m_running += int(commands.size());
     for (const CalCommand& command : commands) {
         const auto calendar = writableCalendar(m_store, command.calendar);
         if (!calendar || command.startMs <= 0 || command.endMs < command.startMs) {
@@ -87,6 +86,8 @@ void CalendarCommands::end(const CalCommand& command, const QString& calendarId,
     } else {
         endCalendarCommand(at.db, command.id, pending, failed, std::nullopt, eventId.error().message);
     }
+    if (m_letIn.remove(command.id) && !eventId)
+        Q_EMIT refused(command.title, eventId.error().message);
     if (--m_running == 0 && !m_added.isEmpty())
         offerUndo();
 }
@@ -107,21 +108,35 @@ void CalendarCommands::offerUndo()
     });
 }
 
-void CalendarCommands::add(const QString& id)
+Decided CalendarCommands::add(const QString& id, const QString& seenHash)
 {
-    const auto found = std::ranges::find(m_waiting, id, &CalCommand::id);
-    if (found == m_waiting.end() || m_running > 0)
-        return;
-    const CalCommand command = *found;
-    m_waiting.erase(found);
-    run({ command });
-    Q_EMIT changed();
+    if (m_store.access() != CalendarStore::Access::Granted || m_letIn.contains(id))
+        return Decided::Refused;
+    LocalDB& db = m_store.surroundings().db;
+    const Decided decided = approveEvent(db, id, seenHash);
+    const auto command = fetchCalendarCommand(db, id);
+    if (decided == Decided::Taken && command) {
+        m_letIn.insert(id);
+        run({ *command });
+    }
+    forget(id, decided);
+    return decided;
 }
 
-void CalendarCommands::reject(const QString& id)
+Decided CalendarCommands::reject(const QString& id)
 {
-    endCalendarCommand(m_store.surroundings().db, id, pending, failed, std::nullopt, u"Rejected."_s);
-    processPendingCommands();
+    const Decided decided = m_letIn.contains(id) ? Decided::Refused : rejectEvent(m_store.surroundings().db, id);
+    forget(id, decided);
+    return decided;
+}
+
+/// What was decided waits no more; what stands otherwise by now is read again.
+void CalendarCommands::forget(const QString& id, Decided decided)
+{
+    if (decided != Decided::Taken)
+        return processPendingCommands();
+    m_waiting.removeIf([&](const CalCommand& command) { return command.id == id; });
+    Q_EMIT changed();
 }
 
 void CalendarCommands::setWaiting(const QList<CalCommand>& waiting)

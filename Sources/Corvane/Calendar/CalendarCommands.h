@@ -3,9 +3,10 @@
 #include "Foundation/Result.h"
 #include "Foundation/Scheduler.h"
 #include "Presentation/UndoOffer.h"
-#include "Store/Work/CalendarQueries.h"
+#include "Store/Approvals/EventRequests.h"
 
 #include <QObject>
+#include <QSet>
 
 namespace corvane {
 
@@ -25,8 +26,8 @@ public:
     void setAgentsMayAdd(bool may);
 
     const QList<CalCommand>& waiting() const { return m_waiting; } ///< for a word; none while agents may add
-    void add(const QString& id);
-    void reject(const QString& id);
+    Decided add(const QString& id, const QString& seenHash); ///< as it was seen, see `eventHash`
+    Decided reject(const QString& id);
 
     const QString& undoText() const { return m_undo.text(); } ///< what was added of late; empty for nothing
     void undo() { m_undo.take(); }
@@ -34,6 +35,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void refused(const QString& title, const QString& reason); ///< by the calendar, of one that a person let in
 
 private:
     struct Added {
@@ -47,10 +49,12 @@ private:
     void end(const CalCommand& command, const QString& calendarId, const Result<QString>& eventId);
     void offerUndo();
     void setWaiting(const QList<CalCommand>& waiting);
+    void forget(const QString& id, Decided decided);
 
     CalendarStore& m_store;
     UndoOffer m_undo;
     QList<CalCommand> m_waiting;
+    QSet<QString> m_letIn; ///< by a person, and on their way
     QList<Added> m_added; ///< by the run that is on its way
     int m_running = 0;
     std::unique_ptr<Timer> m_timer;

@@ -354,10 +354,12 @@ QList<Choice> CalendarView::asked() const
 
 void CalendarView::answer(const QString& command, bool add)
 {
-    if (add)
-        m_at.commands.add(command);
-    else
-        m_at.commands.reject(command);
+    const auto asked = std::ranges::find(m_at.commands.waiting(), command, &CalCommand::id);
+    if (asked == m_at.commands.waiting().end())
+        return;
+    const Decided decided = add ? m_at.commands.add(command, eventHash(*asked)) : m_at.commands.reject(command);
+    if (decided == Decided::Changed)
+        told(u"It was changed since you saw it."_s);
 }
 
 }

@@ -33,6 +33,8 @@ QString approvalSubtitle(const QString& kind)
         return QStringLiteral("CRM update proposal");
     if (kind == QStringLiteral("decision"))
         return QStringLiteral("Agent decision");
+    if (kind == QStringLiteral("event"))
+        return QStringLiteral("Calendar event — Approve adds it");
     return QStringLiteral("Approval needed");
 }
 

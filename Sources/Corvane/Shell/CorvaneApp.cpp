@@ -153,6 +153,7 @@ void CorvaneApp::onAppear()
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();
     m_approvals->attach(*m_delivery, *m_recordedCalls);
+    m_approvals->attach(m_calendar->commands);
     m_capture->registerHotKey();
     m_recordedCalls->refresh();
     deleteOldSound(m_calls->recorder);

@@ -43,6 +43,8 @@ const Table<CalCommand> calendarCommands("calendar_command",
         { "notes", &CalCommand::notes, "''" },
         { "location", &CalCommand::location, "''" },
         { "calendar", &CalCommand::calendar, "''" },
+        { "status", &CalCommand::status },
+        { "error", &CalCommand::error, "''" },
     });
 
 QString attendeesJson(const QList<CalAttendee>& attendees)
@@ -140,6 +142,11 @@ QList<CalCommand> fetchPendingCalendarCommands(LocalDB& db, int limit)
 {
     return calendarCommands.rows(db, u"WHERE workspace_id=? AND status='pending' ORDER BY created_at ASC LIMIT ?;"_s,
         { activeWorkspaceId(db), limit });
+}
+
+std::optional<CalCommand> fetchCalendarCommand(LocalDB& db, const QString& id)
+{
+    return calendarCommands.first(db, u"WHERE id=? LIMIT 1;"_s, { id });
 }
 
 bool endCalendarCommand(LocalDB& db, const QString& id, const QString& from, const QString& status,

@@ -60,11 +60,16 @@ struct CalCommand {
     QString notes;
     QString location;
     QString calendar; ///< a title; may be empty
+    QString status; ///< "pending", "done" or "failed"
+    QString error; ///< why it failed
 
     bool operator==(const CalCommand&) const = default;
 };
 
+inline const QString eventRejected = QStringLiteral("Rejected."); ///< the error of one that a person refused
+
 QList<CalCommand> fetchPendingCalendarCommands(LocalDB& db, int limit); ///< oldest first
+std::optional<CalCommand> fetchCalendarCommand(LocalDB& db, const QString& id);
 
 /// Ends a command that has the status `from`; false where it has another by now, or the write failed.
 bool endCalendarCommand(LocalDB& db, const QString& id, const QString& from, const QString& status,

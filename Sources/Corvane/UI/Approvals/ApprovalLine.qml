@@ -21,7 +21,7 @@ FocusScope {
     readonly property bool tells: approval.detail !== "" || approval.riskText !== ""
     property bool wholeText: false
     readonly property var tones: ({ money: Theme.warn, credential: Theme.secret, external: Theme.accent, high: Theme.bad })
-    readonly property var signs: ({ proposal: "user", decision: "approvals" })
+    readonly property var signs: ({ proposal: "user", decision: "approvals", event: "view-calendar" })
 
     objectName: "approval:" + approval.key
     enabled: !held

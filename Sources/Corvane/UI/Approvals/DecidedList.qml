@@ -74,7 +74,7 @@ FocusScope {
                 x: Theme.tight
                 anchors.verticalCenter: parent.verticalCenter
                 size: 16
-                name: row.decided.platform ? "channel-" + row.decided.platform.toLowerCase() : row.decided.kind === "proposal" ? "user" : row.decided.kind === "decision" ? "approvals" : "mail-send"
+                name: row.decided.platform ? "channel-" + row.decided.platform.toLowerCase() : row.decided.kind === "proposal" ? "user" : row.decided.kind === "decision" ? "approvals" : row.decided.kind === "event" ? "view-calendar" : "mail-send"
                 color: Theme.soft
             }
             Column {
