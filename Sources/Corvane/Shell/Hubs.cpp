@@ -1,7 +1,10 @@
 #include "Shell/Hubs.h"
 
+#include "Calendar/CalendarKeys.h"
+#include "Inbox/InboxCommands.h"
 #include "Shell/PlannedHub.h"
 #include "Shell/Screens.h"
+#include "Terminals/TerminalCommands.h"
 
 #include <algorithm>
 
@@ -16,24 +19,24 @@ QUrl page(const QString& file)
     return QUrl(u"qrc:/qt/qml/Corvane/"_s + file);
 }
 
-QObject* planned(Screens& screens, const Hub& hub)
+HubScreen planned(Screens& screens, const Hub& hub)
 {
-    return new PlannedHub(hub, &screens.shell);
+    return { new PlannedHub(hub, &screens.shell) };
 }
 
-QObject* terminals(Screens& screens, const Hub&)
+HubScreen inbox(Screens& screens, const Hub&)
 {
-    return &screens.terminals;
+    return { &screens.inbox, inboxCommands(screens.inbox) };
 }
 
-QObject* calendar(Screens& screens, const Hub&)
+HubScreen terminals(Screens& screens, const Hub&)
 {
-    return &screens.calendar;
+    return { &screens.terminals, terminalCommands() };
 }
 
-QObject* inbox(Screens& screens, const Hub&)
+HubScreen calendar(Screens& screens, const Hub&)
 {
-    return &screens.inbox;
+    return { &screens.calendar, calendarCommands() };
 }
 
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QList>
-#include <QObject>
+#include "Presentation/HubScreen.h"
+
 #include <QUrl>
 
 namespace corvane {
@@ -14,7 +14,7 @@ struct Hub {
     QString label;
     QString icon;
     QUrl page; ///< a `Page` of QML with a property `screen`
-    QObject* (*screen)(Screens& screens, const Hub& hub); ///< its room's factory; the screens own what it returns
+    HubScreen (*make)(Screens& screens, const Hub& hub); ///< calls its room's factory, once
 };
 
 /// In the order of the bar, which is that of the keys Ctrl+1, Ctrl+2, ...

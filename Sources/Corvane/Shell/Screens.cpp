@@ -1,19 +1,16 @@
 #include "Shell/Screens.h"
 
 #include "Approvals/ApprovalCommands.h"
-#include "Calendar/CalendarKeys.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Desk/CaptureCommands.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/EngineManager.h"
-#include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
 #include "Store/Core/LocalDB.h"
-#include "Terminals/TerminalCommands.h"
 #include "Web/SessionStore.h"
 
 namespace corvane {
@@ -54,12 +51,16 @@ Screens::Screens(const Surroundings& surroundings)
         &notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(QStringLiteral("calendar")); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());
-    commands.add(inboxCommands(inbox));
-    commands.add(calendarCommands());
+    QList<QObject*> hubScreens;
+    for (const Hub& hub : hubTable()) {
+        const HubScreen made = hub.make(*this, hub);
+        hubScreens.append(made.screen);
+        commands.add(made.commands);
+    }
+    shell.setScreens(hubScreens);
     settings.setCalendar(calendarSettings);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
-    commands.add(terminalCommands());
     commands.add(placeCommands(shell));
     if (at.capture) {
         commands.add(captureCommands(*at.capture));
@@ -67,10 +68,6 @@ Screens::Screens(const Surroundings& surroundings)
     }
     inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
-    QList<QObject*> hubScreens;
-    for (const Hub& hub : hubTable())
-        hubScreens.append(hub.screen(*this, hub));
-    shell.setScreens(hubScreens);
 }
 
 Screens::Screens(CorvaneApp& app)

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Presentation/Commands.h"
+
+namespace corvane {
+
+/// What a room hands over for its hub.
+struct HubScreen {
+    QObject* screen = nullptr; ///< the `screen` of its page; lives as long as the program
+    QList<Command> commands = {};
+};
+
+}
