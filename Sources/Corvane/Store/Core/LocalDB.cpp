@@ -74,6 +74,9 @@ bool LocalDB::openFile()
     exec(QStringLiteral("PRAGMA journal_mode=WAL;"));
     exec(QStringLiteral("PRAGMA busy_timeout=%1;").arg(busyTimeoutMs));
     exec(QStringLiteral("PRAGMA foreign_keys=ON;"));
+    // A savepoint a line copies each page that the line changes. In a file that costs a third of a group.
+    exec(QStringLiteral("PRAGMA temp_store=MEMORY;"));
+    exec(QStringLiteral("PRAGMA cache_size=-16384;")); // KiB
     applySchema(*this, m_schema);
     return true;
 }
