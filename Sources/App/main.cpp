@@ -169,6 +169,7 @@ int main(int argc, char** argv)
                        "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
                        "JSON object on its standard input; or \"capture [--note] [WORDS]\", which keeps a task or a "
                        "note, and opens its panel without words; or "
+                       "\"record\", which starts or stops recording a call; or \"mark\", which marks its moment; or "
                        "\"calendar import FILE\", which adds the events of a calendar file."),
         QStringLiteral("[url]"));
     parser.process(application);

@@ -37,7 +37,8 @@ protected:
     FakeAudioPlayer microphonePlayer;
     FakeAudioPlayer systemPlayer;
     CallPlayer player { microphonePlayer, systemPlayer };
-    CallsView calls { *recorder, player };
+    RecordingView recordingView { *recorder };
+    CallsView calls { recordingView, player };
     CallPage& page = *calls.page();
 };
 
@@ -122,7 +123,7 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
 
 TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)
 {
-    RecordingView& recording = *calls.recording();
+    RecordingView& recording = recordingView;
     audio.applications = { { "zoom", "Zoom", true, true }, { "mpv", "mpv", false, false } };
     recording.findSources();
     EXPECT_EQ(recording.sources().last(), (Choice { "zoom", "Microphone and Zoom" }));
@@ -145,8 +146,7 @@ TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)
 TEST_F(CallsViewTest, soundThatIsOldEnoughGoesAndItsTextStays)
 {
     record("old");
-    CallSettings settings(*recorder);
-    settings.setKept("30");
+    m_defaults.setInteger("Corvane.calls.keepSoundDays", 30);
     EXPECT_EQ(deleteOldSound(*recorder), 0);
     m_clock.advance(std::chrono::hours(24 * 31));
     EXPECT_EQ(deleteOldSound(*recorder), 2);

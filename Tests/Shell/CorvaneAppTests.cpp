@@ -1,6 +1,7 @@
 #include "FakeMachine.h"
 
 #include "Approvals/ApprovalsStore.h"
+#include "Calls/CallServices.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Platform/Linux/Bus/BusObject.h"
@@ -47,6 +48,7 @@ protected:
         launcher = ownedLauncher.get();
         Machine machine = fakeMachine(home.paths(), std::move(ownedLauncher));
         machine.tray = std::move(tray);
+        banners = dynamic_cast<FakeNotificationService*>(machine.notifications.get());
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 
@@ -70,6 +72,7 @@ protected:
     TemporaryHome home;
     VirtualScheduler clock;
     FakeLauncher* launcher = nullptr;
+    FakeNotificationService* banners = nullptr;
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<CorvaneApp> app;
 };
@@ -141,6 +144,34 @@ TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
     app->open({ "nimb-companion://elsewhere?code=1" });
     EXPECT_EQ(windowRequested.count(), 1) << "a later start shows the window, whatever it was given";
     EXPECT_FALSE(app->session().busy());
+}
+
+TEST_F(CorvaneAppTest, aCallIsRecordedFromTheBackgroundAndAQuitKeepsIt)
+{
+    build({});
+    appear(0);
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    auto& microphone = dynamic_cast<FakeMicrophone&>(app->microphone());
+    app->open({ "record" });
+    EXPECT_EQ(windowRequested.count(), 1) << "the first time it asks there";
+    app->calls().recording.acceptConsent();
+    microphone.answer(MicrophoneAccess::Denied);
+    ASSERT_EQ(banners->shown.size(), 1);
+    EXPECT_EQ(banners->shown.last().body, "Microphone access is denied.");
+    app->open({ "record" });
+    microphone.answer(MicrophoneAccess::Granted);
+    app->open({ "mark" });
+    EXPECT_EQ(app->calls().recording.marksText(), "1 mark");
+    app->open({ "record" });
+    EXPECT_FALSE(app->calls().recording.recording());
+    EXPECT_EQ(windowRequested.count(), 1);
+
+    app->calls().recorder.start("Weekly", { .startMode = "calendar_auto" });
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_EQ(banners->shown.last().title, "Recording Weekly");
+    app->quit();
+    EXPECT_EQ(app->engine().db().scalar("SELECT processing_error FROM call_recording WHERE title='Weekly';"),
+        "Corvane quit while recording.");
 }
 
 TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)

@@ -83,10 +83,6 @@ protected:
     FakeAudioPlayer callMicrophone;
     FakeAudioPlayer callSystem;
     TranscriptionOutcome callTranscript = std::unexpected(SpeechTranscriberError::unavailable(u"no recogniser"_s));
-    CallServices calls { recordedCalls, services.ai,
-        [this](TranscriptionRequest) -> QCoro::Task<TranscriptionOutcome> { co_return callTranscript; },
-        CallServices::Machine { microphone, callAudio, sleep, lumo.machine, callMicrophone, callSystem }, defaults,
-        clock, home.paths() };
     ApprovalsStore approvals { centre, notifier, clock };
     SystemScheduler realClock;
     const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
@@ -94,6 +90,10 @@ protected:
     const std::unique_ptr<CalendarSource> calendars = makeCalendarSource(home.paths());
     BackgroundQueue calendarWork; // goes before what it reads
     CalendarServices calendar { { engines.db(), *calendars, calendarWork, clock, defaults, centre, {} }, services };
+    CallServices calls { recordedCalls, calendar.store, services.ai,
+        [this](TranscriptionRequest) -> QCoro::Task<TranscriptionOutcome> { co_return callTranscript; },
+        CallServices::Machine { microphone, callAudio, sleep, lumo.machine, callMicrophone, callSystem, calendarWork },
+        defaults, clock, home.paths() };
     Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
         desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, calendar, calls,
         *realChildren } };

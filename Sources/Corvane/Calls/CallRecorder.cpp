@@ -54,6 +54,13 @@ CallRecorder::CallRecorder(const Surroundings& surroundings, QObject* parent)
 
 CallRecorder::~CallRecorder() = default;
 
+void CallRecorder::Active::cancel()
+{
+    microphone->cancel();
+    if (system)
+        system->cancel();
+}
+
 bool CallRecorder::systemAudioEnabled() const
 {
     return m_at.defaults.boolean(systemAudioKey).value_or(false);
@@ -81,7 +88,7 @@ void CallRecorder::start(const QString& title, const CallRecordingContext& conte
         return fail(noDatabase);
     m_starting = true;
     m_at.microphone.requestAccess([self = QPointer<CallRecorder>(this), title, context](MicrophoneAccess access) {
-        if (!self)
+        if (!self || !self->m_starting)
             return;
         if (access == MicrophoneAccess::Granted)
             return self->begin(title, context);
@@ -99,6 +106,7 @@ void CallRecorder::fail(const QString& message)
     m_next.reset();
     m_active.reset();
     m_timer.reset();
+    Q_EMIT refused(message);
     Q_EMIT changed();
 }
 
@@ -165,9 +173,7 @@ void CallRecorder::begun(const Shown& given, const Result<void>& system)
             .consentNote = context.consentNote,
             .disclosureMode = context.disclosureMode });
     if (!inserted) {
-        next.microphone->cancel();
-        if (next.system)
-            next.system->cancel();
+        next.cancel();
         return fail(noDatabase);
     }
     m_active = std::move(m_next);
@@ -331,9 +337,7 @@ void CallRecorder::cancelActiveRecording()
     m_timer.reset();
     m_phase = {};
     m_statusText = QStringLiteral("Recording cancelled.");
-    active->microphone->cancel();
-    if (active->system)
-        active->system->cancel();
+    active->cancel();
     updateCallProcessing(
         m_at.recorded.db(), m_shown.id, callStatus::cancelled, QStringLiteral("User cancelled before processing."));
     forgetShown();
@@ -343,6 +347,9 @@ void CallRecorder::cancelActiveRecording()
 
 void CallRecorder::stopForQuit()
 {
+    m_starting = false;
+    if (const std::unique_ptr<Active> next = std::move(m_next))
+        next->cancel();
     if (!m_active)
         return;
     writeWaveform(folder(), m_waveform);

@@ -60,6 +60,7 @@ public:
 
     const CallPhase& phase() const { return m_phase; } ///< of the call that began last
     bool isRecording() const { return m_active != nullptr; }
+    bool isStarting() const { return m_starting; } ///< it was told to, and neither records nor has failed yet
     double elapsed() const { return m_elapsed; } ///< in seconds
     const CallWaveform& waveform() const { return m_waveform; } ///< of the recording that runs or ran last
     const QString& activeCallId() const { return m_shown.id; } ///< empty once it is processed
@@ -86,6 +87,7 @@ public:
 Q_SIGNALS:
     void changed();
     void ticked(); ///< elapsed time and level of the recording that runs
+    void refused(const QString& reason); ///< no recording begins
 
 private:
     /// What a call says of itself, whether it is recorded or processed.
@@ -103,6 +105,8 @@ private:
         std::unique_ptr<TrackRecording> microphone;
         std::unique_ptr<SystemAudioCapture> system;
         std::unique_ptr<SleepInhibitor::Hold> awake;
+
+        void cancel(); ///< and removes the files
     };
 
     void begin(const QString& title, const CallRecordingContext& context);

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Calls/CallKeys.h"
 #include "Calls/CallPlayer.h"
 #include "Calls/CallRecorder.h"
 #include "Calls/CallSettings.h"
 #include "Calls/CallSummarizer.h"
+#include "Calls/MeetingAutoRecorder.h"
 #include "Calls/RecordedCalls.h"
+#include "Calls/RecordingView.h"
 
 namespace corvane {
 
@@ -18,22 +21,30 @@ struct CallServices {
         const MachineFacts& facts;
         AudioPlayer& microphonePlayer; ///< for nothing but calls, as the next
         AudioPlayer& systemPlayer;
+        BackgroundQueue& background;
+        GlobalShortcuts* shortcuts = nullptr;
     };
 
-    CallServices(RecordedCalls& recorded, LumoAI& ai, CallProcessor::Transcribe transcribe, const Machine& machine,
-        UserDefaults& defaults, Scheduler& scheduler, const AppPaths& paths)
+    CallServices(RecordedCalls& recorded, CalendarStore& calendar, LumoAI& ai, CallProcessor::Transcribe transcribe,
+        const Machine& machine, UserDefaults& defaults, Scheduler& scheduler, const AppPaths& paths)
         : summarizer(ai, defaults)
         , processor(recorded.db(), summarizer, std::move(transcribe))
         , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts, defaults,
               scheduler, paths })
+        , recording(recorder)
+        , keys(recording, machine.shortcuts, defaults)
+        , autoRecorder({ calendar, recorder, lookForPrograms(machine.audio, machine.background) })
         , player(machine.microphonePlayer, machine.systemPlayer)
-        , settings(recorder)
+        , settings(recorder, autoRecorder)
     {
     }
 
     CallSummarizer summarizer;
     CallProcessor processor;
     CallRecorder recorder;
+    RecordingView recording;
+    CallKeys keys;
+    MeetingAutoRecorder autoRecorder;
     CallPlayer player;
     CallSettings settings;
 };

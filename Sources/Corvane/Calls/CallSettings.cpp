@@ -2,6 +2,7 @@
 
 #include "Calls/CallRecorder.h"
 #include "Calls/CallSummarizer.h"
+#include "Calls/MeetingAutoRecorder.h"
 #include "Calls/RecordedCalls.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Work/CallWrites.h"
@@ -11,19 +12,105 @@
 
 namespace corvane {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const QString keptKey = QStringLiteral("Corvane.calls.keepSoundDays");
 const QString batteryKey = QStringLiteral("Corvane.calls.alsoOnBattery");
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
+/// "At the start", "1 minute before"; a value that another program wrote is among them, too.
+QList<Choice> momentChoices(int chosen, const QString& atOnce, const QString& away)
+{
+    QList<int> values { 0, 60, 120, 300, 600 };
+    if (!values.contains(chosen))
+        values.insert(std::ranges::upper_bound(values, chosen) - values.begin(), chosen);
+    QList<Choice> choices;
+    for (const int seconds : std::as_const(values)) {
+        const bool whole = seconds % 60 == 0;
+        const int count = whole ? seconds / 60 : seconds;
+        const QString unit = whole ? QStringLiteral("minute") : QStringLiteral("second");
+        choices.append({ QString::number(seconds),
+            seconds == 0 ? atOnce
+                         : QStringLiteral("%1 %2%3 %4").arg(count).arg(unit, count == 1 ? QString() : u"s"_s, away) });
+    }
+    return choices;
 }
 
-CallSettings::CallSettings(CallRecorder& recorder, QObject* parent)
+}
+
+CallSettings::CallSettings(CallRecorder& recorder, MeetingAutoRecorder& autoRecorder, QObject* parent)
     : QObject(parent)
     , m_recorder(recorder)
+    , m_autoRecorder(autoRecorder)
 {
     connect(&recorder, &CallRecorder::changed, this, &CallSettings::changed);
+    connect(&autoRecorder, &MeetingAutoRecorder::changed, this, &CallSettings::changed);
+}
+
+bool CallSettings::autoRecord() const
+{
+    return m_autoRecorder.rule().enabled;
+}
+
+void CallSettings::setAutoRecord(bool on)
+{
+    m_autoRecorder.setEnabled(on);
+}
+
+QString CallSettings::autoRecordText() const
+{
+    return m_autoRecorder.statusText();
+}
+
+bool CallSettings::requireMeetingApp() const
+{
+    return m_autoRecorder.rule().requireMeetingApp;
+}
+
+void CallSettings::setRequireMeetingApp(bool required)
+{
+    m_autoRecorder.setRequireMeetingApp(required);
+}
+
+QString CallSettings::requireMeetingAppHint() const
+{
+    QStringList names;
+    for (const MeetingAppCandidate& app : m_autoRecorder.runningMeetingApps())
+        names.append(app.name);
+    const QString hint = u"Such as Zoom, Teams or Signal; a browser counts while it uses the microphone."_s;
+    return names.isEmpty() ? hint : hint + u" Now: "_s + names.join(u", "_s) + u'.';
+}
+
+QList<Choice> CallSettings::leads() const
+{
+    return momentChoices(m_autoRecorder.rule().startLeadSeconds, u"At its start"_s, u"before"_s);
+}
+
+QString CallSettings::lead() const
+{
+    return QString::number(m_autoRecorder.rule().startLeadSeconds);
+}
+
+void CallSettings::setLead(const QString& seconds)
+{
+    m_autoRecorder.setStartLeadSeconds(seconds.toInt());
+}
+
+QList<Choice> CallSettings::graces() const
+{
+    return momentChoices(m_autoRecorder.rule().stopGraceSeconds, u"At its end"_s, u"after"_s);
+}
+
+QString CallSettings::grace() const
+{
+    return QString::number(m_autoRecorder.rule().stopGraceSeconds);
+}
+
+void CallSettings::setGrace(const QString& seconds)
+{
+    m_autoRecorder.setStopGraceSeconds(seconds.toInt());
 }
 
 bool CallSettings::systemAudio() const

@@ -5,10 +5,25 @@
 namespace corvane {
 
 class CallRecorder;
+class MeetingAutoRecorder;
 
-/// What of recorded calls a person can set: the system's sound, work on battery, how long sound is kept, Codex.
+/// What of recorded calls a person can set: which meetings are recorded by themselves, the system's sound, work on
+/// battery, how long sound is kept, Codex.
 class CallSettings : public QObject {
     Q_OBJECT
+    Q_PROPERTY(bool autoRecord READ autoRecord WRITE setAutoRecord NOTIFY changed)
+    Q_PROPERTY(QString autoRecordLabel READ autoRecordLabel CONSTANT)
+    Q_PROPERTY(QString autoRecordHint READ autoRecordHint CONSTANT)
+    Q_PROPERTY(QString autoRecordText READ autoRecordText NOTIFY changed) ///< where it stands
+    Q_PROPERTY(bool requireMeetingApp READ requireMeetingApp WRITE setRequireMeetingApp NOTIFY changed)
+    Q_PROPERTY(QString requireMeetingAppLabel READ requireMeetingAppLabel CONSTANT)
+    Q_PROPERTY(QString requireMeetingAppHint READ requireMeetingAppHint NOTIFY changed)
+    Q_PROPERTY(QList<corvane::Choice> leads READ leads NOTIFY changed) ///< in seconds, as the next
+    Q_PROPERTY(QString lead READ lead WRITE setLead NOTIFY changed)
+    Q_PROPERTY(QString leadLabel READ leadLabel CONSTANT)
+    Q_PROPERTY(QList<corvane::Choice> graces READ graces NOTIFY changed)
+    Q_PROPERTY(QString grace READ grace WRITE setGrace NOTIFY changed)
+    Q_PROPERTY(QString graceLabel READ graceLabel CONSTANT)
     Q_PROPERTY(bool systemAudio READ systemAudio WRITE setSystemAudio NOTIFY changed)
     Q_PROPERTY(QString systemAudioLabel READ systemAudioLabel CONSTANT)
     Q_PROPERTY(QString systemAudioStatus READ systemAudioStatus NOTIFY changed)
@@ -23,9 +38,31 @@ class CallSettings : public QObject {
     Q_PROPERTY(QString codexLabel READ codexLabel CONSTANT)
     Q_PROPERTY(QString codexHint READ codexHint CONSTANT)
 public:
-    /// `recorder` outlives the settings.
-    explicit CallSettings(CallRecorder& recorder, QObject* parent = nullptr);
+    /// Both outlive the settings.
+    CallSettings(CallRecorder& recorder, MeetingAutoRecorder& autoRecorder, QObject* parent = nullptr);
 
+    bool autoRecord() const;
+    void setAutoRecord(bool on);
+    QString autoRecordLabel() const { return QStringLiteral("Record meetings of the calendar"); }
+    QString autoRecordHint() const
+    {
+        return QStringLiteral(
+            "A recording starts and stops by itself. Tell everybody in the meeting, and stop it where "
+            "somebody does not agree.");
+    }
+    QString autoRecordText() const;
+    bool requireMeetingApp() const;
+    void setRequireMeetingApp(bool required);
+    QString requireMeetingAppLabel() const { return QStringLiteral("Only while a meeting app runs"); }
+    QString requireMeetingAppHint() const;
+    QList<Choice> leads() const;
+    QString lead() const;
+    void setLead(const QString& seconds);
+    QString leadLabel() const { return QStringLiteral("Start"); }
+    QList<Choice> graces() const;
+    QString grace() const;
+    void setGrace(const QString& seconds);
+    QString graceLabel() const { return QStringLiteral("Stop"); }
     bool systemAudio() const;
     void setSystemAudio(bool on);
     QString systemAudioLabel() const { return QStringLiteral("Record the other side, too"); }
@@ -58,6 +95,7 @@ Q_SIGNALS:
 
 private:
     CallRecorder& m_recorder;
+    MeetingAutoRecorder& m_autoRecorder;
 };
 
 /// Deletes the sound of calls that is older than the person keeps it. Returns how many files went.

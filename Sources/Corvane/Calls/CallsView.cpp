@@ -17,18 +17,18 @@ constexpr Milliseconds pause { 100 };
 
 }
 
-CallsView::CallsView(CallRecorder& recorder, CallPlayer& player, QObject* parent)
+CallsView::CallsView(RecordingView& recording, CallPlayer& player, QObject* parent)
     : QObject(parent)
-    , m_recorder(recorder)
-    , m_page(recorder, player)
-    , m_recording(recorder)
-    , m_reload(recorder.surroundings().scheduler, pause, [this] { refresh(); })
+    , m_recorder(recording.recorder())
+    , m_page(m_recorder, player)
+    , m_recording(recording)
+    , m_reload(m_recorder.surroundings().scheduler, pause, [this] { refresh(); })
 {
     const auto request = [this] {
         m_reload.request();
     };
-    connect(&recorder.recorded(), &RecordedCalls::changed, this, request);
-    connect(&recorder, &CallRecorder::changed, this, request);
+    connect(&m_recorder.recorded(), &RecordedCalls::changed, this, request);
+    connect(&m_recorder, &CallRecorder::changed, this, request);
     connect(&m_page, &CallPage::removed, this, &CallsView::refresh);
     connect(&m_recording, &RecordingView::started, this, [this] {
         refresh();

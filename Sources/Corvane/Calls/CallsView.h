@@ -20,7 +20,7 @@ class CallsView : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
 public:
     /// All of them outlive the view.
-    CallsView(CallRecorder& recorder, CallPlayer& player, QObject* parent = nullptr);
+    CallsView(RecordingView& recording, CallPlayer& player, QObject* parent = nullptr);
 
     GadgetListModel* rows() { return &m_rows; }
     const QString& query() const { return m_query; }
@@ -45,7 +45,7 @@ private:
     CallRecorder& m_recorder;
     RowListModel<CallRow> m_rows;
     CallPage m_page;
-    RecordingView m_recording;
+    RecordingView& m_recording;
     QString m_query;
     Coalescer m_reload;
 };

@@ -27,9 +27,12 @@ RecordingView::RecordingView(CallRecorder& recorder, QObject* parent)
     , m_recorder(recorder)
     , m_sources(fixedSources())
 {
+    connect(&recorder, &CallRecorder::refused, this, [this](const QString& reason) { m_errorText = reason; });
     connect(&recorder, &CallRecorder::changed, this, [this, was = false]() mutable {
-        if (!std::exchange(was, recording()) && recording())
+        if (!std::exchange(was, recording()) && recording()) {
+            m_errorText.clear();
             Q_EMIT started();
+        }
         Q_EMIT changed();
         Q_EMIT ticked();
     });
@@ -59,12 +62,6 @@ QString RecordingView::statusText() const
 QString RecordingView::warningText() const
 {
     return m_recorder.warningText();
-}
-
-QString RecordingView::errorText() const
-{
-    const bool began = !m_recorder.activeCallId().isEmpty();
-    return m_recorder.phase().kind == CallPhase::Kind::Failed && !began ? m_recorder.phase().message : QString();
 }
 
 QString RecordingView::elapsedText() const
@@ -118,6 +115,16 @@ QString RecordingView::consentText() const
         "Tell "
         "them at the start and wait for their answer.\n\nThe sound and its transcript stay on this computer. A red dot "
         "shows in the window, the panel and the tray as long as a recording runs.");
+}
+
+bool RecordingView::beganByItself() const
+{
+    return recording() && m_recorder.activeStartMode() == QLatin1StringView("calendar_auto");
+}
+
+QString RecordingView::consentReminder() const
+{
+    return QStringLiteral("Everybody in the meeting has to know. Stop it in the window, the panel or the tray.");
 }
 
 void RecordingView::start()

@@ -36,7 +36,7 @@ public:
     QString title() const;
     QString statusText() const;
     QString warningText() const;
-    QString errorText() const;
+    const QString& errorText() const { return m_errorText; }
     QString elapsedText() const;
     double level() const;
     QString marksText() const;
@@ -49,6 +49,8 @@ public:
     QString sourceText() const;
     QString consentTitle() const { return QStringLiteral("Before you record"); }
     QString consentText() const;
+    bool beganByItself() const; ///< the recording that runs, because of the calendar
+    QString consentReminder() const; ///< for a recording that began by itself
 
     /// Begins a recording, after the person has read once what others have to agree to.
     Q_INVOKABLE void start();
@@ -70,6 +72,7 @@ Q_SIGNALS:
 private:
     CallRecorder& m_recorder;
     QList<Choice> m_sources;
+    QString m_errorText;
 };
 
 }

@@ -22,6 +22,7 @@ const QString rejectAction = QStringLiteral("NIMB_REJECT");
 const QString contactIdKey = QStringLiteral("contactId");
 const QString approvalKindKey = QStringLiteral("approvalKind");
 const QString approvalIdKey = QStringLiteral("approvalId");
+const QString recordingKey = QStringLiteral("recording");
 
 QString approvalSubtitle(const QString& kind)
 {
@@ -136,6 +137,18 @@ void Notifier::notifyApproval(const QString& kind, const QString& id, const QStr
     m_service.show(banner);
 }
 
+void Notifier::notifyRecording(const QString& title, const QString& body)
+{
+    if (!m_service.isAvailable())
+        return;
+    Banner banner;
+    banner.identifier = banner.thread = recordingKey;
+    banner.title = title;
+    banner.body = body;
+    banner.userInfo = { { recordingKey, true } };
+    m_service.show(banner);
+}
+
 void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action)
 {
     if (userInfo.contains(approvalKindKey) && userInfo.contains(approvalIdKey)) {
@@ -148,6 +161,8 @@ void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action
     } else if (userInfo.contains(contactIdKey)) {
         m_activate();
         m_centre.post(notifications::openConversation, userInfo.value(contactIdKey).toString());
+    } else if (userInfo.contains(recordingKey)) {
+        m_activate();
     }
 }
 

@@ -38,6 +38,10 @@ public:
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
     void withdrawApproval(const QString& kind, const QString& id); ///< it was decided
 
+    /// What a recording does that began or failed without the window; a later one takes its place. It is shown whatever
+    /// the user wants of other banners.
+    void notifyRecording(const QString& title, const QString& body);
+
 private:
     bool enabled() const; ///< the user default "notifyOnNewMessage"; a missing key counts as true
     void handleResponse(const QVariantMap& userInfo, const QString& action);

@@ -48,7 +48,10 @@ namespace {
 
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
-const QString stopRecordingId = QStringLiteral("stopRecording");
+// Commands that bring nothing to the front, also as words of the command line.
+const QString captureId = QStringLiteral("capture");
+const QString recordId = QStringLiteral("record");
+const QString markId = QStringLiteral("mark");
 
 /// Of the user, as the accounts tell them.
 QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
@@ -108,9 +111,10 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         *m_ai);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_calls = std::make_unique<CallServices>(
-        *m_recordedCalls, m_ai->ai, [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); },
+        *m_recordedCalls, m_calendar->store, m_ai->ai,
+        [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); },
         CallServices::Machine { *m_machine.microphone, *m_machine.callAudio, *m_machine.sleep, *m_machine.facts,
-            *m_machine.callPlayers[0], *m_machine.callPlayers[1] },
+            *m_machine.callPlayers[0], *m_machine.callPlayers[1], m_background, m_machine.shortcuts.get() },
         m_defaults, m_scheduler, m_paths);
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
@@ -146,7 +150,9 @@ void CorvaneApp::onAppear()
     m_engine->startAIRequestWatch(m_ai->ai);
     m_resources->start();
     m_data.local.emplace(m_engine->db());
+    m_recordedCalls->refresh();
     m_calendar->store.bootstrap();
+    m_calls->autoRecorder.start();
     // A workspace that shows nothing is left here, before any list is built from it.
     activeWorkspaceId(m_engine->db(), Repair::IfNeeded);
     m_contacts->load();
@@ -155,7 +161,7 @@ void CorvaneApp::onAppear()
     m_approvals->attach(*m_delivery, *m_recordedCalls);
     m_approvals->attach(m_calendar->commands);
     m_capture->registerHotKey();
-    m_recordedCalls->refresh();
+    m_calls->keys.bind();
     deleteOldSound(m_calls->recorder);
     m_callHousekeeping = m_scheduler.every(std::chrono::hours(24), [this] { deleteOldSound(m_calls->recorder); });
     for (const Account& account : m_store->accounts()) {
@@ -180,11 +186,8 @@ void CorvaneApp::startAllEngines()
 
 void CorvaneApp::open(const QStringList& arguments)
 {
-    if (arguments == QStringList { QStringLiteral("capture") }) {
-        if (!isQuitting())
-            m_capture->toggle();
-        return;
-    }
+    if (arguments.size() == 1 && QStringList({ captureId, recordId, markId }).contains(arguments.first()))
+        return runTrayCommand(arguments.first());
     for (const QString& argument : arguments) {
         if (argument.startsWith(QLatin1String("nimb-companion:")))
             m_session->handleCallback(QUrl(argument));
@@ -229,7 +232,20 @@ QList<Command> CorvaneApp::trayCommands()
         { .id = QStringLiteral("approvals"),
             .label = QStringLiteral("Approvals"),
             .run = inWindow(notifications::openApprovals) },
-        { .id = QStringLiteral("capture"),
+        { .id = recordId,
+            .label = QStringLiteral("Record a Call"),
+            .run =
+                [this] {
+                    if (!isQuitting())
+                        m_calls->recording.toggle();
+                } },
+        { .id = markId,
+            .label = QStringLiteral("Mark This Moment"),
+            .run =
+                [this] {
+                    m_calls->recording.mark();
+                } },
+        { .id = captureId,
             .label = QStringLiteral("Capture a Task"),
             .run =
                 [this] {
@@ -258,17 +274,18 @@ void CorvaneApp::setUpTray()
         if (!isQuitting())
             Q_EMIT panelRequested(at);
     });
-    connect(tray, &Tray::itemChosen, this, [this](const QString& item) {
-        if (item == stopRecordingId)
-            return m_calls->recorder.stop();
-        // What is wrong stands in the menu only to be read: a press on it opens the window.
-        const auto found = std::ranges::find(m_trayCommands, item, &Command::id);
-        (found == m_trayCommands.end() ? m_trayCommands.first() : *found).run();
-    });
+    connect(tray, &Tray::itemChosen, this, &CorvaneApp::runTrayCommand);
     connect(m_engine.get(), &EngineManager::unreadTotalChanged, tray,
         [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
     connect(m_approvals.get(), &ApprovalsStore::changed, tray,
         [this, tray] { tray->setWaiting(waitingForDecision(*m_approvals)); });
+}
+
+/// What is wrong stands in the menu only to be read: a press on it opens the window.
+void CorvaneApp::runTrayCommand(const QString& id)
+{
+    const auto found = std::ranges::find(m_trayCommands, id, &Command::id);
+    (found == m_trayCommands.end() ? m_trayCommands.first() : *found).run();
 }
 
 QString CorvaneApp::storeTrouble() const
@@ -277,27 +294,34 @@ QString CorvaneApp::storeTrouble() const
                                 : describe(m_engine->db().health().fault(), m_paths);
 }
 
-/// What is wrong with the database stands first, as short as a menu needs it.
+/// What is wrong with the database stands first, as short as a menu needs it, and then the recording that runs.
 void CorvaneApp::updateTrayMenu()
 {
     if (!m_machine.tray)
         return;
     QList<Tray::Item> items;
-    for (const Command& command : std::as_const(m_trayCommands))
-        items.append({ command.id, command.label });
+    QList<Tray::Item> ofRecording;
+    const bool records = m_calls && m_calls->recorder.isRecording();
+    for (const Command& command : std::as_const(m_trayCommands)) {
+        const bool isOfCalls = command.id == recordId || command.id == markId;
+        if (records && isOfCalls)
+            ofRecording.append({ command.id, command.label });
+        else if (command.id != markId)
+            items.append({ command.id, command.label });
+    }
     items.insert(items.size() - 1, Tray::Item());
-    if (m_calls && m_calls->recorder.isRecording())
-        items = QList<Tray::Item> {
-            { stopRecordingId, QStringLiteral("Stop recording (%1 min)").arg(int(m_calls->recorder.elapsed()) / 60) },
-            {}
-        } + items;
+    if (records) {
+        ofRecording.first().label
+            = QStringLiteral("Stop Recording (%1 min)").arg(int(m_calls->recorder.elapsed()) / 60);
+        items = ofRecording + QList<Tray::Item> { {} } + items;
+    }
     if (const QString trouble = storeTrouble(); !trouble.isEmpty())
         items = QList<Tray::Item> { { QStringLiteral("trouble"), trouble.section(QStringLiteral(". "), 0, 0) }, {} }
             + items;
     m_machine.tray->setMenu(items);
 }
 
-/// The red dot at the tray, and the way to end the recording.
+/// The red dot at the tray, and the way to end the recording. What happens without the window is told by a banner.
 void CorvaneApp::watchCalls()
 {
     const auto show = [this] {
@@ -310,8 +334,16 @@ void CorvaneApp::watchCalls()
         m_machine.tray->setRecording(recorder.isRecording());
         updateTrayMenu();
     };
-    connect(&m_calls->recorder, &CallRecorder::changed, this, show);
-    connect(&m_calls->recorder, &CallRecorder::ticked, this, show);
+    RecordingView& recording = m_calls->recording;
+    connect(&recording, &RecordingView::changed, this, show);
+    connect(&recording, &RecordingView::ticked, this, show);
+    connect(&recording, &RecordingView::consentAsked, this, &CorvaneApp::windowRequested);
+    connect(&recording, &RecordingView::started, this, [this, &recording] {
+        if (recording.beganByItself())
+            m_notifier->notifyRecording(recording.aloudText(), recording.consentReminder());
+    });
+    connect(&m_calls->recorder, &CallRecorder::refused, this,
+        [this](const QString& reason) { m_notifier->notifyRecording(QStringLiteral("No call is recorded"), reason); });
 }
 
 void CorvaneApp::watchStore()

@@ -152,6 +152,7 @@ Q_SIGNALS:
 
 private:
     QList<Command> trayCommands();
+    void runTrayCommand(const QString& id);
     void setUpTray();
     void updateTrayMenu();
     void watchStore();

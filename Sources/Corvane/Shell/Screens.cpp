@@ -34,7 +34,7 @@ Screens::Screens(const Surroundings& surroundings)
     , calendar({ at.calendar.store, at.calendar.commands, at.calendar.prep, at.desktop, at.notifications })
     , calendarSettings(at.calendar.store, at.calendar.commands)
     , meetings({ at.calendar.store, at.calendar.prep, at.desktop, at.notifications })
-    , calls(at.calls.recorder, at.calls.player)
+    , calls(at.calls.recording, at.calls.player)
     , callSettings(at.calls.settings)
     , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, meetings, calls, at.ai,
           at.capture })
@@ -62,10 +62,12 @@ Screens::Screens(const Surroundings& surroundings)
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));
+    QList<HotKey*> hotKeys = at.calls.keys.all();
     if (at.capture) {
         commands.add(captureCommands(*at.capture));
-        settings.system()->setHotKeys({ &at.capture->hotKey() });
+        hotKeys.prepend(&at.capture->hotKey());
     }
+    settings.system()->setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
 }

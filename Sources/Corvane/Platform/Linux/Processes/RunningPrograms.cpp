@@ -1,0 +1,47 @@
+#include "Platform/RunningPrograms.h"
+
+#include "Platform/Linux/Files/SystemFiles.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace corvane {
+
+namespace {
+
+/// The desktop names a program's control group "app-{launcher}-{desktop id}-{random}.scope", or with
+/// "@{random}.service" at its end. A dash within the id is written as "\x2d".
+QString desktopIdOf(const QByteArray& controlGroups)
+{
+    QString unit = QString::fromUtf8(controlGroups.trimmed().split('/').last());
+    if (!unit.startsWith(QLatin1StringView("app-")))
+        return {};
+    if (unit.endsWith(QLatin1StringView(".scope")))
+        unit = unit.section(u'-', 0, -2);
+    else if (unit.endsWith(QLatin1StringView(".service")))
+        unit = unit.chopped(8).section(u'@', 0, 0);
+    else
+        return {};
+    return unit.section(u'-', -1).replace(QLatin1StringView("\\x2d"), QLatin1StringView("-"));
+}
+
+}
+
+QList<RunningProgram> runningPrograms(const QString& procFolder)
+{
+    QList<RunningProgram> programs;
+    for (const QString& name : QDir(procFolder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QString folder = procFolder + u'/' + name;
+        // Of other users' programs the link can't be read.
+        QString binary = QFileInfo(QFileInfo(folder + QStringLiteral("/exe")).symLinkTarget()).fileName();
+        if (binary.isEmpty() || !name.front().isDigit())
+            continue;
+        binary.remove(QStringLiteral(" (deleted)")); // replaced by an update while it runs
+        const RunningProgram program { binary, desktopIdOf(systemFile(folder + QStringLiteral("/cgroup"))) };
+        if (!programs.contains(program))
+            programs.append(program);
+    }
+    return programs;
+}
+
+}

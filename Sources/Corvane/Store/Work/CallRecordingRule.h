@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Store/Core/LocalDB.h"
+
+namespace corvane {
+
+/// When calls are recorded by themselves: one row a workspace.
+struct CallRecordingRuleRow {
+    QString id = QStringLiteral("calendar-default");
+    QString scope = QStringLiteral("calendar_meetings");
+    bool enabled = false;
+    int startLeadSeconds = 60; ///< before the meeting
+    int stopGraceSeconds = 120; ///< after it
+    bool requireMeetingApp = false;
+    bool consentRequired = true;
+    QString disclosureMode = QStringLiteral("manual");
+    qint64 updatedAt = 0;
+
+    bool operator==(const CallRecordingRuleRow&) const = default;
+};
+
+/// The rule of the active workspace, which is made where there is none; nothing where it can't be read.
+std::optional<CallRecordingRuleRow> fetchCallRecordingRule(LocalDB& db);
+
+/// The seconds are brought into 0 to 600. False where nothing is written.
+bool updateCallRecordingRule(LocalDB& db, const CallRecordingRuleRow& rule);
+
+/// What became of an event of the calendar.
+struct CallAutoRecordStateRow {
+    QString id; ///< "auto:{event id}"
+    QString calendarEventId;
+    QString title;
+    QString status; ///< "started", "recording", "complete", "stopped", "skipped", "failed" or "interrupted"
+    QString callId;
+    QString sourceApp;
+    QString reason;
+    qint64 updatedAt = 0;
+
+    bool operator==(const CallAutoRecordStateRow&) const = default;
+};
+
+std::optional<CallAutoRecordStateRow> callAutoRecordState(LocalDB& db, const QString& eventId);
+
+/// Writes it under the event's id; an empty call or program leaves the one that is known. False where nothing is
+/// written.
+bool upsertCallAutoRecordState(LocalDB& db, const CallAutoRecordStateRow& state);
+
+}
