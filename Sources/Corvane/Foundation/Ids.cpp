@@ -2,13 +2,14 @@
 
 #include <QRandomGenerator>
 #include <QUuid>
+#include <atomic>
 
 namespace corvane {
 
 QString stampedId(const QString& prefix, qint64 nowMs)
 {
-    const int suffix = QRandomGenerator::global()->bounded(1000, 10000);
-    return QStringLiteral("%1:%2:%3").arg(prefix).arg(nowMs).arg(suffix);
+    static std::atomic<quint32> next = QRandomGenerator::global()->generate();
+    return QStringLiteral("%1:%2:%3").arg(prefix).arg(nowMs).arg(1000 + next++ % 9000);
 }
 
 QString uuidText()

@@ -4,7 +4,8 @@
 
 namespace corvane {
 
-/// "{prefix}:{nowMs}:{rand}" with a uniform {rand} from 1000 to 9999.
+/// "{prefix}:{nowMs}:{rand}", where {rand} counts from 1000 to 9999 and on from 1000, from a random start. So what one
+/// process makes within a millisecond differs.
 QString stampedId(const QString& prefix, qint64 nowMs);
 
 /// A fresh lower-case UUID without braces.
