@@ -28,23 +28,16 @@ namespace {
 
 Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<ProcessLauncher> launcher)
 {
-    Machine machine;
-    machine.launcher = launcher ? std::move(launcher) : makeProcessLauncher(scheduler);
+    Machine machine = thisMachine(paths, scheduler, 0077);
+    if (launcher) {
+        machine.modelRecogniser = makeModelRecogniser(*launcher);
+        machine.basicRecogniser = makeBasicRecogniser(*launcher);
+        machine.launcher = std::move(launcher);
+    }
     machine.ports = std::make_unique<FakePortHolders>();
     machine.keyring = std::make_unique<FakeKeyring>();
     machine.notifications = std::make_unique<FakeNotificationService>();
     machine.desktop = std::make_unique<FakeDesktop>();
-    machine.microphone = makeMicrophone(scheduler);
-    machine.addressBook = makeAddressBook(paths);
-    machine.calendars = makeCalendarSource(paths);
-    machine.tools = makeToolRunner();
-    machine.languageModel = makeLanguageModel(scheduler);
-    machine.facts = makeMachineFacts(paths);
-    machine.decoder = makeMediaDecoder(scheduler);
-    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
-    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     return machine;
 }
 

@@ -11,7 +11,6 @@
 #include "Platform/CalendarSource.h"
 #include "Platform/Desktop.h"
 #include "Platform/Keyring.h"
-#include "Platform/Linux/Services.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
 #include "Platform/Microphone.h"
@@ -143,33 +142,17 @@ public:
 inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
 {
     static SystemScheduler scheduler;
-    Machine machine;
-    machine.launcher = makeProcessLauncher(scheduler);
-    machine.ports = makePortHolders();
-    machine.keyring = makeKeyring();
-    machine.notifications = makeNotificationService();
-    auto own = std::make_unique<PictureDesktop>();
-    desktop = own.get();
-    machine.desktop = std::move(own);
-    machine.microphone = std::make_unique<PictureMicrophone>(makeMicrophone(scheduler));
-    machine.addressBook = makeAddressBook(AppPaths::fromEnvironment());
-    machine.calendars = makeCalendarSource(AppPaths::fromEnvironment());
-    machine.tools = makeToolRunner();
+    Machine machine = thisMachine(AppPaths::fromEnvironment(), scheduler, 0077);
+    machine.userUmask.reset();
+    auto ownDesktop = std::make_unique<PictureDesktop>();
+    desktop = ownDesktop.get();
+    machine.desktop = std::move(ownDesktop);
+    machine.microphone = std::make_unique<PictureMicrophone>(std::move(machine.microphone));
     auto ownModel = std::make_unique<PictureModel>();
     model = ownModel.get();
     machine.languageModel = std::move(ownModel);
     machine.facts = std::make_unique<PictureFacts>();
-    machine.decoder = makeMediaDecoder(scheduler);
-    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
-    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     machine.callAudio = std::make_unique<PictureCallAudio>();
-    machine.sleep = makeSleepInhibitor();
-    for (size_t track = 0; track < machine.callPlayers.size(); ++track) {
-        machine.callDecoders[track] = makeMediaDecoder(scheduler);
-        machine.callPlayers[track] = makeAudioPlayer(scheduler, *machine.callDecoders[track]);
-    }
     return machine;
 }
 

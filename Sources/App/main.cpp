@@ -1,29 +1,14 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Log.h"
 #include "Foundation/SystemScheduler.h"
-#include "Platform/AddressBook.h"
 #include "Platform/ApplicationId.h"
-#include "Platform/AudioPlayer.h"
-#include "Platform/CalendarSource.h"
-#include "Platform/CallAudio.h"
-#include "Platform/Desktop.h"
 #include "Platform/GlobalShortcuts.h"
-#include "Platform/Keyring.h"
 #include "Platform/Linux/Decode/DecodeChild.h"
 #include "Platform/Linux/Services.h"
-#include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
-#include "Platform/Microphone.h"
-#include "Platform/NotificationService.h"
-#include "Platform/PortHolders.h"
 #include "Platform/PrivateFile.h"
-#include "Platform/ProcessLauncher.h"
 #include "Platform/SingleInstance.h"
-#include "Platform/SleepInhibitor.h"
-#include "Platform/SpeechRecogniser.h"
-#include "Platform/SystemLanguageModel.h"
 #include "Platform/TerminationSignals.h"
-#include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Shell/CalendarCommand.h"
 #include "Shell/CaptureCommand.h"
@@ -58,39 +43,6 @@ Mode requestedMode(int argc, char** argv)
             return Mode::Headless;
     }
     return Mode::Window;
-}
-
-Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, Mode mode, mode_t umaskOfOpened)
-{
-    Machine machine;
-    machine.launcher = makeProcessLauncher(scheduler);
-    machine.ports = makePortHolders();
-    machine.keyring = makeKeyring();
-    machine.notifications = makeNotificationService();
-    machine.desktop = makeDesktop(umaskOfOpened);
-    machine.userUmask = umaskOfOpened;
-    machine.microphone = makeMicrophone(scheduler);
-    machine.addressBook = makeAddressBook(paths);
-    machine.calendars = makeCalendarSource(paths);
-    machine.tools = makeToolRunner();
-    machine.languageModel = makeLanguageModel(scheduler);
-    machine.facts = makeMachineFacts(paths);
-    machine.decoder = makeMediaDecoder(scheduler);
-    machine.player = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.reader = makeAudioPlayer(scheduler, *machine.decoder);
-    machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
-    machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
-    machine.callAudio = makeCallAudio(scheduler);
-    machine.sleep = makeSleepInhibitor();
-    for (size_t track = 0; track < machine.callPlayers.size(); ++track) {
-        machine.callDecoders[track] = makeMediaDecoder(scheduler);
-        machine.callPlayers[track] = makeAudioPlayer(scheduler, *machine.callDecoders[track]);
-    }
-    if (mode == Mode::Window) {
-        machine.tray = makeTray();
-        machine.shortcuts = makeGlobalShortcuts();
-    }
-    return machine;
 }
 
 /// The arguments come from what is piped in; a person at a terminal who gives none is not waited for.
@@ -183,7 +135,12 @@ int main(int argc, char** argv)
     TerminationSignals terminationSignals;
 
     SystemScheduler scheduler;
-    CorvaneApp app(paths, scheduler, thisMachine(paths, scheduler, mode, startingUmask));
+    Machine machine = thisMachine(paths, scheduler, startingUmask);
+    if (mode == Mode::Window) {
+        machine.tray = makeTray();
+        machine.shortcuts = makeGlobalShortcuts();
+    }
+    CorvaneApp app(paths, scheduler, std::move(machine));
     QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
     QObject::connect(&app, &CorvaneApp::ended, &application, &QCoreApplication::quit);
     QObject::connect(instance.get(), &SingleInstance::activated, &app, &CorvaneApp::open);

@@ -8,16 +8,16 @@
 
 namespace corvane {
 
-/// A machine's sound as a test says. Its tracks are files of the word "sound"; every answer comes at once.
+/// A machine's sound as a test says. Its tracks are files of `sound`; every answer comes at once.
 class FakeCallAudio final : public CallAudio {
 public:
     class Track final : public TrackRecording {
     public:
-        explicit Track(const QString& path)
+        Track(const QString& path, const QByteArray& sound)
             : m_path(path)
         {
             QFile file(path);
-            made = file.open(QIODevice::WriteOnly) && file.write("sound") == 5;
+            made = file.open(QIODevice::WriteOnly) && file.write(sound) == sound.size();
         }
 
         double elapsedSeconds() const override { return seconds; }
@@ -56,6 +56,7 @@ public:
 
     QPointer<Track> microphone; ///< the one begun last, while it is there
     QPointer<Track> system;
+    QByteArray sound = "sound";
     QString noOutput; ///< why nothing that plays can be recorded
     bool broken = false; ///< no track begins
     QString recordedBinary;
@@ -65,7 +66,7 @@ public:
 private:
     std::unique_ptr<TrackRecording> record(const QString& path, QPointer<Track>& last)
     {
-        auto made = std::make_unique<Track>(path);
+        auto made = std::make_unique<Track>(path, sound);
         last = made.get();
         return broken ? nullptr : std::move(made);
     }

@@ -72,6 +72,8 @@ Result<std::shared_ptr<ChildProcess>> FakeLauncher::start(const ProcessSpec& spe
     m_script.pop_front();
     if (launch.kind == Launch::Kind::Fails)
         return failure(launch.reason);
+    if (launch.kind == Launch::Kind::Real)
+        return realLauncher->start(spec, std::move(handlers));
     auto child = std::make_shared<FakeChild>(spec, std::move(handlers), 1000 + children.size());
     children.append(child);
     if (launch.kind == Launch::Kind::Crashes)

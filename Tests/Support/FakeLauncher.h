@@ -54,13 +54,15 @@ private:
 class FakeLauncher final : public ProcessLauncher {
 public:
     struct Launch {
-        enum class Kind { Stays, Crashes, Fails };
+        enum class Kind { Stays, Crashes, Fails, Real };
         Kind kind = Kind::Stays;
         QString reason = {}; ///< why it fails
     };
     static Launch stays() { return {}; }
     static Launch crashes() { return { Launch::Kind::Crashes }; } ///< at the next turn of the loop
     static Launch fails(const QString& reason) { return { Launch::Kind::Fails, reason }; }
+
+    static Launch real() { return { Launch::Kind::Real }; } ///< by `realLauncher`
 
     explicit FakeLauncher(Scheduler& scheduler)
         : m_scheduler(scheduler)
@@ -75,7 +77,8 @@ public:
     FakeChild& last() const { return *children.last(); }
     void exitTerminated(); ///< every child that was told to end does
 
-    QList<std::shared_ptr<FakeChild>> children; ///< every launch that did not fail, in order
+    ProcessLauncher* realLauncher = nullptr;
+    QList<std::shared_ptr<FakeChild>> children; ///< every played launch that did not fail, in order
 
 private:
     Scheduler& m_scheduler;

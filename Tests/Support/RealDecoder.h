@@ -7,10 +7,17 @@
 namespace corvane {
 
 /// The decoder of the program over its real child. A busy machine is no fault of a picture, so it is patient.
+inline std::unique_ptr<SeccompMediaDecoder> makeRealDecoder(Scheduler& scheduler)
+{
+    constexpr Milliseconds patience { 60'000 };
+    return std::make_unique<SeccompMediaDecoder>(scheduler, QStringLiteral(CORVANE_TEST_PROGRAMS "/DecoderProgram"),
+        SeccompMediaDecoder::Limits { .perFile = patience, .start = patience });
+}
+
 struct RealDecoder {
     SystemScheduler scheduler;
-    SeccompMediaDecoder decoder { scheduler, QStringLiteral(CORVANE_TEST_PROGRAMS "/DecoderProgram"),
-        { .perFile = Milliseconds(60'000), .start = Milliseconds(60'000) } };
+    const std::unique_ptr<SeccompMediaDecoder> made = makeRealDecoder(scheduler);
+    SeccompMediaDecoder& decoder = *made;
 };
 
 }

@@ -19,8 +19,8 @@ struct ModelServerDouble {
     void lists(const QJsonArray& models)
     {
         web.answer(u"/api/tags"_s, LoopbackWeb::json({ { "models", models } }));
-        model.refresh();
-        EXPECT_TRUE(await([&] { return model.unavailableReason().has_value() == models.isEmpty(); }));
+        server.refresh();
+        EXPECT_TRUE(await([&] { return server.unavailableReason().has_value() == models.isEmpty(); }));
     }
 
     void says(const QString& text)
@@ -41,16 +41,15 @@ struct ModelServerDouble {
 
     LoopbackWeb web;
     VirtualScheduler standing;
-    LoopbackLanguageModel model { standing, { web.base() } };
-    FakeMachineFacts facts;
-    NoTools tools;
-    AIServices ai { model, facts, tools, {}, standing };
+    std::unique_ptr<LoopbackLanguageModel> made
+        = std::make_unique<LoopbackLanguageModel>(standing, QStringList { web.base() });
+    LoopbackLanguageModel& server = *made;
 };
 
 class AssistantWindow : protected ModelServerDouble, public WindowTest {
 protected:
     AssistantWindow()
-        : WindowTest(&ai)
+        : WindowTest(std::move(made))
     {
         start();
         showInbox();

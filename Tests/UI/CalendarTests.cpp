@@ -46,7 +46,7 @@ TEST_F(CalendarWindow, aPersonConnectsWritesAnEventAndPreparesForIt)
     ASSERT_TRUE(awaitItem(u"calendar.event"_s));
     EXPECT_EQ(item(u"event.title"_s)->property("text"), u"Call with Ana"_s);
 
-    lumo.model.willAnswer(u"Who: Ana"_s);
+    model->willAnswer(u"Who: Ana"_s);
     click(u"event.prepare"_s);
     ASSERT_TRUE(awaitItem(u"prep.summary"_s));
     EXPECT_EQ(item(u"prep.summary"_s)->property("text"), u"Who: Ana"_s);

@@ -1,3 +1,5 @@
+#include "Support/Await.h"
+#include "Support/SpokenSound.h"
 #include "UI/WindowTest.h"
 
 #include <QTest>
@@ -12,6 +14,9 @@ class CallsWindow : public WindowTest { };
 
 TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
 {
+    facts.now.physicalMemoryBytes = 16ULL << 30;
+    facts.now.powerSourceStates = { u"AC Power"_s };
+    callAudio.sound = spokenBytes();
     showEmptyInbox();
     click(u"topnav.calls"_s);
     rest();
@@ -30,15 +35,16 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
     clock.advance(Milliseconds(600));
     press(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(screens.calls.recording()->marksText(), "1 mark");
-    callTranscript = SpeechTranscriptResult { u"ship on Friday"_s, basicRecogniserSpec(),
-        { { 0, 1000, u"ship on Friday"_s }, { 2000, 3000, u"send the offer"_s } } };
-    lumo.model.willAnswer(u"Summary: Ship.\nFollow-up: Send the offer."_s);
+    recogniser.says = { { 0, 1000, u"ship on Friday"_s }, { 2000, 3000, u"send the offer"_s } };
+    model->willAnswer(u"Summary: Ship.\nFollow-up: Send the offer."_s);
     click(u"recording.stop"_s);
     rest();
     EXPECT_EQ(findItem(u"recording.stop"_s), nullptr);
     press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
-    rest();
-    EXPECT_EQ(screens.calls.page()->stateText(), "Ready");
+    EXPECT_TRUE(await([this] {
+        rest();
+        return screens.calls.page()->stateText() == u"Ready";
+    }));
     click(u"call.apply"_s);
     EXPECT_NE(screens.calls.page()->proposals().value(1).state + screens.calls.page()->proposals().value(0).error, "");
     item(u"call.notes.text"_s)->forceActiveFocus();

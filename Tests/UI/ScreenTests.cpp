@@ -126,7 +126,9 @@ TEST_F(ScreenTest, aMailboxIsConnectedByAddressAndPasswordAlone)
     // The child program of the tests stands in for Node, and obeys the entry script.
     const Environment environment { { "CORVANE_NODE", CORVANE_TEST_PROGRAMS "/ChildProgram" } };
     home.write(u"resources/engine/src/main.ts"_s, "");
+    launcher.realLauncher = recogniser.launcher.get();
     const auto engineSays = [&](const QByteArray& event) {
+        launcher.expect(FakeLauncher::real());
         home.write(u"resources/engine/src/email-main.ts"_s, event.isEmpty() ? "hang" : "print @@CORVANE@@" + event);
     };
     const auto message = [&] {
@@ -476,8 +478,9 @@ TEST_F(ScreenTest, aFullDiskIsABannerAndADamagedDatabaseAPageToChooseOn)
     expectDrawn(u"damaged database"_s);
     EXPECT_TRUE(focusWithin(u"recovery.save"_s));
     launcher.exitTerminated();
-    launcher.expect(FakeLauncher::stays(), 3); // the engines that ran
+    launcher.expect(FakeLauncher::stays(), 4); // the engines that ran, and the tool server
     click(u"recovery.new"_s);
+    EXPECT_TRUE(await([this] { return engines.mcpRunning(); }));
     rest();
     EXPECT_FALSE(recovery.needed());
     EXPECT_EQ(findItem(u"recovery.new"_s), nullptr);

@@ -1,24 +1,22 @@
 #include "Support/Await.h"
+#include "Support/SpokenSound.h"
 #include "WindowTest.h"
 
 #include <QDir>
-#include <QFile>
 
 namespace corvane {
 
 namespace {
 
-const QString spoken = u"/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"_s;
-
 class VoiceWindow : public WindowTest {
 protected:
     VoiceWindow()
     {
-        lumo.machine.now.physicalMemoryBytes = 16ULL << 30;
-        lumo.machine.now.powerSourceStates = { u"AC Power"_s };
+        facts.now.physicalMemoryBytes = 16ULL << 30;
+        facts.now.powerSourceStates = { u"AC Power"_s };
         const QString note = home.path(u"share/Corvane/media/studio/note.wav"_s);
         QDir().mkpath(home.path(u"share/Corvane/media/studio"_s));
-        QFile::copy(spoken, note);
+        QFile::copy(spokenSound, note);
         showInbox();
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "audio" }, { "mediaPath", note } });
@@ -58,9 +56,7 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
         press(Qt::Key_Left);
     press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     microphone.answer(MicrophoneAccess::Granted);
-    QFile sound(spoken);
-    ASSERT_TRUE(sound.open(QIODevice::ReadOnly));
-    microphone.recording->sound = sound.readAll();
+    microphone.recording->sound = spokenBytes();
     microphone.recording->seconds = 3;
     microphone.recording->loudness = 0.4;
     clock.advance(Milliseconds(100));

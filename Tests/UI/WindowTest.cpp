@@ -26,6 +26,16 @@ void collect(QtMsgType type, const QMessageLogContext&, const QString& message)
         warningLines().append(message);
 }
 
+Machine windowMachine(const AppPaths& paths, Scheduler& clock, std::unique_ptr<SystemLanguageModel> model)
+{
+    Machine machine = fakeMachine(paths, std::make_unique<FakeLauncher>(clock));
+    if (model)
+        machine.languageModel = std::move(model);
+    machine.basicRecogniser = std::make_unique<PlayedRecogniser>();
+    machine.tools = makeToolRunner();
+    return machine;
+}
+
 void gather(QQuickItem* item, QList<QQuickItem*>& found)
 {
     if (!item->isVisible())
@@ -53,11 +63,11 @@ QStringList Warnings::seen()
     return warningLines();
 }
 
-WindowTest::WindowTest(AIServices* assistant)
-    : services(assistant ? *assistant : lumo)
+WindowTest::WindowTest(std::unique_ptr<SystemLanguageModel> other)
+    : machine(windowMachine(home.paths(), clock, std::move(other)))
 {
     desktop.setAppearance(ColourScheme::Light, true);
-    approvals.attach(delivery, recordedCalls);
+    approvals.attach(delivery, app.recordedCalls());
     EXPECT_TRUE(window.window()) << qPrintable(Warnings::seen().join(u'\n'));
     window.window()->resize(1320, 820); // the screen in memory is small
     window.show();

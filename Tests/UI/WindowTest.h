@@ -1,20 +1,17 @@
 #pragma once
 
 #include "Approvals/ApprovalsStore.h"
-#include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Engines/AccountStore.h"
-#include "Foundation/SystemScheduler.h"
-#include "Platform/Linux/Services.h"
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
+#include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
-#include "Support/EngineWorld.h"
-#include "Support/FakeCallAudio.h"
-#include "Support/FakeLanguageModel.h"
+#include "Store/Core/LocalDB.h"
+#include "Support/FakeMachine.h"
 #include "Support/Print.h"
-#include "Support/RealDecoder.h"
-#include "Support/RealVoice.h"
+#include "Support/TemporaryHome.h"
 #include "UI/MainWindow.h"
-#include "Voice/TranslationService.h"
 #include "Web/SessionStore.h"
 
 #include <QImage>
@@ -36,12 +33,31 @@ public:
     static QStringList seen();
 };
 
-/// The whole window over the real view models, a real database, and engines that the test plays. Each test
-/// fails where anything warned.
-class WindowTest : public testing::Test, protected EngineWorld {
+/// The recogniser of English, unless a test says what is heard.
+class PlayedRecogniser final : public SpeechRecogniser {
+public:
+    bool isAvailable() const override { return real->isAvailable(); }
+    QCoro::Task<Result<QList<HeardSpeech>>> recognise(SpeechJob job) override
+    {
+        if (says.isEmpty())
+            return real->recognise(std::move(job));
+        return [](QList<HeardSpeech> heard) -> QCoro::Task<Result<QList<HeardSpeech>>> {
+            co_return heard;
+        }(says);
+    }
+
+    SystemScheduler scheduler;
+    const std::unique_ptr<ProcessLauncher> launcher = makeProcessLauncher(scheduler);
+    const std::unique_ptr<SpeechRecogniser> real = makeBasicRecogniser(*launcher);
+    QList<HeardSpeech> says;
+};
+
+/// The window over the whole program on a machine that the test plays, engines among it. Each test fails where anything
+/// warned.
+class WindowTest : public testing::Test {
 protected:
-    /// Another assistant than `lumo` may answer; it outlives the test.
-    explicit WindowTest(AIServices* assistant = nullptr);
+    /// Another model than `model` may answer.
+    explicit WindowTest(std::unique_ptr<SystemLanguageModel> other = nullptr);
     void TearDown() override;
 
     /// Which window the calls below are about; null for the main window.
@@ -70,41 +86,47 @@ protected:
     QQuickItem* focused() { return front()->activeFocusItem(); }
     bool focusWithin(const QString& objectName);
 
+    /// Lets every event that waits be handled, at a cost of a millisecond.
+    void settle() { clock.advance(Milliseconds(1)); }
+
+    /// A row value as text; "-" for NULL or no row.
+    QString cell(const QString& sql, const QList<SqlValue>& parameters = {})
+    {
+        return app.db().scalar(sql, parameters).value_or(u"-"_s);
+    }
+
     Warnings warnings;
-    AccountStore accounts { home.paths().applicationSupport };
-    SessionStore session { home.paths(), keychain, defaults, desktop, clock };
-    FakeLumo lumo { clock };
-    AIServices& services;
-    TranslationService translations { lumo.machine };
-    RealVoice voice { lumo.machine, defaults, clock, home.paths().applicationSupport };
-    RecordedCalls recordedCalls { engines.db() };
-    FakeCallAudio callAudio;
-    FakeSleepInhibitor sleep;
-    FakeAudioPlayer callMicrophone;
-    FakeAudioPlayer callSystem;
-    TranscriptionOutcome callTranscript = std::unexpected(SpeechTranscriberError::unavailable(u"no recogniser"_s));
-    ApprovalsStore approvals { centre, notifier, clock };
-    SystemScheduler realClock;
-    const std::unique_ptr<ProcessLauncher> realChildren = makeProcessLauncher(realClock); ///< but for engines
-    StoreRecovery recovery { { engines, accounts, background, clock, home.paths() } };
-    const std::unique_ptr<CalendarSource> calendars = makeCalendarSource(home.paths());
-    BackgroundQueue calendarWork; // goes before what it reads
-    CalendarServices calendar { { engines.db(), *calendars, calendarWork, clock, defaults, centre, {} }, services };
-    CallServices calls { recordedCalls, calendar.store, services.ai,
-        [this](TranscriptionRequest) -> QCoro::Task<TranscriptionOutcome> { co_return callTranscript; },
-        CallServices::Machine { microphone, callAudio, sleep, lumo.machine, callMicrophone, callSystem, calendarWork },
-        defaults, clock, home.paths() };
-    Screens screens { Screens::Surroundings { engines, approvals, accounts, session, keychain, defaults, centre, clock,
-        desktop, microphone, player, home.paths(), services, translations, voice.services, recovery, calendar, calls,
-        *realChildren } };
+    TemporaryHome home;
+    VirtualScheduler clock;
+    Machine machine; ///< without its services, which the program has
+    FakeLauncher& launcher = played<FakeLauncher>(machine.launcher);
+    FakeDesktop& desktop = played<FakeDesktop>(machine.desktop);
+    FakeMicrophone& microphone = played<FakeMicrophone>(machine.microphone);
+    FakeMachineFacts& facts = played<FakeMachineFacts>(machine.facts);
+    FakeLanguageModel* const model = dynamic_cast<FakeLanguageModel*>(machine.languageModel.get());
+    FakeAudioPlayer& player = played<FakeAudioPlayer>(machine.player);
+    PlayedRecogniser& recogniser = played<PlayedRecogniser>(machine.basicRecogniser);
+    FakeCallAudio& callAudio = played<FakeCallAudio>(machine.callAudio);
+    FakeAudioPlayer& callMicrophone = played<FakeAudioPlayer>(machine.callPlayers[0]);
+    CorvaneApp app { home.paths(), clock, std::move(machine) };
+    EngineManager& engines = app.engine();
+    AccountStore& accounts = app.store();
+    DraftDelivery& delivery = app.delivery();
+    ApprovalsStore& approvals = app.approvals();
+    SessionStore& session = app.session();
+    Keychain& keychain = app.keychain();
+    UserDefaults& defaults = app.defaults();
+    NotificationCentre& centre = app.notifications();
+    StoreRecovery& recovery = app.recovery();
+    CallServices& calls = app.calls();
+    Screens screens { app };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
     AppShell& shell = screens.shell;
     ProfileMenu& profile = screens.profile;
     InboxView& inbox = screens.inbox;
     IntegrationsView& settings = screens.settings;
-    RealDecoder media;
-    MainWindow window { screens, defaults, media.decoder };
+    MainWindow window { screens, defaults, app.decoder() };
 
 private:
     QQuickWindow* m_front = nullptr;

@@ -69,10 +69,6 @@ bool isPaused(const Account& account)
 
 }
 
-Machine::Machine() = default;
-Machine::~Machine() = default;
-Machine::Machine(Machine&&) noexcept = default;
-
 CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine machine, QObject* parent)
     : QObject(parent)
     , m_paths(paths)
@@ -128,6 +124,11 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
 }
 
 CorvaneApp::~CorvaneApp() = default;
+
+LocalDB& CorvaneApp::db()
+{
+    return m_engine->db();
+}
 
 /// Calls wait for mains power unless the person wants them to go on without.
 QCoro::Task<TranscriptionOutcome> CorvaneApp::transcribeCall(TranscriptionRequest request)

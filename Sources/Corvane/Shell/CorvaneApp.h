@@ -8,84 +8,40 @@
 #include "Platform/Keychain.h"
 #include "Presentation/Commands.h"
 #include "Shell/AppData.h"
+#include "Shell/Machine.h"
 #include "Voice/SpeechTranscript.h"
 
 #include <QObject>
 #include <QPoint>
 #include <QStringList>
-#include <array>
 #include <memory>
-#include <optional>
 #include <qcoro/qcorotask.h>
-#include <sys/types.h>
 
 namespace corvane {
 
 class AccountStore;
 class ApprovalsStore;
-class AddressBook;
-class CalendarSource;
 class ContactsBridge;
 class AudioPlayer;
-class CallAudio;
 class Desktop;
-class GlobalShortcuts;
 class DraftDelivery;
 class EngineManager;
-class MachineFacts;
+class LocalDB;
 class MediaDecoder;
 class Microphone;
-class NotificationService;
 class Notifier;
-class PortHolders;
 class RecordedCalls;
 class ProcessLauncher;
 class QuickCapture;
 class ResourceMonitor;
-class SleepInhibitor;
 class SessionStore;
 class StoreRecovery;
-class SpeechRecogniser;
-class SystemLanguageModel;
-class ToolRunner;
 class TranslationService;
 class Tray;
 struct AIServices;
 struct CalendarServices;
 struct VoiceServices;
 struct CallServices;
-
-/// The services that the program finds on its machine.
-struct Machine {
-    Machine();
-    ~Machine();
-    Machine(Machine&&) noexcept;
-
-    std::unique_ptr<ProcessLauncher> launcher;
-    std::unique_ptr<PortHolders> ports;
-    std::unique_ptr<Keyring> keyring;
-    std::unique_ptr<NotificationService> notifications;
-    std::unique_ptr<Desktop> desktop;
-    std::unique_ptr<Microphone> microphone;
-    std::unique_ptr<AddressBook> addressBook;
-    std::unique_ptr<CalendarSource> calendars;
-    std::unique_ptr<ToolRunner> tools;
-    std::unique_ptr<SystemLanguageModel> languageModel;
-    std::unique_ptr<MachineFacts> facts;
-    std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
-    std::unique_ptr<AudioPlayer> player;
-    std::unique_ptr<AudioPlayer> reader; ///< of texts that are read aloud
-    std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
-    std::unique_ptr<SpeechRecogniser> basicRecogniser;
-    std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
-    std::unique_ptr<CallAudio> callAudio;
-    std::unique_ptr<SleepInhibitor> sleep;
-    /// Both tracks of a call play at once, each through a decoder of its own.
-    std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
-    std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
-    std::unique_ptr<Tray> tray; ///< none in a headless run
-    std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
-};
 
 /// The composition root: builds every long-lived object once and hands out references.
 class CorvaneApp : public QObject {
@@ -97,6 +53,7 @@ public:
 
     AccountStore& store() { return *m_store; }
     EngineManager& engine() { return *m_engine; }
+    LocalDB& db();
     DraftDelivery& delivery() { return *m_delivery; }
     AppData& data() { return m_data; }
     CalendarServices& calendar() { return *m_calendar; }

@@ -15,36 +15,37 @@
 
 namespace corvane {
 
-Screens::Screens(const Surroundings& surroundings)
-    : at(surroundings)
-    , appearance(at.desktop, at.defaults)
-    , content(at.session, at.defaults)
-    , wall(at.session, content)
-    , notices({ at.engine.db().health(), at.keychain, at.session, at.accounts, content, at.paths, at.calendar })
-    , recovery(at.recovery)
-    , shell(at.notifications, at.defaults)
-    , profile(at.session, shell, at.engine.db(), at.notifications)
-    , inbox({ at.engine, at.accounts, at.defaults, at.notifications, at.scheduler, at.microphone, at.desktop, at.player,
-          at.paths, at.ai, at.translations, at.voice })
-    , draftActions(at.approvals, at.engine, at.accounts)
-    , approvals(at.approvals, draftActions, at.engine.db(), at.scheduler)
-    , drafts({ at.approvals, draftActions, *approvals.editor(), at.engine, at.accounts, at.scheduler })
-    , settings({ at.accounts, at.engine, at.session, at.keychain, at.defaults, at.scheduler, at.paths, at.ai,
-          at.launcher, at.notifications, at.voice })
-    , calendar({ at.calendar.store, at.calendar.commands, at.calendar.prep, at.desktop, at.notifications })
-    , calendarSettings(at.calendar.store, at.calendar.commands)
-    , meetings({ at.calendar.store, at.calendar.prep, at.desktop, at.notifications })
-    , calls(at.calls.recording, at.calls.player)
-    , callSettings(at.calls.settings)
-    , panel({ at.engine, at.accounts, at.session, at.notifications, at.scheduler, approvals, meetings, calls, at.ai,
-          at.capture })
-    , closingNotice(at.tray, at.defaults)
-    , terminals({ at.scheduler, at.defaults, at.desktop, at.paths.home, at.userUmask })
+Screens::Screens(CorvaneApp& root)
+    : app(root)
+    , appearance(app.desktop(), app.defaults())
+    , content(app.session(), app.defaults())
+    , wall(app.session(), content)
+    , notices({ app.db().health(), app.keychain(), app.session(), app.store(), content, app.paths(), app.calendar() })
+    , recovery(app.recovery())
+    , shell(app.notifications(), app.defaults())
+    , profile(app.session(), shell, app.db(), app.notifications())
+    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
+          app.desktop(), app.player(), app.paths(), app.ai(), app.translations(), app.voice() })
+    , draftActions(app.approvals(), app.engine(), app.store())
+    , approvals(app.approvals(), draftActions, app.db(), app.scheduler())
+    , drafts({ app.approvals(), draftActions, *approvals.editor(), app.engine(), app.store(), app.scheduler() })
+    , settings({ app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths(),
+          app.ai(), app.launcher(), app.notifications(), app.voice() })
+    , calendar(
+          { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
+    , calendarSettings(app.calendar().store, app.calendar().commands)
+    , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
+    , calls(app.calls().recording, app.calls().player)
+    , callSettings(app.calls().settings)
+    , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
+          calls, app.ai(), &app.capture() })
+    , closingNotice(app.tray(), app.defaults())
+    , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
 {
     const auto showUnread = [this] {
-        shell.hubs()->setUnreadTotal(at.engine.unreadTotal());
+        shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
     };
-    QObject::connect(&at.engine, &EngineManager::unreadTotalChanged, &shell, showUnread);
+    QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
     QObject::connect(
@@ -62,25 +63,15 @@ Screens::Screens(const Surroundings& surroundings)
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));
-    QList<HotKey*> hotKeys = at.calls.keys.all();
-    if (at.capture) {
-        commands.add(captureCommands(*at.capture));
-        hotKeys.prepend(&at.capture->hotKey());
-    }
+    commands.add(captureCommands(app.capture()));
+    QList<HotKey*> hotKeys = app.calls().keys.all();
+    hotKeys.prepend(&app.capture().hotKey());
     settings.system()->setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
-}
-
-Screens::Screens(CorvaneApp& app)
-    : Screens(Surroundings { app.engine(), app.approvals(), app.store(), app.session(), app.keychain(), app.defaults(),
-          app.notifications(), app.scheduler(), app.desktop(), app.microphone(), app.player(), app.paths(), app.ai(),
-          app.translations(), app.voice(), app.recovery(), app.calendar(), app.calls(), app.launcher(), app.tray(),
-          app.userUmask(), &app.capture() })
-{
     panel.resources()->setMonitor(app.resources());
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
-    QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this, &app] {
+    QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this] {
         if (!terminals.asksBeforeQuit())
             return app.quit();
         shell.selectHub(QStringLiteral("dev"));

@@ -24,46 +24,15 @@
 namespace corvane {
 
 class CorvaneApp;
-class Desktop;
-class QuickCapture;
-struct AIServices;
-struct CalendarServices;
-struct CallServices;
 
 /// The view models of the main window, wired to each other. They live as long as the program, so that a window
 /// that is closed and opened again shows what it showed.
 class Screens {
 public:
-    /// What they stand on; all of it outlives them.
-    struct Surroundings {
-        EngineManager& engine;
-        ApprovalsStore& approvals;
-        AccountStore& accounts;
-        SessionStore& session;
-        Keychain& keychain;
-        UserDefaults& defaults;
-        NotificationCentre& notifications;
-        Scheduler& scheduler;
-        Desktop& desktop;
-        Microphone& microphone;
-        AudioPlayer& player;
-        const AppPaths& paths;
-        AIServices& ai;
-        TranslationService& translations;
-        VoiceServices& voice;
-        StoreRecovery& recovery;
-        CalendarServices& calendar;
-        CallServices& calls;
-        ProcessLauncher& launcher;
-        const Tray* tray = nullptr;
-        std::optional<mode_t> userUmask {}; ///< of programs that the user starts; none: that of this process
-        QuickCapture* capture = nullptr;
-    };
+    /// It outlives them.
+    explicit Screens(CorvaneApp& root);
 
-    explicit Screens(const Surroundings& at);
-    explicit Screens(CorvaneApp& app);
-
-    const Surroundings at; ///< for the factories of the hubs
+    CorvaneApp& app; ///< for the factories of the hubs
 
     Commands commands;
     Appearance appearance;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Foundation/SystemScheduler.h"
 #include "Platform/AddressBook.h"
 #include "Platform/CalendarSource.h"
+#include "Platform/GlobalShortcuts.h"
 #include "Platform/Linux/Services.h"
-#include "Platform/MediaDecoder.h"
 #include "Platform/SpeechRecogniser.h"
-#include "Shell/CorvaneApp.h"
+#include "Platform/Tray.h"
+#include "Shell/Machine.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/FakeCallAudio.h"
 #include "Support/FakeDesktop.h"
@@ -16,10 +16,11 @@
 #include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
+#include "Support/RealDecoder.h"
 
 namespace corvane {
 
-/// A machine of fakes around the launcher.
+/// A machine of fakes around the launcher, but for what decodes and recognises, by real children.
 inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLauncher> launcher)
 {
     static SystemScheduler scheduler; // of what waits for real children
@@ -35,7 +36,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.tools = std::make_unique<NoTools>();
     machine.languageModel = std::make_unique<FakeLanguageModel>();
     machine.player = std::make_unique<FakeAudioPlayer>();
-    machine.decoder = makeMediaDecoder(scheduler);
+    machine.decoder = makeRealDecoder(scheduler);
     machine.reader = std::make_unique<FakeAudioPlayer>();
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
@@ -45,6 +46,12 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
         player = std::make_unique<FakeAudioPlayer>();
     machine.facts = std::make_unique<FakeMachineFacts>();
     return machine;
+}
+
+/// A service of the machine as the fake that it is.
+template <typename Fake, typename Service> Fake& played(const std::unique_ptr<Service>& service)
+{
+    return dynamic_cast<Fake&>(*service);
 }
 
 }

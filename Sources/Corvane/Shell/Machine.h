@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <sys/types.h>
+
+namespace corvane {
+
+struct AppPaths;
+class Scheduler;
+class AddressBook;
+class AudioPlayer;
+class CalendarSource;
+class CallAudio;
+class Desktop;
+class GlobalShortcuts;
+class Keyring;
+class MachineFacts;
+class MediaDecoder;
+class Microphone;
+class NotificationService;
+class PortHolders;
+class ProcessLauncher;
+class SleepInhibitor;
+class SpeechRecogniser;
+class SystemLanguageModel;
+class ToolRunner;
+class Tray;
+
+/// The services that the program finds on its machine.
+struct Machine {
+    Machine();
+    ~Machine();
+    Machine(Machine&&) noexcept;
+
+    std::unique_ptr<ProcessLauncher> launcher;
+    std::unique_ptr<PortHolders> ports;
+    std::unique_ptr<Keyring> keyring;
+    std::unique_ptr<NotificationService> notifications;
+    std::unique_ptr<Desktop> desktop;
+    std::unique_ptr<Microphone> microphone;
+    std::unique_ptr<AddressBook> addressBook;
+    std::unique_ptr<CalendarSource> calendars;
+    std::unique_ptr<ToolRunner> tools;
+    std::unique_ptr<SystemLanguageModel> languageModel;
+    std::unique_ptr<MachineFacts> facts;
+    std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
+    std::unique_ptr<AudioPlayer> player;
+    std::unique_ptr<AudioPlayer> reader; ///< of texts that are read aloud
+    std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
+    std::unique_ptr<SpeechRecogniser> basicRecogniser;
+    std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
+    std::unique_ptr<CallAudio> callAudio;
+    std::unique_ptr<SleepInhibitor> sleep;
+    /// Both tracks of a call play at once, each through a decoder of its own.
+    std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
+    std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
+    std::unique_ptr<Tray> tray; ///< none in a headless run
+    std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
+};
+
+/// The machine that the program runs on, without what only a window needs: the tray and the hot keys. `scheduler`
+/// outlives it; `userUmask` is that of programs that the user starts.
+Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, mode_t userUmask);
+
+}
