@@ -37,6 +37,7 @@ public:
     virtual void bind(const GlobalShortcut& shortcut) = 0;
     virtual void release(const QString& id) = 0;
     virtual GlobalShortcutState state(const QString& id) const = 0;
+    virtual bool asksUser() const { return false; } ///< about each change of the keys
 
 Q_SIGNALS:
     void pressed(const QString& id); ///< once, however long the key is held

@@ -8,9 +8,9 @@ namespace corvane {
 
 enum class MicrophoneAccess { Granted, Denied, Missing };
 
-/// One recording into a file: AAC, 44,100 Hz, one channel, in an .m4a. Whatever ends it, a crash of the program
-/// too, the file holds what was recorded until then (a crash: all but the last second). Destroying a recording that
-/// runs stops it.
+/// One recording into a file: AAC, 44,100 Hz, one channel, in an .m4a; or plain, 16,000 Hz, as speech is recognised,
+/// in a .wav. Whatever ends it, the file holds what was recorded until then; after a crash of the program the .m4a
+/// does, all but the last second. Destroying a recording that runs stops it.
 class MicrophoneRecording : public QObject {
     Q_OBJECT
 public:
@@ -38,8 +38,8 @@ public:
     /// The answer comes later, on the main thread; none comes once this object is gone.
     virtual void requestAccess(std::function<void(MicrophoneAccess)> answer) = 0;
 
-    /// Begins to record into a new file at `path`, of mode 0600; nothing where there is a file already or none can
-    /// be made.
+    /// Begins to record into a new file at `path`, of mode 0600, in the format of its ending; nothing where there is a
+    /// file already or none can be made.
     virtual std::unique_ptr<MicrophoneRecording> record(const QString& path) = 0;
 };
 

@@ -22,6 +22,7 @@ class SingleInstance;
 class SleepInhibitor;
 class SpeechRecogniser;
 class SystemLanguageModel;
+class TextInsertion;
 class ToolRunner;
 class Tray;
 struct AppPaths;
@@ -33,6 +34,7 @@ std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
 std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< of programs that open something for the user
 std::unique_ptr<GlobalShortcuts> makeGlobalShortcuts();
+std::unique_ptr<TextInsertion> makeTextInsertion(Scheduler& scheduler);
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
 std::unique_ptr<CallAudio> makeCallAudio(Scheduler& scheduler);
 std::unique_ptr<SleepInhibitor> makeSleepInhibitor();

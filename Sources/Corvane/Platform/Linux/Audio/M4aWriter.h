@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Foundation/Result.h"
+#include "Platform/Linux/Audio/SoundWriter.h"
 
 #include <memory>
-#include <span>
 
 namespace corvane {
 
@@ -14,16 +13,16 @@ struct SoundFormat {
 };
 
 /// Sound into an .m4a file (AAC). While it grows it stands in pieces of half a second, each of which plays without the
-/// next: a program that is killed loses the last of them. Used by one thread at a time.
-class M4aWriter {
+/// next: a program that is killed loses the last of them.
+class M4aWriter final : public SoundWriter {
 public:
     /// Makes the file, of mode 0600; fails where one stands there already.
     static Result<std::unique_ptr<M4aWriter>> create(const QString& path, SoundFormat format);
-    ~M4aWriter(); ///< leaves what was written
+    ~M4aWriter() override;
 
-    Result<void> write(std::span<const float> samples); ///< interleaved, from -1 to 1
+    Result<void> write(std::span<const float> samples) override;
     Result<void> close(); ///< writes what waits; the file stays in pieces, and takes nothing more
-    Result<void> finish(); ///< closes and joins
+    Result<void> finish() override; ///< closes and joins
 
     /// Makes one piece of the file, which costs as much as to copy it. Where that fails it is left as it is.
     static Result<void> join(const QString& path);

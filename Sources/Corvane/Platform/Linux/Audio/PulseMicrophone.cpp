@@ -1,7 +1,9 @@
 #include "Platform/Linux/Audio/PulseMicrophone.h"
 
 #include "Foundation/Log.h"
+#include "Platform/Linux/Audio/WavWriter.h"
 #include "Platform/Linux/Services.h"
+#include "Platform/MediaDecoder.h"
 
 #include <QFile>
 #include <atomic>
@@ -13,6 +15,7 @@ namespace {
 
 constexpr Milliseconds answerTime { 3000 };
 constexpr SoundFormat voice { .rate = 44'100, .channels = 1 };
+constexpr SoundFormat dictation { .rate = speechFormat.rate, .channels = 1 };
 
 /// Why a recording ended, within a sentence.
 QString words(PulseCapture::End kind)
@@ -31,11 +34,13 @@ QString words(PulseCapture::End kind)
 /// The sound thread writes; the main thread reads figures, and takes the file over once that thread is gone.
 class LinuxRecording final : public MicrophoneRecording {
 public:
-    LinuxRecording(const QString& path, std::unique_ptr<M4aWriter> writer, Scheduler& scheduler)
+    LinuxRecording(
+        const QString& path, std::unique_ptr<SoundWriter> writer, const SoundFormat& format, Scheduler& scheduler)
         : m_path(path)
+        , m_rate(format.rate)
         , m_writer(std::move(writer))
         , m_timeout(scheduler.after(answerTime, [this] { end(QStringLiteral("the sound server does not answer")); }))
-        , m_capture(std::make_unique<PulseCapture>(CaptureTarget(), voice,
+        , m_capture(std::make_unique<PulseCapture>(CaptureTarget(), format,
               PulseCapture::Callbacks { .ready = [this] { post([this] { m_timeout.reset(); }); },
                   .sound = [this](std::span<const float> samples) { hear(samples); },
                   .ended =
@@ -50,7 +55,7 @@ public:
 
     ~LinuxRecording() override { LinuxRecording::stop(); }
 
-    double elapsedSeconds() const override { return double(m_samples) / voice.rate; }
+    double elapsedSeconds() const override { return double(m_samples) / m_rate; }
     double level() override { return std::min(1.0F, m_peak.exchange(0)); }
 
     bool stop() override
@@ -105,7 +110,8 @@ private:
     }
 
     const QString m_path;
-    std::unique_ptr<M4aWriter> m_writer;
+    const int m_rate;
+    std::unique_ptr<SoundWriter> m_writer;
     std::atomic<qint64> m_samples = 0;
     std::atomic<float> m_peak = 0;
     bool m_broken = false; ///< of the sound thread
@@ -155,12 +161,19 @@ void PulseMicrophone::answered(quint64 id, MicrophoneAccess access, const QStrin
 
 std::unique_ptr<MicrophoneRecording> PulseMicrophone::record(const QString& path)
 {
-    auto writer = M4aWriter::create(path, voice);
+    const bool isPlain = path.endsWith(QLatin1String(".wav"));
+    const SoundFormat& format = isPlain ? dictation : voice;
+    const auto writerOf = [&]() -> Result<std::unique_ptr<SoundWriter>> {
+        if (isPlain)
+            return WavWriter::create(path, format.rate);
+        return M4aWriter::create(path, format);
+    };
+    auto writer = writerOf();
     if (!writer) {
         log(QStringLiteral("PulseMicrophone: %1: %2").arg(path, writer.error().message));
         return nullptr;
     }
-    return std::make_unique<LinuxRecording>(path, std::move(*writer), m_scheduler);
+    return std::make_unique<LinuxRecording>(path, std::move(*writer), format, m_scheduler);
 }
 
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler)

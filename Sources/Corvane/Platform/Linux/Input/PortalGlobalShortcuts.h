@@ -28,6 +28,7 @@ public:
     void bind(const GlobalShortcut& shortcut) override;
     void release(const QString& id) override;
     GlobalShortcutState state(const QString& id) const override { return m_states.value(id); }
+    bool asksUser() const override { return true; }
 
 private Q_SLOTS:
     void onActivated(const QDBusMessage& signal);

@@ -5,7 +5,6 @@
 #include <QKeySequence>
 #include <QSocketNotifier>
 #include <array>
-#include <cstdlib>
 #include <xcb/xcb_keysyms.h>
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wkeyword-macro"
@@ -17,11 +16,6 @@
 namespace corvane {
 
 namespace {
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc): xcb gives it so
-};
-template <typename Reply> using XcbReply = std::unique_ptr<Reply, Free>;
 
 constexpr uint16_t anyCapsLock = XCB_MOD_MASK_LOCK;
 constexpr uint16_t anyNumLock = XCB_MOD_MASK_2;
@@ -85,13 +79,12 @@ std::optional<XKey> xKeyOf(const QString& keys)
 X11GlobalShortcuts::X11GlobalShortcuts(const QByteArray& display)
     : m_symbols(nullptr, xcb_key_symbols_free)
 {
-    m_connection.reset(xcb_connect(display.isEmpty() ? nullptr : display.constData(), nullptr));
-    if (xcb_connection_has_error(m_connection.get()) != 0) {
+    m_connection = connectToX(display);
+    if (!m_connection) {
         log(QStringLiteral("GlobalShortcuts: no X server"));
-        m_connection.reset();
         return;
     }
-    m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection.get())).data->root;
+    m_root = firstScreen(m_connection.get())->root;
     m_symbols.reset(xcb_key_symbols_alloc(m_connection.get()));
     askForDetectableRepeat(m_connection.get());
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read);

@@ -1,20 +1,14 @@
 #pragma once
 
 #include "Platform/GlobalShortcuts.h"
+#include "Platform/Linux/Input/Xcb.h"
 
 #include <QHash>
-#include <memory>
-#include <xcb/xcb.h>
 
 class QSocketNotifier;
 struct _XCBKeySymbols;
 
 namespace corvane {
-
-struct XcbDisconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
-using XcbConnection = std::unique_ptr<xcb_connection_t, XcbDisconnect>;
 
 /// A key and what is held with it, as the X server numbers them.
 struct XKey {

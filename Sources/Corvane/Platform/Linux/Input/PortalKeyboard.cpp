@@ -1,0 +1,159 @@
+#include "Platform/Linux/Input/PortalKeyboard.h"
+
+#include "Foundation/Log.h"
+#include "Platform/Linux/Bus/BusObject.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QUuid>
+
+namespace corvane {
+
+namespace {
+
+const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
+    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.RemoteDesktop") };
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+constexpr uint keyboard = 1;
+constexpr uint granted = 0;
+
+QString freshToken()
+{
+    return QStringLiteral("corvane_") + QUuid::createUuid().toString(QUuid::Id128);
+}
+
+/// The key symbol of a character, as X11 numbers them.
+int symbolOf(char32_t character)
+{
+    constexpr int tab = 0xff09;
+    constexpr int returnKey = 0xff0d;
+    constexpr int unicode = 0x01000000;
+    if (character == U'\t')
+        return tab;
+    if (character == U'\n')
+        return returnKey;
+    const bool isLatin = (character >= 0x20 && character < 0x7f) || (character >= 0xa0 && character <= 0xff);
+    return isLatin ? int(character) : unicode | int(character);
+}
+
+}
+
+PortalKeyboard::PortalKeyboard(const QDBusConnection& bus)
+    : m_bus(bus)
+{
+    const BusObject properties { portal.service, portal.path, QStringLiteral("org.freedesktop.DBus.Properties") };
+    const QVariantList name { portal.interface, QStringLiteral("AvailableDeviceTypes") };
+    callAsync(m_bus, properties.method(QStringLiteral("Get"), name), this, [this](const QDBusMessage& reply) {
+        if (firstValue(reply).toUInt() & keyboard)
+            enter(State::Idle);
+    });
+}
+
+PortalKeyboard::~PortalKeyboard()
+{
+    closeSession();
+}
+
+void PortalKeyboard::ask()
+{
+    if (m_state != State::Idle)
+        return;
+    enter(State::Asking);
+    request(QStringLiteral("CreateSession"), {}, { { QStringLiteral("session_handle_token"), freshToken() } },
+        &PortalKeyboard::chooseDevices);
+}
+
+void PortalKeyboard::chooseDevices(const QVariantMap& results)
+{
+    m_session = unwrapped(results.value(QStringLiteral("session_handle"))).toString();
+    m_bus.connect(portal.service, m_session, sessionInterface, QStringLiteral("Closed"), this, SLOT(onClosed()));
+    request(QStringLiteral("SelectDevices"), { QVariant::fromValue(QDBusObjectPath(m_session)) },
+        { { QStringLiteral("types"), keyboard } }, &PortalKeyboard::start);
+}
+
+void PortalKeyboard::start(const QVariantMap&)
+{
+    const QString noParent = QStringLiteral("");
+    request(QStringLiteral("Start"), { QVariant::fromValue(QDBusObjectPath(m_session)), noParent }, {},
+        &PortalKeyboard::started);
+}
+
+void PortalKeyboard::started(const QVariantMap& results)
+{
+    const bool hasKeyboard = unwrapped(results.value(QStringLiteral("devices"))).toUInt() & keyboard;
+    enter(hasKeyboard ? State::Granted : State::Absent);
+}
+
+void PortalKeyboard::request(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then)
+{
+    const QString token = freshToken();
+    options[QStringLiteral("handle_token")] = token;
+    const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
+    m_awaited = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2").arg(sender, token);
+    m_then = then;
+    // Before the call: the answer may come first.
+    m_bus.connect(
+        portal.service, m_awaited, requestInterface, QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
+    callAsync(
+        m_bus, portal.method(method, arguments + QVariantList { options }), this, [this](const QDBusMessage& reply) {
+            if (reply.type() != QDBusMessage::ErrorMessage)
+                return;
+            log(QStringLiteral("PortalKeyboard: ") + reply.errorMessage());
+            enter(State::Absent);
+        });
+}
+
+void PortalKeyboard::onResponse(const QDBusMessage& response)
+{
+    m_bus.disconnect(portal.service, response.path(), requestInterface, QStringLiteral("Response"), this,
+        SLOT(onResponse(QDBusMessage)));
+    if (response.path() != m_awaited || response.signature() != u"ua{sv}")
+        return;
+    if (response.arguments().at(0).toUInt() != granted) {
+        closeSession();
+        return enter(State::Absent); // the user said no, and is not asked again in this run
+    }
+    (this->*m_then)(qdbus_cast<QVariantMap>(response.arguments().at(1)));
+}
+
+/// The user, or the desktop, took the keyboard back.
+void PortalKeyboard::onClosed()
+{
+    m_session.clear();
+    enter(State::Idle);
+}
+
+void PortalKeyboard::type(const QString& text, std::function<void(bool)> done)
+{
+    const QVariant session = QVariant::fromValue(QDBusObjectPath(m_session));
+    QList<QDBusMessage> keys;
+    for (const uint character : text.toUcs4()) {
+        for (const uint isDown : { 1U, 0U })
+            keys.append(portal.method(
+                QStringLiteral("NotifyKeyboardKeysym"), { session, QVariantMap(), symbolOf(character), isDown }));
+    }
+    // The portal takes them in their order, so that the last answer stands for all.
+    for (qsizetype i = 0; i + 1 < keys.size(); ++i) {
+        m_bus.send(keys[i]);
+    }
+    callAsync(m_bus, keys.constLast(), this,
+        [done = std::move(done)](const QDBusMessage& reply) { done(reply.type() == QDBusMessage::ReplyMessage); });
+}
+
+void PortalKeyboard::enter(State state)
+{
+    if (m_state == state)
+        return;
+    m_state = state;
+    Q_EMIT changed();
+}
+
+void PortalKeyboard::closeSession()
+{
+    if (!m_session.isEmpty() && m_bus.isConnected())
+        m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(QStringLiteral("Close")));
+    m_session.clear();
+}
+
+}

@@ -1,0 +1,94 @@
+#include "Platform/Linux/Input/WaylandTextInsertion.h"
+
+#include "Platform/Linux/Input/OwnWindow.h"
+#include "Platform/Linux/Input/X11TextInsertion.h"
+#include "Platform/Linux/Services.h"
+
+namespace corvane {
+
+namespace {
+
+constexpr Milliseconds limit { 6000 };
+
+}
+
+WaylandTextInsertion::WaylandTextInsertion(Scheduler& scheduler, const QDBusConnection& session)
+    : m_scheduler(scheduler)
+    , m_session(session)
+    , m_keyboard(session)
+{
+    connect(&m_keyboard, &PortalKeyboard::changed, this, &TextInsertion::wayChanged);
+}
+
+WaylandTextInsertion::~WaylandTextInsertion() = default;
+
+InsertionWay WaylandTextInsertion::way() const
+{
+    return m_keyboard.state() == PortalKeyboard::State::Absent ? InsertionWay::None : InsertionWay::Typing;
+}
+
+/// The question whether the program may type comes before the text does: its window takes the focus.
+void WaylandTextInsertion::aim()
+{
+    m_background.run<std::optional<FocusedField>>([session = m_session] { return findFocusedField(session); },
+        [this](const std::optional<FocusedField>& field) {
+            if (!field || (!field->isEditable && !field->isPassword))
+                m_keyboard.ask();
+        });
+}
+
+void WaylandTextInsertion::insert(const QString& text, Done done)
+{
+    if (m_done) {
+        QMetaObject::invokeMethod(
+            this, [done = std::move(done)] { done(InsertionOutcome::Missed); }, Qt::QueuedConnection);
+        return;
+    }
+    m_text = text;
+    m_done = std::move(done);
+    if (const auto outcome = insertIntoOwnWindow(text))
+        return end(*outcome);
+    m_limit = m_scheduler.after(limit, [this] { end(InsertionOutcome::Missed); });
+    m_background.run<std::optional<FocusedField>>([session = m_session] { return findFocusedField(session); },
+        [this](const std::optional<FocusedField>& field) {
+            if (!m_done)
+                return; // it took too long
+            if (field && field->isPassword)
+                end(InsertionOutcome::Password);
+            else if (field && field->isEditable)
+                insertInto(*field);
+            else
+                type();
+        });
+}
+
+void WaylandTextInsertion::insertInto(const FocusedField& field)
+{
+    m_background.run<bool>(
+        [session = m_session, field, text = m_text] { return corvane::insertInto(session, field, text); },
+        [this](bool isInserted) { isInserted ? end(InsertionOutcome::Inserted) : type(); });
+}
+
+void WaylandTextInsertion::type()
+{
+    if (m_keyboard.state() != PortalKeyboard::State::Granted)
+        return end(InsertionOutcome::Missed);
+    m_keyboard.type(
+        m_text, [this](bool isTyped) { end(isTyped ? InsertionOutcome::Inserted : InsertionOutcome::Missed); });
+}
+
+void WaylandTextInsertion::end(InsertionOutcome outcome)
+{
+    m_limit.reset();
+    if (const Done done = std::exchange(m_done, nullptr))
+        QMetaObject::invokeMethod(this, [done, outcome] { done(outcome); }, Qt::QueuedConnection);
+}
+
+std::unique_ptr<TextInsertion> makeTextInsertion(Scheduler& scheduler)
+{
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        return std::make_unique<WaylandTextInsertion>(scheduler, QDBusConnection::sessionBus());
+    return std::make_unique<X11TextInsertion>(scheduler, QDBusConnection::sessionBus());
+}
+
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/Scheduler.h"
+#include "Platform/Linux/Input/FocusedField.h"
+#include "Platform/Linux/Input/PortalKeyboard.h"
+#include "Platform/TextInsertion.h"
+
+namespace corvane {
+
+/// Text through the accessibility bus where the field in front takes it, else typed through the portal.
+class WaylandTextInsertion final : public TextInsertion {
+    Q_OBJECT
+public:
+    /// The scheduler outlives it.
+    WaylandTextInsertion(Scheduler& scheduler, const QDBusConnection& session);
+    ~WaylandTextInsertion() override;
+
+    InsertionWay way() const override;
+    bool isBoundToFocus() const override { return true; }
+    void aim() override;
+    void insert(const QString& text, Done done) override;
+
+private:
+    void insertInto(const FocusedField& field);
+    void type();
+    void end(InsertionOutcome outcome);
+
+    Scheduler& m_scheduler;
+    QDBusConnection m_session;
+    PortalKeyboard m_keyboard;
+    BackgroundQueue m_background;
+    std::unique_ptr<Timer> m_limit;
+    QString m_text;
+    Done m_done; ///< of the text that is on its way
+};
+
+}

@@ -1,0 +1,270 @@
+#include "Foundation/SystemScheduler.h"
+#include "Platform/Linux/Input/WaylandTextInsertion.h"
+#include "Platform/Linux/Input/X11TextInsertion.h"
+
+#include "Support/Await.h"
+#include "Support/Places.h"
+#include "Support/PrivateBus.h"
+#include "XServer.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusContext>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QTemporaryDir>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+
+using namespace corvane;
+using Outcome = InsertionOutcome;
+
+namespace {
+
+/// Another program, with a field that has the keyboard.
+class Target {
+public:
+    explicit Target(const XServer& server, const QStringList& arguments = {}, const QString& busAddress = {})
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", "xcb");
+        environment.insert("DISPLAY", server.display);
+        environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress.isEmpty() ? "disabled:" : busAddress);
+        environment.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+        m_process.setProcessEnvironment(environment);
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        m_process.start(CORVANE_TEST_PROGRAMS "/TypingTargetProgram", arguments);
+        EXPECT_TRUE(says("ready"));
+    }
+    ~Target() { quit(); }
+
+    bool says(const QByteArray& line)
+    {
+        return await([&] {
+            while (m_process.canReadLine())
+                m_lines << m_process.readLine().trimmed();
+            return m_lines.contains(line);
+        });
+    }
+
+    void forget() { m_lines.clear(); }
+
+    void quit()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QProcess m_process;
+    QByteArrayList m_lines;
+};
+
+/// The accessibility bus of a desktop.
+class AccessibilityBus {
+public:
+    explicit AccessibilityBus(PrivateBus& bus)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
+        environment.insert("XDG_RUNTIME_DIR", m_folder.path());
+        environment.insert("GSETTINGS_BACKEND", "memory");
+        environment.remove("DISPLAY");
+        m_launcher.setProcessEnvironment(environment);
+        m_launcher.setStandardErrorFile(QProcess::nullDevice());
+        m_launcher.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+        m_launcher.start("/usr/libexec/at-spi-bus-launcher", { "--launch-immediately" });
+        const QDBusConnection client = bus.connect();
+        EXPECT_TRUE(await([&] { return client.interface()->isServiceRegistered("org.a11y.Bus").value(); }));
+    }
+    ~AccessibilityBus()
+    {
+        m_launcher.terminate();
+        m_launcher.waitForFinished();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_launcher;
+};
+
+/// The portal of a desktop whose user lets programs type, or not.
+class RemotePortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.RemoteDesktop")
+    Q_PROPERTY(uint AvailableDeviceTypes MEMBER devices)
+public:
+    explicit RemotePortal(const QDBusConnection& client)
+        : bus(client)
+    {
+        bus.registerObject("/org/freedesktop/portal/desktop", this,
+            QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportAllProperties);
+        bus.registerService("org.freedesktop.portal.Desktop");
+    }
+
+    void close() { bus.send(QDBusMessage::createSignal("/session", "org.freedesktop.portal.Session", "Closed")); }
+
+    QDBusConnection bus;
+    uint devices = 3;
+    uint answer = 0;
+    QList<int> keys;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusObjectPath CreateSession(const QVariantMap& options)
+    {
+        return respond(options, { { "session_handle", "/session" } });
+    }
+    Q_SCRIPTABLE QDBusObjectPath SelectDevices(const QDBusObjectPath& /*session*/, const QVariantMap& options)
+    {
+        EXPECT_EQ(options["types"].toUInt(), 1U);
+        return respond(options, {});
+    }
+    Q_SCRIPTABLE QDBusObjectPath Start(
+        const QDBusObjectPath& session, const QString& /*parent*/, const QVariantMap& options)
+    {
+        EXPECT_EQ(session.path(), "/session");
+        return respond(options, { { "devices", 1U } });
+    }
+    Q_SCRIPTABLE void NotifyKeyboardKeysym(
+        const QDBusObjectPath& /*session*/, const QVariantMap& /*options*/, int symbol, uint isDown)
+    {
+        if (isDown)
+            keys << symbol;
+    }
+
+private:
+    QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
+    {
+        const QString path = QString("/org/freedesktop/portal/desktop/request/%1/%2")
+                                 .arg(message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
+        auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
+        bus.send(response << answer << results);
+        return QDBusObjectPath(path);
+    }
+};
+
+class TextInsertionTest : public testing::Test {
+protected:
+    static std::optional<Outcome> insert(TextInsertion& insertion, const QString& text)
+    {
+        std::optional<Outcome> outcome;
+        insertion.insert(text, [&](Outcome given) { outcome = given; });
+        EXPECT_FALSE(outcome) << "the answer comes later";
+        EXPECT_TRUE(await([&] { return outcome.has_value(); }));
+        return outcome;
+    }
+
+    void paste()
+    {
+        server.send({ { XCB_KEY_PRESS, control }, { XCB_KEY_PRESS, letterV }, { XCB_KEY_RELEASE, letterV },
+            { XCB_KEY_RELEASE, control } });
+    }
+
+    XServer server;
+    SystemScheduler scheduler;
+};
+
+}
+
+TEST_F(TextInsertionTest, theProgramInFrontPastesAndTheClipboardKeepsWhatItHeld)
+{
+    X11TextInsertion insertion(scheduler, noBus(), server.display);
+    EXPECT_EQ(insertion.way(), InsertionWay::PasteKeys);
+    Target target(server, { "--copies", "700000" }); // more than goes in one piece
+    insertion.aim();
+    EXPECT_EQ(insert(insertion, "Grüße, привет ☕"), Outcome::Inserted);
+    EXPECT_TRUE(target.says("15 Grüße, привет ☕"));
+    EXPECT_EQ(insert(insertion, "!"), Outcome::Inserted) << "before the clipboard was given back";
+    EXPECT_TRUE(target.says("16 Grüße, привет ☕!"));
+    target.forget();
+    EXPECT_TRUE(target.says("clipboard 700000"));
+}
+
+TEST_F(TextInsertionTest, aTargetThatQuitLeavesTheTextOnTheClipboard)
+{
+    X11TextInsertion insertion(scheduler, noBus(), server.display);
+    Target first(server);
+    insertion.aim();
+    first.quit();
+    EXPECT_EQ(insert(insertion, "kept"), Outcome::Copied);
+    Target second(server);
+    paste();
+    EXPECT_TRUE(second.says("4 kept"));
+    EXPECT_EQ(insert(insertion, "in front"), Outcome::Inserted) << "what is in front gets it";
+    EXPECT_TRUE(second.says("12 keptin front"));
+
+    server.hold(control);
+    std::optional<Outcome> late;
+    insertion.insert("later", [&](Outcome given) { late = given; });
+    EXPECT_EQ(insert(insertion, "twice"), Outcome::Missed) << "one at a time";
+    EXPECT_FALSE(late);
+    server.letGo(control);
+    EXPECT_TRUE(second.says("17 keptin frontlater"));
+    server.stop();
+    EXPECT_EQ(insert(insertion, "nowhere"), Outcome::Missed);
+}
+
+TEST_F(TextInsertionTest, aProgramThatHoldsTheClipboardAndNeverAnswersIsNotWaitedFor)
+{
+    const XcbConnection silent = connectToX(server.display);
+    const xcb_window_t window = xcb_generate_id(silent.get());
+    xcb_create_window(silent.get(), XCB_COPY_FROM_PARENT, window, firstScreen(silent.get())->root, 0, 0, 1, 1, 0,
+        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_set_selection_owner(silent.get(), window, atomNamed(silent.get(), "CLIPBOARD"), XCB_CURRENT_TIME);
+    xcb_flush(silent.get());
+    Target target(server);
+    X11TextInsertion insertion(scheduler, noBus(), server.display);
+    insertion.aim();
+    EXPECT_EQ(insert(insertion, "anyway"), Outcome::Inserted);
+    EXPECT_TRUE(target.says("6 anyway"));
+}
+
+TEST_F(TextInsertionTest, theAccessibilityBusNamesPasswordFieldsAndTakesText)
+{
+    PrivateBus bus;
+    const QDBusConnection session = bus.connect();
+    EXPECT_FALSE(findFocusedField(session)) << "no accessibility";
+    const AccessibilityBus accessibility(bus);
+    {
+        Target target(server, {}, bus.address());
+        std::optional<FocusedField> field;
+        ASSERT_TRUE(await([&] { return (field = findFocusedField(session)).has_value(); }));
+        EXPECT_TRUE(field->isEditable && !field->isPassword);
+        EXPECT_TRUE(insertInto(session, *field, "Grüße 👍"));
+        EXPECT_TRUE(insertInto(session, *field, "!"));
+        EXPECT_TRUE(target.says("9 Grüße 👍!"));
+        target.quit();
+        EXPECT_FALSE(insertInto(session, *field, "nowhere"));
+    }
+    Target secret(server, { "--password" }, bus.address());
+    ASSERT_TRUE(await([&] { return findFocusedField(session).has_value(); }));
+    X11TextInsertion insertion(scheduler, session, server.display);
+    insertion.aim();
+    EXPECT_EQ(insert(insertion, "open sesame"), Outcome::Password);
+    WaylandTextInsertion other(scheduler, session);
+    EXPECT_EQ(insert(other, "open sesame"), Outcome::Password);
+}
+
+TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
+{
+    PrivateBus bus;
+    WaylandTextInsertion without(scheduler, bus.connect());
+    EXPECT_EQ(insert(without, "text"), Outcome::Missed);
+    EXPECT_EQ(without.way(), InsertionWay::None);
+
+    RemotePortal portal(bus.connect());
+    WaylandTextInsertion insertion(scheduler, bus.connect());
+    ASSERT_TRUE(await([&] { return insertion.way() == InsertionWay::Typing; }));
+    EXPECT_EQ(insert(insertion, "text"), Outcome::Missed) << "nobody was asked";
+    insertion.aim();
+    ASSERT_TRUE(await([&] { return insert(insertion, "é☕") == Outcome::Inserted; }));
+    EXPECT_EQ(portal.keys, (QList<int> { 0xe9, 0x01002615 }));
+    portal.close();
+    ASSERT_TRUE(await([&] { return insert(insertion, "x") == Outcome::Missed; }));
+    portal.answer = 1; // no
+    insertion.aim();
+    ASSERT_TRUE(await([&] { return insertion.way() == InsertionWay::None; }));
+}
+
+#include "TextInsertionTests.moc"

@@ -1,0 +1,35 @@
+// A program to type into: a line of text in a window. Prints "ready" once it has the keyboard, then its length and its
+// last characters after each change, and the length of what is on the clipboard after each change of that.
+//
+//   TypingTargetProgram [--password] [--copies COUNT]     so many "x" are on its clipboard
+
+#include <QtWidgets>
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const auto print = [](const QString& text) {
+        std::printf("%s\n", qPrintable(text));
+        std::fflush(stdout);
+    };
+    QLineEdit line;
+    line.setMaxLength(10'000'000);
+    if (arguments.contains("--password"))
+        line.setEchoMode(QLineEdit::Password);
+    if (const qsizetype copies = arguments.indexOf("--copies"); copies > 0)
+        QGuiApplication::clipboard()->setText(QString(arguments.value(copies + 1).toInt(), 'x'));
+    QObject::connect(&line, &QLineEdit::textChanged, &line,
+        [&](const QString& text) { print(QString("%1 %2").arg(text.size()).arg(text.right(20))); });
+    QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, &line,
+        [&] { print(QString("clipboard %1").arg(QGuiApplication::clipboard()->text().size())); });
+    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &line, [&](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            print("ready");
+    });
+    line.show();
+    line.activateWindow();
+    line.setFocus();
+    return QApplication::exec();
+}
