@@ -62,6 +62,13 @@ TEST_F(MicrophoneTest, aNoteIsRecordedAsOneWholeFile)
     ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
     EXPECT_FALSE(whole.readAll().contains("moof")) << "its pieces were joined";
     EXPECT_FALSE(microphone->record(path)) << "a file that stands there is not written over";
+
+    const QString plain = folder.filePath("corvane-dictation-1.wav");
+    recording = microphone->record(plain);
+    EXPECT_TRUE(await([&] { return recording->elapsedSeconds() >= 0.5; }) && recording->stop());
+    EXPECT_EQ(formatOf(plain), "pcm_s16le,16000,1");
+    EXPECT_NEAR(secondsOf(plain), recording->elapsedSeconds(), 0.01);
+    EXPECT_GT(peakOf(plain), 0.1F);
 }
 
 TEST_F(MicrophoneTest, aKillLeavesAllButTheLastSecondAndARecordingThatIsDroppedIsFinished)

@@ -201,6 +201,7 @@ TEST_F(TextInsertionTest, aTargetThatQuitLeavesTheTextOnTheClipboard)
     EXPECT_FALSE(late);
     server.letGo(control);
     EXPECT_TRUE(second.says("17 keptin frontlater"));
+    second.quit();
     server.stop();
     EXPECT_EQ(insert(insertion, "nowhere"), Outcome::Missed);
 }

@@ -82,9 +82,18 @@ void X11TextInsertion::lookAtField()
         [this](const std::optional<FocusedField>& field) {
             if (field && field->isPassword)
                 end(InsertionOutcome::Password);
+            else if (field && field->isEditable && !m_screen.canPress())
+                insertInto(*field);
             else
                 lend();
         });
+}
+
+void X11TextInsertion::insertInto(const FocusedField& field)
+{
+    m_background.run<bool>(
+        [session = m_session, field, text = m_text] { return corvane::insertInto(session, field, text); },
+        [this](bool isInserted) { isInserted ? end(InsertionOutcome::Inserted) : lend(); });
 }
 
 void X11TextInsertion::lend()

@@ -32,6 +32,7 @@ private:
 
     PasteKeys pasteKeys() const; ///< of the program in front
     void lookAtField();
+    void insertInto(const FocusedField& field);
     void lend();
     void pressOnceKeysAreUp(int tries);
     void onTaken();
