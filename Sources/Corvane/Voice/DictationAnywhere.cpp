@@ -1,0 +1,355 @@
+#include "Voice/DictationAnywhere.h"
+
+#include "Foundation/Ids.h"
+#include "Foundation/Log.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/GlobalShortcuts.h"
+#include "Voice/SpeechLanguages.h"
+#include "Voice/VoiceServices.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QLocale>
+#include <QPointer>
+
+namespace corvane {
+
+namespace {
+
+using Mode = DictationPanelMode;
+
+constexpr Milliseconds tick { 100 };
+constexpr Milliseconds questionTime { 500 }; ///< until the person is told that the microphone is asked for
+constexpr Milliseconds offTime { 1800 };
+constexpr Milliseconds failureTime { 4000 };
+constexpr Milliseconds stoppedTime { 1600 };
+constexpr Milliseconds copiedTime { 2400 };
+constexpr Milliseconds insertedTime { 1200 };
+constexpr Milliseconds staleTime { 600'000 };
+
+const QString enabledKey = QStringLiteral("Corvane.dictationAnywhere.enabled");
+const QString pushToTalkKey = QStringLiteral("Corvane.dictationAnywhere.pushToTalk");
+const QString cancelKey = QStringLiteral("dictation.cancel");
+const QString filePrefix = QStringLiteral("corvane-dictation-");
+
+/// What a program left that was killed while it listened. One that listens now writes into its file all the time.
+void removeStaleFiles(qint64 nowMs)
+{
+    const auto files = QDir(QDir::tempPath())
+                           .entryInfoList({ filePrefix + QStringLiteral("*.wav") }, QDir::Files | QDir::NoSymLinks);
+    for (const QFileInfo& file : files) {
+        if (file.lastModified().toMSecsSinceEpoch() < nowMs - staleTime.count())
+            QFile::remove(file.filePath());
+    }
+}
+
+/// A control character would press a key: in a terminal a line feed runs a command.
+QString oneLine(const QString& text)
+{
+    QString line = text;
+    for (QChar& character : line) {
+        if (character.category() == QChar::Other_Control)
+            character = u' ';
+    }
+    return line.trimmed();
+}
+
+QString accessText(MicrophoneAccess access)
+{
+    return access == MicrophoneAccess::Denied ? describe({ .kind = SpeechTranscriberError::Kind::MissingPermission })
+                                              : QStringLiteral("Could not start microphone — no microphone was found");
+}
+
+}
+
+DictationAnywhere::DictationAnywhere(const Surroundings& at, QObject* parent)
+    : QObject(parent)
+    , m_at(at)
+    , m_hotKey({ .id = QStringLiteral("dictation"),
+                   .label = QStringLiteral("Dictate into any program"),
+                   .keys = { QStringLiteral("Ctrl+Alt+D"), QStringLiteral("Ctrl+Alt+Shift+D") },
+                   .command = QStringLiteral("corvane --toggle-dictation") },
+          at.shortcuts, at.defaults)
+    , m_panel(at.scheduler)
+{
+    connect(&m_hotKey, &HotKey::pressed, this, [this] {
+        m_isHeld = isPushToTalk();
+        toggleRecording();
+    });
+    connect(&m_hotKey, &HotKey::released, this, &DictationAnywhere::onReleased);
+    if (m_at.shortcuts) {
+        connect(m_at.shortcuts, &GlobalShortcuts::pressed, this, [this](const QString& id) {
+            if (id == cancelKey)
+                cancel();
+        });
+    }
+    if (m_at.insertion)
+        connect(m_at.insertion, &TextInsertion::wayChanged, this, &DictationAnywhere::settingsChanged);
+}
+
+DictationAnywhere::~DictationAnywhere()
+{
+    m_cancel.cancel();
+    if (m_recorder)
+        m_recorder->cancel();
+    if (!m_lastAudioPath.isEmpty())
+        QFile::remove(m_lastAudioPath);
+}
+
+bool DictationAnywhere::isEnabled() const
+{
+    return m_at.defaults.boolean(enabledKey).value_or(false);
+}
+
+void DictationAnywhere::setEnabled(bool enabled)
+{
+    if (enabled == isEnabled())
+        return;
+    m_at.defaults.setBoolean(enabledKey, enabled);
+    if (enabled) {
+        registerHotKey();
+    } else {
+        m_hotKey.unbind();
+        stopWithoutProcessing(QStringLiteral("Dictation is off."));
+    }
+    Q_EMIT settingsChanged();
+}
+
+bool DictationAnywhere::isPushToTalk() const
+{
+    return m_at.defaults.boolean(pushToTalkKey).value_or(false);
+}
+
+void DictationAnywhere::setPushToTalk(bool on)
+{
+    m_at.defaults.setBoolean(pushToTalkKey, on);
+    Q_EMIT settingsChanged();
+}
+
+void DictationAnywhere::start()
+{
+    removeStaleFiles(m_at.scheduler.nowMs());
+    if (isEnabled())
+        registerHotKey();
+}
+
+void DictationAnywhere::registerHotKey()
+{
+    if (m_hotKey.isBound())
+        return;
+    m_hotKey.bind();
+    log(QStringLiteral("[DictationAnywhere] install=%1 register=%2 (%3)")
+            .arg(int(m_at.shortcuts != nullptr))
+            .arg(int(m_hotKey.isBound()))
+            .arg(m_hotKey.keys()));
+}
+
+std::optional<QString> DictationAnywhere::selectedLocale() const
+{
+    const QString chosen = dictationLocale(m_at.defaults);
+    return chosen.isEmpty() ? std::nullopt : std::optional(chosen);
+}
+
+QString DictationAnywhere::selectedLanguageShortName() const
+{
+    const QString language = modelLanguage(dictationLocale(m_at.defaults));
+    return language == anyLanguage ? QString() : localeDisplayName(language);
+}
+
+void DictationAnywhere::toggleRecording()
+{
+    if (!isEnabled())
+        return m_panel.show(QStringLiteral("Dictation is off in Settings > Voice."), Mode::Attention, offTime);
+    if (m_isAsking)
+        return stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+    if (m_state.kind == Kind::Recording)
+        return stopAndTranscribe();
+    if (m_state.kind == Kind::Transcribing)
+        return m_panel.show(QStringLiteral("Transcribing…"), Mode::Busy);
+    startRecording();
+}
+
+void DictationAnywhere::onReleased()
+{
+    if (!std::exchange(m_isHeld, false))
+        return;
+    if (m_isAsking)
+        stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+    else if (m_state.kind == Kind::Recording)
+        stopAndTranscribe();
+}
+
+void DictationAnywhere::cancel()
+{
+    if (m_isAsking || m_state.kind == Kind::Recording || m_state.kind == Kind::Transcribing)
+        stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+}
+
+void DictationAnywhere::startRecording()
+{
+    const QString language = modelLanguage(dictationLocale(m_at.defaults));
+    if (!m_at.voice.transcription.speaks(language))
+        return fail(QStringLiteral("Dictation in %1 needs a speech model.").arg(localeDisplayName(language)));
+    dismissOffer();
+    if (m_at.insertion)
+        m_at.insertion->aim();
+    m_isAsking = true;
+    m_question = m_at.scheduler.after(questionTime,
+        [this] { m_panel.show(QStringLiteral("Allow microphone access to start dictation."), Mode::Attention); });
+    m_at.microphone.requestAccess([self = QPointer(this), attempt = ++m_attempt](MicrophoneAccess access) {
+        if (!self || self->m_attempt != attempt || !std::exchange(self->m_isAsking, false))
+            return;
+        self->m_question.reset();
+        if (access == MicrophoneAccess::Granted)
+            self->beginRecording();
+        else
+            self->fail(accessText(access));
+    });
+}
+
+void DictationAnywhere::beginRecording()
+{
+    m_lastAudioPath = QDir::tempPath() + u'/' + filePrefix + uuidText() + QStringLiteral(".wav");
+    m_recorder = m_at.microphone.record(m_lastAudioPath);
+    if (!m_recorder)
+        return fail(QStringLiteral("Could not start microphone — its file cannot be written"));
+    connect(m_recorder.get(), &MicrophoneRecording::interrupted, this, [this](const QString& reason) {
+        // What was said until then is not lost.
+        if (m_recorder->elapsedSeconds() > 0)
+            stopAndTranscribe();
+        else
+            fail(QStringLiteral("Could not start microphone — %1").arg(reason));
+    });
+    m_ticks = m_at.scheduler.every(
+        tick, [this] { m_panel.setProgress(m_recorder->level(), m_recorder->elapsedSeconds()); });
+    if (m_at.shortcuts && !m_at.shortcuts->asksUser())
+        m_at.shortcuts->bind({ cancelKey, QStringLiteral("Cancel dictation"), { QStringLiteral("Esc") } });
+    m_panel.show(listeningText(), Mode::Listening);
+    enter({ .kind = Kind::Recording, .startedAtMs = m_at.scheduler.nowMs() });
+}
+
+QString DictationAnywhere::listeningText() const
+{
+    const QString language = selectedLanguageShortName();
+    QString text = language.isEmpty() ? QStringLiteral("Listening…") : QStringLiteral("Listening (%1) …").arg(language);
+    if (m_hotKey.isBound())
+        text += (m_isHeld ? QStringLiteral(" let go of %1 to finish") : QStringLiteral(" %1 to finish"))
+                    .arg(m_hotKey.keys());
+    return text;
+}
+
+void DictationAnywhere::stopAndTranscribe()
+{
+    if (!takeRecording()->stop())
+        return fail(describe({ .kind = SpeechTranscriberError::Kind::EmptyTranscript }));
+    m_panel.show(QStringLiteral("Transcribing…"), Mode::Busy);
+    enter({ .kind = Kind::Transcribing });
+    m_cancel = {};
+    transcribe(m_lastAudioPath, m_cancel);
+}
+
+QCoro::Task<> DictationAnywhere::transcribe(QString path, CancelHandle cancel)
+{
+    const QPointer<DictationAnywhere> self(this);
+    TranscriptionRequest request;
+    request.audioPath = path;
+    request.locale = dictationLocale(m_at.defaults);
+    request.cancel = cancel;
+    request.onProgress = [self, cancel](double progress) {
+        if (self && !cancel.isCancelled())
+            self->m_panel.setProgress(progress);
+    };
+    const TranscriptionOutcome outcome = co_await m_at.voice.speech.transcribe(std::move(request));
+    QFile::remove(path);
+    if (!self || cancel.isCancelled())
+        co_return;
+    if (outcome)
+        insertTranscript(oneLine(outcome->text));
+    else
+        fail(describe(outcome.error()));
+}
+
+void DictationAnywhere::insertTranscript(const QString& text)
+{
+    if (!m_at.insertion)
+        return offer(text, QStringLiteral("The text could not be inserted here."));
+    m_at.insertion->insert(text, [this, text](InsertionOutcome outcome) {
+        switch (outcome) {
+        case InsertionOutcome::Inserted:
+            m_problem.clear();
+            m_panel.show(QStringLiteral("Inserted"), Mode::Done, insertedTime);
+            return enter({ .kind = Kind::Inserted });
+        case InsertionOutcome::Copied:
+            m_panel.show(insertionWay() == InsertionWay::None
+                    ? QStringLiteral("Copied - allow Accessibility to paste automatically.")
+                    : QStringLiteral("Copied - no program in front took the text."),
+                Mode::Attention, copiedTime);
+            return enter({ .kind = Kind::Copied });
+        case InsertionOutcome::Password:
+            return offer(text, QStringLiteral("Nothing was inserted: the field takes a password."));
+        case InsertionOutcome::Missed:
+            break;
+        }
+        offer(text, QStringLiteral("The text could not be inserted here."));
+    });
+}
+
+void DictationAnywhere::offer(const QString& text, const QString& reason)
+{
+    fail(reason);
+    m_offered = text;
+    Q_EMIT offered();
+}
+
+void DictationAnywhere::dismissOffer()
+{
+    if (m_offered.isEmpty())
+        return;
+    m_offered.clear();
+    Q_EMIT offered();
+}
+
+void DictationAnywhere::fail(const QString& message)
+{
+    dropRecording();
+    m_problem = message;
+    m_panel.show(message, Mode::Attention, failureTime);
+    enter({ .kind = Kind::Failed, .message = message });
+}
+
+void DictationAnywhere::stopWithoutProcessing(const QString& message)
+{
+    m_isAsking = false;
+    m_question.reset();
+    m_cancel.cancel();
+    dropRecording();
+    m_panel.show(message, Mode::Attention, stoppedTime);
+    enter({});
+}
+
+void DictationAnywhere::dropRecording()
+{
+    if (MicrophoneRecording* const recorder = takeRecording())
+        recorder->cancel();
+}
+
+MicrophoneRecording* DictationAnywhere::takeRecording()
+{
+    m_ticks.reset();
+    if (!m_recorder)
+        return nullptr;
+    if (m_at.shortcuts && !m_at.shortcuts->asksUser())
+        m_at.shortcuts->release(cancelKey);
+    m_recorder->disconnect(this);
+    m_recorder->deleteLater(); // its own signal may be what brought us here
+    return m_recorder.release();
+}
+
+void DictationAnywhere::enter(const DictationAnywhereState& state)
+{
+    m_state = state;
+    Q_EMIT stateChanged();
+    Q_EMIT settingsChanged();
+}
+
+}

@@ -1,0 +1,63 @@
+#include "Voice/DictationPanel.h"
+
+namespace corvane {
+
+DictationPanel::DictationPanel(Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_scheduler(scheduler)
+{
+}
+
+QString DictationPanel::modeWord() const
+{
+    switch (m_mode) {
+    case DictationPanelMode::Listening:
+        return QStringLiteral("listening");
+    case DictationPanelMode::Busy:
+        return QStringLiteral("busy");
+    case DictationPanelMode::Attention:
+        return QStringLiteral("attention");
+    case DictationPanelMode::Done:
+        break;
+    }
+    return QStringLiteral("done");
+}
+
+QString DictationPanel::elapsedText() const
+{
+    const int seconds = int(m_elapsed);
+    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+void DictationPanel::show(const QString& text, DictationPanelMode mode)
+{
+    m_hiding.reset();
+    m_text = text;
+    m_mode = mode;
+    m_isVisible = true;
+    setProgress(0);
+    Q_EMIT changed();
+}
+
+void DictationPanel::show(const QString& text, DictationPanelMode mode, Milliseconds time)
+{
+    show(text, mode);
+    m_hiding = m_scheduler.after(time, [this] { hide(); });
+}
+
+void DictationPanel::setProgress(double level, double elapsedSeconds)
+{
+    m_level = level;
+    m_elapsed = elapsedSeconds;
+    Q_EMIT progressed();
+}
+
+void DictationPanel::hide()
+{
+    m_hiding.reset();
+    if (!std::exchange(m_isVisible, false))
+        return;
+    Q_EMIT changed();
+}
+
+}
