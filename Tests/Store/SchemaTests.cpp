@@ -24,13 +24,14 @@ TEST_F(SchemaTest, aFreshFileHoldsEveryTable)
     open();
     const QStringList expected { "_sync_state", "account_features", "ai_requests", "approval_record", "ask",
         "audio_transcript", "calendar_command", "calendar_event", "call_auto_record_state", "call_recording",
-        "call_recording_rule", "call_summary", "call_transcript", "cloud_sync_cursor", "company", "contact",
-        "contact_identity", "contact_merge", "contact_note", "contact_tag", "crm_deal", "crm_mutation_queue",
-        "crm_task", "crm_update_proposal", "deal", "dev_browser_session", "dev_srs", "draft_approval", "draft_metadata",
-        "engine_info", "engine_settings", "meeting_prep_cache", "message", "outbound_draft", "pipeline", "project",
-        "sync_command", "sync_health", "sync_workspace", "sync_workspace_selection", "tab", "unified_conversation",
-        "unified_message", "update", "work_agent", "work_context", "work_decision", "work_evidence", "work_item",
-        "work_memory", "work_memory_entries", "work_message", "work_session" };
+        "call_recording_rule", "call_summary", "call_transcript", "cloud_keep_local", "cloud_left_out",
+        "cloud_sync_cursor", "company", "contact", "contact_identity", "contact_merge", "contact_note", "contact_tag",
+        "crm_deal", "crm_mutation_queue", "crm_task", "crm_update_proposal", "deal", "dev_browser_session", "dev_srs",
+        "draft_approval", "draft_metadata", "engine_info", "engine_settings", "meeting_prep_cache", "message",
+        "outbound_draft", "pipeline", "project", "sync_command", "sync_health", "sync_workspace",
+        "sync_workspace_selection", "tab", "unified_conversation", "unified_message", "update", "work_agent",
+        "work_context", "work_decision", "work_evidence", "work_item", "work_memory", "work_memory_entries",
+        "work_message", "work_session" };
     EXPECT_EQ(tables(), expected);
     const QStringList first = shape();
     open();

@@ -1,8 +1,11 @@
 #include "Settings/SyncSettings.h"
 
+#include "Foundation/Json.h"
 #include "Foundation/MachineWords.h"
+#include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Core/Workspaces.h"
 #include "Store/Sync/SyncQueries.h"
 #include "Web/SessionStore.h"
 
@@ -48,12 +51,44 @@ QString plainWords(std::span<const Word> table, const QString& word)
     return known == table.end() ? word : QString(known->text);
 }
 
-SyncHealthLine healthLine(const SyncHealthRow& row, const DateWords& words)
+struct Counted {
+    QLatin1StringView key;
+    QLatin1StringView one;
+    QLatin1StringView many;
+};
+
+/// What the sources count.
+constexpr Counted counts[] = {
+    { QLatin1StringView("workspaces"), QLatin1StringView("workspace"), QLatin1StringView("workspaces") },
+    { QLatin1StringView("rows"), QLatin1StringView("row"), QLatin1StringView("rows") },
+    { QLatin1StringView("localThreads"), QLatin1StringView("chat"), QLatin1StringView("chats") },
+    { QLatin1StringView("localMessages"), QLatin1StringView("message"), QLatin1StringView("messages") },
+};
+
+SyncHealthLine healthLine(
+    const SyncHealthRow& row, const std::optional<SyncStateCursorRow>& cursor, const DateWords& words)
 {
-    QString detail = row.lastError;
-    if (detail.isEmpty() && row.lastFinishedAt)
-        detail = QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt);
-    return { plainWords(sources, row.source), plainWords(statuses, row.status), kindOf(row), detail };
+    QStringList details;
+    if (!row.lastError.isEmpty())
+        details.append(row.lastError);
+    else if (row.lastFinishedAt)
+        details.append(QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt));
+    const QJsonObject counted = jsonObject(row.countsJson.toUtf8()).value_or(QJsonObject());
+    for (const auto& [key, one, many] : counts) {
+        if (const auto count = wholeNumber(counted, key))
+            details.append(countWords(*count, one, many));
+    }
+    if (cursor && cursor->lastPulled)
+        details.append(QStringLiteral("cursor %1").arg(*cursor->lastPulled));
+    return { plainWords(sources, row.source), plainWords(statuses, row.status), kindOf(row),
+        details.join(QStringLiteral(" · ")) };
+}
+
+QString engineLine(const EngineInfoRow& engine, const DateWords& words)
+{
+    const QString revision = engine.gitSha.value_or(QString()).left(8);
+    return QStringLiteral("Version %1%2, started %3")
+        .arg(engine.version, revision.isEmpty() ? QString() : u' ' + revision, words.ago(engine.startedAt));
 }
 
 }
@@ -121,8 +156,11 @@ void SyncSettings::refresh()
 {
     const DateWords words(m_db.nowMs());
     m_health.clear();
+    const QString workspace = activeWorkspaceId(m_db, Repair::No);
     for (const SyncHealthRow& row : fetchSyncHealthRows(m_db))
-        m_health.append(healthLine(row, words));
+        m_health.append(healthLine(row, fetchSyncStateCursor(m_db, row.source + u':' + workspace), words));
+    const auto engine = fetchEngineInfo(m_db);
+    m_engineText = engine ? engineLine(*engine, words) : QString();
     Q_EMIT changed();
 }
 

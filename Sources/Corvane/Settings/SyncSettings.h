@@ -36,6 +36,7 @@ class SyncSettings : public QObject {
     Q_PROPERTY(QString queueLabel READ queueLabel CONSTANT)
     Q_PROPERTY(QString queueHint READ queueHint CONSTANT)
     Q_PROPERTY(QString queuedText READ queuedText NOTIFY changed) ///< empty until a pull was queued
+    Q_PROPERTY(QString engineText READ engineText NOTIFY changed) ///< which tool server last started, and when
 public:
     SyncSettings(SessionStore& session, LocalDB& db, QObject* parent = nullptr);
 
@@ -52,6 +53,7 @@ public:
     QString queueLabel() const { return QStringLiteral("Queue a pull"); }
     QString queueHint() const { return QStringLiteral("Asks the tool server to fetch from the web now."); }
     const QString& queuedText() const { return m_queuedText; }
+    const QString& engineText() const { return m_engineText; }
 
     Q_INVOKABLE void signInOrOut(); ///< what `actionLabel` says
     Q_INVOKABLE void queuePull();
@@ -65,6 +67,7 @@ private:
     LocalDB& m_db;
     QList<SyncHealthLine> m_health;
     QString m_queuedText;
+    QString m_engineText;
 };
 
 }

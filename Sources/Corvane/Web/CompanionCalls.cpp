@@ -32,8 +32,8 @@ QCoro::Task<Result<QString>> login(WebClient* client, QString base, QString emai
     const QUrl url = webUrl(base, QStringLiteral("/api/auth/login"));
     if (!url.isValid())
         co_return failure(badUrlWords(base, QStringLiteral("API")));
-    const Result<HttpReply> reply
-        = co_await client->post(url, { { QStringLiteral("email"), email }, { QStringLiteral("password"), password } });
+    const Result<HttpReply> reply = co_await client->post(
+        url, compactJson({ { QStringLiteral("email"), email }, { QStringLiteral("password"), password } }));
     if (!reply)
         co_return failure(reply.error().message);
     if (reply->status == 0)
@@ -74,7 +74,7 @@ QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base,
     if (!url.isValid())
         co_return failure(badUrlWords(base, QStringLiteral("companion")));
     const Result<HttpReply> reply = co_await client->post(
-        url, { { QStringLiteral("code"), code }, { QStringLiteral("deviceName"), deviceName } });
+        url, compactJson({ { QStringLiteral("code"), code }, { QStringLiteral("deviceName"), deviceName } }));
     if (!reply)
         co_return failure(reply.error().message);
     if (!reply->isSuccess())

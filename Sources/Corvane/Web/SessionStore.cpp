@@ -34,13 +34,14 @@ struct SessionStore::Flow {
     static QCoro::Task<> signIn(Flow flow, QString email, QString password)
     {
         SessionStore* const self = flow.owner;
-        const auto accessToken = co_await login(self->m_client.get(), self->baseUrl(), email, password);
+        const auto accessToken = co_await login(self->m_client.get(), webBase(self->m_defaults), email, password);
         if (!flow.isCurrent())
             co_return;
         if (!accessToken)
             co_return self->endAttempt(accessToken.error().message);
 
-        const auto code = co_await handshake(self->m_client.get(), self->baseUrl(), *accessToken, self->deviceName());
+        const auto code
+            = co_await handshake(self->m_client.get(), webBase(self->m_defaults), *accessToken, self->deviceName());
         if (!flow.isCurrent())
             co_return;
         if (!code)
@@ -52,7 +53,8 @@ struct SessionStore::Flow {
     static QCoro::Task<> finish(Flow flow, QString code)
     {
         SessionStore* const self = flow.owner;
-        const auto credentials = co_await exchange(self->m_client.get(), self->baseUrl(), code, self->deviceName());
+        const auto credentials
+            = co_await exchange(self->m_client.get(), webBase(self->m_defaults), code, self->deviceName());
         if (!flow.isCurrent())
             co_return;
         if (!credentials)
@@ -138,8 +140,9 @@ void SessionStore::signIn(const QString& email, const QString& password)
 
 void SessionStore::startSignIn()
 {
-    const QUrl url = companionLoginUrl(baseUrl(), deviceName());
-    m_lastError = url.isValid() ? std::nullopt : std::optional(badUrlWords(baseUrl(), QStringLiteral("companion")));
+    const QUrl url = companionLoginUrl(webBase(m_defaults), deviceName());
+    m_lastError
+        = url.isValid() ? std::nullopt : std::optional(badUrlWords(webBase(m_defaults), QStringLiteral("companion")));
     if (url.isValid()) {
         m_browserOpenedMs = m_scheduler.nowMs();
         m_desktop.openInBrowser(url);
@@ -265,11 +268,6 @@ void SessionStore::writeTokenFile(const QString& token)
 QString SessionStore::tokenFilePath() const
 {
     return m_paths.applicationSupport + QStringLiteral("/companion.jwt");
-}
-
-QString SessionStore::baseUrl() const
-{
-    return m_defaults.text(QStringLiteral("nimb.apiBaseUrl")).value_or(QStringLiteral(CORVANE_API_BASE_URL));
 }
 
 QString SessionStore::deviceName() const

@@ -82,7 +82,6 @@ private:
     void decodeClaims(const QString& token);
     void writeTokenFile(const QString& token);
     QString tokenFilePath() const;
-    QString baseUrl() const;
     QString deviceName() const;
 
     const AppPaths& m_paths;

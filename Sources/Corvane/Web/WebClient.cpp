@@ -1,7 +1,7 @@
 #include "Web/WebClient.h"
 
-#include "Foundation/Json.h"
 #include "Foundation/Scheduler.h"
+#include "Foundation/UserDefaults.h"
 
 #include <QHostAddress>
 #include <QNetworkReply>
@@ -13,10 +13,13 @@ namespace {
 
 constexpr HttpLimits limits { std::chrono::seconds(60), 4 * 1024 * 1024 };
 
-QNetworkRequest request(const QUrl& url, QNetworkRequest::RedirectPolicy redirects)
+QNetworkRequest request(const QUrl& url, const QString& bearerToken,
+    QNetworkRequest::RedirectPolicy redirects = QNetworkRequest::SameOriginRedirectPolicy)
 {
     QNetworkRequest result(url);
     result.setAttribute(QNetworkRequest::RedirectPolicyAttribute, redirects);
+    if (!bearerToken.isEmpty())
+        result.setRawHeader("Authorization", "Bearer " + bearerToken.toUtf8());
     makePlain(result);
     return result;
 }
@@ -38,18 +41,24 @@ WebClient::~WebClient()
     abortAll();
 }
 
-QCoro::Task<Result<HttpReply>> WebClient::post(QUrl url, QJsonObject body)
+QCoro::Task<Result<HttpReply>> WebClient::post(QUrl url, QByteArray body, QString bearerToken, CancelHandle cancel)
 {
-    QNetworkRequest sent = request(url, QNetworkRequest::SameOriginRedirectPolicy);
+    QNetworkRequest sent = request(url, bearerToken);
     sent.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
-    return awaitReply(m_network.post(sent, compactJson(body)), &m_scheduler, limits);
+    return awaitReply(m_network.post(sent, body), &m_scheduler, limits, cancel);
+}
+
+QCoro::Task<Result<HttpReply>> WebClient::get(QUrl url, QString bearerToken, CancelHandle cancel)
+{
+    QNetworkRequest sent = request(url, bearerToken);
+    sent.setRawHeader("Accept", "application/json");
+    return awaitReply(m_network.get(sent), &m_scheduler, limits, cancel);
 }
 
 QCoro::Task<Result<HttpReply>> WebClient::getWithoutRedirect(QUrl url, QString bearerToken)
 {
-    QNetworkRequest sent = request(url, QNetworkRequest::ManualRedirectPolicy);
-    sent.setRawHeader("Authorization", "Bearer " + bearerToken.toUtf8());
-    return awaitReply(m_network.get(sent), &m_scheduler, limits);
+    return awaitReply(
+        m_network.get(request(url, bearerToken, QNetworkRequest::ManualRedirectPolicy)), &m_scheduler, limits);
 }
 
 void WebClient::abortAll()
@@ -59,6 +68,11 @@ void WebClient::abortAll()
         if (reply && reply->isRunning())
             reply->abort();
     }
+}
+
+QString webBase(const UserDefaults& defaults)
+{
+    return defaults.text(QStringLiteral("nimb.apiBaseUrl")).value_or(QStringLiteral(CORVANE_API_BASE_URL));
 }
 
 QUrl webUrl(const QString& base, const QString& path)

@@ -227,6 +227,13 @@ BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
         Statement { R"(CREATE TABLE IF NOT EXISTS account_features (
   account_id TEXT PRIMARY KEY, files INTEGER NOT NULL, max_bytes INTEGER, subject INTEGER NOT NULL,
   updated_at INTEGER NOT NULL);)" },
+        // What a push passed over, and what never leaves this machine.
+        Statement { R"(CREATE TABLE IF NOT EXISTS cloud_left_out (
+  conversation_id TEXT NOT NULL, from_ms INTEGER NOT NULL, from_id TEXT NOT NULL, to_ms INTEGER NOT NULL,
+  PRIMARY KEY(conversation_id, from_ms, from_id));)" },
+        Statement { R"(CREATE TABLE IF NOT EXISTS cloud_keep_local (
+  conversation_id TEXT NOT NULL DEFAULT '', account_id TEXT NOT NULL DEFAULT '', kept_at INTEGER NOT NULL,
+  PRIMARY KEY(conversation_id, account_id));)" },
     };
     // clang-format on
     return all;

@@ -89,7 +89,8 @@ bool migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
                                             .replace(QLatin1String("{column}"), QLatin1String(column)),
                   parameters);
           };
-    for (const char* table : { "unified_message", "call_recording", "outbound_draft", "draft_metadata" }) {
+    for (const char* table : { "unified_message", "call_recording", "outbound_draft", "draft_metadata",
+             "cloud_sync_cursor", "cloud_left_out", "cloud_keep_local" }) {
         runFor(R"(UPDATE {table}
 SET conversation_id='web:' || ? || ':' || substr(conversation_id, 5)
 WHERE conversation_id IN (

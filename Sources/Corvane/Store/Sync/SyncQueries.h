@@ -19,6 +19,29 @@ struct SyncHealthRow {
 
 QList<SyncHealthRow> fetchSyncHealthRows(LocalDB& db);
 
+/// How one source fares from now on; `status` "running" begins a run, any other ends it.
+void recordSyncHealth(LocalDB& db, const SyncHealthRow& row);
+
+/// How far a source was pulled, and pushed.
+struct SyncStateCursorRow {
+    QString tableName;
+    std::optional<qint64> lastPulled;
+    std::optional<qint64> lastPushed;
+};
+
+/// Nothing where there is no such row, or no such table.
+std::optional<SyncStateCursorRow> fetchSyncStateCursor(LocalDB& db, const QString& tableName);
+
+/// The tool server, as it told of itself.
+struct EngineInfoRow {
+    QString version;
+    std::optional<QString> gitSha;
+    qint64 startedAt = 0; ///< milliseconds since the epoch
+    qint64 updatedAt = 0;
+};
+
+std::optional<EngineInfoRow> fetchEngineInfo(LocalDB& db);
+
 /// Asks the web worker for a pull; returns the command's id.
 QString queueWebPullSync(LocalDB& db, const QString& source);
 

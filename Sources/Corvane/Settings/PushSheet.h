@@ -1,0 +1,137 @@
+#pragma once
+
+#include "Presentation/RowListModel.h"
+#include "Store/Sync/CloudPush.h"
+
+#include <QUrl>
+
+namespace corvane {
+
+class AccountStore;
+class SessionStore;
+class SyncClient;
+
+/// A chat in the sheet before a push.
+class PushChatLine {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(bool kept MEMBER kept)
+public:
+    QString id; ///< of the conversation
+    QString title;
+    QString detail; ///< such as "12 messages since 3 May 2026"
+    bool kept = false; ///< local, from this sheet on
+    QString account;
+
+    static constexpr const char* role = "chat";
+    const QString& key() const { return id; }
+    bool operator==(const PushChatLine&) const = default;
+};
+
+/// An account in that sheet.
+class PushAccountLine {
+    Q_GADGET
+    Q_PROPERTY(QString slug MEMBER slug)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(bool kept MEMBER kept)
+public:
+    QString slug;
+    QString name;
+    QString detail; ///< such as "3 chats, 42 messages"
+    bool kept = false;
+
+    bool operator==(const PushAccountLine&) const = default;
+};
+
+/// A chat or an account that never leaves this machine.
+class KeptLine {
+    Q_GADGET
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString detail MEMBER detail)
+public:
+    QString title;
+    QString detail;
+
+    bool operator==(const KeptLine&) const = default;
+};
+
+/// What a person reads before a push: what leaves the machine, where to, and what can be kept from it.
+class PushSheet : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
+    Q_PROPERTY(QString state READ state NOTIFY changed) ///< "loading", "failed", "empty" or "filled"
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString targetText READ targetText NOTIFY changed)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY changed)
+    Q_PROPERTY(QString contentText READ contentText CONSTANT) ///< what of a message goes
+    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty where all of it is in the list
+    Q_PROPERTY(corvane::GadgetListModel* chats READ chats CONSTANT)
+    Q_PROPERTY(QList<corvane::PushAccountLine> accounts READ accounts NOTIFY changed)
+    Q_PROPERTY(bool canPush READ canPush NOTIFY changed)
+    Q_PROPERTY(bool writing READ writing NOTIFY changed)
+    Q_PROPERTY(QString dryRunText READ dryRunText NOTIFY changed) ///< what became of the file
+    Q_PROPERTY(bool dryRunFailed READ dryRunFailed NOTIFY changed)
+public:
+    /// All of it outlives the sheet.
+    struct Surroundings {
+        SyncClient& client;
+        SessionStore& session;
+        AccountStore& accounts;
+        LocalDB& db;
+    };
+
+    explicit PushSheet(const Surroundings& surroundings, QObject* parent = nullptr);
+
+    bool isOpen() const { return m_isOpen; }
+    QString state() const;
+    QString title() const { return QStringLiteral("Push to the web"); }
+    QString targetText() const;
+    QString summaryText() const;
+    QString contentText() const
+    {
+        return QStringLiteral("Each message goes with its text, its sender, its time and its reaction. Pictures, voice "
+                              "notes and files stay on this computer.");
+    }
+    QString moreText() const;
+    GadgetListModel* chats() { return &m_chats; }
+    const QList<PushAccountLine>& accounts() const { return m_accounts; }
+    bool canPush() const;
+    bool writing() const;
+    const QString& dryRunText() const { return m_dryRunText; }
+    bool dryRunFailed() const { return m_dryRunFailed; }
+
+    Q_INVOKABLE void open();
+    Q_INVOKABLE void close();
+    Q_INVOKABLE void push(); ///< the person agrees to all that the sheet says
+    Q_INVOKABLE void retry();
+
+    /// Kept, and pushed again, by turns.
+    Q_INVOKABLE void keepChat(const QString& conversationId, bool kept);
+    Q_INVOKABLE void keepAccount(const QString& slug, bool kept);
+    Q_INVOKABLE void writeDryRun(const QUrl& file);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void show();
+    void showAccounts();
+
+    Surroundings m_at;
+    RowListModel<PushChatLine> m_chats;
+    QList<PushAccountLine> m_accounts;
+    QString m_dryRunText;
+    bool m_dryRunFailed = false;
+    bool m_isOpen = false;
+};
+
+/// The chat's title, or what its address says.
+QString chatTitle(const QString& title, const QString& externalId);
+
+/// The account's name, or its slug where it is gone.
+QString accountName(const AccountStore& accounts, const QString& slug);
+
+}

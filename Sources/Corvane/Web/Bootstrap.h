@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Foundation/Result.h"
+#include "Store/Core/Workspaces.h"
+
+namespace corvane {
+
+/// A channel or shop that the web is connected with.
+struct WebIntegration {
+    QString id;
+    QString type;
+    QString provider;
+    std::optional<QString> displayName;
+    std::optional<QString> username;
+    QString status;
+    std::optional<QString> avatarUrl;
+    std::optional<QString> workspaceId;
+
+    bool isConnected() const { return status == QLatin1StringView("CONNECTED"); }
+    bool operator==(const WebIntegration&) const = default;
+};
+
+struct WsNode {
+    QString id;
+    QString name;
+    std::optional<QString> slug;
+    std::optional<bool> isDefault;
+    std::optional<QString> status;
+    QList<WebIntegration> integrations;
+};
+
+struct OrgNode {
+    QString id;
+    QString name;
+    std::optional<QString> slug;
+    QList<WsNode> workspaces;
+    QList<WebIntegration> integrations;
+};
+
+/// What the web says of this user: organizations, workspaces, integrations.
+struct BootstrapData {
+    std::optional<QString> activeOrganizationId;
+    QList<OrgNode> organizations;
+};
+
+/// The same, flat, as the program keeps and shows it.
+struct BootstrapLists {
+    QList<WorkspaceRow> workspaces; ///< in the order of the document
+    QList<WebIntegration> integrations; ///< one an id, connected ones first, then by type and name
+    std::optional<QString> preferredWorkspaceId; ///< of the active organization: its default, else its first
+};
+
+/// The document, bare or under "data"; nothing where it has another shape.
+std::optional<BootstrapData> decodeBootstrap(const QByteArray& json);
+
+BootstrapLists flattened(const BootstrapData& data);
+
+/// Why a bootstrap failed.
+struct WebSyncError {
+    QString message; ///< for the user
+    bool isRejected = false; ///< the web does not know the token
+};
+
+/// What an answer to the bootstrap's request holds. Runs on any thread.
+std::expected<BootstrapLists, WebSyncError> readBootstrap(int status, const QByteArray& body, const QString& path);
+
+}

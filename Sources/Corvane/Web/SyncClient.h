@@ -1,0 +1,126 @@
+#pragma once
+
+#include "Foundation/BackgroundQueue.h"
+#include "Foundation/Cancellation.h"
+#include "Foundation/Coalescer.h"
+#include "Foundation/Result.h"
+#include "Store/Sync/CloudPush.h"
+#include "Store/Sync/SyncQueries.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QUrl>
+
+namespace corvane {
+
+class SessionStore;
+class UserDefaults;
+class WebClient;
+
+/// Copies local WhatsApp conversations to the web, when a person asks for it. One way, and one push at a time.
+class SyncClient : public QObject {
+    Q_OBJECT
+public:
+    static constexpr int mostThreads = 200; ///< of one push
+    static constexpr int mostMessages = 500; ///< of a chat in one push, and of one request
+
+    struct Status {
+        enum class Kind { Idle, Syncing, Done, WaitingForWeb, Error, Cancelled };
+        Kind kind = Kind::Idle;
+        QString text; ///< of WaitingForWeb and Error
+        int chats = 0; ///< of Done and Cancelled
+
+        bool operator==(const Status&) const = default;
+    };
+
+    /// Of the push that runs, or of the last one.
+    struct Progress {
+        int chats = 0;
+        int allChats = 0;
+        qint64 messages = 0; ///< that the web took
+        qint64 allMessages = 0;
+        QString title; ///< of the chat that is sent
+    };
+
+    /// All references outlive the object.
+    SyncClient(SessionStore& session, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+    ~SyncClient() override;
+
+    void attach() { m_attached = true; } ///< part of the start; before it nothing is pushed
+    bool attached() const { return m_attached; }
+
+    const Status& status() const { return m_status; }
+    QString statusLine() const;
+    int lastSyncedThreads() const { return m_lastSyncedThreads; }
+    int lastSyncedMessages() const { return m_lastSyncedMessages; }
+    const Progress& progress() const { return m_progress; }
+    bool isRunning() const { return m_run != nullptr; }
+
+    QUrl target() const; ///< where a push goes; invalid where the address is none
+
+    /// Nothing leaves the machine before a person has agreed to what goes to this service and this account.
+    bool isApproved() const;
+    void approve();
+
+    /// Pushes what is due: of 200 chats, 500 messages each. Nothing while a push runs, or before `approve`.
+    void syncNow();
+
+    /// Pushes what earlier pushes passed over because a chat had more than 500 messages.
+    void pushTheRest();
+
+    /// What the web has taken stays taken.
+    void cancel();
+
+    /// Looks up what a push would take; `reviewed` tells the end.
+    void lookUp();
+    bool isLookingUp() const { return m_lookingUp; }
+    const std::optional<PushReview>& review() const { return m_review; } ///< nothing where it could not be read
+
+    /// Writes what a push would send into a file for a person to read; `dryRunWritten` tells the end.
+    void writeDryRun(const QString& path);
+    bool isWriting() const { return m_writing; }
+
+    /// The next push sends everything again, as to a new service. Nothing while a push runs.
+    void startOver();
+
+Q_SIGNALS:
+    void changed();
+    void reviewed();
+    void dryRunWritten(const QString& path, const QString& error); ///< the error is for the user; empty on success
+
+private:
+    struct Run; ///< one push, from its first step to its last
+    struct Aside;
+    enum class What { Due, LeftOut };
+
+    void start(What what);
+    void setStatus(const Status& status);
+    void recordSkipped(const QString& why);
+    SyncHealthRow healthRow(const QString& status, const QString& error, const QJsonObject& extra) const;
+    QJsonObject bridgeHealthPayload(const QJsonObject& extra) const;
+    QString ingestBase() const;
+    QString agreedTarget() const; ///< the service and the account that a person agrees to
+    static QString accountIdKey(const QString& slug); ///< of the user default with the web's id of an account
+
+    SessionStore& m_session;
+    LocalDB& m_db;
+    UserDefaults& m_defaults;
+    Scheduler& m_scheduler;
+    std::unique_ptr<WebClient> m_client;
+    Status m_status;
+    Progress m_progress;
+    int m_lastSyncedThreads = 0;
+    int m_lastSyncedMessages = 0;
+    qint64 m_newestMs = 0; ///< up to which the push has got
+    bool m_attached = false;
+    bool m_lookingUp = false;
+    bool m_writing = false;
+    std::optional<PushReview> m_review;
+    std::shared_ptr<Run> m_run;
+    CancelHandle m_lookUp;
+    CancelHandle m_end; ///< of what is written, with the object
+    Coalescer m_tell; ///< how far the push is
+    BackgroundQueue m_background; ///< goes first: nothing comes home any more
+};
+
+}

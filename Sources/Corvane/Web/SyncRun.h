@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Web/CloudReader.h"
+#include "Web/IngestBodies.h"
+#include "Web/SyncClient.h"
+
+namespace corvane {
+
+struct HttpReply;
+
+/// One push. Its steps return false, or nothing, where the run is over; what it came to then stands in `outcome`,
+/// unless it was ended from outside. Each step holds the run, and asks after each wait whether it goes on.
+struct SyncClient::Run {
+    enum class Ended { No, Cancelled, SignedOut, Gone };
+    using Pointer = std::shared_ptr<Run>;
+
+    struct Outcome {
+        Status status;
+        QString health;
+        QString error;
+        QJsonObject extra;
+    };
+
+    explicit Run(SyncClient& client);
+
+    static QCoro::Task<> go(Pointer run, What what);
+    void end(Ended why); ///< from outside
+
+    const QString token;
+
+private:
+    struct Endpoint {
+        QString name;
+        QString path; ///< behind the ingest base
+        QString waiting; ///< what is said where the web does not offer it yet; takes the status
+    };
+    struct Place {
+        CloudThread thread;
+        IngestChat chat;
+    };
+
+    bool goesOn() const { return ended == Ended::No; }
+    void comesTo(const Status& status, const QString& health, const QString& error, const QJsonObject& extra = {});
+    void failWithStatus(const Endpoint& endpoint, int status);
+
+    static QCoro::Task<bool> pushDue(Pointer run);
+    static QCoro::Task<bool> pushThread(Pointer run, QString conversationId, QString title);
+    static QCoro::Task<bool> pushLeftOut(Pointer run);
+    static QCoro::Task<bool> pushRange(Pointer run, LeftOutRange range);
+    static QCoro::Task<std::optional<Place>> place(Pointer run, CloudThread thread);
+    static QCoro::Task<std::optional<QString>> ensureAccount(Pointer run, QString slug);
+    static QCoro::Task<std::optional<QString>> upsertThread(Pointer run, CloudThread thread, QString accountId);
+    static QCoro::Task<bool> pushMessages(Pointer run, QString chatId, MessageBodies messages);
+    static QCoro::Task<std::optional<HttpReply>> post(Pointer run, Endpoint endpoint, QByteArray body);
+    static QCoro::Task<bool> store(Pointer run, std::function<void(LocalDB&)> write);
+    static QCoro::Task<> recordBridgeHealth(Pointer run, QString status, QString error, QJsonObject extra);
+    static QCoro::Task<> finish(Pointer run, bool whole);
+
+    template <typename Value>
+    static QCoro::Task<std::optional<Value>> read(Pointer run, std::function<Value(SqlConnection&)> query);
+
+    SyncClient* client; ///< until the run is `Gone`
+    QString workspaceId;
+    Batching batching;
+    CancelHandle cancel;
+    Ended ended = Ended::No;
+    Outcome outcome;
+    std::shared_ptr<CloudReader> reader;
+};
+
+}
