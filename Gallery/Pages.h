@@ -15,6 +15,7 @@ void drawSettings(Gallery& gallery);
 void drawHubs(Gallery& gallery);
 void drawTerminals(Gallery& gallery);
 void drawCalls(Gallery& gallery);
+void drawWeb(Gallery& gallery);
 void drawWall(Gallery& gallery);
 
 }

@@ -120,8 +120,6 @@ void drawSettings(Gallery& gallery)
     gallery.save(u"settings-voice"_s, { Look::Light, Look::Dark });
     addSpeechModels(gallery.app().voice().store, *gallery.screens().settings.voice());
     gallery.save(u"settings-voice-models"_s, { Look::Light, Look::LightSmall });
-    gallery.screens().settings.setSection(u"sync"_s);
-    gallery.save(u"settings-sync"_s, { Look::Light });
     gallery.screens().settings.setSection(u"system"_s);
     gallery.save(u"settings-system"_s, { Look::Light, Look::Dark });
     gallery.screens().shell.closeSettings();

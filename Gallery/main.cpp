@@ -32,6 +32,7 @@ const Page pages[] = {
     { QStringLiteral("hubs"), drawHubs },
     { QStringLiteral("terminals"), drawTerminals },
     { QStringLiteral("calls"), drawCalls },
+    { QStringLiteral("web"), drawWeb },
     { QStringLiteral("wall"), drawWall },
 };
 

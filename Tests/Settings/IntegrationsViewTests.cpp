@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
@@ -9,6 +10,7 @@
 #include "Support/RealVoice.h"
 #include "Support/Rows.h"
 #include "Web/SessionStore.h"
+#include "Web/WebServices.h"
 
 #include <QAbstractItemModelTester>
 #include <QDir>
@@ -56,8 +58,9 @@ protected:
     AccountStore accounts { world.home.paths().applicationSupport };
     FakeLumo lumo;
     RealVoice voice { lumo.machine, world.defaults, world.clock, world.home.paths().applicationSupport };
+    WebServices web { session, world.engines.db(), world.clock };
     IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
-        world.home.paths(), lumo, world.launcher, world.centre, voice.services } };
+        world.home.paths(), lumo, world.launcher, world.centre, voice.services, web } };
     QAbstractItemModel* model = view.accounts();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
@@ -303,18 +306,87 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
     EXPECT_TRUE(sync.health().isEmpty());
     EXPECT_EQ(sync.emptyHealthText(), "Nothing has been synced yet. What each part of the sync last did appears here.");
     world.engines.db().run(
-        QStringLiteral("INSERT INTO sync_health(source, status, last_finished_at, last_error, updated_at)"
-                       " VALUES('crm','error',1,'no route',1),('inbox','ok',?,NULL,1);"),
+        QStringLiteral("INSERT INTO sync_health(source, status, last_finished_at, last_error, counts_json, updated_at)"
+                       " VALUES('crm','error',1,'no route','{}',1),('inbox','ok',?,NULL,'{\"rows\":1}',1);"),
         { world.clock.nowMs() - 3 * 3'600'000 });
+    world.engines.db().exec("INSERT INTO _sync_state(table_name, last_pulled) VALUES('inbox:local',8);");
     sync.queuePull();
     ASSERT_EQ(sync.health().size(), 2);
     EXPECT_EQ(sync.health()[0].source, "Conversations from the web");
-    EXPECT_EQ(sync.health()[0].detail, "Finished 3 hours ago");
+    EXPECT_EQ(sync.health()[0].detail, "Finished 3 hours ago · 1 row · cursor 8");
     EXPECT_EQ(sync.health()[1].detail, "no route");
     EXPECT_EQ(sync.health()[1].kind, "bad");
     EXPECT_EQ(
         world.cell("SELECT kind || ' ' || status || ' ' || source FROM sync_command"), "web_pull pending settings");
     EXPECT_TRUE(sync.queuedText().startsWith("Queued as sync:"));
+}
+
+TEST_F(Settings, thePushSheetCountsWhatGoesAndLetsAPersonKeepChatsAndAccounts)
+{
+    LocalDB& db = world.engines.db();
+    db.exec("INSERT INTO unified_conversation(id, channel, account_id, external_id, title, last_ts) VALUES"
+            "('a','WHATSAPP','shop','a','Ana',30), ('b','WHATSAPP','shop','34600111222@s.whatsapp.net','',20),"
+            "('c','WHATSAPP','home','c','Caro',10);"
+            "INSERT INTO unified_message(id, conversation_id, body, ts) VALUES('1','a','x',1700000000000),"
+            "('2','a','y',1700000000001), ('3','b','z',1763126400000), ('4','c','z',1763126400000);");
+    PushSettings& push = *view.push();
+    PushSheet& sheet = *push.sheet();
+    const auto settled = [&] {
+        EXPECT_TRUE(await([&] { return !web.push.isLookingUp(); }));
+    };
+    push.refresh();
+    settled();
+    EXPECT_EQ(push.dueText(), "4 messages in 3 chats are not on the web yet.");
+    EXPECT_EQ(push.pushLabel(), "Review and push…");
+    EXPECT_FALSE(push.canPush());
+    sheet.open();
+    EXPECT_EQ(sheet.state(), "loading");
+    settled();
+    EXPECT_EQ(sheet.summaryText(), "2 WhatsApp accounts, 3 chats, 4 messages, written since 14 Nov 2023");
+    EXPECT_EQ(corvane::column(*sheet.chats(), "detail").first(), "2 messages since 14 Nov 2023");
+    sheet.keepChat("b", true);
+    settled();
+    EXPECT_EQ(corvane::column(*sheet.chats(), "kept"), QStringList({ "false", "true", "false" }))
+        << "it keeps its place";
+    EXPECT_EQ(sheet.summaryText().section(", ", 1, 2), "2 chats, 3 messages");
+    sheet.keepAccount("home", true);
+    settled();
+    EXPECT_EQ(corvane::column(*sheet.chats(), "id"), QStringList({ "a", "b" }));
+    EXPECT_TRUE(sheet.accounts().first().kept);
+    EXPECT_EQ(push.kept(),
+        (QList<KeptLine> { { "home", "Every chat of this account" },
+            { corvane::column(*sheet.chats(), "title").value(1), "Chat · shop" } }));
+    sheet.keepAccount("home", false);
+    push.release(1);
+    settled();
+    push.release(0);
+    settled();
+    EXPECT_EQ(push.kept().size(), 0);
+    sheet.push();
+    EXPECT_FALSE(push.running()) << "nobody is signed in";
+    EXPECT_TRUE(sheet.isOpen());
+}
+
+TEST_F(Settings, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
+{
+    LocalDB& db = world.engines.db();
+    db.exec("INSERT INTO unified_conversation(id, workspace_id, channel, last_ts) VALUES('a','w7','SMS',1);");
+    QList<WorkspaceRow> rows;
+    for (int i = 0; i < 10'000; ++i)
+        rows.append({ QString("w%1").arg(i), QString("Studio %1").arg(i), {}, "o", "Org", {}, false });
+    storeWorkspaceRows(db, rows, "w7");
+    web.sync.takeUp();
+    WebSettings& page = *view.web();
+    EXPECT_EQ(page.workspaceText(), "Org · Studio 7");
+    EXPECT_EQ(page.workspaces().size(), 8);
+    EXPECT_TRUE(page.workspaces().first().selected);
+    EXPECT_EQ(page.moreText(), "9,992 more: type a part of the name.");
+    page.setQuery("STUDIO 999");
+    EXPECT_EQ(page.workspaces().first().id, "w999");
+    page.choose("w999");
+    EXPECT_EQ(page.workspaceHint(), "Org · Studio 999 holds no conversations yet, so Org · Studio 7 stays in use.");
+    page.setQuery("nowhere");
+    EXPECT_EQ(page.moreText(), "No workspace has that name.");
 }
 
 TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)

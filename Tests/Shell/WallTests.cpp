@@ -14,6 +14,7 @@
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Web/SessionStore.h"
+#include "Web/WebSync.h"
 
 #include <gtest/gtest.h>
 
@@ -155,7 +156,8 @@ protected:
     NotificationCentre centre;
     LocalDB db { home.path("share/Corvane/nimblocal.db"), { home.paths().resources, {} }, clock, defaults, centre };
     AppShell shell { centre, defaults };
-    ProfileMenu menu { *session, shell, db, centre };
+    WebSync web { *session, db, clock };
+    ProfileMenu menu { *session, shell, web, centre };
 };
 
 }
@@ -182,6 +184,7 @@ TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
     second.workspaceName = "South";
     storeWorkspaceRows(db, { first, second }, "w2");
     session->setAuth(anyToken, "d");
+    web.takeUp();
     EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }));
     menu.selectWorkspace("w1");
     EXPECT_EQ(workspaces(), QStringList({ first.displayName() + u'*', second.displayName() }));

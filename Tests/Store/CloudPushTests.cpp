@@ -52,7 +52,7 @@ TEST_F(CloudPushTest, whatIsNewerThanItsCursorIsDueAndWhatIsKeptLocalIsNot)
     keepAccountLocal(*m_db, "shop");
     EXPECT_EQ(due(), "other");
     EXPECT_EQ(cloudThread(*m_db, "old"), std::nullopt);
-    EXPECT_EQ(fetchKeptLocal(*m_db), (QList<KeptLocal> { { "", "shop", "" }, { "new", "shop", "" } }));
+    EXPECT_EQ(fetchKeptLocal(*m_db), (QList<KeptLocal> { { "", "shop", "" }, { "new", "shop", "7@g.us" } }));
     for (const KeptLocal& kept : fetchKeptLocal(*m_db))
         stopKeepingLocal(*m_db, kept);
     storeCloudCursor(*m_db, "old", "chat-1", 30, std::nullopt);

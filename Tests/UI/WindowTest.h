@@ -13,6 +13,7 @@
 #include "Support/TemporaryHome.h"
 #include "UI/MainWindow.h"
 #include "Web/SessionStore.h"
+#include "Web/WebServices.h"
 
 #include <QImage>
 #include <QQuickItem>
@@ -119,6 +120,7 @@ protected:
     NotificationCentre& centre = app.notifications();
     StoreRecovery& recovery = app.recovery();
     CallServices& calls = app.calls();
+    WebServices& web = app.web();
     Screens screens { app };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;

@@ -20,7 +20,7 @@ protected:
     QString finished()
     {
         EXPECT_TRUE(await([this] {
-            m_clock.advance(Milliseconds(50));
+            m_clock.advance(Milliseconds(200));
             return !client->isRunning();
         }));
         return client->statusLine();

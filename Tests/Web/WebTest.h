@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Keychain.h"
+#include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/DemoWeb.h"
 #include "Support/FakeDesktop.h"
@@ -15,7 +16,7 @@ class WebTest : public StoreTest {
 protected:
     WebTest()
     {
-        open();
+        activeWorkspaceId(open());
         m_defaults.setText("nimb.apiBaseUrl", web.base());
         session.signIn("ana@ruiz.example", "secret");
         EXPECT_TRUE(await([this] { return session.signedIn() && !session.busy(); }))

@@ -7,6 +7,7 @@
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/AccountQueries.h"
+#include "Web/WebServices.h"
 
 #include <algorithm>
 
@@ -22,6 +23,8 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     , m_controlChat(m_at.engine.db())
     , m_assistant(m_at.ai, m_at.defaults, m_at.engine.db(), m_at.scheduler)
     , m_sync(m_at.session, m_at.engine.db())
+    , m_web(m_at.session, m_at.web.sync, m_at.scheduler)
+    , m_push({ m_at.web.push, m_at.session, m_at.accounts, m_at.engine.db() })
     , m_system(m_at.defaults, m_at.keychain, m_at.paths)
     , m_voice(m_at.voice, m_at.defaults)
     , m_toolServer(m_at.engine)
@@ -82,13 +85,16 @@ void IntegrationsView::setVisible(bool visible)
     if (!visible)
         return;
     refreshRows();
-    m_sync.refresh();
 }
 
 void IntegrationsView::readSection()
 {
     if (m_visible && m_section == QLatin1StringView("approvals"))
         m_controlChat.refresh();
+    if (m_visible && m_section == QLatin1StringView("sync")) {
+        m_sync.refresh();
+        m_push.refresh();
+    }
     m_assistant.setVisible(m_visible && m_section == QLatin1StringView("assistant"));
 }
 

@@ -11,10 +11,12 @@
 #include "Settings/ControlChatSettings.h"
 #include "Settings/MailForm.h"
 #include "Settings/PairingSheet.h"
+#include "Settings/PushSettings.h"
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
 #include "Settings/ToolServerCard.h"
 #include "Settings/VoiceSettings.h"
+#include "Settings/WebSettings.h"
 
 namespace corvane {
 
@@ -23,6 +25,7 @@ class EngineManager;
 class Keychain;
 class Scheduler;
 class SessionStore;
+struct WebServices;
 
 /// The settings screen: the accounts with all that can be done to them, and the cards of the other sections.
 class IntegrationsView : public QObject {
@@ -44,6 +47,8 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
+    Q_PROPERTY(corvane::WebSettings* web READ web CONSTANT)
+    Q_PROPERTY(corvane::PushSettings* push READ push CONSTANT)
     Q_PROPERTY(corvane::SystemSettings* system READ system CONSTANT)
     Q_PROPERTY(corvane::VoiceSettings* voice READ voice CONSTANT)
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
@@ -62,6 +67,7 @@ public:
         ProcessLauncher& launcher;
         NotificationCentre& notifications;
         VoiceServices& voice;
+        WebServices& web;
     };
 
     explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -86,6 +92,8 @@ public:
     CalendarSettings* calendar() const { return m_calendar; }
     void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is made
     SyncSettings* sync() { return &m_sync; }
+    WebSettings* web() { return &m_web; }
+    PushSettings* push() { return &m_push; }
     SystemSettings* system() { return &m_system; }
     VoiceSettings* voice() { return &m_voice; }
     ToolServerCard* toolServer() { return &m_toolServer; }
@@ -119,6 +127,8 @@ private:
     AssistantSettings m_assistant;
     CalendarSettings* m_calendar = nullptr;
     SyncSettings m_sync;
+    WebSettings m_web;
+    PushSettings m_push;
     SystemSettings m_system;
     VoiceSettings m_voice;
     ToolServerCard m_toolServer;

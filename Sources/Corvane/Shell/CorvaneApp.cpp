@@ -34,10 +34,10 @@
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Core/StoreWatch.h"
-#include "Store/Core/Workspaces.h"
 #include "Voice/TranslationService.h"
 #include "Voice/VoiceServices.h"
 #include "Web/SessionStore.h"
+#include "Web/WebServices.h"
 
 #include <QUrl>
 #include <algorithm>
@@ -116,6 +116,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
+    m_web = std::make_unique<WebServices>(*m_session, m_engine->db(), m_scheduler);
     m_recovery = std::make_unique<StoreRecovery>(
         StoreRecovery::Surroundings { *m_engine, *m_store, m_background, m_scheduler, m_paths });
     setUpTray();
@@ -154,8 +155,10 @@ void CorvaneApp::onAppear()
     m_recordedCalls->refresh();
     m_calendar->store.bootstrap();
     m_calls->autoRecorder.start();
+    m_web->push.attach();
     // A workspace that shows nothing is left here, before any list is built from it.
-    activeWorkspaceId(m_engine->db(), Repair::IfNeeded);
+    m_web->sync.takeUp();
+    m_web->sync.refresh();
     m_contacts->load();
     m_notifier->bootstrap();
     m_engine->refreshUnreadBadge();

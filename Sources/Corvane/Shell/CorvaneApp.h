@@ -42,6 +42,7 @@ struct AIServices;
 struct CalendarServices;
 struct VoiceServices;
 struct CallServices;
+struct WebServices;
 
 /// The composition root: builds every long-lived object once and hands out references.
 class CorvaneApp : public QObject {
@@ -66,6 +67,7 @@ public:
     VoiceServices& voice() { return *m_voice; }
     QuickCapture& capture() { return *m_capture; }
     SessionStore& session() { return *m_session; }
+    WebServices& web() { return *m_web; }
     StoreRecovery& recovery() { return *m_recovery; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
@@ -140,6 +142,7 @@ private:
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<QuickCapture> m_capture;
     std::unique_ptr<SessionStore> m_session;
+    std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;
     const QList<Command> m_trayCommands;
     int m_toldMinutes = -1; ///< of the recording, at the tray; -1 without one

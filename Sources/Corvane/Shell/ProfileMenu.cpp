@@ -1,8 +1,8 @@
 #include "Shell/ProfileMenu.h"
 
 #include "Shell/AppShell.h"
-#include "Store/Core/Workspaces.h"
 #include "Web/SessionStore.h"
+#include "Web/WebSync.h"
 
 namespace corvane {
 
@@ -12,19 +12,22 @@ const QString openSettingsId = QStringLiteral("openSettings");
 const QString signOutId = QStringLiteral("signOut");
 const QString signInId = QStringLiteral("signIn");
 const QString quitId = QStringLiteral("quit");
+const QString refreshId = QStringLiteral("refreshWorkspaces");
+const QString allId = QStringLiteral("allWorkspaces");
+constexpr qsizetype shownWorkspaces = 20; // what a menu can hold
 
 }
 
 ProfileMenu::ProfileMenu(
-    SessionStore& session, AppShell& shell, LocalDB& db, NotificationCentre& centre, QObject* parent)
+    SessionStore& session, AppShell& shell, WebSync& web, NotificationCentre& centre, QObject* parent)
     : QObject(parent)
     , m_session(session)
     , m_shell(shell)
-    , m_db(db)
-    , m_workspaceChanged(
-          centre.observe(notifications::activeWorkspaceChanged, [this](const Notification&) { refresh(); }))
+    , m_web(web)
+    , m_centre(centre)
 {
     connect(&m_session, &SessionStore::changed, this, &ProfileMenu::refresh);
+    connect(&m_web, &WebSync::changed, this, &ProfileMenu::refresh);
 }
 
 QString ProfileMenu::displayLine() const
@@ -50,27 +53,41 @@ QList<Choice> ProfileMenu::actions() const
     return { { openSettingsId, QStringLiteral("Open Settings") }, { signOutId, QStringLiteral("Sign Out") }, quit };
 }
 
+QList<Choice> ProfileMenu::workspaceActions() const
+{
+    QList<Choice> actions { { refreshId,
+        m_web.syncing() ? QStringLiteral("Asking the web…") : QStringLiteral("Ask the web again") } };
+    if (m_web.workspaces().size() > m_workspaces.size())
+        actions.append({ allId, QStringLiteral("All workspaces…") });
+    return actions;
+}
+
 void ProfileMenu::refresh()
 {
     m_workspaces.clear();
     if (signedIn()) {
-        const QString active = activeWorkspaceId(m_db, Repair::No);
-        for (const WorkspaceRow& row : fetchWorkspaceRows(m_db))
-            m_workspaces.append({ row.workspaceId, row.displayName(), row.workspaceId == active });
+        for (const WorkspaceRow& row : m_web.workspaces()) {
+            const bool selected = row.workspaceId == m_web.selectedWorkspaceId();
+            if (selected || m_workspaces.size() < shownWorkspaces)
+                m_workspaces.append({ row.workspaceId, row.displayName(), selected });
+        }
     }
     Q_EMIT changed();
 }
 
 void ProfileMenu::selectWorkspace(const QString& id)
 {
-    corvane::selectWorkspace(m_db, id);
-    refresh();
+    m_web.selectWorkspace(id);
 }
 
 void ProfileMenu::perform(const QString& actionId)
 {
     if (actionId == openSettingsId)
         m_shell.openSettings();
+    else if (actionId == refreshId)
+        m_web.refresh();
+    else if (actionId == allId)
+        m_centre.post(notifications::openSettings, QStringLiteral("sync"));
     else if (actionId == signOutId)
         m_session.signOut();
     else if (actionId == signInId)

@@ -6,8 +6,8 @@
 namespace corvane {
 
 class AppShell;
-class LocalDB;
 class SessionStore;
+class WebSync;
 
 /// A workspace to choose.
 class WorkspaceChoice {
@@ -30,23 +30,26 @@ class ProfileMenu : public QObject {
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
     Q_PROPERTY(QString workspaceLabel READ workspaceLabel CONSTANT)
-    /// For the submenu; empty without a token.
+    /// For the submenu, a few if there are many; empty without a token.
     Q_PROPERTY(QList<corvane::WorkspaceChoice> workspaces READ workspaces NOTIFY changed)
+    /// Below them; `perform` takes the id.
+    Q_PROPERTY(QList<corvane::Choice> workspaceActions READ workspaceActions NOTIFY changed)
     /// In order below the submenu; `perform` takes the id.
     Q_PROPERTY(QList<corvane::Choice> actions READ actions NOTIFY changed)
 public:
     /// All references outlive the menu.
     ProfileMenu(
-        SessionStore& session, AppShell& shell, LocalDB& db, NotificationCentre& centre, QObject* parent = nullptr);
+        SessionStore& session, AppShell& shell, WebSync& web, NotificationCentre& centre, QObject* parent = nullptr);
 
     QString displayLine() const;
     QString initial() const; ///< empty where there is no name to take it from
     bool signedIn() const;
     QString workspaceLabel() const { return QStringLiteral("Workspace"); }
     const QList<WorkspaceChoice>& workspaces() const { return m_workspaces; }
+    QList<Choice> workspaceActions() const;
     QList<Choice> actions() const;
 
-    Q_INVOKABLE void refresh(); ///< reads the workspaces again, as the menu opens
+    Q_INVOKABLE void refresh(); ///< as the menu opens
     Q_INVOKABLE void selectWorkspace(const QString& id);
     Q_INVOKABLE void perform(const QString& actionId);
 
@@ -56,9 +59,9 @@ Q_SIGNALS:
 private:
     SessionStore& m_session;
     AppShell& m_shell;
-    LocalDB& m_db;
+    WebSync& m_web;
+    NotificationCentre& m_centre;
     QList<WorkspaceChoice> m_workspaces;
-    NotificationCentre::Observation m_workspaceChanged;
 };
 
 }

@@ -12,6 +12,7 @@
 #include "Shell/ShellCommands.h"
 #include "Store/Core/LocalDB.h"
 #include "Web/SessionStore.h"
+#include "Web/WebServices.h"
 
 namespace corvane {
 
@@ -23,14 +24,14 @@ Screens::Screens(CorvaneApp& root)
     , notices({ app.db().health(), app.keychain(), app.session(), app.store(), content, app.paths(), app.calendar() })
     , recovery(app.recovery())
     , shell(app.notifications(), app.defaults())
-    , profile(app.session(), shell, app.db(), app.notifications())
+    , profile(app.session(), shell, app.web().sync, app.notifications())
     , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
           app.desktop(), app.player(), app.paths(), app.ai(), app.translations(), app.voice() })
     , draftActions(app.approvals(), app.engine(), app.store())
     , approvals(app.approvals(), draftActions, app.db(), app.scheduler())
     , drafts({ app.approvals(), draftActions, *approvals.editor(), app.engine(), app.store(), app.scheduler() })
     , settings({ app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths(),
-          app.ai(), app.launcher(), app.notifications(), app.voice() })
+          app.ai(), app.launcher(), app.notifications(), app.voice(), app.web() })
     , calendar(
           { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
     , calendarSettings(app.calendar().store, app.calendar().commands)

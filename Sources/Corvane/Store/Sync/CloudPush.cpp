@@ -46,7 +46,7 @@ const Table<KeptLocal> kept("cloud_keep_local k",
     {
         { "k.conversation_id", &KeptLocal::conversationId },
         { "COALESCE(c.account_id, k.account_id)", &KeptLocal::accountId, asStored, onlyRead },
-        { "c.title", &KeptLocal::title, "''", onlyRead },
+        { "NULLIF(c.title,'')", &KeptLocal::title, "c.external_id", onlyRead },
     });
 
 const QString joinCursor = u"LEFT JOIN cloud_sync_cursor cur ON cur.conversation_id = c.id\n"_s;

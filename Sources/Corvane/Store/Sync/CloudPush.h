@@ -67,7 +67,7 @@ struct PushReview {
 struct KeptLocal {
     QString conversationId; ///< empty for an account
     QString accountId; ///< the account's slug; of a conversation, too
-    QString title; ///< of the conversation
+    QString title; ///< of the conversation, else what its channel calls it; empty where it is gone
 
     bool operator==(const KeptLocal&) const = default;
 };

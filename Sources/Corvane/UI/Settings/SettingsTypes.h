@@ -73,6 +73,27 @@ struct SyncSettingsType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct WebSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WebSettings)
+    QML_NAMED_ELEMENT(WebSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct PushSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PushSettings)
+    QML_NAMED_ELEMENT(PushSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct PushSheetType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PushSheet)
+    QML_NAMED_ELEMENT(PushSheet)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct HotKeyType {
     Q_GADGET
     QML_FOREIGN(corvane::HotKey)
@@ -166,6 +187,36 @@ struct SyncHealthLineType {
     Q_GADGET
     QML_FOREIGN(corvane::SyncHealthLine)
     QML_VALUE_TYPE(syncHealthLine)
+};
+
+struct WorkspaceLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkspaceLine)
+    QML_VALUE_TYPE(workspaceLine)
+};
+
+struct IntegrationLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::IntegrationLine)
+    QML_VALUE_TYPE(integrationLine)
+};
+
+struct PushChatLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PushChatLine)
+    QML_VALUE_TYPE(pushChatLine)
+};
+
+struct PushAccountLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PushAccountLine)
+    QML_VALUE_TYPE(pushAccountLine)
+};
+
+struct KeptLineType {
+    Q_GADGET
+    QML_FOREIGN(corvane::KeptLine)
+    QML_VALUE_TYPE(keptLine)
 };
 
 struct ControlChatRowType {

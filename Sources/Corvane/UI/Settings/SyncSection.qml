@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Settings
 
-/// The web account, the state of its mirror, and the local tool server.
+/// The web account, its workspaces, the push, the state of the mirror, and the local tool server.
 Column {
     id: section
 
@@ -29,6 +29,16 @@ Column {
             }
         }
     }
+    WebCard {
+        width: parent.width
+        web: section.settings.web
+    }
+    PushCard {
+        width: parent.width
+        push: section.settings.push
+        stateColour: section.tone(push.stateKind)
+    }
+    PushView { review: section.settings.push.sheet }
     Card {
         width: parent.width
         SectionHeader { text: qsTr("Web mirror") }
@@ -67,7 +77,7 @@ Column {
         width: parent.width
         SettingRow {
             label: section.toolServer.title
-            hint: section.toolServer.url ? section.toolServer.stateText + " · " + section.toolServer.url : section.toolServer.stateText
+            hint: [section.toolServer.stateText, section.toolServer.url, section.sync.engineText].filter(text => text).join(" · ")
             Button {
                 objectName: "toolServer.toggle"
                 text: section.toolServer.actionLabel

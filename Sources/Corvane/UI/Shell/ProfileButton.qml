@@ -97,5 +97,16 @@ T.AbstractButton {
             onObjectAdded: (index, item) => workspaces.insertItem(index, item)
             onObjectRemoved: (index, item) => workspaces.removeItem(item)
         }
+        MenuSeparator {}
+        Instantiator {
+            model: control.profile.workspaceActions
+            delegate: MenuItem {
+                required property choice modelData
+                text: modelData.label
+                onTriggered: control.profile.perform(modelData.id)
+            }
+            onObjectAdded: (index, item) => workspaces.addItem(item)
+            onObjectRemoved: (index, item) => workspaces.removeItem(item)
+        }
     }
 }

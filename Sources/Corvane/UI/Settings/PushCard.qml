@@ -1,0 +1,130 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Settings
+
+/// The push of local chats: what waits, how far it is, what came of it, and what never goes.
+Card {
+    id: card
+
+    required property PushSettings push
+    required property color stateColour
+    property keptLine noLine
+
+    SectionHeader { text: qsTr("Local chats to the web") }
+    SettingRow {
+        visible: !card.push.running
+        label: card.push.dueText
+        Row {
+            spacing: Theme.small
+            Label {
+                objectName: "push.state"
+                anchors.verticalCenter: parent.verticalCenter
+                width: Math.min(implicitWidth, 260)
+                text: card.push.stateText
+                color: card.stateColour
+            }
+            Button {
+                objectName: "push.review"
+                visible: card.push.canReview
+                kind: "quiet"
+                text: qsTr("Review…")
+                onClicked: card.push.review()
+            }
+            Button {
+                objectName: "push.push"
+                kind: "primary"
+                enabled: card.push.canPush
+                text: card.push.pushLabel
+                onClicked: card.push.push()
+            }
+        }
+    }
+    Column {
+        width: parent.width
+        visible: card.push.running
+        spacing: Theme.small
+        Rectangle {
+            width: parent.width
+            height: 6
+            radius: 3
+            color: Theme.raised
+            Accessible.role: Accessible.ProgressBar
+            Accessible.name: card.push.progressText
+            Rectangle {
+                objectName: "push.progress"
+                width: parent.width * card.push.progress
+                height: parent.height
+                radius: 3
+                color: Theme.accent
+            }
+        }
+        Row {
+            width: parent.width
+            spacing: Theme.small
+            Label {
+                objectName: "push.progressText"
+                anchors.verticalCenter: parent.verticalCenter
+                width: parent.width - stop.width - parent.spacing
+                text: card.push.progressText
+                color: Theme.soft
+            }
+            Button {
+                id: stop
+                objectName: "push.cancel"
+                text: qsTr("Cancel")
+                onClicked: card.push.cancel()
+            }
+        }
+    }
+    Banner {
+        objectName: "push.leftOut"
+        width: parent.width
+        visible: text !== "" && !card.push.running
+        text: card.push.leftOutText
+        action: card.push.canReview ? qsTr("Push the rest") : ""
+        onActed: card.push.pushTheRest()
+    }
+    Repeater {
+        model: card.push.kept.length
+        SettingRow {
+            id: row
+            required property int index
+            readonly property keptLine line: card.push.kept[index] ?? card.noLine
+            width: parent.width
+            label: line.title
+            hint: line.detail
+            Row {
+                spacing: Theme.small
+                Label {
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: qsTr("Kept local")
+                    color: Theme.soft
+                }
+                Button {
+                    objectName: "push.release." + row.index
+                    kind: "quiet"
+                    text: qsTr("Allow")
+                    Accessible.name: qsTr("Allow %1 to be pushed").arg(row.line.title)
+                    onClicked: card.push.release(row.index)
+                }
+            }
+        }
+    }
+    Toggle {
+        objectName: "push.batch"
+        width: parent.width
+        text: qsTr("Send the messages of a chat in one request")
+        checked: card.push.batch
+        onToggled: card.push.batch = checked
+    }
+    SettingRow {
+        visible: card.push.canStartOver
+        label: qsTr("Start over")
+        hint: qsTr("For a service that has lost what it had: the next push sends everything again.")
+        Button {
+            objectName: "push.startOver"
+            text: qsTr("Start over")
+            onClicked: card.push.startOver()
+        }
+    }
+}
