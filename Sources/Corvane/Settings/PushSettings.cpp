@@ -2,6 +2,7 @@
 
 #include "Foundation/UserDefaults.h"
 #include "Presentation/CountWords.h"
+#include "Presentation/WAName.h"
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
 
@@ -90,7 +91,7 @@ QString PushSettings::progressText() const
     const QLocale locale;
     return u"Chat %1 of %2 · %3 of %4 messages · %5"_s.arg(
         locale.toString(std::min(progress.chats + 1, progress.allChats)), locale.toString(progress.allChats),
-        locale.toString(progress.messages), locale.toString(progress.allMessages), chatTitle(progress.title, {}));
+        locale.toString(progress.messages), locale.toString(progress.allMessages), WAName::pretty(progress.title));
 }
 
 QString PushSettings::pushLabel() const
@@ -184,7 +185,7 @@ void PushSettings::readKept()
         if (row.conversationId.isEmpty())
             m_kept.append({ account, u"Every chat of this account"_s });
         else
-            m_kept.append({ chatTitle(row.title, row.conversationId.section(u':', -1)), u"Chat · "_s + account });
+            m_kept.append({ WAName::pretty(row.title), u"Chat · "_s + account });
     }
     Q_EMIT changed();
 }

@@ -30,8 +30,7 @@ PushChatLine chatLine(const DueThread& due, const DateWords& words)
         detail = u"the first %1 of %2 messages"_s.arg(QLocale().toString(sent), QLocale().toString(due.messages));
     if (due.oldestMs > 0)
         detail += u" since "_s + words.mediumDate(words.dayOf(due.oldestMs));
-    return { due.thread.conversationId, chatTitle(due.thread.title, due.thread.externalId), detail, false,
-        due.thread.accountId };
+    return { due.thread.conversationId, WAName::pretty(due.thread.shownTitle()), detail, false, due.thread.accountId };
 }
 
 }
@@ -212,11 +211,6 @@ void PushSheet::showAccounts()
         lines.insert(sum.key(),
             { sum.key(), accountName(m_at.accounts, sum.key()), chatsAndMessages(sum->chats, sum->messages), false });
     m_accounts = lines.values();
-}
-
-QString chatTitle(const QString& title, const QString& externalId)
-{
-    return WAName::pretty(title.isEmpty() ? externalId : title);
 }
 
 QString accountName(const AccountStore& accounts, const QString& slug)

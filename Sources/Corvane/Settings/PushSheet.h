@@ -128,9 +128,6 @@ private:
     bool m_isOpen = false;
 };
 
-/// The chat's title, or what its address says.
-QString chatTitle(const QString& title, const QString& externalId);
-
 /// The account's name, or its slug where it is gone.
 QString accountName(const AccountStore& accounts, const QString& slug);
 

@@ -57,7 +57,7 @@ QString writeDryRun(SqlConnection& db, const DryRun& dry)
         if (!accounts.contains(thread.accountId))
             writer.request(dry.target + u"/accounts"_s, mapAccount(thread.accountId));
         accounts.insert(thread.accountId);
-        writer.line(u"----- %1 -----\n"_s.arg(thread.title.isEmpty() ? thread.externalId : thread.title));
+        writer.line(u"----- %1 -----\n"_s.arg(thread.shownTitle()));
         if (!thread.cloudChatId)
             writer.request(dry.target + u"/chats"_s, mapThread(thread, given));
         const QString chatId = thread.cloudChatId.value_or(given);

@@ -63,6 +63,10 @@ SyncClient::SyncClient(SessionStore& session, LocalDB& db, Scheduler& scheduler,
     , m_scheduler(scheduler)
     , m_client(std::make_unique<WebClient>(scheduler))
     , m_tell(scheduler, Milliseconds(100), [this] { Q_EMIT changed(); })
+    , m_workspaceChanged(db.notifications().observe(notifications::activeWorkspaceChanged, [this](const Notification&) {
+        if (m_review || m_lookingUp)
+            lookUp(); // what is shown is what a push would take
+    }))
 {
     connect(&m_session, &SessionStore::changed, this, [this] {
         if (m_run && m_session.token() != m_run->token)
@@ -166,6 +170,7 @@ void SyncClient::cancel()
 
 void SyncClient::lookUp()
 {
+    const QString workspaceId = activeWorkspaceId(m_db);
     m_lookUp.cancel();
     m_lookUp = {};
     // To another service or account nothing was pushed yet.
@@ -173,7 +178,7 @@ void SyncClient::lookUp()
         startOver();
     m_lookingUp = true;
     Q_EMIT changed();
-    Aside::lookUp(this, m_lookUp, activeWorkspaceId(m_db));
+    Aside::lookUp(this, m_lookUp, workspaceId);
 }
 
 void SyncClient::writeDryRun(const QString& path)
@@ -189,14 +194,14 @@ void SyncClient::startOver()
 {
     if (m_run)
         return;
+    Transaction transaction(m_db, Patience::Frame);
+    if (transaction.begun())
+        forgetCloudCursors(m_db);
+    if (!transaction.begun() || !transaction.commit())
+        return setStatus({ Status::Kind::Error, u"Another program is writing the database. Try again."_s });
     for (const QString& account : fetchCloudAccounts(m_db))
         m_defaults.remove(accountIdKey(account));
     m_defaults.remove(approvedKey);
-    if (Transaction transaction(m_db, Patience::Frame); transaction.begun()) {
-        forgetCloudCursors(m_db);
-        if (!transaction.commit())
-            return;
-    }
     setStatus({});
 }
 

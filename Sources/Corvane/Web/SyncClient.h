@@ -3,6 +3,7 @@
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/Cancellation.h"
 #include "Foundation/Coalescer.h"
+#include "Foundation/NotificationCentre.h"
 #include "Foundation/Result.h"
 #include "Store/Sync/CloudPush.h"
 #include "Store/Sync/SyncQueries.h"
@@ -120,6 +121,7 @@ private:
     CancelHandle m_lookUp;
     CancelHandle m_end; ///< of what is written, with the object
     Coalescer m_tell; ///< how far the push is
+    NotificationCentre::Observation m_workspaceChanged;
     BackgroundQueue m_background; ///< goes first: nothing comes home any more
 };
 

@@ -69,16 +69,14 @@ QCoro::Task<bool> SyncClient::Run::pushDue(Pointer run)
         progress.allMessages += std::min<qint64>(due.messages, mostMessages);
     co_await recordBridgeHealth(run, u"running"_s, {}, { { u"localThreadsQueued"_s, progress.allChats } });
     for (const DueThread& due : review->threads) {
-        if (!run->goesOn() || !co_await pushThread(run, due.thread.conversationId, due.thread.title))
+        if (!run->goesOn() || !co_await pushThread(run, due.thread.conversationId))
             co_return false;
     }
     co_return run->goesOn();
 }
 
-QCoro::Task<bool> SyncClient::Run::pushThread(Pointer run, QString conversationId, QString title)
+QCoro::Task<bool> SyncClient::Run::pushThread(Pointer run, QString conversationId)
 {
-    run->client->m_progress.title = title;
-    run->client->m_tell.request();
     // Since the run began it may have gone, or a person may have kept it local.
     const auto thread = co_await read<std::optional<CloudThread>>(
         run, [conversationId](SqlConnection& db) { return cloudThread(db, conversationId); });
@@ -86,6 +84,8 @@ QCoro::Task<bool> SyncClient::Run::pushThread(Pointer run, QString conversationI
         co_return false;
     if (!*thread)
         co_return true;
+    run->client->m_progress.title = (*thread)->shownTitle();
+    run->client->m_tell.request();
     const auto at = co_await Run::place(run, **thread);
     if (!at)
         co_return false;
@@ -157,7 +157,7 @@ QCoro::Task<bool> SyncClient::Run::pushRange(Pointer run, LeftOutRange range)
             co_return false;
         if (!*thread)
             co_return true;
-        run->client->m_progress.title = (*thread)->title;
+        run->client->m_progress.title = (*thread)->shownTitle();
         const auto at = co_await Run::place(run, **thread);
         if (!at)
             co_return false;

@@ -44,7 +44,7 @@ private:
     void failWithStatus(const Endpoint& endpoint, int status);
 
     static QCoro::Task<bool> pushDue(Pointer run);
-    static QCoro::Task<bool> pushThread(Pointer run, QString conversationId, QString title);
+    static QCoro::Task<bool> pushThread(Pointer run, QString conversationId);
     static QCoro::Task<bool> pushLeftOut(Pointer run);
     static QCoro::Task<bool> pushRange(Pointer run, LeftOutRange range);
     static QCoro::Task<std::optional<Place>> place(Pointer run, CloudThread thread);

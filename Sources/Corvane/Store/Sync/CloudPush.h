@@ -19,6 +19,7 @@ struct CloudThread {
     bool muted = false;
     std::optional<QString> cloudChatId;
 
+    const QString& shownTitle() const { return title.isEmpty() ? externalId : title; }
     bool isGroup() const { return externalId.endsWith(QLatin1StringView("@g.us")); }
 };
 
