@@ -89,20 +89,34 @@ Sheet {
         action: qsTr("Try again")
         onActed: sheet.review.retry()
     }
-    Repeater {
-        model: sheet.review.accounts.length
-        SettingRow {
-            id: account
-            required property int index
-            readonly property pushAccountLine line: sheet.review.accounts[index] ?? sheet.noAccount
-            width: parent.width
-            label: line.name
-            hint: line.kept ? qsTr("Every chat of this account is kept local") : line.detail
-            KeepButton {
-                objectName: "pushSheet.account." + account.line.slug
-                kept: account.line.kept
-                about: account.line.name
-                onTurned: keep => sheet.review.keepAccount(account.line.slug, keep)
+    Flickable {
+        width: parent.width
+        height: Math.min(contentHeight, 44 * 3.5)
+        visible: contentHeight > 0
+        contentHeight: accounts.implicitHeight
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        T.ScrollBar.vertical: ScrollBar {}
+        Column {
+            id: accounts
+            width: parent.width - Theme.medium
+            spacing: Theme.small
+            Repeater {
+                model: sheet.review.accounts.length
+                SettingRow {
+                    id: account
+                    required property int index
+                    readonly property pushAccountLine line: sheet.review.accounts[index] ?? sheet.noAccount
+                    width: parent.width
+                    label: line.name
+                    hint: line.kept ? qsTr("Every chat of this account is kept local") : line.detail
+                    KeepButton {
+                        objectName: "pushSheet.account." + account.line.slug
+                        kept: account.line.kept
+                        about: account.line.name
+                        onTurned: keep => sheet.review.keepAccount(account.line.slug, keep)
+                    }
+                }
             }
         }
     }
