@@ -2,12 +2,16 @@
 #include "UI/WindowTest.h"
 
 #include "Support/Await.h"
+#include "Web/WebServices.h"
 
 namespace corvane {
 
 namespace {
 
-class WebWindow : public WindowTest { };
+class WebWindow : public WindowTest {
+protected:
+    WebServices& web = app.web();
+};
 
 }
 

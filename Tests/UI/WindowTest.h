@@ -13,7 +13,6 @@
 #include "Support/TemporaryHome.h"
 #include "UI/MainWindow.h"
 #include "Web/SessionStore.h"
-#include "Web/WebServices.h"
 
 #include <QImage>
 #include <QQuickItem>
@@ -120,7 +119,6 @@ protected:
     NotificationCentre& centre = app.notifications();
     StoreRecovery& recovery = app.recovery();
     CallServices& calls = app.calls();
-    WebServices& web = app.web();
     Screens screens { app };
     Appearance& appearance = screens.appearance;
     ContentView& content = screens.content;
