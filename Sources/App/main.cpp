@@ -1,3 +1,5 @@
+#include "AI/AIServices.h"
+#include "AI/AskLumo.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Log.h"
 #include "Foundation/SystemScheduler.h"
@@ -10,6 +12,7 @@
 #include "Platform/SingleInstance.h"
 #include "Platform/TerminationSignals.h"
 #include "Platform/Tray.h"
+#include "Shell/AskCommand.h"
 #include "Shell/CalendarCommand.h"
 #include "Shell/CaptureCommand.h"
 #include "Shell/CorvaneApp.h"
@@ -69,7 +72,8 @@ std::optional<int> ranCommand(int argc, char** argv)
     const bool calendar = argc == 4 && std::strcmp(argv[1], "calendar") == 0 && std::strcmp(argv[2], "import") == 0;
     const bool tool = (argc == 2 || argc == 3) && std::strcmp(argv[1], "tool") == 0;
     const bool capture = argc > 2 && std::strcmp(argv[1], "capture") == 0;
-    if (!verify && !tool && !capture && !calendar)
+    const bool ask = argc > 1 && std::strcmp(argv[1], "ask") == 0;
+    if (!verify && !tool && !capture && !calendar && !ask)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
     const AppPaths paths = AppPaths::fromEnvironment();
@@ -77,6 +81,8 @@ std::optional<int> ranCommand(int argc, char** argv)
     QTextStream errors(stderr);
     if (capture)
         return captureWords(paths, QCoreApplication::arguments().mid(2), errors);
+    if (ask)
+        return askQuestion(paths, QCoreApplication::arguments().mid(2), out, errors);
     if (calendar)
         return importCalendarFile(paths, QFile::decodeName(argv[3]), out);
     return verify ? verifyDecisions(paths, out) : runTool(paths, QString::fromLocal8Bit(argc == 3 ? argv[2] : ""), out);
@@ -122,7 +128,8 @@ int main(int argc, char** argv)
                        "JSON object on its standard input; or \"capture [--note] [WORDS]\", which keeps a task or a "
                        "note, and opens its panel without words; or "
                        "\"record\", which starts or stops recording a call; or \"mark\", which marks its moment; or "
-                       "\"calendar import FILE\", which adds the events of a calendar file."),
+                       "\"calendar import FILE\", which adds the events of a calendar file; or \"ask QUESTION\", which "
+                       "prints what Lumo answers."),
         QStringLiteral("[url]"));
     parser.process(application);
 
@@ -142,6 +149,8 @@ int main(int argc, char** argv)
     }
     CorvaneApp app(paths, scheduler, std::move(machine));
     QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
+    LumoQuestions questions(app.ai().ai);
+    instance->setAnswerer([&questions](const QString& question, const auto& reply) { questions.ask(question, reply); });
     QObject::connect(&app, &CorvaneApp::ended, &application, &QCoreApplication::quit);
     QObject::connect(instance.get(), &SingleInstance::activated, &app, &CorvaneApp::open);
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &app, &CorvaneApp::willTerminate);

@@ -1,3 +1,4 @@
+#include "AI/AskLumo.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Outcome.h"
 
@@ -49,4 +50,28 @@ TEST(LumoAI, whatIsCancelledEndsAtOnceAndNeverTwice)
     EXPECT_TRUE(late.hasArrived());
     EXPECT_EQ((*outcome(lumo.ai.respond({}, {}, cancel)))->error().message, "Cancelled.");
     EXPECT_EQ(lumo.model.asked.size(), 1) << "a question that was cancelled before is not asked";
+}
+
+TEST(LumoAI, aQuestionFromOutsideStandsAloneAndABlankOneIsNotAsked)
+{
+    FakeLumo lumo;
+    EXPECT_EQ((*outcome(askLumo(lumo.ai, " \n")))->value(), "Ask Lumo needs a question.");
+    EXPECT_TRUE(lumo.model.asked.isEmpty());
+    QStringList replies;
+    const auto note = [&](const Result<QString>& answer) {
+        replies.append(answer ? *answer : answer.error().message);
+    };
+    {
+        LumoQuestions questions(lumo.ai);
+        lumo.model.willAnswer(QStringLiteral("Seven."));
+        questions.ask(" How many? ", note);
+        EXPECT_EQ(lumo.model.asked.last().prompt, "How many?");
+        EXPECT_TRUE(lumo.model.asked.last().instructions.contains("Never send, schedule, purchase"));
+        for (int i = 0; i < 4; ++i)
+            lumo.model.willAnswerLater();
+        for (int i = 0; i < 5; ++i)
+            questions.ask("And?", note);
+    }
+    EXPECT_EQ(replies.join('|'),
+        "Seven.|Lumo answers other questions now. Try again.|Cancelled.|Cancelled.|Cancelled.|Cancelled.");
 }

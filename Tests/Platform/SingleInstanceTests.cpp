@@ -173,3 +173,29 @@ TEST_F(SingleInstanceTest, desktopsReachItAsAnApplication)
     otherBus.send(application.method("ActivateAction", { "show", QVariantList(), QVariantMap() }));
     EXPECT_TRUE(await([&] { return running.received == "[][nimb-companion://auth][]"; }));
 }
+
+TEST_F(SingleInstanceTest, theRunningProgramAnswersWhatIsAskedOverTheBus)
+{
+    const auto ask = [this](const QString& question) {
+        std::optional<Result<QString>> answer;
+        std::atomic<bool> done = false;
+        const std::unique_ptr<QThread> other(QThread::create([&] {
+            answer = askRunningProgram(home.paths(), otherBus, question);
+            done = true;
+        }));
+        other->start();
+        EXPECT_TRUE(await([&] { return done.load(); }));
+        other->wait();
+        return !answer ? "nobody" : *answer ? **answer : "! " + answer->error().message;
+    };
+    EXPECT_EQ(ask("Who?"), "nobody");
+    Running running(folder, bus);
+    ASSERT_TRUE(running.instance.claim({}));
+    EXPECT_EQ(ask("Who?"), "! Corvane is starting. Try again.");
+    running.instance.setAnswerer([](const QString& question, const auto& reply) {
+        reply(question == "Who?" ? Result<QString>("Ana.") : failure("No idea."));
+    });
+    EXPECT_EQ(ask("Who?"), "Ana.");
+    EXPECT_EQ(ask("Why?"), "! No idea.");
+    EXPECT_EQ(ask(QString(70'000, 'x')), "! The question is too long.");
+}

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Foundation/Result.h"
+
 #include <memory>
+#include <optional>
 #include <sys/types.h>
 
 namespace corvane {
@@ -48,5 +51,8 @@ std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
 std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< takes a model of the person's
 std::unique_ptr<SpeechRecogniser> makeBasicRecogniser(ProcessLauncher& launcher); ///< English, with a model of its own
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
+
+/// The answer of the program that runs on this data folder; nothing where none does. Waits up to five minutes.
+std::optional<Result<QString>> askRunningProgram(const AppPaths& paths, const QString& question);
 
 }

@@ -29,7 +29,6 @@ constexpr int answerMs = 1500;
 constexpr int betweenTriesMs = 50;
 constexpr qint64 longestRequest = 65536;
 
-const QString objectPath = QStringLiteral("/com/nimb/corvane");
 const QString objectInterface = QStringLiteral("org.freedesktop.Application");
 const QString tokenKey = QStringLiteral("activation-token");
 const QByteArray taken = QByteArrayLiteral("taken\n");
@@ -78,6 +77,7 @@ BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QD
     , m_name(instanceName(applicationSupport))
     , m_bus(bus)
     , m_lock(applicationSupport + QStringLiteral("/instance.lock"))
+    , m_lumo(bus, &m_object)
 {
     connect(&m_object, &ApplicationObject::called, this, &BusSingleInstance::receive);
     connect(&m_server, &QLocalServer::newConnection, this, &BusSingleInstance::onConnection);
@@ -120,6 +120,11 @@ bool BusSingleInstance::claim(const QStringList& arguments)
     }
 }
 
+void BusSingleInstance::setAnswerer(Answerer answerer)
+{
+    m_lumo.answerer = std::move(answerer);
+}
+
 BusSingleInstance::Lock BusSingleInstance::takeLock()
 {
     QDir().mkpath(m_folder);
@@ -142,7 +147,7 @@ BusSingleInstance::Delivery BusSingleInstance::handOverOnBus(const QStringList& 
 {
     if (!m_bus.isConnected())
         return Delivery::Unreachable;
-    const BusObject running { m_name, objectPath, objectInterface };
+    const BusObject running { m_name, instanceObjectPath, objectInterface };
     const QVariantMap platformData { { tokenKey, activationToken() } };
     QDBusMessage call = arguments.isEmpty() ? running.method(QStringLiteral("Activate"), { platformData })
                                             : running.method(QStringLiteral("Open"), { arguments, platformData });
@@ -170,7 +175,8 @@ BusSingleInstance::Delivery BusSingleInstance::handOverThroughSocket(const QStri
 void BusSingleInstance::open()
 {
     if (m_bus.isConnected()) {
-        m_bus.registerObject(objectPath, &m_object, QDBusConnection::ExportScriptableSlots);
+        m_bus.registerObject(
+            instanceObjectPath, &m_object, QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportAdaptors);
         if (!m_bus.registerService(m_name))
             log(QStringLiteral("SingleInstance: the bus name %1 is taken").arg(m_name));
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/SingleInstance.h"
+#include "Platform/Linux/Bus/LumoObject.h"
 
 #include <QDBusConnection>
 #include <QFile>
@@ -12,6 +12,8 @@ namespace corvane {
 /// The bus name of the program that works on this data folder: the plain one for the account's usual folder,
 /// one of its own for any other.
 QString instanceName(const QString& applicationSupport);
+
+inline const QString instanceObjectPath = QStringLiteral("/com/nimb/corvane");
 
 /// What desktops call on a running program (org.freedesktop.Application).
 class ApplicationObject final : public QObject {
@@ -37,6 +39,7 @@ public:
     ~BusSingleInstance() override;
 
     bool claim(const QStringList& arguments) override;
+    void setAnswerer(Answerer answerer) override;
 
 private:
     enum class Lock { Taken, HeldByAnother, Impossible };
@@ -56,6 +59,7 @@ private:
     QDBusConnection m_bus;
     QFile m_lock;
     ApplicationObject m_object;
+    LumoObject m_lumo; ///< on the same path
     QLocalServer m_server;
 };
 
