@@ -136,6 +136,9 @@ TEST_F(TrayTest, aPanelReadsTheIconWithItsMarks)
     EXPECT_EQ(itemProperty("Status").toString(), "NeedsAttention");
     EXPECT_EQ(qdbus_cast<TrayToolTip>(itemProperty("ToolTip")).text, "2 waiting for your approval · 3 unread");
     EXPECT_NE(qdbus_cast<TrayPixmaps>(itemProperty("AttentionIconPixmap")).last().argb, marked.last().argb);
+    tray.setLabel("Standup 5m");
+    EXPECT_EQ(itemProperty("XAyatanaLabel").toString(), "Standup 5m");
+    EXPECT_TRUE(qdbus_cast<TrayToolTip>(itemProperty("ToolTip")).text.endsWith("3 unread · Standup 5m"));
     tray.setWaiting(0);
     tray.setUnread(0);
     EXPECT_EQ(itemProperty("Status").toString(), "Active");

@@ -23,6 +23,7 @@ public:
     virtual void setUnread(int count) = 0;
     virtual void setWaiting(int count) = 0; ///< for a decision: while it is above 0 the icon asks for attention
     virtual void setRecording(bool recording) = 0; ///< a red dot, before any other mark
+    virtual void setLabel(const QString& text) = 0; ///< beside the icon where the panel shows words, and in its tip
     virtual void setMenu(const QList<Item>& items) = 0;
 
 Q_SIGNALS:

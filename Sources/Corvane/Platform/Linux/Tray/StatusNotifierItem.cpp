@@ -50,6 +50,15 @@ void StatusNotifierItem::setRecording(bool recording)
     Q_EMIT NewToolTip();
 }
 
+void StatusNotifierItem::setLabel(const QString& text)
+{
+    if (text == m_label)
+        return;
+    m_label = text;
+    Q_EMIT XAyatanaNewLabel(m_label, m_label);
+    Q_EMIT NewToolTip();
+}
+
 QString StatusNotifierItem::status() const
 {
     return m_waiting > 0 ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
@@ -72,6 +81,8 @@ TrayToolTip StatusNotifierItem::toolTip() const
         words.append(QStringLiteral("%1 waiting for your approval").arg(m_waiting));
     if (m_unread > 0)
         words.append(QStringLiteral("%1 unread").arg(m_unread));
+    if (!m_label.isEmpty())
+        words.append(m_label);
     return { {}, {}, title(), words.join(QStringLiteral(" · ")) };
 }
 

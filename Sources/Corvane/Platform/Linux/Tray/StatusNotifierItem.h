@@ -27,12 +27,15 @@ class StatusNotifierItem final : public QObject {
     Q_PROPERTY(corvane::TrayPixmaps AttentionIconPixmap READ icon)
     Q_PROPERTY(QString AttentionMovieName READ noName)
     Q_PROPERTY(corvane::TrayToolTip ToolTip READ toolTip)
+    Q_PROPERTY(QString XAyatanaLabel READ label)
+    Q_PROPERTY(QString XAyatanaLabelGuide READ label)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
 public:
     void setUnread(int count) { show(count, m_waiting); }
     void setWaiting(int count) { show(m_unread, count); }
     void setRecording(bool recording);
+    void setLabel(const QString& text);
 
     QString category() const { return QStringLiteral("Communications"); }
     QString id() const { return applicationId; }
@@ -43,6 +46,7 @@ public:
     TrayPixmaps noIcon() const { return {}; }
     TrayPixmaps icon() const;
     TrayToolTip toolTip() const;
+    const QString& label() const { return m_label; }
     bool itemIsMenu() const { return false; }
     QDBusObjectPath menu() const { return QDBusObjectPath(menuPath); }
 
@@ -63,6 +67,7 @@ Q_SIGNALS:
     Q_SCRIPTABLE void NewOverlayIcon();
     Q_SCRIPTABLE void NewToolTip();
     Q_SCRIPTABLE void NewStatus(const QString& status);
+    Q_SCRIPTABLE void XAyatanaNewLabel(const QString& label, const QString& guide);
     void activated(const QPoint& at);
 
 private:
@@ -72,6 +77,7 @@ private:
     int m_unread = 0;
     int m_waiting = 0;
     bool m_recording = false;
+    QString m_label;
 };
 
 }

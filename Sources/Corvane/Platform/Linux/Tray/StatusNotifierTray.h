@@ -19,6 +19,7 @@ public:
     void setUnread(int count) override { m_item.setUnread(count); }
     void setWaiting(int count) override { m_item.setWaiting(count); }
     void setRecording(bool recording) override { m_item.setRecording(recording); }
+    void setLabel(const QString& text) override { m_item.setLabel(text); }
     void setMenu(const QList<Item>& items) override { m_menu.setItems(items); }
 
 private Q_SLOTS:
