@@ -64,6 +64,7 @@ public:
     bool openFile(const QString&) override { return true; }
     bool openLink(const QUrl&) override { return true; }
     void chooseFiles(const QString&, QObject*, std::function<void(const Result<QList<QUrl>>&)>) override { }
+    void chooseFolder(const QString&, QObject*, std::function<void(const Result<QList<QUrl>>&)>) override { }
     QString hostName() const override { return u"studio"_s; }
     void setBadge(int) override { }
     ColourScheme colourScheme() const override { return scheme; }

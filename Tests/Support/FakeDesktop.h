@@ -24,6 +24,10 @@ public:
     {
         done(chosen);
     }
+    void chooseFolder(const QString&, QObject*, std::function<void(const Result<QList<QUrl>>& folder)> done) override
+    {
+        done(chosen);
+    }
     QString hostName() const override { return host; }
     void setBadge(int count) override { badge = count; }
     ColourScheme colourScheme() const override { return scheme; }

@@ -29,6 +29,11 @@ public:
         const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
         = 0;
 
+    /// The same for one folder.
+    virtual void chooseFolder(
+        const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& folder)> done)
+        = 0;
+
     virtual QString hostName() const = 0; ///< empty where the machine has none
 
     /// The number at the program's icon; 0 clears it.

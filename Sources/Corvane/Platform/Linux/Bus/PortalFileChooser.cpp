@@ -15,20 +15,24 @@ const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
 const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
 constexpr uint accepted = 0;
 
-QString missingText()
+QString missingText(PortalFileChooser::For what)
 {
+    if (what == PortalFileChooser::For::Folder)
+        return QStringLiteral("This desktop has no window to choose a folder in. Type its path.");
     return QStringLiteral("This desktop has no window to choose files in. Drag them here, or paste them.");
 }
 
 }
 
-PortalFileChooser::PortalFileChooser(const QDBusConnection& bus, const QString& title, Done done, QObject* context)
+PortalFileChooser::PortalFileChooser(
+    const QDBusConnection& bus, For what, const QString& title, Done done, QObject* context)
     : QObject(context)
     , m_bus(bus)
+    , m_what(what)
     , m_done(std::move(done))
 {
     if (!m_bus.isConnected()) {
-        end(failure(missingText()));
+        end(failure(missingText(what)));
         return;
     }
     const QString token = QStringLiteral("corvane_") + QUuid::createUuid().toString(QUuid::Id128);
@@ -37,14 +41,16 @@ PortalFileChooser::PortalFileChooser(const QDBusConnection& bus, const QString& 
     // Before the call: the answer may come first.
     m_bus.connect(
         portal.service, path, requestInterface, QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
-    const QVariantMap options { { QStringLiteral("handle_token"), token }, { QStringLiteral("multiple"), true } };
+    const bool files = what == For::Files;
+    const QVariantMap options { { QStringLiteral("handle_token"), token }, { QStringLiteral("multiple"), files },
+        { QStringLiteral("directory"), !files } };
     const QString noParent = QStringLiteral("");
     callAsync(m_bus, portal.method(QStringLiteral("OpenFile"), { noParent, title, options }), this,
         [this](const QDBusMessage& reply) {
             if (reply.type() != QDBusMessage::ErrorMessage)
                 return;
             log(QStringLiteral("FileChooser: ") + reply.errorMessage());
-            end(failure(missingText()));
+            end(failure(missingText(m_what)));
         });
 }
 

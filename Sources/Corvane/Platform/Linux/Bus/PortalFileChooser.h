@@ -17,7 +17,9 @@ class PortalFileChooser final : public QObject {
 public:
     using Done = std::function<void(const Result<QList<QUrl>>& files)>;
 
-    PortalFileChooser(const QDBusConnection& bus, const QString& title, Done done, QObject* context);
+    enum class For { Files, Folder };
+
+    PortalFileChooser(const QDBusConnection& bus, For what, const QString& title, Done done, QObject* context);
 
 private Q_SLOTS:
     void onResponse(const QDBusMessage& response);
@@ -26,6 +28,7 @@ private:
     void end(const Result<QList<QUrl>>& files);
 
     QDBusConnection m_bus;
+    const For m_what;
     Done m_done; ///< none once it was answered
 };
 

@@ -102,7 +102,13 @@ bool XdgDesktop::openLink(const QUrl& link)
 void XdgDesktop::chooseFiles(
     const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
 {
-    new PortalFileChooser(m_bus, title, std::move(done), context);
+    new PortalFileChooser(m_bus, PortalFileChooser::For::Files, title, std::move(done), context);
+}
+
+void XdgDesktop::chooseFolder(
+    const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& folder)> done)
+{
+    new PortalFileChooser(m_bus, PortalFileChooser::For::Folder, title, std::move(done), context);
 }
 
 QString XdgDesktop::hostName() const

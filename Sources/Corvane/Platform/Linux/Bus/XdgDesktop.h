@@ -20,6 +20,8 @@ public:
     bool openLink(const QUrl& link) override;
     void chooseFiles(
         const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done) override;
+    void chooseFolder(
+        const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& folder)> done) override;
     QString hostName() const override;
     void setBadge(int count) override;
     ColourScheme colourScheme() const override { return m_scheme; }
