@@ -42,6 +42,7 @@ public:
         return failure(QStringLiteral("It holds none."));
     }
     Result<void> makeCalendar(const QString&) override { return {}; }
+    bool hasService() const override { return true; }
     void watch(const CalendarPlaces&) override { }
 
     CalendarAccess given = CalendarAccess::Full;

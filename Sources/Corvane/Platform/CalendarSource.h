@@ -109,6 +109,9 @@ public:
     /// Makes an empty calendar in the usual folder.
     virtual Result<void> makeCalendar(const QString& title) = 0;
 
+    /// Whether the desktop keeps calendars in a service, which `CalendarPlaces::service` then reads, too.
+    virtual bool hasService() const = 0;
+
     /// Tells from now on what changes in these places; the last call holds.
     virtual void watch(const CalendarPlaces& places) = 0;
 

@@ -1,8 +1,6 @@
 #include "Platform/Linux/Calendar/FolderCalendars.h"
 
-#include "Platform/AppPaths.h"
 #include "Platform/Linux/Calendar/IcsText.h"
-#include "Platform/Linux/Services.h"
 #include "Platform/PrivateFile.h"
 
 #include <QCryptographicHash>
@@ -26,8 +24,6 @@ namespace {
 constexpr qsizetype mostCalendars = 200;
 constexpr qsizetype mostFiles = 50'000;
 constexpr qsizetype longestName = 4096; ///< of a calendar's title or colour
-constexpr qint64 dayMs = 86'400'000;
-constexpr qint64 aheadMs = 2 * dayMs; ///< what is followed beyond the question, so that the next one moves within it
 
 QString firstLine(const QString& path)
 {
@@ -186,16 +182,8 @@ CalendarReading FolderCalendars::read(const CalendarPlaces& places, qint64 fromM
     for (const Folder& folder : folders(places)) {
         reading.calendars.append(folder.info);
         Files files = update(folder, reading.troubles);
-        for (File& file : files) {
-            if (!file.calendar)
-                continue;
-            if (fromMs < file.fromMs || toMs > file.toMs)
-                expand(file, folder.info.id, fromMs, toMs);
-            for (const CalendarEntry& entry : std::as_const(file.entries)) {
-                if (entry.startMs < toMs && std::max(entry.endMs, entry.startMs + 1) > fromMs)
-                    reading.entries.append(entry);
-            }
-        }
+        for (File& file : files)
+            file.calendar.addTo(reading.entries, folder.info.id, fromMs, toMs);
         read.insert(folder.path, std::move(files));
     }
     m_read = std::move(read);
@@ -226,11 +214,9 @@ FolderCalendars::Files FolderCalendars::update(const Folder& folder, QStringList
         File file = before.take(name);
         if (file.stamp != stamp) {
             const auto content = contentOf(folder.path + u'/' + QFile::decodeName(name));
-            file = File();
-            file.stamp = stamp;
-            file.calendar = content ? IcsFile::read(*content, m_zone) : nullptr;
+            file = { stamp, ExpandedIcs(content ? IcsFile::read(*content, m_zone) : nullptr) };
         }
-        unreadable += file.calendar ? 0 : 1;
+        unreadable += file.calendar.file() ? 0 : 1;
         files.insert(name, std::move(file));
     }
     if (unreadable > 0)
@@ -238,15 +224,6 @@ FolderCalendars::Files FolderCalendars::update(const Folder& folder, QStringList
                 ? u"A file of the calendar “%1” could not be read."_s.arg(folder.info.title)
                 : u"%1 files of the calendar “%2” could not be read."_s.arg(unreadable).arg(folder.info.title));
     return files;
-}
-
-void FolderCalendars::expand(File& file, const QString& calendarId, qint64 fromMs, qint64 toMs) const
-{
-    file.fromMs = fromMs;
-    file.toMs = toMs + aheadMs;
-    file.entries = file.calendar->entries(file.fromMs, file.toMs);
-    for (CalendarEntry& entry : file.entries)
-        entry.calendarId = calendarId;
 }
 
 FolderCalendars::Stamp FolderCalendars::stampOf(const QString& path)
@@ -264,7 +241,8 @@ QHash<QString, QByteArray> FolderCalendars::filesByUid(const Folder& folder)
     const Files& files = *m_read.insert(folder.path, update(folder, troubles));
     QHash<QString, QByteArray> names;
     for (auto file = files.cbegin(); file != files.cend(); ++file) {
-        for (const QString& uid : file->calendar ? file->calendar->uids() : QStringList())
+        const IcsFile* const calendar = file->calendar.file();
+        for (const QString& uid : calendar ? calendar->uids() : QStringList())
             names.insert(uid, file.key());
     }
     return names;
@@ -348,11 +326,6 @@ Result<void> FolderCalendars::makeCalendar(const QString& title)
     if (QFileInfo::exists(folder + u"/displayname"_s))
         return {};
     return write(folder + u"/displayname"_s, title.toUtf8() + '\n', title);
-}
-
-std::unique_ptr<CalendarSource> makeCalendarSource(const AppPaths& paths)
-{
-    return std::make_unique<FolderCalendars>(QFileInfo(paths.applicationSupport).path(), paths.home);
 }
 
 }

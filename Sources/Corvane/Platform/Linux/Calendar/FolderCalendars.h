@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Platform/CalendarSource.h"
+#include "Platform/Linux/Calendar/ExpandedIcs.h"
 #include "Platform/Linux/Calendar/FolderWatch.h"
-#include "Platform/Linux/Calendar/IcsFile.h"
 
 #include <QHash>
 #include <QSet>
@@ -25,6 +25,7 @@ public:
         const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics) override;
     Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid) override;
     Result<void> makeCalendar(const QString& title) override;
+    bool hasService() const override { return false; }
     void watch(const CalendarPlaces& places) override;
 
 private:
@@ -38,10 +39,7 @@ private:
     };
     struct File {
         Stamp stamp;
-        std::shared_ptr<const IcsFile> calendar; ///< none: it does not read
-        qint64 fromMs = 0; ///< what `entries` cover
-        qint64 toMs = 0;
-        QList<CalendarEntry> entries;
+        ExpandedIcs calendar;
     };
     using Files = QHash<QByteArray, File>; ///< of a folder, by name
 
@@ -55,7 +53,6 @@ private:
     Result<Folder> folder(const CalendarPlaces& places, const QString& calendarId) const;
     void useZone();
     Files update(const Folder& folder, QStringList& troubles);
-    void expand(File& file, const QString& calendarId, qint64 fromMs, qint64 toMs) const;
     static Stamp stampOf(const QString& path);
     QHash<QString, QByteArray> filesByUid(const Folder& folder);
 

@@ -151,6 +151,9 @@ bool IcsFile::State::read(icalcomponent* root)
                 time.month = date.month;
                 time.day = date.day;
             }
+            // Evolution leaves out the zone, which is that of the series.
+            if (!time.is_date && !time.zone && !icaltime_is_utc(time))
+                time.zone = one.start.zone;
             if (isUsable(time))
                 one.excluded.insert(msOf(time, local));
         });

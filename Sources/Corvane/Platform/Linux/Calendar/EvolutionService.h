@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Foundation/Result.h"
+#include "Platform/CalendarSource.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDeadlineTimer>
+#include <QHash>
+
+namespace corvane {
+
+/// A calendar of Evolution Data Server, as it told when it was opened.
+struct EvolutionCalendar {
+    QString path; ///< of its object
+    QString service;
+    bool writable = false;
+};
+
+/// The key file that describes a source: its groups, each with its keys.
+using EvolutionKeys = QHash<QString, QHash<QString, QString>>;
+EvolutionKeys evolutionKeys(const QString& data);
+
+/// The calls to Evolution Data Server, each of which waits for its answer. On any thread, but one at a time. Whoever
+/// has opened a calendar keeps it open for as long as the connection lasts.
+class EvolutionService {
+public:
+    EvolutionService(const QDBusConnection& bus, int answerMs); ///< how long one call waits
+
+    /// The calls from here on take five seconds together, and once one found no answer the further ones fail at once.
+    void begin();
+    bool isSilent() const { return m_silent; }
+
+    /// The sources that are calendars and not switched off, by their id.
+    Result<QHash<QString, CalendarInfo>> calendars();
+    Result<QString> revision(const QString& source); ///< changes with every change of the calendar
+    Result<QStringList> objects(const QString& source, const QString& query); ///< VEVENT components
+    Result<QString> object(const QString& source, const QString& uid);
+    Result<QString> zone(const QString& source, const QString& name); ///< a VTIMEZONE component
+    Result<void> create(const QString& source, const QString& component);
+    Result<void> modify(const QString& source, const QString& component);
+    Result<void> remove(const QString& source, const QString& uid);
+    Result<void> receive(const QString& source, const QString& calendar);
+    bool isWritable(const QString& source);
+
+    void forget() { m_open.clear(); } ///< the service is another one by now
+
+private:
+    Result<QDBusMessage> call(const QDBusMessage& message, bool* gone = nullptr);
+    Result<EvolutionCalendar> open(const QString& source);
+    Result<QDBusMessage> ask(
+        const QString& source, const QString& interface, const QString& method, const QVariantList& arguments);
+    Result<QString> text(
+        const QString& source, const QString& interface, const QString& method, const QVariantList& arguments);
+    Result<void> order(const QString& source, const QString& method, const QVariantList& arguments);
+
+    QDBusConnection m_bus;
+    const int m_answerMs;
+    QDeadlineTimer m_deadline;
+    bool m_silent = false;
+    QHash<QString, EvolutionCalendar> m_open; ///< by source
+};
+
+/// An object of a calendar, as the service takes it.
+struct EvolutionObjectId {
+    QString uid;
+    QString recurrence;
+};
+QDBusArgument& operator<<(QDBusArgument& argument, const EvolutionObjectId& id);
+const QDBusArgument& operator>>(const QDBusArgument& argument, EvolutionObjectId& id);
+
+namespace evolution {
+
+inline const QString sources = QStringLiteral("org.gnome.evolution.dataserver.Sources5");
+inline const QString calendars = QStringLiteral("org.gnome.evolution.dataserver.Calendar8");
+inline const QString calendarInterface = QStringLiteral("org.gnome.evolution.dataserver.Calendar");
+inline const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+}
+
+}
+
+Q_DECLARE_METATYPE(corvane::EvolutionObjectId)

@@ -1,0 +1,165 @@
+#include "Platform/Linux/Calendar/CombinedCalendars.h"
+#include "Platform/Linux/Calendar/EvolutionCalendars.h"
+#include "Platform/Linux/Calendar/FolderCalendars.h"
+#include "Support/Await.h"
+#include "Support/Print.h"
+#include "Support/PrivateBus.h"
+#include "Support/TemporaryHome.h"
+
+#include <QDBusConnectionInterface>
+#include <QDateTime>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+qint64 utc(const char* text)
+{
+    return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODate).toMSecsSinceEpoch();
+}
+
+const QByteArray series
+    = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VTIMEZONE\r\nTZID:Office\r\nBEGIN:STANDARD\r\nDTSTART:"
+      "19700101T000000\r\n"
+      "TZOFFSETFROM:+0330\r\nTZOFFSETTO:+0330\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\nBEGIN:VEVENT\r\nUID:s@x\r\n"
+      "DTSTAMP:20261101T000000Z\r\nDTSTART;TZID=Office:20261110T100000\r\nDTEND;TZID=Office:20261110T110000\r\n"
+      "RRULE:FREQ=DAILY;COUNT=3\r\nSUMMARY:Daily\r\nEND:VEVENT\r\nBEGIN:VEVENT\r\nUID:s@x\r\n"
+      "RECURRENCE-ID;TZID=Office:20261111T100000\r\nDTSTAMP:20261101T000000Z\r\n"
+      "DTSTART;TZID=Office:20261111T140000\r\nDTEND;TZID=Office:20261111T150000\r\nSUMMARY:Moved\r\nEND:VEVENT\r\n"
+      "END:VCALENDAR\r\n";
+
+/// The real service on a bus of the test's own.
+class EvolutionTest : public testing::Test {
+protected:
+    EvolutionTest()
+    {
+        startDaemon(m_registry, "evolution-source-registry", evolution::sources);
+        startDaemon(m_factory, "evolution-calendar-factory", evolution::calendars);
+        m_places.service = true;
+        calendars.watch(m_places);
+        QObject::connect(&calendars, &CalendarSource::changed, [this] { ++changes; });
+    }
+
+    void startDaemon(QProcess& daemon, const QString& program, const QString& name)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, bus.address());
+        environment.insert(u"GSETTINGS_BACKEND"_s, u"memory"_s);
+        environment.insert(u"HOME"_s, home.paths().home);
+        for (const char* folder : { "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR" })
+            environment.insert(QString::fromLatin1(folder), home.path(QString::fromLatin1(folder)));
+        daemon.setProcessEnvironment(environment);
+        daemon.setStandardErrorFile(QProcess::nullDevice());
+        daemon.start(u"/usr/libexec/"_s + program, QStringList());
+        EXPECT_TRUE(await([&] { return client.interface()->isServiceRegistered(name).value(); }));
+    }
+    void kill(QProcess& daemon)
+    {
+        daemon.kill();
+        daemon.waitForFinished();
+        bus.settle();
+    }
+    ~EvolutionTest() override
+    {
+        kill(m_factory);
+        kill(m_registry);
+    }
+
+    CalendarReading read()
+    {
+        return calendars.read(m_places, utc("2026-11-01T00:00:00Z"), utc("2026-12-01T00:00:00Z"));
+    }
+
+    QStringList shown()
+    {
+        QStringList lines;
+        for (const CalendarEntry& entry : read().entries)
+            lines.append(QDateTime::fromMSecsSinceEpoch(entry.startMs, Qt::UTC).toString(u"dd HH:mm "_s) + entry.title);
+        lines.sort();
+        return lines;
+    }
+
+    NewCalendarEntry lunch(const QString& title) const
+    {
+        return { u"l@x"_s, title, {}, {}, utc("2026-11-20T11:00:00Z"), utc("2026-11-20T12:00:00Z"), false, 0 };
+    }
+
+    TemporaryHome home;
+    PrivateBus bus;
+    QDBusConnection client = bus.connect();
+    QProcess m_registry;
+    QProcess m_factory;
+    CalendarPlaces m_places;
+    const QString personal = u"evolution:system-calendar"_s;
+    CombinedCalendars calendars { std::make_unique<FolderCalendars>(home.path(u"share"_s), home.paths().home),
+        std::make_unique<EvolutionCalendars>(client) };
+    int changes = 0;
+};
+
+}
+
+TEST_F(EvolutionTest, aCalendarOfTheServiceIsReadWrittenAndFollowed)
+{
+    EXPECT_EQ(calendars.access({}), CalendarAccess::None) << "nobody chose it";
+    EXPECT_EQ(calendars.access(m_places), CalendarAccess::Full);
+    const QList<CalendarInfo> all = read().calendars;
+    ASSERT_EQ(all.size(), 2);
+    EXPECT_EQ(all.first().title + u' ' + all.first().origin, u"Birthdays & Anniversaries Evolution"_s);
+    EXPECT_FALSE(all.first().writable);
+    EXPECT_EQ(all.last().id, personal);
+    EXPECT_TRUE(all.last().writable);
+
+    const auto imported = calendars.import(m_places, personal, series);
+    ASSERT_TRUE(imported) << qPrintable(imported.error().message);
+    EXPECT_EQ(imported->added, 1);
+    EXPECT_EQ(calendars.import(m_places, personal, series)->present, 1);
+    const QStringList days { u"10 06:30 Daily"_s, u"11 10:30 Moved"_s, u"12 06:30 Daily"_s };
+    EXPECT_EQ(shown(), days);
+
+    changes = 0;
+    const QDBusConnection other = bus.connect();
+    EvolutionCalendars elsewhere(other);
+    EXPECT_TRUE(elsewhere.add(m_places, personal, lunch(u"Lunch"_s)));
+    EXPECT_TRUE(await([this] { return changes > 0; })) << "what another program writes is told";
+    EXPECT_EQ(shown(), days + QStringList { u"20 11:00 Lunch"_s });
+    EXPECT_FALSE(calendars.remove(m_places, personal, u"l@x"_s)) << "it is not of this program";
+    EXPECT_TRUE(calendars.add(m_places, personal, lunch(u"Late lunch"_s)));
+    EXPECT_EQ(shown(), days + QStringList { u"20 11:00 Late lunch"_s });
+    EXPECT_TRUE(calendars.remove(m_places, personal, u"l@x"_s));
+    EXPECT_EQ(shown(), days);
+
+    const auto file = calendars.exported(m_places, personal, u"s@x"_s);
+    ASSERT_TRUE(file);
+    home.write(u"share/calendars/work/s.ics"_s, *file);
+    EXPECT_EQ(shown(), days) << "what stands in both shows once";
+    EXPECT_EQ(read().entries.first().calendarId, u"work"_s);
+}
+
+TEST_F(EvolutionTest, aServiceThatEndsOrStopsAnsweringLeavesWhatWasRead)
+{
+    ASSERT_TRUE(calendars.import(m_places, personal, series));
+    const QStringList days = shown();
+    ASSERT_EQ(days.size(), 3);
+    bus.settle();
+    changes = 0;
+    kill(m_factory);
+    EXPECT_GT(changes, 0);
+    EXPECT_EQ(shown(), days);
+    EXPECT_FALSE(read().troubles.isEmpty());
+    startDaemon(m_factory, u"evolution-calendar-factory"_s, evolution::calendars);
+    bus.settle();
+    EXPECT_EQ(shown(), days);
+    EXPECT_EQ(read().troubles, QStringList());
+
+    EvolutionCalendars impatient(client, 200);
+    ::kill(pid_t(m_registry.processId()), SIGSTOP);
+    const CalendarReading reading = impatient.read(m_places, 0, 1);
+    EXPECT_EQ(reading.troubles, QStringList { u"Evolution's calendars do not answer. They stand as they were."_s });
+    ::kill(pid_t(m_registry.processId()), SIGCONT);
+}
+
+}
