@@ -4,6 +4,7 @@
 #include "Foundation/BackgroundQueue.h"
 #include "Foundation/UserDefaults.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
@@ -149,6 +150,30 @@ void exportEvent(CalendarStore& store, const QString& eventId, const QString& pa
             return u"The event was saved."_s;
         },
         done);
+}
+
+Result<void> useFolder(CalendarStore& store, const QString& path)
+{
+    const QString absolute = path.startsWith("~/"_L1) ? QDir::homePath() + path.sliced(1) : path;
+    if (!QDir::isAbsolutePath(absolute) || !QFileInfo(absolute).isDir())
+        return failure(u"There is no such folder."_s);
+    if (absolute.contains(u':'))
+        return failure(u"The folder's name must not hold a colon."_s);
+    CalendarPlaces places = store.places();
+    if (!places.folders.contains(path))
+        places.folders.append(path);
+    store.setPlaces(places);
+    store.requestAccess();
+    return {};
+}
+
+void useService(CalendarStore& store, bool use)
+{
+    CalendarPlaces places = store.places();
+    places.service = use;
+    store.setPlaces(places);
+    if (use)
+        store.requestAccess();
 }
 
 void makeCalendar(CalendarStore& store, const QString& title)

@@ -33,6 +33,10 @@ void importEvents(CalendarStore& store, const QString& path, QObject* context,
 void exportEvent(CalendarStore& store, const QString& eventId, const QString& path, QObject* context,
     const std::function<void(const Result<QString>&)>& done);
 
-void makeCalendar(CalendarStore& store, const QString& title); ///< and reads it from now on
+// What the user connects; it is kept, and read from now on.
+
+Result<void> useFolder(CalendarStore& store, const QString& path); ///< "~/" at the start is the user's home
+void useService(CalendarStore& store, bool use); ///< of the desktop
+void makeCalendar(CalendarStore& store, const QString& title);
 
 }

@@ -4,18 +4,17 @@
 #include "Calendar/CalendarEdits.h"
 #include "Calendar/CalendarStore.h"
 #include "Foundation/UserDefaults.h"
-
-#include <QDir>
-#include <QFileInfo>
+#include "Platform/Desktop.h"
 
 namespace corvane {
 
 using namespace Qt::StringLiterals;
 
-CalendarSettings::CalendarSettings(CalendarStore& store, CalendarCommands& commands, QObject* parent)
+CalendarSettings::CalendarSettings(CalendarStore& store, CalendarCommands& commands, Desktop& desktop, QObject* parent)
     : QObject(parent)
     , m_store(store)
     , m_commands(commands)
+    , m_desktop(desktop)
 {
     connect(&m_store, &CalendarStore::changed, this, &CalendarSettings::changed);
     connect(&m_commands, &CalendarCommands::changed, this, &CalendarSettings::changed);
@@ -93,20 +92,39 @@ void CalendarSettings::chooseForNew(const QString& id)
     setDefaultCalendar(m_store, id);
 }
 
-QString CalendarSettings::addFolder(const QString& path)
+bool CalendarSettings::addFolder(const QString& path)
 {
-    const QString folder = path.trimmed();
-    const QString absolute = folder.startsWith("~/"_L1) ? QDir::homePath() + folder.sliced(1) : folder;
-    if (!QDir::isAbsolutePath(absolute) || !QFileInfo(absolute).isDir())
-        return u"There is no such folder."_s;
-    if (absolute.contains(u':'))
-        return u"The folder's name must not hold a colon."_s;
-    CalendarPlaces places = m_store.places();
-    if (!places.folders.contains(folder))
-        places.folders.append(folder);
-    m_store.setPlaces(places);
-    m_store.requestAccess();
-    return {};
+    const auto used = useFolder(m_store, path.trimmed());
+    m_refusal = used ? QString() : used.error().message;
+    Q_EMIT changed();
+    return used.has_value();
+}
+
+void CalendarSettings::chooseFolder()
+{
+    m_desktop.chooseFolder(u"Folder of calendars"_s, this, [this](const Result<QList<QUrl>>& chosen) {
+        if (chosen && !chosen->isEmpty()) {
+            addFolder(chosen->first().toLocalFile());
+            return;
+        }
+        m_refusal = chosen ? QString() : chosen.error().message;
+        Q_EMIT changed();
+    });
+}
+
+bool CalendarSettings::evolution() const
+{
+    return m_store.places().service;
+}
+
+void CalendarSettings::setEvolution(bool use)
+{
+    useService(m_store, use);
+}
+
+bool CalendarSettings::hasEvolution() const
+{
+    return evolution() || m_store.surroundings().source.hasService();
 }
 
 void CalendarSettings::removeFolder(const QString& path)

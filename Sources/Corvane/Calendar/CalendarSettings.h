@@ -8,6 +8,7 @@ namespace corvane {
 
 class CalendarCommands;
 class CalendarStore;
+class Desktop;
 
 /// A calendar, or a folder of them, as the settings list it.
 class CalendarLine {
@@ -36,16 +37,23 @@ class CalendarSettings : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
     Q_PROPERTY(QList<corvane::CalendarLine> calendars READ calendars NOTIFY changed)
     Q_PROPERTY(QStringList folders READ folders NOTIFY changed) ///< further ones, that the user named
+    Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< of the folder that was named last
+    Q_PROPERTY(bool evolution READ evolution WRITE setEvolution NOTIFY changed) ///< its calendars are read, too
+    Q_PROPERTY(bool hasEvolution READ hasEvolution NOTIFY changed)
     Q_PROPERTY(bool agentsMayAdd READ agentsMayAdd WRITE setAgentsMayAdd NOTIFY changed)
     Q_PROPERTY(QString addresses READ addresses WRITE setAddresses NOTIFY changed)
 public:
-    /// Both outlive the object.
-    CalendarSettings(CalendarStore& store, CalendarCommands& commands, QObject* parent = nullptr);
+    /// All of them outlive the object.
+    CalendarSettings(CalendarStore& store, CalendarCommands& commands, Desktop& desktop, QObject* parent = nullptr);
 
     bool isConnected() const;
     QString stateText() const;
     QList<CalendarLine> calendars() const;
     QStringList folders() const;
+    const QString& refusal() const { return m_refusal; }
+    bool evolution() const;
+    void setEvolution(bool use);
+    bool hasEvolution() const; ///< here to be read, or chosen once
     bool agentsMayAdd() const;
     void setAgentsMayAdd(bool may);
     QString addresses() const; ///< of the user beside those of the accounts, with commas
@@ -55,7 +63,8 @@ public:
     Q_INVOKABLE void makeLocal();
     Q_INVOKABLE void toggle(const QString& title); ///< shows a calendar, or no longer
     Q_INVOKABLE void chooseForNew(const QString& id);
-    Q_INVOKABLE QString addFolder(const QString& path); ///< why not, or nothing
+    Q_INVOKABLE bool addFolder(const QString& path); ///< false: `refusal` says why
+    Q_INVOKABLE void chooseFolder(); ///< in the desktop's window
     Q_INVOKABLE void removeFolder(const QString& path); ///< it stays on the disk
 
 Q_SIGNALS:
@@ -64,6 +73,8 @@ Q_SIGNALS:
 private:
     CalendarStore& m_store;
     CalendarCommands& m_commands;
+    Desktop& m_desktop;
+    QString m_refusal;
 };
 
 }

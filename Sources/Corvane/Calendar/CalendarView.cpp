@@ -184,14 +184,26 @@ void CalendarView::makeLocal()
     makeCalendar(m_at.store, u"Personal"_s);
 }
 
-void CalendarView::useFolder(const QUrl& folder)
+void CalendarView::chooseFolder()
 {
-    CalendarPlaces places = m_at.store.places();
-    if (!folder.isLocalFile() || places.folders.contains(folder.toLocalFile()))
-        return;
-    places.folders.append(folder.toLocalFile());
-    m_at.store.setPlaces(places);
-    m_at.store.requestAccess();
+    m_at.desktop.chooseFolder(u"Folder of calendars"_s, this, [this](const Result<QList<QUrl>>& chosen) {
+        if (!chosen)
+            Q_EMIT folderAsked();
+        else if (!chosen->isEmpty()) {
+            const auto used = useFolder(m_at.store, chosen->first().toLocalFile());
+            told(used ? QString() : used.error().message);
+        }
+    });
+}
+
+bool CalendarView::hasEvolution() const
+{
+    return !m_at.store.places().service && m_at.store.surroundings().source.hasService();
+}
+
+void CalendarView::useEvolution()
+{
+    useService(m_at.store, true);
 }
 
 void CalendarView::step(int pages)

@@ -76,6 +76,7 @@ class CalendarView : public QObject {
     Q_PROPERTY(corvane::EventCard card READ card NOTIFY changed)
     Q_PROPERTY(QList<corvane::Choice> asked READ asked NOTIFY changed) ///< events that agents want to add
     Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
+    Q_PROPERTY(bool hasEvolution READ hasEvolution NOTIFY changed) ///< and it is not connected yet
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
 public:
     /// All of it outlives the view.
@@ -110,11 +111,13 @@ public:
     const EventCard& card() const { return m_card; }
     QList<Choice> asked() const;
     bool canAdd() const;
+    bool hasEvolution() const;
     MeetingPrep* prep() { return &m_at.prep; }
 
     Q_INVOKABLE void connectCalendar() { m_at.store.requestAccess(); }
     Q_INVOKABLE void makeLocal(); ///< a calendar of one's own
-    Q_INVOKABLE void useFolder(const QUrl& folder);
+    Q_INVOKABLE void chooseFolder(); ///< in the desktop's window; where it has none `folderAsked` follows
+    Q_INVOKABLE void useEvolution();
 
     Q_INVOKABLE void step(int pages); ///< weeks, or days
     Q_INVOKABLE void today();
@@ -138,6 +141,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void folderAsked(); ///< the settings take its path
 
 private:
     void readPage();

@@ -34,7 +34,7 @@ Screens::Screens(CorvaneApp& root)
           app.ai(), app.launcher(), app.notifications(), app.voice(), app.web() })
     , calendar(
           { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
-    , calendarSettings(app.calendar().store, app.calendar().commands)
+    , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)

@@ -57,6 +57,20 @@ Column {
     }
     Card {
         width: parent.width
+        visible: section.calendar.hasEvolution
+        SettingRow {
+            label: qsTr("Evolution's calendars")
+            hint: qsTr("Those of the accounts in Evolution and in the desktop's online accounts. An event that a folder holds, too, shows once.")
+            Toggle {
+                objectName: "calendarSettings.evolution"
+                checked: section.calendar.evolution
+                Accessible.name: qsTr("Read Evolution's calendars")
+                onToggled: section.calendar.evolution = checked
+            }
+        }
+    }
+    Card {
+        width: parent.width
         SectionHeader { text: qsTr("Folders") }
         Label {
             width: parent.width
@@ -94,16 +108,19 @@ Column {
                 objectName: "calendarSettings.addFolder"
                 text: qsTr("Add folder")
                 enabled: path.text.trim() !== ""
-                onClicked: {
-                    refusal.text = section.calendar.addFolder(path.text);
-                    if (refusal.text === "")
-                        path.text = "";
-                }
+                onClicked: if (section.calendar.addFolder(path.text)) path.text = ""
+            }
+            Button {
+                objectName: "calendarSettings.chooseFolder"
+                kind: "quiet"
+                text: qsTr("Choose…")
+                Accessible.name: qsTr("Choose a folder")
+                onClicked: section.calendar.chooseFolder()
             }
         }
         Label {
-            id: refusal
             visible: text !== ""
+            text: section.calendar.refusal
             color: Theme.bad
             Accessible.role: Accessible.AlertMessage
             Accessible.name: text
@@ -113,7 +130,7 @@ Column {
         width: parent.width
         SettingRow {
             label: qsTr("Agents may add events")
-            hint: qsTr("Each one is told, and can be undone for ten seconds. Otherwise they wait in Calendar for your word.")
+            hint: qsTr("Each one is told, and can be undone for ten seconds. Otherwise they wait in Approvals for your word.")
             Toggle {
                 objectName: "calendarSettings.agents"
                 checked: section.calendar.agentsMayAdd

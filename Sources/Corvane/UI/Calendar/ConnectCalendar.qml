@@ -14,6 +14,10 @@ FocusScope {
     width: 420
     height: column.implicitHeight
 
+    Connections {
+        target: offer.screen
+        function onFolderAsked() { offer.settingsPressed(); }
+    }
     Column {
         id: column
         width: parent.width
@@ -41,12 +45,23 @@ FocusScope {
                 text: qsTr("Make a local calendar")
                 onClicked: offer.screen.makeLocal()
             }
+        }
+        Row {
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Theme.small
+            topPadding: -Theme.large
             Button {
-                objectName: "calendar.openSettings"
-                visible: offer.denied
+                objectName: "calendar.chooseFolder"
                 kind: "quiet"
                 text: qsTr("Choose a folder…")
-                onClicked: offer.settingsPressed()
+                onClicked: offer.screen.chooseFolder()
+            }
+            Button {
+                objectName: "calendar.useEvolution"
+                visible: offer.screen.hasEvolution
+                kind: "quiet"
+                text: qsTr("Use Evolution's calendars")
+                onClicked: offer.screen.useEvolution()
             }
         }
     }
