@@ -153,6 +153,7 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     model = ownModel.get();
     machine.languageModel = std::move(ownModel);
     machine.facts = std::make_unique<PictureFacts>();
+    machine.systemRoot = AppPaths::fromEnvironment().home + u"/system"_s;
     machine.callAudio = std::make_unique<PictureCallAudio>();
     return machine;
 }

@@ -10,6 +10,7 @@ void drawInbox(Gallery& gallery);
 void drawAssistant(Gallery& gallery);
 void drawContact(Gallery& gallery);
 void drawCalendar(Gallery& gallery);
+void drawToday(Gallery& gallery);
 void drawApprovals(Gallery& gallery);
 void drawSettings(Gallery& gallery);
 void drawHubs(Gallery& gallery);

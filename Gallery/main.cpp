@@ -27,6 +27,7 @@ const Page pages[] = {
     { QStringLiteral("assistant"), drawAssistant },
     { QStringLiteral("contact"), drawContact },
     { QStringLiteral("calendar"), drawCalendar },
+    { QStringLiteral("today"), drawToday },
     { QStringLiteral("approvals"), drawApprovals },
     { QStringLiteral("settings"), drawSettings },
     { QStringLiteral("hubs"), drawHubs },

@@ -97,7 +97,8 @@ TEST_F(Navigation, theBarShowsTheHubsAndWhichOneIsChosen)
     EXPECT_EQ(rows,
         QStringList({ "lumo Lumo topnav.lumo Ctrl+1 false", "gtm GTM topnav.gtm Ctrl+2 false",
             "cx CX topnav.cx Ctrl+3 false", "ops Ops topnav.ops Ctrl+4 false", "inbox Inbox topnav.inbox Ctrl+5 true",
-            "dev Dev topnav.dev Ctrl+6 false", "calendar Calendar topnav.calendar Ctrl+7 false" }));
+            "dev Dev topnav.dev Ctrl+6 false", "calendar Calendar topnav.calendar Ctrl+7 false",
+            "today Today topnav.today Ctrl+8 false" }));
 
     shell->selectHub("lumo");
     EXPECT_EQ(column(hubs, "selected")[0], "true");

@@ -110,6 +110,19 @@ QList<MenuTab> CorvaneMenuBarView::shownTabs() const
     return tabs;
 }
 
+QList<TabItem> CorvaneMenuBarView::everyTab()
+{
+    QList<TabItem> tabs;
+    for (const MenuTab tab : { MenuTab::Now, MenuTab::Approvals, MenuTab::Ram, MenuTab::Calendar, MenuTab::Calls })
+        tabs.append({ words(tab).id, words(tab).label, 0 });
+    return tabs;
+}
+
+bool CorvaneMenuBarView::hasTab(const QString& id) const
+{
+    return std::ranges::any_of(shownTabs(), [&](MenuTab tab) { return words(tab).id == id; });
+}
+
 QList<TabItem> CorvaneMenuBarView::tabs() const
 {
     QList<TabItem> tabs;

@@ -51,10 +51,11 @@ public:
     bool operator==(const GlanceLine&) const = default;
 };
 
-/// The small window at the tray: the day at a glance while the main window is closed.
+/// The day at a glance: the small window at the tray, and the section "Today" of the main window.
 class CorvaneMenuBarView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
+    Q_PROPERTY(bool visible READ isVisible WRITE setVisible NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY tabChanged) ///< the id of the one in front
     Q_PROPERTY(QList<corvane::DayLine> today READ today NOTIFY changed)
     Q_PROPERTY(QList<corvane::GlanceLine> glance READ glance NOTIFY changed)
@@ -86,6 +87,8 @@ public:
 
     explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
 
+    static QList<TabItem> everyTab(); ///< whether it is shown now or not
+    bool hasTab(const QString& id) const; ///< it is shown now
     QList<TabItem> tabs() const;
     QString tab() const;
     void setTab(const QString& id); ///< an unknown word changes nothing
@@ -104,6 +107,7 @@ public:
     CallsView* calls() { return &m_at.calls; }
 
     /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
+    bool isVisible() const { return m_visible; }
     void setVisible(bool visible);
 
     Q_INVOKABLE void run(const QString& action); ///< of a line of `today`, or "window", "settings" or "signIn"

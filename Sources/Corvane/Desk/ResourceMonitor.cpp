@@ -15,10 +15,12 @@ constexpr Milliseconds timeToEnd { 800 };
 
 }
 
-ResourceMonitor::ResourceMonitor(const MachineFacts& machine, BackgroundQueue& background, Scheduler& scheduler)
+ResourceMonitor::ResourceMonitor(
+    const MachineFacts& machine, BackgroundQueue& background, Scheduler& scheduler, const QString& root)
     : m_machine(machine)
     , m_background(background)
     , m_scheduler(scheduler)
+    , m_root(root)
 {
 }
 
@@ -32,7 +34,7 @@ void ResourceMonitor::refresh()
 {
     if (std::exchange(m_isRefreshing, true))
         return;
-    m_background.run<Result<ResourceReading>>([] { return readResources(); },
+    m_background.run<Result<ResourceReading>>([root = m_root] { return readResources(root); },
         [self = QPointer(this)](const Result<ResourceReading>& reading) {
             if (self)
                 self->take(reading);

@@ -14,8 +14,9 @@ class MachineFacts;
 class ResourceMonitor : public QObject {
     Q_OBJECT
 public:
-    /// The references outlive the object.
-    ResourceMonitor(const MachineFacts& machine, BackgroundQueue& background, Scheduler& scheduler);
+    /// The references outlive the object. `root`: see `readResources`.
+    ResourceMonitor(
+        const MachineFacts& machine, BackgroundQueue& background, Scheduler& scheduler, const QString& root = {});
 
     void start(); ///< a second call leaves one timer
     void refresh(); ///< nothing while a reading runs
@@ -35,6 +36,7 @@ private:
     const MachineFacts& m_machine;
     BackgroundQueue& m_background;
     Scheduler& m_scheduler;
+    const QString m_root;
     ResourceSnapshot m_snapshot;
     QString m_lastError;
     bool m_isRefreshing = false;

@@ -7,6 +7,7 @@
 #include "CRM/ContactsBridge.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
+#include "Desk/CorvaneMenuBarLabel.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/AccountStore.h"
@@ -98,7 +99,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser, *m_machine.basicRecogniser,
             m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport, *m_machine.tools, *m_machine.reader });
     m_machine.languageModel->choose(modelChoice(m_defaults));
-    m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler);
+    m_resources = std::make_unique<ResourceMonitor>(*m_machine.facts, m_background, m_scheduler, m_machine.systemRoot);
     m_calendar = std::make_unique<CalendarServices>(CalendarStore::Surroundings { m_engine->db(), *m_machine.calendars,
                                                         m_background, m_scheduler, m_defaults, m_notifications,
                                                         [this] {
@@ -273,6 +274,7 @@ void CorvaneApp::setUpTray()
     Tray* const tray = m_machine.tray.get();
     if (!tray)
         return;
+    m_trayLabel = std::make_unique<CorvaneMenuBarLabel>(m_calendar->store, *m_resources, *tray, m_scheduler, nullptr);
     updateTrayMenu();
     connect(tray, &Tray::activated, this, [this](const QPoint& at) {
         if (!isQuitting())

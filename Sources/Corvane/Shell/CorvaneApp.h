@@ -22,6 +22,7 @@ namespace corvane {
 class AccountStore;
 class ApprovalsStore;
 class ContactsBridge;
+class CorvaneMenuBarLabel;
 class AudioPlayer;
 class Desktop;
 class DraftDelivery;
@@ -144,6 +145,7 @@ private:
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;
+    std::unique_ptr<CorvaneMenuBarLabel> m_trayLabel;
     const QList<Command> m_trayCommands;
     int m_toldMinutes = -1; ///< of the recording, at the tray; -1 without one
     QString m_told; ///< of what is wrong with the database

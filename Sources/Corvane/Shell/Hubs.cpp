@@ -1,7 +1,9 @@
 #include "Shell/Hubs.h"
 
 #include "Calendar/CalendarKeys.h"
+#include "Desk/DeskCommands.h"
 #include "Inbox/InboxCommands.h"
+#include "Shell/CorvaneApp.h"
 #include "Shell/PlannedHub.h"
 #include "Shell/Screens.h"
 #include "Terminals/TerminalCommands.h"
@@ -39,6 +41,11 @@ HubScreen calendar(Screens& screens, const Hub&)
     return { &screens.calendar, calendarCommands() };
 }
 
+HubScreen today(Screens& screens, const Hub&)
+{
+    return { &screens.today, todayCommands(screens.today, screens.app.notifications()) };
+}
+
 }
 
 const QList<Hub>& hubTable()
@@ -51,6 +58,7 @@ const QList<Hub>& hubTable()
         { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
         { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Terminals/TerminalsPage.qml"_s), terminals },
         { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s, page(u"Calendar/CalendarPage.qml"_s), calendar },
+        { u"today"_s, u"Today"_s, u"view-list"_s, page(u"Panel/TodayPage.qml"_s), today },
     };
     return hubs;
 }

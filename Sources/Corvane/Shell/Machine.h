@@ -57,6 +57,7 @@ struct Machine {
     std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
     std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
     std::unique_ptr<Tray> tray; ///< none in a headless run
+    QString systemRoot {}; ///< stands before the paths that tell memory and processes; empty: this machine
     std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
 };
 

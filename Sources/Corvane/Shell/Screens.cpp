@@ -3,7 +3,7 @@
 #include "Approvals/ApprovalCommands.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
-#include "Desk/CaptureCommands.h"
+#include "Desk/DeskCommands.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/EngineManager.h"
@@ -40,6 +40,8 @@ Screens::Screens(CorvaneApp& root)
     , callSettings(app.calls().settings)
     , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
           calls, app.ai(), &app.capture() })
+    , today({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
+          calls, app.ai(), &app.capture() })
     , closingNotice(app.tray(), app.defaults())
     , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
 {
@@ -71,6 +73,7 @@ Screens::Screens(CorvaneApp& root)
     inbox.palette()->setCommands(commands);
     inbox.setDrafts(drafts);
     panel.resources()->setMonitor(app.resources());
+    today.resources()->setMonitor(app.resources());
     QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this] {
         if (!terminals.asksBeforeQuit())

@@ -53,6 +53,7 @@ public:
     CallsView calls;
     CallSettings& callSettings;
     CorvaneMenuBarView panel;
+    CorvaneMenuBarView today; ///< the same in the main window
     ClosingNotice closingNotice;
     TerminalsView terminals;
 };

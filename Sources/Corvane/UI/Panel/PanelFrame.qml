@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
 import Corvane.Approvals
-import Corvane.Calendar
 import Corvane.Calls
 import Corvane.Controls
 import Corvane.Panel
@@ -14,7 +13,6 @@ T.ApplicationWindow {
     required property CorvaneMenuBarView panel
     required property Notices notices
     readonly property ApprovalsView approvals: panel.approvals
-    readonly property var tabs: ({ now: now, approvals: waiting, ram: ram, calendar: meetings, calls: calls })
 
     title: qsTr("Corvane panel")
     width: 380
@@ -36,66 +34,27 @@ T.ApplicationWindow {
     onVisibleChanged: {
         wasActive = visible && active;
         if (visible)
-            content.forceActiveFocus(Qt.TabFocusReason);
+            tabs.forceActiveFocus(Qt.TabFocusReason);
     }
 
     FocusScope {
         id: frame
         anchors.fill: parent
         focus: true
-        Keys.onEscapePressed: {
-            if (window.panel.tab === "calendar" && window.panel.meetings.prep.open)
-                window.panel.meetings.prep.close();
-            else if (!window.approvals.stepBack() && !window.panel.resources.stepBack())
-                window.hide();
-        }
+        Keys.onEscapePressed: if (!tabs.stepBack()) window.hide()
 
-        Row {
-            id: tabs
-            x: Theme.medium
-            y: Theme.medium
-            spacing: Theme.tight
-            Accessible.role: Accessible.PageTabList
-            Accessible.name: qsTr("Tabs")
-            Repeater {
-                id: tabButtons
-                model: window.panel.tabs.length
-                FilterTab {
-                    id: button
-                    required property int index
-                    readonly property tabItem tab: window.panel.tabs[index]
-                    objectName: "panel." + button.tab.id
-                    text: button.tab.label
-                    count: button.tab.count
-                    selected: window.panel.tab === button.tab.id
-                    onClicked: window.panel.tab = button.tab.id
-                    Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
-                    Keys.onLeftPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
-                }
-            }
-        }
-        Rectangle {
-            id: edge
-            anchors.top: tabs.bottom
-            anchors.topMargin: Theme.medium
-            width: parent.width
-            height: 1
-            color: Theme.line
-        }
         NoticeBar {
             id: noticeBar
-            anchors.top: edge.bottom
             width: parent.width
             notices: window.notices
         }
-        Loader {
-            id: content
+        PanelTabs {
+            id: tabs
             anchors.top: noticeBar.bottom
             anchors.bottom: foot.top
             width: parent.width
             focus: true
-            sourceComponent: window.tabs[window.panel.tab] ?? now
-            onLoaded: if (window.active) forceActiveFocus(Qt.TabFocusReason)
+            panel: window.panel
         }
         Item {
             id: foot
@@ -151,41 +110,5 @@ T.ApplicationWindow {
         color: Theme.none
         border.width: 1
         border.color: Theme.line
-    }
-    Component {
-        id: now
-        NowTab {
-            focus: true
-            panel: window.panel
-        }
-    }
-    Component {
-        id: ram
-        RamTab {
-            focus: true
-            resources: window.panel.resources
-        }
-    }
-    Component {
-        id: meetings
-        UpcomingTab {
-            focus: true
-            meetings: window.panel.meetings
-            onReviewPressed: window.panel.reviewAll()
-        }
-    }
-    Component {
-        id: calls
-        CallsTab {
-            focus: true
-            panel: window.panel
-        }
-    }
-    Component {
-        id: waiting
-        ApprovalList {
-            focus: true
-            approvals: window.approvals
-        }
     }
 }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Foundation/Scheduler.h"
+
+#include <QObject>
+
+namespace corvane {
+
+class CalendarStore;
+class ResourceMonitor;
+class Tray;
+
+/// The few words beside the icon at the tray: the meeting that comes within the hour, else whether memory is short.
+class CorvaneMenuBarLabel : public QObject {
+    Q_OBJECT
+public:
+    /// The references outlive the object.
+    CorvaneMenuBarLabel(
+        CalendarStore& calendar, ResourceMonitor& resources, Tray& tray, Scheduler& scheduler, QObject* parent);
+
+    QString text() const; ///< such as "Standup 5m"; empty where there is nothing to say
+
+private:
+    void show();
+
+    CalendarStore& m_calendar;
+    ResourceMonitor& m_resources;
+    Tray& m_tray;
+    Scheduler& m_scheduler;
+    std::unique_ptr<Timer> m_clock;
+};
+
+}

@@ -1,0 +1,36 @@
+#include "Desk/DeskCommands.h"
+
+#include "Desk/CorvaneMenuBarView.h"
+#include "Desk/QuickCapture.h"
+#include "Foundation/NotificationCentre.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+QList<Command> captureCommands(QuickCapture& capture)
+{
+    return { { .id = u"capture"_s, .action = u"Capture a task or a note"_s, .run = [&capture] {
+                  capture.toggle();
+              } } };
+}
+
+QList<Command> todayCommands(CorvaneMenuBarView& today, NotificationCentre& notifications)
+{
+    QList<Command> commands { { .id = u"todayTab"_s,
+        .label = u"Now, Approvals, RAM, Calendar, Calls"_s,
+        .keys = u"1 … 5"_s,
+        .place = { u"In Today"_s, 1 } } };
+    for (const TabItem& tab : CorvaneMenuBarView::everyTab())
+        commands.append({ .id = u"today."_s + tab.id,
+            .action = u"Today: "_s + tab.label,
+            .canRun = [&today, id = tab.id] { return today.hasTab(id); },
+            .run =
+                [&today, &notifications, id = tab.id] {
+                    today.setTab(id);
+                    notifications.post(notifications::openWorkConsole, u"today"_s);
+                } });
+    return commands;
+}
+
+}
