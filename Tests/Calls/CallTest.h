@@ -11,6 +11,7 @@
 #include "Support/FakeLanguageModel.h"
 #include "Support/FakeMicrophone.h"
 #include "Support/StoreTest.h"
+#include "Voice/SpeechModelStore.h"
 
 #include <QDir>
 
@@ -33,7 +34,7 @@ protected:
         recorded.emplace(*m_db);
         summarizer.emplace(lumo.ai, m_defaults);
         processor.emplace(
-            *m_db, *summarizer, [this](TranscriptionRequest request) { return hear(std::move(request)); });
+            *m_db, *summarizer, [this](TranscriptionRequest request) { return hear(std::move(request)); }, models);
         recorder.emplace(CallRecorder::Surroundings {
             *recorded, *processor, microphone, audio, sleep, lumo.machine, m_defaults, m_clock, m_home.paths() });
     }
@@ -41,7 +42,7 @@ protected:
     QCoro::Task<TranscriptionOutcome> hear(TranscriptionRequest request)
     {
         const QString track = QFileInfo(request.audioPath).baseName();
-        heard.append(track);
+        heard.append(request.model ? track + u' ' + request.model->id() : track);
         const auto later = arrivals.value(track);
         if (arrivals.contains(track))
             co_await later;
@@ -79,6 +80,7 @@ protected:
     Outcomes says;
     QHash<QString, Arrival<bool>> arrivals; ///< tracks whose transcript comes later
     QStringList heard;
+    SpeechModelStore models { m_home.paths().applicationSupport, m_defaults, m_clock };
     std::optional<RecordedCalls> recorded;
     std::optional<CallSummarizer> summarizer;
     std::optional<CallProcessor> processor;

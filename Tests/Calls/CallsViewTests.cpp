@@ -119,6 +119,16 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
     EXPECT_EQ(page.stateText(), "Transcribed, no summary");
     EXPECT_GE(cell("SELECT ended_at - started_at FROM call_recording;").toLongLong(), 0);
     EXPECT_EQ(page.processLabel(), "Transcribe again");
+    EXPECT_TRUE(page.models().isEmpty()) << "there is nothing to choose";
+    SpeechInstalledModel small;
+    small.spec
+        = { .repository = "whisper.cpp", .revision = "abc", .variant = "ggml-small.bin", .displayName = "Small" };
+    small.localPath = m_home.paths().defaultsFile;
+    models.add(small);
+    EXPECT_EQ(page.models().first(), (Choice { "whisper.cpp:ggml-small.bin", "Small" }));
+    EXPECT_EQ(page.model(), page.models().last().id) << "which made this transcript";
+    page.processWith("whisper.cpp:ggml-small.bin");
+    EXPECT_EQ(heard.last(), "mic whisper.cpp:ggml-small.bin");
 }
 
 TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)

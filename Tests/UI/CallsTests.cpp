@@ -72,6 +72,14 @@ TEST_F(CallsWindow, callsHaveASettingsSection)
     EXPECT_TRUE(calls.recorder.systemAudioEnabled());
     click(u"calls.keep.90"_s);
     EXPECT_EQ(calls.settings.kept(), "90");
+    EXPECT_EQ(findItem(u"calls.lead.120"_s), nullptr);
+    click(u"calls.auto"_s);
+    EXPECT_TRUE(await([this] { return calls.autoRecorder.statusText().startsWith("Connect Calendar"); }));
+    rest();
+    click(u"calls.lead.120"_s);
+    click(u"calls.requireApp"_s);
+    EXPECT_EQ(calls.autoRecorder.rule().startLeadSeconds, 120);
+    EXPECT_TRUE(calls.autoRecorder.rule().requireMeetingApp);
 }
 
 }

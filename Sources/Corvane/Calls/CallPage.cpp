@@ -9,6 +9,7 @@
 #include "Presentation/WAName.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Work/CallWrites.h"
+#include "Voice/SpeechModelStore.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -40,6 +41,7 @@ CallPage::CallPage(CallRecorder& recorder, CallPlayer& player, QObject* parent)
     connect(&m_recorder.recorded(), &RecordedCalls::changed, this, &CallPage::reload);
     connect(&m_recorder, &CallRecorder::changed, this, &CallPage::reload);
     connect(&m_recorder.processor(), &CallProcessor::progressed, this, &CallPage::progressed);
+    connect(&m_recorder.processor().models(), &SpeechModelStore::changed, this, &CallPage::changed);
     connect(&m_player, &CallPlayer::moved, this, &CallPage::moved);
 }
 
@@ -202,6 +204,23 @@ QString CallPage::processLabel() const
                                                                             : QStringLiteral("Transcribe now");
 }
 
+QList<Choice> CallPage::models() const
+{
+    const QList<SpeechInstalledModel>& installed = m_recorder.processor().models().installed();
+    if (processLabel().isEmpty() || installed.isEmpty())
+        return {};
+    QList<Choice> choices;
+    for (const SpeechInstalledModel& model : installed)
+        choices.append({ model.spec.id(), model.spec.displayName });
+    const SpeechModelSpec basic = basicRecogniserSpec();
+    return choices << Choice { basic.id(), basic.displayName };
+}
+
+QString CallPage::model() const
+{
+    return m_call ? m_call->model.section(u'@', 0, 0) : QString();
+}
+
 bool CallPage::asksCodex() const
 {
     return m_call && !busy() && m_call->processingStatus == callStatus::transcribed
@@ -271,13 +290,29 @@ CallJob CallPage::job() const
         .systemPath = m_systemPath };
 }
 
-/// What a crash or a quit left is made whole first, and gets the end that it lacks.
 void CallPage::process()
+{
+    if (!processLabel().isEmpty())
+        process(job());
+}
+
+void CallPage::processWith(const QString& model)
 {
     if (processLabel().isEmpty())
         return;
+    CallJob work = job();
+    work.model = basicRecogniserSpec();
+    for (const SpeechInstalledModel& installed : m_recorder.processor().models().installed()) {
+        if (installed.spec.id() == model)
+            work.model = installed.spec;
+    }
+    process(work);
+}
+
+/// What a crash or a quit left is made whole first, and gets the end that it lacks.
+void CallPage::process(const CallJob& work)
+{
     m_player.stop();
-    const CallJob work = job();
     if (processLabel() != QLatin1StringView("Recover"))
         return m_recorder.processor().process(work);
     CallAudio& audio = m_recorder.surroundings().audio;

@@ -6,6 +6,7 @@
 #include "Calls/CallProcessor.h"
 #include "Calls/CallRows.h"
 #include "Calls/CallWaveform.h"
+#include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
 
 namespace corvane {
@@ -38,6 +39,9 @@ class CallPage : public QObject {
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< of the transcript, from 0 to 1
     Q_PROPERTY(QString processLabel READ processLabel NOTIFY changed) ///< what `process` does; empty where it can't
+    /// What can transcribe it, where that is more than one thing; and the one that did.
+    Q_PROPERTY(QList<corvane::Choice> models READ models NOTIFY changed)
+    Q_PROPERTY(QString model READ model NOTIFY changed)
     Q_PROPERTY(bool canStopWork READ canStopWork NOTIFY changed)
     Q_PROPERTY(bool asksCodex READ asksCodex NOTIFY changed)
     Q_PROPERTY(QString codexQuestion READ codexQuestion CONSTANT)
@@ -77,6 +81,8 @@ public:
     bool busy() const;
     double progress() const;
     QString processLabel() const;
+    QList<Choice> models() const;
+    QString model() const;
     bool canStopWork() const { return busy(); }
     bool asksCodex() const;
     QString codexQuestion() const;
@@ -92,6 +98,7 @@ public:
     Q_INVOKABLE void playTurn(int number);
     Q_INVOKABLE void playMark(int number);
     Q_INVOKABLE void process(); ///< transcribes now, again, or what a crash left
+    Q_INVOKABLE void processWith(const QString& model); ///< the same, with one of `models`
     Q_INVOKABLE void stopWork();
     Q_INVOKABLE void answerCodex(bool allowed);
     Q_INVOKABLE void applyProposal(const QString& id);
@@ -111,6 +118,7 @@ private:
     QString folder() const; ///< of the call's files
     bool isRecordedNow() const;
     CallJob job() const;
+    void process(const CallJob& work);
     void tell(const QString& words);
     void decide(const QString& id, bool apply);
 

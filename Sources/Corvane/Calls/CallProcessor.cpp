@@ -30,11 +30,13 @@ bool isSilent(const TranscriptionOutcome& outcome)
 
 }
 
-CallProcessor::CallProcessor(LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, QObject* parent)
+CallProcessor::CallProcessor(
+    LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, const SpeechModelStore& models, QObject* parent)
     : QObject(parent)
     , m_db(db)
     , m_summarizer(summarizer)
     , m_transcribe(std::move(transcribe))
+    , m_models(models)
 {
 }
 
@@ -98,7 +100,7 @@ TranscriptionRequest CallProcessor::request(
         self->m_running[id].progress = from + (to - from) * done;
         Q_EMIT self->progressed(id);
     };
-    return { .audioPath = path, .onProgress = report, .cancel = std::move(cancel) };
+    return { .audioPath = path, .model = job.model, .onProgress = report, .cancel = std::move(cancel) };
 }
 
 /// The text of one track as it is, or of both on one time line. One that is silent leaves the other to speak.

@@ -13,6 +13,7 @@ namespace corvane {
 
 class CallSummarizer;
 class LocalDB;
+class SpeechModelStore;
 
 /// A recorded call whose sound becomes text.
 struct CallJob {
@@ -21,6 +22,7 @@ struct CallJob {
     QString captureMode; ///< of what there is to be heard
     QString micPath; ///< empty where the microphone is not transcribed
     QString systemPath;
+    std::optional<SpeechModelSpec> model = {}; ///< that transcribes; nothing: the preferred one
 };
 
 /// Makes transcript, summary and proposals of recorded calls. Several may run, each for itself.
@@ -30,7 +32,8 @@ public:
     using Transcribe = std::function<QCoro::Task<TranscriptionOutcome>(TranscriptionRequest)>;
 
     /// All of it outlives the processor.
-    CallProcessor(LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, QObject* parent = nullptr);
+    CallProcessor(LocalDB& db, CallSummarizer& summarizer, Transcribe transcribe, const SpeechModelStore& models,
+        QObject* parent = nullptr);
     ~CallProcessor() override;
 
     /// Nothing where the call is being processed already.
@@ -38,6 +41,7 @@ public:
     void summarizeAgain(const QString& callId); ///< from the transcript that is there
 
     CallSummarizer& summarizer() { return m_summarizer; }
+    const SpeechModelStore& models() const { return m_models; }
     bool isProcessing(const QString& callId) const { return m_running.contains(callId); }
     CallPhase::Kind phase(const QString& callId) const { return m_running.value(callId).phase; }
     double progress(const QString& callId) const { return m_running.value(callId).progress; } ///< of the transcript
@@ -69,6 +73,7 @@ private:
     LocalDB& m_db;
     CallSummarizer& m_summarizer;
     const Transcribe m_transcribe;
+    const SpeechModelStore& m_models;
     QHash<QString, Running> m_running;
 };
 

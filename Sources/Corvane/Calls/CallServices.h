@@ -26,9 +26,10 @@ struct CallServices {
     };
 
     CallServices(RecordedCalls& recorded, CalendarStore& calendar, LumoAI& ai, CallProcessor::Transcribe transcribe,
-        const Machine& machine, UserDefaults& defaults, Scheduler& scheduler, const AppPaths& paths)
+        const SpeechModelStore& models, const Machine& machine, UserDefaults& defaults, Scheduler& scheduler,
+        const AppPaths& paths)
         : summarizer(ai, defaults)
-        , processor(recorded.db(), summarizer, std::move(transcribe))
+        , processor(recorded.db(), summarizer, std::move(transcribe), models)
         , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts, defaults,
               scheduler, paths })
         , recording(recorder)

@@ -109,7 +109,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
     m_calls = std::make_unique<CallServices>(
         *m_recordedCalls, m_calendar->store, m_ai->ai,
-        [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); },
+        [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); }, m_voice->store,
         CallServices::Machine { *m_machine.microphone, *m_machine.callAudio, *m_machine.sleep, *m_machine.facts,
             *m_machine.callPlayers[0], *m_machine.callPlayers[1], m_background, m_machine.shortcuts.get() },
         m_defaults, m_scheduler, m_paths);

@@ -90,6 +90,27 @@ Item {
             onClicked: head.page.process()
         }
         MenuButton {
+            id: models
+            objectName: "call.models"
+            implicitHeight: Theme.control
+            visible: head.page.models.length > 0
+            icon.name: "audio"
+            Accessible.name: qsTr("Transcribe with another model")
+            hint: Accessible.name
+            Instantiator {
+                model: head.page.models
+                delegate: MenuItem {
+                    required property choice modelData
+                    text: modelData.label
+                    checkable: true
+                    checked: head.page.model === modelData.id
+                    onTriggered: head.page.processWith(modelData.id)
+                }
+                onObjectAdded: (index, object) => models.list.insertItem(index, object as MenuItem)
+                onObjectRemoved: (index, object) => models.list.removeItem(object as MenuItem)
+            }
+        }
+        MenuButton {
             objectName: "call.more"
             implicitHeight: Theme.control
             icon.name: "overflow-menu"

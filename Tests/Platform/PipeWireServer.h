@@ -1,0 +1,58 @@
+#pragma once
+
+#include "SoundServer.h"
+#include "Support/PrivateBus.h"
+
+namespace corvane {
+
+/// PipeWire in place of PulseAudio: the same loudspeaker, and a microphone in a silent room.
+class PipeWireServer {
+public:
+    PipeWireServer()
+    {
+        qputenv("PULSE_SERVER", QFile::encodeName("unix:" + m_folder.filePath("pulse/native")));
+        start(m_pipewire, "pipewire");
+        EXPECT_TRUE(await([this] { return QFile::exists(m_folder.filePath("pipewire-0")); })) << "it did not come up";
+        start(m_manager, "wireplumber");
+        start(m_pulse, "pipewire-pulse");
+        EXPECT_TRUE(await([] { return SoundServer::control({ "info" }); })) << "pipewire-pulse did not come up";
+        for (const char* sink : { "speaker", "room" })
+            SoundServer::control({ "load-module", "module-null-sink", QString("sink_name=%1").arg(sink) });
+        SoundServer::control({ "load-module", "module-remap-source", "source_name=mic", "master=room.monitor" });
+        EXPECT_TRUE(SoundServer::control({ "set-default-sink", "speaker" }));
+        EXPECT_TRUE(SoundServer::control({ "set-default-source", "mic" }));
+    }
+
+    ~PipeWireServer()
+    {
+        for (QProcess* const program : { &m_pulse, &m_manager, &m_pipewire }) {
+            program->kill();
+            program->waitForFinished();
+        }
+        qunsetenv("PULSE_SERVER");
+    }
+    PipeWireServer(const PipeWireServer&) = delete;
+    PipeWireServer& operator=(const PipeWireServer&) = delete;
+
+private:
+    void start(QProcess& process, const QString& program)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* variable : { "XDG_RUNTIME_DIR", "XDG_STATE_HOME", "HOME" })
+            environment.insert(variable, m_folder.path());
+        environment.insert("DBUS_SESSION_BUS_ADDRESS", m_bus.address());
+        process.setProcessEnvironment(environment);
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+        process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        process.start(program, QStringList());
+    }
+
+    QTemporaryDir m_folder;
+    PrivateBus m_bus; ///< without one the streams are never linked
+    QProcess m_pipewire;
+    QProcess m_manager;
+    QProcess m_pulse;
+};
+
+}
