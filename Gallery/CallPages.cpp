@@ -50,7 +50,11 @@ void drawCalls(Gallery& gallery)
     gallery.screens().panel.setTab(u"now"_s);
     gallery.screens().settings.setSection(u"calls"_s);
     gallery.screens().shell.openSettings();
+    CallSettings& settings = gallery.screens().callSettings;
+    settings.setAutoRecord(true);
+    gallery.wait(pause);
     gallery.save(u"settings-calls"_s, looks);
+    settings.setAutoRecord(false);
     gallery.screens().settings.setSection(u"accounts"_s);
     gallery.screens().shell.closeSettings();
     gallery.db().run(u"UPDATE call_recording SET deleted_at=1;"_s);

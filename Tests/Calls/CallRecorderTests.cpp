@@ -119,6 +119,8 @@ TEST_F(CallTest, whatEndsARecordingLeavesItsWord)
     lumo.machine.now.freeDiskBytes = 90'000'000;
     m_clock.advance(Milliseconds(6000));
     EXPECT_FALSE(recorder->isRecording());
+    start("no room");
+    EXPECT_EQ(recorder->statusText(), "The disk is full. Make room for the recording.");
     const QString silent = describe(SpeechTranscriberError { .kind = SpeechTranscriberError::Kind::EmptyTranscript });
     EXPECT_EQ(rows(),
         QStringList({ "cancelled|cancelled|User cancelled before processing.",

@@ -114,6 +114,8 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
 {
     if (!m_at.recorded.db().isOpen())
         return fail(noDatabase);
+    if (const qint64 free = m_at.machine.state().freeDiskBytes; free >= 0 && free < fullDiskBytes)
+        return fail(QStringLiteral("The disk is full. Make room for the recording."));
     const qint64 now = m_at.scheduler.nowMs();
     const QString named = title.trimmed();
     const Shown call {

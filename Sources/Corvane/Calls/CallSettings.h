@@ -43,7 +43,7 @@ public:
 
     bool autoRecord() const;
     void setAutoRecord(bool on);
-    QString autoRecordLabel() const { return QStringLiteral("Record meetings of the calendar"); }
+    QString autoRecordLabel() const { return QStringLiteral("Calendar auto-record"); }
     QString autoRecordHint() const
     {
         return QStringLiteral(
@@ -53,7 +53,7 @@ public:
     QString autoRecordText() const;
     bool requireMeetingApp() const;
     void setRequireMeetingApp(bool required);
-    QString requireMeetingAppLabel() const { return QStringLiteral("Only while a meeting app runs"); }
+    QString requireMeetingAppLabel() const { return QStringLiteral("Require meeting app"); }
     QString requireMeetingAppHint() const;
     QList<Choice> leads() const;
     QString lead() const;

@@ -141,8 +141,12 @@ QStringList speakerTurns(const QString& text)
 
 }
 
+/// Below the first combining mark only a carriage return forms a character with what follows. Most transcripts hold
+/// nothing else, and finding the boundaries of hours of speech would be felt.
 qsizetype characterCount(const QString& text)
 {
+    if (std::ranges::all_of(text, [](QChar unit) { return unit < QChar(0x300) && unit != u'\r'; }))
+        return text.size();
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype count = 0;
     while (finder.toNextBoundary() != -1)

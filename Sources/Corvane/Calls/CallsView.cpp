@@ -79,6 +79,19 @@ void CallsView::step(int by)
     select(rows.at(std::clamp<qsizetype>(at, 0, rows.size() - 1)).id);
 }
 
+int CallsView::proposals() const
+{
+    return int(m_recorder.recorded().pendingProposals().size());
+}
+
+QString CallsView::proposalsText() const
+{
+    if (proposals() == 0)
+        return u"No pending call CRM proposals."_s;
+    return proposals() == 1 ? u"1 pending proposal ready for review."_s
+                            : u"%1 pending proposals ready for review."_s.arg(proposals());
+}
+
 QString CallsView::emptyTitle() const
 {
     return m_query.isEmpty() ? u"No calls yet"_s : u"No call holds “%1”"_s.arg(m_query);

@@ -16,6 +16,8 @@ class CallsView : public QObject {
     Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the open one
     Q_PROPERTY(corvane::CallPage* page READ page CONSTANT)
     Q_PROPERTY(corvane::RecordingView* recording READ recording CONSTANT)
+    Q_PROPERTY(int proposals READ proposals NOTIFY changed) ///< of all calls, that wait
+    Q_PROPERTY(QString proposalsText READ proposalsText NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
 public:
@@ -29,6 +31,8 @@ public:
     QString selected() const { return m_page.callId(); }
     CallPage* page() { return &m_page; }
     RecordingView* recording() { return &m_recording; }
+    int proposals() const;
+    QString proposalsText() const;
     QString emptyTitle() const;
     QString emptyText() const;
 

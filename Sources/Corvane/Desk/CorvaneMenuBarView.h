@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsView.h"
 #include "Calendar/UpcomingMeetings.h"
+#include "Calls/CallSettings.h"
 #include "Calls/CallsView.h"
 #include "Desk/ReplyDrafts.h"
 #include "Desk/ResourcesView.h"
@@ -67,6 +68,7 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(corvane::ResourcesView* resources READ resources CONSTANT)
     Q_PROPERTY(corvane::UpcomingMeetings* meetings READ meetings CONSTANT)
     Q_PROPERTY(corvane::CallsView* calls READ calls CONSTANT)
+    Q_PROPERTY(corvane::CallSettings* callSettings READ callSettings CONSTANT)
 public:
     /// In the order of the tabs; "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
@@ -81,6 +83,7 @@ public:
         ApprovalsView& approvals;
         UpcomingMeetings& meetings;
         CallsView& calls;
+        CallSettings& callSettings;
         AIServices& ai;
         QuickCapture* capture = nullptr; ///< none: nothing of it is shown
     };
@@ -105,6 +108,7 @@ public:
     ResourcesView* resources() { return &m_resources; }
     UpcomingMeetings* meetings() { return &m_at.meetings; }
     CallsView* calls() { return &m_at.calls; }
+    CallSettings* callSettings() { return &m_at.callSettings; }
 
     /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
     bool isVisible() const { return m_visible; }

@@ -39,9 +39,9 @@ Screens::Screens(CorvaneApp& root)
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
     , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
-          calls, app.ai(), &app.capture() })
+          calls, callSettings, app.ai(), &app.capture() })
     , today({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
-          calls, app.ai(), &app.capture() })
+          calls, callSettings, app.ai(), &app.capture() })
     , closingNotice(app.tray(), app.defaults())
     , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
 {

@@ -18,11 +18,41 @@ FocusScope {
         width: parent.width - Theme.medium * 2
         recording: tab.calls.recording
     }
+    Card {
+        id: meetings
+        anchors.top: card.bottom
+        anchors.topMargin: Theme.small
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        padding: Theme.medium
+        SettingRow {
+            label: tab.panel.callSettings.autoRecordLabel
+            hint: tab.panel.callSettings.autoRecordText
+            Toggle {
+                objectName: "panel.autoRecord"
+                checked: tab.panel.callSettings.autoRecord
+                Accessible.name: tab.panel.callSettings.autoRecordLabel
+                onToggled: tab.panel.callSettings.autoRecord = checked
+            }
+        }
+    }
+    PanelLine {
+        id: proposals
+        objectName: "panel.callProposals"
+        anchors.top: meetings.bottom
+        anchors.topMargin: Theme.tight
+        x: Theme.small
+        width: parent.width - Theme.small * 2
+        enabled: tab.calls.proposals > 0
+        sign: "approvals"
+        text: tab.calls.proposalsText
+        onClicked: tab.panel.reviewAll()
+    }
     ListView {
         id: list
         objectName: "panel.calls"
-        anchors.top: card.bottom
-        anchors.topMargin: Theme.small
+        anchors.top: proposals.bottom
+        anchors.topMargin: Theme.tight
         anchors.bottom: parent.bottom
         x: Theme.small
         width: parent.width - Theme.small * 2
@@ -57,7 +87,7 @@ FocusScope {
     }
     EmptyState {
         anchors.horizontalCenter: parent.horizontalCenter
-        y: card.y + card.height + 60
+        y: list.y + 40
         width: parent.width - Theme.huge * 2
         visible: list.count === 0
         icon: "call-start"
