@@ -86,6 +86,12 @@ void Gallery::savePanel(const QString& name, std::initializer_list<Look> looks)
     m_panel.hide();
 }
 
+void Gallery::saveOther(QQuickWindow& window, const QString& name)
+{
+    for (const Look look : { Look::Light, Look::Dark })
+        saveWindow(window, name, look, u"%1x%2"_s.arg(window.width()).arg(window.height()));
+}
+
 void Gallery::saveWindow(QQuickWindow& window, const QString& name, Look look, const QString& size)
 {
     const bool dark = look == Look::Dark || look == Look::DarkSmall;

@@ -28,6 +28,7 @@ public:
     Screens& screens() { return m_screens; }
     LocalDB& db();
     QQuickWindow& window() { return *m_window.window(); }
+    QQmlEngine& engine() { return m_window.engine(); }
     StandingClock& clock() { return m_clock; }
     PictureModel& model() { return *m_model; }
 
@@ -35,6 +36,7 @@ public:
     /// Draws what is on the screen.
     void save(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
     void savePanel(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
+    void saveOther(QQuickWindow& window, const QString& name); ///< at its own size
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     QQuickItem* item(const QString& name); ///< null where there is none of that name
     QString contactNamed(const QString& name); ///< its id

@@ -10,6 +10,7 @@
 #include "Platform/AudioPlayer.h"
 #include "Platform/CalendarSource.h"
 #include "Platform/Desktop.h"
+#include "Platform/GlobalShortcuts.h"
 #include "Platform/Keyring.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/MediaDecoder.h"
@@ -20,6 +21,7 @@
 #include "Platform/SleepInhibitor.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
+#include "Platform/TextInsertion.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 #include "Shell/CorvaneApp.h"
@@ -140,6 +142,34 @@ public:
     }
 };
 
+/// A desktop that gives a program each key that it wishes for.
+class PictureKeys final : public GlobalShortcuts {
+public:
+    void bind(const GlobalShortcut& shortcut) override
+    {
+        m_states[shortcut.id] = { GlobalShortcutState::Kind::Bound, shortcut.keys.first() };
+        Q_EMIT stateChanged(shortcut.id);
+    }
+    void release(const QString& id) override
+    {
+        m_states.remove(id);
+        Q_EMIT stateChanged(id);
+    }
+    GlobalShortcutState state(const QString& id) const override { return m_states.value(id); }
+
+private:
+    QHash<QString, GlobalShortcutState> m_states;
+};
+
+/// Of the machine only how text would get to other programs.
+class PictureInsertion final : public TextInsertion {
+public:
+    InsertionWay way() const override { return InsertionWay::PasteKeys; }
+    bool isBoundToFocus() const override { return false; }
+    void aim() override { }
+    void insert(const QString&, Done) override { }
+};
+
 inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
 {
     static SystemScheduler scheduler;
@@ -155,6 +185,8 @@ inline Machine pictureMachine(PictureDesktop*& desktop, PictureModel*& model)
     machine.facts = std::make_unique<PictureFacts>();
     machine.systemRoot = AppPaths::fromEnvironment().home + u"/system"_s;
     machine.callAudio = std::make_unique<PictureCallAudio>();
+    machine.shortcuts = std::make_unique<PictureKeys>();
+    machine.insertion = std::make_unique<PictureInsertion>();
     return machine;
 }
 

@@ -30,6 +30,7 @@ const Page pages[] = {
     { QStringLiteral("today"), drawToday },
     { QStringLiteral("approvals"), drawApprovals },
     { QStringLiteral("settings"), drawSettings },
+    { QStringLiteral("dictation"), drawDictation },
     { QStringLiteral("hubs"), drawHubs },
     { QStringLiteral("terminals"), drawTerminals },
     { QStringLiteral("calls"), drawCalls },

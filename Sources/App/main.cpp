@@ -11,6 +11,7 @@
 #include "Platform/PrivateFile.h"
 #include "Platform/SingleInstance.h"
 #include "Platform/TerminationSignals.h"
+#include "Platform/TextInsertion.h"
 #include "Platform/Tray.h"
 #include "Shell/AskCommand.h"
 #include "Shell/CalendarCommand.h"
@@ -21,6 +22,7 @@
 #include "Shell/ToolCommand.h"
 #include "Shell/VerifyCommand.h"
 #include "UI/CaptureWindow.h"
+#include "UI/DictationWindow.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
@@ -122,6 +124,9 @@ int main(int argc, char** argv)
         QStringLiteral("What takes the place of a damaged database that was moved aside: what can be saved of it, the "
                        "latest backup, or an empty one."),
         QStringLiteral("save|backup|new") });
+    const QString toggleDictation = QStringLiteral("toggle-dictation");
+    parser.addOption(
+        { toggleDictation, QStringLiteral("Start dictation in the running program, or finish it, as its key does.") });
     parser.addPositionalArgument(QStringLiteral("url"),
         QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
                        "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
@@ -135,8 +140,10 @@ int main(int argc, char** argv)
 
     const AppPaths paths = AppPaths::fromEnvironment();
     const mode_t startingUmask = keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
+    const QStringList wishes = parser.isSet(toggleDictation) ? QStringList { QStringLiteral("--") + toggleDictation }
+                                                             : parser.positionalArguments();
     const auto instance = makeSingleInstance(paths);
-    if (!instance->claim(parser.positionalArguments()))
+    if (!instance->claim(wishes))
         return 0;
 
     TerminationSignals terminationSignals;
@@ -146,6 +153,7 @@ int main(int argc, char** argv)
     if (mode == Mode::Window) {
         machine.tray = makeTray();
         machine.shortcuts = makeGlobalShortcuts();
+        machine.insertion = makeTextInsertion(scheduler);
     }
     CorvaneApp app(paths, scheduler, std::move(machine));
     QObject::connect(&terminationSignals, &TerminationSignals::requested, &app, &CorvaneApp::quit);
@@ -159,6 +167,7 @@ int main(int argc, char** argv)
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<PanelWindow> panel;
     std::unique_ptr<CaptureWindow> capture;
+    std::unique_ptr<DictationWindow> dictation;
     if (mode == Mode::Headless) {
         logEvents(app.engine());
         QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
@@ -173,6 +182,7 @@ int main(int argc, char** argv)
             log(QStringLiteral("MainWindow: first frame"));
             capture->prepare();
         });
+        dictation = std::make_unique<DictationWindow>(window->engine(), app.dictation());
         panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, screens->notices, scheduler);
         QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
         QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);
@@ -184,8 +194,8 @@ int main(int argc, char** argv)
         app.recovery().choose(parser.value(QStringLiteral("recover")));
     if (parser.isSet(QStringLiteral("start-all")))
         app.startAllEngines();
-    if (!parser.positionalArguments().isEmpty())
-        app.open(parser.positionalArguments());
+    if (!wishes.isEmpty())
+        app.open(wishes);
 
     return QCoreApplication::exec();
 }

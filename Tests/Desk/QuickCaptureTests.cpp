@@ -1,33 +1,12 @@
 #include "Desk/QuickCapture.h"
 
-#include "Platform/GlobalShortcuts.h"
 #include "Store/Work/WorkRecords.h"
+#include "Support/FakeShortcuts.h"
 #include "Support/StoreTest.h"
 
 using namespace corvane;
-using Kind = GlobalShortcutState::Kind;
 
 namespace {
-
-/// A desktop where other programs hold some keys.
-class Keys final : public GlobalShortcuts {
-public:
-    void bind(const GlobalShortcut& shortcut) override
-    {
-        bound << shortcut.keys.join(' ');
-        states[shortcut.id] = { Kind::Taken, shortcut.keys.first() };
-        for (const QString& keys : shortcut.keys)
-            if (!taken.contains(keys) && states[shortcut.id].kind == Kind::Taken)
-                states[shortcut.id] = { Kind::Bound, keys };
-        Q_EMIT stateChanged(shortcut.id);
-    }
-    void release(const QString& id) override { states.remove(id); }
-    GlobalShortcutState state(const QString& id) const override { return states.value(id); }
-
-    QStringList taken;
-    QStringList bound;
-    QHash<QString, GlobalShortcutState> states;
-};
 
 class QuickCaptureTest : public StoreTest {
 protected:
@@ -41,7 +20,7 @@ protected:
     }
 
     LocalDB& db = open();
-    Keys keys;
+    FakeShortcuts keys;
     QuickCapture capture { db, &keys, m_defaults };
 };
 

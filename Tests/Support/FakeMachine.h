@@ -16,6 +16,7 @@
 #include "Support/FakeMicrophone.h"
 #include "Support/FakeNotificationService.h"
 #include "Support/FakePortHolders.h"
+#include "Support/FakeTextInsertion.h"
 #include "Support/RealDecoder.h"
 
 namespace corvane {
@@ -41,6 +42,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     machine.modelRecogniser = makeModelRecogniser(*machine.launcher);
     machine.basicRecogniser = makeBasicRecogniser(*machine.launcher);
     machine.callAudio = std::make_unique<FakeCallAudio>();
+    machine.insertion = std::make_unique<FakeTextInsertion>();
     machine.sleep = std::make_unique<FakeSleepInhibitor>();
     for (auto& player : machine.callPlayers)
         player = std::make_unique<FakeAudioPlayer>();

@@ -7,7 +7,6 @@
 #include "Foundation/Scheduler.h"
 #include "Foundation/Text.h"
 #include "Foundation/UserDefaults.h"
-#include "Platform/NotificationService.h"
 
 namespace corvane {
 
@@ -22,6 +21,7 @@ const QString rejectAction = QStringLiteral("NIMB_REJECT");
 const QString contactIdKey = QStringLiteral("contactId");
 const QString approvalKindKey = QStringLiteral("approvalKind");
 const QString approvalIdKey = QStringLiteral("approvalId");
+const QVariantMap ofDictation { { QStringLiteral("dictation"), true } };
 const QString recordingKey = QStringLiteral("recording");
 
 QString approvalSubtitle(const QString& kind)
@@ -149,9 +149,29 @@ void Notifier::notifyRecording(const QString& title, const QString& body)
     m_service.show(banner);
 }
 
+void Notifier::notifyDictation(const QString& text, const QList<Banner::Action>& buttons)
+{
+    Banner banner;
+    banner.identifier = QStringLiteral("dictation");
+    banner.thread = QStringLiteral("dictation");
+    banner.category = QStringLiteral("dictation");
+    banner.title = QStringLiteral("Dictation");
+    banner.body = text;
+    banner.actions = buttons;
+    banner.userInfo = ofDictation;
+    m_service.show(banner);
+}
+
+void Notifier::withdrawDictation()
+{
+    m_service.withdraw(ofDictation);
+}
+
 void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action)
 {
-    if (userInfo.contains(approvalKindKey) && userInfo.contains(approvalIdKey)) {
+    if (userInfo == ofDictation) {
+        m_centre.post(notifications::dictationAction, action);
+    } else if (userInfo.contains(approvalKindKey) && userInfo.contains(approvalIdKey)) {
         const QString name = approvalActionName(action);
         if (name == QStringLiteral("open"))
             m_activate();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/NotificationService.h"
+
 #include <QHash>
 #include <QSet>
 #include <QString>
@@ -9,9 +11,12 @@
 namespace corvane {
 
 class NotificationCentre;
-class NotificationService;
 class Scheduler;
 class UserDefaults;
+
+namespace notifications {
+inline const QString dictationAction = QStringLiteral("corvane.dictationAction"); ///< object: a button's id, or empty
+}
 
 /// Banners for new messages and approvals. A press on one becomes an in-process notification; nothing here
 /// acts on data.
@@ -37,6 +42,11 @@ public:
     /// "decision"; one of kind "approval" only tells something and has no buttons.
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
     void withdrawApproval(const QString& kind, const QString& id); ///< it was decided
+
+    /// What dictation does, where a banner alone can say so: one at a time. A press on one of its buttons, by id, is
+    /// posted as `notifications::dictationAction`.
+    void notifyDictation(const QString& text, const QList<Banner::Action>& buttons);
+    void withdrawDictation();
 
     /// What a recording does that began or failed without the window; a later one takes its place. It is shown whatever
     /// the user wants of other banners.

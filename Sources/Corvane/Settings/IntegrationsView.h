@@ -9,6 +9,7 @@
 #include "Settings/AssistantSettings.h"
 #include "Settings/ConnectForm.h"
 #include "Settings/ControlChatSettings.h"
+#include "Settings/DictationSettings.h"
 #include "Settings/MailForm.h"
 #include "Settings/PairingSheet.h"
 #include "Settings/PushSettings.h"
@@ -46,6 +47,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
+    Q_PROPERTY(corvane::DictationSettings* dictation READ dictation CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::WebSettings* web READ web CONSTANT)
     Q_PROPERTY(corvane::PushSettings* push READ push CONSTANT)
@@ -90,6 +92,8 @@ public:
     ControlChatSettings* controlChat() { return &m_controlChat; }
     AssistantSettings* assistant() { return &m_assistant; }
     CalendarSettings* calendar() const { return m_calendar; }
+    DictationSettings* dictation() const { return m_dictation; }
+    void setDictation(DictationSettings& dictation) { m_dictation = &dictation; } ///< before the window is made
     void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is made
     SyncSettings* sync() { return &m_sync; }
     WebSettings* web() { return &m_web; }
@@ -126,6 +130,7 @@ private:
     ControlChatSettings m_controlChat;
     AssistantSettings m_assistant;
     CalendarSettings* m_calendar = nullptr;
+    DictationSettings* m_dictation = nullptr;
     SyncSettings m_sync;
     WebSettings m_web;
     PushSettings m_push;

@@ -30,11 +30,13 @@
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
+#include "Shell/DictationBanner.h"
 #include "Shell/Notices.h"
 #include "Shell/StoreRecovery.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Core/StoreWatch.h"
+#include "Voice/DictationAnywhere.h"
 #include "Voice/TranslationService.h"
 #include "Voice/VoiceServices.h"
 #include "Web/SessionStore.h"
@@ -53,6 +55,7 @@ constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seco
 const QString captureId = QStringLiteral("capture");
 const QString recordId = QStringLiteral("record");
 const QString markId = QStringLiteral("mark");
+const QString dictationArgument = QStringLiteral("--toggle-dictation");
 
 /// Of the user, as the accounts tell them.
 QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
@@ -115,6 +118,11 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
         m_defaults, m_scheduler, m_paths);
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
+    m_dictation = std::make_unique<DictationAnywhere>(DictationAnywhere::Surroundings { *m_voice, *m_machine.microphone,
+        m_machine.insertion.get(), m_machine.shortcuts.get(), m_defaults, m_scheduler });
+    if (m_dictation->isBoundToFocus())
+        m_dictationBanner = std::make_unique<DictationBanner>(*m_dictation, *m_notifier, m_notifications);
+    connect(this, &CorvaneApp::quitting, m_dictation.get(), &DictationAnywhere::cancel);
     connect(m_approvals.get(), &ApprovalsStore::confirmationRequested, this, &CorvaneApp::windowRequested);
     m_session = std::make_unique<SessionStore>(m_paths, m_keychain, m_defaults, *m_machine.desktop, m_scheduler);
     m_web = std::make_unique<WebServices>(*m_session, m_engine->db(), m_scheduler);
@@ -167,6 +175,7 @@ void CorvaneApp::onAppear()
     m_approvals->attach(m_calendar->commands);
     m_capture->registerHotKey();
     m_calls->keys.bind();
+    m_dictation->start();
     deleteOldSound(m_calls->recorder);
     m_callHousekeeping = m_scheduler.every(std::chrono::hours(24), [this] { deleteOldSound(m_calls->recorder); });
     for (const Account& account : m_store->accounts()) {
@@ -193,6 +202,11 @@ void CorvaneApp::open(const QStringList& arguments)
 {
     if (arguments.size() == 1 && QStringList({ captureId, recordId, markId }).contains(arguments.first()))
         return runTrayCommand(arguments.first());
+    if (arguments == QStringList { dictationArgument }) {
+        if (!isQuitting())
+            m_dictation->toggleRecording();
+        return;
+    }
     for (const QString& argument : arguments) {
         if (argument.startsWith(QLatin1String("nimb-companion:")))
             m_session->handleCallback(QUrl(argument));

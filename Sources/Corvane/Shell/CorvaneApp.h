@@ -25,6 +25,8 @@ class ContactsBridge;
 class CorvaneMenuBarLabel;
 class AudioPlayer;
 class Desktop;
+class DictationAnywhere;
+class DictationBanner;
 class DraftDelivery;
 class EngineManager;
 class LocalDB;
@@ -67,6 +69,7 @@ public:
     TranslationService& translations() { return *m_translations; }
     VoiceServices& voice() { return *m_voice; }
     QuickCapture& capture() { return *m_capture; }
+    DictationAnywhere& dictation() { return *m_dictation; }
     SessionStore& session() { return *m_session; }
     WebServices& web() { return *m_web; }
     StoreRecovery& recovery() { return *m_recovery; }
@@ -92,7 +95,8 @@ public:
     /// What is wrong with the database and what to do; empty where nothing is.
     QString storeTrouble() const;
 
-    /// What a later start of the program was given: a sign-in's URL, "capture", or nothing but the wish to be shown.
+    /// What a later start of the program was given: a sign-in's URL, "capture", "record", "mark", "--toggle-dictation",
+    /// or nothing but the wish to be shown.
     void open(const QStringList& arguments);
 
     /// Ends what runs, and says `ended` once engines have ended and what they printed is stored, after six seconds at
@@ -142,6 +146,8 @@ private:
     std::unique_ptr<Timer> m_callHousekeeping;
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<QuickCapture> m_capture;
+    std::unique_ptr<DictationAnywhere> m_dictation;
+    std::unique_ptr<DictationBanner> m_dictationBanner; ///< where there is no panel
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;

@@ -17,6 +17,7 @@
 #include "Platform/SleepInhibitor.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/SystemLanguageModel.h"
+#include "Platform/TextInsertion.h"
 #include "Platform/ToolRunner.h"
 #include "Platform/Tray.h"
 

@@ -25,6 +25,7 @@ class ProcessLauncher;
 class SleepInhibitor;
 class SpeechRecogniser;
 class SystemLanguageModel;
+class TextInsertion;
 class ToolRunner;
 class Tray;
 
@@ -51,6 +52,7 @@ struct Machine {
     std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
     std::unique_ptr<SpeechRecogniser> basicRecogniser;
     std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
+    std::unique_ptr<TextInsertion> insertion; ///< none in a headless run
     std::unique_ptr<CallAudio> callAudio;
     std::unique_ptr<SleepInhibitor> sleep;
     /// Both tracks of a call play at once, each through a decoder of its own.

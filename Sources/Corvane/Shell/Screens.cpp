@@ -38,6 +38,7 @@ Screens::Screens(CorvaneApp& root)
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
+    , dictationSettings(app.dictation())
     , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
           calls, callSettings, app.ai(), &app.capture() })
     , today({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
@@ -63,6 +64,7 @@ Screens::Screens(CorvaneApp& root)
     }
     shell.setScreens(hubScreens);
     settings.setCalendar(calendarSettings);
+    settings.setDictation(dictationSettings);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));

@@ -11,6 +11,7 @@
 #include "Inbox/List/InboxView.h"
 #include "Presentation/Commands.h"
 #include "Settings/Appearance.h"
+#include "Settings/DictationSettings.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
 #include "Shell/ClosingNotice.h"
@@ -52,6 +53,7 @@ public:
     UpcomingMeetings meetings;
     CallsView calls;
     CallSettings& callSettings;
+    DictationSettings dictationSettings;
     CorvaneMenuBarView panel;
     CorvaneMenuBarView today; ///< the same in the main window
     ClosingNotice closingNotice;

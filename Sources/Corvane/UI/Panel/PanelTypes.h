@@ -2,6 +2,7 @@
 
 #include "Desk/CorvaneMenuBarView.h"
 #include "Desk/QuickCapture.h"
+#include "Voice/DictationAnywhere.h"
 
 #include <QtQml/qqml.h>
 
@@ -20,6 +21,20 @@ struct QuickCaptureType {
     Q_GADGET
     QML_FOREIGN(corvane::QuickCapture)
     QML_NAMED_ELEMENT(QuickCapture)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct DictationAnywhereType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DictationAnywhere)
+    QML_NAMED_ELEMENT(DictationAnywhere)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct DictationPanelType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DictationPanel)
+    QML_NAMED_ELEMENT(DictationPanel)
     QML_UNCREATABLE("The program makes it.")
 };
 

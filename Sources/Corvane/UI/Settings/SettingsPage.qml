@@ -96,7 +96,10 @@ Page {
     }
     Component {
         id: voice
-        VoiceSection { voice: page.settings.voice }
+        VoiceSection {
+            voice: page.settings.voice
+            dictation: page.settings.dictation
+        }
     }
     Component {
         id: callCards

@@ -2,6 +2,7 @@
 
 #include "Platform/HotKey.h"
 #include "Settings/Appearance.h"
+#include "Settings/DictationSettings.h"
 #include "Settings/IntegrationsView.h"
 
 #include <QtQml/qqml.h>
@@ -105,6 +106,13 @@ struct SystemSettingsType {
     Q_GADGET
     QML_FOREIGN(corvane::SystemSettings)
     QML_NAMED_ELEMENT(SystemSettings)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct DictationSettingsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DictationSettings)
+    QML_NAMED_ELEMENT(DictationSettings)
     QML_UNCREATABLE("The program makes it.")
 };
 

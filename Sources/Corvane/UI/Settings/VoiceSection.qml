@@ -8,6 +8,7 @@ Column {
     id: section
 
     required property VoiceSettings voice
+    required property DictationSettings dictation
 
     spacing: Theme.large
 
@@ -45,6 +46,10 @@ Column {
                 }
             }
         }
+    }
+    DictationCard {
+        width: parent.width
+        dictation: section.dictation
     }
     Card {
         width: parent.width

@@ -1,0 +1,60 @@
+#include "Settings/DictationSettings.h"
+
+#include "Voice/DictationAnywhere.h"
+
+namespace corvane {
+
+DictationSettings::DictationSettings(DictationAnywhere& dictation, QObject* parent)
+    : QObject(parent)
+    , m_dictation(dictation)
+{
+    connect(&dictation, &DictationAnywhere::settingsChanged, this, &DictationSettings::changed);
+}
+
+bool DictationSettings::enabled() const
+{
+    return m_dictation.isEnabled();
+}
+
+void DictationSettings::setEnabled(bool on)
+{
+    m_dictation.setEnabled(on);
+}
+
+HotKey* DictationSettings::hotKey() const
+{
+    return &m_dictation.hotKey();
+}
+
+bool DictationSettings::pushToTalk() const
+{
+    return m_dictation.isPushToTalk();
+}
+
+void DictationSettings::setPushToTalk(bool on)
+{
+    m_dictation.setPushToTalk(on);
+}
+
+QString DictationSettings::insertionText() const
+{
+    switch (m_dictation.insertionWay()) {
+    case InsertionWay::PasteKeys:
+        return QStringLiteral("It is pasted into the program in front. The clipboard keeps what it held.");
+    case InsertionWay::Typing:
+        return QStringLiteral("Through accessibility where the program in front offers it. Elsewhere it is typed; the "
+                              "desktop asks you once whether Corvane may.");
+    case InsertionWay::None:
+        break;
+    }
+    return QStringLiteral("Through accessibility where the program in front offers it. Elsewhere this desktop lets no "
+                          "program type, and a window offers the text to be copied.");
+}
+
+QString DictationSettings::problem() const
+{
+    const QString problem = m_dictation.problem();
+    return problem.isEmpty() ? QString() : QStringLiteral("The last dictation: %1").arg(problem);
+}
+
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Platform/HotKey.h"
+
+namespace corvane {
+
+class DictationAnywhere;
+
+/// Dictation into other programs, as the settings show it.
+class DictationSettings : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool enabled READ enabled WRITE setEnabled NOTIFY changed)
+    Q_PROPERTY(QString enabledLabel READ enabledLabel CONSTANT)
+    Q_PROPERTY(QString enabledHint READ enabledHint CONSTANT)
+    Q_PROPERTY(corvane::HotKey* hotKey READ hotKey CONSTANT)
+    Q_PROPERTY(bool pushToTalk READ pushToTalk WRITE setPushToTalk NOTIFY changed)
+    Q_PROPERTY(QString pushToTalkLabel READ pushToTalkLabel CONSTANT)
+    Q_PROPERTY(QString pushToTalkHint READ pushToTalkHint CONSTANT)
+    Q_PROPERTY(QString insertionLabel READ insertionLabel CONSTANT)
+    Q_PROPERTY(QString insertionText READ insertionText NOTIFY changed) ///< how the text gets there
+    Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< of the last dictation; empty for none
+public:
+    /// `dictation` outlives the view model.
+    explicit DictationSettings(DictationAnywhere& dictation, QObject* parent = nullptr);
+
+    bool enabled() const;
+    void setEnabled(bool on);
+    QString enabledLabel() const { return QStringLiteral("Dictate into any program"); }
+    QString enabledHint() const
+    {
+        return QStringLiteral("A key listens, and listens no more; what you said is written where you type. It becomes "
+                              "text on this computer.");
+    }
+    HotKey* hotKey() const;
+    bool pushToTalk() const;
+    void setPushToTalk(bool on);
+    QString pushToTalkLabel() const { return QStringLiteral("Push to talk"); }
+    QString pushToTalkHint() const { return QStringLiteral("Listen only while the key is held."); }
+    QString insertionLabel() const { return QStringLiteral("How text is inserted"); }
+    QString insertionText() const;
+    QString problem() const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    DictationAnywhere& m_dictation;
+};
+
+}
