@@ -1,7 +1,10 @@
 #include "Support/Await.h"
 #include "Support/SpokenSound.h"
+#include "UI/DictationWindow.h"
+#include "Voice/DictationAnywhere.h"
 #include "WindowTest.h"
 
+#include <QClipboard>
 #include <QDir>
 
 namespace corvane {
@@ -84,6 +87,51 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     rest();
     EXPECT_EQ(settings.section(), u"voice"_s);
     EXPECT_NE(item(u"voice.download"_s), nullptr);
+}
+
+TEST_F(VoiceWindow, dictationIsSwitchedOnInTheSettingsAndOffersWhatNoProgramTook)
+{
+    shell.openSettings();
+    settings.setSection(u"voice"_s);
+    rest();
+    EXPECT_EQ(findItem(u"dictation.key"_s), nullptr);
+    click(u"dictation.enabled"_s);
+    rest();
+    EXPECT_NE(findItem(u"dictation.key"_s), nullptr);
+    DictationAnywhere& dictation = app.dictation();
+    ASSERT_TRUE(dictation.isEnabled());
+
+    const DictationWindow windows(window.engine(), dictation);
+    app.open({ u"--toggle-dictation"_s });
+    microphone.answer(MicrophoneAccess::Granted);
+    rest();
+    ASSERT_NE(windows.panel(), nullptr);
+    EXPECT_TRUE(windows.panel()->isVisible());
+    EXPECT_TRUE(windows.panel()->flags() & Qt::WindowDoesNotAcceptFocus);
+    EXPECT_EQ(QGuiApplication::focusWindow(), window.window());
+    turnTo(windows.panel());
+    EXPECT_EQ(item(u"dictationPanel.text"_s)->property("text"), u"Listening (English) …"_s);
+    click(u"dictationPanel.cancel"_s);
+    clock.advance(seconds(2));
+    EXPECT_FALSE(windows.panel()->isVisible());
+
+    insertion.outcome = InsertionOutcome::Missed;
+    recogniser.says = { { 0, 1000, u"Good morning"_s } };
+    dictation.toggleRecording();
+    microphone.answer(MicrophoneAccess::Granted);
+    microphone.recording->seconds = 2;
+    microphone.recording->sound = spokenBytes();
+    dictation.toggleRecording();
+    ASSERT_TRUE(await([&] { return windows.offer() && windows.offer()->isVisible(); }));
+    turnTo(windows.offer());
+    rest();
+    EXPECT_EQ(item(u"dictationOffer.text"_s)->property("text"), u"Good morning"_s);
+    click(u"dictationOffer.copy"_s);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), u"Good morning"_s);
+    EXPECT_FALSE(windows.offer()->isVisible());
+    turnTo(nullptr);
+    rest();
+    EXPECT_NE(findItem(u"dictation.problem"_s), nullptr);
 }
 
 }

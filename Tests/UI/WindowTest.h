@@ -102,6 +102,7 @@ protected:
     FakeLauncher& launcher = played<FakeLauncher>(machine.launcher);
     FakeDesktop& desktop = played<FakeDesktop>(machine.desktop);
     FakeMicrophone& microphone = played<FakeMicrophone>(machine.microphone);
+    FakeTextInsertion& insertion = played<FakeTextInsertion>(machine.insertion);
     FakeMachineFacts& facts = played<FakeMachineFacts>(machine.facts);
     FakeLanguageModel* const model = dynamic_cast<FakeLanguageModel*>(machine.languageModel.get());
     FakeAudioPlayer& player = played<FakeAudioPlayer>(machine.player);

@@ -53,7 +53,6 @@ Window {
             visible: window.listening
             anchors.verticalCenter: parent.verticalCenter
             text: window.panel.elapsedText
-            font.features: ({ "tnum": 1 })
             color: Theme.soft
         }
         IconButton {
