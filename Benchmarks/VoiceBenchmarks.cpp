@@ -75,6 +75,16 @@ RecogniserProgram program()
     return found;
 }
 
+/// Of this process, without its children; in MiB.
+double residentMemory()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    constexpr double pagesOfOneMiB = 256;
+    return file.readAll().split(' ').value(1).toDouble() / pagesOfOneMiB;
+}
+
 void transcribed(benchmark::State& state)
 {
     SystemScheduler scheduler;
@@ -92,6 +102,7 @@ void transcribed(benchmark::State& state)
     store.add(model);
     TranscriptionService service(decoder, models, *basic, store);
     qint64 longestTurn = 0;
+    const double before = residentMemory();
     for (auto _ : state) {
         std::optional<TranscriptionOutcome> outcome;
         service.transcribe({ .audioPath = files().wave, .locale = QStringLiteral("en"), .model = model.spec })
@@ -107,6 +118,7 @@ void transcribed(benchmark::State& state)
             state.SkipWithError("the sound was not transcribed by the model");
     }
     state.counters["longest turn, ms"] = double(longestTurn) / 1e6;
+    state.counters["kept after it, MiB"] = residentMemory() - before;
 }
 
 void byTheCommandLine(benchmark::State& state)

@@ -13,6 +13,7 @@
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Support/WaitingItems.h"
+#include "Voice/DictationAnywhere.h"
 #include "Web/SessionStore.h"
 
 #include <QSignalSpy>
@@ -48,6 +49,9 @@ protected:
         launcher = ownedLauncher.get();
         Machine machine = fakeMachine(home.paths(), std::move(ownedLauncher));
         machine.tray = std::move(tray);
+        insertion = dynamic_cast<FakeTextInsertion*>(machine.insertion.get());
+        insertion->bound = isBoundToFocus;
+        microphone = dynamic_cast<FakeMicrophone*>(machine.microphone.get());
         banners = dynamic_cast<FakeNotificationService*>(machine.notifications.get());
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
@@ -73,6 +77,9 @@ protected:
     VirtualScheduler clock;
     FakeLauncher* launcher = nullptr;
     FakeNotificationService* banners = nullptr;
+    FakeTextInsertion* insertion = nullptr;
+    FakeMicrophone* microphone = nullptr;
+    bool isBoundToFocus = false; ///< set before the program is built
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<CorvaneApp> app;
 };
@@ -211,4 +218,35 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
     Q_EMIT tray->itemChosen("approvals");
     EXPECT_EQ(windowRequested.count(), 1);
     EXPECT_TRUE(screens.shell.approvals()) << "for desktops whose icons only have a menu";
+}
+
+TEST_F(CorvaneAppTest, whereAWindowTakesTheFocusDictationSpeaksByABanner)
+{
+    isBoundToFocus = true;
+    build({});
+    appear(0);
+    const auto toggle = [this] {
+        app->open({ "--toggle-dictation" });
+        return banners->shown.last();
+    };
+    EXPECT_EQ(toggle().body, "Dictation is off in Settings > Voice.");
+    app->dictation().setEnabled(true);
+    const auto listen = [&] {
+        app->open({ "--toggle-dictation" });
+        microphone->answer(MicrophoneAccess::Granted);
+        microphone->recording->seconds = 1;
+        return banners->shown.last();
+    };
+    const Banner listening = listen();
+    EXPECT_EQ(listening.body, "Listening (English) …");
+    banners->press(listening);
+    EXPECT_EQ(app->dictation().state().kind, DictationAnywhereState::Kind::Recording) << "the banner itself";
+    banners->press(listening, "cancel");
+    EXPECT_EQ(app->dictation().state().kind, DictationAnywhereState::Kind::Idle);
+    banners->press(listen(), "finish");
+    EXPECT_EQ(app->dictation().state().kind, DictationAnywhereState::Kind::Transcribing);
+    EXPECT_EQ(banners->shown.last().actions.size(), 1);
+    app->quit();
+    clock.advance(Milliseconds(1600));
+    EXPECT_TRUE(banners->withdrawn.contains("dictation"));
 }

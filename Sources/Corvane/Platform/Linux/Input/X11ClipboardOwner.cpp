@@ -16,7 +16,7 @@ constexpr uint8_t typeBits = 0x7f;
 // Forms that describe the selection or act on its owner; they hold nothing that could be kept.
 const QList<QByteArray> noContent { "TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS", "DELETE", "INSERT_SELECTION",
     "INSERT_PROPERTY" };
-const QList<QByteArray> textForms { "UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING", "TEXT" };
+const QList<QByteArray> textForms { "UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING" };
 
 template <typename Kind> const Kind& as(const xcb_generic_event_t& event)
 {
@@ -69,8 +69,11 @@ bool X11ClipboardOwner::lend(const QByteArray& selection, const QByteArray& text
     m_items.clear();
     for (const QByteArray& form : textForms) {
         const xcb_atom_t target = atomNamed(m_connection.get(), form);
-        m_items.append({ target, form == "TEXT" ? m_items.first().target : target, 8, text });
+        m_items.append({ target, target, 8, form == "STRING" ? QString::fromUtf8(text).toLatin1() : text });
     }
+    // Programs that keep a history of the clipboard leave out what is only lent.
+    const xcb_atom_t hint = atomNamed(m_connection.get(), "x-kde-passwordManagerHint");
+    m_items.append({ hint, hint, 8, "secret" });
     m_isLent = own(atom);
     read(); // what came between the answers raises no notification
     return m_isLent;
@@ -92,7 +95,8 @@ void X11ClipboardOwner::giveBack()
 
 void X11ClipboardOwner::leave()
 {
-    m_isLent = false;
+    if (std::exchange(m_isLent, false))
+        m_items.removeLast(); // it is no longer lent
     m_kept.clear();
 }
 
