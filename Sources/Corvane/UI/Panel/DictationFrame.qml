@@ -83,6 +83,6 @@ Window {
         z: 100
         color: Theme.none
         border.width: 1
-        border.color: Theme.line
+        border.color: Theme.faint
     }
 }
