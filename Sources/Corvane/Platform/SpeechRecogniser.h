@@ -34,6 +34,7 @@ public:
     virtual ~SpeechRecogniser() = default;
 
     virtual bool isAvailable() const = 0; ///< whether its program is there
+    virtual void prewarm(const QString& /*model*/) { } ///< a job with that model's file comes soon
 
     /// In the order of time; empty where nothing was understood. Fails in words for the user.
     virtual QCoro::Task<Result<QList<HeardSpeech>>> recognise(SpeechJob job) = 0;

@@ -108,6 +108,7 @@ void DictationAnywhere::setEnabled(bool enabled)
     m_at.defaults.setBoolean(enabledKey, enabled);
     if (enabled) {
         registerHotKey();
+        prewarmSpeechAssets();
     } else {
         m_hotKey.unbind();
         stopWithoutProcessing(QStringLiteral("Dictation is off."));
@@ -142,6 +143,11 @@ void DictationAnywhere::registerHotKey()
             .arg(int(m_at.shortcuts != nullptr))
             .arg(int(m_hotKey.isBound()))
             .arg(m_hotKey.keys()));
+}
+
+void DictationAnywhere::prewarmSpeechAssets()
+{
+    m_at.voice.transcription.prewarm(dictationLocale(m_at.defaults));
 }
 
 std::optional<QString> DictationAnywhere::selectedLocale() const
@@ -191,6 +197,7 @@ void DictationAnywhere::startRecording()
     if (!m_at.voice.transcription.speaks(language))
         return fail(QStringLiteral("Dictation in %1 needs a speech model.").arg(localeDisplayName(language)));
     dismissOffer();
+    prewarmSpeechAssets();
     if (m_at.insertion)
         m_at.insertion->aim();
     m_isAsking = true;

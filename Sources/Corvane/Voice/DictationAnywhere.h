@@ -74,6 +74,7 @@ private:
     using Kind = DictationAnywhereState::Kind;
 
     void registerHotKey();
+    void prewarmSpeechAssets(); ///< the first dictation does not wait for its model
     void onReleased();
     void startRecording();
     void beginRecording();

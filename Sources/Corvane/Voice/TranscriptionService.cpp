@@ -80,6 +80,15 @@ bool TranscriptionService::speaks(const QString& language) const
     return modelRoute(request).has_value();
 }
 
+void TranscriptionService::prewarm(const QString& locale)
+{
+    TranscriptionRequest request;
+    request.locale = locale;
+    request.model = m_store.preferredModel();
+    if (const auto route = modelRoute(request))
+        m_models.prewarm(route->modelPath);
+}
+
 std::expected<TranscriptionService::Route, SpeechTranscriberError> TranscriptionService::modelRoute(
     const TranscriptionRequest& request) const
 {

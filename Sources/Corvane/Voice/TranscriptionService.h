@@ -22,6 +22,9 @@ public:
     /// `request.model` is set.
     QCoro::Task<TranscriptionOutcome> transcribe(TranscriptionRequest request);
 
+    /// A sound in that locale will come with the preferred model, which is read from the disk meanwhile.
+    void prewarm(const QString& locale);
+
     /// Whether a language of `modelLanguages` can be transcribed now.
     bool speaks(const QString& language) const;
 

@@ -20,6 +20,17 @@ template <typename Number> QByteArray bytesOf(Number number)
 
 }
 
+QByteArray wavHeader(int samplesPerSecond, quint32 size)
+{
+    constexpr quint32 formatSize = 16;
+    constexpr quint16 pcm = 1;
+    constexpr quint16 channels = 1;
+    const auto rate = quint32(samplesPerSecond);
+    return "RIFF" + bytesOf(headerSize - 8 + size) + "WAVEfmt " + bytesOf(formatSize) + bytesOf(pcm) + bytesOf(channels)
+        + bytesOf(rate) + bytesOf(rate * sampleSize) + bytesOf(sampleSize) + bytesOf(quint16(sampleSize * 8)) + "data"
+        + bytesOf(size);
+}
+
 WavWriter::WavWriter(const QString& path, int samplesPerSecond)
     : m_file(path)
     , m_rate(samplesPerSecond)
@@ -31,7 +42,7 @@ Result<std::unique_ptr<SoundWriter>> WavWriter::create(const QString& path, int 
     std::unique_ptr<WavWriter> writer(new WavWriter(path, samplesPerSecond));
     if (!writer->m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner))
         return failure(writer->m_file.errorString());
-    if (const auto written = writer->put(writer->header()); !written)
+    if (const auto written = writer->put(wavHeader(samplesPerSecond, 0)); !written)
         return std::unexpected(written.error());
     return writer;
 }
@@ -53,7 +64,7 @@ Result<void> WavWriter::finish()
 {
     if (!m_file.seek(0))
         return failure(m_file.errorString());
-    if (const auto written = put(header()); !written)
+    if (const auto written = put(wavHeader(m_rate, m_size)); !written)
         return written;
     m_file.close();
     return m_file.error() == QFileDevice::NoError ? Result<void>() : failure(m_file.errorString());
@@ -62,17 +73,6 @@ Result<void> WavWriter::finish()
 Result<void> WavWriter::put(const QByteArray& bytes)
 {
     return m_file.write(bytes) == bytes.size() ? Result<void>() : failure(m_file.errorString());
-}
-
-QByteArray WavWriter::header() const
-{
-    constexpr quint32 formatSize = 16;
-    constexpr quint16 pcm = 1;
-    constexpr quint16 channels = 1;
-    const auto rate = quint32(m_rate);
-    return "RIFF" + bytesOf(headerSize - 8 + m_size) + "WAVEfmt " + bytesOf(formatSize) + bytesOf(pcm)
-        + bytesOf(channels) + bytesOf(rate) + bytesOf(rate * sampleSize) + bytesOf(sampleSize)
-        + bytesOf(quint16(sampleSize * 8)) + "data" + bytesOf(m_size);
 }
 
 }

@@ -7,6 +7,9 @@
 
 namespace corvane {
 
+/// What stands before that many bytes of samples, of one channel and 16 bits each.
+QByteArray wavHeader(int samplesPerSecond, quint32 size);
+
 /// Sound of one channel into a .wav file, as it is: 16 bits a sample.
 class WavWriter final : public SoundWriter {
 public:
@@ -19,7 +22,6 @@ public:
 private:
     WavWriter(const QString& path, int samplesPerSecond);
     Result<void> put(const QByteArray& bytes);
-    QByteArray header() const;
 
     QFile m_file;
     const int m_rate;

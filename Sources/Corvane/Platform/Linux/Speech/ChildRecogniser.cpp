@@ -2,16 +2,16 @@
 
 #include "Foundation/Arrival.h"
 #include "Foundation/Log.h"
+#include "Platform/Linux/Audio/WavWriter.h"
 #include "Platform/Linux/Files/Descriptor.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/MediaDecoder.h"
 #include "Platform/ProcessLauncher.h"
 
 #include <QDir>
-#include <QtEndian>
-#include <array>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 
@@ -20,31 +20,6 @@ namespace corvane {
 namespace {
 
 using Outcome = Result<QList<HeardSpeech>>;
-
-/// Of a WAV file with that many bytes of samples.
-QByteArray waveHeader(quint32 size)
-{
-    constexpr quint16 sampleSize = sizeof(qint16);
-    QByteArray header;
-    const auto number = [&header](auto value) {
-        std::array<char, sizeof value> bytes {};
-        qToLittleEndian(value, bytes.data());
-        header.append(bytes.data(), bytes.size());
-    };
-    header.append("RIFF");
-    number(quint32(36 + size));
-    header.append("WAVEfmt ");
-    number(quint32(16));
-    number(quint16(1)); // PCM
-    number(quint16(speechFormat.channels));
-    number(quint32(speechFormat.rate));
-    number(quint32(speechFormat.rate * speechFormat.channels * sampleSize));
-    number(quint16(speechFormat.channels * sampleSize));
-    number(quint16(sampleSize * 8));
-    header.append("data");
-    number(size);
-    return header;
-}
 
 bool writeAll(const Descriptor& file, const char* bytes, qint64 count)
 {
@@ -64,7 +39,7 @@ Result<Descriptor> inMemory(const QList<qint16>& samples, bool wantsHeader)
 {
     Descriptor file(::memfd_create("corvane-speech", MFD_CLOEXEC));
     const qint64 size = samples.size() * qint64(sizeof(qint16));
-    const QByteArray header = wantsHeader ? waveHeader(quint32(size)) : QByteArray();
+    const QByteArray header = wantsHeader ? wavHeader(speechFormat.rate, quint32(size)) : QByteArray();
     if (!file.isOpen() || ::fchmod(file.number(), S_IRUSR | S_IWUSR) != 0
         || !writeAll(file, header.constData(), header.size())
         || !writeAll(file, reinterpret_cast<const char*>(samples.constData()), size))
@@ -110,6 +85,14 @@ ChildRecogniser::~ChildRecogniser()
             run->end(cancelled());
         }
     }
+}
+
+/// The system reads the file while the program goes on.
+void ChildRecogniser::prewarm(const QString& model)
+{
+    const Descriptor file(::open(QFile::encodeName(model).constData(), O_RDONLY | O_CLOEXEC));
+    if (file.isOpen())
+        ::posix_fadvise(file.number(), 0, 0, POSIX_FADV_WILLNEED);
 }
 
 QCoro::Task<Outcome> ChildRecogniser::recognise(SpeechJob job)

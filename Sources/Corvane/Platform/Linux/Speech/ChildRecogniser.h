@@ -29,6 +29,7 @@ public:
     ~ChildRecogniser() override;
 
     bool isAvailable() const override { return !m_program->executable.isEmpty(); }
+    void prewarm(const QString& model) override;
     QCoro::Task<Result<QList<HeardSpeech>>> recognise(SpeechJob job) override;
 
 private:
