@@ -52,6 +52,9 @@ protected:
         insertion = dynamic_cast<FakeTextInsertion*>(machine.insertion.get());
         insertion->bound = isBoundToFocus;
         microphone = dynamic_cast<FakeMicrophone*>(machine.microphone.get());
+        auto& facts = dynamic_cast<FakeMachineFacts&>(*machine.facts);
+        facts.now.physicalMemoryBytes = 16ULL << 30;
+        facts.now.powerSourceStates = { "AC Power" };
         banners = dynamic_cast<FakeNotificationService*>(machine.notifications.get());
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }

@@ -6,6 +6,7 @@
 
 #include <QClipboard>
 #include <QDir>
+#include <QGuiApplication>
 
 namespace corvane {
 
