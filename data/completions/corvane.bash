@@ -1,0 +1,12 @@
+# Completion of corvane(1) for bash.
+_corvane() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    case "$COMP_CWORD:${COMP_WORDS[1]}:$previous" in
+    1:*) mapfile -t COMPREPLY < <(compgen -W "capture record mark calendar tool verify --headless --start-all --recover --help --version" -- "$current") ;;
+    *:--recover) mapfile -t COMPREPLY < <(compgen -W "save backup new" -- "$current") ;;
+    2:capture:*) mapfile -t COMPREPLY < <(compgen -W "--note" -- "$current") ;;
+    2:calendar:*) mapfile -t COMPREPLY < <(compgen -W "import" -- "$current") ;;
+    3:calendar:import) mapfile -t COMPREPLY < <(compgen -f -X '!*.ics' -- "$current"; compgen -d -- "$current") ;;
+    esac
+}
+complete -o filenames -F _corvane corvane
