@@ -13,26 +13,19 @@
 #include "Platform/TerminationSignals.h"
 #include "Platform/TextInsertion.h"
 #include "Platform/Tray.h"
-#include "Shell/AskCommand.h"
-#include "Shell/CalendarCommand.h"
-#include "Shell/CaptureCommand.h"
+#include "Shell/CommandLine.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Shell/StoreRecovery.h"
-#include "Shell/ToolCommand.h"
-#include "Shell/VerifyCommand.h"
 #include "UI/CaptureWindow.h"
 #include "UI/DictationWindow.h"
 #include "UI/MainWindow.h"
 #include "UI/PanelWindow.h"
 
 #include <QCommandLineParser>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QTextStream>
 #include <cstring>
-#include <unistd.h>
 
 using namespace corvane;
 
@@ -50,46 +43,6 @@ Mode requestedMode(int argc, char** argv)
     return Mode::Window;
 }
 
-/// The arguments come from what is piped in; a person at a terminal who gives none is not waited for.
-int runTool(const AppPaths& paths, const QString& name, QTextStream& out)
-{
-    ToolCall call;
-    call.name = name;
-    QFile input;
-    if (!name.isEmpty() && isatty(STDIN_FILENO) == 0 && input.open(stdin, QIODevice::ReadOnly))
-        call.arguments = input.readAll();
-    if (const int port = qEnvironmentVariableIntValue("NIMB_MCP_PORT"); port > 0)
-        call.port = port;
-    SystemScheduler scheduler;
-    QTextStream errors(stderr);
-    return static_cast<int>(callTool(paths, scheduler, call, out, errors));
-}
-
-/// A command that needs no display and may run beside the program; then its exit code.
-std::optional<int> ranCommand(int argc, char** argv)
-{
-    if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
-        return runDecodeChild();
-    const bool verify = argc == 2 && std::strcmp(argv[1], "verify") == 0;
-    const bool calendar = argc == 4 && std::strcmp(argv[1], "calendar") == 0 && std::strcmp(argv[2], "import") == 0;
-    const bool tool = (argc == 2 || argc == 3) && std::strcmp(argv[1], "tool") == 0;
-    const bool capture = argc > 2 && std::strcmp(argv[1], "capture") == 0;
-    const bool ask = argc > 1 && std::strcmp(argv[1], "ask") == 0;
-    if (!verify && !tool && !capture && !calendar && !ask)
-        return std::nullopt;
-    const QCoreApplication application(argc, argv);
-    const AppPaths paths = AppPaths::fromEnvironment();
-    QTextStream out(stdout);
-    QTextStream errors(stderr);
-    if (capture)
-        return captureWords(paths, QCoreApplication::arguments().mid(2), errors);
-    if (ask)
-        return askQuestion(paths, QCoreApplication::arguments().mid(2), out, errors);
-    if (calendar)
-        return importCalendarFile(paths, QFile::decodeName(argv[3]), out);
-    return verify ? verifyDecisions(paths, out) : runTool(paths, QString::fromLocal8Bit(argc == 3 ? argv[2] : ""), out);
-}
-
 void logEvents(EngineManager& engine)
 {
     QObject::connect(&engine, &EngineManager::eventHandled, &engine,
@@ -101,7 +54,9 @@ void logEvents(EngineManager& engine)
 int main(int argc, char** argv)
 {
     logToStandardError();
-    if (const auto exitCode = ranCommand(argc, argv))
+    if (argc == 2 && std::strcmp(argv[1], "--decode") == 0)
+        return runDecodeChild();
+    if (const auto exitCode = runCommand(argc, argv))
         return *exitCode;
     const Mode mode = requestedMode(argc, argv);
     if (mode == Mode::Headless)
@@ -114,7 +69,7 @@ int main(int argc, char** argv)
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("One private inbox for every channel."));
+    parser.setApplicationDescription(QStringLiteral("One private inbox for every channel.\n\n") + commandHelp());
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOption({ QStringLiteral("headless"), QStringLiteral("Run everything but the window.") });
@@ -128,14 +83,7 @@ int main(int argc, char** argv)
     parser.addOption(
         { toggleDictation, QStringLiteral("Start dictation in the running program, or finish it, as its key does.") });
     parser.addPositionalArgument(QStringLiteral("url"),
-        QStringLiteral("A nimb-companion: URL that finishes a sign-in; or \"verify\" alone, which checks the record of "
-                       "decisions and ends; or \"tool NAME\", which calls a tool of the local tool server with the "
-                       "JSON object on its standard input; or \"capture [--note] [WORDS]\", which keeps a task or a "
-                       "note, and opens its panel without words; or "
-                       "\"record\", which starts or stops recording a call; or \"mark\", which marks its moment; or "
-                       "\"calendar import FILE\", which adds the events of a calendar file; or \"ask QUESTION\", which "
-                       "prints what Lumo answers."),
-        QStringLiteral("[url]"));
+        QStringLiteral("A command, or a nimb-companion: URL that finishes a sign-in."), QStringLiteral("[url]"));
     parser.process(application);
 
     const AppPaths paths = AppPaths::fromEnvironment();

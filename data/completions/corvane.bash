@@ -2,7 +2,7 @@
 _corvane() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     case "$COMP_CWORD:${COMP_WORDS[1]}:$previous" in
-    1:*) mapfile -t COMPREPLY < <(compgen -W "capture record mark calendar tool verify --headless --start-all --recover --help --version" -- "$current") ;;
+    1:*) mapfile -t COMPREPLY < <(compgen -W "ask capture record mark calendar tool verify --headless --start-all --recover --help --version" -- "$current") ;;
     *:--recover) mapfile -t COMPREPLY < <(compgen -W "save backup new" -- "$current") ;;
     2:capture:*) mapfile -t COMPREPLY < <(compgen -W "--note" -- "$current") ;;
     2:calendar:*) mapfile -t COMPREPLY < <(compgen -W "import" -- "$current") ;;
