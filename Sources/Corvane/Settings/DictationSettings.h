@@ -28,8 +28,9 @@ public:
     QString enabledLabel() const { return QStringLiteral("Dictate into any program"); }
     QString enabledHint() const
     {
-        return QStringLiteral("A key listens, and listens no more; what you said is written where you type. It becomes "
-                              "text on this computer.");
+        return QStringLiteral(
+            "Press the key, speak, press it again: what you said is written where you type. The sound stays on this "
+            "computer and is deleted.");
     }
     HotKey* hotKey() const;
     bool pushToTalk() const;
