@@ -2,6 +2,7 @@
 
 #include "Calls/CallRecorder.h"
 
+#include "Calls/CallNotes.h"
 #include "Calls/CallSummarizer.h"
 #include "Calls/CallTurns.h"
 #include "Calls/RecordedCalls.h"

@@ -127,7 +127,13 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
     models.add(small);
     EXPECT_EQ(page.models().first(), (Choice { "whisper.cpp:ggml-small.bin", "Small" }));
     EXPECT_EQ(page.model(), page.models().last().id) << "which made this transcript";
+    const Arrival<bool> later;
+    arrivals.insert("mic", later);
     page.processWith("whisper.cpp:ggml-small.bin");
+    EXPECT_EQ(page.stateText(), "Transcribing");
+    EXPECT_TRUE(page.busy());
+    later.arrive(true);
+    EXPECT_FALSE(page.busy());
     EXPECT_EQ(heard.last(), "mic whisper.cpp:ggml-small.bin");
 }
 
@@ -148,6 +154,10 @@ TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)
     EXPECT_EQ(audio.recordedBinary, "zoom");
     EXPECT_EQ(calls.selected(), recorder->activeCallId()) << "it is opened";
     EXPECT_EQ(page.processLabel(), "");
+    page.setNotes("bring tea");
+    recording.mark();
+    EXPECT_EQ(readCallNotes(folder()).text, "bring tea") << "a mark leaves what is noted";
+    EXPECT_EQ(page.markTimes(), QStringList("0:00"));
     recording.discard();
     recording.start();
     EXPECT_EQ(asked.size(), 1) << "once";

@@ -71,8 +71,7 @@ void CallPage::reload()
         Q_EMIT changed();
         return;
     }
-    m_state = callState(
-        m_call->processingStatus, m_call->processingError, isRecordedNow(), m_recorder.processor(), m_call->id);
+    m_state = callState(m_call->processingStatus, m_call->processingError, m_recorder, m_call->id);
     m_microphonePath = isRecordedNow() ? QString() : existing(m_call->micPath);
     m_systemPath = isRecordedNow() ? QString() : existing(m_call->systemPath);
     m_turns = readTurns(folder());
@@ -93,7 +92,7 @@ void CallPage::reload()
 
 bool CallPage::isRecordedNow() const
 {
-    return m_recorder.isRecording() && m_call && m_recorder.activeCallId() == m_call->id;
+    return m_call && (m_recorder.records(m_call->id) || m_recorder.isSaving(m_call->id));
 }
 
 QString CallPage::folder() const
@@ -264,6 +263,7 @@ void CallPage::setNotes(const QString& text)
 {
     if (!m_call || text == m_notes.text)
         return;
+    m_notes = readCallNotes(folder());
     m_notes.text = text;
     if (!writeCallNotes(folder(), m_notes))
         tell(QStringLiteral("The notes can't be saved."));

@@ -116,7 +116,7 @@ Q_SIGNALS:
 
 private:
     QString folder() const; ///< of the call's files
-    bool isRecordedNow() const;
+    bool isRecordedNow() const; ///< or its files are being made whole
     CallJob job() const;
     void process(const CallJob& work);
     void tell(const QString& words);

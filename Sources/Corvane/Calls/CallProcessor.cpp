@@ -53,7 +53,10 @@ void CallProcessor::process(const CallJob& job)
         return;
     Running& running = m_running[job.callId];
     updateCallProcessing(m_db, job.callId, callStatus::transcribing);
-    run(job, running.cancel);
+    const CancelHandle cancel = running.cancel;
+    advance(
+        job.callId, { CallPhase::Kind::Transcribing }, QStringLiteral("Recording saved. Starting local transcript."));
+    run(job, cancel);
 }
 
 void CallProcessor::summarizeAgain(const QString& callId)

@@ -1,5 +1,6 @@
 #include "Calls/CallRecorder.h"
 
+#include "Calls/CallNotes.h"
 #include "Calls/RecordedCalls.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/UserDefaults.h"
@@ -185,7 +186,7 @@ void CallRecorder::begun(const Shown& given, const Result<void>& system)
     m_elapsed = 0;
     m_diskCheckedMs = 0;
     m_diskIsLow = false;
-    m_notes = {};
+    m_marksMs.clear();
     m_waveform = {};
     m_active->awake = m_at.sleep.hold(QStringLiteral("A call is being recorded"));
     const auto stopOnFailure = [this](const QString& reason) {
@@ -249,8 +250,10 @@ void CallRecorder::mark()
 {
     if (!m_active)
         return;
-    m_notes.marksMs.append(qint64(m_active->microphone->elapsedSeconds() * 1000));
-    writeCallNotes(folder(), m_notes);
+    m_marksMs.append(qint64(m_active->microphone->elapsedSeconds() * 1000));
+    CallNotes notes = readCallNotes(folder()); // what is noted meanwhile stays
+    notes.marksMs = m_marksMs;
+    writeCallNotes(folder(), notes);
     Q_EMIT changed();
 }
 
@@ -260,6 +263,7 @@ void CallRecorder::stopBecause(const QString& words)
         return;
     stop();
     m_statusText = words;
+    Q_EMIT refused(words);
     Q_EMIT changed();
 }
 
@@ -275,6 +279,7 @@ void CallRecorder::stop()
     m_phase = { CallPhase::Kind::Transcribing };
     m_statusText = QStringLiteral("Recording saved. Starting local transcript.");
     endCall(m_at.recorded.db(), call.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::transcribing);
+    m_saving.append(call.id);
     const QPointer<CallRecorder> self(this);
     active->microphone->stop([self, call, active](const Result<void>& microphone) {
         if (!self)
@@ -294,6 +299,7 @@ void CallRecorder::stop()
 void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& active, const Result<void>& microphone,
     const Result<void>& system)
 {
+    m_saving.removeAll(call.id);
     CallJob job { .callId = call.id,
         .title = call.title,
         .captureMode = call.captureMode,

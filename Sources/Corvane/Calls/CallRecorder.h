@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Calls/CallNotes.h"
 #include "Calls/CallPhase.h"
 #include "Calls/CallProcessor.h"
 #include "Calls/CallWaveform.h"
@@ -61,6 +60,8 @@ public:
     const CallPhase& phase() const { return m_phase; } ///< of the call that began last
     bool isRecording() const { return m_active != nullptr; }
     bool isStarting() const { return m_starting; } ///< it was told to, and neither records nor has failed yet
+    bool records(const QString& callId) const { return isRecording() && m_shown.id == callId; }
+    bool isSaving(const QString& callId) const { return m_saving.contains(callId); } ///< its files are made whole
     double elapsed() const { return m_elapsed; } ///< in seconds
     const CallWaveform& waveform() const { return m_waveform; } ///< of the recording that runs or ran last
     const QString& activeCallId() const { return m_shown.id; } ///< empty once it is processed
@@ -70,7 +71,7 @@ public:
     const QString& activeTitle() const { return m_shown.title; }
     const QString& statusText() const { return m_statusText; }
     QString warningText() const; ///< what threatens the recording that runs
-    const QList<qint64>& marksMs() const { return m_notes.marksMs; } ///< of the recording that runs
+    const QList<qint64>& marksMs() const { return m_marksMs; } ///< of the recording that runs
 
     bool systemAudioEnabled() const;
     void setSystemAudioEnabled(bool enabled);
@@ -87,7 +88,7 @@ public:
 Q_SIGNALS:
     void changed();
     void ticked(); ///< elapsed time and level of the recording that runs
-    void refused(const QString& reason); ///< no recording begins
+    void refused(const QString& reason); ///< no recording begins, or one had to end
 
 private:
     /// What a call says of itself, whether it is recorded or processed.
@@ -127,11 +128,12 @@ private:
     bool m_starting = false;
     std::unique_ptr<Active> m_next; ///< while it begins
     std::unique_ptr<Active> m_active;
+    QStringList m_saving; ///< calls that were stopped
     std::unique_ptr<Timer> m_timer;
     double m_elapsed = 0;
     qint64 m_diskCheckedMs = 0;
     bool m_diskIsLow = false;
-    CallNotes m_notes; ///< of the recording that runs
+    QList<qint64> m_marksMs;
     CallWaveform m_waveform;
     QString m_application;
     QString m_statusText = QStringLiteral("Ready for user-started recording.");

@@ -1,6 +1,6 @@
 #include "Calls/CallRows.h"
 
-#include "Calls/CallProcessor.h"
+#include "Calls/CallRecorder.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/PlayTime.h"
@@ -11,11 +11,13 @@
 
 namespace corvane {
 
-CallState callState(
-    const QString& status, const QString& error, bool isRecordingNow, const CallProcessor& processor, const QString& id)
+CallState callState(const QString& status, const QString& error, const CallRecorder& recorder, const QString& id)
 {
-    if (isRecordingNow)
+    const CallProcessor& processor = recorder.surroundings().processor;
+    if (recorder.records(id))
         return { QStringLiteral("Recording"), QStringLiteral("recording") };
+    if (recorder.isSaving(id))
+        return { QStringLiteral("Saving"), QStringLiteral("busy") };
     if (processor.isProcessing(id)) {
         const bool summing = processor.phase(id) == CallPhase::Kind::Summarizing;
         return { summing ? QStringLiteral("Summing up") : QStringLiteral("Transcribing"), QStringLiteral("busy") };

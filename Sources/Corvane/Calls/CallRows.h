@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-class CallProcessor;
+class CallRecorder;
 class DateWords;
 struct CRMUpdateProposal;
 
@@ -94,8 +94,7 @@ struct CallState {
     QString words;
     QString tone; ///< as in `CallRow`
 };
-CallState callState(const QString& status, const QString& error, bool isRecordingNow, const CallProcessor& processor,
-    const QString& id);
+CallState callState(const QString& status, const QString& error, const CallRecorder& recorder, const QString& id);
 
 CallRow callRow(const CallRecordingRow& call, const CallState& state, const DateWords& words);
 QList<CallTurnRow> turnRows(const QList<CallTurn>& turns, const QString& searched);

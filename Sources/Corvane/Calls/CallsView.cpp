@@ -52,10 +52,7 @@ void CallsView::refresh()
     QList<CallRow> rows;
     for (const CallRecordingRow& call :
         findCallRecordings(m_recorder.recorded().db(), m_query.trimmed(), callsListed)) {
-        const bool isRecording = m_recorder.isRecording() && m_recorder.activeCallId() == call.id;
-        rows.append(callRow(call,
-            callState(call.processingStatus, call.processingError, isRecording, m_recorder.processor(), call.id),
-            words));
+        rows.append(callRow(call, callState(call.processingStatus, call.processingError, m_recorder, call.id), words));
     }
     m_rows.assign(rows);
     if (m_page.callId().isEmpty() && !rows.isEmpty())

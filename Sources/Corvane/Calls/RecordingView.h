@@ -14,7 +14,7 @@ class RecordingView : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
     Q_PROPERTY(QString warningText READ warningText NOTIFY changed)
-    Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why no recording began
+    Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why none began, or the last one had to end
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY ticked) ///< "12:04"
     Q_PROPERTY(double level READ level NOTIFY ticked) ///< from 0 to 1
     Q_PROPERTY(QString marksText READ marksText NOTIFY changed) ///< such as "2 marks"; empty for none
