@@ -44,10 +44,10 @@ void MeetingAutoRecorder::refresh()
 {
     if (db().isSound())
         m_rule = fetchCallRecordingRule(db()).value_or(CallRecordingRuleRow());
-    if (!m_rule.enabled) {
+    if (!m_rule.enabled)
         m_runningMeetingApps.clear();
+    if (!m_rule.enabled || m_at.calls.isRecording())
         return evaluate();
-    }
     if (std::exchange(m_looking, true))
         return;
     m_at.look([self = QPointer<MeetingAutoRecorder>(this)](const ProgramsSeen& seen) {
