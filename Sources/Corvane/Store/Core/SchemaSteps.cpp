@@ -234,6 +234,15 @@ BEGIN SELECT RAISE(ABORT, 'the record of decisions only grows'); END;)" },
         Statement { R"(CREATE TABLE IF NOT EXISTS cloud_keep_local (
   conversation_id TEXT NOT NULL DEFAULT '', account_id TEXT NOT NULL DEFAULT '', kept_at INTEGER NOT NULL,
   PRIMARY KEY(conversation_id, account_id));)" },
+        // A context of the work console is one among hundreds.
+        Statement { "CREATE INDEX IF NOT EXISTS ix_work_item_context ON work_item(module, context_id, status);" },
+        Statement { "CREATE INDEX IF NOT EXISTS ix_work_item_counts ON work_item(context_id, status);" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_work_message_context
+  ON work_message(module, context_id, created_at);)" },
+        Statement { R"(CREATE INDEX IF NOT EXISTS ix_work_evidence_context
+  ON work_evidence(module, context_id, created_at);)" },
+        Statement { "CREATE INDEX IF NOT EXISTS ix_work_evidence_item ON work_evidence(item_id);" },
+        Statement { "CREATE INDEX IF NOT EXISTS ix_work_decision_context ON work_decision(module, context_id);" },
     };
     // clang-format on
     return all;

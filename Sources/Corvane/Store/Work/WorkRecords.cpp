@@ -2,6 +2,8 @@
 
 #include "Store/Work/WorkTables.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace corvane {
@@ -11,6 +13,8 @@ namespace {
 const QString byRisk
     = u"ORDER BY CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 "
       "ELSE 4 END, updated_at DESC\nLIMIT ?;"_s;
+const QString byApproval
+    = u"ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s;
 const QString lastChangedFirst = u"ORDER BY updated_at DESC\nLIMIT ?;"_s;
 
 /// What every list here is: rows of a table that may not be there.
@@ -25,8 +29,9 @@ template <typename Row>
 QList<Row> moduleRows(LocalDB& db, const Table<Row>& table, const QString& order, const QString& module,
     const WorkContextId& context, int limit)
 {
-    return guardedRows(
-        db, table, u"WHERE module=? AND (? IS NULL OR context_id=?)\n"_s + order, { module, context, context, limit });
+    // Two statements, since only a plain comparison finds the rows of one context by their index.
+    return context ? guardedRows(db, table, u"WHERE module=? AND context_id=?\n"_s + order, { module, *context, limit })
+                   : guardedRows(db, table, u"WHERE module=?\n"_s + order, { module, limit });
 }
 
 /// A join that counts a context's rows in another table as `{alias}.n`; a table that is missing has none.
@@ -40,13 +45,44 @@ QString joinedCount(LocalDB& db, const QString& alias, const QString& table, con
 
 }
 
-QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit)
+namespace {
+
+QString contextCounts(LocalDB& db)
 {
     const QString live = u"status IN ('running','live')"_s;
-    const QString joins = joinedCount(db, u"i"_s, u"work_item"_s, u"status IS NOT 'done'"_s)
+    return joinedCount(db, u"i"_s, u"work_item"_s, u"status IS NOT 'done'"_s)
         + joinedCount(db, u"s"_s, u"work_session"_s, live) + joinedCount(db, u"a"_s, u"work_agent"_s, live);
-    return guardedRows(
-        db, workContexts, joins + u"WHERE c.module=?\nORDER BY c.updated_at DESC\nLIMIT ?;"_s, { module, limit });
+}
+
+template <typename Row> std::optional<Row> rowWithId(LocalDB& db, const Table<Row>& table, const QString& id)
+{
+    return db.tableExists(table.name()) ? table.first(db, u"WHERE id=?;"_s, { id }) : std::nullopt;
+}
+
+}
+
+QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit)
+{
+    return guardedRows(db, workContexts,
+        contextCounts(db) + u"WHERE c.module=?\nORDER BY c.updated_at DESC\nLIMIT ?;"_s, { module, limit });
+}
+
+std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& module, const QString& slug)
+{
+    return db.tableExists(workContexts.name())
+        ? workContexts.first(db, contextCounts(db) + u"WHERE c.module=? AND c.slug=?;"_s, { module, slug })
+        : std::nullopt;
+}
+
+std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& id)
+{
+    return db.tableExists(workContexts.name()) ? workContexts.first(db, contextCounts(db) + u"WHERE c.id=?;"_s, { id })
+                                               : std::nullopt;
+}
+
+std::optional<WorkItemRecord> fetchWorkItem(LocalDB& db, const QString& id)
+{
+    return rowWithId(db, workItems, id);
 }
 
 QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
@@ -69,7 +105,7 @@ QList<WorkDecisionRecord> fetchPendingWorkDecisions(LocalDB& db, int limit)
 
 std::optional<WorkDecisionRecord> fetchWorkDecision(LocalDB& db, const QString& id)
 {
-    return db.tableExists(workDecisions.name()) ? workDecisions.first(db, u"WHERE id=?;"_s, { id }) : std::nullopt;
+    return rowWithId(db, workDecisions, id);
 }
 
 QList<WorkEvidenceRecord> fetchWorkEvidence(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
@@ -80,6 +116,15 @@ QList<WorkEvidenceRecord> fetchWorkEvidence(LocalDB& db, const QString& module, 
 QList<WorkMessageRecord> fetchWorkMessages(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
     return moduleRows(db, workMessages, u"ORDER BY created_at ASC\nLIMIT ?;"_s, module, context, limit);
+}
+
+QList<WorkMessageRecord> fetchNewestWorkMessages(
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit)
+{
+    QList<WorkMessageRecord> newest
+        = moduleRows(db, workMessages, u"ORDER BY created_at DESC, rowid DESC\nLIMIT ?;"_s, module, context, limit);
+    std::ranges::reverse(newest);
+    return newest;
 }
 
 QList<WorkSessionRecord> fetchWorkSessions(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
@@ -100,9 +145,22 @@ QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit)
 
 QList<WorkMemoryRecord> fetchWorkMemory(LocalDB& db, const QString& module, const WorkContextId& context, int limit)
 {
-    return moduleRows(db, workMemory,
-        u"ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s,
-        module, context, limit);
+    return moduleRows(db, workMemory, byApproval, module, context, limit);
+}
+
+QList<WorkMemoryRecord> fetchMemoryOfAllModules(LocalDB& db, int limit)
+{
+    return guardedRows(db, workMemory, byApproval, { limit });
+}
+
+QList<WorkEvidenceRecord> fetchEvidenceOfKind(LocalDB& db, const QString& kind, int limit)
+{
+    return guardedRows(db, workEvidence, u"WHERE kind=?\nORDER BY created_at DESC\nLIMIT ?;"_s, { kind, limit });
+}
+
+QList<WorkSessionRecord> fetchSessionsOfAllModules(LocalDB& db, int limit)
+{
+    return guardedRows(db, workSessions, lastChangedFirst, { limit });
 }
 
 }

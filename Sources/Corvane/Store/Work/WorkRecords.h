@@ -132,9 +132,12 @@ struct WorkMemoryRecord {
 using WorkContextId = std::optional<QString>;
 
 QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit); ///< last touched first
+std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& id);
+std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& module, const QString& slug);
 
 /// By priority: high, normal, the rest; the last changed first.
 QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+std::optional<WorkItemRecord> fetchWorkItem(LocalDB& db, const QString& id);
 
 /// By risk: money, credential, external, high, the rest; the last changed first.
 QList<WorkDecisionRecord> fetchWorkDecisions(
@@ -148,6 +151,10 @@ QList<WorkEvidenceRecord> fetchWorkEvidence( ///< newest first
 /// Oldest first; the limit keeps the oldest.
 QList<WorkMessageRecord> fetchWorkMessages(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 
+/// Oldest first; the limit keeps the newest.
+QList<WorkMessageRecord> fetchNewestWorkMessages(
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
 QList<WorkSessionRecord> fetchWorkSessions( ///< last changed first
     LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 QList<WorkAgentRecord> fetchWorkAgents( ///< last changed first
@@ -156,5 +163,10 @@ QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit); ///< of all mod
 
 /// Proposed, approved, the rest; the last changed first.
 QList<WorkMemoryRecord> fetchWorkMemory(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
+
+// Of every module, in the orders above.
+QList<WorkMemoryRecord> fetchMemoryOfAllModules(LocalDB& db, int limit);
+QList<WorkEvidenceRecord> fetchEvidenceOfKind(LocalDB& db, const QString& kind, int limit);
+QList<WorkSessionRecord> fetchSessionsOfAllModules(LocalDB& db, int limit);
 
 }

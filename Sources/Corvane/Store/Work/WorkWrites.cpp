@@ -1,9 +1,8 @@
 #include "Store/Work/WorkWrites.h"
 
 #include "Foundation/Ids.h"
+#include "Store/Core/Transaction.h"
 #include "Store/Work/WorkTables.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -46,16 +45,10 @@ bool save(LocalDB& db, const Table<Row>& table, const Row& row, const WorkContex
     return true;
 }
 
-template <typename Record, typename Matches>
-std::optional<Record> firstOf(const QList<Record>& records, const Matches& matches)
+/// The row as it is there now.
+template <typename Row> std::optional<Row> saved(LocalDB& db, const Table<Row>& table, const QString& id)
 {
-    const auto found = std::ranges::find_if(records, matches);
-    return found == records.end() ? std::nullopt : std::optional(*found);
-}
-
-template <typename Record> std::optional<Record> withId(const QList<Record>& records, const QString& id)
-{
-    return firstOf(records, [&](const Record& record) { return record.id == id; });
+    return table.first(db, u"WHERE id=?;"_s, { id });
 }
 
 /// One row of a table moves on, and with it the context that it belongs to.
@@ -93,8 +86,7 @@ ON CONFLICT(module, slug) DO UPDATE SET kind=excluded.kind, title=excluded.title
   metadata_json=excluded.metadata_json, updated_at=excluded.updated_at)";
     if (!save(db, workContexts, row, {}, {}, replaceAllButId))
         return std::nullopt;
-    return firstOf(fetchWorkContexts(db, context.module, 500),
-        [&](const WorkContextRow& saved) { return saved.slug == context.slug; });
+    return fetchWorkContext(db, context.module, context.slug);
 }
 
 std::optional<WorkItemRecord> insertWorkItem(LocalDB& db, const NewWorkItem& item)
@@ -110,7 +102,7 @@ std::optional<WorkItemRecord> insertWorkItem(LocalDB& db, const NewWorkItem& ite
         .summary = item.summary };
     if (!save(db, workItems, row, item.context, { { "due_at", none } }))
         return std::nullopt;
-    return withId(fetchWorkItems(db, item.module, item.context, 200), row.id);
+    return saved(db, workItems, row.id);
 }
 
 std::optional<WorkDecisionRecord> insertWorkDecision(LocalDB& db, const NewWorkDecision& decision)
@@ -124,7 +116,7 @@ std::optional<WorkDecisionRecord> insertWorkDecision(LocalDB& db, const NewWorkD
         .risk = decision.risk };
     if (!save(db, workDecisions, row, decision.context, {}))
         return std::nullopt;
-    return withId(fetchWorkDecisions(db, decision.module, decision.context, 50), row.id);
+    return saved(db, workDecisions, row.id);
 }
 
 std::optional<WorkEvidenceRecord> insertWorkEvidence(LocalDB& db, const NewWorkEvidence& evidence)
@@ -138,7 +130,7 @@ std::optional<WorkEvidenceRecord> insertWorkEvidence(LocalDB& db, const NewWorkE
         .summary = evidence.summary };
     if (!save(db, workEvidence, row, evidence.context, { { "item_id", evidence.itemId } }))
         return std::nullopt;
-    return withId(fetchWorkEvidence(db, evidence.module, evidence.context, 200), row.id);
+    return saved(db, workEvidence, row.id);
 }
 
 std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMessage& message)
@@ -154,7 +146,7 @@ std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMes
         .status = u"posted"_s };
     if (!save(db, workMessages, row, message.context, {}))
         return std::nullopt;
-    return withId(fetchWorkMessages(db, message.module, message.context, 200), row.id);
+    return saved(db, workMessages, row.id);
 }
 
 std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSession& session)
@@ -168,7 +160,7 @@ std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSes
         .heartbeatAt = isoTime(db.nowMs()) };
     if (!save(db, workSessions, row, session.context, { { "endpoint", none } }))
         return std::nullopt;
-    return withId(fetchWorkSessions(db, session.module, session.context, 50), row.id);
+    return saved(db, workSessions, row.id);
 }
 
 std::optional<WorkAgentRecord> upsertWorkAgent(LocalDB& db, const NewWorkAgent& agent)
@@ -189,8 +181,8 @@ ON CONFLICT(module, context_id, name, tool) DO UPDATE SET role=excluded.role, st
     if (!save(db, workAgents, row, agent.context, { { "context_id", context }, { "session_id", agent.sessionId } },
             keepId))
         return std::nullopt;
-    return firstOf(fetchWorkAgents(db, agent.module, context, 100),
-        [&](const WorkAgentRecord& saved) { return saved.name == agent.name && saved.tool == agent.tool; });
+    return workAgents.first(db, u"WHERE module=? AND context_id=? AND name=? AND tool=?;"_s,
+        { agent.module, context, agent.name, agent.tool });
 }
 
 std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemory& memory)
@@ -204,12 +196,27 @@ std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemor
         .owner = memory.owner };
     if (!save(db, workMemory, row, memory.context, {}))
         return std::nullopt;
-    return withId(fetchWorkMemory(db, memory.module, memory.context, 200), row.id);
+    return saved(db, workMemory, row.id);
 }
 
 bool updateWorkItemStatus(LocalDB& db, const QString& id, const QString& status)
 {
     return updateStatus(db, u"work_item"_s, u"status=?"_s, {}, id.trimmed(), status.trimmed());
+}
+
+WorkItemSaved updateWorkItem(LocalDB& db, const WorkItemRecord& seen, const WorkItemRecord& wanted)
+{
+    Transaction transaction(db);
+    const auto now = transaction.begun() ? fetchWorkItem(db, seen.id) : std::nullopt;
+    if (!now)
+        return WorkItemSaved::Failed;
+    if (*now != seen)
+        return WorkItemSaved::Changed;
+    const bool done = updateStatus(db, u"work_item"_s, u"status=?, title=?, kind=?, priority=?, owner=?, summary=?"_s,
+                          { wanted.title, wanted.kind, wanted.priority, wanted.owner, wanted.summary }, seen.id,
+                          wanted.status.trimmed())
+        && transaction.commit();
+    return done ? WorkItemSaved::Saved : WorkItemSaved::Failed;
 }
 
 bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy)

@@ -107,6 +107,12 @@ std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemor
 
 // False where there is no such row, or the id or the status is blank.
 bool updateWorkItemStatus(LocalDB& db, const QString& id, const QString& status);
+
+enum class WorkItemSaved { Saved, Changed, Failed };
+
+/// Writes what a person edited, if the row still is as they saw it. A blank status is refused.
+WorkItemSaved updateWorkItem(LocalDB& db, const WorkItemRecord& seen, const WorkItemRecord& wanted);
+
 bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy);
 
 /// An approval is the moment of the memory's verification; any other word clears it.
