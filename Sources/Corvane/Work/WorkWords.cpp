@@ -30,11 +30,44 @@ std::optional<QString> firstHit(const std::vector<Group>& groups, const QString&
     return hit == groups.end() ? std::nullopt : std::optional(QString(hit->word));
 }
 
+bool anyOf(const QStringList& signs, const QStringList& texts)
+{
+    const QString lower = texts.join(u' ').toLower();
+    return std::ranges::any_of(signs, [&](const QString& sign) { return lower.contains(sign); });
+}
+
+}
+
+QStringList ticketSigns()
+{
+    return { u"ticket"_s, u"bug"_s, u"support"_s, u"repro"_s };
+}
+
+QStringList financeSigns()
+{
+    return { u"finance"_s, u"billing"_s, u"invoice"_s, u"payroll"_s, u"payment"_s };
+}
+
+bool marksFinance(const QStringList& texts)
+{
+    return anyOf(financeSigns(), texts);
+}
+
+bool marksHiring(const QStringList& texts)
+{
+    return anyOf({ u"hiring"_s, u"candidate"_s, u"recruit"_s, u"screen"_s }, texts);
+}
+
+std::optional<QString> firstSign(const QList<std::pair<QString, QString>>& signs, const QString& text)
+{
+    const QString lower = text.toLower();
+    const auto hit = std::ranges::find_if(signs, [&](const auto& sign) { return lower.contains(sign.first); });
+    return hit == signs.end() ? std::nullopt : std::optional(hit->second);
 }
 
 bool isTicketKind(const QString& kind)
 {
-    return containsAny(kind.toLower(), { "ticket"_L1, "bug"_L1, "support"_L1, "repro"_L1 });
+    return anyOf(ticketSigns(), { kind });
 }
 
 bool isHandoffKind(const QString& kind)

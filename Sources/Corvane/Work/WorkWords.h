@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <optional>
+#include <utility>
 
 namespace corvane {
 
@@ -18,6 +19,17 @@ std::optional<QString> riskForCreate(const QString& kind, const QString& title, 
 
 /// The kind of an item that only has a title; "task" where the title tells nothing.
 QString inferredKind(const QString& title);
+
+/// The words that mark an item's kind or text, for searches.
+QStringList ticketSigns();
+QStringList financeSigns();
+
+/// Whether one of the texts holds a word of its class.
+bool marksFinance(const QStringList& texts);
+bool marksHiring(const QStringList& texts);
+
+/// What stands beside the first sign that the text contains, without case.
+std::optional<QString> firstSign(const QList<std::pair<QString, QString>>& signs, const QString& text);
 
 /// Letters and digits in lower case, "-" for whatever lies between; "context-{seconds}" where nothing is left.
 QString normalizedLocalSlug(const QString& text, qint64 nowMs);

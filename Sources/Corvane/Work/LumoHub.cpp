@@ -1,0 +1,85 @@
+#include "Work/LumoHub.h"
+
+#include "Presentation/DateWords.h"
+#include "Store/Core/StoreWatch.h"
+#include "Store/Work/WorkWrites.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int flowsShown = 200;
+
+TabItem place(const QString& id, const QString& label)
+{
+    TabItem item;
+    item.id = id;
+    item.label = label;
+    return item;
+}
+
+}
+
+LumoHub::LumoHub(const WorkServices& services, QObject* parent)
+    : QObject(parent)
+    , m_at(services)
+    , m_shell(services, WorkConsoleConfig::lumo(),
+          { place(u"knowledge"_s, u"Knowledge"_s), place(u"agents"_s, u"Agents"_s), place(u"flows"_s, u"Flows"_s) },
+          this)
+    , m_knowledge(services.db, services.scheduler, this)
+    , m_agents(services, WorkConsoleConfig::lumo(), this)
+{
+    m_agents.setScope({}, true);
+    connect(&m_shell, &WorkModuleShell::refreshed, this, &LumoHub::readPlaces);
+    connect(&m_knowledge, &WorkDecisions::wrote, &m_shell, &WorkModuleShell::refresh);
+}
+
+void LumoHub::readPlaces()
+{
+    m_knowledge.reload();
+    m_agents.reload();
+    const DateWords words(m_at.db.nowMs());
+    QList<WorkEvidenceSeed> flows;
+    for (const WorkEvidenceRecord& row : fetchEvidenceOfKind(m_at.db, u"runbook"_s, flowsShown))
+        flows.append(evidenceSeed(row, words));
+    m_flows.assign(flows);
+    m_shell.setPlaceCount(
+        u"knowledge"_s, int(std::ranges::count(m_knowledge.memoryRows(), true, &WorkMemorySeed::waits)));
+    m_shell.setPlaceCount(u"agents"_s, m_agents.silent());
+    Q_EMIT changed();
+}
+
+QString LumoHub::knowledgeEmpty() const
+{
+    return u"Facts stand here when an agent proposes one, or when you write one down. What you approve may be used."_s;
+}
+
+QString LumoHub::flowsEmpty() const
+{
+    return u"Runbooks stand here: notes on how a thing is done, written in a context with the action Runbook."_s;
+}
+
+bool LumoHub::propose(const QString& fact)
+{
+    if (fact.trimmed().isEmpty())
+        return false;
+    const bool saved = insertWorkMemory(m_at.db,
+        { .module = u"lumo"_s,
+            .context = std::nullopt,
+            .kind = u"fact"_s,
+            .body = fact.trimmed(),
+            .source = u"lumo-hub"_s,
+            .confidence = u"medium"_s,
+            .owner = u"Oskel"_s })
+                           .has_value();
+    m_error = saved ? QString() : u"It was not saved: the database did not take it."_s;
+    m_at.db.watch().tell(StoreSubject::Work);
+    m_shell.refresh();
+    return saved;
+}
+
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Presentation/Choice.h"
+#include "Work/WorkCreateFlows.h"
+
+#include <QObject>
+
+namespace corvane {
+
+/// The sheet in which a person begins something: a context, an item, a note or a question.
+class WorkCreate : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool open READ isOpen NOTIFY changed)
+    Q_PROPERTY(QString flow READ flow NOTIFY changed) ///< context, item, note or ask
+    Q_PROPERTY(QString heading READ heading NOTIFY changed)
+    Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will stand
+    Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
+    Q_PROPERTY(QString titleLabel READ titleLabel NOTIFY changed)
+    Q_PROPERTY(QString summary READ summary WRITE setSummary NOTIFY changed)
+    Q_PROPERTY(QString summaryLabel READ summaryLabel NOTIFY changed)
+    Q_PROPERTY(QString kind READ kind WRITE setKind NOTIFY changed)
+    Q_PROPERTY(QString owner READ owner WRITE setOwner NOTIFY changed)
+    Q_PROPERTY(QString priority READ priority WRITE setPriority NOTIFY changed)
+    Q_PROPERTY(QString urgency READ urgency WRITE setUrgency NOTIFY changed)
+    Q_PROPERTY(bool toLumo READ toLumo WRITE setToLumo NOTIFY changed)
+    Q_PROPERTY(QString riskText READ riskText NOTIFY changed) ///< what else will happen; empty for nothing
+    Q_PROPERTY(QString error READ error NOTIFY changed)
+    Q_PROPERTY(QStringList priorities READ priorities CONSTANT)
+public:
+    WorkCreate(LocalDB& db, QObject* parent); ///< the database outlives it
+
+    void setPlace(const WorkPlace& place, const QString& contextNoun);
+
+    bool isOpen() const { return m_open; }
+    QString flow() const;
+    QString heading() const;
+    QString place() const;
+    const QString& title() const { return m_draft.title; }
+    void setTitle(const QString& title) { edit(m_draft.title, title); }
+    QString titleLabel() const;
+    const QString& summary() const { return m_draft.summary; }
+    void setSummary(const QString& summary) { edit(m_draft.summary, summary); }
+    QString summaryLabel() const;
+    const QString& kind() const { return m_draft.kind; }
+    void setKind(const QString& kind) { edit(m_draft.kind, kind); }
+    const QString& owner() const { return m_draft.owner; }
+    void setOwner(const QString& owner) { edit(m_draft.owner, owner); }
+    const QString& priority() const { return m_draft.priority; }
+    void setPriority(const QString& priority) { edit(m_draft.priority, priority); }
+    const QString& urgency() const { return m_draft.askUrgency; }
+    void setUrgency(const QString& urgency) { edit(m_draft.askUrgency, urgency); }
+    bool toLumo() const { return asksLumo(m_draft); }
+    void setToLumo(bool toLumo);
+    QString riskText() const;
+    const QString& error() const { return m_error; }
+    QStringList priorities() const
+    {
+        return { QStringLiteral("high"), QStringLiteral("normal"), QStringLiteral("low") };
+    }
+
+    Q_INVOKABLE void begin(const QString& flow);
+    Q_INVOKABLE void beginQuickAction(const QString& title, const QString& subtitle);
+    Q_INVOKABLE void save();
+    Q_INVOKABLE void cancel();
+
+Q_SIGNALS:
+    void changed();
+    void contextSaved(const QString& id);
+    void askSaved(const corvane::OpsAskRow& ask, bool forLumo);
+    void wrote();
+
+private:
+    void show(const WorkDraft& draft);
+    void edit(QString& field, const QString& value);
+    std::optional<Error> write();
+
+    LocalDB& m_db;
+    WorkPlace m_place;
+    QString m_contextNoun = QStringLiteral("context");
+    WorkDraft m_draft;
+    bool m_open = false;
+    QString m_error;
+};
+
+}

@@ -1,0 +1,198 @@
+#include "Work/WorkCreateFlows.h"
+
+#include "Foundation/Text.h"
+#include "Store/Approvals/WorkDecisions.h"
+#include "Store/Work/WorkWrites.h"
+#include "Work/WorkWords.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString person = u"Oskel"_s;
+const QString approved = u"approved"_s;
+constexpr int firstWords = 80;
+
+bool holdsAny(const QString& text, const QStringList& words)
+{
+    const QString lower = text.toLower();
+    return std::ranges::any_of(words, [&](const QString& word) { return lower.contains(word); });
+}
+
+QString kindOf(const WorkDraft& draft, const QString& usual)
+{
+    const QString kind = draft.kind.trimmed();
+    return kind.isEmpty() ? usual : kind;
+}
+
+QString verdictWord(const QString& status)
+{
+    return status == approved ? u"Approved"_s : u"Rejected"_s;
+}
+
+}
+
+WorkDraft emptyDraft(WorkCreateFlow flow)
+{
+    return { .flow = flow, .kind = flow == WorkCreateFlow::Note ? u"note"_s : u"task"_s };
+}
+
+WorkDraft quickActionDraft(const QString& title, const QString& subtitle, const QString& contextTitle)
+{
+    const QString inContext = u"%1 for %2"_s.arg(title, contextTitle);
+    WorkDraft draft;
+    draft.summary = subtitle;
+    if (holdsAny(title, { u"ask"_s, u"approval"_s })) {
+        draft = emptyDraft(WorkCreateFlow::Ask);
+        draft.title = title;
+        draft.summary = subtitle;
+        draft.askUrgency = holdsAny(title, { u"approval"_s, u"invoice"_s }) ? u"high"_s : u"normal"_s;
+        draft.askTarget = u"Human/agent"_s;
+    } else if (holdsAny(title, { u"runbook"_s, u"log"_s, u"doc"_s })) {
+        draft.flow = WorkCreateFlow::Note;
+        draft.kind = holdsAny(title, { u"runbook"_s }) ? u"runbook"_s : u"note"_s;
+        draft.title = inContext;
+    } else {
+        draft.flow = WorkCreateFlow::Item;
+        draft.kind = inferredKind(title);
+        draft.title = inContext;
+        draft.priority = holdsAny(title, { u"invoice"_s, u"log"_s, u"reply"_s }) ? u"high"_s : u"normal"_s;
+    }
+    return draft;
+}
+
+Result<WorkContextRow> saveContext(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)
+{
+    const QString title = draft.title.trimmed();
+    if (title.isEmpty())
+        return failure(u"Title is required."_s);
+    const auto saved = upsertWorkContext(db,
+        { .module = place.module,
+            .kind = kindOf(draft, u"workspace"_s),
+            .slug = normalizedLocalSlug(title, db.nowMs()),
+            .title = title,
+            .subtitle = draft.summary.trimmed(),
+            .owner = draft.owner.trimmed() });
+    return saved ? Result<WorkContextRow>(*saved) : failure(u"Could not save work_context."_s);
+}
+
+Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)
+{
+    const QString title = draft.title.trimmed();
+    if (title.isEmpty())
+        return failure(u"Title is required."_s);
+    const QString summary = draft.summary.trimmed();
+    const auto saved = insertWorkItem(db,
+        { .module = place.module,
+            .context = place.contextId(),
+            .kind = kindOf(draft, u"task"_s),
+            .title = title,
+            .priority = draft.priority.trimmed(),
+            .owner = draft.owner.trimmed(),
+            .source = place.source,
+            .summary = summary });
+    if (!saved)
+        return failure(u"Could not save work_item."_s);
+    postStatus(db, place, u"Created work_item %1: %2."_s.arg(saved->id, title));
+    if (const auto risk = riskForCreate(saved->kind, title, summary)) {
+        insertWorkDecision(db,
+            { .module = place.module,
+                .context = place.contextId(),
+                .title = u"Review "_s + title,
+                .proposal
+                = u"Hold any external send, money movement, billing, credential, deploy, or destructive action "
+                  "until Oskel approves."_s,
+                .rationale
+                = u"Created from Corvane Create. The work_item is local only; execution requires approval."_s,
+                .risk = *risk });
+    }
+    return *saved;
+}
+
+Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)
+{
+    const QString title = draft.title.trimmed();
+    if (title.isEmpty())
+        return failure(u"Title is required."_s);
+    const auto saved = insertWorkEvidence(db,
+        { .module = place.module,
+            .context = place.contextId(),
+            .itemId = std::nullopt,
+            .kind = kindOf(draft, u"note"_s),
+            .title = title,
+            .source = place.source,
+            .uri = QLatin1String(""),
+            .summary = draft.summary.trimmed() });
+    if (!saved)
+        return failure(u"Could not save work_evidence note."_s);
+    postStatus(db, place, u"Created work_evidence %1: %2."_s.arg(saved->id, title));
+    return *saved;
+}
+
+Result<OpsAskRow> saveAsk(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)
+{
+    const QString title = draft.title.trimmed();
+    const QString question = title.isEmpty() ? draft.summary.trimmed() : title;
+    if (question.isEmpty())
+        return failure(u"Question is required."_s);
+    if (!db.tableExists(u"ask"_s))
+        return failure(u"Could not save ask."_s);
+    const auto saved = createOpsAsk(db,
+        { .projectSlug = place.context ? place.context->slug : place.slug,
+            .question = question,
+            .urgency = draft.askUrgency.trimmed() });
+    if (!saved)
+        return failure(u"Could not save ops ask."_s);
+    postStatus(db, place, u"Created ops_ask %1: %2"_s.arg(saved->id, question), u"ask"_s);
+    return *saved;
+}
+
+bool asksLumo(const WorkDraft& draft)
+{
+    return holdsAny(draft.askTarget, { u"lumo"_s });
+}
+
+bool postStatus(LocalDB& db, const WorkPlace& place, const QString& body, const QString& kind)
+{
+    return insertWorkMessage(db,
+        { .module = place.module,
+            .context = place.contextId(),
+            .speaker = u"Corvane"_s,
+            .role = u"system"_s,
+            .kind = kind,
+            .body = body })
+        .has_value();
+}
+
+bool setWorkDecisionStatus(LocalDB& db, const WorkPlace& place, const WorkDecisionRecord& seen, const QString& status)
+{
+    const Decided decided = status == approved ? approveWorkDecision(db, seen.id, person, decisionHash(seen))
+                                               : rejectWorkDecision(db, seen.id, person);
+    if (decided != Decided::Taken)
+        return false;
+    postStatus(
+        db, place, u"%1 decision locally: %2. No external action was executed."_s.arg(verdictWord(status), seen.title));
+    return true;
+}
+
+bool setWorkMemoryStatus(LocalDB& db, const WorkPlace& place, const WorkMemoryRecord& memory, const QString& status)
+{
+    if (!updateWorkMemoryStatus(db, memory.id, status, person))
+        return false;
+    postStatus(db, place,
+        u"%1 memory proposal locally: %2."_s.arg(
+            verdictWord(status), firstCharacters(singleLine(memory.body), firstWords)));
+    return true;
+}
+
+bool markWorkItemDone(LocalDB& db, const WorkPlace& place, const WorkItemRecord& item)
+{
+    if (item.status.toLower() == "done"_L1 || !updateWorkItemStatus(db, item.id, u"done"_s))
+        return false;
+    postStatus(db, place, u"Marked work item done locally: %1."_s.arg(item.title));
+    return true;
+}
+
+}

@@ -1,0 +1,158 @@
+#include "Work/WorkDecisions.h"
+
+#include "Presentation/DateWords.h"
+#include "Store/Core/StoreWatch.h"
+#include "Work/WorkRows.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int rowsShown = 50;
+constexpr int memoryShown = 200;
+
+QString statusWord(const QString& status)
+{
+    if (status == "proposed"_L1)
+        return u"Waits for you"_s;
+    if (status == "approved"_L1)
+        return u"Approved"_s;
+    return status == "rejected"_L1 ? u"Rejected"_s : shownLine(status);
+}
+
+QString riskWord(const QString& risk)
+{
+    if (risk == "money"_L1)
+        return u"Money"_s;
+    if (risk == "credential"_L1)
+        return u"Credentials"_s;
+    if (risk == "external"_L1)
+        return u"Goes outside"_s;
+    return risk == "high"_L1 ? u"Cannot be undone"_s : shownLine(risk);
+}
+
+}
+
+WorkDecisionSeed decisionSeed(const WorkDecisionRecord& decision, const DateWords& words)
+{
+    WorkDecisionSeed seed;
+    seed.id = decision.id;
+    seed.title = shownLine(decision.title);
+    seed.status = statusWord(decision.status);
+    seed.risk = riskWord(decision.risk);
+    seed.proposal = decision.proposal.isEmpty() ? u"Decision needs review."_s : shownText(decision.proposal);
+    seed.rationale = shownText(decision.rationale);
+    seed.facts = factLine({ decision.decidedBy.isEmpty() ? QString() : u"by "_s + shownLine(decision.decidedBy),
+        shownTime(decision.updatedAt, words) });
+    seed.waits = decision.status == "proposed"_L1;
+    if (decision.risk == "money"_L1 || decision.risk == "credential"_L1 || decision.risk == "high"_L1)
+        seed.question = u"Approve “%1”? Whoever proposed it may act on your word."_s.arg(seed.title);
+    return seed;
+}
+
+WorkMemorySeed memorySeed(const WorkMemoryRecord& memory, const DateWords& words)
+{
+    WorkMemorySeed seed;
+    seed.id = memory.id;
+    seed.kind = shownLine(memory.kind);
+    seed.body = shownText(memory.body);
+    seed.status = statusWord(memory.status);
+    seed.source = shownLine(memory.source);
+    seed.facts = factLine({ shownLine(memory.module), seed.kind,
+        seed.source.isEmpty() ? QString() : u"from "_s + seed.source, shownTime(memory.updatedAt, words) });
+    seed.waits = memory.status == "proposed"_L1;
+    return seed;
+}
+
+WorkDecisions::WorkDecisions(LocalDB& db, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_db(db)
+    , m_decisions(scheduler)
+    , m_memory(scheduler)
+{
+}
+
+void WorkDecisions::setScope(const QString& module, const WorkContext& context)
+{
+    m_module = module;
+    m_context = context;
+}
+
+void WorkDecisions::reload()
+{
+    const WorkContextId context = m_context ? WorkContextId(m_context->id) : WorkContextId();
+    const DateWords words(m_db.nowMs());
+    QList<WorkDecisionSeed> decisions;
+    m_seen.clear();
+    QList<WorkDecisionRecord> records;
+    if (!m_module.isEmpty())
+        records = fetchWorkDecisions(m_db, m_module, context, rowsShown);
+    // What waits stands first, whatever its risk.
+    for (const bool waiting : { true, false }) {
+        for (const WorkDecisionRecord& record : std::as_const(records)) {
+            if ((record.status == "proposed"_L1) != waiting)
+                continue;
+            m_seen.insert(record.id, record);
+            decisions.append(decisionSeed(record, words));
+        }
+    }
+    QList<WorkMemorySeed> memory;
+    m_seenMemory.clear();
+    for (const WorkMemoryRecord& record : m_module.isEmpty() ? fetchMemoryOfAllModules(m_db, memoryShown)
+                                                             : fetchWorkMemory(m_db, m_module, context, rowsShown)) {
+        m_seenMemory.insert(record.id, record);
+        memory.append(memorySeed(record, words));
+    }
+    m_decisions.assign(decisions);
+    m_memory.assign(memory);
+    Q_EMIT changed();
+}
+
+QString WorkDecisions::emptyText() const
+{
+    return u"Decisions appear when an agent proposes one, or when you create work that has a risk."_s;
+}
+
+WorkPlace WorkDecisions::placeOf(const QString& module, const QString& contextId) const
+{
+    return { .module = module, .context = contextId.isEmpty() ? WorkContext() : fetchWorkContext(m_db, contextId) };
+}
+
+void WorkDecisions::decide(const QString& id, bool approve)
+{
+    const auto seen = m_seen.constFind(id);
+    if (seen == m_seen.cend())
+        return;
+    const WorkDecisionRecord record = *seen;
+    m_decisions.hold(id);
+    told(setWorkDecisionStatus(
+             m_db, placeOf(record.module, record.contextId), record, approve ? u"approved"_s : u"rejected"_s),
+        u"It was not decided: it changed or was decided meanwhile. Read it again."_s);
+}
+
+void WorkDecisions::decideMemory(const QString& id, bool approve)
+{
+    const auto seen = m_seenMemory.constFind(id);
+    if (seen == m_seenMemory.cend())
+        return;
+    const WorkMemoryRecord record = *seen;
+    m_memory.hold(id);
+    told(setWorkMemoryStatus(
+             m_db, placeOf(record.module, record.contextId), record, approve ? u"approved"_s : u"rejected"_s),
+        u"It was not decided: the database did not take it."_s);
+}
+
+void WorkDecisions::told(bool written, const QString& refusal)
+{
+    m_error = written ? QString() : refusal;
+    reload();
+    if (!written)
+        return;
+    m_db.watch().tell(StoreSubject::Work);
+    m_db.watch().tell(StoreSubject::Approvals);
+    Q_EMIT wrote();
+}
+
+}

@@ -1,0 +1,352 @@
+#include "Work/WorkModuleShell.h"
+
+#include "Presentation/DateWords.h"
+#include "Store/Core/StoreWatch.h"
+#include "Work/WorkExport.h"
+#include "Work/WorkWords.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Tab = WorkConsoleTab;
+
+constexpr Milliseconds refreshPeriod { 3000 };
+constexpr int ticksBetweenAges = 10; ///< ages in words change although no row does
+constexpr int contextsShown = 100;
+constexpr int rowsShown = 50;
+constexpr int eventsShown = 200;
+
+WorkItemFilter scopeOf(const QString& module, const WorkContext& context, Tab tab)
+{
+    WorkItemFilter scope { .module = module, .context = context ? WorkContextId(context->id) : WorkContextId() };
+    if (tab == Tab::Tickets)
+        scope.kindSigns = ticketSigns();
+    if (tab == Tab::Handoffs)
+        scope.kindSigns = { u"handoff"_s };
+    if (tab == Tab::Projects && module == "cx"_L1) {
+        scope.kindSigns = ticketSigns();
+        scope.otherKinds = true;
+    }
+    return scope;
+}
+
+QString surfaceOf(Tab tab)
+{
+    switch (tab) {
+    case Tab::Inbox:
+        return u"inbox"_s;
+    case Tab::TerminalChat:
+        return u"chat"_s;
+    case Tab::Agents:
+        return u"agents"_s;
+    case Tab::Approvals:
+        return u"approvals"_s;
+    case Tab::Evidence:
+        return u"evidence"_s;
+    case Tab::Timeline:
+        return u"timeline"_s;
+    default:
+        return u"board"_s;
+    }
+}
+
+}
+
+WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words)
+{
+    WorkEvidenceSeed seed;
+    seed.id = evidence.id;
+    seed.title = shownLine(evidence.title);
+    seed.kind = shownLine(evidence.kind);
+    seed.source = shownLine(evidence.source);
+    seed.summary = shownText(evidence.summary);
+    seed.uri = shownLine(evidence.uri);
+    seed.time = shownTime(evidence.createdAt, words);
+    return seed;
+}
+
+WorkModuleShell::WorkModuleShell(
+    const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent)
+    : QObject(parent)
+    , m_at(services)
+    , m_config(config)
+    , m_places(places)
+    , m_place(places.isEmpty() ? QString() : places.first().id)
+    , m_tab(config.defaultTab)
+    , m_board(services.db, services.scheduler, this)
+    , m_item(services.db, this)
+    , m_create(services.db, this)
+    , m_chat(services, this)
+    , m_decisions(services.db, services.scheduler, this)
+    , m_agents(services, config, this)
+{
+    m_board.setEmptyWords(u"No work here yet"_s, u"Items appear when you create one, or when an agent does."_s);
+    m_create.setPlace({ .module = m_config.module }, m_config.contextNoun);
+    m_at.db.watch().on(StoreSubject::Work, this, [this] { m_stale = true; });
+    // What this screen wrote itself is shown at once.
+    const auto readAgain = [this] {
+        refresh();
+    };
+    connect(&m_board, &WorkBoard::wrote, this, readAgain);
+    connect(&m_item, &WorkItemSheet::wrote, this, readAgain);
+    connect(&m_create, &WorkCreate::wrote, this, readAgain);
+    connect(&m_chat, &WorkTerminalChat::wrote, this, readAgain);
+    connect(&m_decisions, &WorkDecisions::wrote, this, readAgain);
+    connect(&m_agents, &WorkAgents::wrote, this, readAgain);
+    connect(&m_create, &WorkCreate::contextSaved, this, &WorkModuleShell::select);
+    connect(&m_create, &WorkCreate::askSaved, this, [this](const OpsAskRow& ask, bool forLumo) {
+        if (forLumo)
+            m_chat.answerAsk(ask);
+    });
+}
+
+void WorkModuleShell::setShown(bool shown)
+{
+    if (std::exchange(m_shown, shown) == shown)
+        return;
+    m_timer = shown ? m_at.scheduler.every(refreshPeriod, [this] { tick(); }) : nullptr;
+    if (shown)
+        refresh();
+}
+
+void WorkModuleShell::tick()
+{
+    if (!m_stale && ++m_ticks < ticksBetweenAges)
+        return;
+    refresh();
+}
+
+void WorkModuleShell::refresh()
+{
+    m_stale = false;
+    m_ticks = 0;
+    readContexts();
+    readSurface();
+    Q_EMIT refreshed();
+    Q_EMIT changed();
+}
+
+void WorkModuleShell::readContexts()
+{
+    const QList<WorkContextRow> all = fetchWorkContexts(m_at.db, m_config.module, contextsShown);
+    const QHash<QString, int> waiting = waitingDecisionsByContext(m_at.db, m_config.module);
+    QList<WorkContextSeed> seeds;
+    for (const QString& group : m_config.contextFilters) {
+        for (const WorkContextRow& row : all) {
+            if (groupOf(m_config, row) != group)
+                continue;
+            const WorkContextSeed seed = contextSeed(m_config, row, waiting.value(row.id));
+            if (m_query.isEmpty() || seed.title.contains(m_query, Qt::CaseInsensitive)
+                || seed.subtitle.contains(m_query, Qt::CaseInsensitive))
+                seeds.append(seed);
+        }
+    }
+    m_contexts.assign(seeds);
+    // One that is chosen and lies past the list is asked for by its id; one that is gone is chosen no longer.
+    const auto row = std::ranges::find(all, m_selected, &WorkContextRow::id);
+    const bool wasChosen = !m_selected.isEmpty();
+    setContext(row != all.end() ? WorkContext(*row) : fetchWorkContext(m_at.db, m_selected));
+    if (wasChosen && !m_context && !m_places.isEmpty())
+        m_place = m_places.first().id;
+}
+
+void WorkModuleShell::setContext(const WorkContext& context)
+{
+    const bool another = m_context.has_value() != context.has_value() || (context && m_context->id != context->id);
+    const bool otherWords = !another && context && m_context->title != context->title;
+    m_context = context;
+    m_selected = context ? context->id : QString();
+    const QList<Tab> allowed = visibleTabs(m_config, m_context);
+    if (!allowed.contains(m_tab))
+        m_tab = contextDefaultTab(m_config, m_context);
+    m_create.setPlace({ .module = m_config.module, .context = m_context }, m_config.contextNoun);
+    m_chat.setContext(m_config.module, m_context);
+    m_decisions.setScope(m_config.module, m_context);
+    m_agents.setScope(m_context);
+    m_item.setLanes(lanesOf(m_config, m_context));
+    if (another || otherWords)
+        m_board.setScope(scopeOf(m_config.module, m_context, m_tab), lanesOf(m_config, m_context));
+}
+
+void WorkModuleShell::readSurface()
+{
+    const WorkContextId id = m_context ? WorkContextId(m_context->id) : WorkContextId();
+    const DateWords words(m_at.db.nowMs());
+    m_counts = countWork(m_at.db, m_config.module, id);
+    m_item.reload();
+    const QString surface = this->surface();
+    if (surface == "board"_L1)
+        m_board.reload();
+    m_decisions.reload();
+    m_agents.reload();
+    if (surface == "chat"_L1 || surface == "inbox"_L1)
+        m_chat.reload();
+    QList<WorkEvidenceSeed> evidence;
+    for (const WorkEvidenceRecord& row : fetchWorkEvidence(m_at.db, m_config.module, id, rowsShown))
+        evidence.append(evidenceSeed(row, words));
+    m_evidence.assign(evidence);
+    if (surface == "timeline"_L1)
+        m_timeline.assign(timelineEvents(fetchWorkEvents(m_at.db, m_config.module, id, eventsShown), words));
+    m_logLines = surface == "chat"_L1 ? terminalLines(m_at.db, m_config.module, m_context) : QStringList();
+}
+
+void WorkModuleShell::setPlaceCount(const QString& place, int count)
+{
+    const auto found = std::ranges::find(m_places, place, &TabItem::id);
+    if (found == m_places.end() || found->count == count)
+        return;
+    found->count = count;
+    Q_EMIT changed();
+}
+
+void WorkModuleShell::setQuery(const QString& query)
+{
+    if (std::exchange(m_query, query) == query)
+        return;
+    readContexts();
+    Q_EMIT changed();
+}
+
+QString WorkModuleShell::contextsEmpty() const
+{
+    if (!m_contexts.rows().isEmpty())
+        return {};
+    return m_query.isEmpty() ? u"No %1 yet"_s.arg(m_config.contextTitle.toLower()) : u"Nothing found"_s;
+}
+
+void WorkModuleShell::setPlace(const QString& place)
+{
+    if (m_place == place || std::ranges::find(m_places, place, &TabItem::id) == m_places.end())
+        return;
+    m_place = place;
+    m_item.close();
+    setContext({});
+    refresh();
+}
+
+void WorkModuleShell::select(const QString& contextId)
+{
+    if (contextId == m_selected)
+        return;
+    const auto context = fetchWorkContext(m_at.db, contextId);
+    if (!context)
+        return;
+    m_place.clear();
+    m_item.close();
+    m_notice.clear();
+    m_tab = contextDefaultTab(m_config, context);
+    setContext(context);
+    refresh();
+}
+
+void WorkModuleShell::step(int by)
+{
+    const QList<WorkContextSeed>& rows = m_contexts.rows();
+    if (rows.isEmpty())
+        return;
+    const auto at = std::ranges::find(rows, m_selected, &WorkContextSeed::id);
+    const qsizetype next = at == rows.end() ? 0 : std::clamp<qsizetype>(at - rows.begin() + by, 0, rows.size() - 1);
+    select(rows.at(next).id);
+}
+
+void WorkModuleShell::show(const QString& contextId, const QString& itemId, const QString& tab)
+{
+    if (contextId.isEmpty() && !m_places.isEmpty())
+        setPlace(m_places.first().id);
+    else
+        select(contextId);
+    if (!tab.isEmpty())
+        setTab(tab);
+    if (!itemId.isEmpty())
+        m_item.open(itemId);
+}
+
+QString WorkModuleShell::title() const
+{
+    return m_context ? shownLine(m_context->title) : m_config.selectedTitle;
+}
+
+QString WorkModuleShell::subtitle() const
+{
+    return m_context ? shownLine(m_context->subtitle) : m_config.selectedSubtitle;
+}
+
+QList<TabItem> WorkModuleShell::tabs() const
+{
+    QList<TabItem> items;
+    for (const Tab tab : visibleTabs(m_config, m_context)) {
+        TabItem item;
+        item.id = tabId(tab);
+        item.label = tabLabel(tab);
+        if (tab == Tab::Approvals)
+            item.count = m_counts.waitingDecisions + m_counts.proposedMemory;
+        items.append(item);
+    }
+    return items;
+}
+
+void WorkModuleShell::setTab(const QString& tab)
+{
+    const QList<Tab> allowed = visibleTabs(m_config, m_context);
+    const auto found = std::ranges::find(allowed, tab, tabId);
+    if (found == allowed.end() || *found == m_tab)
+        return;
+    const bool wasBoard = surface() == "board"_L1;
+    m_tab = *found;
+    if (surface() == "board"_L1)
+        m_board.setScope(scopeOf(m_config.module, m_context, m_tab), lanesOf(m_config, m_context));
+    else if (wasBoard)
+        m_board.dismissUndo();
+    readSurface();
+    Q_EMIT changed();
+}
+
+QString WorkModuleShell::surface() const
+{
+    return surfaceOf(m_tab);
+}
+
+void WorkModuleShell::queueDraft(const QString& text)
+{
+    if (text.trimmed().isEmpty())
+        return;
+    WorkDraft draft = emptyDraft(WorkCreateFlow::Item);
+    draft.kind = u"reply"_s;
+    draft.title = u"Reply for %1"_s.arg(title());
+    draft.summary = text;
+    const auto saved = saveItem(m_at.db, { .module = m_config.module, .context = m_context }, draft);
+    m_notice
+        = saved ? u"Kept as a work item. Nothing is sent; the decision waits in Approvals."_s : saved.error().message;
+    m_at.db.watch().tell(StoreSubject::Work);
+    m_at.db.watch().tell(StoreSubject::Approvals);
+    refresh();
+}
+
+void WorkModuleShell::exportContext()
+{
+    if (!m_context)
+        return;
+    m_notice = saveMarkdown(m_context->title, contextAsMarkdown(m_at.db, *m_context));
+    Q_EMIT changed();
+}
+
+void WorkModuleShell::dismissNotice()
+{
+    m_notice.clear();
+    Q_EMIT changed();
+}
+
+void WorkModuleShell::openSource(const QString& source)
+{
+    if (source.startsWith("item:"_L1))
+        m_item.open(source.section(u':', 1));
+    else
+        setTab(u"evidence"_s);
+}
+
+}

@@ -1,0 +1,160 @@
+#pragma once
+
+#include "Work/WorkAgents.h"
+#include "Work/WorkBoard.h"
+#include "Work/WorkCreate.h"
+#include "Work/WorkDecisions.h"
+#include "Work/WorkItemSheet.h"
+#include "Work/WorkTerminalChat.h"
+
+namespace corvane {
+
+/// Evidence in a list.
+class WorkEvidenceSeed {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString source MEMBER source)
+    Q_PROPERTY(QString summary MEMBER summary)
+    Q_PROPERTY(QString uri MEMBER uri)
+    Q_PROPERTY(QString time MEMBER time)
+public:
+    QString id;
+    QString title;
+    QString kind;
+    QString source;
+    QString summary;
+    QString uri;
+    QString time;
+
+    static constexpr const char* role = "evidence";
+    const QString& key() const { return id; }
+    bool operator==(const WorkEvidenceSeed&) const = default;
+};
+
+WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words);
+
+/// The workspace of a module: a rail of places and contexts, and the surfaces of what is chosen there. What is shown
+/// comes from the store alone, and is read anew only where something was written and somebody looks.
+class WorkModuleShell : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is on the screen
+    Q_PROPERTY(corvane::GadgetListModel* contexts READ contexts CONSTANT)
+    Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
+    Q_PROPERTY(QString contextsTitle READ contextsTitle CONSTANT)
+    Q_PROPERTY(QString contextsEmpty READ contextsEmpty NOTIFY changed) ///< empty where there are some
+    Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
+    Q_PROPERTY(QList<corvane::TabItem> places READ places NOTIFY changed)
+    Q_PROPERTY(QString place READ place WRITE setPlace NOTIFY changed) ///< empty while a context is chosen
+    Q_PROPERTY(QString selectedContextId READ selectedContextId NOTIFY changed)
+    Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString subtitle READ subtitle NOTIFY changed)
+    Q_PROPERTY(QString inspectorTitle READ inspectorTitle CONSTANT)
+    Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
+    Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY changed)
+    Q_PROPERTY(
+        QString surface READ surface NOTIFY changed) ///< board, inbox, chat, agents, approvals, evidence, timeline
+    Q_PROPERTY(QList<corvane::WorkAction> topActions READ topActions NOTIFY changed)
+    Q_PROPERTY(QList<corvane::WorkAction> quickActions READ quickActions NOTIFY changed)
+    Q_PROPERTY(QList<corvane::WorkMetricSeed> metrics READ metrics NOTIFY changed)
+    Q_PROPERTY(QStringList logLines READ logLines NOTIFY changed)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed)
+    Q_PROPERTY(corvane::GadgetListModel* evidence READ evidence CONSTANT)
+    Q_PROPERTY(corvane::GadgetListModel* timeline READ timeline CONSTANT)
+    Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
+    Q_PROPERTY(corvane::WorkItemSheet* item READ item CONSTANT)
+    Q_PROPERTY(corvane::WorkCreate* create READ create CONSTANT)
+    Q_PROPERTY(corvane::WorkTerminalChat* chat READ chat CONSTANT)
+    Q_PROPERTY(corvane::WorkDecisions* decisions READ decisions CONSTANT)
+    Q_PROPERTY(corvane::WorkAgents* agents READ agents CONSTANT)
+public:
+    WorkModuleShell(
+        const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
+
+    const WorkServices& services() const { return m_at; }
+    const WorkConsoleConfig& config() const { return m_config; }
+    const WorkContext& context() const { return m_context; }
+    void setPlaceCount(const QString& place, int count);
+    void show(const QString& contextId, const QString& itemId = {}, const QString& tab = {}); ///< from elsewhere
+
+    bool shown() const { return m_shown; }
+    void setShown(bool shown);
+    GadgetListModel* contexts() { return &m_contexts; }
+    const QList<WorkContextSeed>& contextRows() const { return m_contexts.rows(); }
+    const QString& query() const { return m_query; }
+    void setQuery(const QString& query);
+    QString contextsTitle() const { return m_config.contextTitle; }
+    QString contextsEmpty() const;
+    QString createLabel() const { return QStringLiteral("New ") + m_config.contextNoun; }
+    const QList<TabItem>& places() const { return m_places; }
+    const QString& place() const { return m_place; }
+    void setPlace(const QString& place);
+    QString selectedContextId() const { return m_selected; }
+    QString title() const;
+    QString subtitle() const;
+    QString inspectorTitle() const { return m_config.inspectorTitle; }
+    QList<TabItem> tabs() const;
+    QString tab() const { return tabId(m_tab); }
+    void setTab(const QString& tab);
+    QString surface() const;
+    QList<WorkAction> topActions() const { return contextualTopActions(m_config, m_context); }
+    QList<WorkAction> quickActions() const { return contextualQuickActions(m_config, m_context); }
+    QList<WorkMetricSeed> metrics() const { return dashboardMetrics(m_config, m_counts); }
+    QStringList logLines() const { return m_logLines; }
+    const QString& notice() const { return m_notice; }
+    GadgetListModel* evidence() { return &m_evidence; }
+    GadgetListModel* timeline() { return &m_timeline; }
+    const QList<OpsTimelineEvent>& timelineRows() const { return m_timeline.rows(); }
+    WorkBoard* board() { return &m_board; }
+    WorkItemSheet* item() { return &m_item; }
+    WorkCreate* create() { return &m_create; }
+    WorkTerminalChat* chat() { return &m_chat; }
+    WorkDecisions* decisions() { return &m_decisions; }
+    WorkAgents* agents() { return &m_agents; }
+
+    Q_INVOKABLE void select(const QString& contextId);
+    Q_INVOKABLE void step(int by); ///< to another context of the rail
+    Q_INVOKABLE void queueDraft(const QString& text); ///< of a reply: an item, and a decision that waits
+    Q_INVOKABLE void exportContext();
+    Q_INVOKABLE void dismissNotice();
+    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void openSource(const QString& source); ///< "item:{id}" or "evidence:{id}"
+
+Q_SIGNALS:
+    void changed();
+    void refreshed(); ///< the places read their rows anew, too
+
+private:
+    void tick();
+    void readContexts();
+    void readSurface();
+    void setContext(const WorkContext& context);
+
+    const WorkServices m_at;
+    const WorkConsoleConfig m_config;
+    QList<TabItem> m_places;
+    QString m_place;
+    QString m_query;
+    QString m_selected;
+    WorkContext m_context;
+    WorkConsoleTab m_tab;
+    bool m_shown = false;
+    bool m_stale = true; ///< something was written since the last look
+    int m_ticks = 0;
+    WorkCounts m_counts;
+    QStringList m_logLines;
+    QString m_notice;
+    std::unique_ptr<Timer> m_timer;
+    RowListModel<WorkContextSeed> m_contexts;
+    RowListModel<WorkEvidenceSeed> m_evidence;
+    RowListModel<OpsTimelineEvent> m_timeline;
+    WorkBoard m_board;
+    WorkItemSheet m_item;
+    WorkCreate m_create;
+    WorkTerminalChat m_chat;
+    WorkDecisions m_decisions;
+    WorkAgents m_agents;
+};
+
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+namespace corvane {
+
+class LocalDB;
+class LumoAI;
+class NotificationCentre;
+class Scheduler;
+
+/// What the screens of this room stand on; all of it outlives them.
+struct WorkServices {
+    LocalDB& db;
+    Scheduler& scheduler;
+    LumoAI& ai;
+    NotificationCentre& notifications;
+    /// A terminal in front, under that name, which shows the text and runs nothing.
+    std::function<void(const QString& name, const QString& text)> openShell;
+};
+
+}

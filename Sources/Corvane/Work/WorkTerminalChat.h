@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Foundation/Cancellation.h"
+#include "Presentation/Choice.h"
+#include "Presentation/RowListModel.h"
+#include "Store/Work/OpsRecords.h"
+#include "Work/WorkConsoleConfig.h"
+#include "Work/WorkServices.h"
+
+#include <qcoro/qcorotask.h>
+
+namespace corvane {
+
+/// What the assistant is told before it answers from a context.
+QString terminalChatInstructions();
+
+/// The rows of a context as the assistant reads them, and the question behind them.
+QString terminalChatPrompt(LocalDB& db, const WorkContextRow& context, const QString& question);
+
+/// A line of the thread.
+class WorkChatSeed {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString speaker MEMBER speaker)
+    Q_PROPERTY(QString body MEMBER body)
+    Q_PROPERTY(QString time MEMBER time)
+    Q_PROPERTY(bool isOskel MEMBER isOskel)
+    Q_PROPERTY(QString tone MEMBER tone)
+    Q_PROPERTY(QList<corvane::Choice> sources MEMBER sources)
+    Q_PROPERTY(QString aloud MEMBER aloud)
+public:
+    QString id;
+    QString speaker;
+    QString body;
+    QString time;
+    bool isOskel = false; ///< the person's own words
+    QString tone; ///< "answer", "bad", "system" or empty
+    QList<Choice> sources; ///< rows that an answer names: "item:{id}" or "evidence:{id}"
+    QString aloud;
+
+    static constexpr const char* role = "line";
+    const QString& key() const { return id; }
+    bool operator==(const WorkChatSeed&) const = default;
+};
+
+/// Questions about one context, answered from its rows alone. Question and answer are rows, too.
+class WorkTerminalChat : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::GadgetListModel* lines READ lines CONSTANT)
+    Q_PROPERTY(bool contextAvailable READ contextAvailable NOTIFY changed)
+    Q_PROPERTY(bool busy READ busy NOTIFY changed)
+    Q_PROPERTY(QString status READ status NOTIFY changed)
+    Q_PROPERTY(bool statusIsError READ statusIsError NOTIFY changed)
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
+    Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty where every line is shown
+    Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
+    Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
+    Q_PROPERTY(QString hint READ hint NOTIFY changed)
+public:
+    WorkTerminalChat(const WorkServices& services, QObject* parent);
+    ~WorkTerminalChat() override; ///< cancels what runs
+
+    void setContext(const QString& module, const WorkContext& context);
+    void reload();
+
+    GadgetListModel* lines() { return &m_lines; }
+    bool contextAvailable() const { return m_context.has_value(); }
+    bool busy() const { return m_running.has_value(); }
+    QString status() const;
+    bool statusIsError() const { return !busy() && !m_error.isEmpty(); }
+    QString emptyTitle() const;
+    QString emptyText() const;
+    QString earlierText() const;
+    QString placeholder() const { return QStringLiteral("Ask about this terminal/context..."); }
+    QString actionLabel() const { return busy() ? QStringLiteral("Asking") : QStringLiteral("Ask"); }
+    QString hint() const;
+
+    /// True where the question was taken: it stands in the thread then.
+    Q_INVOKABLE bool ask(const QString& question);
+    Q_INVOKABLE void cancel();
+    Q_INVOKABLE void showEarlier();
+
+    void answerAsk(const OpsAskRow& ask); ///< a question that stands in the list of asks
+
+Q_SIGNALS:
+    void changed();
+    void wrote();
+
+private:
+    QCoro::Task<> run(WorkContextRow context, QString question, std::optional<QString> askId);
+    void end(const QString& error);
+    bool post(const WorkContextRow& context, const QString& speaker, const QString& role, const QString& kind,
+        const QString& body);
+
+    const WorkServices m_at;
+    QString m_module;
+    WorkContext m_context;
+    std::optional<CancelHandle> m_running;
+    QString m_error;
+    int m_shown;
+    bool m_hasEarlier = false;
+    RowListModel<WorkChatSeed> m_lines;
+};
+
+}
