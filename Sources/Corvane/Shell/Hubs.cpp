@@ -4,8 +4,8 @@
 #include "Desk/DeskCommands.h"
 #include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
-#include "Shell/PlannedHub.h"
 #include "Shell/Screens.h"
+#include "Shell/WorkHubs.h"
 #include "Terminals/TerminalCommands.h"
 
 #include <algorithm>
@@ -21,9 +21,24 @@ QUrl page(const QString& file)
     return QUrl(u"qrc:/qt/qml/Corvane/"_s + file);
 }
 
-HubScreen planned(Screens& screens, const Hub& hub)
+HubScreen lumo(Screens& screens, const Hub&)
 {
-    return { new PlannedHub(hub, &screens.shell) };
+    return { &screens.lumo };
+}
+
+HubScreen gtm(Screens& screens, const Hub&)
+{
+    return { &screens.gtm };
+}
+
+HubScreen cx(Screens& screens, const Hub&)
+{
+    return { &screens.cx };
+}
+
+HubScreen ops(Screens& screens, const Hub&)
+{
+    return { &screens.ops, workCommands() };
 }
 
 HubScreen inbox(Screens& screens, const Hub&)
@@ -51,10 +66,10 @@ HubScreen today(Screens& screens, const Hub&)
 const QList<Hub>& hubTable()
 {
     static const QList<Hub> hubs {
-        { u"lumo"_s, u"Lumo"_s, u"hub-lumo"_s, page(u"Shell/HubPage.qml"_s), planned },
-        { u"gtm"_s, u"GTM"_s, u"hub-gtm"_s, page(u"Shell/HubPage.qml"_s), planned },
-        { u"cx"_s, u"CX"_s, u"hub-cx"_s, page(u"Shell/HubPage.qml"_s), planned },
-        { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Shell/HubPage.qml"_s), planned },
+        { u"lumo"_s, u"Lumo"_s, u"hub-lumo"_s, page(u"Work/LumoPage.qml"_s), lumo },
+        { u"gtm"_s, u"GTM"_s, u"hub-gtm"_s, page(u"Work/GtmPage.qml"_s), gtm },
+        { u"cx"_s, u"CX"_s, u"hub-cx"_s, page(u"Work/CxPage.qml"_s), cx },
+        { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Work/OpsPage.qml"_s), ops },
         { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
         { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Terminals/TerminalsPage.qml"_s), terminals },
         { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s, page(u"Calendar/CalendarPage.qml"_s), calendar },

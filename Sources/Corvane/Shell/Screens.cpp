@@ -10,6 +10,7 @@
 #include "Shell/CorvaneApp.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
+#include "Shell/WorkHubs.h"
 #include "Store/Core/LocalDB.h"
 #include "Web/SessionStore.h"
 #include "Web/WebServices.h"
@@ -45,6 +46,10 @@ Screens::Screens(CorvaneApp& root)
           calls, callSettings, app.ai(), &app.capture() })
     , closingNotice(app.tray(), app.defaults())
     , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
+    , lumo(workServices(app, *this))
+    , gtm(workServices(app, *this))
+    , cx(workServices(app, *this))
+    , ops(workServices(app, *this))
 {
     const auto showUnread = [this] {
         shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
@@ -73,6 +78,14 @@ Screens::Screens(CorvaneApp& root)
     hotKeys.prepend(&app.capture().hotKey());
     settings.system()->setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
+    inbox.palette()->setFinder([this](const QString& query) { return foundWork(app.db(), query); });
+    QObject::connect(
+        inbox.palette(), &CommandPalette::foundChosen, &shell, [this](const QString& id) { openFoundWork(*this, id); });
+    const auto showUrgent = [this] {
+        shell.hubs()->setBadge(QStringLiteral("ops"), ops.urgent(), QStringLiteral("urgent"));
+    };
+    QObject::connect(&ops, &OpsHub::changed, &shell, showUrgent);
+    showUrgent();
     inbox.setDrafts(drafts);
     panel.resources()->setMonitor(app.resources());
     today.resources()->setMonitor(app.resources());

@@ -21,6 +21,10 @@
 #include "Shell/ProfileMenu.h"
 #include "Shell/StoreRecovery.h"
 #include "Terminals/TerminalsView.h"
+#include "Work/CXHub.h"
+#include "Work/GTMHub.h"
+#include "Work/LumoHub.h"
+#include "Work/OpsHub.h"
 
 namespace corvane {
 
@@ -58,6 +62,10 @@ public:
     CorvaneMenuBarView today; ///< the same in the main window
     ClosingNotice closingNotice;
     TerminalsView terminals;
+    LumoHub lumo;
+    GTMHub gtm;
+    CXHub cx;
+    OpsHub ops;
 };
 
 }

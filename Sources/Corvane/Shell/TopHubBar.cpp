@@ -28,9 +28,12 @@ void TopHubBar::setSelected(int index)
         change(row, [&](HubRow& hub) { hub.selected = row == index; });
 }
 
-void TopHubBar::setUnreadTotal(int count)
+void TopHubBar::setBadge(const QString& hub, int count, const QString& word)
 {
-    change(hubIndex(QStringLiteral("inbox")), [&](HubRow& hub) { hub.badge = unreadBadge(count); });
+    change(hubIndex(hub), [&](HubRow& row) {
+        row.badge = unreadBadge(count);
+        row.badgeAloud = count > 0 ? row.badge + u' ' + word : QString();
+    });
 }
 
 void TopHubBar::change(int row, const std::function<void(HubRow&)>& edit)

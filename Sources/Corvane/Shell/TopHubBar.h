@@ -10,6 +10,7 @@ class HubRow {
     Q_PROPERTY(QString raw MEMBER raw)
     Q_PROPERTY(QString label MEMBER label)
     Q_PROPERTY(QString badge MEMBER badge)
+    Q_PROPERTY(QString badgeAloud MEMBER badgeAloud)
     Q_PROPERTY(bool selected MEMBER selected)
     Q_PROPERTY(QString identifier MEMBER identifier)
     Q_PROPERTY(QString shortcut MEMBER shortcut)
@@ -17,6 +18,7 @@ public:
     QString raw;
     QString label;
     QString badge; ///< empty for none
+    QString badgeAloud; ///< "3 unread"
     bool selected = false;
     QString identifier; ///< such as "topnav.inbox"
     QString shortcut; ///< such as "Ctrl+5"
@@ -37,7 +39,8 @@ public:
     QString searchLabel() const { return QStringLiteral("Search or ask Lumo…"); }
 
     void setSelected(int index); ///< -1 while something covers the hubs
-    void setUnreadTotal(int count); ///< for the badge of the inbox
+    void setUnreadTotal(int count) { setBadge(QStringLiteral("inbox"), count, QStringLiteral("unread")); }
+    void setBadge(const QString& hub, int count, const QString& word); ///< the word says what is counted
 
 protected:
     const void* gadgetAt(int row) const override { return &m_hubs.at(row); }

@@ -14,21 +14,14 @@ namespace {
 
 constexpr int flowsShown = 200;
 
-TabItem place(const QString& id, const QString& label)
-{
-    TabItem item;
-    item.id = id;
-    item.label = label;
-    return item;
-}
-
 }
 
 LumoHub::LumoHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_shell(services, WorkConsoleConfig::lumo(),
-          { place(u"knowledge"_s, u"Knowledge"_s), place(u"agents"_s, u"Agents"_s), place(u"flows"_s, u"Flows"_s) },
+          { workPlace(u"knowledge"_s, u"Knowledge"_s), workPlace(u"agents"_s, u"Agents"_s),
+              workPlace(u"flows"_s, u"Flows"_s) },
           this)
     , m_knowledge(services.db, services.scheduler, this)
     , m_agents(services, WorkConsoleConfig::lumo(), this)

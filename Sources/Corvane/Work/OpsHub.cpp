@@ -17,14 +17,6 @@ const QString ops = u"ops"_s;
 constexpr int itemsShown = 200;
 constexpr int eventsRead = 25;
 
-TabItem place(const QString& id, const QString& label)
-{
-    TabItem item;
-    item.id = id;
-    item.label = label;
-    return item;
-}
-
 WorkItemFilter financeItems()
 {
     return { .module = ops, .context = {}, .textSigns = financeSigns() };
@@ -121,8 +113,8 @@ OpsHub::OpsHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_shell(services, WorkConsoleConfig::ops(),
-          { place(u"home"_s, u"Home"_s), place(u"projects"_s, u"Projects"_s), place(u"asks"_s, u"Asks"_s),
-              place(u"finance"_s, u"Finance"_s) },
+          { workPlace(u"home"_s, u"Home"_s), workPlace(u"projects"_s, u"Projects"_s), workPlace(u"asks"_s, u"Asks"_s),
+              workPlace(u"finance"_s, u"Finance"_s) },
           this)
     , m_asks(services, this)
     , m_projects(services, this)

@@ -44,8 +44,9 @@ WorkDecisionSeed decisionSeed(const WorkDecisionRecord& decision, const DateWord
     seed.risk = riskWord(decision.risk);
     seed.proposal = decision.proposal.isEmpty() ? u"Decision needs review."_s : shownText(decision.proposal);
     seed.rationale = shownText(decision.rationale);
-    seed.facts = factLine({ decision.decidedBy.isEmpty() ? QString() : u"by "_s + shownLine(decision.decidedBy),
-        shownTime(decision.updatedAt, words) });
+    seed.facts
+        = factLine({ seed.risk, decision.decidedBy.isEmpty() ? QString() : u"by "_s + shownLine(decision.decidedBy),
+            shownTime(decision.updatedAt, words) });
     seed.waits = decision.status == "proposed"_L1;
     if (decision.risk == "money"_L1 || decision.risk == "credential"_L1 || decision.risk == "high"_L1)
         seed.question = u"Approve “%1”? Whoever proposed it may act on your word."_s.arg(seed.title);

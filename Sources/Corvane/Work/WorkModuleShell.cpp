@@ -62,12 +62,18 @@ WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWord
     WorkEvidenceSeed seed;
     seed.id = evidence.id;
     seed.title = shownLine(evidence.title);
-    seed.kind = shownLine(evidence.kind);
-    seed.source = shownLine(evidence.source);
     seed.summary = shownText(evidence.summary);
-    seed.uri = shownLine(evidence.uri);
-    seed.time = shownTime(evidence.createdAt, words);
+    seed.facts = factLine({ shownLine(evidence.kind), shownLine(evidence.source), shownLine(evidence.uri),
+        shownTime(evidence.createdAt, words) });
     return seed;
+}
+
+TabItem workPlace(const QString& id, const QString& label)
+{
+    TabItem place;
+    place.id = id;
+    place.label = label;
+    return place;
 }
 
 WorkModuleShell::WorkModuleShell(

@@ -14,19 +14,13 @@ class WorkEvidenceSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString title MEMBER title)
-    Q_PROPERTY(QString kind MEMBER kind)
-    Q_PROPERTY(QString source MEMBER source)
     Q_PROPERTY(QString summary MEMBER summary)
-    Q_PROPERTY(QString uri MEMBER uri)
-    Q_PROPERTY(QString time MEMBER time)
+    Q_PROPERTY(QString facts MEMBER facts)
 public:
     QString id;
     QString title;
-    QString kind;
-    QString source;
     QString summary;
-    QString uri;
-    QString time;
+    QString facts; ///< its kind, where it comes from, and when
 
     static constexpr const char* role = "evidence";
     const QString& key() const { return id; }
@@ -34,6 +28,9 @@ public:
 };
 
 WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words);
+
+/// A place of a hub's rail that is no context.
+TabItem workPlace(const QString& id, const QString& label);
 
 /// The workspace of a module: a rail of places and contexts, and the surfaces of what is chosen there. What is shown
 /// comes from the store alone, and is read anew only where something was written and somebody looks.
@@ -58,7 +55,7 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(QList<corvane::WorkAction> topActions READ topActions NOTIFY changed)
     Q_PROPERTY(QList<corvane::WorkAction> quickActions READ quickActions NOTIFY changed)
     Q_PROPERTY(QList<corvane::WorkMetricSeed> metrics READ metrics NOTIFY changed)
-    Q_PROPERTY(QStringList logLines READ logLines NOTIFY changed)
+    Q_PROPERTY(QString log READ log NOTIFY changed) ///< the context as lines of a session
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(corvane::GadgetListModel* evidence READ evidence CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* timeline READ timeline CONSTANT)
@@ -101,7 +98,7 @@ public:
     QList<WorkAction> topActions() const { return contextualTopActions(m_config, m_context); }
     QList<WorkAction> quickActions() const { return contextualQuickActions(m_config, m_context); }
     QList<WorkMetricSeed> metrics() const { return dashboardMetrics(m_config, m_counts); }
-    QStringList logLines() const { return m_logLines; }
+    QString log() const { return m_logLines.join(QLatin1Char('\n')); }
     const QString& notice() const { return m_notice; }
     GadgetListModel* evidence() { return &m_evidence; }
     GadgetListModel* timeline() { return &m_timeline; }

@@ -6,6 +6,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { DatabaseSync } from "node:sqlite";
 import { parseArgs } from "node:util";
+import { stamp } from "./work.ts";
 
 function fail(message: string): never {
   console.error(message);
@@ -81,13 +82,63 @@ const actions = {
   },
 };
 
-const { values, positionals } = parseArgs({ options: { database: { type: "string" } }, allowPositionals: true });
+/** Two agents at work: a row every few seconds, as docs/work-records.md tells it. */
+async function playDay(db: DatabaseSync, pause: number): Promise<string> {
+  const tag = randomUUID().slice(0, 8);
+  const context = "ctx:ops:november-invoices";
+  const own = { context_id: context, module: "ops" };
+  const write = (table: string, row: Record<string, string>): void => {
+    db.prepare(`INSERT INTO ${table}(${Object.keys(row)}) VALUES(${Object.keys(row).map(() => "?")})`).run(...Object.values(row));
+    db.prepare("UPDATE work_context SET updated_at=? WHERE id=?").run(stamp(Date.now()), context);
+  };
+  const at = (): { created_at: string; updated_at: string } => ({ created_at: stamp(Date.now()), updated_at: stamp(Date.now()) });
+  const begin = (name: string, tool: string, task: string): void => {
+    const alive = { status: "running", heartbeat_at: stamp(Date.now()), ...at() };
+    write("work_session", { id: `sess:day:${tag}:${name}`, ...own, purpose: task, owner: name, tool, ...alive });
+    write("work_agent", { id: `agent:day:${tag}:${name}`, ...own, name, tool, role: "worker", current_task: task, session_id: `sess:day:${tag}:${name}`, ...alive });
+  };
+  const beat = (name: string, task: string, status = "running"): void => {
+    db.prepare("UPDATE work_agent SET heartbeat_at=?, updated_at=?, current_task=?, status=? WHERE id=?")
+      .run(stamp(Date.now()), stamp(Date.now()), task, status, `agent:day:${tag}:${name}`);
+    db.prepare("UPDATE work_session SET heartbeat_at=?, updated_at=?, status=? WHERE id=?")
+      .run(stamp(Date.now()), stamp(Date.now()), status, `sess:day:${tag}:${name}`);
+  };
+  const say = (speaker: string, body: string): void =>
+    write("work_message", { id: `msg:day:${randomUUID()}`, ...own, speaker, role: "agent", kind: "message", body, status: "posted", created_at: stamp(Date.now()) });
+  const move = (status: string): void => {
+    db.prepare("UPDATE work_item SET status=?, updated_at=? WHERE id=?").run(status, stamp(Date.now()), `item:day:${tag}`);
+  };
+  const clerk = `Clerk ${tag.slice(0, 2)}`;
+  const reader = `Reader ${tag.slice(0, 2)}`;
+  const steps: (() => void)[] = [
+    () => begin(clerk, "codex", "Files the invoices of the week"),
+    () => write("work_item", { id: `item:day:${tag}`, ...own, kind: "finance", title: "Check invoice 2231 of the carrier", status: "open", priority: "normal", owner: clerk, source: "demo", summary: "Three parcels to London.", ...at() }),
+    () => begin(reader, "claude", "Reads the mails of the carrier"),
+    () => move("in_progress"),
+    () => say(reader, "The carrier counted four parcels. Our list says three."),
+    () => write("work_evidence", { id: `ev:day:${tag}`, ...own, item_id: `item:day:${tag}`, kind: "note", title: "Parcel list of the 14th", source: "mail", uri: "", summary: "Three numbers, three weights.", created_at: stamp(Date.now()) }),
+    () => write("ask", { id: `ask:day:${tag}`, ts: stamp(Date.now()), question: "The carrier bills four parcels, we sent three. Refuse the whole invoice, or ask for a new one?", urgency: "high", status: "open" }),
+    () => beat(clerk, "Waits for an answer about the carrier"),
+    () => write("work_memory", { id: `mem:day:${tag}`, ...own, kind: "fact", body: "The carrier bills by the label, also where a label was printed twice.", source: reader, confidence: "medium", status: "proposed", owner: reader, ...at() }),
+    () => move("approval"),
+    () => beat(reader, "Done for today", "done"),
+  ];
+  for (const step of steps) {
+    step();
+    await new Promise((resolve) => setTimeout(resolve, pause));
+  }
+  return `a question about the carrier's invoice, asked by ${clerk}`;
+}
+
+const { values, positionals } = parseArgs({ options: { database: { type: "string" }, pause: { type: "string", default: "3" } }, allowPositionals: true });
 const [kind = "", text] = positionals;
-if (!Object.hasOwn(actions, kind) || positionals.length > 2)
-  fail(`Usage: demo/agent ${Object.keys(actions).join("|")} [TEXT] [--database FILE]`);
+const isDay = kind === "day" && positionals.length === 1;
+if ((!isDay && !Object.hasOwn(actions, kind)) || positionals.length > 2)
+  fail(`Usage: demo/agent ${Object.keys(actions).join("|")} [TEXT] [--database FILE]\n       demo/agent day [--pause SECONDS] [--database FILE]`);
 const path = values.database ?? newestDemonstration();
 if (!statSync(path, { throwIfNoEntry: false })?.isFile()) fail(`There is no database at ${path}.`);
 const db = new DatabaseSync(path);
 db.exec("PRAGMA busy_timeout=5000; PRAGMA foreign_keys=ON;");
-console.log(`Waits for you: ${actions[kind as keyof typeof actions](db, text)}`);
+const waits = isDay ? await playDay(db, Number(values.pause) * 1000) : actions[kind as keyof typeof actions](db, text);
+console.log(`Waits for you: ${waits}`);
 db.close();

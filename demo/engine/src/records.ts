@@ -11,6 +11,7 @@ import { day, minute } from "./clock.ts";
 import { contentOf } from "./content.ts";
 import { readScript } from "./script.ts";
 import { emit } from "./wire.ts";
+import { writeWork } from "./work.ts";
 
 export interface Person {
   contact: string;
@@ -118,6 +119,7 @@ function write(database: DatabaseSync, people: Person[], since: number, callFold
       insert("crm_task", { id: `tk:${since}:${number++}`, ...own, ...task, status: "To do", updated_at: since - number });
     for (const call of calls) writeCall(callFolder, `call-demo-${number++}`, call, ago(call.days), own, insert);
   }
+  writeWork(since, insert);
   database.exec("COMMIT;");
 }
 

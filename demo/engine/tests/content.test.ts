@@ -8,6 +8,7 @@ import { contentOf } from "../src/content.ts";
 import { liveTurns } from "../src/live.ts";
 import { assetOf } from "../src/media/library.ts";
 import { readRecords } from "../src/records.ts";
+import { readWork } from "../src/work.ts";
 import { readScript } from "../src/script.ts";
 import {
   channels,
@@ -154,6 +155,18 @@ test("the records speak of people who write, and who is somebody else says nothi
     assert.ok(people.some(({ id }) => id === contact), contact);
     // A line that came later would give its conversation back.
     for (const other of same) assert.ok(people.some(({ id, speaksLater }) => id === other && !speaksLater), other);
+  }
+});
+
+test("the work speaks of people who write, and of its own items", () => {
+  const people = new Set(channels.flatMap((channel) =>
+    readScript(channel, contentOf(`${channel}.chat`), fixedNow).map(({ handle }) => `ct:${channel.toUpperCase()}:${handle}`)));
+  const { contexts, projects } = readWork();
+  assert.ok(projects.length > 0);
+  for (const { ref, items, decisions, evidence } of contexts) {
+    assert.ok(ref === undefined || people.has(ref), ref);
+    for (const { item } of [...decisions, ...evidence])
+      assert.ok(item === undefined || items.some(({ id }) => id === item), item);
   }
 });
 

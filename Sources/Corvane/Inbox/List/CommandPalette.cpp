@@ -126,6 +126,8 @@ void CommandPalette::run(int index)
     const PaletteItem item = m_items.rows().at(index);
     const QString query = m_query.trimmed();
     close();
+    if (!item.icon.isEmpty())
+        return Q_EMIT foundChosen(item.id);
     if (!item.isAction)
         return Q_EMIT contactChosen(item.contactId);
     const QString id = item.id.section(u':', 1);
@@ -138,6 +140,11 @@ void CommandPalette::run(int index)
 void CommandPalette::present()
 {
     QList<PaletteItem> items = paletteItems(m_contacts, m_commands ? m_commands->all() : QList<Command>(), m_query);
+    if (m_finder && !m_query.trimmed().isEmpty()) {
+        const PaletteItem search = items.takeLast();
+        items += m_finder(m_query.trimmed());
+        items.append(search);
+    }
     m_index = std::clamp(m_index, 0, std::max(0, int(items.size()) - 1));
     if (!items.isEmpty())
         items[m_index].highlighted = true;

@@ -17,9 +17,10 @@ class PaletteItem {
     Q_PROPERTY(QString avatarPath MEMBER avatarPath)
     Q_PROPERTY(QString initials MEMBER initials)
     Q_PROPERTY(int hue MEMBER hue)
+    Q_PROPERTY(QString icon MEMBER icon)
     Q_PROPERTY(bool highlighted MEMBER highlighted)
 public:
-    QString id; ///< "contact:{id}" or "action:{id of the command}"
+    QString id; ///< "contact:{id}" or "action:{id of the command}"; what else was found begins with a word of its own
     bool isAction = false;
     QString label;
     QString detail; ///< channels of a contact, the key of an action
@@ -27,6 +28,7 @@ public:
     QString avatarPath;
     QString initials;
     int hue = 0;
+    QString icon; ///< of what is neither a contact nor an action
     bool highlighted = false;
     QString contactId; ///< for a contact
 
@@ -56,6 +58,8 @@ public:
 
     void setCommands(Commands& commands) { m_commands = &commands; } ///< they outlive the palette
     void setContacts(const QList<ContactRow>& contacts);
+    /// Finds what is neither a contact nor an action, by the query as it is typed.
+    void setFinder(std::function<QList<PaletteItem>(const QString& query)> finder) { m_finder = std::move(finder); }
     void refresh(); ///< what can run may have changed
 
     Q_INVOKABLE void open(); ///< an empty query and the first line
@@ -70,6 +74,7 @@ Q_SIGNALS:
     void indexChanged();
     void contactChosen(const QString& contactId);
     void searchChosen(const QString& query);
+    void foundChosen(const QString& id); ///< of an item that the finder gave
     void closed();
 
 private:
@@ -79,6 +84,7 @@ private:
     int m_index = 0;
     Commands* m_commands = nullptr;
     QList<ContactRow> m_contacts;
+    std::function<QList<PaletteItem>(const QString& query)> m_finder;
     bool m_isOpen = false; ///< a closed palette is not kept up to date
     RowListModel<PaletteItem> m_items;
 };

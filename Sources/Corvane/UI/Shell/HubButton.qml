@@ -17,7 +17,7 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     text: hub.label
     Accessible.role: Accessible.PageTab
-    Accessible.name: hub.badge ? qsTr("%1, %2 unread").arg(hub.label).arg(hub.badge) : hub.label
+    Accessible.name: hub.badgeAloud ? hub.label + ", " + hub.badgeAloud : hub.label
     Accessible.selected: hub.selected
     Keys.onReturnPressed: clicked()
     Keys.onRightPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)

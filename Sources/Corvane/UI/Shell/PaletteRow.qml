@@ -10,6 +10,7 @@ T.AbstractButton {
 
     required property int index
     required property paletteItem entry
+    readonly property bool found: entry.icon !== "" ///< neither a person nor an action
 
     implicitHeight: 40
     hoverEnabled: true
@@ -24,7 +25,7 @@ T.AbstractButton {
     }
     contentItem: Item {
         Avatar {
-            visible: !row.entry.isAction
+            visible: !row.entry.isAction && !row.found
             x: Theme.small
             anchors.verticalCenter: parent.verticalCenter
             width: 28
@@ -34,10 +35,10 @@ T.AbstractButton {
             group: row.entry.initials === ""
         }
         Icon {
-            visible: row.entry.isAction
+            visible: row.entry.isAction || row.found
             x: Theme.small + 6
             anchors.verticalCenter: parent.verticalCenter
-            name: !visible ? "" : row.entry.id === "action:searchMessages" ? "edit-find" : "go-next"
+            name: !visible ? "" : row.found ? row.entry.icon : row.entry.id === "action:searchMessages" ? "edit-find" : "go-next"
             color: row.entry.highlighted ? Theme.accent : Theme.faint
         }
         Label {

@@ -4,7 +4,6 @@
 #include "Shell/ClosingNotice.h"
 #include "Shell/ContentView.h"
 #include "Shell/Notices.h"
-#include "Shell/PlannedHub.h"
 #include "Shell/ProfileMenu.h"
 
 #include <QtQml/qqml.h>
@@ -45,13 +44,6 @@ struct NoticesType {
     Q_GADGET
     QML_FOREIGN(corvane::Notices)
     QML_NAMED_ELEMENT(Notices)
-    QML_UNCREATABLE("The program makes it.")
-};
-
-struct PlannedHubType {
-    Q_GADGET
-    QML_FOREIGN(corvane::PlannedHub)
-    QML_NAMED_ELEMENT(PlannedHub)
     QML_UNCREATABLE("The program makes it.")
 };
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Inbox/List/CommandPalette.h"
+#include "Work/WorkServices.h"
+
+namespace corvane {
+
+class CorvaneApp;
+class LocalDB;
+class Screens;
+
+/// What the hubs of the room Work stand on; the screens outlive them.
+WorkServices workServices(CorvaneApp& app, Screens& screens);
+
+QList<Command> workCommands();
+
+/// Contexts, items, decisions, questions and projects for the palette.
+QList<PaletteItem> foundWork(LocalDB& db, const QString& query);
+
+/// Shows what the palette found, in its hub.
+void openFoundWork(Screens& screens, const QString& id);
+
+}

@@ -1,0 +1,181 @@
+import QtQuick
+import QtQml
+import Corvane.Controls
+import Corvane.Work
+
+/// One context: its title and figures, what can be begun, and the surface of the chosen tab.
+FocusScope {
+    id: view
+
+    required property WorkModuleShell shell
+
+    Column {
+        id: head
+        x: Theme.wide
+        y: Theme.large
+        width: parent.width - Theme.wide * 2
+        spacing: Theme.small
+
+        Item {
+            width: parent.width
+            height: Math.max(titles.height, Theme.control)
+            Column {
+                id: titles
+                width: actions.x - Theme.large
+                spacing: 2
+                Label {
+                    width: parent.width
+                    text: view.shell.title
+                    font.pixelSize: Theme.screen
+                    font.weight: Theme.strong
+                    Accessible.role: Accessible.Heading
+                }
+                Label {
+                    width: parent.width
+                    visible: text !== ""
+                    text: view.shell.subtitle
+                    color: Theme.soft
+                }
+            }
+            Row {
+                id: actions
+                anchors.right: parent.right
+                spacing: Theme.small
+                MenuButton {
+                    id: begin
+                    objectName: "work.actions"
+                    implicitHeight: Theme.control
+                    kind: "plain"
+                    text: qsTr("Begin")
+                    Instantiator {
+                        model: view.shell.quickActions.length // an open menu stays while rows change
+                        delegate: MenuItem {
+                            required property int index
+                            readonly property workAction entry: view.shell.quickActions[index]
+                            icon.name: entry.icon
+                            text: entry.title
+                            onTriggered: view.shell.create.beginQuickAction(entry.title, entry.subtitle)
+                        }
+                        onObjectAdded: (index, item) => begin.list.insertItem(index, item)
+                        onObjectRemoved: (index, item) => begin.list.removeItem(item)
+                    }
+                    MenuSeparator {}
+                    MenuItem { icon.name: "note"; text: qsTr("Note"); onTriggered: view.shell.create.begin("note") }
+                    MenuItem { icon.name: "hub-lumo"; text: qsTr("Ask"); onTriggered: view.shell.create.begin("ask") }
+                    MenuSeparator {}
+                    MenuItem {
+                        icon.name: "download"
+                        text: qsTr("Export as Markdown")
+                        onTriggered: view.shell.exportContext()
+                    }
+                }
+                Button {
+                    objectName: "work.newItem"
+                    kind: "primary"
+                    text: qsTr("New item")
+                    hint: Commands.keysOf("newWork")
+                    onClicked: view.shell.create.begin("item")
+                }
+            }
+        }
+        MetricLine {
+            width: parent.width
+            metrics: view.shell.metrics
+        }
+        Banner {
+            width: parent.width
+            visible: view.shell.notice !== ""
+            text: view.shell.notice
+            dismissable: true
+            onDismissed: view.shell.dismissNotice()
+        }
+    }
+    Row {
+        id: tabs
+        anchors.top: head.bottom
+        anchors.topMargin: Theme.small
+        x: Theme.wide - Theme.small
+        height: 44
+        spacing: 2
+        Repeater {
+            model: view.shell.tabs.length // the tabs stay while their counts change
+            FilterTab {
+                required property int index
+                readonly property tabItem entry: view.shell.tabs[index]
+                objectName: "work.tab:" + entry.id
+                anchors.verticalCenter: parent.verticalCenter
+                text: entry.label
+                count: entry.count
+                selected: view.shell.tab === entry.id
+                onClicked: view.shell.tab = entry.id
+            }
+        }
+    }
+    Rectangle {
+        anchors.top: tabs.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+    Item {
+        anchors.top: tabs.bottom
+        anchors.topMargin: 1
+        anchors.bottom: parent.bottom
+        width: parent.width
+
+        BoardView {
+            anchors.fill: parent
+            visible: view.shell.surface === "board"
+            board: view.shell.board
+            current: view.shell.item.itemId
+            onOpened: id => view.shell.item.open(id)
+        }
+        Loader {
+            anchors.fill: parent
+            active: view.visible && view.shell.surface !== "board"
+            sourceComponent: view.shell.surface === "chat" ? chat : view.shell.surface === "inbox" ? inbox
+                : view.shell.surface === "agents" ? agents : view.shell.surface === "approvals" ? approvals
+                : view.shell.surface === "evidence" ? evidence : timeline
+        }
+    }
+    Component {
+        id: chat
+        ChatView {
+            chat: view.shell.chat
+            log: view.shell.log
+            onSourceOpened: source => view.shell.openSource(source)
+        }
+    }
+    Component {
+        id: inbox
+        DraftView {
+            shell: view.shell
+        }
+    }
+    Component {
+        id: agents
+        AgentList {
+            agents: view.shell.agents
+        }
+    }
+    Component {
+        id: approvals
+        DecisionList {
+            decisions: view.shell.decisions
+        }
+    }
+    Component {
+        id: evidence
+        EvidenceList {
+            model: view.shell.evidence
+            emptyTitle: qsTr("No evidence yet")
+            emptyText: qsTr("Notes, runbooks and what agents attach stand here.")
+        }
+    }
+    Component {
+        id: timeline
+        TimelineView {
+            model: view.shell.timeline
+        }
+    }
+}

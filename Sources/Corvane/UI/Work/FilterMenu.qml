@@ -1,0 +1,35 @@
+import QtQuick
+import QtQml
+import Corvane.Controls
+
+/// One word of a list, or every one of them.
+MenuButton {
+    id: button
+
+    property string every
+    property list<string> choices
+    property string chosen
+
+    signal picked(word: string)
+
+    text: chosen || every
+    MenuItem {
+        checkable: true
+        checked: button.chosen === ""
+        text: button.every
+        onTriggered: button.picked("")
+    }
+    Instantiator {
+        model: button.choices.length // an open menu stays while the words are read again
+        delegate: MenuItem {
+            required property int index
+            readonly property string word: button.choices[index] ?? ""
+            checkable: true
+            checked: button.chosen === word
+            text: word
+            onTriggered: button.picked(word)
+        }
+        onObjectAdded: (index, item) => button.list.insertItem(index + 1, item)
+        onObjectRemoved: (index, item) => button.list.removeItem(item)
+    }
+}

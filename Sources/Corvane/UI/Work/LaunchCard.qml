@@ -1,0 +1,40 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Work
+
+/// The command that a person reviews and runs.
+Card {
+    id: card
+
+    required property WorkAgents agents
+
+    SectionHeader { text: qsTr("Review, then run") }
+    Label {
+        objectName: "agents.command"
+        width: parent.width
+        wrapMode: Text.WrapAnywhere
+        elide: Text.ElideNone
+        text: card.agents.command
+        font.family: "monospace"
+        font.pixelSize: Theme.meta
+    }
+    Row {
+        spacing: Theme.small
+        Button {
+            objectName: "agents.copy"
+            icon.name: "edit-copy"
+            text: qsTr("Copy")
+            onClicked: WindowTools.copy(card.agents.command)
+        }
+        Button {
+            objectName: "agents.openShell"
+            text: qsTr("Open in a terminal")
+            onClicked: card.agents.openLaunchShell()
+        }
+        Button {
+            kind: "quiet"
+            text: qsTr("Dismiss")
+            onClicked: card.agents.dismissLaunch()
+        }
+    }
+}

@@ -1,0 +1,35 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Work
+
+/// The operations hub.
+WorkPage {
+    id: page
+
+    required property OpsHub screen
+
+    shell: screen.shell
+    placeView: Component {
+        FocusScope {
+            Loader {
+                anchors.fill: parent
+                focus: true
+                sourceComponent: page.shell.place === "projects" ? projects : page.shell.place === "asks" ? asks
+                    : page.shell.place === "finance" ? finance : home
+            }
+        }
+    }
+
+    Component { id: home; OpsHome { hub: page.screen } }
+    Component { id: projects; ProjectsView { projects: page.screen.projects } }
+    Component { id: finance; FinanceView { finance: page.screen.finance; onOpened: id => page.shell.item.open(id) } }
+    Component {
+        id: asks
+        AsksView {
+            asks: page.screen.asks
+            onNewAsked: page.shell.create.begin("ask")
+        }
+    }
+    AnswerSheet { asks: page.screen.asks }
+    AnswerSheet { asks: page.screen.projects.asks }
+}

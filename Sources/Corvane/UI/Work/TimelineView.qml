@@ -1,0 +1,47 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane.Controls
+import Corvane.Work
+
+/// The story of a context, oldest first; it opens at its end.
+FocusScope {
+    id: view
+
+    property alias model: list.model
+
+    ListView {
+        id: list
+        objectName: "work.timeline"
+        anchors.fill: parent
+        anchors.leftMargin: Theme.wide
+        anchors.rightMargin: Theme.wide
+        focus: true
+        clip: true
+        topMargin: Theme.medium
+        bottomMargin: Theme.medium
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: true
+        Accessible.role: Accessible.List
+        Accessible.name: qsTr("Timeline")
+        T.ScrollBar.vertical: ScrollBar {}
+        section.property: "day"
+        section.delegate: SectionHeader {
+            required property string section
+            topPadding: Theme.medium
+            bottomPadding: Theme.small
+            text: section
+        }
+        Component.onCompleted: positionViewAtEnd()
+        delegate: TimelineLine {
+            width: Math.min(ListView.view.width, 760)
+        }
+    }
+    EmptyState {
+        anchors.centerIn: parent
+        width: Math.min(360, parent.width)
+        visible: list.count === 0
+        icon: "note"
+        title: qsTr("Nothing happened yet")
+        detail: qsTr("Decisions, evidence and messages stand here in their order.")
+    }
+}

@@ -1,0 +1,116 @@
+import QtQuick
+import Corvane.Controls
+import Corvane.Work
+
+/// A hub over the work records: its places and contexts at the left, what is chosen in the middle, and beside it the
+/// inspector or the item that is open.
+Page {
+    id: page
+
+    required property WorkModuleShell shell
+    property Component placeView ///< what stands in the middle while no context is chosen
+
+    readonly property bool inContext: shell.place === ""
+    readonly property bool wide: width >= 1200
+
+    function act(command: string) {
+        if (command === "next" || command === "previous")
+            shell.step(command === "next" ? 1 : -1);
+        else if (command === "search")
+            rail.focusSearch();
+        else if (command === "newWork")
+            shell.create.begin("item");
+        else if (command === "undo")
+            shell.board.undo();
+        else if (command === "back" && shell.item.itemId !== "")
+            shell.item.close();
+    }
+
+    panes: [rail, desk, aside]
+    Component.onCompleted: shell.shown = true
+    Component.onDestruction: shell.shown = false
+
+    WorkRail {
+        id: rail
+        width: page.wide ? 264 : 228
+        height: parent.height
+        focus: true
+        shell: page.shell
+    }
+    Rectangle {
+        id: edge
+        anchors.left: rail.right
+        width: 1
+        height: parent.height
+        color: Theme.line
+    }
+    FocusScope {
+        id: desk
+        anchors.left: edge.right
+        anchors.right: aside.visible ? aside.left : parent.right
+        height: parent.height
+        Accessible.role: Accessible.Pane
+        Accessible.name: page.inContext ? page.shell.title : ""
+
+        Loader {
+            anchors.fill: parent
+            active: !page.inContext
+            visible: active
+            focus: active
+            sourceComponent: page.placeView
+        }
+        ContextView {
+            anchors.fill: parent
+            visible: page.inContext
+            focus: visible
+            shell: page.shell
+        }
+    }
+    FocusScope {
+        id: aside
+        anchors.right: parent.right
+        width: page.shell.item.itemId !== "" ? 380 : 300
+        height: parent.height
+        visible: page.shell.item.itemId !== "" || (page.inContext && page.wide)
+        onVisibleChanged: if (!visible) desk.forceActiveFocus(Qt.OtherFocusReason)
+        Accessible.role: Accessible.Pane
+        Accessible.name: page.shell.item.itemId !== "" ? page.shell.item.title : page.shell.inspectorTitle
+
+        Rectangle {
+            anchors.fill: parent
+            color: Theme.surface
+        }
+        Rectangle {
+            width: 1
+            height: parent.height
+            color: Theme.line
+        }
+        ItemSheet {
+            anchors.fill: parent
+            anchors.leftMargin: 1
+            visible: page.shell.item.itemId !== ""
+            focus: visible
+            sheet: page.shell.item
+        }
+        Inspector {
+            anchors.fill: parent
+            anchors.leftMargin: 1
+            visible: page.shell.item.itemId === ""
+            focus: visible
+            shell: page.shell
+        }
+    }
+    Toast {
+        anchors.horizontalCenter: desk.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: Theme.wide
+        undoName: "work.undo"
+        text: page.shell.board.undoText
+        onUndone: page.shell.board.undo()
+        onDismissed: page.shell.board.dismissUndo()
+    }
+    CreateSheet {
+        id: sheet
+        create: page.shell.create
+    }
+}

@@ -1,0 +1,132 @@
+import QtQuick
+import QtQuick.Templates as T
+import Corvane.Controls
+import Corvane.Work
+
+/// The places of a hub, and its contexts in their groups.
+FocusScope {
+    id: rail
+
+    required property WorkModuleShell shell
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: shell.contextsTitle
+
+    function focusSearch() {
+        search.forceActiveFocus(Qt.ShortcutFocusReason);
+        search.selectAll();
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.surface
+    }
+    Column {
+        id: places
+        x: Theme.small
+        y: Theme.medium
+        width: parent.width - Theme.small * 2
+        spacing: 2
+
+        Repeater {
+            model: rail.shell.places.length // the rows stay while their counts change
+            RailPlace {
+                required property int index
+                readonly property tabItem entry: rail.shell.places[index]
+                objectName: "work.place:" + entry.id
+                width: places.width
+                text: entry.label
+                count: entry.count
+                current: rail.shell.place === entry.id
+                onClicked: rail.shell.place = entry.id
+            }
+        }
+    }
+    Item {
+        id: head
+        anchors.top: places.bottom
+        anchors.topMargin: Theme.large
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        height: 28
+
+        SectionHeader {
+            anchors.verticalCenter: parent.verticalCenter
+            text: rail.shell.contextsTitle
+        }
+        IconButton {
+            objectName: "work.newContext"
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            size: 28
+            icon.name: "list-add"
+            text: rail.shell.createLabel
+            onClicked: rail.shell.create.begin("context")
+        }
+    }
+    SearchField {
+        id: search
+        objectName: "work.search"
+        anchors.top: head.bottom
+        anchors.topMargin: Theme.tight
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        placeholderText: qsTr("Search")
+        text: rail.shell.query
+        onTextEdited: rail.shell.query = text
+        onCleared: rail.shell.query = ""
+        onLeave: list.forceActiveFocus(Qt.TabFocusReason)
+    }
+    ListView {
+        id: list
+        objectName: "work.contexts"
+        anchors.top: search.bottom
+        anchors.topMargin: Theme.small
+        anchors.bottom: parent.bottom
+        x: Theme.small
+        width: parent.width - Theme.small * 2
+        focus: true
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: true
+        keyNavigationEnabled: false
+        model: rail.shell.contexts
+        Accessible.role: Accessible.List
+        Accessible.name: rail.shell.contextsTitle
+        T.ScrollBar.vertical: ScrollBar {}
+        Keys.onDownPressed: rail.shell.step(1)
+        Keys.onUpPressed: rail.shell.step(-1)
+        section.property: "group"
+        section.delegate: SectionHeader {
+            required property string section
+            leftPadding: Theme.small
+            topPadding: Theme.small
+            bottomPadding: Theme.tight
+            color: Theme.faint
+            text: section
+        }
+
+        KeyboardFocus { id: keyboard; target: list }
+
+        delegate: ContextLine {
+            objectName: "work.context:" + context.title
+            width: ListView.view.width
+            current: rail.shell.selectedContextId === context.id
+            ringed: current && keyboard.shown
+            onClicked: {
+                list.forceActiveFocus(Qt.MouseFocusReason);
+                rail.shell.select(context.id);
+            }
+        }
+    }
+    Label {
+        anchors.top: search.bottom
+        anchors.topMargin: Theme.large
+        x: Theme.large
+        width: parent.width - Theme.large * 2
+        visible: text !== ""
+        wrapMode: Text.Wrap
+        text: rail.shell.contextsEmpty
+        color: Theme.faint
+    }
+}

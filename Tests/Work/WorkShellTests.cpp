@@ -1,0 +1,260 @@
+#include "Store/Core/StoreWatch.h"
+#include "Work/OpsHub.h"
+#include "WorkTest.h"
+
+#include <QSignalSpy>
+
+namespace corvane {
+
+namespace {
+
+class WorkShell : public WorkTest {
+protected:
+    QStringList lane(int index)
+    {
+        QStringList titles;
+        for (const WorkItemSeed& item : shell.board()->lane(index)->rows())
+            titles.append(item.title);
+        return titles;
+    }
+
+    OpsHub hub { services };
+    WorkModuleShell& shell = *hub.shell();
+};
+
+}
+
+TEST_F(WorkShell, whatAnotherProgramWritesAppearsWithinFourSecondsAndAnIdleShellReadsNothing)
+{
+    m_db->watch().start();
+    shell.setShown(true);
+    EXPECT_EQ(shell.contextsEmpty(), "No processes yet");
+    EXPECT_EQ(shell.quickActions().size(), 0);
+    EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");
+    const QSignalSpy refreshed(&shell, &WorkModuleShell::refreshed);
+    m_clock.advance(Milliseconds(9000));
+    EXPECT_EQ(refreshed.size(), 0);
+    OtherProcess agent(path());
+    agent.exec("INSERT INTO work_context(id, module, slug, title, updated_at) VALUES('c','ops','c','Payroll','x');"
+               "INSERT INTO work_item(id, context_id, module, title, status) VALUES('i','c','ops','Count','odd');");
+    m_clock.advance(Milliseconds(4000));
+    EXPECT_EQ(refreshed.size(), 1);
+    ASSERT_EQ(shell.contextRows().size(), 1);
+    EXPECT_EQ(shell.board()->laneCount(), 5) << "a status that is not ours stands in a lane of its own";
+    EXPECT_EQ(lane(4), QStringList("Count"));
+    shell.setShown(false);
+    agent.exec("DELETE FROM work_context;");
+    m_clock.advance(Milliseconds(9000));
+    EXPECT_EQ(refreshed.size(), 1) << "what nobody sees is not read";
+    shell.setShown(true);
+    EXPECT_EQ(shell.contextRows().size(), 0);
+}
+
+TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
+{
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    const WorkContextRow pay = context(u"Payroll run"_s);
+    shell.setShown(true);
+    shell.select(pay.id);
+    EXPECT_EQ(shell.tab(), "finance");
+    EXPECT_EQ(shell.board()->lane(2)->title(), "Approval");
+    shell.setTab(u"hiring"_s);
+    EXPECT_EQ(shell.tab(), "finance") << "not a tab of this context";
+    shell.setTab(u"approvals"_s);
+    shell.select(kiln.id);
+    EXPECT_EQ(shell.tab(), "processes");
+    shell.setTab(u"evidence"_s);
+    m_db->run("UPDATE work_context SET title='Kiln repair' WHERE id=?;", { kiln.id });
+    shell.refresh();
+    EXPECT_EQ(shell.title() + ' ' + shell.tab(), "Kiln repair evidence");
+    shell.setTab(u"processes"_s);
+    m_db->run("UPDATE work_context SET title='Hiring' WHERE id=?;", { kiln.id });
+    shell.refresh();
+    EXPECT_EQ(shell.tab(), "hiring");
+    m_db->run("DELETE FROM work_context WHERE id=?;", { kiln.id });
+    shell.refresh();
+    EXPECT_EQ(shell.place(), "home") << "what is gone is not selected";
+    shell.create()->begin(u"context"_s);
+    shell.create()->setTitle(u"Studio rent"_s);
+    shell.create()->save();
+    EXPECT_EQ(shell.title(), "Studio rent") << "a new context is opened";
+}
+
+TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)
+{
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    const QString id = item(kiln.id, u"Order shelves"_s);
+    item(kiln.id, u"Measure"_s, u"waiting"_s);
+    shell.setShown(true);
+    shell.select(kiln.id);
+    WorkBoard& board = *shell.board();
+    EXPECT_EQ(lane(0), QStringList("Order shelves"));
+    board.move(id, 1);
+    EXPECT_EQ(cell("SELECT status FROM work_item WHERE title='Order shelves';"), "review");
+    EXPECT_EQ(board.undoText(), "Moved to Review: Order shelves");
+    board.undo();
+    EXPECT_EQ(cell("SELECT status FROM work_item WHERE title='Order shelves';"), "open");
+    board.moveBy(id, -1);
+    EXPECT_EQ(board.undoText(), "") << "it stands at the end";
+    board.move(id, 3);
+    EXPECT_EQ(fetchWorkItem(*m_db, id)->status, "done");
+    updateWorkItemStatus(*m_db, id, u"waiting"_s); // by an agent
+    board.undo();
+    EXPECT_EQ(fetchWorkItem(*m_db, id)->status, "waiting") << "whoever moved it on meant it";
+    shell.refresh();
+    EXPECT_EQ(board.lane(2)->countText(), "2");
+    board.setWords(u"meas"_s);
+    EXPECT_EQ(lane(2), QStringList("Measure"));
+    board.setOwner(u"Nobody"_s);
+    EXPECT_EQ(board.emptyTitle(), "Nothing fits these filters");
+    board.clearFilters();
+    m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON work_item BEGIN SELECT RAISE(ABORT,'full'); END;");
+    board.move(id, 0);
+    EXPECT_EQ(board.error(), "It could not be moved: the change was not saved.");
+    EXPECT_EQ(board.lane(2)->countText(), "2");
+}
+
+TEST_F(WorkShell, aSheetThatIsOvertakenOffersBothVersions)
+{
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    const QString id = item(kiln.id, u"Order shelves"_s);
+    WorkItemSheet& sheet = *shell.item();
+    const auto elsewhere = [&](const char* sql) {
+        m_db->exec(sql);
+        sheet.reload();
+    };
+    shell.setShown(true);
+    shell.show(kiln.id, id);
+    elsewhere("UPDATE work_item SET owner='Luis';");
+    EXPECT_EQ(sheet.owner(), "Luis");
+    EXPECT_FALSE(sheet.notice().isEmpty());
+    sheet.setTitle(u"Order six shelves"_s);
+    elsewhere("UPDATE work_item SET summary='40 cm';");
+    EXPECT_TRUE(sheet.clashes().isEmpty()) << "other fields are no question";
+    EXPECT_EQ(sheet.summary(), "40 cm");
+    EXPECT_TRUE(sheet.dirty());
+    elsewhere("UPDATE work_item SET title='Order four shelves';");
+    ASSERT_EQ(sheet.clashes().size(), 1);
+    EXPECT_EQ(sheet.clashes().first().theirs, "Order four shelves");
+    sheet.save();
+    EXPECT_EQ(fetchWorkItem(*m_db, id)->title, "Order four shelves") << "it asks first";
+    sheet.keepMine();
+    EXPECT_EQ(fetchWorkItem(*m_db, id)->title, "Order six shelves");
+    EXPECT_FALSE(sheet.dirty());
+    sheet.setTitle(u"Mine"_s);
+    m_db->exec("UPDATE work_item SET title='Theirs';");
+    sheet.save();
+    ASSERT_EQ(sheet.clashes().size(), 1) << "even where the watch has not told yet";
+    sheet.takeTheirs();
+    EXPECT_EQ(sheet.title(), "Theirs");
+    sheet.setTitle(u"  "_s);
+    sheet.save();
+    EXPECT_EQ(sheet.notice(), "Title is required.");
+    sheet.revert();
+    m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON work_item BEGIN SELECT RAISE(ABORT,'full'); END;");
+    sheet.setTitle(u"Kept"_s);
+    sheet.save();
+    EXPECT_EQ(sheet.title(), "Kept");
+    EXPECT_TRUE(sheet.notice().startsWith("It was not saved"));
+    elsewhere("DELETE FROM work_item;");
+    EXPECT_TRUE(sheet.notice().startsWith("This item is gone"));
+    EXPECT_EQ(sheet.title(), "Kept");
+}
+
+TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
+{
+    const WorkContextRow may = context(u"May invoices"_s);
+    shell.setShown(true);
+    shell.select(may.id);
+    shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
+    EXPECT_FALSE(shell.create()->riskText().isEmpty());
+    shell.create()->save();
+    ASSERT_EQ(shell.board()->lane(0)->rows().size(), 1);
+    EXPECT_TRUE(shell.board()->lane(0)->rows().first().waits);
+    EXPECT_TRUE(shell.contextRows().first().waits);
+    m_clock.advance(Milliseconds(2000));
+    shell.decisions()->decide(shell.decisions()->decisionRows().first().id, true);
+    EXPECT_FALSE(shell.board()->lane(0)->rows().first().waits);
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM approval_record WHERE kind='decision' AND action='approve';"), "1");
+    insertWorkMemory(*m_db, { "ops", may.id, "fact", "Invoices come on Fridays", "agent", "medium", "Ana" });
+    shell.refresh();
+    shell.decisions()->decideMemory(shell.decisions()->memoryRows().first().id, false);
+    shell.setTab(u"timeline"_s);
+    QStringList story;
+    for (const OpsTimelineEvent& event : shell.timelineRows())
+        story.append(event.label + ": " + event.title + (event.label == "message" ? " " + event.detail : QString()));
+    ASSERT_EQ(story.size(), 5);
+    EXPECT_TRUE(
+        story.at(0).contains("Review Invoice Check for May invoices - approved") || story.at(1).contains("- approved"));
+    EXPECT_TRUE(story.contains("decision: Approved by Oskel: Review Invoice Check for May invoices"));
+    EXPECT_EQ(story.last(), "message: Corvane Rejected memory proposal locally: Invoices come on Fridays.");
+    shell.queueDraft(u"Dear Ana, we will pay the invoice"_s);
+    EXPECT_EQ(cell("SELECT risk FROM work_decision ORDER BY rowid DESC;"), "money") << "nothing is sent, it waits";
+}
+
+TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
+{
+    WorkContextRow may = context(u"O'Brien's invoices"_s);
+    shell.setShown(true);
+    shell.select(may.id);
+    WorkAgents& agents = *shell.agents();
+    agents.launch();
+    EXPECT_EQ(agents.command(),
+        "'scripts/corvane-work-agent.sh' 'ops' 'ctx:ops:o'\"'\"'brien'\"'\"'s-invoices' 'ops-agent' 'ops' 'Do one "
+        "bounded "
+        "work unit for O'\"'\"'Brien'\"'\"'s invoices, attach evidence, post Terminal Chat update, then stop or ask.'");
+    EXPECT_EQ(messages().last(),
+        "message|Prepared Ops Agent for O'Brien's invoices. Opened a launch shell with the server-agent command.");
+    agents.openLaunchShell();
+    EXPECT_TRUE(shells.first().startsWith("Launch Ops Agent\n# Prepared Corvane work agent\n# Module: ops\n"));
+    EXPECT_EQ(agents.rows().first().state, "Ready");
+    updateWorkItemStatus(*m_db, "x", "y");
+    m_db->exec("UPDATE work_agent SET status='running';");
+    m_clock.advance(Milliseconds(1'200'000));
+    agents.reload();
+    EXPECT_EQ(agents.silent(), 0);
+    m_clock.advance(Milliseconds(1000));
+    agents.reload();
+    EXPECT_EQ(agents.rows().first().state, "Silent");
+    m_db->exec("UPDATE work_agent SET heartbeat_at='soon';");
+    agents.reload();
+    EXPECT_EQ(agents.rows().first().heartbeat, "never heard of");
+    EXPECT_EQ(agents.silent(), 1);
+}
+
+TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
+{
+    const WorkContextRow may = context(u"May"_s);
+    for (int i = 0; i < 1000; ++i)
+        m_db->run(
+            "INSERT INTO work_message(id, context_id, module, speaker, body, created_at) VALUES(?,?,'ops',?,?,?);",
+            { i, may.id, u"Ana"_s, i == 999 ? QString(1'000'000, 'x') : u"line %1"_s.arg(i),
+                isoTime(m_clock.nowMs()) });
+    m_db->run(
+        "INSERT INTO work_item(id, context_id, module, title, status, updated_at) VALUES('h',?,'ops',?,'open','?');",
+        { may.id, u"a\u202Eb\n\x01" + QString(100'000, 'y') });
+    m_db->exec("INSERT INTO work_item(id, module, title) VALUES('n','ops','');");
+    shell.setShown(true);
+    shell.select(may.id);
+    const WorkItemSeed hostile = shell.board()->lane(0)->rows().first();
+    EXPECT_TRUE(hostile.title.startsWith("ab y"));
+    EXPECT_LE(hostile.title.size(), 300);
+    EXPECT_EQ(hostile.updatedAt, "");
+    shell.setTab(u"terminalChat"_s);
+    EXPECT_EQ(shell.chat()->lines()->rowCount(), 100);
+    EXPECT_FALSE(shell.chat()->earlierText().isEmpty());
+    shell.chat()->showEarlier();
+    EXPECT_EQ(shell.chat()->lines()->rowCount(), 200);
+    shell.setTab(u"timeline"_s);
+    EXPECT_LE(shell.timelineRows().last().detail.size(), 4001);
+    shell.setPlace(u"home"_s);
+    EXPECT_EQ(lane(4), QStringList("Without a title")) << "a row without a context, a title and a status";
+    for (const char* name : { "work_context", "work_item", "work_decision", "work_evidence", "work_message",
+             "work_agent", "work_session", "work_memory", "ask", "project" })
+        m_db->exec(u"DROP TABLE %1;"_s.arg(QLatin1String(name)));
+    shell.refresh();
+    EXPECT_EQ(shell.contextsEmpty(), "No processes yet");
+    EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");
+}
+
+}

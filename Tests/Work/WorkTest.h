@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Store/Work/OpsRecords.h"
+#include "Store/Work/WorkWrites.h"
+#include "Support/FakeLanguageModel.h"
+#include "Support/StoreTest.h"
+#include "Work/WorkServices.h"
+
+namespace corvane {
+
+using namespace Qt::StringLiterals;
+
+/// The room over a real database, a clock that is moved by hand, and an assistant that a test answers for.
+class WorkTest : public StoreTest {
+protected:
+    WorkTest() { open(); }
+
+    WorkContextRow context(const QString& title, const QString& module = u"ops"_s)
+    {
+        return *upsertWorkContext(*m_db, { module, u"workspace"_s, title.toLower().replace(' ', '-'), title, {}, {} });
+    }
+
+    QString item(const std::optional<QString>& context, const QString& title, const QString& status = u"open"_s,
+        const QString& kind = u"task"_s, const QString& module = u"ops"_s)
+    {
+        const QString id
+            = insertWorkItem(*m_db, { module, context, kind, title, u"normal"_s, u"Ana"_s, u"ui"_s, {} })->id;
+        updateWorkItemStatus(*m_db, id, status);
+        return id;
+    }
+
+    QStringList messages() { return table("SELECT kind, body FROM work_message ORDER BY rowid;"); }
+
+    FakeLumo lumo;
+    QStringList shells;
+    WorkServices services { *m_db, m_clock, lumo.ai, m_centre, [this](const QString& name, const QString& text) {
+                               shells.append(name + text);
+                           } };
+};
+
+}
