@@ -1,17 +1,130 @@
 #include "Gallery.h"
 #include "Pages.h"
 
+#include "Store/Core/LocalDB.h"
+#include "Store/Work/WorkBoardQueries.h"
+
 namespace corvane {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr Milliseconds pause { 400 };
+const std::initializer_list<Look> everyLook { Look::Light, Look::Dark, Look::LightSmall };
+
+/// Each of the tabs of a context.
+void drawTabs(Gallery& gallery, WorkModuleShell& shell, const QString& context, const QString& name)
+{
+    shell.select(context);
+    for (const TabItem& tab : shell.tabs()) {
+        shell.setTab(tab.id);
+        gallery.wait(pause);
+        gallery.save(name + u'-' + tab.id.toLower());
+    }
+    shell.setTab(shell.tabs().first().id);
+}
+
+void drawOps(Gallery& gallery)
+{
+    OpsHub& ops = gallery.screens().ops;
+    WorkModuleShell& shell = *ops.shell();
+    gallery.screens().shell.selectHub(u"ops"_s);
+    for (const TabItem& place : shell.places()) {
+        shell.setPlace(place.id);
+        gallery.wait(pause);
+        gallery.save(u"ops-"_s + place.id, everyLook);
+    }
+    const QString invoices = u"ctx:ops:november-invoices"_s;
+    drawTabs(gallery, shell, invoices, u"ops-context"_s);
+    shell.show(invoices, u"item:demo:november-invoices:clay"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-item"_s, everyLook);
+    shell.item()->setTitle(u"Pay Argiles Blanc for the clay"_s);
+    gallery.db().run(u"UPDATE work_item SET title='Pay the clay of November', owner='Clerk' WHERE id=?;"_s,
+        { shell.item()->itemId() });
+    shell.item()->reload();
+    gallery.wait(pause);
+    gallery.save(u"ops-item-overtaken"_s);
+    shell.item()->close();
+    shell.agents()->launch();
+    gallery.wait(pause);
+    gallery.save(u"ops-launch"_s);
+    shell.agents()->dismissLaunch();
+    shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-create-item"_s);
+    shell.create()->setTitle(QString());
+    shell.create()->save();
+    gallery.wait(pause);
+    gallery.save(u"ops-create-failed"_s);
+    shell.create()->begin(u"ask"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-create-ask"_s);
+    shell.create()->cancel();
+    const QString board = shell.tabs().first().id;
+    shell.setTab(board);
+    shell.board()->moveBy(u"item:demo:november-invoices:vat"_s, 1);
+    gallery.wait(pause);
+    gallery.save(u"ops-board-undo"_s);
+    shell.board()->undo();
+    shell.board()->setWords(u"porcelain"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-board-nothing-found"_s);
+    shell.board()->clearFilters();
+    shell.select(u"ctx:ops:christmas-helper"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-hiring"_s);
+    ops.showAsk(u"ask:demo:shop:0"_s);
+    gallery.wait(pause);
+    gallery.save(u"ops-answer"_s);
+    ops.asks()->closeAnswer();
+    shell.setPlace(u"home"_s);
+}
+
+/// Every hub where no agent and no person has written anything yet.
+void drawEmpty(Gallery& gallery)
+{
+    for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",
+             "crm_deal", "unified_conversation", "ask" })
+        gallery.db().run(u"ALTER TABLE %1 RENAME TO hidden_%1;"_s.arg(QLatin1String(table)));
+    const auto draw = [&](const QString& hub, WorkModuleShell& shell) {
+        gallery.screens().shell.selectHub(hub);
+        shell.refresh();
+        gallery.wait(pause);
+        gallery.save(hub + u"-empty"_s);
+    };
+    draw(u"lumo"_s, *gallery.screens().lumo.shell());
+    draw(u"gtm"_s, *gallery.screens().gtm.shell());
+    draw(u"cx"_s, *gallery.screens().cx.shell());
+    draw(u"ops"_s, *gallery.screens().ops.shell());
+    for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",
+             "crm_deal", "unified_conversation", "ask" })
+        gallery.db().run(u"ALTER TABLE hidden_%1 RENAME TO %1;"_s.arg(QLatin1String(table)));
+}
+
+}
+
 void drawHubs(Gallery& gallery)
 {
-    for (const char* hub : { "lumo", "gtm", "cx", "ops" }) {
-        gallery.screens().shell.selectHub(QString::fromLatin1(hub));
-        gallery.save(u"hub-"_s + QString::fromLatin1(hub), { qstrcmp(hub, "gtm") == 0 ? Look::Dark : Look::Light });
+    Screens& screens = gallery.screens();
+    drawOps(gallery);
+    screens.shell.selectHub(u"lumo"_s);
+    for (const TabItem& place : screens.lumo.shell()->places()) {
+        screens.lumo.shell()->setPlace(place.id);
+        gallery.wait(pause);
+        gallery.save(u"lumo-"_s + place.id, everyLook);
     }
-    gallery.screens().shell.selectHub(u"inbox"_s);
+    screens.shell.selectHub(u"gtm"_s);
+    gallery.wait(pause);
+    gallery.save(u"gtm-pipeline"_s, everyLook);
+    drawTabs(gallery, *screens.gtm.shell(), u"ctx:gtm:christmas-shop"_s, u"gtm-context"_s);
+    screens.shell.selectHub(u"cx"_s);
+    gallery.wait(pause);
+    gallery.save(u"cx-queue"_s, everyLook);
+    drawTabs(gallery, *screens.cx.shell(), u"ctx:cx:okafor"_s, u"cx-context"_s);
+    drawEmpty(gallery);
+    screens.shell.selectHub(u"inbox"_s);
 }
 
 }

@@ -232,7 +232,7 @@ TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
                 isoTime(m_clock.nowMs()) });
     m_db->run(
         "INSERT INTO work_item(id, context_id, module, title, status, updated_at) VALUES('h',?,'ops',?,'open','?');",
-        { may.id, u"a\u202Eb\n\x01" + QString(100'000, 'y') });
+        { may.id, u"a\u202Eb\n\x01"_s + QString(100'000, 'y') });
     m_db->exec("INSERT INTO work_item(id, module, title) VALUES('n','ops','');");
     shell.setShown(true);
     shell.select(may.id);

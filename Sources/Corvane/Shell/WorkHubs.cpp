@@ -1,5 +1,6 @@
 #include "Shell/WorkHubs.h"
 
+#include "AI/AIServices.h"
 #include "Presentation/BodyText.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
