@@ -2,6 +2,7 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/ContactFace.h"
+#include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkWords.h"
@@ -74,7 +75,7 @@ void CXHub::readPlaces()
                 bugs += isTicketKind(item.kind) ? 1 : 0;
             }
             seed.work = factLine({ open > 0 ? u"%1 open"_s.arg(open) : QString(),
-                bugs > 0 ? counted(bugs, u"ticket"_s, u"tickets"_s) : QString() });
+                bugs > 0 ? countWords(bugs, u"ticket"_s, u"tickets"_s) : QString() });
         }
         seed.aloud = QStringList { seed.name, seed.waits, seed.work, seed.snippet }.join(u", "_s);
         seeds.append(seed);
@@ -119,7 +120,7 @@ QString CXHub::queueText() const
     const auto late = std::ranges::count(m_queue.rows(), true, &WaitingSeed::late);
     return m_queue.rows().isEmpty()
         ? QString()
-        : factLine({ counted(int(m_queue.rows().size()), u"person waits"_s, u"people wait"_s),
+        : factLine({ countWords(int(m_queue.rows().size()), u"person waits"_s, u"people wait"_s),
               late > 0 ? u"%1 for more than a day"_s.arg(late) : QString() });
 }
 

@@ -1,5 +1,6 @@
 #include "Work/OpsProjects.h"
 
+#include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkRows.h"
@@ -28,8 +29,8 @@ OpsProjectSeed projectSeed(const OpsProjectRow& row, const DateWords& words)
     seed.liveTabs = row.liveTabs;
     seed.downTabs = row.downTabs;
     seed.openAsks = row.openAsks;
-    seed.aloud = QStringList { seed.name, counted(row.liveTabs, u"live terminal"_s, u"live terminals"_s),
-        u"%1 down"_s.arg(row.downTabs), counted(row.openAsks, u"open question"_s, u"open questions"_s), seed.latest }
+    seed.aloud = QStringList { seed.name, countWords(row.liveTabs, u"live terminal"_s, u"live terminals"_s),
+        u"%1 down"_s.arg(row.downTabs), countWords(row.openAsks, u"open question"_s, u"open questions"_s), seed.latest }
                      .join(u", "_s);
     return seed;
 }

@@ -2,6 +2,7 @@
 
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
+#include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Work/OpsRecords.h"
 
@@ -66,11 +67,6 @@ QString factLine(const QStringList& facts)
     return joined(facts, u" · "_s);
 }
 
-QString counted(int count, const QString& one, const QString& many)
-{
-    return QString::number(count) + u' ' + (count == 1 ? one : many);
-}
-
 QString shownLine(const QString& text)
 {
     return firstCharacters(singleLine(BodyText::shown(text, longestLine).text), longestLine);
@@ -99,7 +95,7 @@ WorkContextSeed contextSeed(const WorkConsoleConfig& config, const WorkContextRo
     seed.waits = waitingDecisions > 0;
     seed.live = context.liveAgents + context.liveSessions > 0;
     seed.aloud = joined({ seed.title, seed.meta,
-        seed.waits ? counted(waitingDecisions, u"decision waits"_s, u"decisions wait"_s) : QString(),
+        seed.waits ? countWords(waitingDecisions, u"decision waits"_s, u"decisions wait"_s) : QString(),
         seed.live ? u"an agent is at work"_s : QString(), seed.subtitle });
     return seed;
 }
@@ -134,7 +130,7 @@ QList<WorkMetricSeed> dashboardMetrics(const WorkConsoleConfig& config, const Wo
     return { metric(config.contextTitle, counts.contexts), metric(u"Open work"_s, counts.openItems),
         metric(u"Agents"_s, counts.agents),
         metric(u"Evidence"_s, counts.evidence,
-            counts.waitingDecisions > 0 ? counted(counts.waitingDecisions, u"approval"_s, u"approvals"_s)
+            counts.waitingDecisions > 0 ? countWords(counts.waitingDecisions, u"approval"_s, u"approvals"_s)
                                         : QString()) };
 }
 

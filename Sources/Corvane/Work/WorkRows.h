@@ -125,6 +125,4 @@ QList<OpsTimelineEvent> opsTimeline(const QList<WorkEvent>& events, const DateWo
 
 QString factLine(const QStringList& facts); ///< those that are not empty, apart by a dot
 
-QString counted(int count, const QString& one, const QString& many); ///< "1 item", "3 items"
-
 }
