@@ -188,6 +188,8 @@ void WorkModuleShell::readSurface()
     const QString surface = this->surface();
     if (surface == "board"_L1)
         m_board.reload();
+    if (!m_place.isEmpty())
+        return; // a place shows none of what follows
     m_decisions.reload();
     m_agents.reload();
     if (surface == "chat"_L1 || surface == "inbox"_L1)

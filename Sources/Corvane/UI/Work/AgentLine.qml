@@ -38,13 +38,13 @@ Rectangle {
                 id: name
                 anchors.left: dot.right
                 anchors.leftMargin: Theme.small
-                width: Math.min(implicitWidth, parent.width - x - state.implicitWidth - Theme.small)
+                width: Math.min(implicitWidth, parent.width - x - condition.implicitWidth - Theme.small)
                 text: line.agent.name
                 font.weight: Theme.strong
                 Accessible.ignored: true
             }
             Label {
-                id: state
+                id: condition
                 anchors.left: name.right
                 anchors.leftMargin: Theme.small
                 anchors.baseline: name.baseline

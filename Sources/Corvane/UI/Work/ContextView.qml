@@ -8,6 +8,8 @@ FocusScope {
     id: view
 
     required property WorkModuleShell shell
+    property workAction noAction
+    property tabItem noTab
 
     Column {
         id: head
@@ -51,7 +53,7 @@ FocusScope {
                         model: view.shell.quickActions.length // an open menu stays while rows change
                         delegate: MenuItem {
                             required property int index
-                            readonly property workAction entry: view.shell.quickActions[index]
+                            readonly property workAction entry: view.shell.quickActions[index] ?? view.noAction
                             icon.name: entry.icon
                             text: entry.title
                             onTriggered: view.shell.create.beginQuickAction(entry.title, entry.subtitle)
@@ -101,7 +103,7 @@ FocusScope {
             model: view.shell.tabs.length // the tabs stay while their counts change
             FilterTab {
                 required property int index
-                readonly property tabItem entry: view.shell.tabs[index]
+                readonly property tabItem entry: view.shell.tabs[index] ?? view.noTab
                 objectName: "work.tab:" + entry.id
                 anchors.verticalCenter: parent.verticalCenter
                 text: entry.label
@@ -132,7 +134,7 @@ FocusScope {
         }
         Loader {
             anchors.fill: parent
-            active: view.visible && view.shell.surface !== "board"
+            active: view.shell.surface !== "board"
             sourceComponent: view.shell.surface === "chat" ? chat : view.shell.surface === "inbox" ? inbox
                 : view.shell.surface === "agents" ? agents : view.shell.surface === "approvals" ? approvals
                 : view.shell.surface === "evidence" ? evidence : timeline

@@ -20,14 +20,14 @@ Card {
         height: title.implicitHeight
         Label {
             id: title
-            width: parent.width - state.implicitWidth - Theme.medium
+            width: parent.width - condition.implicitWidth - Theme.medium
             wrapMode: Text.Wrap
             maximumLineCount: 3
             text: card.decision.title
             font.weight: Theme.strong
         }
         Label {
-            id: state
+            id: condition
             anchors.right: parent.right
             text: card.decision.status
             font.pixelSize: Theme.meta

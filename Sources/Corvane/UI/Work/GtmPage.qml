@@ -8,6 +8,13 @@ WorkPage {
 
     required property GTMHub screen
 
+    function undo() {
+        if (inContext)
+            shell.board.undo();
+        else
+            screen.undo();
+    }
+
     shell: screen.shell
     placeView: Component {
         PipelineView {

@@ -9,6 +9,7 @@ FocusScope {
 
     required property WorkModuleShell shell
     property string tab: "team"
+    property workAction noAction
 
     Row {
         id: tabs
@@ -79,7 +80,7 @@ FocusScope {
                 T.AbstractButton {
                     id: quick
                     required property int index
-                    readonly property workAction entry: view.shell.quickActions[index]
+                    readonly property workAction entry: view.shell.quickActions[index] ?? view.noAction
                     objectName: "quick:" + entry.title
                     width: column.width
                     implicitHeight: 48

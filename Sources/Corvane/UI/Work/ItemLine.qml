@@ -29,21 +29,21 @@ T.AbstractButton {
             id: title
             x: Theme.small
             y: 6
-            width: state.x - x - Theme.medium
+            width: condition.x - x - Theme.medium
             text: line.item.title
             font.weight: Theme.strong
         }
         Label {
             x: Theme.small
             y: 26
-            width: state.x - x - Theme.medium
+            width: condition.x - x - Theme.medium
             text: line.item.owner ? line.item.kind + " · " + line.item.owner + " · " + line.item.updatedAt
                 : line.item.kind + " · " + line.item.updatedAt
             font.pixelSize: Theme.meta
             color: Theme.faint
         }
         Label {
-            id: state
+            id: condition
             anchors.right: parent.right
             anchors.rightMargin: Theme.small
             anchors.verticalCenter: parent.verticalCenter

@@ -42,7 +42,7 @@ T.AbstractButton {
             anchors.left: dot.right
             anchors.leftMargin: Theme.medium
             y: 7
-            width: parent.width - x - state.implicitWidth - Theme.large
+            width: parent.width - x - condition.implicitWidth - Theme.large
             text: line.tab.name
             font.weight: Theme.strong
         }
@@ -55,7 +55,7 @@ T.AbstractButton {
             color: Theme.soft
         }
         Label {
-            id: state
+            id: condition
             anchors.right: parent.right
             anchors.rightMargin: Theme.medium
             anchors.baseline: name.baseline

@@ -21,9 +21,13 @@ Page {
         else if (command === "newWork")
             shell.create.begin("item");
         else if (command === "undo")
-            shell.board.undo();
+            undo();
         else if (command === "back" && shell.item.itemId !== "")
             shell.item.close();
+    }
+
+    function undo() {
+        shell.board.undo();
     }
 
     panes: [rail, desk, aside]
@@ -59,11 +63,12 @@ Page {
             focus: active
             sourceComponent: page.placeView
         }
-        ContextView {
+        Loader {
             anchors.fill: parent
-            visible: page.inContext
-            focus: visible
-            shell: page.shell
+            active: page.inContext
+            visible: active
+            focus: active
+            sourceComponent: ContextView { shell: page.shell }
         }
     }
     FocusScope {
