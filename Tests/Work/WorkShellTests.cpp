@@ -177,6 +177,7 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
     EXPECT_FALSE(shell.board()->lane(0)->rows().first().waits);
     EXPECT_EQ(cell("SELECT COUNT(*) FROM approval_record WHERE kind='decision' AND action='approve';"), "1");
     insertWorkMemory(*m_db, { "ops", may.id, "fact", "Invoices come on Fridays", "agent", "medium", "Ana" });
+    m_clock.advance(Milliseconds(2000));
     shell.refresh();
     shell.decisions()->decideMemory(shell.decisions()->memoryRows().first().id, false);
     shell.setTab(u"timeline"_s);
@@ -208,7 +209,6 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
     agents.openLaunchShell();
     EXPECT_TRUE(shells.first().startsWith("Launch Ops Agent\n# Prepared Corvane work agent\n# Module: ops\n"));
     EXPECT_EQ(agents.rows().first().state, "Ready");
-    updateWorkItemStatus(*m_db, "x", "y");
     m_db->exec("UPDATE work_agent SET status='running';");
     m_clock.advance(Milliseconds(1'200'000));
     agents.reload();

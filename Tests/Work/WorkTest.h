@@ -13,8 +13,6 @@ using namespace Qt::StringLiterals;
 /// The room over a real database, a clock that is moved by hand, and an assistant that a test answers for.
 class WorkTest : public StoreTest {
 protected:
-    WorkTest() { open(); }
-
     WorkContextRow context(const QString& title, const QString& module = u"ops"_s)
     {
         return *upsertWorkContext(*m_db, { module, u"workspace"_s, title.toLower().replace(' ', '-'), title, {}, {} });
@@ -31,9 +29,10 @@ protected:
 
     QStringList messages() { return table("SELECT kind, body FROM work_message ORDER BY rowid;"); }
 
+    LocalDB& db = open();
     FakeLumo lumo;
     QStringList shells;
-    WorkServices services { *m_db, m_clock, lumo.ai, m_centre, [this](const QString& name, const QString& text) {
+    WorkServices services { db, m_clock, lumo.ai, m_centre, [this](const QString& name, const QString& text) {
                                shells.append(name + text);
                            } };
 };

@@ -1,5 +1,7 @@
 #include "Work/WorkAgents.h"
 
+#include "Foundation/Text.h"
+#include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/OpsRecords.h"
@@ -25,9 +27,10 @@ bool saysItWorks(const QString& status)
     return status == "running"_L1 || status == "live"_L1;
 }
 
-/// As one word of the shell, whatever stands in it.
-QString quoted(QString argument)
+/// As one word of the shell, whatever stands in it. A terminal acts on control characters, quoted or not.
+QString quoted(const QString& text)
 {
+    QString argument = singleLine(BodyText::printable(text));
     return u'\'' + argument.replace(u'\'', u"'\"'\"'"_s) + u'\'';
 }
 

@@ -21,10 +21,17 @@ bool holdsAny(const QString& text, const QStringList& words)
     return std::ranges::any_of(words, [&](const QString& word) { return lower.contains(word); });
 }
 
-QString kindOf(const WorkDraft& draft, const QString& usual)
+QString usualKind(WorkCreateFlow flow)
+{
+    if (flow == WorkCreateFlow::Context)
+        return u"workspace"_s;
+    return flow == WorkCreateFlow::Note ? u"note"_s : u"task"_s;
+}
+
+QString kindOf(const WorkDraft& draft)
 {
     const QString kind = draft.kind.trimmed();
-    return kind.isEmpty() ? usual : kind;
+    return kind.isEmpty() ? usualKind(draft.flow) : kind;
 }
 
 QString verdictWord(const QString& status)
@@ -36,7 +43,7 @@ QString verdictWord(const QString& status)
 
 WorkDraft emptyDraft(WorkCreateFlow flow)
 {
-    return { .flow = flow, .kind = flow == WorkCreateFlow::Note ? u"note"_s : u"task"_s };
+    return { .flow = flow, .kind = usualKind(flow) };
 }
 
 WorkDraft quickActionDraft(const QString& title, const QString& subtitle, const QString& contextTitle)
@@ -70,7 +77,7 @@ Result<WorkContextRow> saveContext(LocalDB& db, const WorkPlace& place, const Wo
         return failure(u"Title is required."_s);
     const auto saved = upsertWorkContext(db,
         { .module = place.module,
-            .kind = kindOf(draft, u"workspace"_s),
+            .kind = kindOf(draft),
             .slug = normalizedLocalSlug(title, db.nowMs()),
             .title = title,
             .subtitle = draft.summary.trimmed(),
@@ -87,7 +94,7 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
     const auto saved = insertWorkItem(db,
         { .module = place.module,
             .context = place.contextId(),
-            .kind = kindOf(draft, u"task"_s),
+            .kind = kindOf(draft),
             .title = title,
             .priority = draft.priority.trimmed(),
             .owner = draft.owner.trimmed(),
@@ -120,7 +127,7 @@ Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const W
         { .module = place.module,
             .context = place.contextId(),
             .itemId = std::nullopt,
-            .kind = kindOf(draft, u"note"_s),
+            .kind = kindOf(draft),
             .title = title,
             .source = place.source,
             .uri = QLatin1String(""),

@@ -102,7 +102,10 @@ void WorkItemSheet::compare()
         m_notice = u"Somebody changed it while you were typing."_s;
         return;
     }
-    m_edited.updatedAt = m_theirs->updatedAt;
+    WorkItemRecord merged = *m_theirs;
+    for (const auto& [label, member] : fields)
+        merged.*member = m_edited.*member;
+    m_edited = merged;
     m_seen = *m_theirs;
     m_theirs.reset();
     m_notice = u"Somebody changed other fields meanwhile; what you typed is kept."_s;
