@@ -1,5 +1,4 @@
 import QtQuick
-import QtQml
 import Corvane.Controls
 import Corvane.Work
 
@@ -8,7 +7,6 @@ FocusScope {
     id: view
 
     required property WorkModuleShell shell
-    property workAction noAction
     property tabItem noTab
 
     Column {
@@ -43,33 +41,11 @@ FocusScope {
                 id: actions
                 anchors.right: parent.right
                 spacing: Theme.small
-                MenuButton {
-                    id: begin
+                BeginMenu {
                     objectName: "work.actions"
-                    implicitHeight: Theme.control
-                    kind: "plain"
-                    text: qsTr("Begin")
-                    Instantiator {
-                        model: view.shell.quickActions.length // an open menu stays while rows change
-                        delegate: MenuItem {
-                            required property int index
-                            readonly property workAction entry: view.shell.quickActions[index] ?? view.noAction
-                            icon.name: entry.icon
-                            text: entry.title
-                            onTriggered: view.shell.create.beginQuickAction(entry.title, entry.subtitle)
-                        }
-                        onObjectAdded: (index, item) => begin.list.insertItem(index, item)
-                        onObjectRemoved: (index, item) => begin.list.removeItem(item)
-                    }
-                    MenuSeparator {}
-                    MenuItem { icon.name: "note"; text: qsTr("Note"); onTriggered: view.shell.create.begin("note") }
-                    MenuItem { icon.name: "hub-lumo"; text: qsTr("Ask"); onTriggered: view.shell.create.begin("ask") }
-                    MenuSeparator {}
-                    MenuItem {
-                        icon.name: "download"
-                        text: qsTr("Export as Markdown")
-                        onTriggered: view.shell.exportContext()
-                    }
+                    shell: view.shell
+                    actions: view.shell.quickActions
+                    exportable: true
                 }
                 Button {
                     objectName: "work.newItem"

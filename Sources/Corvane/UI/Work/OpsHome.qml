@@ -20,10 +20,10 @@ FocusScope {
             width: parent.width
             title: qsTr("Home")
             detail: view.hub.activeText
-            Button {
-                objectName: "ops.newAsk"
-                text: qsTr("Ask")
-                onClicked: view.hub.shell.create.begin("ask")
+            BeginMenu {
+                objectName: "ops.actions"
+                shell: view.hub.shell
+                actions: view.hub.shell.topActions
             }
             Button {
                 objectName: "work.newItem"

@@ -20,6 +20,10 @@ FocusScope {
         PlaceHead {
             width: parent.width
             title: qsTr("Pipeline")
+            BeginMenu {
+                shell: view.hub.shell
+                actions: view.hub.shell.topActions
+            }
             Button {
                 objectName: "work.newItem"
                 kind: "primary"

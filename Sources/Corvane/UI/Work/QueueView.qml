@@ -18,6 +18,10 @@ FocusScope {
         width: parent.width - Theme.wide * 2
         title: qsTr("Waiting")
         detail: view.hub.queueText
+        BeginMenu {
+            shell: view.hub.shell
+            actions: view.hub.shell.topActions
+        }
     }
     ListView {
         id: list
