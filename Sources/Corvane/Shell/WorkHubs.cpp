@@ -61,6 +61,8 @@ WorkServices workServices(CorvaneApp& app, Screens& screens)
             LumoTerminalSession& session = screens.terminals.createLocalSession(
                 u"work"_s, shellThatShows(text, app.paths().home, app.userUmask()));
             screens.terminals.rename(session.id(), name);
+        },
+        [&screens] {
             screens.shell.selectHub(u"dev"_s);
         } };
 }

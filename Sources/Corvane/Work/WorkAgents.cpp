@@ -187,6 +187,7 @@ void WorkAgents::launch(const QString& agentName)
     m_launched = plan.name;
     m_command = workAgentLaunchCommand(m_config.module, *m_context, plan);
     m_banner = launchBanner(m_config, *m_context, plan.name, m_command);
+    m_at.openShell(u"Launch "_s + shownLine(m_launched), m_banner);
     postStatus(m_at.db, place,
         u"Prepared %1 for %2. Opened a launch shell with the server-agent command."_s.arg(plan.name, m_context->title),
         u"message"_s);
@@ -195,18 +196,17 @@ void WorkAgents::launch(const QString& agentName)
     Q_EMIT wrote();
 }
 
-void WorkAgents::openLaunchShell()
+void WorkAgents::showLaunchShell()
 {
-    if (!m_banner.isEmpty() && m_at.openShell)
-        m_at.openShell(u"Launch "_s + shownLine(m_launched), m_banner);
+    m_at.showShells();
 }
 
 void WorkAgents::createLocalShell()
 {
-    if (m_at.openShell)
-        m_at.openShell(m_config.module,
-            u"\n# %1 context: %2\n# Risky actions require approval.\n\n"_s.arg(
-                m_config.module, m_context ? shownLine(m_context->title) : QString()));
+    m_at.openShell(m_config.module,
+        u"\n# %1 context: %2\n# Risky actions require approval.\n\n"_s.arg(
+            m_config.module, m_context ? shownLine(m_context->title) : QString()));
+    m_at.showShells();
 }
 
 void WorkAgents::dismissLaunch()

@@ -90,9 +90,9 @@ public:
     QString emptyText() const;
     QList<Choice> safety() const;
 
-    /// Notes session and agent, and prepares the command. Empty: the usual agent of the module.
+    /// Notes session and agent, and opens a terminal that shows the command. Empty: the usual agent of the module.
     Q_INVOKABLE void launch(const QString& agentName = {});
-    Q_INVOKABLE void openLaunchShell(); ///< shows the banner in a terminal
+    Q_INVOKABLE void showLaunchShell();
     Q_INVOKABLE void createLocalShell(); ///< a terminal that names the context
     Q_INVOKABLE void dismissLaunch();
 

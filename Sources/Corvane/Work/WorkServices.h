@@ -16,8 +16,9 @@ struct WorkServices {
     Scheduler& scheduler;
     LumoAI& ai;
     NotificationCentre& notifications;
-    /// A terminal in front, under that name, which shows the text and runs nothing.
+    /// A terminal of that name, which shows the text and runs nothing of it.
     std::function<void(const QString& name, const QString& text)> openShell;
+    std::function<void()> showShells; ///< brings the terminals to the front
 };
 
 }

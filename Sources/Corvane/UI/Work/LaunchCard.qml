@@ -27,9 +27,9 @@ Card {
             onClicked: WindowTools.copy(card.agents.command)
         }
         Button {
-            objectName: "agents.openShell"
-            text: qsTr("Open in a terminal")
-            onClicked: card.agents.openLaunchShell()
+            objectName: "agents.showShell"
+            text: qsTr("Show the terminal")
+            onClicked: card.agents.showLaunchShell()
         }
         Button {
             kind: "quiet"
