@@ -96,7 +96,7 @@ private:
     const std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
     const std::unique_ptr<SystemLanguageModel> m_model = makeLanguageModel(m_clock);
     AIServices m_ai { *m_model, *m_machine, *m_tools, {}, m_clock };
-    OpsHub m_hub { { m_db, m_clock, m_ai.ai, m_centre, {} } };
+    OpsHub m_hub { { m_db, m_clock, m_ai.ai, m_centre, {}, {} } };
     sqlite3* m_bare = nullptr;
 };
 

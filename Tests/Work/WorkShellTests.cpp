@@ -206,7 +206,6 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
         "work unit for O'\"'\"'Brien'\"'\"'s invoices, attach evidence, post Terminal Chat update, then stop or ask.'");
     EXPECT_EQ(messages().last(),
         "message|Prepared Ops Agent for O'Brien's invoices. Opened a launch shell with the server-agent command.");
-    agents.openLaunchShell();
     EXPECT_TRUE(shells.first().startsWith("Launch Ops Agent\n# Prepared Corvane work agent\n# Module: ops\n"));
     EXPECT_EQ(agents.rows().first().state, "Ready");
     m_db->exec("UPDATE work_agent SET status='running';");

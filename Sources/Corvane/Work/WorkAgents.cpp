@@ -75,8 +75,8 @@ WorkAgentSeed agentSeed(const WorkAgentRecord& agent, const QList<WorkSessionRec
     const auto session = std::ranges::find_if(sessions, [&](const WorkSessionRecord& each) {
         return each.owner == agent.name && each.module == agent.module && each.contextId == agent.contextId;
     });
-    if (session != sessions.end())
-        seed.session = shownLine(session->purpose);
+    if (session != sessions.end() && session->purpose != agent.currentTask)
+        seed.session = u"Session: "_s + shownLine(session->purpose);
     seed.lastWords = shownLine(lastWords);
     seed.place = shownLine(agent.module);
     seed.aloud = QStringList { seed.name, seed.state, seed.heartbeat, seed.task }.join(u", "_s);

@@ -66,6 +66,16 @@ Rectangle {
             visible: text !== ""
             wrapMode: Text.Wrap
             maximumLineCount: 2
+            text: line.agent.session
+            font.pixelSize: Theme.meta
+            color: Theme.faint
+            Accessible.ignored: true
+        }
+        Label {
+            width: parent.width
+            visible: text !== ""
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
             text: line.agent.task
             Accessible.ignored: true
         }
