@@ -32,9 +32,10 @@ protected:
     LocalDB& db = open();
     FakeLumo lumo;
     QStringList shells;
-    WorkServices services { db, m_clock, lumo.ai, m_centre, [this](const QString& name, const QString& text) {
-                               shells.append(name + text);
-                           } };
+    WorkServices services { db, m_clock, lumo.ai, m_centre,
+        [this](const QString& name, const QString& text) { shells.append(name + text); },
+        [] {
+        } };
 };
 
 }
