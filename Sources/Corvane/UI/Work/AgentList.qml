@@ -55,7 +55,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.agents.agents
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Agents")
@@ -64,6 +64,7 @@ FocusScope {
             width: ListView.view.width
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: list
         width: Math.min(380, parent.width)

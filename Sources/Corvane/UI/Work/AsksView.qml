@@ -48,7 +48,7 @@ FocusScope {
         spacing: Theme.small
         bottomMargin: Theme.large
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.asks.asks
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Asks")
@@ -59,6 +59,7 @@ FocusScope {
             onAnswerPressed: view.asks.beginAnswer(ask.id)
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: list
         width: Math.min(380, parent.width)

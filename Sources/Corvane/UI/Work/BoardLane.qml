@@ -106,7 +106,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.lane.items
         Accessible.role: Accessible.List
         Accessible.name: view.lane.title

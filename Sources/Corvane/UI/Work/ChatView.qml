@@ -86,7 +86,7 @@ FocusScope {
         clip: true
         spacing: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.chat.lines
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Terminal Chat")
@@ -114,6 +114,7 @@ FocusScope {
             onSourceOpened: source => view.sourceOpened(source)
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: list
         width: Math.min(360, parent.width)

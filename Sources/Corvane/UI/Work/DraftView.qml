@@ -25,7 +25,7 @@ FocusScope {
         clip: true
         spacing: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.shell.chat.lines
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Inbox")
@@ -36,6 +36,7 @@ FocusScope {
             onSourceOpened: source => view.shell.openSource(source)
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: list
         width: Math.min(400, parent.width)

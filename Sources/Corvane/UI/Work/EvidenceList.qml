@@ -23,7 +23,7 @@ FocusScope {
         topMargin: Theme.medium
         bottomMargin: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Evidence")
         T.ScrollBar.vertical: ScrollBar {}
@@ -31,6 +31,7 @@ FocusScope {
             width: Math.min(ListView.view.width, 760)
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: parent
         width: Math.min(380, parent.width)

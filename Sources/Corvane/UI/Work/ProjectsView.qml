@@ -19,7 +19,7 @@ FocusScope {
         topMargin: Theme.medium
         bottomMargin: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.projects.projects
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Projects")

@@ -34,7 +34,7 @@ FocusScope {
         focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         keyNavigationEnabled: false
         model: view.hub.queue
         Accessible.role: Accessible.List
@@ -129,7 +129,7 @@ FocusScope {
             clip: true
             spacing: Theme.tight
             boundsBehavior: Flickable.StopAtBounds
-            activeFocusOnTab: true
+            activeFocusOnTab: count > 0
             model: view.hub.thread
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Messages")
@@ -175,6 +175,7 @@ FocusScope {
                 }
             }
         }
+        FocusRing { control: thread; anchors.fill: thread; anchors.margins: 2 }
         Column {
             id: work
             anchors.bottom: parent.bottom

@@ -69,7 +69,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         model: view.stage.deals
         Accessible.role: Accessible.List
         Accessible.name: view.stage.title

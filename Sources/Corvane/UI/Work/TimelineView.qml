@@ -20,7 +20,7 @@ FocusScope {
         topMargin: Theme.medium
         bottomMargin: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Timeline")
         T.ScrollBar.vertical: ScrollBar {}
@@ -36,6 +36,7 @@ FocusScope {
             width: Math.min(ListView.view.width, 760)
         }
     }
+    FocusRing { control: list; anchors.fill: list; anchors.margins: 2 }
     EmptyState {
         anchors.centerIn: parent
         width: Math.min(360, parent.width)

@@ -88,7 +88,7 @@ FocusScope {
         focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: true
+        activeFocusOnTab: count > 0
         keyNavigationEnabled: false
         model: rail.shell.contexts
         Accessible.role: Accessible.List
