@@ -175,7 +175,7 @@ void WorkModuleShell::setContext(const WorkContext& context)
     m_decisions.setScope(m_config.module, m_context);
     m_agents.setScope(m_context);
     m_item.setLanes(lanesOf(m_config, m_context));
-    if (another || otherWords)
+    if (another || otherWords || m_board.laneCount() == 0)
         m_board.setScope(scopeOf(m_config.module, m_context, m_tab), lanesOf(m_config, m_context));
 }
 
@@ -232,6 +232,7 @@ void WorkModuleShell::setPlace(const QString& place)
     if (m_place == place || std::ranges::find(m_places, place, &TabItem::id) == m_places.end())
         return;
     m_place = place;
+    m_tab = contextDefaultTab(m_config, {});
     m_item.close();
     setContext({});
     refresh();
