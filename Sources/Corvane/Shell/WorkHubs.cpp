@@ -69,7 +69,7 @@ WorkServices workServices(CorvaneApp& app, Screens& screens)
 
 QList<Command> workCommands()
 {
-    const CommandPlace place { u"In a workspace"_s, 1 };
+    const CommandPlace place { u"In a workspace"_s, 2 };
     return {
         { u"newWork"_s, u"New work item"_s, u"Ctrl+Shift+N"_s, { u"Ctrl+Shift+N"_s }, place },
         { u"openWork"_s, u"Open an item"_s, u"Return"_s, {}, place },
