@@ -30,7 +30,8 @@ void drawOps(Gallery& gallery)
     OpsHub& ops = gallery.screens().ops;
     WorkModuleShell& shell = *ops.shell();
     gallery.screens().shell.selectHub(u"ops"_s);
-    for (const TabItem& place : shell.places()) {
+    const QList<TabItem> places = shell.places(); // their counts change while they are walked
+    for (const TabItem& place : places) {
         shell.setPlace(place.id);
         gallery.wait(pause);
         gallery.save(u"ops-"_s + place.id, everyLook);
@@ -110,7 +111,8 @@ void drawHubs(Gallery& gallery)
     Screens& screens = gallery.screens();
     drawOps(gallery);
     screens.shell.selectHub(u"lumo"_s);
-    for (const TabItem& place : screens.lumo.shell()->places()) {
+    const QList<TabItem> places = screens.lumo.shell()->places();
+    for (const TabItem& place : places) {
         screens.lumo.shell()->setPlace(place.id);
         gallery.wait(pause);
         gallery.save(u"lumo-"_s + place.id, everyLook);
