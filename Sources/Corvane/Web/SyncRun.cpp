@@ -30,6 +30,8 @@ QString encoded(const QString& id)
 SyncClient::Run::Run(SyncClient& of)
     : token(of.m_session.token().value_or(QString()))
     , client(&of)
+    , base(webBase(of.m_defaults))
+    , ingest(of.ingestBase())
     , workspaceId(activeWorkspaceId(of.m_db))
     , batching(of.m_defaults.boolean(u"nimb.batchIngest"_s).value_or(false) ? Batching::AllInOne : Batching::EachAlone)
     , reader(std::make_shared<CloudReader>(of.m_db.path()))
@@ -238,9 +240,9 @@ QCoro::Task<bool> SyncClient::Run::pushMessages(Pointer run, QString chatId, Mes
 
 QCoro::Task<std::optional<HttpReply>> SyncClient::Run::post(Pointer run, Endpoint endpoint, QByteArray body)
 {
-    const QString path = run->client->ingestBase() + endpoint.path;
+    const QString path = run->ingest + endpoint.path;
     const QJsonObject where { { u"lastEndpoint"_s, path } };
-    const QUrl url = webUrl(webBase(run->client->m_defaults), path);
+    const QUrl url = webUrl(run->base, path);
     if (!url.isValid()) {
         run->comesTo({ Status::Kind::Error, u"Bad URL "_s + path }, u"error"_s, u"Bad URL "_s + path, where);
         co_return std::nullopt;
@@ -266,7 +268,7 @@ void SyncClient::Run::failWithStatus(const Endpoint& endpoint, int status)
         = waits ? endpoint.waiting.arg(status) : u"%1 -> HTTP %2"_s.arg(endpoint.name, QString::number(status));
     comesTo({ waits ? Status::Kind::WaitingForWeb : Status::Kind::Error, words },
         waits ? u"waiting_for_web"_s : u"error"_s, words,
-        { { u"lastEndpoint"_s, client->ingestBase() + endpoint.path }, { u"httpStatus"_s, status } });
+        { { u"lastEndpoint"_s, ingest + endpoint.path }, { u"httpStatus"_s, status } });
 }
 
 template <typename Value>

@@ -60,8 +60,10 @@ private:
     static QCoro::Task<std::optional<Value>> read(Pointer run, std::function<Value(SqlConnection&)> query);
 
     SyncClient* client; ///< until the run is `Gone`
-    QString workspaceId;
-    Batching batching;
+    const QString base; ///< of the service that a person agreed to
+    const QString ingest;
+    const QString workspaceId;
+    const Batching batching;
     CancelHandle cancel;
     Ended ended = Ended::No;
     Outcome outcome;
