@@ -107,7 +107,7 @@ void drawWeb(Gallery& gallery)
     gallery.press(Qt::Key_Escape);
     QMetaObject::invokeMethod(gallery.item(u"topnav.profile"_s), "clicked");
     gallery.wait(pause);
-    for (const int key : { Qt::Key_Down, Qt::Key_Down, Qt::Key_Right })
+    for (const int key : { Qt::Key_Down, Qt::Key_Right })
         gallery.press(key);
     gallery.save(u"profile-workspaces"_s, { Look::Light, Look::Dark });
     gallery.press(Qt::Key_Escape);

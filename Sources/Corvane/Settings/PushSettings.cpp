@@ -67,8 +67,9 @@ QString PushSettings::dueText() const
     qint64 messages = 0;
     for (const DueThread& due : review.threads)
         messages += due.messages;
-    return messagesOf(messages, u" in "_s, review.threads.size() + review.waitingThreads)
-        + u" are not on the web yet."_s;
+    const QString least = review.waitingThreads > 0 ? u"At least "_s : QString();
+    return least + messagesOf(messages, u" in "_s, review.threads.size() + review.waitingThreads)
+        + (messages == 1 ? u" is not on the web yet."_s : u" are not on the web yet."_s);
 }
 
 bool PushSettings::running() const

@@ -7,8 +7,11 @@
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QMap>
 #include <QSet>
+#include <QStandardPaths>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -46,7 +49,7 @@ PushSheet::PushSheet(const Surroundings& surroundings, QObject* parent)
     });
     connect(&m_at.client, &SyncClient::dryRunWritten, this, [this](const QString& path, const QString& error) {
         m_dryRunFailed = !error.isEmpty();
-        m_dryRunText = m_dryRunFailed ? u"The file could not be written: "_s + error : u"Written to "_s + path;
+        m_dryRunText = m_dryRunFailed ? u"The file could not be written: "_s + error : u"Saved to "_s + path;
         Q_EMIT changed();
     });
 }
@@ -90,9 +93,18 @@ QString PushSheet::summaryText() const
 
 QString PushSheet::moreText() const
 {
-    const qint64 more = m_at.client.review() ? m_at.client.review()->waitingThreads : 0;
-    return more > 0 ? countWords(more, u"more chat waits"_s, u"more chats wait"_s) + u" for the next push."_s
-                    : QString();
+    if (!m_at.client.review())
+        return {};
+    QStringList words;
+    qint64 leftOut = 0;
+    for (const DueThread& due : m_at.client.review()->threads)
+        leftOut += std::max<qint64>(0, due.messages - SyncClient::mostMessages);
+    if (leftOut > 0)
+        words.append(countWords(leftOut, u"message"_s, u"messages"_s)
+            + u" of long chats are left out; they can be pushed afterwards."_s);
+    if (const qint64 more = m_at.client.review()->waitingThreads; more > 0)
+        words.append(countWords(more, u"more chat waits"_s, u"more chats wait"_s) + u" for the next push."_s);
+    return words.join(u' ');
 }
 
 bool PushSheet::canPush() const
@@ -159,10 +171,15 @@ void PushSheet::keepAccount(const QString& slug, bool kept)
     m_at.client.lookUp();
 }
 
-void PushSheet::writeDryRun(const QUrl& file)
+void PushSheet::writeDryRun()
 {
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    folder.mkpath(u"."_s);
+    QString path = folder.filePath(u"What a push would send.txt"_s);
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = folder.filePath(u"What a push would send %1.txt"_s.arg(number));
     m_dryRunText.clear();
-    m_at.client.writeDryRun(file.toLocalFile());
+    m_at.client.writeDryRun(path);
 }
 
 /// What was kept in this sheet stays in its place, so that it can be taken back.

@@ -3,8 +3,6 @@
 #include "Presentation/RowListModel.h"
 #include "Store/Sync/CloudPush.h"
 
-#include <QUrl>
-
 namespace corvane {
 
 class AccountStore;
@@ -111,7 +109,7 @@ public:
     /// Kept, and pushed again, by turns.
     Q_INVOKABLE void keepChat(const QString& conversationId, bool kept);
     Q_INVOKABLE void keepAccount(const QString& slug, bool kept);
-    Q_INVOKABLE void writeDryRun(const QUrl& file);
+    Q_INVOKABLE void writeDryRun(); ///< into the folder of downloads
 
 Q_SIGNALS:
     void changed();

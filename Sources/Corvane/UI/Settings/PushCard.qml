@@ -16,13 +16,6 @@ Card {
         label: card.push.dueText
         Row {
             spacing: Theme.small
-            Label {
-                objectName: "push.state"
-                anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, 260)
-                text: card.push.stateText
-                color: card.stateColour
-            }
             Button {
                 objectName: "push.review"
                 visible: card.push.canReview
@@ -38,6 +31,14 @@ Card {
                 onClicked: card.push.push()
             }
         }
+    }
+    Label {
+        objectName: "push.state"
+        width: parent.width
+        visible: !card.push.running
+        wrapMode: Text.Wrap
+        text: card.push.stateText
+        color: card.stateColour
     }
     Column {
         width: parent.width

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Dialogs
 import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Settings
@@ -159,6 +158,7 @@ Sheet {
     Label {
         width: parent.width
         visible: text !== ""
+        wrapMode: Text.Wrap
         text: sheet.review.moreText
         font.pixelSize: Theme.meta
         color: Theme.faint
@@ -180,9 +180,9 @@ Sheet {
             kind: "quiet"
             visible: sheet.review.state === "filled"
             enabled: !sheet.review.writing
-            text: sheet.review.writing ? qsTr("Writing…") : qsTr("Save as a file…")
+            text: sheet.review.writing ? qsTr("Saving…") : qsTr("Save as a file")
             hint: qsTr("Every request as it would be sent, to read")
-            onClicked: chooser.open()
+            onClicked: sheet.review.writeDryRun()
         },
         Button {
             objectName: "pushSheet.cancel"
@@ -198,12 +198,4 @@ Sheet {
             onClicked: sheet.review.push()
         }
     ]
-    FileDialog {
-        id: chooser
-        title: qsTr("Where to write what would be sent")
-        fileMode: FileDialog.SaveFile
-        defaultSuffix: "txt"
-        nameFilters: [qsTr("Text files (*.txt)"), qsTr("All files (*)")]
-        onAccepted: sheet.review.writeDryRun(selectedFile)
-    }
 }
