@@ -192,8 +192,8 @@ void pushBare(benchmark::State& state)
     state.counters["messages/s"] = benchmark::Counter(allMessages, benchmark::Counter::kIsIterationInvariantRate);
 }
 
-BENCHMARK(push)->Name("push 100,000 messages/corvane")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
-BENCHMARK(pushBare)->Name("push 100,000 messages/bare")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
+BENCHMARK(push)->Name("push 100,000 messages/corvane")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+BENCHMARK(pushBare)->Name("push 100,000 messages/bare")->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
 
 }
 
