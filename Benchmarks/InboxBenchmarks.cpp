@@ -8,7 +8,7 @@
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
 #include "Foundation/UserDefaults.h"
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
@@ -51,10 +51,10 @@ public:
         m_message.conversationExternalId = busiest.section(u':', 2);
         m_message.conversationTitle = QStringLiteral("The busiest person");
         m_message.body = QStringLiteral("See you tomorrow");
-        m_inbox.setOnScreen(false);
+        m_inbox.person()->setOnScreen(false);
         m_inbox.appear();
         receive();
-        m_inbox.select(contactId());
+        m_inbox.person()->select(contactId());
     }
 
     void receive()
@@ -130,7 +130,7 @@ void reloadOfTheOpenInbox(benchmark::State& state)
         state.PauseTiming();
         bench().receive();
         state.ResumeTiming();
-        bench().inbox().reload();
+        bench().inbox().list()->reload();
     }
 }
 
@@ -154,10 +154,10 @@ void arrowKey(benchmark::State& state)
 {
     int delta = 1;
     for (auto _ : state) {
-        bench().inbox().moveSelection(delta);
+        bench().inbox().person()->moveSelection(delta);
         delta = -delta;
     }
-    bench().inbox().select(bench().contactId()); // for whatever runs next
+    bench().inbox().person()->select(bench().contactId()); // for whatever runs next
 }
 
 BENCHMARK(reloadOfTheOpenInbox)->Name("reload on one message/corvane")->Unit(benchmark::kMillisecond);

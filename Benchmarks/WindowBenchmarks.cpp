@@ -45,7 +45,7 @@ public:
 
     void open(const QString& contact)
     {
-        m_program.screens.inbox.select(contact);
+        m_program.screens.inbox.person()->select(contact);
         paint();
     }
 
@@ -95,7 +95,7 @@ public:
         loop.exec();
     }
 
-    int rows() { return m_program.screens.inbox.thread()->rows()->rowCount(); }
+    int rows() { return m_program.screens.inbox.person()->thread()->rows()->rowCount(); }
 
 private:
     void paint()

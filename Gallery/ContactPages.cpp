@@ -21,16 +21,16 @@ void scrollTo(Gallery& gallery, bool toTheFoot)
 void drawContact(Gallery& gallery)
 {
     InboxView& inbox = gallery.screens().inbox;
-    inbox.select(u"ct:WHATSAPP:351900000190@s.whatsapp.net"_s);
+    inbox.person()->select(u"ct:WHATSAPP:351900000190@s.whatsapp.net"_s);
     gallery.wait(Milliseconds(800)); // who may be the same person comes after a pause
     gallery.save(u"contact-pane"_s, { Look::Light, Look::Dark });
     scrollTo(gallery, true);
     gallery.save(u"contact-pane-below"_s, { Look::Light, Look::Dark });
     scrollTo(gallery, false);
-    const QAbstractItemModel* suggestions = inbox.crm()->suggestions();
-    inbox.crm()->mergeWith(suggestions->index(0, 0).data(suggestions->roleNames().key("id")).toString());
+    const QAbstractItemModel* suggestions = inbox.person()->crm()->suggestions();
+    inbox.person()->crm()->mergeWith(suggestions->index(0, 0).data(suggestions->roleNames().key("id")).toString());
     gallery.save(u"contact-merged"_s, { Look::Light });
-    inbox.undo();
+    inbox.actions()->undo();
     if (QQuickItem* add = gallery.item(u"contact.addDeal"_s))
         QMetaObject::invokeMethod(add, "clicked");
     if (QQuickItem* name = gallery.item(u"addDeal.name"_s))

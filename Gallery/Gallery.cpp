@@ -128,7 +128,7 @@ QString Gallery::contactNamed(const QString& name)
 
 void Gallery::openThread(const QString& contactName)
 {
-    m_screens.inbox.select(contactNamed(contactName));
+    m_screens.inbox.person()->select(contactNamed(contactName));
     wait(Milliseconds(400));
 }
 

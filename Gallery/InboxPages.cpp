@@ -22,7 +22,7 @@ namespace {
 void queueReply(Gallery& gallery, const QString& text)
 {
     LocalDB& db = gallery.db();
-    const Composer& composer = *gallery.screens().inbox.composer();
+    const Composer& composer = *gallery.screens().inbox.person()->composer();
     if (const auto target = replyTarget(db, composer.contactId(), composer.replyPlatform()))
         queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
     gallery.app().delivery().refresh();
@@ -33,7 +33,7 @@ void queueReply(Gallery& gallery, const QString& text)
 
 void searchFor(Gallery& gallery, const QString& words)
 {
-    gallery.screens().inbox.setSearch(words);
+    gallery.screens().inbox.filters()->setSearch(words);
     gallery.wait(Milliseconds(500));
 }
 
@@ -41,7 +41,7 @@ void searchFor(Gallery& gallery, const QString& words)
 /// which is one of mails.
 void drawFiles(Gallery& gallery)
 {
-    Composer& composer = *gallery.screens().inbox.composer();
+    Composer& composer = *gallery.screens().inbox.person()->composer();
     const auto target = replyTarget(gallery.db(), composer.contactId(), composer.replyPlatform());
     const auto account = target ? gallery.app().store().findBySlug(target->account) : std::nullopt;
     if (!account)
@@ -102,11 +102,11 @@ void drawInbox(Gallery& gallery)
     drawFiles(gallery);
     gallery.openThread(u"Megan Price"_s);
     queueReply(gallery, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
-    inbox.composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
+    inbox.person()->composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
     gallery.save(u"inbox-draft"_s, { Look::Light, Look::Dark });
     (void)rejectDraft(gallery.db(), gallery.screens().drafts.confirmDraft());
     gallery.app().delivery().refresh();
-    inbox.composer()->setText({});
+    inbox.person()->composer()->setText({});
     inbox.composeSheet()->open();
     gallery.save(u"inbox-new-message"_s, { Look::Light, Look::Dark });
     inbox.composeSheet()->close();
@@ -123,36 +123,36 @@ void drawInbox(Gallery& gallery)
     gallery.save(u"inbox-nothing-found"_s, { Look::Dark });
     searchFor(gallery, {});
 
-    inbox.setViewModeWord(u"messages"_s);
+    inbox.filters()->setViewModeWord(u"messages"_s);
     gallery.save(u"inbox-by-day"_s, { Look::Light });
-    inbox.setViewModeWord(u"contacts"_s);
+    inbox.filters()->setViewModeWord(u"contacts"_s);
 
-    inbox.setChannelFilter(u"EMAIL"_s);
+    inbox.filters()->setChannelFilter(u"EMAIL"_s);
     gallery.save(u"inbox-filtered"_s, { Look::Light });
-    inbox.setChannelFilter(u"DISCORD"_s);
+    inbox.filters()->setChannelFilter(u"DISCORD"_s);
     gallery.save(u"inbox-nothing-filtered"_s, { Look::Light });
-    inbox.setChannelFilter({});
+    inbox.filters()->setChannelFilter({});
 
     gallery.db().run(u"INSERT INTO sync_health (source, status, updated_at) VALUES ('inbox','error',0);"_s);
     gallery.clock().move(std::chrono::hours(3));
-    inbox.reload();
+    inbox.list()->reload();
     gallery.save(u"inbox-stale"_s, { Look::Light, Look::Dark });
     gallery.clock().move(-std::chrono::hours(3));
     gallery.db().run(u"DELETE FROM sync_health;"_s);
-    inbox.reload();
+    inbox.list()->reload();
 
     for (int row : { 1, 3, 4 }) {
-        const QAbstractItemModel* contacts = inbox.contacts();
-        inbox.bulk()->toggle(contacts->index(row, 0).data(contacts->roleNames().key("id")).toString());
+        const QAbstractItemModel* contacts = inbox.list()->contacts();
+        inbox.actions()->bulk()->toggle(contacts->index(row, 0).data(contacts->roleNames().key("id")).toString());
     }
     gallery.save(u"inbox-picked"_s, { Look::Light });
-    inbox.archiveChecked();
+    inbox.actions()->archiveChecked();
     gallery.save(u"inbox-undo"_s, { Look::Dark });
-    inbox.setFilterWord(u"archived"_s);
-    inbox.bulk()->all();
+    inbox.filters()->setFilterWord(u"archived"_s);
+    inbox.actions()->bulk()->all();
     gallery.save(u"inbox-archived"_s, { Look::Light });
-    inbox.setFilterWord(u"all"_s);
-    inbox.undo();
+    inbox.filters()->setFilterWord(u"all"_s);
+    inbox.actions()->undo();
     if (QQuickItem* list = gallery.item(u"inbox.list"_s)) {
         list->forceActiveFocus();
         gallery.press(Qt::Key_Menu);

@@ -11,7 +11,7 @@ protected:
     AssistantTest()
     {
         receive(ana, "Can you do Thursday at 15:00?");
-        inbox.select(ana);
+        inbox.person()->select(ana);
         model.setAvailable();
     }
 
@@ -32,8 +32,8 @@ protected:
     }
 
     FakeLanguageModel& model = lumo.model;
-    DraftAssistant& draft = *inbox.assistant();
-    Composer& composer = *inbox.composer();
+    DraftAssistant& draft = *inbox.person()->assistant();
+    Composer& composer = *inbox.person()->composer();
 };
 
 }
@@ -113,10 +113,10 @@ TEST_F(AssistantTest, whatIsCancelledOrAboutAnotherPersonIsNeverShown)
     const auto second = model.willAnswerLater();
     const auto third = model.willAnswerLater();
     draft.draftReply();
-    inbox.summary()->summarize();
-    inbox.select(ben);
+    inbox.person()->summary()->summarize();
+    inbox.person()->select(ben);
     EXPECT_TRUE(second.hasArrived() && third.hasArrived());
-    EXPECT_EQ(draft.stateWord() + inbox.summary()->stateWord(), "idleidle");
+    EXPECT_EQ(draft.stateWord() + inbox.person()->summary()->stateWord(), "idleidle");
 }
 
 TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
@@ -133,16 +133,16 @@ TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
             "missingModel|No model and no Codex CLI|Start a model on this computer or install Codex CLI. "
             "Current backend: none");
     }
-    inbox.summary()->summarize();
-    EXPECT_EQ(inbox.summary()->detail(), "Start a model on this computer or install Codex CLI.");
-    EXPECT_EQ(inbox.askLumo()->actionLabel(), "no AI backend");
-    EXPECT_EQ(inbox.askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
-    EXPECT_FALSE(inbox.askLumo()->canAsk());
+    inbox.person()->summary()->summarize();
+    EXPECT_EQ(inbox.person()->summary()->detail(), "Start a model on this computer or install Codex CLI.");
+    EXPECT_EQ(inbox.person()->askLumo()->actionLabel(), "no AI backend");
+    EXPECT_EQ(inbox.person()->askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
+    EXPECT_FALSE(inbox.person()->askLumo()->canAsk());
 }
 
 TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 {
-    ThreadSummary& summary = *inbox.summary();
+    ThreadSummary& summary = *inbox.person()->summary();
     model.willAnswer(QStringLiteral("- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"));
     summary.summarize();
     EXPECT_EQ(summary.html(),
@@ -161,7 +161,7 @@ TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 
 TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
 {
-    AskLumo& ask = *inbox.askLumo();
+    AskLumo& ask = *inbox.person()->askLumo();
     EXPECT_EQ(ask.heading(), "Ask Lumo about Ana Ruiz");
     ask.ask("  \n");
     EXPECT_EQ(ask.stateWord(), "idle");
@@ -172,7 +172,7 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_TRUE(prompt.startsWith("Contact: Ana Ruiz\nNotes:\n(none)\n\nRecent thread:\n[M1] IN WHATSAPP "));
     EXPECT_TRUE(prompt.endsWith(": Can you do Thursday at 15:00?\n\nQuestion: When?"));
     model.willFail("The model server closed the connection.");
-    inbox.crm()->addNote("likes\ntea");
+    inbox.person()->crm()->addNote("likes\ntea");
     engines.db().exec("UPDATE unified_message SET body='';");
     ask.ask("And?");
     EXPECT_EQ(

@@ -15,7 +15,7 @@ protected:
     CRMPaneTest()
     {
         receiveFromAnaAndBen();
-        inbox.select(ana);
+        inbox.person()->select(ana);
     }
 
     QStringList texts(QAbstractItemModel* model) const { return column(model, "text"); }
@@ -25,9 +25,9 @@ protected:
     void meetNamesake()
     {
         storeMessage(engines.db(), "TELEGRAM", "bot", telegram());
-        inbox.reload();
-        inbox.select({});
-        inbox.select(ana);
+        inbox.list()->reload();
+        inbox.person()->select({});
+        inbox.person()->select(ana);
         clock.advance(Milliseconds(600));
     }
 
@@ -43,7 +43,7 @@ protected:
     }
 
     const QString namesake = "ct:TELEGRAM:77";
-    CRMPane& pane = *inbox.crm();
+    CRMPane& pane = *inbox.person()->crm();
     QAbstractItemModelTester notesTester { pane.notes() };
     QAbstractItemModelTester activityTester { pane.activity() };
     QAbstractItemModelTester suggestionTester { pane.suggestions() };
@@ -70,10 +70,10 @@ TEST_F(CRMPaneTest, theSectionsShowWhatIsKnownOfWhoeverIsOpen)
     EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "WhatsApp" }));
     EXPECT_EQ(cell("SELECT company || COALESCE(close_date,'-') FROM crm_deal;"), "-");
 
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(pane.contactName(), "Ben");
     EXPECT_EQ(pane.notes()->rowCount() + pane.tasks()->rowCount() + pane.deals()->rowCount(), 0);
-    inbox.select({});
+    inbox.person()->select({});
     EXPECT_EQ(pane.contactId(), "");
     EXPECT_EQ(pane.info()->rowCount() + pane.activity()->rowCount(), 0);
     EXPECT_FALSE(pane.addNote("to nobody"));
@@ -102,9 +102,9 @@ TEST_F(CRMPaneTest, whatIsTypedStaysWithItsPersonUntilItIsAdded)
 {
     pane.setNoteText("about Ana");
     pane.setTaskText("for Ana");
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(pane.noteText() + pane.taskText(), "");
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_TRUE(pane.addNote(pane.noteText()));
     EXPECT_EQ(pane.noteText(), "");
     EXPECT_EQ(pane.taskText(), "for Ana");
@@ -127,8 +127,8 @@ TEST_F(CRMPaneTest, aLongStoryShowsItsNewestPartFirst)
     pane.showOlderNotes();
     EXPECT_EQ(pane.notes()->rowCount(), 40);
     EXPECT_FALSE(pane.olderNotes());
-    inbox.select(ben);
-    inbox.select(ana);
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
     EXPECT_EQ(pane.notes()->rowCount(), 5);
     pane.addNote(QString(1'000'000, u'x'));
     EXPECT_LE(texts(pane.notes()).first().size(), 10'000);
@@ -146,16 +146,16 @@ TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
     EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "0");
 
-    EXPECT_EQ(inbox.undoText(), "Forgot “Pays late”");
-    inbox.undo();
+    EXPECT_EQ(inbox.actions()->undoText(), "Forgot “Pays late”");
+    inbox.actions()->undo();
     EXPECT_EQ(texts(pane.memory()), QStringList("Pays late"));
     pane.addTask("A title that is much longer than a line under the thread can be");
     pane.completeTask(id(pane.tasks()));
-    EXPECT_EQ(inbox.undoText(), "Completed “A title that is much longer than…”");
-    inbox.select(ben);
-    inbox.undo(); // whoever is open by then
+    EXPECT_EQ(inbox.actions()->undoText(), "Completed “A title that is much longer than…”");
+    inbox.person()->select(ben);
+    inbox.actions()->undo(); // whoever is open by then
     EXPECT_EQ(pane.tasks()->rowCount(), 0);
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_EQ(pane.tasks()->rowCount(), 1);
 }
 
@@ -180,19 +180,19 @@ TEST_F(CRMPaneTest, twoContactsBecomeOnePersonAndTwoAgain)
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     EXPECT_EQ(pane.identityText(), "Same person · 2 channels");
     EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(fetchUnifiedThread(engines.db(), namesake, 10).size(), 2) << "one thread over both";
 
-    inbox.undo();
+    inbox.actions()->undo();
     EXPECT_EQ(names().size(), 3);
-    inbox.undo();
+    inbox.actions()->undo();
     EXPECT_EQ(pane.merges()->rowCount(), 0) << "once is enough";
     pane.mergeWith(namesake);
 
     pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.merges()->rowCount(), 0);
-    EXPECT_EQ(inbox.undoText(), "Unmerged ana ruiz");
-    inbox.undo();
+    EXPECT_EQ(inbox.actions()->undoText(), "Unmerged ana ruiz");
+    inbox.actions()->undo();
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.identityText(), "");
@@ -207,12 +207,12 @@ TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainStaysOnePersonUntilTheyAreTakenAp
     meetNamesake();
     pane.mergeWith(namesake);
     storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // gives the conversation back to its own contact
-    inbox.reload();
+    inbox.list()->reload();
     EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
     EXPECT_EQ(bodies().last(), "from my other phone");
-    inbox.select({});
-    inbox.select(namesake); // as a banner does
-    EXPECT_EQ(inbox.selectedId(), ana);
+    inbox.person()->select({});
+    inbox.person()->select(namesake); // as a banner does
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     pane.unmerge(id(pane.merges()));
     EXPECT_EQ(pane.merges()->rowCount(), 0);
@@ -223,25 +223,25 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
 {
     meetNamesake();
     engines.db().watch().start();
-    inbox.select(namesake);
-    inbox.composer()->setText("half a sentence");
-    inbox.composer()->startVoice();
+    inbox.person()->select(namesake);
+    inbox.person()->composer()->setText("half a sentence");
+    inbox.person()->composer()->startVoice();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 1;
     const auto other = openDatabase(clock);
     const auto merge = mergeContacts(*other, ana, namesake, "name");
     ASSERT_TRUE(merge);
     clock.advance(seconds(5));
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(bodies().size(), 3) << "a day, and a message of each";
-    EXPECT_EQ(inbox.composer()->text(), "half a sentence");
-    EXPECT_TRUE(inbox.composer()->showsVoice());
+    EXPECT_EQ(inbox.person()->composer()->text(), "half a sentence");
+    EXPECT_TRUE(inbox.person()->composer()->showsVoice());
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     ASSERT_TRUE(unmergeContacts(*other, *merge));
     clock.advance(seconds(5));
     EXPECT_EQ(names().size(), 3);
     EXPECT_EQ(pane.merges()->rowCount(), 0);
-    inbox.composer()->voice()->cancel();
+    inbox.person()->composer()->voice()->cancel();
 }
 
 TEST_F(CRMPaneTest, aMergeShowsWhatIsKnownOfBoth)
@@ -276,10 +276,10 @@ TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)
     pane.dismissSuggestion(namesake);
     EXPECT_EQ(pane.suggestions()->rowCount(), 0);
     for (const QString& contact : { namesake, ana }) {
-        inbox.select(contact);
+        inbox.person()->select(contact);
         clock.advance(Milliseconds(600));
         EXPECT_EQ(pane.suggestions()->rowCount(), 0) << contact.toStdString();
     }
-    inbox.undo();
+    inbox.actions()->undo();
     EXPECT_EQ(pane.suggestions()->rowCount(), 1);
 }

@@ -29,7 +29,7 @@ TEST_F(ComposeSheetTest, aMessageToANewPersonWaitsForApproval)
     sheet.submit();
     EXPECT_FALSE(sheet.shown());
     EXPECT_EQ(sheet.message(), "");
-    EXPECT_EQ(inbox.selectedId(), "ct:WHATSAPP:4917012345@s.whatsapp.net");
+    EXPECT_EQ(inbox.person()->selectedId(), "ct:WHATSAPP:4917012345@s.whatsapp.net");
     EXPECT_EQ(cell("SELECT source || '|' || external_id || '|' || body || '|' || status FROM outbound_draft;"),
         "compose|4917012345@s.whatsapp.net|good day|pending");
     EXPECT_EQ(commands("send").size(), 0);
@@ -41,7 +41,7 @@ TEST_F(ComposeSheetTest, somebodyKnownKeepsTheirNameAndADeletedConversationTakes
     EXPECT_FALSE(inbox.composeNew(account, "49171", { "again" }));
     engines.db().exec("UPDATE unified_conversation SET deleted_at=NULL;");
     EXPECT_TRUE(inbox.composeNew(account, "+49 171", { "again" }));
-    EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+    EXPECT_EQ(inbox.person()->selected().name, "Ana Ruiz");
 }
 
 TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
@@ -68,7 +68,7 @@ TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
     engines.db().exec("DROP TRIGGER full;");
     sheet.submit();
     EXPECT_FALSE(sheet.shown());
-    EXPECT_EQ(inbox.selectedId(), "ct:EMAIL:new@x.de");
+    EXPECT_EQ(inbox.person()->selectedId(), "ct:EMAIL:new@x.de");
     EXPECT_TRUE(cell("SELECT subject || files FROM outbound_draft;").startsWith("Plans[{"));
     accounts.remove(mail);
     accounts.remove(account);

@@ -17,7 +17,7 @@ protected:
     ComposerTest()
     {
         receiveFromAnaAndBen();
-        inbox.select(ana);
+        inbox.person()->select(ana);
         restInThread();
     }
 
@@ -37,10 +37,10 @@ protected:
     {
         ensureConversation(engines.db(), "EMAIL", "mail", "ana@x.de", "Ana Ruiz", 1);
         engines.db().exec("UPDATE unified_conversation SET contact_id='" + ana + "' WHERE channel='EMAIL';");
-        inbox.reload();
+        inbox.list()->reload();
     }
 
-    Composer& composer = *inbox.composer();
+    Composer& composer = *inbox.person()->composer();
 };
 
 }
@@ -104,16 +104,16 @@ TEST_F(ComposerTest, filesGoWithTheMessageAndAreKeptWithItsText)
     composer.setSubject("Plans");
     composer.setText("Here");
 
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(attachments.files().size(), 0);
     pause();
     const auto later = restarted();
-    later->select(ana);
-    EXPECT_EQ(later->composer()->subject() + later->composer()->text(), "PlansHere");
-    ASSERT_EQ(later->composer()->attachments()->files().size(), 2);
-    EXPECT_EQ(later->composer()->attachments()->files()[1].name, "Pasted picture.png");
+    later->person()->select(ana);
+    EXPECT_EQ(later->person()->composer()->subject() + later->person()->composer()->text(), "PlansHere");
+    ASSERT_EQ(later->person()->composer()->attachments()->files().size(), 2);
+    EXPECT_EQ(later->person()->composer()->attachments()->files()[1].name, "Pasted picture.png");
 
-    inbox.select(ana);
+    inbox.person()->select(ana);
     const QString dropped = attachments.files()[1].path;
     attachments.remove(dropped);
     EXPECT_FALSE(QFile::exists(dropped));
@@ -167,7 +167,7 @@ TEST_F(ComposerTest, aSendGoesStraightToTheEngineAndWritesNoRow)
 
     composer.setText(" \n ");
     composer.send();
-    inbox.select({});
+    inbox.person()->select({});
     composer.setText("to nobody");
     EXPECT_EQ(composer.text(), "");
     composer.send();
@@ -208,11 +208,11 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     stopEngine();
     EXPECT_EQ(composer.text(), "hello");
     EXPECT_FALSE(defaults.text("nimb.replyPlatform." + ana)) << "only a send is remembered";
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(composer.sendError(), "") << "it was Ana's";
 
     restartEngine();
-    inbox.select(ana);
+    inbox.person()->select(ana);
     composer.setReplyPlatform("WHATSAPP");
     composer.send();
     EXPECT_EQ(composer.text(), "");
@@ -235,9 +235,9 @@ TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
     answer("failed");
     EXPECT_EQ(unsent("body"), QStringList("hello"));
     EXPECT_EQ(unsent("reason"), QStringList("Not sent: no such chat"));
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(unsent("body"), QStringList());
-    inbox.select(ana);
+    inbox.person()->select(ana);
 
     composer.retry(unsent("id").first());
     EXPECT_EQ(commands("send").size(), 2);
@@ -267,7 +267,7 @@ TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterAS
 {
     addEmailToAna();
     EXPECT_EQ(composer.replyPlatforms().size(), 2);
-    EXPECT_EQ(composer.replyPlatforms().last().label, channelLabel(inbox.selected().platforms.last()));
+    EXPECT_EQ(composer.replyPlatforms().last().label, channelLabel(inbox.person()->selected().platforms.last()));
     composer.setReplyPlatform("SLACK");
     EXPECT_NE(composer.replyPlatform(), "SLACK");
     for (const QString& platform : { QStringLiteral("EMAIL"), QStringLiteral("WHATSAPP") }) {
@@ -278,39 +278,39 @@ TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterAS
     composer.setText("on WhatsApp");
     composer.send();
     composer.setReplyPlatform("EMAIL");
-    inbox.select(ben);
-    inbox.select(ana);
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
     EXPECT_EQ(composer.replyPlatform(), "WHATSAPP");
 }
 
 TEST_F(ComposerTest, nothingTypedIsLost)
 {
     composer.setText("to Ana");
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(composer.text(), "");
     composer.setText("to Ben 🎉\nنعم");
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_EQ(composer.text(), "to Ana");
     pause();
 
     // A kill: the file as it stands now, whatever the program that is killed would have done at its end.
     const QByteArray atKill = unsentFile();
     composer.setText("");
-    inbox.select(ben);
+    inbox.person()->select(ben);
     composer.setText("");
     pause();
     EXPECT_EQ(unsentFile(), "{}");
     home.write("share/Corvane/unsent.json", atKill);
     auto next = restarted();
-    next->select(ben);
-    EXPECT_EQ(next->composer()->text(), "to Ben 🎉\nنعم");
-    next->composer()->setText("and one more word");
+    next->person()->select(ben);
+    EXPECT_EQ(next->person()->composer()->text(), "to Ben 🎉\nنعم");
+    next->person()->composer()->setText("and one more word");
     next.reset();
     next = restarted();
-    next->select(ben);
-    EXPECT_EQ(next->composer()->text(), "and one more word") << "an end in order writes what waits";
-    next->select(ana);
-    EXPECT_EQ(next->composer()->text(), "to Ana");
+    next->person()->select(ben);
+    EXPECT_EQ(next->person()->composer()->text(), "and one more word") << "an end in order writes what waits";
+    next->person()->select(ana);
+    EXPECT_EQ(next->person()->composer()->text(), "to Ana");
     EXPECT_EQ(QFile::permissions(home.path("share/Corvane/unsent.json"))
             & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther),
         QFile::Permissions());
@@ -319,17 +319,17 @@ TEST_F(ComposerTest, nothingTypedIsLost)
 TEST_F(ComposerTest, whatWasTypedToAMergedPersonIsFoundWithTheOther)
 {
     composer.setText("to Ana");
-    inbox.select(ben);
+    inbox.person()->select(ben);
     composer.setText("to Ben");
     engines.db().run(
         "INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, conv_ids_json, "
         "created_at) VALUES('m','local',?,?,'[]',1);",
         { ana, ben });
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_EQ(composer.text(), "to Ana\n\nto Ben");
     composer.send();
-    inbox.select({});
-    inbox.select(ana);
+    inbox.person()->select({});
+    inbox.person()->select(ana);
     EXPECT_EQ(composer.text(), "") << "it was sent with the rest";
 }
 
@@ -348,8 +348,8 @@ TEST_F(ComposerTest, aFileOfUnsentTextsThatDoesNotReadIsKeptAside)
     const QByteArray garbage = "{\"ct:a\":\"half a te";
     home.write("share/Corvane/unsent.json", garbage);
     auto next = restarted();
-    next->select(ana);
-    next->composer()->setText("new");
+    next->person()->select(ana);
+    next->person()->composer()->setText("new");
     pause();
     EXPECT_EQ(home.read("share/Corvane/unsent.json.damaged"), garbage);
     EXPECT_TRUE(unsentFile().contains("new"));
@@ -421,13 +421,13 @@ TEST_F(ComposerTest, aVoiceNoteStaysWithThePersonForWhomItWasBegun)
     composer.startVoice();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 2;
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_FALSE(composer.showsVoice());
     composer.sendVoice();
     EXPECT_EQ(commands("sendAudio").size(), 0);
     composer.startVoice();
     EXPECT_EQ(composer.sendError(), "A voice note to another contact waits: send or discard it first.");
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_TRUE(composer.showsVoice());
     EXPECT_EQ(composer.voice()->stateWord(), "kept");
     EXPECT_EQ(composer.voice()->elapsedText(), "0:02");

@@ -8,18 +8,18 @@ using namespace corvane;
 TEST_F(InboxViewTest, aMessageIntoTheOpenThreadIsReadOnlyWhileSomeoneLooks)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
-    inbox.thread()->reading()->touch();
+    inbox.person()->select(ana);
+    inbox.person()->thread()->reading()->touch();
     EXPECT_EQ(engines.unreadTotal(), 1) << "a key in it is as good as a second's rest";
     receive(ana, "one");
     EXPECT_EQ(engines.unreadTotal(), 1) << "Ben's alone";
     EXPECT_EQ(commands("markRead").size(), 2);
 
-    inbox.setOnScreen(false);
+    inbox.person()->setOnScreen(false);
     EXPECT_EQ(engines.openContactId(), "") << "a thread that nobody sees notifies";
     receive(ana, "two");
     EXPECT_EQ(engines.unreadTotal(), 2);
-    inbox.setOnScreen(true);
+    inbox.person()->setOnScreen(true);
     clock.advance(Milliseconds(110));
     EXPECT_EQ(engines.unreadTotal(), 1);
     EXPECT_EQ(engines.openContactId(), ana);
@@ -28,72 +28,72 @@ TEST_F(InboxViewTest, aMessageIntoTheOpenThreadIsReadOnlyWhileSomeoneLooks)
 TEST_F(InboxViewTest, filtersHideRowsAndTheOpenThreadStays)
 {
     receiveFromAnaAndBen();
-    inbox.setFilterWord("needsMe");
+    inbox.filters()->setFilterWord("needsMe");
     EXPECT_EQ(names().size(), 2);
-    inbox.moveSelection(1);
-    EXPECT_EQ(inbox.selectedId(), ben);
+    inbox.person()->moveSelection(1);
+    EXPECT_EQ(inbox.person()->selectedId(), ben);
     restInThread();
     clock.advance(Milliseconds(110));
     EXPECT_EQ(names(), QStringList("Ana Ruiz")) << "what was read needs nobody any more";
-    EXPECT_EQ(inbox.selected().name, "Ben");
-    inbox.moveSelection(1);
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selected().name, "Ben");
+    inbox.person()->moveSelection(1);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
     restInThread();
     clock.advance(Milliseconds(110));
-    EXPECT_EQ(inbox.emptyTitle(), "No conversations need you — view filter active");
-    inbox.setFilterWord("nonsense");
-    EXPECT_EQ(inbox.filterWord(), "needsMe");
-    inbox.clearActiveEmptyFilter();
-    EXPECT_EQ(inbox.filterWord(), "all");
+    EXPECT_EQ(inbox.filters()->emptyTitle(), "No conversations need you — view filter active");
+    inbox.filters()->setFilterWord("nonsense");
+    EXPECT_EQ(inbox.filters()->filterWord(), "needsMe");
+    inbox.filters()->clearActiveEmptyFilter();
+    EXPECT_EQ(inbox.filters()->filterWord(), "all");
 
-    inbox.setChannelFilter("SLACK");
-    EXPECT_EQ(inbox.emptyTitle(), "No Slack conversations — channel filter active");
-    inbox.clearActiveEmptyFilter();
-    inbox.setAccountFilter(account.slug);
+    inbox.filters()->setChannelFilter("SLACK");
+    EXPECT_EQ(inbox.filters()->emptyTitle(), "No Slack conversations — channel filter active");
+    inbox.filters()->clearActiveEmptyFilter();
+    inbox.filters()->setAccountFilter(account.slug);
     EXPECT_EQ(names().size(), 2);
-    EXPECT_EQ(inbox.accountFilterLabel(), "Main");
-    EXPECT_EQ(inbox.channelChoices().first().label, "WhatsApp");
+    EXPECT_EQ(inbox.filters()->accountFilterLabel(), "Main");
+    EXPECT_EQ(inbox.filters()->channelChoices().first().label, "WhatsApp");
 }
 
 TEST_F(InboxViewTest, arrowsStopAtTheEnds)
 {
     receiveFromAnaAndBen();
-    inbox.moveSelection(-1);
-    EXPECT_EQ(inbox.selectedId(), ben);
-    inbox.moveSelection(1);
-    inbox.moveSelection(1);
-    EXPECT_EQ(inbox.selectedId(), ana);
-    EXPECT_EQ(inbox.selectedIndex(), 1);
-    inbox.moveSelection(-9);
-    EXPECT_EQ(inbox.selectedId(), ben);
+    inbox.person()->moveSelection(-1);
+    EXPECT_EQ(inbox.person()->selectedId(), ben);
+    inbox.person()->moveSelection(1);
+    inbox.person()->moveSelection(1);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
+    EXPECT_EQ(inbox.list()->selectedIndex(), 1);
+    inbox.person()->moveSelection(-9);
+    EXPECT_EQ(inbox.person()->selectedId(), ben);
 }
 
 TEST_F(InboxViewTest, anArchiveCanBeUndoneForAWhile)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
-    inbox.archiveSelected();
+    inbox.person()->select(ana);
+    inbox.actions()->archiveSelected();
     EXPECT_EQ(names(), QStringList("Ben"));
-    EXPECT_EQ(inbox.selectedId(), "");
-    EXPECT_EQ(inbox.undoText(), "Archived Ana Ruiz");
-    inbox.undo();
+    EXPECT_EQ(inbox.person()->selectedId(), "");
+    EXPECT_EQ(inbox.actions()->undoText(), "Archived Ana Ruiz");
+    inbox.actions()->undo();
     EXPECT_EQ(names().size(), 2);
-    EXPECT_EQ(inbox.undoText(), "");
+    EXPECT_EQ(inbox.actions()->undoText(), "");
 
-    inbox.select(ana);
-    inbox.archiveSelected();
+    inbox.person()->select(ana);
+    inbox.actions()->archiveSelected();
     clock.advance(seconds(11));
-    EXPECT_EQ(inbox.undoText(), "");
-    inbox.undo();
+    EXPECT_EQ(inbox.actions()->undoText(), "");
+    inbox.actions()->undo();
     EXPECT_EQ(names(), QStringList("Ben"));
-    inbox.setFilterWord("archived");
+    inbox.filters()->setFilterWord("archived");
     EXPECT_EQ(names(), QStringList("Ana Ruiz"));
-    EXPECT_EQ(inbox.archiveLabel(), "Unarchive");
-    inbox.select(ana);
-    inbox.archiveSelected();
-    EXPECT_EQ(inbox.emptyTitle(), "Nothing archived");
-    EXPECT_EQ(inbox.undoText(), "Unarchived Ana Ruiz");
-    inbox.undo();
+    EXPECT_EQ(inbox.actions()->archiveLabel(), "Unarchive");
+    inbox.person()->select(ana);
+    inbox.actions()->archiveSelected();
+    EXPECT_EQ(inbox.filters()->emptyTitle(), "Nothing archived");
+    EXPECT_EQ(inbox.actions()->undoText(), "Unarchived Ana Ruiz");
+    inbox.actions()->undo();
     EXPECT_EQ(names(), QStringList("Ana Ruiz"));
 }
 
@@ -104,10 +104,10 @@ TEST_F(InboxViewTest, anUndoneArchiveLeavesWhatWasArchivedBeforeAsItWas)
     engines.db().exec("UPDATE unified_conversation SET contact_id='" + ana
         + "', archived_at=7 WHERE channel='EMAIL'; UPDATE unified_conversation SET unread=0;");
     const QString before = cell("SELECT group_concat(archived_at, ',') FROM unified_conversation;");
-    inbox.select(ana);
-    inbox.archiveSelected();
+    inbox.person()->select(ana);
+    inbox.actions()->archiveSelected();
     EXPECT_NE(cell("SELECT archived_at FROM unified_conversation WHERE channel='EMAIL';"), "7");
-    inbox.undo();
+    inbox.actions()->undo();
     EXPECT_EQ(cell("SELECT group_concat(archived_at, ',') FROM unified_conversation;"), before);
     EXPECT_EQ(before, "7");
 }
@@ -115,61 +115,61 @@ TEST_F(InboxViewTest, anUndoneArchiveLeavesWhatWasArchivedBeforeAsItWas)
 TEST_F(InboxViewTest, aThreadIsMarkedUnreadAndReadAgain)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
+    inbox.person()->select(ana);
     restInThread();
-    inbox.toggleRead(ana);
+    inbox.actions()->toggleRead(ana);
     clock.advance(seconds(2));
-    EXPECT_EQ(inbox.selectedId(), "") << "an open thread would count as read again";
-    EXPECT_EQ(column(inbox.contacts(), "unread"), (QStringList { "1", "1" }));
-    inbox.toggleRead(ana);
-    EXPECT_EQ(column(inbox.contacts(), "unread"), (QStringList { "1", "0" }));
+    EXPECT_EQ(inbox.person()->selectedId(), "") << "an open thread would count as read again";
+    EXPECT_EQ(column(inbox.list()->contacts(), "unread"), (QStringList { "1", "1" }));
+    inbox.actions()->toggleRead(ana);
+    EXPECT_EQ(column(inbox.list()->contacts(), "unread"), (QStringList { "1", "0" }));
 }
 
 TEST_F(InboxViewTest, aListThatNobodySeesIsReadWhenItShowsAgain)
 {
     receiveFromAnaAndBen();
     int reads = 0;
-    QObject::connect(&inbox, &InboxView::changed, [&] { ++reads; });
-    inbox.setShown(false);
+    QObject::connect(inbox.list(), &ContactListView::changed, [&] { ++reads; });
+    inbox.list()->setShown(false);
     receive(ana, "hidden");
     clock.advance(seconds(5));
     EXPECT_EQ(reads, 0);
     centre.post(notifications::openConversation, ana);
     EXPECT_EQ(bodies().last(), "hidden");
-    inbox.setShown(true);
+    inbox.list()->setShown(true);
     clock.advance(Milliseconds(110));
-    EXPECT_EQ(column(inbox.contacts(), "snippet"), (QStringList { "hidden", "good day" }));
+    EXPECT_EQ(column(inbox.list()->contacts(), "snippet"), (QStringList { "hidden", "good day" }));
 }
 
 TEST_F(InboxViewTest, severalRowsTakeOneAction)
 {
     receiveFromAnaAndBen();
     receive("ct:WHATSAPP:1@g.us", "in the group", { { "convTitle", "Team" } });
-    inbox.bulk()->toggle(ana);
-    inbox.bulk()->toggle(ben);
-    EXPECT_EQ(column(inbox.contacts(), "checked"), (QStringList { "false", "true", "true" }));
-    inbox.muteChecked();
-    EXPECT_EQ(column(inbox.contacts(), "isMuted"), (QStringList { "false", "true", "true" }));
-    EXPECT_FALSE(inbox.bulk()->active());
-    inbox.bulk()->all();
-    inbox.muteChecked();
-    inbox.bulk()->all();
-    inbox.muteChecked();
-    EXPECT_EQ(column(inbox.contacts(), "isMuted"), (QStringList { "false", "false", "false" }));
+    inbox.actions()->bulk()->toggle(ana);
+    inbox.actions()->bulk()->toggle(ben);
+    EXPECT_EQ(column(inbox.list()->contacts(), "checked"), (QStringList { "false", "true", "true" }));
+    inbox.actions()->muteChecked();
+    EXPECT_EQ(column(inbox.list()->contacts(), "isMuted"), (QStringList { "false", "true", "true" }));
+    EXPECT_FALSE(inbox.actions()->bulk()->active());
+    inbox.actions()->bulk()->all();
+    inbox.actions()->muteChecked();
+    inbox.actions()->bulk()->all();
+    inbox.actions()->muteChecked();
+    EXPECT_EQ(column(inbox.list()->contacts(), "isMuted"), (QStringList { "false", "false", "false" }));
 
-    inbox.bulk()->toggle(ana);
-    inbox.bulk()->toggle(ben);
-    inbox.markCheckedRead();
+    inbox.actions()->bulk()->toggle(ana);
+    inbox.actions()->bulk()->toggle(ben);
+    inbox.actions()->markCheckedRead();
     EXPECT_EQ(engines.unreadTotal(), 1);
     EXPECT_EQ(commands("markRead").size(), 2);
 
-    inbox.select(ana);
-    inbox.bulk()->all();
-    inbox.archiveChecked();
-    EXPECT_TRUE(inbox.isEmpty());
-    EXPECT_EQ(inbox.selectedId(), "");
-    EXPECT_EQ(inbox.undoText(), "Archived 3 conversations");
-    inbox.undo();
+    inbox.person()->select(ana);
+    inbox.actions()->bulk()->all();
+    inbox.actions()->archiveChecked();
+    EXPECT_TRUE(inbox.list()->isEmpty());
+    EXPECT_EQ(inbox.person()->selectedId(), "");
+    EXPECT_EQ(inbox.actions()->undoText(), "Archived 3 conversations");
+    inbox.actions()->undo();
     EXPECT_EQ(names().size(), 3);
 }
 
@@ -183,7 +183,7 @@ TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
     inbox.palette()->setQuery("ana");
     inbox.palette()->runHighlighted();
     EXPECT_FALSE(inbox.showPalette());
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
 
     const auto run = [&](const QString& label) {
         inbox.setShowPalette(true);
@@ -191,20 +191,20 @@ TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
         inbox.palette()->runHighlighted();
     };
     run("mute / unmute");
-    EXPECT_TRUE(inbox.selected().isMuted);
-    const bool panel = inbox.showCRM();
+    EXPECT_TRUE(inbox.person()->selected().isMuted);
+    const bool panel = inbox.person()->showCRM();
     run("toggle");
-    EXPECT_NE(inbox.showCRM(), panel);
+    EXPECT_NE(inbox.person()->showCRM(), panel);
     run("mark all");
     EXPECT_EQ(engines.unreadTotal(), 0);
     run("archive");
-    EXPECT_EQ(inbox.selectedId(), "");
+    EXPECT_EQ(inbox.person()->selectedId(), "");
     EXPECT_EQ(names(), QStringList("Ben"));
 
     run(" good day ");
-    EXPECT_EQ(inbox.search(), "good day");
+    EXPECT_EQ(inbox.filters()->search(), "good day");
     awaitHits();
-    EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("<b>good day</b>"));
+    EXPECT_EQ(column(inbox.list()->messageHits(), "snippet"), QStringList("<b>good day</b>"));
     run("new mess");
     EXPECT_TRUE(inbox.composeSheet()->shown());
 }
@@ -212,15 +212,15 @@ TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
 TEST_F(InboxViewTest, aBannerOfAMessageOpensItsPersonWhereverTheListStands)
 {
     receiveFromAnaAndBen();
-    inbox.setFilterWord("archived");
+    inbox.filters()->setFilterWord("archived");
     centre.post(notifications::openConversation, ana);
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(bodies().last(), "hello");
-    EXPECT_EQ(inbox.selected().name, "Ana Ruiz") << "who is not listed is called by the name that they have";
-    inbox.setFilterWord("all");
-    EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+    EXPECT_EQ(inbox.person()->selected().name, "Ana Ruiz") << "who is not listed is called by the name that they have";
+    inbox.filters()->setFilterWord("all");
+    EXPECT_EQ(inbox.person()->selected().name, "Ana Ruiz");
     centre.post(notifications::openConversation, QString());
-    EXPECT_EQ(inbox.selectedId(), ana);
+    EXPECT_EQ(inbox.person()->selectedId(), ana);
 
     const QString crew = "ct:WHATSAPP:12@g.us";
     receive(crew, "both", { { "sender", "Lena" } });
@@ -228,18 +228,18 @@ TEST_F(InboxViewTest, aBannerOfAMessageOpensItsPersonWhereverTheListStands)
         { "providerMsgId", "m3/1" }, { "mediaType", "document" }, { "historical", true }, { "sender", "Lena" },
         { "ts", clock.nowMs() } });
     settle();
-    inbox.setFilterWord("archived");
+    inbox.filters()->setFilterWord("archived");
     centre.post(notifications::openConversation, crew);
-    EXPECT_EQ(column(inbox.thread()->rows(), "senderLabel").at(1), "Lena");
-    EXPECT_EQ(column(inbox.thread()->rows(), "unreadText"), QStringList({ "", "1 unread message", "" }))
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "senderLabel").at(1), "Lena");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "unreadText"), QStringList({ "", "1 unread message", "" }))
         << "a file comes with its message";
 }
 
 TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
-    ThreadView& thread = *inbox.thread();
+    inbox.person()->select(ana);
+    ThreadView& thread = *inbox.person()->thread();
     EXPECT_TRUE(thread.canLoadOlder());
     thread.loadMore();
     EXPECT_EQ(thread.loadOlderText(), "Loading older messages…");
@@ -249,18 +249,18 @@ TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)
     EXPECT_FALSE(thread.loadingMore());
     engines.stop(account);
     thread.loadMore();
-    EXPECT_EQ(inbox.composer()->sendError(), "Account " + account.slug + " is not connected");
-    inbox.select(ben);
-    EXPECT_EQ(inbox.composer()->sendError(), "");
+    EXPECT_EQ(inbox.person()->composer()->sendError(), "Account " + account.slug + " is not connected");
+    inbox.person()->select(ben);
+    EXPECT_EQ(inbox.person()->composer()->sendError(), "");
     EXPECT_FALSE(thread.loadingMore());
 }
 
 TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
 {
     receive(ana, "", { { "mediaType", "image" } });
-    EXPECT_EQ(column(inbox.contacts(), "snippet"), QStringList("Image"));
-    inbox.select(ana);
-    ThreadView& thread = *inbox.thread();
+    EXPECT_EQ(column(inbox.list()->contacts(), "snippet"), QStringList("Image"));
+    inbox.person()->select(ana);
+    ThreadView& thread = *inbox.person()->thread();
     const auto last = [&](const QByteArray& role) {
         return column(thread.rows(), role).last();
     };
@@ -300,13 +300,13 @@ TEST_F(InboxViewTest, theReplyGoesWhereItLastWent)
     receiveFromAnaAndBen();
     ensureConversation(engines.db(), "EMAIL", "mail", "ana@x.de", "Ana Ruiz", 1);
     engines.db().exec("UPDATE unified_conversation SET contact_id='" + ana + "' WHERE channel='EMAIL';");
-    inbox.reload();
+    inbox.list()->reload();
     defaults.setText("nimb.replyPlatform." + ana, "EMAIL");
-    inbox.select(ana);
-    EXPECT_EQ(inbox.composer()->replyPlatform(), "EMAIL");
+    inbox.person()->select(ana);
+    EXPECT_EQ(inbox.person()->composer()->replyPlatform(), "EMAIL");
     defaults.setText("nimb.replyPlatform." + ana, "SLACK");
-    inbox.select(ben);
-    inbox.select(ana);
-    EXPECT_EQ(inbox.composer()->replyPlatform(), inbox.selected().platforms.first())
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
+    EXPECT_EQ(inbox.person()->composer()->replyPlatform(), inbox.person()->selected().platforms.first())
         << "a channel that the person has not";
 }

@@ -2,7 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Foundation/Json.h"
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
 #include "Support/FakeLanguageModel.h"
@@ -32,8 +32,8 @@ protected:
         engine().printEvent({ { "type", "status" }, { "state", "open" } });
         settle();
         // As the window tells that stands at the newest message.
-        QObject::connect(inbox.thread(), &ThreadView::changed,
-            [this] { inbox.thread()->reading()->setNewestInSight(!inbox.thread()->hasNewer()); });
+        QObject::connect(inbox.person()->thread(), &ThreadView::changed,
+            [this] { inbox.person()->thread()->reading()->setNewestInSight(!inbox.person()->thread()->hasNewer()); });
         inbox.appear();
     }
 
@@ -95,8 +95,8 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
             values.append(model->index(row, 0).data(id).toString());
         return values;
     }
-    QStringList names() { return column(inbox.contacts(), "name"); }
-    QStringList bodies() { return column(inbox.thread()->rows(), "body"); }
+    QStringList names() { return column(inbox.list()->contacts(), "name"); }
+    QStringList bodies() { return column(inbox.person()->thread()->rows(), "body"); }
 
     QList<QString> commands(const QString& word) const
     {
@@ -108,9 +108,9 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
         return found;
     }
 
-    int count(const QString& key) const
+    int count(const QString& key)
     {
-        for (const auto& tab : inbox.tabs()) {
+        for (const auto& tab : inbox.list()->tabs()) {
             if (tab.id == key)
                 return tab.count;
         }
@@ -119,7 +119,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
 
     void type(const QString& text)
     {
-        inbox.setSearch(text);
+        inbox.filters()->setSearch(text);
         clock.advance(Milliseconds(250));
         awaitHits();
     }
@@ -127,7 +127,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
     /// The search runs on a thread of its own.
     void awaitHits()
     {
-        EXPECT_TRUE(await([this] { return !inbox.hitsPending(); }));
+        EXPECT_TRUE(await([this] { return !inbox.list()->hitsPending(); }));
     }
 
     FakeLumo lumo { clock };
@@ -137,9 +137,11 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
     Account account = accounts.add("Main", Channel::WhatsApp);
     InboxView inbox { InboxView::Surroundings { engines, accounts, defaults, centre, clock, microphone, desktop, player,
         home.paths(), lumo, translations, voice.services } };
-    QAbstractItemModelTester contactTester { inbox.contacts(), QAbstractItemModelTester::FailureReportingMode::Fatal };
-    QAbstractItemModelTester hitTester { inbox.messageHits(), QAbstractItemModelTester::FailureReportingMode::Fatal };
-    QAbstractItemModelTester threadTester { inbox.thread()->rows(),
+    QAbstractItemModelTester contactTester { inbox.list()->contacts(),
+        QAbstractItemModelTester::FailureReportingMode::Fatal };
+    QAbstractItemModelTester hitTester { inbox.list()->messageHits(),
+        QAbstractItemModelTester::FailureReportingMode::Fatal };
+    QAbstractItemModelTester threadTester { inbox.person()->thread()->rows(),
         QAbstractItemModelTester::FailureReportingMode::Fatal };
 
 private:

@@ -6,39 +6,39 @@ using namespace corvane;
 
 TEST_F(InboxViewTest, aLineOfAnEngineBecomesARowAndAnOpenThread)
 {
-    EXPECT_EQ(inbox.emptyDetail(), "Pair a WhatsApp account in Accounts — chats appear here.");
+    EXPECT_EQ(inbox.filters()->emptyDetail(), "Pair a WhatsApp account in Accounts — chats appear here.");
     receiveFromAnaAndBen();
     receive(ana, "are you there?");
     EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
     clock.advance(seconds(1));
     EXPECT_EQ(count("needsMe"), 2);
 
-    inbox.select(ben);
-    inbox.select(ana);
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
     EXPECT_EQ(bodies(), (QStringList { "", "hello", "are you there?" }));
-    EXPECT_EQ(inbox.selected().name, "Ana Ruiz");
+    EXPECT_EQ(inbox.person()->selected().name, "Ana Ruiz");
     clock.advance(Milliseconds(999));
     EXPECT_EQ(engines.unreadTotal(), 3) << "who passes on the way reads nothing";
     clock.advance(Milliseconds(1));
-    EXPECT_EQ(inbox.selected().unread, 0);
+    EXPECT_EQ(inbox.person()->selected().unread, 0);
     EXPECT_EQ(engines.openContactId(), ana);
     EXPECT_EQ(engines.unreadTotal(), 1);
-    EXPECT_EQ(inbox.composer()->replyPlatform(), "WHATSAPP");
+    EXPECT_EQ(inbox.person()->composer()->replyPlatform(), "WHATSAPP");
     EXPECT_EQ(commands("markRead").size(), 1);
     EXPECT_EQ(cell("SELECT SUM(unread) FROM unified_conversation;"), "1");
 
-    inbox.select({});
+    inbox.person()->select({});
     EXPECT_EQ(engines.openContactId(), "");
-    EXPECT_TRUE(inbox.thread()->isEmpty());
-    EXPECT_EQ(inbox.selected().id, "");
+    EXPECT_TRUE(inbox.person()->thread()->isEmpty());
+    EXPECT_EQ(inbox.person()->selected().id, "");
 }
 
 TEST_F(InboxViewTest, aBurstReloadsAtMostTenTimesASecond)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
+    inbox.person()->select(ana);
     int reloads = 0;
-    QObject::connect(&inbox, &InboxView::changed, [&] { ++reloads; });
+    QObject::connect(inbox.list(), &ContactListView::changed, [&] { ++reloads; });
     for (int line = 0; line < 1000; ++line) {
         engine().printEvent({ { "type", "message" }, { "convExternalId", ana.section(':', 2) }, { "body", "old" },
             { "providerMsgId", QStringLiteral("h%1").arg(line) }, { "ts", qint64(1'700'000'000'000 + line) },
@@ -57,12 +57,12 @@ TEST_F(InboxViewTest, oneNewMessageTouchesOneRowOfEachList)
     for (int i = 0; i < 30; ++i)
         receive(QStringLiteral("ct:WHATSAPP:%1@s.whatsapp.net").arg(100 + i), "hello");
     receiveFromAnaAndBen();
-    inbox.select(ana);
-    const QSignalSpy moved(inbox.contacts(), &QAbstractItemModel::rowsMoved);
-    const QSignalSpy changed(inbox.contacts(), &QAbstractItemModel::dataChanged);
-    const QSignalSpy inserted(inbox.contacts(), &QAbstractItemModel::rowsInserted);
-    const QSignalSpy added(inbox.thread()->rows(), &QAbstractItemModel::rowsInserted);
-    const QSignalSpy announced(inbox.thread(), &ThreadView::announced);
+    inbox.person()->select(ana);
+    const QSignalSpy moved(inbox.list()->contacts(), &QAbstractItemModel::rowsMoved);
+    const QSignalSpy changed(inbox.list()->contacts(), &QAbstractItemModel::dataChanged);
+    const QSignalSpy inserted(inbox.list()->contacts(), &QAbstractItemModel::rowsInserted);
+    const QSignalSpy added(inbox.person()->thread()->rows(), &QAbstractItemModel::rowsInserted);
+    const QSignalSpy announced(inbox.person()->thread(), &ThreadView::announced);
     receive(ana, "again");
     EXPECT_EQ(moved.size(), 1);
     EXPECT_EQ(changed.size(), 1);
@@ -76,38 +76,38 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
 {
     receiveFromAnaAndBen();
     receive(ben, "the Núñez contract is ready");
-    inbox.setSearch("núñ");
+    inbox.filters()->setSearch("núñ");
     clock.advance(Milliseconds(200));
-    inbox.setSearch("contract");
+    inbox.filters()->setSearch("contract");
     clock.advance(Milliseconds(249));
     EXPECT_EQ(names().size(), 2) << "the first search was never made";
     clock.advance(Milliseconds(1));
     awaitHits();
     EXPECT_EQ(names(), QStringList("Ben"));
-    EXPECT_EQ(column(inbox.messageHits(), "snippet"), QStringList("the Núñez <b>contract</b> is ready"));
+    EXPECT_EQ(column(inbox.list()->messageHits(), "snippet"), QStringList("the Núñez <b>contract</b> is ready"));
 
-    inbox.openHit("wa:msg:m3");
-    EXPECT_EQ(inbox.selectedId(), ben);
-    EXPECT_EQ(inbox.jumpMsgId(), "wa:msg:m3");
-    EXPECT_EQ(column(inbox.thread()->rows(), "highlighted").last(), "true");
-    EXPECT_EQ(inbox.thread()->rowOf("wa:msg:m3"), 2);
+    inbox.person()->openHit("wa:msg:m3");
+    EXPECT_EQ(inbox.person()->selectedId(), ben);
+    EXPECT_EQ(inbox.person()->jumpMsgId(), "wa:msg:m3");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "highlighted").last(), "true");
+    EXPECT_EQ(inbox.person()->thread()->rowOf("wa:msg:m3"), 2);
     clock.advance(seconds(5));
-    EXPECT_EQ(column(inbox.thread()->rows(), "highlighted").last(), "false");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "highlighted").last(), "false");
 
     receive(ben, "Yes.\n> an old invoice");
-    EXPECT_EQ(column(inbox.thread()->rows(), "quote").last(), "");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "quote").last(), "");
     type("invoice");
-    inbox.openHit("wa:msg:m4");
-    EXPECT_EQ(column(inbox.thread()->rows(), "quote").last(), "an old invoice") << "what was found is shown";
+    inbox.person()->openHit("wa:msg:m4");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "quote").last(), "an old invoice") << "what was found is shown";
 
     type("zebra");
-    EXPECT_TRUE(inbox.isEmpty());
-    EXPECT_EQ(inbox.emptyTitle(), "No conversations match “zebra”");
-    inbox.clearActiveEmptyFilter();
-    EXPECT_EQ(inbox.search(), "");
+    EXPECT_TRUE(inbox.list()->isEmpty());
+    EXPECT_EQ(inbox.filters()->emptyTitle(), "No conversations match “zebra”");
+    inbox.filters()->clearActiveEmptyFilter();
+    EXPECT_EQ(inbox.filters()->search(), "");
     EXPECT_EQ(names().size(), 2);
-    EXPECT_EQ(column(inbox.contacts(), "snippet").first(), "Yes.");
-    EXPECT_EQ(inbox.messageHits()->rowCount(), 0);
+    EXPECT_EQ(column(inbox.list()->contacts(), "snippet").first(), "Yes.");
+    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 0);
 }
 
 TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachMessage)
@@ -115,14 +115,14 @@ TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachM
     receive(ana, "invoice one");
     type("invoice");
     int searches = 0;
-    QObject::connect(inbox.messageHits(), &QAbstractItemModel::rowsInserted, [&] { ++searches; });
+    QObject::connect(inbox.list()->messageHits(), &QAbstractItemModel::rowsInserted, [&] { ++searches; });
     for (int i = 0; i < 30; ++i)
         receive(ana, QStringLiteral("invoice %1").arg(i));
     EXPECT_LE(searches, 3);
     clock.advance(seconds(3));
     EXPECT_TRUE(await([this] {
         clock.advance(seconds(1));
-        return inbox.messageHits()->rowCount() == 31;
+        return inbox.list()->messageHits()->rowCount() == 31;
     }));
 }
 
@@ -130,39 +130,39 @@ TEST_F(InboxViewTest, aLongSearchTellsThatItRunsAndShowsNothingOld)
 {
     receive(ana, "invoice one");
     type("invoice");
-    inbox.setSearch("nothing like it");
+    inbox.filters()->setSearch("nothing like it");
     clock.advance(Milliseconds(250));
-    EXPECT_TRUE(inbox.hitsPending());
-    EXPECT_FALSE(inbox.searching());
-    EXPECT_FALSE(inbox.isEmpty()) << "nobody knows yet";
-    EXPECT_EQ(inbox.messageHits()->rowCount(), 1) << "a quick search does not flicker";
+    EXPECT_TRUE(inbox.list()->hitsPending());
+    EXPECT_FALSE(inbox.list()->searching());
+    EXPECT_FALSE(inbox.list()->isEmpty()) << "nobody knows yet";
+    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 1) << "a quick search does not flicker";
     clock.advance(Milliseconds(150));
-    EXPECT_TRUE(inbox.searching());
-    EXPECT_EQ(inbox.messageHits()->rowCount(), 0);
-    EXPECT_FALSE(inbox.isEmpty());
+    EXPECT_TRUE(inbox.list()->searching());
+    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 0);
+    EXPECT_FALSE(inbox.list()->isEmpty());
     awaitHits();
-    EXPECT_FALSE(inbox.searching());
-    EXPECT_TRUE(inbox.isEmpty());
+    EXPECT_FALSE(inbox.list()->searching());
+    EXPECT_TRUE(inbox.list()->isEmpty());
 }
 
 TEST_F(InboxViewTest, anotherWorkspaceClearsTheSelectionAndTellsWhy)
 {
     receiveFromAnaAndBen();
-    inbox.select(ana);
+    inbox.person()->select(ana);
     persistActiveWorkspace(engines.db(), "w1", std::nullopt, LegacyRows::Migrate);
-    EXPECT_EQ(inbox.selectedId(), "");
+    EXPECT_EQ(inbox.person()->selectedId(), "");
     clock.advance(Milliseconds(110));
     EXPECT_EQ(names().size(), 2);
-    EXPECT_EQ(inbox.workspaceNotice(), "");
+    EXPECT_EQ(inbox.notices()->workspaceNotice(), "");
 
     // An empty workspace is left at the next query, in the middle of a reload.
-    inbox.select(ana);
+    inbox.person()->select(ana);
     persistActiveWorkspace(engines.db(), "empty", std::nullopt, LegacyRows::Keep);
     clock.advance(seconds(1));
     EXPECT_EQ(names().size(), 2);
-    EXPECT_EQ(inbox.workspaceNotice(), "Workspace changed — showing w1");
-    inbox.dismissWorkspaceNotice();
-    EXPECT_EQ(inbox.workspaceNotice(), "");
+    EXPECT_EQ(inbox.notices()->workspaceNotice(), "Workspace changed — showing w1");
+    inbox.notices()->dismissWorkspaceNotice();
+    EXPECT_EQ(inbox.notices()->workspaceNotice(), "");
 }
 
 TEST_F(InboxViewTest, aMissingPictureIsAskedForOnceAndOnlyOfAConnectedEngine)
@@ -184,40 +184,41 @@ TEST_F(InboxViewTest, aMissingPictureIsAskedForOnceAndOnlyOfAConnectedEngine)
     engine().printEvent({ { "type", "avatar" }, { "jid", ben.section(':', 2) },
         { "path", home.path("share/Corvane/media/main/gone.jpg") } });
     clock.advance(Milliseconds(110));
-    EXPECT_EQ(
-        column(inbox.contacts(), "avatarPath").filter("jpg"), QStringList(home.path("share/Corvane/media/main/a.jpg")));
+    EXPECT_EQ(column(inbox.list()->contacts(), "avatarPath").filter("jpg"),
+        QStringList(home.path("share/Corvane/media/main/a.jpg")));
 }
 
 TEST_F(InboxViewTest, aStaleWebChannelWarnsAndARetryAsksTheWeb)
 {
     ensureConversation(engines.db(), "LINKEDIN", "li", "t1", "Carla", clock.nowMs() - 3 * 3'600'000);
     engines.db().exec("INSERT INTO sync_health(source, status, updated_at) VALUES('inbox','error',1);");
-    inbox.reload();
-    ASSERT_EQ(inbox.stalenessBanners().size(), 1);
-    EXPECT_EQ(inbox.stalenessBanners().first().text, "LinkedIn last synced 3 hours ago — web connection degraded");
-    inbox.retry("LINKEDIN");
+    inbox.list()->reload();
+    ASSERT_EQ(inbox.notices()->stalenessBanners().size(), 1);
+    EXPECT_EQ(
+        inbox.notices()->stalenessBanners().first().text, "LinkedIn last synced 3 hours ago — web connection degraded");
+    inbox.notices()->retry("LINKEDIN");
     EXPECT_EQ(cell("SELECT kind || source || status FROM sync_command;"), "web_pullinboxpending");
-    EXPECT_TRUE(inbox.stalenessBanners().first().queued);
+    EXPECT_TRUE(inbox.notices()->stalenessBanners().first().queued);
     engines.db().exec("UPDATE sync_health SET status='ok';");
-    inbox.reload();
-    EXPECT_TRUE(inbox.stalenessBanners().isEmpty());
+    inbox.list()->reload();
+    EXPECT_TRUE(inbox.notices()->stalenessBanners().isEmpty());
 }
 
 TEST_F(InboxViewTest, atMidnightTodayIsAnotherDay)
 {
     receive(ana, "hello");
-    inbox.setViewModeWord("messages");
-    EXPECT_EQ(column(inbox.contacts(), "dateGroup"), QStringList("Today"));
+    inbox.filters()->setViewModeWord("messages");
+    EXPECT_EQ(column(inbox.list()->contacts(), "dateGroup"), QStringList("Today"));
     clock.advance(seconds(86'400));
-    EXPECT_EQ(column(inbox.contacts(), "dateGroup"), QStringList("Yesterday"));
-    EXPECT_EQ(column(inbox.contacts(), "timeText"), QStringList("Yesterday"));
+    EXPECT_EQ(column(inbox.list()->contacts(), "dateGroup"), QStringList("Yesterday"));
+    EXPECT_EQ(column(inbox.list()->contacts(), "timeText"), QStringList("Yesterday"));
 }
 
 TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsIt)
 {
     receiveFromAnaAndBen();
     rememberFrom(ana, 4500);
-    ThreadView& thread = *inbox.thread();
+    ThreadView& thread = *inbox.person()->thread();
     const auto shown = [&] {
         QStringList said = bodies();
         said.removeAll(QString());
@@ -228,7 +229,7 @@ TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsI
         return said.size() == last - first + 1 && said.first() == QStringLiteral("old %1").arg(first)
             && said.last() == (last > 4500 ? QStringLiteral("hello") : QStringLiteral("old %1").arg(last));
     };
-    inbox.select(ana);
+    inbox.person()->select(ana);
     EXPECT_TRUE(holds(3502, 4501));
     EXPECT_FALSE(thread.canLoadOlder()) << "the database has more";
     thread.extendOlder();
@@ -251,16 +252,16 @@ TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsI
     restInThread();
     EXPECT_EQ(engines.unreadTotal(), 1) << "Ben's alone";
 
-    inbox.jumpTo("old700");
+    inbox.person()->jumpTo("old700");
     EXPECT_TRUE(holds(200, 1199));
-    EXPECT_EQ(inbox.jumpMsgId(), "old700");
+    EXPECT_EQ(inbox.person()->jumpMsgId(), "old700");
     thread.showNewest();
     EXPECT_EQ(shown().size(), 1000);
     EXPECT_FALSE(thread.hasNewer());
     thread.showOldest();
     EXPECT_TRUE(holds(1, 1000));
 
-    inbox.jumpTo("gone");
+    inbox.person()->jumpTo("gone");
     EXPECT_EQ(thread.errorText(), "This message is no longer in the conversation.");
 }
 
@@ -268,10 +269,10 @@ TEST_F(InboxViewTest, historyComesInAboveAReaderAndAGroupStaysAGroup)
 {
     const QString crew = "ct:WHATSAPP:12@g.us";
     receive(crew, "both", { { "sender", "Lena" } });
-    inbox.select(crew);
-    inbox.thread()->reading()->setNewestInSight(false);
+    inbox.person()->select(crew);
+    inbox.person()->thread()->reading()->setNewestInSight(false);
     receive(crew, "before", { { "sender", "Omar" }, { "historical", true }, { "ts", clock.nowMs() - 60'000 } });
     clock.advance(seconds(1));
     EXPECT_EQ(bodies(), (QStringList { "", "before", "both" }));
-    EXPECT_EQ(column(inbox.thread()->rows(), "senderLabel"), (QStringList { "", "Omar", "Lena" }));
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "senderLabel"), (QStringList { "", "Omar", "Lena" }));
 }

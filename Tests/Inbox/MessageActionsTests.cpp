@@ -12,11 +12,11 @@ protected:
     MessageActionsTest()
     {
         receiveFromAnaAndBen();
-        inbox.select(ana);
+        inbox.person()->select(ana);
     }
 
-    MessageActions& actions() { return *inbox.messageActions(); }
-    VoicePlayer& voice() { return *inbox.voicePlayer(); }
+    MessageActions& actions() { return *inbox.person()->messageActions(); }
+    VoicePlayer& voice() { return *inbox.person()->voicePlayer(); }
 
     /// "id" for each that can be done, "id: why not" for each that cannot.
     QStringList offered(const QString& messageId)
@@ -72,18 +72,18 @@ TEST_F(MessageActionsTest, aDeletedMessageIsGoneHereAndComesBackWithAnUndo)
     actions().deleteLocal("wa:msg:m3");
     clock.advance(Milliseconds(110));
     EXPECT_EQ(bodies(), (QStringList { "", "hello", "third" }));
-    EXPECT_EQ(inbox.undoText(), "Deleted the local copy");
+    EXPECT_EQ(inbox.actions()->undoText(), "Deleted the local copy");
     EXPECT_NE(cell("SELECT deleted_at FROM unified_message WHERE id='wa:msg:m3';"), "-");
-    inbox.undo();
+    inbox.actions()->undo();
     EXPECT_EQ(bodies(), (QStringList { "", "hello", "second", "third" }));
-    EXPECT_EQ(inbox.undoText(), "");
+    EXPECT_EQ(inbox.actions()->undoText(), "");
 
     actions().deleteLocal("wa:msg:m4");
     clock.advance(Milliseconds(110));
-    EXPECT_EQ(column(inbox.contacts(), "snippet").first(), "second");
+    EXPECT_EQ(column(inbox.list()->contacts(), "snippet").first(), "second");
     clock.advance(seconds(10));
-    EXPECT_EQ(inbox.undoText(), "");
-    inbox.undo();
+    EXPECT_EQ(inbox.actions()->undoText(), "");
+    inbox.actions()->undo();
     EXPECT_EQ(bodies(), (QStringList { "", "hello", "second" })) << "too late";
 }
 
@@ -106,7 +106,7 @@ TEST_F(MessageActionsTest, aForwardIsADraftThatWaits)
 
     engines.db().exec("UPDATE unified_conversation SET deleted_at=1 WHERE contact_id LIKE '%49172%';");
     actions().forward("wa:msg:m1", ben);
-    EXPECT_EQ(inbox.thread()->errorText(), "Couldn't queue the draft for this conversation.");
+    EXPECT_EQ(inbox.person()->thread()->errorText(), "Couldn't queue the draft for this conversation.");
     EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "1");
 }
 
@@ -117,22 +117,22 @@ TEST_F(MessageActionsTest, aFileOpensInTheDesktopsProgramOrSaysWhyNot)
     receiveMedium("document", path);
     actions().openMedia("wa:msg:m3");
     EXPECT_EQ(desktop.openedFiles, QStringList(path));
-    EXPECT_EQ(inbox.thread()->errorText(), "");
+    EXPECT_EQ(inbox.person()->thread()->errorText(), "");
     desktop.opens = false;
     actions().openMedia("wa:msg:m3");
-    EXPECT_EQ(inbox.thread()->errorText(), "No program on this machine opens the file.");
+    EXPECT_EQ(inbox.person()->thread()->errorText(), "No program on this machine opens the file.");
 
     home.write("share/Corvane/media/main/b.txt", "#!/bin/sh");
     receiveMedium("document", home.path("share/Corvane/media/main/b.txt"));
     actions().openMedia("wa:msg:m4");
-    EXPECT_EQ(inbox.thread()->errorText(), "Document file is a program, so it is not opened.");
+    EXPECT_EQ(inbox.person()->thread()->errorText(), "Document file is a program, so it is not opened.");
     EXPECT_EQ(desktop.openedFiles.size(), 2);
     actions().openMedia("wa:msg:m1");
     EXPECT_EQ(desktop.openedFiles.size(), 2) << "a plain text has no file";
 
     ASSERT_TRUE(QFile::remove(path) && QFile::link("/etc/hostname", path)) << "after it was received";
     actions().openMedia("wa:msg:m3");
-    EXPECT_EQ(inbox.thread()->errorText(),
+    EXPECT_EQ(inbox.person()->thread()->errorText(),
         "Document file is not a plain file in its account's media folder, so it is not opened.");
 }
 
@@ -144,15 +144,15 @@ TEST_F(MessageActionsTest, aCallOpensWhatsAppWithThePersonsNumber)
     EXPECT_EQ(desktop.openedLinks, QList<QUrl> { QUrl("whatsapp://send?phone=49171") });
     desktop.opens = false;
     actions().callOnWhatsApp();
-    EXPECT_EQ(inbox.thread()->errorText(), "No program on this machine opens WhatsApp.");
+    EXPECT_EQ(inbox.person()->thread()->errorText(), "No program on this machine opens WhatsApp.");
 
     const QString group = "ct:WHATSAPP:1234-5@g.us";
     receive(group, "hi all");
-    inbox.select(group);
+    inbox.person()->select(group);
     EXPECT_FALSE(actions().canCall());
     actions().callOnWhatsApp();
     EXPECT_EQ(desktop.openedLinks.size(), 2);
-    inbox.select({});
+    inbox.person()->select({});
     EXPECT_FALSE(actions().canCall());
 }
 
@@ -185,7 +185,7 @@ TEST_F(MessageActionsTest, oneVoiceNotePlaysAtATime)
     voice().toggle("wa:msg:m4");
     receive(ana, "still playing");
     EXPECT_EQ(voice().state(), "playing");
-    inbox.select(ben);
+    inbox.person()->select(ben);
     EXPECT_EQ(voice().state(), "idle");
     EXPECT_EQ(voice().messageId(), "");
     EXPECT_EQ(player.current, AudioPlayer::State::Idle);
@@ -210,28 +210,29 @@ TEST_F(MessageActionsTest, aVoiceNoteThatCannotPlaySaysWhy)
 TEST_F(MessageActionsTest, theFirstUnreadMessageIsMarkedUntilAnotherThreadOpens)
 {
     restInThread();
-    inbox.select(ben);
+    inbox.person()->select(ben);
     for (const QString& body : { "one", "two", "three" })
         receive(ana, body);
     receive(ana, "my own", { { "direction", "OUT" } });
-    EXPECT_EQ(inbox.thread()->firstUnreadId(), "wa:msg:m2") << "Ben's message was new as well";
-    inbox.select(ana);
-    EXPECT_EQ(inbox.thread()->firstUnreadId(), "wa:msg:m3");
-    EXPECT_EQ(column(inbox.thread()->rows(), "unreadText"), (QStringList { "", "", "3 unread messages", "", "", "" }));
+    EXPECT_EQ(inbox.person()->thread()->firstUnreadId(), "wa:msg:m2") << "Ben's message was new as well";
+    inbox.person()->select(ana);
+    EXPECT_EQ(inbox.person()->thread()->firstUnreadId(), "wa:msg:m3");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "unreadText"),
+        (QStringList { "", "", "3 unread messages", "", "", "" }));
     receive(ana, "four");
-    EXPECT_EQ(column(inbox.thread()->rows(), "unreadText").indexOf("3 unread messages"), 2);
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "unreadText").indexOf("3 unread messages"), 2);
     restInThread();
-    inbox.select(ben);
-    inbox.select(ana);
-    EXPECT_EQ(inbox.thread()->firstUnreadId(), "");
-    EXPECT_EQ(column(inbox.thread()->rows(), "unreadText").join(""), "");
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
+    EXPECT_EQ(inbox.person()->thread()->firstUnreadId(), "");
+    EXPECT_EQ(column(inbox.person()->thread()->rows(), "unreadText").join(""), "");
 }
 
 TEST_F(MessageActionsTest, olderMessagesComeInAboveWithoutMovingTheRest)
 {
     receive(ana, "newest");
-    QAbstractItemModel* rows = inbox.thread()->rows();
-    const QPersistentModelIndex anchor(rows->index(inbox.thread()->rowOf("wa:msg:m1"), 0));
+    QAbstractItemModel* rows = inbox.person()->thread()->rows();
+    const QPersistentModelIndex anchor(rows->index(inbox.person()->thread()->rowOf("wa:msg:m1"), 0));
     const QSignalSpy reset(rows, &QAbstractItemModel::modelReset);
     const QSignalSpy removed(rows, &QAbstractItemModel::rowsRemoved);
     const QSignalSpy inserted(rows, &QAbstractItemModel::rowsInserted);
@@ -244,8 +245,8 @@ TEST_F(MessageActionsTest, olderMessagesComeInAboveWithoutMovingTheRest)
     EXPECT_GE(rows->rowCount(), 23);
     EXPECT_EQ(reset.size() + removed.size(), 0);
     EXPECT_GE(inserted.size(), 1);
-    EXPECT_EQ(anchor.row(), inbox.thread()->rowOf("wa:msg:m1"));
-    EXPECT_EQ(inbox.thread()->rowOf("wa:msg:old20"), 1);
+    EXPECT_EQ(anchor.row(), inbox.person()->thread()->rowOf("wa:msg:m1"));
+    EXPECT_EQ(inbox.person()->thread()->rowOf("wa:msg:old20"), 1);
 }
 
 TEST_F(MessageActionsTest, aLongMessageIsShownInSteps)
@@ -256,10 +257,10 @@ TEST_F(MessageActionsTest, aLongMessageIsShownInSteps)
         return bodies().last().size();
     };
     EXPECT_EQ(shown(), 10'000);
-    inbox.thread()->showMore("wa:msg:m3");
+    inbox.person()->thread()->showMore("wa:msg:m3");
     EXPECT_EQ(shown(), 80'000);
     receive(ben, "meanwhile");
-    inbox.thread()->showMore("wa:msg:m3");
+    inbox.person()->thread()->showMore("wa:msg:m3");
     EXPECT_EQ(shown(), book.size());
-    EXPECT_EQ(inbox.thread()->readableText("wa:msg:m3").size(), book.size() - 1);
+    EXPECT_EQ(inbox.person()->thread()->readableText("wa:msg:m3").size(), book.size() - 1);
 }

@@ -16,13 +16,13 @@ protected:
         lumo.machine.now.physicalMemoryBytes = 16ULL << 30;
         lumo.machine.now.powerSourceStates = { "AC Power" };
         receiveFromAnaAndBen();
-        inbox.select(ana);
+        inbox.person()->select(ana);
         QDir().mkpath(home.path("share/Corvane/media/main"));
         QFile::copy(spoken, note);
         receive(ana, {}, { { "mediaType", "audio" }, { "mediaPath", note } });
     }
 
-    VoiceTranscripts& transcripts() { return *inbox.transcripts(); }
+    VoiceTranscripts& transcripts() { return *inbox.person()->transcripts(); }
 
     const QString note = home.path("share/Corvane/media/main/note.wav");
     const QString id = "wa:msg:m3";
@@ -38,9 +38,9 @@ TEST_F(VoiceTranscriptTest, aVoiceNoteBecomesTextThatIsStoredShownSearchedAndRea
     EXPECT_EQ(
         cell("SELECT model FROM audio_transcript WHERE message_id='" + id + "';"), "pocketsphinx:en-us@5prealpha");
     EXPECT_FALSE(readSegments(note).isEmpty());
-    EXPECT_TRUE(inbox.thread()->readableText(id).contains("young man"));
+    EXPECT_TRUE(inbox.person()->thread()->readableText(id).contains("young man"));
     type("young man");
-    EXPECT_TRUE(column(inbox.messageHits(), "snippet").value(0).contains("<b>young man</b>"));
+    EXPECT_TRUE(column(inbox.list()->messageHits(), "snippet").value(0).contains("<b>young man</b>"));
 
     transcripts().speak(id);
     EXPECT_EQ(transcripts().speakingId(), id);
@@ -61,14 +61,14 @@ TEST_F(VoiceTranscriptTest, whatHindersATranscriptIsSaidAndLeavesWithTheThread)
     transcripts().transcribe(id);
     ASSERT_TRUE(await([&] { return transcripts().state(id)->kind != AudioTranscriptionState::Kind::Loading; }));
     EXPECT_EQ(transcripts().state(id)->kind, AudioTranscriptionState::Kind::MissingModel);
-    inbox.select(ben);
-    inbox.select(ana);
+    inbox.person()->select(ben);
+    inbox.person()->select(ana);
     EXPECT_FALSE(transcripts().state(id));
 }
 
 TEST_F(VoiceTranscriptTest, whatIsDictatedStandsAtTheCursorAndItsSoundIsGone)
 {
-    Composer& composer = *inbox.composer();
+    Composer& composer = *inbox.person()->composer();
     ComposerDictation& dictation = *composer.dictation();
     composer.setText("So, indeed.");
     QSignalSpy said(&composer, &Composer::dictated);

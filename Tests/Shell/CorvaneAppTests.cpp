@@ -144,11 +144,11 @@ TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
     appear(0);
     const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
     ensureConversation(app->engine().db(), "WHATSAPP", "first", "1@s.whatsapp.net", "Ana", 1000);
-    const QSignalSpy selected(&screens.inbox, &InboxView::selectionChanged);
+    const QSignalSpy selected(screens.inbox.person(), &OpenPerson::selectionChanged);
 
     app->notifications().post(corvane::notifications::openConversation, "ct:WHATSAPP:1@s.whatsapp.net");
     EXPECT_EQ(screens.shell.selectedNav(), "inbox");
-    EXPECT_EQ(screens.inbox.selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
+    EXPECT_EQ(screens.inbox.person()->selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
     EXPECT_EQ(windowRequested.count(), 0);
 
     app->open({ "nimb-companion://elsewhere?code=1" });

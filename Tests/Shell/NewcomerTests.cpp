@@ -56,12 +56,12 @@ protected:
     }
 
     InboxView& inbox() { return screens->inbox; }
-    Composer& composer() { return *inbox().composer(); }
-    CRMPane& pane() { return *inbox().crm(); }
+    Composer& composer() { return *inbox().person()->composer(); }
+    CRMPane& pane() { return *inbox().person()->crm(); }
 
     QString cell(const QString& sql) { return app->engine().db().scalar(sql).value_or("-"); }
 
-    QStringList thread(const QByteArray& role) { return column(*inbox().thread()->rows(), role); }
+    QStringList thread(const QByteArray& role) { return column(*inbox().person()->thread()->rows(), role); }
     QSet<QString> channels()
     {
         const QStringList platforms = thread("platform");
@@ -91,7 +91,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
 
     // One of the engines' programs writes into the database that Sofia is one person on three channels.
     ASSERT_TRUE(await([&] { return cell("SELECT COUNT(*) FROM contact_merge;") == "2"; }));
-    inbox().select(sofia);
+    inbox().person()->select(sofia);
     ASSERT_TRUE(await([&] { return pane().identityText() == "Same person · 3 channels"; }));
     EXPECT_EQ(channels(), (QSet<QString> { "WHATSAPP", "EMAIL", "TELEGRAM" }));
     EXPECT_EQ(composer().replyPlatforms().size(), 3);
@@ -100,7 +100,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     const QString answer = "Obrigada, Sofia! As caixas seguem amanhã";
     QStringList ticks;
     const auto reports = QObject::connect(&app->engine(), &EngineManager::eventHandled, [&] {
-        inbox().reload();
+        inbox().list()->reload();
         ticks.append(ticksOf(answer));
     });
     composer().setReplyPlatform("WHATSAPP");
@@ -120,7 +120,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     composer().send();
     ASSERT_TRUE(await([&] { return ticksOf("Também por aqui") == "Sent"; }));
     EXPECT_EQ(channels().size(), 3) << "the thread stays whole";
-    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
+    EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
 
     // The gallery's phone is hers, too; or perhaps not.
     const auto hasGallery = [&] {
@@ -130,12 +130,12 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_FALSE(hasGallery());
     pane().mergeWith(gallery);
     EXPECT_TRUE(hasGallery());
-    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 1);
+    EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 1);
     EXPECT_EQ(column(*pane().merges(), "text").first(), "Merged with Sofia Marques");
     pane().unmerge(column(*pane().merges(), "id").first());
     EXPECT_FALSE(hasGallery());
     EXPECT_EQ(channels().size(), 3);
-    EXPECT_EQ(column(*inbox().contacts(), "name").count("Sofia Marques"), 2);
+    EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 2);
 
     EXPECT_TRUE(pane().addDeal("Spring window", "Proposal", "€2k"));
     EXPECT_TRUE(pane().addTask("Ask for the measures"));
@@ -149,7 +149,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     sheet.setMessage("Hola, soy Marta del taller");
     sheet.submit();
     const QString stranger = "ct:WHATSAPP:34611223344@s.whatsapp.net";
-    EXPECT_EQ(inbox().selectedId(), stranger);
+    EXPECT_EQ(inbox().person()->selectedId(), stranger);
     PendingDraftsView& drafts = screens->drafts;
     ASSERT_EQ(drafts.count(), 1);
     EXPECT_EQ(column(*drafts.rows(), "statusLabel").first(), "waiting approval");
@@ -167,9 +167,9 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     // The next start, with every engine still asleep, shows it all.
     close();
     open();
-    inbox().select(stranger);
+    inbox().person()->select(stranger);
     EXPECT_EQ(composer().text(), "and later");
-    inbox().select(sofia);
+    inbox().person()->select(sofia);
     EXPECT_EQ(channels().size(), 3);
     EXPECT_TRUE(thread("body").contains(answer));
     EXPECT_TRUE(column(*pane().deals(), "text").contains("Spring window"));

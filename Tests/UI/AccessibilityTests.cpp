@@ -68,11 +68,11 @@ protected:
         visit(u"list"_s);
         press(Qt::Key_Down);
         visit(u"thread"_s);
-        inbox.setChannelFilter(u"WHATSAPP"_s);
-        inbox.bulk()->all();
+        inbox.filters()->setChannelFilter(u"WHATSAPP"_s);
+        inbox.actions()->bulk()->all();
         visit(u"picked rows under a filter"_s);
-        inbox.bulk()->clear();
-        inbox.setChannelFilter({});
+        inbox.actions()->bulk()->clear();
+        inbox.filters()->setChannelFilter({});
         inbox.setShowPalette(true);
         visit(u"palette"_s);
         inbox.setShowPalette(false);

@@ -237,7 +237,7 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
     ASSERT_FALSE(screens.panel.glance().isEmpty());
     QMetaObject::invokeMethod(item(u"panel.glance"_s), "clicked");
     EXPECT_FALSE(panel.isShown());
-    EXPECT_NE(inbox.selectedId(), QString());
+    EXPECT_NE(inbox.person()->selectedId(), QString());
 }
 
 TEST(PanelPlace, itStandsBesideThePressAndInsideTheScreen)

@@ -18,7 +18,7 @@ protected:
 
     void select(const QString& contactId)
     {
-        inbox.select(contactId);
+        inbox.person()->select(contactId);
         clock.advance(Milliseconds(600)); // suggestions come after a pause
         rest();
     }
@@ -46,7 +46,7 @@ protected:
 
     const QString ana = u"ct:WHATSAPP:49171@s.whatsapp.net"_s;
     const QString ben = u"ct:WHATSAPP:49172@s.whatsapp.net"_s;
-    CRMPane& pane = *inbox.crm();
+    CRMPane& pane = *inbox.person()->crm();
 
 private:
     FakeChild& m_otherPhone = startEngine(u"Other phone"_s);
@@ -56,20 +56,20 @@ private:
 
 TEST_F(ContactPaneWindow, twoContactsAreMergedAndBothWaysBackWork)
 {
-    const int people = inbox.contacts()->rowCount();
+    const int people = inbox.list()->contacts()->rowCount();
     click(u"contact.merge"_s);
-    EXPECT_EQ(inbox.contacts()->rowCount(), people - 1);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people - 1);
     EXPECT_EQ(findItem(u"contact.merge"_s), nullptr);
     click(u"inbox.undo"_s);
-    EXPECT_EQ(inbox.contacts()->rowCount(), people);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people);
 
     click(u"contact.merge"_s);
     newNumberWrites();
     clock.advance(Milliseconds(600));
     rest();
-    EXPECT_EQ(inbox.contacts()->rowCount(), people - 1) << "they stay one person";
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people - 1) << "they stay one person";
     click(u"contact.unmerge"_s);
-    EXPECT_EQ(inbox.contacts()->rowCount(), people);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people);
     item(u"contact.merge"_s);
 
     click(u"contact.dismissMerge"_s);

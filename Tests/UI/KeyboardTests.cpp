@@ -12,19 +12,19 @@ TEST_F(KeyboardTest, theListIsWalkedReadAndLeftWithKeysAlone)
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
 
     press(Qt::Key_Down);
-    EXPECT_EQ(inbox.selected().name, u"Ana Ruiz"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
     press(Qt::Key_J);
-    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
     press(Qt::Key_K);
     press(Qt::Key_Up);
-    EXPECT_EQ(inbox.selected().name, u"Ana Ruiz"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
 
     press(Qt::Key_Return);
     EXPECT_TRUE(focusWithin(u"thread.list"_s));
     press(Qt::Key_Escape);
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.selectedId(), QString());
+    EXPECT_EQ(inbox.person()->selectedId(), QString());
 }
 
 TEST_F(KeyboardTest, tabLeavesTheNewestMessageForTheReplyAndUpLeadsToWhatIsOlder)
@@ -69,11 +69,11 @@ TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
     EXPECT_EQ(player.current, AudioPlayer::State::Paused);
 
     press(Qt::Key_Up);
-    const int rows = inbox.thread()->rows()->rowCount();
+    const int rows = inbox.person()->thread()->rows()->rowCount();
     press(Qt::Key_Delete);
-    EXPECT_EQ(inbox.thread()->rows()->rowCount(), rows - 1);
+    EXPECT_EQ(inbox.person()->thread()->rows()->rowCount(), rows - 1);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(inbox.thread()->rows()->rowCount(), rows);
+    EXPECT_EQ(inbox.person()->thread()->rows()->rowCount(), rows);
 
     press(Qt::Key_Up);
     press(Qt::Key_Return);
@@ -97,15 +97,15 @@ TEST_F(KeyboardTest, aConversationIsMutedArchivedAndBroughtBackWithKeys)
 {
     showInbox();
     press(Qt::Key_Down);
-    const QString ana = inbox.selectedId();
+    const QString ana = inbox.person()->selectedId();
 
     press(Qt::Key_M);
-    EXPECT_TRUE(inbox.selected().isMuted);
+    EXPECT_TRUE(inbox.person()->selected().isMuted);
     press(Qt::Key_E);
-    EXPECT_EQ(inbox.contacts()->rowCount(), 5);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 5);
     EXPECT_NE(findItem(u"inbox.undo"_s), nullptr);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(inbox.contacts()->rowCount(), 6);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 6);
     EXPECT_EQ(findItem(u"inbox.undo"_s), nullptr);
 }
 
@@ -116,17 +116,17 @@ TEST_F(KeyboardTest, rowsArePickedWithTheSpaceBarAndActedOnTogether)
     press(Qt::Key_Space);
     press(Qt::Key_Down);
     press(Qt::Key_Space);
-    EXPECT_EQ(inbox.bulk()->ids().size(), 2);
+    EXPECT_EQ(inbox.actions()->bulk()->ids().size(), 2);
     item(u"bulk.archive"_s);
 
     press(Qt::Key_E);
-    EXPECT_EQ(inbox.contacts()->rowCount(), 4);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 4);
     EXPECT_EQ(findItem(u"bulk.archive"_s), nullptr);
 
     press(Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(inbox.bulk()->ids().size(), 4);
+    EXPECT_EQ(inbox.actions()->bulk()->ids().size(), 4);
     press(Qt::Key_Escape);
-    EXPECT_FALSE(inbox.bulk()->active());
+    EXPECT_FALSE(inbox.actions()->bulk()->active());
 }
 
 TEST_F(KeyboardTest, thePaletteFindsAPersonAndLettersInItMoveNothingElse)
@@ -136,19 +136,19 @@ TEST_F(KeyboardTest, thePaletteFindsAPersonAndLettersInItMoveNothingElse)
     ASSERT_TRUE(focusWithin(u"palette.query"_s));
 
     type(u"je"_s); // J and E, which would walk on and archive
-    EXPECT_EQ(inbox.contacts()->rowCount(), 6);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 6);
     press(Qt::Key_Backspace);
     press(Qt::Key_Backspace);
     type(u"ben"_s);
     press(Qt::Key_Return);
     EXPECT_FALSE(inbox.showPalette());
-    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
 
     press(Qt::Key_K, Qt::ControlModifier);
     EXPECT_EQ(inbox.palette()->query(), QString());
     press(Qt::Key_Escape);
     EXPECT_FALSE(inbox.showPalette());
-    EXPECT_EQ(inbox.selected().name, u"Ben"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
 }
 
 TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
@@ -159,14 +159,14 @@ TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
     type(u"invoice"_s);
     clock.advance(Milliseconds(300));
     rest();
-    EXPECT_EQ(inbox.contacts()->rowCount(), 1);
-    EXPECT_EQ(inbox.messageHits()->rowCount(), 1);
+    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 1);
+    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 1);
 
     press(Qt::Key_Down);
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
     press(Qt::Key_Escape);
     clock.advance(Milliseconds(300));
-    EXPECT_EQ(inbox.search(), QString());
+    EXPECT_EQ(inbox.filters()->search(), QString());
 }
 
 TEST_F(KeyboardTest, hubsAndSettingsHaveTheirKeys)

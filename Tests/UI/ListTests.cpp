@@ -10,7 +10,7 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
 {
     showInbox();
     const auto row = [this](int index) {
-        const QAbstractItemModel* contacts = inbox.contacts();
+        const QAbstractItemModel* contacts = inbox.list()->contacts();
         return u"contact:"_s + contacts->index(index, 0).data(contacts->roleNames().key("id")).toString();
     };
     const auto press = [&](int index, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
@@ -20,13 +20,13 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
         rest();
     };
     const auto picked = [&] {
-        return inbox.bulk()->ids().size();
+        return inbox.actions()->bulk()->ids().size();
     };
     press(0, Qt::LeftButton, Qt::NoModifier);
-    const QString open = inbox.selectedId();
+    const QString open = inbox.person()->selectedId();
     press(2, Qt::LeftButton, Qt::ControlModifier);
     EXPECT_EQ(picked(), 2) << "the open one and this one";
-    EXPECT_EQ(inbox.selectedId(), open);
+    EXPECT_EQ(inbox.person()->selectedId(), open);
     press(4, Qt::LeftButton, Qt::ShiftModifier);
     EXPECT_EQ(picked(), 4);
     press(2, Qt::LeftButton, Qt::ControlModifier);
@@ -36,13 +36,15 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
     EXPECT_EQ(picked(), 0);
     press(2, Qt::LeftButton, Qt::ShiftModifier);
     EXPECT_EQ(picked(), 3) << "from the open one";
-    inbox.bulk()->clear();
+    inbox.actions()->bulk()->clear();
 
     press(0, Qt::RightButton, Qt::NoModifier);
     click(u"contactMenu.read"_s);
     EXPECT_EQ(engines.unreadTotal() > 0, true);
-    EXPECT_EQ(inbox.selectedId(), u""_s) << "an open thread would count as read again";
-    EXPECT_EQ(inbox.contacts()->index(0, 0).data(inbox.contacts()->roleNames().key("unread")).toString(), u"1"_s);
+    EXPECT_EQ(inbox.person()->selectedId(), u""_s) << "an open thread would count as read again";
+    EXPECT_EQ(
+        inbox.list()->contacts()->index(0, 0).data(inbox.list()->contacts()->roleNames().key("unread")).toString(),
+        u"1"_s);
 }
 
 TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
@@ -55,7 +57,7 @@ TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
     QQuickItem* list = item(u"inbox.list"_s);
     list->setProperty("contentY", list->property("contentY").toReal() + 900);
     rest();
-    EXPECT_FALSE(inbox.atTop());
+    EXPECT_FALSE(inbox.list()->atTop());
     const auto place = [this](const QString& name) {
         const QQuickItem* row = item(u"contact:ct:WHATSAPP:"_s + name);
         return row ? row->mapToScene(QPointF(0, 0)).y() : -1;
@@ -65,10 +67,10 @@ TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
     receive(engine, u"49999@s.whatsapp.net"_s, u"Somebody new"_s, u"hi"_s);
     rest();
     EXPECT_EQ(place(u"493012@s.whatsapp.net"_s), before);
-    EXPECT_EQ(inbox.newAbove(), u"2 new above"_s);
+    EXPECT_EQ(inbox.list()->newAbove(), u"2 new above"_s);
     click(u"inbox.newAbove"_s);
-    EXPECT_TRUE(inbox.atTop());
-    EXPECT_EQ(inbox.newAbove(), QString());
+    EXPECT_TRUE(inbox.list()->atTop());
+    EXPECT_EQ(inbox.list()->newAbove(), QString());
 }
 
 }

@@ -19,7 +19,7 @@ TEST_F(MediaTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
     showInbox();
     receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, u"the label"_s,
         { { "mediaType", "image" }, { "mediaPath", path } });
-    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     rest();
     QQuickItem* photo = item(u"media.photo"_s);
     ASSERT_NE(photo, nullptr);
@@ -49,7 +49,7 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "image" }, { "mediaPath", path(name) } });
     ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
-    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     const auto isShown = [this](const QString& text) {
         return std::ranges::any_of(
             visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
@@ -79,7 +79,7 @@ TEST_F(MediaTest, aVoiceNoteShowsItsNameLengthAndShapeBeforeItIsPlayedAndAPipeAs
         { { "type", "avatar" }, { "jid", "49172@s.whatsapp.net" }, { "path", pipe } });
     receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
         { { "mediaType", "audio" }, { "mediaPath", path } });
-    inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     EXPECT_TRUE(await([&] {
         rest();
         const QQuickItem* length = findItem(u"thread.voiceLength"_s);

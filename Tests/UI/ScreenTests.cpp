@@ -55,19 +55,19 @@ TEST_F(ScreenTest, everyScreenDrawsWithoutAWarningInBothThemes)
     expectDrawn(u"list"_s);
     press(Qt::Key_Down);
     expectDrawn(u"thread"_s);
-    inbox.setViewModeWord(u"messages"_s);
+    inbox.filters()->setViewModeWord(u"messages"_s);
     expectDrawn(u"grouped by day"_s);
-    inbox.setSearch(u"invoice"_s);
+    inbox.filters()->setSearch(u"invoice"_s);
     clock.advance(Milliseconds(300));
     expectDrawn(u"search"_s);
-    inbox.setSearch(u"no such words"_s);
+    inbox.filters()->setSearch(u"no such words"_s);
     clock.advance(Milliseconds(300));
     expectDrawn(u"nothing found"_s);
-    inbox.setSearch({});
+    inbox.filters()->setSearch({});
     clock.advance(Milliseconds(300));
-    inbox.bulk()->all();
+    inbox.actions()->bulk()->all();
     expectDrawn(u"picked rows"_s);
-    inbox.bulk()->clear();
+    inbox.actions()->bulk()->clear();
     inbox.setShowPalette(true);
     expectDrawn(u"palette"_s);
     inbox.setShowPalette(false);
@@ -235,7 +235,7 @@ TEST_F(ScreenTest, theProfileMenuOffersWorkspacesOnceAndOnlyToWhoIsSignedIn)
 TEST_F(ScreenTest, aSearchOfAnyLengthStaysInItsPlace)
 {
     showInbox();
-    inbox.setSearch(QString(10'000, u'x'));
+    inbox.filters()->setSearch(QString(10'000, u'x'));
     clock.advance(Milliseconds(300));
     rest();
     for (const QQuickItem* each : visibleItems()) {
@@ -310,7 +310,7 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     EXPECT_GE(thread->property("count").toInt(), loaded + 50);
     EXPECT_NEAR(placeOf(u"Message 0 of a long morning"_s), atTop, 1);
 
-    inbox.openHit(u"wa:msg:m25"_s);
+    inbox.person()->openHit(u"wa:msg:m25"_s);
     rest();
     const QString read = u"Message 19 of a long morning"_s;
     const double inTheMiddle = placeOf(read);
@@ -318,8 +318,8 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     receiveOlder();
     EXPECT_NEAR(placeOf(read), inTheMiddle, 1);
 
-    inbox.composer()->setText(u"what is said is seen"_s);
-    inbox.composer()->send();
+    inbox.person()->composer()->setText(u"what is said is seen"_s);
+    inbox.person()->composer()->send();
     rest();
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
@@ -362,7 +362,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE external_id='49171
     clock.advance(seconds(2));
     rest();
     EXPECT_EQ(engines.unreadTotal(), unread + 1) << "nobody has seen it";
-    inbox.jumpTo(u"old2750"_s);
+    inbox.person()->jumpTo(u"old2750"_s);
     rest();
     EXPECT_TRUE(inSight().contains(u"old2750"_s));
     thread->forceActiveFocus(Qt::TabFocusReason);
@@ -389,13 +389,13 @@ TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
     EXPECT_TRUE(list->property("atYBeginning").toBool());
 
     press(Qt::Key_Down);
-    EXPECT_EQ(inbox.selected().name, u"Person 129"_s);
+    EXPECT_EQ(inbox.person()->selected().name, u"Person 129"_s);
     write(100);
     EXPECT_TRUE(list->property("atYBeginning").toBool()) << "the open row moves, the view stays";
 
     for (int i = 0; i < 25; ++i)
         press(Qt::Key_Down);
-    const QString open = inbox.selectedId();
+    const QString open = inbox.person()->selectedId();
     const auto placeOfOpenRow = [&] {
         for (QQuickItem* row : visibleItems()) {
             if (row->objectName() == u"contact:"_s + open)
@@ -413,13 +413,13 @@ TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
 TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
 {
     showInbox();
-    inbox.setSearch(u"Message 3 of"_s);
+    inbox.filters()->setSearch(u"Message 3 of"_s);
     clock.advance(Milliseconds(300));
     rest();
-    const QAbstractItemModel* hits = inbox.messageHits();
+    const QAbstractItemModel* hits = inbox.list()->messageHits();
     ASSERT_EQ(hits->rowCount(), 1);
     const int idRole = hits->roleNames().key("id");
-    inbox.openHit(hits->index(0, 0).data(idRole).toString());
+    inbox.person()->openHit(hits->index(0, 0).data(idRole).toString());
     rest();
 
     QQuickItem* thread = item(u"thread.list"_s);

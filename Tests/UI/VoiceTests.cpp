@@ -24,7 +24,7 @@ protected:
         showInbox();
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "audio" }, { "mediaPath", note } });
-        inbox.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+        inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
         rest();
     }
 
@@ -54,7 +54,7 @@ TEST_F(VoiceWindow, aVoiceNoteIsTranscribedAndReadAloud)
 
 TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
 {
-    inbox.composer()->setText(u"Yes.  See you."_s);
+    inbox.person()->composer()->setText(u"Yes.  See you."_s);
     press(Qt::Key_R);
     for (int i = 0; i < 9; ++i)
         press(Qt::Key_Left);
@@ -68,17 +68,18 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     click(u"dictation.finish"_s);
     ASSERT_TRUE(await([&] {
         rest();
-        return inbox.composer()->text().size() > 20;
+        return inbox.person()->composer()->text().size() > 20;
     }));
-    EXPECT_TRUE(inbox.composer()->text().startsWith(u"Yes. he "_s)) << qPrintable(inbox.composer()->text());
-    EXPECT_TRUE(inbox.composer()->text().endsWith(u" See you."_s));
+    EXPECT_TRUE(inbox.person()->composer()->text().startsWith(u"Yes. he "_s))
+        << qPrintable(inbox.person()->composer()->text());
+    EXPECT_TRUE(inbox.person()->composer()->text().endsWith(u" See you."_s));
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     microphone.answer(MicrophoneAccess::Granted);
     rest();
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.composer()->dictation()->stateWord(), u"idle"_s);
+    EXPECT_EQ(inbox.person()->composer()->dictation()->stateWord(), u"idle"_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     defaults.setText(u"nimb.dictationLocale"_s, u"de"_s);

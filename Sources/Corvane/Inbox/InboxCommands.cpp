@@ -1,6 +1,6 @@
 #include "Inbox/InboxCommands.h"
 
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 
 namespace corvane {
 
@@ -12,7 +12,7 @@ QList<Command> inboxCommands(InboxView& inbox)
     const CommandPlace thread { u"This conversation"_s, 2 };
     const CommandPlace message { u"On a message"_s, 2 };
     const auto somebodyIsOpen = [&inbox] {
-        return !inbox.selectedId().isEmpty();
+        return !inbox.person()->selectedId().isEmpty();
     };
     return {
         { u"next"_s, u"Next conversation"_s, u"Down or J"_s, { u"J"_s }, list },
@@ -26,7 +26,7 @@ QList<Command> inboxCommands(InboxView& inbox)
         { u"dictate"_s, u"Dictate, or insert what was said"_s, u"Ctrl+Shift+D"_s, { u"Ctrl+Shift+D"_s }, thread,
             u"Dictate into the reply"_s, somebodyIsOpen,
             [&inbox] {
-                inbox.composer()->dictate();
+                inbox.person()->composer()->dictate();
             } },
         { u"unread"_s, u"Mark as unread"_s, u"U"_s, { u"U"_s }, thread },
         { u"archive"_s, u"Archive or unarchive"_s, u"E"_s, { u"E"_s }, thread },
@@ -45,7 +45,7 @@ QList<Command> inboxCommands(InboxView& inbox)
             .canRun = somebodyIsOpen,
             .run =
                 [&inbox] {
-                    inbox.archiveSelected();
+                    inbox.actions()->archiveSelected();
                 } },
         { .id = u"muteCurrent"_s,
             .keys = u"M"_s,
@@ -53,7 +53,7 @@ QList<Command> inboxCommands(InboxView& inbox)
             .canRun = somebodyIsOpen,
             .run =
                 [&inbox] {
-                    inbox.muteSelected();
+                    inbox.actions()->muteSelected();
                 } },
         { .id = u"toggleCRM"_s,
             .keys = u"Ctrl+I"_s,
@@ -61,13 +61,13 @@ QList<Command> inboxCommands(InboxView& inbox)
             .canRun = somebodyIsOpen,
             .run =
                 [&inbox] {
-                    inbox.setShowCRM(!inbox.showCRM());
+                    inbox.person()->setShowCRM(!inbox.person()->showCRM());
                 } },
         { .id = u"markAllRead"_s,
             .action = u"Mark all as read"_s,
             .run =
                 [&inbox] {
-                    inbox.markAllRead();
+                    inbox.actions()->markAllRead();
                 } },
         { .id = u"compose"_s,
             .keys = u"Ctrl+N"_s,

@@ -56,7 +56,7 @@ Screens::Screens(CorvaneApp& root)
     };
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
-    QObject::connect(settings.system(), &SystemSettings::changed, inbox.composer(), &Composer::hintsChanged);
+    QObject::connect(settings.system(), &SystemSettings::changed, inbox.person()->composer(), &Composer::hintsChanged);
     QObject::connect(
         &notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(QStringLiteral("calendar")); });
     commands.add(shellCommands(shell, inbox, commands));

@@ -8,7 +8,7 @@
 #include "Calls/CallSettings.h"
 #include "Calls/CallsView.h"
 #include "Desk/CorvaneMenuBarView.h"
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 #include "Presentation/Commands.h"
 #include "Settings/Appearance.h"
 #include "Settings/DictationSettings.h"

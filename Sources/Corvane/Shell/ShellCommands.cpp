@@ -1,6 +1,6 @@
 #include "Shell/ShellCommands.h"
 
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 #include "Shell/AppShell.h"
 #include "Shell/Hubs.h"
 

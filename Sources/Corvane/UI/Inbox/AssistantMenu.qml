@@ -7,9 +7,9 @@ import Corvane.Inbox
 IconButton {
     id: button
 
-    required property InboxView inbox
-    readonly property DraftAssistant draft: inbox.assistant
-    readonly property bool hasText: inbox.composer.canSend
+    required property OpenPerson person
+    readonly property DraftAssistant draft: person.assistant
+    readonly property bool hasText: person.composer.canSend
 
     signal askAsked
 
@@ -37,12 +37,12 @@ IconButton {
             objectName: "assistant.summarize"
             icon.name: "view-list"
             text: qsTr("Summarize this thread")
-            onTriggered: button.inbox.summary.summarize()
+            onTriggered: button.person.summary.summarize()
         }
         MenuItem {
             objectName: "assistant.ask"
             icon.name: "edit-find"
-            text: button.inbox.askLumo.heading + "…"
+            text: button.person.askLumo.heading + "…"
             onTriggered: button.askAsked()
         }
         MenuSeparator {}

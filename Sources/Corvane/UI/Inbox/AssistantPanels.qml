@@ -6,7 +6,7 @@ import Corvane.Inbox
 FocusScope {
     id: panels
 
-    required property InboxView inbox
+    required property OpenPerson person
     required property real room ///< height that the thread can spare
 
     readonly property int ready: (summary.ready ? 1 : 0) + (draft.ready ? 1 : 0)
@@ -40,7 +40,7 @@ FocusScope {
     }
     implicitHeight: content.implicitHeight > 0 ? content.implicitHeight + Theme.medium : 0
     enabled: implicitHeight > 0
-    visible: inbox.selectedId !== ""
+    visible: person.selectedId !== ""
 
     Column {
         id: content
@@ -52,7 +52,7 @@ FocusScope {
             id: summary
             objectName: "summary"
             width: parent.width
-            panel: panels.inbox.summary
+            panel: panels.person.summary
             name: qsTr("Summary of the thread")
             room: panels.textRoom
             onDismissed: panels.emptied()
@@ -60,26 +60,26 @@ FocusScope {
             Text {
                 objectName: "summary.text"
                 width: parent.width
-                text: panels.inbox.summary.html
+                text: panels.person.summary.html
                 textFormat: Text.StyledText
                 wrapMode: Text.Wrap
                 color: Theme.text
                 linkColor: Theme.accent
                 font.pixelSize: Theme.body
-                Accessible.name: panels.inbox.summary.text
-                onLinkActivated: link => panels.inbox.jumpTo(link)
+                Accessible.name: panels.person.summary.text
+                onLinkActivated: link => panels.person.jumpTo(link)
                 HoverHandler {
                     cursorShape: parent.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
                 }
             }
             Citations {
                 width: parent.width
-                inbox: panels.inbox
-                citations: panels.inbox.summary.citations
+                person: panels.person
+                citations: panels.person.summary.citations
             }
             Label {
                 width: parent.width
-                text: panels.inbox.summary.modelName
+                text: panels.person.summary.modelName
                 font.pixelSize: Theme.meta
                 color: Theme.soft
             }
@@ -87,7 +87,7 @@ FocusScope {
         DraftPreview {
             id: draft
             width: parent.width
-            inbox: panels.inbox
+            person: panels.person
             room: panels.textRoom
             onDismissed: panels.emptied()
             onSettingsAsked: panels.settingsAsked()
@@ -95,10 +95,10 @@ FocusScope {
         Banner {
             objectName: "draftTaken"
             width: parent.width
-            visible: panels.inbox.composer.canUndo && panels.inbox.composer.canSend && panels.inbox.assistant.state === "idle"
+            visible: panels.person.composer.canUndo && panels.person.composer.canSend && panels.person.assistant.state === "idle"
             text: qsTr("The text stands in the composer.")
             action: qsTr("Undo")
-            onActed: panels.inbox.composer.undo()
+            onActed: panels.person.composer.undo()
         }
     }
 }

@@ -7,7 +7,7 @@ Rectangle {
     id: bubble
 
     required property threadRow message
-    required property InboxView inbox
+    required property OpenPerson person
     required property int maximumWidth
     property bool ringed: false
 
@@ -61,7 +61,7 @@ Rectangle {
             visible: active
             sourceComponent: Media {
                 message: bubble.message
-                inbox: bubble.inbox
+                person: bubble.person
                 maximumWidth: bubble.maximumWidth - bubble.padding * 2
             }
         }
@@ -83,7 +83,7 @@ Rectangle {
             visible: active
             sourceComponent: Quotation {
                 message: bubble.message
-                thread: bubble.inbox.thread
+                thread: bubble.person.thread
                 maximumWidth: bubble.maximumWidth - bubble.padding * 2
             }
         }
@@ -94,7 +94,7 @@ Rectangle {
                 implicitHeight: 28
                 kind: "quiet"
                 text: bubble.message.moreText
-                onClicked: bubble.inbox.thread.showMore(bubble.message.id)
+                onClicked: bubble.person.thread.showMore(bubble.message.id)
             }
         }
         Label {
@@ -111,7 +111,7 @@ Rectangle {
             visible: active
             sourceComponent: Transcription {
                 message: bubble.message
-                inbox: bubble.inbox
+                person: bubble.person
                 maximumWidth: bubble.maximumWidth - bubble.padding * 2
             }
         }

@@ -6,9 +6,9 @@ import Corvane.Inbox
 Rectangle {
     id: bar
 
-    required property InboxView inbox
+    required property ListActions actions
 
-    implicitHeight: inbox.bulk.active ? Theme.bar : 0
+    implicitHeight: actions.bulk.active ? Theme.bar : 0
     visible: height > 0
     clip: true
     color: Theme.surface
@@ -22,7 +22,7 @@ Rectangle {
     Label {
         x: Theme.large
         anchors.verticalCenter: parent.verticalCenter
-        text: bar.inbox.bulk.text
+        text: bar.actions.bulk.text
         font.weight: Theme.strong
     }
     Row {
@@ -34,28 +34,28 @@ Rectangle {
             objectName: "bulk.read"
             icon.name: "mail-mark-read"
             text: qsTr("Mark as read")
-            onClicked: bar.inbox.markCheckedRead()
+            onClicked: bar.actions.markCheckedRead()
         }
         IconButton {
             objectName: "bulk.mute"
             icon.name: "notifications-disabled"
             text: qsTr("Mute or unmute")
             key: Commands.keysOf("mute")
-            onClicked: bar.inbox.muteChecked()
+            onClicked: bar.actions.muteChecked()
         }
         IconButton {
             objectName: "bulk.archive"
-            icon.name: bar.inbox.unarchives ? "mail-unarchive" : "mail-archive"
-            text: bar.inbox.archiveLabel
+            icon.name: bar.actions.unarchives ? "mail-unarchive" : "mail-archive"
+            text: bar.actions.archiveLabel
             key: Commands.keysOf("archive")
-            onClicked: bar.inbox.archiveChecked()
+            onClicked: bar.actions.archiveChecked()
         }
         IconButton {
             objectName: "bulk.clear"
             icon.name: "window-close"
             text: qsTr("Pick none")
             key: Commands.keysOf("back")
-            onClicked: bar.inbox.bulk.clear()
+            onClicked: bar.actions.bulk.clear()
         }
     }
 }

@@ -6,7 +6,7 @@ import Corvane.Inbox
 Flow {
     id: line
 
-    required property InboxView inbox
+    required property OpenPerson person
     required property list<citation> citations
 
     spacing: Theme.tight
@@ -27,7 +27,7 @@ Flow {
             objectName: "citation." + modelData.label
             text: modelData.label
             Accessible.name: qsTr("Show the message %1: %2").arg(modelData.label).arg(modelData.excerpt)
-            onClicked: line.inbox.jumpTo(modelData.messageId)
+            onClicked: line.person.jumpTo(modelData.messageId)
             Tooltip {
                 text: chip.modelData.excerpt.slice(0, 120)
                 shown: chip.hovered

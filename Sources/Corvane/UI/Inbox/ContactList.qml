@@ -13,7 +13,7 @@ ListView {
 
     objectName: "inbox.list"
     clip: true
-    model: inbox.contacts
+    model: inbox.list.contacts
     reuseItems: true
     boundsBehavior: Flickable.StopAtBounds
     highlightFollowsCurrentItem: false
@@ -29,24 +29,24 @@ ListView {
 
     // The row in hand is the open conversation's. It comes into sight when another is opened, and not each time
     // that new messages move it.
-    currentIndex: inbox.selectedIndex
+    currentIndex: inbox.list.selectedIndex
     Connections {
-        target: list.inbox
+        target: list.inbox.person
         function onSelectionChanged() {
-            if (list.inbox.selectedIndex >= 0)
-                list.positionViewAtIndex(list.inbox.selectedIndex, ListView.Contain);
+            if (list.inbox.list.selectedIndex >= 0)
+                list.positionViewAtIndex(list.inbox.list.selectedIndex, ListView.Contain);
         }
     }
 
     // Whoever looks at the top sees what comes in there; whoever has scrolled keeps their place.
     property bool atTop: true
     onContentYChanged: atTop = contentY <= originY + 1
-    Binding { target: list.inbox; property: "atTop"; value: list.atTop }
+    Binding { target: list.inbox.list; property: "atTop"; value: list.atTop }
     function toTop() {
         contentY = originY - topMargin;
     }
     Connections {
-        target: list.inbox
+        target: list.inbox.list
         function onChanged() {
             if (!list.atTop)
                 return;
@@ -55,12 +55,12 @@ ListView {
         }
     }
 
-    Keys.onDownPressed: inbox.moveSelection(1)
-    Keys.onUpPressed: inbox.moveSelection(-1)
-    Keys.onReturnPressed: if (inbox.selectedId) entered()
-    Keys.onEnterPressed: if (inbox.selectedId) entered()
+    Keys.onDownPressed: inbox.person.moveSelection(1)
+    Keys.onUpPressed: inbox.person.moveSelection(-1)
+    Keys.onReturnPressed: if (inbox.person.selectedId) entered()
+    Keys.onEnterPressed: if (inbox.person.selectedId) entered()
     Keys.onMenuPressed: if (currentItem) menu.show(currentItem as ContactRow, currentItem)
-    Keys.onSpacePressed: if (inbox.selectedId) inbox.bulk.toggle(inbox.selectedId)
+    Keys.onSpacePressed: if (inbox.person.selectedId) inbox.actions.bulk.toggle(inbox.person.selectedId)
 
     section.property: "dateGroup"
     section.delegate: SectionHeader {
@@ -75,15 +75,15 @@ ListView {
     delegate: ContactRow {
         id: line
         width: ListView.view.width
-        picking: list.inbox.bulk.active
+        picking: list.inbox.actions.bulk.active
         ringed: keyboard.shown && contact.selected
         onOpened: {
             list.forceActiveFocus(Qt.MouseFocusReason);
-            list.inbox.select(line.contact.id);
+            list.inbox.person.select(line.contact.id);
         }
-        onToggled: list.inbox.bulk.toggle(line.contact.id)
-        onAdded: list.inbox.bulk.add(line.contact.id)
-        onExtended: list.inbox.bulk.extendTo(line.contact.id)
+        onToggled: list.inbox.actions.bulk.toggle(line.contact.id)
+        onAdded: list.inbox.actions.bulk.add(line.contact.id)
+        onExtended: list.inbox.actions.bulk.extendTo(line.contact.id)
         onMenuAsked: menu.show(line, null)
     }
 
@@ -94,27 +94,27 @@ ListView {
 
     footer: Column {
         width: list.width
-        visible: hits.count > 0 || list.inbox.searching
+        visible: hits.count > 0 || list.inbox.list.searching
         height: visible ? implicitHeight : 0
 
         SectionHeader {
             leftPadding: Theme.large
             topPadding: Theme.large
             bottomPadding: Theme.tight
-            text: list.inbox.searching ? qsTr("Searching the messages…") : qsTr("Messages")
+            text: list.inbox.list.searching ? qsTr("Searching the messages…") : qsTr("Messages")
         }
         Skeleton {
             width: parent.width
             rows: 3
-            active: list.inbox.searching
+            active: list.inbox.list.searching
         }
         Repeater {
             id: hits
-            model: list.inbox.messageHits
+            model: list.inbox.list.messageHits
             HitRow {
                 id: found
                 width: list.width
-                onClicked: list.inbox.openHit(found.hit.id)
+                onClicked: list.inbox.person.openHit(found.hit.id)
             }
         }
     }

@@ -27,32 +27,32 @@ Menu {
     MenuItem {
         icon.name: "go-next"
         text: qsTr("Open")
-        onTriggered: menu.inbox.select(menu.contactId)
+        onTriggered: menu.inbox.person.select(menu.contactId)
     }
     MenuItem {
         objectName: "contactMenu.read"
         icon.name: "mail-mark-read"
         text: menu.isUnread ? qsTr("Mark as read") : qsTr("Mark as unread")
         key: Commands.keysOf("unread")
-        onTriggered: menu.inbox.toggleRead(menu.contactId)
+        onTriggered: menu.inbox.actions.toggleRead(menu.contactId)
     }
     MenuItem {
         icon.name: menu.isMuted ? "notifications" : "notifications-disabled"
         text: menu.isMuted ? qsTr("Unmute") : qsTr("Mute")
         key: Commands.keysOf("mute")
-        onTriggered: menu.inbox.mute([menu.contactId])
+        onTriggered: menu.inbox.actions.mute([menu.contactId])
     }
     MenuItem {
-        icon.name: menu.inbox.unarchives ? "mail-unarchive" : "mail-archive"
-        text: menu.inbox.archiveLabel
+        icon.name: menu.inbox.actions.unarchives ? "mail-unarchive" : "mail-archive"
+        text: menu.inbox.actions.archiveLabel
         key: Commands.keysOf("archive")
-        onTriggered: menu.inbox.archive([menu.contactId])
+        onTriggered: menu.inbox.actions.archive([menu.contactId])
     }
     MenuSeparator {}
     MenuItem {
         icon.name: "select"
         text: qsTr("Pick")
         key: Commands.keysOf("check")
-        onTriggered: menu.inbox.bulk.toggle(menu.contactId)
+        onTriggered: menu.inbox.actions.bulk.toggle(menu.contactId)
     }
 }

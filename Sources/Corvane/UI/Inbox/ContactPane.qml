@@ -11,15 +11,15 @@ FocusScope {
     required property WindowLayout layout
     property bool over: false ///< lies over the thread rather than beside it
 
-    readonly property contactItem contact: inbox.selected
-    readonly property CRMPane crm: inbox.crm
+    readonly property contactItem contact: inbox.person.selected
+    readonly property CRMPane crm: inbox.person.crm
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Contact")
 
     RevealFocus { view: view }
     Connections {
-        target: pane.inbox
+        target: pane.inbox.person
         function onSelectionChanged() {
             view.contentY = 0;
         }
@@ -214,14 +214,14 @@ FocusScope {
                     icon.name: pane.contact.isMuted ? "notifications" : "notifications-disabled"
                     text: pane.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
                     key: Commands.keysOf("mute")
-                    onClicked: pane.inbox.muteSelected()
+                    onClicked: pane.inbox.actions.muteSelected()
                 }
                 PaneAction {
                     objectName: "contact.archive"
-                    icon.name: pane.inbox.unarchives ? "mail-unarchive" : "mail-archive"
-                    text: pane.inbox.archiveLabel
+                    icon.name: pane.inbox.actions.unarchives ? "mail-unarchive" : "mail-archive"
+                    text: pane.inbox.actions.archiveLabel
                     key: Commands.keysOf("archive")
-                    onClicked: pane.inbox.archiveSelected()
+                    onClicked: pane.inbox.actions.archiveSelected()
                 }
                 PaneAction {
                     objectName: "contact.copy"

@@ -6,8 +6,8 @@ import Corvane.Inbox
 GenerationCard {
     id: card
 
-    required property InboxView inbox
-    readonly property DraftAssistant draft: inbox.assistant
+    required property OpenPerson person
+    readonly property DraftAssistant draft: person.assistant
 
     objectName: "draftPreview"
     panel: draft
@@ -58,7 +58,7 @@ GenerationCard {
     }
     Citations {
         width: parent.width
-        inbox: card.inbox
+        person: card.person
         citations: card.draft.citations
     }
     buttons: [
@@ -78,10 +78,10 @@ GenerationCard {
         },
         Button {
             objectName: "draftPreview.undo"
-            visible: card.inbox.composer.canUndo
+            visible: card.person.composer.canUndo
             text: qsTr("Undo")
             hint: qsTr("The composer as it was before the last draft")
-            onClicked: card.inbox.composer.undo()
+            onClicked: card.person.composer.undo()
         }
     ]
 }

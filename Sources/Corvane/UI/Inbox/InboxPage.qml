@@ -10,11 +10,11 @@ Page {
     required property InboxView screen
     readonly property InboxView inbox: screen
 
-    readonly property bool open: inbox.selectedId !== ""
+    readonly property bool open: inbox.person.selectedId !== ""
     readonly property bool narrow: width < 1200
     /// Folded away below 1200 px until it is asked for.
     property bool contactAskedFor: false
-    readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.showCRM)
+    readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.person.showCRM)
 
     panes: [list, bar, thread, panels, reply, contact]
     Component.onCompleted: inbox.appear()
@@ -26,29 +26,29 @@ Page {
             list.search();
             break;
         case "next":
-            inbox.moveSelection(1);
+            inbox.person.moveSelection(1);
             break;
         case "previous":
-            inbox.moveSelection(-1);
+            inbox.person.moveSelection(-1);
             break;
         case "checkAll":
-            inbox.bulk.all();
+            inbox.actions.bulk.all();
             break;
         case "archive":
-            if (inbox.bulk.active)
-                inbox.archiveChecked();
+            if (inbox.actions.bulk.active)
+                inbox.actions.archiveChecked();
             else
-                inbox.archiveSelected();
+                inbox.actions.archiveSelected();
             break;
         case "mute":
-            if (inbox.bulk.active)
-                inbox.muteChecked();
+            if (inbox.actions.bulk.active)
+                inbox.actions.muteChecked();
             else
-                inbox.muteSelected();
+                inbox.actions.muteSelected();
             break;
         case "unread":
             if (open)
-                inbox.toggleRead(inbox.selectedId);
+                inbox.actions.toggleRead(inbox.person.selectedId);
             break;
         case "reply":
             if (reply.visible)
@@ -59,7 +59,7 @@ Page {
                 reply.openAssistant();
             break;
         case "undo":
-            inbox.undo();
+            inbox.actions.undo();
             break;
         case "contactPane":
             toggleContact();
@@ -74,27 +74,27 @@ Page {
         if (narrow)
             contactAskedFor = !contactAskedFor;
         else
-            inbox.showCRM = !inbox.showCRM;
+            inbox.person.showCRM = !inbox.person.showCRM;
     }
 
     function back() {
-        if (inbox.composer.dictation.state !== "idle") {
-            inbox.composer.dictation.cancel();
+        if (inbox.person.composer.dictation.state !== "idle") {
+            inbox.person.composer.dictation.cancel();
         } else if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
-        } else if (inbox.bulk.active) {
-            inbox.bulk.clear();
+        } else if (inbox.actions.bulk.active) {
+            inbox.actions.bulk.clear();
         } else if (panels.activeFocus) {
             panels.back();
         } else if (reply.activeFocus && open) {
             thread.forceActiveFocus(Qt.TabFocusReason);
         } else if (thread.activeFocus || bar.activeFocus || contact.activeFocus) {
             list.forceActiveFocus(Qt.TabFocusReason);
-        } else if (inbox.search) {
-            inbox.search = "";
+        } else if (inbox.filters.search) {
+            inbox.filters.search = "";
         } else {
-            inbox.select("");
+            inbox.person.select("");
         }
     }
 
@@ -140,7 +140,7 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        inbox: page.inbox
+        person: page.inbox.person
         room: page.height - bar.height - reply.height - 160
         onEmptied: reply.focusField()
         onSettingsAsked: page.openSettings("assistant")
@@ -151,7 +151,7 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        inbox: page.inbox
+        person: page.inbox.person
         onAskLumo: askLumo.open()
     }
     DragHandle {
@@ -179,12 +179,12 @@ Page {
 
     AskLumoSheet {
         id: askLumo
-        askLumo: page.inbox.askLumo
+        askLumo: page.inbox.person.askLumo
         onSettingsAsked: page.openSettings("assistant")
     }
     NewMessage { compose: page.inbox.composeSheet }
     UndoToast {
-        inbox: page.inbox
+        actions: page.inbox.actions
         anchors.bottom: thread.bottom
         anchors.bottomMargin: Theme.wide
         anchors.horizontalCenter: parent.horizontalCenter

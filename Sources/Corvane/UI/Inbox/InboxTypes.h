@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Inbox/List/InboxView.h"
+#include "Inbox/InboxView.h"
 
 #include <QtQml/qqml.h>
 
@@ -12,6 +12,41 @@ struct InboxViewType {
     Q_GADGET
     QML_FOREIGN(corvane::InboxView)
     QML_NAMED_ELEMENT(InboxView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ListFilterType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ListFilter)
+    QML_NAMED_ELEMENT(ListFilter)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ContactListViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ContactListView)
+    QML_NAMED_ELEMENT(ContactListView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ListNoticesType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ListNotices)
+    QML_NAMED_ELEMENT(ListNotices)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct OpenPersonType {
+    Q_GADGET
+    QML_FOREIGN(corvane::OpenPerson)
+    QML_NAMED_ELEMENT(OpenPerson)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ListActionsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ListActions)
+    QML_NAMED_ELEMENT(ListActions)
     QML_UNCREATABLE("The program makes it.")
 };
 

@@ -25,9 +25,9 @@ Column {
         x: Theme.medium
         width: parent.width - Theme.medium * 2
         placeholderText: qsTr("Search people and messages")
-        text: head.inbox.search
-        onTextEdited: head.inbox.search = text
-        onCleared: head.inbox.search = ""
+        text: head.inbox.filters.search
+        onTextEdited: head.inbox.filters.search = text
+        onCleared: head.inbox.filters.search = ""
         onLeave: head.leave()
     }
     Row {
@@ -35,16 +35,16 @@ Column {
         spacing: 2
 
         Repeater {
-            model: head.inbox.tabs.length // the tabs stay while their counts change
+            model: head.inbox.list.tabs.length // the tabs stay while their counts change
             FilterTab {
                 id: filter
                 required property int index
-                readonly property tabItem tab: head.inbox.tabs[index]
-                objectName: "inbox.filter." + tab.id
+                readonly property tabItem tab: head.inbox.list.tabs[index]
+                objectName: "inbox.filters." + tab.id
                 text: tab.label
                 count: tab.count
-                selected: head.inbox.filter === tab.id
-                onClicked: head.inbox.filter = filter.tab.id
+                selected: head.inbox.filters.filter === tab.id
+                onClicked: head.inbox.filters.filter = filter.tab.id
             }
         }
     }
@@ -59,35 +59,35 @@ Column {
             spacing: Theme.tight
 
             Chip {
-                visible: head.inbox.channelFilter !== ""
+                visible: head.inbox.filters.channelFilter !== ""
                 removable: true
-                mark: head.inbox.channelFilter
-                text: head.inbox.channelFilterLabel
-                onClicked: head.inbox.channelFilter = ""
+                mark: head.inbox.filters.channelFilter
+                text: head.inbox.filters.channelFilterLabel
+                onClicked: head.inbox.filters.channelFilter = ""
             }
             Chip {
-                visible: head.inbox.accountFilter !== ""
+                visible: head.inbox.filters.accountFilter !== ""
                 removable: true
-                text: head.inbox.accountFilterLabel
-                onClicked: head.inbox.accountFilter = ""
+                text: head.inbox.filters.accountFilterLabel
+                onClicked: head.inbox.filters.accountFilter = ""
             }
             MenuButton {
                 objectName: "inbox.sort"
-                visible: head.inbox.channelFilter === "" && head.inbox.accountFilter === ""
+                visible: head.inbox.filters.channelFilter === "" && head.inbox.filters.accountFilter === ""
                 icon.name: "view-sort"
-                text: head.inbox.sort === "unread" ? qsTr("Unread first") : qsTr("Newest first")
+                text: head.inbox.filters.sort === "unread" ? qsTr("Unread first") : qsTr("Newest first")
                 hint: qsTr("Order of the list")
                 MenuItem {
                     text: qsTr("Newest first")
                     checkable: true
-                    checked: head.inbox.sort === "recent"
-                    onTriggered: head.inbox.sort = "recent"
+                    checked: head.inbox.filters.sort === "recent"
+                    onTriggered: head.inbox.filters.sort = "recent"
                 }
                 MenuItem {
                     text: qsTr("Unread first")
                     checkable: true
-                    checked: head.inbox.sort === "unread"
-                    onTriggered: head.inbox.sort = "unread"
+                    checked: head.inbox.filters.sort === "unread"
+                    onTriggered: head.inbox.filters.sort = "unread"
                 }
             }
         }
@@ -110,9 +110,9 @@ Column {
                 size: 28
                 iconSize: 16
                 icon.name: "view-calendar"
-                checked: head.inbox.viewMode === "messages"
+                checked: head.inbox.filters.viewMode === "messages"
                 text: qsTr("Group by day")
-                onClicked: head.inbox.viewMode = head.inbox.viewMode === "messages" ? "contacts" : "messages"
+                onClicked: head.inbox.filters.viewMode = head.inbox.filters.viewMode === "messages" ? "contacts" : "messages"
             }
             IconButton {
                 id: narrow
@@ -120,7 +120,7 @@ Column {
                 size: 28
                 iconSize: 16
                 icon.name: "filter"
-                checked: head.inbox.channelFilter !== "" || head.inbox.accountFilter !== ""
+                checked: head.inbox.filters.channelFilter !== "" || head.inbox.filters.accountFilter !== ""
                 text: qsTr("Channels and accounts")
                 Accessible.role: Accessible.ButtonMenu
                 onClicked: choices.popup(narrow, narrow.width - choices.width, narrow.height + Theme.tight)
@@ -141,24 +141,24 @@ Column {
     Menu {
         id: choices
         Instantiator {
-            model: head.inbox.channelChoices
+            model: head.inbox.filters.channelChoices
             delegate: MenuItem {
                 required property choice modelData
                 icon.name: "channel-" + modelData.id.toLowerCase()
                 text: modelData.label
-                onTriggered: head.inbox.channelFilter = modelData.id
+                onTriggered: head.inbox.filters.channelFilter = modelData.id
             }
             onObjectAdded: (index, item) => choices.insertItem(index, item)
             onObjectRemoved: (index, item) => choices.removeItem(item)
         }
         MenuSeparator {}
         Instantiator {
-            model: head.inbox.accountChoices
+            model: head.inbox.filters.accountChoices
             delegate: MenuItem {
                 required property choice modelData
                 icon.name: "user"
                 text: modelData.label
-                onTriggered: head.inbox.accountFilter = modelData.id
+                onTriggered: head.inbox.filters.accountFilter = modelData.id
             }
             onObjectAdded: (index, item) => choices.addItem(item)
             onObjectRemoved: (index, item) => choices.removeItem(item)
@@ -169,13 +169,13 @@ Column {
         MenuItem {
             icon.name: "mail-mark-read"
             text: qsTr("Mark all as read")
-            onTriggered: head.inbox.markAllRead()
+            onTriggered: head.inbox.actions.markAllRead()
         }
         MenuItem {
             icon.name: "select"
             text: qsTr("Pick all")
             key: Commands.keysOf("checkAll")
-            onTriggered: head.inbox.bulk.all()
+            onTriggered: head.inbox.actions.bulk.all()
         }
     }
 }

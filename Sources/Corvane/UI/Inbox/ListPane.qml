@@ -34,26 +34,26 @@ FocusScope {
         x: Theme.medium
         width: parent.width - Theme.medium * 2
         spacing: Theme.small
-        readonly property bool filled: pane.inbox.workspaceNotice !== "" || pane.inbox.stalenessBanners.length > 0
+        readonly property bool filled: pane.inbox.notices.workspaceNotice !== "" || pane.inbox.notices.stalenessBanners.length > 0
         topPadding: filled ? Theme.tight : 0
         bottomPadding: Theme.small
 
         Banner {
             visible: text !== ""
             width: parent.width
-            text: pane.inbox.workspaceNotice
+            text: pane.inbox.notices.workspaceNotice
             dismissable: true
-            onDismissed: pane.inbox.dismissWorkspaceNotice()
+            onDismissed: pane.inbox.notices.dismissWorkspaceNotice()
         }
         Repeater {
-            model: pane.inbox.stalenessBanners
+            model: pane.inbox.notices.stalenessBanners
             Banner {
                 required property stalenessBanner modelData
                 width: notices.width
                 tone: "warn"
                 text: modelData.text
                 action: qsTr("Retry")
-                onActed: pane.inbox.retry(modelData.channel)
+                onActed: pane.inbox.notices.retry(modelData.channel)
             }
         }
     }
@@ -74,7 +74,7 @@ FocusScope {
             id: rows
             anchors.fill: parent
             focus: true
-            visible: !pane.inbox.isEmpty
+            visible: !pane.inbox.list.isEmpty
             inbox: pane.inbox
             onEntered: pane.entered()
         }
@@ -84,25 +84,25 @@ FocusScope {
             y: Theme.small
             visible: text !== ""
             icon.name: "go-up"
-            text: pane.inbox.newAbove
+            text: pane.inbox.list.newAbove
             onClicked: rows.toTop()
         }
         Skeleton {
             width: parent.width
-            active: pane.inbox.loading
+            active: pane.inbox.list.loading
         }
         EmptyState {
             anchors.centerIn: parent
             anchors.verticalCenterOffset: -Theme.wide
             width: parent.width - Theme.huge * 2
-            visible: pane.inbox.isEmpty && !pane.inbox.loading
-            icon: pane.inbox.search ? "edit-find" : pane.inbox.filter === "archived" ? "mail-archive" : "hub-inbox"
-            title: pane.inbox.emptyTitle
-            detail: pane.inbox.emptyDetail
-            action: pane.inbox.emptyCanClear ? qsTr("Clear") : pane.inbox.emptyDetail ? qsTr("Open Accounts") : ""
+            visible: pane.inbox.list.isEmpty && !pane.inbox.list.loading
+            icon: pane.inbox.filters.search ? "edit-find" : pane.inbox.filters.filter === "archived" ? "mail-archive" : "hub-inbox"
+            title: pane.inbox.filters.emptyTitle
+            detail: pane.inbox.filters.emptyDetail
+            action: pane.inbox.filters.emptyCanClear ? qsTr("Clear") : pane.inbox.filters.emptyDetail ? qsTr("Open Accounts") : ""
             onActed: {
-                if (pane.inbox.emptyCanClear)
-                    pane.inbox.clearActiveEmptyFilter();
+                if (pane.inbox.filters.emptyCanClear)
+                    pane.inbox.filters.clearActiveEmptyFilter();
                 else
                     pane.openSettings();
             }
@@ -112,6 +112,6 @@ FocusScope {
         id: bulk
         anchors.bottom: parent.bottom
         width: parent.width
-        inbox: pane.inbox
+        actions: pane.inbox.actions
     }
 }

@@ -8,7 +8,7 @@ Item {
     id: media
 
     required property threadRow message
-    required property InboxView inbox
+    required property OpenPerson person
     required property int maximumWidth
 
     readonly property bool here: message.mediaState === "ready"
@@ -41,7 +41,7 @@ Item {
         leastWidth: media.sticker ? 64 : 140
         mostWidth: media.sticker ? 160 : 480
         path: media.pictorial ? media.message.mediaPath : ""
-        TapHandler { onTapped: media.inbox.messageActions.openMedia(media.message.id) }
+        TapHandler { onTapped: media.person.messageActions.openMedia(media.message.id) }
         HoverHandler { cursorShape: Qt.PointingHandCursor }
     }
     Rectangle {
@@ -94,9 +94,9 @@ Item {
                 : media.message.mediaState === "failed" ? qsTr("Try again") : qsTr("Download")
             onClicked: {
                 if (media.here)
-                    media.inbox.messageActions.openMedia(media.message.id);
+                    media.person.messageActions.openMedia(media.message.id);
                 else
-                    media.inbox.thread.fetchMedia(media.message.id);
+                    media.person.thread.fetchMedia(media.message.id);
             }
         }
     }
@@ -106,7 +106,7 @@ Item {
         active: media.voice
         sourceComponent: VoicePlayback {
             message: media.message
-            player: media.inbox.voicePlayer
+            player: media.person.voicePlayer
         }
     }
 }

@@ -8,10 +8,10 @@ Menu {
     id: menu
 
     required property string messageId
-    required property InboxView inbox
+    required property OpenPerson person
 
-    readonly property ThreadView thread: inbox.thread
-    readonly property MessageActions actions: inbox.messageActions
+    readonly property ThreadView thread: person.thread
+    readonly property MessageActions actions: person.messageActions
     property list<messageOffer> offers
     property messageOffer none ///< of an action that the message does not have
 
@@ -82,7 +82,7 @@ Menu {
         icon.name: "media-playback-start"
         key: "Space"
         offer: menu.offer("play")
-        onTriggered: menu.inbox.voicePlayer.toggle(menu.messageId)
+        onTriggered: menu.person.voicePlayer.toggle(menu.messageId)
     }
     MessageAction {
         icon.name: "edit-copy"
@@ -100,12 +100,12 @@ Menu {
     MessageAction {
         icon.name: "note"
         offer: menu.offer("transcribe")
-        onTriggered: menu.inbox.transcripts.transcribe(menu.messageId)
+        onTriggered: menu.person.transcripts.transcribe(menu.messageId)
     }
     MessageAction {
         icon.name: "audio"
         offer: menu.offer("speak")
-        onTriggered: menu.inbox.transcripts.speak(menu.messageId)
+        onTriggered: menu.person.transcripts.speak(menu.messageId)
     }
     MessageAction {
         icon.name: "document-open"

@@ -90,24 +90,24 @@ Rectangle {
 
         IconButton {
             objectName: "thread.call"
-            visible: head.inbox.messageActions.canCall
+            visible: head.inbox.person.messageActions.canCall
             icon.name: "call-start"
-            text: head.inbox.messageActions.callLabel
-            onClicked: head.inbox.messageActions.callOnWhatsApp()
+            text: head.inbox.person.messageActions.callLabel
+            onClicked: head.inbox.person.messageActions.callOnWhatsApp()
         }
         IconButton {
             objectName: "thread.mute"
             icon.name: head.contact.isMuted ? "notifications" : "notifications-disabled"
             text: head.contact.isMuted ? qsTr("Unmute") : qsTr("Mute")
             key: Commands.keysOf("mute")
-            onClicked: head.inbox.muteSelected()
+            onClicked: head.inbox.actions.muteSelected()
         }
         IconButton {
             objectName: "thread.archive"
-            icon.name: head.inbox.unarchives ? "mail-unarchive" : "mail-archive"
-            text: head.inbox.archiveLabel
+            icon.name: head.inbox.actions.unarchives ? "mail-unarchive" : "mail-archive"
+            text: head.inbox.actions.archiveLabel
             key: Commands.keysOf("archive")
-            onClicked: head.inbox.archiveSelected()
+            onClicked: head.inbox.actions.archiveSelected()
         }
         IconButton {
             objectName: "thread.contact"

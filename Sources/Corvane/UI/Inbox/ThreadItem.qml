@@ -9,8 +9,8 @@ Item {
     required property threadRow message
 
 
-    required property InboxView inbox
-    readonly property ThreadView thread: inbox.thread
+    required property OpenPerson person
+    readonly property ThreadView thread: person.thread
     property bool ringed: false
 
     function openMenu() {
@@ -78,7 +78,7 @@ Item {
             id: bubble
             anchors.right: threadItem.message.outgoing ? parent.right : undefined
             message: threadItem.message
-            inbox: threadItem.inbox
+            person: threadItem.person
             ringed: threadItem.ringed
             maximumWidth: Math.floor(Math.min(threadItem.width, 1100) * 0.68)
         }
@@ -113,7 +113,7 @@ Item {
         active: false
         sourceComponent: MessageMenu {
             messageId: threadItem.message.id
-            inbox: threadItem.inbox
+            person: threadItem.person
         }
     }
 }

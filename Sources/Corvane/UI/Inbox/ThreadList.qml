@@ -7,8 +7,8 @@ import Corvane.Inbox
 ListView {
     id: list
 
-    required property InboxView inbox
-    readonly property ThreadView thread: inbox.thread
+    required property OpenPerson person
+    readonly property ThreadView thread: person.thread
 
     property bool atNewest: true
     readonly property ThreadItem current: currentItem as ThreadItem ///< where the keyboard is
@@ -165,7 +165,7 @@ ListView {
 
     function jump() {
         atNewest = false;
-        Qt.callLater(centre, inbox.jumpMsgId);
+        Qt.callLater(centre, person.jumpMsgId);
     }
 
     function centre(messageId: string) {
@@ -188,11 +188,11 @@ ListView {
         }
     }
     Connections {
-        target: list.inbox
+        target: list.person
         function onJumped() { list.jump(); }
     }
     Connections {
-        target: list.inbox.composer
+        target: list.person.composer
         function onSent() { list.showNewest(); }
     }
     Connections {
@@ -214,13 +214,13 @@ ListView {
             current?.openMenu();
             event.accepted = true;
         } else if (event.key === Qt.Key_Space && current?.message.mediaKind === "audio" && current.message.mediaState === "ready") {
-            inbox.voicePlayer.toggle(current.message.id);
+            person.voicePlayer.toggle(current.message.id);
             event.accepted = true;
-        } else if ((event.key === Qt.Key_Left || event.key === Qt.Key_Right) && current?.message.id === inbox.voicePlayer.messageId) {
-            inbox.voicePlayer.skip(event.key === Qt.Key_Left ? -5 : 5);
+        } else if ((event.key === Qt.Key_Left || event.key === Qt.Key_Right) && current?.message.id === person.voicePlayer.messageId) {
+            person.voicePlayer.skip(event.key === Qt.Key_Left ? -5 : 5);
             event.accepted = true;
         } else if (event.key === Qt.Key_Delete && current && !current.message.isDate) {
-            inbox.messageActions.deleteLocal(current.message.id);
+            person.messageActions.deleteLocal(current.message.id);
             event.accepted = true;
         } else if (event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown) {
             page(event.key === Qt.Key_PageUp ? -1 : 1);
@@ -264,7 +264,7 @@ ListView {
     footer: Item { width: 1; height: Theme.large }
     delegate: ThreadItem {
         width: ListView.view.width
-        inbox: list.inbox
+        person: list.person
         ringed: keyboard.shown && ListView.isCurrentItem
     }
 

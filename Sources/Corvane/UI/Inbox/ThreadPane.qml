@@ -9,9 +9,9 @@ FocusScope {
     required property InboxView inbox
     required property bool contactShown
 
-    readonly property ThreadView thread: inbox.thread
-    readonly property contactItem contact: inbox.selected
-    readonly property bool open: inbox.selectedId !== ""
+    readonly property ThreadView thread: inbox.person.thread
+    readonly property contactItem contact: inbox.person.selected
+    readonly property bool open: inbox.person.selectedId !== ""
 
     signal toggleContact
 
@@ -41,7 +41,7 @@ FocusScope {
         width: parent.width - Theme.large * 2
         visible: pane.open && text !== ""
         tone: pane.thread.errorText ? "bad" : "plain"
-        text: pane.thread.errorText || pane.inbox.messageActions.noticeText
+        text: pane.thread.errorText || pane.inbox.person.messageActions.noticeText
         dismissable: pane.thread.errorText !== ""
         onDismissed: pane.thread.dismissError()
     }
@@ -52,7 +52,7 @@ FocusScope {
         width: parent.width
         focus: true
         visible: pane.open
-        inbox: pane.inbox
+        person: pane.inbox.person
     }
     EmptyState {
         anchors.centerIn: parent

@@ -7,10 +7,10 @@ Column {
     id: transcription
 
     required property threadRow message
-    required property InboxView inbox
+    required property OpenPerson person
     required property int maximumWidth
 
-    readonly property VoiceTranscripts transcripts: inbox.transcripts
+    readonly property VoiceTranscripts transcripts: person.transcripts
     readonly property string step: message.transcribeState
 
     spacing: 2
@@ -53,7 +53,7 @@ Column {
             kind: "quiet"
             focusPolicy: Qt.NoFocus
             text: qsTr("Add a speech model")
-            onClicked: transcription.inbox.openVoiceSettings()
+            onClicked: transcription.person.openVoiceSettings()
         }
         Button {
             objectName: "thread.speak"

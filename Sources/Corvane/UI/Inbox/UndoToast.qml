@@ -6,10 +6,10 @@ import Corvane.Inbox
 Toast {
     id: toast
 
-    required property InboxView inbox
+    required property ListActions actions
 
     undoName: "inbox.undo"
-    text: inbox.undoText
-    onUndone: inbox.undo()
-    onDismissed: inbox.dismissUndo()
+    text: actions.undoText
+    onUndone: actions.undo()
+    onDismissed: actions.dismissUndo()
 }

@@ -28,8 +28,8 @@ FocusScope {
 
     focus: true
 
-    Binding { target: frame.inbox; property: "shown"; value: frame.shown && frame.inboxShown }
-    Binding { target: frame.inbox; property: "onScreen"; value: frame.seen && frame.inboxShown }
+    Binding { target: frame.inbox.list; property: "shown"; value: frame.shown && frame.inboxShown }
+    Binding { target: frame.inbox.person; property: "onScreen"; value: frame.seen && frame.inboxShown }
     Binding { target: frame.settings; property: "visible"; value: frame.shell.settings }
 
     Instantiator {

@@ -1,0 +1,100 @@
+#include "Inbox/InboxView.h"
+
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
+#include "Foundation/Ids.h"
+#include "Presentation/WAName.h"
+#include "Store/Core/StoreWatch.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Store/People/IdentityQueries.h"
+
+namespace corvane {
+
+InboxView::InboxView(const Surroundings& at, QObject* parent)
+    : QObject(parent)
+    , m_engine(at.engine)
+    , m_notifications(at.notifications)
+    , m_scheduler(at.scheduler)
+    , m_filter(at.accounts, m_scheduler)
+    , m_list(m_engine.db(), m_scheduler, m_filter, m_bulk)
+    , m_notices(m_engine.db(), m_scheduler)
+    , m_avatars(m_engine, at.accounts)
+    , m_undo(m_scheduler, [this] { Q_EMIT m_actions.undoChanged(); })
+    , m_person(at, m_list, m_undo)
+    , m_actions({ m_engine, at.accounts, m_filter, m_bulk, m_list, m_person, m_undo })
+    , m_composeSheet(at.accounts, m_engine, at.desktop,
+          [this](const Account& account, const QString& recipient, const OutgoingMessage& message) {
+              return composeNew(account, recipient, message);
+          })
+{
+    connect(&m_engine, &EngineManager::inboxRevisionChanged, &m_list, &ContactListView::personChanged);
+    connect(&at.accounts, &AccountStore::accountsChanged, &m_list, &ContactListView::reloadSoon);
+    connect(&m_list, &ContactListView::read, this, [this] {
+        m_notices.read();
+        m_avatars.requestMissing(m_list.found());
+    });
+    connect(&m_list, &ContactListView::changed, this, [this] {
+        m_notices.present(m_filter.channelFilter());
+        m_palette.setContacts(m_list.found());
+    });
+    connect(&m_person, &OpenPerson::selectionChanged, &m_palette, &CommandPalette::refresh);
+    connect(&m_palette, &CommandPalette::contactChosen, this,
+        [this](const QString& contactId) { m_notifications.post(notifications::openConversation, contactId); });
+    connect(&m_palette, &CommandPalette::searchChosen, this, [this](const QString& query) {
+        comeToFront();
+        m_filter.searchFor(query);
+    });
+    connect(&m_palette, &CommandPalette::closed, this, [this] { setShowPalette(false); });
+    // A query may find, while it runs, that another workspace is to be shown: the reload waits its turn.
+    m_workspaceChanged = m_notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
+        m_person.close();
+        m_list.reloadSoon();
+    });
+}
+
+void InboxView::setShowPalette(bool show)
+{
+    if (m_showPalette == show)
+        return;
+    m_showPalette = show;
+    if (show) {
+        m_list.catchUp();
+        m_palette.open();
+    } else {
+        m_palette.close();
+    }
+    Q_EMIT showPaletteChanged();
+}
+
+void InboxView::writeNew()
+{
+    comeToFront();
+    m_composeSheet.open();
+}
+
+void InboxView::comeToFront()
+{
+    m_notifications.post(notifications::openWorkConsole, QStringLiteral("inbox"));
+}
+
+bool InboxView::composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message)
+{
+    const QString channel = channelRaw(account.channel());
+    const QString address = recipientAddress(account.channel(), recipient);
+    const QString contact = contactId(channel, address);
+    // Without a title they would be called by the bare address, even if they are known by name.
+    const QString name = contactExists(m_engine.db(), contact) ? displayName(m_engine.db(), contact)
+        : account.channel() == Channel::WhatsApp               ? WAName::pretty(address)
+                                                               : address;
+    const QString conversation
+        = ensureConversation(m_engine.db(), channel, account.slug, address, name, m_scheduler.nowMs());
+    if (!m_engine.queueDraft(conversation, message, QStringLiteral("compose")))
+        return false;
+    m_engine.db().watch().tell(StoreSubject::Drafts);
+    m_engine.bump();
+    m_list.reload();
+    m_person.select(contact);
+    return true;
+}
+
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Approvals/PendingDraftsView.h"
+#include "Inbox/Compose/ComposeSheet.h"
+#include "Inbox/List/AvatarRequests.h"
+#include "Inbox/List/CommandPalette.h"
+#include "Inbox/List/ListActions.h"
+#include "Inbox/List/ListFilter.h"
+#include "Inbox/List/ListNotices.h"
+#include "Inbox/OpenPerson.h"
+#include "Presentation/UndoOffer.h"
+
+namespace corvane {
+
+/// The inbox: the list of people, the person who is open, and what is done with them.
+class InboxView : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(corvane::ListFilter* filters READ filters CONSTANT)
+    Q_PROPERTY(corvane::ContactListView* list READ list CONSTANT)
+    Q_PROPERTY(corvane::ListNotices* notices READ notices CONSTANT)
+    Q_PROPERTY(corvane::OpenPerson* person READ person CONSTANT)
+    Q_PROPERTY(corvane::ListActions* actions READ actions CONSTANT)
+    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< the bar over the thread
+    Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
+    Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
+    Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
+public:
+    using Surroundings = OpenPerson::Surroundings;
+
+    /// Everything outlives the view.
+    explicit InboxView(const Surroundings& at, QObject* parent = nullptr);
+
+    ListFilter* filters() { return &m_filter; }
+    ContactListView* list() { return &m_list; }
+    ListNotices* notices() { return &m_notices; }
+    OpenPerson* person() { return &m_person; }
+    ListActions* actions() { return &m_actions; }
+    PendingDraftsView* drafts() const { return m_drafts; }
+    void setDrafts(PendingDraftsView& drafts) { m_drafts = &drafts; } ///< they outlive the view
+    ComposeSheet* composeSheet() { return &m_composeSheet; }
+    CommandPalette* palette() { return &m_palette; }
+    bool showPalette() const { return m_showPalette; }
+    void setShowPalette(bool show);
+
+    Q_INVOKABLE void appear() { m_list.appear(); } ///< each time the screen shows
+    void writeNew(); ///< to somebody new, with the inbox in front
+
+    /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
+    bool composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message);
+
+Q_SIGNALS:
+    void showPaletteChanged();
+
+private:
+    void comeToFront();
+
+    EngineManager& m_engine;
+    NotificationCentre& m_notifications;
+    Scheduler& m_scheduler;
+    ListFilter m_filter;
+    BulkSelection m_bulk;
+    ContactListView m_list;
+    ListNotices m_notices;
+    AvatarRequests m_avatars;
+    UndoOffer m_undo;
+    OpenPerson m_person;
+    ListActions m_actions;
+    PendingDraftsView* m_drafts = nullptr;
+    ComposeSheet m_composeSheet;
+    CommandPalette m_palette;
+    bool m_showPalette = false;
+    NotificationCentre::Observation m_workspaceChanged;
+};
+
+}

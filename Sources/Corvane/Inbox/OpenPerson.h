@@ -1,0 +1,140 @@
+#pragma once
+
+#include "CRM/CRMPane.h"
+#include "Foundation/NotificationCentre.h"
+#include "Inbox/Assistant/AskLumo.h"
+#include "Inbox/Assistant/DraftAssistant.h"
+#include "Inbox/Assistant/ThreadSummary.h"
+#include "Inbox/Compose/Composer.h"
+#include "Inbox/List/ContactListView.h"
+#include "Inbox/Thread/MessageActions.h"
+#include "Inbox/Thread/ThreadView.h"
+#include "Inbox/Thread/VoicePlayer.h"
+#include "Inbox/Thread/VoiceTranscripts.h"
+
+namespace corvane {
+
+class AudioPlayer;
+class Desktop;
+class TranslationService;
+class UserDefaults;
+struct AIServices;
+struct AppPaths;
+
+/// The person who is open: their thread and the panes around it.
+class OpenPerson : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
+    Q_PROPERTY(
+        corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nobody is open
+    Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
+    Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
+    Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
+    Q_PROPERTY(corvane::VoicePlayer* voicePlayer READ voicePlayer CONSTANT)
+    Q_PROPERTY(corvane::VoiceTranscripts* transcripts READ transcripts CONSTANT)
+    Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
+    Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
+    Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
+    Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
+    Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
+    Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
+    Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
+public:
+    /// Everything outlives the person's panes.
+    struct Surroundings {
+        EngineManager& engine;
+        AccountStore& accounts;
+        UserDefaults& defaults;
+        NotificationCentre& notifications;
+        Scheduler& scheduler;
+        Microphone& microphone;
+        Desktop& desktop;
+        AudioPlayer& player;
+        const AppPaths& paths;
+        AIServices& ai;
+        TranslationService& translations;
+        VoiceServices& voice;
+    };
+
+    OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer& undo, QObject* parent = nullptr);
+    ~OpenPerson() override;
+
+    const QString& selectedId() const { return m_selectedId; }
+    ContactItem selected() const { return m_selected; }
+    ThreadView* thread() { return &m_thread; }
+    CRMPane* crm() { return &m_crm; }
+    MessageActions* messageActions() { return &m_messageActions; }
+    VoicePlayer* voicePlayer() { return &m_voicePlayer; }
+    VoiceTranscripts* transcripts() { return &m_transcripts; }
+    Composer* composer() { return &m_composer; }
+    DraftAssistant* assistant() { return &m_assistant; }
+    ThreadSummary* summary() { return &m_summary; }
+    AskLumo* askLumo() { return &m_askLumo; }
+    const QString& jumpMsgId() const { return m_jumpMsgId; }
+    bool onScreen() const { return m_onScreen; }
+    void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
+    bool showCRM() const { return m_showCRM; }
+    void setShowCRM(bool show);
+
+    /// Another pane beside the thread: `open` is called with each person who is opened or changes, and with an empty
+    /// id for nobody. The pane outlives this object.
+    using Pane = std::function<void(const ContactRow& contact)>;
+    void addPane(Pane open) { m_panes.append(std::move(open)); }
+
+    Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
+    Q_INVOKABLE void moveSelection(int delta); ///< so many rows down the list
+    Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
+    Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
+    Q_INVOKABLE void openVoiceSettings(); ///< where a speech model is added
+    void close(); ///< the list shows it when it is presented next
+
+Q_SIGNALS:
+    void selectionChanged(); ///< another person is open
+    void selectedChanged(); ///< or the facts of the person who is
+    void jumped();
+    void onScreenChanged();
+    void showCRMChanged();
+
+private:
+    template <typename PaneType> static Pane paneOf(PaneType& pane)
+    {
+        return [&pane](const ContactRow& contact) {
+            pane.open(contact);
+        };
+    }
+
+    LocalDB& db() const;
+    void openContact(const ContactRow& row);
+    void openPanes(const ContactRow& row);
+    void tellWhatIsOpen();
+    void take(const std::optional<QStringList>& contactIds); ///< what was read of them
+    void present();
+    void readSelected();
+
+    EngineManager& m_engine;
+    AccountStore& m_accounts;
+    NotificationCentre& m_notifications;
+    Scheduler& m_scheduler;
+    ContactListView& m_list;
+    QString m_selectedId;
+    ContactRow m_selectedRow; ///< as last seen: a filter may have hidden it since
+    ContactItem m_selected;
+    QString m_jumpMsgId;
+    ThreadView m_thread;
+    Composer m_composer;
+    DraftAssistant m_assistant;
+    ThreadSummary m_summary;
+    AskLumo m_askLumo;
+    CRMPane m_crm;
+    MessageActions m_messageActions;
+    VoicePlayer m_voicePlayer;
+    VoiceTranscripts m_transcripts;
+    QList<Pane> m_panes;
+    bool m_onScreen = true;
+    bool m_showCRM = true;
+    std::unique_ptr<Timer> m_reloadAfterOpening;
+    NotificationCentre::Observation m_conversationAsked;
+    NotificationCentre::Observation m_composerAsked;
+};
+
+}
