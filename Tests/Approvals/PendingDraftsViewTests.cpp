@@ -57,7 +57,7 @@ protected:
     ApprovalsStore store { centre, notifier, clock };
     DraftActions actions { store, engines, accounts };
     ApprovalsView panel { store, actions, engines.db(), clock };
-    PendingDraftsView drafts { { store, actions, *panel.editor(), engines, accounts, clock } };
+    PendingDraftsView drafts { { store, actions, *panel.editor(), engines.db(), accounts, clock } };
     QAbstractItemModelTester tester { drafts.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
 

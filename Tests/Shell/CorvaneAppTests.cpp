@@ -218,7 +218,7 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
     EXPECT_EQ(panelRequested.value(0).value(0).toPoint(), QPoint(10, 20));
 
     const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
-    Q_EMIT tray->itemChosen("approvals");
+    Q_EMIT tray->itemChosen("openApprovals");
     EXPECT_EQ(windowRequested.count(), 1);
     EXPECT_TRUE(screens.shell.approvals()) << "for desktops whose icons only have a menu";
 }

@@ -3,12 +3,14 @@
 #include "Platform/Keychain.h"
 #include "Shell/AppShell.h"
 #include "Shell/ContentView.h"
+#include "Shell/CorvaneApp.h"
 #include "Shell/LoginWallView.h"
-#include "Shell/ProfileMenu.h"
+#include "Shell/Screens.h"
 #include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
+#include "Support/FakeMachine.h"
 #include "Support/LoopbackWeb.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
@@ -136,7 +138,7 @@ TEST_F(Wall, forgetsThePasswordOnceItIsSignedIn)
 
 namespace {
 
-class Profile : public Wall {
+class Profile : public testing::Test {
 protected:
     QStringList labels() const
     {
@@ -153,11 +155,14 @@ protected:
         return result;
     }
 
-    NotificationCentre centre;
-    LocalDB db { home.path("share/Corvane/nimblocal.db"), { home.paths().resources, {} }, clock, defaults, centre };
-    AppShell shell { centre, defaults };
-    WebSync web { *session, db, clock };
-    ProfileMenu menu { *session, shell, web, centre };
+    TemporaryHome home;
+    VirtualScheduler clock;
+    CorvaneApp app { home.paths(), clock, fakeMachine(home.paths(), std::make_unique<FakeLauncher>(clock)) };
+    Screens screens { app };
+    SessionStore& session = app.session();
+    LocalDB& db = app.db();
+    AppShell& shell = screens.shell;
+    ProfileMenu& menu = screens.profile;
 };
 
 }
@@ -170,8 +175,9 @@ TEST_F(Profile, offersTheSignInAloneWithoutAToken)
     EXPECT_EQ(labels(), (QStringList { "Sign in to Nimb", "Quit Corvane" }));
     EXPECT_TRUE(menu.workspaces().isEmpty());
     menu.perform(menu.actions()[0].id);
-    EXPECT_EQ(desktop.opened.size(), 1);
-    EXPECT_TRUE(desktop.opened.value(0).toString().startsWith("https://"));
+    const QList<QUrl> opened = dynamic_cast<FakeDesktop&>(app.desktop()).opened;
+    EXPECT_EQ(opened.size(), 1);
+    EXPECT_TRUE(opened.value(0).toString().startsWith("https://"));
 }
 
 TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
@@ -183,8 +189,8 @@ TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
     second.workspaceId = "w2";
     second.workspaceName = "South";
     storeWorkspaceRows(db, { first, second }, "w2");
-    session->setAuth(anyToken, "d");
-    web.takeUp();
+    session.setAuth(anyToken, "d");
+    app.web().sync.takeUp();
     EXPECT_EQ(workspaces(), QStringList({ first.displayName(), second.displayName() + u'*' }));
     menu.selectWorkspace("w1");
     EXPECT_EQ(workspaces(), QStringList({ first.displayName() + u'*', second.displayName() }));
@@ -195,15 +201,15 @@ TEST_F(Profile, listsTheWorkspacesAndMarksTheActiveOne)
 
 TEST_F(Profile, opensTheSettingsAndSignsOut)
 {
-    session->setAuth(anyToken, "d");
+    session.setAuth(anyToken, "d");
     EXPECT_EQ(labels(), QStringList({ "Open Settings", "Sign Out", "Quit Corvane" }));
     shell.selectHub("cx");
     menu.perform(menu.actions()[0].id);
     EXPECT_TRUE(shell.settings());
     EXPECT_EQ(shell.selectedNav(), "cx");
     menu.perform(menu.actions()[1].id);
-    EXPECT_FALSE(session->signedIn());
-    EXPECT_TRUE(content->showsWall());
+    EXPECT_FALSE(session.signedIn());
+    EXPECT_TRUE(screens.content.showsWall());
 }
 
 }

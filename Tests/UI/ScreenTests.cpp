@@ -459,7 +459,7 @@ TEST_F(ScreenTest, closingTheWindowHidesItAndOpeningItAgainSaysSo)
     EXPECT_EQ(appeared.size(), 2);
     EXPECT_EQ(defaults.integer(u"Corvane.window.width"_s), 1400);
 
-    QSignalSpy quit(&shell, &AppShell::quitRequested);
+    QSignalSpy quit(&app, &CorvaneApp::quitRequested);
     press(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_EQ(quit.size(), 1);
 }

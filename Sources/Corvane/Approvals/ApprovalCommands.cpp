@@ -6,14 +6,14 @@ using namespace Qt::StringLiterals;
 
 QList<Command> approvalCommands()
 {
-    const CommandPlace place { u"In Approvals"_s, 1 };
-    return {
-        { u"approve"_s, u"Approve, retry or apply"_s, u"Ctrl+Return"_s, {}, place },
-        { u"undoApproval"_s, u"Undo within five seconds"_s, u"Ctrl+Z"_s, {}, place },
-        { u"editDraft"_s, u"Edit a message"_s, u"F2"_s, {}, place },
-        { u"reject"_s, u"Reject"_s, u"Del"_s, {}, place },
-        { u"wholeText"_s, u"Show a long text whole"_s, u"Space"_s, {}, place },
-    };
+    return at({ u"In Approvals"_s, 1 },
+        {
+            { u"approve"_s, u"Approve, retry or apply"_s, u"Ctrl+Return"_s },
+            { u"undoApproval"_s, u"Undo within five seconds"_s, u"Ctrl+Z"_s },
+            { u"editDraft"_s, u"Edit a message"_s, u"F2"_s },
+            { u"reject"_s, u"Reject"_s, u"Del"_s },
+            { u"wholeText"_s, u"Show a long text whole"_s, u"Space"_s },
+        });
 }
 
 }

@@ -4,8 +4,8 @@
 #include "Approvals/DraftEdit.h"
 #include "Approvals/DraftWords.h"
 #include "Engines/AccountStore.h"
-#include "Engines/EngineManager.h"
 #include "Foundation/Text.h"
+#include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
 
 #include <algorithm>
@@ -99,8 +99,8 @@ void PendingDraftsView::approveDraft(const QString& id)
     const QString draft = id; // the question goes with what it asked
     m_confirmDraft.clear();
     if (!m_at.accounts.findBySlug(asked->accountId)) {
-        failWaitingDraft(m_at.engine.db(), draft, describe(DraftFailure::AccountGone, asked->accountId));
-        m_at.engine.db().watch().tell(StoreSubject::Drafts);
+        failWaitingDraft(m_at.db, draft, describe(DraftFailure::AccountGone, asked->accountId));
+        m_at.db.watch().tell(StoreSubject::Drafts);
         return;
     }
     m_rows.hold(draft);

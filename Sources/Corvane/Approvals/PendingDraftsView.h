@@ -9,7 +9,7 @@ namespace corvane {
 
 class AccountStore;
 class ApprovalsStore;
-class EngineManager;
+class LocalDB;
 
 /// A draft that waits, in the words of the bar.
 class PendingDraftItem {
@@ -69,7 +69,7 @@ public:
         ApprovalsStore& approvals;
         DraftActions& actions;
         DraftEdit& editor;
-        EngineManager& engine;
+        LocalDB& db;
         AccountStore& accounts;
         Scheduler& scheduler;
     };

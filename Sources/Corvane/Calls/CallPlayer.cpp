@@ -56,21 +56,6 @@ State CallPlayer::current() const
     return track.isHeard() ? track.player.state() : State::Idle;
 }
 
-QString CallPlayer::state() const
-{
-    switch (current()) {
-    case State::Playing:
-        return QStringLiteral("playing");
-    case State::Paused:
-        return QStringLiteral("paused");
-    case State::Failed:
-        return QStringLiteral("failed");
-    case State::Idle:
-        break;
-    }
-    return QStringLiteral("idle");
-}
-
 QString CallPlayer::actionText() const
 {
     return current() == State::Playing ? QStringLiteral("Pause") : QStringLiteral("Play");

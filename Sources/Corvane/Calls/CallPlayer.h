@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AudioPlayer.h"
+#include "Presentation/EnumWord.h"
 
 namespace corvane {
 
@@ -23,7 +24,7 @@ public:
     /// Whose tracks; either may be empty. What plays ends.
     void open(const QString& microphonePath, const QString& systemPath, qint64 durationMs);
 
-    QString state() const;
+    QString state() const { return enumWord(current()); }
     QString actionText() const;
     QString problem() const;
     QString positionText() const;

@@ -1,19 +1,11 @@
 #include "Desk/DeskCommands.h"
 
 #include "Desk/CorvaneMenuBarView.h"
-#include "Desk/QuickCapture.h"
 #include "Foundation/NotificationCentre.h"
 
 namespace corvane {
 
 using namespace Qt::StringLiterals;
-
-QList<Command> captureCommands(QuickCapture& capture)
-{
-    return { { .id = u"capture"_s, .action = u"Capture a task or a note"_s, .run = [&capture] {
-                  capture.toggle();
-              } } };
-}
 
 QList<Command> todayCommands(CorvaneMenuBarView& today, NotificationCentre& notifications)
 {

@@ -10,6 +10,7 @@ class AudioPlayer : public QObject {
     Q_OBJECT
 public:
     enum class State { Idle, Playing, Paused, Failed };
+    Q_ENUM(State)
     using QObject::QObject;
 
     virtual void play(const QString& path) = 0; ///< from its start, in place of what played before

@@ -13,6 +13,18 @@ CommandRow rowOf(const Command& command)
 
 }
 
+Command shortcut(const QString& id, const QString& label, const QString& key, const std::function<void()>& run)
+{
+    return { .id = id, .label = label, .keys = key, .sequences = { key }, .run = run };
+}
+
+QList<Command> at(const CommandPlace& place, QList<Command> commands)
+{
+    for (Command& command : commands)
+        command.place = place;
+    return commands;
+}
+
 QList<CommandRow> Commands::shortcuts() const
 {
     QList<CommandRow> rows;

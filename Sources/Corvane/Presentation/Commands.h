@@ -24,7 +24,15 @@ struct Command {
     QString action = {}; ///< in the palette; empty: not there
     std::function<bool()> canRun = {}; ///< none: always
     std::function<void()> run = {}; ///< none: the page in front knows what it means there
+    QString menu = {}; ///< in the profile's menu; empty: not there, as the next
+    QString tray = {};
 };
+
+/// A command whose key is a shortcut of the window.
+Command shortcut(const QString& id, const QString& label, const QString& key, const std::function<void()>& run = {});
+
+/// All of these at one place.
+QList<Command> at(const CommandPlace& place, QList<Command> commands);
 
 /// A command in the words of the screen.
 class CommandRow {
@@ -53,6 +61,7 @@ public:
     /// Before the window is made; in the order of the palette and the sheet.
     void add(const QList<Command>& commands) { m_commands += commands; }
     const QList<Command>& all() const { return m_commands; }
+    const Command* find(const QString& id) const; ///< null where there is none of that id; until the next `add`
 
     QList<CommandRow> shortcuts() const;
     int columns() const;
@@ -65,8 +74,6 @@ Q_SIGNALS:
     void pageAsked(const QString& id); ///< the page in front runs the command
 
 private:
-    const Command* find(const QString& id) const;
-
     QList<Command> m_commands;
 };
 

@@ -49,25 +49,30 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     refreshRows();
 }
 
-QList<Choice> IntegrationsView::sections() const
+const QList<SettingsSection>& IntegrationsView::sections()
 {
-    return { { QStringLiteral("accounts"), QStringLiteral("Accounts") },
-        { QStringLiteral("approvals"), QStringLiteral("Approvals") },
-        { QStringLiteral("assistant"), QStringLiteral("Assistant") },
-        { QStringLiteral("voice"), QStringLiteral("Voice") }, { QStringLiteral("calls"), QStringLiteral("Calls") },
-        { QStringLiteral("calendar"), QStringLiteral("Calendar") }, { QStringLiteral("sync"), QStringLiteral("Sync") },
-        { QStringLiteral("system"), QStringLiteral("System") } };
+    static const QList<SettingsSection> all {
+        { QStringLiteral("accounts"), QStringLiteral("Accounts"), QStringLiteral("link") },
+        { QStringLiteral("approvals"), QStringLiteral("Approvals"), QStringLiteral("approvals") },
+        { QStringLiteral("assistant"), QStringLiteral("Assistant"), QStringLiteral("hub-lumo") },
+        { QStringLiteral("voice"), QStringLiteral("Voice"), QStringLiteral("microphone") },
+        { QStringLiteral("calls"), QStringLiteral("Calls"), QStringLiteral("call-start") },
+        { QStringLiteral("calendar"), QStringLiteral("Calendar"), QStringLiteral("view-calendar") },
+        { QStringLiteral("sync"), QStringLiteral("Sync"), QStringLiteral("sync") },
+        { QStringLiteral("system"), QStringLiteral("System"), QStringLiteral("computer") },
+    };
+    return all;
 }
 
 QString IntegrationsView::sectionLabel() const
 {
-    const QList<Choice> all = sections();
-    return std::ranges::find(all, m_section, &Choice::id)->label;
+    return std::ranges::find(sections(), m_section, &SettingsSection::id)->label;
 }
 
 void IntegrationsView::setSection(const QString& id)
 {
-    const bool known = std::ranges::any_of(sections(), [&](const Choice& section) { return section.id == id; });
+    const bool known
+        = std::ranges::any_of(sections(), [&](const SettingsSection& section) { return section.id == id; });
     if (!known || id == m_section)
         return;
     m_section = id;

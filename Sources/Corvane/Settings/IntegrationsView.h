@@ -28,11 +28,25 @@ class Scheduler;
 class SessionStore;
 struct WebServices;
 
+/// A section of the settings.
+class SettingsSection {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString label MEMBER label)
+    Q_PROPERTY(QString icon MEMBER icon)
+public:
+    QString id;
+    QString label;
+    QString icon;
+
+    bool operator==(const SettingsSection&) const = default;
+};
+
 /// The settings screen: the accounts with all that can be done to them, and the cards of the other sections.
 class IntegrationsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString approvalRule READ approvalRule CONSTANT)
-    Q_PROPERTY(QList<corvane::Choice> sections READ sections CONSTANT)
+    Q_PROPERTY(QList<corvane::SettingsSection> sections READ sections CONSTANT)
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY sectionChanged)
     /// The account rows, by channel; the properties of `AccountRow` are the roles.
@@ -78,7 +92,7 @@ public:
     {
         return QStringLiteral("Sends/drafts always stay manual — Corvane never sends on its own (hard wall #1).");
     }
-    QList<Choice> sections() const;
+    static const QList<SettingsSection>& sections();
     const QString& section() const { return m_section; }
     QString sectionLabel() const;
     void setSection(const QString& id); ///< an unknown word changes nothing

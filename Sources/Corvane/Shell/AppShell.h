@@ -50,7 +50,6 @@ public:
 
 Q_SIGNALS:
     void navigationChanged();
-    void quitRequested();
 
 private:
     enum class Cover { None, Settings, Approvals, Calls };

@@ -32,6 +32,7 @@
 #include "Platform/Tray.h"
 #include "Shell/DictationBanner.h"
 #include "Shell/Notices.h"
+#include "Shell/ProgramCommands.h"
 #include "Shell/StoreRecovery.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
@@ -51,10 +52,6 @@ namespace {
 
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
-// Commands that bring nothing to the front, also as words of the command line.
-const QString captureId = QStringLiteral("capture");
-const QString recordId = QStringLiteral("record");
-const QString markId = QStringLiteral("mark");
 const QString dictationArgument = QStringLiteral("--toggle-dictation");
 
 /// Of the user, as the accounts tell them.
@@ -84,7 +81,6 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     , m_notifier(std::make_unique<Notifier>(
           *m_machine.notifications, m_notifications, m_defaults, m_scheduler, [this] { Q_EMIT windowRequested(); }))
     , m_store(std::make_unique<AccountStore>(m_paths.applicationSupport))
-    , m_trayCommands(trayCommands())
 {
     const EngineManager::Surroundings surroundings { m_paths, m_scheduler, *m_machine.launcher, *m_machine.ports,
         m_background, m_keychain, *m_notifier, *m_machine.desktop };
@@ -128,6 +124,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_web = std::make_unique<WebServices>(*m_session, m_engine->db(), m_scheduler);
     m_recovery = std::make_unique<StoreRecovery>(
         StoreRecovery::Surroundings { *m_engine, *m_store, m_background, m_scheduler, m_paths });
+    m_commands.add(programCommands(*this));
     setUpTray();
     watchStore();
     watchCalls();
@@ -200,7 +197,8 @@ void CorvaneApp::startAllEngines()
 
 void CorvaneApp::open(const QStringList& arguments)
 {
-    if (arguments.size() == 1 && QStringList({ captureId, recordId, markId }).contains(arguments.first()))
+    if (arguments.size() == 1
+        && QStringList({ captureCommand, recordCommand, markCommand }).contains(arguments.first()))
         return runTrayCommand(arguments.first());
     if (arguments == QStringList { dictationArgument }) {
         if (!isQuitting())
@@ -235,54 +233,6 @@ void CorvaneApp::quit()
     m_engine->stopAll();
 }
 
-QList<Command> CorvaneApp::trayCommands()
-{
-    const auto inWindow = [this](const QString& notification) {
-        return [this, notification] {
-            if (isQuitting())
-                return;
-            Q_EMIT windowRequested();
-            if (!notification.isEmpty())
-                m_notifications.post(notification);
-        };
-    };
-    return {
-        { .id = QStringLiteral("open"), .label = QStringLiteral("Open Corvane"), .run = inWindow({}) },
-        { .id = QStringLiteral("approvals"),
-            .label = QStringLiteral("Approvals"),
-            .run = inWindow(notifications::openApprovals) },
-        { .id = recordId,
-            .label = QStringLiteral("Record a Call"),
-            .run =
-                [this] {
-                    if (!isQuitting())
-                        m_calls->recording.toggle();
-                } },
-        { .id = markId,
-            .label = QStringLiteral("Mark This Moment"),
-            .run =
-                [this] {
-                    m_calls->recording.mark();
-                } },
-        { .id = captureId,
-            .label = QStringLiteral("Capture a Task"),
-            .run =
-                [this] {
-                    if (!isQuitting())
-                        m_capture->toggle();
-                } },
-        { .id = QStringLiteral("settings"),
-            .label = QStringLiteral("Settings"),
-            .run = inWindow(notifications::openSettings) },
-        { .id = QStringLiteral("quit"),
-            .label = QStringLiteral("Quit"),
-            .run =
-                [this] {
-                    Q_EMIT quitRequested();
-                } },
-    };
-}
-
 void CorvaneApp::setUpTray()
 {
     Tray* const tray = m_machine.tray.get();
@@ -304,8 +254,7 @@ void CorvaneApp::setUpTray()
 /// What is wrong stands in the menu only to be read: a press on it opens the window.
 void CorvaneApp::runTrayCommand(const QString& id)
 {
-    const auto found = std::ranges::find(m_trayCommands, id, &Command::id);
-    (found == m_trayCommands.end() ? m_trayCommands.first() : *found).run();
+    m_commands.run(trayMenu().contains(id) ? id : trayMenu().first());
 }
 
 QString CorvaneApp::storeTrouble() const
@@ -322,12 +271,12 @@ void CorvaneApp::updateTrayMenu()
     QList<Tray::Item> items;
     QList<Tray::Item> ofRecording;
     const bool records = m_calls && m_calls->recorder.isRecording();
-    for (const Command& command : std::as_const(m_trayCommands)) {
-        const bool isOfCalls = command.id == recordId || command.id == markId;
+    for (const QString& id : trayMenu()) {
+        const bool isOfCalls = id == recordCommand || id == markCommand;
         if (records && isOfCalls)
-            ofRecording.append({ command.id, command.label });
-        else if (command.id != markId)
-            items.append({ command.id, command.label });
+            ofRecording.append({ id, m_commands.find(id)->tray });
+        else if (id != markCommand)
+            items.append({ id, m_commands.find(id)->tray });
     }
     items.insert(items.size() - 1, Tray::Item());
     if (records) {

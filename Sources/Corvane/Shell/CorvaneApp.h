@@ -83,6 +83,7 @@ public:
     MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }
     const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
+    Commands& commands() { return m_commands; } ///< without a window: what works without one
     std::optional<mode_t> userUmask() const { return m_machine.userUmask; }
     const AppPaths& paths() const { return m_paths; }
 
@@ -110,12 +111,12 @@ public:
 Q_SIGNALS:
     void windowRequested(); ///< show the main window and bring it to the front
     void panelRequested(const QPoint& at); ///< show or hide the small window, there on the screen
+    void settingsRequested();
     void quitRequested();
     void quitting(); ///< no surface shows any more
     void ended(); ///< the process may end
 
 private:
-    QList<Command> trayCommands();
     void runTrayCommand(const QString& id);
     void setUpTray();
     void updateTrayMenu();
@@ -152,7 +153,7 @@ private:
     std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;
     std::unique_ptr<CorvaneMenuBarLabel> m_trayLabel;
-    const QList<Command> m_trayCommands;
+    Commands m_commands;
     int m_toldMinutes = -1; ///< of the recording, at the tray; -1 without one
     QString m_told; ///< of what is wrong with the database
     std::unique_ptr<Timer> m_quitLimit; ///< while it quits

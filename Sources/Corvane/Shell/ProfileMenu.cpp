@@ -1,17 +1,14 @@
 #include "Shell/ProfileMenu.h"
 
-#include "Shell/AppShell.h"
 #include "Web/SessionStore.h"
 #include "Web/WebSync.h"
 
 namespace corvane {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString openSettingsId = QStringLiteral("openSettings");
-const QString signOutId = QStringLiteral("signOut");
-const QString signInId = QStringLiteral("signIn");
-const QString quitId = QStringLiteral("quit");
 const QString refreshId = QStringLiteral("refreshWorkspaces");
 const QString allId = QStringLiteral("allWorkspaces");
 constexpr qsizetype shownWorkspaces = 20; // what a menu can hold
@@ -19,10 +16,10 @@ constexpr qsizetype shownWorkspaces = 20; // what a menu can hold
 }
 
 ProfileMenu::ProfileMenu(
-    SessionStore& session, AppShell& shell, WebSync& web, NotificationCentre& centre, QObject* parent)
+    SessionStore& session, Commands& commands, WebSync& web, NotificationCentre& centre, QObject* parent)
     : QObject(parent)
     , m_session(session)
-    , m_shell(shell)
+    , m_commands(commands)
     , m_web(web)
     , m_centre(centre)
 {
@@ -47,10 +44,14 @@ bool ProfileMenu::signedIn() const
 
 QList<Choice> ProfileMenu::actions() const
 {
-    const Choice quit { quitId, QStringLiteral("Quit Corvane") };
-    if (!signedIn())
-        return { { signInId, QStringLiteral("Sign in to Nimb") }, quit };
-    return { { openSettingsId, QStringLiteral("Open Settings") }, { signOutId, QStringLiteral("Sign Out") }, quit };
+    const QStringList ids = signedIn() ? QStringList { u"openSettings"_s, u"signOut"_s, u"quit"_s }
+                                       : QStringList { u"signIn"_s, u"quit"_s };
+    QList<Choice> actions;
+    for (const QString& id : ids) {
+        if (const Command* const command = m_commands.find(id))
+            actions.append({ id, command->menu });
+    }
+    return actions;
 }
 
 QList<Choice> ProfileMenu::workspaceActions() const
@@ -82,18 +83,12 @@ void ProfileMenu::selectWorkspace(const QString& id)
 
 void ProfileMenu::perform(const QString& actionId)
 {
-    if (actionId == openSettingsId)
-        m_shell.openSettings();
-    else if (actionId == refreshId)
+    if (actionId == refreshId)
         m_web.refresh();
     else if (actionId == allId)
         m_centre.post(notifications::openSettings, QStringLiteral("sync"));
-    else if (actionId == signOutId)
-        m_session.signOut();
-    else if (actionId == signInId)
-        m_session.startSignIn();
-    else if (actionId == quitId)
-        Q_EMIT m_shell.quitRequested();
+    else
+        m_commands.run(actionId);
 }
 
 }

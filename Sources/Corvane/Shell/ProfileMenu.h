@@ -2,10 +2,10 @@
 
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
+#include "Presentation/Commands.h"
 
 namespace corvane {
 
-class AppShell;
 class SessionStore;
 class WebSync;
 
@@ -39,7 +39,7 @@ class ProfileMenu : public QObject {
 public:
     /// All references outlive the menu.
     ProfileMenu(
-        SessionStore& session, AppShell& shell, WebSync& web, NotificationCentre& centre, QObject* parent = nullptr);
+        SessionStore& session, Commands& commands, WebSync& web, NotificationCentre& centre, QObject* parent = nullptr);
 
     QString displayLine() const;
     QString initial() const; ///< empty where there is no name to take it from
@@ -58,7 +58,7 @@ Q_SIGNALS:
 
 private:
     SessionStore& m_session;
-    AppShell& m_shell;
+    Commands& m_commands;
     WebSync& m_web;
     NotificationCentre& m_centre;
     QList<WorkspaceChoice> m_workspaces;

@@ -3,7 +3,6 @@
 #include "Approvals/ApprovalCommands.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
-#include "Desk/DeskCommands.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/EngineManager.h"
@@ -19,18 +18,19 @@ namespace corvane {
 
 Screens::Screens(CorvaneApp& root)
     : app(root)
+    , commands(app.commands())
     , appearance(app.desktop(), app.defaults())
     , content(app.session(), app.defaults())
     , wall(app.session(), content)
     , notices({ app.db().health(), app.keychain(), app.session(), app.store(), content, app.paths(), app.calendar() })
     , recovery(app.recovery())
     , shell(app.notifications(), app.defaults())
-    , profile(app.session(), shell, app.web().sync, app.notifications())
+    , profile(app.session(), commands, app.web().sync, app.notifications())
     , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
           app.desktop(), app.player(), app.paths(), app.ai(), app.translations(), app.voice() })
     , draftActions(app.approvals(), app.engine(), app.store())
     , approvals(app.approvals(), draftActions, app.db(), app.scheduler())
-    , drafts({ app.approvals(), draftActions, *approvals.editor(), app.engine(), app.store(), app.scheduler() })
+    , drafts({ app.approvals(), draftActions, *approvals.editor(), app.db(), app.store(), app.scheduler() })
     , settings({ app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths(),
           app.ai(), app.launcher(), app.notifications(), app.voice(), app.web() })
     , calendar(
@@ -73,7 +73,6 @@ Screens::Screens(CorvaneApp& root)
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));
-    commands.add(captureCommands(app.capture()));
     QList<HotKey*> hotKeys = app.calls().keys.all();
     hotKeys.prepend(&app.capture().hotKey());
     settings.system()->setHotKeys(hotKeys);
@@ -89,7 +88,7 @@ Screens::Screens(CorvaneApp& root)
     inbox.setDrafts(drafts);
     panel.resources()->setMonitor(app.resources());
     today.resources()->setMonitor(app.resources());
-    QObject::connect(&shell, &AppShell::quitRequested, &app, &CorvaneApp::quitRequested);
+    QObject::connect(&app, &CorvaneApp::settingsRequested, &shell, &AppShell::openSettings);
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this] {
         if (!terminals.asksBeforeQuit())
             return app.quit();

@@ -39,7 +39,7 @@ public:
 
     CorvaneApp& app; ///< for the factories of the hubs
 
-    Commands commands;
+    Commands& commands;
     Appearance appearance;
     ContentView content;
     LoginWallView wall;

@@ -10,7 +10,6 @@ using namespace Qt::StringLiterals;
 
 QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& commands)
 {
-    const CommandPlace everywhere { u"Everywhere"_s, 0 };
     const auto inInbox = [&shell, &commands](const QString& id) {
         return [&shell, &commands, id] {
             shell.selectHub(u"inbox"_s);
@@ -18,38 +17,20 @@ QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& comman
         };
     };
     const QString hubKeys = hubShortcut(0) + u" … "_s + hubShortcut(int(hubTable().size()) - 1);
-    return {
-        { u"palette"_s, u"Search and commands"_s, u"Ctrl+K"_s, { u"Ctrl+K"_s }, everywhere, {}, {},
-            [&inbox] {
-                inbox.setShowPalette(true);
-            } },
-        { u"search"_s, u"Search the inbox"_s, u"Ctrl+F"_s, { u"Ctrl+F"_s }, everywhere, {}, {}, inInbox(u"search"_s) },
-        { u"hub"_s, u"Go to a hub"_s, hubKeys, {}, everywhere },
-        { u"settings"_s, u"Settings"_s, u"Ctrl+,"_s, { u"Ctrl+,"_s }, everywhere, {}, {},
-            [&shell] {
-                shell.toggleSettings();
-            } },
-        { u"approvals"_s, u"Approvals"_s, u"Ctrl+Shift+A"_s, { u"Ctrl+Shift+A"_s }, everywhere, {}, {},
-            [&shell] {
-                shell.toggleApprovals();
-            } },
-        { u"calls"_s, u"Calls"_s, u"Ctrl+Shift+L"_s, { u"Ctrl+Shift+L"_s }, everywhere, {}, {},
-            [&shell] {
-                shell.toggleCalls();
-            } },
-        { u"newMessage"_s, u"New message"_s, u"Ctrl+N"_s, { u"Ctrl+N"_s }, everywhere, {}, {},
-            [&inbox] {
-                inbox.writeNew();
-            } },
-        { u"shortcuts"_s, u"This list"_s, u"F1 or ?"_s, { u"F1"_s, u"?"_s }, everywhere },
-        { u"nextPane"_s, u"Next pane"_s, u"F6"_s, { u"F6"_s }, everywhere },
-        { u"previousPane"_s, u"Previous pane"_s, u"Shift+F6"_s, { u"Shift+F6"_s }, everywhere },
-        { u"quit"_s, u"Quit"_s, u"Ctrl+Q"_s, {}, everywhere, {}, {},
-            [&shell] {
-                Q_EMIT shell.quitRequested();
-            } },
-        { u"back"_s, u"Back one level"_s, u"Esc"_s, { u"Esc"_s }, everywhere },
-    };
+    return at({ u"Everywhere"_s, 0 },
+        {
+            shortcut(u"palette"_s, u"Search and commands"_s, u"Ctrl+K"_s, [&inbox] { inbox.setShowPalette(true); }),
+            shortcut(u"search"_s, u"Search the inbox"_s, u"Ctrl+F"_s, inInbox(u"search"_s)),
+            { u"hub"_s, u"Go to a hub"_s, hubKeys },
+            shortcut(u"settings"_s, u"Settings"_s, u"Ctrl+,"_s, [&shell] { shell.toggleSettings(); }),
+            shortcut(u"approvals"_s, u"Approvals"_s, u"Ctrl+Shift+A"_s, [&shell] { shell.toggleApprovals(); }),
+            shortcut(u"calls"_s, u"Calls"_s, u"Ctrl+Shift+L"_s, [&shell] { shell.toggleCalls(); }),
+            shortcut(u"newMessage"_s, u"New message"_s, u"Ctrl+N"_s, [&inbox] { inbox.writeNew(); }),
+            { u"shortcuts"_s, u"This list"_s, u"F1 or ?"_s, { u"F1"_s, u"?"_s } },
+            shortcut(u"nextPane"_s, u"Next pane"_s, u"F6"_s),
+            shortcut(u"previousPane"_s, u"Previous pane"_s, u"Shift+F6"_s),
+            shortcut(u"back"_s, u"Back one level"_s, u"Esc"_s),
+        });
 }
 
 QList<Command> placeCommands(AppShell& shell)
@@ -65,13 +46,6 @@ QList<Command> placeCommands(AppShell& shell)
                 shell.selectHub(id);
             } });
     }
-    commands.append({ .id = u"openSettings"_s, .keys = u"Ctrl+,"_s, .action = u"Open Settings"_s, .run = [&shell] {
-                         shell.openSettings();
-                     } });
-    commands.append(
-        { .id = u"openApprovals"_s, .keys = u"Ctrl+Shift+A"_s, .action = u"Open Approvals"_s, .run = [&shell] {
-             shell.openApprovals();
-         } });
     commands.append({ .id = u"openCalls"_s, .keys = u"Ctrl+Shift+L"_s, .action = u"Open Calls"_s, .run = [&shell] {
                          shell.openCalls();
                      } });

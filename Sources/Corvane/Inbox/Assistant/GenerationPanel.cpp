@@ -25,25 +25,6 @@ void GenerationPanel::open(const ContactRow& contact)
         Q_EMIT changed();
 }
 
-QString GenerationPanel::stateWord() const
-{
-    switch (m_state) {
-    case State::Idle:
-        return QStringLiteral("idle");
-    case State::Loading:
-        return QStringLiteral("loading");
-    case State::MissingModel:
-        return QStringLiteral("missingModel");
-    case State::Empty:
-        return QStringLiteral("empty");
-    case State::Error:
-        return QStringLiteral("error");
-    case State::Ready:
-        return QStringLiteral("ready");
-    }
-    return {};
-}
-
 QString GenerationPanel::backend() const
 {
     return m_ai.availableName().value_or(QString());

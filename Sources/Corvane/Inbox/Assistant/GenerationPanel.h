@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Cancellation.h"
+#include "Presentation/EnumWord.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QObject>
@@ -21,6 +22,7 @@ class GenerationPanel : public QObject {
     Q_PROPERTY(bool canTryAgain READ canTryAgain NOTIFY changed) ///< what failed
 public:
     enum class State { Idle, Loading, MissingModel, Empty, Error, Ready };
+    Q_ENUM(State)
 
     /// `ai` outlives the panel.
     explicit GenerationPanel(LumoAI& ai, QObject* parent = nullptr);
@@ -28,7 +30,7 @@ public:
 
     void open(const ContactRow& contact); ///< with an empty id: nobody
 
-    QString stateWord() const;
+    QString stateWord() const { return enumWord(m_state); }
     const QString& title() const { return m_title; }
     const QString& detail() const { return m_detail; }
     QString backend() const;

@@ -32,27 +32,6 @@ ComposerDictation::~ComposerDictation()
     cancel();
 }
 
-QString ComposerDictation::stateWord() const
-{
-    switch (m_state) {
-    case State::Idle:
-        break;
-    case State::Starting:
-        return QStringLiteral("starting");
-    case State::Recording:
-        return QStringLiteral("recording");
-    case State::Transcribing:
-        return QStringLiteral("transcribing");
-    case State::Missing:
-        return QStringLiteral("missing");
-    case State::Error:
-        return QStringLiteral("error");
-    case State::Inserted:
-        return QStringLiteral("inserted");
-    }
-    return QStringLiteral("idle");
-}
-
 bool ComposerDictation::active() const
 {
     return m_state == State::Starting || m_state == State::Recording || m_state == State::Transcribing;
@@ -75,12 +54,12 @@ void ComposerDictation::follow()
 {
     if (m_state == State::Transcribing)
         return;
-    const QString word = m_recorder.stateWord();
-    if (word == QLatin1String("starting"))
+    const VoiceRecorder::State state = m_recorder.state();
+    if (state == VoiceRecorder::State::Starting)
         enter(State::Starting, QStringLiteral("Asking for the microphone…"));
-    else if (word == QLatin1String("recording"))
+    else if (state == VoiceRecorder::State::Recording)
         enter(State::Recording, QStringLiteral("Dictating locally"));
-    else if (word == QLatin1String("kept"))
+    else if (state == VoiceRecorder::State::Kept)
         finish();
     else if (!m_recorder.notice().isEmpty())
         enter(State::Error, m_recorder.notice());

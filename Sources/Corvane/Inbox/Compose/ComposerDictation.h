@@ -2,6 +2,7 @@
 
 #include "Foundation/Cancellation.h"
 #include "Inbox/Compose/VoiceRecorder.h"
+#include "Presentation/EnumWord.h"
 
 #include <qcoro/qcorotask.h>
 
@@ -20,12 +21,15 @@ class ComposerDictation : public QObject {
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed)
     Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
 public:
+    enum class State { Idle, Starting, Recording, Transcribing, Missing, Error, Inserted };
+    Q_ENUM(State)
+
     /// All of them outlive the object.
     ComposerDictation(VoiceServices& voice, Microphone& microphone, Scheduler& scheduler, UserDefaults& defaults,
         QObject* parent = nullptr);
     ~ComposerDictation() override;
 
-    QString stateWord() const;
+    QString stateWord() const { return enumWord(m_state); }
     const QString& stateText() const { return m_text; }
     bool active() const;
     QString elapsedText() const { return m_recorder.elapsedText(); }
@@ -41,8 +45,6 @@ Q_SIGNALS:
     void dictated(const QString& contactId, const QString& text);
 
 private:
-    enum class State { Idle, Starting, Recording, Transcribing, Missing, Error, Inserted };
-
     void follow();
     QCoro::Task<> transcribe(QString contactId, QString path, CancelHandle cancel);
     void enter(State state, const QString& text = {});

@@ -31,21 +31,6 @@ VoiceRecorder::VoiceRecorder(Microphone& microphone, Scheduler& scheduler, const
 
 VoiceRecorder::~VoiceRecorder() = default;
 
-QString VoiceRecorder::stateWord() const
-{
-    switch (m_state) {
-    case State::Idle:
-        break;
-    case State::Starting:
-        return QStringLiteral("starting");
-    case State::Recording:
-        return QStringLiteral("recording");
-    case State::Kept:
-        return QStringLiteral("kept");
-    }
-    return QStringLiteral("idle");
-}
-
 QString VoiceRecorder::elapsedText() const
 {
     const int seconds = int(m_elapsed);

@@ -2,6 +2,7 @@
 
 #include "Foundation/Scheduler.h"
 #include "Platform/Microphone.h"
+#include "Presentation/EnumWord.h"
 
 #include <QObject>
 
@@ -18,11 +19,15 @@ class VoiceRecorder : public QObject {
     Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged) ///< what went wrong; empty where nothing did
 public:
+    enum class State { Idle, Starting, Recording, Kept };
+    Q_ENUM(State)
+
     /// The references outlive the recorder. Notes are written into `folder`.
     VoiceRecorder(Microphone& microphone, Scheduler& scheduler, const QString& folder, QObject* parent = nullptr);
     ~VoiceRecorder() override;
 
-    QString stateWord() const;
+    State state() const { return m_state; }
+    QString stateWord() const { return enumWord(m_state); }
     bool recording() const { return m_state == State::Recording; }
     bool idle() const { return m_state == State::Idle; }
     const QString& contactId() const { return m_contactId; } ///< whose note it is; empty while idle
@@ -45,8 +50,6 @@ Q_SIGNALS:
     void noticeChanged();
 
 private:
-    enum class State { Idle, Starting, Recording, Kept };
-
     void begin(MicrophoneAccess access);
     void interrupted(const QString& reason);
     void update();

@@ -38,21 +38,6 @@ State VoicePlayer::current() const
     return m_problem.isEmpty() ? m_player.state() : State::Failed;
 }
 
-QString VoicePlayer::state() const
-{
-    switch (current()) {
-    case State::Idle:
-        return QStringLiteral("idle");
-    case State::Playing:
-        return QStringLiteral("playing");
-    case State::Paused:
-        return QStringLiteral("paused");
-    case State::Failed:
-        return QStringLiteral("failed");
-    }
-    return {};
-}
-
 QString VoicePlayer::stateText() const
 {
     switch (current()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/AudioPlayer.h"
+#include "Presentation/EnumWord.h"
 #include "Presentation/PlayTime.h"
 
 namespace corvane {
@@ -23,7 +24,7 @@ public:
     VoicePlayer(AudioPlayer& player, ThreadView& thread, EngineManager& engine, QObject* parent = nullptr);
 
     const QString& messageId() const { return m_messageId; }
-    QString state() const;
+    QString state() const { return enumWord(current()); }
     QString stateText() const;
     QString actionText() const;
     QString positionText() const;

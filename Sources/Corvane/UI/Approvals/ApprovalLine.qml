@@ -20,8 +20,6 @@ FocusScope {
     readonly property bool acts: approval.actions.length > 0
     readonly property bool tells: approval.detail !== "" || approval.riskText !== ""
     property bool wholeText: false
-    readonly property var tones: ({ money: Theme.warn, credential: Theme.secret, external: Theme.accent, high: Theme.bad })
-    readonly property var signs: ({ proposal: "user", decision: "approvals", event: "view-calendar" })
 
     objectName: "approval:" + approval.key
     enabled: !held
@@ -30,6 +28,23 @@ FocusScope {
     Accessible.role: Accessible.ListItem
     Accessible.name: [approval.title, approval.riskText, approval.stateText, approval.body].filter(part => part !== "").join(", ")
 
+    function signOf(kind: string): string {
+        switch (kind) {
+        case "proposal": return "user";
+        case "decision": return "approvals";
+        case "event": return "view-calendar";
+        }
+        return "mail-send";
+    }
+    function colourOf(tone: string): color {
+        switch (tone) {
+        case "money": return Theme.warn;
+        case "credential": return Theme.secret;
+        case "external": return Theme.accent;
+        case "high": return Theme.bad;
+        }
+        return Theme.soft;
+    }
     function focusQuestion() {
         doubt.forceActiveFocus(Qt.TabFocusReason);
     }
@@ -57,7 +72,7 @@ FocusScope {
                 id: sign
                 y: 1
                 size: 16
-                name: line.approval.platform ? "channel-" + line.approval.platform.toLowerCase() : line.signs[line.approval.kind] ?? "mail-send"
+                name: line.approval.platform ? "channel-" + line.approval.platform.toLowerCase() : line.signOf(line.approval.kind)
                 color: Theme.soft
             }
             Label {
@@ -300,7 +315,7 @@ FocusScope {
                     text: line.approval.riskText
                     font.pixelSize: Theme.meta
                     font.weight: line.approval.riskTone ? Theme.strong : Theme.regular
-                    color: line.tones[line.approval.riskTone] ?? Theme.soft
+                    color: line.colourOf(line.approval.riskTone)
                     Accessible.ignored: true
                 }
             }

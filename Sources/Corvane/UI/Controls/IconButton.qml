@@ -17,6 +17,7 @@ T.ToolButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
+    Accessible.description: key
     Accessible.checkable: checkable
     Accessible.checked: checked
     Keys.onReturnPressed: clicked()

@@ -16,6 +16,7 @@ T.MenuItem {
     rightPadding: Theme.small + (subMenu ? 20 : 0)
     hoverEnabled: true
     Accessible.name: text
+    Accessible.description: key
 
     contentItem: Item {
         Label {

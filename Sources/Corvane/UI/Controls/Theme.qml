@@ -30,7 +30,7 @@ QtObject {
     readonly property color secret: dark ? "#C9A2F0" : "#7A3AA8" ///< what touches passwords and tokens
 
     /// The sixteen colours of a terminal. On the surface itself they are darkened or lightened until they read.
-    readonly property var terminal: dark
+    readonly property list<color> terminal: dark
         ? ["#24272B", "#F08379", "#5CC492", "#E0A84E", "#86A5FF", "#C9A2F0", "#63C7D8", "#D3D6DB",
             "#7A808A", "#FF9E94", "#7FDCAE", "#F2C275", "#A9BFFF", "#DABDF8", "#8ADBE8", "#FFFFFF"]
         : ["#1A1B1E", "#BF3328", "#1C7A4B", "#9A5B00", "#2F5FE0", "#7A3AA8", "#0B7285", "#D5D6D2",

@@ -12,7 +12,16 @@ FocusScope {
     required property CorvaneMenuBarView panel
     property real columnWidth: width
     readonly property real columnX: (width - columnWidth) / 2
-    readonly property var pages: ({ now: now, approvals: waiting, ram: ram, calendar: meetings, calls: calls })
+
+    function pageOf(tab: string): Component {
+        switch (tab) {
+        case "approvals": return waiting;
+        case "ram": return ram;
+        case "calendar": return meetings;
+        case "calls": return calls;
+        }
+        return now;
+    }
 
     /// Leaves what is open in the tab; false where nothing is.
     function stepBack(): bool {
@@ -60,7 +69,7 @@ FocusScope {
         x: scope.columnX
         width: scope.columnWidth
         focus: true
-        sourceComponent: scope.pages[scope.panel.tab] ?? now
+        sourceComponent: scope.pageOf(scope.panel.tab)
         onLoaded: if (scope.activeFocus) forceActiveFocus(Qt.TabFocusReason)
     }
     Component {

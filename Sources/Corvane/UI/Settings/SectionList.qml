@@ -7,16 +7,13 @@ import Corvane.Settings
 FocusScope {
     id: pane
 
-    property list<choice> sections
+    property list<settingsSection> sections
     property string chosen
 
     signal picked(string id)
 
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Settings sections")
-
-    readonly property var icons: ({ accounts: "link", approvals: "approvals", assistant: "hub-lumo", voice: "microphone",
-        calls: "call-start", calendar: "view-calendar", sync: "sync", system: "computer" })
 
     function step(by: int) {
         let index = 0;
@@ -52,7 +49,7 @@ FocusScope {
             model: pane.sections
             T.AbstractButton {
                 id: entry
-                required property choice modelData
+                required property settingsSection modelData
                 readonly property bool selected: modelData.id === pane.chosen
 
                 objectName: "settings." + modelData.id
@@ -75,7 +72,7 @@ FocusScope {
                         id: sign
                         x: Theme.small
                         anchors.verticalCenter: parent.verticalCenter
-                        name: pane.icons[entry.modelData.id] ?? "note"
+                        name: entry.modelData.icon
                         color: entry.selected ? Theme.accent : Theme.soft
                     }
                     Label {

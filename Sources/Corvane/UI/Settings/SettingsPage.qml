@@ -17,9 +17,18 @@ Page {
 
     signal reviewApprovals
 
-    readonly property var cardsOf: ({ accounts: accounts, approvals: waiting, assistant: assistant, voice: voice,
-        calls: callCards, calendar: calendar, sync: sync,
-        system: system })
+    function cardsOf(section: string): Component {
+        switch (section) {
+        case "approvals": return waiting;
+        case "assistant": return assistant;
+        case "voice": return voice;
+        case "calls": return callCards;
+        case "calendar": return calendar;
+        case "sync": return sync;
+        case "system": return system;
+        }
+        return accounts;
+    }
 
     panes: [sections, cards]
 
@@ -72,7 +81,7 @@ Page {
                 Loader {
                     width: parent.width
                     focus: true
-                    sourceComponent: page.cardsOf[page.settings.section] ?? null
+                    sourceComponent: page.cardsOf(page.settings.section)
                 }
             }
         }

@@ -11,6 +11,12 @@ namespace corvane::qml {
 
 // The types of the rooms that this module's QML names. The rooms know nothing of QML.
 
+struct SettingsSectionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SettingsSection)
+    QML_VALUE_TYPE(settingsSection)
+};
+
 struct IntegrationsViewType {
     Q_GADGET
     QML_FOREIGN(corvane::IntegrationsView)

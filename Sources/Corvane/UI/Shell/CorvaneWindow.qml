@@ -63,7 +63,7 @@ T.ApplicationWindow {
                 objectName: "closingNotice.quit"
                 kind: "quiet"
                 text: window.closingNotice.quitLabel
-                onClicked: window.profile.perform("quit")
+                onClicked: Commands.run("quit")
             },
             Button {
                 objectName: "closingNotice.close"

@@ -59,7 +59,7 @@ T.AbstractButton {
             delegate: MenuItem {
                 required property choice modelData
                 text: modelData.label
-                key: modelData.id === "quit" ? Commands.keysOf("quit") : ""
+                key: Commands.keysOf(modelData.id)
                 onTriggered: control.profile.perform(modelData.id)
             }
             onObjectAdded: (index, item) => menu.addItem(item)

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QMetaEnum>
+#include <QString>
+
+namespace corvane {
+
+/// The word by which QML names a value of an enumeration that is declared with Q_ENUM: "missingModel" for
+/// `State::MissingModel`.
+template <typename Enum> QString enumWord(Enum value)
+{
+    QString word = QString::fromLatin1(QMetaEnum::fromType<Enum>().valueToKey(int(value)));
+    word.front() = word.front().toLower();
+    return word;
+}
+
+}
