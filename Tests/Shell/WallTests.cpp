@@ -16,6 +16,7 @@
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Web/SessionStore.h"
+#include "Web/WebServices.h"
 #include "Web/WebSync.h"
 
 #include <gtest/gtest.h>
