@@ -1,6 +1,7 @@
 #include "Calendar/CalendarCommands.h"
 
 #include "Calendar/CalendarTest.h"
+#include "Support/WaitingItems.h"
 
 namespace corvane {
 
@@ -67,8 +68,12 @@ TEST_F(AgentEvents, waitForAWordWhereThePersonWantsIt)
     EXPECT_EQ(commands->add(u"c2"_s, seen), Decided::Taken);
     EXPECT_TRUE(awaitRow("c1|failed|Rejected.;c2|done|-"));
     EXPECT_TRUE(awaitEvents({ u"Two"_s }));
+    writeProposal(*m_db, u"p"_s, u"event"_s, u"Three"_s,
+        u"{\"startMs\":%1,\"endMs\":%2}"_s.arg(at("2026-10-10 09:00")).arg(at("2026-10-10 10:00")));
+    EXPECT_TRUE(applyAsSeen(*m_db, u"p"_s));
     commands->processPendingCommands();
-    EXPECT_TRUE(commands->waiting().isEmpty());
+    EXPECT_TRUE(commands->waiting().isEmpty()) << "a proposal that was applied is not asked about again";
+    EXPECT_TRUE(awaitEvents({ u"Two"_s, u"Three"_s }));
 }
 
 }

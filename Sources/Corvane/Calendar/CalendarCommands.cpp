@@ -49,10 +49,14 @@ void CalendarCommands::processPendingCommands()
 {
     if (m_running > 0 || m_store.access() != CalendarStore::Access::Granted || !m_store.surroundings().db.isSound())
         return;
-    const QList<CalCommand> commands = fetchPendingCalendarCommands(m_store.surroundings().db, mostAtOnce);
-    setWaiting(agentsMayAdd() ? QList<CalCommand>() : commands);
-    if (agentsMayAdd())
-        run(commands);
+    LocalDB& db = m_store.surroundings().db;
+    const bool may = agentsMayAdd();
+    QList<CalCommand> commands;
+    QList<CalCommand> waiting;
+    for (const CalCommand& command : fetchPendingCalendarCommands(db, mostAtOnce))
+        (may || isApproved(db, command) ? commands : waiting).append(command);
+    setWaiting(waiting);
+    run(commands);
 }
 
 void CalendarCommands::run(const QList<CalCommand>& commands)

@@ -3,6 +3,7 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
 #include "Foundation/Result.h"
+#include "Store/Approvals/EventRequests.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
@@ -115,12 +116,13 @@ QString taskWords(const QJsonObject& payload)
 bool queueEvent(LocalDB& db, const QString& title, const Span& span, const QJsonObject& payload)
 {
     const qint64 now = db.nowMs();
+    const QString id = stampedId(QStringLiteral("calcmd"), now);
     return db.run(R"(INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, notes, location, calendar,
   status, created_at, updated_at)
 VALUES(?,?,?,?,?,?,?,?,'pending',?,?);)",
-        { stampedId(QStringLiteral("calcmd"), now), activeWorkspaceId(db), title, span.startMs, span.endMs,
-            payloadText(payload, "notes"), payloadText(payload, "location"), payloadText(payload, "calendar"), now,
-            now });
+               { id, activeWorkspaceId(db), title, span.startMs, span.endMs, payloadText(payload, "notes"),
+                   payloadText(payload, "location"), payloadText(payload, "calendar"), now, now })
+        && recordProposedEvent(db, id);
 }
 
 /// The reason where it fails.

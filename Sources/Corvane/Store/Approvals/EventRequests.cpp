@@ -37,4 +37,19 @@ Decided rejectEvent(LocalDB& db, const QString& id)
     return done ? Decided::Taken : Decided::Refused;
 }
 
+bool isApproved(LocalDB& db, const CalCommand& command)
+{
+    return db
+        .scalar(u"SELECT 1 FROM approval_record WHERE kind='event' AND subject_id=? AND content_hash=? "
+                "AND action IN ('approve','proposed') LIMIT 1;"_s,
+            { command.id, eventHash(command) })
+        .has_value();
+}
+
+bool recordProposedEvent(LocalDB& db, const QString& id)
+{
+    const auto command = fetchCalendarCommand(db, id);
+    return command && appendRecord(db, u"event"_s, id, u"proposed"_s, eventHash(*command));
+}
+
 }

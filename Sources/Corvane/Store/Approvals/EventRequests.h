@@ -14,4 +14,10 @@ QString eventHash(const CalCommand& command);
 Decided approveEvent(LocalDB& db, const QString& id, const QString& seenHash);
 Decided rejectEvent(LocalDB& db, const QString& id);
 
+/// Whether a person has said so to the event as it stands: to itself, or to the proposal that it came from.
+bool isApproved(LocalDB& db, const CalCommand& command);
+
+/// Inside the transaction that applies the proposal.
+[[nodiscard]] bool recordProposedEvent(LocalDB& db, const QString& id);
+
 }
