@@ -13,7 +13,7 @@ Rectangle {
     signal undone
     signal dismissed
 
-    onTextChanged: if (shown) lastText = text
+    onTextChanged: if (text !== "") lastText = text
     implicitWidth: row.implicitWidth + Theme.large + Theme.small
     implicitHeight: 44
     visible: opacity > 0
