@@ -69,7 +69,7 @@ protected:
         return await([&] {
             m_clock.advance(Milliseconds(250));
             QStringList shown;
-            for (const EventBlock& block : view.blocks())
+            for (const EventBlock& block : view.layout().blocks)
                 shown.append(block.title);
             return shown.join(u',') == QString::fromLatin1(titles);
         });
@@ -99,11 +99,11 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     ASSERT_TRUE(awaitShown("Call"));
     EXPECT_EQ(view.card().title, u"Call"_s);
     EXPECT_EQ(view.card().when, u"Thu 8 Oct, 09:05–10:05"_s);
-    EXPECT_TRUE(view.blocks().first().joinable) << "from ten minutes before";
+    EXPECT_TRUE(view.layout().blocks.first().joinable) << "from ten minutes before";
     view.join(view.selected());
     EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(u"https://meet.example/a"_s) });
     view.step(20); // beyond the mirror
-    EXPECT_TRUE(view.blocks().isEmpty());
+    EXPECT_TRUE(view.layout().blocks.isEmpty());
     EXPECT_EQ(view.addEvent(u"Far"_s, u"2027-03-01"_s, u"9:00"_s, u"10:00"_s, {}, {}), QString());
     EXPECT_TRUE(awaitShown("Far"));
     view.today();

@@ -62,6 +62,22 @@ TEST_F(CalendarWindow, aPersonConnectsWritesAnEventAndPreparesForIt)
     EXPECT_FALSE(screens.calendar.isWeek());
 }
 
+TEST_F(CalendarWindow, theDayStandsInTheWindowTooWithItsTabsUnderKeysAndInThePalette)
+{
+    press(Qt::Key_8, Qt::ControlModifier);
+    EXPECT_TRUE(focusWithin(u"panel.line.approvals"_s));
+    EXPECT_TRUE(screens.today.isVisible());
+    press(Qt::Key_4);
+    EXPECT_EQ(screens.today.tab(), u"calendar"_s);
+    EXPECT_EQ(screens.panel.tab(), u"now"_s) << "the panel at the tray keeps its own";
+    press(Qt::Key_5, Qt::ControlModifier);
+    EXPECT_FALSE(screens.today.isVisible()) << "nothing is read for it any more";
+    screens.commands.run(u"today.ram"_s);
+    rest();
+    EXPECT_EQ(screens.shell.selectedNav(), u"today"_s);
+    item(u"ram.processes"_s);
+}
+
 }
 
 }

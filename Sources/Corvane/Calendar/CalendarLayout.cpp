@@ -99,11 +99,13 @@ CalendarLayout calendarLayout(
     QList<QDate> rowEnds; // of events that last all day, by row
     for (int index = 0; index < days; ++index) {
         const QDate day = first.addDays(index);
+        const qint64 beginMs = startOf(day);
+        const qint64 endMs = startOf(day.addDays(1));
         layout.days.append({ locale.dayName(day.dayOfWeek(), QLocale::ShortFormat), QString::number(day.day()),
             day == dates.today() });
         QList<EventBlock> blocks;
         for (const CalEvent& event : events) {
-            if (event.startMs >= startOf(day.addDays(1)) || std::max(event.endMs, event.startMs + 1) <= startOf(day))
+            if (event.startMs >= endMs || std::max(event.endMs, event.startMs + 1) <= beginMs)
                 continue;
             EventBlock block { .id = event.id,
                 .title = event.title,
@@ -116,7 +118,7 @@ CalendarLayout calendarLayout(
                     event.attendeeDetails, [](const CalAttendee& who) { return who.currentUser && who.declined; }),
                 .joinable = isJoinable(event, nowMs) };
             if (event.allDay) {
-                if (index > 0 && event.startMs < startOf(day))
+                if (index > 0 && event.startMs < beginMs)
                     continue; // it spans from its first column on
                 const QDate end = std::min(dates.dayOf(event.endMs - 1), first.addDays(days - 1));
                 block.days = int(day.daysTo(end)) + 1;
@@ -151,8 +153,12 @@ CalendarLayout calendarLayout(
     layout.allDayRows = int(rowEnds.size());
     layout.firstHour = int(earliest);
     layout.lastHour = std::min(24, int(latest + 0.999));
-    for (EventBlock& block : layout.blocks)
-        block.top -= layout.firstHour;
+    for (qsizetype i = 0; i < layout.blocks.size(); ++i) {
+        layout.blocks[i].top -= layout.firstHour;
+        layout.blocks[i].place = QString::number(i);
+    }
+    for (qsizetype i = 0; i < layout.allDay.size(); ++i)
+        layout.allDay[i].place = QString::number(i);
     for (FreeGap& gap : layout.gaps)
         gap.top -= layout.firstHour;
     return layout;

@@ -53,7 +53,10 @@ public:
     bool past = false;
     bool declined = false;
     bool joinable = false; ///< it starts within ten minutes, or runs, and there is a link
+    QString place {}; ///< its number in the list: the page that follows moves the tiles of this one
 
+    static constexpr const char* role = "event";
+    const QString& key() const { return place; }
     bool operator==(const EventBlock&) const = default;
 };
 

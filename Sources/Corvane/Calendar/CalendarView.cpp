@@ -28,6 +28,12 @@ qint64 startOf(const QDate& day)
     return day.startOfDay().toMSecsSinceEpoch();
 }
 
+QString fileName(const QString& title)
+{
+    static const QRegularExpression unfit(u"[^\\w -]"_s, QRegularExpression::UseUnicodePropertiesOption);
+    return QString(title).remove(unfit).simplified().left(60);
+}
+
 EventCard cardOf(LocalDB& db, const CalEvent& event, qint64 nowMs)
 {
     EventCard card { event.id, event.title, whenText(event, nowMs), event.location, event.calendar, event.notes, {},
@@ -162,6 +168,8 @@ void CalendarView::lay()
     for (const CalendarInfo& calendar : m_at.store.calendars())
         colours.insert(calendar.title, calendar.colour);
     m_layout = calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours);
+    m_blocks.assign(m_layout.blocks);
+    m_allDay.assign(m_layout.allDay);
     const CalEvent* const event = find(m_selected);
     m_card = event ? cardOf(m_at.store.surroundings().db, *event, nowMs()) : EventCard();
     if (!event)
@@ -222,6 +230,7 @@ void CalendarView::today()
 void CalendarView::select(const QString& id)
 {
     m_selected = id;
+    m_offered.clear();
     lay();
 }
 
@@ -328,11 +337,23 @@ void CalendarView::importFile(const QUrl& file)
         [this](const Result<QString>& words) { told(words ? *words : words.error().message); });
 }
 
+void CalendarView::offerFile()
+{
+    m_offered.clear();
+    const QString path
+        = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u'/' + fileName(m_card.title) + u".ics"_s;
+    exportEvent(m_at.store, m_selected, path, this, [this, path](const Result<QString>& saved) {
+        if (!saved)
+            return told(saved.error().message);
+        m_offered = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded);
+        Q_EMIT changed();
+    });
+}
+
 void CalendarView::exportSelected()
 {
-    static const QRegularExpression unfit(u"[^\\w -]"_s, QRegularExpression::UseUnicodePropertiesOption);
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    const QString name = QString(m_card.title).remove(unfit).simplified().left(60);
+    const QString name = fileName(m_card.title);
     QString path = folder + u'/' + name + u".ics"_s;
     for (int number = 2; QFileInfo::exists(path); ++number)
         path = folder + u"/%1 %2.ics"_s.arg(name).arg(number);

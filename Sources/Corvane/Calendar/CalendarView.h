@@ -4,6 +4,7 @@
 #include "Calendar/CalendarStore.h"
 #include "Calendar/MeetingPrep.h"
 #include "Presentation/Choice.h"
+#include "Presentation/RowListModel.h"
 
 #include <QUrl>
 
@@ -66,8 +67,8 @@ class CalendarView : public QObject {
     Q_PROPERTY(QList<corvane::DayHead> days READ days NOTIFY changed)
     Q_PROPERTY(int firstHour READ firstHour NOTIFY changed)
     Q_PROPERTY(int lastHour READ lastHour NOTIFY changed)
-    Q_PROPERTY(QList<corvane::EventBlock> blocks READ blocks NOTIFY changed)
-    Q_PROPERTY(QList<corvane::EventBlock> allDay READ allDay NOTIFY changed)
+    Q_PROPERTY(corvane::GadgetListModel* blocks READ blocks CONSTANT) ///< of EventBlock, by day and time
+    Q_PROPERTY(corvane::GadgetListModel* allDay READ allDay CONSTANT)
     Q_PROPERTY(int allDayRows READ allDayRows NOTIFY changed)
     Q_PROPERTY(QList<corvane::FreeGap> gaps READ gaps NOTIFY changed)
     Q_PROPERTY(int nowDay READ nowDay NOTIFY changed) ///< the column of this moment, or -1
@@ -77,6 +78,7 @@ class CalendarView : public QObject {
     Q_PROPERTY(QList<corvane::Choice> asked READ asked NOTIFY changed) ///< events that agents want to add
     Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
     Q_PROPERTY(bool hasEvolution READ hasEvolution NOTIFY changed) ///< and it is not connected yet
+    Q_PROPERTY(QString offeredFile READ offeredFile NOTIFY changed) ///< its address; empty until it is written
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
 public:
     /// All of it outlives the view.
@@ -101,8 +103,9 @@ public:
     const QList<DayHead>& days() const { return m_layout.days; }
     int firstHour() const { return m_layout.firstHour; }
     int lastHour() const { return m_layout.lastHour; }
-    const QList<EventBlock>& blocks() const { return m_layout.blocks; }
-    const QList<EventBlock>& allDay() const { return m_layout.allDay; }
+    const CalendarLayout& layout() const { return m_layout; }
+    GadgetListModel* blocks() { return &m_blocks; }
+    GadgetListModel* allDay() { return &m_allDay; }
     int allDayRows() const { return m_layout.allDayRows; }
     const QList<FreeGap>& gaps() const { return m_layout.gaps; }
     int nowDay() const;
@@ -112,6 +115,7 @@ public:
     QList<Choice> asked() const;
     bool canAdd() const;
     bool hasEvolution() const;
+    const QString& offeredFile() const { return m_offered; }
     MeetingPrep* prep() { return &m_at.prep; }
 
     Q_INVOKABLE void connectCalendar() { m_at.store.requestAccess(); }
@@ -135,6 +139,7 @@ public:
         const QString& place, const QString& notes);
     Q_INVOKABLE void importFile(const QUrl& file);
     Q_INVOKABLE void exportSelected(); ///< into the folder of downloads
+    Q_INVOKABLE void offerFile(); ///< of the chosen event, to be dragged elsewhere
 
     Q_INVOKABLE void dismiss(); ///< the notice
     Q_INVOKABLE void answer(const QString& command, bool add);
@@ -156,9 +161,12 @@ private:
     bool m_week = true;
     QList<CalEvent> m_events; ///< of the page, that are shown
     CalendarLayout m_layout;
+    RowListModel<EventBlock> m_blocks;
+    RowListModel<EventBlock> m_allDay;
     QString m_selected;
     EventCard m_card;
     QString m_told;
+    QString m_offered;
     std::unique_ptr<Timer> m_minute;
 };
 

@@ -15,7 +15,6 @@ FocusScope {
     readonly property real hourHeight: Math.max(44, (view.height - Theme.large) / Math.max(1, hours))
 
     property dayHead noDay
-    property eventBlock noBlock
     property freeGap noGap
 
     signal newPressed
@@ -101,11 +100,9 @@ FocusScope {
         width: grid.columnWidth * grid.columns
         height: grid.screen.allDayRows * 26
         Repeater {
-            model: grid.screen.allDay.length
+            model: grid.screen.allDay
             EventTile {
                 id: whole
-                required property int index
-                event: grid.screen.allDay[index] ?? grid.noBlock
                 selected: grid.screen.selected === event.id
                 x: event.day * grid.columnWidth + 2
                 y: event.lane * 26
@@ -185,11 +182,9 @@ FocusScope {
             }
         }
         Repeater {
-            model: grid.screen.blocks.length
+            model: grid.screen.blocks
             EventTile {
                 id: tile
-                required property int index
-                event: grid.screen.blocks[index] ?? grid.noBlock
                 selected: grid.screen.selected === event.id
                 x: grid.gutter + event.day * grid.columnWidth + 2 + event.lane * (grid.columnWidth - 4) / event.lanes
                 y: Theme.small + event.top * grid.hourHeight + 1

@@ -88,6 +88,14 @@ FocusScope {
                     kind: "quiet"
                     text: qsTr("Save as file")
                     onClicked: pane.screen.exportSelected()
+
+                    // The same file, for wherever it is dragged to.
+                    onPressed: pane.screen.offerFile()
+                    Drag.active: drag.active && pane.screen.offeredFile !== ""
+                    Drag.dragType: Drag.Automatic
+                    Drag.supportedActions: Qt.CopyAction
+                    Drag.mimeData: ({ "text/uri-list": pane.screen.offeredFile + "\r\n" })
+                    DragHandler { id: drag; target: null }
                 }
             }
             SectionHeader {

@@ -10,6 +10,10 @@ T.AbstractButton {
     required property eventBlock event
     required property bool selected
 
+    // The title comes first: in a narrow tile the button stands under it, and in one that is short, too, nowhere.
+    readonly property bool wide: width >= 170
+    readonly property bool joins: event.joinable && (wide || height >= 44)
+
     signal joined
 
     hoverEnabled: true
@@ -41,7 +45,7 @@ T.AbstractButton {
             id: title
             x: Theme.medium
             y: tile.height < 30 ? Math.round((tile.height - height) / 2) : Theme.tight
-            width: parent.width - x - Theme.tight - (join.visible ? join.width : 0)
+            width: parent.width - x - Theme.tight - (tile.joins && tile.wide ? join.width : 0)
             text: tile.event.title
             font.pixelSize: Theme.meta + 1
             font.weight: Theme.strong
@@ -50,7 +54,7 @@ T.AbstractButton {
         Label {
             anchors.top: title.bottom
             x: Theme.medium
-            width: parent.width - x - Theme.tight
+            width: parent.width - x - Theme.tight - (tile.joins && !tile.wide ? join.width : 0)
             visible: tile.height >= 40
             text: tile.event.timeText
             font.pixelSize: Theme.meta
@@ -59,11 +63,10 @@ T.AbstractButton {
         Button {
             id: join
             objectName: "calendar.tileJoin"
-            anchors.right: parent.right
-            anchors.top: parent.top
-            anchors.margins: 2
-            visible: tile.event.joinable
-            implicitHeight: Math.min(24, tile.height - 4)
+            x: parent.width - width - 2
+            y: tile.wide ? 2 : title.y + title.height
+            visible: tile.joins
+            implicitHeight: Math.min(24, tile.height - 4 - (tile.wide ? 0 : title.y + title.height))
             kind: "primary"
             focusPolicy: Qt.NoFocus
             text: qsTr("Join")
