@@ -34,7 +34,8 @@ void ResourceMonitor::refresh()
 {
     if (std::exchange(m_isRefreshing, true))
         return;
-    m_background.run<Result<ResourceReading>>([root = m_root] { return readResources(root); },
+    m_background.run<Result<ResourceReading>>(
+        [root = m_root, before = m_processes] { return readResources(root, before); },
         [self = QPointer(this)](const Result<ResourceReading>& reading) {
             if (self)
                 self->take(reading);
@@ -47,6 +48,7 @@ void ResourceMonitor::take(const Result<ResourceReading>& reading)
     m_lastError = reading ? QString() : reading.error().message;
     if (reading) {
         const quint64 known = m_snapshot.physicalMemoryBytes;
+        m_processes = reading->processes;
         m_snapshot = snapshotOf(*reading, QCoreApplication::applicationPid());
         m_snapshot.physicalMemoryBytes = known > 0 ? known : m_machine.state().physicalMemoryBytes;
         m_snapshot.updatedAtMs = m_scheduler.nowMs();

@@ -38,6 +38,7 @@ private:
     Scheduler& m_scheduler;
     const QString m_root;
     ResourceSnapshot m_snapshot;
+    QList<RunningProcess> m_processes; ///< of the last reading
     QString m_lastError;
     bool m_isRefreshing = false;
     std::unique_ptr<Timer> m_timer;

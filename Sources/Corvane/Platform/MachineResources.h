@@ -19,6 +19,7 @@ struct RunningProcess {
     bool isOfThisUser = false;
     bool hasOwnTerminal = false; ///< another than this program's, or one where this program has none
     bool leadsSession = false; ///< the one that this program runs in, or the desktop's
+    QByteArray kernelName {}; ///< as the kernel has it, cut at 15 bytes
 };
 
 /// Memory and processes at one moment.
@@ -31,8 +32,9 @@ struct ResourceReading {
     std::optional<double> pressure;
 };
 
-/// Waits for the machine; runs on any thread. `root` stands before every path of the system; empty: this machine.
-Result<ResourceReading> readResources(const QString& root = {});
+/// Waits for the machine; runs on any thread. `root` stands before every path of the system; empty: this machine. Of a
+/// process that was there `before` under the same name, the command line is not read again.
+Result<ResourceReading> readResources(const QString& root = {}, const QList<RunningProcess>& before = {});
 
 /// Asks the process to end. False where it has ended already, also where another one has its number now, or where this
 /// program may not ask.

@@ -4,6 +4,7 @@
 #include "Platform/Linux/Files/SystemFiles.h"
 
 #include <QDir>
+#include <QHash>
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -102,7 +103,10 @@ Own ownPlace(int folder, const QString& root)
     return own;
 }
 
-std::optional<RunningProcess> processIn(int folder, const char* name, const Own& own, quint64 pageSize)
+using KnownProcesses = QHash<qint64, const RunningProcess*>;
+
+std::optional<RunningProcess> processIn(
+    int folder, const char* name, const Own& own, quint64 pageSize, const KnownProcesses& before)
 {
     std::array<char, longestStat> statText;
     std::array<char, longestCommandLine> commandLine;
@@ -111,7 +115,10 @@ std::optional<RunningProcess> processIn(int folder, const char* name, const Own&
     const auto stat = statIn(startOf(folder, place + "/stat", statText, &owner));
     if (!stat || (stat->fields.value(6).toULongLong() & kernelThread) != 0)
         return std::nullopt; // or it has ended meanwhile
-    const QString arguments = oneLine(startOf(folder, place + "/cmdline", commandLine));
+    const RunningProcess* const known = before.value(place.toLongLong());
+    const bool same = known && known->startTime == stat->startTime() && known->kernelName == stat->name
+        && !known->arguments.isEmpty();
+    const QString arguments = same ? known->arguments : oneLine(startOf(folder, place + "/cmdline", commandLine));
     const qint64 pages = stat->number(24);
     if (pages == 0 && arguments.isEmpty())
         return std::nullopt; // it has ended, and nobody took notice yet
@@ -120,7 +127,8 @@ std::optional<RunningProcess> processIn(int folder, const char* name, const Own&
     process.startTime = stat->startTime();
     process.parentPid = stat->number(4);
     process.residentBytes = pages * qint64(pageSize);
-    process.command = programName(stat->name, arguments);
+    process.command = same ? known->command : programName(stat->name, arguments);
+    process.kernelName = same ? known->kernelName : stat->name.toByteArray();
     process.arguments = arguments;
     process.isOfThisUser = owner == own.user;
     process.hasOwnTerminal = stat->number(7) != 0 && stat->number(7) != own.terminal;
@@ -157,7 +165,7 @@ std::optional<double> pressureIn(const QByteArray& text)
 
 }
 
-Result<ResourceReading> readResources(const QString& root)
+Result<ResourceReading> readResources(const QString& root, const QList<RunningProcess>& before)
 {
     const QByteArray path = QFile::encodeName(root) + "/proc";
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path.constData()), &::closedir);
@@ -170,11 +178,14 @@ Result<ResourceReading> readResources(const QString& root)
     reading.pressure = pressureIn(systemFile(root + QStringLiteral("/proc/pressure/memory")));
     const int descriptor = ::dirfd(folder.get());
     const Own own = ownPlace(descriptor, root);
+    KnownProcesses known;
+    for (const RunningProcess& process : before)
+        known.insert(process.pid, &process);
     while (const dirent* entry = ::readdir(folder.get())) {
         const char* name = entry->d_name;
         if (*name < '1' || *name > '9')
             continue;
-        if (const auto process = processIn(descriptor, name, own, reading.pageSize))
+        if (const auto process = processIn(descriptor, name, own, reading.pageSize, known))
             reading.processes.append(*process);
     }
     return reading;
