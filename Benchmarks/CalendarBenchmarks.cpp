@@ -1,12 +1,13 @@
-#include "Rivals.h"
+#include "PlayedProgram.h"
 
+#include "Calendar/CalendarServices.h"
 #include "Platform/AppPaths.h"
 #include "Platform/CalendarSource.h"
 #include "Platform/Linux/Services.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -22,17 +23,38 @@ constexpr int files = 5000;
 constexpr int series = 500; ///< of them, that recur each week for ever
 constexpr qint64 dayMs = 86'400'000;
 
-/// A calendar of 5,000 files around now, in a home of its own.
+/// An hour of the year around now, or of each week from then on.
+void writeEvent(const QString& folder, int number, const QString& title)
+{
+    const QDateTime start = QDateTime::currentDateTime().addDays(number % 730 - 365).addSecs(number % 9 * 3600);
+    QFile file(folder + u"/%1.ics"_s.arg(number));
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//bench//EN\r\nBEGIN:VEVENT\r\nUID:"
+        + QByteArray::number(number) + "@bench.example\r\nDTSTAMP:20260101T000000Z\r\nDTSTART;TZID=Europe/Berlin:"
+        + start.toString(u"yyyyMMdd'T'HHmmss"_s).toLatin1() + "\r\nDURATION:PT1H\r\n"
+        + (number < series ? "RRULE:FREQ=WEEKLY\r\n" : "") + "SUMMARY:" + title.toUtf8()
+        + "\r\nLOCATION:Room 1\r\nDESCRIPTION:What is talked about\\, and by whom.\r\nORGANIZER;CN=Ana "
+          "Ruiz:mailto:ana@bench.example\r\nATTENDEE;CN=Bo:mailto:bo@bench.example\r\nEND:VEVENT\r\n"
+          "END:VCALENDAR\r\n");
+}
+
+void writeEvents(const QString& folder)
+{
+    QDir().mkpath(folder);
+    for (int i = 0; i < files; ++i)
+        writeEvent(folder, i, u"Event %1"_s.arg(i));
+}
+
+/// A calendar of 5,000 files in a home of its own.
 class Folder {
 public:
     Folder()
         : m_nowMs(QDateTime::currentMSecsSinceEpoch())
         , m_folder(m_home.filePath(u"share/calendars/work"_s))
     {
-        QDir().mkpath(m_folder);
+        writeEvents(m_folder);
         QDir().mkpath(m_home.filePath(u"config/khal"_s));
-        for (int i = 0; i < files; ++i)
-            write(i, u"Event %1"_s.arg(i));
         QFile config(m_home.filePath(u"config/khal/config"_s));
         if (config.open(QIODevice::WriteOnly))
             config.write("[calendars]\n[[work]]\npath = " + m_folder.toUtf8()
@@ -47,7 +69,7 @@ public:
         return source.read({}, m_nowMs - dayMs, m_nowMs + 60 * dayMs);
     }
 
-    void changeOne() { write(files / 2, u"Changed %1"_s.arg(++m_changes)); }
+    void changeOne() { writeEvent(m_folder, files / 2, u"Changed %1"_s.arg(++m_changes)); }
 
     bool khal()
     {
@@ -64,28 +86,73 @@ public:
     void forgetKhal() { QDir(m_home.filePath(u"khal"_s)).removeRecursively(); }
 
 private:
-    void write(int number, const QString& title)
-    {
-        // A year back and one ahead, an hour each.
-        const QDateTime start
-            = QDateTime::fromMSecsSinceEpoch(m_nowMs).addDays(number % 730 - 365).addSecs(number % 9 * 3600);
-        QFile file(m_folder + u"/%1.ics"_s.arg(number));
-        if (!file.open(QIODevice::WriteOnly))
-            return;
-        file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//bench//EN\r\nBEGIN:VEVENT\r\nUID:"
-            + QByteArray::number(number) + "@bench.example\r\nDTSTAMP:20260101T000000Z\r\nDTSTART;TZID=Europe/Berlin:"
-            + start.toString(u"yyyyMMdd'T'HHmmss"_s).toLatin1() + "\r\nDURATION:PT1H\r\n"
-            + (number < series ? "RRULE:FREQ=WEEKLY\r\n" : "") + "SUMMARY:" + title.toUtf8()
-            + "\r\nLOCATION:Room 1\r\nDESCRIPTION:What is talked about\\, and by whom.\r\nORGANIZER;CN=Ana "
-              "Ruiz:mailto:ana@bench.example\r\nATTENDEE;CN=Bo:mailto:bo@bench.example\r\nEND:VEVENT\r\n"
-              "END:VCALENDAR\r\n");
-    }
-
     const qint64 m_nowMs;
     const QTemporaryDir m_home;
     const QString m_folder;
     int m_changes = 0;
 };
+
+/// The window over the same calendar, at its page.
+class Bench {
+public:
+    Bench()
+    {
+        writeEvents(m_program.folder.filePath(u"calendars/work"_s));
+        CalendarStore& store = m_program.app.calendar().store;
+        store.requestAccess();
+        while (store.events().isEmpty())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        m_program.screens.content.continueWithoutSigningIn();
+        m_program.window.show();
+        m_program.screens.shell.selectHub(u"calendar"_s);
+        paint();
+    }
+
+    CalendarView& calendar() { return m_program.screens.calendar; }
+    void paint() { benchmark::DoNotOptimize(m_program.window.window()->grabWindow()); }
+
+private:
+    PlayedProgram m_program;
+};
+
+std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+
+Bench& bench()
+{
+    if (!instance)
+        instance = std::make_unique<Bench>();
+    return *instance;
+}
+
+/// The week after, and back: what it holds and where, and the tiles.
+void nextWeek(benchmark::State& state)
+{
+    CalendarView& calendar = bench().calendar();
+    for (int step = 1; auto _ : state) {
+        calendar.step(step);
+        step = -step;
+        state.counters["events"] = double(calendar.layout().blocks.size());
+    }
+}
+BENCHMARK(nextWeek)->Name("calendar week/corvane")->Unit(benchmark::kMillisecond);
+
+/// The same until it is drawn, in memory.
+void nextWeekDrawn(benchmark::State& state)
+{
+    for (int step = 1; auto _ : state) {
+        bench().calendar().step(step);
+        step = -step;
+        bench().paint();
+    }
+}
+BENCHMARK(nextWeekDrawn)->Name("calendar week drawn/corvane")->Unit(benchmark::kMillisecond);
+
+void sameWeekDrawn(benchmark::State& state)
+{
+    for (auto _ : state)
+        bench().paint();
+}
+BENCHMARK(sameWeekDrawn)->Name("calendar week drawn/again")->Unit(benchmark::kMillisecond);
 
 Folder& folder()
 {
@@ -157,6 +224,5 @@ BENCHMARK(oneFileChangedByKhal)
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication application(argc, argv);
-    return corvane::bench::runAgainstRivals(argc, argv);
+    return corvane::bench::runWithWindow(argc, argv, corvane::bench::instance);
 }

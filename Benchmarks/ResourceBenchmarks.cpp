@@ -50,6 +50,15 @@ void reading(benchmark::State& state)
     }
 }
 
+/// Each after the one before, as the monitor does.
+void readingAgain(benchmark::State& state)
+{
+    const Crowd crowd;
+    QList<RunningProcess> before = readResources()->processes;
+    for (auto _ : state)
+        before = readResources({}, before)->processes;
+}
+
 void listing(benchmark::State& state)
 {
     const Crowd crowd;
@@ -58,6 +67,7 @@ void listing(benchmark::State& state)
 }
 
 BENCHMARK(reading)->Name("processes(500)/corvane")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(readingAgain)->Name("processes(500) again/corvane")->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(listing)->Name("processes(500)/ps")->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }
