@@ -41,6 +41,7 @@ public:
     {
         return failure(QStringLiteral("It holds none."));
     }
+    int openTasks(const CalendarPlaces&) const override { return 0; }
     Result<void> makeCalendar(const QString&) override { return {}; }
     bool hasService() const override { return true; }
     void watch(const CalendarPlaces&) override { }

@@ -106,6 +106,9 @@ public:
     virtual Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid)
         = 0;
 
+    /// How many tasks are to be done, of those that stand beside the events.
+    virtual int openTasks(const CalendarPlaces& places) const = 0;
+
     /// Makes an empty calendar in the usual folder.
     virtual Result<void> makeCalendar(const QString& title) = 0;
 

@@ -80,6 +80,12 @@ void IntegrationsView::setSection(const QString& id)
     Q_EMIT sectionChanged();
 }
 
+void IntegrationsView::setLocalAccess(LocalAccess& access)
+{
+    m_localAccess = &access;
+    connect(&access, &LocalAccess::accountsAsked, this, [this] { setSection(QStringLiteral("accounts")); });
+}
+
 void IntegrationsView::setVisible(bool visible)
 {
     if (visible == m_visible)

@@ -10,6 +10,7 @@
 #include "Settings/ConnectForm.h"
 #include "Settings/ControlChatSettings.h"
 #include "Settings/DictationSettings.h"
+#include "Settings/LocalAccess.h"
 #include "Settings/MailForm.h"
 #include "Settings/PairingSheet.h"
 #include "Settings/PushSettings.h"
@@ -62,6 +63,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvane::DictationSettings* dictation READ dictation CONSTANT)
+    Q_PROPERTY(corvane::LocalAccess* localAccess READ localAccess CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::WebSettings* web READ web CONSTANT)
     Q_PROPERTY(corvane::PushSettings* push READ push CONSTANT)
@@ -109,6 +111,8 @@ public:
     DictationSettings* dictation() const { return m_dictation; }
     void setDictation(DictationSettings& dictation) { m_dictation = &dictation; } ///< before the window is made
     void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is made
+    LocalAccess* localAccess() const { return m_localAccess; }
+    void setLocalAccess(LocalAccess& access); ///< before the window is made
     SyncSettings* sync() { return &m_sync; }
     WebSettings* web() { return &m_web; }
     PushSettings* push() { return &m_push; }
@@ -145,6 +149,7 @@ private:
     AssistantSettings m_assistant;
     CalendarSettings* m_calendar = nullptr;
     DictationSettings* m_dictation = nullptr;
+    LocalAccess* m_localAccess = nullptr;
     SyncSettings m_sync;
     WebSettings m_web;
     PushSettings m_push;

@@ -78,6 +78,8 @@ public:
     Keychain& keychain() { return m_keychain; }
     Scheduler& scheduler() { return m_scheduler; }
     ProcessLauncher& launcher() { return *m_machine.launcher; }
+    AddressBook& addressBook() { return *m_machine.addressBook; }
+    BackgroundQueue& background() { return m_background; }
     Desktop& desktop() { return *m_machine.desktop; }
     Microphone& microphone() { return *m_machine.microphone; }
     MediaDecoder& decoder() { return *m_machine.decoder; }

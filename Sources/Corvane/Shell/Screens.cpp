@@ -36,6 +36,8 @@ Screens::Screens(CorvaneApp& root)
     , calendar(
           { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
     , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
+    , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
+          app.defaults(), app.paths().home })
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
@@ -70,6 +72,7 @@ Screens::Screens(CorvaneApp& root)
     shell.setScreens(hubScreens);
     settings.setCalendar(calendarSettings);
     settings.setDictation(dictationSettings);
+    settings.setLocalAccess(localAccess);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));

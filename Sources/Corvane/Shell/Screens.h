@@ -54,6 +54,7 @@ public:
     IntegrationsView settings;
     CalendarView calendar;
     CalendarSettings calendarSettings;
+    LocalAccess localAccess;
     UpcomingMeetings meetings;
     CallsView calls;
     CallSettings& callSettings;

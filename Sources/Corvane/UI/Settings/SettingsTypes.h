@@ -239,4 +239,17 @@ struct ControlChatRowType {
     QML_VALUE_TYPE(controlChatRow)
 };
 
+struct LocalAccessType {
+    Q_GADGET
+    QML_FOREIGN(corvane::LocalAccess)
+    QML_NAMED_ELEMENT(LocalAccess)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct LocalAccessRowType {
+    Q_GADGET
+    QML_FOREIGN(corvane::LocalAccessRow)
+    QML_VALUE_TYPE(localAccessRow)
+};
+
 }

@@ -76,6 +76,10 @@ Column {
             }
         }
     }
+    LocalAccessCard {
+        width: parent.width
+        access: section.settings.localAccess
+    }
     Card {
         width: parent.width
         SettingRow {

@@ -77,6 +77,11 @@ Result<QByteArray> CombinedCalendars::exported(
     return of(places, calendarId).exported(places, calendarId, uid);
 }
 
+int CombinedCalendars::openTasks(const CalendarPlaces& places) const
+{
+    return m_folders->openTasks(places) + m_service->openTasks(places);
+}
+
 Result<void> CombinedCalendars::makeCalendar(const QString& title)
 {
     return m_folders->makeCalendar(title);

@@ -18,6 +18,7 @@ public:
     Result<CalendarImport> import(
         const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics) override;
     Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid) override;
+    int openTasks(const CalendarPlaces& places) const override;
     Result<void> makeCalendar(const QString& title) override;
     bool hasService() const override;
     void watch(const CalendarPlaces& places) override;

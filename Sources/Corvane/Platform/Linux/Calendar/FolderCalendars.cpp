@@ -318,6 +318,16 @@ Result<QByteArray> FolderCalendars::exported(
     return icsParts(*content).file(uid.toUtf8());
 }
 
+int FolderCalendars::openTasks(const CalendarPlaces& places) const
+{
+    int open = 0;
+    for (const Folder& folder : folders(places)) {
+        for (const QString& name : QDir(folder.path).entryList({ u"*.ics"_s }, QDir::Files))
+            open += corvane::openTasks(contentOf(folder.path + u'/' + name).value_or(QByteArray()));
+    }
+    return open;
+}
+
 Result<void> FolderCalendars::makeCalendar(const QString& title)
 {
     const QString folder = m_dataHome + u"/calendars/"_s + fileName(title.toLower()).chopped(4);

@@ -168,6 +168,27 @@ IcsParts icsParts(const QByteArray& text)
     return parts;
 }
 
+int openTasks(const QByteArray& text)
+{
+    int open = 0;
+    bool inTask = false;
+    bool ended = false;
+    forEachLine(text, [&](QByteArrayView line) {
+        if (startsWith(line, "BEGIN:VTODO")) {
+            inTask = true;
+            ended = false;
+        } else if (startsWith(line, "END:VTODO")) {
+            open += inTask && !ended ? 1 : 0;
+            inTask = false;
+        } else if (inTask) {
+            ended |= startsWith(line, "STATUS:COMPLETED") || startsWith(line, "STATUS:CANCELLED")
+                || startsWith(line, "COMPLETED:");
+        }
+        return true;
+    });
+    return open;
+}
+
 QByteArray IcsParts::file(const QByteArray& uid) const
 {
     return head + zones.join() + events.value(uid).join() + foot;

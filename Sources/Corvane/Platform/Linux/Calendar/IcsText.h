@@ -29,6 +29,8 @@ struct IcsParts {
     QByteArray file(const QByteArray& uid) const; ///< a file of that event alone
 };
 
+int openTasks(const QByteArray& text); ///< that are neither completed nor cancelled
+
 IcsParts icsParts(const QByteArray& text);
 
 }

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+
+namespace corvane {
+
+class AccountStore;
+class AddressBook;
+class BackgroundQueue;
+class CalendarStore;
+class Desktop;
+class UserDefaults;
+
+/// Something of the user's on this computer, and whether the program may read it.
+class LocalAccessRow {
+    Q_GADGET
+    Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString detail MEMBER detail)
+    Q_PROPERTY(bool connected MEMBER connected)
+public:
+    QString id; ///< "mail", "tasks", "contacts", "notes" or "messages"
+    QString name;
+    QString detail; ///< where it was found, or how much there is
+    bool connected = false;
+
+    bool operator==(const LocalAccessRow&) const = default;
+};
+
+/// The card "Local access": mail and messages are this program's own accounts, the rest stands in folders, of which
+/// nothing but the names and numbers is read before the user presses Connect.
+class LocalAccess : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString label READ label CONSTANT)
+    Q_PROPERTY(QString hint READ hint CONSTANT)
+    Q_PROPERTY(QList<corvane::LocalAccessRow> rows READ rows NOTIFY changed)
+public:
+    /// All of it outlives the object.
+    struct Surroundings {
+        AccountStore& accounts;
+        CalendarStore& calendar;
+        const AddressBook& addressBook;
+        BackgroundQueue& background;
+        Desktop& desktop;
+        UserDefaults& defaults;
+        QString home;
+    };
+
+    explicit LocalAccess(Surroundings surroundings, QObject* parent = nullptr);
+
+    static QString label() { return QStringLiteral("Local access"); }
+    static QString hint()
+    {
+        return QStringLiteral("Mail · Tasks · Contacts · Notes · Messages — local, no cloud sign-in");
+    }
+    QList<LocalAccessRow> rows() const;
+
+    Q_INVOKABLE void refresh(); ///< counts again what is connected
+    Q_INVOKABLE void connectTo(const QString& id);
+
+Q_SIGNALS:
+    void changed();
+    void accountsAsked(); ///< where mail and messages are connected
+
+private:
+    LocalAccessRow accountsRow(const QString& id, const QString& name, bool mail) const;
+    LocalAccessRow row(const QString& id, const QString& name, const QString& found, const QString& missing) const;
+    bool isFound(const QString& id) const;
+    bool isConnected(const QString& id) const;
+    QStringList contactFolders() const;
+    QString notesFolder() const; ///< empty where there is none
+    void count(const QString& id);
+    void chooseNotes();
+    void tell(const QString& id, const QString& words);
+
+    const Surroundings m_at;
+    QHash<QString, QString> m_told; ///< by id: how much there is, or what went wrong
+};
+
+}
