@@ -20,6 +20,7 @@ FocusScope {
         id: filters
         x: Theme.wide
         y: Theme.medium
+        width: parent.width - Theme.wide * 2
         spacing: Theme.small
 
         SearchField {
@@ -31,36 +32,38 @@ FocusScope {
             onCleared: view.board.words = ""
             onLeave: lanes.forceActiveFocus(Qt.TabFocusReason)
         }
-        FilterMenu {
-            objectName: "board.owner"
+        Flow {
+            width: filters.width - x
             anchors.verticalCenter: parent.verticalCenter
-            every: qsTr("Everybody")
-            choices: view.board.owners
-            chosen: view.board.owner
-            onPicked: word => view.board.owner = word
-        }
-        FilterMenu {
-            objectName: "board.priority"
-            anchors.verticalCenter: parent.verticalCenter
-            every: qsTr("Any priority")
-            choices: view.board.priorities
-            chosen: view.board.priority
-            onPicked: word => view.board.priority = word
-        }
-        FilterMenu {
-            objectName: "board.kind"
-            anchors.verticalCenter: parent.verticalCenter
-            every: qsTr("Every kind")
-            choices: view.board.kinds
-            chosen: view.board.kind
-            onPicked: word => view.board.kind = word
-        }
-        Chip {
-            anchors.verticalCenter: parent.verticalCenter
-            visible: view.board.filtered
-            removable: true
-            text: qsTr("Clear filters")
-            onClicked: view.board.clearFilters()
+            spacing: Theme.small
+
+            FilterMenu {
+                objectName: "board.owner"
+                every: qsTr("Everybody")
+                choices: view.board.owners
+                chosen: view.board.owner
+                onPicked: word => view.board.owner = word
+            }
+            FilterMenu {
+                objectName: "board.priority"
+                every: qsTr("Any priority")
+                choices: view.board.priorities
+                chosen: view.board.priority
+                onPicked: word => view.board.priority = word
+            }
+            FilterMenu {
+                objectName: "board.kind"
+                every: qsTr("Every kind")
+                choices: view.board.kinds
+                chosen: view.board.kind
+                onPicked: word => view.board.kind = word
+            }
+            Chip {
+                visible: view.board.filtered
+                removable: true
+                text: qsTr("Clear filters")
+                onClicked: view.board.clearFilters()
+            }
         }
     }
     Banner {

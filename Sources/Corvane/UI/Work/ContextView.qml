@@ -68,12 +68,15 @@ FocusScope {
             onDismissed: view.shell.dismissNotice()
         }
     }
-    Row {
+    Flow {
         id: tabs
         anchors.top: head.bottom
         anchors.topMargin: Theme.small
         x: Theme.wide - Theme.small
-        height: 44
+        width: parent.width - x * 2
+        padding: 8
+        leftPadding: 0
+        rightPadding: 0
         spacing: 2
         Repeater {
             model: view.shell.tabs.length // the tabs stay while their counts change
@@ -81,7 +84,6 @@ FocusScope {
                 required property int index
                 readonly property tabItem entry: view.shell.tabs[index] ?? view.noTab
                 objectName: "work.tab:" + entry.id
-                anchors.verticalCenter: parent.verticalCenter
                 text: entry.label
                 count: entry.count
                 selected: view.shell.tab === entry.id
