@@ -1,5 +1,8 @@
 #include "Calls/RecordedCalls.h"
 
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/StoreWatch.h"
+
 namespace corvane {
 
 namespace {
@@ -13,6 +16,7 @@ RecordedCalls::RecordedCalls(LocalDB& db, QObject* parent)
     : QObject(parent)
     , m_db(db)
 {
+    m_db.watch().on(StoreSubject::Work, this, [this] { refresh(); });
 }
 
 void RecordedCalls::refresh()
