@@ -30,6 +30,9 @@ void drawOps(Gallery& gallery)
     OpsHub& ops = gallery.screens().ops;
     WorkModuleShell& shell = *ops.shell();
     gallery.screens().shell.selectHub(u"ops"_s);
+    constexpr int longestWait = 40; // the demonstration writes its records a few seconds after the start
+    for (int i = 0; shell.contextRows().isEmpty() && i < longestWait; ++i)
+        gallery.wait(pause);
     const QList<TabItem> places = shell.places(); // their counts change while they are walked
     for (const TabItem& place : places) {
         shell.setPlace(place.id);
