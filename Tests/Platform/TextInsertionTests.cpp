@@ -41,14 +41,12 @@ public:
 
     bool says(const QByteArray& line)
     {
-        return await([&] {
-            while (m_process.canReadLine())
-                m_lines << m_process.readLine().trimmed();
-            return m_lines.contains(line);
-        });
+        return await([&] { return lines().contains(line); });
     }
-
-    void forget() { m_lines.clear(); }
+    bool saysAtTheEnd(const QByteArray& line)
+    {
+        return await([&] { return lines().endsWith(line); });
+    }
 
     void quit()
     {
@@ -57,6 +55,13 @@ public:
     }
 
 private:
+    const QByteArrayList& lines()
+    {
+        while (m_process.canReadLine())
+            m_lines << m_process.readLine().trimmed();
+        return m_lines;
+    }
+
     QProcess m_process;
     QByteArrayList m_lines;
 };
@@ -177,8 +182,7 @@ TEST_F(TextInsertionTest, theProgramInFrontPastesAndTheClipboardKeepsWhatItHeld)
     EXPECT_TRUE(target.says("15 Grüße, привет ☕"));
     EXPECT_EQ(insert(insertion, "!"), Outcome::Inserted) << "before the clipboard was given back";
     EXPECT_TRUE(target.says("16 Grüße, привет ☕!"));
-    target.forget();
-    EXPECT_TRUE(target.says("clipboard 700000"));
+    EXPECT_TRUE(target.saysAtTheEnd("clipboard 700000"));
 }
 
 TEST_F(TextInsertionTest, aTargetThatQuitLeavesTheTextOnTheClipboard)

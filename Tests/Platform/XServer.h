@@ -26,11 +26,13 @@ public:
         m_server.waitForFinished();
     }
 
+    /// Returns once the server has them: what other programs ask of it afterwards comes later.
     void send(const QList<std::pair<uint8_t, xcb_keycode_t>>& events)
     {
         for (const auto& [type, code] : events)
             xcb_test_fake_input(m_keyboard.get(), type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_flush(m_keyboard.get());
+        const XcbReply<xcb_get_input_focus_reply_t> served(
+            xcb_get_input_focus_reply(m_keyboard.get(), xcb_get_input_focus(m_keyboard.get()), nullptr));
     }
     void hold(xcb_keycode_t code) { send({ { XCB_KEY_PRESS, code } }); }
     void letGo(xcb_keycode_t code) { send({ { XCB_KEY_RELEASE, code } }); }
