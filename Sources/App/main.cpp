@@ -25,7 +25,11 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <span>
+#include <string_view>
 
 using namespace corvane;
 
@@ -33,14 +37,12 @@ namespace {
 
 enum class Mode { Window, Headless };
 
-/// Read before Qt chooses its platform, which a headless run must not have.
+/// Read before Qt chooses its platform: what shows no window needs no display.
 Mode requestedMode(int argc, char** argv)
 {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--headless") == 0)
-            return Mode::Headless;
-    }
-    return Mode::Window;
+    constexpr std::array<std::string_view, 5> withoutWindow { "--headless", "--help", "-h", "--version", "-v" };
+    const std::span arguments(argv, size_t(argc));
+    return std::ranges::find_first_of(arguments, withoutWindow) == arguments.end() ? Mode::Window : Mode::Headless;
 }
 
 void logEvents(EngineManager& engine)

@@ -73,8 +73,7 @@ const QList<TextCommand>& commandTable()
         { { u"mark"_s }, {}, u"Marks this moment of the call that is recorded."_s },
         { { u"record"_s }, {}, u"Starts or stops recording a call."_s },
         { { u"tool"_s }, u"[NAME]"_s,
-            u"Calls a tool of the local tool server with the JSON object on standard input, or lists the tools."_s, 0,
-            1, runTool },
+            u"Calls a tool of the tool server with the JSON on standard input, or lists them."_s, 0, 1, runTool },
         { { u"verify"_s }, {}, u"Checks the record of decisions."_s, 0, 0,
             [](const Run& run) {
                 return verifyDecisions(run.paths, run.out);
@@ -124,7 +123,7 @@ std::optional<int> runCommand(int argc, char** argv)
 
 QString commandHelp()
 {
-    constexpr int indent = 28;
+    constexpr int indent = 30;
     QString lines = u"Commands:\n"_s;
     for (const TextCommand& command : commandTable()) {
         if (!command.what.isEmpty())
