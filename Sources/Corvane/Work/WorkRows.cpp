@@ -106,7 +106,7 @@ WorkItemSeed itemSeed(const WorkItemRecord& item, bool waits, const DateWords& w
     seed.id = item.id;
     seed.kind = capital(shownLine(item.kind));
     seed.title = shownLine(item.title.isEmpty() ? u"Without a title"_s : item.title);
-    seed.status = shownLine(item.status);
+    seed.status = shownLine(item.status).replace(u'_', u' ');
     if (item.priority != "normal"_L1)
         seed.priority = capital(shownLine(item.priority));
     seed.owner = shownLine(item.owner);
