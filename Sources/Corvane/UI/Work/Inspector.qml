@@ -17,19 +17,20 @@ FocusScope {
         height: 48
         spacing: 2
         Repeater {
-            model: [
-                { id: "team", label: qsTr("Team") },
-                { id: "tasks", label: qsTr("Tasks") },
-                { id: "evidence", label: qsTr("Evidence") },
-                { id: "safety", label: qsTr("Safety") }
-            ]
+            model: ListModel {
+                ListElement { name: "team"; label: qsTr("Team") }
+                ListElement { name: "tasks"; label: qsTr("Tasks") }
+                ListElement { name: "evidence"; label: qsTr("Evidence") }
+                ListElement { name: "safety"; label: qsTr("Safety") }
+            }
             FilterTab {
-                required property var modelData
-                objectName: "inspector." + modelData.id
+                required property string name
+                required property string label
+                objectName: "inspector." + name
                 anchors.verticalCenter: parent.verticalCenter
-                text: modelData.label
-                selected: view.tab === modelData.id
-                onClicked: view.tab = modelData.id
+                text: label
+                selected: view.tab === name
+                onClicked: view.tab = name
             }
         }
     }
