@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Rivals.h"
 
 #include "AI/AIRequestWatcher.h"
@@ -30,20 +31,18 @@ struct Input {
 /// Everything that a prompt takes, and as long as it takes it: 80 messages, 8 notes and 12 identities.
 Input fullInput(const QString& word)
 {
-    Input input { { QStringLiteral("ct:EMAIL:ana@example.com"), QStringLiteral("Ana Petrović"),
-                      { QStringLiteral("EMAIL"), QStringLiteral("WHATSAPP") }, {}, {} },
-        {} };
+    Input input { { u"ct:EMAIL:ana@example.com"_s, u"Ana Petrović"_s, { u"EMAIL"_s, u"WHATSAPP"_s }, {}, {} }, {} };
     for (int at = 0; at < 12; ++at) {
-        input.context.identities.append({ QStringLiteral("EMAIL"), QStringLiteral("ana%1@example.com").arg(at),
-            QStringLiteral("ana%1@example.com").arg(at), QStringLiteral("49170123%1").arg(at) });
+        input.context.identities.append(
+            { u"EMAIL"_s, u"ana%1@example.com"_s.arg(at), u"ana%1@example.com"_s.arg(at), u"49170123%1"_s.arg(at) });
     }
     for (int at = 0; at < 8; ++at)
-        input.context.recentNotes.append({ QStringLiteral("note:%1").arg(at), word.repeated(100), 1'772'000'000'000 });
+        input.context.recentNotes.append({ u"note:%1"_s.arg(at), word.repeated(100), 1'772'000'000'000 });
     for (int at = 0; at < 80; ++at) {
         UnifiedMsgRow row;
-        row.id = QStringLiteral("wa:msg:%1").arg(at);
-        row.direction = QStringLiteral("IN");
-        row.platform = QStringLiteral("WHATSAPP");
+        row.id = u"wa:msg:%1"_s.arg(at);
+        row.direction = u"IN"_s;
+        row.platform = u"WHATSAPP"_s;
         row.body = word.repeated(160);
         row.ts = 1'772'000'000'000 + at * 60'000;
         input.messages.append(row);
@@ -55,15 +54,14 @@ void replyPrompt(benchmark::State& state, const QString& word)
 {
     const Input input = fullInput(word);
     for (auto _ : state)
-        benchmark::DoNotOptimize(makeDraftReplyPrompt(input.context, input.messages, QStringLiteral("friendly")));
+        benchmark::DoNotOptimize(makeDraftReplyPrompt(input.context, input.messages, u"friendly"_s));
 }
 
 void factsOfADraft(benchmark::State& state)
 {
-    const Input input = fullInput(QStringLiteral("word "));
+    const Input input = fullInput(u"word "_s);
     const QString context = makeDraftReplyPrompt(input.context, input.messages, QString()).prompt;
-    const QString draft
-        = QStringLiteral("Hi Ana, the 14 panels arrive on March 3 at 9 am, Petra calls you. ").repeated(5);
+    const QString draft = u"Hi Ana, the 14 panels arrive on March 3 at 9 am, Petra calls you. "_s.repeated(5);
     for (auto _ : state)
         benchmark::DoNotOptimize(ungroundedFacts(draft, context));
 }
@@ -77,25 +75,24 @@ public:
     /// Fills up to so many that wait, asked so long ago.
     void fill(int waiting, qint64 ageMs)
     {
-        m_db.run(QStringLiteral("DELETE FROM ai_requests WHERE status<>'pending';"));
-        m_db.run(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<?)\n"
-                                "INSERT INTO ai_requests(id, prompt, created_at)\n"
-                                "SELECT hex(randomblob(8)), printf('%.2000c', 'x'), ? FROM n\n"
-                                "LIMIT ?-(SELECT COUNT(*) FROM ai_requests);"),
+        m_db.run(u"DELETE FROM ai_requests WHERE status<>'pending';"_s);
+        m_db.run(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<?)\n"
+                 "INSERT INTO ai_requests(id, prompt, created_at)\n"
+                 "SELECT hex(randomblob(8)), printf('%.2000c', 'x'), ? FROM n\n"
+                 "LIMIT ?-(SELECT COUNT(*) FROM ai_requests);"_s,
             { waiting, m_standing.nowMs() - ageMs, waiting });
     }
     void tick() { m_ticking.advance(seconds(1)); }
 
 private:
     QTemporaryDir m_folder;
-    AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(QStringLiteral("defaults.ini")),
+    AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(u"defaults.ini"_s),
         QStringLiteral(CORVANE_SOURCE) };
     VirtualScheduler m_standing; ///< so that what waits grows no older
     VirtualScheduler m_ticking;
     UserDefaults m_defaults { m_paths.defaultsFile };
     NotificationCentre m_centre;
-    LocalDB m_db { m_folder.filePath(QStringLiteral("queue.db")), { m_paths.resources, {} }, m_standing, m_defaults,
-        m_centre };
+    LocalDB m_db { m_folder.filePath(u"queue.db"_s), { m_paths.resources, {} }, m_standing, m_defaults, m_centre };
     LoopbackLanguageModel m_model { m_standing, {} };
     std::unique_ptr<MachineFacts> m_facts = makeMachineFacts(m_paths);
     std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
@@ -125,12 +122,10 @@ BENCHMARK_CAPTURE(queueTick, waiting, 1000, 0)
 BENCHMARK_CAPTURE(queueTick, stale, 1000, 120'001)
     ->Name("tick of the queue that finds 1,000 requests expired")
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(replyPrompt, plain, QStringLiteral("word "))
+BENCHMARK_CAPTURE(replyPrompt, plain, u"word "_s)
     ->Name("prompt of 80 messages, 8 notes, 12 identities")
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(replyPrompt, beyondLatin, QStringLiteral("слово "))
-    ->Name("the same in Cyrillic")
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(replyPrompt, beyondLatin, u"слово "_s)->Name("the same in Cyrillic")->Unit(benchmark::kMillisecond);
 BENCHMARK(factsOfADraft)->Name("facts of a draft against that prompt")->Unit(benchmark::kMillisecond);
 
 }

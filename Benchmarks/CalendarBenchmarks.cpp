@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "PlayedProgram.h"
 
 #include "Calendar/CalendarServices.h"
@@ -16,8 +17,6 @@
 namespace corvane::bench {
 
 namespace {
-
-using namespace Qt::StringLiterals;
 
 constexpr int files = 5000;
 constexpr int series = 500; ///< of them, that recur each week for ever

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Rivals.h"
 
 #include "AI/AIServices.h"
@@ -43,7 +44,7 @@ double cpuSeconds(int whose)
 
 double residentMB()
 {
-    QFile pages(QStringLiteral("/proc/self/statm"));
+    QFile pages(u"/proc/self/statm"_s);
     if (!pages.open(QIODevice::ReadOnly))
         return 0;
     return double(pages.readAll().split(' ').value(1).toLongLong()) * 4096 / 1e6;
@@ -64,24 +65,22 @@ public:
     {
         qputenv("PULSE_RUNTIME_PATH", QFile::encodeName(m_folder.path()));
         qputenv("PULSE_STATE_PATH", QFile::encodeName(m_folder.path()));
-        qputenv("PULSE_SERVER", QFile::encodeName(QStringLiteral("unix:") + m_folder.filePath(QStringLiteral("s"))));
-        QStringList arguments { QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-            QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no") };
+        qputenv("PULSE_SERVER", QFile::encodeName(u"unix:"_s + m_folder.filePath(u"s"_s)));
+        QStringList arguments { u"-n"_s, u"--daemonize=no"_s, u"--exit-idle-time=-1"_s, u"--use-pid-file=no"_s };
         for (const QString& module :
-            { QStringLiteral("module-native-protocol-unix auth-anonymous=1 socket=") + m_folder.filePath("s"),
-                QStringLiteral("module-null-sink sink_name=speaker rate=48000 channels=2"),
-                QStringLiteral("module-null-sink sink_name=room rate=48000 channels=1"),
-                QStringLiteral("module-remap-source source_name=mic master=room.monitor"),
-                QStringLiteral("module-sine sink=speaker frequency=440"),
-                QStringLiteral("module-sine sink=room frequency=330") })
-            arguments << QStringLiteral("-L") << module;
+            { u"module-native-protocol-unix auth-anonymous=1 socket="_s + m_folder.filePath("s"),
+                u"module-null-sink sink_name=speaker rate=48000 channels=2"_s,
+                u"module-null-sink sink_name=room rate=48000 channels=1"_s,
+                u"module-remap-source source_name=mic master=room.monitor"_s,
+                u"module-sine sink=speaker frequency=440"_s, u"module-sine sink=room frequency=330"_s })
+            arguments << u"-L"_s << module;
         m_server.setStandardErrorFile(QProcess::nullDevice());
-        m_server.start(QStringLiteral("pulseaudio"), arguments);
+        m_server.start(u"pulseaudio"_s, arguments);
         QElapsedTimer time;
         time.start();
-        while (!control({ QStringLiteral("info") }) && time.elapsed() < 5000) { }
-        control({ QStringLiteral("set-default-sink"), QStringLiteral("speaker") });
-        control({ QStringLiteral("set-default-source"), QStringLiteral("mic") });
+        while (!control({ u"info"_s }) && time.elapsed() < 5000) { }
+        control({ u"set-default-sink"_s, u"speaker"_s });
+        control({ u"set-default-source"_s, u"mic"_s });
     }
     ~HummingServer()
     {
@@ -96,7 +95,7 @@ private:
     {
         QProcess pactl;
         pactl.setStandardErrorFile(QProcess::nullDevice());
-        pactl.start(QStringLiteral("pactl"), arguments);
+        pactl.start(u"pactl"_s, arguments);
         return pactl.waitForFinished() && pactl.exitCode() == 0;
     }
 
@@ -112,8 +111,8 @@ void recorded(benchmark::State& state)
         const QTemporaryDir folder;
         SystemScheduler scheduler;
         const auto audio = makeCallAudio(scheduler);
-        const auto mic = audio->recordMicrophone(folder.filePath(QStringLiteral("mic.m4a")));
-        const auto system = audio->recordSystem(folder.filePath(QStringLiteral("system.m4a")), {});
+        const auto mic = audio->recordMicrophone(folder.filePath(u"mic.m4a"_s));
+        const auto system = audio->recordSystem(folder.filePath(u"system.m4a"_s), {});
         turnTheLoopFor(3);
         const double memory = residentMB();
         const double used = cpuSeconds(RUSAGE_SELF);
@@ -133,18 +132,15 @@ void recordedByFfmpeg(benchmark::State& state)
     const HummingServer server;
     for (auto _ : state) {
         const QTemporaryDir folder;
-        QStringList arguments { QStringLiteral("-loglevel"), QStringLiteral("error") };
+        QStringList arguments { u"-loglevel"_s, u"error"_s };
         for (const char* source : { "mic", "speaker.monitor" })
-            arguments << QStringLiteral("-f") << QStringLiteral("pulse") << QStringLiteral("-i")
-                      << QLatin1String(source);
+            arguments << u"-f"_s << u"pulse"_s << u"-i"_s << QLatin1StringView(source);
         const QString length = QString::number(recordedSeconds);
-        arguments << QStringLiteral("-map") << QStringLiteral("0") << QStringLiteral("-t") << length
-                  << QStringLiteral("-ar") << QStringLiteral("44100") << QStringLiteral("-ac") << QStringLiteral("1")
-                  << QStringLiteral("-b:a") << QStringLiteral("96k") << folder.filePath(QStringLiteral("mic.m4a"))
-                  << QStringLiteral("-map") << QStringLiteral("1") << QStringLiteral("-t") << length
-                  << QStringLiteral("-b:a") << QStringLiteral("128k") << folder.filePath(QStringLiteral("system.m4a"));
+        arguments << u"-map"_s << u"0"_s << u"-t"_s << length << u"-ar"_s << u"44100"_s << u"-ac"_s << u"1"_s
+                  << u"-b:a"_s << u"96k"_s << folder.filePath(u"mic.m4a"_s) << u"-map"_s << u"1"_s << u"-t"_s << length
+                  << u"-b:a"_s << u"128k"_s << folder.filePath(u"system.m4a"_s);
         const double used = cpuSeconds(RUSAGE_CHILDREN);
-        if (QProcess::execute(QStringLiteral("ffmpeg"), arguments) != 0)
+        if (QProcess::execute(u"ffmpeg"_s, arguments) != 0)
             state.SkipWithError("ffmpeg failed");
         state.SetIterationTime(cpuSeconds(RUSAGE_CHILDREN) - used);
     }
@@ -159,7 +155,7 @@ void writtenWhole(benchmark::State& state)
         second[i] = 0.3F * std::sin(float(i) * 2 * std::numbers::pi_v<float> * 440 / float(format.rate));
     for (auto _ : state) {
         const QTemporaryDir folder;
-        auto writer = M4aWriter::create(folder.filePath(QStringLiteral("mic.m4a")), format);
+        auto writer = M4aWriter::create(folder.filePath(u"mic.m4a"_s), format);
         (void)(*writer)->write(second);
         const double memory = residentMB();
         for (int i = 1; i < int(callSeconds); ++i)
@@ -179,9 +175,9 @@ const QString& transcript()
     static const QString text = [] {
         QString all;
         for (int turn = 0; all.size() < transcriptLength; ++turn) {
-            all += turn % 2 == 0 ? QStringLiteral("Me:") : QStringLiteral("Meeting audio:");
+            all += turn % 2 == 0 ? u"Me:"_s : u"Meeting audio:"_s;
             for (int sentence = 0; sentence < 10; ++sentence)
-                all += QStringLiteral(" We said that the offer of batch %1 goes out on Friday.").arg(turn + sentence);
+                all += u" We said that the offer of batch %1 goes out on Friday."_s.arg(turn + sentence);
             all += u'\n';
         }
         return all.first(transcriptLength);
@@ -195,19 +191,19 @@ public:
     void choose(const Choice&) override { }
     std::optional<QString> unavailableReason() const override { return std::nullopt; }
     bool runsElsewhere() const override { return false; }
-    QString modelName() const override { return QStringLiteral("none"); }
-    QString displayName() const override { return QStringLiteral("none"); }
+    QString modelName() const override { return u"none"_s; }
+    QString displayName() const override { return u"none"_s; }
     QStringList models() const override { return {}; }
     QCoro::Task<> refresh() override { co_return; }
     QCoro::Task<Result<QString>> respond(QString, QString, CancelHandle) override
     {
         if (afterNs < 0)
             afterNs = time.nsecsElapsed();
-        co_return failure(QStringLiteral("It never answers."));
+        co_return failure(u"It never answers."_s);
     }
     QCoro::Task<Result<QJsonObject>> respondGenerating(QString, QString, QJsonObject, CancelHandle) override
     {
-        co_return failure(QStringLiteral("It never answers."));
+        co_return failure(u"It never answers."_s);
     }
 
     QElapsedTimer time;
@@ -225,7 +221,7 @@ class NoTool final : public ToolRunner {
 public:
     QCoro::Task<Result<ToolEnd>> run(QString, QStringList, QByteArray, CancelHandle) override
     {
-        co_return failure(QStringLiteral("There is none."));
+        co_return failure(u"There is none."_s);
     }
 };
 
@@ -233,7 +229,7 @@ public:
 void firstGeneration(benchmark::State& state)
 {
     const QTemporaryDir folder;
-    UserDefaults defaults(folder.filePath(QStringLiteral("defaults.ini")));
+    UserDefaults defaults(folder.filePath(u"defaults.ini"_s));
     const SystemScheduler scheduler;
     const NoFacts facts;
     NoTool tools;

@@ -1,6 +1,7 @@
 // How fast the lines of an engine become rows, beside the bare C interface of SQLite, how long another program waits to
 // write meanwhile, and how the event loop fares while a hundred engines crash at once and again.
 
+#include "Foundation/Literals.h"
 #include "MirrorBench.h"
 #include "Rivals.h"
 
@@ -41,12 +42,10 @@ Bench& bench()
 
 QByteArray lineOf(const IncomingMessage& message, MirrorBench::Age age)
 {
-    const QJsonObject event { { QStringLiteral("type"), QStringLiteral("message") },
-        { QStringLiteral("convExternalId"), message.conversationExternalId },
-        { QStringLiteral("providerMsgId"), message.providerMsgId }, { QStringLiteral("body"), message.body },
-        { QStringLiteral("direction"), QStringLiteral("IN") }, { QStringLiteral("ts"), message.ts },
-        { QStringLiteral("convTitle"), *message.conversationTitle }, { QStringLiteral("sender"), *message.sender },
-        { QStringLiteral("historical"), age == MirrorBench::Age::Historical } };
+    const QJsonObject event { { u"type"_s, u"message"_s }, { u"convExternalId"_s, message.conversationExternalId },
+        { u"providerMsgId"_s, message.providerMsgId }, { u"body"_s, message.body }, { u"direction"_s, u"IN"_s },
+        { u"ts"_s, message.ts }, { u"convTitle"_s, *message.conversationTitle }, { u"sender"_s, *message.sender },
+        { u"historical"_s, age == MirrorBench::Age::Historical } };
     return "@@CORVANE@@" + QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n';
 }
 
@@ -209,7 +208,7 @@ void crashStorm(benchmark::State& state)
     SystemScheduler scheduler;
     const auto launcher = makeProcessLauncher(scheduler);
     for (auto _ : state) {
-        PlayedEngine world(scheduler, QStringLiteral(":memory:"), launcher.get());
+        PlayedEngine world(scheduler, u":memory:"_s, launcher.get());
         EngineManager& engines = world.engines();
         int exits = 0;
         int starts = 0;
@@ -230,7 +229,7 @@ void crashStorm(benchmark::State& state)
         for (int i = 0; i < engineCount; ++i) {
             Account account;
             account.id = QUuid::createUuid();
-            account.slug = QStringLiteral("crashing-%1").arg(i);
+            account.slug = u"crashing-%1"_s.arg(i);
             engines.start(account);
         }
         while (exits < 3 * engineCount)

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 #include "Rivals.h"
 
@@ -49,8 +50,8 @@ public:
                                             "'wa:main:%' GROUP BY conversation_id ORDER BY COUNT(*) DESC LIMIT 1;")
                                     .value_or(QString());
         m_message.conversationExternalId = busiest.section(u':', 2);
-        m_message.conversationTitle = QStringLiteral("The busiest person");
-        m_message.body = QStringLiteral("See you tomorrow");
+        m_message.conversationTitle = u"The busiest person"_s;
+        m_message.body = u"See you tomorrow"_s;
         m_inbox.person()->setOnScreen(false);
         m_inbox.appear();
         receive();
@@ -59,13 +60,12 @@ public:
 
     void receive()
     {
-        m_message.providerMsgId = QStringLiteral("LIVE%1").arg(++m_messages);
+        m_message.providerMsgId = u"LIVE%1"_s.arg(++m_messages);
         m_message.ts = m_scheduler.nowMs();
-        raiseUnread(m_engine.db(),
-            storeMessage(m_engine.db(), QStringLiteral("WHATSAPP"), QStringLiteral("main"), m_message)->conversationId);
+        raiseUnread(m_engine.db(), storeMessage(m_engine.db(), u"WHATSAPP"_s, u"main"_s, m_message)->conversationId);
     }
 
-    QString contactId() const { return QStringLiteral("ct:WHATSAPP:") + m_message.conversationExternalId; }
+    QString contactId() const { return u"ct:WHATSAPP:"_s + m_message.conversationExternalId; }
     LocalDB& db() { return m_engine.db(); }
     InboxView& inbox() { return m_inbox; }
 
@@ -80,8 +80,8 @@ private:
     }
 
     QTemporaryDir m_folder { QStringLiteral(CORVANE_MIRROR_FOLDER "/../inbox-XXXXXX") };
-    AppPaths m_paths { m_folder.path(), m_folder.filePath(QStringLiteral("share")),
-        m_folder.filePath(QStringLiteral("defaults.ini")), resourceFolder() };
+    AppPaths m_paths { m_folder.path(), m_folder.filePath(u"share"_s), m_folder.filePath(u"defaults.ini"_s),
+        resourceFolder() };
     SystemScheduler m_scheduler;
     UserDefaults m_defaults { m_paths.defaultsFile };
     NotificationCentre m_centre;

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Rivals.h"
 
 #include "Foundation/SystemScheduler.h"
@@ -34,7 +35,7 @@ const QStringList& pictures()
                     line[x] = qRgb(x * 255 / 2016, y * 255 / 1512, int(noise >> 27) + i);
                 }
             }
-            all.append(folder.filePath(QStringLiteral("%1.jpg").arg(i)));
+            all.append(folder.filePath(u"%1.jpg"_s.arg(i)));
             image.save(all.last());
         }
         return all;

@@ -1,5 +1,6 @@
 #include "Mirror.h"
 #include "BareStatement.h"
+#include "Foundation/Literals.h"
 
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
@@ -86,7 +87,7 @@ private:
             conversation.id = QByteArray("wa:") + network.account + ':' + conversation.handle;
             if (index < m_size.contacts) {
                 conversation.contact = QByteArray("ct:") + network.channel + ':' + conversation.handle;
-                const QByteArray name = QStringLiteral("Person %1 of %2").arg(index).arg(word()).toUtf8();
+                const QByteArray name = u"Person %1 of %2"_s.arg(index).arg(word()).toUtf8();
                 const QByteArray avatar = oneIn(3) ? "/media/avatars/" + QByteArray::number(index) + ".jpg" : "";
                 contact.run(conversation.contact, name, avatar, end - below(1'000'000));
             } else {
@@ -167,7 +168,7 @@ QString applySchemaTo(const QString& path)
 {
     const QTemporaryDir folder;
     SystemScheduler scheduler;
-    UserDefaults defaults(folder.filePath(QStringLiteral("defaults.ini")));
+    UserDefaults defaults(folder.filePath(u"defaults.ini"_s));
     NotificationCentre centre;
     LocalDB db(path, { resourceFolder(), {} }, scheduler, defaults, centre);
     return db.scalar("SELECT group_concat(sql) FROM (SELECT sql FROM sqlite_master ORDER BY name);")
@@ -183,7 +184,7 @@ QString resourceFolder()
 
 void makeMirror(const QString& path, const MirrorSize& size)
 {
-    const QString draft = path + QStringLiteral(".part");
+    const QString draft = path + u".part"_s;
     QFile::remove(draft);
     applySchemaTo(draft);
     sqlite3* db = nullptr;
@@ -199,14 +200,14 @@ void makeMirror(const QString& path, const MirrorSize& size)
 QString sharedMirror(const QString& folder)
 {
     const QTemporaryDir scratch;
-    const QByteArray schema = applySchemaTo(scratch.filePath(QStringLiteral("empty.db"))).toUtf8();
+    const QByteArray schema = applySchemaTo(scratch.filePath(u"empty.db"_s)).toUtf8();
     const QByteArray version = QCryptographicHash::hash(schema, QCryptographicHash::Sha256).toHex().first(12);
     const QDir directory(folder);
-    directory.mkpath(QStringLiteral("."));
-    const QString path = directory.filePath(QStringLiteral("mirror-%1.db").arg(QString::fromLatin1(version)));
+    directory.mkpath(u"."_s);
+    const QString path = directory.filePath(u"mirror-%1.db"_s.arg(QString::fromLatin1(version)));
     if (QFile::exists(path))
         return path;
-    for (const QString& old : directory.entryList({ QStringLiteral("mirror-*.db*") }))
+    for (const QString& old : directory.entryList({ u"mirror-*.db*"_s }))
         QFile::remove(directory.filePath(old));
     makeMirror(path);
     return path;

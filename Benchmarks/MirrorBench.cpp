@@ -1,5 +1,6 @@
 #include "MirrorBench.h"
 
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 
 #include "Foundation/Ids.h"
@@ -72,10 +73,10 @@ IncomingMessage MirrorBench::nextMessage()
     ++m_messages;
     IncomingMessage message;
     message.conversationExternalId = m_handles[m_messages * 7919 % m_handles.size()];
-    message.providerMsgId = QStringLiteral("LIVE%1").arg(m_messages);
-    message.body = QStringLiteral("See you tomorrow at the usual place, thanks for the invoice");
+    message.providerMsgId = u"LIVE%1"_s.arg(m_messages);
+    message.body = u"See you tomorrow at the usual place, thanks for the invoice"_s;
     message.ts = m_scheduler.nowMs();
-    message.conversationTitle = QStringLiteral("Person %1").arg(m_messages % 500);
+    message.conversationTitle = u"Person %1"_s.arg(m_messages % 500);
     message.sender = message.conversationTitle;
     return message;
 }
@@ -134,10 +135,9 @@ void MirrorBench::learnStatements()
     for (const char* providerId : { "first", "second" }) { // the second finds its conversation linked
         tracedStatements.clear();
         IncomingMessage message;
-        message.conversationExternalId = QStringLiteral("learn");
+        message.conversationExternalId = u"learn"_s;
         message.providerMsgId = QString::fromUtf8(providerId);
-        raiseUnread(*traced,
-            storeMessage(*traced, QStringLiteral("WHATSAPP"), QStringLiteral("main"), message)->conversationId);
+        raiseUnread(*traced, storeMessage(*traced, u"WHATSAPP"_s, u"main"_s, message)->conversationId);
     }
     for (const QByteArray& sql : std::as_const(tracedStatements)) {
         if (sql.startsWith("INSERT") || sql.startsWith("UPDATE"))

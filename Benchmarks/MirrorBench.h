@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BareStatement.h"
+#include "Foundation/Literals.h"
 
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
@@ -21,7 +22,7 @@ public:
     MirrorBench(const MirrorBench&) = delete;
     MirrorBench& operator=(const MirrorBench&) = delete;
 
-    QString path() const { return m_folder.filePath(QStringLiteral("mirror.db")); }
+    QString path() const { return m_folder.filePath(u"mirror.db"_s); }
     LocalDB& store() { return *m_store; }
     sqlite3* bare() { return m_bare; }
     QByteArray contactsStatement() const; ///< the list of people in one statement over everybody
@@ -45,7 +46,7 @@ private:
 
     QTemporaryDir m_folder;
     SystemScheduler m_scheduler;
-    UserDefaults m_defaults { m_folder.filePath(QStringLiteral("defaults.ini")) };
+    UserDefaults m_defaults { m_folder.filePath(u"defaults.ini"_s) };
     NotificationCentre m_centre;
     std::unique_ptr<LocalDB> m_store;
     sqlite3* m_bare = nullptr;

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "PlayedProgram.h"
 
 #include "Approvals/ApprovalsStore.h"
@@ -18,31 +19,26 @@ public:
     Bench()
     {
         LocalDB& db = m_program.app.engine().db();
-        const QString numbers
-            = QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<10000) ");
-        db.exec(QStringLiteral("BEGIN;"));
+        const QString numbers = u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<10000) "_s;
+        db.exec(u"BEGIN;"_s);
         db.run(
-            QStringLiteral(
-                R"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
-)") + numbers
-            + QStringLiteral("SELECT 'od:'||i, 'local', 'wa:main:'||i, 'WHATSAPP', 'main', i, 'Person '||i, "
-                             "'A letter '||hex(zeroblob(500)), 'pending', 'mcp', i, i FROM n;"));
+            uR"(INSERT INTO outbound_draft(id, workspace_id, conversation_id, channel, account_id, external_id, title, body, status, source, created_at, updated_at)
+)"_s + numbers
+            + u"SELECT 'od:'||i, 'local', 'wa:main:'||i, 'WHATSAPP', 'main', i, 'Person '||i, "
+              "'A letter '||hex(zeroblob(500)), 'pending', 'mcp', i, i FROM n;"_s);
         db.run(
-            QStringLiteral(
-                R"(INSERT INTO crm_update_proposal(id, workspace_id, kind, title, payload_json, status, created_at, updated_at)
-)") + numbers
-            + QStringLiteral(
-                R"(SELECT 'p:'||i, 'local', 'task', 'Call '||i, '{"title":"Call back"}', 'pending', i, i FROM n;)"));
+            uR"(INSERT INTO crm_update_proposal(id, workspace_id, kind, title, payload_json, status, created_at, updated_at)
+)"_s + numbers
+            + uR"(SELECT 'p:'||i, 'local', 'task', 'Call '||i, '{"title":"Call back"}', 'pending', i, i FROM n;)"_s);
         db.run(
-            QStringLiteral(
-                R"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
-)") + numbers
-            + QStringLiteral("SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
-                             "FROM n;"));
-        db.exec(QStringLiteral("COMMIT;"));
+            uR"(INSERT INTO work_decision(id, module, title, status, proposal, rationale, risk, created_at, updated_at)
+)"_s + numbers
+            + u"SELECT 'w:'||i, 'ops', 'Decide '||i, 'proposed', 'Do it', 'It is due', 'money', i, i "
+              "FROM n;"_s);
+        db.exec(u"COMMIT;"_s);
         m_program.app.approvals().attach(m_program.app.delivery(), m_program.app.recordedCalls());
         m_program.app.delivery().refresh();
-        m_program.screens.panel.setTab(QStringLiteral("approvals"));
+        m_program.screens.panel.setTab(u"approvals"_s);
     }
 
     ApprovalsStore& approvals() { return m_program.app.approvals(); }

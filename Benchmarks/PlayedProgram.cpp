@@ -1,5 +1,6 @@
 #include "PlayedProgram.h"
 
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 
 #include "Platform/AddressBook.h"
@@ -43,11 +44,11 @@ Machine machine(const AppPaths& paths, Scheduler& scheduler, std::unique_ptr<Pro
 
 AppPaths pathsIn(const QString& folder, const QString& database)
 {
-    const QString share = folder + QStringLiteral("/share");
+    const QString share = folder + u"/share"_s;
     QDir().mkpath(share);
     if (!database.isEmpty())
-        QFile::copy(database, share + QStringLiteral("/nimblocal.db"));
-    return { folder, share, folder + QStringLiteral("/defaults.ini"), resourceFolder() };
+        QFile::copy(database, share + u"/nimblocal.db"_s);
+    return { folder, share, folder + u"/defaults.ini"_s, resourceFolder() };
 }
 
 }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 #include "Rivals.h"
 
@@ -17,14 +18,14 @@ class Profile {
 public:
     explicit Profile(bool withMirror)
     {
-        QDir(m_folder.path()).mkpath(QStringLiteral("share/Corvane"));
-        QDir(m_folder.path()).mkpath(QStringLiteral("config/Corvane"));
-        QFile defaults(m_folder.filePath(QStringLiteral("config/Corvane/defaults.ini")));
+        QDir(m_folder.path()).mkpath(u"share/Corvane"_s);
+        QDir(m_folder.path()).mkpath(u"config/Corvane"_s);
+        QFile defaults(m_folder.filePath(u"config/Corvane/defaults.ini"_s));
         if (defaults.open(QIODevice::WriteOnly))
             defaults.write("[General]\nCorvane.continuedWithoutSigningIn=true\n");
         if (withMirror)
             QFile::copy(sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)),
-                m_folder.filePath(QStringLiteral("share/Corvane/nimblocal.db")));
+                m_folder.filePath(u"share/Corvane/nimblocal.db"_s));
     }
 
     /// Starts the program in it, on the display that is there, or else offscreen; returns once the first frame is
@@ -32,13 +33,12 @@ public:
     bool start(QProcess& program) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("HOME"), m_folder.path());
-        environment.insert(QStringLiteral("XDG_DATA_HOME"), m_folder.filePath(QStringLiteral("share")));
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_folder.filePath(QStringLiteral("config")));
-        environment.insert(QStringLiteral("CORVANE_SECRETS"), QStringLiteral("file"));
-        if (!environment.contains(QStringLiteral("DISPLAY"))
-            && !environment.contains(QStringLiteral("WAYLAND_DISPLAY")))
-            environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(u"HOME"_s, m_folder.path());
+        environment.insert(u"XDG_DATA_HOME"_s, m_folder.filePath(u"share"_s));
+        environment.insert(u"XDG_CONFIG_HOME"_s, m_folder.filePath(u"config"_s));
+        environment.insert(u"CORVANE_SECRETS"_s, u"file"_s);
+        if (!environment.contains(u"DISPLAY"_s) && !environment.contains(u"WAYLAND_DISPLAY"_s))
+            environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
         program.setProcessEnvironment(environment);
         program.setReadChannel(QProcess::StandardError);
         program.start(QStringLiteral(CORVANE_PROGRAM), QStringList());
@@ -57,7 +57,7 @@ private:
 
 double residentMegabytes(qint64 pid)
 {
-    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+    QFile status(u"/proc/%1/status"_s.arg(pid));
     if (!status.open(QIODevice::ReadOnly))
         return 0;
     for (const QByteArray& line : status.readAll().split('\n')) {

@@ -1,5 +1,6 @@
 // A program that writes 100 MB into a terminal: through the session alone, with the transcript, and in a window.
 
+#include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
 #include "UI/Terminals/TerminalItem.h"
 
@@ -19,7 +20,7 @@ constexpr qint64 megabytes = 100;
 /// Plain lines, or lines in as many colours as compilers and listings use.
 QString fileOf(const QTemporaryDir& folder, bool colored)
 {
-    const QString path = folder.filePath(colored ? QStringLiteral("colored") : QStringLiteral("plain"));
+    const QString path = folder.filePath(colored ? u"colored"_s : u"plain"_s);
     if (QFile::exists(path))
         return path;
     QByteArray lines;
@@ -69,7 +70,7 @@ void withTranscript(benchmark::State& state)
     const QString path = fileOf(folder(), state.range(0));
     SystemScheduler scheduler;
     for (auto _ : state) {
-        LumoTerminalSession session({ .title = QStringLiteral("cat"), .command = printing(path) }, scheduler);
+        LumoTerminalSession session({ .title = u"cat"_s, .command = printing(path) }, scheduler);
         session.view({ 200, 50, 8, 17 });
         session.terminal()->waitForExit(std::chrono::minutes(5));
         benchmark::DoNotOptimize(session.transcript().snapshot(24'000));
@@ -99,7 +100,7 @@ void inWindow(benchmark::State& state)
         ++frames;
     });
     for (auto _ : state) {
-        LumoTerminalSession session({ .title = QStringLiteral("cat"), .command = printing(path) }, scheduler);
+        LumoTerminalSession session({ .title = u"cat"_s, .command = printing(path) }, scheduler);
         item.setSession(&session);
         while (!session.exitStatus())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "MirrorBench.h"
 #include "Rivals.h"
 
@@ -16,7 +17,7 @@ namespace corvane::bench {
 namespace {
 
 constexpr int threadLimit = 1000;
-const QString rareWord = QStringLiteral("zebra crossing");
+const QString rareWord = u"zebra crossing"_s;
 
 MirrorBench& bench()
 {
@@ -29,11 +30,11 @@ MirrorBench& bench()
 QString personWith(const char* name, int everyNth, int first)
 {
     LocalDB& db = bench().store();
-    const QString contact = QStringLiteral("ct:WHATSAPP:") + QLatin1String(name);
+    const QString contact = u"ct:WHATSAPP:"_s + QLatin1StringView(name);
     int part = 0;
     for (const char* channel : { "WHATSAPP", "TELEGRAM" }) {
-        const QString conversation = ensureConversation(db, QLatin1String(channel), QStringLiteral("main"),
-            QLatin1String(name) + QString::number(part), QStringLiteral("Ana"), 1);
+        const QString conversation = ensureConversation(
+            db, QLatin1StringView(channel), u"main"_s, QLatin1StringView(name) + QString::number(part), u"Ana"_s, 1);
         db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { contact, conversation });
         db.run("UPDATE unified_message SET conversation_id=? WHERE rowid % ? = ?;",
             { conversation, everyNth * 2, first + part * everyNth });

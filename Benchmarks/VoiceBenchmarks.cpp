@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Rivals.h"
 
 #include "Foundation/SystemScheduler.h"
@@ -33,9 +34,8 @@ struct Files {
         QByteArray sound;
         for (int i = 0; sound.size() < seconds * 32'000; i = (i + 1) % 5) {
             static const char* const names[] { "0870", "0880", "0890", "0920", "0930" };
-            QFile spoken(QStringLiteral("/usr/share/pocketsphinx/test/data/librivox/"
-                                        "sense_and_sensibility_01_austen_64kb-%1.wav")
-                    .arg(QLatin1String(names[i])));
+            QFile spoken(u"/usr/share/pocketsphinx/test/data/librivox/"
+                         "sense_and_sensibility_01_austen_64kb-%1.wav"_s.arg(QLatin1StringView(names[i])));
             if (!spoken.open(QIODevice::ReadOnly))
                 qFatal("tools/setup bench installs the sound.");
             const QByteArray all = spoken.readAll();
@@ -57,8 +57,8 @@ struct Files {
     }
 
     QTemporaryDir folder;
-    QString model = folder.filePath(QStringLiteral("ggml-base.bin"));
-    QString wave = folder.filePath(QStringLiteral("speech.wav"));
+    QString model = folder.filePath(u"ggml-base.bin"_s);
+    QString wave = folder.filePath(u"speech.wav"_s);
     QByteArray header;
 };
 
@@ -78,7 +78,7 @@ RecogniserProgram program()
 /// Of this process, without its children; in MiB.
 double residentMemory()
 {
-    QFile file(QStringLiteral("/proc/self/statm"));
+    QFile file(u"/proc/self/statm"_s);
     if (!file.open(QIODevice::ReadOnly))
         return 0;
     constexpr double pagesOfOneMiB = 256;
@@ -92,11 +92,11 @@ void transcribed(benchmark::State& state)
     const auto launcher = makeProcessLauncher(scheduler);
     ChildRecogniser models(*launcher, program());
     const auto basic = makeBasicRecogniser(*launcher);
-    UserDefaults defaults(files().folder.filePath(QStringLiteral("defaults.ini")));
+    UserDefaults defaults(files().folder.filePath(u"defaults.ini"_s));
     SpeechModelStore store(files().folder.path(), defaults, scheduler);
     SpeechInstalledModel model;
-    model.spec.repository = QStringLiteral("whisper.cpp");
-    model.spec.variant = QStringLiteral("ggml-base.bin");
+    model.spec.repository = u"whisper.cpp"_s;
+    model.spec.variant = u"ggml-base.bin"_s;
     model.localPath = files().model;
     model.sizeBytes = QFile(files().model).size();
     store.add(model);
@@ -105,7 +105,7 @@ void transcribed(benchmark::State& state)
     const double before = residentMemory();
     for (auto _ : state) {
         std::optional<TranscriptionOutcome> outcome;
-        service.transcribe({ .audioPath = files().wave, .locale = QStringLiteral("en"), .model = model.spec })
+        service.transcribe({ .audioPath = files().wave, .locale = u"en"_s, .model = model.spec })
             .then([&outcome](TranscriptionOutcome result) { outcome = std::move(result); });
         while (!outcome) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -126,7 +126,7 @@ void byTheCommandLine(benchmark::State& state)
     const RecogniserProgram tool = program();
     SpeechJob job;
     job.model = files().model;
-    job.language = QStringLiteral("en");
+    job.language = u"en"_s;
     for (auto _ : state) {
         if (QProcess::execute(tool.executable, tool.arguments(job, files().wave)) != 0)
             state.SkipWithError("whisper.cpp failed");

@@ -1,4 +1,5 @@
 #include "BareStatement.h"
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 #include "Rivals.h"
 
@@ -28,8 +29,6 @@
 namespace corvane::bench {
 
 namespace {
-
-using namespace Qt::StringLiterals;
 
 constexpr int chats = 200;
 constexpr int messagesOfAChat = 500;

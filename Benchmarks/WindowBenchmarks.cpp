@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Mirror.h"
 #include "PlayedProgram.h"
 
@@ -25,8 +26,8 @@ public:
     Bench()
     {
         LocalDB& db = m_program.app.engine().db();
-        const QString conversation = ensureConversation(db, QStringLiteral("WHATSAPP"), QStringLiteral("main"),
-            QStringLiteral("a-thousand"), QStringLiteral("Ana"), m_program.scheduler.nowMs());
+        const QString conversation
+            = ensureConversation(db, u"WHATSAPP"_s, u"main"_s, u"a-thousand"_s, u"Ana"_s, m_program.scheduler.nowMs());
         db.run("UPDATE unified_message SET conversation_id=?, ts=? - rowid / 1000 * 10800000 WHERE rowid % 1000 = 0;",
             { conversation, m_program.scheduler.nowMs() });
         m_handles = db.rows("SELECT external_id FROM unified_conversation WHERE channel='WHATSAPP' AND "
@@ -35,7 +36,7 @@ public:
         QDir().mkpath(engineDir(m_program.paths));
         Account account;
         account.id = QUuid::createUuid();
-        account.slug = QStringLiteral("main");
+        account.slug = u"main"_s;
         m_program.app.engine().start(account);
         m_program.screens.content.continueWithoutSigningIn();
         m_program.window.show();
@@ -73,9 +74,8 @@ public:
         QString chunk;
         for (int i = 0; i < count; ++i) {
             ++m_messages;
-            chunk += QStringLiteral(
-                "@@CORVANE@@{\"type\":\"message\",\"convExternalId\":\"%1\",\"providerMsgId\":\"W%2\","
-                "\"direction\":\"IN\",\"body\":\"See you tomorrow\",\"ts\":%3}\n")
+            chunk += u"@@CORVANE@@{\"type\":\"message\",\"convExternalId\":\"%1\",\"providerMsgId\":\"W%2\","
+                     "\"direction\":\"IN\",\"body\":\"See you tomorrow\",\"ts\":%3}\n"_s
                          .arg(m_handles.at(m_messages * 7919 % m_handles.size()))
                          .arg(m_messages)
                          .arg(m_program.scheduler.nowMs());
@@ -111,7 +111,7 @@ private:
     int m_messages = 0;
 };
 
-const QString somebody = QStringLiteral("ct:WHATSAPP:a-thousand");
+const QString somebody = u"ct:WHATSAPP:a-thousand"_s;
 
 std::unique_ptr<Bench> instance; // goes before the application object, as its window does
 

@@ -1,5 +1,6 @@
 // Whatever an engine prints, the next line that is well-formed is handled.
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Processes/WholeLines.h"
 #include "Support/PlayedEngine.h"
 #include "Support/VirtualScheduler.h"
@@ -23,7 +24,7 @@ struct World {
 
     WholeLines lines;
     VirtualScheduler clock;
-    PlayedEngine engine { clock, QStringLiteral(":memory:") };
+    PlayedEngine engine { clock, u":memory:"_s };
 };
 
 }
@@ -37,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         world.print(bytes.sliced(from, std::min(chunk, bytes.size() - from)));
     world.print("\n@@CORVANE@@{\"type\":\"log\",\"msg\":\"still here\"}\n");
     const RuntimeState state = world.engine.engines().runtime(world.engine.account().id);
-    if (state.lastLog != QStringLiteral("still here"))
+    if (state.lastLog != u"still here"_s)
         std::abort();
     return 0;
 }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -9,8 +10,6 @@
 #include "Store/Core/LocalDB.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

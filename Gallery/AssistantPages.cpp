@@ -1,9 +1,8 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawAssistant(Gallery& gallery)
 {

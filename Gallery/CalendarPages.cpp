@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -6,8 +7,6 @@
 #include <QCoreApplication>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawCalendar(Gallery& gallery)
 {

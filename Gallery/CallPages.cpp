@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -6,8 +7,6 @@
 #include "Store/Work/CallWrites.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawCalls(Gallery& gallery)
 {

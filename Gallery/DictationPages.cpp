@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -5,8 +6,6 @@
 #include "Voice/DictationAnywhere.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawDictation(Gallery& gallery)
 {

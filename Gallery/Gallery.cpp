@@ -2,6 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 
 #include <QEventLoop>
 #include <QGuiApplication>
@@ -10,8 +11,6 @@
 #include <cstdio>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

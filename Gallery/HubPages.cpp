@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -5,8 +6,6 @@
 #include "Store/Work/WorkBoardQueries.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -91,7 +90,7 @@ void drawEmpty(Gallery& gallery)
 {
     for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",
              "crm_deal", "unified_conversation", "ask" })
-        gallery.db().run(u"ALTER TABLE %1 RENAME TO hidden_%1;"_s.arg(QLatin1String(table)));
+        gallery.db().run(u"ALTER TABLE %1 RENAME TO hidden_%1;"_s.arg(QLatin1StringView(table)));
     const auto draw = [&](const QString& hub, WorkModuleShell& shell) {
         gallery.screens().shell.selectHub(hub);
         shell.refresh();
@@ -104,7 +103,7 @@ void drawEmpty(Gallery& gallery)
     draw(u"ops"_s, *gallery.screens().ops.shell());
     for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",
              "crm_deal", "unified_conversation", "ask" })
-        gallery.db().run(u"ALTER TABLE hidden_%1 RENAME TO %1;"_s.arg(QLatin1String(table)));
+        gallery.db().run(u"ALTER TABLE hidden_%1 RENAME TO %1;"_s.arg(QLatin1StringView(table)));
 }
 
 }

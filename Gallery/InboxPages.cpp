@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -13,8 +14,6 @@
 #include <QFile>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 // The machine that the pictures of tools/gallery show: real where it moves the program, and the same each time.
 
+#include "Foundation/Literals.h"
 #include "Sound.h"
 
 #include "Foundation/Arrival.h"
@@ -30,8 +31,6 @@
 #include <QRegularExpression>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 /// The demonstration's hour for ever; waits are real.
 class StandingClock final : public Scheduler {

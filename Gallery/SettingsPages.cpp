@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -12,8 +13,6 @@
 #include "Voice/VoiceServices.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

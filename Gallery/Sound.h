@@ -2,6 +2,7 @@
 
 // The sound of the machine that the pictures show.
 
+#include "Foundation/Literals.h"
 #include "Platform/CallAudio.h"
 #include "Platform/Microphone.h"
 
@@ -47,7 +48,7 @@ public:
     void findSystemAudio(std::function<void(const Result<void>&)> answer) override { answer({}); }
     void findApplications(std::function<void(const QList<SoundApplication>&)> answer) override
     {
-        answer({ { QStringLiteral("zoom"), QStringLiteral("Zoom"), true, true } });
+        answer({ { u"zoom"_s, u"Zoom"_s, true, true } });
     }
     void repair(const QString&, TrackRecording::Done done) override { done({}); }
 };

@@ -1,11 +1,10 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 #include <QDir>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawTerminals(Gallery& gallery)
 {

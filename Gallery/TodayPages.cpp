@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -7,8 +8,6 @@
 #include <QFile>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

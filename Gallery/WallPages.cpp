@@ -1,11 +1,10 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 #include "Web/SessionStore.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 void drawWall(Gallery& gallery)
 {

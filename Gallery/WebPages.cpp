@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -10,8 +11,6 @@
 #include <QProcess>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,6 +1,7 @@
 // Renders every screen and state of the window into a folder of pictures. The clock stands still, so that each run
 // draws the same.
 
+#include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
@@ -23,19 +24,19 @@ struct Page {
 
 /// In the order in which they are drawn; the wall signs out.
 const Page pages[] = {
-    { QStringLiteral("inbox"), drawInbox },
-    { QStringLiteral("assistant"), drawAssistant },
-    { QStringLiteral("contact"), drawContact },
-    { QStringLiteral("calendar"), drawCalendar },
-    { QStringLiteral("today"), drawToday },
-    { QStringLiteral("approvals"), drawApprovals },
-    { QStringLiteral("settings"), drawSettings },
-    { QStringLiteral("dictation"), drawDictation },
-    { QStringLiteral("hubs"), drawHubs },
-    { QStringLiteral("terminals"), drawTerminals },
-    { QStringLiteral("calls"), drawCalls },
-    { QStringLiteral("web"), drawWeb },
-    { QStringLiteral("wall"), drawWall },
+    { u"inbox"_s, drawInbox },
+    { u"assistant"_s, drawAssistant },
+    { u"contact"_s, drawContact },
+    { u"calendar"_s, drawCalendar },
+    { u"today"_s, drawToday },
+    { u"approvals"_s, drawApprovals },
+    { u"settings"_s, drawSettings },
+    { u"dictation"_s, drawDictation },
+    { u"hubs"_s, drawHubs },
+    { u"terminals"_s, drawTerminals },
+    { u"calls"_s, drawCalls },
+    { u"web"_s, drawWeb },
+    { u"wall"_s, drawWall },
 };
 
 }

@@ -1,6 +1,7 @@
 #include "AI/AIServices.h"
 #include "AI/AskLumo.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/ApplicationId.h"
@@ -48,7 +49,7 @@ Mode requestedMode(int argc, char** argv)
 void logEvents(EngineManager& engine)
 {
     QObject::connect(&engine, &EngineManager::eventHandled, &engine,
-        [](const QString& account, const QString& type) { log(QStringLiteral("engine %1: %2").arg(account, type)); });
+        [](const QString& account, const QString& type) { log(u"engine %1: %2"_s.arg(account, type)); });
 }
 
 }
@@ -65,33 +66,32 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QGuiApplication application(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Corvane"));
+    QGuiApplication::setApplicationName(u"Corvane"_s);
     QGuiApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
     QGuiApplication::setDesktopFileName(applicationId);
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("One private inbox for every channel.\n\n") + commandHelp());
+    parser.setApplicationDescription(u"One private inbox for every channel.\n\n"_s + commandHelp());
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOption({ QStringLiteral("headless"), QStringLiteral("Run everything but the window.") });
-    parser.addOption({ QStringLiteral("start-all"),
-        QStringLiteral("Start the engine of every account, not only those that start by themselves.") });
-    parser.addOption({ QStringLiteral("recover"),
-        QStringLiteral("What takes the place of a damaged database that was moved aside: what can be saved of it, the "
-                       "latest backup, or an empty one."),
-        QStringLiteral("save|backup|new") });
-    const QString toggleDictation = QStringLiteral("toggle-dictation");
+    parser.addOption({ u"headless"_s, u"Run everything but the window."_s });
     parser.addOption(
-        { toggleDictation, QStringLiteral("Start dictation in the running program, or finish it, as its key does.") });
-    parser.addPositionalArgument(QStringLiteral("url"),
-        QStringLiteral("A command, or a nimb-companion: URL that finishes a sign-in."), QStringLiteral("[url]"));
+        { u"start-all"_s, u"Start the engine of every account, not only those that start by themselves."_s });
+    parser.addOption({ u"recover"_s,
+        u"What takes the place of a damaged database that was moved aside: what can be saved of it, the "
+        "latest backup, or an empty one."_s,
+        u"save|backup|new"_s });
+    const QString toggleDictation = u"toggle-dictation"_s;
+    parser.addOption({ toggleDictation, u"Start dictation in the running program, or finish it, as its key does."_s });
+    parser.addPositionalArgument(
+        u"url"_s, u"A command, or a nimb-companion: URL that finishes a sign-in."_s, u"[url]"_s);
     parser.process(application);
 
     const AppPaths paths = AppPaths::fromEnvironment();
     const mode_t startingUmask = keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
-    const QStringList wishes = parser.isSet(toggleDictation) ? QStringList { QStringLiteral("--") + toggleDictation }
-                                                             : parser.positionalArguments();
+    const QStringList wishes
+        = parser.isSet(toggleDictation) ? QStringList { u"--"_s + toggleDictation } : parser.positionalArguments();
     const auto instance = makeSingleInstance(paths);
     if (!instance->claim(wishes))
         return 0;
@@ -129,7 +129,7 @@ int main(int argc, char** argv)
         QObject::connect(window.get(), &MainWindow::appeared, &app, &CorvaneApp::onAppear);
         capture = std::make_unique<CaptureWindow>(window->engine(), app.capture());
         QObject::connect(window.get(), &MainWindow::firstFrame, capture.get(), [&capture] {
-            log(QStringLiteral("MainWindow: first frame"));
+            log(u"MainWindow: first frame"_s);
             capture->prepare();
         });
         dictation = std::make_unique<DictationWindow>(window->engine(), app.dictation());
@@ -140,9 +140,9 @@ int main(int argc, char** argv)
         QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
         window->show();
     }
-    if (parser.isSet(QStringLiteral("recover")))
-        app.recovery().choose(parser.value(QStringLiteral("recover")));
-    if (parser.isSet(QStringLiteral("start-all")))
+    if (parser.isSet(u"recover"_s))
+        app.recovery().choose(parser.value(u"recover"_s));
+    if (parser.isSet(u"start-all"_s))
         app.startAllEngines();
     if (!wishes.isEmpty())
         app.open(wishes);

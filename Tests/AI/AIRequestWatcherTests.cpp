@@ -1,4 +1,5 @@
 #include "AI/AIRequestWatcher.h"
+#include "Foundation/Literals.h"
 
 #include "Platform/Linux/Services.h"
 #include "Support/Await.h"
@@ -17,7 +18,7 @@ protected:
     void ask(const char* id, qint64 ageMs = 0)
     {
         EXPECT_TRUE(m_db->run("INSERT INTO ai_requests(id, instructions, prompt, created_at) VALUES(?,?,?,?);",
-            { QString(id), QStringLiteral("be brief"), QStringLiteral("prompt ") + id, m_clock.nowMs() - ageMs }));
+            { QString(id), u"be brief"_s, u"prompt "_s + id, m_clock.nowMs() - ageMs }));
     }
     QStringList rows() { return table("SELECT id, status, response, error FROM ai_requests ORDER BY id"); }
     void tick() { m_clock.advance(Milliseconds(1000)); }
@@ -46,7 +47,7 @@ TEST_F(AIRequestWatcherTest, requestsAreAnsweredOldestFirstOneAtATimeFiveInABatc
     EXPECT_EQ(rows(),
         (QStringList { "0|pending|-|-", "2|pending|-|-", "3|done|three|-", "4|done|four|-", "5|done|five|-",
             "6|error|-|no words today", "7|done| as it came\n|-" }));
-    m_lumo.model.willAnswer(QStringLiteral("two"));
+    m_lumo.model.willAnswer(u"two"_s);
     tick();
     EXPECT_EQ(rows().first(2),
         (QStringList {
@@ -96,9 +97,9 @@ TEST_F(AIRequestWatcherTest, aRequestThatACrashLeftClaimedRunsOnceMoreAndNoOften
     ask("limit", 120'000);
     EXPECT_TRUE(m_db->run("UPDATE ai_requests SET status='processing', claimed_at=? WHERE id IN ('crashed','behind');",
         { m_clock.nowMs() - 120'001 }));
-    m_lumo.model.willAnswer(QStringLiteral("at last"));
+    m_lumo.model.willAnswer(u"at last"_s);
     const auto slow = m_lumo.model.willAnswerLater();
-    m_lumo.model.willAnswer(QStringLiteral("just in time"));
+    m_lumo.model.willAnswer(u"just in time"_s);
     auto watcher = std::make_unique<AIRequestWatcher>(*m_db, m_lumo.ai, m_clock);
     watcher->start();
     EXPECT_EQ(rows(), (QStringList { "behind|processing|-|-", "crashed|done|at last|-", "limit|pending|-|-" }));
@@ -116,7 +117,7 @@ TEST_F(AIRequestWatcherTest, twoProgramsNeverAnswerOneRequestTwice)
     AIRequestWatcher watcher(*m_db, m_lumo.ai, m_clock);
     AIRequestWatcher other(otherDb, otherLumo.ai, m_clock);
     const auto mine = m_lumo.model.willAnswerLater();
-    otherLumo.model.willAnswer(QStringLiteral("theirs"));
+    otherLumo.model.willAnswer(u"theirs"_s);
     watcher.start();
     other.start();
     EXPECT_EQ(rows(), (QStringList { "a|processing|-|-", "b|done|theirs|-" }));
@@ -135,7 +136,7 @@ TEST_F(AIRequestWatcherTest, aDatabaseThatAnotherProcessHoldsIsLeftForTheNextTic
     watcher.start();
     EXPECT_TRUE(m_lumo.model.asked.isEmpty());
     engine.exec("COMMIT;");
-    m_lumo.model.willAnswer(QStringLiteral("yes"));
+    m_lumo.model.willAnswer(u"yes"_s);
     tick();
     EXPECT_EQ(rows(), QStringList { "a|done|yes|-" });
 }

@@ -1,4 +1,5 @@
 #include "AI/AISchemaValidator.h"
+#include "Foundation/Literals.h"
 
 #include "AI/DraftAnswer.h"
 #include "Support/Print.h"
@@ -14,15 +15,14 @@ const DraftExpectation expected { "draft_reply", "warm", { "M1", "M2" }, {} };
 /// What a well-behaved model answers.
 QString answer(const QString& draft, const QString& metadata = {})
 {
-    return QStringLiteral("{\"draft\":\"%1\",\"metadata\":{\"intent\":\"i\",\"tone\":\"t\",\"language\":\"en\","
-                          "\"confidence\":0.5,\"used_message_labels\":[\"M2\"],\"used_note_ids\":[\"n\"],"
-                          "\"warnings\":[\"w\"],\"send_side_effect\":false%2}}")
-        .arg(draft, metadata);
+    return u"{\"draft\":\"%1\",\"metadata\":{\"intent\":\"i\",\"tone\":\"t\",\"language\":\"en\","
+           "\"confidence\":0.5,\"used_message_labels\":[\"M2\"],\"used_note_ids\":[\"n\"],"
+           "\"warnings\":[\"w\"],\"send_side_effect\":false%2}}"_s.arg(draft, metadata);
 }
 
 QString problem(const Result<AIStructuredDraftResponse>& result)
 {
-    return result ? QStringLiteral("passed: ") + result->draft : result.error().message;
+    return result ? u"passed: "_s + result->draft : result.error().message;
 }
 
 }
@@ -55,7 +55,7 @@ TEST(AISchemaValidator, whatIsNoDraftShapeIsTakenAsTheDraft)
     }
     EXPECT_EQ(parseDraftAnswer("```\nHello there\n```\nDone.", expected)->draft, "Hello there");
     EXPECT_EQ(parseDraftAnswer("```Hello```", expected)->draft, "```Hello");
-    for (const QString& text : { QString(4000, u'x'), QString(), QString(" \n"), QString("```\n```") })
+    for (const QString& text : { QString(4000, u'x'), QString(), u" \n"_s, u"```\n```"_s })
         EXPECT_EQ(problem(parseDraftAnswer(text, expected)), "LumoAI response was not a valid draft shape.");
 }
 

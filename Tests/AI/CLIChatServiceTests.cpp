@@ -1,4 +1,5 @@
 #include "AI/CLIChatService.h"
+#include "Foundation/Literals.h"
 
 #include "Platform/Linux/Services.h"
 #include "Platform/ToolRunner.h"
@@ -34,14 +35,14 @@ protected:
         qunsetenv("TMPDIR");
     }
 
-    void install(const QString& script, const QString& path = QStringLiteral(".npm-global/bin/codex"))
+    void install(const QString& script, const QString& path = u".npm-global/bin/codex"_s)
     {
         home.write(path, "#!/bin/sh\n" + script.toUtf8() + "\n");
         QFile::setPermissions(home.path(path), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
 
     /// The answer, or the words of the failure.
-    QString answerTo(const QString& prompt = QStringLiteral("p"))
+    QString answerTo(const QString& prompt = u"p"_s)
     {
         const auto result = outcome(service.respond("i", prompt, cancel));
         EXPECT_TRUE(await([&] { return result->has_value(); })) << "the call hangs";
@@ -88,7 +89,7 @@ TEST_F(Codex, theToolReadsThePromptOnStandardInputAndItsAnswerIsTakenAsItStands)
 {
     install("printf '%s|' \"$#\" \"$@\" > \"" + home.path("arguments") + "\"; cat > \"" + home.path("input")
         + "\"; printf ' an answer\\n\\n' > \"$8\"");
-    const QString prompt = QStringLiteral("two\nlines, “quotes” $HOME `id`") + QChar(u'\0') + QString(300'000, u'x');
+    const QString prompt = u"two\nlines, “quotes” $HOME `id`"_s + QChar(u'\0') + QString(300'000, u'x');
     EXPECT_EQ(answerTo(prompt), " an answer\n\n");
     const QStringList arguments = QString::fromUtf8(home.read("arguments")).split(u'|');
     ASSERT_EQ(arguments.size(), 11);
@@ -145,7 +146,7 @@ TEST_F(Codex, everyOtherEndIsAFailureInWords)
 
 TEST_F(Codex, whatTheToolLeavesRunningEndsWithIt)
 {
-    for (const QString& start : { QString(), QString("setsid ") }) {
+    for (const QString& start : { QString(), u"setsid "_s }) {
         install(start + sleeper + " 100 & while ! grep -qs '^" + sleeper
             + "' /proc/$!/cmdline; do :; done; printf done > \"$8\"");
         EXPECT_EQ(answerTo(), "done") << "although standard output is still open";

@@ -1,4 +1,5 @@
 #include "AI/AskLumo.h"
+#include "Foundation/Literals.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/Outcome.h"
 
@@ -9,11 +10,11 @@ TEST(LumoAI, theModelOfThePlatformAnswersAndItsFailureIsTheResult)
     FakeLumo lumo;
     EXPECT_EQ(lumo.ai.availableName(), "Fake Model");
     EXPECT_EQ(lumo.ai.modelSpec().displayName, "Fake Model");
-    lumo.model.willAnswer(QStringLiteral(" hello\n"));
+    lumo.model.willAnswer(u" hello\n"_s);
     EXPECT_EQ((*outcome(lumo.ai.respond("Be kind.", "Greet.")))->value(), " hello\n");
     EXPECT_EQ(lumo.model.asked.last().instructions, "Be kind.");
     EXPECT_EQ(lumo.model.asked.last().prompt, "Greet.");
-    lumo.model.willFail(QStringLiteral("out of words"));
+    lumo.model.willFail(u"out of words"_s);
     EXPECT_EQ((*outcome(lumo.ai.respond({}, {})))->error().message, "out of words");
 }
 
@@ -21,7 +22,7 @@ TEST(LumoAI, withoutAnyBackendTheWordsNameBoth)
 {
     const QString words = "There is no model on this computer — falling back requires the codex CLI.";
     FakeLumo lumo;
-    lumo.model.setUnavailable(QStringLiteral("no server"));
+    lumo.model.setUnavailable(u"no server"_s);
     EXPECT_EQ(lumo.ai.availableName(), std::nullopt);
     EXPECT_EQ(lumo.ai.modelSpec().displayName, "LumoAI");
     EXPECT_EQ(lumo.onDevice.unavailableReason(), "no server");
@@ -63,7 +64,7 @@ TEST(LumoAI, aQuestionFromOutsideStandsAloneAndABlankOneIsNotAsked)
     };
     {
         LumoQuestions questions(lumo.ai);
-        lumo.model.willAnswer(QStringLiteral("Seven."));
+        lumo.model.willAnswer(u"Seven."_s);
         questions.ask(" How many? ", note);
         EXPECT_EQ(lumo.model.asked.last().prompt, "How many?");
         EXPECT_TRUE(lumo.model.asked.last().instructions.contains("Never send, schedule, purchase"));

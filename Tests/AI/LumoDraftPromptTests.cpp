@@ -1,4 +1,5 @@
 #include "AI/LumoDraftPrompt.h"
+#include "Foundation/Literals.h"
 
 #include "Foundation/Json.h"
 #include "Support/Places.h"
@@ -21,7 +22,7 @@ QByteArray golden(const char* name)
 
 QByteArray printed(const LumoDraftPrompt& prompt)
 {
-    return QStringLiteral("%1\n=== prompt ===\n%2\n=== fingerprint ===\n%3\n")
+    return u"%1\n=== prompt ===\n%2\n=== fingerprint ===\n%3\n"_s
         .arg(prompt.instructions, prompt.prompt, prompt.promptFingerprint)
         .toUtf8();
 }
@@ -38,7 +39,7 @@ struct Input {
         for (const QJsonValue& each : person["identities"].toArray()) {
             const QJsonObject identity = each.toObject();
             context.identities.append({ identity["channel"].toString(), identity["handle"].toString(),
-                textValue(identity, QLatin1StringView("email")), textValue(identity, QLatin1StringView("phone")) });
+                textValue(identity, "email"_L1), textValue(identity, "phone"_L1) });
         }
         for (const QJsonValue& note : person["recentNotes"].toArray())
             context.recentNotes.append({ note["id"].toString(), note["body"].toString(), note["ts"].toInteger() });

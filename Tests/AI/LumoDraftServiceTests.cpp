@@ -1,4 +1,5 @@
 #include "AI/LumoDraftService.h"
+#include "Foundation/Literals.h"
 
 #include "AI/LumoGuidedDraftResult.h"
 #include "Platform/Linux/Services.h"
@@ -20,9 +21,9 @@ protected:
     static UnifiedMsgRow message(const QString& body)
     {
         UnifiedMsgRow row;
-        row.id = QStringLiteral("wa:msg:1");
-        row.direction = QStringLiteral("IN");
-        row.platform = QStringLiteral("WHATSAPP");
+        row.id = u"wa:msg:1"_s;
+        row.direction = u"IN"_s;
+        row.platform = u"WHATSAPP"_s;
         row.body = body;
         row.ts = 1'772'357'400'000;
         return row;
@@ -137,7 +138,7 @@ TEST_F(LumoDraftServiceTest, withoutAModelOfThePlatformTheCodexToolIsAskedInPlai
 
 TEST_F(LumoDraftServiceTest, aRewriteKeepsWhatWasQuoted)
 {
-    m_lumo.model.willAnswer(QStringLiteral("```\nHallo Ana, \"Aurora\" kostet 900 €.\n```"));
+    m_lumo.model.willAnswer(u"```\nHallo Ana, \"Aurora\" kostet 900 €.\n```"_s);
     const auto translated = rewrite(" Hi Ana, \"Aurora\" is 900 €. ", LumoDraftRewriteAction::Translate, "German");
     ASSERT_TRUE(translated);
     EXPECT_EQ(translated->draft, "Hallo Ana, \"Aurora\" kostet 900 €.");
@@ -145,7 +146,7 @@ TEST_F(LumoDraftServiceTest, aRewriteKeepsWhatWasQuoted)
     EXPECT_EQ(translated->responseMetadata.warnings.size(), 1) << "repaired, and nothing new in it";
     EXPECT_EQ(translated->addingWarnings({ "a", "b" }).responseMetadata.warnings.mid(1), (QStringList { "a", "b" }));
     EXPECT_FALSE(m_lumo.model.asked.last().schema);
-    m_lumo.model.willAnswer(QStringLiteral("Hi Ana, it is 900 €."));
+    m_lumo.model.willAnswer(u"Hi Ana, it is 900 €."_s);
     EXPECT_EQ(rewrite("Hi Ana, \"Aurora\" is 900 €.", LumoDraftRewriteAction::Shorten).error().message,
         "The rewrite changed quoted client text: \"Aurora\".");
 }

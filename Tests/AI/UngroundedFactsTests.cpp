@@ -1,5 +1,6 @@
 #include "AI/LumoDraftPrompt.h"
 #include "AI/UngroundedFacts.h"
+#include "Foundation/Literals.h"
 #include "Support/Places.h"
 #include "Support/Print.h"
 
@@ -19,7 +20,7 @@ struct Scene {
 
     QString context() const
     {
-        const LumoDraftPrompt prompt = makeDraftReplyPrompt(contact, messages, QStringLiteral("friendly"));
+        const LumoDraftPrompt prompt = makeDraftReplyPrompt(contact, messages, u"friendly"_s);
         return prompt.instructions + u'\n' + prompt.prompt;
     }
 };
@@ -32,16 +33,16 @@ QList<Scene> scenes(const QString& name)
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
     QList<Scene> all;
     for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)) {
-        const QString text = line.sliced(2).replace(QStringLiteral("\\n"), QStringLiteral("\n"));
+        const QString text = line.sliced(2).replace(u"\\n"_s, u"\n"_s);
         if (line.startsWith(u'@')) {
             all.append(Scene {});
-            all.last().contact = { QStringLiteral("ct:1"), text, { QStringLiteral("WHATSAPP") }, {}, {} };
+            all.last().contact = { u"ct:1"_s, text, { u"WHATSAPP"_s }, {}, {} };
         } else if (line.startsWith(u'#')) {
-            all.last().contact.recentNotes.append({ QStringLiteral("n1"), text, 1'772'500'000'000 });
+            all.last().contact.recentNotes.append({ u"n1"_s, text, 1'772'500'000'000 });
         } else if (line.startsWith(u'<') || line.startsWith(u'>')) {
             UnifiedMsgRow row;
-            row.direction = line.startsWith(u'<') ? QStringLiteral("IN") : QStringLiteral("OUT");
-            row.platform = QStringLiteral("WHATSAPP");
+            row.direction = line.startsWith(u'<') ? u"IN"_s : u"OUT"_s;
+            row.platform = u"WHATSAPP"_s;
             row.body = text;
             row.ts = 1'772'610'000'000 + all.last().messages.size() * 2'820'000;
             all.last().messages.append(row);
@@ -62,7 +63,7 @@ struct Tally {
 
     void count(const Scene& scene, const QString& marked)
     {
-        static const QRegularExpression plant(QStringLiteral("\\{([^}]*)\\}"));
+        static const QRegularExpression plant(u"\\{([^}]*)\\}"_s);
         QStringList plants;
         for (const QRegularExpressionMatch& match : plant.globalMatch(marked))
             plants.append(match.captured(1));
@@ -75,13 +76,13 @@ struct Tally {
             const bool isFound = std::ranges::any_of(named, [&](const QString& fact) { return meet(fact, each); });
             found += isFound ? 1 : 0;
             if (!isFound)
-                mistakes.append(QStringLiteral("missed \"%1\": %2").arg(each, draft));
+                mistakes.append(u"missed \"%1\": %2"_s.arg(each, draft));
         }
         const bool isFalse = std::ranges::any_of(named, [&](const QString& fact) {
             return std::ranges::none_of(plants, [&](const QString& each) { return meet(fact, each); });
         });
         if (isFalse)
-            mistakes.append(QStringLiteral("false alarm %1: %2").arg(named.join(QStringLiteral(" | ")), draft));
+            mistakes.append(u"false alarm %1: %2"_s.arg(named.join(u" | "_s), draft));
         ++drafts;
         draftsWithoutPlants += plants.isEmpty() ? 1 : 0;
         draftsWithFalseAlarm += isFalse ? 1 : 0;

@@ -3,6 +3,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Bus/BusNotificationService.h"
 #include "Platform/Linux/Services.h"
@@ -18,8 +19,6 @@
 #include <gtest/gtest.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// What a program prints.

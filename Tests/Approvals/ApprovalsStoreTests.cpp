@@ -1,4 +1,5 @@
 #include "Approvals/ApprovalsStore.h"
+#include "Foundation/Literals.h"
 
 #include "Calendar/CalendarCommands.h"
 #include "Calendar/CalendarStore.h"
@@ -15,8 +16,6 @@
 #include <gtest/gtest.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class ApprovalsTest : public testing::Test {

@@ -1,4 +1,5 @@
 #include "Approvals/ApprovalsView.h"
+#include "Foundation/Literals.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/RecordedCalls.h"
@@ -273,7 +274,7 @@ TEST_F(ApprovalsViewTest, whatWasDecidedStandsInAListWithWhatCameOfIt)
     view.reject("decision:w1");
     clock.advance(seconds(5));
     ASSERT_TRUE(DraftClaim::claim(db(), "d1").draft);
-    acknowledgeDraft(db(), "main", "d1", "sent", QString("m1"), {});
+    acknowledgeDraft(db(), "main", "d1", "sent", u"m1"_s, {});
     db().exec("UPDATE crm_update_proposal SET title='Other'; DELETE FROM work_decision;");
     log.setShown(false);
     log.setShown(true);

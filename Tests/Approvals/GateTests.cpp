@@ -3,6 +3,7 @@
 // its seed: CORVANE_GATE_FIRST=seed CORVANE_GATE_SEEDS=1 tries that order alone.
 
 #include "Approvals/ApprovalsStore.h"
+#include "Foundation/Literals.h"
 
 #include "Calls/RecordedCalls.h"
 #include "Engines/EngineProcesses.h"
@@ -18,8 +19,6 @@
 #include <random>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// A copy's process ends here, between two of its steps.

@@ -1,5 +1,6 @@
 #include "CRM/ContactsBridge.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AddressBook.h"
 #include "Platform/Linux/Services.h"
@@ -15,8 +16,7 @@ class ContactsBridgeTest : public testing::Test {
 protected:
     void card(const char* file, const QByteArray& properties)
     {
-        home.write(QStringLiteral("share/contacts/home/") + QString::fromUtf8(file),
-            "BEGIN:VCARD\n" + properties + "\nEND:VCARD\n");
+        home.write(u"share/contacts/home/"_s + QString::fromUtf8(file), "BEGIN:VCARD\n" + properties + "\nEND:VCARD\n");
     }
 
     void load()
@@ -29,7 +29,7 @@ protected:
     QString nameOf(const char* phone)
     {
         const auto person = contacts.match(QString::fromUtf8(phone));
-        return person ? person->name : QStringLiteral("-");
+        return person ? person->name : u"-"_s;
     }
 
     TemporaryHome home;

@@ -1,4 +1,5 @@
 #include "Calendar/CalendarCommands.h"
+#include "Foundation/Literals.h"
 
 #include "Calendar/CalendarTest.h"
 #include "Support/WaitingItems.h"

@@ -1,11 +1,10 @@
 #include "Calendar/CalendarStore.h"
+#include "Foundation/Literals.h"
 
 #include "Calendar/CalendarTest.h"
 #include "Calendar/MeetingRules.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "Calendar/CalendarStore.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Services.h"
 #include "Support/Await.h"
 #include "Support/FakeCalendarSource.h"
@@ -11,8 +12,6 @@
 #include <QDir>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 inline qint64 at(const char* local)
 {

@@ -1,4 +1,5 @@
 #include "Calendar/CalendarView.h"
+#include "Foundation/Literals.h"
 
 #include "Calendar/CalendarServices.h"
 #include "Calendar/CalendarTest.h"

@@ -1,4 +1,5 @@
 #include "Calendar/MeetingPrep.h"
+#include "Foundation/Literals.h"
 
 #include "Calendar/CalendarTest.h"
 #include "Support/FakeLanguageModel.h"

@@ -1,4 +1,5 @@
 #include "CallTest.h"
+#include "Foundation/Literals.h"
 
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Models/LoopbackLanguageModel.h"
@@ -16,8 +17,7 @@ using namespace corvane;
 
 namespace {
 
-const QString spoken
-    = QStringLiteral("/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-");
+const QString spoken = u"/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-"_s;
 
 /// A person, or a loudspeaker, until they have spoken.
 bool speaks(const QString& number, const QString& sink)

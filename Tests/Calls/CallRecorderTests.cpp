@@ -1,4 +1,5 @@
 #include "CallTest.h"
+#include "Foundation/Literals.h"
 
 using namespace corvane;
 
@@ -14,7 +15,7 @@ TEST_F(CallTest, aCallOfBothSidesBecomesNotesAndProposals)
     recorder->setApplication("zoom");
     says["system"] = speech({ { 0, 2000, "we can ship on Friday" }, { 9000, 9500, "bye" } });
     says["mic"] = speech({ { 300, 2100, "can ship on friday" }, { 3000, 4000, "Ana Ruiz, send the offer" } });
-    lumo.model.willAnswer(QStringLiteral("Summary: Ship.\n- Follow-up: Send the offer."));
+    lumo.model.willAnswer(u"Summary: Ship.\n- Follow-up: Send the offer."_s);
     start("  Weekly  ");
     recorder->start("second", {});
     EXPECT_EQ(rows(), QStringList("Weekly|recording|-"));
@@ -55,7 +56,7 @@ TEST_F(CallTest, withoutTheSystemsSoundTheMicrophoneGoesOn)
 {
     recorder->setSystemAudioEnabled(true);
     audio.noOutput = "no server";
-    lumo.model.setUnavailable(QStringLiteral("none"));
+    lumo.model.setUnavailable(u"none"_s);
     says["mic"] = speech({ { 0, 1000, "hello" } });
     start(" ");
     EXPECT_EQ(recorder->activeTitle(), "Manual recording");
@@ -83,7 +84,7 @@ TEST_F(CallTest, anEarlierCallNeverChangesTheOneThatRecords)
     says["mic"] = speech({ { 0, 1000, "hello" } });
     const Arrival<bool> later;
     arrivals.insert("mic", later);
-    lumo.model.willAnswer(QStringLiteral("Summary: hello."));
+    lumo.model.willAnswer(u"Summary: hello."_s);
     start("first");
     recorder->stop();
     m_clock.advance(Milliseconds(5));
@@ -132,9 +133,9 @@ TEST_F(CallTest, aLongTranscriptIsSummarisedInPiecesOfWhichOneMayFail)
 {
     const QString turn = "Ana: " + QString(5990, u'x');
     says["mic"] = speech({ { 0, 1000, turn + "\nBo: " + QString(5990, u'y') } });
-    lumo.model.willAnswer(QStringLiteral("notes of one"));
-    lumo.model.willFail(QStringLiteral("no words"));
-    lumo.model.willAnswer(QStringLiteral("Summary: both."));
+    lumo.model.willAnswer(u"notes of one"_s);
+    lumo.model.willFail(u"no words"_s);
+    lumo.model.willAnswer(u"Summary: both."_s);
     start("long");
     recorder->stop();
     ASSERT_EQ(lumo.model.asked.size(), 3);
@@ -146,9 +147,9 @@ TEST_F(CallTest, aLongTranscriptIsSummarisedInPiecesOfWhichOneMayFail)
     EXPECT_EQ(input.section("no words\n", 1).size(), 1200);
 
     m_db->run("UPDATE crm_update_proposal SET status='applied' WHERE kind='note';", {});
-    lumo.model.willAnswer(QStringLiteral("again"));
-    lumo.model.willAnswer(QStringLiteral("again"));
-    lumo.model.willAnswer(QStringLiteral("next: call Bo"));
+    lumo.model.willAnswer(u"again"_s);
+    lumo.model.willAnswer(u"again"_s);
+    lumo.model.willAnswer(u"next: call Bo"_s);
     processor->summarizeAgain(cell("SELECT id FROM call_recording;"));
     EXPECT_FALSE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='note';").contains("call Bo"));
     EXPECT_TRUE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='task';").contains("call Bo"));

@@ -1,4 +1,5 @@
 #include "Calls/CallsView.h"
+#include "Foundation/Literals.h"
 
 #include "CallTest.h"
 #include "Calls/CallExport.h"
@@ -25,7 +26,7 @@ protected:
     QString record(const QString& title)
     {
         recorder->setSystemAudioEnabled(true);
-        lumo.model.willAnswer(QStringLiteral("**Summary:** Ship.\n\nDecisions:\n- Friday\nFollow-up: Send the offer."));
+        lumo.model.willAnswer(u"**Summary:** Ship.\n\nDecisions:\n- Friday\nFollow-up: Send the offer."_s);
         start(title);
         const QString id = recorder->activeCallId();
         m_clock.advance(Milliseconds(10'000));

@@ -1,4 +1,5 @@
 #include "Desk/ResourceMonitor.h"
+#include "Foundation/Literals.h"
 
 #include "Desk/ResourcesView.h"
 #include "Foundation/BackgroundQueue.h"
@@ -166,7 +167,7 @@ TEST_F(Monitor, aProcessEndsOnlyAfterTheQuestionAndLeavesTheList)
     EXPECT_TRUE(view.stepBack());
     view.terminate();
     EXPECT_EQ(shell.state(), QProcess::Running) << "nothing was asked, or it was taken back";
-    view.ask(QStringLiteral("1:0"));
+    view.ask(u"1:0"_s);
     EXPECT_EQ(view.asking(), "");
 
     view.ask(id);

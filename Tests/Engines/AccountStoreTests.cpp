@@ -1,4 +1,5 @@
 #include "Engines/AccountStore.h"
+#include "Foundation/Literals.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
@@ -11,8 +12,6 @@
 #include <sys/resource.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class AccountStoreTest : public testing::Test {

@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Foundation/Literals.h"
 
 #include "Store/Messages/ChannelFeatures.h"
 #include "Store/Messages/ThreadQueries.h"

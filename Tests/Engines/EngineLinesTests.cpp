@@ -1,10 +1,9 @@
 #include "Engines/EngineLines.h"
 #include "Engines/LineGroup.h"
+#include "Foundation/Literals.h"
 #include "Support/StoreTest.h"
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class EngineLinesTest : public StoreTest {

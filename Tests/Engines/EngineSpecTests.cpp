@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Foundation/Literals.h"
 
 #include "Engines/EngineSpec.h"
 #include "Support/Environment.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engines/EngineProcesses.h"
+#include "Foundation/Literals.h"
 #include "Support/EngineWorld.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
@@ -8,8 +9,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 inline Account accountNamed(const QString& slug, Channel channel = Channel::WhatsApp)
 {

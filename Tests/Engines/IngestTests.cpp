@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Foundation/Literals.h"
 
 #include "CRM/ContactsBridge.h"
 #include "Platform/AddressBook.h"

@@ -1,4 +1,5 @@
 #include "Engines/Outbox.h"
+#include "Foundation/Literals.h"
 
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
@@ -9,8 +10,6 @@
 #include <sys/stat.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class OutboxTest : public testing::Test {

@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Foundation/Literals.h"
 
 #include "Support/Await.h"
 

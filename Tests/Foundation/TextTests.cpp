@@ -1,5 +1,6 @@
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Support/Print.h"
 
@@ -67,9 +68,9 @@ TEST(Json, onlyAWholeObjectIsOne)
         EXPECT_EQ(jsonObject(text), std::nullopt) << text;
     const auto object = jsonObject("{\"b\":null,\"a\":\"ü\\n\",\"c\":5}");
     ASSERT_TRUE(object);
-    EXPECT_EQ(textValue(*object, QLatin1StringView("a")), "ü\n");
-    EXPECT_EQ(textValue(*object, QLatin1StringView("b")), std::nullopt);
-    EXPECT_EQ(textValue(*object, QLatin1StringView("c")), std::nullopt);
-    EXPECT_EQ(textValue(*object, QLatin1StringView("d")), std::nullopt);
+    EXPECT_EQ(textValue(*object, "a"_L1), "ü\n");
+    EXPECT_EQ(textValue(*object, "b"_L1), std::nullopt);
+    EXPECT_EQ(textValue(*object, "c"_L1), std::nullopt);
+    EXPECT_EQ(textValue(*object, "d"_L1), std::nullopt);
     EXPECT_EQ(compactJson(*object), "{\"a\":\"ü\\n\",\"b\":null,\"c\":5}");
 }

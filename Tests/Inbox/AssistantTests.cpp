@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "InboxViewTest.h"
 
 #include <QJsonArray>
@@ -143,7 +144,7 @@ TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
 TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 {
     ThreadSummary& summary = *inbox.person()->summary();
-    model.willAnswer(QStringLiteral("- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"));
+    model.willAnswer(u"- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"_s);
     summary.summarize();
     EXPECT_EQ(summary.html(),
         "• Situation: &lt;b&gt;Ana&lt;/b&gt; asks for Thursday [<a href=\"wa:msg:m1\">M1</a>, "
@@ -165,7 +166,7 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(ask.heading(), "Ask Lumo about Ana Ruiz");
     ask.ask("  \n");
     EXPECT_EQ(ask.stateWord(), "idle");
-    model.willAnswer(QStringLiteral("Thursday at 15:00.\n"));
+    model.willAnswer(u"Thursday at 15:00.\n"_s);
     ask.ask(" When? ");
     EXPECT_EQ(ask.question() + '|' + ask.answer() + '|' + ask.title(), "When?|Thursday at 15:00.|When?");
     const QString prompt = model.asked.last().prompt;
@@ -178,7 +179,7 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(
         ask.stateWord() + '|' + ask.title() + '|' + ask.answer(), "error|The model server closed the connection.|");
     EXPECT_TRUE(model.asked.last().prompt.contains("Notes:\n- likes tea\n\nRecent thread:\n(no messages)"));
-    model.willAnswer(QStringLiteral("Tea."));
+    model.willAnswer(u"Tea."_s);
     ask.tryAgain();
     EXPECT_EQ(ask.question() + '|' + ask.answer(), "And?|Tea.");
     ask.tryAgain(); // nothing failed

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Presentation/BodyText.h"
 
 #include "Inbox/Thread/ThreadRow.h"
@@ -24,29 +25,28 @@ ThreadRow rowOf(const QString& body, const ThreadSurroundings& surroundings = {}
 
 TEST(BodyText, controlCharactersAndBrokenOnesAreNotShown)
 {
-    EXPECT_EQ(BodyText::printable(QStringLiteral("a\tb\nc")), "a\tb\nc");
-    EXPECT_EQ(BodyText::printable(QStringLiteral("a\r\nb\rc\u2028d\u2029e\u0085f")), "a\nb\nc\nd\ne\nf");
+    EXPECT_EQ(BodyText::printable(u"a\tb\nc"_s), "a\tb\nc");
+    EXPECT_EQ(BodyText::printable(u"a\r\nb\rc\u2028d\u2029e\u0085f"_s), "a\nb\nc\nd\ne\nf");
     EXPECT_EQ(BodyText::printable(QString::fromUtf16(u"a\0b\x1b[31mc\x7f\x9b d", 13)), "ab[31mc d");
     EXPECT_EQ(BodyText::printable(QString(QChar(0xd83d)) + "x" + QChar(0xde00)), "\uFFFDx\uFFFD");
-    EXPECT_EQ(BodyText::printable(QStringLiteral("grin 😀 family 👩‍👩‍👧 e\u0301")),
-        QStringLiteral("grin 😀 family 👩‍👩‍👧 e\u0301"));
+    EXPECT_EQ(BodyText::printable(u"grin 😀 family 👩‍👩‍👧 e\u0301"_s),
+        u"grin 😀 family 👩‍👩‍👧 e\u0301"_s);
 }
 
 TEST(BodyText, bothDirectionsAreKeptAndOnlyForcedOnesAreTakenOut)
 {
-    const QString mixed
-        = QStringLiteral("price \u05E2\u05D1\u05E8\u05D9\u05EA 12 \u2067\u0627\u0644\u0633\u0639\u0631\u2069 ok");
+    const QString mixed = u"price \u05E2\u05D1\u05E8\u05D9\u05EA 12 \u2067\u0627\u0644\u0633\u0639\u0631\u2069 ok"_s;
     EXPECT_EQ(BodyText::printable(mixed), mixed);
-    EXPECT_EQ(BodyText::printable(QStringLiteral("invoice\u202Efdp.exe")), "invoicefdp.exe");
+    EXPECT_EQ(BodyText::printable(u"invoice\u202Efdp.exe"_s), "invoicefdp.exe");
     UnifiedMsgRow document;
     document.mediaType = "document";
-    document.mediaPath = QStringLiteral("/x/offer\u202Efdp.exe");
+    document.mediaPath = u"/x/offer\u202Efdp.exe"_s;
     EXPECT_EQ(UnifiedBubble::mediaTitle(document), "offerfdp.exe") << "a name that hides what the file is";
 }
 
 TEST(BodyText, markupIsTextLikeAnyOther)
 {
-    const QString html = QStringLiteral("<b>hi</b> <img src=\"http://x/a.png\"> &amp; <script>alert(1)</script>");
+    const QString html = u"<b>hi</b> <img src=\"http://x/a.png\"> &amp; <script>alert(1)</script>"_s;
     EXPECT_EQ(rowOf(html).body, html);
     EXPECT_TRUE(rowOf(html).spoken.endsWith(": " + html));
 }
@@ -55,14 +55,14 @@ TEST(BodyText, aLongTextIsCutBetweenCharactersAndTheRestIsAPressAway)
 {
     EXPECT_EQ(BodyText::shown("short", 5).hidden, 0);
     for (qsizetype length = 3; length < 40; ++length) {
-        const auto cut = BodyText::shown(QStringLiteral("👩‍👩‍👧").repeated(10), length);
-        EXPECT_EQ(cut.text, QStringLiteral("👩‍👩‍👧").repeated(cut.text.size() / 8)) << length;
+        const auto cut = BodyText::shown(u"👩‍👩‍👧"_s.repeated(10), length);
+        EXPECT_EQ(cut.text, u"👩‍👩‍👧"_s.repeated(cut.text.size() / 8)) << length;
         EXPECT_EQ(cut.text.size() + cut.hidden, 80);
     }
-    const QString strokes = QStringLiteral("a") + QStringLiteral("\u0301").repeated(10'000);
+    const QString strokes = u"a"_s + u"\u0301"_s.repeated(10'000);
     EXPECT_GT(BodyText::shown(strokes, 5000).text.size(), 4000) << "one character without an end";
 
-    const QString book = QStringLiteral("many words ").repeated(100'000);
+    const QString book = u"many words "_s.repeated(100'000);
     const ThreadRow first = rowOf(book);
     EXPECT_EQ(first.body.size(), firstBodyLength);
     EXPECT_EQ(first.moreText, "Show more (1,090,000 characters)");

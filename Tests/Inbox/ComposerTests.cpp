@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "InboxViewTest.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
@@ -270,7 +271,7 @@ TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterAS
     EXPECT_EQ(composer.replyPlatforms().last().label, channelLabel(inbox.person()->selected().platforms.last()));
     composer.setReplyPlatform("SLACK");
     EXPECT_NE(composer.replyPlatform(), "SLACK");
-    for (const QString& platform : { QStringLiteral("EMAIL"), QStringLiteral("WHATSAPP") }) {
+    for (const QString& platform : { u"EMAIL"_s, u"WHATSAPP"_s }) {
         composer.setReplyPlatform(platform);
         receive(ana, "a reload leaves the choice");
         EXPECT_EQ(composer.replyPlatform(), platform);
@@ -392,9 +393,9 @@ TEST_F(ComposerTest, aVoiceNoteGoesToTheEngineAsAFile)
     EXPECT_EQ(voice.elapsedText(), "1:07");
     EXPECT_EQ(voice.level(), 0.5);
     composer.sendVoice();
-    const QString path = QStringLiteral("%1/corvane-voice-%2.m4a").arg(QDir::tempPath()).arg(clock.nowMs() / 1000);
+    const QString path = u"%1/corvane-voice-%2.m4a"_s.arg(QDir::tempPath()).arg(clock.nowMs() / 1000);
     EXPECT_EQ(commands("sendAudio"),
-        QStringList(QStringLiteral(R"({"chatId":"49171@s.whatsapp.net","cmd":"sendAudio","path":"%1"})").arg(path)));
+        QStringList(uR"({"chatId":"49171@s.whatsapp.net","cmd":"sendAudio","path":"%1"})"_s.arg(path)));
     EXPECT_EQ(voice.stateWord(), "idle");
     EXPECT_TRUE(QFile::remove(path)) << "the engine has yet to read it";
     EXPECT_EQ(defaults.text("nimb.replyPlatform." + ana), "WHATSAPP");

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Inbox/InboxView.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
@@ -59,7 +60,7 @@ protected:
         more.insert("type", "message");
         more.insert("convExternalId", from.section(':', 2));
         more.insert("body", body);
-        more.insert("providerMsgId", QStringLiteral("m%1").arg(++m_messages));
+        more.insert("providerMsgId", u"m%1"_s.arg(++m_messages));
         if (from == ana || from == ben)
             more.insert("convTitle", from == ana ? "Ana Ruiz" : "Ben");
         if (!more.contains("ts"))

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "InboxViewTest.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/IngestQueries.h"
@@ -41,7 +42,7 @@ TEST_F(InboxViewTest, aBurstReloadsAtMostTenTimesASecond)
     QObject::connect(inbox.list(), &ContactListView::changed, [&] { ++reloads; });
     for (int line = 0; line < 1000; ++line) {
         engine().printEvent({ { "type", "message" }, { "convExternalId", ana.section(':', 2) }, { "body", "old" },
-            { "providerMsgId", QStringLiteral("h%1").arg(line) }, { "ts", qint64(1'700'000'000'000 + line) },
+            { "providerMsgId", u"h%1"_s.arg(line) }, { "ts", qint64(1'700'000'000'000 + line) },
             { "historical", true } });
         clock.advance(Milliseconds(1));
     }
@@ -55,7 +56,7 @@ TEST_F(InboxViewTest, aBurstReloadsAtMostTenTimesASecond)
 TEST_F(InboxViewTest, oneNewMessageTouchesOneRowOfEachList)
 {
     for (int i = 0; i < 30; ++i)
-        receive(QStringLiteral("ct:WHATSAPP:%1@s.whatsapp.net").arg(100 + i), "hello");
+        receive(u"ct:WHATSAPP:%1@s.whatsapp.net"_s.arg(100 + i), "hello");
     receiveFromAnaAndBen();
     inbox.person()->select(ana);
     const QSignalSpy moved(inbox.list()->contacts(), &QAbstractItemModel::rowsMoved);
@@ -117,7 +118,7 @@ TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachM
     int searches = 0;
     QObject::connect(inbox.list()->messageHits(), &QAbstractItemModel::rowsInserted, [&] { ++searches; });
     for (int i = 0; i < 30; ++i)
-        receive(ana, QStringLiteral("invoice %1").arg(i));
+        receive(ana, u"invoice %1"_s.arg(i));
     EXPECT_LE(searches, 3);
     clock.advance(seconds(3));
     EXPECT_TRUE(await([this] {
@@ -226,8 +227,8 @@ TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsI
     };
     const auto holds = [&](int first, int last) {
         const QStringList said = shown();
-        return said.size() == last - first + 1 && said.first() == QStringLiteral("old %1").arg(first)
-            && said.last() == (last > 4500 ? QStringLiteral("hello") : QStringLiteral("old %1").arg(last));
+        return said.size() == last - first + 1 && said.first() == u"old %1"_s.arg(first)
+            && said.last() == (last > 4500 ? u"hello"_s : u"old %1"_s.arg(last));
     };
     inbox.person()->select(ana);
     EXPECT_TRUE(holds(3502, 4501));

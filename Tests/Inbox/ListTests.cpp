@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Inbox/List/BulkSelection.h"
 #include "Inbox/List/CommandPalette.h"
 #include "Inbox/List/ContactItem.h"
@@ -72,7 +73,7 @@ TEST(InboxRows, aChangedPersonMovesAndTheEndOfTheListIsNeverGuessed)
     const QList<ContactRow> rows { at("c", 30), at("b", 20), at("a", 10) };
     const auto after = [&](const QStringList& changedIds, const QList<ContactRow>& changed, int limit) {
         const auto result = withChanged(rows, changedIds, changed, limit);
-        return result ? ids(*result).join(",") : QString("read all");
+        return result ? ids(*result).join(",") : u"read all"_s;
     };
     EXPECT_EQ(after({ "a" }, { at("a", 40) }, 3), "a,c,b");
     EXPECT_EQ(after({ "a" }, { at("a", 30) }, 3), "a,c,b") << "equal times stand by id";
@@ -215,8 +216,8 @@ TEST(ContactItem, aSnippetIsOneShortLine)
 
 TEST(ContactItem, aHitShowsTheWordsThatWereFound)
 {
-    MessageHit hit { "m", "ct:EMAIL:ana@x.de", "Ana", "EMAIL", QString("word ").repeated(400) + "the Invoice is here",
-        now, "OUT", "/gone.jpg" };
+    MessageHit hit { "m", "ct:EMAIL:ana@x.de", "Ana", "EMAIL", u"word "_s.repeated(400) + "the Invoice is here", now,
+        "OUT", "/gone.jpg" };
     const auto snippetOf = [&](const QString& text) {
         hit.snippet = text;
         return messageHitItems({ hit }, "invoice", DateWords(now)).first().snippet;
@@ -248,7 +249,7 @@ TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
 {
     QList<ContactRow> rows;
     for (int i = 0; i < 40; ++i)
-        rows.append(person(QString::number(i), QStringLiteral("Ana %1").arg(i)));
+        rows.append(person(QString::number(i), u"Ana %1"_s.arg(i)));
     bool hasSelection = false;
     const QList<Command> commands { { .id = "one",
                                         .action = "Archive it",

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Inbox/Thread/MediaFile.h"
 
 #include "Support/Print.h"
@@ -130,7 +131,7 @@ TEST_F(MediaFileTest, whatHoldsSomethingElseOrLostItsEndSaysSo)
     EXPECT_EQ(check(picture("b.png", "PNG"), "audio"), MediaProblem::WrongType);
     EXPECT_EQ(check(put("b.wav", wave(80)), "image"), MediaProblem::WrongType);
     for (const char* format : { "PNG", "JPG" }) {
-        const QString path = picture(QString("cut.") + format, format);
+        const QString path = picture(u"cut."_s + format, format);
         cut(path);
         EXPECT_EQ(text(path, "image"), "Image file is damaged: its end is missing.") << format;
     }

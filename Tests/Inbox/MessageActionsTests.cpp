@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "InboxViewTest.h"
 #include "Store/Approvals/OutboundQueries.h"
 
@@ -238,7 +239,7 @@ TEST_F(MessageActionsTest, olderMessagesComeInAboveWithoutMovingTheRest)
     const QSignalSpy inserted(rows, &QAbstractItemModel::rowsInserted);
     for (int i = 1; i <= 20; ++i) {
         engine().printEvent({ { "type", "message" }, { "convExternalId", ana.section(':', 2) },
-            { "body", QStringLiteral("old %1").arg(i) }, { "providerMsgId", QStringLiteral("old%1").arg(i) },
+            { "body", u"old %1"_s.arg(i) }, { "providerMsgId", u"old%1"_s.arg(i) },
             { "ts", clock.nowMs() - i * 7'200'000LL }, { "historical", true } });
     }
     clock.advance(Milliseconds(300));
@@ -251,7 +252,7 @@ TEST_F(MessageActionsTest, olderMessagesComeInAboveWithoutMovingTheRest)
 
 TEST_F(MessageActionsTest, aLongMessageIsShownInSteps)
 {
-    const QString book = QStringLiteral("words and ").repeated(10'000);
+    const QString book = u"words and "_s.repeated(10'000);
     receive(ana, book);
     const auto shown = [&] {
         return bodies().last().size();

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Inbox/Thread/ThreadRow.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Support/Print.h"
@@ -17,7 +18,7 @@ UnifiedMsgRow message(qint64 ts, const QString& direction = "IN", const QString&
 {
     static int serial = 0;
     UnifiedMsgRow row;
-    row.id = QStringLiteral("wa:msg:%1").arg(++serial);
+    row.id = u"wa:msg:%1"_s.arg(++serial);
     row.direction = direction;
     row.body = "hello";
     row.platform = "WHATSAPP";

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/CalendarSource.h"
 #include "Platform/Linux/Calendar/IcsFile.h"
 #include "Platform/Linux/Calendar/IcsText.h"
@@ -16,8 +17,6 @@
 #include <sys/stat.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Platform/Linux/Secrets/DesktopKeyring.h"
@@ -36,7 +37,7 @@ bool runsApart()
             "HOME=" + home.paths().home, "XDG_DATA_HOME=" + home.path("share"),
             "XDG_CONFIG_HOME=" + home.path("config"), "XDG_RUNTIME_DIR=" + home.path("run"),
             QCoreApplication::applicationFilePath(),
-            QString("--gtest_filter=%1.%2").arg(test->test_suite_name(), test->name()) });
+            u"--gtest_filter=%1.%2"_s.arg(test->test_suite_name(), test->name()) });
     EXPECT_TRUE(program.waitForFinished());
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program.exitCode(), 0) << program.readAll().toStdString();

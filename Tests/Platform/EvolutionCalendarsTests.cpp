@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Calendar/CombinedCalendars.h"
 #include "Platform/Linux/Calendar/EvolutionCalendars.h"
 #include "Platform/Linux/Calendar/FolderCalendars.h"
@@ -12,8 +13,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

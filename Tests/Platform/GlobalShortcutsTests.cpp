@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Input/PortalGlobalShortcuts.h"
 #include "Platform/Linux/Input/X11GlobalShortcuts.h"
 
@@ -65,8 +66,8 @@ Q_SIGNALS:
 private:
     QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
     {
-        const QString path = QString("/org/freedesktop/portal/desktop/request/%1/%2")
-                                 .arg(message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
+        const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
+            message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
         auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
         bus.send(response << answer << results);
         return QDBusObjectPath(path);

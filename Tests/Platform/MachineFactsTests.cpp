@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Processes/ProcMachineFacts.h"
 
 #include "Support/Await.h"
@@ -63,8 +64,8 @@ protected:
         remove(folder);
         write(folder + "temp", heat);
         for (int i = 0; i < trips.size(); ++i) {
-            write(folder + QString("trip_point_%1_type").arg(i), trips[i].first);
-            write(folder + QString("trip_point_%1_temp").arg(i), trips[i].second);
+            write(folder + u"trip_point_%1_type"_s.arg(i), trips[i].first);
+            write(folder + u"trip_point_%1_temp"_s.arg(i), trips[i].second);
         }
     }
     ProcMachineFacts facts(const QDBusConnection& bus = noBus()) const
@@ -114,7 +115,7 @@ TEST_F(Machine, memoryIsWhatIsBuiltInAndTheDiskIsTheOneOfTheDataFolder)
     EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(8040000) * 1024);
     write("/sys/devices/system/memory/block_size_bytes", "80000000");
     for (int i = 0; i < 4; ++i)
-        write(QString("/sys/devices/system/memory/memory%1/online").arg(i), "1");
+        write(u"/sys/devices/system/memory/memory%1/online"_s.arg(i), "1");
     write("/sys/devices/system/memory/memory9/online", "0");
     EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(1) << 33);
     EXPECT_GT(state().freeDiskBytes, 0);

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Decode/Sandbox.h"
 #include "Support/Await.h"
 #include "Support/LogCapture.h"
@@ -160,8 +161,7 @@ TEST_F(MediaDecoderTest, eachFormatIsReadByItsContentAndNoOtherIs)
     }
     QByteArray bomb = "<svg xmlns='http://www.w3.org/2000/svg'><g id='a0'><rect width='1' height='1'/></g>";
     for (int i = 1; i < 40; ++i)
-        bomb
-            += QString("<g id='a%1'>%2</g>").arg(i).arg(QString("<use href='#a%1'/>").arg(i - 1).repeated(10)).toUtf8();
+        bomb += u"<g id='a%1'>%2</g>"_s.arg(i).arg(u"<use href='#a%1'/>"_s.arg(i - 1).repeated(10)).toUtf8();
     for (const QString& name : { "bomb.svg", "bomb.jpg" })
         EXPECT_EQ(problem(put(name, bomb + "</svg>")), DecodeFailure::UnknownFormat);
     EXPECT_EQ(problem(put("device.svg", "<svg><image href='file:///dev/zero'/></svg>")), DecodeFailure::UnknownFormat);
@@ -173,7 +173,7 @@ TEST_F(MediaDecoderTest, whatIsNoPlainFileIsNotOpenedAndWhatIsTooLargeNotDecoded
 {
     ASSERT_EQ(::mkfifo(home.path("pipe.png").toUtf8().constData(), 0600), 0);
     ASSERT_TRUE(QFile::link(saved("a.png", { 10, 10 }), home.path("link.png")));
-    for (const QString& path : { home.path("pipe.png"), home.path("link.png"), home.path(""), QString("/dev/zero") })
+    for (const QString& path : { home.path("pipe.png"), home.path("link.png"), home.path(""), u"/dev/zero"_s })
         EXPECT_EQ(problem(path), DecodeFailure::NotAFile) << path.toStdString();
     EXPECT_EQ(problem(home.path("gone.png")), DecodeFailure::Missing);
     EXPECT_EQ(problem(saved("edge.png", { 400'000, 1 })), DecodeFailure::TooManyPixels);
@@ -222,7 +222,7 @@ TEST_F(MediaDecoderTest, aFileThatTakesTooLongOrKillsTheChildIsNotTriedAgainAndT
     const pid_t child = children().first();
     // Once it is in its sandbox.
     ASSERT_TRUE(await([&] {
-        QFile file(QString("/proc/%1/status").arg(child));
+        QFile file(u"/proc/%1/status"_s.arg(child));
         return file.open(QIODevice::ReadOnly) && file.readAll().contains("Seccomp:\t2");
     }));
     ASSERT_TRUE(await([&] { return poisoned || ::kill(child, SIGKILL) == 0; }));

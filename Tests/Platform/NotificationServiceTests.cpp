@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusNotificationService.h"
 
 #include "Platform/Linux/Services.h"
@@ -86,9 +87,9 @@ TEST_F(NotificationServiceTest, aDaemonGetsOnlyWhatItOffersAndWhatABusTakes)
     show(markup, daemon);
     EXPECT_TRUE(daemon.received.constFirst().actions.isEmpty());
     EXPECT_EQ(daemon.received.constFirst().body, "&lt;b&gt;no&lt;/b&gt; &amp; so");
-    show(banner("a", QString("a") + QChar(0xD800) + "b"), daemon);
+    show(banner("a", u"a"_s + QChar(0xD800) + "b"), daemon);
     EXPECT_EQ(daemon.received.constLast().body.size(), 3) << "what no bus takes is replaced";
-    show(banner("b", QString("a") + QChar(0) + "b"), daemon);
+    show(banner("b", u"a"_s + QChar(0) + "b"), daemon);
     EXPECT_EQ(daemon.received.constLast().body, "ab");
 }
 
@@ -102,7 +103,7 @@ TEST_F(NotificationServiceTest, oneIdentifierIsOneBannerEvenWhileTheFirstIsOnIts
     privateBus.settle();
     QStringList seen;
     for (const auto& received : daemon.received)
-        seen.append(QString("%1:%2").arg(received.id).arg(received.body));
+        seen.append(u"%1:%2"_s.arg(received.id).arg(received.body));
     EXPECT_EQ(seen.join(u' '), "1:1 2:hello 1:3") << "what was overtaken on the way is not shown";
 
     Q_EMIT daemon.NotificationClosed(1, 2);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "SoundServer.h"
 #include "Support/PrivateBus.h"
 
@@ -17,7 +18,7 @@ public:
         start(m_pulse, "pipewire-pulse");
         EXPECT_TRUE(await([] { return SoundServer::control({ "info" }); })) << "pipewire-pulse did not come up";
         for (const char* sink : { "speaker", "room" })
-            SoundServer::control({ "load-module", "module-null-sink", QString("sink_name=%1").arg(sink) });
+            SoundServer::control({ "load-module", "module-null-sink", u"sink_name=%1"_s.arg(sink) });
         SoundServer::control({ "load-module", "module-remap-source", "source_name=mic", "master=room.monitor" });
         EXPECT_TRUE(SoundServer::control({ "set-default-sink", "speaker" }));
         EXPECT_TRUE(SoundServer::control({ "set-default-source", "mic" }));

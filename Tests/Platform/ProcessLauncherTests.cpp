@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/Linux/Processes/WholeLines.h"
 #include "Platform/Linux/Services.h"
@@ -138,7 +139,7 @@ TEST_F(ProcessLauncherTest, aFailedStartNamesTheReasonAndLeavesNothingOpen)
     ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
     const auto messageOf = [&](const ProcessSpec& spec) {
         const auto started = launcher->start(spec, {});
-        return started ? QString("started") : started.error().message;
+        return started ? u"started"_s : started.error().message;
     };
     const qsizetype before = openDescriptors();
     ProcessSpec spec = specOf({});
@@ -220,7 +221,7 @@ TEST_F(ProcessLauncherTest, whatIsWrittenArrivesWholeThoughTheChildReadsLate)
     EXPECT_FALSE(watched->child->write(QByteArray(1024 * 1024, 'x'))) << "more than may wait";
     EXPECT_TRUE(watched->child->write(line));
     ASSERT_TRUE(await([&] { return watched->ended(); }));
-    EXPECT_EQ(watched->text, QString("counted %1\n").arg(4001 * 1024)) << "what did not fit left no trace";
+    EXPECT_EQ(watched->text, u"counted %1\n"_s.arg(4001 * 1024)) << "what did not fit left no trace";
 
     const auto echo = start({ "echo" });
     ASSERT_TRUE(echo->child->write("one\ntw"));
@@ -257,7 +258,7 @@ TEST_F(ProcessLauncherTest, whatAChildHasNotReadIsKnownAlsoAfterItsEnd)
 
 TEST_F(ProcessLauncherTest, whatAChildStartedEndsWithItAndWhatIsMarkedIsFound)
 {
-    const QString mark = QString("CORVANE_TEST_MARK=%1").arg(::getpid());
+    const QString mark = u"CORVANE_TEST_MARK=%1"_s.arg(::getpid());
     ProcessSpec spec = specOf({ "grandchild 60000", "await" });
     spec.environment.insert("CORVANE_TEST_MARK", QString::number(::getpid()));
     const auto parent = startAs(spec);

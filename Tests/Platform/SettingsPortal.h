@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusError>
@@ -104,9 +106,8 @@ public Q_SLOTS:
     void onUpdate(const QString& application, const QVariantMap& properties)
     {
         const bool isInt64 = properties.value("count").metaType() == QMetaType::fromType<qlonglong>();
-        updates.append(QString("%1 %2 %3")
-                .arg(application, isInt64 ? properties.value("count").toString() : "not an int64",
-                    properties.value("count-visible").toBool() ? "visible" : "hidden"));
+        updates.append(u"%1 %2 %3"_s.arg(application, isInt64 ? properties.value("count").toString() : "not an int64",
+            properties.value("count-visible").toBool() ? "visible" : "hidden"));
     }
 
 private:

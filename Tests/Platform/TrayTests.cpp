@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Tray/StatusNotifierTray.h"
 
 #include "Platform/Linux/Bus/BusObject.h"
@@ -60,7 +61,7 @@ protected:
     PrivateBus privateBus;
     QDBusConnection bus = privateBus.connect();
     QDBusConnection panelBus = privateBus.connect();
-    const QString service = QString("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    const QString service = u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid());
 };
 
 }
@@ -151,7 +152,7 @@ TEST_F(TrayTest, pressingTheIconOrAnItemReachesTheProgram)
     StatusNotifierTray tray(bus);
     QStringList events;
     QObject::connect(&tray, &Tray::activated,
-        [&](const QPoint& at) { events.append(QString("activated:%1,%2").arg(at.x()).arg(at.y())); });
+        [&](const QPoint& at) { events.append(u"activated:%1,%2"_s.arg(at.x()).arg(at.y())); });
     QObject::connect(&tray, &Tray::itemChosen, [&](const QString& id) { events.append(id); });
     tray.setMenu({ { "open", "Open in_box" }, { "", "" }, { "quit", "Quit" } });
     privateBus.settle();

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
@@ -70,7 +71,7 @@ TEST(ContactFace, initialsAreWhatAPersonWouldWrite)
     };
     for (const auto& [name, face] : cases)
         EXPECT_EQ(initials(name), face) << name.toStdString();
-    EXPECT_EQ(initials(QString(5'000'000, u'x') + QStringLiteral(" y")), "XY");
+    EXPECT_EQ(initials(QString(5'000'000, u'x') + u" y"_s), "XY");
 }
 
 TEST(ContactFace, aHueStaysWithItsId)
@@ -78,7 +79,7 @@ TEST(ContactFace, aHueStaysWithItsId)
     EXPECT_EQ(hue("ct:WHATSAPP:1"), hue("ct:WHATSAPP:1"));
     QSet<int> hues;
     for (int i = 0; i < 200; ++i) {
-        const int value = hue(QStringLiteral("ct:WHATSAPP:%1").arg(i));
+        const int value = hue(u"ct:WHATSAPP:%1"_s.arg(i));
         ASSERT_TRUE(value >= 0 && value < 360);
         hues.insert(value);
     }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Settings/Appearance.h"
 
 #include "Foundation/UserDefaults.h"
@@ -23,13 +24,13 @@ TEST(AppearanceSetting, followsTheDesktopUntilItIsSetByHand)
     EXPECT_TRUE(appearance.reducedMotion());
     EXPECT_EQ(changes.size(), 1);
 
-    appearance.setMode(QStringLiteral("light"));
+    appearance.setMode(u"light"_s);
     EXPECT_FALSE(appearance.dark());
-    appearance.setMode(QStringLiteral("purple"));
+    appearance.setMode(u"purple"_s);
     EXPECT_EQ(appearance.mode(), "light");
     EXPECT_FALSE(Appearance(desktop, defaults).dark()) << "remembered at the next start";
 
-    defaults.setText(QStringLiteral("Corvane.appearance"), QStringLiteral("purple"));
+    defaults.setText(u"Corvane.appearance"_s, u"purple"_s);
     EXPECT_EQ(Appearance(desktop, defaults).mode(), "desktop");
 }
 

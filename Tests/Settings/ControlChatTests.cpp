@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Settings/ControlChatSettings.h"
 
 #include "Support/EngineWorld.h"
@@ -19,9 +20,8 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
     card.refresh();
     EXPECT_EQ(card.emptyText(), "No conversations in the local mirror yet.");
 
-    db.exec(QStringLiteral(
-        "INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, title, last_ts) "
-        "VALUES('c1','local','WHATSAPP','studio','1','André <b>',1),('c2','local','EMAIL','','2','Orders',2);"));
+    db.exec(u"INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, title, last_ts) "
+            "VALUES('c1','local','WHATSAPP','studio','1','André <b>',1),('c2','local','EMAIL','','2','Orders',2);"_s);
     card.refresh();
     EXPECT_EQ(column(chats, "title"), (QStringList { "Orders", "André <b>" }));
     EXPECT_EQ(column(chats, "detail"), (QStringList { "Email", "WhatsApp · studio" }));

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Settings/IntegrationsView.h"
 
 #include "Engines/AccountStore.h"
@@ -248,8 +249,8 @@ TEST_F(Settings, aBrowserChannelIsSyncedAndItsSessionForgottenWithoutASheet)
 TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
 {
     const QString id = connectAccount("TELEGRAM", { { "token", "t" } });
-    world.engines.db().run(QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id)"
-                                          " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"));
+    world.engines.db().run(u"INSERT INTO unified_conversation(id, channel, account_id, external_id)"
+                           " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"_s);
     queueDraft(world.engines.db(), "wa:telegram:1", "hello", "mcp");
     world.engines.db().exec("UPDATE outbound_draft SET status='approved';");
     view.perform(id, "remove");
@@ -271,9 +272,9 @@ TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
     EXPECT_EQ(column("lastMessage")[0], "No messages yet");
     view.setVisible(false);
     world.engines.db().run(
-        QStringLiteral("INSERT INTO unified_conversation(id, channel, account_id, external_id, last_ts, workspace_id)"
-                       " VALUES('a','WHATSAPP','sales','1',?,'w1'),('b','WHATSAPP','sales','2',5,'local'),"
-                       "('c','WHATSAPP','other','3',9,'local');"),
+        u"INSERT INTO unified_conversation(id, channel, account_id, external_id, last_ts, workspace_id)"
+        " VALUES('a','WHATSAPP','sales','1',?,'w1'),('b','WHATSAPP','sales','2',5,'local'),"
+        "('c','WHATSAPP','other','3',9,'local');"_s,
         { world.clock.nowMs() - 60'000 });
     report({ { "type", "status" }, { "state", "open" } });
     EXPECT_EQ(column("lastMessage")[0], "No messages yet");
@@ -306,8 +307,8 @@ TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
     EXPECT_TRUE(sync.health().isEmpty());
     EXPECT_EQ(sync.emptyHealthText(), "Nothing has been synced yet. What each part of the sync last did appears here.");
     world.engines.db().run(
-        QStringLiteral("INSERT INTO sync_health(source, status, last_finished_at, last_error, counts_json, updated_at)"
-                       " VALUES('crm','error',1,'no route','{}',1),('inbox','ok',?,NULL,'{\"rows\":1}',1);"),
+        u"INSERT INTO sync_health(source, status, last_finished_at, last_error, counts_json, updated_at)"
+        " VALUES('crm','error',1,'no route','{}',1),('inbox','ok',?,NULL,'{\"rows\":1}',1);"_s,
         { world.clock.nowMs() - 3 * 3'600'000 });
     world.engines.db().exec("INSERT INTO _sync_state(table_name, last_pulled) VALUES('inbox:local',8);");
     sync.queuePull();
@@ -373,7 +374,7 @@ TEST_F(Settings, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
     db.exec("INSERT INTO unified_conversation(id, workspace_id, channel, last_ts) VALUES('a','w7','SMS',1);");
     QList<WorkspaceRow> rows;
     for (int i = 0; i < 10'000; ++i)
-        rows.append({ QString("w%1").arg(i), QString("Studio %1").arg(i), {}, "o", "Org", {}, false });
+        rows.append({ u"w%1"_s.arg(i), u"Studio %1"_s.arg(i), {}, "o", "Org", {}, false });
     storeWorkspaceRows(db, rows, "w7");
     web.sync.takeUp();
     WebSettings& page = *view.web();

@@ -2,6 +2,7 @@
 #include "Calls/CallServices.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Tray/StatusNotifierTray.h"
 #include "Shell/CorvaneApp.h"
@@ -100,7 +101,7 @@ TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheEnginesRunBehindIt)
     LocalDB& db = app->engine().db();
     EXPECT_TRUE(
         db.run("INSERT INTO ai_requests(id, prompt, created_at) VALUES('a','Are you there?',?);", { clock.nowMs() }));
-    dynamic_cast<FakeLanguageModel&>(app->ai().systemModel).willAnswer(QStringLiteral("Yes."));
+    dynamic_cast<FakeLanguageModel&>(app->ai().systemModel).willAnswer(u"Yes."_s);
     appear(4);
     EXPECT_EQ(db.scalar("SELECT response FROM ai_requests;"), "Yes.");
     EXPECT_TRUE(screens.content.showsWall());
@@ -195,7 +196,7 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
     appear(0);
 
     const QDBusConnection panel = bus->connect();
-    const QString service = QString("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+    const QString service = u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid());
     const QString item = "org.kde.StatusNotifierItem";
     const auto status = [&] {
         QString answer;

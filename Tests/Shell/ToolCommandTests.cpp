@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Shell/ToolCommand.h"
 
 #include "Foundation/SystemScheduler.h"
@@ -38,7 +39,7 @@ protected:
         QTextStream errors(&words);
         const auto outcome = callTool(
             world.home.paths(), scheduler, { .name = name, .arguments = arguments, .port = port }, out, errors);
-        return QStringLiteral("%1: %2").arg(int(outcome)).arg(words);
+        return u"%1: %2"_s.arg(int(outcome)).arg(words);
     }
 
     EngineSurroundings world;
@@ -71,15 +72,13 @@ TEST_F(ToolCommand, reachesTheServerThatTheProgramStarts)
 
 TEST_F(ToolCommand, tellsThatNoServerAnswers)
 {
-    EXPECT_TRUE(
-        tool("inbox_list").startsWith(QStringLiteral("3: The tool server doesn't answer on port %1 (").arg(port)));
+    EXPECT_TRUE(tool("inbox_list").startsWith(u"3: The tool server doesn't answer on port %1 ("_s.arg(port)));
     LoopbackWeb other;
     other.answer("/mcp", LoopbackWeb::json({}, 401));
     port = QUrl(other.base()).port();
     EXPECT_EQ(tool("inbox_list"),
-        QStringLiteral("3: The tool server on port %1 doesn't take the token: it may belong to another profile.\n")
-            .arg(port));
+        u"3: The tool server on port %1 doesn't take the token: it may belong to another profile.\n"_s.arg(port));
     other.answer("/mcp", LoopbackWeb::status(200, "hello"));
-    EXPECT_TRUE(tool("inbox_list")
-            .startsWith(QStringLiteral("3: What answers on port %1 is not the tool server (HTTP 200)").arg(port)));
+    EXPECT_TRUE(
+        tool("inbox_list").startsWith(u"3: What answers on port %1 is not the tool server (HTTP 200)"_s.arg(port)));
 }

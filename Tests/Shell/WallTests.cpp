@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Keychain.h"
@@ -152,7 +153,7 @@ protected:
     {
         QStringList result;
         for (const auto& workspace : menu.workspaces())
-            result.append(workspace.name + (workspace.selected ? QString("*") : QString()));
+            result.append(workspace.name + (workspace.selected ? u"*"_s : QString()));
         return result;
     }
 

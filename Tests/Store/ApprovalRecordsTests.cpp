@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Approvals/ApprovalRecords.h"
 
 #include "Store/Approvals/CrmProposals.h"
@@ -58,7 +59,7 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
     EXPECT_FALSE(DraftClaim::claim(*m_db, "a").draft) << "only one gets it";
     acknowledgeDraft(*m_db, "main", "a", "placed", {}, {});
     acknowledgeDraft(*m_db, "main", "a", "placed", {}, {});
-    acknowledgeDraft(*m_db, "main", "a", "sent", QString("p1"), {});
+    acknowledgeDraft(*m_db, "main", "a", "sent", u"p1"_s, {});
     acknowledgeDraft(*m_db, "main", "a", "failed", {}, "late");
     EXPECT_EQ(status("a"), "sent") << "what was sent stays sent";
     EXPECT_TRUE(editDraft(*m_db, "b", "better words"));
@@ -126,7 +127,7 @@ TEST_F(ApprovalRecordsTest, whatDiffersFromWhatWasApprovedGoesBackToThePerson)
     for (const QString& column : columns) {
         insert(column, "as shown");
         const QString seen = hashOf(column);
-        const QString change = QStringLiteral("UPDATE outbound_draft SET %1='other' WHERE id='%1';").arg(column);
+        const QString change = u"UPDATE outbound_draft SET %1='other' WHERE id='%1';"_s.arg(column);
         EXPECT_EQ(approveDraft(*m_db, column, seen), Decided::Taken);
         m_db->exec(change);
         const DraftClaim claim = DraftClaim::claim(*m_db, column);
@@ -212,9 +213,8 @@ TEST_F(ApprovalRecordsTest, theRecordOnlyGrowsAndACheckSaysWhereItWasCut)
     // A whole line put in the place of another one, with a hash of its own that is right.
     ApprovalRecord line { 2, 1, "draft", "b", "reject", "", "", "" };
     line.hash = fieldsHash({ "approval_record", "2", "1", "draft", "b", "reject", "", "" });
-    EXPECT_EQ(saysAfter(QStringLiteral("UPDATE approval_record SET at=1, action='reject', content_hash='', "
-                                       "previous_hash='', hash='%1' WHERE seq=2;")
-                      .arg(line.hash)),
+    EXPECT_EQ(saysAfter(u"UPDATE approval_record SET at=1, action='reject', content_hash='', "
+                        "previous_hash='', hash='%1' WHERE seq=2;"_s.arg(line.hash)),
         broken + "line 2 does not continue the line before it.");
 }
 

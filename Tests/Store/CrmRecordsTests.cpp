@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/ContactInfo.h"
@@ -62,7 +63,7 @@ TEST_F(CrmTest, aNoteWithoutAContactWaitsUntilOneIsLinked)
     EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", ana));
     EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "p"), Decided::Refused) << "what was applied stays applied";
     EXPECT_EQ(table("SELECT status, applied_at, rejected_at, error FROM crm_update_proposal;"),
-        QStringList(QStringLiteral("applied|%1|-|-").arg(m_clock.nowMs())));
+        QStringList(u"applied|%1|-|-"_s.arg(m_clock.nowMs())));
     ASSERT_EQ(fetchNotes(*m_db, ana).size(), 1);
     EXPECT_EQ(fetchNotes(*m_db, ana).first().body, "Wants a quote");
     EXPECT_EQ(queued(), QStringList("contact_note/create"));
@@ -157,11 +158,11 @@ TEST_F(CrmTest, twoNotesOfOneMomentAreBothKept)
     const auto first = addNote(*m_db, ana, "one");
     const auto second = addNote(*m_db, ana, "two");
     ASSERT_TRUE(first && second);
-    EXPECT_EQ(*first, QStringLiteral("note:%1:").arg(m_clock.nowMs()) + ana);
+    EXPECT_EQ(*first, u"note:%1:"_s.arg(m_clock.nowMs()) + ana);
     EXPECT_NE(*first, *second);
     EXPECT_EQ(fetchNotes(*m_db, ana).size(), 2);
     EXPECT_EQ(table("SELECT payload_json FROM crm_mutation_queue WHERE entity_id='" + *second + "';"),
-        QStringList(QStringLiteral(R"({"body":"two","contact_id":"%1","ts":%2})").arg(ana).arg(m_clock.nowMs())));
+        QStringList(uR"({"body":"two","contact_id":"%1","ts":%2})"_s.arg(ana).arg(m_clock.nowMs())));
 }
 
 TEST_F(CrmTest, aDoneTaskShowsOnlyWhenAskedFor)
@@ -192,7 +193,7 @@ TEST_F(CrmTest, aDealCountsInItsStageByTheNumberThatItsValueTells)
     for (const auto& [stage, value] : { std::pair("Proposal", "$12.5k"), std::pair("Proposal", "abc"),
              std::pair("", "7"), std::pair("Won back", "Sum: 3"), std::pair("Prospecting", "1.2.3"),
              std::pair("Closed Won", "99999999999999999999"), std::pair("Closed Won", "1 m") })
-        ASSERT_TRUE(insertCRMDeal(*m_db, ana, { QStringLiteral("D"), stage, value, QStringLiteral("Acme"), {} }));
+        ASSERT_TRUE(insertCRMDeal(*m_db, ana, { u"D"_s, stage, value, u"Acme"_s, {} }));
     EXPECT_EQ(fetchCRMPipelineStageSummaries(*m_db),
         (QList<CRMPipelineStageSummary> { { "Prospecting", 1, 0 }, { "Proposal", 2, 12500 },
             { "Closed Won", 2, std::numeric_limits<qint64>::max() }, { "Unstaged", 1, 7 },

@@ -1,4 +1,5 @@
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
@@ -38,7 +39,7 @@ TEST_F(IdentityTest, aMergeMovesTheConversationsAndAnUnmergeReturnsExactlyThose)
 
     const auto merge = mergeContacts(*m_db, ana, anaToo, "email");
     ASSERT_TRUE(merge);
-    EXPECT_TRUE(merge->startsWith(QStringLiteral("mg:%1:").arg(m_clock.nowMs())));
+    EXPECT_TRUE(merge->startsWith(u"mg:%1:"_s.arg(m_clock.nowMs())));
     EXPECT_EQ(activeMerges(*m_db, ana), (QList<LiveMerge> { { *merge, ana, anaToo, "email", m_clock.nowMs() } }));
     EXPECT_EQ(cell("SELECT conv_ids_json FROM contact_merge;"), R"(["wa:GMAIL:ana@example.com"])");
     EXPECT_EQ(effectiveContactId(*m_db, anaToo), ana);

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Messages/ThreadQueries.h"
@@ -16,7 +17,7 @@ protected:
     {
         IncomingMessage incoming;
         incoming.conversationExternalId = QString::fromUtf8(externalId);
-        incoming.providerMsgId = QStringLiteral("p%1").arg(++m_messages);
+        incoming.providerMsgId = u"p%1"_s.arg(++m_messages);
         incoming.body = QString::fromUtf8(body);
         incoming.ts = ts;
         if (title)
@@ -85,10 +86,10 @@ TEST_F(InboxTest, filtersAccountsAndLimitsNarrowTheList)
 QString listOfEverybody(InboxFilter filter, qint64 nowMs)
 {
     const QString archived = filter == InboxFilter::Archived ? "NOT NULL" : "NULL";
-    const QString having = filter == InboxFilter::NeedsMe ? QString("HAVING SUM(c.unread) > 0")
-        : filter == InboxFilter::Today ? QStringLiteral("HAVING MAX(c.last_ts) >= %1").arg(startOfTodayMs(nowMs))
-                                       : QString();
-    return QStringLiteral(R"(SELECT ct.id, COALESCE(ct.display_name,''),
+    const QString having = filter == InboxFilter::NeedsMe ? u"HAVING SUM(c.unread) > 0"_s
+        : filter == InboxFilter::Today                    ? u"HAVING MAX(c.last_ts) >= %1"_s.arg(startOfTodayMs(nowMs))
+                                                          : QString();
+    return uR"(SELECT ct.id, COALESCE(ct.display_name,''),
   (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
      WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
   COALESCE((SELECT m.body FROM unified_message m
@@ -98,7 +99,7 @@ QString listOfEverybody(InboxFilter filter, qint64 nowMs)
   MAX(CASE WHEN c.external_id LIKE '%@g.us' THEN 1 ELSE 0 END), COALESCE(ct.avatar_path,''), MAX(c.muted)
 FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id
 WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
-  AND (? = '' OR c.account_id = ?) AND c.archived_at IS )")
+  AND (? = '' OR c.account_id = ?) AND c.archived_at IS )"_s
         + archived + "\nGROUP BY ct.id " + having + "\nORDER BY MAX(c.last_ts) DESC LIMIT ?;";
 }
 
@@ -113,17 +114,16 @@ TEST_F(InboxTest, theNewestPeopleAreThoseOfAWalkOverEverybody)
         return below(count) == 0;
     };
     const auto person = [&] {
-        return QStringLiteral("ct:SMS:%1").arg(below(12));
+        return u"ct:SMS:%1"_s.arg(below(12));
     };
     for (int mirror = 0; mirror < 60; ++mirror) {
         m_db->exec("BEGIN; DELETE FROM unified_message; DELETE FROM unified_conversation; DELETE FROM contact;");
         for (int i = 0; i < 12; ++i)
             m_db->run("INSERT INTO contact(id, workspace_id, display_name, deleted_at) VALUES(?,?,?,?);",
-                { QStringLiteral("ct:SMS:%1").arg(i), QString(oneIn(8) ? "elsewhere" : "local"),
-                    oneIn(4) ? SqlValue() : SqlValue(QStringLiteral("P%1").arg(i)),
-                    oneIn(8) ? SqlValue(1) : SqlValue() });
+                { u"ct:SMS:%1"_s.arg(i), QString(oneIn(8) ? "elsewhere" : "local"),
+                    oneIn(4) ? SqlValue() : SqlValue(u"P%1"_s.arg(i)), oneIn(8) ? SqlValue(1) : SqlValue() });
         for (int i = 0; i < 24; ++i) {
-            const QString id = QStringLiteral("c%1").arg(i);
+            const QString id = u"c%1"_s.arg(i);
             const qint64 ts = midnight + below(6) - 3; // many at the same instant, some of them yesterday
             m_db->run(
                 "INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, contact_id, "
@@ -133,17 +133,17 @@ TEST_F(InboxTest, theNewestPeopleAreThoseOfAWalkOverEverybody)
                     oneIn(9) ? SqlValue() : SqlValue(person()), ts, below(4) - 1, below(2),
                     oneIn(4) ? SqlValue(1) : SqlValue(), oneIn(6) ? SqlValue(1) : SqlValue() });
             m_db->run("INSERT INTO unified_message(id, conversation_id, body, ts, deleted_at) VALUES(?,?,?,?,?);",
-                { id, id, QStringLiteral("body %1").arg(i), ts - below(2), oneIn(5) ? SqlValue(1) : SqlValue() });
+                { id, id, u"body %1"_s.arg(i), ts - below(2), oneIn(5) ? SqlValue(1) : SqlValue() });
         }
         for (int i = 0; i < 3; ++i) // a merge takes all conversations of one person to another
             m_db->run("UPDATE unified_conversation SET contact_id=? WHERE contact_id=?;", { person(), person() });
         m_db->exec("COMMIT;");
         for (const InboxFilter filter :
             { InboxFilter::NeedsMe, InboxFilter::Today, InboxFilter::All, InboxFilter::Archived })
-            for (const QString& account : { QString(), QString("a") })
+            for (const QString& account : { QString(), u"a"_s })
                 for (const int limit : { 1, 3, 5, 300 }) {
                     const auto expected = m_db->rows(listOfEverybody(filter, m_clock.nowMs()),
-                        { QString("local"), account, account, limit }, [](const SqlRow& row) {
+                        { u"local"_s, account, account, limit }, [](const SqlRow& row) {
                             return ContactRow { row.text(0), row.text(1), row.text(2).split(',', Qt::SkipEmptyParts),
                                 row.text(3), row.integer(4), int(row.integer(5)), row.text(6), row.integer(7) != 0,
                                 row.text(8), row.integer(9) != 0 };
@@ -235,8 +235,8 @@ TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
     ASSERT_EQ(thread.size(), 3);
     EXPECT_EQ(thread[1].body + thread[1].platform, "secondEMAIL");
     EXPECT_EQ(thread[2],
-        (UnifiedMsgRow { "wa:msg:p1", "IN", "third", "SMS", "a", "1", "p1", 300, QString("audio"), QString("/a"), "", 3,
-            "❤", QString("spoken"), "Plan" }));
+        (UnifiedMsgRow { "wa:msg:p1", "IN", "third", "SMS", "a", "1", "p1", 300, u"audio"_s, u"/a"_s, "", 3, "❤",
+            u"spoken"_s, "Plan" }));
     EXPECT_EQ(thread[0].mediaType, std::nullopt);
     EXPECT_EQ(fetchUnifiedThread(*m_db, "ct:SMS:1", 1).first().body, "third") << "the newest where a limit cuts";
     m_db->exec("UPDATE contact_merge SET undone_at=1; UPDATE unified_message SET deleted_at=1 WHERE ts=200;");

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/CrmQueue.h"
 #include "Support/StoreTest.h"
@@ -56,10 +57,10 @@ TEST_F(IngestTest, aMessageMakesItsConversationContactAndIdentity)
 
 TEST_F(IngestTest, aHandleTellsAnAddressOrANumber)
 {
-    EXPECT_EQ(matchSignals("EMAIL", " Ana@Example.COM ").email, QString("ana@example.com"));
+    EXPECT_EQ(matchSignals("EMAIL", " Ana@Example.COM ").email, u"ana@example.com"_s);
     EXPECT_EQ(matchSignals("GMAIL", "thread-1").email, std::nullopt);
-    EXPECT_EQ(matchSignals("WHATSAPP", "34600111@s.whatsapp.net").phone, QString("34600111"));
-    EXPECT_EQ(matchSignals("WHATSAPP", "34600:7@s.whatsapp.net").phone, QString("346007"));
+    EXPECT_EQ(matchSignals("WHATSAPP", "34600111@s.whatsapp.net").phone, u"34600111"_s);
+    EXPECT_EQ(matchSignals("WHATSAPP", "34600:7@s.whatsapp.net").phone, u"346007"_s);
     EXPECT_EQ(matchSignals("WHATSAPP", "x@s.whatsapp.net").phone, std::nullopt);
     EXPECT_EQ(matchSignals("WHATSAPP", "123-456@g.us").phone, std::nullopt);
     EXPECT_EQ(matchSignals("WHATSAPP", "99@lid").phone, std::nullopt);
@@ -91,7 +92,7 @@ TEST_F(IngestTest, editsThatWaitForTheWebBecomeOne)
     const qint64 now = m_clock.nowMs();
     EXPECT_EQ(table(columns),
         QStringList { id + "|local:task:tk:1:update:native-ui|{\"due\":\"\",\"title\":\"two\"}|pending|0|-|"
-            + QStringLiteral("%1|%2").arg(now - 1000).arg(now) });
+            + u"%1|%2"_s.arg(now - 1000).arg(now) });
     m_db->exec("UPDATE crm_mutation_queue SET status='sent';");
     m_clock.advance(seconds(1));
     recordCRMMutation(*m_db, "task", "tk:1", "update", "native-ui", {});

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/StoreTest.h"
 
 #include <QDir>
@@ -12,19 +13,19 @@ TEST_F(LocalDBTest, everyKindOfValueBindsAsItself)
     LocalDB& db = open();
     db.exec("CREATE TABLE t (a, b, c, d, e, f);");
     EXPECT_TRUE(db.run("INSERT INTO t VALUES(?,?,?,?,?,?);",
-        { QString("é\"'"), qint64(1) << 40, 7, 0.5, std::optional<QString>(), QString() }));
+        { u"é\"'"_s, qint64(1) << 40, 7, 0.5, std::optional<QString>(), QString() }));
     EXPECT_EQ(table("SELECT typeof(a), typeof(b), typeof(c), typeof(d), typeof(e), typeof(f) FROM t"),
         QStringList { "text|integer|integer|real|null|text" });
     EXPECT_EQ(table("SELECT a, b, c, d, e, f FROM t"), QStringList { "é\"'|1099511627776|7|0.5|-|" });
-    EXPECT_EQ(db.scalar("PRAGMA journal_mode;"), QString("wal"));
-    EXPECT_EQ(db.scalar("PRAGMA foreign_keys;"), QString("1"));
+    EXPECT_EQ(db.scalar("PRAGMA journal_mode;"), u"wal"_s);
+    EXPECT_EQ(db.scalar("PRAGMA foreign_keys;"), u"1"_s);
 }
 
 TEST_F(LocalDBTest, aScalarBindsOnlyTextAnd64BitIntegers)
 {
     LocalDB& db = open();
-    EXPECT_EQ(db.scalar("SELECT 'hit' WHERE 5=?;", { qint64(5) }), QString("hit"));
-    EXPECT_EQ(db.scalar("SELECT 'hit' WHERE 'x'=?;", { QString("x") }), QString("hit"));
+    EXPECT_EQ(db.scalar("SELECT 'hit' WHERE 5=?;", { qint64(5) }), u"hit"_s);
+    EXPECT_EQ(db.scalar("SELECT 'hit' WHERE 'x'=?;", { u"x"_s }), u"hit"_s);
     EXPECT_EQ(db.scalar("SELECT 'hit' WHERE 5=?;", { 5 }), std::nullopt);
     EXPECT_EQ(db.scalar("SELECT NULL;"), std::nullopt);
     EXPECT_EQ(db.scalar("nonsense"), std::nullopt);
@@ -35,7 +36,7 @@ TEST_F(LocalDBTest, failuresAreLoggedAndLeaveTheRestStanding)
 {
     LocalDB& db = open();
     EXPECT_FALSE(db.run("INSERT INTO nowhere VALUES(?);", { 1 }));
-    EXPECT_FALSE(db.run("INSERT INTO contact_note(id) VALUES(?);", { QString("n") }));
+    EXPECT_FALSE(db.run("INSERT INTO contact_note(id) VALUES(?);", { u"n"_s }));
     db.exec("CREATE TABLE t (a); nonsense; CREATE TABLE u (a);");
     EXPECT_EQ(m_log.lines(),
         (QStringList { "LocalDB.run prepare failed: no such table: nowhere — INSERT INTO nowhere VALUES(?);",
@@ -84,7 +85,7 @@ TEST_F(LocalDBTest, aFileThatAnotherProcessHoldsIsReadAtOnceAndWrittenLater)
     other.exec("COMMIT;");
     EXPECT_FALSE(db.isHeldElsewhere());
     EXPECT_FALSE(db.inTransaction());
-    EXPECT_EQ(db.scalar("PRAGMA busy_timeout;"), QString("5000"));
+    EXPECT_EQ(db.scalar("PRAGMA busy_timeout;"), u"5000"_s);
     EXPECT_TRUE(db.run("INSERT INTO contact(id) VALUES('ct:SMS:2');"));
 }
 
@@ -92,12 +93,12 @@ TEST_F(LocalDBTest, aFullDiskRefusesTheNewRowAndKeepsTheOldOnes)
 {
     LocalDB& db = open();
     const QString insert = "INSERT INTO contact_note(id, contact_id, body) VALUES(?,'c',?);";
-    EXPECT_TRUE(db.run(insert, { QString("small"), QString("kept") }));
-    db.exec(QStringLiteral("PRAGMA max_page_count=%1;").arg(cell("PRAGMA page_count;")));
-    EXPECT_FALSE(db.run(insert, { QString("large"), QString(1 << 20, u'x') }));
+    EXPECT_TRUE(db.run(insert, { u"small"_s, u"kept"_s }));
+    db.exec(u"PRAGMA max_page_count=%1;"_s.arg(cell("PRAGMA page_count;")));
+    EXPECT_FALSE(db.run(insert, { u"large"_s, QString(1 << 20, u'x') }));
     EXPECT_TRUE(m_log.contains("LocalDB.run step failed (rc=13): database or disk is full"));
     db.exec("PRAGMA max_page_count=1000000;");
-    EXPECT_TRUE(db.run(insert, { QString("again"), QString(1 << 20, u'x') }));
+    EXPECT_TRUE(db.run(insert, { u"again"_s, QString(1 << 20, u'x') }));
     open();
     EXPECT_EQ(table("SELECT id, length(body) FROM contact_note"), (QStringList { "small|4", "again|1048576" }));
     EXPECT_EQ(cell("PRAGMA integrity_check;"), "ok");

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Work/OpsRecords.h"
 
 #include "Store/Work/WorkBoardQueries.h"
@@ -18,7 +19,7 @@ TEST_F(OpsRecordsTest, aTabLivesForTwoIntervalsOfAtLeastHalfAMinute)
     const qint64 now = m_clock.nowMs();
     const auto of = [&](const QString& heartbeat, int interval) {
         const Liveness liveness = opsTabLiveness(heartbeat, interval, now);
-        return QStringLiteral("%1 %2").arg(liveness.staleSec.value_or(-1)).arg(liveness.isLive);
+        return u"%1 %2"_s.arg(liveness.staleSec.value_or(-1)).arg(liveness.isLive);
     };
     EXPECT_EQ(of(at(-59), 10), "59 1");
     EXPECT_EQ(of(at(-61), 10), "61 0");
@@ -55,7 +56,7 @@ TEST_F(OpsRecordsTest, aProjectShowsItsTabsAsksAndNews)
     EXPECT_EQ(projects[1].downTabs, 1);
     EXPECT_EQ(projects[1].openAsks, 1);
     EXPECT_EQ(projects[1].latestBody, "new");
-    EXPECT_EQ(fetchOpsTabs(*m_db, QStringLiteral("p")).first().name, "tests");
+    EXPECT_EQ(fetchOpsTabs(*m_db, u"p"_s).first().name, "tests");
     EXPECT_EQ(fetchOpsUpdates(*m_db, {}, 1).first().projectSlug, "shop");
 
     const auto order = [&](AnsweredAsks answered) {

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/IngestQueries.h"
@@ -12,7 +13,7 @@ protected:
     OutboundTest()
     {
         open();
-        m_conversation = ensureConversation(*m_db, "SMS", "main", "34600", QString("Ana"), 5);
+        m_conversation = ensureConversation(*m_db, "SMS", "main", "34600", u"Ana"_s, 5);
     }
 
     QString queue(const char* body)
@@ -27,7 +28,7 @@ protected:
 TEST_F(OutboundTest, aDraftIsQueuedForItsConversation)
 {
     const QString id = queue("hello");
-    EXPECT_TRUE(id.startsWith(QStringLiteral("od:%1:").arg(m_clock.nowMs())));
+    EXPECT_TRUE(id.startsWith(u"od:%1:"_s.arg(m_clock.nowMs())));
     const QList<PendingDraft> expected { { id, m_conversation, "SMS", "main", "34600", "Ana", "hello", "pending",
         "compose", "", "", "" } };
     EXPECT_EQ(fetchDrafts(*m_db, { DraftStatus::Failed, DraftStatus::Pending }, 50), expected);
@@ -49,7 +50,7 @@ TEST_F(OutboundTest, theSubjectAndTheFilesBelongToTheDraftAndToItsHash)
 
     const QString seen = draftHash(draft);
     for (const char* change : { "subject='Other'", "files=replace(files,'\"ab\"','\"cd\"')", "files=NULL" }) {
-        m_db->exec(QStringLiteral("SAVEPOINT before; UPDATE outbound_draft SET %1;").arg(change));
+        m_db->exec(u"SAVEPOINT before; UPDATE outbound_draft SET %1;"_s.arg(change));
         EXPECT_EQ(approveDraft(*m_db, draft.id, seen), Decided::Changed) << change;
         m_db->exec("ROLLBACK TO before; RELEASE before;");
     }
@@ -105,9 +106,9 @@ TEST_F(OutboundTest, aPullIsAskedForInTheActiveWorkspace)
 {
     selectWorkspace(*m_db, "w1");
     const QString id = queueWebPullSync(*m_db, "settings");
-    EXPECT_TRUE(id.startsWith(QStringLiteral("sync:%1:").arg(m_clock.nowMs())));
+    EXPECT_TRUE(id.startsWith(u"sync:%1:"_s.arg(m_clock.nowMs())));
     EXPECT_EQ(table("SELECT id, workspace_id, kind, status, source, requested_at, started_at FROM sync_command"),
-        QStringList { id + QStringLiteral("|w1|web_pull|pending|settings|%1|-").arg(m_clock.nowMs()) });
+        QStringList { id + u"|w1|web_pull|pending|settings|%1|-"_s.arg(m_clock.nowMs()) });
 }
 
 }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/Places.h"
 #include "Support/StoreTest.h"
 
@@ -150,7 +151,7 @@ TEST_F(SchemaTest, theStatusPseudoConversationIsDeletedAtEveryStart)
     m_db->exec("INSERT INTO unified_conversation(id, external_id) VALUES('s','status@broadcast'), ('c','1@g.us');");
     open();
     EXPECT_EQ(table("SELECT id, deleted_at FROM unified_conversation ORDER BY id"),
-        (QStringList { "c|-", QStringLiteral("s|%1").arg(m_clock.nowMs()) }));
+        (QStringList { "c|-", u"s|%1"_s.arg(m_clock.nowMs()) }));
 }
 
 }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 
 #include "Support/StoreTest.h"
@@ -59,7 +60,7 @@ TEST_F(TableTest, theTextsNameEachColumnOnceWithWhatStandsForNull)
 
 TEST_F(TableTest, whatIsWrittenIsReadBackMemberByMember)
 {
-    const GivenValues inWorkspace { { "t.workspace", QString("w") } };
+    const GivenValues inWorkspace { { "t.workspace", u"w"_s } };
     const Thing full { "a", "note", 1LL << 40, 2LL << 40, 3, true, 0.5, { "x", "y" }, {} };
     const Thing bare { "b", {}, 1, {}, 0, false, 0, {}, {} };
     EXPECT_TRUE(things.insert(*m_db, full, inWorkspace));
@@ -67,13 +68,13 @@ TEST_F(TableTest, whatIsWrittenIsReadBackMemberByMember)
     Thing counted = bare;
     counted.count = 7;
     EXPECT_EQ(things.rows(*m_db, "ORDER BY id;", {}), (QList<Thing> { full, counted }));
-    EXPECT_EQ(things.first(*m_db, "WHERE id=?;", { QString("b") }), counted);
+    EXPECT_EQ(things.first(*m_db, "WHERE id=?;", { u"b"_s }), counted);
     EXPECT_EQ(table("SELECT workspace, state, words FROM thing ORDER BY id;"), (QStringList { "w|new|x,y", "w|new|" }));
 
     Thing later = full;
     later.note = "later";
     EXPECT_TRUE(things.insert(*m_db, later, inWorkspace, "\nON CONFLICT(id) DO UPDATE SET note=excluded.note"));
-    EXPECT_EQ(things.first(*m_db, "WHERE id=?;", { QString("a") }), later);
+    EXPECT_EQ(things.first(*m_db, "WHERE id=?;", { u"a"_s }), later);
     EXPECT_FALSE(things.insert(*m_db, full, inWorkspace)) << "it is there already";
 }
 

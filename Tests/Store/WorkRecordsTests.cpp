@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Work/WorkWrites.h"
 
 #include "Store/Work/DigestQueries.h"
@@ -51,7 +52,7 @@ TEST_F(WorkRecordsTest, eachListHasItsOrderItsContextAndItsLimit)
         "INSERT INTO work_agent(id, context_id, module, name, status, heartbeat_at, updated_at) VALUES"
         "('ready','c','ops','r','ready','9','1'),('live','','dev','l','live','1','2'),"
         "('run','','ops','u','running','2','3'),('mute','','ops','m','asleep',NULL,'0');");
-    const std::optional<QString> c = QStringLiteral("c");
+    const std::optional<QString> c = u"c"_s;
     EXPECT_EQ(ids(fetchWorkItems(*m_db, "ops", {}, 50)), (QStringList { "high", "new", "old", "low" }));
     EXPECT_EQ(ids(fetchWorkItems(*m_db, "ops", c, 1)), QStringList("high"));
     EXPECT_EQ(ids(fetchWorkMemory(*m_db, "ops", {}, 50)), (QStringList { "q", "p", "a", "r" }));
@@ -148,11 +149,11 @@ TEST_F(WorkRecordsTest, tablesThatAreMissingOrLackColumnsAreEmptyAndTakeNothing)
         "work_session", "work_agent", "work_memory", "calendar_event", "\"update\"" };
     for (const bool replaced : { false, true }) {
         for (const char* name : tables) {
-            m_db->exec(QStringLiteral("DROP TABLE IF EXISTS %1;").arg(name));
+            m_db->exec(u"DROP TABLE IF EXISTS %1;"_s.arg(name));
             if (replaced)
-                m_db->exec(QStringLiteral("CREATE TABLE %1(id TEXT); INSERT INTO %1 VALUES('x');").arg(name));
+                m_db->exec(u"CREATE TABLE %1(id TEXT); INSERT INTO %1 VALUES('x');"_s.arg(name));
         }
-        const WorkContextId c = QStringLiteral("c");
+        const WorkContextId c = u"c"_s;
         EXPECT_TRUE(fetchWorkContexts(*m_db, "ops", 9).isEmpty());
         EXPECT_TRUE(fetchWorkItems(*m_db, "ops", c, 9).isEmpty());
         EXPECT_TRUE(fetchWorkDecisions(*m_db, "ops", {}, 9).isEmpty());
@@ -179,7 +180,7 @@ TEST_F(WorkRecordsTest, tablesThatAreMissingOrLackColumnsAreEmptyAndTakeNothing)
     }
     // Tables that come while the program runs count from then on, each for itself.
     for (const char* name : tables)
-        m_db->exec(QStringLiteral("DROP TABLE IF EXISTS %1;").arg(name));
+        m_db->exec(u"DROP TABLE IF EXISTS %1;"_s.arg(name));
     open();
     EXPECT_TRUE(insertWorkItem(*m_db, { "ops", {}, "task", "t", "normal", "", "", "" }));
     m_db->exec("DROP TABLE work_session; DROP TABLE work_agent;");
@@ -210,8 +211,8 @@ TEST_F(WorkRecordsTest, theDigestCountsTheDay)
         m_db->run("INSERT INTO work_message(id, created_at) VALUES(?,?);", { at, at });
         m_db->run("INSERT INTO \"update\"(id, body, created_at) VALUES(?,?,?);", { at, "said " + at, at });
     }
-    EXPECT_EQ(todayDigest(*m_db, start, start + 86'400'000, today),
-        (TodayDigest { 3, QStringLiteral("next"), 2, 2, "said " + today }));
+    EXPECT_EQ(
+        todayDigest(*m_db, start, start + 86'400'000, today), (TodayDigest { 3, u"next"_s, 2, 2, "said " + today }));
     EXPECT_EQ(
         todayDigest(*m_db, start + 2 * 86'400'000, start + 3 * 86'400'000, "9999"), (TodayDigest { 0, {}, 2, 0, {} }));
 }

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Support/StoreTest.h"
@@ -13,7 +14,7 @@ protected:
         for (int index = 0; index < count; ++index) {
             m_db->run("INSERT INTO unified_conversation(id, workspace_id, channel, external_id, last_ts) "
                       "VALUES(?,?,'SMS',?,?);",
-                { QStringLiteral("%1/%2").arg(workspace).arg(index), workspace, QString::number(index), lastTs });
+                { u"%1/%2"_s.arg(workspace).arg(index), workspace, QString::number(index), lastTs });
         }
     }
 
@@ -38,7 +39,7 @@ TEST_F(WorkspacesTest, theFirstStartSettlesOnLocalInBothPlaces)
     EXPECT_EQ(activeWorkspaceId(*m_db), "local");
     EXPECT_EQ(selection(), (QStringList { "local", "local" }));
     EXPECT_EQ(cell("SELECT updated_at FROM sync_workspace_selection;"), QString::number(m_clock.nowMs()));
-    EXPECT_EQ(UserDefaults(m_home.paths().defaultsFile).text("nimb.activeWorkspaceId"), QString("local"));
+    EXPECT_EQ(UserDefaults(m_home.paths().defaultsFile).text("nimb.activeWorkspaceId"), u"local"_s);
     addConversations("local", 1, 5);
     select("w1");
     EXPECT_EQ(selectWorkspace(*m_db, "  "), "local");
@@ -76,14 +77,14 @@ TEST_F(WorkspacesTest, anEmptyWorkspaceIsLeftForTheFullestOnceAndWithANotice)
     EXPECT_EQ(activeWorkspaceId(*m_db), "five");
     EXPECT_EQ(selection(), (QStringList { "five", "five" }));
     EXPECT_EQ(cell("SELECT org_id FROM sync_workspace_selection;"), "o5");
-    EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), QString("Workspace changed — showing Five people"));
+    EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), u"Workspace changed — showing Five people"_s);
     EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), std::nullopt);
     EXPECT_EQ(activeWorkspaceId(*m_db), "five");
     EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), std::nullopt);
 
     m_db->exec("UPDATE unified_conversation SET deleted_at=1 WHERE workspace_id='five';");
     EXPECT_EQ(activeWorkspaceId(*m_db), "three"); // known from its rows alone
-    EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), QString("Workspace changed — showing three"));
+    EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), u"Workspace changed — showing three"_s);
 }
 
 TEST_F(WorkspacesTest, theNewestMessageBreaksATieAndNothingElsewhereMeansStay)
@@ -153,7 +154,7 @@ INSERT INTO outbound_draft(id, conversation_id, channel, account_id, external_id
 INSERT INTO draft_metadata(id, contact_id, conversation_id, intent, created_at)
   VALUES('dm','web:contact:7','web:WHATSAPP:123','draft_reply',1);
 INSERT INTO work_memory_entries(id, scope) VALUES('m','contact:web:contact:7'), ('b','business');)");
-    EXPECT_EQ(selectWorkspace(*m_db, " w1\n", QString("o1")), "w1");
+    EXPECT_EQ(selectWorkspace(*m_db, " w1\n", u"o1"_s), "w1");
     EXPECT_EQ(table("SELECT id, workspace_id, contact_id FROM unified_conversation ORDER BY id"),
         (QStringList { "wa:main:456|w1|ct:SMS:1", "web:w1:WHATSAPP:123|w1|web:w1:contact:7" }));
     EXPECT_EQ(table("SELECT id, conversation_id, workspace_id FROM unified_message ORDER BY id"),
@@ -201,16 +202,16 @@ TEST_F(WorkspacesTest, theWebsListIsKeptAndSettlesTheSelection)
     addConversations("local", 1, 5);
     EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b", true), workspace("c") }, std::nullopt), "b");
     EXPECT_EQ(cell("SELECT workspace_id FROM unified_conversation;"), "b");
-    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b") }, QString("a")), "b"); // in use already
+    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b") }, u"a"_s), "b"); // in use already
     EXPECT_EQ(table("SELECT workspace_id, workspace_name, org_id, is_default FROM sync_workspace ORDER BY 1"),
         (QStringList { "a|A|org-a|0", "b|B|org-b|0", "c|C|org-c|0" }));
-    EXPECT_EQ(storeWorkspaceRows(*m_db, {}, QString("a")), "b");
+    EXPECT_EQ(storeWorkspaceRows(*m_db, {}, u"a"_s), "b");
 
     m_db->exec("DELETE FROM unified_conversation;");
     select("gone");
-    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b", true) }, QString("a")), "a"); // preferred
+    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b", true) }, u"a"_s), "a"); // preferred
     select("gone");
-    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("c"), workspace("d") }, QString("z")), "c"); // the first
+    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("c"), workspace("d") }, u"z"_s), "c"); // the first
 }
 
 TEST_F(WorkspacesTest, thePickersListIsInTheOrderOfItsNames)

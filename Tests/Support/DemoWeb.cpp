@@ -1,5 +1,6 @@
 #include "Support/DemoWeb.h"
 
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 #include "Support/EnginesNode.h"
 #include "Support/Places.h"
@@ -16,7 +17,7 @@ DemoWeb::DemoWeb()
 {
     m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_process.start(enginesNode(),
-        { QStringLiteral("--experimental-strip-types"), QStringLiteral("--no-warnings"),
+        { u"--experimental-strip-types"_s, u"--no-warnings"_s,
             QStringLiteral(CORVANE_SOURCE "/demo/web/src/main.ts") });
     EXPECT_TRUE(await([this] { return m_process.canReadLine(); }));
     m_base = QString::fromUtf8(m_process.readLine()).trimmed();
@@ -30,21 +31,20 @@ DemoWeb::~DemoWeb()
 
 void DemoWeb::plan(const QByteArray& faults)
 {
-    ask("PUT", QStringLiteral("/demo/faults"), faults);
+    ask("PUT", u"/demo/faults"_s, faults);
 }
 
 QString DemoWeb::counts()
 {
-    const QJsonObject counts = QJsonDocument::fromJson(ask("GET", QStringLiteral("/demo/counts"))).object();
-    return QStringLiteral("%1 %2 %3")
-        .arg(counts[QLatin1String("accounts")].toInt())
-        .arg(counts[QLatin1String("chats")].toInt())
-        .arg(counts[QLatin1String("messages")].toInt());
+    const QJsonObject counts = QJsonDocument::fromJson(ask("GET", u"/demo/counts"_s)).object();
+    return u"%1 %2 %3"_s.arg(counts["accounts"_L1].toInt())
+        .arg(counts["chats"_L1].toInt())
+        .arg(counts["messages"_L1].toInt());
 }
 
 int DemoWeb::requests(const QString& part)
 {
-    const QString mark = QStringLiteral("/demo/mark");
+    const QString mark = u"/demo/mark"_s;
     const qsizetype before = m_log.count(mark);
     ask("GET", mark); // its line comes behind all others
     EXPECT_TRUE(await([&] {

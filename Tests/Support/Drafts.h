@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 namespace corvane {
@@ -7,7 +8,7 @@ namespace corvane {
 /// What another program that knows no rules may do to a draft.
 inline void markDraft(LocalDB& db, const QString& id, const QString& status)
 {
-    db.run(QStringLiteral("UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;"), { status, db.nowMs(), id });
+    db.run(u"UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;"_s, { status, db.nowMs(), id });
 }
 
 }

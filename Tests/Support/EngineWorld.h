@@ -3,6 +3,7 @@
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Notifications/Notifier.h"
@@ -58,7 +59,7 @@ struct EngineWorld : EngineSurroundings {
     /// A row value as text; "-" for NULL or no row.
     QString cell(const QString& sql, const QList<SqlValue>& parameters = {})
     {
-        return engines.db().scalar(sql, parameters).value_or(QStringLiteral("-"));
+        return engines.db().scalar(sql, parameters).value_or(u"-"_s);
     }
 
     FakeLauncher launcher { clock };

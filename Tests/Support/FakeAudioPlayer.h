@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/AudioPlayer.h"
 
 #include <QStringList>
@@ -37,7 +38,7 @@ public:
 
     QStringList played;
     State current = State::Idle;
-    QString error = QStringLiteral("This machine has no sound output.");
+    QString error = u"This machine has no sound output."_s;
     qint64 position = 0;
     qint64 duration = 0;
 };

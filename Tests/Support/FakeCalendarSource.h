@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/CalendarSource.h"
 
 #include <mutex>
@@ -30,7 +31,7 @@ public:
 
     Result<void> add(const CalendarPlaces&, const QString&, const NewCalendarEntry&) override
     {
-        return failure(QStringLiteral("It takes none."));
+        return failure(u"It takes none."_s);
     }
     Result<void> remove(const CalendarPlaces&, const QString&, const QString&) override { return {}; }
     Result<CalendarImport> import(const CalendarPlaces&, const QString&, const QByteArray&) override
@@ -39,7 +40,7 @@ public:
     }
     Result<QByteArray> exported(const CalendarPlaces&, const QString&, const QString&) override
     {
-        return failure(QStringLiteral("It holds none."));
+        return failure(u"It holds none."_s);
     }
     int openTasks(const CalendarPlaces&) const override { return 0; }
     Result<void> makeCalendar(const QString&) override { return {}; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/Desktop.h"
 
 #include <QList>
@@ -45,7 +46,7 @@ public:
     QList<QUrl> openedLinks;
     Result<QList<QUrl>> chosen; ///< what the person chooses
     bool opens = true; ///< whether a program is there for files and links
-    QString host = QStringLiteral("studio+1");
+    QString host = u"studio+1"_s;
     int badge = -1; ///< -1 until it is set
     ColourScheme scheme = ColourScheme::Light;
     bool reducedMotion = false;

@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "Foundation/Arrival.h"
+#include "Foundation/Literals.h"
 #include "Platform/MachineFacts.h"
 #include "Platform/ToolRunner.h"
 #include "Support/VirtualScheduler.h"
@@ -58,7 +59,7 @@ public:
     std::optional<QString> unavailableReason() const override { return m_reason; }
     bool runsElsewhere() const override { return elsewhere; }
     QString modelName() const override { return known.value(0); }
-    QString displayName() const override { return QStringLiteral("Fake Model"); }
+    QString displayName() const override { return u"Fake Model"_s; }
     QStringList models() const override { return known; }
     QCoro::Task<> refresh() override { co_return; }
 
@@ -76,19 +77,19 @@ public:
     }
 
     QList<Question> asked;
-    QStringList known { QStringLiteral("fake:1b") };
+    QStringList known { u"fake:1b"_s };
     Choice chosen;
     bool elsewhere = false;
 
 private:
-    static QString textKey() { return QStringLiteral("text"); }
+    static QString textKey() { return u"text"_s; }
 
     QCoro::Task<Result<QJsonObject>> ask(Question question, CancelHandle cancel)
     {
         asked.append(question);
         if (m_answers.empty()) {
             ADD_FAILURE() << "a question that nobody expected: " << qPrintable(question.prompt);
-            co_return failure(QStringLiteral("nobody told what to answer"));
+            co_return failure(u"nobody told what to answer"_s);
         }
         const Later answer = m_answers.front();
         m_answers.pop_front();
@@ -121,7 +122,7 @@ public:
     QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList, QByteArray, CancelHandle) override
     {
         ADD_FAILURE() << "a tool that nobody expected: " << qPrintable(executable);
-        co_return failure(QStringLiteral("no tools"));
+        co_return failure(u"no tools"_s);
     }
 };
 

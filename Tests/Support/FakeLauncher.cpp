@@ -1,5 +1,7 @@
 #include "Support/FakeLauncher.h"
 
+#include "Foundation/Literals.h"
+
 #include <QJsonDocument>
 #include <gtest/gtest.h>
 
@@ -8,7 +10,7 @@ namespace corvane {
 Result<void> FakeChild::write(const QByteArray& bytes)
 {
     if (!m_running || terminated)
-        return failure(QStringLiteral("standard input is closed"));
+        return failure(u"standard input is closed"_s);
     if (!writeFailure.isEmpty())
         return failure(writeFailure);
     written += bytes;
@@ -25,8 +27,7 @@ void FakeChild::print(const QString& lines)
 
 void FakeChild::printEvent(const QJsonObject& event)
 {
-    print(
-        QStringLiteral("@@CORVANE@@") + QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact)) + u'\n');
+    print(u"@@CORVANE@@"_s + QString::fromUtf8(QJsonDocument(event).toJson(QJsonDocument::Compact)) + u'\n');
 }
 
 void FakeChild::exit(int code)
@@ -66,7 +67,7 @@ Result<std::shared_ptr<ChildProcess>> FakeLauncher::start(const ProcessSpec& spe
 {
     if (m_script.empty()) {
         ADD_FAILURE() << "a launch that nobody expected: " << qPrintable(spec.arguments.join(u' '));
-        return failure(QStringLiteral("the script has run out"));
+        return failure(u"the script has run out"_s);
     }
     const Launch launch = m_script.front();
     m_script.pop_front();

@@ -1,5 +1,7 @@
 #include "Support/LoopbackWeb.h"
 
+#include "Foundation/Literals.h"
+
 #include <QJsonDocument>
 #include <QTcpSocket>
 #include <QTimer>
@@ -84,7 +86,7 @@ void LoopbackWeb::read(QTcpSocket* socket)
 
 QString LoopbackWeb::base() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort());
+    return u"http://127.0.0.1:%1"_s.arg(m_server.serverPort());
 }
 
 void LoopbackWeb::answer(const QString& path, const Answer& answer)

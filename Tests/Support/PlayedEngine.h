@@ -3,6 +3,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Notifications/Notifier.h"
@@ -36,7 +37,7 @@ public:
     {
         QDir().mkpath(engineDir(m_paths));
         m_account.id = QUuid::createUuid();
-        m_account.slug = QStringLiteral("main");
+        m_account.slug = u"main"_s;
         if (!launcher)
             m_engines.start(m_account);
     }
@@ -47,7 +48,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(QStringLiteral("defaults.ini")),
+    AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(u"defaults.ini"_s),
         QStringLiteral(CORVANE_SOURCE) };
     PlayedLauncher m_played;
     Account m_account;

@@ -1,5 +1,6 @@
 #include "Support/PrivateBus.h"
 
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 
 #include <QCoreApplication>
@@ -15,22 +16,20 @@ namespace corvane {
 
 PrivateBus::PrivateBus()
 {
-    QFile configuration(m_folder.filePath(QStringLiteral("bus.conf")));
+    QFile configuration(m_folder.filePath(u"bus.conf"_s));
     if (!configuration.open(QIODevice::WriteOnly))
         return;
-    configuration.write(QStringLiteral("<busconfig><type>session</type><listen>unix:dir=%1</listen>"
-                                       "<policy context=\"default\"><allow send_destination=\"*\" "
-                                       "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/>"
-                                       "</policy></busconfig>")
-            .arg(m_folder.path())
-            .toUtf8());
+    configuration.write(u"<busconfig><type>session</type><listen>unix:dir=%1</listen>"
+                        "<policy context=\"default\"><allow send_destination=\"*\" "
+                        "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/>"
+                        "</policy></busconfig>"_s.arg(m_folder.path())
+                            .toUtf8());
     configuration.close();
     m_daemon.setStandardErrorFile(QProcess::nullDevice());
     // A test that crashes leaves no daemon behind.
     m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    m_daemon.start(QStringLiteral("dbus-daemon"),
-        { QStringLiteral("--nofork"), QStringLiteral("--print-address"), QStringLiteral("--config-file"),
-            configuration.fileName() });
+    m_daemon.start(
+        u"dbus-daemon"_s, { u"--nofork"_s, u"--print-address"_s, u"--config-file"_s, configuration.fileName() });
     while (!m_daemon.canReadLine() && m_daemon.waitForReadyRead(10'000)) { }
     m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
     EXPECT_FALSE(m_address.isEmpty()) << "dbus-daemon did not come up";
@@ -58,8 +57,8 @@ void PrivateBus::disconnect(const QDBusConnection& client)
 void PrivateBus::settle()
 {
     // The bus keeps the order of what it passes on, so an answer of its own comes after what was sent before.
-    const auto ping = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-        QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+    const auto ping
+        = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
     for (int round = 0; round < 3; ++round) {
         for (const QString& client : std::as_const(m_clients)) {
             const QDBusPendingCallWatcher answer(QDBusConnection(client).asyncCall(ping));
@@ -77,7 +76,7 @@ void PrivateBus::stop()
 
 QDBusConnection noBus()
 {
-    return QDBusConnection(QStringLiteral("no bus"));
+    return QDBusConnection(u"no bus"_s);
 }
 
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Core/LocalDB.h"
@@ -44,16 +45,16 @@ protected:
     /// The rows of a query, columns joined by "|", NULL as "-".
     QStringList table(const QString& sql, const QList<SqlValue>& parameters = {})
     {
-        const auto columns = static_cast<int>(sql.section(QStringLiteral(" FROM "), 0, 0).count(u',')) + 1;
+        const auto columns = static_cast<int>(sql.section(u" FROM "_s, 0, 0).count(u',')) + 1;
         return m_db->rows(sql, parameters, [&](const SqlRow& row) {
             QStringList values;
             for (int column = 0; column < columns; ++column)
-                values.append(row.optionalText(column).value_or(QStringLiteral("-")));
+                values.append(row.optionalText(column).value_or(u"-"_s));
             return values.join(u'|');
         });
     }
 
-    QString cell(const QString& sql) { return m_db->scalar(sql).value_or(QStringLiteral("-")); }
+    QString cell(const QString& sql) { return m_db->scalar(sql).value_or(u"-"_s); }
 
     TemporaryHome m_home;
     LogCapture m_log;

@@ -1,4 +1,5 @@
 #include "Support/TemporaryHome.h"
+#include "Foundation/Literals.h"
 #include "Support/Places.h"
 
 #include <QDir>
@@ -13,22 +14,22 @@ namespace {
 /// In memory where the machine has such a folder: a test does not wait for a disk.
 QString memoryOrTemporaryFolder()
 {
-    const QFileInfo memory(QStringLiteral("/dev/shm"));
+    const QFileInfo memory(u"/dev/shm"_s);
     return memory.isDir() && memory.isWritable() ? memory.filePath() : QDir::tempPath();
 }
 
 }
 
 TemporaryHome::TemporaryHome()
-    : m_folder(QStringLiteral("%1/corvane-test-XXXXXX").arg(memoryOrTemporaryFolder()))
+    : m_folder(u"%1/corvane-test-XXXXXX"_s.arg(memoryOrTemporaryFolder()))
 {
     m_paths.home = m_folder.path();
-    m_paths.applicationSupport = m_folder.filePath(QStringLiteral("share/Corvane"));
-    m_paths.defaultsFile = m_folder.filePath(QStringLiteral("config/Corvane/defaults.ini"));
-    m_paths.resources = m_folder.filePath(QStringLiteral("resources"));
-    QDir(m_paths.resources).mkpath(QStringLiteral("engine/src"));
-    QDir(m_folder.path()).mkpath(QStringLiteral("config/Corvane"));
-    QFile::link(QStringLiteral(CORVANE_SOURCE "/local-schema"), m_paths.resources + QStringLiteral("/local-schema"));
+    m_paths.applicationSupport = m_folder.filePath(u"share/Corvane"_s);
+    m_paths.defaultsFile = m_folder.filePath(u"config/Corvane/defaults.ini"_s);
+    m_paths.resources = m_folder.filePath(u"resources"_s);
+    QDir(m_paths.resources).mkpath(u"engine/src"_s);
+    QDir(m_folder.path()).mkpath(u"config/Corvane"_s);
+    QFile::link(QStringLiteral(CORVANE_SOURCE "/local-schema"), m_paths.resources + u"/local-schema"_s);
 }
 
 void TemporaryHome::write(const QString& relative, const QByteArray& content) const

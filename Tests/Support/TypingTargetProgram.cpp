@@ -21,9 +21,9 @@ int main(int argc, char** argv)
     if (const qsizetype copies = arguments.indexOf("--copies"); copies > 0)
         QGuiApplication::clipboard()->setText(QString(arguments.value(copies + 1).toInt(), 'x'));
     QObject::connect(&line, &QLineEdit::textChanged, &line,
-        [&](const QString& text) { print(QString("%1 %2").arg(text.size()).arg(text.right(20))); });
+        [&](const QString& text) { print(u"%1 %2"_s.arg(text.size()).arg(text.right(20))); });
     QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, &line,
-        [&] { print(QString("clipboard %1").arg(QGuiApplication::clipboard()->text().size())); });
+        [&] { print(u"clipboard %1"_s.arg(QGuiApplication::clipboard()->text().size())); });
     QObject::connect(&application, &QGuiApplication::applicationStateChanged, &line, [&](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive)
             print("ready");

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
@@ -14,8 +15,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

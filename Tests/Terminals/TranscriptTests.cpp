@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/Print.h"
 #include "Terminals/Redaction.h"
 #include "Terminals/TerminalTranscriptBuffer.h"
@@ -5,8 +6,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 TEST(Transcript, theLastCharactersStayWhateverCameBeforeThem)
 {

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/WaitingItems.h"

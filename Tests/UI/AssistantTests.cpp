@@ -1,4 +1,5 @@
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Models/LoopbackLanguageModel.h"
 #include "Support/Await.h"
 #include "Support/LoopbackWeb.h"

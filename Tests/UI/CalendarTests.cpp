@@ -1,11 +1,10 @@
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"

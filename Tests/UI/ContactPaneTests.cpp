@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/People/ContactInfo.h"
 #include "WindowTest.h"
 

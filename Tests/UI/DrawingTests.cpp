@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
 #include "UI/Controls/WindowLayout.h"
@@ -7,8 +8,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "UI/WindowTest.h"
 
 #include <QTest>

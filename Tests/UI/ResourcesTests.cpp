@@ -1,4 +1,5 @@
 #include "Desk/ResourceMonitor.h"
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 #include "UI/PanelWindow.h"
 #include "UI/WindowTest.h"

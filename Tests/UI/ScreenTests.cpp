@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Core/StoreHealth.h"
 #include "Support/Await.h"
 #include "Support/Environment.h"

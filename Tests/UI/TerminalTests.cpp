@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/Terminals/TerminalKeys.h"

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Support/DemoWeb.h"
 #include "UI/WindowTest.h"
 
@@ -47,7 +48,7 @@ TEST_F(WebWindow, aPersonSignsInSeesTheWorkspacesReviewsAndPushesAChat)
     click(u"pushSheet.push"_s);
     ASSERT_TRUE(await([&] { return !web.push.isRunning() && !web.push.isLookingUp(); }));
     rest();
-    EXPECT_TRUE(service.counts().contains(QStringLiteral(" %1 ").arg(due - 1))) << service.counts().toStdString();
+    EXPECT_TRUE(service.counts().contains(u" %1 "_s.arg(due - 1))) << service.counts().toStdString();
     EXPECT_TRUE(item(u"push.state"_s)->property("text").toString().startsWith("Synced"));
     EXPECT_NE(findItem(u"push.release.0"_s), nullptr);
     service.plan("messages=stall");

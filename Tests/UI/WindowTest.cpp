@@ -1,5 +1,6 @@
 #include "UI/WindowTest.h"
 
+#include "Foundation/Literals.h"
 #include "Support/Await.h"
 
 #include <QQmlComponent>

@@ -5,6 +5,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Core/LocalDB.h"
@@ -19,8 +20,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 /// Collects what Qt and QML warn of in place of standard error. Nothing in the window may warn.
 class Warnings {

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Voice/DictationAnywhere.h"
 
 #include "Foundation/UserDefaults.h"
@@ -17,8 +18,6 @@
 #include <QFileInfo>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// The first words of the sentence, for who does not care.

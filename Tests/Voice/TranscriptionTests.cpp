@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/ProcessLauncher.h"
@@ -15,7 +16,6 @@
 #include <gtest/gtest.h>
 
 using namespace corvane;
-using namespace Qt::StringLiterals;
 using Kind = SpeechTranscriberError::Kind;
 
 namespace {
@@ -121,7 +121,7 @@ TEST_F(Transcription, aModelIsTakenBeforeTheBasicRecogniserAndItsFailureAfter)
     const auto outcome = transcribe({ .audioPath = spoken, .locale = u"de"_s });
     ASSERT_TRUE(outcome) << qPrintable(describe(outcome.error()));
     EXPECT_EQ(outcome->model, model);
-    EXPECT_EQ(outcome->text, QLatin1String(heardWord));
+    EXPECT_EQ(outcome->text, QLatin1StringView(heardWord));
 
     // A model that went bad after it was installed.
     install(file.left(file.size() / 2));

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Voice/TranslationService.h"
 
 #include "Support/FakeLanguageModel.h"
@@ -60,9 +61,9 @@ TEST_F(TranslationServiceTest, languagesAreKnownByNameOrCode)
 {
     for (const QString& name : TranslationService::languages())
         EXPECT_TRUE(TranslationService::language(name)) << qPrintable(name);
-    EXPECT_EQ(TranslationService::language(" Bengali "), QString("bn"));
-    EXPECT_EQ(TranslationService::language("bahasa indonesia"), QString("id"));
-    EXPECT_EQ(TranslationService::language("pt-BR"), QString("pt-br"));
+    EXPECT_EQ(TranslationService::language(" Bengali "), u"bn"_s);
+    EXPECT_EQ(TranslationService::language("bahasa indonesia"), u"id"_s);
+    EXPECT_EQ(TranslationService::language("pt-BR"), u"pt-br"_s);
     EXPECT_FALSE(TranslationService::language(""));
     EXPECT_FALSE(TranslationService::language("xx-yy"));
 }

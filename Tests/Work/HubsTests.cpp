@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Work/CXHub.h"
 #include "Work/GTMHub.h"
 #include "Work/LumoHub.h"

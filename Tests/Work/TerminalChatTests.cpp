@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Work/OpsAsks.h"
 #include "Work/WorkTerminalChat.h"
 #include "WorkTest.h"

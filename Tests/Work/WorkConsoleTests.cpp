@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Work/WorkCreateFlows.h"
 #include "Work/WorkExport.h"
 #include "Work/WorkLanes.h"

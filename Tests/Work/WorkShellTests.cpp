@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/OpsHub.h"
 #include "WorkTest.h"
@@ -250,7 +251,7 @@ TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
     EXPECT_EQ(lane(4), QStringList("Without a title")) << "a row without a context, a title and a status";
     for (const char* name : { "work_context", "work_item", "work_decision", "work_evidence", "work_message",
              "work_agent", "work_session", "work_memory", "ask", "project" })
-        m_db->exec(u"DROP TABLE %1;"_s.arg(QLatin1String(name)));
+        m_db->exec(u"DROP TABLE %1;"_s.arg(QLatin1StringView(name)));
     shell.refresh();
     EXPECT_EQ(shell.contextsEmpty(), "No processes yet");
     EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");

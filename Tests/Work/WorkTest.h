@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Work/OpsRecords.h"
 #include "Store/Work/WorkWrites.h"
 #include "Support/FakeLanguageModel.h"
@@ -7,8 +8,6 @@
 #include "Work/WorkServices.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 /// The room over a real database, a clock that is moved by hand, and an assistant that a test answers for.
 class WorkTest : public StoreTest {

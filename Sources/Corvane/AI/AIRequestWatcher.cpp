@@ -1,6 +1,7 @@
 #include "AI/AIRequestWatcher.h"
 
 #include "AI/LumoAI.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Store/Assistant/AIRequestQueries.h"
 #include "Store/Core/LocalDB.h"
@@ -21,8 +22,7 @@ QCoro::Task<Result<QString>> generate(LumoAI& ai, AIRequest request, CancelHandl
     if (ai.availableName())
         co_return co_await ai.respond(request.instructions, request.prompt, cancel);
     const auto appeared = ai.availableName();
-    co_return failure(
-        appeared ? *appeared + QStringLiteral(" unavailable") : QStringLiteral("No LumoAI backend available."));
+    co_return failure(appeared ? *appeared + u" unavailable"_s : u"No LumoAI backend available."_s);
 }
 
 }
@@ -31,8 +31,7 @@ AIRequestWatcher::AIRequestWatcher(LocalDB& db, LumoAI& ai, Scheduler& scheduler
     : m_db(db)
     , m_ai(ai)
     , m_scheduler(scheduler)
-    , m_claimOwner(QStringLiteral("Corvane:%1:%2")
-              .arg(QCoreApplication::applicationPid())
+    , m_claimOwner(u"Corvane:%1:%2"_s.arg(QCoreApplication::applicationPid())
               .arg(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper()))
 {
 }

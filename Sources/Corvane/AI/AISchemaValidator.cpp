@@ -1,5 +1,7 @@
 #include "AI/AISchemaValidator.h"
 
+#include "Foundation/Literals.h"
+
 #include <QRegularExpression>
 #include <algorithm>
 #include <array>
@@ -26,13 +28,13 @@ QString describe(AISchemaValidatorError error, const QString& fact)
 {
     switch (error) {
     case AISchemaValidatorError::QuotedFactChanged:
-        return QStringLiteral("The rewrite changed quoted client text: \"%1\".").arg(fact);
+        return u"The rewrite changed quoted client text: \"%1\"."_s.arg(fact);
     case AISchemaValidatorError::EmptyDraft:
-        return QStringLiteral("LumoAI returned an empty draft.");
+        return u"LumoAI returned an empty draft."_s;
     case AISchemaValidatorError::MalformedResponse:
-        return QStringLiteral("LumoAI response was not a valid draft shape.");
+        return u"LumoAI response was not a valid draft shape."_s;
     case AISchemaValidatorError::SendSideEffectRequested:
-        return QStringLiteral("LumoAI tried to mark the draft as sent. Drafts cannot send themselves.");
+        return u"LumoAI tried to mark the draft as sent. Drafts cannot send themselves."_s;
     }
     Q_UNREACHABLE();
 }
@@ -48,7 +50,7 @@ Result<AIStructuredDraftResponse> validateDraftResponse(
         return failure(describe(AISchemaValidatorError::SendSideEffectRequested));
     fillIfBlank(metadata.intent, expected.intent);
     fillIfBlank(metadata.tone, expected.tone);
-    fillIfBlank(metadata.language, QStringLiteral("unknown"));
+    fillIfBlank(metadata.language, u"unknown"_s);
     metadata.confidence = std::clamp(metadata.confidence, 0.0, 1.0);
     if (metadata.usedMessageLabels.isEmpty())
         metadata.usedMessageLabels = expected.fallbackLabels;
@@ -61,9 +63,8 @@ Result<AIStructuredDraftResponse> validateDraftResponse(
 
 QStringList quotedFacts(const QString& text)
 {
-    static const std::array patterns { QRegularExpression(QStringLiteral("\"([^\"]+)\"")),
-        QRegularExpression(QStringLiteral("\u201C([^\u201D]+)\u201D")),
-        QRegularExpression(QStringLiteral("'([^']+)'")) };
+    static const std::array patterns { QRegularExpression(u"\"([^\"]+)\""_s),
+        QRegularExpression(u"\u201C([^\u201D]+)\u201D"_s), QRegularExpression(u"'([^']+)'"_s) };
     QStringList facts;
     for (const QRegularExpression& pattern : patterns) {
         for (const QRegularExpressionMatch& match : pattern.globalMatch(text))

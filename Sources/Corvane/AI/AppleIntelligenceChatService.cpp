@@ -1,5 +1,6 @@
 #include "AI/AppleIntelligenceChatService.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Platform/MachineFacts.h"
 
@@ -7,8 +8,7 @@ namespace corvane {
 
 QString describe(AppleAIError)
 {
-    return QStringLiteral("There is no model on %1 — falling back requires the codex CLI.")
-        .arg(machineWords::thisMachine);
+    return u"There is no model on %1 — falling back requires the codex CLI."_s.arg(machineWords::thisMachine);
 }
 
 AppleIntelligenceChatService::AppleIntelligenceChatService(SystemLanguageModel& model, const MachineFacts& machine)
@@ -25,7 +25,7 @@ bool AppleIntelligenceChatService::platformIsTooOld() const
 std::optional<QString> AppleIntelligenceChatService::unavailableReason() const
 {
     if (platformIsTooOld())
-        return QStringLiteral("Requires a newer system.");
+        return u"Requires a newer system."_s;
     return m_model.unavailableReason();
 }
 

@@ -1,10 +1,9 @@
 #include "AI/AskLumo.h"
 
 #include "AI/LumoAI.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "AI/CLIChatService.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/MachineWords.h"
 #include "Platform/ToolRunner.h"
@@ -28,8 +29,8 @@ std::optional<QString> decodedUtf8(const QByteArray& bytes)
 class AnswerFile {
 public:
     explicit AnswerFile(const QString& folder)
-        : m_path(folder + QStringLiteral("/corvane-cli-draft-")
-              + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".txt"))
+        : m_path(folder + u"/corvane-cli-draft-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper()
+              + u".txt"_s)
     {
     }
     ~AnswerFile() { QFile::remove(m_path); }
@@ -61,14 +62,13 @@ private:
 QString describe(CLIChatError error, const QString& detail)
 {
     return error == CLIChatError::Failed
-        ? QStringLiteral("Codex CLI draft failed: ") + detail
-        : QStringLiteral("Codex CLI not found — install the codex CLI or choose %1.").arg(machineWords::localModel);
+        ? u"Codex CLI draft failed: "_s + detail
+        : u"Codex CLI not found — install the codex CLI or choose %1."_s.arg(machineWords::localModel);
 }
 
 QStringList codexCandidates(const QString& home)
 {
-    return { home + QStringLiteral("/.npm-global/bin/codex"), QStringLiteral("/opt/homebrew/bin/codex"),
-        QStringLiteral("/usr/local/bin/codex") };
+    return { home + u"/.npm-global/bin/codex"_s, u"/opt/homebrew/bin/codex"_s, u"/usr/local/bin/codex"_s };
 }
 
 CLIChatService::CLIChatService(ToolRunner& tools, const QStringList& candidates)
@@ -94,26 +94,24 @@ QCoro::Task<Result<QString>> CLIChatService::respond(QString instructions, QStri
 
     const QString folder = QDir::tempPath();
     const AnswerFile answer(folder);
-    const QStringList arguments { QStringLiteral("exec"), QStringLiteral("-s"), QStringLiteral("read-only"),
-        QStringLiteral("--skip-git-repo-check"), QStringLiteral("-C"), folder, QStringLiteral("--output-last-message"),
-        answer.path(), QStringLiteral("-") };
+    const QStringList arguments { u"exec"_s, u"-s"_s, u"read-only"_s, u"--skip-git-repo-check"_s, u"-C"_s, folder,
+        u"--output-last-message"_s, answer.path(), u"-"_s };
     // Not as an argument: those are short, and other users of the machine can read them.
-    const QByteArray input = (instructions + QStringLiteral("\n\n") + prompt).toUtf8();
+    const QByteArray input = (instructions + u"\n\n"_s + prompt).toUtf8();
     const Result<ToolEnd> end = co_await m_tools.run(*codex, arguments, input, cancel);
     if (!end)
         co_return std::unexpected(end.error());
 
     const QString status = QString::number(end->status);
     if (!end->isSuccess()) {
-        log(QStringLiteral("[CLIChatService] codex exec exit %1: %2")
-                .arg(status, decodedUtf8(end->errors).value_or(QString())));
+        log(u"[CLIChatService] codex exec exit %1: %2"_s.arg(status, decodedUtf8(end->errors).value_or(QString())));
     } else if (answer.isFile()) {
         if (answer.isTooLarge())
-            co_return failure(describe(CLIChatError::Failed, QStringLiteral("the answer is larger than 4 MB")));
+            co_return failure(describe(CLIChatError::Failed, u"the answer is larger than 4 MB"_s));
         if (const auto text = answer.text())
             co_return *text;
     }
-    co_return failure(describe(CLIChatError::Failed, QStringLiteral("exit ") + status));
+    co_return failure(describe(CLIChatError::Failed, u"exit "_s + status));
 }
 
 }

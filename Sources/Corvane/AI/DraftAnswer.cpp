@@ -1,6 +1,7 @@
 #include "AI/DraftAnswer.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 namespace corvane {
@@ -11,14 +12,14 @@ constexpr int repairLimit = 4000;
 
 std::optional<AIDraftResponseMetadata> decodedMetadata(const QJsonObject& object)
 {
-    const auto intent = textValue(object, QLatin1StringView("intent"));
-    const auto tone = textValue(object, QLatin1StringView("tone"));
-    const auto language = textValue(object, QLatin1StringView("language"));
-    const QJsonValue confidence = object.value(QLatin1StringView("confidence"));
-    const auto labels = textsValue(object, QLatin1StringView("used_message_labels"));
-    const auto noteIds = textsValue(object, QLatin1StringView("used_note_ids"));
-    const auto warnings = textsValue(object, QLatin1StringView("warnings"));
-    const QJsonValue sends = object.value(QLatin1StringView("send_side_effect"));
+    const auto intent = textValue(object, "intent"_L1);
+    const auto tone = textValue(object, "tone"_L1);
+    const auto language = textValue(object, "language"_L1);
+    const QJsonValue confidence = object.value("confidence"_L1);
+    const auto labels = textsValue(object, "used_message_labels"_L1);
+    const auto noteIds = textsValue(object, "used_note_ids"_L1);
+    const auto warnings = textsValue(object, "warnings"_L1);
+    const QJsonValue sends = object.value("send_side_effect"_L1);
     if (!intent || !tone || !language || !confidence.isDouble() || !labels || !noteIds || !warnings || !sends.isBool())
         return std::nullopt;
     return AIDraftResponseMetadata { *intent, *tone, *language, confidence.toDouble(), *labels, *noteIds, *warnings,
@@ -31,8 +32,8 @@ std::optional<AIStructuredDraftResponse> decodedDraft(const QString& text)
     const auto object = jsonObject(text.toUtf8());
     if (!object)
         return std::nullopt;
-    const auto draft = textValue(*object, QLatin1StringView("draft"));
-    const auto metadata = decodedMetadata(object->value(QLatin1StringView("metadata")).toObject());
+    const auto draft = textValue(*object, "draft"_L1);
+    const auto metadata = decodedMetadata(object->value("metadata"_L1).toObject());
     if (!draft || !metadata)
         return std::nullopt;
     return AIStructuredDraftResponse { *draft, *metadata };
@@ -55,11 +56,11 @@ Result<AIStructuredDraftResponse> parseDraftAnswer(const QString& answer, const 
     const AIDraftResponseMetadata metadata {
         .intent = expected.intent,
         .tone = expected.tone,
-        .language = QStringLiteral("unknown"),
+        .language = u"unknown"_s,
         .confidence = 0.35,
         .usedMessageLabels = expected.fallbackLabels,
         .usedNoteIds = {},
-        .warnings = { QStringLiteral("Model returned plain text; Corvane repaired it into a draft schema.") },
+        .warnings = { u"Model returned plain text; Corvane repaired it into a draft schema."_s },
     };
     return validateDraftResponse({ text, metadata }, expected);
 }
@@ -87,7 +88,7 @@ std::optional<QString> extractJSONObject(const QString& text)
 
 QString stripCodeFence(const QString& text)
 {
-    const QString fence = QStringLiteral("```");
+    const QString fence = u"```"_s;
     QString inside = text.trimmed();
     if (!inside.startsWith(fence))
         return inside;

@@ -1,5 +1,6 @@
 #include "AI/DraftContext.h"
 
+#include "Foundation/Literals.h"
 #include "Store/People/IdentityQueries.h"
 
 namespace corvane {
@@ -31,7 +32,7 @@ QList<UnifiedMsgRow> draftThread(LocalDB& db, const QString& contactId)
 
 QString defaultDraftStyle()
 {
-    return QStringLiteral("Warm, concise, grounded, natural");
+    return u"Warm, concise, grounded, natural"_s;
 }
 
 }

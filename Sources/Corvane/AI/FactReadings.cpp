@@ -1,5 +1,6 @@
 #include "AI/FactReadings.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QHash>
@@ -120,7 +121,7 @@ QList<double> numberValues(const QString& digits)
     if (digits.size() - std::max(comma, point) != 4)
         return { decimal };
     const double grouped = valueOf(digits, u' ');
-    return digits.endsWith(QLatin1StringView("000")) ? QList { grouped } : QList { grouped, decimal };
+    return digits.endsWith("000"_L1) ? QList { grouped } : QList { grouped, decimal };
 }
 
 std::optional<int> monthNumber(const QString& word)
@@ -171,10 +172,9 @@ QString unitOf(const QString& word)
 double scaleOf(const QString& word)
 {
     const QString lower = word.toLower();
-    if (lower == QLatin1StringView("k") || lower.startsWith(QLatin1StringView("tsd"))
-        || lower == QLatin1StringView("thousand") || lower == QLatin1StringView("tausend"))
+    if (lower == "k"_L1 || lower.startsWith("tsd"_L1) || lower == "thousand"_L1 || lower == "tausend"_L1)
         return 1000;
-    return lower.startsWith(QLatin1StringView("mi")) ? 1'000'000 : 1;
+    return lower.startsWith("mi"_L1) ? 1'000'000 : 1;
 }
 
 }

@@ -1,6 +1,7 @@
 #include "AI/FactScanner.h"
 
 #include "AI/FactReadings.h"
+#include "Foundation/Literals.h"
 
 #include <QDate>
 #include <QRegularExpression>
@@ -57,7 +58,7 @@ void qualify(Fact& fact, const QString& value, const QString& qualifier)
 
 QString withoutFrame(QString address)
 {
-    static const QRegularExpression scheme(QStringLiteral("^(?:https?://)?(?:www\\.)?"));
+    static const QRegularExpression scheme(u"^(?:https?://)?(?:www\\.)?"_s);
     return address.toLower().remove(scheme);
 }
 
@@ -96,8 +97,8 @@ void addDate(Fact& fact, int day, int month, const QString& year)
 {
     if (day < 1 || month < 1 || day > 31 || month > 12)
         return;
-    const QString fullYear = year.size() == 2 ? QStringLiteral("20") + year : year;
-    qualify(fact, key(u'd', QStringLiteral("%1-%2").arg(month).arg(day)), fullYear);
+    const QString fullYear = year.size() == 2 ? u"20"_s + year : year;
+    qualify(fact, key(u'd', u"%1-%2"_s.arg(month).arg(day)), fullYear);
     fact.states << key(u'm', month) << key(u'n', day) << key(u'n', fullYear);
     const QDate date(fullYear.toInt(), month, day);
     if (!fullYear.isEmpty() && date.isValid())
@@ -129,7 +130,7 @@ std::optional<Fact> readTime(const Match& match)
     fact.needs = timeKeys(hour, match.captured(2).toInt(), match.captured(3));
     fact.states = fact.needs;
     fact.states << key(u'n', hour) << key(u'n', (hour + 11) % 12 + 1);
-    if (match.captured(3) == QLatin1StringView("h")) // "2h" may be how long
+    if (match.captured(3) == "h"_L1) // "2h" may be how long
         fact.needs << key(u'n', hour);
     return orNothing(fact);
 }
@@ -140,7 +141,7 @@ std::optional<Fact> readStamp(const Match& match)
     Fact fact;
     addDate(fact, match.captured(3).toInt(), match.captured(2).toInt(), match.captured(1));
     fact.states.removeIf([](const QString& each) { return each.startsWith(u'n') || each.startsWith(u'w'); });
-    fact.states += timeKeys(match.captured(4).toInt(), match.captured(5).toInt(), QStringLiteral("a"));
+    fact.states += timeKeys(match.captured(4).toInt(), match.captured(5).toInt(), u"a"_s);
     return orNothing(fact);
 }
 
@@ -216,11 +217,11 @@ std::optional<Fact> readCode(const Match& match)
 
 std::optional<Fact> readNumber(const Match& match)
 {
-    const QString before = unitOf(match.captured(QStringLiteral("before")));
-    const QString unit = before.isEmpty() ? unitOf(match.captured(QStringLiteral("after"))) : before;
-    const double scale = scaleOf(match.captured(QStringLiteral("scale")));
-    const QString digits = match.captured(QStringLiteral("digits"));
-    const QString clock = match.captured(QStringLiteral("clock"));
+    const QString before = unitOf(match.captured(u"before"_s));
+    const QString unit = before.isEmpty() ? unitOf(match.captured(u"after"_s)) : before;
+    const double scale = scaleOf(match.captured(u"scale"_s));
+    const QString digits = match.captured(u"digits"_s);
+    const QString clock = match.captured(u"clock"_s);
     Fact fact { match.captured().sliced(clock.size()).trimmed(), 0, {}, {} };
     for (const double value : numberValues(digits))
         qualify(fact, key(u'n', QString::number(value * scale, 'g', 15)), unit);
@@ -242,57 +243,45 @@ const QList<Pattern>& patterns()
 {
     static const QList<Pattern> all = [] {
         const QString months = monthPattern();
-        const QString year = QStringLiteral("(?:,?\\s+(?:de\\s+)?((?:19|20)\\d\\d)\\b)?");
-        const QString unit = QStringLiteral("€|US\\$|\\$|£|¥|EUR\\b|USD\\b|GBP\\b|CHF\\b");
+        const QString year = u"(?:,?\\s+(?:de\\s+)?((?:19|20)\\d\\d)\\b)?"_s;
+        const QString unit = u"€|US\\$|\\$|£|¥|EUR\\b|USD\\b|GBP\\b|CHF\\b"_s;
         return QList<Pattern> {
-            { expression(QStringLiteral("(?<![\\w.+-])[\\w.+-]++@([\\w-]+(?:\\.[\\w-]+)+)")), readMail },
-            { expression(QStringLiteral(
-                  "(?<!\\w)(?:https?://|www\\.)[^\\s<>\"'\u201C\u201D)\\]]*[^\\s<>\"'\u201C\u201D)\\].,;:!?]")),
-                readUrl },
+            { expression(u"(?<![\\w.+-])[\\w.+-]++@([\\w-]+(?:\\.[\\w-]+)+)"_s), readMail },
             { expression(
-                  QStringLiteral("(?<![\\w.-])(?:[a-z0-9-]++\\.)+[a-z]{2,}/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?]")),
+                  u"(?<!\\w)(?:https?://|www\\.)[^\\s<>\"'\u201C\u201D)\\]]*[^\\s<>\"'\u201C\u201D)\\].,;:!?]"_s),
                 readUrl },
-            { expression(
-                  QStringLiteral("(?<![\\w.-])(?:[a-z0-9-]++\\.)+(?:com|org|net|info|io|eu|de|fr|es|ch|nl|uk|biz|"
-                                 "app|dev|example|shop)\\b(?:/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?])?")),
+            { expression(u"(?<![\\w.-])(?:[a-z0-9-]++\\.)+[a-z]{2,}/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?]"_s),
                 readUrl },
-            { expression(QStringLiteral("\\b(\\d{4})-(\\d\\d)-(\\d\\d)T(\\d\\d):(\\d\\d):\\d\\dZ")), readStamp },
-            { expression(QStringLiteral("\\b(\\d{4})-(\\d\\d)-(\\d\\d)\\b")), readIsoDate },
-            { expression(QStringLiteral("\\b(\\d{1,2})[./-](\\d{1,2})[./-](\\d{4}|\\d\\d)\\b")), readNumericDate },
-            { expression(QStringLiteral("(?<![\\w$€£])(\\d{1,2})\\.\\s?(\\d{1,2})\\.(?!\\d)")), readDottedDate },
-            { expression(QStringLiteral("\\b(?!24/7)(\\d{1,2})/(\\d{1,2})\\b")), readNumericDate },
-            { expression(
-                  QStringLiteral("\\b(\\d{1,2})(?:st|nd|rd|th|er|\\.)?\\s+(?:of\\s+|de\\s+)?(%1)\\b\\.?").arg(months)
-                  + year),
+            { expression(u"(?<![\\w.-])(?:[a-z0-9-]++\\.)+(?:com|org|net|info|io|eu|de|fr|es|ch|nl|uk|biz|"
+                         "app|dev|example|shop)\\b(?:/[^\\s<>\"')\\]]*[^\\s<>\"')\\].,;:!?])?"_s),
+                readUrl },
+            { expression(u"\\b(\\d{4})-(\\d\\d)-(\\d\\d)T(\\d\\d):(\\d\\d):\\d\\dZ"_s), readStamp },
+            { expression(u"\\b(\\d{4})-(\\d\\d)-(\\d\\d)\\b"_s), readIsoDate },
+            { expression(u"\\b(\\d{1,2})[./-](\\d{1,2})[./-](\\d{4}|\\d\\d)\\b"_s), readNumericDate },
+            { expression(u"(?<![\\w$€£])(\\d{1,2})\\.\\s?(\\d{1,2})\\.(?!\\d)"_s), readDottedDate },
+            { expression(u"\\b(?!24/7)(\\d{1,2})/(\\d{1,2})\\b"_s), readNumericDate },
+            { expression(u"\\b(\\d{1,2})(?:st|nd|rd|th|er|\\.)?\\s+(?:of\\s+|de\\s+)?(%1)\\b\\.?"_s.arg(months) + year),
                 readDayMonth },
-            { expression(
-                  QStringLiteral("\\b(%1)\\.?\\s+(?:the\\s+)?(\\d{1,2})(?:st|nd|rd|th)?\\b(?![:.]\\d)").arg(months)
-                  + year),
+            { expression(u"\\b(%1)\\.?\\s+(?:the\\s+)?(\\d{1,2})(?:st|nd|rd|th)?\\b(?![:.]\\d)"_s.arg(months) + year),
                 readMonthDay },
-            { expression(QStringLiteral("\\b(%1)\\.?\\s+((?:19|20)\\d\\d)\\b").arg(months)), readMonth },
-            { expression(QStringLiteral("\\b(?:in|by|until|till|of|early|mid|late|since|from|for|next|this|last|im|"
-                                        "anfang|mitte|ende|bis|ab|seit|en|fin|début|à)[ -](%1)\\b")
-                      .arg(months)),
+            { expression(u"\\b(%1)\\.?\\s+((?:19|20)\\d\\d)\\b"_s.arg(months)), readMonth },
+            { expression(u"\\b(?:in|by|until|till|of|early|mid|late|since|from|for|next|this|last|im|"
+                         "anfang|mitte|ende|bis|ab|seit|en|fin|début|à)[ -](%1)\\b"_s.arg(months)),
                 readMonth },
-            { expression(QStringLiteral("\\b(\\d{1,2}):(\\d\\d)(?::\\d\\d)?(?:\\s?([ap]\\.?m\\b\\.?|uhr\\b))?")),
-                readTime },
-            { expression(
-                  QStringLiteral("\\b(\\d{1,2})(?:\\.(\\d\\d))?\\s?([ap]\\.?m\\b\\.?|uhr\\b|h\\b(?=\\s?\\D|$))")),
-                readTime },
-            { expression(QStringLiteral("\\b(\\d{1,2})\\s?h\\s?(\\d\\d)\\b")), readTime },
-            { expression(QStringLiteral("(?<![\\w+])(?:\\+|\\(?0)\\d[\\d\\s()/-]{5,}\\d\\b")), readPhone },
-            { expression(QStringLiteral("\\b\\p{L}++-?(\\d++)[\\w-]*")), readCode },
-            { expression(
-                  QStringLiteral("(?<clock>\\b(?:at|around|by|before|after|until|till|from|um|gegen|ab|bis|à)\\s+)?"
-                                 "(?:(?<before>%1)\\s?)?"
-                                 "(?<digits>(?<![\\w.,])\\d{1,3}(?:[.,'’\u00A0\u202F ]\\d{3})+(?:[.,]\\d{1,2})?(?!\\d)"
-                                 "|(?<![\\w])\\d+(?:[.,]\\d+)?)"
-                                 "(?:\\s?(?<scale>k|tsd\\.?|thousand|tausend|mio\\.?|million(?:s|en)?)\\b)?"
-                                 "(?:\\s?(?<after>%1|%|euros?\\b|dollars?\\b|pounds?\\b|percent\\b|prozent\\b))?")
-                      .arg(unit)),
+            { expression(u"\\b(\\d{1,2}):(\\d\\d)(?::\\d\\d)?(?:\\s?([ap]\\.?m\\b\\.?|uhr\\b))?"_s), readTime },
+            { expression(u"\\b(\\d{1,2})(?:\\.(\\d\\d))?\\s?([ap]\\.?m\\b\\.?|uhr\\b|h\\b(?=\\s?\\D|$))"_s), readTime },
+            { expression(u"\\b(\\d{1,2})\\s?h\\s?(\\d\\d)\\b"_s), readTime },
+            { expression(u"(?<![\\w+])(?:\\+|\\(?0)\\d[\\d\\s()/-]{5,}\\d\\b"_s), readPhone },
+            { expression(u"\\b\\p{L}++-?(\\d++)[\\w-]*"_s), readCode },
+            { expression(u"(?<clock>\\b(?:at|around|by|before|after|until|till|from|um|gegen|ab|bis|à)\\s+)?"
+                         "(?:(?<before>%1)\\s?)?"
+                         "(?<digits>(?<![\\w.,])\\d{1,3}(?:[.,'’\u00A0\u202F ]\\d{3})+(?:[.,]\\d{1,2})?(?!\\d)"
+                         "|(?<![\\w])\\d+(?:[.,]\\d+)?)"
+                         "(?:\\s?(?<scale>k|tsd\\.?|thousand|tausend|mio\\.?|million(?:s|en)?)\\b)?"
+                         "(?:\\s?(?<after>%1|%|euros?\\b|dollars?\\b|pounds?\\b|percent\\b|prozent\\b))?"_s.arg(unit)),
                 readNumber },
-            { expression(QStringLiteral("\\b(?:%1)\\b").arg(weekdayPattern())), readWeekday },
-            { expression(QStringLiteral("\\b(?:%1)\\b").arg(numberWordPattern())), readNumberWord },
+            { expression(u"\\b(?:%1)\\b"_s.arg(weekdayPattern())), readWeekday },
+            { expression(u"\\b(?:%1)\\b"_s.arg(numberWordPattern())), readNumberWord },
         };
     }();
     return all;
@@ -301,7 +290,7 @@ const QList<Pattern>& patterns()
 /// The numbers of a list, and what is always open.
 void blankWhatIsNoFact(QString& text)
 {
-    static const QRegularExpression expression(QStringLiteral("(?:^|\\n)[ \\t]*\\d{1,2}[.)](?=\\s)|\\b24/7\\b"));
+    static const QRegularExpression expression(u"(?:^|\\n)[ \\t]*\\d{1,2}[.)](?=\\s)|\\b24/7\\b"_s);
     for (const Match& match : expression.globalMatch(QString(text)))
         std::fill_n(text.begin() + match.capturedStart(), match.capturedLength(), u' ');
 }

@@ -1,5 +1,6 @@
 #include "AI/LocalAIAvailability.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 
 namespace corvane {
@@ -15,9 +16,9 @@ constexpr quint64 neededDiskBytes = Q_UINT64_C(1) << 31;
 LocalAIPowerSource powerSource(const QStringList& states)
 {
     for (const QString& state : states) {
-        if (state == QLatin1StringView("Battery Power"))
+        if (state == "Battery Power"_L1)
             return LocalAIPowerSource::Battery;
-        if (state == QLatin1StringView("AC Power"))
+        if (state == "AC Power"_L1)
             return LocalAIPowerSource::AcPower;
     }
     return LocalAIPowerSource::Unknown;
@@ -49,62 +50,61 @@ QString rawValue(LocalAIPowerSource source)
 {
     switch (source) {
     case LocalAIPowerSource::AcPower:
-        return QStringLiteral("acPower");
+        return u"acPower"_s;
     case LocalAIPowerSource::Battery:
-        return QStringLiteral("battery");
+        return u"battery"_s;
     case LocalAIPowerSource::Unknown:
         break;
     }
-    return QStringLiteral("unknown");
+    return u"unknown"_s;
 }
 
 QString rawValue(LocalAIStopCondition condition)
 {
     switch (condition) {
     case Condition::UnsupportedPlatform:
-        return QStringLiteral("unsupportedPlatform");
+        return u"unsupportedPlatform"_s;
     case Condition::TranslatedProcess:
-        return QStringLiteral("translatedProcess");
+        return u"translatedProcess"_s;
     case Condition::LowPowerMode:
-        return QStringLiteral("lowPowerMode");
+        return u"lowPowerMode"_s;
     case Condition::OnBattery:
-        return QStringLiteral("onBattery");
+        return u"onBattery"_s;
     case Condition::ThermalPressure:
-        return QStringLiteral("thermalPressure");
+        return u"thermalPressure"_s;
     case Condition::InsufficientMemory:
-        return QStringLiteral("insufficientMemory");
+        return u"insufficientMemory"_s;
     case Condition::DiskLow:
         break;
     }
-    return QStringLiteral("diskLow");
+    return u"diskLow"_s;
 }
 
 QString LocalAIAvailabilitySnapshot::statusText() const
 {
     if (!stopCondition)
-        return installedDefaultModel ? QStringLiteral("Ready for on-device voice.")
-                                     : atStart(machineWords::localSpeech) + QStringLiteral(" is supported.");
+        return installedDefaultModel ? u"Ready for on-device voice."_s
+                                     : atStart(machineWords::localSpeech) + u" is supported."_s;
     switch (*stopCondition) {
     case Condition::UnsupportedPlatform:
-        return atStart(machineWords::localSpeech) + QStringLiteral(" needs a newer system.");
+        return atStart(machineWords::localSpeech) + u" needs a newer system."_s;
     case Condition::TranslatedProcess:
         return atStart(machineWords::localSpeech)
-            + QStringLiteral(" needs the program that was built for this processor, not a translated one.");
+            + u" needs the program that was built for this processor, not a translated one."_s;
     case Condition::LowPowerMode:
-        return machineWords::powerSaving + QStringLiteral(" is on. Local AI is paused.");
+        return machineWords::powerSaving + u" is on. Local AI is paused."_s;
     case Condition::OnBattery:
         return atStart(machineWords::thisMachine)
-            + QStringLiteral(" is on battery. Connect power before running local transcription.");
+            + u" is on battery. Connect power before running local transcription."_s;
     case Condition::ThermalPressure:
-        return QStringLiteral("Thermal pressure is high. Local AI is paused until the %1 cools down.")
-            .arg(machineWords::machine);
+        return u"Thermal pressure is high. Local AI is paused until the %1 cools down."_s.arg(machineWords::machine);
     case Condition::InsufficientMemory:
         return atStart(machineWords::thisMachine)
-            + QStringLiteral(" does not have enough memory available for local transcription.");
+            + u" does not have enough memory available for local transcription."_s;
     case Condition::DiskLow:
         break;
     }
-    return QStringLiteral("Not enough free disk space for local transcription.");
+    return u"Not enough free disk space for local transcription."_s;
 }
 
 LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(bool installedDefaultModel, bool) const

@@ -1,5 +1,6 @@
 #include "AI/LocalAIMessageCitation.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QDateTime>
@@ -34,13 +35,12 @@ QList<LocalAIMessageCitation> citationMessages(const QList<UnifiedMsgRow>& messa
 QString renderThread(const QList<LocalAIMessageCitation>& citations)
 {
     if (citations.isEmpty())
-        return QStringLiteral("No local text messages available.");
+        return u"No local text messages available."_s;
     QStringList lines;
     lines.reserve(citations.size());
     for (const LocalAIMessageCitation& citation : citations) {
-        lines.append(QStringLiteral("[%1] %2 %3 %4: %5")
-                .arg(citation.label, promptLine(citation.direction), promptLine(citation.platform),
-                    promptTime(citation.timestamp), citation.excerpt));
+        lines.append(u"[%1] %2 %3 %4: %5"_s.arg(citation.label, promptLine(citation.direction),
+            promptLine(citation.platform), promptTime(citation.timestamp), citation.excerpt));
     }
     return lines.join(u'\n');
 }

@@ -2,6 +2,7 @@
 
 #include "AI/AppleIntelligenceChatService.h"
 #include "AI/CLIChatService.h"
+#include "Foundation/Literals.h"
 
 #include <QPointer>
 
@@ -18,12 +19,12 @@ std::optional<QString> LumoAI::availableName() const
 {
     if (!m_onDevice.unavailableReason())
         return m_onDevice.displayName();
-    return m_codex.codexPath() ? std::optional(QStringLiteral("Codex CLI")) : std::nullopt;
+    return m_codex.codexPath() ? std::optional(u"Codex CLI"_s) : std::nullopt;
 }
 
 LocalAIModelSpec LumoAI::modelSpec() const
 {
-    return { availableName().value_or(QStringLiteral("LumoAI")) };
+    return { availableName().value_or(u"LumoAI"_s) };
 }
 
 QCoro::Task<> LumoAI::refresh()

@@ -2,6 +2,7 @@
 
 #include "AI/LumoAI.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Foundation/Text.h"
 #include "Store/People/CrmRecords.h"
@@ -22,12 +23,12 @@ QString renderNotes(const QList<NoteRow>& notes)
 {
     QString lines;
     for (const NoteRow& note : notes) {
-        const QString line = QStringLiteral("- ") + promptLine(note.body, noteLength);
+        const QString line = u"- "_s + promptLine(note.body, noteLength);
         if (lines.size() + line.size() > notesBudget)
             break;
-        lines += (lines.isEmpty() ? QString() : QStringLiteral("\n")) + line;
+        lines += (lines.isEmpty() ? QString() : u"\n"_s) + line;
     }
-    return lines.isEmpty() ? QStringLiteral("(none)") : lines;
+    return lines.isEmpty() ? u"(none)"_s : lines;
 }
 
 /// The newest messages, as many as fit into what the notes leave.
@@ -39,14 +40,14 @@ QString renderMessages(const QList<UnifiedMsgRow>& messages, qsizetype budget)
         citations.removeFirst();
         lines = renderThread(citations);
     }
-    return citations.isEmpty() ? QStringLiteral("(no messages)") : lines;
+    return citations.isEmpty() ? u"(no messages)"_s : lines;
 }
 
 }
 
 QString describe(LumoAISummaryServiceError)
 {
-    return QStringLiteral("There are no local text messages to summarize.");
+    return u"There are no local text messages to summarize."_s;
 }
 
 LumoAISummaryService::LumoAISummaryService(LumoAI& ai, const Scheduler& scheduler, QObject* parent)
@@ -63,17 +64,17 @@ QCoro::Task<Result<LocalAIThreadSummary>> LumoAISummaryService::summarize(
     if (citations.isEmpty())
         co_return failure(describe(LumoAISummaryServiceError::EmptyThread));
     const QString instructions
-        = QStringLiteral("You summarize private local inbox threads inside Corvane. Use only the provided messages.\n"
-                         "Do not invent facts, promises, dates, names, or tasks. If context is unclear, say what is "
-                         "unclear.\n"
-                         "Cite the local message labels you used, like [M3]. Keep it compact and useful.");
-    const QString prompt = QStringLiteral("Summarize this local thread with ") + promptLine(contactName, nameLength)
-        + QStringLiteral(".\n\n"
-                         "Return exactly:\n"
-                         "- Situation: one sentence with citations.\n"
-                         "- Key points: 2-4 bullets with citations.\n"
-                         "- Next action: one practical next step or \"No clear action\", with citations.\n\n"
-                         "Local messages:\n")
+        = u"You summarize private local inbox threads inside Corvane. Use only the provided messages.\n"
+          "Do not invent facts, promises, dates, names, or tasks. If context is unclear, say what is "
+          "unclear.\n"
+          "Cite the local message labels you used, like [M3]. Keep it compact and useful."_s;
+    const QString prompt = u"Summarize this local thread with "_s + promptLine(contactName, nameLength)
+        + u".\n\n"
+          "Return exactly:\n"
+          "- Situation: one sentence with citations.\n"
+          "- Key points: 2-4 bullets with citations.\n"
+          "- Next action: one practical next step or \"No clear action\", with citations.\n\n"
+          "Local messages:\n"_s
         + renderThread(citations);
     const QPointer<LumoAISummaryService> self(this);
     const Result<QString> answer = co_await m_ai.respond(instructions, prompt, cancel);
@@ -88,14 +89,15 @@ QCoro::Task<Result<LocalAIThreadSummary>> LumoAISummaryService::summarize(
 QCoro::Task<Result<QString>> LumoAISummaryService::ask(
     QString contactName, QList<NoteRow> notes, QList<UnifiedMsgRow> messages, QString question, CancelHandle cancel)
 {
-    const QString instructions = QStringLiteral(
-        "You are Lumo, answering questions about one CRM contact using ONLY the provided local context. Be concise and "
-        "concrete. If the context doesn't answer the question, say so plainly — never invent facts, dates, or "
-        "commitments.");
+    const QString instructions
+        = u"You are Lumo, answering questions about one CRM contact using ONLY the provided local context. Be concise "
+          u"and "
+          "concrete. If the context doesn't answer the question, say so plainly — never invent facts, dates, or "
+          "commitments."_s;
     const QString known = renderNotes(notes);
-    const QString prompt = QStringLiteral("Contact: ") + promptLine(contactName, nameLength)
-        + QStringLiteral("\nNotes:\n") + known + QStringLiteral("\n\nRecent thread:\n")
-        + renderMessages(messages, contextBudget - known.size()) + QStringLiteral("\n\nQuestion: ") + question;
+    const QString prompt = u"Contact: "_s + promptLine(contactName, nameLength) + u"\nNotes:\n"_s + known
+        + u"\n\nRecent thread:\n"_s + renderMessages(messages, contextBudget - known.size()) + u"\n\nQuestion: "_s
+        + question;
     return m_ai.respond(instructions, prompt, cancel);
 }
 

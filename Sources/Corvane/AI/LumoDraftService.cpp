@@ -5,6 +5,7 @@
 #include "AI/LumoGuidedDraftResult.h"
 #include "AI/UngroundedFacts.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Store/Assistant/DraftQueries.h"
 
@@ -14,15 +15,15 @@ namespace corvane {
 
 namespace {
 
-const QString replyIntent = QStringLiteral("draft_reply");
-const QString rewriteIntent = QStringLiteral("rewrite_text");
+const QString replyIntent = u"draft_reply"_s;
+const QString rewriteIntent = u"rewrite_text"_s;
 
 QStringList groundingWarnings(const QString& draft, const QString& context)
 {
     const QStringList facts = ungroundedFacts(draft, context);
     if (facts.isEmpty())
         return {};
-    return { QStringLiteral("Not in the local context: ") + facts.join(QStringLiteral(", ")) };
+    return { u"Not in the local context: "_s + facts.join(u", "_s) };
 }
 
 }
@@ -36,9 +37,8 @@ LumoDraftResult LumoDraftResult::addingWarnings(const QStringList& warnings) con
 
 QString describe(LumoDraftServiceError error)
 {
-    return error == LumoDraftServiceError::EmptyThread
-        ? QStringLiteral("There are no local text messages to draft from.")
-        : QStringLiteral("There is no composer text to rewrite.");
+    return error == LumoDraftServiceError::EmptyThread ? u"There are no local text messages to draft from."_s
+                                                       : u"There is no composer text to rewrite."_s;
 }
 
 LumoDraftService::LumoDraftService(LumoAI& ai, const Scheduler& scheduler, QObject* parent)
@@ -62,7 +62,7 @@ QCoro::Task<Result<LumoDraftResult>> LumoDraftService::draftReply(
         co_return cancelled();
     if (!response)
         co_return std::unexpected(response.error());
-    co_return result(prompt, instructions, replyIntent, QStringLiteral("Draft reply"), *response);
+    co_return result(prompt, instructions, replyIntent, u"Draft reply"_s, *response);
 }
 
 QCoro::Task<Result<AIStructuredDraftResponse>> LumoDraftService::generateReply(

@@ -1,6 +1,7 @@
 #include "AI/LumoGuidedDraftResult.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <QJsonArray>
 
@@ -16,10 +17,9 @@ const QLatin1StringView sendKey("send_side_effect");
 
 QJsonObject property(const char* type, const QString& description)
 {
-    QJsonObject result { { QStringLiteral("type"), QLatin1StringView(type) },
-        { QStringLiteral("description"), description } };
-    if (QLatin1StringView(type) == QLatin1StringView("array"))
-        result.insert(QStringLiteral("items"), QJsonObject { { QStringLiteral("type"), QStringLiteral("string") } });
+    QJsonObject result { { u"type"_s, QLatin1StringView(type) }, { u"description"_s, description } };
+    if (QLatin1StringView(type) == "array"_L1)
+        result.insert(u"items"_s, QJsonObject { { u"type"_s, u"string"_s } });
     return result;
 }
 
@@ -29,34 +29,31 @@ QJsonObject guidedDraftSchema()
 {
     const QJsonObject properties {
         { bodyKey,
-            property("string",
-                QStringLiteral("Composer-ready message body. It must not include citations or a subject line.")) },
-        { intentKey,
-            property("string", QStringLiteral("The drafting intent. For reply drafts this must be draft_reply.")) },
-        { citationsKey,
-            property("array", QStringLiteral("Local message labels used to ground this draft, such as M1 or M2.")) },
+            property("string", u"Composer-ready message body. It must not include citations or a subject line."_s) },
+        { intentKey, property("string", u"The drafting intent. For reply drafts this must be draft_reply."_s) },
+        { citationsKey, property("array", u"Local message labels used to ground this draft, such as M1 or M2."_s) },
         { warningsKey,
             property("array",
-                QStringLiteral("Brief warnings for uncertainty or missing local context. Empty when no warning is "
-                               "needed.")) },
+                u"Brief warnings for uncertainty or missing local context. Empty when no warning is "
+                "needed."_s) },
         { sendKey,
             property("boolean",
-                QStringLiteral("Must always be false. Draft generation cannot send, approve, book, pay, or complete "
-                               "anything.")) },
+                u"Must always be false. Draft generation cannot send, approve, book, pay, or complete "
+                "anything."_s) },
     };
-    return { { QStringLiteral("type"), QStringLiteral("object") }, { QStringLiteral("properties"), properties },
-        { QStringLiteral("required"), QJsonArray { bodyKey, intentKey, citationsKey, warningsKey, sendKey } },
-        { QStringLiteral("additionalProperties"), false } };
+    return { { u"type"_s, u"object"_s }, { u"properties"_s, properties },
+        { u"required"_s, QJsonArray { bodyKey, intentKey, citationsKey, warningsKey, sendKey } },
+        { u"additionalProperties"_s, false } };
 }
 
 QString guidedDraftPromptAddition()
 {
-    return QStringLiteral("\nGuided draft schema:\n"
-                          "- body: composer-ready reply text.\n"
-                          "- intent: draft_reply.\n"
-                          "- citations: local message labels used, for example [\"M1\"].\n"
-                          "- warnings: uncertainty or missing-context notes only.\n"
-                          "- send_side_effect: false.");
+    return u"\nGuided draft schema:\n"
+           "- body: composer-ready reply text.\n"
+           "- intent: draft_reply.\n"
+           "- citations: local message labels used, for example [\"M1\"].\n"
+           "- warnings: uncertainty or missing-context notes only.\n"
+           "- send_side_effect: false."_s;
 }
 
 std::optional<LumoGuidedDraftResult> decodedGuidedDraft(const QJsonObject& object)
@@ -76,7 +73,7 @@ AIStructuredDraftResponse draftResponse(const LumoGuidedDraftResult& guided, con
     const AIDraftResponseMetadata metadata {
         .intent = guided.intent,
         .tone = tone,
-        .language = QStringLiteral("unknown"),
+        .language = u"unknown"_s,
         .confidence = 1.0,
         .usedMessageLabels = guided.citations,
         .usedNoteIds = {},

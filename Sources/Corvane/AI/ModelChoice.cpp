@@ -1,14 +1,15 @@
 #include "AI/ModelChoice.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 namespace corvane {
 
 namespace {
 
-const QString urlKey = QStringLiteral("nimb.localModelUrl");
-const QString modelKey = QStringLiteral("nimb.localModel");
-const QString elsewhereKey = QStringLiteral("nimb.localModelElsewhere");
+const QString urlKey = u"nimb.localModelUrl"_s;
+const QString modelKey = u"nimb.localModel"_s;
+const QString elsewhereKey = u"nimb.localModelElsewhere"_s;
 
 void set(UserDefaults& defaults, const QString& key, const QString& text)
 {

@@ -1,6 +1,7 @@
 #include "AI/NameFinder.h"
 
 #include "AI/OrdinaryWords.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QRegularExpression>
@@ -27,14 +28,14 @@ using Words = QList<Word>;
 const QRegularExpression& wordExpression()
 {
     static const QRegularExpression expression(
-        QStringLiteral("[\\p{L}\\p{M}]+(?:['’][\\p{L}]+)?"), QRegularExpression::UseUnicodePropertiesOption);
+        u"[\\p{L}\\p{M}]+(?:['’][\\p{L}]+)?"_s, QRegularExpression::UseUnicodePropertiesOption);
     return expression;
 }
 
 /// Without the "'s" of "Petra's".
 QString bareWord(const QString& word)
 {
-    static const QRegularExpression possessive(QStringLiteral("['’]s$"));
+    static const QRegularExpression possessive(u"['’]s$"_s);
     return QString(word).remove(possessive);
 }
 
@@ -77,8 +78,7 @@ bool isGerman(const Words& words)
 
 bool isKnown(const QString& word, const QSet<QString>& known)
 {
-    static const QStringList endings { QString(), QStringLiteral("s"), QStringLiteral("es"), QStringLiteral("n"),
-        QStringLiteral("en"), QStringLiteral("e"), QStringLiteral("er") };
+    static const QStringList endings { QString(), u"s"_s, u"es"_s, u"n"_s, u"en"_s, u"e"_s, u"er"_s };
     return std::ranges::any_of(endings, [&](const QString& ending) {
         return known.contains(word + ending)
             || (word.size() > ending.size() + 2 && word.endsWith(ending)

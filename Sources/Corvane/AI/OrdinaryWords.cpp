@@ -1,5 +1,6 @@
 #include "AI/OrdinaryWords.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QRegularExpression>
@@ -13,8 +14,7 @@ namespace {
 
 QSet<QString> words(const char* list)
 {
-    const QStringList all
-        = folded(QString::fromUtf8(list)).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    const QStringList all = folded(QString::fromUtf8(list)).split(QRegularExpression(u"\\s+"_s), Qt::SkipEmptyParts);
     return QSet<QString>(all.begin(), all.end());
 }
 
@@ -94,12 +94,9 @@ bool isOrdinaryWord(const QString& foldedWord)
         io la le lei lo loro ma magari mi molto nel nella no noi non nostro ogni oggi ok ora per perché però perfetto
         più poi posso possiamo prego purtroppo quando quanto questa questo qui resto saluti se sì sono spero sta su
         subito sua suo tra tutto tutti un una va vi volentieri)");
-    static const QStringList endings { QStringLiteral("ing"), QStringLiteral("ed"), QStringLiteral("ly"),
-        QStringLiteral("tion"), QStringLiteral("sion"), QStringLiteral("ment"), QStringLiteral("ments"),
-        QStringLiteral("ness"), QStringLiteral("ance"), QStringLiteral("ence"), QStringLiteral("able"),
-        QStringLiteral("ible"), QStringLiteral("ful"), QStringLiteral("less"), QStringLiteral("ious"),
-        QStringLiteral("body"), QStringLiteral("thing"), QStringLiteral("ever"), QStringLiteral("n't"),
-        QStringLiteral("tions"), QStringLiteral("ings"), QStringLiteral("mente") };
+    static const QStringList endings { u"ing"_s, u"ed"_s, u"ly"_s, u"tion"_s, u"sion"_s, u"ment"_s, u"ments"_s,
+        u"ness"_s, u"ance"_s, u"ence"_s, u"able"_s, u"ible"_s, u"ful"_s, u"less"_s, u"ious"_s, u"body"_s, u"thing"_s,
+        u"ever"_s, u"n't"_s, u"tions"_s, u"ings"_s, u"mente"_s };
     return foldedWord.size() < 2 || list.contains(foldedWord) || endsInOneOf(foldedWord, endings);
 }
 
@@ -118,13 +115,10 @@ bool isOrdinaryGermanNoun(const QString& foldedWord)
         verlauf vertrag verfügung vergleich verkauf verständnis verzug voraus vormittag vorschlag vorschläge wahl weg welt
         werk wert wetter winter wissen woche wochen wochenende wort worte wunsch zahlen zeit zeiten ziel zug zukunft
         zustand zweifel e-mail email kolleginnen kollegen kollege kollegin angebot angebote bestellung ware lager version)");
-    static const QStringList endings { QStringLiteral("ung"), QStringLiteral("ungen"), QStringLiteral("heit"),
-        QStringLiteral("heiten"), QStringLiteral("keit"), QStringLiteral("keiten"), QStringLiteral("schaft"),
-        QStringLiteral("schaften"), QStringLiteral("tion"), QStringLiteral("tionen"), QStringLiteral("tat"),
-        QStringLiteral("ment"), QStringLiteral("nis"), QStringLiteral("nisse"), QStringLiteral("ling"),
-        QStringLiteral("tage"), QStringLiteral("tag"), QStringLiteral("termin"), QStringLiteral("zeit"),
-        QStringLiteral("zeiten"), QStringLiteral("kosten"), QStringLiteral("preis"), QStringLiteral("woche"),
-        QStringLiteral("vertrag"), QStringLiteral("enz"), QStringLiteral("ismus") };
+    static const QStringList endings { u"ung"_s, u"ungen"_s, u"heit"_s, u"heiten"_s, u"keit"_s, u"keiten"_s,
+        u"schaft"_s, u"schaften"_s, u"tion"_s, u"tionen"_s, u"tat"_s, u"ment"_s, u"nis"_s, u"nisse"_s, u"ling"_s,
+        u"tage"_s, u"tag"_s, u"termin"_s, u"zeit"_s, u"zeiten"_s, u"kosten"_s, u"preis"_s, u"woche"_s, u"vertrag"_s,
+        u"enz"_s, u"ismus"_s };
     return list.contains(foldedWord) || endsInOneOf(foldedWord, endings);
 }
 

@@ -1,8 +1,8 @@
 #include "Approvals/ApprovalCommands.h"
 
-namespace corvane {
+#include "Foundation/Literals.h"
 
-using namespace Qt::StringLiterals;
+namespace corvane {
 
 QList<Command> approvalCommands()
 {

@@ -1,18 +1,20 @@
 #include "Approvals/ApprovalKey.h"
 
+#include "Foundation/Literals.h"
+
 namespace corvane {
 
 QString kindWord(ApprovalKind kind)
 {
     switch (kind) {
     case ApprovalKind::Draft:
-        return QStringLiteral("draft");
+        return u"draft"_s;
     case ApprovalKind::Proposal:
-        return QStringLiteral("proposal");
+        return u"proposal"_s;
     case ApprovalKind::Decision:
-        return QStringLiteral("decision");
+        return u"decision"_s;
     case ApprovalKind::Event:
-        return QStringLiteral("event");
+        return u"event"_s;
     }
     return {};
 }

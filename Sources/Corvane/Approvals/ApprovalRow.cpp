@@ -3,13 +3,13 @@
 #include "Approvals/DraftWords.h"
 #include "Approvals/RiskQuestion.h"
 #include "Calendar/CalendarLayout.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
 
 namespace {
 
-const QStringList risksWithAColour { QStringLiteral("money"), QStringLiteral("credential"), QStringLiteral("external"),
-    QStringLiteral("high") };
+const QStringList risksWithAColour { u"money"_s, u"credential"_s, u"external"_s, u"high"_s };
 
 ApprovalRow rowOf(const ApprovalKey& key, const QString& head, const QString& approveLabel)
 {
@@ -29,8 +29,8 @@ void arm(ApprovalRow& row, const std::optional<Arming>& arming, const QString& a
     row.canDecide = row.canEdit = false;
     row.linkLabel.clear();
     row.secondsLeft = arming->secondsLeft;
-    row.stateText = approve ? approving : QStringLiteral("Rejecting…");
-    row.settledText = approve ? approved : QStringLiteral("Rejected");
+    row.stateText = approve ? approving : u"Rejecting…"_s;
+    row.settledText = approve ? approved : u"Rejected"_s;
 }
 
 /// Kinds of proposals are words of other programs; one that nobody knows stands as it is.
@@ -59,68 +59,65 @@ void ApprovalRow::setKey(const ApprovalKey& key)
 
 ApprovalRow draftRow(const PendingDraft& draft, const std::optional<Arming>& arming)
 {
-    ApprovalRow row = rowOf(draftKey(draft.id), QStringLiteral("Outbound Messages"),
-        draft.state() == DraftStatus::Failed ? QStringLiteral("Retry") : QStringLiteral("Approve"));
+    ApprovalRow row = rowOf(
+        draftKey(draft.id), u"Outbound Messages"_s, draft.state() == DraftStatus::Failed ? u"Retry"_s : u"Approve"_s);
     row.title = draftStatusTitle(draft);
     row.subject = subjectLine(draft);
     row.body = draft.body;
     row.platform = draft.channel;
     row.canDecide = row.canEdit = waitsForPerson(draft);
     row.failureReason = draftFailureReason(draft);
-    const QString sending = QStringLiteral("Sending…");
+    const QString sending = u"Sending…"_s;
     if (!row.canDecide)
         row.stateText = draft.state() == DraftStatus::Sending ? sending : statusLabel(draft);
     if (allows(draft.state(), DraftStep::Acknowledge))
-        row.settledText = QStringLiteral("Sent");
+        row.settledText = u"Sent"_s;
     if (row.canDecide && mayHaveGoneOut(draft))
         row.question = confirmQuestion(draft);
-    arm(row, arming, sending, QStringLiteral("Approved"));
+    arm(row, arming, sending, u"Approved"_s);
     return row;
 }
 
 ApprovalRow proposalRow(
     const CRMUpdateProposal& proposal, const QString& contactName, const std::optional<Arming>& arming)
 {
-    ApprovalRow row
-        = rowOf({ ApprovalKind::Proposal, proposal.id }, QStringLiteral("CRM Updates"), QStringLiteral("Apply"));
+    ApprovalRow row = rowOf({ ApprovalKind::Proposal, proposal.id }, u"CRM Updates"_s, u"Apply"_s);
     row.title = proposal.title;
     row.body = beyond(proposal.title, proposal.bodyPreview());
     row.detail = capitalised(proposal.kind);
     if (!contactName.isEmpty())
-        row.detail += QStringLiteral(" · ") + contactName;
+        row.detail += u" · "_s + contactName;
     row.failureReason = proposal.error;
-    row.linkLabel = contactName.isEmpty() ? QStringLiteral("Link contact") : QStringLiteral("Change contact");
-    arm(row, arming, QStringLiteral("Applying…"), QStringLiteral("Applied"));
+    row.linkLabel = contactName.isEmpty() ? u"Link contact"_s : u"Change contact"_s;
+    arm(row, arming, u"Applying…"_s, u"Applied"_s);
     return row;
 }
 
 ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<Arming>& arming)
 {
-    ApprovalRow row
-        = rowOf({ ApprovalKind::Decision, decision.id }, QStringLiteral("Agent Decisions"), QStringLiteral("Approve"));
+    ApprovalRow row = rowOf({ ApprovalKind::Decision, decision.id }, u"Agent Decisions"_s, u"Approve"_s);
     row.title = decision.title;
     row.body = decision.proposal;
     row.detail = decision.module;
     if (!decision.rationale.trimmed().isEmpty())
-        row.why = QStringLiteral("Why: ") + decision.rationale;
+        row.why = u"Why: "_s + decision.rationale;
     if (!decision.risk.trimmed().isEmpty())
-        row.riskText = decision.risk + QStringLiteral(" risk");
+        row.riskText = decision.risk + u" risk"_s;
     if (risksWithAColour.contains(decision.risk))
         row.riskTone = decision.risk;
     if (isRisky(decision))
         row.question = riskQuestion(decision);
-    arm(row, arming, QStringLiteral("Approving…"), QStringLiteral("Approved"));
+    arm(row, arming, u"Approving…"_s, u"Approved"_s);
     return row;
 }
 
 ApprovalRow eventRow(const CalCommand& event, qint64 nowMs, const std::optional<Arming>& arming)
 {
-    ApprovalRow row
-        = rowOf({ ApprovalKind::Event, event.id }, QStringLiteral("Calendar Events"), QStringLiteral("Add"));
+    ApprovalRow row = rowOf({ ApprovalKind::Event, event.id }, u"Calendar Events"_s, u"Add"_s);
     row.title = event.title;
     row.body = event.notes;
     row.detail = eventWords(event, nowMs);
-    arm(row, arming, QStringLiteral("Adding…"), QStringLiteral("Added"));
+    arm(row, arming, u"Adding…"_s, u"Added"_s);
     return row;
 }
 
@@ -131,7 +128,7 @@ QString eventWords(const CalCommand& event, qint64 nowMs)
     timed.endMs = event.endMs;
     QStringList parts { whenText(timed, nowMs), event.location, event.calendar };
     parts.removeAll(QString());
-    return parts.join(QStringLiteral(" · "));
+    return parts.join(u" · "_s);
 }
 
 }

@@ -7,6 +7,7 @@
 #include "Calls/RecordedCalls.h"
 #include "Engines/DraftDelivery.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Notifications/Notifier.h"
 #include "Store/Approvals/WorkDecisions.h"
 #include "Store/Core/StoreWatch.h"
@@ -23,12 +24,11 @@ constexpr int draftsRead = 50;
 constexpr int proposalsRead = 20;
 constexpr int decisionsRead = 50;
 
-const QString owner = QStringLiteral("Oskel");
+const QString owner = u"Oskel"_s;
 
 ApprovalItem itemOf(const PendingDraft& draft)
 {
-    return { draftKey(draft.id),
-        draft.state() == DraftStatus::Failed ? QStringLiteral("draft_failed") : QStringLiteral("draft"),
+    return { draftKey(draft.id), draft.state() == DraftStatus::Failed ? u"draft_failed"_s : u"draft"_s,
         draft.title.isEmpty() ? draft.externalId : draft.title, draft.body, draftHash(draft) };
 }
 
@@ -87,7 +87,7 @@ void ApprovalsStore::attach(DraftDelivery& delivery, RecordedCalls& calls)
     m_timer = m_scheduler.every(pollPeriod, [this] { refresh(); });
     m_actionObserver = m_centre.observe(notifications::approvalAction, [this](const Notification& notification) {
         const auto text = [&](const char* key) {
-            return notification.userInfo.value(QLatin1String(key));
+            return notification.userInfo.value(QLatin1StringView(key));
         };
         const QVariant kind = text("kind");
         const QVariant id = text("id");
@@ -107,7 +107,7 @@ void ApprovalsStore::attach(CalendarCommands& events)
         Q_EMIT changed();
     });
     connect(&events, &CalendarCommands::refused, this, [this](const QString& title, const QString& reason) {
-        m_notice = title + QStringLiteral(": ") + reason;
+        m_notice = title + u": "_s + reason;
         Q_EMIT changed();
     });
 }
@@ -193,7 +193,7 @@ Result<void> ApprovalsStore::saveDraftBody(const QString& id, const QString& bod
 {
     const QString text = body.trimmed();
     if (text.isEmpty())
-        return failure(QStringLiteral("A message needs a text."));
+        return failure(u"A message needs a text."_s);
     if (!m_delivery)
         return failure(whyNot(draftKey(id)));
     LocalDB& db = m_delivery->db();
@@ -207,7 +207,7 @@ Result<void> ApprovalsStore::saveDraftBody(const QString& id, const QString& bod
 
 QString ApprovalsStore::whyNot(const ApprovalKey& key) const
 {
-    return m_delivery ? refusalWords(m_delivery->db(), key) : QStringLiteral("It couldn't be saved. Try again.");
+    return m_delivery ? refusalWords(m_delivery->db(), key) : u"It couldn't be saved. Try again."_s;
 }
 
 bool ApprovalsStore::linkProposal(const QString& id, const QString& contactId)
@@ -253,7 +253,7 @@ void ApprovalsStore::notifyNewItems()
         if (waitsForPerson(draft))
             items.append(itemOf(draft));
     }
-    for (const CRMUpdateProposal& proposal : fetchCRMUpdateProposals(db, QStringLiteral("pending"), proposalsRead))
+    for (const CRMUpdateProposal& proposal : fetchCRMUpdateProposals(db, u"pending"_s, proposalsRead))
         items.append(itemOf(proposal));
     for (const WorkDecisionRecord& decision : std::as_const(m_decisions))
         items.append(itemOf(decision));
@@ -277,10 +277,9 @@ void ApprovalsStore::notifyNewItems()
 
 void ApprovalsStore::notifyActionFailure(Verdict verdict, const QString& reason)
 {
-    const QString text
-        = verdict == Verdict::Reject ? QStringLiteral("Couldn't reject") : QStringLiteral("Couldn't approve");
-    m_notifier.notifyApproval(QStringLiteral("approval"), uuidText(), text,
-        reason.isEmpty() ? text + QStringLiteral(" — engine not ready, try again") : reason);
+    const QString text = verdict == Verdict::Reject ? u"Couldn't reject"_s : u"Couldn't approve"_s;
+    m_notifier.notifyApproval(
+        u"approval"_s, uuidText(), text, reason.isEmpty() ? text + u" — engine not ready, try again"_s : reason);
 }
 
 Decided ApprovalsStore::carryOut(const ApprovalItem& seen, Verdict verdict)
@@ -320,8 +319,8 @@ void ApprovalsStore::settle(const ApprovalItem& seen, Verdict verdict, From from
 
 void ApprovalsStore::tellRefusal(const ApprovalItem& seen, Verdict verdict, Decided decided)
 {
-    const QString reason = decided == Decided::Changed ? QStringLiteral("Changed since you saw it.") : whyNot(seen.key);
-    m_notice = seen.title.isEmpty() ? reason : seen.title + QStringLiteral(": ") + reason;
+    const QString reason = decided == Decided::Changed ? u"Changed since you saw it."_s : whyNot(seen.key);
+    m_notice = seen.title.isEmpty() ? reason : seen.title + u": "_s + reason;
     if (decided == Decided::Refused)
         notifyActionFailure(verdict, m_notice);
 }

@@ -1,6 +1,7 @@
 #include "Approvals/ApprovalsView.h"
 
 #include "Approvals/ApprovalsStore.h"
+#include "Foundation/Literals.h"
 #include "Presentation/WAName.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -32,24 +33,24 @@ ApprovalsView::~ApprovalsView() = default;
 
 QString ApprovalsView::badge() const
 {
-    return m_waiting == 0 ? QString() : m_waiting < 100 ? QString::number(m_waiting) : QStringLiteral("99+");
+    return m_waiting == 0 ? QString() : m_waiting < 100 ? QString::number(m_waiting) : u"99+"_s;
 }
 
 QString ApprovalsView::waitingText() const
 {
-    return QStringLiteral("%1 waiting for your approval").arg(m_waiting);
+    return u"%1 waiting for your approval"_s.arg(m_waiting);
 }
 
 QString ApprovalsView::emptyText() const
 {
-    return QStringLiteral("Nothing is waiting on you. Agents queue outbound messages, CRM updates, and decisions here "
-                          "for your approval.");
+    return u"Nothing is waiting on you. Agents queue outbound messages, CRM updates, and decisions here "
+           "for your approval."_s;
 }
 
 QString ApprovalsView::settingsEmptyText() const
 {
-    return QStringLiteral("No approvals yet — appears when an agent queues a send, external action, money action, "
-                          "destructive action, or work_decision proposal.");
+    return u"No approvals yet — appears when an agent queues a send, external action, money action, "
+           "destructive action, or work_decision proposal."_s;
 }
 
 const QString& ApprovalsView::notice() const
@@ -203,22 +204,22 @@ void ApprovalsView::present()
         m_headCounts[row.head] = m_headCounts.value(row.head).toInt() + 1;
     m_emptyLines.clear();
     if (m_store.drafts().isEmpty())
-        m_emptyLines.append(QStringLiteral("No message drafts waiting."));
+        m_emptyLines.append(u"No message drafts waiting."_s);
     if (m_store.proposals().isEmpty())
-        m_emptyLines.append(QStringLiteral("No CRM update proposals waiting."));
+        m_emptyLines.append(u"No CRM update proposals waiting."_s);
     if (m_store.decisions().isEmpty())
-        m_emptyLines.append(QStringLiteral("No agent decisions waiting."));
+        m_emptyLines.append(u"No agent decisions waiting."_s);
     m_rows.assign(rows, [this](ApprovalRow& row) {
         row.canDecide = row.canEdit = false;
         row.actions.clear();
         row.secondsLeft = 0;
-        row.stateText = m_store.notice().isEmpty() && !row.settledText.isEmpty() ? row.settledText
-                                                                                 : QStringLiteral("No longer waiting");
+        row.stateText
+            = m_store.notice().isEmpty() && !row.settledText.isEmpty() ? row.settledText : u"No longer waiting"_s;
     });
     const ApprovalRow* const asked = decidable(asking());
     if (!asking().isEmpty() && (!asked || *asked != m_asked))
         ask({}); // what was read when it was asked is not what stands there
-    if (const QString linked = m_link.subject(); !linked.isEmpty() && !find(QStringLiteral("proposal:") + linked))
+    if (const QString linked = m_link.subject(); !linked.isEmpty() && !find(u"proposal:"_s + linked))
         m_link.cancel();
     Q_EMIT changed();
 }

@@ -4,6 +4,7 @@
 #include "Approvals/DecisionLog.h"
 #include "Approvals/DraftEdit.h"
 #include "CRM/ContactPick.h"
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 
 #include <QVariantMap>
@@ -49,11 +50,11 @@ public:
     QString waitingText() const;
     const QVariantMap& headCounts() const { return m_headCounts; }
     const QStringList& emptyLines() const { return m_emptyLines; }
-    QString emptyTitle() const { return QStringLiteral("No pending approvals"); }
+    QString emptyTitle() const { return u"No pending approvals"_s; }
     QString emptyText() const;
     QString settingsEmptyText() const;
-    QString sourceText() const { return QStringLiteral("Source: outbound_draft + work_decision"); }
-    QString reviewLabel() const { return QStringLiteral("Review all in Approvals"); }
+    QString sourceText() const { return u"Source: outbound_draft + work_decision"_s; }
+    QString reviewLabel() const { return u"Review all in Approvals"_s; }
     const QString& asking() const { return m_asked.key(); }
     int askingRow() const;
     const QString& notice() const;

@@ -3,6 +3,7 @@
 #include "Approvals/ApprovalKey.h"
 #include "Approvals/ApprovalRow.h"
 #include "Approvals/ApprovalsStore.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
 #include "Store/Approvals/EventRequests.h"
@@ -14,7 +15,7 @@ namespace {
 
 constexpr int linesAtOnce = 300;
 constexpr int bodyLength = 240;
-const QString owner = QStringLiteral("Oskel");
+const QString owner = u"Oskel"_s;
 
 struct VerdictWords {
     QString verdict;
@@ -25,10 +26,10 @@ struct VerdictWords {
 std::optional<VerdictWords> verdictWords(const QString& action)
 {
     static const QHash<QString, VerdictWords> words {
-        { QStringLiteral("approve"), { QStringLiteral("Approved"), QStringLiteral("good") } },
-        { QStringLiteral("approve_elsewhere"), { QStringLiteral("Approved"), QStringLiteral("good") } },
-        { QStringLiteral("apply"), { QStringLiteral("Applied"), QStringLiteral("good") } },
-        { QStringLiteral("reject"), { QStringLiteral("Rejected"), QStringLiteral("bad") } },
+        { u"approve"_s, { u"Approved"_s, u"good"_s } },
+        { u"approve_elsewhere"_s, { u"Approved"_s, u"good"_s } },
+        { u"apply"_s, { u"Applied"_s, u"good"_s } },
+        { u"reject"_s, { u"Rejected"_s, u"bad"_s } },
     };
     const auto found = words.constFind(action);
     return found == words.cend() ? std::nullopt : std::optional(*found);
@@ -38,10 +39,10 @@ std::optional<VerdictWords> verdictWords(const QString& action)
 QString outcomeWords(const QString& action)
 {
     static const QHash<QString, QString> words {
-        { QStringLiteral("sent"), QStringLiteral("Sent") },
-        { QStringLiteral("placed"), QStringLiteral("Placed in the browser") },
-        { QStringLiteral("failed"), QStringLiteral("Not sent") },
-        { QStringLiteral("return"), QStringLiteral("It had changed, and came back") },
+        { u"sent"_s, u"Sent"_s },
+        { u"placed"_s, u"Placed in the browser"_s },
+        { u"failed"_s, u"Not sent"_s },
+        { u"return"_s, u"It had changed, and came back"_s },
     };
     return words.value(action);
 }
@@ -66,7 +67,7 @@ std::optional<Subject> subjectOf(LocalDB& db, const ApprovalRecord& line)
     if (kind == ApprovalKind::Draft) {
         return subjectOf(fetchDraft(db, line.subjectId), [](const PendingDraft& draft) {
             const QString to = draft.title.isEmpty() ? draft.externalId : draft.title;
-            return Subject { QStringLiteral("Message to ") + to, draft.body, draftHash(draft), draft.channel, {} };
+            return Subject { u"Message to "_s + to, draft.body, draftHash(draft), draft.channel, {} };
         });
     }
     if (kind == ApprovalKind::Proposal) {
@@ -87,17 +88,17 @@ std::optional<Subject> subjectOf(LocalDB& db, const ApprovalRecord& line)
 QString nameOfGone(const QString& kind)
 {
     if (kind == u"draft")
-        return QStringLiteral("A message");
+        return u"A message"_s;
     if (kind == u"event")
-        return QStringLiteral("A calendar event");
-    return kind == u"proposal" ? QStringLiteral("A change to the CRM") : QStringLiteral("A decision");
+        return u"A calendar event"_s;
+    return kind == u"proposal" ? u"A change to the CRM"_s : u"A decision"_s;
 }
 
 QString whoDecided(const ApprovalRecord& line, const QString& decidedBy)
 {
     if (line.action == u"approve_elsewhere")
-        return QStringLiteral("Another program");
-    return decidedBy.isEmpty() || decidedBy == owner ? QStringLiteral("You") : decidedBy;
+        return u"Another program"_s;
+    return decidedBy.isEmpty() || decidedBy == owner ? u"You"_s : decidedBy;
 }
 
 DecidedRow rowOf(LocalDB& db, const ApprovalRecord& line, const VerdictWords& words, const DateWords& dates)
@@ -114,9 +115,9 @@ DecidedRow rowOf(LocalDB& db, const ApprovalRecord& line, const VerdictWords& wo
     row.platform = subject ? subject->platform : QString();
     row.title = subject ? subject->title : nameOfGone(line.kind);
     if (!subject)
-        row.body = QStringLiteral("It is no longer stored.");
+        row.body = u"It is no longer stored."_s;
     else if (subject->hash != line.contentHash)
-        row.body = QStringLiteral("It was changed after this.");
+        row.body = u"It was changed after this."_s;
     else
         row.body = singleLine(firstCharacters(subject->body, bodyLength));
     return row;
@@ -135,7 +136,7 @@ DecisionLog::DecisionLog(ApprovalsStore& store, LocalDB& db, Scheduler& schedule
 
 QString DecisionLog::emptyText() const
 {
-    return QStringLiteral("What you approve, apply or reject stands here, with what came of it.");
+    return u"What you approve, apply or reject stands here, with what came of it."_s;
 }
 
 void DecisionLog::setShown(bool shown)

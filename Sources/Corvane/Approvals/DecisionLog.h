@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Presentation/RowListModel.h"
 
@@ -57,7 +58,7 @@ public:
     bool shown() const { return m_shown; }
     void setShown(bool shown);
     bool hasOlder() const { return m_hasOlder; }
-    QString emptyTitle() const { return QStringLiteral("Nothing decided yet"); }
+    QString emptyTitle() const { return u"Nothing decided yet"_s; }
     QString emptyText() const;
 
     Q_INVOKABLE void showOlder();

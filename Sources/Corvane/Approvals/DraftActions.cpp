@@ -5,6 +5,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/Outbox.h"
+#include "Foundation/Literals.h"
 #include "Presentation/SizeWords.h"
 #include "Store/Core/StoreWatch.h"
 
@@ -44,12 +45,12 @@ QList<DraftAction> DraftActions::actions(const PendingDraft& draft) const
     if (allows(draft.state(), DraftStep::TakeBack)) {
         const auto account = m_accounts.findBySlug(draft.accountId);
         if (!account || !m_engine.isRunning(*account))
-            actions.append(action("start", QStringLiteral("Start"), "primary"));
-        actions.append(action("takeBack", QStringLiteral("Take back"), "plain"));
-        actions.append(action("reject", QStringLiteral("Reject"), "danger"));
+            actions.append(action("start", u"Start"_s, "primary"));
+        actions.append(action("takeBack", u"Take back"_s, "plain"));
+        actions.append(action("reject", u"Reject"_s, "danger"));
     } else if (allows(draft.state(), DraftStep::Confirm)) {
-        actions.append(action("confirmSent", QStringLiteral("It was sent"), "primary"));
-        actions.append(action("reject", QStringLiteral("Discard"), "danger"));
+        actions.append(action("confirmSent", u"It was sent"_s, "primary"));
+        actions.append(action("reject", u"Discard"_s, "danger"));
     }
     return actions;
 }
@@ -59,8 +60,8 @@ QList<DraftFile> DraftActions::files(const PendingDraft& draft) const
     QList<DraftFile> files;
     for (const OutgoingFile& file : filesFromText(draft.files).value_or(QList<OutgoingFile>())) {
         const bool isHere = m_engine.outbox().holds(file);
-        files.append({ file.name, isHere ? sizeWords(file.bytes) : QStringLiteral("Not there any more"),
-            isHere ? file.path : QString() });
+        files.append(
+            { file.name, isHere ? sizeWords(file.bytes) : u"Not there any more"_s, isHere ? file.path : QString() });
     }
     return files;
 }

@@ -1,6 +1,7 @@
 #include "Approvals/DraftEdit.h"
 
 #include "Approvals/ApprovalsStore.h"
+#include "Foundation/Literals.h"
 
 #include <algorithm>
 
@@ -26,7 +27,7 @@ QList<PendingDraft> DraftEdit::withLost(QList<PendingDraft> drafts) const
     if (!m_lost || std::ranges::find(drafts, m_draft.id, &PendingDraft::id) != drafts.end())
         return drafts;
     PendingDraft lost = m_draft;
-    lost.status = QStringLiteral("lost");
+    lost.status = u"lost"_s;
     drafts.insert(std::min(m_place, drafts.size()), lost);
     return drafts;
 }
@@ -38,7 +39,7 @@ void DraftEdit::begin(const QString& draftId)
     if (!waits || draftId == m_draft.id)
         return;
     if (m_lost || (!m_draft.id.isEmpty() && m_text != m_draft.body)) {
-        m_problem = QStringLiteral("Save or close this text first.");
+        m_problem = u"Save or close this text first."_s;
         Q_EMIT changed();
         return;
     }
@@ -85,9 +86,8 @@ void DraftEdit::follow()
     if (waits != m_lost)
         return;
     m_lost = !waits;
-    m_problem = m_lost
-        ? m_store.whyNot(draftKey(m_draft.id)) + QStringLiteral(" Your text stays here until you close it.")
-        : QString();
+    m_problem
+        = m_lost ? m_store.whyNot(draftKey(m_draft.id)) + u" Your text stays here until you close it."_s : QString();
     Q_EMIT changed();
     Q_EMIT textChanged();
 }

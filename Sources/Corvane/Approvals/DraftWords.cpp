@@ -1,5 +1,6 @@
 #include "Approvals/DraftWords.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Presentation/WAName.h"
 
@@ -7,61 +8,60 @@ namespace corvane {
 
 QString draftStatusTitle(const PendingDraft& draft)
 {
-    const QString target = WAName::pretty(draft.title.isEmpty() ? draft.externalId : draft.title)
-        + QStringLiteral(" · ") + draft.channel;
+    const QString target
+        = WAName::pretty(draft.title.isEmpty() ? draft.externalId : draft.title) + u" · "_s + draft.channel;
     const DraftStatus status = draftStatus(draft.status.toLower());
     const QString source = draft.source.toLower();
     if (mayHaveGoneOut(draft))
-        return QStringLiteral("May have gone out to ") + target;
+        return u"May have gone out to "_s + target;
     if (status == DraftStatus::Approved)
-        return QStringLiteral("Approved for ") + target;
+        return u"Approved for "_s + target;
     if (status == DraftStatus::Placed)
-        return QStringLiteral("Placed in browser for ") + target;
+        return u"Placed in browser for "_s + target;
     if (status == DraftStatus::Failed)
-        return QStringLiteral("Local send failed to ") + target;
+        return u"Local send failed to "_s + target;
     if (status == DraftStatus::Sending)
-        return QStringLiteral("Sending from %1 to ").arg(machineWords::thisMachine) + target;
+        return u"Sending from %1 to "_s.arg(machineWords::thisMachine) + target;
     if (source == u"web" || !draft.webAckStatus.isEmpty())
-        return QStringLiteral("Web draft waiting for local approval · ") + target;
+        return u"Web draft waiting for local approval · "_s + target;
     if (source == u"forward")
-        return QStringLiteral("You forward to ") + target;
+        return u"You forward to "_s + target;
     if (source == u"compose")
-        return QStringLiteral("You write to ") + target;
-    return QStringLiteral("AI wants to send to ") + target;
+        return u"You write to "_s + target;
+    return u"AI wants to send to "_s + target;
 }
 
 QString subjectLine(const PendingDraft& draft)
 {
-    return draft.subject.isEmpty() ? QString() : QStringLiteral("Subject: ") + draft.subject;
+    return draft.subject.isEmpty() ? QString() : u"Subject: "_s + draft.subject;
 }
 
 QString statusLabel(const PendingDraft& draft)
 {
     if (mayHaveGoneOut(draft))
-        return QStringLiteral("May have gone out");
+        return u"May have gone out"_s;
     switch (draft.state()) {
     case DraftStatus::Failed:
-        return QStringLiteral("failed ") + draft.error;
+        return u"failed "_s + draft.error;
     case DraftStatus::Sending:
     case DraftStatus::Rejected:
         return draft.status;
     case DraftStatus::Placed:
-        return QStringLiteral("Placed — awaiting LinkedIn confirmation");
+        return u"Placed — awaiting LinkedIn confirmation"_s;
     case DraftStatus::Sent:
-        return draft.providerMsgId.isEmpty() ? draft.status : QStringLiteral("sent - ") + draft.providerMsgId;
+        return draft.providerMsgId.isEmpty() ? draft.status : u"sent - "_s + draft.providerMsgId;
     case DraftStatus::Approved:
-        return QStringLiteral("Waits for the engine of ") + draft.accountName;
+        return u"Waits for the engine of "_s + draft.accountName;
     case DraftStatus::Pending:
     case DraftStatus::Other:
-        return QStringLiteral("waiting approval");
+        return u"waiting approval"_s;
     }
     return {};
 }
 
 QString confirmQuestion(const PendingDraft& draft)
 {
-    return mayHaveGoneOut(draft) ? QStringLiteral("This may have gone out already. Send it again?")
-                                 : QStringLiteral("Send this message?");
+    return mayHaveGoneOut(draft) ? u"This may have gone out already. Send it again?"_s : u"Send this message?"_s;
 }
 
 QString waitingReason(const PendingDraft& draft, const Account& account, const RuntimeState& engine)
@@ -69,12 +69,12 @@ QString waitingReason(const PendingDraft& draft, const Account& account, const R
     if (draft.state() != DraftStatus::Approved)
         return {};
     if (account.paused.value_or(false))
-        return QStringLiteral("The account is paused. Start runs its engine, which then sends the message.");
+        return u"The account is paused. Start runs its engine, which then sends the message."_s;
     if (engine.status == WAStatus::LoggedOut)
-        return QStringLiteral("The account is signed out. Sign in again in Settings.");
+        return u"The account is signed out. Sign in again in Settings."_s;
     if (engine.status == WAStatus::NeedsQR)
-        return QStringLiteral("The account waits to be linked in Settings.");
-    return engine.status == WAStatus::Error ? QStringLiteral("The engine does not run. ") + engine.lastLog : QString();
+        return u"The account waits to be linked in Settings."_s;
+    return engine.status == WAStatus::Error ? u"The engine does not run. "_s + engine.lastLog : QString();
 }
 
 QString draftFailureReason(const PendingDraft& draft)
@@ -83,7 +83,7 @@ QString draftFailureReason(const PendingDraft& draft)
         return {};
     const QString reason = draft.error.trimmed();
     return reason.isEmpty() && draft.state() == DraftStatus::Failed
-        ? QStringLiteral("Send failed — engine did not report a reason. Retry or check the account connection.")
+        ? u"Send failed — engine did not report a reason. Retry or check the account connection."_s
         : reason;
 }
 

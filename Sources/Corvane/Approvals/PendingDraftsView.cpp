@@ -4,6 +4,7 @@
 #include "Approvals/DraftEdit.h"
 #include "Approvals/DraftWords.h"
 #include "Engines/AccountStore.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
@@ -35,8 +36,7 @@ PendingDraftItem PendingDraftsView::itemOf(const PendingDraft& draft) const
     item.actions = m_at.actions.actions(draft);
     item.platform = draft.channel;
     item.canDecide = waitsForPerson(draft);
-    item.approveLabel
-        = draft.state() == DraftStatus::Failed ? QStringLiteral("Retry Send") : QStringLiteral("Approve & Send");
+    item.approveLabel = draft.state() == DraftStatus::Failed ? u"Retry Send"_s : u"Approve & Send"_s;
     return item;
 }
 
@@ -141,11 +141,10 @@ void PendingDraftsView::present()
         if (const auto verdict = m_at.approvals.armed(draftKey(draft.id))) {
             item.canDecide = false;
             item.secondsLeft = m_at.approvals.secondsLeft(draftKey(draft.id));
-            item.statusLabel
-                = *verdict == Verdict::Approve ? QStringLiteral("Sending…") : QStringLiteral("Discarding…");
+            item.statusLabel = *verdict == Verdict::Approve ? u"Sending…"_s : u"Discarding…"_s;
         }
         if (m_at.editor.lost() && draft.id == m_at.editor.draftId())
-            item.statusLabel = QStringLiteral("No longer waiting");
+            item.statusLabel = u"No longer waiting"_s;
         const bool saysWhyBelow = draft.state() == DraftStatus::Failed && item.canDecide && !mayHaveGoneOut(draft);
         item.stateText = saysWhyBelow ? draft.status : item.statusLabel;
         items.append(item);

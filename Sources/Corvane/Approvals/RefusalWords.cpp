@@ -1,5 +1,6 @@
 #include "Approvals/RefusalWords.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Work/CalendarQueries.h"
@@ -9,24 +10,24 @@ namespace corvane {
 
 namespace {
 
-const QString gone = QStringLiteral("It is no longer there.");
-const QString notSaved = QStringLiteral("It couldn't be saved. Try again.");
-const QString approvedElsewhere = QStringLiteral("Already approved elsewhere.");
-const QString rejectedElsewhere = QStringLiteral("Already rejected elsewhere.");
+const QString gone = u"It is no longer there."_s;
+const QString notSaved = u"It couldn't be saved. Try again."_s;
+const QString approvedElsewhere = u"Already approved elsewhere."_s;
+const QString rejectedElsewhere = u"Already rejected elsewhere."_s;
 
 QString wordsOf(const PendingDraft& draft)
 {
     if (draft.state() == DraftStatus::Rejected)
         return rejectedElsewhere;
     if (draft.state() == DraftStatus::Sent)
-        return QStringLiteral("Already sent.");
+        return u"Already sent."_s;
     return waitsForPerson(draft) ? notSaved : approvedElsewhere;
 }
 
 QString wordsOf(const CRMUpdateProposal& proposal)
 {
     if (proposal.status == u"applied")
-        return QStringLiteral("Already applied elsewhere.");
+        return u"Already applied elsewhere."_s;
     if (proposal.status == u"rejected")
         return rejectedElsewhere;
     return proposal.error.isEmpty() ? notSaved : proposal.error;
@@ -42,7 +43,7 @@ QString wordsOf(const WorkDecisionRecord& decision)
 QString wordsOf(const CalCommand& command)
 {
     if (command.status == u"done")
-        return QStringLiteral("Already added elsewhere.");
+        return u"Already added elsewhere."_s;
     if (command.error == eventRejected)
         return rejectedElsewhere;
     return command.error.isEmpty() ? notSaved : command.error;

@@ -1,6 +1,7 @@
 // What a person does beside the thread. Whatever takes something away offers the way back.
 
 #include "CRM/CRMPane.h"
+#include "Foundation/Literals.h"
 
 #include "Foundation/Text.h"
 #include "Presentation/WAName.h"
@@ -105,7 +106,7 @@ void CRMPane::moveDeal(const QString& id, const QString& stage)
     const auto deal = std::ranges::find(deals, id, &CRMDealRow::id);
     if (deal == deals.end() || deal->stage == stage || !done(moveCRMDeal(m_db, id, stage)))
         return;
-    Q_EMIT undoable(QStringLiteral("Moved “%1” to %2").arg(shortened(deal->name), stage),
+    Q_EMIT undoable(u"Moved “%1” to %2"_s.arg(shortened(deal->name), stage),
         [this, id, before = deal->stage] { done(moveCRMDeal(m_db, id, before)); });
 }
 
@@ -115,7 +116,7 @@ void CRMPane::completeTask(const QString& id)
     const auto task = std::ranges::find(tasks, id, &CRMTaskRow::id);
     if (task == tasks.end() || !done(completeCRMTask(m_db, id)))
         return;
-    Q_EMIT undoable(QStringLiteral("Completed “%1”").arg(shortened(task->title)),
+    Q_EMIT undoable(u"Completed “%1”"_s.arg(shortened(task->title)),
         [this, id, status = task->status] { done(reopenCRMTask(m_db, id, status)); });
 }
 
@@ -123,7 +124,7 @@ void CRMPane::forget(const QString& memoryId)
 {
     const auto entry = forgetMemoryEntry(m_db, memoryId);
     if (done(entry.has_value()))
-        Q_EMIT undoable(QStringLiteral("Forgot “%1”").arg(shortened(entry->body)),
+        Q_EMIT undoable(u"Forgot “%1”"_s.arg(shortened(entry->body)),
             [this, entry = *entry] { done(keepMemoryEntry(m_db, entry)); });
 }
 
@@ -138,7 +139,7 @@ void CRMPane::unmerge(const QString& mergeId)
     const auto live = liveMerge(m_db, m_primary, mergeId);
     if (!separate(mergeId) || !live)
         return;
-    Q_EMIT undoable(QStringLiteral("Unmerged ") + WAName::pretty(displayName(m_db, live->mergedId)),
+    Q_EMIT undoable(u"Unmerged "_s + WAName::pretty(displayName(m_db, live->mergedId)),
         [this, merge = *live] { this->merge(merge.primaryId, merge.mergedId, merge.signal); });
 }
 
@@ -146,7 +147,7 @@ void CRMPane::mergeUndoably(const QString& primary, const QString& merged, const
 {
     const QString name = WAName::pretty(displayName(m_db, merged));
     if (const auto mergeId = merge(primary, merged, signal))
-        Q_EMIT undoable(QStringLiteral("Merged with ") + name, [this, id = *mergeId] { separate(id); });
+        Q_EMIT undoable(u"Merged with "_s + name, [this, id = *mergeId] { separate(id); });
 }
 
 void CRMPane::dismissSuggestion(const QString& otherId)
@@ -157,7 +158,7 @@ void CRMPane::dismissSuggestion(const QString& otherId)
     QList<PaneRow> rows = m_suggestions.rows();
     rows.removeIf([&](const PaneRow& row) { return row.id == otherId; });
     m_suggestions.assign(rows);
-    Q_EMIT undoable(QStringLiteral("Dismissed the suggestion"), [this, pairs] {
+    Q_EMIT undoable(u"Dismissed the suggestion"_s, [this, pairs] {
         for (const auto& pair : pairs)
             m_dismissed.remove(pair);
         reloadIdentity();

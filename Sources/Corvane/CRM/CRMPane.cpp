@@ -2,6 +2,7 @@
 
 #include "CRM/PaneRows.h"
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Messages/ThreadQueries.h"
 
@@ -54,41 +55,40 @@ CRMPane::~CRMPane() = default;
 
 QString CRMPane::identityText() const
 {
-    return m_contact.platforms.size() < 2 ? QString()
-                                          : QStringLiteral("Same person · %1 channels").arg(m_contact.platforms.size());
+    return m_contact.platforms.size() < 2 ? QString() : u"Same person · %1 channels"_s.arg(m_contact.platforms.size());
 }
 
 QString CRMPane::identityEmpty() const
 {
-    const QString suggested = QStringLiteral("Contacts that look like the same person are suggested here.");
+    const QString suggested = u"Contacts that look like the same person are suggested here."_s;
     return m_contact.platforms.size() != 1
         ? suggested
-        : QStringLiteral("Known on %1 only. %2").arg(channelLabel(m_contact.platforms.first()), suggested);
+        : u"Known on %1 only. %2"_s.arg(channelLabel(m_contact.platforms.first()), suggested);
 }
 
 QString CRMPane::memoryEmpty() const
 {
-    return QStringLiteral("Nothing yet — agents save durable facts here as you work.");
+    return u"Nothing yet — agents save durable facts here as you work."_s;
 }
 
 QString CRMPane::infoEmpty() const
 {
-    return QStringLiteral("No contact fields yet — emails, phones, platforms, and linked deal companies appear here.");
+    return u"No contact fields yet — emails, phones, platforms, and linked deal companies appear here."_s;
 }
 
 QString CRMPane::dealsEmpty() const
 {
-    return QStringLiteral("No deals yet — add one for this contact.");
+    return u"No deals yet — add one for this contact."_s;
 }
 
 QString CRMPane::activityEmpty() const
 {
-    return QStringLiteral("No activity yet — messages, notes, and call recordings appear here.");
+    return u"No activity yet — messages, notes, and call recordings appear here."_s;
 }
 
 QString CRMPane::tasksEmpty() const
 {
-    return QStringLiteral("No open tasks yet — add one for this contact.");
+    return u"No open tasks yet — add one for this contact."_s;
 }
 
 QStringList CRMPane::stages() const
@@ -177,7 +177,7 @@ void CRMPane::reloadCRM()
     QList<MemoryEntry> memory;
     ContactInfoRow info;
     for (const QString& id : std::as_const(m_people)) {
-        memory += fetchMemoryEntries(m_db, QStringLiteral("contact:") + id);
+        memory += fetchMemoryEntries(m_db, u"contact:"_s + id);
         info.add(fetchContactInfo(m_db, id));
     }
     // One more of each than is shown tells whether there are more.
@@ -201,7 +201,7 @@ void CRMPane::reloadCRM()
 
 bool CRMPane::done(bool saved)
 {
-    setError(saved ? QString() : QStringLiteral("Couldn't save it, try again."));
+    setError(saved ? QString() : u"Couldn't save it, try again."_s);
     reloadCRM();
     return saved;
 }

@@ -1,6 +1,7 @@
 #include "CRM/ContactPick.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/WAName.h"
 
@@ -42,7 +43,7 @@ void ContactPick::choose(const QString& contactId)
         return;
     if (m_link(m_subject, contactId))
         return cancel();
-    m_errorText = QStringLiteral("Couldn't link it, try again.");
+    m_errorText = u"Couldn't link it, try again."_s;
     Q_EMIT changed();
 }
 

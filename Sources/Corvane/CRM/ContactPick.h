@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -29,9 +30,9 @@ public:
     const QString& subject() const { return m_subject; }
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
-    QString searchText() const { return QStringLiteral("Search contacts"); }
+    QString searchText() const { return u"Search contacts"_s; }
     const QList<ContactChoice>& people() const { return m_people; }
-    QString emptyText() const { return QStringLiteral("Nobody of that name has written yet."); }
+    QString emptyText() const { return u"Nobody of that name has written yet."_s; }
     const QString& errorText() const { return m_errorText; }
 
     Q_INVOKABLE void begin(const QString& subject);

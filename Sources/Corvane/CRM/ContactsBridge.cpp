@@ -1,6 +1,7 @@
 #include "CRM/ContactsBridge.h"
 
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AddressBook.h"
 
@@ -29,9 +30,8 @@ ContactsBridge::ContactsBridge(const AddressBook& book, BackgroundQueue& backgro
 
 void ContactsBridge::load(const std::function<void()>& completion)
 {
-    const QStringList folders = m_defaults.text(QStringLiteral("nimb.addressBookFolders"))
-                                    .value_or(QString())
-                                    .split(u':', Qt::SkipEmptyParts);
+    const QStringList folders
+        = m_defaults.text(u"nimb.addressBookFolders"_s).value_or(QString()).split(u':', Qt::SkipEmptyParts);
     if (m_ready || (!m_loading && !m_book.requestAccess(folders))) {
         if (completion)
             completion();

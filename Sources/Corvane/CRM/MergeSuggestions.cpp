@@ -1,5 +1,6 @@
 #include "CRM/MergeSuggestions.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -43,8 +44,8 @@ public:
     QList<MergeCandidate> collect()
     {
         readPeople();
-        addSharing(SharedSign::Email, QStringLiteral("email"));
-        addSharing(SharedSign::Phone, QStringLiteral("phone"));
+        addSharing(SharedSign::Email, u"email"_s);
+        addSharing(SharedSign::Phone, u"phone"_s);
         addNamesakes();
         return m_found;
     }
@@ -84,7 +85,7 @@ private:
                 const bool any = m_touching.isEmpty() || ids.at(a) == m_touching;
                 for (qsizetype b = a + 1; b < ids.size() && !enough(); ++b) {
                     if (any || ids.at(b) == m_touching)
-                        add(ids.at(a), ids.at(b), QStringLiteral("name"));
+                        add(ids.at(a), ids.at(b), u"name"_s);
                 }
             }
         }

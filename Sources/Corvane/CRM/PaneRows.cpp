@@ -1,6 +1,7 @@
 #include "CRM/PaneRows.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
@@ -22,12 +23,12 @@ QString line(const QString& text)
 QString joined(QStringList parts)
 {
     parts.removeAll(QString());
-    return parts.join(QStringLiteral(" · "));
+    return parts.join(u" · "_s);
 }
 
 QString signalWords(const QString& signal)
 {
-    return signal == u"name" ? QStringLiteral("similar name (weak)") : QStringLiteral("matching ") + signal;
+    return signal == u"name" ? u"similar name (weak)"_s : u"matching "_s + signal;
 }
 
 }
@@ -39,7 +40,7 @@ PaneRow suggestionRow(const MergeCandidate& pair, const QString& contactId)
     PaneRow row;
     row.id = isFirst ? pair.bId : pair.aId;
     row.channel = row.id.section(u':', 1, 1);
-    row.text = QStringLiteral("Same as %1?").arg(name);
+    row.text = u"Same as %1?"_s.arg(name);
     row.detail = signalWords(pair.signal);
     return row;
 }
@@ -49,7 +50,7 @@ PaneRow mergeRow(const LiveMerge& merge, const QString& mergedName)
     PaneRow row;
     row.id = merge.id;
     row.channel = merge.mergedId.section(u':', 1, 1);
-    row.text = QStringLiteral("Merged with ") + WAName::pretty(mergedName);
+    row.text = u"Merged with "_s + WAName::pretty(mergedName);
     row.detail = channelLabel(row.channel);
     return row;
 }
@@ -74,14 +75,14 @@ QList<PaneRow> infoRows(const ContactInfoRow& info)
             rows.append(row);
         }
     };
-    add(QStringLiteral("Email"), info.emails);
-    add(QStringLiteral("Phone"), info.phones);
+    add(u"Email"_s, info.emails);
+    add(u"Phone"_s, info.phones);
     for (const QString& platform : info.platforms) {
-        add(QStringLiteral("Channel"), { channelLabel(platform) });
+        add(u"Channel"_s, { channelLabel(platform) });
         rows.last().channel = platform;
     }
-    add(QStringLiteral("Handle"), info.handles);
-    add(QStringLiteral("Company"), info.companies);
+    add(u"Handle"_s, info.handles);
+    add(u"Company"_s, info.companies);
     return rows;
 }
 
@@ -113,11 +114,9 @@ PaneRow activityRow(const ActivityRow& activity, const DateWords& words)
     row.detail = activity.processingStatus;
     row.timeText = words.listTime(activity.ts);
     row.channel = activity.channel;
-    row.icon = activity.kind == Kind::Call ? QStringLiteral("call-start")
-        : activity.kind == Kind::Note      ? QStringLiteral("note")
-                                           : QString();
-    row.label = activity.kind == Kind::Call ? QStringLiteral("Call")
-        : activity.kind == Kind::Note       ? QStringLiteral("Note")
+    row.icon = activity.kind == Kind::Call ? u"call-start"_s : activity.kind == Kind::Note ? u"note"_s : QString();
+    row.label = activity.kind == Kind::Call ? u"Call"_s
+        : activity.kind == Kind::Note       ? u"Note"_s
                                             : channelLabel(activity.channel);
     return row;
 }

@@ -2,14 +2,13 @@
 
 #include "Calendar/CalendarEdits.h"
 #include "Calendar/CalendarStore.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Presentation/DateWords.h"
 
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

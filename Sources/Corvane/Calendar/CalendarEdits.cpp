@@ -2,6 +2,7 @@
 
 #include "Calendar/CalendarStore.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 #include <QDir>
@@ -13,8 +14,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "Calendar/CalendarKeys.h"
 
-namespace corvane {
+#include "Foundation/Literals.h"
 
-using namespace Qt::StringLiterals;
+namespace corvane {
 
 QList<Command> calendarCommands()
 {

@@ -1,13 +1,12 @@
 #include "Calendar/CalendarLayout.h"
 
 #include "Calendar/MeetingRules.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,12 +3,11 @@
 #include "Calendar/CalendarCommands.h"
 #include "Calendar/CalendarEdits.h"
 #include "Calendar/CalendarStore.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Desktop.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 CalendarSettings::CalendarSettings(CalendarStore& store, CalendarCommands& commands, Desktop& desktop, QObject* parent)
     : QObject(parent)

@@ -1,6 +1,7 @@
 #include "Calendar/CalendarStore.h"
 
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 #include <QDateTime>
@@ -10,8 +11,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

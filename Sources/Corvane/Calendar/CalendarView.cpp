@@ -4,6 +4,7 @@
 #include "Calendar/CalendarEdits.h"
 #include "Calendar/MeetingRules.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Platform/Desktop.h"
 #include "Presentation/DateWords.h"
 
@@ -13,8 +14,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

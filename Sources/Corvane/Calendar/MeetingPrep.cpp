@@ -1,6 +1,7 @@
 #include "Calendar/MeetingPrep.h"
 
 #include "AI/AIServices.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/Text.h"
 #include "Store/Core/StoreWatch.h"
@@ -12,8 +13,6 @@
 #include <array>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,12 +3,11 @@
 #include "Calendar/CalendarStore.h"
 #include "Calendar/MeetingPrep.h"
 #include "Calendar/MeetingRules.h"
+#include "Foundation/Literals.h"
 
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

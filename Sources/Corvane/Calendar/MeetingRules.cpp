@@ -1,5 +1,7 @@
 #include "Calendar/MeetingRules.h"
 
+#include "Foundation/Literals.h"
+
 #include <QDateTime>
 #include <QLocale>
 #include <QRegularExpression>
@@ -7,8 +9,6 @@
 #include <array>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,13 +3,12 @@
 #include "Calendar/CalendarLayout.h"
 #include "Calendar/CalendarStore.h"
 #include "Calendar/MeetingRules.h"
+#include "Foundation/Literals.h"
 #include "Platform/Desktop.h"
 
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

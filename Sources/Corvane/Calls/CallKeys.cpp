@@ -1,10 +1,9 @@
 #include "Calls/CallKeys.h"
 
 #include "Calls/RecordingView.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 CallKeys::CallKeys(RecordingView& recording, GlobalShortcuts* shortcuts, UserDefaults& defaults, QObject* parent)
     : QObject(parent)

@@ -1,6 +1,7 @@
 #include "Calls/CallNotes.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Platform/PrivateFile.h"
 
 #include <QFile>
@@ -12,7 +13,7 @@ namespace {
 
 QString notesPath(const QString& folder)
 {
-    return folder + QStringLiteral("/notes.json");
+    return folder + u"/notes.json"_s;
 }
 
 }
@@ -23,8 +24,8 @@ CallNotes readCallNotes(const QString& callFolder)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QJsonObject content = jsonObject(file.readAll()).value_or(QJsonObject());
-    CallNotes notes { .text = textValue(content, QLatin1StringView("text")).value_or(QString()), .marksMs = {} };
-    for (const QJsonValue& mark : content.value(QLatin1StringView("marksMs")).toArray())
+    CallNotes notes { .text = textValue(content, "text"_L1).value_or(QString()), .marksMs = {} };
+    for (const QJsonValue& mark : content.value("marksMs"_L1).toArray())
         notes.marksMs.append(mark.toInteger());
     return notes;
 }
@@ -34,9 +35,8 @@ bool writeCallNotes(const QString& callFolder, const CallNotes& notes)
     QJsonArray marks;
     for (const qint64 mark : notes.marksMs)
         marks.append(mark);
-    return writePrivateFile(notesPath(callFolder),
-        compactJson({ { QStringLiteral("text"), notes.text }, { QStringLiteral("marksMs"), marks } }),
-        Outlives::Program);
+    return writePrivateFile(
+        notesPath(callFolder), compactJson({ { u"text"_s, notes.text }, { u"marksMs"_s, marks } }), Outlives::Program);
 }
 
 }

@@ -4,6 +4,7 @@
 #include "Calls/CallRecorder.h"
 #include "Calls/CallSummarizer.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/PlayTime.h"
 #include "Presentation/WAName.h"
@@ -108,7 +109,7 @@ QString CallPage::whenText() const
     QStringList parts { words.group(m_call->startedAt), words.clockTime(m_call->startedAt) };
     if (m_call->durationMs > 0)
         parts.append(playTime(m_call->durationMs));
-    return parts.join(QStringLiteral(" · "));
+    return parts.join(u" · "_s);
 }
 
 QString CallPage::errorText() const
@@ -125,8 +126,8 @@ QString CallPage::noSoundText() const
 {
     if (!m_call || hasSound())
         return {};
-    return isRecordedNow() ? QStringLiteral("The sound can be played after the recording.")
-                           : QStringLiteral("The sound of this call is no longer here.");
+    return isRecordedNow() ? u"The sound can be played after the recording."_s
+                           : u"The sound of this call is no longer here."_s;
 }
 
 QList<float> CallPage::microphoneBars() const
@@ -160,7 +161,7 @@ QStringList CallPage::markTimes() const
 
 int CallPage::currentTurn() const
 {
-    if (m_player.state() == QLatin1StringView("idle"))
+    if (m_player.state() == "idle"_L1)
         return -1;
     const auto later = std::ranges::upper_bound(m_turns, m_player.positionMs(), {}, &CallTurn::startMs);
     return int(later - m_turns.begin()) - 1;
@@ -178,8 +179,8 @@ QString CallPage::emptyTranscriptText() const
     if (!m_call || !m_turns.isEmpty())
         return {};
     if (isRecordedNow())
-        return QStringLiteral("The transcript is made after the recording.");
-    return busy() ? QStringLiteral("The transcript is being made.") : QStringLiteral("There is no transcript yet.");
+        return u"The transcript is made after the recording."_s;
+    return busy() ? u"The transcript is being made."_s : u"There is no transcript yet."_s;
 }
 
 bool CallPage::busy() const
@@ -198,9 +199,9 @@ QString CallPage::processLabel() const
         return {};
     const QString& status = m_call->processingStatus;
     if (status == callStatus::recording || status == callStatus::interrupted)
-        return QStringLiteral("Recover");
-    return status == callStatus::ready || status == callStatus::transcribed ? QStringLiteral("Transcribe again")
-                                                                            : QStringLiteral("Transcribe now");
+        return u"Recover"_s;
+    return status == callStatus::ready || status == callStatus::transcribed ? u"Transcribe again"_s
+                                                                            : u"Transcribe now"_s;
 }
 
 QList<Choice> CallPage::models() const
@@ -223,13 +224,13 @@ QString CallPage::model() const
 bool CallPage::asksCodex() const
 {
     return m_call && !busy() && m_call->processingStatus == callStatus::transcribed
-        && m_call->processingError.contains(QLatin1StringView("Codex CLI yet"));
+        && m_call->processingError.contains("Codex CLI yet"_L1);
 }
 
 QString CallPage::codexQuestion() const
 {
-    return QStringLiteral("No model runs on this computer. The Codex CLI could write the summary, and would send the "
-                          "transcript to its provider. Your answer holds for later calls, too.");
+    return u"No model runs on this computer. The Codex CLI could write the summary, and would send the "
+           "transcript to its provider. Your answer holds for later calls, too."_s;
 }
 
 QList<CallSummarySection> CallPage::summary() const
@@ -241,13 +242,12 @@ QString CallPage::emptySummaryText() const
 {
     if (!m_call || !m_call->summary.isEmpty())
         return {};
-    return busy() ? QStringLiteral("The summary follows the transcript.") : QStringLiteral("There is no summary.");
+    return busy() ? u"The summary follows the transcript."_s : u"There is no summary."_s;
 }
 
 QString CallPage::deleteQuestion() const
 {
-    return QStringLiteral("“%1” is removed with its sound, transcript and summary. What was added to the CRM stays.")
-        .arg(title());
+    return u"“%1” is removed with its sound, transcript and summary. What was added to the CRM stays."_s.arg(title());
 }
 
 void CallPage::rename(const QString& title)
@@ -266,7 +266,7 @@ void CallPage::setNotes(const QString& text)
     m_notes = readCallNotes(folder());
     m_notes.text = text;
     if (!writeCallNotes(folder(), m_notes))
-        tell(QStringLiteral("The notes can't be saved."));
+        tell(u"The notes can't be saved."_s);
 }
 
 void CallPage::playTurn(int number)
@@ -313,7 +313,7 @@ void CallPage::processWith(const QString& model)
 void CallPage::process(const CallJob& work)
 {
     m_player.stop();
-    if (processLabel() != QLatin1StringView("Recover"))
+    if (processLabel() != "Recover"_L1)
         return m_recorder.processor().process(work);
     CallAudio& audio = m_recorder.surroundings().audio;
     LocalDB& db = m_recorder.recorded().db();
@@ -348,7 +348,7 @@ void CallPage::answerCodex(bool allowed)
     if (allowed)
         return m_recorder.processor().summarizeAgain(m_call->id);
     updateCallProcessing(m_recorder.recorded().db(), m_call->id, callStatus::transcribed,
-        QStringLiteral("Summary not ready: Corvane may not send transcripts to the Codex CLI."));
+        u"Summary not ready: Corvane may not send transcripts to the Codex CLI."_s);
     m_recorder.recorded().refresh();
     reload();
 }
@@ -359,7 +359,7 @@ void CallPage::decide(const QString& id, bool apply)
     const Decided decided
         = apply ? applyCRMUpdateProposal(db, id, m_seenProposals.value(id)) : rejectCRMUpdateProposal(db, id);
     if (decided == Decided::Changed)
-        tell(QStringLiteral("It was changed meanwhile. Read it again."));
+        tell(u"It was changed meanwhile. Read it again."_s);
     m_recorder.recorded().refresh();
     reload();
 }
@@ -383,13 +383,13 @@ void CallPage::tell(const QString& words)
 void CallPage::exportText()
 {
     if (m_call)
-        tell(exportCall(*m_call, QStringLiteral("txt"), callAsText(*m_call, m_turns, m_notes).toUtf8()));
+        tell(exportCall(*m_call, u"txt"_s, callAsText(*m_call, m_turns, m_notes).toUtf8()));
 }
 
 void CallPage::exportSubtitles()
 {
     if (m_call)
-        tell(exportCall(*m_call, QStringLiteral("vtt"), webVtt(m_turns).toUtf8()));
+        tell(exportCall(*m_call, u"vtt"_s, webVtt(m_turns).toUtf8()));
 }
 
 void CallPage::exportSound()
@@ -406,7 +406,7 @@ void CallPage::remove()
     m_player.stop();
     const QString files = folder();
     if (!deleteCall(m_recorder.recorded().db(), m_call->id))
-        return tell(QStringLiteral("The call can't be deleted now."));
+        return tell(u"The call can't be deleted now."_s);
     removeCallFiles(m_recorder.surroundings().paths, files);
     m_call.reset();
     m_recorder.recorded().refresh();

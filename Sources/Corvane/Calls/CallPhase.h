@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QString>
 
 namespace corvane {
@@ -15,18 +17,18 @@ struct CallPhase {
 };
 
 namespace callStatus {
-inline const QString recording = QStringLiteral("recording");
-inline const QString transcribing = QStringLiteral("transcribing");
-inline const QString transcribed = QStringLiteral("transcribed");
-inline const QString ready = QStringLiteral("ready");
-inline const QString failed = QStringLiteral("failed");
-inline const QString cancelled = QStringLiteral("cancelled");
-inline const QString interrupted = QStringLiteral("interrupted");
+inline const QString recording = u"recording"_s;
+inline const QString transcribing = u"transcribing"_s;
+inline const QString transcribed = u"transcribed"_s;
+inline const QString ready = u"ready"_s;
+inline const QString failed = u"failed"_s;
+inline const QString cancelled = u"cancelled"_s;
+inline const QString interrupted = u"interrupted"_s;
 }
 
 namespace captureMode {
-inline const QString micOnly = QStringLiteral("mic_only");
-inline const QString micAndSystem = QStringLiteral("mic_and_system");
+inline const QString micOnly = u"mic_only"_s;
+inline const QString micAndSystem = u"mic_and_system"_s;
 }
 
 }

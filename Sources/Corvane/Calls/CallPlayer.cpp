@@ -1,5 +1,6 @@
 #include "Calls/CallPlayer.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/PlayTime.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ State CallPlayer::current() const
 
 QString CallPlayer::actionText() const
 {
-    return current() == State::Playing ? QStringLiteral("Pause") : QStringLiteral("Play");
+    return current() == State::Playing ? u"Pause"_s : u"Play"_s;
 }
 
 QString CallPlayer::problem() const

@@ -3,6 +3,7 @@
 #include "Calls/CallProposals.h"
 #include "Calls/CallSummarizer.h"
 #include "Calls/CallTurns.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Store/Work/CallWrites.h"
 
@@ -54,8 +55,7 @@ void CallProcessor::process(const CallJob& job)
     Running& running = m_running[job.callId];
     updateCallProcessing(m_db, job.callId, callStatus::transcribing);
     const CancelHandle cancel = running.cancel;
-    advance(
-        job.callId, { CallPhase::Kind::Transcribing }, QStringLiteral("Recording saved. Starting local transcript."));
+    advance(job.callId, { CallPhase::Kind::Transcribing }, u"Recording saved. Starting local transcript."_s);
     run(job, cancel);
 }
 
@@ -86,8 +86,7 @@ QCoro::Task<> CallProcessor::run(CallJob job, CancelHandle cancel)
         co_return;
     }
     if (transcript->text.trimmed().isEmpty()) {
-        fail(job.callId, QStringLiteral("Transcript was empty; summary skipped."),
-            QStringLiteral("Transcript was empty. Summary skipped."));
+        fail(job.callId, u"Transcript was empty; summary skipped."_s, u"Transcript was empty. Summary skipped."_s);
         co_return;
     }
     replaceCallTranscript(m_db, { job.callId, job.captureMode, transcript->text, transcript->model });
@@ -139,9 +138,9 @@ QCoro::Task<std::expected<CallProcessor::Transcript, SpeechTranscriberError>> Ca
 QCoro::Task<> CallProcessor::summarize(QString callId, QString title, QString captureMode, CancelHandle cancel)
 {
     const QPointer<CallProcessor> self(this);
-    advance(callId, { CallPhase::Kind::Summarizing }, QStringLiteral("Transcript ready. Running LumoAI summary."));
+    advance(callId, { CallPhase::Kind::Summarizing }, u"Transcript ready. Running LumoAI summary."_s);
     const QString transcript = transcriptText(m_db, callId);
-    Result<QString> summary = failure(QStringLiteral("The transcript was not sent to the Codex CLI yet."));
+    Result<QString> summary = failure(u"The transcript was not sent to the Codex CLI yet."_s);
     const bool waitsForAnswer = co_await m_summarizer.needsCodexAnswer();
     if (self && !waitsForAnswer) {
         const QString input = co_await m_summarizer.summaryInput(transcript, cancel);
@@ -155,17 +154,15 @@ QCoro::Task<> CallProcessor::summarize(QString callId, QString title, QString ca
     createCRMProposalsForCall(m_db, callId, title, summary.value_or(QString()), transcript);
     m_running.remove(callId);
     if (summary) {
-        storeCallSummary(m_db, callId, *summary, QStringLiteral("LumoAI"), summaryWarnings(captureMode));
+        storeCallSummary(m_db, callId, *summary, u"LumoAI"_s, summaryWarnings(captureMode));
         updateCallProcessing(m_db, callId, callStatus::ready);
-        advance(callId, { CallPhase::Kind::Ready },
-            QStringLiteral("Call transcript, summary, and CRM proposals are ready."));
+        advance(callId, { CallPhase::Kind::Ready }, u"Call transcript, summary, and CRM proposals are ready."_s);
         co_return;
     }
-    updateCallProcessing(
-        m_db, callId, callStatus::transcribed, QStringLiteral("Summary not ready: ") + summary.error().message);
+    updateCallProcessing(m_db, callId, callStatus::transcribed, u"Summary not ready: "_s + summary.error().message);
     advance(callId, { CallPhase::Kind::Ready },
-        QStringLiteral("Transcript ready. CRM proposals created from transcript. Summary needs %1 or Codex CLI.")
-            .arg(machineWords::localModel));
+        u"Transcript ready. CRM proposals created from transcript. Summary needs %1 or Codex CLI."_s.arg(
+            machineWords::localModel));
 }
 
 void CallProcessor::fail(const QString& callId, const QString& stored, const QString& shown)

@@ -2,6 +2,7 @@
 
 #include "Calls/CallNotes.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
@@ -23,24 +24,24 @@ constexpr Milliseconds tickPeriod { 300 };
 constexpr qint64 diskPeriodMs = 5000;
 constexpr qint64 lowDiskBytes = 500'000'000;
 constexpr qint64 fullDiskBytes = 100'000'000;
-const QString systemAudioKey = QStringLiteral("nimb.calls.systemAudioEnabled");
-const QString systemAudioOff = QStringLiteral("System audio capture is off.");
-const QString noDatabase = QStringLiteral("Local database is not ready.");
-const QString calendarAuto = QStringLiteral("calendar_auto");
-const QString micBackend = QStringLiteral("avaudiorecorder");
-const QString bothBackend = QStringLiteral("avaudiorecorder+screencapturekit");
+const QString systemAudioKey = u"nimb.calls.systemAudioEnabled"_s;
+const QString systemAudioOff = u"System audio capture is off."_s;
+const QString noDatabase = u"Local database is not ready."_s;
+const QString calendarAuto = u"calendar_auto"_s;
+const QString micBackend = u"avaudiorecorder"_s;
+const QString bothBackend = u"avaudiorecorder+screencapturekit"_s;
 
 QString newCallId(qint64 nowMs)
 {
-    return QStringLiteral("call-%1-%2").arg(nowMs).arg(QRandomGenerator::global()->bounded(1000, 10'000));
+    return u"call-%1-%2"_s.arg(nowMs).arg(QRandomGenerator::global()->bounded(1000, 10'000));
 }
 
 QString callFolder(const AppPaths& paths, const QString& id, qint64 startedAtMs)
 {
     const QDate day = QDateTime::fromMSecsSinceEpoch(startedAtMs).date();
-    return QStringLiteral("%1/media/calls/%2/%3/%4")
-        .arg(paths.applicationSupport, QString::number(day.isValid() ? day.year() : 1970),
-            QString::number(day.isValid() ? day.month() : 1).rightJustified(2, u'0'), id);
+    return u"%1/media/calls/%2/%3/%4"_s.arg(paths.applicationSupport,
+        QString::number(day.isValid() ? day.year() : 1970),
+        QString::number(day.isValid() ? day.month() : 1).rightJustified(2, u'0'), id);
 }
 
 }
@@ -71,7 +72,7 @@ void CallRecorder::setSystemAudioEnabled(bool enabled)
 {
     m_at.defaults.setBoolean(systemAudioKey, enabled);
     m_systemAudioStatus
-        = enabled ? QStringLiteral("System audio will be captured when a sound output is available.") : systemAudioOff;
+        = enabled ? u"System audio will be captured when a sound output is available."_s : systemAudioOff;
     Q_EMIT changed();
 }
 
@@ -94,8 +95,8 @@ void CallRecorder::start(const QString& title, const CallRecordingContext& conte
         if (access == MicrophoneAccess::Granted)
             return self->begin(title, context);
         self->m_starting = false;
-        self->fail(access == MicrophoneAccess::Denied ? QStringLiteral("Microphone access is denied.")
-                                                      : QStringLiteral("No microphone was found."));
+        self->fail(
+            access == MicrophoneAccess::Denied ? u"Microphone access is denied."_s : u"No microphone was found."_s);
     });
 }
 
@@ -116,27 +117,27 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
     if (!m_at.recorded.db().isOpen())
         return fail(noDatabase);
     if (const qint64 free = m_at.machine.state().freeDiskBytes; free >= 0 && free < fullDiskBytes)
-        return fail(QStringLiteral("The disk is full. Make room for the recording."));
+        return fail(u"The disk is full. Make room for the recording."_s);
     const qint64 now = m_at.scheduler.nowMs();
     const QString named = title.trimmed();
     const Shown call {
-        .id = newCallId(now), .title = named.isEmpty() ? QStringLiteral("Manual recording") : named, .context = context
+        .id = newCallId(now), .title = named.isEmpty() ? u"Manual recording"_s : named, .context = context
     };
     const QString folder = callFolder(m_at.paths, call.id, now);
     if (!QDir().mkpath(folder))
-        return fail(QStringLiteral("The folder for the recording can't be made: ") + folder);
+        return fail(u"The folder for the recording can't be made: "_s + folder);
     m_next = std::make_unique<Active>();
     m_next->startedAtMs = now;
-    m_next->micPath = folder + QStringLiteral("/mic.m4a");
+    m_next->micPath = folder + u"/mic.m4a"_s;
     m_next->microphone = m_at.audio.recordMicrophone(m_next->micPath);
     if (!m_next->microphone)
-        return fail(QStringLiteral("Could not start the microphone recorder."));
+        return fail(u"Could not start the microphone recorder."_s);
     if (!systemAudioEnabled())
         return begun(call, failure({}));
-    m_systemAudioStatus = QStringLiteral("System audio is not started.");
+    m_systemAudioStatus = u"System audio is not started."_s;
     m_next->system = std::make_unique<SystemAudioCapture>(m_at.audio);
-    m_next->system->start(folder + QStringLiteral("/system.m4a"), m_application,
-        [this, call](const Result<void>& started) { begun(call, started); });
+    m_next->system->start(
+        folder + u"/system.m4a"_s, m_application, [this, call](const Result<void>& started) { begun(call, started); });
 }
 
 /// The microphone records; `system` tells whether the machine's sound is recorded, too.
@@ -146,13 +147,12 @@ void CallRecorder::begun(const Shown& given, const Result<void>& system)
     Active& next = *m_next;
     if (system) {
         call.captureMode = captureMode::micAndSystem;
-        next.systemPath = QFileInfo(next.micPath).path() + QStringLiteral("/system.m4a");
-        m_systemAudioStatus = QStringLiteral("System audio capturing.");
+        next.systemPath = QFileInfo(next.micPath).path() + u"/system.m4a"_s;
+        m_systemAudioStatus = u"System audio capturing."_s;
     } else if (next.system) {
         next.system->cancel();
         next.system.reset();
-        m_systemAudioStatus
-            = QStringLiteral("System audio unavailable; mic fallback active. ") + system.error().message;
+        m_systemAudioStatus = u"System audio unavailable; mic fallback active. "_s + system.error().message;
     } else {
         m_systemAudioStatus = systemAudioOff;
     }
@@ -188,20 +188,16 @@ void CallRecorder::begun(const Shown& given, const Result<void>& system)
     m_diskIsLow = false;
     m_marksMs.clear();
     m_waveform = {};
-    m_active->awake = m_at.sleep.hold(QStringLiteral("A call is being recorded"));
+    m_active->awake = m_at.sleep.hold(u"A call is being recorded"_s);
     const auto stopOnFailure = [this](const QString& reason) {
-        stopBecause(QStringLiteral("The recording could not be written and was stopped: ") + reason);
+        stopBecause(u"The recording could not be written and was stopped: "_s + reason);
     };
     connect(m_active->microphone.get(), &TrackRecording::failed, this, stopOnFailure);
     connect(m_active->microphone.get(), &TrackRecording::sourceChanged, this, &CallRecorder::changed);
     if (m_active->system)
         connect(m_active->system->track(), &TrackRecording::failed, this, stopOnFailure);
-    m_statusText
-        = QStringLiteral("%1 %2. %3 on %4.")
-              .arg(context.startMode == calendarAuto ? QStringLiteral("Auto-recording") : QStringLiteral("Recording"),
-                  call.title,
-                  m_active->system ? QStringLiteral("Mic and system audio stay") : QStringLiteral("Audio stays"),
-                  machineWords::thisMachine);
+    m_statusText = u"%1 %2. %3 on %4."_s.arg(context.startMode == calendarAuto ? u"Auto-recording"_s : u"Recording"_s,
+        call.title, m_active->system ? u"Mic and system audio stay"_s : u"Audio stays"_s, machineWords::thisMachine);
     m_timer = m_at.scheduler.every(tickPeriod, [this] { tick(); });
     m_at.recorded.refresh();
     Q_EMIT changed();
@@ -224,7 +220,7 @@ void CallRecorder::checkDisk()
     m_diskCheckedMs = now;
     const qint64 free = m_at.machine.state().freeDiskBytes;
     if (free >= 0 && free < fullDiskBytes)
-        return stopBecause(QStringLiteral("The disk is full. The recording was stopped and saved."));
+        return stopBecause(u"The disk is full. The recording was stopped and saved."_s);
     const bool isLow = free >= 0 && free < lowDiskBytes;
     if (std::exchange(m_diskIsLow, isLow) != isLow)
         Q_EMIT changed();
@@ -235,9 +231,9 @@ QString CallRecorder::warningText() const
     if (!m_active)
         return {};
     if (m_diskIsLow)
-        return QStringLiteral("The disk is almost full. The recording stops by itself when it is.");
+        return u"The disk is almost full. The recording stops by itself when it is."_s;
     if (!m_active->microphone->hasSource() && m_elapsed > 3)
-        return QStringLiteral("The microphone is gone. It is recorded again as soon as it is back.");
+        return u"The microphone is gone. It is recorded again as soon as it is back."_s;
     return {};
 }
 
@@ -277,7 +273,7 @@ void CallRecorder::stop()
     active->awake.reset();
     const Shown call = m_shown;
     m_phase = { CallPhase::Kind::Transcribing };
-    m_statusText = QStringLiteral("Recording saved. Starting local transcript.");
+    m_statusText = u"Recording saved. Starting local transcript."_s;
     endCall(m_at.recorded.db(), call.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::transcribing);
     m_saving.append(call.id);
     const QPointer<CallRecorder> self(this);
@@ -306,7 +302,7 @@ void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& acti
         .micPath = microphone || !active->system ? active->micPath : QString(),
         .systemPath = active->systemPath };
     if (active->system && !system) {
-        const QString words = QStringLiteral("System audio failed; using mic recording. ") + system.error().message;
+        const QString words = u"System audio failed; using mic recording. "_s + system.error().message;
         if (m_shown.id == call.id)
             m_systemAudioStatus = words;
         updateCallProcessing(m_at.recorded.db(), call.id, callStatus::transcribing, words);
@@ -314,7 +310,7 @@ void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& acti
         job.micPath = active->micPath;
         job.systemPath.clear();
     } else if (active->system && m_shown.id == call.id) {
-        m_systemAudioStatus = QStringLiteral("System audio saved.");
+        m_systemAudioStatus = u"System audio saved."_s;
     }
     m_at.processor.process(job);
 }
@@ -344,10 +340,9 @@ void CallRecorder::cancelActiveRecording()
     const std::unique_ptr<Active> active = std::move(m_active);
     m_timer.reset();
     m_phase = {};
-    m_statusText = QStringLiteral("Recording cancelled.");
+    m_statusText = u"Recording cancelled."_s;
     active->cancel();
-    updateCallProcessing(
-        m_at.recorded.db(), m_shown.id, callStatus::cancelled, QStringLiteral("User cancelled before processing."));
+    updateCallProcessing(m_at.recorded.db(), m_shown.id, callStatus::cancelled, u"User cancelled before processing."_s);
     forgetShown();
     m_at.recorded.refresh();
     Q_EMIT changed();
@@ -366,10 +361,10 @@ void CallRecorder::stopForQuit()
     active->microphone->close();
     if (active->system)
         active->system->close();
-    m_statusText = QStringLiteral("Interrupted");
+    m_statusText = u"Interrupted"_s;
     LocalDB& db = m_at.recorded.db();
     endCall(db, m_shown.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::interrupted);
-    updateCallProcessing(db, m_shown.id, callStatus::interrupted, QStringLiteral("Corvane quit while recording."));
+    updateCallProcessing(db, m_shown.id, callStatus::interrupted, u"Corvane quit while recording."_s);
     Q_EMIT changed();
 }
 

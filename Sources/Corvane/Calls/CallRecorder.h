@@ -4,6 +4,7 @@
 #include "Calls/CallProcessor.h"
 #include "Calls/CallWaveform.h"
 #include "Calls/SystemAudioCapture.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Platform/Microphone.h"
 #include "Platform/SleepInhibitor.h"
@@ -17,7 +18,7 @@ struct AppPaths;
 
 /// What a recording is about, and who says that it may be made.
 struct CallRecordingContext {
-    QString startMode = QStringLiteral("manual"); ///< or "calendar_auto"
+    QString startMode = u"manual"_s; ///< or "calendar_auto"
     QString calendarEventId = {};
     QString contactId = {};
     QString conversationId = {};
@@ -25,8 +26,8 @@ struct CallRecordingContext {
     QString sourceBundleId = {};
     bool consentRequired = true;
     bool consentGranted = false;
-    QString consentNote = QStringLiteral("User-started from Corvane; participant consent must be handled by the user.");
-    QString disclosureMode = QStringLiteral("manual");
+    QString consentNote = u"User-started from Corvane; participant consent must be handled by the user."_s;
+    QString disclosureMode = u"manual"_s;
 };
 
 /// The one owner of a running recording. It records the microphone and, where that is wanted and can be had, what the
@@ -136,7 +137,7 @@ private:
     QList<qint64> m_marksMs;
     CallWaveform m_waveform;
     QString m_application;
-    QString m_statusText = QStringLiteral("Ready for user-started recording.");
+    QString m_statusText = u"Ready for user-started recording."_s;
     QString m_systemAudioStatus;
 };
 

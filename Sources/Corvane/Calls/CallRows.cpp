@@ -1,6 +1,7 @@
 #include "Calls/CallRows.h"
 
 #include "Calls/CallRecorder.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/PlayTime.h"
@@ -15,28 +16,26 @@ CallState callState(const QString& status, const QString& error, const CallRecor
 {
     const CallProcessor& processor = recorder.surroundings().processor;
     if (recorder.records(id))
-        return { QStringLiteral("Recording"), QStringLiteral("recording") };
+        return { u"Recording"_s, u"recording"_s };
     if (recorder.isSaving(id))
-        return { QStringLiteral("Saving"), QStringLiteral("busy") };
+        return { u"Saving"_s, u"busy"_s };
     if (processor.isProcessing(id)) {
         const bool summing = processor.phase(id) == CallPhase::Kind::Summarizing;
-        return { summing ? QStringLiteral("Summing up") : QStringLiteral("Transcribing"), QStringLiteral("busy") };
+        return { summing ? u"Summing up"_s : u"Transcribing"_s, u"busy"_s };
     }
     if (status == callStatus::ready)
-        return { QStringLiteral("Ready"), QStringLiteral("good") };
+        return { u"Ready"_s, u"good"_s };
     if (status == callStatus::transcribed)
-        return { QStringLiteral("Transcribed, no summary"), QStringLiteral("warn") };
+        return { u"Transcribed, no summary"_s, u"warn"_s };
     if (status == callStatus::cancelled)
-        return { QStringLiteral("Discarded"), {} };
+        return { u"Discarded"_s, {} };
     if (status == callStatus::interrupted)
-        return { QStringLiteral("Interrupted"), QStringLiteral("warn") };
+        return { u"Interrupted"_s, u"warn"_s };
     if (status == callStatus::recording)
-        return { QStringLiteral("Broken off"), QStringLiteral("warn") };
+        return { u"Broken off"_s, u"warn"_s };
     if (status == callStatus::failed)
-        return { error.startsWith(QLatin1StringView("No speech")) ? QStringLiteral("No speech")
-                                                                  : QStringLiteral("No transcript"),
-            QStringLiteral("bad") };
-    return { QStringLiteral("Not transcribed"), QStringLiteral("warn") };
+        return { error.startsWith("No speech"_L1) ? u"No speech"_s : u"No transcript"_s, u"bad"_s };
+    return { u"Not transcribed"_s, u"warn"_s };
 }
 
 CallRow callRow(const CallRecordingRow& call, const CallState& state, const DateWords& words)
@@ -50,9 +49,9 @@ CallRow callRow(const CallRecordingRow& call, const CallState& state, const Date
     row.title = call.title;
     row.day = words.group(call.startedAt);
     row.time = words.clockTime(call.startedAt);
-    row.detail = detail.join(QStringLiteral(" · "));
+    row.detail = detail.join(u" · "_s);
     row.tone = state.tone;
-    row.aloud = QStringLiteral("%1, %2, %3, %4").arg(call.title, row.day, row.time, detail.join(QStringLiteral(", ")));
+    row.aloud = u"%1, %2, %3, %4"_s.arg(call.title, row.day, row.time, detail.join(u", "_s));
     return row;
 }
 
@@ -78,14 +77,14 @@ QList<CallTurnRow> turnRows(const QList<CallTurn>& turns, const QString& searche
 QList<CallSummarySection> summarySections(const QString& summary)
 {
     static const QRegularExpression head(
-        QStringLiteral(R"(^[\s*#-]*(Summary|Decisions|Action items|Follow-up|Warning)[*\s]*:[*]*\s*(.*)$)"),
+        uR"(^[\s*#-]*(Summary|Decisions|Action items|Follow-up|Warning)[*\s]*:[*]*\s*(.*)$)"_s,
         QRegularExpression::CaseInsensitiveOption);
     QList<CallSummarySection> sections;
     for (const QString& line : summary.trimmed().split(u'\n')) {
         if (const auto match = head.match(line); match.hasMatch())
             sections.append({ match.captured(1), match.captured(2).trimmed() });
         else if (sections.isEmpty() && !line.trimmed().isEmpty())
-            sections.append({ QStringLiteral("Summary"), line.trimmed() });
+            sections.append({ u"Summary"_s, line.trimmed() });
         else if (!sections.isEmpty())
             sections.last().text += u'\n' + line;
     }
@@ -97,9 +96,9 @@ QList<CallSummarySection> summarySections(const QString& summary)
 
 CallProposalRow proposalRow(const CRMUpdateProposal& proposal)
 {
-    const QString state = proposal.status == QLatin1StringView("applied") ? QStringLiteral("Applied")
-        : proposal.status == QLatin1StringView("rejected")                ? QStringLiteral("Rejected")
-                                                                          : QString();
+    const QString state = proposal.status == "applied"_L1 ? u"Applied"_s
+        : proposal.status == "rejected"_L1                ? u"Rejected"_s
+                                                          : QString();
     return { proposal.id, proposal.title, proposal.bodyPreview(), state, proposal.error };
 }
 

@@ -4,6 +4,7 @@
 #include "Calls/CallSummarizer.h"
 #include "Calls/MeetingAutoRecorder.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Work/CallWrites.h"
 
@@ -12,12 +13,10 @@
 
 namespace corvane {
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
-const QString keptKey = QStringLiteral("Corvane.calls.keepSoundDays");
-const QString batteryKey = QStringLiteral("Corvane.calls.alsoOnBattery");
+const QString keptKey = u"Corvane.calls.keepSoundDays"_s;
+const QString batteryKey = u"Corvane.calls.alsoOnBattery"_s;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
 /// "At the start", "1 minute before"; a value that another program wrote is among them, too.
@@ -30,10 +29,9 @@ QList<Choice> momentChoices(int chosen, const QString& atOnce, const QString& aw
     for (const int seconds : std::as_const(values)) {
         const bool whole = seconds % 60 == 0;
         const int count = whole ? seconds / 60 : seconds;
-        const QString unit = whole ? QStringLiteral("minute") : QStringLiteral("second");
+        const QString unit = whole ? u"minute"_s : u"second"_s;
         choices.append({ QString::number(seconds),
-            seconds == 0 ? atOnce
-                         : QStringLiteral("%1 %2%3 %4").arg(count).arg(unit, count == 1 ? QString() : u"s"_s, away) });
+            seconds == 0 ? atOnce : u"%1 %2%3 %4"_s.arg(count).arg(unit, count == 1 ? QString() : u"s"_s, away) });
     }
     return choices;
 }
@@ -130,9 +128,8 @@ QString CallSettings::systemAudioStatus() const
 
 QList<Choice> CallSettings::keeping() const
 {
-    return { { QStringLiteral("0"), QStringLiteral("Always") }, { QStringLiteral("365"), QStringLiteral("1 year") },
-        { QStringLiteral("90"), QStringLiteral("90 days") }, { QStringLiteral("30"), QStringLiteral("30 days") },
-        { QStringLiteral("7"), QStringLiteral("7 days") } };
+    return { { u"0"_s, u"Always"_s }, { u"365"_s, u"1 year"_s }, { u"90"_s, u"90 days"_s }, { u"30"_s, u"30 days"_s },
+        { u"7"_s, u"7 days"_s } };
 }
 
 QString CallSettings::kept() const

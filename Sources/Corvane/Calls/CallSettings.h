@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 
 namespace corvane {
@@ -43,51 +44,47 @@ public:
 
     bool autoRecord() const;
     void setAutoRecord(bool on);
-    QString autoRecordLabel() const { return QStringLiteral("Calendar auto-record"); }
+    QString autoRecordLabel() const { return u"Calendar auto-record"_s; }
     QString autoRecordHint() const
     {
-        return QStringLiteral(
-            "A recording starts and stops by itself. Tell everybody in the meeting, and stop it where "
-            "somebody does not agree.");
+        return u"A recording starts and stops by itself. Tell everybody in the meeting, and stop it where "
+               "somebody does not agree."_s;
     }
     QString autoRecordText() const;
     bool requireMeetingApp() const;
     void setRequireMeetingApp(bool required);
-    QString requireMeetingAppLabel() const { return QStringLiteral("Require meeting app"); }
+    QString requireMeetingAppLabel() const { return u"Require meeting app"_s; }
     QString requireMeetingAppHint() const;
     QList<Choice> leads() const;
     QString lead() const;
     void setLead(const QString& seconds);
-    QString leadLabel() const { return QStringLiteral("Start"); }
+    QString leadLabel() const { return u"Start"_s; }
     QList<Choice> graces() const;
     QString grace() const;
     void setGrace(const QString& seconds);
-    QString graceLabel() const { return QStringLiteral("Stop"); }
+    QString graceLabel() const { return u"Stop"_s; }
     bool systemAudio() const;
     void setSystemAudio(bool on);
-    QString systemAudioLabel() const { return QStringLiteral("Record the other side, too"); }
+    QString systemAudioLabel() const { return u"Record the other side, too"_s; }
     QString systemAudioStatus() const;
     QList<Choice> keeping() const;
     QString kept() const; ///< in days; "0" for ever
     void setKept(const QString& days);
-    QString keepingLabel() const { return QStringLiteral("Keep the sound of calls"); }
+    QString keepingLabel() const { return u"Keep the sound of calls"_s; }
     QString keepingHint() const
     {
-        return QStringLiteral("Transcript, summary and notes stay. Calls without a transcript keep their sound.");
+        return u"Transcript, summary and notes stay. Calls without a transcript keep their sound."_s;
     }
     bool alsoOnBattery() const; ///< transcripts are made then, too
     void setAlsoOnBattery(bool on);
-    QString alsoOnBatteryLabel() const { return QStringLiteral("Transcribe also on battery"); }
-    QString alsoOnBatteryHint() const
-    {
-        return QStringLiteral("Otherwise calls wait, and “Transcribe now” is on their page.");
-    }
+    QString alsoOnBatteryLabel() const { return u"Transcribe also on battery"_s; }
+    QString alsoOnBatteryHint() const { return u"Otherwise calls wait, and “Transcribe now” is on their page."_s; }
     bool codexAllowed() const;
     void setCodexAllowed(bool allowed);
-    QString codexLabel() const { return QStringLiteral("Codex may write summaries"); }
+    QString codexLabel() const { return u"Codex may write summaries"_s; }
     QString codexHint() const
     {
-        return QStringLiteral("Where no model runs on this computer. It sends the transcript to its provider.");
+        return u"Where no model runs on this computer. It sends the transcript to its provider."_s;
     }
 
 Q_SIGNALS:

@@ -1,5 +1,6 @@
 #include "Calls/CallTranscriptChunker.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QTextBoundaryFinder>
@@ -70,7 +71,7 @@ QStringList chunked(const QString& word, int maxCharacters)
 
 QStringList splitByWords(const QString& text, int maxCharacters)
 {
-    return pack(text.split(u' ', Qt::SkipEmptyParts), QStringLiteral(" "), maxCharacters, chunked);
+    return pack(text.split(u' ', Qt::SkipEmptyParts), u" "_s, maxCharacters, chunked);
 }
 
 /// A sentence ends after a full stop, an exclamation or a question mark before white space or the end.
@@ -99,19 +100,19 @@ QStringList splitBySentences(const QString& text, int maxCharacters)
     const QStringList sentences = splitAfterSentenceTerminators(text);
     if (sentences.size() < 2)
         return splitByWords(text, maxCharacters);
-    return pack(sentences, QStringLiteral(" "), maxCharacters, splitByWords);
+    return pack(sentences, u" "_s, maxCharacters, splitByWords);
 }
 
 QStringList splitLongTurn(const QString& turn, int maxCharacters)
 {
-    return pack(turn.split(u'\n'), QStringLiteral("\n"), maxCharacters, splitBySentences);
+    return pack(turn.split(u'\n'), u"\n"_s, maxCharacters, splitBySentences);
 }
 
 /// Whether the line opens with a name and a colon, and not with a web address or a clock time.
 bool isSpeakerTurnStart(const QString& line)
 {
     const qsizetype colon = line.indexOf(u':');
-    if (colon < 0 || line.sliced(colon).startsWith(QLatin1StringView("://")))
+    if (colon < 0 || line.sliced(colon).startsWith("://"_L1))
         return false;
     const QString label = line.first(colon).trimmed();
     const auto isOfPath = [](QChar character) {
@@ -161,7 +162,7 @@ QStringList chunks(const QString& text, int maxCharacters)
         return {};
     if (characterCount(trimmed) <= maxCharacters)
         return { trimmed };
-    return pack(speakerTurns(trimmed), QStringLiteral("\n\n"), maxCharacters, splitLongTurn);
+    return pack(speakerTurns(trimmed), u"\n\n"_s, maxCharacters, splitLongTurn);
 }
 
 }

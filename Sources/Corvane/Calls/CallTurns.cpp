@@ -1,6 +1,7 @@
 #include "Calls/CallTurns.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Platform/PrivateFile.h"
 
@@ -20,7 +21,7 @@ constexpr qint64 pauseMs = 4000; ///< a longer one begins a new turn
 
 QString turnsPath(const QString& folder)
 {
-    return folder + QStringLiteral("/segments.json");
+    return folder + u"/segments.json"_s;
 }
 
 QStringList wordsOf(const QString& text)
@@ -59,9 +60,8 @@ QString vttTime(qint64 ms)
     const auto two = [](qint64 number) {
         return QString::number(number).rightJustified(2, u'0');
     };
-    return QStringLiteral("%1:%2:%3.%4")
-        .arg(two(ms / 3'600'000), two(ms / 60'000 % 60), two(ms / 1000 % 60),
-            QString::number(ms % 1000).rightJustified(3, u'0'));
+    return u"%1:%2:%3.%4"_s.arg(two(ms / 3'600'000), two(ms / 60'000 % 60), two(ms / 1000 % 60),
+        QString::number(ms % 1000).rightJustified(3, u'0'));
 }
 
 }
@@ -100,7 +100,7 @@ QString textOf(const QList<CallTurn>& turns)
 {
     QStringList lines;
     for (const CallTurn& turn : turns)
-        lines.append(turn.speaker + QStringLiteral(": ") + turn.text);
+        lines.append(turn.speaker + u": "_s + turn.text);
     return lines.join(u'\n');
 }
 
@@ -108,10 +108,10 @@ bool writeTurns(const QString& callFolder, const QList<CallTurn>& turns)
 {
     QJsonArray array;
     for (const CallTurn& turn : turns) {
-        array.append(QJsonObject { { QStringLiteral("startMs"), turn.startMs }, { QStringLiteral("endMs"), turn.endMs },
-            { QStringLiteral("speaker"), turn.speaker }, { QStringLiteral("text"), turn.text } });
+        array.append(QJsonObject { { u"startMs"_s, turn.startMs }, { u"endMs"_s, turn.endMs },
+            { u"speaker"_s, turn.speaker }, { u"text"_s, turn.text } });
     }
-    return writePrivateFile(turnsPath(callFolder), compactJson({ { QStringLiteral("segments"), array } }));
+    return writePrivateFile(turnsPath(callFolder), compactJson({ { u"segments"_s, array } }));
 }
 
 QList<CallTurn> readTurns(const QString& callFolder)
@@ -121,25 +121,23 @@ QList<CallTurn> readTurns(const QString& callFolder)
         return {};
     QList<CallTurn> turns;
     const QJsonObject content = jsonObject(file.readAll()).value_or(QJsonObject());
-    for (const QJsonValue& value : content.value(QLatin1StringView("segments")).toArray()) {
+    for (const QJsonValue& value : content.value("segments"_L1).toArray()) {
         const QJsonObject turn = value.toObject();
-        turns.append({ wholeNumber(turn, QLatin1StringView("startMs")).value_or(0),
-            wholeNumber(turn, QLatin1StringView("endMs")).value_or(0),
-            textValue(turn, QLatin1StringView("speaker")).value_or(QString()),
-            textValue(turn, QLatin1StringView("text")).value_or(QString()) });
+        turns.append({ wholeNumber(turn, "startMs"_L1).value_or(0), wholeNumber(turn, "endMs"_L1).value_or(0),
+            textValue(turn, "speaker"_L1).value_or(QString()), textValue(turn, "text"_L1).value_or(QString()) });
     }
     return turns;
 }
 
 QString webVtt(const QList<CallTurn>& turns)
 {
-    QString text = QStringLiteral("WEBVTT\n");
+    QString text = u"WEBVTT\n"_s;
     for (const CallTurn& turn : turns) {
         QString words = turn.text;
-        words.replace(u'&', QStringLiteral("&amp;")).replace(u'<', QStringLiteral("&lt;"));
-        words.replace(QStringLiteral("-->"), QStringLiteral("--&gt;"));
-        text += QStringLiteral("\n%1 --> %2\n<v %3>%4\n")
-                    .arg(vttTime(turn.startMs), vttTime(std::max(turn.endMs, turn.startMs + 1)), turn.speaker, words);
+        words.replace(u'&', u"&amp;"_s).replace(u'<', u"&lt;"_s);
+        words.replace(u"-->"_s, u"--&gt;"_s);
+        text += u"\n%1 --> %2\n<v %3>%4\n"_s.arg(
+            vttTime(turn.startMs), vttTime(std::max(turn.endMs, turn.startMs + 1)), turn.speaker, words);
     }
     return text;
 }

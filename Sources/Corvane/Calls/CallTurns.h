@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Voice/SpeechTranscript.h"
 
 namespace corvane {
@@ -23,8 +24,8 @@ QList<CallTurn> turnsOf(const QList<SpeechSegment>& segments, const QString& spe
 /// A line a turn: "Me: ..." or "Meeting audio: ...".
 QString textOf(const QList<CallTurn>& turns);
 
-inline const QString meSpeaker = QStringLiteral("Me");
-inline const QString meetingSpeaker = QStringLiteral("Meeting audio");
+inline const QString meSpeaker = u"Me"_s;
+inline const QString meetingSpeaker = u"Meeting audio"_s;
 
 /// In "segments.json" beside the sound of a call. False where it can't be written.
 bool writeTurns(const QString& callFolder, const QList<CallTurn>& turns);

@@ -1,5 +1,6 @@
 #include "Calls/CallWaveform.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/PrivateFile.h"
 
 #include <QFile>
@@ -13,7 +14,7 @@ constexpr double loudest = 255;
 
 QString waveformPath(const QString& folder)
 {
-    return folder + QStringLiteral("/waveform");
+    return folder + u"/waveform"_s;
 }
 
 char level(double value)

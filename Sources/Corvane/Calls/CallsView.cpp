@@ -2,13 +2,12 @@
 
 #include "Calls/CallRecorder.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "Calls/CallPage.h"
 #include "Calls/RecordingView.h"
 #include "Foundation/Coalescer.h"
+#include "Foundation/Literals.h"
 #include "Presentation/Commands.h"
 
 namespace corvane {
@@ -27,7 +28,7 @@ public:
     GadgetListModel* rows() { return &m_rows; }
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
-    QString searchText() const { return QStringLiteral("Search calls"); }
+    QString searchText() const { return u"Search calls"_s; }
     QString selected() const { return m_page.callId(); }
     CallPage* page() { return &m_page; }
     RecordingView* recording() { return &m_recording; }

@@ -1,5 +1,6 @@
 #include "Calls/ContactMatch.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Work/CalendarQueries.h"
 #include "Store/Work/CallQueries.h"
 
@@ -19,7 +20,7 @@ constexpr double emailScore = 0.99;
 
 double scoreOf(const QString& name, const QString& text)
 {
-    static const QRegularExpression space(QStringLiteral("\\s+"));
+    static const QRegularExpression space(u"\\s+"_s);
     QStringList words = name.split(space, Qt::SkipEmptyParts);
     words.removeIf([](const QString& word) { return word.size() < shortestWord; });
     const auto occurring = std::ranges::count_if(words, [&](const QString& word) { return text.contains(word); });
@@ -55,12 +56,12 @@ std::optional<CalendarContactMatch> calendarContactMatch(LocalDB& db, const CalE
         if (attendee.email.isEmpty())
             continue;
         if (const QString contact = contactWithEmail(db, attendee.email); !contact.isEmpty())
-            return CalendarContactMatch { contact, emailScore, QStringLiteral("attendee email") };
+            return CalendarContactMatch { contact, emailScore, u"attendee email"_s };
     }
     const ContactMatch match = bestContactMatch(db, event.title, names.join(u' '));
     if (match.contactId.isEmpty() || match.score < leastCalendarScore)
         return std::nullopt;
-    return CalendarContactMatch { match.contactId, match.score, QStringLiteral("attendee/title name match") };
+    return CalendarContactMatch { match.contactId, match.score, u"attendee/title name match"_s };
 }
 
 }

@@ -1,13 +1,12 @@
 #include "Calls/MeetingApps.h"
 
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 
 #include <QStringList>
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -4,14 +4,13 @@
 #include "Calendar/MeetingRules.h"
 #include "Calls/CallRecorder.h"
 #include "Calls/ContactMatch.h"
+#include "Foundation/Literals.h"
 
 #include <QPointer>
 #include <algorithm>
 #include <array>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "Calls/RecordedCalls.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
 
@@ -22,7 +23,7 @@ RecordedCalls::RecordedCalls(LocalDB& db, QObject* parent)
 void RecordedCalls::refresh()
 {
     const QList<CallRecordingRow> calls = recentCallRecordings(m_db, callsShown);
-    const QList<CRMUpdateProposal> proposals = fetchCRMUpdateProposals(m_db, QStringLiteral("pending"), proposalsShown);
+    const QList<CRMUpdateProposal> proposals = fetchCRMUpdateProposals(m_db, u"pending"_s, proposalsShown);
     const bool callsChanged = std::exchange(m_recentCalls, calls) != calls;
     if (std::exchange(m_pendingProposals, proposals) != proposals || callsChanged)
         Q_EMIT changed();

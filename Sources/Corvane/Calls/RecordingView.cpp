@@ -1,6 +1,7 @@
 #include "Calls/RecordingView.h"
 
 #include "Calls/CallRecorder.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Presentation/PlayTime.h"
 
@@ -10,14 +11,13 @@ namespace corvane {
 
 namespace {
 
-const QString consentKey = QStringLiteral("Corvane.calls.consentRead");
-const QString nothing = QStringLiteral("none");
-const QString everything = QStringLiteral("everything");
+const QString consentKey = u"Corvane.calls.consentRead"_s;
+const QString nothing = u"none"_s;
+const QString everything = u"everything"_s;
 
 QList<Choice> fixedSources()
 {
-    return { { nothing, QStringLiteral("Microphone only") },
-        { everything, QStringLiteral("Microphone and everything") } };
+    return { { nothing, u"Microphone only"_s }, { everything, u"Microphone and everything"_s } };
 }
 
 }
@@ -77,12 +77,12 @@ double RecordingView::level() const
 QString RecordingView::marksText() const
 {
     const qsizetype count = recording() ? m_recorder.marksMs().size() : 0;
-    return count == 0 ? QString() : count == 1 ? QStringLiteral("1 mark") : QStringLiteral("%1 marks").arg(count);
+    return count == 0 ? QString() : count == 1 ? u"1 mark"_s : u"%1 marks"_s.arg(count);
 }
 
 QString RecordingView::aloudText() const
 {
-    return recording() ? QStringLiteral("Recording ") + title() : QString();
+    return recording() ? u"Recording "_s + title() : QString();
 }
 
 QString RecordingView::source() const
@@ -103,28 +103,28 @@ void RecordingView::setSource(const QString& id)
 QString RecordingView::sourceText() const
 {
     const auto found = std::ranges::find(m_sources, source(), &Choice::id);
-    return QStringLiteral("Record: ")
+    return u"Record: "_s
         + (found == m_sources.end() ? m_recorder.application()
                                     : found->label.first(1).toLower() + found->label.sliced(1));
 }
 
 QString RecordingView::consentText() const
 {
-    return QStringLiteral(
-        "In many places everybody on a call has to know that it is recorded, and in some they have to agree first. "
-        "Tell "
-        "them at the start and wait for their answer.\n\nThe sound and its transcript stay on this computer. A red dot "
-        "shows in the window, the panel and the tray as long as a recording runs.");
+    return u"In many places everybody on a call has to know that it is recorded, and in some they have to agree first. "
+           "Tell "
+           "them at the start and wait for their answer.\n\nThe sound and its transcript stay on this computer. A red "
+           "dot "
+           "shows in the window, the panel and the tray as long as a recording runs."_s;
 }
 
 bool RecordingView::beganByItself() const
 {
-    return recording() && m_recorder.activeStartMode() == QLatin1StringView("calendar_auto");
+    return recording() && m_recorder.activeStartMode() == "calendar_auto"_L1;
 }
 
 QString RecordingView::consentReminder() const
 {
-    return QStringLiteral("Everybody in the meeting has to know. Stop it in the window, the panel or the tray.");
+    return u"Everybody in the meeting has to know. Stop it in the window, the panel or the tray."_s;
 }
 
 void RecordingView::start()
@@ -171,8 +171,7 @@ void RecordingView::findSources()
             for (const SoundApplication& application : applications) {
                 if (application.plays)
                     self->m_sources.append({ application.binary,
-                        QStringLiteral("Microphone and ")
-                            + (application.name.isEmpty() ? application.binary : application.name) });
+                        u"Microphone and "_s + (application.name.isEmpty() ? application.binary : application.name) });
             }
             Q_EMIT self->changed();
         });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 
 namespace corvane {
@@ -41,13 +42,13 @@ public:
     double level() const;
     QString marksText() const;
     QString aloudText() const;
-    QString stopLabel() const { return QStringLiteral("Stop"); }
-    QString markLabel() const { return QStringLiteral("Mark this moment"); }
+    QString stopLabel() const { return u"Stop"_s; }
+    QString markLabel() const { return u"Mark this moment"_s; }
     QList<Choice> sources() const { return m_sources; }
     QString source() const;
     void setSource(const QString& id); ///< for the next recording; an unknown id changes nothing
     QString sourceText() const;
-    QString consentTitle() const { return QStringLiteral("Before you record"); }
+    QString consentTitle() const { return u"Before you record"_s; }
     QString consentText() const;
     bool beganByItself() const; ///< the recording that runs, because of the calendar
     QString consentReminder() const; ///< for a recording that began by itself

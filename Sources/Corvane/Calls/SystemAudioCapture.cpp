@@ -1,5 +1,7 @@
 #include "Calls/SystemAudioCapture.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFile>
 
 namespace corvane {
@@ -8,13 +10,13 @@ QString describe(SystemAudioCaptureError error, const QString& detail)
 {
     switch (error) {
     case SystemAudioCaptureError::WriterSetup:
-        return QStringLiteral("Could not prepare system audio writer: ") + detail;
+        return u"Could not prepare system audio writer: "_s + detail;
     case SystemAudioCaptureError::CaptureFailed:
-        return QStringLiteral("System audio capture failed: ") + detail;
+        return u"System audio capture failed: "_s + detail;
     case SystemAudioCaptureError::Unavailable:
         break;
     }
-    return QStringLiteral("System audio capture requires a sound output (%1).").arg(detail);
+    return u"System audio capture requires a sound output (%1)."_s.arg(detail);
 }
 
 SystemAudioCapture::SystemAudioCapture(CallAudio& audio, QObject* parent)
@@ -33,9 +35,8 @@ void SystemAudioCapture::start(const QString& path, const QString& binary, Done 
             if (!found)
                 return done(failure(describe(SystemAudioCaptureError::Unavailable, found.error().message)));
             self->m_track = self->m_audio.recordSystem(path, binary);
-            done(self->m_track
-                    ? Result<void>()
-                    : failure(describe(SystemAudioCaptureError::WriterSetup, QStringLiteral("no file can be made."))));
+            done(self->m_track ? Result<void>()
+                               : failure(describe(SystemAudioCaptureError::WriterSetup, u"no file can be made."_s)));
         });
 }
 

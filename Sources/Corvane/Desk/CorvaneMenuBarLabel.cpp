@@ -3,6 +3,7 @@
 #include "Calendar/CalendarStore.h"
 #include "Calendar/MeetingRules.h"
 #include "Desk/ResourceMonitor.h"
+#include "Foundation/Literals.h"
 #include "Platform/Tray.h"
 
 namespace corvane {
@@ -34,7 +35,7 @@ QString CorvaneMenuBarLabel::text() const
     const auto next = nextMeetingCandidate(m_calendar.visible(m_calendar.events()), now);
     if (next && next->startMs - now < soonMs)
         return compactTitle(*next) + u' ' + compactCountdown(next->startMs, now);
-    return isShort(m_resources.snapshot()) ? QStringLiteral("Memory is short") : QString();
+    return isShort(m_resources.snapshot()) ? u"Memory is short"_s : QString();
 }
 
 void CorvaneMenuBarLabel::show()

@@ -3,6 +3,7 @@
 #include "Desk/QuickCapture.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/WAName.h"
@@ -31,15 +32,15 @@ TabWords words(MenuTab tab)
 {
     switch (tab) {
     case MenuTab::Now:
-        return { QStringLiteral("now"), QStringLiteral("Now") };
+        return { u"now"_s, u"Now"_s };
     case MenuTab::Approvals:
-        return { QStringLiteral("approvals"), QStringLiteral("Approvals") };
+        return { u"approvals"_s, u"Approvals"_s };
     case MenuTab::Ram:
-        return { QStringLiteral("ram"), QStringLiteral("RAM") };
+        return { u"ram"_s, u"RAM"_s };
     case MenuTab::Calendar:
-        return { QStringLiteral("calendar"), QStringLiteral("Calendar") };
+        return { u"calendar"_s, u"Calendar"_s };
     case MenuTab::Calls:
-        return { QStringLiteral("calls"), QStringLiteral("Calls") };
+        return { u"calls"_s, u"Calls"_s };
     }
     Q_UNREACHABLE();
 }
@@ -54,24 +55,23 @@ TodayDigest digestOfToday(LocalDB& db, qint64 nowMs)
 QString meetingsText(const TodayDigest& day)
 {
     if (day.meetingsToday == 0)
-        return QStringLiteral("No meetings today");
-    const QString count = day.meetingsToday == 1 ? QStringLiteral("1 meeting today")
-                                                 : QStringLiteral("%1 meetings today").arg(day.meetingsToday);
-    return day.nextMeetingTitle ? count + QStringLiteral(" · ") + *day.nextMeetingTitle : count;
+        return u"No meetings today"_s;
+    const QString count = day.meetingsToday == 1 ? u"1 meeting today"_s : u"%1 meetings today"_s.arg(day.meetingsToday);
+    return day.nextMeetingTitle ? count + u" · "_s + *day.nextMeetingTitle : count;
 }
 
 QString agentsText(const TodayDigest& day)
 {
     if (day.agentActionsToday == 0)
-        return QStringLiteral("No agent activity yet today");
-    return day.agentActionsToday == 1 ? QStringLiteral("1 agent action today")
-                                      : QStringLiteral("%1 agent actions today").arg(day.agentActionsToday);
+        return u"No agent activity yet today"_s;
+    return day.agentActionsToday == 1 ? u"1 agent action today"_s
+                                      : u"%1 agent actions today"_s.arg(day.agentActionsToday);
 }
 
 QString captureText(QuickCapture& capture)
 {
-    const QString text = QStringLiteral("Quick capture — task or note");
-    return capture.hotKey().isBound() ? text + QStringLiteral(" (%1 anywhere)").arg(capture.hotKey().keys()) : text;
+    const QString text = u"Quick capture — task or note"_s;
+    return capture.hotKey().isBound() ? text + u" (%1 anywhere)"_s.arg(capture.hotKey().keys()) : text;
 }
 
 DayLine line(const char* icon, const QString& text, const char* action)
@@ -149,16 +149,16 @@ void CorvaneMenuBarView::setTab(const QString& id)
 
 QString CorvaneMenuBarView::noticeTitle() const
 {
-    return m_at.session.webRejected() ? QStringLiteral("Web session expired — sync is down") : QString();
+    return m_at.session.webRejected() ? u"Web session expired — sync is down"_s : QString();
 }
 
 QString CorvaneMenuBarView::noticeText() const
 {
     if (m_at.session.webRejected())
-        return QStringLiteral("LinkedIn/web inbox can't mirror until you sign in again.");
+        return u"LinkedIn/web inbox can't mirror until you sign in again."_s;
     return m_at.session.signedIn()
         ? QString()
-        : QStringLiteral("Sign in to link %1 to your Nimb workspace and start syncing.").arg(machineWords::thisMachine);
+        : u"Sign in to link %1 to your Nimb workspace and start syncing."_s.arg(machineWords::thisMachine);
 }
 
 void CorvaneMenuBarView::setVisible(bool visible)
@@ -193,17 +193,16 @@ void CorvaneMenuBarView::readDay()
     const TodayDigest day = digestOfToday(m_at.engine.db(), m_at.scheduler.nowMs());
     m_today = {
         line("approvals", m_at.approvals.waitingText(), "approvals"),
-        line("hub-inbox", QStringLiteral("%1 unread messages").arg(m_at.engine.unreadTotal()), "inbox"),
-        line("hub-ops", QStringLiteral("%1 open work items").arg(day.openWorkItems), "ops"),
+        line("hub-inbox", u"%1 unread messages"_s.arg(m_at.engine.unreadTotal()), "inbox"),
+        line("hub-ops", u"%1 open work items"_s.arg(day.openWorkItems), "ops"),
     };
     if (hasCalendar(m_at.engine.db()))
         m_today.append(line("view-calendar", meetingsText(day), "calendar"));
     m_today.append(line("hub-dev", agentsText(day), "dev"));
     if (day.latestUpdate)
         m_today.append(line("note", *day.latestUpdate, "ops"));
-    m_today.append(line("link",
-        engines == 1 ? QStringLiteral("1 engine running") : QStringLiteral("%1 engines running").arg(engines),
-        "settings"));
+    m_today.append(
+        line("link", engines == 1 ? u"1 engine running"_s : u"%1 engines running"_s.arg(engines), "settings"));
     if (m_at.capture)
         m_today.append(line("list-add", captureText(*m_at.capture), "capture"));
     m_glance.clear();

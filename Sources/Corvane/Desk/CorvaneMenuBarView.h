@@ -6,6 +6,7 @@
 #include "Calls/CallsView.h"
 #include "Desk/ReplyDrafts.h"
 #include "Desk/ResourcesView.h"
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 
 namespace corvane {
@@ -97,11 +98,8 @@ public:
     void setTab(const QString& id); ///< an unknown word changes nothing
     const QList<DayLine>& today() const { return m_today; }
     const QList<GlanceLine>& glance() const { return m_glance; }
-    QString draftLabel() const
-    {
-        return QStringLiteral("AI-draft a reply — it queues in Approvals, nothing sends without you");
-    }
-    QString emptyGlanceText() const { return QStringLiteral("No conversations in the local mirror yet."); }
+    QString draftLabel() const { return u"AI-draft a reply — it queues in Approvals, nothing sends without you"_s; }
+    QString emptyGlanceText() const { return u"No conversations in the local mirror yet."_s; }
     QString noticeTitle() const;
     QString noticeText() const;
     ApprovalsView* approvals() { return &m_at.approvals; }

@@ -1,11 +1,10 @@
 #include "Desk/DeskCommands.h"
 
 #include "Desk/CorvaneMenuBarView.h"
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 QList<Command> todayCommands(CorvaneMenuBarView& today, NotificationCentre& notifications)
 {

@@ -1,5 +1,6 @@
 #include "Desk/QuickCapture.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
@@ -13,14 +14,14 @@ bool saveCapture(LocalDB& db, const QString& kind, const QString& text)
     if (title.isEmpty())
         return false;
     const bool saved = insertWorkItem(db,
-        { .module = QStringLiteral("ops"),
+        { .module = u"ops"_s,
             .context = std::nullopt,
             .kind = kind,
             .title = title,
-            .priority = QStringLiteral("normal"),
-            .owner = QStringLiteral("Oskel"),
-            .source = QStringLiteral("quick-capture"),
-            .summary = QLatin1String("") })
+            .priority = u"normal"_s,
+            .owner = u"Oskel"_s,
+            .source = u"quick-capture"_s,
+            .summary = QLatin1StringView("") })
                            .has_value();
     db.watch().tell(StoreSubject::Work);
     return saved;
@@ -29,10 +30,10 @@ bool saveCapture(LocalDB& db, const QString& kind, const QString& text)
 QuickCapture::QuickCapture(LocalDB& db, GlobalShortcuts* shortcuts, UserDefaults& defaults, QObject* parent)
     : QObject(parent)
     , m_db(db)
-    , m_hotKey({ .id = QStringLiteral("capture"),
-                   .label = QStringLiteral("Capture a task or a note"),
-                   .keys = { QStringLiteral("Ctrl+Alt+N"), QStringLiteral("Ctrl+Alt+Shift+N") },
-                   .command = QStringLiteral("corvane capture") },
+    , m_hotKey({ .id = u"capture"_s,
+                   .label = u"Capture a task or a note"_s,
+                   .keys = { u"Ctrl+Alt+N"_s, u"Ctrl+Alt+Shift+N"_s },
+                   .command = u"corvane capture"_s },
           shortcuts, defaults, this)
 {
     connect(&m_hotKey, &HotKey::pressed, this, &QuickCapture::toggle);
@@ -43,12 +44,12 @@ void QuickCapture::registerHotKey()
     if (std::exchange(m_isRegistered, true))
         return;
     m_hotKey.bind();
-    log(QStringLiteral("[QuickCapture] register=%1 (%2)").arg(int(m_hotKey.isBound())).arg(m_hotKey.keys()));
+    log(u"[QuickCapture] register=%1 (%2)"_s.arg(int(m_hotKey.isBound())).arg(m_hotKey.keys()));
 }
 
 void QuickCapture::toggle()
 {
-    log(QStringLiteral("[QuickCapture] toggle (visible=%1)").arg(int(m_isVisible)));
+    log(u"[QuickCapture] toggle (visible=%1)"_s.arg(int(m_isVisible)));
     if (m_isVisible)
         close();
     else
@@ -58,7 +59,7 @@ void QuickCapture::toggle()
 void QuickCapture::show()
 {
     m_text.clear();
-    m_kind = QStringLiteral("task");
+    m_kind = u"task"_s;
     Q_EMIT changed();
     m_isVisible = true;
     Q_EMIT visibleChanged();
@@ -66,12 +67,12 @@ void QuickCapture::show()
 
 QList<Choice> QuickCapture::kinds()
 {
-    return { { QStringLiteral("task"), QStringLiteral("Task") }, { QStringLiteral("note"), QStringLiteral("Note") } };
+    return { { u"task"_s, u"Task"_s }, { u"note"_s, u"Note"_s } };
 }
 
 QString QuickCapture::hint() const
 {
-    return QStringLiteral("Saves as an Ops %1 — review anytime in the Work Console.").arg(m_kind);
+    return u"Saves as an Ops %1 — review anytime in the Work Console."_s.arg(m_kind);
 }
 
 void QuickCapture::save()

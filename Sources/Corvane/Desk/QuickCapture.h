@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/HotKey.h"
 #include "Presentation/Choice.h"
 
@@ -30,7 +31,7 @@ public:
 
     bool isVisible() const { return m_isVisible; }
     static QList<Choice> kinds();
-    static QString prompt() { return QStringLiteral("What's on your mind?  ⏎ saves · esc closes"); }
+    static QString prompt() { return u"What's on your mind?  ⏎ saves · esc closes"_s; }
     QString hint() const;
 
     Q_INVOKABLE void save(); ///< and closes

@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "AI/DraftContext.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/OutboundQueries.h"
@@ -13,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-const QString draftSource = QStringLiteral("panel");
+const QString draftSource = u"panel"_s;
 
 bool hasText(const QList<UnifiedMsgRow>& messages)
 {
@@ -39,7 +40,7 @@ void ReplyDrafts::draft(const InboxGlanceRow& row)
 {
     if (state(row.conversationId).isBusy)
         return;
-    set(row.conversationId, { true, QStringLiteral("Drafting…") });
+    set(row.conversationId, { true, u"Drafting…"_s });
     run(row, m_cancel);
 }
 
@@ -54,13 +55,13 @@ QCoro::Task<QString> ReplyDrafts::queued(InboxGlanceRow row, CancelHandle cancel
 {
     const auto contact = row.contactId.isEmpty() ? std::nullopt : fetchContact(m_db, row.contactId);
     if (!contact)
-        co_return QStringLiteral("No CRM contact linked to this thread yet — open it and link first.");
+        co_return u"No CRM contact linked to this thread yet — open it and link first."_s;
     const QList<UnifiedMsgRow> thread = draftThread(m_db, contact->id);
     if (!hasText(thread))
-        co_return QStringLiteral("No text messages in this thread to reply to.");
+        co_return u"No text messages in this thread to reply to."_s;
     if (!m_ai.ai.availableName())
-        co_return QStringLiteral("%1 or Codex CLI unavailable — start %2 or install Codex CLI.")
-            .arg(atStart(machineWords::localModel), machineWords::localModel);
+        co_return u"%1 or Codex CLI unavailable — start %2 or install Codex CLI."_s.arg(
+            atStart(machineWords::localModel), machineWords::localModel);
     const auto draft
         = co_await m_ai.drafts.draftReply(draftContext(m_db, *contact, WAName::pretty(contact->name.simplified())),
             thread, defaultDraftStyle(), m_ai.ai.modelSpec(), cancel);
@@ -69,11 +70,11 @@ QCoro::Task<QString> ReplyDrafts::queued(InboxGlanceRow row, CancelHandle cancel
     if (!draft)
         co_return draft.error().message;
     if (!queueDraft(m_db, row.conversationId, draft->draft, draftSource))
-        co_return QStringLiteral("Couldn't queue the draft for this conversation.");
+        co_return u"Couldn't queue the draft for this conversation."_s;
     storeDraftMetadata(m_db, contact->id, row.conversationId, *draft);
     m_db.watch().tell(StoreSubject::Drafts);
     m_db.watch().tell(StoreSubject::Approvals);
-    co_return QStringLiteral("Queued in Approvals");
+    co_return u"Queued in Approvals"_s;
 }
 
 void ReplyDrafts::forgetDone()

@@ -1,5 +1,7 @@
 #include "Desk/ResourceSnapshot.h"
 
+#include "Foundation/Literals.h"
+
 #include <QLocale>
 #include <QRegularExpression>
 #include <algorithm>
@@ -12,7 +14,7 @@ namespace {
 constexpr int keptProcesses = 24;
 constexpr double highPressure = 10; // percent of the last ten seconds
 constexpr quint64 highPages = 800'000;
-const QString otherRole = QStringLiteral("app");
+const QString otherRole = u"app"_s;
 
 struct Role {
     const char16_t* part;
@@ -33,7 +35,7 @@ constexpr std::array roles {
 
 bool isInterpreter(const QString& program)
 {
-    static const QRegularExpression name(QStringLiteral("\\A(node|bun|deno|python[0-9.]*|sh|bash|env)\\z"));
+    static const QRegularExpression name(u"\\A(node|bun|deno|python[0-9.]*|sh|bash|env)\\z"_s);
     return name.match(program).hasMatch();
 }
 
@@ -54,11 +56,9 @@ QString programText(const QString& command, const QString& arguments)
 
 bool isDisplayServer(const QString& command)
 {
-    static const QStringList servers { QStringLiteral("Xorg"), QStringLiteral("X"), QStringLiteral("Xwayland"),
-        QStringLiteral("Xvfb"), QStringLiteral("Xtigervnc"), QStringLiteral("gnome-shell"),
-        QStringLiteral("kwin_wayland"), QStringLiteral("kwin_x11"), QStringLiteral("mutter"), QStringLiteral("sway"),
-        QStringLiteral("weston"), QStringLiteral("Hyprland"), QStringLiteral("labwc"), QStringLiteral("wayfire"),
-        QStringLiteral("niri"), QStringLiteral("river"), QStringLiteral("cosmic-comp"), QStringLiteral("cage") };
+    static const QStringList servers { u"Xorg"_s, u"X"_s, u"Xwayland"_s, u"Xvfb"_s, u"Xtigervnc"_s, u"gnome-shell"_s,
+        u"kwin_wayland"_s, u"kwin_x11"_s, u"mutter"_s, u"sway"_s, u"weston"_s, u"Hyprland"_s, u"labwc"_s, u"wayfire"_s,
+        u"niri"_s, u"river"_s, u"cosmic-comp"_s, u"cage"_s };
     return servers.contains(command);
 }
 

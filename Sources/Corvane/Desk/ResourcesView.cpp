@@ -1,6 +1,7 @@
 #include "Desk/ResourcesView.h"
 
 #include "Desk/ResourceMonitor.h"
+#include "Foundation/Literals.h"
 
 #include <algorithm>
 
@@ -10,13 +11,12 @@ namespace {
 
 QString idOf(const ResourceProcessRow& row)
 {
-    return QStringLiteral("%1:%2").arg(row.pid).arg(row.startTime);
+    return u"%1:%2"_s.arg(row.pid).arg(row.startTime);
 }
 
 ProcessItem itemOf(const ResourceProcessRow& row)
 {
-    return { idOf(row), row.name(), QStringLiteral("%1 · %2").arg(row.role()).arg(row.pid), row.memoryLabel(),
-        !row.isProtected };
+    return { idOf(row), row.name(), u"%1 · %2"_s.arg(row.role()).arg(row.pid), row.memoryLabel(), !row.isProtected };
 }
 
 QString percent(double number)
@@ -67,17 +67,16 @@ QString ResourcesView::memoryText() const
 {
     if (m_snapshot.physicalMemoryBytes == 0)
         return {};
-    const QString all = QStringLiteral("%1 of memory").arg(formatBytes(m_snapshot.physicalMemoryBytes));
+    const QString all = u"%1 of memory"_s.arg(formatBytes(m_snapshot.physicalMemoryBytes));
     return m_snapshot.compressorBytes == 0
         ? all
-        : all + QStringLiteral(" · %1 kept compressed").arg(formatBytes(m_snapshot.compressorBytes));
+        : all + u" · %1 kept compressed"_s.arg(formatBytes(m_snapshot.compressorBytes));
 }
 
 QString ResourcesView::countsText() const
 {
     return m_snapshot.updatedAtMs == 0 ? QString()
-                                       : QStringLiteral("%1 Claude · %2 Codex · %3 Node")
-                                             .arg(m_snapshot.localClaudeCount)
+                                       : u"%1 Claude · %2 Codex · %3 Node"_s.arg(m_snapshot.localClaudeCount)
                                              .arg(m_snapshot.codexCount)
                                              .arg(m_snapshot.nodeCount);
 }
@@ -87,16 +86,16 @@ QString ResourcesView::warningTitle() const
     if (!isShort(m_snapshot))
         return {};
     return m_snapshot.pressure
-        ? QStringLiteral("RAM pressure high · programs waited %1 of the time").arg(percent(*m_snapshot.pressure))
-        : QStringLiteral("RAM pressure high · compressor %1").arg(m_snapshot.compressorPages);
+        ? u"RAM pressure high · programs waited %1 of the time"_s.arg(percent(*m_snapshot.pressure))
+        : u"RAM pressure high · compressor %1"_s.arg(m_snapshot.compressorPages);
 }
 
 QString ResourcesView::warningText() const
 {
     if (!isShort(m_snapshot))
         return {};
-    return m_snapshot.pressure ? QStringLiteral("Builds should wait until it drops below 10%.")
-                               : QStringLiteral("Builds should wait until compressor drops below 800k pages.");
+    return m_snapshot.pressure ? u"Builds should wait until it drops below 10%."_s
+                               : u"Builds should wait until compressor drops below 800k pages."_s;
 }
 
 QString ResourcesView::emptyText() const
@@ -104,14 +103,13 @@ QString ResourcesView::emptyText() const
     if (m_snapshot.updatedAtMs != 0)
         return {};
     const QString error = m_monitor ? m_monitor->lastError() : QString();
-    return error.isEmpty() ? QStringLiteral("The processes are being read.") : error;
+    return error.isEmpty() ? u"The processes are being read."_s : error;
 }
 
 QString ResourcesView::questionText() const
 {
     const auto* row = find(m_asking);
-    return row ? QStringLiteral("%1 (%2) uses %3. Use this only for apps you recognize.")
-                     .arg(row->name())
+    return row ? u"%1 (%2) uses %3. Use this only for apps you recognize."_s.arg(row->name())
                      .arg(row->pid)
                      .arg(row->memoryLabel())
                : QString();
@@ -134,7 +132,7 @@ void ResourcesView::terminate()
         return;
     m_asking.clear();
     if (!m_monitor->terminate(*row)) {
-        m_notice = QStringLiteral("%1 couldn't be ended. It may have ended by itself.").arg(row->name());
+        m_notice = u"%1 couldn't be ended. It may have ended by itself."_s.arg(row->name());
         m_monitor->refresh();
     }
     Q_EMIT changed();

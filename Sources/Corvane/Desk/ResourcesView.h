@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desk/ResourceSnapshot.h"
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 
 namespace corvane {
@@ -55,7 +56,7 @@ public:
     const QString& notice() const { return m_notice; }
     HoldingListModel* processes() { return &m_rows; }
     QString asking() const { return m_asking; }
-    QString questionTitle() const { return QStringLiteral("Terminate process?"); }
+    QString questionTitle() const { return u"Terminate process?"_s; }
     QString questionText() const;
 
     Q_INVOKABLE void ask(const QString& id); ///< nothing for a process that is protected

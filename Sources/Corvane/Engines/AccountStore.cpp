@@ -2,6 +2,7 @@
 
 #include "Foundation/CopyAside.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/PrivateFile.h"
 
@@ -71,17 +72,17 @@ std::optional<Account> decodeAccount(const QJsonObject& object)
 {
     AccountReader reader(object);
     Account account;
-    account.id = QUuid::fromString(reader.text(QLatin1StringView("id")));
-    account.name = reader.text(QLatin1StringView("name"));
-    account.slug = reader.text(QLatin1StringView("slug"));
-    account.mcpEnabled = reader.boolean(QLatin1StringView("mcpEnabled"));
-    account.mcpPort = reader.integer(QLatin1StringView("mcpPort"));
-    account.autoStart = reader.boolean(QLatin1StringView("autoStart"));
-    account.channelRaw = reader.optionalText(QLatin1StringView("channelRaw"));
-    account.chromeProfile = reader.optionalText(QLatin1StringView("chromeProfile"));
-    account.email = reader.optionalText(QLatin1StringView("email"));
-    account.paused = reader.optionalBoolean(QLatin1StringView("paused"));
-    account.startAtBoot = reader.optionalBoolean(QLatin1StringView("startAtBoot"));
+    account.id = QUuid::fromString(reader.text("id"_L1));
+    account.name = reader.text("name"_L1);
+    account.slug = reader.text("slug"_L1);
+    account.mcpEnabled = reader.boolean("mcpEnabled"_L1);
+    account.mcpPort = reader.integer("mcpPort"_L1);
+    account.autoStart = reader.boolean("autoStart"_L1);
+    account.channelRaw = reader.optionalText("channelRaw"_L1);
+    account.chromeProfile = reader.optionalText("chromeProfile"_L1);
+    account.email = reader.optionalText("email"_L1);
+    account.paused = reader.optionalBoolean("paused"_L1);
+    account.startAtBoot = reader.optionalBoolean("startAtBoot"_L1);
     return reader.isValid() && !account.id.isNull() ? std::optional(account) : std::nullopt;
 }
 
@@ -118,13 +119,13 @@ QByteArray encodeAccount(const Account& account)
 
 QString plainSlug(const QString& name)
 {
-    static const QRegularExpression others(QStringLiteral("[^a-z0-9]+"));
-    QString slug = name.toLower().replace(others, QStringLiteral("-"));
+    static const QRegularExpression others(u"[^a-z0-9]+"_s);
+    QString slug = name.toLower().replace(others, u"-"_s);
     while (slug.startsWith(u'-'))
         slug.remove(0, 1);
     while (slug.endsWith(u'-'))
         slug.chop(1);
-    return slug.isEmpty() ? QStringLiteral("account") : slug;
+    return slug.isEmpty() ? u"account"_s : slug;
 }
 
 }
@@ -154,7 +155,7 @@ QByteArray encodeAccounts(const QList<Account>& accounts)
 
 AccountStore::AccountStore(const QString& folder, QObject* parent)
     : QObject(parent)
-    , m_filePath(folder + QStringLiteral("/accounts.json"))
+    , m_filePath(folder + u"/accounts.json"_s)
 {
     QDir().mkpath(folder);
     QFile file(m_filePath);
@@ -220,7 +221,7 @@ QString AccountStore::freeSlug(const QString& name) const
     const QString plain = plainSlug(name);
     QString slug = plain;
     for (int n = 2; findBySlug(slug); ++n)
-        slug = QStringLiteral("%1-%2").arg(plain).arg(n);
+        slug = u"%1-%2"_s.arg(plain).arg(n);
     return slug;
 }
 
@@ -229,7 +230,7 @@ void AccountStore::save()
     if (!m_fileIsDamaged || copyAside(m_filePath)) {
         m_fileIsDamaged = false;
         if (!writePrivateFile(m_filePath, encodeAccounts(m_accounts)))
-            log(QStringLiteral("AccountStore: could not write %1").arg(m_filePath));
+            log(u"AccountStore: could not write %1"_s.arg(m_filePath));
     }
     Q_EMIT accountsChanged();
 }

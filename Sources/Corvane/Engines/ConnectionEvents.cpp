@@ -1,19 +1,20 @@
 #include "Engines/ConnectionEvents.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
 
 namespace {
 
-const QString qrType = QStringLiteral("qr");
-const QString statusType = QStringLiteral("status");
-const QString mcpType = QStringLiteral("mcp");
-const QString logType = QStringLiteral("log");
+const QString qrType = u"qr"_s;
+const QString statusType = u"status"_s;
+const QString mcpType = u"mcp"_s;
+const QString logType = u"log"_s;
 
 QString stateWord(const QJsonObject& event)
 {
-    return textValue(event, QLatin1StringView("state")).value_or(QString());
+    return textValue(event, "state"_L1).value_or(QString());
 }
 
 void applyStatus(RuntimeState& state, const QJsonObject& event)
@@ -24,7 +25,7 @@ void applyStatus(RuntimeState& state, const QJsonObject& event)
     } else if (word == u"open") {
         state.status = WAStatus::Connected;
         state.qr.reset();
-        state.userName = textValue(event, QLatin1StringView("user"));
+        state.userName = textValue(event, "user"_L1);
     } else if (word == u"close") {
         // The code stays valid on the screen while the engine's socket cycles.
         if (state.status != WAStatus::NeedsQR)
@@ -45,14 +46,14 @@ bool isConnectionEvent(const QString& type)
 RuntimeState afterConnectionEvent(RuntimeState state, const QString& type, const QJsonObject& event)
 {
     if (type == qrType) {
-        state.qr = textValue(event, QLatin1StringView("qr"));
+        state.qr = textValue(event, "qr"_L1);
         state.status = WAStatus::NeedsQR;
     } else if (type == statusType) {
         applyStatus(state, event);
     } else if (type == mcpType && stateWord(event) == u"listening") {
-        state.mcpURL = textValue(event, QLatin1StringView("url"));
+        state.mcpURL = textValue(event, "url"_L1);
     } else if (type == logType) {
-        state.lastLog = textValue(event, QLatin1StringView("msg")).value_or(QString());
+        state.lastLog = textValue(event, "msg"_L1).value_or(QString());
     }
     return state;
 }

@@ -3,6 +3,7 @@
 #include "Engines/EngineCommands.h"
 #include "Engines/EngineManager.h"
 #include "Engines/Outbox.h"
+#include "Foundation/Literals.h"
 #include "Platform/ProcessLauncher.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
@@ -91,8 +92,7 @@ bool DraftDelivery::deliver(const QString& draftId, const Account& account)
     if (isStillUnread(*claim.draft, line))
         return true;
     const auto engine = m_engines.engineOf(account);
-    if (engine
-        && m_engines.writeLine(account, line, places ? QStringLiteral("writeCommand") : QStringLiteral("sendText"))) {
+    if (engine && m_engines.writeLine(account, line, places ? u"writeCommand"_s : u"sendText"_s)) {
         m_awaited.insert(draftId, { m_scheduler.monotonicMs(), *claim.draft, engine, line });
         return true;
     }

@@ -5,6 +5,7 @@
 #include "Engines/EngineManagerState.h"
 #include "Foundation/Channel.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/ChannelFeatures.h"
@@ -16,12 +17,12 @@ namespace corvane {
 
 namespace {
 
-const QString cmdKey = QStringLiteral("cmd");
-const QString chatIdKey = QStringLiteral("chatId");
-const QString messageIdKey = QStringLiteral("messageId");
-const QString fromMeKey = QStringLiteral("fromMe");
-const QString textKey = QStringLiteral("text");
-const QString draftIdKey = QStringLiteral("draftId");
+const QString cmdKey = u"cmd"_s;
+const QString chatIdKey = u"chatId"_s;
+const QString messageIdKey = u"messageId"_s;
+const QString fromMeKey = u"fromMe"_s;
+const QString textKey = u"text"_s;
+const QString draftIdKey = u"draftId"_s;
 
 MediaDownloadStatus failed(const QString& reason)
 {
@@ -33,23 +34,22 @@ MediaDownloadStatus failed(const QString& reason)
 QJsonObject sendCommand(const QString& chatId, const OutgoingMessage& message, const ChannelFeatures& features,
     Acknowledges kind, const QString& id)
 {
-    QJsonObject command { { cmdKey, QStringLiteral("send") }, { chatIdKey, chatId }, { textKey, message.text } };
+    QJsonObject command { { cmdKey, u"send"_s }, { chatIdKey, chatId }, { textKey, message.text } };
     if (features.subject && !message.subject.isEmpty())
-        command.insert(QStringLiteral("subject"), message.subject);
+        command.insert(u"subject"_s, message.subject);
     QJsonArray files;
     for (const OutgoingFile& file : message.files)
-        files.append(QJsonObject { { QStringLiteral("path"), file.path }, { QStringLiteral("name"), file.name } });
+        files.append(QJsonObject { { u"path"_s, file.path }, { u"name"_s, file.name } });
     if (features.files && !files.isEmpty())
-        command.insert(QStringLiteral("files"), files);
+        command.insert(u"files"_s, files);
     if (!id.isEmpty())
-        command.insert(kind == Acknowledges::Draft ? draftIdKey : QStringLiteral("sendId"), id);
+        command.insert(kind == Acknowledges::Draft ? draftIdKey : u"sendId"_s, id);
     return command;
 }
 
 QJsonObject placeCommand(const QString& threadId, const QString& text, const QString& draftId)
 {
-    return { { cmdKey, QStringLiteral("draft") }, { QStringLiteral("threadId"), threadId }, { textKey, text },
-        { draftIdKey, draftId } };
+    return { { cmdKey, u"draft"_s }, { u"threadId"_s, threadId }, { textKey, text }, { draftIdKey, draftId } };
 }
 
 QByteArray commandLine(const QJsonObject& command)
@@ -69,12 +69,10 @@ bool EngineManager::writeLine(const Account& account, const QByteArray& line, co
     const auto written = engine->write(line);
     if (written)
         return true;
-    log(QStringLiteral("EngineManager.%1: pipe write failed for %2: %3")
-            .arg(caller, account.slug, written.error().message));
+    log(u"EngineManager.%1: pipe write failed for %2: %3"_s.arg(caller, account.slug, written.error().message));
     if (engine->isRunning() && !engine->isInputOpen()) {
         m_state->runtime.setStatus(account.id, WAStatus::Error);
-        m_state->runtime.setLog(
-            account.id, QStringLiteral("The engine takes no commands: it closed its input. Start it again."));
+        m_state->runtime.setLog(account.id, u"The engine takes no commands: it closed its input. Start it again."_s);
     }
     return false;
 }
@@ -82,11 +80,11 @@ bool EngineManager::writeLine(const Account& account, const QByteArray& line, co
 bool EngineManager::writeCommand(const Account& account, const QJsonObject& command)
 {
     if (!engineOf(account)) {
-        log(QStringLiteral("EngineManager.writeCommand: no running engine pipe for %1 cmd=%2")
-                .arg(account.slug, command.value(cmdKey).toString(QStringLiteral("unknown"))));
+        log(u"EngineManager.writeCommand: no running engine pipe for %1 cmd=%2"_s.arg(
+            account.slug, command.value(cmdKey).toString(u"unknown"_s)));
         return false;
     }
-    return writeLine(account, commandLine(command), QStringLiteral("writeCommand"));
+    return writeLine(account, commandLine(command), u"writeCommand"_s);
 }
 
 bool EngineManager::sendText(
@@ -96,7 +94,7 @@ bool EngineManager::sendText(
         return false;
     const QJsonObject command
         = sendCommand(chatId, message, fetchFeatures(db(), account.slug), Acknowledges::DirectSend, sendId);
-    return writeLine(account, commandLine(command), QStringLiteral("sendText"));
+    return writeLine(account, commandLine(command), u"sendText"_s);
 }
 
 const Outbox& EngineManager::outbox() const
@@ -114,65 +112,60 @@ bool EngineManager::queueDraft(const QString& conversationId, const OutgoingMess
 
 bool EngineManager::sendAudio(const Account& account, const QString& chatId, const QString& path)
 {
-    return writeCommand(
-        account, { { cmdKey, QStringLiteral("sendAudio") }, { chatIdKey, chatId }, { QStringLiteral("path"), path } });
+    return writeCommand(account, { { cmdKey, u"sendAudio"_s }, { chatIdKey, chatId }, { u"path"_s, path } });
 }
 
 bool EngineManager::markRead(const Account& account, const QString& chatId)
 {
-    const bool written = writeCommand(account, { { cmdKey, QStringLiteral("markRead") }, { chatIdKey, chatId } });
+    const bool written = writeCommand(account, { { cmdKey, u"markRead"_s }, { chatIdKey, chatId } });
     if (!written)
-        log(QStringLiteral("EngineManager.markRead: command write failed for %1 chatId=%2").arg(account.slug, chatId));
+        log(u"EngineManager.markRead: command write failed for %1 chatId=%2"_s.arg(account.slug, chatId));
     return written;
 }
 
 bool EngineManager::loadMoreHistory(const Account& account, const QString& chatId, int count)
 {
-    return writeCommand(
-        account, { { cmdKey, QStringLiteral("loadMore") }, { chatIdKey, chatId }, { QStringLiteral("count"), count } });
+    return writeCommand(account, { { cmdKey, u"loadMore"_s }, { chatIdKey, chatId }, { u"count"_s, count } });
 }
 
 bool EngineManager::react(
     const Account& account, const QString& chatId, const QString& messageId, bool fromMe, const QString& emoji)
 {
     return writeCommand(account,
-        { { cmdKey, QStringLiteral("react") }, { chatIdKey, chatId }, { messageIdKey, messageId },
-            { fromMeKey, fromMe }, { QStringLiteral("emoji"), emoji } });
+        { { cmdKey, u"react"_s }, { chatIdKey, chatId }, { messageIdKey, messageId }, { fromMeKey, fromMe },
+            { u"emoji"_s, emoji } });
 }
 
 bool EngineManager::fetchAvatar(const Account& account, const QString& jid)
 {
-    return writeCommand(account, { { cmdKey, QStringLiteral("fetchAvatar") }, { QStringLiteral("jid"), jid } });
+    return writeCommand(account, { { cmdKey, u"fetchAvatar"_s }, { u"jid"_s, jid } });
 }
 
 bool EngineManager::sync(const Account& account)
 {
-    return writeCommand(account, { { cmdKey, QStringLiteral("sync") } });
+    return writeCommand(account, { { cmdKey, u"sync"_s } });
 }
 
 void EngineManager::retryMediaDownload(const UnifiedMsgRow& row)
 {
     const QString channel = channelLabel(row.platform);
-    const QString providerId
-        = row.providerMsgId.isEmpty() ? QString(row.id).remove(QStringLiteral("wa:msg:")) : row.providerMsgId;
+    const QString providerId = row.providerMsgId.isEmpty() ? QString(row.id).remove(u"wa:msg:"_s) : row.providerMsgId;
     if (row.accountId.isEmpty() || row.externalId.isEmpty() || providerId.isEmpty()) {
-        setMediaDownload(
-            row.id, failed(QStringLiteral("This message is missing the %1 ids needed to retry.").arg(channel)));
+        setMediaDownload(row.id, failed(u"This message is missing the %1 ids needed to retry."_s.arg(channel)));
         return;
     }
-    const MediaDownloadStatus notRunning
-        = failed(QStringLiteral("%1 engine is not running for this account.").arg(channel));
+    const MediaDownloadStatus notRunning = failed(u"%1 engine is not running for this account."_s.arg(channel));
     const auto account = runningAccount(row.accountId);
     if (!account) {
         setMediaDownload(row.id, notRunning);
         return;
     }
     setMediaDownload(row.id, MediaDownloadStatus { MediaDownloadStatus::Kind::Downloading, {} });
-    QJsonObject command { { cmdKey, QStringLiteral("downloadMedia") }, { chatIdKey, row.externalId },
-        { messageIdKey, providerId }, { fromMeKey, row.direction == u"OUT" } };
+    QJsonObject command { { cmdKey, u"downloadMedia"_s }, { chatIdKey, row.externalId }, { messageIdKey, providerId },
+        { fromMeKey, row.direction == u"OUT" } };
     // In a group an engine may report the sender by address, which then says who to ask for the file.
     if (row.sender.contains(u'@'))
-        command.insert(QStringLiteral("participant"), row.sender);
+        command.insert(u"participant"_s, row.sender);
     m_state->mediaAskedOf.insert(row.id, engineOf(*account));
     if (!writeCommand(*account, command))
         setMediaDownload(row.id, notRunning);
@@ -187,7 +180,7 @@ void EngineManager::failMediaOf(const std::shared_ptr<ChildProcess>& engine)
         m_state->mediaAskedOf.remove(message);
         const auto status = mediaDownloadStatus(message);
         if (status && status->kind == MediaDownloadStatus::Kind::Downloading)
-            setMediaDownload(message, failed(QStringLiteral("The engine ended before the file was there.")));
+            setMediaDownload(message, failed(u"The engine ended before the file was there."_s));
     }
 }
 

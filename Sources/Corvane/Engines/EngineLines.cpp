@@ -2,6 +2,7 @@
 
 #include "Engines/LineGroup.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -137,7 +138,7 @@ bool EngineStream::takeNext()
 void EngineStream::settle(bool kept)
 {
     for (; kept && m_taken > 0; --m_taken) {
-        if (const auto number = wholeNumber(m_events.front().object, QLatin1StringView("ack")))
+        if (const auto number = wholeNumber(m_events.front().object, "ack"_L1))
             m_kept = number;
         m_events.pop_front();
     }

@@ -7,6 +7,7 @@
 #include "Engines/MediaPlaces.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/Text.h"
 #include "Notifications/Notifier.h"
@@ -20,8 +21,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -48,19 +47,19 @@ void withdrawRead(LocalDB& db, Notifier& notifier)
     }
 }
 
-const QString directSendPrefix = QStringLiteral("ds");
+const QString directSendPrefix = u"ds"_s;
 
 /// The id of the direct send that an acknowledgment answers; nothing where it answers none.
 std::optional<QString> answeredDirectSend(const QString& type, const QJsonObject& event)
 {
-    return type == u"sendAck" ? textValue(event, QLatin1StringView("sendId")) : std::nullopt;
+    return type == u"sendAck" ? textValue(event, "sendId"_L1) : std::nullopt;
 }
 
 /// What the send command named: a draft or a direct send.
 QString nameOfSend(const QJsonObject& event)
 {
-    const auto draftId = textValue(event, QLatin1StringView("draftId"));
-    return draftId ? *draftId : textValue(event, QLatin1StringView("sendId")).value_or(QString());
+    const auto draftId = textValue(event, "draftId"_L1);
+    return draftId ? *draftId : textValue(event, "sendId"_L1).value_or(QString());
 }
 
 SendFate fateOf(const QString& status)
@@ -74,7 +73,7 @@ EventSource sourceOf(const AppPaths& paths, const QUuid& accountId, const std::o
 {
     if (account)
         return { account->slug, channelRaw(account->channel()), account->slug, mediaPlaces(paths, *account) };
-    return { accountId.toString(QUuid::WithoutBraces).toUpper(), channelRaw(Channel::WhatsApp), QStringLiteral("x") };
+    return { accountId.toString(QUuid::WithoutBraces).toUpper(), channelRaw(Channel::WhatsApp), u"x"_s };
 }
 
 }
@@ -324,15 +323,14 @@ void EngineManager::tellDirectSend(const QString& id, const QJsonObject& acknowl
     };
     const SendFate fate = fateOf(text("status"));
     const QString error = text("error");
-    const QString reason
-        = fate == SendFate::Uncertain ? QStringLiteral("No answer came.") : QStringLiteral("Send failed");
+    const QString reason = fate == SendFate::Uncertain ? u"No answer came."_s : u"Send failed"_s;
     Q_EMIT directSendAnswered(id, fate, error.isEmpty() ? reason : error);
 }
 
 /// False where the event is to come again.
 bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker)
 {
-    const auto type = textValue(event, QLatin1StringView("type"));
+    const auto type = textValue(event, "type"_L1);
     if (!type)
         return true;
     LineGroup& lines = m_state->lines;
@@ -354,9 +352,9 @@ bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, 
         if (!stored)
             return false;
     } else {
-        if (const auto said = *type == u"log" ? textValue(event, QLatin1StringView("msg")) : std::nullopt)
+        if (const auto said = *type == u"log" ? textValue(event, "msg"_L1) : std::nullopt)
             lines.afterCommit([slug = source.slug, said = *said] {
-                log(QStringLiteral("engine %1 says: %2").arg(slug, firstCharacters(said, loggedLength)));
+                log(u"engine %1 says: %2"_s.arg(slug, firstCharacters(said, loggedLength)));
             });
         lines.afterCommit(tell);
     }

@@ -3,6 +3,7 @@
 #include "Engines/EngineSpec.h"
 #include "Engines/RuntimeStates.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 
@@ -18,7 +19,7 @@ constexpr int remainsRounds = 50;
 
 QByteArray acknowledgment(qint64 number)
 {
-    return compactJson({ { QStringLiteral("cmd"), QStringLiteral("ack") }, { QStringLiteral("n"), number } }) + '\n';
+    return compactJson({ { u"cmd"_s, u"ack"_s }, { u"n"_s, number } }) + '\n';
 }
 
 }
@@ -50,7 +51,7 @@ void EngineProcesses::start(const Account& account)
     m_runtime.setStatus(id, WAStatus::Starting);
     if (keepsSecret(account.channel()) && m_keychain.isAwaited(account.slug)) {
         m_awaitingSecret.insert(id, account);
-        m_runtime.setLog(id, QStringLiteral("Waits for the desktop's keyring to be unlocked."));
+        m_runtime.setLog(id, u"Waits for the desktop's keyring to be unlocked."_s);
         return;
     }
     launchWhenAlone(account);
@@ -102,8 +103,8 @@ void EngineProcesses::launch(const Account& account)
     });
     const auto child = m_launcher.start(engine->spec, handlersFor(engine));
     if (!child) {
-        const QString words = QStringLiteral("Failed to launch engine: %1").arg(child.error().message);
-        log(QStringLiteral("EngineProcesses: %1: %2").arg(account.slug, words));
+        const QString words = u"Failed to launch engine: %1"_s.arg(child.error().message);
+        log(u"EngineProcesses: %1: %2"_s.arg(account.slug, words));
         m_runtime.setStatus(id, WAStatus::Error);
         m_runtime.setLog(id, words);
         return;
@@ -163,7 +164,7 @@ void EngineProcesses::handleExit(const std::shared_ptr<Engine>& engine)
 void EngineProcesses::tellExit(const Engine& engine)
 {
     const QString words = exitWords(engine.spec, engine.exitCode);
-    log(QStringLiteral("EngineProcesses: %1: %2").arg(engine.account.slug, words));
+    log(u"EngineProcesses: %1: %2"_s.arg(engine.account.slug, words));
     if (m_accounts.contains(engine.account.id))
         m_runtime.setExit(engine.account.id, words);
 }
@@ -173,9 +174,8 @@ void EngineProcesses::restartLater(const Account& account)
     const QUuid id = account.id;
     const int attempts = ++m_restartAttempts[id];
     if (attempts > maxRestartAttempts) {
-        const QString words
-            = QStringLiteral("Engine kept crashing — auto-restart gave up after %1 tries.").arg(maxRestartAttempts);
-        log(QStringLiteral("EngineProcesses: %1: %2").arg(account.slug, words));
+        const QString words = u"Engine kept crashing — auto-restart gave up after %1 tries."_s.arg(maxRestartAttempts);
+        log(u"EngineProcesses: %1: %2"_s.arg(account.slug, words));
         m_runtime.setStatus(id, WAStatus::Error);
         m_runtime.setLog(id, words);
         return;

@@ -2,6 +2,7 @@
 
 #include "Engines/MediaPlaces.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
@@ -15,8 +16,8 @@ namespace corvane {
 
 namespace {
 
-const QString envExecutable = QStringLiteral("/usr/bin/env");
-const QString markVariable = QStringLiteral("CORVANE_ENGINE");
+const QString envExecutable = u"/usr/bin/env"_s;
+const QString markVariable = u"CORVANE_ENGINE"_s;
 
 constexpr int nodeRefusedItsOptions = 9; // Node's own number for it
 constexpr int envFoundNothing = 127;
@@ -28,7 +29,7 @@ QString markOf(const AppPaths& paths, const Account& account)
 
 QString memoriesFolder(const AppPaths& paths)
 {
-    return paths.applicationSupport + QStringLiteral("/engines");
+    return paths.applicationSupport + u"/engines"_s;
 }
 
 /// Folders of an account are deleted at a reset: a slug edited by hand must not lead anywhere else.
@@ -51,14 +52,13 @@ ProcessSpec nodeSpec(const AppPaths& paths, const QString& script, int heapMegab
     spec.executable = nodePath(folder);
     spec.workingDirectory = folder;
     if (spec.executable == envExecutable)
-        spec.arguments.append(QStringLiteral("node"));
-    spec.arguments
-        += { QStringLiteral("--max-old-space-size=%1").arg(heapMegabytes), QStringLiteral("--max-semi-space-size=2"),
-               QStringLiteral("--experimental-strip-types"), QStringLiteral("--no-warnings"), folder + u'/' + script };
+        spec.arguments.append(u"node"_s);
+    spec.arguments += { u"--max-old-space-size=%1"_s.arg(heapMegabytes), u"--max-semi-space-size=2"_s,
+        u"--experimental-strip-types"_s, u"--no-warnings"_s, folder + u'/' + script };
 
     spec.environment = QProcessEnvironment::systemEnvironment();
-    const QString path = QStringLiteral("PATH");
-    const QString tools = QStringLiteral("/opt/homebrew/bin:/usr/local/bin:/usr/bin:/bin");
+    const QString path = u"PATH"_s;
+    const QString tools = u"/opt/homebrew/bin:/usr/local/bin:/usr/bin:/bin"_s;
     spec.environment.insert(
         path, spec.environment.contains(path) ? spec.environment.value(path) + u':' + tools : tools);
     return spec;
@@ -68,25 +68,25 @@ QString entryScript(Channel channel)
 {
     switch (channel) {
     case Channel::WhatsApp:
-        return QStringLiteral("src/main.ts");
+        return u"src/main.ts"_s;
     case Channel::LinkedIn:
-        return QStringLiteral("src/linkedin-main.ts");
+        return u"src/linkedin-main.ts"_s;
     case Channel::Email:
-        return QStringLiteral("src/email-main.ts");
+        return u"src/email-main.ts"_s;
     case Channel::Telegram:
-        return QStringLiteral("src/telegram-main.ts");
+        return u"src/telegram-main.ts"_s;
     case Channel::Discord:
-        return QStringLiteral("src/discord-main.ts");
+        return u"src/discord-main.ts"_s;
     case Channel::Slack:
-        return QStringLiteral("src/slack-main.ts");
+        return u"src/slack-main.ts"_s;
     case Channel::Instagram:
-        return QStringLiteral("src/instagram-main.ts");
+        return u"src/instagram-main.ts"_s;
     case Channel::Messenger:
-        return QStringLiteral("src/messenger-main.ts");
+        return u"src/messenger-main.ts"_s;
     case Channel::Sms:
-        return QStringLiteral("src/twilio-main.ts");
+        return u"src/twilio-main.ts"_s;
     case Channel::IMessage:
-        return QStringLiteral("src/imessage-main.ts");
+        return u"src/imessage-main.ts"_s;
     }
     Q_UNREACHABLE();
 }
@@ -125,14 +125,14 @@ void insertSecretParts(QProcessEnvironment& environment, const QString& secret, 
 void insertBrowserVariables(
     QProcessEnvironment& environment, const QString& prefix, const AppPaths& paths, const Account& account)
 {
-    environment.insert(prefix + QStringLiteral("_ACCOUNT_NAME"), account.slug);
+    environment.insert(prefix + u"_ACCOUNT_NAME"_s, account.slug);
     const auto folder = stateFolder(paths, account);
     if (folder && QFileInfo(*folder).isDir())
-        environment.insert(prefix + QStringLiteral("_HIDDEN"), QStringLiteral("1"));
+        environment.insert(prefix + u"_HIDDEN"_s, u"1"_s);
     else
-        environment.remove(prefix + QStringLiteral("_HIDDEN"));
+        environment.remove(prefix + u"_HIDDEN"_s);
     if (account.chromeProfile && !account.chromeProfile->isEmpty())
-        environment.insert(prefix + QStringLiteral("_CHROME_PROFILE"), *account.chromeProfile);
+        environment.insert(prefix + u"_CHROME_PROFILE"_s, *account.chromeProfile);
 }
 
 void insertChannelVariables(
@@ -143,37 +143,33 @@ void insertChannelVariables(
     };
     switch (account.channel()) {
     case Channel::WhatsApp:
-        environment.insert(QStringLiteral("WHATSAPP_ACCOUNT_NAME"), account.slug);
+        environment.insert(u"WHATSAPP_ACCOUNT_NAME"_s, account.slug);
         break;
     case Channel::LinkedIn:
-        insertBrowserVariables(environment, QStringLiteral("LINKEDIN"), paths, account);
+        insertBrowserVariables(environment, u"LINKEDIN"_s, paths, account);
         break;
     case Channel::Email:
-        environment.insert(QStringLiteral("EMAIL_USER"), account.email.value_or(QString()));
-        environment.insert(QStringLiteral("EMAIL_PASS"), secret());
+        environment.insert(u"EMAIL_USER"_s, account.email.value_or(QString()));
+        environment.insert(u"EMAIL_PASS"_s, secret());
         break;
     case Channel::Telegram:
-        environment.insert(QStringLiteral("TELEGRAM_BOT_TOKEN"), secret());
+        environment.insert(u"TELEGRAM_BOT_TOKEN"_s, secret());
         break;
     case Channel::Discord:
-        environment.insert(QStringLiteral("DISCORD_BOT_TOKEN"), secret());
+        environment.insert(u"DISCORD_BOT_TOKEN"_s, secret());
         break;
     case Channel::Slack:
-        insertSecretParts(environment, secret(),
-            { { QStringLiteral("SLACK_APP_TOKEN"), QLatin1StringView("app") },
-                { QStringLiteral("SLACK_BOT_TOKEN"), QLatin1StringView("bot") } });
+        insertSecretParts(
+            environment, secret(), { { u"SLACK_APP_TOKEN"_s, "app"_L1 }, { u"SLACK_BOT_TOKEN"_s, "bot"_L1 } });
         break;
     case Channel::Instagram:
     case Channel::Messenger:
-        environment.insert(QStringLiteral("META_MODE"),
-            account.channel() == Channel::Instagram ? QStringLiteral("instagram") : QStringLiteral("messenger"));
-        insertBrowserVariables(environment, QStringLiteral("META"), paths, account);
+        environment.insert(u"META_MODE"_s, account.channel() == Channel::Instagram ? u"instagram"_s : u"messenger"_s);
+        insertBrowserVariables(environment, u"META"_s, paths, account);
         break;
     case Channel::Sms:
         insertSecretParts(environment, secret(),
-            { { QStringLiteral("TWILIO_SID"), QLatin1StringView("sid") },
-                { QStringLiteral("TWILIO_AUTH"), QLatin1StringView("auth") },
-                { QStringLiteral("TWILIO_FROM"), QLatin1StringView("from") } });
+            { { u"TWILIO_SID"_s, "sid"_L1 }, { u"TWILIO_AUTH"_s, "auth"_L1 }, { u"TWILIO_FROM"_s, "from"_L1 } });
         break;
     case Channel::IMessage:
         break;
@@ -184,21 +180,21 @@ void insertChannelVariables(
 
 QString engineDir(const AppPaths& paths)
 {
-    const QString bundled = paths.resources + QStringLiteral("/engine");
-    if (QFileInfo::exists(bundled + QStringLiteral("/src/main.ts")))
+    const QString bundled = paths.resources + u"/engine"_s;
+    if (QFileInfo::exists(bundled + u"/src/main.ts"_s))
         return bundled;
-    return paths.home + QStringLiteral("/nimb/apps/nimb-local/mac/engine");
+    return paths.home + u"/nimb/apps/nimb-local/mac/engine"_s;
 }
 
 QString nodePath(const QString& engineDir)
 {
-    const bool isArm = QSysInfo::currentCpuArchitecture() == QLatin1StringView("arm64");
+    const bool isArm = QSysInfo::currentCpuArchitecture() == "arm64"_L1;
     const QStringList candidates {
         qEnvironmentVariable("CORVANE_NODE"),
-        engineDir + QStringLiteral("/node_modules/node-linux-%1/bin/node").arg(isArm ? u"arm64" : u"x64"),
-        QStringLiteral("/opt/homebrew/bin/node"),
-        QStringLiteral("/usr/local/bin/node"),
-        QStringLiteral("/usr/bin/node"),
+        engineDir + u"/node_modules/node-linux-%1/bin/node"_s.arg(isArm ? u"arm64" : u"x64"),
+        u"/opt/homebrew/bin/node"_s,
+        u"/usr/local/bin/node"_s,
+        u"/usr/bin/node"_s,
     };
     const auto found = std::ranges::find_if(candidates, isExecutableFile);
     return found == candidates.end() ? envExecutable : *found;
@@ -215,9 +211,9 @@ void askToRetell(const AppPaths& paths)
 {
     const QDir memories(memoriesFolder(paths));
     for (const QString& slug : memories.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile mark(memories.filePath(slug + QStringLiteral("/retell")));
+        QFile mark(memories.filePath(slug + u"/retell"_s));
         if (!mark.open(QIODevice::WriteOnly))
-            log(QStringLiteral("The engine of %1 cannot be asked to retell: %2").arg(slug, mark.errorString()));
+            log(u"The engine of %1 cannot be asked to retell: %2"_s.arg(slug, mark.errorString()));
     }
 }
 
@@ -230,13 +226,13 @@ std::optional<QString> stateFolder(const AppPaths& paths, const Account& account
     };
     switch (account.channel()) {
     case Channel::LinkedIn:
-        return named(QStringLiteral("/.corvane-linkedin/"));
+        return named(u"/.corvane-linkedin/"_s);
     case Channel::Instagram:
-        return named(QStringLiteral("/.corvane-instagram/"));
+        return named(u"/.corvane-instagram/"_s);
     case Channel::Messenger:
-        return named(QStringLiteral("/.corvane-messenger/"));
+        return named(u"/.corvane-messenger/"_s);
     default:
-        return named(QStringLiteral("/.whatsapp-baileys/"));
+        return named(u"/.whatsapp-baileys/"_s);
     }
 }
 
@@ -263,15 +259,15 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
 {
     const Channel channel = account.channel();
     ProcessSpec spec = nodeSpec(paths, entryScript(channel), channel == Channel::WhatsApp ? 384 : 128);
-    spec.environment.insert(QStringLiteral("LOG_LEVEL"), QStringLiteral("info"));
+    spec.environment.insert(u"LOG_LEVEL"_s, u"info"_s);
     if (const auto folder = mediaFolder(paths, account))
-        spec.environment.insert(QStringLiteral("CORVANE_MEDIA_DIR"), *folder);
-    spec.environment.insert(QStringLiteral("CORVANE_ACCOUNT"), account.slug);
+        spec.environment.insert(u"CORVANE_MEDIA_DIR"_s, *folder);
+    spec.environment.insert(u"CORVANE_ACCOUNT"_s, account.slug);
     if (const auto folder = memoryFolder(paths, account))
-        spec.environment.insert(QStringLiteral("CORVANE_STATE_DIR"), *folder);
+        spec.environment.insert(u"CORVANE_STATE_DIR"_s, *folder);
     spec.environment.insert(markVariable, markOf(paths, account));
     insertChannelVariables(spec.environment, paths, keychain, account);
-    spec.environment.remove(QStringLiteral("MCP_HTTP_PORT")); // an engine opens no tool port of its own
+    spec.environment.remove(u"MCP_HTTP_PORT"_s); // an engine opens no tool port of its own
     return spec;
 }
 
@@ -279,11 +275,11 @@ ProcessSpec mailProbeSpec(const AppPaths& paths, const QString& mode, const QStr
 {
     ProcessSpec spec = nodeSpec(paths, entryScript(Channel::Email), 128);
     spec.arguments.append(mode);
-    spec.environment.insert(QStringLiteral("EMAIL_USER"), address);
+    spec.environment.insert(u"EMAIL_USER"_s, address);
     if (secret.isEmpty())
-        spec.environment.remove(QStringLiteral("EMAIL_PASS"));
+        spec.environment.remove(u"EMAIL_PASS"_s);
     else
-        spec.environment.insert(QStringLiteral("EMAIL_PASS"), secret);
+        spec.environment.insert(u"EMAIL_PASS"_s, secret);
     spec.environment.remove(markVariable);
     return spec;
 }
@@ -295,27 +291,27 @@ QString engineMark(const AppPaths& paths, const Account& account)
 
 QString exitWords(const ProcessSpec& spec, int code)
 {
-    const QString neededNode = QStringLiteral("Engines need Node 22.6 or newer.");
+    const QString neededNode = u"Engines need Node 22.6 or newer."_s;
     if (code < 0)
-        return QStringLiteral("Ended by signal %1 (%2)").arg(-code).arg(QString::fromLocal8Bit(::strsignal(-code)));
+        return u"Ended by signal %1 (%2)"_s.arg(-code).arg(QString::fromLocal8Bit(::strsignal(-code)));
     if (code == envFoundNothing && spec.executable == envExecutable)
-        return QStringLiteral("Node was not found. ") + neededNode;
+        return u"Node was not found. "_s + neededNode;
     if (code == nodeRefusedItsOptions)
-        return QStringLiteral("%1 is too old. ").arg(spec.executable) + neededNode;
+        return u"%1 is too old. "_s.arg(spec.executable) + neededNode;
     const auto isScript = [](const QString& argument) {
-        return argument.endsWith(QLatin1StringView(".ts"));
+        return argument.endsWith(".ts"_L1);
     };
     const auto script = std::ranges::find_if(spec.arguments, isScript);
     if (code > 0 && script != spec.arguments.end() && !QFileInfo::exists(*script))
-        return QStringLiteral("The engine's program is missing: ") + *script;
-    return code == 0 ? QStringLiteral("Ended by itself") : QStringLiteral("Ended with exit code %1").arg(code);
+        return u"The engine's program is missing: "_s + *script;
+    return code == 0 ? u"Ended by itself"_s : u"Ended with exit code %1"_s.arg(code);
 }
 
 ProcessSpec toolServerSpec(const AppPaths& paths, int port)
 {
-    ProcessSpec spec = nodeSpec(paths, QStringLiteral("src/nimb-mcp.ts"), 96);
-    spec.environment.insert(QStringLiteral("NIMB_MCP_PORT"), QString::number(port));
-    spec.environment.insert(QStringLiteral("CORVANE_API_BASE_URL"), QStringLiteral(CORVANE_API_BASE_URL));
+    ProcessSpec spec = nodeSpec(paths, u"src/nimb-mcp.ts"_s, 96);
+    spec.environment.insert(u"NIMB_MCP_PORT"_s, QString::number(port));
+    spec.environment.insert(u"CORVANE_API_BASE_URL"_s, QStringLiteral(CORVANE_API_BASE_URL));
     spec.environment.remove(markVariable);
     spec.pipes = false;
     return spec;

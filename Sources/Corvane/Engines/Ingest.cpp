@@ -5,6 +5,7 @@
 #include "Engines/MediaPlaces.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/Text.h"
 #include "Notifications/Notifier.h"
@@ -38,7 +39,7 @@ std::optional<QString> mediaPath(const EventSource& source, const QJsonObject& e
     const auto path = text(event, key);
     if (!path || isMediaPath(source.mediaPlaces, *path))
         return path;
-    log(QStringLiteral("Ingest: %1: not a file in its own folders: %2").arg(source.slug, *path));
+    log(u"Ingest: %1: not a file in its own folders: %2"_s.arg(source.slug, *path));
     return std::nullopt;
 }
 
@@ -60,16 +61,16 @@ void Ingest::setContactsBridge(ContactsBridge* contacts)
 Ingest::Handler Ingest::handlerOf(const QString& type)
 {
     static const QHash<QString, Handler> handlers {
-        { QStringLiteral("message"), &Ingest::handleMessage },
-        { QStringLiteral("avatar"), &Ingest::handleAvatar },
-        { QStringLiteral("msgStatus"), &Ingest::handleMessageStatus },
-        { QStringLiteral("sendAck"), &Ingest::handleSendAck },
-        { QStringLiteral("reaction"), &Ingest::handleReaction },
-        { QStringLiteral("media"), &Ingest::handleMedia },
-        { QStringLiteral("unread"), &Ingest::handleUnread },
-        { QStringLiteral("features"), &Ingest::handleFeatures },
-        { QStringLiteral("contactName"), &Ingest::handleContactName },
-        { QStringLiteral("phone"), &Ingest::handlePhone },
+        { u"message"_s, &Ingest::handleMessage },
+        { u"avatar"_s, &Ingest::handleAvatar },
+        { u"msgStatus"_s, &Ingest::handleMessageStatus },
+        { u"sendAck"_s, &Ingest::handleSendAck },
+        { u"reaction"_s, &Ingest::handleReaction },
+        { u"media"_s, &Ingest::handleMedia },
+        { u"unread"_s, &Ingest::handleUnread },
+        { u"features"_s, &Ingest::handleFeatures },
+        { u"contactName"_s, &Ingest::handleContactName },
+        { u"phone"_s, &Ingest::handlePhone },
     };
     return handlers.value(type);
 }
@@ -111,8 +112,8 @@ bool Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     message.conversationExternalId = *externalId;
     message.providerMsgId = *providerMsgId;
     message.body = *body;
-    message.outgoing = text(event, "direction") == QStringLiteral("OUT");
-    message.ts = truncatedNumber(event, QLatin1StringView("ts")).value_or(m_db.nowMs());
+    message.outgoing = text(event, "direction") == u"OUT"_s;
+    message.ts = truncatedNumber(event, "ts"_L1).value_or(m_db.nowMs());
     message.conversationTitle = text(event, "convTitle");
     message.sender = text(event, "sender");
     message.mediaType = text(event, "mediaType");
@@ -125,7 +126,7 @@ bool Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
     if (message.mediaPath)
         tellMediaDownload(messageIdOf(m_db, source.slug, *providerMsgId), std::nullopt);
 
-    const bool historical = event.value(QLatin1StringView("historical")).toBool();
+    const bool historical = event.value("historical"_L1).toBool();
     if (stored->isNew && !message.outgoing && !historical) {
         raiseUnread(m_db, stored->conversationId);
         announce(source, message);
@@ -162,7 +163,7 @@ bool Ingest::handleAvatar(const EventSource& source, const QJsonObject& event)
 bool Ingest::handleMessageStatus(const EventSource& source, const QJsonObject& event)
 {
     const auto providerMsgId = text(event, "providerMsgId");
-    const auto status = wholeNumber(event, QLatin1StringView("status"));
+    const auto status = wholeNumber(event, "status"_L1);
     if (!providerMsgId || !status)
         return false;
     raiseMessageStatus(m_db, source.slug, *providerMsgId, *status);
@@ -178,7 +179,7 @@ bool Ingest::handleSendAck(const EventSource& source, const QJsonObject& event)
     const QString status = text(event, "status").value_or(QString());
     const auto said = text(event, "error");
     const QString error = status == u"uncertain" ? describe(DraftFailure::Uncertain, said.value_or(QString()))
-                                                 : said.value_or(QStringLiteral("Send failed"));
+                                                 : said.value_or(u"Send failed"_s);
     acknowledgeDraft(m_db, source.slug, *draftId, status, text(event, "providerMsgId"), error);
     m_group.afterCommit([this] { m_db.watch().tell(StoreSubject::Drafts); });
     return true;
@@ -189,7 +190,7 @@ bool Ingest::handleReaction(const EventSource& source, const QJsonObject& event)
     const auto target = text(event, "targetProviderMsgId");
     if (!target)
         return false;
-    setProviderReaction(m_db, source.slug, *target, text(event, "emoji").value_or(QStringLiteral("")));
+    setProviderReaction(m_db, source.slug, *target, text(event, "emoji").value_or(u""_s));
     tellMessageChanged(source, *target);
     return true;
 }
@@ -206,8 +207,7 @@ bool Ingest::handleMedia(const EventSource& source, const QJsonObject& event)
         return true;
     }
     if (state == u"failed") {
-        const QString reason
-            = text(event, "error").value_or(QStringLiteral("Couldn't fetch this media from WhatsApp."));
+        const QString reason = text(event, "error").value_or(u"Couldn't fetch this media from WhatsApp."_s);
         tellMediaDownload(key, MediaDownloadStatus { MediaDownloadStatus::Kind::Failed, reason });
     } else if (state == u"success") {
         if (const auto path = mediaPath(source, event, "mediaPath"))
@@ -223,7 +223,7 @@ bool Ingest::handleMedia(const EventSource& source, const QJsonObject& event)
 bool Ingest::handleUnread(const EventSource& source, const QJsonObject& event)
 {
     const auto externalId = text(event, "convExternalId");
-    const auto count = wholeNumber(event, QLatin1StringView("count"));
+    const auto count = wholeNumber(event, "count"_L1);
     if (!externalId || !count || *count < 0)
         return false;
     const QString conversation = conversationId(source.slug, *externalId);
@@ -240,9 +240,9 @@ bool Ingest::handleFeatures(const EventSource& source, const QJsonObject& event)
     const auto isFlag = [](const QJsonValue& value) {
         return value.isUndefined() || value.isBool();
     };
-    const auto maxBytes = wholeNumber(event, QLatin1StringView("maxBytes"));
+    const auto maxBytes = wholeNumber(event, "maxBytes"_L1);
     if (!isFlag(flag("files")) || !isFlag(flag("subject"))
-        || (event.contains(QLatin1StringView("maxBytes")) && maxBytes.value_or(0) <= 0))
+        || (event.contains("maxBytes"_L1) && maxBytes.value_or(0) <= 0))
         return false;
     if (rememberFeatures(m_db, source.slug, { flag("files").toBool(), maxBytes, flag("subject").toBool() }))
         m_group.afterCommit([this, slug = source.slug] { Q_EMIT featuresChanged(slug); });
@@ -282,11 +282,10 @@ bool Ingest::handlePhone(const EventSource& source, const QJsonObject& event)
 std::optional<QString> Ingest::writeAddressBookPhoto(
     const QString& jid, const EventSource& source, const QByteArray& photo) const
 {
-    static const QRegularExpression others(QStringLiteral("[^A-Za-z0-9_-]"));
-    const QString folder
-        = m_applicationSupport + QStringLiteral("/media/") + source.mediaFolder + QStringLiteral("/avatars");
+    static const QRegularExpression others(u"[^A-Za-z0-9_-]"_s);
+    const QString folder = m_applicationSupport + u"/media/"_s + source.mediaFolder + u"/avatars"_s;
     QDir().mkpath(folder);
-    const QString path = folder + u'/' + QString(jid).remove(others) + QStringLiteral("-ab.jpg");
+    const QString path = folder + u'/' + QString(jid).remove(others) + u"-ab.jpg"_s;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(photo) != photo.size() || !file.flush() || !file.commit())
         return std::nullopt;

@@ -1,5 +1,6 @@
 #include "Engines/LineGroup.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
@@ -37,7 +38,7 @@ bool LineGroup::add(const std::function<void()>& store)
     m_effects.resize(effects);
     if (mayPass(m_db.failure()))
         return false;
-    log(QStringLiteral("LineGroup: a line could not be stored"));
+    log(u"LineGroup: a line could not be stored"_s);
     return true;
 }
 

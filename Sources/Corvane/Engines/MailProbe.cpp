@@ -3,10 +3,9 @@
 #include "Engines/EngineLines.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/ProcessLauncher.h"
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -24,7 +23,7 @@ Result<FoundMailServers> readFound(const QJsonObject& event)
         .imap = *imap,
         .smtp = *smtp,
         .isGuess = event[u"found"] == u"guess"_s,
-        .strangers = textsValue(event, QLatin1StringView("confirm")).value_or(QStringList()),
+        .strangers = textsValue(event, "confirm"_L1).value_or(QStringList()),
         .needsToken = event[u"signIn"] == u"token"_s,
         .hint = event[u"hint"].toString(),
     };

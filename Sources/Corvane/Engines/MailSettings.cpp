@@ -1,10 +1,9 @@
 #include "Engines/MailSettings.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <QJsonArray>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -26,9 +25,9 @@ QJsonObject serverObject(const MailServer& server)
 
 std::optional<MailServer> mailServer(const QJsonObject& object)
 {
-    const auto host = textValue(object, QLatin1StringView("host"));
-    const auto port = wholeNumber(object, QLatin1StringView("port"));
-    const auto security = textValue(object, QLatin1StringView("security"));
+    const auto host = textValue(object, "host"_L1);
+    const auto port = wholeNumber(object, "port"_L1);
+    const auto security = textValue(object, "security"_L1);
     if (!host || host->isEmpty() || !port || *port < 1 || *port > 65'535
         || (security != u"tls" && security != u"starttls"))
         return std::nullopt;

@@ -1,6 +1,7 @@
 #include "Engines/MediaPlaces.h"
 
 #include "Engines/EngineSpec.h"
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 
 #include <QDir>
@@ -13,7 +14,7 @@ namespace {
 
 bool isVoiceNote(const QString& path)
 {
-    static const QRegularExpression name(QStringLiteral("\\A/corvane-voice-[0-9]+\\.m4a\\z"));
+    static const QRegularExpression name(u"\\A/corvane-voice-[0-9]+\\.m4a\\z"_s);
     const QString folder = QDir::tempPath();
     return path.startsWith(folder) && name.match(path.sliced(folder.size())).hasMatch();
 }
@@ -36,7 +37,7 @@ std::optional<QString> mediaFolder(const AppPaths& paths, const Account& account
 {
     if (!stateFolder(paths, account))
         return std::nullopt;
-    return paths.applicationSupport + QStringLiteral("/media/") + account.slug;
+    return paths.applicationSupport + u"/media/"_s + account.slug;
 }
 
 QStringList mediaPlaces(const AppPaths& paths, const Account& account)

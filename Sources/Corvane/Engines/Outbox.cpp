@@ -1,6 +1,7 @@
 #include "Engines/Outbox.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/PrivateFile.h"
 
@@ -29,7 +30,7 @@ QString plainName(const QString& name)
     const QString ending = QFileInfo(plain).suffix().left(20);
     while (plain.toUtf8().size() > longestName)
         plain = plain.chopped(ending.size() + 2) + u'.' + ending;
-    return plain.isEmpty() ? QStringLiteral("file") : plain;
+    return plain.isEmpty() ? u"file"_s : plain;
 }
 
 QString newPath(const QString& place, const QString& name)
@@ -72,8 +73,8 @@ QString hashText(const QCryptographicHash& hash)
 }
 
 Outbox::Outbox(const AppPaths& paths)
-    : m_picked(paths.applicationSupport + QStringLiteral("/outbox/picked"))
-    , m_drafts(paths.applicationSupport + QStringLiteral("/outbox/drafts"))
+    : m_picked(paths.applicationSupport + u"/outbox/picked"_s)
+    , m_drafts(paths.applicationSupport + u"/outbox/drafts"_s)
 {
 }
 
@@ -85,7 +86,7 @@ Result<OutgoingFile> Outbox::copy(const QString& from, const QString& place, qin
     const auto size = copyPrivateFile(from, file.path, limit, [&](QByteArrayView piece) { hash.addData(piece); });
     if (!size) {
         removeFolderOf(file.path);
-        return failure(QStringLiteral("%1 can't be attached. %2").arg(name, size.error().message));
+        return failure(u"%1 can't be attached. %2"_s.arg(name, size.error().message));
     }
     file.bytes = *size;
     file.sha256 = hashText(hash);
@@ -103,7 +104,7 @@ Result<OutgoingFile> Outbox::pick(const QString& name, const QByteArray& content
     OutgoingFile file { newPath(m_picked, plain), plain, content.size(), {} };
     if (!writePrivateFile(file.path, content)) {
         removeFolderOf(file.path);
-        return failure(QStringLiteral("%1 can't be attached. It couldn't be copied.").arg(plain));
+        return failure(u"%1 can't be attached. It couldn't be copied."_s.arg(plain));
     }
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(content);

@@ -2,6 +2,7 @@
 
 #include "Engines/EngineSpec.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
@@ -75,7 +76,7 @@ void ToolServer::launch()
     };
     const auto process = m_launcher.start(toolServerSpec(m_paths, m_port), { .output = {}, .exited = exited });
     if (!process) {
-        log(QStringLiteral("unified MCP failed: %1").arg(process.error().message));
+        log(u"unified MCP failed: %1"_s.arg(process.error().message));
         setState(false, process.error().message);
         return;
     }
@@ -108,7 +109,7 @@ void ToolServer::stop()
 
 QString ToolServer::url() const
 {
-    return QStringLiteral("http://127.0.0.1:%1/mcp").arg(m_port);
+    return u"http://127.0.0.1:%1/mcp"_s.arg(m_port);
 }
 
 void ToolServer::setState(bool running, const QString& problem)

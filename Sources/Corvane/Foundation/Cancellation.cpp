@@ -1,5 +1,7 @@
 #include "Foundation/Cancellation.h"
 
+#include "Foundation/Literals.h"
+
 namespace corvane {
 
 void CancelHandle::cancel() const
@@ -25,7 +27,7 @@ CancelHandle::Watch CancelHandle::onCancel(Callback callback) const
 
 std::unexpected<Error> cancelled()
 {
-    return failure(QStringLiteral("Cancelled."));
+    return failure(u"Cancelled."_s);
 }
 
 }

@@ -1,5 +1,6 @@
 #include "Foundation/CopyAside.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QFile>
@@ -9,15 +10,15 @@ namespace corvane {
 
 std::optional<QString> copyAside(const QString& path)
 {
-    QString copy = path + QStringLiteral(".damaged");
+    QString copy = path + u".damaged"_s;
     for (int n = 2; QFile::exists(copy); ++n)
-        copy = QStringLiteral("%1.damaged-%2").arg(path).arg(n);
+        copy = u"%1.damaged-%2"_s.arg(path).arg(n);
     // Opening a pipe would wait for a writer.
     if (!QFileInfo(path).isFile() || !QFile::copy(path, copy)) {
-        log(QStringLiteral("%1 does not read and cannot be copied; it is left alone").arg(path));
+        log(u"%1 does not read and cannot be copied; it is left alone"_s.arg(path));
         return std::nullopt;
     }
-    log(QStringLiteral("%1 does not read; a copy is kept as %2").arg(path, copy));
+    log(u"%1 does not read; a copy is kept as %2"_s.arg(path, copy));
     return copy;
 }
 

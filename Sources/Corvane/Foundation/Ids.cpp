@@ -1,5 +1,7 @@
 #include "Foundation/Ids.h"
 
+#include "Foundation/Literals.h"
+
 #include <QRandomGenerator>
 #include <QUuid>
 #include <atomic>
@@ -9,7 +11,7 @@ namespace corvane {
 QString stampedId(const QString& prefix, qint64 nowMs)
 {
     static std::atomic<quint32> next = QRandomGenerator::global()->generate();
-    return QStringLiteral("%1:%2:%3").arg(prefix).arg(nowMs).arg(1000 + next++ % 9000);
+    return u"%1:%2:%3"_s.arg(prefix).arg(nowMs).arg(1000 + next++ % 9000);
 }
 
 QString uuidText()
@@ -19,22 +21,22 @@ QString uuidText()
 
 QString contactId(const QString& channel, const QString& handle)
 {
-    return QStringLiteral("ct:") + channel + u':' + handle;
+    return u"ct:"_s + channel + u':' + handle;
 }
 
 QString contactIdentityId(const QString& channel, const QString& handle)
 {
-    return QStringLiteral("id:") + channel + u':' + handle;
+    return u"id:"_s + channel + u':' + handle;
 }
 
 QString conversationId(const QString& accountSlug, const QString& externalId)
 {
-    return QStringLiteral("wa:") + accountSlug + u':' + externalId;
+    return u"wa:"_s + accountSlug + u':' + externalId;
 }
 
 QString messageId(const QString& providerMsgId)
 {
-    return QStringLiteral("wa:msg:") + providerMsgId;
+    return u"wa:msg:"_s + providerMsgId;
 }
 
 }

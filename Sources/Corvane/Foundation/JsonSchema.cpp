@@ -1,5 +1,7 @@
 #include "Foundation/JsonSchema.h"
 
+#include "Foundation/Literals.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QSet>
@@ -17,26 +19,26 @@ QString nameOf(const QJsonValue& value)
 {
     switch (value.type()) {
     case QJsonValue::Null:
-        return QStringLiteral("null");
+        return u"null"_s;
     case QJsonValue::Bool:
-        return QStringLiteral("boolean");
+        return u"boolean"_s;
     case QJsonValue::Double:
-        return QStringLiteral("number");
+        return u"number"_s;
     case QJsonValue::String:
-        return QStringLiteral("string");
+        return u"string"_s;
     case QJsonValue::Array:
-        return QStringLiteral("array");
+        return u"array"_s;
     case QJsonValue::Object:
-        return QStringLiteral("object");
+        return u"object"_s;
     case QJsonValue::Undefined:
         break;
     }
-    return QStringLiteral("nothing");
+    return u"nothing"_s;
 }
 
 bool isOfType(const QJsonValue& value, const QString& type)
 {
-    if (type == QLatin1StringView("integer"))
+    if (type == "integer"_L1)
         return value.isDouble() && std::trunc(value.toDouble()) == value.toDouble();
     return nameOf(value) == type;
 }
@@ -63,14 +65,14 @@ Violation checkType(const Rule& rule)
     const QJsonArray types = asList(rule.wanted);
     if (std::ranges::any_of(types, [&](const QJsonValue& type) { return isOfType(rule.value, type.toString()); }))
         return std::nullopt;
-    return rule.violated(QStringLiteral("is of the type ") + nameOf(rule.value));
+    return rule.violated(u"is of the type "_s + nameOf(rule.value));
 }
 
 Violation checkEnum(const Rule& rule)
 {
     if (rule.wanted.toArray().contains(rule.value))
         return std::nullopt;
-    return rule.violated(QStringLiteral("is none of the values that it may have"));
+    return rule.violated(u"is none of the values that it may have"_s);
 }
 
 Violation checkRequired(const Rule& rule)
@@ -79,7 +81,7 @@ Violation checkRequired(const Rule& rule)
         return std::nullopt;
     for (const QJsonValue& key : rule.wanted.toArray()) {
         if (!rule.value.toObject().contains(key.toString()))
-            return rule.violated(QStringLiteral("has no “%1”").arg(key.toString()));
+            return rule.violated(u"has no “%1”"_s.arg(key.toString()));
     }
     return std::nullopt;
 }
@@ -101,13 +103,13 @@ Violation checkProperties(const Rule& rule)
 Violation checkAdditionalProperties(const Rule& rule)
 {
     if (!rule.wanted.isBool())
-        return rule.violated(QStringLiteral("has a rule for further properties that is not checked here"));
+        return rule.violated(u"has a rule for further properties that is not checked here"_s);
     if (rule.wanted.toBool())
         return std::nullopt;
-    const QJsonObject known = rule.schema[QLatin1StringView("properties")].toObject();
+    const QJsonObject known = rule.schema["properties"_L1].toObject();
     for (const QString& key : rule.value.toObject().keys()) {
         if (!known.contains(key))
-            return rule.violated(QStringLiteral("has “%1”, which nobody asked for").arg(key));
+            return rule.violated(u"has “%1”, which nobody asked for"_s.arg(key));
     }
     return std::nullopt;
 }
@@ -116,7 +118,7 @@ Violation checkItems(const Rule& rule)
 {
     const QJsonArray items = rule.value.toArray();
     for (qsizetype i = 0; i < items.size(); ++i) {
-        if (auto violation = check(items[i], rule.wanted.toObject(), QStringLiteral("%1[%2]").arg(rule.path).arg(i)))
+        if (auto violation = check(items[i], rule.wanted.toObject(), u"%1[%2]"_s.arg(rule.path).arg(i)))
             return violation;
     }
     return std::nullopt;
@@ -125,9 +127,9 @@ Violation checkItems(const Rule& rule)
 /// What a limit is compared with; nothing where the value is of another type, which has no such limit.
 std::optional<double> measure(const QJsonValue& value, const QString& word)
 {
-    if (word.endsWith(QLatin1StringView("Items")))
+    if (word.endsWith("Items"_L1))
         return value.isArray() ? std::optional(double(value.toArray().size())) : std::nullopt;
-    if (word.endsWith(QLatin1StringView("Length")))
+    if (word.endsWith("Length"_L1))
         return value.isString() ? std::optional(double(value.toString().toUcs4().size())) : std::nullopt;
     return value.isDouble() ? std::optional(value.toDouble()) : std::nullopt;
 }
@@ -136,35 +138,31 @@ Violation checkLimit(const Rule& rule, const QString& word)
 {
     const auto measured = measure(rule.value, word);
     const double limit = rule.wanted.toDouble();
-    if (measured && (word.startsWith(QLatin1StringView("min")) ? *measured < limit : *measured > limit))
-        return rule.violated(QStringLiteral("breaks its %1 of %2").arg(word).arg(limit));
+    if (measured && (word.startsWith("min"_L1) ? *measured < limit : *measured > limit))
+        return rule.violated(u"breaks its %1 of %2"_s.arg(word).arg(limit));
     return std::nullopt;
 }
 
 bool onlyDescribes(const QString& word)
 {
-    static const QSet<QString> words { QStringLiteral("title"), QStringLiteral("description"),
-        QStringLiteral("$schema"), QStringLiteral("default"), QStringLiteral("examples") };
+    static const QSet<QString> words { u"title"_s, u"description"_s, u"$schema"_s, u"default"_s, u"examples"_s };
     return words.contains(word);
 }
 
 Violation checkRule(const QString& word, const Rule& rule)
 {
-    static const QHash<QString, Violation (*)(const Rule&)> checks { { QStringLiteral("type"), checkType },
-        { QStringLiteral("enum"), checkEnum }, { QStringLiteral("required"), checkRequired },
-        { QStringLiteral("properties"), checkProperties },
-        { QStringLiteral("additionalProperties"), checkAdditionalProperties },
-        { QStringLiteral("items"), checkItems } };
-    static const QSet<QString> limits { QStringLiteral("minItems"), QStringLiteral("maxItems"),
-        QStringLiteral("minLength"), QStringLiteral("maxLength"), QStringLiteral("minimum"),
-        QStringLiteral("maximum") };
+    static const QHash<QString, Violation (*)(const Rule&)> checks { { u"type"_s, checkType }, { u"enum"_s, checkEnum },
+        { u"required"_s, checkRequired }, { u"properties"_s, checkProperties },
+        { u"additionalProperties"_s, checkAdditionalProperties }, { u"items"_s, checkItems } };
+    static const QSet<QString> limits { u"minItems"_s, u"maxItems"_s, u"minLength"_s, u"maxLength"_s, u"minimum"_s,
+        u"maximum"_s };
     if (const auto known = checks.value(word))
         return known(rule);
     if (limits.contains(word))
         return checkLimit(rule, word);
     if (onlyDescribes(word))
         return std::nullopt;
-    return rule.violated(QStringLiteral("has the rule “%1”, which is not checked here").arg(word));
+    return rule.violated(u"has the rule “%1”, which is not checked here"_s.arg(word));
 }
 
 Violation check(const QJsonValue& value, const QJsonObject& schema, const QString& path)
@@ -181,7 +179,7 @@ Violation check(const QJsonValue& value, const QJsonObject& schema, const QStrin
 
 std::optional<QString> schemaViolation(const QJsonValue& value, const QJsonObject& schema)
 {
-    return check(value, schema, QStringLiteral("answer"));
+    return check(value, schema, u"answer"_s);
 }
 
 }

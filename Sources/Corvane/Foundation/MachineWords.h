@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QString>
 
 namespace corvane {
@@ -7,12 +9,12 @@ namespace corvane {
 /// What sentences call this machine and what is on it. A sentence that names one of these takes the word from here, so
 /// that a port to another platform has one place to change.
 namespace machineWords {
-inline const QString thisMachine = QStringLiteral("this computer");
-inline const QString machine = QStringLiteral("computer");
-inline const QString localModel = QStringLiteral("a model on this computer");
-inline const QString localSpeech = QStringLiteral("speech recognition on this computer");
-inline const QString localTranslation = QStringLiteral("translation on this computer");
-inline const QString powerSaving = QStringLiteral("Power saver");
+inline const QString thisMachine = u"this computer"_s;
+inline const QString machine = u"computer"_s;
+inline const QString localModel = u"a model on this computer"_s;
+inline const QString localSpeech = u"speech recognition on this computer"_s;
+inline const QString localTranslation = u"translation on this computer"_s;
+inline const QString powerSaving = u"Power saver"_s;
 }
 
 /// The same word at the start of a sentence.

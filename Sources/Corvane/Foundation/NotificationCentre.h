@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QString>
 #include <QVariantMap>
 #include <functional>
@@ -43,13 +45,13 @@ private:
 };
 
 namespace notifications {
-inline const QString openConversation = QStringLiteral("nimb.openConversation"); ///< object: a contact id
-inline const QString openSettings = QStringLiteral("nimb.openSettings"); ///< object: a section, or none
-inline const QString openWorkConsole = QStringLiteral("nimb.openWorkConsole"); ///< object: a hub's raw value, or none
-inline const QString openApprovals = QStringLiteral("corvane.openApprovals");
-inline const QString focusComposer = QStringLiteral("nimb.focusComposer");
-inline const QString approvalAction = QStringLiteral("nimb.approvalAction"); ///< user info: kind, id, action
-inline const QString activeWorkspaceChanged = QStringLiteral("nimb.activeWorkspaceChanged");
+inline const QString openConversation = u"nimb.openConversation"_s; ///< object: a contact id
+inline const QString openSettings = u"nimb.openSettings"_s; ///< object: a section, or none
+inline const QString openWorkConsole = u"nimb.openWorkConsole"_s; ///< object: a hub's raw value, or none
+inline const QString openApprovals = u"corvane.openApprovals"_s;
+inline const QString focusComposer = u"nimb.focusComposer"_s;
+inline const QString approvalAction = u"nimb.approvalAction"_s; ///< user info: kind, id, action
+inline const QString activeWorkspaceChanged = u"nimb.activeWorkspaceChanged"_s;
 }
 
 }

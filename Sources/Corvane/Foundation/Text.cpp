@@ -1,5 +1,6 @@
 #include "Foundation/Text.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 
 #include <QTextBoundaryFinder>
@@ -82,7 +83,7 @@ QString promptLine(const QString& text, int limit)
     if (!start.isEmpty() && start.back().isHighSurrogate() && start.size() < trimmed.size())
         start.chop(1);
     start = firstCharacters(start, limit);
-    return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + QStringLiteral("...");
+    return start.size() == trimmed.size() ? onOneLine(start) : onOneLine(start) + u"..."_s;
 }
 
 QString atStart(const QString& words)

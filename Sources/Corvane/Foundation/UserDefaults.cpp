@@ -1,6 +1,7 @@
 #include "Foundation/UserDefaults.h"
 
 #include "Foundation/CopyAside.h"
+#include "Foundation/Literals.h"
 
 #include <QSettings>
 
@@ -22,16 +23,16 @@ std::optional<QString> UserDefaults::text(const QString& key) const
     const QVariant value = this->value(key);
     // An unquoted comma in a file edited by hand reads as a list.
     if (value.typeId() == QMetaType::QStringList)
-        return value.toStringList().join(QStringLiteral(", "));
+        return value.toStringList().join(u", "_s);
     return value.isValid() ? std::optional(value.toString()) : std::nullopt;
 }
 
 std::optional<bool> UserDefaults::boolean(const QString& key) const
 {
     const QString word = text(key).value_or(QString()).trimmed().toLower();
-    if (word == QLatin1String("true") || word == QLatin1String("1"))
+    if (word == "true"_L1 || word == "1"_L1)
         return true;
-    if (word == QLatin1String("false") || word == QLatin1String("0"))
+    if (word == "false"_L1 || word == "0"_L1)
         return false;
     return std::nullopt;
 }
@@ -50,7 +51,7 @@ void UserDefaults::setText(const QString& key, const QString& value)
 
 void UserDefaults::setBoolean(const QString& key, bool value)
 {
-    setText(key, value ? QStringLiteral("true") : QStringLiteral("false"));
+    setText(key, value ? u"true"_s : u"false"_s);
 }
 
 void UserDefaults::setInteger(const QString& key, qint64 value)

@@ -1,10 +1,9 @@
 #include "Inbox/InboxCommands.h"
 
+#include "Foundation/Literals.h"
 #include "Inbox/InboxView.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 QList<Command> inboxCommands(InboxView& inbox)
 {

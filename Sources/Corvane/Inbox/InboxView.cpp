@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Presentation/WAName.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
@@ -74,7 +75,7 @@ void InboxView::writeNew()
 
 void InboxView::comeToFront()
 {
-    m_notifications.post(notifications::openWorkConsole, QStringLiteral("inbox"));
+    m_notifications.post(notifications::openWorkConsole, u"inbox"_s);
 }
 
 bool InboxView::composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message)
@@ -88,7 +89,7 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
                                                                : address;
     const QString conversation
         = ensureConversation(m_engine.db(), channel, account.slug, address, name, m_scheduler.nowMs());
-    if (!m_engine.queueDraft(conversation, message, QStringLiteral("compose")))
+    if (!m_engine.queueDraft(conversation, message, u"compose"_s))
         return false;
     m_engine.db().watch().tell(StoreSubject::Drafts);
     m_engine.bump();

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Inbox/ReadMarks.h"
 #include "Platform/AppPaths.h"
 #include "Presentation/UndoOffer.h"
@@ -26,8 +27,8 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
     , m_list(list)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_composer({ m_engine, m_accounts, at.defaults, m_scheduler, at.microphone, at.desktop,
-          at.paths.applicationSupport + QStringLiteral("/unsent.json"),
-          at.paths.applicationSupport + QStringLiteral("/unsent-messages.json"), at.voice })
+          at.paths.applicationSupport + u"/unsent.json"_s, at.paths.applicationSupport + u"/unsent-messages.json"_s,
+          at.voice })
     , m_assistant({ m_engine.db(), at.ai, at.translations, m_composer })
     , m_summary(m_engine.db(), at.ai)
     , m_askLumo(m_engine.db(), at.ai)
@@ -190,7 +191,7 @@ void OpenPerson::openHit(const QString& messageId)
 
 void OpenPerson::openVoiceSettings()
 {
-    m_notifications.post(notifications::openSettings, QStringLiteral("voice"));
+    m_notifications.post(notifications::openSettings, u"voice"_s);
 }
 
 void OpenPerson::jumpTo(const QString& messageId)

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 
@@ -9,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-const QStringList readAtProvider { QStringLiteral("WHATSAPP"), QStringLiteral("EMAIL") };
+const QStringList readAtProvider { u"WHATSAPP"_s, u"EMAIL"_s };
 
 }
 

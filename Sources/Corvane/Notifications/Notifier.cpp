@@ -2,6 +2,7 @@
 
 #include "Foundation/Channel.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/Scheduler.h"
@@ -15,37 +16,37 @@ namespace {
 constexpr qint64 debounceMs = 4000;
 constexpr int bodyLength = 180;
 
-const QString approvalCategory = QStringLiteral("NIMB_APPROVAL");
-const QString approveAction = QStringLiteral("NIMB_APPROVE");
-const QString rejectAction = QStringLiteral("NIMB_REJECT");
-const QString contactIdKey = QStringLiteral("contactId");
-const QString approvalKindKey = QStringLiteral("approvalKind");
-const QString approvalIdKey = QStringLiteral("approvalId");
-const QVariantMap ofDictation { { QStringLiteral("dictation"), true } };
-const QString recordingKey = QStringLiteral("recording");
+const QString approvalCategory = u"NIMB_APPROVAL"_s;
+const QString approveAction = u"NIMB_APPROVE"_s;
+const QString rejectAction = u"NIMB_REJECT"_s;
+const QString contactIdKey = u"contactId"_s;
+const QString approvalKindKey = u"approvalKind"_s;
+const QString approvalIdKey = u"approvalId"_s;
+const QVariantMap ofDictation { { u"dictation"_s, true } };
+const QString recordingKey = u"recording"_s;
 
 QString approvalSubtitle(const QString& kind)
 {
-    if (kind == QStringLiteral("draft"))
-        return QStringLiteral("Outbound message — Approve sends it");
-    if (kind == QStringLiteral("draft_failed"))
-        return QStringLiteral("Outbound message failed — Approve retries");
-    if (kind == QStringLiteral("proposal"))
-        return QStringLiteral("CRM update proposal");
-    if (kind == QStringLiteral("decision"))
-        return QStringLiteral("Agent decision");
-    if (kind == QStringLiteral("event"))
-        return QStringLiteral("Calendar event — Approve adds it");
-    return QStringLiteral("Approval needed");
+    if (kind == u"draft"_s)
+        return u"Outbound message — Approve sends it"_s;
+    if (kind == u"draft_failed"_s)
+        return u"Outbound message failed — Approve retries"_s;
+    if (kind == u"proposal"_s)
+        return u"CRM update proposal"_s;
+    if (kind == u"decision"_s)
+        return u"Agent decision"_s;
+    if (kind == u"event"_s)
+        return u"Calendar event — Approve adds it"_s;
+    return u"Approval needed"_s;
 }
 
 QString approvalActionName(const QString& action)
 {
     if (action == approveAction)
-        return QStringLiteral("approve");
+        return u"approve"_s;
     if (action == rejectAction)
-        return QStringLiteral("reject");
-    return QStringLiteral("open");
+        return u"reject"_s;
+    return u"open"_s;
 }
 
 }
@@ -68,7 +69,7 @@ Notifier::~Notifier()
 void Notifier::bootstrap()
 {
     if (!m_service.isAvailable()) {
-        log(QStringLiteral("[Notifier] no bundle identifier (bare/unsigned launch) — skipping notification bootstrap"));
+        log(u"[Notifier] no bundle identifier (bare/unsigned launch) — skipping notification bootstrap"_s);
         return;
     }
     m_service.setResponseHandler(
@@ -77,7 +78,7 @@ void Notifier::bootstrap()
 
 bool Notifier::enabled() const
 {
-    return m_defaults.boolean(QStringLiteral("notifyOnNewMessage")).value_or(true);
+    return m_defaults.boolean(u"notifyOnNewMessage"_s).value_or(true);
 }
 
 bool Notifier::wouldNotify(const QString& contactId) const
@@ -101,7 +102,7 @@ void Notifier::notifyMessage(const QString& contactId, const QString& name, cons
     Banner banner;
     banner.identifier = uuidText();
     banner.thread = contactId;
-    banner.title = name.isEmpty() ? QStringLiteral("New message") : name;
+    banner.title = name.isEmpty() ? u"New message"_s : name;
     banner.subtitle = channelLabel(channel);
     banner.body = firstCharacters(body, bodyLength);
     banner.userInfo = { { contactIdKey, contactId } };
@@ -125,14 +126,14 @@ void Notifier::notifyApproval(const QString& kind, const QString& id, const QStr
     if (!m_service.isAvailable() || !enabled())
         return;
     Banner banner;
-    banner.identifier = QStringLiteral("approval-%1-%2").arg(kind, id);
-    banner.thread = QStringLiteral("nimb.approvals");
+    banner.identifier = u"approval-%1-%2"_s.arg(kind, id);
+    banner.thread = u"nimb.approvals"_s;
     banner.category = approvalCategory;
-    banner.title = title.isEmpty() ? QStringLiteral("Approval needed") : title;
+    banner.title = title.isEmpty() ? u"Approval needed"_s : title;
     banner.subtitle = approvalSubtitle(kind);
     banner.body = firstCharacters(body, bodyLength);
-    if (kind != QStringLiteral("approval"))
-        banner.actions = { { approveAction, QStringLiteral("Approve") }, { rejectAction, QStringLiteral("Reject") } };
+    if (kind != u"approval"_s)
+        banner.actions = { { approveAction, u"Approve"_s }, { rejectAction, u"Reject"_s } };
     banner.userInfo = { { approvalKindKey, kind }, { approvalIdKey, id } };
     m_service.show(banner);
 }
@@ -152,10 +153,10 @@ void Notifier::notifyRecording(const QString& title, const QString& body)
 void Notifier::notifyDictation(const QString& text, const QList<Banner::Action>& buttons)
 {
     Banner banner;
-    banner.identifier = QStringLiteral("dictation");
-    banner.thread = QStringLiteral("dictation");
-    banner.category = QStringLiteral("dictation");
-    banner.title = QStringLiteral("Dictation");
+    banner.identifier = u"dictation"_s;
+    banner.thread = u"dictation"_s;
+    banner.category = u"dictation"_s;
+    banner.title = u"Dictation"_s;
     banner.body = text;
     banner.actions = buttons;
     banner.userInfo = ofDictation;
@@ -173,11 +174,11 @@ void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action
         m_centre.post(notifications::dictationAction, action);
     } else if (userInfo.contains(approvalKindKey) && userInfo.contains(approvalIdKey)) {
         const QString name = approvalActionName(action);
-        if (name == QStringLiteral("open"))
+        if (name == u"open"_s)
             m_activate();
         m_centre.post(notifications::approvalAction, std::nullopt,
-            { { QStringLiteral("kind"), userInfo.value(approvalKindKey) },
-                { QStringLiteral("id"), userInfo.value(approvalIdKey) }, { QStringLiteral("action"), name } });
+            { { u"kind"_s, userInfo.value(approvalKindKey) }, { u"id"_s, userInfo.value(approvalIdKey) },
+                { u"action"_s, name } });
     } else if (userInfo.contains(contactIdKey)) {
         m_activate();
         m_centre.post(notifications::openConversation, userInfo.value(contactIdKey).toString());

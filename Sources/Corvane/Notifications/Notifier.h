@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/NotificationService.h"
 
 #include <QHash>
@@ -15,7 +16,7 @@ class Scheduler;
 class UserDefaults;
 
 namespace notifications {
-inline const QString dictationAction = QStringLiteral("corvane.dictationAction"); ///< object: a button's id, or empty
+inline const QString dictationAction = u"corvane.dictationAction"_s; ///< object: a button's id, or empty
 }
 
 /// Banners for new messages and approvals. A press on one becomes an in-process notification; nothing here

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QString>
 
 namespace corvane {
@@ -11,9 +13,9 @@ struct AppPaths {
     QString defaultsFile; ///< the ini file of the user defaults
     QString resources; ///< the folder that holds "local-schema/" and "engine/"
 
-    QString database() const { return applicationSupport + QStringLiteral("/nimblocal.db"); }
+    QString database() const { return applicationSupport + u"/nimblocal.db"_s; }
 
-    QString secretsFile() const { return applicationSupport + QStringLiteral("/secrets/secrets.json"); }
+    QString secretsFile() const { return applicationSupport + u"/secrets/secrets.json"_s; }
 
     /// From the environment: XDG_DATA_HOME, XDG_CONFIG_HOME, CORVANE_RESOURCES, HOME.
     static AppPaths fromEnvironment();

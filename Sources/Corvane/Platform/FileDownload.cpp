@@ -1,5 +1,6 @@
 #include "Platform/FileDownload.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/HttpExchange.h"
 #include "Platform/PrivateFile.h"
 
@@ -20,20 +21,19 @@ constexpr int rangeNotSatisfiable = 416;
 
 QString partPath(const QString& path)
 {
-    return path + QStringLiteral(".part");
+    return path + u".part"_s;
 }
 
 /// Holds the address, and what names the version of the file there.
 QString originPath(const QString& path)
 {
-    return path + QStringLiteral(".origin");
+    return path + u".origin"_s;
 }
 
 bool isAllowed(const QUrl& url)
 {
-    const bool isHere = url.host() == QLatin1String("localhost") || QHostAddress(url.host()).isLoopback();
-    return !url.host().isEmpty()
-        && (url.scheme() == QLatin1String("https") || (url.scheme() == QLatin1String("http") && isHere));
+    const bool isHere = url.host() == "localhost"_L1 || QHostAddress(url.host()).isLoopback();
+    return !url.host().isEmpty() && (url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isHere));
 }
 
 /// Empty where what has come is of another address.
@@ -66,7 +66,7 @@ public:
             return;
         const QByteArray bytes = m_reply->readAll();
         if (m_file.write(bytes) != bytes.size() || !m_file.flush()) {
-            m_problem = QStringLiteral("the file cannot be written (%1)").arg(m_file.errorString());
+            m_problem = u"the file cannot be written (%1)"_s.arg(m_file.errorString());
             m_reply->abort();
         }
         m_received += bytes.size();
@@ -103,7 +103,7 @@ private:
             && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
             && writePrivateFile(originPath(m_path), m_url.toEncoded() + '\n' + version, Outlives::Program);
         if (!opened) {
-            m_problem = QStringLiteral("the file cannot be written (%1)").arg(m_file.errorString());
+            m_problem = u"the file cannot be written (%1)"_s.arg(m_file.errorString());
             m_reply->abort();
         }
         return opened;
@@ -124,7 +124,7 @@ QCoro::Task<Result<void>> downloadFile(
     QUrl url, QString path, std::function<void(DownloadProgress)> onProgress, CancelHandle cancel)
 {
     if (!isAllowed(url))
-        co_return failure(QStringLiteral("the address must begin with https://"));
+        co_return failure(u"the address must begin with https://"_s);
     QNetworkAccessManager manager;
     QNetworkRequest request(url);
     makePlain(request);
@@ -159,13 +159,12 @@ QCoro::Task<Result<void>> downloadFile(
         co_return co_await downloadFile(url, path, onProgress, cancel);
     }
     if (status >= 300)
-        co_return failure(QStringLiteral("the server answered %1").arg(status));
+        co_return failure(u"the server answered %1"_s.arg(status));
     if (reply->error() != QNetworkReply::NoError)
         co_return failure(reply->errorString());
     incoming.take();
     if (!incoming.finish())
-        co_return failure(
-            incoming.problem().isEmpty() ? QStringLiteral("the file did not come whole") : incoming.problem());
+        co_return failure(incoming.problem().isEmpty() ? u"the file did not come whole"_s : incoming.problem());
     co_return {};
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/HotKey.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/GlobalShortcuts.h"
 
@@ -44,7 +45,7 @@ HotKey::~HotKey()
 
 QString HotKey::defaultsKey() const
 {
-    return QStringLiteral("Corvane.keys.") + m_definition.id;
+    return u"Corvane.keys."_s + m_definition.id;
 }
 
 QStringList HotKey::wished() const
@@ -61,21 +62,20 @@ QString HotKey::keys() const
 
 QString HotKey::hint() const
 {
-    const QString otherWay
-        = QStringLiteral("In the keyboard settings of the desktop, bind a key to: ") + m_definition.command;
+    const QString otherWay = u"In the keyboard settings of the desktop, bind a key to: "_s + m_definition.command;
     switch (m_shortcuts ? m_shortcuts->state(m_definition.id).kind : Kind::Unavailable) {
     case Kind::Bound:
-        return QStringLiteral("Works in every program.");
+        return u"Works in every program."_s;
     case Kind::Waiting:
-        return QStringLiteral("The desktop decides about this key.");
+        return u"The desktop decides about this key."_s;
     case Kind::Taken:
-        return QStringLiteral("Another program holds %1. Choose another key.").arg(keys());
+        return u"Another program holds %1. Choose another key."_s.arg(keys());
     case Kind::Unavailable:
-        return QStringLiteral("This desktop gives programs no keys of their own. ") + otherWay;
+        return u"This desktop gives programs no keys of their own. "_s + otherWay;
     case Kind::Unbound:
         break;
     }
-    return QStringLiteral("Off");
+    return u"Off"_s;
 }
 
 bool HotKey::isWrong() const

@@ -1,5 +1,7 @@
 #include "Platform/HttpExchange.h"
 
+#include "Foundation/Literals.h"
+
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <memory>
@@ -25,7 +27,7 @@ void makePlain(QNetworkRequest& request)
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Corvane"));
+    request.setHeader(QNetworkRequest::UserAgentHeader, u"Corvane"_s);
 }
 
 QCoro::Task<Result<HttpReply>> awaitReply(
@@ -41,10 +43,9 @@ QCoro::Task<Result<HttpReply>> awaitReply(
     started->setReadBufferSize(limits.size + 1);
     QObject::connect(started, &QNetworkReply::readyRead, started, [started, end, limits] {
         if (started->bytesAvailable() > limits.size)
-            end(QStringLiteral("The reply is too large."));
+            end(u"The reply is too large."_s);
     });
-    const std::unique_ptr<Timer> timer
-        = scheduler->after(limits.time, [end] { end(QStringLiteral("The request timed out.")); });
+    const std::unique_ptr<Timer> timer = scheduler->after(limits.time, [end] { end(u"The request timed out."_s); });
     const auto watch = cancel.onCancel([end] { end(cancelled().error().message); });
     if (cancel.isCancelled())
         end(cancelled().error().message);

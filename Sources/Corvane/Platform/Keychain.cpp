@@ -1,5 +1,7 @@
 #include "Platform/Keychain.h"
 
+#include "Foundation/Literals.h"
+
 #include <QPointer>
 #include <algorithm>
 
@@ -85,18 +87,17 @@ QString Keychain::description() const
 {
     switch (m_state) {
     case State::Asking:
-        return QStringLiteral("the desktop's keyring, which has not answered yet");
+        return u"the desktop's keyring, which has not answered yet"_s;
     case State::Answered:
-        return QStringLiteral("the desktop's keyring");
+        return u"the desktop's keyring"_s;
     case State::Locked:
-        return QStringLiteral("the desktop's keyring, which is locked; new ones in a private file (%1) until then")
-            .arg(m_file.path());
+        return u"the desktop's keyring, which is locked; new ones in a private file (%1) until then"_s.arg(
+            m_file.path());
     case State::Failed:
-        return QStringLiteral(
-            "the desktop's keyring, which does not answer; new ones in a private file (%1) until then")
-            .arg(m_file.path());
+        return u"the desktop's keyring, which does not answer; new ones in a private file (%1) until then"_s.arg(
+            m_file.path());
     case State::Absent:
-        return QStringLiteral("a private file (%1)").arg(m_file.path());
+        return u"a private file (%1)"_s.arg(m_file.path());
     }
     Q_UNREACHABLE();
 }

@@ -1,28 +1,30 @@
 #include "Platform/MediaDecoder.h"
 
+#include "Foundation/Literals.h"
+
 namespace corvane {
 
 QString describe(DecodeFailure failure)
 {
     switch (failure) {
     case DecodeFailure::Missing:
-        return QStringLiteral("The file is gone.");
+        return u"The file is gone."_s;
     case DecodeFailure::NotAFile:
-        return QStringLiteral("This is a link or a device, not a file, so it is not opened.");
+        return u"This is a link or a device, not a file, so it is not opened."_s;
     case DecodeFailure::TooLarge:
-        return QStringLiteral("The file is too large to be read here.");
+        return u"The file is too large to be read here."_s;
     case DecodeFailure::UnknownFormat:
-        return QStringLiteral("The file is of a kind that is not shown here.");
+        return u"The file is of a kind that is not shown here."_s;
     case DecodeFailure::TooManyPixels:
-        return QStringLiteral("The picture is too large to be shown here.");
+        return u"The picture is too large to be shown here."_s;
     case DecodeFailure::Damaged:
-        return QStringLiteral("The file is damaged.");
+        return u"The file is damaged."_s;
     case DecodeFailure::TooSlow:
-        return QStringLiteral("The file takes too long to read.");
+        return u"The file takes too long to read."_s;
     case DecodeFailure::Crashed:
-        return QStringLiteral("The file can't be read safely.");
+        return u"The file can't be read safely."_s;
     case DecodeFailure::Unavailable:
-        return QStringLiteral("Pictures and sounds can't be read right now.");
+        return u"Pictures and sounds can't be read right now."_s;
     }
     return {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QList>
 #include <QString>
 
@@ -14,6 +16,6 @@ struct RunningProgram {
 };
 
 /// Each once, in no order. Some milliseconds of reading, so away from the main thread.
-QList<RunningProgram> runningPrograms(const QString& procFolder = QStringLiteral("/proc"));
+QList<RunningProgram> runningPrograms(const QString& procFolder = u"/proc"_s);
 
 }

@@ -1,5 +1,6 @@
 #include "Platform/VCardReader.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QIODevice>
@@ -70,7 +71,7 @@ QStringList fields(const QByteArray& value)
 QString phone(const QByteArray& value)
 {
     const QString text = fields(value).first();
-    return text.startsWith(QLatin1String("tel:"), Qt::CaseInsensitive) ? text.mid(4) : text;
+    return text.startsWith("tel:"_L1, Qt::CaseInsensitive) ? text.mid(4) : text;
 }
 
 bool isImage(const QByteArray& bytes)

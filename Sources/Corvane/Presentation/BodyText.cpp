@@ -1,5 +1,7 @@
 #include "Presentation/BodyText.h"
 
+#include "Foundation/Literals.h"
+
 #include <QLocale>
 #include <QTextBoundaryFinder>
 #include <algorithm>
@@ -87,7 +89,7 @@ Shown shown(const QString& text, qsizetype length)
 
 QString moreText(qsizetype hidden)
 {
-    return hidden > 0 ? QStringLiteral("Show more (%1 characters)").arg(QLocale().toString(hidden)) : QString();
+    return hidden > 0 ? u"Show more (%1 characters)"_s.arg(QLocale().toString(hidden)) : QString();
 }
 
 }

@@ -1,5 +1,6 @@
 #include "Presentation/ContactFace.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QStringList>
@@ -40,12 +41,12 @@ QString withoutLetters(const QString& name)
     for (qsizetype at = 0; at < name.size();) {
         const char32_t character = characterAt(name, at);
         if (QChar::isDigit(character))
-            return QStringLiteral("#");
+            return u"#"_s;
         if (QChar::isSymbol(character) && character > 0x7f)
             return firstCharacters(name.sliced(at), 1);
         at += widthOf(character);
     }
-    return QStringLiteral("?");
+    return u"?"_s;
 }
 
 // Letters of a joined script would run into each other.

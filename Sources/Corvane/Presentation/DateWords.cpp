@@ -1,5 +1,7 @@
 #include "Presentation/DateWords.h"
 
+#include "Foundation/Literals.h"
+
 #include <QRegularExpression>
 #include <array>
 
@@ -11,16 +13,16 @@ namespace {
 // the month cut short.
 QString mediumPattern(const QLocale& locale)
 {
-    static const QRegularExpression weekday(QStringLiteral("[,،、]?\\s*dddd[,،、]?\\s*"));
+    static const QRegularExpression weekday(u"[,،、]?\\s*dddd[,،、]?\\s*"_s);
     QString pattern = locale.dateFormat(QLocale::LongFormat);
-    pattern.replace(weekday, QStringLiteral(" "));
-    pattern.replace(QStringLiteral("MMMM"), QStringLiteral("MMM"));
+    pattern.replace(weekday, u" "_s);
+    pattern.replace(u"MMMM"_s, u"MMM"_s);
     return pattern.trimmed();
 }
 
 QString counted(qint64 count, const QString& unit)
 {
-    return count == 1 ? QStringLiteral("1 %1 ago").arg(unit) : QStringLiteral("%1 %2s ago").arg(count).arg(unit);
+    return count == 1 ? u"1 %1 ago"_s.arg(unit) : u"%1 %2s ago"_s.arg(count).arg(unit);
 }
 
 }
@@ -54,7 +56,7 @@ QString DateWords::listTime(qint64 ms) const
     case 0:
         return clockTime(ms);
     case 1:
-        return QStringLiteral("Yesterday");
+        return u"Yesterday"_s;
     case 2:
     case 3:
     case 4:
@@ -85,13 +87,13 @@ QString DateWords::mediumDate(const QDate& day) const
 QString DateWords::group(qint64 ms) const
 {
     if (ms < 1)
-        return QStringLiteral("No date");
+        return u"No date"_s;
     const QDate day = dayOf(ms);
     const qint64 days = day.daysTo(m_today);
     if (days == 0)
-        return QStringLiteral("Today");
+        return u"Today"_s;
     if (days == 1)
-        return QStringLiteral("Yesterday");
+        return u"Yesterday"_s;
     return mediumDate(day);
 }
 
@@ -99,12 +101,12 @@ QString DateWords::ago(qint64 ms) const
 {
     const qint64 minutes = (m_nowMs - ms) / 60'000;
     if (minutes < 1)
-        return QStringLiteral("just now");
+        return u"just now"_s;
     if (minutes < 60)
-        return counted(minutes, QStringLiteral("minute"));
+        return counted(minutes, u"minute"_s);
     if (minutes < 48 * 60)
-        return counted(minutes / 60, QStringLiteral("hour"));
-    return counted(minutes / (24 * 60), QStringLiteral("day"));
+        return counted(minutes / 60, u"hour"_s);
+    return counted(minutes / (24 * 60), u"day"_s);
 }
 
 qint64 nextMidnightMs(qint64 nowMs)

@@ -1,5 +1,6 @@
 #include "Presentation/MailText.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QStringList>
@@ -19,8 +20,7 @@ bool isBlank(QStringView line)
 /// The length of "Re:", "Fwd:" or "RE[2]:" at the start; 0 for none.
 qsizetype prefixLength(QStringView subject)
 {
-    static const QStringList prefixes { QStringLiteral("re"), QStringLiteral("fw"), QStringLiteral("fwd"),
-        QStringLiteral("aw"), QStringLiteral("wg"), QStringLiteral("rv"), QStringLiteral("sv"), QStringLiteral("tr") };
+    static const QStringList prefixes { u"re"_s, u"fw"_s, u"fwd"_s, u"aw"_s, u"wg"_s, u"rv"_s, u"sv"_s, u"tr"_s };
     const qsizetype colon = subject.first(std::min(subject.size(), longestPrefix * 2)).indexOf(u':');
     if (colon < 0)
         return 0;
@@ -58,7 +58,7 @@ QString unquoted(const QString& quote)
     QStringList lines = quote.split(u'\n');
     for (QString& line : lines) {
         if (line.startsWith(u'>'))
-            line.remove(0, line.startsWith(QStringLiteral("> ")) ? 2 : 1);
+            line.remove(0, line.startsWith(u"> "_s) ? 2 : 1);
     }
     return lines.join(u'\n').trimmed();
 }

@@ -1,12 +1,13 @@
 #include "Presentation/SendKeys.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 namespace corvane {
 
 namespace {
 
-const QString returnSendsKey = QStringLiteral("Corvane.returnSends");
+const QString returnSendsKey = u"Corvane.returnSends"_s;
 
 }
 
@@ -22,7 +23,7 @@ void setReturnSends(UserDefaults& defaults, bool on)
 
 QString sendKeys(const UserDefaults& defaults)
 {
-    return returnSends(defaults) ? QStringLiteral("Return") : QStringLiteral("Ctrl+Return");
+    return returnSends(defaults) ? u"Return"_s : u"Ctrl+Return"_s;
 }
 
 }

@@ -1,5 +1,7 @@
 #include "Presentation/WAName.h"
 
+#include "Foundation/Literals.h"
+
 #include <QRegularExpression>
 #include <algorithm>
 
@@ -22,7 +24,7 @@ bool isAllDigits(const QString& text)
 bool isNetworkAddress(const QString& text)
 {
     static const QRegularExpression domain(
-        QStringLiteral("@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|hosted|hosted\\.lid|newsletter|broadcast|bot|call)$"));
+        u"@(s\\.whatsapp\\.net|c\\.us|g\\.us|lid|hosted|hosted\\.lid|newsletter|broadcast|bot|call)$"_s);
     return text.contains(domain);
 }
 
@@ -31,25 +33,25 @@ bool isNetworkAddress(const QString& text)
 QString pretty(const QString& name)
 {
     const QString trimmed = name.trimmed();
-    if (trimmed.isEmpty() || trimmed == QStringLiteral("Unknown"))
-        return QStringLiteral("Unknown");
+    if (trimmed.isEmpty() || trimmed == u"Unknown"_s)
+        return u"Unknown"_s;
     if (!isNetworkAddress(trimmed))
         return trimmed;
     const qsizetype at = trimmed.indexOf(u'@');
     const QString user = trimmed.first(at);
     const QString domain = trimmed.sliced(at + 1);
     const QString tail = user.right(4);
-    if (domain == QStringLiteral("newsletter"))
-        return withTail(QStringLiteral("Channel"), tail);
-    if (domain == QStringLiteral("broadcast"))
-        return withTail(QStringLiteral("Broadcast"), tail);
-    if (domain == QStringLiteral("g.us"))
-        return withTail(QStringLiteral("Group chat"), tail);
-    if (domain == QStringLiteral("s.whatsapp.net") || domain == QStringLiteral("c.us")) {
+    if (domain == u"newsletter"_s)
+        return withTail(u"Channel"_s, tail);
+    if (domain == u"broadcast"_s)
+        return withTail(u"Broadcast"_s, tail);
+    if (domain == u"g.us"_s)
+        return withTail(u"Group chat"_s, tail);
+    if (domain == u"s.whatsapp.net"_s || domain == u"c.us"_s) {
         const QString digits = user.section(u':', 0, 0); // the number of a device follows
-        return isAllDigits(digits) ? u'+' + digits : withTail(QStringLiteral("WhatsApp user"), tail);
+        return isAllDigits(digits) ? u'+' + digits : withTail(u"WhatsApp user"_s, tail);
     }
-    return withTail(QStringLiteral("WhatsApp user"), tail);
+    return withTail(u"WhatsApp user"_s, tail);
 }
 
 }

@@ -1,6 +1,7 @@
 #include "Settings/AccountRow.h"
 
 #include "Engines/EngineSpec.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <algorithm>
@@ -37,21 +38,21 @@ Voice voice(Channel channel)
 
 QString connectedText(Voice voice, const QString& userName)
 {
-    const QString connected = QStringLiteral("Connected");
-    return voice == Voice::Browser && !userName.isEmpty() ? connected + QStringLiteral(" · ") + userName : connected;
+    const QString connected = u"Connected"_s;
+    return voice == Voice::Browser && !userName.isEmpty() ? connected + u" · "_s + userName : connected;
 }
 
 QString loggedOutText(Voice voice, const QString& channel)
 {
     switch (voice) {
     case Voice::Pairing:
-        return QStringLiteral("Logged out — unlink & relink");
+        return u"Logged out — unlink & relink"_s;
     case Voice::Browser:
-        return QStringLiteral("Log in to %1 in the Chrome window").arg(channel);
+        return u"Log in to %1 in the Chrome window"_s.arg(channel);
     case Voice::Password:
-        return QStringLiteral("Sign-in failed — check the app password");
+        return u"Sign-in failed — check the app password"_s;
     case Voice::Token:
-        return QStringLiteral("Invalid token");
+        return u"Invalid token"_s;
     }
     Q_UNREACHABLE();
 }
@@ -59,16 +60,14 @@ QString loggedOutText(Voice voice, const QString& channel)
 QString errorText(Voice voice)
 {
     if (voice == Voice::Browser)
-        return QStringLiteral("Error — see logs");
-    return voice == Voice::Password ? QStringLiteral("Sign-in failed — check the app password")
-                                    : QStringLiteral("Error");
+        return u"Error — see logs"_s;
+    return voice == Voice::Password ? u"Sign-in failed — check the app password"_s : u"Error"_s;
 }
 
 QString stoppedText(Voice voice, bool paused)
 {
-    return paused && (voice == Voice::Pairing || voice == Voice::Browser)
-        ? QStringLiteral("Paused · engine stopped (frees RAM)")
-        : QStringLiteral("Stopped");
+    return paused && (voice == Voice::Pairing || voice == Voice::Browser) ? u"Paused · engine stopped (frees RAM)"_s
+                                                                          : u"Stopped"_s;
 }
 
 QString statusText(Voice voice, const AccountRow& row, const RuntimeState& state, bool paused)
@@ -78,11 +77,11 @@ QString statusText(Voice voice, const AccountRow& row, const RuntimeState& state
     case WAStatus::Connected:
         return connectedText(voice, state.userName.value_or(QString()));
     case WAStatus::NeedsQR:
-        return browser ? QStringLiteral("Connecting…") : QStringLiteral("Scan QR to link");
+        return browser ? u"Connecting…"_s : u"Scan QR to link"_s;
     case WAStatus::Starting:
-        return browser ? QStringLiteral("Opening Chrome…") : QStringLiteral("Starting");
+        return browser ? u"Opening Chrome…"_s : u"Starting"_s;
     case WAStatus::Connecting:
-        return browser ? QStringLiteral("Opening Chrome…") : QStringLiteral("Connecting…");
+        return browser ? u"Opening Chrome…"_s : u"Connecting…"_s;
     case WAStatus::LoggedOut:
         return loggedOutText(voice, row.channelLabel);
     case WAStatus::Error:
@@ -97,18 +96,18 @@ QString kindOf(Voice voice, WAStatus status)
 {
     switch (status) {
     case WAStatus::Connected:
-        return QStringLiteral("good");
+        return u"good"_s;
     case WAStatus::Starting:
     case WAStatus::Connecting:
-        return QStringLiteral("busy");
+        return u"busy"_s;
     case WAStatus::NeedsQR:
-        return voice == Voice::Browser ? QStringLiteral("busy") : QStringLiteral("warn");
+        return voice == Voice::Browser ? u"busy"_s : u"warn"_s;
     case WAStatus::LoggedOut:
-        return voice == Voice::Pairing || voice == Voice::Browser ? QStringLiteral("warn") : QStringLiteral("bad");
+        return voice == Voice::Pairing || voice == Voice::Browser ? u"warn"_s : u"bad"_s;
     case WAStatus::Error:
-        return QStringLiteral("bad");
+        return u"bad"_s;
     case WAStatus::Stopped:
-        return QStringLiteral("idle");
+        return u"idle"_s;
     }
     Q_UNREACHABLE();
 }
@@ -130,7 +129,7 @@ QString noteText(const QString& detail, const RuntimeState& state)
         if (!part.isEmpty() && part != detail)
             parts.append(part);
     }
-    return parts.join(QStringLiteral(" · "));
+    return parts.join(u" · "_s);
 }
 
 AccountAction action(const char* id, const QString& label, const QString& confirmation = {})
@@ -153,35 +152,34 @@ QList<AccountAction> actionsOf(Voice voice, const Account& account, WAStatus sta
 {
     QList<AccountAction> actions;
     const bool edits = keepsSecret(account.channel());
-    const AccountAction edit = action("edit", QStringLiteral("Edit account"));
+    const AccountAction edit = action("edit", u"Edit account"_s);
     if (edits && status == WAStatus::LoggedOut)
         actions.append(edit);
     const bool down = status == WAStatus::Stopped || status == WAStatus::Error || status == WAStatus::LoggedOut;
     if (voice == Voice::Pairing && status == WAStatus::NeedsQR)
-        actions.append(action("pair", QStringLiteral("Scan QR to link")));
+        actions.append(action("pair", u"Scan QR to link"_s));
     if (account.channel() == Channel::LinkedIn && status == WAStatus::Connected)
-        actions.append(action("sync", QStringLiteral("Sync now")));
+        actions.append(action("sync", u"Sync now"_s));
     if (down)
-        actions.append(
-            action("start", account.paused.value_or(false) ? QStringLiteral("Resume") : QStringLiteral("Start")));
+        actions.append(action("start", account.paused.value_or(false) ? u"Resume"_s : u"Start"_s));
     else
-        actions.append(action("pause", QStringLiteral("Pause (free RAM)")));
+        actions.append(action("pause", u"Pause (free RAM)"_s));
     if (edits && status != WAStatus::LoggedOut)
         actions.append(edit);
     if (voice == Voice::Pairing)
-        actions.append(action("resetPairing", QStringLiteral("Re-pair (reset QR)"),
-            resetQuestion(status, QStringLiteral("Unlink %1 and pair it again?").arg(account.name))));
+        actions.append(action("resetPairing", u"Re-pair (reset QR)"_s,
+            resetQuestion(status, u"Unlink %1 and pair it again?"_s.arg(account.name))));
     if (voice == Voice::Browser)
-        actions.append(action("resetSession", QStringLiteral("Re-login (reset session)"),
-            resetQuestion(status, QStringLiteral("Forget the session of %1 and log in again?").arg(account.name))));
+        actions.append(action("resetSession", u"Re-login (reset session)"_s,
+            resetQuestion(status, u"Forget the session of %1 and log in again?"_s.arg(account.name))));
     if (voice != Voice::Pairing) {
-        AccountAction boot = action("startAtBoot", QStringLiteral("Start with Corvane"));
+        AccountAction boot = action("startAtBoot", u"Start with Corvane"_s);
         boot.checkable = true;
         boot.checked = startsAtBoot(account);
         actions.append(boot);
     }
-    actions.append(action("remove", QStringLiteral("Remove"),
-        QStringLiteral("Remove %1? Its conversations stay in the inbox.").arg(account.name)));
+    actions.append(
+        action("remove", u"Remove"_s, u"Remove %1? Its conversations stay in the inbox."_s.arg(account.name)));
     return actions;
 }
 
@@ -193,7 +191,7 @@ QString sentenceOf(const AccountRow& row)
     parts.append(row.lastMessage);
     if (!row.note.isEmpty())
         parts.append(row.note);
-    return parts.join(QStringLiteral(", "));
+    return parts.join(u", "_s);
 }
 
 }
@@ -224,10 +222,9 @@ AccountRow accountRow(const Account& account, const RuntimeState& state, const Q
     row.detail = detailText(speaks, state);
     row.note = noteText(row.detail, state);
     row.kind = kindOf(speaks, state.status);
-    row.lastMessage = lastMessageTime.isEmpty() ? QStringLiteral("No messages yet")
-                                                : QStringLiteral("Last message ") + lastMessageTime;
+    row.lastMessage = lastMessageTime.isEmpty() ? u"No messages yet"_s : u"Last message "_s + lastMessageTime;
     if (startsAtBoot(account))
-        row.lastMessage += QStringLiteral(" · Starts with Corvane");
+        row.lastMessage += u" · Starts with Corvane"_s;
     row.actions = actionsOf(speaks, account, state.status);
     row.sentence = sentenceOf(row);
     return row;

@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Keychain.h"
 
@@ -13,7 +14,7 @@ namespace {
 void keep(Keychain& keychain, const QString& secret, const Account& account)
 {
     if (!keychain.set(secret, account.slug))
-        log(QStringLiteral("AccountSetup: the secret of %1 could not be kept").arg(account.slug));
+        log(u"AccountSetup: the secret of %1 could not be kept"_s.arg(account.slug));
 }
 
 }

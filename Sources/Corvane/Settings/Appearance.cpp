@@ -1,5 +1,6 @@
 #include "Settings/Appearance.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Desktop.h"
 
@@ -7,10 +8,10 @@ namespace corvane {
 
 namespace {
 
-const QString modeKey = QStringLiteral("Corvane.appearance");
-const QString afterDesktop = QStringLiteral("desktop");
-const QString lightMode = QStringLiteral("light");
-const QString darkMode = QStringLiteral("dark");
+const QString modeKey = u"Corvane.appearance"_s;
+const QString afterDesktop = u"desktop"_s;
+const QString lightMode = u"light"_s;
+const QString darkMode = u"dark"_s;
 
 bool isMode(const QString& word)
 {
@@ -51,8 +52,7 @@ bool Appearance::reducedMotion() const
 
 QList<Choice> Appearance::modes() const
 {
-    return { { afterDesktop, QStringLiteral("Like the desktop") }, { lightMode, QStringLiteral("Light") },
-        { darkMode, QStringLiteral("Dark") } };
+    return { { afterDesktop, u"Like the desktop"_s }, { lightMode, u"Light"_s }, { darkMode, u"Dark"_s } };
 }
 
 }

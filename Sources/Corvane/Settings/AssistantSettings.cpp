@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "AI/ModelChoice.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Core/LocalDB.h"
@@ -18,48 +19,48 @@ constexpr int shownCharacters = 400;
 
 AssistantBackend backend(const QString& name, const QString& state, bool isGood, const QString& detail)
 {
-    return { name, state, isGood ? QStringLiteral("good") : QStringLiteral("idle"), detail };
+    return { name, state, isGood ? u"good"_s : u"idle"_s, detail };
 }
 
 QString powerText(LocalAIPowerSource source)
 {
     switch (source) {
     case LocalAIPowerSource::AcPower:
-        return QStringLiteral("Mains");
+        return u"Mains"_s;
     case LocalAIPowerSource::Battery:
-        return QStringLiteral("Battery");
+        return u"Battery"_s;
     case LocalAIPowerSource::Unknown:
         break;
     }
-    return QStringLiteral("Not known");
+    return u"Not known"_s;
 }
 
 QString heatText(ThermalState state)
 {
     switch (state) {
     case ThermalState::Fair:
-        return QStringLiteral("Warm");
+        return u"Warm"_s;
     case ThermalState::Serious:
-        return QStringLiteral("Hot");
+        return u"Hot"_s;
     case ThermalState::Critical:
-        return QStringLiteral("Too hot");
+        return u"Too hot"_s;
     case ThermalState::Nominal:
         break;
     }
-    return QStringLiteral("Normal");
+    return u"Normal"_s;
 }
 
 QString sizeText(qint64 bytes)
 {
-    return bytes < 0 ? QStringLiteral("Not known") : QLocale::c().formattedDataSize(bytes, 1);
+    return bytes < 0 ? u"Not known"_s : QLocale::c().formattedDataSize(bytes, 1);
 }
 
 QString scopeText(const ScopedMemoryEntry& entry)
 {
-    if (entry.scope == QLatin1StringView("business"))
-        return QStringLiteral("Business");
-    if (entry.scope == QLatin1StringView("owner"))
-        return QStringLiteral("Owner");
+    if (entry.scope == "business"_L1)
+        return u"Business"_s;
+    if (entry.scope == "owner"_L1)
+        return u"Owner"_s;
     return entry.contactName.isEmpty() ? entry.scope : entry.contactName;
 }
 
@@ -91,22 +92,18 @@ bool AssistantSettings::available() const
 QString AssistantSettings::answersText() const
 {
     const auto name = m_services.ai.availableName();
-    return name ? *name + QStringLiteral(" answers now.") : QStringLiteral("No LumoAI backend available.");
+    return name ? *name + u" answers now."_s : u"No LumoAI backend available."_s;
 }
 
 QList<AssistantBackend> AssistantSettings::backends() const
 {
     const auto reason = m_services.onDevice.unavailableReason();
-    const AssistantBackend onDevice = backend(QStringLiteral("Model on this machine"),
-        reason ? QStringLiteral("Not available") : QStringLiteral("Answers"), !reason,
-        reason.value_or(m_services.onDevice.displayName()));
+    const AssistantBackend onDevice = backend(u"Model on this machine"_s, reason ? u"Not available"_s : u"Answers"_s,
+        !reason, reason.value_or(m_services.onDevice.displayName()));
     const auto codex = m_services.codex.codexPath();
-    const QString codexState = !codex ? QStringLiteral("Not found")
-        : reason                      ? QStringLiteral("Answers")
-                                      : QStringLiteral("Stands by");
+    const QString codexState = !codex ? u"Not found"_s : reason ? u"Answers"_s : u"Stands by"_s;
     return { onDevice,
-        backend(QStringLiteral("Codex CLI"), codexState, codex && reason,
-            codex.value_or(describe(CLIChatError::Unavailable))) };
+        backend(u"Codex CLI"_s, codexState, codex && reason, codex.value_or(describe(CLIChatError::Unavailable))) };
 }
 
 QStringList AssistantSettings::models() const
@@ -137,8 +134,8 @@ QString AssistantSettings::elsewhereText() const
 {
     const SystemLanguageModel& model = m_services.systemModel;
     return model.runsElsewhere()
-        ? QStringLiteral("This model runs elsewhere: the messages and notes that %1 reads leave this machine.")
-              .arg(model.modelName())
+        ? u"This model runs elsewhere: the messages and notes that %1 reads leave this machine."_s.arg(
+              model.modelName())
         : QString();
 }
 
@@ -171,15 +168,12 @@ void AssistantSettings::setServerUrl(const QString& url)
 
 QList<MachineFact> AssistantSettings::gateFacts() const
 {
-    const QString version = QStringLiteral("%1.%2.%3")
-                                .arg(m_gate.osVersion.major)
-                                .arg(m_gate.osVersion.minor)
-                                .arg(m_gate.osVersion.patch);
-    return { { QStringLiteral("Power"), powerText(m_gate.powerSource) },
-        { QStringLiteral("Power saving"), m_gate.lowPowerMode ? QStringLiteral("On") : QStringLiteral("Off") },
-        { QStringLiteral("Heat"), heatText(m_gate.thermalState) },
-        { QStringLiteral("Memory"), sizeText(static_cast<qint64>(m_gate.physicalMemoryBytes)) },
-        { QStringLiteral("Free disk space"), sizeText(m_gate.freeDiskBytes) }, { QStringLiteral("System"), version } };
+    const QString version
+        = u"%1.%2.%3"_s.arg(m_gate.osVersion.major).arg(m_gate.osVersion.minor).arg(m_gate.osVersion.patch);
+    return { { u"Power"_s, powerText(m_gate.powerSource) },
+        { u"Power saving"_s, m_gate.lowPowerMode ? u"On"_s : u"Off"_s }, { u"Heat"_s, heatText(m_gate.thermalState) },
+        { u"Memory"_s, sizeText(static_cast<qint64>(m_gate.physicalMemoryBytes)) },
+        { u"Free disk space"_s, sizeText(m_gate.freeDiskBytes) }, { u"System"_s, version } };
 }
 
 void AssistantSettings::setVisible(bool visible)
@@ -216,12 +210,12 @@ void AssistantSettings::tryIt()
 QCoro::Task<> AssistantSettings::ask(QPointer<AssistantSettings> self, CancelHandle cancel)
 {
     const Result<QString> answer = co_await self->m_services.ai.respond(
-        QStringLiteral("You are the assistant of an inbox. Answer in one short sentence, without markup."),
-        QStringLiteral("Say hello, and say in a few words what you can do."), cancel);
+        u"You are the assistant of an inbox. Answer in one short sentence, without markup."_s,
+        u"Say hello, and say in a few words what you can do."_s, cancel);
     if (!self || cancel.isCancelled())
         co_return;
     const QString words = firstCharacters(singleLine(answer ? *answer : answer.error().message), shownCharacters);
-    self->setTry(false, answer ? QStringLiteral("good") : QStringLiteral("bad"), words);
+    self->setTry(false, answer ? u"good"_s : u"bad"_s, words);
 }
 
 void AssistantSettings::cancelTry()
@@ -229,14 +223,14 @@ void AssistantSettings::cancelTry()
     if (!m_trying)
         return;
     m_cancel.cancel();
-    setTry(false, QStringLiteral("idle"), QStringLiteral("Cancelled."));
+    setTry(false, u"idle"_s, u"Cancelled."_s);
 }
 
 void AssistantSettings::showProgress()
 {
-    const QString name = m_services.ai.availableName().value_or(QStringLiteral("LumoAI"));
+    const QString name = m_services.ai.availableName().value_or(u"LumoAI"_s);
     const qint64 seconds = (m_scheduler.nowMs() - m_triedAtMs) / 1000;
-    setTry(true, QStringLiteral("busy"), QStringLiteral("Asking %1… %2 s").arg(name).arg(seconds));
+    setTry(true, u"busy"_s, u"Asking %1… %2 s"_s.arg(name).arg(seconds));
 }
 
 void AssistantSettings::setTry(bool trying, const QString& kind, const QString& text)
@@ -251,12 +245,12 @@ void AssistantSettings::setTry(bool trying, const QString& kind, const QString& 
 
 QString AssistantSettings::memoryEmptyText() const
 {
-    return QStringLiteral("Nothing yet — agents save durable facts here as you work.");
+    return u"Nothing yet — agents save durable facts here as you work."_s;
 }
 
 QString AssistantSettings::forgottenText() const
 {
-    return m_forgotten ? QStringLiteral("Forgotten: ") + firstCharacters(singleLine(m_forgotten->body), 80) : QString();
+    return m_forgotten ? u"Forgotten: "_s + firstCharacters(singleLine(m_forgotten->body), 80) : QString();
 }
 
 void AssistantSettings::forget(const QString& memoryId)

@@ -2,6 +2,7 @@
 
 #include "AI/LocalAIAvailability.h"
 #include "Foundation/Cancellation.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Store/People/ContactInfo.h"
 
@@ -95,7 +96,7 @@ public:
     QString model() const;
     void setModel(const QString& model);
     QString modelText() const;
-    QString firstModelLabel() const { return QStringLiteral("The first that is there"); }
+    QString firstModelLabel() const { return u"The first that is there"_s; }
     QString elsewhereText() const;
     bool elsewhereAllowed() const;
     QString serverUrl() const;
@@ -143,7 +144,7 @@ private:
     qint64 m_triedAtMs = 0;
     bool m_trying = false;
     QString m_tryText;
-    QString m_tryKind = QStringLiteral("idle");
+    QString m_tryKind = u"idle"_s;
     QList<MemoryLine> m_memory;
     std::optional<ForgottenMemory> m_forgotten;
 };

@@ -1,6 +1,7 @@
 #include "Settings/ControlChatSettings.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ constexpr int mostShown = 100; // who does not see a chat among these types its 
 QString detailOf(const ApprovalControlChat& chat)
 {
     return chat.accountId.isEmpty() ? channelLabel(chat.channel)
-                                    : QStringLiteral("%1 · %2").arg(channelLabel(chat.channel), chat.accountId);
+                                    : u"%1 · %2"_s.arg(channelLabel(chat.channel), chat.accountId);
 }
 
 }
@@ -31,14 +32,14 @@ QString ControlChatSettings::stateText() const
     if (!chosen())
         return {};
     const auto chat = std::ranges::find(m_chats, m_chosenId, &ApprovalControlChat::id);
-    return QStringLiteral("Approvals can be approved from %1 — commands: approve <id>, deny <id> [reason]")
-        .arg(chat == m_chats.end() ? m_chosenId : chat->title);
+    return u"Approvals can be approved from %1 — commands: approve <id>, deny <id> [reason]"_s.arg(
+        chat == m_chats.end() ? m_chosenId : chat->title);
 }
 
 QString ControlChatSettings::emptyText() const
 {
-    return m_chats.isEmpty() ? QStringLiteral("No conversations in the local mirror yet.")
-                             : QStringLiteral("No conversation matches “%1”.").arg(m_query.trimmed());
+    return m_chats.isEmpty() ? u"No conversations in the local mirror yet."_s
+                             : u"No conversation matches “%1”."_s.arg(m_query.trimmed());
 }
 
 void ControlChatSettings::setQuery(const QString& query)
@@ -52,18 +53,18 @@ void ControlChatSettings::setQuery(const QString& query)
 void ControlChatSettings::choose(const QString& id)
 {
     if (std::ranges::any_of(m_chats, [&](const ApprovalControlChat& chat) { return chat.id == id; }))
-        save(id, QStringLiteral("Control chat set"));
+        save(id, u"Control chat set"_s);
 }
 
 void ControlChatSettings::turnOff()
 {
-    save({}, QStringLiteral("Control chat removed"));
+    save({}, u"Control chat removed"_s);
 }
 
 void ControlChatSettings::save(const QString& id, const QString& saved)
 {
     m_failed = !setApprovalsControlChatId(m_db, id);
-    m_savedText = m_failed ? QStringLiteral("Couldn't save it, try again.") : saved;
+    m_savedText = m_failed ? u"Couldn't save it, try again."_s : saved;
     m_chosenId = approvalsControlChatId(m_db);
     filter();
 }
@@ -86,8 +87,7 @@ void ControlChatSettings::filter()
             continue;
         const QString detail = detailOf(chat);
         const bool isChosen = chat.id == m_chosenId;
-        rows.append(
-            { chat.id, chat.title, chat.channel, detail, isChosen, QStringLiteral("%1, %2").arg(chat.title, detail) });
+        rows.append({ chat.id, chat.title, chat.channel, detail, isChosen, u"%1, %2"_s.arg(chat.title, detail) });
         if (rows.size() == mostShown)
             break;
     }

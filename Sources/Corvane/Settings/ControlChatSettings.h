@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Assistant/ControlChat.h"
 
@@ -44,12 +45,12 @@ class ControlChatSettings : public QObject {
 public:
     explicit ControlChatSettings(LocalDB& db, QObject* parent = nullptr);
 
-    QString title() const { return QStringLiteral("Approve from chat"); }
+    QString title() const { return u"Approve from chat"_s; }
     QString warning() const
     {
-        return QStringLiteral("Anyone with access to this chat can approve. Choose a chat only you control.");
+        return u"Anyone with access to this chat can approve. Choose a chat only you control."_s;
     }
-    QString searchText() const { return QStringLiteral("Search conversations"); }
+    QString searchText() const { return u"Search conversations"_s; }
     QString stateText() const;
     bool chosen() const { return !m_chosenId.isEmpty(); }
     const QString& savedText() const { return m_savedText; }

@@ -1,5 +1,6 @@
 #include "Settings/DictationSettings.h"
 
+#include "Foundation/Literals.h"
 #include "Voice/DictationAnywhere.h"
 
 namespace corvane {
@@ -40,21 +41,21 @@ QString DictationSettings::insertionText() const
 {
     switch (m_dictation.insertionWay()) {
     case InsertionWay::PasteKeys:
-        return QStringLiteral("It is pasted into the program in front. The clipboard keeps what it held.");
+        return u"It is pasted into the program in front. The clipboard keeps what it held."_s;
     case InsertionWay::Typing:
-        return QStringLiteral("Through accessibility where the program in front offers it. Elsewhere it is typed; the "
-                              "desktop asks you once whether Corvane may.");
+        return u"Through accessibility where the program in front offers it. Elsewhere it is typed; the "
+               "desktop asks you once whether Corvane may."_s;
     case InsertionWay::None:
         break;
     }
-    return QStringLiteral("Through accessibility where the program in front offers it. Elsewhere this desktop lets no "
-                          "program type, and a window offers the text to be copied.");
+    return u"Through accessibility where the program in front offers it. Elsewhere this desktop lets no "
+           "program type, and a window offers the text to be copied."_s;
 }
 
 QString DictationSettings::problem() const
 {
     const QString problem = m_dictation.problem();
-    return problem.isEmpty() ? QString() : QStringLiteral("The last dictation: %1").arg(problem);
+    return problem.isEmpty() ? QString() : u"The last dictation: %1"_s.arg(problem);
 }
 
 }

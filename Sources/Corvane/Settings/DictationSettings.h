@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/HotKey.h"
 
 namespace corvane {
@@ -25,19 +26,19 @@ public:
 
     bool enabled() const;
     void setEnabled(bool on);
-    QString enabledLabel() const { return QStringLiteral("Dictate into any program"); }
+    QString enabledLabel() const { return u"Dictate into any program"_s; }
     QString enabledHint() const
     {
-        return QStringLiteral(
-            "Press the key, speak, press it again: what you said is written where you type. The sound stays on this "
-            "computer and is deleted.");
+        return u"Press the key, speak, press it again: what you said is written where you type. The sound stays on "
+               u"this "
+               "computer and is deleted."_s;
     }
     HotKey* hotKey() const;
     bool pushToTalk() const;
     void setPushToTalk(bool on);
-    QString pushToTalkLabel() const { return QStringLiteral("Push to talk"); }
-    QString pushToTalkHint() const { return QStringLiteral("Listen only while the key is held."); }
-    QString insertionLabel() const { return QStringLiteral("How text is inserted"); }
+    QString pushToTalkLabel() const { return u"Push to talk"_s; }
+    QString pushToTalkHint() const { return u"Listen only while the key is held."_s; }
+    QString insertionLabel() const { return u"How text is inserted"_s; }
     QString insertionText() const;
     QString problem() const;
 

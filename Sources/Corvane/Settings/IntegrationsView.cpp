@@ -3,6 +3,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
+#include "Foundation/Literals.h"
 #include "Platform/Keychain.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
@@ -29,7 +30,7 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
     , m_voice(m_at.voice, m_at.defaults)
     , m_toolServer(m_at.engine)
     , m_refresh(m_at.scheduler, Milliseconds(250), [this] { refreshRows(); })
-    , m_section(QStringLiteral("accounts"))
+    , m_section(u"accounts"_s)
 {
     const auto request = [this] {
         m_refresh.request();
@@ -52,14 +53,14 @@ IntegrationsView::IntegrationsView(const Surroundings& surroundings, QObject* pa
 const QList<SettingsSection>& IntegrationsView::sections()
 {
     static const QList<SettingsSection> all {
-        { QStringLiteral("accounts"), QStringLiteral("Accounts"), QStringLiteral("link") },
-        { QStringLiteral("approvals"), QStringLiteral("Approvals"), QStringLiteral("approvals") },
-        { QStringLiteral("assistant"), QStringLiteral("Assistant"), QStringLiteral("hub-lumo") },
-        { QStringLiteral("voice"), QStringLiteral("Voice"), QStringLiteral("microphone") },
-        { QStringLiteral("calls"), QStringLiteral("Calls"), QStringLiteral("call-start") },
-        { QStringLiteral("calendar"), QStringLiteral("Calendar"), QStringLiteral("view-calendar") },
-        { QStringLiteral("sync"), QStringLiteral("Sync"), QStringLiteral("sync") },
-        { QStringLiteral("system"), QStringLiteral("System"), QStringLiteral("computer") },
+        { u"accounts"_s, u"Accounts"_s, u"link"_s },
+        { u"approvals"_s, u"Approvals"_s, u"approvals"_s },
+        { u"assistant"_s, u"Assistant"_s, u"hub-lumo"_s },
+        { u"voice"_s, u"Voice"_s, u"microphone"_s },
+        { u"calls"_s, u"Calls"_s, u"call-start"_s },
+        { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s },
+        { u"sync"_s, u"Sync"_s, u"sync"_s },
+        { u"system"_s, u"System"_s, u"computer"_s },
     };
     return all;
 }
@@ -83,7 +84,7 @@ void IntegrationsView::setSection(const QString& id)
 void IntegrationsView::setLocalAccess(LocalAccess& access)
 {
     m_localAccess = &access;
-    connect(&access, &LocalAccess::accountsAsked, this, [this] { setSection(QStringLiteral("accounts")); });
+    connect(&access, &LocalAccess::accountsAsked, this, [this] { setSection(u"accounts"_s); });
 }
 
 void IntegrationsView::setVisible(bool visible)
@@ -100,13 +101,13 @@ void IntegrationsView::setVisible(bool visible)
 
 void IntegrationsView::readSection()
 {
-    if (m_visible && m_section == QLatin1StringView("approvals"))
+    if (m_visible && m_section == "approvals"_L1)
         m_controlChat.refresh();
-    if (m_visible && m_section == QLatin1StringView("sync")) {
+    if (m_visible && m_section == "sync"_L1) {
         m_sync.refresh();
         m_push.refresh();
     }
-    m_assistant.setVisible(m_visible && m_section == QLatin1StringView("assistant"));
+    m_assistant.setVisible(m_visible && m_section == "assistant"_L1);
 }
 
 void IntegrationsView::perform(const QString& accountId, const QString& actionId)
@@ -114,31 +115,31 @@ void IntegrationsView::perform(const QString& accountId, const QString& actionId
     std::optional<Account> account = m_at.accounts.find(QUuid::fromString(accountId));
     if (!account)
         return;
-    if (actionId == QLatin1StringView("start")) {
+    if (actionId == "start"_L1) {
         if (m_at.keychain.isAwaited(account->slug))
             m_at.keychain.unlock();
         m_at.engine.resume(*account);
-    } else if (actionId == QLatin1StringView("pause")) {
+    } else if (actionId == "pause"_L1) {
         m_at.engine.stop(*account);
         account->paused = true;
         m_at.accounts.update(*account);
-    } else if (actionId == QLatin1StringView("edit")) {
+    } else if (actionId == "edit"_L1) {
         editAccount(*account);
-    } else if (actionId == QLatin1StringView("startAtBoot")) {
+    } else if (actionId == "startAtBoot"_L1) {
         account->startAtBoot = !account->startAtBoot.value_or(false);
         m_at.accounts.update(*account);
-    } else if (actionId == QLatin1StringView("pair")) {
+    } else if (actionId == "pair"_L1) {
         m_pairing.open(account->id);
-    } else if (actionId == QLatin1StringView("resetPairing")) {
+    } else if (actionId == "resetPairing"_L1) {
         m_at.engine.resetAuth(*account);
         m_at.engine.start(*account);
         m_pairing.open(account->id);
-    } else if (actionId == QLatin1StringView("resetSession")) {
+    } else if (actionId == "resetSession"_L1) {
         m_at.engine.resetAuth(*account);
         m_at.engine.start(*account);
-    } else if (actionId == QLatin1StringView("sync")) {
+    } else if (actionId == "sync"_L1) {
         m_at.engine.sync(*account);
-    } else if (actionId == QLatin1StringView("remove")) {
+    } else if (actionId == "remove"_L1) {
         m_at.engine.forget(*account);
         if (keepsSecret(account->channel()))
             m_at.keychain.remove(account->slug);

@@ -2,6 +2,7 @@
 
 #include "Calendar/CalendarSettings.h"
 #include "Foundation/Coalescer.h"
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
@@ -92,15 +93,15 @@ public:
 
     QString approvalRule() const
     {
-        return QStringLiteral("Sends/drafts always stay manual — Corvane never sends on its own (hard wall #1).");
+        return u"Sends/drafts always stay manual — Corvane never sends on its own (hard wall #1)."_s;
     }
     static const QList<SettingsSection>& sections();
     const QString& section() const { return m_section; }
     QString sectionLabel() const;
     void setSection(const QString& id); ///< an unknown word changes nothing
     GadgetListModel* accounts() { return &m_rows; }
-    QString emptyTitle() const { return QStringLiteral("No accounts yet"); }
-    QString emptyText() const { return QStringLiteral("Connect a channel and its messages appear in the inbox."); }
+    QString emptyTitle() const { return u"No accounts yet"_s; }
+    QString emptyText() const { return u"Connect a channel and its messages appear in the inbox."_s; }
     const QList<ConnectFlow>& connectFlows() const { return corvane::connectFlows(); }
     ConnectForm* connectForm() { return &m_connectForm; }
     MailForm* mailForm() { return &m_mailForm; }

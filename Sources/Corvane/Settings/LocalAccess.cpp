@@ -3,6 +3,7 @@
 #include "Calendar/CalendarStore.h"
 #include "Engines/AccountStore.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AddressBook.h"
 #include "Platform/Desktop.h"
@@ -13,8 +14,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

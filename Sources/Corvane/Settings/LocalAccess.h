@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -50,11 +52,8 @@ public:
 
     explicit LocalAccess(Surroundings surroundings, QObject* parent = nullptr);
 
-    static QString label() { return QStringLiteral("Local access"); }
-    static QString hint()
-    {
-        return QStringLiteral("Mail · Tasks · Contacts · Notes · Messages — local, no cloud sign-in");
-    }
+    static QString label() { return u"Local access"_s; }
+    static QString hint() { return u"Mail · Tasks · Contacts · Notes · Messages — local, no cloud sign-in"_s; }
     QList<LocalAccessRow> rows() const;
 
     Q_INVOKABLE void refresh(); ///< counts again what is connected

@@ -1,12 +1,11 @@
 #include "Settings/MailForm.h"
 
 #include "Engines/AccountStore.h"
+#include "Foundation/Literals.h"
 #include "Platform/Keychain.h"
 
 #include <QProcess>
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

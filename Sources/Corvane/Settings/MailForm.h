@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engines/MailProbe.h"
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 #include "Settings/AccountSetup.h"
 #include "Settings/FormField.h"
@@ -82,7 +83,7 @@ public:
     FormField* tokenCommand() { return &m_tokenCommand; }
     MailServerForm* imap() { return &m_imap; }
     MailServerForm* smtp() { return &m_smtp; }
-    QString serversLabel() const { return QStringLiteral("Server settings"); }
+    QString serversLabel() const { return u"Server settings"_s; }
     QString serversText() const; ///< in short, for while they are folded
     bool serversShown() const { return m_serversShown; }
     void setServersShown(bool shown);

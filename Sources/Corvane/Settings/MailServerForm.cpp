@@ -1,8 +1,7 @@
+#include "Foundation/Literals.h"
 #include "Settings/MailForm.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
 
@@ -23,7 +24,7 @@ PairingSheet::PairingSheet(AccountStore& accounts, EngineManager& engine, QObjec
 QString PairingSheet::title() const
 {
     const auto account = m_accounts.find(m_accountId);
-    return QStringLiteral("Link ") + (account ? account->name : QString());
+    return u"Link "_s + (account ? account->name : QString());
 }
 
 QString PairingSheet::stateText() const
@@ -31,18 +32,17 @@ QString PairingSheet::stateText() const
     const RuntimeState state = m_engine.runtime(m_accountId);
     switch (state.status) {
     case WAStatus::Connected:
-        return QStringLiteral("Connected");
+        return u"Connected"_s;
     case WAStatus::Error:
-        return QStringList { QStringLiteral("Error"), state.lastLog, state.lastExit }.join(u'\n').trimmed();
+        return QStringList { u"Error"_s, state.lastLog, state.lastExit }.join(u'\n').trimmed();
     case WAStatus::LoggedOut:
-        return QStringLiteral("Logged out. Choose Re-pair in Settings to get a new code.");
+        return u"Logged out. Choose Re-pair in Settings to get a new code."_s;
     case WAStatus::Stopped:
-        return QStringLiteral("Stopped");
+        return u"Stopped"_s;
     default:
         break;
     }
-    return qr().isEmpty() ? QStringLiteral("Starting")
-                          : QStringLiteral("WhatsApp → Settings → Linked Devices → Link a Device, then scan.");
+    return qr().isEmpty() ? u"Starting"_s : u"WhatsApp → Settings → Linked Devices → Link a Device, then scan."_s;
 }
 
 QString PairingSheet::qr() const

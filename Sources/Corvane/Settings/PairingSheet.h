@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QObject>
 #include <QString>
 #include <QUuid>
@@ -28,7 +30,7 @@ public:
     QString qr() const; ///< what the code holds; empty while there is none to show
     bool connected() const;
     bool failed() const;
-    QString doneLabel() const { return QStringLiteral("Done"); }
+    QString doneLabel() const { return u"Done"_s; }
 
     void open(const QUuid& accountId);
     Q_INVOKABLE void close();

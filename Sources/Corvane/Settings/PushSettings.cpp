@@ -1,12 +1,11 @@
 #include "Settings/PushSettings.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/WAName.h"
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,6 +1,7 @@
 #include "Settings/PushSheet.h"
 
 #include "Engines/AccountStore.h"
+#include "Foundation/Literals.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/WAName.h"
@@ -13,8 +14,6 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Sync/CloudPush.h"
 
@@ -85,13 +86,13 @@ public:
 
     bool isOpen() const { return m_isOpen; }
     QString state() const;
-    QString title() const { return QStringLiteral("Push to the web"); }
+    QString title() const { return u"Push to the web"_s; }
     QString targetText() const;
     QString summaryText() const;
     QString contentText() const
     {
-        return QStringLiteral("Each message goes with its text, its sender, its time and its reaction. Pictures, voice "
-                              "notes and files stay on this computer.");
+        return u"Each message goes with its text, its sender, its time and its reaction. Pictures, voice "
+               "notes and files stay on this computer."_s;
     }
     QString moreText() const;
     GadgetListModel* chats() { return &m_chats; }

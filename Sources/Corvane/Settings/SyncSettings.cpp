@@ -1,6 +1,7 @@
 #include "Settings/SyncSettings.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
@@ -19,8 +20,8 @@ namespace {
 QString kindOf(const SyncHealthRow& row)
 {
     if (!row.lastError.isEmpty())
-        return QStringLiteral("bad");
-    return row.status == QLatin1StringView("running") ? QStringLiteral("busy") : QStringLiteral("good");
+        return u"bad"_s;
+    return row.status == "running"_L1 ? u"busy"_s : u"good"_s;
 }
 
 struct Word {
@@ -30,18 +31,18 @@ struct Word {
 
 /// What the tool server and the push write into their rows, and what a person reads instead.
 constexpr Word sources[] = {
-    { QLatin1StringView("bootstrap"), QLatin1StringView("Workspaces and integrations") },
-    { QLatin1StringView("inbox"), QLatin1StringView("Conversations from the web") },
-    { QLatin1StringView("outbound_drafts"), QLatin1StringView("Drafts from the web") },
-    { QLatin1StringView("crm"), QLatin1StringView("Contacts and deals") },
-    { QLatin1StringView("corvane_ingest"), QLatin1StringView("Local channels to the web") },
+    { "bootstrap"_L1, "Workspaces and integrations"_L1 },
+    { "inbox"_L1, "Conversations from the web"_L1 },
+    { "outbound_drafts"_L1, "Drafts from the web"_L1 },
+    { "crm"_L1, "Contacts and deals"_L1 },
+    { "corvane_ingest"_L1, "Local channels to the web"_L1 },
 };
 constexpr Word statuses[] = {
-    { QLatin1StringView("running"), QLatin1StringView("Running") },
-    { QLatin1StringView("ok"), QLatin1StringView("Up to date") },
-    { QLatin1StringView("skipped"), QLatin1StringView("Skipped") },
-    { QLatin1StringView("waiting_for_web"), QLatin1StringView("Waiting for the web") },
-    { QLatin1StringView("error"), QLatin1StringView("Failed") },
+    { "running"_L1, "Running"_L1 },
+    { "ok"_L1, "Up to date"_L1 },
+    { "skipped"_L1, "Skipped"_L1 },
+    { "waiting_for_web"_L1, "Waiting for the web"_L1 },
+    { "error"_L1, "Failed"_L1 },
 };
 
 /// A word that is not known stands for itself.
@@ -59,10 +60,10 @@ struct Counted {
 
 /// What the sources count.
 constexpr Counted counts[] = {
-    { QLatin1StringView("workspaces"), QLatin1StringView("workspace"), QLatin1StringView("workspaces") },
-    { QLatin1StringView("rows"), QLatin1StringView("row"), QLatin1StringView("rows") },
-    { QLatin1StringView("localThreads"), QLatin1StringView("chat"), QLatin1StringView("chats") },
-    { QLatin1StringView("localMessages"), QLatin1StringView("message"), QLatin1StringView("messages") },
+    { "workspaces"_L1, "workspace"_L1, "workspaces"_L1 },
+    { "rows"_L1, "row"_L1, "rows"_L1 },
+    { "localThreads"_L1, "chat"_L1, "chats"_L1 },
+    { "localMessages"_L1, "message"_L1, "messages"_L1 },
 };
 
 SyncHealthLine healthLine(
@@ -72,23 +73,22 @@ SyncHealthLine healthLine(
     if (!row.lastError.isEmpty())
         details.append(row.lastError);
     else if (row.lastFinishedAt)
-        details.append(QStringLiteral("Finished ") + words.ago(*row.lastFinishedAt));
+        details.append(u"Finished "_s + words.ago(*row.lastFinishedAt));
     const QJsonObject counted = jsonObject(row.countsJson.toUtf8()).value_or(QJsonObject());
     for (const auto& [key, one, many] : counts) {
         if (const auto count = wholeNumber(counted, key))
             details.append(countWords(*count, one, many));
     }
     if (cursor && cursor->lastPulled)
-        details.append(QStringLiteral("cursor %1").arg(*cursor->lastPulled));
-    return { plainWords(sources, row.source), plainWords(statuses, row.status), kindOf(row),
-        details.join(QStringLiteral(" · ")) };
+        details.append(u"cursor %1"_s.arg(*cursor->lastPulled));
+    return { plainWords(sources, row.source), plainWords(statuses, row.status), kindOf(row), details.join(u" · "_s) };
 }
 
 QString engineLine(const EngineInfoRow& engine, const DateWords& words)
 {
     const QString revision = engine.gitSha.value_or(QString()).left(8);
-    return QStringLiteral("Version %1%2, started %3")
-        .arg(engine.version, revision.isEmpty() ? QString() : u' ' + revision, words.ago(engine.startedAt));
+    return u"Version %1%2, started %3"_s.arg(
+        engine.version, revision.isEmpty() ? QString() : u' ' + revision, words.ago(engine.startedAt));
 }
 
 }
@@ -115,26 +115,26 @@ QString SyncSettings::displayLine() const
 QString SyncSettings::stateText() const
 {
     if (m_session.busy())
-        return QStringLiteral("Signing in…");
+        return u"Signing in…"_s;
     if (!signedIn())
-        return m_session.lastErrorText().isEmpty() ? QStringLiteral("Not signed in") : m_session.lastErrorText();
-    return m_session.webRejected() ? QStringLiteral("The web rejected the session of %1 — sign out and sign in again")
-                                         .arg(machineWords::thisMachine)
-                                   : QStringLiteral("Signed in");
+        return m_session.lastErrorText().isEmpty() ? u"Not signed in"_s : m_session.lastErrorText();
+    return m_session.webRejected()
+        ? u"The web rejected the session of %1 — sign out and sign in again"_s.arg(machineWords::thisMachine)
+        : u"Signed in"_s;
 }
 
 QString SyncSettings::stateKind() const
 {
     if (m_session.busy())
-        return QStringLiteral("busy");
+        return u"busy"_s;
     if (!signedIn())
-        return m_session.lastErrorText().isEmpty() ? QStringLiteral("idle") : QStringLiteral("bad");
-    return m_session.webRejected() ? QStringLiteral("bad") : QStringLiteral("good");
+        return m_session.lastErrorText().isEmpty() ? u"idle"_s : u"bad"_s;
+    return m_session.webRejected() ? u"bad"_s : u"good"_s;
 }
 
 QString SyncSettings::actionLabel() const
 {
-    return signedIn() ? QStringLiteral("Sign Out") : QStringLiteral("Sign in to Nimb");
+    return signedIn() ? u"Sign Out"_s : u"Sign in to Nimb"_s;
 }
 
 void SyncSettings::signInOrOut()
@@ -147,8 +147,8 @@ void SyncSettings::signInOrOut()
 
 void SyncSettings::queuePull()
 {
-    const QString id = queueWebPullSync(m_db, QStringLiteral("settings"));
-    m_queuedText = QStringLiteral("Queued as ") + id;
+    const QString id = queueWebPullSync(m_db, u"settings"_s);
+    m_queuedText = u"Queued as "_s + id;
     refresh();
 }
 

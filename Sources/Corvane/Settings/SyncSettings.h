@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QObject>
 
 namespace corvane {
@@ -48,10 +50,10 @@ public:
     const QList<SyncHealthLine>& health() const { return m_health; }
     QString emptyHealthText() const
     {
-        return QStringLiteral("Nothing has been synced yet. What each part of the sync last did appears here.");
+        return u"Nothing has been synced yet. What each part of the sync last did appears here."_s;
     }
-    QString queueLabel() const { return QStringLiteral("Queue a pull"); }
-    QString queueHint() const { return QStringLiteral("Asks the tool server to fetch from the web now."); }
+    QString queueLabel() const { return u"Queue a pull"_s; }
+    QString queueHint() const { return u"Asks the tool server to fetch from the web now."_s; }
     const QString& queuedText() const { return m_queuedText; }
     const QString& engineText() const { return m_engineText; }
 

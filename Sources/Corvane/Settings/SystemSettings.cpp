@@ -1,5 +1,6 @@
 #include "Settings/SystemSettings.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
@@ -9,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-const QString notifyKey = QStringLiteral("notifyOnNewMessage");
+const QString notifyKey = u"notifyOnNewMessage"_s;
 
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -30,15 +32,12 @@ public:
 
     bool notifyOnNewMessage() const; ///< a missing setting counts as on
     void setNotifyOnNewMessage(bool on);
-    QString notifyLabel() const { return QStringLiteral("Notify on new messages"); }
-    QString notifyHint() const { return QStringLiteral("Banners for new messages and for approvals that wait."); }
+    QString notifyLabel() const { return u"Notify on new messages"_s; }
+    QString notifyHint() const { return u"Banners for new messages and for approvals that wait."_s; }
     bool returnSends() const; ///< a missing setting counts as off
     void setReturnSends(bool on);
-    QString returnSendsLabel() const { return QStringLiteral("Return sends"); }
-    QString returnSendsHint() const
-    {
-        return QStringLiteral("Shift+Return begins a new line. Ctrl+Return sends either way.");
-    }
+    QString returnSendsLabel() const { return u"Return sends"_s; }
+    QString returnSendsHint() const { return u"Shift+Return begins a new line. Ctrl+Return sends either way."_s; }
     int hotKeyCount() const { return int(m_hotKeys.size()); }
     Q_INVOKABLE corvane::HotKey* hotKey(int index) const { return m_hotKeys.value(index); }
     void setHotKeys(const QList<HotKey*>& hotKeys) { m_hotKeys = hotKeys; } ///< before the window; they outlive it

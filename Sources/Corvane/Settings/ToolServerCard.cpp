@@ -2,6 +2,7 @@
 
 #include "Engines/EngineManager.h"
 #include "Engines/ToolServer.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
 
@@ -21,8 +22,8 @@ QString ToolServerCard::stateText() const
 {
     const QString& problem = m_engine.mcpProblem();
     if (!problem.isEmpty())
-        return (running() ? QStringLiteral("Started again: ") : QStringLiteral("Stopped: ")) + problem;
-    return running() ? QStringLiteral("Running") : QStringLiteral("Stopped");
+        return (running() ? u"Started again: "_s : u"Stopped: "_s) + problem;
+    return running() ? u"Running"_s : u"Stopped"_s;
 }
 
 QString ToolServerCard::url() const
@@ -32,7 +33,7 @@ QString ToolServerCard::url() const
 
 QString ToolServerCard::actionLabel() const
 {
-    return running() ? QStringLiteral("Stop") : QStringLiteral("Start");
+    return running() ? u"Stop"_s : u"Start"_s;
 }
 
 void ToolServerCard::startOrStop()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QObject>
 #include <QString>
 
@@ -18,7 +20,7 @@ class ToolServerCard : public QObject {
 public:
     explicit ToolServerCard(EngineManager& engine, QObject* parent = nullptr);
 
-    QString title() const { return QStringLiteral("Local tool server"); }
+    QString title() const { return u"Local tool server"_s; }
     bool running() const;
     QString stateText() const;
     QString url() const;

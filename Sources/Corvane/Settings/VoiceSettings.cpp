@@ -1,5 +1,6 @@
 #include "Settings/VoiceSettings.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Voice/KnownModels.h"
 #include "Voice/ModelFile.h"
@@ -12,8 +13,8 @@ namespace corvane {
 
 namespace {
 
-const QString system = QStringLiteral("system");
-const QString firstChoice = QStringLiteral("ggml-base.bin");
+const QString system = u"system"_s;
+const QString firstChoice = u"ggml-base.bin"_s;
 constexpr qsizetype shownChecksum = 16;
 
 QString sizeText(qint64 bytes)
@@ -23,12 +24,12 @@ QString sizeText(qint64 bytes)
 
 QString languagesText(bool englishAlone)
 {
-    return englishAlone ? QStringLiteral("English") : QStringLiteral("%1 languages").arg(modelLanguages().size());
+    return englishAlone ? u"English"_s : u"%1 languages"_s.arg(modelLanguages().size());
 }
 
 QString joined(const QStringList& parts)
 {
-    return parts.join(QStringLiteral(" · "));
+    return parts.join(u" · "_s);
 }
 
 }
@@ -57,10 +58,10 @@ bool VoiceSettings::ready() const
 QString VoiceSettings::stateText() const
 {
     if (!m_voice.store.installed().isEmpty())
-        return QStringLiteral("Speech becomes text on this computer. No sound leaves it.");
-    return ready() ? QStringLiteral("English is understood roughly. A speech model understands it well, and other "
-                                    "languages too.")
-                   : QStringLiteral("A speech model is needed before voice notes and dictation become text.");
+        return u"Speech becomes text on this computer. No sound leaves it."_s;
+    return ready() ? u"English is understood roughly. A speech model understands it well, and other "
+                     "languages too."_s
+                   : u"A speech model is needed before voice notes and dictation become text."_s;
 }
 
 QList<SpeechModelLine> VoiceSettings::models() const
@@ -72,14 +73,14 @@ QList<SpeechModelLine> VoiceSettings::models() const
         lines.append({ .id = model.spec.id(),
             .name = model.spec.displayName,
             .detail = joined({ sizeText(model.sizeBytes), languages, model.spec.variant }),
-            .checksum = QStringLiteral("SHA-256 %1…").arg(model.spec.revision.left(shownChecksum)),
+            .checksum = u"SHA-256 %1…"_s.arg(model.spec.revision.left(shownChecksum)),
             .preferred = model.spec.id() == preferred,
             .removable = true });
     }
     const SpeechModelSpec basic = basicRecogniserSpec();
     lines.append({ .id = basic.id(),
         .name = basic.displayName,
-        .detail = QStringLiteral("Always there, for short and clear sentences. Without punctuation."),
+        .detail = u"Always there, for short and clear sentences. Without punctuation."_s,
         .checksum = {},
         .preferred = basic.id() == preferred,
         .removable = false });
@@ -121,16 +122,16 @@ QString VoiceSettings::installText() const
     const ModelInstaller& installer = m_voice.installer;
     const QString done = sizeText(installer.doneBytes());
     const QString amount
-        = installer.totalBytes() > 0 ? QStringLiteral("%1 of %2").arg(done, sizeText(installer.totalBytes())) : done;
+        = installer.totalBytes() > 0 ? u"%1 of %2"_s.arg(done, sizeText(installer.totalBytes())) : done;
     switch (installer.step()) {
     case ModelInstaller::Step::Idle:
         return {};
     case ModelInstaller::Step::Downloading:
-        return QStringLiteral("Downloading %1: %2").arg(installer.name(), amount);
+        return u"Downloading %1: %2"_s.arg(installer.name(), amount);
     case ModelInstaller::Step::Copying:
-        return QStringLiteral("Copying %1: %2").arg(installer.name(), amount);
+        return u"Copying %1: %2"_s.arg(installer.name(), amount);
     case ModelInstaller::Step::Checking:
-        return QStringLiteral("Checking %1: %2").arg(installer.name(), amount);
+        return u"Checking %1: %2"_s.arg(installer.name(), amount);
     case ModelInstaller::Step::Failed:
         break;
     }
@@ -147,8 +148,7 @@ QList<Choice> VoiceSettings::locales() const
     QList<Choice> choices;
     for (const DictationLocaleChoice& choice : m_voice.speech.dictationLocales())
         choices.append({ choice.id,
-            choice.isInstalled ? choice.displayName
-                               : QStringLiteral("%1 (needs a speech model)").arg(choice.displayName) });
+            choice.isInstalled ? choice.displayName : u"%1 (needs a speech model)"_s.arg(choice.displayName) });
     return choices;
 }
 
@@ -180,7 +180,7 @@ QString VoiceSettings::localeHint() const
     const QString chosen = dictationLocale(m_defaults);
     return hears(chosen)
         ? QString()
-        : QStringLiteral("The chosen recogniser does not understand %1.").arg(localeDisplayName(modelLanguage(chosen)));
+        : u"The chosen recogniser does not understand %1."_s.arg(localeDisplayName(modelLanguage(chosen)));
 }
 
 bool VoiceSettings::hears(const QString& localeId) const

@@ -1,5 +1,6 @@
 #include "Settings/WebSettings.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
@@ -7,8 +8,6 @@
 #include "Web/WebSync.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #include "Shell/AppShell.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Shell/Hubs.h"
 
@@ -7,8 +8,8 @@ namespace corvane {
 
 namespace {
 
-const QString selectedNavKey = QStringLiteral("nimb.selectedNav");
-const QString inboxId = QStringLiteral("inbox");
+const QString selectedNavKey = u"nimb.selectedNav"_s;
+const QString inboxId = u"inbox"_s;
 
 int hubOr(const QString& id, const QString& other)
 {
@@ -30,12 +31,12 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
     m_openSettings = centre.observe(
         notifications::openSettings, [this](const Notification&) { show(hubIndex(inboxId), Cover::Settings); });
     m_openWorkConsole = centre.observe(notifications::openWorkConsole, [this](const Notification& notification) {
-        show(hubOr(notification.object.value_or(QString()), QStringLiteral("dev")), Cover::None);
+        show(hubOr(notification.object.value_or(QString()), u"dev"_s), Cover::None);
     });
     m_openApprovals = centre.observe(notifications::openApprovals, [this](const Notification&) { openApprovals(); });
     // Whoever presses the banner itself wants to read before they decide.
     m_approvalPressed = centre.observe(notifications::approvalAction, [this](const Notification& notification) {
-        if (notification.userInfo.value(QStringLiteral("action")) == QStringLiteral("open"))
+        if (notification.userInfo.value(u"action"_s) == u"open"_s)
             openApprovals();
     });
 }

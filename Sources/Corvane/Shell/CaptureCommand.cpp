@@ -1,6 +1,7 @@
 #include "Shell/CaptureCommand.h"
 
 #include "Desk/QuickCapture.h"
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/SystemScheduler.h"
 #include "Foundation/UserDefaults.h"
@@ -15,7 +16,7 @@ namespace corvane {
 
 int captureWords(const AppPaths& paths, const QStringList& arguments, QTextStream& errors)
 {
-    const QString noteOption = QStringLiteral("--note");
+    const QString noteOption = u"--note"_s;
     QStringList words = arguments;
     const bool isNote = words.removeAll(noteOption) > 0;
     keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
@@ -23,7 +24,7 @@ int captureWords(const AppPaths& paths, const QStringList& arguments, QTextStrea
     UserDefaults defaults(paths.defaultsFile);
     NotificationCentre notifications;
     LocalDB db(paths.database(), { paths.resources, paths.home }, scheduler, defaults, notifications);
-    const QString kind = isNote ? QStringLiteral("note") : QStringLiteral("task");
+    const QString kind = isNote ? u"note"_s : u"task"_s;
     if (saveCapture(db, kind, words.join(u' ')))
         return 0;
     errors << (words.join(u' ').trimmed().isEmpty()

@@ -1,5 +1,6 @@
 #include "Shell/ClosingNotice.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Tray.h"
 
@@ -7,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-const QString saidKey = QStringLiteral("Corvane.closingNotice.said");
+const QString saidKey = u"Corvane.closingNotice.said"_s;
 
 }
 
@@ -20,9 +21,9 @@ ClosingNotice::ClosingNotice(const Tray* tray, UserDefaults& defaults, QObject* 
 
 QString ClosingNotice::text() const
 {
-    return QStringLiteral("Messages keep coming in after the window is closed, but this desktop shows no tray icon to "
-                          "see it by. Start Corvane again to bring the window back. To end it, choose Quit in the "
-                          "profile menu or press Ctrl+Q.");
+    return u"Messages keep coming in after the window is closed, but this desktop shows no tray icon to "
+           "see it by. Start Corvane again to bring the window back. To end it, choose Quit in the "
+           "profile menu or press Ctrl+Q."_s;
 }
 
 bool ClosingNotice::due() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QObject>
 
 namespace corvane {
@@ -19,10 +21,10 @@ public:
     /// Both outlive the notice; null for no tray at all.
     ClosingNotice(const Tray* tray, UserDefaults& defaults, QObject* parent = nullptr);
 
-    QString title() const { return QStringLiteral("Corvane keeps working"); }
+    QString title() const { return u"Corvane keeps working"_s; }
     QString text() const;
-    QString closeLabel() const { return QStringLiteral("Close the window"); }
-    QString quitLabel() const { return QStringLiteral("Quit Corvane"); }
+    QString closeLabel() const { return u"Close the window"_s; }
+    QString quitLabel() const { return u"Quit Corvane"_s; }
 
     Q_INVOKABLE bool due() const; ///< asked before the window closes
     Q_INVOKABLE void said(); ///< never again

@@ -1,5 +1,6 @@
 #include "Shell/CommandLine.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AppPaths.h"
 #include "Shell/AskCommand.h"
@@ -16,8 +17,6 @@
 #include <unistd.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "Shell/ContentView.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Web/SessionStore.h"
 
@@ -7,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-const QString continuedKey = QStringLiteral("Corvane.continuedWithoutSigningIn");
+const QString continuedKey = u"Corvane.continuedWithoutSigningIn"_s;
 
 }
 

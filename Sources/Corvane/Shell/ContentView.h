@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QObject>
 
 namespace corvane {
@@ -18,7 +20,7 @@ public:
     /// False with a token of any kind, while the keyring has not said whether there is one, and after
     /// `continueWithoutSigningIn`.
     bool showsWall() const { return m_showsWall; }
-    QString title() const { return QStringLiteral("Corvane"); } ///< the window's
+    QString title() const { return u"Corvane"_s; } ///< the window's
 
     /// Opens the shell on this machine alone; remembered until a sign-out.
     void continueWithoutSigningIn();

@@ -14,6 +14,7 @@
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Engines/ToolServer.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
@@ -52,7 +53,7 @@ namespace {
 
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
 
-const QString dictationArgument = QStringLiteral("--toggle-dictation");
+const QString dictationArgument = u"--toggle-dictation"_s;
 
 /// Of the user, as the accounts tell them.
 QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
@@ -206,7 +207,7 @@ void CorvaneApp::open(const QStringList& arguments)
         return;
     }
     for (const QString& argument : arguments) {
-        if (argument.startsWith(QLatin1String("nimb-companion:")))
+        if (argument.startsWith("nimb-companion:"_L1))
             m_session->handleCallback(QUrl(argument));
     }
     if (!isQuitting())
@@ -259,7 +260,7 @@ void CorvaneApp::runTrayCommand(const QString& id)
 
 QString CorvaneApp::storeTrouble() const
 {
-    return m_recovery->needed() ? m_recovery->title() + QStringLiteral(". ") + m_recovery->explanation()
+    return m_recovery->needed() ? m_recovery->title() + u". "_s + m_recovery->explanation()
                                 : describe(m_engine->db().health().fault(), m_paths);
 }
 
@@ -280,13 +281,11 @@ void CorvaneApp::updateTrayMenu()
     }
     items.insert(items.size() - 1, Tray::Item());
     if (records) {
-        ofRecording.first().label
-            = QStringLiteral("Stop Recording (%1 min)").arg(int(m_calls->recorder.elapsed()) / 60);
+        ofRecording.first().label = u"Stop Recording (%1 min)"_s.arg(int(m_calls->recorder.elapsed()) / 60);
         items = ofRecording + QList<Tray::Item> { {} } + items;
     }
     if (const QString trouble = storeTrouble(); !trouble.isEmpty())
-        items = QList<Tray::Item> { { QStringLiteral("trouble"), trouble.section(QStringLiteral(". "), 0, 0) }, {} }
-            + items;
+        items = QList<Tray::Item> { { u"trouble"_s, trouble.section(u". "_s, 0, 0) }, {} } + items;
     m_machine.tray->setMenu(items);
 }
 
@@ -312,7 +311,7 @@ void CorvaneApp::watchCalls()
             m_notifier->notifyRecording(recording.aloudText(), recording.consentReminder());
     });
     connect(&m_calls->recorder, &CallRecorder::refused, this,
-        [this](const QString& reason) { m_notifier->notifyRecording(QStringLiteral("No call is recorded"), reason); });
+        [this](const QString& reason) { m_notifier->notifyRecording(u"No call is recorded"_s, reason); });
 }
 
 void CorvaneApp::watchStore()
@@ -323,7 +322,7 @@ void CorvaneApp::watchStore()
         if (trouble == m_told)
             return;
         m_told = trouble;
-        log(trouble.isEmpty() ? QStringLiteral("The database takes what is written again.") : trouble);
+        log(trouble.isEmpty() ? u"The database takes what is written again."_s : trouble);
     };
     connect(&m_engine->db().health(), &StoreHealth::changed, this, tell);
     connect(m_recovery.get(), &StoreRecovery::changed, this, tell);

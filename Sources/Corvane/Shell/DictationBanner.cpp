@@ -1,5 +1,6 @@
 #include "Shell/DictationBanner.h"
 
+#include "Foundation/Literals.h"
 #include "Notifications/Notifier.h"
 #include "Voice/DictationAnywhere.h"
 
@@ -7,8 +8,8 @@ namespace corvane {
 
 namespace {
 
-const QString finishId = QStringLiteral("finish");
-const QString cancelId = QStringLiteral("cancel");
+const QString finishId = u"finish"_s;
+const QString cancelId = u"cancel"_s;
 
 }
 
@@ -32,9 +33,9 @@ void DictationBanner::follow()
         return m_notifier.withdrawDictation();
     QList<Banner::Action> buttons;
     if (panel.mode() == DictationPanelMode::Listening)
-        buttons.append({ finishId, QStringLiteral("Finish") });
+        buttons.append({ finishId, u"Finish"_s });
     if (panel.mode() == DictationPanelMode::Listening || panel.mode() == DictationPanelMode::Busy)
-        buttons.append({ cancelId, QStringLiteral("Cancel") });
+        buttons.append({ cancelId, u"Cancel"_s });
     m_notifier.notifyDictation(panel.text(), buttons);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Calendar/CalendarKeys.h"
 #include "Desk/DeskCommands.h"
+#include "Foundation/Literals.h"
 #include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -11,8 +12,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

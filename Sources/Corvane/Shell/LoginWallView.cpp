@@ -1,5 +1,6 @@
 #include "Shell/LoginWallView.h"
 
+#include "Foundation/Literals.h"
 #include "Shell/ContentView.h"
 #include "Web/SessionStore.h"
 
@@ -50,7 +51,7 @@ QString LoginWallView::lastError() const
 
 QString LoginWallView::primaryLabel() const
 {
-    return busy() ? QStringLiteral("Signing in…") : QStringLiteral("Sign in");
+    return busy() ? u"Signing in…"_s : u"Sign in"_s;
 }
 
 void LoginWallView::submit()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 
 #include <QObject>
@@ -37,20 +38,20 @@ public:
     bool busy() const;
     QString lastError() const; ///< empty for none
     QString primaryLabel() const;
-    QString title() const { return QStringLiteral("Corvane"); }
+    QString title() const { return u"Corvane"_s; }
     QString tagline() const
     {
-        return QStringLiteral("Your business, running on %1 — synced with Nimb web.").arg(machineWords::thisMachine);
+        return u"Your business, running on %1 — synced with Nimb web."_s.arg(machineWords::thisMachine);
     }
     QString footnote() const
     {
-        return QStringLiteral("Everything runs locally on %1. Signing in links it to your Nimb workspace.")
-            .arg(machineWords::thisMachine);
+        return u"Everything runs locally on %1. Signing in links it to your Nimb workspace."_s.arg(
+            machineWords::thisMachine);
     }
-    QString emailLabel() const { return QStringLiteral("Email"); }
-    QString passwordLabel() const { return QStringLiteral("Password"); }
-    QString browserLabel() const { return QStringLiteral("Sign in with browser instead"); }
-    QString continueLabel() const { return QStringLiteral("Continue without signing in"); }
+    QString emailLabel() const { return u"Email"_s; }
+    QString passwordLabel() const { return u"Password"_s; }
+    QString browserLabel() const { return u"Sign in with browser instead"_s; }
+    QString continueLabel() const { return u"Continue without signing in"_s; }
 
     Q_INVOKABLE void submit(); ///< Return in a field, or the primary button
     Q_INVOKABLE void signInWithBrowser();

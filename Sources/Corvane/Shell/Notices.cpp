@@ -3,6 +3,7 @@
 #include "Calendar/CalendarServices.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineSpec.h"
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Shell/ContentView.h"
@@ -29,22 +30,19 @@ Notice notice(const char* id, const char* tone, const QString& text, const QList
 
 QString describe(StoreFault fault, const AppPaths& paths)
 {
-    const QString waits = QStringLiteral(" New messages wait until then, and nothing is lost.");
+    const QString waits = u" New messages wait until then, and nothing is lost."_s;
     switch (fault) {
     case StoreFault::None:
     case StoreFault::Damaged:
     case StoreFault::NotADatabase:
         return {};
     case StoreFault::Full:
-        return QStringLiteral("The disk is full. Make room on the disk that holds %1.").arg(paths.applicationSupport)
-            + waits;
+        return u"The disk is full. Make room on the disk that holds %1."_s.arg(paths.applicationSupport) + waits;
     case StoreFault::ReadOnly:
-        return QStringLiteral("The database is read-only. Make %1 and its folder writable for you.")
-                   .arg(paths.database())
-            + waits;
+        return u"The database is read-only. Make %1 and its folder writable for you."_s.arg(paths.database()) + waits;
     case StoreFault::InputOutput:
-        return QStringLiteral("The disk does not take what is written to %1. Check that it is connected and sound.")
-                   .arg(paths.applicationSupport)
+        return u"The disk does not take what is written to %1. Check that it is connected and sound."_s.arg(
+                   paths.applicationSupport)
             + waits;
     }
     Q_UNREACHABLE();
@@ -71,38 +69,36 @@ QList<Notice> Notices::items() const
     if (m_at.session.asksAboutLink())
         items.append(notice("link", "warn",
             m_at.session.signedIn()
-                ? QStringLiteral("Sign in as someone else? A sign-in link was opened that was not asked for here.")
-                : QStringLiteral("Sign in? A sign-in link was opened that was not asked for here."),
-            { action("accept", QStringLiteral("Sign in")), action("ignore", QStringLiteral("Ignore")) }));
+                ? u"Sign in as someone else? A sign-in link was opened that was not asked for here."_s
+                : u"Sign in? A sign-in link was opened that was not asked for here."_s,
+            { action("accept", u"Sign in"_s), action("ignore", u"Ignore"_s) }));
     // The wall shows it itself.
     if (!m_at.session.lastErrorText().isEmpty() && !m_at.content.showsWall())
-        items.append(notice("signIn", "bad", QStringLiteral("Sign-in failed: ") + m_at.session.lastErrorText(),
-            { action("again", QStringLiteral("Try again")), action("dismiss", QStringLiteral("Dismiss")) }));
+        items.append(notice("signIn", "bad", u"Sign-in failed: "_s + m_at.session.lastErrorText(),
+            { action("again", u"Try again"_s), action("dismiss", u"Dismiss"_s) }));
     if (accountsWait())
-        items.append(notice("keyring", "warn",
-            QStringLiteral("The desktop's keyring is locked. Accounts wait for their passwords."),
-            { action("unlock", QStringLiteral("Unlock…")) }));
+        items.append(notice("keyring", "warn", u"The desktop's keyring is locked. Accounts wait for their passwords."_s,
+            { action("unlock", u"Unlock…"_s) }));
     if (const QString text = m_at.calendar.reminder.text(); !text.isEmpty())
-        items.append(notice("meeting", "plain", text,
-            { action("prepare", QStringLiteral("Open brief")), action("dismiss", QStringLiteral("Dismiss")) }));
+        items.append(
+            notice("meeting", "plain", text, { action("prepare", u"Open brief"_s), action("dismiss", u"Dismiss"_s) }));
     if (const QString text = m_at.calendar.commands.undoText(); !text.isEmpty())
-        items.append(notice("event", "plain", text,
-            { action("undo", QStringLiteral("Undo")), action("dismiss", QStringLiteral("Dismiss")) }));
+        items.append(notice("event", "plain", text, { action("undo", u"Undo"_s), action("dismiss", u"Dismiss"_s) }));
     return items;
 }
 
 void Notices::perform(const QString& id, const QString& action)
 {
-    if (id == QLatin1StringView("link"))
-        action == QLatin1StringView("accept") ? m_at.session.acceptLink() : m_at.session.ignoreLink();
-    else if (id == QLatin1StringView("signIn"))
-        action == QLatin1StringView("again") ? m_at.session.startSignIn() : m_at.session.forgetError();
-    else if (id == QLatin1StringView("keyring"))
+    if (id == "link"_L1)
+        action == "accept"_L1 ? m_at.session.acceptLink() : m_at.session.ignoreLink();
+    else if (id == "signIn"_L1)
+        action == "again"_L1 ? m_at.session.startSignIn() : m_at.session.forgetError();
+    else if (id == "keyring"_L1)
         m_at.keychain.unlock();
-    else if (id == QLatin1StringView("meeting"))
-        answerReminder(action == QLatin1StringView("prepare"));
-    else if (id == QLatin1StringView("event"))
-        action == QLatin1StringView("undo") ? m_at.calendar.commands.undo() : m_at.calendar.commands.dismiss();
+    else if (id == "meeting"_L1)
+        answerReminder(action == "prepare"_L1);
+    else if (id == "event"_L1)
+        action == "undo"_L1 ? m_at.calendar.commands.undo() : m_at.calendar.commands.dismiss();
 }
 
 void Notices::answerReminder(bool prepares)

@@ -1,16 +1,15 @@
 #include "Shell/ProfileMenu.h"
 
+#include "Foundation/Literals.h"
 #include "Web/SessionStore.h"
 #include "Web/WebSync.h"
 
 namespace corvane {
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
-const QString refreshId = QStringLiteral("refreshWorkspaces");
-const QString allId = QStringLiteral("allWorkspaces");
+const QString refreshId = u"refreshWorkspaces"_s;
+const QString allId = u"allWorkspaces"_s;
 constexpr qsizetype shownWorkspaces = 20; // what a menu can hold
 
 }
@@ -56,10 +55,9 @@ QList<Choice> ProfileMenu::actions() const
 
 QList<Choice> ProfileMenu::workspaceActions() const
 {
-    QList<Choice> actions { { refreshId,
-        m_web.syncing() ? QStringLiteral("Asking the web…") : QStringLiteral("Ask the web again") } };
+    QList<Choice> actions { { refreshId, m_web.syncing() ? u"Asking the web…"_s : u"Ask the web again"_s } };
     if (m_web.workspaces().size() > m_workspaces.size())
-        actions.append({ allId, QStringLiteral("All workspaces…") });
+        actions.append({ allId, u"All workspaces…"_s });
     return actions;
 }
 
@@ -86,7 +84,7 @@ void ProfileMenu::perform(const QString& actionId)
     if (actionId == refreshId)
         m_web.refresh();
     else if (actionId == allId)
-        m_centre.post(notifications::openSettings, QStringLiteral("sync"));
+        m_centre.post(notifications::openSettings, u"sync"_s);
     else
         m_commands.run(actionId);
 }

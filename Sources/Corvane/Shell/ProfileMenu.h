@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
 #include "Presentation/Commands.h"
@@ -44,7 +45,7 @@ public:
     QString displayLine() const;
     QString initial() const; ///< empty where there is no name to take it from
     bool signedIn() const;
-    QString workspaceLabel() const { return QStringLiteral("Workspace"); }
+    QString workspaceLabel() const { return u"Workspace"_s; }
     const QList<WorkspaceChoice>& workspaces() const { return m_workspaces; }
     QList<Choice> workspaceActions() const;
     QList<Choice> actions() const;

@@ -2,12 +2,11 @@
 
 #include "Calls/CallServices.h"
 #include "Desk/QuickCapture.h"
+#include "Foundation/Literals.h"
 #include "Shell/CorvaneApp.h"
 #include "Web/SessionStore.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 QList<Command> programCommands(CorvaneApp& app)
 {

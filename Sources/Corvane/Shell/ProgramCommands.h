@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Commands.h"
 
 namespace corvane {
@@ -11,9 +12,9 @@ class CorvaneApp;
 QList<Command> programCommands(CorvaneApp& app);
 
 // Those that are also words of the command line. They bring nothing to the front.
-inline const QString captureCommand = QStringLiteral("capture");
-inline const QString recordCommand = QStringLiteral("record");
-inline const QString markCommand = QStringLiteral("mark");
+inline const QString captureCommand = u"capture"_s;
+inline const QString recordCommand = u"record"_s;
+inline const QString markCommand = u"mark"_s;
 
 /// The ids of the tray's menu, in its order; the last one stands apart.
 QStringList trayMenu();

@@ -6,6 +6,7 @@
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
@@ -59,8 +60,7 @@ Screens::Screens(CorvaneApp& root)
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
     QObject::connect(settings.system(), &SystemSettings::changed, inbox.person()->composer(), &Composer::hintsChanged);
-    QObject::connect(
-        &notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(QStringLiteral("calendar")); });
+    QObject::connect(&notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(u"calendar"_s); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());
     QList<QObject*> hubScreens;
@@ -84,7 +84,7 @@ Screens::Screens(CorvaneApp& root)
     QObject::connect(
         inbox.palette(), &CommandPalette::foundChosen, &shell, [this](const QString& id) { openFoundWork(*this, id); });
     const auto showUrgent = [this] {
-        shell.hubs()->setBadge(QStringLiteral("ops"), ops.urgent(), QStringLiteral("urgent"));
+        shell.hubs()->setBadge(u"ops"_s, ops.urgent(), u"urgent"_s);
     };
     QObject::connect(&ops, &OpsHub::changed, &shell, showUrgent);
     showUrgent();
@@ -95,7 +95,7 @@ Screens::Screens(CorvaneApp& root)
     QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this] {
         if (!terminals.asksBeforeQuit())
             return app.quit();
-        shell.selectHub(QStringLiteral("dev"));
+        shell.selectHub(u"dev"_s);
         Q_EMIT app.windowRequested();
     });
     QObject::connect(&terminals, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);

@@ -1,12 +1,11 @@
 #include "Shell/ShellCommands.h"
 
+#include "Foundation/Literals.h"
 #include "Inbox/InboxView.h"
 #include "Shell/AppShell.h"
 #include "Shell/Hubs.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& commands)
 {

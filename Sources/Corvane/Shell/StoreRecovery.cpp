@@ -4,6 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/BackgroundQueue.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/NotificationCentre.h"
 #include "Platform/AppPaths.h"
@@ -51,20 +52,19 @@ StoreRecovery::~StoreRecovery()
 
 QString StoreRecovery::explanation() const
 {
-    const QString kept = QStringLiteral("Engines are stopped, nothing is written, and new messages wait. ");
+    const QString kept = u"Engines are stopped, nothing is written, and new messages wait. "_s;
     switch (m_step) {
     case Step::None:
         return {};
     case Step::Stopping:
-        return QStringLiteral("Its content contradicts itself, so it must not be used. The engines are being stopped.");
+        return u"Its content contradicts itself, so it must not be used. The engines are being stopped."_s;
     case Step::Stuck:
         return kept
-            + QStringLiteral("The damaged file could not be moved out of the way. Check that its folder can be "
-                             "written: %1")
-                  .arg(m_at.paths.applicationSupport);
+            + u"The damaged file could not be moved out of the way. Check that its folder can be "
+              "written: %1"_s.arg(m_at.paths.applicationSupport);
     case Step::Choosing:
     case Step::Copying:
-        return kept + QStringLiteral("The damaged file was moved and stays as it is: %1").arg(m_aside);
+        return kept + u"The damaged file was moved and stays as it is: %1"_s.arg(m_aside);
     }
     Q_UNREACHABLE();
 }
@@ -72,28 +72,26 @@ QString StoreRecovery::explanation() const
 QList<RecoveryChoice> StoreRecovery::choices() const
 {
     if (m_step == Step::Stuck)
-        return { choice("retry", QStringLiteral("Try again"), {}) };
+        return { choice("retry", u"Try again"_s, {}) };
     if (m_step != Step::Choosing)
         return {};
-    QList<RecoveryChoice> offered { choice("save", QStringLiteral("Save what can be read"),
-        QStringLiteral("Copies every row that can still be read into a new database.")) };
+    QList<RecoveryChoice> offered { choice(
+        "save", u"Save what can be read"_s, u"Copies every row that can still be read into a new database."_s) };
     if (const auto backup = latestBackup()) {
         const QDateTime made = QFileInfo(*backup).lastModified();
-        offered.append(choice("backup", QStringLiteral("Use the latest backup"),
-            QStringLiteral("Made on %1. What came later is not in it.")
-                .arg(QLocale().toString(made, QLocale::ShortFormat))));
+        offered.append(choice("backup", u"Use the latest backup"_s,
+            u"Made on %1. What came later is not in it."_s.arg(QLocale().toString(made, QLocale::ShortFormat))));
     }
-    offered.append(choice("new", QStringLiteral("Start with an empty database"),
-        QStringLiteral("Accounts stay connected and fetch what they can again.")));
+    offered.append(
+        choice("new", u"Start with an empty database"_s, u"Accounts stay connected and fetch what they can again."_s));
     return offered;
 }
 
 QString StoreRecovery::progressText() const
 {
     if (!m_progress || m_progress->allTables == 0)
-        return QStringLiteral("Reading the damaged file…");
-    return QStringLiteral("Table %1 of %2, %3 rows saved")
-        .arg(m_progress->tables.load())
+        return u"Reading the damaged file…"_s;
+    return u"Table %1 of %2, %3 rows saved"_s.arg(m_progress->tables.load())
         .arg(m_progress->allTables.load())
         .arg(QLocale().toString(m_progress->rows.load()));
 }
@@ -105,15 +103,15 @@ double StoreRecovery::progress() const
 
 void StoreRecovery::choose(const QString& id)
 {
-    if (m_step == Step::Stuck && id == QLatin1StringView("retry"))
+    if (m_step == Step::Stuck && id == "retry"_L1)
         return setAside();
     if (m_step != Step::Choosing)
         return;
-    if (id == QLatin1StringView("save"))
+    if (id == "save"_L1)
         copy(m_aside, Source::Damaged);
-    else if (id == QLatin1StringView("backup") && latestBackup())
+    else if (id == "backup"_L1 && latestBackup())
         copy(*latestBackup(), Source::Backup);
-    else if (id == QLatin1StringView("new") && makeEmpty())
+    else if (id == "new"_L1 && makeEmpty())
         putInPlace();
 }
 
@@ -166,7 +164,7 @@ void StoreRecovery::copy(const QString& from, Source source)
             if (source == Source::Damaged)
                 return salvage(from, to, *progress);
             if (!QFile::remove(to) || !QFile::copy(from, to))
-                return failure(QStringLiteral("The backup cannot be copied."));
+                return failure(u"The backup cannot be copied."_s);
             return Salvaged {};
         },
         [self = QPointer(this)](const Result<Salvaged>& result) {
@@ -177,8 +175,8 @@ void StoreRecovery::copy(const QString& from, Source source)
                 QFile::remove(self->newFile());
                 return self->set(Step::Choosing, result.error().message);
             }
-            log(QStringLiteral("StoreRecovery: %1 rows saved; incomplete: %2")
-                    .arg(QString::number(result->rows), result->tornTables.join(QStringLiteral(", "))));
+            log(u"StoreRecovery: %1 rows saved; incomplete: %2"_s.arg(
+                QString::number(result->rows), result->tornTables.join(u", "_s)));
             self->putInPlace();
         });
 }
@@ -188,16 +186,16 @@ bool StoreRecovery::makeEmpty()
     QFile::remove(newFile());
     if (m_at.engine.db().makeEmpty(newFile()))
         return true;
-    set(Step::Choosing, QStringLiteral("A new file cannot be made in %1.").arg(m_at.paths.applicationSupport));
+    set(Step::Choosing, u"A new file cannot be made in %1."_s.arg(m_at.paths.applicationSupport));
     return false;
 }
 
 void StoreRecovery::putInPlace()
 {
     if (!QFile::rename(newFile(), m_at.paths.database()))
-        return set(Step::Choosing, QStringLiteral("The new file cannot be put in its place."));
+        return set(Step::Choosing, u"The new file cannot be put in its place."_s);
     if (!m_at.engine.db().reopen())
-        return set(Step::Choosing, QStringLiteral("The new file cannot be opened."));
+        return set(Step::Choosing, u"The new file cannot be opened."_s);
     set(Step::None);
     askToRetell(m_at.paths);
     Q_EMIT recovered();
@@ -219,13 +217,13 @@ void StoreRecovery::set(Step step, const QString& error)
 
 QString StoreRecovery::newFile() const
 {
-    return m_at.paths.database() + QStringLiteral(".new");
+    return m_at.paths.database() + u".new"_s;
 }
 
 std::optional<QString> StoreRecovery::latestBackup() const
 {
-    const QDir folder(m_at.paths.applicationSupport + QStringLiteral("/backups"));
-    const QFileInfoList files = folder.entryInfoList({ QStringLiteral("*.db") }, QDir::Files, QDir::Time);
+    const QDir folder(m_at.paths.applicationSupport + u"/backups"_s);
+    const QFileInfoList files = folder.entryInfoList({ u"*.db"_s }, QDir::Files, QDir::Time);
     return files.isEmpty() ? std::nullopt : std::optional(files.first().absoluteFilePath());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 
 #include <QObject>
@@ -52,7 +53,7 @@ public:
 
     bool needed() const { return m_step != Step::None; }
     bool busy() const { return m_step == Step::Stopping || m_step == Step::Copying; }
-    QString title() const { return QStringLiteral("The database is damaged"); }
+    QString title() const { return u"The database is damaged"_s; }
     QString explanation() const;
     QList<RecoveryChoice> choices() const;
     QString progressText() const;

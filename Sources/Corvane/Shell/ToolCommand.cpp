@@ -1,6 +1,7 @@
 #include "Shell/ToolCommand.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/HttpExchange.h"
 
@@ -32,17 +33,16 @@ std::unexpected<Problem> problem(ToolOutcome outcome, const QString& words)
 
 QByteArray tokenOf(const AppPaths& paths)
 {
-    QFile file(paths.applicationSupport + QStringLiteral("/mcp-token"));
+    QFile file(paths.applicationSupport + u"/mcp-token"_s);
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
 QJsonObject requestFor(const QString& name, const QJsonObject& arguments)
 {
-    QJsonObject request { { QStringLiteral("jsonrpc"), QStringLiteral("2.0") }, { QStringLiteral("id"), 1 },
-        { QStringLiteral("method"), name.isEmpty() ? QStringLiteral("tools/list") : QStringLiteral("tools/call") } };
+    QJsonObject request { { u"jsonrpc"_s, u"2.0"_s }, { u"id"_s, 1 },
+        { u"method"_s, name.isEmpty() ? u"tools/list"_s : u"tools/call"_s } };
     if (!name.isEmpty())
-        request.insert(QStringLiteral("params"),
-            QJsonObject { { QStringLiteral("name"), name }, { QStringLiteral("arguments"), arguments } });
+        request.insert(u"params"_s, QJsonObject { { u"name"_s, name }, { u"arguments"_s, arguments } });
     return request;
 }
 
@@ -50,7 +50,7 @@ QString listOf(const QJsonArray& tools)
 {
     QStringList lines;
     for (const QJsonValue& tool : tools)
-        lines.append(tool[u"name"].toString() + QStringLiteral(": ") + tool[u"description"].toString());
+        lines.append(tool[u"name"].toString() + u": "_s + tool[u"description"].toString());
     return lines.join(u'\n');
 }
 
@@ -59,12 +59,11 @@ Answer readAnswer(const HttpReply& reply, int port)
     const auto body = jsonObject(reply.body);
     if (!body)
         return problem(ToolOutcome::NoServer,
-            QStringLiteral("What answers on port %1 is not the tool server (HTTP %2).").arg(port).arg(reply.status));
+            u"What answers on port %1 is not the tool server (HTTP %2)."_s.arg(port).arg(reply.status));
     if (reply.status == 401)
         return problem(ToolOutcome::NoServer,
-            QStringLiteral("The tool server on port %1 doesn't take the token: it may belong to another profile.")
-                .arg(port));
-    const QJsonValue result = body->value(QLatin1StringView("result"));
+            u"The tool server on port %1 doesn't take the token: it may belong to another profile."_s.arg(port));
+    const QJsonValue result = body->value("result"_L1);
     if (!result.isObject())
         return problem(ToolOutcome::Refused, (*body)[u"error"][u"message"].toString());
     if (result[u"tools"].isArray())
@@ -77,10 +76,10 @@ Answer ask(const AppPaths& paths, Scheduler& scheduler, const ToolCall& call)
 {
     const auto arguments = jsonObject(call.arguments.trimmed().isEmpty() ? "{}" : call.arguments);
     if (!arguments)
-        return problem(ToolOutcome::WrongUse, QStringLiteral("The arguments are not a JSON object."));
-    QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1/mcp").arg(call.port)));
+        return problem(ToolOutcome::WrongUse, u"The arguments are not a JSON object."_s);
+    QNetworkRequest request(QUrl(u"http://127.0.0.1:%1/mcp"_s.arg(call.port)));
     makePlain(request);
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
     request.setRawHeader("Accept", "application/json, text/event-stream");
     request.setRawHeader("Authorization", "Bearer " + tokenOf(paths));
     QNetworkAccessManager network;
@@ -89,9 +88,8 @@ Answer ask(const AppPaths& paths, Scheduler& scheduler, const ToolCall& call)
         awaitReply(network.post(request, compactJson(requestFor(call.name, *arguments))), &scheduler, limits));
     if (!reply)
         return problem(ToolOutcome::NoServer,
-            QStringLiteral("The tool server doesn't answer on port %1 (%2). Is Corvane running?")
-                .arg(call.port)
-                .arg(reply.error().message));
+            u"The tool server doesn't answer on port %1 (%2). Is Corvane running?"_s.arg(call.port).arg(
+                reply.error().message));
     return readAnswer(*reply, call.port);
 }
 

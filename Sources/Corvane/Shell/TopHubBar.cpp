@@ -1,5 +1,6 @@
 #include "Shell/TopHubBar.h"
 
+#include "Foundation/Literals.h"
 #include "Shell/Hubs.h"
 
 namespace corvane {
@@ -11,7 +12,7 @@ TopHubBar::TopHubBar(QObject* parent)
         HubRow row;
         row.raw = hub.id;
         row.label = hub.label;
-        row.identifier = QStringLiteral("topnav.") + hub.id;
+        row.identifier = u"topnav."_s + hub.id;
         row.shortcut = hubShortcut(int(m_hubs.size()));
         m_hubs.append(row);
     }
@@ -49,7 +50,7 @@ QString unreadBadge(int count)
 {
     if (count <= 0)
         return {};
-    return count < 100 ? QString::number(count) : QStringLiteral("99+");
+    return count < 100 ? QString::number(count) : u"99+"_s;
 }
 
 }

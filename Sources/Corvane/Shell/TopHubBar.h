@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 
 namespace corvane {
@@ -36,10 +37,10 @@ public:
 
     int rowCount(const QModelIndex& parent = {}) const override;
 
-    QString searchLabel() const { return QStringLiteral("Search or ask Lumo…"); }
+    QString searchLabel() const { return u"Search or ask Lumo…"_s; }
 
     void setSelected(int index); ///< -1 while something covers the hubs
-    void setUnreadTotal(int count) { setBadge(QStringLiteral("inbox"), count, QStringLiteral("unread")); }
+    void setUnreadTotal(int count) { setBadge(u"inbox"_s, count, u"unread"_s); }
     void setBadge(const QString& hub, int count, const QString& word); ///< the word says what is counted
 
 protected:

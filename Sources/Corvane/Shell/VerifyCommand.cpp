@@ -1,5 +1,6 @@
 #include "Shell/VerifyCommand.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Approvals/ApprovalRecords.h"
 
 #include <QFileInfo>
@@ -16,7 +17,7 @@ int verifyDecisions(const AppPaths& paths, QTextStream& out)
     }
     const auto db = SqlConnection::reader(path, std::make_shared<std::atomic<bool>>(false));
     const RecordCheck check
-        = db->isOpen() ? checkRecords(*db) : RecordCheck { false, QStringLiteral("The database can't be opened.") };
+        = db->isOpen() ? checkRecords(*db) : RecordCheck { false, u"The database can't be opened."_s };
     out << check.words << '\n';
     return check.sound ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 #include "Shell/WorkHubs.h"
 
 #include "AI/AIServices.h"
+#include "Foundation/Literals.h"
 #include "Presentation/BodyText.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -8,8 +9,6 @@
 #include "Terminals/ShellCommand.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Terminal/Pty/Session.h"
 #include "Terminals/TerminalEvents.h"
@@ -21,7 +22,7 @@ public:
     struct Options {
         QString title; ///< shown until the shell or the user gives another
         std::optional<QString> projectId {};
-        QString projectSlug = QStringLiteral("local");
+        QString projectSlug = u"local"_s;
         QString initialCommand {}; ///< typed once the shell is there
         terminal::Command command;
     };

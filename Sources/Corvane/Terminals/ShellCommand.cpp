@@ -1,5 +1,7 @@
 #include "Terminals/ShellCommand.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFileInfo>
 
 namespace corvane {
@@ -7,7 +9,7 @@ namespace corvane {
 terminal::Command shellCommand(const QString& directory, std::optional<mode_t> umask)
 {
     terminal::Command command;
-    if (QFileInfo(QStringLiteral("/bin/zsh")).isExecutable()) {
+    if (QFileInfo(u"/bin/zsh"_s).isExecutable()) {
         command.program = "/bin/zsh";
         command.arguments = { "-l", "-i" };
     }
@@ -20,11 +22,11 @@ terminal::Command shellCommand(const QString& directory, std::optional<mode_t> u
 
 QString resolvedDirectory(const QString& wanted, const QString& home)
 {
-    const bool isOfHome = wanted == u'~' || wanted.startsWith(QLatin1String("~/"));
+    const bool isOfHome = wanted == u'~' || wanted.startsWith("~/"_L1);
     const QString path = isOfHome ? home + wanted.mid(1) : wanted;
     if (QFileInfo(path).isDir())
         return path;
-    const QString fallback = home + QLatin1String("/nimb");
+    const QString fallback = home + "/nimb"_L1;
     return QFileInfo(fallback).isDir() ? fallback : home;
 }
 

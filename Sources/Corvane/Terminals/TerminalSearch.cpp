@@ -1,5 +1,6 @@
 #include "Terminals/TerminalSearch.h"
 
+#include "Foundation/Literals.h"
 #include "Terminals/LumoTerminalSession.h"
 
 #include <QLocale>
@@ -54,16 +55,16 @@ QString TerminalSearch::status() const
     if (m_text.isEmpty())
         return {};
     if (m_malformed)
-        return QStringLiteral("Not a valid expression");
+        return u"Not a valid expression"_s;
     if (m_matches.empty())
-        return QStringLiteral("Nothing found");
+        return u"Nothing found"_s;
     const QLocale locale;
     const QString count
-        = locale.toString(qulonglong(m_matches.size())) + QLatin1String(m_matches.size() == most ? "+" : "");
+        = locale.toString(qulonglong(m_matches.size())) + QLatin1StringView(m_matches.size() == most ? "+" : "");
     if (!m_current)
-        return count + QStringLiteral(" found");
+        return count + u" found"_s;
     // The newest is the first, as it is the one that is met first.
-    return QStringLiteral("%1 of %2").arg(locale.toString(qulonglong(m_matches.size() - *m_current)), count);
+    return u"%1 of %2"_s.arg(locale.toString(qulonglong(m_matches.size() - *m_current)), count);
 }
 
 void TerminalSearch::next()

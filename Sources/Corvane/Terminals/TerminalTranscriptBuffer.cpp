@@ -1,5 +1,7 @@
 #include "Terminals/TerminalTranscriptBuffer.h"
 
+#include "Foundation/Literals.h"
+
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <QTextBoundaryFinder>
@@ -86,8 +88,8 @@ bool endsInPasswordPrompt(const QString& text)
 {
     // Stars may stand for what was typed so far.
     static const QRegularExpression prompt(
-        QStringLiteral(R"((?i)\b(pass(word|phrase|code|wort)|passwd|pin|secret|token|verification code)\b)"
-                       R"([^\n]{0,80}[:?][ \t]*[*•]*\z)"));
+        uR"((?i)\b(pass(word|phrase|code|wort)|passwd|pin|secret|token|verification code)\b)"
+        R"([^\n]{0,80}[:?][ \t]*[*•]*\z)"_s);
     return prompt.match(text).hasMatch();
 }
 
@@ -197,7 +199,7 @@ QString TerminalTranscriptBuffer::snapshot(qsizetype maxCharacters)
     compact();
     QString text = QString::fromStdString(m_chunks.front());
     if (m_typing)
-        text += m_hidden ? QStringLiteral("[hidden]") : cleanTranscript(decoded(m_typed));
+        text += m_hidden ? u"[hidden]"_s : cleanTranscript(decoded(m_typed));
     const qsizetype most = std::min(std::max(maxCharacters, leastSnapshot), m_maxCharacters);
     return text.mid(startOfLast(text, most)).trimmed();
 }

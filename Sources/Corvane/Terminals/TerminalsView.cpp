@@ -1,5 +1,6 @@
 #include "Terminals/TerminalsView.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/Desktop.h"
@@ -12,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-const QString fontSizeKey = QStringLiteral("Corvane.terminal.fontSize");
+const QString fontSizeKey = u"Corvane.terminal.fontSize"_s;
 constexpr int usualFontSize = 14;
 constexpr int smallestFontSize = 8;
 constexpr int largestFontSize = 40;
@@ -24,7 +25,7 @@ QString quoted(const QString& text)
 {
     constexpr int most = 60;
     const QString line = firstCharacters(singleLine(text), most);
-    return u'“' + line + (line.size() < singleLine(text).size() ? QStringLiteral("…”") : QStringLiteral("”"));
+    return u'“' + line + (line.size() < singleLine(text).size() ? u"…”"_s : u"”"_s);
 }
 
 }
@@ -42,7 +43,7 @@ TerminalsView::~TerminalsView() = default;
 QString TerminalsView::titleFor(const QString& label) const
 {
     const QString name = label.toLower().replace(u' ', u'-');
-    return QStringLiteral("local-%1-%2").arg(name).arg(m_sessions.size() + 1);
+    return u"local-%1-%2"_s.arg(name).arg(m_sessions.size() + 1);
 }
 
 LumoTerminalSession& TerminalsView::createLocalSession(const QString& label, const QString& command)
@@ -69,8 +70,8 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
         if (!m_question.text.isEmpty() || text.size() > largestClipboard)
             return;
         ask({ Subject::Clipboard,
-            QStringLiteral("A program in %1 wants to put this on the clipboard: %2").arg(session.label(), quoted(text)),
-            QStringLiteral("Allow"), QStringLiteral("Refuse"), &session, text });
+            u"A program in %1 wants to put this on the clipboard: %2"_s.arg(session.label(), quoted(text)), u"Allow"_s,
+            u"Refuse"_s, &session, text });
     });
     select(session.id());
     return session;
@@ -78,7 +79,7 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
 
 void TerminalsView::create()
 {
-    createLocalSession(QStringLiteral("shell"));
+    createLocalSession(u"shell"_s);
 }
 
 LumoTerminalSession* TerminalsView::find(const QString& id) const
@@ -114,8 +115,8 @@ void TerminalsView::close(const QString& id)
     if (program.isEmpty())
         return closeNow(*session);
     select(id);
-    ask({ Subject::Close, QStringLiteral("%1 is still running. Closing the terminal ends it.").arg(program),
-        QStringLiteral("Close"), QStringLiteral("Keep open"), session });
+    ask({ Subject::Close, u"%1 is still running. Closing the terminal ends it."_s.arg(program), u"Close"_s,
+        u"Keep open"_s, session });
 }
 
 void TerminalsView::closeCurrent()
@@ -155,7 +156,7 @@ void TerminalsView::restart()
     if (!m_current || !m_current->exitStatus())
         return;
     LumoTerminalSession& old = *m_current;
-    createLocalSession(QStringLiteral("shell"));
+    createLocalSession(u"shell"_s);
     closeNow(old);
 }
 
@@ -171,8 +172,8 @@ void TerminalsView::paste(const QString& text)
         return;
     const std::string bytes = text.toStdString();
     if (qsizetype(bytes.size()) > largestPaste) {
-        return ask({ Subject::None, QStringLiteral("The clipboard holds more than a terminal takes at once, 1 MB."), {},
-            QStringLiteral("Close"), m_current });
+        return ask({ Subject::None, u"The clipboard holds more than a terminal takes at once, 1 MB."_s, {}, u"Close"_s,
+            m_current });
     }
     {
         const auto access = m_current->terminal()->terminal();
@@ -183,11 +184,9 @@ void TerminalsView::paste(const QString& text)
         }
     }
     const auto lines = text.trimmed().count(u'\n') + 1;
-    const QString words = lines == 1
-        ? QStringLiteral("Paste this line? The program in the terminal takes it at once: %1")
-        : QStringLiteral("Paste %2 lines? The program in the terminal takes each at once: %1");
-    ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), QStringLiteral("Paste"),
-        QStringLiteral("Cancel"), m_current, text });
+    const QString words = lines == 1 ? u"Paste this line? The program in the terminal takes it at once: %1"_s
+                                     : u"Paste %2 lines? The program in the terminal takes each at once: %1"_s;
+    ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), u"Paste"_s, u"Cancel"_s, m_current, text });
 }
 
 void TerminalsView::ask(const Question& question)
@@ -228,16 +227,15 @@ QString TerminalsView::endedText() const
         return {};
     const terminal::ExitStatus status = *m_current->exitStatus();
     if (m_current->failedToStart())
-        return QStringLiteral("The shell could not be started.");
-    return status.bySignal ? QStringLiteral("The shell was ended by signal %1.").arg(status.code)
-                           : QStringLiteral("The shell ended with code %1.").arg(status.code);
+        return u"The shell could not be started."_s;
+    return status.bySignal ? u"The shell was ended by signal %1."_s.arg(status.code)
+                           : u"The shell ended with code %1."_s.arg(status.code);
 }
 
 QString TerminalsView::emptyDetail() const
 {
-    return QStringLiteral(
-        "A terminal runs your shell on this computer. Ten at once are fine, and they go on while you are "
-        "elsewhere in Corvane.");
+    return u"A terminal runs your shell on this computer. Ten at once are fine, and they go on while you are "
+           "elsewhere in Corvane."_s;
 }
 
 void TerminalsView::openLink(const QString& address) const
@@ -275,11 +273,10 @@ bool TerminalsView::asksBeforeQuit()
     }
     if (programs.isEmpty())
         return false;
-    const QString verb = programs.size() == 1 ? QStringLiteral("is") : QStringLiteral("are");
+    const QString verb = programs.size() == 1 ? u"is"_s : u"are"_s;
     ask({ Subject::Quit,
-        QStringLiteral("%1 %2 still running in a terminal. Quitting Corvane ends that.")
-            .arg(programs.join(QStringLiteral(", ")), verb),
-        QStringLiteral("Quit"), QStringLiteral("Keep running") });
+        u"%1 %2 still running in a terminal. Quitting Corvane ends that."_s.arg(programs.join(u", "_s), verb),
+        u"Quit"_s, u"Keep running"_s });
     return true;
 }
 

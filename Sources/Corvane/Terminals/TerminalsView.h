@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 #include "Terminals/LumoTerminalSession.h"
 
@@ -89,11 +90,11 @@ public:
     Q_INVOKABLE void openLink(const QString& address) const; ///< in the desktop's program for it
 
     QString endedText() const;
-    QString emptyTitle() const { return QStringLiteral("No terminal is open"); }
+    QString emptyTitle() const { return u"No terminal is open"_s; }
     QString emptyDetail() const;
-    QString createLabel() const { return QStringLiteral("New terminal"); }
-    QString restartLabel() const { return QStringLiteral("Start again"); }
-    QString closeLabel() const { return QStringLiteral("Close terminal"); }
+    QString createLabel() const { return u"New terminal"_s; }
+    QString restartLabel() const { return u"Start again"_s; }
+    QString closeLabel() const { return u"Close terminal"_s; }
 
     int fontSize() const { return m_fontSize; }
     Q_INVOKABLE void enlarge(int steps);

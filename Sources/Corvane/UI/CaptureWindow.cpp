@@ -1,14 +1,13 @@
 #include "UI/CaptureWindow.h"
 
 #include "Desk/QuickCapture.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QScreen>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

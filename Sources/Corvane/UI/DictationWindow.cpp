@@ -1,5 +1,6 @@
 #include "UI/DictationWindow.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Voice/DictationAnywhere.h"
 
@@ -7,8 +8,6 @@
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QScreen>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

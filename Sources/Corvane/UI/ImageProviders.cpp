@@ -1,10 +1,10 @@
 #include "ImageProviders.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Shell/Screens.h"
 #include "UI/Controls/ControlsTypes.h"
@@ -12,8 +13,6 @@
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QScreen>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,6 +1,7 @@
 #include "PanelWindow.h"
 
 #include "Desk/CorvaneMenuBarView.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
 #include "Shell/Notices.h"
@@ -10,8 +11,6 @@
 #include <QScreen>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

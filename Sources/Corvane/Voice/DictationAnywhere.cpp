@@ -1,6 +1,7 @@
 #include "Voice/DictationAnywhere.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/GlobalShortcuts.h"
@@ -27,16 +28,16 @@ constexpr Milliseconds copiedTime { 2400 };
 constexpr Milliseconds insertedTime { 1200 };
 constexpr Milliseconds staleTime { 600'000 };
 
-const QString enabledKey = QStringLiteral("Corvane.dictationAnywhere.enabled");
-const QString pushToTalkKey = QStringLiteral("Corvane.dictationAnywhere.pushToTalk");
-const QString cancelKey = QStringLiteral("dictation.cancel");
-const QString filePrefix = QStringLiteral("corvane-dictation-");
+const QString enabledKey = u"Corvane.dictationAnywhere.enabled"_s;
+const QString pushToTalkKey = u"Corvane.dictationAnywhere.pushToTalk"_s;
+const QString cancelKey = u"dictation.cancel"_s;
+const QString filePrefix = u"corvane-dictation-"_s;
 
 /// What a program left that was killed while it listened. One that listens now writes into its file all the time.
 void removeStaleFiles(qint64 nowMs)
 {
-    const auto files = QDir(QDir::tempPath())
-                           .entryInfoList({ filePrefix + QStringLiteral("*.wav") }, QDir::Files | QDir::NoSymLinks);
+    const auto files
+        = QDir(QDir::tempPath()).entryInfoList({ filePrefix + u"*.wav"_s }, QDir::Files | QDir::NoSymLinks);
     for (const QFileInfo& file : files) {
         if (file.lastModified().toMSecsSinceEpoch() < nowMs - staleTime.count())
             QFile::remove(file.filePath());
@@ -57,7 +58,7 @@ QString oneLine(const QString& text)
 QString accessText(MicrophoneAccess access)
 {
     return access == MicrophoneAccess::Denied ? describe({ .kind = SpeechTranscriberError::Kind::MissingPermission })
-                                              : QStringLiteral("Could not start microphone — no microphone was found");
+                                              : u"Could not start microphone — no microphone was found"_s;
 }
 
 }
@@ -65,10 +66,10 @@ QString accessText(MicrophoneAccess access)
 DictationAnywhere::DictationAnywhere(const Surroundings& at, QObject* parent)
     : QObject(parent)
     , m_at(at)
-    , m_hotKey({ .id = QStringLiteral("dictation"),
-                   .label = QStringLiteral("Dictate into any program"),
-                   .keys = { QStringLiteral("Ctrl+Alt+D"), QStringLiteral("Ctrl+Alt+Shift+D") },
-                   .command = QStringLiteral("corvane --toggle-dictation") },
+    , m_hotKey({ .id = u"dictation"_s,
+                   .label = u"Dictate into any program"_s,
+                   .keys = { u"Ctrl+Alt+D"_s, u"Ctrl+Alt+Shift+D"_s },
+                   .command = u"corvane --toggle-dictation"_s },
           at.shortcuts, at.defaults)
     , m_panel(at.scheduler)
 {
@@ -111,7 +112,7 @@ void DictationAnywhere::setEnabled(bool enabled)
         prewarmSpeechAssets();
     } else {
         m_hotKey.unbind();
-        stopWithoutProcessing(QStringLiteral("Dictation is off."));
+        stopWithoutProcessing(u"Dictation is off."_s);
     }
     Q_EMIT settingsChanged();
 }
@@ -139,8 +140,7 @@ void DictationAnywhere::registerHotKey()
     if (m_hotKey.isBound())
         return;
     m_hotKey.bind();
-    log(QStringLiteral("[DictationAnywhere] install=%1 register=%2 (%3)")
-            .arg(int(m_at.shortcuts != nullptr))
+    log(u"[DictationAnywhere] install=%1 register=%2 (%3)"_s.arg(int(m_at.shortcuts != nullptr))
             .arg(int(m_hotKey.isBound()))
             .arg(m_hotKey.keys()));
 }
@@ -165,13 +165,13 @@ QString DictationAnywhere::selectedLanguageShortName() const
 void DictationAnywhere::toggleRecording()
 {
     if (!isEnabled())
-        return m_panel.show(QStringLiteral("Dictation is off in Settings > Voice."), Mode::Attention, offTime);
+        return m_panel.show(u"Dictation is off in Settings > Voice."_s, Mode::Attention, offTime);
     if (m_isAsking)
-        return stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+        return stopWithoutProcessing(u"Dictation cancelled."_s);
     if (m_state.kind == Kind::Recording)
         return stopAndTranscribe();
     if (m_state.kind == Kind::Transcribing)
-        return m_panel.show(QStringLiteral("Transcribing…"), Mode::Busy);
+        return m_panel.show(u"Transcribing…"_s, Mode::Busy);
     startRecording();
 }
 
@@ -180,7 +180,7 @@ void DictationAnywhere::onReleased()
     if (!std::exchange(m_isHeld, false))
         return;
     if (m_isAsking)
-        stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+        stopWithoutProcessing(u"Dictation cancelled."_s);
     else if (m_state.kind == Kind::Recording)
         stopAndTranscribe();
 }
@@ -188,21 +188,21 @@ void DictationAnywhere::onReleased()
 void DictationAnywhere::cancel()
 {
     if (m_isAsking || m_state.kind == Kind::Recording || m_state.kind == Kind::Transcribing)
-        stopWithoutProcessing(QStringLiteral("Dictation cancelled."));
+        stopWithoutProcessing(u"Dictation cancelled."_s);
 }
 
 void DictationAnywhere::startRecording()
 {
     const QString language = modelLanguage(dictationLocale(m_at.defaults));
     if (!m_at.voice.transcription.speaks(language))
-        return fail(QStringLiteral("Dictation in %1 needs a speech model.").arg(localeDisplayName(language)));
+        return fail(u"Dictation in %1 needs a speech model."_s.arg(localeDisplayName(language)));
     dismissOffer();
     prewarmSpeechAssets();
     if (m_at.insertion)
         m_at.insertion->aim();
     m_isAsking = true;
-    m_question = m_at.scheduler.after(questionTime,
-        [this] { m_panel.show(QStringLiteral("Allow microphone access to start dictation."), Mode::Attention); });
+    m_question = m_at.scheduler.after(
+        questionTime, [this] { m_panel.show(u"Allow microphone access to start dictation."_s, Mode::Attention); });
     m_at.microphone.requestAccess([self = QPointer(this), attempt = ++m_attempt](MicrophoneAccess access) {
         if (!self || self->m_attempt != attempt || !std::exchange(self->m_isAsking, false))
             return;
@@ -216,21 +216,21 @@ void DictationAnywhere::startRecording()
 
 void DictationAnywhere::beginRecording()
 {
-    m_lastAudioPath = QDir::tempPath() + u'/' + filePrefix + uuidText() + QStringLiteral(".wav");
+    m_lastAudioPath = QDir::tempPath() + u'/' + filePrefix + uuidText() + u".wav"_s;
     m_recorder = m_at.microphone.record(m_lastAudioPath);
     if (!m_recorder)
-        return fail(QStringLiteral("Could not start microphone — its file cannot be written"));
+        return fail(u"Could not start microphone — its file cannot be written"_s);
     connect(m_recorder.get(), &MicrophoneRecording::interrupted, this, [this](const QString& reason) {
         // What was said until then is not lost.
         if (m_recorder->elapsedSeconds() > 0)
             stopAndTranscribe();
         else
-            fail(QStringLiteral("Could not start microphone — %1").arg(reason));
+            fail(u"Could not start microphone — %1"_s.arg(reason));
     });
     m_ticks = m_at.scheduler.every(
         tick, [this] { m_panel.setProgress(m_recorder->level(), m_recorder->elapsedSeconds()); });
     if (m_at.shortcuts && !m_at.shortcuts->asksUser())
-        m_at.shortcuts->bind({ cancelKey, QStringLiteral("Cancel dictation"), { QStringLiteral("Esc") } });
+        m_at.shortcuts->bind({ cancelKey, u"Cancel dictation"_s, { u"Esc"_s } });
     m_panel.show(listeningText(), Mode::Listening);
     enter({ .kind = Kind::Recording, .startedAtMs = m_at.scheduler.nowMs() });
 }
@@ -238,10 +238,9 @@ void DictationAnywhere::beginRecording()
 QString DictationAnywhere::listeningText() const
 {
     const QString language = selectedLanguageShortName();
-    QString text = language.isEmpty() ? QStringLiteral("Listening…") : QStringLiteral("Listening (%1) …").arg(language);
+    QString text = language.isEmpty() ? u"Listening…"_s : u"Listening (%1) …"_s.arg(language);
     if (m_hotKey.isBound())
-        text += (m_isHeld ? QStringLiteral(" let go of %1 to finish") : QStringLiteral(" %1 to finish"))
-                    .arg(m_hotKey.keys());
+        text += (m_isHeld ? u" let go of %1 to finish"_s : u" %1 to finish"_s).arg(m_hotKey.keys());
     return text;
 }
 
@@ -249,7 +248,7 @@ void DictationAnywhere::stopAndTranscribe()
 {
     if (!takeRecording()->stop())
         return fail(describe({ .kind = SpeechTranscriberError::Kind::EmptyTranscript }));
-    m_panel.show(QStringLiteral("Transcribing…"), Mode::Busy);
+    m_panel.show(u"Transcribing…"_s, Mode::Busy);
     enter({ .kind = Kind::Transcribing });
     m_cancel = {};
     transcribe(m_lastAudioPath, m_cancel);
@@ -279,25 +278,25 @@ QCoro::Task<> DictationAnywhere::transcribe(QString path, CancelHandle cancel)
 void DictationAnywhere::insertTranscript(const QString& text)
 {
     if (!m_at.insertion)
-        return offer(text, QStringLiteral("The text could not be inserted here."));
+        return offer(text, u"The text could not be inserted here."_s);
     m_at.insertion->insert(text, [this, text](InsertionOutcome outcome) {
         switch (outcome) {
         case InsertionOutcome::Inserted:
             m_problem.clear();
-            m_panel.show(QStringLiteral("Inserted"), Mode::Done, insertedTime);
+            m_panel.show(u"Inserted"_s, Mode::Done, insertedTime);
             return enter({ .kind = Kind::Inserted });
         case InsertionOutcome::Copied:
             m_panel.show(insertionWay() == InsertionWay::None
-                    ? QStringLiteral("Copied - allow Accessibility to paste automatically.")
-                    : QStringLiteral("Copied - no program in front took the text."),
+                    ? u"Copied - allow Accessibility to paste automatically."_s
+                    : u"Copied - no program in front took the text."_s,
                 Mode::Attention, copiedTime);
             return enter({ .kind = Kind::Copied });
         case InsertionOutcome::Password:
-            return offer(text, QStringLiteral("Nothing was inserted: the field takes a password."));
+            return offer(text, u"Nothing was inserted: the field takes a password."_s);
         case InsertionOutcome::Missed:
             break;
         }
-        offer(text, QStringLiteral("The text could not be inserted here."));
+        offer(text, u"The text could not be inserted here."_s);
     });
 }
 

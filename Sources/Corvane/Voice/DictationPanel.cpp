@@ -1,5 +1,7 @@
 #include "Voice/DictationPanel.h"
 
+#include "Foundation/Literals.h"
+
 namespace corvane {
 
 DictationPanel::DictationPanel(Scheduler& scheduler, QObject* parent)
@@ -12,21 +14,21 @@ QString DictationPanel::modeWord() const
 {
     switch (m_mode) {
     case DictationPanelMode::Listening:
-        return QStringLiteral("listening");
+        return u"listening"_s;
     case DictationPanelMode::Busy:
-        return QStringLiteral("busy");
+        return u"busy"_s;
     case DictationPanelMode::Attention:
-        return QStringLiteral("attention");
+        return u"attention"_s;
     case DictationPanelMode::Done:
         break;
     }
-    return QStringLiteral("done");
+    return u"done"_s;
 }
 
 QString DictationPanel::elapsedText() const
 {
     const int seconds = int(m_elapsed);
-    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 void DictationPanel::show(const QString& text, DictationPanelMode mode)

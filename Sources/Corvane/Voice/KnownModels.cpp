@@ -1,5 +1,7 @@
 #include "Voice/KnownModels.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 
 namespace corvane {
@@ -8,8 +10,8 @@ const QList<KnownModel>& knownModels()
 {
     const auto named = [](const char* id, const char* name, qint64 sizeMiB, const char* note) {
         const QString text = QString::fromLatin1(id);
-        return KnownModel { QString::fromLatin1(name), QStringLiteral("ggml-%1.bin").arg(text), sizeMiB,
-            text.endsWith(QLatin1String(".en")), QString::fromLatin1(note) };
+        return KnownModel { QString::fromLatin1(name), u"ggml-%1.bin"_s.arg(text), sizeMiB, text.endsWith(".en"_L1),
+            QString::fromLatin1(note) };
     };
     static const QList<KnownModel> models {
         named("tiny", "Tiny", 75, "Fastest"),
@@ -28,13 +30,13 @@ const QList<KnownModel>& knownModels()
 
 QUrl publishedAt(const KnownModel& model)
 {
-    return QUrl(QStringLiteral("https://huggingface.co/ggerganov/whisper.cpp/resolve/main/") + model.fileName);
+    return QUrl(u"https://huggingface.co/ggerganov/whisper.cpp/resolve/main/"_s + model.fileName);
 }
 
 QString modelName(const QString& fileName)
 {
     const auto known = std::ranges::find(knownModels(), fileName, &KnownModel::fileName);
-    return known == knownModels().end() ? fileName : QStringLiteral("Whisper %1").arg(known->name);
+    return known == knownModels().end() ? fileName : u"Whisper %1"_s.arg(known->name);
 }
 
 }

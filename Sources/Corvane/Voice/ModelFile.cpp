@@ -1,5 +1,7 @@
 #include "Voice/ModelFile.h"
 
+#include "Foundation/Literals.h"
+
 #include <QCryptographicHash>
 #include <QFile>
 #include <QHash>
@@ -115,14 +117,14 @@ Result<Head> walkedHead(QFile& file)
     Walk walk(file);
     Head head {};
     if (!walk.read(head) || head.magic != magic || !isPlausible(head))
-        return failure(QStringLiteral("This is not a speech model: a ggml file of whisper.cpp is needed."));
+        return failure(u"This is not a speech model: a ggml file of whisper.cpp is needed."_s);
     bool isWhole = walk.filters() && walk.vocabulary();
     for (qint64 i = 0; isWhole && i < tensorCount(head); ++i)
         isWhole = walk.tensor();
     if (!isWhole)
-        return failure(QStringLiteral("The speech model is damaged: a part of the file is missing."));
+        return failure(u"The speech model is damaged: a part of the file is missing."_s);
     if (!walk.isAtEnd())
-        return failure(QStringLiteral("The speech model is damaged: the file holds more than its model."));
+        return failure(u"The speech model is damaged: the file holds more than its model."_s);
     return head;
 }
 
@@ -133,7 +135,7 @@ Result<ModelFileFacts> inspectModelFile(
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return failure(QStringLiteral("The file cannot be read: %1.").arg(file.errorString()));
+        return failure(u"The file cannot be read: %1."_s.arg(file.errorString()));
     const auto head = walkedHead(file);
     if (!head)
         return std::unexpected(head.error());
@@ -141,10 +143,10 @@ Result<ModelFileFacts> inspectModelFile(
     file.seek(0);
     while (!file.atEnd()) {
         if (stop)
-            return failure(QStringLiteral("Cancelled."));
+            return failure(u"Cancelled."_s);
         const QByteArray bytes = file.read(hashedAtOnce);
         if (bytes.isEmpty())
-            return failure(QStringLiteral("The file cannot be read: %1.").arg(file.errorString()));
+            return failure(u"The file cannot be read: %1."_s.arg(file.errorString()));
         hash.addData(bytes);
         if (onProgress)
             onProgress(file.pos());

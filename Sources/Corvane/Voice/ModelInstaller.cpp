@@ -1,5 +1,6 @@
 #include "Voice/ModelInstaller.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/FileDownload.h"
 #include "Voice/KnownModels.h"
 #include "Voice/ModelFile.h"
@@ -18,7 +19,7 @@ namespace {
 
 constexpr Milliseconds tick { 200 };
 constexpr qint64 copiedAtOnce = 1 << 20;
-const QString uncheckedSuffix = QStringLiteral(".unchecked");
+const QString uncheckedSuffix = u".unchecked"_s;
 
 QString inRoot(const SpeechModelStore& store, const QString& fileName)
 {
@@ -35,20 +36,20 @@ Result<void> copyFile(const QString& from, const QString& to, std::atomic<qint64
 {
     QFile source(from);
     if (!QFileInfo(from).isFile() || !source.open(QIODevice::ReadOnly))
-        return failure(QStringLiteral("The file cannot be read."));
+        return failure(u"The file cannot be read."_s);
     QFile target(to);
     if (!target.open(QIODevice::WriteOnly) || !target.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
-        return failure(QStringLiteral("The file cannot be copied: %1.").arg(target.errorString()));
+        return failure(u"The file cannot be copied: %1."_s.arg(target.errorString()));
     while (!source.atEnd()) {
         if (stop)
             return cancelled();
         const QByteArray bytes = source.read(copiedAtOnce);
         if (bytes.isEmpty() || target.write(bytes) != bytes.size())
-            return failure(QStringLiteral("The file cannot be copied: %1.").arg(target.errorString()));
+            return failure(u"The file cannot be copied: %1."_s.arg(target.errorString()));
         done += bytes.size();
     }
     if (!target.flush() || ::fsync(target.handle()) != 0)
-        return failure(QStringLiteral("The file cannot be copied: %1.").arg(target.errorString()));
+        return failure(u"The file cannot be copied: %1."_s.arg(target.errorString()));
     return {};
 }
 
@@ -76,7 +77,7 @@ ModelInstaller::~ModelInstaller()
 void ModelInstaller::takeUpLeftover()
 {
     QDir root(m_store.modelsRoot());
-    for (const QString& fileName : root.entryList({ QStringLiteral("*.bin") }, QDir::Files)) {
+    for (const QString& fileName : root.entryList({ u"*.bin"_s }, QDir::Files)) {
         const bool isKnown = std::ranges::any_of(
             m_store.installed(), [&](const auto& model) { return model.spec.variant == fileName; });
         if (!isKnown)
@@ -96,8 +97,8 @@ void ModelInstaller::download(const QUrl& url)
         return;
     const QString fileName = url.fileName();
     begin(Step::Downloading, modelName(fileName));
-    if (!fileName.endsWith(QLatin1String(".bin")) || fileName.startsWith(QLatin1Char('.')))
-        return fail(QStringLiteral("The address must name a model's file, such as .../ggml-base.bin."));
+    if (!fileName.endsWith(".bin"_L1) || fileName.startsWith(QLatin1Char('.')))
+        return fail(u"The address must name a model's file, such as .../ggml-base.bin."_s);
     bring(url, fileName);
 }
 
@@ -116,8 +117,7 @@ QCoro::Task<> ModelInstaller::bring(QUrl url, QString fileName)
     if (!self || m_step != Step::Downloading)
         co_return;
     if (!brought) {
-        fail(QStringLiteral("Preparing %1 failed: %2. Check the network and try again.")
-                .arg(name, brought.error().message));
+        fail(u"Preparing %1 failed: %2. Check the network and try again."_s.arg(name, brought.error().message));
         co_return;
     }
     check(fileName, {});
@@ -159,7 +159,7 @@ void ModelInstaller::check(const QString& fileName, const QString& source)
         if (!facts || (QFile::remove(path), !QFile::rename(unchecked, path))) {
             QFile::remove(unchecked);
             if (facts)
-                return failure(QStringLiteral("The model cannot be put into its folder."));
+                return failure(u"The model cannot be put into its folder."_s);
         }
         return facts;
     };
@@ -170,7 +170,7 @@ void ModelInstaller::check(const QString& fileName, const QString& source)
             if (!facts)
                 return fail(facts.error().message);
             SpeechInstalledModel model;
-            model.spec.repository = QStringLiteral("whisper.cpp");
+            model.spec.repository = u"whisper.cpp"_s;
             model.spec.variant = fileName;
             model.spec.revision = facts->sha256;
             model.spec.displayName = modelName(fileName);

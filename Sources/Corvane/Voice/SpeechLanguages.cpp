@@ -1,5 +1,6 @@
 #include "Voice/SpeechLanguages.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Voice/SpeechModelStore.h"
 
@@ -11,12 +12,11 @@ namespace corvane {
 const QStringList& modelLanguages()
 {
     static const QStringList languages
-        = QStringLiteral("en zh de es ru ko fr ja pt tr pl ca nl ar sv it id hi fi vi he uk el ms cs ro da hu ta no th "
-                         "ur hr bg lt la mi "
-                         "ml cy sk te fa lv bn sr az sl kn et mk br eu is hy ne mn bs kk sq sw gl mr pa si km sn yo so "
-                         "af oc ka be tg sd "
-                         "gu am yi lo uz fo ht ps tk nn mt sa lb my bo tl mg as tt haw ln ha ba jw su")
-              .split(QLatin1Char(' '));
+        = u"en zh de es ru ko fr ja pt tr pl ca nl ar sv it id hi fi vi he uk el ms cs ro da hu ta no th "
+          "ur hr bg lt la mi "
+          "ml cy sk te fa lv bn sr az sl kn et mk br eu is hy ne mn bs kk sq sw gl mr pa si km sn yo so "
+          "af oc ka be tg sd "
+          "gu am yi lo uz fo ht ps tk nn mt sa lb my bo tl mg as tt haw ln ha ba jw su"_s.split(QLatin1Char(' '));
     return languages;
 }
 
@@ -25,9 +25,8 @@ QString modelLanguage(const QString& localeId)
     if (localeId == anyLanguage)
         return anyLanguage;
     // Where the models have another code than locales.
-    static const QHash<QString, QString> others { { QStringLiteral("nb"), QStringLiteral("no") },
-        { QStringLiteral("fil"), QStringLiteral("tl") }, { QStringLiteral("jv"), QStringLiteral("jw") },
-        { QStringLiteral("C"), QStringLiteral("en") } };
+    static const QHash<QString, QString> others { { u"nb"_s, u"no"_s }, { u"fil"_s, u"tl"_s }, { u"jv"_s, u"jw"_s },
+        { u"C"_s, u"en"_s } };
     const QString name = localeId.isEmpty() ? QLocale::system().name() : localeId;
     const QString code = name.section(QLatin1Char('_'), 0, 0).section(QLatin1Char('-'), 0, 0);
     return others.value(code, code);
@@ -48,17 +47,16 @@ QString voiceNoteLocale(const UserDefaults& defaults, const SpeechModelStore& st
 QString localeDisplayName(const QString& localeId)
 {
     if (localeId == anyLanguage)
-        return QStringLiteral("Detected from the sound");
+        return u"Detected from the sound"_s;
     if (localeId.isEmpty())
-        return QStringLiteral("System (%1)").arg(localeDisplayName(QLocale::system().name()));
-    static const QHash<QString, QString> locales { { QStringLiteral("tl"), QStringLiteral("fil") },
-        { QStringLiteral("jw"), QStringLiteral("jv") }, { QStringLiteral("no"), QStringLiteral("nb") } };
+        return u"System (%1)"_s.arg(localeDisplayName(QLocale::system().name()));
+    static const QHash<QString, QString> locales { { u"tl"_s, u"fil"_s }, { u"jw"_s, u"jv"_s }, { u"no"_s, u"nb"_s } };
     const QLocale locale(locales.value(localeId, localeId));
     if (locale.language() == QLocale::C)
-        return localeId == QLatin1String("C") ? QStringLiteral("English") : localeId;
+        return localeId == "C"_L1 ? u"English"_s : localeId;
     const QString language = QLocale::languageToString(locale.language());
     return localeId.contains(QLatin1Char('_'))
-        ? QStringLiteral("%1 (%2)").arg(language, QLocale::territoryToString(locale.territory()))
+        ? u"%1 (%2)"_s.arg(language, QLocale::territoryToString(locale.territory()))
         : language;
 }
 

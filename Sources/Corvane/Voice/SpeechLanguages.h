@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QString>
 #include <QStringList>
 
 namespace corvane {
 
 /// The locale that stands for finding the language out from the sound.
-inline const QString anyLanguage = QStringLiteral("auto");
+inline const QString anyLanguage = u"auto"_s;
 
 /// The languages that a multilingual model speaks, as the models name them.
 const QStringList& modelLanguages();
@@ -18,7 +20,7 @@ class SpeechModelStore;
 class UserDefaults;
 
 /// Under which the locale of dictation is kept; absent: the system's.
-inline const QString dictationLocaleKey = QStringLiteral("nimb.dictationLocale");
+inline const QString dictationLocaleKey = u"nimb.dictationLocale"_s;
 QString dictationLocale(const UserDefaults& defaults);
 
 /// The locale in which voice notes are heard: the one that was chosen; else found out from the sound where the

@@ -1,5 +1,6 @@
 #include "Voice/SpeechModelManager.h"
 
+#include "Foundation/Literals.h"
 #include "Voice/ModelInstaller.h"
 #include "Voice/SpeechLanguages.h"
 #include "Voice/SpeechModelStore.h"
@@ -64,7 +65,7 @@ void SpeechModelManager::refreshDictationLocales()
             .isSystemDefault = false,
             .isInstalled = m_service.speaks(language) });
     std::ranges::sort(choices, {}, &DictationLocaleChoice::displayName);
-    choices.prepend({ .id = QStringLiteral("system"),
+    choices.prepend({ .id = u"system"_s,
         .displayName = localeDisplayName(QString()),
         .isSystemDefault = true,
         .isInstalled = m_service.speaks(modelLanguage(QString())) });

@@ -1,32 +1,34 @@
 #include "Voice/SpeechModelSpec.h"
 
+#include "Foundation/Literals.h"
+
 namespace corvane {
 
 QJsonObject encoded(const SpeechModelSpec& spec)
 {
     return {
-        { QStringLiteral("repository"), spec.repository },
-        { QStringLiteral("revision"), spec.revision },
-        { QStringLiteral("variant"), spec.variant },
-        { QStringLiteral("displayName"), spec.displayName },
-        { QStringLiteral("role"), spec.role },
-        { QStringLiteral("approximateSizeGB"), spec.approximateSizeGB },
-        { QStringLiteral("isDefault"), spec.isDefault },
-        { QStringLiteral("isSmoke"), spec.isSmoke },
+        { u"repository"_s, spec.repository },
+        { u"revision"_s, spec.revision },
+        { u"variant"_s, spec.variant },
+        { u"displayName"_s, spec.displayName },
+        { u"role"_s, spec.role },
+        { u"approximateSizeGB"_s, spec.approximateSizeGB },
+        { u"isDefault"_s, spec.isDefault },
+        { u"isSmoke"_s, spec.isSmoke },
     };
 }
 
 std::optional<SpeechModelSpec> decodedSpeechModelSpec(const QJsonObject& object)
 {
     SpeechModelSpec spec;
-    spec.repository = object[QStringLiteral("repository")].toString();
-    spec.revision = object[QStringLiteral("revision")].toString();
-    spec.variant = object[QStringLiteral("variant")].toString();
-    spec.displayName = object[QStringLiteral("displayName")].toString(spec.variant);
-    spec.role = object[QStringLiteral("role")].toString(spec.role);
-    spec.approximateSizeGB = object[QStringLiteral("approximateSizeGB")].toDouble();
-    spec.isDefault = object[QStringLiteral("isDefault")].toBool(true);
-    spec.isSmoke = object[QStringLiteral("isSmoke")].toBool();
+    spec.repository = object[u"repository"_s].toString();
+    spec.revision = object[u"revision"_s].toString();
+    spec.variant = object[u"variant"_s].toString();
+    spec.displayName = object[u"displayName"_s].toString(spec.variant);
+    spec.role = object[u"role"_s].toString(spec.role);
+    spec.approximateSizeGB = object[u"approximateSizeGB"_s].toDouble();
+    spec.isDefault = object[u"isDefault"_s].toBool(true);
+    spec.isSmoke = object[u"isSmoke"_s].toBool();
     if (spec.repository.isEmpty() || spec.variant.isEmpty())
         return std::nullopt;
     return spec;
@@ -40,42 +42,42 @@ QString transcriptModel(const SpeechModelSpec& spec)
 SpeechModelSpec basicRecogniserSpec()
 {
     SpeechModelSpec spec;
-    spec.repository = QStringLiteral("pocketsphinx");
-    spec.revision = QStringLiteral("5prealpha");
-    spec.variant = QStringLiteral("en-us");
-    spec.displayName = QStringLiteral("Basic English recogniser");
+    spec.repository = u"pocketsphinx"_s;
+    spec.revision = u"5prealpha"_s;
+    spec.variant = u"en-us"_s;
+    spec.displayName = u"Basic English recogniser"_s;
     return spec;
 }
 
 QJsonObject encoded(const SpeechInstalledModel& model)
 {
     QJsonObject object {
-        { QStringLiteral("spec"), encoded(model.spec) },
-        { QStringLiteral("cachePath"), model.cachePath },
-        { QStringLiteral("localPath"), model.localPath },
-        { QStringLiteral("installedAt"), model.installedAt.toString(Qt::ISODateWithMs) },
-        { QStringLiteral("sizeBytes"), model.sizeBytes },
+        { u"spec"_s, encoded(model.spec) },
+        { u"cachePath"_s, model.cachePath },
+        { u"localPath"_s, model.localPath },
+        { u"installedAt"_s, model.installedAt.toString(Qt::ISODateWithMs) },
+        { u"sizeBytes"_s, model.sizeBytes },
     };
     if (model.lastUsedAt)
-        object.insert(QStringLiteral("lastUsedAt"), model.lastUsedAt->toString(Qt::ISODateWithMs));
+        object.insert(u"lastUsedAt"_s, model.lastUsedAt->toString(Qt::ISODateWithMs));
     return object;
 }
 
 std::optional<SpeechInstalledModel> decodedInstalledModel(const QJsonObject& object)
 {
-    const auto spec = decodedSpeechModelSpec(object[QStringLiteral("spec")].toObject());
+    const auto spec = decodedSpeechModelSpec(object[u"spec"_s].toObject());
     if (!spec)
         return std::nullopt;
     const auto date = [&object](const QString& key) {
         return QDateTime::fromString(object[key].toString(), Qt::ISODateWithMs);
     };
     SpeechInstalledModel model { .spec = *spec,
-        .cachePath = object[QStringLiteral("cachePath")].toString(),
-        .localPath = object[QStringLiteral("localPath")].toString(),
-        .installedAt = date(QStringLiteral("installedAt")),
-        .sizeBytes = object[QStringLiteral("sizeBytes")].toInteger(),
+        .cachePath = object[u"cachePath"_s].toString(),
+        .localPath = object[u"localPath"_s].toString(),
+        .installedAt = date(u"installedAt"_s),
+        .sizeBytes = object[u"sizeBytes"_s].toInteger(),
         .lastUsedAt = std::nullopt };
-    if (const QDateTime used = date(QStringLiteral("lastUsedAt")); used.isValid())
+    if (const QDateTime used = date(u"lastUsedAt"_s); used.isValid())
         model.lastUsedAt = used;
     return model;
 }

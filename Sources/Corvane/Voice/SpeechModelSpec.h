@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Foundation/Literals.h"
+
 #include <QDateTime>
 #include <QJsonObject>
 #include <QString>
@@ -13,7 +15,7 @@ struct SpeechModelSpec {
     QString revision; ///< SHA-256 of the file in hexadecimal, or the recogniser's version
     QString variant; ///< name of the file, or "en-us"
     QString displayName;
-    QString role = QStringLiteral("System transcription");
+    QString role = u"System transcription"_s;
     double approximateSizeGB = 0;
     bool isDefault = true;
     bool isSmoke = false;

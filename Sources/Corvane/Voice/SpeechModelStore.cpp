@@ -1,5 +1,6 @@
 #include "Voice/SpeechModelStore.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/PrivateFile.h"
@@ -18,7 +19,7 @@ const QString preferredKey = QString::fromLatin1(SpeechModelStore::preferredMode
 
 QString listPath(const QString& root)
 {
-    return root + QStringLiteral("/models.json");
+    return root + u"/models.json"_s;
 }
 
 }
@@ -26,7 +27,7 @@ QString listPath(const QString& root)
 SpeechModelStore::SpeechModelStore(
     const QString& applicationSupport, UserDefaults& defaults, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
-    , m_root(applicationSupport + QStringLiteral("/Models/Speech"))
+    , m_root(applicationSupport + u"/Models/Speech"_s)
     , m_defaults(defaults)
     , m_scheduler(scheduler)
 {

@@ -1,5 +1,6 @@
 #include "Voice/SpeechReader.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/AudioPlayer.h"
 #include "Platform/ToolRunner.h"
 
@@ -52,16 +53,15 @@ QCoro::Task<> SpeechReader::read(QString text, QString language)
 {
     const QPointer<SpeechReader> self(this);
     const CancelHandle cancel = m_cancel;
-    const QString program = QStandardPaths::findExecutable(QStringLiteral("espeak-ng"));
+    const QString program = QStandardPaths::findExecutable(u"espeak-ng"_s);
     if (program.isEmpty() || !m_folder.isValid()) {
-        end(QStringLiteral("Reading aloud needs espeak-ng, which is not installed."));
+        end(u"Reading aloud needs espeak-ng, which is not installed."_s);
         co_return;
     }
     const QString voice = language.isEmpty() ? QLocale::system().name().section(QLatin1Char('_'), 0, 0) : language;
-    const QString path = m_folder.filePath(QStringLiteral("speech.wav"));
-    for (const QString& each : { voice, QStringLiteral("en") }) { // where the first is none of its voices
-        const QStringList arguments { QStringLiteral("--stdin"), QStringLiteral("-v"), each, QStringLiteral("-w"),
-            path };
+    const QString path = m_folder.filePath(u"speech.wav"_s);
+    for (const QString& each : { voice, u"en"_s }) { // where the first is none of its voices
+        const QStringList arguments { u"--stdin"_s, u"-v"_s, each, u"-w"_s, path };
         const auto result = co_await m_tools.run(program, arguments, text.toUtf8(), cancel);
         if (!self || cancel.isCancelled())
             co_return;
@@ -71,7 +71,7 @@ QCoro::Task<> SpeechReader::read(QString text, QString language)
             co_return;
         }
     }
-    end(QStringLiteral("The text could not be read aloud."));
+    end(u"The text could not be read aloud."_s);
 }
 
 void SpeechReader::stop()
@@ -90,7 +90,7 @@ void SpeechReader::end(const QString& error)
     m_playing = false;
     m_speakingId.clear();
     m_errorText = error;
-    QFile::remove(m_folder.filePath(QStringLiteral("speech.wav")));
+    QFile::remove(m_folder.filePath(u"speech.wav"_s));
     Q_EMIT changed();
 }
 

@@ -1,5 +1,6 @@
 #include "Voice/SpeechTranscript.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/PrivateFile.h"
 
 #include <QFile>
@@ -17,7 +18,7 @@ constexpr qint64 largestFile = 64 * 1024 * 1024;
 QString describe(const SpeechTranscriberError& error)
 {
     using Kind = SpeechTranscriberError::Kind;
-    const QString unavailable = QStringLiteral("Transcription unavailable.");
+    const QString unavailable = u"Transcription unavailable."_s;
     switch (error.kind) {
     case Kind::Stopped: {
         LocalAIAvailabilitySnapshot snapshot;
@@ -29,30 +30,29 @@ QString describe(const SpeechTranscriberError& error)
     case Kind::Unavailable:
         return error.words.isEmpty() ? unavailable : error.words;
     case Kind::MissingPermission:
-        return QStringLiteral("The microphone is not allowed. Allow Corvane to use it in the privacy settings of your "
-                              "desktop.");
+        return u"The microphone is not allowed. Allow Corvane to use it in the privacy settings of your "
+               "desktop."_s;
     case Kind::EmptyTranscript:
-        return QStringLiteral("No speech was detected in that audio.");
+        return u"No speech was detected in that audio."_s;
     case Kind::Cancelled:
         break;
     }
-    return QStringLiteral("The transcription was cancelled.");
+    return u"The transcription was cancelled."_s;
 }
 
 QString segmentsPath(const QString& audioPath)
 {
-    return audioPath + QStringLiteral(".segments.json");
+    return audioPath + u".segments.json"_s;
 }
 
 bool writeSegments(const QString& audioPath, const SpeechTranscriptResult& result)
 {
     QJsonArray segments;
     for (const SpeechSegment& segment : result.segments) {
-        segments.append(QJsonObject { { QStringLiteral("startMs"), segment.startMs },
-            { QStringLiteral("endMs"), segment.endMs }, { QStringLiteral("text"), segment.text } });
+        segments.append(QJsonObject {
+            { u"startMs"_s, segment.startMs }, { u"endMs"_s, segment.endMs }, { u"text"_s, segment.text } });
     }
-    const QJsonObject whole { { QStringLiteral("model"), encoded(result.model) },
-        { QStringLiteral("segments"), segments } };
+    const QJsonObject whole { { u"model"_s, encoded(result.model) }, { u"segments"_s, segments } };
     return writePrivateFile(segmentsPath(audioPath), QJsonDocument(whole).toJson(QJsonDocument::Compact));
 }
 
@@ -63,11 +63,11 @@ QList<SpeechSegment> readSegments(const QString& audioPath)
         return {};
     QList<SpeechSegment> segments;
     const QJsonObject whole = QJsonDocument::fromJson(file.readAll()).object();
-    const QJsonArray stored = whole[QStringLiteral("segments")].toArray();
+    const QJsonArray stored = whole[u"segments"_s].toArray();
     for (const QJsonValue& value : stored) {
         const QJsonObject segment = value.toObject();
-        segments.append({ segment[QStringLiteral("startMs")].toInteger(), segment[QStringLiteral("endMs")].toInteger(),
-            segment[QStringLiteral("text")].toString() });
+        segments.append(
+            { segment[u"startMs"_s].toInteger(), segment[u"endMs"_s].toInteger(), segment[u"text"_s].toString() });
     }
     return segments;
 }

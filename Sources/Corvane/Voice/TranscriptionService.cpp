@@ -1,6 +1,7 @@
 #include "Voice/TranscriptionService.h"
 
 #include "Foundation/Arrival.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Voice/ModelFile.h"
@@ -18,7 +19,7 @@ using Kind = SpeechTranscriberError::Kind;
 using Piece = std::expected<SoundPiece, DecodeFailure>;
 
 constexpr int pieceFrames = speechFormat.rate * 10;
-const QString english = QStringLiteral("en");
+const QString english = u"en"_s;
 
 std::unexpected<SpeechTranscriberError> unavailable(const QString& words)
 {
@@ -96,7 +97,7 @@ std::expected<TranscriptionService::Route, SpeechTranscriberError> Transcription
     if (!model)
         return std::unexpected(SpeechTranscriberError { .kind = Kind::MissingModel, .model = request.model });
     if (!m_models.isAvailable())
-        return unavailable(QStringLiteral("Transcription unavailable on %1.").arg(machineWords::thisMachine));
+        return unavailable(u"Transcription unavailable on %1."_s.arg(machineWords::thisMachine));
     QString language = modelLanguage(request.locale);
     const bool knowsEnglishAlone = speaksEnglishAlone(model->localPath);
     if (language == anyLanguage && knowsEnglishAlone)
@@ -104,7 +105,7 @@ std::expected<TranscriptionService::Route, SpeechTranscriberError> Transcription
     const bool speaks
         = language == english || language == anyLanguage || (!knowsEnglishAlone && modelLanguages().contains(language));
     if (!speaks)
-        return unavailable(QStringLiteral("Transcription unavailable for the current speech language."));
+        return unavailable(u"Transcription unavailable for the current speech language."_s);
     return Route { m_models, model->spec, model->localPath, language };
 }
 
@@ -115,14 +116,14 @@ std::expected<TranscriptionService::Route, SpeechTranscriberError> Transcription
     if (language != english && language != anyLanguage)
         return std::unexpected(SpeechTranscriberError { .kind = Kind::MissingModel, .model = request.model });
     if (!m_basic.isAvailable())
-        return unavailable(QStringLiteral("Transcription unavailable on %1.").arg(machineWords::thisMachine));
+        return unavailable(u"Transcription unavailable on %1."_s.arg(machineWords::thisMachine));
     return Route { m_basic, basicRecogniserSpec(), {}, english };
 }
 
 QCoro::Task<TranscriptionOutcome> TranscriptionService::transcribe(TranscriptionRequest request)
 {
     if (!QFileInfo::exists(request.audioPath))
-        co_return unavailable(QStringLiteral("Transcription unavailable: audio file is missing."));
+        co_return unavailable(u"Transcription unavailable: audio file is missing."_s);
     std::optional<SpeechTranscriberError> first;
     if (request.model->repository != basicRecogniserSpec().repository) {
         const auto route = modelRoute(request);

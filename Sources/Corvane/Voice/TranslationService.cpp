@@ -1,6 +1,7 @@
 #include "Voice/TranslationService.h"
 
 #include "Foundation/Arrival.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Platform/MachineFacts.h"
 
@@ -54,12 +55,12 @@ Error TranslationServiceError::unavailable(const QString& words)
 
 Error TranslationServiceError::unsupportedTarget(const QString& language)
 {
-    return { atStart(machineWords::localTranslation) + QStringLiteral(" does not support %1.").arg(language) };
+    return { atStart(machineWords::localTranslation) + u" does not support %1."_s.arg(language) };
 }
 
 Error TranslationServiceError::missingHost()
 {
-    return { atStart(machineWords::localTranslation) + QStringLiteral(" is not set up.") };
+    return { atStart(machineWords::localTranslation) + u" is not set up."_s };
 }
 
 TranslationService::TranslationService(const MachineFacts& machine, QObject* parent)
@@ -89,7 +90,7 @@ std::optional<QString> TranslationService::language(const QString& name)
             || (each.otherName && wanted == QString::fromUtf8(each.otherName)))
             return QString::fromUtf8(each.code);
     }
-    const QString code = wanted.section(QRegularExpression(QStringLiteral("[-_]")), 0, 0);
+    const QString code = wanted.section(QRegularExpression(u"[-_]"_s), 0, 0);
     if (QLocale::codeToLanguage(code) == QLocale::AnyLanguage)
         return std::nullopt;
     return wanted;
@@ -100,7 +101,7 @@ QCoro::Task<Result<TranslationServiceOutput>> TranslationService::translate(
 {
     if (m_machine.version() < m_machine.minimumVersion())
         co_return std::unexpected(TranslationServiceError::unavailable(
-            atStart(machineWords::localTranslation) + QStringLiteral(" needs a newer system.")));
+            atStart(machineWords::localTranslation) + u" needs a newer system."_s));
     const auto target = language(targetLanguage);
     if (!target)
         co_return std::unexpected(TranslationServiceError::unsupportedTarget(targetLanguage));
@@ -115,7 +116,7 @@ QCoro::Task<Result<TranslationServiceOutput>> TranslationService::translate(
     const auto watch = cancel.onCancel([this, request] { end(request.id, cancelled()); });
     m_activeRequest = request;
     Q_EMIT activeRequestChanged();
-    updateStatus(request, QStringLiteral("Preparing translation for %1...").arg(targetLanguage));
+    updateStatus(request, u"Preparing translation for %1..."_s.arg(targetLanguage));
     co_return co_await outcome;
 }
 

@@ -1,6 +1,7 @@
 #include "Web/Bootstrap.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QJsonArray>
@@ -120,7 +121,7 @@ std::optional<BootstrapData> decodeBootstrap(const QByteArray& json)
     const auto document = jsonObject(json);
     if (!document)
         return std::nullopt;
-    auto wrapped = decode((*document)[QLatin1StringView("data")]);
+    auto wrapped = decode((*document)["data"_L1]);
     return wrapped ? wrapped : decode(*document);
 }
 
@@ -151,11 +152,11 @@ BootstrapLists flattened(const BootstrapData& data)
 std::expected<BootstrapLists, WebSyncError> readBootstrap(int status, const QByteArray& body, const QString& path)
 {
     if (status < 200 || status > 299)
-        return std::unexpected(WebSyncError {
-            QStringLiteral("HTTP %1 on %2 — ").arg(QString::number(status), path) + excerpt(body), status == 401 });
+        return std::unexpected(
+            WebSyncError { u"HTTP %1 on %2 — "_s.arg(QString::number(status), path) + excerpt(body), status == 401 });
     const auto data = decodeBootstrap(body);
     if (!data)
-        return std::unexpected(WebSyncError { QStringLiteral("Unexpected response shape: ") + excerpt(body) });
+        return std::unexpected(WebSyncError { u"Unexpected response shape: "_s + excerpt(body) });
     return flattened(*data);
 }
 

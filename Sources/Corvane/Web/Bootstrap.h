@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Result.h"
 #include "Store/Core/Workspaces.h"
 
@@ -16,7 +17,7 @@ struct WebIntegration {
     std::optional<QString> avatarUrl;
     std::optional<QString> workspaceId;
 
-    bool isConnected() const { return status == QLatin1StringView("CONNECTED"); }
+    bool isConnected() const { return status == "CONNECTED"_L1; }
     bool operator==(const WebIntegration&) const = default;
 };
 

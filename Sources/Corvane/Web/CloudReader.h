@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/SqlConnection.h"
 #include "Web/Away.h"
 
@@ -23,7 +24,7 @@ public:
         m_connection->forgetFailure();
         Value value = query(*m_connection);
         if (const int code = m_connection->failure(); code != 0)
-            return failure(QStringLiteral("The messages could not be read (SQLite says %1).").arg(code));
+            return failure(u"The messages could not be read (SQLite says %1)."_s.arg(code));
         return value;
     }
 

@@ -1,6 +1,7 @@
 #include "Web/CompanionCalls.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <QJsonObject>
 #include <QUrlQuery>
@@ -17,9 +18,9 @@ std::optional<QString> nonEmptyText(const QJsonObject& object, QLatin1StringView
 
 std::optional<DeviceCredentials> decodeCredentials(const QByteArray& body)
 {
-    const QJsonObject data = jsonObject(body).value_or(QJsonObject())[QLatin1StringView("data")].toObject();
-    const auto token = nonEmptyText(data, QLatin1StringView("token"));
-    const auto deviceId = nonEmptyText(data, QLatin1StringView("deviceId"));
+    const QJsonObject data = jsonObject(body).value_or(QJsonObject())["data"_L1].toObject();
+    const auto token = nonEmptyText(data, "token"_L1);
+    const auto deviceId = nonEmptyText(data, "deviceId"_L1);
     if (!token || !deviceId)
         return std::nullopt;
     return DeviceCredentials { *token, *deviceId };
@@ -29,28 +30,28 @@ std::optional<DeviceCredentials> decodeCredentials(const QByteArray& body)
 
 QCoro::Task<Result<QString>> login(WebClient* client, QString base, QString email, QString password)
 {
-    const QUrl url = webUrl(base, QStringLiteral("/api/auth/login"));
+    const QUrl url = webUrl(base, u"/api/auth/login"_s);
     if (!url.isValid())
-        co_return failure(badUrlWords(base, QStringLiteral("API")));
-    const Result<HttpReply> reply = co_await client->post(
-        url, compactJson({ { QStringLiteral("email"), email }, { QStringLiteral("password"), password } }));
+        co_return failure(badUrlWords(base, u"API"_s));
+    const Result<HttpReply> reply
+        = co_await client->post(url, compactJson({ { u"email"_s, email }, { u"password"_s, password } }));
     if (!reply)
         co_return failure(reply.error().message);
     if (reply->status == 0)
-        co_return failure(QStringLiteral("No response from ") + base);
+        co_return failure(u"No response from "_s + base);
     if (reply->status == 401 || reply->status == 403)
-        co_return failure(QStringLiteral("Wrong email or password."));
+        co_return failure(u"Wrong email or password."_s);
 
     const QJsonObject answer = jsonObject(reply->body).value_or(QJsonObject());
-    if (answer[QLatin1StringView("requires2fa")].toBool() || answer[QLatin1StringView("requiresTwoFactor")].toBool())
-        co_return failure(QStringLiteral("This account uses two-factor — use “Sign in with browser” below."));
-    const QJsonValue data = answer[QLatin1StringView("data")];
+    if (answer["requires2fa"_L1].toBool() || answer["requiresTwoFactor"_L1].toBool())
+        co_return failure(u"This account uses two-factor — use “Sign in with browser” below."_s);
+    const QJsonValue data = answer["data"_L1];
     const QJsonObject payload = data.isObject() ? data.toObject() : answer;
-    auto accessToken = nonEmptyText(payload, QLatin1StringView("accessToken"));
+    auto accessToken = nonEmptyText(payload, "accessToken"_L1);
     if (!accessToken)
-        accessToken = nonEmptyText(payload, QLatin1StringView("access_token"));
+        accessToken = nonEmptyText(payload, "access_token"_L1);
     if (!reply->isSuccess() || !accessToken)
-        co_return failure(QStringLiteral("Unexpected login response (HTTP %1)").arg(reply->status));
+        co_return failure(u"Unexpected login response (HTTP %1)"_s.arg(reply->status));
     co_return *accessToken;
 }
 
@@ -58,30 +59,30 @@ QCoro::Task<Result<QString>> handshake(WebClient* client, QString base, QString 
 {
     const QUrl url = companionLoginUrl(base, deviceName);
     if (!url.isValid())
-        co_return failure(badUrlWords(base, QStringLiteral("companion")));
+        co_return failure(badUrlWords(base, u"companion"_s));
     const Result<HttpReply> reply = co_await client->getWithoutRedirect(url, accessToken);
     if (!reply)
         co_return failure(reply.error().message);
     const QString code = oneTimeCode(QUrl(reply->location));
     if ((reply->status != 301 && reply->status != 302) || code.isEmpty())
-        co_return failure(QStringLiteral("Companion handshake failed (HTTP %1)").arg(reply->status));
+        co_return failure(u"Companion handshake failed (HTTP %1)"_s.arg(reply->status));
     co_return code;
 }
 
 QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base, QString code, QString deviceName)
 {
-    const QUrl url = webUrl(base, QStringLiteral("/api/auth/companion-exchange"));
+    const QUrl url = webUrl(base, u"/api/auth/companion-exchange"_s);
     if (!url.isValid())
-        co_return failure(badUrlWords(base, QStringLiteral("companion")));
-    const Result<HttpReply> reply = co_await client->post(
-        url, compactJson({ { QStringLiteral("code"), code }, { QStringLiteral("deviceName"), deviceName } }));
+        co_return failure(badUrlWords(base, u"companion"_s));
+    const Result<HttpReply> reply
+        = co_await client->post(url, compactJson({ { u"code"_s, code }, { u"deviceName"_s, deviceName } }));
     if (!reply)
         co_return failure(reply.error().message);
     if (!reply->isSuccess())
-        co_return failure(QStringLiteral("Sign-in failed (HTTP %1)").arg(reply->status));
+        co_return failure(u"Sign-in failed (HTTP %1)"_s.arg(reply->status));
     const auto credentials = decodeCredentials(reply->body);
     if (!credentials)
-        co_return failure(QStringLiteral("The data couldn’t be read because it isn’t in the correct format."));
+        co_return failure(u"The data couldn’t be read because it isn’t in the correct format."_s);
     co_return *credentials;
 }
 
@@ -92,9 +93,9 @@ QUrl companionLoginUrl(const QString& base, const QString& deviceName)
         return QString::fromLatin1(QUrl::toPercentEncoding(text));
     };
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("callback"), encoded(QStringLiteral("nimb-companion://auth")));
-    query.addQueryItem(QStringLiteral("deviceName"), encoded(deviceName));
-    QUrl url = webUrl(base, QStringLiteral("/api/auth/companion-login"));
+    query.addQueryItem(u"callback"_s, encoded(u"nimb-companion://auth"_s));
+    query.addQueryItem(u"deviceName"_s, encoded(deviceName));
+    QUrl url = webUrl(base, u"/api/auth/companion-login"_s);
     if (url.isValid())
         url.setQuery(query);
     return url;
@@ -102,14 +103,14 @@ QUrl companionLoginUrl(const QString& base, const QString& deviceName)
 
 QString badUrlWords(const QString& base, const QString& kind)
 {
-    return QUrl(base).scheme() == QLatin1StringView("http")
-        ? QStringLiteral("The web address is not encrypted. Sign-in needs one that begins with https.")
-        : QStringLiteral("Bad %1 URL").arg(kind);
+    return QUrl(base).scheme() == "http"_L1
+        ? u"The web address is not encrypted. Sign-in needs one that begins with https."_s
+        : u"Bad %1 URL"_s.arg(kind);
 }
 
 QString oneTimeCode(const QUrl& url)
 {
-    return QUrlQuery(url).queryItemValue(QStringLiteral("code"), QUrl::FullyDecoded);
+    return QUrlQuery(url).queryItemValue(u"code"_s, QUrl::FullyDecoded);
 }
 
 }

@@ -1,13 +1,12 @@
 #include "Web/DryRun.h"
 
+#include "Foundation/Literals.h"
 #include "Web/IngestBodies.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QSaveFile>
 #include <QSet>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,12 +1,11 @@
 #include "Web/IngestBodies.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <QDateTime>
 #include <QJsonArray>
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

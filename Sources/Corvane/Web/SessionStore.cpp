@@ -1,6 +1,7 @@
 #include "Web/SessionStore.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/Text.h"
@@ -18,9 +19,9 @@ namespace corvane {
 
 namespace {
 
-const QString tokenAccount = QStringLiteral("companion.jwt");
+const QString tokenAccount = u"companion.jwt"_s;
 constexpr qint64 linkMs = 10 * 60 * 1000; // in which the browser comes back
-const QString deviceAccount = QStringLiteral("companion.deviceId");
+const QString deviceAccount = u"companion.deviceId"_s;
 
 }
 
@@ -120,17 +121,17 @@ QString SessionStore::knownAs() const
 QString SessionStore::displayLine() const
 {
     if (isAwaited())
-        return QStringLiteral("Waiting for the desktop's keyring");
+        return u"Waiting for the desktop's keyring"_s;
     if (!m_token)
-        return QStringLiteral("Not signed in");
-    const QString who = knownAs().isEmpty() ? QStringLiteral("Signed in") : knownAs();
+        return u"Not signed in"_s;
+    const QString who = knownAs().isEmpty() ? u"Signed in"_s : knownAs();
     const QString workspace = m_claims.workspaceId.value_or(QString());
-    return workspace.isEmpty() ? who : who + QStringLiteral(" · workspace ") + firstCharacters(workspace, 8);
+    return workspace.isEmpty() ? who : who + u" · workspace "_s + firstCharacters(workspace, 8);
 }
 
 QString SessionStore::initial() const
 {
-    return knownAs().isEmpty() ? QStringLiteral("?") : firstCharacters(knownAs(), 1);
+    return knownAs().isEmpty() ? u"?"_s : firstCharacters(knownAs(), 1);
 }
 
 void SessionStore::signIn(const QString& email, const QString& password)
@@ -141,8 +142,7 @@ void SessionStore::signIn(const QString& email, const QString& password)
 void SessionStore::startSignIn()
 {
     const QUrl url = companionLoginUrl(webBase(m_defaults), deviceName());
-    m_lastError
-        = url.isValid() ? std::nullopt : std::optional(badUrlWords(webBase(m_defaults), QStringLiteral("companion")));
+    m_lastError = url.isValid() ? std::nullopt : std::optional(badUrlWords(webBase(m_defaults), u"companion"_s));
     if (url.isValid()) {
         m_browserOpenedMs = m_scheduler.nowMs();
         m_desktop.openInBrowser(url);
@@ -153,8 +153,7 @@ void SessionStore::startSignIn()
 void SessionStore::handleCallback(const QUrl& url)
 {
     const QString code = oneTimeCode(url);
-    if (url.scheme() != QLatin1StringView("nimb-companion") || url.host() != QLatin1StringView("auth")
-        || code.isEmpty())
+    if (url.scheme() != "nimb-companion"_L1 || url.host() != "auth"_L1 || code.isEmpty())
         return;
     const bool wanted = m_browserOpenedMs && m_scheduler.nowMs() - *m_browserOpenedMs <= linkMs;
     if (wanted && !m_busy) {
@@ -162,7 +161,7 @@ void SessionStore::handleCallback(const QUrl& url)
         Flow::finish({ this, beginAttempt() }, code);
         return;
     }
-    log(QStringLiteral("SessionStore: a sign-in link that was not asked for waits for the user"));
+    log(u"SessionStore: a sign-in link that was not asked for waits for the user"_s);
     m_offeredCode = code;
     Q_EMIT changed();
 }
@@ -253,21 +252,21 @@ void SessionStore::decodeClaims(const QString& token)
         const auto value = textValue(*claims, key);
         return value ? value : textValue(*claims, otherKey);
     };
-    m_claims.email = textValue(*claims, QLatin1StringView("email"));
-    m_claims.userName = textValue(*claims, QLatin1StringView("name"));
-    m_claims.workspaceId = either(QLatin1StringView("workspaceId"), QLatin1StringView("workspace_id"));
-    m_claims.organizationId = either(QLatin1StringView("organizationId"), QLatin1StringView("organization_id"));
+    m_claims.email = textValue(*claims, "email"_L1);
+    m_claims.userName = textValue(*claims, "name"_L1);
+    m_claims.workspaceId = either("workspaceId"_L1, "workspace_id"_L1);
+    m_claims.organizationId = either("organizationId"_L1, "organization_id"_L1);
 }
 
 void SessionStore::writeTokenFile(const QString& token)
 {
     if (!writePrivateFile(tokenFilePath(), token.toUtf8()))
-        log(QStringLiteral("SessionStore: %1 could not be written").arg(tokenFilePath()));
+        log(u"SessionStore: %1 could not be written"_s.arg(tokenFilePath()));
 }
 
 QString SessionStore::tokenFilePath() const
 {
-    return m_paths.applicationSupport + QStringLiteral("/companion.jwt");
+    return m_paths.applicationSupport + u"/companion.jwt"_s;
 }
 
 QString SessionStore::deviceName() const

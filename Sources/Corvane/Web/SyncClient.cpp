@@ -1,6 +1,7 @@
 #include "Web/SyncClient.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Core/Transaction.h"
@@ -10,8 +11,6 @@
 #include "Web/SessionStore.h"
 #include "Web/SyncRun.h"
 #include "Web/WebClient.h"
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

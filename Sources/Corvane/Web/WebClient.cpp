@@ -1,5 +1,6 @@
 #include "Web/WebClient.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Foundation/UserDefaults.h"
 
@@ -26,7 +27,7 @@ QNetworkRequest request(const QUrl& url, const QString& bearerToken,
 
 bool isLoopback(const QString& host)
 {
-    return host == QLatin1StringView("localhost") || QHostAddress(host).isLoopback();
+    return host == "localhost"_L1 || QHostAddress(host).isLoopback();
 }
 
 }
@@ -44,7 +45,7 @@ WebClient::~WebClient()
 QCoro::Task<Result<HttpReply>> WebClient::post(QUrl url, QByteArray body, QString bearerToken, CancelHandle cancel)
 {
     QNetworkRequest sent = request(url, bearerToken);
-    sent.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    sent.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
     return awaitReply(m_network.post(sent, body), &m_scheduler, limits, cancel);
 }
 
@@ -72,7 +73,7 @@ void WebClient::abortAll()
 
 QString webBase(const UserDefaults& defaults)
 {
-    return defaults.text(QStringLiteral("nimb.apiBaseUrl")).value_or(QStringLiteral(CORVANE_API_BASE_URL));
+    return defaults.text(u"nimb.apiBaseUrl"_s).value_or(QStringLiteral(CORVANE_API_BASE_URL));
 }
 
 QUrl webUrl(const QString& base, const QString& path)
@@ -81,8 +82,7 @@ QUrl webUrl(const QString& base, const QString& path)
     while (stem.endsWith(u'/'))
         stem.chop(1);
     const QUrl url(stem + path, QUrl::StrictMode);
-    const bool safe = url.scheme() == QLatin1StringView("https")
-        || (url.scheme() == QLatin1StringView("http") && isLoopback(url.host()));
+    const bool safe = url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isLoopback(url.host()));
     return safe && !url.host().isEmpty() ? url : QUrl();
 }
 

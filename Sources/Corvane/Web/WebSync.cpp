@@ -1,5 +1,6 @@
 #include "Web/WebSync.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Web/Away.h"
 #include "Web/SessionStore.h"
@@ -19,11 +20,10 @@ struct WebSync::Flow {
     {
         WebSync* const self = flow.owner;
         const UserDefaults& defaults = self->m_db.defaults();
-        const QString path = defaults.text(QStringLiteral("nimb.bootstrapPath"))
-                                 .value_or(QStringLiteral("/api/auth/companion/bootstrap"));
+        const QString path = defaults.text(u"nimb.bootstrapPath"_s).value_or(u"/api/auth/companion/bootstrap"_s);
         const QUrl url = webUrl(webBase(defaults), path);
         if (!url.isValid())
-            co_return self->fail({ QStringLiteral("Bad URL ") + path });
+            co_return self->fail({ u"Bad URL "_s + path });
         const Result<HttpReply> reply = co_await self->m_client->get(url, token, flow.cancel);
         if (flow.cancel.isCancelled())
             co_return;
@@ -46,7 +46,7 @@ WebSync::WebSync(SessionStore& session, LocalDB& db, Scheduler& scheduler, QObje
     , m_db(db)
     , m_scheduler(scheduler)
     , m_client(std::make_unique<WebClient>(scheduler))
-    , m_selectedWorkspaceId(db.defaults().text(QStringLiteral("nimb.activeWorkspaceId")).value_or(QString()))
+    , m_selectedWorkspaceId(db.defaults().text(u"nimb.activeWorkspaceId"_s).value_or(QString()))
     , m_token(session.token())
     , m_workspaceChanged(db.notifications().observe(notifications::activeWorkspaceChanged, [this](const Notification&) {
         m_selectedWorkspaceId = activeWorkspaceId(m_db, Repair::No);
@@ -97,7 +97,7 @@ void WebSync::refresh()
 {
     stop();
     if (!m_session.signedIn()) {
-        m_lastError = QStringLiteral("Sign in first");
+        m_lastError = u"Sign in first"_s;
         Q_EMIT changed();
         return;
     }

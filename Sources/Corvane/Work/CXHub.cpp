@@ -1,5 +1,6 @@
 #include "Work/CXHub.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/CountWords.h"
@@ -10,8 +11,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/Work/LensQueries.h"
 #include "Work/WorkModuleShell.h"
@@ -81,11 +82,8 @@ public:
     GadgetListModel* thread() { return &m_thread; }
     GadgetListModel* items() { return &m_items; }
     QString itemsText() const;
-    QString emptyTitle() const { return QStringLiteral("Nobody waits"); }
-    QString emptyText() const
-    {
-        return QStringLiteral("Who writes last and is not answered stands here, longest first.");
-    }
+    QString emptyTitle() const { return u"Nobody waits"_s; }
+    QString emptyText() const { return u"Who writes last and is not answered stands here, longest first."_s; }
 
     Q_INVOKABLE void select(const QString& contactId);
     Q_INVOKABLE void step(int by);

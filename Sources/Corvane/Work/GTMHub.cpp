@@ -1,5 +1,6 @@
 #include "Work/GTMHub.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/DateWords.h"
 #include "Store/People/CrmRecords.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "Work/OpsAsks.h"
 
 #include "AI/LumoAI.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkRows.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Cancellation.h"
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Work/OpsRecords.h"
 #include "Work/WorkServices.h"
@@ -74,7 +75,7 @@ public:
     void setAnswerText(const QString& text);
     const QString& error() const { return m_error; }
     bool busy() const { return m_running.has_value(); }
-    QString emptyTitle() const { return QStringLiteral("No question waits"); }
+    QString emptyTitle() const { return u"No question waits"_s; }
     QString emptyText() const;
 
     Q_INVOKABLE void beginAnswer(const QString& id);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Work/OpsProjects.h"
 #include "Work/WorkModuleShell.h"
 
@@ -25,10 +26,10 @@ public:
     const QList<WorkItemSeed>& rows() const { return m_items.rows(); }
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
-    QString searchText() const { return QStringLiteral("Search finance work"); }
+    QString searchText() const { return u"Search finance work"_s; }
     const QList<WorkMetricSeed>& metrics() const { return m_metrics; }
-    QString gateLabel() const { return QStringLiteral("Approval"); }
-    QString gateHint() const { return QStringLiteral("Create a work_decision proposal for a finance action"); }
+    QString gateLabel() const { return u"Approval"_s; }
+    QString gateHint() const { return u"Create a work_decision proposal for a finance action"_s; }
     const QString& notice() const { return m_notice; }
     QString emptyText() const;
 

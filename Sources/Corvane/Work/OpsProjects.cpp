@@ -1,5 +1,6 @@
 #include "Work/OpsProjects.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
@@ -8,8 +9,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Work/OpsAsks.h"
 
 namespace corvane {
@@ -107,8 +108,8 @@ public:
     void setOrderTab(const QString& tab);
     QString orderTabName() const;
     const QString& error() const { return m_error; }
-    QString emptyTitle() const { return QStringLiteral("No projects yet"); }
-    QString emptyText() const { return QStringLiteral("Projects appear when an agent reports one."); }
+    QString emptyTitle() const { return u"No projects yet"_s; }
+    QString emptyText() const { return u"Projects appear when an agent reports one."_s; }
 
     Q_INVOKABLE void select(const QString& id);
     Q_INVOKABLE bool order(const QString& text); ///< false where it was not saved: the text stays

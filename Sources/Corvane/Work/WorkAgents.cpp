@@ -1,5 +1,6 @@
 #include "Work/WorkAgents.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
@@ -12,8 +13,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "Work/WorkBoard.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkWrites.h"
@@ -7,8 +8,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,10 +1,9 @@
 #include "Work/WorkConsoleConfig.h"
 
+#include "Foundation/Literals.h"
 #include "Work/WorkWords.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,12 +1,11 @@
 #include "Work/WorkCreate.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkRows.h"
 #include "Work/WorkWords.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 #include "Work/WorkCreateFlows.h"
 
@@ -53,10 +54,7 @@ public:
     void setToLumo(bool toLumo);
     QString riskText() const;
     const QString& error() const { return m_error; }
-    QStringList priorities() const
-    {
-        return { QStringLiteral("high"), QStringLiteral("normal"), QStringLiteral("low") };
-    }
+    QStringList priorities() const { return { u"high"_s, u"normal"_s, u"low"_s }; }
 
     Q_INVOKABLE void begin(const QString& flow);
     Q_INVOKABLE void beginQuickAction(const QString& title, const QString& subtitle);
@@ -76,7 +74,7 @@ private:
 
     LocalDB& m_db;
     WorkPlace m_place;
-    QString m_contextNoun = QStringLiteral("context");
+    QString m_contextNoun = u"context"_s;
     WorkDraft m_draft;
     bool m_open = false;
     QString m_error;

@@ -1,13 +1,12 @@
 #include "Work/WorkCreateFlows.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Store/Approvals/WorkDecisions.h"
 #include "Store/Work/WorkWrites.h"
 #include "Work/WorkWords.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -130,7 +129,7 @@ Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const W
             .kind = kindOf(draft),
             .title = title,
             .source = place.source,
-            .uri = QLatin1String(""),
+            .uri = QLatin1StringView(""),
             .summary = draft.summary.trimmed() });
     if (!saved)
         return failure(u"Could not save work_evidence note."_s);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Result.h"
 #include "Store/Work/OpsRecords.h"
 #include "Work/WorkConsoleConfig.h"
@@ -17,10 +18,10 @@ struct WorkDraft {
     QString title = {};
     QString summary = {};
     QString kind = {}; ///< blank: the flow's own
-    QString priority = QStringLiteral("normal");
-    QString owner = QStringLiteral("Oskel");
-    QString askTarget = QStringLiteral("LumoAI");
-    QString askUrgency = QStringLiteral("normal");
+    QString priority = u"normal"_s;
+    QString owner = u"Oskel"_s;
+    QString askTarget = u"LumoAI"_s;
+    QString askUrgency = u"normal"_s;
 
     bool operator==(const WorkDraft&) const = default;
 };
@@ -35,7 +36,7 @@ struct WorkPlace {
     QString module;
     WorkContext context = {};
     QString slug = {}; ///< of the project of an ask where there is no context
-    QString source = QStringLiteral("corvane-ui");
+    QString source = u"corvane-ui"_s;
 
     WorkContextId contextId() const { return context ? WorkContextId(context->id) : WorkContextId(); }
 };
@@ -49,8 +50,7 @@ Result<OpsAskRow> saveAsk(LocalDB& db, const WorkPlace& place, const WorkDraft& 
 bool asksLumo(const WorkDraft& draft);
 
 /// A line of the program's own in the thread of a context.
-bool postStatus(
-    LocalDB& db, const WorkPlace& place, const QString& body, const QString& kind = QStringLiteral("status"));
+bool postStatus(LocalDB& db, const WorkPlace& place, const QString& body, const QString& kind = u"status"_s);
 
 // Each says what was done in the thread of the context. False, and nothing said, where the row was not written.
 bool setWorkDecisionStatus(LocalDB& db, const WorkPlace& place, const WorkDecisionRecord& seen, const QString& status);

@@ -1,12 +1,11 @@
 #include "Work/WorkDecisions.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkRows.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 #include "Work/WorkConsoleConfig.h"
 #include "Work/WorkCreateFlows.h"
@@ -83,7 +84,7 @@ public:
     const QList<WorkDecisionSeed>& decisionRows() const { return m_decisions.rows(); }
     const QList<WorkMemorySeed>& memoryRows() const { return m_memory.rows(); }
     const QString& error() const { return m_error; }
-    QString emptyTitle() const { return QStringLiteral("No decisions yet"); }
+    QString emptyTitle() const { return u"No decisions yet"_s; }
     QString emptyText() const;
 
     Q_INVOKABLE void decide(const QString& id, bool approve);

@@ -1,5 +1,6 @@
 #include "Work/WorkExport.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/BodyText.h"
 #include "Work/WorkRows.h"
 
@@ -8,8 +9,6 @@
 #include <QStandardPaths>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,13 +1,12 @@
 #include "Work/WorkItemSheet.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkWrites.h"
 #include "Work/WorkCreateFlows.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

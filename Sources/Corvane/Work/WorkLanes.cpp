@@ -1,10 +1,9 @@
 #include "Work/WorkLanes.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Work/WorkBoardQueries.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 int WorkLanes::laneOf(const QString& status) const
 {

@@ -1,5 +1,6 @@
 #include "Work/WorkModuleShell.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkExport.h"
@@ -8,8 +9,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

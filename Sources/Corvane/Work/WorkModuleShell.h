@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Work/WorkAgents.h"
 #include "Work/WorkBoard.h"
 #include "Work/WorkCreate.h"
@@ -83,7 +84,7 @@ public:
     void setQuery(const QString& query);
     QString contextsTitle() const { return m_config.contextTitle; }
     QString contextsEmpty() const;
-    QString createLabel() const { return QStringLiteral("New ") + m_config.contextNoun; }
+    QString createLabel() const { return u"New "_s + m_config.contextNoun; }
     const QList<TabItem>& places() const { return m_places; }
     const QString& place() const { return m_place; }
     void setPlace(const QString& place);

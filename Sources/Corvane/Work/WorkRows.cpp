@@ -1,5 +1,6 @@
 #include "Work/WorkRows.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/CountWords.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

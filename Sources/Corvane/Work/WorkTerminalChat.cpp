@@ -1,6 +1,7 @@
 #include "Work/WorkTerminalChat.h"
 
 #include "AI/LumoAI.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkWrites.h"
@@ -9,8 +10,6 @@
 #include <QPointer>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Cancellation.h"
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Work/OpsRecords.h"
@@ -72,8 +73,8 @@ public:
     QString emptyTitle() const;
     QString emptyText() const;
     QString earlierText() const;
-    QString placeholder() const { return QStringLiteral("Ask about this terminal/context..."); }
-    QString actionLabel() const { return busy() ? QStringLiteral("Asking") : QStringLiteral("Ask"); }
+    QString placeholder() const { return u"Ask about this terminal/context..."_s; }
+    QString actionLabel() const { return busy() ? u"Asking"_s : u"Ask"_s; }
     QString hint() const;
 
     /// True where the question was taken: it stands in the thread then.

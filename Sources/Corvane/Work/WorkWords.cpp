@@ -1,12 +1,12 @@
 #include "Work/WorkWords.h"
 
+#include "Foundation/Literals.h"
+
 #include <QStringList>
 #include <algorithm>
 #include <vector>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -92,7 +92,7 @@ QString inferredKind(const QString& title)
             { "screen"_L1, { "screen"_L1, "candidate"_L1 } }, { "finance"_L1, { "invoice"_L1, "finance"_L1 } },
             { "reply"_L1, { "reply"_L1 } }, { "research"_L1, { "research"_L1 } } },
         title)
-        .value_or(QStringLiteral("task"));
+        .value_or(u"task"_s);
 }
 
 QString normalizedLocalSlug(const QString& text, qint64 nowMs)
@@ -106,7 +106,7 @@ QString normalizedLocalSlug(const QString& text, qint64 nowMs)
     }
     if (slug.endsWith(u'-'))
         slug.chop(1);
-    return slug.isEmpty() ? QStringLiteral("context-%1").arg(nowMs / 1000) : slug;
+    return slug.isEmpty() ? u"context-%1"_s.arg(nowMs / 1000) : slug;
 }
 
 }

@@ -1,6 +1,7 @@
 #include "Inbox/Assistant/AskLumo.h"
 
 #include "AI/AIServices.h"
+#include "Foundation/Literals.h"
 #include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/List/ContactItem.h"
 
@@ -10,7 +11,7 @@ namespace {
 
 QString noBackend()
 {
-    return QStringLiteral("no AI backend");
+    return u"no AI backend"_s;
 }
 
 }
@@ -25,22 +26,22 @@ AskLumo::AskLumo(LocalDB& db, AIServices& ai, QObject* parent)
 
 QString AskLumo::heading() const
 {
-    return QStringLiteral("Ask Lumo about ") + contactName(m_contact);
+    return u"Ask Lumo about "_s + contactName(m_contact);
 }
 
 QString AskLumo::placeholder() const
 {
-    return QStringLiteral("e.g. What did we agree on? What's the next step?");
+    return u"e.g. What did we agree on? What's the next step?"_s;
 }
 
 QString AskLumo::footer() const
 {
-    return QStringLiteral("Grounded in the local thread + notes · ") + (backend().isEmpty() ? noBackend() : backend());
+    return u"Grounded in the local thread + notes · "_s + (backend().isEmpty() ? noBackend() : backend());
 }
 
 QString AskLumo::actionLabel() const
 {
-    return backend().isEmpty() ? noBackend() : QStringLiteral("Ask");
+    return backend().isEmpty() ? noBackend() : u"Ask"_s;
 }
 
 void AskLumo::ask(const QString& question)
@@ -56,8 +57,8 @@ void AskLumo::lookForBackend()
 
 QCoro::Task<> AskLumo::run(QString question)
 {
-    const CancelHandle cancel = begin(QStringLiteral("Asking ") + (backend().isEmpty() ? noBackend() : backend()),
-        [this, question] { ask(question); });
+    const CancelHandle cancel
+        = begin(u"Asking "_s + (backend().isEmpty() ? noBackend() : backend()), [this, question] { ask(question); });
     m_question = question;
     const Result<QString> answer = co_await m_services.summaries.ask(contactName(m_contact),
         draftContext(m_db, m_contact).recentNotes, localThread(m_db, m_contact), question, cancel);

@@ -3,6 +3,7 @@
 #include "AI/AIServices.h"
 #include "AI/DraftContext.h"
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/Compose/Composer.h"
@@ -28,7 +29,7 @@ constexpr Rewrite offeredRewrites[] {
 
 QString rewriteIntent()
 {
-    return QStringLiteral("rewrite_text");
+    return u"rewrite_text"_s;
 }
 
 }
@@ -55,7 +56,7 @@ QList<Citation> DraftAssistant::citations() const
 
 QString DraftAssistant::caption() const
 {
-    return QStringLiteral("Composer draft only");
+    return u"Composer draft only"_s;
 }
 
 QList<Choice> DraftAssistant::rewrites() const
@@ -75,7 +76,7 @@ void DraftAssistant::draftReply()
 {
     if (m_contact.id.isEmpty())
         return;
-    runDraft(QStringLiteral("Drafting"), [this](CancelHandle cancel) {
+    runDraft(u"Drafting"_s, [this](CancelHandle cancel) {
         return m_drafts.draftReply(
             draftContext(m_db, m_contact), localThread(m_db, m_contact), defaultDraftStyle(), m_ai.modelSpec(), cancel);
     });
@@ -84,7 +85,7 @@ void DraftAssistant::draftReply()
 void DraftAssistant::rewrite(const QString& action)
 {
     const auto offered = std::ranges::find_if(
-        offeredRewrites, [&](const Rewrite& rewrite) { return action == QLatin1String(rewrite.key); });
+        offeredRewrites, [&](const Rewrite& rewrite) { return action == QLatin1StringView(rewrite.key); });
     if (offered == std::end(offeredRewrites) || !hasText())
         return;
     runDraft(QString::fromLatin1(offered->busy),
@@ -95,7 +96,7 @@ void DraftAssistant::translate(const QString& language)
 {
     if (!hasText())
         return;
-    runDraft(QStringLiteral("Translating"),
+    runDraft(u"Translating"_s,
         [this, language](CancelHandle cancel) { return translated(m_composer.text(), language, cancel); });
 }
 
@@ -111,9 +112,8 @@ void DraftAssistant::replace()
 
 QCoro::Task<> DraftAssistant::runDraft(QString label, Operation operation)
 {
-    const CancelHandle cancel
-        = begin(QStringLiteral("%1 with %2").arg(label, m_ai.availableName().value_or(QStringLiteral("LumoAI"))),
-            [this, label, operation] { runDraft(label, operation); });
+    const CancelHandle cancel = begin(u"%1 with %2"_s.arg(label, m_ai.availableName().value_or(u"LumoAI"_s)),
+        [this, label, operation] { runDraft(label, operation); });
     Result<LumoDraftResult> result = co_await operation(cancel);
     if (cancel.isCancelled())
         co_return;
@@ -148,14 +148,13 @@ QCoro::Task<Result<LumoDraftResult>> DraftAssistant::translated(QString text, QS
         result.responseMetadata.warnings = translation->warnings;
         co_return result;
     }
-    show(State::Loading, QStringLiteral("Falling back to LumoAI translate..."));
+    show(State::Loading, u"Falling back to LumoAI translate..."_s);
     const QString error = translation.error().message;
     const auto result = co_await rewritten(text, LumoDraftRewriteAction::Translate, language, cancel);
     if (!result)
         co_return std::unexpected(result.error());
     co_return result->addingWarnings({ atStart(machineWords::localTranslation)
-        + QStringLiteral(" was unavailable or failed mid-flight; LumoAI fallback translated this draft. Error: ")
-        + error });
+        + u" was unavailable or failed mid-flight; LumoAI fallback translated this draft. Error: "_s + error });
 }
 
 QCoro::Task<Result<LumoDraftResult>> DraftAssistant::rewritten(
@@ -178,8 +177,8 @@ bool DraftAssistant::hasText()
 
 void DraftAssistant::showMissingModel()
 {
-    show(State::MissingModel, QStringLiteral("No model and no Codex CLI"),
-        QStringLiteral("Start %1 or install Codex CLI. Current backend: none").arg(machineWords::localModel));
+    show(State::MissingModel, u"No model and no Codex CLI"_s,
+        u"Start %1 or install Codex CLI. Current backend: none"_s.arg(machineWords::localModel));
 }
 
 void DraftAssistant::take(bool inPlace)

@@ -1,6 +1,7 @@
 #include "Inbox/Assistant/ThreadSummary.h"
 
 #include "AI/AIServices.h"
+#include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/List/ContactItem.h"
@@ -20,8 +21,8 @@ struct Span {
 /// What stands in brackets and is written as a label: both of "[M3, M4]".
 QList<Span> labelsIn(const QString& text)
 {
-    static const QRegularExpression brackets(QStringLiteral("\\[[^\\[\\]\n]*\\]"));
-    static const QRegularExpression label(QStringLiteral("\\bM\\d+\\b"));
+    static const QRegularExpression brackets(u"\\[[^\\[\\]\n]*\\]"_s);
+    static const QRegularExpression label(u"\\bM\\d+\\b"_s);
     QList<Span> labels;
     for (const QRegularExpressionMatch& group : brackets.globalMatch(text)) {
         for (const QRegularExpressionMatch& match : label.globalMatch(group.captured()))
@@ -33,18 +34,17 @@ QList<Span> labelsIn(const QString& text)
 /// Line by line as HTML: the points of a list keep their place, and what a model marks as strong is strong.
 QString inLines(const QString& text)
 {
-    static const QRegularExpression point(QStringLiteral("^(\\s*)[-*•]\\s+"));
-    static const QRegularExpression strong(QStringLiteral("\\*\\*([^*]+)\\*\\*"));
+    static const QRegularExpression point(u"^(\\s*)[-*•]\\s+"_s);
+    static const QRegularExpression strong(u"\\*\\*([^*]+)\\*\\*"_s);
     QStringList lines;
     for (QString line : text.split(u'\n')) {
         const QRegularExpressionMatch match = point.match(line);
         const qsizetype indent = std::min<qsizetype>(match.capturedLength(1), 8);
-        const QString lead
-            = match.hasMatch() ? QStringLiteral("&nbsp;").repeated(indent * 2) + QStringLiteral("• ") : QString();
+        const QString lead = match.hasMatch() ? u"&nbsp;"_s.repeated(indent * 2) + u"• "_s : QString();
         line = line.mid(match.capturedLength()).trimmed().toHtmlEscaped();
-        lines.append(lead + line.replace(strong, QStringLiteral("<b>\\1</b>")));
+        lines.append(lead + line.replace(strong, u"<b>\\1</b>"_s));
     }
-    return lines.join(QStringLiteral("<br>"));
+    return lines.join(u"<br>"_s);
 }
 
 QString linked(QString html, const QHash<QString, QString>& messages)
@@ -53,8 +53,7 @@ QString linked(QString html, const QHash<QString, QString>& messages)
     for (auto span = labels.crbegin(); span != labels.crend(); ++span) {
         const QString label = html.mid(span->start, span->length);
         if (const auto id = messages.constFind(label); id != messages.cend())
-            html.replace(
-                span->start, span->length, QStringLiteral("<a href=\"%1\">%2</a>").arg(id->toHtmlEscaped(), label));
+            html.replace(span->start, span->length, u"<a href=\"%1\">%2</a>"_s.arg(id->toHtmlEscaped(), label));
     }
     return html;
 }
@@ -98,11 +97,9 @@ QCoro::Task<> ThreadSummary::run()
 {
     const QList<UnifiedMsgRow> messages = localThread(m_db, m_contact);
     const CancelHandle cancel
-        = begin(QStringLiteral("Summarizing with ") + m_ai.availableName().value_or(QStringLiteral("LumoAI")),
-            [this] { summarize(); });
+        = begin(u"Summarizing with "_s + m_ai.availableName().value_or(u"LumoAI"_s), [this] { summarize(); });
     if (citationMessages(messages).isEmpty()) {
-        show(State::Empty, QStringLiteral("No local text to summarize"),
-            QStringLiteral("This thread has no saved text messages yet."));
+        show(State::Empty, u"No local text to summarize"_s, u"This thread has no saved text messages yet."_s);
         co_return;
     }
     Result<LocalAIThreadSummary> summary = co_await m_summaries.summarize(contactName(m_contact), messages, cancel);
@@ -110,10 +107,10 @@ QCoro::Task<> ThreadSummary::run()
         co_return;
     if (summary) {
         m_summary = *std::move(summary);
-        show(State::Ready, QStringLiteral("Summary"));
+        show(State::Ready, u"Summary"_s);
     } else if (!m_ai.availableName()) {
-        show(State::MissingModel, QStringLiteral("No model and no Codex CLI"),
-            QStringLiteral("Start %1 or install Codex CLI.").arg(machineWords::localModel));
+        show(State::MissingModel, u"No model and no Codex CLI"_s,
+            u"Start %1 or install Codex CLI."_s.arg(machineWords::localModel));
     } else {
         show(State::Error, summary.error().message);
     }

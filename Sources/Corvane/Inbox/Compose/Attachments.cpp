@@ -1,5 +1,6 @@
 #include "Inbox/Compose/Attachments.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Desktop.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/SizeWords.h"
@@ -35,7 +36,7 @@ QString Attachments::summary() const
     if (m_rows.rowCount() == 0)
         return {};
     const QString size = sizeWords(bytes());
-    return m_features.maxBytes ? QStringLiteral("%1 of %2").arg(size, sizeWords(*m_features.maxBytes)) : size;
+    return m_features.maxBytes ? u"%1 of %2"_s.arg(size, sizeWords(*m_features.maxBytes)) : size;
 }
 
 QString Attachments::problem() const
@@ -43,10 +44,9 @@ QString Attachments::problem() const
     if (m_files.isEmpty())
         return {};
     if (!m_features.files)
-        return QStringLiteral("%1 carries no files here. Remove them, or choose another channel.").arg(m_channelLabel);
+        return u"%1 carries no files here. Remove them, or choose another channel."_s.arg(m_channelLabel);
     if (m_features.maxBytes && bytes() > *m_features.maxBytes)
-        return QStringLiteral("%1 carries at most %2 of files in one message.")
-            .arg(m_channelLabel, sizeWords(*m_features.maxBytes));
+        return u"%1 carries at most %2 of files in one message."_s.arg(m_channelLabel, sizeWords(*m_features.maxBytes));
     return {};
 }
 
@@ -54,16 +54,15 @@ void Attachments::choose()
 {
     if (std::exchange(m_choosing, true))
         return;
-    m_desktop.chooseFiles(
-        QStringLiteral("Attach files"), this, [this, owner = m_owner](const Result<QList<QUrl>>& files) {
-            m_choosing = false;
-            if (!files)
-                Q_EMIT refused(files.error().message);
-            else if (owner == m_owner)
-                add(*files);
-            else if (!files->isEmpty())
-                Q_EMIT refused(QStringLiteral("The files were chosen for another conversation."));
-        });
+    m_desktop.chooseFiles(u"Attach files"_s, this, [this, owner = m_owner](const Result<QList<QUrl>>& files) {
+        m_choosing = false;
+        if (!files)
+            Q_EMIT refused(files.error().message);
+        else if (owner == m_owner)
+            add(*files);
+        else if (!files->isEmpty())
+            Q_EMIT refused(u"The files were chosen for another conversation."_s);
+    });
 }
 
 void Attachments::add(const QList<QUrl>& files)
@@ -77,9 +76,9 @@ void Attachments::addFile(const QString& path)
     const QFileInfo file(path);
     const QString name = BodyText::printable(file.fileName());
     if (file.isDir()) {
-        Q_EMIT refused(QStringLiteral("%1 is a folder, and only files can be attached.").arg(name));
+        Q_EMIT refused(u"%1 is a folder, and only files can be attached."_s.arg(name));
     } else if (!file.isFile() || !file.isReadable()) {
-        Q_EMIT refused(QStringLiteral("%1 can't be read.").arg(name));
+        Q_EMIT refused(u"%1 can't be read."_s.arg(name));
     } else if (fits(name, file.size())) {
         const qint64 room = m_features.maxBytes ? std::max<qint64>(1, *m_features.maxBytes - bytes()) : 0;
         copy(name, file.size(), [outbox = m_outbox, path, room] { return outbox.pick(path, room); });
@@ -90,7 +89,7 @@ void Attachments::paste(const QList<QUrl>& files, const QByteArray& picture)
 {
     if (!files.isEmpty())
         return add(files);
-    const QString name = QStringLiteral("Pasted picture.png");
+    const QString name = u"Pasted picture.png"_s;
     if (fits(name, picture.size()))
         copy(name, picture.size(), [outbox = m_outbox, name, picture] { return outbox.pick(name, picture); });
 }
@@ -99,8 +98,8 @@ bool Attachments::fits(const QString& name, qint64 size)
 {
     if (!m_features.maxBytes || bytes() + size <= *m_features.maxBytes)
         return true;
-    Q_EMIT refused(QStringLiteral("%1 (%2) doesn't fit: %3 carries at most %4 of files in one message.")
-            .arg(name, sizeWords(size), m_channelLabel, sizeWords(*m_features.maxBytes)));
+    Q_EMIT refused(u"%1 (%2) doesn't fit: %3 carries at most %4 of files in one message."_s.arg(
+        name, sizeWords(size), m_channelLabel, sizeWords(*m_features.maxBytes)));
     return false;
 }
 
@@ -152,7 +151,7 @@ void Attachments::present()
         items.append({ file.path, file.name, sizeWords(file.bytes), false });
     for (const Job& job : m_jobs) {
         if (job.owner == m_owner)
-            items.append({ QString::number(job.id), job.name, QStringLiteral("Copying…"), true });
+            items.append({ QString::number(job.id), job.name, u"Copying…"_s, true });
     }
     m_rows.assign(items);
     Q_EMIT changed();

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <algorithm>
@@ -29,7 +30,7 @@ QString internationalNumber(const QString& text)
     const QString digits = digitsOf(text);
     if (text.startsWith(u'+'))
         return u'+' + digits;
-    return digits.startsWith(QStringLiteral("00")) ? u'+' + digits.sliced(2) : digits;
+    return digits.startsWith(u"00"_s) ? u'+' + digits.sliced(2) : digits;
 }
 
 }
@@ -59,13 +60,13 @@ QString recipientLabel(Channel channel)
 {
     switch (channel) {
     case Channel::Email:
-        return QStringLiteral("Email address");
+        return u"Email address"_s;
     case Channel::LinkedIn:
     case Channel::Instagram:
     case Channel::Messenger:
-        return channelLabel(channelRaw(channel)) + QStringLiteral(" profile");
+        return channelLabel(channelRaw(channel)) + u" profile"_s;
     default:
-        return QStringLiteral("Recipient");
+        return u"Recipient"_s;
     }
 }
 
@@ -73,11 +74,11 @@ QString recipientExample(Channel channel)
 {
     switch (channel) {
     case Channel::Email:
-        return QStringLiteral("name@example.com");
+        return u"name@example.com"_s;
     case Channel::WhatsApp:
     case Channel::Sms:
     case Channel::IMessage:
-        return QStringLiteral("+34 600 000 000");
+        return u"+34 600 000 000"_s;
     default:
         return {};
     }
@@ -86,7 +87,7 @@ QString recipientExample(Channel channel)
 QString recipientAddress(Channel channel, const QString& recipient)
 {
     if (channel == Channel::WhatsApp)
-        return digitsOf(recipient) + QStringLiteral("@s.whatsapp.net");
+        return digitsOf(recipient) + u"@s.whatsapp.net"_s;
     if (channel == Channel::Sms)
         return internationalNumber(recipient.trimmed());
     // Mail is delivered whatever the case, and a conversation is named by the address in lower case.
@@ -109,7 +110,7 @@ ComposeSheet::ComposeSheet(
 
 QString ComposeSheet::emptyText() const
 {
-    return m_accounts.accounts().isEmpty() ? QStringLiteral("Connect an account in Settings first.") : QString();
+    return m_accounts.accounts().isEmpty() ? u"Connect an account in Settings first."_s : QString();
 }
 
 QList<AccountChoice> ComposeSheet::accounts() const
@@ -118,8 +119,7 @@ QList<AccountChoice> ComposeSheet::accounts() const
     for (const Account& each : m_accounts.accounts()) {
         const QString channel = channelRaw(each.channel());
         const QString word = channelLabel(channel);
-        choices.append(
-            { each.id.toString(), each.name == word ? word : QStringLiteral("%1 · %2").arg(each.name, word), channel });
+        choices.append({ each.id.toString(), each.name == word ? word : u"%1 · %2"_s.arg(each.name, word), channel });
     }
     return choices;
 }
@@ -238,7 +238,7 @@ void ComposeSheet::submit()
         m_errorText.clear();
         m_shown = false;
     } else {
-        m_errorText = QStringLiteral("Couldn't queue the draft for this conversation.");
+        m_errorText = u"Couldn't queue the draft for this conversation."_s;
     }
     Q_EMIT changed();
 }

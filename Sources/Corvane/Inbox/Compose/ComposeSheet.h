@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Engines/Account.h"
+#include "Foundation/Literals.h"
 #include "Inbox/Compose/Attachments.h"
 
 #include <functional>
@@ -66,9 +67,9 @@ public:
     ComposeSheet(
         AccountStore& accounts, EngineManager& engine, Desktop& desktop, Submit onSubmit, QObject* parent = nullptr);
 
-    QString title() const { return QStringLiteral("New message"); }
-    QString note() const { return QStringLiteral("Queues a draft — you approve it before it sends."); }
-    QString submitLabel() const { return QStringLiteral("Queue draft"); }
+    QString title() const { return u"New message"_s; }
+    QString note() const { return u"Queues a draft — you approve it before it sends."_s; }
+    QString submitLabel() const { return u"Queue draft"_s; }
     QString emptyText() const;
     bool shown() const { return m_shown; }
     QList<AccountChoice> accounts() const;

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Inbox/Compose/DroppedText.h"
 #include "Inbox/Compose/ReplyRouting.h"
@@ -21,10 +22,10 @@ std::optional<QString> obstacle(const Account& account, WAStatus status)
     switch (status) {
     case WAStatus::Starting:
     case WAStatus::Connecting:
-        return QStringLiteral("%1 is still connecting. Send again in a moment.").arg(account.name);
+        return u"%1 is still connecting. Send again in a moment."_s.arg(account.name);
     case WAStatus::NeedsQR:
     case WAStatus::LoggedOut:
-        return QStringLiteral("Account %1 is not connected").arg(account.slug);
+        return u"Account %1 is not connected"_s.arg(account.slug);
     case WAStatus::Connected:
     case WAStatus::Error:
     case WAStatus::Stopped:
@@ -141,7 +142,7 @@ void Composer::gatherMerged()
         const OutgoingMessage theirs = m_texts.message(id);
         OutgoingMessage all = m_texts.message(m_contact.id);
         if (!all.text.isEmpty() && !theirs.text.isEmpty())
-            all.text += QStringLiteral("\n\n");
+            all.text += u"\n\n"_s;
         all.text += theirs.text;
         if (all.subject.isEmpty())
             all.subject = theirs.subject;
@@ -174,8 +175,7 @@ QString Composer::replyPlatformLabel() const
 
 QString Composer::placeholder() const
 {
-    return m_replyPlatform.isEmpty() ? QString()
-                                     : QStringLiteral("Reply on %1 · %2 sends").arg(replyPlatformLabel(), sendKeys());
+    return m_replyPlatform.isEmpty() ? QString() : u"Reply on %1 · %2 sends"_s.arg(replyPlatformLabel(), sendKeys());
 }
 
 bool Composer::returnSends() const
@@ -193,7 +193,7 @@ void Composer::apply(const QString& text, Placement placement)
     if (m_contact.id.isEmpty())
         return;
     const QString before = this->text();
-    setText(placement == Placement::After && !before.isEmpty() ? before + QStringLiteral("\n\n") + text : text);
+    setText(placement == Placement::After && !before.isEmpty() ? before + u"\n\n"_s + text : text);
     m_beforeApply = before;
     Q_EMIT undoChanged();
     Q_EMIT focusRequested();
@@ -274,7 +274,7 @@ void Composer::startVoice()
     if (m_voice.idle())
         m_voice.start(m_contact.id);
     else if (!showsVoice())
-        setSendError(QStringLiteral("A voice note to another contact waits: send or discard it first."));
+        setSendError(u"A voice note to another contact waits: send or discard it first."_s);
 }
 
 void Composer::dictate()
@@ -304,8 +304,7 @@ int Composer::insertDictation(const QString& said, int cursor)
     const QString tail = before.mid(place);
     const bool needsBlank = !head.isEmpty() && !head.back().isSpace();
     const bool runsIntoWord = !tail.isEmpty() && tail.front().isLetterOrNumber();
-    const QString inserted
-        = (needsBlank ? QStringLiteral(" ") : QString()) + said + (runsIntoWord ? QStringLiteral(" ") : QString());
+    const QString inserted = (needsBlank ? u" "_s : QString()) + said + (runsIntoWord ? u" "_s : QString());
     setText(head + inserted + tail);
     m_beforeApply = before;
     Q_EMIT undoChanged();
@@ -330,7 +329,7 @@ bool Composer::sendThrough(
         return false;
     const auto target = replyTarget(m_engine.db(), m_contact.id, platform);
     if (!target) {
-        setSendError(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(platform)));
+        setSendError(u"No %1 conversation for this contact"_s.arg(channelLabel(platform)));
         return false;
     }
     const auto account = m_accounts.findBySlug(target->account);
@@ -339,7 +338,7 @@ bool Composer::sendThrough(
         return false;
     }
     if (!account || !say(*account, target->chatId)) {
-        setSendError(QStringLiteral("Account %1 is not connected").arg(target->account));
+        setSendError(u"Account %1 is not connected"_s.arg(target->account));
         return false;
     }
     setSendError({});

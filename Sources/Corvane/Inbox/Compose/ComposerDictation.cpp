@@ -1,5 +1,6 @@
 #include "Inbox/Compose/ComposerDictation.h"
 
+#include "Foundation/Literals.h"
 #include "Voice/SpeechLanguages.h"
 #include "Voice/VoiceServices.h"
 
@@ -43,7 +44,7 @@ void ComposerDictation::start(const QString& contactId)
         return;
     const QString language = modelLanguage(dictationLocale(m_defaults));
     if (!m_voice.transcription.speaks(language)) {
-        enter(State::Missing, QStringLiteral("Dictation in %1 needs a speech model.").arg(localeDisplayName(language)));
+        enter(State::Missing, u"Dictation in %1 needs a speech model."_s.arg(localeDisplayName(language)));
         return;
     }
     m_recorder.start(contactId);
@@ -56,9 +57,9 @@ void ComposerDictation::follow()
         return;
     const VoiceRecorder::State state = m_recorder.state();
     if (state == VoiceRecorder::State::Starting)
-        enter(State::Starting, QStringLiteral("Asking for the microphone…"));
+        enter(State::Starting, u"Asking for the microphone…"_s);
     else if (state == VoiceRecorder::State::Recording)
-        enter(State::Recording, QStringLiteral("Dictating locally"));
+        enter(State::Recording, u"Dictating locally"_s);
     else if (state == VoiceRecorder::State::Kept)
         finish();
     else if (!m_recorder.notice().isEmpty())
@@ -78,7 +79,7 @@ void ComposerDictation::finish()
         enter(State::Error, m_recorder.notice());
         return;
     }
-    enter(State::Transcribing, QStringLiteral("Transcribing with %1").arg(m_voice.speech.preferredModel().displayName));
+    enter(State::Transcribing, u"Transcribing with %1"_s.arg(m_voice.speech.preferredModel().displayName));
     m_cancel = {};
     transcribe(contactId, path, m_cancel);
 }
@@ -98,7 +99,7 @@ QCoro::Task<> ComposerDictation::transcribe(QString contactId, QString path, Can
         enter(State::Error, describe(outcome.error()));
         co_return;
     }
-    enter(State::Inserted, QStringLiteral("Dictation inserted into composer."));
+    enter(State::Inserted, u"Dictation inserted into composer."_s);
     Q_EMIT dictated(contactId, outcome->text);
 }
 

@@ -1,5 +1,6 @@
 #include "Inbox/Compose/DroppedText.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/BodyText.h"
 
 #include <QFile>
@@ -21,13 +22,13 @@ Result<QString> ofFile(const QUrl& url)
     };
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return refused(QStringLiteral(" can't be read."));
+        return refused(u" can't be read."_s);
     if (file.size() > longestText)
-        return refused(QStringLiteral(" is too long for a message."));
+        return refused(u" is too long for a message."_s);
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder.decode(file.read(longestText));
     if (decoder.hasError() || text.contains(QChar::Null))
-        return refused(QStringLiteral(" holds no text, and only text can be added here."));
+        return refused(u" holds no text, and only text can be added here."_s);
     return BodyText::printable(text).trimmed();
 }
 
@@ -42,7 +43,7 @@ Result<QString> ofFiles(const QList<QUrl>& files)
             return text;
         texts.append(*text);
     }
-    return texts.join(QStringLiteral("\n\n"));
+    return texts.join(u"\n\n"_s);
 }
 
 }

@@ -1,5 +1,6 @@
 #include "Inbox/Compose/ReplyRouting.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 namespace corvane {
@@ -8,7 +9,7 @@ namespace {
 
 QString keyOf(const ContactRow& contact)
 {
-    return QStringLiteral("nimb.replyPlatform.") + contact.id;
+    return u"nimb.replyPlatform."_s + contact.id;
 }
 
 }
@@ -18,7 +19,7 @@ QString preferredReplyPlatform(const UserDefaults& defaults, const ContactRow& c
     const auto remembered = defaults.text(keyOf(contact));
     if (remembered && contact.platforms.contains(*remembered))
         return *remembered;
-    return contact.platforms.value(0, QStringLiteral("WHATSAPP"));
+    return contact.platforms.value(0, u"WHATSAPP"_s);
 }
 
 void rememberReplyPlatform(UserDefaults& defaults, const QString& platform, const ContactRow& contact)

@@ -3,6 +3,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/Outbox.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/PrivateFile.h"
 #include "Store/People/IdentityQueries.h"
@@ -15,20 +16,20 @@ namespace {
 
 constexpr Milliseconds answerLimit { 120'000 }; // an engine may leave a direct send without an answer
 
-const QString uncertain = QStringLiteral("It may have gone out. ");
-const QString contactKey = QStringLiteral("contact");
-const QString platformKey = QStringLiteral("platform");
-const QString textKey = QStringLiteral("text");
-const QString subjectKey = QStringLiteral("subject");
-const QString filesKey = QStringLiteral("files");
-const QString reasonKey = QStringLiteral("reason");
+const QString uncertain = u"It may have gone out. "_s;
+const QString contactKey = u"contact"_s;
+const QString platformKey = u"platform"_s;
+const QString textKey = u"text"_s;
+const QString subjectKey = u"subject"_s;
+const QString filesKey = u"files"_s;
+const QString reasonKey = u"reason"_s;
 
 QString namesOf(const QList<OutgoingFile>& files)
 {
     QStringList names;
     for (const OutgoingFile& file : files)
         names.append(file.name);
-    return names.join(QStringLiteral(", "));
+    return names.join(u", "_s);
 }
 
 }
@@ -59,7 +60,7 @@ void UnsentMessages::load()
                 filesFromText(saved.value(filesKey).toString()).value_or(QList<OutgoingFile>()) } };
         entry.reason = saved.value(reasonKey).toString();
         if (entry.reason.isEmpty())
-            entry.reason = QStringLiteral("Corvane ended before the engine answered. It may have gone out.");
+            entry.reason = u"Corvane ended before the engine answered. It may have gone out."_s;
         m_entries.emplace(each.key(), std::move(entry));
     }
 }
@@ -136,7 +137,7 @@ void UnsentMessages::failThoseOf(const QUuid& accountId)
         if (runs || entry.accountId != accountId || !entry.reason.isEmpty())
             continue;
         entry.limit.reset();
-        entry.reason = QStringLiteral("The engine ended before it answered. It may have gone out.");
+        entry.reason = u"The engine ended before it answered. It may have gone out."_s;
         some = true;
     }
     if (some)
@@ -152,7 +153,7 @@ void UnsentMessages::changed()
                 { textKey, entry.message.content.text }, { subjectKey, entry.message.content.subject },
                 { filesKey, filesText(entry.message.content.files) }, { reasonKey, entry.reason } });
     if (!writePrivateFile(m_filePath, compactJson(messages), Outlives::Program))
-        log(QStringLiteral("UnsentMessages: cannot write ") + m_filePath);
+        log(u"UnsentMessages: cannot write "_s + m_filePath);
     present();
 }
 
@@ -163,7 +164,7 @@ void UnsentMessages::present()
         if (!entry.reason.isEmpty() && !m_contactId.isEmpty()
             && personBehind(m_engine.db(), entry.message.contactId) == m_contactId)
             items.append({ id, entry.message.content.text, namesOf(entry.message.content.files),
-                entry.reason.startsWith(uncertain) ? entry.reason : QStringLiteral("Not sent: ") + entry.reason });
+                entry.reason.startsWith(uncertain) ? entry.reason : u"Not sent: "_s + entry.reason });
     }
     m_rows.assign(items);
 }

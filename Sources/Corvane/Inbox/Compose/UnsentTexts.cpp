@@ -2,6 +2,7 @@
 
 #include "Foundation/CopyAside.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/PrivateFile.h"
 
@@ -14,9 +15,9 @@ namespace {
 constexpr Milliseconds writeDelay { 500 };
 constexpr Milliseconds retryDelay { 10'000 };
 
-const QString textKey = QStringLiteral("text");
-const QString subjectKey = QStringLiteral("subject");
-const QString filesKey = QStringLiteral("files");
+const QString textKey = u"text"_s;
+const QString subjectKey = u"subject"_s;
+const QString filesKey = u"files"_s;
 
 /// A text alone is a text.
 QJsonValue savedMessage(const OutgoingMessage& message)
@@ -103,7 +104,7 @@ void UnsentTexts::write()
         m_fileIsDamaged = false;
         return;
     }
-    log(QStringLiteral("UnsentTexts: cannot write ") + m_filePath);
+    log(u"UnsentTexts: cannot write "_s + m_filePath);
     m_writeSoon = m_scheduler.after(retryDelay, [this] { write(); });
 }
 

@@ -1,5 +1,7 @@
 #include "Inbox/Compose/VoiceRecorder.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFile>
 #include <QPointer>
 
@@ -13,7 +15,7 @@ constexpr Milliseconds tick { 100 };
 QString freePath(const QString& folder, qint64 nowMs)
 {
     for (qint64 second = nowMs / 1000;; ++second) {
-        const QString path = QStringLiteral("%1/corvane-voice-%2.m4a").arg(folder).arg(second);
+        const QString path = u"%1/corvane-voice-%2.m4a"_s.arg(folder).arg(second);
         if (!QFile::exists(path))
             return path;
     }
@@ -34,7 +36,7 @@ VoiceRecorder::~VoiceRecorder() = default;
 QString VoiceRecorder::elapsedText() const
 {
     const int seconds = int(m_elapsed);
-    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 void VoiceRecorder::start(const QString& contactId)
@@ -54,15 +56,15 @@ void VoiceRecorder::begin(MicrophoneAccess access)
 {
     if (access != MicrophoneAccess::Granted) {
         enter(State::Idle);
-        setNotice(access == MicrophoneAccess::Denied ? QStringLiteral("Microphone permission was refused.")
-                                                     : QStringLiteral("No microphone was found."));
+        setNotice(access == MicrophoneAccess::Denied ? u"Microphone permission was refused."_s
+                                                     : u"No microphone was found."_s);
         return;
     }
     m_path = freePath(m_folder, m_scheduler.nowMs());
     m_recording = m_microphone.record(m_path);
     if (!m_recording) {
         enter(State::Idle);
-        setNotice(QStringLiteral("Could not start microphone recording."));
+        setNotice(u"Could not start microphone recording."_s);
         return;
     }
     connect(m_recording.get(), &MicrophoneRecording::interrupted, this, &VoiceRecorder::interrupted);
@@ -82,9 +84,9 @@ void VoiceRecorder::interrupted(const QString& reason)
     if (m_state != State::Recording)
         return;
     if (stop().isEmpty())
-        setNotice(QStringLiteral("Could not record: %1.").arg(reason));
+        setNotice(u"Could not record: %1."_s.arg(reason));
     else
-        setNotice(QStringLiteral("The recording ended: %1. What was recorded until then is kept.").arg(reason));
+        setNotice(u"The recording ended: %1. What was recorded until then is kept."_s.arg(reason));
 }
 
 QString VoiceRecorder::stop()
@@ -102,7 +104,7 @@ QString VoiceRecorder::stop()
     recording->deleteLater();
     if (!complete) {
         enter(State::Idle);
-        setNotice(QStringLiteral("Nothing was recorded."));
+        setNotice(u"Nothing was recorded."_s);
         return {};
     }
     enter(State::Kept);

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 
 namespace corvane {
 
@@ -13,7 +14,7 @@ AvatarRequests::AvatarRequests(EngineManager& engine, AccountStore& accounts)
 
 void AvatarRequests::requestMissing(const QList<ContactRow>& listed)
 {
-    static const QString prefix = QStringLiteral("ct:WHATSAPP:");
+    static const QString prefix = u"ct:WHATSAPP:"_s;
     QHash<QString, std::optional<Account>> accounts; // asked for once, not for each of their people
     for (const ContactRow& row : listed) {
         if (!row.avatarPath.isEmpty() || !row.platforms.contains(u"WHATSAPP") || !row.id.startsWith(prefix))

@@ -1,5 +1,7 @@
 #include "Inbox/List/BulkSelection.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 
 namespace corvane {
@@ -11,7 +13,7 @@ BulkSelection::BulkSelection(QObject* parent)
 
 QString BulkSelection::text() const
 {
-    return m_ids.isEmpty() ? QString() : QStringLiteral("%1 selected").arg(m_ids.size());
+    return m_ids.isEmpty() ? QString() : u"%1 selected"_s.arg(m_ids.size());
 }
 
 void BulkSelection::setListed(const QStringList& contactIds, const QString& openId)

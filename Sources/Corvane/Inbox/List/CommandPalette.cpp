@@ -1,5 +1,6 @@
 #include "Inbox/List/CommandPalette.h"
 
+#include "Foundation/Literals.h"
 #include "Inbox/List/ContactItem.h"
 #include "Presentation/DateWords.h"
 
@@ -12,15 +13,15 @@ namespace {
 constexpr qsizetype contactsWithQuery = 30;
 constexpr qsizetype contactsWithoutQuery = 8;
 
-const QString searchId = QStringLiteral("searchMessages");
+const QString searchId = u"searchMessages"_s;
 
 PaletteItem contactLine(const ContactRow& row)
 {
     const ContactItem contact = contactItem(row, {}, DateWords(0));
     PaletteItem item;
-    item.id = QStringLiteral("contact:") + row.id;
+    item.id = u"contact:"_s + row.id;
     item.label = contact.name;
-    item.detail = contact.platformLabels.join(QStringLiteral(", "));
+    item.detail = contact.platformLabels.join(u", "_s);
     item.platform = row.platforms.value(0);
     item.avatarPath = contact.avatarPath;
     item.initials = contact.initials;
@@ -32,7 +33,7 @@ PaletteItem contactLine(const ContactRow& row)
 PaletteItem actionLine(const QString& id, const QString& label, const QString& keys)
 {
     PaletteItem item;
-    item.id = QStringLiteral("action:") + id;
+    item.id = u"action:"_s + id;
     item.isAction = true;
     item.label = label;
     item.detail = keys;
@@ -58,7 +59,7 @@ QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, const QList<C
             items.append(actionLine(command.id, command.action, command.keys));
     }
     if (!wanted.isEmpty())
-        items.append(actionLine(searchId, QStringLiteral("Search messages for “%1”").arg(query.trimmed()), {}));
+        items.append(actionLine(searchId, u"Search messages for “%1”"_s.arg(query.trimmed()), {}));
     return items;
 }
 

@@ -1,6 +1,7 @@
 #include "Inbox/List/ContactItem.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/BodyText.h"
@@ -31,7 +32,7 @@ QString snippetOf(const QString& body, const QString& mediaType)
         return mediaType.isEmpty() ? QString() : UnifiedBubble::mediaWord(mediaType);
     if (const auto text = UnifiedBubble::textBehindMark(start)) {
         const QString word = start.sliced(1, start.indexOf(u']') - 1);
-        return text->isEmpty() ? word : word + QStringLiteral(": ") + lineOf(*text);
+        return text->isEmpty() ? word : word + u": "_s + lineOf(*text);
     }
     return lineOf(start);
 }
@@ -41,17 +42,17 @@ QString spokenOf(const ContactItem& item)
     QStringList parts { item.name };
     parts += item.platformLabels;
     if (item.isGroup)
-        parts.append(QStringLiteral("group"));
+        parts.append(u"group"_s);
     if (item.isMuted)
-        parts.append(QStringLiteral("muted"));
+        parts.append(u"muted"_s);
     if (item.unread > 0)
-        parts.append(QStringLiteral("%1 unread").arg(item.unread));
+        parts.append(u"%1 unread"_s.arg(item.unread));
     if (!item.timeText.isEmpty())
         parts.append(item.timeText);
     if (!item.ticksText.isEmpty())
         parts.append(item.ticksText);
-    const QString facts = parts.join(QStringLiteral(", "));
-    return item.snippet.isEmpty() ? facts : facts + QStringLiteral(": ") + item.snippet;
+    const QString facts = parts.join(u", "_s);
+    return item.snippet.isEmpty() ? facts : facts + u": "_s + item.snippet;
 }
 
 // The words that were searched for must be in sight, so a long text is cut in front of them.
@@ -65,7 +66,7 @@ QString snippetAround(const QString& text, const QString& query)
     qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
     if (from < at - lead)
         from = at - lead + (text.at(at - lead).isLowSurrogate() ? 1 : 0);
-    return QStringLiteral("…") + lineOf(text.sliced(from));
+    return u"…"_s + lineOf(text.sliced(from));
 }
 
 QString existing(const QString& path)
@@ -78,8 +79,8 @@ QString highlighted(const QString& line, const QString& query)
     QString marked;
     qsizetype from = 0;
     for (qsizetype at = 0; !query.isEmpty() && (at = line.indexOf(query, from, Qt::CaseInsensitive)) >= 0;) {
-        marked += line.sliced(from, at - from).toHtmlEscaped() + QStringLiteral("<b>")
-            + line.sliced(at, query.size()).toHtmlEscaped() + QStringLiteral("</b>");
+        marked += line.sliced(from, at - from).toHtmlEscaped() + u"<b>"_s
+            + line.sliced(at, query.size()).toHtmlEscaped() + u"</b>"_s;
         from = at + query.size();
     }
     return marked + line.sliced(from).toHtmlEscaped();
@@ -93,14 +94,14 @@ MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const
     item.name = WAName::pretty(lineOf(hit.contactName));
     item.platform = hit.channel;
     item.platformLabel = channelLabel(hit.channel);
-    const QString you = hit.direction == QStringLiteral("OUT") ? QStringLiteral("You: ") : QString();
+    const QString you = hit.direction == u"OUT"_s ? u"You: "_s : QString();
     const QString line = snippetAround(hit.snippet, query);
     item.snippet = you + highlighted(line, query);
     item.timeText = words.listTime(hit.ts);
     item.avatarPath = existing(hit.avatarPath);
     item.initials = initials(item.name);
     item.hue = hue(hit.contactId);
-    item.spoken = QStringLiteral("%1, %2, %3: %4").arg(item.name, item.platformLabel, item.timeText, you + line);
+    item.spoken = u"%1, %2, %3: %4"_s.arg(item.name, item.platformLabel, item.timeText, you + line);
     return item;
 }
 
@@ -120,8 +121,8 @@ ContactItem contactItem(const ContactRow& row, const LastMessage& last, const Da
     for (const QString& platform : row.platforms)
         item.platformLabels.append(channelLabel(platform));
     item.snippet = snippetOf(row.snippet, last.mediaType);
-    if (last.direction == QStringLiteral("OUT") && !item.snippet.isEmpty())
-        item.snippet.prepend(QStringLiteral("You: "));
+    if (last.direction == u"OUT"_s && !item.snippet.isEmpty())
+        item.snippet.prepend(u"You: "_s);
     const UnifiedBubble::Ticks ticks = UnifiedBubble::statusTicks(last.direction, last.channel, last.status);
     item.ticks = UnifiedBubble::wordOf(ticks.kind);
     item.ticksText = ticks.text;

@@ -1,5 +1,6 @@
 #include "Inbox/List/ContactListView.h"
 
+#include "Foundation/Literals.h"
 #include "Inbox/List/BulkSelection.h"
 #include "Inbox/List/InboxWords.h"
 #include "Inbox/List/ListFilter.h"
@@ -58,7 +59,7 @@ QString ContactListView::newAbove() const
         return {};
     const auto count = std::ranges::count_if(
         m_contacts, [this](const ContactRow& row) { return row.lastTs > m_topSeenTs && row.unread > 0; });
-    return count == 0 ? QString() : QStringLiteral("%1 new above").arg(count);
+    return count == 0 ? QString() : u"%1 new above"_s.arg(count);
 }
 
 int ContactListView::selectedIndex() const

@@ -1,5 +1,6 @@
 #include "Inbox/List/InboxList.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
 
@@ -67,30 +68,30 @@ QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateW
 QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel)
 {
     if (!state.query().isEmpty())
-        return QStringLiteral("No conversations match “%1”").arg(state.query());
+        return u"No conversations match “%1”"_s.arg(state.query());
     if (!state.channelFilter.isEmpty())
-        return QStringLiteral("No %1 conversations — channel filter active").arg(channelLabel);
+        return u"No %1 conversations — channel filter active"_s.arg(channelLabel);
     if (!state.accountFilter.isEmpty())
-        return QStringLiteral("No conversations for %1 — account filter active").arg(accountLabel);
+        return u"No conversations for %1 — account filter active"_s.arg(accountLabel);
     switch (state.filter) {
     case InboxFilter::NeedsMe:
-        return QStringLiteral("No conversations need you — view filter active");
+        return u"No conversations need you — view filter active"_s;
     case InboxFilter::Today:
-        return QStringLiteral("No conversations today — view filter active");
+        return u"No conversations today — view filter active"_s;
     case InboxFilter::Archived:
-        return QStringLiteral("Nothing archived");
+        return u"Nothing archived"_s;
     case InboxFilter::All:
         break;
     }
-    return QStringLiteral("No conversations");
+    return u"No conversations"_s;
 }
 
 QString emptyDetail(const InboxState& state)
 {
     if (!state.query().isEmpty())
-        return QStringLiteral("Search checks contact names and latest message previews.");
+        return u"Search checks contact names and latest message previews."_s;
     if (!emptyCanClear(state))
-        return QStringLiteral("Pair a WhatsApp account in Accounts — chats appear here.");
+        return u"Pair a WhatsApp account in Accounts — chats appear here."_s;
     return {};
 }
 

@@ -1,5 +1,7 @@
 #include "Inbox/List/InboxWords.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 #include <array>
 
@@ -16,10 +18,10 @@ struct FilterWords {
 const std::array<FilterWords, 4>& filterWords()
 {
     static const std::array<FilterWords, 4> words { {
-        { InboxFilter::NeedsMe, QStringLiteral("needsMe"), QStringLiteral("Needs me") },
-        { InboxFilter::Today, QStringLiteral("today"), QStringLiteral("Today") },
-        { InboxFilter::All, QStringLiteral("all"), QStringLiteral("All") },
-        { InboxFilter::Archived, QStringLiteral("archived"), QStringLiteral("Archived") },
+        { InboxFilter::NeedsMe, u"needsMe"_s, u"Needs me"_s },
+        { InboxFilter::Today, u"today"_s, u"Today"_s },
+        { InboxFilter::All, u"all"_s, u"All"_s },
+        { InboxFilter::Archived, u"archived"_s, u"Archived"_s },
     } };
     return words;
 }
@@ -39,16 +41,16 @@ std::optional<InboxFilter> inboxFilter(const QString& word)
 
 std::optional<ViewMode> viewMode(const QString& word)
 {
-    if (word == QStringLiteral("contacts"))
+    if (word == u"contacts"_s)
         return ViewMode::Contacts;
-    return word == QStringLiteral("messages") ? std::optional(ViewMode::Messages) : std::nullopt;
+    return word == u"messages"_s ? std::optional(ViewMode::Messages) : std::nullopt;
 }
 
 std::optional<SortMode> sortMode(const QString& word)
 {
-    if (word == QStringLiteral("recent"))
+    if (word == u"recent"_s)
         return SortMode::Recent;
-    return word == QStringLiteral("unread") ? std::optional(SortMode::Unread) : std::nullopt;
+    return word == u"unread"_s ? std::optional(SortMode::Unread) : std::nullopt;
 }
 
 QList<TabItem> inboxTabs(const std::function<int(InboxFilter)>& countOf)

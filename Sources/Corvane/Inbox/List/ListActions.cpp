@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Inbox/List/ListFilter.h"
 #include "Inbox/OpenPerson.h"
 #include "Inbox/ReadMarks.h"
@@ -17,7 +18,7 @@ namespace {
 
 QString countedConversations(qsizetype count)
 {
-    return count == 1 ? QStringLiteral("1 conversation") : QStringLiteral("%1 conversations").arg(count);
+    return count == 1 ? u"1 conversation"_s : u"%1 conversations"_s.arg(count);
 }
 
 }
@@ -91,7 +92,7 @@ void ListActions::archive(const QStringList& contactIds)
     if (contactIds.contains(m_person.selectedId()))
         m_person.close();
     m_bulk.clear();
-    m_undo.offer((out ? QStringLiteral("Unarchived ") : QStringLiteral("Archived ")) + whom, [this, before] {
+    m_undo.offer((out ? u"Unarchived "_s : u"Archived "_s) + whom, [this, before] {
         restoreArchived(db(), before);
         afterAction();
     });

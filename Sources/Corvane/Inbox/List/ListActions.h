@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Inbox/List/BulkSelection.h"
 
 namespace corvane {
@@ -35,7 +36,7 @@ public:
 
     BulkSelection* bulk() { return &m_bulk; }
     bool unarchives() const;
-    QString archiveLabel() const { return unarchives() ? QStringLiteral("Unarchive") : QStringLiteral("Archive"); }
+    QString archiveLabel() const { return unarchives() ? u"Unarchive"_s : u"Archive"_s; }
     const QString& undoText() const;
 
     /// Archives them, or brings them back where the list shows what is archived.

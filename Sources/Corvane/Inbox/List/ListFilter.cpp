@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Inbox/List/InboxWords.h"
 
 namespace corvane {
@@ -33,7 +34,7 @@ void ListFilter::setFilterWord(const QString& word)
 
 QString ListFilter::viewModeWord() const
 {
-    return m_state.viewMode == ViewMode::Messages ? QStringLiteral("messages") : QStringLiteral("contacts");
+    return m_state.viewMode == ViewMode::Messages ? u"messages"_s : u"contacts"_s;
 }
 
 void ListFilter::setViewModeWord(const QString& word)
@@ -45,7 +46,7 @@ void ListFilter::setViewModeWord(const QString& word)
 
 QString ListFilter::sortWord() const
 {
-    return m_state.sort == SortMode::Unread ? QStringLiteral("unread") : QStringLiteral("recent");
+    return m_state.sort == SortMode::Unread ? u"unread"_s : u"recent"_s;
 }
 
 void ListFilter::setSortWord(const QString& word)

@@ -1,6 +1,7 @@
 #include "Inbox/List/WebStaleness.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Messages/IngestQueries.h"
 
@@ -15,8 +16,8 @@ constexpr qint64 staleAfterMs = 7'200'000;
 bool isDegraded(const SyncHealthRow& row)
 {
     const QString status = row.status.toLower();
-    return (row.source == QStringLiteral("bootstrap") || row.source == QStringLiteral("inbox"))
-        && (status == QStringLiteral("error") || status == QStringLiteral("waiting_for_web"));
+    return (row.source == u"bootstrap"_s || row.source == u"inbox"_s)
+        && (status == u"error"_s || status == u"waiting_for_web"_s);
 }
 
 }
@@ -37,8 +38,8 @@ QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList
 
 QString stalenessText(const WebStaleness& staleness, const DateWords& words)
 {
-    return QStringLiteral("%1 last synced %2 — web connection degraded")
-        .arg(channelLabel(staleness.channel), words.ago(staleness.newest));
+    return u"%1 last synced %2 — web connection degraded"_s.arg(
+        channelLabel(staleness.channel), words.ago(staleness.newest));
 }
 
 void WebMirror::refresh(LocalDB& db)
@@ -53,7 +54,7 @@ void WebMirror::refresh(LocalDB& db)
 
 void WebMirror::retry(LocalDB& db)
 {
-    queueWebPullSync(db, QStringLiteral("inbox"));
+    queueWebPullSync(db, u"inbox"_s);
     m_retryQueued = true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Sync/SyncQueries.h"
 
 #include <QHash>
@@ -10,7 +11,7 @@ namespace corvane {
 class DateWords;
 
 /// The channels that come only through the web.
-inline const QStringList webOnlyChannels { QStringLiteral("LINKEDIN"), QStringLiteral("EMAIL") };
+inline const QStringList webOnlyChannels { u"LINKEDIN"_s, u"EMAIL"_s };
 
 /// A channel whose mirror no longer keeps up.
 struct WebStaleness {

@@ -1,6 +1,7 @@
 #include "Inbox/Thread/MediaFile.h"
 
 #include "Engines/MediaPlaces.h"
+#include "Foundation/Literals.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Platform/WholeFile.h"
 
@@ -15,8 +16,8 @@ constexpr qint64 headSize = 4096;
 
 bool isProgram(const QFileInfo& file, const QByteArray& head)
 {
-    static const QStringList endings { QStringLiteral("desktop"), QStringLiteral("appimage"), QStringLiteral("exe"),
-        QStringLiteral("jar"), QStringLiteral("run"), QStringLiteral("sh"), QStringLiteral("flatpakref") };
+    static const QStringList endings { u"desktop"_s, u"appimage"_s, u"exe"_s, u"jar"_s, u"run"_s, u"sh"_s,
+        u"flatpakref"_s };
     return file.isExecutable() || endings.contains(file.suffix().toLower()) || head.startsWith("#!")
         || head.startsWith("\x7f"
                            "ELF")
@@ -73,13 +74,13 @@ QString describe(MediaProblem problem, const QString& kind)
     case MediaProblem::Elsewhere:
         return UnifiedBubble::refusedText(kind);
     case MediaProblem::Program:
-        return word + QStringLiteral(" file is a program, so it is not opened.");
+        return word + u" file is a program, so it is not opened."_s;
     case MediaProblem::Empty:
-        return word + QStringLiteral(" file is empty.");
+        return word + u" file is empty."_s;
     case MediaProblem::WrongType:
-        return word + QStringLiteral(" file holds something else than it says, so it is not opened.");
+        return word + u" file holds something else than it says, so it is not opened."_s;
     case MediaProblem::CutShort:
-        return word + QStringLiteral(" file is damaged: its end is missing.");
+        return word + u" file is damaged: its end is missing."_s;
     }
     return {};
 }

@@ -1,6 +1,7 @@
 #include "Inbox/Thread/MessageActions.h"
 
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Inbox/List/ContactItem.h"
 #include "Inbox/Thread/MediaFile.h"
 #include "Inbox/Thread/ThreadView.h"
@@ -18,8 +19,8 @@ namespace {
 
 constexpr qsizetype forwardLimit = 8;
 constexpr Milliseconds noticeTime { 6000 };
-const QString whatsApp = QStringLiteral("WHATSAPP");
-const QString whatsAppPerson = QStringLiteral("@s.whatsapp.net");
+const QString whatsApp = u"WHATSAPP"_s;
+const QString whatsAppPerson = u"@s.whatsapp.net"_s;
 
 /// An action that cannot be done says why; an empty `obstacle` means that it can.
 MessageOffer action(const QString& key, const QString& label, const QString& obstacle = {})
@@ -45,31 +46,28 @@ QList<MessageOffer> MessageActions::actionsFor(const QString& messageId) const
     using Kind = UnifiedBubble::MediaState::Kind;
     const auto media = UnifiedBubble::mediaState(*row, engine.mediaDownloadStatus(row->id), engine.mediaPlaces(*row));
     QList<MessageOffer> actions;
-    actions.append(action(QStringLiteral("react"), QStringLiteral("React"),
-        engine.runningAccount(row->accountId) ? QString()
-                                              : QStringLiteral("Account %1 is not connected").arg(row->accountId)));
-    actions.append(action(QStringLiteral("copy"), QStringLiteral("Copy text"),
-        UnifiedBubble::readableText(*row).isEmpty() ? QStringLiteral("This message has no text") : QString()));
+    actions.append(action(u"react"_s, u"React"_s,
+        engine.runningAccount(row->accountId) ? QString() : u"Account %1 is not connected"_s.arg(row->accountId)));
+    actions.append(action(u"copy"_s, u"Copy text"_s,
+        UnifiedBubble::readableText(*row).isEmpty() ? u"This message has no text"_s : QString()));
     QString obstacle;
     if (row->body.trimmed().isEmpty())
-        obstacle = QStringLiteral("This message has no text");
+        obstacle = u"This message has no text"_s;
     else if (forwardTargets().isEmpty())
-        obstacle = QStringLiteral("There is nobody else in the list");
-    actions.append(action(QStringLiteral("forward"), QStringLiteral("Forward as draft…"), obstacle));
+        obstacle = u"There is nobody else in the list"_s;
+    actions.append(action(u"forward"_s, u"Forward as draft…"_s, obstacle));
 
     if (media.kind == Kind::Ready && UnifiedBubble::hasAudio(*row))
-        actions.append(action(QStringLiteral("play"), QStringLiteral("Play")));
+        actions.append(action(u"play"_s, u"Play"_s));
     if (media.kind == Kind::Ready && UnifiedBubble::hasAudio(*row))
-        actions.append(action(QStringLiteral("transcribe"), QStringLiteral("Transcribe on this computer")));
+        actions.append(action(u"transcribe"_s, u"Transcribe on this computer"_s));
     if (!UnifiedBubble::readableText(*row).isEmpty())
-        actions.append(action(QStringLiteral("speak"),
-            row->audioTranscript ? QStringLiteral("Read transcript aloud") : QStringLiteral("Read aloud")));
+        actions.append(action(u"speak"_s, row->audioTranscript ? u"Read transcript aloud"_s : u"Read aloud"_s));
     if (media.kind == Kind::Download || media.kind == Kind::Failed)
-        actions.append(action(QStringLiteral("fetch"),
-            media.kind == Kind::Failed ? QStringLiteral("Try again") : QStringLiteral("Download")));
+        actions.append(action(u"fetch"_s, media.kind == Kind::Failed ? u"Try again"_s : u"Download"_s));
     else if (media.kind != Kind::None)
-        actions.append(action(QStringLiteral("open"), QStringLiteral("Open file"), media.text));
-    actions.append(action(QStringLiteral("delete"), QStringLiteral("Delete (local copy)")));
+        actions.append(action(u"open"_s, u"Open file"_s, media.text));
+    actions.append(action(u"delete"_s, u"Delete (local copy)"_s));
     return actions;
 }
 
@@ -83,7 +81,7 @@ void MessageActions::deleteLocal(const QString& messageId)
         Q_EMIT messagesChanged();
     };
     deleteMessageLocal(m_surroundings.engine.db(), messageId);
-    m_surroundings.undo.offer(QStringLiteral("Deleted the local copy"), [this, messageId, refresh] {
+    m_surroundings.undo.offer(u"Deleted the local copy"_s, [this, messageId, refresh] {
         restoreMessageLocal(m_surroundings.engine.db(), messageId);
         refresh();
     });
@@ -99,7 +97,7 @@ QList<ContactChoice> MessageActions::forwardTargets() const
         QStringList channels;
         for (const QString& platform : row.platforms)
             channels.append(channelLabel(platform));
-        targets.append({ row.id, contactName(row), {}, channels.join(QStringLiteral(", ")) });
+        targets.append({ row.id, contactName(row), {}, channels.join(u", "_s) });
         if (targets.size() == forwardLimit)
             break;
     }
@@ -113,14 +111,14 @@ void MessageActions::forward(const QString& messageId, const QString& contactId)
         return;
     const auto conversation = newestConversation(m_surroundings.engine.db(), contactId);
     if (conversation && forwardAsDraft(row->body, *conversation))
-        setNotice(QStringLiteral("The draft waits for your approval"));
+        setNotice(u"The draft waits for your approval"_s);
     else
-        m_surroundings.thread.setError(QStringLiteral("Couldn't queue the draft for this conversation."));
+        m_surroundings.thread.setError(u"Couldn't queue the draft for this conversation."_s);
 }
 
 bool MessageActions::forwardAsDraft(const QString& messageBody, const QString& conversationId)
 {
-    if (!queueDraft(m_surroundings.engine.db(), conversationId, messageBody, QStringLiteral("forward")))
+    if (!queueDraft(m_surroundings.engine.db(), conversationId, messageBody, u"forward"_s))
         return false;
     m_surroundings.engine.db().watch().tell(StoreSubject::Drafts);
     return true;
@@ -135,7 +133,7 @@ void MessageActions::openMedia(const QString& messageId)
     const QString kind = UnifiedBubble::mediaKind(*row);
     QString error = describe(checkMedia(path, kind, m_surroundings.engine.mediaPlaces(*row)), kind);
     if (error.isEmpty() && !m_surroundings.desktop.openFile(path))
-        error = QStringLiteral("No program on this machine opens the file.");
+        error = u"No program on this machine opens the file."_s;
     m_surroundings.thread.setError(error);
 }
 
@@ -144,8 +142,8 @@ void MessageActions::callOnWhatsApp()
     const QString digits = phone();
     if (digits.isEmpty())
         return;
-    if (!m_surroundings.desktop.openLink(QUrl(QStringLiteral("whatsapp://send?phone=") + digits)))
-        m_surroundings.thread.setError(QStringLiteral("No program on this machine opens WhatsApp."));
+    if (!m_surroundings.desktop.openLink(QUrl(u"whatsapp://send?phone="_s + digits)))
+        m_surroundings.thread.setError(u"No program on this machine opens WhatsApp."_s);
 }
 
 QString MessageActions::phone() const

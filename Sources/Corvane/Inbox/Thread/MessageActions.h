@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Scheduler.h"
 #include "Presentation/Choice.h"
 #include "Store/Messages/InboxQueries.h"
@@ -50,7 +51,7 @@ public:
 
     explicit MessageActions(const Surroundings& surroundings, QObject* parent = nullptr);
 
-    QString callLabel() const { return QStringLiteral("Call on WhatsApp (opens the WhatsApp app)"); }
+    QString callLabel() const { return u"Call on WhatsApp (opens the WhatsApp app)"_s; }
     bool canCall() const { return m_canCall; }
     const QString& noticeText() const { return m_noticeText; }
 

@@ -1,6 +1,7 @@
 #include "Inbox/Thread/ThreadRow.h"
 
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/BodyText.h"
@@ -26,17 +27,17 @@ QString mediaStateWord(MediaState::Kind kind)
     case MediaState::Kind::None:
         return {};
     case MediaState::Kind::Ready:
-        return QStringLiteral("ready");
+        return u"ready"_s;
     case MediaState::Kind::Download:
-        return QStringLiteral("download");
+        return u"download"_s;
     case MediaState::Kind::Downloading:
-        return QStringLiteral("downloading");
+        return u"downloading"_s;
     case MediaState::Kind::Failed:
-        return QStringLiteral("failed");
+        return u"failed"_s;
     case MediaState::Kind::Missing:
-        return QStringLiteral("missing");
+        return u"missing"_s;
     case MediaState::Kind::Refused:
-        return QStringLiteral("refused");
+        return u"refused"_s;
     }
     return {};
 }
@@ -49,7 +50,7 @@ qsizetype foldQuote(ThreadRow& shown, UnifiedMsgRow& row, const ThreadSurroundin
     if (start == row.body.size())
         return 0;
     const bool isFolded = !surroundings.unfolded.contains(row.id);
-    shown.quoteLabel = isFolded ? QStringLiteral("Show quoted text") : QStringLiteral("Hide quoted text");
+    shown.quoteLabel = isFolded ? u"Show quoted text"_s : u"Hide quoted text"_s;
     qsizetype hidden = 0;
     if (!isFolded) {
         const auto quote = BodyText::shown(row.body.sliced(start), length);
@@ -79,25 +80,25 @@ QString bubbleText(const UnifiedMsgRow& row, const ThreadRow& shown)
 {
     if (shown.mediaKind.isEmpty())
         return row.body;
-    const bool isCard = shown.mediaState != QStringLiteral("ready") || shown.mediaKind == QStringLiteral("document")
-        || shown.mediaKind == QStringLiteral("media");
+    const bool isCard
+        = shown.mediaState != u"ready"_s || shown.mediaKind == u"document"_s || shown.mediaKind == u"media"_s;
     return isCard ? QString() : UnifiedBubble::textBehindMark(row.body).value_or(row.body);
 }
 
 /// A voice note that is here and has no text yet can get one.
 void describeTranscription(ThreadRow& shown, const ThreadSurroundings& surroundings)
 {
-    if (shown.mediaKind != QStringLiteral("audio") || shown.mediaPath.isEmpty())
+    if (shown.mediaKind != u"audio"_s || shown.mediaPath.isEmpty())
         return;
     using Kind = AudioTranscriptionState::Kind;
     const auto state = surroundings.transcription ? surroundings.transcription(shown.id) : std::nullopt;
     if (!state) {
-        shown.transcribeState = shown.transcript.isEmpty() ? QStringLiteral("offer") : QString();
+        shown.transcribeState = shown.transcript.isEmpty() ? u"offer"_s : QString();
         return;
     }
-    shown.transcribeState = state->kind == Kind::Loading ? QStringLiteral("loading")
-        : state->kind == Kind::MissingModel              ? QStringLiteral("missing")
-                                                         : QStringLiteral("failed");
+    shown.transcribeState = state->kind == Kind::Loading ? u"loading"_s
+        : state->kind == Kind::MissingModel              ? u"missing"_s
+                                                         : u"failed"_s;
     shown.transcribeText = state->text;
 }
 
@@ -121,19 +122,19 @@ void describeMedia(ThreadRow& shown, const UnifiedMsgRow& row, const ThreadSurro
 
 QString spokenMessage(const ThreadRow& shown, const QString& sender)
 {
-    QStringList parts { shown.outgoing ? QStringLiteral("You") : WAName::pretty(sender), shown.timeText };
+    QStringList parts { shown.outgoing ? u"You"_s : WAName::pretty(sender), shown.timeText };
     if (!shown.ticksText.isEmpty())
         parts.append(shown.ticksText);
     if (!shown.mediaKind.isEmpty())
         parts.append(UnifiedBubble::mediaWord(shown.mediaKind));
     const QString text = shown.mediaKind.isEmpty() ? shown.body : shown.mediaTitle;
-    return parts.join(QStringLiteral(", ")) + QStringLiteral(": ") + BodyText::shown(text, spokenLength).text;
+    return parts.join(u", "_s) + u": "_s + BodyText::shown(text, spokenLength).text;
 }
 
 ThreadRow dateRow(const QString& label)
 {
     ThreadRow row;
-    row.id = QStringLiteral("date:") + label;
+    row.id = u"date:"_s + label;
     row.isDate = true;
     row.dateText = label;
     row.spoken = label;
@@ -148,7 +149,7 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     const qsizetype ofQuote = foldQuote(shown, row, surroundings, length);
     shown.moreText = BodyText::moreText(shorten(row, length) + ofQuote);
     shown.id = row.id;
-    shown.outgoing = row.direction == QStringLiteral("OUT");
+    shown.outgoing = row.direction == u"OUT"_s;
     shown.grouped = message.grouped;
     shown.showTime = message.showTime;
     shown.timeText = words.clockTime(row.ts);
@@ -161,8 +162,8 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     shown.ticksHelp = ticks.help;
     shown.reaction = row.reaction;
     if (row.id == surroundings.firstUnreadId)
-        shown.unreadText = surroundings.unread == 1 ? QStringLiteral("1 unread message")
-                                                    : QStringLiteral("%1 unread messages").arg(surroundings.unread);
+        shown.unreadText
+            = surroundings.unread == 1 ? u"1 unread message"_s : u"%1 unread messages"_s.arg(surroundings.unread);
     shown.highlighted = row.id == surroundings.highlightId;
     shown.subject = row.subject;
     describeMedia(shown, row, surroundings);

@@ -2,6 +2,7 @@
 
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/DateWords.h"
@@ -18,7 +19,7 @@ constexpr qsizetype longerBy = 8;
 constexpr qsizetype screenful = 16; ///< rows, about
 constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
-const QString whatsApp = QStringLiteral("WHATSAPP");
+const QString whatsApp = u"WHATSAPP"_s;
 
 /// A file that came with a message has its id, a slash and a number; the message alone counts as unread.
 bool isAttachment(const UnifiedMsgRow& row)
@@ -57,12 +58,12 @@ ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler&
 
 QString ThreadView::emptyText() const
 {
-    return QStringLiteral("No messages yet — this conversation will fill when local messages sync.");
+    return u"No messages yet — this conversation will fill when local messages sync."_s;
 }
 
 QString ThreadView::loadOlderText() const
 {
-    return loadingMore() ? QStringLiteral("Loading older messages…") : QStringLiteral("Load older messages");
+    return loadingMore() ? u"Loading older messages…"_s : u"Load older messages"_s;
 }
 
 bool ThreadView::canLoadOlder() const
@@ -165,7 +166,7 @@ bool ThreadView::show(const QString& messageId, const QString& words)
 {
     if (!message(messageId)) {
         if (!m_window.showAround(messageId)) {
-            setError(QStringLiteral("This message is no longer in the conversation."));
+            setError(u"This message is no longer in the conversation."_s);
             return false;
         }
         presentWindow();
@@ -211,12 +212,12 @@ void ThreadView::loadMore()
     Q_EMIT loadingMoreChanged();
     const auto target = replyTarget(m_engine.db(), m_contact.id, whatsApp);
     if (!target) {
-        Q_EMIT refused(QStringLiteral("No %1 conversation for this contact").arg(channelLabel(whatsApp)));
+        Q_EMIT refused(u"No %1 conversation for this contact"_s.arg(channelLabel(whatsApp)));
         return;
     }
     const auto account = m_accounts.findBySlug(target->account);
     if (!account || !m_engine.loadMoreHistory(*account, target->chatId, olderCount))
-        Q_EMIT refused(QStringLiteral("Account %1 is not connected").arg(target->account));
+        Q_EMIT refused(u"Account %1 is not connected"_s.arg(target->account));
 }
 
 void ThreadView::fetchMedia(const QString& messageId)

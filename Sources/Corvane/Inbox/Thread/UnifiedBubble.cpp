@@ -2,6 +2,7 @@
 
 #include "Engines/MediaPlaces.h"
 #include "Foundation/Channel.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
 
@@ -13,8 +14,7 @@ namespace corvane::UnifiedBubble {
 namespace {
 
 constexpr qsizetype titleLength = 500;
-const QStringList knownKinds { QStringLiteral("document"), QStringLiteral("video"), QStringLiteral("audio"),
-    QStringLiteral("sticker"), QStringLiteral("image") };
+const QStringList knownKinds { u"document"_s, u"video"_s, u"audio"_s, u"sticker"_s, u"image"_s };
 
 bool isSet(const std::optional<QString>& text)
 {
@@ -23,8 +23,7 @@ bool isSet(const std::optional<QString>& text)
 
 bool isPlacedInBrowser(const QString& platform)
 {
-    return platform == QStringLiteral("LINKEDIN") || platform == QStringLiteral("INSTAGRAM")
-        || platform == QStringLiteral("MESSENGER");
+    return platform == u"LINKEDIN"_s || platform == u"INSTAGRAM"_s || platform == u"MESSENGER"_s;
 }
 
 bool hasFile(const UnifiedMsgRow& row)
@@ -41,19 +40,19 @@ bool hasFileOf(const UnifiedMsgRow& row, QLatin1StringView kind)
 
 Ticks statusTicks(const QString& direction, const QString& platform, int status)
 {
-    if (direction != QStringLiteral("OUT"))
+    if (direction != u"OUT"_s)
         return {};
     if (isPlacedInBrowser(platform) && status < 1)
-        return { Ticks::Kind::Word, QStringLiteral("Placed"), QStringLiteral("Placed in browser") };
+        return { Ticks::Kind::Word, u"Placed"_s, u"Placed in browser"_s };
     if (status < 1)
         return {};
-    if (platform != QStringLiteral("WHATSAPP"))
-        return { Ticks::Kind::Word, QStringLiteral("Sent"), {} };
+    if (platform != u"WHATSAPP"_s)
+        return { Ticks::Kind::Word, u"Sent"_s, {} };
     if (status < 3)
-        return { Ticks::Kind::Single, QStringLiteral("Sent"), {} };
+        return { Ticks::Kind::Single, u"Sent"_s, {} };
     if (status == 3)
-        return { Ticks::Kind::Double, QStringLiteral("Delivered"), {} };
-    return { Ticks::Kind::Read, QStringLiteral("Read"), {} };
+        return { Ticks::Kind::Double, u"Delivered"_s, {} };
+    return { Ticks::Kind::Read, u"Read"_s, {} };
 }
 
 QString wordOf(Ticks::Kind kind)
@@ -62,25 +61,25 @@ QString wordOf(Ticks::Kind kind)
     case Ticks::Kind::None:
         return {};
     case Ticks::Kind::Single:
-        return QStringLiteral("single");
+        return u"single"_s;
     case Ticks::Kind::Double:
-        return QStringLiteral("double");
+        return u"double"_s;
     case Ticks::Kind::Read:
-        return QStringLiteral("read");
+        return u"read"_s;
     case Ticks::Kind::Word:
-        return QStringLiteral("word");
+        return u"word"_s;
     }
     return {};
 }
 
 bool hasImage(const UnifiedMsgRow& row)
 {
-    return hasFileOf(row, QLatin1StringView("image"));
+    return hasFileOf(row, "image"_L1);
 }
 
 bool hasAudio(const UnifiedMsgRow& row)
 {
-    return hasFileOf(row, QLatin1StringView("audio"));
+    return hasFileOf(row, "audio"_L1);
 }
 
 QString mediaTitle(const UnifiedMsgRow& row)
@@ -98,21 +97,21 @@ QString mediaKind(const UnifiedMsgRow& row)
     if (!isSet(row.mediaType) && !isSet(row.mediaPath))
         return {};
     const QString kind = row.mediaType.value_or(QString()).toLower();
-    return knownKinds.contains(kind) ? kind : QStringLiteral("media");
+    return knownKinds.contains(kind) ? kind : u"media"_s;
 }
 
 QString mediaWord(const QString& mediaType)
 {
     const QString kind = mediaType.toLower();
     if (!knownKinds.contains(kind))
-        return QStringLiteral("Media");
+        return u"Media"_s;
     return kind.first(1).toUpper() + kind.sliced(1);
 }
 
 std::optional<QString> textBehindMark(const QString& body)
 {
-    static const QStringList marks { QStringLiteral("[Document]"), QStringLiteral("[Image]"), QStringLiteral("[Video]"),
-        QStringLiteral("[GIF]"), QStringLiteral("[Audio]"), QStringLiteral("[Sticker]") };
+    static const QStringList marks { u"[Document]"_s, u"[Image]"_s, u"[Video]"_s, u"[GIF]"_s, u"[Audio]"_s,
+        u"[Sticker]"_s };
     const QString text = body.trimmed();
     for (const QString& mark : marks) {
         if (text.startsWith(mark))
@@ -123,13 +122,12 @@ std::optional<QString> textBehindMark(const QString& body)
 
 QString missingText(const QString& mediaType)
 {
-    return mediaWord(mediaType) + QStringLiteral(" file is missing from local media cache.");
+    return mediaWord(mediaType) + u" file is missing from local media cache."_s;
 }
 
 QString refusedText(const QString& mediaType)
 {
-    return mediaWord(mediaType)
-        + QStringLiteral(" file is not a plain file in its account's media folder, so it is not opened.");
+    return mediaWord(mediaType) + u" file is not a plain file in its account's media folder, so it is not opened."_s;
 }
 
 MediaState mediaState(
@@ -144,15 +142,15 @@ MediaState mediaState(
     if (isSet(row.mediaPath))
         return { MediaState::Kind::Missing, missingText(row.mediaType.value_or(QString())) };
     if (!download)
-        return { MediaState::Kind::Download, QStringLiteral("Download") };
+        return { MediaState::Kind::Download, u"Download"_s };
     if (download->kind == MediaDownloadStatus::Kind::Downloading)
-        return { MediaState::Kind::Downloading, QStringLiteral("Fetching from %1...").arg(channelLabel(row.platform)) };
+        return { MediaState::Kind::Downloading, u"Fetching from %1..."_s.arg(channelLabel(row.platform)) };
     return { MediaState::Kind::Failed, download->message };
 }
 
 QString readableText(const UnifiedMsgRow& row)
 {
-    const bool isAudio = row.mediaType && row.mediaType->toLower() == QStringLiteral("audio");
+    const bool isAudio = row.mediaType && row.mediaType->toLower() == u"audio"_s;
     return singleLine(isAudio ? row.audioTranscript.value_or(QString()) : row.body);
 }
 

@@ -1,6 +1,7 @@
 #include "Inbox/Thread/VoicePlayer.h"
 
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Inbox/Thread/MediaFile.h"
 #include "Inbox/Thread/ThreadView.h"
 
@@ -44,9 +45,9 @@ QString VoicePlayer::stateText() const
     case State::Idle:
         return {};
     case State::Playing:
-        return QStringLiteral("Playing");
+        return u"Playing"_s;
     case State::Paused:
-        return QStringLiteral("Paused");
+        return u"Paused"_s;
     case State::Failed:
         return m_problem.isEmpty() ? m_player.errorText() : m_problem;
     }
@@ -55,7 +56,7 @@ QString VoicePlayer::stateText() const
 
 QString VoicePlayer::actionText() const
 {
-    return current() == State::Playing ? QStringLiteral("Pause") : QStringLiteral("Play");
+    return current() == State::Playing ? u"Pause"_s : u"Play"_s;
 }
 
 QString VoicePlayer::positionText() const
@@ -89,7 +90,7 @@ void VoicePlayer::toggle(const QString& messageId)
         return;
     m_player.stop();
     const QString path = row->mediaPath.value_or(QString());
-    const QString kind = QStringLiteral("audio");
+    const QString kind = u"audio"_s;
     m_messageId = messageId;
     m_problem = describe(checkMedia(path, kind, m_engine.mediaPlaces(*row)), kind);
     if (m_problem.isEmpty())

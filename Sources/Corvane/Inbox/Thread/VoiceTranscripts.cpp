@@ -1,6 +1,7 @@
 #include "Inbox/Thread/VoiceTranscripts.h"
 
 #include "Engines/EngineManager.h"
+#include "Foundation/Literals.h"
 #include "Inbox/Thread/MediaFile.h"
 #include "Inbox/Thread/ThreadView.h"
 #include "Store/Messages/AudioTranscripts.h"
@@ -59,12 +60,12 @@ void VoiceTranscripts::transcribe(const QString& messageId)
     if (!row || (running && running->kind == Kind::Loading))
         return;
     const QString path = row->mediaPath.value_or(QString());
-    const QString kind = QStringLiteral("audio");
+    const QString kind = u"audio"_s;
     const QString problem = describe(checkMedia(path, kind, m_engine.mediaPlaces(*row)), kind);
     if (!problem.isEmpty())
         return set(messageId, Kind::Failed, problem);
     m_jobs.insert(messageId, {});
-    set(messageId, Kind::Loading, QStringLiteral("Transcribing locally…"));
+    set(messageId, Kind::Loading, u"Transcribing locally…"_s);
     run(messageId, path, m_jobs[messageId].cancel);
 }
 
@@ -77,7 +78,7 @@ QCoro::Task<> VoiceTranscripts::run(QString messageId, QString path, CancelHandl
     request.cancel = cancel;
     request.onProgress = [self, messageId](double progress) {
         if (self && progress > 0 && progress < 1)
-            self->set(messageId, Kind::Loading, QStringLiteral("Transcribing locally… %1 %").arg(int(progress * 100)));
+            self->set(messageId, Kind::Loading, u"Transcribing locally… %1 %"_s.arg(int(progress * 100)));
     };
     const TranscriptionOutcome outcome = co_await m_voice.speech.transcribe(std::move(request));
     if (!self)
@@ -91,13 +92,12 @@ QCoro::Task<> VoiceTranscripts::run(QString messageId, QString path, CancelHandl
     if (!outcome) {
         const bool isMissing = outcome.error().kind == Error::MissingModel;
         set(messageId, isMissing ? Kind::MissingModel : Kind::Failed,
-            isMissing ? QStringLiteral("Only English can be transcribed without a speech model.")
-                      : describe(outcome.error()));
+            isMissing ? u"Only English can be transcribed without a speech model."_s : describe(outcome.error()));
         co_return;
     }
     writeSegments(path, *outcome);
     if (!storeAudioTranscript(m_engine.db(), { messageId, path, outcome->text, transcriptModel(outcome->model) })) {
-        set(messageId, Kind::Failed, QStringLiteral("The transcript could not be saved."));
+        set(messageId, Kind::Failed, u"The transcript could not be saved."_s);
         co_return;
     }
     m_jobs.remove(messageId);

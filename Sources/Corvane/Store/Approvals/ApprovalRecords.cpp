@@ -1,5 +1,6 @@
 #include "Store/Approvals/ApprovalRecords.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 
@@ -24,24 +25,24 @@ const Table<ApprovalRecord> records("approval_record",
 
 QString hashOf(const ApprovalRecord& line)
 {
-    return fieldsHash({ QStringLiteral("approval_record"), QString::number(line.seq), QString::number(line.at),
-        line.kind, line.subjectId, line.action, line.contentHash, line.previousHash });
+    return fieldsHash({ u"approval_record"_s, QString::number(line.seq), QString::number(line.at), line.kind,
+        line.subjectId, line.action, line.contentHash, line.previousHash });
 }
 
 QString lineName(qint64 seq)
 {
-    return QStringLiteral("line %1").arg(seq);
+    return u"line %1"_s.arg(seq);
 }
 
 /// What is wrong between a line and the one before it, which may be none.
 std::optional<QString> breakBetween(const ApprovalRecord& before, const ApprovalRecord& line)
 {
     if (line.seq != before.seq + 1)
-        return QStringLiteral("%1 is missing").arg(lineName(before.seq + 1));
+        return u"%1 is missing"_s.arg(lineName(before.seq + 1));
     if (hashOf(line) != line.hash)
-        return QStringLiteral("%1 was changed after it was written").arg(lineName(line.seq));
+        return u"%1 was changed after it was written"_s.arg(lineName(line.seq));
     if (line.previousHash != before.hash)
-        return QStringLiteral("%1 does not continue the line before it").arg(lineName(line.seq));
+        return u"%1 does not continue the line before it"_s.arg(lineName(line.seq));
     return std::nullopt;
 }
 
@@ -61,8 +62,7 @@ QString fieldsHash(const QStringList& fields)
 bool appendRecord(
     LocalDB& db, const QString& kind, const QString& subjectId, const QString& action, const QString& contentHash)
 {
-    const ApprovalRecord last
-        = records.first(db, QStringLiteral("ORDER BY seq DESC LIMIT 1;"), {}).value_or(ApprovalRecord());
+    const ApprovalRecord last = records.first(db, u"ORDER BY seq DESC LIMIT 1;"_s, {}).value_or(ApprovalRecord());
     ApprovalRecord line { last.seq + 1, db.nowMs(), kind, subjectId, action, contentHash, last.hash, {} };
     line.hash = hashOf(line);
     return records.insert(db, line);
@@ -71,13 +71,13 @@ bool appendRecord(
 void recordUndo(LocalDB& db, const QString& kind, const QString& subjectId, const QString& contentHash)
 {
     Transaction transaction(db);
-    if (transaction.begun() && appendRecord(db, kind, subjectId, QStringLiteral("undo"), contentHash))
+    if (transaction.begun() && appendRecord(db, kind, subjectId, u"undo"_s, contentHash))
         (void)transaction.commit();
 }
 
 QList<ApprovalRecord> latestRecords(LocalDB& db, int limit)
 {
-    return records.rows(db, QStringLiteral("ORDER BY seq DESC LIMIT ?;"), { limit });
+    return records.rows(db, u"ORDER BY seq DESC LIMIT ?;"_s, { limit });
 }
 
 RecordCheck checkRecords(SqlConnection& db)
@@ -85,29 +85,28 @@ RecordCheck checkRecords(SqlConnection& db)
     const auto tables = db.rows("SELECT 1 FROM sqlite_master WHERE type='table' AND name='approval_record';", {},
         [](const SqlRow& row) { return row.integer(0); });
     if (tables.isEmpty())
-        return { false, QStringLiteral("This database holds no record of decisions.") };
+        return { false, u"This database holds no record of decisions."_s };
     // Before the lines: a program that runs meanwhile remembers no approval without a line for it.
     const auto live = db.rows("SELECT draft_id, content_hash FROM draft_approval ORDER BY draft_id;", {},
         [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
     ApprovalRecord before;
     QSet<std::pair<QString, QString>> approved;
-    for (const ApprovalRecord& line : records.rows(db, QStringLiteral("ORDER BY seq;"), {})) {
+    for (const ApprovalRecord& line : records.rows(db, u"ORDER BY seq;"_s, {})) {
         if (const auto wrong = breakBetween(before, line))
-            return { false, QStringLiteral("The record of decisions is broken: %1.").arg(*wrong) };
+            return { false, u"The record of decisions is broken: %1."_s.arg(*wrong) };
         if (line.action.startsWith(u"approve"))
             approved.insert({ line.subjectId, line.contentHash });
         before = line;
     }
     for (const auto& approval : live) {
         if (!approved.contains(approval))
-            return { false, QStringLiteral("The approval of %1 stands in no line of the record.").arg(approval.first) };
+            return { false, u"The approval of %1 stands in no line of the record."_s.arg(approval.first) };
     }
     if (before.seq == 0)
-        return { true, QStringLiteral("No decision has been recorded yet.") };
+        return { true, u"No decision has been recorded yet."_s };
     return { true,
-        QStringLiteral("The record of decisions is whole: %1, the last with the hash %2.")
-            .arg(
-                before.seq == 1 ? QStringLiteral("1 line") : QStringLiteral("%1 lines").arg(before.seq), before.hash) };
+        u"The record of decisions is whole: %1, the last with the hash %2."_s.arg(
+            before.seq == 1 ? u"1 line"_s : u"%1 lines"_s.arg(before.seq), before.hash) };
 }
 
 }

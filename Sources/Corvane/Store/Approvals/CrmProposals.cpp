@@ -2,6 +2,7 @@
 
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Result.h"
 #include "Store/Approvals/EventRequests.h"
 #include "Store/Core/Table.h"
@@ -17,12 +18,12 @@ namespace corvane {
 
 namespace {
 
-const QString pending = QStringLiteral("pending");
-const QString applied = QStringLiteral("applied");
-const QString rejected = QStringLiteral("rejected");
-const QString note = QStringLiteral("note");
-const QString task = QStringLiteral("task");
-const QString event = QStringLiteral("event");
+const QString pending = u"pending"_s;
+const QString applied = u"applied"_s;
+const QString rejected = u"rejected"_s;
+const QString note = u"note"_s;
+const QString task = u"task"_s;
+const QString event = u"event"_s;
 
 const Table<CRMUpdateProposal> proposals("crm_update_proposal",
     {
@@ -62,8 +63,7 @@ WHERE workspace_id=? AND id=?;)",
 
 bool recordDecision(LocalDB& db, const CRMUpdateProposal& proposal, const char* action)
 {
-    return appendRecord(
-        db, QStringLiteral("proposal"), proposal.id, QString::fromLatin1(action), proposalHash(proposal));
+    return appendRecord(db, u"proposal"_s, proposal.id, QString::fromLatin1(action), proposalHash(proposal));
 }
 
 struct Span {
@@ -74,8 +74,8 @@ struct Span {
 /// When a proposed event is; nothing where the payload tells no time that can be.
 std::optional<Span> spanOf(const QJsonObject& payload)
 {
-    const auto start = wholeNumber(payload, QLatin1StringView("startMs"));
-    const auto end = wholeNumber(payload, QLatin1StringView("endMs"));
+    const auto start = wholeNumber(payload, "startMs"_L1);
+    const auto end = wholeNumber(payload, "endMs"_L1);
     return start && end && *start > 0 && *end > *start ? std::optional(Span { *start, *end }) : std::nullopt;
 }
 
@@ -83,10 +83,10 @@ QString spanWords(const Span& span)
 {
     const QDateTime start = QDateTime::fromMSecsSinceEpoch(span.startMs);
     const QDateTime end = QDateTime::fromMSecsSinceEpoch(span.endMs);
-    const QString time = QStringLiteral("HH:mm");
-    const QString day = QStringLiteral("ddd d MMM yyyy, ") + time;
-    return QStringLiteral("%1 to %2")
-        .arg(QLocale::c().toString(start, day), QLocale::c().toString(end, start.date() == end.date() ? time : day));
+    const QString time = u"HH:mm"_s;
+    const QString day = u"ddd d MMM yyyy, "_s + time;
+    return u"%1 to %2"_s.arg(
+        QLocale::c().toString(start, day), QLocale::c().toString(end, start.date() == end.date() ? time : day));
 }
 
 /// When, where and more of an event, a line each.
@@ -106,9 +106,9 @@ QString taskWords(const QJsonObject& payload)
     const QString priority = payloadText(payload, "priority");
     QStringList lines { payloadText(payload, "title") };
     if (!due.isEmpty())
-        lines.append(QStringLiteral("Due: ") + due);
+        lines.append(u"Due: "_s + due);
     if (!priority.isEmpty() && priority != NewTask().priority)
-        lines.append(QStringLiteral("Priority: ") + priority);
+        lines.append(u"Priority: "_s + priority);
     return lines.join(u'\n');
 }
 
@@ -116,7 +116,7 @@ QString taskWords(const QJsonObject& payload)
 bool queueEvent(LocalDB& db, const QString& title, const Span& span, const QJsonObject& payload)
 {
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("calcmd"), now);
+    const QString id = stampedId(u"calcmd"_s, now);
     return db.run(R"(INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, notes, location, calendar,
   status, created_at, updated_at)
 VALUES(?,?,?,?,?,?,?,?,'pending',?,?);)",
@@ -129,13 +129,13 @@ VALUES(?,?,?,?,?,?,?,?,'pending',?,?);)",
 std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
 {
     const QJsonObject payload = payloadOf(proposal);
-    const QString notSaved = QStringLiteral("Couldn't save it, try again.");
+    const QString notSaved = u"Couldn't save it, try again."_s;
     if (proposal.kind == note) {
         if (proposal.contactId.isEmpty())
-            return QStringLiteral("No contact linked. Open CRM and link this call first.");
+            return u"No contact linked. Open CRM and link this call first."_s;
         const QString text = payloadText(payload, "body").trimmed();
         if (text.isEmpty())
-            return QStringLiteral("Call note payload is empty.");
+            return u"Call note payload is empty."_s;
         return addNote(db, proposal.contactId, text) ? std::nullopt : std::optional(notSaved);
     }
     const QString named = payloadText(payload, "title").trimmed();
@@ -143,7 +143,7 @@ std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
     if (proposal.kind == event) {
         const auto span = spanOf(payload);
         if (!span)
-            return QStringLiteral("The event has no time.");
+            return u"The event has no time."_s;
         return queueEvent(db, title, *span, payload) ? std::nullopt : std::optional(notSaved);
     }
     if (proposal.kind == task) {
@@ -156,7 +156,7 @@ std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
             = proposal.contactId.isEmpty() ? insertCRMTask(db, added) : insertCRMTask(db, proposal.contactId, added);
         return id ? std::nullopt : std::optional(notSaved);
     }
-    return QStringLiteral("Unsupported proposal kind: ") + proposal.kind;
+    return u"Unsupported proposal kind: "_s + proposal.kind;
 }
 
 }
@@ -189,8 +189,8 @@ std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id)
 
 QString proposalHash(const CRMUpdateProposal& proposal)
 {
-    return fieldsHash({ QStringLiteral("proposal"), proposal.kind, proposal.contactId, proposal.dealId, proposal.title,
-        proposal.payloadJson });
+    return fieldsHash(
+        { u"proposal"_s, proposal.kind, proposal.contactId, proposal.dealId, proposal.title, proposal.payloadJson });
 }
 
 Decided applyCRMUpdateProposal(LocalDB& db, const QString& id, const QString& seenHash)
@@ -243,7 +243,7 @@ bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contac
     if (!found || found->status != pending)
         return false;
     const qint64 now = db.nowMs();
-    const QString relink = QStringLiteral(R"(UPDATE crm_update_proposal
+    const QString relink = uR"(UPDATE crm_update_proposal
 SET contact_id=?, title=CASE
     WHEN kind='note' AND title LIKE 'Link contact,%' THEN 'Add call note'
     ELSE title
@@ -251,7 +251,7 @@ SET contact_id=?, title=CASE
   confidence=MAX(COALESCE(confidence,0), 0.98),
   error=NULL,
   updated_at=?
-WHERE workspace_id=? AND )");
+WHERE workspace_id=? AND )"_s;
     const bool ofCall = !found->callId.isEmpty();
     const bool linked = !ofCall
         || db.run(R"(UPDATE call_recording
@@ -259,8 +259,7 @@ SET contact_id=?, updated_at=?
 WHERE workspace_id=? AND id=?;)",
             { contactId, now, workspace, found->callId });
     return linked
-        && db.run(relink + (ofCall ? QStringLiteral("call_id=?") : QStringLiteral("id=?"))
-                + QStringLiteral(" AND status='pending';"),
+        && db.run(relink + (ofCall ? u"call_id=?"_s : u"id=?"_s) + u" AND status='pending';"_s,
             { contactId, now, workspace, ofCall ? found->callId : id })
         && transaction.commit();
 }

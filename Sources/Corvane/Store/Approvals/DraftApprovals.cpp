@@ -1,5 +1,6 @@
 #include "Store/Approvals/DraftApprovals.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Transaction.h"
 
 namespace corvane {
@@ -10,7 +11,7 @@ using enum DraftStatus;
 
 bool record(LocalDB& db, const QString& id, const char* action, const QString& hash)
 {
-    return appendRecord(db, QStringLiteral("draft"), id, QString::fromLatin1(action), hash);
+    return appendRecord(db, u"draft"_s, id, QString::fromLatin1(action), hash);
 }
 
 bool remember(LocalDB& db, const QString& id, const QString& hash)
@@ -92,7 +93,7 @@ bool failOne(LocalDB& db, const QString& id, DraftStatus from, const QString& er
 
 QString draftHash(const PendingDraft& draft)
 {
-    QStringList fields { QStringLiteral("draft"), draft.channel, draft.accountId, draft.externalId, draft.body };
+    QStringList fields { u"draft"_s, draft.channel, draft.accountId, draft.externalId, draft.body };
     // A text alone keeps the hash that it always had.
     if (!draft.subject.isEmpty() || !draft.files.isEmpty())
         fields += { draft.subject, draft.files };

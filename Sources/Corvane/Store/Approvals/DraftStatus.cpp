@@ -1,5 +1,7 @@
 #include "Store/Approvals/DraftStatus.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 #include <array>
 
@@ -58,24 +60,24 @@ QString describe(DraftFailure failure, const QString& what)
 {
     switch (failure) {
     case DraftFailure::Unacknowledged:
-        return QStringLiteral("Engine never acknowledged the send — Retry to requeue.");
+        return u"Engine never acknowledged the send — Retry to requeue."_s;
     case DraftFailure::Changed:
-        return QStringLiteral("This draft changed after you approved it. Read it again before you decide.");
+        return u"This draft changed after you approved it. Read it again before you decide."_s;
     case DraftFailure::Unreadable:
-        return QStringLiteral("The text of this draft can't be read as it is stored.");
+        return u"The text of this draft can't be read as it is stored."_s;
     case DraftFailure::EarlierTextUnread:
-        return QStringLiteral("The engine has not read the earlier text yet, so that one may still go out. Stop the "
-                              "account before you send this one.");
+        return u"The engine has not read the earlier text yet, so that one may still go out. Stop the "
+               "account before you send this one."_s;
     case DraftFailure::Uncertain:
-        return QStringLiteral("It may have gone out. ") + what;
+        return u"It may have gone out. "_s + what;
     case DraftFailure::AccountGone:
-        return QStringLiteral("Account %1 is no longer connected").arg(what);
+        return u"Account %1 is no longer connected"_s.arg(what);
     case DraftFailure::NoFiles:
-        return QStringLiteral("The account %1 can't carry files.").arg(what);
+        return u"The account %1 can't carry files."_s.arg(what);
     case DraftFailure::FileGone:
-        return QStringLiteral("The file %1 is gone. Write the message again with it.").arg(what);
+        return u"The file %1 is gone. Write the message again with it."_s.arg(what);
     case DraftFailure::FileChanged:
-        return QStringLiteral("The file %1 changed after it was attached. Write the message again with it.").arg(what);
+        return u"The file %1 changed after it was attached. Write the message again with it."_s.arg(what);
     }
     return {};
 }

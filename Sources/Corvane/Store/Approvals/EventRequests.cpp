@@ -1,10 +1,9 @@
 #include "Store/Approvals/EventRequests.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Transaction.h"
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 QString eventHash(const CalCommand& command)
 {

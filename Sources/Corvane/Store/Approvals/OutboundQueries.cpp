@@ -1,6 +1,7 @@
 #include "Store/Approvals/OutboundQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
@@ -31,7 +32,7 @@ const Table<PendingDraft> drafts("outbound_draft",
 
 QString placeholders(qsizetype count)
 {
-    return QStringList(count, QStringLiteral("?")).join(u',');
+    return QStringList(count, u"?"_s).join(u',');
 }
 
 }
@@ -48,7 +49,7 @@ bool queueDraft(LocalDB& db, const QString& conversationId, const OutgoingMessag
                                    "unified_conversation WHERE id=? AND deleted_at IS NULL;",
         { conversationId }, [&](const SqlRow& row) {
             PendingDraft queued;
-            queued.id = stampedId(QStringLiteral("od"), now);
+            queued.id = stampedId(u"od"_s, now);
             queued.conversationId = conversationId;
             queued.channel = row.text(2);
             queued.accountId = row.text(0);
@@ -86,10 +87,9 @@ QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses,
     for (const DraftStatus status : statuses)
         parameters.append(draftStatusWord(status));
     parameters.append(limit);
-    const QString which = QStringLiteral(R"(WHERE workspace_id=? AND status IN (%1)
+    const QString which = uR"(WHERE workspace_id=? AND status IN (%1)
 ORDER BY CASE status WHEN 'failed' THEN 0 WHEN 'pending' THEN 1 WHEN 'sending' THEN 2 ELSE 3 END, created_at ASC
-LIMIT ?;)")
-                              .arg(placeholders(statuses.size()));
+LIMIT ?;)"_s.arg(placeholders(statuses.size()));
     return drafts.rows(db, which, parameters);
 }
 
@@ -99,9 +99,9 @@ QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountI
     for (const QString& accountId : accountIds)
         parameters.append(accountId);
     parameters.append(limit);
-    const QString which = QStringLiteral(
-        "WHERE workspace_id=? AND status='approved' AND account_id IN (%1) ORDER BY created_at ASC LIMIT ?;")
-                              .arg(placeholders(accountIds.size()));
+    const QString which
+        = u"WHERE workspace_id=? AND status='approved' AND account_id IN (%1) ORDER BY created_at ASC LIMIT ?;"_s.arg(
+            placeholders(accountIds.size()));
     return drafts.rows(db, which, parameters);
 }
 
@@ -138,7 +138,7 @@ bool mayHaveGoneOut(const PendingDraft& draft)
 
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id)
 {
-    return drafts.first(db, QStringLiteral("WHERE id=?;"), { id });
+    return drafts.first(db, u"WHERE id=?;"_s, { id });
 }
 
 bool moveDraft(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to)

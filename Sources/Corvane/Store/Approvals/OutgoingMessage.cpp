@@ -1,6 +1,7 @@
 #include "Store/Approvals/OutgoingMessage.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -37,7 +38,7 @@ qint64 totalBytes(const QList<OutgoingFile>& files)
 QString filesText(const QList<OutgoingFile>& files)
 {
     if (files.isEmpty())
-        return QStringLiteral("");
+        return u""_s;
     QJsonArray array;
     for (const OutgoingFile& file : files)
         array.append(QJsonObject {

@@ -1,5 +1,6 @@
 #include "Store/Approvals/WorkDecisions.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Work/WorkWrites.h"
 
@@ -21,7 +22,7 @@ Decided decide(LocalDB& db, const QString& id, const char* action, const QString
     if (seenHash && *seenHash != hash)
         return Decided::Changed;
     const bool done = updateWorkDecisionStatus(db, id, status, decidedBy)
-        && appendRecord(db, QStringLiteral("decision"), id, QString::fromLatin1(action), hash) && transaction.commit();
+        && appendRecord(db, u"decision"_s, id, QString::fromLatin1(action), hash) && transaction.commit();
     return done ? Decided::Taken : Decided::Refused;
 }
 
@@ -29,18 +30,18 @@ Decided decide(LocalDB& db, const QString& id, const char* action, const QString
 
 QString decisionHash(const WorkDecisionRecord& decision)
 {
-    return fieldsHash({ QStringLiteral("decision"), decision.module, decision.title, decision.proposal,
-        decision.rationale, decision.risk });
+    return fieldsHash(
+        { u"decision"_s, decision.module, decision.title, decision.proposal, decision.rationale, decision.risk });
 }
 
 Decided approveWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy, const QString& seenHash)
 {
-    return decide(db, id, "approve", QStringLiteral("approved"), decidedBy, seenHash);
+    return decide(db, id, "approve", u"approved"_s, decidedBy, seenHash);
 }
 
 Decided rejectWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy)
 {
-    return decide(db, id, "reject", QStringLiteral("rejected"), decidedBy, std::nullopt);
+    return decide(db, id, "reject", u"rejected"_s, decidedBy, std::nullopt);
 }
 
 }

@@ -1,6 +1,7 @@
 #include "Store/Assistant/DraftQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
@@ -32,7 +33,7 @@ void addSection(QStringList& sections, const QString& title, const QList<MemoryE
         return;
     QStringList lines { title };
     for (const MemoryEntry& entry : entries)
-        lines.append(QStringLiteral("- ") + promptLine(entry.body));
+        lines.append(u"- "_s + promptLine(entry.body));
     sections.append(lines.join(u'\n'));
 }
 
@@ -41,24 +42,22 @@ void addSection(QStringList& sections, const QString& title, const QList<MemoryE
 QString memorySnapshot(LocalDB& db, const std::optional<QString>& contactId)
 {
     QStringList sections;
-    db.exec(QStringLiteral("SAVEPOINT memory_snapshot;")); // the sections are of one moment
-    addSection(sections, QStringLiteral("Business:"), fetchMemoryEntries(db, QStringLiteral("business")));
-    addSection(sections, QStringLiteral("Owner:"), fetchMemoryEntries(db, QStringLiteral("owner")));
+    db.exec(u"SAVEPOINT memory_snapshot;"_s); // the sections are of one moment
+    addSection(sections, u"Business:"_s, fetchMemoryEntries(db, u"business"_s));
+    addSection(sections, u"Owner:"_s, fetchMemoryEntries(db, u"owner"_s));
     if (contactId)
-        addSection(
-            sections, QStringLiteral("This contact:"), fetchMemoryEntries(db, QStringLiteral("contact:") + *contactId));
-    db.exec(QStringLiteral("RELEASE memory_snapshot;"));
+        addSection(sections, u"This contact:"_s, fetchMemoryEntries(db, u"contact:"_s + *contactId));
+    db.exec(u"RELEASE memory_snapshot;"_s);
     if (sections.isEmpty())
         return {};
-    return QStringLiteral("\n\nKNOWN CONTEXT (curated memory — treat as true, never contradict):\n")
-        + sections.join(u'\n');
+    return u"\n\nKNOWN CONTEXT (curated memory — treat as true, never contradict):\n"_s + sections.join(u'\n');
 }
 
 bool insertDraftMetadata(LocalDB& db, const DraftMetadataRow& row)
 {
     const qint64 now = db.nowMs();
     return metadata.insert(db, row,
-        { { "id", stampedId(QStringLiteral("dm"), now) }, { "workspace_id", activeWorkspaceId(db) },
+        { { "id", stampedId(u"dm"_s, now) }, { "workspace_id", activeWorkspaceId(db) },
             { "used_message_ids", jsonString(row.usedMessageIds) }, { "warnings", jsonString(row.warnings) },
             { "created_at", now } });
 }

@@ -1,5 +1,6 @@
 #include "Store/Core/DamagedFile.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QFile>
@@ -9,13 +10,13 @@ namespace corvane {
 
 namespace {
 
-const QString logSuffix = QStringLiteral("-wal");
-const QString indexSuffix = QStringLiteral("-shm"); // of the log, from which SQLite makes it anew
+const QString logSuffix = u"-wal"_s;
+const QString indexSuffix = u"-shm"_s; // of the log, from which SQLite makes it anew
 
 QString asidePath(const QString& path, int n)
 {
-    const QString first = path + QStringLiteral(".damaged");
-    return n == 1 ? first : QStringLiteral("%1-%2").arg(first).arg(n);
+    const QString first = path + u".damaged"_s;
+    return n == 1 ? first : u"%1-%2"_s.arg(first).arg(n);
 }
 
 }
@@ -30,11 +31,11 @@ std::optional<QString> moveAside(const QString& path)
     // The log goes first: a log that stayed behind would be read into the file that comes next.
     if ((hasLog && !QFile::rename(path + logSuffix, aside + logSuffix)) || !QFile::rename(path, aside)) {
         QFile::rename(aside + logSuffix, path + logSuffix);
-        log(QStringLiteral("%1 is damaged and cannot be moved").arg(path));
+        log(u"%1 is damaged and cannot be moved"_s.arg(path));
         return std::nullopt;
     }
     QFile::remove(path + indexSuffix);
-    log(QStringLiteral("%1 is damaged; it was moved to %2").arg(path, aside));
+    log(u"%1 is damaged; it was moved to %2"_s.arg(path, aside));
     return aside;
 }
 

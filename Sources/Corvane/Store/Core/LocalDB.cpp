@@ -1,5 +1,6 @@
 #include "Store/Core/LocalDB.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/Scheduler.h"
 #include "Store/Core/DamagedFile.h"
@@ -36,7 +37,7 @@ LocalDB::LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& sc
 {
     noteResultsIn(m_health.get());
     if (!openFile())
-        log(QStringLiteral("LocalDB: failed to open ") + path);
+        log(u"LocalDB: failed to open "_s + path);
 }
 
 LocalDB::~LocalDB() = default;
@@ -71,12 +72,12 @@ bool LocalDB::openFile()
     QDir().mkpath(QFileInfo(path()).path());
     if (!SqlConnection::openFile(Access::ReadWrite))
         return false;
-    exec(QStringLiteral("PRAGMA journal_mode=WAL;"));
-    exec(QStringLiteral("PRAGMA busy_timeout=%1;").arg(busyTimeoutMs));
-    exec(QStringLiteral("PRAGMA foreign_keys=ON;"));
+    exec(u"PRAGMA journal_mode=WAL;"_s);
+    exec(u"PRAGMA busy_timeout=%1;"_s.arg(busyTimeoutMs));
+    exec(u"PRAGMA foreign_keys=ON;"_s);
     // A savepoint a line copies each page that the line changes. In a file that costs a third of a group.
-    exec(QStringLiteral("PRAGMA temp_store=MEMORY;"));
-    exec(QStringLiteral("PRAGMA cache_size=-16384;")); // KiB
+    exec(u"PRAGMA temp_store=MEMORY;"_s);
+    exec(u"PRAGMA cache_size=-16384;"_s); // KiB
     applySchema(*this, m_schema);
     return true;
 }
@@ -118,7 +119,7 @@ bool LocalDB::begin(Patience patience)
     const bool begun = step(statement.get()) == SQLITE_DONE;
     sqlite3_busy_timeout(m_db, busyTimeoutMs);
     if (!begun && patience == Patience::Full)
-        log(QStringLiteral("LocalDB.begin failed: ") + errorMessage());
+        log(u"LocalDB.begin failed: "_s + errorMessage());
     return begun;
 }
 
@@ -128,7 +129,7 @@ bool LocalDB::isHeldElsewhere()
         return false;
     if (!begin(Patience::Frame))
         return sqlite3_errcode(m_db) == SQLITE_BUSY;
-    exec(QStringLiteral("COMMIT;"));
+    exec(u"COMMIT;"_s);
     return false;
 }
 
@@ -140,10 +141,10 @@ QString LocalDB::errorMessage() const
 void LocalDB::exec(const QString& sql)
 {
     if (!m_db)
-        return log(QStringLiteral("LocalDB exec error: ") + errorMessage());
+        return log(u"LocalDB exec error: "_s + errorMessage());
     char* message = nullptr;
     if (noted(sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, &message)) != SQLITE_OK)
-        log(QStringLiteral("LocalDB exec error: ") + QString::fromUtf8(message));
+        log(u"LocalDB exec error: "_s + QString::fromUtf8(message));
     sqlite3_free(message);
 }
 
@@ -151,14 +152,14 @@ bool LocalDB::run(const QString& sql, const QList<SqlValue>& parameters)
 {
     const Statement statement = prepare(sql.toUtf8());
     if (!statement) {
-        log(QStringLiteral("LocalDB.run prepare failed: %1 — %2").arg(errorMessage(), sql));
+        log(u"LocalDB.run prepare failed: %1 — %2"_s.arg(errorMessage(), sql));
         return false;
     }
     bind(statement.get(), parameters, Binding::Every);
     const int code = step(statement.get());
     if (code == SQLITE_DONE || code == SQLITE_ROW)
         return true;
-    log(QStringLiteral("LocalDB.run step failed (rc=%1): %2 — %3").arg(QString::number(code), errorMessage(), sql));
+    log(u"LocalDB.run step failed (rc=%1): %2 — %3"_s.arg(QString::number(code), errorMessage(), sql));
     return false;
 }
 
@@ -180,26 +181,24 @@ std::optional<QString> LocalDB::scalar(const QString& sql, const QList<SqlValue>
 
 bool LocalDB::tableExists(const QString& table)
 {
-    return scalar(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"), { table })
-        .has_value();
+    return scalar(u"SELECT 1 FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"_s, { table }).has_value();
 }
 
 bool LocalDB::columnExists(const QString& table, const QString& column)
 {
-    const auto names
-        = rows(QStringLiteral("PRAGMA table_info(%1);").arg(table), {}, [](const SqlRow& row) { return row.text(1); });
+    const auto names = rows(u"PRAGMA table_info(%1);"_s.arg(table), {}, [](const SqlRow& row) { return row.text(1); });
     return names.contains(column);
 }
 
 std::optional<QString> LocalDB::tableSQL(const QString& table)
 {
-    return scalar(QStringLiteral("SELECT sql FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"), { table });
+    return scalar(u"SELECT sql FROM sqlite_master WHERE type='table' AND name=? LIMIT 1;"_s, { table });
 }
 
 void LocalDB::addColumnIfMissing(const QString& table, const QString& column, const QString& definition)
 {
     if (!columnExists(table, column))
-        exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2;").arg(table, definition));
+        exec(u"ALTER TABLE %1 ADD COLUMN %2;"_s.arg(table, definition));
 }
 
 qint64 LocalDB::nowMs() const

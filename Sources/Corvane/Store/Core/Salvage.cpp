@@ -1,5 +1,7 @@
 #include "Store/Core/Salvage.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFile>
 #include <cerrno>
 #include <deque>
@@ -50,7 +52,7 @@ QString textOf(sqlite3_stmt* statement, int column)
 
 QString quoted(QString name)
 {
-    return u'"' + name.replace(u'"', QStringLiteral("\"\"")) + u'"';
+    return u'"' + name.replace(u'"', u"\"\""_s) + u'"';
 }
 
 /// A block that the disk does not give becomes zeros.
@@ -59,18 +61,18 @@ Result<void> copyBlocks(const QString& from, const QString& to, const std::atomi
     QFile source(from);
     QFile copy(to);
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !copy.open(QIODevice::WriteOnly))
-        return failure(QStringLiteral("%1 cannot be copied.").arg(from));
+        return failure(u"%1 cannot be copied."_s.arg(from));
     const qint64 size = source.size();
     for (qint64 at = 0; at < size && !stopped; at += blockBytes) {
         QByteArray block(std::min(blockBytes, size - at), '\0');
         const ssize_t read = ::pread(source.handle(), block.data(), size_t(block.size()), at);
         if (read < 0 && errno != EIO)
-            return failure(QStringLiteral("%1 cannot be read.").arg(from));
+            return failure(u"%1 cannot be read."_s.arg(from));
         if (copy.write(block) != block.size())
-            return failure(QStringLiteral("There is not enough room on the disk."));
+            return failure(u"There is not enough room on the disk."_s);
     }
     if (!copy.flush())
-        return failure(QStringLiteral("There is not enough room on the disk."));
+        return failure(u"There is not enough room on the disk."_s);
     return {};
 }
 
@@ -108,14 +110,14 @@ public:
             executed(m_to, QString::fromLatin1(pragma));
         const QList<Table> tables = readableTables();
         if (tables.isEmpty())
-            return failure(QStringLiteral("Nothing can be read from the damaged file."));
+            return failure(u"Nothing can be read from the damaged file."_s);
         m_progress.allTables = int(tables.size());
         for (const Table& table : tables) {
             ++m_progress.tables;
-            if (!executed(m_to, QStringLiteral("BEGIN;")) || !copy(table) || !executed(m_to, QStringLiteral("COMMIT;")))
-                return failure(m_progress.stopped ? QStringLiteral("Stopped.")
-                                                  : QStringLiteral("The new file cannot be written: %1.")
-                                                        .arg(QString::fromUtf8(sqlite3_errmsg(m_to.get()))));
+            if (!executed(m_to, u"BEGIN;"_s) || !copy(table) || !executed(m_to, u"COMMIT;"_s))
+                return failure(m_progress.stopped
+                        ? u"Stopped."_s
+                        : u"The new file cannot be written: %1."_s.arg(QString::fromUtf8(sqlite3_errmsg(m_to.get()))));
         }
         m_salvaged.rows = m_progress.rows;
         return m_salvaged;
@@ -138,8 +140,8 @@ private:
     {
         QList<Table> tables;
         const Statement statement = prepared(m_from,
-            QStringLiteral("SELECT name, sql FROM sqlite_master WHERE type='table' AND sql LIKE 'CREATE TABLE%' "
-                           "AND name NOT LIKE 'sqlite_%' AND name != 'write_probe';"));
+            u"SELECT name, sql FROM sqlite_master WHERE type='table' AND sql LIKE 'CREATE TABLE%' "
+            "AND name NOT LIKE 'sqlite_%' AND name != 'write_probe';"_s);
         while (statement && sqlite3_step(statement.get()) == SQLITE_ROW)
             tables.append({ textOf(statement.get(), 0), textOf(statement.get(), 1) });
         return tables;
@@ -152,15 +154,14 @@ private:
             m_salvaged.tornTables.append(table.name);
             return true;
         }
-        const QString list = columns.join(QStringLiteral(", "));
-        const QString range
-            = QStringLiteral("SELECT rowid, %1 FROM %2 NOT INDEXED WHERE rowid BETWEEN ? AND ? ORDER BY "
-                             "rowid %3;");
-        m_up = prepared(m_from, range.arg(list, quoted(table.name), QStringLiteral("ASC")));
-        m_down = prepared(m_from, range.arg(list, quoted(table.name), QStringLiteral("DESC")));
+        const QString list = columns.join(u", "_s);
+        const QString range = u"SELECT rowid, %1 FROM %2 NOT INDEXED WHERE rowid BETWEEN ? AND ? ORDER BY "
+                              "rowid %3;"_s;
+        m_up = prepared(m_from, range.arg(list, quoted(table.name), u"ASC"_s));
+        m_down = prepared(m_from, range.arg(list, quoted(table.name), u"DESC"_s));
         m_insert = prepared(m_to,
-            QStringLiteral("INSERT OR IGNORE INTO %1(rowid, %2) VALUES(?%3);")
-                .arg(quoted(table.name), list, QStringLiteral(",?").repeated(columns.size())));
+            u"INSERT OR IGNORE INTO %1(rowid, %2) VALUES(?%3);"_s.arg(
+                quoted(table.name), list, u",?"_s.repeated(columns.size())));
         m_torn = !m_up || !m_down || !m_insert;
         const bool written = m_torn || fillGaps();
         if (m_torn)
@@ -171,14 +172,13 @@ private:
     /// The columns, quoted; the new table gets those that it lacks.
     QStringList matchColumns(const Table& table)
     {
-        executed(m_to, QString(table.sql).replace(0, 12, QStringLiteral("CREATE TABLE IF NOT EXISTS")));
+        executed(m_to, QString(table.sql).replace(0, 12, u"CREATE TABLE IF NOT EXISTS"_s));
         QStringList columns;
-        const Statement info = prepared(m_from, QStringLiteral("PRAGMA table_info(%1);").arg(quoted(table.name)));
+        const Statement info = prepared(m_from, u"PRAGMA table_info(%1);"_s.arg(quoted(table.name)));
         while (info && sqlite3_step(info.get()) == SQLITE_ROW) {
             const QString column = quoted(textOf(info.get(), 1));
-            executed(m_to,
-                QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3;")
-                    .arg(quoted(table.name), column, textOf(info.get(), 2)));
+            executed(
+                m_to, u"ALTER TABLE %1 ADD COLUMN %2 %3;"_s.arg(quoted(table.name), column, textOf(info.get(), 2)));
             columns.append(column);
         }
         return columns;
@@ -258,8 +258,8 @@ private:
 
 Result<Salvaged> salvage(const QString& damaged, const QString& target, SalvageProgress& progress)
 {
-    const QString copy = target + QStringLiteral(".copy");
-    const QString wal = QStringLiteral("-wal");
+    const QString copy = target + u".copy"_s;
+    const QString wal = u"-wal"_s;
     auto copied = copyBlocks(damaged, copy, progress.stopped);
     if (copied && QFile::exists(damaged + wal))
         copied = copyBlocks(damaged + wal, copy + wal, progress.stopped);
@@ -268,7 +268,7 @@ Result<Salvaged> salvage(const QString& damaged, const QString& target, SalvageP
         mendHeader(copy, target);
         result = Copier(opened(copy), opened(target), progress).run();
     }
-    for (const QString& suffix : { QString(), wal, QStringLiteral("-shm"), QStringLiteral("-journal") })
+    for (const QString& suffix : { QString(), wal, u"-shm"_s, u"-journal"_s })
         QFile::remove(copy + suffix);
     return result;
 }

@@ -1,5 +1,6 @@
 #include "Store/Core/SqlConnection.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/StoreHealth.h"
 
 #include <sqlite3.h>
@@ -29,7 +30,7 @@ void bindText(sqlite3_stmt* statement, int index, const QString& text)
 QString SqlRow::text(int column) const
 {
     const unsigned char* text = sqlite3_column_text(m_statement, column);
-    return text ? QString::fromUtf8(reinterpret_cast<const char*>(text)) : QStringLiteral("");
+    return text ? QString::fromUtf8(reinterpret_cast<const char*>(text)) : u""_s;
 }
 
 std::optional<QString> SqlRow::optionalText(int column) const

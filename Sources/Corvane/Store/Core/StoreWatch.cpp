@@ -1,10 +1,9 @@
 #include "Store/Core/StoreWatch.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 #include <QStringList>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,7 @@
 #include "Store/Core/Table.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 
 namespace corvane {
@@ -13,7 +15,7 @@ TableText::TableText(const char* table, const QList<Part>& parts)
     for (const Part& part : parts) {
         const QString name = QString::fromLatin1(part.name);
         if (part.isRead && part.forNull)
-            read.append(QStringLiteral("COALESCE(%1,%2)").arg(name, QLatin1StringView(part.forNull)));
+            read.append(u"COALESCE(%1,%2)"_s.arg(name, QLatin1StringView(part.forNull)));
         else if (part.isRead)
             read.append(name);
         if (part.written) {
@@ -21,9 +23,9 @@ TableText::TableText(const char* table, const QList<Part>& parts)
             values.append(QString::fromLatin1(part.written));
         }
     }
-    const QString comma = QStringLiteral(", ");
-    m_select = QStringLiteral("SELECT %1\nFROM %2\n").arg(read.join(comma), QLatin1StringView(table));
-    m_insertion = QStringLiteral("INSERT INTO %1(%2)\nVALUES(%3)").arg(m_name, written.join(comma), values.join(u','));
+    const QString comma = u", "_s;
+    m_select = u"SELECT %1\nFROM %2\n"_s.arg(read.join(comma), QLatin1StringView(table));
+    m_insertion = u"INSERT INTO %1(%2)\nVALUES(%3)"_s.arg(m_name, written.join(comma), values.join(u','));
 }
 
 bool TableText::isBound(const char* written)

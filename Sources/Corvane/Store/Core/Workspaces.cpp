@@ -1,5 +1,6 @@
 #include "Store/Core/Workspaces.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Foundation/UserDefaults.h"
 #include "Store/Core/Table.h"
@@ -22,9 +23,9 @@ const Table<WorkspaceRow> workspaces("sync_workspace",
         { "updated_at" },
     });
 
-const QString fallback = QStringLiteral("local");
-const QString activeKey = QStringLiteral("nimb.activeWorkspaceId");
-const QString noticeKey = QStringLiteral("nimb.workspaceSelectionNotice");
+const QString fallback = u"local"_s;
+const QString activeKey = u"nimb.activeWorkspaceId"_s;
+const QString noticeKey = u"nimb.workspaceSelectionNotice"_s;
 
 struct WorkspaceWithData {
     QString id;
@@ -85,8 +86,8 @@ bool migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
     const auto runFor
         = [&](const char* sql, const char* table, const QList<SqlValue>& parameters, const char* column = "") {
               changed += db.changedRows(QString::fromUtf8(sql)
-                                            .replace(QLatin1String("{table}"), QLatin1String(table))
-                                            .replace(QLatin1String("{column}"), QLatin1String(column)),
+                                            .replace("{table}"_L1, QLatin1StringView(table))
+                                            .replace("{column}"_L1, QLatin1StringView(column)),
                   parameters);
           };
     for (const char* table : { "unified_message", "call_recording", "outbound_draft", "draft_metadata",
@@ -111,7 +112,7 @@ SET id='web:' || ? || ':' || substr(id, 5)
 WHERE workspace_id='local' AND id = 'web:' || channel || ':' || external_id;)",
         { target });
     const auto legacyIds = [](const char* kind) {
-        return QStringLiteral("web:%1:%").arg(QLatin1String(kind));
+        return u"web:%1:%"_s.arg(QLatin1StringView(kind));
     };
     for (const auto& [table, column, kind] :
         { Reference { "contact_identity", "contact_id", "contact" }, { "contact_note", "contact_id", "contact" },
@@ -126,7 +127,7 @@ SET {column}='web:' || ? || ':' || substr({column}, 5)
 WHERE workspace_id='local' AND {column} LIKE ?;)",
             table, { target, legacyIds(kind) }, column);
     }
-    if (db.tableExists(QStringLiteral("work_memory_entries"))) {
+    if (db.tableExists(u"work_memory_entries"_s)) {
         db.run(R"(UPDATE work_memory_entries SET scope='contact:web:' || ? || ':' || substr(scope, 13)
 WHERE substr(scope, 9) IN (SELECT id FROM contact WHERE workspace_id='local' AND id LIKE 'web:contact:%');)",
             { target });
@@ -142,7 +143,7 @@ WHERE workspace_id='local' AND id LIKE ?;)",
              "crm_mutation_queue", "calendar_event", "outbound_draft", "draft_metadata", "audio_transcript",
              "call_recording", "call_transcript", "call_summary", "crm_update_proposal", "call_recording_rule",
              "call_auto_record_state" }) {
-        if (db.columnExists(QLatin1String(table), QStringLiteral("workspace_id")))
+        if (db.columnExists(QLatin1StringView(table), u"workspace_id"_s))
             runFor("UPDATE {table} SET workspace_id=? WHERE workspace_id='local';", table, { target });
     }
     return changed > 0;
@@ -192,7 +193,7 @@ const WorkspaceRow& chosenRow(
 QString WorkspaceRow::displayName() const
 {
     const QString name = workspaceName.isEmpty() ? workspaceId : workspaceName;
-    return orgName.isEmpty() || orgName == name ? name : orgName + QStringLiteral(" · ") + name;
+    return orgName.isEmpty() || orgName == name ? name : orgName + u" · "_s + name;
 }
 
 QString activeWorkspaceId(LocalDB& db, Repair repair)
@@ -210,7 +211,7 @@ QString activeWorkspaceId(LocalDB& db, Repair repair)
     if (!other)
         return chosen;
     persistActiveWorkspace(db, other->id, other->orgId, LegacyRows::Keep);
-    db.defaults().setText(noticeKey, QStringLiteral("Workspace changed — showing ") + other->name);
+    db.defaults().setText(noticeKey, u"Workspace changed — showing "_s + other->name);
     return other->id;
 }
 

@@ -1,5 +1,6 @@
 #include "Store/Messages/ChannelFeatures.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 
 namespace corvane {
@@ -19,7 +20,7 @@ const Table<ChannelFeatures> features("account_features",
 
 ChannelFeatures fetchFeatures(LocalDB& db, const QString& accountSlug)
 {
-    return features.first(db, QStringLiteral("WHERE account_id=?;"), { accountSlug }).value_or(ChannelFeatures());
+    return features.first(db, u"WHERE account_id=?;"_s, { accountSlug }).value_or(ChannelFeatures());
 }
 
 bool rememberFeatures(LocalDB& db, const QString& accountSlug, const ChannelFeatures& now)

@@ -1,12 +1,11 @@
 #include "Store/Messages/InboxQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 
 #include <QSet>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -14,10 +13,10 @@ namespace {
 
 /// The newest message `m` of a person `%1`. Each conversation offers its newest one, so that nothing is sorted but
 /// these.
-const QString newestMessage = QStringLiteral(R"(FROM unified_conversation cc JOIN unified_message m ON m.rowid=(
+const QString newestMessage = uR"(FROM unified_conversation cc JOIN unified_message m ON m.rowid=(
        SELECT n.rowid FROM unified_message n WHERE n.conversation_id=cc.id AND n.deleted_at IS NULL
        ORDER BY n.ts DESC LIMIT 1)
-     WHERE cc.contact_id=%1 ORDER BY m.ts DESC LIMIT 1)");
+     WHERE cc.contact_id=%1 ORDER BY m.ts DESC LIMIT 1)"_s;
 
 const QByteArray newestBody = u"(SELECT m.body %1)"_s.arg(newestMessage.arg(u"ct.id"_s)).toUtf8();
 
@@ -55,8 +54,7 @@ const Table<MessageHit> hits("unified_message m",
 
 QString archivedCondition(InboxFilter filter)
 {
-    return filter == InboxFilter::Archived ? QStringLiteral("archived_at IS NOT NULL")
-                                           : QStringLiteral("archived_at IS NULL");
+    return filter == InboxFilter::Archived ? u"archived_at IS NOT NULL"_s : u"archived_at IS NULL"_s;
 }
 
 /// The conversations under the filter, newest first. The cross join and the plus hold the order of the loops: few
@@ -64,18 +62,18 @@ QString archivedCondition(InboxFilter filter)
 QString newestStatement(InboxFilter filter, qint64 nowMs)
 {
     const QString archived = archivedCondition(filter);
-    QString sql = QStringLiteral(R"(SELECT c.contact_id, c.last_ts
+    QString sql = uR"(SELECT c.contact_id, c.last_ts
 FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
-WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS NULL AND (? = '' OR c.account_id = ?))")
+WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS NULL AND (? = '' OR c.account_id = ?))"_s
                       .arg(archived);
     if (filter == InboxFilter::NeedsMe)
-        sql += QStringLiteral(R"(
+        sql += uR"(
   AND +c.contact_id IN (SELECT contact_id FROM unified_conversation
-     WHERE deleted_at IS NULL AND %1 AND (? = '' OR account_id = ?) GROUP BY contact_id HAVING SUM(unread) > 0))")
-                   .arg(archived);
+     WHERE deleted_at IS NULL AND %1 AND (? = '' OR account_id = ?) GROUP BY contact_id HAVING SUM(unread) > 0))"_s.arg(
+            archived);
     else if (filter == InboxFilter::Today)
-        sql += QStringLiteral("\n  AND c.last_ts >= %1").arg(startOfTodayMs(nowMs));
-    return sql + QStringLiteral("\nORDER BY c.last_ts DESC;");
+        sql += u"\n  AND c.last_ts >= %1"_s.arg(startOfTodayMs(nowMs));
+    return sql + u"\nORDER BY c.last_ts DESC;"_s;
 }
 
 /// The newest people under the filter: `limit`, and who else is as old as the last of them.
@@ -102,13 +100,13 @@ QStringList newestPeople(LocalDB& db, InboxFilter filter, const QString& workspa
 /// Of `contacts`, those alone who are named in a JSON array.
 QString namedPeople(InboxFilter filter, qint64 nowMs)
 {
-    QString sql = ofWorkspace + QStringLiteral("(? = '' OR c.account_id = ?) AND c.") + archivedCondition(filter)
-        + QStringLiteral(" AND ct.id IN (SELECT value FROM json_each(?))\nGROUP BY ct.id ");
+    QString sql = ofWorkspace + u"(? = '' OR c.account_id = ?) AND c."_s + archivedCondition(filter)
+        + u" AND ct.id IN (SELECT value FROM json_each(?))\nGROUP BY ct.id "_s;
     if (filter == InboxFilter::NeedsMe)
-        sql += QStringLiteral("HAVING SUM(c.unread) > 0");
+        sql += u"HAVING SUM(c.unread) > 0"_s;
     else if (filter == InboxFilter::Today)
-        sql += QStringLiteral("HAVING MAX(c.last_ts) >= %1").arg(startOfTodayMs(nowMs));
-    return sql + QStringLiteral("\nORDER BY MAX(c.last_ts) DESC, ct.id LIMIT ?;");
+        sql += u"HAVING MAX(c.last_ts) >= %1"_s.arg(startOfTodayMs(nowMs));
+    return sql + u"\nORDER BY MAX(c.last_ts) DESC, ct.id LIMIT ?;"_s;
 }
 
 }
@@ -137,22 +135,22 @@ CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& 
     const QString workspace = activeWorkspaceId(db);
     // The cross join holds the order of the loops: few conversations match, and every person would be walked.
     const auto people = [&](const QString& condition) {
-        QString sql = QStringLiteral(R"(SELECT DISTINCT ct.id
+        QString sql = uR"(SELECT DISTINCT ct.id
 FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
-WHERE %1 AND c.deleted_at IS NULL AND c.archived_at IS NULL AND ct.workspace_id=? AND ct.deleted_at IS NULL)")
-                          .arg(condition);
+WHERE %1 AND c.deleted_at IS NULL AND c.archived_at IS NULL AND ct.workspace_id=? AND ct.deleted_at IS NULL)"_s.arg(
+            condition);
         QList<SqlValue> parameters { workspace, workspace };
         if (contactIds) {
-            sql += QStringLiteral(" AND c.contact_id IN (SELECT value FROM json_each(?))");
+            sql += u" AND c.contact_id IN (SELECT value FROM json_each(?))"_s;
             parameters.append(jsonString(*contactIds));
         }
         const QStringList ids = db.rows(sql, parameters, [](const SqlRow& row) { return row.text(0); });
         return QSet<QString>(ids.begin(), ids.end());
     };
     // The plus takes the index by workspace away, where those by contact and by time find fewer rows.
-    const QString unread = QStringLiteral("c.workspace_id=? AND c.unread > 0");
+    const QString unread = u"c.workspace_id=? AND c.unread > 0"_s;
     return { people(contactIds ? u'+' + unread : unread),
-        people(QStringLiteral("+c.workspace_id=? AND c.last_ts >= %1").arg(startOfTodayMs(db.nowMs()))) };
+        people(u"+c.workspace_id=? AND c.last_ts >= %1"_s.arg(startOfTodayMs(db.nowMs()))) };
 }
 
 QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& contactIds)
@@ -160,10 +158,9 @@ QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& co
     QHash<QString, LastMessage> last;
     if (contactIds.isEmpty())
         return last;
-    db.visitRows(QStringLiteral(R"(SELECT p.value, l.direction, c.channel, l.status, l.media_type
+    db.visitRows(uR"(SELECT p.value, l.direction, c.channel, l.status, l.media_type
 FROM json_each(?) p JOIN unified_message l ON l.rowid=(SELECT m.rowid %1)
-JOIN unified_conversation c ON c.id=l.conversation_id;)")
-                     .arg(newestMessage.arg(QStringLiteral("p.value"))),
+JOIN unified_conversation c ON c.id=l.conversation_id;)"_s.arg(newestMessage.arg(u"p.value"_s)),
         { jsonString(contactIds) }, [&](const SqlRow& row) {
             last.insert(row.text(0), { row.text(1), row.text(2), static_cast<int>(row.integer(3)), row.text(4) });
             return true;

@@ -1,6 +1,7 @@
 #include "Store/Messages/IngestQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmQueue.h"
 #include "Store/People/IdentityQueries.h"
@@ -68,20 +69,20 @@ std::optional<QString> ownerOf(LocalDB& db, const QString& id)
         { id }, [](const SqlRow& row) { return row.text(0); });
 }
 
-const QString ofAccount = QStringLiteral(
-    "AND EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);");
+const QString ofAccount
+    = u"AND EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);"_s;
 
 }
 
 MatchSignals matchSignals(const QString& channel, const QString& handle)
 {
     const QString trimmed = handle.trimmed();
-    const QString whatsAppSuffix = QStringLiteral("@s.whatsapp.net");
+    const QString whatsAppSuffix = u"@s.whatsapp.net"_s;
     MatchSignals found;
-    if (channel == QLatin1String("EMAIL") || channel == QLatin1String("GMAIL")) {
+    if (channel == "EMAIL"_L1 || channel == "GMAIL"_L1) {
         if (trimmed.contains(u'@'))
             found.email = trimmed.toLower();
-    } else if (channel == QLatin1String("WHATSAPP") && trimmed.endsWith(whatsAppSuffix)) {
+    } else if (channel == "WHATSAPP"_L1 && trimmed.endsWith(whatsAppSuffix)) {
         const QString digits = asciiDigits(QStringView(trimmed).chopped(whatsAppSuffix.size()));
         if (!digits.isEmpty())
             found.phone = digits;
@@ -126,9 +127,9 @@ ON CONFLICT(id) DO UPDATE SET body=excluded.body,
     subject=COALESCE(excluded.subject, unified_message.subject),
     updated_at=excluded.updated_at
 WHERE EXISTS (SELECT 1 FROM unified_conversation c WHERE c.id=unified_message.conversation_id AND c.account_id=?);)",
-        { id, workspace, conversation, message.outgoing ? QStringLiteral("OUT") : QStringLiteral("IN"), message.body,
-            message.sender, message.ts, message.providerMsgId, message.mediaType, message.mediaPath,
-            QStringLiteral("local"), message.subject, db.nowMs(), accountSlug });
+        { id, workspace, conversation, message.outgoing ? u"OUT"_s : u"IN"_s, message.body, message.sender, message.ts,
+            message.providerMsgId, message.mediaType, message.mediaPath, u"local"_s, message.subject, db.nowMs(),
+            accountSlug });
     if (changed == 0)
         return std::nullopt;
     return StoredMessage { conversation, isNew };
@@ -175,13 +176,13 @@ void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path
 void setContactName(LocalDB& db, const QString& contactId, const QString& name)
 {
     db.run("UPDATE contact SET display_name=?, updated_at=? WHERE id=?;", { name, db.nowMs(), contactId });
-    recordCRMMutation(db, QStringLiteral("contact"), contactId, QStringLiteral("update"),
-        QStringLiteral("local-contact-name"), { { QStringLiteral("display_name"), name } });
+    recordCRMMutation(
+        db, u"contact"_s, contactId, u"update"_s, u"local-contact-name"_s, { { u"display_name"_s, name } });
 }
 
 qint64 newestConversationTimestamp(LocalDB& db, const QString& channel)
 {
-    if (!db.tableExists(QStringLiteral("unified_conversation")))
+    if (!db.tableExists(u"unified_conversation"_s))
         return 0;
     return db
         .firstRow("SELECT MAX(last_ts) FROM unified_conversation\n"

@@ -1,5 +1,6 @@
 #include "Store/Messages/ThreadQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 
 #include <algorithm>
@@ -29,13 +30,13 @@ const Table<UnifiedMsgRow> messages("unified_message m",
 
 // Each conversation gives at most a page, found in the index alone, so that a page costs the same wherever it stands
 // and however long the thread is. The plus keeps SQLite from walking whole conversations instead.
-const QString page = QStringLiteral(R"(JOIN unified_conversation cc ON +m.conversation_id=cc.id
+const QString page = uR"(JOIN unified_conversation cc ON +m.conversation_id=cc.id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE cc.contact_id=? AND +m.deleted_at IS NULL AND m.rowid IN (
   SELECT p.rowid FROM unified_message p WHERE p.conversation_id=cc.id AND p.deleted_at IS NULL
     AND (p.ts, p.rowid) %1 (?, COALESCE((SELECT rowid FROM unified_message WHERE id=?), 0))
   ORDER BY p.ts %2, p.rowid %2 LIMIT ?)
-ORDER BY m.ts %2, m.rowid %2 LIMIT ?;)");
+ORDER BY m.ts %2, m.rowid %2 LIMIT ?;)"_s;
 
 }
 

@@ -1,5 +1,6 @@
 #include "Store/People/ContactInfo.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/People/CrmRecords.h"
 #include "Store/People/IdentityQueries.h"
@@ -10,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-const QString memoryTable = QStringLiteral("work_memory_entries");
+const QString memoryTable = u"work_memory_entries"_s;
 
 const Table<ActivityRow> messages("unified_message m",
     {

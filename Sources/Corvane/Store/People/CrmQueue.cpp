@@ -2,6 +2,7 @@
 
 #include "Foundation/Ids.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Workspaces.h"
 
 namespace corvane {
@@ -20,7 +21,7 @@ ON CONFLICT(idempotency_key) WHERE status='pending' DO UPDATE SET
   payload_json=excluded.payload_json,
   updated_at=excluded.updated_at,
   error=NULL;)",
-        { stampedId(QStringLiteral("crm_mut"), now), workspace, entityType, entityId, action, origin,
+        { stampedId(u"crm_mut"_s, now), workspace, entityType, entityId, action, origin,
             QString::fromUtf8(compactJson(payload)), idempotencyKey, now, now });
 }
 

@@ -1,6 +1,7 @@
 #include "Store/People/CrmRecords.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmQueue.h"
@@ -12,9 +13,9 @@ namespace corvane {
 
 namespace {
 
-const QString origin = QStringLiteral("native-ui");
-const QString create = QStringLiteral("create");
-const QString unstaged = QStringLiteral("Unstaged");
+const QString origin = u"native-ui"_s;
+const QString create = u"create"_s;
+const QString unstaged = u"Unstaged"_s;
 
 const Table<CRMTaskRow> tasks("crm_task",
     {
@@ -85,7 +86,7 @@ const Table<PipelineDeal> pipelineDeals("crm_deal",
 QString freeNoteId(LocalDB& db, const QString& contactId)
 {
     for (qint64 ms = db.nowMs();; ++ms) {
-        const QString id = QStringLiteral("note:%1:").arg(ms) + contactId;
+        const QString id = u"note:%1:"_s.arg(ms) + contactId;
         if (!db.scalar("SELECT 1 FROM contact_note WHERE id=? LIMIT 1;", { id }))
             return id;
     }
@@ -93,14 +94,13 @@ QString freeNoteId(LocalDB& db, const QString& contactId)
 
 QJsonObject payloadOf(const NewTask& task)
 {
-    return { { QStringLiteral("title"), task.title }, { QStringLiteral("due"), task.due },
-        { QStringLiteral("priority"), task.priority }, { QStringLiteral("status"), task.status } };
+    return { { u"title"_s, task.title }, { u"due"_s, task.due }, { u"priority"_s, task.priority },
+        { u"status"_s, task.status } };
 }
 
 void recordStatus(LocalDB& db, const QString& taskId, const QString& status)
 {
-    recordCRMMutation(
-        db, QStringLiteral("task"), taskId, QStringLiteral("update"), origin, { { QStringLiteral("status"), status } });
+    recordCRMMutation(db, u"task"_s, taskId, u"update"_s, origin, { { u"status"_s, status } });
 }
 
 qint64 saturatedSum(qint64 a, qint64 b)
@@ -126,9 +126,8 @@ VALUES(?,?,?,?,?,?);)",
         { id, activeWorkspaceId(db), contactId, body, now, now });
     if (!added)
         return std::nullopt;
-    recordCRMMutation(db, QStringLiteral("contact_note"), id, create, origin,
-        { { QStringLiteral("contact_id"), contactId }, { QStringLiteral("body"), body },
-            { QStringLiteral("ts"), now } });
+    recordCRMMutation(db, u"contact_note"_s, id, create, origin,
+        { { u"contact_id"_s, contactId }, { u"body"_s, body }, { u"ts"_s, now } });
     return id;
 }
 
@@ -143,24 +142,24 @@ ORDER BY updated_at DESC LIMIT ?;)",
 std::optional<QString> insertCRMTask(LocalDB& db, const NewTask& task)
 {
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("tk"), now);
+    const QString id = stampedId(u"tk"_s, now);
     if (!newTasks.insert(db, task, { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "updated_at", now } }))
         return std::nullopt;
-    recordCRMMutation(db, QStringLiteral("task"), id, create, origin, payloadOf(task));
+    recordCRMMutation(db, u"task"_s, id, create, origin, payloadOf(task));
     return id;
 }
 
 std::optional<QString> insertCRMTask(LocalDB& db, const QString& contactId, const NewTask& task)
 {
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("tk"), now);
+    const QString id = stampedId(u"tk"_s, now);
     if (!newTasksOfContact.insert(db, task,
             { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "contact_id", contactId },
                 { "updated_at", now } }))
         return std::nullopt;
     QJsonObject payload = payloadOf(task);
-    payload.insert(QStringLiteral("contact_id"), contactId);
-    recordCRMMutation(db, QStringLiteral("task"), id, create, origin, payload);
+    payload.insert(u"contact_id"_s, contactId);
+    recordCRMMutation(db, u"task"_s, id, create, origin, payload);
     return id;
 }
 
@@ -170,7 +169,7 @@ bool completeCRMTask(LocalDB& db, const QString& id)
             "UPDATE crm_task SET status='Done', updated_at=? WHERE id=? AND deleted_at IS NULL;", { db.nowMs(), id })
         != 1)
         return false;
-    recordStatus(db, id, QStringLiteral("Done"));
+    recordStatus(db, id, u"Done"_s);
     return true;
 }
 
@@ -194,16 +193,15 @@ ORDER BY updated_at DESC LIMIT ?;)",
 std::optional<QString> insertCRMDeal(LocalDB& db, const QString& contactId, const NewDeal& deal)
 {
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("dl"), now);
+    const QString id = stampedId(u"dl"_s, now);
     if (!newDeals.insert(db, deal,
             { { "id", id }, { "workspace_id", activeWorkspaceId(db) }, { "contact_id", contactId },
                 { "updated_at", now } }))
         return std::nullopt;
-    recordCRMMutation(db, QStringLiteral("deal"), id, create, origin,
-        { { QStringLiteral("contact_id"), contactId }, { QStringLiteral("name"), deal.name },
-            { QStringLiteral("company"), deal.company }, { QStringLiteral("stage"), deal.stage },
-            { QStringLiteral("value"), deal.value },
-            { QStringLiteral("close_date"), deal.closeDate ? QJsonValue(*deal.closeDate) : QJsonValue() } });
+    recordCRMMutation(db, u"deal"_s, id, create, origin,
+        { { u"contact_id"_s, contactId }, { u"name"_s, deal.name }, { u"company"_s, deal.company },
+            { u"stage"_s, deal.stage }, { u"value"_s, deal.value },
+            { u"close_date"_s, deal.closeDate ? QJsonValue(*deal.closeDate) : QJsonValue() } });
     return id;
 }
 
@@ -213,8 +211,7 @@ bool moveCRMDeal(LocalDB& db, const QString& id, const QString& stage)
             "UPDATE crm_deal SET stage=?, updated_at=? WHERE id=? AND deleted_at IS NULL;", { stage, db.nowMs(), id })
         != 1)
         return false;
-    recordCRMMutation(
-        db, QStringLiteral("deal"), id, QStringLiteral("update"), origin, { { QStringLiteral("stage"), stage } });
+    recordCRMMutation(db, u"deal"_s, id, u"update"_s, origin, { { u"stage"_s, stage } });
     return true;
 }
 
@@ -226,8 +223,7 @@ QList<PipelineDeal> fetchCRMDeals(LocalDB& db)
 
 QStringList pipelineStages()
 {
-    return { QStringLiteral("Prospecting"), QStringLiteral("Qualification"), QStringLiteral("Proposal"),
-        QStringLiteral("Negotiation"), QStringLiteral("Closed Won"), QStringLiteral("Closed Lost") };
+    return { u"Prospecting"_s, u"Qualification"_s, u"Proposal"_s, u"Negotiation"_s, u"Closed Won"_s, u"Closed Lost"_s };
 }
 
 QList<CRMPipelineStageSummary> fetchCRMPipelineStageSummaries(LocalDB& db)

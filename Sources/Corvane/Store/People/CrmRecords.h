@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 #include <QStringList>
@@ -30,8 +31,8 @@ struct CRMTaskRow {
 struct NewTask {
     QString title;
     QString due;
-    QString priority = QStringLiteral("Normal");
-    QString status = QStringLiteral("To do");
+    QString priority = u"Normal"_s;
+    QString status = u"To do"_s;
 };
 
 enum class DoneTasks { Leave, Include };

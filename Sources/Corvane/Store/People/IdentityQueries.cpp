@@ -1,6 +1,7 @@
 #include "Store/People/IdentityQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/ThreadQueries.h"
@@ -61,11 +62,10 @@ FROM contact ct WHERE ct.workspace_id=? AND ct.deleted_at IS NULL;)",
 
 QList<std::pair<QString, QString>> fetchPairsSharing(LocalDB& db, SharedSign sign)
 {
-    const QString sql
-        = QStringLiteral(R"(SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b
+    const QString sql = uR"(SELECT a.contact_id, b.contact_id FROM contact_identity a JOIN contact_identity b
   ON a.%1=b.%1 AND a.contact_id<b.contact_id
-WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;)")
-              .arg(sign == SharedSign::Email ? QStringLiteral("email") : QStringLiteral("phone"));
+WHERE a.workspace_id=? AND a.%1 IS NOT NULL AND a.%1!='' AND a.deleted_at IS NULL AND b.deleted_at IS NULL;)"_s.arg(
+        sign == SharedSign::Email ? u"email"_s : u"phone"_s);
     return db.rows(
         sql, { activeWorkspaceId(db) }, [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
 }
@@ -90,7 +90,7 @@ std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const 
         return std::nullopt;
     // The record comes first: whatever ends the process from here on, the merge can be undone.
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("mg"), now);
+    const QString id = stampedId(u"mg"_s, now);
     const bool recorded = db.run(
         R"(INSERT INTO contact_merge(id, workspace_id, primary_contact_id, merged_contact_id, signal, conv_ids_json, created_at)
 VALUES(?,?,?,?,?,?,?);)",
@@ -112,7 +112,7 @@ bool unmergeContacts(LocalDB& db, const QString& mergeId)
         return false;
     const QJsonDocument conversations = QJsonDocument::fromJson(moved->toUtf8());
     if (!conversations.isArray()) {
-        log(QStringLiteral("LocalDB: the conversations of merge %1 cannot be read").arg(mergeId));
+        log(u"LocalDB: the conversations of merge %1 cannot be read"_s.arg(mergeId));
         return false;
     }
     // Marked last: an interrupted one is still live, and moving twice is moving once.
@@ -192,7 +192,7 @@ QString displayName(LocalDB& db, const QString& contactId)
 FROM contact ct LEFT JOIN unified_conversation c ON c.contact_id=ct.id AND c.deleted_at IS NULL
 WHERE ct.id=? AND ct.deleted_at IS NULL ORDER BY c.last_ts DESC LIMIT 1;)",
             { contactId })
-        .value_or(QStringLiteral("?"));
+        .value_or(u"?"_s);
 }
 
 QList<ContactIdentity> identitiesFor(LocalDB& db, const QString& contactId)

@@ -1,8 +1,7 @@
 #include "Store/Sync/CloudPush.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 namespace corvane {
@@ -20,7 +21,7 @@ struct CloudThread {
     std::optional<QString> cloudChatId;
 
     const QString& shownTitle() const { return title.isEmpty() ? externalId : title; }
-    bool isGroup() const { return externalId.endsWith(QLatin1StringView("@g.us")); }
+    bool isGroup() const { return externalId.endsWith("@g.us"_L1); }
 };
 
 struct CloudMessage {

@@ -1,6 +1,7 @@
 #include "Store/Sync/SyncQueries.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
@@ -75,7 +76,7 @@ std::optional<EngineInfoRow> fetchEngineInfo(LocalDB& db)
 QString queueWebPullSync(LocalDB& db, const QString& source)
 {
     const qint64 now = db.nowMs();
-    const QString id = stampedId(QStringLiteral("sync"), now);
+    const QString id = stampedId(u"sync"_s, now);
     db.run(R"(INSERT INTO sync_command(id, workspace_id, kind, status, source, requested_at)
 VALUES(?, ?, 'web_pull', 'pending', ?, ?);)",
         { id, activeWorkspaceId(db), source, now });

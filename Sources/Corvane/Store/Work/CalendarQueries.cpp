@@ -1,5 +1,6 @@
 #include "Store/Work/CalendarQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
@@ -9,8 +10,6 @@
 #include <QJsonObject>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

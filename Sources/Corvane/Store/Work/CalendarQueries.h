@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 namespace corvane {
@@ -66,7 +67,7 @@ struct CalCommand {
     bool operator==(const CalCommand&) const = default;
 };
 
-inline const QString eventRejected = QStringLiteral("Rejected."); ///< the error of one that a person refused
+inline const QString eventRejected = u"Rejected."_s; ///< the error of one that a person refused
 
 QList<CalCommand> fetchPendingCalendarCommands(LocalDB& db, int limit); ///< oldest first
 std::optional<CalCommand> fetchCalendarCommand(LocalDB& db, const QString& id);

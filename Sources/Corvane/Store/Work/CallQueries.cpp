@@ -1,5 +1,6 @@
 #include "Store/Work/CallQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
@@ -43,10 +44,10 @@ const Table<CallDetails> details("call_recording cr",
         { "cs.summary", &CallDetails::summary, "''" },
     });
 
-const QString detailJoins = QStringLiteral(R"(LEFT JOIN contact c ON c.id=cr.contact_id AND c.deleted_at IS NULL
+const QString detailJoins = uR"(LEFT JOIN contact c ON c.id=cr.contact_id AND c.deleted_at IS NULL
 LEFT JOIN call_transcript ct ON ct.call_id=cr.id AND ct.segment_index=0
 LEFT JOIN call_summary cs ON cs.call_id=cr.id
-)");
+)"_s;
 
 /// A pattern that matches the text anywhere; escaped by a backslash.
 QString containing(QString text)
@@ -81,8 +82,7 @@ ORDER BY cr.started_at DESC LIMIT ?;)",
 
 std::optional<CallDetails> fetchCall(LocalDB& db, const QString& id)
 {
-    return details.first(db,
-        detailJoins + QStringLiteral("WHERE cr.workspace_id=? AND cr.id=? AND cr.deleted_at IS NULL LIMIT 1;"),
+    return details.first(db, detailJoins + u"WHERE cr.workspace_id=? AND cr.id=? AND cr.deleted_at IS NULL LIMIT 1;"_s,
         { activeWorkspaceId(db), id });
 }
 
@@ -96,10 +96,10 @@ QString transcriptText(LocalDB& db, const QString& callId)
 
 QList<CallDetails> callsWithSoundBefore(LocalDB& db, qint64 endedBeforeMs)
 {
-    return details.rows(db, detailJoins + QStringLiteral(R"(WHERE cr.workspace_id=? AND cr.deleted_at IS NULL
+    return details.rows(db, detailJoins + uR"(WHERE cr.workspace_id=? AND cr.deleted_at IS NULL
   AND cr.ended_at IS NOT NULL AND cr.ended_at<? AND ct.text IS NOT NULL
   AND (COALESCE(cr.mic_audio_path,'')!='' OR COALESCE(cr.system_audio_path,'')!='')
-ORDER BY cr.started_at;)"),
+ORDER BY cr.started_at;)"_s,
         { activeWorkspaceId(db), endedBeforeMs });
 }
 

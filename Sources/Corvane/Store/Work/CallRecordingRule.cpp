@@ -1,5 +1,6 @@
 #include "Store/Work/CallRecordingRule.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Workspaces.h"
 
 #include <algorithm>
@@ -85,7 +86,7 @@ FROM call_auto_record_state WHERE workspace_id=? AND calendar_event_id=? LIMIT 1
 bool upsertCallAutoRecordState(LocalDB& db, const CallAutoRecordStateRow& state)
 {
     const qint64 now = db.nowMs();
-    const bool runs = state.status == QLatin1StringView("started") || state.status == QLatin1StringView("recording");
+    const bool runs = state.status == "started"_L1 || state.status == "recording"_L1;
     const std::optional<qint64> at = now;
     return db.run(R"(INSERT INTO call_auto_record_state
   (id, workspace_id, calendar_event_id, title, status, call_id, source_app, reason, started_at, stopped_at, updated_at)
@@ -97,9 +98,8 @@ ON CONFLICT(workspace_id, calendar_event_id) DO UPDATE SET title=excluded.title,
   started_at=COALESCE(call_auto_record_state.started_at, excluded.started_at),
   stopped_at=COALESCE(excluded.stopped_at, call_auto_record_state.stopped_at),
   updated_at=excluded.updated_at;)",
-        { QStringLiteral("auto:") + state.calendarEventId, activeWorkspaceId(db), state.calendarEventId, state.title,
-            state.status, state.callId, state.sourceApp, state.reason, runs ? at : std::nullopt,
-            runs ? std::nullopt : at, now });
+        { u"auto:"_s + state.calendarEventId, activeWorkspaceId(db), state.calendarEventId, state.title, state.status,
+            state.callId, state.sourceApp, state.reason, runs ? at : std::nullopt, runs ? std::nullopt : at, now });
 }
 
 }

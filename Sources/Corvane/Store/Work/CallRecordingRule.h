@@ -1,19 +1,20 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
 
 namespace corvane {
 
 /// When calls are recorded by themselves: one row a workspace.
 struct CallRecordingRuleRow {
-    QString id = QStringLiteral("calendar-default");
-    QString scope = QStringLiteral("calendar_meetings");
+    QString id = u"calendar-default"_s;
+    QString scope = u"calendar_meetings"_s;
     bool enabled = false;
     int startLeadSeconds = 60; ///< before the meeting
     int stopGraceSeconds = 120; ///< after it
     bool requireMeetingApp = false;
     bool consentRequired = true;
-    QString disclosureMode = QStringLiteral("manual");
+    QString disclosureMode = u"manual"_s;
     qint64 updatedAt = 0;
 
     bool operator==(const CallRecordingRuleRow&) const = default;

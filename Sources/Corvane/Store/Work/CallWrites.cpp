@@ -1,5 +1,6 @@
 #include "Store/Work/CallWrites.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Core/Workspaces.h"
 
@@ -15,7 +16,7 @@ std::optional<QString> reference(const QString& id)
 
 bool isMixed(const QString& captureMode)
 {
-    return captureMode == QLatin1StringView("mic_and_system");
+    return captureMode == "mic_and_system"_L1;
 }
 
 }
@@ -33,7 +34,7 @@ VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?);)",
             reference(call.conversationId), call.title, call.sourceApp, call.sourceBundleId, call.captureBackend,
             call.captureMode, call.startedAtMs, call.audioPath, call.micPath, call.systemPath,
             call.consentRequired ? 1 : 0, call.consentGranted ? 1 : 0, call.consentNote, call.disclosureMode,
-            QStringLiteral("recording"), now, now });
+            u"recording"_s, now, now });
 }
 
 bool endCall(LocalDB& db, const QString& id, qint64 startedAtMs, qint64 endedAtMs, const QString& status)
@@ -64,11 +65,9 @@ bool replaceCallTranscript(LocalDB& db, const NewTranscript& transcript)
   (id, workspace_id, call_id, segment_index, speaker_label, speaker_kind, track,
    start_ms, end_ms, text, model, created_at, updated_at)
 VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?);)",
-            { QStringLiteral("ctseg:%1:0").arg(transcript.callId), workspace, transcript.callId, 0,
-                mixed ? QStringLiteral("Meeting audio") : QStringLiteral("Me"),
-                mixed ? QStringLiteral("mixed") : QStringLiteral("me"),
-                mixed ? QStringLiteral("system") : QStringLiteral("mic"), 0, 0, transcript.text, transcript.model, now,
-                now })
+            { u"ctseg:%1:0"_s.arg(transcript.callId), workspace, transcript.callId, 0,
+                mixed ? u"Meeting audio"_s : u"Me"_s, mixed ? u"mixed"_s : u"me"_s, mixed ? u"system"_s : u"mic"_s, 0,
+                0, transcript.text, transcript.model, now, now })
         && transaction.commit();
 }
 
@@ -83,8 +82,7 @@ VALUES(?,?,?,?,?,?,'call-summary-v1',?,?,?)
 ON CONFLICT(call_id) DO UPDATE SET summary=excluded.summary, warnings_json=excluded.warnings_json,
   model=excluded.model, prompt_ref=excluded.prompt_ref, transcript_hash=excluded.transcript_hash,
   updated_at=excluded.updated_at;)",
-        { QStringLiteral("csum:") + callId, activeWorkspaceId(db), callId, summary, jsonString(warnings), model, marker,
-            now, now });
+        { u"csum:"_s + callId, activeWorkspaceId(db), callId, summary, jsonString(warnings), model, marker, now, now });
 }
 
 bool upsertCallProposal(LocalDB& db, const NewCallProposal& proposal)

@@ -1,12 +1,11 @@
 #include "Store/Work/LensQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #include "Store/Work/MeetingPrepQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmRecords.h"
 #include "Store/Work/WorkTables.h"
@@ -8,8 +9,6 @@
 #include <QStringList>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

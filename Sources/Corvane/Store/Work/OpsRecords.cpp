@@ -1,12 +1,11 @@
 #include "Store/Work/OpsRecords.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 
 #include <QDateTime>
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,11 +1,10 @@
 #include "Store/Work/WorkBoardQueries.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Work/WorkTables.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,10 +1,9 @@
 #include "Store/Work/WorkRecords.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Work/WorkTables.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,17 +1,16 @@
 #include "Store/Work/WorkWrites.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Store/Core/Transaction.h"
 #include "Store/Work/WorkTables.h"
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
 namespace {
 
 const QString noMetadata = u"{}"_s;
-const QString none = QLatin1String("");
+const QString none = QLatin1StringView("");
 
 /// "{prefix}:native:{uuid}": a row that this program wrote.
 QString nativeId(const QString& prefix)
@@ -228,7 +227,7 @@ bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& sta
 bool updateWorkMemoryStatus(LocalDB& db, const QString& id, const QString& status, const QString& owner)
 {
     const QString word = status.trimmed();
-    const QString verifiedAt = word == QLatin1String("approved") ? isoTime(db.nowMs()) : none;
+    const QString verifiedAt = word == "approved"_L1 ? isoTime(db.nowMs()) : none;
     return updateStatus(
         db, u"work_memory"_s, u"status=?, owner=?, verified_at=?"_s, { owner, verifiedAt }, id.trimmed(), word);
 }

@@ -1,11 +1,11 @@
 #include "UI/Controls/MediaCache.h"
 
+#include "Foundation/Literals.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QQmlEngine>
 #include <QQuickItem>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

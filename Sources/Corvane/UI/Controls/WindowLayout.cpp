@@ -1,10 +1,9 @@
 #include "UI/Controls/WindowLayout.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 

@@ -1,5 +1,6 @@
 #include "UI/Terminals/TerminalGlyphs.h"
 
+#include "Foundation/Literals.h"
 #include "UI/Terminals/BoxDrawing.h"
 
 #include <QFontDatabase>
@@ -8,8 +9,6 @@
 #include <cmath>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/Terminals/TerminalKeys.h"
 
@@ -37,8 +38,7 @@ int buttonNumber(Qt::MouseButton button)
 /// Addresses that may be opened: what a program writes must not start anything else.
 bool mayOpen(const QString& address)
 {
-    static const QRegularExpression allowed(
-        QStringLiteral("^(https?|mailto|ftp|file):"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression allowed(u"^(https?|mailto|ftp|file):"_s, QRegularExpression::CaseInsensitiveOption);
     return allowed.match(address).hasMatch();
 }
 
@@ -351,7 +351,7 @@ void TerminalItem::updateHover(QPointF position, Qt::KeyboardModifiers modifiers
             line += isPlain ? QChar(char16_t(cell.content())) : QChar(u' ');
         }
     }
-    static const QRegularExpression address(QStringLiteral(R"(\b(https?://|mailto:)[^\s<>"'`]*[^\s<>"'`.,;:!?)\]}])"));
+    static const QRegularExpression address(uR"(\b(https?://|mailto:)[^\s<>"'`]*[^\s<>"'`.,;:!?)\]}])"_s);
     const qsizetype place = qsizetype(at.y() - first) * m_snapshot.size.columns + at.x();
     for (const QRegularExpressionMatch& match : address.globalMatch(line)) {
         if (place < match.capturedStart() || place >= match.capturedEnd())

@@ -1,5 +1,6 @@
 #include "UI/Terminals/TerminalItem.h"
 
+#include "Foundation/Literals.h"
 #include "UI/Terminals/TerminalAccessible.h"
 #include "UI/Terminals/TerminalScene.h"
 
@@ -270,8 +271,7 @@ QString TerminalItem::shownText() const
                 line += QString::fromUcs4(
                     row.clusters[cell.content()].data(), qsizetype(row.clusters[cell.content()].size()));
             else if (cell.width() > 0)
-                line += cell.content() ? QString::fromUcs4(std::array { char32_t(cell.content()) }.data(), 1)
-                                       : QStringLiteral(" ");
+                line += cell.content() ? QString::fromUcs4(std::array { char32_t(cell.content()) }.data(), 1) : u" "_s;
         }
         while (line.endsWith(u' '))
             line.chop(1);

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/M4aWriter.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Audio/Ffmpeg.h"
 
 #include <cerrno>
@@ -91,7 +92,7 @@ Result<void> M4aWriter::State::open(SoundFormat format)
 {
     const AVCodec* const codec = avcodec_find_encoder(AV_CODEC_ID_AAC);
     if (!codec)
-        return failure(QStringLiteral("no AAC encoder"));
+        return failure(u"no AAC encoder"_s);
     auto opened = openOutput(path);
     if (!opened)
         return std::unexpected(opened.error());
@@ -217,7 +218,7 @@ Result<void> M4aWriter::finish()
 
 Result<void> M4aWriter::join(const QString& path)
 {
-    const QString whole = path + QStringLiteral(".whole");
+    const QString whole = path + u".whole"_s;
     QFile::remove(whole);
     auto joined = createFile(whole);
     if (joined)

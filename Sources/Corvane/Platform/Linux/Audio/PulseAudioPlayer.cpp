@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/PulseAudioPlayer.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Services.h"
 
@@ -14,9 +15,9 @@ constexpr Milliseconds movementPeriod { 100 };
 constexpr qint64 enoughMs = 5000; ///< read ahead
 constexpr qint64 framesPerMs = SoundPiece::rate / 1000;
 constexpr int pieceFrames = SoundPiece::rate * 2;
-const QString noOutput = QStringLiteral("This machine has no sound output.");
-const QString lostOutput = QStringLiteral("The sound output went away.");
-const QString unreadable = QStringLiteral("This sound can't be played.");
+const QString noOutput = u"This machine has no sound output."_s;
+const QString lostOutput = u"The sound output went away."_s;
+const QString unreadable = u"This sound can't be played."_s;
 
 }
 
@@ -48,7 +49,7 @@ void PulseAudioPlayer::take(const std::expected<SoundPiece, DecodeFailure>& piec
 {
     m_reading.reset();
     if (!piece) {
-        log(QStringLiteral("AudioPlayer: ") + describe(piece.error()));
+        log(u"AudioPlayer: "_s + describe(piece.error()));
         end(State::Failed, unreadable);
         return;
     }
@@ -82,7 +83,7 @@ void PulseAudioPlayer::connectOutput()
             .lost =
                 [this, post](const QString& reason) {
                     post([this, reason] {
-                        log(QStringLiteral("AudioPlayer: ") + reason);
+                        log(u"AudioPlayer: "_s + reason);
                         end(State::Failed, m_timeout ? noOutput : lostOutput);
                     });
                 } });

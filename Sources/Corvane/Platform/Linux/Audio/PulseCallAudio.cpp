@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/PulseCallAudio.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Audio/PulseTrack.h"
 #include "Platform/Linux/Services.h"
@@ -41,7 +42,7 @@ std::unique_ptr<TrackRecording> PulseCallAudio::record(
 {
     auto writer = M4aWriter::create(path, format);
     if (!writer) {
-        log(QStringLiteral("CallAudio: %1: %2").arg(path, writer.error().message));
+        log(u"CallAudio: %1: %2"_s.arg(path, writer.error().message));
         return nullptr;
     }
     return std::make_unique<PulseTrack>(path, std::move(*writer), target, format, m_scheduler, m_background);
@@ -63,8 +64,7 @@ void PulseCallAudio::findSystemAudio(std::function<void(const Result<void>&)> an
         QMetaObject::invokeMethod(this, post, Qt::QueuedConnection);
     };
     Question& question = m_questions[id];
-    question.timeout
-        = m_scheduler.after(answerTime, [tell] { tell(failure(QStringLiteral("the sound server does not answer"))); });
+    question.timeout = m_scheduler.after(answerTime, [tell] { tell(failure(u"the sound server does not answer"_s)); });
     question.capture = std::make_unique<PulseCapture>(CaptureTarget { .kind = CaptureTarget::Kind::Speakers }, output,
         PulseCapture::Callbacks { .ready = [tell] { tell({}); },
             .sound = nullptr,

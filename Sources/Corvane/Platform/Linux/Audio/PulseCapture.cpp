@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/PulseCapture.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Audio/PulseConnection.h"
 
 #include <cstring>
@@ -11,8 +12,8 @@ namespace {
 
 constexpr uint32_t piecesPerSecond = 20;
 constexpr uint32_t noInput = PA_INVALID_INDEX;
-const QString noMicrophone = QStringLiteral("No microphone");
-const QString noOutput = QStringLiteral("No sound output");
+const QString noMicrophone = u"No microphone"_s;
+const QString noOutput = u"No sound output"_s;
 
 bool isGood(const pa_stream* stream)
 {
@@ -180,7 +181,7 @@ void PulseCapture::State::inputFound(const pa_sink_input_info* input)
         return;
     }
     if (found.input == noInput)
-        return absent(End::Missing, QStringLiteral("the application plays nothing"));
+        return absent(End::Missing, u"the application plays nothing"_s);
     release(pa_context_get_sink_info_by_index(
         context, foundSink,
         [](pa_context*, const pa_sink_info* info, int endOfList, void* state) {
@@ -274,7 +275,7 @@ void PulseCapture::State::streamChanged()
         closeStream();
         callbacks.away();
     } else if (isElsewhere) {
-        end(End::Missing, QStringLiteral("The microphone is taken"));
+        end(End::Missing, u"The microphone is taken"_s);
     } else {
         fail(pa_context_errno(context) == PA_ERR_ACCESS ? End::Denied : End::Lost);
     }

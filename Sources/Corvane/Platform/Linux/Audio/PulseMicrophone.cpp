@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/PulseMicrophone.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Audio/WavWriter.h"
 #include "Platform/Linux/Services.h"
@@ -22,13 +23,13 @@ QString words(PulseCapture::End kind)
 {
     switch (kind) {
     case PulseCapture::End::Denied:
-        return QStringLiteral("microphone permission was refused");
+        return u"microphone permission was refused"_s;
     case PulseCapture::End::Missing:
-        return QStringLiteral("no microphone was found");
+        return u"no microphone was found"_s;
     case PulseCapture::End::Lost:
         break;
     }
-    return QStringLiteral("the microphone went away");
+    return u"the microphone went away"_s;
 }
 
 /// The sound thread writes; the main thread reads figures, and takes the file over once that thread is gone.
@@ -39,14 +40,14 @@ public:
         : m_path(path)
         , m_rate(format.rate)
         , m_writer(std::move(writer))
-        , m_timeout(scheduler.after(answerTime, [this] { end(QStringLiteral("the sound server does not answer")); }))
+        , m_timeout(scheduler.after(answerTime, [this] { end(u"the sound server does not answer"_s); }))
         , m_capture(std::make_unique<PulseCapture>(CaptureTarget(), format,
               PulseCapture::Callbacks { .ready = [this] { post([this] { m_timeout.reset(); }); },
                   .sound = [this](std::span<const float> samples) { hear(samples); },
                   .ended =
                       [this](PulseCapture::End kind, const QString& reason) {
                           post([this, kind, reason] {
-                              log(QStringLiteral("PulseMicrophone: ") + reason);
+                              log(u"PulseMicrophone: "_s + reason);
                               end(words(kind));
                           });
                       } }))
@@ -70,7 +71,7 @@ public:
         }
         const auto finished = m_writer->finish();
         if (!finished)
-            log(QStringLiteral("PulseMicrophone: %1: %2").arg(m_path, finished.error().message));
+            log(u"PulseMicrophone: %1: %2"_s.arg(m_path, finished.error().message));
         m_writer.reset();
         return true;
     }
@@ -137,8 +138,8 @@ void PulseMicrophone::requestAccess(std::function<void(MicrophoneAccess)> answer
     };
     Probe& probe = m_probes[id];
     probe.answer = std::move(answer);
-    probe.timeout = m_scheduler.after(answerTime,
-        [this, id] { answered(id, MicrophoneAccess::Missing, QStringLiteral("the sound server does not answer")); });
+    probe.timeout = m_scheduler.after(
+        answerTime, [this, id] { answered(id, MicrophoneAccess::Missing, u"the sound server does not answer"_s); });
     probe.capture = std::make_unique<PulseCapture>(CaptureTarget(), voice,
         PulseCapture::Callbacks { .ready = [tell] { tell(MicrophoneAccess::Granted, {}); },
             .sound = nullptr,
@@ -155,13 +156,13 @@ void PulseMicrophone::answered(quint64 id, MicrophoneAccess access, const QStrin
     if (!probe)
         return;
     if (access != MicrophoneAccess::Granted)
-        log(QStringLiteral("PulseMicrophone: ") + reason);
+        log(u"PulseMicrophone: "_s + reason);
     probe.mapped().answer(access);
 }
 
 std::unique_ptr<MicrophoneRecording> PulseMicrophone::record(const QString& path)
 {
-    const bool isPlain = path.endsWith(QLatin1String(".wav"));
+    const bool isPlain = path.endsWith(".wav"_L1);
     const SoundFormat& format = isPlain ? dictation : voice;
     const auto writerOf = [&]() -> Result<std::unique_ptr<SoundWriter>> {
         if (isPlain)
@@ -170,7 +171,7 @@ std::unique_ptr<MicrophoneRecording> PulseMicrophone::record(const QString& path
     };
     auto writer = writerOf();
     if (!writer) {
-        log(QStringLiteral("PulseMicrophone: %1: %2").arg(path, writer.error().message));
+        log(u"PulseMicrophone: %1: %2"_s.arg(path, writer.error().message));
         return nullptr;
     }
     return std::make_unique<LinuxRecording>(path, std::move(*writer), format, m_scheduler);

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Audio/PulseTrack.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QFile>
@@ -65,7 +66,7 @@ void PulseTrack::connectSource()
             .ended =
                 [this](PulseCapture::End, const QString& reason) {
                     post(this, [this, reason] {
-                        log(QStringLiteral("PulseTrack: ") + reason);
+                        log(u"PulseTrack: "_s + reason);
                         m_lost = true;
                         setHasSource(false);
                     });
@@ -125,7 +126,7 @@ void PulseTrack::write(std::span<const float> samples)
     if (const auto written = m_writer->write(samples); !written) {
         m_broken = true;
         post(this, [this, reason = written.error().message] {
-            log(QStringLiteral("PulseTrack: %1: %2").arg(m_path, reason));
+            log(u"PulseTrack: %1: %2"_s.arg(m_path, reason));
             endCapture();
             Q_EMIT failed(reason);
         });
@@ -146,7 +147,7 @@ void PulseTrack::stop(Done done)
     if (!m_heard || !m_writer) {
         cancel();
         const auto nothing = [] {
-            return Result<void>(failure(QStringLiteral("no sound came.")));
+            return Result<void>(failure(u"no sound came."_s));
         };
         m_background.run<Result<void>>(nothing, done);
         return;
@@ -163,7 +164,7 @@ void PulseTrack::close()
     if (!m_writer)
         return;
     if (const auto closed = m_writer->close(); !closed)
-        log(QStringLiteral("PulseTrack: %1: %2").arg(m_path, closed.error().message));
+        log(u"PulseTrack: %1: %2"_s.arg(m_path, closed.error().message));
     m_writer.reset();
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Bus/BusNotificationService.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/ApplicationId.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Services.h"
@@ -12,9 +13,9 @@ namespace corvane {
 
 namespace {
 
-const BusObject daemon { QStringLiteral("org.freedesktop.Notifications"),
-    QStringLiteral("/org/freedesktop/Notifications"), QStringLiteral("org.freedesktop.Notifications") };
-const QString clickOnBanner = QStringLiteral("default");
+const BusObject daemon { u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
+    u"org.freedesktop.Notifications"_s };
+const QString clickOnBanner = u"default"_s;
 constexpr uchar normalUrgency = 1;
 constexpr int daemonDecidesHowLong = -1;
 
@@ -92,13 +93,13 @@ void BusNotificationService::withdraw(const QVariantMap& userInfo)
 
 void BusNotificationService::close(uint id)
 {
-    callAsync(m_bus, daemon.method(QStringLiteral("CloseNotification"), { id }), this, [](const QDBusMessage&) { });
+    callAsync(m_bus, daemon.method(u"CloseNotification"_s, { id }), this, [](const QDBusMessage&) { });
 }
 
 void BusNotificationService::askDaemon()
 {
     m_daemon = Daemon::Asked;
-    callAsync(m_bus, daemon.method(QStringLiteral("GetCapabilities")), this, [this](const QDBusMessage& reply) {
+    callAsync(m_bus, daemon.method(u"GetCapabilities"_s), this, [this](const QDBusMessage& reply) {
         const QList<Banner> waiting = std::exchange(m_waiting, {});
         if (reply.type() != QDBusMessage::ReplyMessage) {
             m_daemon = Daemon::Unknown;
@@ -121,7 +122,7 @@ void BusNotificationService::send(const Banner& banner)
     }
     shown.sending = true;
     shown.userInfo = banner.userInfo;
-    callAsync(m_bus, daemon.method(QStringLiteral("Notify"), arguments(banner, shown.id)), this,
+    callAsync(m_bus, daemon.method(u"Notify"_s, arguments(banner, shown.id)), this,
         [this, identifier = banner.identifier, generation = m_generation](const QDBusMessage& reply) {
             if (generation == m_generation)
                 onSent(identifier, reply);
@@ -150,23 +151,21 @@ void BusNotificationService::onSent(const QString& identifier, const QDBusMessag
 QVariantList BusNotificationService::arguments(const Banner& banner, uint replacedId) const
 {
     QStringList actions;
-    if (m_capabilities.contains(QStringLiteral("actions"))) {
-        actions << clickOnBanner << QStringLiteral("Open");
+    if (m_capabilities.contains(u"actions"_s)) {
+        actions << clickOnBanner << u"Open"_s;
         for (const Banner::Action& action : banner.actions)
             actions << action.id << action.label;
     }
     const QString text = withoutNul(bodyText(banner));
-    const QString body = m_capabilities.contains(QStringLiteral("body-markup")) ? text.toHtmlEscaped() : text;
+    const QString body = m_capabilities.contains(u"body-markup"_s) ? text.toHtmlEscaped() : text;
     const QVariantMap hints {
-        { QStringLiteral("urgency"), QVariant::fromValue(normalUrgency) },
-        { QStringLiteral("category"),
-            banner.category.isEmpty() ? QStringLiteral("im.received")
-                                      : QStringLiteral("x-corvane.") + banner.category },
-        { QStringLiteral("desktop-entry"), QGuiApplication::desktopFileName() },
-        { QStringLiteral("sound-name"), QStringLiteral("message-new-instant") },
-        { QStringLiteral("x-corvane-thread"), banner.thread },
+        { u"urgency"_s, QVariant::fromValue(normalUrgency) },
+        { u"category"_s, banner.category.isEmpty() ? u"im.received"_s : u"x-corvane."_s + banner.category },
+        { u"desktop-entry"_s, QGuiApplication::desktopFileName() },
+        { u"sound-name"_s, u"message-new-instant"_s },
+        { u"x-corvane-thread"_s, banner.thread },
     };
-    return { QStringLiteral("Corvane"), replacedId, applicationId, withoutNul(banner.title), body, actions, hints,
+    return { u"Corvane"_s, replacedId, applicationId, withoutNul(banner.title), body, actions, hints,
         daemonDecidesHowLong };
 }
 

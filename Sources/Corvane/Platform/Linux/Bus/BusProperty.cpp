@@ -1,5 +1,7 @@
 #include "Platform/Linux/Bus/BusProperty.h"
 
+#include "Foundation/Literals.h"
+
 #include <QDBusArgument>
 #include <QDBusServiceWatcher>
 
@@ -7,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString propertiesInterface = u"org.freedesktop.DBus.Properties"_s;
 
 }
 
@@ -18,7 +20,7 @@ BusProperty::BusProperty(const QDBusConnection& bus, const BusObject& object, co
 {
     if (!m_bus.isConnected())
         return;
-    m_bus.connect(m_object.service, m_object.path, propertiesInterface, QStringLiteral("PropertiesChanged"), this,
+    m_bus.connect(m_object.service, m_object.path, propertiesInterface, u"PropertiesChanged"_s, this,
         SLOT(onPropertiesChanged(QDBusMessage)));
     const auto* watcher
         = new QDBusServiceWatcher(m_object.service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
@@ -34,14 +36,14 @@ BusProperty::BusProperty(const QDBusConnection& bus, const BusObject& object, co
 void BusProperty::read()
 {
     QDBusMessage call = BusObject { m_object.service, m_object.path, propertiesInterface }.method(
-        QStringLiteral("Get"), { m_object.interface, m_name });
+        u"Get"_s, { m_object.interface, m_name });
     call.setAutoStartService(false);
     callAsync(m_bus, call, this, [this](const QDBusMessage& reply) { m_value = firstValue(reply); });
 }
 
 void BusProperty::onPropertiesChanged(const QDBusMessage& signal)
 {
-    if (signal.signature() != QStringLiteral("sa{sv}as") || signal.arguments().at(0).toString() != m_object.interface)
+    if (signal.signature() != u"sa{sv}as"_s || signal.arguments().at(0).toString() != m_object.interface)
         return;
     const auto changed = qdbus_cast<QVariantMap>(signal.arguments().at(1));
     if (changed.contains(m_name))

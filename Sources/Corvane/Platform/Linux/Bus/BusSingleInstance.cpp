@@ -1,6 +1,7 @@
 #include "Platform/Linux/Bus/BusSingleInstance.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/AppPaths.h"
 #include "Platform/ApplicationId.h"
@@ -29,15 +30,14 @@ constexpr int answerMs = 1500;
 constexpr int betweenTriesMs = 50;
 constexpr qint64 longestRequest = 65536;
 
-const QString objectInterface = QStringLiteral("org.freedesktop.Application");
-const QString tokenKey = QStringLiteral("activation-token");
-const QByteArray taken = QByteArrayLiteral("taken\n");
+const QString objectInterface = u"org.freedesktop.Application"_s;
+const QString tokenKey = u"activation-token"_s;
+const QByteArray taken = "taken\n"_ba;
 
 QString usualFolder()
 {
     const passwd* account = ::getpwuid(::getuid());
-    return account == nullptr ? QString()
-                              : QFile::decodeName(account->pw_dir) + QStringLiteral("/.local/share/Corvane");
+    return account == nullptr ? QString() : QFile::decodeName(account->pw_dir) + u"/.local/share/Corvane"_s;
 }
 
 /// Lets the running program's window come to the front where the desktop asks for a reason.
@@ -53,7 +53,7 @@ QString instanceName(const QString& applicationSupport)
     if (applicationSupport == usualFolder())
         return applicationId;
     const QByteArray hash = QCryptographicHash::hash(QFile::encodeName(applicationSupport), QCryptographicHash::Sha256);
-    return applicationId + QStringLiteral(".at") + QString::fromLatin1(hash.toHex().first(16));
+    return applicationId + u".at"_s + QString::fromLatin1(hash.toHex().first(16));
 }
 
 void ApplicationObject::Activate(const QVariantMap& platformData)
@@ -73,10 +73,10 @@ void ApplicationObject::ActivateAction(const QString&, const QVariantList&, cons
 
 BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus)
     : m_folder(applicationSupport)
-    , m_socketPath(applicationSupport + QStringLiteral("/instance.socket"))
+    , m_socketPath(applicationSupport + u"/instance.socket"_s)
     , m_name(instanceName(applicationSupport))
     , m_bus(bus)
-    , m_lock(applicationSupport + QStringLiteral("/instance.lock"))
+    , m_lock(applicationSupport + u"/instance.lock"_s)
     , m_lumo(bus, &m_object)
 {
     connect(&m_object, &ApplicationObject::called, this, &BusSingleInstance::receive);
@@ -113,7 +113,7 @@ bool BusSingleInstance::claim(const QStringList& arguments)
                 open();
                 return true;
             }
-            log(QStringLiteral("SingleInstance: Corvane already runs on %1 and does not answer").arg(m_folder));
+            log(u"SingleInstance: Corvane already runs on %1 and does not answer"_s.arg(m_folder));
             return false;
         }
         QThread::msleep(betweenTriesMs);
@@ -149,8 +149,8 @@ BusSingleInstance::Delivery BusSingleInstance::handOverOnBus(const QStringList& 
         return Delivery::Unreachable;
     const BusObject running { m_name, instanceObjectPath, objectInterface };
     const QVariantMap platformData { { tokenKey, activationToken() } };
-    QDBusMessage call = arguments.isEmpty() ? running.method(QStringLiteral("Activate"), { platformData })
-                                            : running.method(QStringLiteral("Open"), { arguments, platformData });
+    QDBusMessage call = arguments.isEmpty() ? running.method(u"Activate"_s, { platformData })
+                                            : running.method(u"Open"_s, { arguments, platformData });
     call.setAutoStartService(false);
     const QDBusMessage reply = m_bus.call(call, QDBus::Block, answerMs);
     if (reply.type() == QDBusMessage::ReplyMessage)
@@ -164,7 +164,7 @@ BusSingleInstance::Delivery BusSingleInstance::handOverThroughSocket(const QStri
     socket.connectToServer(m_socketPath);
     if (!socket.waitForConnected(answerMs))
         return Delivery::Unreachable;
-    const QJsonObject request { { QStringLiteral("arguments"), QJsonArray::fromStringList(arguments) },
+    const QJsonObject request { { u"arguments"_s, QJsonArray::fromStringList(arguments) },
         { tokenKey, activationToken() } };
     socket.write(compactJson(request) + '\n');
     const QDeadlineTimer answer(answerMs);
@@ -178,7 +178,7 @@ void BusSingleInstance::open()
         m_bus.registerObject(
             instanceObjectPath, &m_object, QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportAdaptors);
         if (!m_bus.registerService(m_name))
-            log(QStringLiteral("SingleInstance: the bus name %1 is taken").arg(m_name));
+            log(u"SingleInstance: the bus name %1 is taken"_s.arg(m_name));
     }
     if (!m_lock.isOpen())
         return;
@@ -186,7 +186,7 @@ void BusSingleInstance::open()
     QLocalServer::removeServer(m_socketPath);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server.listen(m_socketPath))
-        log(QStringLiteral("SingleInstance: no socket: ") + m_server.errorString());
+        log(u"SingleInstance: no socket: "_s + m_server.errorString());
 }
 
 void BusSingleInstance::onConnection()
@@ -207,7 +207,7 @@ void BusSingleInstance::onConnection()
             socket->write(taken);
             socket->disconnectFromServer();
             QStringList arguments;
-            for (const QJsonValue& argument : request->value(QStringLiteral("arguments")).toArray())
+            for (const QJsonValue& argument : request->value(u"arguments"_s).toArray())
                 arguments.append(argument.toString());
             receive(arguments, request->value(tokenKey).toString());
         });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/LumoObject.h"
 
 #include <QDBusConnection>
@@ -13,7 +14,7 @@ namespace corvane {
 /// one of its own for any other.
 QString instanceName(const QString& applicationSupport);
 
-inline const QString instanceObjectPath = QStringLiteral("/com/nimb/corvane");
+inline const QString instanceObjectPath = u"/com/nimb/corvane"_s;
 
 /// What desktops call on a running program (org.freedesktop.Application).
 class ApplicationObject final : public QObject {

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Bus/LogindInhibitor.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Services.h"
@@ -10,27 +11,25 @@ namespace corvane {
 
 namespace {
 
-const BusObject logind { QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-    QStringLiteral("org.freedesktop.login1.Manager") };
+const BusObject logind { u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
+    u"org.freedesktop.login1.Manager"_s };
 
 /// The lock lasts as long as its descriptor is open.
 class Lock final : public QObject, public SleepInhibitor::Hold {
 public:
     Lock(const QDBusConnection& bus, const QString& reason)
     {
-        take(bus, QStringLiteral("sleep:idle"), reason, [this, bus, reason] {
+        take(bus, u"sleep:idle"_s, reason, [this, bus, reason] {
             // Holding back a sleep that was asked for takes a right that not every session has.
-            take(bus, QStringLiteral("idle"), reason, [] { log(QStringLiteral("SleepInhibitor: no lock")); });
+            take(bus, u"idle"_s, reason, [] { log(u"SleepInhibitor: no lock"_s); });
         });
     }
 
 private:
     void take(const QDBusConnection& bus, const QString& what, const QString& reason, std::function<void()> otherwise)
     {
-        callAsync(bus,
-            logind.method(
-                QStringLiteral("Inhibit"), { what, QStringLiteral("Corvane"), reason, QStringLiteral("block") }),
-            this, [this, otherwise = std::move(otherwise)](const QDBusMessage& reply) {
+        callAsync(bus, logind.method(u"Inhibit"_s, { what, u"Corvane"_s, reason, u"block"_s }), this,
+            [this, otherwise = std::move(otherwise)](const QDBusMessage& reply) {
                 m_descriptor = firstValue(reply).value<QDBusUnixFileDescriptor>();
                 if (!m_descriptor.isValid())
                     otherwise();

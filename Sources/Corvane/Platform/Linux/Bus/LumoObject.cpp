@@ -1,5 +1,6 @@
 #include "Platform/Linux/Bus/LumoObject.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Bus/BusSingleInstance.h"
@@ -8,8 +9,6 @@
 #include <QDBusError>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Bus/XdgDesktop.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Bus/PortalFileChooser.h"
@@ -17,16 +18,16 @@ namespace corvane {
 
 namespace {
 
-const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
-    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.Settings") };
+const BusObject portal { u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
+    u"org.freedesktop.portal.Settings"_s };
 
 /// Docks own this name while they listen for badges.
-const QString dockService = QStringLiteral("com.canonical.Unity");
+const QString dockService = u"com.canonical.Unity"_s;
 
-const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
-const QString colourSchemeKey = QStringLiteral("color-scheme");
-const QString interfaceGroup = QStringLiteral("org.gnome.desktop.interface");
-const QString animationsKey = QStringLiteral("enable-animations");
+const QString appearanceGroup = u"org.freedesktop.appearance"_s;
+const QString colourSchemeKey = u"color-scheme"_s;
+const QString interfaceGroup = u"org.gnome.desktop.interface"_s;
+const QString animationsKey = u"enable-animations"_s;
 constexpr uint prefersDark = 1;
 constexpr uint prefersLight = 2;
 
@@ -40,7 +41,7 @@ bool paletteIsDark()
 bool startOpener(const QUrl& url, mode_t umaskOfOpened)
 {
     QProcess opener;
-    opener.setProgram(QStandardPaths::findExecutable(QStringLiteral("xdg-open")));
+    opener.setProgram(QStandardPaths::findExecutable(u"xdg-open"_s));
     opener.setArguments({ url.toString(QUrl::FullyEncoded) });
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
@@ -50,7 +51,7 @@ bool startOpener(const QUrl& url, mode_t umaskOfOpened)
     ::umask(own);
     if (started)
         return true;
-    log(QStringLiteral("Desktop: xdg-open does not start"));
+    log(u"Desktop: xdg-open does not start"_s);
     return false;
 }
 
@@ -65,8 +66,8 @@ XdgDesktop::XdgDesktop(const QDBusConnection& bus, mode_t umaskOfOpened)
         QCoreApplication::instance()->installEventFilter(this);
     if (!m_bus.isConnected())
         return;
-    m_bus.connect(portal.service, portal.path, portal.interface, QStringLiteral("SettingChanged"), this,
-        SLOT(onSettingChanged(QDBusMessage)));
+    m_bus.connect(
+        portal.service, portal.path, portal.interface, u"SettingChanged"_s, this, SLOT(onSettingChanged(QDBusMessage)));
     const auto whenItComes = [this](const QString& service, void (XdgDesktop::*action)()) {
         const auto* watcher = new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
         connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
@@ -82,8 +83,8 @@ XdgDesktop::XdgDesktop(const QDBusConnection& bus, mode_t umaskOfOpened)
 
 void XdgDesktop::openInBrowser(const QUrl& url)
 {
-    if (url.scheme() != QStringLiteral("https") && url.scheme() != QStringLiteral("http")) {
-        log(QStringLiteral("Desktop.openInBrowser: not a web address: ") + url.toDisplayString());
+    if (url.scheme() != u"https"_s && url.scheme() != u"http"_s) {
+        log(u"Desktop.openInBrowser: not a web address: "_s + url.toDisplayString());
         return;
     }
     startOpener(url, m_umaskOfOpened);
@@ -128,11 +129,10 @@ void XdgDesktop::sendBadge()
 {
     if (!m_bus.isConnected() || QGuiApplication::desktopFileName().isEmpty())
         return;
-    auto update = QDBusMessage::createSignal(QStringLiteral("/com/canonical/unity/launcherentry/1"),
-        QStringLiteral("com.canonical.Unity.LauncherEntry"), QStringLiteral("Update"));
-    const QVariantMap properties { { QStringLiteral("count"), qlonglong(m_badge) },
-        { QStringLiteral("count-visible"), m_badge > 0 } };
-    update << QStringLiteral("application://%1.desktop").arg(QGuiApplication::desktopFileName()) << properties;
+    auto update = QDBusMessage::createSignal(
+        u"/com/canonical/unity/launcherentry/1"_s, u"com.canonical.Unity.LauncherEntry"_s, u"Update"_s);
+    const QVariantMap properties { { u"count"_s, qlonglong(m_badge) }, { u"count-visible"_s, m_badge > 0 } };
+    update << u"application://%1.desktop"_s.arg(QGuiApplication::desktopFileName()) << properties;
     m_bus.send(update);
 }
 
@@ -144,13 +144,13 @@ void XdgDesktop::readSettings()
 
 void XdgDesktop::read(const QString& group, const QString& key)
 {
-    callAsync(m_bus, portal.method(QStringLiteral("Read"), { group, key }), this,
+    callAsync(m_bus, portal.method(u"Read"_s, { group, key }), this,
         [this, key](const QDBusMessage& reply) { apply(key, firstValue(reply)); });
 }
 
 void XdgDesktop::onSettingChanged(const QDBusMessage& signal)
 {
-    if (signal.signature() != QStringLiteral("ssv"))
+    if (signal.signature() != u"ssv"_s)
         return;
     const QString group = signal.arguments().at(0).toString();
     const QString key = signal.arguments().at(1).toString();

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Calendar/CombinedCalendars.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Linux/Calendar/EvolutionCalendars.h"
 #include "Platform/Linux/Calendar/FolderCalendars.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 CombinedCalendars::CombinedCalendars(std::unique_ptr<CalendarSource> folders, std::unique_ptr<CalendarSource> service)
     : m_folders(std::move(folders))

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Calendar/EvolutionCalendars.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Calendar/IcsText.h"
 #include "Platform/Linux/Calendar/IcsValues.h"
@@ -10,8 +11,6 @@
 #include <QTimeZone>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

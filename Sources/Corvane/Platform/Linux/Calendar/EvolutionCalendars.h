@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Calendar/EvolutionService.h"
 #include "Platform/Linux/Calendar/ExpandedIcs.h"
 
@@ -28,7 +29,7 @@ public:
     bool hasService() const override;
     void watch(const CalendarPlaces& places) override;
 
-    inline static const QString idPrefix = QStringLiteral("evolution:"); ///< of a calendar's id
+    inline static const QString idPrefix = u"evolution:"_s; ///< of a calendar's id
 
 private Q_SLOTS:
     void onChange();

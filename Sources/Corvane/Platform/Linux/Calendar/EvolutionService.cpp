@@ -1,5 +1,6 @@
 #include "Platform/Linux/Calendar/EvolutionService.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusObject.h"
 
 #include <QDBusError>
@@ -8,8 +9,6 @@
 #include <QMap>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Foundation/Result.h"
 #include "Platform/CalendarSource.h"
 
@@ -72,10 +73,10 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, EvolutionObjectId
 
 namespace evolution {
 
-inline const QString sources = QStringLiteral("org.gnome.evolution.dataserver.Sources5");
-inline const QString calendars = QStringLiteral("org.gnome.evolution.dataserver.Calendar8");
-inline const QString calendarInterface = QStringLiteral("org.gnome.evolution.dataserver.Calendar");
-inline const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+inline const QString sources = u"org.gnome.evolution.dataserver.Sources5"_s;
+inline const QString calendars = u"org.gnome.evolution.dataserver.Calendar8"_s;
+inline const QString calendarInterface = u"org.gnome.evolution.dataserver.Calendar"_s;
+inline const QString propertiesInterface = u"org.freedesktop.DBus.Properties"_s;
 
 }
 

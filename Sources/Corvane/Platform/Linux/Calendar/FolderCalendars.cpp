@@ -1,5 +1,6 @@
 #include "Platform/Linux/Calendar/FolderCalendars.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Calendar/IcsText.h"
 #include "Platform/PrivateFile.h"
 
@@ -16,8 +17,6 @@
 #include <unistd.h>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Calendar/FolderWatch.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QDir>
@@ -31,7 +32,7 @@ void FolderWatch::watch(const QStringList& folders)
     m_inotify = Descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     m_names.clear();
     if (!m_inotify.isOpen()) {
-        log(QStringLiteral("FolderWatch: changes will not be noticed: %1").arg(QString::fromUtf8(strerror(errno))));
+        log(u"FolderWatch: changes will not be noticed: %1"_s.arg(QString::fromUtf8(strerror(errno))));
         return;
     }
     for (const QString& folder : folders) {
@@ -56,7 +57,7 @@ void FolderWatch::look(const QString& folder, const QString& onlyName)
 {
     const int watch = ::inotify_add_watch(m_inotify.number(), QFile::encodeName(folder).constData(), events);
     if (watch < 0) {
-        log(QStringLiteral("FolderWatch: %1: %2").arg(folder, QString::fromUtf8(strerror(errno))));
+        log(u"FolderWatch: %1: %2"_s.arg(folder, QString::fromUtf8(strerror(errno))));
         return;
     }
     const auto known = m_names.find(watch);

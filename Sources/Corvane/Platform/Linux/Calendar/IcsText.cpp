@@ -1,13 +1,12 @@
 #include "Platform/Linux/Calendar/IcsText.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/CalendarSource.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
 
 namespace corvane {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

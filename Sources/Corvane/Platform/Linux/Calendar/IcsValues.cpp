@@ -1,12 +1,12 @@
 #include "Platform/Linux/Calendar/IcsValues.h"
 
+#include "Foundation/Literals.h"
+
 #include <QTimeZone>
 #include <utility>
 #include <vector>
 
 namespace corvane::ics {
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

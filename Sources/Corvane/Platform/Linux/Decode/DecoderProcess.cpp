@@ -1,5 +1,6 @@
 #include "Platform/Linux/Decode/DecoderProcess.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Processes/SpawnedChild.h"
 
 #include <QCoreApplication>
@@ -30,8 +31,8 @@ void reapLater(const std::shared_ptr<const Descriptor>& handle)
 
 Result<std::unique_ptr<DecoderProcess>> DecoderProcess::start(const QString& executable, Receiver receiver)
 {
-    auto child = spawnOverSocket(
-        { executable, { QStringLiteral("--decode") }, {}, QProcessEnvironment::systemEnvironment(), false });
+    auto child
+        = spawnOverSocket({ executable, { u"--decode"_s }, {}, QProcessEnvironment::systemEnvironment(), false });
     if (!child)
         return std::unexpected(child.error());
     return std::unique_ptr<DecoderProcess>(new DecoderProcess(std::move(*child), std::move(receiver)));

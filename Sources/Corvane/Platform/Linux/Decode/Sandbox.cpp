@@ -1,5 +1,7 @@
 #include "Platform/Linux/Decode/Sandbox.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -72,7 +74,7 @@ struct ReleaseFilter {
 
 std::unexpected<Error> systemFailure(const char* subject, int error)
 {
-    return failure(QStringLiteral("%1: %2").arg(QLatin1String(subject), QLatin1String(std::strerror(error))));
+    return failure(u"%1: %2"_s.arg(QLatin1StringView(subject), QLatin1StringView(std::strerror(error))));
 }
 
 Result<void> limit(decltype(RLIMIT_AS) what, rlim_t most)
@@ -116,7 +118,7 @@ Result<void> enterSandbox()
         return limited;
     const std::unique_ptr<void, ReleaseFilter> filter(seccomp_init(SCMP_ACT_ERRNO(EPERM)));
     if (!filter)
-        return failure(QStringLiteral("seccomp_init failed"));
+        return failure(u"seccomp_init failed"_s);
     if (const int code = allowAll(filter.get()); code < 0)
         return systemFailure("seccomp_rule_add", -code);
     if (const int code = seccomp_load(filter.get()); code < 0)

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Decode/SeccompMediaDecoder.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Services.h"
 
@@ -148,7 +149,7 @@ void SeccompMediaDecoder::startProcess()
                 loseProcess(DecodeFailure::Crashed);
             } });
     if (!process) {
-        log(QStringLiteral("MediaDecoder: ") + process.error().message);
+        log(u"MediaDecoder: "_s + process.error().message);
         return finish(std::unexpected(DecodeFailure::Unavailable));
     }
     m_process = std::move(*process);
@@ -185,7 +186,7 @@ void SeccompMediaDecoder::loseProcess(DecodeFailure failure)
     m_process.reset();
     if (!m_current)
         return;
-    log(QStringLiteral("MediaDecoder: %1: %2").arg(m_current->path, describe(failure)));
+    log(u"MediaDecoder: %1: %2"_s.arg(m_current->path, describe(failure)));
     if (wasReady)
         m_deadly.insert(m_file.mark, failure);
     finish(std::unexpected(wasReady ? failure : DecodeFailure::Unavailable));

@@ -1,5 +1,7 @@
 #include "Platform/AppPaths.h"
 
+#include "Foundation/Literals.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -21,9 +23,9 @@ QString resourceFolder()
     if (!named.isEmpty())
         return QDir::cleanPath(QDir(named).absolutePath());
     const QDir beside(QCoreApplication::applicationDirPath());
-    if (beside.exists(QStringLiteral("local-schema")))
+    if (beside.exists(u"local-schema"_s))
         return beside.absolutePath();
-    return QDir::cleanPath(beside.absoluteFilePath(QStringLiteral("../share/corvane")));
+    return QDir::cleanPath(beside.absoluteFilePath(u"../share/corvane"_s));
 }
 
 }
@@ -32,10 +34,8 @@ AppPaths AppPaths::fromEnvironment()
 {
     AppPaths paths;
     paths.home = QDir::homePath();
-    paths.applicationSupport
-        = directoryFrom("XDG_DATA_HOME", paths.home + QStringLiteral("/.local/share")) + QStringLiteral("/Corvane");
-    paths.defaultsFile = directoryFrom("XDG_CONFIG_HOME", paths.home + QStringLiteral("/.config"))
-        + QStringLiteral("/Corvane/defaults.ini");
+    paths.applicationSupport = directoryFrom("XDG_DATA_HOME", paths.home + u"/.local/share"_s) + u"/Corvane"_s;
+    paths.defaultsFile = directoryFrom("XDG_CONFIG_HOME", paths.home + u"/.config"_s) + u"/Corvane/defaults.ini"_s;
     paths.resources = resourceFolder();
     return paths;
 }

@@ -1,5 +1,6 @@
 #include "Platform/PrivateFile.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Files/Descriptor.h"
 
@@ -38,7 +39,7 @@ constexpr int pieceBytes = 1 << 18;
 Error errorOf(int number)
 {
     if (number == ENOSPC || number == EDQUOT)
-        return { QStringLiteral("There is no room left on the disk.") };
+        return { u"There is no room left on the disk."_s };
     return { QString::fromLocal8Bit(::strerror(number)) + u'.' };
 }
 
@@ -75,7 +76,7 @@ Result<qint64> copyAll(int from, int to, qint64 limit, const std::function<void(
             break;
         size += count;
         if (limit > 0 && size > limit)
-            return failure(QStringLiteral("It is too large."));
+            return failure(u"It is too large."_s);
         const QByteArrayView read(piece.constData(), count);
         if (!writeAll(to, read))
             return std::unexpected(errorOf(errno));
@@ -93,8 +94,8 @@ void closeToOthers(const std::filesystem::path& folder)
     const auto close = [&](const fs::path& path) {
         fs::permissions(path, others, fs::perm_options::remove, error);
         if (error)
-            log(QStringLiteral("PrivateFile: %1 stays open to others: %2")
-                    .arg(QString::fromStdString(path), QString::fromStdString(error.message())));
+            log(u"PrivateFile: %1 stays open to others: %2"_s.arg(
+                QString::fromStdString(path), QString::fromStdString(error.message())));
     };
     if ((fs::status(folder, error).permissions() & others) == fs::perms::none)
         return;
@@ -127,7 +128,7 @@ Result<qint64> copyPrivateFile(
     if (!source.isOpen() || ::fstat(source.number(), &status) != 0)
         return std::unexpected(errorOf(errno));
     if (!S_ISREG(status.st_mode))
-        return failure(QStringLiteral("It is no plain file."));
+        return failure(u"It is no plain file."_s);
     const QString folder = QFileInfo(to).absolutePath();
     const QByteArray target = QFile::encodeName(to);
     if (!makePrivateFolder(folder))

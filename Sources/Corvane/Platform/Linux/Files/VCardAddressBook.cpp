@@ -1,5 +1,6 @@
 #include "Platform/Linux/Files/VCardAddressBook.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Linux/Services.h"
@@ -20,7 +21,7 @@ QStringList vcardsIn(const QString& folder)
 {
     QStringList paths;
     // Files only: opening a pipe would wait for its other end.
-    for (const QFileInfo& file : QDir(folder).entryInfoList({ QStringLiteral("*.vcf") }, QDir::Files, QDir::Name)) {
+    for (const QFileInfo& file : QDir(folder).entryInfoList({ u"*.vcf"_s }, QDir::Files, QDir::Name)) {
         if (file.isFile())
             paths.append(file.filePath());
     }
@@ -39,7 +40,7 @@ void readFile(const QString& path, QList<AddressBookPerson>& people, qsizetype& 
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        log(QStringLiteral("VCardAddressBook: %1: %2").arg(path, file.errorString()));
+        log(u"VCardAddressBook: %1: %2"_s.arg(path, file.errorString()));
         return;
     }
     VCardReader reader(file);
@@ -49,7 +50,7 @@ void readFile(const QString& path, QList<AddressBookPerson>& people, qsizetype& 
             person->photo.clear();
         people.append(*person);
         if (file.pos() > mostOfAFile || people.size() >= mostPeople) {
-            log(QStringLiteral("VCardAddressBook: %1 is too large, its end is left out").arg(path));
+            log(u"VCardAddressBook: %1 is too large, its end is left out"_s.arg(path));
             return;
         }
     }
@@ -65,9 +66,9 @@ VCardAddressBook::VCardAddressBook(const QString& dataHome, const QString& home)
 
 QStringList VCardAddressBook::roots(const QStringList& folders) const
 {
-    QStringList found { m_dataHome + QStringLiteral("/contacts") };
+    QStringList found { m_dataHome + u"/contacts"_s };
     for (const QString& folder : folders)
-        found.append(folder.startsWith(QLatin1String("~/")) ? m_home + folder.mid(1) : folder);
+        found.append(folder.startsWith("~/"_L1) ? m_home + folder.mid(1) : folder);
     found.removeIf([](const QString& folder) { return folder.isEmpty() || !QFileInfo(folder).isDir(); });
     return found;
 }

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Input/FocusedField.h"
 
 #include "Foundation/Ids.h"
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusObject.h"
 
 #include <QDBusArgument>
@@ -17,9 +18,9 @@ constexpr int insertMs = 500;
 constexpr int answerMs = 150;
 constexpr int deepest = 60;
 
-const QString accessible = QStringLiteral("org.a11y.atspi.Accessible");
-const QString textInterface = QStringLiteral("org.a11y.atspi.Text");
-const QString editableText = QStringLiteral("org.a11y.atspi.EditableText");
+const QString accessible = u"org.a11y.atspi.Accessible"_s;
+const QString textInterface = u"org.a11y.atspi.Text"_s;
+const QString editableText = u"org.a11y.atspi.EditableText"_s;
 
 // Of the accessibility protocol.
 constexpr quint64 active = 1ULL << 1;
@@ -40,9 +41,8 @@ public:
         , m_deadline(milliseconds)
         , m_bus(session)
     {
-        const BusObject launcher { QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-            QStringLiteral("org.a11y.Bus") };
-        QDBusMessage call = launcher.method(QStringLiteral("GetAddress"));
+        const BusObject launcher { u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s };
+        QDBusMessage call = launcher.method(u"GetAddress"_s);
         call.setAutoStartService(false);
         const QString address = firstValue(session.call(call, QDBus::Block, answerMs)).toString();
         if (!address.isEmpty())
@@ -67,19 +67,18 @@ public:
 
     QVariant property(const Node& node, const QString& interface, const QString& name) const
     {
-        return firstValue(
-            call(node, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"), { interface, name }));
+        return firstValue(call(node, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, { interface, name }));
     }
 
     quint64 states(const Node& node) const
     {
-        const auto words = qdbus_cast<QList<uint>>(firstValue(call(node, accessible, QStringLiteral("GetState"))));
+        const auto words = qdbus_cast<QList<uint>>(firstValue(call(node, accessible, u"GetState"_s)));
         return words.size() == 2 ? quint64(words[1]) << 32 | words[0] : 0;
     }
 
     QList<Node> children(const Node& node) const
     {
-        const QVariant value = firstValue(call(node, accessible, QStringLiteral("GetChildren")));
+        const QVariant value = firstValue(call(node, accessible, u"GetChildren"_s));
         if (value.metaType() != QMetaType::fromType<QDBusArgument>())
             return {};
         const auto argument = value.value<QDBusArgument>();
@@ -135,17 +134,15 @@ std::optional<FocusedField> findFocusedField(const QDBusConnection& session)
     const Accessibility bus(session, searchMs);
     if (!bus.isThere())
         return std::nullopt;
-    const Node programs { QStringLiteral("org.a11y.atspi.Registry"),
-        QStringLiteral("/org/a11y/atspi/accessible/root") };
+    const Node programs { u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/accessible/root"_s };
     for (const Node& program : bus.children(programs)) {
         for (const Node& window : bus.children(program)) {
             const quint64 states = bus.states(window);
             const auto found = states & active ? focusedUnder(bus, window, states, 0) : std::nullopt;
             if (!found)
                 continue;
-            const QStringList interfaces
-                = firstValue(bus.call(*found, accessible, QStringLiteral("GetInterfaces"))).toStringList();
-            const uint role = firstValue(bus.call(*found, accessible, QStringLiteral("GetRole"))).toUInt();
+            const QStringList interfaces = firstValue(bus.call(*found, accessible, u"GetInterfaces"_s)).toStringList();
+            const uint role = firstValue(bus.call(*found, accessible, u"GetRole"_s)).toUInt();
             return FocusedField { found->service, found->path, role == passwordRole,
                 interfaces.contains(editableText) };
         }
@@ -157,20 +154,18 @@ bool insertInto(const QDBusConnection& session, const FocusedField& field, const
 {
     const Accessibility bus(session, insertMs);
     const Node node { field.service, field.path };
-    const Node program { field.service, QStringLiteral("/org/a11y/atspi/accessible/root") };
-    const QString toolkit
-        = bus.property(program, QStringLiteral("org.a11y.atspi.Application"), QStringLiteral("ToolkitName")).toString();
+    const Node program { field.service, u"/org/a11y/atspi/accessible/root"_s };
+    const QString toolkit = bus.property(program, u"org.a11y.atspi.Application"_s, u"ToolkitName"_s).toString();
     bool isThere = false;
-    const int caret = bus.property(node, textInterface, QStringLiteral("CaretOffset")).toInt(&isThere);
+    const int caret = bus.property(node, textInterface, u"CaretOffset"_s).toInt(&isThere);
     if (!isThere || caret < 0)
         return false;
-    const bool isInserted = firstValue(
-        bus.call(node, editableText, QStringLiteral("InsertText"), { caret, text, lengthFor(toolkit, text) }))
-                                .toBool();
+    const bool isInserted
+        = firstValue(bus.call(node, editableText, u"InsertText"_s, { caret, text, lengthFor(toolkit, text) })).toBool();
     // Some leave the cursor before what was inserted.
     const int after = caret + int(text.toUcs4().size());
-    if (isInserted && bus.property(node, textInterface, QStringLiteral("CaretOffset")).toInt() == caret)
-        bus.call(node, textInterface, QStringLiteral("SetCaretOffset"), { after });
+    if (isInserted && bus.property(node, textInterface, u"CaretOffset"_s).toInt() == caret)
+        bus.call(node, textInterface, u"SetCaretOffset"_s, { after });
     return isInserted;
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Input/PortalGlobalShortcuts.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Input/X11GlobalShortcuts.h"
@@ -32,13 +33,13 @@ namespace {
 
 using Kind = GlobalShortcutState::Kind;
 
-const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
-    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.GlobalShortcuts") };
-const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
-const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+const BusObject portal { u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
+    u"org.freedesktop.portal.GlobalShortcuts"_s };
+const QString requestInterface = u"org.freedesktop.portal.Request"_s;
+const QString sessionInterface = u"org.freedesktop.portal.Session"_s;
 
-const QString handleToken = QStringLiteral("handle_token");
-const QString triggerDescription = QStringLiteral("trigger_description");
+const QString handleToken = u"handle_token"_s;
+const QString triggerDescription = u"trigger_description"_s;
 
 QList<PortalShortcut> shortcutsIn(const QVariant& value)
 {
@@ -62,7 +63,7 @@ QString portalTrigger(const QString& keys)
     for (const auto& [modifier, name] : { std::pair { Qt::ControlModifier, "CTRL+" }, { Qt::AltModifier, "ALT+" },
              { Qt::ShiftModifier, "SHIFT+" }, { Qt::MetaModifier, "LOGO+" } })
         if (held & modifier)
-            trigger += QLatin1String(name);
+            trigger += QLatin1StringView(name);
     const QString key = QKeySequence(sequence[0].key()).toString(QKeySequence::PortableText);
     return trigger + (key.size() == 1 ? key.toLower() : key);
 }
@@ -73,7 +74,7 @@ PortalGlobalShortcuts::PortalGlobalShortcuts(const QDBusConnection& bus)
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
     const auto on = [&](const char* signal, const char* slot) {
-        m_bus.connect(portal.service, portal.path, portal.interface, QLatin1String(signal), this, slot);
+        m_bus.connect(portal.service, portal.path, portal.interface, QLatin1StringView(signal), this, slot);
     };
     on("Activated", SLOT(onActivated(QDBusMessage)));
     on("Deactivated", SLOT(onDeactivated(QDBusMessage)));
@@ -117,8 +118,7 @@ void PortalGlobalShortcuts::openSession()
     m_awaited.clear();
     if (m_shortcuts.isEmpty())
         return;
-    ask(QStringLiteral("CreateSession"), {},
-        { { QStringLiteral("session_handle_token"), QStringLiteral("corvane_session%1").arg(m_requests) } },
+    ask(u"CreateSession"_s, {}, { { u"session_handle_token"_s, u"corvane_session%1"_s.arg(m_requests) } },
         &PortalGlobalShortcuts::bindAll);
 }
 
@@ -126,22 +126,22 @@ void PortalGlobalShortcuts::closeSession()
 {
     if (m_session.isEmpty() || !m_bus.isConnected())
         return;
-    m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(QStringLiteral("Close")));
+    m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(u"Close"_s));
     m_session.clear();
 }
 
 void PortalGlobalShortcuts::bindAll(const QVariantMap& results)
 {
-    m_session = unwrapped(results.value(QStringLiteral("session_handle"))).toString();
+    m_session = unwrapped(results.value(u"session_handle"_s)).toString();
     QList<PortalShortcut> shortcuts;
     for (const GlobalShortcut& shortcut : std::as_const(m_shortcuts)) {
-        QVariantMap properties { { QStringLiteral("description"), shortcut.description } };
+        QVariantMap properties { { u"description"_s, shortcut.description } };
         if (const QString trigger = portalTrigger(shortcut.keys.value(0)); !trigger.isEmpty())
-            properties[QStringLiteral("preferred_trigger")] = trigger;
+            properties[u"preferred_trigger"_s] = trigger;
         shortcuts.append({ shortcut.id, properties });
     }
     const QString noParent;
-    ask(QStringLiteral("BindShortcuts"),
+    ask(u"BindShortcuts"_s,
         { QVariant::fromValue(QDBusObjectPath(m_session)), QVariant::fromValue(shortcuts), noParent }, {},
         &PortalGlobalShortcuts::takeShortcuts);
 }
@@ -149,7 +149,7 @@ void PortalGlobalShortcuts::bindAll(const QVariantMap& results)
 void PortalGlobalShortcuts::takeShortcuts(const QVariantMap& results)
 {
     setAll({ Kind::Unavailable });
-    const QList<PortalShortcut> bound = shortcutsIn(results.value(QStringLiteral("shortcuts")));
+    const QList<PortalShortcut> bound = shortcutsIn(results.value(u"shortcuts"_s));
     for (const PortalShortcut& shortcut : bound)
         if (m_states.contains(shortcut.id))
             setState(shortcut.id, { Kind::Bound, unwrapped(shortcut.properties.value(triggerDescription)).toString() });
@@ -157,27 +157,26 @@ void PortalGlobalShortcuts::takeShortcuts(const QVariantMap& results)
 
 void PortalGlobalShortcuts::ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then)
 {
-    const QString token = QStringLiteral("corvane%1").arg(++m_requests);
+    const QString token = u"corvane%1"_s.arg(++m_requests);
     options[handleToken] = token;
     const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
-    const QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2").arg(sender, token);
+    const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
     m_awaited[path] = then;
     // Before the call: the answer may come first.
-    m_bus.connect(
-        portal.service, path, requestInterface, QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
+    m_bus.connect(portal.service, path, requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     callAsync(m_bus, portal.method(method, arguments + QVariantList { options }), this,
         [this, path](const QDBusMessage& reply) {
             if (reply.type() != QDBusMessage::ErrorMessage || m_awaited.remove(path) == 0)
                 return;
-            log(QStringLiteral("GlobalShortcuts: ") + reply.errorMessage());
+            log(u"GlobalShortcuts: "_s + reply.errorMessage());
             setAll({ Kind::Unavailable });
         });
 }
 
 void PortalGlobalShortcuts::onResponse(const QDBusMessage& response)
 {
-    m_bus.disconnect(portal.service, response.path(), requestInterface, QStringLiteral("Response"), this,
-        SLOT(onResponse(QDBusMessage)));
+    m_bus.disconnect(
+        portal.service, response.path(), requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     const Answer then = m_awaited.take(response.path());
     if (!then || response.signature() != u"ua{sv}")
         return;
@@ -209,7 +208,7 @@ void PortalGlobalShortcuts::onDeactivated(const QDBusMessage& signal)
 void PortalGlobalShortcuts::onShortcutsChanged(const QDBusMessage& signal)
 {
     if (isOurs(signal))
-        takeShortcuts({ { QStringLiteral("shortcuts"), signal.arguments().value(1) } });
+        takeShortcuts({ { u"shortcuts"_s, signal.arguments().value(1) } });
 }
 
 void PortalGlobalShortcuts::setAll(const GlobalShortcutState& state)

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Input/PortalKeyboard.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
 
@@ -11,16 +12,16 @@ namespace corvane {
 
 namespace {
 
-const BusObject portal { QStringLiteral("org.freedesktop.portal.Desktop"),
-    QStringLiteral("/org/freedesktop/portal/desktop"), QStringLiteral("org.freedesktop.portal.RemoteDesktop") };
-const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
-const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+const BusObject portal { u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
+    u"org.freedesktop.portal.RemoteDesktop"_s };
+const QString requestInterface = u"org.freedesktop.portal.Request"_s;
+const QString sessionInterface = u"org.freedesktop.portal.Session"_s;
 constexpr uint keyboard = 1;
 constexpr uint granted = 0;
 
 QString freshToken()
 {
-    return QStringLiteral("corvane_") + QUuid::createUuid().toString(QUuid::Id128);
+    return u"corvane_"_s + QUuid::createUuid().toString(QUuid::Id128);
 }
 
 /// The key symbol of a character, as X11 numbers them.
@@ -42,9 +43,9 @@ int symbolOf(char32_t character)
 PortalKeyboard::PortalKeyboard(const QDBusConnection& bus)
     : m_bus(bus)
 {
-    const BusObject properties { portal.service, portal.path, QStringLiteral("org.freedesktop.DBus.Properties") };
-    const QVariantList name { portal.interface, QStringLiteral("AvailableDeviceTypes") };
-    callAsync(m_bus, properties.method(QStringLiteral("Get"), name), this, [this](const QDBusMessage& reply) {
+    const BusObject properties { portal.service, portal.path, u"org.freedesktop.DBus.Properties"_s };
+    const QVariantList name { portal.interface, u"AvailableDeviceTypes"_s };
+    callAsync(m_bus, properties.method(u"Get"_s, name), this, [this](const QDBusMessage& reply) {
         if (firstValue(reply).toUInt() & keyboard)
             enter(State::Idle);
     });
@@ -60,54 +61,51 @@ void PortalKeyboard::ask()
     if (m_state != State::Idle)
         return;
     enter(State::Asking);
-    request(QStringLiteral("CreateSession"), {}, { { QStringLiteral("session_handle_token"), freshToken() } },
-        &PortalKeyboard::chooseDevices);
+    request(u"CreateSession"_s, {}, { { u"session_handle_token"_s, freshToken() } }, &PortalKeyboard::chooseDevices);
 }
 
 void PortalKeyboard::chooseDevices(const QVariantMap& results)
 {
-    m_session = unwrapped(results.value(QStringLiteral("session_handle"))).toString();
-    m_bus.connect(portal.service, m_session, sessionInterface, QStringLiteral("Closed"), this, SLOT(onClosed()));
-    request(QStringLiteral("SelectDevices"), { QVariant::fromValue(QDBusObjectPath(m_session)) },
-        { { QStringLiteral("types"), keyboard } }, &PortalKeyboard::start);
+    m_session = unwrapped(results.value(u"session_handle"_s)).toString();
+    m_bus.connect(portal.service, m_session, sessionInterface, u"Closed"_s, this, SLOT(onClosed()));
+    request(u"SelectDevices"_s, { QVariant::fromValue(QDBusObjectPath(m_session)) }, { { u"types"_s, keyboard } },
+        &PortalKeyboard::start);
 }
 
 void PortalKeyboard::start(const QVariantMap&)
 {
-    const QString noParent = QStringLiteral("");
-    request(QStringLiteral("Start"), { QVariant::fromValue(QDBusObjectPath(m_session)), noParent }, {},
-        &PortalKeyboard::started);
+    const QString noParent = u""_s;
+    request(u"Start"_s, { QVariant::fromValue(QDBusObjectPath(m_session)), noParent }, {}, &PortalKeyboard::started);
 }
 
 void PortalKeyboard::started(const QVariantMap& results)
 {
-    const bool hasKeyboard = unwrapped(results.value(QStringLiteral("devices"))).toUInt() & keyboard;
+    const bool hasKeyboard = unwrapped(results.value(u"devices"_s)).toUInt() & keyboard;
     enter(hasKeyboard ? State::Granted : State::Absent);
 }
 
 void PortalKeyboard::request(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then)
 {
     const QString token = freshToken();
-    options[QStringLiteral("handle_token")] = token;
+    options[u"handle_token"_s] = token;
     const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
-    m_awaited = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2").arg(sender, token);
+    m_awaited = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
     m_then = then;
     // Before the call: the answer may come first.
-    m_bus.connect(
-        portal.service, m_awaited, requestInterface, QStringLiteral("Response"), this, SLOT(onResponse(QDBusMessage)));
+    m_bus.connect(portal.service, m_awaited, requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     callAsync(
         m_bus, portal.method(method, arguments + QVariantList { options }), this, [this](const QDBusMessage& reply) {
             if (reply.type() != QDBusMessage::ErrorMessage)
                 return;
-            log(QStringLiteral("PortalKeyboard: ") + reply.errorMessage());
+            log(u"PortalKeyboard: "_s + reply.errorMessage());
             enter(State::Absent);
         });
 }
 
 void PortalKeyboard::onResponse(const QDBusMessage& response)
 {
-    m_bus.disconnect(portal.service, response.path(), requestInterface, QStringLiteral("Response"), this,
-        SLOT(onResponse(QDBusMessage)));
+    m_bus.disconnect(
+        portal.service, response.path(), requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     if (response.path() != m_awaited || response.signature() != u"ua{sv}")
         return;
     if (response.arguments().at(0).toUInt() != granted) {
@@ -130,8 +128,8 @@ void PortalKeyboard::type(const QString& text, std::function<void(bool)> done)
     QList<QDBusMessage> keys;
     for (const uint character : text.toUcs4()) {
         for (const uint isDown : { 1U, 0U })
-            keys.append(portal.method(
-                QStringLiteral("NotifyKeyboardKeysym"), { session, QVariantMap(), symbolOf(character), isDown }));
+            keys.append(
+                portal.method(u"NotifyKeyboardKeysym"_s, { session, QVariantMap(), symbolOf(character), isDown }));
     }
     // The portal takes them in their order, so that the last answer stands for all.
     for (qsizetype i = 0; i + 1 < keys.size(); ++i) {
@@ -152,7 +150,7 @@ void PortalKeyboard::enter(State state)
 void PortalKeyboard::closeSession()
 {
     if (!m_session.isEmpty() && m_bus.isConnected())
-        m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(QStringLiteral("Close")));
+        m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(u"Close"_s));
     m_session.clear();
 }
 

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Input/X11GlobalShortcuts.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QKeySequence>
@@ -81,7 +82,7 @@ X11GlobalShortcuts::X11GlobalShortcuts(const QByteArray& display)
 {
     m_connection = connectToX(display);
     if (!m_connection) {
-        log(QStringLiteral("GlobalShortcuts: no X server"));
+        log(u"GlobalShortcuts: no X server"_s);
         return;
     }
     m_root = firstScreen(m_connection.get())->root;
@@ -230,7 +231,7 @@ void X11GlobalShortcuts::grabAgain()
 
 void X11GlobalShortcuts::loseServer()
 {
-    log(QStringLiteral("GlobalShortcuts: the X server is gone"));
+    log(u"GlobalShortcuts: the X server is gone"_s);
     m_notifier.reset();
     m_connection.reset();
     for (Grab& grab : m_grabs)

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Input/X11TextInsertion.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Input/OwnWindow.h"
 
 #include <QSet>
@@ -21,17 +22,14 @@ constexpr xcb_keysym_t insertKey = 0xff63;
 constexpr xcb_keysym_t letterV = 'v';
 
 /// They paste the clipboard with Ctrl+Shift+V, as Ctrl+V is a character there.
-const QSet<QString> terminals { QStringLiteral("gnome-terminal-server"), QStringLiteral("gnome-terminal"),
-    QStringLiteral("konsole"), QStringLiteral("yakuake"), QStringLiteral("xfce4-terminal"),
-    QStringLiteral("mate-terminal"), QStringLiteral("lxterminal"), QStringLiteral("qterminal"),
-    QStringLiteral("terminator"), QStringLiteral("tilix"), QStringLiteral("guake"), QStringLiteral("kitty"),
-    QStringLiteral("alacritty"), QStringLiteral("ghostty"), QStringLiteral("com.mitchellh.ghostty"),
-    QStringLiteral("org.wezfurlong.wezterm"), QStringLiteral("kgx"), QStringLiteral("ptyxis"),
-    QStringLiteral("deepin-terminal"), QStringLiteral("contour") };
+const QSet<QString> terminals { u"gnome-terminal-server"_s, u"gnome-terminal"_s, u"konsole"_s, u"yakuake"_s,
+    u"xfce4-terminal"_s, u"mate-terminal"_s, u"lxterminal"_s, u"qterminal"_s, u"terminator"_s, u"tilix"_s, u"guake"_s,
+    u"kitty"_s, u"alacritty"_s, u"ghostty"_s, u"com.mitchellh.ghostty"_s, u"org.wezfurlong.wezterm"_s, u"kgx"_s,
+    u"ptyxis"_s, u"deepin-terminal"_s, u"contour"_s };
 
 /// They know the selection of the mouse alone, with Shift+Insert.
-const QSet<QString> oldTerminals { QStringLiteral("xterm"), QStringLiteral("uxterm"), QStringLiteral("urxvt"),
-    QStringLiteral("rxvt"), QStringLiteral("st-256color"), QStringLiteral("st"), QStringLiteral("mlterm") };
+const QSet<QString> oldTerminals { u"xterm"_s, u"uxterm"_s, u"urxvt"_s, u"rxvt"_s, u"st-256color"_s, u"st"_s,
+    u"mlterm"_s };
 
 }
 

@@ -2,6 +2,7 @@
 
 #include "Foundation/Json.h"
 #include "Foundation/JsonSchema.h"
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Services.h"
 
 #include <QNetworkProxy>
@@ -34,7 +35,7 @@ QNetworkRequest request(const QUrl& url)
 LoopbackLanguageModel::LoopbackLanguageModel(Scheduler& scheduler, const QStringList& usualServers)
     : m_scheduler(scheduler)
     , m_usualServers(usualServers)
-    , m_known { {}, {}, QStringLiteral("The model server has not answered yet.") }
+    , m_known { {}, {}, u"The model server has not answered yet."_s }
 {
     m_looks.setProxy(QNetworkProxy::NoProxy);
     m_answers.setProxy(QNetworkProxy::NoProxy);
@@ -91,13 +92,10 @@ std::optional<QString> LoopbackLanguageModel::unavailableReason() const
         return m_known.reason;
     const ServedModel answering = model();
     if (!m_known.models.contains(answering))
-        return QStringLiteral("The model server at %1 has no model “%2”.")
-            .arg(m_known.server->base.toString(), answering.name);
+        return u"The model server at %1 has no model “%2”."_s.arg(m_known.server->base.toString(), answering.name);
     if (answering.runsElsewhere && answering.name != m_choice.allowedElsewhere)
-        return QStringLiteral(
-            "“%1” runs elsewhere: what it reads leaves this machine. It answers once you allow that in "
-            "the settings.")
-            .arg(answering.name);
+        return u"“%1” runs elsewhere: what it reads leaves this machine. It answers once you allow that in "
+               "the settings."_s.arg(answering.name);
     return std::nullopt;
 }
 
@@ -127,8 +125,7 @@ QCoro::Task<LoopbackLanguageModel::Known> LoopbackLanguageModel::look(QStringLis
         const auto base = loopbackUrl(server);
         if (!base)
             co_return Known { {}, {},
-                QStringLiteral("“%1” is no model server on this machine. Write http://127.0.0.1 and its port.")
-                    .arg(server) };
+                u"“%1” is no model server on this machine. Write http://127.0.0.1 and its port."_s.arg(server) };
         const std::optional<Known> found = co_await lookAt(*base);
         if (end.isCancelled())
             co_return Known();
@@ -137,8 +134,7 @@ QCoro::Task<LoopbackLanguageModel::Known> LoopbackLanguageModel::look(QStringLis
         if (!best)
             best = found;
     }
-    co_return best.value_or(
-        Known { {}, {}, QStringLiteral("No model server answers at %1.").arg(servers.join(QStringLiteral(" or "))) });
+    co_return best.value_or(Known { {}, {}, u"No model server answers at %1."_s.arg(servers.join(u" or "_s)) });
 }
 
 /// Nothing where nobody answers.
@@ -170,7 +166,7 @@ QCoro::Task<Result<QString>> LoopbackLanguageModel::ask(ModelQuestion question, 
     const ModelServer server = *m_known.server;
     question.model = model().name;
     QNetworkRequest sent = request(urlOf(server.base, chatPath(server.contract)));
-    sent.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    sent.setHeader(QNetworkRequest::ContentTypeHeader, u"application/json"_s);
     // The request ends with the first of the two handles.
     const CancelHandle either;
     const auto byCaller = cancel.onCancel([either] { either.cancel(); });
@@ -185,7 +181,7 @@ QCoro::Task<Result<QString>> LoopbackLanguageModel::ask(ModelQuestion question, 
         co_return answerIn(*reply, server);
     refresh();
     co_return failure(
-        QStringLiteral("The model server at %1 gave no answer: %2").arg(server.base.toString(), reply.error().message));
+        u"The model server at %1 gave no answer: %2"_s.arg(server.base.toString(), reply.error().message));
 }
 
 QCoro::Task<Result<QString>> LoopbackLanguageModel::respond(QString instructions, QString prompt, CancelHandle cancel)
@@ -201,16 +197,16 @@ QCoro::Task<Result<QJsonObject>> LoopbackLanguageModel::respondGenerating(
         co_return std::unexpected(answer.error());
     const auto object = jsonObject(answer->toUtf8());
     if (!object)
-        co_return failure(QStringLiteral("The answer of the model is no JSON object."));
+        co_return failure(u"The answer of the model is no JSON object."_s);
     if (const auto violation = schemaViolation(*object, schema))
-        co_return failure(QStringLiteral("The answer of the model is not what was asked for: %1.").arg(*violation));
+        co_return failure(u"The answer of the model is not what was asked for: %1."_s.arg(*violation));
     co_return *object;
 }
 
 std::unique_ptr<SystemLanguageModel> makeLanguageModel(Scheduler& scheduler)
 {
     return std::make_unique<LoopbackLanguageModel>(
-        scheduler, QStringList { QStringLiteral("http://127.0.0.1:11434"), QStringLiteral("http://127.0.0.1:8080") });
+        scheduler, QStringList { u"http://127.0.0.1:11434"_s, u"http://127.0.0.1:8080"_s });
 }
 
 }

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Models/ModelServer.h"
 
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 
 #include <QHostAddress>
@@ -30,13 +31,13 @@ int contextSize(const ModelQuestion& question)
 /// in which they are listed, and an object keeps none.
 QByteArray inOrder(const QByteArray& json, const QJsonObject& schema)
 {
-    QJsonObject left = schema[QLatin1StringView("properties")].toObject();
+    QJsonObject left = schema["properties"_L1].toObject();
     const QByteArray sorted = compactJson(left);
     const auto inside = [](const QJsonObject& object) {
         return compactJson(object).sliced(1).chopped(1);
     };
     QByteArrayList parts;
-    for (const QJsonValue& required : schema[QLatin1StringView("required")].toArray()) {
+    for (const QJsonValue& required : schema["required"_L1].toArray()) {
         const QString name = required.toString();
         if (left.contains(name))
             parts.append(inside({ { name, left.take(name) } }));
@@ -49,46 +50,43 @@ QByteArray inOrder(const QByteArray& json, const QJsonObject& schema)
 QJsonArray messages(const ModelQuestion& question)
 {
     const auto message = [](const QString& role, const QString& content) {
-        return QJsonObject { { QStringLiteral("role"), role }, { QStringLiteral("content"), content } };
+        return QJsonObject { { u"role"_s, role }, { u"content"_s, content } };
     };
     QString instructions = question.instructions;
     if (question.schema)
-        instructions
-            += QStringLiteral("\n\nAnswer with one JSON object that fits this JSON schema, and nothing else:\n")
+        instructions += u"\n\nAnswer with one JSON object that fits this JSON schema, and nothing else:\n"_s
             + QString::fromUtf8(inOrder(compactJson(*question.schema), *question.schema));
-    return { message(QStringLiteral("system"), instructions), message(QStringLiteral("user"), question.prompt) };
+    return { message(u"system"_s, instructions), message(u"user"_s, question.prompt) };
 }
 
 QString words(const ModelServer& server, const QString& what)
 {
-    return QStringLiteral("The model server at %1 %2").arg(server.base.toString(), what);
+    return u"The model server at %1 %2"_s.arg(server.base.toString(), what);
 }
 
 /// What the server says of its refusal: a text, or an object with a message.
 QString refusal(const HttpReply& reply)
 {
-    const QJsonValue error = jsonObject(reply.body).value_or(QJsonObject())[QLatin1StringView("error")];
-    const QString text = error.isObject() ? error[QLatin1StringView("message")].toString() : error.toString();
-    const QString status = QStringLiteral("(HTTP %1)").arg(reply.status);
+    const QJsonValue error = jsonObject(reply.body).value_or(QJsonObject())["error"_L1];
+    const QString text = error.isObject() ? error["message"_L1].toString() : error.toString();
+    const QString status = u"(HTTP %1)"_s.arg(reply.status);
     return text.isEmpty() ? status : firstCharacters(singleLine(text), 200) + u' ' + status;
 }
 
 Result<QJsonObject> objectIn(const HttpReply& reply, const ModelServer& server)
 {
     if (!reply.isSuccess())
-        return failure(words(server, QStringLiteral("refused: ") + refusal(reply)));
+        return failure(words(server, u"refused: "_s + refusal(reply)));
     const auto object = jsonObject(reply.body);
-    return object ? Result<QJsonObject>(*object)
-                  : failure(words(server, QStringLiteral("gave an answer that does not read.")));
+    return object ? Result<QJsonObject>(*object) : failure(words(server, u"gave an answer that does not read."_s));
 }
 
 /// Ollama names the host that it passes texts on to, and tags such models.
 bool runsElsewhere(const QJsonObject& model, const QString& name)
 {
     const QString tag = name.section(u':', 1);
-    return !model[QLatin1StringView("remote_host")].toString().isEmpty()
-        || !model[QLatin1StringView("remote_model")].toString().isEmpty() || tag == QLatin1StringView("cloud")
-        || tag.endsWith(QLatin1StringView("-cloud"));
+    return !model["remote_host"_L1].toString().isEmpty() || !model["remote_model"_L1].toString().isEmpty()
+        || tag == "cloud"_L1 || tag.endsWith("-cloud"_L1);
 }
 
 }
@@ -96,10 +94,10 @@ bool runsElsewhere(const QJsonObject& model, const QString& name)
 std::optional<QUrl> loopbackUrl(const QString& text)
 {
     QUrl url(text.trimmed(), QUrl::StrictMode);
-    if (url.host() == QLatin1StringView("localhost"))
-        url.setHost(QStringLiteral("127.0.0.1"));
-    const bool isPlain = url.isValid() && url.scheme() == QLatin1StringView("http") && url.userInfo().isEmpty()
-        && !url.hasQuery() && !url.hasFragment();
+    if (url.host() == "localhost"_L1)
+        url.setHost(u"127.0.0.1"_s);
+    const bool isPlain = url.isValid() && url.scheme() == "http"_L1 && url.userInfo().isEmpty() && !url.hasQuery()
+        && !url.hasFragment();
     if (!isPlain || !QHostAddress(url.host()).isLoopback())
         return std::nullopt;
     return url.adjusted(QUrl::StripTrailingSlash | QUrl::NormalizePathSegments);
@@ -108,23 +106,23 @@ std::optional<QUrl> loopbackUrl(const QString& text)
 QUrl urlOf(const QUrl& base, const QString& path)
 {
     QUrl url = base;
-    url.setPath((base.path() == QLatin1StringView("/") ? QString() : base.path()) + path);
+    url.setPath((base.path() == "/"_L1 ? QString() : base.path()) + path);
     return url;
 }
 
 QString versionPath()
 {
-    return QStringLiteral("/api/version");
+    return u"/api/version"_s;
 }
 
 bool isOllamaVersion(const HttpReply& reply)
 {
-    return reply.isSuccess() && jsonObject(reply.body).value_or(QJsonObject())[QLatin1StringView("version")].isString();
+    return reply.isSuccess() && jsonObject(reply.body).value_or(QJsonObject())["version"_L1].isString();
 }
 
 QString modelsPath(Contract contract)
 {
-    return contract == Contract::Ollama ? QStringLiteral("/api/tags") : QStringLiteral("/v1/models");
+    return contract == Contract::Ollama ? u"/api/tags"_s : u"/v1/models"_s;
 }
 
 Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& server)
@@ -133,40 +131,37 @@ Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& s
     const auto object = objectIn(reply, server);
     if (!object)
         return std::unexpected(object.error());
-    const QJsonValue list = object->value(isOllama ? QLatin1StringView("models") : QLatin1StringView("data"));
+    const QJsonValue list = object->value(isOllama ? "models"_L1 : "data"_L1);
     if (!list.isArray())
-        return failure(words(server, QStringLiteral("is no model server that is known here.")));
+        return failure(words(server, u"is no model server that is known here."_s));
     QList<ServedModel> models;
     for (const QJsonValue& model : list.toArray()) {
-        const QString name = model[isOllama ? QLatin1StringView("name") : QLatin1StringView("id")].toString();
+        const QString name = model[isOllama ? "name"_L1 : "id"_L1].toString();
         if (!name.isEmpty())
             models.append({ name, runsElsewhere(model.toObject(), name) });
     }
     if (models.isEmpty())
-        return failure(words(server, QStringLiteral("has no model yet.")));
+        return failure(words(server, u"has no model yet."_s));
     return models;
 }
 
 QString chatPath(Contract contract)
 {
-    return contract == Contract::Ollama ? QStringLiteral("/api/chat") : QStringLiteral("/v1/chat/completions");
+    return contract == Contract::Ollama ? u"/api/chat"_s : u"/v1/chat/completions"_s;
 }
 
 QByteArray chatBody(const ModelQuestion& question, Contract contract)
 {
-    QJsonObject body { { QStringLiteral("model"), question.model }, { QStringLiteral("stream"), false },
-        { QStringLiteral("messages"), messages(question) } };
+    QJsonObject body { { u"model"_s, question.model }, { u"stream"_s, false }, { u"messages"_s, messages(question) } };
     if (contract == Contract::Ollama) {
-        body[QStringLiteral("options")] = QJsonObject { { QStringLiteral("num_ctx"), contextSize(question) } };
+        body[u"options"_s] = QJsonObject { { u"num_ctx"_s, contextSize(question) } };
         if (question.schema)
-            body[QStringLiteral("format")] = *question.schema;
+            body[u"format"_s] = *question.schema;
     } else if (question.schema) {
         // The flat form, with the schema beside the type, is passed over without a word.
-        const QJsonObject named { { QStringLiteral("name"), QStringLiteral("answer") },
-            { QStringLiteral("strict"), true }, { QStringLiteral("schema"), *question.schema } };
-        body[QStringLiteral("response_format")]
-            = QJsonObject { { QStringLiteral("type"), QStringLiteral("json_schema") },
-                  { QStringLiteral("json_schema"), named } };
+        const QJsonObject named { { u"name"_s, u"answer"_s }, { u"strict"_s, true },
+            { u"schema"_s, *question.schema } };
+        body[u"response_format"_s] = QJsonObject { { u"type"_s, u"json_schema"_s }, { u"json_schema"_s, named } };
     }
     const QByteArray json = compactJson(body);
     return question.schema ? inOrder(json, *question.schema) : json;
@@ -178,21 +173,19 @@ Result<QString> answerIn(const HttpReply& reply, const ModelServer& server)
     if (!object)
         return std::unexpected(object.error());
     const bool isOllama = server.contract == Contract::Ollama;
-    const QJsonValue choice = isOllama ? QJsonValue(*object) : object->value(QLatin1StringView("choices"))[0];
-    const QJsonValue content = choice[QLatin1StringView("message")][QLatin1StringView("content")];
+    const QJsonValue choice = isOllama ? QJsonValue(*object) : object->value("choices"_L1)[0];
+    const QJsonValue content = choice["message"_L1]["content"_L1];
     if (!content.isString())
-        return failure(words(server, QStringLiteral("gave an answer without a text.")));
-    const QString reason
-        = choice[isOllama ? QLatin1StringView("done_reason") : QLatin1StringView("finish_reason")].toString();
-    if (reason == QLatin1StringView("length"))
-        return failure(words(server, QStringLiteral("ran out of room before the answer was complete.")));
+        return failure(words(server, u"gave an answer without a text."_s));
+    const QString reason = choice[isOllama ? "done_reason"_L1 : "finish_reason"_L1].toString();
+    if (reason == "length"_L1)
+        return failure(words(server, u"ran out of room before the answer was complete."_s));
     return content.toString();
 }
 
 QString displayNameOf(const QString& model, Contract contract)
 {
-    return contract == Contract::Ollama ? model + QStringLiteral(" (Ollama)")
-                                        : model.section(u'/', -1) + QStringLiteral(" (llama.cpp)");
+    return contract == Contract::Ollama ? model + u" (Ollama)"_s : model.section(u'/', -1) + u" (llama.cpp)"_s;
 }
 
 }

@@ -1,5 +1,7 @@
 #include "Platform/Linux/Processes/ChildInput.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -27,16 +29,16 @@ ChildInput::ChildInput(Descriptor pipe)
 Result<void> ChildInput::write(const QByteArray& bytes)
 {
     if (!m_pipe.isOpen())
-        return failure(QStringLiteral("standard input is closed"));
+        return failure(u"standard input is closed"_s);
     if (bytes.size() > waitingLimit - m_waitingSize)
-        return failure(QStringLiteral("standard input is full"));
+        return failure(u"standard input is full"_s);
     m_waiting.push_back(bytes);
     m_waitingSize += bytes.size();
     flush();
     if (m_pipe.isOpen())
         return {};
     withdraw(bytes);
-    return failure(QStringLiteral("standard input is closed"));
+    return failure(u"standard input is closed"_s);
 }
 
 void ChildInput::flush()

@@ -1,5 +1,6 @@
 #include "Platform/MachineResources.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Files/Descriptor.h"
 #include "Platform/Linux/Files/SystemFiles.h"
 
@@ -96,7 +97,7 @@ Own ownPlace(int folder, const QString& root)
         own.leaders.append(self->number(6));
     }
     const QString session = qEnvironmentVariable("XDG_SESSION_ID");
-    for (const QByteArray& line : systemFile(root + QStringLiteral("/run/systemd/sessions/") + session).split('\n')) {
+    for (const QByteArray& line : systemFile(root + u"/run/systemd/sessions/"_s + session).split('\n')) {
         if (line.startsWith("LEADER="))
             own.leaders.append(line.sliced(7).toLongLong());
     }
@@ -146,10 +147,10 @@ quint64 kilobytes(const QByteArray& meminfo, const char* key)
 /// What zswap and zram hold, as it was before it was compressed.
 quint64 compressedBytes(const QString& root)
 {
-    quint64 bytes = kilobytes(systemFile(root + QStringLiteral("/proc/meminfo")), "Zswapped") * 1024;
-    const QString disks = root + QStringLiteral("/sys/block/");
-    for (const QString& disk : QDir(disks).entryList({ QStringLiteral("zram*") }, QDir::Dirs | QDir::System))
-        bytes += systemFile(disks + disk + QStringLiteral("/mm_stat")).simplified().split(' ').first().toULongLong();
+    quint64 bytes = kilobytes(systemFile(root + u"/proc/meminfo"_s), "Zswapped") * 1024;
+    const QString disks = root + u"/sys/block/"_s;
+    for (const QString& disk : QDir(disks).entryList({ u"zram*"_s }, QDir::Dirs | QDir::System))
+        bytes += systemFile(disks + disk + u"/mm_stat"_s).simplified().split(' ').first().toULongLong();
     return bytes;
 }
 
@@ -170,12 +171,11 @@ Result<ResourceReading> readResources(const QString& root, const QList<RunningPr
     const QByteArray path = QFile::encodeName(root) + "/proc";
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(path.constData()), &::closedir);
     if (!folder)
-        return failure(
-            QStringLiteral("The list of processes can't be read: %1.").arg(QString::fromLocal8Bit(::strerror(errno))));
+        return failure(u"The list of processes can't be read: %1."_s.arg(QString::fromLocal8Bit(::strerror(errno))));
     ResourceReading reading;
     reading.pageSize = quint64(::sysconf(_SC_PAGESIZE));
     reading.compressedPages = compressedBytes(root) / reading.pageSize;
-    reading.pressure = pressureIn(systemFile(root + QStringLiteral("/proc/pressure/memory")));
+    reading.pressure = pressureIn(systemFile(root + u"/proc/pressure/memory"_s));
     const int descriptor = ::dirfd(folder.get());
     const Own own = ownPlace(descriptor, root);
     KnownProcesses known;
@@ -197,7 +197,7 @@ bool askToEnd(qint64 pid, quint64 startTime)
         return false;
     // Opened before the start is compared: the signal then reaches that process or none.
     const Descriptor handle(::pidfd_open(pid_t(pid), 0));
-    const QByteArray text = systemFile(QStringLiteral("/proc/%1/stat").arg(pid));
+    const QByteArray text = systemFile(u"/proc/%1/stat"_s.arg(pid));
     const auto stat = statIn(text);
     return handle.isOpen() && stat && stat->startTime() == startTime
         && ::pidfd_send_signal(handle.number(), SIGTERM, nullptr, 0) == 0;

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Processes/ProcMachineFacts.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Linux/Files/SystemFiles.h"
 #include "Platform/Linux/Services.h"
@@ -13,15 +14,14 @@ namespace corvane {
 
 namespace {
 
-const BusObject upower { QStringLiteral("org.freedesktop.UPower"), QStringLiteral("/org/freedesktop/UPower"),
-    QStringLiteral("org.freedesktop.UPower") };
-const BusObject powerProfiles { QStringLiteral("org.freedesktop.UPower.PowerProfiles"),
-    QStringLiteral("/org/freedesktop/UPower/PowerProfiles"), QStringLiteral("org.freedesktop.UPower.PowerProfiles") };
-const BusObject powerProfilesByOldName { QStringLiteral("net.hadess.PowerProfiles"),
-    QStringLiteral("/net/hadess/PowerProfiles"), QStringLiteral("net.hadess.PowerProfiles") };
+const BusObject upower { u"org.freedesktop.UPower"_s, u"/org/freedesktop/UPower"_s, u"org.freedesktop.UPower"_s };
+const BusObject powerProfiles { u"org.freedesktop.UPower.PowerProfiles"_s, u"/org/freedesktop/UPower/PowerProfiles"_s,
+    u"org.freedesktop.UPower.PowerProfiles"_s };
+const BusObject powerProfilesByOldName { u"net.hadess.PowerProfiles"_s, u"/net/hadess/PowerProfiles"_s,
+    u"net.hadess.PowerProfiles"_s };
 
-const QString onMains = QStringLiteral("AC Power");
-const QString onBattery = QStringLiteral("Battery Power");
+const QString onMains = u"AC Power"_s;
+const QString onBattery = u"Battery Power"_s;
 
 QString word(const QString& path)
 {
@@ -39,7 +39,7 @@ QStringList folders(const QString& folder, const QString& pattern)
 /// "6.1.0-18-amd64"
 SystemVersion versionIn(const QString& release)
 {
-    static const QRegularExpression numbers(QStringLiteral(R"(^(\d+)\.(\d+)(?:\.(\d+))?)"));
+    static const QRegularExpression numbers(uR"(^(\d+)\.(\d+)(?:\.(\d+))?)"_s);
     const auto match = numbers.match(release);
     return { match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt() };
 }
@@ -48,11 +48,9 @@ SystemVersion versionIn(const QString& release)
 bool isTranslated(const QString& kernelArchitecture)
 {
     const auto family = [](const QString& name) {
-        if (name == QLatin1StringView("x86_64") || name == QLatin1StringView("i386")
-            || name == QLatin1StringView("i686"))
-            return QStringLiteral("x86");
-        return name == QLatin1StringView("aarch64") || name.startsWith(QLatin1StringView("arm")) ? QStringLiteral("arm")
-                                                                                                 : name;
+        if (name == "x86_64"_L1 || name == "i386"_L1 || name == "i686"_L1)
+            return u"x86"_s;
+        return name == "aarch64"_L1 || name.startsWith("arm"_L1) ? u"arm"_s : name;
     };
     return !kernelArchitecture.isEmpty() && family(kernelArchitecture) != family(QSysInfo::buildCpuArchitecture());
 }
@@ -60,21 +58,20 @@ bool isTranslated(const QString& kernelArchitecture)
 /// What a zone's heat means, by its own trip points; without any it means nothing.
 ThermalState heatOf(const QString& zone)
 {
-    const int heat = word(zone + QStringLiteral("/temp")).toInt();
+    const int heat = word(zone + u"/temp"_s).toInt();
     auto state = ThermalState::Nominal;
     for (int i = 0;; ++i) {
-        const QString trip = zone + QStringLiteral("/trip_point_%1_").arg(i);
-        const QString type = word(trip + QStringLiteral("type"));
+        const QString trip = zone + u"/trip_point_%1_"_s.arg(i);
+        const QString type = word(trip + u"type"_s);
         if (type.isEmpty())
             return state;
-        const int limit = word(trip + QStringLiteral("temp")).toInt();
+        const int limit = word(trip + u"temp"_s).toInt();
         // A trip point that is switched off stands at 0 or below.
         if (limit <= 0 || heat < limit)
             continue;
-        const auto reached = type == QLatin1StringView("critical") || type == QLatin1StringView("hot")
-            ? ThermalState::Critical
-            : type == QLatin1StringView("passive") ? ThermalState::Serious
-                                                   : ThermalState::Fair;
+        const auto reached = type == "critical"_L1 || type == "hot"_L1 ? ThermalState::Critical
+            : type == "passive"_L1                                     ? ThermalState::Serious
+                                                                       : ThermalState::Fair;
         state = std::max(state, reached);
     }
 }
@@ -82,7 +79,7 @@ ThermalState heatOf(const QString& zone)
 ThermalState hottest(const QString& root)
 {
     auto state = ThermalState::Nominal;
-    for (const QString& zone : folders(root + QStringLiteral("/sys/class/thermal"), QStringLiteral("thermal_zone*")))
+    for (const QString& zone : folders(root + u"/sys/class/thermal"_s, u"thermal_zone*"_s))
         state = std::max(state, heatOf(zone));
     return state;
 }
@@ -91,15 +88,15 @@ ThermalState hottest(const QString& root)
 /// which makes 8 GiB look like less.
 quint64 physicalMemory(const QString& root)
 {
-    const QString blocks = root + QStringLiteral("/sys/devices/system/memory");
-    const quint64 blockSize = word(blocks + QStringLiteral("/block_size_bytes")).toULongLong(nullptr, 16);
-    const QStringList all = folders(blocks, QStringLiteral("memory[0-9]*"));
-    const auto online = std::ranges::count_if(
-        all, [](const QString& block) { return word(block + QStringLiteral("/online")) == QLatin1StringView("1"); });
+    const QString blocks = root + u"/sys/devices/system/memory"_s;
+    const quint64 blockSize = word(blocks + u"/block_size_bytes"_s).toULongLong(nullptr, 16);
+    const QStringList all = folders(blocks, u"memory[0-9]*"_s);
+    const auto online
+        = std::ranges::count_if(all, [](const QString& block) { return word(block + u"/online"_s) == "1"_L1; });
     if (blockSize > 0 && online > 0)
         return blockSize * static_cast<quint64>(online);
-    static const QRegularExpression total(QStringLiteral(R"(MemTotal:\s*(\d+) kB)"));
-    return total.match(word(root + QStringLiteral("/proc/meminfo"))).captured(1).toULongLong() * 1024;
+    static const QRegularExpression total(uR"(MemTotal:\s*(\d+) kB)"_s);
+    return total.match(word(root + u"/proc/meminfo"_s)).captured(1).toULongLong() * 1024;
 }
 
 qint64 freeDisk(const QString& folder)
@@ -113,15 +110,15 @@ qint64 freeDisk(const QString& folder)
 /// The mains where they are connected; a battery by what it is doing.
 QString stateOfSupply(const QString& supply)
 {
-    if (word(supply + QStringLiteral("/type")) != QLatin1StringView("Battery"))
-        return word(supply + QStringLiteral("/online")) == QLatin1StringView("1") ? onMains : QString();
+    if (word(supply + u"/type"_s) != "Battery"_L1)
+        return word(supply + u"/online"_s) == "1"_L1 ? onMains : QString();
     // A mouse's battery says nothing of the machine.
-    if (word(supply + QStringLiteral("/scope")) == QLatin1StringView("Device"))
+    if (word(supply + u"/scope"_s) == "Device"_L1)
         return {};
-    const QString status = word(supply + QStringLiteral("/status"));
-    if (status == QLatin1StringView("Discharging"))
+    const QString status = word(supply + u"/status"_s);
+    if (status == "Discharging"_L1)
         return onBattery;
-    return status.isEmpty() || status == QLatin1StringView("Unknown") ? QString() : onMains;
+    return status.isEmpty() || status == "Unknown"_L1 ? QString() : onMains;
 }
 
 }
@@ -129,16 +126,16 @@ QString stateOfSupply(const QString& supply)
 ProcMachineFacts::ProcMachineFacts(const QString& root, const QString& dataFolder, const QDBusConnection& systemBus)
     : m_root(root)
     , m_dataFolder(dataFolder)
-    , m_version(versionIn(word(root + QStringLiteral("/proc/sys/kernel/osrelease"))))
-    , m_onBattery(systemBus, upower, QStringLiteral("OnBattery"))
-    , m_profile(systemBus, powerProfiles, QStringLiteral("ActiveProfile"))
-    , m_profileByOldName(systemBus, powerProfilesByOldName, QStringLiteral("ActiveProfile"))
+    , m_version(versionIn(word(root + u"/proc/sys/kernel/osrelease"_s)))
+    , m_onBattery(systemBus, upower, u"OnBattery"_s)
+    , m_profile(systemBus, powerProfiles, u"ActiveProfile"_s)
+    , m_profileByOldName(systemBus, powerProfilesByOldName, u"ActiveProfile"_s)
 {
 }
 
 MachineState ProcMachineFacts::state() const
 {
-    return { isTranslated(word(m_root + QStringLiteral("/proc/sys/kernel/arch"))), hottest(m_root), lowPowerMode(),
+    return { isTranslated(word(m_root + u"/proc/sys/kernel/arch"_s)), hottest(m_root), lowPowerMode(),
         powerSourceStates(), physicalMemory(m_root), freeDisk(m_dataFolder) };
 }
 
@@ -148,8 +145,8 @@ QStringList ProcMachineFacts::powerSourceStates() const
         return { m_onBattery.value().toBool() ? onBattery : onMains };
     QStringList mains;
     QStringList batteries;
-    for (const QString& supply : folders(m_root + QStringLiteral("/sys/class/power_supply"), QStringLiteral("*"))) {
-        const bool isBattery = word(supply + QStringLiteral("/type")) == QLatin1StringView("Battery");
+    for (const QString& supply : folders(m_root + u"/sys/class/power_supply"_s, u"*"_s)) {
+        const bool isBattery = word(supply + u"/type"_s) == "Battery"_L1;
         (isBattery ? batteries : mains).append(stateOfSupply(supply));
     }
     return mains + batteries;
@@ -159,9 +156,9 @@ bool ProcMachineFacts::lowPowerMode() const
 {
     for (const BusProperty* profile : { &m_profile, &m_profileByOldName }) {
         if (profile->value().isValid())
-            return profile->value().toString() == QLatin1StringView("power-saver");
+            return profile->value().toString() == "power-saver"_L1;
     }
-    return word(m_root + QStringLiteral("/sys/firmware/acpi/platform_profile")) == QLatin1StringView("low-power");
+    return word(m_root + u"/sys/firmware/acpi/platform_profile"_s) == "low-power"_L1;
 }
 
 std::unique_ptr<MachineFacts> makeMachineFacts(const AppPaths& paths)

@@ -1,5 +1,6 @@
 #include "Platform/Linux/Processes/ProcPortHolders.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Files/SystemFiles.h"
 #include "Platform/Linux/Services.h"
 
@@ -36,7 +37,7 @@ QSet<QByteArray> listeningSockets(const QByteArray& table, quint16 port)
 bool holdsOneOf(const QSet<QByteArray>& inodes, const QString& processFolder)
 {
     std::error_code error;
-    const std::filesystem::path folder(QFile::encodeName(processFolder + QStringLiteral("/fd")).toStdString());
+    const std::filesystem::path folder(QFile::encodeName(processFolder + u"/fd"_s).toStdString());
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
         entry.increment(error)) {
         std::error_code vanished;
@@ -51,7 +52,7 @@ bool holdsOneOf(const QSet<QByteArray>& inodes, const QString& processFolder)
 /// The user with whose rights the process acts, or nothing where the process has gone.
 std::optional<quint32> effectiveUser(const QString& processFolder)
 {
-    for (const QByteArray& line : systemFile(processFolder + QStringLiteral("/status")).split('\n')) {
+    for (const QByteArray& line : systemFile(processFolder + u"/status"_s).split('\n')) {
         if (!line.startsWith("Uid:"))
             continue;
         bool isNumber = false;
@@ -70,8 +71,8 @@ ProcPortHolders::ProcPortHolders(const QString& procFolder)
 
 QList<PortHolder> ProcPortHolders::listeningOn(quint16 port)
 {
-    QSet<QByteArray> inodes = listeningSockets(systemFile(m_procFolder + QStringLiteral("/net/tcp")), port);
-    inodes += listeningSockets(systemFile(m_procFolder + QStringLiteral("/net/tcp6")), port);
+    QSet<QByteArray> inodes = listeningSockets(systemFile(m_procFolder + u"/net/tcp"_s), port);
+    inodes += listeningSockets(systemFile(m_procFolder + u"/net/tcp6"_s), port);
     QList<PortHolder> holders;
     if (inodes.isEmpty())
         return holders;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/PortHolders.h"
 
 #include <QString>
@@ -9,7 +10,7 @@ namespace corvane {
 /// Looks the holders up where the kernel lists them.
 class ProcPortHolders final : public PortHolders {
 public:
-    explicit ProcPortHolders(const QString& procFolder = QStringLiteral("/proc"));
+    explicit ProcPortHolders(const QString& procFolder = u"/proc"_s);
 
     QList<PortHolder> listeningOn(quint16 port) override;
     quint32 ownUserId() override;

@@ -1,5 +1,7 @@
 #include "Platform/ProcessTable.h"
 
+#include "Foundation/Literals.h"
+
 #include <QProcess>
 
 namespace corvane {
@@ -8,7 +10,7 @@ QByteArray processTable()
 {
     QProcess ps;
     ps.setStandardErrorFile(QProcess::nullDevice());
-    ps.start(QStringLiteral("/bin/ps"), { QStringLiteral("-axo"), QStringLiteral("pid=,comm=,args=") });
+    ps.start(u"/bin/ps"_s, { u"-axo"_s, u"pid=,comm=,args="_s });
     ps.waitForFinished(-1);
     return ps.readAllStandardOutput();
 }

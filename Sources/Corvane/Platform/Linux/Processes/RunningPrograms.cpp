@@ -1,5 +1,6 @@
 #include "Platform/RunningPrograms.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Files/SystemFiles.h"
 
 #include <QDir>
@@ -14,15 +15,15 @@ namespace {
 QString desktopIdOf(const QByteArray& controlGroups)
 {
     QString unit = QString::fromUtf8(controlGroups.trimmed().split('/').last());
-    if (!unit.startsWith(QLatin1StringView("app-")))
+    if (!unit.startsWith("app-"_L1))
         return {};
-    if (unit.endsWith(QLatin1StringView(".scope")))
+    if (unit.endsWith(".scope"_L1))
         unit = unit.section(u'-', 0, -2);
-    else if (unit.endsWith(QLatin1StringView(".service")))
+    else if (unit.endsWith(".service"_L1))
         unit = unit.chopped(8).section(u'@', 0, 0);
     else
         return {};
-    return unit.section(u'-', -1).replace(QLatin1StringView("\\x2d"), QLatin1StringView("-"));
+    return unit.section(u'-', -1).replace("\\x2d"_L1, "-"_L1);
 }
 
 }
@@ -33,11 +34,11 @@ QList<RunningProgram> runningPrograms(const QString& procFolder)
     for (const QString& name : QDir(procFolder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString folder = procFolder + u'/' + name;
         // Of other users' programs the link can't be read.
-        QString binary = QFileInfo(QFileInfo(folder + QStringLiteral("/exe")).symLinkTarget()).fileName();
+        QString binary = QFileInfo(QFileInfo(folder + u"/exe"_s).symLinkTarget()).fileName();
         if (binary.isEmpty() || !name.front().isDigit())
             continue;
-        binary.remove(QStringLiteral(" (deleted)")); // replaced by an update while it runs
-        const RunningProgram program { binary, desktopIdOf(systemFile(folder + QStringLiteral("/cgroup"))) };
+        binary.remove(u" (deleted)"_s); // replaced by an update while it runs
+        const RunningProgram program { binary, desktopIdOf(systemFile(folder + u"/cgroup"_s)) };
         if (!programs.contains(program))
             programs.append(program);
     }

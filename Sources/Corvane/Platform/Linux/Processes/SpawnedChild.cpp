@@ -1,5 +1,7 @@
 #include "Platform/Linux/Processes/SpawnedChild.h"
 
+#include "Foundation/Literals.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <csignal>
@@ -22,7 +24,7 @@ namespace {
 
 std::unexpected<Error> systemFailure(const QString& subject, int error)
 {
-    return failure(subject + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(error)));
+    return failure(subject + u": "_s + QString::fromLocal8Bit(std::strerror(error)));
 }
 
 /// The null-terminated list of C strings that exec takes.

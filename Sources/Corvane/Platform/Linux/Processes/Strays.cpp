@@ -1,5 +1,6 @@
 #include "Platform/Linux/Processes/Strays.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Files/SystemFiles.h"
 
 #include <QDir>
@@ -38,13 +39,13 @@ std::set<Identity> identities(const std::array<const Descriptor*, 2>& pipes)
 
 QString folderOf(pid_t pid)
 {
-    return QStringLiteral("/proc/%1").arg(pid);
+    return u"/proc/%1"_s.arg(pid);
 }
 
 std::set<pid_t> processes()
 {
     std::set<pid_t> result;
-    for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+    for (const QString& name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
         bool isProcess = false;
         const pid_t pid = name.toInt(&isProcess);
         if (isProcess)
@@ -56,14 +57,14 @@ std::set<pid_t> processes()
 /// "17 (a name (with) brackets) S 4 ...": the number behind the state.
 pid_t parentOf(pid_t pid)
 {
-    const QByteArray status = systemFile(folderOf(pid) + QStringLiteral("/stat"));
+    const QByteArray status = systemFile(folderOf(pid) + u"/stat"_s);
     return status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ').value(1).toInt();
 }
 
 /// Of a pipe both ends are one file; which of them a descriptor is stands in the rights of its link.
 bool writesTo(pid_t pid, const std::set<Identity>& pipes)
 {
-    const QString folder = folderOf(pid) + QStringLiteral("/fd");
+    const QString folder = folderOf(pid) + u"/fd"_s;
     const QStringList descriptors = QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
     return std::ranges::any_of(descriptors, [&](const QString& descriptor) {
         const QByteArray path = QFile::encodeName(folder + u'/' + descriptor);
@@ -106,7 +107,7 @@ int signalMarked(const QByteArray& variable, int signal)
         const Descriptor handle(pid == ::getpid() ? -1 : ::pidfd_open(pid, 0));
         if (!handle.isOpen())
             continue;
-        if (!systemFile(folderOf(pid) + QStringLiteral("/environ")).split('\0').contains(variable))
+        if (!systemFile(folderOf(pid) + u"/environ"_s).split('\0').contains(variable))
             continue;
         ::pidfd_send_signal(handle.number(), signal, nullptr, 0);
         ++count;

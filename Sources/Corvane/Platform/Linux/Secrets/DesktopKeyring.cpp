@@ -1,5 +1,6 @@
 #include "Platform/Linux/Secrets/DesktopKeyring.h"
 
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 
 #include <QFileInfo>
@@ -31,7 +32,7 @@ bool hasSessionBus()
 {
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus")));
+        || (!runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + u"/bus"_s));
 }
 
 bool isAbsence(const GError* error)
@@ -49,7 +50,7 @@ Failure failureOf(const GError* error)
     if (g_error_matches(error, SECRET_ERROR, SECRET_ERROR_IS_LOCKED)
         || g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED))
         return Failure::Locked;
-    log(QStringLiteral("Keyring: %1").arg(QString::fromUtf8(error->message)));
+    log(u"Keyring: %1"_s.arg(QString::fromUtf8(error->message)));
     return Failure::Failed;
 }
 
@@ -279,7 +280,7 @@ public:
 
 std::unique_ptr<Keyring> makeKeyring()
 {
-    if (qEnvironmentVariable("CORVANE_SECRETS") == QLatin1String("file"))
+    if (qEnvironmentVariable("CORVANE_SECRETS") == "file"_L1)
         return std::make_unique<NoKeyring>();
     return std::make_unique<DesktopKeyring>();
 }

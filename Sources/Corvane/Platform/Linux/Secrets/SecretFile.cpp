@@ -2,6 +2,7 @@
 
 #include "Foundation/CopyAside.h"
 #include "Foundation/Json.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Files/Descriptor.h"
 #include "Platform/PrivateFile.h"
@@ -17,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-const QString service = QStringLiteral("com.nimb.corvane");
+const QString service = u"com.nimb.corvane"_s;
 
 /// Makes the folder where it is missing, and shuts it to others. False where it is not ours.
 bool closeFolder(const QString& path)
@@ -93,7 +94,7 @@ bool SecretFile::write(const SecretPlaces& places) const
     const bool written = (readTrusted(m_path) || copyAside(m_path)) && closeFolder(QFileInfo(m_path).path())
         && writePrivateFile(m_path, compactJson({ { service, accounts } }));
     if (!written)
-        log(QStringLiteral("SecretFile: %1 cannot be written").arg(m_path));
+        log(u"SecretFile: %1 cannot be written"_s.arg(m_path));
     return written;
 }
 

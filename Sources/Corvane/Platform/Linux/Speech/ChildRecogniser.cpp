@@ -1,6 +1,7 @@
 #include "Platform/Linux/Speech/ChildRecogniser.h"
 
 #include "Foundation/Arrival.h"
+#include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Audio/WavWriter.h"
 #include "Platform/Linux/Files/Descriptor.h"
@@ -98,7 +99,7 @@ void ChildRecogniser::prewarm(const QString& model)
 QCoro::Task<Outcome> ChildRecogniser::recognise(SpeechJob job)
 {
     if (!isAvailable())
-        co_return failure(QStringLiteral("The recogniser is not installed."));
+        co_return failure(u"The recogniser is not installed."_s);
     auto sound = inMemory(job.samples, m_program->wantsHeader);
     if (!sound)
         co_return std::unexpected(sound.error());
@@ -109,8 +110,7 @@ QCoro::Task<Outcome> ChildRecogniser::recognise(SpeechJob job)
     run->onHeard = job.onHeard;
     ProcessSpec spec;
     spec.executable = m_program->executable;
-    spec.arguments
-        = m_program->arguments(job, QStringLiteral("/proc/%1/fd/%2").arg(::getpid()).arg(run->sound.number()));
+    spec.arguments = m_program->arguments(job, u"/proc/%1/fd/%2"_s.arg(::getpid()).arg(run->sound.number()));
     spec.workingDirectory = QDir::rootPath();
     spec.environment = QProcessEnvironment::systemEnvironment();
     const std::weak_ptr<Run> weak = run;
@@ -124,7 +124,7 @@ QCoro::Task<Outcome> ChildRecogniser::recognise(SpeechJob job)
         if (!run)
             return;
         if (code != 0)
-            log(QStringLiteral("%1 ended with %2").arg(program->executable).arg(code));
+            log(u"%1 ended with %2"_s.arg(program->executable).arg(code));
         run->end(code == 0 ? Outcome(run->heard) : failure(program->describeFailure(code)));
     };
     const auto started = m_launcher.start(spec, std::move(handlers));

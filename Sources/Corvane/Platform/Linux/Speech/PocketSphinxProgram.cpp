@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Speech/ChildRecogniser.h"
 
 #include <QFileInfo>
@@ -8,20 +9,19 @@ namespace corvane {
 
 namespace {
 
-const QString models = QStringLiteral("/usr/share/pocketsphinx/model/en-us");
+const QString models = u"/usr/share/pocketsphinx/model/en-us"_s;
 
 QString pocketSphinxExecutable()
 {
-    return QFileInfo::exists(models + QStringLiteral("/en-us.lm.bin"))
-        ? QStandardPaths::findExecutable(QStringLiteral("pocketsphinx_continuous"))
-        : QString();
+    return QFileInfo::exists(models + u"/en-us.lm.bin"_s) ? QStandardPaths::findExecutable(u"pocketsphinx_continuous"_s)
+                                                          : QString();
 }
 
 /// An utterance comes as a line of its words, then a line a word: "john 0.630 1.000 0.929128", in seconds. Where it
 /// understood nothing the first line is empty.
 void hear(const QString& line, QList<HeardSpeech>& heard)
 {
-    static const QRegularExpression word(QStringLiteral(R"(^(\S+) (\d+\.\d{3}) (\d+\.\d{3}) \d\.\d+$)"));
+    static const QRegularExpression word(uR"(^(\S+) (\d+\.\d{3}) (\d+\.\d{3}) \d\.\d+$)"_s);
     const auto match = word.match(line);
     if (!match.hasMatch()) {
         if (!line.isEmpty())
@@ -45,16 +45,14 @@ RecogniserProgram pocketSphinxProgram()
         .wantsHeader = false,
         .arguments =
             [](const SpeechJob&, const QString& soundPath) {
-                return QStringList { QStringLiteral("-infile"), soundPath, QStringLiteral("-time"),
-                    QStringLiteral("yes"), QStringLiteral("-hmm"), models + QStringLiteral("/en-us"),
-                    QStringLiteral("-lm"), models + QStringLiteral("/en-us.lm.bin"), QStringLiteral("-dict"),
-                    models + QStringLiteral("/cmudict-en-us.dict"), QStringLiteral("-logfn"),
-                    QStringLiteral("/dev/null") };
+                return QStringList { u"-infile"_s, soundPath, u"-time"_s, u"yes"_s, u"-hmm"_s, models + u"/en-us"_s,
+                    u"-lm"_s, models + u"/en-us.lm.bin"_s, u"-dict"_s, models + u"/cmudict-en-us.dict"_s, u"-logfn"_s,
+                    u"/dev/null"_s };
             },
         .hear = hear,
         .describeFailure =
             [](int) {
-                return QStringLiteral("The basic recogniser ended unexpectedly.");
+                return u"The basic recogniser ended unexpectedly."_s;
             } };
 }
 

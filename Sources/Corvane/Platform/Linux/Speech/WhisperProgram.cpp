@@ -1,3 +1,4 @@
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Speech/ChildRecogniser.h"
 
 #include <QCoreApplication>
@@ -16,7 +17,7 @@ constexpr int unreadableModel = 3; ///< the exit code
 /// whisper.cpp's command line tool stands beside the program, under a name of its own.
 QString whisperExecutable()
 {
-    const QFileInfo file(QCoreApplication::applicationDirPath() + QStringLiteral("/corvane-whisper"));
+    const QFileInfo file(QCoreApplication::applicationDirPath() + u"/corvane-whisper"_s);
     return file.isFile() && file.isExecutable() ? file.absoluteFilePath() : QString();
 }
 
@@ -32,7 +33,7 @@ qint64 timeOf(const QRegularExpressionMatch& match, int first)
 void hear(const QString& line, QList<HeardSpeech>& heard)
 {
     static const QRegularExpression stretch(
-        QStringLiteral(R"(^\[(\d+):(\d\d):(\d\d)\.(\d{3}) --> (\d+):(\d\d):(\d\d)\.(\d{3})\]\s*(.*)$)"));
+        uR"(^\[(\d+):(\d\d):(\d\d)\.(\d{3}) --> (\d+):(\d\d):(\d\d)\.(\d{3})\]\s*(.*)$)"_s);
     if (const auto match = stretch.match(line); match.hasMatch())
         heard.append({ timeOf(match, 1), timeOf(match, 5), match.captured(9).trimmed() });
     else if (!line.isEmpty() && !heard.isEmpty())
@@ -41,8 +42,8 @@ void hear(const QString& line, QList<HeardSpeech>& heard)
 
 QString describeFailure(int code)
 {
-    return code == unreadableModel ? QStringLiteral("The speech model cannot be read.")
-                                   : QStringLiteral("The speech recogniser ended unexpectedly.");
+    return code == unreadableModel ? u"The speech model cannot be read."_s
+                                   : u"The speech recogniser ended unexpectedly."_s;
 }
 
 }
@@ -54,8 +55,8 @@ RecogniserProgram whisperProgram()
         .wantsHeader = true,
         .arguments =
             [threads](const SpeechJob& job, const QString& soundPath) {
-                return QStringList { QStringLiteral("-m"), job.model, QStringLiteral("-f"), soundPath,
-                    QStringLiteral("-l"), job.language, QStringLiteral("-t"), threads, QStringLiteral("-np") };
+                return QStringList { u"-m"_s, job.model, u"-f"_s, soundPath, u"-l"_s, job.language, u"-t"_s, threads,
+                    u"-np"_s };
             },
         .hear = hear,
         .describeFailure = describeFailure };

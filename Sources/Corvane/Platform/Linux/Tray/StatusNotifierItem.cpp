@@ -1,5 +1,7 @@
 #include "Platform/Linux/Tray/StatusNotifierItem.h"
 
+#include "Foundation/Literals.h"
+
 #include <QtEndian>
 
 namespace corvane {
@@ -61,7 +63,7 @@ void StatusNotifierItem::setLabel(const QString& text)
 
 QString StatusNotifierItem::status() const
 {
-    return m_waiting > 0 ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
+    return m_waiting > 0 ? u"NeedsAttention"_s : u"Active"_s;
 }
 
 TrayPixmaps StatusNotifierItem::icon() const
@@ -76,14 +78,14 @@ TrayToolTip StatusNotifierItem::toolTip() const
 {
     QStringList words;
     if (m_recording)
-        words.append(QStringLiteral("Recording a call"));
+        words.append(u"Recording a call"_s);
     if (m_waiting > 0)
-        words.append(QStringLiteral("%1 waiting for your approval").arg(m_waiting));
+        words.append(u"%1 waiting for your approval"_s.arg(m_waiting));
     if (m_unread > 0)
-        words.append(QStringLiteral("%1 unread").arg(m_unread));
+        words.append(u"%1 unread"_s.arg(m_unread));
     if (!m_label.isEmpty())
         words.append(m_label);
-    return { {}, {}, title(), words.join(QStringLiteral(" · ")) };
+    return { {}, {}, title(), words.join(u" · "_s) };
 }
 
 void StatusNotifierItem::Activate(int x, int y)

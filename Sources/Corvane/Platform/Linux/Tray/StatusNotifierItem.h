@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/ApplicationId.h"
 #include "Platform/Linux/Tray/TrayIcon.h"
 #include "Platform/Linux/Tray/TrayTypes.h"
@@ -37,9 +38,9 @@ public:
     void setRecording(bool recording);
     void setLabel(const QString& text);
 
-    QString category() const { return QStringLiteral("Communications"); }
+    QString category() const { return u"Communications"_s; }
     QString id() const { return applicationId; }
-    QString title() const { return QStringLiteral("Corvane"); }
+    QString title() const { return u"Corvane"_s; }
     QString status() const;
     int windowId() const { return 0; }
     QString noName() const { return {}; }
@@ -50,8 +51,8 @@ public:
     bool itemIsMenu() const { return false; }
     QDBusObjectPath menu() const { return QDBusObjectPath(menuPath); }
 
-    inline static const QString path = QStringLiteral("/StatusNotifierItem");
-    inline static const QString menuPath = QStringLiteral("/MenuBar");
+    inline static const QString path = u"/StatusNotifierItem"_s;
+    inline static const QString menuPath = u"/MenuBar"_s;
 
 public Q_SLOTS:
     Q_SCRIPTABLE void Activate(int x, int y);

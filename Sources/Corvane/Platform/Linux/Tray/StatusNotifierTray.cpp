@@ -1,5 +1,6 @@
 #include "Platform/Linux/Tray/StatusNotifierTray.h"
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Services.h"
 
@@ -10,15 +11,15 @@ namespace corvane {
 
 namespace {
 
-const BusObject watcher { QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
-    QStringLiteral("org.kde.StatusNotifierWatcher") };
-const BusObject watcherProperties { watcher.service, watcher.path, QStringLiteral("org.freedesktop.DBus.Properties") };
+const BusObject watcher { u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
+    u"org.kde.StatusNotifierWatcher"_s };
+const BusObject watcherProperties { watcher.service, watcher.path, u"org.freedesktop.DBus.Properties"_s };
 
 }
 
 StatusNotifierTray::StatusNotifierTray(const QDBusConnection& bus)
     : m_bus(bus)
-    , m_serviceName(QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid()))
+    , m_serviceName(u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid()))
 {
     connect(&m_item, &StatusNotifierItem::activated, this, &Tray::activated);
     connect(&m_menu, &TrayMenu::itemChosen, this, &Tray::itemChosen);
@@ -49,7 +50,7 @@ StatusNotifierTray::~StatusNotifierTray()
 
 void StatusNotifierTray::enrol()
 {
-    const QDBusMessage call = watcher.method(QStringLiteral("RegisterStatusNotifierItem"), { m_serviceName });
+    const QDBusMessage call = watcher.method(u"RegisterStatusNotifierItem"_s, { m_serviceName });
     callAsync(m_bus, call, this, [this](const QDBusMessage& reply) {
         m_registered = reply.type() == QDBusMessage::ReplyMessage;
         updateShown();
@@ -59,8 +60,8 @@ void StatusNotifierTray::enrol()
 
 void StatusNotifierTray::askForHost()
 {
-    const QDBusMessage get = watcherProperties.method(
-        QStringLiteral("Get"), { watcher.interface, QStringLiteral("IsStatusNotifierHostRegistered") });
+    const QDBusMessage get
+        = watcherProperties.method(u"Get"_s, { watcher.interface, u"IsStatusNotifierHostRegistered"_s });
     callAsync(m_bus, get, this, [this](const QDBusMessage& reply) {
         m_hasHost = firstValue(reply).toBool();
         updateShown();

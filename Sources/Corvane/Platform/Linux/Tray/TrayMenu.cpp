@@ -1,5 +1,7 @@
 #include "Platform/Linux/Tray/TrayMenu.h"
 
+#include "Foundation/Literals.h"
+
 #include <QGuiApplication>
 
 namespace corvane {
@@ -11,7 +13,7 @@ constexpr int rootId = 0;
 /// Menus take an underscore for the mark of an access key.
 QString menuLabel(QString label)
 {
-    return label.replace(u'_', QStringLiteral("__"));
+    return label.replace(u'_', u"__"_s);
 }
 
 QVariantMap chosen(const QVariantMap& properties, const QStringList& names)
@@ -39,7 +41,7 @@ void TrayMenu::setItems(const QList<Tray::Item>& items)
 
 QString TrayMenu::textDirection() const
 {
-    return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
+    return QGuiApplication::isRightToLeft() ? u"rtl"_s : u"ltr"_s;
 }
 
 bool TrayMenu::contains(int id) const
@@ -50,17 +52,17 @@ bool TrayMenu::contains(int id) const
 QVariantMap TrayMenu::properties(int id, const QStringList& names) const
 {
     if (id == rootId)
-        return chosen({ { QStringLiteral("children-display"), QStringLiteral("submenu") } }, names);
+        return chosen({ { u"children-display"_s, u"submenu"_s } }, names);
     const Tray::Item& item = m_items.at(id - m_firstId);
     if (item.id.isEmpty())
-        return chosen({ { QStringLiteral("type"), QStringLiteral("separator") } }, names);
-    return chosen({ { QStringLiteral("label"), menuLabel(item.label) } }, names);
+        return chosen({ { u"type"_s, u"separator"_s } }, names);
+    return chosen({ { u"label"_s, menuLabel(item.label) } }, names);
 }
 
 uint TrayMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, MenuLayout& layout)
 {
     if (!contains(parentId)) {
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("no such item"));
+        sendErrorReply(QDBusError::InvalidArgs, u"no such item"_s);
         return 0;
     }
     layout = { parentId, properties(parentId, propertyNames), {} };
@@ -92,7 +94,7 @@ QDBusVariant TrayMenu::GetProperty(int id, const QString& name)
 {
     const QVariant value = contains(id) ? properties(id, {}).value(name) : QVariant();
     if (!value.isValid())
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("no such property"));
+        sendErrorReply(QDBusError::InvalidArgs, u"no such property"_s);
     return QDBusVariant(value);
 }
 
@@ -100,7 +102,7 @@ bool TrayMenu::handleEvent(int id, const QString& event)
 {
     if (!contains(id))
         return false;
-    if (id != rootId && event == QStringLiteral("clicked")) {
+    if (id != rootId && event == u"clicked"_s) {
         // What an item does may take its time, or end the program; the panel gets its answer first.
         QMetaObject::invokeMethod(
             this, [this, item = m_items.at(id - m_firstId).id] { Q_EMIT itemChosen(item); }, Qt::QueuedConnection);
@@ -111,7 +113,7 @@ bool TrayMenu::handleEvent(int id, const QString& event)
 void TrayMenu::Event(int id, const QString& event, const QDBusVariant&, uint)
 {
     if (!handleEvent(id, event))
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("no such item"));
+        sendErrorReply(QDBusError::InvalidArgs, u"no such item"_s);
 }
 
 QList<int> TrayMenu::EventGroup(const QList<MenuEvent>& events)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Platform/Linux/Tray/TrayTypes.h"
 #include "Platform/Tray.h"
 
@@ -20,7 +21,7 @@ public:
     void setItems(const QList<Tray::Item>& items);
 
     uint version() const { return 3; }
-    QString status() const { return QStringLiteral("normal"); }
+    QString status() const { return u"normal"_s; }
     QString textDirection() const;
     QStringList iconThemePath() const { return {}; }
 
