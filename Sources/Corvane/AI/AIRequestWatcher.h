@@ -13,20 +13,20 @@ class LumoAI;
 class Scheduler;
 class Timer;
 
-/// Answers what other processes ask for in the table `ai_requests`: each request is claimed, generated, and its
+/// Answers the requests of other processes in the table `ai_requests`: each request is claimed, generated, and its
 /// answer or error written to the same row. One request at a time.
 class AIRequestWatcher {
 public:
     /// All references outlive the watcher.
     AIRequestWatcher(LocalDB& db, LumoAI& ai, Scheduler& scheduler);
 
-    /// Cancels a generation that runs. Its row stays claimed, and waits again once the claim is two minutes old.
+    /// Cancels a running generation. Its row stays claimed and becomes pending again once the claim is two minutes old.
     ~AIRequestWatcher();
 
     AIRequestWatcher(const AIRequestWatcher&) = delete;
     AIRequestWatcher& operator=(const AIRequestWatcher&) = delete;
 
-    void start(); ///< at once and every second; a second call starts no second timer
+    void start(); ///< now and every second; a second call has no effect
 
 private:
     QCoro::Task<> processPending();
@@ -34,7 +34,7 @@ private:
     LocalDB& m_db;
     LumoAI& m_ai;
     Scheduler& m_scheduler;
-    const QString m_claimOwner; ///< shows in the row which start of which process took it
+    const QString m_claimOwner; ///< identifies in the row which run of which process claimed it
     const CancelHandle m_life;
     std::unique_ptr<Timer> m_timer;
     bool m_isProcessing = false;

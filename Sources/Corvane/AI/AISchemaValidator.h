@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// What a model says of the draft that it made.
+/// A model's metadata about its draft.
 struct AIDraftResponseMetadata {
     QString intent;
     QString tone;
@@ -30,7 +30,7 @@ struct AIStructuredDraftResponse {
 enum class AISchemaValidatorError { QuotedFactChanged, EmptyDraft, MalformedResponse, SendSideEffectRequested };
 QString describe(AISchemaValidatorError error, const QString& fact = {});
 
-/// What a draft was asked for: it fills what the model left blank, and says what must have survived.
+/// The request of a draft: provides what the model left blank, and what must be preserved.
 struct DraftExpectation {
     QString intent;
     QString tone;
@@ -38,12 +38,12 @@ struct DraftExpectation {
     QStringList requiredQuotedFacts;
 };
 
-/// The gate that every generated draft passes: it has a text, claims no send, and kept what was quoted. The
-/// result is tidied: well-formed, trimmed, blanks filled, the confidence within 0 and 1.
+/// The gate for every generated draft: it must have a text, must not claim to have sent anything, and must keep what
+/// was quoted. The result is normalised: well-formed, trimmed, blanks filled, confidence between 0 and 1.
 Result<AIStructuredDraftResponse> validateDraftResponse(
     AIStructuredDraftResponse response, const DraftExpectation& expected);
 
-/// What stands in quotation marks, sorted, each once. Two apostrophes count as quotation marks.
+/// The quoted passages, sorted, without duplicates. Two apostrophes count as quotation marks.
 QStringList quotedFacts(const QString& text);
 
 }

@@ -9,9 +9,9 @@
 
 namespace corvane {
 
-/// What generates, built once and wired to each other.
+/// The text generation services, built once and connected.
 struct AIServices {
-    /// All of it outlives the services. `codexCandidates`: where the Codex tool may stand.
+    /// All references outlive the services. `codexCandidates`: possible paths of the Codex tool.
     AIServices(SystemLanguageModel& model, const MachineFacts& machine, ToolRunner& tools,
         const QStringList& codexCandidates, const Scheduler& scheduler)
         : systemModel(model)

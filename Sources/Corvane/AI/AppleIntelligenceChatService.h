@@ -15,13 +15,13 @@ public:
     /// Both outlive the service.
     AppleIntelligenceChatService(SystemLanguageModel& model, const MachineFacts& machine);
 
-    std::optional<QString> unavailableReason() const; ///< nothing: available
+    std::optional<QString> unavailableReason() const; ///< nothing if it is available
     QString displayName() const { return m_model.displayName(); }
     QCoro::Task<> refresh() const { return m_model.refresh(); }
 
     QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel = {}) const;
 
-    /// Where the model is not available: `AppleAIError::Unavailable`.
+    /// If the model is not available: `AppleAIError::Unavailable`.
     QCoro::Task<Result<QJsonObject>> respondGenerating(
         QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel = {}) const;
 

@@ -10,7 +10,7 @@ namespace corvane {
 
 class LumoAI;
 
-/// The answer to a question from outside of the window, which sees nothing of the database. A blank one is told so.
+/// Answers a question from outside the window, without access to the database. A blank question gets a fixed answer.
 QCoro::Task<Result<QString>> askLumo(LumoAI& ai, QString question, CancelHandle cancel = {});
 
 /// Answers the questions of other programs, a few at a time.
@@ -18,8 +18,8 @@ class LumoQuestions {
 public:
     using Reply = std::function<void(const Result<QString>& answer)>;
 
-    explicit LumoQuestions(LumoAI& ai); ///< which outlives the object
-    ~LumoQuestions(); ///< what is still open is cancelled, and replied to
+    explicit LumoQuestions(LumoAI& ai); ///< `ai` outlives the object
+    ~LumoQuestions(); ///< cancels pending questions, and answers them so
     LumoQuestions(const LumoQuestions&) = delete;
     LumoQuestions& operator=(const LumoQuestions&) = delete;
 

@@ -43,7 +43,7 @@ public:
     bool isFile() const { return QFileInfo(m_path).isFile(); }
     bool isTooLarge() const { return QFileInfo(m_path).size() > answerLimit; }
 
-    /// As it stands; nothing where it does not read or is blank.
+    /// As it stands; nothing if it does not read or is blank.
     std::optional<QString> text() const
     {
         QFile file(m_path);

@@ -4,14 +4,14 @@
 
 namespace corvane {
 
-/// What a model answered as text, as a draft that passed the gate. An answer that is not the JSON that was asked
-/// for is taken as the draft itself while it is shorter than 4000 characters.
+/// A validated draft from a model's text answer. An answer that is not the requested JSON is used as the draft itself
+/// if it is shorter than 4000 characters.
 Result<AIStructuredDraftResponse> parseDraftAnswer(const QString& answer, const DraftExpectation& expected);
 
-/// The first "{" and all through the "}" that closes it; nothing where none does.
+/// From the first "{" to its closing "}"; nothing if it is not closed.
 std::optional<QString> extractJSONObject(const QString& text);
 
-/// The inside of a Markdown code fence, where the text begins with one; trimmed in any case.
+/// The content of a Markdown code fence if the text starts with one; always trimmed.
 QString stripCodeFence(const QString& text);
 
 }

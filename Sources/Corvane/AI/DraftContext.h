@@ -5,9 +5,9 @@
 
 namespace corvane {
 
-// What is known here of the person who is answered, read afresh.
+// What is known about the person who gets the reply, read at each call.
 
-/// `name` as a screen shows it.
+/// `name` is the displayed name.
 LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact, const QString& name);
 QList<UnifiedMsgRow> draftThread(LocalDB& db, const QString& contactId); ///< oldest first
 

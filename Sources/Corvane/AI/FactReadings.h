@@ -6,25 +6,25 @@
 
 namespace corvane {
 
-// How the pieces of a fact are read.
+// Parsing of the parts of a fact.
 
-/// The values that "1.250,00", "1,250" or "12 500" may stand for.
+/// The possible values of "1.250,00", "1,250" or "12 500".
 QList<double> numberValues(const QString& digits);
 
-/// 1 to 12 for "March", "Mrz", "janv" and their like, whatever the case and the marks.
+/// 1 to 12 for "March", "Mrz", "janv" and the like, ignoring case and punctuation.
 std::optional<int> monthNumber(const QString& word);
 
 /// 1 (Monday) to 7.
 std::optional<int> weekdayNumber(const QString& word);
 
-/// 3 and more, written as a word; small counts of one and two are no facts.
+/// A number word of 3 or more; one and two do not count as facts.
 std::optional<int> numberOfWord(const QString& word);
 
-QString monthPattern(); ///< alternatives for a regular expression, longest first
+QString monthPattern(); ///< regular expression alternatives, longest first
 QString weekdayPattern();
 QString numberWordPattern();
 
-/// A currency or "%", told alike however it is written; empty for anything else.
+/// A currency or "%", in one normal form; empty for anything else.
 QString unitOf(const QString& word);
 
 /// 1000 for "k", 1000000 for "million", 1 for anything else.

@@ -14,7 +14,7 @@ namespace {
 
 using Match = QRegularExpressionMatch;
 
-/// Nothing where a match is no fact after all, and stays for the patterns that follow.
+/// Nothing if a match is no fact after all, and stays for the patterns that follow.
 using Reader = std::function<std::optional<Fact>(const Match&)>;
 
 struct Pattern {

@@ -10,7 +10,7 @@ namespace corvane {
 enum class LocalAIPowerSource { AcPower, Battery, Unknown };
 QString rawValue(LocalAIPowerSource source);
 
-/// Why no heavy work may run on this machine now.
+/// Why heavy local work must not run now.
 enum class LocalAIStopCondition {
     UnsupportedPlatform,
     TranslatedProcess,
@@ -23,7 +23,7 @@ enum class LocalAIStopCondition {
 QString rawValue(LocalAIStopCondition condition);
 
 struct LocalAIAvailabilitySnapshot {
-    bool isAppleSilicon = true; ///< the program is built for the processor that it runs on
+    bool isAppleSilicon = true; ///< the program runs natively on this processor
     bool isTranslated = false;
     SystemVersion osVersion;
     bool supportsOnDeviceWork = true;
@@ -31,14 +31,14 @@ struct LocalAIAvailabilitySnapshot {
     bool lowPowerMode = false;
     LocalAIPowerSource powerSource = LocalAIPowerSource::Unknown;
     quint64 physicalMemoryBytes = 0;
-    qint64 freeDiskBytes = -1; ///< -1: the platform gave no figure, which stops nothing
+    qint64 freeDiskBytes = -1; ///< -1: unknown, which does not block
     bool installedDefaultModel = false;
-    std::optional<LocalAIStopCondition> stopCondition; ///< the first that holds
+    std::optional<LocalAIStopCondition> stopCondition; ///< the first that applies
 
     QString statusText() const;
 };
 
-/// The gate that says whether this machine may run heavy local work.
+/// Decides whether this machine may run heavy local work now.
 class LocalAIAvailability {
 public:
     explicit LocalAIAvailability(const MachineFacts& machine)
@@ -46,7 +46,7 @@ public:
     {
     }
 
-    /// Every figure is read afresh. `requireDefault` changes nothing.
+    /// Reads all figures again. `requireDefault` has no effect.
     LocalAIAvailabilitySnapshot snapshot(bool installedDefaultModel, bool requireDefault) const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A local message that a generated text may rest on.
+/// A local message that a generated text can cite.
 struct LocalAIMessageCitation {
     QString id; ///< of the message
     QString label; ///< "M1", "M2", ...
@@ -18,15 +18,15 @@ struct LocalAIMessageCitation {
     bool operator==(const LocalAIMessageCitation&) const = default;
 };
 
-/// The last 80 messages that have a text, oldest first. `messages` are in the thread's order.
+/// The last 80 messages with text, oldest first. `messages` are in thread order.
 QList<LocalAIMessageCitation> citationMessages(const QList<UnifiedMsgRow>& messages);
 
-/// One line a citation, as prompts show a thread.
+/// One line per citation, in the format of the prompts.
 QString renderThread(const QList<LocalAIMessageCitation>& citations);
 
 QStringList labels(const QList<LocalAIMessageCitation>& citations);
 
-/// A time as prompts show it: "2026-03-01T09:30:00Z".
+/// A time in the format of the prompts: "2026-03-01T09:30:00Z".
 QString promptTime(qint64 timestampMs);
 
 }

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Who made a text.
+/// The model that generated a text.
 struct LocalAIModelSpec {
     QString displayName;
 
@@ -16,7 +16,7 @@ struct LocalAIModelSpec {
 
 QJsonObject encoded(const LocalAIModelSpec& spec);
 
-/// Nothing unless "displayName" is there and a text.
+/// Nothing unless "displayName" is a text.
 std::optional<LocalAIModelSpec> decodedModelSpec(const QJsonObject& object);
 
 inline size_t qHash(const LocalAIModelSpec& spec, size_t seed = 0)

@@ -11,32 +11,32 @@ namespace corvane {
 class AppleIntelligenceChatService;
 class CLIChatService;
 
-/// The one call that every generated text goes through: the platform's own model, else the Codex command line
-/// tool. Whichever was chosen, its failure is the result; the other is not tried. A failure carries words for
-/// the user. Calls stand alone and may overlap.
+/// The single entry point for generated texts: the platform's own model, else the Codex command line tool. If the
+/// chosen one fails, that failure is the result; the other is not tried. Errors are for the user. Calls are independent
+/// and may overlap.
 class LumoAI : public QObject {
     Q_OBJECT
 public:
     /// Both outlive this object.
     LumoAI(const AppleIntelligenceChatService& onDevice, const CLIChatService& codex, QObject* parent = nullptr);
 
-    /// Who would answer now; nothing where nobody would. Decided at each call, without waiting, by what is known of
+    /// Who would answer now; nothing if nobody would. Determined at each call, without waiting, from the known state of
     /// the platform's model.
     std::optional<QString> availableName() const;
 
-    /// What a text that is made now records as its maker.
+    /// The model recorded for a text that is generated now.
     LocalAIModelSpec modelSpec() const;
 
-    /// Looks at the platform's model afresh; a few seconds at most.
+    /// Checks the platform's model again; takes a few seconds at most.
     QCoro::Task<> refresh();
 
-    /// The answer as it came.
+    /// The unmodified answer.
     QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel = {});
 
-    /// Whether `respondGenerating` would be answered, found out afresh.
+    /// Whether `respondGenerating` would be answered; checks again.
     QCoro::Task<bool> answersUnderSchema();
 
-    /// An answer that fits the JSON schema. Only the platform's model answers under a schema.
+    /// An answer that matches the JSON schema. Only the platform's model supports schemas.
     QCoro::Task<Result<QJsonObject>> respondGenerating(
         QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel = {});
 

@@ -17,23 +17,23 @@ struct LocalAIThreadSummary {
     QString id;
     QString contactName;
     LocalAIModelSpec model;
-    QString text; ///< as it came; it names messages by their labels, like "[M3]"
-    QList<LocalAIMessageCitation> citations; ///< the messages that it was made from
+    QString text; ///< unmodified; refers to messages by labels such as "[M3]"
+    QList<LocalAIMessageCitation> citations; ///< the messages that it is based on
     qint64 generatedAt = 0; ///< milliseconds since the epoch
 };
 
 enum class LumoAISummaryServiceError { EmptyThread };
 QString describe(LumoAISummaryServiceError error);
 
-/// Reads a thread for its owner and answers questions about a contact, from local rows alone. Nothing is written,
-/// and nothing of it can be sent. A failure carries words for the user.
+/// Summarises a thread and answers questions about a contact, from local rows only. It writes nothing and sends
+/// nothing. Errors are for the user.
 class LumoAISummaryService : public QObject {
     Q_OBJECT
 public:
     /// Both outlive the service.
     LumoAISummaryService(LumoAI& ai, const Scheduler& scheduler, QObject* parent = nullptr);
 
-    /// `messages` oldest first; without a text among them nothing is asked.
+    /// `messages` oldest first; if none has text, nothing is asked.
     QCoro::Task<Result<LocalAIThreadSummary>> summarize(
         QString contactName, QList<UnifiedMsgRow> messages, CancelHandle cancel = {});
 

@@ -12,7 +12,7 @@ struct LumoDraftCRMIdentity {
     std::optional<QString> phone;
 };
 
-/// What is known of the person who is written to.
+/// What is known about the recipient.
 struct LumoDraftCRMContext {
     QString contactId;
     QString contactName;
@@ -31,10 +31,10 @@ struct LumoDraftPrompt {
     QString instructions;
     QString prompt;
     QList<LocalAIMessageCitation> citations;
-    QString promptFingerprint; ///< of the two texts as they were built: the same input always has the same one
+    QString promptFingerprint; ///< of the two final texts: the same input always has the same fingerprint
 };
 
-// Pure functions. What others wrote stands in a prompt as single lines, so that it cannot end its section.
+// Pure functions. Texts of others are put into a prompt as single lines, so that they cannot end their section.
 
 LumoDraftPrompt makeDraftReplyPrompt(
     const LumoDraftCRMContext& context, const QList<UnifiedMsgRow>& messages, const QString& style);

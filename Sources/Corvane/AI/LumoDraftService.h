@@ -13,7 +13,7 @@ namespace corvane {
 class LumoAI;
 class Scheduler;
 
-/// A generated text for the composer. It is a value and nothing more: what becomes of it the user decides.
+/// A generated text for the composer. Only a value: the user decides what happens to it.
 struct LumoDraftResult {
     QString id;
     QString intent;
@@ -31,23 +31,23 @@ struct LumoDraftResult {
 enum class LumoDraftServiceError { EmptyThread, EmptyInput };
 QString describe(LumoDraftServiceError error);
 
-/// Replies and rewrites for the composer. Every result passed the gate (`AISchemaValidator`), and names among its
-/// warnings what stands nowhere in its prompt. A failure carries words for the user.
+/// Replies and rewrites for the composer. Every result has passed `AISchemaValidator`, and its warnings list what is
+/// not supported by its prompt. Errors are for the user.
 class LumoDraftService : public QObject {
     Q_OBJECT
 public:
     /// Both outlive the service.
     LumoDraftService(LumoAI& ai, const Scheduler& scheduler, QObject* parent = nullptr);
 
-    /// Whose memory goes with every prompt; it outlives every draft. Without one nothing is remembered.
+    /// The database whose memory is added to every prompt; it outlives the drafts. Without one there is no memory.
     void setMemoryDB(LocalDB& db) { m_memoryDB = &db; }
 
-    /// `messages` oldest first; without a text among them nothing is asked. Whatever `model` the caller has
-    /// shown, `LumoAI` chooses who answers.
+    /// `messages` oldest first; if none has text, nothing is asked. Whatever `model` the caller has displayed, `LumoAI`
+    /// chooses who answers.
     QCoro::Task<Result<LumoDraftResult>> draftReply(LumoDraftCRMContext context, QList<UnifiedMsgRow> messages,
         QString style, LocalAIModelSpec model, CancelHandle cancel = {});
 
-    /// The composer's text, changed. An empty target language means English.
+    /// A rewrite of the composer's text. An empty target language means English.
     QCoro::Task<Result<LumoDraftResult>> rewrite(QString text, LumoDraftRewriteAction action, QString targetLanguage,
         LumoDraftCRMContext context, QList<UnifiedMsgRow> messages, QString style, CancelHandle cancel = {});
 
@@ -63,7 +63,7 @@ private:
     LocalDB* m_memoryDB = nullptr;
 };
 
-/// Once the user took the result over. A failure is only logged.
+/// Call it when the user accepted the result. A failure is only logged.
 void storeDraftMetadata(
     LocalDB& db, const QString& contactId, const std::optional<QString>& conversationId, const LumoDraftResult& result);
 

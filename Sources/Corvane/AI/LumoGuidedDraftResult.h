@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A reply as a model answers it under a schema.
+/// A reply as a model returns it under a schema.
 struct LumoGuidedDraftResult {
     QString body;
     QString intent;
@@ -18,13 +18,13 @@ struct LumoGuidedDraftResult {
 
 QJsonObject guidedDraftSchema();
 
-/// What the prompt says besides where the answer follows the schema.
+/// Additional prompt text when the answer must follow the schema.
 QString guidedDraftPromptAddition();
 
-/// Every property must be there and hold its type.
+/// Every property must exist and have its type.
 std::optional<LumoGuidedDraftResult> decodedGuidedDraft(const QJsonObject& object);
 
-/// Yet to be validated.
+/// Not validated yet.
 AIStructuredDraftResponse draftResponse(const LumoGuidedDraftResult& guided, const QString& tone);
 
 }

@@ -6,11 +6,11 @@ namespace corvane {
 
 class UserDefaults;
 
-/// Which local model the user picked, and where it is served: the defaults "nimb.localModel",
-/// "nimb.localModelUrl" and "nimb.localModelElsewhere".
+/// The user's choice of local model and server: the defaults "nimb.localModel", "nimb.localModelUrl" and
+/// "nimb.localModelElsewhere".
 SystemLanguageModel::Choice modelChoice(const UserDefaults& defaults);
 
-/// An empty text takes the default back.
+/// An empty text removes the default.
 void setModelChoice(UserDefaults& defaults, const SystemLanguageModel::Choice& choice);
 
 }

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The keys of the list of approvals, which answers them itself.
+/// The keys of the approvals list, which handles them itself.
 QList<Command> approvalCommands();
 
 }

@@ -8,7 +8,7 @@ namespace corvane {
 
 enum class ApprovalKind { Draft, Proposal, Decision, Event };
 
-/// One thing that waits for a person, by its table and its row.
+/// An item that waits for the user, identified by its table and row.
 struct ApprovalKey {
     ApprovalKind kind = ApprovalKind::Draft;
     QString id;
@@ -27,7 +27,7 @@ inline ApprovalKey draftKey(const QString& id)
     return { ApprovalKind::Draft, id };
 }
 
-/// What a person says to it.
+/// The user's verdict.
 enum class Verdict { Approve, Reject };
 
 }

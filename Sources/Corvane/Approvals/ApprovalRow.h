@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-/// Something that waits for a person, or is on its way since they decided, in the words of the screen.
+/// An item that waits for the user, or is being processed after their decision, as the screen shows it.
 class ApprovalRow {
     Q_GADGET
     Q_PROPERTY(QString key MEMBER m_key)
@@ -39,26 +39,26 @@ class ApprovalRow {
 public:
     QString kind; ///< "draft", "proposal", "decision" or "event"
     QString id;
-    QString head; ///< what it stands under: "Outbound Messages", ...
+    QString head; ///< its heading: "Outbound Messages", ...
     QString title;
     QString body;
     QString subject; ///< "Subject: ..." of a draft; empty for none
     QList<DraftFile> files; ///< of a draft
     QString why; ///< "Why: ..." of a decision
-    QString detail; ///< in a weaker voice: "Task", "ops"
+    QString detail; ///< secondary text: "Task", "ops"
     QString platform; ///< such as "WHATSAPP", for its mark
-    QString riskText; ///< "money risk"; a word that nobody knows stands as it is
+    QString riskText; ///< "money risk"; unknown words are shown as they are
     QString riskTone; ///< "money", "credential", "external" or "high"; empty for a risk without a colour
-    QString failureReason; ///< why it failed, or waits for a person again
-    QString stateText; ///< "Sending…", of what is on its way
-    int secondsLeft = 0; ///< to undo it; 0 where nothing can be undone
-    QString settledText; ///< "Approved", for when the seconds are over
+    QString failureReason; ///< why it failed or is pending again
+    QString stateText; ///< "Sending…", for an item being processed
+    int secondsLeft = 0; ///< for undo; 0 if it can't be undone
+    QString settledText; ///< "Approved", after the undo window
     QString approveLabel; ///< "Approve", "Retry", "Apply" or "Add"
-    QString question; ///< what is asked before it is approved; empty where one press is enough
-    bool canDecide = false; ///< approve and reject apply
+    QString question; ///< confirmation before approving; empty if none is needed
+    bool canDecide = false; ///< can be approved and rejected
     bool canEdit = false;
-    QString linkLabel; ///< "Link contact" or "Change contact"; empty where there is nobody to link
-    QList<DraftAction> actions; ///< of a draft that was decided and is still here
+    QString linkLabel; ///< "Link contact" or "Change contact"; empty if it has no contact
+    QList<DraftAction> actions; ///< of a draft that was decided but not sent
 
     static constexpr const char* role = "approval";
     void setKey(const ApprovalKey& key);
@@ -69,7 +69,7 @@ private:
     QString m_key; ///< "draft:{id}"
 };
 
-/// What a person said to an item that is inside its undo window.
+/// The user's verdict on an item within its undo window.
 struct Arming {
     Verdict verdict = Verdict::Approve;
     int secondsLeft = 0;
@@ -81,7 +81,7 @@ ApprovalRow proposalRow(
 ApprovalRow decisionRow(const WorkDecisionRecord& decision, const std::optional<Arming>& arming = {});
 ApprovalRow eventRow(const CalCommand& event, qint64 nowMs, const std::optional<Arming>& arming = {});
 
-/// When and where a wanted event is, in one line.
+/// When and where a requested event takes place, on one line.
 QString eventWords(const CalCommand& event, qint64 nowMs);
 
 }

@@ -9,7 +9,7 @@ namespace corvane {
 class ApprovalsStore;
 class LocalDB;
 
-/// Something that was decided, in the words of the screen.
+/// A past decision, as the screen shows it.
 class DecidedRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -24,7 +24,7 @@ class DecidedRow {
     Q_PROPERTY(QString body MEMBER body)
     Q_PROPERTY(QString outcome MEMBER outcome)
 public:
-    QString id; ///< the line of the record
+    QString id; ///< the log entry
     QString day; ///< "Today", ...
     QString time; ///< "14:20"
     QString verdict; ///< "Approved", "Applied" or "Rejected"
@@ -33,20 +33,20 @@ public:
     QString kind; ///< "draft", "proposal", "decision" or "event"
     QString platform; ///< such as "WHATSAPP", of a draft
     QString title;
-    QString body; ///< in one line; why it can't be told where its row is gone or says something else by now
-    QString outcome; ///< what came of it: "Sent", "Failed", ...; may be empty
+    QString body; ///< on one line; the reason if it is unavailable, because its row is gone or has changed
+    QString outcome; ///< the result: "Sent", "Failed", ...; may be empty
 
     static constexpr const char* role = "decided";
     const QString& key() const { return id; }
     bool operator==(const DecidedRow&) const = default;
 };
 
-/// What was decided, newest first, from the record of decisions. The record holds no texts: they are those of the rows,
-/// as long as these are as they were.
+/// Past decisions, newest first, from the decision log. The log stores no texts: they come from the rows, as long as
+/// those are unchanged.
 class DecisionLog : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of DecidedRow
-    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< only then it is read
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is read only while shown
     Q_PROPERTY(bool hasOlder READ hasOlder NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
@@ -73,7 +73,7 @@ private:
     LocalDB& m_db;
     Scheduler& m_scheduler;
     RowListModel<DecidedRow> m_rows;
-    int m_lines; ///< of the record that are looked at
+    int m_lines; ///< number of log entries that are read
     qint64 m_lastSeq = -1;
     bool m_shown = false;
     bool m_hasOlder = false;

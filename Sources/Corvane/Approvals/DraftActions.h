@@ -11,7 +11,7 @@ class ApprovalsStore;
 class EngineManager;
 struct PendingDraft;
 
-/// What can be done with a draft that waits for its engine or was placed.
+/// An action on a draft that waits for its engine or was placed.
 class DraftAction {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -20,12 +20,12 @@ class DraftAction {
 public:
     QString id; ///< "start", "takeBack", "confirmSent" or "reject"
     QString label;
-    QString kind; ///< a button's
+    QString kind; ///< button kind
 
     bool operator==(const DraftAction&) const = default;
 };
 
-/// A file that goes out with a draft.
+/// A file of a draft.
 class DraftFile {
     Q_GADGET
     Q_PROPERTY(QString name MEMBER name)
@@ -34,25 +34,25 @@ class DraftFile {
 public:
     QString name;
     QString size;
-    QString path; ///< to open it; empty where it is not there any more
+    QString path; ///< for opening it; empty if it no longer exists
 
     bool operator==(const DraftFile&) const = default;
 };
 
-/// The actions of a draft that a person decided already, the same on every surface.
+/// The actions on a draft that was already decided, the same on every surface.
 class DraftActions : public QObject {
     Q_OBJECT
 public:
     /// All of it outlives the object.
     DraftActions(ApprovalsStore& approvals, EngineManager& engine, AccountStore& accounts, QObject* parent = nullptr);
 
-    QList<DraftAction> actions(const PendingDraft& draft) const; ///< none while a verdict on it can be undone
+    QList<DraftAction> actions(const PendingDraft& draft) const; ///< none while its verdict can be undone
     QList<DraftFile> files(const PendingDraft& draft) const;
-    QString waitingReason(const PendingDraft& draft) const; ///< why an approved one stays here; empty where it does not
-    void perform(const PendingDraft& draft, const QString& action); ///< nothing while a verdict on it can be undone
+    QString waitingReason(const PendingDraft& draft) const; ///< why an approved draft waits; empty if it does not
+    void perform(const PendingDraft& draft, const QString& action); ///< does nothing while its verdict can be undone
 
 Q_SIGNALS:
-    void changed(); ///< an engine that a draft waits for came up or went down
+    void changed(); ///< the engine of a waiting draft started or stopped
 
 private:
     ApprovalsStore& m_approvals;

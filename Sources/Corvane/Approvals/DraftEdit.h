@@ -8,15 +8,15 @@ namespace corvane {
 
 class ApprovalsStore;
 
-/// The draft that a person edits, one at a time and the same on every surface. The words stay here until the row has
-/// them or the person closes them; a row that no longer waits does not take them, and says why.
+/// The draft being edited, one at a time and the same on every surface. The edited text stays here until the row has it
+/// or the user closes it; a row that is no longer pending refuses it with a reason.
 class DraftEdit : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString draftId READ draftId NOTIFY changed) ///< empty where none is edited
+    Q_PROPERTY(QString draftId READ draftId NOTIFY changed) ///< empty if none is edited
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
-    Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< why the row has not taken the words, or empty
+    Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< why saving failed, or empty
     Q_PROPERTY(bool canSave READ canSave NOTIFY textChanged)
-    Q_PROPERTY(bool lost READ lost NOTIFY changed) ///< the row no longer waits: the words can only be copied
+    Q_PROPERTY(bool lost READ lost NOTIFY changed) ///< the row is no longer pending: the text can only be copied
 public:
     /// The store outlives the object.
     explicit DraftEdit(ApprovalsStore& store, QObject* parent = nullptr);
@@ -28,12 +28,12 @@ public:
     bool canSave() const { return !m_lost && !m_text.trimmed().isEmpty(); }
     bool lost() const { return m_lost; }
 
-    /// With the edited draft where it was, also where it no longer waits: its words keep their place.
+    /// With the edited draft at its place, even if it is no longer pending.
     QList<PendingDraft> withLost(QList<PendingDraft> drafts) const;
 
-    Q_INVOKABLE void begin(const QString& draftId); ///< nothing where it does not wait, or other words are kept
-    Q_INVOKABLE void save(); ///< ends it where the row took the words
-    Q_INVOKABLE void close(); ///< and forgets the words
+    Q_INVOKABLE void begin(const QString& draftId); ///< does nothing if it is not pending, or another edit is open
+    Q_INVOKABLE void save(); ///< closes it if saving succeeded
+    Q_INVOKABLE void close(); ///< and discards the text
 
 Q_SIGNALS:
     void changed();
@@ -43,8 +43,8 @@ private:
     void follow();
 
     ApprovalsStore& m_store;
-    PendingDraft m_draft; ///< as it was last seen waiting
-    qsizetype m_place = 0; ///< in the list, then
+    PendingDraft m_draft; ///< as last seen pending
+    qsizetype m_place = 0; ///< its last index in the list
     QString m_text;
     QString m_problem;
     bool m_lost = false;

@@ -6,22 +6,22 @@
 
 namespace corvane {
 
-/// Whose draft it is and where it stands, as the line over the thread says it.
+/// The recipient and state of a draft, for the line above the thread.
 QString draftStatusTitle(const PendingDraft& draft);
 
-/// "Subject: ..."; empty where it has none.
+/// "Subject: ..."; empty if it has none.
 QString subjectLine(const PendingDraft& draft);
 
-/// Where it stands, in a word or two.
+/// The state in a word or two.
 QString statusLabel(const PendingDraft& draft);
 
-/// Why it failed, or why it waits for a person again; empty of every other draft.
+/// Why it failed or is pending again; empty for every other draft.
 QString draftFailureReason(const PendingDraft& draft);
 
-/// What is asked before it is sent.
+/// The confirmation before sending.
 QString confirmQuestion(const PendingDraft& draft);
 
-/// Why an approved draft waits, and what helps; empty where its engine is only on its way.
+/// Why an approved draft waits, and what helps; empty if its engine is just starting.
 QString waitingReason(const PendingDraft& draft, const Account& account, const RuntimeState& engine);
 
 }

@@ -11,7 +11,7 @@ class AccountStore;
 class ApprovalsStore;
 class LocalDB;
 
-/// A draft that waits, in the words of the bar.
+/// A pending draft, as the bar shows it.
 class PendingDraftItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -39,8 +39,8 @@ public:
     QString status;
     QString statusLabel;
     QString stateText; ///< the status in a word or two
-    int secondsLeft = 0; ///< to undo what a person said; 0 where nothing can be undone
-    QString failureReason; ///< of one that failed, or waits for a person or for its engine
+    int secondsLeft = 0; ///< for undo; 0 if it can't be undone
+    QString failureReason; ///< if it failed, or waits for the user or its engine
     QString platform; ///< such as "WHATSAPP"
     bool canDecide = false; ///< approve, reject and edit apply
     QString approveLabel; ///< "Approve & Send" or "Retry Send"
@@ -51,20 +51,19 @@ public:
     bool operator==(const PendingDraftItem&) const = default;
 };
 
-/// What waits for a person before it goes out, or for an acknowledgment after it went, as the bar over the thread shows
-/// it. Approving one asks first, one draft at a time; from then on it can be undone for five seconds, here and on every
-/// other surface.
+/// The drafts of a person that wait for approval or for an acknowledgment, for the bar above the thread. Approving asks
+/// for confirmation, one draft at a time; afterwards it can be undone for five seconds, here and on every other
+/// surface.
 class PendingDraftsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of PendingDraftItem
     Q_PROPERTY(int count READ count NOTIFY changed)
-    Q_PROPERTY(
-        QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the one that is asked about, or empty
+    Q_PROPERTY(QString confirmDraft READ confirmDraft NOTIFY changed) ///< the id of the draft to confirm, or empty
     Q_PROPERTY(QString confirmText READ confirmText NOTIFY changed)
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action did nothing, or empty
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< why the last action had no effect, or empty
     Q_PROPERTY(corvane::DraftEdit* editor READ editor CONSTANT)
 public:
-    /// What the bar stands on; all of it outlives the view.
+    /// All references outlive the view.
     struct Surroundings {
         ApprovalsStore& approvals;
         DraftActions& actions;
@@ -83,9 +82,9 @@ public:
     const QString& notice() const;
     DraftEdit* editor() const;
 
-    Q_INVOKABLE void askToConfirm(const QString& id); ///< another one that was asked about no longer is
+    Q_INVOKABLE void askToConfirm(const QString& id); ///< replaces the draft asked about
     Q_INVOKABLE void cancelConfirm();
-    Q_INVOKABLE void approveDraft(const QString& id); ///< what the row shows; a retry, too
+    Q_INVOKABLE void approveDraft(const QString& id); ///< the row as shown; also retries
     Q_INVOKABLE void reject(const QString& id);
     Q_INVOKABLE void undo(const QString& id);
     Q_INVOKABLE void perform(const QString& id, const QString& action); ///< one of the row's actions

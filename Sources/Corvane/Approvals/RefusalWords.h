@@ -6,7 +6,7 @@ namespace corvane {
 
 class LocalDB;
 
-/// Why a verdict, or an edit, changed nothing, from the row as it stands now: "Already approved elsewhere.", ...
+/// Why a verdict or an edit had no effect, from the row's current state: "Already approved elsewhere.", ...
 QString refusalWords(LocalDB& db, const ApprovalKey& key);
 
 }

@@ -6,18 +6,18 @@
 
 namespace corvane {
 
-/// What a text says of a payment, in its own words.
+/// The payment that a text mentions.
 struct PaymentFacts {
-    QStringList amounts; ///< such as "412.80 EUR", each once
-    QString recipient; ///< a name, an address or an account number; empty where none stands
+    QStringList amounts; ///< such as "412.80 EUR", without duplicates
+    QString recipient; ///< a name, an address or an account number; empty if there is none
 };
 
 PaymentFacts paymentFacts(const QString& text);
 
-/// Whether a decision is asked about once more before it is approved: its risk is any word but "none" and "low".
+/// Whether a decision must be confirmed before it is approved: its risk is anything but "none" and "low".
 bool isRisky(const WorkDecisionRecord& decision);
 
-/// What it is asked, with amount and recipient where the decision names them.
+/// The question, with amount and recipient if the decision names them.
 QString riskQuestion(const WorkDecisionRecord& decision);
 
 }

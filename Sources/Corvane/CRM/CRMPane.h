@@ -15,7 +15,7 @@ namespace corvane {
 /// happened, of all contacts that were merged into one. Whether a section is folded is the window's to remember.
 class CRMPane : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty where nobody is open
+    Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty if nobody is open
     Q_PROPERTY(QString contactName READ contactName NOTIFY contactChanged)
     Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
     Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
@@ -81,7 +81,7 @@ public:
     Q_INVOKABLE void showOlderNotes();
     Q_INVOKABLE void showOlderActivity();
 
-    // True where it was saved; then its field is emptied. Blank texts are not saved.
+    // True if it was saved; then its field is emptied. Blank texts are not saved.
     Q_INVOKABLE bool addNote(const QString& body);
     Q_INVOKABLE bool addTask(const QString& title);
     Q_INVOKABLE bool canAddDeal(const QString& name) const;

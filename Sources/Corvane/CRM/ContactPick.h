@@ -11,18 +11,17 @@ namespace corvane {
 
 class LocalDB;
 
-/// Whom something is about, where the program could not tell, or told wrong: a person picks the contact. One thing at
-/// a time.
+/// Asks the user which contact something is about, when the program could not tell or was wrong. One thing at a time.
 class ContactPick : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString subject READ subject NOTIFY changed) ///< what a contact is picked for, or empty
+    Q_PROPERTY(QString subject READ subject NOTIFY changed) ///< what the contact is picked for, or empty
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QString searchText READ searchText CONSTANT)
     Q_PROPERTY(QList<corvane::ContactChoice> people READ people NOTIFY changed)
-    Q_PROPERTY(QString emptyText READ emptyText CONSTANT) ///< where nobody matches
+    Q_PROPERTY(QString emptyText READ emptyText CONSTANT) ///< shown if nobody matches
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
 public:
-    using Link = std::function<bool(const QString& subject, const QString& contactId)>; ///< false where it failed
+    using Link = std::function<bool(const QString& subject, const QString& contactId)>; ///< false on failure
 
     /// `db` outlives the object.
     ContactPick(LocalDB& db, Link link, QObject* parent = nullptr);
@@ -36,7 +35,7 @@ public:
     const QString& errorText() const { return m_errorText; }
 
     Q_INVOKABLE void begin(const QString& subject);
-    Q_INVOKABLE void choose(const QString& contactId); ///< ends it, unless the contact could not be linked
+    Q_INVOKABLE void choose(const QString& contactId); ///< closes, unless linking failed
     Q_INVOKABLE void cancel();
 
 Q_SIGNALS:
@@ -49,7 +48,7 @@ private:
     const Link m_link;
     QString m_subject;
     QString m_query;
-    QList<ContactLink> m_contacts; ///< all, while somebody is picked
+    QList<ContactLink> m_contacts; ///< all contacts, while picking
     QList<ContactChoice> m_people;
     QString m_errorText;
 };

@@ -17,22 +17,22 @@ class ContactsBridge : public QObject {
 public:
     struct Person {
         QString name;
-        QByteArray image; ///< an image file's bytes; empty where there is none
+        QByteArray image; ///< the bytes of an image file; empty if there is none
 
         bool operator==(const Person&) const = default;
     };
 
-    /// The references outlive the object. "nimb.addressBookFolders" names further folders, with ":" between them.
+    /// The references outlive the object. "nimb.addressBookFolders" adds folders, separated by ":".
     ContactsBridge(const AddressBook& book, BackgroundQueue& background, UserDefaults& defaults);
 
-    /// Reads the book away from the main thread, once; `completion` follows in any case, and a book that may not
-    /// be read leaves the index empty and can be asked again.
+    /// Reads the address book in the background, once; `completion` is always called. If reading is not permitted, the
+    /// index stays empty and a later call tries again.
     void load(const std::function<void()>& completion = {});
 
     const QHash<QString, Person>& index() const { return m_people.index; } ///< by the digits of the number
     bool ready() const { return m_ready; }
 
-    /// National and international forms of one number meet. A number of less than 7 digits is nobody's.
+    /// Matches national and international forms of a number. Numbers of fewer than 7 digits never match.
     std::optional<Person> match(const QString& phone) const;
 
     static QString normalize(const QString& text); ///< its digits

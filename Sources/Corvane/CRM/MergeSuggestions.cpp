@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// The letters of a name in lower case; empty where the name says nothing about its owner.
+/// The letters of a name in lower case; empty if the name says nothing about its owner.
 QString comparableName(const QString& name)
 {
     static constexpr std::array nameless { u"whatsapp user", u"group", u"unknown", u"+" };

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// A line in a section of the contact pane; what a section does not tell stays empty.
+/// A line in a section of the contact pane; unused fields are empty.
 class PaneRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -17,13 +17,13 @@ class PaneRow {
     Q_PROPERTY(QString icon MEMBER icon)
     Q_PROPERTY(QString stage MEMBER stage)
 public:
-    QString id; ///< what the section's actions ask for
+    QString id; ///< the argument of the section's actions
     QString label; ///< the kind of line: "Email", "Call", "WhatsApp"
     QString text;
-    QString detail; ///< in a weaker voice: "matching email", "Proposal · $12.5k"
+    QString detail; ///< secondary text: "matching email", "Proposal · $12.5k"
     QString timeText;
     QString channel; ///< such as "WHATSAPP", for its mark
-    QString icon; ///< the mark of a line without a channel
+    QString icon; ///< for a line without a channel
     QString stage; ///< of a deal
 
     static constexpr const char* role = "entry";

@@ -10,7 +10,7 @@ namespace corvane {
 
 class DateWords;
 
-// What the sections of the contact pane show, in the words of the screen.
+// The rows of the contact pane's sections.
 PaneRow suggestionRow(const MergeCandidate& pair, const QString& contactId); ///< the other one of the pair
 PaneRow mergeRow(const LiveMerge& merge, const QString& mergedName);
 PaneRow memoryRow(const MemoryEntry& entry);

@@ -12,30 +12,30 @@ namespace corvane {
 
 class CalendarStore;
 
-/// Events that other processes ask for. They are added as told, and each can be taken back for ten seconds; or, where
-/// the user wants it so, they wait for a word.
+/// Events that other processes request. They are added right away, and each can be undone for ten seconds; or, if the
+/// user prefers so, they wait for approval.
 class CalendarCommands : public QObject {
     Q_OBJECT
 public:
     /// `store` outlives the object.
     explicit CalendarCommands(CalendarStore& store, QObject* parent = nullptr);
 
-    void processPendingCommands(); ///< every five seconds from the first reading on
+    void processPendingCommands(); ///< every five seconds after the first reading
 
     bool agentsMayAdd() const;
     void setAgentsMayAdd(bool may);
 
-    const QList<CalCommand>& waiting() const { return m_waiting; } ///< for a word; none while agents may add
+    const QList<CalCommand>& waiting() const { return m_waiting; } ///< for approval; empty while agents may add events
     Decided add(const QString& id, const QString& seenHash); ///< as it was seen, see `eventHash`
     Decided reject(const QString& id);
 
-    const QString& undoText() const { return m_undo.text(); } ///< what was added of late; empty for nothing
+    const QString& undoText() const { return m_undo.text(); } ///< what was just added; empty if undo is over
     void undo() { m_undo.take(); }
     void dismiss() { m_undo.dismiss(); }
 
 Q_SIGNALS:
     void changed();
-    void refused(const QString& title, const QString& reason); ///< by the calendar, of one that a person let in
+    void refused(const QString& title, const QString& reason); ///< by the calendar, for an event that the user approved
 
 private:
     struct Added {
@@ -54,7 +54,7 @@ private:
     CalendarStore& m_store;
     UndoOffer m_undo;
     QList<CalCommand> m_waiting;
-    QSet<QString> m_letIn; ///< by a person, and on their way
+    QSet<QString> m_letIn; ///< approved, and being added
     QList<Added> m_added; ///< by the run that is on its way
     int m_running = 0;
     std::unique_ptr<Timer> m_timer;

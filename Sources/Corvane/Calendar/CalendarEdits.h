@@ -9,13 +9,12 @@ namespace corvane {
 class CalendarStore;
 class UserDefaults;
 
-// What is written to the calendars, away from the main thread; the mirror follows. Nothing comes home once `context` is
-// gone.
+// Writes to the calendars in the background; the mirror follows. No callback once `context` is destroyed.
 
-/// A calendar that takes events: the first one of that title, else the default; nothing where none takes any.
+/// The writable calendar with that title, else the default; nothing if none is writable.
 std::optional<CalendarInfo> writableCalendar(const CalendarStore& store, const QString& title = {});
 
-QString defaultCalendar(const UserDefaults& defaults); ///< the id that was chosen for new events; empty for none
+QString defaultCalendar(const UserDefaults& defaults); ///< the id of the calendar for new events; empty for none
 void setDefaultCalendar(CalendarStore& store, const QString& id);
 
 void addEvent(CalendarStore& store, const QString& calendarId, const NewCalendarEntry& entry, QObject* context,
@@ -23,17 +22,17 @@ void addEvent(CalendarStore& store, const QString& calendarId, const NewCalendar
 void takeBackEvent(CalendarStore& store, const QString& calendarId, const QString& uid, QObject* context,
     const std::function<void(const Result<void>&)>& done);
 
-/// The blocking part of an import, into the calendar that new events go to; what came of it in words.
+/// The blocking part of an import into the calendar for new events; returns the result for the user.
 Result<QString> importFile(
     CalendarSource& source, const CalendarPlaces& places, const QString& chosen, const QString& path);
 
-/// Into the default calendar; what came of it in words.
+/// Into the default calendar; returns the result for the user.
 void importEvents(CalendarStore& store, const QString& path, QObject* context,
     const std::function<void(const Result<QString>&)>& done);
 void exportEvent(CalendarStore& store, const QString& eventId, const QString& path, QObject* context,
     const std::function<void(const Result<QString>&)>& done);
 
-// What the user connects; it is kept, and read from now on.
+// What the user connects; it is stored, and read from now on.
 
 Result<void> useFolder(CalendarStore& store, const QString& path); ///< "~/" at the start is the user's home
 void useService(CalendarStore& store, bool use); ///< of the desktop

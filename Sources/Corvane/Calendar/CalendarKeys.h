@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The keys of the calendar's page, which the page itself answers.
+/// The keys of the calendar page, which handles them itself.
 QList<Command> calendarCommands();
 
 }

@@ -21,7 +21,7 @@ public:
     bool operator==(const DayHead&) const = default;
 };
 
-/// An event, or the part of it within one day, where it stands in the grid.
+/// An event, or the part of it within one day, positioned in the grid.
 class EventBlock {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -45,22 +45,22 @@ public:
     QString spoken; ///< the whole as one sentence
     QString colour; ///< of the calendar; may be empty
     int day = 0; ///< the column
-    double top = 0; ///< hours from the grid's first one
+    double top = 0; ///< hours after the start of the grid
     double height = 0; ///< hours
-    int lane = 0; ///< beside others at the same time; of one that lasts all day: its row
+    int lane = 0; ///< next to events at the same time; for all-day events: the row
     int lanes = 1;
-    int days = 1; ///< of one that lasts all day: how many columns it spans
+    int days = 1; ///< for all-day events: the number of columns
     bool past = false;
     bool declined = false;
-    bool joinable = false; ///< it starts within ten minutes, or runs, and there is a link
-    QString place {}; ///< its number in the list: the page that follows moves the tiles of this one
+    bool joinable = false; ///< starts within ten minutes or is running, and has a link
+    QString place {}; ///< its index: the next page's tiles move from this page's tiles
 
     static constexpr const char* role = "event";
     const QString& key() const { return place; }
     bool operator==(const EventBlock&) const = default;
 };
 
-/// Time without an event, between two of a day.
+/// Free time between two events of a day.
 class FreeGap {
     Q_GADGET
     Q_PROPERTY(QString text MEMBER text)
@@ -76,11 +76,11 @@ public:
     bool operator==(const FreeGap&) const = default;
 };
 
-/// A page of the calendar, laid out in columns of a day each.
+/// A page of the calendar, with one column per day.
 struct CalendarLayout {
     QList<DayHead> days;
-    int firstHour = 8; ///< the hours that hold something, and at least the working day
-    int lastHour = 18; ///< where the grid ends
+    int firstHour = 8; ///< covers all events, and at least working hours
+    int lastHour = 18; ///< end of the grid
     QList<EventBlock> blocks; ///< by day and time
     QList<EventBlock> allDay;
     int allDayRows = 0;
@@ -95,7 +95,7 @@ CalendarLayout calendarLayout(
 
 bool isJoinable(const CalEvent& event, qint64 nowMs);
 
-/// When an event is, in words: "Mon 23 Nov, 10:00–11:00", "all day".
+/// The time of an event: "Mon 23 Nov, 10:00–11:00", "all day".
 QString whenText(const CalEvent& event, qint64 nowMs);
 
 }

@@ -12,14 +12,14 @@ class UserDefaults;
 
 CalendarPlaces calendarPlaces(const UserDefaults& defaults); ///< as the user chose them
 
-/// The mirror of the user's calendars: a day back and sixty ahead, in memory and in the database, where other
+/// The mirror of the user's calendars: one day back and sixty ahead, in memory and in the database, where other
 /// programs read it.
 class CalendarStore : public QObject {
     Q_OBJECT
 public:
     enum class Access { Unknown, Granted, Denied };
 
-    /// What it stands on; all of it outlives the store.
+    /// All references outlive the store.
     struct Surroundings {
         LocalDB& db;
         CalendarSource& source;
@@ -34,8 +34,8 @@ public:
     ~CalendarStore() override;
 
     void bootstrap(); ///< may be called again
-    void refresh(); ///< reads the calendars away from the main thread; nothing without access
-    void requestAccess(); ///< the user pressed Connect: what is found is read from now on
+    void refresh(); ///< reads the calendars in the background; does nothing without access
+    void requestAccess(); ///< the user pressed Connect: the calendars found are read from now on
 
     Access access() const { return m_access; }
     const std::optional<QString>& lastError() const { return m_lastError; } ///< for the user
@@ -43,11 +43,11 @@ public:
     const QList<CalendarInfo>& calendars() const { return m_calendars; } ///< empty until the first reading
 
     QStringList calendarNames() const; ///< of the events, each once, sorted
-    void toggleCalendar(const QString& name); ///< shows its events, or no longer
+    void toggleCalendar(const QString& name); ///< shows or hides its events
     bool isCalendarIncluded(const QString& name) const;
     QList<CalEvent> visible(const QList<CalEvent>& events) const;
 
-    /// Events outside the mirror, which are not stored. Nothing follows once `context` or the store is gone.
+    /// Events outside the mirror, not stored. No callback once `context` or the store is destroyed.
     void eventsBetween(
         qint64 fromMs, qint64 toMs, QObject* context, const std::function<void(const QList<CalEvent>&)>& done);
 
@@ -86,12 +86,12 @@ private:
     QList<CalendarInfo> m_calendars;
     QStringList m_excluded;
     bool m_reading = false;
-    bool m_again = false; ///< asked for while a reading was on its way
+    bool m_again = false; ///< requested during a reading
     bool m_mirrored = false; ///< the database holds `m_events` of the active workspace
     Coalescer m_changes;
     std::unique_ptr<Timer> m_ticks;
     QString m_day; ///< date and zone of the last reading
-    qint64 m_asleepMs = 0; ///< how far the clock is from the time awake
+    qint64 m_asleepMs = 0; ///< the difference between the clock and the time awake
     NotificationCentre::Observation m_workspaceChanged;
 };
 

@@ -22,7 +22,7 @@ class EventPerson {
 public:
     QString name;
     QString detail; ///< "you", "declined", or the address
-    QString contactId; ///< empty where nobody here is known by the address
+    QString contactId; ///< empty if nobody here is known by the address
 
     bool operator==(const EventPerson&) const = default;
 };

@@ -105,7 +105,7 @@ void MeetingPrep::close()
     Q_EMIT changed();
 }
 
-/// The answer as it came; nothing where it failed.
+/// The answer as it came; nothing if it failed.
 QCoro::Task<std::optional<QString>> MeetingPrep::summarized(QString packet)
 {
     const QString instructions

@@ -10,13 +10,13 @@ namespace corvane {
 
 struct AIServices;
 
-/// The packet of all that is known here before a meeting.
+/// Everything known locally about a meeting.
 QString meetingPrepPacket(LocalDB& db, const CalEvent& event);
 
 QString agoLabel(qint64 ms, qint64 nowMs); ///< "5m ago"
 
-/// The brief for a meeting: made once, kept, and shown until another is asked for. Where it hints at something to send,
-/// a person is asked in Approvals; nothing is ever sent from here.
+/// The brief for a meeting: generated once, stored, and shown until another is requested. If it suggests sending
+/// something, the user is asked in Approvals; nothing is ever sent from here.
 class MeetingPrep : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool open READ isOpen NOTIFY changed)
@@ -24,9 +24,9 @@ class MeetingPrep : public QObject {
     Q_PROPERTY(QString summary READ summary NOTIFY changed)
     Q_PROPERTY(QString packet READ packet NOTIFY changed)
     Q_PROPERTY(QString madeBy READ madeBy NOTIFY changed) ///< who made the summary, and when
-    Q_PROPERTY(QString message READ message NOTIFY changed) ///< what came of the last press; may be empty
+    Q_PROPERTY(QString message READ message NOTIFY changed) ///< the result of the last action; may be empty
     Q_PROPERTY(bool busy READ isBusy NOTIFY changed)
-    Q_PROPERTY(bool asksReview READ asksReview NOTIFY changed) ///< a decision waits in Approvals
+    Q_PROPERTY(bool asksReview READ asksReview NOTIFY changed) ///< a decision is pending in Approvals
 public:
     /// All of it outlives the brief.
     struct Surroundings {
@@ -45,8 +45,8 @@ public:
     bool isBusy() const { return m_busy; }
     bool asksReview() const { return m_asksReview; }
 
-    void prepare(const CalEvent& event); ///< opens it; one that is kept is shown at once
-    void prepareAhead(const CalEvent& event); ///< without opening it: by a model on this machine, or not at all
+    void prepare(const CalEvent& event); ///< opens it; a stored brief is shown at once
+    void prepareAhead(const CalEvent& event); ///< without opening it; only with a local model
     Q_INVOKABLE void regenerate();
     Q_INVOKABLE void close();
 
@@ -60,7 +60,7 @@ private:
     QCoro::Task<> makeAhead(CalEvent event);
     QCoro::Task<std::optional<QString>> summarized(QString packet);
     void keep(const CalEvent& event, const MeetingPrepCacheRow& row, Reason reason);
-    bool proposeReview(const MeetingPrepCacheRow& row); ///< whether a decision waits
+    bool proposeReview(const MeetingPrepCacheRow& row); ///< whether a decision is pending
 
     Surroundings m_at;
     CalEvent m_event; ///< empty while nothing is open

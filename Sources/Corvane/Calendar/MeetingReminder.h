@@ -11,14 +11,14 @@ namespace corvane {
 class CalendarStore;
 class MeetingPrep;
 
-/// Says ten minutes before a meeting that it comes, with its brief ready.
+/// Reminds the user ten minutes before a meeting, with its brief ready.
 class MeetingReminder : public QObject {
     Q_OBJECT
 public:
     /// Both outlive the object.
     MeetingReminder(CalendarStore& store, MeetingPrep& prep, QObject* parent = nullptr);
 
-    QString text() const; ///< empty while no meeting is near, or the person has read it
+    QString text() const; ///< empty if no meeting is near, or the user has read it
     const std::optional<CalEvent>& meeting() const { return m_meeting; }
     void dismiss();
 

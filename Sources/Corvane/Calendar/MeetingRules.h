@@ -6,16 +6,16 @@
 
 namespace corvane {
 
-// What counts as a meeting, where it is joined, and when it is in words. All times in milliseconds since the epoch.
+// What counts as a meeting, where to join it, and how its time is shown. All times in milliseconds since the epoch.
 
-bool isPlaceholderBlock(const CalEvent& event); ///< time that somebody keeps free
+bool isPlaceholderBlock(const CalEvent& event); ///< time that someone blocked
 
-/// Somebody is to be met: an event with others, or one whose words say so. One that the user declined is none.
+/// An event with other people, or with words that imply them. Declined events are not meetings.
 bool isMeetingCandidate(const CalEvent& event);
 
 std::optional<QUrl> meetingURL(const CalEvent& event); ///< of a meeting service, else the first web link
 
-std::optional<QUrl> joinURL(const CalEvent& event); ///< the same, where a browser may open it
+std::optional<QUrl> joinURL(const CalEvent& event); ///< the same, if a browser may open it
 
 QString compactTitle(const CalEvent& event); ///< 32 characters at most
 

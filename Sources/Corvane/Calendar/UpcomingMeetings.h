@@ -38,7 +38,7 @@ class UpcomingMeetings : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString troubleTitle READ troubleTitle NOTIFY changed) ///< of the last reading; may be empty
     Q_PROPERTY(QString troubleText READ troubleText NOTIFY changed)
-    Q_PROPERTY(QString connectLabel READ connectLabel NOTIFY changed) ///< empty where nothing is to be connected
+    Q_PROPERTY(QString connectLabel READ connectLabel NOTIFY changed) ///< empty if nothing is to be connected
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
 public:
     /// All of it outlives the object.

@@ -8,15 +8,14 @@ namespace corvane {
 
 struct AppPaths;
 
-/// The call as a text to read: title, summary, notes, and who said what when.
+/// The call as readable text: title, summary, notes and transcript.
 QString callAsText(const CallDetails& call, const QList<CallTurn>& turns, const CallNotes& notes);
 
-/// Into the person's folder of downloads, under the call's title, beside what stands there. Says where it went, or why
-/// it did not.
+/// Into the user's downloads folder, named after the call, without overwriting. Returns where it went, or the error.
 QString exportCall(const CallDetails& call, const QString& suffix, const QByteArray& content);
-QString exportSoundOf(const CallDetails& call, const QStringList& paths); ///< empty ones are passed over
+QString exportSoundOf(const CallDetails& call, const QStringList& paths); ///< empty paths are skipped
 
-/// Removes a folder of a call's files, and nothing that is not one.
+/// Deletes the folder of a call's files, and nothing else.
 void removeCallFiles(const AppPaths& paths, const QString& folder);
 
 }

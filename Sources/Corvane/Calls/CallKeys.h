@@ -6,14 +6,14 @@ namespace corvane {
 
 class RecordingView;
 
-/// Two keys of the whole desktop: one starts and stops a recording, one marks the moment.
+/// Two global shortcuts: one starts and stops a recording, one marks the moment.
 class CallKeys : public QObject {
     Q_OBJECT
 public:
-    /// All of them outlive the keys; there may be no shortcuts.
+    /// All references outlive the object; shortcuts may be null.
     CallKeys(RecordingView& recording, GlobalShortcuts* shortcuts, UserDefaults& defaults, QObject* parent = nullptr);
 
-    void bind(); ///< again: nothing
+    void bind(); ///< a second call has no effect
     QList<HotKey*> all() { return { &m_record, &m_mark }; }
 
 private:

@@ -5,15 +5,15 @@
 
 namespace corvane {
 
-/// What a person noted of a call while it ran and later, in "notes.json" beside its sound.
+/// The user's notes on a call, taken during it and later, in "notes.json" beside its sound.
 struct CallNotes {
     QString text;
-    QList<qint64> marksMs; ///< moments that were marked, since the start
+    QList<qint64> marksMs; ///< marked moments, since the start
 
     bool operator==(const CallNotes&) const = default;
 };
 
-CallNotes readCallNotes(const QString& callFolder); ///< empty where there are none
+CallNotes readCallNotes(const QString& callFolder); ///< empty if there are none
 bool writeCallNotes(const QString& callFolder, const CallNotes& notes);
 
 }

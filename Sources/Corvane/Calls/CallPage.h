@@ -13,16 +13,16 @@ namespace corvane {
 
 class CallRecorder;
 
-/// One recorded call: its sound, who said what, the summary, and what it proposes.
+/// A recorded call: its sound, transcript, summary and proposals.
 class CallPage : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString callId READ callId NOTIFY changed) ///< empty where none is open
+    Q_PROPERTY(QString callId READ callId NOTIFY changed) ///< empty if none is open
     Q_PROPERTY(QString title READ title WRITE rename NOTIFY changed)
     Q_PROPERTY(QString whenText READ whenText NOTIFY changed)
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
     Q_PROPERTY(QString tone READ tone NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
-    Q_PROPERTY(QString personName READ personName NOTIFY changed) ///< empty where nobody is linked
+    Q_PROPERTY(QString personName READ personName NOTIFY changed) ///< empty if nobody is linked
     Q_PROPERTY(QString personId READ personId NOTIFY changed)
     Q_PROPERTY(corvane::ContactPick* people READ people CONSTANT)
     Q_PROPERTY(corvane::CallPlayer* player READ player CONSTANT)
@@ -38,8 +38,8 @@ class CallPage : public QObject {
     Q_PROPERTY(QString emptyTranscriptText READ emptyTranscriptText NOTIFY changed)
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< of the transcript, from 0 to 1
-    Q_PROPERTY(QString processLabel READ processLabel NOTIFY changed) ///< what `process` does; empty where it can't
-    /// What can transcribe it, where that is more than one thing; and the one that did.
+    Q_PROPERTY(QString processLabel READ processLabel NOTIFY changed) ///< label of `process`; empty if impossible
+    /// The models that can transcribe it, if there are several; and the one that did.
     Q_PROPERTY(QList<corvane::Choice> models READ models NOTIFY changed)
     Q_PROPERTY(QString model READ model NOTIFY changed)
     Q_PROPERTY(bool canStopWork READ canStopWork NOTIFY changed)
@@ -49,7 +49,7 @@ class CallPage : public QObject {
     Q_PROPERTY(QString emptySummaryText READ emptySummaryText NOTIFY changed)
     Q_PROPERTY(QList<corvane::CallProposalRow> proposals READ proposals NOTIFY changed)
     Q_PROPERTY(QString notes READ notes WRITE setNotes NOTIFY changed)
-    Q_PROPERTY(QString doneText READ doneText NOTIFY changed) ///< where an export went, or why it did not
+    Q_PROPERTY(QString doneText READ doneText NOTIFY changed) ///< the result of an export
     Q_PROPERTY(QString deleteQuestion READ deleteQuestion NOTIFY changed)
 public:
     /// All of them outlive the page.
@@ -94,10 +94,10 @@ public:
     const QString& doneText() const { return m_doneText; }
     QString deleteQuestion() const;
 
-    Q_INVOKABLE void rename(const QString& title); ///< nothing for a blank one
+    Q_INVOKABLE void rename(const QString& title); ///< does nothing for a blank title
     Q_INVOKABLE void playTurn(int number);
     Q_INVOKABLE void playMark(int number);
-    Q_INVOKABLE void process(); ///< transcribes now, again, or what a crash left
+    Q_INVOKABLE void process(); ///< transcribes now, again, or after a crash
     Q_INVOKABLE void processWith(const QString& model); ///< the same, with one of `models`
     Q_INVOKABLE void stopWork();
     Q_INVOKABLE void answerCodex(bool allowed);
@@ -116,7 +116,7 @@ Q_SIGNALS:
 
 private:
     QString folder() const; ///< of the call's files
-    bool isRecordedNow() const; ///< or its files are being made whole
+    bool isRecordedNow() const; ///< or its files are being finalised
     CallJob job() const;
     void process(const CallJob& work);
     void tell(const QString& words);
@@ -135,7 +135,7 @@ private:
     CallWaveform m_waveform;
     CallNotes m_notes;
     QList<CallProposalRow> m_proposals;
-    QHash<QString, QString> m_seenProposals; ///< their hashes, as they are shown
+    QHash<QString, QString> m_seenProposals; ///< their hashes as shown
     QString m_doneText;
 };
 

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Where a call stands, from the first second of its recording to its notes.
+/// The state of a call, from the start of its recording to its finished notes.
 struct CallPhase {
     enum class Kind { Idle, Recording, Transcribing, Summarizing, Ready, Failed };
 

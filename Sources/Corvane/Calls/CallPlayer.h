@@ -5,11 +5,11 @@
 
 namespace corvane {
 
-/// Plays both tracks of a call at once, each of which can be silenced.
+/// Plays both tracks of a call in sync; each can be muted.
 class CallPlayer : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString state READ state NOTIFY changed) ///< idle playing paused failed
-    Q_PROPERTY(QString actionText READ actionText NOTIFY changed) ///< what a press does: "Play", "Pause"
+    Q_PROPERTY(QString actionText READ actionText NOTIFY changed) ///< label of `toggle`: "Play", "Pause"
     Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< why it does not play
     Q_PROPERTY(QString positionText READ positionText NOTIFY moved) ///< "0:07"
     Q_PROPERTY(QString durationText READ durationText NOTIFY moved)
@@ -21,7 +21,7 @@ public:
     /// Both outlive the object, and play nothing else.
     CallPlayer(AudioPlayer& microphone, AudioPlayer& system, QObject* parent = nullptr);
 
-    /// Whose tracks; either may be empty. What plays ends.
+    /// Sets the tracks; either may be empty. Stops what is playing.
     void open(const QString& microphonePath, const QString& systemPath, qint64 durationMs);
 
     QString state() const { return enumWord(current()); }
@@ -38,9 +38,9 @@ public:
     bool systemOn() const { return m_system.on; }
     void setSystemOn(bool on) { setOn(m_system, on); }
 
-    Q_INVOKABLE void toggle(); ///< plays, pauses, goes on
+    Q_INVOKABLE void toggle(); ///< plays, pauses or resumes
     Q_INVOKABLE void seek(double progress);
-    Q_INVOKABLE void skip(int seconds); ///< on, or back where negative
+    Q_INVOKABLE void skip(int seconds); ///< forward, or back if negative
     void playFrom(qint64 ms);
     void stop();
 
@@ -58,13 +58,13 @@ private:
     };
     void setOn(Track& track, bool on);
     void startAt(Track& track, qint64 ms);
-    const Track& leading() const; ///< the one whose position counts
+    const Track& leading() const; ///< the one that determines the position
     AudioPlayer::State current() const;
 
     Track m_microphone;
     Track m_system;
     qint64 m_durationMs = 0;
-    qint64 m_waitingMs = 0; ///< where it begins once it plays
+    qint64 m_waitingMs = 0; ///< where it will start
 };
 
 }

@@ -15,17 +15,17 @@ class CallSummarizer;
 class LocalDB;
 class SpeechModelStore;
 
-/// A recorded call whose sound becomes text.
+/// A recorded call to transcribe.
 struct CallJob {
     QString callId;
     QString title;
-    QString captureMode; ///< of what there is to be heard
-    QString micPath; ///< empty where the microphone is not transcribed
+    QString captureMode; ///< the recorded tracks
+    QString micPath; ///< empty if the microphone is not transcribed
     QString systemPath;
-    std::optional<SpeechModelSpec> model = {}; ///< that transcribes; nothing: the preferred one
+    std::optional<SpeechModelSpec> model = {}; ///< nothing: the preferred one
 };
 
-/// Makes transcript, summary and proposals of recorded calls. Several may run, each for itself.
+/// Creates transcript, summary and proposals of recorded calls. Several may run independently.
 class CallProcessor : public QObject {
     Q_OBJECT
 public:
@@ -36,15 +36,15 @@ public:
         QObject* parent = nullptr);
     ~CallProcessor() override;
 
-    /// Nothing where the call is being processed already.
+    /// Does nothing if the call is being processed.
     void process(const CallJob& job);
-    void summarizeAgain(const QString& callId); ///< from the transcript that is there
+    void summarizeAgain(const QString& callId); ///< from the existing transcript
 
     CallSummarizer& summarizer() { return m_summarizer; }
     const SpeechModelStore& models() const { return m_models; }
     bool isProcessing(const QString& callId) const { return m_running.contains(callId); }
     CallPhase::Kind phase(const QString& callId) const { return m_running.value(callId).phase; }
-    double progress(const QString& callId) const { return m_running.value(callId).progress; } ///< of the transcript
+    double progress(const QString& callId) const { return m_running.value(callId).progress; } ///< of the transcription
     void cancel(const QString& callId);
 
 Q_SIGNALS:

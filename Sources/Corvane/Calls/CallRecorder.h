@@ -16,7 +16,7 @@ class RecordedCalls;
 class UserDefaults;
 struct AppPaths;
 
-/// What a recording is about, and who says that it may be made.
+/// What is recorded, and who consented.
 struct CallRecordingContext {
     QString startMode = u"manual"_s; ///< or "calendar_auto"
     QString calendarEventId = {};
@@ -30,13 +30,13 @@ struct CallRecordingContext {
     QString disclosureMode = u"manual"_s;
 };
 
-/// The one owner of a running recording. It records the microphone and, where that is wanted and can be had, what the
-/// machine plays, keeps the call's row up to date, and hands what was recorded to the processor. One recording runs at
-/// a time; an earlier call may still be processed meanwhile.
+/// The only owner of a running recording. It records the microphone and, if wanted and possible, what the machine
+/// plays, keeps the call's row up to date, and passes the recording to the processor. One recording runs at a time; an
+/// earlier call may still be processed.
 class CallRecorder : public QObject {
     Q_OBJECT
 public:
-    /// What it stands on; all of it outlives the recorder.
+    /// All references outlive the recorder.
     struct Surroundings {
         RecordedCalls& recorded;
         CallProcessor& processor;
@@ -52,33 +52,33 @@ public:
     explicit CallRecorder(const Surroundings& surroundings, QObject* parent = nullptr);
     ~CallRecorder() override;
 
-    void start(const QString& title, const CallRecordingContext& context); ///< nothing while one runs or begins
+    void start(const QString& title, const CallRecordingContext& context); ///< nothing while one runs or starts
     void stop();
     void stopForQuit(); ///< closes the files at once and keeps them
-    void cancelActiveRecording(); ///< removes them
-    void mark(); ///< this moment of the recording
+    void cancelActiveRecording(); ///< deletes them
+    void mark(); ///< marks the current moment
 
-    const CallPhase& phase() const { return m_phase; } ///< of the call that began last
+    const CallPhase& phase() const { return m_phase; } ///< of the latest call
     bool isRecording() const { return m_active != nullptr; }
-    bool isStarting() const { return m_starting; } ///< it was told to, and neither records nor has failed yet
+    bool isStarting() const { return m_starting; } ///< requested, but neither recording nor failed yet
     bool records(const QString& callId) const { return isRecording() && m_shown.id == callId; }
-    bool isSaving(const QString& callId) const { return m_saving.contains(callId); } ///< its files are made whole
+    bool isSaving(const QString& callId) const { return m_saving.contains(callId); } ///< its files are being finalised
     double elapsed() const { return m_elapsed; } ///< in seconds
-    const CallWaveform& waveform() const { return m_waveform; } ///< of the recording that runs or ran last
+    const CallWaveform& waveform() const { return m_waveform; } ///< of the current or last recording
     const QString& activeCallId() const { return m_shown.id; } ///< empty once it is processed
     const QString& activeCalendarEventId() const { return m_shown.context.calendarEventId; }
     const QString& activeStartMode() const { return m_shown.context.startMode; }
     const QString& activeCaptureMode() const { return m_shown.captureMode; }
     const QString& activeTitle() const { return m_shown.title; }
     const QString& statusText() const { return m_statusText; }
-    QString warningText() const; ///< what threatens the recording that runs
+    QString warningText() const; ///< a problem of the running recording
     const QList<qint64>& marksMs() const { return m_marksMs; } ///< of the recording that runs
 
     bool systemAudioEnabled() const;
     void setSystemAudioEnabled(bool enabled);
     const QString& systemAudioStatus() const { return m_systemAudioStatus; }
 
-    /// Of all that plays, only the sound of the program with that file name; empty for everything.
+    /// Records only the sound of the program with that file name; empty for everything.
     const QString& application() const { return m_application; }
     void setApplication(const QString& binary);
 
@@ -89,10 +89,10 @@ public:
 Q_SIGNALS:
     void changed();
     void ticked(); ///< elapsed time and level of the recording that runs
-    void refused(const QString& reason); ///< no recording begins, or one had to end
+    void refused(const QString& reason); ///< a recording could not start, or had to stop
 
 private:
-    /// What a call says of itself, whether it is recorded or processed.
+    /// The state of a call while it is recorded or processed.
     struct Shown {
         QString id;
         QString title;
@@ -127,7 +127,7 @@ private:
     CallPhase m_phase;
     Shown m_shown;
     bool m_starting = false;
-    std::unique_ptr<Active> m_next; ///< while it begins
+    std::unique_ptr<Active> m_next; ///< while it is starting
     std::unique_ptr<Active> m_active;
     QStringList m_saving; ///< calls that were stopped
     std::unique_ptr<Timer> m_timer;

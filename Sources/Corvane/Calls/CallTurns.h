@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// A stretch of a call that one side speaks, in milliseconds since its start.
+/// A contiguous stretch of a call spoken by one side, in milliseconds since its start.
 struct CallTurn {
     qint64 startMs = 0;
     qint64 endMs = 0;
@@ -15,21 +15,21 @@ struct CallTurn {
     bool operator==(const CallTurn&) const = default;
 };
 
-/// Both sides on one time line. What the microphone heard of the loudspeakers is left out of what "Me" says.
+/// Both sides merged in time order. Echo of the loudspeakers in the microphone is removed from "Me".
 QList<CallTurn> mergedTurns(const QList<SpeechSegment>& microphone, const QList<SpeechSegment>& meeting);
 
-/// The stretches of one side, each a turn.
+/// One turn per segment of one side.
 QList<CallTurn> turnsOf(const QList<SpeechSegment>& segments, const QString& speaker);
 
-/// A line a turn: "Me: ..." or "Meeting audio: ...".
+/// One line per turn: "Me: ..." or "Meeting audio: ...".
 QString textOf(const QList<CallTurn>& turns);
 
 inline const QString meSpeaker = u"Me"_s;
 inline const QString meetingSpeaker = u"Meeting audio"_s;
 
-/// In "segments.json" beside the sound of a call. False where it can't be written.
+/// In "segments.json" beside the sound of a call. False if it can't be written.
 bool writeTurns(const QString& callFolder, const QList<CallTurn>& turns);
-QList<CallTurn> readTurns(const QString& callFolder); ///< empty where there are none
+QList<CallTurn> readTurns(const QString& callFolder); ///< empty if there are none
 
 /// As subtitles: WebVTT.
 QString webVtt(const QList<CallTurn>& turns);

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// How loud both sides of a call are, a value each for every stretch of the same length.
+/// The loudness of both sides of a call, one value per interval of fixed length.
 class CallWaveform {
 public:
     void append(double microphone, double system); ///< from 0 to 1
@@ -14,7 +14,7 @@ public:
     bool isEmpty() const { return m_microphone.isEmpty(); }
     double lastLevel() const; ///< of both sides, from 0 to 1
 
-    /// The loudest of each part, from 0 to 1, for that many parts of the whole.
+    /// Resampled to that number of values from 0 to 1; each is the peak of its part.
     QList<float> microphone(int parts) const { return shape(m_microphone, parts); }
     QList<float> system(int parts) const { return shape(m_system, parts); }
 
@@ -24,12 +24,12 @@ public:
 private:
     static QList<float> shape(const QByteArray& levels, int parts);
 
-    QByteArray m_microphone; ///< a byte each
+    QByteArray m_microphone; ///< one byte per value
     QByteArray m_system;
 };
 
 /// In "waveform" beside the sound of the call.
 bool writeWaveform(const QString& callFolder, const CallWaveform& waveform);
-CallWaveform readWaveform(const QString& callFolder); ///< empty where there is none
+CallWaveform readWaveform(const QString& callFolder); ///< empty if there is none
 
 }

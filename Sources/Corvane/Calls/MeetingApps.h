@@ -7,7 +7,7 @@ namespace corvane {
 
 class BackgroundQueue;
 
-/// A program that is taken as a meeting in progress.
+/// A program that counts as a running meeting.
 struct MeetingAppCandidate {
     QString bundleId; ///< its desktop id
     QString name;
@@ -15,19 +15,19 @@ struct MeetingAppCandidate {
     bool operator==(const MeetingAppCandidate&) const = default;
 };
 
-/// What runs on the machine, and which of it uses sound.
+/// The running programs, and which of them use sound.
 struct ProgramsSeen {
     QList<RunningProgram> running;
     QList<SoundApplication> sound;
 };
 
-/// Takes a look; the answer comes later, on the main thread.
+/// Takes a snapshot; answers later, on the main thread.
 using LookForPrograms = std::function<void(std::function<void(const ProgramsSeen&)>)>;
 
 LookForPrograms lookForPrograms(CallAudio& audio, BackgroundQueue& background); ///< which outlive it
 
-/// Those that record first, then by name. A browser counts, since a meeting may run in a tab; where a meeting has to be
-/// certain, only while it records.
+/// Recording ones first, then by name. Browsers count, since a meeting may run in a tab; if certainty is required, only
+/// while they record.
 QList<MeetingAppCandidate> meetingApps(const ProgramsSeen& seen, bool browsersMustRecord);
 
 }

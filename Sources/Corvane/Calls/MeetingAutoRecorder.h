@@ -10,8 +10,8 @@ namespace corvane {
 class CalendarStore;
 class CallRecorder;
 
-/// Records meetings of the calendar by itself where the user wants that: from shortly before one until a while after
-/// it. What became of each event is kept, so that none is recorded twice, whatever happens to the program meanwhile.
+/// Records calendar meetings automatically if the user wants that: from shortly before one until a while after it. The
+/// result for each event is stored, so that none is recorded twice, even after a crash.
 class MeetingAutoRecorder : public QObject {
     Q_OBJECT
 public:
@@ -24,20 +24,17 @@ public:
 
     explicit MeetingAutoRecorder(Surroundings surroundings, QObject* parent = nullptr);
 
-    void start(); ///< looks now and every 15 seconds; may be called again
+    void start(); ///< checks now and every 15 seconds; may be called again
     void refresh();
 
     void setEnabled(bool enabled);
-    void setRequireMeetingApp(bool required); ///< nothing is recorded before one runs
+    void setRequireMeetingApp(bool required); ///< waits for a meeting program before recording
     void setStartLeadSeconds(int seconds); ///< 0 to 600, as the next
     void setStopGraceSeconds(int seconds);
 
     const CallRecordingRuleRow& rule() const { return m_rule; }
     const QString& statusText() const { return m_statusText; }
-    const QString& matchedEventTitle() const
-    {
-        return m_matchedEventTitle;
-    } ///< the meeting that is awaited or recorded
+    const QString& matchedEventTitle() const { return m_matchedEventTitle; } ///< the upcoming or recorded meeting
     const QList<MeetingAppCandidate>& runningMeetingApps() const { return m_runningMeetingApps; }
 
 Q_SIGNALS:

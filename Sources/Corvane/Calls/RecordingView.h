@@ -7,7 +7,7 @@ namespace corvane {
 
 class CallRecorder;
 
-/// The recording that runs, as it is in sight wherever the program is: in the window, in the panel, at the tray.
+/// The running recording, as the window, the panel and the tray show it.
 class RecordingView : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool recording READ recording NOTIFY changed)
@@ -15,14 +15,14 @@ class RecordingView : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
     Q_PROPERTY(QString warningText READ warningText NOTIFY changed)
-    Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why none began, or the last one had to end
+    Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why a recording could not start or had to stop
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY ticked) ///< "12:04"
     Q_PROPERTY(double level READ level NOTIFY ticked) ///< from 0 to 1
     Q_PROPERTY(QString marksText READ marksText NOTIFY changed) ///< such as "2 marks"; empty for none
     Q_PROPERTY(QString aloudText READ aloudText NOTIFY changed)
     Q_PROPERTY(QString stopLabel READ stopLabel CONSTANT)
     Q_PROPERTY(QString markLabel READ markLabel CONSTANT)
-    /// Whose sound is recorded beside the microphone: nobody's, everything, or one program.
+    /// Which sound is recorded besides the microphone: none, everything, or one program's.
     Q_PROPERTY(QList<corvane::Choice> sources READ sources NOTIFY changed)
     Q_PROPERTY(QString source READ source WRITE setSource NOTIFY changed)
     Q_PROPERTY(QString sourceText READ sourceText NOTIFY changed) ///< such as "Record: everything"
@@ -50,17 +50,17 @@ public:
     QString sourceText() const;
     QString consentTitle() const { return u"Before you record"_s; }
     QString consentText() const;
-    bool beganByItself() const; ///< the recording that runs, because of the calendar
-    QString consentReminder() const; ///< for a recording that began by itself
+    bool beganByItself() const; ///< the current recording was started by the calendar
+    QString consentReminder() const; ///< for an automatic recording
 
-    /// Begins a recording, after the person has read once what others have to agree to.
+    /// Starts a recording, after the user has confirmed once that others must consent.
     Q_INVOKABLE void start();
-    Q_INVOKABLE void acceptConsent(); ///< they have, and the recording begins
+    Q_INVOKABLE void acceptConsent(); ///< confirms that, and starts recording
     Q_INVOKABLE void stop();
     Q_INVOKABLE void toggle();
     Q_INVOKABLE void mark();
-    Q_INVOKABLE void discard(); ///< ends the recording and removes its sound
-    Q_INVOKABLE void findSources(); ///< which programs play now
+    Q_INVOKABLE void discard(); ///< stops the recording and deletes its sound
+    Q_INVOKABLE void findSources(); ///< lists the programs that are playing now
 
     CallRecorder& recorder() { return m_recorder; }
 

@@ -6,14 +6,14 @@
 
 namespace corvane {
 
-/// Why what the machine plays can't be recorded.
+/// Why the machine's output cannot be recorded.
 enum class SystemAudioCaptureError { WriterSetup, CaptureFailed, Unavailable };
 
-/// In words for the user.
+/// For the user.
 QString describe(SystemAudioCaptureError error, const QString& detail = {});
 
-/// Records what the machine plays, the other side of a call, into a file. Any failure leaves the call to the
-/// microphone.
+/// Records what the machine plays, the other side of a call, into a file. On failure the call continues with the
+/// microphone only.
 class SystemAudioCapture : public QObject {
     Q_OBJECT
 public:
@@ -22,14 +22,14 @@ public:
     /// `audio` outlives the capture.
     explicit SystemAudioCapture(CallAudio& audio, QObject* parent = nullptr);
 
-    /// `binary`: the program that holds the call; empty for everything that plays. A file that stands at the path is
-    /// replaced. `done` comes later, while this object lives.
+    /// `binary`: the program that holds the call; empty for everything. Overwrites an existing file. `done` follows
+    /// later, while this object exists.
     void start(const QString& path, const QString& binary, Done done);
 
-    /// Fails where no sound ever came. `done` comes later, even where this object is gone by then.
+    /// Fails if no sound ever came. `done` follows later, even after this object is destroyed.
     void stop(Done done);
-    void close(); ///< ends at once and keeps the file, which is not made whole
-    void cancel(); ///< ends at once and removes the file
+    void close(); ///< stops at once and keeps the file unfinalised
+    void cancel(); ///< stops at once and deletes the file
 
     TrackRecording* track() { return m_track.get(); } ///< null while nothing is recorded
 

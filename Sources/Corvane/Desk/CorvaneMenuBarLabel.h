@@ -10,7 +10,7 @@ class CalendarStore;
 class ResourceMonitor;
 class Tray;
 
-/// The few words beside the icon at the tray: the meeting that comes within the hour, else whether memory is short.
+/// The short text beside the tray icon: a meeting within the hour, else a low-memory warning.
 class CorvaneMenuBarLabel : public QObject {
     Q_OBJECT
 public:
@@ -18,7 +18,7 @@ public:
     CorvaneMenuBarLabel(
         CalendarStore& calendar, ResourceMonitor& resources, Tray& tray, Scheduler& scheduler, QObject* parent);
 
-    QString text() const; ///< such as "Standup 5m"; empty where there is nothing to say
+    QString text() const; ///< such as "Standup 5m"; empty if there is nothing to show
 
 private:
     void show();

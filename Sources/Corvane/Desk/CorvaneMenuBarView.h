@@ -17,7 +17,7 @@ class NotificationCentre;
 class QuickCapture;
 class SessionStore;
 
-/// A line of the day, and the way to what it speaks of.
+/// A line of the day, and the action that opens its subject.
 class DayLine {
     Q_GADGET
     Q_PROPERTY(QString icon MEMBER icon)
@@ -31,7 +31,7 @@ public:
     bool operator==(const DayLine&) const = default;
 };
 
-/// A conversation of the inbox, the latest first.
+/// A conversation of the inbox, latest first.
 class GlanceLine {
     Q_GADGET
     Q_PROPERTY(QString contactId MEMBER contactId)
@@ -47,8 +47,8 @@ public:
     QString title;
     QString snippet;
     int unread = 0;
-    bool isDrafting = false; ///< a reply
-    QString draftText; ///< what became of it; empty where none was asked for
+    bool isDrafting = false; ///< a reply is being drafted
+    QString draftText; ///< the result; empty if none was requested
 
     bool operator==(const GlanceLine&) const = default;
 };
@@ -63,7 +63,7 @@ class CorvaneMenuBarView : public QObject {
     Q_PROPERTY(QList<corvane::GlanceLine> glance READ glance NOTIFY changed)
     Q_PROPERTY(QString draftLabel READ draftLabel CONSTANT)
     Q_PROPERTY(QString emptyGlanceText READ emptyGlanceText CONSTANT)
-    Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< of the web account; both may be empty
+    Q_PROPERTY(QString noticeTitle READ noticeTitle NOTIFY changed) ///< about the web account; both may be empty
     Q_PROPERTY(QString noticeText READ noticeText NOTIFY changed)
     Q_PROPERTY(corvane::ApprovalsView* approvals READ approvals CONSTANT)
     Q_PROPERTY(corvane::ResourcesView* resources READ resources CONSTANT)
@@ -74,7 +74,7 @@ public:
     /// In the order of the tabs; "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
 
-    /// What the panel stands on; all of it outlives the panel.
+    /// All references outlive the panel.
     struct Surroundings {
         EngineManager& engine;
         AccountStore& accounts;
@@ -86,16 +86,16 @@ public:
         CallsView& calls;
         CallSettings& callSettings;
         AIServices& ai;
-        QuickCapture* capture = nullptr; ///< none: nothing of it is shown
+        QuickCapture* capture = nullptr; ///< none: not shown
     };
 
     explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
 
-    static QList<TabItem> everyTab(); ///< whether it is shown now or not
-    bool hasTab(const QString& id) const; ///< it is shown now
+    static QList<TabItem> everyTab(); ///< whether it is currently shown or not
+    bool hasTab(const QString& id) const; ///< it is currently shown
     QList<TabItem> tabs() const;
     QString tab() const;
-    void setTab(const QString& id); ///< an unknown word changes nothing
+    void setTab(const QString& id); ///< an unknown word has no effect
     const QList<DayLine>& today() const { return m_today; }
     const QList<GlanceLine>& glance() const { return m_glance; }
     QString draftLabel() const { return u"AI-draft a reply — it queues in Approvals, nothing sends without you"_s; }
@@ -108,20 +108,20 @@ public:
     CallsView* calls() { return &m_at.calls; }
     CallSettings* callSettings() { return &m_at.callSettings; }
 
-    /// The day is read as the panel opens, and again as what it shows changes, while someone looks.
+    /// The day is read when the panel opens, and while it is visible whenever something changes.
     bool isVisible() const { return m_visible; }
     void setVisible(bool visible);
 
     Q_INVOKABLE void run(const QString& action); ///< of a line of `today`, or "window", "settings" or "signIn"
-    Q_INVOKABLE void openConversation(const QString& contactId); ///< nothing for a row without a contact
+    Q_INVOKABLE void openConversation(const QString& contactId); ///< does nothing for a row without a contact
     Q_INVOKABLE void draftReply(int row); ///< of `glance`
     Q_INVOKABLE void openCall(const QString& id); ///< in the main window
-    Q_INVOKABLE void reviewAll(); ///< the approvals in the main window
+    Q_INVOKABLE void reviewAll(); ///< opens the approvals in the main window
 
 Q_SIGNALS:
     void changed();
     void tabChanged();
-    void windowRequested(); ///< show the main window and bring it to the front
+    void windowRequested(); ///< raise the main window
 
 private:
     QList<MenuTab> shownTabs() const;
@@ -134,7 +134,7 @@ private:
     MenuTab m_tab = MenuTab::Now;
     QList<DayLine> m_today;
     QList<GlanceLine> m_glance;
-    QList<InboxGlanceRow> m_glanceRows; ///< behind them
+    QList<InboxGlanceRow> m_glanceRows; ///< the rows of `glance`
     ReplyDrafts m_replies;
     bool m_visible = false;
 };

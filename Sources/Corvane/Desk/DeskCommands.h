@@ -7,7 +7,7 @@ namespace corvane {
 class CorvaneMenuBarView;
 class NotificationCentre;
 
-/// The way to each tab of the section "Today"; both outlive the commands.
+/// Commands for the tabs of the section "Today"; both references outlive the commands.
 QList<Command> todayCommands(CorvaneMenuBarView& today, NotificationCentre& notifications);
 
 }

@@ -8,11 +8,11 @@ namespace corvane {
 
 class LocalDB;
 
-/// One task or note for the module "ops". False where nothing is written, as the text is blank or the file refuses.
+/// Adds a task or note to the module "ops". False if nothing is written: the text is blank, or the file cannot be
+/// written.
 bool saveCapture(LocalDB& db, const QString& kind, const QString& text);
 
-/// A small panel, one keystroke away in every program, that takes a task or a note into the work records. It never
-/// stands in the way: every path ends with it closed.
+/// A small panel, opened by a global shortcut, that adds a task or a note to the work records. Every action closes it.
 class QuickCapture : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool visible READ isVisible NOTIFY visibleChanged)
@@ -22,11 +22,11 @@ class QuickCapture : public QObject {
     Q_PROPERTY(QString prompt READ prompt CONSTANT)
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
 public:
-    /// All of them outlive the object; there may be no shortcuts.
+    /// All references outlive the object; shortcuts may be null.
     QuickCapture(LocalDB& db, GlobalShortcuts* shortcuts, UserDefaults& defaults, QObject* parent = nullptr);
 
     HotKey& hotKey() { return m_hotKey; }
-    void registerHotKey(); ///< a second call leaves one registered
+    void registerHotKey(); ///< a second call has no effect
     void toggle();
 
     bool isVisible() const { return m_isVisible; }

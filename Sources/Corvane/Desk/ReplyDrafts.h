@@ -11,29 +11,29 @@ namespace corvane {
 
 struct AIServices;
 
-/// Replies that the assistant drafts from the panel, one a conversation at a time. Each waits in Approvals.
+/// Replies that the assistant drafts from the panel, one at a time per conversation. Each waits in Approvals.
 class ReplyDrafts : public QObject {
     Q_OBJECT
 public:
     struct State {
         bool isBusy = false;
-        QString text; ///< "Drafting…", "Queued in Approvals", or why there is no draft
+        QString text; ///< "Drafting…", "Queued in Approvals", or the error
     };
 
     /// Both outlive the object.
     ReplyDrafts(LocalDB& db, AIServices& ai, QObject* parent = nullptr);
     ~ReplyDrafts() override;
 
-    void draft(const InboxGlanceRow& row); ///< nothing while one is drafted for the conversation
+    void draft(const InboxGlanceRow& row); ///< does nothing while the conversation's reply is being drafted
     State state(const QString& conversationId) const { return m_states.value(conversationId); }
-    void forgetDone(); ///< what was said is not said again
+    void forgetDone(); ///< clears finished states
 
 Q_SIGNALS:
     void changed();
 
 private:
     QCoro::Task<> run(InboxGlanceRow row, CancelHandle cancel);
-    QCoro::Task<QString> queued(InboxGlanceRow row, CancelHandle cancel); ///< what there is to say of it
+    QCoro::Task<QString> queued(InboxGlanceRow row, CancelHandle cancel); ///< the state text
     void set(const QString& conversationId, const State& state);
 
     LocalDB& m_db;

@@ -10,7 +10,7 @@ namespace corvane {
 class BackgroundQueue;
 class MachineFacts;
 
-/// Watches the memory and the processes of this machine, every eight seconds. Reads away from the main thread.
+/// Samples the memory and processes of this machine every eight seconds, in the background.
 class ResourceMonitor : public QObject {
     Q_OBJECT
 public:
@@ -18,13 +18,12 @@ public:
     ResourceMonitor(
         const MachineFacts& machine, BackgroundQueue& background, Scheduler& scheduler, const QString& root = {});
 
-    void start(); ///< a second call leaves one timer
-    void refresh(); ///< nothing while a reading runs
+    void start(); ///< a second call has no effect
+    void refresh(); ///< does nothing during a reading
     const ResourceSnapshot& snapshot() const { return m_snapshot; }
-    const QString& lastError() const { return m_lastError; } ///< why the last reading failed; the snapshot stands
+    const QString& lastError() const { return m_lastError; } ///< why the last reading failed; the snapshot is kept
 
-    /// Asks a process to end. False, and nothing happens, for one that is protected, has ended, or whose number
-    /// belongs to another by now.
+    /// Asks a process to exit. False, without effect, if it is protected, has exited, or its pid was reused.
     bool terminate(const ResourceProcessRow& row);
 
 Q_SIGNALS:

@@ -11,16 +11,16 @@ struct ResourceProcessRow {
     qint64 residentBytes = 0;
     QString command;
     QString arguments;
-    bool isProtected = false; ///< may not be ended from here
+    bool isProtected = false; ///< cannot be ended from here
 
     QString name() const { return command; }
     QString memoryLabel() const;
-    QString role() const; ///< such as "Claude"; "app" for all that is not told apart
+    QString role() const; ///< such as "Claude"; "app" for unknown ones
 
     bool operator==(const ResourceProcessRow&) const = default;
 };
 
-/// Memory and the processes that matter, at one moment.
+/// Memory and relevant processes at one moment.
 struct ResourceSnapshot {
     quint64 physicalMemoryBytes = 0;
     quint64 compressorPages = 0;
@@ -31,15 +31,15 @@ struct ResourceSnapshot {
     int localClaudeCount = 0;
     int codexCount = 0;
     int nodeCount = 0;
-    qint64 updatedAtMs = 0; ///< 0: nothing was read yet
+    qint64 updatedAtMs = 0; ///< 0: not read yet
 
     bool operator==(const ResourceSnapshot&) const = default;
 };
 
-/// What a reading says. Of the processes the largest are kept, and whatever their size every agent, engine and browser.
+/// Evaluates a reading. Keeps the largest processes, and all agents, engines and browsers of any size.
 ResourceSnapshot snapshotOf(const ResourceReading& reading, qint64 ownPid);
 
-/// Whether memory is so short that a build should wait.
+/// Whether memory is too low for a build.
 bool isShort(const ResourceSnapshot& snapshot);
 
 QString formatBytes(quint64 bytes); ///< "1.5 GB"

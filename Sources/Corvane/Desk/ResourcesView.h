@@ -8,7 +8,7 @@ namespace corvane {
 
 class ResourceMonitor;
 
-/// A process in the words of the panel.
+/// A process, as the panel shows it.
 class ProcessItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -17,9 +17,9 @@ class ProcessItem {
     Q_PROPERTY(QString memory MEMBER memory)
     Q_PROPERTY(bool canEnd MEMBER canEnd)
 public:
-    QString id; ///< of this process alone: its number and its start
+    QString id; ///< unique to this process: its number and its start
     QString name;
-    QString detail; ///< what it is, and its number
+    QString detail; ///< its role and its number
     QString memory;
     bool canEnd = false;
 
@@ -28,17 +28,17 @@ public:
     bool operator==(const ProcessItem&) const = default;
 };
 
-/// The panel's tab "RAM": how short memory is, and the processes that take it, each of which can be asked to end.
+/// The panel's tab "RAM": memory pressure, and the largest processes, which the user can ask to exit.
 class ResourcesView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString memoryText READ memoryText NOTIFY changed)
-    Q_PROPERTY(QString countsText READ countsText NOTIFY changed) ///< of what runs here of agents and engines
-    Q_PROPERTY(QString warningTitle READ warningTitle NOTIFY changed) ///< both empty while memory is not short
+    Q_PROPERTY(QString countsText READ countsText NOTIFY changed) ///< of running agents and engines
+    Q_PROPERTY(QString warningTitle READ warningTitle NOTIFY changed) ///< both empty while memory is sufficient
     Q_PROPERTY(QString warningText READ warningText NOTIFY changed)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< in place of the list, before the first reading
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what went wrong last
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< instead of the list, before the first reading
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< the last error
     Q_PROPERTY(corvane::HoldingListModel* processes READ processes CONSTANT) ///< of ProcessItem
-    Q_PROPERTY(QString asking READ asking NOTIFY changed) ///< the id of the process that is asked about
+    Q_PROPERTY(QString asking READ asking NOTIFY changed) ///< the id of the process to confirm
     Q_PROPERTY(QString questionTitle READ questionTitle CONSTANT)
     Q_PROPERTY(QString questionText READ questionText NOTIFY changed)
 public:
@@ -46,7 +46,7 @@ public:
 
     void setMonitor(ResourceMonitor& monitor); ///< once; it outlives the view
     bool hasMonitor() const { return m_monitor != nullptr; }
-    void setShown(bool shown); ///< the list follows the monitor only while someone looks
+    void setShown(bool shown); ///< the list is updated only while shown
 
     QString memoryText() const;
     QString countsText() const;
@@ -59,9 +59,9 @@ public:
     QString questionTitle() const { return u"Terminate process?"_s; }
     QString questionText() const;
 
-    Q_INVOKABLE void ask(const QString& id); ///< nothing for a process that is protected
-    Q_INVOKABLE void terminate(); ///< the one that is asked about
-    Q_INVOKABLE bool stepBack(); ///< from the question; false where none is asked
+    Q_INVOKABLE void ask(const QString& id); ///< does nothing for a protected process
+    Q_INVOKABLE void terminate(); ///< the process being asked about
+    Q_INVOKABLE bool stepBack(); ///< closes the question; false if there is none
 
 Q_SIGNALS:
     void changed();

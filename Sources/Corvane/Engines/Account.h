@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// One connection of the user to a network: a number, a mailbox, a bot.
+/// A connection of the user to a network: a number, a mailbox, a bot.
 struct Account {
     QUuid id;
     QString name;
@@ -21,7 +21,7 @@ struct Account {
     std::optional<QString> chromeProfile;
     std::optional<QString> email;
     std::optional<bool> paused;
-    std::optional<bool> startAtBoot; ///< of any channel: started last at the program's start, unless paused
+    std::optional<bool> startAtBoot; ///< starts last at the program's start, on any channel, unless paused
 
     Channel channel() const { return channelFromRaw(channelRaw); }
     bool operator==(const Account&) const = default;

@@ -7,12 +7,12 @@
 
 namespace corvane {
 
-/// The user's accounts, in "accounts.json". A file that does not decode is copied beside itself before it is
-/// first written over. Main thread only.
+/// The user's accounts, in "accounts.json". A file that cannot be decoded is copied aside before it is overwritten for
+/// the first time. Main thread only.
 class AccountStore : public QObject {
     Q_OBJECT
 public:
-    /// Loads "{folder}/accounts.json", making the folder where it is missing.
+    /// Loads "{folder}/accounts.json", creating the folder if necessary.
     explicit AccountStore(const QString& folder, QObject* parent = nullptr);
 
     const QList<Account>& accounts() const { return m_accounts; }
@@ -20,7 +20,7 @@ public:
     std::optional<Account> findBySlug(const QString& slug) const;
 
     Account add(const QString& name, Channel channel);
-    void update(const Account& account); ///< no effect where no account has that id
+    void update(const Account& account); ///< no effect if no account has that id
     void remove(const Account& account);
     int nextFreePort() const; ///< from 8790 upward
 
@@ -36,7 +36,7 @@ private:
     bool m_fileIsDamaged = false;
 };
 
-/// The array that an accounts file holds; nothing where it does not decode.
+/// The array in an accounts file; nothing if it cannot be decoded.
 std::optional<QList<Account>> decodeAccounts(const QByteArray& json);
 QByteArray encodeAccounts(const QList<Account>& accounts);
 

@@ -6,13 +6,13 @@
 
 namespace corvane {
 
-/// Whether events of this type speak of the engine's own connection, and of no row.
+/// Whether events of this type are about the engine's connection, not about rows.
 bool isConnectionEvent(const QString& type);
 
-/// What a connection event makes of the state; one that does not fit its type changes nothing.
+/// The state after a connection event; a malformed event changes nothing.
 RuntimeState afterConnectionEvent(RuntimeState state, const QString& type, const QJsonObject& event);
 
-/// Whether the event says that the connection stands.
+/// Whether the event means that the connection is up.
 bool reportsOpen(const QString& type, const QJsonObject& event);
 
 }

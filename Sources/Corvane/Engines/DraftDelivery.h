@@ -13,43 +13,43 @@ class ChildProcess;
 class EngineManager;
 struct Account;
 
-/// Brings approved drafts to their engines, and keeps the list of those that wait for the user, for their engine or
-/// for an acknowledgment.
+/// Hands approved drafts to their engines, and keeps the list of drafts that wait for the user, their engine or an
+/// acknowledgment.
 class DraftDelivery : public QObject {
     Q_OBJECT
 public:
-    /// The references outlive the object. It acts whenever the database's watch tells of drafts.
+    /// The references outlive the object. It acts whenever the database's watch reports drafts.
     DraftDelivery(LocalDB& db, EngineManager& engines, Scheduler& scheduler, QObject* parent = nullptr);
     ~DraftDelivery() override;
 
     LocalDB& db() { return m_db; }
 
-    /// At once and every 4 seconds; a second call starts no second timer.
+    /// Now and every 4 seconds; a second call has no effect.
     void startWatch();
 
-    /// Hands over what is approved. An account whose engine does not run is started, also a paused one, once for each
-    /// approval. Inside a transaction: once it is over.
+    /// Hands over what is approved. Starts the engine of an account if it is not running, even a paused one, once per
+    /// approval. Inside a transaction it is deferred until the commit.
     void refresh();
     const QList<PendingDraft>& pending() const { return m_pending; }
 
-    /// A person approves a draft as it was seen, that is: with that hash, and with the files that it stands for.
+    /// The user approves a draft if it still has the given hash and files.
     Decided approve(const QString& draftId, const QString& seenHash);
 
-    /// The one place where a draft's text goes to an engine, and only by whoever claims the row as it was approved: of
-    /// two programs, or two ticks, one does. A crash after that step leaves a row that fails by its age, never one
-    /// that goes out again. False where the engine took nothing: the draft stays approved.
+    /// The only place where a draft's text is handed to an engine, and only after claiming the row as it was approved:
+    /// of two programs, or two ticks, one succeeds. A crash after that step leaves a row that times out, never one that
+    /// is sent twice. False if the engine did not accept it: the draft stays approved.
     bool deliver(const QString& draftId, const Account& account);
 
 Q_SIGNALS:
     void pendingChanged();
-    void returned(const QString& draftId); ///< it is not as it was approved: the person is to be asked again
+    void returned(const QString& draftId); ///< it differs from what was approved: the user must decide again
 
 private:
-    /// A draft that was handed over, by this run or an earlier one.
+    /// A draft that this or an earlier run handed over.
     struct Awaited {
         qint64 sinceMs = 0; ///< by the monotonic clock
-        std::optional<ClaimedDraft> draft; ///< none of an earlier run
-        std::shared_ptr<ChildProcess> engine; ///< who has the line
+        std::optional<ClaimedDraft> draft; ///< none for an earlier run
+        std::shared_ptr<ChildProcess> engine; ///< the engine that has the line
         QByteArray line;
     };
 
@@ -74,10 +74,10 @@ private:
     std::unique_ptr<Timer> m_timer;
     std::unique_ptr<Timer> m_soon;
     QHash<QString, Awaited> m_awaited; ///< by draft
-    QSet<QString> m_wokenFor; ///< approved drafts whose accounts had their start
+    QSet<QString> m_wokenFor; ///< approved drafts whose engines were started
     bool m_isFirstLook = true;
-    bool m_filesAreTidy = false; ///< this run has looked
-    bool m_isStopped = false; ///< at quit: nothing goes out any more
+    bool m_filesAreTidy = false; ///< this run has cleaned up
+    bool m_isStopped = false; ///< while quitting: nothing is sent any more
     QList<PendingDraft> m_pending;
 };
 

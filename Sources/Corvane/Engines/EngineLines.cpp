@@ -88,7 +88,7 @@ Milliseconds EngineLines::pauseForOthers(qint64 startMs)
     return m_endMs - m_busySinceMs < busyMs ? Milliseconds(0) : gap;
 }
 
-/// False where the file takes no writes now.
+/// False if the file takes no writes now.
 bool EngineLines::take()
 {
     const qint64 startMs = m_scheduler.nowMs();

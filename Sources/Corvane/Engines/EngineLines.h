@@ -11,9 +11,9 @@ namespace corvane {
 class EngineStream;
 class LineGroup;
 
-/// Hands on the events that engines print, in the order of each engine's lines: at most 64 or 8 ms of them at each
-/// turn of the loop, and one from each engine in turn, so that a flood blocks neither the window nor another engine.
-/// The events of a turn are one group; where it cannot be kept they stay, and no engine is read further. It outlives
+/// Delivers the events that engines print, in the order of each engine's lines: at most 64 or 8 ms of them per turn of
+/// the event loop, one from each engine in turn, so that a flood blocks neither the window nor other engines. The
+/// events of a turn form a group; if it cannot be committed, they stay queued and no engine is read further. Outlives
 /// its streams.
 class EngineLines {
 public:
@@ -25,13 +25,13 @@ public:
     }
 
     struct Receiver {
-        /// The object behind the sentinel of a line. False where it cannot be stored now: then it comes again.
+        /// The object after the sentinel of a line. False if it cannot be stored now: it is delivered again later.
         std::function<bool(const QJsonObject& event)> event;
-        /// Everything up to the line that says "ack" with this number counts.
+        /// Everything up to the line whose "ack" has this number is stored.
         std::function<void(qint64 number)> kept = {};
     };
 
-    /// A new engine's output.
+    /// The output of a new engine.
     std::shared_ptr<EngineStream> open(Receiver receiver);
 
     static constexpr int eventsPerTurn = 64;
@@ -49,11 +49,11 @@ private:
     LineGroup& m_group;
     std::unique_ptr<Timer> m_timer;
     Streams m_waiting;
-    qint64 m_busySinceMs = 0; ///< since when one group follows the other
+    qint64 m_busySinceMs = 0; ///< when consecutive groups started
     qint64 m_endMs = 0; ///< of the last group
 };
 
-/// The objects behind the sentinel in whole lines, in order.
+/// The objects after the sentinel in whole lines, in order.
 QList<QJsonObject> eventsIn(QByteArrayView lines);
 
 /// The standard output of one engine.
@@ -61,10 +61,10 @@ class EngineStream : public std::enable_shared_from_this<EngineStream> {
 public:
     EngineStream(EngineLines& lines, EngineLines::Receiver receiver);
 
-    /// The chunk is held until its events are handled.
+    /// The chunk is kept until its events are handled.
     void append(const OutputChunk& chunk);
 
-    /// Nothing follows. `done` is called after the last event.
+    /// End of the stream. `done` is called after the last event.
     void close(std::function<void()> done);
 
 private:
@@ -83,8 +83,8 @@ private:
     EngineLines::Receiver m_receiver;
     std::function<void()> m_done;
     std::deque<Event> m_events;
-    size_t m_taken = 0; ///< by the group that is not kept yet
-    std::optional<qint64> m_kept; ///< the newest number to be told
+    size_t m_taken = 0; ///< by the group that is not committed yet
+    std::optional<qint64> m_kept; ///< the newest number to acknowledge
     bool m_isWaiting = false;
 };
 

@@ -49,7 +49,7 @@ void withdrawRead(LocalDB& db, Notifier& notifier)
 
 const QString directSendPrefix = u"ds"_s;
 
-/// The id of the direct send that an acknowledgment answers; nothing where it answers none.
+/// The id of the direct send that an acknowledgment answers; nothing if it answers none.
 std::optional<QString> answeredDirectSend(const QString& type, const QJsonObject& event)
 {
     return type == u"sendAck" ? textValue(event, "sendId"_L1) : std::nullopt;
@@ -327,7 +327,7 @@ void EngineManager::tellDirectSend(const QString& id, const QJsonObject& acknowl
     Q_EMIT directSendAnswered(id, fate, error.isEmpty() ? reason : error);
 }
 
-/// False where the event is to come again.
+/// False if the event is to come again.
 bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker)
 {
     const auto type = textValue(event, "type"_L1);

@@ -16,7 +16,7 @@
 
 namespace corvane {
 
-/// What stands behind the manager, in the order in which it is built.
+/// The parts of the manager, in construction order.
 struct EngineManager::State {
     State(EngineManager& manager, const Surroundings& surroundings, std::unique_ptr<LocalDB> database);
 
@@ -32,10 +32,10 @@ struct EngineManager::State {
     Outbox outbox;
     ToolServer toolServer;
     Ingest ingest;
-    std::unique_ptr<AIRequestWatcher> aiRequests; ///< none before it is started
+    std::unique_ptr<AIRequestWatcher> aiRequests; ///< null until it is started
     Coalescer badge;
     QHash<QString, MediaDownloadStatus> mediaDownloads;
-    QHash<QString, std::weak_ptr<ChildProcess>> mediaAskedOf; ///< the engine that fetches the file of a message
+    QHash<QString, std::weak_ptr<ChildProcess>> mediaAskedOf; ///< the engine that is downloading a message's file
 };
 
 }

@@ -15,16 +15,15 @@ class Keychain;
 class RuntimeStates;
 struct AppPaths;
 
-/// Whose event it is: the account's engine of now, or one that a later start is to take the place of.
+/// Whose event it is: the account's current engine, or one that is about to be replaced.
 enum class Speaker { Current, Superseded };
 
-/// The engines' child processes, one per account, and when a dead one starts again: after 2, 4, 8, 16 and 30
-/// seconds, then no more until it is started by hand; a connection gives the whole budget back. An account's engine
-/// starts when nothing of an earlier one is left.
+/// The engine processes, one per account, and their restarts after a crash: after 2, 4, 8, 16 and 30 seconds, then only
+/// by hand; a connection resets the budget. An account's engine starts only when its predecessor has exited.
 class EngineProcesses {
 public:
     struct Handlers {
-        /// False where the event is to come again.
+        /// False if the event must be delivered again.
         std::function<bool(const QUuid& accountId, Speaker speaker, const QJsonObject& event)> event;
         std::function<void(const std::shared_ptr<ChildProcess>& child)> ended; ///< after its last event
         std::function<void()> allEnded; ///< once, after `stopAll`
@@ -34,20 +33,19 @@ public:
     EngineProcesses(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, Keychain& keychain,
         RuntimeStates& runtime, Handlers handlers, LineGroup& lines);
 
-    /// Nothing where the account's engine runs; one that closed its input is ended and started afresh.
+    /// Does nothing if the account's engine is running; one that closed its input is restarted.
     void start(const Account& account);
-    void stop(const Account& account); ///< and every restart that is pending
+    void stop(const Account& account); ///< also cancels pending restarts
     void forget(const Account& account); ///< stops it; the account is removed
-    void stopAll(); ///< at quit; nothing starts any more
-    void secretsArrived(); ///< starts what waits for the keyring, where it has answered
+    void stopAll(); ///< when quitting; nothing starts any more
+    void secretsArrived(); ///< starts what was waiting for the keyring
     void connectionOpened(const QUuid& accountId);
 
-    std::shared_ptr<ChildProcess> child(
-        const QUuid& accountId) const; ///< null where none was started or it was stopped
+    std::shared_ptr<ChildProcess> child(const QUuid& accountId) const; ///< null if none was started or it was stopped
     bool isRunning(const QUuid& accountId) const;
-    bool isStarting(const QUuid& accountId) const; ///< it runs soon, by itself
+    bool isStarting(const QUuid& accountId) const; ///< not running yet, but about to start
 
-    /// The account as it was at its last start since launch.
+    /// The account as of its last start since launch.
     std::optional<Account> account(const QUuid& accountId) const;
     std::optional<Account> accountBySlug(const QString& slug) const;
 
@@ -81,12 +79,12 @@ private:
     QList<std::shared_ptr<Engine>> m_engines; ///< all whose exit has not been handled
     QHash<QUuid, std::shared_ptr<Engine>> m_current;
     QHash<QUuid, Account> m_accounts;
-    QHash<QUuid, Account> m_awaitingSecret; ///< started, but only the keyring knows the secret
+    QHash<QUuid, Account> m_awaitingSecret; ///< to be started, but the secret is only in the keyring
     QSet<QUuid> m_intentionalStops; ///< until the next start
     QHash<QUuid, int> m_restartAttempts; ///< crashes since the last connection
-    QHash<QString, Account> m_successors; ///< by slug: to be started once what ends has ended
+    QHash<QString, Account> m_successors; ///< by slug: to be started once the old engine has exited
     std::map<QUuid, std::unique_ptr<Timer>> m_starts; ///< delayed
-    std::deque<Account> m_due; ///< whose delay is over
+    std::deque<Account> m_due; ///< whose delay has passed
     std::unique_ptr<Timer> m_launch;
     bool m_isQuitting = false;
 };

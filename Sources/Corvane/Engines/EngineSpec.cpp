@@ -91,7 +91,7 @@ QString entryScript(Channel channel)
     Q_UNREACHABLE();
 }
 
-/// A secret of several parts; nothing where it is no JSON object of texts.
+/// A secret of several parts; nothing if it is no JSON object of texts.
 std::optional<QJsonObject> secretParts(const QString& secret)
 {
     const auto object = jsonObject(secret.toUtf8());

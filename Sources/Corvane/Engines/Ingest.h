@@ -14,15 +14,15 @@ class LocalDB;
 class Notifier;
 struct IncomingMessage;
 
-/// Whose engine reports.
+/// The engine that reports.
 struct EventSource {
-    QString slug; ///< the account's name in rows; its id where the account was never started
+    QString slug; ///< the account's name in rows; its id if the account was never started
     QString channel; ///< the raw word
-    QString mediaFolder; ///< the name of its folder of media
-    QStringList mediaPlaces = {}; ///< where the files that it names may lie
+    QString mediaFolder; ///< the name of its media folder
+    QStringList mediaPlaces = {}; ///< where its files may be
 };
 
-/// Turns the events of engines into rows. What else they bring about, signals and banners, follows the commit.
+/// Turns engine events into rows. Signals and banners follow after the commit.
 class Ingest : public QObject {
     Q_OBJECT
 public:
@@ -31,18 +31,17 @@ public:
 
     void setContactsBridge(ContactsBridge* contacts);
 
-    /// The thread that is open on the screen: its messages raise no banner.
+    /// The open thread: its messages do not raise banners.
     const QString& openContactId() const { return m_openContactId; }
     void setOpenContactId(const QString& contactId) { m_openContactId = contactId; }
 
-    static bool storesRows(const QString& type); ///< whether events of this type reach the database
+    static bool storesRows(const QString& type); ///< whether events of this type are stored in the database
 
-    /// Inside a line of the group. False where the event lacks a required key or has one of the wrong type: then it
-    /// changes nothing.
+    /// Within a line of the group. False if a required key is missing or has the wrong type: nothing changes then.
     bool store(const EventSource& source, const QString& type, const QJsonObject& event);
 
 Q_SIGNALS:
-    void inboxChanged(const QString& contactId); ///< what the inbox shows of this person; empty for anybody
+    void inboxChanged(const QString& contactId); ///< the inbox entry of this person changed; empty for anyone
     void featuresChanged(const QString& accountSlug);
     void mediaDownloadChanged(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 

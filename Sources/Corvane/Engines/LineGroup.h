@@ -8,26 +8,26 @@
 
 namespace corvane {
 
-/// The lines of one turn of the event loop as one transaction: either what all of them store is kept, or nothing is
-/// and the lines come again. What else a line brings about follows the commit.
+/// The lines of one turn of the event loop as one transaction: either everything is kept, or nothing and the lines are
+/// delivered again. Side effects follow after the commit.
 class LineGroup {
 public:
     explicit LineGroup(LocalDB& db);
 
-    /// Runs `store`, the writes of one line, which stand or fall whole; a line that fails by its own fault is logged
-    /// and undone alone. False where the file takes no writes now: the line, and where the group `hasRows` all others
-    /// of it, are to come again. The first line of a group asks for the right to write and waits a frame for it.
+    /// Runs `store`, the writes of one line, as a savepoint; a line that fails by its own fault is logged and undone
+    /// alone. False if the file cannot be written now: the line, and all others if the group `hasRows`, must be
+    /// delivered again. The first line of a group takes the write lock and waits one frame for it.
     [[nodiscard]] bool add(const std::function<void()>& store);
 
     bool hasRows() const { return m_transaction.has_value(); }
 
-    /// Called by `tell`, in order; not where the line that it belongs to is undone.
+    /// Called by `tell`, in order; skipped if its line is undone.
     void afterCommit(std::function<void()> effect) { m_effects.push_back(std::move(effect)); }
 
-    [[nodiscard]] bool commit(); ///< false where nothing was kept
+    [[nodiscard]] bool commit(); ///< false if nothing was kept
     void rollBack();
 
-    /// After a commit: everything that waited for it.
+    /// After a commit: runs everything that waited for it.
     void tell();
 
 private:

@@ -13,18 +13,18 @@ class ProcessLauncher;
 struct AppPaths;
 struct ProcessSpec;
 
-/// Where an address's mail is, as far as it could be found.
+/// The mail servers of an address, as far as they were found.
 struct FoundMailServers {
     MailServer imap;
     MailServer smtp;
-    bool isGuess = false; ///< nobody says so: they are the usual names
-    QStringList strangers; ///< hosts that a person confirms before a password goes there
-    bool needsToken = false; ///< this provider takes no password
-    QString hint; ///< a sentence about its way to sign in; may be empty
+    bool isGuess = false; ///< only the usual names, not confirmed
+    QStringList strangers; ///< hosts that the user must confirm before a password is sent there
+    bool needsToken = false; ///< this provider does not accept passwords
+    QString hint; ///< how to sign in with this provider, one sentence; may be empty
 };
 
-/// The two short runs of the e-mail engine that come before an account: finding its servers, and a sign-in on trial.
-/// One run at a time. A failure is told in words for the person.
+/// Runs the e-mail engine before there is an account: to find the servers, and to try a sign-in. One run at a time.
+/// Errors are for the user.
 class MailProbe {
 public:
     /// The references outlive the object.
@@ -33,7 +33,7 @@ public:
 
     void findServers(const QString& address, std::function<void(Result<FoundMailServers>)> done);
     void signIn(const QString& address, const MailSettings& settings, std::function<void(Result<void>)> done);
-    void cancel(); ///< ends the run, and nothing is told any more
+    void cancel(); ///< cancels the run without an answer
 
 private:
     using Done = std::function<void(Result<QJsonObject>)>;
@@ -42,9 +42,9 @@ private:
     const AppPaths& m_paths;
     ProcessLauncher& m_launcher;
     Scheduler& m_scheduler;
-    std::shared_ptr<ChildProcess> m_child; ///< null while none runs
+    std::shared_ptr<ChildProcess> m_child; ///< null if none is running
     std::unique_ptr<Timer> m_limit;
-    std::shared_ptr<bool> m_alive; ///< of the run whose end is awaited
+    std::shared_ptr<bool> m_alive; ///< of the current run
 };
 
 }

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A mail server. Its connection is encrypted from the first byte, or by STARTTLS before anything else is said.
+/// A mail server. Its connection uses TLS from the start, or STARTTLS before anything else is sent.
 struct MailServer {
     QString host;
     int port = 0;
@@ -15,25 +15,25 @@ struct MailServer {
     bool operator==(const MailServer&) const = default;
 };
 
-/// What an e-mail account signs in with, and where: its secret in the keychain.
+/// The sign-in data and servers of an e-mail account: its secret in the keychain.
 struct MailSettings {
     QString password;
-    QStringList tokenCommand; ///< a program and its arguments that print a token; in place of the password
-    QString user; ///< the name to sign in with; empty where it is the address
-    std::optional<MailServer> imap; ///< none: the engine looks for it
+    QStringList tokenCommand; ///< a program with arguments that prints a token; replaces the password
+    QString user; ///< empty: the address
+    std::optional<MailServer> imap; ///< none: the engine finds it
     std::optional<MailServer> smtp;
-    QJsonObject others {}; ///< what else the secret says, such as further addresses
+    QJsonObject others {}; ///< other members of the secret, such as additional addresses
 
     bool operator==(const MailSettings&) const = default;
 };
 
-/// The settings in a secret. A text that is no JSON object with a password or a token command is a password itself.
+/// The settings in a secret. Text that is not a JSON object with a password or a token command is itself the password.
 MailSettings mailSettings(const QString& secret);
 
 /// The secret that holds the settings.
 QString mailSecret(const MailSettings& settings);
 
-/// The server in a JSON object with "host", "port" and "security"; nothing where one of them is missing.
+/// A server from a JSON object with "host", "port" and "security"; nothing if one is missing.
 std::optional<MailServer> mailServer(const QJsonObject& object);
 
 }

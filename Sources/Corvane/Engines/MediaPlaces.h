@@ -7,15 +7,15 @@ namespace corvane {
 struct Account;
 struct AppPaths;
 
-/// The folder for the media of an account, which its engine finds in CORVANE_MEDIA_DIR; nothing where the slug is no
-/// plain folder name.
+/// The media folder of an account, passed to its engine as CORVANE_MEDIA_DIR; nothing if the slug is not a plain folder
+/// name.
 std::optional<QString> mediaFolder(const AppPaths& paths, const Account& account);
 
-/// Where files lie that the engine of an account may name: its folder of media and its state folder.
+/// Where the files of an account's engine may be: its media folder and its state folder.
 QStringList mediaPlaces(const AppPaths& paths, const Account& account);
 
-/// Whether the path stands in one of the places, or is a voice note that was recorded here, and what lies there, if
-/// anything does yet, is a plain file with no link on the way.
+/// Whether the path is in one of these folders, or is a voice note recorded here, and is a regular file without
+/// symbolic links on the way, if it exists.
 bool isMediaPath(const QStringList& places, const QString& path);
 
 }

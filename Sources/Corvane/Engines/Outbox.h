@@ -7,29 +7,29 @@ namespace corvane {
 
 struct AppPaths;
 
-/// The files on their way out: copies of what a person picked, private, each in a folder of its own, that nobody
-/// changes until their message has ended. Those of drafts lie apart from those of texts that are still being written or
-/// were sent directly, so that each owner tidies up its own. It holds only paths; errors are in words for the user.
+/// Outgoing files: private copies of what the user picked, each in its own folder, unchanged until the message is done.
+/// Those of drafts are separate from those of unsent texts and direct messages, so that each owner cleans up its own.
+/// It stores only paths; errors are for the user.
 class Outbox {
 public:
     explicit Outbox(const AppPaths& paths);
 
-    /// Copies a file that a person picked; one of more than `limit` bytes (0: no limit) is refused. It waits for the
-    /// disk, so a large file belongs on a `BackgroundQueue`: runs on any thread.
+    /// Copies a file that the user picked; refuses more than `limit` bytes (0: no limit). It waits for the disk, so use
+    /// a `BackgroundQueue` for large files: runs on any thread.
     Result<OutgoingFile> pick(const QString& path, qint64 limit = 0) const;
-    Result<OutgoingFile> pick(const QString& name, const QByteArray& content) const; ///< what was pasted
+    Result<OutgoingFile> pick(const QString& name, const QByteArray& content) const; ///< for pasted content
 
-    void drop(const QList<OutgoingFile>& files) const; ///< picked files that are needed no more
-    void keepPicked(const QList<OutgoingFile>& files) const; ///< drops all others, which an earlier run left
+    void drop(const QList<OutgoingFile>& files) const; ///< picked files that are no longer needed
+    void keepPicked(const QList<OutgoingFile>& files) const; ///< deletes all others, left by an earlier run
 
-    /// Copies picked files for a draft; nothing where one of them is not as it was picked.
+    /// Copies picked files for a draft; nothing if one of them has changed.
     std::optional<QList<OutgoingFile>> copyForDraft(const QList<OutgoingFile>& files) const;
-    void keepForDrafts(const QList<OutgoingFile>& files) const; ///< removes all others, whose drafts have ended
-    bool holdsForDrafts() const; ///< any file
+    void keepForDrafts(const QList<OutgoingFile>& files) const; ///< deletes all others, whose drafts are done
+    bool holdsForDrafts() const; ///< whether there are any
 
-    bool holds(const OutgoingFile& file) const; ///< a plain file that lies here, whatever is in it
+    bool holds(const OutgoingFile& file) const; ///< a regular file in the outbox, whatever its content
 
-    /// The files as they lie here now. One that is gone, or lies elsewhere, has -1 bytes and no hash.
+    /// The current state of the files. A missing one, or one elsewhere, has -1 bytes and no hash.
     QList<OutgoingFile> asTheyLie(QList<OutgoingFile> files) const;
 
 private:

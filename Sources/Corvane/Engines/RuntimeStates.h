@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// The state of each account. One that was never set reads as stopped and empty.
+/// The state of each account; stopped and empty by default.
 class RuntimeStates {
 public:
     explicit RuntimeStates(std::function<void(const QUuid& accountId)> changed)
@@ -18,7 +18,7 @@ public:
 
     RuntimeState get(const QUuid& accountId) const { return m_states.value(accountId); }
 
-    /// Tells of the change, also where the state is the same as before.
+    /// Notifies, even if the state did not change.
     void set(const QUuid& accountId, const RuntimeState& state)
     {
         m_states.insert(accountId, state);

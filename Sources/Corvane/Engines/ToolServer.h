@@ -14,19 +14,19 @@ struct AppPaths;
 
 inline constexpr int toolServerPort = 8765;
 
-/// The tool server that all channels share: a child that answers HTTP on loopback. An orphan of an earlier run is
-/// cleared off the port first; a server that dies comes back for as long as nobody stops it.
+/// The tool server that all channels share: a child process that serves HTTP on loopback. A leftover of an earlier run
+/// is removed from the port first; a server that crashes is restarted until someone stops it.
 class ToolServer {
 public:
     /// Every reference outlives the object. `changed` is called after each change of `isRunning` and `problem`.
     ToolServer(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, PortHolders& ports,
         BackgroundQueue& background, std::function<void()> changed);
 
-    void start(int port); ///< nothing while one runs or is on its way
+    void start(int port); ///< does nothing if one is running or starting
     void stop();
 
     bool isRunning() const { return m_isRunning; }
-    const QString& problem() const { return m_problem; } ///< why the last one ended; empty once one runs for a while
+    const QString& problem() const { return m_problem; } ///< why the last one exited; empty after a while
     QString url() const; ///< "http://127.0.0.1:{port}/mcp"
 
 private:
@@ -42,15 +42,15 @@ private:
     std::function<void()> m_changed;
 
     std::shared_ptr<ChildProcess> m_process;
-    std::unique_ptr<Timer> m_timer; ///< the wait for a freed port, or for a restart
-    std::unique_ptr<Timer> m_proof; ///< the wait for a server that is to be trusted again
+    std::unique_ptr<Timer> m_timer; ///< waits for a freed port, or for a restart
+    std::unique_ptr<Timer> m_proof; ///< waits until a restarted server counts as stable
     QString m_problem;
     int m_port = toolServerPort;
     int m_restartAttempts = 0;
     bool m_isRunning = false;
     bool m_isStarting = false;
     bool m_isStopWanted = false;
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true); ///< what comes home late asks for it
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true); ///< checked by late callbacks
 };
 
 }

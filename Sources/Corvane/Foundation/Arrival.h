@@ -7,10 +7,11 @@
 
 namespace corvane {
 
-/// A value that comes later, awaited by one coroutine: `co_await arrival`. Copies are one arrival. Main thread only.
+/// A value that arrives later, awaited by one coroutine: `co_await arrival`. Copies share the arrival. Main thread
+/// only.
 template <typename Value> class Arrival {
 public:
-    /// Once. Who waits goes on inside this call.
+    /// At most once. The waiting coroutine resumes inside this call.
     void arrive(Value value) const
     {
         const std::shared_ptr<State> state = m_state;

@@ -5,9 +5,9 @@
 
 namespace corvane {
 
-/// Runs blocking work away from the main thread. The work owns no state of the program: it takes values
-/// and gives one back, which `done` receives on the thread that made the queue. Destroying the queue waits
-/// for the work that runs; what it would have brought home is dropped, as is work that has not begun.
+/// Runs blocking work on another thread. The work owns no state of the program: it takes values and returns one, which
+/// `done` receives on the thread that created the queue. Destroying the queue waits for the running work; its result is
+/// dropped, and so is work that has not started.
 class BackgroundQueue {
 public:
     BackgroundQueue();

@@ -8,23 +8,23 @@
 
 namespace corvane {
 
-/// Ends what was started with it. Copies are one handle, shared by who waits and who works; a fresh one that
-/// nobody cancels changes nothing. Main thread only.
+/// Cancels the work that was started with it. Copies share one handle, between the caller and the work; a handle that
+/// nobody cancels has no effect. Main thread only.
 class CancelHandle {
 public:
     using Callback = std::function<void()>;
 
-    /// Keeps one callback alive; destroying it takes the callback back.
+    /// Keeps one callback registered; destroying it removes the callback.
     class [[nodiscard]] Watch {
     private:
         friend class CancelHandle;
         std::shared_ptr<const Callback> m_callback;
     };
 
-    void cancel() const; ///< calls who watches, at once and in their order; a second call does nothing
+    void cancel() const; ///< calls the callbacks at once, in order; a second call does nothing
     bool isCancelled() const { return m_state->isCancelled; }
 
-    /// Called by `cancel`; never where that has happened already.
+    /// Called by `cancel`; never if it was cancelled before.
     Watch onCancel(Callback callback) const;
 
 private:
@@ -35,7 +35,7 @@ private:
     std::shared_ptr<State> m_state = std::make_shared<State>();
 };
 
-/// The result of work that its handle ended.
+/// The result of cancelled work.
 std::unexpected<Error> cancelled();
 
 }

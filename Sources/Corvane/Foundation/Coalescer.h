@@ -4,10 +4,9 @@
 
 namespace corvane {
 
-/// Turns a burst of requests into few calls: the first request calls at the next turn of the loop, later ones are
-/// gathered into one call after a pause. The pause counts from the end of a call and grows with what the call
-/// cost, so that calls take at most a tenth of the time. The last request is never lost. A call must not destroy
-/// the object.
+/// Merges a burst of requests into few calls: the first request calls at the next turn of the event loop, later ones
+/// are merged into one call after a pause. The pause is counted from the end of a call and grows with its cost, so that
+/// calls take at most a tenth of the time. The last request is never lost. A call must not destroy the object.
 class Coalescer {
 public:
     Coalescer(Scheduler& scheduler, Milliseconds shortestPause, std::function<void()> call);
@@ -22,7 +21,7 @@ private:
     Milliseconds m_pause { 0 };
     std::function<void()> m_call;
     std::unique_ptr<Timer> m_pending;
-    qint64 m_endMs; ///< of the last call
+    qint64 m_endMs; ///< when the last call ended
     bool m_calling = false;
     bool m_again = false; ///< requested while the call ran
 };

@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// "{prefix}:{nowMs}:{rand}", where {rand} counts from 1000 to 9999 and on from 1000, from a random start. So what one
-/// process makes within a millisecond differs.
+/// "{prefix}:{nowMs}:{rand}", where {rand} counts from 1000 to 9999 and wraps around, from a random start. Ids made by
+/// one process within a millisecond therefore differ.
 QString stampedId(const QString& prefix, qint64 nowMs);
 
 /// A fresh lower-case UUID without braces.

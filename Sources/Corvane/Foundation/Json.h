@@ -7,22 +7,22 @@
 
 namespace corvane {
 
-/// The object that `text` holds, or nothing where it is no JSON object.
+/// The object in `text`, or nothing if it is not a JSON object.
 std::optional<QJsonObject> jsonObject(const QByteArray& text);
 
-/// One line, keys sorted.
+/// On one line, with sorted keys.
 QByteArray compactJson(const QJsonObject& object);
 
-/// A string value, or nothing where the key is missing or holds another type.
+/// A string value; nothing if the key is missing or has another type.
 std::optional<QString> textValue(const QJsonObject& object, QLatin1StringView key);
 
-/// A number without its fraction; nothing where it is none, or none that 64 bits hold.
+/// A number without its fraction; nothing if it is not a number or does not fit 64 bits.
 std::optional<qint64> truncatedNumber(const QJsonObject& object, QLatin1StringView key);
 
-/// The same, and nothing where it has a fraction.
+/// The same; nothing if it has a fraction.
 std::optional<qint64> wholeNumber(const QJsonObject& object, QLatin1StringView key);
 
-/// An array of strings, or nothing where the key is missing or holds anything else.
+/// An array of strings; nothing if the key is missing or the value is anything else.
 std::optional<QStringList> textsValue(const QJsonObject& object, QLatin1StringView key);
 
 }

@@ -124,7 +124,7 @@ Violation checkItems(const Rule& rule)
     return std::nullopt;
 }
 
-/// What a limit is compared with; nothing where the value is of another type, which has no such limit.
+/// What a limit is compared with; nothing if the value is of another type, which has no such limit.
 std::optional<double> measure(const QJsonValue& value, const QString& word)
 {
     if (word.endsWith("Items"_L1))

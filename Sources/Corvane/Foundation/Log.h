@@ -4,12 +4,12 @@
 
 namespace corvane {
 
-/// One plain line for developers, prefixed by the class that speaks ("LocalDB: ..."). There are no levels,
-/// and no line is ever shown to the user.
+/// One plain line for developers, prefixed with the class that logs ("LocalDB: ..."). There are no levels, and the user
+/// never sees a line.
 void log(const QString& line);
 
-/// Sends the program's lines, and Qt's own, to standard error as they are, whatever else the desktop would do
-/// with them. For the program's start; tests collect lines in their own way.
+/// Sends the program's log lines, and Qt's, to standard error unchanged, whatever the desktop configures. For the start
+/// of the program; tests capture lines in their own way.
 void logToStandardError();
 
 }

@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// What sentences call this machine and what is on it. A sentence that names one of these takes the word from here, so
-/// that a port to another platform has one place to change.
+/// The words for this machine and its services. Sentences that name one of these take the word from here, so that a
+/// port to another platform changes one place.
 namespace machineWords {
 inline const QString thisMachine = u"this computer"_s;
 inline const QString machine = u"computer"_s;

@@ -10,19 +10,19 @@
 
 namespace corvane {
 
-/// An in-process notification, told apart by its name.
+/// An in-process notification, identified by its name.
 struct Notification {
     QString name;
     std::optional<QString> object;
     QVariantMap userInfo;
 };
 
-/// Posts by name to whoever observes, at once and on the main thread.
+/// Posts notifications by name to their observers, synchronously on the main thread.
 class NotificationCentre {
 public:
     using Callback = std::function<void(const Notification&)>;
 
-    /// Keeps one observation alive; destroying it ends the observation. It may outlive the centre.
+    /// Keeps one observation registered; destroying it ends the observation. It may outlive the centre.
     class [[nodiscard]] Observation {
     public:
         Observation() = default;

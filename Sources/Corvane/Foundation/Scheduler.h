@@ -15,21 +15,21 @@ public:
     virtual ~Timer() = default;
 };
 
-/// The one source of time. The application runs on the system's clock and event loop,
-/// a test on a clock that it moves by hand.
+/// The one source of time. The application uses the system's clock and event loop, a test a clock that it moves by
+/// hand.
 class Scheduler {
 public:
     virtual ~Scheduler() = default;
     virtual qint64 nowMs() const = 0; ///< milliseconds since the epoch
 
-    /// Milliseconds that the machine has been awake since some moment: what waits are measured by. Neither a clock
-    /// that is set nor sleep counts.
+    /// Milliseconds that the machine has been awake since some moment; intervals are measured with it. Neither setting
+    /// the clock nor sleep affects it.
     virtual qint64 monotonicMs() const = 0;
 
     /// Calls once, on the main thread, after at least `delay`; 0 means "at the next turn of the loop".
     [[nodiscard]] virtual std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) = 0;
 
-    /// Calls again and again; the first call comes after one `period`.
+    /// Calls repeatedly; the first call comes after one `period`.
     [[nodiscard]] virtual std::unique_ptr<Timer> every(Milliseconds period, std::function<void()> callback) = 0;
 };
 

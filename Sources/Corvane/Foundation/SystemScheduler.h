@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The system's clock and the event loop of the thread that asks.
+/// The system's clock and the event loop of the calling thread.
 class SystemScheduler final : public Scheduler {
 public:
     qint64 nowMs() const override;

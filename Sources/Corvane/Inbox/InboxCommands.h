@@ -6,7 +6,7 @@ namespace corvane {
 
 class InboxView;
 
-/// What can be done in the inbox by a key or from the palette. The view outlives the commands.
+/// The keys and palette actions of the inbox. The view outlives the commands.
 QList<Command> inboxCommands(InboxView& inbox);
 
 }

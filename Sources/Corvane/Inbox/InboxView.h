@@ -12,7 +12,7 @@
 
 namespace corvane {
 
-/// The inbox: the list of people, the person who is open, and what is done with them.
+/// The inbox: the list of people, the open person, and the actions on them.
 class InboxView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::ListFilter* filters READ filters CONSTANT)
@@ -20,7 +20,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::ListNotices* notices READ notices CONSTANT)
     Q_PROPERTY(corvane::OpenPerson* person READ person CONSTANT)
     Q_PROPERTY(corvane::ListActions* actions READ actions CONSTANT)
-    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< the bar over the thread
+    Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< the bar above the thread
     Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
     Q_PROPERTY(corvane::CommandPalette* palette READ palette CONSTANT)
     Q_PROPERTY(bool showPalette READ showPalette WRITE setShowPalette NOTIFY showPaletteChanged)
@@ -42,10 +42,10 @@ public:
     bool showPalette() const { return m_showPalette; }
     void setShowPalette(bool show);
 
-    Q_INVOKABLE void appear() { m_list.appear(); } ///< each time the screen shows
-    void writeNew(); ///< to somebody new, with the inbox in front
+    Q_INVOKABLE void appear() { m_list.appear(); } ///< whenever the screen is shown
+    void writeNew(); ///< to someone new; brings the inbox to the front
 
-    /// Queues a draft to a person who need not be known yet, and opens their thread; false where it cannot be queued.
+    /// Queues a draft to a person who may be new, and opens their thread; false if it cannot be queued.
     bool composeNew(const Account& account, const QString& recipient, const OutgoingMessage& message);
 
 Q_SIGNALS:

@@ -21,12 +21,12 @@ class UserDefaults;
 struct AIServices;
 struct AppPaths;
 
-/// The person who is open: their thread and the panes around it.
+/// The open person: their thread and the panes around it.
 class OpenPerson : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
     Q_PROPERTY(
-        corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< with an empty id where nobody is open
+        corvane::ContactItem selected READ selected NOTIFY selectedChanged) ///< has an empty id if nobody is open
     Q_PROPERTY(corvane::ThreadView* thread READ thread CONSTANT)
     Q_PROPERTY(corvane::CRMPane* crm READ crm CONSTANT)
     Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
@@ -72,25 +72,25 @@ public:
     AskLumo* askLumo() { return &m_askLumo; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     bool onScreen() const { return m_onScreen; }
-    void setOnScreen(bool onScreen); ///< whether a person can see it: only then an arriving message counts as read
+    void setOnScreen(bool onScreen); ///< whether it is visible: only then do incoming messages count as read
     bool showCRM() const { return m_showCRM; }
     void setShowCRM(bool show);
 
-    /// Another pane beside the thread: `open` is called with each person who is opened or changes, and with an empty
-    /// id for nobody. The pane outlives this object.
+    /// Registers another pane beside the thread: `open` is called whenever the open person changes, with an empty id
+    /// for nobody. The pane outlives this object.
     using Pane = std::function<void(const ContactRow& contact)>;
     void addPane(Pane open) { m_panes.append(std::move(open)); }
 
     Q_INVOKABLE void select(const QString& contactId); ///< opens the person's thread; empty closes
-    Q_INVOKABLE void moveSelection(int delta); ///< so many rows down the list
+    Q_INVOKABLE void moveSelection(int delta); ///< by that many rows in the list
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
     Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
-    Q_INVOKABLE void openVoiceSettings(); ///< where a speech model is added
-    void close(); ///< the list shows it when it is presented next
+    Q_INVOKABLE void openVoiceSettings(); ///< to add a speech model
+    void close(); ///< the list is updated at the next `present`
 
 Q_SIGNALS:
     void selectionChanged(); ///< another person is open
-    void selectedChanged(); ///< or the facts of the person who is
+    void selectedChanged(); ///< or the facts about the open person
     void jumped();
     void onScreenChanged();
     void showCRMChanged();

@@ -7,7 +7,7 @@ namespace corvane {
 class AccountStore;
 class EngineManager;
 
-/// Marks what they wrote as read, in the store and where the channel is told of it.
+/// Marks a person's messages as read, locally and at the channel if it supports that.
 void markPersonRead(EngineManager& engine, const AccountStore& accounts, const QString& contactId);
 
 }

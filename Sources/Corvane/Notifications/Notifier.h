@@ -19,11 +19,10 @@ namespace notifications {
 inline const QString dictationAction = u"corvane.dictationAction"_s; ///< object: a button's id, or empty
 }
 
-/// Banners for new messages and approvals. A press on one becomes an in-process notification; nothing here
-/// acts on data.
+/// Banners for new messages and approvals. Clicking one posts an in-process notification; nothing here changes data.
 class Notifier {
 public:
-    /// All references outlive the notifier. `activate` brings the window to the front.
+    /// All references outlive the notifier. `activate` raises the window.
     Notifier(NotificationService& service, NotificationCentre& centre, UserDefaults& defaults, Scheduler& scheduler,
         std::function<void()> activate);
     ~Notifier();
@@ -36,25 +35,25 @@ public:
     bool wouldNotify(const QString& contactId) const;
     void notifyMessage(const QString& contactId, const QString& name, const QString& channel, const QString& body);
 
-    const QSet<QString>& contactsTold() const { return m_told; } ///< whose banners may still be on the screen
+    const QSet<QString>& contactsTold() const { return m_told; } ///< whose banners may still be shown
     void withdrawMessages(const QString& contactId); ///< their thread was read
 
-    /// A second banner for the same item takes the place of the first. `kind` is "draft", "draft_failed", "proposal" or
-    /// "decision"; one of kind "approval" only tells something and has no buttons.
+    /// A second banner for the same item replaces the first. `kind` is "draft", "draft_failed", "proposal" or
+    /// "decision"; one of kind "approval" is informational and has no buttons.
     void notifyApproval(const QString& kind, const QString& id, const QString& title, const QString& body);
     void withdrawApproval(const QString& kind, const QString& id); ///< it was decided
 
-    /// What dictation does, where a banner alone can say so: one at a time. A press on one of its buttons, by id, is
-    /// posted as `notifications::dictationAction`.
+    /// The state of dictation, on desktops where only a banner can show it: one at a time. Clicking one of its buttons
+    /// posts `notifications::dictationAction` with its id.
     void notifyDictation(const QString& text, const QList<Banner::Action>& buttons);
     void withdrawDictation();
 
-    /// What a recording does that began or failed without the window; a later one takes its place. It is shown whatever
-    /// the user wants of other banners.
+    /// A recording that started or failed without the window; a later banner replaces it. Shown whatever the user's
+    /// settings for other banners.
     void notifyRecording(const QString& title, const QString& body);
 
 private:
-    bool enabled() const; ///< the user default "notifyOnNewMessage"; a missing key counts as true
+    bool enabled() const; ///< the user default "notifyOnNewMessage"; on by default
     void handleResponse(const QVariantMap& userInfo, const QString& action);
 
     NotificationService& m_service;

@@ -7,27 +7,26 @@
 
 namespace corvane {
 
-/// Somebody in the user's address book.
+/// A person in the user's address book.
 struct AddressBookPerson {
-    QString givenName; ///< the whole name where the book does not tell its parts
+    QString givenName; ///< the whole name if the book does not split it
     QString familyName;
     QString organisation;
     QStringList phones; ///< as written
-    QByteArray photo; ///< an image file's bytes; empty where there is none
+    QByteArray photo; ///< the bytes of an image file; empty if there is none
 
     bool operator==(const AddressBookPerson&) const = default;
 };
 
-/// The user's own address book. It is only read, never written. `folders` are those that the user named beside
-/// the usual place.
+/// The user's address book. It is only read, never written. `folders` are those that the user added to the usual place.
 class AddressBook {
 public:
     virtual ~AddressBook() = default;
 
-    /// Whether there is an address book that may be read; the answer comes at once.
+    /// Whether there is a readable address book; answers at once.
     virtual bool requestAccess(const QStringList& folders) const = 0;
 
-    /// Everybody. Slow, and safe on any thread; what cannot be read is left out.
+    /// All people. Slow; may be called on any thread. Unreadable entries are skipped.
     virtual QList<AddressBookPerson> people(const QStringList& folders) const = 0;
 };
 

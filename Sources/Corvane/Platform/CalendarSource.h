@@ -9,19 +9,19 @@
 
 namespace corvane {
 
-/// Where the user keeps calendars.
+/// Where the user's calendars are.
 struct CalendarPlaces {
-    QStringList folders; ///< beside the usual one; "~/" at the start is the user's home
+    QStringList folders; ///< in addition to the usual one; a leading "~/" is the user's home
     bool service = false; ///< the desktop's calendar service, too
 
     bool operator==(const CalendarPlaces&) const = default;
 };
 
 struct CalendarInfo {
-    QString id; ///< stays the same for as long as the calendar is where it is
+    QString id; ///< stable as long as the calendar stays in its place
     QString title;
     QString colour {}; ///< "#rrggbb", or empty
-    QString origin {}; ///< in words: the folder, or the service's name
+    QString origin {}; ///< for the user: the folder, or the service's name
     bool writable = false;
 
     bool operator==(const CalendarInfo&) const = default;
@@ -40,12 +40,12 @@ struct CalendarPerson {
 struct CalendarEntry {
     QString calendarId;
     QString uid;
-    std::optional<qint64> instanceMs; ///< of a series: when this instance was to start at first
+    std::optional<qint64> instanceMs; ///< of a series: when this instance was originally to start
     QString title;
     QString location;
     QString notes;
     qint64 startMs = 0;
-    qint64 endMs = 0; ///< of one that lasts all day: the local midnight at its end
+    qint64 endMs = 0; ///< of an all-day event: the local midnight at its end
     bool allDay = false;
     QList<CalendarPerson> people {}; ///< the organizer first
 
@@ -54,12 +54,12 @@ struct CalendarEntry {
 
 struct CalendarReading {
     QList<CalendarInfo> calendars;
-    QList<CalendarEntry> entries; ///< in no order; cancelled ones are left out
-    QStringList troubles; ///< what could not be read, a sentence each
+    QList<CalendarEntry> entries; ///< unordered; cancelled events are skipped
+    QStringList troubles; ///< what could not be read, one sentence each
 };
 
 struct NewCalendarEntry {
-    QString uid; ///< an entry of the same id in that calendar is replaced
+    QString uid; ///< replaces an entry of the same id in that calendar
     QString title;
     QString location;
     QString notes;
@@ -69,53 +69,53 @@ struct NewCalendarEntry {
     qint64 stampMs = 0; ///< when it was made
 };
 
-/// What became of the events of a file; a series counts once.
+/// The result of importing a file; a series counts once.
 struct CalendarImport {
     int added = 0;
-    int present = 0; ///< there before, and left as they are
+    int present = 0; ///< existed before and were left alone
 };
 
 enum class CalendarAccess { None, WriteOnly, Full };
 
-/// The user's calendars. Whoever reads or writes waits for disk or service, and so does it away from the main
-/// thread, where any thread will do; `watch` and the signal belong to the main thread.
+/// The user's calendars. Reading and writing block on disk or service, so call them from another thread than the main
+/// one; any thread will do. `watch` and the signal belong to the main thread.
 class CalendarSource : public QObject {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    /// Whether there is a calendar to read; the answer comes at once.
+    /// Whether there is a calendar to read; answers at once.
     virtual CalendarAccess access(const CalendarPlaces& places) const = 0;
 
-    /// What touches [fromMs, toMs), in the time zone that this machine has now.
+    /// Events that overlap [fromMs, toMs), in the machine's current time zone.
     virtual CalendarReading read(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) = 0;
 
-    /// An entry counts as added once it would survive a power cut. The error is for the user.
+    /// Returns once the entry would survive a power cut. The error is for the user.
     virtual Result<void> add(const CalendarPlaces& places, const QString& calendarId, const NewCalendarEntry& entry)
         = 0;
 
-    /// Takes back what `add` wrote; an error where it was changed since.
+    /// Undoes `add`; an error if the entry was changed since.
     virtual Result<void> remove(const CalendarPlaces& places, const QString& calendarId, const QString& uid) = 0;
 
-    /// Puts the events of a calendar file into the calendar.
+    /// Imports the events of a calendar file into the calendar.
     virtual Result<CalendarImport> import(
         const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics)
         = 0;
 
-    /// A calendar file of the event, a series whole.
+    /// A calendar file with the event, or with the whole series.
     virtual Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid)
         = 0;
 
-    /// How many tasks are to be done, of those that stand beside the events.
+    /// The number of open tasks beside the events.
     virtual int openTasks(const CalendarPlaces& places) const = 0;
 
-    /// Makes an empty calendar in the usual folder.
+    /// Creates an empty calendar in the usual folder.
     virtual Result<void> makeCalendar(const QString& title) = 0;
 
-    /// Whether the desktop keeps calendars in a service, which `CalendarPlaces::service` then reads, too.
+    /// Whether the desktop has a calendar service, which `CalendarPlaces::service` then includes.
     virtual bool hasService() const = 0;
 
-    /// Tells from now on what changes in these places; the last call holds.
+    /// Reports changes in these places from now on; replaces earlier places.
     virtual void watch(const CalendarPlaces& places) = 0;
 
 Q_SIGNALS:

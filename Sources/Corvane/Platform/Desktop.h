@@ -11,7 +11,7 @@ namespace corvane {
 
 enum class ColourScheme { Light, Dark };
 
-/// What the program asks of the desktop around it. Each part may be missing; then nothing happens.
+/// What the program asks of the desktop. Every part may be missing; then nothing happens.
 class Desktop : public QObject {
     Q_OBJECT
 public:
@@ -19,12 +19,12 @@ public:
 
     virtual void openInBrowser(const QUrl& url) = 0;
 
-    /// In the program that the desktop keeps for such a file, or for such a link; false where none starts.
+    /// Opens it in the desktop's default program; false if none starts.
     virtual bool openFile(const QString& path) = 0;
     virtual bool openLink(const QUrl& link) = 0;
 
-    /// Lets the person choose files, in the desktop's own window. Unless `context` goes first, `done` is called once:
-    /// with the files, none where the person gave up, or with why there is no such window, in words for them.
+    /// Lets the user choose files in the desktop's dialog. Unless `context` is destroyed first, `done` is called once:
+    /// with the files (none if the user cancelled), or with the reason, for the user, why there is no dialog.
     virtual void chooseFiles(
         const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
         = 0;
@@ -34,9 +34,9 @@ public:
         const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& folder)> done)
         = 0;
 
-    virtual QString hostName() const = 0; ///< empty where the machine has none
+    virtual QString hostName() const = 0; ///< empty if the machine has none
 
-    /// The number at the program's icon; 0 clears it.
+    /// The badge on the program's icon; 0 clears it.
     virtual void setBadge(int count) = 0;
 
     virtual ColourScheme colourScheme() const = 0;

@@ -36,7 +36,7 @@ bool isAllowed(const QUrl& url)
     return !url.host().isEmpty() && (url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isHere));
 }
 
-/// Empty where what has come is of another address.
+/// Empty if what has come is of another address.
 QByteArray versionOf(const QString& path, const QUrl& url)
 {
     QFile file(originPath(path));

@@ -8,19 +8,19 @@
 
 namespace corvane {
 
-/// How much of a file has come, in bytes.
+/// Progress of a download, in bytes.
 struct DownloadProgress {
     qint64 received = 0;
-    qint64 total = 0; ///< 0: the server does not say
+    qint64 total = 0; ///< 0: unknown
 };
 
-/// Brings a large file from the web to `path`. What has come when it ends early stays beside it, and the next call for
-/// the same address goes on from there, where the file has not changed since. From other machines only by https. A
-/// failure carries words for the user, without a stop at their end.
+/// Downloads a large file to `path`. If it is interrupted, the partial file is kept, and the next call for the same
+/// address resumes unless the file changed since. Only https from other machines. The error is for the user, without a
+/// final full stop.
 QCoro::Task<Result<void>> downloadFile(
     QUrl url, QString path, std::function<void(DownloadProgress)> onProgress, CancelHandle cancel);
 
-/// Removes what an earlier call left.
+/// Deletes the partial file of an earlier call.
 void forgetDownload(const QString& path);
 
 }

@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-/// A key that works whichever program is in front.
+/// A key that works in every program.
 struct GlobalShortcut {
     QString id; ///< such as "capture"
-    QString description; ///< what it does, for the desktop's own list of keys
+    QString description; ///< what it does, for the desktop's list of shortcuts
     QStringList keys; ///< such as "Ctrl+Alt+N", the preferred first; a portable QKeySequence of one key
 };
 

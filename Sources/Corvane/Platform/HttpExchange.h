@@ -14,7 +14,7 @@ namespace corvane {
 
 /// What came back, whatever its status.
 struct HttpReply {
-    int status = 0; ///< 0 where the answer is no HTTP response
+    int status = 0; ///< 0 if the answer is no HTTP response
     QByteArray body;
     QString location; ///< the header of a redirect that was not followed
 

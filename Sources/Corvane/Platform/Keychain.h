@@ -21,7 +21,7 @@ public:
     std::optional<QString> get(const QString& account) const; ///< white space around the value is trimmed
     bool isAwaited(const QString& account) const; ///< whether only the keyring knows, which has not answered yet
 
-    bool set(const QString& value, const QString& account); ///< false where it is nowhere but in memory
+    bool set(const QString& value, const QString& account); ///< false if it is nowhere but in memory
     void remove(const QString& account);
 
     bool isLocked() const { return m_state == State::Locked; }

@@ -17,23 +17,23 @@ enum class ThermalState { Nominal, Fair, Serious, Critical };
 
 /// How the machine is at this moment.
 struct MachineState {
-    bool isTranslated = false; ///< the process runs on another processor than it was built for
+    bool isTranslated = false; ///< the process runs under emulation of another processor
     ThermalState thermal = ThermalState::Nominal;
     bool lowPowerMode = false;
-    /// One a power source, in the system's order: "AC Power", "Battery Power", or anything else.
+    /// One per power supply, in the system's order: "AC Power", "Battery Power", or anything else.
     QStringList powerSourceStates;
     quint64 physicalMemoryBytes = 0;
-    qint64 freeDiskBytes = -1; ///< where the program keeps its data; -1: no figure
+    qint64 freeDiskBytes = -1; ///< on the disk with the program's data; -1: unknown
 };
 
-/// What the machine says of itself.
+/// Facts about this machine.
 class MachineFacts {
 public:
     virtual ~MachineFacts() = default;
 
     virtual SystemVersion version() const = 0;
-    virtual SystemVersion minimumVersion() const = 0; ///< the oldest on which local models run
-    virtual MachineState state() const = 0; ///< read afresh, without waiting
+    virtual SystemVersion minimumVersion() const = 0; ///< the oldest that supports local models
+    virtual MachineState state() const = 0; ///< current, without waiting
 };
 
 }

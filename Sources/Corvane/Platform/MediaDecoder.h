@@ -10,24 +10,24 @@
 
 namespace corvane {
 
-/// Why a file is neither shown nor heard.
+/// Why a file cannot be shown or played.
 enum class DecodeFailure {
     Missing,
     NotAFile, ///< a link, a folder, a device, a pipe
-    TooLarge, ///< more bytes than are read
+    TooLarge, ///< more bytes than the limit
     UnknownFormat, ///< by its content, whatever its name says
-    TooManyPixels, ///< more of them, or longer or thinner, than pictures are
+    TooManyPixels, ///< too many pixels, or too long or too thin
     Damaged,
     TooSlow,
-    Crashed, ///< the decoder did not survive it
+    Crashed, ///< the decoder crashed on it
     Unavailable, ///< there is no decoder
 };
 
-/// In the words of the screen.
+/// For the user.
 QString describe(DecodeFailure failure);
 
-/// The room for a picture, in pixels. A picture keeps its ratio as far as the room goes; what is beyond is cut off
-/// around its middle.
+/// The space for a picture, in pixels. A picture keeps its aspect ratio as far as possible; the rest is cropped around
+/// its centre.
 struct PictureBox {
     int height = 0;
     int leastWidth = 0;
@@ -42,48 +42,48 @@ struct Pixels {
     QByteArray bytes;
 };
 
-/// What of a sound is known before it is played.
+/// What is known of a sound before it is played.
 struct SoundShape {
     qint64 durationMs = 0;
-    QList<float> bars; ///< the loudest of each part, from 0 to 1
+    QList<float> bars; ///< the peak of each part, from 0 to 1
 };
 
-/// How samples are wanted, whatever the file holds.
+/// The requested sample format, independent of the file's.
 struct SampleFormat {
-    qint32 rate = 0; ///< moments a second
+    qint32 rate = 0; ///< frames per second
     qint32 channels = 0;
 
     bool operator==(const SampleFormat&) const = default;
 };
 
-/// What recognisers of speech take.
+/// The format that speech recognisers take.
 inline constexpr SampleFormat speechFormat { 16'000, 1 };
 
-/// Samples from -1 to 1, all channels of one moment side by side.
+/// Samples from -1 to 1, interleaved.
 struct SoundPiece {
     static constexpr int rate = 48'000; ///< as it is played
     static constexpr int channels = 2;
 
     QList<float> samples;
     bool isLast = false;
-    qint64 durationMs = 0; ///< of the whole file; 0 where it does not say
+    qint64 durationMs = 0; ///< of the whole file; 0 if unknown
 };
 
-/// Where a piece of sound begins. Pieces of one playing that follow each other are joined without a seam.
+/// The position of a piece of sound. Consecutive pieces of one playback join seamlessly.
 struct SoundPosition {
     quint64 playing = 0;
-    qint64 frame = 0; ///< moments since the start, at the format's rate
-    int count = 0; ///< moments wanted
+    qint64 frame = 0; ///< frames since the start, at the format's rate
+    int count = 0; ///< requested frames
     SampleFormat format = { SoundPiece::rate, SoundPiece::channels };
 };
 
-/// Reads pictures and sounds that others wrote, outside of this process and within limits of memory and time. Formats
-/// are told by content: PNG, JPEG, GIF, WebP and still HEIF pictures; the usual containers of voice notes. A file that
-/// the decoder did not survive is not given to it again. All calls and answers on the main thread; an answer never
-/// comes within the call that asked.
+/// Decodes untrusted pictures and sounds in a separate process, within limits of memory and time. Formats are detected
+/// by content: PNG, JPEG, GIF, WebP and still HEIF pictures; the usual containers of voice notes. A file that crashed
+/// the decoder is not tried again. All calls and answers on the main thread; an answer never arrives within the call
+/// that requested it.
 class MediaDecoder {
 public:
-    /// Destroying it withdraws the request: no answer comes. An answer may destroy its own request.
+    /// Destroying it withdraws the request: no answer arrives. An answer may destroy its own request.
     class Request {
     public:
         virtual ~Request() = default;
@@ -93,7 +93,7 @@ public:
 
     virtual ~MediaDecoder() = default;
 
-    /// Turned as its camera says, scaled down to the room's height, and never up.
+    /// Rotated by its EXIF orientation and scaled down to the given size, never up.
     [[nodiscard]] virtual Handle picture(const QString& path, PictureBox box, Answer<Pixels> answer) = 0;
 
     [[nodiscard]] virtual Handle shape(const QString& path, int bars, Answer<SoundShape> answer) = 0;

@@ -10,12 +10,12 @@ struct PortHolder {
     quint32 userId = 0;
 };
 
-/// The processes behind listening ports. May be called on any thread.
+/// The processes that listen on ports. May be called on any thread.
 class PortHolders {
 public:
     virtual ~PortHolders() = default;
 
-    /// Whoever listens on the port, IPv4 or IPv6; processes that may not be looked into are absent.
+    /// All processes that listen on the port, IPv4 or IPv6; those of other users are missing.
     virtual QList<PortHolder> listeningOn(quint16 port) = 0;
     virtual quint32 ownUserId() = 0;
     virtual qint64 ownProcessId() = 0;

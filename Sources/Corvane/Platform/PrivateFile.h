@@ -10,23 +10,22 @@
 
 namespace corvane {
 
-/// What a written file outlives. Waiting for the disk takes as long as the disk likes.
+/// What a written file must survive. Waiting for the disk may take arbitrarily long.
 enum class Outlives { PowerCut, Program };
 
-/// Puts the content in place of the file, in one step: a reader sees the old content or the new one, and a
-/// crash leaves either. The file has mode 0600 from its first byte on, whatever the umask; a missing folder
-/// is made. False where anything fails; the old file then stands.
+/// Replaces the file atomically: a reader sees the old or the new content, and a crash leaves one of them. The file has
+/// mode 0600 from its first byte on, whatever the umask; missing folders are created. False on failure; the old file
+/// then remains.
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives = Outlives::PowerCut);
 
-/// Copies a plain file to a new one with mode 0600; missing folders are made with mode 0700. The copy outlives a power
-/// cut, and `seen` got every piece of its content in order. Where that fails, or there are more than `limit` bytes (0:
-/// no limit), nothing is left of it; the error is in words for the user. Returns the size. Runs on any thread.
+/// Copies a regular file to a new one with mode 0600; missing folders are created with mode 0700. The copy survives a
+/// power cut, and `seen` receives every piece of the content in order. On failure, or if there are more than `limit`
+/// bytes (0: no limit), nothing remains of it; the error is for the user. Returns the size. May run on any thread.
 Result<qint64> copyPrivateFile(
     const QString& from, const QString& to, qint64 limit, const std::function<void(QByteArrayView piece)>& seen);
 
-/// From now on nobody else reads what this program and its engines write. Missing folders are made; one that is
-/// open to others is closed to them, with everything in it. Returns the umask that the program was started with,
-/// which what is opened for the user in other programs gets back.
+/// Makes everything that this program and its engines write private. Missing folders are created; one that is open to
+/// others is closed to them, with its content. Returns the original umask, for programs that are started for the user.
 mode_t keepFilesPrivate(const QStringList& folders);
 
 }

@@ -15,11 +15,11 @@ struct ProcessSpec {
     QString executable; ///< absolute path
     QStringList arguments;
     QString workingDirectory;
-    QProcessEnvironment environment; ///< whole, not an addition
+    QProcessEnvironment environment; ///< the whole environment, not an addition
     bool pipes = true; ///< false: standard input and output are the null device too
 };
 
-/// A child that was started. All calls on the main thread.
+/// A running child. All calls on the main thread.
 class ChildProcess {
 public:
     virtual ~ChildProcess() = default;
@@ -27,51 +27,49 @@ public:
     virtual qint64 pid() const = 0;
     virtual bool isRunning() const = 0;
 
-    /// Puts the bytes on the way to the child's standard input without ever waiting: what the pipe does not
-    /// take yet is kept, in order, up to 4 MiB. Fails where the pipe is closed or more than that is waiting.
+    /// Queues bytes for the child's standard input without blocking: what the pipe does not take is buffered, in order,
+    /// up to 4 MiB. Fails if the pipe is closed or the buffer is full.
     virtual Result<void> write(const QByteArray& bytes) = 0;
 
-    virtual bool isInputOpen() const = 0; ///< false once a write has failed for good
+    virtual bool isInputOpen() const = 0; ///< false once a write has failed permanently
 
-    /// Whether the child has read to their end the bytes of one earlier `write`. What it has not read when it ends it
-    /// never reads.
+    /// Whether the child has read all bytes of an earlier `write`. What it has not read when it exits counts as unread.
     virtual bool hasRead(const QByteArray& bytes) = 0;
 
-    /// Takes back the bytes of one earlier `write`: true where the child can never read them to their end, because
-    /// none of them was on its way yet, or because it ended or closed its input before.
+    /// Withdraws the bytes of an earlier `write`: true if the child can never read all of them, because none was
+    /// written yet, or because it exited or closed its input.
     virtual bool withdraw(const QByteArray& bytes) = 0;
 
-    /// Asks the child to end: standard input is closed and SIGTERM sent, once. One that has not ended after 5 seconds
-    /// is killed.
+    /// Asks the child to exit: closes its standard input and sends SIGTERM, once. It is killed after 5 seconds.
     virtual void terminate() = 0;
 };
 
 /// Whole lines that a child printed, each with its newline. The launcher reads no more from that child until the chunk
-/// is destroyed, so that a child which floods fills its own pipe and not this process's memory.
+/// is destroyed, so that a child that floods fills its pipe and not this process's memory.
 struct OutputChunk {
     QByteArray lines;
     std::shared_ptr<void> hold;
 };
 
-/// Starts children and brings home what they print, on the main thread.
+/// Starts children and delivers their output on the main thread.
 class ProcessLauncher {
 public:
     struct Handlers {
-        /// A line past 64 MB is dropped, and so is one that has not ended when the child does.
+        /// Lines over 64 MB are dropped, and so is an unfinished last line.
         std::function<void(OutputChunk)> output;
         /// Exactly once, after the last chunk. The code is the exit status, or minus the signal's number.
         std::function<void(int code)> exited;
     };
 
-    /// Destroying the launcher ends every child that still runs, waiting 5 seconds at most before it kills.
+    /// Destroying the launcher ends all running children; it waits at most 5 seconds before it kills them.
     virtual ~ProcessLauncher() = default;
 
-    /// Never waits for the child. A failure names the reason in the system's words. What is left of the child's
-    /// process group is killed when the child ends.
+    /// Does not wait for the child. A failure carries the system's error text. The rest of the child's process group is
+    /// killed when the child exits.
     virtual Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) = 0;
 
-    /// Deals with every process of this user that has the variable, "NAME=value", in its environment. Returns how many
-    /// there were; those that end may take a moment to be gone.
+    /// Finds every process of this user that has the variable "NAME=value" in its environment, and ends them if
+    /// `action` says so. Returns their number; they may take a moment to exit.
     enum class Marked { Count, Ask, Kill };
     virtual int marked(const QString& variable, Marked action) = 0;
 };

@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// Every process of this machine, as `ps` lists them: number, name and command line, one line each. Waits for it; empty
-/// where it cannot be run.
+/// All processes of this machine, as `ps` lists them: pid, name and command line, one line each. Blocks; empty if it
+/// cannot be run.
 QByteArray processTable();
 
 }

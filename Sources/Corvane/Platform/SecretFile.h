@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-/// Where the newest value of a secret is.
+/// Where the current value of a secret is stored.
 struct SecretPlace {
     enum class Where {
-        File, ///< here: `value`
+        File, ///< in this file: `value`
         Keyring,
         Nowhere, ///< it was removed, which the keyring may not know yet
     };
@@ -19,9 +19,9 @@ struct SecretPlace {
 };
 using SecretPlaces = QHash<QString, SecretPlace>; ///< by account
 
-/// The places of the program's secrets in one JSON file of mode 0600, in a folder of mode 0700 of its own. A file
-/// that does not read, belongs to somebody else or could have been written by others counts as empty, and is copied
-/// aside before the first write.
+/// Stores where the program's secrets are, in a JSON file of mode 0600 in its own folder of mode 0700. A file that is
+/// unreadable, belongs to someone else or is writable for others counts as empty, and is copied aside before the first
+/// write.
 class SecretFile {
 public:
     explicit SecretFile(const QString& path)
@@ -30,7 +30,7 @@ public:
     }
 
     SecretPlaces read() const;
-    bool write(const SecretPlaces& places) const; ///< false where the old content still stands
+    bool write(const SecretPlaces& places) const; ///< false if the old content remains
     const QString& path() const { return m_path; }
 
 private:

@@ -8,23 +8,23 @@
 
 namespace corvane {
 
-/// One running program per user and data folder. A later start hands over its arguments and ends.
+/// One running program per user and data folder. A later start hands its arguments over and exits.
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    /// True where this process is the one; false where a running one was given the arguments (or holds the data
-    /// folder and cannot be reached, which the log says). Takes at most a few seconds.
+    /// True if this process is the instance; false if a running one received the arguments (or holds the data folder
+    /// and cannot be reached, which is logged). Takes at most a few seconds.
     virtual bool claim(const QStringList& arguments) = 0;
 
-    /// Answers, now or later and once, a question that another program of the user asks.
+    /// Answers, now or later but once, a question from another program of the user.
     using Answerer
         = std::function<void(const QString& question, const std::function<void(const Result<QString>&)>& reply)>;
     virtual void setAnswerer(Answerer answerer) = 0;
 
 Q_SIGNALS:
-    /// A later start of the program: raise the window; the arguments may hold a URL.
+    /// The program was started again: raise the window; the arguments may contain a URL.
     void activated(const QStringList& arguments);
 };
 

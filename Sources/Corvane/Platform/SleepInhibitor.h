@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-/// Keeps the machine from going to sleep by itself.
+/// Keeps the machine from suspending.
 class SleepInhibitor {
 public:
-    /// It stays awake until this is destroyed.
+    /// Inhibits until it is destroyed.
     class Hold {
     public:
         virtual ~Hold() = default;
@@ -16,7 +16,7 @@ public:
 
     virtual ~SleepInhibitor() = default;
 
-    /// Never waits; without the service behind it nothing happens.
+    /// Never blocks; does nothing without the service.
     [[nodiscard]] virtual std::unique_ptr<Hold> hold(const QString& reason) = 0;
 };
 

@@ -21,22 +21,22 @@ struct HeardSpeech {
 /// Sound to recognise.
 struct SpeechJob {
     QList<qint16> samples; ///< in `speechFormat`
-    QString model; ///< path of the model's file; unused where the recogniser has its own
-    QString language; ///< such as "de", or "auto": found out from the sound
-    std::function<void(qint64 ms)> onHeard = {}; ///< up to where of the sound is done
+    QString model; ///< path of the model file; unused by recognisers with a model of their own
+    QString language; ///< such as "de", or "auto" to detect it
+    std::function<void(qint64 ms)> onHeard = {}; ///< how much of the sound is processed
     CancelHandle cancel = {};
 };
 
-/// Turns sound into text, in a process of its own: what kills it fails the job and nothing else.
+/// Turns sound into text in a separate process: a crash fails the job and nothing else.
 class SpeechRecogniser {
 public:
-    /// Ends what still runs; who waits for it fails.
+    /// Ends running jobs with a failure.
     virtual ~SpeechRecogniser() = default;
 
-    virtual bool isAvailable() const = 0; ///< whether its program is there
-    virtual void prewarm(const QString& /*model*/) { } ///< a job with that model's file comes soon
+    virtual bool isAvailable() const = 0; ///< whether its executable is installed
+    virtual void prewarm(const QString& /*model*/) { } ///< a job with that model file is about to start
 
-    /// In the order of time; empty where nothing was understood. Fails in words for the user.
+    /// In chronological order; empty if nothing was understood. Fails with an error for the user.
     virtual QCoro::Task<Result<QList<HeardSpeech>>> recognise(SpeechJob job) = 0;
 };
 

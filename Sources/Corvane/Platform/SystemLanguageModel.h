@@ -10,12 +10,12 @@
 
 namespace corvane {
 
-/// The language model that the platform brings. Every answer stands alone: nothing is carried over between
-/// calls. What is known of the model is kept up to date in the background and never waited for.
+/// The platform's language model. Every answer is independent: no state is kept between calls. What is known of the
+/// model is refreshed in the background and never waited for.
 class SystemLanguageModel : public QObject {
     Q_OBJECT
 public:
-    /// Which model answers, and where it is served; empty: whatever the platform finds first.
+    /// Which model answers and where it is served; empty: the first that the platform finds.
     struct Choice {
         QString serverUrl;
         QString model;
@@ -26,19 +26,19 @@ public:
 
     virtual void choose(const Choice& choice) = 0;
 
-    /// Why the model cannot answer now, in words; nothing where it can.
+    /// Why the model cannot answer now, for the user; nothing if it can.
     virtual std::optional<QString> unavailableReason() const = 0;
-    /// Whether the model that would answer runs on another machine, behind a server on this one. Then it is unavailable
+    /// Whether the model that would answer runs on another machine, behind a server on this one. It is unavailable then
     /// until `Choice::allowedElsewhere` names it.
     virtual bool runsElsewhere() const = 0;
     virtual QString modelName() const = 0; ///< as `models` lists it
     virtual QString displayName() const = 0; ///< of the model that answers, such as "llama3.2:3b (Ollama)"
-    virtual QStringList models() const = 0; ///< what `Choice::model` may name
+    virtual QStringList models() const = 0; ///< valid values of `Choice::model`
 
-    /// Asks the model afresh whether it can answer; a few seconds at most.
+    /// Checks again whether the model can answer; takes a few seconds at most.
     virtual QCoro::Task<> refresh() = 0;
 
-    // A failure carries words for the user. Cancelling ends the request.
+    // Errors are for the user. Cancelling ends the request.
 
     virtual QCoro::Task<Result<QString>> respond(QString instructions, QString prompt, CancelHandle cancel) = 0;
 

@@ -6,7 +6,7 @@ class QSocketNotifier;
 
 namespace corvane {
 
-/// Turns SIGTERM and SIGINT into a Qt signal, so that the program ends by its own road. One object per process.
+/// Turns SIGTERM and SIGINT into a Qt signal, so that the program can exit in an orderly way. One object per process.
 class TerminationSignals : public QObject {
     Q_OBJECT
 public:

@@ -5,21 +5,21 @@
 
 namespace corvane {
 
-/// How text reaches other programs.
+/// How text gets into other programs.
 enum class InsertionWay {
-    None, ///< this desktop lets no program do so
-    PasteKeys, ///< the clipboard, and the keys that paste
-    Typing, ///< typed keys, which the desktop asks the user about, or the accessibility of the program in front
+    None, ///< not possible on this desktop
+    PasteKeys, ///< by the clipboard and the paste shortcut
+    Typing, ///< by synthetic keys, which the desktop asks the user about, or by the accessibility of the focused one
 };
 
 enum class InsertionOutcome {
     Inserted,
-    Copied, ///< it lies on the clipboard
-    Password, ///< the field in front takes a password, and got nothing
-    Missed, ///< no way led anywhere, and the clipboard has not got it either
+    Copied, ///< it is on the clipboard
+    Password, ///< the focused field is a password field and got nothing
+    Missed, ///< every way failed, and it is not on the clipboard either
 };
 
-/// Puts text where the user writes, in whichever program that is. The clipboard keeps what it held.
+/// Inserts text at the cursor of whichever program has the focus. The clipboard keeps its content.
 class TextInsertion : public QObject {
     Q_OBJECT
 public:
@@ -28,14 +28,14 @@ public:
 
     virtual InsertionWay way() const = 0;
 
-    /// Windows come with the focus on this desktop, and the clipboard is open to the program that has it.
+    /// New windows take the focus on this desktop, and only the focused program can use the clipboard.
     virtual bool isBoundToFocus() const = 0;
 
-    /// The program that is in front now gets the next text.
+    /// The currently focused program gets the next text.
     virtual void aim() = 0;
 
-    /// One line of text. `done` is called later, within six seconds; never once this object is gone. A second text
-    /// while one is on its way is missed.
+    /// One line of text. `done` is called within six seconds; never after this object is destroyed. A second text
+    /// during an insertion fails.
     virtual void insert(const QString& text, Done done) = 0;
 
 Q_SIGNALS:

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// The icon in the desktop's panel. Where no panel shows such icons, `isShown` stays false.
+/// The icon in the desktop's panel. `isShown` stays false if no panel shows such icons.
 class Tray : public QObject {
     Q_OBJECT
 public:
@@ -21,13 +21,13 @@ public:
 
     virtual bool isShown() const = 0;
     virtual void setUnread(int count) = 0;
-    virtual void setWaiting(int count) = 0; ///< for a decision: while it is above 0 the icon asks for attention
-    virtual void setRecording(bool recording) = 0; ///< a red dot, before any other mark
-    virtual void setLabel(const QString& text) = 0; ///< beside the icon where the panel shows words, and in its tip
+    virtual void setWaiting(int count) = 0; ///< pending decisions: above 0 the icon asks for attention
+    virtual void setRecording(bool recording) = 0; ///< a red dot, which replaces other marks
+    virtual void setLabel(const QString& text) = 0; ///< beside the icon if the panel shows text, and in its tool tip
     virtual void setMenu(const QList<Item>& items) = 0;
 
 Q_SIGNALS:
-    /// The icon itself was pressed, there on the screen; 0,0 where the panel does not say.
+    /// The icon was clicked at this position on the screen; 0,0 if the panel does not tell.
     void activated(const QPoint& at);
     void itemChosen(const QString& id);
     void shownChanged();

@@ -6,9 +6,8 @@ class QIODevice;
 
 namespace corvane {
 
-/// Reads the people of a vCard file (versions 3 and 4) one by one. A card without its end, a property that does
-/// not read, and a photo that is broken or too large are left out; nothing is ever held that is longer than a
-/// photo may be.
+/// Reads the people of a vCard file (versions 3 and 4) one by one. Incomplete cards, unreadable properties, and photos
+/// that are broken or too large are skipped; nothing longer than a photo may be is kept in memory.
 class VCardReader {
 public:
     /// The device is open for reading and outlives the reader.
@@ -21,8 +20,8 @@ public:
     std::optional<AddressBookPerson> next();
 
 private:
-    std::optional<QByteArray> physicalLine(); ///< a null one where it was too long
-    std::optional<QByteArray> logicalLine(); ///< unfolded; a null one where it was too long
+    std::optional<QByteArray> physicalLine(); ///< a null one if it was too long
+    std::optional<QByteArray> logicalLine(); ///< unfolded; a null one if it was too long
 
     QIODevice& m_device;
 };

@@ -2,23 +2,22 @@
 
 #include <QString>
 
-/// A text that somebody else wrote, as a screen may show it: always as plain text, whatever it holds.
+/// Text that someone else wrote, prepared for display: always as plain text.
 namespace corvane::BodyText {
 
-/// Without what cannot be shown or would change what stands around it: control characters, halves of characters,
-/// and marks that turn the direction of all that follows. Every kind of line end becomes a line feed. Text that
-/// holds none of these is given back as it is.
+/// Removes what cannot be displayed or would affect the surrounding text: control characters, lone surrogates, and
+/// bidirectional controls. All line endings become line feeds. Text without any of these is returned unchanged.
 QString printable(const QString& text);
 
 struct Shown {
     QString text;
-    qsizetype hidden = 0; ///< characters behind it that are not shown
+    qsizetype hidden = 0; ///< characters after it that are not shown
 };
 
-/// At most about `length` characters of the printable text, never cut within one.
+/// About `length` characters of the printable text at most, never cut within one.
 Shown shown(const QString& text, qsizetype length);
 
-/// "Show more (12,345 characters)"; empty where nothing is hidden.
+/// "Show more (12,345 characters)"; empty if nothing is hidden.
 QString moreText(qsizetype hidden);
 
 }

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// One of a few things to choose or to do, in the words of the screen.
+/// One of a few options or actions, with its label.
 class Choice {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -17,7 +17,7 @@ public:
     bool operator==(const Choice&) const = default;
 };
 
-/// A tab, and how many things stand behind it.
+/// A tab, and the number of things in it.
 class TabItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -42,7 +42,7 @@ public:
     QString id;
     QString name;
     QString channel; ///< such as "WHATSAPP"; may be empty
-    QString detail; ///< their channels in words
+    QString detail; ///< the labels of their channels
 
     bool operator==(const ContactChoice&) const = default;
 };

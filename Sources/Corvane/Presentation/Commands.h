@@ -8,33 +8,34 @@
 
 namespace corvane {
 
-/// Where a command's keys work: a head in the sheet of keys, and the column of it.
+/// Where a command's keys work: a heading in the sheet of keys, and its column.
 struct CommandPlace {
     QString name;
     int column = 0;
 };
 
-/// Something that a person can do, told once: shortcuts, menus, the palette and the sheet of keys show it from here.
+/// Something that the user can do, declared once: shortcuts, menus, the palette and the sheet of keys are built from
+/// it.
 struct Command {
-    QString id; ///< such as "archive"; a menu or a button finds its keys by it
-    QString label = {}; ///< in the sheet of keys; empty: not there
-    QString keys = {}; ///< as they stand there, such as "F1 or ?"
-    QStringList sequences = {}; ///< shortcuts of the window; none where the list or field in hand answers the keys
+    QString id; ///< such as "archive"; menus and buttons look up its keys by it
+    QString label = {}; ///< in the sheet of keys; empty: not listed
+    QString keys = {}; ///< as shown there, such as "F1 or ?"
+    QStringList sequences = {}; ///< window shortcuts; none if the focused list or field handles the keys
     CommandPlace place = {};
-    QString action = {}; ///< in the palette; empty: not there
+    QString action = {}; ///< in the palette; empty: not listed
     std::function<bool()> canRun = {}; ///< none: always
-    std::function<void()> run = {}; ///< none: the page in front knows what it means there
-    QString menu = {}; ///< in the profile's menu; empty: not there, as the next
+    std::function<void()> run = {}; ///< none: the current page handles it
+    QString menu = {}; ///< in the profile menu; empty: not listed, as the next
     QString tray = {};
 };
 
-/// A command whose key is a shortcut of the window.
+/// A command whose key is a window shortcut.
 Command shortcut(const QString& id, const QString& label, const QString& key, const std::function<void()>& run = {});
 
-/// All of these at one place.
+/// Puts all of these at one place.
 QList<Command> at(const CommandPlace& place, QList<Command> commands);
 
-/// A command in the words of the screen.
+/// A command as QML shows it.
 class CommandRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -58,20 +59,20 @@ class Commands : public QObject {
 public:
     using QObject::QObject;
 
-    /// Before the window is made; in the order of the palette and the sheet.
+    /// Before the window is created; in the order of the palette and the sheet.
     void add(const QList<Command>& commands) { m_commands += commands; }
     const QList<Command>& all() const { return m_commands; }
-    const Command* find(const QString& id) const; ///< null where there is none of that id; until the next `add`
+    const Command* find(const QString& id) const; ///< null if there is none; valid until the next `add`
 
     QList<CommandRow> shortcuts() const;
     int columns() const;
     Q_INVOKABLE QStringList placesIn(int column) const;
     Q_INVOKABLE QList<corvane::CommandRow> commandsAt(const QString& place) const;
     Q_INVOKABLE QString keysOf(const QString& id) const; ///< empty for none
-    Q_INVOKABLE void run(const QString& id); ///< nothing where it can't run now
+    Q_INVOKABLE void run(const QString& id); ///< does nothing if it can't run now
 
 Q_SIGNALS:
-    void pageAsked(const QString& id); ///< the page in front runs the command
+    void pageAsked(const QString& id); ///< the current page runs the command
 
 private:
     QList<Command> m_commands;

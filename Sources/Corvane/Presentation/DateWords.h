@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// Times in the words of the screen, as seen from `nowMs`. All times are milliseconds since the epoch, shown in
-/// the user's time zone.
+/// Formats times for display, relative to `nowMs`. All times are milliseconds since the epoch, shown in the user's time
+/// zone.
 class DateWords {
 public:
     explicit DateWords(qint64 nowMs, const QLocale& locale = QLocale());
@@ -18,7 +18,7 @@ public:
     QDate today() const { return m_today; }
     QDate dayOf(qint64 ms) const;
     QString clockTime(qint64 ms) const; ///< "14:20"
-    QString mediumDate(const QDate& day) const; ///< such as "8 Oct 2025", in the order of the locale
+    QString mediumDate(const QDate& day) const; ///< such as "8 Oct 2025", in the locale's order
     QString group(qint64 ms) const; ///< "No date" below 1, "Today", "Yesterday", else the medium date
     QString ago(qint64 ms) const; ///< such as "3 hours ago"
 
@@ -32,6 +32,6 @@ private:
     QString m_mediumPattern;
 };
 
-qint64 nextMidnightMs(qint64 nowMs); ///< when tomorrow begins
+qint64 nextMidnightMs(qint64 nowMs); ///< the start of tomorrow
 
 }

@@ -5,8 +5,7 @@
 
 namespace corvane {
 
-/// The word by which QML names a value of an enumeration that is declared with Q_ENUM: "missingModel" for
-/// `State::MissingModel`.
+/// The word that QML uses for a value of an enumeration declared with Q_ENUM: "missingModel" for `State::MissingModel`.
 template <typename Enum> QString enumWord(Enum value)
 {
     QString word = QString::fromLatin1(QMetaEnum::fromType<Enum>().valueToKey(int(value)));

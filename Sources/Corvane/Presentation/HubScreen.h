@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// What a room hands over for its hub.
+/// What a room provides for its hub.
 struct HubScreen {
     QObject* screen = nullptr; ///< the `screen` of its page; lives as long as the program
     QList<Command> commands = {};

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// "0:07", "1:20", "1:02:03"; a part of a second does not count.
+/// "0:07", "1:20", "1:02:03"; fractions of a second are dropped.
 QString playTime(qint64 ms);
 
 }

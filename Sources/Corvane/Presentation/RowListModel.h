@@ -13,7 +13,7 @@ class GadgetListModel : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 public:
-    /// `role` names the whole gadget: what a delegate requires.
+    /// `role` names the whole gadget, as a delegate requires it.
     GadgetListModel(const QMetaObject& gadget, const char* role, QObject* parent = nullptr);
 
     int count() const { return rowCount(); }
@@ -31,8 +31,8 @@ private:
     QByteArray m_role;
 };
 
-/// One whose rows keep their place after a person acted on them and they are gone, with the role "held", until the
-/// pointer leaves the list or two seconds pass: so no other row's button comes under the pointer.
+/// A model whose rows keep their place for a while after the user acted on them and they are gone, with the role
+/// "held": until the pointer leaves the list or two seconds pass. So no other row's button moves under the pointer.
 class HoldingListModel : public corvane::GadgetListModel {
     Q_OBJECT
     Q_PROPERTY(bool pointerInside READ pointerInside WRITE setPointerInside NOTIFY pointerInsideChanged)
@@ -44,23 +44,23 @@ public:
     QHash<int, QByteArray> roleNames() const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
-    /// The list that shows the rows tells whether the pointer is over it.
+    /// Set by the list that shows the rows: whether the pointer is over it.
     bool pointerInside() const { return m_pointerInside; }
     void setPointerInside(bool inside);
 
-    void hold(const QString& key); ///< a person acted on that row
+    void hold(const QString& key); ///< the user acted on that row
 
 Q_SIGNALS:
     void pointerInsideChanged();
 
 protected:
     virtual QString keyAt(int row) const = 0;
-    virtual void release() = 0; ///< shows the rows as they are
+    virtual void release() = 0; ///< shows the current rows
 
     bool mayHold() const { return m_pointerInside && !m_actedOn.isEmpty(); }
     bool mayHold(const QString& key) const { return m_pointerInside && m_actedOn.contains(key); }
     bool isHeld(const QString& key) const { return m_held.contains(key); }
-    bool keep(const QString& key); ///< true at the first time since the row is gone
+    bool keep(const QString& key); ///< true the first time since the row is gone
     void comesBack(const QString& key) { m_held.remove(key); }
     void forgetHeld();
 
@@ -70,12 +70,12 @@ private:
     Scheduler* m_scheduler;
     bool m_pointerInside = false;
     QSet<QString> m_actedOn;
-    QSet<QString> m_held; ///< gone, and shown all the same
+    QSet<QString> m_held; ///< gone, but still shown
     std::unique_ptr<Timer> m_release;
 };
 
-/// Rows that are replaced as a whole and shown by their differences: only what changed is removed, inserted,
-/// moved or redrawn. `Row` is a gadget with `key()`, `operator==` and the name of its `role`.
+/// Rows that are replaced as a whole and updated by their differences: only what changed is removed, inserted, moved or
+/// redrawn. `Row` is a gadget with `key()`, `operator==` and the name of its `role`.
 template <typename Row> class RowListModel final : public HoldingListModel {
 public:
     explicit RowListModel(QObject* parent = nullptr)
@@ -83,7 +83,7 @@ public:
     {
     }
 
-    /// One that holds rows; the scheduler outlives it.
+    /// A model that holds rows; the scheduler outlives it.
     explicit RowListModel(Scheduler& scheduler, QObject* parent = nullptr)
         : HoldingListModel(Row::staticMetaObject, Row::role, &scheduler, parent)
     {
@@ -92,7 +92,7 @@ public:
     int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : int(m_rows.size()); }
     const QList<Row>& rows() const { return m_rows; }
 
-    /// `leave` changes a row that is gone to what it says while it is held.
+    /// `leave` updates a row that is gone for the time it is held.
     void assign(const QList<Row>& given, const std::function<void(Row&)>& leave = {})
     {
         m_given = given;
@@ -115,7 +115,7 @@ protected:
     }
 
 private:
-    /// The rows that are held stand behind the row that they stood behind.
+    /// Held rows stay behind their previous neighbour.
     QList<Row> withHeld(QList<Row> rows, const std::function<void(Row&)>& leave)
     {
         if (!mayHold())

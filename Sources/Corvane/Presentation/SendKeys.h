@@ -6,11 +6,11 @@ namespace corvane {
 
 class UserDefaults;
 
-/// Whether Return sends what is typed, not only Ctrl+Return; off where nobody said so.
+/// Whether Return sends, and not only Ctrl+Return; off by default.
 bool returnSends(const UserDefaults& defaults);
 void setReturnSends(UserDefaults& defaults, bool on);
 
-/// The shortest keys that send, such as "Ctrl+Return".
+/// The simplest keys that send, such as "Ctrl+Return".
 QString sendKeys(const UserDefaults& defaults);
 
 }

@@ -6,15 +6,15 @@
 
 namespace corvane {
 
-/// The way back from the last thing that was done, open for ten seconds.
+/// Offers to undo the last action for ten seconds.
 class UndoOffer {
 public:
     UndoOffer(Scheduler& scheduler, std::function<void()> changed);
 
-    const QString& text() const { return m_text; } ///< what was done; empty where there is no way back
+    const QString& text() const { return m_text; } ///< the action; empty if there is nothing to undo
 
-    void offer(const QString& text, std::function<void()> undo); ///< in place of the one before
-    void take(); ///< goes back
+    void offer(const QString& text, std::function<void()> undo); ///< replaces the previous one
+    void take(); ///< undoes it
     void dismiss();
 
 private:

@@ -4,7 +4,7 @@
 
 namespace corvane::WAName {
 
-/// A name fit for the screen: a raw network address becomes words, anything else stands as it is.
+/// A displayable name: a raw network address becomes words, anything else is unchanged.
 QString pretty(const QString& name);
 
 }

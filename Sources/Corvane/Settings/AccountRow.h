@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Something that can be done to an account.
+/// An action on an account.
 class AccountAction {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -20,7 +20,7 @@ public:
     QString id; ///< "start", "pause", "pair", "resetPairing", "resetSession", "sync", "edit", "startAtBoot" or
                 ///< "remove"
     QString label;
-    QString confirmation; ///< the question to ask first; empty where none is needed
+    QString confirmation; ///< the question to ask first; empty if none is needed
     bool destructive = false;
     bool checkable = false; ///< it switches between two states
     bool checked = false;
@@ -28,7 +28,7 @@ public:
     bool operator==(const AccountAction&) const = default;
 };
 
-/// One account on the settings screen, in the words that it shows.
+/// An account on the settings screen.
 class AccountRow {
     Q_GADGET
     Q_PROPERTY(QString accountId MEMBER accountId)
@@ -49,21 +49,21 @@ public:
     QString channel; ///< such as "WHATSAPP"
     QString channelLabel;
     QString status;
-    QString detail; ///< beside the status: who is signed in, or what went wrong; mostly empty
-    QString note; ///< how the engine ended, and what it said last
+    QString detail; ///< beside the status: who is signed in, or the error; usually empty
+    QString note; ///< how the engine exited, and its last message
     QString kind; ///< "good", "busy", "warn", "bad" or "idle"
     QString lastMessage; ///< such as "Last message 14:20"
     QList<AccountAction> actions;
-    QString sentence; ///< the row, read aloud
+    QString sentence; ///< accessible text of the row
 
-    AccountAction first() const; ///< that needs no question and is no switch; with an empty id where there is none
+    AccountAction first() const; ///< that needs no confirmation and is not a switch; has an empty id if there is none
     QList<AccountAction> others() const; ///< all but the first
     static constexpr const char* role = "account";
     const QString& key() const { return accountId; }
     bool operator==(const AccountRow&) const = default;
 };
 
-/// `lastMessage` is the time of the account's newest message in words, empty where there is none.
+/// `lastMessage` is the formatted time of the account's newest message, empty if there is none.
 AccountRow accountRow(const Account& account, const RuntimeState& state, const QString& lastMessageTime);
 
 }

@@ -9,16 +9,16 @@ class EngineManager;
 class Keychain;
 struct Account;
 
-/// What every connect sheet ends with. The references outlive the value.
+/// The last step of every connect sheet. The references outlive the value.
 struct AccountSetup {
     AccountStore& accounts;
     EngineManager& engine;
     Keychain& keychain;
 
-    /// Adds the account, keeps its secret, and starts its engine.
+    /// Adds the account, stores its secret, and starts its engine.
     Account add(Channel channel, const ConnectRequest& request) const;
 
-    /// Keeps another secret for the account, and starts its engine anew with it.
+    /// Replaces the account's secret, and restarts its engine with it.
     void change(const Account& account, const QString& secret) const;
 };
 

@@ -8,7 +8,7 @@ namespace corvane {
 class Desktop;
 class UserDefaults;
 
-/// Light or dark: after the desktop, or set by hand.
+/// Light or dark: following the desktop, or set by the user.
 class Appearance : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString mode READ mode WRITE setMode NOTIFY changed)
@@ -19,7 +19,7 @@ public:
     Appearance(Desktop& desktop, UserDefaults& defaults, QObject* parent = nullptr);
 
     const QString& mode() const { return m_mode; } ///< "desktop", "light" or "dark"
-    void setMode(const QString& mode); ///< an unknown word changes nothing
+    void setMode(const QString& mode); ///< an unknown word has no effect
     bool dark() const;
     bool reducedMotion() const;
     QList<Choice> modes() const;

@@ -16,7 +16,7 @@ class LocalDB;
 class UserDefaults;
 struct AIServices;
 
-/// Somebody who can answer.
+/// A backend that can answer.
 class AssistantBackend {
     Q_GADGET
     Q_PROPERTY(QString name MEMBER name)
@@ -32,7 +32,7 @@ public:
     bool operator==(const AssistantBackend&) const = default;
 };
 
-/// Something about this machine.
+/// A fact about this machine.
 class MachineFact {
     Q_GADGET
     Q_PROPERTY(QString label MEMBER label)
@@ -44,7 +44,7 @@ public:
     bool operator==(const MachineFact&) const = default;
 };
 
-/// Something that the assistant remembers.
+/// A memory of the assistant.
 class MemoryLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -60,34 +60,34 @@ public:
     bool operator==(const MemoryLine&) const = default;
 };
 
-/// The assistant, as the settings show it: who answers and why the other does not, which local model, whether this
-/// machine may do heavy work, and what is kept in memory.
+/// The assistant's settings: which backend answers and why the other does not, the local model, whether this machine
+/// may do heavy work, and the stored memory.
 class AssistantSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString answersText READ answersText NOTIFY changed)
     Q_PROPERTY(bool available READ available NOTIFY changed)
     Q_PROPERTY(QList<corvane::AssistantBackend> backends READ backends NOTIFY changed)
     Q_PROPERTY(QStringList models READ models NOTIFY choiceChanged)
-    Q_PROPERTY(QString model READ model WRITE setModel NOTIFY choiceChanged) ///< empty: the first that is there
+    Q_PROPERTY(QString model READ model WRITE setModel NOTIFY choiceChanged) ///< empty: the first available one
     Q_PROPERTY(QString modelText READ modelText NOTIFY choiceChanged)
     Q_PROPERTY(QString firstModelLabel READ firstModelLabel CONSTANT)
-    Q_PROPERTY(QString elsewhereText READ elsewhereText NOTIFY changed) ///< empty: the model runs here
+    Q_PROPERTY(QString elsewhereText READ elsewhereText NOTIFY changed) ///< empty: the model runs on this machine
     Q_PROPERTY(bool elsewhereAllowed READ elsewhereAllowed NOTIFY changed)
-    Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl NOTIFY choiceChanged) ///< empty: the usual ports
+    Q_PROPERTY(QString serverUrl READ serverUrl WRITE setServerUrl NOTIFY choiceChanged) ///< empty: the default ports
     Q_PROPERTY(QString gateText READ gateText NOTIFY changed)
     Q_PROPERTY(bool gateIsOpen READ gateIsOpen NOTIFY changed)
     Q_PROPERTY(QList<corvane::MachineFact> gateFacts READ gateFacts NOTIFY changed)
     Q_PROPERTY(bool trying READ trying NOTIFY tryChanged)
-    Q_PROPERTY(QString tryText READ tryText NOTIFY tryChanged) ///< how far it is, or what came of it
+    Q_PROPERTY(QString tryText READ tryText NOTIFY tryChanged) ///< the progress or result
     Q_PROPERTY(QString tryKind READ tryKind NOTIFY tryChanged) ///< "idle", "busy", "good" or "bad"
     Q_PROPERTY(QList<corvane::MemoryLine> memory READ memory NOTIFY memoryChanged)
     Q_PROPERTY(QString memoryEmptyText READ memoryEmptyText CONSTANT)
-    Q_PROPERTY(QString forgottenText READ forgottenText NOTIFY memoryChanged) ///< empty: nothing to take back
+    Q_PROPERTY(QString forgottenText READ forgottenText NOTIFY memoryChanged) ///< empty: nothing to restore
 public:
     /// All of it outlives the view model.
     AssistantSettings(
         AIServices& services, UserDefaults& defaults, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
-    ~AssistantSettings() override; ///< cancels what is being tried
+    ~AssistantSettings() override; ///< cancels a running test
 
     QString answersText() const;
     bool available() const;
@@ -111,18 +111,18 @@ public:
     QString memoryEmptyText() const;
     QString forgottenText() const;
 
-    /// While someone looks, what changes by itself is read every few seconds.
+    /// While visible, changing values are read every few seconds.
     void setVisible(bool visible);
 
-    Q_INVOKABLE void allowElsewhere(bool allow); ///< the model that would answer may read texts on another machine
-    Q_INVOKABLE void tryIt(); ///< asks whoever answers for one sentence
+    Q_INVOKABLE void allowElsewhere(bool allow); ///< the model that would answer may process texts on another machine
+    Q_INVOKABLE void tryIt(); ///< asks the current backend for one sentence
     Q_INVOKABLE void cancelTry();
     Q_INVOKABLE void forget(const QString& memoryId);
-    Q_INVOKABLE void keepForgotten(); ///< takes the last `forget` back
+    Q_INVOKABLE void keepForgotten(); ///< undoes the last `forget`
 
 Q_SIGNALS:
     void changed();
-    void choiceChanged(); ///< the models too
+    void choiceChanged(); ///< also the list of models
     void tryChanged();
     void memoryChanged();
 

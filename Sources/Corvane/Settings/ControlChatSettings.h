@@ -21,14 +21,14 @@ public:
     QString channel; ///< such as "WHATSAPP"
     QString detail; ///< the channel's name and the account
     bool chosen = false;
-    QString sentence; ///< the row, read aloud
+    QString sentence; ///< accessible text of the row
 
     static constexpr const char* role = "chat";
     const QString& key() const { return id; }
     bool operator==(const ControlChatRow&) const = default;
 };
 
-/// The card that names the one conversation from which approvals can be given. It only keeps the choice.
+/// The card for choosing the conversation from which approvals can be given. It only stores the choice.
 class ControlChatSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
@@ -36,11 +36,11 @@ class ControlChatSettings : public QObject {
     Q_PROPERTY(QString searchText READ searchText CONSTANT)
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed) ///< how to approve from the chat, once one is chosen
     Q_PROPERTY(bool chosen READ chosen NOTIFY changed)
-    Q_PROPERTY(QString savedText READ savedText NOTIFY changed) ///< what the last press came to; mostly empty
-    Q_PROPERTY(bool failed READ failed NOTIFY changed) ///< `savedText` tells of a failure
+    Q_PROPERTY(QString savedText READ savedText NOTIFY changed) ///< the result of the last action; usually empty
+    Q_PROPERTY(bool failed READ failed NOTIFY changed) ///< `savedText` is an error
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< in place of the list
-    /// The newest that the query leaves; the properties of `ControlChatRow` are the roles.
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< instead of the list
+    /// The newest that match the query; the properties of `ControlChatRow` are the roles.
     Q_PROPERTY(corvane::GadgetListModel* chats READ chats CONSTANT)
 public:
     explicit ControlChatSettings(LocalDB& db, QObject* parent = nullptr);
@@ -62,7 +62,7 @@ public:
 
     Q_INVOKABLE void choose(const QString& id);
     Q_INVOKABLE void turnOff();
-    void refresh(); ///< reads the conversations anew
+    void refresh(); ///< reads the conversations again
 
 Q_SIGNALS:
     void changed();

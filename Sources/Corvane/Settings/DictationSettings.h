@@ -7,7 +7,7 @@ namespace corvane {
 
 class DictationAnywhere;
 
-/// Dictation into other programs, as the settings show it.
+/// The settings of dictation into other programs.
 class DictationSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool enabled READ enabled WRITE setEnabled NOTIFY changed)
@@ -18,7 +18,7 @@ class DictationSettings : public QObject {
     Q_PROPERTY(QString pushToTalkLabel READ pushToTalkLabel CONSTANT)
     Q_PROPERTY(QString pushToTalkHint READ pushToTalkHint CONSTANT)
     Q_PROPERTY(QString insertionLabel READ insertionLabel CONSTANT)
-    Q_PROPERTY(QString insertionText READ insertionText NOTIFY changed) ///< how the text gets there
+    Q_PROPERTY(QString insertionText READ insertionText NOTIFY changed) ///< how text is inserted
     Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< of the last dictation; empty for none
 public:
     /// `dictation` outlives the view model.

@@ -44,18 +44,18 @@ public:
     bool operator==(const SettingsSection&) const = default;
 };
 
-/// The settings screen: the accounts with all that can be done to them, and the cards of the other sections.
+/// The settings screen: the accounts with their actions, and the cards of the other sections.
 class IntegrationsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString approvalRule READ approvalRule CONSTANT)
     Q_PROPERTY(QList<corvane::SettingsSection> sections READ sections CONSTANT)
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY sectionChanged)
-    /// The account rows, by channel; the properties of `AccountRow` are the roles.
+    /// The account rows, grouped by channel; the properties of `AccountRow` are the roles.
     Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    /// One a channel, for `connectChannel`.
+    /// One per channel, for `connectChannel`.
     Q_PROPERTY(QList<corvane::ConnectFlow> connectFlows READ connectFlows CONSTANT)
     Q_PROPERTY(corvane::ConnectForm* connectForm READ connectForm CONSTANT)
     Q_PROPERTY(corvane::MailForm* mailForm READ mailForm CONSTANT)
@@ -73,7 +73,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
 public:
-    /// What the screen stands on; all of it outlives the screen.
+    /// All references outlive the screen.
     struct Surroundings {
         AccountStore& accounts;
         EngineManager& engine;
@@ -98,7 +98,7 @@ public:
     static const QList<SettingsSection>& sections();
     const QString& section() const { return m_section; }
     QString sectionLabel() const;
-    void setSection(const QString& id); ///< an unknown word changes nothing
+    void setSection(const QString& id); ///< an unknown word has no effect
     GadgetListModel* accounts() { return &m_rows; }
     QString emptyTitle() const { return u"No accounts yet"_s; }
     QString emptyText() const { return u"Connect a channel and its messages appear in the inbox."_s; }
@@ -110,10 +110,10 @@ public:
     AssistantSettings* assistant() { return &m_assistant; }
     CalendarSettings* calendar() const { return m_calendar; }
     DictationSettings* dictation() const { return m_dictation; }
-    void setDictation(DictationSettings& dictation) { m_dictation = &dictation; } ///< before the window is made
-    void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is made
+    void setDictation(DictationSettings& dictation) { m_dictation = &dictation; } ///< before the window is created
+    void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is created
     LocalAccess* localAccess() const { return m_localAccess; }
-    void setLocalAccess(LocalAccess& access); ///< before the window is made
+    void setLocalAccess(LocalAccess& access); ///< before the window is created
     SyncSettings* sync() { return &m_sync; }
     WebSettings* web() { return &m_web; }
     PushSettings* push() { return &m_push; }
@@ -121,14 +121,14 @@ public:
     VoiceSettings* voice() { return &m_voice; }
     ToolServerCard* toolServer() { return &m_toolServer; }
 
-    /// Last message times, sync health and conversations are read only while someone looks.
+    /// Last message times, sync state and conversations are read only while visible.
     bool visible() const { return m_visible; }
     void setVisible(bool visible);
 
-    /// One of the actions of a row. What has a `confirmation` was confirmed before.
+    /// One of the actions of a row. Actions with a `confirmation` were confirmed before.
     Q_INVOKABLE void perform(const QString& accountId, const QString& actionId);
 
-    /// Opens the channel's sheet; one that asks for nothing is connected at once.
+    /// Opens the channel's sheet; a channel that needs no input is connected at once.
     Q_INVOKABLE void connectChannel(const QString& channel);
 
 Q_SIGNALS:

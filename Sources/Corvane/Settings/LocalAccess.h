@@ -15,7 +15,7 @@ class CalendarStore;
 class Desktop;
 class UserDefaults;
 
-/// Something of the user's on this computer, and whether the program may read it.
+/// A kind of local user data, and whether the program may read it.
 class LocalAccessRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -31,8 +31,8 @@ public:
     bool operator==(const LocalAccessRow&) const = default;
 };
 
-/// The card "Local access": mail and messages are this program's own accounts, the rest stands in folders, of which
-/// nothing but the names and numbers is read before the user presses Connect.
+/// The card "Local access": mail and messages are this program's own accounts; the rest is in folders, of which only
+/// names and numbers are read before the user presses Connect.
 class LocalAccess : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label CONSTANT)
@@ -56,12 +56,12 @@ public:
     static QString hint() { return u"Mail · Tasks · Contacts · Notes · Messages — local, no cloud sign-in"_s; }
     QList<LocalAccessRow> rows() const;
 
-    Q_INVOKABLE void refresh(); ///< counts again what is connected
+    Q_INVOKABLE void refresh(); ///< counts the connected data again
     Q_INVOKABLE void connectTo(const QString& id);
 
 Q_SIGNALS:
     void changed();
-    void accountsAsked(); ///< where mail and messages are connected
+    void accountsAsked(); ///< opens the section where mail and messages are connected
 
 private:
     LocalAccessRow accountsRow(const QString& id, const QString& name, bool mail) const;
@@ -69,13 +69,13 @@ private:
     bool isFound(const QString& id) const;
     bool isConnected(const QString& id) const;
     QStringList contactFolders() const;
-    QString notesFolder() const; ///< empty where there is none
+    QString notesFolder() const; ///< empty if there is none
     void count(const QString& id);
     void chooseNotes();
     void tell(const QString& id, const QString& words);
 
     const Surroundings m_at;
-    QHash<QString, QString> m_told; ///< by id: how much there is, or what went wrong
+    QHash<QString, QString> m_told; ///< by id: the amount, or the error
 };
 
 }

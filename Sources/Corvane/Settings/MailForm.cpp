@@ -173,7 +173,7 @@ void MailForm::submit()
         findServers();
 }
 
-/// What is wrong with what was typed; empty where nothing is.
+/// What is wrong with what was typed; empty if nothing is.
 QString MailForm::problem() const
 {
     for (const Account& account : m_setup.accounts.accounts()) {

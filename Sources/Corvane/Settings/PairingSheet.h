@@ -11,7 +11,7 @@ namespace corvane {
 class AccountStore;
 class EngineManager;
 
-/// Links one account by its QR code. Closing changes nothing in the engine.
+/// Links an account by its QR code. Closing does not affect the engine.
 class PairingSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
@@ -19,7 +19,7 @@ class PairingSheet : public QObject {
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed)
     Q_PROPERTY(QString qr READ qr NOTIFY changed)
     Q_PROPERTY(bool connected READ connected NOTIFY changed)
-    Q_PROPERTY(bool failed READ failed NOTIFY changed) ///< nothing comes by itself
+    Q_PROPERTY(bool failed READ failed NOTIFY changed) ///< waiting will not help
     Q_PROPERTY(QString doneLabel READ doneLabel CONSTANT)
 public:
     PairingSheet(AccountStore& accounts, EngineManager& engine, QObject* parent = nullptr);
@@ -27,7 +27,7 @@ public:
     bool isOpen() const { return !m_accountId.isNull(); }
     QString title() const;
     QString stateText() const;
-    QString qr() const; ///< what the code holds; empty while there is none to show
+    QString qr() const; ///< the content of the code; empty if there is none
     bool connected() const;
     bool failed() const;
     QString doneLabel() const { return u"Done"_s; }

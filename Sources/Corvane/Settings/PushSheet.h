@@ -10,7 +10,7 @@ class AccountStore;
 class SessionStore;
 class SyncClient;
 
-/// A chat in the sheet before a push.
+/// A chat in the sheet shown before a push.
 class PushChatLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -21,7 +21,7 @@ public:
     QString id; ///< of the conversation
     QString title;
     QString detail; ///< such as "12 messages since 3 May 2026"
-    bool kept = false; ///< local, from this sheet on
+    bool kept = false; ///< will be kept local
     QString account;
 
     static constexpr const char* role = "chat";
@@ -57,7 +57,7 @@ public:
     bool operator==(const KeptLine&) const = default;
 };
 
-/// What a person reads before a push: what leaves the machine, where to, and what can be kept from it.
+/// The information before a push: what leaves the machine, where it goes, and what can be excluded.
 class PushSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
@@ -65,13 +65,13 @@ class PushSheet : public QObject {
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString targetText READ targetText NOTIFY changed)
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY changed)
-    Q_PROPERTY(QString contentText READ contentText CONSTANT) ///< what of a message goes
-    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty where all of it is in the list
+    Q_PROPERTY(QString contentText READ contentText CONSTANT) ///< which parts of a message are sent
+    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty if everything is listed
     Q_PROPERTY(corvane::GadgetListModel* chats READ chats CONSTANT)
     Q_PROPERTY(QList<corvane::PushAccountLine> accounts READ accounts NOTIFY changed)
     Q_PROPERTY(bool canPush READ canPush NOTIFY changed)
     Q_PROPERTY(bool writing READ writing NOTIFY changed)
-    Q_PROPERTY(QString dryRunText READ dryRunText NOTIFY changed) ///< what became of the file
+    Q_PROPERTY(QString dryRunText READ dryRunText NOTIFY changed) ///< the result of the dry run
     Q_PROPERTY(bool dryRunFailed READ dryRunFailed NOTIFY changed)
 public:
     /// All of it outlives the sheet.
@@ -104,13 +104,13 @@ public:
 
     Q_INVOKABLE void open();
     Q_INVOKABLE void close();
-    Q_INVOKABLE void push(); ///< the person agrees to all that the sheet says
+    Q_INVOKABLE void push(); ///< the user agrees to everything in the sheet
     Q_INVOKABLE void retry();
 
-    /// Kept, and pushed again, by turns.
+    /// Toggles between kept and pushed.
     Q_INVOKABLE void keepChat(const QString& conversationId, bool kept);
     Q_INVOKABLE void keepAccount(const QString& slug, bool kept);
-    Q_INVOKABLE void writeDryRun(); ///< into the folder of downloads
+    Q_INVOKABLE void writeDryRun(); ///< into the downloads folder
 
 Q_SIGNALS:
     void changed();
@@ -127,7 +127,7 @@ private:
     bool m_isOpen = false;
 };
 
-/// The account's name, or its slug where it is gone.
+/// The account's name, or its slug if the account is gone.
 QString accountName(const AccountStore& accounts, const QString& slug);
 
 }

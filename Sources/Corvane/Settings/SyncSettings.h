@@ -9,7 +9,7 @@ namespace corvane {
 class LocalDB;
 class SessionStore;
 
-/// What one part of the sync last did.
+/// The last activity of one part of the sync.
 class SyncHealthLine {
     Q_GADGET
     Q_PROPERTY(QString source MEMBER source)
@@ -38,7 +38,7 @@ class SyncSettings : public QObject {
     Q_PROPERTY(QString queueLabel READ queueLabel CONSTANT)
     Q_PROPERTY(QString queueHint READ queueHint CONSTANT)
     Q_PROPERTY(QString queuedText READ queuedText NOTIFY changed) ///< empty until a pull was queued
-    Q_PROPERTY(QString engineText READ engineText NOTIFY changed) ///< which tool server last started, and when
+    Q_PROPERTY(QString engineText READ engineText NOTIFY changed) ///< which tool server was last started, and when
 public:
     SyncSettings(SessionStore& session, LocalDB& db, QObject* parent = nullptr);
 
@@ -57,7 +57,7 @@ public:
     const QString& queuedText() const { return m_queuedText; }
     const QString& engineText() const { return m_engineText; }
 
-    Q_INVOKABLE void signInOrOut(); ///< what `actionLabel` says
+    Q_INVOKABLE void signInOrOut(); ///< the action of `actionLabel`
     Q_INVOKABLE void queuePull();
     Q_INVOKABLE void refresh();
 

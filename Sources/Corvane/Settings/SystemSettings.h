@@ -13,7 +13,7 @@ class Keychain;
 class UserDefaults;
 struct AppPaths;
 
-/// What concerns this machine: banners, keys, and where things are kept.
+/// Settings of this machine: banners, keys, and storage locations.
 class SystemSettings : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("Platform/HotKey.h")
@@ -30,17 +30,17 @@ class SystemSettings : public QObject {
 public:
     SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, QObject* parent = nullptr);
 
-    bool notifyOnNewMessage() const; ///< a missing setting counts as on
+    bool notifyOnNewMessage() const; ///< on by default
     void setNotifyOnNewMessage(bool on);
     QString notifyLabel() const { return u"Notify on new messages"_s; }
     QString notifyHint() const { return u"Banners for new messages and for approvals that wait."_s; }
-    bool returnSends() const; ///< a missing setting counts as off
+    bool returnSends() const; ///< off by default
     void setReturnSends(bool on);
     QString returnSendsLabel() const { return u"Return sends"_s; }
     QString returnSendsHint() const { return u"Shift+Return begins a new line. Ctrl+Return sends either way."_s; }
     int hotKeyCount() const { return int(m_hotKeys.size()); }
     Q_INVOKABLE corvane::HotKey* hotKey(int index) const { return m_hotKeys.value(index); }
-    void setHotKeys(const QList<HotKey*>& hotKeys) { m_hotKeys = hotKeys; } ///< before the window; they outlive it
+    void setHotKeys(const QList<HotKey*>& hotKeys) { m_hotKeys = hotKeys; } ///< before the window
     QString secretsPlace() const; ///< such as "the desktop's keyring"
     bool canUnlock() const; ///< whether the keyring is locked
     Q_INVOKABLE void unlock();

@@ -9,7 +9,7 @@ namespace corvane {
 
 class EngineManager;
 
-/// The local tool server, as the settings show it.
+/// The settings card of the local tool server.
 class ToolServerCard : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
@@ -26,7 +26,7 @@ public:
     QString url() const;
     QString actionLabel() const;
 
-    Q_INVOKABLE void startOrStop(); ///< what `actionLabel` says
+    Q_INVOKABLE void startOrStop(); ///< the action of `actionLabel`
 
 Q_SIGNALS:
     void changed();

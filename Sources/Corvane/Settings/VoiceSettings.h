@@ -11,7 +11,7 @@ namespace corvane {
 class UserDefaults;
 struct VoiceServices;
 
-/// A recogniser that can be chosen.
+/// A speech recogniser that can be chosen.
 class SpeechModelLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -43,22 +43,22 @@ public:
     bool operator==(const PublishedModelLine&) const = default;
 };
 
-/// Speech on this machine, as the settings show it: which model hears, how another is added, and the language.
+/// The speech settings: the recogniser, adding models, and the language.
 class VoiceSettings : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString stateText READ stateText NOTIFY modelsChanged) ///< what can be transcribed now
+    Q_PROPERTY(QString stateText READ stateText NOTIFY modelsChanged) ///< which languages can be transcribed now
     Q_PROPERTY(bool ready READ ready NOTIFY modelsChanged)
     Q_PROPERTY(QList<corvane::SpeechModelLine> models READ models NOTIFY modelsChanged)
     Q_PROPERTY(QList<corvane::PublishedModelLine> published READ published CONSTANT)
     Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY addressChanged)
     Q_PROPERTY(bool busy READ busy NOTIFY installChanged)
-    Q_PROPERTY(double progress READ progress NOTIFY installChanged) ///< from 0 to 1; -1: not known
-    Q_PROPERTY(QString installText READ installText NOTIFY installChanged) ///< how far it is, or why it failed
+    Q_PROPERTY(double progress READ progress NOTIFY installChanged) ///< from 0 to 1; -1: unknown
+    Q_PROPERTY(QString installText READ installText NOTIFY installChanged) ///< the progress, or the error
     Q_PROPERTY(bool installFailed READ installFailed NOTIFY installChanged)
     Q_PROPERTY(QList<corvane::Choice> locales READ locales NOTIFY modelsChanged)
     Q_PROPERTY(QString locale READ locale WRITE setLocale NOTIFY localeChanged) ///< "system", or a locale
     Q_PROPERTY(QString localeText READ localeText NOTIFY localeChanged)
-    Q_PROPERTY(QString localeHint READ localeHint NOTIFY localeChanged) ///< empty where the language can be heard
+    Q_PROPERTY(QString localeHint READ localeHint NOTIFY localeChanged) ///< empty if the language can be detected
 public:
     /// Both outlive the view model.
     VoiceSettings(VoiceServices& voice, UserDefaults& defaults, QObject* parent = nullptr);

@@ -51,7 +51,7 @@ class WebSettings : public QObject {
     Q_PROPERTY(bool searchable READ searchable NOTIFY changed) ///< more than the list shows
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QList<corvane::WorkspaceLine> workspaces READ workspaces NOTIFY changed) ///< that match the query
-    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty where the list shows all of them
+    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty if the list shows all of them
     Q_PROPERTY(QList<corvane::IntegrationLine> integrations READ integrations NOTIFY changed)
     Q_PROPERTY(QString emptyIntegrationsText READ emptyIntegrationsText NOTIFY changed)
 public:

@@ -6,7 +6,7 @@ namespace corvane {
 
 class LocalDB;
 
-/// Where the screens' data comes from. A seam without operations: nothing is routed through it yet.
+/// The source of the screens' data. Nothing uses it yet.
 class DataSource {
 public:
     virtual ~DataSource() = default;

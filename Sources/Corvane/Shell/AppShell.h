@@ -9,12 +9,12 @@ namespace corvane {
 
 class UserDefaults;
 
-/// Where the user is: one of the hubs, or what covers the hub and leaves it chosen: the settings, the approvals,
-/// the calls.
+/// The navigation state: one of the hubs, or a page that covers it while the hub stays selected: settings, approvals,
+/// calls.
 class AppShell : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString selectedNav READ selectedNav NOTIFY navigationChanged)
-    Q_PROPERTY(QUrl page READ page NOTIFY navigationChanged) ///< of the chosen hub, in QML
+    Q_PROPERTY(QUrl page READ page NOTIFY navigationChanged) ///< of the selected hub, in QML
     Q_PROPERTY(QObject* screen READ screen NOTIFY navigationChanged) ///< what that page shows
     Q_PROPERTY(bool settings READ settings NOTIFY navigationChanged)
     Q_PROPERTY(bool approvals READ approvals NOTIFY navigationChanged)
@@ -29,7 +29,7 @@ public:
         m_screens = screens;
     } ///< one for each hub; they outlive the shell
 
-    QString selectedNav() const; ///< kept while the hub is covered
+    QString selectedNav() const; ///< unchanged while the hub is covered
     QUrl page() const;
     QObject* screen() const { return m_screens.value(m_hub); }
     bool settings() const { return m_cover == Cover::Settings; }
@@ -37,9 +37,9 @@ public:
     bool calls() const { return m_cover == Cover::Calls; }
     TopHubBar* hubs() { return &m_hubs; }
 
-    Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word changes nothing
+    Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word has no effect
     Q_INVOKABLE void toggleSettings(); ///< the gear
-    Q_INVOKABLE void openSettings(); ///< the profile menu; the hub stays
+    Q_INVOKABLE void openSettings(); ///< from the profile menu; the hub stays selected
     Q_INVOKABLE void toggleApprovals();
     Q_INVOKABLE void openApprovals();
     Q_INVOKABLE void toggleCalls();

@@ -8,7 +8,7 @@ namespace corvane {
 
 struct AppPaths;
 
-/// `corvane ask "question"`: the running program answers, and where none runs this process itself. The exit code.
+/// `corvane ask "question"`: answered by the running program, else by this process. Returns the exit code.
 int askQuestion(const AppPaths& paths, const QStringList& words, QTextStream& out, QTextStream& errors);
 
 }

@@ -9,8 +9,8 @@ namespace corvane {
 class Tray;
 class UserDefaults;
 
-/// Where no tray shows the program, a closed window leaves nothing to see of it. That is said once, at the first
-/// closing.
+/// Without a tray icon a closed window leaves no trace of the running program. The user is told so once, when the
+/// window is first closed.
 class ClosingNotice : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
@@ -18,7 +18,7 @@ class ClosingNotice : public QObject {
     Q_PROPERTY(QString closeLabel READ closeLabel CONSTANT)
     Q_PROPERTY(QString quitLabel READ quitLabel CONSTANT)
 public:
-    /// Both outlive the notice; null for no tray at all.
+    /// Both outlive the notice; null if there is no tray.
     ClosingNotice(const Tray* tray, UserDefaults& defaults, QObject* parent = nullptr);
 
     QString title() const { return u"Corvane keeps working"_s; }
@@ -26,8 +26,8 @@ public:
     QString closeLabel() const { return u"Close the window"_s; }
     QString quitLabel() const { return u"Quit Corvane"_s; }
 
-    Q_INVOKABLE bool due() const; ///< asked before the window closes
-    Q_INVOKABLE void said(); ///< never again
+    Q_INVOKABLE bool due() const; ///< call it before the window closes
+    Q_INVOKABLE void said(); ///< never shown again
 
 private:
     const Tray* m_tray;

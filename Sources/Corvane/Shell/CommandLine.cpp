@@ -33,7 +33,7 @@ struct TextCommand {
     QString what;
     qsizetype least = 0;
     qsizetype most = 0;
-    int (*run)(const Run& run) = nullptr; ///< none where the running program is told, or started
+    int (*run)(const Run& run) = nullptr; ///< none if the running program is told, or started
 };
 
 constexpr qsizetype any = 1'000'000;

@@ -5,11 +5,11 @@
 
 namespace corvane {
 
-/// Runs what the arguments ask for where it needs no display and may run beside the program, such as `corvane verify`.
-/// The exit code, 2 for wrong use; nothing where the program itself is to start, or to be told.
+/// Runs commands that need no display and may run beside the program, such as `corvane verify`. Returns the exit code,
+/// 2 for wrong usage; nothing if the program itself must be started or notified.
 std::optional<int> runCommand(int argc, char** argv);
 
-/// What `corvane --help` says of each command, those of the running program included.
+/// The commands in `corvane --help`, including those of the running program.
 QString commandHelp();
 
 }

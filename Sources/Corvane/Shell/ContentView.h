@@ -9,7 +9,7 @@ namespace corvane {
 class SessionStore;
 class UserDefaults;
 
-/// The window's one decision: the wall, or the shell. It hides the screens and never the work behind them.
+/// Decides what the window shows: the login wall, or the shell. Background work continues behind the wall.
 class ContentView : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool showsWall READ showsWall NOTIFY showsWallChanged)
@@ -17,12 +17,11 @@ class ContentView : public QObject {
 public:
     ContentView(SessionStore& session, UserDefaults& defaults, QObject* parent = nullptr);
 
-    /// False with a token of any kind, while the keyring has not said whether there is one, and after
-    /// `continueWithoutSigningIn`.
+    /// False if there is a token of any kind, while the keyring has not answered, and after `continueWithoutSigningIn`.
     bool showsWall() const { return m_showsWall; }
-    QString title() const { return u"Corvane"_s; } ///< the window's
+    QString title() const { return u"Corvane"_s; } ///< the window title
 
-    /// Opens the shell on this machine alone; remembered until a sign-out.
+    /// Opens the shell without an account; remembered until sign-out.
     void continueWithoutSigningIn();
 
 Q_SIGNALS:

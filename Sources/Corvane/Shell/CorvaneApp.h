@@ -47,7 +47,7 @@ struct VoiceServices;
 struct CallServices;
 struct WebServices;
 
-/// The composition root: builds every long-lived object once and hands out references.
+/// The composition root: creates every long-lived object once and hands out references.
 class CorvaneApp : public QObject {
     Q_OBJECT
 public:
@@ -85,38 +85,38 @@ public:
     MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }
     const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
-    Commands& commands() { return m_commands; } ///< without a window: what works without one
+    Commands& commands() { return m_commands; } ///< commands that work without a window
     std::optional<mode_t> userUmask() const { return m_machine.userUmask; }
     const AppPaths& paths() const { return m_paths; }
 
-    /// The start sequence, run each time the main window appears, and once in a headless run. It may run again.
+    /// The start sequence: runs whenever the main window appears, and once in a headless run. May run again.
     void onAppear();
 
-    /// Starts the engine of every account that is not paused, whatever its channel.
+    /// Starts the engines of all accounts that are not paused.
     void startAllEngines();
 
-    /// What is wrong with the database and what to do; empty where nothing is.
+    /// The problem with the database and its remedy; empty if there is none.
     QString storeTrouble() const;
 
-    /// What a later start of the program was given: a sign-in's URL, "capture", "record", "mark", "--toggle-dictation",
-    /// or nothing but the wish to be shown.
+    /// The arguments of a later start of the program: a sign-in URL, "capture", "record", "mark", "--toggle-dictation",
+    /// or none to show the window.
     void open(const QStringList& arguments);
 
-    /// Ends what runs, and says `ended` once engines have ended and what they printed is stored, after six seconds at
-    /// most. A second call does nothing.
+    /// Shuts down, and emits `ended` once the engines have exited and their output is stored, after at most six
+    /// seconds. A second call has no effect.
     void quit();
     bool isQuitting() const { return m_quitLimit != nullptr; }
 
-    /// Ends what runs. The process is about to end, without a loop of events from here on.
+    /// Shuts down without an event loop; the process is about to exit.
     void willTerminate();
 
 Q_SIGNALS:
-    void windowRequested(); ///< show the main window and bring it to the front
-    void panelRequested(const QPoint& at); ///< show or hide the small window, there on the screen
+    void windowRequested(); ///< raise the main window
+    void panelRequested(const QPoint& at); ///< toggle the small window at this position of the screen
     void settingsRequested();
     void quitRequested();
-    void quitting(); ///< no surface shows any more
-    void ended(); ///< the process may end
+    void quitting(); ///< all windows must close
+    void ended(); ///< the process may exit
 
 private:
     void runTrayCommand(const QString& id);
@@ -150,15 +150,15 @@ private:
     std::unique_ptr<ApprovalsStore> m_approvals;
     std::unique_ptr<QuickCapture> m_capture;
     std::unique_ptr<DictationAnywhere> m_dictation;
-    std::unique_ptr<DictationBanner> m_dictationBanner; ///< where there is no panel
+    std::unique_ptr<DictationBanner> m_dictationBanner; ///< if there is no panel
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;
     std::unique_ptr<CorvaneMenuBarLabel> m_trayLabel;
     Commands m_commands;
-    int m_toldMinutes = -1; ///< of the recording, at the tray; -1 without one
-    QString m_told; ///< of what is wrong with the database
-    std::unique_ptr<Timer> m_quitLimit; ///< while it quits
+    int m_toldMinutes = -1; ///< minutes of the recording in the tray; -1 without one
+    QString m_told; ///< the last problem of the database
+    std::unique_ptr<Timer> m_quitLimit; ///< while quitting
 };
 
 }

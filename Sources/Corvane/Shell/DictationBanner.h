@@ -9,12 +9,12 @@ namespace corvane {
 class DictationAnywhere;
 class Notifier;
 
-/// What the panel of dictation says, as a banner of the desktop: for desktops where a window would take the focus from
-/// the program that gets the text.
+/// Shows the dictation panel's text as a desktop banner: for desktops where a window would take the focus from the
+/// program that gets the text.
 class DictationBanner : public QObject {
     Q_OBJECT
 public:
-    /// All of them outlive the banner.
+    /// All references outlive the banner.
     DictationBanner(DictationAnywhere& dictation, Notifier& notifier, NotificationCentre& centre);
 
 private:

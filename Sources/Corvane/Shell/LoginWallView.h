@@ -11,7 +11,7 @@ namespace corvane {
 class ContentView;
 class SessionStore;
 
-/// The sign-in wall: e-mail and password, the way through the browser, and the way past it.
+/// The login wall: e-mail and password, signing in with the browser, and continuing without an account.
 class LoginWallView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY changed)
@@ -34,7 +34,7 @@ public:
     const QString& password() const { return m_password; }
     void setEmail(const QString& email);
     void setPassword(const QString& password);
-    bool canSubmit() const; ///< not busy, and both fields hold something
+    bool canSubmit() const; ///< not busy, and both fields are filled
     bool busy() const;
     QString lastError() const; ///< empty for none
     QString primaryLabel() const;
@@ -53,7 +53,7 @@ public:
     QString browserLabel() const { return u"Sign in with browser instead"_s; }
     QString continueLabel() const { return u"Continue without signing in"_s; }
 
-    Q_INVOKABLE void submit(); ///< Return in a field, or the primary button
+    Q_INVOKABLE void submit(); ///< for Return in a field, or the primary button
     Q_INVOKABLE void signInWithBrowser();
     Q_INVOKABLE void continueWithoutSigningIn();
 

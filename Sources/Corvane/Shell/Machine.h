@@ -29,7 +29,7 @@ class TextInsertion;
 class ToolRunner;
 class Tray;
 
-/// The services that the program finds on its machine.
+/// The services of the machine that the program uses.
 struct Machine {
     Machine();
     ~Machine();
@@ -46,25 +46,25 @@ struct Machine {
     std::unique_ptr<ToolRunner> tools;
     std::unique_ptr<SystemLanguageModel> languageModel;
     std::unique_ptr<MachineFacts> facts;
-    std::unique_ptr<MediaDecoder> decoder; ///< the player reads through it
+    std::unique_ptr<MediaDecoder> decoder; ///< the player uses it
     std::unique_ptr<AudioPlayer> player;
-    std::unique_ptr<AudioPlayer> reader; ///< of texts that are read aloud
-    std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the person's
+    std::unique_ptr<AudioPlayer> reader; ///< for reading texts aloud
+    std::unique_ptr<SpeechRecogniser> modelRecogniser; ///< with a model of the user's
     std::unique_ptr<SpeechRecogniser> basicRecogniser;
     std::unique_ptr<GlobalShortcuts> shortcuts; ///< none in a headless run
     std::unique_ptr<TextInsertion> insertion; ///< none in a headless run
     std::unique_ptr<CallAudio> callAudio;
     std::unique_ptr<SleepInhibitor> sleep;
-    /// Both tracks of a call play at once, each through a decoder of its own.
+    /// Both tracks of a call play at once, each with its own decoder.
     std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
     std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
     std::unique_ptr<Tray> tray; ///< none in a headless run
-    QString systemRoot {}; ///< stands before the paths that tell memory and processes; empty: this machine
-    std::optional<mode_t> userUmask; ///< of programs that the user starts; none: that of this process
+    QString systemRoot {}; ///< prepended to the paths of memory and process information; empty: this machine
+    std::optional<mode_t> userUmask; ///< for programs that the user starts; none: this process's
 };
 
-/// The machine that the program runs on, without what only a window needs: the tray and the hot keys. `scheduler`
-/// outlives it; `userUmask` is that of programs that the user starts.
+/// The services of the current machine, without those that only a window needs: the tray and the shortcuts. `scheduler`
+/// outlives it; `userUmask` is for programs that the user starts.
 Machine thisMachine(const AppPaths& paths, Scheduler& scheduler, mode_t userUmask);
 
 }

@@ -13,7 +13,7 @@ enum class StoreFault;
 struct AppPaths;
 struct CalendarServices;
 
-/// A line of the notices.
+/// A notice.
 class Notice {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -24,18 +24,18 @@ public:
     QString id;
     QString tone; ///< "bad", "warn" or "plain"
     QString text;
-    QList<Choice> actions; ///< two at most
+    QList<Choice> actions; ///< at most two
 
     bool operator==(const Notice&) const = default;
 };
 
-/// What is wrong with the database, and what to do; empty where nothing is, or where another file is needed.
+/// The problem with the database and its remedy; empty if there is none, or if the file must be replaced.
 QString describe(StoreFault fault, const AppPaths& paths);
 
-/// What a person needs to know on whatever screen: each notice goes when its cause does.
+/// What the user must know on every screen: each notice disappears with its cause.
 class Notices : public QObject {
     Q_OBJECT
-    /// The most pressing first; `perform` takes the ids of a notice and of its action.
+    /// The most urgent first; `perform` takes the ids of a notice and of its action.
     Q_PROPERTY(QList<corvane::Notice> items READ items NOTIFY changed)
 public:
     struct Surroundings {

@@ -43,7 +43,7 @@ public:
         SessionStore& session, Commands& commands, WebSync& web, NotificationCentre& centre, QObject* parent = nullptr);
 
     QString displayLine() const;
-    QString initial() const; ///< empty where there is no name to take it from
+    QString initial() const; ///< empty if there is no name to take it from
     bool signedIn() const;
     QString workspaceLabel() const { return u"Workspace"_s; }
     const QList<WorkspaceChoice>& workspaces() const { return m_workspaces; }

@@ -7,16 +7,16 @@ namespace corvane {
 
 class CorvaneApp;
 
-/// What a person can do with the program whether its window shows or not: from the tray, the profile's menu, the
-/// command line. It outlives the commands.
+/// The commands that work with and without a window: from the tray, the profile menu, the command line. `app` outlives
+/// the commands.
 QList<Command> programCommands(CorvaneApp& app);
 
-// Those that are also words of the command line. They bring nothing to the front.
+// Also words of the command line. They do not raise the window.
 inline const QString captureCommand = u"capture"_s;
 inline const QString recordCommand = u"record"_s;
 inline const QString markCommand = u"mark"_s;
 
-/// The ids of the tray's menu, in its order; the last one stands apart.
+/// The ids of the tray menu, in order; the last one is separated.
 QStringList trayMenu();
 
 }

@@ -30,11 +30,11 @@ namespace corvane {
 
 class CorvaneApp;
 
-/// The view models of the main window, wired to each other. They live as long as the program, so that a window
-/// that is closed and opened again shows what it showed.
+/// The view models of the main window, connected to each other. They live as long as the program, so that a reopened
+/// window shows the same state.
 class Screens {
 public:
-    /// It outlives them.
+    /// `root` outlives them.
     explicit Screens(CorvaneApp& root);
 
     CorvaneApp& app; ///< for the factories of the hubs

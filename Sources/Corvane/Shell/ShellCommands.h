@@ -7,9 +7,9 @@ namespace corvane {
 class AppShell;
 class InboxView;
 
-// All of it outlives the commands.
+// All references outlive the commands.
 
-QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& commands); ///< what works everywhere
-QList<Command> placeCommands(AppShell& shell); ///< to each hub, and to what covers them
+QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& commands); ///< available everywhere
+QList<Command> placeCommands(AppShell& shell); ///< to each hub, and to the pages that cover them
 
 }

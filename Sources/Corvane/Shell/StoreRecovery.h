@@ -13,7 +13,7 @@ class EngineManager;
 struct AppPaths;
 struct SalvageProgress;
 
-/// What can take the place of a damaged database.
+/// A way to replace a corrupt database.
 class RecoveryChoice {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -27,8 +27,8 @@ public:
     bool operator==(const RecoveryChoice&) const = default;
 };
 
-/// A damaged database: the engines and the tool server are stopped, the file is moved aside, and the user chooses what
-/// takes its place. What engines have printed meanwhile waits. Also after a start that finds the choice still open.
+/// Handles a corrupt database: stops the engines and the tool server, moves the file aside, and lets the user choose
+/// its replacement. Output of the engines waits meanwhile. Also continues after a restart that interrupted the choice.
 class StoreRecovery : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool needed READ needed NOTIFY changed)
@@ -38,7 +38,7 @@ class StoreRecovery : public QObject {
     Q_PROPERTY(QList<corvane::RecoveryChoice> choices READ choices NOTIFY changed) ///< `choose` takes the id
     Q_PROPERTY(QString progressText READ progressText NOTIFY progressed) ///< while busy
     Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< 0 to 1, while busy
-    Q_PROPERTY(QString error READ error NOTIFY changed) ///< why the last choice came to nothing; mostly empty
+    Q_PROPERTY(QString error READ error NOTIFY changed) ///< why the last choice failed; usually empty
 public:
     struct Surroundings {
         EngineManager& engine;
@@ -60,13 +60,13 @@ public:
     double progress() const;
     const QString& error() const { return m_error; }
 
-    /// "save", "backup", "new", or "retry"; nothing where it is not offered.
+    /// "save", "backup", "new", or "retry"; does nothing if it is not offered.
     Q_INVOKABLE void choose(const QString& id);
 
 Q_SIGNALS:
     void changed();
     void progressed();
-    void recovered(); ///< a sound file is open, and everything may start again
+    void recovered(); ///< a valid file is open, and everything may start again
 
 private:
     enum class Source { Damaged, Backup };
@@ -76,7 +76,7 @@ private:
     void stopEngines();
     void setAside();
     void copy(const QString& from, Source source);
-    bool makeEmpty(); ///< a new file, which does not count before it is put in its place
+    bool makeEmpty(); ///< a new file, not yet at its final path
     void putInPlace();
     void set(Step step, const QString& error = {});
     QString newFile() const;
@@ -84,9 +84,9 @@ private:
 
     Surroundings m_at;
     Step m_step = Step::None;
-    QString m_aside; ///< the damaged file
+    QString m_aside; ///< the corrupt file
     QString m_error;
-    QStringList m_stopped; ///< the slugs of the accounts whose engines ran
+    QStringList m_stopped; ///< the slugs of the accounts whose engines were running
     std::shared_ptr<SalvageProgress> m_progress;
     std::unique_ptr<Timer> m_timer;
 };

@@ -6,22 +6,22 @@ class QTextStream;
 
 namespace corvane {
 
-/// What `corvane tool` was asked for.
+/// The arguments of `corvane tool`.
 struct ToolCall {
-    QString name; ///< empty for the list of tools
-    QByteArray arguments; ///< a JSON object; empty means one without members
+    QString name; ///< empty: list the tools
+    QByteArray arguments; ///< a JSON object; empty means {}
     int port = toolServerPort;
 };
 
 enum class ToolOutcome : int {
     Answered = 0,
-    Refused = 1, ///< the tool says why
-    WrongUse = 2, ///< the arguments are no JSON object
+    Refused = 1, ///< with the tool's reason
+    WrongUse = 2, ///< the arguments are not a JSON object
     NoServer = 3,
 };
 
-/// Hands a call to the local tool server with the token that lies beside the database. The answer goes to `out`, the
-/// reason of a failure to `errors`. It needs no display, and waits for the answer.
+/// Sends a call to the local tool server with the token from beside the database. The answer is written to `out`,
+/// errors to `errors`. It needs no display, and waits for the answer.
 ToolOutcome callTool(
     const AppPaths& paths, Scheduler& scheduler, const ToolCall& call, QTextStream& out, QTextStream& errors);
 

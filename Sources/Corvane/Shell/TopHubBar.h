@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// A hub as a word in the bar.
+/// A hub in the bar.
 class HubRow {
     Q_GADGET
     Q_PROPERTY(QString raw MEMBER raw)
@@ -41,7 +41,7 @@ public:
 
     void setSelected(int index); ///< -1 while something covers the hubs
     void setUnreadTotal(int count) { setBadge(u"inbox"_s, count, u"unread"_s); }
-    void setBadge(const QString& hub, int count, const QString& word); ///< the word says what is counted
+    void setBadge(const QString& hub, int count, const QString& word); ///< the word names what is counted
 
 protected:
     const void* gadgetAt(int row) const override { return &m_hubs.at(row); }
@@ -52,7 +52,7 @@ private:
     QList<HubRow> m_hubs;
 };
 
-/// What the badge shows: nothing at 0 or below, the number to 99, "99+" from 100 up.
+/// The badge text: empty for 0 or less, the number up to 99, "99+" from 100.
 QString unreadBadge(int count);
 
 }

@@ -9,7 +9,7 @@ class CorvaneApp;
 class LocalDB;
 class Screens;
 
-/// What the hubs of the room Work stand on; the screens outlive them.
+/// The services for the hubs of the room Work; the screens outlive them.
 WorkServices workServices(CorvaneApp& app, Screens& screens);
 
 QList<Command> workCommands();
@@ -17,7 +17,7 @@ QList<Command> workCommands();
 /// Contexts, items, decisions, questions and projects for the palette.
 QList<PaletteItem> foundWork(LocalDB& db, const QString& query);
 
-/// Shows what the palette found, in its hub.
+/// Opens a palette result in its hub.
 void openFoundWork(Screens& screens, const QString& id);
 
 }

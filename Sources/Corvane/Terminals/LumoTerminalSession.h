@@ -12,18 +12,18 @@
 
 namespace corvane {
 
-/// A local shell with its screen and its transcript. The shell starts when somebody first looks; the session keeps what
-/// a view needs to know, so that a view may come and go. Main thread only.
+/// A local shell with its screen and its transcript. The shell starts when the terminal is first shown; the session
+/// keeps the state of a view, so that views can be recreated. Main thread only.
 class LumoTerminalSession : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label NOTIFY labelChanged)
     Q_PROPERTY(corvane::TerminalSearch* search READ search CONSTANT)
 public:
     struct Options {
-        QString title; ///< shown until the shell or the user gives another
+        QString title; ///< shown until the shell or the user sets another
         std::optional<QString> projectId {};
         QString projectSlug = u"local"_s;
-        QString initialCommand {}; ///< typed once the shell is there
+        QString initialCommand {}; ///< typed once the shell is ready
         terminal::Command command;
     };
 
@@ -35,43 +35,43 @@ public:
     const QString& title() const { return m_options.title; }
     const std::optional<QString>& projectId() const { return m_options.projectId; }
     const QString& projectSlug() const { return m_options.projectSlug; }
-    QString currentDirectory() const; ///< of the shell now; where it started, before and after
+    QString currentDirectory() const; ///< of the running shell; the initial one before and after
     const QString& initialCommand() const { return m_options.initialCommand; }
     qint64 startedAt() const { return m_startedAt; } ///< milliseconds since the epoch
     TerminalTranscriptBuffer& transcript() { return m_transcript; }
 
-    /// What the tab says: what the user called it, else what the shell did, else the title.
+    /// The tab's label: the user's name for it, else the shell's title, else the title.
     QString label() const;
-    void rename(const QString& name); ///< empty: as the shell says
+    void rename(const QString& name); ///< empty: the shell's title
 
-    /// The terminal in the given size and colours; starts the shell at the first call. Null once terminated.
+    /// The terminal with the given size and colours; starts the shell at the first call. Null once terminated.
     terminal::Session* view(terminal::Size size);
     void setColors(const terminal::PaletteState& colors, bool dark);
-    terminal::Session* terminal() { return m_terminal.get(); } ///< null before the first look
-    /// Ends the shell and all that goes with it.
+    terminal::Session* terminal() { return m_terminal.get(); } ///< null before it is first shown
+    /// Ends the shell and its children.
     void terminate();
 
     bool failedToStart() const { return m_terminal && m_terminal->process() < 0; }
     bool isRunning() const { return m_terminal && m_terminal->isRunning(); }
     const std::optional<terminal::ExitStatus>& exitStatus() const { return m_exit; } ///< none while it runs
-    QString runningCommand() const; ///< the program in the foreground; empty where the shell waits
+    QString runningCommand() const; ///< the foreground program; empty if the shell is waiting
     void send(const QString& text); ///< as if typed
 
-    /// What the view shows now, from `scrollTop` on. False where the program holds its drawing back.
+    /// What the view shows, from `scrollTop` on. False while the program uses synchronised output.
     bool snapshot(terminal::Snapshot& snapshot);
-    /// The first row that is shown. It stays on its text while more comes; 0 follows the output.
+    /// The first visible row. It stays on its text while output arrives; 0 follows the output.
     int64_t scrollTop() const { return m_scrollTop; }
     void scrollTo(int64_t top);
 
     TerminalSearch* search() { return &m_search; }
-    bool attention() const { return m_attention; } ///< the bell rang since somebody looked
+    bool attention() const { return m_attention; } ///< the bell rang since the user last looked
     void clearAttention();
 
 Q_SIGNALS:
-    void changed(); ///< there may be something new to show
+    void changed(); ///< something may need to be redrawn
     void labelChanged();
-    void clipboardRequested(const QString& text); ///< a program wants it on the clipboard
-    void ended(); ///< the shell has ended, or could not be started
+    void clipboardRequested(const QString& text); ///< a program wants to set the clipboard
+    void ended(); ///< the shell has exited, or could not be started
 
 private:
     void start(terminal::Size size);

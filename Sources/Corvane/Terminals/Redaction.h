@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// The text with what looks like a secret masked, and trimmed. Everything that hands a transcript on passes it
-/// through here; the transcript itself holds what was there.
+/// The text trimmed and with probable secrets masked. Everything that passes a transcript on uses it; the transcript
+/// itself is complete.
 QString redactSensitive(QString text);
 
 }

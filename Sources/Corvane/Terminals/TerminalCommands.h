@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The keys of the terminal screen, whose page knows the terminal that they mean.
+/// The keys of the terminal screen, whose page handles them.
 QList<Command> terminalCommands();
 
 }

@@ -9,15 +9,15 @@
 
 namespace corvane {
 
-/// What a program asked for since somebody looked, the latest of each kind: a flood of them costs no memory.
+/// What a program has requested, the latest of each kind: a flood of requests costs no memory.
 struct TerminalRequests {
     std::optional<QString> title;
     std::optional<QString> directory; ///< a path
-    std::optional<QString> clipboard; ///< text that it wants on the clipboard
+    std::optional<QString> clipboard; ///< text for the clipboard
     bool bell = false;
 };
 
-/// Gathers the requests on the session's threads for the main thread to take.
+/// Collects requests on the session's threads for the main thread.
 class TerminalEvents final : public terminal::Listener {
 public:
     TerminalRequests take();

@@ -11,7 +11,7 @@ namespace corvane {
 
 class LumoTerminalSession;
 
-/// The search bar of a terminal: what is looked for, what was found, and which of it is shown.
+/// The search bar of a terminal: the query, the matches, and the current one.
 class TerminalSearch : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed)
@@ -37,9 +37,9 @@ public:
     Q_INVOKABLE void next(); ///< upwards, towards older text
     Q_INVOKABLE void previous();
 
-    /// The text has changed: looks again soon, where the bar is open.
+    /// The text has changed: searches again soon if the bar is open.
     void update();
-    uint64_t generation() const { return m_generation; } ///< of the terminal that the matches are true for
+    uint64_t generation() const { return m_generation; } ///< the state of the terminal that the matches are valid for
     const std::vector<terminal::SearchMatch>& matches() const { return m_matches; }
     std::optional<size_t> current() const { return m_current; }
 

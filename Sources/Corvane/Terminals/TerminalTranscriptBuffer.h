@@ -8,21 +8,20 @@
 
 namespace corvane {
 
-/// The last characters of what passed between a shell and its terminal, as plain text. It is tapped at the boundary,
-/// not read from the screen. May be called on any thread.
+/// The last characters exchanged between a shell and its terminal, as plain text. It is recorded at the boundary, not
+/// read from the screen. May be called on any thread.
 ///
-/// Chunks are kept as they came and made readable when somebody asks, so that a flood costs a copy. What is typed
-/// stands behind what the shell printed until its line ends, and only where the shell did not show it; a password is
-/// never kept.
+/// Chunks are stored raw and converted when they are read, so that a flood costs only a copy. Input follows the shell's
+/// output until its line ends, and only if the shell did not echo it; passwords are never stored.
 class TerminalTranscriptBuffer {
 public:
     explicit TerminalTranscriptBuffer(qsizetype maxCharacters = 24'000);
 
-    void received(std::string_view chunk); ///< from the shell; one that is no UTF-8 is left out
-    /// To the shell. `hidden` tells that the terminal does not show what is typed, and takes it by lines.
+    void received(std::string_view chunk); ///< from the shell; chunks that are not UTF-8 are skipped
+    /// To the shell. `hidden`: the terminal does not echo input, and processes it by lines.
     void sent(std::string_view chunk, bool hidden);
 
-    /// The last `maxCharacters` characters, at least 500, without white space at the ends. Not redacted.
+    /// The last `maxCharacters` characters, at least 500, trimmed. Not redacted.
     QString snapshot(qsizetype maxCharacters);
 
 private:
@@ -36,16 +35,16 @@ private:
     size_t m_bytes = 0;
     std::string m_cut; // the beginning of a character whose rest has not come
     std::string m_tail; // of what the shell printed last
-    std::string m_typed; // on the line that is being typed; empty where it is hidden
+    std::string m_typed; // on the line that is being typed; empty if it is hidden
     std::string m_echo; // what the shell printed meanwhile
     bool m_typing = false;
     bool m_hidden = false;
 };
 
-/// Without escape sequences, backspaces, bells and NULs, which have no effect on the rest.
+/// Without escape sequences, backspaces, bells and NULs.
 QString cleanTranscript(const QString& text);
 
-/// Does the text end in a question for a password?
+/// Whether the text ends with a password prompt.
 bool endsInPasswordPrompt(const QString& text);
 
 }

@@ -12,7 +12,7 @@ namespace corvane {
 class Desktop;
 class UserDefaults;
 
-/// A terminal in the row of tabs.
+/// A terminal tab.
 class TerminalTab {
     Q_GADGET
     Q_PROPERTY(QString tabId MEMBER id)
@@ -32,7 +32,7 @@ public:
     bool operator==(const TerminalTab&) const = default;
 };
 
-/// The terminal screen: local shells in tabs, one question at a time about them, and the size of their type.
+/// The terminal screen: local shells in tabs, one question at a time about them, and their font size.
 class TerminalsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* tabs READ tabs CONSTANT)
@@ -41,8 +41,8 @@ class TerminalsView : public QObject {
     Q_PROPERTY(QString question READ question NOTIFY questionChanged) ///< empty for none
     Q_PROPERTY(QString questionAction READ questionAction NOTIFY questionChanged)
     Q_PROPERTY(QString questionRefusal READ questionRefusal NOTIFY questionChanged)
-    Q_PROPERTY(bool questionTakesFocus READ questionTakesFocus NOTIFY questionChanged) ///< the person asked for it
-    Q_PROPERTY(QString endedText READ endedText NOTIFY changed) ///< about the current one; empty while it runs
+    Q_PROPERTY(bool questionTakesFocus READ questionTakesFocus NOTIFY questionChanged) ///< the user triggered it
+    Q_PROPERTY(QString endedText READ endedText NOTIFY changed) ///< of the current tab; empty while its shell runs
     Q_PROPERTY(int fontSize READ fontSize NOTIFY fontSizeChanged) ///< in pixels
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyDetail READ emptyDetail CONSTANT)
@@ -58,7 +58,7 @@ public:
         std::optional<mode_t> umask; ///< of the user's programs; none: that of this process
     };
 
-    /// All of it outlives the view.
+    /// All references outlive the view.
     explicit TerminalsView(Surroundings at, QObject* parent = nullptr);
     ~TerminalsView() override;
 
@@ -67,19 +67,19 @@ public:
     LumoTerminalSession* current() const { return m_current; }
     const std::vector<std::unique_ptr<LumoTerminalSession>>& localSessions() const { return m_sessions; }
 
-    /// A new shell in front, its title "local-{label}-{number}"; the command is typed into it.
+    /// A new shell in front, titled "local-{label}-{number}"; types the command into it.
     LumoTerminalSession& createLocalSession(const QString& label, const QString& command = {});
-    /// The same with another program than the shell, as it stands.
+    /// The same with another program instead of the shell.
     LumoTerminalSession& createLocalSession(const QString& label, terminal::Command command);
 
     Q_INVOKABLE void create();
     Q_INVOKABLE void select(const QString& id);
-    Q_INVOKABLE void step(int by); ///< to the next or the previous tab, round at the ends
-    Q_INVOKABLE void close(const QString& id); ///< asks first while a program runs in it
+    Q_INVOKABLE void step(int by); ///< to the next or previous tab, wrapping around
+    Q_INVOKABLE void close(const QString& id); ///< asks first while a program is running in it
     Q_INVOKABLE void closeCurrent();
-    Q_INVOKABLE void restart(); ///< the current one, whose shell has ended, with a new shell
-    Q_INVOKABLE void rename(const QString& id, const QString& name); ///< empty: as its shell says
-    Q_INVOKABLE void paste(const QString& text); ///< into the current one; asks first where it would run at once
+    Q_INVOKABLE void restart(); ///< starts a new shell in the current tab, whose shell has exited
+    Q_INVOKABLE void rename(const QString& id, const QString& name); ///< empty: the shell's title
+    Q_INVOKABLE void paste(const QString& text); ///< into the current tab; asks first if it would run at once
 
     QString question() const { return m_question.text; }
     QString questionAction() const { return m_question.action; }
@@ -87,7 +87,7 @@ public:
     Q_INVOKABLE void answer(bool yes);
 
     bool questionTakesFocus() const { return m_question.subject != Subject::Clipboard; }
-    Q_INVOKABLE void openLink(const QString& address) const; ///< in the desktop's program for it
+    Q_INVOKABLE void openLink(const QString& address) const; ///< in the desktop's default program
 
     QString endedText() const;
     QString emptyTitle() const { return u"No terminal is open"_s; }
@@ -100,8 +100,7 @@ public:
     Q_INVOKABLE void enlarge(int steps);
     Q_INVOKABLE void resetFontSize();
 
-    /// True where programs still run: then the question is put, unless it stands already; asked a second time,
-    /// quitting is what is meant.
+    /// True if programs are still running: asks the question, unless it is already shown; a second call means to quit.
     bool asksBeforeQuit();
 
 Q_SIGNALS:

@@ -7,16 +7,16 @@ namespace corvane {
 
 class DictationAnywhere;
 
-/// The small panel of dictation at the lower edge of the screen with the pointer, and the window that offers a text
-/// which no program took. Where a window comes with the focus alone, there is no panel.
+/// The small dictation panel at the bottom of the screen with the pointer, and the window that offers a text that could
+/// not be inserted. There is no panel if windows always take the focus.
 class DictationWindow : public QObject {
     Q_OBJECT
 public:
-    /// Both outlive the window; the engine is the main window's, so that both look the same.
+    /// Both outlive the window; the engine is the main window's, for the same look.
     DictationWindow(QQmlEngine& engine, DictationAnywhere& dictation, QObject* parent = nullptr);
     ~DictationWindow() override;
 
-    QQuickWindow* panel() const { return m_panel.get(); } ///< null until it is shown first
+    QQuickWindow* panel() const { return m_panel.get(); } ///< null until it is first shown
     QQuickWindow* offer() const { return m_offer.get(); }
 
 private:

@@ -10,8 +10,8 @@ namespace corvane {
 class MediaDecoder;
 class Screens;
 
-/// The one window. It shows view models that others own and decides nothing of its own: closing it hides it,
-/// and the work goes on.
+/// The main window. It shows view models owned elsewhere and decides nothing: closing it hides it, and the work
+/// continues.
 class MainWindow : public QObject {
     Q_OBJECT
 public:
@@ -19,21 +19,21 @@ public:
     MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& decoder, QObject* parent = nullptr);
     ~MainWindow() override;
 
-    /// Shows the window and brings it to the front, in the size that it had last.
+    /// Raises the window, in its last size.
     void show();
     void hide();
     bool isShown() const;
 
-    QQmlEngine& engine() { return m_engine; } ///< for windows that look the same
+    QQmlEngine& engine() { return m_engine; } ///< for other windows with the same look
     QQuickWindow* window() const { return m_window.get(); }
 
 Q_SIGNALS:
-    void appeared(); ///< each time the window comes up, before its first frame
-    void firstFrame(); ///< once: something is on the screen
-    void closed(); ///< the person closed the window; it is hidden now
+    void appeared(); ///< whenever the window appears, before its first frame
+    void firstFrame(); ///< once
+    void closed(); ///< the user closed the window; it is hidden now
 
 private:
-    void placeWindow(); ///< within the screen that it opens on
+    void placeWindow(); ///< within its screen
 
     WindowLayout m_layout;
     QQmlEngine m_engine;

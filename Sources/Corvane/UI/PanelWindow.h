@@ -9,17 +9,17 @@ class CorvaneMenuBarView;
 class Notices;
 class Scheduler;
 
-/// The small window at the tray. It is made when it is first asked for, and only hidden afterwards.
+/// The small window at the tray. It is created on demand, and only hidden afterwards.
 class PanelWindow : public QObject {
     Q_OBJECT
 public:
-    /// All of it outlives the window; the engine is the main window's, so that both look the same.
+    /// All references outlive the window; the engine is the main window's, for the same look.
     PanelWindow(QQmlEngine& engine, CorvaneMenuBarView& view, Notices& notices, Scheduler& scheduler,
         QObject* parent = nullptr);
     ~PanelWindow() override;
 
-    /// Shows the panel beside a point of the screen, such as the pressed icon; 0,0 is nowhere in particular. Shown
-    /// already, it hides.
+    /// Shows the panel next to a point of the screen, such as the clicked icon; 0,0 is unknown. Hides it if it is
+    /// visible.
     void toggle(const QPoint& at);
     void show(const QPoint& at);
     void hide();
@@ -35,11 +35,11 @@ private:
     Notices& m_notices;
     Scheduler& m_scheduler;
     std::unique_ptr<QQuickWindow> m_window;
-    qint64 m_hiddenMs = 0; ///< when it last hid
+    qint64 m_hiddenMs = 0; ///< when it was last hidden
 };
 
-/// Where a window of this size goes for a press at `at`: below it or above it, wherever it does not hide it, and
-/// inside of what the screen has free. For 0,0 the right corner at the top.
+/// The position for a window of this size after a click at `at`: below or above it, without covering it, within the
+/// available screen area. For 0,0 the upper right corner.
 QRect panelPlace(const QRect& free, const QPoint& at, const QSize& size);
 
 }

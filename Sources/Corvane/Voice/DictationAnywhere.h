@@ -22,15 +22,15 @@ struct DictationAnywhereState {
     bool operator==(const DictationAnywhereState&) const = default;
 };
 
-/// Speaking instead of typing in any program: one key of the desktop begins to listen and ends it, what was said
-/// becomes text on this machine, and the program that was in front gets it. The sound is deleted.
+/// Dictation into any program: a global shortcut starts and stops listening, the speech becomes text on this machine,
+/// and the program that had the focus gets it. The sound is deleted.
 class DictationAnywhere : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::DictationPanel* panel READ panel CONSTANT)
-    Q_PROPERTY(QString offeredText READ offeredText NOTIFY offered) ///< that nothing took; empty for none
+    Q_PROPERTY(QString offeredText READ offeredText NOTIFY offered) ///< text that could not be inserted; empty for none
     Q_PROPERTY(QString offerReason READ problem NOTIFY offered)
 public:
-    /// All of them outlive the object. There may be no shortcuts and no insertion.
+    /// All references outlive the object. Shortcuts and insertion may be null.
     struct Surroundings {
         VoiceServices& voice;
         Microphone& microphone;
@@ -48,22 +48,22 @@ public:
     HotKey& hotKey() { return m_hotKey; }
     InsertionWay insertionWay() const { return m_at.insertion ? m_at.insertion->way() : InsertionWay::None; }
     bool isBoundToFocus() const { return m_at.insertion && m_at.insertion->isBoundToFocus(); }
-    const QString& problem() const { return m_problem; } ///< why the last one failed; empty where it did not
+    const QString& problem() const { return m_problem; } ///< why the last dictation failed; empty otherwise
 
-    bool isEnabled() const; ///< a missing setting counts as off
+    bool isEnabled() const; ///< off by default
     void setEnabled(bool enabled);
-    bool isPushToTalk() const; ///< it listens while the key is held
+    bool isPushToTalk() const; ///< listens while the key is held
     void setPushToTalk(bool on);
 
-    void start(); ///< at the start of the program; a second call does nothing more
+    void start(); ///< at the start of the program; a second call has no effect
     void toggleRecording();
-    Q_INVOKABLE void cancel(); ///< what is heard or transcribed is dropped
+    Q_INVOKABLE void cancel(); ///< discards what was recorded or transcribed
 
     const QString& offeredText() const { return m_offered; }
     Q_INVOKABLE void dismissOffer();
 
     std::optional<QString> selectedLocale() const; ///< nothing: the system's
-    QString selectedLanguageShortName() const; ///< such as "German"; empty where it is found out from the sound
+    QString selectedLanguageShortName() const; ///< such as "German"; empty if it is detected from the sound
 
 Q_SIGNALS:
     void stateChanged();
@@ -74,7 +74,7 @@ private:
     using Kind = DictationAnywhereState::Kind;
 
     void registerHotKey();
-    void prewarmSpeechAssets(); ///< the first dictation does not wait for its model
+    void prewarmSpeechAssets(); ///< loads the model, so that the first dictation need not wait
     void onReleased();
     void startRecording();
     void beginRecording();
@@ -84,7 +84,7 @@ private:
     void fail(const QString& message);
     void stopWithoutProcessing(const QString& message);
     void dropRecording();
-    MicrophoneRecording* takeRecording(); ///< it listens no more, and goes at the next turn of the loop
+    MicrophoneRecording* takeRecording(); ///< stops listening; destroyed at the next turn of the event loop
     void offer(const QString& text, const QString& reason);
     void enter(const DictationAnywhereState& state);
     QString listeningText() const;
@@ -98,11 +98,11 @@ private:
     QString m_lastAudioPath;
     std::unique_ptr<MicrophoneRecording> m_recorder;
     std::unique_ptr<Timer> m_ticks;
-    std::unique_ptr<Timer> m_question; ///< while the microphone is asked for
+    std::unique_ptr<Timer> m_question; ///< while the microphone permission is pending
     CancelHandle m_cancel;
-    int m_attempt = 0; ///< an answer to an attempt that was given up is not heard
+    int m_attempt = 0; ///< answers to earlier attempts are ignored
     bool m_isAsking = false;
-    bool m_isHeld = false; ///< the key, to talk
+    bool m_isHeld = false; ///< push-to-talk key
 };
 
 }

@@ -8,14 +8,14 @@ namespace corvane {
 
 enum class DictationPanelMode { Listening, Busy, Attention, Done };
 
-/// What the small panel of dictation says, and for how long.
+/// What the small dictation panel shows, and for how long.
 class DictationPanel : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool visible READ isVisible NOTIFY changed)
     Q_PROPERTY(QString text READ text NOTIFY changed)
     Q_PROPERTY(QString mode READ modeWord NOTIFY changed) ///< listening, busy, attention, done
-    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed) ///< such as "0:07", while it listens
-    Q_PROPERTY(double level READ level NOTIFY progressed) ///< of the sound, or how much is transcribed; from 0 to 1
+    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed) ///< such as "0:07", while listening
+    Q_PROPERTY(double level READ level NOTIFY progressed) ///< sound level or progress of the transcription, from 0 to 1
 public:
     /// The scheduler outlives the panel.
     explicit DictationPanel(Scheduler& scheduler, QObject* parent = nullptr);
@@ -28,7 +28,7 @@ public:
     double level() const { return m_level; }
 
     void show(const QString& text, DictationPanelMode mode);
-    void show(const QString& text, DictationPanelMode mode, Milliseconds time); ///< and hides by itself
+    void show(const QString& text, DictationPanelMode mode, Milliseconds time); ///< hides automatically
     void setProgress(double level, double elapsedSeconds = 0);
     void hide();
 

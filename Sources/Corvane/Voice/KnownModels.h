@@ -6,22 +6,22 @@
 
 namespace corvane {
 
-/// A model that others publish.
+/// A published speech model.
 struct KnownModel {
     QString name; ///< such as "Base"
     QString fileName; ///< such as "ggml-base.bin"
-    qint64 sizeMiB = 0; ///< about
+    qint64 sizeMiB = 0; ///< approximate
     bool englishAlone = false;
-    QString note; ///< what it is good for
+    QString note; ///< what it is suited for
 };
 
-/// From small to large: a larger one hears better and takes longer.
+/// From small to large: larger ones are more accurate and slower.
 const QList<KnownModel>& knownModels();
 
-/// Where the project that makes the models publishes this one; a person may name another place.
+/// The default download address of the model; the user can enter another one.
 QUrl publishedAt(const KnownModel& model);
 
-/// What a model's file is called on the screen: "Whisper base", or the file's name where it is not known.
+/// The display name of a model file: "Whisper base", or the file name if it is unknown.
 QString modelName(const QString& fileName);
 
 }

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// What the file of a speech model says of itself.
+/// The metadata of a speech model file.
 struct ModelFileFacts {
     QString sha256; ///< in hexadecimal
     qint64 sizeBytes = 0;
@@ -16,12 +16,12 @@ struct ModelFileFacts {
     bool englishAlone = false;
 };
 
-/// Reads the whole file: whether it is a ggml model of whisper.cpp, and whether all of it is there. Fails in words for
-/// the user. `onProgress` hears the bytes that were read. Takes seconds; a set `stop` ends it.
+/// Reads the whole file: checks that it is a complete ggml model for whisper.cpp. The error is for the user.
+/// `onProgress` receives the bytes read. Takes seconds; setting `stop` cancels it.
 Result<ModelFileFacts> inspectModelFile(
     const QString& path, const std::function<void(qint64)>& onProgress, const std::atomic_bool& stop);
 
-/// By the file's head; false where it does not read.
+/// From the file's header; false if it is unreadable.
 bool speaksEnglishAlone(const QString& path);
 
 }

@@ -14,28 +14,27 @@ namespace corvane {
 
 class SpeechModelStore;
 
-/// Brings a model into the store, from the web or from a file that is there: one at a time. What is not a whole model
-/// is refused, and the store is as it was.
+/// Installs a model from the web or from a local file, one at a time. Incomplete models are refused, and the store
+/// stays unchanged.
 class ModelInstaller : public QObject {
     Q_OBJECT
 public:
     enum class Step { Idle, Downloading, Copying, Checking, Failed };
 
-    /// Both outlive the installer. A model that an earlier run of the program brought and did not live to enter into
-    /// the store is checked now.
+    /// Both outlive the installer. A model that an earlier run downloaded but could not register is checked now.
     ModelInstaller(SpeechModelStore& store, Scheduler& scheduler, QObject* parent = nullptr);
-    ~ModelInstaller() override; ///< ends what runs; a download can be taken up again
+    ~ModelInstaller() override; ///< cancels; a download can be resumed later
 
     Step step() const { return m_step; }
     bool isBusy() const { return m_step != Step::Idle && m_step != Step::Failed; }
-    const QString& name() const { return m_name; } ///< of the model that is brought
+    const QString& name() const { return m_name; } ///< of the model being installed
     qint64 doneBytes() const { return m_doneBytes; }
-    qint64 totalBytes() const { return m_totalBytes; } ///< 0: not known
+    qint64 totalBytes() const { return m_totalBytes; } ///< 0: unknown
     const QString& errorText() const { return m_errorText; } ///< of the latest failure
 
-    // While one runs, another does nothing.
-    void download(const QUrl& url); ///< goes on where an earlier one of the address ended
-    void add(const QString& filePath); ///< a copy; the file stays as it is
+    // While one runs, other calls do nothing.
+    void download(const QUrl& url); ///< resumes an earlier download of the address
+    void add(const QString& filePath); ///< copies it; the file is not changed
 
     void cancel();
     void dismissError();
@@ -45,7 +44,7 @@ Q_SIGNALS:
     void installed(const QString& modelId);
 
 private:
-    struct Work; ///< shared with the thread that does it
+    struct Work; ///< shared with its thread
 
     QCoro::Task<> bring(QUrl url, QString fileName);
     void takeUpLeftover();

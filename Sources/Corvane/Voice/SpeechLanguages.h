@@ -7,24 +7,24 @@
 
 namespace corvane {
 
-/// The locale that stands for finding the language out from the sound.
+/// The locale value for detecting the language.
 inline const QString anyLanguage = u"auto"_s;
 
-/// The languages that a multilingual model speaks, as the models name them.
+/// The languages of a multilingual model, by the models' codes.
 const QStringList& modelLanguages();
 
-/// What the models call the language of a locale such as "de_AT"; of the system's where the locale is empty.
+/// The models' code for the language of a locale such as "de_AT"; an empty locale is the system's.
 QString modelLanguage(const QString& localeId);
 
 class SpeechModelStore;
 class UserDefaults;
 
-/// Under which the locale of dictation is kept; absent: the system's.
+/// The user default with the dictation locale; absent: the system's.
 inline const QString dictationLocaleKey = u"nimb.dictationLocale"_s;
 QString dictationLocale(const UserDefaults& defaults);
 
-/// The locale in which voice notes are heard: the one that was chosen; else found out from the sound where the
-/// preferred model can, else the system's.
+/// The locale for transcribing voice notes: the chosen one; else detected if the preferred model can, else the
+/// system's.
 QString voiceNoteLocale(const UserDefaults& defaults, const SpeechModelStore& store);
 
 /// "German (Austria)", "German", "Detected from the sound"; for an empty id "System (German (Austria))".

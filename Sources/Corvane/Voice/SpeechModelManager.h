@@ -11,7 +11,7 @@ class ModelInstaller;
 class SpeechModelStore;
 class TranscriptionService;
 
-/// A language that can be dictated.
+/// A dictation language.
 struct DictationLocaleChoice {
     QString id; ///< of the locale, such as "de_DE"; "system" for the system's own
     QString displayName;
@@ -21,18 +21,18 @@ struct DictationLocaleChoice {
     bool operator==(const DictationLocaleChoice&) const = default;
 };
 
-/// What the latest job, or the installation of a model, does.
+/// The state of the latest job, or of a model installation.
 struct SpeechModelLoadState {
     enum class Kind { Idle, Downloading, Loading, Transcribing, Loaded, Failed };
 
     Kind kind = Kind::Idle;
-    QString text = {}; ///< the model's name, or what failed
+    QString text = {}; ///< the model's name, or the failure
     double progress = 0; ///< from 0 to 1
 
     bool operator==(const SpeechModelLoadState&) const = default;
 };
 
-/// The front of speech recognition: asks whether the machine may work now, has the work done, and shows its state.
+/// The front end of speech recognition: checks whether the machine may work now, runs the job, and shows its state.
 class SpeechModelManager : public QObject {
     Q_OBJECT
 public:
@@ -40,20 +40,20 @@ public:
     SpeechModelManager(TranscriptionService& service, SpeechModelStore& store, const LocalAIAvailability& gate,
         QObject* parent = nullptr);
 
-    /// Text from a file of sound. Several may run at once. Where it was made with a model that was not asked for, as
-    /// the first route failed or has no model, the result says so.
+    /// Transcribes a sound file. Several may run at once. If another model than the requested one was used, because the
+    /// first failed or is missing, the result says so.
     QCoro::Task<TranscriptionOutcome> transcribe(TranscriptionRequest request);
 
     const SpeechModelLoadState& loadState() const { return m_loadState; }
-    const LocalAIAvailabilitySnapshot& availability() const { return m_availability; } ///< as of the latest job
-    SpeechModelSpec preferredModel() const; ///< the basic recogniser where no model is installed
+    const LocalAIAvailabilitySnapshot& availability() const { return m_availability; } ///< when the latest job started
+    SpeechModelSpec preferredModel() const; ///< the basic recogniser if no model is installed
     SpeechModelStore& store() { return m_store; }
 
     /// "System ({language})" first, then by name.
     const QList<DictationLocaleChoice>& dictationLocales() const { return m_dictationLocales; }
     void refreshDictationLocales();
 
-    void showInstallation(const ModelInstaller& installer); ///< as the state
+    void showInstallation(const ModelInstaller& installer); ///< shown as the state
 
 Q_SIGNALS:
     void loadStateChanged();

@@ -9,11 +9,11 @@
 
 namespace corvane {
 
-/// What turns sound into text: a model's file, or the basic recogniser.
+/// What transcribes speech: a model file, or the basic recogniser.
 struct SpeechModelSpec {
     QString repository; ///< "whisper.cpp" or "pocketsphinx"
     QString revision; ///< SHA-256 of the file in hexadecimal, or the recogniser's version
-    QString variant; ///< name of the file, or "en-us"
+    QString variant; ///< the file name, or "en-us"
     QString displayName;
     QString role = u"System transcription"_s;
     double approximateSizeGB = 0;
@@ -26,16 +26,16 @@ struct SpeechModelSpec {
 
 QJsonObject encoded(const SpeechModelSpec& spec);
 
-/// Nothing unless "repository" and "variant" are there.
+/// Nothing unless it has "repository" and "variant".
 std::optional<SpeechModelSpec> decodedSpeechModelSpec(const QJsonObject& object);
 
-/// How a transcript names its model: "{repository}:{variant}@{first 10 characters of revision}".
+/// How a transcript refers to its model: "{repository}:{variant}@{first 10 characters of revision}".
 QString transcriptModel(const SpeechModelSpec& spec);
 
-/// The recogniser that needs no model of the person's.
+/// The recogniser that needs no model file.
 SpeechModelSpec basicRecogniserSpec();
 
-/// A model that is there.
+/// An installed model.
 struct SpeechInstalledModel {
     SpeechModelSpec spec;
     QString cachePath; ///< the folder of all models

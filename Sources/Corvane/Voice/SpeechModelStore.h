@@ -10,12 +10,11 @@ namespace corvane {
 class Scheduler;
 class UserDefaults;
 
-/// The models that are there, on the disk and in a list beside them. What the list names and the disk does not hold
-/// is not installed.
+/// The installed models: the files on disk and a list of them. A model in the list without its file is not installed.
 class SpeechModelStore : public QObject {
     Q_OBJECT
 public:
-    /// Under which the id of the chosen model is kept.
+    /// The user default with the id of the preferred model.
     static constexpr const char* preferredModelKey = "Corvane.speech.preferredModel";
 
     /// The references outlive the store. The folder is "Models/Speech" in `applicationSupport`.
@@ -25,15 +24,15 @@ public:
     const QString& modelsRoot() const { return m_root; }
     const QList<SpeechInstalledModel>& installed() const { return m_installed; }
 
-    void refresh(); ///< reads the folder again, and makes it where it is missing
+    void refresh(); ///< reads the folder again, and creates it if it is missing
 
-    SpeechModelSpec preferredModel() const; ///< the basic recogniser where no model is installed
+    SpeechModelSpec preferredModel() const; ///< the basic recogniser if no model is installed
     void prefer(const SpeechModelSpec& spec);
     std::optional<SpeechInstalledModel> installedModel(const SpeechModelSpec& spec) const;
     void markUsed(const SpeechModelSpec& spec);
 
-    void add(const SpeechInstalledModel& model); ///< in place of one with the same id; it is preferred from now on
-    void remove(const SpeechModelSpec& spec); ///< with its file
+    void add(const SpeechInstalledModel& model); ///< replaces one with the same id; becomes the preferred one
+    void remove(const SpeechModelSpec& spec); ///< deletes its file
 
 Q_SIGNALS:
     void changed();
@@ -44,7 +43,7 @@ private:
     const QString m_root;
     UserDefaults& m_defaults;
     Scheduler& m_scheduler;
-    QList<SpeechInstalledModel> m_installed; ///< never the basic recogniser
+    QList<SpeechInstalledModel> m_installed; ///< without the basic recogniser
 };
 
 }

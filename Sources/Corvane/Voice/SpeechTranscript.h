@@ -53,10 +53,10 @@ struct TranscriptionRequest {
 /// The file in which the segments of a sound's transcript are kept.
 QString segmentsPath(const QString& audioPath);
 
-/// Puts the segments beside the sound, in place of those of an earlier transcript. False where that fails.
+/// Puts the segments beside the sound, in place of those of an earlier transcript. False if that fails.
 bool writeSegments(const QString& audioPath, const SpeechTranscriptResult& result);
 
-/// Empty where there are none.
+/// Empty if there are none.
 QList<SpeechSegment> readSegments(const QString& audioPath);
 
 }

@@ -10,19 +10,19 @@ namespace corvane {
 class SpeechModelStore;
 class SpeechRecogniser;
 
-/// Sound to text on this machine, by two routes: a model of the person's, and the basic recogniser, which knows
-/// English. The second is tried where the first fails. Where nobody speaks neither runs.
+/// Transcribes sound on this machine, with a model of the user's or with the basic recogniser, which knows English. The
+/// second is tried if the first fails. Neither runs if nobody speaks.
 class TranscriptionService {
 public:
-    /// All of them outlive the service. `models` takes a model's file, `basic` needs none.
+    /// All references outlive the service. `models` takes a model file, `basic` needs none.
     TranscriptionService(
         MediaDecoder& decoder, SpeechRecogniser& models, SpeechRecogniser& basic, const SpeechModelStore& store);
-    ~TranscriptionService(); ///< who waits fails
+    ~TranscriptionService(); ///< pending requests fail
 
     /// `request.model` is set.
     QCoro::Task<TranscriptionOutcome> transcribe(TranscriptionRequest request);
 
-    /// A sound in that locale will come with the preferred model, which is read from the disk meanwhile.
+    /// Preloads the preferred model from disk for a sound in that locale.
     void prewarm(const QString& locale);
 
     /// Whether a language of `modelLanguages` can be transcribed now.

@@ -14,7 +14,7 @@ class MachineFacts;
 struct TranslationRequest {
     QUuid id;
     QString text;
-    QString targetLanguage; ///< as the person named it
+    QString targetLanguage; ///< as the user entered it
     QString target; ///< a language code, such as "bn"
 };
 
@@ -32,8 +32,8 @@ public:
     static Error missingHost();
 };
 
-/// Brings a text to whoever translates on this machine, and the answer back to who waits for it. The translator is
-/// a host that takes requests from `activeRequest`; without one every translation fails at once.
+/// Passes texts to a local translator and returns its answers. The translator is a host that takes requests from
+/// `activeRequest`; without one every translation fails at once.
 class TranslationService : public QObject {
     Q_OBJECT
 public:
@@ -41,20 +41,20 @@ public:
 
     /// `machine` outlives the service.
     explicit TranslationService(const MachineFacts& machine, QObject* parent = nullptr);
-    ~TranslationService() override; ///< who still waits fails
+    ~TranslationService() override; ///< pending requests fail
 
-    /// The languages that a menu offers, by name.
+    /// The languages for a menu, by name.
     static QStringList languages();
 
-    /// The code of a language that is named in words, or by its code; nothing for any other text.
+    /// The code of a language given by name or code; nothing for any other text.
     static std::optional<QString> language(const QString& name);
 
-    /// A failure carries words for the user. `onStatus` is called until the end.
+    /// The error is for the user. `onStatus` is called until the end.
     QCoro::Task<Result<TranslationServiceOutput>> translate(
         QString text, QString targetLanguage, StatusHandler onStatus, CancelHandle cancel = {});
 
-    // The host's side
-    void setHost(bool isThere); ///< without a host, what waits fails
+    // For the host
+    void setHost(bool isThere); ///< without a host, pending requests fail
     const std::optional<TranslationRequest>& activeRequest() const { return m_activeRequest; }
     void updateStatus(const TranslationRequest& request, const QString& words);
     void finish(const TranslationRequest& request, const TranslationServiceOutput& output);
@@ -67,7 +67,7 @@ private:
     using Outcome = Result<TranslationServiceOutput>;
     struct Waiting;
 
-    void end(const QUuid& id, const Outcome& outcome); ///< once a request; a second end does nothing
+    void end(const QUuid& id, const Outcome& outcome); ///< once per request; a second call has no effect
 
     const MachineFacts& m_machine;
     QHash<QUuid, std::shared_ptr<Waiting>> m_waiting;

@@ -8,19 +8,19 @@
 
 namespace corvane {
 
-/// What hears and speaks, built once and wired to each other.
+/// The speech services, built once and connected.
 struct VoiceServices {
-    /// All of it outlives the services.
+    /// All references outlive the services.
     struct Surroundings {
         MediaDecoder& decoder;
-        SpeechRecogniser& models; ///< takes a model of the person's
+        SpeechRecogniser& models; ///< takes a model file
         SpeechRecogniser& basic;
         const LocalAIAvailability& gate;
         UserDefaults& defaults;
         Scheduler& scheduler;
         const QString& applicationSupport;
         ToolRunner& tools;
-        AudioPlayer& player; ///< for reading aloud alone
+        AudioPlayer& player; ///< used only for reading aloud
     };
 
     explicit VoiceServices(const Surroundings& at)

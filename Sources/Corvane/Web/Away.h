@@ -9,8 +9,8 @@
 
 namespace corvane {
 
-/// What `work` brings home from another thread; nothing where the handle is cancelled first. The queue is used before
-/// the first wait only.
+/// The result of `work` on another thread; nothing if the handle is cancelled first. The queue is used only before the
+/// first suspension.
 template <typename Value>
 QCoro::Task<std::optional<Value>> away(BackgroundQueue* queue, CancelHandle cancel, std::function<Value()> work)
 {
@@ -26,7 +26,7 @@ QCoro::Task<std::optional<Value>> away(BackgroundQueue* queue, CancelHandle canc
     co_return co_await arrival;
 }
 
-/// Over after that time, or once the handle is cancelled.
+/// Completes after that time, or when the handle is cancelled.
 inline QCoro::Task<> pause(Scheduler* scheduler, CancelHandle cancel, Milliseconds duration)
 {
     const Arrival<bool> arrival;

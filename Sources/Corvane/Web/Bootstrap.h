@@ -38,20 +38,20 @@ struct OrgNode {
     QList<WebIntegration> integrations;
 };
 
-/// What the web says of this user: organizations, workspaces, integrations.
+/// The user's data on the web: organizations, workspaces, integrations.
 struct BootstrapData {
     std::optional<QString> activeOrganizationId;
     QList<OrgNode> organizations;
 };
 
-/// The same, flat, as the program keeps and shows it.
+/// The same, flattened for storage and display.
 struct BootstrapLists {
     QList<WorkspaceRow> workspaces; ///< in the order of the document
-    QList<WebIntegration> integrations; ///< one an id, connected ones first, then by type and name
+    QList<WebIntegration> integrations; ///< without duplicates, connected ones first, then by type and name
     std::optional<QString> preferredWorkspaceId; ///< of the active organization: its default, else its first
 };
 
-/// The document, bare or under "data"; nothing where it has another shape.
+/// Parses the document, bare or under "data"; nothing if it has another shape.
 std::optional<BootstrapData> decodeBootstrap(const QByteArray& json);
 
 BootstrapLists flattened(const BootstrapData& data);
@@ -59,10 +59,10 @@ BootstrapLists flattened(const BootstrapData& data);
 /// Why a bootstrap failed.
 struct WebSyncError {
     QString message; ///< for the user
-    bool isRejected = false; ///< the web does not know the token
+    bool isRejected = false; ///< the web does not accept the token
 };
 
-/// What an answer to the bootstrap's request holds. Runs on any thread.
+/// Parses the response of the bootstrap request. Runs on any thread.
 std::expected<BootstrapLists, WebSyncError> readBootstrap(int status, const QByteArray& body, const QString& path);
 
 }

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A connection for the reads of a push, which are made away from the main thread, one after the other.
+/// A connection for the reads of a push, which run on a background thread, one after the other.
 class CloudReader {
 public:
     explicit CloudReader(QString path)
@@ -14,9 +14,9 @@ public:
     {
     }
 
-    void stop() { m_stopped->store(true); } ///< on any thread: what runs ends early
+    void stop() { m_stopped->store(true); } ///< on any thread: aborts the running query
 
-    /// On any thread. Words for the user where it fails.
+    /// On any thread. The error is for the user.
     template <typename Value> Result<Value> read(const std::function<Value(SqlConnection&)>& query)
     {
         if (!m_connection)

@@ -4,14 +4,14 @@
 
 namespace corvane {
 
-/// The long-lived token of this machine, and the name that the web gave it.
+/// The long-lived token of this device, and the id that the web assigned.
 struct DeviceCredentials {
     QString token;
     QString deviceId;
 };
 
-// The calls by which this machine becomes a companion of the user's web account. A failure carries the words
-// for the wall. The client is used before the first wait only.
+// The calls that register this machine as a companion device of the user's web account. Errors are for the login wall.
+// The client is used only before the first suspension.
 
 /// E-mail and password for a short-lived access token.
 QCoro::Task<Result<QString>> login(WebClient* client, QString base, QString email, QString password);
@@ -22,13 +22,13 @@ QCoro::Task<Result<QString>> handshake(WebClient* client, QString base, QString 
 /// The one-time code for the credentials.
 QCoro::Task<Result<DeviceCredentials>> exchange(WebClient* client, QString base, QString code, QString deviceName);
 
-/// Where the browser signs in and the handshake goes; it ends in a redirect to the callback with a code.
+/// The page where the browser signs in; it ends in a redirect to the callback with a code.
 QUrl companionLoginUrl(const QString& base, const QString& deviceName);
 
-/// Why no call can be made to that base.
+/// Why the base address is unusable.
 QString badUrlWords(const QString& base, const QString& kind);
 
-/// The code that a callback or a redirect carries; empty where it has none.
+/// The code in a callback or redirect; empty if there is none.
 QString oneTimeCode(const QUrl& url);
 
 }

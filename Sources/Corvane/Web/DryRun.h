@@ -13,8 +13,8 @@ struct DryRun {
     int mostMessages = 0; ///< of a chat
 };
 
-/// Writes every request of the next push into a file: in their order, as a person can read them. Returns the words for
-/// the user where it fails, and then leaves no file. Runs on any thread.
+/// Writes all requests of the next push into a file, in order and readable. Returns the error for the user, and leaves
+/// no file then. Runs on any thread.
 QString writeDryRun(SqlConnection& db, const DryRun& dry);
 
 }

@@ -8,7 +8,7 @@ namespace corvane {
 
 // What a push sends, and how it reads an answer.
 
-/// Of a new chat, and of what names it in each of its messages.
+/// The ids of a new chat, repeated in each of its messages.
 struct IngestChat {
     QString accountId; ///< as the web gave it
     QString chatId; ///< as the web gave it
@@ -21,7 +21,7 @@ QJsonObject mapAccount(const QString& slug);
 QJsonObject mapThread(const CloudThread& thread, const QString& accountId);
 QJsonObject mapMessage(const CloudMessage& message, const IngestChat& chat);
 
-/// The id in an answer, bare or under "data", "chat" or both; nothing where it has none.
+/// The id in a response, bare or under "data", "chat" or both; nothing if there is none.
 std::optional<QString> decodeId(const QByteArray& answer);
 
 /// Messages as the bodies of requests.

@@ -15,7 +15,7 @@ class UserDefaults;
 class WebClient;
 struct AppPaths;
 
-/// The machine's link to the user's web account. The presence of `token` is "signed in".
+/// The machine's link to the user's web account. Signed in means: there is a `token`.
 class SessionStore : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
@@ -25,8 +25,7 @@ class SessionStore : public QObject {
     Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
 public:
-    /// All references outlive the store. A token that is already kept is taken up at once, or
-    /// when the keyring answers.
+    /// All references outlive the store. A stored token is used at once, or when the keyring answers.
     SessionStore(const AppPaths& paths, Keychain& keychain, UserDefaults& defaults, Desktop& desktop,
         Scheduler& scheduler, QObject* parent = nullptr);
     ~SessionStore() override;
@@ -39,7 +38,7 @@ public:
     const std::optional<QString>& organizationId() const { return m_claims.organizationId; }
     const std::optional<QString>& lastError() const { return m_lastError; }
     bool signedIn() const { return m_token.has_value(); }
-    bool isAwaited() const; ///< whether only the keyring knows, which has not answered yet
+    bool isAwaited() const; ///< whether the keyring has yet to answer
     bool busy() const { return m_busy; }
     bool webRejected() const { return m_webRejected; }
     void setWebRejected(bool rejected);
@@ -50,11 +49,11 @@ public:
     void signIn(const QString& email, const QString& password);
     Q_INVOKABLE void startSignIn(); ///< opens the browser
 
-    /// "nimb-companion://auth?code=..."; anything else is ignored. A link signs in at once within ten minutes after
-    /// `startSignIn` and while no sign-in runs. Any other waits for the user's word.
+    /// "nimb-companion://auth?code=..."; anything else is ignored. A link within ten minutes after `startSignIn`, while
+    /// no sign-in is running, signs in at once. Any other must be accepted by the user.
     void handleCallback(const QUrl& url);
     bool asksAboutLink() const { return !m_offeredCode.isEmpty(); }
-    void acceptLink(); ///< nothing while a sign-in runs
+    void acceptLink(); ///< does nothing while a sign-in is running
     void ignoreLink();
     void forgetError();
 
@@ -66,7 +65,7 @@ Q_SIGNALS:
     void signedOut();
 
 private:
-    struct Flow; ///< the sign-ins, each from its first step to its last
+    struct Flow; ///< the sign-in flows
     struct Claims {
         std::optional<QString> email;
         std::optional<QString> userName;
@@ -94,9 +93,9 @@ private:
     std::optional<QString> m_deviceId;
     Claims m_claims;
     std::optional<QString> m_lastError;
-    std::optional<qint64> m_browserOpenedMs; ///< for a sign-in that has not come back
-    QString m_offeredCode; ///< of a link that nobody here asked for
-    quint64 m_attempt = 0; ///< the newest sign-in; what an older one brings home is dropped
+    std::optional<qint64> m_browserOpenedMs; ///< a sign-in is pending in the browser
+    QString m_offeredCode; ///< from a link that was not requested here
+    quint64 m_attempt = 0; ///< the newest sign-in; results of older ones are dropped
     bool m_busy = false;
     bool m_webRejected = false;
 };

@@ -18,7 +18,7 @@ class SessionStore;
 class UserDefaults;
 class WebClient;
 
-/// Copies local WhatsApp conversations to the web, when a person asks for it. One way, and one push at a time.
+/// Copies local WhatsApp conversations to the web when the user asks for it. One way, one push at a time.
 class SyncClient : public QObject {
     Q_OBJECT
 public:
@@ -57,31 +57,32 @@ public:
     const Progress& progress() const { return m_progress; }
     bool isRunning() const { return m_run != nullptr; }
 
-    QUrl target() const; ///< where a push goes; invalid where the address is none
+    QUrl target() const; ///< where a push goes; invalid if the address is
 
-    /// Nothing leaves the machine before a person has agreed to what goes to this service and this account.
+    /// Nothing leaves the machine before the user has agreed to the data, the service and the account.
     bool isApproved() const;
     void approve();
 
-    /// Pushes what is due: of 200 chats, 500 messages each. Nothing while a push runs, or before `approve`.
+    /// Pushes what is due: up to 200 chats with 500 messages each. Does nothing while a push is running, or before
+    /// `approve`.
     void syncNow();
 
-    /// Pushes what earlier pushes passed over because a chat had more than 500 messages.
+    /// Pushes what earlier pushes skipped because a chat had more than 500 messages.
     void pushTheRest();
 
-    /// What the web has taken stays taken.
+    /// What the web has accepted stays there.
     void cancel();
 
-    /// Looks up what a push would take; `reviewed` tells the end.
+    /// Determines what a push would include; `reviewed` follows.
     void lookUp();
     bool isLookingUp() const { return m_lookingUp; }
-    const std::optional<PushReview>& review() const { return m_review; } ///< nothing where it could not be read
+    const std::optional<PushReview>& review() const { return m_review; } ///< nothing if it could not be read
 
-    /// Writes what a push would send into a file for a person to read; `dryRunWritten` tells the end.
+    /// Writes what a push would send into a readable file; `dryRunWritten` follows.
     void writeDryRun(const QString& path);
     bool isWriting() const { return m_writing; }
 
-    /// The next push sends everything again, as to a new service. Nothing while a push runs.
+    /// The next push sends everything again, as to a new service. Does nothing while a push is running.
     void startOver();
 
 Q_SIGNALS:
@@ -90,7 +91,7 @@ Q_SIGNALS:
     void dryRunWritten(const QString& path, const QString& error); ///< the error is for the user; empty on success
 
 private:
-    struct Run; ///< one push, from its first step to its last
+    struct Run; ///< one push from start to end
     struct Aside;
     enum class What { Due, LeftOut };
 
@@ -100,7 +101,7 @@ private:
     SyncHealthRow healthRow(const QString& status, const QString& error, const QJsonObject& extra) const;
     QJsonObject bridgeHealthPayload(const QJsonObject& extra) const;
     QString ingestBase() const;
-    QString agreedTarget() const; ///< the service and the account that a person agrees to
+    QString agreedTarget() const; ///< the service and account that the user agreed to
     static QString accountIdKey(const QString& slug); ///< of the user default with the web's id of an account
 
     SessionStore& m_session;
@@ -112,7 +113,7 @@ private:
     Progress m_progress;
     int m_lastSyncedThreads = 0;
     int m_lastSyncedMessages = 0;
-    qint64 m_newestMs = 0; ///< up to which the push has got
+    qint64 m_newestMs = 0; ///< how far the push has got
     bool m_attached = false;
     bool m_lookingUp = false;
     bool m_writing = false;
@@ -122,7 +123,7 @@ private:
     CancelHandle m_end; ///< of what is written, with the object
     Coalescer m_tell; ///< how far the push is
     NotificationCentre::Observation m_workspaceChanged;
-    BackgroundQueue m_background; ///< goes first: nothing comes home any more
+    BackgroundQueue m_background; ///< destroyed first: no callbacks afterwards
 };
 
 }

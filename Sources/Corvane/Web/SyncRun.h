@@ -8,8 +8,8 @@ namespace corvane {
 
 struct HttpReply;
 
-/// One push. Its steps return false, or nothing, where the run is over; what it came to then stands in `outcome`,
-/// unless it was ended from outside. Each step holds the run, and asks after each wait whether it goes on.
+/// One push. Its steps return false, or nothing, when the run is over; `outcome` then has its result, unless it was
+/// cancelled from outside. Each step keeps the run alive and checks after each suspension whether to go on.
 struct SyncClient::Run {
     enum class Ended { No, Cancelled, SignedOut, Gone };
     using Pointer = std::shared_ptr<Run>;
@@ -31,8 +31,8 @@ struct SyncClient::Run {
 private:
     struct Endpoint {
         QString name;
-        QString path; ///< behind the ingest base
-        QString waiting; ///< what is said where the web does not offer it yet; takes the status
+        QString path; ///< after the ingest base
+        QString waiting; ///< the status text if the web does not support it yet
     };
     struct Place {
         CloudThread thread;

@@ -9,22 +9,22 @@ namespace corvane {
 class Scheduler;
 class UserDefaults;
 
-/// Requests to the web service. Each ends after 60 seconds or 4 MiB at the latest. No cookie is kept, and no
-/// redirect leads what was sent to another origin. A failure carries the words for the user.
+/// Requests to the web service, limited to 60 seconds and 4 MiB. Cookies are not kept, and redirects to another origin
+/// are not followed. Errors are for the user.
 class WebClient {
 public:
     explicit WebClient(Scheduler& scheduler);
     ~WebClient();
 
-    /// A redirect to the same origin is followed, one to another is the answer. JSON in UTF-8, and the token where
-    /// there is one.
+    /// Follows redirects to the same origin; one to another origin is returned. JSON in UTF-8, with the token if there
+    /// is one.
     QCoro::Task<Result<HttpReply>> post(QUrl url, QByteArray body, QString bearerToken = {}, CancelHandle cancel = {});
     QCoro::Task<Result<HttpReply>> get(QUrl url, QString bearerToken, CancelHandle cancel = {});
 
-    /// A redirect is the answer.
+    /// Returns redirects.
     QCoro::Task<Result<HttpReply>> getWithoutRedirect(QUrl url, QString bearerToken);
 
-    /// Ends every request that runs, as a failure.
+    /// Ends all running requests with a failure.
     void abortAll();
 
 private:
@@ -32,10 +32,10 @@ private:
     QNetworkAccessManager m_network;
 };
 
-/// Where the service is: what the user default says, else what the program was built with.
+/// The service's address: the user default, else the built-in one.
 QString webBase(const UserDefaults& defaults);
 
-/// {base}{path}; an invalid URL unless the base is an absolute https one, or http on this machine.
+/// {base}{path}; invalid unless the base is an absolute https URL, or http on this machine.
 QUrl webUrl(const QString& base, const QString& path);
 
 }

@@ -13,7 +13,7 @@ class Scheduler;
 class SessionStore;
 class WebClient;
 
-/// The workspaces and integrations of the user's web account. The rows themselves are pulled by the tool server.
+/// The workspaces and integrations of the user's web account. The tool server pulls the rows themselves.
 class WebSync : public QObject {
     Q_OBJECT
 public:
@@ -24,18 +24,18 @@ public:
     const QList<WebIntegration>& integrations() const { return m_integrations; }
     const QList<WorkspaceRow>& workspaces() const { return m_workspaces; }
     const QString& selectedWorkspaceId() const { return m_selectedWorkspaceId; }
-    bool selectionIsKnown() const; ///< whether the web still has the selected workspace
+    bool selectionIsKnown() const; ///< whether the selected workspace still exists on the web
     std::optional<qint64> lastSyncedAt() const { return m_lastSyncedAt; } ///< milliseconds since the epoch
     bool syncing() const { return m_syncing; }
-    const QString& lastError() const { return m_lastError; } ///< for the user; empty where there is none
+    const QString& lastError() const { return m_lastError; } ///< for the user; empty if there is none
 
-    /// Shows what the database holds, and leaves a workspace without data. Part of the start; may run again.
+    /// Shows what the database has, and leaves an empty workspace. Part of the start; may run again.
     void takeUp();
 
-    /// Asks the web. Of two that overlap the newer counts. A sign-in asks by itself.
+    /// Refreshes from the web. Of two overlapping calls the newer wins. Signing in refreshes automatically.
     void refresh();
 
-    /// The user's choice; what is selected then is not always `id`.
+    /// The user's choice; the result may differ from `id`.
     void selectWorkspace(const QString& id);
 
 Q_SIGNALS:
@@ -58,12 +58,12 @@ private:
     QString m_selectedWorkspaceId;
     std::optional<qint64> m_lastSyncedAt;
     QString m_lastError;
-    std::optional<QString> m_token; ///< that the session had last
+    std::optional<QString> m_token; ///< the session's last token
     bool m_syncing = false;
-    bool m_attached = false; ///< the start has taken it up
+    bool m_attached = false; ///< the start sequence has run
     CancelHandle m_cancel; ///< of the refresh that runs
     NotificationCentre::Observation m_workspaceChanged;
-    BackgroundQueue m_background; ///< goes first: nothing comes home any more
+    BackgroundQueue m_background; ///< destroyed first: no callbacks afterwards
 };
 
 }

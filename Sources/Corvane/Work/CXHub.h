@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Somebody who waits for an answer.
+/// A person who waits for an answer.
 class WaitingSeed {
     Q_GADGET
     Q_PROPERTY(QString contactId MEMBER contactId)
@@ -37,7 +37,7 @@ public:
     bool operator==(const WaitingSeed&) const = default;
 };
 
-/// A message of the thread beside the queue.
+/// A message of the thread next to the queue.
 class QueueMessage {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -55,7 +55,7 @@ public:
     bool operator==(const QueueMessage&) const = default;
 };
 
-/// Customers: who waits, longest first, and the work of each client.
+/// Customers: who is waiting, longest first, and the work for each client.
 class CXHub : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkModuleShell* shell READ shell CONSTANT)
@@ -88,7 +88,7 @@ public:
     Q_INVOKABLE void select(const QString& contactId);
     Q_INVOKABLE void step(int by);
     Q_INVOKABLE void reply(); ///< opens the conversation in the inbox
-    Q_INVOKABLE void newTicket(); ///< about the person who is selected
+    Q_INVOKABLE void newTicket(); ///< about the selected person
 
 Q_SIGNALS:
     void changed();
@@ -100,7 +100,7 @@ private:
     const WorkServices m_at;
     WorkModuleShell m_shell;
     QString m_selected;
-    QHash<QString, QString> m_contexts; ///< of a person's work, by the contact
+    QHash<QString, QString> m_contexts; ///< of a person's work, by contact
     RowListModel<WaitingSeed> m_queue;
     RowListModel<QueueMessage> m_thread;
     RowListModel<WorkItemSeed> m_items;

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// A deal on its stage.
+/// A deal in its stage.
 class DealSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -19,10 +19,10 @@ class DealSeed {
 public:
     QString id;
     QString name;
-    QString person; ///< and the company
+    QString person; ///< with the company
     QString value;
     QString touched; ///< "3 days since the last message"
-    bool cold = false; ///< for two weeks or more
+    bool cold = false; ///< no contact for two weeks or more
     QString contactId;
     QString aloud;
 
@@ -33,7 +33,7 @@ public:
 
 DealSeed dealSeed(const DealLensRow& deal, bool open, const DateWords& words, qint64 nowMs);
 
-/// A stage of the pipeline: its deals, and what they are worth together.
+/// A stage of the pipeline: its deals and their total value.
 class PipelineStage : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY changed)
@@ -60,7 +60,7 @@ private:
     RowListModel<DealSeed> m_deals;
 };
 
-/// Going to market: the pipeline of deals, and the campaigns.
+/// Go-to-market: the pipeline of deals, and the campaigns.
 class GTMHub : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkModuleShell* shell READ shell CONSTANT)
@@ -69,7 +69,7 @@ class GTMHub : public QObject {
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    Q_PROPERTY(corvane::GadgetListModel* items READ items CONSTANT) ///< open work of the module
+    Q_PROPERTY(corvane::GadgetListModel* items READ items CONSTANT) ///< the module's open work
 public:
     explicit GTMHub(const WorkServices& services, QObject* parent = nullptr);
 

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The assistant's hub: what it knows and may use, which agents work, and how things are done here.
+/// The assistant's hub: its knowledge and permissions, the agents, and the house rules.
 class LumoHub : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkModuleShell* shell READ shell CONSTANT)
@@ -26,7 +26,7 @@ public:
     QString flowsEmpty() const;
     const QString& error() const { return m_error; }
 
-    /// A fact of the person's own: it waits among the proposals like any other. False where it was not saved.
+    /// A fact from the user: it is added to the proposals like any other. False if it was not saved.
     Q_INVOKABLE bool propose(const QString& fact);
 
 Q_SIGNALS:

@@ -13,7 +13,7 @@ namespace corvane {
 
 class DateWords;
 
-/// A question that waits, or waited, for an answer.
+/// A question that was asked of the user, open or answered.
 class OpsAskSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -27,9 +27,9 @@ class OpsAskSeed {
 public:
     QString id;
     QString question;
-    QString urgency; ///< a word where it is not the usual one
+    QString urgency; ///< empty for the usual urgency
     QString facts;
-    QString answer; ///< and whose it is
+    QString answer; ///< with its author
     bool open = true;
     bool urgent = false;
     QString aloud;
@@ -41,11 +41,11 @@ public:
 
 OpsAskSeed askSeed(const OpsAskRow& ask, const DateWords& words);
 
-/// What the assistant is told before it answers from a project, and what it reads.
+/// The assistant's instructions for answering from a project, and its input.
 QString opsAskInstructions();
 QString opsAskPrompt(LocalDB& db, const OpsAskRow& ask);
 
-/// The questions of every project or of one, and the sheet in which one is answered.
+/// The questions of all projects or of one, and the sheet for answering.
 class OpsAsks : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* asks READ asks CONSTANT)
@@ -59,7 +59,7 @@ class OpsAsks : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
 public:
     OpsAsks(const WorkServices& services, QObject* parent);
-    ~OpsAsks() override; ///< cancels what runs
+    ~OpsAsks() override; ///< cancels what is running
 
     void setProject(const OpsProjectId& project) { m_project = project; }
     void reload();

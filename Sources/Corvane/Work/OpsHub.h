@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// The finance screen: what is about money, and the gate before it moves.
+/// The finance screen: work about money, and the approval before it moves.
 class OpsFinance : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* items READ items CONSTANT)
@@ -33,7 +33,7 @@ public:
     const QString& notice() const { return m_notice; }
     QString emptyText() const;
 
-    Q_INVOKABLE void gate(); ///< writes down that a decision is needed; nothing else happens
+    Q_INVOKABLE void gate(); ///< only records that a decision is needed
     Q_INVOKABLE void dismissNotice();
 
 Q_SIGNALS:
@@ -48,7 +48,7 @@ private:
     RowListModel<WorkItemSeed> m_items;
 };
 
-/// The operations hub: today's work, the questions that wait, projects, finance, and each process by itself.
+/// The operations hub: today's work, open questions, projects, finance, and the processes.
 class OpsHub : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkModuleShell* shell READ shell CONSTANT)

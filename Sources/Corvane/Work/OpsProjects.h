@@ -22,7 +22,7 @@ public:
     QString name;
     QString goal;
     QString facts;
-    QString latest; ///< what was reported last
+    QString latest; ///< the latest report
     int liveTabs = 0;
     int downTabs = 0;
     int openAsks = 0;
@@ -53,7 +53,7 @@ public:
     bool operator==(const OpsTabSeed&) const = default;
 };
 
-/// An update, or an order: one line of a detail list.
+/// An update or an order, as a line of a detail list.
 class OpsLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -71,7 +71,7 @@ public:
     bool operator==(const OpsLine&) const = default;
 };
 
-/// The projects whose agents report here, and the one that is open.
+/// The projects that agents report to, and the open one.
 class OpsProjects : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* projects READ projects CONSTANT)
@@ -83,7 +83,7 @@ class OpsProjects : public QObject {
     Q_PROPERTY(corvane::GadgetListModel* updates READ updates CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* orders READ orders CONSTANT)
     Q_PROPERTY(corvane::OpsAsks* asks READ asks CONSTANT)
-    Q_PROPERTY(QString orderTab READ orderTab WRITE setOrderTab NOTIFY changed) ///< whom an order is for
+    Q_PROPERTY(QString orderTab READ orderTab WRITE setOrderTab NOTIFY changed) ///< the recipient of an order
     Q_PROPERTY(QString orderTabName READ orderTabName NOTIFY changed)
     Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
@@ -112,7 +112,7 @@ public:
     QString emptyText() const { return u"Projects appear when an agent reports one."_s; }
 
     Q_INVOKABLE void select(const QString& id);
-    Q_INVOKABLE bool order(const QString& text); ///< false where it was not saved: the text stays
+    Q_INVOKABLE bool order(const QString& text); ///< false if it was not saved: the text stays
 
 Q_SIGNALS:
     void changed();

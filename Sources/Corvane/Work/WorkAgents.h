@@ -9,7 +9,7 @@ namespace corvane {
 
 class DateWords;
 
-/// An agent, and how long ago it was heard of.
+/// An agent and its last heartbeat.
 class WorkAgentSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -26,12 +26,12 @@ class WorkAgentSeed {
 public:
     QString id;
     QString name;
-    QString tool; ///< and its role
+    QString tool; ///< with its role
     QString task;
-    QString state; ///< "At work", "Silent", "Ready" or a word of another writer
+    QString state; ///< "At work", "Silent", "Ready" or a word of another program
     QString tone; ///< good, bad or empty
     QString heartbeat;
-    QString session; ///< what its session is for
+    QString session; ///< the purpose of its session
     QString lastWords;
     QString place; ///< its module
     QString aloud;
@@ -41,7 +41,7 @@ public:
     bool operator==(const WorkAgentSeed&) const = default;
 };
 
-/// One that says it works and was not heard of for twice 600 seconds, or never.
+/// It claims to be working and its last heartbeat is older than twice 600 seconds, or missing.
 bool isSilent(const WorkAgentRecord& agent, qint64 nowMs);
 
 WorkAgentSeed agentSeed(const WorkAgentRecord& agent, const QList<WorkSessionRecord>& sessions,
@@ -55,28 +55,28 @@ struct AgentLaunchPlan {
 AgentLaunchPlan agentLaunchPlan(
     const WorkConsoleConfig& config, const WorkContextRow& context, const QString& agentName);
 
-/// The line that a person reviews and runs; each argument is quoted for the shell.
+/// The command line that the user reviews and runs; each argument is shell-quoted.
 QString workAgentLaunchCommand(const QString& module, const WorkContextRow& context, const AgentLaunchPlan& plan);
 
-/// What a launch shell shows. It is only shown: the person runs the command.
+/// The content of a launch shell. It is only displayed: the user runs the command.
 QString launchBanner(
     const WorkConsoleConfig& config, const WorkContextRow& context, const QString& agentName, const QString& command);
 
-/// The agents of a context or of a module, and how another is brought to work.
+/// The agents of a context or of a module, and launching new ones.
 class WorkAgents : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* agents READ agents CONSTANT)
     Q_PROPERTY(int silent READ silent NOTIFY changed)
     Q_PROPERTY(bool canLaunch READ canLaunch NOTIFY changed)
-    Q_PROPERTY(QString banner READ banner NOTIFY changed) ///< of the launch that was prepared; empty without one
+    Q_PROPERTY(QString banner READ banner NOTIFY changed) ///< about the prepared launch; empty without one
     Q_PROPERTY(QString command READ command NOTIFY changed)
     Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
-    Q_PROPERTY(QList<corvane::Choice> safety READ safety CONSTANT) ///< rules that always hold
+    Q_PROPERTY(QList<corvane::Choice> safety READ safety CONSTANT) ///< rules that always apply
 public:
     WorkAgents(const WorkServices& services, const WorkConsoleConfig& config, QObject* parent);
 
-    /// Without a context those of the module; `everyModule`: of all.
+    /// Without a context those of the module; `everyModule`: of all modules.
     void setScope(const WorkContext& context, bool everyModule = false);
     void reload();
 
@@ -90,7 +90,7 @@ public:
     QString emptyText() const;
     QList<Choice> safety() const;
 
-    /// Notes session and agent, and opens a terminal that shows the command. Empty: the usual agent of the module.
+    /// Records session and agent, and opens a terminal that shows the command. Empty: the module's default agent.
     Q_INVOKABLE void launch(const QString& agentName = {});
     Q_INVOKABLE void showLaunchShell();
     Q_INVOKABLE void createLocalShell(); ///< a terminal that names the context

@@ -12,7 +12,7 @@ class WorkLane : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString countText READ countText NOTIFY changed)
-    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty where every item is shown
+    Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty if every item is shown
     Q_PROPERTY(bool folded READ folded WRITE setFolded NOTIFY changed)
     Q_PROPERTY(corvane::HoldingListModel* items READ items CONSTANT)
 public:
@@ -38,7 +38,7 @@ private:
     RowListModel<WorkItemSeed> m_items;
 };
 
-/// The items of a context, or of a module, in lanes that a person works by hand.
+/// The items of a context, or of a module, in lanes that the user works with.
 class WorkBoard : public QObject {
     Q_OBJECT
     Q_PROPERTY(int laneCount READ laneCount NOTIFY lanesChanged)
@@ -52,13 +52,13 @@ class WorkBoard : public QObject {
     Q_PROPERTY(bool filtered READ filtered NOTIFY changed)
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
     Q_PROPERTY(QString error READ error NOTIFY changed)
-    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed) ///< empty where there are items
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed) ///< empty if there are items
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
 public:
     /// Both outlive the board.
     WorkBoard(LocalDB& db, Scheduler& scheduler, QObject* parent);
 
-    /// What it shows from now on; a new scope takes the filters off.
+    /// Sets what it shows; a new scope clears the filters.
     void setScope(const WorkItemFilter& scope, const WorkLanes& lanes);
     void setEmptyWords(const QString& title, const QString& text);
     void reload();
@@ -83,8 +83,8 @@ public:
     QString emptyTitle() const;
     QString emptyText() const;
 
-    Q_INVOKABLE void move(const QString& item, int lane); ///< a drop; nothing where it stands there already
-    Q_INVOKABLE void moveBy(const QString& item, int lanes); ///< to the next lane that takes items
+    Q_INVOKABLE void move(const QString& item, int lane); ///< a drop; does nothing if it is already there
+    Q_INVOKABLE void moveBy(const QString& item, int lanes); ///< to the next lane that accepts items
     Q_INVOKABLE void showMore();
     Q_INVOKABLE void undo() { m_undo.take(); }
     Q_INVOKABLE void dismissUndo() { m_undo.dismiss(); }
@@ -102,7 +102,7 @@ private:
     Scheduler& m_scheduler;
     WorkItemFilter m_filter;
     WorkLanes m_lanes;
-    QList<WorkLane*> m_laneObjects; ///< children; more than are shown at times
+    QList<WorkLane*> m_laneObjects; ///< children; possibly more than are shown
     int m_laneCount = 0;
     int m_pages = 1;
     int m_total = 0;

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// The surfaces of a context, in the order in which they are known.
+/// The surfaces of a context, in order.
 enum class WorkConsoleTab {
     Campaign,
     Inbox,
@@ -27,7 +27,7 @@ enum class WorkConsoleTab {
 QString tabId(WorkConsoleTab tab); ///< such as "terminalChat"
 QString tabLabel(WorkConsoleTab tab); ///< such as "Terminal Chat"
 
-/// Something that a person can begin, in two words and what comes of it.
+/// Something that the user can start, with its label and effect.
 class WorkAction {
     Q_GADGET
     Q_PROPERTY(QString title MEMBER title)
@@ -41,16 +41,16 @@ public:
     bool operator==(const WorkAction&) const = default;
 };
 
-/// What sets the workspace of one module apart from the others. It holds no rows: those come from the store alone.
+/// What distinguishes a module's workspace from the others. It has no rows: those come from the store.
 struct WorkConsoleConfig {
     QString module;
     QString eyebrow;
-    QString contextTitle; ///< what its contexts are called: "Processes"
-    QString contextNoun; ///< one of them: "process"
+    QString contextTitle; ///< the name of its contexts: "Processes"
+    QString contextNoun; ///< the singular: "process"
     QString inspectorTitle;
-    QString selectedTitle; ///< where nothing is selected
+    QString selectedTitle; ///< if nothing is selected
     QString selectedSubtitle;
-    QStringList contextFilters; ///< groups of the rail; the last one takes what fits no other
+    QStringList contextFilters; ///< groups of the rail; the last one takes the rest
     WorkConsoleTab defaultTab;
     QList<WorkConsoleTab> tabs;
     QList<WorkAction> topActions;
@@ -62,13 +62,13 @@ struct WorkConsoleConfig {
     static WorkConsoleConfig lumo();
 };
 
-// What a context is, is told by its words alone: no column says it.
+// A context is classified by its words: there is no column for it.
 
 bool isFinanceContext(const WorkContextRow& context);
 bool isHiringContext(const WorkContextRow& context);
 QString groupOf(const WorkConsoleConfig& config, const WorkContextRow& context); ///< one of the filters
 
-// Without a context: of the workspace as it stands before one is selected.
+// Without a context: of the workspace before one is selected.
 
 using WorkContext = std::optional<WorkContextRow>;
 

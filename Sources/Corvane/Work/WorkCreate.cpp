@@ -122,7 +122,7 @@ void WorkCreate::cancel()
     Q_EMIT changed();
 }
 
-/// Why it was not saved; nothing where it was.
+/// Why it was not saved; nothing if it was.
 std::optional<Error> WorkCreate::write()
 {
     const auto errorOf = [](const auto& saved) {

@@ -8,13 +8,13 @@
 
 namespace corvane {
 
-/// The sheet in which a person begins something: a context, an item, a note or a question.
+/// The sheet for creating something: a context, an item, a note or a question.
 class WorkCreate : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool open READ isOpen NOTIFY changed)
     Q_PROPERTY(QString flow READ flow NOTIFY changed) ///< context, item, note or ask
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
-    Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will stand
+    Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will be added
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
     Q_PROPERTY(QString titleLabel READ titleLabel NOTIFY changed)
     Q_PROPERTY(QString summary READ summary WRITE setSummary NOTIFY changed)
@@ -24,7 +24,7 @@ class WorkCreate : public QObject {
     Q_PROPERTY(QString priority READ priority WRITE setPriority NOTIFY changed)
     Q_PROPERTY(QString urgency READ urgency WRITE setUrgency NOTIFY changed)
     Q_PROPERTY(bool toLumo READ toLumo WRITE setToLumo NOTIFY changed)
-    Q_PROPERTY(QString riskText READ riskText NOTIFY changed) ///< what else will happen; empty for nothing
+    Q_PROPERTY(QString riskText READ riskText NOTIFY changed) ///< other effects; empty for none
     Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(QStringList priorities READ priorities CONSTANT)
 public:

@@ -27,7 +27,7 @@ public:
     QString proposal;
     QString rationale;
     QString facts;
-    QString question; ///< asked before an approval; empty where one press is enough
+    QString question; ///< asked before an approval; empty if one press is enough
     bool waits = false;
 
     static constexpr const char* role = "decision";

@@ -4,13 +4,13 @@
 
 namespace corvane {
 
-/// A context as one text to read or to hand on: items, decisions, evidence and messages in their order, whole.
+/// A context as one readable text: items, decisions, evidence and messages, in order and complete.
 QString contextAsMarkdown(LocalDB& db, const WorkContextRow& context);
 
-/// Into the person's folder of downloads, beside what stands there. Says where it went, or why it did not.
+/// Into the user's downloads folder, without overwriting. Returns where it went, or the error.
 QString saveMarkdown(const QString& title, const QString& text);
 
-/// What an agent at a terminal would be told of the context, line by line.
+/// What an agent in a terminal is told about the context, line by line.
 QStringList terminalLines(LocalDB& db, const QString& module, const WorkContext& context);
 
 }

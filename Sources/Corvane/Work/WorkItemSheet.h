@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A field that somebody else changed while a person edited it.
+/// A field that was changed elsewhere while the user edited it.
 class WorkFieldClash {
     Q_GADGET
     Q_PROPERTY(QString label MEMBER label)
@@ -20,7 +20,7 @@ public:
     bool operator==(const WorkFieldClash&) const = default;
 };
 
-/// One item, beside its board: its fields to edit, and its story.
+/// One item, beside its board: its editable fields and its history.
 class WorkItemSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString itemId READ itemId NOTIFY changed) ///< empty while it is closed
@@ -34,8 +34,8 @@ class WorkItemSheet : public QObject {
     Q_PROPERTY(QStringList priorities READ priorities CONSTANT)
     Q_PROPERTY(bool dirty READ dirty NOTIFY changed)
     Q_PROPERTY(bool done READ done NOTIFY changed)
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what happened to the row meanwhile, or came of a save
-    Q_PROPERTY(QList<corvane::WorkFieldClash> clashes READ clashes NOTIFY changed) ///< both versions; none: no question
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< an outside change, or the result of a save
+    Q_PROPERTY(QList<corvane::WorkFieldClash> clashes READ clashes NOTIFY changed) ///< both versions; none: no conflict
     Q_PROPERTY(corvane::GadgetListModel* events READ events CONSTANT)
     Q_PROPERTY(QString eventsText READ eventsText NOTIFY changed)
 public:
@@ -69,7 +69,7 @@ public:
     Q_INVOKABLE void close();
     Q_INVOKABLE void save();
     Q_INVOKABLE void revert();
-    Q_INVOKABLE void keepMine(); ///< and writes it over theirs
+    Q_INVOKABLE void keepMine(); ///< and overwrites the other version
     Q_INVOKABLE void takeTheirs();
     Q_INVOKABLE void markDone();
 
@@ -86,9 +86,9 @@ private:
 
     LocalDB& m_db;
     WorkLanes m_lanes;
-    WorkItemRecord m_seen; ///< what the edits are based on
+    WorkItemRecord m_seen; ///< the version that the edits are based on
     WorkItemRecord m_edited;
-    std::optional<WorkItemRecord> m_theirs; ///< where it is another by now
+    std::optional<WorkItemRecord> m_theirs; ///< if it has changed since
     QString m_notice;
     QList<WorkFieldClash> m_clashes;
     RowListModel<OpsTimelineEvent> m_events;

@@ -4,16 +4,16 @@
 
 namespace corvane {
 
-/// The lanes of a board. The first holds what is open, the second what is in progress, the one of what is finished all
-/// finished words, each other the word that is its name; what fits none stands in a further lane, "Other".
+/// The lanes of a board. The first holds open items, the second those in progress, the finished lane all finished
+/// statuses, any other lane the status with its name; the rest is in an additional lane, "Other".
 struct WorkLanes {
     QStringList names;
     int finished = 3; ///< the lane of "done", "closed" and "rejected"
     bool foldsFinished = false;
 
     int other() const { return int(names.size()); }
-    int laneOf(const QString& status) const; ///< `other()` for a word that is not ours
-    QString statusOf(int lane) const; ///< what a drop there writes
+    int laneOf(const QString& status) const; ///< `other()` for an unknown status
+    QString statusOf(int lane) const; ///< the status after a drop
     QString name(int lane) const;
 };
 

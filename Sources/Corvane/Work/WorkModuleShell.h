@@ -21,7 +21,7 @@ public:
     QString id;
     QString title;
     QString summary;
-    QString facts; ///< its kind, where it comes from, and when
+    QString facts; ///< its kind, source and time
 
     static constexpr const char* role = "evidence";
     const QString& key() const { return id; }
@@ -30,18 +30,18 @@ public:
 
 WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words);
 
-/// A place of a hub's rail that is no context.
+/// A place of a hub's rail that is not a context.
 TabItem workPlace(const QString& id, const QString& label);
 
-/// The workspace of a module: a rail of places and contexts, and the surfaces of what is chosen there. What is shown
-/// comes from the store alone, and is read anew only where something was written and somebody looks.
+/// The workspace of a module: a rail of places and contexts, and the surfaces of the selected one. All content comes
+/// from the store, and is read again only if something was written and the screen is shown.
 class WorkModuleShell : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is on the screen
     Q_PROPERTY(corvane::GadgetListModel* contexts READ contexts CONSTANT)
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QString contextsTitle READ contextsTitle CONSTANT)
-    Q_PROPERTY(QString contextsEmpty READ contextsEmpty NOTIFY changed) ///< empty where there are some
+    Q_PROPERTY(QString contextsEmpty READ contextsEmpty NOTIFY changed) ///< empty if there are some
     Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
     Q_PROPERTY(QList<corvane::TabItem> places READ places NOTIFY changed)
     Q_PROPERTY(QString place READ place WRITE setPlace NOTIFY changed) ///< empty while a context is chosen
@@ -113,7 +113,7 @@ public:
 
     Q_INVOKABLE void select(const QString& contextId);
     Q_INVOKABLE void step(int by); ///< to another context of the rail
-    Q_INVOKABLE void queueDraft(const QString& text); ///< of a reply: an item, and a decision that waits
+    Q_INVOKABLE void queueDraft(const QString& text); ///< a reply: adds an item, and a decision that waits
     Q_INVOKABLE void exportContext();
     Q_INVOKABLE void dismissNotice();
     Q_INVOKABLE void refresh();
@@ -121,7 +121,7 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void refreshed(); ///< the places read their rows anew, too
+    void refreshed(); ///< the places must read their rows again, too
 
 private:
     void tick();
@@ -138,7 +138,7 @@ private:
     WorkContext m_context;
     WorkConsoleTab m_tab;
     bool m_shown = false;
-    bool m_stale = true; ///< something was written since the last look
+    bool m_stale = true; ///< something was written since the last read
     int m_ticks = 0;
     WorkCounts m_counts;
     QStringList m_logLines;

@@ -26,8 +26,8 @@ public:
     QString title;
     QString subtitle;
     QString meta; ///< "3 open"
-    bool waits = false; ///< for a person's decision
-    bool live = false; ///< an agent works in it
+    bool waits = false; ///< for the user's decision
+    bool live = false; ///< an agent is working in it
     QString aloud;
 
     static constexpr const char* role = "context";
@@ -53,11 +53,11 @@ public:
     QString kind;
     QString title;
     QString status;
-    QString priority; ///< a word where it is not the usual one
+    QString priority; ///< empty for the usual priority
     QString owner;
     QString summary;
     QString updatedAt; ///< in words
-    bool waits = false; ///< a decision about it waits
+    bool waits = false; ///< a decision about it is pending
     QString aloud;
 
     static constexpr const char* role = "item";
@@ -79,7 +79,7 @@ public:
     bool operator==(const WorkMetricSeed&) const = default;
 };
 
-/// Something that happened, on a timeline.
+/// An event on a timeline.
 class OpsTimelineEvent {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -105,11 +105,11 @@ public:
     bool operator==(const OpsTimelineEvent&) const = default;
 };
 
-/// A text that somebody else wrote, on one line and without what would disturb the others.
+/// Someone else's text on one line, safe to show next to other text.
 QString shownLine(const QString& text);
-QString shownText(const QString& text); ///< of several lines, not endless
+QString shownText(const QString& text); ///< on several lines, limited in length
 
-QString shownTime(const QString& isoTime, const DateWords& words); ///< empty for what is no time
+QString shownTime(const QString& isoTime, const DateWords& words); ///< empty if it is not a time
 
 WorkContextSeed contextSeed(const WorkConsoleConfig& config, const WorkContextRow& context, int waitingDecisions);
 WorkItemSeed itemSeed(const WorkItemRecord& item, bool waits, const DateWords& words);
@@ -117,12 +117,12 @@ WorkItemSeed itemSeed(const WorkItemRecord& item, bool waits, const DateWords& w
 /// Four figures: contexts, open work, agents and evidence.
 QList<WorkMetricSeed> dashboardMetrics(const WorkConsoleConfig& config, const WorkCounts& counts);
 
-/// The events of a story in their order; a decision that was taken stands there twice.
+/// A story's events in order; a decided decision appears twice.
 QList<OpsTimelineEvent> timelineEvents(const QList<WorkEvent>& events, const DateWords& words);
 
-/// The digest of a module: decisions first, then evidence, then messages, each newest first, 25 in all.
+/// The digest of a module: decisions, then evidence, then messages, each newest first, 25 in total.
 QList<OpsTimelineEvent> opsTimeline(const QList<WorkEvent>& events, const DateWords& words);
 
-QString factLine(const QStringList& facts); ///< those that are not empty, apart by a dot
+QString factLine(const QStringList& facts); ///< the non-empty ones, separated by dots
 
 }

@@ -10,13 +10,13 @@ class LumoAI;
 class NotificationCentre;
 class Scheduler;
 
-/// What the screens of this room stand on; all of it outlives them.
+/// What the screens of this room use; all references outlive them.
 struct WorkServices {
     LocalDB& db;
     Scheduler& scheduler;
     LumoAI& ai;
     NotificationCentre& notifications;
-    /// A terminal of that name, which shows the text and runs nothing of it.
+    /// Opens a terminal with that name, which shows the text and executes nothing.
     std::function<void(const QString& name, const QString& text)> openShell;
     std::function<void()> showShells; ///< brings the terminals to the front
 };

@@ -12,10 +12,10 @@
 
 namespace corvane {
 
-/// What the assistant is told before it answers from a context.
+/// The assistant's instructions for answering from a context.
 QString terminalChatInstructions();
 
-/// The rows of a context as the assistant reads them, and the question behind them.
+/// The assistant's input: the rows of a context, followed by the question.
 QString terminalChatPrompt(LocalDB& db, const WorkContextRow& context, const QString& question);
 
 /// A line of the thread.
@@ -34,9 +34,9 @@ public:
     QString speaker;
     QString body;
     QString time;
-    bool isOskel = false; ///< the person's own words
+    bool isOskel = false; ///< by the user
     QString tone; ///< "answer", "bad", "system" or empty
-    QList<Choice> sources; ///< rows that an answer names: "item:{id}" or "evidence:{id}"
+    QList<Choice> sources; ///< rows that an answer cites: "item:{id}" or "evidence:{id}"
     QString aloud;
 
     static constexpr const char* role = "line";
@@ -44,7 +44,7 @@ public:
     bool operator==(const WorkChatSeed&) const = default;
 };
 
-/// Questions about one context, answered from its rows alone. Question and answer are rows, too.
+/// Questions about one context, answered only from its rows. Questions and answers are rows, too.
 class WorkTerminalChat : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* lines READ lines CONSTANT)
@@ -54,13 +54,13 @@ class WorkTerminalChat : public QObject {
     Q_PROPERTY(bool statusIsError READ statusIsError NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
-    Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty where every line is shown
+    Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty if every line is shown
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
 public:
     WorkTerminalChat(const WorkServices& services, QObject* parent);
-    ~WorkTerminalChat() override; ///< cancels what runs
+    ~WorkTerminalChat() override; ///< cancels what is running
 
     void setContext(const QString& module, const WorkContext& context);
     void reload();
@@ -77,12 +77,12 @@ public:
     QString actionLabel() const { return busy() ? u"Asking"_s : u"Ask"_s; }
     QString hint() const;
 
-    /// True where the question was taken: it stands in the thread then.
+    /// True if the question was accepted: the thread has it then.
     Q_INVOKABLE bool ask(const QString& question);
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void showEarlier();
 
-    void answerAsk(const OpsAskRow& ask); ///< a question that stands in the list of asks
+    void answerAsk(const OpsAskRow& ask); ///< answers a question from the list of asks
 
 Q_SIGNALS:
     void changed();

@@ -34,7 +34,7 @@ struct Config {
     bool allowImageFiles = true; ///< images may be read from files and shared memory
     bool darkColors = true; ///< what the colour-scheme report answers
 
-    /// By the option's name, such as "vt-level"; "ambiguous" takes a width, 1 or 2. False where name or value is not
+    /// By the option's name, such as "vt-level"; "ambiguous" takes a width, 1 or 2. False if name or value is not
     /// known.
     bool set(std::string_view name, std::string_view value);
     /// "default", "xterm" (what xterm answers and permits) or "strict" (nothing that asks the user or the machine).

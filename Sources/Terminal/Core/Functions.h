@@ -12,7 +12,7 @@ void runCsi(Emulator& terminal, const Sequence& sequence);
 using Function = void(Emulator& terminal, const Sequence& sequence);
 using StringFunction = void(Emulator& terminal, const Sequence& head, std::string_view data);
 
-/// The function of a device control string; null where there is none.
+/// The function of a device control string; null if there is none.
 StringFunction* findString(const Sequence& head);
 
 // C0 and C1

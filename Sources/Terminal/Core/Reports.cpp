@@ -12,7 +12,7 @@ std::string cursorReport(const Emulator& t)
     return concat(t.cursor.row - t.originRow() + 1, ';', t.cursor.column - t.originColumn() + 1);
 }
 
-/// What DECRQSS answers for the final characters of a control function; nothing where it is not known.
+/// What DECRQSS answers for the final characters of a control function; nothing if it is not known.
 std::optional<std::string> statusOf(const Emulator& t, std::string_view function)
 {
     if (function == "m")

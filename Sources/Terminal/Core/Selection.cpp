@@ -36,7 +36,7 @@ public:
 
     bool continues(int64_t index) { return index > m_first && row(index).continued; }
 
-    /// The place before or after, past the ends of wrapped rows; false where the line ends.
+    /// The place before or after, past the ends of wrapped rows; false if the line ends.
     bool step(Position& at, int direction)
     {
         at.column += direction;

@@ -19,7 +19,7 @@ std::string sgrText(const Style& style);
 /// The area between two places of the stream of text, as DECCARA takes it unless DECSACE chose rectangles.
 Rect streamOf(const Emulator& terminal, const Params& params);
 
-/// The area that four parameters from `first` on name, cut to the page; empty where they make no sense.
+/// The area that four parameters from `first` on name, cut to the page; empty if they make no sense.
 Rect rectangleOf(const Emulator& terminal, const Params& params, int first);
 
 }

@@ -54,7 +54,7 @@ public:
     /// The colours that a reset goes back to. What the program changed stays as it made it.
     void setColors(const PaletteState& colors, bool dark);
 
-    // Input; what the program gets of it comes with the replies. False where it gets nothing.
+    // Input; what the program gets of it comes with the replies. False if it gets nothing.
     bool key(const KeyEvent& event);
     bool mouse(const MouseEvent& event);
     bool paste(std::string_view text);
@@ -87,7 +87,7 @@ public:
     /// Brings the snapshot up to date, for a view whose first row is `top`: only rows that changed are copied.
     void snapshot(int64_t top, Snapshot& snapshot);
     HistoryPlace placeInHistory(int64_t row); ///< of a negative row
-    /// The row, negative; the oldest one where the place is gone, 0 where its text is back on the screen.
+    /// The row, negative; the oldest one where the place is gone, 0 if its text is back on the screen.
     int64_t rowOf(HistoryPlace place);
 
     /// Grows with every change.

@@ -47,7 +47,7 @@ void draw(Bitmap& target, int x, int y, const Bitmap& source, const Box& part, b
     }
 }
 
-/// The frame that a 1-based number names; null where there is none.
+/// The frame that a 1-based number names; null if there is none.
 ImageFrame* frameOf(Image& image, uint32_t number)
 {
     return number >= 1 && number <= image.frames.size() ? &image.frames[number - 1] : nullptr;

@@ -11,7 +11,7 @@ namespace corvane::terminal {
 /// Where an image is shown: pixels of it in a box of cells that moves with the text.
 struct Placement {
     uint32_t image = 0;
-    uint32_t id = 0; ///< 0 where the program gave none
+    uint32_t id = 0; ///< 0 if the program gave none
     bool onAlternate = false; ///< which screen's anchors hold it
     bool isVirtual = false; ///< shown by placeholder characters alone
     Anchors::Id anchor = 0; ///< unless virtual or relative
@@ -41,7 +41,7 @@ public:
     /// Called with each placement that goes, to give up its anchor.
     void setReleaser(std::function<void(const Placement&)> release) { m_release = std::move(release); }
 
-    /// Takes the image under its id, in place of an older one; an id of 0 is given a free one. False where it is
+    /// Takes the image under its id, in place of an older one; an id of 0 is given a free one. False if it is
     /// larger than the whole budget.
     bool add(Image image, uint32_t* id);
     Image* find(uint32_t id);

@@ -8,7 +8,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// A placement's box, by its anchor or its parent's; nothing where it has no place on the present screen.
+/// A placement's box, by its anchor or its parent's; nothing if it has no place on the present screen.
 std::optional<PlacementView> viewOf(Emulator& t, const Placement& placement, int depth)
 {
     PlacementView view { placement.image, placement.id, placement.z, 0, 0, 0, 0, placement.sourceX, placement.sourceY,

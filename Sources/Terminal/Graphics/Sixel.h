@@ -19,7 +19,7 @@ public:
     /// leaves open; without one that stays transparent.
     SixelDecoder(Colors& colors, std::optional<uint32_t> background);
     void feed(std::string_view data);
-    /// The picture as far as it came; nothing where it is empty.
+    /// The picture as far as it came; nothing if it is empty.
     std::optional<Bitmap> finish();
 
     static Colors vtColors();

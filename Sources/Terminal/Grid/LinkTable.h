@@ -13,7 +13,7 @@ class LinkTable {
 public:
     static constexpr size_t maxAddress = 2083;
 
-    /// 0 where the address is longer than allowed or the table cannot hold more.
+    /// 0 if the address is longer than allowed or the table cannot hold more.
     uint32_t intern(std::string_view id, std::string_view address);
     /// Empty for 0.
     std::string_view address(uint32_t link) const;

@@ -15,7 +15,7 @@ struct KeyContext {
 
 enum KittyFlag { Disambiguate = 1, EventTypes = 2, AlternateKeys = 4, AllAsEscapes = 8, AssociatedText = 16 };
 
-/// The bytes that the program gets for the key; none where it gets nothing.
+/// The bytes that the program gets for the key; none if it gets nothing.
 std::string encodeKey(const KeyEvent& event, const KeyContext& context);
 
 }

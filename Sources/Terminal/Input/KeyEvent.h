@@ -36,8 +36,8 @@ struct KeyEvent {
     char32_t key = 0;
     uint8_t modifiers = 0; ///< of Modifier
     KeyAction action = KeyAction::Press;
-    char32_t shifted = 0; ///< what the key types with Shift; 0 where that is not known
-    char32_t base = 0; ///< the key at this place of a US keyboard; 0 where that is the same
+    char32_t shifted = 0; ///< what the key types with Shift; 0 if that is not known
+    char32_t base = 0; ///< the key at this place of a US keyboard; 0 if that is the same
     std::string text {}; ///< UTF-8 that it types
 };
 

@@ -9,7 +9,7 @@ namespace corvane::terminal {
 /// only where pixels count.
 class MouseEncoder {
 public:
-    /// Nothing where the program did not ask for events of this kind.
+    /// Nothing if the program did not ask for events of this kind.
     std::string encode(const MouseEvent& event, const Modes& modes);
 
 private:

@@ -87,7 +87,7 @@ private:
 /// The user's shell: by the account, else /bin/sh.
 std::string loginShell();
 
-/// The name and the working directory of a process; empty where the system does not tell.
+/// The name and the working directory of a process; empty if the system does not tell.
 std::string programOf(int process);
 std::string directoryOf(int process);
 

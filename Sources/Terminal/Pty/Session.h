@@ -54,9 +54,9 @@ public:
     void hangUp();
     bool isRunning() const { return m_running; }
     int process() const { return m_process; }
-    /// The program that runs in the foreground of the shell; empty where that is the shell itself.
+    /// The program that runs in the foreground of the shell; empty if that is the shell itself.
     std::string foregroundProgram() const;
-    std::string workingDirectory() const; ///< of the shell; empty where it cannot be told
+    std::string workingDirectory() const; ///< of the shell; empty if it cannot be told
     /// False after `timeout`.
     bool waitForExit(std::chrono::milliseconds timeout);
     ExitStatus exitStatus() const { return m_status; }

@@ -52,7 +52,7 @@ inline std::string hexOfBytes(std::string_view bytes)
     return digits;
 }
 
-/// False where the digits are not hexadecimal or not in pairs; what came before is kept.
+/// False if the digits are not hexadecimal or not in pairs; what came before is kept.
 inline bool bytesOfHex(std::string_view digits, std::string& bytes)
 {
     for (size_t at = 0; at + 2 <= digits.size(); at += 2) {

@@ -19,7 +19,7 @@ public:
     enum class Kind : uint8_t { Literal, Regex };
     enum class Case : uint8_t { Insensitive, Sensitive };
 
-    /// Nothing where the expression is malformed or grows too large.
+    /// Nothing if the expression is malformed or grows too large.
     static std::optional<Pattern> make(std::string_view text, Kind kind, Case sensitivity);
 
     /// The first match from `from` on, as begin and end in bytes; the longest of those that begin there.
@@ -47,7 +47,7 @@ private:
     /// States are made as they are met. Those of a search begin anew at each byte; those of a match do not.
     struct Table {
         bool anywhere;
-        int32_t starts[2] {}; ///< where a text begins, and within it; 0 where not yet known
+        int32_t starts[2] {}; ///< where a text begins, and within it; 0 if not yet known
         std::vector<State> states {};
         std::map<std::vector<uint32_t>, int32_t> known {};
     };

@@ -8,12 +8,12 @@ namespace corvane {
 
 struct AIServices;
 
-/// A question about the person whose thread is open, answered from what is known here.
+/// Answers a question about the open person from local data.
 class AskLumo final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString heading READ heading NOTIFY changed) ///< "Ask Lumo about Ana"
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
-    Q_PROPERTY(QString question READ question NOTIFY changed) ///< that is being, or was, answered
+    Q_PROPERTY(QString question READ question NOTIFY changed) ///< the current or last one
     Q_PROPERTY(QString answer READ answer NOTIFY changed)
     Q_PROPERTY(QString footer READ footer NOTIFY changed)
     Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
@@ -27,11 +27,11 @@ public:
     const QString& question() const { return m_question; }
     const QString& answer() const { return m_answer; }
     QString footer() const;
-    QString actionLabel() const; ///< "Ask", or that nobody is there to answer
+    QString actionLabel() const; ///< "Ask", or why nobody can answer
     bool canAsk() const { return !backend().isEmpty() && !m_contact.id.isEmpty(); }
 
-    Q_INVOKABLE void ask(const QString& question); ///< a blank one does nothing
-    Q_INVOKABLE void lookForBackend(); ///< who is there may have come or gone since the last look
+    Q_INVOKABLE void ask(const QString& question); ///< does nothing if it is blank
+    Q_INVOKABLE void lookForBackend(); ///< checks again who can answer
 
 private:
     QCoro::Task<> run(QString question);

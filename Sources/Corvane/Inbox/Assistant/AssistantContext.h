@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A message that an answer names.
+/// A message that an answer cites.
 class Citation {
     Q_GADGET
     Q_PROPERTY(QString label MEMBER label)
@@ -21,12 +21,12 @@ public:
     bool operator==(const Citation&) const = default;
 };
 
-// What is known here of the person whose thread is open, read afresh.
+// What is known locally about the open person, read at each call.
 
 LumoDraftCRMContext draftContext(LocalDB& db, const ContactRow& contact);
 QList<UnifiedMsgRow> localThread(LocalDB& db, const ContactRow& contact); ///< oldest first
 
-/// Those of `labels`, as a screen shows them.
+/// The cited messages with these labels, as the screen shows them.
 QList<Citation> citationChoices(const QList<LocalAIMessageCitation>& citations, const QStringList& labels);
 
 }

@@ -11,19 +11,19 @@ class Composer;
 class TranslationService;
 struct AIServices;
 
-/// Prepares texts for the composer: a reply, or another wording of what stands there. What it makes is a preview, which
-/// the person takes over or not; nothing here can send.
+/// Generates texts for the composer: a reply, or a rewrite of its text. The result is a preview that the user accepts
+/// or not; nothing here can send.
 class DraftAssistant final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString draft READ draft NOTIFY changed)
     Q_PROPERTY(QString operationLabel READ operationLabel NOTIFY changed) ///< "Draft reply", "Shorten", ...
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
-    Q_PROPERTY(bool isRewrite READ isRewrite NOTIFY changed) ///< of the composer's text, rather than beside it
+    Q_PROPERTY(bool isRewrite READ isRewrite NOTIFY changed) ///< of the composer's text, not next to it
     Q_PROPERTY(QStringList warnings READ warnings NOTIFY changed)
     Q_PROPERTY(QList<corvane::Citation> citations READ citations NOTIFY changed)
     Q_PROPERTY(QString caption READ caption CONSTANT)
     Q_PROPERTY(QList<corvane::Choice> rewrites READ rewrites CONSTANT)
-    Q_PROPERTY(QStringList languages READ languages CONSTANT) ///< that a text can be translated to
+    Q_PROPERTY(QStringList languages READ languages CONSTANT) ///< for translation
 public:
     struct Surroundings {
         LocalDB& db;
@@ -40,7 +40,7 @@ public:
     QString modelName() const { return m_result ? m_result->model.displayName : QString(); }
     bool isRewrite() const;
     QStringList warnings() const { return m_result ? m_result->responseMetadata.warnings : QStringList(); }
-    QList<Citation> citations() const; ///< those that the draft names
+    QList<Citation> citations() const; ///< those that the draft cites
     QString caption() const;
     QList<Choice> rewrites() const;
     QStringList languages() const;
@@ -48,8 +48,8 @@ public:
     Q_INVOKABLE void draftReply();
     Q_INVOKABLE void rewrite(const QString& action); ///< a key of `rewrites`
     Q_INVOKABLE void translate(const QString& language);
-    Q_INVOKABLE void accept(); ///< after what stands in the composer
-    Q_INVOKABLE void replace(); ///< in its place
+    Q_INVOKABLE void accept(); ///< appends to the composer's text
+    Q_INVOKABLE void replace(); ///< replaces the composer's text
 
 private:
     using Operation = std::function<QCoro::Task<Result<LumoDraftResult>>(CancelHandle)>;
@@ -58,7 +58,7 @@ private:
     QCoro::Task<Result<LumoDraftResult>> translated(QString text, QString language, CancelHandle cancel);
     QCoro::Task<Result<LumoDraftResult>> rewritten(
         QString text, LumoDraftRewriteAction action, QString language, CancelHandle cancel);
-    bool hasText(); ///< in the composer; else says so
+    bool hasText(); ///< whether the composer has one; else reports it
     void showMissingModel();
     void take(bool inPlace);
     void forget() override { m_result.reset(); }

@@ -11,22 +11,22 @@ namespace corvane {
 
 class LumoAI;
 
-/// A text about the person whose thread is open: it is being made, is there, or cannot be had. What every panel of the
-/// assistant shows. One request runs at a time; a newer one, or another person, cancels it.
+/// A generated text about the open person: in progress, ready or unavailable. The base of the assistant's panels. One
+/// request runs at a time; a newer one, or another person, cancels it.
 class GenerationPanel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString state READ stateWord NOTIFY changed) ///< idle loading missingModel empty error ready
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
-    Q_PROPERTY(QString backend READ backend NOTIFY changed) ///< who would answer now; empty where nobody would
-    Q_PROPERTY(bool canTryAgain READ canTryAgain NOTIFY changed) ///< what failed
+    Q_PROPERTY(QString backend READ backend NOTIFY changed) ///< who would answer now; empty if nobody would
+    Q_PROPERTY(bool canTryAgain READ canTryAgain NOTIFY changed) ///< after a failure
 public:
     enum class State { Idle, Loading, MissingModel, Empty, Error, Ready };
     Q_ENUM(State)
 
     /// `ai` outlives the panel.
     explicit GenerationPanel(LumoAI& ai, QObject* parent = nullptr);
-    ~GenerationPanel() override; ///< cancels what runs
+    ~GenerationPanel() override; ///< cancels a running request
 
     void open(const ContactRow& contact); ///< with an empty id: nobody
 
@@ -36,17 +36,17 @@ public:
     QString backend() const;
     bool canTryAgain() const;
 
-    Q_INVOKABLE void dismiss(); ///< cancels what runs, and puts away what is shown
+    Q_INVOKABLE void dismiss(); ///< cancels a running request and hides the result
     Q_INVOKABLE void tryAgain();
 
 Q_SIGNALS:
     void changed();
 
 protected:
-    /// A new request: its handle says whether it is still wanted when its answer comes. `again` makes the same one.
+    /// A new request: its handle tells whether its answer is still wanted. `again` repeats it.
     CancelHandle begin(const QString& title, std::function<void()> again);
     void show(State state, const QString& title, const QString& detail = {});
-    virtual void forget() { } ///< what the last request brought
+    virtual void forget() { } ///< the result of the last request
 
     LumoAI& m_ai;
     ContactRow m_contact;

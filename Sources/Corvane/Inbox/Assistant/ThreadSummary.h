@@ -8,10 +8,10 @@ namespace corvane {
 
 struct AIServices;
 
-/// The open thread in a few lines, with the messages that it rests on.
+/// A short summary of the open thread, with the messages that it cites.
 class ThreadSummary final : public corvane::GenerationPanel {
     Q_OBJECT
-    Q_PROPERTY(QString html READ html NOTIFY changed) ///< the text; a label such as M3 links to its message's id
+    Q_PROPERTY(QString html READ html NOTIFY changed) ///< labels such as M3 link to the message's id
     Q_PROPERTY(QString text READ text NOTIFY changed)
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
     Q_PROPERTY(QList<corvane::Citation> citations READ citations NOTIFY changed) ///< that it names

@@ -11,7 +11,7 @@ namespace corvane {
 
 class Desktop;
 
-/// A file that goes with a message, in the words of the screen.
+/// An attached file, as the screen shows it.
 class AttachmentItem {
     Q_GADGET
     Q_PROPERTY(QString path MEMBER path)
@@ -19,7 +19,7 @@ class AttachmentItem {
     Q_PROPERTY(QString size MEMBER size)
     Q_PROPERTY(bool copying MEMBER copying)
 public:
-    QString path; ///< of the copy; something else while it is made
+    QString path; ///< of the copy; a placeholder while it is being made
     QString name;
     QString size;
     bool copying = false;
@@ -29,18 +29,18 @@ public:
     bool operator==(const AttachmentItem&) const = default;
 };
 
-/// The files of the message that is being written. What is picked is copied in the background, so that what goes out is
-/// what was picked; the copies belong to whoever owns the message.
+/// The files of the message being written. Picked files are copied in the background, so that exactly what was picked
+/// is sent; the copies belong to the owner of the message.
 class Attachments : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool allowed READ allowed NOTIFY changed) ///< the channel carries files
+    Q_PROPERTY(bool allowed READ allowed NOTIFY changed) ///< the channel supports files
     Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of AttachmentItem
     Q_PROPERTY(QString summary READ summary NOTIFY changed)
     Q_PROPERTY(QString problem READ problem NOTIFY changed)
 public:
-    Attachments(const Outbox& outbox, Desktop& desktop, QObject* parent = nullptr); ///< which outlives the object
+    Attachments(const Outbox& outbox, Desktop& desktop, QObject* parent = nullptr); ///< both outlive the object
 
-    /// The message of `owner`, and the files that it has.
+    /// Shows the files of the message of `owner`.
     void show(const QString& owner, const QList<OutgoingFile>& files);
     void setChannel(const QString& label, const ChannelFeatures& features);
 
@@ -48,18 +48,18 @@ public:
     HoldingListModel* rows() { return &m_rows; }
     const QList<OutgoingFile>& files() const { return m_files; }
     QString summary() const; ///< "3.1 MB of 18.0 MB"; empty without files
-    QString problem() const; ///< why the channel does not carry these files; empty where it does
+    QString problem() const; ///< why the channel cannot send these files; empty if it can
     bool isReady() const { return problem().isEmpty() && !copies(); }
 
-    Q_INVOKABLE void choose(); ///< in the desktop's own window
+    Q_INVOKABLE void choose(); ///< in the desktop's dialog
     Q_INVOKABLE void add(const QList<QUrl>& files);
-    Q_INVOKABLE void paste(const QList<QUrl>& files, const QByteArray& picture); ///< the picture, as PNG, without files
+    Q_INVOKABLE void paste(const QList<QUrl>& files, const QByteArray& picture); ///< the PNG only if no files
     Q_INVOKABLE void remove(const QString& path);
 
 Q_SIGNALS:
     void changed();
     void refused(const QString& why);
-    void added(const QString& owner, const OutgoingFile& file); ///< also to a message that is not shown any more
+    void added(const QString& owner, const OutgoingFile& file); ///< possibly to a message that is no longer shown
     void removed(const QString& path);
 
 private:
@@ -73,7 +73,7 @@ private:
     void addFile(const QString& path);
     void copy(const QString& name, qint64 bytes, std::function<Result<OutgoingFile>()> work);
     bool fits(const QString& name, qint64 bytes);
-    bool copies() const; ///< a file of the message that is shown
+    bool copies() const; ///< a file of the shown message
     qint64 bytes() const;
     void present();
 
@@ -87,7 +87,7 @@ private:
     QList<Job> m_jobs;
     int m_lastJob = 0;
     RowListModel<AttachmentItem> m_rows;
-    BackgroundQueue m_background; ///< goes first: nothing comes home any more
+    BackgroundQueue m_background; ///< destroyed first: no callbacks afterwards
 };
 
 }

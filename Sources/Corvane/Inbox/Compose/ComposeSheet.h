@@ -11,19 +11,19 @@ namespace corvane {
 class AccountStore;
 class EngineManager;
 
-/// Whether a message can be addressed so through the account. Blanks around it do not count.
+/// Whether the recipient is valid for the account's channel. Surrounding spaces are ignored.
 bool recipientValid(Channel channel, const QString& recipient);
 
-/// What the recipient of a channel is called.
+/// The label of the recipient field of a channel.
 QString recipientLabel(Channel channel);
 
-/// What one looks like; empty where that is the channel's to say.
+/// An example recipient; empty if the channel has no format.
 QString recipientExample(Channel channel);
 
-/// The recipient as the channel's conversations name it: a WhatsApp number becomes its address.
+/// The recipient in the form of the channel's conversations: a WhatsApp number becomes its address.
 QString recipientAddress(Channel channel, const QString& recipient);
 
-/// An account to send from.
+/// An account that can send.
 class AccountChoice {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -37,14 +37,14 @@ public:
     bool operator==(const AccountChoice&) const = default;
 };
 
-/// A message to a new person. It queues a draft, which a person approves before it goes out. What was typed stays
-/// until it is queued.
+/// A message to a new person. It queues a draft, which needs approval before it is sent. What was typed is kept until
+/// it is queued.
 class ComposeSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString note READ note CONSTANT)
     Q_PROPERTY(QString submitLabel READ submitLabel CONSTANT)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< only where there is no account
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< only if there is no account
     Q_PROPERTY(bool shown READ shown NOTIFY changed)
     Q_PROPERTY(QList<corvane::AccountChoice> accounts READ accounts NOTIFY changed)
     Q_PROPERTY(QString accountId READ accountId WRITE setAccountId NOTIFY changed)
@@ -59,7 +59,7 @@ class ComposeSheet : public QObject {
     Q_PROPERTY(bool valid READ valid NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
 public:
-    /// Queues the message; false where that failed.
+    /// Queues the message; false on failure.
     using Submit
         = std::function<bool(const Account& account, const QString& recipient, const OutgoingMessage& message)>;
 
@@ -91,13 +91,13 @@ public:
 
     Q_INVOKABLE void open();
     Q_INVOKABLE void close();
-    Q_INVOKABLE void submit(); ///< only while valid; closes where the draft was queued
+    Q_INVOKABLE void submit(); ///< only if valid; closes after the draft was queued
 
 Q_SIGNALS:
     void changed();
 
 private:
-    std::optional<Account> account() const; ///< the one picked, else the first
+    std::optional<Account> account() const; ///< the chosen one, else the first
     void readFeatures(); ///< of that account
     void refuse(const QString& why);
 

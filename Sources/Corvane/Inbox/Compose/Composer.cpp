@@ -16,7 +16,7 @@ namespace corvane {
 
 namespace {
 
-/// Why an engine could only drop what it is given; nothing where it can send.
+/// Why an engine could only drop what it is given; nothing if it can send.
 std::optional<QString> obstacle(const Account& account, WAStatus status)
 {
     switch (status) {

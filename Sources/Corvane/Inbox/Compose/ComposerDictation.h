@@ -11,20 +11,20 @@ namespace corvane {
 class UserDefaults;
 struct VoiceServices;
 
-/// Speaking instead of typing: what is said becomes text of the composer, and its sound is deleted.
+/// Dictation into the composer; the sound is deleted.
 class ComposerDictation : public QObject {
     Q_OBJECT
     /// idle, starting, recording, transcribing, missing (no model speaks the language), error, inserted
     Q_PROPERTY(QString state READ stateWord NOTIFY changed)
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed) ///< in the words of the screen
-    Q_PROPERTY(bool active READ active NOTIFY changed) ///< listens or transcribes
+    Q_PROPERTY(bool active READ active NOTIFY changed) ///< listening or transcribing
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed)
     Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
 public:
     enum class State { Idle, Starting, Recording, Transcribing, Missing, Error, Inserted };
     Q_ENUM(State)
 
-    /// All of them outlive the object.
+    /// All references outlive the object.
     ComposerDictation(VoiceServices& voice, Microphone& microphone, Scheduler& scheduler, UserDefaults& defaults,
         QObject* parent = nullptr);
     ~ComposerDictation() override;
@@ -36,8 +36,8 @@ public:
     double level() const { return m_recorder.level(); }
 
     void start(const QString& contactId);
-    Q_INVOKABLE void finish(); ///< what was said is transcribed
-    Q_INVOKABLE void cancel(); ///< nothing is inserted; also takes a message away
+    Q_INVOKABLE void finish(); ///< transcribes what was recorded
+    Q_INVOKABLE void cancel(); ///< inserts nothing; also dismisses a message
 
 Q_SIGNALS:
     void changed();

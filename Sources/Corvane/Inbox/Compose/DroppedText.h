@@ -4,11 +4,11 @@
 
 #include <QUrl>
 
-/// What is let go over the composer: words, and files of this machine that hold words.
+/// Content dropped on the composer: text, or local text files.
 namespace corvane::DroppedText {
 
-/// The texts of the files, with a blank line between; fails with words for the screen where one of them is no text,
-/// is too long for a message, or cannot be read.
+/// The texts of the files, separated by a blank line; fails with an error for the user if a file is not text, is too
+/// long for a message, or cannot be read.
 Result<QString> ofFiles(const QList<QUrl>& files);
 
 }

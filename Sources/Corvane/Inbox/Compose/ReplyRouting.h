@@ -6,11 +6,10 @@ namespace corvane {
 
 class UserDefaults;
 
-/// The channel that a reply to the contact goes to: the remembered one while the contact still has it, else the
-/// contact's first.
+/// The reply channel for the contact: the remembered one while the contact still has it, else the contact's first.
 QString preferredReplyPlatform(const UserDefaults& defaults, const ContactRow& contact);
 
-/// After a send; no effect where the contact has no such channel.
+/// After sending; no effect if the contact has no such channel.
 void rememberReplyPlatform(UserDefaults& defaults, const QString& platform, const ContactRow& contact);
 
 }

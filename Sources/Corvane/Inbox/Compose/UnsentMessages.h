@@ -13,7 +13,7 @@ class EngineManager;
 enum class SendFate;
 struct Account;
 
-/// A message that did not go out, in the words of the screen.
+/// A message that could not be sent, as the screen shows it.
 class UnsentMessageItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -31,35 +31,35 @@ public:
     bool operator==(const UnsentMessageItem&) const = default;
 };
 
-/// What a person sent directly, until its engine says that it went: what did not go out is kept, also over a restart,
-/// until it is sent again or discarded. It stands in a private file, like what is still being typed.
+/// Direct messages until their engine confirms them: failed ones are kept, even across restarts, until they are resent
+/// or discarded. Stored in a private file, like unfinished texts.
 class UnsentMessages : public QObject {
     Q_OBJECT
 public:
     struct Message {
         QString contactId;
         QString platform;
-        OutgoingMessage content; ///< with the files, which are its own
+        OutgoingMessage content; ///< owns its files
     };
 
     /// The references outlive the object.
     UnsentMessages(EngineManager& engine, Scheduler& scheduler, const QString& filePath);
 
-    RowListModel<UnsentMessageItem>& rows() { return m_rows; } ///< of the contact that is shown
+    RowListModel<UnsentMessageItem>& rows() { return m_rows; } ///< of the shown contact
     void show(const QString& contactId);
 
-    /// A message is handed to the account's engine. The id goes with it, and comes back with the engine's answer.
+    /// A message is handed to the account's engine. The engine's answer refers to the id.
     QString begin(const Message& message, const Account& account);
-    void forget(const QString& id); ///< it was not handed over, or is sent again: its files are somebody else's
-    void discard(const QString& id); ///< it went out, or is wanted no more: with its files
-    std::optional<Message> find(const QString& id) const; ///< one that did not go out
+    void forget(const QString& id); ///< not handed over, or being resent: does not delete its files
+    void discard(const QString& id); ///< sent, or no longer wanted: deletes its files
+    std::optional<Message> find(const QString& id) const; ///< a failed one
     QList<OutgoingFile> files() const; ///< of all
 
 private:
     struct Entry {
         Message message;
         QUuid accountId;
-        QString reason; ///< empty while it is on its way
+        QString reason; ///< empty while it is being sent
         std::unique_ptr<Timer> limit;
     };
 
@@ -73,7 +73,7 @@ private:
     EngineManager& m_engine;
     Scheduler& m_scheduler;
     const QString m_filePath;
-    std::map<QString, Entry> m_entries; ///< by id, which begins with the time
+    std::map<QString, Entry> m_entries; ///< by id, which starts with the time
     QString m_contactId;
     RowListModel<UnsentMessageItem> m_rows;
 };

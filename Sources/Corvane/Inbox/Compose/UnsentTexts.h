@@ -8,22 +8,22 @@
 
 namespace corvane {
 
-/// What was written to each contact and not sent, with its subject and files, kept across a switch of contact, a
-/// restart and a kill. It stands in a private file of this machine: the database is shared with other programs, and
-/// what is not said yet is nobody else's. The file follows the keys within half a second and is replaced in one step.
+/// Unsent texts per contact, with subject and files, kept across contact switches, restarts and crashes. Stored in a
+/// private file: the database is shared with other programs, and unfinished texts must not be. The file is updated
+/// atomically within half a second after typing.
 class UnsentTexts {
 public:
-    /// A file that does not read counts as empty and is copied aside before it is written over.
+    /// An unreadable file counts as empty and is copied aside before it is overwritten.
     UnsentTexts(const QString& filePath, Scheduler& scheduler);
-    ~UnsentTexts(); ///< writes what is not written yet
+    ~UnsentTexts(); ///< writes pending changes
     UnsentTexts(const UnsentTexts&) = delete;
     UnsentTexts& operator=(const UnsentTexts&) = delete;
 
     OutgoingMessage message(const QString& contactId) const { return m_messages.value(contactId); }
-    void set(const QString& contactId, const OutgoingMessage& message); ///< an empty one is forgotten
+    void set(const QString& contactId, const OutgoingMessage& message); ///< an empty one is removed
     QStringList contactIds() const { return m_messages.keys(); }
     QList<OutgoingFile> files() const; ///< of all
-    void forget(const QString& contactId); ///< it was sent, and must not come back: written at once
+    void forget(const QString& contactId); ///< it was sent and must not reappear: written at once
 
 private:
     void load();

@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// One voice note: asked for, recorded, then sent or discarded. It belongs to the contact for whom it was begun. A
-/// note whose microphone goes away, or whose contact is left, ends there and is kept.
+/// A voice note: requested, recorded, then sent or discarded. It belongs to the contact for whom it was started. If the
+/// microphone disappears, or the contact is left, recording ends and the note is kept.
 class VoiceRecorder : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString state READ stateWord NOTIFY stateChanged) ///< idle, starting, recording, kept
@@ -17,7 +17,7 @@ class VoiceRecorder : public QObject {
     Q_PROPERTY(double elapsed READ elapsed NOTIFY progressed) ///< seconds of sound
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed) ///< such as "0:07"
     Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
-    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged) ///< what went wrong; empty where nothing did
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged) ///< the error; empty if there is none
 public:
     enum class State { Idle, Starting, Recording, Kept };
     Q_ENUM(State)
@@ -30,16 +30,16 @@ public:
     QString stateWord() const { return enumWord(m_state); }
     bool recording() const { return m_state == State::Recording; }
     bool idle() const { return m_state == State::Idle; }
-    const QString& contactId() const { return m_contactId; } ///< whose note it is; empty while idle
+    const QString& contactId() const { return m_contactId; } ///< the note's contact; empty while idle
     double elapsed() const { return m_elapsed; }
     QString elapsedText() const;
     double level() const { return m_level; }
     const QString& notice() const { return m_notice; }
 
     void start(const QString& contactId); ///< only while idle
-    QString stop(); ///< ends the recording and gives the note's file; empty where there is none
-    void leave(); ///< the contact is left: a running note ends and is kept
-    void handedOver(); ///< the note is an engine's now: idle again, and the file stays for it
+    QString stop(); ///< ends the recording and returns its file; empty if there is none
+    void leave(); ///< another contact is opened: ends a running recording and keeps it
+    void handedOver(); ///< the engine has the note: idle again, and the file is kept
 
     Q_INVOKABLE void cancel(); ///< discards the note
     Q_INVOKABLE void dismissNotice() { setNotice({}); }
@@ -60,7 +60,7 @@ private:
     Scheduler& m_scheduler;
     const QString m_folder;
     State m_state = State::Idle;
-    int m_attempt = 0; ///< an answer to an attempt that was given up is not heard
+    int m_attempt = 0; ///< answers to earlier attempts are ignored
     QString m_contactId;
     QString m_path;
     std::unique_ptr<MicrophoneRecording> m_recording;

@@ -10,7 +10,7 @@ namespace corvane {
 class AccountStore;
 class EngineManager;
 
-/// Asks WhatsApp for the pictures that are missing, once a person.
+/// Requests missing pictures from WhatsApp, once per person.
 class AvatarRequests {
 public:
     AvatarRequests(EngineManager& engine, AccountStore& accounts);

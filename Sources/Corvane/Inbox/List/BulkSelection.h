@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// Several people of the list, picked for one action. Ids that the list no longer shows drop out.
+/// Rows selected for a common action. Ids that the list no longer shows are removed.
 class BulkSelection : public QObject {
     Q_OBJECT
     Q_PROPERTY(QStringList ids READ ids NOTIFY changed) ///< in the order of the list
@@ -19,13 +19,13 @@ public:
     QString text() const;
     bool contains(const QString& contactId) const { return m_ids.contains(contactId); }
 
-    /// What the list shows, from top to bottom, and which of them is open: the first pick starts there.
+    /// The list's rows from top to bottom, and the open one, where the selection starts.
     void setListed(const QStringList& contactIds, const QString& openId = {});
 
     Q_INVOKABLE void set(const QString& contactId, bool checked);
     Q_INVOKABLE void toggle(const QString& contactId) { set(contactId, !contains(contactId)); }
-    Q_INVOKABLE void add(const QString& contactId); ///< toggles it; the first pick takes the open row along
-    Q_INVOKABLE void extendTo(const QString& contactId); ///< from the row picked last, or open, to this one
+    Q_INVOKABLE void add(const QString& contactId); ///< toggles it; the first one adds the open row, too
+    Q_INVOKABLE void extendTo(const QString& contactId); ///< from the last selected or open row to this one
     Q_INVOKABLE void all();
     Q_INVOKABLE void clear();
 

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A line of the palette in the words of the screen.
+/// A line of the palette.
 class PaletteItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -20,15 +20,15 @@ class PaletteItem {
     Q_PROPERTY(QString icon MEMBER icon)
     Q_PROPERTY(bool highlighted MEMBER highlighted)
 public:
-    QString id; ///< "contact:{id}" or "action:{id of the command}"; what else was found begins with a word of its own
+    QString id; ///< "contact:{id}" or "action:{id of the command}"; other results have a prefix of their own
     bool isAction = false;
     QString label;
-    QString detail; ///< channels of a contact, the key of an action
+    QString detail; ///< channels of a contact, keys of an action
     QString platform; ///< the first channel of a contact
     QString avatarPath;
     QString initials;
     int hue = 0;
-    QString icon; ///< of what is neither a contact nor an action
+    QString icon; ///< for results that are neither a contact nor an action
     bool highlighted = false;
     QString contactId; ///< for a contact
 
@@ -37,11 +37,11 @@ public:
     bool operator==(const PaletteItem&) const = default;
 };
 
-/// Contacts first, then actions; at the end of what a query finds, the search for it.
+/// Contacts first, then actions; for a query, the search for it comes last.
 QList<PaletteItem> paletteItems(
     const QList<ContactRow>& contacts, const QList<Command>& commands, const QString& query);
 
-/// Jumps to a person, runs an action or hands on to the search, by a few typed letters.
+/// Jumps to a person, runs an action or starts a search by a few typed letters.
 class CommandPalette : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
@@ -58,11 +58,11 @@ public:
 
     void setCommands(Commands& commands) { m_commands = &commands; } ///< they outlive the palette
     void setContacts(const QList<ContactRow>& contacts);
-    /// Finds what is neither a contact nor an action, by the query as it is typed.
+    /// Finds other results than contacts and actions, by the query as typed.
     void setFinder(std::function<QList<PaletteItem>(const QString& query)> finder) { m_finder = std::move(finder); }
-    void refresh(); ///< what can run may have changed
+    void refresh(); ///< when the available actions may have changed
 
-    Q_INVOKABLE void open(); ///< an empty query and the first line
+    Q_INVOKABLE void open(); ///< with an empty query and the first line selected
     Q_INVOKABLE void moveUp() { setIndex(m_index - 1); }
     Q_INVOKABLE void moveDown() { setIndex(m_index + 1); }
     Q_INVOKABLE void runHighlighted() { run(m_index); }
@@ -74,7 +74,7 @@ Q_SIGNALS:
     void indexChanged();
     void contactChosen(const QString& contactId);
     void searchChosen(const QString& query);
-    void foundChosen(const QString& id); ///< of an item that the finder gave
+    void foundChosen(const QString& id); ///< an item of the finder
     void closed();
 
 private:
@@ -85,7 +85,7 @@ private:
     Commands* m_commands = nullptr;
     QList<ContactRow> m_contacts;
     std::function<QList<PaletteItem>(const QString& query)> m_finder;
-    bool m_isOpen = false; ///< a closed palette is not kept up to date
+    bool m_isOpen = false; ///< a closed palette is not updated
     RowListModel<PaletteItem> m_items;
 };
 

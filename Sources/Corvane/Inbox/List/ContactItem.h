@@ -8,7 +8,7 @@ namespace corvane {
 
 class DateWords;
 
-/// A person of the list in the words of the screen.
+/// A person in the list, as the screen shows it.
 class ContactItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -35,8 +35,8 @@ public:
     QString name; ///< never a raw address
     QStringList platforms; ///< such as "WHATSAPP"
     QStringList platformLabels; ///< such as "WhatsApp"
-    QString snippet; ///< one line, cut to what a row can show; what was sent from here begins with "You: "
-    QString ticks; ///< how far the newest message got, as in a thread; empty where it came in
+    QString snippet; ///< one line, truncated; sent messages start with "You: "
+    QString ticks; ///< delivery state of the newest message, as in a thread; empty if it is incoming
     QString ticksText; ///< the same in a word, such as "Delivered"
     QString timeText;
     int unread = 0;
@@ -46,8 +46,8 @@ public:
     QString initials;
     int hue = 0; ///< 0 to 359
     bool isMuted = false;
-    QString dateGroup; ///< the section that the row stands in; empty in the flat list
-    QString spoken; ///< the whole row as one sentence
+    QString dateGroup; ///< the section of the row; empty in the flat list
+    QString spoken; ///< accessible text of the whole row
     bool selected = false;
     bool checked = false;
 
@@ -61,7 +61,7 @@ QString contactName(const ContactRow& row); ///< as the list shows it
 /// Everything but `dateGroup`, `selected` and `checked`.
 ContactItem contactItem(const ContactRow& row, const LastMessage& last, const DateWords& words);
 
-/// A message that the search found, in the words of the screen.
+/// A search result, as the screen shows it.
 class MessageHitItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -82,9 +82,9 @@ public:
     QString name;
     QString platform;
     QString platformLabel;
-    QString snippet; ///< one line of styled text, where the words searched for are bold
+    QString snippet; ///< one line of styled text with the search words in bold
     QString timeText;
-    bool leads = true; ///< the first of its person: those that follow need no name
+    bool leads = true; ///< the first result of its person: the others need no name
     QString avatarPath; ///< a file, or empty
     QString initials;
     int hue = 0;
@@ -95,7 +95,7 @@ public:
     bool operator==(const MessageHitItem&) const = default;
 };
 
-/// Person by person, in the order of each one's newest.
+/// Grouped by person, ordered by each one's newest result.
 QList<MessageHitItem> messageHitItems(const QList<MessageHit>& hits, const QString& query, const DateWords& words);
 
 }

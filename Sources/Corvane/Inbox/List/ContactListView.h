@@ -11,19 +11,19 @@ namespace corvane {
 class BulkSelection;
 class ListFilter;
 
-/// One row per person, under the filter that the person chose, and the messages that a search found. It reads the
-/// database afresh at every reload and keeps nothing of it.
+/// One row per person under the current filter, and the messages that a search found. Reads the database at every
+/// reload and caches nothing of it.
 class ContactListView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY tabsChanged)
     Q_PROPERTY(corvane::HoldingListModel* contacts READ contacts CONSTANT) ///< of ContactItem
     Q_PROPERTY(corvane::HoldingListModel* messageHits READ messageHits CONSTANT) ///< of MessageHitItem
-    Q_PROPERTY(bool atTop READ atTop WRITE setAtTop NOTIFY atTopChanged) ///< the first rows are in sight
+    Q_PROPERTY(bool atTop READ atTop WRITE setAtTop NOTIFY atTopChanged) ///< the first rows are visible
     Q_PROPERTY(QString newAbove READ newAbove NOTIFY newAboveChanged) ///< such as "3 new above"; empty for none
     Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
-    Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< the messages are searched: takes a while
-    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither a contact nor a hit to show, nor to come
-    Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< of the open person in `contacts`, or -1
+    Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< a search is running and takes a while
+    Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither contacts nor results to show, now or soon
+    Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< index of the open person in `contacts`, or -1
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
 public:
     /// Everything outlives the list.
@@ -38,35 +38,35 @@ public:
     QString newAbove() const;
     bool loading() const { return m_loading; }
     bool searching() const { return m_hits.searching(); }
-    bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` does not answer the search yet
+    bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` is not up to date with the search
     bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hits.rows().isEmpty() && !m_hits.pending(); }
     int selectedIndex() const;
     bool shown() const { return m_shown; }
-    void setShown(bool shown); ///< whether it can be seen; a list that cannot is read again when it shows
+    void setShown(bool shown); ///< whether it is visible; a hidden list reloads when it is shown
 
-    void appear(); ///< each time the screen shows
+    void appear(); ///< whenever the screen is shown
     Q_INVOKABLE void reload();
-    void catchUp(); ///< reads what has changed since it was read
-    void personChanged(const QString& contactId); ///< read again soon; empty: everybody
+    void catchUp(); ///< reloads what has changed
+    void personChanged(const QString& contactId); ///< reload soon; empty: everyone
     void reloadSoon() { personChanged({}); }
-    void present(); ///< as it is by now
+    void present(); ///< updates the rows from what was read
 
-    const QList<ContactRow>& people() const { return m_rows.rows(); } ///< under the filter, whatever the search
-    const QList<ContactRow>& found() const { return m_contacts; } ///< what the search leaves of them
+    const QList<ContactRow>& people() const { return m_rows.rows(); } ///< under the filter, ignoring the search
+    const QList<ContactRow>& found() const { return m_contacts; } ///< after the search
     const QList<MessageHitItem>& hits() const { return m_hits.rows(); }
     const QString& search() const; ///< as typed
 
-    /// Of the list, else of a person whom the list does not show: filtered away, or beyond its end.
+    /// Of the list, else of a person that the list does not show: filtered out, or beyond its end.
     std::optional<ContactRow> rowOf(const QString& contactId) const;
     ContactItem item(const ContactRow& row); ///< in the words of the screen
 
-    void setOpen(const QString& contactId); ///< who is marked as selected; shown by the next `present`
-    QString neighbour(int delta) const; ///< so many rows below the open one, or where it stood; empty for none
-    void setRead(const QString& contactId); ///< as the store was told
+    void setOpen(const QString& contactId); ///< marks the row as selected at the next `present`
+    QString neighbour(int delta) const; ///< that far below the open row, or its last place; or empty
+    void setRead(const QString& contactId); ///< already stored
 
 Q_SIGNALS:
-    void read(const std::optional<QStringList>& contactIds); ///< these people, or all; before it is shown
-    void changed(); ///< after each reload and each change of what is shown
+    void read(const std::optional<QStringList>& contactIds); ///< these people, or all; before they are shown
+    void changed(); ///< after each reload and each change of the shown rows
     void tabsChanged();
     void atTopChanged();
     void newAboveChanged();
@@ -84,15 +84,15 @@ private:
     BulkSelection& m_bulk;
     bool m_loading = true;
     InboxRows m_rows;
-    bool m_allDue = false; ///< the whole list is to be read again
-    QSet<QString> m_peopleDue; ///< or these people of it
-    QList<ContactRow> m_contacts; ///< of the rows, what the search leaves
+    bool m_allDue = false; ///< the whole list must be read again
+    QSet<QString> m_peopleDue; ///< these people must be read again
+    QList<ContactRow> m_contacts; ///< the rows after the search
     MessageHits m_hits;
     RowListModel<ContactItem> m_contactModel;
     QString m_openId;
-    int m_openPlace = 0; ///< where in the list the open person last stood
+    int m_openPlace = 0; ///< the open person's last index
     bool m_atTop = true;
-    qint64 m_topSeenTs = 0; ///< the newest message when the top was last in sight
+    qint64 m_topSeenTs = 0; ///< the newest message when the top was last visible
     TabCounts m_counts;
     QList<TabItem> m_tabs;
     bool m_shown = true;

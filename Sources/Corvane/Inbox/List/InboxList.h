@@ -9,7 +9,7 @@ class DateWords;
 enum class ViewMode { Contacts, Messages }; ///< a flat list, or grouped by date
 enum class SortMode { Recent, Unread };
 
-/// What the person chose to see.
+/// The user's view options.
 struct InboxState {
     InboxFilter filter = InboxFilter::All;
     ViewMode viewMode = ViewMode::Contacts;
@@ -21,7 +21,7 @@ struct InboxState {
     QString query() const { return search.trimmed(); }
 };
 
-/// The rows whose name, or else whose snippet, contains the query, whatever the case and diacritics.
+/// The rows whose name, or else snippet, contains the query, ignoring case and diacritics.
 QList<ContactRow> matching(const QList<ContactRow>& rows, const QString& query);
 
 /// What the list shows of `contacts`, in its order.
@@ -33,15 +33,15 @@ struct DateGroup {
     qint64 newestTs = 0; ///< milliseconds since the epoch
 };
 
-/// By the day of the newest message; the group with the newest message first.
+/// Grouped by the day of the newest message; newest group first.
 QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateWords& words);
 
-// The words of a list with nothing in it.
+// The texts of an empty list.
 QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel);
 QString emptyDetail(const InboxState& state);
 bool emptyCanClear(const InboxState& state);
 
-/// Without what empties the list: the search, else the channel, else the account, else the view filter.
+/// Removes the reason for an empty list: the search, else the channel, else the account, else the view filter.
 InboxState withoutEmptyingFilter(InboxState state);
 
 }

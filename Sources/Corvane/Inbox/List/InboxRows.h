@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// The people under a filter as last read, and how the screen shows them. After a change of a few people only
-/// those are read again.
+/// The people under a filter as last read, and their items for the screen. After a change of a few people only those
+/// are read again.
 class InboxRows {
 public:
     explicit InboxRows(LocalDB& db); ///< outlives the rows
@@ -17,16 +17,16 @@ public:
 
     void readAll(InboxFilter filter);
 
-    /// Reads these people again and puts each where they belong now. False where that does not tell who stands at
-    /// the end of the list: then all are to be read.
+    /// Reads these people again and moves each to its current position. False if that does not determine the end of the
+    /// list: then all must be read.
     [[nodiscard]] bool read(InboxFilter filter, const QStringList& contactIds);
 
-    void setRead(const QString& contactId); ///< as the store was told
+    void setRead(const QString& contactId); ///< already stored
 
-    /// Something is to be seen of them that their row does not tell, such as how far their last message got.
+    /// Something that is shown but not in the row has changed, such as a delivery state.
     void forget(const QStringList& contactIds);
 
-    /// `row` may be of somebody who is not listed.
+    /// `row` may be of someone who is not listed.
     ContactItem item(const ContactRow& row, const DateWords& words);
     QList<ContactItem> items(const QList<ContactRow>& rows, const DateWords& words);
 
@@ -34,7 +34,7 @@ private:
     struct Shown {
         ContactRow row;
         ContactItem item;
-        QDate day; ///< on which the words of its time hold
+        QDate day; ///< the day for which the relative times are valid
     };
 
     LocalDB& m_db;
@@ -42,8 +42,8 @@ private:
     QHash<QString, Shown> m_shown;
 };
 
-/// `rows`, at most `limit` in the order of the list, after these people changed to what `changed` says; who is
-/// missing there has left the list. Nothing where the last place may go to somebody who was not listed.
+/// `rows`, at most `limit` in list order, after these people changed to `changed`; people missing there have left the
+/// list. Nothing if the last position may belong to someone who was not listed.
 std::optional<QList<ContactRow>> withChanged(
     const QList<ContactRow>& rows, const QStringList& contactIds, const QList<ContactRow>& changed, int limit);
 

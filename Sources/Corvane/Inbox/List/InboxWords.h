@@ -7,13 +7,13 @@
 
 namespace corvane {
 
-// The words by which the screen names what the person chose. An unknown word gives nothing.
+// The words for the user's view options. Unknown words give nothing.
 QString wordOf(InboxFilter filter);
 std::optional<InboxFilter> inboxFilter(const QString& word);
 std::optional<ViewMode> viewMode(const QString& word);
 std::optional<SortMode> sortMode(const QString& word);
 
-/// The tabs over the list.
+/// The tabs above the list.
 QList<TabItem> inboxTabs(const std::function<int(InboxFilter)>& countOf);
 
 }

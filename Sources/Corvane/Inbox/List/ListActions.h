@@ -13,13 +13,13 @@ class LocalDB;
 class OpenPerson;
 class UndoOffer;
 
-/// What a person does with the people of the list: archiving, muting, reading; one by one, or several at once.
+/// Actions on people in the list: archive, mute, mark as read; for one or several at once.
 class ListActions : public QObject {
     Q_OBJECT
-    Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the rows picked for one action
-    Q_PROPERTY(bool unarchives READ unarchives NOTIFY archiveChanged) ///< `archive` brings back here
+    Q_PROPERTY(corvane::BulkSelection* bulk READ bulk CONSTANT) ///< the selected rows
+    Q_PROPERTY(bool unarchives READ unarchives NOTIFY archiveChanged) ///< `archive` unarchives here
     Q_PROPERTY(QString archiveLabel READ archiveLabel NOTIFY archiveChanged)
-    Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty where nothing can be undone
+    Q_PROPERTY(QString undoText READ undoText NOTIFY undoChanged) ///< empty if there is nothing to undo
 public:
     /// Everything outlives the actions.
     struct Surroundings {
@@ -39,17 +39,17 @@ public:
     QString archiveLabel() const { return unarchives() ? u"Unarchive"_s : u"Archive"_s; }
     const QString& undoText() const;
 
-    /// Archives them, or brings them back where the list shows what is archived.
+    /// Archives them, or unarchives them if the list shows the archive.
     Q_INVOKABLE void archive(const QStringList& contactIds);
     Q_INVOKABLE void archiveSelected() { archive(selected()); }
     Q_INVOKABLE void archiveChecked() { archive(QStringList(m_bulk.ids())); }
-    Q_INVOKABLE void mute(const QStringList& contactIds); ///< mutes all; where all are muted, unmutes all
+    Q_INVOKABLE void mute(const QStringList& contactIds); ///< mutes all; unmutes all if all are muted
     Q_INVOKABLE void muteSelected() { mute(selected()); }
     Q_INVOKABLE void muteChecked() { mute(QStringList(m_bulk.ids())); }
-    Q_INVOKABLE void toggleRead(const QString& contactId); ///< marks as read, or as unread where nothing is unread
+    Q_INVOKABLE void toggleRead(const QString& contactId); ///< marks as read, or as unread if nothing is unread
     Q_INVOKABLE void markCheckedRead();
     Q_INVOKABLE void markAllRead();
-    Q_INVOKABLE void undo(); ///< the way back that `undoText` offers
+    Q_INVOKABLE void undo(); ///< undoes what `undoText` names
     Q_INVOKABLE void dismissUndo();
 
 Q_SIGNALS:

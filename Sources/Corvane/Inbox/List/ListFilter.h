@@ -10,8 +10,7 @@ namespace corvane {
 
 class AccountStore;
 
-/// What a person chose to see of the list. Filters, modes and channels pass to the screen as words; an unknown word
-/// changes nothing.
+/// The user's view options. Filters, modes and channels are passed to QML as words; unknown words have no effect.
 class ListFilter : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString filter READ filterWord WRITE setFilterWord NOTIFY filterChanged) ///< needsMe today all archived
@@ -31,7 +30,7 @@ public:
     /// Both outlive the filter.
     ListFilter(AccountStore& accounts, Scheduler& scheduler, QObject* parent = nullptr);
 
-    const InboxState& state() const { return m_state; } ///< what the rows are made for
+    const InboxState& state() const { return m_state; } ///< the options of the current rows
     QString filterWord() const;
     void setFilterWord(const QString& word);
     QString viewModeWord() const;
@@ -54,8 +53,8 @@ public:
 
     Q_INVOKABLE void clearActiveEmptyFilter();
 
-    void searchFor(const QString& query); ///< at once
-    void takeSearch(); ///< the search as typed holds from now on
+    void searchFor(const QString& query); ///< immediately
+    void takeSearch(); ///< applies the search as typed
     void offerChoices(const QList<ContactRow>& rows); ///< the channels and accounts of these people
 
 Q_SIGNALS:
@@ -65,18 +64,18 @@ Q_SIGNALS:
     void narrowingChanged();
     void choicesChanged();
     void stateChanged();
-    void rowsChanged(); ///< other rows are to be read
-    void shownChanged(); ///< or the same shown in another way
+    void rowsChanged(); ///< other rows must be read
+    void shownChanged(); ///< or the same rows are shown differently
 
 private:
-    InboxState asTyped() const; ///< with the search as it is now
+    InboxState asTyped() const; ///< with the current search text
     void narrow(const InboxState& state);
     QString accountLabel(const QString& slug) const;
 
     AccountStore& m_accounts;
     Scheduler& m_scheduler;
     InboxState m_state;
-    QString m_search; ///< as typed; `m_state` follows
+    QString m_search; ///< as typed; `m_state` follows later
     std::unique_ptr<Timer> m_searchDebounce;
     QList<Choice> m_channelChoices;
     QList<Choice> m_accountChoices;

@@ -6,7 +6,7 @@ namespace corvane {
 
 class Scheduler;
 
-/// What is said over the list: that another workspace is shown, and which channels no longer keep up.
+/// The notices above the list: a change of workspace, and channels that are no longer in sync.
 class ListNotices : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString workspaceNotice READ workspaceNotice NOTIFY workspaceNoticeChanged)
@@ -19,7 +19,7 @@ public:
     const QList<StalenessBanner>& stalenessBanners() const { return m_banners; }
 
     void read(); ///< from the database, as the list is read
-    void present(const QString& channelFilter); ///< of that channel, or of all
+    void present(const QString& channelFilter); ///< for that channel, or for all
 
     Q_INVOKABLE void dismissWorkspaceNotice();
     Q_INVOKABLE void retry(const QString& channel); ///< of a staleness banner

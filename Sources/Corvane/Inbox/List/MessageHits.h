@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// The messages that contain what is searched for. The search may take seconds: what was found before stands
-/// until the new rows are there, for as long as nobody sees a wait.
+/// The messages that match the search. A search may take seconds: the old results stay until the new ones arrive,
+/// unless that takes noticeably long.
 class MessageHits : public QObject {
     Q_OBJECT
 public:
@@ -17,11 +17,11 @@ public:
 
     HoldingListModel* model() { return &m_model; }
     const QList<MessageHitItem>& rows() const { return m_model.rows(); }
-    bool pending() const { return m_pending; } ///< what is shown does not answer the query yet
-    bool searching() const { return m_searching; } ///< and for so long that a person should be told
+    bool pending() const { return m_pending; } ///< the results are not up to date with the query
+    bool searching() const { return m_searching; } ///< and for so long that it should be indicated
 
-    /// Another query begins a search and stops the one before; the same one is searched again before long; an
-    /// empty one ends it all.
+    /// A new query starts a search and cancels the previous one; the same query is searched again soon; an empty one
+    /// clears everything.
     void find(const QString& query);
 
 Q_SIGNALS:
@@ -35,7 +35,7 @@ private:
     QString m_query;
     RowListModel<MessageHitItem> m_model;
     bool m_running = false;
-    bool m_again = false; ///< messages came while the search ran
+    bool m_again = false; ///< messages arrived during the search
     bool m_pending = false;
     bool m_searching = false;
     std::unique_ptr<Timer> m_patience;

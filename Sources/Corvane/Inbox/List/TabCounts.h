@@ -4,12 +4,12 @@
 
 namespace corvane {
 
-/// How many people stand under the tabs. Where a few people changed, only those are asked for.
+/// The number of people per tab. After a change of a few people only those are queried.
 class TabCounts {
 public:
     explicit TabCounts(LocalDB& db); ///< outlives the counts
 
-    void forget(const QStringList& contactIds); ///< something changed of them
+    void forget(const QStringList& contactIds); ///< their data changed
     void forgetAll();
     void read();
 

@@ -10,10 +10,10 @@ namespace corvane {
 
 class DateWords;
 
-/// The channels that come only through the web.
+/// The channels that are only synced through the web.
 inline const QStringList webOnlyChannels { u"LINKEDIN"_s, u"EMAIL"_s };
 
-/// A channel whose mirror no longer keeps up.
+/// A channel whose mirror is out of date.
 struct WebStaleness {
     QString channel;
     qint64 newest = 0; ///< milliseconds since the epoch
@@ -21,14 +21,14 @@ struct WebStaleness {
     bool operator==(const WebStaleness&) const = default;
 };
 
-/// Only while the web is in trouble: the channels without a message for two hours. `newest` holds each
-/// channel's newest message time.
+/// Only while the web sync has problems: the channels without a message for two hours. `newest` has each channel's
+/// newest message time.
 QList<WebStaleness> activeWebStaleness(const QString& channelFilter, const QList<SyncHealthRow>& health,
     const QHash<QString, qint64>& newest, qint64 nowMs);
 
 QString stalenessText(const WebStaleness& staleness, const DateWords& words);
 
-/// What is said of such a channel over the list.
+/// The notice about such a channel.
 class StalenessBanner {
     Q_GADGET
     Q_PROPERTY(QString channel MEMBER channel)
@@ -37,12 +37,12 @@ class StalenessBanner {
 public:
     QString channel;
     QString text;
-    bool queued = false; ///< a retry was asked for; until the web reports again
+    bool queued = false; ///< a retry was requested; until the web reports again
 
     bool operator==(const StalenessBanner&) const = default;
 };
 
-/// How the web mirror fares, as last read.
+/// The state of the web mirror, as last read.
 class WebMirror {
 public:
     void refresh(LocalDB& db);

@@ -4,22 +4,22 @@
 
 namespace corvane {
 
-/// Why the file of a message is not handed to another program or to the player.
+/// Why a message's file is not opened or played.
 enum class MediaProblem {
     None,
     Missing,
-    Elsewhere, ///< not a plain file in the folders of its account: a link, a device, another place
-    Program, ///< opening it would run it
+    Elsewhere, ///< not a regular file in its account's folders: a link, a device, another place
+    Program, ///< opening it would execute it
     Empty,
-    WrongType, ///< not the picture, sound or film that the message says
+    WrongType, ///< not the type of media that the message claims
     CutShort,
 };
 
-/// Looks at the file itself. `kind` is "image", "audio", "video", "sticker", "document" or "media"; `places` are those
-/// of its account.
+/// Checks the file itself. `kind` is "image", "audio", "video", "sticker", "document" or "media"; `places` are its
+/// account's folders.
 MediaProblem checkMedia(const QString& path, const QString& kind, const QStringList& places);
 
-/// In the words of the screen; empty for none.
+/// For the user; empty for none.
 QString describe(MediaProblem problem, const QString& kind);
 
 }

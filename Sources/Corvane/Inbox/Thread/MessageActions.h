@@ -15,7 +15,7 @@ class ThreadView;
 class UndoOffer;
 struct UnifiedMsgRow;
 
-/// Something to do with a message.
+/// An action on a message.
 class MessageOffer {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -31,13 +31,12 @@ public:
     bool operator==(const MessageOffer&) const = default;
 };
 
-/// What a person can do with one message of the open thread, and the call beside it. What goes wrong is told as
-/// the thread's error.
+/// The actions on a message of the open thread, and the call beside it. Errors are shown as the thread's error.
 class MessageActions : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString callLabel READ callLabel CONSTANT)
     Q_PROPERTY(bool canCall READ canCall NOTIFY canCallChanged)
-    Q_PROPERTY(QString noticeText READ noticeText NOTIFY noticeTextChanged) ///< what was just done, for a moment
+    Q_PROPERTY(QString noticeText READ noticeText NOTIFY noticeTextChanged) ///< the last action, for a moment
 public:
     /// Everything outlives the object.
     struct Surroundings {
@@ -55,10 +54,10 @@ public:
     bool canCall() const { return m_canCall; }
     const QString& noticeText() const { return m_noticeText; }
 
-    /// As far as the message has them.
+    /// The actions that the message supports.
     Q_INVOKABLE QList<corvane::MessageOffer> actionsFor(const QString& messageId) const;
 
-    Q_INVOKABLE void deleteLocal(const QString& messageId); ///< with a way back
+    Q_INVOKABLE void deleteLocal(const QString& messageId); ///< can be undone
     Q_INVOKABLE QList<corvane::ContactChoice> forwardTargets() const;
     Q_INVOKABLE void forward(const QString& messageId, const QString& contactId);
     Q_INVOKABLE void openMedia(const QString& messageId);
@@ -67,11 +66,11 @@ public:
 Q_SIGNALS:
     void canCallChanged();
     void noticeTextChanged();
-    void messagesChanged(); ///< what the list shows may differ now
+    void messagesChanged(); ///< what the list shows may have changed
 
 private:
     bool forwardAsDraft(const QString& messageBody, const QString& conversationId);
-    QString phone() const; ///< of the open contact, digits alone; empty where there is none
+    QString phone() const; ///< of the open contact, digits only; empty if there is none
     void updateCall();
     void setNotice(const QString& text);
 

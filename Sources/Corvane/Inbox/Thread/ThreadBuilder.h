@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A message with its place in a run of bubbles.
+/// A message with its position in a run of bubbles.
 struct ThreadMsg {
     UnifiedMsgRow row;
     bool grouped = false; ///< continues the bubble above
@@ -15,13 +15,13 @@ struct ThreadMsg {
     bool operator==(const ThreadMsg&) const = default;
 };
 
-/// A day's label, or a message.
+/// A day label, or a message.
 using ThreadItem = std::variant<QString, ThreadMsg>;
 
 namespace ThreadBuilder {
 
-/// Rows oldest first; `nowMs` tells which day is today. Bubbles of one direction and sender run together while they
-/// follow each other in less than three minutes; a run ends, to the eye, at the next day.
+/// Rows oldest first; `nowMs` determines today. Bubbles of one direction and sender are grouped while they are less
+/// than three minutes apart; a group ends visually at the next day.
 QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows, qint64 nowMs);
 
 }

@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// When the open thread counts as read: its newest message is on the screen, and somebody has rested there for a
-/// second or pressed a key in it. Whoever only passes on the way to another thread reads nothing.
+/// When the open thread counts as read: its newest message is visible, and the user has stayed for a second or pressed
+/// a key in it. Passing through on the way to another thread marks nothing as read.
 class ThreadReading : public QObject {
     Q_OBJECT
 public:
@@ -15,15 +15,15 @@ public:
 
     void begin(); ///< another thread is open, at its newest message
     void end(); ///< no thread is open
-    void setOnScreen(bool onScreen); ///< whether a person can see the inbox
+    void setOnScreen(bool onScreen); ///< whether the inbox is visible
     bool newestInSight() const { return m_newestInSight; }
-    bool isRead() const { return isSeen() && m_rested; } ///< what is unread now, too
+    bool isRead() const { return isSeen() && m_rested; } ///< new messages count as read, too
 
-    Q_INVOKABLE void setNewestInSight(bool inSight); ///< of the messages in the mirror, not of those that are held
-    Q_INVOKABLE void touch(); ///< a key or a press in the thread
+    Q_INVOKABLE void setNewestInSight(bool inSight); ///< of the database, not just of the loaded page
+    Q_INVOKABLE void touch(); ///< a key press or click in the thread
 
 Q_SIGNALS:
-    void read(); ///< whatever is unread counts as read; again for each newest message that comes into sight
+    void read(); ///< mark unread messages as read; repeated for each newest message that becomes visible
 
 private:
     bool isSeen() const { return m_open && m_onScreen && m_newestInSight; }

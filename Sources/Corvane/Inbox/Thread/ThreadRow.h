@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// A line of the open thread in the words of the screen: a date or a message.
+/// A line of the open thread: a date or a message.
 class ThreadRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -50,26 +50,26 @@ public:
     bool grouped = false; ///< continues the run of the bubble above
     bool showTime = false; ///< the last bubble of its run: time and ticks are shown
     QString timeText;
-    QString subject; ///< of a mail, where it is another than before
-    QString body; ///< text of the bubble; empty where the medium's title says it already
-    QString quote; ///< the quoted tail of a mail, while it is not folded
-    QString quoteLabel; ///< of what shows or folds the quoted tail; empty where there is none
-    QString moreText; ///< the label of what shows more of a long body, else empty
+    QString subject; ///< of a mail, if it differs from the previous one
+    QString body; ///< text of the bubble; empty if the media title already says it
+    QString quote; ///< the quoted tail of a mail, while it is expanded
+    QString quoteLabel; ///< label of the toggle for the quoted tail; empty if there is none
+    QString moreText; ///< label of the toggle for the rest of a long body, else empty
     QString unreadText; ///< above the first message that was unread when the thread was opened: "3 unread messages"
-    QString senderLabel; ///< group chats: first bubble of a run
+    QString senderLabel; ///< in group chats: for the first bubble of a run
     QString platform; ///< such as "WHATSAPP"
-    QString channelLabel; ///< the channel's name where it differs from that of the message above, else empty
+    QString channelLabel; ///< the channel's name if it differs from the message above, else empty
     QString ticks; ///< "", "single", "double", "read" (double, in the accent colour) or "word"
     QString ticksText; ///< such as "Delivered"
-    QString ticksHelp; ///< a longer text for a tool tip, mostly empty
+    QString ticksHelp; ///< a longer text for a tool tip, usually empty
     QString mediaKind; ///< "" for none, "image", "audio", "video", "document", "sticker" or "media"
-    QString mediaPath; ///< set only while the file is there
+    QString mediaPath; ///< only set if the file exists
     QString mediaTitle;
     QString mediaState; ///< "", "ready", "download", "downloading", "failed" (with a retry), "missing" or "refused"
     QString mediaStateText;
     QString transcript; ///< of a voice note
     QString transcribeState; ///< "", "offer", "loading", "missing" (no model) or "failed"
-    QString transcribeText; ///< how far it is, or why it failed
+    QString transcribeText; ///< the progress, or why it failed
     QString reaction;
     bool highlighted = false;
     QString spoken;
@@ -79,20 +79,20 @@ public:
     bool operator==(const ThreadRow&) const = default;
 };
 
-/// How much of a body is shown at first.
+/// How much of a body is shown initially.
 constexpr qsizetype firstBodyLength = 10'000;
 
 /// What a thread's rows depend on besides its messages.
 struct ThreadSurroundings {
-    QString contactName; ///< who speaks where a message does not say
+    QString contactName; ///< the sender if a message does not name one
     bool isGroup = false;
     QString highlightId;
     QString firstUnreadId;
-    int unread = 0; ///< how many messages are unread from that one on
-    QHash<QString, qsizetype> lengths = {}; ///< of bodies that a person wanted to see more of
-    QSet<QString> unfolded = {}; ///< messages whose quoted tail is shown
+    int unread = 0; ///< the number of unread messages from that one on
+    QHash<QString, qsizetype> lengths = {}; ///< of bodies that were expanded
+    QSet<QString> unfolded = {}; ///< messages whose quoted tail is expanded
     std::function<std::optional<MediaDownloadStatus>(const QString& messageId)> download;
-    std::function<QStringList(const UnifiedMsgRow& row)> mediaPlaces; ///< where the file of a message may lie
+    std::function<QStringList(const UnifiedMsgRow& row)> mediaPlaces; ///< where a message's file may be
     std::function<std::optional<AudioTranscriptionState>(const QString& messageId)> transcription = {};
 };
 

@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// The part of a person's thread that is held: messages without a gap, oldest first, at most three pages. Pages come
-/// in at one end and go at the other as the reader moves.
+/// The loaded part of a person's thread: consecutive messages, oldest first, at most three pages. Pages are loaded at
+/// one end and dropped at the other while scrolling.
 class ThreadWindow {
 public:
     static constexpr int pageSize = 1000;
@@ -15,20 +15,20 @@ public:
     {
     }
 
-    void open(const QString& contactId); ///< holds nothing until one of the functions below
+    void open(const QString& contactId); ///< nothing is loaded until one of the functions below
     const QList<UnifiedMsgRow>& messages() const { return m_messages; }
     bool hasOlder() const { return m_hasOlder; } ///< there may be more before the first
-    bool hasNewer() const { return m_hasNewer; } ///< and behind the last
+    bool hasNewer() const { return m_hasNewer; } ///< and after the last
 
     void showNewest();
     void showOldest();
-    bool showAround(const QString& messageId); ///< false where the thread does not hold it; then nothing changes
-    void extend(Towards towards); ///< by a page
+    bool showAround(const QString& messageId); ///< false if the thread does not contain it; then nothing changes
+    void extend(Towards towards); ///< loads a page
 
     enum class Reader { AtNewest, Elsewhere };
 
-    /// Reads again what is held. For a reader at the newest message that is the newest page; for any other the same
-    /// part, with what has come before its first where nothing was before it, and behind its last while that fits.
+    /// Reads the loaded part again. At the newest message that is the newest page; elsewhere the same part, extended by
+    /// messages that arrived before its start or, while they fit, after its end.
     void refresh(Reader reader);
 
 private:

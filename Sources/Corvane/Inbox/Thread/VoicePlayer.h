@@ -9,18 +9,18 @@ namespace corvane {
 class EngineManager;
 class ThreadView;
 
-/// The voice note that plays: one at a time, as long as its thread is open.
+/// Plays voice notes: one at a time, while its thread is open.
 class VoicePlayer : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString messageId READ messageId NOTIFY changed) ///< which one; empty for none
+    Q_PROPERTY(QString messageId READ messageId NOTIFY changed) ///< of the current note; empty for none
     Q_PROPERTY(QString state READ state NOTIFY changed) ///< idle playing paused failed
     Q_PROPERTY(QString stateText READ stateText NOTIFY changed) ///< such as "Playing", or why it failed
-    Q_PROPERTY(QString actionText READ actionText NOTIFY changed) ///< what a press does: "Play", "Pause"
+    Q_PROPERTY(QString actionText READ actionText NOTIFY changed) ///< label of `toggle`: "Play", "Pause"
     Q_PROPERTY(QString positionText READ positionText NOTIFY moved) ///< "0:07"
-    Q_PROPERTY(QString durationText READ durationText NOTIFY moved) ///< "1:20", empty while not known
+    Q_PROPERTY(QString durationText READ durationText NOTIFY moved) ///< "1:20", empty if unknown
     Q_PROPERTY(double progress READ progress NOTIFY moved) ///< from 0 to 1
 public:
-    /// All of them outlive the object.
+    /// All references outlive the object.
     VoicePlayer(AudioPlayer& player, ThreadView& thread, EngineManager& engine, QObject* parent = nullptr);
 
     const QString& messageId() const { return m_messageId; }
@@ -31,9 +31,9 @@ public:
     QString durationText() const;
     double progress() const;
 
-    Q_INVOKABLE void toggle(const QString& messageId); ///< plays it, or pauses and goes on
+    Q_INVOKABLE void toggle(const QString& messageId); ///< plays, pauses or resumes
     Q_INVOKABLE void seek(double progress);
-    Q_INVOKABLE void skip(int seconds); ///< on, or back where negative
+    Q_INVOKABLE void skip(int seconds); ///< forward, or back if negative
     Q_INVOKABLE void stop();
 
 Q_SIGNALS:
@@ -47,7 +47,7 @@ private:
     ThreadView& m_thread;
     EngineManager& m_engine;
     QString m_messageId;
-    QString m_problem; ///< why the file was not given to the player
+    QString m_problem; ///< why the file was not played
 };
 
 }

@@ -15,33 +15,33 @@ class ThreadView;
 class UserDefaults;
 struct VoiceServices;
 
-/// How far the transcript of a voice note is.
+/// The state of a voice note's transcript.
 struct AudioTranscriptionState {
     enum class Kind { Loading, MissingModel, Failed };
     Kind kind = Kind::Loading;
     QString text; ///< in the words of the screen
 };
 
-/// The voice notes of the open thread as text, and its texts as voice.
+/// Transcripts of the open thread's voice notes, and reading its texts aloud.
 class VoiceTranscripts : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString speakingId READ speakingId NOTIFY speakingChanged) ///< the message that is read aloud
+    Q_PROPERTY(QString speakingId READ speakingId NOTIFY speakingChanged) ///< the message being read aloud
 public:
-    /// All of them outlive the object.
+    /// All references outlive the object.
     VoiceTranscripts(VoiceServices& voice, ThreadView& thread, EngineManager& engine, UserDefaults& defaults,
         QObject* parent = nullptr);
-    ~VoiceTranscripts() override; ///< cancels what runs
+    ~VoiceTranscripts() override; ///< cancels running jobs
 
-    /// Nothing where neither a job runs nor one failed.
+    /// Nothing if no job is running and none failed.
     std::optional<AudioTranscriptionState> state(const QString& messageId) const;
     QString speakingId() const;
 
-    Q_INVOKABLE void transcribe(const QString& messageId); ///< the note has a file; one that runs is left alone
+    Q_INVOKABLE void transcribe(const QString& messageId); ///< the note must have a file; a running job is left alone
     Q_INVOKABLE void cancel(const QString& messageId);
-    Q_INVOKABLE void speak(const QString& messageId); ///< or stops, where it is the one that is read
+    Q_INVOKABLE void speak(const QString& messageId); ///< or stops, if it is being read
 
 Q_SIGNALS:
-    void changed(); ///< a state, or a transcript was stored
+    void changed(); ///< a state changed, or a transcript was stored
     void speakingChanged();
 
 private:

@@ -30,12 +30,12 @@ class ToolRunner;
 class Tray;
 struct AppPaths;
 
-/// The services of this machine. Each comes up at once and without the others.
+/// The services of this machine. Each starts immediately and independently of the others.
 std::unique_ptr<ProcessLauncher> makeProcessLauncher(Scheduler& scheduler);
 std::unique_ptr<ToolRunner> makeToolRunner();
 std::unique_ptr<PortHolders> makePortHolders();
 std::unique_ptr<NotificationService> makeNotificationService();
-std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< of programs that open something for the user
+std::unique_ptr<Desktop> makeDesktop(mode_t umaskOfOpened); ///< for programs that open something for the user
 std::unique_ptr<GlobalShortcuts> makeGlobalShortcuts();
 std::unique_ptr<TextInsertion> makeTextInsertion(Scheduler& scheduler);
 std::unique_ptr<Microphone> makeMicrophone(Scheduler& scheduler);
@@ -48,11 +48,11 @@ std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths);
 std::unique_ptr<CalendarSource> makeCalendarSource(const AppPaths& paths);
 std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder& decoder);
 std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
-std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< takes a model of the person's
-std::unique_ptr<SpeechRecogniser> makeBasicRecogniser(ProcessLauncher& launcher); ///< English, with a model of its own
+std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< uses a model of the user's
+std::unique_ptr<SpeechRecogniser> makeBasicRecogniser(ProcessLauncher& launcher); ///< English, with a built-in model
 std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
 
-/// The answer of the program that runs on this data folder; nothing where none does. Waits up to five minutes.
+/// The answer of the running program for this data folder; nothing if none runs. Waits up to five minutes.
 std::optional<Result<QString>> askRunningProgram(const AppPaths& paths, const QString& question);
 
 }

@@ -71,7 +71,7 @@ struct Span {
     qint64 endMs = 0;
 };
 
-/// When a proposed event is; nothing where the payload tells no time that can be.
+/// When a proposed event is; nothing if the payload tells no time that can be.
 std::optional<Span> spanOf(const QJsonObject& payload)
 {
     const auto start = wholeNumber(payload, "startMs"_L1);

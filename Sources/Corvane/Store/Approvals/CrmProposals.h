@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// A change to the CRM that waits for a person.
+/// A proposed change to the CRM.
 struct CRMUpdateProposal {
     QString id;
     QString callId;
@@ -23,20 +23,19 @@ struct CRMUpdateProposal {
     bool operator==(const CRMUpdateProposal&) const = default;
 };
 
-/// Newest first; an empty `status` means every status.
+/// Newest first; an empty `status` means any.
 QList<CRMUpdateProposal> fetchCRMUpdateProposals(LocalDB& db, const QString& status, int limit);
-QList<CRMUpdateProposal> callProposals(LocalDB& db, const QString& callId); ///< of every status
+QList<CRMUpdateProposal> callProposals(LocalDB& db, const QString& callId); ///< of any status
 std::optional<CRMUpdateProposal> crmProposal(LocalDB& db, const QString& id);
 
-/// Stands for what it would write, and on whom.
+/// A hash of what it would write, and for whom.
 QString proposalHash(const CRMUpdateProposal& proposal);
 
-/// Writes what a pending proposal proposes, as it was seen, that is: with that hash. Where that fails it stays pending
-/// and keeps the reason.
+/// Applies a pending proposal if it still has the given hash. If that fails, it stays pending and keeps the reason.
 Decided applyCRMUpdateProposal(LocalDB& db, const QString& id, const QString& seenHash);
 Decided rejectCRMUpdateProposal(LocalDB& db, const QString& id);
 
-/// Points a pending proposal at a contact, and with it its call and all pending proposals of that call.
+/// Links a pending proposal to a contact, and with it its call and all pending proposals of that call.
 bool linkCRMUpdateProposal(LocalDB& db, const QString& id, const QString& contactId);
 
 }

@@ -4,39 +4,39 @@
 
 namespace corvane {
 
-/// Where a draft stands: the word in its row. `Other` is a word of another program that is none of these.
+/// The status of a draft, as stored in its row. `Other` is a word of another program.
 enum class DraftStatus { Pending, Approved, Sending, Placed, Sent, Failed, Rejected, Other };
 
-/// What is done with a draft.
+/// An operation on a draft.
 enum class DraftStep {
-    Decide, ///< a person approves or edits it
+    Decide, ///< the user approves or edits it
     Reject,
-    TakeBack, ///< an approved one waits for a person again
+    TakeBack, ///< an approved one becomes pending again
     HandOver, ///< to an engine
-    Acknowledge, ///< its engine says what became of it
-    Confirm, ///< a person saw that one that was placed went out
+    Acknowledge, ///< its engine reports the result
+    Confirm, ///< the user saw that a placed one was sent
 };
 
 DraftStatus draftStatus(QStringView word);
 QString draftStatusWord(DraftStatus status); ///< empty for `Other`
 
-/// The one rule of which step a draft in which state can take.
+/// The one rule for which operation is allowed in which status.
 bool allows(DraftStatus status, DraftStep step);
 
-/// Why a draft failed, or waits for a person again. The row keeps the words.
+/// Why a draft failed or is pending again. The row stores the text.
 enum class DraftFailure {
-    Unacknowledged, ///< its engine had two minutes to say what became of it
-    Changed, ///< it is not as it was approved
+    Unacknowledged, ///< its engine reported no result within two minutes
+    Changed, ///< it differs from what was approved
     Unreadable,
-    EarlierTextUnread, ///< another text for the same draft may still go out
-    Uncertain, ///< its engine cannot know whether it went out
+    EarlierTextUnread, ///< another text for the same draft may still be sent
+    Uncertain, ///< its engine cannot know whether it was sent
     AccountGone,
-    NoFiles, ///< the channel carries none
+    NoFiles, ///< the channel does not support files
     FileGone,
     FileChanged,
 };
 
-/// `what` is the account or the file, or what the engine said.
+/// `what` is the account or the file, or the engine's error.
 QString describe(DraftFailure failure, const QString& what = {});
 
 }

@@ -5,16 +5,16 @@
 
 namespace corvane {
 
-// A person's word on an event that an agent wants to add. Each goes into the record of decisions.
+// The user's decision on an event that an agent wants to add. Each is logged.
 
-/// Stands for what a person reads before they decide.
+/// A hash of what the user sees before deciding.
 QString eventHash(const CalCommand& command);
 
-/// Approves it as it was seen, that is: with that hash. The row stays pending until the calendar has the event.
+/// Approves it if it still has the given hash. The row stays pending until the calendar has the event.
 Decided approveEvent(LocalDB& db, const QString& id, const QString& seenHash);
 Decided rejectEvent(LocalDB& db, const QString& id);
 
-/// Whether a person has said so to the event as it stands: to itself, or to the proposal that it came from.
+/// Whether the user has approved the event as it is: directly, or the proposal that it came from.
 bool isApproved(LocalDB& db, const CalCommand& command);
 
 /// Inside the transaction that applies the proposal.

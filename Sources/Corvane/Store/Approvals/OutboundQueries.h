@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A message that waits to go out, or went.
+/// A message that is waiting to be sent, or was sent.
 struct PendingDraft {
     QString id;
     QString conversationId;
@@ -17,59 +17,59 @@ struct PendingDraft {
     QString externalId;
     QString title;
     QString body;
-    QString status; ///< the word in the row, also one that `DraftStatus` does not know
+    QString status; ///< as stored; may be unknown to `DraftStatus`
     QString source;
     QString webAckStatus;
     QString providerMsgId;
     QString error;
     QString subject = {};
-    QString files = {}; ///< as the row holds them: `filesFromText` reads it
-    QString accountName = {}; ///< as the person calls the account, where it is known; in no column
+    QString files = {}; ///< as stored: `filesFromText` reads it
+    QString accountName = {}; ///< the account's display name, if known; not a column
 
     DraftStatus state() const { return draftStatus(status); }
     bool operator==(const PendingDraft&) const = default;
 };
 
-/// Queues a draft that waits for the user; false where there is no such conversation.
+/// Queues a draft for approval; false if there is no such conversation.
 bool queueDraft(LocalDB& db, const QString& conversationId, const QString& text, const QString& source);
 
-/// The same with a subject and with files that lie in the outbox of the drafts.
+/// The same with a subject and files from the drafts' outbox.
 bool queueDraft(LocalDB& db, const QString& conversationId, const OutgoingMessage& message, const QString& source);
 
-/// Every file of a draft that may still be sent, in any workspace; nothing where they cannot be read.
+/// All files of drafts that may still be sent, in any workspace; nothing if they cannot be read.
 std::optional<QList<OutgoingFile>> fetchDraftFiles(LocalDB& db);
 
-/// Oldest first within failed, pending, sending, and the rest.
+/// Failed, pending, sending, then the rest; oldest first within each.
 QList<PendingDraft> fetchDrafts(LocalDB& db, const QList<DraftStatus>& statuses, int limit);
 
-/// Of those approved drafts that `accountIds` can take, the oldest first.
+/// The approved drafts of these accounts, oldest first.
 QList<PendingDraft> fetchApprovedDrafts(LocalDB& db, const QStringList& accountIds, int limit);
 
 struct DraftOfAccount {
     QString id;
     QString accountId;
 };
-/// Every approved draft of the active workspace.
+/// All approved drafts of the active workspace.
 QList<DraftOfAccount> fetchApprovedIds(LocalDB& db);
 
 /// The slugs of the accounts that have approved drafts, in any workspace.
 QStringList accountsWithApprovedDrafts(LocalDB& db);
 
-/// Every draft that was handed to an engine and not acknowledged, in any workspace.
+/// All drafts that were handed to an engine and not acknowledged, in any workspace.
 QStringList fetchSendingIds(LocalDB& db);
 
-/// Whether a person can approve, reject and edit it.
+/// Whether the user can approve, reject and edit it.
 bool waitsForPerson(const PendingDraft& draft);
 
-/// Whether it failed because nobody acknowledged it in time, or its engine cannot know: it may have gone out.
+/// Whether it failed without a definite result (no acknowledgment, or the engine cannot know): it may have been sent.
 bool mayHaveGoneOut(const PendingDraft& draft);
 
-/// The row as it stands now, whatever its status and workspace.
+/// The current row, whatever its status and workspace.
 std::optional<PendingDraft> fetchDraft(LocalDB& db, const QString& id);
 
-/// Takes the row from one status to the next, in one step that only one caller can win: true where this call moved
-/// it, false where it no longer stood at `from` or the file did not take the change. Other programs move the same
-/// rows, so every step that must happen once is asked for here.
+/// Moves the row from one status to another atomically: true if this call changed it, false if its status was no longer
+/// `from` or the file could not be written. Other programs change the same rows, so every step that must happen once
+/// goes through here.
 [[nodiscard]] bool moveDraft(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to);
 
 void markDraftCompleted(

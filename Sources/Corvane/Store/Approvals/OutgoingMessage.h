@@ -6,21 +6,21 @@
 
 namespace corvane {
 
-/// A copy of a file that a person picked, kept unchanged until the message with it has ended.
+/// A copy of a file that the user picked, kept unchanged until its message is done.
 struct OutgoingFile {
     QString path; ///< absolute, in the outbox
-    QString name; ///< as the recipient gets it
+    QString name; ///< as the recipient sees it
     qint64 bytes = 0;
-    QString sha256; ///< of its content as it was picked, in hexadecimal digits
+    QString sha256; ///< of the content when it was picked, in hexadecimal digits
 
     bool operator==(const OutgoingFile&) const = default;
 };
 
-/// What goes out: a text, and with it what the account's channel carries (see `ChannelFeatures`).
+/// An outgoing message: a text, and whatever else the account's channel supports (see `ChannelFeatures`).
 struct OutgoingMessage {
-    QString text; ///< may be empty where there are files
+    QString text; ///< may be empty if there are files
     QString subject = {};
-    QList<OutgoingFile> files = {}; ///< in the order in which they are sent
+    QList<OutgoingFile> files = {}; ///< in sending order
 
     bool operator==(const OutgoingMessage&) const = default;
 };
@@ -30,7 +30,7 @@ qint64 totalBytes(const QList<OutgoingFile>& files);
 /// The files as one text, for a column or a file; empty for none.
 QString filesText(const QList<OutgoingFile>& files);
 
-/// Nothing where the text is not one of `filesText`.
+/// Nothing if the text was not made by `filesText`.
 std::optional<QList<OutgoingFile>> filesFromText(const QString& text);
 
 }

@@ -5,12 +5,13 @@
 
 namespace corvane {
 
-// A person's word on an agent's decision that waits for them. Each changes the row and the record of decisions as one.
+// The user's answer to a decision that an agent asked for. Each changes the row and the decision log in one
+// transaction.
 
-/// Stands for what a person reads before they decide.
+/// A hash of what the user sees before deciding.
 QString decisionHash(const WorkDecisionRecord& decision);
 
-/// Approves it as it was seen, that is: with that hash.
+/// Approves it if it still has the given hash.
 Decided approveWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy, const QString& seenHash);
 Decided rejectWorkDecision(LocalDB& db, const QString& id, const QString& decidedBy);
 

@@ -7,7 +7,7 @@ namespace corvane {
 
 class LocalDB;
 
-/// A text that another process asks this one to generate.
+/// A text generation request from another process.
 struct AIRequest {
     QString id;
     QString instructions; ///< may be empty
@@ -17,15 +17,15 @@ struct AIRequest {
 /// Oldest first.
 QList<AIRequest> fetchPendingAIRequests(LocalDB& db, int limit);
 
-/// Takes a pending request for `owner`, in one step that only one of several programs can win.
+/// Atomically claims a pending request for `owner`; of several programs only one succeeds.
 [[nodiscard]] bool claimAIRequest(LocalDB& db, const QString& id, const QString& owner);
 
-// The end of a request that is being processed. One that was reset or has ended meanwhile keeps its later state.
+// Finishes a request that is being processed. One that was reset or has finished meanwhile keeps its later state.
 void completeAIRequest(LocalDB& db, const QString& id, const QString& response);
 void failAIRequest(LocalDB& db, const QString& id, const QString& error);
 
-/// Requests that have waited longer end as expired; then those that were claimed longer ago wait again, since
-/// whoever claimed them is gone.
+/// Requests that waited too long expire; then requests that were claimed too long ago become pending again, since their
+/// owner is gone.
 void failStaleAIRequests(LocalDB& db, qint64 olderThanMs);
 
 }

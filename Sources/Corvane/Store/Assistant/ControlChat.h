@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// A conversation that may become the one from which approvals can be given. The program only keeps the choice;
-/// the processes that share `engine_settings` read the chat and act on its commands.
+/// A conversation that can be chosen for giving approvals. The program only stores the choice; the processes that share
+/// `engine_settings` read the chat and execute its commands.
 struct ApprovalControlChat {
     QString id;
     QString title;
@@ -18,6 +18,6 @@ struct ApprovalControlChat {
 QList<ApprovalControlChat> fetchApprovalControlChats(LocalDB& db, int limit); ///< newest first
 
 QString approvalsControlChatId(LocalDB& db); ///< empty while none is chosen
-bool setApprovalsControlChatId(LocalDB& db, const QString& id); ///< an empty id chooses none
+bool setApprovalsControlChatId(LocalDB& db, const QString& id); ///< an empty id clears it
 
 }

@@ -6,11 +6,11 @@
 
 namespace corvane {
 
-/// What is remembered for drafting, as the last section of the instructions: the business, the owner and, where
-/// one is named, the contact. Empty where nothing is remembered.
+/// The memory for drafting, as the last section of the instructions: the business, the owner and, if given, the
+/// contact. Empty if nothing is remembered.
 QString memorySnapshot(LocalDB& db, const std::optional<QString>& contactId = std::nullopt);
 
-/// How a draft that the user took over was made; neither its prompt nor its text.
+/// How a draft that the user accepted was made; contains neither prompt nor text.
 struct DraftMetadataRow {
     QString contactId;
     std::optional<QString> conversationId;

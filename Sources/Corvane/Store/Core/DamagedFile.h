@@ -5,14 +5,13 @@
 
 namespace corvane {
 
-// A database that contradicts itself is moved aside with its log, and nothing lies in its place until the user has
-// chosen what should.
+// A corrupt database is moved aside with its WAL, and nothing replaces it until the user has chosen what to do.
 
-/// Moves the database at `path` and its "-wal" to "{path}.damaged", or "{path}.damaged-2" and so on where others stand.
-/// The new path; nothing where it cannot be moved, and then it stands where it stood. Nobody has it open.
+/// Moves the database at `path` and its "-wal" to "{path}.damaged", or "{path}.damaged-2" and so on if those exist.
+/// Returns the new path; nothing if it cannot be moved, and then it stays in place. No process has it open.
 std::optional<QString> moveAside(const QString& path);
 
-/// The database that was moved aside last, where nothing has been put in its place.
+/// The database that was moved aside last, if nothing has replaced it yet.
 std::optional<QString> awaitingChoice(const QString& path);
 
 }

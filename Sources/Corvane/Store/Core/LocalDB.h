@@ -10,23 +10,22 @@ class StoreHealth;
 class StoreWatch;
 class UserDefaults;
 
-/// How long a write waits for another program: five seconds, or one frame of the screen.
+/// How long a write waits for another program: five seconds, or one frame.
 enum class Patience { Full, Frame };
 
-/// The one SQLite file of the program: a connection and its statement helpers, nothing more. Engines and the
-/// tool server read and write the same file. A database that cannot be opened leaves a usable object whose
-/// every answer is empty. The queries themselves are free functions in the *Queries files.
-/// A null QString binds as empty text; NULL is an absent optional or a default `SqlValue`.
+/// The program's SQLite file: a connection and its statement helpers. Engines and the tool server use the same file. If
+/// it cannot be opened, the object is still usable and returns empty results. The queries are free functions in the
+/// *Queries files. A null QString binds as empty text; NULL is an absent optional or a default `SqlValue`.
 class LocalDB : public SqlConnection {
 public:
-    /// Where the two schema files are looked for, in this order.
+    /// Where the two schema files are searched, in this order.
     struct SchemaFolders {
-        QString resources; ///< "{resources}/local-schema/{name}"; empty where there is no resource folder
+        QString resources; ///< "{resources}/local-schema/{name}"; empty if there is no resource folder
         QString home; ///< "{home}/nimb/apps/nimb-local/local-schema/{name}"
     };
 
-    /// Opens the file at `path`, making it and its folder where they are missing, and brings the schema up to
-    /// date. The references must outlive the object.
+    /// Opens the file at `path`, creating it and its folder if necessary, and migrates the schema. The references must
+    /// outlive the object.
     LocalDB(const QString& path, const SchemaFolders& schema, Scheduler& scheduler, UserDefaults& defaults,
         NotificationCentre& notifications);
     ~LocalDB();
@@ -34,29 +33,29 @@ public:
     /// Whether the file can be written, and if not, why.
     StoreHealth& health() { return *m_health; }
 
-    /// What other programs change, told by subject.
+    /// Changes by other programs, by subject.
     StoreWatch& watch() { return *m_watch; }
 
-    /// Open and, as far as is known, writable: whoever looks at the file now and then leaves it alone otherwise.
+    /// Open and, as far as is known, writable; polling code checks this first.
     bool isSound() const;
 
-    /// Lets go of the file, which can then be moved away; until `reopen` every answer is empty.
+    /// Closes the file, which can then be moved; until `reopen` all results are empty.
     void close();
 
-    /// Opens what lies at the path now, as at the start. False where it cannot be opened, or where a damaged file was
-    /// moved away from there and nothing has been put in its place.
+    /// Opens the file that is now at the path, as at the start. False if it cannot be opened, or if a corrupt file was
+    /// moved away and nothing has replaced it.
     bool reopen();
 
-    /// Makes a database with the current schema and nothing in it, elsewhere.
+    /// Creates an empty database with the current schema at another path.
     bool makeEmpty(const QString& path) const;
 
-    /// Begins a transaction and takes the right to write; see `Transaction`.
+    /// Begins an immediate transaction; see `Transaction`.
     bool begin(Patience patience);
 
-    bool inTransaction() const; ///< false, too, where the database is not open
+    bool inTransaction() const; ///< false, too, if the database is not open
 
-    /// Whether another process keeps the right to write, so that a write now would wait, and after five seconds
-    /// fail. Waits a frame at most.
+    /// Whether another process holds the write lock, so that a write now would block, and fail after five seconds.
+    /// Waits at most one frame.
     bool isHeldElsewhere();
 
     /// A script of one or more statements; a failure is only logged.
@@ -65,14 +64,14 @@ public:
     /// One statement; false and a log line on failure.
     bool run(const QString& sql, const QList<SqlValue>& parameters = {});
 
-    /// One statement; the number of rows that it changed itself, 0 and a log line on failure.
+    /// One statement; returns the number of rows that it changed directly, 0 and a log line on failure.
     qint64 changedRows(const QString& sql, const QList<SqlValue>& parameters);
 
-    /// The first column of the first row as text. Binds only text and 64-bit integers: any other value stays
-    /// unbound, and so NULL.
+    /// The first column of the first row as text. Binds only text and 64-bit integers: any other value stays unbound,
+    /// which reads as NULL.
     std::optional<QString> scalar(const QString& sql, const QList<SqlValue>& parameters = {});
 
-    /// Reads of tables that another process may not have made yet ask this first.
+    /// Queries of tables that another process may not have created yet check this first.
     bool tableExists(const QString& table);
     bool columnExists(const QString& table, const QString& column); ///< exact, case-sensitive
     std::optional<QString> tableSQL(const QString& table);
@@ -95,16 +94,16 @@ private:
     std::unique_ptr<StoreWatch> m_watch;
 };
 
-/// A JSON array of the texts; "[]" where it cannot be made.
+/// A JSON array of the texts; "[]" if it cannot be built.
 QString jsonString(const QList<QString>& values);
 
-/// The first of each value, compared without case, in input order.
+/// Removes duplicates, ignoring case; keeps the first of each in input order.
 QList<QString> orderedUnique(const QList<QString>& values);
 
 /// The start of the current day in the user's time zone, in milliseconds since the epoch.
 qint64 startOfTodayMs(qint64 nowMs);
 
-/// ISO 8601 in UTC to the second, as the work records hold their times: two of them compare as text.
+/// ISO 8601 in UTC with seconds, the format of the work records: they compare as text.
 QString isoTime(qint64 ms);
 
 }

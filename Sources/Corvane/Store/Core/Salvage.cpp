@@ -184,7 +184,7 @@ private:
         return columns;
     }
 
-    /// False where the new file takes no more.
+    /// False if the new file takes no more.
     bool fillGaps()
     {
         std::deque<Gap> gaps { { std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max() } };

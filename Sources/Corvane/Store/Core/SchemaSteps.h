@@ -15,7 +15,7 @@ struct Statement {
     const char* sql;
 };
 
-/// A column that came later than its table; the definition begins with the column's name.
+/// A column that was added later; the definition starts with its name.
 struct AddedColumn {
     const char* table;
     const char* definition;
@@ -28,12 +28,12 @@ struct Migration {
 
 using Step = std::variant<Statement, AddedColumn, Migration>;
 
-/// Everything that the two schema files do not hold, in the order in which it is applied.
+/// Everything that the two schema files do not contain, in the order in which it is applied.
 const QList<Step>& steps();
 
 extern const char* const aiRequestsTable;
 
-/// Rebuilds an `ai_requests` whose status constraint is too old to let a request be claimed.
+/// Rebuilds an `ai_requests` table whose status constraint predates claiming.
 void migrateAIRequestsSchemaIfNeeded(LocalDB& db);
 
 }

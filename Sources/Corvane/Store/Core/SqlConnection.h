@@ -51,7 +51,7 @@ private:
     Variant m_value;
 };
 
-/// One row under a running statement; valid only inside the callback that receives it.
+/// A row of the running statement; valid only inside the callback that receives it.
 class SqlRow {
 public:
     explicit SqlRow(sqlite3_stmt* statement)
@@ -69,22 +69,22 @@ private:
     sqlite3_stmt* m_statement;
 };
 
-/// A connection to an SQLite file and its reads, which keeps its statements prepared. One that could not be opened
-/// answers every read with nothing.
+/// A connection to an SQLite file with its queries; keeps its statements prepared. If it could not be opened, every
+/// query returns nothing.
 class SqlConnection {
 public:
     ~SqlConnection();
     SqlConnection(const SqlConnection&) = delete;
     SqlConnection& operator=(const SqlConnection&) = delete;
 
-    /// A further connection to the file that only reads, for one long query on a thread of its own; the query
-    /// ends early, within a millisecond, after `stopped` is set.
+    /// Another read-only connection to the file, for one long query on its own thread; the query is aborted within a
+    /// millisecond after `stopped` is set.
     static std::unique_ptr<SqlConnection> reader(const QString& path, std::shared_ptr<const std::atomic<bool>> stopped);
 
     bool isOpen() const { return m_db != nullptr; }
     const QString& path() const { return m_path; }
 
-    /// Every row through `read`; empty, with no log line, where the statement does not prepare.
+    /// All rows through `read`; empty, without a log line, if the statement does not prepare.
     template <typename Read> auto rows(const QString& sql, const QList<SqlValue>& parameters, Read read)
     {
         QList<std::invoke_result_t<Read, const SqlRow&>> result;
@@ -106,11 +106,11 @@ public:
         return result;
     }
 
-    /// Row after row, until `visit` returns false.
+    /// Visits rows until `visit` returns false.
     void visitRows(
         const QString& sql, const QList<SqlValue>& parameters, const std::function<bool(const SqlRow&)>& visit);
 
-    /// The result code of the first statement that failed since `forgetFailure`; 0 where none did.
+    /// The result code of the first statement that failed since `forgetFailure`; 0 if none did.
     int failure() const { return m_failure; }
     void forgetFailure() { m_failure = 0; }
 
@@ -132,8 +132,8 @@ protected:
 
     Statement prepare(const QByteArray& sql);
     int step(sqlite3_stmt* statement);
-    int noted(int resultCode); ///< the code, which counts for the health of the file
-    /// A value that `binding` leaves out stays unbound, which SQLite reads as NULL.
+    int noted(int resultCode); ///< returns the code, which is reported to the file's health
+    /// A value that `binding` does not cover stays unbound, which SQLite reads as NULL.
     static void bind(sqlite3_stmt* statement, const QList<SqlValue>& parameters, Binding binding);
 
     sqlite3* m_db = nullptr;

@@ -13,7 +13,7 @@ constexpr Milliseconds period { 1000 };
 
 constexpr int comparedRows = 200;
 
-/// Queries of one column whose rows together are all that anybody reads of the subject; none where they are many.
+/// Queries of one column whose rows together are all that anybody reads of the subject; none if they are many.
 QStringList rowsOf(StoreSubject subject)
 {
     const QString workspace = u"SELECT workspace_id FROM sync_workspace_selection WHERE key='active';"_s;

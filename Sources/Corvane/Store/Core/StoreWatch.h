@@ -9,12 +9,12 @@ namespace corvane {
 
 class LocalDB;
 
-/// What rows are about, as far as those who show or work them off need to tell it apart.
+/// What rows are about, as far as observers need to distinguish it.
 enum class StoreSubject { Messages, Drafts, Approvals, Requests, Work, Calendar, Sync };
 
-/// Asks once a second whether another program changed the file, and tells by subject. SQLite does not say what was
-/// changed, so every subject is told except those whose rows, where they are few, are proven to be the same as before.
-/// While the database is closed or takes no writes it asks nothing; what changed meanwhile is told afterwards.
+/// Checks once a second whether another program changed the file, and notifies by subject. SQLite does not say what
+/// changed, so every subject is notified except those whose few rows are verified to be unchanged. While the database
+/// is closed or cannot be written it checks nothing; observers are notified of the changes afterwards.
 class StoreWatch : public QObject {
     Q_OBJECT
 public:
@@ -24,13 +24,13 @@ public:
 
     void start(); ///< may be called again
 
-    /// This program changed rows of the subject, and whoever listens is to act on it now.
+    /// This program changed rows of the subject; notifies observers now.
     void tell(StoreSubject subject) { Q_EMIT changed(subject); }
 
-    /// Calls back whenever the subject may have changed, while `context` lives.
+    /// Calls back whenever the subject may have changed, as long as `context` lives.
     void on(StoreSubject subject, QObject* context, const std::function<void()>& callback);
 
-    /// The connection was closed: at the next look everything counts as changed.
+    /// The connection was closed: the next check counts everything as changed.
     void forget() { m_version.clear(); }
 
 Q_SIGNALS:
@@ -43,7 +43,7 @@ private:
     LocalDB& m_db;
     Scheduler& m_scheduler;
     std::unique_ptr<Timer> m_timer;
-    QString m_version; ///< as SQLite counts the changes of other connections
+    QString m_version; ///< SQLite's data_version
     QHash<StoreSubject, QByteArray> m_seen; ///< the rows of those subjects that are compared
 };
 

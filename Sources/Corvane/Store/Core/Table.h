@@ -15,23 +15,23 @@ using RowMember = std::variant<std::monostate, QString Row::*, std::optional<QSt
 constexpr const char* asStored = nullptr;
 constexpr const char* onlyRead = nullptr;
 
-/// A column beside the member that it fills; without a member it is only written. A QStringList is read from words
-/// between commas.
+/// A column and the member that it fills; without a member it is only written. A QStringList is stored as words
+/// separated by commas.
 template <typename Row> struct Column {
-    const char* name; ///< may carry the table's alias; an expression where it is only read
+    const char* name; ///< may include the table's alias; an expression if it is only read
     RowMember<Row> member = {};
-    const char* forNull = asStored; ///< SQL: what the SELECT gives in place of NULL
-    const char* written = "?"; ///< SQL: its value in the INSERT; `onlyRead` leaves it out
+    const char* forNull = asStored; ///< SQL: what SELECT returns instead of NULL
+    const char* written = "?"; ///< SQL: its value in the INSERT; `onlyRead` omits it
 };
 
-/// Values for columns of an INSERT by name: of those without a member, and in place of a member's.
+/// Values of an INSERT by column name: for columns without a member, or instead of a member's.
 using GivenValues = QList<std::pair<const char*, SqlValue>>;
 
-/// What `Table` does apart from the type of its rows.
+/// The part of `Table` that does not depend on the type of its rows.
 class TableText {
 public:
     const QString& name() const { return m_name; } ///< without the alias
-    const QString& select() const { return m_select; } ///< "SELECT {columns} FROM {table}" and a new line
+    const QString& select() const { return m_select; } ///< "SELECT {columns} FROM {table}" and a newline
     const QString& insertion() const { return m_insertion; } ///< "INSERT INTO {table}({columns}) VALUES({values})"
 
 protected:
@@ -65,12 +65,12 @@ private:
     QString m_insertion;
 };
 
-/// The columns of a table and the members that they fill, told once: the SELECT list, the reader and the INSERT come
-/// from it, so that nothing is read or bound by position. Rows are plain values; joins, conditions and the conflict
-/// clause of an upsert are written where they are used.
+/// The columns of a table and the members that they fill, declared once: the SELECT list, the reader and the INSERT are
+/// generated from it, so that nothing is read or bound by position. Rows are plain values; joins, conditions and the
+/// conflict clause of an upsert are written where they are used.
 template <typename Row> class Table : public TableText {
 public:
-    /// `name` may carry an alias for joins.
+    /// `name` may include an alias for joins.
     Table(const char* name, std::initializer_list<Column<Row>> columns)
         : TableText(name, partsOf(columns))
         , m_columns(columns)
@@ -101,7 +101,7 @@ public:
         return db.firstRow(select() + rest, parameters, [this](const SqlRow& row) { return read(row); });
     }
 
-    /// What is bound to `insertion`, in its order.
+    /// The values to bind to `insertion`, in order.
     QList<SqlValue> values(const Row& row, const GivenValues& given = {}) const
     {
         QList<SqlValue> values;
@@ -116,7 +116,7 @@ public:
         return values;
     }
 
-    /// False and a log line where it fails. `onConflict` makes it an upsert.
+    /// False and a log line on failure. `onConflict` makes it an upsert.
     bool insert(LocalDB& db, const Row& row, const GivenValues& given = {}, const char* onConflict = "") const
     {
         return db.run(insertion() + QLatin1StringView(onConflict) + u';', values(row, given));

@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-/// Several statements as one: all of them or none. It takes the right to write when it begins, so what is read
-/// inside cannot be changed by another program before it ends. What is not committed is undone. One inside another is
-/// a part of it: it can be undone alone, and is kept only with the whole.
+/// Runs several statements atomically. It takes the write lock when it begins, so what is read inside cannot be changed
+/// by another program before it ends. Without a commit it is rolled back. A nested transaction is a savepoint: it can
+/// be rolled back on its own, and is kept only with the outer one.
 class Transaction {
 public:
     explicit Transaction(LocalDB& db, Patience patience = Patience::Full);
@@ -14,10 +14,10 @@ public:
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
-    /// False where the file could not be had for writing: then nothing is to be done.
+    /// False if the write lock could not be taken: then do nothing.
     [[nodiscard]] bool begun() const { return m_open; }
 
-    [[nodiscard]] bool commit(); ///< false where nothing was kept
+    [[nodiscard]] bool commit(); ///< false if nothing was kept
 
 private:
     LocalDB& m_db;

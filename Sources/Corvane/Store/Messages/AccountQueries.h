@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// The time of the newest message of each account, by slug, in milliseconds since the epoch. An account
-/// belongs to the machine, so every workspace counts.
+/// The time of each account's newest message, by slug, in milliseconds since the epoch. An account belongs to the
+/// machine, so all workspaces count.
 QHash<QString, qint64> fetchLastMessageTimes(LocalDB& db);
 
 }

@@ -4,15 +4,15 @@
 
 namespace corvane {
 
-/// The text of a voice note.
+/// The transcript of a voice note.
 struct AudioTranscript {
     QString messageId;
-    QString audioPath; ///< empty: as it was
+    QString audioPath; ///< empty: unchanged
     QString transcript;
-    QString model; ///< what made it
+    QString model; ///< the speech model
 };
 
-/// In place of an earlier transcript of the message. False where it cannot be written.
+/// Replaces an earlier transcript of the message. False if it cannot be written.
 bool storeAudioTranscript(LocalDB& db, const AudioTranscript& transcript);
 
 }

@@ -4,19 +4,19 @@
 
 namespace corvane {
 
-/// What the messages of an account can carry besides text, as its engine said last.
+/// What messages of an account can contain besides text, as its engine last reported.
 struct ChannelFeatures {
     bool files = false;
-    std::optional<qint64> maxBytes; ///< of all files of one message together; no limit is known where it is missing
+    std::optional<qint64> maxBytes; ///< of all files of one message together; missing: no known limit
     bool subject = false;
 
     bool operator==(const ChannelFeatures&) const = default;
 };
 
-/// Text alone where the account's engine never said. Known, too, before the engine has started.
+/// Text only if the account's engine never reported. Known even before the engine has started.
 ChannelFeatures fetchFeatures(LocalDB& db, const QString& accountSlug);
 
-/// True where they are not what was remembered.
+/// True if they changed.
 bool rememberFeatures(LocalDB& db, const QString& accountSlug, const ChannelFeatures& features);
 
 }

@@ -10,7 +10,7 @@ namespace corvane {
 
 enum class InboxFilter { NeedsMe, Today, All, Archived };
 
-/// One person of the inbox, over all of their conversations.
+/// A person in the inbox, over all of their conversations.
 struct ContactRow {
     QString id;
     QString name; ///< empty if none
@@ -46,43 +46,43 @@ struct ReplyTarget {
     QString chatId;
 };
 
-/// Newest first, by id where times are equal. An empty `account` means every account.
+/// Newest first, then by id. An empty `account` means every account.
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QString& account, int limit);
 
-/// Those of the named people who stand under the filter, in the same order.
+/// Those of the given people who match the filter, in the same order.
 QList<ContactRow> fetchContacts(LocalDB& db, InboxFilter filter, const QStringList& contactIds);
 
-/// The same row, whichever filter the person stands under; nothing for one without a conversation.
+/// The same row, whichever filter the person matches; nothing for someone without a conversation.
 std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId);
 
-/// Who stands under the filters that are counted.
+/// Who matches the filters that are counted.
 struct CountedPeople {
     QSet<QString> needsMe;
     QSet<QString> today;
 };
 
-/// Among the named people, or among all.
+/// Among the given people, or among all.
 CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& contactIds = std::nullopt);
 
-/// What a list says of a person's newest message beside its text.
+/// What a list shows of a person's newest message besides its text.
 struct LastMessage {
     QString direction; ///< "IN" or "OUT"
     QString channel;
     int status = 0;
-    QString mediaType; ///< empty where it has no medium
+    QString mediaType; ///< empty if it has no media
 };
 
-/// By contact id; nobody stands there without a message.
+/// By contact id; people without a message are missing.
 QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& contactIds);
 
-/// Messages and transcripts that contain the text, newest first, over all workspaces.
+/// Messages and transcripts that contain the text, newest first, in all workspaces.
 QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
 
-std::optional<int> unreadOf(LocalDB& db, const QString& contactId); ///< nothing where nobody of that id has written
+std::optional<int> unreadOf(LocalDB& db, const QString& contactId); ///< nothing if nobody with that id has written
 int totalUnread(LocalDB& db);
 void markRead(LocalDB& db, const QString& contactId);
 void markAllRead(LocalDB& db);
-void markUnread(LocalDB& db, const QString& contactId); ///< the newest conversation, where none is unread
+void markUnread(LocalDB& db, const QString& contactId); ///< the newest conversation, if none is unread
 void archiveContact(LocalDB& db, const QString& contactId);
 void unarchiveContact(LocalDB& db, const QString& contactId);
 bool setArchived(LocalDB& db, const QStringList& contactIds, bool archived); ///< all of them or none
@@ -93,7 +93,7 @@ struct ArchivedConversation {
     std::optional<qint64> archivedAt;
 };
 
-/// Of every conversation of these people: what `restoreArchived` needs to take an archive back.
+/// Of all conversations of these people: what `restoreArchived` needs to undo an archive.
 QList<ArchivedConversation> fetchArchived(LocalDB& db, const QStringList& contactIds);
 bool restoreArchived(LocalDB& db, const QList<ArchivedConversation>& conversations);
 void setMuted(LocalDB& db, const QString& contactId, bool muted);
@@ -102,14 +102,14 @@ bool isMuted(LocalDB& db, const QString& contactId);
 /// The newest conversation of the contact on that channel.
 std::optional<ReplyTarget> replyTarget(LocalDB& db, const QString& contactId, const QString& platform);
 
-/// Where a message to the contact goes when nothing else is said.
+/// The default conversation for a message to the contact.
 std::optional<QString> newestConversation(LocalDB& db, const QString& contactId);
 
-/// Whom the conversation or message is exchanged with; empty where it is not known.
+/// The other side of the conversation or message; empty if unknown.
 QString contactOfConversation(LocalDB& db, const QString& conversationId);
 QString contactOfMessage(LocalDB& db, const QString& messageId);
 
-/// Stores a reaction made here on the message of that row id.
+/// Stores the user's own reaction to the message with that row id.
 void setReaction(LocalDB& db, const QString& messageId, const QString& emoji);
 
 }

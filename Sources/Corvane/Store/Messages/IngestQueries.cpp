@@ -61,7 +61,7 @@ ON CONFLICT(id) DO UPDATE SET
     return id;
 }
 
-/// The account that a stored message belongs to; nothing where there is no such message.
+/// The account that a stored message belongs to; nothing if there is no such message.
 std::optional<QString> ownerOf(LocalDB& db, const QString& id)
 {
     return db.firstRow("SELECT c.account_id FROM unified_message m\n"

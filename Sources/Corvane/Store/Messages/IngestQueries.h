@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// What a handle says about its owner.
+/// What a handle reveals about its owner.
 struct MatchSignals {
     std::optional<QString> email; ///< lower case
     std::optional<QString> phone; ///< digits only
@@ -26,7 +26,7 @@ struct IncomingMessage {
 
 MatchSignals matchSignals(const QString& channel, const QString& handle);
 
-/// Adds the contact of a handle with its identity, or brings both up to date. Returns the contact's id.
+/// Adds the contact of a handle with its identity, or updates both. Returns the contact's id.
 QString ensureContactId(
     LocalDB& db, const QString& channel, const QString& handle, const std::optional<QString>& title);
 
@@ -36,24 +36,24 @@ QString ensureConversation(LocalDB& db, const QString& channel, const QString& a
 
 struct StoredMessage {
     QString conversationId;
-    bool isNew = false; ///< no row stood there before
+    bool isNew = false; ///< the row did not exist before
 };
 
-/// `ensureConversation` and the upsert of the message: the first direction, sender and time stay, the newest
-/// body wins. Nothing where the row belongs to another account.
+/// `ensureConversation` and the upsert of the message: the first direction, sender and time are kept, the newest body
+/// wins. Nothing if the row belongs to another account.
 std::optional<StoredMessage> storeMessage(
     LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message);
 
-/// The id of an account's message, stored or not: "wa:msg:{providerMsgId}", and "wa:msg:{slug}:{providerMsgId}" where
-/// another account, say a second one in the same group, has the first.
+/// The id of an account's message, stored or not: "wa:msg:{providerMsgId}", or "wa:msg:{slug}:{providerMsgId}" if
+/// another account, such as a second one in the same group, has the first.
 QString messageIdOf(LocalDB& db, const QString& accountSlug, const QString& providerMsgId);
 
 void raiseUnread(LocalDB& db, const QString& conversationId);
 
-/// Some of the conversation was read elsewhere: its unread count falls to `count`, and never rises.
+/// Part of the conversation was read elsewhere: lowers its unread count to `count`, never raises it.
 void lowerUnread(LocalDB& db, const QString& conversationId, qint64 count);
 
-// What an engine tells of a message reaches only the messages of its own account.
+// An engine can change only messages of its own account.
 void raiseMessageStatus(
     LocalDB& db, const QString& accountSlug, const QString& providerMsgId, qint64 status); ///< never lowers it
 void setProviderReaction(LocalDB& db, const QString& accountSlug, const QString& providerMsgId, const QString& emoji);
@@ -64,7 +64,7 @@ void setContactAvatar(LocalDB& db, const QString& contactId, const QString& path
 /// Overwrites the name and queues the change for the web.
 void setContactName(LocalDB& db, const QString& contactId, const QString& name);
 
-/// The newest message time among a channel's conversations, in milliseconds; 0 where there is none.
+/// The newest message time among a channel's conversations, in milliseconds; 0 if there is none.
 qint64 newestConversationTimestamp(LocalDB& db, const QString& channel);
 
 }

@@ -7,14 +7,15 @@
 
 namespace corvane {
 
-/// The search over every message, which may take seconds, away from the main thread. One runs at a time: a newer
-/// one stops an older one, whose rows never come home.
+/// Searches all messages, which may take seconds, on a background thread. One search runs at a time: a newer one
+/// cancels an older one, whose rows are never delivered.
 class MessageSearch {
 public:
     explicit MessageSearch(const LocalDB& db); ///< outlives the search
-    ~MessageSearch(); ///< stops what runs and waits for its end, a moment
+    ~MessageSearch(); ///< cancels a running search and waits for it, briefly
 
-    /// `found` gets the rows of `searchMessages` at a later turn of the loop; none where the database is not open.
+    /// `found` receives the rows of `searchMessages` at a later turn of the event loop; none if the database is not
+    /// open.
     void start(const QString& query, int limit, std::function<void(QList<MessageHit>)> found);
     void stop();
 

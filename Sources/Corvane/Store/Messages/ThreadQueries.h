@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// One message of a person's thread, whatever its channel.
+/// A message of a person's thread, on any channel.
 struct UnifiedMsgRow {
     QString id;
     QString direction; ///< "IN" or "OUT"
@@ -22,15 +22,15 @@ struct UnifiedMsgRow {
     int status = 0;
     QString reaction;
     std::optional<QString> audioTranscript;
-    QString subject; ///< empty where the channel knows none
+    QString subject; ///< empty if the channel has none
 
     bool operator==(const UnifiedMsgRow&) const = default;
 };
 
-/// A place in a thread. Messages of the same millisecond stand in the order in which they were stored.
+/// A position in a thread. Messages of the same millisecond are in the order in which they were stored.
 struct ThreadPlace {
     qint64 ts = 0; ///< milliseconds since the epoch
-    QString messageId; ///< without one: before every message of that time
+    QString messageId; ///< empty: before every message of that time
 };
 
 inline const ThreadPlace threadBeginning { std::numeric_limits<qint64>::min(), {} };
@@ -38,8 +38,8 @@ inline const ThreadPlace threadEnd { std::numeric_limits<qint64>::max(), {} };
 
 enum class Towards { Older, Newer };
 
-/// The messages of the contact that follow a place in that direction, without the one that stands there: at most
-/// `limit`, oldest first. A page costs the same however long the thread is.
+/// The messages of the contact after a position in the given direction, without the one at the position: at most
+/// `limit`, oldest first. The cost of a page does not depend on the length of the thread.
 QList<UnifiedMsgRow> fetchThreadPage(
     LocalDB& db, const QString& contactId, Towards towards, const ThreadPlace& from, int limit);
 
@@ -49,11 +49,11 @@ QList<UnifiedMsgRow> fetchUnifiedThread(LocalDB& db, const QString& contactId, i
 /// Nothing for a message that is not in the contact's thread.
 std::optional<ThreadPlace> placeInThread(LocalDB& db, const QString& contactId, const QString& messageId);
 
-/// Takes the message out of the local copy, and back in; the provider hears of neither.
+/// Hides the message in the local copy, or shows it again; the provider is not told.
 void deleteMessageLocal(LocalDB& db, const QString& messageId);
 void restoreMessageLocal(LocalDB& db, const QString& messageId);
 
-/// The primary contact where a live merge exists, else the id as given.
+/// The primary contact if a live merge exists, else the given id.
 QString effectiveContactId(LocalDB& db, const QString& id);
 
 }

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// What is known of a contact; each list keeps its order and names nothing twice.
+/// What is known about a contact; each list is ordered and without duplicates.
 struct ContactInfoRow {
     QStringList emails;
     QStringList phones;
@@ -12,13 +12,13 @@ struct ContactInfoRow {
     QStringList handles;
     QStringList companies; ///< of the contact's deals
 
-    void add(const ContactInfoRow& more); ///< of another contact that is the same person
+    void add(const ContactInfoRow& more); ///< of another contact of the same person
     bool operator==(const ContactInfoRow&) const = default;
 };
 
 ContactInfoRow fetchContactInfo(LocalDB& db, const QString& contactId);
 
-/// Something that happened with a contact.
+/// An activity of a contact.
 struct ActivityRow {
     enum class Kind { Message, Note, Call };
 
@@ -33,10 +33,10 @@ struct ActivityRow {
     bool operator==(const ActivityRow&) const = default;
 };
 
-/// Messages, notes and calls as one list, newest first.
+/// Messages, notes and calls in one list, newest first.
 QList<ActivityRow> fetchContactActivity(LocalDB& db, const QString& contactId, int limit);
 
-/// A durable fact that agents keep about a scope: "business", "owner", or "contact:{contact id}".
+/// A durable fact that agents store about a scope: "business", "owner", or "contact:{contact id}".
 struct MemoryEntry {
     QString id;
     QString body;
@@ -56,10 +56,10 @@ struct ScopedMemoryEntry {
     bool operator==(const ScopedMemoryEntry&) const = default;
 };
 
-/// Of every scope: business, owner, then the contacts by name; oldest first within a scope.
+/// Of all scopes: business, owner, then contacts by name; oldest first within a scope.
 QList<ScopedMemoryEntry> fetchAllMemoryEntries(LocalDB& db, int limit);
 
-/// An entry as it is stored, so that one that was forgotten can be kept after all.
+/// An entry as stored, so that it can be restored after it was forgotten.
 struct ForgottenMemory {
     QString id;
     QString scope;
@@ -67,7 +67,7 @@ struct ForgottenMemory {
     QString createdAt; ///< ISO 8601
 };
 
-/// The one row that is really deleted; nothing where there is none, or it could not be.
+/// Really deletes the row; nothing if there is none, or it could not be deleted.
 std::optional<ForgottenMemory> forgetMemoryEntry(LocalDB& db, const QString& id);
 bool keepMemoryEntry(LocalDB& db, const ForgottenMemory& entry);
 

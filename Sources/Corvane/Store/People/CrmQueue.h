@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// Queues a change made on this machine for the web. A further change of the same kind to the same row, while
-/// one is pending, replaces its payload and keeps its id.
+/// Queues a local change for the web. Another change of the same kind to the same row replaces the payload of a pending
+/// one and keeps its id.
 void recordCRMMutation(LocalDB& db, const QString& entityType, const QString& entityId, const QString& action,
     const QString& origin, const QJsonObject& payload);
 

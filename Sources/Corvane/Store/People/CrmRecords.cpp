@@ -256,7 +256,7 @@ qint64 dealValue(const QString& text)
         if ((character >= u'0' && character <= u'9') || character == u'.')
             number += character;
     }
-    const double value = std::trunc(number.toDouble() * multiplier); // 0 where it is no number
+    const double value = std::trunc(number.toDouble() * multiplier); // 0 if it is no number
     constexpr double beyond = 9223372036854775808.0;
     return value < beyond ? static_cast<qint64>(value) : std::numeric_limits<qint64>::max();
 }

@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-// Deals, tasks and notes of a contact, and what is told of them. Every change is queued for the web, too.
-// Times are milliseconds since the epoch. What adds a row returns its id, or nothing where it could not be saved.
+// Deals, tasks and notes of a contact. Every change is also queued for the web. Times are milliseconds since the epoch.
+// Functions that add a row return its id, or nothing if it could not be saved.
 
 struct NoteRow {
     QString id;
@@ -41,13 +41,13 @@ QList<CRMTaskRow> fetchContactTasks(LocalDB& db, const QString& contactId, DoneT
 std::optional<QString> insertCRMTask(LocalDB& db, const NewTask& task);
 std::optional<QString> insertCRMTask(LocalDB& db, const QString& contactId, const NewTask& task);
 bool completeCRMTask(LocalDB& db, const QString& id);
-bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status); ///< with the status that it had
+bool reopenCRMTask(LocalDB& db, const QString& id, const QString& status); ///< with its previous status
 
 struct CRMDealRow {
     QString id;
     QString name;
     QString stage;
-    QString value; ///< free text, as typed
+    QString value; ///< free text, as entered
     QString company;
     qint64 updatedAt = 0;
 };
@@ -84,13 +84,13 @@ struct CRMPipelineStageSummary {
     bool operator==(const CRMPipelineStageSummary&) const = default;
 };
 
-/// The stages in the order in which a deal passes them.
+/// The stages of the pipeline, in order.
 QStringList pipelineStages();
 
-/// Stages that have deals: those of the pipeline in their order, "Unstaged", then any others.
+/// Stages that have deals: those of the pipeline in order, "Unstaged", then any others.
 QList<CRMPipelineStageSummary> fetchCRMPipelineStageSummaries(LocalDB& db);
 
-/// The number that a free text tells: "$12.5k" is 12500; what is no number counts 0.
+/// The number in a free text: "$12.5k" is 12500; 0 if there is none.
 qint64 dealValue(const QString& text);
 
 }

@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// From the contact to the one at the end of its live merges; empty where there is no such end.
+/// From the contact to the one at the end of its live merges; empty if there is no such end.
 QStringList mergeChain(LocalDB& db, const QString& contact)
 {
     QStringList chain { contact };

@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-// What the push to the web reads and writes. Times are milliseconds since the epoch. The reads take any connection, so
-// that they can run away from the main thread.
+// Reads and writes for the push to the web. Times are milliseconds since the epoch. The reads take any connection, so
+// that they can run on a background thread.
 
-/// A conversation with something newer than its cursor.
+/// A conversation with messages newer than its cursor.
 struct CloudThread {
     QString conversationId;
     QString accountId; ///< the account's slug
@@ -36,13 +36,13 @@ struct CloudMessage {
     QString mediaType;
 };
 
-/// How far a conversation was pushed.
+/// How far a conversation has been pushed.
 struct CloudCursor {
     qint64 lastSyncedMs = 0;
     std::optional<QString> cloudChatId;
 };
 
-/// Messages of one conversation that a push passed over: those behind a message, up to a time.
+/// Messages of one conversation that a push skipped: those after a message, up to a time.
 struct LeftOutRange {
     QString conversationId;
     qint64 fromMs = 0;
@@ -50,31 +50,31 @@ struct LeftOutRange {
     qint64 toMs = 0;
 };
 
-/// A conversation that a push would take, and what of it.
+/// A conversation in the next push, and how much of it.
 struct DueThread {
     CloudThread thread;
     qint64 messages = 0; ///< newer than its cursor
-    qint64 oldestMs = 0; ///< of them; 0 where there are none
+    qint64 oldestMs = 0; ///< of them; 0 if there are none
 };
 
-/// What a push would take now.
+/// The content of the next push.
 struct PushReview {
-    QList<DueThread> threads; ///< of one run, newest first
-    qint64 waitingThreads = 0; ///< of later runs
+    QList<DueThread> threads; ///< in one run, newest first
+    qint64 waitingThreads = 0; ///< in later runs
     qint64 leftOutThreads = 0;
-    qint64 leftOutMessages = 0; ///< by earlier runs
+    qint64 leftOutMessages = 0; ///< skipped by earlier runs
 };
 
-/// A conversation, or every one of an account, that never leaves this machine.
+/// A conversation, or a whole account, that never leaves this machine.
 struct KeptLocal {
     QString conversationId; ///< empty for an account
-    QString accountId; ///< the account's slug; of a conversation, too
-    QString title; ///< of the conversation, else what its channel calls it; empty where it is gone
+    QString accountId; ///< the account's slug; set for a conversation, too
+    QString title; ///< of the conversation, else its channel address; empty if it is gone
 
     bool operator==(const KeptLocal&) const = default;
 };
 
-/// Newest first; what is kept local is not among them.
+/// Newest first, without what is kept local.
 QList<CloudThread> cloudThreadsToSync(SqlConnection& db, const QString& workspaceId, int limit);
 
 /// Ascending by time.
@@ -85,19 +85,19 @@ CloudCursor cloudCursor(SqlConnection& db, const QString& conversationId);
 
 PushReview fetchPushReview(SqlConnection& db, const QString& workspaceId, int limit);
 
-/// The conversation has to be there still, and not kept local.
+/// The conversation must still exist and must not be kept local.
 std::optional<CloudThread> cloudThread(SqlConnection& db, const QString& conversationId);
 QList<LeftOutRange> fetchLeftOut(SqlConnection& db, const QString& workspaceId);
 
-/// No `lastMessageId`: no message was pushed.
+/// Without `lastMessageId` no message was pushed.
 void storeCloudCursor(LocalDB& db, const QString& conversationId, const QString& cloudChatId, qint64 lastSyncedMs,
     const std::optional<QString>& lastMessageId);
 void storeLeftOut(LocalDB& db, const LeftOutRange& range);
 void removeLeftOut(LocalDB& db, const LeftOutRange& range);
 
-QStringList fetchCloudAccounts(SqlConnection& db); ///< the slugs of every account that a push may name
+QStringList fetchCloudAccounts(SqlConnection& db); ///< the slugs of all accounts that a push may include
 
-/// The next push begins at the first message again. What is kept local stays so.
+/// The next push starts with the first message again. What is kept local stays so.
 void forgetCloudCursors(LocalDB& db);
 
 void keepConversationLocal(LocalDB& db, const QString& conversationId);

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// How one source of the web mirror fares.
+/// The state of one source of the web mirror.
 struct SyncHealthRow {
     QString source;
     QString status;
@@ -19,20 +19,20 @@ struct SyncHealthRow {
 
 QList<SyncHealthRow> fetchSyncHealthRows(LocalDB& db);
 
-/// How one source fares from now on; `status` "running" begins a run, any other ends it.
+/// Updates the state of a source; `status` "running" starts a run, any other ends it.
 void recordSyncHealth(LocalDB& db, const SyncHealthRow& row);
 
-/// How far a source was pulled, and pushed.
+/// How far a source was pulled and pushed.
 struct SyncStateCursorRow {
     QString tableName;
     std::optional<qint64> lastPulled;
     std::optional<qint64> lastPushed;
 };
 
-/// Nothing where there is no such row, or no such table.
+/// Nothing if there is no such row or table.
 std::optional<SyncStateCursorRow> fetchSyncStateCursor(LocalDB& db, const QString& tableName);
 
-/// The tool server, as it told of itself.
+/// The tool server, as it registered itself.
 struct EngineInfoRow {
     QString version;
     std::optional<QString> gitSha;

@@ -11,7 +11,7 @@ struct CallRecordingRow {
     QString conversationId;
     QString title;
     qint64 startedAt = 0;
-    qint64 endedAt = 0; ///< 0 while it runs
+    qint64 endedAt = 0; ///< 0 while it is running
     qint64 durationMs = 0;
     QString audioPath;
     QString captureMode; ///< "mic_only" or "mic_and_system"
@@ -24,10 +24,10 @@ struct CallRecordingRow {
 
 QList<CallRecordingRow> recentCallRecordings(LocalDB& db, int limit); ///< newest first
 
-/// Those whose title, person, transcript or summary holds the text; all for an empty one. Newest first.
+/// Those whose title, person, transcript or summary contains the text; all for an empty text. Newest first.
 QList<CallRecordingRow> findCallRecordings(LocalDB& db, const QString& text, int limit);
 
-/// All that is known of one call.
+/// The details of one call.
 struct CallDetails {
     QString id;
     QString title;
@@ -37,13 +37,13 @@ struct CallDetails {
     qint64 endedAt = 0;
     qint64 durationMs = 0;
     QString micPath;
-    QString systemPath; ///< empty where the system's sound was not recorded
+    QString systemPath; ///< empty if the system's sound was not recorded
     QString captureMode;
     QString processingStatus;
     QString processingError;
     QString consentNote;
     QString transcript;
-    QString model; ///< what transcribed it
+    QString model; ///< the transcription model
     QString summary;
 
     bool operator==(const CallDetails&) const = default;
@@ -53,10 +53,10 @@ std::optional<CallDetails> fetchCall(LocalDB& db, const QString& id);
 
 QString transcriptText(LocalDB& db, const QString& callId);
 
-/// Calls whose sound is still there and that ended before the moment, with a transcript.
+/// Calls with sound and a transcript that ended before the given time.
 QList<CallDetails> callsWithSoundBefore(LocalDB& db, qint64 endedBeforeMs);
 
-/// Somebody whose name may be spoken of.
+/// A person whose name may be mentioned.
 struct NamedContact {
     QString id;
     QString name;
@@ -64,7 +64,7 @@ struct NamedContact {
 
 QList<NamedContact> namedContacts(LocalDB& db, int limit); ///< the most recently updated first
 
-/// The contact with that address, compared without case; empty where there is none.
+/// The contact with that e-mail address, ignoring case; empty if there is none.
 QString contactWithEmail(LocalDB& db, const QString& email);
 
 }

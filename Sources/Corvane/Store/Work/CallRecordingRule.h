@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// When calls are recorded by themselves: one row a workspace.
+/// Which calls are recorded automatically: one row per workspace.
 struct CallRecordingRuleRow {
     QString id = u"calendar-default"_s;
     QString scope = u"calendar_meetings"_s;
@@ -20,13 +20,13 @@ struct CallRecordingRuleRow {
     bool operator==(const CallRecordingRuleRow&) const = default;
 };
 
-/// The rule of the active workspace, which is made where there is none; nothing where it can't be read.
+/// The rule of the active workspace, created if missing; nothing if it can't be read.
 std::optional<CallRecordingRuleRow> fetchCallRecordingRule(LocalDB& db);
 
-/// The seconds are brought into 0 to 600. False where nothing is written.
+/// The seconds are clamped to 0 to 600. False if nothing was written.
 bool updateCallRecordingRule(LocalDB& db, const CallRecordingRuleRow& rule);
 
-/// What became of an event of the calendar.
+/// The recording state of a calendar event.
 struct CallAutoRecordStateRow {
     QString id; ///< "auto:{event id}"
     QString calendarEventId;
@@ -42,8 +42,7 @@ struct CallAutoRecordStateRow {
 
 std::optional<CallAutoRecordStateRow> callAutoRecordState(LocalDB& db, const QString& eventId);
 
-/// Writes it under the event's id; an empty call or program leaves the one that is known. False where nothing is
-/// written.
+/// Stored under the event's id; an empty call or program keeps the known one. False if nothing was written.
 bool upsertCallAutoRecordState(LocalDB& db, const CallAutoRecordStateRow& state);
 
 }

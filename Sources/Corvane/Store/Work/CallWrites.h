@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-// What the recorder writes. Each returns false, and logs, where nothing was written.
+// Writes of the recorder. Each returns false, and logs, if nothing was written.
 
-/// A call that begins; its paths are absolute.
+/// A new call; its paths are absolute.
 struct NewCall {
     QString id;
     QString calendarEventId;
@@ -18,7 +18,7 @@ struct NewCall {
     QString captureBackend;
     QString captureMode;
     qint64 startedAtMs = 0;
-    QString audioPath; ///< what is transcribed first
+    QString audioPath; ///< the file that is transcribed first
     QString micPath;
     QString systemPath;
     bool consentRequired = true;
@@ -32,7 +32,7 @@ bool endCall(LocalDB& db, const QString& id, qint64 startedAtMs, qint64 endedAtM
 bool updateCallProcessing(
     LocalDB& db, const QString& id, const QString& status, const std::optional<QString>& error = std::nullopt);
 
-/// The whole text of a call, in place of an earlier one.
+/// The full text of a call; replaces an earlier one.
 struct NewTranscript {
     QString callId;
     QString captureMode; ///< of what was transcribed
@@ -45,7 +45,7 @@ bool replaceCallTranscript(LocalDB& db, const NewTranscript& transcript);
 bool storeCallSummary(
     LocalDB& db, const QString& callId, const QString& summary, const QString& model, const QStringList& warnings);
 
-/// A change to the CRM that a call proposes. One of that id that was decided already stays as it is.
+/// A change to the CRM that a call proposes. An already decided proposal with that id is left alone.
 struct NewCallProposal {
     QString id;
     QString callId;
@@ -58,10 +58,10 @@ struct NewCallProposal {
 
 bool upsertCallProposal(LocalDB& db, const NewCallProposal& proposal);
 
-QString callContact(LocalDB& db, const QString& callId); ///< empty where none is linked
+QString callContact(LocalDB& db, const QString& callId); ///< empty if none is linked
 
 bool renameCall(LocalDB& db, const QString& id, const QString& title);
-bool linkCall(LocalDB& db, const QString& id, const QString& contactId); ///< and what it proposes and is not decided
-bool deleteCall(LocalDB& db, const QString& id); ///< what it proposed and is not decided is rejected
+bool linkCall(LocalDB& db, const QString& id, const QString& contactId); ///< and its undecided proposals
+bool deleteCall(LocalDB& db, const QString& id); ///< its undecided proposals are rejected
 
 }

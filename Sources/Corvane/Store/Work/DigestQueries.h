@@ -4,25 +4,25 @@
 
 namespace corvane {
 
-/// The day at a glance; what comes from a table that is missing is 0 or nothing.
+/// Today's figures; values from missing tables are 0 or absent.
 struct TodayDigest {
-    int meetingsToday = 0; ///< without those that last all day
+    int meetingsToday = 0; ///< without all-day events
     std::optional<QString> nextMeetingTitle;
-    int openWorkItems = 0; ///< of every module; all that are not done, closed or rejected
+    int openWorkItems = 0; ///< of all modules; all that are not done, closed or rejected
     int agentActionsToday = 0;
     std::optional<QString> latestUpdate; ///< of today
 
     bool operator==(const TodayDigest&) const = default;
 };
 
-/// The day is [dayStartMs, dayEndMs), and `dayStartISO` the same start as `isoTime` writes it.
+/// The day is [dayStartMs, dayEndMs); `dayStartISO` is its start in the format of `isoTime`.
 TodayDigest todayDigest(LocalDB& db, qint64 dayStartMs, qint64 dayEndMs, const QString& dayStartISO);
 
-bool hasCalendar(LocalDB& db); ///< some calendar was mirrored: a day without meetings says something
+bool hasCalendar(LocalDB& db); ///< a calendar was mirrored: a day without meetings is meaningful
 
 struct InboxGlanceRow {
     QString conversationId;
-    QString contactId; ///< empty where the conversation has no contact
+    QString contactId; ///< empty if the conversation has no contact
     QString title;
     QString channel;
     QString snippet; ///< body of the newest message

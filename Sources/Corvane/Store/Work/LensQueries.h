@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-// People and deals as the hubs of a module look at them. Times are milliseconds since the epoch.
+// People and deals as the module hubs show them. Times are milliseconds since the epoch.
 
 struct DealLensRow {
     QString id;
@@ -15,16 +15,16 @@ struct DealLensRow {
     QString name;
     QString company;
     QString stage;
-    QString value; ///< free text, as typed
+    QString value; ///< free text, as entered
     qint64 updatedAt = 0;
-    qint64 touchedAt = 0; ///< when a message was last exchanged with the person; 0 for never
+    qint64 touchedAt = 0; ///< the last message with the person; 0 for none
 
     bool operator==(const DealLensRow&) const = default;
 };
 
-QList<DealLensRow> fetchDealLens(LocalDB& db, int limit); ///< the last changed first
+QList<DealLensRow> fetchDealLens(LocalDB& db, int limit); ///< last changed first
 
-/// Somebody who wrote last and was not answered.
+/// A person who wrote last and got no answer.
 struct WaitingPerson {
     QString contactId;
     QString name;
@@ -35,7 +35,8 @@ struct WaitingPerson {
     bool operator==(const WaitingPerson&) const = default;
 };
 
-/// No groups, nobody muted or archived, nobody silent since `notBeforeMs`. Longest waiting first.
+/// Without groups, muted and archived people, and people whose last message is before `notBeforeMs`. Longest waiting
+/// first.
 QList<WaitingPerson> fetchWaitingPeople(LocalDB& db, qint64 notBeforeMs, int limit);
 
 }

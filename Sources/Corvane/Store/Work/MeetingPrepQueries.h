@@ -4,13 +4,13 @@
 
 namespace corvane {
 
-/// A brief that was made for an event.
+/// The generated brief of an event.
 struct MeetingPrepCacheRow {
     QString eventId;
     QString title;
     QString rawBrief;
     QString aiSummary;
-    QString model; ///< who made the summary
+    QString model; ///< the model of the summary
     qint64 generatedAt = 0; ///< milliseconds since the epoch
 
     bool operator==(const MeetingPrepCacheRow&) const = default;
@@ -18,10 +18,10 @@ struct MeetingPrepCacheRow {
 
 std::optional<MeetingPrepCacheRow> fetchMeetingPrepCache(LocalDB& db, const QString& eventId);
 
-/// In place of the event's brief before; false where the table is not there or takes nothing.
+/// Replaces the event's earlier brief; false if the table is missing or cannot be written.
 bool storeMeetingPrep(LocalDB& db, const MeetingPrepCacheRow& row);
 
-/// What is known here of somebody who takes part.
+/// What is known locally about a participant.
 struct AttendeeBrief {
     QString contactId;
     QString name;
@@ -33,15 +33,15 @@ struct AttendeeBrief {
     bool operator==(const AttendeeBrief&) const = default;
 };
 
-/// The contact of that address, else of that name; nothing where there is none.
+/// The contact with that address, else with that name; nothing if there is none.
 std::optional<QString> attendeeContact(LocalDB& db, const QString& email, const QString& name);
 std::optional<AttendeeBrief> meetingBrief(LocalDB& db, const QString& email, const QString& name);
 
-/// Asks a person whether something is to be sent after the meeting: once for an event. The id of the decision, or
-/// nothing where there is none and none could be made.
+/// Asks the user whether something should be sent after the meeting, once per event. Returns the decision's id, or
+/// nothing if there is none and none could be created.
 std::optional<QString> proposeOutboundReview(
     LocalDB& db, const QString& eventId, const QString& title, const QString& summary);
 
-QString outboundReviewId(const QString& eventId); ///< of that decision
+QString outboundReviewId(const QString& eventId); ///< the id of that decision
 
 }

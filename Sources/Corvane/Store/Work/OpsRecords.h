@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-// Projects, and what the agents in their terminals report: updates, questions that wait for an answer, orders that wait
-// for an agent. Other programs write these tables, too. Times are ISO 8601 text.
+// Projects, and what the agents in their terminals report: updates, questions to the user, orders to an agent. Other
+// programs write these tables, too. Times are ISO 8601 text.
 
 struct OpsProjectRow {
     QString id;
@@ -13,7 +13,7 @@ struct OpsProjectRow {
     QString name;
     QString goal;
     QString status;
-    int priority = 3; ///< lower first
+    int priority = 3; ///< lower is more important
     QString category;
     QString controlDir;
     QString repoPath;
@@ -22,7 +22,7 @@ struct OpsProjectRow {
     int liveTabs = 0;
     int downTabs = 0;
     int openAsks = 0;
-    QString latestKind; ///< of the newest update; empty without one
+    QString latestKind; ///< of the newest update; empty if there is none
     QString latestBody;
     QString latestAt;
 
@@ -42,7 +42,7 @@ struct OpsTabRow {
     int intervalSec = 600;
     QString heartbeatAt;
     QString currentTask;
-    std::optional<int> staleSec; ///< none where the heartbeat cannot be read
+    std::optional<int> staleSec; ///< none if the heartbeat cannot be parsed
     bool isLive = false;
 
     bool operator==(const OpsTabRow&) const = default;
@@ -59,7 +59,7 @@ struct OpsUpdateRow {
     bool operator==(const OpsUpdateRow&) const = default;
 };
 
-/// A question, "open" until somebody answers it.
+/// A question, "open" until it is answered.
 struct OpsAskRow {
     QString id;
     QString projectId;
@@ -78,40 +78,40 @@ struct OpsAskRow {
 
 struct Liveness {
     std::optional<int> staleSec; ///< seconds since the heartbeat, never below 0
-    bool isLive = false; ///< heard of within two intervals, of at least 30 seconds each
+    bool isLive = false; ///< its heartbeat is at most two intervals old, of at least 30 seconds each
 };
 Liveness opsTabLiveness(const QString& heartbeatAt, int intervalSec, qint64 nowMs);
 
-/// Milliseconds since the epoch; nothing for what is no ISO 8601 time.
+/// Milliseconds since the epoch; nothing if it is not an ISO 8601 time.
 std::optional<qint64> parsedIsoTime(const QString& text);
 
-QList<OpsProjectRow> fetchOpsProjects(LocalDB& db); ///< by priority, the last changed first
+QList<OpsProjectRow> fetchOpsProjects(LocalDB& db); ///< by priority, last changed first
 
-using OpsProjectId = std::optional<QString>; ///< none: of every project
+using OpsProjectId = std::optional<QString>; ///< none: all projects
 
 QList<OpsTabRow> fetchOpsTabs(LocalDB& db, const OpsProjectId& project); ///< newest first
 QList<OpsUpdateRow> fetchOpsUpdates(LocalDB& db, const OpsProjectId& project, int limit); ///< newest first
 
 enum class AnsweredAsks { Leave, Include };
 
-/// Open ones first, by urgency, the newest first.
+/// Open ones first, by urgency, newest first.
 QList<OpsAskRow> fetchOpsAsks(LocalDB& db, const OpsProjectId& project, AnsweredAsks answered, int limit);
 std::optional<OpsAskRow> fetchOpsAsk(LocalDB& db, const QString& id);
 int openUrgentAsks(LocalDB& db); ///< of urgency "high"
 
 struct NewOpsAsk {
-    OpsProjectId project = {}; ///< else the one with the slug, else none
+    OpsProjectId project = {}; ///< if absent: the one with the slug, else none
     std::optional<QString> tab = {};
     QString projectSlug = {};
-    QString question; ///< a blank one is refused
+    QString question; ///< must not be blank
     QString urgency;
 };
 
-// Nothing, or false, where the row was not saved.
+// Nothing, or false, if the row was not saved.
 std::optional<OpsAskRow> createOpsAsk(LocalDB& db, const NewOpsAsk& ask);
 std::optional<OpsAskRow> answerOpsAsk(LocalDB& db, const QString& id, const QString& answer, const QString& answeredBy);
 
-/// An order is a message that waits until the tab's own agent picks it up.
+/// An order is a message that waits until the tab's agent picks it up.
 bool createOpsOrder(LocalDB& db, const QString& projectId, const QString& targetTabId, const QString& body,
     const std::optional<QString>& fromId);
 

@@ -7,24 +7,24 @@
 
 namespace corvane {
 
-/// Which items of a module a board shows; an empty text leaves nothing out.
+/// Which items of a module a board shows; empty values do not filter.
 struct WorkItemFilter {
     QString module;
     WorkContextId context;
     QString owner = {};
     QString priority = {};
     QString kind = {};
-    QString words = {}; ///< in the title or the summary, without case
-    QStringList kindSigns = {}; ///< its kind holds one of them; none: any kind
-    bool otherKinds = false; ///< turns `kindSigns` round
-    QStringList textSigns = {}; ///< its kind, title or summary holds one of them
+    QString words = {}; ///< in the title or the summary, ignoring case
+    QStringList kindSigns = {}; ///< its kind contains one of them; none: any kind
+    bool otherKinds = false; ///< inverts `kindSigns`
+    QStringList textSigns = {}; ///< its kind, title or summary contains one of them
 };
 
-bool isFinishedStatus(const QString& status); ///< done, closed or rejected, without case
+bool isFinishedStatus(const QString& status); ///< done, closed or rejected, ignoring case
 
 enum class WorkItems { Open, Finished };
 
-/// By priority, the last changed first. Summaries are cut after a few hundred characters.
+/// By priority, last changed first. Summaries are cut after a few hundred characters.
 QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const WorkItemFilter& filter, WorkItems which, int limit);
 
 struct WorkStatusCount {
@@ -33,7 +33,7 @@ struct WorkStatusCount {
 };
 QList<WorkStatusCount> countWorkItems(LocalDB& db, const WorkItemFilter& filter);
 
-/// The words that a module's items hold, for the choices of the filters; each sorted, without empty ones.
+/// The values that a module's items have, as choices for the filters; sorted, without empty ones.
 struct WorkItemWords {
     QStringList owners;
     QStringList priorities;
@@ -43,7 +43,7 @@ struct WorkItemWords {
 };
 WorkItemWords workItemWords(LocalDB& db, const QString& module, const WorkContextId& context);
 
-/// How much there is, asked of the tables and not of what is shown.
+/// Totals of the tables, independent of what is shown.
 struct WorkCounts {
     int contexts = 0;
     int openItems = 0; ///< neither done nor closed nor rejected
@@ -56,16 +56,16 @@ struct WorkCounts {
 };
 WorkCounts countWork(LocalDB& db, const QString& module, const WorkContextId& context);
 
-QHash<QString, int> waitingDecisionsByContext(LocalDB& db, const QString& module); ///< those that have any
+QHash<QString, int> waitingDecisionsByContext(LocalDB& db, const QString& module); ///< only contexts that have any
 QStringList titlesOfWaitingDecisions(LocalDB& db, const QString& module, const WorkContextId& context);
 
-/// Something that happened: a decision, evidence or a message.
+/// An event: a decision, evidence or a message.
 struct WorkEvent {
     QString kind; ///< "decision", "evidence" or "message"
     QString id; ///< of the row
     QString title;
     QString status; ///< of a decision
-    QString by; ///< who spoke, decided, or where it comes from
+    QString by; ///< the speaker, the decider, or the source
     QString detail; ///< cut after some thousand characters
     QString at; ///< when it was made
     QString changedAt; ///< of a decision
@@ -74,16 +74,16 @@ struct WorkEvent {
     bool operator==(const WorkEvent&) const = default;
 };
 
-/// Of a context, or of a module: the newest `limit` of each kind, by time, oldest first.
+/// Of a context, or of a module: the newest `limit` of each kind, oldest first.
 QList<WorkEvent> fetchWorkEvents(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 
-/// What is linked to an item: evidence by its id, decisions that review it, and whatever names the id.
+/// What is linked to an item: evidence by its id, decisions that review it, and anything that mentions the id.
 QList<WorkEvent> fetchItemEvents(LocalDB& db, const WorkItemRecord& item, int limit);
 
-/// The newest words of a speaker in a module; empty where there are none.
+/// The last message of a speaker in a module; empty if there is none.
 QString lastWordsOf(LocalDB& db, const QString& module, const QString& speaker);
 
-/// A row that a search found.
+/// A search result.
 struct WorkHit {
     QString kind; ///< "context", "item", "decision", "ask" or "project"
     QString id;
@@ -95,7 +95,7 @@ struct WorkHit {
     bool operator==(const WorkHit&) const = default;
 };
 
-/// At most `limit` of each kind, the last changed first.
+/// At most `limit` of each kind, last changed first.
 QList<WorkHit> findWork(LocalDB& db, const QString& words, int limit);
 
 }

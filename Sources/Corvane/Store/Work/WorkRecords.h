@@ -4,9 +4,9 @@
 
 namespace corvane {
 
-// What people, agents and the program have noted of a piece of work. Other processes make these tables and write
-// them, too: a table that is missing, or lacks a column, reads as empty, asked anew at each call, and a word of
-// theirs that is not ours passes as it stands. `module` is lower case; times are ISO 8601 text.
+// The records of people, agents and the program about a piece of work. Other processes create and write these tables,
+// too: a missing table or column reads as empty, checked at each call, and unknown words are passed through. `module`
+// is lower case; times are ISO 8601 text.
 
 struct WorkContextRow {
     QString id;
@@ -28,7 +28,7 @@ struct WorkContextRow {
 
 struct WorkItemRecord {
     QString id;
-    QString contextId = {}; ///< empty where there is none, as in the records below
+    QString contextId = {}; ///< empty if there is none, as in the records below
     QString module;
     QString kind;
     QString title;
@@ -42,7 +42,7 @@ struct WorkItemRecord {
     bool operator==(const WorkItemRecord&) const = default;
 };
 
-/// An action that is held for a person.
+/// An action that waits for the user.
 struct WorkDecisionRecord {
     QString id;
     QString contextId = {};
@@ -128,22 +128,22 @@ struct WorkMemoryRecord {
     bool operator==(const WorkMemoryRecord&) const = default;
 };
 
-/// One context, or nothing for every context of the module.
+/// One context, or nothing for all contexts of the module.
 using WorkContextId = std::optional<QString>;
 
-QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit); ///< last touched first
+QList<WorkContextRow> fetchWorkContexts(LocalDB& db, const QString& module, int limit); ///< last used first
 std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& id);
 std::optional<WorkContextRow> fetchWorkContext(LocalDB& db, const QString& module, const QString& slug);
 
-/// By priority: high, normal, the rest; the last changed first.
+/// By priority: high, normal, the rest; last changed first.
 QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 std::optional<WorkItemRecord> fetchWorkItem(LocalDB& db, const QString& id);
 
-/// By risk: money, credential, external, high, the rest; the last changed first.
+/// By risk: money, credential, external, high, the rest; last changed first.
 QList<WorkDecisionRecord> fetchWorkDecisions(
     LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 QList<WorkDecisionRecord> fetchPendingWorkDecisions(LocalDB& db, int limit); ///< of all modules, in the same order
-std::optional<WorkDecisionRecord> fetchWorkDecision(LocalDB& db, const QString& id); ///< as it stands now
+std::optional<WorkDecisionRecord> fetchWorkDecision(LocalDB& db, const QString& id); ///< the current row
 
 QList<WorkEvidenceRecord> fetchWorkEvidence( ///< newest first
     LocalDB& db, const QString& module, const WorkContextId& context, int limit);
@@ -159,12 +159,12 @@ QList<WorkSessionRecord> fetchWorkSessions( ///< last changed first
     LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 QList<WorkAgentRecord> fetchWorkAgents( ///< last changed first
     LocalDB& db, const QString& module, const WorkContextId& context, int limit);
-QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit); ///< of all modules: live ones, then the last heard of
+QList<WorkAgentRecord> fetchAgentRoster(LocalDB& db, int limit); ///< of all modules: live ones, then by last heartbeat
 
-/// Proposed, approved, the rest; the last changed first.
+/// Proposed, approved, the rest; last changed first.
 QList<WorkMemoryRecord> fetchWorkMemory(LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 
-// Of every module, in the orders above.
+// Of all modules, in the orders above.
 QList<WorkMemoryRecord> fetchMemoryOfAllModules(LocalDB& db, int limit);
 QList<WorkEvidenceRecord> fetchEvidenceOfKind(LocalDB& db, const QString& kind, int limit);
 QList<WorkSessionRecord> fetchSessionsOfAllModules(LocalDB& db, int limit);

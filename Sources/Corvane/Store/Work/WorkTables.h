@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-// The tables of the work records: their columns, also those that are only written.
+// The tables of the work records: their columns, including those that are only written.
 
 inline const Table<WorkContextRow> workContexts("work_context c",
     {

@@ -4,15 +4,15 @@
 
 namespace corvane {
 
-// What the program notes in the work records. Nothing here carries anything out: a decision only records that an
-// action is held for a person. A row counts as saved when it can be read back, which is what each insert returns;
-// nothing is returned where the table is missing, refuses the row, or another process replaced it meanwhile.
-// A write that concerns a context moves it to the head of the list of contexts.
+// Writes to the work records. Nothing is executed here: a decision only records that an action waits for the user. A
+// row counts as saved when it can be read back, which each insert returns; it returns nothing if the table is missing,
+// refuses the row, or another process replaced it meanwhile. A write in a context moves it to the top of the list of
+// contexts.
 
 struct NewWorkContext {
     QString module;
     QString kind;
-    QString slug; ///< with the module the key: a second save changes the text and keeps the first one's id
+    QString slug; ///< unique per module: a second save updates the text and keeps the id
     QString title;
     QString subtitle;
     QString owner;
@@ -63,7 +63,7 @@ struct NewWorkMessage {
     QString speaker;
     QString role;
     QString kind;
-    QString body; ///< one that is only white space is refused
+    QString body; ///< must not be blank
 };
 
 std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMessage& message);
@@ -105,17 +105,17 @@ struct NewWorkMemory {
 
 std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemory& memory); ///< "proposed"
 
-// False where there is no such row, or the id or the status is blank.
+// False if there is no such row, or the id or the status is blank.
 bool updateWorkItemStatus(LocalDB& db, const QString& id, const QString& status);
 
 enum class WorkItemSaved { Saved, Changed, Failed };
 
-/// Writes what a person edited, if the row still is as they saw it. A blank status is refused.
+/// Saves the user's edits if the row is still as they saw it. A blank status is refused.
 WorkItemSaved updateWorkItem(LocalDB& db, const WorkItemRecord& seen, const WorkItemRecord& wanted);
 
 bool updateWorkDecisionStatus(LocalDB& db, const QString& id, const QString& status, const QString& decidedBy);
 
-/// An approval is the moment of the memory's verification; any other word clears it.
+/// Approving a memory sets its verification time; any other status clears it.
 bool updateWorkMemoryStatus(LocalDB& db, const QString& id, const QString& status, const QString& owner);
 
 }

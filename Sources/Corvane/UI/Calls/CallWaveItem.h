@@ -7,14 +7,14 @@
 
 namespace corvane {
 
-/// How loud both sides of a call are from its start to its end: the microphone above the axis, the meeting below it.
+/// The waveform of a call: the microphone above the axis, the other side below it.
 class CallWaveItem : public QQuickPaintedItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(CallWave)
     Q_PROPERTY(QList<float> above MEMBER m_above NOTIFY lookChanged) ///< from 0 to 1
-    Q_PROPERTY(QList<float> below MEMBER m_below NOTIFY lookChanged) ///< empty: the upper ones are mirrored
+    Q_PROPERTY(QList<float> below MEMBER m_below NOTIFY lookChanged) ///< empty: mirrors the upper ones
     Q_PROPERTY(QList<double> marks MEMBER m_marks NOTIFY lookChanged) ///< from 0 to 1
-    Q_PROPERTY(qreal progress MEMBER m_progress NOTIFY lookChanged) ///< from 0 to 1: so much is in the accent's colour
+    Q_PROPERTY(qreal progress MEMBER m_progress NOTIFY lookChanged) ///< from 0 to 1: the accented part
     Q_PROPERTY(QColor ink MEMBER m_ink NOTIFY lookChanged)
     Q_PROPERTY(QColor accent MEMBER m_accent NOTIFY lookChanged)
     Q_PROPERTY(QColor markInk MEMBER m_markInk NOTIFY lookChanged)

@@ -49,7 +49,7 @@ struct CommandRowType {
     QML_VALUE_TYPE(commandRow)
 };
 
-/// The one table of the program, which the window hands to its engine.
+/// The program's only table, which the window passes to its engine.
 struct CommandsType {
     Q_GADGET
     QML_FOREIGN(corvane::Commands)

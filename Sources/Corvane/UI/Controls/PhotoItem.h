@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A picture from outside, read away from the program, with round corners. Its height is given; where `mostWidth` is
+/// An untrusted picture, decoded in another process, with rounded corners. Its height is fixed; if `mostWidth` is set,
 /// too, `implicitWidth` follows the picture's ratio between the two widths, otherwise the picture fills the item.
 class PhotoItem : public QQuickItem {
     Q_OBJECT
@@ -18,7 +18,7 @@ class PhotoItem : public QQuickItem {
     Q_PROPERTY(qreal leastWidth MEMBER m_leastWidth NOTIFY shapeChanged)
     Q_PROPERTY(qreal mostWidth MEMBER m_mostWidth NOTIFY shapeChanged)
     Q_PROPERTY(bool ready READ ready NOTIFY statusChanged)
-    Q_PROPERTY(QString problem READ problem NOTIFY statusChanged) ///< why there is no picture, in words; empty for none
+    Q_PROPERTY(QString problem READ problem NOTIFY statusChanged) ///< why there is no picture; empty for none
 public:
     explicit PhotoItem(QQuickItem* parent = nullptr);
 
@@ -49,11 +49,11 @@ private:
     qreal m_radius = 0;
     qreal m_leastWidth = 0;
     qreal m_mostWidth = 0;
-    double m_ratio = 1; ///< pixels of the screen to a pixel of the item
+    double m_ratio = 1; ///< the device pixel ratio
     QString m_askedPath;
     PictureBox m_askedBox;
     MediaDecoder::Handle m_request;
-    QImage m_picture; ///< in the pixels of the screen
+    QImage m_picture; ///< in device pixels
     QString m_problem;
     bool m_isTextureOld = false;
 };

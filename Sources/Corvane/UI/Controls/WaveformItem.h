@@ -8,16 +8,16 @@
 
 namespace corvane {
 
-/// How loud a file of sound is from its start to its end, and how long, before it is played.
+/// The waveform and the length of a sound file, before it is played.
 class WaveformItem : public QQuickPaintedItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(Waveform)
     Q_PROPERTY(QString path READ path WRITE setPath NOTIFY pathChanged)
-    Q_PROPERTY(qreal progress MEMBER m_progress NOTIFY lookChanged) ///< from 0 to 1: so much is in the accent's colour
+    Q_PROPERTY(qreal progress MEMBER m_progress NOTIFY lookChanged) ///< from 0 to 1: the accented part
     Q_PROPERTY(QColor ink MEMBER m_ink NOTIFY lookChanged)
     Q_PROPERTY(QColor accent MEMBER m_accent NOTIFY lookChanged)
-    Q_PROPERTY(QString durationText READ durationText NOTIFY statusChanged) ///< "1:20"; empty while not known
-    Q_PROPERTY(QString problem READ problem NOTIFY statusChanged) ///< why it can't be played, in words; empty for none
+    Q_PROPERTY(QString durationText READ durationText NOTIFY statusChanged) ///< "1:20"; empty if unknown
+    Q_PROPERTY(QString problem READ problem NOTIFY statusChanged) ///< why it can't be played; empty for none
 public:
     explicit WaveformItem(QQuickItem* parent = nullptr);
 

@@ -8,7 +8,7 @@ namespace corvane {
 
 class UserDefaults;
 
-/// The width of the panes, which of their sections are open, and the size of the window: all of it remembered.
+/// The pane widths, the open sections and the window size; all are remembered.
 class WindowLayout : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -19,17 +19,17 @@ public:
     /// The defaults outlive the object.
     explicit WindowLayout(UserDefaults& defaults, QObject* parent = nullptr);
 
-    /// In pixels, held within what each pane needs.
+    /// In pixels, clamped to the limits of each pane.
     int listWidth() const;
     void setListWidth(int width);
     int contactWidth() const;
     void setContactWidth(int width);
 
-    /// Whether a section of the contact pane is open ("identity", "info", "actions"); open at first.
+    /// Whether a section of the contact pane is open ("identity", "info", "actions"); open by default.
     Q_INVOKABLE bool sectionOpen(const QString& section) const;
     Q_INVOKABLE void setSectionOpen(const QString& section, bool open);
 
-    /// A remembered size below 1100 x 700, or none, gives 1320 x 820; never more than there is room for.
+    /// 1320 x 820 if the remembered size is missing or below 1100 x 700; never larger than the screen.
     QSize windowSize(const QSize& available) const;
     bool hasWindowSize() const; ///< false until a window was closed
     void setWindowSize(const QSize& size);

@@ -7,12 +7,12 @@
 
 namespace corvane {
 
-/// What the screens ask of the desktop at the press of a button, and cannot say in QML.
+/// Functions of the desktop that QML lacks.
 class WindowTools : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
-    /// Whether the person last pressed a key rather than a button of the mouse: then the keyboard's place shows.
+    /// Whether the last input was a key rather than a mouse button: then the keyboard focus is shown.
     Q_PROPERTY(bool lastInputWasKey READ lastInputWasKey NOTIFY lastInputWasKeyChanged)
 public:
     explicit WindowTools(QObject* parent = nullptr);
@@ -21,14 +21,14 @@ public:
 
     Q_INVOKABLE void copy(const QString& text) const; ///< to the clipboard
 
-    // What the clipboard holds besides text: files of this machine, or a picture with no text beside it, as PNG.
+    // Other content of the clipboard: local files, or a picture without text, as PNG.
     Q_INVOKABLE bool clipboardHoldsFiles() const;
     Q_INVOKABLE QList<QUrl> clipboardFiles() const;
     Q_INVOKABLE QByteArray clipboardPicture() const;
 
-    Q_INVOKABLE void open(const QString& path) const; ///< a file, in the program that the desktop has for it
+    Q_INVOKABLE void open(const QString& path) const; ///< a file, in the desktop's default program
 
-    /// Says the item's accessible name when the reader has a moment, without moving the focus.
+    /// Makes the screen reader say the item's accessible name when idle, without moving the focus.
     Q_INVOKABLE void announce(QQuickItem* item) const;
 
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -74,7 +74,7 @@ ListView {
 
     // Where rows come or go above what is being read, that stays in its place. A page of them comes in parts, so what
     // was read before the first is held until the person moves on.
-    property string anchorId ///< empty where nothing is held
+    property string anchorId ///< empty if nothing is held
     property real anchorY
     property bool holding: false
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// How far a message got, as ticks; nothing where there are none to show.
+/// How far a message got, as ticks; nothing if there are none to show.
 Icon {
     required property string ticks
 

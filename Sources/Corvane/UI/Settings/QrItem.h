@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// Draws a text as a QR code, in whole pixels so that a camera reads it well. A text that is too long for one
-/// draws nothing, and `valid` is false.
+/// Draws a text as a QR code, in whole pixels for cameras. If the text is too long for one, it draws nothing and
+/// `valid` is false.
 class QrItem : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
@@ -33,7 +33,7 @@ Q_SIGNALS:
 private:
     QString m_text;
     QColor m_ink;
-    QImage m_modules; ///< one pixel a module, one bit deep; null where there is nothing to draw
+    QImage m_modules; ///< one pixel per module, one bit deep; null if there is nothing to draw
 };
 
 }

@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// Is the character one that must meet its neighbours without a seam: lines, blocks, Braille, sextants, Powerline's
-/// arrows? These are drawn here and not taken from a font.
+/// Whether the character must join its neighbours seamlessly: lines, blocks, Braille, sextants, Powerline arrows. These
+/// are drawn here instead of with a font.
 bool isBoxDrawing(char32_t character);
 
 /// Draws it in the painter's pen colour into a cell of that size at (0, 0).

@@ -6,7 +6,7 @@ namespace corvane {
 
 class TerminalItem;
 
-/// A terminal as a reader finds it: its rows as a text with a cursor.
+/// A terminal for screen readers: its rows as a text with a cursor.
 class TerminalAccessible final : public QAccessibleObject, public QAccessibleTextInterface {
 public:
     explicit TerminalAccessible(TerminalItem* item);
@@ -39,7 +39,7 @@ private:
     TerminalItem& item() const;
 };
 
-/// Once is enough; more does nothing.
+/// Further calls have no effect.
 void installTerminalAccessibility();
 
 }

@@ -9,16 +9,16 @@
 
 namespace corvane {
 
-/// One character or cluster as it is drawn, in device pixels. The picture is as high as a cell and may stand out of its
-/// cell by `margin` on both sides.
+/// A character or cluster as drawn, in device pixels. The picture has the height of a cell and may exceed it by
+/// `margin` on both sides.
 struct TerminalGlyph {
-    int width = 0; ///< 0 where there is nothing to draw
+    int width = 0; ///< 0 if there is nothing to draw
     int margin = 0;
-    std::vector<uint8_t> mask; ///< how much of each pixel the ink covers
-    QImage picture; ///< premultiplied, in place of the mask: an emoji in its colours
+    std::vector<uint8_t> mask; ///< the coverage of each pixel
+    QImage picture; ///< premultiplied, instead of the mask: a colour emoji
 };
 
-/// The characters of one font and size, drawn once each.
+/// The glyphs of one font and size, rendered once each.
 class TerminalGlyphs {
 public:
     /// `pixelSize` in device pixels.
@@ -31,7 +31,7 @@ public:
     const QFont& font() const { return m_fonts[0]; }
 
     enum Face { Regular, Bold, Italic, BoldItalic };
-    /// `cells` is how many it takes up.
+    /// `cells` is its width in cells.
     const TerminalGlyph& glyph(char32_t character, int cells, Face face);
     const TerminalGlyph& cluster(std::u32string_view text, int cells, Face face);
 
@@ -47,10 +47,10 @@ private:
     int m_ascent = 0;
     int m_lineWidth = 1;
     std::unique_ptr<TerminalGlyph> m_plain[4][plainCount]; ///< narrow ones
-    std::unordered_map<std::u32string, TerminalGlyph> m_glyphs; ///< face and cells stand before the text
+    std::unordered_map<std::u32string, TerminalGlyph> m_glyphs; ///< keyed by face, cells and text
 };
 
-/// The desktop's font of fixed width, or one that is one.
+/// The desktop's monospace font, or another one.
 QString terminalFontFamily();
 
 }

@@ -9,24 +9,24 @@
 
 namespace corvane {
 
-/// Draws a terminal and takes its keys, mouse and input method. Rows that changed are painted into pictures on the main
-/// thread; rows that only moved keep theirs. Nothing is done while nothing changes, or while it is not seen.
+/// Draws a terminal and handles its keyboard, mouse and input method. Changed rows are painted into images on the main
+/// thread; rows that only moved keep theirs. It is idle while nothing changes, or while it is not visible.
 class TerminalItem : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(corvane::LumoTerminalSession* session READ session WRITE setSession NOTIFY sessionChanged)
     Q_PROPERTY(int fontSize READ fontSize WRITE setFontSize NOTIFY fontSizeChanged)
-    /// Sixteen colours, then text, ground and cursor.
+    /// Sixteen colours, then text, background and cursor.
     Q_PROPERTY(QVariantList colors READ colors WRITE setColors NOTIFY colorsChanged)
     Q_PROPERTY(bool dark READ dark WRITE setDark NOTIFY colorsChanged)
     Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY colorsChanged)
     Q_PROPERTY(QColor matchColor MEMBER m_matchColor NOTIFY colorsChanged)
-    Q_PROPERTY(bool cursorOn READ cursorOn WRITE setCursorOn NOTIFY cursorOnChanged) ///< for one that blinks
+    Q_PROPERTY(bool cursorOn READ cursorOn WRITE setCursorOn NOTIFY cursorOnChanged) ///< for blinking
     Q_PROPERTY(bool cursorBlinks READ cursorBlinks NOTIFY viewChanged)
-    Q_PROPERTY(qreal scrollSize READ scrollSize NOTIFY viewChanged) ///< the share that is seen, as a scroll bar has it
+    Q_PROPERTY(qreal scrollSize READ scrollSize NOTIFY viewChanged) ///< the visible share, as for a scroll bar
     Q_PROPERTY(qreal scrollPosition READ scrollPosition NOTIFY viewChanged)
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY viewChanged)
-    Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged) ///< where Ctrl and a click lead
+    Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged) ///< the target of Ctrl+click
 public:
     explicit TerminalItem(QQuickItem* parent = nullptr);
     ~TerminalItem() override;
@@ -54,7 +54,7 @@ public:
     Q_INVOKABLE void selectAll();
     Q_INVOKABLE QString clipboardText() const;
 
-    /// The rows that are shown as text, a line each, and where the cursor stands in it.
+    /// The visible rows as text, one line each, and the cursor's position in it.
     QString shownText() const;
     int cursorOffset() const;
     QRectF cellRect(int row, int column) const; ///< in the item's coordinates
@@ -96,7 +96,7 @@ protected:
 private:
     friend class TerminalScene;
 
-    /// A row's picture. Its number stays as long as the row shows the same, wherever it moves.
+    /// A row's image. Its number stays the same as long as its content does, wherever it moves.
     struct Strip {
         terminal::ShownRow::Key key;
         uint64_t number = 0;
@@ -122,7 +122,7 @@ private:
     QPointer<LumoTerminalSession> m_session;
     std::unique_ptr<TerminalPainter> m_painter;
     int m_fontSize = 14;
-    qreal m_ratio = 1; ///< device pixels for one of the item's
+    qreal m_ratio = 1; ///< device pixel ratio
     QVariantList m_colors;
     bool m_dark = false;
     QColor m_selectionColor;
@@ -136,13 +136,13 @@ private:
     QString m_announced;
 
     // Mouse
-    std::optional<terminal::Position> m_pressed; ///< where a selection begins
+    std::optional<terminal::Position> m_pressed; ///< the start of a selection
     terminal::SelectionMode m_mode = terminal::SelectionMode::Character;
     ulong m_doubleClickedAt = 0;
-    int m_buttonOfProgram = 0; ///< the press of which the program was told
+    int m_buttonOfProgram = 0; ///< the button press that was reported to the program
     qreal m_wheel = 0;
     QString m_hoveredLink;
-    QList<QRect> m_hoveredCells; ///< rows of the link, in cells
+    QList<QRect> m_hoveredCells; ///< the cells of the link
 };
 
 }

@@ -5,11 +5,11 @@
 
 namespace corvane {
 
-/// The colours that a picture is drawn in, made from a palette once.
+/// The colours for drawing, derived once from a palette.
 struct TerminalLook {
     terminal::PaletteState palette {};
     bool isReversed = false;
-    bool isTransparent = false; ///< the default ground is left out: something lies under it
+    bool isTransparent = false; ///< the default background is left out: something is below it
 
     static TerminalLook of(const terminal::Snapshot& snapshot);
     friend bool operator==(const TerminalLook&, const TerminalLook&) = default;
@@ -20,10 +20,10 @@ struct TerminalLook {
 
 double contrastOf(terminal::Rgb one, terminal::Rgb other); ///< from 1 to 21
 
-/// Ink that reads on the ground, 4.5 to 1: the wanted one, moved towards black or white as far as it takes.
+/// A text colour with a contrast of at least 4.5 to 1: the given one, moved towards black or white as needed.
 terminal::Rgb readableOn(terminal::Rgb ground, terminal::Rgb wanted);
 
-/// Draws rows of a terminal into pictures, in device pixels.
+/// Draws terminal rows into images, in device pixels.
 class TerminalPainter {
 public:
     TerminalPainter(const QString& family, int pixelSize)
@@ -35,10 +35,10 @@ public:
     int lineWidth() const { return m_glyphs.lineWidth(); }
 
     QImage row(const terminal::ShownRow& row, int columns, const TerminalLook& look);
-    /// The character at that place alone, as a cursor over it shows it.
+    /// Only the character at that position, as under a cursor.
     QImage underCursor(
         const terminal::ShownRow& row, int column, const TerminalLook& look, terminal::Rgb ink, terminal::Rgb ground);
-    /// A text that is being composed, underlined.
+    /// A preedit text, underlined.
     QImage preedit(const QString& text, const TerminalLook& look);
 
 private:
@@ -56,7 +56,7 @@ private:
     const TerminalGlyph& glyphOf(const terminal::ShownRow& row, terminal::Cell cell, const terminal::Style& style);
 
     TerminalGlyphs m_glyphs;
-    TerminalLook m_readableFor; ///< what `m_readable` was made for
+    TerminalLook m_readableFor; ///< the input of `m_readable`
     std::array<terminal::Rgb, 16> m_readable {};
 };
 

@@ -11,14 +11,14 @@ namespace corvane {
 
 class TerminalItem;
 
-/// The nodes of a terminal in the scene, from below: ground, images under the text, rows, images over it, marks
-/// (selection, matches, links), cursor.
+/// The scene graph nodes of a terminal, from bottom to top: background, images below the text, rows, images above it,
+/// marks (selection, matches, links), cursor.
 class TerminalScene : public QSGNode {
 public:
     TerminalScene();
     ~TerminalScene() override;
 
-    /// On the thread that draws, while the main thread waits.
+    /// On the render thread, while the main thread waits.
     void update(const TerminalItem& item);
 
 private:

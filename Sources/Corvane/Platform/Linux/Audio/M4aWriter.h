@@ -16,7 +16,7 @@ struct SoundFormat {
 /// next: a program that is killed loses the last of them.
 class M4aWriter final : public SoundWriter {
 public:
-    /// Makes the file, of mode 0600; fails where one stands there already.
+    /// Makes the file, of mode 0600; fails if one stands there already.
     static Result<std::unique_ptr<M4aWriter>> create(const QString& path, SoundFormat format);
     ~M4aWriter() override;
 

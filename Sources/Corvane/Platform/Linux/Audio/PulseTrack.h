@@ -10,8 +10,8 @@
 
 namespace corvane {
 
-/// The sound thread writes; the main thread writes silence where no sound comes, and takes the file over once that
-/// thread is gone.
+/// The sound thread writes; the main thread writes silence while no sound arrives, and takes over the file once that
+/// thread has ended.
 class PulseTrack final : public TrackRecording {
     Q_OBJECT
 public:
@@ -31,7 +31,7 @@ private:
     void beat();
     void setHasSource(bool hasSource);
     void hear(std::span<const float> samples);
-    void fillUp(Milliseconds allowed); ///< with silence, where the file is further behind than that
+    void fillUp(Milliseconds allowed); ///< with silence, if the file is further behind than that
     void write(std::span<const float> samples);
     void endCapture();
 
@@ -43,12 +43,12 @@ private:
     const qint64 m_startedMs;
     std::mutex m_writing;
     std::unique_ptr<M4aWriter> m_writer;
-    bool m_broken = false; ///< the file takes no more
+    bool m_broken = false; ///< the file cannot be written
     std::atomic<qint64> m_written = 0; ///< samples, all channels together
     std::atomic<float> m_peak = 0;
     std::atomic<bool> m_heard = false;
     bool m_hasSource = false;
-    bool m_lost = false; ///< the way to the sound server
+    bool m_lost = false; ///< the connection to the sound server
     std::unique_ptr<Timer> m_beat;
     std::unique_ptr<PulseCapture> m_capture;
 };

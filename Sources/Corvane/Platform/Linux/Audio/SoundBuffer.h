@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// Decoded sound between who decodes it and who plays it. Both hold one lock while they call.
+/// Decoded sound between its decoder and its player. Both hold one lock while they call.
 class SoundBuffer {
 public:
     void append(const SoundPiece& piece)
@@ -23,7 +23,7 @@ public:
         m_isWhole = false;
     }
 
-    /// Fills what there is; returns how many samples.
+    /// Reads what is available; returns the number of samples.
     size_t read(std::span<float> samples)
     {
         const size_t count = std::min(samples.size(), m_samples.size());
@@ -32,7 +32,7 @@ public:
         return count;
     }
 
-    bool isWhole() const { return m_isWhole; } ///< nothing comes after what is here
+    bool isWhole() const { return m_isWhole; } ///< nothing follows
     bool isEmpty() const { return m_samples.empty(); }
     qint64 ms() const { return qint64(m_samples.size()) * 1000 / (SoundPiece::rate * SoundPiece::channels); }
 

@@ -6,13 +6,13 @@
 
 namespace corvane {
 
-/// A file of sound that grows. Used by one thread at a time.
+/// A growing sound file. Used by one thread at a time.
 class SoundWriter {
 public:
-    virtual ~SoundWriter() = default; ///< leaves what was written
+    virtual ~SoundWriter() = default; ///< keeps what was written
 
     virtual Result<void> write(std::span<const float> samples) = 0; ///< interleaved, from -1 to 1
-    virtual Result<void> finish() = 0; ///< makes the file whole; it takes nothing more
+    virtual Result<void> finish() = 0; ///< finalises the file; nothing can be written after it
 };
 
 }

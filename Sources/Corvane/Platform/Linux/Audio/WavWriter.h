@@ -7,13 +7,13 @@
 
 namespace corvane {
 
-/// What stands before that many bytes of samples, of one channel and 16 bits each.
+/// The WAV header for that many bytes of mono 16-bit samples.
 QByteArray wavHeader(int samplesPerSecond, quint32 size);
 
-/// Sound of one channel into a .wav file, as it is: 16 bits a sample.
+/// Writes mono 16-bit PCM into a .wav file.
 class WavWriter final : public SoundWriter {
 public:
-    /// Makes the file, of mode 0600; fails where one stands there already.
+    /// Creates the file with mode 0600; fails if it exists.
     static Result<std::unique_ptr<SoundWriter>> create(const QString& path, int samplesPerSecond);
 
     Result<void> write(std::span<const float> samples) override;

@@ -9,8 +9,8 @@
 
 namespace corvane {
 
-/// Banners through org.freedesktop.Notifications. What the daemon can do is asked before the first banner and
-/// again after each change of daemon; the ids of a daemon that went mean nothing to the next.
+/// Banners through org.freedesktop.Notifications. The capabilities of the daemon are queried before the first banner
+/// and after each change of daemon; banner ids are not valid for the next daemon.
 class BusNotificationService final : public QObject, public NotificationService {
     Q_OBJECT
 public:
@@ -29,11 +29,11 @@ private Q_SLOTS:
 private:
     enum class Daemon { Unknown, Asked, Known };
     struct Shown {
-        uint id = 0; ///< 0 until the daemon has given one
+        uint id = 0; ///< 0 until the daemon has assigned one
         bool sending = false;
-        bool withdrawn = false; ///< while it was on its way
+        bool withdrawn = false; ///< while it was being sent
         QVariantMap userInfo;
-        std::optional<Banner> next; ///< came while an earlier one of its identifier was on its way
+        std::optional<Banner> next; ///< arrived while an earlier banner with its identifier was being sent
     };
 
     void askDaemon();
@@ -47,7 +47,7 @@ private:
     QDBusConnection m_bus;
     ResponseHandler m_handler;
     Daemon m_daemon = Daemon::Unknown;
-    int m_generation = 0; ///< counts the changes of daemon
+    int m_generation = 0; ///< counts daemon changes
     QStringList m_capabilities;
     QList<Banner> m_waiting; ///< for the capabilities
     QHash<QString, Shown> m_shown; ///< by identifier

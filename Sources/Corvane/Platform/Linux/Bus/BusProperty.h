@@ -7,13 +7,13 @@
 
 namespace corvane {
 
-/// A property of another program's object, kept as the bus announces it. The program is never started for it.
+/// A property of a remote object, updated by the bus's change signals. It does not start the program.
 class BusProperty final : public QObject {
     Q_OBJECT
 public:
     BusProperty(const QDBusConnection& bus, const BusObject& object, const QString& name);
 
-    const QVariant& value() const { return m_value; } ///< invalid while the program is not there
+    const QVariant& value() const { return m_value; } ///< invalid while the program is not running
 
 private Q_SLOTS:
     void onPropertiesChanged(const QDBusMessage& signal);

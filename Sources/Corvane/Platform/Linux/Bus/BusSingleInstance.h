@@ -10,13 +10,13 @@
 
 namespace corvane {
 
-/// The bus name of the program that works on this data folder: the plain one for the account's usual folder,
-/// one of its own for any other.
+/// The bus name of the program for this data folder: the plain name for the user's default folder, a unique one for any
+/// other.
 QString instanceName(const QString& applicationSupport);
 
 inline const QString instanceObjectPath = u"/com/nimb/corvane"_s;
 
-/// What desktops call on a running program (org.freedesktop.Application).
+/// The interface that desktops call on a running program (org.freedesktop.Application).
 class ApplicationObject final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -30,9 +30,9 @@ Q_SIGNALS:
     void called(const QStringList& arguments, const QString& activationToken);
 };
 
-/// A lock on the data folder says who is the one; the system lifts it when its holder dies, however that
-/// happens. The one can be reached over the session bus and, for starts without a bus, through a socket in the
-/// data folder that only its user can open.
+/// A lock on the data folder decides which process is the instance; the kernel releases it when its holder dies in any
+/// way. The instance is reachable over the session bus and, for starts without a bus, through a socket in the data
+/// folder that only its user can open.
 class BusSingleInstance final : public SingleInstance {
     Q_OBJECT
 public:

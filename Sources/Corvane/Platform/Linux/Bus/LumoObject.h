@@ -16,7 +16,7 @@ class LumoObject final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.nimb.corvane")
 public:
-    /// `object` is the one that stands on the bus.
+    /// `object` is the one registered on the bus.
     LumoObject(const QDBusConnection& bus, QObject* object);
 
     SingleInstance::Answerer answerer;

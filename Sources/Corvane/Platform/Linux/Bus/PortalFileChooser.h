@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-/// One request to the file chooser of the desktop's portal. It goes when it was answered.
+/// One request to the file chooser portal. It deletes itself after the answer.
 class PortalFileChooser final : public QObject {
     Q_OBJECT
 public:
@@ -29,7 +29,7 @@ private:
 
     QDBusConnection m_bus;
     const For m_what;
-    Done m_done; ///< none once it was answered
+    Done m_done; ///< none after the answer
 };
 
 }

@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// The desktop through xdg-open, the portals of settings and files, and the docks' launcher signal. What the portal
-/// says arrives a moment after the start and is announced as a change of appearance.
+/// The desktop through xdg-open, the settings and file chooser portals, and the launcher signal of docks. The portal's
+/// settings arrive shortly after the start and are announced as a change of appearance.
 class XdgDesktop final : public Desktop {
     Q_OBJECT
 public:
@@ -42,7 +42,7 @@ private:
     QDBusConnection m_bus;
     const mode_t m_umaskOfOpened;
     int m_badge = 0;
-    uint m_preferredScheme = 0; ///< as the portal tells it
+    uint m_preferredScheme = 0; ///< as the portal reports it
     bool m_animations = true;
     ColourScheme m_scheme = ColourScheme::Light;
 };

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Folders of calendars, and beside them the desktop's service where the user wants it. What both hold shows once.
+/// Folders of calendars and, if the user wants it, the desktop's calendar service. Events in both are shown once.
 class CombinedCalendars final : public CalendarSource {
 public:
     CombinedCalendars(std::unique_ptr<CalendarSource> folders, std::unique_ptr<CalendarSource> service);

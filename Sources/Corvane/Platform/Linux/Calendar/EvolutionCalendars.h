@@ -9,8 +9,8 @@
 
 namespace corvane {
 
-/// The calendars of Evolution Data Server, over the bus alone. It is asked for nothing before `watch` was called with
-/// places that include it; what it told last stands while it does not answer.
+/// The calendars of Evolution Data Server, over D-Bus. Nothing is requested before `watch` was called with places that
+/// include it; while it does not respond, its last answer is used.
 class EvolutionCalendars final : public CalendarSource {
     Q_OBJECT
 public:
@@ -52,7 +52,7 @@ private:
     QDBusConnection m_bus;
     bool m_watches = false;
     std::atomic<bool> m_restarted = false;
-    QDeadlineTimer m_calm; ///< until then a service that ended is not started again for its calendars
+    QDeadlineTimer m_calm; ///< until then a service that exited is not started again
 
     std::mutex m_mutex; ///< for all below
     EvolutionService m_service;

@@ -12,30 +12,30 @@
 
 namespace corvane {
 
-/// A calendar of Evolution Data Server, as it told when it was opened.
+/// A calendar of Evolution Data Server, as reported when it was opened.
 struct EvolutionCalendar {
     QString path; ///< of its object
     QString service;
     bool writable = false;
 };
 
-/// The key file that describes a source: its groups, each with its keys.
+/// The key file of a source: its groups with their keys.
 using EvolutionKeys = QHash<QString, QHash<QString, QString>>;
 EvolutionKeys evolutionKeys(const QString& data);
 
-/// The calls to Evolution Data Server, each of which waits for its answer. On any thread, but one at a time. Whoever
-/// has opened a calendar keeps it open for as long as the connection lasts.
+/// Blocking calls to Evolution Data Server. On any thread, but one at a time. An opened calendar stays open for the
+/// lifetime of the connection.
 class EvolutionService {
 public:
     EvolutionService(const QDBusConnection& bus, int answerMs); ///< how long one call waits
 
-    /// The calls from here on take five seconds together, and once one found no answer the further ones fail at once.
+    /// From here on all calls share five seconds, and after one timed out the others fail at once.
     void begin();
     bool isSilent() const { return m_silent; }
 
-    /// The sources that are calendars and not switched off, by their id.
+    /// The enabled calendar sources, by id.
     Result<QHash<QString, CalendarInfo>> calendars();
-    Result<QString> revision(const QString& source); ///< changes with every change of the calendar
+    Result<QString> revision(const QString& source); ///< changes whenever the calendar changes
     Result<QStringList> objects(const QString& source, const QString& query); ///< VEVENT components
     Result<QString> object(const QString& source, const QString& uid);
     Result<QString> zone(const QString& source, const QString& name); ///< a VTIMEZONE component
@@ -45,7 +45,7 @@ public:
     Result<void> receive(const QString& source, const QString& calendar);
     bool isWritable(const QString& source);
 
-    void forget() { m_open.clear(); } ///< the service is another one by now
+    void forget() { m_open.clear(); } ///< the service was restarted
 
 private:
     Result<QDBusMessage> call(const QDBusMessage& message, bool* gone = nullptr);
@@ -63,7 +63,7 @@ private:
     QHash<QString, EvolutionCalendar> m_open; ///< by source
 };
 
-/// An object of a calendar, as the service takes it.
+/// A calendar object in the service's format.
 struct EvolutionObjectId {
     QString uid;
     QString recurrence;

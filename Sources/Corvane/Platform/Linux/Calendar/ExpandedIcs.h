@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// A file with what was followed of its series, which is kept for the next question. Not for two threads at once.
+/// A file with the expanded instances of its series, cached for the next query. Not thread-safe.
 class ExpandedIcs {
 public:
     explicit ExpandedIcs(std::shared_ptr<const IcsFile> file = {})
@@ -12,14 +12,14 @@ public:
     {
     }
 
-    const IcsFile* file() const { return m_file.get(); } ///< null where it does not read
+    const IcsFile* file() const { return m_file.get(); } ///< null if it is unreadable
 
-    /// Adds what touches [fromMs, toMs).
+    /// Adds the instances that overlap [fromMs, toMs).
     void addTo(QList<CalendarEntry>& entries, const QString& calendarId, qint64 fromMs, qint64 toMs);
 
 private:
     std::shared_ptr<const IcsFile> m_file;
-    qint64 m_fromMs = 0; ///< what `m_entries` cover
+    qint64 m_fromMs = 0; ///< the range that `m_entries` covers
     qint64 m_toMs = 0;
     QList<CalendarEntry> m_entries;
 };

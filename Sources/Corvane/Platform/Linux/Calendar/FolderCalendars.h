@@ -10,11 +10,11 @@
 
 namespace corvane {
 
-/// Calendars in folders of files, an event each, as vdirsyncer and khal keep them: "{data home}/calendars/*/*.ics", and
-/// each further folder with its own files and those one level below. A file is read again only once it changed.
+/// Calendars in folders with one event per file, as vdirsyncer and khal keep them: "{data home}/calendars/*/*.ics", and
+/// each additional folder with its own files and those one level below. Only changed files are read again.
 class FolderCalendars final : public CalendarSource {
 public:
-    /// "~/" at the start of a further folder is `home`.
+    /// A leading "~/" of an additional folder is `home`.
     FolderCalendars(const QString& dataHome, const QString& home);
 
     CalendarAccess access(const CalendarPlaces& places) const override;
@@ -30,7 +30,7 @@ public:
     void watch(const CalendarPlaces& places) override;
 
 private:
-    /// What shows that a file is the one that was read.
+    /// Identifies the version of a file that was read.
     struct Stamp {
         qint64 modifiedNs = 0;
         qint64 size = 0;
@@ -49,7 +49,7 @@ private:
         CalendarInfo info;
     };
 
-    QStringList roots(const CalendarPlaces& places) const; ///< also those that are not there
+    QStringList roots(const CalendarPlaces& places) const; ///< including missing ones
     QList<Folder> folders(const CalendarPlaces& places) const;
     Result<Folder> folder(const CalendarPlaces& places, const QString& calendarId) const;
     void useZone();
@@ -63,7 +63,7 @@ private:
 
     std::mutex m_mutex; ///< for all below
     QHash<QString, Files> m_read; ///< by folder
-    QByteArray m_zone; ///< in which they were read
+    QByteArray m_zone; ///< the time zone they were read in
     QHash<QString, Stamp> m_written; ///< by path: what `add` wrote
 };
 

@@ -11,13 +11,13 @@
 
 namespace corvane {
 
-/// Tells when something changes in folders: files that are written, also in place, that come or go, and the folders
-/// themselves, also ones that are not there yet.
+/// Reports changes in folders: files that are written, created, moved or deleted, and the folders themselves, including
+/// ones that do not exist yet.
 class FolderWatch {
 public:
     explicit FolderWatch(std::function<void()> changed);
 
-    void watch(const QStringList& folders); ///< in place of those before; absolute paths
+    void watch(const QStringList& folders); ///< replaces earlier folders; absolute paths
 
 private:
     void look(const QString& folder, const QString& onlyName);
@@ -26,7 +26,7 @@ private:
     std::function<void()> m_changed;
     Descriptor m_inotify;
     std::unique_ptr<QSocketNotifier> m_notifier;
-    QHash<int, QStringList> m_names; ///< by watch: what counts in the folder; none: everything
+    QHash<int, QStringList> m_names; ///< by watch: which names count in the folder; empty: all
 };
 
 }

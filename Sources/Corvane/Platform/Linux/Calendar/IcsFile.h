@@ -6,20 +6,20 @@
 
 namespace corvane {
 
-/// A calendar file that was read: single events, and series with their exceptions. What libical makes of files stands
-/// here alone. Reading one is safe on any thread; they wait for each other.
+/// A parsed calendar file: single events, and series with their exceptions. Only this class uses libical on files.
+/// Reading one is safe on any thread; readers wait for each other.
 class IcsFile {
 public:
-    /// `zone` is the name of the zone for times that name none. Nothing where the text is no calendar.
+    /// `zone` names the time zone of floating times. Nothing if the text is not a calendar.
     static std::shared_ptr<const IcsFile> read(const QByteArray& text, const QByteArray& zone);
 
     ~IcsFile();
 
-    /// What touches [fromMs, toMs), without the id of a calendar. A series that recurs more often than hourly, or would
-    /// take too long to follow, shows its first instance only; of others there are at most 2,000.
+    /// Instances that overlap [fromMs, toMs), without a calendar id. A series that recurs more often than hourly, or
+    /// would take too long to expand, yields its first instance only; others yield at most 2,000.
     QList<CalendarEntry> entries(qint64 fromMs, qint64 toMs) const;
 
-    const QStringList& uids() const; ///< of its events, each once
+    const QStringList& uids() const; ///< of its events, without duplicates
 
 private:
     IcsFile();

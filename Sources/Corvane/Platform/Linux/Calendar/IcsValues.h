@@ -8,7 +8,7 @@
 
 namespace corvane::ics {
 
-// What is read from libical's components. Whoever calls holds the lock of the library.
+// Values read from libical's components. The caller holds the library's lock.
 
 constexpr qsizetype longestTitle = 1000;
 
@@ -17,7 +17,7 @@ struct FreeComponent {
 };
 using Component = std::unique_ptr<icalcomponent, FreeComponent>;
 
-std::mutex& library(); ///< libical keeps its zones and much else for the whole process
+std::mutex& library(); ///< libical keeps its time zones and other state per process
 
 template <typename Visit> void forEachProperty(icalcomponent* component, icalproperty_kind kind, Visit visit)
 {
@@ -33,19 +33,19 @@ template <typename Visit> void forEachComponent(icalcomponent* parent, icalcompo
         visit(component);
 }
 
-icaltimezone* knownZone(const char* name); ///< of this machine, by any of the names that programs give it
+icaltimezone* knownZone(const char* name); ///< by any of its common names
 
-/// Zones that the machine knows are taken out of the calendar, and the rules of the others made safe to follow.
+/// Removes time zones that the machine knows from the calendar, and makes the rules of the others safe to expand.
 void settleZones(icalcomponent* calendar);
 
-bool isUsable(const icaltimetype& time); ///< there, and of a year that an event may have
+bool isUsable(const icaltimetype& time); ///< set, and of a plausible year
 
 icaltimetype timeOf(icalproperty* property, icalcomponent* calendar);
 icaltimetype timeOf(icalcomponent* event, icalproperty_kind kind, icalcomponent* calendar);
-qint64 msOf(const icaltimetype& time, icaltimezone* local); ///< `local` for a date, and a time without a zone
+qint64 msOf(const icaltimetype& time, icaltimezone* local); ///< `local` for a date or a floating time
 
 QString textOf(const char* value, qsizetype limit);
-QList<CalendarPerson> peopleOf(icalcomponent* event); ///< the organizer first, who may stand among the attendees, too
-QString notesOf(icalcomponent* event); ///< with the address of the call, which some programs keep apart
+QList<CalendarPerson> peopleOf(icalcomponent* event); ///< the organizer first, who may be among the attendees, too
+QString notesOf(icalcomponent* event); ///< with the address of the call, which some programs store separately
 
 }

@@ -2,8 +2,8 @@
 
 namespace corvane {
 
-/// The whole life of the process that reads strangers' files: it answers the orders that come over the socket on its
-/// standard input until that closes. Returns the process's exit code.
+/// The main function of the process that reads untrusted files: it answers the orders on its standard input, a socket,
+/// until that closes. Returns the exit code.
 int runDecodeChild();
 
 }

@@ -7,20 +7,20 @@
 
 namespace corvane {
 
-/// What the decoder's child is asked; the file's descriptor travels with it. Both ends are one executable, so the
-/// values go over the socket as they stand in memory.
+/// A request to the decoder process; the file's descriptor is sent along. Both ends are the same executable, so the
+/// values are sent as they are in memory.
 struct DecodeOrder {
     enum class Kind : qint32 { Picture, Shape, Sound };
 
     Kind kind = Kind::Picture;
     PictureBox box = {};
-    qint32 count = 0; ///< bars, or moments of sound
+    qint32 count = 0; ///< bars, or frames of sound
     quint64 playing = 0;
     qint64 frame = 0;
     SampleFormat format = {}; ///< of sound
 };
 
-/// The head of an answer. `payload` bytes follow: pixels, bars or samples.
+/// The header of an answer. `payload` bytes follow: pixels, bars or samples.
 struct DecodeHead {
     enum class Kind : qint32 { Ready, Done, Failed };
 
@@ -38,15 +38,15 @@ struct DecodeReply {
     QByteArray payload;
 };
 
-/// Whether an answer fits its order: a child that was taken over may say anything.
+/// Whether an answer matches its order: a compromised child may send anything.
 bool fitsOrder(const DecodeHead& head, const DecodeOrder& order);
 
-/// Never waits where the socket does not block; false where the order did not get out.
+/// Does not block on a non-blocking socket; false if the order could not be sent.
 bool sendOrder(const Descriptor& socket, const DecodeOrder& order, const Descriptor& file);
 
-/// Waits for the next order; nothing at the end of the socket.
+/// Waits for the next order; nothing at the end of the stream.
 std::optional<std::pair<DecodeOrder, Descriptor>> receiveOrder(const Descriptor& socket);
 
-bool sendReply(const Descriptor& socket, const DecodeReply& reply); ///< waits until all of it is gone
+bool sendReply(const Descriptor& socket, const DecodeReply& reply); ///< blocks until everything is sent
 
 }

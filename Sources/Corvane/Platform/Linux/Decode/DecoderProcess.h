@@ -9,14 +9,13 @@ namespace corvane {
 
 struct SpawnedChild;
 
-/// The child that reads strangers' files, as this side sees it: one order, one answer. Destroying it kills the child
-/// and waits for nothing.
+/// The parent's side of the decoder process: one order, one answer. Destroying it kills the child without waiting.
 class DecoderProcess {
 public:
-    /// Either may destroy the process object.
+    /// Either callback may destroy the process object.
     struct Receiver {
-        std::function<void(DecodeReply)> reply; ///< the first one says that the child is ready
-        std::function<void()> ended; ///< it ended, or said what it should not
+        std::function<void(DecodeReply)> reply; ///< the first one means that the child is ready
+        std::function<void()> ended; ///< it exited, or violated the protocol
     };
 
     static Result<std::unique_ptr<DecoderProcess>> start(const QString& executable, Receiver receiver);
@@ -27,7 +26,7 @@ public:
     bool isReady() const { return m_isReady; }
     bool give(const DecodeOrder& order, const Descriptor& file); ///< false: it is gone
 
-    /// Takes what has arrived; called by itself, and by who is about to lose patience.
+    /// Reads what has arrived; called on its own, and before a timeout is declared.
     void hear();
 
 private:

@@ -6,7 +6,7 @@ class QFile;
 
 namespace corvane {
 
-/// Loads what reading pictures needs, since nothing can be loaded in the sandbox.
+/// Loads the image plugins, since nothing can be loaded inside the sandbox.
 void loadPictureFormats();
 
 std::expected<Pixels, DecodeFailure> readPicture(QFile& file, PictureBox box);

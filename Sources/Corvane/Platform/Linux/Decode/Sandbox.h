@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// Takes from this process, for good, what reading a file that is open already does not need: after it nothing can be
-/// opened, connected or started, and memory is bounded. What else a library tries fails with EPERM.
+/// Permanently restricts this process to reading files that are already open: afterwards nothing can be opened,
+/// connected or started, and memory is limited. Any other system call fails with EPERM.
 Result<void> enterSandbox();
 
 }

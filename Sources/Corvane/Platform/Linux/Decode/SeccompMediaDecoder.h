@@ -8,18 +8,17 @@
 
 namespace corvane {
 
-/// Hands open files, one after the other, to a child in a sandbox (seccomp). The child is started when it is needed,
-/// ended when it was idle for a while, and replaced when a file brought it down. Destroying the decoder kills the child
-/// and waits for nothing.
+/// Passes open files, one at a time, to a sandboxed child (seccomp). The child is started on demand, ended when idle,
+/// and replaced when a file crashed it. Destroying the decoder kills the child without waiting.
 class SeccompMediaDecoder final : public MediaDecoder {
 public:
     struct Limits {
         Milliseconds perFile { 2000 };
-        Milliseconds start { 20'000 }; ///< of the child
+        Milliseconds start { 20'000 }; ///< for the child to start
         Milliseconds idle { 30'000 };
     };
 
-    /// `executable` called with "--decode" is the child. `scheduler` outlives the decoder.
+    /// The child is `executable --decode`. `scheduler` outlives the decoder.
     SeccompMediaDecoder(Scheduler& scheduler, QString executable, Limits limits);
     ~SeccompMediaDecoder() override;
 
@@ -37,7 +36,7 @@ private:
         std::function<void(const Outcome&)> done; ///< none once it was withdrawn
     };
 
-    /// A file in the state in which it was tried.
+    /// Identifies the state of a file when it was tried.
     struct FileMark {
         quint64 device = 0;
         quint64 node = 0;
@@ -69,10 +68,10 @@ private:
     QString m_executable;
     Limits m_limits;
     std::deque<std::shared_ptr<Work>> m_waiting;
-    std::shared_ptr<Work> m_current; ///< the child has it, or will when it is ready
+    std::shared_ptr<Work> m_current; ///< the child works on it, or will once it is ready
     OpenFile m_file; ///< of `m_current`
     std::unique_ptr<DecoderProcess> m_process;
-    QHash<FileMark, DecodeFailure> m_deadly; ///< what brought a child down, and how
+    QHash<FileMark, DecodeFailure> m_deadly; ///< files that crashed a child, and how
     std::unique_ptr<Timer> m_turn;
     std::unique_ptr<Timer> m_timeout;
     std::unique_ptr<Timer> m_idle;

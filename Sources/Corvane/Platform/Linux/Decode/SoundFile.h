@@ -9,22 +9,22 @@
 
 namespace corvane {
 
-/// The sound of an open file in one format, decoded as it is read. What cannot be decoded is left out.
+/// The sound of an open file in one format, decoded while reading. Undecodable parts are skipped.
 class SoundFile {
 public:
     static Result<std::unique_ptr<SoundFile>> open(Descriptor file, SampleFormat format);
     ~SoundFile();
 
-    qint64 durationMs() const; ///< 0 where the file does not say
+    qint64 durationMs() const; ///< 0 if the file does not say
 
-    /// Fills the samples; returns how many, fewer than asked for only at the end.
+    /// Fills the samples; returns how many, less than requested only at the end.
     size_t read(std::span<float> samples);
 
     const SampleFormat& format() const;
 
-    /// To a moment at the format's rate, to the very sample.
+    /// Seeks to a frame at the format's rate, sample-exact.
     void seek(qint64 frame);
-    qint64 frame() const; ///< where the next read begins
+    qint64 frame() const; ///< where the next read starts
 
 private:
     struct State;
@@ -33,7 +33,7 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// Its length, and the loudest of each of `count` parts; a long one is looked at in places.
+/// Its length, and the peak of each of `count` parts; long sounds are sampled.
 SoundShape shapeOf(SoundFile& file, int count);
 
 }

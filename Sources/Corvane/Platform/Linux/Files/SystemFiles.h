@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// What a file of /proc or /sys holds; empty where it does not read. Such files report a size of 0, so they are
-/// read to their end.
+/// The content of a file in /proc or /sys; empty if it is unreadable. Such files report a size of 0, so they are read
+/// until their end.
 inline QByteArray systemFile(const QString& path)
 {
     QFile file(path);

@@ -5,19 +5,19 @@
 
 namespace corvane {
 
-/// What has the keyboard, as the accessibility bus tells it.
+/// The focused widget, as the accessibility bus reports it.
 struct FocusedField {
     QString service; ///< of its program on that bus
     QString path;
     bool isPassword = false;
-    bool isEditable = false; ///< takes text through the bus
+    bool isEditable = false; ///< accepts text through the bus
 };
 
-/// Looks in the windows in front, for at most half a second. Nothing where no program tells, as most do only while
-/// the user has accessibility on. Blocks, so it belongs on a thread of its own.
+/// Searches the active windows, for at most half a second. Nothing if no program answers; most do so only while
+/// accessibility is enabled. Blocks, so call it on a background thread.
 std::optional<FocusedField> findFocusedField(const QDBusConnection& session);
 
-/// Puts text at the cursor of an editable field. False where its program refuses or does not answer within half a
+/// Inserts text at the cursor of an editable field. False if its program refuses or does not respond within half a
 /// second. Blocks, too.
 bool insertInto(const QDBusConnection& session, const FocusedField& field, const QString& text);
 

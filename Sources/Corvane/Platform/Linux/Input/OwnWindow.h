@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Puts text where the cursor is, as an input method does. Nothing while another program has the focus.
+/// Inserts text at the cursor of this program, like an input method. Does nothing while another program has the focus.
 std::optional<InsertionOutcome> insertIntoOwnWindow(const QString& text);
 
 }

@@ -8,17 +8,17 @@
 
 namespace corvane {
 
-/// A shortcut as the portal names it.
+/// A shortcut in the portal's format.
 struct PortalShortcut {
     QString id;
     QVariantMap properties;
 };
 
-/// Such as "CTRL+ALT+n", as freedesktop.org writes shortcuts; empty for what is not one key.
+/// Such as "CTRL+ALT+n", in the freedesktop.org format; empty unless it is exactly one key.
 QString portalTrigger(const QString& keys);
 
-/// The GlobalShortcuts portal, version 1. The desktop chooses the keys and may ask the user; a session takes its
-/// shortcuts once, so each change opens another one.
+/// The GlobalShortcuts portal, version 1. The desktop chooses the keys and may ask the user; a session can bind
+/// shortcuts only once, so each change opens a new one.
 class PortalGlobalShortcuts final : public GlobalShortcuts {
     Q_OBJECT
 public:
@@ -44,7 +44,7 @@ private:
     void openSession();
     void closeSession();
     void bindAll(const QVariantMap& results); ///< the session is open
-    void takeShortcuts(const QVariantMap& results); ///< what the desktop bound
+    void takeShortcuts(const QVariantMap& results); ///< the shortcuts that the desktop bound
     void ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then);
     void setAll(const GlobalShortcutState& state);
     void setState(const QString& id, const GlobalShortcutState& state);
@@ -52,8 +52,8 @@ private:
     QDBusConnection m_bus;
     QList<GlobalShortcut> m_shortcuts;
     QHash<QString, GlobalShortcutState> m_states;
-    QString m_session; ///< the path of the open one, or empty
-    QHash<QString, Answer> m_awaited; ///< by the path of the request; of the latest session alone
+    QString m_session; ///< the path of the open session, or empty
+    QHash<QString, Answer> m_awaited; ///< by the path of the request; of the latest session only
     int m_requests = 0;
     bool m_isQueued = false;
 };

@@ -8,13 +8,13 @@
 
 namespace corvane {
 
-/// Types through the RemoteDesktop portal. The desktop asks the user once for each run of the program.
+/// Types through the RemoteDesktop portal. The desktop asks the user once per run of the program.
 class PortalKeyboard final : public QObject {
     Q_OBJECT
 public:
     enum class State {
         Absent, ///< the desktop has no such portal, or it refuses
-        Idle, ///< nobody was asked yet
+        Idle, ///< the user was not asked yet
         Asking,
         Granted,
     };
@@ -23,9 +23,9 @@ public:
     ~PortalKeyboard() override;
 
     State state() const { return m_state; }
-    void ask(); ///< the user, unless that was done
+    void ask(); ///< asks the user, unless that was done
 
-    /// `done` is called later, with whether the portal took the keys; only while it is granted.
+    /// `done` is called later with whether the portal accepted the keys; only while access is granted.
     void type(const QString& text, std::function<void(bool)> done);
 
 Q_SIGNALS:
@@ -47,8 +47,8 @@ private:
 
     QDBusConnection m_bus;
     State m_state = State::Absent;
-    QString m_session; ///< the path of the open one, or empty
-    QString m_awaited; ///< the path of the request that is under way
+    QString m_session; ///< the path of the open session, or empty
+    QString m_awaited; ///< the path of the pending request
     Answer m_then = nullptr;
 };
 

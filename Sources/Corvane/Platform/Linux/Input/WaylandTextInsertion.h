@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// Text through the accessibility bus where the field in front takes it, else typed through the portal.
+/// Inserts text through the accessibility bus if the focused field supports it, else types through the portal.
 class WaylandTextInsertion final : public TextInsertion {
     Q_OBJECT
 public:
@@ -32,7 +32,7 @@ private:
     BackgroundQueue m_background;
     std::unique_ptr<Timer> m_limit;
     QString m_text;
-    Done m_done; ///< of the text that is on its way
+    Done m_done; ///< of the current insertion
 };
 
 }

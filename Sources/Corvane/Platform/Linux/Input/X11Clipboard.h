@@ -8,8 +8,8 @@ namespace corvane {
 
 class X11ClipboardOwner;
 
-/// Lends a text to other programs through a selection of the X server, and gives it back. It answers them on a thread
-/// of its own: this program may be among those who ask, and waits for the answer on its main thread.
+/// Offers a text to other programs through an X11 selection, and restores the old content. It serves requests on a
+/// thread of its own: this program may itself be a requester that waits on its main thread.
 class X11Clipboard : public QObject {
     Q_OBJECT
 public:
@@ -18,13 +18,13 @@ public:
     explicit X11Clipboard(const QByteArray& display);
     ~X11Clipboard() override;
 
-    /// Keeps what the selection holds, as far as its owner gives it within a second, and puts the text in its place.
-    /// `done` is called later, with whether that worked.
+    /// Saves the selection's content, as far as its owner provides it within a second, and offers the text instead.
+    /// `done` is called later with whether that worked.
     void lend(Selection selection, const QString& text, std::function<void(bool)> done);
 
-    /// Puts back what was there, unless another program has taken the selection since.
+    /// Restores the old content, unless another program has taken the selection since.
     void giveBack();
-    void leave(); ///< the text stays there for good
+    void leave(); ///< the text stays there
 
 Q_SIGNALS:
     void taken(); ///< somebody has read the text

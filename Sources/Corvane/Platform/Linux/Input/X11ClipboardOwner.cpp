@@ -187,7 +187,7 @@ bool X11ClipboardOwner::readPieces(Item& item, const QDeadlineTimer& deadline)
     return false;
 }
 
-/// Handles what else comes in the meantime. Null where the deadline or the connection ends first.
+/// Handles what else comes in the meantime. Null if the deadline or the connection ends first.
 X11ClipboardOwner::Event X11ClipboardOwner::await(
     const QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted)
 {

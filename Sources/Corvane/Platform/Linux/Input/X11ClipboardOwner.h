@@ -11,8 +11,8 @@ class QSocketNotifier;
 
 namespace corvane {
 
-/// The part of the clipboard that talks to the X server. It is used in one thread, whose loop turns, and waits for
-/// other programs there.
+/// The part of the clipboard that talks to the X server. Used on one thread with an event loop, and waits for other
+/// programs there.
 class X11ClipboardOwner final : public QObject {
     Q_OBJECT
 public:
@@ -27,7 +27,7 @@ Q_SIGNALS:
     void taken();
 
 private:
-    /// What a selection holds, in one of its forms.
+    /// The content of a selection in one format.
     struct Item {
         xcb_atom_t target = 0;
         xcb_atom_t type = 0;
@@ -54,11 +54,11 @@ private:
     xcb_window_t m_window = 0;
     xcb_atom_t m_property = 0;
     xcb_atom_t m_targets = 0;
-    xcb_atom_t m_pieces = 0; ///< the type of what comes in pieces, "INCR"
-    xcb_atom_t m_selection = 0; ///< which it owns, or 0
-    QList<Item> m_items; ///< which it answers with
-    QList<Item> m_kept; ///< of the owner before
-    bool m_isLent = false; ///< the items are the text, not what was kept
+    xcb_atom_t m_pieces = 0; ///< the type of incremental transfers, "INCR"
+    xcb_atom_t m_selection = 0; ///< the owned selection, or 0
+    QList<Item> m_items; ///< what it offers
+    QList<Item> m_kept; ///< the content of the previous owner
+    bool m_isLent = false; ///< it offers the text, not the saved content
 };
 
 }

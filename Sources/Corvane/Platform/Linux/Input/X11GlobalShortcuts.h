@@ -10,7 +10,7 @@ struct _XCBKeySymbols;
 
 namespace corvane {
 
-/// A key and what is held with it, as the X server numbers them.
+/// A key with its modifiers, as X11 key codes.
 struct XKey {
     uint32_t symbol = 0;
     uint16_t modifiers = 0;
@@ -18,14 +18,14 @@ struct XKey {
     bool operator==(const XKey&) const = default;
 };
 
-/// Nothing for what is not one key, or a key without a symbol here.
+/// Nothing unless it is exactly one key with a symbol on this keyboard.
 std::optional<XKey> xKeyOf(const QString& keys);
 
-/// Passive grabs on the root window, on a connection of its own: it works without a window and without Qt's plug-in.
-/// NumLock and CapsLock make no difference. Ends with the X server, then every shortcut is unavailable.
+/// Passive grabs on the root window, on its own connection: works without a window and without Qt's platform plugin.
+/// NumLock and CapsLock are ignored. When the X server exits, every shortcut is unavailable.
 class X11GlobalShortcuts final : public GlobalShortcuts {
 public:
-    explicit X11GlobalShortcuts(const QByteArray& display = {}); ///< empty: the one of the environment
+    explicit X11GlobalShortcuts(const QByteArray& display = {}); ///< empty: from the environment
     ~X11GlobalShortcuts() override;
 
     void bind(const GlobalShortcut& shortcut) override;
@@ -37,7 +37,7 @@ private:
         GlobalShortcut shortcut;
         GlobalShortcutState state;
         XKey key;
-        QList<xcb_keycode_t> codes; ///< several keys may carry a symbol
+        QList<xcb_keycode_t> codes; ///< several keys may produce a symbol
         bool isDown = false;
     };
 
@@ -48,7 +48,7 @@ private:
     bool grabKey(const XKey& key, const QList<xcb_keycode_t>& codes);
     void ungrabKey(const XKey& key, const QList<xcb_keycode_t>& codes);
     QList<xcb_keycode_t> codesOf(const XKey& key) const;
-    void grabAgain(); ///< another layout has its keys elsewhere
+    void grabAgain(); ///< after a change of the keyboard layout
     void loseServer();
 
     XcbConnection m_connection;

@@ -7,25 +7,25 @@
 
 namespace corvane {
 
-/// The windows of an X server, and its keyboard. Without a server, or once it is gone, there are none.
+/// The windows and the keyboard of an X server. Without a server, or once it is gone, there are none.
 class X11Screen {
 public:
     explicit X11Screen(const QByteArray& display);
 
-    xcb_window_t front() const; ///< the window of the program that the user works in; 0 for none
+    xcb_window_t front() const; ///< the active window; 0 for none
     bool has(xcb_window_t window) const;
     void bringToFront(xcb_window_t window) const;
     QStringList classOf(xcb_window_t window) const; ///< instance and class, in lower case
 
-    bool isModifierHeld() const; ///< but for the locks
+    bool isModifierHeld() const; ///< except for the locks
     bool canPress() const { return m_hasTest; }
     bool hasKey(xcb_keysym_t symbol) const { return !codesOf({ symbol }).isEmpty(); }
 
-    /// Presses keys together and lets go of them, as the keyboard would. False where a symbol is on no key.
+    /// Presses a key combination. False if a symbol is on no key.
     bool press(const QList<xcb_keysym_t>& symbols) const;
 
 private:
-    QList<xcb_keycode_t> codesOf(const QList<xcb_keysym_t>& symbols) const; ///< none where one of them is on no key
+    QList<xcb_keycode_t> codesOf(const QList<xcb_keysym_t>& symbols) const; ///< empty if one of them is on no key
     QByteArray property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
 
     XcbConnection m_connection;

@@ -9,13 +9,13 @@
 
 namespace corvane {
 
-/// The clipboard, and the keys that paste in the program in front. That the program reads the clipboard is the sign
-/// that it pasted; where none does within a second the text stays there.
+/// Inserts through the clipboard and the paste shortcut of the active program. When the program reads the clipboard, it
+/// pasted; if none does within a second, the text stays on the clipboard.
 class X11TextInsertion final : public TextInsertion {
     Q_OBJECT
 public:
-    /// The scheduler outlives it. The bus tells which field is one for passwords. An empty display is the one of the
-    /// environment.
+    /// The scheduler outlives it. The bus tells whether the focused field is a password field. An empty display is the
+    /// one of the environment.
     X11TextInsertion(Scheduler& scheduler, const QDBusConnection& session, const QByteArray& display = {});
     ~X11TextInsertion() override;
 
@@ -30,7 +30,7 @@ private:
         QList<xcb_keysym_t> symbols;
     };
 
-    PasteKeys pasteKeys() const; ///< of the program in front
+    PasteKeys pasteKeys() const; ///< of the active program
     void lookAtField();
     void insertInto(const FocusedField& field);
     void lend();
@@ -50,7 +50,7 @@ private:
     PasteKeys m_keys;
     bool m_isPressed = false;
     QString m_text;
-    Done m_done; ///< of the text that is on its way
+    Done m_done; ///< of the current insertion
 };
 
 }

@@ -18,7 +18,7 @@ struct XcbFree {
 /// What xcb answers with: a reply, an event or an error.
 template <typename Reply> using XcbReply = std::unique_ptr<Reply, XcbFree>;
 
-/// Null where no X server answers. An empty display is the one of the environment.
+/// Null if no X server answers. An empty display is the one of the environment.
 inline XcbConnection connectToX(const QByteArray& display)
 {
     XcbConnection connection(xcb_connect(display.isEmpty() ? nullptr : display.constData(), nullptr));

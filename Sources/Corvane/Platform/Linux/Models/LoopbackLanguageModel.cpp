@@ -137,7 +137,7 @@ QCoro::Task<LoopbackLanguageModel::Known> LoopbackLanguageModel::look(QStringLis
     co_return best.value_or(Known { {}, {}, u"No model server answers at %1."_s.arg(servers.join(u" or "_s)) });
 }
 
-/// Nothing where nobody answers.
+/// Nothing if nobody answers.
 QCoro::Task<std::optional<LoopbackLanguageModel::Known>> LoopbackLanguageModel::lookAt(QUrl base)
 {
     const CancelHandle end = m_end;

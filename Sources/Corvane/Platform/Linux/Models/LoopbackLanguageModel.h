@@ -8,14 +8,14 @@
 
 namespace corvane {
 
-/// A model server on this machine: the one that was chosen, else Ollama or a llama.cpp server at its usual port.
-/// No request goes to another machine: no proxy, no redirect, no name that is looked up.
+/// A model server on this machine: the chosen one, else Ollama or a llama.cpp server at its default port. No request
+/// goes to another machine: no proxy, no redirect, no name lookup.
 class LoopbackLanguageModel final : public SystemLanguageModel {
     Q_OBJECT
 public:
-    /// Where to look without a choice.
+    /// Where to look if nothing was chosen.
     LoopbackLanguageModel(Scheduler& scheduler, const QStringList& usualServers);
-    ~LoopbackLanguageModel() override; ///< ends every request, as a failure
+    ~LoopbackLanguageModel() override; ///< ends every request with a failure
 
     void choose(const Choice& choice) override;
     std::optional<QString> unavailableReason() const override;
@@ -29,7 +29,7 @@ public:
         QString instructions, QString prompt, QJsonObject schema, CancelHandle cancel) override;
 
 private:
-    /// What the last look found.
+    /// The result of the last check.
     struct Known {
         std::optional<ModelServer> server;
         QList<ServedModel> models;
@@ -43,11 +43,11 @@ private:
     QCoro::Task<Result<HttpReply>> get(QUrl url);
     QCoro::Task<Result<QString>> ask(ModelQuestion question, CancelHandle cancel);
     void lookAgainAfter(Milliseconds pause);
-    ServedModel model() const; ///< the chosen one, else the first that runs here, else the first
+    ServedModel model() const; ///< the chosen one, else the first that runs on this machine, else the first
 
     Scheduler& m_scheduler;
     const QStringList m_usualServers;
-    // Apart, so that a look never waits for a free connection behind long answers.
+    // Separate, so that a check never waits for a free connection behind long answers.
     QNetworkAccessManager m_looks;
     QNetworkAccessManager m_answers;
     CancelHandle m_end; ///< cancelled with this object

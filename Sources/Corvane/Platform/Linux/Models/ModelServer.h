@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// A model server on this machine, in the two contracts that such servers speak.
+/// A model server on this machine, with either of the two common APIs.
 struct ModelServer {
     enum class Contract { Ollama, OpenAI };
 
@@ -22,37 +22,37 @@ struct ModelServer {
 
 struct ServedModel {
     QString name;
-    bool runsElsewhere = false; ///< the server passes the texts on to another machine
+    bool runsElsewhere = false; ///< the server forwards the texts to another machine
 
     bool operator==(const ServedModel&) const = default;
 };
 
-/// What a model is asked.
+/// A request to a model.
 struct ModelQuestion {
     QString model;
     QString instructions;
     QString prompt;
-    std::optional<QJsonObject> schema; ///< its properties are asked for in the order in which it requires them
+    std::optional<QJsonObject> schema; ///< its properties are requested in the order of its "required"
 };
 
-/// The absolute http URL of a server on the loopback interface, without user, query and trailing slash; nothing
-/// for any other text.
+/// The absolute http URL of a server on the loopback interface, without user, query and trailing slash; nothing for any
+/// other text.
 std::optional<QUrl> loopbackUrl(const QString& text);
 
 QUrl urlOf(const QUrl& base, const QString& path); ///< {base}{path}
 
-QString versionPath(); ///< answered by Ollama only
+QString versionPath(); ///< only Ollama answers it
 bool isOllamaVersion(const HttpReply& reply);
 
 QString modelsPath(ModelServer::Contract contract);
 
-/// The models that the server lists; a failure says in words why there is no list.
+/// The models that the server lists; a failure says why there is no list.
 Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& server);
 
 QString chatPath(ModelServer::Contract contract);
 QByteArray chatBody(const ModelQuestion& question, ModelServer::Contract contract);
 
-/// The text of an answer; a failure carries words for the user.
+/// The text of an answer; the error is for the user.
 Result<QString> answerIn(const HttpReply& reply, const ModelServer& server);
 
 /// "llama3.2:3b (Ollama)", "qwen.gguf (llama.cpp)"

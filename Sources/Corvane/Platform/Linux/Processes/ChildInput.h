@@ -10,21 +10,20 @@
 
 namespace corvane {
 
-/// The writing end of a child's standard input. What the pipe does not take is kept, in order, and written on
-/// from the event loop when there is room. What the child has not read yet is remembered, also after the pipe is
-/// closed.
+/// The write end of a child's standard input. What the pipe does not take is buffered, in order, and written from the
+/// event loop when there is room. It knows what the child has not read yet, even after the pipe is closed.
 class ChildInput {
 public:
     explicit ChildInput(Descriptor pipe);
 
-    /// All or nothing: fails where the pipe is closed, or more than 4 MiB would wait.
+    /// All or nothing: fails if the pipe is closed, or if more than 4 MiB would be buffered.
     Result<void> write(const QByteArray& bytes);
 
     bool isOpen() const { return m_pipe.isOpen(); }
     bool hasRead(const QByteArray& bytes); ///< see `ChildProcess`
     bool withdraw(const QByteArray& bytes);
 
-    /// What waits for room stays here. The child may read on what is in the pipe.
+    /// Drops what is buffered. The child may still read what is in the pipe.
     void close();
     void markEnded(); ///< the child reads no more
 
@@ -34,12 +33,12 @@ private:
     int unreadBytes() const; ///< of those in the pipe
 
     Descriptor m_pipe;
-    Descriptor m_closedPipe; ///< tells what is unread once the writing end is closed
-    std::deque<QByteArray> m_written; ///< whose last byte is in the pipe, or was
+    Descriptor m_closedPipe; ///< tells what is unread after the write end was closed
+    std::deque<QByteArray> m_written; ///< writes whose last byte is or was in the pipe
     std::deque<QByteArray> m_waiting;
-    qsizetype m_begun = 0; ///< of the first that waits, how much is in the pipe
+    qsizetype m_begun = 0; ///< how much of the first buffered write is in the pipe
     qsizetype m_waitingSize = 0;
-    std::unique_ptr<QSocketNotifier> m_room; ///< enabled while something waits
+    std::unique_ptr<QSocketNotifier> m_room; ///< enabled while something is buffered
     bool m_isReaderGone = false;
 };
 

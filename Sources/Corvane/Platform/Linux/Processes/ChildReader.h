@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// One thread that reads what all children print and notices their ends. It owns descriptors and nothing of
-/// the program; what it finds arrives on the thread that made it.
+/// One thread that reads the output of all children and notices their exits. It owns descriptors and no state of the
+/// program; results are delivered on the thread that created it.
 class ChildReader {
 public:
     struct Receiver {
@@ -18,9 +18,9 @@ public:
     };
 
     explicit ChildReader(Receiver receiver);
-    ~ChildReader(); ///< nothing arrives any more
+    ~ChildReader(); ///< nothing is delivered afterwards
 
-    /// `output` may be closed; `handle` becomes readable when the process ends, and is reaped here.
+    /// `output` may be closed; `handle` becomes readable when the process exits, and is reaped here.
     void add(quint64 id, Descriptor output, std::shared_ptr<const Descriptor> handle);
 
 private:

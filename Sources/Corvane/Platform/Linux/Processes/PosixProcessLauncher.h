@@ -10,7 +10,7 @@ namespace corvane {
 
 class LinuxChild;
 
-/// Children through posix_spawn, which costs the same however large this process is.
+/// Starts children with posix_spawn, whose cost does not grow with this process.
 class PosixProcessLauncher final : public ProcessLauncher {
 public:
     explicit PosixProcessLauncher(Scheduler& scheduler);

@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// One thread a tool, which reads both of its pipes and waits for its end.
+/// One thread per tool, which reads both of its pipes and waits for its exit.
 class PosixToolRunner final : public ToolRunner {
 public:
     PosixToolRunner();
@@ -29,7 +29,7 @@ private:
 
     QHash<quint64, Entry> m_running;
     quint64 m_nextId = 0;
-    QObject m_home; ///< goes first: what the threads bring home to it is dropped
+    QObject m_home; ///< destroyed first: pending results of the threads are dropped
 };
 
 }

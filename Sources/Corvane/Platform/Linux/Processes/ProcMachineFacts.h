@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-/// The machine through /proc and /sys, and through UPower and power-profiles-daemon where they run.
+/// Reads /proc and /sys, and UPower and power-profiles-daemon if they run.
 class ProcMachineFacts final : public MachineFacts {
 public:
-    /// `root` stands before every path of the system; empty: this machine.
+    /// `root` is prepended to every system path; empty: this machine.
     ProcMachineFacts(const QString& root, const QString& dataFolder, const QDBusConnection& systemBus);
 
     SystemVersion version() const override { return m_version; }

@@ -49,7 +49,7 @@ bool holdsOneOf(const QSet<QByteArray>& inodes, const QString& processFolder)
     return false;
 }
 
-/// The user with whose rights the process acts, or nothing where the process has gone.
+/// The user with whose rights the process acts, or nothing if the process has gone.
 std::optional<quint32> effectiveUser(const QString& processFolder)
 {
     for (const QByteArray& line : systemFile(processFolder + u"/status"_s).split('\n')) {

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Looks the holders up where the kernel lists them.
+/// Reads the kernel's socket tables.
 class ProcPortHolders final : public PortHolders {
 public:
     explicit ProcPortHolders(const QString& procFolder = u"/proc"_s);

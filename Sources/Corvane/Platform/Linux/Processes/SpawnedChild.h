@@ -5,34 +5,34 @@
 
 namespace corvane {
 
-/// A child that runs, and this side of what connects it. The ends of pipes do not block; those of streams that go
-/// to the null device are closed.
+/// A running child and this side of its pipes. The pipe ends are non-blocking; those of streams that go to the null
+/// device are closed.
 struct SpawnedChild {
     qint64 pid = 0;
-    std::shared_ptr<const Descriptor> handle; ///< the process itself: readable once it has ended
+    std::shared_ptr<const Descriptor> handle; ///< pidfd of the process: readable once it has exited
     Descriptor input = {};
     Descriptor output = {};
     Descriptor errors = {};
 };
 
-// All start the program as the leader of a process group of its own, with no descriptor but the standard three, no
-// signal blocked and SIGPIPE as it is by default.
+// All start the program as the leader of its own process group, with only the three standard descriptors, no blocked
+// signals and the default SIGPIPE.
 
-/// Standard error goes to the null device, and without `ProcessSpec::pipes` the others do too.
+/// Standard error goes to the null device, and without `ProcessSpec::pipes` the other streams do, too.
 Result<SpawnedChild> spawnChild(const ProcessSpec& spec);
 
-/// With pipes for what it prints; `input` is all that it reads from standard input.
+/// With pipes for its output; `input` is its whole standard input.
 Result<SpawnedChild> spawnTool(const ProcessSpec& spec, const QByteArray& input);
 
 /// `input` is one end of a socket whose other end is the child's standard input; its other streams go to the null
 /// device.
 Result<SpawnedChild> spawnOverSocket(const ProcessSpec& spec);
 
-/// Sends a signal to the very process, never to another that has taken over its number.
+/// Signals exactly this process, never one that reuses its pid.
 void signalChild(const Descriptor& handle, int signal);
 
-/// Takes the status of a child that has ended: the exit status, or minus the signal's number. Kills what is left of
-/// its process group before.
+/// Reaps a child that has exited: returns the exit status, or minus the signal's number. Kills the rest of its process
+/// group first.
 int reapChild(const Descriptor& handle);
 
 }

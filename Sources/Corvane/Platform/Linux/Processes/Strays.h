@@ -8,13 +8,13 @@
 
 namespace corvane {
 
-/// Kills what has left a tool's process group for a group or a session of its own: every process that descends from
-/// `root`, and every one that still holds the writing end of one of the pipes (those that are not open count for
-/// nothing). Reads all of /proc, so it takes some milliseconds, and any thread may do it.
+/// Kills processes that left a tool's process group: every descendant of `root`, and every process that still holds the
+/// write end of one of the pipes (closed ones are ignored). Reads all of /proc, which takes some milliseconds; any
+/// thread may call it.
 void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes);
 
-/// Sends the signal, or none where it is 0, to every process of this user but this one that has the variable
-/// ("NAME=value") in its environment. Returns how many. It reads all of /proc.
+/// Sends the signal, or none if it is 0, to every other process of this user that has the variable ("NAME=value") in
+/// its environment. Returns their number. Reads all of /proc.
 int signalMarked(const QByteArray& variable, int signal);
 
 }

@@ -127,7 +127,7 @@ std::optional<Failure> clear(const QByteArray& account, Unlock unlock, GCancella
     });
 }
 
-/// False where the item is locked.
+/// False if the item is locked.
 bool addSecret(SecretRetrievable* item, Keyring::Secrets& secrets, GCancellable* cancellable, GError** error)
 {
     if (SECRET_IS_ITEM(item) && secret_item_get_locked(SECRET_ITEM(item)))

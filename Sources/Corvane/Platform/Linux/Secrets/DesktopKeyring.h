@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// The desktop's Secret Service, over libsecret on a thread of its own. The thread waits as long as the service takes;
-/// the end of this object does not wait for it.
+/// The desktop's Secret Service, through libsecret on its own thread. The thread waits as long as the service takes;
+/// destroying this object does not wait for it.
 class DesktopKeyring final : public Keyring {
 public:
     DesktopKeyring();

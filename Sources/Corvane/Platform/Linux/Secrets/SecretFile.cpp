@@ -20,7 +20,7 @@ namespace {
 
 const QString service = u"com.nimb.corvane"_s;
 
-/// Makes the folder where it is missing, and shuts it to others. False where it is not ours.
+/// Makes the folder where it is missing, and shuts it to others. False if it is not ours.
 bool closeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
@@ -41,7 +41,7 @@ bool isTrusted(const Descriptor& file)
     return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0 || ::fchmod(file.number(), S_IRUSR | S_IWUSR) == 0;
 }
 
-/// Nothing where a file stands that is not to be trusted.
+/// Nothing if a file stands that is not to be trusted.
 std::optional<QJsonObject> readTrusted(const QString& path)
 {
     const Descriptor descriptor(

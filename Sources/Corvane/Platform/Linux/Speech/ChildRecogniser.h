@@ -9,19 +9,19 @@ namespace corvane {
 
 class ProcessLauncher;
 
-/// A recogniser that is a command line tool.
+/// A command line speech recogniser.
 struct RecogniserProgram {
-    QString executable; ///< empty where it is not installed
-    bool wantsHeader = false; ///< the sound is a WAV file; else the samples alone
+    QString executable; ///< empty if it is not installed
+    bool wantsHeader = false; ///< input is a WAV file instead of raw samples
     std::function<QStringList(const SpeechJob& job, const QString& soundPath)> arguments;
-    std::function<void(const QString& line, QList<HeardSpeech>& heard)> hear; ///< takes in a line of its output
-    std::function<QString(int code)> describeFailure; ///< the exit code in words for the user
+    std::function<void(const QString& line, QList<HeardSpeech>& heard)> hear; ///< parses a line of its output
+    std::function<QString(int code)> describeFailure; ///< the exit code as an error for the user
 };
 
 RecogniserProgram whisperProgram();
 RecogniserProgram pocketSphinxProgram();
 
-/// Runs one child a job. The sound reaches it in memory that no other user can read and that goes with the job.
+/// Runs one child per job. The sound is passed in memory that no other user can read and that is freed with the job.
 class ChildRecogniser final : public SpeechRecogniser {
 public:
     /// `launcher` outlives the recogniser.
@@ -36,7 +36,7 @@ private:
     struct Run;
 
     ProcessLauncher& m_launcher;
-    const std::shared_ptr<const RecogniserProgram> m_program; ///< shared with the runs
+    const std::shared_ptr<const RecogniserProgram> m_program; ///< shared with the running jobs
     QList<std::weak_ptr<Run>> m_running;
 };
 

@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-/// The icon as panels read it.
+/// The icon's D-Bus interface for panels.
 class StatusNotifierItem final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierItem")

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// The icon for panels that collect them through org.kde.StatusNotifierWatcher, whenever one comes up.
+/// A tray icon for panels that support org.kde.StatusNotifierWatcher; it appears whenever a watcher starts.
 class StatusNotifierTray final : public Tray {
     Q_OBJECT
 public:
@@ -34,8 +34,8 @@ private:
     QString m_serviceName;
     StatusNotifierItem m_item;
     TrayMenu m_menu;
-    bool m_registered = false; ///< a watcher took the icon
-    bool m_hasHost = false; ///< somebody draws what that watcher holds
+    bool m_registered = false; ///< a watcher accepted the icon
+    bool m_hasHost = false; ///< a panel shows that watcher's icons
     bool m_shown = false;
 };
 

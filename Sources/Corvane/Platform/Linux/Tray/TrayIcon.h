@@ -6,9 +6,8 @@ namespace corvane {
 
 enum class TrayMark { None, Unread, Waiting, Recording };
 
-/// The program's sign at `size` pixels square: a bird's head that is a speech bubble, on a round tile; what
-/// is unread puts a red dot at its corner, what waits for a decision an amber one, a recording a red ring with a dot in
-/// it.
+/// The program's icon at `size` pixels square: a bird's head as a speech bubble on a round tile. A red dot in the
+/// corner marks unread messages, an amber one pending decisions, a red ring with a dot a recording.
 QImage trayIcon(int size, TrayMark mark);
 
 }

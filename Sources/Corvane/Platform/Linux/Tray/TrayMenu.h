@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// The tray icon's menu as panels read it: one flat list under the root, which has the id 0.
+/// The D-Bus interface of the tray icon's menu: one flat list under the root, which has the id 0.
 class TrayMenu final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")
@@ -47,7 +47,7 @@ private:
     bool handleEvent(int id, const QString& event);
 
     QList<Tray::Item> m_items;
-    int m_firstId = 1; ///< of m_items; the ids of an earlier menu are never used again
+    int m_firstId = 1; ///< of m_items; ids of earlier menus are never reused
     uint m_revision = 1;
 };
 

@@ -5,14 +5,13 @@
 #include <QList>
 #include <QVariantMap>
 
-/// The structures that panels exchange with a tray icon (org.kde.StatusNotifierItem) and its menu
-/// (com.canonical.dbusmenu).
+/// The D-Bus types of a tray icon (org.kde.StatusNotifierItem) and its menu (com.canonical.dbusmenu).
 namespace corvane {
 
 struct TrayPixmap {
     int width = 0;
     int height = 0;
-    QByteArray argb; ///< four bytes a pixel, alpha first
+    QByteArray argb; ///< four bytes per pixel, alpha first
 };
 using TrayPixmaps = QList<TrayPixmap>;
 
@@ -52,7 +51,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuProperties& p
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event);
 
-/// To be called before any of these goes over a bus; may be called again.
+/// Registers the types; call it before any of them is sent. May be called again.
 void registerTrayTypes();
 
 }
