@@ -39,9 +39,9 @@ void removeFolder(const QString& path)
 }
 
 /// A thread may be read anywhere: here, on the phone, by another program.
-void withdrawRead(LocalDB& db, Notifier& notifier)
+void withdrawRead(LocalDB& db, Notifier& notifier, const QSet<QString>& contacts)
 {
-    for (const QString& contact : QSet<QString>(notifier.contactsTold())) {
+    for (const QString& contact : contacts) {
         if (unreadOf(db, contact) == 0)
             notifier.withdrawMessages(contact);
     }
@@ -98,7 +98,7 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, lines, surroundings.notifier, surroundings.paths.applicationSupport)
-    , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.refreshUnreadBadge(); })
+    , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.countUnread(); })
 {
 }
 
@@ -293,17 +293,26 @@ void EngineManager::setMediaDownload(const QString& messageId, const std::option
 
 void EngineManager::refreshUnreadBadge()
 {
+    m_state->bumped.insert(QString());
+    countUnread();
+}
+
+void EngineManager::countUnread()
+{
     const int total = totalUnread(*m_state->db);
     if (std::exchange(m_unreadTotal, total) != total)
         Q_EMIT unreadTotalChanged();
     m_state->desktop.setBadge(total);
-    withdrawRead(*m_state->db, m_state->notifier);
+    QSet<QString> bumped = std::exchange(m_state->bumped, {});
+    const QSet<QString> told = m_state->notifier.contactsTold();
+    withdrawRead(*m_state->db, m_state->notifier, bumped.contains(QString()) ? told : bumped.intersect(told));
 }
 
 void EngineManager::bump(const QString& contactId)
 {
     ++m_inboxRevision;
     Q_EMIT inboxRevisionChanged(contactId);
+    m_state->bumped.insert(contactId);
     m_state->badge.request();
 }
 

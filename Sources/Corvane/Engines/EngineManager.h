@@ -141,6 +141,7 @@ Q_SIGNALS:
 private:
     bool takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker);
     void tellDirectSend(const QString& id, const QJsonObject& acknowledgment);
+    void countUnread();
     void failMediaOf(const std::shared_ptr<ChildProcess>& engine); ///< it exited
     void setMediaDownload(const QString& messageId, const std::optional<MediaDownloadStatus>& status);
 

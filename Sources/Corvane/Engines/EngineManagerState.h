@@ -34,6 +34,7 @@ struct EngineManager::State {
     Ingest ingest;
     std::unique_ptr<AIRequestWatcher> aiRequests; ///< null until it is started
     Coalescer badge;
+    QSet<QString> bumped; ///< contacts since unread messages were last counted; the empty id stands for all of them
     QHash<QString, MediaDownloadStatus> mediaDownloads;
     QHash<QString, std::weak_ptr<ChildProcess>> mediaAskedOf; ///< the engine that is downloading a message's file
 };
