@@ -6,6 +6,8 @@
 #include <QtWidgets>
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
