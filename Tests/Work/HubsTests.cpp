@@ -47,6 +47,12 @@ TEST_F(Hubs, theQueueHoldsWhoWaitsLongestFirst)
     says("dora", "IN", 90);
     says("eve", "IN", 70 * 24 * 60);
     says("group", "IN", 1000);
+    person("kiln", "Kiln Monitor");
+    for (int minute = 1; minute <= 30; ++minute)
+        says("kiln", "IN", minute);
+    person("shop", "Shop");
+    says("shop", "IN", 600);
+    m_db->run("INSERT INTO contact_identity(id, contact_id, channel, handle) VALUES('i','shop','EMAIL','No-Reply@shop.example');");
     m_db->exec("UPDATE unified_conversation SET muted=1 WHERE id='cdora';");
     const WorkContextRow client = context(u"Ana"_s, u"cx"_s);
     item(client.id, u"Glaze chips"_s, u"open"_s, u"bug"_s, u"cx"_s);
@@ -56,6 +62,7 @@ TEST_F(Hubs, theQueueHoldsWhoWaitsLongestFirst)
     EXPECT_EQ(hub.queueRows().at(0).name + ": " + hub.queueRows().at(0).work, "ana: 1 open · 1 ticket");
     EXPECT_EQ(hub.queueRows().at(0).waits, "wrote 13 hours ago") << "since the first message that was not answered";
     EXPECT_EQ(hub.queueRows().at(1).name, "ben");
+    EXPECT_EQ(hub.queueText(), "2 people wait · 2 automatic senders left out");
     EXPECT_EQ(hub.thread()->rowCount(), 3);
     QString opened;
     const auto observation
@@ -85,6 +92,9 @@ TEST_F(Hubs, dealsStandByStageWithTheirSumsAndAreMovedBack)
     EXPECT_EQ(hub.stage(3)->count(), 1);
     hub.undo();
     EXPECT_EQ(hub.stage(2)->count(), 2);
+    hub.moveDealBy(cell("SELECT id FROM crm_deal WHERE name='Odd';"), -1);
+    hub.undo();
+    EXPECT_EQ(cell("SELECT stage FROM crm_deal WHERE name='Odd';"), "") << "as it was, not as it is shown";
 }
 
 TEST_F(Hubs, lumoShowsKnowledgeAgentsAndFlowsOfEveryModule)

@@ -63,7 +63,11 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     EXPECT_EQ(shell.tab(), "finance") << "not a tab of this context";
     shell.setTab(u"approvals"_s);
     shell.select(kiln.id);
-    EXPECT_EQ(shell.tab(), "processes");
+    EXPECT_EQ(shell.tab(), "approvals") << "a tab that both have stays";
+    shell.setTab(u"processes"_s);
+    shell.select(pay.id);
+    EXPECT_EQ(shell.tab(), "finance") << "and one that this has not gives way to its own";
+    shell.select(kiln.id);
     shell.setTab(u"evidence"_s);
     m_db->run("UPDATE work_context SET title='Kiln repair' WHERE id=?;", { kiln.id });
     shell.refresh();
@@ -113,6 +117,32 @@ TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)
     board.move(id, 0);
     EXPECT_EQ(board.error(), "It could not be moved: the change was not saved.");
     EXPECT_EQ(board.lane(2)->countText(), "2");
+}
+
+TEST_F(WorkShell, oneRowThatChangedRepaintsOneCard)
+{
+    m_db->watch().start();
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    for (int i = 0; i < 100; ++i)
+        item(kiln.id, u"Item %1"_s.arg(i), i % 2 ? u"open"_s : u"waiting"_s);
+    shell.setShown(true);
+    shell.select(kiln.id);
+    QStringList painted;
+    int others = 0;
+    for (int at = 0; at < shell.board()->laneCount(); ++at) {
+        const HoldingListModel* const items = shell.board()->lane(at)->items();
+        QObject::connect(items, &QAbstractItemModel::dataChanged, items, [&, at](const QModelIndex& first, auto last) {
+            for (int row = first.row(); row <= last.row(); ++row)
+                painted.append(lane(at).at(row));
+        });
+        for (const auto added : { &QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved })
+            QObject::connect(items, added, items, [&] { ++others; });
+        QObject::connect(items, &QAbstractItemModel::modelReset, items, [&] { ++others; });
+    }
+    OtherProcess(path()).exec("UPDATE work_item SET owner='Luis', updated_at='2030-01-01T00:00:00Z' WHERE title='Item 7';");
+    m_clock.advance(Milliseconds(4000));
+    EXPECT_EQ(painted, QStringList("Item 7"));
+    EXPECT_EQ(others, 0) << "the rest stays as it is, also where the card moves up";
 }
 
 TEST_F(WorkShell, aSheetThatIsOvertakenOffersBothVersions)
@@ -190,8 +220,41 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
         story.at(0).contains("Review Invoice Check for May invoices - approved") || story.at(1).contains("- approved"));
     EXPECT_TRUE(story.contains("decision: Approved by Oskel: Review Invoice Check for May invoices"));
     EXPECT_EQ(story.last(), "message: Corvane Rejected memory proposal locally: Invoices come on Fridays.");
-    shell.queueDraft(u"Dear Ana, we will pay the invoice"_s);
+    EXPECT_TRUE(shell.queueDraft(u"Dear Ana, we will pay the invoice"_s));
     EXPECT_EQ(cell("SELECT risk FROM work_decision ORDER BY rowid DESC;"), "money") << "nothing is sent, it waits";
+    m_db->exec("UPDATE work_decision SET status='approved';");
+    for (int i = 0; i < 51; ++i)
+        insertWorkDecision(*m_db, { "ops", may.id, "Pay", "", "", "money" });
+    m_db->exec("UPDATE work_decision SET status='rejected' WHERE title='Pay';");
+    insertWorkDecision(*m_db, { "ops", may.id, "Rename the folder", "", "", "" });
+    shell.refresh();
+    EXPECT_EQ(shell.decisions()->decisionRows().first().title, "Rename the folder") << "behind any number of others";
+    m_db->exec("DROP TABLE work_decision;");
+    EXPECT_FALSE(shell.queueDraft(u"Kept in the field"_s));
+    EXPECT_EQ(shell.notice(), "Could not save work_item.");
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_item WHERE summary='Kept in the field';"), "0") << "not without its gate";
+}
+
+TEST_F(WorkShell, whatIsCreatedAtAPlaceMayChooseItsContext)
+{
+    const WorkContextRow may = context(u"May invoices"_s);
+    shell.setShown(true);
+    WorkCreate& create = *shell.create();
+    for (const QString& place : { QString(), u"May invoices"_s }) {
+        create.begin(u"item"_s);
+        create.setTitle(u"Tidy"_s);
+        create.chooseContext(place);
+        create.save();
+    }
+    EXPECT_EQ(table("SELECT context_id, source FROM work_item ORDER BY rowid;"),
+        (QStringList { "-|ops-home", may.id + "|ops-home" }));
+    create.begin(u"ask"_s);
+    create.setTitle(u"Which clay?"_s);
+    create.save();
+    EXPECT_EQ(shell.notice(), "Ask saved. No work_context packet is available for LumoAI to answer.");
+    shell.select(may.id);
+    create.begin(u"item"_s);
+    EXPECT_TRUE(create.contexts().isEmpty()) << "the context is no question here";
 }
 
 TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
@@ -207,7 +270,9 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
         "work unit for O'\"'\"'Brien'\"'\"'s invoices, attach evidence, post Terminal Chat update, then stop or ask.'");
     EXPECT_EQ(messages().last(),
         "message|Prepared Ops Agent for O'Brien's invoices. Opened a launch shell with the server-agent command.");
-    EXPECT_TRUE(shells.first().startsWith("Launch Ops Agent\n# Prepared Corvane work agent\n# Module: ops\n"));
+    EXPECT_TRUE(agents.banner().startsWith("\n# Prepared Corvane work agent\n# Module: ops\n"));
+    EXPECT_TRUE(shell.shells()->isOpen());
+    EXPECT_EQ(shell.shells()->view()->current()->label(), "Launch Ops Agent");
     EXPECT_EQ(agents.rows().first().state, "Ready");
     m_db->exec("UPDATE work_agent SET status='running';");
     m_clock.advance(Milliseconds(1'200'000));

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Store/Work/OpsRecords.h"
 #include "Store/Work/WorkWrites.h"
+#include "Support/FakeDesktop.h"
 #include "Support/FakeLanguageModel.h"
 #include "Support/StoreTest.h"
 #include "Work/WorkServices.h"
@@ -30,11 +31,8 @@ protected:
 
     LocalDB& db = open();
     FakeLumo lumo;
-    QStringList shells;
-    WorkServices services { db, m_clock, lumo.ai, m_centre,
-        [this](const QString& name, const QString& text) { shells.append(name + text); },
-        [] {
-        } };
+    FakeDesktop desktop;
+    WorkServices services { db, m_clock, lumo.ai, m_centre, { m_clock, m_defaults, desktop, m_home.paths().home, {} } };
 };
 
 }

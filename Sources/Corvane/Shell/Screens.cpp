@@ -49,10 +49,10 @@ Screens::Screens(CorvaneApp& root)
           calls, callSettings, app.ai(), &app.capture() })
     , closingNotice(app.tray(), app.defaults())
     , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
-    , lumo(workServices(app, *this))
-    , gtm(workServices(app, *this))
-    , cx(workServices(app, *this))
-    , ops(workServices(app, *this))
+    , lumo(workServices(app))
+    , gtm(workServices(app))
+    , cx(workServices(app))
+    , ops(workServices(app))
 {
     const auto showUnread = [this] {
         shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
@@ -92,13 +92,23 @@ Screens::Screens(CorvaneApp& root)
     panel.resources()->setMonitor(app.resources());
     today.resources()->setMonitor(app.resources());
     QObject::connect(&app, &CorvaneApp::settingsRequested, &shell, &AppShell::openSettings);
-    QObject::connect(&app, &CorvaneApp::quitRequested, &terminals, [this] {
-        if (!terminals.asksBeforeQuit())
-            return app.quit();
-        shell.selectHub(u"dev"_s);
-        Q_EMIT app.windowRequested();
+    const QList<std::pair<QString, TerminalsView*>> shells { { u"dev"_s, &terminals },
+        { u"lumo"_s, lumo.shell()->shells()->view() }, { u"gtm"_s, gtm.shell()->shells()->view() },
+        { u"cx"_s, cx.shell()->shells()->view() }, { u"ops"_s, ops.shell()->shells()->view() } };
+    QObject::connect(&app, &CorvaneApp::quitRequested, &shell, [this, shells] {
+        for (const auto& [hub, view] : shells) {
+            if (!view->asksBeforeQuit())
+                continue;
+            shell.selectHub(hub);
+            return Q_EMIT app.windowRequested();
+        }
+        app.quit();
     });
-    QObject::connect(&terminals, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);
+    for (const auto& [hub, view] : shells)
+        QObject::connect(view, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);
+    // Messages that arrive here are no news of another program's.
+    for (WorkModuleShell* const hub : { gtm.shell(), cx.shell() })
+        QObject::connect(&app.engine(), &EngineManager::inboxRevisionChanged, hub, &WorkModuleShell::setStale);
 }
 
 }

@@ -2,17 +2,16 @@
 
 #include "AI/AIServices.h"
 #include "Foundation/Literals.h"
-#include "Presentation/BodyText.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Work/WorkBoardQueries.h"
-#include "Terminals/ShellCommand.h"
 
 namespace corvane {
 
 namespace {
 
 constexpr int hitsOfAKind = 5;
+const QStringList workspaceModules { u"lumo"_s, u"gtm"_s, u"cx"_s, u"ops"_s };
 const QChar separator(u'\n'); // in no id
 
 QString iconOf(const QString& kind)
@@ -20,24 +19,6 @@ QString iconOf(const QString& kind)
     static const QHash<QString, QString> icons { { u"context"_s, u"view-list"_s }, { u"item"_s, u"tick"_s },
         { u"decision"_s, u"approvals"_s }, { u"ask"_s, u"dialog-information"_s }, { u"project"_s, u"computer"_s } };
     return icons.value(kind);
-}
-
-/// The user's shell behind a text that it is given to print: the text is an argument and never typed, so that nothing
-/// in it can be run.
-terminal::Command shellThatShows(const QString& text, const QString& home, std::optional<mode_t> umask)
-{
-    terminal::Command command = shellCommand(resolvedDirectory(u"~/nimb/apps/nimb-local"_s, home), umask);
-    const std::string program
-        = command.program.empty() ? qEnvironmentVariable("SHELL", u"/bin/sh"_s).toStdString() : command.program;
-    std::vector<std::string> arguments { "-c", R"(printf %s "$0"; exec "$@")", BodyText::printable(text).toStdString(),
-        program };
-    if (command.program.empty())
-        arguments.emplace_back("-l");
-    else
-        arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
-    command.program = "/bin/sh";
-    command.arguments = arguments;
-    return command;
 }
 
 WorkModuleShell* shellOf(Screens& screens, const QString& module)
@@ -53,17 +34,10 @@ WorkModuleShell* shellOf(Screens& screens, const QString& module)
 
 }
 
-WorkServices workServices(CorvaneApp& app, Screens& screens)
+WorkServices workServices(CorvaneApp& app)
 {
     return { app.db(), app.scheduler(), app.ai().ai, app.notifications(),
-        [&app, &screens](const QString& name, const QString& text) {
-            LumoTerminalSession& session = screens.terminals.createLocalSession(
-                u"work"_s, shellThatShows(text, app.paths().home, app.userUmask()));
-            screens.terminals.rename(session.id(), name);
-        },
-        [&screens] {
-            screens.shell.selectHub(u"dev"_s);
-        } };
+        { app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() } };
 }
 
 QList<Command> workCommands()
@@ -80,6 +54,9 @@ QList<PaletteItem> foundWork(LocalDB& db, const QString& query)
 {
     QList<PaletteItem> items;
     for (const WorkHit& hit : findWork(db, query, hitsOfAKind)) {
+        // An item of a module that has no workspace could not be shown.
+        if ((hit.kind == "context"_L1 || hit.kind == "item"_L1) && !workspaceModules.contains(hit.module))
+            continue;
         PaletteItem item;
         item.id = QStringList { u"work"_s, hit.kind, hit.module, hit.contextId, hit.id }.join(separator);
         item.label = shownLine(hit.title);

@@ -9,8 +9,8 @@ class CorvaneApp;
 class LocalDB;
 class Screens;
 
-/// The services for the hubs of the room Work; the screens outlive them.
-WorkServices workServices(CorvaneApp& app, Screens& screens);
+/// The services for the hubs of the room Work.
+WorkServices workServices(CorvaneApp& app);
 
 QList<Command> workCommands();
 

@@ -17,6 +17,8 @@ namespace {
 const QString cx = u"cx"_s;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 constexpr qint64 forgottenAfterDays = 60; ///< nobody waits that long for an answer
+constexpr int programWrites = 30; ///< so many messages without one answer are those of a program
+constexpr int peopleRead = 1000;
 constexpr int peopleShown = 200;
 constexpr int messagesShown = 30;
 constexpr int itemsShown = 50;
@@ -29,23 +31,38 @@ QString shownName(const QString& name)
 
 }
 
+bool isAutomatic(const WaitingPerson& person)
+{
+    if (!person.everAnswered && person.unanswered >= programWrites)
+        return true;
+    static const QStringList names { u"alert"_s, u"alerts"_s, u"bounce"_s, u"bounces"_s, u"mailerdaemon"_s,
+        u"newsletter"_s, u"notification"_s, u"notifications"_s, u"notify"_s, u"postmaster"_s };
+    return std::ranges::any_of(person.handles, [&](const QString& handle) {
+        QString name = handle.section(u'@', 0, 0).toLower();
+        if (!handle.contains(u'@'))
+            return person.channel == "TELEGRAM"_L1 && name.endsWith("bot"_L1);
+        name.removeIf([](QChar letter) { return !letter.isLetterOrNumber(); });
+        return names.contains(name) || name.contains("noreply"_L1) || name.contains("donotreply"_L1);
+    });
+}
+
 CXHub::CXHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_shell(services, WorkConsoleConfig::cx(), { workPlace(u"queue"_s, u"Waiting"_s) }, this)
 {
     connect(&m_shell, &WorkModuleShell::refreshed, this, &CXHub::readPlaces);
-    m_at.db.watch().on(StoreSubject::Messages, this, [this] {
-        if (m_shell.shown() && !m_shell.place().isEmpty())
-            readPlaces();
-    });
+    connect(&m_shell, &WorkModuleShell::aged, this, &CXHub::readPlaces);
+    m_at.db.watch().on(StoreSubject::Messages, this, [this] { m_shell.setStale(); });
 }
 
 void CXHub::readPlaces()
 {
     const qint64 now = m_at.db.nowMs();
     const DateWords words(now);
-    const QList<WaitingPerson> waiting = fetchWaitingPeople(m_at.db, now - forgottenAfterDays * dayMs, peopleShown);
+    QList<WaitingPerson> waiting = fetchWaitingPeople(m_at.db, now - forgottenAfterDays * dayMs, peopleRead);
+    m_automatic = int(waiting.removeIf(isAutomatic));
+    waiting = waiting.mid(0, peopleShown);
     // A client's context names the contact, or bears the person's name.
     const QList<WorkContextRow> contexts = fetchWorkContexts(m_at.db, cx, 500);
     m_contexts.clear();
@@ -117,10 +134,12 @@ void CXHub::readSelected()
 QString CXHub::queueText() const
 {
     const auto late = std::ranges::count(m_queue.rows(), true, &WaitingSeed::late);
-    return m_queue.rows().isEmpty()
-        ? QString()
-        : factLine({ countWords(int(m_queue.rows().size()), u"person waits"_s, u"people wait"_s),
-              late > 0 ? u"%1 for more than a day"_s.arg(late) : QString() });
+    const auto people = int(m_queue.rows().size());
+    return factLine({ people > 0 ? countWords(people, u"person waits"_s, u"people wait"_s) : QString(),
+        late > 0 ? u"%1 for more than a day"_s.arg(late) : QString(),
+        m_automatic > 0
+            ? countWords(m_automatic, u"automatic sender left out"_s, u"automatic senders left out"_s)
+            : QString() });
 }
 
 QString CXHub::name() const

@@ -37,6 +37,9 @@ public:
     bool operator==(const WaitingSeed&) const = default;
 };
 
+/// Whether a program writes these messages: its address says so, or it sent many and never got an answer.
+bool isAutomatic(const WaitingPerson& person);
+
 /// A message of the thread next to the queue.
 class QueueMessage {
     Q_GADGET
@@ -100,6 +103,7 @@ private:
     const WorkServices m_at;
     WorkModuleShell m_shell;
     QString m_selected;
+    int m_automatic = 0; ///< senders that are programs
     QHash<QString, QString> m_contexts; ///< of a person's work, by contact
     RowListModel<WaitingSeed> m_queue;
     RowListModel<QueueMessage> m_thread;

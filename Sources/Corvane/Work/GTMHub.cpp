@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/DateWords.h"
+#include "Store/Core/StoreWatch.h"
 #include "Store/People/CrmRecords.h"
 
 #include <QLocale>
@@ -71,10 +72,15 @@ DealSeed dealSeed(const DealLensRow& deal, bool open, const DateWords& words, qi
     return seed;
 }
 
-void PipelineStage::show(const QString& title, const QString& sum, const QList<DealSeed>& deals)
+QString PipelineStage::title() const
 {
-    const bool same = m_title == title && m_sum == sum && count() == deals.size();
-    m_title = title;
+    return m_stage.isEmpty() ? u"Unstaged"_s : shownLine(m_stage);
+}
+
+void PipelineStage::show(const QString& stage, const QString& sum, const QList<DealSeed>& deals)
+{
+    const bool same = m_stage == stage && m_sum == sum && count() == deals.size();
+    m_stage = stage;
     m_sum = sum;
     m_deals.assign(deals);
     if (!same)
@@ -88,6 +94,8 @@ GTMHub::GTMHub(const WorkServices& services, QObject* parent)
     , m_undo(services.scheduler, [this] { Q_EMIT changed(); })
 {
     connect(&m_shell, &WorkModuleShell::refreshed, this, &GTMHub::readPlaces);
+    connect(&m_shell, &WorkModuleShell::aged, this, &GTMHub::readPlaces);
+    m_at.db.watch().on(StoreSubject::Messages, this, [this] { m_shell.setStale(); });
 }
 
 void GTMHub::readPlaces()
@@ -104,14 +112,13 @@ void GTMHub::readPlaces()
     Sum openValue;
     Sum wonValue;
     for (const DealLensRow& row : fetchDealLens(m_at.db, dealsShown)) {
-        const QString stage = row.stage.isEmpty() ? u"Unstaged"_s : row.stage;
-        if (!stages.contains(stage))
-            stages.append(stage);
-        const bool open = !isClosed(stage);
+        if (!stages.contains(row.stage))
+            stages.append(row.stage);
+        const bool open = !isClosed(row.stage);
         const DealSeed seed = dealSeed(row, open, words, now);
-        deals[stage].append(seed);
-        sums[stage].add(row.value);
-        if (open || isWon(stage))
+        deals[row.stage].append(seed);
+        sums[row.stage].add(row.value);
+        if (open || isWon(row.stage))
             (open ? openValue : wonValue).add(row.value);
         cold += seed.cold ? 1 : 0;
         ++m_deals;
@@ -120,7 +127,7 @@ void GTMHub::readPlaces()
         if (at == int(m_stages.size()))
             m_stages.append(new PipelineStage(this));
         const QString stage = stages.at(at);
-        m_stages.at(at)->show(shownLine(stage), sums.value(stage).words(), deals.value(stage));
+        m_stages.at(at)->show(stage, sums.value(stage).words(), deals.value(stage));
     }
     if (std::exchange(m_stageCount, int(stages.size())) != stages.size())
         Q_EMIT stagesChanged();
@@ -162,17 +169,26 @@ void GTMHub::moveDeal(const QString& id, int stage)
     const int before = stageOf(id);
     if (before < 0 || stage < 0 || stage >= m_stageCount || before == stage)
         return;
-    const QString from = m_stages.at(before)->title();
-    const QString to = m_stages.at(stage)->title();
+    const QString from = m_stages.at(before)->stage();
+    const QString to = m_stages.at(stage)->stage();
+    const QString title = m_stages.at(stage)->title();
     const QList<DealSeed> rows = m_stages.at(before)->rows();
     const QString name = std::ranges::find(rows, id, &DealSeed::id)->name;
-    if (!moveCRMDeal(m_at.db, id, to))
+    if (!write(id, to))
         return;
-    m_undo.offer(u"Moved to %1: %2"_s.arg(to, name), [this, id, from] {
-        moveCRMDeal(m_at.db, id, from);
-        m_shell.refresh();
+    m_undo.offer(u"Moved to %1: %2"_s.arg(title, name), [this, id, from, to] {
+        // Whoever moved it on since then meant it.
+        if (const int now = stageOf(id); now >= 0 && m_stages.at(now)->stage() == to)
+            write(id, from);
     });
+}
+
+bool GTMHub::write(const QString& id, const QString& stage)
+{
+    const bool written = moveCRMDeal(m_at.db, id, stage);
+    m_error = written ? QString() : u"It could not be moved: the change was not saved."_s;
     m_shell.refresh();
+    return written;
 }
 
 void GTMHub::moveDealBy(const QString& id, int stages)

@@ -43,19 +43,20 @@ class PipelineStage : public QObject {
 public:
     using QObject::QObject;
 
-    const QString& title() const { return m_title; }
+    const QString& stage() const { return m_stage; } ///< as the deals have it; empty where they have none
+    QString title() const;
     const QString& sum() const { return m_sum; }
     int count() const { return int(m_deals.rows().size()); }
     GadgetListModel* deals() { return &m_deals; }
     const QList<DealSeed>& rows() const { return m_deals.rows(); }
 
-    void show(const QString& title, const QString& sum, const QList<DealSeed>& deals);
+    void show(const QString& stage, const QString& sum, const QList<DealSeed>& deals);
 
 Q_SIGNALS:
     void changed();
 
 private:
-    QString m_title;
+    QString m_stage;
     QString m_sum;
     RowListModel<DealSeed> m_deals;
 };
@@ -67,6 +68,7 @@ class GTMHub : public QObject {
     Q_PROPERTY(int stageCount READ stageCount NOTIFY stagesChanged)
     Q_PROPERTY(QList<corvane::WorkMetricSeed> metrics READ metrics NOTIFY changed)
     Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
+    Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* items READ items CONSTANT) ///< the module's open work
@@ -78,6 +80,7 @@ public:
     Q_INVOKABLE corvane::PipelineStage* stage(int index) const;
     const QList<WorkMetricSeed>& metrics() const { return m_metrics; }
     const QString& undoText() const { return m_undo.text(); }
+    const QString& error() const { return m_error; }
     QString emptyTitle() const;
     QString emptyText() const;
     GadgetListModel* items() { return &m_items; }
@@ -95,6 +98,7 @@ Q_SIGNALS:
 private:
     void readPlaces();
     int stageOf(const QString& id) const;
+    bool write(const QString& id, const QString& stage);
 
     const WorkServices m_at;
     WorkModuleShell m_shell;
@@ -102,6 +106,7 @@ private:
     int m_stageCount = 0;
     int m_deals = 0;
     QList<WorkMetricSeed> m_metrics;
+    QString m_error;
     UndoOffer m_undo;
     RowListModel<WorkItemSeed> m_items;
 };

@@ -23,10 +23,11 @@ LumoHub::LumoHub(const WorkServices& services, QObject* parent)
               workPlace(u"flows"_s, u"Flows"_s) },
           this)
     , m_knowledge(services.db, services.scheduler, this)
-    , m_agents(services, WorkConsoleConfig::lumo(), this)
+    , m_agents(services, WorkConsoleConfig::lumo(), *m_shell.shells(), this)
 {
     m_agents.setScope({}, true);
     connect(&m_shell, &WorkModuleShell::refreshed, this, &LumoHub::readPlaces);
+    connect(&m_shell, &WorkModuleShell::aged, &m_agents, &WorkAgents::reload);
     connect(&m_knowledge, &WorkDecisions::wrote, &m_shell, &WorkModuleShell::refresh);
 }
 

@@ -108,11 +108,6 @@ void OpsAsks::reload()
     Q_EMIT changed();
 }
 
-int OpsAsks::openCount() const
-{
-    return int(std::ranges::count(m_asks.rows(), true, &OpsAskSeed::open));
-}
-
 void OpsAsks::setIncludeAnswered(bool include)
 {
     if (std::exchange(m_includeAnswered, include) != include)

@@ -66,7 +66,6 @@ public:
 
     HoldingListModel* asks() { return &m_asks; }
     const QList<OpsAskSeed>& rows() const { return m_asks.rows(); }
-    int openCount() const;
     bool includeAnswered() const { return m_includeAnswered; }
     void setIncludeAnswered(bool include);
     QString answering() const;

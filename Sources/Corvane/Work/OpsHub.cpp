@@ -124,6 +124,10 @@ OpsHub::OpsHub(const WorkServices& services, QObject* parent)
         m_shell.refresh();
     };
     connect(&m_shell, &WorkModuleShell::refreshed, this, &OpsHub::readPlaces);
+    connect(&m_shell, &WorkModuleShell::aged, this, [this] {
+        if (m_shell.place() == "projects"_L1)
+            m_projects.reload();
+    });
     connect(&m_asks, &OpsAsks::wrote, this, readAgain);
     connect(&m_projects, &OpsProjects::wrote, this, readAgain);
     connect(&m_finance, &OpsFinance::wrote, this, readAgain);
@@ -148,12 +152,13 @@ void OpsHub::readPlaces()
         m_projects.reload();
     if (place == "finance"_L1)
         m_finance.reload();
-    if (place == "home"_L1)
+    if (place == "home"_L1) {
         m_latest.assign(opsTimeline(fetchWorkEvents(m_at.db, ops, {}, eventsRead), DateWords(m_at.db.nowMs())));
-    m_active = 0;
-    for (const WorkStatusCount& count : countWorkItems(m_at.db, { .module = ops, .context = {} }))
-        m_active += count.status.toLower() == "in_progress"_L1 ? count.count : 0;
-    m_shell.setPlaceCount(u"asks"_s, m_asks.openCount());
+        m_active = 0;
+        for (const WorkStatusCount& count : countWorkItems(m_at.db, { .module = ops, .context = {} }))
+            m_active += count.status.toLower() == "in_progress"_L1 ? count.count : 0;
+    }
+    m_shell.setPlaceCount(u"asks"_s, openAsks(m_at.db));
     Q_EMIT changed();
 }
 

@@ -120,10 +120,12 @@ QString launchBanner(
                config.module, shownLine(context.title), shownLine(agentName), command);
 }
 
-WorkAgents::WorkAgents(const WorkServices& services, const WorkConsoleConfig& config, QObject* parent)
+WorkAgents::WorkAgents(
+    const WorkServices& services, const WorkConsoleConfig& config, WorkShells& shells, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_config(config)
+    , m_shells(shells)
 {
 }
 
@@ -183,29 +185,23 @@ void WorkAgents::launch(const QString& agentName)
         m_error = u"The agent could not be noted: the database did not take it."_s;
         return Q_EMIT changed();
     }
-    m_launched = plan.name;
     m_command = workAgentLaunchCommand(m_config.module, *m_context, plan);
     m_banner = launchBanner(m_config, *m_context, plan.name, m_command);
-    m_at.openShell(u"Launch "_s + shownLine(m_launched), m_banner);
     postStatus(m_at.db, place,
         u"Prepared %1 for %2. Opened a launch shell with the server-agent command."_s.arg(plan.name, m_context->title),
         u"message"_s);
+    m_shells.show(u"Launch "_s + shownLine(plan.name), m_banner, u"~/nimb/apps/nimb-local"_s);
     reload();
     m_at.db.watch().tell(StoreSubject::Work);
     Q_EMIT wrote();
 }
 
-void WorkAgents::showLaunchShell()
-{
-    m_at.showShells();
-}
-
 void WorkAgents::createLocalShell()
 {
-    m_at.openShell(m_config.module,
+    m_shells.show({},
         u"\n# %1 context: %2\n# Risky actions require approval.\n\n"_s.arg(
-            m_config.module, m_context ? shownLine(m_context->title) : QString()));
-    m_at.showShells();
+            m_config.module, m_context ? shownLine(m_context->title) : QString()),
+        u"~/nimb"_s);
 }
 
 void WorkAgents::dismissLaunch()

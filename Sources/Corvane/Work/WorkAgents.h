@@ -4,6 +4,7 @@
 #include "Presentation/RowListModel.h"
 #include "Work/WorkConsoleConfig.h"
 #include "Work/WorkServices.h"
+#include "Work/WorkShells.h"
 
 namespace corvane {
 
@@ -74,7 +75,8 @@ class WorkAgents : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QList<corvane::Choice> safety READ safety CONSTANT) ///< rules that always apply
 public:
-    WorkAgents(const WorkServices& services, const WorkConsoleConfig& config, QObject* parent);
+    /// The shells outlive it.
+    WorkAgents(const WorkServices& services, const WorkConsoleConfig& config, WorkShells& shells, QObject* parent);
 
     /// Without a context those of the module; `everyModule`: of all modules.
     void setScope(const WorkContext& context, bool everyModule = false);
@@ -92,7 +94,6 @@ public:
 
     /// Records session and agent, and opens a terminal that shows the command. Empty: the module's default agent.
     Q_INVOKABLE void launch(const QString& agentName = {});
-    Q_INVOKABLE void showLaunchShell();
     Q_INVOKABLE void createLocalShell(); ///< a terminal that names the context
     Q_INVOKABLE void dismissLaunch();
 
@@ -103,10 +104,10 @@ Q_SIGNALS:
 private:
     const WorkServices m_at;
     const WorkConsoleConfig m_config;
+    WorkShells& m_shells;
     WorkContext m_context;
     bool m_everyModule = false;
     int m_silent = 0;
-    QString m_launched; ///< the agent's name
     QString m_command;
     QString m_banner;
     QString m_error;

@@ -66,7 +66,6 @@ void WorkBoard::setScope(const WorkItemFilter& scope, const WorkLanes& lanes)
             m_laneObjects.at(at)->setFolded(lanes.foldsFinished && at == lanes.finished);
     }
     m_lanes = lanes;
-    reload();
 }
 
 void WorkBoard::setEmptyWords(const QString& title, const QString& text)

@@ -58,7 +58,7 @@ public:
     /// Both outlive the board.
     WorkBoard(LocalDB& db, Scheduler& scheduler, QObject* parent);
 
-    /// Sets what it shows; a new scope clears the filters.
+    /// Sets what the next reload shows; a new scope clears the filters.
     void setScope(const WorkItemFilter& scope, const WorkLanes& lanes);
     void setEmptyWords(const QString& title, const QString& text);
     void reload();

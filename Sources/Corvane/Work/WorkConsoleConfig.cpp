@@ -65,7 +65,9 @@ WorkConsoleConfig WorkConsoleConfig::ops(WorkConsoleTab defaultTab)
         .tabs = { Tab::Processes, Tab::Finance, Tab::Hiring, Tab::TerminalChat, Tab::Approvals, Tab::Evidence,
             Tab::Agents, Tab::Timeline },
         .topActions = { invoiceCheck, approvalAsk, runbook },
-        .quickActions = { invoiceCheck, approvalAsk, candidateScreen, runbook } };
+        .quickActions = { invoiceCheck, approvalAsk, candidateScreen, runbook },
+        .placeSource = u"ops-home"_s,
+        .boardPlace = u"home"_s };
 }
 
 WorkConsoleConfig WorkConsoleConfig::gtm()
@@ -119,7 +121,8 @@ WorkConsoleConfig WorkConsoleConfig::lumo()
         .defaultTab = Tab::Projects,
         .tabs = { Tab::Projects, Tab::TerminalChat, Tab::Agents, Tab::Approvals, Tab::Evidence, Tab::Timeline },
         .topActions = { action(u"Research"_s, u"edit-find"_s), runbook },
-        .quickActions = { action(u"Research"_s, u"edit-find"_s), runbook, approvalAsk } };
+        .quickActions = { action(u"Research"_s, u"edit-find"_s), runbook, approvalAsk },
+        .placeSource = u"lumo-hub"_s };
 }
 
 bool isFinanceContext(const WorkContextRow& context)

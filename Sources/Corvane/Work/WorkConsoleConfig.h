@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Presentation/Choice.h"
 #include "Store/Work/WorkRecords.h"
 
@@ -55,6 +56,8 @@ struct WorkConsoleConfig {
     QList<WorkConsoleTab> tabs;
     QList<WorkAction> topActions;
     QList<WorkAction> quickActions;
+    QString placeSource = u"corvane-ui"_s; ///< of an item that is created at a place and not in a context
+    QString boardPlace = {}; ///< the place that shows the items of the whole module; empty: none does
 
     static WorkConsoleConfig ops(WorkConsoleTab defaultTab = WorkConsoleTab::Processes);
     static WorkConsoleConfig gtm();

@@ -28,10 +28,12 @@ WorkCreate::WorkCreate(LocalDB& db, QObject* parent)
 {
 }
 
-void WorkCreate::setPlace(const WorkPlace& place, const QString& contextNoun)
+void WorkCreate::setPlace(
+    const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts)
 {
     m_place = place;
     m_contextNoun = contextNoun;
+    m_contexts = contexts;
     Q_EMIT changed();
 }
 
@@ -59,7 +61,32 @@ QString WorkCreate::place() const
 {
     if (m_draft.flow == WorkCreateFlow::Context)
         return {};
-    return m_place.context ? u"In %1"_s.arg(shownLine(m_place.context->title)) : u"In no %1"_s.arg(m_contextNoun);
+    return m_place.context ? u"In %1"_s.arg(shownLine(m_place.context->title)) : noContext();
+}
+
+QStringList WorkCreate::contexts() const
+{
+    QStringList titles;
+    if (m_draft.flow == WorkCreateFlow::Context || m_place.context)
+        return titles;
+    for (const WorkContextRow& row : m_contexts)
+        titles.append(shownLine(row.title));
+    return titles;
+}
+
+QString WorkCreate::chosenContext() const
+{
+    return m_chosen ? shownLine(m_chosen->context->title) : QString();
+}
+
+void WorkCreate::chooseContext(const QString& title)
+{
+    m_chosen.reset();
+    if (const auto at = contexts().indexOf(title); at >= 0) {
+        m_chosen = m_place;
+        m_chosen->context = m_contexts.at(at);
+    }
+    Q_EMIT changed();
 }
 
 QString WorkCreate::titleLabel() const
@@ -101,6 +128,7 @@ void WorkCreate::beginQuickAction(const QString& title, const QString& subtitle)
 void WorkCreate::show(const WorkDraft& draft)
 {
     m_draft = draft;
+    m_chosen.reset();
     m_error.clear();
     m_open = true;
     Q_EMIT changed();
@@ -136,11 +164,11 @@ std::optional<Error> WorkCreate::write()
         return errorOf(saved);
     }
     case WorkCreateFlow::Item:
-        return errorOf(saveItem(m_db, m_place, m_draft));
+        return errorOf(saveItem(m_db, placed(), m_draft));
     case WorkCreateFlow::Note:
-        return errorOf(saveNote(m_db, m_place, m_draft));
+        return errorOf(saveNote(m_db, placed(), m_draft));
     case WorkCreateFlow::Ask: {
-        const auto saved = saveAsk(m_db, m_place, m_draft);
+        const auto saved = saveAsk(m_db, placed(), m_draft);
         if (saved)
             Q_EMIT askSaved(*saved, asksLumo(m_draft));
         return errorOf(saved);

@@ -15,6 +15,9 @@ class WorkCreate : public QObject {
     Q_PROPERTY(QString flow READ flow NOTIFY changed) ///< context, item, note or ask
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
     Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will be added
+    Q_PROPERTY(QString noContext READ noContext NOTIFY changed)
+    Q_PROPERTY(QStringList contexts READ contexts NOTIFY changed) ///< to choose from; empty where the place has its context
+    Q_PROPERTY(QString chosenContext READ chosenContext NOTIFY changed)
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
     Q_PROPERTY(QString titleLabel READ titleLabel NOTIFY changed)
     Q_PROPERTY(QString summary READ summary WRITE setSummary NOTIFY changed)
@@ -30,12 +33,17 @@ class WorkCreate : public QObject {
 public:
     WorkCreate(LocalDB& db, QObject* parent); ///< the database outlives it
 
-    void setPlace(const WorkPlace& place, const QString& contextNoun);
+    /// A place without a context leaves the choice among those that are there.
+    void setPlace(const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts);
+    const WorkPlace& placed() const { return m_chosen ? *m_chosen : m_place; } ///< as a person chose it
 
     bool isOpen() const { return m_open; }
     QString flow() const;
     QString heading() const;
     QString place() const;
+    QString noContext() const { return u"In no %1"_s.arg(m_contextNoun); }
+    QStringList contexts() const;
+    QString chosenContext() const;
     const QString& title() const { return m_draft.title; }
     void setTitle(const QString& title) { edit(m_draft.title, title); }
     QString titleLabel() const;
@@ -58,6 +66,7 @@ public:
 
     Q_INVOKABLE void begin(const QString& flow);
     Q_INVOKABLE void beginQuickAction(const QString& title, const QString& subtitle);
+    Q_INVOKABLE void chooseContext(const QString& title); ///< empty: none of them
     Q_INVOKABLE void save();
     Q_INVOKABLE void cancel();
 
@@ -74,6 +83,8 @@ private:
 
     LocalDB& m_db;
     WorkPlace m_place;
+    std::optional<WorkPlace> m_chosen;
+    QList<WorkContextRow> m_contexts;
     QString m_contextNoun = u"context"_s;
     WorkDraft m_draft;
     bool m_open = false;

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Store/Approvals/WorkDecisions.h"
+#include "Store/Core/Transaction.h"
 #include "Store/Work/WorkWrites.h"
 #include "Work/WorkWords.h"
 
@@ -12,6 +13,7 @@ namespace {
 
 const QString person = u"Oskel"_s;
 const QString approved = u"approved"_s;
+const QString couldNotSaveItem = u"Could not save work_item."_s;
 constexpr int firstWords = 80;
 
 bool holdsAny(const QString& text, const QStringList& words)
@@ -90,6 +92,10 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
     if (title.isEmpty())
         return failure(u"Title is required."_s);
     const QString summary = draft.summary.trimmed();
+    // An item that needs a decision is not there without it.
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return failure(couldNotSaveItem);
     const auto saved = insertWorkItem(db,
         { .module = place.module,
             .context = place.contextId(),
@@ -100,10 +106,11 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
             .source = place.source,
             .summary = summary });
     if (!saved)
-        return failure(u"Could not save work_item."_s);
+        return failure(couldNotSaveItem);
     postStatus(db, place, u"Created work_item %1: %2."_s.arg(saved->id, title));
-    if (const auto risk = riskForCreate(saved->kind, title, summary)) {
-        insertWorkDecision(db,
+    const auto risk = riskForCreate(saved->kind, title, summary);
+    if (risk
+        && !insertWorkDecision(db,
             { .module = place.module,
                 .context = place.contextId(),
                 .title = u"Review "_s + title,
@@ -112,9 +119,9 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
                   "until Oskel approves."_s,
                 .rationale
                 = u"Created from Corvane Create. The work_item is local only; execution requires approval."_s,
-                .risk = *risk });
-    }
-    return *saved;
+                .risk = *risk }))
+        return failure(couldNotSaveItem);
+    return transaction.commit() ? Result<WorkItemRecord>(*saved) : failure(couldNotSaveItem);
 }
 
 Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Work/WorkBoardQueries.h"
 #include "Work/WorkRows.h"
 
 namespace corvane {
@@ -10,6 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr int rowsShown = 50;
+constexpr int waitingShown = 200;
 constexpr int memoryShown = 200;
 
 QString statusWord(const QString& status)
@@ -86,17 +88,18 @@ void WorkDecisions::reload()
     const DateWords words(m_db.nowMs());
     QList<WorkDecisionSeed> decisions;
     m_seen.clear();
-    QList<WorkDecisionRecord> records;
-    if (!m_module.isEmpty())
-        records = fetchWorkDecisions(m_db, m_module, context, rowsShown);
-    // What waits stands first, whatever its risk.
-    for (const bool waiting : { true, false }) {
-        for (const WorkDecisionRecord& record : std::as_const(records)) {
+    const auto add = [&](const QList<WorkDecisionRecord>& records, bool waiting) {
+        for (const WorkDecisionRecord& record : records) {
             if ((record.status == "proposed"_L1) != waiting)
                 continue;
             m_seen.insert(record.id, record);
             decisions.append(decisionSeed(record, words));
         }
+    };
+    if (!m_module.isEmpty()) {
+        // What waits stands first, whatever its risk and however many were decided.
+        add(fetchWaitingDecisions(m_db, m_module, context, waitingShown), true);
+        add(fetchWorkDecisions(m_db, m_module, context, rowsShown), false);
     }
     QList<WorkMemorySeed> memory;
     m_seenMemory.clear();

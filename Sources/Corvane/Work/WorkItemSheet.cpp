@@ -72,6 +72,10 @@ void WorkItemSheet::reload()
             adopt(*row);
             m_notice = u"It changed while it was open; this is how it is now."_s;
         }
+    } else if (m_theirs) {
+        m_theirs.reset();
+        m_clashes.clear();
+        m_notice.clear();
     }
     if (row)
         m_events.assign(timelineEvents(fetchItemEvents(m_db, *row, eventsShown), DateWords(m_db.nowMs())));

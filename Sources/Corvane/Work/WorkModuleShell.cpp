@@ -15,10 +15,12 @@ namespace {
 using Tab = WorkConsoleTab;
 
 constexpr Milliseconds refreshPeriod { 3000 };
-constexpr int ticksBetweenAges = 10; ///< ages in words change although no row does
+// What is told by its age changes although no row does; a day may end, too.
+constexpr int ticksBetweenAges = 20;
+constexpr int ticksBetweenReads = 1200;
 constexpr int contextsShown = 100;
 constexpr int rowsShown = 50;
-constexpr int eventsShown = 200;
+constexpr int eventsOnPage = 200; ///< of each kind
 
 WorkItemFilter scopeOf(const QString& module, const WorkContext& context, Tab tab)
 {
@@ -83,15 +85,17 @@ WorkModuleShell::WorkModuleShell(
     , m_places(places)
     , m_place(places.isEmpty() ? QString() : places.first().id)
     , m_tab(config.defaultTab)
+    , m_eventsShown(eventsOnPage)
     , m_board(services.db, services.scheduler, this)
     , m_item(services.db, this)
     , m_create(services.db, this)
     , m_chat(services, this)
     , m_decisions(services.db, services.scheduler, this)
-    , m_agents(services, config, this)
+    , m_shells(services.shells, config.module, this)
+    , m_agents(services, config, m_shells, this)
 {
     m_board.setEmptyWords(u"No work here yet"_s, u"Items appear when you create one, or when an agent does."_s);
-    m_create.setPlace({ .module = m_config.module }, m_config.contextNoun);
+    m_create.setPlace({ .module = m_config.module }, m_config.contextNoun, {});
     m_at.db.watch().on(StoreSubject::Work, this, [this] { m_stale = true; });
     // What this screen wrote itself is shown at once.
     const auto readAgain = [this] {
@@ -106,7 +110,7 @@ WorkModuleShell::WorkModuleShell(
     connect(&m_create, &WorkCreate::contextSaved, this, &WorkModuleShell::select);
     connect(&m_create, &WorkCreate::askSaved, this, [this](const OpsAskRow& ask, bool forLumo) {
         if (forLumo)
-            m_chat.answerAsk(ask);
+            m_chat.answerAsk(ask, m_create.placed().context);
     });
 }
 
@@ -121,9 +125,14 @@ void WorkModuleShell::setShown(bool shown)
 
 void WorkModuleShell::tick()
 {
-    if (!m_stale && ++m_ticks < ticksBetweenAges)
+    ++m_ticks;
+    if (m_stale || m_ticks >= ticksBetweenReads)
+        return refresh();
+    if (m_ticks % ticksBetweenAges != 0)
         return;
-    refresh();
+    if (m_context)
+        m_agents.reload();
+    Q_EMIT aged();
 }
 
 void WorkModuleShell::refresh()
@@ -156,6 +165,10 @@ void WorkModuleShell::readContexts()
     const auto row = std::ranges::find(all, m_selected, &WorkContextRow::id);
     const bool wasChosen = !m_selected.isEmpty();
     setContext(row != all.end() ? WorkContext(*row) : fetchWorkContext(m_at.db, m_selected));
+    m_create.setPlace({ .module = m_config.module,
+                          .context = m_context,
+                          .source = m_context ? u"corvane-ui"_s : m_config.placeSource },
+        m_config.contextNoun, all);
     if (wasChosen && !m_context && !m_places.isEmpty())
         m_place = m_places.first().id;
 }
@@ -163,19 +176,18 @@ void WorkModuleShell::readContexts()
 void WorkModuleShell::setContext(const WorkContext& context)
 {
     const bool another = m_context.has_value() != context.has_value() || (context && m_context->id != context->id);
-    const bool otherWords = !another && context && m_context->title != context->title;
+    const WorkLanes lanes = lanesOf(m_config, context);
+    const bool otherLanes = lanes.names != lanesOf(m_config, m_context).names;
     m_context = context;
     m_selected = context ? context->id : QString();
-    const QList<Tab> allowed = visibleTabs(m_config, m_context);
-    if (!allowed.contains(m_tab))
-        m_tab = contextDefaultTab(m_config, m_context);
-    m_create.setPlace({ .module = m_config.module, .context = m_context }, m_config.contextNoun);
+    if (!context || !visibleTabs(m_config, context).contains(m_tab))
+        m_tab = contextDefaultTab(m_config, context);
     m_chat.setContext(m_config.module, m_context);
     m_decisions.setScope(m_config.module, m_context);
     m_agents.setScope(m_context);
-    m_item.setLanes(lanesOf(m_config, m_context));
-    if (another || otherWords || m_board.laneCount() == 0)
-        m_board.setScope(scopeOf(m_config.module, m_context, m_tab), lanesOf(m_config, m_context));
+    m_item.setLanes(lanes);
+    if (another || otherLanes || m_board.laneCount() == 0)
+        m_board.setScope(scopeOf(m_config.module, m_context, m_tab), lanes);
 }
 
 void WorkModuleShell::readSurface()
@@ -185,7 +197,7 @@ void WorkModuleShell::readSurface()
     m_counts = countWork(m_at.db, m_config.module, id);
     m_item.reload();
     const QString surface = this->surface();
-    if (surface == "board"_L1)
+    if (surface == "board"_L1 && (m_place.isEmpty() || m_place == m_config.boardPlace))
         m_board.reload();
     if (!m_place.isEmpty())
         return; // a place shows none of what follows
@@ -197,9 +209,34 @@ void WorkModuleShell::readSurface()
     for (const WorkEvidenceRecord& row : fetchWorkEvidence(m_at.db, m_config.module, id, rowsShown))
         evidence.append(evidenceSeed(row, words));
     m_evidence.assign(evidence);
+    QList<WorkItemSeed> tasks;
+    const WorkItemFilter noTickets {
+        .module = m_config.module, .context = id, .kindSigns = ticketSigns(), .otherKinds = true
+    };
+    for (const WorkItemRecord& row : fetchWorkItems(m_at.db, noTickets, WorkItems::Open, rowsShown))
+        tasks.append(itemSeed(row, false, words));
+    m_tasks.assign(tasks);
     if (surface == "timeline"_L1)
-        m_timeline.assign(timelineEvents(fetchWorkEvents(m_at.db, m_config.module, id, eventsShown), words));
+        readTimeline();
     m_logLines = surface == "chat"_L1 ? terminalLines(m_at.db, m_config.module, m_context) : QStringList();
+}
+
+void WorkModuleShell::readTimeline()
+{
+    const WorkContextId id = m_context ? WorkContextId(m_context->id) : WorkContextId();
+    const QList<WorkEvent> events = fetchWorkEvents(m_at.db, m_config.module, id, m_eventsShown);
+    QHash<QString, int> counts;
+    for (const WorkEvent& event : events)
+        ++counts[event.kind];
+    m_hasEarlier = std::ranges::any_of(counts, [this](int count) { return count >= m_eventsShown; });
+    m_timeline.assign(timelineEvents(events, DateWords(m_at.db.nowMs())));
+}
+
+void WorkModuleShell::showEarlier()
+{
+    m_eventsShown += eventsOnPage;
+    readTimeline();
+    Q_EMIT changed();
 }
 
 void WorkModuleShell::setPlaceCount(const QString& place, int count)
@@ -215,7 +252,10 @@ void WorkModuleShell::setQuery(const QString& query)
 {
     if (std::exchange(m_query, query) == query)
         return;
+    const QString selected = m_selected;
     readContexts();
+    if (m_selected != selected)
+        readSurface();
     Q_EMIT changed();
 }
 
@@ -231,7 +271,6 @@ void WorkModuleShell::setPlace(const QString& place)
     if (m_place == place || std::ranges::find(m_places, place, &TabItem::id) == m_places.end())
         return;
     m_place = place;
-    m_tab = contextDefaultTab(m_config, {});
     m_item.close();
     setContext({});
     refresh();
@@ -247,8 +286,8 @@ void WorkModuleShell::select(const QString& contextId)
     m_place.clear();
     m_item.close();
     m_notice.clear();
-    m_tab = contextDefaultTab(m_config, context);
-    setContext(context);
+    m_eventsShown = eventsOnPage;
+    setContext(context); // which keeps the tab where this one has it, too
     refresh();
 }
 
@@ -319,10 +358,10 @@ QString WorkModuleShell::surface() const
     return surfaceOf(m_tab);
 }
 
-void WorkModuleShell::queueDraft(const QString& text)
+bool WorkModuleShell::queueDraft(const QString& text)
 {
     if (text.trimmed().isEmpty())
-        return;
+        return false;
     WorkDraft draft = emptyDraft(WorkCreateFlow::Item);
     draft.kind = u"reply"_s;
     draft.title = u"Reply for %1"_s.arg(title());
@@ -333,6 +372,7 @@ void WorkModuleShell::queueDraft(const QString& text)
     m_at.db.watch().tell(StoreSubject::Work);
     m_at.db.watch().tell(StoreSubject::Approvals);
     refresh();
+    return saved.has_value();
 }
 
 void WorkModuleShell::exportContext()
@@ -343,9 +383,15 @@ void WorkModuleShell::exportContext()
     Q_EMIT changed();
 }
 
+QString WorkModuleShell::notice() const
+{
+    return m_notice.isEmpty() && surface() != "chat"_L1 ? m_chat.status() : m_notice;
+}
+
 void WorkModuleShell::dismissNotice()
 {
     m_notice.clear();
+    m_chat.dismissError();
     Q_EMIT changed();
 }
 

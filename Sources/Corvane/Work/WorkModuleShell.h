@@ -60,12 +60,15 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(corvane::GadgetListModel* evidence READ evidence CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* timeline READ timeline CONSTANT)
+    Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty where the whole timeline is shown
+    Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< what is open here and no ticket
     Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
     Q_PROPERTY(corvane::WorkItemSheet* item READ item CONSTANT)
     Q_PROPERTY(corvane::WorkCreate* create READ create CONSTANT)
     Q_PROPERTY(corvane::WorkTerminalChat* chat READ chat CONSTANT)
     Q_PROPERTY(corvane::WorkDecisions* decisions READ decisions CONSTANT)
     Q_PROPERTY(corvane::WorkAgents* agents READ agents CONSTANT)
+    Q_PROPERTY(corvane::WorkShells* shells READ shells CONSTANT)
 public:
     WorkModuleShell(
         const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
@@ -75,6 +78,7 @@ public:
     const WorkContext& context() const { return m_context; }
     void setPlaceCount(const QString& place, int count);
     void show(const QString& contextId, const QString& itemId = {}, const QString& tab = {}); ///< from elsewhere
+    void setStale() { m_stale = true; } ///< something that it shows was written: it is read anew soon
 
     bool shown() const { return m_shown; }
     void setShown(bool shown);
@@ -100,20 +104,25 @@ public:
     QList<WorkAction> quickActions() const { return contextualQuickActions(m_config, m_context); }
     QList<WorkMetricSeed> metrics() const { return dashboardMetrics(m_config, m_counts); }
     QString log() const { return m_logLines.join(QLatin1Char('\n')); }
-    const QString& notice() const { return m_notice; }
+    QString notice() const;
     GadgetListModel* evidence() { return &m_evidence; }
     GadgetListModel* timeline() { return &m_timeline; }
     const QList<OpsTimelineEvent>& timelineRows() const { return m_timeline.rows(); }
+    QString earlierText() const { return m_hasEarlier ? u"Show earlier"_s : QString(); }
+    GadgetListModel* tasks() { return &m_tasks; }
     WorkBoard* board() { return &m_board; }
     WorkItemSheet* item() { return &m_item; }
     WorkCreate* create() { return &m_create; }
     WorkTerminalChat* chat() { return &m_chat; }
     WorkDecisions* decisions() { return &m_decisions; }
     WorkAgents* agents() { return &m_agents; }
+    WorkShells* shells() { return &m_shells; }
 
     Q_INVOKABLE void select(const QString& contextId);
     Q_INVOKABLE void step(int by); ///< to another context of the rail
-    Q_INVOKABLE void queueDraft(const QString& text); ///< a reply: adds an item, and a decision that waits
+    /// A reply: adds an item, and a decision that waits. False if it was not saved: the text stays.
+    Q_INVOKABLE bool queueDraft(const QString& text);
+    Q_INVOKABLE void showEarlier(); ///< of the timeline
     Q_INVOKABLE void exportContext();
     Q_INVOKABLE void dismissNotice();
     Q_INVOKABLE void refresh();
@@ -122,11 +131,13 @@ public:
 Q_SIGNALS:
     void changed();
     void refreshed(); ///< the places must read their rows again, too
+    void aged(); ///< a minute passed: words such as "3 minutes ago" changed
 
 private:
     void tick();
     void readContexts();
     void readSurface();
+    void readTimeline();
     void setContext(const WorkContext& context);
 
     const WorkServices m_at;
@@ -139,7 +150,9 @@ private:
     WorkConsoleTab m_tab;
     bool m_shown = false;
     bool m_stale = true; ///< something was written since the last read
-    int m_ticks = 0;
+    int m_ticks = 0; ///< since the rows were read
+    int m_eventsShown;
+    bool m_hasEarlier = false;
     WorkCounts m_counts;
     QStringList m_logLines;
     QString m_notice;
@@ -147,11 +160,13 @@ private:
     RowListModel<WorkContextSeed> m_contexts;
     RowListModel<WorkEvidenceSeed> m_evidence;
     RowListModel<OpsTimelineEvent> m_timeline;
+    RowListModel<WorkItemSeed> m_tasks;
     WorkBoard m_board;
     WorkItemSheet m_item;
     WorkCreate m_create;
     WorkTerminalChat m_chat;
     WorkDecisions m_decisions;
+    WorkShells m_shells;
     WorkAgents m_agents;
 };
 

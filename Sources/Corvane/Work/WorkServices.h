@@ -1,14 +1,12 @@
 #pragma once
 
-#include <QString>
-#include <functional>
+#include "Terminals/TerminalsView.h"
 
 namespace corvane {
 
 class LocalDB;
 class LumoAI;
 class NotificationCentre;
-class Scheduler;
 
 /// What the screens of this room use; all references outlive them.
 struct WorkServices {
@@ -16,9 +14,7 @@ struct WorkServices {
     Scheduler& scheduler;
     LumoAI& ai;
     NotificationCentre& notifications;
-    /// Opens a terminal with that name, which shows the text and executes nothing.
-    std::function<void(const QString& name, const QString& text)> openShell;
-    std::function<void()> showShells; ///< brings the terminals to the front
+    TerminalsView::Surroundings shells; ///< for the terminals that a workspace opens
 };
 
 }

@@ -192,15 +192,22 @@ bool WorkTerminalChat::ask(const QString& question)
     return true;
 }
 
-void WorkTerminalChat::answerAsk(const OpsAskRow& ask)
+void WorkTerminalChat::answerAsk(const OpsAskRow& ask, const WorkContext& context)
 {
     if (busy())
         return;
-    if (!m_context) {
+    const WorkContext& packet = context ? context : m_context;
+    if (!packet) {
         m_error = u"Ask saved. No work_context packet is available for LumoAI to answer."_s;
         return Q_EMIT changed();
     }
-    run(*m_context, ask.question, ask.id);
+    run(*packet, ask.question, ask.id);
+}
+
+void WorkTerminalChat::dismissError()
+{
+    m_error.clear();
+    Q_EMIT changed();
 }
 
 /// The answer goes to the context of the question, wherever the person went meanwhile.

@@ -82,7 +82,9 @@ public:
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void showEarlier();
 
-    void answerAsk(const OpsAskRow& ask); ///< answers a question from the list of asks
+    /// Answers a question from the list of asks, from the given context, else from the one that is shown.
+    void answerAsk(const OpsAskRow& ask, const WorkContext& context = {});
+    void dismissError();
 
 Q_SIGNALS:
     void changed();

@@ -5,6 +5,7 @@
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 
+#include <QHash>
 #include <algorithm>
 
 namespace corvane {
@@ -12,6 +13,9 @@ namespace corvane {
 namespace {
 
 constexpr int peopleLookedAt = 1000;
+const QString messagesOf = uR"(FROM unified_conversation c
+JOIN unified_message m ON m.conversation_id=c.id AND m.deleted_at IS NULL
+WHERE c.contact_id=? AND c.deleted_at IS NULL)"_s;
 
 const Table<DealLensRow> deals("crm_deal d",
     {
@@ -51,13 +55,19 @@ QList<WaitingPerson> fetchWaitingPeople(LocalDB& db, qint64 notBeforeMs, int lim
         const LastMessage newest = last.value(row.id);
         if (newest.direction != "IN"_L1)
             continue;
-        const auto since = db.scalar(uR"(SELECT MIN(m.ts) FROM unified_conversation c
-JOIN unified_message m ON m.conversation_id=c.id AND m.deleted_at IS NULL
-WHERE c.contact_id=? AND c.deleted_at IS NULL AND m.direction='IN' AND m.ts > COALESCE((SELECT MAX(o.ts)
-  FROM unified_conversation oc JOIN unified_message o ON o.conversation_id=oc.id AND o.deleted_at IS NULL
-  WHERE oc.contact_id=? AND oc.deleted_at IS NULL AND o.direction='OUT'), 0);)"_s,
-            { row.id, row.id });
-        waiting.append({ row.id, row.name, newest.channel, row.snippet, since.value_or(QString()).toLongLong() });
+        WaitingPerson person { row.id, row.name, newest.channel, row.snippet };
+        person.handles = db.rows(
+            u"SELECT handle FROM contact_identity WHERE contact_id=? AND deleted_at IS NULL;"_s, { row.id },
+            [](const SqlRow& identity) { return identity.text(0); });
+        const auto answered = db.scalar(u"SELECT MAX(m.ts) "_s + messagesOf + u" AND m.direction='OUT';"_s, { row.id });
+        person.everAnswered = answered && !answered->isEmpty();
+        db.visitRows(u"SELECT MIN(m.ts), COUNT(*) "_s + messagesOf + u" AND m.direction='IN' AND m.ts > ?;"_s,
+            { row.id, answered.value_or(QString()).toLongLong() }, [&](const SqlRow& since) {
+                person.sinceMs = since.integer(0);
+                person.unanswered = int(since.integer(1));
+                return true;
+            });
+        waiting.append(person);
     }
     std::ranges::sort(waiting, {}, &WaitingPerson::sinceMs);
     return waiting.mid(0, limit);

@@ -2,7 +2,7 @@
 
 #include "Store/Core/LocalDB.h"
 
-#include <QHash>
+#include <QStringList>
 
 namespace corvane {
 
@@ -30,7 +30,10 @@ struct WaitingPerson {
     QString name;
     QString channel;
     QString snippet;
+    QStringList handles = {}; ///< addresses and numbers
     qint64 sinceMs = 0; ///< their first message since the last answer
+    int unanswered = 0; ///< how many they wrote since then
+    bool everAnswered = false;
 
     bool operator==(const WaitingPerson&) const = default;
 };

@@ -93,6 +93,13 @@ void touchProject(LocalDB& db, const OpsProjectId& id, const QString& at)
         db.run(u"UPDATE project SET updated_at=? WHERE id=?;"_s, { at, *id });
 }
 
+int countAsks(LocalDB& db, const QString& which)
+{
+    return db.tableExists(u"ask"_s)
+        ? db.scalar(u"SELECT COUNT(*) FROM ask WHERE %1;"_s.arg(which)).value_or(QString()).toInt()
+        : 0;
+}
+
 const QString askOrder = uR"(ORDER BY CASE a.status WHEN 'open' THEN 0 ELSE 1 END,
          CASE a.urgency WHEN 'high' THEN 0 WHEN 'normal' THEN 1 ELSE 2 END,
          COALESCE(a.answered_at, a.ts) DESC
@@ -184,11 +191,14 @@ std::optional<OpsAskRow> fetchOpsAsk(LocalDB& db, const QString& id)
     return found.isEmpty() ? std::nullopt : std::optional(found.first());
 }
 
+int openAsks(LocalDB& db)
+{
+    return countAsks(db, u"status='open'"_s);
+}
+
 int openUrgentAsks(LocalDB& db)
 {
-    return db.tableExists(u"ask"_s)
-        ? db.scalar(u"SELECT COUNT(*) FROM ask WHERE status='open' AND urgency='high';"_s).value_or(QString()).toInt()
-        : 0;
+    return countAsks(db, u"status='open' AND urgency='high'"_s);
 }
 
 std::optional<OpsAskRow> createOpsAsk(LocalDB& db, const NewOpsAsk& ask)

@@ -97,6 +97,7 @@ enum class AnsweredAsks { Leave, Include };
 /// Open ones first, by urgency, newest first.
 QList<OpsAskRow> fetchOpsAsks(LocalDB& db, const OpsProjectId& project, AnsweredAsks answered, int limit);
 std::optional<OpsAskRow> fetchOpsAsk(LocalDB& db, const QString& id);
+int openAsks(LocalDB& db);
 int openUrgentAsks(LocalDB& db); ///< of urgency "high"
 
 struct NewOpsAsk {

@@ -165,6 +165,8 @@ QList<Row> guarded(LocalDB& db, const Table<Row>& table, const Condition& condit
 
 int count(LocalDB& db, const QString& table, const Condition& condition, const QString& more = {})
 {
+    if (!db.tableExists(table))
+        return 0;
     return db.scalar(u"SELECT COUNT(*) FROM %1 %2%3;"_s.arg(table, condition.sql, more), condition.values)
         .value_or(QString())
         .toInt();
@@ -203,6 +205,8 @@ QList<WorkItemRecord> fetchWorkItems(LocalDB& db, const WorkItemFilter& filter, 
 
 QList<WorkStatusCount> countWorkItems(LocalDB& db, const WorkItemFilter& filter)
 {
+    if (!db.tableExists(cards.name()))
+        return {};
     const Condition condition = conditionOf(filter);
     return db.rows(u"SELECT COALESCE(status,''), COUNT(*) FROM work_item %1 GROUP BY status;"_s.arg(condition.sql),
         condition.values,
@@ -212,6 +216,8 @@ QList<WorkStatusCount> countWorkItems(LocalDB& db, const WorkItemFilter& filter)
 WorkItemWords workItemWords(LocalDB& db, const QString& module, const WorkContextId& context)
 {
     WorkItemWords words;
+    if (!db.tableExists(cards.name()))
+        return words;
     const Condition condition = conditionOf(module, context);
     db.visitRows(u"SELECT DISTINCT owner, priority, kind FROM work_item %1 LIMIT 500;"_s.arg(condition.sql),
         condition.values, [&](const SqlRow& row) {
@@ -243,6 +249,8 @@ WorkCounts countWork(LocalDB& db, const QString& module, const WorkContextId& co
 QHash<QString, int> waitingDecisionsByContext(LocalDB& db, const QString& module)
 {
     QHash<QString, int> counts;
+    if (!db.tableExists(decisionEvents.name()))
+        return counts;
     db.visitRows(u"SELECT context_id, COUNT(*) FROM work_decision WHERE module=? AND status='proposed' "
                  "GROUP BY context_id;"_s,
         { module }, [&](const SqlRow& row) {
@@ -252,8 +260,18 @@ QHash<QString, int> waitingDecisionsByContext(LocalDB& db, const QString& module
     return counts;
 }
 
+QList<WorkDecisionRecord> fetchWaitingDecisions(
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit)
+{
+    Condition of = conditionOf(module, context);
+    of.sql += u" AND status='proposed'"_s;
+    return guarded(db, workDecisions, of, byRisk, limit);
+}
+
 QStringList titlesOfWaitingDecisions(LocalDB& db, const QString& module, const WorkContextId& context)
 {
+    if (!db.tableExists(decisionEvents.name()))
+        return {};
     const Condition of = conditionOf(module, context);
     return db.rows(u"SELECT title FROM work_decision %1 AND status='proposed' LIMIT 500;"_s.arg(of.sql), of.values,
         [](const SqlRow& row) { return row.text(0); });
@@ -280,12 +298,16 @@ QList<WorkEvent> fetchItemEvents(LocalDB& db, const WorkItemRecord& item, int li
                         linked(uR"((title=? OR proposal LIKE ? ESCAPE '\' OR rationale LIKE ? ESCAPE '\'))"_s,
                             { u"Review "_s + item.title, names, names }),
                         newestFirst, limit),
-        guarded(db, evidenceEvents, { u"WHERE item_id=?"_s, { item.id } }, newestFirst, limit),
+        guarded(db, evidenceEvents,
+            { uR"(WHERE (item_id=? OR (module=? AND summary LIKE ? ESCAPE '\')))"_s, { item.id, item.module, names } },
+            newestFirst, limit),
         guarded(db, messageEvents, linked(uR"(body LIKE ? ESCAPE '\')"_s, { names }), newestFirst, limit) });
 }
 
 QString lastWordsOf(LocalDB& db, const QString& module, const QString& speaker)
 {
+    if (!db.tableExists(messageEvents.name()))
+        return {};
     return db
         .scalar(u"SELECT substr(body,1,400) FROM work_message WHERE module=? AND speaker=? "
                 "ORDER BY created_at DESC LIMIT 1;"_s,

@@ -57,6 +57,9 @@ struct WorkCounts {
 WorkCounts countWork(LocalDB& db, const QString& module, const WorkContextId& context);
 
 QHash<QString, int> waitingDecisionsByContext(LocalDB& db, const QString& module); ///< only contexts that have any
+/// In the order of `fetchWorkDecisions`.
+QList<WorkDecisionRecord> fetchWaitingDecisions(
+    LocalDB& db, const QString& module, const WorkContextId& context, int limit);
 QStringList titlesOfWaitingDecisions(LocalDB& db, const QString& module, const WorkContextId& context);
 
 /// An event: a decision, evidence or a message.

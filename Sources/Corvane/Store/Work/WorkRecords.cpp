@@ -9,9 +9,6 @@ namespace corvane {
 
 namespace {
 
-const QString byRisk
-    = u"ORDER BY CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 "
-      "ELSE 4 END, updated_at DESC\nLIMIT ?;"_s;
 const QString byApproval
     = u"ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s;
 const QString lastChangedFirst = u"ORDER BY updated_at DESC\nLIMIT ?;"_s;

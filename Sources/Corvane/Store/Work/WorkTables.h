@@ -1,11 +1,16 @@
 #pragma once
 
+#include "Foundation/Literals.h"
 #include "Store/Core/Table.h"
 #include "Store/Work/WorkRecords.h"
 
 namespace corvane {
 
 // The tables of the work records: their columns, including those that are only written.
+
+inline const QString byRisk
+    = u"ORDER BY CASE risk WHEN 'money' THEN 0 WHEN 'credential' THEN 1 WHEN 'external' THEN 2 WHEN 'high' THEN 3 "
+      "ELSE 4 END, updated_at DESC\nLIMIT ?;"_s;
 
 inline const Table<WorkContextRow> workContexts("work_context c",
     {

@@ -11,6 +11,44 @@ FocusScope {
     readonly property alias terminal: terminal
     readonly property alias notices: notices ///< a pane of its own, where something is said or asked
 
+    function act(command: string) {
+        switch (command) {
+        case "newTerminal":
+            screen.create();
+            break;
+        case "closeTerminal":
+            screen.closeCurrent();
+            break;
+        case "nextTerminal":
+            screen.step(1);
+            break;
+        case "previousTerminal":
+            screen.step(-1);
+            break;
+        case "findInTerminal":
+            find();
+            break;
+        case "copyFromTerminal":
+            terminal.copy();
+            break;
+        case "pasteIntoTerminal":
+            screen.paste(terminal.clipboardText());
+            break;
+        case "largerType":
+            screen.enlarge(1);
+            break;
+        case "smallerType":
+            screen.enlarge(-1);
+            break;
+        case "usualType":
+            screen.resetFontSize();
+            break;
+        case "back":
+            back();
+            break;
+        }
+    }
+
     /// One thing at a time: the question, then the search.
     function back() {
         if (screen.question)

@@ -11,41 +11,7 @@ Page {
     panes: [tabs, pane.notices, desk]
 
     function act(command: string) {
-        switch (command) {
-        case "newTerminal":
-            screen.create();
-            break;
-        case "closeTerminal":
-            screen.closeCurrent();
-            break;
-        case "nextTerminal":
-            screen.step(1);
-            break;
-        case "previousTerminal":
-            screen.step(-1);
-            break;
-        case "findInTerminal":
-            pane.find();
-            break;
-        case "copyFromTerminal":
-            pane.terminal.copy();
-            break;
-        case "pasteIntoTerminal":
-            screen.paste(pane.terminal.clipboardText());
-            break;
-        case "largerType":
-            screen.enlarge(1);
-            break;
-        case "smallerType":
-            screen.enlarge(-1);
-            break;
-        case "usualType":
-            screen.resetFontSize();
-            break;
-        case "back":
-            pane.back();
-            break;
-        }
+        pane.act(command);
     }
 
     Rectangle {

@@ -24,12 +24,6 @@ FocusScope {
                 text: qsTr("Prepare an agent")
                 onClicked: view.agents.launch()
             }
-            Button {
-                objectName: "agents.shell"
-                kind: "quiet"
-                text: qsTr("+ New Shell")
-                onClicked: view.agents.createLocalShell()
-            }
         }
         Banner {
             width: parent.width

@@ -16,26 +16,30 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Board")
 
-    Row {
+    Item {
         id: filters
+
+        readonly property bool narrow: width < 200 + menus.width + clear.implicitWidth + Theme.small * 2
+
         x: Theme.wide
         y: Theme.medium
         width: parent.width - Theme.wide * 2
-        spacing: Theme.small
+        height: narrow ? search.height + Theme.tight + menus.height : search.height
 
         SearchField {
+            id: search
             objectName: "board.words"
-            width: 200
+            width: !filters.narrow ? 200 : clear.visible ? parent.width - clear.width - Theme.small : parent.width
             placeholderText: qsTr("Filter")
             text: view.board.words
             onTextEdited: view.board.words = text
             onCleared: view.board.words = ""
             onLeave: lanes.forceActiveFocus(Qt.TabFocusReason)
         }
-        Flow {
-            width: filters.width - x
-            anchors.verticalCenter: parent.verticalCenter
-            spacing: Theme.small
+        Row {
+            id: menus
+            x: filters.narrow ? -Theme.small : search.width + Theme.small
+            y: filters.narrow ? search.height + Theme.tight : (search.height - height) / 2
 
             FilterMenu {
                 objectName: "board.owner"
@@ -58,12 +62,15 @@ FocusScope {
                 chosen: view.board.kind
                 onPicked: word => view.board.kind = word
             }
-            Chip {
-                visible: view.board.filtered
-                removable: true
-                text: qsTr("Clear filters")
-                onClicked: view.board.clearFilters()
-            }
+        }
+        Chip {
+            id: clear
+            x: filters.narrow ? parent.width - width : menus.x + menus.width + Theme.small
+            y: (search.height - height) / 2
+            visible: view.board.filtered
+            removable: true
+            text: qsTr("Clear filters")
+            onClicked: view.board.clearFilters()
         }
     }
     Banner {

@@ -156,6 +156,8 @@ FocusScope {
         id: timeline
         TimelineView {
             model: view.shell.timeline
+            earlierText: view.shell.earlierText
+            onEarlierAsked: view.shell.showEarlier()
         }
     }
 }

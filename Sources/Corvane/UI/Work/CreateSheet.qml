@@ -31,9 +31,18 @@ Sheet {
     Binding { target: kind; property: "text"; value: sheet.create.kind }
     Binding { target: owner; property: "text"; value: sheet.create.owner }
 
+    FilterMenu {
+        objectName: "create.context"
+        visible: choices.length > 0
+        widest: parent.width
+        every: sheet.create.noContext
+        choices: sheet.create.contexts
+        chosen: sheet.create.chosenContext
+        onPicked: word => sheet.create.chooseContext(word)
+    }
     Label {
         width: parent.width
-        visible: text !== ""
+        visible: text !== "" && sheet.create.contexts.length === 0
         text: sheet.create.place
         font.pixelSize: Theme.meta
         color: Theme.soft

@@ -10,8 +10,8 @@ FocusScope {
     required property WorkModuleShell shell
 
     function queue() {
-        view.shell.queueDraft(field.text);
-        field.text = "";
+        if (view.shell.queueDraft(field.text))
+            field.text = "";
     }
 
     ListView {

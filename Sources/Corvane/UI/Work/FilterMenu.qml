@@ -9,9 +9,11 @@ MenuButton {
     property string every
     property list<string> choices
     property string chosen
+    property real widest: 128
 
     signal picked(word: string)
 
+    width: Math.min(implicitWidth, widest)
     text: chosen || every
     MenuItem {
         checkable: true

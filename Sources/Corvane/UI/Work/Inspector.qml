@@ -128,6 +128,19 @@ FocusScope {
                 text: qsTr("No quick actions yet. They appear when a context is selected.")
                 color: Theme.faint
             }
+            SectionHeader {
+                topPadding: Theme.medium
+                visible: view.tab === "tasks" && view.shell.tasks.count > 0
+                text: qsTr("Open")
+            }
+            Repeater {
+                model: view.tab === "tasks" ? view.shell.tasks : null
+                ItemLine {
+                    width: column.width
+                    focusPolicy: Qt.StrongFocus
+                    onClicked: view.shell.item.open(item.id)
+                }
+            }
             Repeater {
                 model: view.tab === "evidence" ? view.shell.evidence : null
                 EvidenceCard {

@@ -27,11 +27,6 @@ Card {
             onClicked: WindowTools.copy(card.agents.command)
         }
         Button {
-            objectName: "agents.showShell"
-            text: qsTr("Show the terminal")
-            onClicked: card.agents.showLaunchShell()
-        }
-        Button {
             kind: "quiet"
             text: qsTr("Dismiss")
             onClicked: card.agents.dismissLaunch()

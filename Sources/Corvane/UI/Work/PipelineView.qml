@@ -36,6 +36,12 @@ FocusScope {
             width: parent.width
             metrics: view.hub.metrics
         }
+        Banner {
+            width: parent.width
+            visible: text !== ""
+            tone: "bad"
+            text: view.hub.error
+        }
     }
     Flickable {
         id: stages

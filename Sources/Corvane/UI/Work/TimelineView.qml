@@ -8,6 +8,9 @@ FocusScope {
     id: view
 
     property alias model: list.model
+    property string earlierText
+
+    signal earlierAsked
 
     ListView {
         id: list
@@ -32,6 +35,17 @@ FocusScope {
             text: section
         }
         Component.onCompleted: positionViewAtEnd()
+        header: Item {
+            width: list.width
+            height: view.earlierText ? 40 : 0
+            Button {
+                objectName: "timeline.earlier"
+                visible: view.earlierText !== ""
+                kind: "quiet"
+                text: view.earlierText
+                onClicked: view.earlierAsked()
+            }
+        }
         delegate: TimelineLine {
             width: Math.min(ListView.view.width, 760)
         }

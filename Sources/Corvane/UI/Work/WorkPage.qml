@@ -22,15 +22,17 @@ Page {
             shell.create.begin("item");
         else if (command === "undo")
             undo();
-        else if (command === "back" && shell.item.itemId !== "")
+        else if (command === "back" && !strip.activeFocus && shell.item.itemId !== "")
             shell.item.close();
+        else if (strip.activeFocus)
+            strip.act(command);
     }
 
     function undo() {
         shell.board.undo();
     }
 
-    panes: [rail, desk, aside]
+    panes: [rail, desk, strip, aside]
     Component.onCompleted: shell.shown = true
     Component.onDestruction: shell.shown = false
 
@@ -52,12 +54,24 @@ Page {
         id: desk
         anchors.left: edge.right
         anchors.right: aside.visible ? aside.left : parent.right
-        height: parent.height
+        anchors.top: parent.top
+        anchors.bottom: strip.top
         Accessible.role: Accessible.Pane
         Accessible.name: page.inContext ? page.shell.title : ""
 
+        Banner {
+            id: notice
+            x: Theme.wide
+            y: Theme.medium
+            width: parent.width - Theme.wide * 2
+            visible: !page.inContext && text !== ""
+            text: page.shell.notice
+            dismissable: true
+            onDismissed: page.shell.dismissNotice()
+        }
         Loader {
             anchors.fill: parent
+            anchors.topMargin: notice.visible ? notice.y + notice.height : 0
             active: !page.inContext
             visible: active
             focus: active
@@ -70,6 +84,18 @@ Page {
             focus: active
             sourceComponent: ContextView { shell: page.shell }
         }
+    }
+    ShellStrip {
+        id: strip
+        anchors.left: edge.right
+        anchors.right: desk.right
+        anchors.bottom: parent.bottom
+        height: visible ? implicitHeight : 0
+        visible: page.inContext || page.shell.shells.view.count > 0
+        room: page.height
+        shells: page.shell.shells
+        agents: page.shell.agents
+        onVisibleChanged: if (!visible && activeFocus) desk.forceActiveFocus(Qt.OtherFocusReason)
     }
     FocusScope {
         id: aside
@@ -107,7 +133,7 @@ Page {
     }
     Toast {
         anchors.horizontalCenter: desk.horizontalCenter
-        anchors.bottom: parent.bottom
+        anchors.bottom: strip.top
         anchors.bottomMargin: Theme.wide
         undoName: "work.undo"
         text: page.shell.board.undoText

@@ -46,6 +46,13 @@ struct WorkModuleShellType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct WorkShellsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkShells)
+    QML_NAMED_ELEMENT(WorkShells)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct WorkBoardType {
     Q_GADGET
     QML_FOREIGN(corvane::WorkBoard)
