@@ -66,6 +66,7 @@ TEST_F(WebSyncTest, theFirstRefreshMovesWhatWasLocalIntoTheWebsWorkspace)
     EXPECT_EQ(refresh(), "");
     EXPECT_EQ(sync.selectedWorkspaceId(), "ws-studio") << "what is stored there is still shown";
     EXPECT_FALSE(sync.selectionIsKnown());
+    EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), std::nullopt) << "nothing changed for the person";
     sync.selectWorkspace("ws-fairs");
     EXPECT_EQ(sync.selectedWorkspaceId(), "ws-studio") << "an empty one is left for the one with data";
 }

@@ -256,9 +256,14 @@ QString storeWorkspaceRows(
     const QString current = activeWorkspaceId(db, Repair::No);
     if (rows.isEmpty())
         return activeWorkspaceId(db);
+    const auto notice = db.defaults().text(noticeKey);
     const WorkspaceRow& chosen = chosenRow(rows, current, preferredWorkspaceId);
     persistActiveWorkspace(db, cleanId(chosen.workspaceId), chosen.orgId, LegacyRows::Migrate);
-    return activeWorkspaceId(db);
+    const QString active = activeWorkspaceId(db);
+    // One that the web has no more, but that alone holds data, stays in use: there is nothing to tell.
+    if (active == current && !notice)
+        db.defaults().remove(noticeKey);
+    return active;
 }
 
 QList<WorkspaceRow> fetchWorkspaceRows(LocalDB& db)
