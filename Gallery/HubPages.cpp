@@ -54,6 +54,7 @@ void drawOps(Gallery& gallery)
     gallery.wait(pause);
     gallery.save(u"ops-launch"_s);
     shell.agents()->dismissLaunch();
+    shell.shells()->setOpen(false);
     shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
     gallery.wait(pause);
     gallery.save(u"ops-create-item"_s);

@@ -52,7 +52,8 @@ TEST_F(Hubs, theQueueHoldsWhoWaitsLongestFirst)
         says("kiln", "IN", minute);
     person("shop", "Shop");
     says("shop", "IN", 600);
-    m_db->run("INSERT INTO contact_identity(id, contact_id, channel, handle) VALUES('i','shop','EMAIL','No-Reply@shop.example');");
+    m_db->run("INSERT INTO contact_identity(id, contact_id, channel, handle) "
+              "VALUES('i','shop','EMAIL','No-Reply@shop.example');");
     m_db->exec("UPDATE unified_conversation SET muted=1 WHERE id='cdora';");
     const WorkContextRow client = context(u"Ana"_s, u"cx"_s);
     item(client.id, u"Glaze chips"_s, u"open"_s, u"bug"_s, u"cx"_s);

@@ -139,7 +139,8 @@ TEST_F(WorkShell, oneRowThatChangedRepaintsOneCard)
             QObject::connect(items, added, items, [&] { ++others; });
         QObject::connect(items, &QAbstractItemModel::modelReset, items, [&] { ++others; });
     }
-    OtherProcess(path()).exec("UPDATE work_item SET owner='Luis', updated_at='2030-01-01T00:00:00Z' WHERE title='Item 7';");
+    OtherProcess(path()).exec(
+        "UPDATE work_item SET owner='Luis', updated_at='2030-01-01T00:00:00Z' WHERE title='Item 7';");
     m_clock.advance(Milliseconds(4000));
     EXPECT_EQ(painted, QStringList("Item 7"));
     EXPECT_EQ(others, 0) << "the rest stays as it is, also where the card moves up";

@@ -137,9 +137,8 @@ QString CXHub::queueText() const
     const auto people = int(m_queue.rows().size());
     return factLine({ people > 0 ? countWords(people, u"person waits"_s, u"people wait"_s) : QString(),
         late > 0 ? u"%1 for more than a day"_s.arg(late) : QString(),
-        m_automatic > 0
-            ? countWords(m_automatic, u"automatic sender left out"_s, u"automatic senders left out"_s)
-            : QString() });
+        m_automatic > 0 ? countWords(m_automatic, u"automatic sender left out"_s, u"automatic senders left out"_s)
+                        : QString() });
 }
 
 QString CXHub::name() const

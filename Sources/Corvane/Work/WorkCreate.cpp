@@ -28,8 +28,7 @@ WorkCreate::WorkCreate(LocalDB& db, QObject* parent)
 {
 }
 
-void WorkCreate::setPlace(
-    const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts)
+void WorkCreate::setPlace(const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts)
 {
     m_place = place;
     m_contextNoun = contextNoun;

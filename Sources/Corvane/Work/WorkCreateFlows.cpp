@@ -13,6 +13,7 @@ namespace {
 
 const QString person = u"Oskel"_s;
 const QString approved = u"approved"_s;
+const QString usualSource = u"corvane-ui"_s;
 const QString couldNotSaveItem = u"Could not save work_item."_s;
 constexpr int firstWords = 80;
 
@@ -135,7 +136,7 @@ Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const W
             .itemId = std::nullopt,
             .kind = kindOf(draft),
             .title = title,
-            .source = place.source,
+            .source = usualSource,
             .uri = QLatin1StringView(""),
             .summary = draft.summary.trimmed() });
     if (!saved)

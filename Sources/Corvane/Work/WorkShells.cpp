@@ -34,7 +34,8 @@ WorkShells::WorkShells(const TerminalsView::Surroundings& at, const QString& mod
 {
     connect(&m_view, &TerminalsView::changed, this, &WorkShells::changed);
     // A question is put where the terminal is.
-    connect(&m_view, &TerminalsView::questionChanged, this, [this] { setOpen(m_open || !m_view.question().isEmpty()); });
+    connect(
+        &m_view, &TerminalsView::questionChanged, this, [this] { setOpen(m_open || !m_view.question().isEmpty()); });
 }
 
 bool WorkShells::isOpen() const

@@ -56,9 +56,8 @@ QList<WaitingPerson> fetchWaitingPeople(LocalDB& db, qint64 notBeforeMs, int lim
         if (newest.direction != "IN"_L1)
             continue;
         WaitingPerson person { row.id, row.name, newest.channel, row.snippet };
-        person.handles = db.rows(
-            u"SELECT handle FROM contact_identity WHERE contact_id=? AND deleted_at IS NULL;"_s, { row.id },
-            [](const SqlRow& identity) { return identity.text(0); });
+        person.handles = db.rows(u"SELECT handle FROM contact_identity WHERE contact_id=? AND deleted_at IS NULL;"_s,
+            { row.id }, [](const SqlRow& identity) { return identity.text(0); });
         const auto answered = db.scalar(u"SELECT MAX(m.ts) "_s + messagesOf + u" AND m.direction='OUT';"_s, { row.id });
         person.everAnswered = answered && !answered->isEmpty();
         db.visitRows(u"SELECT MIN(m.ts), COUNT(*) "_s + messagesOf + u" AND m.direction='IN' AND m.ts > ?;"_s,
