@@ -43,7 +43,7 @@ class PipelineStage : public QObject {
 public:
     using QObject::QObject;
 
-    const QString& stage() const { return m_stage; } ///< as the deals have it; empty where they have none
+    const QString& stage() const { return m_stage; } ///< as stored; empty for deals without one
     QString title() const;
     const QString& sum() const { return m_sum; }
     int count() const { return int(m_deals.rows().size()); }

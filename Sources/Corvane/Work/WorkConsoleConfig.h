@@ -56,8 +56,8 @@ struct WorkConsoleConfig {
     QList<WorkConsoleTab> tabs;
     QList<WorkAction> topActions;
     QList<WorkAction> quickActions;
-    QString placeSource = u"corvane-ui"_s; ///< of an item that is created at a place and not in a context
-    QString boardPlace = {}; ///< the place that shows the items of the whole module; empty: none does
+    QString placeSource = u"corvane-ui"_s; ///< source of items created outside a context
+    QString boardPlace = {}; ///< the place that shows the board of the module; empty for none
 
     static WorkConsoleConfig ops(WorkConsoleTab defaultTab = WorkConsoleTab::Processes);
     static WorkConsoleConfig gtm();

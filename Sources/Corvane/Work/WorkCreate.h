@@ -16,7 +16,7 @@ class WorkCreate : public QObject {
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
     Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will be added
     Q_PROPERTY(QString noContext READ noContext NOTIFY changed)
-    Q_PROPERTY(QStringList contexts READ contexts NOTIFY changed) ///< to choose from; empty where the place has its context
+    Q_PROPERTY(QStringList contexts READ contexts NOTIFY changed) ///< to choose from
     Q_PROPERTY(QString chosenContext READ chosenContext NOTIFY changed)
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
     Q_PROPERTY(QString titleLabel READ titleLabel NOTIFY changed)
@@ -33,9 +33,9 @@ class WorkCreate : public QObject {
 public:
     WorkCreate(LocalDB& db, QObject* parent); ///< the database outlives it
 
-    /// A place without a context leaves the choice among those that are there.
+    /// Without a context in the place, the person may choose one of `contexts`.
     void setPlace(const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts);
-    const WorkPlace& placed() const { return m_chosen ? *m_chosen : m_place; } ///< as a person chose it
+    const WorkPlace& placed() const { return m_chosen ? *m_chosen : m_place; } ///< with the chosen context
 
     bool isOpen() const { return m_open; }
     QString flow() const;
@@ -66,7 +66,7 @@ public:
 
     Q_INVOKABLE void begin(const QString& flow);
     Q_INVOKABLE void beginQuickAction(const QString& title, const QString& subtitle);
-    Q_INVOKABLE void chooseContext(const QString& title); ///< empty: none of them
+    Q_INVOKABLE void chooseContext(const QString& title); ///< empty: none
     Q_INVOKABLE void save();
     Q_INVOKABLE void cancel();
 

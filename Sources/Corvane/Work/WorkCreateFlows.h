@@ -35,7 +35,7 @@ WorkDraft quickActionDraft(const QString& title, const QString& subtitle, const 
 struct WorkPlace {
     QString module;
     WorkContext context = {};
-    QString slug = {}; ///< of the project of an ask where there is no context
+    QString slug = {}; ///< the project of an ask if there is no context
     QString source = u"corvane-ui"_s; ///< of an item
 
     WorkContextId contextId() const { return context ? WorkContextId(context->id) : WorkContextId(); }

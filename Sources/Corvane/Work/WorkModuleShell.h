@@ -61,7 +61,7 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(corvane::GadgetListModel* evidence READ evidence CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* timeline READ timeline CONSTANT)
     Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty where the whole timeline is shown
-    Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< what is open here and no ticket
+    Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< open items that are no tickets
     Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
     Q_PROPERTY(corvane::WorkItemSheet* item READ item CONSTANT)
     Q_PROPERTY(corvane::WorkCreate* create READ create CONSTANT)
@@ -78,7 +78,7 @@ public:
     const WorkContext& context() const { return m_context; }
     void setPlaceCount(const QString& place, int count);
     void show(const QString& contextId, const QString& itemId = {}, const QString& tab = {}); ///< from elsewhere
-    void setStale() { m_stale = true; } ///< something that it shows was written: it is read anew soon
+    void setStale() { m_stale = true; } ///< read again at the next tick
 
     bool shown() const { return m_shown; }
     void setShown(bool shown);

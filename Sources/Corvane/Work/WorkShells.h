@@ -5,11 +5,11 @@
 
 namespace corvane {
 
-/// The strip of local shells below a workspace. They belong to it, and end with the program.
+/// The strip of local shells below a workspace. They end with the program.
 class WorkShells : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::TerminalsView* view READ view CONSTANT)
-    Q_PROPERTY(bool open READ isOpen WRITE setOpen NOTIFY changed) ///< the one in front is shown, not its tab alone
+    Q_PROPERTY(bool open READ isOpen WRITE setOpen NOTIFY changed) ///< the terminal is shown, not only the tabs
     Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
     Q_PROPERTY(QString foldLabel READ foldLabel NOTIFY changed)
 public:
@@ -21,15 +21,15 @@ public:
     QString createLabel() const { return u"+ New Shell"_s; }
     QString foldLabel() const { return isOpen() ? u"Fold the terminal"_s : u"Show the terminal"_s; }
 
-    /// A new shell in front, behind a text that is shown and of which nothing is run. It starts in the directory, where
-    /// there is one. Without a name it is called as its shell says.
+    /// Opens a shell that first prints the text; nothing in the text is executed. `directory` may not exist. An empty
+    /// name leaves the title to the shell.
     void show(const QString& name, const QString& text, const QString& directory);
 
-    Q_INVOKABLE void pick(const QString& id); ///< its tab was pressed: shows it, or folds it where it is shown
+    Q_INVOKABLE void pick(const QString& id); ///< shows that terminal, or folds it if it is shown
 
 Q_SIGNALS:
     void changed();
-    void brought(); ///< a person asked for the one in front
+    void brought(); ///< the terminal should take the keyboard
 
 private:
     const TerminalsView::Surroundings m_at;

@@ -32,7 +32,7 @@ struct WaitingPerson {
     QString snippet;
     QStringList handles = {}; ///< addresses and numbers
     qint64 sinceMs = 0; ///< their first message since the last answer
-    int unanswered = 0; ///< how many they wrote since then
+    int unanswered = 0; ///< messages since then
     bool everAnswered = false;
 
     bool operator==(const WaitingPerson&) const = default;
