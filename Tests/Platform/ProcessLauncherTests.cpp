@@ -161,6 +161,20 @@ TEST_F(ProcessLauncherTest, aFailedStartNamesTheReasonAndLeavesNothingOpen)
     EXPECT_LE(openDescriptors(), before);
 }
 
+TEST_F(ProcessLauncherTest, aChildMayTalkOverDescriptorsOfItsOwn)
+{
+    ProcessSpec spec = specOf({ u"-c"_s, u"echo lost; read line <&3; printf '%s\\n!\\0half' \"$line\" >&4; exit 3"_s });
+    spec.executable = u"/bin/sh"_s;
+    spec.inputNumber = 3;
+    spec.outputNumber = 4;
+    spec.lineEnd = '\0';
+    const auto watched = startAs(spec);
+    ASSERT_TRUE(watched->child->write("hello\n"));
+    ASSERT_TRUE(await([&] { return watched->ended(); }));
+    EXPECT_EQ(watched->text, u"hello\n!"_s + QChar(u'\0'));
+    EXPECT_EQ(watched->codes, QList<int> { 3 });
+}
+
 TEST(WholeLines, aLineComesWholeAndOneThatNeverEndsIsDroppedAlone)
 {
     WholeLines lines;

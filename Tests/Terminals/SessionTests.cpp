@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Foundation/Redaction.h"
 #include "Foundation/UserDefaults.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
@@ -6,7 +7,7 @@
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Terminals/DevProcessInspector.h"
-#include "Terminals/Redaction.h"
+
 #include "Terminals/ShellCommand.h"
 #include "Terminals/TerminalsView.h"
 

@@ -17,6 +17,10 @@ struct ProcessSpec {
     QString workingDirectory;
     QProcessEnvironment environment; ///< the whole environment, not an addition
     bool pipes = true; ///< false: standard input and output are the null device too
+    // Other descriptors than the standard ones, which are the null device then.
+    int inputNumber = 0; ///< where the child reads
+    int outputNumber = 1; ///< where it writes
+    char lineEnd = '\n'; ///< what ends a line of its output
 };
 
 /// A running child. All calls on the main thread.
@@ -44,7 +48,7 @@ public:
     virtual void terminate() = 0;
 };
 
-/// Whole lines that a child printed, each with its newline. The launcher reads no more from that child until the chunk
+/// Whole lines that a child printed, each with its end. The launcher reads no more from that child until the chunk
 /// is destroyed, so that a child that floods fills its pipe and not this process's memory.
 struct OutputChunk {
     QByteArray lines;

@@ -38,6 +38,7 @@ public:
         quint64 id = 0;
         Descriptor output;
         std::shared_ptr<const Descriptor> handle;
+        char lineEnd = '\n';
     };
     struct Batch {
         std::vector<Addition> additions;
@@ -117,7 +118,7 @@ private:
         quint64 id = 0;
         Descriptor output;
         std::shared_ptr<const Descriptor> handle;
-        WholeLines lines = {};
+        WholeLines lines;
         bool chunkIsOut = false;
         std::optional<int> exitCode = std::nullopt;
         size_t leftAfterExit = 0; ///< what the child itself had left in the pipe when it ended
@@ -166,7 +167,7 @@ void ChildReader::Loop::obeyOrders()
     m_stopping = batch.stop;
     for (Orders::Addition& addition : batch.additions) {
         const quint64 id = addition.id;
-        Child child { id, std::move(addition.output), std::move(addition.handle) };
+        Child child { id, std::move(addition.output), std::move(addition.handle), WholeLines(addition.lineEnd) };
         watch(EPOLL_CTL_ADD, *child.handle, tagOf(id, Source::Handle), EPOLLIN | EPOLLONESHOT);
         if (child.output.isOpen())
             watch(EPOLL_CTL_ADD, child.output, tagOf(id, Source::Output), EPOLLIN | EPOLLONESHOT);
@@ -246,10 +247,11 @@ ChildReader::~ChildReader()
     m_thread.join();
 }
 
-void ChildReader::add(quint64 id, Descriptor output, std::shared_ptr<const Descriptor> handle)
+void ChildReader::add(quint64 id, Descriptor output, std::shared_ptr<const Descriptor> handle, char lineEnd)
 {
-    m_orders->give(
-        [&](Orders::Batch& batch) { batch.additions.push_back({ id, std::move(output), std::move(handle) }); });
+    m_orders->give([&](Orders::Batch& batch) {
+        batch.additions.push_back({ id, std::move(output), std::move(handle), lineEnd });
+    });
 }
 
 }

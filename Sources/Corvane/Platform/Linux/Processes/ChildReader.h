@@ -21,7 +21,7 @@ public:
     ~ChildReader(); ///< nothing is delivered afterwards
 
     /// `output` may be closed; `handle` becomes readable when the process exits, and is reaped here.
-    void add(quint64 id, Descriptor output, std::shared_ptr<const Descriptor> handle);
+    void add(quint64 id, Descriptor output, std::shared_ptr<const Descriptor> handle, char lineEnd);
 
 private:
     class Hold;

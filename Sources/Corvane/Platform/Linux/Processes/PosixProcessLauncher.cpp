@@ -134,7 +134,7 @@ Result<std::shared_ptr<ChildProcess>> PosixProcessLauncher::start(const ProcessS
         = std::make_shared<LinuxChild>(m_scheduler, spawned->pid, spawned->handle, std::move(spawned->input));
     const quint64 id = m_nextId++;
     m_running.insert(id, { child, std::move(handlers) });
-    m_reader->add(id, std::move(spawned->output), std::move(spawned->handle));
+    m_reader->add(id, std::move(spawned->output), std::move(spawned->handle), spec.lineEnd);
     return child;
 }
 

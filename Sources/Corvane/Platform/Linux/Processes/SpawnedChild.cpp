@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
@@ -64,7 +65,7 @@ public:
         m_own = Descriptor(ends[ours == Ours::Reads ? 0 : 1]);
         m_childs = Descriptor(ends[ours == Ours::Reads ? 1 : 0]);
         makeNonBlocking(m_own);
-        return true;
+        return moveUp();
     }
 
     bool openSocket()
@@ -99,6 +100,14 @@ public:
     Descriptor takeOwn() { return std::move(m_own); }
 
 private:
+    /// Out of the way of the numbers that the child's ends get, one after the other.
+    bool moveUp()
+    {
+        constexpr int aboveAllPlaces = 16;
+        m_childs = Descriptor(::fcntl(m_childs.number(), F_DUPFD_CLOEXEC, aboveAllPlaces));
+        return m_childs.isOpen();
+    }
+
     Descriptor m_own;
     Descriptor m_childs;
 };
@@ -140,10 +149,13 @@ struct SpawnAttributes {
 Result<SpawnedChild> spawn(const ProcessSpec& spec, Streams& streams)
 {
     SpawnActions actions;
-    streams.input.connect(actions.value, STDIN_FILENO);
-    streams.output.connect(actions.value, STDOUT_FILENO);
+    for (const int number : { STDIN_FILENO, STDOUT_FILENO })
+        Stream().connect(actions.value, number);
+    streams.input.connect(actions.value, spec.inputNumber);
+    streams.output.connect(actions.value, spec.outputNumber);
     streams.errors.connect(actions.value, STDERR_FILENO);
-    posix_spawn_file_actions_addclosefrom_np(&actions.value, STDERR_FILENO + 1);
+    posix_spawn_file_actions_addclosefrom_np(
+        &actions.value, std::max({ STDERR_FILENO, spec.inputNumber, spec.outputNumber }) + 1);
     if (!spec.workingDirectory.isEmpty())
         posix_spawn_file_actions_addchdir_np(&actions.value, QFile::encodeName(spec.workingDirectory).constData());
 

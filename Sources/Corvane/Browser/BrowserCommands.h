@@ -1,0 +1,10 @@
+#pragma once
+
+#include "Presentation/Commands.h"
+
+namespace corvane {
+
+/// The keys of the browser's pane, which answers them itself.
+QList<Command> browserCommands();
+
+}

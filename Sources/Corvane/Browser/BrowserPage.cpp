@@ -1,0 +1,276 @@
+#include "Browser/BrowserPage.h"
+
+#include "Foundation/Json.h"
+#include "Foundation/Literals.h"
+#include "Foundation/Scheduler.h"
+#include "Presentation/CountWords.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr QSize usualSize(1280, 800);
+
+QString script(const QString& function, const QJsonArray& arguments)
+{
+    const QString list = QString::fromUtf8(QJsonDocument(arguments).toJson(QJsonDocument::Compact));
+    return u"("_s + function + u")(..."_s + list + u')';
+}
+
+}
+
+BrowserPage::BrowserPage(Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_scheduler(scheduler)
+{
+}
+
+void BrowserPage::attach(DevToolsConnection* connection)
+{
+    if (m_connection)
+        m_connection->disconnect(this);
+    m_connection = connection;
+    connect(connection, &DevToolsConnection::told, this, &BrowserPage::take);
+    m_isLoading = false;
+    m_mainFrame.clear();
+    m_history.clear();
+    for (const QString& domain : { u"Page"_s, u"Runtime"_s, u"Log"_s, u"Network"_s })
+        connection->call(domain + u".enable"_s);
+    sendMetrics();
+    connection->call(u"Page.startScreencast"_s,
+        { { u"format"_s, u"jpeg"_s }, { u"quality"_s, 72 }, { u"maxWidth"_s, usualSize.width() },
+            { u"maxHeight"_s, usualSize.height() }, { u"everyNthFrame"_s, 2 } });
+    connection->call(u"Inspector.enable"_s);
+    connection->call(u"Page.setInterceptFileChooserDialog"_s, { { u"enabled"_s, true } });
+    connection->call(u"Browser.setDownloadBehavior"_s, { { u"behavior"_s, u"deny"_s }, { u"eventsEnabled"_s, true } });
+    const QString world = QString::fromLatin1(stepWorld);
+    connection->call(u"Runtime.addBinding"_s,
+        { { u"name"_s, QString::fromLatin1(stepBinding) }, { u"executionContextName"_s, world } });
+    connection->call(u"Page.addScriptToEvaluateOnNewDocument"_s,
+        { { u"source"_s, stepScript() }, { u"worldName"_s, world }, { u"runImmediately"_s, true } });
+}
+
+void BrowserPage::setMetrics(QSize size, double zoom, bool isMobile)
+{
+    m_size = size;
+    m_zoom = zoom;
+    m_isMobile = isMobile;
+    if (m_connection)
+        sendMetrics();
+}
+
+/// The zoom lays the page out on fewer pixels and draws each larger, as a browser's own zoom does.
+void BrowserPage::sendMetrics()
+{
+    constexpr int longestSide = 10'000'000;
+    const QSize size
+        = m_size.isEmpty() || m_size.width() > longestSide || m_size.height() > longestSide ? usualSize : m_size;
+    m_connection->call(u"Emulation.setDeviceMetricsOverride"_s,
+        { { u"width"_s, int(size.width() / m_zoom) }, { u"height"_s, int(size.height() / m_zoom) },
+            { u"deviceScaleFactor"_s, m_zoom }, { u"mobile"_s, m_isMobile } });
+}
+
+void BrowserPage::open(const QString& url)
+{
+    forget();
+    m_steps.opened(url);
+    m_hasLoaded = false;
+    m_said.clear();
+    if (!m_connection)
+        return;
+    m_connection->call(
+        u"Page.navigate"_s, { { u"url"_s, url } }, [self = QPointer(this)](const Result<QJsonObject>& result) {
+            const QString problem = result ? result->value("errorText"_L1).toString() : result.error().message;
+            if (!self || problem.isEmpty() || problem == "net::ERR_ABORTED"_L1)
+                return;
+            self->m_said = u"The page could not be opened: %1."_s.arg(problem);
+            Q_EMIT self->changed();
+        });
+    Q_EMIT changed();
+}
+
+void BrowserPage::forget()
+{
+    m_events.clear();
+    m_steps = {};
+    Q_EMIT eventsChanged();
+}
+
+bool BrowserPage::canGo(int by) const
+{
+    return m_connection && m_historyIndex + by >= 0 && m_historyIndex + by < m_history.size();
+}
+
+void BrowserPage::step(int by)
+{
+    if (canGo(by))
+        m_connection->call(u"Page.navigateToHistoryEntry"_s, { { u"entryId"_s, m_history.at(m_historyIndex + by) } });
+}
+
+void BrowserPage::find(const QString& text, bool backwards)
+{
+    if (!m_connection || text.isEmpty())
+        return;
+    const QString function = u"(text, backwards) => { const all = document.body?.innerText.toLowerCase() ?? ''; "
+                             "window.find(text, false, backwards, true); "
+                             "return all.split(text.toLowerCase()).length - 1; }"_s;
+    m_connection->call(u"Runtime.evaluate"_s,
+        { { u"expression"_s, script(function, { text, backwards }) }, { u"returnByValue"_s, true } },
+        [self = QPointer(this), text](const Result<QJsonObject>& result) {
+            if (!self || !result)
+                return;
+            const int count = result->value("result"_L1)["value"_L1].toInt();
+            self->m_said = count > 0 ? u"%1 on this page"_s.arg(countWords(count, u"match"_s, u"matches"_s))
+                                     : u"“%1” is not on this page."_s.arg(text);
+            Q_EMIT self->changed();
+        });
+}
+
+double BrowserPage::progress() const
+{
+    if (!m_isLoading)
+        return 1;
+    constexpr double begun = 0.1;
+    return m_requests == 0 ? begun : begun + (1 - begun) * std::min(1.0, double(m_answered) / (m_requests + 1));
+}
+
+void BrowserPage::take(const QString& method, const QJsonObject& parameters)
+{
+    if (method == "Page.screencastFrame"_L1)
+        return takeFrame(parameters);
+    if (m_events.take(method, parameters, m_scheduler.nowMs()))
+        Q_EMIT eventsChanged();
+    if (method.startsWith("Network."_L1) || method.startsWith("Page.frame"_L1))
+        takeLoading(method, parameters);
+    if (method == "Page.frameNavigated"_L1) {
+        takeNavigation(parameters["frame"_L1].toObject());
+    } else if (method == "Page.navigatedWithinDocument"_L1) {
+        if (parameters["frameId"_L1].toString() == m_mainFrame) {
+            m_url = parameters["url"_L1].toString();
+            readHistory();
+        }
+    } else if (method == "Page.loadEventFired"_L1) {
+        m_hasLoaded = true;
+        readTitle();
+        Q_EMIT loaded();
+    } else if (method == "Runtime.bindingCalled"_L1) {
+        if (const auto report = jsonObject(parameters["payload"_L1].toString().toUtf8()))
+            m_steps.reported(*report);
+    } else if (method == "Inspector.targetCrashed"_L1) {
+        Q_EMIT crashed();
+    } else if (refuse(method, parameters)) {
+        Q_EMIT changed();
+    }
+}
+
+void BrowserPage::takeFrame(const QJsonObject& parameters)
+{
+    // At once, whatever becomes of the frame: the browser sends no more before.
+    m_connection->call(u"Page.screencastFrameAck"_s, { { u"sessionId"_s, parameters["sessionId"_L1] } });
+    const QJsonValue metadata = parameters["metadata"_L1];
+    Q_EMIT frame(parameters["data"_L1].toString().toLatin1(),
+        QSizeF(metadata["deviceWidth"_L1].toDouble(), metadata["deviceHeight"_L1].toDouble()));
+}
+
+void BrowserPage::takeNavigation(const QJsonObject& frame)
+{
+    if (frame.contains("parentId"_L1))
+        return;
+    m_mainFrame = frame["id"_L1].toString();
+    m_url = frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
+    readTitle();
+    readHistory();
+    Q_EMIT changed();
+}
+
+void BrowserPage::takeLoading(const QString& method, const QJsonObject& parameters)
+{
+    const bool isMain = m_mainFrame.isEmpty() || parameters["frameId"_L1].toString() == m_mainFrame;
+    if (method == "Page.frameStartedLoading"_L1 && isMain) {
+        m_isLoading = true;
+        m_requests = 0;
+        m_answered = 0;
+    } else if (method == "Page.frameStoppedLoading"_L1 && isMain) {
+        m_isLoading = false;
+    } else if (method == "Network.requestWillBeSent"_L1 && m_isLoading) {
+        ++m_requests;
+    } else if ((method == "Network.loadingFinished"_L1 || method == "Network.loadingFailed"_L1) && m_isLoading) {
+        ++m_answered;
+    } else {
+        return;
+    }
+    Q_EMIT changed();
+}
+
+bool BrowserPage::refuse(const QString& method, const QJsonObject& parameters)
+{
+    if (method == "Page.javascriptDialogOpening"_L1) {
+        ++m_dialogs;
+        // To stay on a page that asks would hold it for ever.
+        const bool leaves = parameters["type"_L1].toString() == "beforeunload"_L1;
+        m_connection->call(u"Page.handleJavaScriptDialog"_s, { { u"accept"_s, leaves } });
+    } else if (method == "Browser.downloadWillBegin"_L1 || method == "Page.downloadWillBegin"_L1) {
+        ++m_downloads;
+    } else if (method == "Page.fileChooserOpened"_L1) {
+        ++m_fileChoosers;
+    } else if (method == "Page.windowOpen"_L1) {
+        m_said = u"The page opened another window, which is not shown: %1"_s.arg(parameters["url"_L1].toString());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+QString BrowserPage::notice() const
+{
+    QStringList parts;
+    if (m_dialogs > 0)
+        parts.append(u"%1 of the page dismissed."_s.arg(countWords(m_dialogs, u"dialog"_s, u"dialogs"_s)));
+    if (m_downloads > 0)
+        parts.append(u"%1 refused."_s.arg(countWords(m_downloads, u"download"_s, u"downloads"_s)));
+    if (m_fileChoosers > 0)
+        parts.append(u"The page asked for a file; none is given from here."_s);
+    if (!m_said.isEmpty())
+        parts.append(m_said);
+    return parts.join(u' ');
+}
+
+void BrowserPage::dismissNotice()
+{
+    m_dialogs = m_downloads = m_fileChoosers = 0;
+    m_said.clear();
+    Q_EMIT changed();
+}
+
+void BrowserPage::readTitle()
+{
+    m_connection->call(
+        u"Runtime.evaluate"_s, { { u"expression"_s, u"document.title"_s }, { u"returnByValue"_s, true } },
+        [self = QPointer(this)](const Result<QJsonObject>& result) {
+            const QJsonValue value = result ? result->value("result"_L1)["value"_L1] : QJsonValue();
+            if (!self || !value.isString())
+                return;
+            self->m_title = value.toString();
+            Q_EMIT self->changed();
+        },
+        DevToolsConnection::titleNumber);
+}
+
+void BrowserPage::readHistory()
+{
+    m_connection->call(u"Page.getNavigationHistory"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& result) {
+        if (!self || !result)
+            return;
+        self->m_history.clear();
+        for (const QJsonValue& entry : result->value("entries"_L1).toArray())
+            self->m_history.append(entry["id"_L1].toInt());
+        self->m_historyIndex = result->value("currentIndex"_L1).toInt();
+        Q_EMIT self->changed();
+    });
+}
+
+}

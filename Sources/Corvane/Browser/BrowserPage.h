@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Browser/BrowserEvents.h"
+#include "Browser/BrowserSteps.h"
+#include "Browser/DevToolsConnection.h"
+#include "Foundation/Literals.h"
+
+#include <QPointer>
+#include <QSizeF>
+
+namespace corvane {
+
+class Scheduler;
+
+/// What is known of the page that is shown, as the protocol tells it. Texts are as they came, with what secrets they
+/// hold. Dialogs, downloads and questions for files are answered here: nobody would see them.
+class BrowserPage : public QObject {
+    Q_OBJECT
+public:
+    /// The scheduler outlives it.
+    BrowserPage(Scheduler& scheduler, QObject* parent);
+
+    void attach(DevToolsConnection* connection); ///< of a page that nobody listened to yet
+    void setMetrics(QSize size, double zoom, bool isMobile); ///< size in pixels of the frame
+    void open(const QString& url);
+    void step(int by); ///< through the history
+    void find(const QString& text, bool backwards);
+
+    const QString& url() const { return m_url; }
+    const QString& title() const { return m_title; }
+    bool isLoading() const { return m_isLoading; }
+    bool hasLoaded() const { return m_hasLoaded; } ///< since the last time it was opened
+    double progress() const; ///< of the loading, from 0 to 1
+    bool canGo(int by) const;
+    QString notice() const; ///< what was refused, in words; empty for none
+    void dismissNotice();
+    const BrowserEvents& events() const { return m_events; }
+    BrowserSteps& steps() { return m_steps; }
+    const BrowserSteps& steps() const { return m_steps; }
+    void forget(); ///< what went wrong and what was done
+
+Q_SIGNALS:
+    void changed();
+    void eventsChanged();
+    void loaded();
+    void frame(const QByteArray& base64Jpeg, QSizeF viewport);
+    void crashed();
+
+private:
+    void take(const QString& method, const QJsonObject& parameters);
+    void takeFrame(const QJsonObject& parameters);
+    void takeNavigation(const QJsonObject& frame);
+    void takeLoading(const QString& method, const QJsonObject& parameters);
+    bool refuse(const QString& method, const QJsonObject& parameters);
+    void readTitle();
+    void readHistory();
+    void sendMetrics();
+
+    Scheduler& m_scheduler;
+    QPointer<DevToolsConnection> m_connection;
+    BrowserEvents m_events;
+    BrowserSteps m_steps;
+    QString m_url = u"about:blank"_s;
+    QString m_title = u"Chromium"_s;
+    QString m_mainFrame;
+    QSize m_size;
+    double m_zoom = 1;
+    bool m_isMobile = false;
+    bool m_isLoading = false;
+    bool m_hasLoaded = false;
+    int m_requests = 0; ///< since the loading began
+    int m_answered = 0;
+    QList<int> m_history; ///< the browser's ids of its entries
+    int m_historyIndex = 0;
+    int m_dialogs = 0;
+    int m_downloads = 0;
+    int m_fileChoosers = 0;
+    QString m_said; ///< another notice
+};
+
+}

@@ -1,0 +1,196 @@
+#include "Browser/BrowserPlayer.h"
+
+#include "Browser/ChromiumBrowserController.h"
+#include "Foundation/Arrival.h"
+#include "Presentation/CountWords.h"
+
+#include <QJsonDocument>
+
+namespace corvane {
+
+namespace {
+
+using Kind = BrowserStep::Kind;
+
+constexpr Milliseconds look(100);
+constexpr int looksForAnElement = 50;
+constexpr int looksForAPage = 300;
+
+/// The middle of the element in pixels of the page, once it is there.
+const QString placeOf = uR"(selector => {
+    const element = document.querySelector(selector);
+    if (!element) return null;
+    element.scrollIntoView({ block: 'center', behavior: 'instant' });
+    const box = element.getBoundingClientRect();
+    return box.width && box.height ? [box.x + box.width / 2, box.y + box.height / 2] : null;
+})"_s;
+
+/// Puts the keyboard there, with what stands in the field chosen.
+const QString focusOn = uR"(selector => {
+    const element = document.querySelector(selector);
+    if (!element) return null;
+    element.focus();
+    element.select?.();
+    return true;
+})"_s;
+
+const QString chooseIn = uR"((selector, value) => {
+    const element = document.querySelector(selector);
+    if (!element) return null;
+    element.value = value;
+    for (const name of ['input', 'change']) element.dispatchEvent(new Event(name, { bubbles: true }));
+    return true;
+})"_s;
+
+}
+
+BrowserPlayer::BrowserPlayer(ChromiumBrowserController& browser, Scheduler& scheduler, QObject* parent)
+    : QObject(parent)
+    , m_browser(browser)
+    , m_scheduler(scheduler)
+{
+}
+
+BrowserPlayer::~BrowserPlayer()
+{
+    m_end.cancel();
+}
+
+void BrowserPlayer::play(const QList<BrowserStep>& steps)
+{
+    m_end.cancel();
+    m_end = CancelHandle();
+    playAll(steps, m_end);
+}
+
+void BrowserPlayer::stop()
+{
+    m_end.cancel();
+    say(u"The steps were stopped."_s);
+}
+
+void BrowserPlayer::dismiss()
+{
+    say({});
+}
+
+void BrowserPlayer::say(const QString& words)
+{
+    m_words = words;
+    Q_EMIT changed();
+}
+
+QCoro::Task<void> BrowserPlayer::playAll(QList<BrowserStep> steps, CancelHandle end)
+{
+    int withheld = 0;
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        say(u"Step %1 of %2: %3"_s.arg(QString::number(i + 1), QString::number(steps.size()), stepLine(steps.at(i))));
+        if (steps.at(i).isWithheld) {
+            ++withheld;
+            continue;
+        }
+        const QString problem = co_await playOne(steps.at(i), end);
+        if (end.isCancelled())
+            co_return;
+        if (!problem.isEmpty()) {
+            say(u"Stopped at step %1: %2"_s.arg(QString::number(i + 1), problem));
+            co_return;
+        }
+    }
+    const QString played = u"Played %1."_s.arg(countWords(steps.size() - withheld, u"step"_s, u"steps"_s));
+    say(withheld == 0 ? played
+                      : played
+                + u" %1 left out: what was typed is not kept."_s.arg(
+                    countWords(withheld, u"step was"_s, u"steps were"_s)));
+}
+
+/// Why it could not be done; empty where it was.
+QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
+{
+    if (step.kind == Kind::Open) {
+        const bool opened = co_await openPage(step.text, end);
+        co_return opened ? QString() : u"%1 did not open."_s.arg(step.text);
+    }
+    const QString function = step.kind == Kind::Click ? placeOf : step.kind == Kind::Choose ? chooseIn : focusOn;
+    QJsonArray arguments { step.selector };
+    if (step.kind == Kind::Choose)
+        arguments.append(step.text);
+    QJsonValue found;
+    for (int looks = 0; looks < looksForAnElement && (found.isNull() || found.isUndefined()); ++looks) {
+        if (looks > 0)
+            co_await pause(end);
+        if (end.isCancelled())
+            co_return QString();
+        found = co_await evaluate(function, arguments, end);
+        if (end.isCancelled())
+            co_return QString();
+    }
+    if (found.isNull() || found.isUndefined())
+        co_return u"%1 is not on the page."_s.arg(step.label.isEmpty() ? step.selector : step.label);
+    DevToolsConnection* const connection = m_browser.connection();
+    if (!connection)
+        co_return u"the browser ended."_s;
+    if (step.kind == Kind::Type) {
+        m_browser.insertText(step.text);
+    } else if (step.kind == Kind::Press) {
+        m_browser.key({ .isDown = true, .key = Qt::Key_Return });
+        m_browser.key({ .isDown = false, .key = Qt::Key_Return });
+    } else if (step.kind == Kind::Click) {
+        const QPointF at(found[0].toDouble(), found[1].toDouble());
+        for (const auto kind : { BrowserPointer::Kind::Press, BrowserPointer::Kind::Release })
+            connection->call(u"Input.dispatchMouseEvent"_s,
+                pointerParameters({ .kind = kind, .button = Qt::LeftButton, .clicks = 1 }, at));
+    }
+    co_return QString();
+}
+
+QCoro::Task<bool> BrowserPlayer::openPage(QString url, CancelHandle end)
+{
+    m_browser.open(url);
+    for (int looks = 0; looks < looksForAPage; ++looks) {
+        co_await pause(end);
+        if (end.isCancelled())
+            co_return false;
+        if (m_browser.page().hasLoaded())
+            co_return true;
+        if (!m_browser.isRunning() && !m_browser.isConnecting())
+            co_return false;
+    }
+    co_return false;
+}
+
+QCoro::Task<QJsonValue> BrowserPlayer::evaluate(QString function, QJsonArray arguments, CancelHandle end)
+{
+    DevToolsConnection* const connection = m_browser.connection();
+    if (!connection)
+        co_return QJsonValue();
+    const Arrival<QJsonValue> arrival;
+    const auto arrive = [arrival](const QJsonValue& value) {
+        if (!arrival.hasArrived())
+            arrival.arrive(value);
+    };
+    const auto watch = end.onCancel([arrive] { arrive({}); });
+    const QString list = QString::fromUtf8(QJsonDocument(arguments).toJson(QJsonDocument::Compact));
+    const QJsonObject parameters { { u"expression"_s, u"(%1)(...%2)"_s.arg(function, list) },
+        { u"returnByValue"_s, true } };
+    connection->call(u"Runtime.evaluate"_s, parameters, [arrive](const Result<QJsonObject>& result) {
+        arrive(result ? result->value("result"_L1)["value"_L1] : QJsonValue());
+    });
+    co_return co_await arrival;
+}
+
+QCoro::Task<void> BrowserPlayer::pause(CancelHandle end)
+{
+    const Arrival<bool> arrival;
+    const auto watch = end.onCancel([arrival] {
+        if (!arrival.hasArrived())
+            arrival.arrive(false);
+    });
+    m_pause = m_scheduler.after(look, [arrival] {
+        if (!arrival.hasArrived())
+            arrival.arrive(true);
+    });
+    co_await arrival;
+}
+
+}

@@ -1,0 +1,342 @@
+#include "Browser/ChromiumBrowserController.h"
+
+#include "Browser/ChromiumStart.h"
+#include "Foundation/Redaction.h"
+
+#include <QJsonArray>
+
+namespace corvane {
+
+namespace {
+
+const QString notStarted = u"not started"_s;
+const QString starting = u"starting Chromium"_s;
+const QString connected = u"connected"_s;
+const QString loaded = u"loaded"_s;
+const QString failed = u"failed"_s;
+const QString disconnected = u"disconnected"_s;
+const QString blankPage = u"about:blank"_s;
+const QString hangs = u"The browser does not answer."_s;
+
+constexpr Milliseconds tellPause(50);
+constexpr Milliseconds watchPeriod(5000);
+constexpr Milliseconds passwordLimit(3000);
+constexpr qsizetype longestText = 4000;
+
+/// What stands in password fields of the page and its frames, as far as they may be looked into.
+const QString passwordsOfPage = uR"JS((() => {
+    const found = [];
+    const look = page => {
+        for (const field of page.querySelectorAll('input[type=password]')) found.push(field.value);
+        for (const frame of page.querySelectorAll('iframe')) if (frame.contentDocument) look(frame.contentDocument);
+    };
+    look(document);
+    return found;
+})())JS"_s;
+
+const QString selectionOfPage = uR"JS((cut => {
+    const field = document.activeElement;
+    const isField = field && typeof field.selectionStart === 'number' && field.type !== 'password';
+    const text = isField ? field.value.slice(field.selectionStart, field.selectionEnd) : String(getSelection());
+    if (cut) document.execCommand('delete');
+    return text;
+}))JS"_s;
+
+QJsonObject expression(const QString& script)
+{
+    return { { u"expression"_s, script }, { u"returnByValue"_s, true } };
+}
+
+}
+
+ChromiumBrowserController::ChromiumBrowserController(const BrowserSurroundings& at, QObject* parent)
+    : QObject(parent)
+    , m_at(at)
+    , m_options(at.options)
+    , m_page(at.scheduler, this)
+    , m_status(notStarted)
+    , m_tell(at.scheduler, tellPause, [this] { Q_EMIT changed(); })
+    , m_tellEvents(at.scheduler, tellPause, [this] { Q_EMIT eventsChanged(); })
+    , m_decoder([this](const BrowserFrame& frame) {
+        const bool isFirst = m_frame.isNull();
+        m_frame = frame.image;
+        m_viewport = frame.viewport.isEmpty() ? QSizeF(frame.image.size()) : frame.viewport;
+        Q_EMIT frameChanged();
+        if (isFirst)
+            m_tell.request();
+    })
+    , m_start(std::make_unique<ChromiumStart>(at, [this](const QString& reason) { lose(reason); }))
+{
+    connect(&m_page, &BrowserPage::changed, this, [this] { m_tell.request(); });
+    connect(&m_page, &BrowserPage::eventsChanged, this, [this] { m_tellEvents.request(); });
+    connect(&m_page, &BrowserPage::frame, this,
+        [this](const QByteArray& data, QSizeF viewport) { m_decoder.offer(data, viewport); });
+    connect(&m_page, &BrowserPage::loaded, this, [this] {
+        m_status = loaded;
+        m_tell.request();
+    });
+    connect(&m_page, &BrowserPage::crashed, this, [this] {
+        m_error = u"The page crashed. Reload it to go on."_s;
+        m_tell.request();
+    });
+}
+
+ChromiumBrowserController::~ChromiumBrowserController()
+{
+    m_start.reset();
+    delete m_connection;
+}
+
+qint64 ChromiumBrowserController::browserPid() const
+{
+    return m_start->pid();
+}
+
+void ChromiumBrowserController::open(const QString& url)
+{
+    m_wanted = normalizedURL(url, m_options.homeURL);
+    m_error.clear();
+    if (m_connection && !m_isHanging)
+        m_page.open(m_wanted);
+    else if (!m_isConnecting)
+        start();
+    m_tell.request();
+}
+
+QCoro::Task<void> ChromiumBrowserController::start()
+{
+    const QPointer<ChromiumBrowserController> self(this);
+    m_isConnecting = true;
+    m_status = starting;
+    m_error.clear();
+    m_tell.request();
+    const Result<OpenedPage> page = co_await m_start->open(m_options, this);
+    if (!self)
+        co_return;
+    m_isConnecting = false;
+    m_tell.request();
+    if (!page) {
+        m_status = failed;
+        m_error = page.error().message;
+        co_return;
+    }
+    adopt(page->connection);
+}
+
+void ChromiumBrowserController::adopt(DevToolsConnection* connection)
+{
+    if (m_connection)
+        m_connection->deleteLater();
+    m_connection = connection;
+    connect(connection, &DevToolsConnection::closed, this, [this, connection](const QString& reason) {
+        if (m_connection == connection)
+            lose(reason.isEmpty() ? u"The connection to the browser ended."_s : reason);
+    });
+    m_status = connected;
+    m_page.attach(connection);
+    connection->call(u"Browser.getVersion"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& version) {
+        if (self && version)
+            self->m_browser = version->value("product"_L1).toString();
+    });
+    m_isHanging = false;
+    m_isAsked = false;
+    m_watch = m_at.scheduler.every(watchPeriod, [this] { watch(); });
+    if (!m_wanted.isEmpty())
+        m_page.open(m_wanted);
+    m_tell.request();
+}
+
+/// A browser that is alive answers at once, whatever its page does.
+void ChromiumBrowserController::watch()
+{
+    if (!m_connection)
+        return;
+    if (m_isAsked) {
+        m_isHanging = true;
+        m_error = hangs;
+        return m_tell.request();
+    }
+    m_isAsked = true;
+    m_connection->call(u"Browser.getVersion"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& version) {
+        if (!self || !version)
+            return;
+        self->m_isAsked = false;
+        if (std::exchange(self->m_isHanging, false) && self->m_error == hangs)
+            self->m_error.clear();
+        self->m_tell.request();
+    });
+}
+
+/// The words of the process count more than those of the connection, and come later.
+void ChromiumBrowserController::lose(const QString& reason)
+{
+    m_tell.request();
+    if (!m_connection) {
+        if (!reason.isEmpty() && !m_isConnecting)
+            m_error = reason;
+        return;
+    }
+    m_connection->deleteLater();
+    m_connection = nullptr;
+    m_watch.reset();
+    m_isHanging = false;
+    m_status = disconnected;
+    m_error = reason;
+}
+
+void ChromiumBrowserController::end()
+{
+    m_start->end();
+    lose({});
+}
+
+void ChromiumBrowserController::restart()
+{
+    const QString url = m_page.url() == blankPage ? m_wanted : m_page.url();
+    end();
+    open(url);
+}
+
+void ChromiumBrowserController::send(const QString& method, const QJsonObject& parameters)
+{
+    if (m_connection)
+        m_connection->call(method, parameters);
+}
+
+void ChromiumBrowserController::reload()
+{
+    m_error.clear();
+    if (!m_connection)
+        return restart();
+    send(u"Page.reload"_s);
+    m_tell.request();
+}
+
+void ChromiumBrowserController::stop()
+{
+    send(u"Page.stopLoading"_s);
+}
+
+void ChromiumBrowserController::clickBrowser(QPointF point, QSizeF view)
+{
+    BrowserPointer press { .kind = BrowserPointer::Kind::Press, .at = point, .button = Qt::LeftButton, .clicks = 1 };
+    pointer(press, view);
+    press.kind = BrowserPointer::Kind::Release;
+    pointer(press, view);
+}
+
+void ChromiumBrowserController::pointer(const BrowserPointer& pointer, QSizeF view)
+{
+    if (m_frame.isNull())
+        return;
+    if (const auto at = pagePoint(pointer.at, view, m_viewport))
+        send(u"Input.dispatchMouseEvent"_s, pointerParameters(pointer, *at));
+}
+
+void ChromiumBrowserController::key(const BrowserKey& key)
+{
+    if (const auto parameters = keyParameters(key))
+        send(u"Input.dispatchKeyEvent"_s, *parameters);
+}
+
+void ChromiumBrowserController::insertText(const QString& text)
+{
+    if (!text.isEmpty())
+        send(u"Input.insertText"_s, { { u"text"_s, text } });
+}
+
+void ChromiumBrowserController::compose(const QString& text, int cursor)
+{
+    send(u"Input.imeSetComposition"_s,
+        { { u"text"_s, text }, { u"selectionStart"_s, cursor }, { u"selectionEnd"_s, cursor } });
+}
+
+void ChromiumBrowserController::takeSelection(bool andCut, std::function<void(const QString&)> done)
+{
+    if (!m_connection)
+        return;
+    m_connection->call(u"Runtime.evaluate"_s, expression(selectionOfPage + (andCut ? u"(true)"_s : u"(false)"_s)),
+        [self = QPointer(this), done = std::move(done)](const Result<QJsonObject>& result) {
+            const QString text = result ? result->value("result"_L1)["value"_L1].toString() : QString();
+            if (self && !text.isEmpty())
+                done(text);
+        });
+}
+
+QString ChromiumBrowserController::masked(const QString& text) const
+{
+    // Shortened behind the masking: half a secret might not look like one.
+    const QString safe = redactSensitive(text, m_page.steps().secrets());
+    return safe.size() > longestText ? safe.first(longestText) + u"…"_s : safe;
+}
+
+QList<BrowserConsoleEvent> ChromiumBrowserController::consoleEvents() const
+{
+    QList<BrowserConsoleEvent> events = m_page.events().console();
+    for (BrowserConsoleEvent& event : events) {
+        event.text = masked(event.text);
+        event.url = masked(event.url);
+    }
+    return events;
+}
+
+QList<BrowserNetworkEvent> ChromiumBrowserController::networkEvents() const
+{
+    QList<BrowserNetworkEvent> events = m_page.events().network();
+    for (BrowserNetworkEvent& event : events) {
+        event.url = masked(event.url);
+        event.detail = masked(event.detail);
+    }
+    return events;
+}
+
+QList<BrowserStep> ChromiumBrowserController::steps() const
+{
+    QList<BrowserStep> steps = m_page.steps().steps();
+    for (BrowserStep& step : steps) {
+        for (QString* const text : { &step.selector, &step.label, &step.text })
+            *text = masked(*text);
+    }
+    return steps;
+}
+
+QString ChromiumBrowserController::evidenceRoot() const
+{
+    return m_at.paths.applicationSupport + u"/BrowserQA"_s;
+}
+
+void ChromiumBrowserController::gatherEvidence(
+    const QString& requestedURL, const QString& note, std::function<void(const BrowserEvidencePayload&)> done)
+{
+    const auto give = [self = QPointer(this), requestedURL, note, done = std::move(done)] {
+        if (!self || !std::exchange(self->m_evidenceLimit, nullptr))
+            return;
+        BrowserEvidencePayload payload;
+        payload.capturedAt = self->m_at.scheduler.nowMs();
+        payload.title = self->title();
+        payload.url = self->currentURL();
+        payload.requestedURL = self->masked(requestedURL);
+        payload.note = self->masked(note);
+        payload.status = self->status();
+        payload.lastError = self->lastError();
+        payload.consoleEvents = self->consoleEvents();
+        payload.networkEvents = self->networkEvents();
+        payload.steps = self->steps();
+        payload.browser = self->m_browser;
+        done(payload);
+    };
+    // A page that hangs must not keep the evidence of it.
+    m_evidenceLimit = m_at.scheduler.after(m_connection ? passwordLimit : Milliseconds(0), give);
+    if (!m_connection)
+        return;
+    m_connection->call(u"Runtime.evaluate"_s, expression(passwordsOfPage),
+        [self = QPointer(this), give](const Result<QJsonObject>& result) {
+            if (!self)
+                return;
+            for (const QJsonValue& value : result.value_or(QJsonObject())["result"_L1]["value"_L1].toArray())
+                self->m_page.steps().addSecret(value.toString());
+            give();
+        });
+}
+
+}

@@ -1,0 +1,88 @@
+#include "Browser/ChromiumLaunch.h"
+
+#include "Platform/LoginUsers.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace corvane {
+
+BrowserOptions browserOptions()
+{
+    BrowserOptions options;
+    bool isNumber = false;
+    if (const ushort port = qEnvironmentVariable("CORVANE_BROWSER_PORT").toUShort(&isNumber); isNumber && port > 0)
+        options.port = port;
+    else if (othersMayLogIn())
+        options.line = BrowserOptions::Line::Pipe;
+    return options;
+}
+
+QString chromiumPath()
+{
+    for (const QString& place : { u"/usr/bin/chromium"_s, u"/opt/google/chrome/chrome"_s }) {
+        const QFileInfo file(place);
+        if (file.isFile() && file.isExecutable())
+            return place;
+    }
+    for (const QString& name :
+        { u"chromium"_s, u"chromium-browser"_s, u"google-chrome"_s, u"google-chrome-stable"_s }) {
+        if (const QString found = QStandardPaths::findExecutable(name); !found.isEmpty())
+            return found;
+    }
+    return {};
+}
+
+QStringList chromiumArguments(const BrowserOptions& options, const QString& profile)
+{
+    const bool hasPipe = options.line == BrowserOptions::Line::Pipe;
+    QStringList arguments { hasPipe ? u"--remote-debugging-pipe"_s : u"--remote-debugging-port=%1"_s.arg(options.port),
+        u"--user-data-dir="_s + profile, u"--no-first-run"_s, u"--no-default-browser-check"_s,
+        u"--window-size=1280,800"_s, u"--window-position=-32000,-32000"_s };
+    if (!options.hasWindow)
+        arguments.append(u"--headless=new"_s);
+    if (!options.hasSandbox)
+        arguments.append(u"--no-sandbox"_s);
+    arguments.append(u"about:blank"_s);
+    return arguments;
+}
+
+QString normalizedURL(const QString& text, const QString& homeURL)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty())
+        return homeURL;
+    return trimmed.contains("://"_L1) || trimmed == "about:blank"_L1 ? trimmed : u"https://"_s + trimmed;
+}
+
+namespace browserWords {
+
+const QString notInstalled = u"Google Chrome or Chromium is not installed."_s;
+const QString isRoot
+    = u"The browser does not run as root: its sandbox would be off. Start Corvane as a user of your own."_s;
+const QString noPage = u"Could not create Chromium page."_s;
+
+QString notStarted(quint16 port)
+{
+    return u"Chromium debugging endpoint did not start on port %1."_s.arg(port);
+}
+
+QString portOfAnother(quint16 port)
+{
+    return u"Port %1 belongs to another user's program, which is left alone."_s.arg(port);
+}
+
+QString portOfNoBrowser(quint16 port)
+{
+    return u"Port %1 is in use by a program that does not answer as a browser."_s.arg(port);
+}
+
+QString ended(int code)
+{
+    return code < 0 ? u"The browser was ended by signal %1."_s.arg(-code)
+                    : u"The browser ended with exit status %1."_s.arg(code);
+}
+
+}
+
+}
