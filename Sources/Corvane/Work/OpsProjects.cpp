@@ -19,6 +19,7 @@ OpsProjectSeed projectSeed(const OpsProjectRow& row, const DateWords& words)
 {
     OpsProjectSeed seed;
     seed.id = row.id;
+    seed.group = clientName(row);
     seed.name = shownLine(row.name.isEmpty() ? row.slug : row.name);
     seed.goal = shownLine(row.goal);
     seed.facts = factLine({ shownLine(row.category), u"priority %1"_s.arg(row.priority),
@@ -49,6 +50,12 @@ OpsTabSeed tabSeed(const OpsTabRow& row, const DateWords& words)
 
 }
 
+QString clientName(const OpsProjectRow& project)
+{
+    const QString category = shownLine(project.category);
+    return category.isEmpty() ? u"Other"_s : category;
+}
+
 OpsProjects::OpsProjects(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
@@ -61,13 +68,14 @@ OpsProjects::OpsProjects(const WorkServices& services, QObject* parent)
 void OpsProjects::reload()
 {
     const QList<OpsProjectRow> all = fetchOpsProjects(m_at.db);
+    const QList<OpsProjectRow> listed = m_arrange ? m_arrange(all) : all;
     const DateWords words(m_at.db.nowMs());
     QList<OpsProjectSeed> seeds;
-    for (const OpsProjectRow& row : all)
+    for (const OpsProjectRow& row : listed)
         seeds.append(projectSeed(row, words));
     m_projects.assign(seeds);
     const auto selected = std::ranges::find(all, m_selected.id, &OpsProjectRow::id);
-    m_selected = selected != all.end() ? *selected : all.value(0);
+    m_selected = selected != all.end() ? *selected : listed.value(0);
     readSelected();
 }
 
@@ -149,7 +157,7 @@ bool OpsProjects::order(const QString& text)
     if (text.trimmed().isEmpty() || m_orderTab.isEmpty())
         return false;
     const bool saved = createOpsOrder(m_at.db, m_selected.id, m_orderTab, text, std::nullopt);
-    m_error = saved ? QString() : u"The order was not saved: the database did not take it."_s;
+    m_error = saved ? QString() : u"Could not save pending message row."_s;
     reload();
     if (saved) {
         m_at.db.watch().tell(StoreSubject::Work);

@@ -9,6 +9,7 @@ namespace corvane {
 class OpsProjectSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString group MEMBER group)
     Q_PROPERTY(QString name MEMBER name)
     Q_PROPERTY(QString goal MEMBER goal)
     Q_PROPERTY(QString facts MEMBER facts)
@@ -19,6 +20,7 @@ class OpsProjectSeed {
     Q_PROPERTY(QString aloud MEMBER aloud)
 public:
     QString id;
+    QString group; ///< its `clientName`
     QString name;
     QString goal;
     QString facts;
@@ -32,6 +34,8 @@ public:
     const QString& key() const { return id; }
     bool operator==(const OpsProjectSeed&) const = default;
 };
+
+QString clientName(const OpsProjectRow& project); ///< whom it is for, by its category; "Other" without one
 
 /// An agent's terminal.
 class OpsTabSeed {
@@ -91,8 +95,12 @@ class OpsProjects : public QObject {
 public:
     OpsProjects(const WorkServices& services, QObject* parent);
 
+    /// Which projects are listed, in which order, and which is chosen before a person chooses one; none: all as stored.
+    using Arrange = std::function<QList<OpsProjectRow>(const QList<OpsProjectRow>& all)>;
+    void setArrangement(const Arrange& arrange) { m_arrange = arrange; }
     void reload();
 
+    const OpsProjectRow& project() const { return m_selected; } ///< the open one
     GadgetListModel* projects() { return &m_projects; }
     const QList<OpsProjectSeed>& rows() const { return m_projects.rows(); }
     const QString& selected() const { return m_selected.id; }
@@ -122,6 +130,7 @@ private:
     void readSelected();
 
     const WorkServices m_at;
+    Arrange m_arrange;
     OpsProjectRow m_selected;
     QString m_orderTab;
     QString m_error;

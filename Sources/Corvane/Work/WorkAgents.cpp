@@ -1,9 +1,8 @@
 #include "Work/WorkAgents.h"
 
 #include "Foundation/Literals.h"
-#include "Foundation/Text.h"
-#include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/ShellWord.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/OpsRecords.h"
 #include "Store/Work/WorkWrites.h"
@@ -24,13 +23,6 @@ const QString serverTool = u"codex-server"_s;
 bool saysItWorks(const QString& status)
 {
     return status == "running"_L1 || status == "live"_L1;
-}
-
-/// As one word of the shell, whatever stands in it. A terminal acts on control characters, quoted or not.
-QString quoted(const QString& text)
-{
-    QString argument = singleLine(BodyText::printable(text));
-    return u'\'' + argument.replace(u'\'', u"'\"'\"'"_s) + u'\'';
 }
 
 /// Lower case, with "-" in place of what separates words.
@@ -107,8 +99,9 @@ AgentLaunchPlan agentLaunchPlan(
 
 QString workAgentLaunchCommand(const QString& module, const WorkContextRow& context, const AgentLaunchPlan& plan)
 {
-    return QStringList { quoted(u"scripts/corvane-work-agent.sh"_s), quoted(module.toLower()), quoted(context.id),
-        quoted(nameWord(plan.name)), quoted(plan.role), quoted(plan.task) }
+    return QStringList { typedShellWord(u"scripts/corvane-work-agent.sh"_s), typedShellWord(module.toLower()),
+        typedShellWord(context.id), typedShellWord(nameWord(plan.name)), typedShellWord(plan.role),
+        typedShellWord(plan.task) }
         .join(u' ');
 }
 

@@ -151,14 +151,15 @@ Result<OpsAskRow> saveAsk(LocalDB& db, const WorkPlace& place, const WorkDraft& 
     const QString question = title.isEmpty() ? draft.summary.trimmed() : title;
     if (question.isEmpty())
         return failure(u"Question is required."_s);
+    const bool isDev = place.module == "dev"_L1;
     if (!db.tableExists(u"ask"_s))
-        return failure(u"Could not save ask."_s);
+        return failure(isDev ? u"Could not save ask row."_s : u"Could not save ask."_s);
     const auto saved = createOpsAsk(db,
         { .projectSlug = place.context ? place.context->slug : place.slug,
             .question = question,
             .urgency = draft.askUrgency.trimmed() });
     if (!saved)
-        return failure(u"Could not save ops ask."_s);
+        return failure(isDev ? u"Could not save ask row."_s : u"Could not save ops ask."_s);
     postStatus(db, place, u"Created ops_ask %1: %2"_s.arg(saved->id, question), u"ask"_s);
     return *saved;
 }

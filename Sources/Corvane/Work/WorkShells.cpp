@@ -27,10 +27,23 @@ terminal::Command shellThatShows(const QString& text, terminal::Command command)
 }
 
 WorkShells::WorkShells(const TerminalsView::Surroundings& at, const QString& module, QObject* parent)
+    : WorkShells(nullptr, at, module, parent)
+{
+}
+
+WorkShells::WorkShells(
+    TerminalsView& view, const TerminalsView::Surroundings& at, const QString& module, QObject* parent)
+    : WorkShells(&view, at, module, parent)
+{
+}
+
+WorkShells::WorkShells(
+    TerminalsView* view, const TerminalsView::Surroundings& at, const QString& module, QObject* parent)
     : QObject(parent)
     , m_at(at)
     , m_module(module)
-    , m_view(at)
+    , m_own(view ? nullptr : std::make_unique<TerminalsView>(at))
+    , m_view(view ? *view : *m_own)
 {
     connect(&m_view, &TerminalsView::changed, this, &WorkShells::changed);
     // A question is put where the terminal is.

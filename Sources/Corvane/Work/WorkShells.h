@@ -14,6 +14,8 @@ class WorkShells : public QObject {
     Q_PROPERTY(QString foldLabel READ foldLabel NOTIFY changed)
 public:
     WorkShells(const TerminalsView::Surroundings& at, const QString& module, QObject* parent);
+    /// Opens its shells in that view, which outlives it.
+    WorkShells(TerminalsView& view, const TerminalsView::Surroundings& at, const QString& module, QObject* parent);
 
     TerminalsView* view() { return &m_view; }
     bool isOpen() const;
@@ -32,9 +34,12 @@ Q_SIGNALS:
     void brought(); ///< the terminal should take the keyboard
 
 private:
+    WorkShells(TerminalsView* view, const TerminalsView::Surroundings& at, const QString& module, QObject* parent);
+
     const TerminalsView::Surroundings m_at;
     const QString m_module;
-    TerminalsView m_view;
+    const std::unique_ptr<TerminalsView> m_own; ///< null in a view of somebody else
+    TerminalsView& m_view;
     bool m_open = false;
 };
 

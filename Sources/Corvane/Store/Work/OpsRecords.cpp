@@ -160,6 +160,32 @@ QList<OpsProjectRow> fetchOpsProjects(LocalDB& db)
     return rows;
 }
 
+std::optional<OpsProjectRow> upsertOpsProject(LocalDB& db, const OpsProjectRow& project)
+{
+    if (!db.tableExists(u"project"_s))
+        return std::nullopt;
+    const QString slug = project.slug.trimmed();
+    const QString id = project.id.isEmpty() ? u"pj:"_s + slug : project.id;
+    const QString now = isoTime(db.nowMs());
+    const bool isThere = db.scalar(u"SELECT id FROM project WHERE id=? LIMIT 1;"_s, { id }).has_value();
+    if (isThere && project.id.isEmpty())
+        return std::nullopt;
+    const QList<SqlValue> fields { slug, project.name.trimmed(), project.goal.trimmed(), project.status.trimmed(),
+        project.priority, project.category.trimmed(), project.controlDir.trimmed(), project.repoPath.trimmed(),
+        project.execHost.trimmed() };
+    const bool saved = isThere
+        ? db.run(uR"(UPDATE project
+SET slug=?, name=?, goal=?, status=?, priority=?, category=?, control_dir=?, repo_path=?, exec_host=?, updated_at=?
+WHERE id=?;)"_s,
+              fields + QList<SqlValue> { now, id })
+        : db.run(
+              uR"(INSERT INTO project(slug, name, goal, status, priority, category, control_dir, repo_path, exec_host,
+  created_at, updated_at, id)
+VALUES(?,?,?,?,?,?,?,?,?,?,?,?);)"_s,
+              fields + QList<SqlValue> { now, now, id });
+    return saved ? projects.first(db, u"WHERE p.id=? LIMIT 1;"_s, { id }) : std::nullopt;
+}
+
 QList<OpsTabRow> fetchOpsTabs(LocalDB& db, const OpsProjectId& project)
 {
     QList<OpsTabRow> rows = rowsWithProject(db, tabs, u"tab"_s, u"t.current_project_id"_s,

@@ -87,6 +87,10 @@ std::optional<qint64> parsedIsoTime(const QString& text);
 
 QList<OpsProjectRow> fetchOpsProjects(LocalDB& db); ///< by priority, last changed first
 
+/// Writes a project, trimmed: one without an id is new and gets "pj:{slug}". Counts in the row are ignored. Nothing if
+/// it was not saved, or another project has the slug.
+std::optional<OpsProjectRow> upsertOpsProject(LocalDB& db, const OpsProjectRow& project);
+
 using OpsProjectId = std::optional<QString>; ///< none: all projects
 
 QList<OpsTabRow> fetchOpsTabs(LocalDB& db, const OpsProjectId& project); ///< newest first
