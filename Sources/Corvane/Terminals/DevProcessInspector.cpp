@@ -11,7 +11,12 @@ QStringList DevProcessInspector::snapshot()
 
 int DevProcessInspector::count(const QString& matching)
 {
-    return int(snapshot().filter(matching, Qt::CaseInsensitive).size());
+    return count(snapshot(), matching);
+}
+
+int DevProcessInspector::count(const QStringList& snapshot, const QString& matching)
+{
+    return int(snapshot.filter(matching, Qt::CaseInsensitive).size());
 }
 
 }

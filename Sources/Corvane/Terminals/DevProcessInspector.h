@@ -8,6 +8,7 @@ namespace corvane {
 struct DevProcessInspector {
     static QStringList snapshot(); ///< one line each: number, name, command line; empty on failure
     static int count(const QString& matching); ///< lines that contain it, ignoring case
+    static int count(const QStringList& snapshot, const QString& matching);
 };
 
 }

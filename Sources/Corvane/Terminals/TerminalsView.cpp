@@ -6,6 +6,7 @@
 #include "Platform/Desktop.h"
 #include "Terminals/ShellCommand.h"
 
+#include <QFileInfo>
 #include <QUrl>
 #include <algorithm>
 
@@ -40,16 +41,22 @@ TerminalsView::TerminalsView(Surroundings at, QObject* parent)
 
 TerminalsView::~TerminalsView() = default;
 
-QString TerminalsView::titleFor(const QString& label) const
+QString TerminalsView::titleFor(const QString& label, const TerminalPlace& place) const
 {
     const QString name = label.toLower().replace(u' ', u'-');
-    return u"local-%1-%2"_s.arg(name).arg(m_sessions.size() + 1);
+    const auto ofProject = std::ranges::count(m_sessions, place.projectId, &LumoTerminalSession::projectId);
+    return u"%1-%2-%3"_s.arg(place.projectSlug, name, QString::number(ofProject + 1));
 }
 
-LumoTerminalSession& TerminalsView::createLocalSession(const QString& label, const QString& command)
+LumoTerminalSession& TerminalsView::createLocalSession(
+    const QString& label, const QString& command, const TerminalPlace& place)
 {
-    const QString directory = resolvedDirectory(m_current ? m_current->currentDirectory() : QString(), m_at.home);
-    return add({ .title = titleFor(label), .initialCommand = command, .command = shellCommand(directory, m_at.umask) });
+    const QString wanted = place.directory.isEmpty() && m_current ? m_current->currentDirectory() : place.directory;
+    return add({ .title = titleFor(label, place),
+        .projectId = place.projectId,
+        .projectSlug = place.projectSlug,
+        .initialCommand = command,
+        .command = shellCommand(resolvedDirectory(wanted, m_at.home), m_at.umask) });
 }
 
 LumoTerminalSession& TerminalsView::createLocalSession(const QString& label, terminal::Command command)
@@ -238,9 +245,29 @@ QString TerminalsView::emptyDetail() const
            "elsewhere in Corvane."_s;
 }
 
-void TerminalsView::openLink(const QString& address) const
+void TerminalsView::openLink(const QString& address)
 {
-    m_at.desktop.openLink(QUrl(address));
+    const auto file = fileReference(address, m_current ? m_current->currentDirectory() : m_at.home, m_at.home);
+    if (file)
+        return openFile(*file);
+    const bool isOfWeb = address.startsWith("http://"_L1) || address.startsWith("https://"_L1);
+    if (!isOfWeb || !m_browser || !m_browser(address))
+        m_at.desktop.openLink(QUrl(address));
+}
+
+/// Without an editor the desktop's program for it; what the desktop might run is shown in its folder.
+void TerminalsView::openFile(const FileReference& file)
+{
+    const QString editor = qEnvironmentVariable("VISUAL", qEnvironmentVariable("EDITOR")).trimmed();
+    if (!editor.isEmpty()) {
+        terminal::Command command = editorCommand(editor, file);
+        command.umask = m_at.umask;
+        createLocalSession(u"edit"_s, std::move(command)).rename(QFileInfo(file.path).fileName());
+        return;
+    }
+    const QFileInfo info(file.path);
+    const bool mayRun = info.isExecutable() || info.suffix() == "desktop"_L1;
+    m_at.desktop.openFile(mayRun ? info.absolutePath() : file.path);
 }
 
 void TerminalsView::enlarge(int steps)

@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
+#include "Terminals/FileReference.h"
 #include "Terminals/LumoTerminalSession.h"
 
 #include <QPointer>
@@ -30,6 +31,13 @@ public:
     static constexpr const char* role = "entry";
     QString key() const { return id; }
     bool operator==(const TerminalTab&) const = default;
+};
+
+/// Whose terminal it is, and where it starts.
+struct TerminalPlace {
+    std::optional<QString> projectId = {}; ///< none: a plain local shell
+    QString projectSlug = u"local"_s;
+    QString directory = {}; ///< empty: that of the current tab
 };
 
 /// The terminal screen: local shells in tabs, one question at a time about them, and their font size.
@@ -67,8 +75,9 @@ public:
     LumoTerminalSession* current() const { return m_current; }
     const std::vector<std::unique_ptr<LumoTerminalSession>>& localSessions() const { return m_sessions; }
 
-    /// A new shell in front, titled "local-{label}-{number}"; types the command into it.
-    LumoTerminalSession& createLocalSession(const QString& label, const QString& command = {});
+    /// A new shell in front, titled "{slug}-{label}-{number}"; types the command into it.
+    LumoTerminalSession& createLocalSession(
+        const QString& label, const QString& command = {}, const TerminalPlace& place = {});
     /// The same with another program instead of the shell.
     LumoTerminalSession& createLocalSession(const QString& label, terminal::Command command);
 
@@ -87,7 +96,10 @@ public:
     Q_INVOKABLE void answer(bool yes);
 
     bool questionTakesFocus() const { return m_question.subject != Subject::Clipboard; }
-    Q_INVOKABLE void openLink(const QString& address) const; ///< in the desktop's default program
+    /// A file opens in the user's editor at its line, an address in the browser that was set, anything else in the
+    /// desktop's default program.
+    Q_INVOKABLE void openLink(const QString& address);
+    void setBrowser(const std::function<bool(const QString& address)>& browser) { m_browser = browser; }
 
     QString endedText() const;
     QString emptyTitle() const { return u"No terminal is open"_s; }
@@ -128,9 +140,11 @@ private:
     void ask(const Question& question);
     void refresh();
     void setFontSize(int size);
-    QString titleFor(const QString& label) const;
+    QString titleFor(const QString& label, const TerminalPlace& place = {}) const;
+    void openFile(const FileReference& file);
 
     const Surroundings m_at;
+    std::function<bool(const QString&)> m_browser; ///< false if it cannot show the address
     std::vector<std::unique_ptr<LumoTerminalSession>> m_sessions;
     LumoTerminalSession* m_current = nullptr;
     RowListModel<TerminalTab> m_tabs;

@@ -1,9 +1,11 @@
 #include "Foundation/Literals.h"
+#include "Terminals/FileReference.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/Terminals/TerminalKeys.h"
 
 #include <QClipboard>
 #include <QCursor>
+#include <QDir>
 #include <QGuiApplication>
 #include <QRegularExpression>
 #include <QStyleHints>
@@ -353,20 +355,28 @@ void TerminalItem::updateHover(QPointF position, Qt::KeyboardModifiers modifiers
     }
     static const QRegularExpression address(uR"(\b(https?://|mailto:)[^\s<>"'`]*[^\s<>"'`.,;:!?)\]}])"_s);
     const qsizetype place = qsizetype(at.y() - first) * m_snapshot.size.columns + at.x();
-    for (const QRegularExpressionMatch& match : address.globalMatch(line)) {
-        if (place < match.capturedStart() || place >= match.capturedEnd())
-            continue;
-        QList<QRect> cells;
-        for (qsizetype index = match.capturedStart(); index < match.capturedEnd(); ++index) {
-            const QPoint cell(int(index % m_snapshot.size.columns), first + int(index / m_snapshot.size.columns));
-            if (cells.isEmpty() || cells.last().y() != cell.y())
-                cells.append(QRect(cell, QSize(1, 1)));
-            else
-                cells.last().setWidth(cells.last().width() + 1);
+    const auto matchAt = [&](const QRegularExpression& pattern) {
+        for (const QRegularExpressionMatch& match : pattern.globalMatch(line)) {
+            if (place >= match.capturedStart() && place < match.capturedEnd())
+                return match;
         }
-        return setHover(match.captured(), cells);
+        return QRegularExpressionMatch();
+    };
+    QRegularExpressionMatch match = matchAt(address);
+    if (!match.hasMatch() && m_session) {
+        match = matchAt(fileReferencePattern());
+        if (!fileReference(match.captured(), m_session->currentDirectory(), QDir::homePath()))
+            match = {};
     }
-    setHover({}, {});
+    QList<QRect> cells;
+    for (qsizetype index = match.capturedStart(); match.hasMatch() && index < match.capturedEnd(); ++index) {
+        const QPoint cell(int(index % m_snapshot.size.columns), first + int(index / m_snapshot.size.columns));
+        if (cells.isEmpty() || cells.last().y() != cell.y())
+            cells.append(QRect(cell, QSize(1, 1)));
+        else
+            cells.last().setWidth(cells.last().width() + 1);
+    }
+    setHover(match.captured(), cells);
 }
 
 void TerminalItem::setHover(const QString& link, const QList<QRect>& cells)
