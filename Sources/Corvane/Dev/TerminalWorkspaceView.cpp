@@ -1,0 +1,257 @@
+#include "Dev/TerminalWorkspaceView.h"
+
+#include "Foundation/Literals.h"
+#include "Store/Work/WorkBoardQueries.h"
+#include "Work/WorkRows.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+template <typename Tab> struct TabWords {
+    Tab tab;
+    const char* id;
+    const char* label;
+};
+
+using Tab = DevWorkspaceTab;
+constexpr std::array<TabWords<Tab>, 9> workspaceTabs { { { Tab::Terminal, "terminal", "Terminal" },
+    { Tab::Assistant, "assistant", "Assistant" }, { Tab::Browser, "browser", "Browser" }, { Tab::SRS, "srs", "SRS" },
+    { Tab::Tasks, "tasks", "Tasks" }, { Tab::Team, "team", "Team" }, { Tab::Memory, "memory", "Memory" },
+    { Tab::Server, "server", "Server" }, { Tab::Health, "health", "Health" } } };
+
+using Side = DevInspectorTab;
+constexpr std::array<TabWords<Side>, 4> sideTabs { { { Side::Team, "team", "Team" }, { Side::Tasks, "tasks", "Tasks" },
+    { Side::Activity, "activity", "Activity" }, { Side::Context, "context", "Context" } } };
+
+template <typename Words> TabItem tabItem(const Words& words)
+{
+    TabItem item;
+    item.id = QLatin1StringView(words.id);
+    item.label = QLatin1StringView(words.label);
+    return item;
+}
+
+template <typename Table> auto byId(const Table& table, const QString& id)
+{
+    return std::ranges::find_if(table, [&](const auto& words) { return id == QLatin1StringView(words.id); });
+}
+
+}
+
+TerminalWorkspaceView::TerminalWorkspaceView(const DevDesk& desk, QObject* parent)
+    : QObject(parent)
+    , m_desk(desk)
+    , m_refresh(
+          desk.work.db, desk.work.scheduler, [this] { read(); }, this)
+    , m_rail(m_desk, this)
+    , m_launcher(m_desk, this)
+    , m_assistant(m_desk, this)
+    , m_srs(m_desk, this)
+    , m_tasks(m_desk, this)
+    , m_shells(m_desk.terminals, m_desk.work.shells, devModule, this)
+    , m_team(m_desk, m_shells, this)
+    , m_memory(m_desk, this)
+    , m_server(m_desk, m_shells, this)
+    , m_health(m_desk, this)
+    , m_create(m_desk.work.db, this)
+{
+    const auto readAgain = [this] {
+        m_desk.madeContext();
+        refresh();
+    };
+    connect(&m_rail, &DevRail::selected, this, &TerminalWorkspaceView::projectSelected);
+    connect(m_rail.projects(), &OpsProjects::wrote, this, readAgain);
+    connect(&m_tasks, &DevTasks::wrote, this, readAgain);
+    connect(&m_team, &DevTeam::wrote, this, readAgain);
+    connect(&m_memory, &DevMemory::wrote, this, readAgain);
+    connect(&m_create, &WorkCreate::wrote, this, readAgain);
+    connect(&m_create, &WorkCreate::askSaved, this, &TerminalWorkspaceView::askSaved);
+    const auto showTerminals = [this] {
+        setWorkspaceTab(Tab::Terminal);
+    };
+    connect(&m_launcher, &DevLauncher::launched, this, showTerminals);
+    connect(&m_assistant, &DevAssistant::launched, this, showTerminals);
+    connect(&m_shells, &WorkShells::brought, this, showTerminals);
+    connect(&m_desk.browser, &BrowserView::wrote, this, [this, readAgain] {
+        if (shown())
+            readAgain();
+    });
+    connect(&m_desk.browser, &BrowserView::changed, this, &TerminalWorkspaceView::browserChanged);
+    connect(&m_desk.terminals, &TerminalsView::changed, this, &TerminalWorkspaceView::terminalsChanged);
+}
+
+void TerminalWorkspaceView::read()
+{
+    m_rail.reload();
+}
+
+void TerminalWorkspaceView::projectSelected()
+{
+    if (std::exchange(m_shownProject, m_desk.project.id) != m_desk.project.id)
+        m_tasks.showProject();
+    m_create.setPlace(
+        { .module = devModule, .context = m_desk.place(), .slug = m_desk.project.slug }, u"project"_s, {});
+    if (shown())
+        m_desk.browser.setProject(m_desk.hasProject()
+                ? BrowserProject { m_desk.project.id, m_desk.project.slug, m_desk.projectName(), m_desk.shownContext() }
+                : BrowserProject {});
+    m_launcher.reload();
+    m_tasks.reload();
+    m_team.reload();
+    readTab();
+    Q_EMIT changed();
+}
+
+void TerminalWorkspaceView::readTab()
+{
+    switch (m_tab) {
+    case Tab::Assistant:
+        return m_assistant.reload();
+    case Tab::SRS:
+        return m_srs.reload();
+    case Tab::Tasks:
+        return m_tasks.reloadBoard();
+    case Tab::Memory:
+        return m_memory.reload();
+    case Tab::Server:
+        return m_server.reload();
+    case Tab::Health:
+        return m_health.reload();
+    case Tab::Browser:
+        return m_desk.browser.reload();
+    case Tab::Terminal:
+    case Tab::Team:
+        break;
+    }
+}
+
+void TerminalWorkspaceView::browserChanged()
+{
+    if (std::exchange(m_issueCount, m_desk.browser.issueCount()) != m_desk.browser.issueCount())
+        Q_EMIT changed();
+}
+
+/// What the tabs say of the selected terminal changes with it, not with each of its titles.
+void TerminalWorkspaceView::terminalsChanged()
+{
+    const bool sameCount = std::exchange(m_terminalCount, m_desk.terminals.count()) == m_desk.terminals.count();
+    if (std::exchange(m_terminal, m_desk.terminals.current()) == m_desk.terminals.current() && sameCount)
+        return;
+    Q_EMIT m_tasks.changed();
+    if (shown())
+        readTab();
+    Q_EMIT changed();
+}
+
+QList<TabItem> TerminalWorkspaceView::tabs() const
+{
+    QList<TabItem> items;
+    for (const auto& words : workspaceTabs) {
+        TabItem item = tabItem(words);
+        if (words.tab == Tab::Terminal)
+            item.count = m_desk.terminals.count();
+        if (words.tab == Tab::Browser)
+            item.count = m_desk.browser.issueCount();
+        if (words.tab == Tab::Team)
+            item.count = m_desk.project.openAsks;
+        items.append(item);
+    }
+    return items;
+}
+
+void TerminalWorkspaceView::setWorkspaceTab(DevWorkspaceTab tab)
+{
+    if (std::exchange(m_tab, tab) == tab)
+        return;
+    readTab();
+    Q_EMIT changed();
+}
+
+QString TerminalWorkspaceView::tab() const
+{
+    return QLatin1StringView(std::ranges::find(workspaceTabs, m_tab, &TabWords<Tab>::tab)->id);
+}
+
+void TerminalWorkspaceView::setTab(const QString& id)
+{
+    if (const auto found = byId(workspaceTabs, id); found != workspaceTabs.end())
+        setWorkspaceTab(found->tab);
+}
+
+QList<TabItem> TerminalWorkspaceView::inspectorTabs() const
+{
+    QList<TabItem> items;
+    for (const auto& words : sideTabs)
+        items.append(tabItem(words));
+    return items;
+}
+
+QString TerminalWorkspaceView::inspectorTabId() const
+{
+    return QLatin1StringView(std::ranges::find(sideTabs, m_inspectorTab, &TabWords<Side>::tab)->id);
+}
+
+void TerminalWorkspaceView::setInspectorTabId(const QString& id)
+{
+    const auto found = byId(sideTabs, id);
+    if (found != sideTabs.end() && std::exchange(m_inspectorTab, found->tab) != found->tab)
+        Q_EMIT changed();
+}
+
+void TerminalWorkspaceView::setInspectorCollapsed(bool collapsed)
+{
+    if (std::exchange(m_inspectorCollapsed, collapsed) != collapsed)
+        Q_EMIT changed();
+}
+
+QList<Choice> TerminalWorkspaceView::facts() const
+{
+    QList<Choice> facts;
+    const auto add = [&facts](const QString& subject, const QString& words) {
+        Choice fact;
+        fact.id = subject;
+        fact.label = words;
+        if (!words.isEmpty())
+            facts.append(fact);
+    };
+    const OpsProjectRow& project = m_desk.project;
+    if (m_desk.hasProject()) {
+        add(u"Goal"_s, project.goal.isEmpty() ? u"Not set yet."_s : shownText(project.goal));
+        add(u"Slug"_s, shownLine(project.slug));
+        add(u"Status"_s, factLine({ shownLine(project.status), u"priority %1"_s.arg(project.priority) }));
+        add(u"Folder"_s, shownLine(project.repoPath));
+        add(u"Files for agents"_s, shownLine(project.controlDir));
+        add(u"Runs on"_s,
+            project.execHost.isEmpty() || project.execHost == "mac"_L1 ? u"this computer"_s
+                                                                       : shownLine(project.execHost));
+        add(u"Work context"_s, m_desk.context ? shownLine(m_desk.context->id) : u"made with its first row"_s);
+    }
+    add(u"Safety"_s, m_desk.console.safetyNote);
+    return facts;
+}
+
+void TerminalWorkspaceView::openTerminal(const QString& label, const QString& command)
+{
+    m_desk.openTerminal(label, command);
+    setWorkspaceTab(Tab::Terminal);
+}
+
+void TerminalWorkspaceView::openProject(const QString& id)
+{
+    m_rail.select(id);
+    m_launcher.attachOrCreateLocalSession();
+}
+
+void TerminalWorkspaceView::askSaved(const OpsAskRow& ask, bool forLumo)
+{
+    if (!forLumo)
+        return;
+    OpsAsks& asks = *m_rail.projects()->asks();
+    asks.beginAnswer(ask.id);
+    asks.answerWithLumo();
+}
+
+}

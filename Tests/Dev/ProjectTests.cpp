@@ -1,0 +1,156 @@
+#include "DevTest.h"
+
+#include "Dev/ProjectMirror.h"
+#include "Store/Work/DevRecords.h"
+
+#include <unistd.h>
+
+namespace corvane {
+
+using Projects = DevTest;
+
+TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
+{
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    DevProjectSheet& sheet = *view.rail()->sheet();
+    sheet.beginNewProject();
+    sheet.save();
+    EXPECT_EQ(sheet.error(), "Name is required.");
+    sheet.setProjectDraftName(u"Shop Site"_s);
+    EXPECT_EQ(sheet.slugHint(), "shop-site");
+    sheet.save();
+    EXPECT_EQ(sheet.error() + sheet.notice(), "");
+    EXPECT_EQ(table("SELECT id, slug, status FROM project;"), QStringList("pj:shop-site|shop-site|active"));
+    const QString path = m_home.paths().home + "/nimb/state/projects/shop-site/PROJECT.md";
+    EXPECT_EQ(content(path),
+        "# Shop Site (shop-site)\n\n- **Goal:** (set me)\n- **Status:** active\n- **Category:** \n- **Exec host:** \n"
+        "- **Repo:** \n\n## Log\n");
+
+    const QByteArray log = "## Log\r\n- 12:00 first\n\n## Log\nmore \xff\n";
+    written(u"nimb/state/projects/shop-site/PROJECT.md"_s, "# Old\nnotes\n" + log);
+    sheet.beginEditProject();
+    sheet.setProjectDraftName(u"Shop\n## Log\nfake"_s);
+    sheet.setProjectDraftSlug(u"other"_s);
+    sheet.save();
+    EXPECT_EQ(content(path).indexOf("\n## Log"), content(path).indexOf("\n" + log)) << "a field ends no line";
+    EXPECT_TRUE(content(path).endsWith("\n\n" + log));
+    EXPECT_EQ(cell("SELECT slug FROM project;"), "shop-site") << "the rows of its work name it";
+
+    // A text without a log is somebody's: it stays below.
+    EXPECT_TRUE(mirrorText({}, "my notes").endsWith("\n\n## Log\nmy notes"));
+    EXPECT_EQ(mirrorText({}, mirrorText({}, "my notes")), mirrorText({}, "my notes"));
+
+    QFile::setPermissions(QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    const QByteArray before = content(path);
+    sheet.beginEditProject();
+    sheet.setProjectDraftGoal(u"Sell"_s);
+    sheet.save();
+    QFile::setPermissions(
+        QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    EXPECT_EQ(cell("SELECT goal FROM project;"), "Sell");
+    if (::geteuid() != 0) // who may write everywhere
+        EXPECT_EQ(content(path), before);
+}
+
+TEST_F(Projects, noSlugLeadsOutOfTheFolderOfProjects)
+{
+    EXPECT_EQ(projectFolder("../../etc"), "-.-..-etc");
+    EXPECT_EQ(projectFolder("a/../b"), "a-..-b");
+    EXPECT_EQ(projectFolder("."), "-");
+    EXPECT_EQ(projectFolder(""), "project");
+    TerminalWorkspaceView view(desk());
+    DevProjectSheet& sheet = *view.rail()->sheet();
+    project(u"Shop"_s);
+    for (const char* slug : { "../up", "a/b", "..", "a b", "shop" }) {
+        sheet.beginNewProject();
+        sheet.setProjectDraftName(u"X"_s);
+        sheet.setProjectDraftSlug(QString::fromLatin1(slug));
+        sheet.save();
+        EXPECT_NE(sheet.error(), "") << slug;
+        EXPECT_TRUE(sheet.isOpen());
+    }
+    sheet.setProjectDraftSlug(u"x"_s);
+    sheet.setProjectDraftRepoPath(u"here"_s);
+    sheet.save();
+    EXPECT_EQ(sheet.error(), "A folder is told from the root on, or from “~”.");
+    // One that another program wrote.
+    m_db->exec("INSERT INTO project(id, slug, name, updated_at) VALUES('p','../../evil','Evil','9');");
+    view.refresh();
+    view.rail()->select(u"p"_s);
+    sheet.beginEditProject();
+    sheet.save();
+    EXPECT_TRUE(QFile::exists(m_home.paths().home + "/nimb/state/projects/-.-..-evil/PROJECT.md"));
+    EXPECT_EQ(cell("SELECT slug FROM project WHERE id='p';"), "../../evil");
+}
+
+TEST_F(Projects, theRailListsByScopeGroupAndSearchAndLumoByItsWords)
+{
+    project(u"Shop"_s);
+    project(u"Server"_s, {}, u"build.example"_s);
+    project(u"Agents"_s, {}, desktop.hostName());
+    m_db->exec("UPDATE project SET category='web' WHERE slug IN ('shop','agents');");
+    createOpsAsk(db, { .projectSlug = u"shop"_s, .question = u"Why?"_s, .urgency = u"high"_s });
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    DevRail& rail = *view.rail();
+    const auto names = [](DevRail& of) {
+        QStringList names;
+        for (const OpsProjectSeed& seed : of.projects()->rows())
+            names.append(seed.group + '/' + seed.name);
+        names.sort();
+        return names.join(' ');
+    };
+    EXPECT_EQ(names(rail), "Other/Server web/Agents web/Shop");
+    QString counts;
+    for (const TabItem& scope : rail.scopes())
+        counts += scope.label + QString::number(scope.count) + ' ';
+    EXPECT_EQ(counts, "All3 Local2 Remote1 Asks1 ");
+    rail.setScope(TerminalWorkspaceScope::Remote);
+    EXPECT_EQ(names(rail), "Other/Server");
+    rail.setScopeId(u"asks"_s);
+    EXPECT_EQ(names(rail), "web/Shop");
+    rail.setSearch(u"none"_s);
+    EXPECT_EQ(rail.emptyText(), "Nothing found");
+    TerminalWorkspaceView lumo(desk(WorkConsoleContext::lumo()));
+    lumo.setShown(true);
+    EXPECT_EQ(names(*lumo.rail()), "web/Agents");
+    m_db->exec("DROP TABLE project;");
+    lumo.refresh();
+    EXPECT_EQ(lumo.rail()->emptyText(), "No ops projects are registered yet. You can still open a local terminal.");
+    EXPECT_EQ(lumo.srs()->emptyText(), "No project selected");
+}
+
+TEST_F(Projects, requirementsAreSeededOnceEditedAndNotLostToSomebodyElse)
+{
+    project(u"Shop"_s);
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    view.setTab(u"srs"_s);
+    DevSRS& srs = *view.srs();
+    EXPECT_EQ(srs.emptyText(), "No SRS exists for this project yet.");
+    srs.seed();
+    EXPECT_EQ(srs.sections().at(0).text, "Shop development workspace.");
+    EXPECT_EQ(srs.sections().at(1).shown, "Not defined yet.");
+    EXPECT_EQ(srs.sections().at(7).shown, "No open questions recorded.");
+    srs.edit(u"users"_s, u"Potters"_s);
+    srs.save();
+    EXPECT_FALSE(srs.dirty());
+    EXPECT_EQ(seedDevSRS(db, view.desk().project)->users, "Potters");
+    EXPECT_EQ(cell("SELECT overview || users FROM dev_srs;"), "Shop development workspace.Potters");
+
+    srs.edit(u"flows"_s, u"Mine"_s);
+    m_db->exec("UPDATE dev_srs SET flows='Theirs';");
+    srs.save();
+    EXPECT_TRUE(srs.overtaken());
+    EXPECT_EQ(cell("SELECT flows FROM dev_srs;"), "Theirs");
+    EXPECT_EQ(srs.sections().at(4).text, "Mine");
+    srs.save();
+    EXPECT_EQ(cell("SELECT flows FROM dev_srs;"), "Mine");
+    m_db->exec("DROP TABLE dev_srs;");
+    srs.edit(u"flows"_s, u"Lost?"_s);
+    srs.save();
+    EXPECT_EQ(srs.error() + srs.sections().at(4).text, "Could not save SRS.Lost?");
+}
+
+}
