@@ -30,8 +30,7 @@ ContactsBridge::ContactsBridge(const AddressBook& book, BackgroundQueue& backgro
 
 void ContactsBridge::load(const std::function<void()>& completion)
 {
-    const QStringList folders
-        = m_defaults.text(u"nimb.addressBookFolders"_s).value_or(QString()).split(u':', Qt::SkipEmptyParts);
+    const QStringList folders = addressBookFolders(m_defaults);
     if (m_ready || (!m_loading && !m_book.requestAccess(folders))) {
         if (completion)
             completion();

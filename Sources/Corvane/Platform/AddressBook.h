@@ -7,6 +7,11 @@
 
 namespace corvane {
 
+class UserDefaults;
+
+/// The folders that the user configured in addition to the usual one: "nimb.addressBookFolders", separated by ":".
+QStringList addressBookFolders(const UserDefaults& defaults);
+
 /// A person in the user's address book.
 struct AddressBookPerson {
     QString givenName; ///< the whole name if the book does not split it
@@ -14,6 +19,8 @@ struct AddressBookPerson {
     QString organisation;
     QStringList phones; ///< as written
     QByteArray photo; ///< the bytes of an image file; empty if there is none
+
+    QStringList emails {}; ///< as written
 
     bool operator==(const AddressBookPerson&) const = default;
 };

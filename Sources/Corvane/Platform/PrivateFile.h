@@ -3,9 +3,11 @@
 #include "Foundation/Result.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <sys/types.h>
 
 namespace corvane {
@@ -17,6 +19,31 @@ enum class Outlives { PowerCut, Program };
 /// mode 0600 from its first byte on, whatever the umask; missing folders are created. False on failure; the old file
 /// then remains.
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives = Outlives::PowerCut);
+
+/// The same for a file that is written in pieces. Without `commit`, nothing remains of it.
+class PrivateSaveFile {
+public:
+    explicit PrivateSaveFile(const QString& path); ///< its folder exists
+    ~PrivateSaveFile();
+    PrivateSaveFile(const PrivateSaveFile&) = delete;
+    PrivateSaveFile& operator=(const PrivateSaveFile&) = delete;
+
+    Result<void> open(); ///< errors of this class are for the user
+    QFile& file() { return m_file; } ///< empty and open for writing
+    Result<void> commit(); ///< waits for the disk
+
+private:
+    QString m_path;
+    QByteArray m_temporary; ///< the current name of the file; empty if there is none
+    QFile m_file;
+};
+
+/// A regular file, open for reading; null if there is none, or if it is a symbolic link. Never blocks on a pipe.
+std::unique_ptr<QFile> openPlainFile(const QString& path);
+
+/// A new file with mode 0600, open for writing; missing folders are created with mode 0700. Fails, with an error for
+/// the user, if the path exists.
+Result<std::unique_ptr<QFile>> makePrivateFile(const QString& path);
 
 /// Copies a regular file to a new one with mode 0600; missing folders are created with mode 0700. The copy survives a
 /// power cut, and `seen` receives every piece of the content in order. On failure, or if there are more than `limit`

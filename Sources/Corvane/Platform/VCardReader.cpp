@@ -14,7 +14,7 @@ namespace {
 constexpr qsizetype longestPhoto = 1024 * 1024;
 constexpr qsizetype longestLine = longestPhoto / 3 * 4 + 4096; // as base64, with its parameters
 constexpr qsizetype longestText = 16 * 1024;
-constexpr qsizetype mostPhones = 100; ///< of one card
+constexpr qsizetype mostPhones = 100; ///< of one card, and as many e-mail addresses
 
 /// "item1.TEL;TYPE="voice,home":+34 600" in its parts.
 struct Property {
@@ -119,6 +119,9 @@ void take(AddressBookPerson& person, QString& fullName, const Property& property
     } else if (property.name == "TEL" && person.phones.size() < mostPhones) {
         if (const QString number = phone(property.value); !number.isEmpty())
             person.phones.append(number);
+    } else if (property.name == "EMAIL" && person.emails.size() < mostPhones) {
+        if (const QString address = fields(property.value).first(); address.contains(u'@'))
+            person.emails.append(address);
     }
 }
 

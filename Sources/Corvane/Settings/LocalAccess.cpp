@@ -19,7 +19,6 @@ namespace {
 
 const QString connectedKey = u"nimb.localAccess"_s;
 const QString notesKey = u"nimb.notesFolder"_s;
-const QString contactFoldersKey = u"nimb.addressBookFolders"_s;
 constexpr int mostNotes = 100'000;
 
 QString counted(int count, const QString& one, const QString& many)
@@ -83,7 +82,7 @@ bool LocalAccess::isFound(const QString& id) const
 
 QStringList LocalAccess::contactFolders() const
 {
-    return m_at.defaults.text(contactFoldersKey).value_or(QString()).split(u':', Qt::SkipEmptyParts);
+    return addressBookFolders(m_at.defaults);
 }
 
 /// The one that the user chose, else one of the usual names.

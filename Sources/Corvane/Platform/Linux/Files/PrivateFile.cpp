@@ -144,6 +144,31 @@ Result<qint64> copyPrivateFile(
     return size;
 }
 
+std::unique_ptr<QFile> openPlainFile(const QString& path)
+{
+    Descriptor descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    auto file = std::make_unique<QFile>();
+    if (!descriptor.isOpen() || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)
+        || !file->open(descriptor.release(), QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle))
+        return nullptr;
+    return file;
+}
+
+Result<std::unique_ptr<QFile>> makePrivateFile(const QString& path)
+{
+    if (!makePrivateFolder(QFileInfo(path).absolutePath()))
+        return std::unexpected(errorOf(errno));
+    Descriptor descriptor(::open(
+        QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!descriptor.isOpen())
+        return std::unexpected(errorOf(errno));
+    auto file = std::make_unique<QFile>();
+    if (!file->open(descriptor.release(), QIODevice::WriteOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle))
+        return failure(file->errorString());
+    return file;
+}
+
 bool writePrivateFile(const QString& path, const QByteArray& content, Outlives outlives)
 {
     const QString folder = QFileInfo(path).absolutePath();
@@ -165,6 +190,40 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
     }
     ::unlink(temporary.constData());
     return false;
+}
+
+PrivateSaveFile::PrivateSaveFile(const QString& path)
+    : m_path(path)
+{
+}
+
+PrivateSaveFile::~PrivateSaveFile()
+{
+    if (!m_temporary.isEmpty())
+        ::unlink(m_temporary.constData());
+}
+
+Result<void> PrivateSaveFile::open()
+{
+    m_temporary = QFile::encodeName(m_path) + ".XXXXXX";
+    const int descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
+    if (descriptor < 0) {
+        m_temporary.clear();
+        return std::unexpected(errorOf(errno));
+    }
+    return m_file.open(descriptor, QIODevice::WriteOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle)
+        ? Result<void>()
+        : failure(m_file.errorString());
+}
+
+Result<void> PrivateSaveFile::commit()
+{
+    if (::fsync(m_file.handle()) != 0 || ::rename(m_temporary.constData(), QFile::encodeName(m_path).constData()) != 0)
+        return std::unexpected(errorOf(errno));
+    m_temporary.clear();
+    m_file.close();
+    syncFolder(QFileInfo(m_path).absolutePath());
+    return {};
 }
 
 }

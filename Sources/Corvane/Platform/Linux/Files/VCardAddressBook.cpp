@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
+#include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
 #include "Platform/Linux/Services.h"
 #include "Platform/VCardReader.h"
@@ -93,6 +94,11 @@ QList<AddressBookPerson> VCardAddressBook::people(const QStringList& folders) co
             readFile(file, people, photoBytes);
     }
     return people;
+}
+
+QStringList addressBookFolders(const UserDefaults& defaults)
+{
+    return defaults.text(u"nimb.addressBookFolders"_s).value_or(QString()).split(u':', Qt::SkipEmptyParts);
 }
 
 std::unique_ptr<AddressBook> makeAddressBook(const AppPaths& paths)
