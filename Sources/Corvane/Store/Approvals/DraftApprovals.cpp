@@ -189,6 +189,21 @@ void failApprovedDrafts(LocalDB& db, const QString& accountId, const QString& er
     (void)transaction.commit();
 }
 
+bool failRestoredDrafts(LocalDB& db)
+{
+    Transaction transaction(db);
+    if (!transaction.begun())
+        return false;
+    const QStringList ids = db.rows("SELECT id FROM outbound_draft WHERE status IN ('approved','sending');", {},
+        [](const SqlRow& row) { return row.text(0); });
+    for (const QString& id : ids) {
+        const auto draft = fetchDraft(db, id);
+        if (!draft || !failOne(db, id, draft->state(), describe(DraftFailure::Restored)))
+            return false;
+    }
+    return transaction.commit();
+}
+
 DraftClaim DraftClaim::claim(LocalDB& db, const QString& id)
 {
     DraftClaim claim;

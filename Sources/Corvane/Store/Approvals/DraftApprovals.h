@@ -32,6 +32,10 @@ void failWaitingDraft(LocalDB& db, const QString& id, const QString& error);
 /// All approved drafts of the account, in any workspace.
 void failApprovedDrafts(LocalDB& db, const QString& accountId, const QString& error);
 
+/// All drafts that are approved or handed to an engine, in any workspace, after a backup was restored. False if nothing
+/// was changed.
+[[nodiscard]] bool failRestoredDrafts(LocalDB& db);
+
 /// A draft on its way to an engine. Only `claimDraft` creates one.
 class ClaimedDraft {
 public:

@@ -70,6 +70,9 @@ QString describe(DraftFailure failure, const QString& what)
                "account before you send this one."_s;
     case DraftFailure::Uncertain:
         return u"It may have gone out. "_s + what;
+    case DraftFailure::Restored:
+        return u"May have gone out: it was on its way when the backup was made. Look into the conversation before "
+               "you send it again."_s;
     case DraftFailure::AccountGone:
         return u"Account %1 is no longer connected"_s.arg(what);
     case DraftFailure::NoFiles:

@@ -30,6 +30,7 @@ enum class DraftFailure {
     Unreadable,
     EarlierTextUnread, ///< another text for the same draft may still be sent
     Uncertain, ///< its engine cannot know whether it was sent
+    Restored, ///< it was approved or being sent when the restored backup was made
     AccountGone,
     NoFiles, ///< the channel does not support files
     FileGone,

@@ -132,7 +132,7 @@ bool waitsForPerson(const PendingDraft& draft)
 bool mayHaveGoneOut(const PendingDraft& draft)
 {
     return draft.state() == DraftStatus::Failed
-        && (draft.error == describe(DraftFailure::Unacknowledged)
+        && (draft.error == describe(DraftFailure::Unacknowledged) || draft.error == describe(DraftFailure::Restored)
             || draft.error.startsWith(describe(DraftFailure::Uncertain)));
 }
 

@@ -61,7 +61,8 @@ QStringList fetchSendingIds(LocalDB& db);
 /// Whether the user can approve, reject and edit it.
 bool waitsForPerson(const PendingDraft& draft);
 
-/// Whether it failed without a definite result (no acknowledgment, or the engine cannot know): it may have been sent.
+/// Whether it failed without a definite result (no acknowledgment, the engine cannot know, or it comes from a backup):
+/// it may have been sent.
 bool mayHaveGoneOut(const PendingDraft& draft);
 
 /// The current row, whatever its status and workspace.
