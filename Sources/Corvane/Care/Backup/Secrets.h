@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Foundation/Result.h"
+#include "Platform/Keyring.h"
+
+namespace corvane {
+
+struct AppPaths;
+
+/// Every password and token of the profile, by account: those in its private file, and the keyring's. Waits for the
+/// keyring, and for the user where it is locked; the error of a keyring that is there and does not answer is in words.
+Result<Keyring::Secrets> readSecrets(const AppPaths& paths, Keyring& keyring);
+
+}

@@ -1,0 +1,181 @@
+#include "Care/Doctor/Checks.h"
+
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/SystemScheduler.h"
+#include "Foundation/UserDefaults.h"
+#include "Presentation/SizeWords.h"
+#include "Store/Approvals/ApprovalRecords.h"
+#include "Store/Core/DamagedFile.h"
+#include "Store/Core/LocalDB.h"
+#include "Store/Core/Snapshot.h"
+#include "Store/Core/Upkeep.h"
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+namespace corvane {
+
+namespace {
+
+constexpr qint64 largestLog = 256 * 1024 * 1024; // SQLite itself keeps it near 4 MiB
+constexpr qint64 muchFree = 64 * 1024 * 1024;
+
+std::unique_ptr<SqlConnection> reader(const Patient& patient)
+{
+    return SqlConnection::reader(patient.paths.database(), std::make_shared<std::atomic<bool>>(false));
+}
+
+bool isThere(const Patient& patient)
+{
+    return QFileInfo::exists(patient.paths.database());
+}
+
+/// Why there is nothing to look at; nothing where the database answers.
+std::optional<Verdict> unread(const Patient& patient, SqlConnection& db)
+{
+    if (!isThere(patient))
+        return good(u"There is none yet."_s);
+    if (tableColumns(db).isEmpty())
+        return good(u"Not looked at, since the database does not open."_s);
+    return std::nullopt;
+}
+
+/// A connection that brings the schema up to date, on the thread that asks.
+struct OwnDatabase {
+    OwnDatabase(const QString& path, const Patient& patient)
+        : defaults(patient.paths.defaultsFile)
+        , db(path, { patient.paths.resources, patient.paths.home }, scheduler, defaults, nobody)
+    {
+    }
+
+    SystemScheduler scheduler;
+    UserDefaults defaults;
+    NotificationCentre nobody;
+    LocalDB db;
+};
+
+/// Tables, and columns as "table.column", that this program uses and the file lacks.
+QStringList missingIn(SqlConnection& db, const Patient& patient)
+{
+    const QTemporaryDir folder;
+    const OwnDatabase model(folder.filePath(u"model.db"_s), patient);
+    const auto wanted
+        = tableColumns(*SqlConnection::reader(model.db.path(), std::make_shared<std::atomic<bool>>(false)));
+    const auto present = tableColumns(db);
+    QStringList missing;
+    for (auto each = wanted.begin(); each != wanted.end(); ++each) {
+        if (!present.contains(each.key())) {
+            missing.append(each.key());
+            continue;
+        }
+        for (const QString& column : each.value()) {
+            if (!present[each.key()].contains(column))
+                missing.append(each.key() + u'.' + column);
+        }
+    }
+    return missing;
+}
+
+qint64 logBytes(const Patient& patient)
+{
+    return QFileInfo(patient.paths.database() + u"-wal"_s).size();
+}
+
+}
+
+Verdict checks::database(const Patient& patient)
+{
+    const QString path = patient.paths.database();
+    if (const auto aside = awaitingChoice(path))
+        return { Health::Failure, u"It was damaged and moved to %1; nothing is in its place."_s.arg(*aside),
+            u"Start Corvane and choose what takes its place, or corvane --recover save."_s };
+    if (!isThere(patient))
+        return { Health::Good, u"There is none yet. The first start makes it."_s };
+    const auto db = reader(patient);
+    const QString trouble = db->isOpen() ? integrityTrouble(*db) : u"It cannot be opened."_s;
+    if (trouble.isEmpty())
+        return good(u"It is sound."_s);
+    const bool isReadable = QFileInfo(path).isReadable();
+    return { Health::Failure, isReadable ? u"It is damaged: %1"_s.arg(trouble) : u"It cannot be read: %1"_s.arg(path),
+        isReadable ? u"Quit Corvane, then corvane restore --replace with the latest backup, or start it and save what "
+                     "can be read."_s
+                   : u"Give yourself the right to read and write it: corvane doctor --fix does."_s };
+}
+
+Verdict checks::schema(const Patient& patient)
+{
+    const auto db = reader(patient);
+    if (const auto nothing = unread(patient, *db))
+        return *nothing;
+    const QStringList missing = missingIn(*db, patient);
+    if (missing.isEmpty())
+        return good(u"All of them are there."_s);
+    return { Health::Warning, u"Missing: %1."_s.arg(missing.join(u", "_s)),
+        u"Start Corvane once, or corvane doctor --fix: both add them."_s };
+}
+
+std::optional<QString> fixes::schema(const Patient& patient)
+{
+    const bool opened = OwnDatabase(patient.paths.database(), patient).db.isOpen();
+    return opened ? std::optional(u"Added the tables and columns that were missing."_s) : std::nullopt;
+}
+
+Verdict checks::databaseSize(const Patient& patient)
+{
+    const auto db = reader(patient);
+    if (const auto nothing = unread(patient, *db))
+        return *nothing;
+    const FileFigures figures = fileFigures(*db);
+    const QString size = sizeWords(figures.bytes());
+    if (figures.freeBytes() < muchFree || figures.freePages * 4 < figures.pages)
+        return good(u"It takes %1."_s.arg(size));
+    return { Health::Warning,
+        u"It takes %1, and %2 of that are free inside."_s.arg(size, sizeWords(figures.freeBytes())),
+        u"corvane doctor --fix writes it anew without. Engines wait meanwhile."_s };
+}
+
+std::optional<QString> fixes::databaseSize(const Patient& patient)
+{
+    const qint64 before = QFileInfo(patient.paths.database()).size();
+    OwnDatabase own(patient.paths.database(), patient);
+    if (!own.db.isOpen() || !compact(own.db))
+        return std::nullopt;
+    const qint64 after = QFileInfo(patient.paths.database()).size();
+    return u"Wrote the database anew: %1 in place of %2."_s.arg(sizeWords(after), sizeWords(before));
+}
+
+Verdict checks::databaseLog(const Patient& patient)
+{
+    const QString path = patient.paths.database();
+    const bool hasLog = QFileInfo::exists(path + u"-wal"_s);
+    if (!hasLog && QFileInfo::exists(path + u"-shm"_s))
+        return { Health::Failure, u"%1-wal is gone, although the database was not closed."_s.arg(path),
+            u"What was written last may be lost. Quit Corvane, start it again, and compare with the latest backup."_s };
+    if (logBytes(patient) > largestLog)
+        return { Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(patient))),
+            u"Some program reads without an end. Quit Corvane and other readers, then corvane doctor --fix."_s };
+    return good(hasLog ? u"It takes %1."_s.arg(sizeWords(logBytes(patient))) : u"It is empty."_s);
+}
+
+std::optional<QString> fixes::databaseLog(const Patient& patient)
+{
+    if (!QFileInfo::exists(patient.paths.database() + u"-wal"_s))
+        return std::nullopt;
+    OwnDatabase own(patient.paths.database(), patient);
+    return own.db.isOpen() && emptyLog(own.db) ? std::optional(u"Moved the log into the database."_s) : std::nullopt;
+}
+
+Verdict checks::decisions(const Patient& patient)
+{
+    const auto db = reader(patient);
+    if (const auto nothing = unread(patient, *db))
+        return *nothing;
+    if (!tableColumns(*db).contains(u"approval_record"_s))
+        return good(u"No decision has been recorded yet."_s);
+    const RecordCheck record = checkRecords(*db);
+    return record.sound ? good(record.words)
+                        : Verdict { Health::Failure, record.words,
+                              u"A line was changed or taken out by another program. Compare with a backup."_s };
+}
+
+}

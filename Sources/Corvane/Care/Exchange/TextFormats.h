@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QStringList>
+
+namespace corvane {
+
+/// A line of a CSV file with its end, as RFC 4180 has it.
+QByteArray csvLine(const QStringList& fields);
+
+/// A person as a card, version 4.
+struct CardPerson {
+    QString id;
+    QString name;
+    QStringList emails;
+    QStringList phones;
+    QStringList handles; ///< "whatsapp:346…"
+};
+QByteArray vCard(const CardPerson& person);
+
+/// The rows of events as one calendar file: "id", "title", "start_ms", "end_ms", "all_day", "location", "notes".
+QByteArray calendarFile(const QList<QJsonObject>& events);
+
+/// A message as a mail.
+struct MailText {
+    QString from;
+    QString to;
+    QString subject;
+    QString body;
+    QString messageId; ///< without brackets; may be empty
+    qint64 atMs = 0;
+    QString attachmentName; ///< empty where there is none
+    QByteArray attachment;
+};
+QByteArray mailFile(const MailText& mail);
+
+}
