@@ -54,6 +54,18 @@ TEST(Screen, marginsHoldWhatIsInsertedAndDeleted)
     EXPECT_EQ(terminal.ask("\x1bP$qs\x1b\\\x1bP$qr\x1b\\"), "\x1bP1$r3;6s\x1b\\\x1bP1$r2;4r\x1b\\");
 }
 
+TEST(Screen, aLineOfDoubleWidthHidesItsRightHalfUntilItIsSingleAgain)
+{
+    Probe terminal(8, 3);
+    terminal << "abc漢efg\x1b#6";
+    EXPECT_EQ(terminal.line(0), "abc");
+    EXPECT_EQ(terminal.where(), "0,3");
+    terminal << "\x1b#5";
+    EXPECT_EQ(terminal.line(0), "abc  efg");
+    terminal << "\x1b#6\x1b[3;1H\r\n";
+    EXPECT_EQ(terminal.line(-1), "abc");
+}
+
 TEST(Screen, protectedTextOutlivesSelectiveErasing)
 {
     Probe terminal(10, 2);

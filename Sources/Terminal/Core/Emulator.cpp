@@ -96,13 +96,6 @@ void Emulator::csi(const Sequence& sequence)
     runCsi(*this, sequence);
 }
 
-void Emulator::moveTo(int row, int column)
-{
-    cursor.row = std::clamp(row, 0, size.rows - 1);
-    cursor.column = std::clamp(column, 0, rowEnd(cursorRow()) - 1);
-    cursor.pendingWrap = false;
-}
-
 void Emulator::moveToAddress(int row, int column)
 {
     if (modes.has(Mode::Origin)) {

@@ -52,6 +52,7 @@ public:
     void printAscii(const uint8_t* text, size_t length);
     void printPoints(const char32_t* points, size_t count);
     void printCharacter(char32_t point); ///< already mapped
+    bool printsAsciiAsItIs() const { return plain; }
     void execute(uint8_t control);
     void escape(const Sequence& sequence);
     void csi(const Sequence& sequence);
@@ -73,12 +74,23 @@ public:
     Row& cursorRow() { return screen->grid.row(cursor.row); }
     /// One past the last column that the row has; half as many in a row of double size.
     int rowEnd(const Row& row) const { return row.size == LineSize::Single ? size.columns : (size.columns + 1) / 2; }
+    /// Without the blanks that end it, and what is out of sight.
+    int textLength(const Row& row) const { return std::min(rowEnd(row), row.contentLength()); }
     /// One past the last column that text goes to from where the cursor is.
-    int textEnd(const Row& row) const;
+    int textEnd(const Row& row) const
+    {
+        const int end = rowEnd(row);
+        return cursor.column < margins.right ? std::min(end, margins.right) : end;
+    }
     bool inMarginColumns() const { return cursor.column >= margins.left && cursor.column < margins.right; }
     bool inMargins() const { return inMarginColumns() && cursor.row >= margins.top && cursor.row < margins.bottom; }
     bool hasSideMargins() const { return margins.left > 0 || margins.right < size.columns; }
-    void moveTo(int row, int column);
+    void moveTo(int row, int column)
+    {
+        cursor.row = std::clamp(row, 0, size.rows - 1);
+        cursor.column = std::clamp(column, 0, rowEnd(cursorRow()) - 1);
+        cursor.pendingWrap = false;
+    }
     /// As the program counts: from the margins in origin mode.
     void moveToAddress(int row, int column);
     int originRow() const { return modes.has(Mode::Origin) ? margins.top : 0; }

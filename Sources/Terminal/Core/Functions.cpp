@@ -196,13 +196,11 @@ constexpr size_t blockOf(char leader, char intermediate)
 }
 
 constexpr auto sequenceIndex = [] {
-    std::array<uint8_t, 5 * 17 * finals> numbers {};
-    for (size_t i = 0; i < std::size(sequences); ++i)
-        numbers[blockOf(sequences[i].leader, sequences[i].intermediate) * finals + size_t(sequences[i].final - 0x40)]
-            = uint8_t(i + 1);
-    return numbers;
+    std::array<Function*, 5 * 17 * finals> functions {};
+    for (const SequenceEntry& entry : sequences)
+        functions[blockOf(entry.leader, entry.intermediate) * finals + size_t(entry.final - 0x40)] = entry.function;
+    return functions;
 }();
-static_assert(std::size(sequences) < 255);
 
 constexpr auto controlIndex = [] {
     std::array<Function*, 256> functions {};
@@ -237,8 +235,8 @@ void runCsi(Emulator& terminal, const Sequence& sequence)
     if (sequence.intermediateCount > 1)
         return;
     const size_t block = blockOf(sequence.leader, sequence.intermediates[0]);
-    if (const uint8_t number = sequenceIndex[block * finals + size_t(sequence.final - 0x40)])
-        sequences[number - 1].function(terminal, sequence);
+    if (Function* const function = sequenceIndex[block * finals + size_t(sequence.final - 0x40)])
+        function(terminal, sequence);
 }
 
 StringFunction* findString(const Sequence& head)

@@ -54,18 +54,26 @@ int toNumber(std::string_view text, int fallback = -1)
     return error == std::errc() && end == text.data() + text.size() ? value : fallback;
 }
 
-/// Without control characters, of C0 or C1, and valid UTF-8.
-std::string cleaned(std::string_view text, size_t most)
+/// Without control characters, of C0 or C1, and valid UTF-8. The text is not a part of `clean`.
+void cleanInto(std::string& clean, std::string_view text, size_t most)
 {
     text = text.substr(0, most);
     const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
-    if (Kernels::instance().printable(bytes, text.size()) == text.size())
-        return std::string(text);
-    std::string clean;
+    if (Kernels::instance().printable(bytes, text.size()) == text.size()) {
+        clean.assign(text);
+        return;
+    }
+    clean.clear();
     for (const char32_t point : decodeUtf8(text)) {
         if (point >= 0x20 && (point < 0x7f || point >= 0xa0))
             appendUtf8(clean, point);
     }
+}
+
+std::string cleaned(std::string_view text, size_t most)
+{
+    std::string clean;
+    cleanInto(clean, text, most);
     return clean;
 }
 
@@ -352,13 +360,13 @@ void Emulator::osc(std::string_view text)
 
 void Emulator::setTitle(std::string_view text)
 {
-    title = cleaned(text, maxTitle);
+    cleanInto(title, text, maxTitle);
     listener->titleChanged(title);
 }
 
 void Emulator::setIcon(std::string_view text)
 {
-    icon = cleaned(text, maxTitle);
+    cleanInto(icon, text, maxTitle);
     listener->iconChanged(icon);
 }
 

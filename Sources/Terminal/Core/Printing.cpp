@@ -7,12 +7,6 @@ namespace {
 constexpr size_t shortRun = 12;
 }
 
-int Emulator::textEnd(const Row& row) const
-{
-    const int end = rowEnd(row);
-    return cursor.column < margins.right ? std::min(end, margins.right) : end;
-}
-
 StyleId Emulator::penStyle()
 {
     if (penChanged) {
@@ -50,7 +44,9 @@ void Emulator::printAscii(const uint8_t* text, size_t length)
         const int to = from + int(count);
         row.cutAround(from, to);
         auto* const cells = reinterpret_cast<uint64_t*>(row.cells + from);
-        if (count < shortRun) {
+        if (count == 1) {
+            cells[0] = high | text[0];
+        } else if (count < shortRun) {
             for (size_t i = 0; i < count; ++i)
                 cells[i] = high | text[i];
         } else {
@@ -129,20 +125,25 @@ size_t Emulator::printSimple(const char32_t* points, size_t count)
     Row& row = cursorRow();
     const int end = textEnd(row);
     int column = cursor.column;
+    Cell* const cells = row.cells;
+    Graphemes breaks = graphemes; // a copy of its own stays in registers
     size_t done = 0;
     for (; done < count; ++done) {
         const CodePoint properties = codePoints[points[done]];
         const int width = widthOf(properties);
-        if (width == 0 || column + width >= end || (clustered && !graphemes.surelyStarts(properties)))
+        if (width == 0 || column + width >= end || (clustered && !breaks.surelyStarts(properties)))
             break;
         if (done == 0)
             row.cutWide(column);
-        row.cells[column]
-            = Cell::character(points[done], style, width == 2 ? Cell::Part::WideHead : Cell::Part::Narrow);
-        if (width == 2)
-            row.cells[column + 1] = Cell::character(0, style, Cell::Part::WideTail);
+        if (width == 2) {
+            cells[column] = Cell::character(points[done], style, Cell::Part::WideHead);
+            cells[column + 1] = Cell::character(0, style, Cell::Part::WideTail);
+        } else {
+            cells[column] = Cell::character(points[done], style);
+        }
         column += width;
     }
+    graphemes = breaks;
     if (done == 0)
         return 0;
     if (column < row.used && row.cells[column].part() == Cell::Part::WideTail)
@@ -235,21 +236,15 @@ bool Emulator::joinPrevious(char32_t point)
     if (column < 0 || row.cells[column].content() == 0)
         return false;
     const Cell before = row.cells[column];
-    char32_t text[ClusterTable::maxLength];
-    size_t length = 1;
-    if (before.isCluster())
-        length = clusters[before.content()].copy(text, ClusterTable::maxLength);
-    else
-        text[0] = before.content();
-    if (length == ClusterTable::maxLength)
+    if (before.isCluster() && clusters[before.content()].size() == ClusterTable::maxLength)
         return true;
-    text[length++] = point;
+    const char32_t first = before.isCluster() ? clusters[before.content()].front() : char32_t(before.content());
     const bool narrow = before.part() == Cell::Part::Narrow;
     const bool widens = narrow && modes.has(Mode::GraphemeClusters)
-        && (point == variationSelector16 ? codePoints[text[0]].emojiVariation()
+        && (point == variationSelector16 ? codePoints[first].emojiVariation()
                                          : codePoints[point].width() == 2
                     || codePoints[point].graphemeBreak() == GraphemeBreak::RegionalIndicator);
-    const uint32_t number = clusters.intern({ text, length });
+    const uint32_t number = clusters.join(before, point);
     if (widens) {
         cursor.column = column;
         cursor.pendingWrap = false;

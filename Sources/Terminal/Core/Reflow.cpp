@@ -99,7 +99,7 @@ private:
             Line& line = m_lines.back();
             m_lineOfRow[size_t(index)] = { m_lines.size() - 1, line.cells.size() };
             const int end = row.size == LineSize::Single ? grid.columns() : (grid.columns() + 1) / 2;
-            int count = row.wrapped ? end : row.contentLength();
+            int count = row.wrapped ? end : std::min(end, row.contentLength());
             if (row.wrapped && row.cells[end - 1].part() == Cell::Part::Filler)
                 --count;
             line.cells.insert(line.cells.end(), row.cells, row.cells + count);

@@ -101,6 +101,13 @@ private:
         int64_t row = -int64_t(history.rows(t.columns()));
         const uint64_t first = history.firstLine();
         for (const HistoryPage& page : history.pages()) {
+            if (m_matches.size() >= m_most)
+                return;
+            if (page.firstLine() >= first && m_pattern.isLiteral() && !m_pattern.find(page.text())) {
+                row += int64_t(page.rows(t.columns()));
+                page.cool();
+                continue;
+            }
             uint32_t index = first > page.firstLine() ? uint32_t(first - page.firstLine()) : 0;
             for (; index < page.lines() && m_matches.size() < m_most; ++index) {
                 const HistoryLine line = page.line(index);
@@ -152,7 +159,7 @@ private:
             if (line.starts.empty())
                 line.firstRow = index;
             line.starts.push_back(line.cells.size());
-            const int end = row.wrapped ? t.rowEnd(row) : row.contentLength();
+            const int end = row.wrapped ? t.rowEnd(row) : t.textLength(row);
             for (int column = 0; column < end; ++column) {
                 if (row.cells[column].part() != Cell::Part::Filler)
                     line.append(t, row.cells[column]);

@@ -40,9 +40,8 @@ void Emulator::setLineSize(LineSize lineSize)
     target.size = lineSize;
     touch(target);
     if (lineSize != LineSize::Single) {
-        const int end = rowEnd(target);
-        target.cutWide(end);
-        target.fill(end, size.columns, {});
+        // What is right of the middle comes back with single size.
+        target.cutWide(rowEnd(target));
         target.wrapped = false;
         moveTo(cursor.row, cursor.column);
     }
@@ -217,7 +216,7 @@ void Emulator::readRow(int64_t index, RowView& view)
         return past.read(past.addressOf(index), view);
     }
     const Row& source = row(int(index));
-    view.cells.assign(source.cells, source.cells + source.contentLength());
+    view.cells.assign(source.cells, source.cells + textLength(source));
     view.size = source.size;
     view.continued = index > 0 ? row(int(index) - 1).wrapped : screen->history && screen->history->isOpen();
 }

@@ -20,8 +20,26 @@ uint32_t ClusterTable::intern(std::u32string_view text)
     return number;
 }
 
+uint32_t ClusterTable::join(Cell cell, char32_t point)
+{
+    const uint64_t key = uint64_t(point) << 32 | uint64_t(cell.isCluster()) << 31 | cell.content();
+    Joined& known = m_joined[key * 0x9e3779b97f4a7c15 >> 56];
+    if (known.key == key)
+        return known.number;
+    char32_t text[maxLength];
+    size_t length = 1;
+    if (cell.isCluster())
+        length = (*this)[cell.content()].copy(text, maxLength - 1);
+    else
+        text[0] = cell.content();
+    text[length++] = point;
+    known = { key, intern({ text, length }) };
+    return known.number;
+}
+
 void ClusterTable::collect(const std::vector<bool>& used)
 {
+    m_joined = {};
     std::erase_if(m_numbers, [&](const auto& entry) {
         const bool gone = !used[entry.second];
         if (gone) {

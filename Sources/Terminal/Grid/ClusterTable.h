@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Terminal/Grid/Cell.h"
+
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,6 +18,8 @@ public:
     static constexpr size_t maxLength = 32;
 
     uint32_t intern(std::u32string_view text);
+    /// What the cell holds and one more code point. A cluster in it is shorter than `maxLength`.
+    uint32_t join(Cell cell, char32_t point);
     std::u32string_view operator[](uint32_t number) const { return *m_texts[number]; }
 
     bool isFull() const { return m_numbers.size() >= m_threshold; }
@@ -28,6 +33,13 @@ private:
         size_t operator()(std::u32string_view text) const { return std::hash<std::u32string_view>()(text); }
     };
 
+    /// The text of an emoji grows code point by code point, mostly those of the last few emoji.
+    struct Joined {
+        uint64_t key = 0;
+        uint32_t number = 0;
+    };
+
+    std::array<Joined, 256> m_joined;
     std::unordered_map<std::u32string, uint32_t, Hash, std::equal_to<>> m_numbers;
     std::vector<const std::u32string*> m_texts; // keys of the map
     std::vector<uint32_t> m_free;

@@ -70,6 +70,8 @@ public:
     /// The line's place in the page, counted from its first. Consecutive look-ups are cheap.
     HistoryLine line(uint32_t index) const;
 
+    /// All lines in one piece, with what lies between them: what is not found here is in none of them.
+    std::string_view text() const { return { data(), m_used }; }
     /// How many rows all lines take at this width.
     size_t rows(int columns) const;
 

@@ -27,7 +27,7 @@ Scrollback::Scrollback(StyleTable& styles, ClusterTable& clusters, Limits limits
 
 Scrollback::Position Scrollback::push(const Row& row, int columns)
 {
-    int count = row.wrapped ? columns : row.contentLength();
+    int count = row.wrapped ? columns : std::min(columns, row.contentLength());
     if (row.wrapped && row.complex && row.cells[columns - 1].part() == Cell::Part::Filler)
         --count;
     if (m_open
@@ -51,10 +51,8 @@ Scrollback::Position Scrollback::push(const Row& row, int columns)
         m_kernels.narrow(reinterpret_cast<uint8_t*>(m_pages.back().textBegin() + m_text),
             reinterpret_cast<const uint64_t*>(row.cells), size_t(count));
         m_text += uint32_t(count);
-        if (!m_shapeRuns.empty()) {
-            for (int i = 0; i < count; ++i)
-                addShapeRun(1, 1);
-        }
+        if (!m_shapeRuns.empty())
+            addShapeRun({ 1, 1, uint16_t(count) });
     }
     if (row.styled)
         pushStyles(row, count);
@@ -156,40 +154,56 @@ uint16_t Scrollback::pageStyle(StyleId id)
     return cached.pageStyle;
 }
 
-void Scrollback::addShapeRun(uint8_t width, uint8_t bytes)
+void Scrollback::addShapeRun(ShapeRun run)
 {
+    if (run.count == 0)
+        return;
     if (!m_shapeRuns.empty()) {
         ShapeRun& last = m_shapeRuns.back();
-        if (last.width == width && last.bytes == bytes && last.count < UINT16_MAX) {
-            ++last.count;
+        if (last.width == run.width && last.bytes == run.bytes && last.count + run.count <= UINT16_MAX) {
+            last.count = uint16_t(last.count + run.count);
             return;
         }
     }
-    m_shapeRuns.push_back({ width, bytes, 1 });
+    m_shapeRuns.push_back(run);
 }
 
 void Scrollback::pushComplex(const Row& row, int count)
 {
-    size_t bytes = 0;
-    for (int i = 0; i < count; ++i)
-        bytes += row.cells[i].isCluster() ? maxCharacterBytes : 4;
-    makeRoom(bytes + size_t(count) * (sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun));
+    const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });
+    makeRoom(size_t(clusters) * maxCharacterBytes + size_t(count) * 4
+        + size_t(count) * (sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun));
     if (m_shapeRuns.empty() && m_cells)
         m_shapeRuns.push_back({ 1, 1, uint16_t(m_cells) });
     char* const begin = m_pages.back().textBegin();
-    for (int i = 0; i < count; ++i) {
-        const Cell cell = row.cells[i];
-        if (cell.part() == Cell::Part::WideTail)
+    char* to = begin + m_text;
+    for (int i = 0; i < count;) {
+        const Cell first = row.cells[i];
+        if (first.isCluster()) {
+            char* const from = to;
+            for (const char32_t point : m_clusters[first.content()])
+                to += encodeUtf8(point, to);
+            addShapeRun({ uint8_t(first.width()), uint8_t(to - from), 1 });
+            i += first.width();
             continue;
-        const uint32_t from = m_text;
-        if (cell.isCluster()) {
-            for (const char32_t point : m_clusters[cell.content()])
-                m_text += uint32_t(encodeUtf8(point, begin + m_text));
-        } else {
-            m_text += uint32_t(encodeUtf8(cell.content(), begin + m_text));
         }
-        addShapeRun(cell.part() == Cell::Part::WideHead ? 2 : 1, uint8_t(m_text - from));
+        // Characters in a row that are equally wide and long.
+        const auto [lowest, highest] = utf8Range(first.content());
+        const int width = first.width();
+        const auto part = first.part();
+        char encoded[4];
+        const size_t bytes = encodeUtf8(first.content(), encoded);
+        uint16_t run = 0;
+        for (; i < count; i += width, ++run) {
+            const Cell cell = row.cells[i];
+            if (cell.isCluster() || cell.part() != part || cell.content() - lowest > highest - lowest)
+                break;
+            encodeUtf8(cell.content(), to);
+            to += bytes;
+        }
+        addShapeRun({ uint8_t(width), uint8_t(bytes), run });
     }
+    m_text = uint32_t(to - begin);
 }
 
 uint64_t Scrollback::firstLine() const

@@ -74,7 +74,7 @@ private:
     void pushStyles(const Row& row, int count);
     void pushComplex(const Row& row, int count);
     void addStyleRun(uint16_t style, size_t count);
-    void addShapeRun(uint8_t width, uint8_t bytes);
+    void addShapeRun(ShapeRun run);
     uint16_t pageStyle(StyleId id);
     const HistoryPage& pageOf(uint64_t number) const;
     HistoryLine openLine() const;

@@ -58,19 +58,33 @@ template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
     return at;
 }
 
+inline constexpr size_t wordSize = 8;
+
+/// How many of the 8 bytes at `at` come before the first that is a control, DEL or beyond ASCII.
+inline size_t printableInWord(const uint8_t* at)
+{
+    size_t run = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        uint64_t bytes;
+        std::memcpy(&bytes, at, sizeof bytes);
+        // The high bit of each such byte. Only the lowest is exact.
+        constexpr uint64_t ones = 0x0101010101010101;
+        const uint64_t bad = ((bytes - ones * 0x20) | (bytes + ones) | bytes) & (ones * 0x80);
+        run = size_t(std::countr_zero(bad)) / 8;
+    } else {
+        while (run < wordSize && uint8_t(at[run] - 0x20) < 0x5f)
+            ++run;
+    }
+    return run;
+}
+
 /// As the kernel; short runs, which stand between escape sequences, are told without a call.
 template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) const
 {
-    constexpr size_t shortRun = 8;
     const auto size = size_t(end - at);
-    if (size >= shortRun && std::endian::native == std::endian::little) {
-        uint64_t bytes;
-        std::memcpy(&bytes, at, sizeof bytes);
-        // The high bit of each byte that is a control, DEL or beyond ASCII. Only the lowest is exact.
-        constexpr uint64_t ones = 0x0101010101010101;
-        const uint64_t bad = ((bytes - ones * 0x20) | (bytes + ones) | bytes) & (ones * 0x80);
-        if (bad)
-            return size_t(std::countr_zero(bad)) / 8;
+    if (size >= wordSize) {
+        if (const size_t run = printableInWord(at); run < wordSize)
+            return run;
     }
     return m_kernels.printable(at, size);
 }
@@ -100,6 +114,13 @@ template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
         } else if (first == 0xf0 && uint8_t(at[1] - 0x90) < 0x30 && isMore(at[2]) && isMore(at[3])) {
             points[count++] = char32_t(at[1] & 0x3f) << 12 | char32_t(at[2] & 0x3f) << 6 | (at[3] & 0x3f);
             at += 4;
+        } else if (count > 0 && first < 0x80 && end - at >= ptrdiff_t(wordSize)) {
+            // The few letters between characters of this run go with them.
+            const size_t run = printableInWord(at);
+            if (run == 0 || run == wordSize || count + run > maxPoints || !m_sink.printsAsciiAsItIs())
+                break;
+            for (const Byte stop = at + run; at < stop;)
+                points[count++] = *at++;
         } else {
             break;
         }
@@ -215,7 +236,13 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
     for (; at < end; ++at) {
         const uint8_t byte = *at;
         if (uint8_t(byte - '0') < 10) {
-            value = value == Params::absent ? byte - '0' : std::min(value * 10 + (byte - '0'), Params::maxValue);
+            // One digit or two is not to be foreseen, so both are read and no jump depends on it.
+            const int digit = byte - '0';
+            const int second = at + 1 < end ? at[1] - '0' : -1;
+            const bool two = unsigned(second) < 10;
+            const int number = two ? digit * 10 + second : digit;
+            value = value == Params::absent ? number : std::min(value * (two ? 100 : 10) + number, Params::maxValue);
+            at += two;
         } else if (byte == ';' || byte == ':') {
             m_sequence.params.add(value, sub);
             value = Params::absent;

@@ -15,8 +15,21 @@ namespace {
 
 // A table of more states is thrown away and begun again.
 constexpr size_t maxStates = 512;
-constexpr int32_t unknown = 0;
-constexpr int32_t dead = 1;
+constexpr uint32_t rowSize = 256;
+constexpr uint32_t unknown = 0;
+constexpr uint32_t dead = rowSize;
+constexpr uint32_t matchBit = 1u << 31;
+
+uint32_t rowOf(uint32_t state)
+{
+    return state & ~matchBit;
+}
+
+/// It is known, alive and no match: the next byte can be looked at.
+bool isOrdinary(uint32_t state)
+{
+    return state > dead && state < matchBit;
+}
 
 char lower(char letter)
 {
@@ -125,22 +138,25 @@ void Pattern::addNode(std::vector<uint32_t>& nodes, uint32_t node, bool atBegin,
     }
 }
 
-int32_t Pattern::stateOf(Table& table, std::vector<uint32_t> nodes) const
+uint32_t Pattern::stateOf(Table& table, std::vector<uint32_t> nodes) const
 {
     if (nodes.empty())
         return dead;
-    const auto [entry, isNew] = table.known.try_emplace(nodes, int32_t(table.states.size()));
+    const auto [entry, isNew] = table.known.try_emplace(nodes, uint32_t(table.states.size()) * rowSize);
     if (isNew) {
+        const auto matches = [&](uint32_t node) {
+            return m_nodes[node].kind == Node::Kind::Match;
+        };
         State state;
         std::vector<uint32_t> atEnd;
-        for (const uint32_t node : nodes) {
-            state.matches |= m_nodes[node].kind == Node::Kind::Match;
+        for (const uint32_t node : nodes)
             addNode(atEnd, node, false, true);
-        }
-        for (const uint32_t node : atEnd)
-            state.matchesAtEnd |= m_nodes[node].kind == Node::Kind::Match;
+        state.matchesAtEnd = std::ranges::any_of(atEnd, matches);
+        if (std::ranges::any_of(nodes, matches))
+            entry->second |= matchBit;
         state.nodes = std::move(nodes);
         table.states.push_back(std::move(state));
+        table.next.resize(table.next.size() + rowSize);
     }
     return entry->second;
 }
@@ -149,14 +165,15 @@ void Pattern::clear(Table& table)
 {
     table.known.clear();
     table.states.assign(2, {}); // unknown, dead
+    table.next.assign(2 * rowSize, unknown);
     table.starts[0] = table.starts[1] = unknown;
 }
 
-int32_t Pattern::startState(Table& table, bool atBegin) const
+uint32_t Pattern::startState(Table& table, bool atBegin) const
 {
     if (table.states.size() > maxStates || table.states.empty())
         clear(table);
-    int32_t& start = table.starts[atBegin ? 0 : 1];
+    uint32_t& start = table.starts[atBegin ? 0 : 1];
     if (start == unknown) {
         std::vector<uint32_t> nodes;
         addNode(nodes, m_start, atBegin, false);
@@ -165,12 +182,12 @@ int32_t Pattern::startState(Table& table, bool atBegin) const
     return start;
 }
 
-int32_t Pattern::step(Table& table, int32_t state, uint8_t byte) const
+uint32_t Pattern::step(Table& table, uint32_t state, uint8_t byte) const
 {
-    if (const int32_t next = table.states[size_t(state)].next[byte]; next != unknown)
+    if (const uint32_t next = table.next[rowOf(state) + byte]; next != unknown)
         return next;
     std::vector<uint32_t> nodes;
-    for (const uint32_t node : table.states[size_t(state)].nodes) {
+    for (const uint32_t node : table.states[rowOf(state) / rowSize].nodes) {
         if (m_nodes[node].kind == Node::Kind::Bytes && m_nodes[node].bytes[byte])
             addNode(nodes, m_nodes[node].next, false, false);
     }
@@ -181,33 +198,39 @@ int32_t Pattern::step(Table& table, int32_t state, uint8_t byte) const
         clear(table);
         return stateOf(table, std::move(nodes));
     }
-    const int32_t next = stateOf(table, std::move(nodes));
-    table.states[size_t(state)].next[byte] = next;
+    const uint32_t next = stateOf(table, std::move(nodes));
+    table.next[rowOf(state) + byte] = next;
     return next;
 }
 
 bool Pattern::mayMatch(std::string_view text, size_t from)
 {
     Table& table = m_search;
-    int32_t state = startState(table, from == 0);
-    for (size_t at = from; at < text.size(); ++at) {
-        if (table.states[size_t(state)].matches)
-            return true;
-        state = step(table, state, uint8_t(text[at]));
+    uint32_t state = startState(table, from == 0);
+    for (size_t at = from; at < text.size() && !(state & matchBit);) {
+        const uint32_t* const rows = table.next.data();
+        uint32_t next = state;
+        for (; isOrdinary(next) && at < text.size(); ++at)
+            next = rows[(state = next) + uint8_t(text[at])];
+        if (next == unknown)
+            next = step(table, state, uint8_t(text[at - 1]));
+        else if (next == dead)
+            return false;
+        state = next;
     }
-    return table.states[size_t(state)].matches || table.states[size_t(state)].matchesAtEnd;
+    return state & matchBit || table.states[state / rowSize].matchesAtEnd;
 }
 
 std::optional<size_t> Pattern::matchAt(std::string_view text, size_t from)
 {
     Table& table = m_match;
     std::optional<size_t> end;
-    int32_t state = startState(table, from == 0);
+    uint32_t state = startState(table, from == 0);
     for (size_t at = from; state != dead; ++at) {
-        if (table.states[size_t(state)].matches)
+        if (state & matchBit)
             end = at;
         if (at == text.size()) {
-            if (table.states[size_t(state)].matchesAtEnd)
+            if (table.states[rowOf(state) / rowSize].matchesAtEnd)
                 end = at;
             break;
         }

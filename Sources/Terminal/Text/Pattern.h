@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <bitset>
 #include <cstdint>
 #include <map>
@@ -25,6 +24,8 @@ public:
     /// The first match from `from` on, as begin and end in bytes; the longest of those that begin there.
     std::optional<std::pair<size_t, size_t>> find(std::string_view text, size_t from = 0);
 
+    bool isLiteral() const { return !m_isRegex; }
+
 private:
     using ByteSet = std::bitset<256>;
     struct Node {
@@ -36,29 +37,29 @@ private:
     };
     struct State {
         std::vector<uint32_t> nodes;
-        bool matches = false; // here
         bool matchesAtEnd = false; // where the text ends here
-        std::array<int32_t, 256> next {};
     };
     class Compiler;
 
     Pattern() = default;
     std::optional<std::pair<size_t, size_t>> findLiteral(std::string_view text, size_t from) const;
-    /// States are made as they are met. Those of a search begin anew at each byte; those of a match do not.
+    /// States are made as they are met. Those of a search begin anew at each byte; those of a match do not. A state
+    /// goes by where its row begins in `next`, with a bit set if the text matches so far.
     struct Table {
         bool anywhere;
-        int32_t starts[2] {}; ///< where a text begins, and within it; 0 if not yet known
+        uint32_t starts[2] {}; ///< where a text begins, and within it; 0 if not yet known
         std::vector<State> states {};
-        std::map<std::vector<uint32_t>, int32_t> known {};
+        std::vector<uint32_t> next {}; ///< 256 for each state
+        std::map<std::vector<uint32_t>, uint32_t> known {};
     };
 
     bool mayMatch(std::string_view text, size_t from);
     std::optional<size_t> matchAt(std::string_view text, size_t from);
     void addNode(std::vector<uint32_t>& nodes, uint32_t node, bool atBegin, bool atEnd) const;
-    int32_t stateOf(Table& table, std::vector<uint32_t> nodes) const;
+    uint32_t stateOf(Table& table, std::vector<uint32_t> nodes) const;
     static void clear(Table& table);
-    int32_t startState(Table& table, bool atBegin) const;
-    int32_t step(Table& table, int32_t state, uint8_t byte) const;
+    uint32_t startState(Table& table, bool atBegin) const;
+    uint32_t step(Table& table, uint32_t state, uint8_t byte) const;
 
     std::string m_literal;
     bool m_fold = false;

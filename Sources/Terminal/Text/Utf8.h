@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace corvane::terminal {
 
@@ -32,6 +33,18 @@ inline size_t encodeUtf8(char32_t point, char* out)
     out[2] = char(0x80 | (point >> 6 & 0x3f));
     out[3] = char(0x80 | (point & 0x3f));
     return 4;
+}
+
+/// The first and the last code point that take as many bytes as this one.
+inline std::pair<char32_t, char32_t> utf8Range(char32_t point)
+{
+    if (point < 0x80)
+        return { 0, 0x7f };
+    if (point < 0x800)
+        return { 0x80, 0x7ff };
+    if (point < 0x10000)
+        return { 0x800, 0xffff };
+    return { 0x10000, 0x10ffff };
 }
 
 inline void appendUtf8(std::string& text, char32_t point)
