@@ -1,11 +1,14 @@
 #include "Foundation/Literals.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/Downloads.h"
 #include "Presentation/MailText.h"
 #include "Presentation/WAName.h"
+#include "Support/Environment.h"
 #include "Support/Print.h"
 
 #include <QDateTime>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 using namespace corvane;
@@ -143,4 +146,15 @@ TEST(MailText, subjectsAreComparedWithoutWhatRepliesPutBeforeThem)
         EXPECT_EQ(MailText::plainSubject(subject), "Plan");
     EXPECT_EQ(MailText::plainSubject("Recipe: Plan"), "Recipe: Plan");
     EXPECT_EQ(MailText::plainSubject("Re:"), "");
+}
+
+TEST(Downloads, aFileStandsBesideWhatIsThereUnderAPlainName)
+{
+    const QTemporaryDir home;
+    const Environment places { { "HOME", home.path().toUtf8() }, { "XDG_CONFIG_HOME", home.path().toUtf8() } };
+    EXPECT_EQ(saveDownload("../a/b: c", "txt", "one"), "Saved to " + home.filePath("Downloads/-a-b- c.txt"));
+    EXPECT_EQ(saveDownload("../a/b: c", "txt", "two"), "Saved to " + home.filePath("Downloads/-a-b- c (2).txt"));
+    EXPECT_EQ(fileNameOf(" ... "), "Untitled");
+    qputenv("HOME", "/proc");
+    EXPECT_TRUE(saveDownload("a", "txt", "one").startsWith("Couldn't save it: "));
 }

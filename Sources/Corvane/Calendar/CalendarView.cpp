@@ -7,9 +7,8 @@
 #include "Foundation/Literals.h"
 #include "Platform/Desktop.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/Downloads.h"
 
-#include <QFileInfo>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <algorithm>
 
@@ -25,12 +24,6 @@ constexpr qint64 mirrorAheadMs = 60LL * 86'400'000;
 qint64 startOf(const QDate& day)
 {
     return day.startOfDay().toMSecsSinceEpoch();
-}
-
-QString fileName(const QString& title)
-{
-    static const QRegularExpression unfit(u"[^\\w -]"_s, QRegularExpression::UseUnicodePropertiesOption);
-    return QString(title).remove(unfit).simplified().left(60);
 }
 
 EventCard cardOf(LocalDB& db, const CalEvent& event, qint64 nowMs)
@@ -150,10 +143,11 @@ void CalendarView::readPage()
     const auto show = [this, fromMs, toMs](const QList<CalEvent>& events) {
         if (startOf(firstDay()) != fromMs)
             return; // another page by now
-        m_events = m_at.store.visible(events);
-        m_events.removeIf([&](const CalEvent& event) {
-            return event.startMs >= toMs || std::max(event.endMs, event.startMs + 1) <= fromMs;
+        QList<CalEvent> ofPage;
+        std::ranges::copy_if(events, std::back_inserter(ofPage), [&](const CalEvent& event) {
+            return event.startMs < toMs && std::max(event.endMs, event.startMs + 1) > fromMs;
         });
+        m_events = m_at.store.visible(ofPage);
         lay();
     };
     show(m_at.store.events());
@@ -339,8 +333,8 @@ void CalendarView::importFile(const QUrl& file)
 void CalendarView::offerFile()
 {
     m_offered.clear();
-    const QString path
-        = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u'/' + fileName(m_card.title) + u".ics"_s;
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + u'/'
+        + fileNameOf(m_card.title) + u".ics"_s;
     exportEvent(m_at.store, m_selected, path, this, [this, path](const Result<QString>& saved) {
         if (!saved)
             return told(saved.error().message);
@@ -351,14 +345,9 @@ void CalendarView::offerFile()
 
 void CalendarView::exportSelected()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    const QString name = fileName(m_card.title);
-    QString path = folder + u'/' + name + u".ics"_s;
-    for (int number = 2; QFileInfo::exists(path); ++number)
-        path = folder + u"/%1 %2.ics"_s.arg(name).arg(number);
-    exportEvent(m_at.store, m_selected, path, this, [this, path](const Result<QString>& saved) {
-        told(saved ? u"The event was saved as %1."_s.arg(path) : saved.error().message);
-    });
+    const QString path = freeDownload(m_card.title, u"ics"_s);
+    exportEvent(m_at.store, m_selected, path, this,
+        [this, path](const Result<QString>& saved) { told(saved ? savedTo(path) : saved.error().message); });
 }
 
 void CalendarView::told(const QString& words)

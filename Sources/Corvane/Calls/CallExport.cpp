@@ -2,44 +2,14 @@
 
 #include "Foundation/Literals.h"
 #include "Platform/AppPaths.h"
+#include "Presentation/Downloads.h"
 #include "Presentation/PlayTime.h"
 
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 namespace corvane {
-
-namespace {
-
-constexpr qsizetype longestName = 80;
-
-/// A path in the folder of downloads at which nothing stands.
-QString freePath(const QString& title, const QString& suffix)
-{
-    QString name = title.simplified().first(std::min(title.simplified().size(), longestName));
-    for (const QChar special : u"/\\:*?\"<>|"_s)
-        name.replace(special, u'-');
-    while (name.startsWith(u'.'))
-        name.remove(0, 1);
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-    folder.mkpath(u"."_s);
-    for (int i = 1;; ++i) {
-        const QString number = i == 1 ? QString() : u" (%1)"_s.arg(i);
-        const QString path = folder.filePath(name + number + u'.' + suffix);
-        if (!QFile::exists(path))
-            return path;
-    }
-}
-
-QString savedTo(const QString& path)
-{
-    return u"Saved to "_s + path;
-}
-
-}
 
 QString callAsText(const CallDetails& call, const QList<CallTurn>& turns, const CallNotes& notes)
 {
@@ -58,22 +28,13 @@ QString callAsText(const CallDetails& call, const QList<CallTurn>& turns, const 
     return parts.join(u'\n') + u'\n';
 }
 
-QString exportCall(const CallDetails& call, const QString& suffix, const QByteArray& content)
-{
-    const QString path = freePath(call.title, suffix);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(content) != content.size() || !file.flush())
-        return u"Couldn't save it: "_s + file.errorString();
-    return savedTo(path);
-}
-
 QString exportSoundOf(const CallDetails& call, const QStringList& paths)
 {
     QStringList saved;
     for (const QString& path : paths) {
         if (path.isEmpty())
             continue;
-        const QString to = freePath(call.title + u" - "_s + QFileInfo(path).baseName(), u"m4a"_s);
+        const QString to = freeDownload(call.title + u" - "_s + QFileInfo(path).baseName(), u"m4a"_s);
         if (!QFile::copy(path, to))
             return u"Couldn't save it to "_s + to;
         saved.append(to);

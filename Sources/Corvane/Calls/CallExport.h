@@ -11,9 +11,9 @@ struct AppPaths;
 /// The call as readable text: title, summary, notes and transcript.
 QString callAsText(const CallDetails& call, const QList<CallTurn>& turns, const CallNotes& notes);
 
-/// Into the user's downloads folder, named after the call, without overwriting. Returns where it went, or the error.
-QString exportCall(const CallDetails& call, const QString& suffix, const QByteArray& content);
-QString exportSoundOf(const CallDetails& call, const QStringList& paths); ///< empty paths are skipped
+/// Into the user's downloads folder, named after the call; empty paths are skipped. Returns where it went, or the
+/// error.
+QString exportSoundOf(const CallDetails& call, const QStringList& paths);
 
 /// Deletes the folder of a call's files, and nothing else.
 void removeCallFiles(const AppPaths& paths, const QString& folder);

@@ -6,6 +6,7 @@
 #include "Calls/RecordedCalls.h"
 #include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/Downloads.h"
 #include "Presentation/PlayTime.h"
 #include "Presentation/WAName.h"
 #include "Store/Approvals/CrmProposals.h"
@@ -242,7 +243,7 @@ QString CallPage::emptySummaryText() const
 {
     if (!m_call || !m_call->summary.isEmpty())
         return {};
-    return busy() ? u"The summary follows the transcript."_s : u"There is no summary."_s;
+    return busy() || isRecordedNow() ? u"The summary follows the transcript."_s : u"There is no summary."_s;
 }
 
 QString CallPage::deleteQuestion() const
@@ -383,13 +384,14 @@ void CallPage::tell(const QString& words)
 void CallPage::exportText()
 {
     if (m_call)
-        tell(exportCall(*m_call, u"txt"_s, callAsText(*m_call, m_turns, m_notes).toUtf8()));
+        tell(saveDownload(m_call->title, u"txt"_s, callAsText(*m_call, m_turns, m_notes).toUtf8()));
 }
 
 void CallPage::exportSubtitles()
 {
     if (m_call)
-        tell(exportCall(*m_call, u"vtt"_s, webVtt(m_turns).toUtf8()));
+        tell(m_turns.isEmpty() ? emptyTranscriptText()
+                               : saveDownload(m_call->title, u"vtt"_s, webVtt(m_turns).toUtf8()));
 }
 
 void CallPage::exportSound()

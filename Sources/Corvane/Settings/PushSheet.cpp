@@ -4,15 +4,13 @@
 #include "Foundation/Literals.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/Downloads.h"
 #include "Presentation/WAName.h"
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QMap>
 #include <QSet>
-#include <QStandardPaths>
 #include <algorithm>
 
 namespace corvane {
@@ -48,7 +46,7 @@ PushSheet::PushSheet(const Surroundings& surroundings, QObject* parent)
     });
     connect(&m_at.client, &SyncClient::dryRunWritten, this, [this](const QString& path, const QString& error) {
         m_dryRunFailed = !error.isEmpty();
-        m_dryRunText = m_dryRunFailed ? u"The file could not be written: "_s + error : u"Saved to "_s + path;
+        m_dryRunText = m_dryRunFailed ? u"The file could not be written: "_s + error : savedTo(path);
         Q_EMIT changed();
     });
 }
@@ -172,13 +170,8 @@ void PushSheet::keepAccount(const QString& slug, bool kept)
 
 void PushSheet::writeDryRun()
 {
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-    folder.mkpath(u"."_s);
-    QString path = folder.filePath(u"What a push would send.txt"_s);
-    for (int number = 2; QFileInfo::exists(path); ++number)
-        path = folder.filePath(u"What a push would send %1.txt"_s.arg(number));
     m_dryRunText.clear();
-    m_at.client.writeDryRun(path);
+    m_at.client.writeDryRun(freeDownload(u"What a push would send"_s, u"txt"_s));
 }
 
 /// What was kept in this sheet stays in its place, so that it can be taken back.

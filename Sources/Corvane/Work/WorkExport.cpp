@@ -4,36 +4,12 @@
 #include "Presentation/BodyText.h"
 #include "Work/WorkRows.h"
 
-#include <QDir>
-#include <QSaveFile>
-#include <QStandardPaths>
-
 namespace corvane {
 
 namespace {
 
-constexpr qsizetype longestName = 80;
 constexpr int allRows = 100'000;
 constexpr int rowsShown = 50;
-
-/// A path in the folder of downloads at which nothing stands.
-QString freePath(const QString& title)
-{
-    QString name = title.simplified().first(std::min(title.simplified().size(), longestName));
-    for (const QChar special : u"/\\:*?\"<>|"_s)
-        name.replace(special, u'-');
-    while (name.startsWith(u'.'))
-        name.remove(0, 1);
-    if (name.isEmpty())
-        name = u"Context"_s;
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-    folder.mkpath(u"."_s);
-    for (int i = 1;; ++i) {
-        const QString path = folder.filePath(name + (i == 1 ? QString() : u" (%1)"_s.arg(i)) + u".md"_s);
-        if (!QFile::exists(path))
-            return path;
-    }
-}
 
 /// A text of somebody else within a list: further lines stand below its first.
 QString indented(const QString& text)
@@ -86,15 +62,6 @@ QString contextAsMarkdown(LocalDB& db, const WorkContextRow& context)
         lines.append(line({ u"**%1**"_s.arg(shownLine(message.speaker)), shownLine(message.createdAt) }, message.body));
     section(u"Messages"_s, lines);
     return parts.join(u'\n');
-}
-
-QString saveMarkdown(const QString& title, const QString& text)
-{
-    const QString path = freePath(title);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())
-        return u"Not saved: "_s + file.errorString();
-    return u"Saved to "_s + path;
 }
 
 QStringList terminalLines(LocalDB& db, const QString& module, const WorkContext& context)

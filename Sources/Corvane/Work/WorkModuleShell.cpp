@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
+#include "Presentation/Downloads.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkExport.h"
 #include "Work/WorkWords.h"
@@ -379,7 +380,7 @@ void WorkModuleShell::exportContext()
 {
     if (!m_context)
         return;
-    m_notice = saveMarkdown(m_context->title, contextAsMarkdown(m_at.db, *m_context));
+    m_notice = saveDownload(m_context->title, u"md"_s, contextAsMarkdown(m_at.db, *m_context).toUtf8());
     Q_EMIT changed();
 }
 
