@@ -127,6 +127,7 @@ Bench& bench()
 void nextWeek(benchmark::State& state)
 {
     CalendarView& calendar = bench().calendar();
+    calendar.today();
     for (int step = 1; auto _ : state) {
         calendar.step(step);
         step = -step;
@@ -138,6 +139,7 @@ BENCHMARK(nextWeek)->Name("calendar week/corvane")->Unit(benchmark::kMillisecond
 /// The same until it is drawn, in memory.
 void nextWeekDrawn(benchmark::State& state)
 {
+    bench().calendar().today();
     for (int step = 1; auto _ : state) {
         bench().calendar().step(step);
         step = -step;
@@ -168,6 +170,21 @@ void firstReading(benchmark::State& state)
     }
 }
 BENCHMARK(firstReading)->Name("calendar first/corvane")->Unit(benchmark::kMillisecond);
+
+/// Weeks a year ahead, one after the other, as a person pages through them.
+void weekOutside(benchmark::State& state)
+{
+    constexpr qint64 weekMs = 7 * dayMs;
+    const auto source = makeCalendarSource(folder().paths());
+    folder().read(*source);
+    qint64 fromMs = QDateTime::currentMSecsSinceEpoch() + 52 * weekMs;
+    for (auto _ : state) {
+        const CalendarReading reading = source->readKnown({}, fromMs, fromMs + weekMs);
+        state.counters["events"] = double(reading.entries.size());
+        fromMs += weekMs;
+    }
+}
+BENCHMARK(weekOutside)->Name("calendar week outside the mirror/corvane")->Unit(benchmark::kMillisecond);
 
 void oneFileChanged(benchmark::State& state)
 {

@@ -3,6 +3,7 @@
 
 #include "Calendar/CalendarTest.h"
 #include "Calendar/MeetingRules.h"
+#include "Support/Environment.h"
 
 namespace corvane {
 
@@ -134,6 +135,25 @@ TEST_F(CalendarMirror, theMirrorFollowsFilesDaysAndTheWorkspace)
         return m_store->access() == CalendarStore::Access::Denied;
     }));
     EXPECT_EQ(m_store->events().size(), 2) << "a folder may be away for a moment";
+}
+
+TEST_F(CalendarMirror, wakingAndAnotherZoneAreNoticedWithinASecond)
+{
+    write(u"a.ics"_s, "DTSTART:20261008T120000\r\nSUMMARY:Floating\r\n");
+    write(u"b.ics"_s, "DTSTART:20261008T110000Z\r\nSUMMARY:Fixed\r\n");
+    write(u"c.ics"_s, "DTSTART:20261207T090000Z\r\nSUMMARY:Far\r\n");
+    m_defaults.setBoolean(u"nimb.calendarConnected"_s, true);
+    start(*m_source);
+    ASSERT_TRUE(awaitEvents({ u"Floating"_s, u"Fixed"_s }));
+    const auto noticed = [this](const QStringList& titles) {
+        m_clock.advance(seconds(1));
+        return await([&] { return table(u"SELECT title FROM calendar_event ORDER BY start_ms;"_s) == titles; });
+    };
+    const Environment elsewhere { { "TZ", "America/New_York" } };
+    EXPECT_TRUE(noticed({ u"Fixed"_s, u"Floating"_s }));
+    EXPECT_EQ(m_store->events().last().startMs, at("2026-10-08 12:00"));
+    m_clock.setNowMs(m_clock.nowMs() + 3 * 3'600'000);
+    EXPECT_TRUE(noticed({ u"Fixed"_s, u"Floating"_s, u"Far"_s })) << "later on the same day";
 }
 
 TEST_F(CalendarMirror, hiddenCalendarsAreMirroredAndOnlyNotShown)

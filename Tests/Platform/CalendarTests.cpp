@@ -194,6 +194,11 @@ TEST_F(CalendarFolders, aChangeIsSeenWhetherAFileIsReplacedWrittenInPlaceOrGone)
     EXPECT_EQ(titles(), QStringList { u"work/One"_s });
     EXPECT_EQ(read().troubles, QStringList { u"A file of the calendar “My work” could not be read."_s });
 
+    write(m_work + u"/a.ics"_s, titled("Changed"));
+    EXPECT_EQ(
+        m_source->readKnown(m_places, at("2026-10-01 00:00"), at("2026-11-01 00:00")).entries.value(0).title, u"One"_s)
+        << "without a look at the files";
+
     const auto afterChange = [&](const std::function<void()>& change) {
         m_source->watch(m_places);
         changes = 0;

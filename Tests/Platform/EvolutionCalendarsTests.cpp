@@ -131,6 +131,14 @@ TEST_F(EvolutionTest, aCalendarOfTheServiceIsReadWrittenAndFollowed)
     EXPECT_TRUE(calendars.remove(m_places, personal, u"l@x"_s));
     EXPECT_EQ(shown(), days);
 
+    EvolutionService tasks(other, 3000);
+    tasks.begin();
+    ASSERT_TRUE(tasks.taskLists());
+    for (const QString& task : { u"UID:t1\r\n"_s, u"UID:t2\r\nSTATUS:COMPLETED\r\n"_s })
+        EXPECT_TRUE(tasks.create(u"system-task-list"_s, u"BEGIN:VTODO\r\nSUMMARY:Call\r\n%1END:VTODO\r\n"_s.arg(task)));
+    EXPECT_EQ(calendars.openTasks(m_places), 1);
+    EXPECT_EQ(calendars.openTasks({}), 0) << "nobody chose it";
+
     const auto file = calendars.exported(m_places, personal, u"s@x"_s);
     ASSERT_TRUE(file);
     home.write(u"share/calendars/work/s.ics"_s, *file);

@@ -29,6 +29,11 @@ public:
         return reading;
     }
 
+    CalendarReading readKnown(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) override
+    {
+        return read(places, fromMs, toMs);
+    }
+
     Result<void> add(const CalendarPlaces&, const QString&, const NewCalendarEntry&) override
     {
         return failure(u"It takes none."_s);
@@ -42,7 +47,7 @@ public:
     {
         return failure(u"It holds none."_s);
     }
-    int openTasks(const CalendarPlaces&) const override { return 0; }
+    int openTasks(const CalendarPlaces&) override { return 0; }
     Result<void> makeCalendar(const QString&) override { return {}; }
     bool hasService() const override { return true; }
     void watch(const CalendarPlaces&) override { }

@@ -18,7 +18,8 @@ constexpr qint64 second = 1000;
 constexpr qint64 pastWindow = 86'400 * second;
 constexpr qint64 futureWindow = 5'184'000 * second;
 constexpr int storedAtStart = 5000;
-constexpr Milliseconds tickPeriod { 5000 };
+constexpr Milliseconds clockPeriod { 800 }; ///< a new day, zone or clock shows within a second
+constexpr Milliseconds retryPeriod { 5000 };
 constexpr Milliseconds pauseBetweenChanges { 200 };
 constexpr qint64 clockJump = 2 * second;
 
@@ -101,8 +102,17 @@ void CalendarStore::grant()
         m_lastError.reset();
         Q_EMIT changed();
     }
-    if (!m_ticks)
-        m_ticks = m_at.scheduler.every(tickPeriod, [this] { tick(); });
+    if (!m_clock) {
+        (void)clockMoved();
+        m_clock = m_at.scheduler.every(clockPeriod, [this] {
+            if (clockMoved())
+                refresh();
+        });
+        m_retries = m_at.scheduler.every(retryPeriod, [this] {
+            if (!m_mirrored)
+                refresh();
+        });
+    }
     refresh();
 }
 
@@ -133,8 +143,6 @@ void CalendarStore::read()
 {
     m_reading = true;
     const qint64 now = m_at.scheduler.nowMs();
-    m_day = dayAndZone(now);
-    m_asleepMs = now - m_at.scheduler.monotonicMs();
     m_at.source.watch(m_places);
     const auto work = [&source = m_at.source, places = m_places, own = ownAddresses(), before = m_events, now] {
         CalendarReading raw = source.read(places, now - pastWindow, now + futureWindow);
@@ -211,12 +219,13 @@ void CalendarStore::setExtraAddresses(const QString& addresses)
 }
 
 /// A day that begins, a machine that wakes, a clock or zone that is set: each moves what the mirror holds.
-void CalendarStore::tick()
+bool CalendarStore::clockMoved()
 {
     const qint64 now = m_at.scheduler.nowMs();
     const qint64 asleep = now - m_at.scheduler.monotonicMs();
-    if (dayAndZone(now) != m_day || qAbs(asleep - m_asleepMs) > clockJump || !m_mirrored)
-        refresh();
+    const bool jumped = qAbs(asleep - std::exchange(m_asleepMs, asleep)) > clockJump;
+    const QString day = dayAndZone(now);
+    return std::exchange(m_day, day) != day || jumped;
 }
 
 void CalendarStore::eventsBetween(
@@ -225,7 +234,7 @@ void CalendarStore::eventsBetween(
     if (m_access != Access::Granted)
         return;
     const auto work = [&source = m_at.source, places = m_places, own = ownAddresses(), fromMs, toMs] {
-        return mapped(source.read(places, fromMs, toMs), own);
+        return mapped(source.readKnown(places, fromMs, toMs), own);
     };
     m_at.background.run<QList<CalEvent>>(
         work, [self = QPointer(this), context = QPointer(context), done](const QList<CalEvent>& events) {

@@ -75,7 +75,7 @@ private:
     void deny(const QString& reason);
     void read();
     void finish(Reading reading);
-    void tick();
+    bool clockMoved(); ///< since it was asked last
     QStringList ownAddresses() const;
 
     const Surroundings m_at;
@@ -89,8 +89,9 @@ private:
     bool m_again = false; ///< requested during a reading
     bool m_mirrored = false; ///< the database holds `m_events` of the active workspace
     Coalescer m_changes;
-    std::unique_ptr<Timer> m_ticks;
-    QString m_day; ///< date and zone of the last reading
+    std::unique_ptr<Timer> m_clock;
+    std::unique_ptr<Timer> m_retries;
+    QString m_day; ///< date and zone
     qint64 m_asleepMs = 0; ///< the difference between the clock and the time awake
     NotificationCentre::Observation m_workspaceChanged;
 };

@@ -90,6 +90,9 @@ public:
     /// Events that overlap [fromMs, toMs), in the machine's current time zone.
     virtual CalendarReading read(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) = 0;
 
+    /// The same from the last reading, without checking for changes.
+    virtual CalendarReading readKnown(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) = 0;
+
     /// Returns once the entry would survive a power cut. The error is for the user.
     virtual Result<void> add(const CalendarPlaces& places, const QString& calendarId, const NewCalendarEntry& entry)
         = 0;
@@ -107,7 +110,7 @@ public:
         = 0;
 
     /// The number of open tasks beside the events.
-    virtual int openTasks(const CalendarPlaces& places) const = 0;
+    virtual int openTasks(const CalendarPlaces& places) = 0;
 
     /// Creates an empty calendar in the usual folder.
     virtual Result<void> makeCalendar(const QString& title) = 0;

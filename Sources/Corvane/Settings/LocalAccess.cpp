@@ -99,7 +99,9 @@ QString LocalAccess::notesFolder() const
 QList<LocalAccessRow> LocalAccess::rows() const
 {
     return { accountsRow(u"mail"_s, u"Mail"_s, true),
-        row(u"tasks"_s, u"Tasks"_s, u"the calendar folders"_s, u"there is no calendar folder"_s),
+        row(u"tasks"_s, u"Tasks"_s,
+            m_at.calendar.places().service ? u"the calendar folders and Evolution"_s : u"the calendar folders"_s,
+            u"there is no calendar folder"_s),
         row(u"contacts"_s, u"Contacts"_s, u"the address book folders"_s,
             u"there is no folder of contacts, such as ~/.local/share/contacts"_s),
         row(u"notes"_s, u"Notes"_s, QString(notesFolder()).replace(m_at.home, u"~"_s),

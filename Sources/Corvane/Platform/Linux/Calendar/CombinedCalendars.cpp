@@ -11,6 +11,30 @@
 
 namespace corvane {
 
+namespace {
+
+/// What a folder holds, too, shows once.
+CalendarReading joined(CalendarReading reading, CalendarReading further)
+{
+    QSet<QString> uids;
+    for (const CalendarEntry& entry : std::as_const(reading.entries))
+        uids.insert(entry.uid);
+    QSet<QString> titles;
+    for (const CalendarInfo& calendar : std::as_const(reading.calendars))
+        titles.insert(calendar.title);
+    for (CalendarInfo& calendar : further.calendars) {
+        if (titles.contains(calendar.title))
+            calendar.title += u" (%1)"_s.arg(calendar.origin);
+    }
+    further.entries.removeIf([&](const CalendarEntry& entry) { return uids.contains(entry.uid); });
+    reading.calendars += further.calendars;
+    reading.entries += further.entries;
+    reading.troubles += further.troubles;
+    return reading;
+}
+
+}
+
 CombinedCalendars::CombinedCalendars(std::unique_ptr<CalendarSource> folders, std::unique_ptr<CalendarSource> service)
     : m_folders(std::move(folders))
     , m_service(std::move(service))
@@ -28,24 +52,13 @@ CalendarAccess CombinedCalendars::access(const CalendarPlaces& places) const
 CalendarReading CombinedCalendars::read(const CalendarPlaces& places, qint64 fromMs, qint64 toMs)
 {
     CalendarReading reading = m_folders->read(places, fromMs, toMs);
-    if (!places.service)
-        return reading;
-    QSet<QString> uids;
-    for (const CalendarEntry& entry : std::as_const(reading.entries))
-        uids.insert(entry.uid);
-    QSet<QString> titles;
-    for (const CalendarInfo& calendar : std::as_const(reading.calendars))
-        titles.insert(calendar.title);
-    CalendarReading further = m_service->read(places, fromMs, toMs);
-    for (CalendarInfo& calendar : further.calendars) {
-        if (titles.contains(calendar.title))
-            calendar.title += u" (%1)"_s.arg(calendar.origin);
-    }
-    further.entries.removeIf([&](const CalendarEntry& entry) { return uids.contains(entry.uid); });
-    reading.calendars += further.calendars;
-    reading.entries += further.entries;
-    reading.troubles += further.troubles;
-    return reading;
+    return places.service ? joined(std::move(reading), m_service->read(places, fromMs, toMs)) : reading;
+}
+
+CalendarReading CombinedCalendars::readKnown(const CalendarPlaces& places, qint64 fromMs, qint64 toMs)
+{
+    CalendarReading reading = m_folders->readKnown(places, fromMs, toMs);
+    return places.service ? joined(std::move(reading), m_service->readKnown(places, fromMs, toMs)) : reading;
 }
 
 CalendarSource& CombinedCalendars::of(const CalendarPlaces& places, const QString& calendarId) const
@@ -76,7 +89,7 @@ Result<QByteArray> CombinedCalendars::exported(
     return of(places, calendarId).exported(places, calendarId, uid);
 }
 
-int CombinedCalendars::openTasks(const CalendarPlaces& places) const
+int CombinedCalendars::openTasks(const CalendarPlaces& places)
 {
     return m_folders->openTasks(places) + m_service->openTasks(places);
 }

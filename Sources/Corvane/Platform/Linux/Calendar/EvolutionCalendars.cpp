@@ -17,6 +17,7 @@ namespace {
 constexpr int pauseMs = 60'000;
 constexpr int lookUpMs = 500;
 const QString everything = u"#t"_s;
+const QString openTasksOnly = u"(not (is-completed?))"_s;
 
 const BusObject daemon { u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s };
 
@@ -146,6 +147,20 @@ CalendarReading EvolutionCalendars::read(const CalendarPlaces&, qint64 fromMs, q
     return reading;
 }
 
+CalendarReading EvolutionCalendars::readKnown(const CalendarPlaces&, qint64 fromMs, qint64 toMs)
+{
+    const std::lock_guard lock(m_mutex);
+    CalendarReading reading;
+    for (auto source = m_sources.cbegin(); source != m_sources.cend(); ++source) {
+        CalendarInfo info = *source;
+        info.id = idPrefix + source.key();
+        for (Event& event : m_calendars[source.key()].events)
+            event.calendar.addPageTo(reading.entries, info.id, fromMs, toMs);
+        reading.calendars.append(info);
+    }
+    return reading;
+}
+
 /// What did not change is not parsed again.
 Result<void> EvolutionCalendars::update(const QString& source)
 {
@@ -256,6 +271,20 @@ Result<QByteArray> EvolutionCalendars::exported(const CalendarPlaces&, const QSt
         return failure(u"The event is no longer there."_s);
     const QByteArray text = joined(*objects);
     return fileOf(zonesOf(sourceOf(calendarId), text).join() + text);
+}
+
+int EvolutionCalendars::openTasks(const CalendarPlaces& places)
+{
+    if (!places.service)
+        return 0;
+    const std::lock_guard lock(m_mutex);
+    begin();
+    int open = 0;
+    for (const QString& list : m_service.taskLists().value_or(QStringList())) {
+        if (const auto tasks = m_service.objects(list, openTasksOnly))
+            open += corvane::openTasks(joined(*tasks));
+    }
+    return open;
 }
 
 Result<void> EvolutionCalendars::makeCalendar(const QString&)

@@ -109,6 +109,20 @@ Result<QDBusMessage> EvolutionService::call(const QDBusMessage& message, bool* g
 
 Result<QHash<QString, CalendarInfo>> EvolutionService::calendars()
 {
+    return sourcesOf(u"Calendar"_s);
+}
+
+Result<QStringList> EvolutionService::taskLists()
+{
+    const auto lists = sourcesOf(u"Task List"_s);
+    if (!lists)
+        return std::unexpected(lists.error());
+    m_taskLists = lists->keys();
+    return m_taskLists;
+}
+
+Result<QHash<QString, CalendarInfo>> EvolutionService::sourcesOf(const QString& group)
+{
     const auto reply = call(sourceManager.method(u"GetManagedObjects"_s));
     if (!reply)
         return std::unexpected(reply.error());
@@ -116,27 +130,28 @@ Result<QHash<QString, CalendarInfo>> EvolutionService::calendars()
         return noAnswer();
     QMap<QDBusObjectPath, Interfaces> objects;
     reply->arguments().constFirst().value<QDBusArgument>() >> objects;
-    QHash<QString, CalendarInfo> calendars;
+    QHash<QString, CalendarInfo> found;
     for (const Interfaces& interfaces : std::as_const(objects)) {
         const QVariantMap source = interfaces.value(u"org.gnome.evolution.dataserver.Source"_s);
         const EvolutionKeys keys = evolutionKeys(source.value(u"Data"_s).toString());
         const auto about = keys.value(u"Data Source"_s);
-        const auto calendar = keys.constFind(u"Calendar"_s);
-        if (calendar == keys.cend() || calendar->value(u"BackendName"_s).isEmpty()
-            || about.value(u"Enabled"_s) == u"false" || calendar->value(u"Enabled"_s) == u"false")
+        const auto kind = keys.constFind(group);
+        if (kind == keys.cend() || kind->value(u"BackendName"_s).isEmpty() || about.value(u"Enabled"_s) == u"false"
+            || kind->value(u"Enabled"_s) == u"false")
             continue;
         const QString uid = source.value(u"UID"_s).toString();
-        calendars.insert(
-            uid, { uid, about.value(u"DisplayName"_s), calendar->value(u"Color"_s).left(7), u"Evolution"_s, false });
+        found.insert(
+            uid, { uid, about.value(u"DisplayName"_s), kind->value(u"Color"_s).left(7), u"Evolution"_s, false });
     }
-    return calendars;
+    return found;
 }
 
 Result<EvolutionCalendar> EvolutionService::open(const QString& source)
 {
     if (const auto known = m_open.constFind(source); known != m_open.cend())
         return *known;
-    const auto opened = call(factory.method(u"OpenCalendar"_s, { source }));
+    const QString method = m_taskLists.contains(source) ? u"OpenTaskList"_s : u"OpenCalendar"_s;
+    const auto opened = call(factory.method(method, { source }));
     if (!opened)
         return std::unexpected(opened.error());
     if (opened->signature() != u"ss")

@@ -35,8 +35,9 @@ public:
 
     /// The enabled calendar sources, by id.
     Result<QHash<QString, CalendarInfo>> calendars();
+    Result<QStringList> taskLists(); ///< ids of the enabled task lists; `objects` takes them, too
     Result<QString> revision(const QString& source); ///< changes whenever the calendar changes
-    Result<QStringList> objects(const QString& source, const QString& query); ///< VEVENT components
+    Result<QStringList> objects(const QString& source, const QString& query); ///< VEVENT or VTODO components
     Result<QString> object(const QString& source, const QString& uid);
     Result<QString> zone(const QString& source, const QString& name); ///< a VTIMEZONE component
     Result<void> create(const QString& source, const QString& component);
@@ -49,6 +50,7 @@ public:
 
 private:
     Result<QDBusMessage> call(const QDBusMessage& message, bool* gone = nullptr);
+    Result<QHash<QString, CalendarInfo>> sourcesOf(const QString& group); ///< of their description
     Result<EvolutionCalendar> open(const QString& source);
     Result<QDBusMessage> ask(
         const QString& source, const QString& interface, const QString& method, const QVariantList& arguments);
@@ -60,6 +62,7 @@ private:
     const int m_answerMs;
     QDeadlineTimer m_deadline;
     bool m_silent = false;
+    QStringList m_taskLists; ///< as they were told last
     QHash<QString, EvolutionCalendar> m_open; ///< by source
 };
 

@@ -8,6 +8,7 @@ namespace {
 
 constexpr qint64 dayMs = 86'400'000;
 constexpr qint64 aheadMs = 2 * dayMs; ///< what is followed beyond the question, so that the next one moves within it
+constexpr qint64 aroundMs = 28 * dayMs; ///< of a page: the next ones are there, too
 
 }
 
@@ -15,15 +16,32 @@ void ExpandedIcs::addTo(QList<CalendarEntry>& entries, const QString& calendarId
 {
     if (!m_file)
         return;
-    if (fromMs < m_fromMs || toMs > m_toMs) {
-        m_fromMs = fromMs;
-        m_toMs = toMs + aheadMs;
-        m_entries = m_file->entries(m_fromMs, m_toMs);
-        for (CalendarEntry& entry : m_entries)
-            entry.calendarId = calendarId;
-    }
-    std::ranges::copy_if(m_entries, std::back_inserter(entries), [&](const CalendarEntry& entry) {
-        return entry.startMs < toMs && std::max(entry.endMs, entry.startMs + 1) > fromMs;
+    if (!m_ahead.holds(fromMs, toMs))
+        m_ahead = follow(calendarId, fromMs, toMs + aheadMs);
+    m_ahead.addTo(entries, fromMs, toMs);
+}
+
+void ExpandedIcs::addPageTo(QList<CalendarEntry>& entries, const QString& calendarId, qint64 fromMs, qint64 toMs)
+{
+    if (!m_file)
+        return;
+    if (!m_around.holds(fromMs, toMs))
+        m_around = follow(calendarId, fromMs - aroundMs, toMs + aroundMs);
+    m_around.addTo(entries, fromMs, toMs);
+}
+
+ExpandedIcs::Stretch ExpandedIcs::follow(const QString& calendarId, qint64 fromMs, qint64 toMs) const
+{
+    Stretch stretch { fromMs, toMs, m_file->entries(fromMs, toMs) };
+    for (CalendarEntry& entry : stretch.entries)
+        entry.calendarId = calendarId;
+    return stretch;
+}
+
+void ExpandedIcs::Stretch::addTo(QList<CalendarEntry>& found, qint64 from, qint64 to) const
+{
+    std::ranges::copy_if(entries, std::back_inserter(found), [&](const CalendarEntry& entry) {
+        return entry.startMs < to && std::max(entry.endMs, entry.startMs + 1) > from;
     });
 }
 

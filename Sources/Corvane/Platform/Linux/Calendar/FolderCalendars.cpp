@@ -71,7 +71,7 @@ std::optional<QByteArray> contentOf(const QString& path)
     QFile file;
     if (!file.open(descriptor.number(), QIODevice::ReadOnly))
         return std::nullopt;
-    return file.read(mostOfCalendarFile);
+    return file.read(status.st_size); // a buffer of the largest size for each of thousands would cost more than they
 }
 
 Result<void> write(const QString& path, const QByteArray& content, const QString& title)
@@ -186,6 +186,21 @@ CalendarReading FolderCalendars::read(const CalendarPlaces& places, qint64 fromM
         read.insert(folder.path, std::move(files));
     }
     m_read = std::move(read);
+    return reading;
+}
+
+CalendarReading FolderCalendars::readKnown(const CalendarPlaces& places, qint64 fromMs, qint64 toMs)
+{
+    const std::lock_guard lock(m_mutex);
+    useZone();
+    CalendarReading reading;
+    for (const Folder& folder : folders(places)) {
+        reading.calendars.append(folder.info);
+        if (!m_read.contains(folder.path))
+            m_read.insert(folder.path, update(folder, reading.troubles));
+        for (File& file : m_read[folder.path])
+            file.calendar.addPageTo(reading.entries, folder.info.id, fromMs, toMs);
+    }
     return reading;
 }
 
@@ -317,7 +332,7 @@ Result<QByteArray> FolderCalendars::exported(
     return icsParts(*content).file(uid.toUtf8());
 }
 
-int FolderCalendars::openTasks(const CalendarPlaces& places) const
+int FolderCalendars::openTasks(const CalendarPlaces& places)
 {
     int open = 0;
     for (const Folder& folder : folders(places)) {

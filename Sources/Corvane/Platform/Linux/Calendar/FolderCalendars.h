@@ -19,12 +19,13 @@ public:
 
     CalendarAccess access(const CalendarPlaces& places) const override;
     CalendarReading read(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) override;
+    CalendarReading readKnown(const CalendarPlaces& places, qint64 fromMs, qint64 toMs) override;
     Result<void> add(const CalendarPlaces& places, const QString& calendarId, const NewCalendarEntry& entry) override;
     Result<void> remove(const CalendarPlaces& places, const QString& calendarId, const QString& uid) override;
     Result<CalendarImport> import(
         const CalendarPlaces& places, const QString& calendarId, const QByteArray& ics) override;
     Result<QByteArray> exported(const CalendarPlaces& places, const QString& calendarId, const QString& uid) override;
-    int openTasks(const CalendarPlaces& places) const override;
+    int openTasks(const CalendarPlaces& places) override;
     Result<void> makeCalendar(const QString& title) override;
     bool hasService() const override { return false; }
     void watch(const CalendarPlaces& places) override;

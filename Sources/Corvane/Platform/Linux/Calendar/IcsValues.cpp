@@ -11,6 +11,8 @@ namespace corvane::ics {
 namespace {
 
 constexpr int mostPeople = 500;
+constexpr qsizetype longestZone = 256;
+constexpr qsizetype mostRemembered = 500; ///< zones
 constexpr qint64 second = 1000;
 constexpr qsizetype longestNotes = 20'000;
 constexpr int firstYear = 1900;
@@ -72,9 +74,10 @@ QString textOf(const char* value, qsizetype limit)
     return QString::fromUtf8(value).left(limit);
 }
 
-icaltimezone* knownZone(const char* name)
+namespace {
+
+icaltimezone* findZone(QByteArray zone)
 {
-    QByteArray zone(name);
     if (const auto windows = QTimeZone::windowsIdToDefaultIanaId(zone); !windows.isEmpty())
         zone = windows;
     // Some programs put their own address before the zone's name: "/example.org/2023_1/Europe/Berlin".
@@ -84,6 +87,23 @@ icaltimezone* knownZone(const char* name)
             return found;
     }
     return nullptr;
+}
+
+}
+
+icaltimezone* knownZone(const char* name)
+{
+    // Thousands of files name the same few, and finding out that there is none takes as long as finding one.
+    static QHash<QByteArray, icaltimezone*> remembered;
+    const QByteArray zone(name);
+    if (zone.size() > longestZone)
+        return nullptr;
+    const auto known = remembered.constFind(zone);
+    if (known != remembered.cend())
+        return *known;
+    if (remembered.size() >= mostRemembered)
+        remembered.clear();
+    return *remembered.insert(zone, findZone(zone));
 }
 
 void settleZones(icalcomponent* calendar)

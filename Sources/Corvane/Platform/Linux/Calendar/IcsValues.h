@@ -33,7 +33,8 @@ template <typename Visit> void forEachComponent(icalcomponent* parent, icalcompo
         visit(component);
 }
 
-icaltimezone* knownZone(const char* name); ///< by any of its common names
+/// A built-in zone, by any of the names that programs use for it. `library()` must be locked.
+icaltimezone* knownZone(const char* name);
 
 /// Removes time zones that the machine knows from the calendar, and makes the rules of the others safe to expand.
 void settleZones(icalcomponent* calendar);
