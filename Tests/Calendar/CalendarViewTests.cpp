@@ -42,7 +42,7 @@ TEST(CalendarLayout, eventsAtTheSameTimeShareTheColumnAndTheHoursHoldThemAll)
     const CalendarLayout layout = calendarLayout(
         { event("A", "2026-10-08 07:30", "2026-10-08 09:00"), event("B", "2026-10-08 08:00", "2026-10-08 08:30"),
             event("C", "2026-10-08 08:30", "2026-10-08 10:00"), event("D", "2026-10-08 11:30", "2026-10-08 11:30"),
-            event("Night", "2026-10-09 23:00", "2026-10-10 01:00"),
+            event("E", "2026-10-08 12:15", "2026-10-08 13:00"), event("Night", "2026-10-09 23:00", "2026-10-10 01:00"),
             event("Fair", "2026-10-08 00:00", "2026-10-10 00:00", true),
             event("Trip", "2026-10-09 00:00", "2026-10-12 00:00", true) },
         QDate(2026, 10, 8), 2, at("2026-10-08 09:00"), {});
@@ -50,12 +50,13 @@ TEST(CalendarLayout, eventsAtTheSameTimeShareTheColumnAndTheHoursHoldThemAll)
     EXPECT_EQ(layout.lastHour, 24);
     EXPECT_EQ(placed(layout.blocks),
         QStringList({ u"A 0 0.5 1.5 0/2"_s, u"B 0 1 0.5 1/2"_s, u"C 0 1.5 1.5 1/2"_s, u"D 0 4.5 0.4 0/1"_s,
-            u"Night 1 16 1 0/1"_s }));
+            u"E 0 5.25 0.75 0/1"_s, u"Night 1 16 1 0/1"_s }));
     EXPECT_EQ(placed(layout.allDay), QStringList({ u"Fair 0 0 0 0/1"_s, u"Trip 1 0 0 1/1"_s }));
     EXPECT_EQ(layout.allDay.first().days, 2);
     EXPECT_EQ(layout.allDayRows, 2);
-    ASSERT_EQ(layout.gaps.size(), 1);
+    ASSERT_EQ(layout.gaps.size(), 2);
     EXPECT_EQ(layout.gaps.first().text, u"1 h 30 min free"_s);
+    EXPECT_EQ(layout.gaps.last().text, u"45 min free"_s) << "a tile is longer than a short event";
     EXPECT_TRUE(layout.days.first().today);
 }
 

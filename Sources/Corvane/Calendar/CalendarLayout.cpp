@@ -21,9 +21,9 @@ qint64 startOf(const QDate& day)
 }
 
 /// By the clock on the wall: a day of 23 or 25 hours has the same grid.
-double hoursInto(const QDate& day, qint64 ms)
+double hoursInto(const QDate& day, qint64 ms, const DateWords& dates)
 {
-    const QDateTime time = QDateTime::fromMSecsSinceEpoch(ms);
+    const QDateTime time = dates.localTime(ms);
     return time.date() > day ? 24.0 : time.date() < day ? 0.0 : double(time.time().msecsSinceStartOfDay()) / 3'600'000;
 }
 
@@ -71,7 +71,11 @@ bool isJoinable(const CalEvent& event, qint64 nowMs)
 
 QString whenText(const CalEvent& event, qint64 nowMs)
 {
-    const DateWords dates(nowMs);
+    return whenText(event, DateWords(nowMs));
+}
+
+QString whenText(const CalEvent& event, const DateWords& dates)
+{
     const QLocale locale;
     const auto dayText = [&](qint64 ms) {
         return locale.toString(dates.dayOf(ms), u"ddd d MMM"_s);
@@ -109,7 +113,7 @@ CalendarLayout calendarLayout(
             EventBlock block { .id = event.id,
                 .title = event.title,
                 .timeText = event.allDay ? QString() : timeText(event, dates),
-                .spoken = event.title + u", "_s + whenText(event, nowMs) + u", "_s + event.calendar,
+                .spoken = event.title + u", "_s + whenText(event, dates) + u", "_s + event.calendar,
                 .colour = colours.value(event.calendar),
                 .day = index,
                 .past = event.endMs < nowMs,
@@ -130,8 +134,9 @@ CalendarLayout calendarLayout(
                 layout.allDay.append(block);
                 continue;
             }
-            block.top = hoursInto(day, event.startMs);
-            block.height = std::max(shortest, hoursInto(day, event.endMs) - block.top);
+            block.top = hoursInto(day, event.startMs, dates);
+            block.end = hoursInto(day, event.endMs, dates);
+            block.height = std::max(shortest, block.end - block.top);
             block.top = std::min(block.top, 24 - block.height);
             blocks.append(block);
         }
@@ -145,7 +150,7 @@ CalendarLayout calendarLayout(
             const auto minutes = qint64((block.top - busyUntil) * 60 + 0.5);
             if (busyUntil >= 0 && minutes >= shortestGapMinutes && day >= dates.today())
                 layout.gaps.append({ freeText(minutes), index, busyUntil, block.top - busyUntil });
-            busyUntil = std::max(busyUntil, block.top + block.height);
+            busyUntil = std::max(busyUntil, block.end);
         }
         layout.blocks += blocks;
     }

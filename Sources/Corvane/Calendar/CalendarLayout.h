@@ -7,6 +7,8 @@
 
 namespace corvane {
 
+class DateWords;
+
 /// A day's column.
 class DayHead {
     Q_GADGET
@@ -53,6 +55,7 @@ public:
     bool past = false;
     bool declined = false;
     bool joinable = false; ///< starts within ten minutes or is running, and has a link
+    double end = 0; ///< hours; a short event ends before its tile does
     QString place {}; ///< its index: the next page's tiles move from this page's tiles
 
     static constexpr const char* role = "event";
@@ -97,5 +100,6 @@ bool isJoinable(const CalEvent& event, qint64 nowMs);
 
 /// The time of an event: "Mon 23 Nov, 10:00–11:00", "all day".
 QString whenText(const CalEvent& event, qint64 nowMs);
+QString whenText(const CalEvent& event, const DateWords& dates); ///< for many events
 
 }

@@ -16,6 +16,7 @@ public:
     QString listTime(qint64 ms) const;
 
     QDate today() const { return m_today; }
+    QDateTime localTime(qint64 ms) const;
     QDate dayOf(qint64 ms) const;
     QString clockTime(qint64 ms) const; ///< "14:20"
     QString mediumDate(const QDate& day) const; ///< such as "8 Oct 2025", in the locale's order
@@ -23,8 +24,6 @@ public:
     QString ago(qint64 ms) const; ///< such as "3 hours ago"
 
 private:
-    QDateTime localTime(qint64 ms) const;
-
     qint64 m_nowMs;
     QTimeZone m_zone;
     QDate m_today;

@@ -12,6 +12,7 @@ T.AbstractButton {
 
     // The title comes first: in a narrow tile the button stands under it, and in one that is short, too, nowhere.
     readonly property bool wide: width >= 170
+    readonly property bool legible: width >= 36 // a text that cannot be read is not laid out
     readonly property bool joins: event.joinable && (wide || height >= 44)
 
     signal joined
@@ -46,7 +47,7 @@ T.AbstractButton {
             x: Theme.medium
             y: tile.height < 30 ? Math.round((tile.height - height) / 2) : Theme.tight
             width: parent.width - x - Theme.tight - (tile.joins && tile.wide ? join.width : 0)
-            text: tile.event.title
+            text: tile.legible ? tile.event.title : ""
             font.pixelSize: Theme.meta + 1
             font.weight: Theme.strong
             font.strikeout: tile.event.declined
@@ -56,21 +57,23 @@ T.AbstractButton {
             x: Theme.medium
             width: parent.width - x - Theme.tight - (tile.joins && !tile.wide ? join.width : 0)
             visible: tile.height >= 40
-            text: tile.event.timeText
+            text: visible && tile.legible ? tile.event.timeText : ""
             font.pixelSize: Theme.meta
             color: Theme.soft
         }
-        Button {
+        Loader {
             id: join
-            objectName: "calendar.tileJoin"
             x: parent.width - width - 2
             y: tile.wide ? 2 : title.y + title.height
-            visible: tile.joins
-            implicitHeight: Math.min(24, tile.height - 4 - (tile.wide ? 0 : title.y + title.height))
-            kind: "primary"
-            focusPolicy: Qt.NoFocus
-            text: qsTr("Join")
-            onClicked: tile.joined()
+            active: tile.joins
+            sourceComponent: Button {
+                objectName: "calendar.tileJoin"
+                implicitHeight: Math.min(24, tile.height - 4 - (tile.wide ? 0 : join.y))
+                kind: "primary"
+                focusPolicy: Qt.NoFocus
+                text: qsTr("Join")
+                onClicked: tile.joined()
+            }
         }
     }
 }
