@@ -110,6 +110,9 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
     recorder->setSystemAudioEnabled(true);
     start("Weekly");
     const QString id = recorder->activeCallId();
+    audio.microphone->loudness = 0.5;
+    m_clock.advance(seconds(1));
+    EXPECT_FALSE(readWaveform(folder()).isEmpty()) << "it is kept while the call runs";
     recorder->stopForQuit();
     m_db->run("UPDATE call_recording SET processing_status='recording', ended_at=NULL, duration_ms=NULL;", {});
     calls.select(id);

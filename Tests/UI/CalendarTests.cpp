@@ -69,6 +69,12 @@ TEST_F(CalendarWindow, theDayStandsInTheWindowTooWithItsTabsUnderKeysAndInThePal
     press(Qt::Key_4);
     EXPECT_EQ(screens.today.tab(), u"calendar"_s);
     EXPECT_EQ(screens.panel.tab(), u"now"_s) << "the panel at the tray keeps its own";
+    press(Qt::Key_5);
+    click(u"panel.autoRecord"_s);
+    rest();
+    click(u"panel.requireApp"_s);
+    click(u"panel.systemAudio"_s);
+    EXPECT_TRUE(calls.settings.requireMeetingApp() && calls.settings.systemAudio());
     press(Qt::Key_5, Qt::ControlModifier);
     EXPECT_FALSE(screens.today.isVisible()) << "nothing is read for it any more";
     screens.commands.run(u"today.ram"_s);

@@ -21,7 +21,7 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds tickPeriod { 300 };
-constexpr qint64 diskPeriodMs = 5000;
+constexpr qint64 keepPeriodMs = 5000;
 constexpr qint64 lowDiskBytes = 500'000'000;
 constexpr qint64 fullDiskBytes = 100'000'000;
 const QString systemAudioKey = u"nimb.calls.systemAudioEnabled"_s;
@@ -184,7 +184,7 @@ void CallRecorder::begun(const Shown& given, const Result<void>& system)
     m_shown = call;
     m_phase = { CallPhase::Kind::Recording };
     m_elapsed = 0;
-    m_diskCheckedMs = 0;
+    m_keptMs = 0;
     m_diskIsLow = false;
     m_marksMs.clear();
     m_waveform = {};
@@ -209,15 +209,16 @@ void CallRecorder::tick()
     TrackRecording* const system = m_active->system ? m_active->system->track() : nullptr;
     m_waveform.append(m_active->microphone->level(), system ? system->level() : 0);
     Q_EMIT ticked();
+    const qint64 now = m_at.scheduler.monotonicMs();
+    if (m_keptMs != 0 && now - m_keptMs < keepPeriodMs)
+        return;
+    m_keptMs = now;
+    writeWaveform(folder(), m_waveform); // a crash leaves it with the sound
     checkDisk();
 }
 
 void CallRecorder::checkDisk()
 {
-    const qint64 now = m_at.scheduler.monotonicMs();
-    if (m_diskCheckedMs != 0 && now - m_diskCheckedMs < diskPeriodMs)
-        return;
-    m_diskCheckedMs = now;
     const qint64 free = m_at.machine.state().freeDiskBytes;
     if (free >= 0 && free < fullDiskBytes)
         return stopBecause(u"The disk is full. The recording was stopped and saved."_s);
@@ -337,6 +338,7 @@ void CallRecorder::cancelActiveRecording()
 {
     if (!m_active)
         return;
+    removeWaveform(folder());
     const std::unique_ptr<Active> active = std::move(m_active);
     m_timer.reset();
     m_phase = {};

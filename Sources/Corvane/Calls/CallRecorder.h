@@ -132,7 +132,7 @@ private:
     QStringList m_saving; ///< calls that were stopped
     std::unique_ptr<Timer> m_timer;
     double m_elapsed = 0;
-    qint64 m_diskCheckedMs = 0;
+    qint64 m_keptMs = 0; ///< when the waveform was written and the disk looked at
     bool m_diskIsLow = false;
     QList<qint64> m_marksMs;
     CallWaveform m_waveform;

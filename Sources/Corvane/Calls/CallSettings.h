@@ -65,7 +65,7 @@ public:
     QString graceLabel() const { return u"Stop"_s; }
     bool systemAudio() const;
     void setSystemAudio(bool on);
-    QString systemAudioLabel() const { return u"Record the other side, too"_s; }
+    QString systemAudioLabel() const { return u"Capture system audio"_s; }
     QString systemAudioStatus() const;
     QList<Choice> keeping() const;
     QString kept() const; ///< in days; "0" for ever

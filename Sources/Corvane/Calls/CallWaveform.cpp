@@ -66,4 +66,9 @@ CallWaveform readWaveform(const QString& callFolder)
     return waveform;
 }
 
+void removeWaveform(const QString& callFolder)
+{
+    QFile::remove(waveformPath(callFolder));
+}
+
 }

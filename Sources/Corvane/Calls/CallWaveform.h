@@ -31,5 +31,6 @@ private:
 /// In "waveform" beside the sound of the call.
 bool writeWaveform(const QString& callFolder, const CallWaveform& waveform);
 CallWaveform readWaveform(const QString& callFolder); ///< empty if there is none
+void removeWaveform(const QString& callFolder);
 
 }

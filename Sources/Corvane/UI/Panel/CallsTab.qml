@@ -10,11 +10,19 @@ FocusScope {
 
     required property CorvaneMenuBarView panel
     readonly property CallsView calls: panel.calls
+    readonly property CallSettings settings: panel.callSettings
 
+    SectionHeader {
+        id: head
+        x: Theme.medium + Theme.small
+        y: Theme.medium
+        text: qsTr("Call Intelligence")
+    }
     RecordingCard {
         id: card
+        anchors.top: head.bottom
+        anchors.topMargin: Theme.small
         x: Theme.medium
-        y: Theme.medium
         width: parent.width - Theme.medium * 2
         recording: tab.calls.recording
     }
@@ -26,13 +34,32 @@ FocusScope {
         width: parent.width - Theme.medium * 2
         padding: Theme.medium
         SettingRow {
-            label: tab.panel.callSettings.autoRecordLabel
-            hint: tab.panel.callSettings.autoRecordText
+            label: tab.settings.autoRecordLabel
+            hint: tab.settings.autoRecordText
             Toggle {
                 objectName: "panel.autoRecord"
-                checked: tab.panel.callSettings.autoRecord
-                Accessible.name: tab.panel.callSettings.autoRecordLabel
-                onToggled: tab.panel.callSettings.autoRecord = checked
+                checked: tab.settings.autoRecord
+                Accessible.name: tab.settings.autoRecordLabel
+                onToggled: tab.settings.autoRecord = checked
+            }
+        }
+        SettingRow {
+            visible: tab.settings.autoRecord
+            label: tab.settings.requireMeetingAppLabel
+            Toggle {
+                objectName: "panel.requireApp"
+                checked: tab.settings.requireMeetingApp
+                Accessible.name: tab.settings.requireMeetingAppLabel
+                onToggled: tab.settings.requireMeetingApp = checked
+            }
+        }
+        SettingRow {
+            label: tab.settings.systemAudioLabel
+            Toggle {
+                objectName: "panel.systemAudio"
+                checked: tab.settings.systemAudio
+                Accessible.name: tab.settings.systemAudioLabel
+                onToggled: tab.settings.systemAudio = checked
             }
         }
     }
