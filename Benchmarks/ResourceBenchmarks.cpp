@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <csignal>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace corvane::bench {
@@ -30,8 +31,8 @@ public:
     ~Crowd()
     {
         for (const pid_t pid : m_pids) {
-            if (pid > 0)
-                ::kill(pid, SIGKILL);
+            if (pid > 0 && ::kill(pid, SIGKILL) == 0)
+                ::waitpid(pid, nullptr, 0);
         }
     }
     Crowd(const Crowd&) = delete;

@@ -28,25 +28,28 @@ constexpr size_t longestCommandLine = 4096; // what a row can show, and where th
 
 constexpr quint64 kernelThread = 0x00200000; // PF_KTHREAD
 
-/// The start of a file below the folder, in one read, and whose file it is.
-template <size_t size>
-QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer, uid_t* owner = nullptr)
+/// The start of a file below the folder, in one read.
+template <size_t size> QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer)
 {
     const Descriptor file(::openat(folder, path.constData(), O_RDONLY | O_CLOEXEC));
     const ssize_t count = file.isOpen() ? ::read(file.number(), buffer.data(), size) : -1;
-    struct stat status {};
-    if (owner && count > 0 && ::fstat(file.number(), &status) == 0)
-        *owner = status.st_uid;
     return { buffer.data(), std::max<ssize_t>(count, 0) };
 }
 
-/// "17 (a name (with) brackets) S 4 ...": the name, and the fields behind it, of which the first is the third.
+bool belongsTo(uid_t user, int folder, const QByteArray& path)
+{
+    struct stat status {};
+    return ::fstatat(folder, path.constData(), &status, 0) == 0 && status.st_uid == user;
+}
+
+/// "17 (a name (with) brackets) S 4 ...": the name, and the fields behind it, of which the first is the third. What
+/// stands behind the resident pages is of no use here.
 struct Stat {
     QByteArrayView name;
-    QList<QByteArrayView> fields;
+    std::array<QByteArrayView, 22> fields;
 
-    qint64 number(int field) const { return fields.value(field - 3).toLongLong(); }
-    quint64 startTime() const { return fields.value(19).toULongLong(); }
+    qint64 number(int field) const { return fields[size_t(field) - 3].toLongLong(); }
+    quint64 startTime() const { return fields[19].toULongLong(); }
 };
 
 std::optional<Stat> statIn(QByteArrayView text)
@@ -56,13 +59,15 @@ std::optional<Stat> statIn(QByteArrayView text)
     if (open < 0 || close < open)
         return std::nullopt;
     Stat stat { text.sliced(open + 1, close - open - 1), {} };
-    for (qsizetype from = close + 2; from < text.size();) {
+    qsizetype from = close + 2;
+    for (QByteArrayView& field : stat.fields) {
         const qsizetype space = text.indexOf(' ', from);
-        const qsizetype to = space < 0 ? text.size() : space;
-        stat.fields.append(text.sliced(from, to - from));
-        from = to + 1;
+        if (space < 0)
+            return std::nullopt;
+        field = text.sliced(from, space - from);
+        from = space + 1;
     }
-    return stat.fields.size() >= 22 ? std::optional(stat) : std::nullopt;
+    return stat;
 }
 
 /// The whole name where the kernel cut it at 15 bytes.
@@ -112,9 +117,8 @@ std::optional<RunningProcess> processIn(
     std::array<char, longestStat> statText;
     std::array<char, longestCommandLine> commandLine;
     const QByteArray place(name);
-    uid_t owner = 0;
-    const auto stat = statIn(startOf(folder, place + "/stat", statText, &owner));
-    if (!stat || (stat->fields.value(6).toULongLong() & kernelThread) != 0)
+    const auto stat = statIn(startOf(folder, place + "/stat", statText));
+    if (!stat || (quint64(stat->number(9)) & kernelThread) != 0)
         return std::nullopt; // or it has ended meanwhile
     const RunningProcess* const known = before.value(place.toLongLong());
     const bool same = known && known->startTime == stat->startTime() && known->kernelName == stat->name
@@ -131,7 +135,7 @@ std::optional<RunningProcess> processIn(
     process.command = same ? known->command : programName(stat->name, arguments);
     process.kernelName = same ? known->kernelName : stat->name.toByteArray();
     process.arguments = arguments;
-    process.isOfThisUser = owner == own.user;
+    process.isOfThisUser = same ? known->isOfThisUser : belongsTo(own.user, folder, place);
     process.hasOwnTerminal = stat->number(7) != 0 && stat->number(7) != own.terminal;
     process.leadsSession = own.leaders.contains(process.pid);
     return process;
