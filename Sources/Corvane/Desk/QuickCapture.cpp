@@ -44,7 +44,7 @@ void QuickCapture::registerHotKey()
     if (std::exchange(m_isRegistered, true))
         return;
     m_hotKey.bind();
-    log(u"[QuickCapture] register=%1 (%2)"_s.arg(int(m_hotKey.isBound())).arg(m_hotKey.keys()));
+    log(u"[QuickCapture] "_s + m_hotKey.bindingText());
 }
 
 void QuickCapture::toggle()

@@ -101,6 +101,11 @@ bool HotKey::isBound() const
     return m_shortcuts && m_shortcuts->state(m_definition.id).kind == Kind::Bound;
 }
 
+QString HotKey::bindingText() const
+{
+    return u"install=%1 register=%2 (%3)"_s.arg(int(m_shortcuts != nullptr)).arg(int(isBound())).arg(keys());
+}
+
 bool HotKey::choose(int key, int modifiers)
 {
     const Qt::KeyboardModifiers held = Qt::KeyboardModifiers(modifiers)

@@ -37,6 +37,7 @@ public:
     void bind(); ///< again: nothing
     void unbind();
     bool isBound() const;
+    QString bindingText() const; ///< for the log: "install=1 register=0 (Ctrl+Alt+N)"
 
     /// What the user pressed, as a Qt::Key and Qt::KeyboardModifiers. A key that would be missed when typing needs
     /// another one held with it; it and a modifier alone change nothing. False for those.

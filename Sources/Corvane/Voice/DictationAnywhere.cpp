@@ -131,8 +131,10 @@ void DictationAnywhere::setPushToTalk(bool on)
 void DictationAnywhere::start()
 {
     removeStaleFiles(m_at.scheduler.nowMs());
-    if (isEnabled())
-        registerHotKey();
+    if (!isEnabled())
+        return;
+    registerHotKey();
+    prewarmSpeechAssets();
 }
 
 void DictationAnywhere::registerHotKey()
@@ -140,9 +142,7 @@ void DictationAnywhere::registerHotKey()
     if (m_hotKey.isBound())
         return;
     m_hotKey.bind();
-    log(u"[DictationAnywhere] install=%1 register=%2 (%3)"_s.arg(int(m_at.shortcuts != nullptr))
-            .arg(int(m_hotKey.isBound()))
-            .arg(m_hotKey.keys()));
+    log(u"[DictationAnywhere] "_s + m_hotKey.bindingText());
 }
 
 void DictationAnywhere::prewarmSpeechAssets()
