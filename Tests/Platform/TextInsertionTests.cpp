@@ -252,6 +252,27 @@ TEST_F(TextInsertionTest, theAccessibilityBusNamesPasswordFieldsAndTakesText)
     EXPECT_EQ(insert(other, "open sesame"), Outcome::Password);
 }
 
+TEST_F(TextInsertionTest, withoutKeysToPressTheFieldItselfTakesTheTextAndElseTheClipboard)
+{
+    const XServer without({ "-extension", "XTEST" });
+    PrivateBus bus;
+    const QDBusConnection session = bus.connect();
+    X11TextInsertion insertion(scheduler, session, without.display);
+    EXPECT_EQ(insertion.way(), InsertionWay::None);
+    Target target(without);
+    insertion.aim();
+    EXPECT_EQ(insert(insertion, "copied"), Outcome::Copied);
+    EXPECT_TRUE(target.says("clipboard 6"));
+    target.quit();
+
+    const AccessibilityBus accessibility(bus);
+    Target accessible(without, {}, bus.address());
+    ASSERT_TRUE(await([&] { return findFocusedField(session).has_value(); }));
+    insertion.aim();
+    EXPECT_EQ(insert(insertion, "written"), Outcome::Inserted);
+    EXPECT_TRUE(accessible.says("7 written"));
+}
+
 TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
 {
     PrivateBus bus;

@@ -10,10 +10,11 @@ namespace corvane {
 /// An X server without a screen, and a keyboard at it.
 class XServer {
 public:
-    XServer()
+    explicit XServer(const QStringList& further = {})
     {
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_server.start("Xvfb", { "-displayfd", "1", "-nolisten", "tcp", "-noreset", "-screen", "0", "64x64x24" });
+        const QStringList arguments { "-displayfd", "1", "-nolisten", "tcp", "-noreset", "-screen", "0", "64x64x24" };
+        m_server.start("Xvfb", arguments + further);
         while (m_server.waitForReadyRead() && !m_server.canReadLine()) { }
         display = ':' + m_server.readLine().trimmed();
         m_keyboard.reset(xcb_connect(display.constData(), nullptr));
