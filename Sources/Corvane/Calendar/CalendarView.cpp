@@ -163,6 +163,8 @@ void CalendarView::lay()
     m_layout = calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours);
     m_blocks.assign(m_layout.blocks);
     m_allDay.assign(m_layout.allDay);
+    if (find(m_added))
+        m_selected = std::exchange(m_added, {});
     const CalEvent* const event = find(m_selected);
     m_card = event ? cardOf(m_at.store.surroundings().db, *event, nowMs()) : EventCard();
     if (!event)
@@ -222,6 +224,7 @@ void CalendarView::today()
 
 void CalendarView::select(const QString& id)
 {
+    m_added.clear();
     m_selected = id;
     m_offered.clear();
     lay();
@@ -316,7 +319,7 @@ QString CalendarView::addEvent(const QString& what, const QString& day, const QS
     m_day = date;
     corvane::addEvent(m_at.store, calendar->id, entry, this, [this](const Result<QString>& added) {
         if (added)
-            m_selected = *added;
+            m_added = *added;
         else
             told(added.error().message);
     });

@@ -164,6 +164,7 @@ private:
     RowListModel<EventBlock> m_blocks;
     RowListModel<EventBlock> m_allDay;
     QString m_selected;
+    QString m_added; ///< an event that becomes the chosen one as soon as it was read
     EventCard m_card;
     QString m_told;
     QString m_offered;
