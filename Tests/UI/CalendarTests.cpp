@@ -71,7 +71,7 @@ TEST_F(CalendarWindow, theDayStandsInTheWindowTooWithItsTabsUnderKeysAndInThePal
     EXPECT_EQ(screens.panel.tab(), u"now"_s) << "the panel at the tray keeps its own";
     press(Qt::Key_5);
     click(u"panel.autoRecord"_s);
-    rest();
+    ASSERT_TRUE(awaitItem(u"panel.requireApp"_s));
     click(u"panel.requireApp"_s);
     click(u"panel.systemAudio"_s);
     EXPECT_TRUE(calls.settings.requireMeetingApp() && calls.settings.systemAudio());
