@@ -49,7 +49,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.agents.agents
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Agents")

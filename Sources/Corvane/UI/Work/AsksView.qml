@@ -48,7 +48,7 @@ FocusScope {
         spacing: Theme.small
         bottomMargin: Theme.large
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.asks.asks
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Asks")

@@ -106,7 +106,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.lane.items
         Accessible.role: Accessible.List
         Accessible.name: view.lane.title

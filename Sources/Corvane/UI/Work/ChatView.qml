@@ -86,7 +86,7 @@ FocusScope {
         clip: true
         spacing: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.chat.lines
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Terminal Chat")

@@ -25,7 +25,7 @@ FocusScope {
         clip: true
         spacing: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.shell.chat.lines
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Inbox")

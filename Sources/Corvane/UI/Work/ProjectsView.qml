@@ -19,7 +19,7 @@ FocusScope {
         topMargin: Theme.medium
         bottomMargin: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.projects.projects
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Projects")

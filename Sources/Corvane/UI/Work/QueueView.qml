@@ -34,7 +34,7 @@ FocusScope {
         focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         keyNavigationEnabled: false
         model: view.hub.queue
         Accessible.role: Accessible.List
@@ -129,7 +129,7 @@ FocusScope {
             clip: true
             spacing: Theme.tight
             boundsBehavior: Flickable.StopAtBounds
-            activeFocusOnTab: count > 0
+            activeFocusOnTab: count > 0 || activeFocus
             model: view.hub.thread
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Messages")

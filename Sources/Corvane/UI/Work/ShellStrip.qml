@@ -101,7 +101,7 @@ FocusScope {
         width: parent.width
         active: strip.shells.open
         focus: true
-        sourceComponent: TerminalPane { screen: strip.terminals }
+        sourceComponent: TerminalPane { focus: true; screen: strip.terminals }
     }
     Connections {
         target: strip.shells

@@ -69,7 +69,7 @@ FocusScope {
         clip: true
         spacing: Theme.small
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         model: view.stage.deals
         Accessible.role: Accessible.List
         Accessible.name: view.stage.title

@@ -23,7 +23,7 @@ FocusScope {
         topMargin: Theme.medium
         bottomMargin: Theme.medium
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Timeline")
         T.ScrollBar.vertical: ScrollBar {}

@@ -19,7 +19,7 @@ FocusScope {
         focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         Accessible.role: Accessible.List
         Accessible.name: view.name
         T.ScrollBar.vertical: ScrollBar {}

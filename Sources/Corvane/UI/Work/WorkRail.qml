@@ -88,7 +88,7 @@ FocusScope {
         focus: true
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: count > 0
+        activeFocusOnTab: count > 0 || activeFocus
         keyNavigationEnabled: false
         model: rail.shell.contexts
         Accessible.role: Accessible.List
