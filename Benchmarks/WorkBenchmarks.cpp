@@ -13,6 +13,7 @@
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkWrites.h"
+#include "Support/FakeDesktop.h"
 #include "Support/Places.h"
 #include "Support/VirtualScheduler.h"
 #include "Work/OpsHub.h"
@@ -93,7 +94,8 @@ private:
     const std::unique_ptr<ToolRunner> m_tools = makeToolRunner();
     const std::unique_ptr<SystemLanguageModel> m_model = makeLanguageModel(m_clock);
     AIServices m_ai { *m_model, *m_machine, *m_tools, {}, m_clock };
-    OpsHub m_hub { { m_db, m_clock, m_ai.ai, m_centre, {}, {} } };
+    FakeDesktop m_desktop;
+    OpsHub m_hub { { m_db, m_clock, m_ai.ai, m_centre, { m_clock, m_defaults, m_desktop, m_folder.path(), {} } } };
     sqlite3* m_bare = nullptr;
 };
 
