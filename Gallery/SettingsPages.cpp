@@ -33,8 +33,8 @@ void drawConnectSheets(Gallery& gallery)
     const auto submit = [&](const QString& address, const QString& password) {
         form.close();
         form.open();
-        form.address()->type(address);
-        form.password()->type(password);
+        form.field(u"email"_s).type(address);
+        form.field(u"password"_s).type(password);
         form.submit();
     };
     const auto rest = [&] {

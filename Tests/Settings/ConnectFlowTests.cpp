@@ -14,7 +14,7 @@ TEST(ConnectFlows, thereIsOneForEachOfTheTenChannelsAndWhatIsSecretIsMasked)
         EXPECT_FALSE(flow.title.isEmpty() || flow.buttonLabel.isEmpty());
         if (flow.fields.isEmpty() && flow.channel != Channel::Email)
             buttons.append(flow.buttonLabel);
-        for (const ConnectField& field : flow.fields) {
+        for (const FieldSpec& field : flow.fields) {
             const bool secret = field.id.contains("oken", Qt::CaseInsensitive);
             EXPECT_EQ(field.masked, secret) << qPrintable(flow.title + u' ' + field.id);
         }

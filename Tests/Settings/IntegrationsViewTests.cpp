@@ -38,8 +38,8 @@ protected:
     {
         world.launcher.expect(FakeLauncher::stays());
         view.connectChannel(channel);
-        for (int i = 0; i < view.connectForm()->fieldCount(); ++i)
-            view.connectForm()->field(i)->type(values.value(view.connectForm()->field(i)->id()));
+        for (const QString& id : view.connectForm()->values().keys())
+            view.connectForm()->field(id).type(values.value(id));
         view.connectForm()->submit();
         EXPECT_FALSE(view.connectForm()->isOpen());
         return accounts.accounts().last().id.toString(QUuid::WithoutBraces);
@@ -144,8 +144,8 @@ TEST_F(Settings, anAccountWhoseTokenIsRefusedIsGivenAnotherAndStartsAnew)
     ConnectForm& form = *view.connectForm();
     EXPECT_EQ(form.title(), "Edit Slack");
     ASSERT_EQ(form.fieldCount(), 2);
-    EXPECT_EQ(form.field(0)->text(), "xapp-1");
-    form.field(1)->type("xoxb-3");
+    EXPECT_EQ(form.field("appToken").text(), "xapp-1");
+    form.field("botToken").type("xoxb-3");
     form.submit();
     world.launcher.expect(FakeLauncher::stays());
     world.launcher.last().exit();

@@ -23,8 +23,8 @@ protected:
         world.home.write("resources/engine/src/main.ts", "");
         world.engines.setAccounts(&accounts);
         form.open();
-        form.address()->type("ana@studio.example");
-        form.password()->type("app pass");
+        form.field("email").type("ana@studio.example");
+        form.field("password").type("app pass");
     }
 
     void engineSays(const QByteArray& event)
@@ -78,7 +78,7 @@ TEST_F(MailSheet, aStrangeHostIsAskedAboutAndOnlyWhatSignsInIsKept)
     world.launcher.expect(FakeLauncher::stays());
     submit();
     EXPECT_FALSE(form.isOpen());
-    EXPECT_EQ(form.password()->text(), "") << "a secret does not stay in memory longer than its sheet";
+    EXPECT_EQ(form.field("password").text(), "") << "a secret does not stay in memory longer than its sheet";
     ASSERT_EQ(accounts.accounts().size(), 1);
     EXPECT_EQ(accounts.accounts()[0].email, "ana@studio.example");
     EXPECT_EQ(secret(),
@@ -87,8 +87,8 @@ TEST_F(MailSheet, aStrangeHostIsAskedAboutAndOnlyWhatSignsInIsKept)
     EXPECT_EQ(world.launcher.last().spec.environment.value("EMAIL_PASS"), secret());
 
     form.open();
-    form.address()->type("Ana@Studio.example");
-    form.password()->type("x");
+    form.field("email").type("Ana@Studio.example");
+    form.field("password").type("x");
     submit();
     EXPECT_EQ(form.message(), "Ana@Studio.example is connected already.");
 }
@@ -99,7 +99,7 @@ TEST_F(MailSheet, aMailboxThatTakesNoPasswordAsksForACommand)
     submit();
     EXPECT_EQ(form.message(), "Name a command.");
     EXPECT_TRUE(form.serversShown());
-    form.tokenCommand()->type(R"(print-token --for "Ana Ruiz" --quote """)");
+    form.field("tokenCommand").type(R"(print-token --for "Ana Ruiz" --quote """)");
     engineSays(R"({"type":"signIn","ok":true})");
     world.launcher.expect(FakeLauncher::stays());
     submit();
@@ -117,8 +117,8 @@ TEST_F(MailSheet, anAccountIsEditedWithWhatItHasAndKeepsWhatTheSheetDoesNotShow)
         account.slug);
     form.edit(account);
     EXPECT_EQ(form.title(), "Edit ana@studio.example");
-    EXPECT_TRUE(form.address()->readOnly());
-    EXPECT_EQ(form.tokenCommand()->text(), "\"a b\" --c");
+    EXPECT_TRUE(form.field("email").readOnly());
+    EXPECT_EQ(form.field("tokenCommand").text(), "\"a b\" --c");
     EXPECT_EQ(form.serversText(), "localhost:1143");
     form.imap()->port()->type("70000");
     submit();

@@ -137,7 +137,12 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(channels().size(), 3);
     EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 2);
 
-    EXPECT_TRUE(pane().addDeal("Spring window", "Proposal", "€2k"));
+    const int deals = pane().deals()->rowCount();
+    DealForm& deal = *pane().dealForm();
+    deal.field("name").type("Spring window");
+    deal.field("value").type("€2k");
+    deal.submit();
+    EXPECT_EQ(pane().deals()->rowCount(), deals + 1);
     EXPECT_TRUE(pane().addTask("Ask for the measures"));
     EXPECT_TRUE(pane().addNote("Prefers warm light"));
 

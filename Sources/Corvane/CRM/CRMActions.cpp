@@ -88,18 +88,6 @@ bool CRMPane::addTask(const QString& title)
     return true;
 }
 
-bool CRMPane::canAddDeal(const QString& name) const
-{
-    return !m_contact.id.isEmpty() && !name.trimmed().isEmpty();
-}
-
-bool CRMPane::addDeal(const QString& name, const QString& stage, const QString& value)
-{
-    return canAddDeal(name)
-        && done(insertCRMDeal(m_db, m_contact.id, { name.trimmed(), stage, value.trimmed(), QString(), std::nullopt })
-                .has_value());
-}
-
 void CRMPane::moveDeal(const QString& id, const QString& stage)
 {
     const auto deals = latestDeals();

@@ -47,6 +47,10 @@ CRMPane::CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_db(db)
     , m_scheduler(scheduler)
+    , m_dealForm([this](const NewDeal& deal) {
+        done(insertCRMDeal(m_db, m_contact.id, deal).has_value());
+        return m_errorText;
+    })
     , m_crmSoon(scheduler, refreshPeriod, [this] { reloadCRM(); })
 {
 }
@@ -112,8 +116,10 @@ void CRMPane::open(const ContactRow& contact)
     } else if (!contact.id.isEmpty()) {
         m_crmSoon.request();
     }
-    if (isShownOtherwise)
+    if (isShownOtherwise) {
+        m_dealForm.setPerson(contact.id, contact.name);
         Q_EMIT contactChanged();
+    }
     if (isOther)
         Q_EMIT typedChanged();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "CRM/DealForm.h"
 #include "CRM/PaneRow.h"
 #include "Foundation/Coalescer.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
-#include "Store/People/CrmRecords.h"
 
 #include <QSet>
 #include <functional>
@@ -37,7 +37,8 @@ class CRMPane : public QObject {
     Q_PROPERTY(QString tasksEmpty READ tasksEmpty CONSTANT)
     Q_PROPERTY(bool olderNotes READ olderNotes NOTIFY lengthsChanged) ///< there are more than are shown
     Q_PROPERTY(bool olderActivity READ olderActivity NOTIFY lengthsChanged)
-    Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a new deal can have
+    Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a deal can have
+    Q_PROPERTY(corvane::DealForm* dealForm READ dealForm CONSTANT)
     // What is typed and not added yet; it stays with its person until the program ends
     Q_PROPERTY(QString noteText READ noteText WRITE setNoteText NOTIFY typedChanged)
     Q_PROPERTY(QString taskText READ taskText WRITE setTaskText NOTIFY typedChanged)
@@ -67,6 +68,7 @@ public:
     bool olderNotes() const { return m_olderNotes; }
     bool olderActivity() const { return m_olderActivity; }
     QStringList stages() const;
+    DealForm* dealForm() { return &m_dealForm; }
     QString noteText() const { return m_noteTexts.value(m_contact.id); }
     void setNoteText(const QString& text);
     QString taskText() const { return m_taskTexts.value(m_contact.id); }
@@ -84,8 +86,6 @@ public:
     // True if it was saved; then its field is emptied. Blank texts are not saved.
     Q_INVOKABLE bool addNote(const QString& body);
     Q_INVOKABLE bool addTask(const QString& title);
-    Q_INVOKABLE bool canAddDeal(const QString& name) const;
-    Q_INVOKABLE bool addDeal(const QString& name, const QString& stage, const QString& value);
     Q_INVOKABLE void moveDeal(const QString& id, const QString& stage);
     Q_INVOKABLE void completeTask(const QString& id);
     Q_INVOKABLE void forget(const QString& memoryId);
@@ -119,6 +119,7 @@ private:
 
     LocalDB& m_db;
     Scheduler& m_scheduler;
+    DealForm m_dealForm;
     ContactRow m_contact;
     QString m_primary; ///< whose thread is open: the contact, or the one that they were merged into
     QStringList m_people; ///< the contacts that the person is, the open one first

@@ -102,21 +102,18 @@ QString CallsView::emptyText() const
 
 QList<Command> callCommands(CallsView& calls)
 {
-    const CommandPlace everywhere { u"Everywhere"_s, 0 };
     RecordingView* const recording = calls.recording();
-    return {
-        { u"recordCall"_s, u"Start or stop recording a call"_s, u"Ctrl+Shift+R"_s, { u"Ctrl+Shift+R"_s }, everywhere,
-            u"Start or stop recording a call"_s, {},
-            [&calls] {
-                calls.show();
-                calls.recording()->toggle();
-            } },
-        { u"markCall"_s, u"Mark this moment of the call"_s, u"Ctrl+Shift+M"_s, { u"Ctrl+Shift+M"_s }, everywhere,
-            u"Mark this moment of the call"_s, [recording] { return recording->recording(); },
-            [recording] {
-                recording->mark();
-            } },
+    const auto toggle = [&calls, recording] {
+        calls.show();
+        recording->toggle();
     };
+    return at({ u"Everywhere"_s, 0 },
+        {
+            inPalette(shortcut(u"recordCall"_s, u"Start or stop recording a call"_s, u"Ctrl+Shift+R"_s, toggle)),
+            inPalette(shortcut(u"markCall"_s, u"Mark this moment of the call"_s, u"Ctrl+Shift+M"_s,
+                          [recording] { recording->mark(); }),
+                [recording] { return recording->recording(); }),
+        });
 }
 
 }

@@ -18,6 +18,13 @@ Command shortcut(const QString& id, const QString& label, const QString& key, co
     return { .id = id, .label = label, .keys = key, .sequences = { key }, .run = run };
 }
 
+Command inPalette(Command command, const std::function<bool()>& canRun)
+{
+    command.action = command.label;
+    command.canRun = canRun;
+    return command;
+}
+
 QList<Command> at(const CommandPlace& place, QList<Command> commands)
 {
     for (Command& command : commands)

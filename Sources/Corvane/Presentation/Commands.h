@@ -32,6 +32,9 @@ struct Command {
 /// A command whose key is a window shortcut.
 Command shortcut(const QString& id, const QString& label, const QString& key, const std::function<void()>& run = {});
 
+/// The command with its label in the palette, too. It runs only while `canRun` says so.
+Command inPalette(Command command, const std::function<bool()>& canRun = {});
+
 /// Puts all of these at one place.
 QList<Command> at(const CommandPlace& place, QList<Command> commands);
 

@@ -16,7 +16,7 @@ const QString sidField = u"sid"_s;
 const QString authField = u"authToken"_s;
 const QString fromField = u"from"_s;
 
-ConnectFlow sheet(Channel channel, const QString& title, const QString& hint, const QList<ConnectField>& fields)
+ConnectFlow sheet(Channel channel, const QString& title, const QString& hint, const QList<FieldSpec>& fields)
 {
     return { channel, title, hint, u"Connect"_s, fields };
 }
@@ -26,7 +26,7 @@ ConnectFlow button(Channel channel, const QString& label, const QString& hint = 
     return { channel, label, hint, label, {} };
 }
 
-ConnectField masked(const QString& id, const QString& label, const QString& placeholder)
+FieldSpec masked(const QString& id, const QString& label, const QString& placeholder)
 {
     return { id, label, placeholder, true };
 }

@@ -1,28 +1,13 @@
 #pragma once
 
 #include "Foundation/Channel.h"
+#include "Presentation/FormField.h"
 
 #include <QHash>
 #include <QList>
 #include <QObject>
 
 namespace corvane {
-
-/// A field of the sheet.
-class ConnectField {
-    Q_GADGET
-    Q_PROPERTY(QString id MEMBER id)
-    Q_PROPERTY(QString label MEMBER label)
-    Q_PROPERTY(QString placeholder MEMBER placeholder)
-    Q_PROPERTY(bool masked MEMBER masked)
-public:
-    QString id;
-    QString label;
-    QString placeholder;
-    bool masked = false;
-
-    bool operator==(const ConnectField&) const = default;
-};
 
 /// How a channel is connected: the sheet with its fields, or, without fields, one button.
 class ConnectFlow {
@@ -32,13 +17,12 @@ class ConnectFlow {
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString hint MEMBER hint)
     Q_PROPERTY(QString buttonLabel MEMBER buttonLabel)
-    Q_PROPERTY(QList<corvane::ConnectField> fields MEMBER fields)
 public:
     Channel channel = Channel::WhatsApp;
     QString title; ///< of the sheet, or the label of the button
     QString hint; ///< Markdown
     QString buttonLabel;
-    QList<ConnectField> fields;
+    QList<FieldSpec> fields;
 
     QString channelWord() const; ///< such as "WHATSAPP"
     QString label() const; ///< of the channel

@@ -8,7 +8,7 @@
 namespace corvane {
 
 ConnectForm::ConnectForm(const AccountSetup& setup, QObject* parent)
-    : QObject(parent)
+    : Form(parent)
     , m_setup(setup)
 {
 }
@@ -35,10 +35,7 @@ bool ConnectForm::complete() const
 
 std::optional<ConnectRequest> ConnectForm::request() const
 {
-    ConnectValues values;
-    for (const auto& field : m_fields)
-        values.insert(field->id(), field->text());
-    return m_flow ? connectRequest(m_flow->channel, values) : std::nullopt;
+    return m_flow ? connectRequest(m_flow->channel, values()) : std::nullopt;
 }
 
 void ConnectForm::open(const ConnectFlow& flow)
@@ -56,15 +53,11 @@ void ConnectForm::edit(const Account& account)
 
 void ConnectForm::show(const ConnectFlow& flow, const ConnectValues& values)
 {
-    m_fields.clear();
     m_flow = flow;
-    for (const ConnectField& field : flow.fields) {
-        m_fields.emplace_back(new FormField(field));
-        m_fields.back()->fill(values.value(field.id));
-        connect(m_fields.back().get(), &FormField::textChanged, this, &ConnectForm::completeChanged);
-    }
+    setFields(flow.fields);
+    for (const FieldSpec& spec : flow.fields)
+        field(spec.id).fill(values.value(spec.id));
     Q_EMIT changed();
-    Q_EMIT completeChanged();
 }
 
 void ConnectForm::submit()
@@ -86,10 +79,9 @@ void ConnectForm::close()
 {
     if (!m_flow)
         return;
-    m_fields.clear();
     m_flow.reset();
+    setFields({});
     Q_EMIT changed();
-    Q_EMIT completeChanged();
 }
 
 }

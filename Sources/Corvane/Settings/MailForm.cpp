@@ -11,6 +11,11 @@ namespace corvane {
 
 namespace {
 
+const QString addressField = u"email"_s;
+const QString passwordField = u"password"_s;
+const QString userField = u"userName"_s;
+const QString tokenField = u"tokenCommand"_s;
+
 QString domainOf(const QString& address)
 {
     return address.mid(address.lastIndexOf(u'@') + 1).toLower();
@@ -32,27 +37,28 @@ QString commandLine(const QStringList& command)
 
 MailForm::MailForm(
     const AccountSetup& setup, const AppPaths& paths, ProcessLauncher& launcher, Scheduler& scheduler, QObject* parent)
-    : QObject(parent)
+    : Form(parent)
     , m_setup(setup)
     , m_probe(paths, launcher, scheduler)
-    , m_address({ u"email"_s, u"Email address"_s, u"you@company.com"_s })
-    , m_password({ u"password"_s, u"App password"_s, u"App password"_s, true })
-    , m_userName({ u"userName"_s, u"User name"_s, u"The email address"_s })
-    , m_tokenCommand({ u"tokenCommand"_s, u"Token command"_s, u"In place of a password"_s })
     , m_imap(u"IMAP"_s, { .tls = 993, .startTls = 143 })
     , m_smtp(u"SMTP"_s, { .tls = 465, .startTls = 587 })
 {
-    const auto told = [this] {
-        if (isOpen() && !busy())
-            enter(Stage::Asking);
-        else
-            Q_EMIT changed();
-    };
-    for (FormField* field : { &m_address, &m_password, &m_userName, &m_tokenCommand, m_imap.host(), m_imap.port(),
-             m_smtp.host(), m_smtp.port() })
-        connect(field, &FormField::textChanged, this, told);
+    setFields({
+        { addressField, u"Email address"_s, u"you@company.com"_s },
+        { passwordField, u"App password"_s, u"App password"_s, true },
+        { userField, u"User name"_s, u"The email address"_s, false, true },
+        { tokenField, u"Token command"_s, u"In place of a password"_s, false, true },
+    });
     for (MailServerForm* server : { &m_imap, &m_smtp })
-        connect(server, &MailServerForm::securityChanged, this, told);
+        connect(server, &MailServerForm::changed, this, &MailForm::edited);
+}
+
+void MailForm::edited()
+{
+    if (isOpen() && !busy())
+        enter(Stage::Asking);
+    else
+        Q_EMIT changed();
 }
 
 QString MailForm::title() const
@@ -102,9 +108,9 @@ QString MailForm::buttonLabel() const
 
 bool MailForm::complete() const
 {
-    const QString address = m_address.trimmed();
+    const QString address = typed(addressField);
     return address.contains(u'@') && !domainOf(address).isEmpty()
-        && (!m_password.trimmed().isEmpty() || !m_tokenCommand.trimmed().isEmpty());
+        && (!typed(passwordField).isEmpty() || !typed(tokenField).isEmpty());
 }
 
 void MailForm::open()
@@ -132,11 +138,11 @@ void MailForm::fill(const QUuid& accountId, const QString& address, const MailSe
 {
     m_probe.cancel();
     m_accountId = accountId;
-    m_address.fill(address);
-    m_address.setReadOnly(!accountId.isNull()); // another address is another mailbox
-    m_password.fill(settings.password);
-    m_userName.fill(settings.user);
-    m_tokenCommand.fill(commandLine(settings.tokenCommand));
+    field(addressField).fill(address);
+    field(addressField).setReadOnly(!accountId.isNull()); // another address is another mailbox
+    field(passwordField).fill(settings.password);
+    field(userField).fill(settings.user);
+    field(tokenField).fill(commandLine(settings.tokenCommand));
     m_imap.fill(settings.imap);
     m_smtp.fill(settings.smtp);
     m_others = settings.others;
@@ -161,7 +167,7 @@ void MailForm::submit()
         m_found.strangers.clear();
     if (const QString reason = problem(); !reason.isEmpty())
         return enter(Stage::Failed, reason);
-    if (domainOf(m_address.trimmed()) != m_foundFor) {
+    if (domainOf(typed(addressField)) != m_foundFor) {
         for (MailServerForm* server : { &m_imap, &m_smtp }) {
             if (!server->host()->isTyped())
                 server->fill({});
@@ -178,8 +184,8 @@ QString MailForm::problem() const
 {
     for (const Account& account : m_setup.accounts.accounts()) {
         if (account.id != m_accountId && account.channel() == Channel::Email
-            && account.email.value_or(QString()).compare(m_address.trimmed(), Qt::CaseInsensitive) == 0)
-            return u"%1 is connected already."_s.arg(m_address.trimmed());
+            && account.email.value_or(QString()).compare(typed(addressField), Qt::CaseInsensitive) == 0)
+            return u"%1 is connected already."_s.arg(typed(addressField));
     }
     for (const MailServerForm* server : { &m_imap, &m_smtp }) {
         if (const auto value = server->value(); value && value->port == 0)
@@ -190,7 +196,7 @@ QString MailForm::problem() const
 
 void MailForm::findServers()
 {
-    const QString address = m_address.trimmed();
+    const QString address = typed(addressField);
     enter(Stage::Finding, u"Looking for the mail servers of %1…"_s.arg(domainOf(address)));
     m_probe.findServers(address, [this, address](const Result<FoundMailServers>& found) {
         if (!found)
@@ -207,7 +213,7 @@ void MailForm::take(const FoundMailServers& found)
         m_imap.fill(found.imap);
     if (!m_smtp.value())
         m_smtp.fill(found.smtp);
-    if (found.needsToken && m_tokenCommand.trimmed().isEmpty()) {
+    if (found.needsToken && typed(tokenField).isEmpty()) {
         m_serversShown = true;
         return enter(Stage::NeedsToken, found.hint);
     }
@@ -231,7 +237,7 @@ void MailForm::goOn()
 void MailForm::trySignIn()
 {
     enter(Stage::Trying, u"Signing in at %1…"_s.arg(m_imap.value()->host));
-    m_probe.signIn(m_address.trimmed(), settings(), [this](const Result<void>& answer) {
+    m_probe.signIn(typed(addressField), settings(), [this](const Result<void>& answer) {
         if (answer)
             return keep();
         m_serversShown = m_serversShown || m_found.isGuess;
@@ -241,7 +247,7 @@ void MailForm::trySignIn()
 
 void MailForm::keep()
 {
-    const QString address = m_address.trimmed();
+    const QString address = typed(addressField);
     const QString secret = mailSecret(settings());
     const QUuid edited = m_accountId;
     close();
@@ -260,8 +266,8 @@ void MailForm::enter(Stage stage, const QString& message)
 
 MailSettings MailForm::settings() const
 {
-    return { m_password.trimmed(), QProcess::splitCommand(m_tokenCommand.trimmed()), m_userName.trimmed(),
-        m_imap.value(), m_smtp.value(), m_others };
+    return { typed(passwordField), QProcess::splitCommand(typed(tokenField)), typed(userField), m_imap.value(),
+        m_smtp.value(), m_others };
 }
 
 }

@@ -10,6 +10,8 @@ MailServerForm::MailServerForm(const QString& name, const Ports& usual)
     , m_host({ name.toLower() + u".host"_s, u"%1 server"_s.arg(name), {} })
     , m_port({ name.toLower() + u".port"_s, u"Port"_s, {} })
 {
+    for (const FormField* field : { &m_host, &m_port })
+        connect(field, &FormField::textChanged, this, &MailServerForm::changed);
 }
 
 QList<Choice> MailServerForm::securities() const
@@ -36,7 +38,7 @@ void MailServerForm::setSecurity(const QString& id)
     m_startTls = id == u"starttls";
     if (isUsual)
         m_port.fill(usualPort());
-    Q_EMIT securityChanged();
+    Q_EMIT changed();
 }
 
 std::optional<MailServer> MailServerForm::value() const
@@ -53,7 +55,7 @@ void MailServerForm::fill(const std::optional<MailServer>& server)
     m_host.fill(server ? server->host : QString());
     m_port.fill(server ? QString::number(server->port) : QString());
     m_startTls = server && server->startTls;
-    Q_EMIT securityChanged();
+    Q_EMIT changed();
 }
 
 QString MailServerForm::usualPort() const

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QList>
-#include <QObject>
+#include "Web/WorkspaceChoice.h"
 
 namespace corvane {
 
@@ -25,20 +24,6 @@ public:
     bool operator==(const IntegrationLine&) const = default;
 };
 
-/// A workspace that can be chosen.
-class WorkspaceLine {
-    Q_GADGET
-    Q_PROPERTY(QString id MEMBER id)
-    Q_PROPERTY(QString name MEMBER name)
-    Q_PROPERTY(bool selected MEMBER selected)
-public:
-    QString id;
-    QString name;
-    bool selected = false;
-
-    bool operator==(const WorkspaceLine&) const = default;
-};
-
 /// What the web account has: its workspaces, one of which is in use, and its integrations.
 class WebSettings : public QObject {
     Q_OBJECT
@@ -50,7 +35,7 @@ class WebSettings : public QObject {
     Q_PROPERTY(QString workspaceHint READ workspaceHint NOTIFY changed)
     Q_PROPERTY(bool searchable READ searchable NOTIFY changed) ///< more than the list shows
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
-    Q_PROPERTY(QList<corvane::WorkspaceLine> workspaces READ workspaces NOTIFY changed) ///< that match the query
+    Q_PROPERTY(QList<corvane::WorkspaceChoice> workspaces READ workspaces NOTIFY changed) ///< that match the query
     Q_PROPERTY(QString moreText READ moreText NOTIFY changed) ///< empty if the list shows all of them
     Q_PROPERTY(QList<corvane::IntegrationLine> integrations READ integrations NOTIFY changed)
     Q_PROPERTY(QString emptyIntegrationsText READ emptyIntegrationsText NOTIFY changed)
@@ -67,7 +52,7 @@ public:
     bool searchable() const;
     const QString& query() const { return m_query; }
     void setQuery(const QString& query);
-    const QList<WorkspaceLine>& workspaces() const { return m_workspaces; }
+    const QList<WorkspaceChoice>& workspaces() const { return m_workspaces; }
     QString moreText() const;
     QList<IntegrationLine> integrations() const;
     QString emptyIntegrationsText() const;
@@ -86,7 +71,7 @@ private:
     WebSync& m_web;
     Scheduler& m_scheduler;
     QString m_query;
-    QList<WorkspaceLine> m_workspaces;
+    QList<WorkspaceChoice> m_workspaces;
     qsizetype m_found = 0; ///< that match the query
     QString m_refused; ///< why another workspace than the chosen one is in use
 };

@@ -4,25 +4,12 @@
 #include "Foundation/NotificationCentre.h"
 #include "Presentation/Choice.h"
 #include "Presentation/Commands.h"
+#include "Web/WorkspaceChoice.h"
 
 namespace corvane {
 
 class SessionStore;
 class WebSync;
-
-/// A workspace to choose.
-class WorkspaceChoice {
-    Q_GADGET
-    Q_PROPERTY(QString id MEMBER id)
-    Q_PROPERTY(QString name MEMBER name)
-    Q_PROPERTY(bool selected MEMBER selected)
-public:
-    QString id;
-    QString name;
-    bool selected = false;
-
-    bool operator==(const WorkspaceChoice&) const = default;
-};
 
 /// The menu behind the round profile button.
 class ProfileMenu : public QObject {

@@ -42,12 +42,12 @@ WorkServices workServices(CorvaneApp& app)
 
 QList<Command> workCommands()
 {
-    const CommandPlace place { u"In a workspace"_s, 2 };
-    return {
-        { u"newWork"_s, u"New work item"_s, u"Ctrl+Shift+N"_s, { u"Ctrl+Shift+N"_s }, place },
-        { u"openWork"_s, u"Open an item"_s, u"Return"_s, {}, place },
-        { u"moveWork"_s, u"Move it to another lane"_s, u"Alt+Left or Right"_s, {}, place },
-    };
+    return at({ u"In a workspace"_s, 2 },
+        {
+            shortcut(u"newWork"_s, u"New work item"_s, u"Ctrl+Shift+N"_s),
+            { u"openWork"_s, u"Open an item"_s, u"Return"_s },
+            { u"moveWork"_s, u"Move it to another lane"_s, u"Alt+Left or Right"_s },
+        });
 }
 
 QList<PaletteItem> foundWork(LocalDB& db, const QString& query)

@@ -125,26 +125,25 @@ WorkPlace WorkDecisions::placeOf(const QString& module, const QString& contextId
 
 void WorkDecisions::decide(const QString& id, bool approve)
 {
-    const auto seen = m_seen.constFind(id);
-    if (seen == m_seen.cend())
-        return;
-    const WorkDecisionRecord record = *seen;
     m_decisions.hold(id);
-    told(setWorkDecisionStatus(
-             m_db, placeOf(record.module, record.contextId), record, approve ? u"approved"_s : u"rejected"_s),
+    decideSeen(m_seen.value(id), approve, setWorkDecisionStatus,
         u"It was not decided: it changed or was decided meanwhile. Read it again."_s);
 }
 
 void WorkDecisions::decideMemory(const QString& id, bool approve)
 {
-    const auto seen = m_seenMemory.constFind(id);
-    if (seen == m_seenMemory.cend())
-        return;
-    const WorkMemoryRecord record = *seen;
     m_memory.hold(id);
-    told(setWorkMemoryStatus(
-             m_db, placeOf(record.module, record.contextId), record, approve ? u"approved"_s : u"rejected"_s),
-        u"It was not decided: the database did not take it."_s);
+    decideSeen(
+        m_seenMemory.value(id), approve, setWorkMemoryStatus, u"It was not decided: the database did not take it."_s);
+}
+
+template <typename Record, typename SetStatus>
+void WorkDecisions::decideSeen(const Record& record, bool approve, SetStatus setStatus, const QString& refusal)
+{
+    if (record.id.isEmpty())
+        return;
+    const WorkPlace place = placeOf(record.module, record.contextId);
+    told(setStatus(m_db, place, record, approve ? u"approved"_s : u"rejected"_s), refusal);
 }
 
 void WorkDecisions::told(bool written, const QString& refusal)

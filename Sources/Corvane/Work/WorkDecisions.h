@@ -96,6 +96,8 @@ Q_SIGNALS:
 
 private:
     WorkPlace placeOf(const QString& module, const QString& contextId) const;
+    template <typename Record, typename SetStatus>
+    void decideSeen(const Record& record, bool approve, SetStatus setStatus, const QString& refusal);
     void told(bool written, const QString& refusal);
 
     LocalDB& m_db;

@@ -2,7 +2,9 @@
 
 #include "Presentation/Choice.h"
 #include "Presentation/Commands.h"
+#include "Presentation/Form.h"
 #include "Presentation/RowListModel.h"
+#include "Web/WorkspaceChoice.h"
 
 #include <QtQml/QQmlEngine>
 #include <QtQml/qqml.h>
@@ -25,6 +27,20 @@ struct HoldingListModelType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct FormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Form)
+    QML_NAMED_ELEMENT(Form)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct FormFieldType {
+    Q_GADGET
+    QML_FOREIGN(corvane::FormField)
+    QML_NAMED_ELEMENT(FormField)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct ChoiceType {
     Q_GADGET
     QML_FOREIGN(corvane::Choice)
@@ -35,6 +51,12 @@ struct TabItemType {
     Q_GADGET
     QML_FOREIGN(corvane::TabItem)
     QML_VALUE_TYPE(tabItem)
+};
+
+struct WorkspaceChoiceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkspaceChoice)
+    QML_VALUE_TYPE(workspaceChoice)
 };
 
 struct ContactChoiceType {

@@ -1,17 +1,13 @@
 import Corvane.Controls
 import QtQuick
 
-/// What an empty field asks for.
+/// What an empty field asks for. It fills the field, whose padding it is given.
 Label {
-    required property var field ///< of one line or of several, which have no type in common
+    required property bool shown
 
-    x: field.leftPadding
-    y: field.topPadding
-    width: field.width - field.leftPadding - field.rightPadding
-    height: field.height - field.topPadding - field.bottomPadding
+    anchors.fill: parent
     verticalAlignment: Text.AlignVCenter
-    visible: !field.length && !field.preeditText
-    text: field.placeholderText
-    color: field.placeholderTextColor
+    visible: shown
+    color: Theme.faint
     Accessible.ignored: true
 }

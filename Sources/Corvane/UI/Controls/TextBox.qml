@@ -87,7 +87,6 @@ FocusScope {
             bottomPadding: Theme.small
             color: Theme.text
             font.pixelSize: Theme.body
-            placeholderTextColor: Theme.faint
             selectionColor: Theme.accent
             selectedTextColor: Theme.accentInk
             selectByMouse: true
@@ -109,7 +108,14 @@ FocusScope {
                     nextItemInFocusChain(event.key === Qt.Key_Tab).forceActiveFocus(Qt.TabFocusReason);
                 }
             }
-            PlaceholderLabel { field: area }
+            PlaceholderLabel {
+                leftPadding: area.leftPadding
+                rightPadding: area.rightPadding
+                topPadding: area.topPadding
+                bottomPadding: area.bottomPadding
+                text: area.placeholderText
+                shown: !area.length && !area.preeditText
+            }
         }
     }
 }

@@ -17,7 +17,6 @@ T.TextField {
     verticalAlignment: TextInput.AlignVCenter
     color: readOnly ? Theme.soft : Theme.text
     font.pixelSize: Theme.body
-    placeholderTextColor: Theme.faint
     selectionColor: Theme.accent
     selectedTextColor: Theme.accentInk
     selectByMouse: true
@@ -37,7 +36,14 @@ T.TextField {
         name: control.icon
         color: control.activeFocus ? Theme.accent : Theme.faint
     }
-    PlaceholderLabel { field: control }
+    PlaceholderLabel {
+        leftPadding: control.leftPadding
+        rightPadding: control.rightPadding
+        topPadding: control.topPadding
+        bottomPadding: control.bottomPadding
+        text: control.placeholderText
+        shown: !control.length && !control.preeditText
+    }
 
     background: Item {
         implicitHeight: Theme.control

@@ -165,7 +165,7 @@ FocusScope {
                     objectName: "contact.addDeal"
                     icon.name: "list-add"
                     text: qsTr("Add Deal")
-                    onClicked: dealSheet.open()
+                    onClicked: pane.crm.dealForm.open()
                 }
             }
             NotesSection {
@@ -233,8 +233,5 @@ FocusScope {
         }
     }
 
-    AddDealSheet {
-        id: dealSheet
-        crm: pane.crm
-    }
+    AddDealSheet { crm: pane.crm }
 }

@@ -168,6 +168,13 @@ struct AskLumoType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct DealFormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DealForm)
+    QML_NAMED_ELEMENT(DealForm)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct CRMPaneType {
     Q_GADGET
     QML_FOREIGN(corvane::CRMPane)

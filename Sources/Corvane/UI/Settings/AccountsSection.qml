@@ -85,7 +85,7 @@ FocusScope {
         }
     }
     ConnectSheet { form: section.settings.connectForm }
-    MailSheet { form: section.settings.mailForm }
+    MailSheet { mail: section.settings.mailForm }
     Loader {
         id: question
         active: false

@@ -38,13 +38,6 @@ struct ConnectFormType {
     QML_UNCREATABLE("The program makes it.")
 };
 
-struct FormFieldType {
-    Q_GADGET
-    QML_FOREIGN(corvane::FormField)
-    QML_NAMED_ELEMENT(FormField)
-    QML_UNCREATABLE("The program makes it.")
-};
-
 struct MailFormType {
     Q_GADGET
     QML_FOREIGN(corvane::MailForm)
@@ -161,12 +154,6 @@ struct ConnectFlowType {
     QML_VALUE_TYPE(connectFlow)
 };
 
-struct ConnectFieldType {
-    Q_GADGET
-    QML_FOREIGN(corvane::ConnectField)
-    QML_VALUE_TYPE(connectField)
-};
-
 struct AssistantBackendType {
     Q_GADGET
     QML_FOREIGN(corvane::AssistantBackend)
@@ -201,12 +188,6 @@ struct SyncHealthLineType {
     Q_GADGET
     QML_FOREIGN(corvane::SyncHealthLine)
     QML_VALUE_TYPE(syncHealthLine)
-};
-
-struct WorkspaceLineType {
-    Q_GADGET
-    QML_FOREIGN(corvane::WorkspaceLine)
-    QML_VALUE_TYPE(workspaceLine)
 };
 
 struct IntegrationLineType {

@@ -7,7 +7,7 @@ Card {
     id: card
 
     required property WebSettings web
-    property workspaceLine noLine
+    property workspaceChoice noLine
 
     SectionHeader { text: qsTr("Workspace and integrations") }
     SettingRow {

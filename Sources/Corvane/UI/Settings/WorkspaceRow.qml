@@ -7,7 +7,7 @@ import Corvane.Settings
 T.AbstractButton {
     id: row
 
-    required property workspaceLine line
+    required property workspaceChoice line
 
     signal chosen(string id)
 

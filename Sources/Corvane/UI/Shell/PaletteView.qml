@@ -56,7 +56,6 @@ T.Popup {
             font.pixelSize: Theme.title
             color: Theme.text
             placeholderText: qsTr("Go to a person, run an action, or search")
-            placeholderTextColor: Theme.faint
             selectionColor: Theme.accent
             selectedTextColor: Theme.accentInk
             focus: true
@@ -75,7 +74,15 @@ T.Popup {
                 size: 20
                 color: Theme.faint
             }
-            PlaceholderLabel { field: field; font.pixelSize: Theme.title }
+            PlaceholderLabel {
+                leftPadding: field.leftPadding
+                rightPadding: field.rightPadding
+                topPadding: field.topPadding
+                bottomPadding: field.bottomPadding
+                text: field.placeholderText
+                font.pixelSize: field.font.pixelSize
+                shown: !field.length && !field.preeditText
+            }
         }
         Rectangle {
             id: edge

@@ -66,10 +66,4 @@ struct NoticeType {
     QML_VALUE_TYPE(notice)
 };
 
-struct WorkspaceChoiceType {
-    Q_GADGET
-    QML_FOREIGN(corvane::WorkspaceChoice)
-    QML_VALUE_TYPE(workspaceChoice)
-};
-
 }

@@ -1,8 +1,19 @@
 #pragma once
 
-#include "Settings/ConnectFlow.h"
+#include <QObject>
 
 namespace corvane {
+
+/// What a field of a form asks for.
+struct FieldSpec {
+    QString id;
+    QString label;
+    QString placeholder;
+    bool masked = false; ///< shows dots in place of what is typed
+    bool folded = false; ///< belongs to the part of the form that is folded at first
+
+    bool operator==(const FieldSpec&) const = default;
+};
 
 /// A field of a form: what it asks for, and what it holds.
 class FormField : public QObject {
@@ -11,23 +22,25 @@ class FormField : public QObject {
     Q_PROPERTY(QString label READ label CONSTANT)
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(bool masked READ masked CONSTANT)
+    Q_PROPERTY(bool folded READ folded CONSTANT)
     Q_PROPERTY(QString text READ text WRITE type NOTIFY textChanged)
     Q_PROPERTY(bool readOnly READ readOnly NOTIFY readOnlyChanged)
 public:
-    explicit FormField(const ConnectField& field, QObject* parent = nullptr)
+    explicit FormField(const FieldSpec& spec, QObject* parent = nullptr)
         : QObject(parent)
-        , m_field(field)
+        , m_spec(spec)
     {
     }
 
-    const QString& id() const { return m_field.id; }
-    const QString& label() const { return m_field.label; }
-    const QString& placeholder() const { return m_field.placeholder; }
-    bool masked() const { return m_field.masked; }
+    const QString& id() const { return m_spec.id; }
+    const QString& label() const { return m_spec.label; }
+    const QString& placeholder() const { return m_spec.placeholder; }
+    bool masked() const { return m_spec.masked; }
+    bool folded() const { return m_spec.folded; }
     const QString& text() const { return m_text; }
     QString trimmed() const { return m_text.trimmed(); }
     bool readOnly() const { return m_readOnly; }
-    bool isTyped() const { return m_typed; } ///< what it holds came from the person
+    bool isTyped() const { return m_typed; } ///< the text came from the person
 
     void type(const QString& text) { set(text, true); }
     void fill(const QString& text) { set(text, false); }
@@ -40,7 +53,7 @@ Q_SIGNALS:
 private:
     void set(const QString& text, bool typed);
 
-    const ConnectField m_field;
+    const FieldSpec m_spec;
     QString m_text;
     bool m_typed = false;
     bool m_readOnly = false;

@@ -1,4 +1,4 @@
-#include "Settings/FormField.h"
+#include "Presentation/FormField.h"
 
 namespace corvane {
 

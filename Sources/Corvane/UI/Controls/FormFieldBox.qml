@@ -1,12 +1,12 @@
 import QtQuick
 import Corvane.Controls
-import Corvane.Settings
 
 /// One field of a form.
 TextField {
     required property FormField field
+    property string name: "connect" ///< of the sheet
 
-    objectName: "connect." + field.id
+    objectName: name + "." + field.id
     label: field.label
     placeholderText: field.placeholder
     readOnly: field.readOnly

@@ -1,0 +1,46 @@
+import QtQuick
+import Corvane.Controls
+
+/// A sheet that opens and closes with its form. It adds the form's buttons; `name` begins their names.
+Sheet {
+    id: sheet
+
+    required property Form form
+    property string name: "connect"
+
+    signal begun ///< it has just opened: time to place the focus
+
+    function follow() {
+        if (!form.isOpen) {
+            close();
+        } else if (!opened) {
+            open();
+            begun();
+        }
+    }
+
+    title: form.title
+    onClosed: form.close()
+    Component.onCompleted: follow()
+
+    Connections {
+        target: sheet.form
+        function onChanged() { sheet.follow(); }
+    }
+
+    buttons: [
+        Button {
+            objectName: sheet.name + ".cancel"
+            kind: "quiet"
+            text: qsTr("Cancel")
+            onClicked: sheet.form.cancel()
+        },
+        Button {
+            objectName: sheet.name + ".submit"
+            kind: "primary"
+            enabled: sheet.form.complete && !sheet.form.busy
+            text: sheet.form.buttonLabel
+            onClicked: sheet.form.submit()
+        }
+    ]
+}
