@@ -2,6 +2,7 @@
 #include "Platform/Linux/Input/PortalGlobalShortcuts.h"
 #include "Platform/Linux/Input/X11GlobalShortcuts.h"
 
+#include "PortalResponse.h"
 #include "Support/Await.h"
 #include "Support/PrivateBus.h"
 #include "XServer.h"
@@ -66,11 +67,7 @@ Q_SIGNALS:
 private:
     QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
     {
-        const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
-            message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
-        auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
-        bus.send(response << answer << results);
-        return QDBusObjectPath(path);
+        return corvane::respond(bus, message(), options, answer, results);
     }
 };
 

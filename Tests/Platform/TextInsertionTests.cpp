@@ -3,6 +3,7 @@
 #include "Platform/Linux/Input/WaylandTextInsertion.h"
 #include "Platform/Linux/Input/X11TextInsertion.h"
 
+#include "PortalResponse.h"
 #include "Support/Await.h"
 #include "Support/Places.h"
 #include "Support/PrivateBus.h"
@@ -142,11 +143,7 @@ public Q_SLOTS:
 private:
     QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
     {
-        const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
-            message().service().mid(1).replace('.', '_'), options["handle_token"].toString());
-        auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
-        bus.send(response << answer << results);
-        return QDBusObjectPath(path);
+        return corvane::respond(bus, message(), options, answer, results);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "AI/LocalAIAvailability.h"
 #include "Foundation/Cancellation.h"
+#include "Platform/SpeechRecogniser.h"
 #include "Voice/SpeechModelSpec.h"
 
 #include <QList>
@@ -9,14 +10,7 @@
 
 namespace corvane {
 
-/// A stretch of speech, in milliseconds since the start of the sound.
-struct SpeechSegment {
-    qint64 startMs = 0;
-    qint64 endMs = 0;
-    QString text;
-
-    bool operator==(const SpeechSegment&) const = default;
-};
+using SpeechSegment = HeardSpeech; ///< since the start of the whole sound
 
 struct SpeechTranscriptResult {
     QString text; ///< trimmed, never empty
