@@ -14,6 +14,7 @@ namespace corvane {
 namespace {
 
 constexpr QSize usualSize(1280, 800);
+constexpr int everyFrame = 1; // if some were left out, a page at rest could stay without its last one
 
 QString script(const QString& function, const QJsonArray& arguments)
 {
@@ -43,7 +44,7 @@ void BrowserPage::attach(DevToolsConnection* connection)
     sendMetrics();
     connection->call(u"Page.startScreencast"_s,
         { { u"format"_s, u"jpeg"_s }, { u"quality"_s, 72 }, { u"maxWidth"_s, usualSize.width() },
-            { u"maxHeight"_s, usualSize.height() }, { u"everyNthFrame"_s, 2 } });
+            { u"maxHeight"_s, usualSize.height() }, { u"everyNthFrame"_s, everyFrame } });
     connection->call(u"Inspector.enable"_s);
     connection->call(u"Page.setInterceptFileChooserDialog"_s, { { u"enabled"_s, true } });
     connection->call(u"Browser.setDownloadBehavior"_s, { { u"behavior"_s, u"deny"_s }, { u"eventsEnabled"_s, true } });
@@ -157,7 +158,8 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
         m_hasLoaded = true;
         readTitle();
         Q_EMIT loaded();
-    } else if (method == "Runtime.bindingCalled"_L1) {
+    } else if (method == "Runtime.bindingCalled"_L1
+        && parameters["name"_L1].toString() == QLatin1StringView(stepBinding)) {
         if (const auto report = jsonObject(parameters["payload"_L1].toString().toUtf8()))
             m_steps.reported(*report);
     } else if (method == "Inspector.targetCrashed"_L1) {
@@ -213,7 +215,7 @@ bool BrowserPage::refuse(const QString& method, const QJsonObject& parameters)
         // To stay on a page that asks would hold it for ever.
         const bool leaves = parameters["type"_L1].toString() == "beforeunload"_L1;
         m_connection->call(u"Page.handleJavaScriptDialog"_s, { { u"accept"_s, leaves } });
-    } else if (method == "Browser.downloadWillBegin"_L1 || method == "Page.downloadWillBegin"_L1) {
+    } else if (method == "Browser.downloadWillBegin"_L1) {
         ++m_downloads;
     } else if (method == "Page.fileChooserOpened"_L1) {
         ++m_fileChoosers;

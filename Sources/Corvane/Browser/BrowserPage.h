@@ -28,6 +28,7 @@ public:
 
     const QString& url() const { return m_url; }
     const QString& title() const { return m_title; }
+    void setTitle(const QString& title) { m_title = title; }
     bool isLoading() const { return m_isLoading; }
     bool hasLoaded() const { return m_hasLoaded; } ///< since the last time it was opened
     double progress() const; ///< of the loading, from 0 to 1

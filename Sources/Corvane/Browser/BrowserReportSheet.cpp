@@ -118,12 +118,12 @@ QString BrowserReportSheet::preview() const
     return browserEvidencePreview(m_browser.consoleEvents(), m_browser.networkEvents(), shownEvents);
 }
 
-QStringList BrowserReportSheet::stepLines() const
+QString BrowserReportSheet::stepsText() const
 {
     QStringList lines;
     for (const BrowserStep& step : m_browser.steps())
         lines.append(stepLine(step));
-    return lines;
+    return lines.join(u'\n');
 }
 
 QString BrowserReportSheet::submitLabel() const

@@ -19,7 +19,6 @@ class BrowserReportSheet : public QObject {
     Q_PROPERTY(bool isBug READ isBug NOTIFY changed)
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
-    Q_PROPERTY(QImage picture READ picture NOTIFY pictureChanged) ///< as it will be saved; null for none
     Q_PROPERTY(bool isBlackedOut READ isBlackedOut NOTIFY pictureChanged)
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
     Q_PROPERTY(QString severity READ severity WRITE setSeverity NOTIFY changed)
@@ -28,7 +27,7 @@ class BrowserReportSheet : public QObject {
     Q_PROPERTY(QString ownerHint READ ownerHint CONSTANT)
     Q_PROPERTY(QString note READ note WRITE setNote NOTIFY changed)
     Q_PROPERTY(QString preview READ preview NOTIFY changed) ///< counts, and the newest events
-    Q_PROPERTY(QStringList stepLines READ stepLines NOTIFY changed)
+    Q_PROPERTY(QString stepsText READ stepsText NOTIFY changed) ///< one line a step
     Q_PROPERTY(QString submitLabel READ submitLabel NOTIFY changed)
     Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< why it was not saved; empty for none
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
@@ -47,7 +46,7 @@ public:
     bool isBug() const { return m_purpose == Purpose::Bug; }
     QString heading() const;
     QString detail() const;
-    const QImage& picture() const { return m_shown; }
+    const QImage& picture() const { return m_shown; } ///< as it will be saved; null for none
     bool isBlackedOut() const { return !m_black.isEmpty(); }
     const QString& title() const { return m_title; }
     void setTitle(const QString& title);
@@ -60,7 +59,7 @@ public:
     const QString& note() const { return m_note; }
     void setNote(const QString& note);
     QString preview() const;
-    QStringList stepLines() const;
+    QString stepsText() const;
     QString submitLabel() const;
     const QString& refusal() const { return m_refusal; }
     bool busy() const { return m_busy; }

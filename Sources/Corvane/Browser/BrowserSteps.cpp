@@ -190,7 +190,7 @@ QString stepScript()
         const isField = target.matches('textarea,select,[contenteditable]') ||
             (target instanceof HTMLInputElement && (plainTypes.has(target.type) || target.type === 'password'));
         const follows = (target instanceof HTMLLabelElement && target.control) || (inEnter && event.detail === 0);
-        if (!isField && !follows) step('click', target);
+        if (!isField && !follows && !target.matches('body,html')) step('click', target);
     });
     on('input', field => {
         if (field.matches('select,[type=checkbox],[type=radio],[type=file]')) return;

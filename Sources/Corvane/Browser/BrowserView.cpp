@@ -301,33 +301,49 @@ void BrowserView::scan()
     m_at.openTerminal(u"Browser scan"_s, browserScanCommand(m_project.slug, m_browser.currentURL()));
 }
 
+/// Null where there is none of that id.
+const DevBrowserSessionRow* BrowserView::findSession(const QString& id) const
+{
+    const auto row = std::ranges::find(m_sessionRows, id, &DevBrowserSessionRow::id);
+    return row == m_sessionRows.end() ? nullptr : &*row;
+}
+
 void BrowserView::openEvidence(const QString& sessionId)
 {
-    QString path;
-    for (const DevBrowserSessionRow& row : m_sessionRows) {
-        if (path.isEmpty() && !row.lastCapturePath.isEmpty() && (sessionId.isEmpty() || row.id == sessionId))
-            path = row.lastCapturePath;
-    }
-    const QFileInfo info(path);
-    QString folder = path.isEmpty() ? m_browser.evidenceRoot() : info.isDir() ? path : info.absolutePath();
+    const auto hasEvidence = [](const DevBrowserSessionRow& row) {
+        return !row.lastCapturePath.isEmpty();
+    };
+    const auto latest = std::ranges::find_if(m_sessionRows, hasEvidence);
+    const DevBrowserSessionRow* const row = !sessionId.isEmpty() ? findSession(sessionId)
+        : latest == m_sessionRows.end()                          ? nullptr
+                                                                 : &*latest;
+    const QFileInfo info(row ? row->lastCapturePath : m_browser.evidenceRoot());
+    const QString folder = info.isFile() ? info.absolutePath() : info.filePath();
     if (!QDir().mkpath(folder) || !m_at.desktop.openFile(folder))
         say(u"The folder could not be opened: %1"_s.arg(folder));
 }
 
+void BrowserView::openAgain(const QString& sessionId)
+{
+    if (const DevBrowserSessionRow* const row = findSession(sessionId)) {
+        m_address = row->url;
+        open();
+    }
+}
+
 void BrowserView::playAgain(const QString& sessionId)
 {
-    for (const DevBrowserSessionRow& row : m_sessionRows) {
-        if (row.id != sessionId)
-            continue;
-        const auto evidence = readEvidence(row.lastCapturePath);
-        if (!evidence)
-            return say(evidence.error().message);
-        if (evidence->steps.isEmpty())
-            return say(u"No steps were recorded with it."_s);
-        m_notice.clear();
-        applyMetrics();
-        return m_player.play(evidence->steps);
-    }
+    const DevBrowserSessionRow* const row = findSession(sessionId);
+    if (!row)
+        return;
+    const auto evidence = readEvidence(row->lastCapturePath);
+    if (!evidence)
+        return say(evidence.error().message);
+    if (evidence->steps.isEmpty())
+        return say(u"No steps were recorded with it."_s);
+    m_notice.clear();
+    applyMetrics();
+    m_player.play(evidence->steps);
 }
 
 }

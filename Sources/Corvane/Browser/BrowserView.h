@@ -86,6 +86,7 @@ public:
     Q_INVOKABLE void reportBug();
     Q_INVOKABLE void scan(); ///< in a shell
     Q_INVOKABLE void openEvidence(const QString& sessionId = {}); ///< its folder; without an id the latest one
+    Q_INVOKABLE void openAgain(const QString& sessionId);
     Q_INVOKABLE void playAgain(const QString& sessionId);
     Q_INVOKABLE void solveProblem();
     Q_INVOKABLE void dismissNotice();
@@ -98,6 +99,7 @@ private:
     void refresh();
     void saveSession();
     void openSheet(BrowserReportSheet::Purpose purpose);
+    const DevBrowserSessionRow* findSession(const QString& id) const;
     QString sessionId();
     void applyMetrics();
     void say(const QString& notice);

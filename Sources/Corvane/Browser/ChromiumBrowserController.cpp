@@ -23,15 +23,15 @@ constexpr Milliseconds watchPeriod(5000);
 constexpr Milliseconds passwordLimit(3000);
 constexpr qsizetype longestText = 4000;
 
-/// What stands in password fields of the page and its frames, as far as they may be looked into.
-const QString passwordsOfPage = uR"JS((() => {
+/// The title now, and what stands in password fields of the page and of the frames that may be looked into.
+const QString titleAndPasswords = uR"JS((() => {
     const found = [];
     const look = page => {
         for (const field of page.querySelectorAll('input[type=password]')) found.push(field.value);
         for (const frame of page.querySelectorAll('iframe')) if (frame.contentDocument) look(frame.contentDocument);
     };
     look(document);
-    return found;
+    return { title: document.title, passwords: found };
 })())JS"_s;
 
 const QString selectionOfPage = uR"JS((cut => {
@@ -96,9 +96,8 @@ void ChromiumBrowserController::open(const QString& url)
 {
     m_wanted = normalizedURL(url, m_options.homeURL);
     m_error.clear();
-    if (m_connection && !m_isHanging)
-        m_page.open(m_wanted);
-    else if (!m_isConnecting)
+    m_page.open(m_wanted);
+    if (!m_connection && !m_isConnecting)
         start();
     m_tell.request();
 }
@@ -329,12 +328,15 @@ void ChromiumBrowserController::gatherEvidence(
     m_evidenceLimit = m_at.scheduler.after(m_connection ? passwordLimit : Milliseconds(0), give);
     if (!m_connection)
         return;
-    m_connection->call(u"Runtime.evaluate"_s, expression(passwordsOfPage),
+    m_connection->call(u"Runtime.evaluate"_s, expression(titleAndPasswords),
         [self = QPointer(this), give](const Result<QJsonObject>& result) {
             if (!self)
                 return;
-            for (const QJsonValue& value : result.value_or(QJsonObject())["result"_L1]["value"_L1].toArray())
+            const QJsonValue found = result.value_or(QJsonObject())["result"_L1]["value"_L1];
+            for (const QJsonValue& value : found["passwords"_L1].toArray())
                 self->m_page.steps().addSecret(value.toString());
+            if (const QJsonValue title = found["title"_L1]; title.isString())
+                self->m_page.setTitle(title.toString());
             give();
         });
 }

@@ -27,30 +27,33 @@ const QList<Rule>& rules()
         return Rule { QRegularExpression(u"(?i)"_s + pattern), replacement };
     };
     static const QString word = u"key|token|secret|pass|pwd|auth|sig|session|sid|jwt|otp|ticket|credential|cookie"_s;
-    // The order counts: a later rule would take only a part of what an earlier one masks whole.
+    // The rest of a header, or the value of it that a quotation holds.
+    static const QString value = uR"((?!\[redacted\](?:[\r\n"'\\]|\z))(?:[^\r\n"'\\]|"[^"\r\n]*"|'[^'\r\n]*')+)"_s;
+    // The order counts: a rule that takes much must not take away what a later one goes by.
     static const QList<Rule> rules {
-        // Headers, up to the end of the line or of the quotation that they stand in. What stands before the value is
-        // atomic, so that a value that is masked already is not matched from elsewhere.
-        rule(uR"((authorization\b\\?["']?\s*[:=]\s*\\?["']?\s*bearer\s+)[A-Za-z0-9._~+/=-]+)"_s, uR"(\1[redacted])"_s),
-        rule(
-            uR"((\b(?>authorization\b\\?["']?\s*[:=]\s*\\?["']?(?:(?:basic|digest|negotiate|ntlm|token|apikey) +)?))(?!\[redacted|\s*bearer\b)[^\r\n"'\\]+)"_s,
-            uR"(\1[redacted])"_s),
-        rule(uR"((\b(?>(?:set-)?cookie\b\\?["']?\s*[:=]\s*\\?["']?))(?!\[redacted)[^\r\n"'\\]+)"_s,
-            uR"(\1[redacted])"_s),
-        // Addresses: who signs in, and parameters by their names.
+        // URLs: user information, and parameters by their names.
         rule(uR"(\b([a-z][a-z0-9+.-]*://)[^\s/?#"'<>\\]*@)"_s, uR"(\1[redacted]@)"_s),
         rule(uR"(([?&#;](?:[^=&#\s"'<>]*(?:%1)[^=&#\s"'<>]*|code)=)[^&#\s"<>]+)"_s.arg(word), uR"(\1[redacted])"_s),
-        rule(uR"(\beyJ[A-Za-z0-9_-]{5,}\.[A-Za-z0-9_-]{5,}(?:\.[A-Za-z0-9_-]*)*)"_s, u"[redacted-token]"_s),
-        // JSON, also within a string of JSON.
-        rule(uR"re((\\?["'][\w.-]*(?:%1)[\w.-]*\\?["']\s*:\s*\\?)(["'])(?:\\\\.|(?!\\?\2).)*)re"_s.arg(word),
-            uR"(\1\2[redacted])"_s),
-        // What shells and settings write.
+        // JSON, and JSON within a string of JSON.
+        rule(uR"re((\\["'][\w.-]*(?:%1)[\w.-]*\\["']\s*:\s*\\(["']))(?:\\\\(?:\\.|.)|(?!\\\2).)*)re"_s.arg(word),
+            uR"(\1[redacted])"_s),
+        rule(uR"re((["'][\w.-]*(?:%1)[\w.-]*["']\s*:\s*(["']))(?:\\.|(?!\2)[^\\])*)re"_s.arg(word),
+            uR"(\1[redacted])"_s),
+        // Shells and settings.
         rule(
             uR"re(\b([A-Z0-9_]*(?:KEY|TOKEN|SECRET|PASS)[A-Z0-9_]*)=(?!\[redacted\])(?:"[^"\n]*"|'[^'\n]*'|[^'"\s]+))re"_s,
             uR"(\1=[redacted])"_s),
         rule(uR"re(\b(api[_-]?key|secret|token|password|passwd|pwd)\b\s*[:=]\s*(?!\[redacted\])['"]?[^'"\s]{6,})re"_s,
             uR"(\1=[redacted])"_s),
+        rule(uR"(\beyJ[A-Za-z0-9_-]{5,}\.[A-Za-z0-9_-]{5,}(?:\.[A-Za-z0-9_-]*)*)"_s, u"[redacted-token]"_s),
         rule(uR"(\b(sk-[A-Za-z0-9_-]{16,})\b)"_s, u"[redacted-api-key]"_s),
+        // Headers. What stands before the value is atomic, so that a masked value is not matched from elsewhere.
+        rule(uR"((authorization\b\\?["']?\s*[:=]\s*\\?["']?\s*bearer\s+)[A-Za-z0-9._~+/=-]+)"_s, uR"(\1[redacted])"_s),
+        rule(
+            uR"((\b(?>authorization\b\\?["']?\s*[:=]\s*\\?["']?(?:(?:basic|digest|negotiate|ntlm|token|apikey) +)?))(?!\s*bearer\b))"_s
+                + value,
+            uR"(\1[redacted])"_s),
+        rule(uR"((\b(?>(?:set-)?cookie\b\\?["']?\s*[:=]\s*\\?["']?)))"_s + value, uR"(\1[redacted])"_s),
     };
     return rules;
 }

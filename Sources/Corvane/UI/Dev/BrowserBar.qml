@@ -1,0 +1,174 @@
+import QtQuick
+import QtQuick.Layouts
+import Corvane.Controls
+import Corvane.Dev
+
+/// One row of controls, with the progress of the loading at its foot.
+FocusScope {
+    id: bar
+
+    required property BrowserView screen
+    property bool listed
+
+    signal listToggled
+    signal findRequested
+    signal opened
+
+    function takeFocus() {
+        field.forceActiveFocus(Qt.TabFocusReason);
+        field.selectAll();
+    }
+
+    implicitHeight: 44
+    Accessible.role: Accessible.ToolBar
+    Accessible.name: qsTr("Browser")
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: Theme.small
+        anchors.rightMargin: Theme.small
+        spacing: Theme.tight
+
+        IconButton {
+            objectName: "browser.back"
+            icon.name: "go-previous"
+            text: qsTr("Back")
+            key: Commands.keysOf("browserBack")
+            enabled: bar.screen.browser.canGoBack
+            onClicked: bar.screen.browser.back()
+        }
+        IconButton {
+            objectName: "browser.forward"
+            icon.name: "go-next"
+            text: qsTr("Forward")
+            key: Commands.keysOf("browserForward")
+            enabled: bar.screen.browser.canGoForward
+            onClicked: bar.screen.browser.forward()
+        }
+        IconButton {
+            readonly property bool stops: bar.screen.browser.isLoading
+            objectName: "browser.reload"
+            icon.name: stops ? "window-close" : "view-refresh"
+            text: stops ? qsTr("Stop") : qsTr("Reload")
+            key: stops ? "" : Commands.keysOf("browserReload")
+            enabled: bar.screen.browser.isRunning
+            onClicked: stops ? bar.screen.browser.stop() : bar.screen.browser.reload()
+        }
+        TextField {
+            id: field
+            objectName: "browser.address"
+            Layout.fillWidth: true
+            Layout.minimumWidth: 140
+            focus: true
+            placeholderText: bar.screen.addressHint
+            Accessible.name: qsTr("Address")
+            onTextEdited: bar.screen.address = text
+            onAccepted: {
+                bar.screen.open();
+                bar.opened();
+            }
+            Keys.onEscapePressed: event => {
+                event.accepted = text !== bar.screen.address;
+                text = bar.screen.address;
+            }
+
+            Binding { target: field; property: "text"; value: bar.screen.address }
+        }
+        Button {
+            objectName: "browser.issues"
+            kind: bar.listed ? "plain" : "quiet"
+            checkable: true
+            checked: bar.listed
+            icon.name: bar.screen.issueCount > 0 ? "dialog-warning" : ""
+            text: bar.screen.issueText
+            hint: qsTr("Console problems, failed requests and earlier looks")
+            onClicked: bar.listToggled()
+        }
+        IconButton {
+            objectName: "browser.menu"
+            icon.name: "overflow-menu"
+            text: qsTr("More")
+            onClicked: menu.popup(this, 0, height + Theme.tight)
+
+            Menu {
+                id: menu
+                Repeater {
+                    model: bar.screen.sizes
+                    MenuItem {
+                        required property choice modelData
+                        objectName: "browser.size:" + modelData.id
+                        checkable: true
+                        checked: bar.screen.size === modelData.id
+                        text: modelData.label
+                        onTriggered: bar.screen.chooseSize(modelData.id)
+                    }
+                }
+                MenuSeparator {}
+                MenuItem {
+                    text: qsTr("Larger (%1)").arg(bar.screen.zoomText)
+                    onTriggered: bar.screen.zoom(1)
+                }
+                MenuItem {
+                    text: qsTr("Smaller")
+                    onTriggered: bar.screen.zoom(-1)
+                }
+                MenuItem {
+                    text: qsTr("Usual size")
+                    onTriggered: bar.screen.zoom(0)
+                }
+                MenuItem {
+                    text: qsTr("Find on the page…")
+                    key: Commands.keysOf("browserFind")
+                    onTriggered: bar.findRequested()
+                }
+                MenuSeparator {}
+                MenuItem {
+                    objectName: "browser.capture"
+                    enabled: bar.screen.evidenceReady
+                    text: qsTr("Save evidence…")
+                    onTriggered: bar.screen.capture()
+                }
+                MenuItem {
+                    text: qsTr("Open the evidence folder")
+                    onTriggered: bar.screen.openEvidence()
+                }
+                MenuItem {
+                    text: qsTr("Scan in a terminal")
+                    onTriggered: bar.screen.scan()
+                }
+                MenuSeparator {}
+                MenuItem {
+                    objectName: "browser.window"
+                    checkable: true
+                    checked: bar.screen.windowShown
+                    text: qsTr("Let the browser have a window")
+                    onTriggered: bar.screen.windowShown = !bar.screen.windowShown
+                }
+            }
+        }
+        Button {
+            objectName: "browser.report"
+            kind: "primary"
+            enabled: bar.screen.evidenceReady
+            text: qsTr("Report a bug")
+            hint: Commands.keysOf("browserReport")
+            onClicked: bar.screen.reportBug()
+        }
+    }
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+    Rectangle {
+        anchors.bottom: parent.bottom
+        width: parent.width * bar.screen.browser.progress
+        height: 2
+        visible: bar.screen.browser.isLoading || bar.screen.browser.isConnecting
+        color: Theme.accent
+        Accessible.role: Accessible.ProgressBar
+        Accessible.name: bar.screen.statusText
+        Behavior on width { NumberAnimation { duration: Theme.quick } }
+    }
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Browser/ChromiumBrowserController.h"
+#include "UI/Dev/BrowserPicture.h"
+
+#include <QPointer>
+
+namespace corvane {
+
+/// Shows the page of a browser and takes pointer, keys and input method for it. Keys of the window and of the pane
+/// around it are left to them.
+class BrowserFrameItem : public corvane::BrowserPicture {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(corvane::ChromiumBrowserController* browser READ browser WRITE setBrowser NOTIFY browserChanged)
+public:
+    explicit BrowserFrameItem(QQuickItem* parent = nullptr);
+
+    ChromiumBrowserController* browser() const { return m_browser; }
+    void setBrowser(ChromiumBrowserController* browser);
+
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
+Q_SIGNALS:
+    void browserChanged();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void hoverMoveEvent(QHoverEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void send(BrowserPointer::Kind kind, const QSinglePointEvent& event);
+    void edit(const QKeyEvent& event);
+
+    QPointer<ChromiumBrowserController> m_browser;
+    int m_clicks = 1; ///< of the button that was pressed last
+};
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Browser/BrowserReportSheet.h"
+
+#include <QPointer>
+#include <QQuickItem>
+#include <QtQmlIntegration>
+
+namespace corvane {
+
+/// A picture as large as its ratio allows, in the middle of the item.
+class BrowserPicture : public QQuickItem {
+    Q_OBJECT
+    QML_ANONYMOUS
+    Q_PROPERTY(QRectF shown READ shown NOTIFY imageChanged) ///< where it stands in the item
+public:
+    explicit BrowserPicture(QQuickItem* parent = nullptr);
+
+    void setImage(const QImage& image);
+    QRectF shown() const;
+
+Q_SIGNALS:
+    void imageChanged();
+
+protected:
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
+
+private:
+    QImage m_image;
+    bool m_isTextureOld = false;
+};
+
+/// The picture of a report as it will be saved.
+class BrowserSheetPicture : public corvane::BrowserPicture {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(corvane::BrowserReportSheet* sheet READ sheet WRITE setSheet NOTIFY sheetChanged)
+public:
+    using BrowserPicture::BrowserPicture;
+
+    BrowserReportSheet* sheet() const { return m_sheet; }
+    void setSheet(BrowserReportSheet* sheet);
+
+Q_SIGNALS:
+    void sheetChanged();
+
+private:
+    QPointer<BrowserReportSheet> m_sheet;
+};
+
+}

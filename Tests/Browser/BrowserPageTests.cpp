@@ -1,0 +1,261 @@
+#include "Browser/WebSocketConnection.h"
+#include "BrowserTest.h"
+
+#include <QBuffer>
+#include <QRandomGenerator>
+#include <QWebSocket>
+#include <QWebSocketServer>
+
+namespace corvane {
+
+namespace {
+
+/// A view whose page is played.
+class PlayedBrowser : public BrowserTest {
+protected:
+    PlayedBrowser() { view->browser()->adopt(page); }
+
+    void console(const QString& text)
+    {
+        page->say(u"Runtime.consoleAPICalled"_s,
+            { { u"type"_s, u"error"_s }, { u"args"_s, QJsonArray { QJsonObject { { u"value"_s, text } } } } });
+    }
+    void request(int id, const QString& url, int status)
+    {
+        page->say(u"Network.requestWillBeSent"_s,
+            { { u"requestId"_s, QString::number(id) }, { u"request"_s, QJsonObject { { u"url"_s, url } } } });
+        if (status == 0)
+            page->say(u"Network.loadingFailed"_s, { { u"requestId"_s, QString::number(id) } });
+        else
+            page->say(u"Network.responseReceived"_s,
+                { { u"response"_s,
+                    QJsonObject { { u"status"_s, status }, { u"statusText"_s, u"Gone"_s }, { u"url"_s, url } } } });
+    }
+    void step(const QJsonObject& report)
+    {
+        page->say(u"Runtime.bindingCalled"_s,
+            { { u"name"_s, u"corvaneStep"_s }, { u"payload"_s, QString::fromUtf8(QJsonDocument(report).toJson()) } });
+    }
+    void frame(const QByteArray& jpeg, int session, const QJsonObject& metadata = {})
+    {
+        page->say(u"Page.screencastFrame"_s,
+            { { u"data"_s, QString::fromLatin1(jpeg.toBase64()) }, { u"sessionId"_s, session },
+                { u"metadata"_s, metadata } });
+    }
+    static QByteArray jpeg(QSize size)
+    {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QBuffer buffer;
+        image.save(&buffer, "JPEG");
+        return buffer.data();
+    }
+    bool submit()
+    {
+        view->sheet()->submit();
+        m_clock.advance(seconds(3)); // the page does not say what stands in its password fields
+        return await([&] { return !view->sheet()->busy(); });
+    }
+
+    std::unique_ptr<BrowserView> view = makeView();
+    PlayedConnection* page = new PlayedConnection;
+};
+
+}
+
+TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
+{
+    ChromiumBrowserController& browser = *view->browser();
+    const QStringList first { u"Page.enable"_s, u"Runtime.enable"_s, u"Log.enable"_s, u"Network.enable"_s,
+        u"Emulation.setDeviceMetricsOverride"_s, u"Page.startScreencast"_s };
+    EXPECT_EQ(page->methods().first(6), first);
+    EXPECT_EQ(page->sent.at(4)["params"_L1]["width"_L1].toInt(), 1280);
+    EXPECT_EQ(browser.status(), u"connected"_s);
+
+    for (int i = 0; i < 61; ++i)
+        console(u"problem %1"_s.arg(i));
+    page->say(u"Runtime.consoleAPICalled"_s, { { u"type"_s, u"info"_s } });
+    request(1, u"http://x/399"_s, 399);
+    request(2, u"http://x/400"_s, 400);
+    request(3, u"http://x/gone"_s, 0);
+    page->receive("no JSON");
+    page->receive("[1,2]");
+    EXPECT_EQ(browser.consoleEvents().size(), 60);
+    EXPECT_EQ(browser.consoleEvents().first().text, u"problem 1"_s);
+    EXPECT_EQ(browser.networkEvents().size(), 2);
+    EXPECT_EQ(browser.networkEvents().first().detail, u"HTTP 400 Gone"_s);
+    EXPECT_EQ(browser.networkEvents().last().url, u"http://x/gone"_s);
+    EXPECT_EQ(browser.networkEvents().last().detail, u"request failed"_s);
+
+    page->say(u"Page.frameNavigated"_s,
+        { { u"frame"_s, QJsonObject { { u"id"_s, u"1"_s }, { u"url"_s, u"http://x/?token=abc&page=2"_s } } } });
+    page->say(u"Page.frameNavigated"_s,
+        { { u"frame"_s,
+            QJsonObject { { u"id"_s, u"2"_s }, { u"parentId"_s, u"1"_s }, { u"url"_s, u"http://y/"_s } } } });
+    EXPECT_EQ(browser.currentURL(), u"http://x/?token=[redacted]&page=2"_s);
+    page->receive(R"({"id":1697,"result":{"result":{"value":"A title"}}})");
+    EXPECT_EQ(browser.title(), u"A title"_s);
+
+    for (int i = 0; i < 1000; ++i)
+        page->say(u"Page.javascriptDialogOpening"_s, { { u"type"_s, u"alert"_s } });
+    EXPECT_EQ(page->methods().count(u"Page.handleJavaScriptDialog"_s), 1000);
+    EXPECT_EQ(view->notice(), u"1,000 dialogs of the page dismissed."_s);
+
+    page->fail({});
+    EXPECT_EQ(browser.status(), u"disconnected"_s);
+    EXPECT_FALSE(browser.isRunning());
+}
+
+TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
+{
+    ChromiumBrowserController& browser = *view->browser();
+    frame("no picture", 7);
+    for (int width = 100; width <= 400; width += 100)
+        frame(jpeg({ width, 100 }), width, { { u"deviceWidth"_s, width * 2 }, { u"deviceHeight"_s, 200 } });
+    EXPECT_EQ(page->methods().count(u"Page.screencastFrameAck"_s), 5);
+    ASSERT_TRUE(await([&] { return browser.frameImage().width() == 400; }));
+    EXPECT_EQ(browser.viewportSize(), QSizeF(800, 200));
+    frame(jpeg({ 300, 100 }), 8);
+    ASSERT_TRUE(await([&] { return browser.frameImage().width() == 300; }));
+    EXPECT_EQ(browser.viewportSize(), QSizeF(300, 100)) << "without metadata the picture tells";
+
+    // The view is twice as high as the frame needs: letters above and below.
+    browser.clickBrowser({ 300, 250 }, { 600, 400 });
+    const QJsonObject press = page->sent.at(page->sent.size() - 2);
+    EXPECT_EQ(press["params"_L1]["type"_L1].toString(), u"mousePressed"_s);
+    EXPECT_EQ(press["params"_L1]["x"_L1].toDouble(), 150);
+    EXPECT_EQ(press["params"_L1]["y"_L1].toDouble(), 75);
+    browser.clickBrowser({ -10, 0 }, { 600, 400 });
+    EXPECT_EQ(page->sent.last()["params"_L1]["x"_L1].toDouble(), 0);
+    EXPECT_EQ(page->sent.last()["params"_L1]["y"_L1].toDouble(), 0);
+}
+
+TEST_F(PlayedBrowser, noneOfTenThousandSecretsIsInAnyFileOrRow)
+{
+    constexpr int rounds = 20;
+    const QString marker = u"Zq9"_s;
+    QRandomGenerator random(20261122);
+    int planted = 0;
+    const auto secret = [&](const QString& signs) {
+        ++planted;
+        QString text = marker;
+        for (int i = 0; i < 12; ++i)
+            text += signs.at(random.bounded(signs.size()));
+        return text + marker;
+    };
+    const QString plain = u"abcdefghijklmnopqrstuvwxyzABCDEFGH0123456789"_s;
+    const QString any = plain + u" '\"\\&=%#?/+<>äß€"_s;
+    const auto forms = [&] {
+        return QStringList { u"Authorization: Bearer "_s + secret(plain),
+            u"Authorization: Basic "_s + secret(plain + u"+/="_s),
+            u"Cookie: a="_s + secret(plain) + u"; session="_s + secret(plain), u"Set-Cookie: id="_s + secret(plain),
+            u"https://ana:"_s + secret(plain + u"@!$"_s) + u"@x.example/"_s,
+            u"http://x.example/?api_key="_s + secret(plain) + u"&p=1#access_token="_s + secret(plain),
+            u"got eyJ"_s + secret(plain) + u'.' + secret(plain) + u'.' + secret(plain), u"password: "_s + secret(plain),
+            u"MY_TOKEN='"_s + secret(plain + u" &"_s) + u'\'', u"sk-"_s + secret(plain) + secret(plain),
+            QString::fromUtf8(QJsonDocument(QJsonObject { { u"user"_s, u"ana"_s }, { u"password"_s, secret(any) } })
+                    .toJson(QJsonDocument::Compact)) };
+    };
+    int field = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const QString typed = secret(any);
+        step({ { u"kind"_s, u"secret"_s }, { u"field"_s, ++field }, { u"text"_s, typed.first(5) } });
+        step({ { u"kind"_s, u"secret"_s }, { u"field"_s, field }, { u"text"_s, typed } });
+        step({ { u"kind"_s, u"type"_s }, { u"selector"_s, u"#pw"_s }, { u"label"_s, u"Password"_s },
+            { u"withheld"_s, true } });
+        for (int i = 0; i < 15; ++i)
+            console(u"sent "_s + typed + u" to "_s + forms().join(u'\n'));
+        for (int i = 0; i < 15; ++i) {
+            const QString url = u"http://x.example/a?x="_s + QString::fromLatin1(QUrl::toPercentEncoding(typed))
+                + u"&auth="_s + secret(plain);
+            request(i, url, i % 2 ? 500 : 0);
+            step({ { u"kind"_s, u"type"_s }, { u"selector"_s, u"#f%1"_s.arg(i) }, { u"text"_s, forms().at(i % 11) } });
+        }
+        page->say(u"Page.frameNavigated"_s,
+            { { u"frame"_s, QJsonObject { { u"url"_s, u"http://x.example/?token="_s + secret(plain) } } } });
+        page->receive(QJsonDocument(
+            QJsonObject { { u"id"_s, 1697 },
+                { u"result"_s,
+                    QJsonObject { { u"result"_s, QJsonObject { { u"value"_s, u"Mail of "_s + typed } } } } } })
+                .toJson());
+        view->setAddress(u"https://ana:"_s + secret(plain) + u"@x.example"_s);
+        round % 2 ? view->capture() : view->reportBug();
+        view->sheet()->setNote(u"I typed "_s + typed + u" and "_s + forms().join(u' '));
+        view->sheet()->setTitle(u"It fails with "_s + forms().at(round % 11));
+        view->sheet()->setOwner(u"token="_s + secret(plain));
+        ASSERT_TRUE(submit()) << qPrintable(view->sheet()->refusal());
+    }
+    EXPECT_GE(planted, 10'000);
+    m_db->exec(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
+    const QByteArray written = everythingWritten();
+    EXPECT_GT(written.count("x.example"), rounds);
+    const qsizetype leak = written.indexOf(marker.toUtf8());
+    EXPECT_LT(leak, 0) << written.mid(std::max<qsizetype>(0, leak - 100), 200).toStdString();
+    EXPECT_EQ(cell(u"SELECT COUNT(*) FROM work_item WHERE kind='bug';"_s), u"10"_s);
+}
+
+TEST_F(PlayedBrowser, aBugIsFiledWithoutItsEvidenceWhereTheDiskTakesNone)
+{
+    console(u"it broke"_s);
+    view->reportBug();
+    view->sheet()->setTitle(u"Broken"_s);
+    view->sheet()->setNote(u"why"_s);
+    QDir().mkpath(view->browser()->evidenceRoot());
+    QFile blocker(evidenceFolder(view->browser()->evidenceRoot(), u"shop"_s));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly)); // where the folder would be
+    EXPECT_TRUE(submit());
+    EXPECT_EQ(table(u"SELECT kind, status, priority, owner, source, summary FROM work_item;"_s),
+        QStringList { u"bug|open|high|unassigned|browser-manual|Manual Browser bug report.\nURL: about:blank\n"
+                      "Console warnings/errors: 1\nNetwork failures/errors: 0\n\nwhy"_s });
+    EXPECT_EQ(cell(u"SELECT uri FROM work_evidence;"_s), QString());
+    EXPECT_TRUE(cell(u"SELECT summary FROM work_evidence;"_s).contains("could not be saved"_L1));
+    EXPECT_TRUE(view->notice().contains("without its evidence"_L1)) << qPrintable(view->notice());
+}
+
+TEST_F(PlayedBrowser, aSessionKeepsItsLastPictureAndFoldersKeepApart)
+{
+    const QString root = view->browser()->evidenceRoot();
+    console(u"x"_s);
+    view->capture();
+    ASSERT_TRUE(submit());
+    const QString folder = cell(u"SELECT last_capture_path FROM dev_browser_session;"_s);
+    EXPECT_TRUE(folder.startsWith(root + u"/shop/manual-"_s)) << qPrintable(folder);
+    EXPECT_TRUE(m_home.read(QDir(m_home.path({})).relativeFilePath(folder + u"/evidence.json"_s))
+            .contains("\"screenshotPath\": \"\""));
+    saveBrowserSession(
+        *m_db, cell(u"SELECT id FROM dev_browser_session;"_s), view->project(), u"http://x"_s, u"live"_s, {}, {});
+    EXPECT_EQ(table(u"SELECT title, engine, status, last_capture_path FROM dev_browser_session;"_s),
+        QStringList { u"Browser http://x|playwright-chrome|live|"_s + folder });
+    view->capture();
+    ASSERT_TRUE(submit());
+    EXPECT_EQ(QDir(root + u"/shop"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 2);
+
+    for (const QString& slug : { u"../../etc"_s, u".."_s, u""_s, u"a/b"_s, QString(500, u'ä') }) {
+        const QString path = evidenceFolder(root, slug);
+        EXPECT_EQ(QDir::cleanPath(path).sliced(root.size() + 1).count(u'/'), 0) << qPrintable(slug);
+        EXPECT_TRUE(QDir::cleanPath(path).startsWith(root + u'/'));
+        EXPECT_TRUE(QDir().mkpath(path)) << qPrintable(slug);
+    }
+}
+
+TEST(Browser, aMessageThatIsTooLargeEndsTheConversationAndNothingElse)
+{
+    QWebSocketServer server(u"x"_s, QWebSocketServer::NonSecureMode);
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    QString problem = u"not asked"_s;
+    QStringList ends;
+    WebSocketConnection connection(
+        QUrl(u"ws://127.0.0.1:%1"_s.arg(server.serverPort())), [&](const QString& reason) { problem = reason; },
+        nullptr);
+    QObject::connect(&connection, &DevToolsConnection::closed, [&](const QString& reason) { ends.append(reason); });
+    ASSERT_TRUE(await([&] { return server.hasPendingConnections() && problem.isEmpty(); }));
+    const std::unique_ptr<QWebSocket> other(server.nextPendingConnection());
+    EXPECT_TRUE(other->request().rawHeader("Origin").isEmpty()) << "a browser answers 403 to one";
+    bool answered = false;
+    connection.call(u"Browser.getVersion"_s, {}, [&](const Result<QJsonObject>& result) { answered = !result; });
+    other->sendTextMessage(QString(int(DevToolsConnection::longestMessage) + 1, u'x'));
+    ASSERT_TRUE(await([&] { return ends.size() == 1; }));
+    EXPECT_TRUE(answered);
+}
+
+}

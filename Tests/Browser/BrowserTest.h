@@ -1,0 +1,106 @@
+#pragma once
+
+#include "Browser/BrowserView.h"
+#include "Platform/Linux/Services.h"
+#include "Platform/PortHolders.h"
+#include "Platform/ProcessLauncher.h"
+#include "Support/Await.h"
+#include "Support/FakeDesktop.h"
+#include "Support/LoopbackWeb.h"
+#include "Support/StoreTest.h"
+
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTcpServer>
+
+namespace corvane {
+
+/// A conversation whose other side a test plays.
+class PlayedConnection final : public DevToolsConnection {
+public:
+    using DevToolsConnection::DevToolsConnection;
+    using DevToolsConnection::fail;
+    using DevToolsConnection::receive;
+
+    void say(const QString& method, const QJsonObject& parameters)
+    {
+        receive(QJsonDocument(QJsonObject { { u"method"_s, method }, { u"params"_s, parameters } }).toJson());
+    }
+    QStringList methods() const
+    {
+        QStringList names;
+        for (const QJsonObject& message : sent)
+            names.append(message["method"_L1].toString());
+        return names;
+    }
+
+    QList<QJsonObject> sent;
+
+protected:
+    void write(const QByteArray& message) override { sent.append(QJsonDocument::fromJson(message).object()); }
+};
+
+/// A browser view over a database of its own, for a project, and the means to start a real browser.
+class BrowserTest : public StoreTest {
+protected:
+    BrowserTest()
+    {
+        open();
+        m_db->run(u"INSERT INTO project(id, slug, name) VALUES('pj:shop','shop','Shop');"_s, {});
+        QTcpServer free;
+        free.listen(QHostAddress::LocalHost);
+        options.port = free.serverPort();
+        options.hasSandbox = false;
+        options.startLimit = seconds(60);
+    }
+
+    BrowserSurroundings surroundings() { return { m_clock, *launcher, *holders, m_home.paths(), options }; }
+    std::unique_ptr<BrowserView> makeView()
+    {
+        const auto terminal = [this](const QString& label, const QString& command) {
+            shells.append(label + u": "_s + command);
+        };
+        auto view = std::make_unique<BrowserView>(
+            BrowserView::Surroundings { *m_db, m_defaults, desktop, surroundings(), terminal });
+        view->setProject({ u"pj:shop"_s, u"shop"_s, u"Shop"_s });
+        return view;
+    }
+
+    /// The clock goes as fast as the world, so that a real browser meets the limits that it would meet.
+    bool awaitLive(const std::function<bool()>& condition)
+    {
+        QElapsedTimer world;
+        world.start();
+        qint64 seen = 0;
+        return await([&] {
+            const qint64 now = world.elapsed();
+            m_clock.advance(Milliseconds(now - seen));
+            seen = now;
+            return condition();
+        });
+    }
+
+    /// Everything that was written for the evidence and into the database.
+    QByteArray everythingWritten() const
+    {
+        QByteArray all;
+        QDirIterator files(m_home.paths().applicationSupport, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            QFile file(files.next());
+            const bool isProfile = file.fileName().contains("InteractiveProfile"_L1);
+            if (!isProfile && file.open(QIODevice::ReadOnly))
+                all += file.readAll();
+        }
+        return all;
+    }
+
+    std::unique_ptr<ProcessLauncher> launcher = makeProcessLauncher(m_clock);
+    std::unique_ptr<PortHolders> holders = makePortHolders();
+    FakeDesktop desktop;
+    BrowserOptions options;
+    QStringList shells;
+};
+
+}
