@@ -56,8 +56,7 @@ T.AbstractButton {
             anchors.top: title.bottom
             x: Theme.medium
             width: parent.width - x - Theme.tight - (tile.joins && !tile.wide ? join.width : 0)
-            visible: tile.height >= 40
-            text: visible && tile.legible ? tile.event.timeText : ""
+            text: tile.height >= 40 && tile.legible ? tile.event.timeText : ""
             font.pixelSize: Theme.meta
             color: Theme.soft
         }
