@@ -170,8 +170,8 @@ TEST_F(SingleInstanceTest, desktopsReachItAsAnApplication)
     const BusObject application { instanceName(folder), "/com/nimb/corvane", "org.freedesktop.Application" };
     otherBus.send(application.method("Activate", { QVariantMap() }));
     otherBus.send(application.method("Open", { QStringList("nimb-companion://auth"), QVariantMap() }));
-    otherBus.send(application.method("ActivateAction", { "show", QVariantList(), QVariantMap() }));
-    EXPECT_TRUE(await([&] { return running.received == "[][nimb-companion://auth][]"; }));
+    otherBus.send(application.method("ActivateAction", { "capture", QVariantList(), QVariantMap() }));
+    EXPECT_TRUE(await([&] { return running.received == "[][nimb-companion://auth][capture]"; }));
 }
 
 TEST_F(SingleInstanceTest, theRunningProgramAnswersWhatIsAskedOverTheBus)

@@ -4,7 +4,8 @@
 
 namespace corvane {
 
-/// While it lives, SIGINT and SIGTERM set the flag in place of ending a program that has no event loop. One at a time.
+/// While it exists, SIGINT and SIGTERM set the flag instead of ending the program. For programs without an event loop;
+/// one at a time.
 class Interruption {
 public:
     explicit Interruption(std::atomic<bool>& flag); ///< outlives this

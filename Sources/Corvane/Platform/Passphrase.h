@@ -5,11 +5,11 @@
 
 namespace corvane {
 
-/// Whether a new passphrase is asked for twice.
+/// A new passphrase is asked for twice.
 enum class Ask { Once, Twice };
 
-/// What a person types at the terminal, which does not show it; where standard input is no terminal, its first line.
-/// Nothing where it is empty, or the two differ, which standard error then says.
+/// Reads a passphrase from the terminal without echo, or the first line of standard input if that is not a terminal.
+/// Nothing, after a message on standard error, if it is empty or the two differ.
 std::optional<QString> askPassphrase(Ask ask);
 
 }

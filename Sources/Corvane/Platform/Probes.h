@@ -9,9 +9,9 @@
 
 namespace corvane {
 
-// Short questions to the machine, for the check-up. Each waits some seconds at most, and may be asked on any thread.
+// Short questions to the machine, for the check-up. Each blocks for a few seconds at most and may run on any thread.
 
-/// What the session bus offers now, or would start when it is asked for.
+/// Services on the session bus that run or can be activated.
 struct DesktopServices {
     bool bus = false;
     bool keyring = false;
@@ -23,19 +23,19 @@ DesktopServices desktopServices();
 
 bool soundServerAnswers();
 
-/// Whether somebody takes TCP connections there.
+/// Whether the port accepts TCP connections.
 bool answersAt(const QString& host, int port, Milliseconds limit = Milliseconds(3000));
 
-/// What a program prints within five seconds; nothing where it does not run or fails.
+/// The standard output of a program; nothing if it fails or takes longer than five seconds.
 std::optional<QByteArray> programOutput(const QString& executable, const QStringList& arguments);
 
-/// The path of the first of these programs that is installed; empty where none is.
+/// The path of the first of these programs that is installed; empty if there is none.
 QString firstInstalled(const QStringList& programs);
 
-/// Whether the clock is set from the network; nothing where the machine does not say.
+/// Whether the clock is set from the network; nothing if unknown.
 std::optional<bool> clockIsSynchronised();
 
-/// Who may do what with a file or folder.
+/// Permissions of a file or folder.
 struct AccessFacts {
     bool exists = false;
     bool isOwn = false; ///< of this user
@@ -44,7 +44,7 @@ struct AccessFacts {
 };
 AccessFacts accessFacts(const QString& path);
 
-/// Takes every right from others, and gives the user those that are needed. False where that fails.
+/// Removes all permissions of others and grants those that the user needs. False on failure.
 bool makePrivate(const QString& path);
 
 }

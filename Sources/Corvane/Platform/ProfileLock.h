@@ -5,10 +5,10 @@
 
 namespace corvane {
 
-/// The lock that a running program holds on its data folder. While this object lives, none starts there.
+/// The lock that a running program holds on its data folder. No program starts there while this object exists.
 class ProfileLock {
 public:
-    /// Nothing where a program works there, or the folder takes no lock. Does not make the folder.
+    /// Null if a program holds it, or if the folder cannot be locked. Does not create the folder.
     static std::unique_ptr<ProfileLock> take(const QString& applicationSupport);
     ~ProfileLock();
     ProfileLock(const ProfileLock&) = delete;

@@ -12,7 +12,7 @@ class QIODevice;
 
 namespace corvane {
 
-/// What an archive holds of a file.
+/// Size and hash of a file in an archive.
 struct StoredFile {
     qint64 bytes = 0;
     QByteArray sha256; ///< in hexadecimal digits
@@ -20,10 +20,10 @@ struct StoredFile {
     bool operator==(const StoredFile&) const = default;
 };
 
-/// Sees each piece that was moved; false ends the work.
+/// Called for each piece that was copied; returning false aborts.
 using PieceSeen = std::function<bool(qint64 bytes)>;
 
-/// Writes a tar of plain files. Errors are for the user.
+/// Writes a tar archive of regular files. Errors are for the user.
 class ArchiveWriter {
 public:
     explicit ArchiveWriter(QIODevice& to); ///< open, and outlives this
@@ -31,8 +31,8 @@ public:
 
     Result<StoredFile> add(const QString& name, const QByteArray& content);
 
-    /// A file as large as it is now: what is appended meanwhile is left out. Nothing where there is no such plain file.
-    /// Links are not followed.
+    /// Stores the file with its current size; data appended later is left out. Nothing if it is not a regular file.
+    /// Symbolic links are not followed.
     Result<std::optional<StoredFile>> addFile(const QString& name, const QString& path, const PieceSeen& seen);
 
     Result<void> finish();
@@ -42,7 +42,7 @@ private:
     std::unique_ptr<Archive> m_archive;
 };
 
-/// Reads such a tar. Whatever is no plain file fails it, as does a name that leads anywhere but further down.
+/// Reads such an archive. Fails for anything but regular files, and for unsafe names.
 class ArchiveReader {
 public:
     explicit ArchiveReader(QIODevice& from); ///< open, and outlives this
@@ -50,17 +50,17 @@ public:
 
     Result<std::optional<QString>> next(); ///< the name of the next file; nothing at the end
 
-    /// The file that `next` named, into a new file of mode 0600. Folders that are missing are made with mode 0700.
+    /// Writes the current file to a new file with mode 0600. Missing folders are created with mode 0700.
     Result<StoredFile> extract(const QString& path, const PieceSeen& seen);
 
-    Result<QByteArray> content(qint64 limit); ///< of the file that `next` named
+    Result<QByteArray> content(qint64 limit); ///< of the current file
 
 private:
     struct Archive;
     std::unique_ptr<Archive> m_archive;
 };
 
-/// Whether a file of an archive may be called that: a relative path, each part of which is a plain name.
+/// Whether the name is a relative path without empty, "." or ".." parts.
 bool isSafeName(const QString& name);
 
 }

@@ -12,23 +12,23 @@ class BackgroundQueue;
 class Desktop;
 class UserDefaults;
 
-/// A backup that this program made by itself or by the button.
+/// A backup that the program made on schedule or on request.
 struct KeptBackup {
     QString file;
     qint64 madeAtMs = 0;
     qint64 bytes = 0;
 };
 
-/// The folder of the backups that the program keeps.
+/// The folder of these backups.
 QString backupFolder(const AppPaths& paths, const UserDefaults& defaults);
 
 bool backsUpDaily(const UserDefaults& defaults);
 
-/// Those in the folder, newest first.
+/// Newest first.
 QList<KeptBackup> keptBackups(const QString& folder);
 
-/// Makes a backup each day where the user wants that, keeps the last seven, and makes one now. Passwords and tokens are
-/// not in them. The card of the settings.
+/// Daily backups, of which the last seven are kept, and backups on request. They contain no passwords and tokens. The
+/// view model of the settings card.
 class BackupKeeper : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label CONSTANT)
@@ -58,7 +58,7 @@ public:
     explicit BackupKeeper(const Surroundings& surroundings, QObject* parent = nullptr);
     ~BackupKeeper() override;
 
-    void start(); ///< looks once an hour from now on whether a backup is due
+    void start(); ///< from now on, checks once an hour whether a backup is due
 
     static QString label() { return u"Backups"_s; }
     QString lastText() const;

@@ -8,30 +8,30 @@ namespace corvane {
 
 class Scheduler;
 
-/// Which backup goes where.
+/// What to restore, and how.
 struct RestoreRequest {
     QString file;
     std::optional<QString> passphrase;
-    bool replace = false; ///< a profile that is there is put aside, under a name that is told
+    bool replace = false; ///< an existing profile is renamed
 };
 
 struct Restored {
     Manifest manifest;
-    QString aside; ///< where the profile lies that was there before; empty where there was none
-    QStringList leftAlone; ///< folders of engines' sign-ins that were there already
+    QString aside; ///< the new name of the previous profile; empty if there was none
+    QStringList leftAlone; ///< sign-in folders of engines that existed already
 };
 
-/// Makes a profile of a backup: its data folder and settings are those of `paths`. Accounts are paused, requests of
-/// other programs closed, and drafts that were on their way are failed. Refused where a program works on that profile,
-/// where it holds something and is not to be replaced, and where the data folder is a link. Until the new profile is
-/// whole, the old one stays as it is. The error is for the user.
+/// Restores a backup to the data folder and settings of `paths`. Pauses accounts, closes requests of other programs and
+/// fails drafts that were being sent. Refused if a program uses the profile, if it is not empty and `replace` is not
+/// set, and if the data folder is a symbolic link. The old profile is unchanged until the new one is complete. The
+/// error is for the user.
 Result<Restored> restoreBackup(const AppPaths& paths, const RestoreRequest& request, Scheduler& scheduler,
     const std::shared_ptr<BackupProgress>& progress);
 
-/// The profile below a folder that a person names; an error where the name leads through a link or "..".
+/// The profile in a folder that the user names; an error if the path contains a symbolic link or "..".
 Result<AppPaths> profileIn(const QString& folder, const AppPaths& own);
 
-/// Only the database of a backup, ready to be used, in a file that is not there yet.
+/// Restores only the database, to a file that does not exist yet.
 Result<void> restoreDatabase(const QString& backup, const QString& to, const AppPaths& paths, Scheduler& scheduler);
 
 }

@@ -7,15 +7,15 @@
 
 namespace corvane {
 
-/// A file that only a passphrase opens: the key comes from it by crypto_pwhash, the content stands in blocks of
-/// crypto_secretstream. A block that was changed, moved, cut off or added is noticed. docs/backup.md tells the format.
+/// Encrypts what is written with a passphrase: crypto_pwhash derives the key, crypto_secretstream encrypts the blocks.
+/// Any change to the file is detected when it is read. docs/backup.md describes the format.
 class SealingDevice final : public QIODevice {
 public:
-    /// Writes the beginning to `to`, which is open and outlives this. Takes a second and 256 MiB of memory.
+    /// Writes the header to `to`, which is open and outlives this. Takes about a second and 256 MiB of memory.
     SealingDevice(QIODevice& to, const QString& passphrase);
     ~SealingDevice() override;
 
-    Result<void> finish(); ///< writes the last block; without it the file does not open
+    Result<void> finish(); ///< writes the final block, without which the file cannot be read
 
 protected:
     qint64 readData(char*, qint64) override { return -1; }
@@ -30,18 +30,18 @@ private:
     QByteArray m_block;
 };
 
-/// Whether the file at this place begins as a sealed one does. Moves nothing.
+/// Whether the file starts like an encrypted one. Does not change the position.
 bool isSealed(QIODevice& file);
 
 class UnsealingDevice final : public QIODevice {
 public:
-    explicit UnsealingDevice(QIODevice& from); ///< open and at its beginning; it outlives this
+    explicit UnsealingDevice(QIODevice& from); ///< open and at the start; outlives this
     ~UnsealingDevice() override;
 
-    Result<void> unlock(const QString& passphrase); ///< before anything is read
+    Result<void> unlock(const QString& passphrase); ///< before reading
 
 protected:
-    qint64 readData(char* data, qint64 size) override; ///< -1 and `errorString` where a block does not open
+    qint64 readData(char* data, qint64 size) override; ///< -1 and `errorString` if a block is damaged
     qint64 writeData(const char*, qint64) override { return -1; }
 
 private:
@@ -50,7 +50,7 @@ private:
     struct Stream;
     QIODevice& m_from;
     std::unique_ptr<Stream> m_stream;
-    QByteArray m_block; ///< opened and not read yet
+    QByteArray m_block; ///< decrypted and not read yet
     bool m_ended = false;
 };
 

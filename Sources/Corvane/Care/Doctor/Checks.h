@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// What a check answers: how it is, in a sentence, and what to do.
+/// The result of a check: a sentence, and what to do about it.
 struct Verdict {
     Health health = Health::Good;
     QString words;
@@ -17,8 +17,8 @@ inline Verdict good(const QString& words)
     return { Health::Good, words };
 }
 
-// Each looks at one thing, changes nothing, and may run on any thread. A fix says what it did, or nothing where it
-// could not.
+// Each check examines one thing, changes nothing, and may run on any thread. A fix says what it did, or nothing if it
+// failed.
 
 namespace checks {
 
@@ -56,7 +56,7 @@ Verdict clock(const Patient& patient);
 namespace fixes {
 
 std::optional<QString> schema(const Patient& patient);
-std::optional<QString> databaseSize(const Patient& patient); ///< blocks whoever writes while it runs
+std::optional<QString> databaseSize(const Patient& patient); ///< blocks other writers while it runs
 std::optional<QString> databaseLog(const Patient& patient);
 std::optional<QString> folders(const Patient& patient);
 

@@ -8,18 +8,17 @@
 
 namespace corvane {
 
-/// What a check-up does on its way, told on its thread.
+/// Progress of a check-up; called on its thread.
 struct CheckUp {
     std::function<void(const QString& title)> begins = [](const QString&) {
     };
-    const std::atomic<bool>* stopped = nullptr; ///< looked at between two checks
+    const std::atomic<bool>* stopped = nullptr; ///< checked between two checks
 };
 
-/// Every check, in the order in which a person reads them. Nothing is changed. Takes seconds, with a large database
-/// minutes.
+/// Runs all checks and changes nothing. Takes seconds, or minutes for a large database.
 QList<Finding> examine(const Patient& patient, const CheckUp& checkUp = {});
 
-/// Puts right what the program can put right among the findings, and says what it did, a sentence each.
+/// Fixes those findings that can be fixed, and returns a sentence for each fix.
 QStringList mend(const Patient& patient, const QList<Finding>& findings);
 
 Health worst(const QList<Finding>& findings);

@@ -8,22 +8,22 @@
 
 namespace corvane {
 
-/// The profile and the machine that a check-up looks at: values, so that it can run on any thread.
+/// The profile and the machine to check, as values, so that the check-up can run on any thread.
 struct Patient {
     AppPaths paths;
     qint64 nowMs = 0;
-    std::optional<QList<Account>> accounts; ///< nothing where their file does not read
-    QHash<QString, QString> secrets {}; ///< by account, as far as they could be had without asking
+    std::optional<QList<Account>> accounts; ///< nothing if the file cannot be read
+    QHash<QString, QString> secrets {}; ///< by account, as far as known without asking the user
     QString backups {}; ///< the folder
     bool backsUpDaily = false;
-    QString modelServer {}; ///< the address that the user set; empty: the usual ones
+    QString modelServer {}; ///< the configured address; empty: the default ones
     bool hasCalendars = false;
     bool hasContacts = false;
 };
 
 class UserDefaults;
 
-/// What the profile's own files and settings say; the rest is the caller's to add.
+/// Filled from the profile's files and settings; the caller adds the rest.
 Patient patientOf(const AppPaths& paths, const UserDefaults& defaults, qint64 nowMs);
 
 }

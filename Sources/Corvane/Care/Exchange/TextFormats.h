@@ -6,10 +6,10 @@
 
 namespace corvane {
 
-/// A line of a CSV file with its end, as RFC 4180 has it.
+/// A line of a CSV file (RFC 4180), with its line end.
 QByteArray csvLine(const QStringList& fields);
 
-/// A person as a card, version 4.
+/// A person, written as vCard 4.0.
 struct CardPerson {
     QString id;
     QString name;
@@ -19,10 +19,10 @@ struct CardPerson {
 };
 QByteArray vCard(const CardPerson& person);
 
-/// The rows of events as one calendar file: "id", "title", "start_ms", "end_ms", "all_day", "location", "notes".
+/// A calendar file of events with the columns "id", "title", "start_ms", "end_ms", "all_day", "location", "notes".
 QByteArray calendarFile(const QList<QJsonObject>& events);
 
-/// A message as a mail.
+/// A message, written as an e-mail.
 struct MailText {
     QString from;
     QString to;

@@ -6,13 +6,13 @@
 
 namespace corvane {
 
-/// A kind of rows that a person takes along.
+/// A kind of rows in an export.
 struct PortableKind {
     QString name; ///< such as "people", as the files are called
     QString table;
 };
 
-/// In an order in which they can be read back.
+/// In the order in which they must be imported.
 const QList<PortableKind>& portableKinds();
 
 QStringList portableColumns(SqlConnection& db, const PortableKind& kind);
@@ -21,8 +21,7 @@ QStringList portableColumns(SqlConnection& db, const PortableKind& kind);
 void visitPortable(
     SqlConnection& db, const PortableKind& kind, const std::function<bool(const QByteArray& json)>& visit);
 
-/// Adds a row that was exported; one that is there stays as it is. Columns that this file lacks are left out. True
-/// where it was added.
+/// Adds an exported row; an existing one is left unchanged. Unknown columns are ignored. True if it was added.
 bool addPortable(LocalDB& db, const PortableKind& kind, const QJsonObject& row);
 
 }

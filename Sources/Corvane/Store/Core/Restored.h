@@ -6,12 +6,12 @@ namespace corvane {
 
 class LocalDB;
 
-/// Makes a database that was restored from a backup safe to go on with: what the backup holds as on its way out may
-/// have gone out since, so such drafts fail and say so, and requests of other programs end. All or nothing; false where
-/// it could not be written.
+/// Prepares a restored database for use: drafts that were being sent when the backup was made may have been sent since,
+/// so they fail with that reason, and requests of other programs are closed. All or nothing; false if it cannot be
+/// written.
 [[nodiscard]] bool settleRestored(LocalDB& db);
 
-/// Files that the rows name below the folder `from` are in `to` now. False where it could not be written.
+/// Rewrites file paths in the rows from the folder `from` to `to`. False if it cannot be written.
 [[nodiscard]] bool moveFilePaths(LocalDB& db, const QString& from, const QString& to);
 
 }

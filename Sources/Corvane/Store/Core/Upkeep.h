@@ -12,17 +12,16 @@ class LocalDB;
 /// The columns of each table, by its name.
 QMap<QString, QStringList> tableColumns(SqlConnection& db);
 
-/// The time of the newest message of all, in milliseconds since the epoch; 0 where there is none.
+/// The time of the newest message of all, in milliseconds since the epoch; 0 if there is none.
 qint64 newestMessageMs(SqlConnection& db);
 
-/// What costs little and is done when nobody waits: fresh figures for the query planner, and the log moved into the
-/// file as far as no reader needs it.
+/// Cheap maintenance: updates the planner's statistics and checkpoints the log as far as readers allow.
 void careWhileIdle(LocalDB& db);
 
-/// Moves the whole log into the file and cuts it off. False where a reader or writer is in the way.
+/// Checkpoints and truncates the log. False if a reader or writer prevents it.
 bool emptyLog(LocalDB& db);
 
-/// Writes the file anew without the room that deleted rows left. Nobody else writes meanwhile; takes long.
+/// Rewrites the file without its free space. Blocks other writers; slow.
 bool compact(LocalDB& db);
 
 }

@@ -66,9 +66,9 @@ void ApplicationObject::Open(const QStringList& uris, const QVariantMap& platfor
     Q_EMIT called(uris, platformData.value(tokenKey).toString());
 }
 
-void ApplicationObject::ActivateAction(const QString&, const QVariantList&, const QVariantMap& platformData)
+void ApplicationObject::ActivateAction(const QString& action, const QVariantList&, const QVariantMap& platformData)
 {
-    Activate(platformData);
+    Open({ action }, platformData);
 }
 
 BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus)

@@ -23,6 +23,7 @@ class ApplicationObject final : public QObject {
 public Q_SLOTS:
     Q_SCRIPTABLE void Activate(const QVariantMap& platformData);
     Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platformData);
+    /// An action of the desktop entry: the same as the argument of that name, such as "capture".
     Q_SCRIPTABLE void ActivateAction(
         const QString& action, const QVariantList& parameters, const QVariantMap& platformData);
 
