@@ -4,8 +4,12 @@
 #include "Foundation/SystemScheduler.h"
 #include "Platform/AppPaths.h"
 #include "Shell/AskCommand.h"
+#include "Shell/BackupCommand.h"
 #include "Shell/CalendarCommand.h"
 #include "Shell/CaptureCommand.h"
+#include "Shell/DoctorCommand.h"
+#include "Shell/ExchangeCommand.h"
+#include "Shell/InboxCommand.h"
 #include "Shell/ToolCommand.h"
 #include "Shell/VerifyCommand.h"
 
@@ -20,62 +24,79 @@ namespace corvane {
 
 namespace {
 
-struct Run {
-    AppPaths paths;
-    QStringList arguments; ///< after the words of the command
-    QTextStream& out;
-    QTextStream& errors;
-};
-
 struct TextCommand {
     QStringList words;
     QString arguments; ///< as the help names them
     QString what;
     qsizetype least = 0;
     qsizetype most = 0;
-    int (*run)(const Run& run) = nullptr; ///< none if the running program is told, or started
+    int (*run)(const TextCall& call) = nullptr; ///< none if the running program is told, or started
 };
 
 constexpr qsizetype any = 1'000'000;
 constexpr int wrongUse = 2;
 
-/// The arguments come from what is piped in; a person at a terminal who gives none is not waited for.
-int runTool(const Run& run)
+/// What is piped in; a person at a terminal who gives nothing is not waited for.
+QByteArray pipedIn()
 {
-    ToolCall call;
-    call.name = run.arguments.value(0);
     QFile input;
-    if (!call.name.isEmpty() && isatty(STDIN_FILENO) == 0 && input.open(stdin, QIODevice::ReadOnly))
-        call.arguments = input.readAll();
+    return isatty(STDIN_FILENO) == 0 && input.open(stdin, QIODevice::ReadOnly) ? input.readAll() : QByteArray();
+}
+
+int runTool(const TextCall& call)
+{
+    ToolCall tool;
+    tool.name = call.arguments.value(0);
+    if (!tool.name.isEmpty())
+        tool.arguments = pipedIn();
     if (const int port = qEnvironmentVariableIntValue("NIMB_MCP_PORT"); port > 0)
-        call.port = port;
+        tool.port = port;
     SystemScheduler scheduler;
-    return static_cast<int>(callTool(run.paths, scheduler, call, run.out, run.errors));
+    return static_cast<int>(callTool(call.paths, scheduler, tool, call.out, call.errors));
 }
 
 const QList<TextCommand>& commandTable()
 {
     static const QList<TextCommand> commands {
         { { u"ask"_s }, u"QUESTION"_s, u"Prints what Lumo answers."_s, 0, any,
-            [](const Run& run) {
-                return askQuestion(run.paths, run.arguments, run.out, run.errors);
+            [](const TextCall& call) {
+                return askQuestion(call.paths, call.arguments, call.out, call.errors);
             } },
+        { { u"backup"_s }, u"[OPTIONS] FILE"_s,
+            u"Keeps all data in a file (--encrypt, --secrets, --no-media), or checks one (--verify)."_s, 1, any,
+            runBackup },
         { { u"calendar"_s, u"import"_s }, u"FILE"_s, u"Adds the events of a calendar file."_s, 1, 1,
-            [](const Run& run) {
-                return importCalendarFile(run.paths, run.arguments.first(), run.out);
+            [](const TextCall& call) {
+                return importCalendarFile(call.paths, call.arguments.first(), call.out);
             } },
         { { u"capture"_s }, u"[--note] WORDS"_s, u"Keeps a task, or a note. Without words, opens the panel."_s, 1, any,
-            [](const Run& run) {
-                return captureWords(run.paths, run.arguments, run.errors);
+            [](const TextCall& call) {
+                return captureWords(call.paths, call.arguments, call.errors);
             } },
         { { u"capture"_s }, {}, {} },
+        { { u"doctor"_s }, u"[--fix] [--json]"_s, u"Checks the profile and this computer, and says what to do."_s, 0, 2,
+            runDoctor },
+        { { u"export"_s }, u"FOLDER"_s, u"Writes people, messages and records to a new folder."_s, 1, 1, runExport },
+        { { u"import"_s }, u"PATH"_s, u"Reads such a folder, or an .mbox, .eml, .vcf or .ics file."_s, 1, any,
+            runImport },
+        { { u"list"_s }, u"[--all] [--json]"_s, u"Lists who waits for you, or everybody."_s, 0, any, listPeople },
         { { u"mark"_s }, {}, u"Marks this moment of the call that is recorded."_s },
         { { u"record"_s }, {}, u"Starts or stops recording a call."_s },
+        { { u"restore"_s }, u"[OPTIONS] FILE"_s, u"Makes a profile of a backup (--into FOLDER, --replace)."_s, 1, any,
+            runRestore },
+        { { u"search"_s }, u"[--json] WORDS"_s, u"Finds messages that hold the words."_s, 1, any, searchInbox },
+        { { u"send"_s }, u"PERSON [WORDS]"_s, u"Writes a message that waits in Approvals."_s, 1, any,
+            [](const TextCall& call) {
+                const QString typed = call.arguments.size() > 1 ? QString() : QString::fromUtf8(pipedIn());
+                return draftMessage(call, typed);
+            } },
+        { { u"show"_s }, u"[--json] PERSON"_s, u"Prints the newest messages with somebody."_s, 1, any, showPerson },
+        { { u"status"_s }, u"[--json]"_s, u"Says what is new and what waits."_s, 0, any, printStatus },
         { { u"tool"_s }, u"[NAME]"_s,
             u"Calls a tool of the tool server with the JSON on standard input, or lists them."_s, 0, 1, runTool },
         { { u"verify"_s }, {}, u"Checks the record of decisions."_s, 0, 0,
-            [](const Run& run) {
-                return verifyDecisions(run.paths, run.out);
+            [](const TextCall& call) {
+                return verifyDecisions(call.paths, call.out);
             } },
     };
     return commands;
@@ -117,7 +138,8 @@ std::optional<int> runCommand(int argc, char** argv)
     if (!command->run)
         return std::nullopt;
     const QCoreApplication application(argc, argv);
-    return command->run({ AppPaths::fromEnvironment(), given.mid(command->words.size()), out, errors });
+    const AppPaths paths = AppPaths::fromEnvironment();
+    return command->run({ paths, given.mid(command->words.size()), out, errors });
 }
 
 QString commandHelp()

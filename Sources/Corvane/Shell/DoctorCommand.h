@@ -1,0 +1,11 @@
+#pragma once
+
+#include "Shell/TextCall.h"
+
+namespace corvane {
+
+/// `corvane doctor [--fix] [--json]`. It may run beside the program. The exit code: 0 where all is well, 1 where
+/// something needs a look, 2 where something is broken, or for wrong use.
+int runDoctor(const TextCall& call);
+
+}

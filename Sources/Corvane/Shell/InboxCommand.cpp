@@ -1,0 +1,284 @@
+#include "Shell/InboxCommand.h"
+
+#include "Care/Backup/BackupKeeper.h"
+#include "Foundation/Json.h"
+#include "Foundation/NotificationCentre.h"
+#include "Foundation/SystemScheduler.h"
+#include "Foundation/Text.h"
+#include "Foundation/UserDefaults.h"
+#include "Platform/AppPaths.h"
+#include "Platform/PrivateFile.h"
+#include "Platform/ProfileLock.h"
+#include "Presentation/CountWords.h"
+#include "Presentation/DateWords.h"
+#include "Shell/TerminalText.h"
+#include "Store/Approvals/OutboundQueries.h"
+#include "Store/Messages/InboxQueries.h"
+#include "Store/Messages/ThreadQueries.h"
+#include "Store/People/IdentityQueries.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTextStream>
+
+namespace corvane {
+
+namespace {
+
+constexpr int wrongUse = 2;
+constexpr int usualLimit = 30;
+constexpr int mostPeople = 100'000;
+constexpr int snippetLength = 60;
+
+/// The database of a profile that is there, and the options that these commands share.
+class Inbox {
+public:
+    Inbox(const TextCall& call, const QString& name, const QList<QCommandLineOption>& more = {})
+        : m_call(call)
+        , defaults(call.paths.defaultsFile)
+    {
+        const QCommandLineOption json(u"json"_s);
+        const QCommandLineOption most(u"limit"_s, {}, u"N"_s, QString::number(usualLimit));
+        parser.addOptions(QList { json, most } + more);
+        isUnderstood = parser.parse(QStringList(name) + call.arguments) && parser.value(most).toInt() > 0;
+        asJson = parser.isSet(json);
+        limit = parser.value(most).toInt();
+        words = parser.positionalArguments().join(u' ');
+        if (!isUnderstood || !QFileInfo::exists(call.paths.database()))
+            return;
+        keepFilesPrivate({ call.paths.applicationSupport });
+        db = std::make_unique<LocalDB>(call.paths.database(),
+            LocalDB::SchemaFolders { call.paths.resources, call.paths.home }, scheduler, defaults, nobody);
+    }
+
+    /// The exit code of a call that goes no further; says why.
+    std::optional<int> refusal(const char* usage)
+    {
+        if (!isUnderstood) {
+            m_call.errors << "Usage: corvane " << usage << '\n';
+            return wrongUse;
+        }
+        if (db && db->isOpen())
+            return std::nullopt;
+        m_call.errors << "There is no database at " << m_call.paths.database() << ".\n";
+        return 1;
+    }
+
+    QString time(qint64 ms) { return DateWords(scheduler.nowMs()).listTime(ms); }
+
+    void printJson(const QJsonArray& array)
+    {
+        m_call.out << QJsonDocument(array).toJson(QJsonDocument::Compact) << '\n';
+    }
+
+    QCommandLineParser parser;
+    bool isUnderstood = false;
+    bool asJson = false;
+    int limit = 0;
+    QString words;
+
+private:
+    const TextCall& m_call;
+
+public:
+    SystemScheduler scheduler;
+    UserDefaults defaults;
+    NotificationCentre nobody;
+    std::unique_ptr<LocalDB> db;
+};
+
+QString shortened(const QString& text)
+{
+    return firstCharacters(singleLine(printable(text)), snippetLength);
+}
+
+QString isoText(qint64 ms)
+{
+    return QDateTime::fromMSecsSinceEpoch(ms).toUTC().toString(Qt::ISODateWithMs);
+}
+
+QString nameOf(LocalDB& db, const ContactRow& person)
+{
+    return person.name.isEmpty() ? displayName(db, person.id) : person.name;
+}
+
+QJsonObject jsonOf(LocalDB& db, const ContactRow& person)
+{
+    return { { u"id"_s, person.id }, { u"name"_s, nameOf(db, person) },
+        { u"channels"_s, QJsonArray::fromStringList(person.platforms) }, { u"unread"_s, person.unread },
+        { u"lastMessageAt"_s, isoText(person.lastTs) }, { u"lastMessage"_s, person.snippet } };
+}
+
+QJsonObject jsonOf(const UnifiedMsgRow& message)
+{
+    return { { u"id"_s, message.id }, { u"at"_s, isoText(message.ts) }, { u"channel"_s, message.platform },
+        { u"direction"_s, message.direction }, { u"sender"_s, message.sender }, { u"subject"_s, message.subject },
+        { u"body"_s, message.body }, { u"media"_s, message.mediaPath.value_or(QString()) } };
+}
+
+QJsonObject jsonOf(const MessageHit& hit)
+{
+    return { { u"id"_s, hit.id }, { u"at"_s, isoText(hit.ts) }, { u"personId"_s, hit.contactId },
+        { u"person"_s, hit.contactName }, { u"channel"_s, hit.channel }, { u"direction"_s, hit.direction },
+        { u"text"_s, hit.snippet } };
+}
+
+/// Whom the words mean: an id, a name, or a part of one that fits a single person.
+std::optional<ContactRow> findPerson(LocalDB& db, const QString& words, QTextStream& errors)
+{
+    if (const auto person = fetchContact(db, words))
+        return person;
+    QList<ContactRow> fitting;
+    for (const InboxFilter filter : { InboxFilter::All, InboxFilter::Archived }) {
+        for (const ContactRow& person : fetchContacts(db, filter, {}, mostPeople)) {
+            const QString name = folded(nameOf(db, person));
+            if (name == folded(words))
+                return person;
+            if (name.contains(folded(words)))
+                fitting.append(person);
+        }
+    }
+    if (fitting.size() == 1)
+        return fitting.first();
+    errors << (fitting.isEmpty() ? "Nobody is called that: " : "Several people are called that: ") << printable(words)
+           << '\n';
+    for (const ContactRow& person : fitting.first(std::min<qsizetype>(fitting.size(), 10)))
+        errors << "  " << printable(nameOf(db, person)) << "  (" << printable(person.id) << ")\n";
+    return std::nullopt;
+}
+
+}
+
+int listPeople(const TextCall& call)
+{
+    const QCommandLineOption all(u"all"_s);
+    Inbox inbox(call, u"list"_s, { all });
+    if (const auto code = inbox.refusal("list [--all] [--limit N] [--json]"))
+        return *code;
+    LocalDB& db = *inbox.db;
+    const InboxFilter filter = inbox.parser.isSet(all) ? InboxFilter::All : InboxFilter::NeedsMe;
+    const QList<ContactRow> people = fetchContacts(db, filter, {}, inbox.limit);
+    if (inbox.asJson) {
+        QJsonArray array;
+        for (const ContactRow& person : people)
+            array.append(jsonOf(db, person));
+        inbox.printJson(array);
+        return 0;
+    }
+    for (const ContactRow& person : people) {
+        call.out << coloured(inbox.time(person.lastTs).leftJustified(12), TextColour::Faint)
+                 << coloured(shortened(nameOf(db, person)), TextColour::Bold);
+        if (person.unread > 0)
+            call.out << coloured(u" (%1)"_s.arg(person.unread), TextColour::Yellow);
+        call.out << "  " << shortened(person.snippet) << '\n';
+    }
+    return 0;
+}
+
+int showPerson(const TextCall& call)
+{
+    Inbox inbox(call, u"show"_s);
+    inbox.isUnderstood = inbox.isUnderstood && !inbox.words.isEmpty();
+    if (const auto code = inbox.refusal("show [--limit N] [--json] PERSON"))
+        return *code;
+    const auto person = findPerson(*inbox.db, inbox.words, call.errors);
+    if (!person)
+        return 1;
+    const QList<UnifiedMsgRow> thread = fetchUnifiedThread(*inbox.db, person->id, inbox.limit);
+    if (inbox.asJson) {
+        QJsonArray array;
+        for (const UnifiedMsgRow& message : thread)
+            array.append(jsonOf(message));
+        inbox.printJson(array);
+        return 0;
+    }
+    const QString name = printable(nameOf(*inbox.db, *person));
+    for (const UnifiedMsgRow& message : thread) {
+        const bool isOwn = message.direction == "OUT"_L1;
+        call.out << coloured(inbox.time(message.ts).leftJustified(12), TextColour::Faint)
+                 << coloured(isOwn ? u"You"_s : name, TextColour::Bold) << ": ";
+        if (!message.subject.isEmpty())
+            call.out << singleLine(printable(message.subject)) << " - ";
+        call.out << printable(message.body).replace(u'\n', u"\n              "_s);
+        if (message.mediaType)
+            call.out << coloured(u" [%1]"_s.arg(printable(*message.mediaType)), TextColour::Faint);
+        call.out << '\n';
+    }
+    return 0;
+}
+
+int searchInbox(const TextCall& call)
+{
+    Inbox inbox(call, u"search"_s);
+    inbox.isUnderstood = inbox.isUnderstood && !inbox.words.isEmpty();
+    if (const auto code = inbox.refusal("search [--limit N] [--json] WORDS"))
+        return *code;
+    const QList<MessageHit> hits = searchMessages(*inbox.db, inbox.words, inbox.limit);
+    if (inbox.asJson) {
+        QJsonArray array;
+        for (const MessageHit& hit : hits)
+            array.append(jsonOf(hit));
+        inbox.printJson(array);
+        return hits.isEmpty() ? 1 : 0;
+    }
+    for (const MessageHit& hit : hits)
+        call.out << coloured(inbox.time(hit.ts).leftJustified(12), TextColour::Faint)
+                 << coloured(shortened(hit.contactName), TextColour::Bold) << "  " << shortened(hit.snippet) << '\n';
+    return hits.isEmpty() ? 1 : 0; // as grep does
+}
+
+int draftMessage(const TextCall& call, const QString& typed)
+{
+    Inbox inbox(call, u"send"_s);
+    const QStringList given = inbox.parser.positionalArguments();
+    const QString text = given.size() > 1 ? given.mid(1).join(u' ') : typed.trimmed();
+    inbox.isUnderstood = inbox.isUnderstood && !given.isEmpty();
+    if (const auto code = inbox.refusal("send PERSON [WORDS]"))
+        return *code;
+    if (text.isEmpty()) {
+        call.errors << "There is no text to send.\n";
+        return wrongUse;
+    }
+    const auto person = findPerson(*inbox.db, given.first(), call.errors);
+    if (!person)
+        return 1;
+    const auto conversation = newestConversation(*inbox.db, person->id);
+    if (!conversation || !queueDraft(*inbox.db, *conversation, text, u"terminal"_s)) {
+        call.errors << "The database didn't take it.\n";
+        return 1;
+    }
+    call.out << "It waits in Approvals: to " << printable(nameOf(*inbox.db, *person)) << ".\n";
+    return 0;
+}
+
+int printStatus(const TextCall& call)
+{
+    Inbox inbox(call, u"status"_s);
+    inbox.isUnderstood = inbox.isUnderstood && inbox.words.isEmpty();
+    if (const auto code = inbox.refusal("status [--json]"))
+        return *code;
+    LocalDB& db = *inbox.db;
+    const bool runs = ProfileLock::take(call.paths.applicationSupport) == nullptr;
+    const int unread = totalUnread(db);
+    const qsizetype waiting = fetchDrafts(db, { DraftStatus::Pending, DraftStatus::Failed }, mostPeople).size();
+    const QList<KeptBackup> kept = keptBackups(backupFolder(call.paths, inbox.defaults));
+    if (inbox.asJson) {
+        QJsonObject status { { u"running"_s, runs }, { u"unread"_s, unread }, { u"waitingDrafts"_s, waiting } };
+        if (!kept.isEmpty())
+            status.insert(u"lastBackupAt"_s, isoText(kept.first().madeAtMs));
+        call.out << compactJson(status) << '\n';
+        return 0;
+    }
+    call.out << (runs ? "Corvane runs.\n" : "Corvane does not run.\n")
+             << countWords(unread, u"unread message"_s, u"unread messages"_s) << ".\n"
+             << countWords(waiting, u"message waits"_s, u"messages wait"_s) << " in Approvals.\n"
+             << (kept.isEmpty() ? u"There is no backup yet."_s
+                                : u"The last backup was made %1."_s.arg(
+                                      DateWords(inbox.scheduler.nowMs()).ago(kept.first().madeAtMs)))
+             << '\n';
+    return 0;
+}
+
+}

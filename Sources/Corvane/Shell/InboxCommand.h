@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Shell/TextCall.h"
+
+namespace corvane {
+
+// The inbox at the terminal, beside the program. What strangers wrote is printed without the characters that steer a
+// terminal. 1, too, where nothing was found.
+
+int listPeople(const TextCall& call); ///< `corvane list [--all] [--limit N] [--json]`
+int showPerson(const TextCall& call); ///< `corvane show [--limit N] [--json] PERSON`
+int searchInbox(const TextCall& call); ///< `corvane search [--limit N] [--json] WORDS`
+int printStatus(const TextCall& call); ///< `corvane status [--json]`
+
+/// `corvane send PERSON [WORDS]`: a draft that waits in Approvals, whatever the arguments. Without words, the text is
+/// `typed`.
+int draftMessage(const TextCall& call, const QString& typed);
+
+}

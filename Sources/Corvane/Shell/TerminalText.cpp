@@ -1,0 +1,58 @@
+#include "Shell/TerminalText.h"
+
+#include "Foundation/Literals.h"
+
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+const char* codeOf(TextColour colour)
+{
+    switch (colour) {
+    case TextColour::Green:
+        return "32";
+    case TextColour::Yellow:
+        return "33";
+    case TextColour::Red:
+        return "31";
+    case TextColour::Bold:
+        return "1";
+    case TextColour::Faint:
+        return "2";
+    }
+    Q_UNREACHABLE();
+}
+
+bool showsColours()
+{
+    static const bool shows
+        = ::isatty(STDOUT_FILENO) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
+    return shows;
+}
+
+bool steers(QChar character)
+{
+    if (character == u'\n' || character == u'\t')
+        return false;
+    const ushort code = character.unicode();
+    const bool turnsLines = (code >= 0x202a && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
+    return character.category() == QChar::Other_Control || turnsLines || code == 0x2028 || code == 0x2029;
+}
+
+}
+
+QString coloured(const QString& words, TextColour colour)
+{
+    return showsColours() ? u"\x1b[%1m%2\x1b[0m"_s.arg(QLatin1StringView(codeOf(colour)), words) : words;
+}
+
+QString printable(const QString& text)
+{
+    QString clean = text;
+    clean.removeIf(steers);
+    return clean;
+}
+
+}
