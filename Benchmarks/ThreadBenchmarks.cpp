@@ -4,8 +4,8 @@
 
 #include "Inbox/Thread/ThreadRow.h"
 #include "Presentation/RowListModel.h"
-#include "Store/Messages/MessageSearch.h"
 #include "Store/Messages/ThreadQueries.h"
+#include "Store/Search/MessageSearch.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -159,7 +159,7 @@ void searchFromTheWindow(benchmark::State& state)
     qint64 longestTurn = 0;
     for (auto _ : state) {
         bool found = false;
-        search.start(rareWord, 60, [&](const QList<MessageHit>&) { found = true; });
+        search.start(rareWord, 60, [&](const FoundMessages&) { found = true; });
         while (!found) {
             QElapsedTimer turn;
             turn.start();

@@ -2,6 +2,7 @@
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Messages/ThreadQueries.h"
+#include "Store/Search/SearchQueries.h"
 #include "Support/StoreTest.h"
 
 #include <random>

@@ -1,4 +1,4 @@
-#include "Store/Messages/MessageSearch.h"
+#include "Store/Search/MessageSearch.h"
 
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
@@ -43,7 +43,7 @@ TEST_F(MessageSearchTest, whatIsFoundComesHomeAsTheSameRows)
 {
     MessageSearch search(*m_db);
     std::optional<QList<MessageHit>> found;
-    search.start("hay", 60, [&](const QList<MessageHit>& hits) { found = hits; });
+    search.start("hay", 60, [&](const FoundMessages& answer) { found = answer.hits; });
     EXPECT_FALSE(found) << "never before the caller is done";
     ASSERT_TRUE(await([&] { return found.has_value(); }));
     EXPECT_EQ(found->size(), 60);
@@ -54,15 +54,15 @@ TEST_F(MessageSearchTest, aNewerSearchStopsTheOlderWhichIsNeverHeardOf)
 {
     MessageSearch search(*m_db);
     QStringList heard;
-    search.start("hay", 60, [&](const QList<MessageHit>&) { heard.append("hay"); });
-    search.start("straw", 60, [&](const QList<MessageHit>&) { heard.append("straw"); });
-    search.start("needle", 60, [&](const QList<MessageHit>& hits) { heard.append(ids(hits)); });
+    search.start("hay", 60, [&](const FoundMessages&) { heard.append("hay"); });
+    search.start("straw", 60, [&](const FoundMessages&) { heard.append("straw"); });
+    search.start("needle", 60, [&](const FoundMessages& found) { heard.append(ids(found.hits)); });
     ASSERT_TRUE(await([&] { return !heard.isEmpty(); }));
-    search.start("hay", 60, [&](const QList<MessageHit>&) { heard.append("hay"); });
+    search.start("hay", 60, [&](const FoundMessages&) { heard.append("hay"); });
     search.stop();
     bool last = false;
     MessageSearch other(*m_db);
-    other.start("straw", 60, [&](const QList<MessageHit>&) { last = true; });
+    other.start("straw", 60, [&](const FoundMessages&) { last = true; });
     ASSERT_TRUE(await([&] { return last; }));
     EXPECT_EQ(heard, QStringList("wa:msg:needle"));
 }
@@ -93,7 +93,7 @@ TEST_F(MessageSearchTest, theEndOfTheProgramWaitsForNoSearch)
     bool heard = false;
     for (int i = 0; i < 20; ++i) {
         MessageSearch search(*m_db);
-        search.start("hay", 60, [&](const QList<MessageHit>&) { heard = true; });
+        search.start("hay", 60, [&](const FoundMessages&) { heard = true; });
     }
     EXPECT_FALSE(heard);
 }
@@ -102,11 +102,11 @@ TEST_F(MessageSearchTest, aDatabaseThatIsNotOpenGivesNothing)
 {
     m_db.reset();
     QDir().mkpath(path() + ".folder");
-    const LocalDB broken(path() + ".folder", {}, m_clock, m_defaults, m_centre);
+    LocalDB broken(path() + ".folder", {}, m_clock, m_defaults, m_centre);
     ASSERT_FALSE(broken.isOpen());
     MessageSearch search(broken);
     std::optional<QList<MessageHit>> found;
-    search.start("hay", 60, [&](const QList<MessageHit>& hits) { found = hits; });
+    search.start("hay", 60, [&](const FoundMessages& answer) { found = answer.hits; });
     ASSERT_TRUE(await([&] { return found.has_value(); }));
     EXPECT_TRUE(found->isEmpty());
     EXPECT_FALSE(SqlConnection::reader("/nowhere/at.all", std::make_shared<std::atomic<bool>>(false))->isOpen());

@@ -38,6 +38,7 @@
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Search/SearchIndexer.h"
 #include "Voice/DictationAnywhere.h"
 #include "Voice/TranslationService.h"
 #include "Voice/VoiceServices.h"
@@ -88,6 +89,7 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_engine = std::make_unique<EngineManager>(surroundings,
         std::make_unique<LocalDB>(m_paths.database(), LocalDB::SchemaFolders { m_paths.resources, m_paths.home },
             m_scheduler, m_defaults, m_notifications));
+    m_searchIndexer = std::make_unique<SearchIndexer>(m_engine->db(), m_scheduler);
     m_engine->setContactsBridge(m_contacts.get());
     m_engine->setAccounts(m_store.get());
     m_delivery = std::make_unique<DraftDelivery>(m_engine->db(), *m_engine, m_scheduler);
@@ -155,6 +157,7 @@ void CorvaneApp::onAppear()
         return; // with a damaged database it runs once there is another
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->db().watch().start();
+    m_searchIndexer->start();
     m_delivery->startWatch();
     m_engine->startAIRequestWatch(m_ai->ai);
     m_resources->start();

@@ -37,6 +37,7 @@ class RecordedCalls;
 class ProcessLauncher;
 class QuickCapture;
 class ResourceMonitor;
+class SearchIndexer;
 class SessionStore;
 class StoreRecovery;
 class TranslationService;
@@ -139,6 +140,7 @@ private:
     std::unique_ptr<AccountStore> m_store;
     std::unique_ptr<AIServices> m_ai;
     std::unique_ptr<EngineManager> m_engine;
+    std::unique_ptr<SearchIndexer> m_searchIndexer;
     std::unique_ptr<DraftDelivery> m_delivery;
     std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<CalendarServices> m_calendar;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Messages/InboxQueries.h"
+#include "Store/Search/SearchQueries.h"
 
 #include <QMetaType>
 

@@ -21,6 +21,7 @@ class ContactListView : public QObject {
     Q_PROPERTY(bool atTop READ atTop WRITE setAtTop NOTIFY atTopChanged) ///< the first rows are visible
     Q_PROPERTY(QString newAbove READ newAbove NOTIFY newAboveChanged) ///< such as "3 new above"; empty for none
     Q_PROPERTY(bool loading READ loading NOTIFY changed) ///< until the first reload
+    Q_PROPERTY(QString hitsTitle READ hitsTitle NOTIFY changed)
     Q_PROPERTY(bool searching READ searching NOTIFY changed) ///< a search is running and takes a while
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed) ///< neither contacts nor results to show, now or soon
     Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY changed) ///< index of the open person in `contacts`, or -1
@@ -37,6 +38,7 @@ public:
     void setAtTop(bool atTop);
     QString newAbove() const;
     bool loading() const { return m_loading; }
+    QString hitsTitle() const { return m_hits.title(); }
     bool searching() const { return m_hits.searching(); }
     bool hitsPending() const { return m_hits.pending(); } ///< `messageHits` is not up to date with the search
     bool isEmpty() const { return m_contactModel.rows().isEmpty() && m_hits.rows().isEmpty() && !m_hits.pending(); }

@@ -1,5 +1,6 @@
 #include "Inbox/List/MessageHits.h"
 
+#include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 
 namespace corvane {
@@ -13,7 +14,7 @@ constexpr Milliseconds refreshPeriod { 2000 };
 
 }
 
-MessageHits::MessageHits(const LocalDB& db, Scheduler& scheduler, QObject* parent)
+MessageHits::MessageHits(LocalDB& db, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_scheduler(scheduler)
     , m_refreshSoon(scheduler, refreshPeriod,
@@ -59,20 +60,28 @@ void MessageHits::search()
     if (m_query.isEmpty())
         return;
     m_running = true;
-    m_search.start(m_query, hitLimit, [this](const QList<MessageHit>& hits) {
+    m_search.start(m_query, hitLimit, [this](const FoundMessages& found) {
         m_running = false;
         m_pending = false;
-        show(hits);
+        show(found);
         if (std::exchange(m_again, false))
             m_refreshSoon.request();
     });
 }
 
-void MessageHits::show(const QList<MessageHit>& hits)
+QString MessageHits::title() const
 {
+    if (m_searching)
+        return u"Searching the messages…"_s;
+    return m_indexPercent ? u"Messages · the search index is %1 % built"_s.arg(*m_indexPercent) : u"Messages"_s;
+}
+
+void MessageHits::show(const FoundMessages& found)
+{
+    m_indexPercent = found.indexPercent;
     m_patience.reset();
     m_searching = false;
-    m_model.assign(messageHitItems(hits, m_query, DateWords(m_scheduler.nowMs())));
+    m_model.assign(messageHitItems(found.hits, m_query, DateWords(m_scheduler.nowMs())));
     Q_EMIT changed();
 }
 

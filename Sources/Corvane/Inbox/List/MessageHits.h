@@ -3,7 +3,7 @@
 #include "Foundation/Coalescer.h"
 #include "Inbox/List/ContactItem.h"
 #include "Presentation/RowListModel.h"
-#include "Store/Messages/MessageSearch.h"
+#include "Store/Search/MessageSearch.h"
 
 namespace corvane {
 
@@ -13,11 +13,12 @@ class MessageHits : public QObject {
     Q_OBJECT
 public:
     /// Both outlive the object.
-    MessageHits(const LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
+    MessageHits(LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
 
     HoldingListModel* model() { return &m_model; }
     const QList<MessageHitItem>& rows() const { return m_model.rows(); }
     bool pending() const { return m_pending; } ///< the results are not up to date with the query
+    QString title() const; ///< above the rows
     bool searching() const { return m_searching; } ///< and for so long that it should be indicated
 
     /// A new query starts a search and cancels the previous one; the same query is searched again soon; an empty one
@@ -29,7 +30,7 @@ Q_SIGNALS:
 
 private:
     void search();
-    void show(const QList<MessageHit>& hits);
+    void show(const FoundMessages& found);
 
     Scheduler& m_scheduler;
     QString m_query;
@@ -38,6 +39,7 @@ private:
     bool m_again = false; ///< messages arrived during the search
     bool m_pending = false;
     bool m_searching = false;
+    std::optional<int> m_indexPercent;
     std::unique_ptr<Timer> m_patience;
     Coalescer m_refreshSoon;
     MessageSearch m_search;

@@ -7,6 +7,7 @@
 #include "Store/Core/Schema.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Search/MessageChanges.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -22,6 +23,11 @@ namespace {
 
 constexpr int busyTimeoutMs = 5000;
 constexpr int frameMs = 16;
+
+void noteChange(void* changes, int operation, const char* /*schema*/, const char* table, sqlite3_int64 rowid)
+{
+    static_cast<MessageChanges*>(changes)->note(operation, table, rowid);
+}
 
 }
 
@@ -78,6 +84,7 @@ bool LocalDB::openFile()
     // A savepoint a line copies each page that the line changes. In a file that costs a third of a group.
     exec(u"PRAGMA temp_store=MEMORY;"_s);
     exec(u"PRAGMA cache_size=-16384;"_s); // KiB
+    sqlite3_update_hook(m_db, noteChange, &m_watch->messageChanges());
     applySchema(*this, m_schema);
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Store/Core/LocalDB.h"
+#include "Store/Search/MessageChanges.h"
 
 #include <QStringList>
 
@@ -48,6 +49,7 @@ QStringList rowsOf(StoreSubject subject)
 StoreWatch::StoreWatch(LocalDB& db, Scheduler& scheduler)
     : m_db(db)
     , m_scheduler(scheduler)
+    , m_messageChanges(std::make_unique<MessageChanges>())
 {
 }
 

@@ -8,6 +8,7 @@
 namespace corvane {
 
 class LocalDB;
+class MessageChanges;
 
 /// What rows are about, as far as observers need to distinguish it.
 enum class StoreSubject { Messages, Drafts, Approvals, Requests, Work, Calendar, Sync };
@@ -27,6 +28,9 @@ public:
     /// This program changed rows of the subject; notifies observers now.
     void tell(StoreSubject subject) { Q_EMIT changed(subject); }
 
+    /// What this program changes of the messages, row by row, for the search index.
+    MessageChanges& messageChanges() { return *m_messageChanges; }
+
     /// Calls back whenever the subject may have changed, as long as `context` lives.
     void on(StoreSubject subject, QObject* context, const std::function<void()>& callback);
 
@@ -42,6 +46,7 @@ private:
 
     LocalDB& m_db;
     Scheduler& m_scheduler;
+    std::unique_ptr<MessageChanges> m_messageChanges;
     std::unique_ptr<Timer> m_timer;
     QString m_version; ///< SQLite's data_version
     QHash<StoreSubject, QByteArray> m_seen; ///< the rows of those subjects that are compared

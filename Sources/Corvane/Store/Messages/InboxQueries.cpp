@@ -39,19 +39,6 @@ const Table<ContactRow> contacts("contact ct",
 const QString ofWorkspace = u"JOIN unified_conversation c ON c.contact_id=ct.id\n"
                             "WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL\n  AND "_s;
 
-const Table<MessageHit> hits("unified_message m",
-    {
-        { "m.id", &MessageHit::id },
-        { "cc.contact_id", &MessageHit::contactId },
-        { "COALESCE(ct.display_name, cc.contact_id)", &MessageHit::contactName },
-        { "cc.channel", &MessageHit::channel },
-        { "COALESCE(NULLIF(m.subject,'') || ': ', '') || COALESCE(NULLIF(m.body,''), at.transcript, '')",
-            &MessageHit::snippet },
-        { "m.ts", &MessageHit::ts },
-        { "m.direction", &MessageHit::direction },
-        { "ct.avatar_path", &MessageHit::avatarPath, "''" },
-    });
-
 QString archivedCondition(InboxFilter filter)
 {
     return filter == InboxFilter::Archived ? u"archived_at IS NOT NULL"_s : u"archived_at IS NULL"_s;
@@ -166,19 +153,6 @@ JOIN unified_conversation c ON c.id=l.conversation_id;)"_s.arg(newestMessage.arg
             return true;
         });
     return last;
-}
-
-QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit)
-{
-    const QString pattern = u'%' + query + u'%';
-    return hits.rows(db, R"(JOIN unified_conversation cc ON m.conversation_id=cc.id
-LEFT JOIN contact ct ON ct.id=cc.contact_id
-LEFT JOIN audio_transcript at ON at.message_id=m.id
-WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL
-  AND (m.body LIKE ? OR at.transcript LIKE ? OR m.subject LIKE ?)
-  AND COALESCE(NULLIF(m.body,''), at.transcript, m.subject, '') != ''
-ORDER BY m.ts DESC LIMIT ?;)",
-        { pattern, pattern, pattern, limit });
 }
 
 std::optional<int> unreadOf(LocalDB& db, const QString& contactId)

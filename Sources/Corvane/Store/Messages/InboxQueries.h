@@ -26,20 +26,6 @@ struct ContactRow {
     bool operator==(const ContactRow&) const = default;
 };
 
-/// A message that a search found.
-struct MessageHit {
-    QString id;
-    QString contactId;
-    QString contactName;
-    QString channel;
-    QString snippet;
-    qint64 ts = 0;
-    QString direction; ///< "IN" or "OUT"
-    QString avatarPath;
-
-    bool operator==(const MessageHit&) const = default;
-};
-
 /// A conversation to which a reply goes.
 struct ReplyTarget {
     QString account; ///< slug
@@ -74,9 +60,6 @@ struct LastMessage {
 
 /// By contact id; people without a message are missing.
 QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& contactIds);
-
-/// Messages and transcripts that contain the text, newest first, in all workspaces.
-QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
 
 std::optional<int> unreadOf(LocalDB& db, const QString& contactId); ///< nothing if nobody with that id has written
 int totalUnread(LocalDB& db);

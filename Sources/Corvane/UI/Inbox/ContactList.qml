@@ -101,7 +101,7 @@ ListView {
             leftPadding: Theme.large
             topPadding: Theme.large
             bottomPadding: Theme.tight
-            text: list.inbox.list.searching ? qsTr("Searching the messages…") : qsTr("Messages")
+            text: list.inbox.list.hitsTitle
         }
         Skeleton {
             width: parent.width

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Store/Core/SqlConnection.h"
+
+namespace corvane {
+
+/// A message that a search found.
+struct MessageHit {
+    QString id;
+    QString contactId;
+    QString contactName;
+    QString channel;
+    QString snippet;
+    qint64 ts = 0;
+    QString direction; ///< "IN" or "OUT"
+    QString avatarPath;
+
+    bool operator==(const MessageHit&) const = default;
+};
+
+/// Every message in whose body, transcript or subject the words occur, newest first; reads all messages until it has
+/// enough. % and _ are wildcards.
+QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
+
+/// Those of the rows above that have one of the times, in the same order.
+QList<MessageHit> searchMessagesAt(SqlConnection& db, const QString& query, const QList<qint64>& times, int limit);
+
+/// Messages by their place in the file.
+struct MessageRange {
+    qint64 after = 0; ///< rowid of unified_message
+    QList<qint64> messages; ///< rowids of unified_message
+    QList<qint64> transcripts; ///< rowids of audio_transcript
+};
+
+/// The times of those that `searchMessages` would find in the range.
+QList<qint64> timesOfMatches(SqlConnection& db, const QString& query, const MessageRange& range);
+
+/// The values as a JSON array, for json_each.
+QString jsonNumbers(const QList<qint64>& values);
+
+}

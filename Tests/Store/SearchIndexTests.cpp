@@ -1,0 +1,166 @@
+#include "Store/Search/SearchIndexer.h"
+
+#include "Foundation/Literals.h"
+#include "Store/Core/StoreWatch.h"
+#include "Store/Messages/IngestQueries.h"
+#include "Support/Await.h"
+#include "Support/StoreTest.h"
+
+#include <QFile>
+#include <random>
+
+namespace corvane {
+
+namespace {
+
+class SearchIndexTest : public StoreTest {
+protected:
+    SearchIndexTest()
+    {
+        open();
+        m_conversation = ensureConversation(*m_db, u"SMS"_s, u"a"_s, u"1"_s, u"Ana"_s, 1);
+        m_db->watch().messageChanges().onChange([] { });
+    }
+
+    void write(int number, const QString& body, qint64 ts)
+    {
+        m_db->run("INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
+                  "VALUES(?, 'local', ?, 'IN', ?, ?, 1);",
+            { u"m:%1"_s.arg(number), m_conversation, body, ts });
+    }
+
+    IndexState advance()
+    {
+        MessageChanges& changes = m_db->watch().messageChanges();
+        SearchIndex index(m_path, m_never);
+        IndexState state;
+        do
+            state = index.advance(*SqlConnection::reader(m_db->path(), m_never), changes.take());
+        while (state.usable && state.more);
+        changes.taken();
+        return state;
+    }
+
+    std::optional<QList<MessageHit>> find(const QString& query, int limit = 60)
+    {
+        return searchByIndex(*SqlConnection::reader(m_db->path(), m_never), *SqlConnection::reader(m_path, m_never),
+            query, limit, m_db->watch().messageChanges().all());
+    }
+
+    void expectTheSame(const QString& query, int limit = 60)
+    {
+        const auto found = find(query, limit);
+        ASSERT_TRUE(found) << query.toStdString();
+        EXPECT_EQ(*found, searchMessages(*m_db, query, limit)) << query.toStdString();
+    }
+
+    QString m_conversation;
+    const SearchIndex::Stopped m_never = std::make_shared<std::atomic<bool>>(false);
+    const QString m_path = SearchIndex::pathBeside(path());
+};
+
+}
+
+// Random texts over a small alphabet in several scripts, with equal times, empty texts and wildcards in the queries;
+// rows are added, changed, deleted and transcribed between the searches.
+TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
+{
+    std::mt19937 random(20);
+    const QStringList pieces { u"an"_s, u"ka"_s, u" "_s, u"Ä"_s, u"ß"_s, u"会"_s, u"议"_s, u"\""_s, u"%"_s, u"_"_s,
+        u"👍"_s, u"é"_s, u"И"_s, u"'"_s };
+    const auto words = [&](int most) {
+        QString text;
+        for (int i = int(random() % (most + 1)); i > 0; --i)
+            text += pieces.at(int(random() % pieces.size()));
+        return text;
+    };
+    int number = 0;
+    for (; number < 600; ++number)
+        write(number, words(14), 1'700'000'000'000 + qint64(random() % 300));
+    write(++number, u"far away kan"_s, -5);
+    advance();
+    int answered = 0;
+    for (int round = 0; round < 300; ++round) {
+        if (round % 3 == 0)
+            write(++number, words(14), 1'700'000'000'000 + qint64(random() % 400));
+        const QString one = u"m:%1"_s.arg(random() % number);
+        if (round % 5 == 0)
+            m_db->run("UPDATE unified_message SET body=? WHERE id=?;", { words(14), one });
+        if (round % 7 == 0)
+            m_db->run("UPDATE unified_message SET deleted_at=1 WHERE id=?;", { one });
+        if (round % 11 == 0)
+            m_db->run("INSERT OR REPLACE INTO audio_transcript(id, message_id, transcript, created_at, updated_at) "
+                      "VALUES(?,?,?,1,1);",
+                { one, one, words(14) });
+        if (round % 13 == 0)
+            advance();
+        const QString query = words(5);
+        if (!find(query))
+            continue;
+        expectTheSame(query, 1 + int(random() % 70));
+        ++answered;
+    }
+    EXPECT_GT(answered, 60);
+    expectTheSame(u"kan"_s);
+}
+
+TEST_F(SearchIndexTest, leavesToOthersWhatItCannotAnswer)
+{
+    write(1, u"the needle"_s, 1);
+    EXPECT_FALSE(find(u"needle"_s)) << "nothing is built yet";
+    EXPECT_TRUE(advance().complete);
+    expectTheSame(u"needle"_s);
+    EXPECT_FALSE(find(u"ne"_s));
+    EXPECT_FALSE(find(u"ne%dl%"_s));
+    m_db->run("DELETE FROM unified_message;");
+    write(2, u"another database"_s, 1);
+    EXPECT_FALSE(find(u"needle"_s)) << "the rows are not those that were indexed";
+    advance();
+    expectTheSame(u"another"_s);
+    EXPECT_EQ(find(u"needle"_s)->size(), 0);
+}
+
+TEST_F(SearchIndexTest, moreMessagesOfOneMillisecondThanItNumbers)
+{
+    m_db->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<4200) "
+              "INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
+              "SELECT 'c:' || i, 'local', ?, 'IN', 'crowd ' || i, 7, i FROM n;",
+        { m_conversation });
+    advance();
+    expectTheSame(u"crowd 4199"_s);
+    expectTheSame(u"crowd"_s, 5);
+}
+
+// Another program changes rows without a word to this one.
+TEST_F(SearchIndexTest, aSweepFindsWhatOthersChanged)
+{
+    write(1, u"before"_s, 1);
+    advance();
+    m_db->run("UPDATE unified_message SET body='afterwards' WHERE id='m:1';");
+    m_db->watch().messageChanges().take();
+    m_db->watch().messageChanges().taken();
+    EXPECT_EQ(find(u"afterwards"_s)->size(), 0);
+    EXPECT_FALSE(SearchIndex(m_path, m_never).sweep(*SqlConnection::reader(m_db->path(), m_never), 0));
+    expectTheSame(u"afterwards"_s);
+    EXPECT_EQ(find(u"before"_s)->size(), 0);
+}
+
+TEST_F(SearchIndexTest, theIndexerFollowsAndAFaultyFileIsBuiltAnew)
+{
+    QFile broken(m_path);
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly) && broken.write(QByteArray(8192, 'x')) > 0);
+    broken.close();
+    write(1, u"the needle"_s, 1);
+    m_db->watch().messageChanges().onChange({});
+    SearchIndexer indexer(*m_db, m_clock);
+    indexer.start();
+    const auto follows = [&] {
+        m_clock.advance(std::chrono::seconds(2));
+        return indexer.state().complete;
+    };
+    ASSERT_TRUE(await(follows));
+    expectTheSame(u"needle"_s);
+    EXPECT_EQ(QFile::permissions(m_path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+}
+
+}
