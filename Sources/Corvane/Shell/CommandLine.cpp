@@ -144,7 +144,7 @@ std::optional<int> runCommand(int argc, char** argv)
 
 QString commandHelp()
 {
-    constexpr int indent = 30;
+    constexpr int indent = 33;
     QString lines = u"Commands:\n"_s;
     for (const TextCommand& command : commandTable()) {
         if (!command.what.isEmpty())

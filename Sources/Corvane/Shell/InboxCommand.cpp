@@ -9,6 +9,7 @@
 #include "Platform/AppPaths.h"
 #include "Platform/PrivateFile.h"
 #include "Platform/ProfileLock.h"
+#include "Presentation/BodyText.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Shell/TerminalText.h"
@@ -26,6 +27,8 @@
 namespace corvane {
 
 namespace {
+
+using BodyText::printable;
 
 constexpr int wrongUse = 2;
 constexpr int usualLimit = 30;

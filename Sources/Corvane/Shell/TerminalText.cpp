@@ -32,27 +32,11 @@ bool showsColours()
     return shows;
 }
 
-bool steers(QChar character)
-{
-    if (character == u'\n' || character == u'\t')
-        return false;
-    const ushort code = character.unicode();
-    const bool turnsLines = (code >= 0x202a && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
-    return character.category() == QChar::Other_Control || turnsLines || code == 0x2028 || code == 0x2029;
-}
-
 }
 
 QString coloured(const QString& words, TextColour colour)
 {
     return showsColours() ? u"\x1b[%1m%2\x1b[0m"_s.arg(QLatin1StringView(codeOf(colour)), words) : words;
-}
-
-QString printable(const QString& text)
-{
-    QString clean = text;
-    clean.removeIf(steers);
-    return clean;
 }
 
 }

@@ -6,13 +6,13 @@
 namespace corvane {
 
 /// The result of a check: a sentence, and what to do about it.
-struct Verdict {
+struct CheckResult {
     Health health = Health::Good;
     QString words;
     QString advice {};
 };
 
-inline Verdict good(const QString& words)
+inline CheckResult good(const QString& words)
 {
     return { Health::Good, words };
 }
@@ -23,33 +23,33 @@ inline Verdict good(const QString& words)
 namespace checks {
 
 // Of the profile: StoreChecks.cpp and ProfileChecks.cpp.
-Verdict database(const Patient& patient);
-Verdict schema(const Patient& patient);
-Verdict databaseSize(const Patient& patient);
-Verdict databaseLog(const Patient& patient);
-Verdict decisions(const Patient& patient);
-Verdict disk(const Patient& patient);
-Verdict folders(const Patient& patient);
-Verdict accounts(const Patient& patient);
-Verdict backups(const Patient& patient);
+CheckResult database(const Patient& patient);
+CheckResult schema(const Patient& patient);
+CheckResult databaseSize(const Patient& patient);
+CheckResult databaseLog(const Patient& patient);
+CheckResult decisions(const Patient& patient);
+CheckResult disk(const Patient& patient);
+CheckResult folders(const Patient& patient);
+CheckResult accounts(const Patient& patient);
+CheckResult backups(const Patient& patient);
 
 // Of the machine: MachineChecks.cpp.
-Verdict node(const Patient& patient);
-Verdict engines(const Patient& patient);
-Verdict toolServer(const Patient& patient);
-Verdict keyring(const Patient& patient);
-Verdict notifications(const Patient& patient);
-Verdict tray(const Patient& patient);
-Verdict portals(const Patient& patient);
-Verdict sound(const Patient& patient);
-Verdict speech(const Patient& patient);
-Verdict modelServer(const Patient& patient);
-Verdict codex(const Patient& patient);
-Verdict browser(const Patient& patient);
-Verdict calendars(const Patient& patient);
-Verdict contacts(const Patient& patient);
-Verdict mailServers(const Patient& patient);
-Verdict clock(const Patient& patient);
+CheckResult node(const Patient& patient);
+CheckResult engines(const Patient& patient);
+CheckResult toolServer(const Patient& patient);
+CheckResult keyring(const Patient& patient);
+CheckResult notifications(const Patient& patient);
+CheckResult tray(const Patient& patient);
+CheckResult portals(const Patient& patient);
+CheckResult sound(const Patient& patient);
+CheckResult speech(const Patient& patient);
+CheckResult modelServer(const Patient& patient);
+CheckResult codex(const Patient& patient);
+CheckResult browser(const Patient& patient);
+CheckResult calendars(const Patient& patient);
+CheckResult contacts(const Patient& patient);
+CheckResult mailServers(const Patient& patient);
+CheckResult clock(const Patient& patient);
 
 }
 

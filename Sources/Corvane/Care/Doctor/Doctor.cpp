@@ -11,7 +11,7 @@ namespace {
 struct Check {
     const char16_t* id;
     const char16_t* title;
-    Verdict (*look)(const Patient& patient);
+    CheckResult (*look)(const Patient& patient);
     std::optional<QString> (*fix)(const Patient& patient) = nullptr;
 };
 
@@ -84,9 +84,9 @@ QList<Finding> examine(const Patient& patient, const CheckUp& checkUp)
         if (checkUp.stopped && *checkUp.stopped)
             break;
         checkUp.begins(text(check.title));
-        const Verdict verdict = check.look(patient);
-        findings.append({ text(check.id), text(check.title), verdict.health, verdict.words, verdict.advice,
-            check.fix && verdict.health != Health::Good });
+        const CheckResult result = check.look(patient);
+        findings.append({ text(check.id), text(check.title), result.health, result.words, result.advice,
+            check.fix && result.health != Health::Good });
     }
     return findings;
 }

@@ -23,14 +23,14 @@ const QVersionNumber oldestNode { 22, 6 };
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
 /// Something that the program does without.
-Verdict addition(bool isThere, const QString& words, const QString& without, const QString& advice)
+CheckResult addition(bool isThere, const QString& words, const QString& without, const QString& advice)
 {
-    return isThere ? good(words) : Verdict { Health::Good, without, advice };
+    return isThere ? good(words) : CheckResult { Health::Good, without, advice };
 }
 
-Verdict expected(bool isThere, const QString& words, const QString& without, const QString& advice)
+CheckResult expected(bool isThere, const QString& words, const QString& without, const QString& advice)
 {
-    return isThere ? good(words) : Verdict { Health::Warning, without, advice };
+    return isThere ? good(words) : CheckResult { Health::Warning, without, advice };
 }
 
 bool hasDisplay()
@@ -39,14 +39,14 @@ bool hasDisplay()
 }
 
 /// What concerns the desktop matters only where there is one.
-Verdict ofDesktop(bool isThere, const QString& words, const QString& without, const QString& advice)
+CheckResult ofDesktop(bool isThere, const QString& words, const QString& without, const QString& advice)
 {
     return hasDisplay() ? expected(isThere, words, without, advice) : addition(isThere, words, without, advice);
 }
 
 }
 
-Verdict checks::node(const Patient& patient)
+CheckResult checks::node(const Patient& patient)
 {
     const QString node = nodePath(engineDir(patient.paths));
     const QString advice = u"Install Node 22.6 or newer, or name one in CORVANE_NODE. Engines run on it."_s;
@@ -60,7 +60,7 @@ Verdict checks::node(const Patient& patient)
     return good(u"%1 (%2)."_s.arg(version, node));
 }
 
-Verdict checks::engines(const Patient& patient)
+CheckResult checks::engines(const Patient& patient)
 {
     const QString folder = engineDir(patient.paths);
     const QString advice = u"Install Corvane again, or run tools/setup in its source folder."_s;
@@ -71,7 +71,7 @@ Verdict checks::engines(const Patient& patient)
     return good(u"They are in %1."_s.arg(folder));
 }
 
-Verdict checks::toolServer(const Patient& patient)
+CheckResult checks::toolServer(const Patient& patient)
 {
     const QString port = QString::number(toolServerPort);
     if (!answersAt(u"127.0.0.1"_s, toolServerPort))
@@ -83,39 +83,39 @@ Verdict checks::toolServer(const Patient& patient)
     return good(u"It answers on port %1."_s.arg(port));
 }
 
-Verdict checks::keyring(const Patient&)
+CheckResult checks::keyring(const Patient&)
 {
     return ofDesktop(desktopServices().keyring, u"The desktop's keyring answers."_s,
         u"There is none: passwords are kept in a private file."_s,
         u"Install a keyring such as gnome-keyring or KeePassXC. What is in the file moves there."_s);
 }
 
-Verdict checks::notifications(const Patient&)
+CheckResult checks::notifications(const Patient&)
 {
     return ofDesktop(desktopServices().notifications, u"The desktop shows banners."_s,
         u"Nobody shows banners on this desktop."_s, u"Install a notification daemon, such as dunst or mako."_s);
 }
 
-Verdict checks::tray(const Patient&)
+CheckResult checks::tray(const Patient&)
 {
     return ofDesktop(desktopServices().trayHost, u"The desktop has a tray."_s, u"This desktop has no tray."_s,
         u"On GNOME, install the extension AppIndicator. Without a tray the program runs on when its window is closed."_s);
 }
 
-Verdict checks::portals(const Patient&)
+CheckResult checks::portals(const Patient&)
 {
     return ofDesktop(desktopServices().portal, u"The desktop's portal answers."_s,
         u"There is no portal: files cannot be picked in the desktop's own window."_s,
         u"Install xdg-desktop-portal and the one of your desktop, such as xdg-desktop-portal-gtk."_s);
 }
 
-Verdict checks::sound(const Patient&)
+CheckResult checks::sound(const Patient&)
 {
     return ofDesktop(soundServerAnswers(), u"The sound server answers."_s,
         u"No sound server answers: nothing is played or recorded."_s, u"Start PipeWire or PulseAudio."_s);
 }
 
-Verdict checks::speech(const Patient& patient)
+CheckResult checks::speech(const Patient& patient)
 {
     const QDir models(patient.paths.applicationSupport + u"/Models/Speech"_s);
     const bool hasModel = !models.entryList({ u"*.bin"_s }, QDir::Files).isEmpty();
@@ -130,7 +130,7 @@ Verdict checks::speech(const Patient& patient)
         u"Nothing recognises speech."_s, u"Install pocketsphinx, or a model in Settings > Voice."_s);
 }
 
-Verdict checks::modelServer(const Patient& patient)
+CheckResult checks::modelServer(const Patient& patient)
 {
     QStringList servers { u"http://127.0.0.1:11434"_s, u"http://127.0.0.1:8080"_s };
     if (!patient.modelServer.isEmpty())
@@ -145,7 +145,7 @@ Verdict checks::modelServer(const Patient& patient)
         u"Start it, or choose another in Settings > Assistant."_s);
 }
 
-Verdict checks::codex(const Patient& patient)
+CheckResult checks::codex(const Patient& patient)
 {
     for (const QString& place : codexCandidates(patient.paths.home)) {
         if (QFileInfo(place).isExecutable())
@@ -154,26 +154,26 @@ Verdict checks::codex(const Patient& patient)
     return good(u"It is not installed, and needed only where it is chosen as the assistant."_s);
 }
 
-Verdict checks::browser(const Patient&)
+CheckResult checks::browser(const Patient&)
 {
     const QString path = firstInstalled({ u"chromium"_s, u"chromium-browser"_s, u"google-chrome"_s });
     return addition(!path.isEmpty(), path + u'.', u"There is no Chromium."_s,
         u"Install chromium to preview pages in the developer workspace."_s);
 }
 
-Verdict checks::calendars(const Patient& patient)
+CheckResult checks::calendars(const Patient& patient)
 {
     return addition(patient.hasCalendars, u"There is a calendar to read."_s, u"There is no calendar to read."_s,
         u"Keep calendars in ~/.local/share/calendars, as vdirsyncer does, or name a folder in Settings > Calendar."_s);
 }
 
-Verdict checks::contacts(const Patient& patient)
+CheckResult checks::contacts(const Patient& patient)
 {
     return addition(patient.hasContacts, u"There is an address book to read."_s, u"There is no address book to read."_s,
         u"Keep contacts in ~/.local/share/contacts, as vdirsyncer does."_s);
 }
 
-Verdict checks::mailServers(const Patient& patient)
+CheckResult checks::mailServers(const Patient& patient)
 {
     QStringList silent;
     int answered = 0;
@@ -196,7 +196,7 @@ Verdict checks::mailServers(const Patient& patient)
     return good(answered == 0 ? u"No account names a server of its own."_s : u"All of them answer."_s);
 }
 
-Verdict checks::clock(const Patient& patient)
+CheckResult checks::clock(const Patient& patient)
 {
     const QString now = QLocale().toString(QDateTime::fromMSecsSinceEpoch(patient.nowMs), QLocale::ShortFormat);
     const auto db = SqlConnection::reader(patient.paths.database(), std::make_shared<std::atomic<bool>>(false));

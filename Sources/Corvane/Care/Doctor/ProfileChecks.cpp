@@ -57,7 +57,7 @@ Patient patientOf(const AppPaths& paths, const UserDefaults& defaults, qint64 no
     return patient;
 }
 
-Verdict checks::disk(const Patient& patient)
+CheckResult checks::disk(const Patient& patient)
 {
     QString folder = patient.paths.applicationSupport;
     while (!QFileInfo::exists(folder))
@@ -73,7 +73,7 @@ Verdict checks::disk(const Patient& patient)
     return good(words);
 }
 
-Verdict checks::folders(const Patient& patient)
+CheckResult checks::folders(const Patient& patient)
 {
     QStringList unusable;
     QStringList strange;
@@ -111,7 +111,7 @@ std::optional<QString> fixes::folders(const Patient& patient)
                             : std::optional(u"Made usable by you alone: %1."_s.arg(closed.join(u", "_s)));
 }
 
-Verdict checks::accounts(const Patient& patient)
+CheckResult checks::accounts(const Patient& patient)
 {
     if (!patient.accounts)
         return { Health::Failure, u"%1/accounts.json does not read."_s.arg(patient.paths.applicationSupport),
@@ -125,7 +125,7 @@ Verdict checks::accounts(const Patient& patient)
         u"Paused ones bring nothing until they are resumed in Settings > Accounts."_s };
 }
 
-Verdict checks::backups(const Patient& patient)
+CheckResult checks::backups(const Patient& patient)
 {
     const QList<KeptBackup> kept = keptBackups(patient.backups);
     if (kept.isEmpty())

@@ -31,7 +31,7 @@ bool isThere(const Patient& patient)
 }
 
 /// Why there is nothing to look at; nothing where the database answers.
-std::optional<Verdict> unread(const Patient& patient, SqlConnection& db)
+std::optional<CheckResult> unread(const Patient& patient, SqlConnection& db)
 {
     if (!isThere(patient))
         return good(u"There is none yet."_s);
@@ -83,7 +83,7 @@ qint64 logBytes(const Patient& patient)
 
 }
 
-Verdict checks::database(const Patient& patient)
+CheckResult checks::database(const Patient& patient)
 {
     const QString path = patient.paths.database();
     if (const auto aside = awaitingChoice(path))
@@ -102,7 +102,7 @@ Verdict checks::database(const Patient& patient)
                    : u"Give yourself the right to read and write it: corvane doctor --fix does."_s };
 }
 
-Verdict checks::schema(const Patient& patient)
+CheckResult checks::schema(const Patient& patient)
 {
     const auto db = reader(patient);
     if (const auto nothing = unread(patient, *db))
@@ -120,7 +120,7 @@ std::optional<QString> fixes::schema(const Patient& patient)
     return opened ? std::optional(u"Added the tables and columns that were missing."_s) : std::nullopt;
 }
 
-Verdict checks::databaseSize(const Patient& patient)
+CheckResult checks::databaseSize(const Patient& patient)
 {
     const auto db = reader(patient);
     if (const auto nothing = unread(patient, *db))
@@ -144,7 +144,7 @@ std::optional<QString> fixes::databaseSize(const Patient& patient)
     return u"Wrote the database anew: %1 in place of %2."_s.arg(sizeWords(after), sizeWords(before));
 }
 
-Verdict checks::databaseLog(const Patient& patient)
+CheckResult checks::databaseLog(const Patient& patient)
 {
     const QString path = patient.paths.database();
     const bool hasLog = QFileInfo::exists(path + u"-wal"_s);
@@ -165,7 +165,7 @@ std::optional<QString> fixes::databaseLog(const Patient& patient)
     return own.db.isOpen() && emptyLog(own.db) ? std::optional(u"Moved the log into the database."_s) : std::nullopt;
 }
 
-Verdict checks::decisions(const Patient& patient)
+CheckResult checks::decisions(const Patient& patient)
 {
     const auto db = reader(patient);
     if (const auto nothing = unread(patient, *db))
@@ -174,7 +174,7 @@ Verdict checks::decisions(const Patient& patient)
         return good(u"No decision has been recorded yet."_s);
     const RecordCheck record = checkRecords(*db);
     return record.sound ? good(record.words)
-                        : Verdict { Health::Failure, record.words,
+                        : CheckResult { Health::Failure, record.words,
                               u"A line was changed or taken out by another program. Compare with a backup."_s };
 }
 
