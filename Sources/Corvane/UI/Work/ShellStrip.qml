@@ -44,6 +44,7 @@ FocusScope {
             x: Theme.wide - leftPadding
             anchors.verticalCenter: parent.verticalCenter
             implicitHeight: 28
+            focus: !strip.shells.open
             kind: "quiet"
             text: strip.shells.createLabel
             onClicked: strip.agents.createLocalShell()
@@ -100,7 +101,7 @@ FocusScope {
         anchors.bottom: parent.bottom
         width: parent.width
         active: strip.shells.open
-        focus: true
+        focus: active
         sourceComponent: TerminalPane { focus: true; screen: strip.terminals }
     }
     Connections {
