@@ -114,6 +114,8 @@ void drawInbox(Gallery& gallery)
     gallery.press(Qt::Key_Escape);
     gallery.press(Qt::Key_F1);
     gallery.save(u"shortcuts-open"_s, { Look::Light, Look::DarkSmall });
+    QMetaObject::invokeMethod(gallery.item(u"help.3"_s), "clicked");
+    gallery.save(u"help-open"_s, { Look::Light, Look::DarkSmall });
     gallery.press(Qt::Key_Escape);
 
     searchFor(gallery, u"glaze"_s);

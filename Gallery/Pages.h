@@ -13,6 +13,7 @@ void drawCalendar(Gallery& gallery);
 void drawToday(Gallery& gallery);
 void drawApprovals(Gallery& gallery);
 void drawSettings(Gallery& gallery);
+void drawCare(Gallery& gallery);
 void drawDictation(Gallery& gallery);
 void drawHubs(Gallery& gallery);
 void drawTerminals(Gallery& gallery);

@@ -31,6 +31,7 @@ const Page pages[] = {
     { u"today"_s, drawToday },
     { u"approvals"_s, drawApprovals },
     { u"settings"_s, drawSettings },
+    { u"care"_s, drawCare },
     { u"dictation"_s, drawDictation },
     { u"hubs"_s, drawHubs },
     { u"terminals"_s, drawTerminals },

@@ -1,3 +1,4 @@
+#include "Care/Backup/BackupKeeper.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Shell/CorvaneApp.h"
@@ -83,7 +84,7 @@ TEST_F(Recovery, aDamagedFileStopsEverythingUntilAPersonHasChosenAlsoAcrossAStar
     start();
     EXPECT_TRUE(recovery().needed());
     EXPECT_TRUE(launcher->children.empty()) << "nothing runs on a file that is not there";
-    home.write("share/Corvane/backups/2026-11-01.db", "x");
+    home.write("share/Corvane/backups/corvane-2026-11-01-120000.tar", "x");
     EXPECT_EQ(offered(), QStringList({ "save", "backup", "new" }));
     recovery().choose("save");
     EXPECT_TRUE(recovery().busy());
@@ -98,8 +99,8 @@ TEST_F(Recovery, aDamagedFileStopsEverythingUntilAPersonHasChosenAlsoAcrossAStar
 TEST_F(Recovery, anEmptyFileOrABackupTakesThePlaceJustAsWell)
 {
     db().run("INSERT INTO contact(id, display_name) VALUES('a','Ana');");
-    db().exec("PRAGMA wal_checkpoint(TRUNCATE);");
-    home.write("share/Corvane/backups/1.db", home.read("share/Corvane/nimblocal.db"));
+    app->backups().backUpNow();
+    ASSERT_TRUE(await([&] { return !app->backups().busy(); }));
     home.write("share/Corvane/engines/mail/state.sqlite", "x");
     const QList<std::pair<QString, QString>> cases { { "new", "-" }, { "backup", "Ana" } };
     for (const auto& [id, expected] : cases) {

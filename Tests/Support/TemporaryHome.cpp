@@ -30,6 +30,7 @@ TemporaryHome::TemporaryHome()
     QDir(m_paths.resources).mkpath(u"engine/src"_s);
     QDir(m_folder.path()).mkpath(u"config/Corvane"_s);
     QFile::link(QStringLiteral(CORVANE_SOURCE "/local-schema"), m_paths.resources + u"/local-schema"_s);
+    QFile::link(QStringLiteral(CORVANE_SOURCE "/docs/help"), m_paths.resources + u"/help"_s);
 }
 
 void TemporaryHome::write(const QString& relative, const QByteArray& content) const

@@ -60,6 +60,7 @@ const QList<SettingsSection>& IntegrationsView::sections()
         { u"calls"_s, u"Calls"_s, u"call-start"_s },
         { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s },
         { u"sync"_s, u"Sync"_s, u"sync"_s },
+        { u"care"_s, u"Care"_s, u"dialog-ok"_s },
         { u"system"_s, u"System"_s, u"computer"_s },
     };
     return all;
@@ -85,6 +86,12 @@ void IntegrationsView::setLocalAccess(LocalAccess& access)
 {
     m_localAccess = &access;
     connect(&access, &LocalAccess::accountsAsked, this, [this] { setSection(u"accounts"_s); });
+}
+
+void IntegrationsView::setCare(BackupKeeper& backups, DoctorView& doctor)
+{
+    m_backups = &backups;
+    m_doctor = &doctor;
 }
 
 void IntegrationsView::setVisible(bool visible)

@@ -24,6 +24,8 @@
 namespace corvane {
 
 class AccountStore;
+class BackupKeeper;
+class DoctorView;
 class EngineManager;
 class Keychain;
 class Scheduler;
@@ -47,6 +49,8 @@ public:
 /// The settings screen: the accounts with their actions, and the cards of the other sections.
 class IntegrationsView : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("Care/Backup/BackupKeeper.h")
+    Q_MOC_INCLUDE("Care/Doctor/DoctorView.h")
     Q_PROPERTY(QString approvalRule READ approvalRule CONSTANT)
     Q_PROPERTY(QList<corvane::SettingsSection> sections READ sections CONSTANT)
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
@@ -65,6 +69,8 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
     Q_PROPERTY(corvane::DictationSettings* dictation READ dictation CONSTANT)
     Q_PROPERTY(corvane::LocalAccess* localAccess READ localAccess CONSTANT)
+    Q_PROPERTY(corvane::BackupKeeper* backups READ backups CONSTANT)
+    Q_PROPERTY(corvane::DoctorView* doctor READ doctor CONSTANT)
     Q_PROPERTY(corvane::SyncSettings* sync READ sync CONSTANT)
     Q_PROPERTY(corvane::WebSettings* web READ web CONSTANT)
     Q_PROPERTY(corvane::PushSettings* push READ push CONSTANT)
@@ -114,6 +120,9 @@ public:
     void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is created
     LocalAccess* localAccess() const { return m_localAccess; }
     void setLocalAccess(LocalAccess& access); ///< before the window is created
+    BackupKeeper* backups() const { return m_backups; }
+    DoctorView* doctor() const { return m_doctor; }
+    void setCare(BackupKeeper& backups, DoctorView& doctor); ///< before the window is created
     SyncSettings* sync() { return &m_sync; }
     WebSettings* web() { return &m_web; }
     PushSettings* push() { return &m_push; }
@@ -151,6 +160,8 @@ private:
     CalendarSettings* m_calendar = nullptr;
     DictationSettings* m_dictation = nullptr;
     LocalAccess* m_localAccess = nullptr;
+    BackupKeeper* m_backups = nullptr;
+    DoctorView* m_doctor = nullptr;
     SyncSettings m_sync;
     WebSettings m_web;
     PushSettings m_push;

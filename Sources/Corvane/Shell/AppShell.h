@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/NotificationCentre.h"
+#include "Shell/HelpTopics.h"
 #include "Shell/TopHubBar.h"
 
 #include <QUrl>
@@ -20,6 +21,7 @@ class AppShell : public QObject {
     Q_PROPERTY(bool approvals READ approvals NOTIFY navigationChanged)
     Q_PROPERTY(bool calls READ calls NOTIFY navigationChanged)
     Q_PROPERTY(corvane::TopHubBar* hubs READ hubs CONSTANT)
+    Q_PROPERTY(QList<corvane::HelpTopic> help READ help CONSTANT)
 public:
     /// Both references outlive the shell.
     AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* parent = nullptr);
@@ -36,6 +38,8 @@ public:
     bool approvals() const { return m_cover == Cover::Approvals; }
     bool calls() const { return m_cover == Cover::Calls; }
     TopHubBar* hubs() { return &m_hubs; }
+    const QList<HelpTopic>& help() const { return m_help; }
+    void setHelp(const QList<HelpTopic>& help) { m_help = help; } ///< before the window is created
 
     Q_INVOKABLE void selectHub(const QString& raw); ///< an unknown word has no effect
     Q_INVOKABLE void toggleSettings(); ///< the gear
@@ -61,6 +65,7 @@ private:
     TopHubBar m_hubs;
     int m_hub; ///< in the table
     QList<QObject*> m_screens;
+    QList<HelpTopic> m_help;
     Cover m_cover = Cover::None;
     NotificationCentre::Observation m_openConversation;
     NotificationCentre::Observation m_openSettings;

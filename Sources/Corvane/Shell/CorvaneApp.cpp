@@ -7,6 +7,7 @@
 #include "CRM/ContactsBridge.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
+#include "Care/Backup/BackupKeeper.h"
 #include "Desk/CorvaneMenuBarLabel.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
@@ -38,6 +39,7 @@
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Core/Upkeep.h"
 #include "Store/Search/SearchIndexer.h"
 #include "Voice/DictationAnywhere.h"
 #include "Voice/TranslationService.h"
@@ -127,6 +129,8 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_web = std::make_unique<WebServices>(*m_session, m_engine->db(), m_scheduler);
     m_recovery = std::make_unique<StoreRecovery>(
         StoreRecovery::Surroundings { *m_engine, *m_store, m_background, m_scheduler, m_paths });
+    m_backups = std::make_unique<BackupKeeper>(
+        BackupKeeper::Surroundings { m_paths, m_defaults, m_scheduler, m_background, *m_machine.desktop });
     m_commands.add(programCommands(*this));
     setUpTray();
     watchStore();
@@ -177,6 +181,11 @@ void CorvaneApp::onAppear()
     m_capture->registerHotKey();
     m_calls->keys.bind();
     m_dictation->start();
+    m_backups->start();
+    m_idleCare = m_scheduler.every(std::chrono::hours(1), [this] {
+        if (db().isSound() && !db().inTransaction())
+            careWhileIdle(db());
+    });
     deleteOldSound(m_calls->recorder);
     m_callHousekeeping = m_scheduler.every(std::chrono::hours(24), [this] { deleteOldSound(m_calls->recorder); });
     for (const Account& account : m_store->accounts()) {

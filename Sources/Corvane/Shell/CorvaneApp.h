@@ -24,6 +24,7 @@ class ApprovalsStore;
 class ContactsBridge;
 class CorvaneMenuBarLabel;
 class AudioPlayer;
+class BackupKeeper;
 class Desktop;
 class DictationAnywhere;
 class DictationBanner;
@@ -74,6 +75,7 @@ public:
     SessionStore& session() { return *m_session; }
     WebServices& web() { return *m_web; }
     StoreRecovery& recovery() { return *m_recovery; }
+    BackupKeeper& backups() { return *m_backups; }
     UserDefaults& defaults() { return m_defaults; }
     NotificationCentre& notifications() { return m_notifications; }
     Keychain& keychain() { return m_keychain; }
@@ -156,6 +158,8 @@ private:
     std::unique_ptr<SessionStore> m_session;
     std::unique_ptr<WebServices> m_web;
     std::unique_ptr<StoreRecovery> m_recovery;
+    std::unique_ptr<BackupKeeper> m_backups;
+    std::unique_ptr<Timer> m_idleCare;
     std::unique_ptr<CorvaneMenuBarLabel> m_trayLabel;
     Commands m_commands;
     int m_toldMinutes = -1; ///< minutes of the recording in the tray; -1 without one

@@ -1,12 +1,16 @@
 #include "Shell/Screens.h"
 
+#include "AI/ModelChoice.h"
 #include "Approvals/ApprovalCommands.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
+#include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Platform/AddressBook.h"
+#include "Platform/CalendarSource.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
@@ -16,6 +20,25 @@
 #include "Web/WebServices.h"
 
 namespace corvane {
+
+namespace {
+
+/// What a check-up looks at; of the secrets, those of mailboxes, which say where their servers are.
+Patient patient(CorvaneApp& app)
+{
+    Patient patient = patientOf(app.paths(), app.defaults(), app.scheduler().nowMs());
+    for (const Account& account : app.store().accounts()) {
+        if (const auto secret = app.keychain().get(account.slug); secret && account.channel() == Channel::Email)
+            patient.secrets.insert(account.slug, *secret);
+    }
+    patient.modelServer = modelChoice(app.defaults()).serverUrl;
+    const CalendarStore& calendar = app.calendar().store;
+    patient.hasCalendars = calendar.surroundings().source.access(calendar.places()) == CalendarAccess::Full;
+    patient.hasContacts = app.addressBook().requestAccess(addressBookFolders(app.defaults()));
+    return patient;
+}
+
+}
 
 Screens::Screens(CorvaneApp& root)
     : app(root)
@@ -39,6 +62,7 @@ Screens::Screens(CorvaneApp& root)
     , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
     , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
           app.defaults(), app.paths().home })
+    , doctor({ [this] { return patient(app); }, app.background(), app.scheduler() })
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
@@ -70,9 +94,11 @@ Screens::Screens(CorvaneApp& root)
         commands.add(made.commands);
     }
     shell.setScreens(hubScreens);
+    shell.setHelp(readHelp(app.paths().resources));
     settings.setCalendar(calendarSettings);
     settings.setDictation(dictationSettings);
     settings.setLocalAccess(localAccess);
+    settings.setCare(app.backups(), doctor);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));

@@ -7,6 +7,7 @@
 #include "Calendar/UpcomingMeetings.h"
 #include "Calls/CallSettings.h"
 #include "Calls/CallsView.h"
+#include "Care/Doctor/DoctorView.h"
 #include "Desk/CorvaneMenuBarView.h"
 #include "Inbox/InboxView.h"
 #include "Presentation/Commands.h"
@@ -55,6 +56,7 @@ public:
     CalendarView calendar;
     CalendarSettings calendarSettings;
     LocalAccess localAccess;
+    DoctorView doctor;
     UpcomingMeetings meetings;
     CallsView calls;
     CallSettings& callSettings;

@@ -25,7 +25,7 @@ QList<Command> shellCommands(AppShell& shell, InboxView& inbox, Commands& comman
             shortcut(u"approvals"_s, u"Approvals"_s, u"Ctrl+Shift+A"_s, [&shell] { shell.toggleApprovals(); }),
             shortcut(u"calls"_s, u"Calls"_s, u"Ctrl+Shift+L"_s, [&shell] { shell.toggleCalls(); }),
             shortcut(u"newMessage"_s, u"New message"_s, u"Ctrl+N"_s, [&inbox] { inbox.writeNew(); }),
-            { u"shortcuts"_s, u"This list"_s, u"F1 or ?"_s, { u"F1"_s, u"?"_s } },
+            { u"shortcuts"_s, u"Help and this list"_s, u"F1 or ?"_s, { u"F1"_s, u"?"_s } },
             shortcut(u"nextPane"_s, u"Next pane"_s, u"F6"_s),
             shortcut(u"previousPane"_s, u"Previous pane"_s, u"Shift+F6"_s),
             shortcut(u"back"_s, u"Back one level"_s, u"Esc"_s),

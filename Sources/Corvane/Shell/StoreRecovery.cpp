@@ -1,5 +1,7 @@
 #include "Shell/StoreRecovery.h"
 
+#include "Care/Backup/BackupKeeper.h"
+#include "Care/Backup/Restore.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
@@ -7,13 +9,14 @@
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Foundation/NotificationCentre.h"
+#include "Foundation/SystemScheduler.h"
 #include "Platform/AppPaths.h"
 #include "Store/Core/DamagedFile.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/Salvage.h"
 #include "Store/Core/StoreHealth.h"
 
-#include <QDir>
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -78,7 +81,7 @@ QList<RecoveryChoice> StoreRecovery::choices() const
     QList<RecoveryChoice> offered { choice(
         "save", u"Save what can be read"_s, u"Copies every row that can still be read into a new database."_s) };
     if (const auto backup = latestBackup()) {
-        const QDateTime made = QFileInfo(*backup).lastModified();
+        const QDateTime made = QDateTime::fromMSecsSinceEpoch(backup->madeAtMs);
         offered.append(choice("backup", u"Use the latest backup"_s,
             u"Made on %1. What came later is not in it."_s.arg(QLocale().toString(made, QLocale::ShortFormat))));
     }
@@ -110,7 +113,7 @@ void StoreRecovery::choose(const QString& id)
     if (id == "save"_L1)
         copy(m_aside, Source::Damaged);
     else if (id == "backup"_L1 && latestBackup())
-        copy(*latestBackup(), Source::Backup);
+        copy(latestBackup()->file, Source::Backup);
     else if (id == "new"_L1 && makeEmpty())
         putInPlace();
 }
@@ -160,12 +163,13 @@ void StoreRecovery::copy(const QString& from, Source source)
     set(Step::Copying);
     m_timer = m_at.scheduler.every(lookAgain, [this] { Q_EMIT progressed(); });
     m_at.background.run<Result<Salvaged>>(
-        [from, to = newFile(), source, progress = m_progress]() -> Result<Salvaged> {
+        [from, to = newFile(), source, progress = m_progress, paths = m_at.paths]() -> Result<Salvaged> {
             if (source == Source::Damaged)
                 return salvage(from, to, *progress);
-            if (!QFile::remove(to) || !QFile::copy(from, to))
-                return failure(u"The backup cannot be copied."_s);
-            return Salvaged {};
+            SystemScheduler scheduler;
+            QFile::remove(to);
+            const auto restored = restoreDatabase(from, to, paths, scheduler);
+            return restored ? Result<Salvaged>(Salvaged {}) : std::unexpected(restored.error());
         },
         [self = QPointer(this)](const Result<Salvaged>& result) {
             if (!self)
@@ -220,11 +224,10 @@ QString StoreRecovery::newFile() const
     return m_at.paths.database() + u".new"_s;
 }
 
-std::optional<QString> StoreRecovery::latestBackup() const
+std::optional<KeptBackup> StoreRecovery::latestBackup() const
 {
-    const QDir folder(m_at.paths.applicationSupport + u"/backups"_s);
-    const QFileInfoList files = folder.entryInfoList({ u"*.db"_s }, QDir::Files, QDir::Time);
-    return files.isEmpty() ? std::nullopt : std::optional(files.first().absoluteFilePath());
+    const QList<KeptBackup> kept = keptBackups(backupFolder(m_at.paths, m_at.engine.db().defaults()));
+    return kept.isEmpty() ? std::nullopt : std::optional(kept.first());
 }
 
 }

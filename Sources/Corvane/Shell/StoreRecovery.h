@@ -11,6 +11,7 @@ class AccountStore;
 class BackgroundQueue;
 class EngineManager;
 struct AppPaths;
+struct KeptBackup;
 struct SalvageProgress;
 
 /// A way to replace a corrupt database.
@@ -80,7 +81,7 @@ private:
     void putInPlace();
     void set(Step step, const QString& error = {});
     QString newFile() const;
-    std::optional<QString> latestBackup() const;
+    std::optional<KeptBackup> latestBackup() const;
 
     Surroundings m_at;
     Step m_step = Step::None;

@@ -40,42 +40,12 @@ Card {
         text: card.push.stateText
         color: card.stateColour
     }
-    Column {
-        width: parent.width
+    ProgressRow {
+        name: "push"
         visible: card.push.running
-        spacing: Theme.small
-        Rectangle {
-            width: parent.width
-            height: 6
-            radius: 3
-            color: Theme.raised
-            Accessible.role: Accessible.ProgressBar
-            Accessible.name: card.push.progressText
-            Rectangle {
-                objectName: "push.progress"
-                width: parent.width * card.push.progress
-                height: parent.height
-                radius: 3
-                color: Theme.accent
-            }
-        }
-        Row {
-            width: parent.width
-            spacing: Theme.small
-            Label {
-                objectName: "push.progressText"
-                anchors.verticalCenter: parent.verticalCenter
-                width: parent.width - stop.width - parent.spacing
-                text: card.push.progressText
-                color: Theme.soft
-            }
-            Button {
-                id: stop
-                objectName: "push.cancel"
-                text: qsTr("Cancel")
-                onClicked: card.push.cancel()
-            }
-        }
+        progress: card.push.progress
+        text: card.push.progressText
+        onCancelled: card.push.cancel()
     }
     Banner {
         objectName: "push.leftOut"

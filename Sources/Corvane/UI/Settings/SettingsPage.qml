@@ -25,6 +25,7 @@ Page {
         case "calls": return callCards;
         case "calendar": return calendar;
         case "sync": return sync;
+        case "care": return care;
         case "system": return system;
         }
         return accounts;
@@ -121,6 +122,13 @@ Page {
     Component {
         id: sync
         SyncSection { settings: page.settings }
+    }
+    Component {
+        id: care
+        CareSection {
+            backups: page.settings.backups
+            doctor: page.settings.doctor
+        }
     }
     Component {
         id: system

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Care/Backup/BackupKeeper.h"
+#include "Care/Doctor/DoctorView.h"
 #include "Platform/HotKey.h"
 #include "Settings/Appearance.h"
 #include "Settings/DictationSettings.h"
@@ -15,6 +17,26 @@ struct SettingsSectionType {
     Q_GADGET
     QML_FOREIGN(corvane::SettingsSection)
     QML_VALUE_TYPE(settingsSection)
+};
+
+struct BackupKeeperType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BackupKeeper)
+    QML_NAMED_ELEMENT(BackupKeeper)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct DoctorViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DoctorView)
+    QML_NAMED_ELEMENT(DoctorView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct FindingType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Finding)
+    QML_VALUE_TYPE(finding)
 };
 
 struct IntegrationsViewType {

@@ -147,41 +147,12 @@ Column {
                 onClicked: chooser.open()
             }
         }
-        Column {
-            width: parent.width
+        ProgressRow {
+            name: "voice"
             visible: section.voice.busy
-            spacing: Theme.small
-            Rectangle {
-                width: parent.width
-                height: 6
-                radius: 3
-                color: Theme.raised
-                Rectangle {
-                    objectName: "voice.progress"
-                    width: parent.width * Math.max(0, Math.min(1, section.voice.progress))
-                    height: parent.height
-                    radius: 3
-                    color: Theme.accent
-                }
-            }
-            Row {
-                width: parent.width
-                spacing: Theme.small
-                Label {
-                    objectName: "voice.install"
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: parent.width - stop.width - parent.spacing
-                    wrapMode: Text.Wrap
-                    text: section.voice.installText
-                    color: Theme.soft
-                }
-                Button {
-                    id: stop
-                    objectName: "voice.cancel"
-                    text: qsTr("Cancel")
-                    onClicked: section.voice.cancel()
-                }
-            }
+            progress: section.voice.progress
+            text: section.voice.installText
+            onCancelled: section.voice.cancel()
         }
         Banner {
             objectName: "voice.problem"

@@ -143,6 +143,6 @@ FocusScope {
     Loader {
         id: shortcuts
         active: false
-        sourceComponent: ShortcutsSheet {}
+        sourceComponent: ShortcutsSheet { shell: frame.shell }
     }
 }

@@ -26,6 +26,12 @@ struct TopHubBarType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct HelpTopicType {
+    Q_GADGET
+    QML_FOREIGN(corvane::HelpTopic)
+    QML_VALUE_TYPE(helpTopic)
+};
+
 struct ClosingNoticeType {
     Q_GADGET
     QML_FOREIGN(corvane::ClosingNotice)
