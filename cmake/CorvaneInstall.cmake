@@ -3,10 +3,11 @@
 include(GNUInstallDirs)
 
 set(CORVANE_ENGINE_MODULES "${CMAKE_SOURCE_DIR}/mac/engine/node_modules" CACHE PATH "The engines' libraries and Node")
+set(CORVANE_USER_UNITS lib/systemd/user CACHE PATH "Where systemd looks for units of users, below the prefix")
 set(resources "${CMAKE_INSTALL_DATADIR}/corvane")
 install(TARGETS corvane RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(PROGRAMS "${CORVANE_WHISPER}" DESTINATION "${CMAKE_INSTALL_BINDIR}" RENAME corvane-whisper OPTIONAL)
-install(DIRECTORY local-schema DESTINATION "${resources}")
+install(DIRECTORY local-schema docs/help DESTINATION "${resources}")
 install(DIRECTORY scripts DESTINATION "${resources}" USE_SOURCE_PERMISSIONS)
 install(DIRECTORY mac/engine DESTINATION "${resources}" USE_SOURCE_PERMISSIONS
     PATTERN node_modules EXCLUDE PATTERN tests EXCLUDE)
@@ -22,7 +23,7 @@ file(CONFIGURE OUTPUT "${desktop}/com.nimb.corvane.desktop" CONTENT "${entry}" @
 
 install(FILES "${desktop}/com.nimb.corvane.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
 install(FILES "${desktop}/com.nimb.corvane.service" DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/services")
-install(FILES "${desktop}/corvane.service" DESTINATION lib/systemd/user)
+install(FILES "${desktop}/corvane.service" DESTINATION "${CORVANE_USER_UNITS}")
 install(FILES data/com.nimb.corvane.svg DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps")
 install(FILES data/com.nimb.corvane.metainfo.xml DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
 install(FILES data/corvane.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
