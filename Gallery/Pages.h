@@ -16,6 +16,7 @@ void drawSettings(Gallery& gallery);
 void drawCare(Gallery& gallery);
 void drawDictation(Gallery& gallery);
 void drawHubs(Gallery& gallery);
+void drawDev(Gallery& gallery);
 void drawTerminals(Gallery& gallery);
 void drawCalls(Gallery& gallery);
 void drawWeb(Gallery& gallery);

@@ -34,6 +34,7 @@ const Page pages[] = {
     { u"care"_s, drawCare },
     { u"dictation"_s, drawDictation },
     { u"hubs"_s, drawHubs },
+    { u"dev"_s, drawDev },
     { u"terminals"_s, drawTerminals },
     { u"calls"_s, drawCalls },
     { u"web"_s, drawWeb },

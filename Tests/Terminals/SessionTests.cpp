@@ -12,6 +12,7 @@
 #include "Terminals/TerminalsView.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
@@ -124,6 +125,28 @@ TEST_F(Terminals, aTabGoesWhenItsShellIsLeftAndStaysToTellOfAFailure)
     terminal::Snapshot snapshot;
     ASSERT_TRUE(missing.snapshot(snapshot));
     EXPECT_EQ(snapshot.rows[0].cells.size(), std::string_view("/no/such/shell: No such file or directory").size());
+}
+
+TEST_F(Terminals, aFileInTheOutputOpensInTheEditorElseInTheDesktopsProgram)
+{
+    home.write(u"notes.txt"_s, "one line");
+    const QString path = home.path(u"notes.txt"_s);
+    qunsetenv("VISUAL");
+    qputenv("EDITOR", "tail -f");
+    view.openLink(path + u":1"_s);
+    ASSERT_EQ(view.count(), 1);
+    LumoTerminalSession& editor = *view.current();
+    EXPECT_EQ(editor.label(), u"notes.txt"_s);
+    editor.view({ 60, 10 });
+    EXPECT_TRUE(awaitText(editor, u"one line"_s));
+
+    qunsetenv("EDITOR");
+    view.openLink(path + u":1"_s);
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    view.openLink(path + u":1"_s);
+    EXPECT_EQ(desktop.openedFiles, (QStringList { path, QFileInfo(path).absolutePath() }));
+    view.openLink(u"https://example.org"_s);
+    EXPECT_EQ(desktop.openedLinks.size(), 1);
 }
 
 TEST_F(Terminals, pastingLinesAsksWhereTheProgramDoesNotKnowPastes)

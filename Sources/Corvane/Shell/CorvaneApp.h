@@ -81,6 +81,7 @@ public:
     Keychain& keychain() { return m_keychain; }
     Scheduler& scheduler() { return m_scheduler; }
     ProcessLauncher& launcher() { return *m_machine.launcher; }
+    PortHolders& portHolders() { return *m_machine.ports; }
     AddressBook& addressBook() { return *m_machine.addressBook; }
     BackgroundQueue& background() { return m_background; }
     Desktop& desktop() { return *m_machine.desktop; }

@@ -5,6 +5,7 @@
 #include "Foundation/Literals.h"
 #include "Inbox/InboxCommands.h"
 #include "Shell/CorvaneApp.h"
+#include "Shell/DevHub.h"
 #include "Shell/Screens.h"
 #include "Shell/WorkHubs.h"
 #include "Terminals/TerminalCommands.h"
@@ -22,7 +23,7 @@ QUrl page(const QString& file)
 
 HubScreen lumo(Screens& screens, const Hub&)
 {
-    return { &screens.lumo };
+    return { &screens.lumoScreen };
 }
 
 HubScreen gtm(Screens& screens, const Hub&)
@@ -45,9 +46,9 @@ HubScreen inbox(Screens& screens, const Hub&)
     return { &screens.inbox, inboxCommands(screens.inbox) };
 }
 
-HubScreen terminals(Screens& screens, const Hub&)
+HubScreen dev(Screens& screens, const Hub&)
 {
-    return { &screens.terminals, terminalCommands() };
+    return { &screens.dev, terminalCommands() + devCommands(screens) };
 }
 
 HubScreen calendar(Screens& screens, const Hub&)
@@ -65,12 +66,12 @@ HubScreen today(Screens& screens, const Hub&)
 const QList<Hub>& hubTable()
 {
     static const QList<Hub> hubs {
-        { u"lumo"_s, u"Lumo"_s, u"hub-lumo"_s, page(u"Work/LumoPage.qml"_s), lumo },
+        { u"lumo"_s, u"Lumo"_s, u"hub-lumo"_s, page(u"Dev/LumoHubPage.qml"_s), lumo },
         { u"gtm"_s, u"GTM"_s, u"hub-gtm"_s, page(u"Work/GtmPage.qml"_s), gtm },
         { u"cx"_s, u"CX"_s, u"hub-cx"_s, page(u"Work/CxPage.qml"_s), cx },
         { u"ops"_s, u"Ops"_s, u"hub-ops"_s, page(u"Work/OpsPage.qml"_s), ops },
         { u"inbox"_s, u"Inbox"_s, u"hub-inbox"_s, page(u"Inbox/InboxPage.qml"_s), inbox },
-        { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Terminals/TerminalsPage.qml"_s), terminals },
+        { u"dev"_s, u"Dev"_s, u"hub-dev"_s, page(u"Dev/DevPage.qml"_s), dev },
         { u"calendar"_s, u"Calendar"_s, u"view-calendar"_s, page(u"Calendar/CalendarPage.qml"_s), calendar },
         { u"today"_s, u"Today"_s, u"view-list"_s, page(u"Panel/TodayPage.qml"_s), today },
     };

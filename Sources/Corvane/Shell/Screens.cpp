@@ -12,6 +12,7 @@
 #include "Platform/AddressBook.h"
 #include "Platform/CalendarSource.h"
 #include "Shell/CorvaneApp.h"
+#include "Shell/DevHub.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
 #include "Shell/WorkHubs.h"
@@ -77,6 +78,10 @@ Screens::Screens(CorvaneApp& root)
     , gtm(workServices(app))
     , cx(workServices(app))
     , ops(workServices(app))
+    , browser(devBrowser(app, *this))
+    , dev(devDesk(app, *this, WorkConsoleContext::dev()))
+    , lumoConsole(devDesk(app, *this, WorkConsoleContext::lumo()))
+    , lumoScreen(lumo, lumoConsole)
 {
     const auto showUnread = [this] {
         shell.hubs()->setUnreadTotal(app.engine().unreadTotal());
@@ -95,6 +100,8 @@ Screens::Screens(CorvaneApp& root)
     }
     shell.setScreens(hubScreens);
     shell.setHelp(readHelp(app.paths().resources));
+    terminals.setBrowser([this](const QString& address) { return showInBrowser(*this, address); });
+    lumoConsole.setInspectorCollapsed(true); // it stands beside the hub's own rail
     settings.setCalendar(calendarSettings);
     settings.setDictation(dictationSettings);
     settings.setLocalAccess(localAccess);
@@ -126,6 +133,7 @@ Screens::Screens(CorvaneApp& root)
             if (!view->asksBeforeQuit())
                 continue;
             shell.selectHub(hub);
+            dev.setWorkspaceTab(DevWorkspaceTab::Terminal); // where the question is shown
             return Q_EMIT app.windowRequested();
         }
         app.quit();

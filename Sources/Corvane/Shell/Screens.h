@@ -9,6 +9,7 @@
 #include "Calls/CallsView.h"
 #include "Care/Doctor/DoctorView.h"
 #include "Desk/CorvaneMenuBarView.h"
+#include "Dev/LumoScreen.h"
 #include "Inbox/InboxView.h"
 #include "Presentation/Commands.h"
 #include "Settings/Appearance.h"
@@ -24,7 +25,6 @@
 #include "Terminals/TerminalsView.h"
 #include "Work/CXHub.h"
 #include "Work/GTMHub.h"
-#include "Work/LumoHub.h"
 #include "Work/OpsHub.h"
 
 namespace corvane {
@@ -69,6 +69,10 @@ public:
     GTMHub gtm;
     CXHub cx;
     OpsHub ops;
+    BrowserView browser;
+    TerminalWorkspaceView dev;
+    TerminalWorkspaceView lumoConsole;
+    LumoScreen lumoScreen;
 };
 
 }

@@ -3,6 +3,7 @@
 #include "AI/AIServices.h"
 #include "Foundation/Literals.h"
 #include "Shell/CorvaneApp.h"
+#include "Shell/DevHub.h"
 #include "Shell/Screens.h"
 #include "Store/Work/WorkBoardQueries.h"
 
@@ -82,6 +83,8 @@ void openFoundWork(Screens& screens, const QString& id)
             screens.ops.showProject(row);
         return;
     }
+    if (module == "dev"_L1 && kind != "decision"_L1)
+        return showDevWork(screens, context, kind == "item"_L1 ? row : QString());
     WorkModuleShell* const shell = shellOf(screens, module);
     if (!shell)
         return kind == "decision"_L1 ? screens.shell.openApprovals() : void();

@@ -21,6 +21,7 @@ interface Project {
   tabs: { id: string; name: string; role: string; model: string; task: string; minutes: number }[];
   updates: { kind: string; body: string; minutes: number }[];
   asks: { question: string; urgency: string; answer?: string; by?: string; minutes: number }[];
+  srs?: { overview: string; users: string; requirements: string; modules: string; acceptance: string; constraints: string; openQuestions: string };
 }
 export interface Work { contexts: Context[]; projects: Project[] }
 
@@ -98,4 +99,7 @@ function writeProject(project: Project, at: (minutes: number) => string, insert:
       ...(answer ? { status: "answered", answer, answered_by: by ?? "", answered_at: at(asked - 30) } : { status: "open" }),
     }),
   );
+  if (!project.srs) return;
+  const { openQuestions, ...srs } = project.srs;
+  insert("dev_srs", { project_id: `proj:${id}`, ...srs, open_questions: openQuestions, updated_at: at(minutes + 3000) });
 }

@@ -6,20 +6,22 @@ import Corvane.Work
 WorkPage {
     id: page
 
-    required property LumoHub screen
+    required property LumoHub hub
+    property Component consoleView ///< what stands at the place of that name
 
-    shell: screen.shell
+    shell: hub.shell
     placeView: Component {
         FocusScope {
             Loader {
                 anchors.fill: parent
                 focus: true
-                sourceComponent: page.shell.place === "agents" ? agents : page.shell.place === "flows" ? flows : knowledge
+                sourceComponent: page.shell.place === "agents" ? agents : page.shell.place === "flows" ? flows
+                    : page.shell.place === "console" ? page.consoleView : knowledge
             }
         }
     }
 
-    Component { id: knowledge; KnowledgeView { hub: page.screen } }
+    Component { id: knowledge; KnowledgeView { hub: page.hub } }
     Component {
         id: agents
         FocusScope {
@@ -34,7 +36,7 @@ WorkPage {
                 anchors.fill: parent
                 anchors.topMargin: agentsHead.height + Theme.large
                 focus: true
-                agents: page.screen.agents
+                agents: page.hub.agents
             }
         }
     }
@@ -61,9 +63,9 @@ WorkPage {
                 anchors.fill: parent
                 anchors.topMargin: flowsHead.height + Theme.large
                 focus: true
-                model: page.screen.flows
+                model: page.hub.flows
                 emptyTitle: qsTr("No runbooks yet")
-                emptyText: page.screen.flowsEmpty
+                emptyText: page.hub.flowsEmpty
             }
         }
     }

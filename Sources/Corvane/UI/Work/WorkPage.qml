@@ -9,12 +9,17 @@ Page {
 
     required property WorkModuleShell shell
     property Component placeView ///< what stands in the middle while no context is chosen
+    property bool placeActs ///< it answers the commands itself while the keyboard is in it
+
+    signal placeActed(command: string)
 
     readonly property bool inContext: shell.place === ""
     readonly property bool wide: width >= 1200
 
     function act(command: string) {
-        if (command === "next" || command === "previous")
+        if (placeActs && desk.activeFocus)
+            placeActed(command);
+        else if (command === "next" || command === "previous")
             shell.step(command === "next" ? 1 : -1);
         else if (command === "search")
             rail.focusSearch();

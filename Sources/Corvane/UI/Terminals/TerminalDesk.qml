@@ -2,14 +2,16 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Terminals
 
-/// The Dev hub: local shells in tabs.
-Page {
-    id: page
+/// Local shells in tabs.
+FocusScope {
+    id: view
 
     required property TerminalsView screen
+    readonly property alias tabs: tabs
+    readonly property alias notices: pane.notices
+    readonly property alias front: desk
 
-    panes: [tabs, pane.notices, desk]
-
+    /// What the terminals make of a command of the keymap.
     function act(command: string) {
         pane.act(command);
     }
@@ -22,8 +24,8 @@ Page {
         id: tabs
         width: parent.width
         height: visible ? implicitHeight : 0
-        visible: page.screen.count > 0
-        screen: page.screen
+        visible: view.screen.count > 0
+        screen: view.screen
         onLeave: pane.terminal.forceActiveFocus(Qt.TabFocusReason)
     }
     FocusScope {
@@ -37,38 +39,38 @@ Page {
             anchors.verticalCenterOffset: -Theme.huge
             width: 420
             spacing: Theme.wide
-            visible: page.screen.count === 0
+            visible: view.screen.count === 0
 
             EmptyState {
                 width: parent.width
                 icon: "hub-dev"
-                title: page.screen.emptyTitle
-                detail: page.screen.emptyDetail
+                title: view.screen.emptyTitle
+                detail: view.screen.emptyDetail
             }
             Button {
                 id: start
                 objectName: "terminals.start"
                 anchors.horizontalCenter: parent.horizontalCenter
-                focus: page.screen.count === 0
+                focus: view.screen.count === 0
                 kind: "primary"
-                text: page.screen.createLabel
+                text: view.screen.createLabel
                 hint: Commands.keysOf("newTerminal")
-                onClicked: page.screen.create()
+                onClicked: view.screen.create()
             }
         }
         TerminalPane {
             id: pane
             anchors.fill: parent
-            visible: page.screen.count > 0
+            visible: view.screen.count > 0
             focus: visible
-            screen: page.screen
+            screen: view.screen
         }
     }
     Connections {
-        target: page.screen
+        target: view.screen
         function onClipboardGranted(text) { WindowTools.copy(text); }
         function onChanged() {
-            if (page.screen.count === 0)
+            if (view.screen.count === 0)
                 start.forceActiveFocus();
             else if (start.activeFocus)
                 pane.forceActiveFocus();
