@@ -1,5 +1,6 @@
 #include "Shell/Hubs.h"
 
+#include "Browser/BrowserCommands.h"
 #include "Calendar/CalendarKeys.h"
 #include "Desk/DeskCommands.h"
 #include "Foundation/Literals.h"
@@ -48,7 +49,7 @@ HubScreen inbox(Screens& screens, const Hub&)
 
 HubScreen dev(Screens& screens, const Hub&)
 {
-    return { &screens.dev, terminalCommands() + devCommands(screens) };
+    return { &screens.dev, terminalCommands() + browserCommands() + devCommands(screens) };
 }
 
 HubScreen calendar(Screens& screens, const Hub&)
