@@ -146,15 +146,17 @@ std::optional<Bitmap> SixelDecoder::finish()
     applyCommand();
     if (m_width == 0 || m_height == 0)
         return {};
-    Bitmap bitmap { m_width, m_height, {} };
-    bitmap.pixels.reserve(size_t(m_width) * size_t(m_height) * 4);
+    Bitmap bitmap { m_width, m_height, std::vector<uint8_t>(size_t(m_width) * size_t(m_height) * 4) };
+    const uint32_t background = m_background ? 0xff000000 | *m_background : 0;
+    uint8_t* to = bitmap.pixels.data();
     for (int row = 0; row < m_height; ++row) {
-        for (int column = 0; column < m_width; ++column) {
-            uint32_t pixel = m_pixels[size_t(row) * size_t(m_stride) + size_t(column)];
-            if (pixel == 0 && m_background)
-                pixel = 0xff000000 | *m_background;
-            for (const int shift : { 16, 8, 0, 24 })
-                bitmap.pixels.push_back(uint8_t(pixel >> shift));
+        const uint32_t* const from = m_pixels.data() + size_t(row) * size_t(m_stride);
+        for (int column = 0; column < m_width; ++column, to += 4) {
+            const uint32_t pixel = from[column] ? from[column] : background;
+            to[0] = uint8_t(pixel >> 16);
+            to[1] = uint8_t(pixel >> 8);
+            to[2] = uint8_t(pixel);
+            to[3] = uint8_t(pixel >> 24);
         }
     }
     return bitmap;
