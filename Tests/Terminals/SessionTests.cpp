@@ -194,6 +194,27 @@ TEST_F(Terminals, aViewThatIsScrolledBackStaysOnItsText)
     EXPECT_EQ(session.search()->status(), u"2 of 13"_s);
 }
 
+TEST_F(Terminals, aProgramNotifiesTheUserAndItsPromptsAreFound)
+{
+    LumoTerminalSession& session = open(
+        R"(for i in 1 2 3; do printf '\033]133;A\007prompt\r\n\033]133;C\007'; seq 1 30; printf '\033]133;D;0\007'; done
+        printf '\033]9;built\007'; cat)");
+    QSignalSpy told(&view, &TerminalsView::notified);
+    ASSERT_TRUE(await([&] { return told.count() == 1; }));
+    EXPECT_EQ(told.at(0), QVariantList({ session.label(), u"built"_s }));
+    const auto after = [&session](bool next) {
+        session.scrollToPrompt(next);
+        return session.scrollTop();
+    };
+    const int64_t last = after(false);
+    EXPECT_EQ(after(false), last - 31);
+    EXPECT_EQ(after(false), last - 62);
+    EXPECT_EQ(after(false), last - 62);
+    EXPECT_EQ(after(true), last - 31);
+    EXPECT_EQ(after(true), last);
+    EXPECT_EQ(after(true), 0);
+}
+
 TEST_F(Terminals, aShellStartsInItsFolderOrAtHome)
 {
     const QString at = home.paths().home;

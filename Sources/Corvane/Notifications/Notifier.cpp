@@ -24,6 +24,7 @@ const QString approvalKindKey = u"approvalKind"_s;
 const QString approvalIdKey = u"approvalId"_s;
 const QVariantMap ofDictation { { u"dictation"_s, true } };
 const QString recordingKey = u"recording"_s;
+const QString terminalKey = u"terminal"_s;
 
 QString approvalSubtitle(const QString& kind)
 {
@@ -138,16 +139,28 @@ void Notifier::notifyApproval(const QString& kind, const QString& id, const QStr
     m_service.show(banner);
 }
 
-void Notifier::notifyRecording(const QString& title, const QString& body)
+/// One banner of its kind at a time; clicking it raises the window.
+void Notifier::showAlone(const QString& kind, const QString& title, const QString& body)
 {
     if (!m_service.isAvailable())
         return;
     Banner banner;
-    banner.identifier = banner.thread = recordingKey;
+    banner.identifier = banner.thread = kind;
     banner.title = title;
     banner.body = body;
-    banner.userInfo = { { recordingKey, true } };
+    banner.userInfo = { { kind, true } };
     m_service.show(banner);
+}
+
+void Notifier::notifyRecording(const QString& title, const QString& body)
+{
+    showAlone(recordingKey, title, body);
+}
+
+void Notifier::notifyTerminal(const QString& title, const QString& body)
+{
+    if (enabled())
+        showAlone(terminalKey, title, body);
 }
 
 void Notifier::notifyDictation(const QString& text, const QList<Banner::Action>& buttons)
@@ -182,7 +195,7 @@ void Notifier::handleResponse(const QVariantMap& userInfo, const QString& action
     } else if (userInfo.contains(contactIdKey)) {
         m_activate();
         m_centre.post(notifications::openConversation, userInfo.value(contactIdKey).toString());
-    } else if (userInfo.contains(recordingKey)) {
+    } else if (userInfo.contains(recordingKey) || userInfo.contains(terminalKey)) {
         m_activate();
     }
 }

@@ -51,9 +51,12 @@ public:
     /// A recording that started or failed without the window; a later banner replaces it. Shown whatever the user's
     /// settings for other banners.
     void notifyRecording(const QString& title, const QString& body);
+    /// What a program in a terminal asked to be told, unless the user turned banners off; a later one replaces it.
+    void notifyTerminal(const QString& title, const QString& body);
 
 private:
     bool enabled() const; ///< the user default "notifyOnNewMessage"; on by default
+    void showAlone(const QString& kind, const QString& title, const QString& body);
     void handleResponse(const QVariantMap& userInfo, const QString& action);
 
     NotificationService& m_service;

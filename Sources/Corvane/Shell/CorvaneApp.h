@@ -85,6 +85,7 @@ public:
     AddressBook& addressBook() { return *m_machine.addressBook; }
     BackgroundQueue& background() { return m_background; }
     Desktop& desktop() { return *m_machine.desktop; }
+    Notifier& notifier() { return *m_notifier; }
     Microphone& microphone() { return *m_machine.microphone; }
     MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }

@@ -9,6 +9,7 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Notifications/Notifier.h"
 #include "Platform/AddressBook.h"
 #include "Platform/CalendarSource.h"
 #include "Shell/CorvaneApp.h"
@@ -138,8 +139,11 @@ Screens::Screens(CorvaneApp& root)
         }
         app.quit();
     });
-    for (const auto& [hub, view] : shells)
+    for (const auto& [hub, view] : shells) {
         QObject::connect(view, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);
+        QObject::connect(view, &TerminalsView::notified, &app,
+            [this](const QString& title, const QString& body) { app.notifier().notifyTerminal(title, body); });
+    }
     // Messages that arrive here are no news of another program's.
     for (WorkModuleShell* const hub : { gtm.shell(), cx.shell() })
         QObject::connect(&app.engine(), &EngineManager::inboxRevisionChanged, hub, &WorkModuleShell::setStale);

@@ -1,5 +1,7 @@
 #include "Terminals/LumoTerminalSession.h"
 
+#include "Foundation/Redaction.h"
+
 #include <QUuid>
 
 namespace corvane {
@@ -160,6 +162,32 @@ void LumoTerminalSession::scrollTo(int64_t top)
     Q_EMIT changed();
 }
 
+void LumoTerminalSession::scrollToPrompt(bool next)
+{
+    if (!m_terminal)
+        return;
+    const int64_t top = scrollTop();
+    std::optional<int64_t> target;
+    for (const auto& mark : m_terminal->terminal()->marks()) {
+        if (mark.kind != terminal::PromptMark::Prompt)
+            continue;
+        if (next && mark.row > top) {
+            target = mark.row;
+            break;
+        }
+        if (!next && mark.row < top)
+            target = mark.row;
+    }
+    if (target || next)
+        scrollTo(target.value_or(0));
+}
+
+QString LumoTerminalSession::redactedTranscript()
+{
+    constexpr qsizetype all = 24'000;
+    return redactSensitive(m_transcript.snapshot(all));
+}
+
 void LumoTerminalSession::clearAttention()
 {
     if (std::exchange(m_attention, false))
@@ -188,6 +216,9 @@ void LumoTerminalSession::deliver()
         Q_EMIT labelChanged();
     if (requests.clipboard)
         Q_EMIT clipboardRequested(*requests.clipboard);
+    if (requests.notification)
+        Q_EMIT notified(requests.notification->title.isEmpty() ? label() : requests.notification->title,
+            requests.notification->body);
     Q_EMIT changed();
     m_packing = m_scheduler.after(quietBeforePacking, [this] { packHistory(); });
     if (m_childEnded && !m_exit) {

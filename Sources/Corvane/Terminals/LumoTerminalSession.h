@@ -62,6 +62,10 @@ public:
     /// The first visible row. It stays on its text while output arrives; 0 follows the output.
     int64_t scrollTop() const { return m_scrollTop; }
     void scrollTo(int64_t top);
+    /// To the prompt before or after the first row shown, if the shell marks its prompts (OSC 133).
+    Q_INVOKABLE void scrollToPrompt(bool next);
+    /// The transcript as it may leave the program: with probable secrets masked.
+    Q_INVOKABLE QString redactedTranscript();
 
     TerminalSearch* search() { return &m_search; }
     bool attention() const { return m_attention; } ///< the bell rang since the user last looked
@@ -71,6 +75,7 @@ Q_SIGNALS:
     void changed(); ///< something may need to be redrawn
     void labelChanged();
     void clipboardRequested(const QString& text); ///< a program wants to set the clipboard
+    void notified(const QString& title, const QString& body); ///< a program wants the user to know
     void ended(); ///< the shell has exited, or could not be started
 
 private:

@@ -45,10 +45,18 @@ void TerminalEvents::clipboardWrite(std::string_view, std::string_view data)
     m_requests.clipboard = text(data);
 }
 
-/// A tab that is not in front shows that something wants to be seen; more a program does not get.
-void TerminalEvents::notification(const terminal::Notification&)
+/// A command that ended in a tab that is not in front is worth a look.
+void TerminalEvents::promptMark(terminal::PromptMark kind, int)
 {
-    bell();
+    if (kind == terminal::PromptMark::End)
+        bell();
+}
+
+void TerminalEvents::notification(const terminal::Notification& notification)
+{
+    const std::lock_guard lock(m_lock);
+    m_requests.bell = true;
+    m_requests.notification = { text(notification.title), text(notification.body) };
 }
 
 }

@@ -14,6 +14,11 @@ struct TerminalRequests {
     std::optional<QString> title;
     std::optional<QString> directory; ///< a path
     std::optional<QString> clipboard; ///< text for the clipboard
+    struct Notification {
+        QString title; ///< may be empty
+        QString body;
+    };
+    std::optional<Notification> notification;
     bool bell = false;
 };
 
@@ -26,6 +31,7 @@ public:
     void titleChanged(std::string_view title) override;
     void directoryChanged(std::string_view address) override;
     void clipboardWrite(std::string_view selection, std::string_view data) override;
+    void promptMark(terminal::PromptMark kind, int exitCode) override;
     void notification(const terminal::Notification& notification) override;
 
 private:

@@ -19,6 +19,7 @@ constexpr int usualFontSize = 14;
 constexpr int smallestFontSize = 8;
 constexpr int largestFontSize = 40;
 constexpr Milliseconds shortestSession { 2000 };
+constexpr Milliseconds pauseOfNotifications { 2000 };
 constexpr qsizetype largestPaste = 1 << 20;
 constexpr qsizetype largestClipboard = 1 << 20;
 
@@ -72,6 +73,13 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
         = **m_sessions.insert(place, std::make_unique<LumoTerminalSession>(std::move(options), m_at.scheduler));
     connect(&session, &LumoTerminalSession::labelChanged, this, &TerminalsView::refresh);
     connect(&session, &LumoTerminalSession::ended, this, [this, &session] { sessionEnded(session); });
+    connect(&session, &LumoTerminalSession::notified, this, [this](const QString& title, const QString& body) {
+        const qint64 now = m_at.scheduler.monotonicMs();
+        if (m_notifiedAt && now - *m_notifiedAt < pauseOfNotifications.count())
+            return;
+        m_notifiedAt = now;
+        Q_EMIT notified(title, body);
+    });
     connect(&session, &LumoTerminalSession::clipboardRequested, this, [this, &session](const QString& text) {
         // A program must not put its question in the place of one that is about to be answered.
         if (!m_question.text.isEmpty() || text.size() > largestClipboard)

@@ -120,6 +120,7 @@ Q_SIGNALS:
     void questionChanged();
     void fontSizeChanged();
     void clipboardGranted(const QString& text);
+    void notified(const QString& title, const QString& body); ///< by a program, not more often than every 2 seconds
     void quitConfirmed();
 
 private:
@@ -149,6 +150,7 @@ private:
     LumoTerminalSession* m_current = nullptr;
     RowListModel<TerminalTab> m_tabs;
     Question m_question;
+    std::optional<qint64> m_notifiedAt;
     int m_fontSize;
 };
 

@@ -34,6 +34,13 @@ FocusScope {
         case "pasteIntoTerminal":
             screen.paste(terminal.clipboardText());
             break;
+        case "previousPrompt":
+        case "nextPrompt":
+            screen.current?.scrollToPrompt(command === "nextPrompt");
+            break;
+        case "copyTranscript":
+            copyTranscript();
+            break;
         case "largerType":
             screen.enlarge(1);
             break;
@@ -65,6 +72,11 @@ FocusScope {
             return;
         screen.current.search.shown = true;
         searchBar.item?.forceActiveFocus();
+    }
+
+    function copyTranscript() {
+        if (screen.current)
+            WindowTools.copy(screen.current.redactedTranscript());
     }
 
     /// What came unasked leaves the keyboard where it is.
@@ -199,6 +211,11 @@ FocusScope {
         MenuItem {
             text: qsTr("Select all")
             onTriggered: terminal.selectAll()
+        }
+        MenuItem {
+            text: qsTr("Copy the transcript")
+            key: Commands.keysOf("copyTranscript")
+            onTriggered: pane.copyTranscript()
         }
         MenuSeparator {}
         MenuItem {
