@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
 #include "UI/Terminals/TerminalItem.h"
+#include "UI/Terminals/TerminalTextNode.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -112,7 +113,7 @@ void inWindow(benchmark::State& state)
     state.counters["longest_ms"] = longest;
 }
 
-/// Every row of 200x50 in 24-bit colours, drawn anew.
+/// Every row of 200x50 in 24-bit colours, drawn anew: into images, or as what goes to a GPU.
 void repaint(benchmark::State& state)
 {
     TerminalPainter painter(terminalFontFamily(), 14);
@@ -125,9 +126,15 @@ void repaint(benchmark::State& state)
     terminal::Snapshot snapshot;
     terminal.snapshot(0, snapshot);
     const TerminalLook look = TerminalLook::of(snapshot);
+    const bool asQuads = state.range(0);
+    TerminalTextMaterial material;
     for (auto _ : state) {
-        for (const terminal::ShownRow& row : snapshot.rows)
-            benchmark::DoNotOptimize(painter.row(row, 200, look));
+        for (const terminal::ShownRow& row : snapshot.rows) {
+            if (asQuads)
+                benchmark::DoNotOptimize(TerminalTextNode(material, *painter.quads(row, 200, look), 1));
+            else
+                benchmark::DoNotOptimize(painter.row(row, 200, look));
+        }
     }
 }
 
@@ -148,7 +155,7 @@ void wholeSnapshot(benchmark::State& state)
 BENCHMARK(sessionAlone)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(withTranscript)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(inWindow)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(repaint)->Unit(benchmark::kMillisecond);
+BENCHMARK(repaint)->ArgName("quads")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(wholeSnapshot)->ArgName("changed")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 }

@@ -5,6 +5,28 @@ if(CORVANE_SANITIZE)
     set(qml_cache NO_CACHEGEN)
 endif()
 
+find_program(QSB qsb HINTS "${QT6_INSTALL_PREFIX}/${QT6_INSTALL_BINS}" /usr/lib/qt6/bin REQUIRED)
+
+# The folder's shaders, X.vert and X.frag, as ":/shaders/X.vert.qsb" and so on.
+function(corvane_shaders target folder)
+    file(GLOB shaders CONFIGURE_DEPENDS "${folder}/*.vert" "${folder}/*.frag")
+    foreach(shader IN LISTS shaders)
+        cmake_path(GET shader FILENAME name)
+        set(made "${CMAKE_BINARY_DIR}/shaders/${name}.qsb")
+        set(batchable)
+        if(name MATCHES "\\.vert$")
+            set(batchable -b)
+        endif()
+        add_custom_command(OUTPUT "${made}" DEPENDS "${shader}"
+            COMMAND ${CMAKE_COMMAND} -E make_directory "${CMAKE_BINARY_DIR}/shaders"
+            COMMAND "${QSB}" --glsl "100 es,120,150" ${batchable} -o "${made}" "${shader}")
+        list(APPEND compiled "${made}")
+    endforeach()
+    if(compiled)
+        qt_add_resources(${target} ${target}_shaders PREFIX "/shaders" BASE "${CMAKE_BINARY_DIR}/shaders" FILES ${compiled})
+    endif()
+endfunction()
+
 function(corvane_qml name)
     set(folder "${CMAKE_SOURCE_DIR}/Sources/Corvane/UI/${name}")
     set(target corvane_UI_${name})
@@ -32,6 +54,7 @@ function(corvane_qml name)
     target_include_directories(${target} PUBLIC "${CMAKE_SOURCE_DIR}/Sources/Corvane" PRIVATE "${folder}" "${QRCODEGEN_INCLUDE}")
     target_link_libraries(${target} PUBLIC corvane_Shell Qt6::Quick PRIVATE Qt6::Qml "${QRCODEGEN_LIBRARY}")
     corvane_precompile(${target})
+    corvane_shaders(${target} "${folder}")
     target_link_libraries(corvane_UI PUBLIC ${target})
 endfunction()
 

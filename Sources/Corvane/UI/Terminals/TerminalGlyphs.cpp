@@ -19,6 +19,33 @@ bool isEmoji(std::u32string_view text)
     return text[0] >= 0x1f000 || text.find(asPicture) != std::u32string_view::npos;
 }
 
+/// The picture, drawn in white, as a mask where it is of one colour.
+TerminalGlyph glyphOf(const QImage& image, int margin)
+{
+    TerminalGlyph glyph;
+    glyph.width = image.width();
+    glyph.margin = margin;
+    bool isEmpty = true;
+    bool isColored = false;
+    glyph.mask.resize(size_t(glyph.width) * size_t(image.height()));
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        for (int x = 0; x < glyph.width; ++x) {
+            const int alpha = qAlpha(line[x]);
+            isEmpty &= alpha == 0;
+            isColored |= qRed(line[x]) != alpha || qBlue(line[x]) != alpha;
+            glyph.mask[size_t(y * glyph.width + x)] = uint8_t(alpha);
+        }
+    }
+    if (isEmpty)
+        return {};
+    if (isColored) {
+        glyph.mask.clear();
+        glyph.picture = image;
+    }
+    return glyph;
+}
+
 }
 
 QString terminalFontFamily()
@@ -83,12 +110,10 @@ const TerminalGlyph& TerminalGlyphs::cluster(std::u32string_view text, int cells
 
 TerminalGlyph TerminalGlyphs::draw(std::u32string_view text, int cells, Face face) const
 {
-    TerminalGlyph glyph;
     const bool isBox = text.size() == 1 && isBoxDrawing(text[0]);
-    glyph.margin = isBox ? 0 : (m_cellWidth + 2) / 3;
+    const int margin = isBox ? 0 : (m_cellWidth + 2) / 3;
     const int space = cells * m_cellWidth;
-    glyph.width = space + 2 * glyph.margin;
-    QImage image(glyph.width, m_cellHeight, QImage::Format_ARGB32_Premultiplied);
+    QImage image(space + 2 * margin, m_cellHeight, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setPen(Qt::white);
@@ -102,31 +127,31 @@ TerminalGlyph TerminalGlyphs::draw(std::u32string_view text, int cells, Face fac
         const double advance = QFontMetricsF(font).horizontalAdvance(string);
         const double scale = advance > space + 0.5 ? space / advance : 1;
         const double slack = cells > 1 ? std::max(0.0, (space - advance * scale) / 2) : 0;
-        painter.translate(glyph.margin + slack, m_ascent * (1 + scale) / 2);
+        painter.translate(margin + slack, m_ascent * (1 + scale) / 2);
         painter.scale(scale, scale);
         painter.drawText(QPointF(0, 0), string);
     }
     painter.end();
+    return glyphOf(image, margin);
+}
 
-    bool isEmpty = true;
-    bool isColored = false;
-    glyph.mask.resize(size_t(glyph.width) * size_t(m_cellHeight));
-    for (int y = 0; y < m_cellHeight; ++y) {
-        const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        for (int x = 0; x < glyph.width; ++x) {
-            const int alpha = qAlpha(line[x]);
-            isEmpty &= alpha == 0;
-            isColored |= qRed(line[x]) != alpha || qBlue(line[x]) != alpha;
-            glyph.mask[size_t(y * glyph.width + x)] = uint8_t(alpha);
-        }
-    }
-    if (isEmpty)
-        return {};
-    if (isColored) {
-        glyph.mask.clear();
-        glyph.picture = image;
-    }
-    return glyph;
+const TerminalGlyph& TerminalGlyphs::wave()
+{
+    if (m_wave)
+        return *m_wave;
+    QImage image(m_cellWidth, m_cellHeight, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    const double swing = std::max(1.0, (m_cellHeight - m_ascent) / 3.0);
+    const double middle = m_cellHeight - swing - m_lineWidth / 2.0;
+    QPolygonF wave;
+    for (int x = -1; x <= m_cellWidth + 1; ++x) // past the edges, where the next one goes on
+        wave.append(QPointF(x, middle + swing * std::sin(2 * M_PI * x / m_cellWidth)));
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::white, m_lineWidth));
+    painter.drawPolyline(wave);
+    painter.end();
+    return m_wave.emplace(glyphOf(image, 0));
 }
 
 }

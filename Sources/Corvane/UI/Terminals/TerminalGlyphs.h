@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QImage>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -16,6 +17,8 @@ struct TerminalGlyph {
     int margin = 0;
     std::vector<uint8_t> mask; ///< the coverage of each pixel
     QImage picture; ///< premultiplied, instead of the mask: a colour emoji
+    mutable QPoint atlasPlace; ///< used by TerminalAtlas
+    mutable uint32_t atlasRound = 0;
 };
 
 /// The glyphs of one font and size, rendered once each.
@@ -34,6 +37,7 @@ public:
     /// `cells` is its width in cells.
     const TerminalGlyph& glyph(char32_t character, int cells, Face face);
     const TerminalGlyph& cluster(std::u32string_view text, int cells, Face face);
+    const TerminalGlyph& wave(); ///< of one cell, for a curly underline
 
 private:
     TerminalGlyph draw(std::u32string_view text, int cells, Face face) const;
@@ -46,6 +50,7 @@ private:
     int m_cellHeight = 0;
     int m_ascent = 0;
     int m_lineWidth = 1;
+    std::optional<TerminalGlyph> m_wave;
     std::unique_ptr<TerminalGlyph> m_plain[4][plainCount]; ///< narrow ones
     std::unordered_map<std::u32string, TerminalGlyph> m_glyphs; ///< keyed by face, cells and text
 };

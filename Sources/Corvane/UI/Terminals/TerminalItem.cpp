@@ -159,10 +159,14 @@ void TerminalItem::updatePolish()
 void TerminalItem::paintStrips()
 {
     const TerminalLook look = TerminalLook::of(m_snapshot);
-    const int width = m_snapshot.size.columns * m_painter->cell().width();
-    if (m_look != look || (!m_strips.empty() && m_strips.front().picture.width() != width))
+    const bool isFull = m_painter->atlas().isFull();
+    if (isFull)
+        m_painter->atlas().clear();
+    if (m_look != look || m_stripColumns != m_snapshot.size.columns || isFull)
         m_strips.clear();
     m_look = look;
+    m_stripColumns = m_snapshot.size.columns;
+    m_drawsQuads = QSGRendererInterface::isApiRhiBased(window()->rendererInterface()->graphicsApi());
     std::vector<Strip> strips(m_snapshot.rows.size());
     for (size_t i = 0; i < strips.size(); ++i) {
         const ShownRow& row = m_snapshot.rows[i];
@@ -171,9 +175,23 @@ void TerminalItem::paintStrips()
         if (known != m_strips.end())
             strips[i] = *known;
         else
-            strips[i] = { row.key, ++m_lastStrip, m_painter->row(row, m_snapshot.size.columns, look) };
+            strips[i] = paintStrip(row);
     }
     m_strips = std::move(strips);
+}
+
+TerminalItem::Strip TerminalItem::paintStrip(const ShownRow& row)
+{
+    Strip strip { row.key, ++m_lastStrip };
+    if (m_drawsQuads) {
+        auto quads = m_painter->quads(row, m_stripColumns, m_look);
+        if (quads && quads->size() <= TerminalTextNode::maxQuads) {
+            strip.quads = std::move(*quads);
+            return strip;
+        }
+    }
+    strip.picture = m_painter->row(row, m_stripColumns, m_look);
+    return strip;
 }
 
 QSGNode* TerminalItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData*)

@@ -96,11 +96,12 @@ protected:
 private:
     friend class TerminalScene;
 
-    /// A row's image. Its number stays the same as long as its content does, wherever it moves.
+    /// A row as drawn. Its number stays the same as long as its content does, wherever it moves.
     struct Strip {
         terminal::ShownRow::Key key;
         uint64_t number = 0;
-        QImage picture;
+        std::vector<TerminalQuad> quads {};
+        QImage picture {}; ///< in place of the quads, where it is not null
     };
 
     void look(); ///< something may have changed
@@ -108,6 +109,7 @@ private:
     void updateFont();
     void updateSize();
     void paintStrips();
+    Strip paintStrip(const terminal::ShownRow& row);
     void applyColors();
     bool sendKey(const QKeyEvent& event, terminal::KeyAction action);
     bool sendMouse(QPointF position, terminal::MouseAction action, int button, Qt::KeyboardModifiers modifiers);
@@ -131,6 +133,8 @@ private:
     terminal::Snapshot m_snapshot;
     TerminalLook m_look;
     std::vector<Strip> m_strips;
+    int m_stripColumns = 0;
+    bool m_drawsQuads = false; ///< a graphics card puts the rows together, not the painter
     uint64_t m_lastStrip = 0;
     QString m_preedit;
     QString m_announced;

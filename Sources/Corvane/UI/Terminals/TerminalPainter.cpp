@@ -40,10 +40,92 @@ uint32_t weighted(uint32_t one, uint32_t alpha, uint32_t other, uint32_t rest)
     return divided(odd) << 8 | divided(even);
 }
 
-uint32_t* lineOf(QImage& image, int y)
-{
-    return reinterpret_cast<uint32_t*>(image.bits()) + qsizetype(y) * image.bytesPerLine() / 4;
-}
+/// Draws into a picture.
+class PictureCanvas {
+public:
+    explicit PictureCanvas(QImage& image)
+        : m_pixels(reinterpret_cast<uint32_t*>(image.bits()))
+        , m_stride(image.bytesPerLine() / 4)
+        , m_size(image.size())
+    {
+    }
+
+    int width() const { return m_size.width(); }
+
+    void fill(QRect area, Rgb color)
+    {
+        uint32_t* line = m_pixels + area.y() * m_stride + area.x();
+        for (int y = 0; y < area.height(); ++y, line += m_stride)
+            std::fill_n(line, area.width(), opaque | color);
+    }
+
+    void glyph(const TerminalGlyph& glyph, int left, Rgb ink)
+    {
+        const int begin = std::max(0, left - glyph.margin);
+        const int end = std::min(width(), left - glyph.margin + glyph.width);
+        const int skipped = begin - (left - glyph.margin);
+        if (glyph.width == 0)
+            return;
+        uint32_t* line = m_pixels;
+        for (int y = 0; y < m_size.height(); ++y, line += m_stride) {
+            if (glyph.mask.empty()) {
+                const auto* source = reinterpret_cast<const uint32_t*>(glyph.picture.constScanLine(y)) + skipped;
+                for (int x = begin; x < end; ++x, ++source)
+                    line[x] = *source + weighted(0, 0, line[x], 255 - (*source >> 24));
+                continue;
+            }
+            const uint8_t* source = glyph.mask.data() + size_t(y) * size_t(glyph.width) + size_t(skipped);
+            for (int x = begin; x < end; ++x, ++source) {
+                if (*source)
+                    line[x] = weighted(opaque | ink, *source, line[x], 255u - *source);
+            }
+        }
+    }
+
+private:
+    uint32_t* m_pixels;
+    qsizetype m_stride;
+    QSize m_size;
+};
+
+/// Gathers what a picture would show.
+class QuadCanvas {
+public:
+    QuadCanvas(TerminalAtlas& atlas, QSize size)
+        : m_atlas(atlas)
+        , m_size(size)
+    {
+        m_quads.reserve(size_t(size.width() / std::max(1, size.height() / 4)));
+    }
+
+    int width() const { return m_size.width(); }
+    void fill(QRect area, Rgb color) { m_quads.push_back({ area, TerminalAtlas::white, opaque | color }); }
+    void glyph(const TerminalGlyph& glyph, int left, Rgb ink)
+    {
+        if (glyph.width == 0)
+            return;
+        const auto place = m_atlas.place(glyph);
+        if (!place) {
+            m_isWhole = false;
+            return;
+        }
+        const QRect whole(left - glyph.margin, 0, glyph.width, m_size.height());
+        const QRect area = whole & QRect(QPoint(), m_size);
+        m_quads.push_back({ area, { *place + area.topLeft() - whole.topLeft(), area.size() },
+            opaque | (glyph.mask.empty() ? 0xffffff : ink) });
+    }
+
+    std::optional<std::vector<TerminalQuad>> take()
+    {
+        return m_isWhole ? std::optional(std::move(m_quads)) : std::nullopt;
+    }
+
+private:
+    TerminalAtlas& m_atlas;
+    QSize m_size;
+    std::vector<TerminalQuad> m_quads;
+    bool m_isWhole = true;
+};
 
 TerminalGlyphs::Face faceOf(const Style& style)
 {
@@ -113,20 +195,37 @@ TerminalPainter::Ink TerminalPainter::inkOf(const Style& style, const TerminalLo
     return ink;
 }
 
+void TerminalPainter::useLook(const TerminalLook& look)
+{
+    if (m_readableFor == look)
+        return;
+    m_readableFor = look;
+    for (size_t i = 0; i < m_readable.size(); ++i)
+        m_readable[i] = readableOn(look.ground(), look.palette.indexed[i]);
+}
+
+std::optional<std::vector<TerminalQuad>> TerminalPainter::quads(
+    const ShownRow& row, int columns, const TerminalLook& look)
+{
+    if (row.size != LineSize::Single)
+        return {};
+    useLook(look);
+    QuadCanvas canvas(m_atlas, { columns * m_glyphs.cellWidth(), m_glyphs.cellHeight() });
+    draw(canvas, row, look);
+    return canvas.take();
+}
+
 QImage TerminalPainter::row(const ShownRow& row, int columns, const TerminalLook& look)
 {
-    if (m_readableFor != look) {
-        m_readableFor = look;
-        for (size_t i = 0; i < m_readable.size(); ++i)
-            m_readable[i] = readableOn(look.ground(), look.palette.indexed[i]);
-    }
+    useLook(look);
     const int width = columns * m_glyphs.cellWidth();
     const int height = m_glyphs.cellHeight();
     const auto format = look.isTransparent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
     const bool isDouble = row.size != LineSize::Single;
     QImage image(isDouble ? (columns + 1) / 2 * m_glyphs.cellWidth() : width, height, format);
     image.fill(look.isTransparent ? 0 : opaque | look.ground());
-    drawText(image, row, look);
+    PictureCanvas canvas(image);
+    draw(canvas, row, look);
     if (!isDouble)
         return image;
     const int top = row.size == LineSize::Bottom ? height / 2 : 0;
@@ -145,16 +244,14 @@ const TerminalGlyph& TerminalPainter::glyphOf(const ShownRow& row, Cell cell, co
     return m_glyphs.glyph(cell.content(), cells, faceOf(style));
 }
 
-void TerminalPainter::drawText(QImage& image, const ShownRow& row, const TerminalLook& look)
+template <typename Canvas> void TerminalPainter::draw(Canvas& canvas, const ShownRow& row, const TerminalLook& look)
 {
     std::vector<Ink> inks;
     inks.reserve(row.styles.size());
     for (const Style& style : row.styles)
         inks.push_back(inkOf(style, look));
     const int cellWidth = m_glyphs.cellWidth();
-    const int count = std::min(int(row.cells.size()), image.width() / cellWidth);
-    const int height = image.height();
-    const qsizetype stride = image.bytesPerLine() / 4;
+    const int count = std::min(int(row.cells.size()), canvas.width() / cellWidth);
 
     // All grounds first, since characters may stand out of their cells.
     for (int from = 0; from < count;) {
@@ -162,11 +259,8 @@ void TerminalPainter::drawText(QImage& image, const ShownRow& row, const Termina
         while (to < count && row.cells[size_t(to)].style() == row.cells[size_t(from)].style())
             ++to;
         const Ink& ink = inks[row.cells[size_t(from)].style()];
-        if (ink.hasGround) {
-            uint32_t* line = lineOf(image, 0) + from * cellWidth;
-            for (int y = 0; y < height; ++y, line += stride)
-                std::fill_n(line, (to - from) * cellWidth, opaque | ink.ground);
-        }
+        if (ink.hasGround)
+            canvas.fill({ from * cellWidth, 0, (to - from) * cellWidth, m_glyphs.cellHeight() }, ink.ground);
         from = to;
     }
     for (int column = 0; column < count; ++column) {
@@ -174,47 +268,23 @@ void TerminalPainter::drawText(QImage& image, const ShownRow& row, const Termina
         const Style& style = row.styleOf(cell);
         const Ink& ink = inks[cell.style()];
         if (cell.content() && cell.width() > 0 && !style.has(Style::Conceal))
-            drawGlyph(image, glyphOf(row, cell, style), column * cellWidth, ink.text);
+            canvas.glyph(glyphOf(row, cell, style), column * cellWidth, ink.text);
         const bool hasLines
             = style.underline != Underline::None || style.has(Style::Strike) || style.has(Style::Overline);
         if (hasLines)
-            drawLines(image, style, ink, column * cellWidth, cellWidth, look);
+            drawLines(canvas, style, ink, column * cellWidth, look);
     }
 }
 
-void TerminalPainter::drawGlyph(QImage& image, const TerminalGlyph& glyph, int left, Rgb ink)
+template <typename Canvas>
+void TerminalPainter::drawLines(Canvas& canvas, const Style& style, const Ink& ink, int left, const TerminalLook& look)
 {
-    const int begin = std::max(0, left - glyph.margin);
-    const int end = std::min(image.width(), left - glyph.margin + glyph.width);
-    const int skipped = begin - (left - glyph.margin);
-    if (glyph.width == 0)
-        return;
-    const int height = image.height();
-    const qsizetype stride = image.bytesPerLine() / 4;
-    uint32_t* line = lineOf(image, 0);
-    for (int y = 0; y < height; ++y, line += stride) {
-        if (glyph.mask.empty()) {
-            const auto* source = reinterpret_cast<const uint32_t*>(glyph.picture.constScanLine(y)) + skipped;
-            for (int x = begin; x < end; ++x, ++source)
-                line[x] = *source + weighted(0, 0, line[x], 255 - (*source >> 24));
-            continue;
-        }
-        const uint8_t* source = glyph.mask.data() + size_t(y) * size_t(glyph.width) + size_t(skipped);
-        for (int x = begin; x < end; ++x, ++source) {
-            if (*source)
-                line[x] = weighted(opaque | ink, *source, line[x], 255u - *source);
-        }
-    }
-}
-
-void TerminalPainter::drawLines(
-    QImage& image, const Style& style, const Ink& ink, int left, int width, const TerminalLook& look)
-{
-    QPainter painter(&image);
+    const int width = m_glyphs.cellWidth();
+    const int height = m_glyphs.cellHeight();
     const int thick = m_glyphs.lineWidth();
-    const int low = std::min(m_glyphs.ascent() + thick, image.height() - thick);
+    const int low = std::min(m_glyphs.ascent() + thick, height - thick);
     const auto line = [&](int y, Rgb color) {
-        painter.fillRect(left, y, width, thick, QColor(QRgb(opaque | color)));
+        canvas.fill({ left, y, width, thick }, color);
     };
     if (style.has(Style::Strike))
         line(m_glyphs.ascent() * 2 / 3, ink.text);
@@ -225,7 +295,6 @@ void TerminalPainter::drawLines(
         color = style.underlineColor.rgbValue();
     else if (style.underlineColor.kind() == Color::Kind::Indexed)
         color = look.palette.indexed[style.underlineColor.index()];
-    const QColor pen(QRgb(opaque | color));
     switch (style.underline) {
     case Underline::None:
         break;
@@ -233,26 +302,19 @@ void TerminalPainter::drawLines(
         line(low, color);
         break;
     case Underline::Double:
-        line(image.height() - thick, color);
-        line(std::max(0, image.height() - 3 * thick), color);
+        line(height - thick, color);
+        line(std::max(0, height - 3 * thick), color);
         break;
-    case Underline::Curly: {
-        const double swing = std::max(1.0, (image.height() - m_glyphs.ascent()) / 3.0);
-        const double middle = image.height() - swing - thick / 2.0;
-        QPolygonF wave;
-        for (int x = 0; x <= width; ++x)
-            wave.append(QPointF(left + x, middle + swing * std::sin(2 * M_PI * x / width)));
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(pen, thick));
-        painter.drawPolyline(wave);
+    case Underline::Curly:
+        canvas.glyph(m_glyphs.wave(), left, color);
         break;
-    }
     case Underline::Dotted:
     case Underline::Dashed: {
         const int dash = style.underline == Underline::Dotted ? thick : std::max(2, width / 2);
         for (int x = left - left % (2 * dash); x < left + width; x += 2 * dash) {
             const int from = std::max(x, left);
-            painter.fillRect(from, low, std::min(x + dash, left + width) - from, thick, pen);
+            if (const int to = std::min(x + dash, left + width); to > from)
+                canvas.fill({ from, low, to - from, thick }, color);
         }
         break;
     }
@@ -266,7 +328,7 @@ QImage TerminalPainter::underCursor(const ShownRow& row, int column, const Termi
     QImage image(cells * m_glyphs.cellWidth(), m_glyphs.cellHeight(), QImage::Format_RGB32);
     image.fill(opaque | ground);
     if (cell.content() && !row.styleOf(cell).has(Style::Conceal))
-        drawGlyph(image, glyphOf(row, cell, row.styleOf(cell)), 0, ink);
+        PictureCanvas(image).glyph(glyphOf(row, cell, row.styleOf(cell)), 0, ink);
     if (row.size == LineSize::Single || look.isTransparent)
         return image;
     return image.scaled(image.width() * 2, image.height());

@@ -1,7 +1,5 @@
 #include "UI/Terminals/TerminalScene.h"
 
-#include "UI/Terminals/TerminalItem.h"
-
 #include <QQuickWindow>
 
 namespace corvane {
@@ -37,7 +35,11 @@ TerminalScene::TerminalScene()
         appendChildNode(group);
 }
 
-TerminalScene::~TerminalScene() = default;
+// The nodes go before the material that they share.
+TerminalScene::~TerminalScene()
+{
+    clear(m_rows);
+}
 
 void TerminalScene::update(const TerminalItem& item)
 {
@@ -47,40 +49,59 @@ void TerminalScene::update(const TerminalItem& item)
     }
     m_groundRectangle->setRect(item.boundingRect());
     m_groundRectangle->setColor(opaque(item.m_look.ground()));
+    updateAtlas(item);
     updateRows(item);
     updateImages(item);
     updateMarks(item);
 }
 
-/// Rows that are still shown keep their nodes; those that are new take over the nodes of rows that are gone.
+void TerminalScene::updateAtlas(const TerminalItem& item)
+{
+    const TerminalAtlas& atlas = item.m_painter->atlas();
+    if (!item.m_drawsQuads || (m_material.atlas && m_material.version == atlas.version()))
+        return;
+    m_material.atlas.reset(item.window()->createTextureFromImage(atlas.picture()));
+    m_material.version = atlas.version();
+    for (QSGTransformNode* const row : std::as_const(m_rowNodes))
+        row->firstChild()->markDirty(QSGNode::DirtyMaterial);
+}
+
+/// Rows that are still shown keep their nodes.
 void TerminalScene::updateRows(const TerminalItem& item)
 {
-    QHash<uint64_t, QSGImageNode*> kept;
-    for (const TerminalItem::Strip& strip : item.m_strips) {
-        if (QSGImageNode* const node = m_rowNodes.take(strip.number))
-            kept.insert(strip.number, node);
-    }
-    QList<QSGImageNode*> free = m_rowNodes.values();
+    QHash<uint64_t, QSGTransformNode*> kept;
     for (size_t i = 0; i < item.m_strips.size(); ++i) {
         const TerminalItem::Strip& strip = item.m_strips[i];
-        QSGImageNode*& node = kept[strip.number];
+        QSGTransformNode* node = m_rowNodes.take(strip.number);
         if (!node) {
-            node = free.isEmpty() ? item.window()->createImageNode() : free.takeLast();
-            node->setOwnsTexture(true);
-            node->setTexture(item.window()->createTextureFromImage(strip.picture));
-            node->setSourceRect(strip.picture.rect());
-            // The software renderer asks a node for its texture as soon as it is in the scene.
-            if (!node->parent())
-                m_rows->appendChildNode(node);
+            node = new QSGTransformNode;
+            // The software renderer asks a picture for its texture as soon as it is in the scene.
+            node->appendChildNode(rowNode(item, strip));
+            m_rows->appendChildNode(node);
         }
-        const QRectF cell = item.cellRect(int(i), 0);
-        node->setRect(QRectF(cell.topLeft(), QSizeF(strip.picture.size()) / item.m_ratio));
+        QMatrix4x4 place;
+        place.translate(0, float(item.cellRect(int(i), 0).y()));
+        if (node->matrix() != place)
+            node->setMatrix(place);
+        kept.insert(strip.number, node);
     }
-    for (QSGImageNode* const node : free) {
-        m_rows->removeChildNode(node);
-        delete node;
+    for (QSGTransformNode* const gone : std::as_const(m_rowNodes)) {
+        m_rows->removeChildNode(gone);
+        delete gone;
     }
     m_rowNodes = kept;
+}
+
+QSGNode* TerminalScene::rowNode(const TerminalItem& item, const TerminalItem::Strip& strip)
+{
+    if (strip.picture.isNull())
+        return new TerminalTextNode(m_material, strip.quads, item.m_ratio);
+    QSGImageNode* const node = item.window()->createImageNode();
+    node->setOwnsTexture(true);
+    node->setTexture(item.window()->createTextureFromImage(strip.picture));
+    node->setSourceRect(strip.picture.rect());
+    node->setRect(QRectF(QPointF(), QSizeF(strip.picture.size()) / item.m_ratio));
+    return node;
 }
 
 void TerminalScene::updateImages(const TerminalItem& item)

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "UI/Terminals/TerminalItem.h"
+#include "UI/Terminals/TerminalTextNode.h"
+
 #include <QHash>
 #include <QSGImageNode>
 #include <QSGRectangleNode>
 #include <memory>
 
-class QQuickWindow;
-
 namespace corvane {
-
-class TerminalItem;
 
 /// The scene graph nodes of a terminal, from bottom to top: background, images below the text, rows, images above it,
 /// marks (selection, matches, links), cursor.
@@ -22,7 +21,9 @@ public:
     void update(const TerminalItem& item);
 
 private:
+    void updateAtlas(const TerminalItem& item);
     void updateRows(const TerminalItem& item);
+    QSGNode* rowNode(const TerminalItem& item, const TerminalItem::Strip& strip);
     void updateImages(const TerminalItem& item);
     void updateMarks(const TerminalItem& item);
     void addCursor(const TerminalItem& item);
@@ -42,7 +43,8 @@ private:
     QSGNode* m_above;
     QSGNode* m_marks;
     QSGRectangleNode* m_groundRectangle = nullptr;
-    QHash<uint64_t, QSGImageNode*> m_rowNodes; ///< by the number of the strip
+    QHash<uint64_t, QSGTransformNode*> m_rowNodes; ///< by the number of the strip; each has the row as its only child
+    TerminalTextMaterial m_material;
     std::unordered_map<uint32_t, Texture> m_textures; ///< by the image
 };
 
