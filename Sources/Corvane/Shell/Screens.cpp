@@ -134,7 +134,8 @@ Screens::Screens(CorvaneApp& root)
             if (!view->asksBeforeQuit())
                 continue;
             shell.selectHub(hub);
-            dev.setWorkspaceTab(DevWorkspaceTab::Terminal); // where the question is shown
+            if (view == &terminals)
+                dev.setWorkspaceTab(DevWorkspaceTab::Terminal); // where the question is shown
             return Q_EMIT app.windowRequested();
         }
         app.quit();
