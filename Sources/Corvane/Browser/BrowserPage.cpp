@@ -157,6 +157,7 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
     } else if (method == "Page.loadEventFired"_L1) {
         m_hasLoaded = true;
         readTitle();
+        readHistory(); // the entry may come later than the navigation that is told
         Q_EMIT loaded();
     } else if (method == "Runtime.bindingCalled"_L1
         && parameters["name"_L1].toString() == QLatin1StringView(stepBinding)) {

@@ -104,6 +104,14 @@ QCoro::Task<Result<HttpReply>> ChromiumStart::ask(QByteArray verb, QByteArray ad
 QCoro::Task<Result<OpenedPage>> ChromiumStart::open(BrowserOptions options, QObject* owner)
 {
     const CancelHandle end = m_end;
+    if (m_child && !m_isEnding && m_options.line == BrowserOptions::Line::Port) {
+        // One that does not answer any more has died just now, or hangs.
+        const Result<HttpReply> answer = co_await ask("GET", "/json/version", lookLimit);
+        if (end.isCancelled())
+            co_return cancelled();
+        if (!answer)
+            this->end();
+    }
     while (m_child && m_isEnding) {
         co_await pause(step);
         if (end.isCancelled())

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQml
 import QtQuick.Layouts
 import Corvane.Controls
 import Corvane.Dev
@@ -77,8 +78,6 @@ FocusScope {
         Button {
             objectName: "browser.issues"
             kind: bar.listed ? "plain" : "quiet"
-            checkable: true
-            checked: bar.listed
             icon.name: bar.screen.issueCount > 0 ? "dialog-warning" : ""
             text: bar.screen.issueText
             hint: qsTr("Console problems, failed requests and earlier looks")
@@ -92,16 +91,21 @@ FocusScope {
 
             Menu {
                 id: menu
-                Repeater {
+                Instantiator {
                     model: bar.screen.sizes
-                    MenuItem {
+                    delegate: MenuItem {
                         required property choice modelData
                         objectName: "browser.size:" + modelData.id
                         checkable: true
                         checked: bar.screen.size === modelData.id
                         text: modelData.label
-                        onTriggered: bar.screen.chooseSize(modelData.id)
+                        onTriggered: {
+                            checked = Qt.binding(() => bar.screen.size === modelData.id);
+                            bar.screen.chooseSize(modelData.id);
+                        }
                     }
+                    onObjectAdded: (index, object) => menu.insertItem(index, object)
+                    onObjectRemoved: (index, object) => menu.removeItem(object)
                 }
                 MenuSeparator {}
                 MenuItem {
@@ -142,7 +146,10 @@ FocusScope {
                     checkable: true
                     checked: bar.screen.windowShown
                     text: qsTr("Let the browser have a window")
-                    onTriggered: bar.screen.windowShown = !bar.screen.windowShown
+                    onTriggered: {
+                        bar.screen.windowShown = !bar.screen.windowShown;
+                        checked = Qt.binding(() => bar.screen.windowShown);
+                    }
                 }
             }
         }

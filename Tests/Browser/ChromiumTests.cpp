@@ -1,0 +1,307 @@
+#include "BrowserTest.h"
+
+#include "Foundation/ShellQuoting.h"
+#include "Support/FakePortHolders.h"
+
+#include <csignal>
+#include <unistd.h>
+
+namespace corvane {
+
+namespace {
+
+const QByteArray failingPage = R"(<!doctype html><title>Shop</title>
+<form onsubmit="event.preventDefault(); document.title = 'Sent ' + this.q.value">
+<input name=q aria-label=Search autofocus><input name=pw type=password value=prefilled-hunter9><button>Go</button></form>
+<input type=file id=file><a id=zip href=/file.zip download>zip</a>
+<script>
+console.error('signed in with ' + document.querySelector('[name=pw]').value + ' and password=hunter22');
+fetch('/missing?api_key=abc123secret');
+setTimeout(() => { throw new Error('it broke'); });
+</script>)";
+
+const QByteArray inputPage = R"(<!doctype html><title>-</title><body style="margin:0;height:3000px">
+<textarea style="position:absolute;left:0;top:0;width:400px;height:200px"></textarea>
+<p style="position:absolute;left:0;top:300px;margin:0;font:40px monospace">SELECTED</p>
+<script>
+const seen = new Set(), note = word => { seen.add(word); document.title = [...seen].join(' '); };
+const area = document.querySelector('textarea');
+area.oninput = () => note('[' + area.value.replace(/\n/g, '|') + ']');
+oncontextmenu = () => note('menu');
+ondblclick = () => note('double');
+onscroll = () => note('scrolled');
+onmouseup = () => { if (String(getSelection())) note('chose:' + getSelection()); };
+onkeydown = e => { if (e.ctrlKey && e.key === 'a') note('all'); };
+</script>)";
+
+/// A real browser, without a window and, since the tests may run as root, without its sandbox.
+class Chromium : public BrowserTest {
+protected:
+    Chromium()
+    {
+        web.answer(u"/"_s, LoopbackWeb::status(200, failingPage, { "Content-Type: text/html; charset=utf-8" }));
+        web.answer(u"/input"_s, LoopbackWeb::status(200, inputPage, { "Content-Type: text/html; charset=utf-8" }));
+        web.answer(u"/missing"_s, LoopbackWeb::status(404));
+        web.answer(u"/favicon.ico"_s, LoopbackWeb::status(204));
+        web.answer(u"/loop"_s, LoopbackWeb::redirect(u"/loop"_s));
+        web.answer(u"/file.zip"_s, LoopbackWeb::status(200, "PK", { "Content-Type: application/zip" }));
+    }
+
+    bool show(BrowserView& view, const QString& path)
+    {
+        view.setAddress(web.base() + path);
+        view.open();
+        return awaitLive([&] { return view.browser()->page().hasLoaded() && view.browser()->hasFrame(); });
+    }
+    /// The pages of these tests tell by their titles what they noticed.
+    bool awaitTitle(BrowserView& view, const QString& part)
+    {
+        struct Look {
+            QString title;
+            bool isAsked = false;
+        };
+        const auto look = std::make_shared<Look>();
+        return awaitLive([&] {
+            if (DevToolsConnection* const connection = view.browser()->connection();
+                connection && !std::exchange(look->isAsked, true))
+                connection->call(u"Runtime.evaluate"_s,
+                    { { u"expression"_s, u"document.title"_s }, { u"returnByValue"_s, true } },
+                    [look](const Result<QJsonObject>& result) {
+                        look->isAsked = false;
+                        look->title = result ? result->value("result"_L1)["value"_L1].toString() : QString();
+                    });
+            return look->title.contains(part);
+        });
+    }
+    void type(BrowserView& view, const QString& text)
+    {
+        for (const QChar letter : text) {
+            view.browser()->key({ true, letter.toUpper().unicode(), letter });
+            view.browser()->key({ false, letter.toUpper().unicode(), letter });
+        }
+    }
+    void press(BrowserView& view, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        view.browser()->key({ true, key, {}, modifiers });
+        view.browser()->key({ false, key, {}, modifiers });
+    }
+
+    LoopbackWeb web;
+};
+
+}
+
+TEST_F(Chromium, aPageThatFailsInThreeWaysIsFiledWithItsProofAndPlayedAgain)
+{
+    const auto view = makeView();
+    ChromiumBrowserController& browser = *view->browser();
+    ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(browser.lastError());
+    ASSERT_TRUE(awaitLive([&] { return browser.issueCount() >= 3; })) << qPrintable(view->sheet()->preview());
+    EXPECT_EQ(browser.status(), u"loaded"_s);
+    EXPECT_EQ(QFileInfo(m_home.paths().applicationSupport + u"/BrowserQA/InteractiveProfile"_s).permissions()
+            & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
+        QFile::Permissions());
+    EXPECT_TRUE(awaitLive([&] { return cell(u"SELECT status FROM dev_browser_session;"_s) == u"live"_s; }));
+
+    type(*view, u"boots"_s);
+    press(*view, Qt::Key_Tab);
+    type(*view, u"hunter7"_s);
+    press(*view, Qt::Key_Return);
+    ASSERT_TRUE(awaitTitle(*view, u"Sent boots"_s));
+    view->reportBug();
+    view->sheet()->blackOut({ 0, 0, 0.5, 0.5 });
+    view->sheet()->submit();
+    ASSERT_TRUE(awaitLive([&] { return !view->sheet()->busy(); }));
+    EXPECT_EQ(view->sheet()->purpose(), BrowserReportSheet::Purpose::Closed) << qPrintable(view->sheet()->refusal());
+
+    const QString path = cell(u"SELECT uri FROM work_evidence WHERE kind='browser-capture' AND item_id=(SELECT id FROM "
+                              "work_item WHERE kind='bug' AND summary LIKE '%No note supplied.');"_s);
+    const auto evidence = readEvidence(path);
+    ASSERT_TRUE(evidence) << qPrintable(path);
+    QStringList lines;
+    for (const BrowserStep& step : evidence->steps)
+        lines.append(stepLine(step));
+    EXPECT_EQ(lines,
+        (QStringList { u"Open "_s + web.base() + u'/', u"Type “boots” into “Search”"_s,
+            u"Type into “pw” (the text is not kept)"_s, u"Press Enter in “pw”"_s }));
+    const QImage picture(evidence->screenshotPath);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(picture.pixelColor(10, 10), QColor(Qt::black));
+    EXPECT_NE(picture.pixelColor(picture.width() - 10, picture.height() - 10), QColor(Qt::black));
+    const QByteArray written = everythingWritten();
+    for (const QByteArray secret : { "hunter", "abc123secret" })
+        EXPECT_FALSE(written.contains(secret)) << written.mid(written.indexOf(secret) - 100, 200).toStdString();
+    EXPECT_TRUE(written.contains("it broke"));
+    QFile report(QFileInfo(path).absolutePath() + u"/report.html"_s);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QByteArray html = report.readAll();
+    EXPECT_FALSE(html.contains("<script") || html.contains("href=") || html.contains("src=\"http"));
+
+    ASSERT_TRUE(show(*view, u"/input"_s));
+    view->playAgain(cell(u"SELECT id FROM dev_browser_session WHERE status='reported';"_s));
+    ASSERT_TRUE(awaitTitle(*view, u"Sent boots"_s)) << qPrintable(view->notice());
+    EXPECT_TRUE(awaitLive([&] { return view->notice().contains(u"1 step was left out"_s); }))
+        << qPrintable(view->notice());
+}
+
+TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
+{
+    const auto view = makeView();
+    ChromiumBrowserController& browser = *view->browser();
+    ASSERT_TRUE(show(*view, u"/input"_s)) << qPrintable(browser.lastError());
+    const QSizeF size = browser.viewportSize();
+    using Kind = BrowserPointer::Kind;
+    browser.clickBrowser({ 50, 50 }, size);
+    type(*view, u"ab"_s);
+    press(*view, Qt::Key_Return);
+    browser.compose(u"に"_s, 1);
+    browser.insertText(u"日本"_s);
+    press(*view, Qt::Key_Left);
+    press(*view, Qt::Key_Backspace);
+    ASSERT_TRUE(awaitTitle(*view, u"[ab|本]"_s));
+    press(*view, Qt::Key_A, Qt::ControlModifier);
+    ASSERT_TRUE(awaitTitle(*view, u"all"_s));
+    QString copied;
+    browser.takeSelection(true, [&](const QString& text) { copied = text; });
+    ASSERT_TRUE(awaitLive([&] { return copied == u"ab\n本"_s; })) << qPrintable(copied);
+
+    for (const Kind kind : { Kind::Press, Kind::Release })
+        browser.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::RightButton, .clicks = 1 }, size);
+    for (const int clicks : { 1, 2 }) {
+        for (const Kind kind : { Kind::Press, Kind::Release })
+            browser.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::LeftButton, .clicks = clicks }, size);
+    }
+    browser.pointer({ .kind = Kind::Press, .at = { 2, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
+    browser.pointer({ .kind = Kind::Move, .at = { 190, 325 }, .buttons = Qt::LeftButton }, size);
+    browser.pointer({ .kind = Kind::Release, .at = { 190, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
+    browser.pointer({ .kind = Kind::Wheel, .at = { 600, 600 }, .wheel = { 0, 300 } }, size);
+    for (const QString& word : { u"menu"_s, u"double"_s, u"chose:SELECTED"_s, u"scrolled"_s })
+        EXPECT_TRUE(awaitTitle(*view, word)) << qPrintable(word);
+
+    browser.find(u"selected"_s, false);
+    EXPECT_TRUE(awaitLive([&] { return view->notice() == u"1 match on this page"_s; })) << qPrintable(view->notice());
+    view->chooseSize(u"phone"_s);
+    EXPECT_TRUE(awaitLive([&] { return browser.viewportSize() == QSizeF(390, 844); }));
+    view->chooseSize(u"desktop"_s);
+    ASSERT_TRUE(show(*view, u"/"_s));
+    ASSERT_TRUE(awaitLive([&] { return browser.canGoBack(); }));
+    browser.back();
+    EXPECT_TRUE(awaitLive([&] { return browser.currentURL().endsWith("/input"_L1) && browser.canGoForward(); }));
+
+    view->setAddress(web.base() + u"/loop"_s);
+    view->open();
+    EXPECT_TRUE(awaitLive([&] { return view->notice().contains("ERR_TOO_MANY_REDIRECTS"_L1); }))
+        << qPrintable(view->notice());
+}
+
+TEST_F(Chromium, whatNobodyWouldSeeIsRefusedWithAWord)
+{
+    const auto view = makeView();
+    ChromiumBrowserController& browser = *view->browser();
+    ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(browser.lastError());
+    const auto run = [&](const QString& script) {
+        browser.connection()->call(u"Runtime.evaluate"_s, { { u"expression"_s, script }, { u"userGesture"_s, true } });
+    };
+    run(u"for (let i = 0; i < 20; ++i) alert(i); document.title = 'no dialog is left'"_s);
+    ASSERT_TRUE(awaitTitle(*view, u"no dialog"_s));
+    run(u"zip.click()"_s);
+    run(u"file.click()"_s);
+    EXPECT_TRUE(awaitLive([&] {
+        return view->notice()
+            == u"20 dialogs of the page dismissed. 1 download refused. The page asked for a file; none is given from "
+               "here."_s;
+    })) << qPrintable(view->notice());
+    EXPECT_TRUE(QDir(m_home.paths().home).entryList({ u"*.zip"_s }, QDir::Files).isEmpty());
+}
+
+TEST_F(Chromium, aBrowserThatDiesOrHangsIsToldOfAndStartedAgain)
+{
+    const auto view = makeView();
+    ChromiumBrowserController& browser = *view->browser();
+    ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(browser.lastError());
+    ASSERT_GT(browser.browserPid(), 0);
+    ::kill(pid_t(browser.browserPid()), SIGKILL);
+    ASSERT_TRUE(awaitLive([&] { return browser.status() == u"disconnected"_s; }));
+    EXPECT_FALSE(browser.isRunning());
+    EXPECT_EQ(view->problemAction(), u"Try again"_s);
+    ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(browser.lastError());
+
+    const qint64 hung = browser.browserPid();
+    ASSERT_GT(hung, 0);
+    ::kill(pid_t(hung), SIGSTOP);
+    m_clock.advance(seconds(10));
+    EXPECT_EQ(view->problem(), u"The browser does not answer."_s);
+    view->solveProblem();
+    ASSERT_TRUE(awaitLive([&] { return browser.isRunning() && browser.page().hasLoaded(); }))
+        << qPrintable(browser.lastError());
+    EXPECT_NE(browser.browserPid(), hung);
+    EXPECT_EQ(view->problem(), QString());
+}
+
+TEST_F(Chromium, aBrowserOfThisUserIsAdoptedAndOutlivesTheViewAndOtherListenersAreNot)
+{
+    const auto owner = makeView();
+    ASSERT_TRUE(show(*owner, u"/"_s)) << qPrintable(owner->problem());
+    {
+        const auto guest = makeView();
+        ASSERT_TRUE(show(*guest, u"/input"_s)) << qPrintable(guest->problem());
+        EXPECT_EQ(guest->browser()->browserPid(), 0);
+    }
+    EXPECT_TRUE(show(*owner, u"/input"_s));
+    EXPECT_TRUE(owner->browser()->isRunning());
+
+    const auto refusal = [&](BrowserView& view) {
+        view.setAddress(u"example.org"_s);
+        view.open();
+        EXPECT_TRUE(awaitLive([&] { return view.browser()->status() == u"failed"_s; }));
+        return view.problem();
+    };
+    auto strangers = std::make_unique<FakePortHolders>();
+    strangers->setHolders({ { 1, 501 } });
+    const auto real = std::exchange(holders, std::move(strangers));
+    EXPECT_EQ(refusal(*makeView()), browserWords::portOfAnother(options.port));
+    holders = makePortHolders();
+    options.port = quint16(QUrl(web.base()).port());
+    web.answer(u"/json/version"_s, LoopbackWeb::json({ { u"a"_s, 1 } }));
+    EXPECT_EQ(refusal(*makeView()), browserWords::portOfNoBrowser(options.port));
+    options.port = 1;
+    options.executable = u"/nowhere/chromium"_s;
+    EXPECT_TRUE(refusal(*makeView()).contains("/nowhere/chromium"_L1));
+    options.executable = u"/bin/false"_s;
+    EXPECT_EQ(refusal(*makeView()), browserWords::ended(1));
+    if (::geteuid() == 0) {
+        options.hasSandbox = true;
+        EXPECT_EQ(refusal(*makeView()), browserWords::isRoot);
+    }
+}
+
+TEST_F(Chromium, aPrivatePipeServesAsWell)
+{
+    options.line = BrowserOptions::Line::Pipe;
+    const auto view = makeView();
+    ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(view->problem());
+    EXPECT_TRUE(awaitLive([&] { return view->issueCount() >= 3; }));
+    EXPECT_TRUE(holders->listeningOn(options.port).isEmpty());
+    view->browser()->end();
+    EXPECT_TRUE(awaitLive([&] { return view->browser()->browserPid() == 0; }));
+    EXPECT_TRUE(show(*view, u"/input"_s)) << qPrintable(view->problem());
+}
+
+TEST(ChromiumLaunch, argumentsAndAddressesAreAsTheBrowserWantsThem)
+{
+    BrowserOptions options;
+    EXPECT_EQ(chromiumArguments(options, u"/p"_s),
+        (QStringList { u"--remote-debugging-port=9335"_s, u"--user-data-dir=/p"_s, u"--no-first-run"_s,
+            u"--no-default-browser-check"_s, u"--window-size=1280,800"_s, u"--window-position=-32000,-32000"_s,
+            u"--headless=new"_s, u"about:blank"_s }));
+    options.hasWindow = true;
+    EXPECT_FALSE(chromiumArguments(options, u"/p"_s).contains(u"--headless=new"_s));
+    EXPECT_EQ(normalizedURL(u" shop.example/a \n"_s, u"https://home"_s), u"https://shop.example/a"_s);
+    EXPECT_EQ(normalizedURL(u" "_s, u"https://home"_s), u"https://home"_s);
+    EXPECT_EQ(normalizedURL(u"http://x"_s, {}), u"http://x"_s);
+    EXPECT_EQ(browserScanCommand(u"it's"_s, u"http://x/?a=\"b\""_s),
+        u"printf %s "_s + posixQuoted(uR"({"project":"it's","url":"http://x/?a=\"b\""})"_s)
+            + u" | corvane tool dev_browser_scan"_s);
+}
+
+}
