@@ -312,6 +312,8 @@ void ApprovalsStore::settle(const ApprovalItem& seen, Verdict verdict, From from
     const bool pressedTwice = from == From::Banner && decided == Decided::AlreadySo;
     if (decided != Decided::Taken && !pressedTwice)
         tellRefusal(seen, verdict, decided);
+    if (seen.key.kind == ApprovalKind::Decision)
+        m_delivery->db().watch().tell(StoreSubject::Work);
     m_delivery->refresh();
     refresh();
     Q_EMIT changed();
