@@ -17,6 +17,7 @@
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
+#include "Store/Search/SearchQueries.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
