@@ -74,8 +74,8 @@ TEST_F(OutboxTest, whatCannotBeCopiedIsRefusedInWordsAndLeavesNothing)
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     const std::pair<QString, QString> refused[] {
         { large, u"large.bin can't be attached. It is too large."_s },
-        { pipe, u"pipe can't be attached. It is no plain file."_s },
-        { u"/dev/zero"_s, u"zero can't be attached. It is no plain file."_s },
+        { pipe, u"pipe can't be attached. It is not a regular file."_s },
+        { u"/dev/zero"_s, u"zero can't be attached. It is not a regular file."_s },
         { home.path(u"gone"_s), u"gone can't be attached. No such file or directory."_s },
     };
     for (const auto& [path, words] : refused)

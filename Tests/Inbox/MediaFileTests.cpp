@@ -104,7 +104,7 @@ TEST_F(MediaFileTest, whatIsLinkedOrOutsideTheAccountsFoldersIsNotOpened)
     EXPECT_EQ(check(m_home.path("media/main/folder/key.txt"), "document"), MediaProblem::Elsewhere);
     for (const QString& path : { "media/main/../../secret/key.txt", "secret/key.txt" })
         EXPECT_EQ(text(m_home.path(path), "document"),
-            "Document file is not a plain file in its account's media folder, so it is not opened.");
+            "Document file is not a regular file in its account's media folder, so it is not opened.");
     EXPECT_EQ(check(link("/dev/zero", "media/zero.png"), "image"), MediaProblem::Elsewhere);
     EXPECT_EQ(check(link(m_home.path("media/nowhere"), "media/main/dangling"), "image"), MediaProblem::Missing);
     EXPECT_EQ(check(link(put("real.txt", "x"), "media/inside.txt"), "document"), MediaProblem::Elsewhere);

@@ -134,7 +134,7 @@ TEST_F(MessageActionsTest, aFileOpensInTheDesktopsProgramOrSaysWhyNot)
     ASSERT_TRUE(QFile::remove(path) && QFile::link("/etc/hostname", path)) << "after it was received";
     actions().openMedia("wa:msg:m3");
     EXPECT_EQ(inbox.person()->thread()->errorText(),
-        "Document file is not a plain file in its account's media folder, so it is not opened.");
+        "Document file is not a regular file in its account's media folder, so it is not opened.");
 }
 
 TEST_F(MessageActionsTest, aCallOpensWhatsAppWithThePersonsNumber)

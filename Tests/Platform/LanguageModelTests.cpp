@@ -171,8 +171,8 @@ TEST_F(LanguageModel, aServerThatCannotAnswerIsUnavailableForAStatedReason)
     const QJsonObject loading { { "error", QJsonObject { { "message", "Loading\nmodel" } } } };
     const Case cases[] {
         { LoopbackWeb::json(loading, 503), "The model server at %1 refused: Loading model (HTTP 503)" },
-        { LoopbackWeb::status(200, "<html>"), "The model server at %1 gave an answer that does not read." },
-        { LoopbackWeb::json({ { "hello", 1 } }), "The model server at %1 is no model server that is known here." },
+        { LoopbackWeb::status(200, "<html>"), "The model server at %1 gave an unreadable answer." },
+        { LoopbackWeb::json({ { "hello", 1 } }), "The model server at %1 is not a supported model server." },
         { LoopbackWeb::json({ { "data", QJsonArray() } }), "The model server at %1 has no model yet." },
         { LoopbackWeb::redirect("http://example.com/v1/models"), "The model server at %1 refused: (HTTP 302)" },
         { { "not HTTP at all\r\n\r\n" }, "No model server answers at %1." },
@@ -219,7 +219,7 @@ TEST_F(LanguageModel, aServerThatMisbehavesEndsInWords)
     };
     const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 400\r\n\r\n";
     const QString noAnswer = "The model server at %1 gave no answer: ";
-    const QString unfit = "The answer of the model is not what was asked for: answer";
+    const QString unfit = "The model's answer does not match the request: answer";
     const Case cases[] {
         { { {}, true }, noAnswer + "The request timed out." },
         { { head + "{\"mess", true }, noAnswer + "The request timed out." },
@@ -229,11 +229,11 @@ TEST_F(LanguageModel, aServerThatMisbehavesEndsInWords)
         { LoopbackWeb::redirect("http://example.com/"), "The model server at %1 refused: (HTTP 302)" },
         { LoopbackWeb::json({ { "error", "model 'a' not found" } }, 404),
             "The model server at %1 refused: model 'a' not found (HTTP 404)" },
-        { LoopbackWeb::status(200, "{\"message\":"), "The model server at %1 gave an answer that does not read." },
+        { LoopbackWeb::status(200, "{\"message\":"), "The model server at %1 gave an unreadable answer." },
         { LoopbackWeb::json({ { "message", "hello" } }), "The model server at %1 gave an answer without a text." },
         { LoopbackWeb::json(ollamaAnswer("{\"text\":\"a", "length")),
             "The model server at %1 ran out of room before the answer was complete." },
-        { LoopbackWeb::json(ollamaAnswer("Sure! {\"text\":\"a\"}")), "The answer of the model is no JSON object." },
+        { LoopbackWeb::json(ollamaAnswer("Sure! {\"text\":\"a\"}")), "The model's answer is not a JSON object." },
         { LoopbackWeb::json(ollamaAnswer("{}")), unfit + " has no “text”." },
         { LoopbackWeb::json(ollamaAnswer(R"({"text":7})")), unfit + ".text is of the type number." },
         { LoopbackWeb::json(ollamaAnswer(R"({"text":""})")), unfit + ".text breaks its minLength of 1." },

@@ -51,7 +51,7 @@ TEST_F(Assistant, whoAnswersIsNamedAndWhyTheOtherDoesNot)
 
 TEST_F(Assistant, theChoiceOfModelAndServerIsKeptAndTakesEffectAtOnce)
 {
-    EXPECT_EQ(view.modelText(), "The first that is there");
+    EXPECT_EQ(view.modelText(), "First available");
     view.setModel("fake:1b");
     view.setServerUrl(" http://127.0.0.1:9999 ");
     EXPECT_EQ(lumo.model.chosen, (SystemLanguageModel::Choice { "http://127.0.0.1:9999", {} }))

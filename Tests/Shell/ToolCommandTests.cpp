@@ -77,8 +77,8 @@ TEST_F(ToolCommand, tellsThatNoServerAnswers)
     other.answer("/mcp", LoopbackWeb::json({}, 401));
     port = QUrl(other.base()).port();
     EXPECT_EQ(tool("inbox_list"),
-        u"3: The tool server on port %1 doesn't take the token: it may belong to another profile.\n"_s.arg(port));
+        u"3: The tool server on port %1 doesn't accept the token: it may belong to another profile.\n"_s.arg(port));
     other.answer("/mcp", LoopbackWeb::status(200, "hello"));
     EXPECT_TRUE(
-        tool("inbox_list").startsWith(u"3: What answers on port %1 is not the tool server (HTTP 200)"_s.arg(port)));
+        tool("inbox_list").startsWith(u"3: The program on port %1 is not the tool server (HTTP 200)"_s.arg(port)));
 }

@@ -25,7 +25,7 @@ TEST(VerifyCommand, tellsWhetherTheRecordOfDecisionsIsWhole)
     EXPECT_EQ(verify(), "0: No decision has been recorded yet.\n");
     writeDraft(*db, "d1", "Ana", "hello");
     ASSERT_EQ(rejectDraft(*db, "d1"), Decided::Taken);
-    EXPECT_TRUE(verify().startsWith("0: The record of decisions is whole: 1 line, the last with the hash "));
+    EXPECT_TRUE(verify().startsWith("0: The decision log is intact: 1 line, the last with the hash "));
     db->exec("DROP TRIGGER approval_record_keeps; UPDATE approval_record SET action='approve';");
-    EXPECT_EQ(verify(), "1: The record of decisions is broken: line 1 was changed after it was written.\n");
+    EXPECT_EQ(verify(), "1: The decision log is broken: line 1 was changed after it was written.\n");
 }

@@ -100,7 +100,7 @@ TEST_F(ApprovalRecordsTest, eachDecisionAndWhatCameOfItIsOneLineWithoutAnyText)
             "proposal f apply", "proposal h reject" }));
     const RecordCheck check = checkRecords(*m_db);
     EXPECT_TRUE(check.sound);
-    EXPECT_TRUE(check.words.startsWith("The record of decisions is whole: 12 lines, the last with the hash "));
+    EXPECT_TRUE(check.words.startsWith("The decision log is intact: 12 lines, the last with the hash "));
 }
 
 TEST_F(ApprovalRecordsTest, whatAPersonDoesWithADraftThatWaitsElsewhereIsRecorded)
@@ -199,16 +199,15 @@ TEST_F(ApprovalRecordsTest, theRecordOnlyGrowsAndACheckSaysWhereItWasCut)
     EXPECT_EQ(told(), QStringList({ "draft a approve", "draft b approve", "draft c approve" }));
     EXPECT_TRUE(checkRecords(*m_db).sound);
 
-    const QString broken = "The record of decisions is broken: ";
+    const QString broken = "The decision log is broken: ";
     EXPECT_EQ(saysAfter("UPDATE approval_record SET action='reject' WHERE seq=2;"),
         broken + "line 2 was changed after it was written.");
     EXPECT_EQ(saysAfter("DELETE FROM approval_record WHERE seq=2;"), broken + "line 2 is missing.");
     EXPECT_EQ(saysAfter("DELETE FROM approval_record WHERE seq=1;"), broken + "line 1 is missing.");
-    EXPECT_EQ(
-        saysAfter("DELETE FROM approval_record WHERE seq=3;"), "The approval of c stands in no line of the record.");
+    EXPECT_EQ(saysAfter("DELETE FROM approval_record WHERE seq=3;"), "The approval of c is missing in the log.");
     EXPECT_EQ(saysAfter("INSERT INTO draft_approval VALUES('forged','h',1);"),
-        "The approval of forged stands in no line of the record.");
-    EXPECT_EQ(saysAfter("DROP TABLE approval_record;"), "This database holds no record of decisions.");
+        "The approval of forged is missing in the log.");
+    EXPECT_EQ(saysAfter("DROP TABLE approval_record;"), "This database has no decision log.");
 
     // A whole line put in the place of another one, with a hash of its own that is right.
     ApprovalRecord line { 2, 1, "draft", "b", "reject", "", "", "" };

@@ -56,8 +56,8 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
             visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
     };
     for (const QString& words :
-        { u"The file is of a kind that is not shown here."_s, u"The picture is too large to be shown here."_s,
-            u"Image file is not a plain file in its account's media folder, so it is not opened."_s,
+        { u"This type of file can't be shown here."_s, u"The picture is too large to be shown here."_s,
+            u"Image file is not a regular file in its account's media folder, so it is not opened."_s,
             u"The file is damaged."_s, u"Image file is missing from local media cache."_s }) {
         EXPECT_TRUE(await([&] {
             rest();

@@ -12,7 +12,7 @@ QList<Command> approvalCommands()
             { u"undoApproval"_s, u"Undo within five seconds"_s, u"Ctrl+Z"_s },
             { u"editDraft"_s, u"Edit a message"_s, u"F2"_s },
             { u"reject"_s, u"Reject"_s, u"Del"_s },
-            { u"wholeText"_s, u"Show a long text whole"_s, u"Space"_s },
+            { u"wholeText"_s, u"Show all of a long text"_s, u"Space"_s },
         });
 }
 

@@ -136,7 +136,7 @@ DecisionLog::DecisionLog(ApprovalsStore& store, LocalDB& db, Scheduler& schedule
 
 QString DecisionLog::emptyText() const
 {
-    return u"What you approve, apply or reject stands here, with what came of it."_s;
+    return u"What you approve, apply or reject appears here, with its result."_s;
 }
 
 void DecisionLog::setShown(bool shown)

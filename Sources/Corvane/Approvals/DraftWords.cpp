@@ -74,7 +74,7 @@ QString waitingReason(const PendingDraft& draft, const Account& account, const R
         return u"The account is signed out. Sign in again in Settings."_s;
     if (engine.status == WAStatus::NeedsQR)
         return u"The account waits to be linked in Settings."_s;
-    return engine.status == WAStatus::Error ? u"The engine does not run. "_s + engine.lastLog : QString();
+    return engine.status == WAStatus::Error ? u"The engine is not running. "_s + engine.lastLog : QString();
 }
 
 QString draftFailureReason(const PendingDraft& draft)

@@ -31,7 +31,7 @@ public:
     void setQuery(const QString& query);
     QString searchText() const { return u"Search contacts"_s; }
     const QList<ContactChoice>& people() const { return m_people; }
-    QString emptyText() const { return u"Nobody of that name has written yet."_s; }
+    QString emptyText() const { return u"Nobody with that name has written yet."_s; }
     const QString& errorText() const { return m_errorText; }
 
     Q_INVOKABLE void begin(const QString& subject);

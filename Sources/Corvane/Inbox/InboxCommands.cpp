@@ -23,7 +23,7 @@ QList<Command> inboxCommands(InboxView& inbox)
                    { u"next"_s, u"Next conversation"_s, u"Down or J"_s, { u"J"_s } },
                    { u"previous"_s, u"Previous conversation"_s, u"Up or K"_s, { u"K"_s } },
                    { u"open"_s, u"Open the thread"_s, u"Return"_s },
-                   { u"check"_s, u"Pick for a common action"_s, u"Space"_s },
+                   { u"check"_s, u"Select"_s, u"Space"_s },
                    shortcut(u"checkAll"_s, u"Pick all"_s, u"Ctrl+A"_s),
                })
         + at({ u"This conversation"_s, 2 },
@@ -40,10 +40,10 @@ QList<Command> inboxCommands(InboxView& inbox)
             })
         + at({ u"On a message"_s, 2 },
             {
-                { u"messageMenu"_s, u"What can be done with it"_s, u"Return"_s },
+                { u"messageMenu"_s, u"Show its actions"_s, u"Return"_s },
                 { u"copy"_s, u"Copy its text"_s, u"Ctrl+C"_s },
-                { u"play"_s, u"Play or hold a voice note"_s, u"Space"_s },
-                { u"skip"_s, u"Five seconds back or on"_s, u"Left or Right"_s },
+                { u"play"_s, u"Play or pause a voice note"_s, u"Space"_s },
+                { u"skip"_s, u"Five seconds back or forward"_s, u"Left or Right"_s },
                 { u"page"_s, u"A page up or down"_s, u"PgUp or PgDown"_s },
                 { u"deleteLocal"_s, u"Delete the local copy"_s, u"Del"_s },
             })

@@ -67,11 +67,11 @@ QString HotKey::hint() const
     case Kind::Bound:
         return u"Works in every program."_s;
     case Kind::Waiting:
-        return u"The desktop decides about this key."_s;
+        return u"The desktop manages this shortcut."_s;
     case Kind::Taken:
         return u"Another program holds %1. Choose another key."_s.arg(keys());
     case Kind::Unavailable:
-        return u"This desktop gives programs no keys of their own. "_s + otherWay;
+        return u"This desktop has no global shortcuts for programs. "_s + otherWay;
     case Kind::Unbound:
         break;
     }

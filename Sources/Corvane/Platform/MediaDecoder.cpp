@@ -14,7 +14,7 @@ QString describe(DecodeFailure failure)
     case DecodeFailure::TooLarge:
         return u"The file is too large to be read here."_s;
     case DecodeFailure::UnknownFormat:
-        return u"The file is of a kind that is not shown here."_s;
+        return u"This type of file can't be shown here."_s;
     case DecodeFailure::TooManyPixels:
         return u"The picture is too large to be shown here."_s;
     case DecodeFailure::Damaged:

@@ -96,7 +96,7 @@ public:
     QString model() const;
     void setModel(const QString& model);
     QString modelText() const;
-    QString firstModelLabel() const { return u"The first that is there"_s; }
+    QString firstModelLabel() const { return u"First available"_s; }
     QString elsewhereText() const;
     bool elsewhereAllowed() const;
     QString serverUrl() const;

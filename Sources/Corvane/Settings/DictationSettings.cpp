@@ -41,7 +41,7 @@ QString DictationSettings::insertionText() const
 {
     switch (m_dictation.insertionWay()) {
     case InsertionWay::PasteKeys:
-        return u"It is pasted into the program in front. The clipboard keeps what it held."_s;
+        return u"It is pasted into the focused program. The clipboard is restored."_s;
     case InsertionWay::Typing:
         return u"Through accessibility where the program in front offers it. Elsewhere it is typed; the "
                "desktop asks you once whether Corvane may."_s;

@@ -47,7 +47,7 @@ MailForm::MailForm(
         { addressField, u"Email address"_s, u"you@company.com"_s },
         { passwordField, u"App password"_s, u"App password"_s, true },
         { userField, u"User name"_s, u"The email address"_s, false, true },
-        { tokenField, u"Token command"_s, u"In place of a password"_s, false, true },
+        { tokenField, u"Token command"_s, u"Instead of a password"_s, false, true },
     });
     for (MailServerForm* server : { &m_imap, &m_smtp })
         connect(server, &MailServerForm::changed, this, &MailForm::edited);
@@ -79,7 +79,7 @@ QString MailForm::serversText() const
     };
     const QStringList servers { words(m_imap.value()), words(m_smtp.value()) };
     const QString text = QStringList(servers.filter(u":"_s)).join(u" · "_s);
-    return text.isEmpty() ? u"Found by the address"_s : text;
+    return text.isEmpty() ? u"Detected from the address"_s : text;
 }
 
 void MailForm::setServersShown(bool shown)

@@ -33,7 +33,7 @@ public:
     bool notifyOnNewMessage() const; ///< on by default
     void setNotifyOnNewMessage(bool on);
     QString notifyLabel() const { return u"Notify on new messages"_s; }
-    QString notifyHint() const { return u"Banners for new messages and for approvals that wait."_s; }
+    QString notifyHint() const { return u"Banners for new messages and pending approvals."_s; }
     bool returnSends() const; ///< off by default
     void setReturnSends(bool on);
     QString returnSendsLabel() const { return u"Return sends"_s; }

@@ -97,7 +97,7 @@ QString WebSettings::workspaceHint() const
     if (!m_refused.isEmpty())
         return m_refused;
     const bool vanished = m_web.lastSyncedAt() && !m_web.selectionIsKnown();
-    return vanished ? u"The web has this workspace no more. What is stored here stays, and is still shown."_s
+    return vanished ? u"The web no longer has this workspace. Its local data is kept and still shown."_s
                     : QString();
 }
 

@@ -69,7 +69,7 @@ const QList<TextCommand>& commandTable()
             [](const TextCall& call) {
                 return importCalendarFile(call.paths, call.arguments.first(), call.out);
             } },
-        { { u"capture"_s }, u"[--note] WORDS"_s, u"Keeps a task, or a note. Without words, opens the panel."_s, 1, any,
+        { { u"capture"_s }, u"[--note] WORDS"_s, u"Adds a task or a note. Without words, opens the panel."_s, 1, any,
             [](const TextCall& call) {
                 return captureWords(call.paths, call.arguments, call.errors);
             } },
@@ -80,7 +80,7 @@ const QList<TextCommand>& commandTable()
         { { u"import"_s }, u"PATH"_s, u"Reads such a folder, or an .mbox, .eml, .vcf or .ics file."_s, 1, any,
             runImport },
         { { u"list"_s }, u"[--all] [--json]"_s, u"Lists who waits for you, or everybody."_s, 0, any, listPeople },
-        { { u"mark"_s }, {}, u"Marks this moment of the call that is recorded."_s },
+        { { u"mark"_s }, {}, u"Marks this moment of the recorded call."_s },
         { { u"record"_s }, {}, u"Starts or stops recording a call."_s },
         { { u"restore"_s }, u"[OPTIONS] FILE"_s, u"Makes a profile of a backup (--into FOLDER, --replace)."_s, 1, any,
             runRestore },
@@ -94,7 +94,7 @@ const QList<TextCommand>& commandTable()
         { { u"status"_s }, u"[--json]"_s, u"Says what is new and what waits."_s, 0, any, printStatus },
         { { u"tool"_s }, u"[NAME]"_s,
             u"Calls a tool of the tool server with the JSON on standard input, or lists them."_s, 0, 1, runTool },
-        { { u"verify"_s }, {}, u"Checks the record of decisions."_s, 0, 0,
+        { { u"verify"_s }, {}, u"Checks the decision log."_s, 0, 0,
             [](const TextCall& call) {
                 return verifyDecisions(call.paths, call.out);
             } },

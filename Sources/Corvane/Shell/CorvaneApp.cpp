@@ -323,7 +323,7 @@ void CorvaneApp::watchCalls()
             m_notifier->notifyRecording(recording.aloudText(), recording.consentReminder());
     });
     connect(&m_calls->recorder, &CallRecorder::refused, this,
-        [this](const QString& reason) { m_notifier->notifyRecording(u"No call is recorded"_s, reason); });
+        [this](const QString& reason) { m_notifier->notifyRecording(u"No call is being recorded"_s, reason); });
 }
 
 void CorvaneApp::watchStore()
@@ -334,7 +334,7 @@ void CorvaneApp::watchStore()
         if (trouble == m_told)
             return;
         m_told = trouble;
-        log(trouble.isEmpty() ? u"The database takes what is written again."_s : trouble);
+        log(trouble.isEmpty() ? u"The database can be written again."_s : trouble);
     };
     connect(&m_engine->db().health(), &StoreHealth::changed, this, tell);
     connect(m_recovery.get(), &StoreRecovery::changed, this, tell);

@@ -41,7 +41,7 @@ QString describe(StoreFault fault, const AppPaths& paths)
     case StoreFault::ReadOnly:
         return u"The database is read-only. Make %1 and its folder writable for you."_s.arg(paths.database()) + waits;
     case StoreFault::InputOutput:
-        return u"The disk does not take what is written to %1. Check that it is connected and sound."_s.arg(
+        return u"The disk does not accept writes to %1. Check that it is connected and working."_s.arg(
                    paths.applicationSupport)
             + waits;
     }

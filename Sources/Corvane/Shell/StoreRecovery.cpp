@@ -60,7 +60,7 @@ QString StoreRecovery::explanation() const
     case Step::None:
         return {};
     case Step::Stopping:
-        return u"Its content contradicts itself, so it must not be used. The engines are being stopped."_s;
+        return u"It is corrupt and must not be used. The engines are being stopped."_s;
     case Step::Stuck:
         return kept
             + u"The damaged file could not be moved out of the way. Check that its folder can be "
@@ -83,7 +83,7 @@ QList<RecoveryChoice> StoreRecovery::choices() const
     if (const auto backup = latestBackup()) {
         const QDateTime made = QDateTime::fromMSecsSinceEpoch(backup->madeAtMs);
         offered.append(choice("backup", u"Use the latest backup"_s,
-            u"Made on %1. What came later is not in it."_s.arg(QLocale().toString(made, QLocale::ShortFormat))));
+            u"Made on %1. Later changes are not in it."_s.arg(QLocale().toString(made, QLocale::ShortFormat))));
     }
     offered.append(
         choice("new", u"Start with an empty database"_s, u"Accounts stay connected and fetch what they can again."_s));
@@ -190,7 +190,7 @@ bool StoreRecovery::makeEmpty()
     QFile::remove(newFile());
     if (m_at.engine.db().makeEmpty(newFile()))
         return true;
-    set(Step::Choosing, u"A new file cannot be made in %1."_s.arg(m_at.paths.applicationSupport));
+    set(Step::Choosing, u"A new file cannot be created in %1."_s.arg(m_at.paths.applicationSupport));
     return false;
 }
 

@@ -59,10 +59,10 @@ Answer readAnswer(const HttpReply& reply, int port)
     const auto body = jsonObject(reply.body);
     if (!body)
         return problem(ToolOutcome::NoServer,
-            u"What answers on port %1 is not the tool server (HTTP %2)."_s.arg(port).arg(reply.status));
+            u"The program on port %1 is not the tool server (HTTP %2)."_s.arg(port).arg(reply.status));
     if (reply.status == 401)
         return problem(ToolOutcome::NoServer,
-            u"The tool server on port %1 doesn't take the token: it may belong to another profile."_s.arg(port));
+            u"The tool server on port %1 doesn't accept the token: it may belong to another profile."_s.arg(port));
     const QJsonValue result = body->value("result"_L1);
     if (!result.isObject())
         return problem(ToolOutcome::Refused, (*body)[u"error"][u"message"].toString());

@@ -21,7 +21,7 @@ QList<Command> terminalCommands()
             { u"largerType"_s, u"Larger type"_s, u"Ctrl++"_s, { u"Ctrl++"_s, u"Ctrl+="_s } },
             shortcut(u"smallerType"_s, u"Smaller type"_s, u"Ctrl+-"_s),
             shortcut(u"usualType"_s, u"Usual type"_s, u"Ctrl+0"_s),
-            { u"leaveTerminal"_s, u"Out of the terminal"_s, u"Shift+F6"_s },
+            { u"leaveTerminal"_s, u"Leave the terminal"_s, u"Shift+F6"_s },
         });
 }
 

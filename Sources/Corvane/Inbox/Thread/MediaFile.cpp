@@ -78,7 +78,7 @@ QString describe(MediaProblem problem, const QString& kind)
     case MediaProblem::Empty:
         return word + u" file is empty."_s;
     case MediaProblem::WrongType:
-        return word + u" file holds something else than it says, so it is not opened."_s;
+        return word + u" file is not what it claims to be, so it is not opened."_s;
     case MediaProblem::CutShort:
         return word + u" file is damaged: its end is missing."_s;
     }

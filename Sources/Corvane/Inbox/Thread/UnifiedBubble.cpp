@@ -127,7 +127,7 @@ QString missingText(const QString& mediaType)
 
 QString refusedText(const QString& mediaType)
 {
-    return mediaWord(mediaType) + u" file is not a plain file in its account's media folder, so it is not opened."_s;
+    return mediaWord(mediaType) + u" file is not a regular file in its account's media folder, so it is not opened."_s;
 }
 
 MediaState mediaState(

@@ -85,7 +85,7 @@ RecordCheck checkRecords(SqlConnection& db)
     const auto tables = db.rows("SELECT 1 FROM sqlite_master WHERE type='table' AND name='approval_record';", {},
         [](const SqlRow& row) { return row.integer(0); });
     if (tables.isEmpty())
-        return { false, u"This database holds no record of decisions."_s };
+        return { false, u"This database has no decision log."_s };
     // Before the lines: a program that runs meanwhile remembers no approval without a line for it.
     const auto live = db.rows("SELECT draft_id, content_hash FROM draft_approval ORDER BY draft_id;", {},
         [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
@@ -93,19 +93,19 @@ RecordCheck checkRecords(SqlConnection& db)
     QSet<std::pair<QString, QString>> approved;
     for (const ApprovalRecord& line : records.rows(db, u"ORDER BY seq;"_s, {})) {
         if (const auto wrong = breakBetween(before, line))
-            return { false, u"The record of decisions is broken: %1."_s.arg(*wrong) };
+            return { false, u"The decision log is broken: %1."_s.arg(*wrong) };
         if (line.action.startsWith(u"approve"))
             approved.insert({ line.subjectId, line.contentHash });
         before = line;
     }
     for (const auto& approval : live) {
         if (!approved.contains(approval))
-            return { false, u"The approval of %1 stands in no line of the record."_s.arg(approval.first) };
+            return { false, u"The approval of %1 is missing in the log."_s.arg(approval.first) };
     }
     if (before.seq == 0)
         return { true, u"No decision has been recorded yet."_s };
     return { true,
-        u"The record of decisions is whole: %1, the last with the hash %2."_s.arg(
+        u"The decision log is intact: %1, the last with the hash %2."_s.arg(
             before.seq == 1 ? u"1 line"_s : u"%1 lines"_s.arg(before.seq), before.hash) };
 }
 

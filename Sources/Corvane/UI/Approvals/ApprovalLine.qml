@@ -8,7 +8,7 @@ FocusScope {
 
     required property int index
     required property approvalRow approval
-    required property bool held ///< it is gone, and keeps its place for a moment
+    required property bool held ///< already gone, shown a moment longer
     required property ApprovalsView approvals
     property bool ringed: false
 
@@ -51,7 +51,7 @@ FocusScope {
     function toggleText() {
         wholeText = !wholeText;
     }
-    // The keyboard stays in the row when the buttons under it change.
+    // Keeps the focus in the row when its buttons change.
     FocusLater { id: focusLater; scope: line }
     onArmedChanged: focusLater.move(armed ? undo : approve)
     onAskingChanged: if (!asking) focusLater.move(armed ? undo : approve)
@@ -179,7 +179,7 @@ FocusScope {
             Accessible.role: Accessible.AlertMessage
             Accessible.name: text
         }
-        // As high in every state: what lies under the pointer does not move when the buttons change.
+        // The same height in every state, so that the row under the pointer does not move when the buttons change.
         Item {
             width: parent.width
             implicitHeight: Theme.control
@@ -243,7 +243,7 @@ FocusScope {
                 color: Theme.soft
                 Accessible.ignored: true
             }
-            // Apart from the other buttons: a second press on one of them does not undo the first.
+            // Away from the other buttons, so that a double click on one of them does not undo the first.
             Button {
                 id: undo
                 objectName: "approval.undo"

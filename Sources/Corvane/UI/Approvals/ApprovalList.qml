@@ -22,7 +22,7 @@ FocusScope {
             approvals.undo((rows.currentItem as ApprovalLine).approval.key);
     }
 
-    // What is asked about comes into sight, wherever the question came from.
+    // Scrolls the item being asked about into view, whatever caused the question.
     function showAsked() {
         if (approvals.askingRow < 0)
             return;
@@ -69,7 +69,7 @@ FocusScope {
             event.accepted = false;
     }
 
-    // Not the root: there its property "section" would stand before the one of the heads, and they kept an old text.
+    // Not the root: its property "section" would hide that of the headings, which would keep an old text.
     ListView {
         id: rows
         anchors.fill: parent
@@ -132,7 +132,7 @@ FocusScope {
         title: list.approvals.emptyTitle
         detail: list.approvals.emptyText
     }
-    // Over the foot: at the head it would move every button.
+    // Above the footer: at the top it would move every button.
     Banner {
         objectName: "approvals.notice"
         anchors.bottom: parent.bottom

@@ -10,7 +10,7 @@ Column {
     required property PendingDraftsView drafts
     required property int index
     required property pendingDraft draft
-    required property bool held ///< it is gone, and keeps its place for a moment
+    required property bool held ///< already gone, shown a moment longer
 
     readonly property bool canOpen: draft.canDecide || draft.actions.length > 0
     readonly property bool asking: drafts.confirmDraft === draft.id
@@ -20,7 +20,7 @@ Column {
     property bool open: false
 
     signal toggled
-    signal decided ///< told before it is done, as the line may go with it
+    signal decided ///< emitted before the action, which may remove the line
 
     enabled: !held
     opacity: held ? 0.6 : 1
@@ -29,7 +29,7 @@ Column {
         head.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    // The keyboard stays in the line when the buttons under it change.
+    // Keeps the focus in the line when its buttons change.
     FocusLater { id: focusLater; scope: inner }
     onAskingChanged: focusLater.move(asking ? send : approve)
     onEditingChanged: if (!editing) focusLater.move(approve)
@@ -151,7 +151,7 @@ Column {
                 visible: !line.editing && text !== ""
                 wrapMode: Text.Wrap
                 lineHeight: 1.3
-                text: line.open ? line.draft.body : "" // laying out a text of a megabyte takes its time
+                text: line.open ? line.draft.body : "" // laying out a very long text takes time
             }
             DraftFiles {
                 width: parent.width

@@ -8,11 +8,11 @@ FocusScope {
     id: bar
 
     required property PendingDraftsView drafts ///< the view model
-    property string openId ///< whose text shows
+    property string openId ///< the draft whose text is shown
 
-    signal emptied ///< the keys were here, and nothing is left to decide
+    signal emptied ///< it had the focus, and nothing is left to decide
 
-    /// After a decision: to the next draft that waits for one.
+    /// After a decision: moves to the next draft that needs one.
     function goOn() {
         for (let i = 0; i < lines.count; ++i) {
             const line = lines.itemAt(i) as DraftLine;

@@ -130,7 +130,7 @@ Column {
         width: parent.width
         SettingRow {
             label: qsTr("Agents may add events")
-            hint: qsTr("Each one is told, and can be undone for ten seconds. Otherwise they wait in Approvals for your word.")
+            hint: qsTr("Each one is announced, and can be undone for ten seconds. Otherwise they wait in Approvals.")
             Toggle {
                 objectName: "calendarSettings.agents"
                 checked: section.calendar.agentsMayAdd
@@ -140,7 +140,7 @@ Column {
         }
         SettingRow {
             label: qsTr("Your other addresses")
-            hint: qsTr("With commas between them. Who invites you by one of these invites you.")
+            hint: qsTr("Separated by commas. Invitations to these addresses are yours, too.")
             TextField {
                 objectName: "calendarSettings.addresses"
                 width: 260

@@ -132,14 +132,14 @@ Column {
         Label {
             width: parent.width
             wrapMode: Text.Wrap
-            text: qsTr("Its sound is removed, and no transcript is made.")
+            text: qsTr("Its sound is deleted, and no transcript is made.")
             color: Theme.soft
         }
         buttons: [
             Button {
                 kind: "quiet"
                 focus: true
-                text: qsTr("Go on recording")
+                text: qsTr("Keep recording")
                 onClicked: discard.close()
             },
             Button {

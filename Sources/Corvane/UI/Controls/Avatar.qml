@@ -9,7 +9,7 @@ Item {
     property string photo ///< a file path, or empty
     property string channel ///< such as "WHATSAPP", or empty for no mark
     property bool group: false
-    property color ground: Theme.surface ///< what the mark is cut out of
+    property color ground: Theme.surface ///< the background around the mark
     property int hue: 0 ///< 0 to 359
 
     implicitWidth: 40

@@ -8,7 +8,7 @@ T.Button {
 
     property bool removable: false
     property bool chevron: false ///< it opens a menu
-    property string mark ///< a channel whose mark stands before the word
+    property string mark ///< the channel mark before the text
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: 24

@@ -7,6 +7,6 @@ Text {
     font.pixelSize: Theme.body
     elide: Text.ElideRight
     textFormat: Text.PlainText
-    // A name keeps its place in the row, whichever way its script runs.
+    // Keeps names left-aligned in any script.
     horizontalAlignment: Text.AlignLeft
 }

@@ -6,7 +6,7 @@ import QtQuick.Templates as T
 T.Menu {
     id: control
 
-    property string sign ///< the icon before its title within another menu
+    property string sign ///< the icon before its title in a parent menu
 
     onAboutToShow: ++OpenMenus.count
     onAboutToHide: --OpenMenus.count

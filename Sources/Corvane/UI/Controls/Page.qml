@@ -6,12 +6,12 @@ FocusScope {
     id: page
 
     required property Item hubBar
-    property WindowLayout layout ///< what the person made of the panes
-    property list<Item> panes ///< focus scopes, from left to right; hidden ones are passed over
+    property WindowLayout layout ///< the user's pane widths
+    property list<Item> panes ///< focus scopes, from left to right; hidden ones are skipped
 
     signal leave ///< back to the hub
     signal openHub(string hub)
-    signal openSettings(string section) ///< empty for the one that was open last
+    signal openSettings(string section) ///< empty for the last one
 
     function run(command: string) {
         if (command === "nextPane")
@@ -22,7 +22,7 @@ FocusScope {
             act(command);
     }
 
-    /// What this screen makes of a command of the keymap.
+    /// Handles a command of the table on this page.
     function act(command: string) {}
 
     function stepPane(step: int) {

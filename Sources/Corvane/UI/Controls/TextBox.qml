@@ -17,9 +17,9 @@ FocusScope {
     readonly property bool editing: area.activeFocus
     readonly property int captionHeight: label ? caption.height + Theme.tight : 0
 
-    property bool returnSubmits: false ///< not only Ctrl+Return; Shift+Return begins a new line then
+    property bool returnSubmits: false ///< not only Ctrl+Return; Shift+Return inserts a line break then
 
-    property bool pasteFiles: false ///< files and pictures of the clipboard are told of, and no text is pasted
+    property bool pasteFiles: false ///< pasting files and pictures emits `filesPasted` and inserts no text
 
     signal submitted
     signal filesPasted

@@ -15,7 +15,7 @@ QtObject {
     readonly property color none: "transparent"
     readonly property color scrim: Qt.alpha(dark ? "#000000" : "#1A1B1E", dark ? 0.5 : 0.28)
     readonly property color shadow: Qt.alpha("#000000", dark ? 0.06 : 0.018)
-    readonly property color paper: "#FFFFFF" ///< what a QR code is printed on, in both themes
+    readonly property color paper: "#FFFFFF" ///< the background of QR codes, in both themes
     readonly property color ink: "#000000"
 
     // Texts
@@ -27,9 +27,9 @@ QtObject {
     readonly property color good: dark ? "#5CC492" : "#1C7A4B"
     readonly property color warn: dark ? "#E0A84E" : "#9A5B00"
     readonly property color bad: dark ? "#F08379" : "#BF3328"
-    readonly property color secret: dark ? "#C9A2F0" : "#7A3AA8" ///< what touches passwords and tokens
+    readonly property color secret: dark ? "#C9A2F0" : "#7A3AA8" ///< passwords and tokens
 
-    /// The sixteen colours of a terminal. On the surface itself they are darkened or lightened until they read.
+    /// The sixteen colours of a terminal, darkened or lightened until they are readable on the surface.
     readonly property list<color> terminal: dark
         ? ["#24272B", "#F08379", "#5CC492", "#E0A84E", "#86A5FF", "#C9A2F0", "#63C7D8", "#D3D6DB",
             "#7A808A", "#FF9E94", "#7FDCAE", "#F2C275", "#A9BFFF", "#DABDF8", "#8ADBE8", "#FFFFFF"]
@@ -57,7 +57,7 @@ QtObject {
     readonly property int wall: 28
     readonly property int regular: Font.Normal
     readonly property int strong: Font.DemiBold
-    readonly property string pictures: "Noto Color Emoji" ///< for a sign alone; Inter draws some of them black
+    readonly property string pictures: "Noto Color Emoji" ///< for emoji alone; Inter draws some of them in black
 
     // Heights
     readonly property int control: 32
@@ -68,7 +68,7 @@ QtObject {
     readonly property int quick: reducedMotion ? 0 : 120
     readonly property int pane: reducedMotion ? 0 : 180
 
-    /// The two colours of an avatar whose hue is given in turns (0 to 1).
+    /// The two colours of an avatar; the hue is given from 0 to 1.
     function avatarGround(hue: real): color {
         return dark ? Qt.hsla(hue, 0.30, 0.27, 1) : Qt.hsla(hue, 0.52, 0.90, 1);
     }

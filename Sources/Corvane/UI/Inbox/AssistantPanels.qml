@@ -7,16 +7,16 @@ FocusScope {
     id: panels
 
     required property OpenPerson person
-    required property real room ///< height that the thread can spare
+    required property real room ///< the height that the thread can spare
 
     readonly property int ready: (summary.ready ? 1 : 0) + (draft.ready ? 1 : 0)
-    /// What is left for the text of each card beside its head and its buttons.
+    /// The height for the text of each card beside its heading and its buttons.
     readonly property real textRoom: Math.min(240, Math.max(72, room / Math.max(1, ready) - 100))
 
-    signal emptied ///< what had the keyboard here is gone
+    signal emptied ///< the focused part disappeared
     signal settingsAsked
 
-    /// One level back: what the keyboard is on goes.
+    /// One level back: closes the focused part.
     function back() {
         let at = Window.activeFocusItem;
         while (at && at !== summary && at !== draft)
@@ -96,7 +96,7 @@ FocusScope {
             objectName: "draftTaken"
             width: parent.width
             visible: panels.person.composer.canUndo && panels.person.composer.canSend && panels.person.assistant.state === "idle"
-            text: qsTr("The text stands in the composer.")
+            text: qsTr("The text is in the composer.")
             action: qsTr("Undo")
             onActed: panels.person.composer.undo()
         }

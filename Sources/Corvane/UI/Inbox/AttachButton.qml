@@ -7,7 +7,7 @@ Button {
     id: button
 
     required property Attachments attachments
-    property bool labelled: false ///< the words stand beside the sign
+    property bool labelled: false ///< shows the text beside the icon
 
     objectName: "composer.attach"
     visible: attachments.allowed

@@ -12,11 +12,11 @@ Rectangle {
     property bool ringed: false
 
     readonly property bool bare: message.mediaKind === "sticker" && message.mediaState === "ready"
-    /// The card of a file says the words already.
+    /// A file card shows the text itself.
     readonly property bool saidByCard: message.mediaKind !== "" && message.body === message.mediaTitle
         && !(["image", "sticker"].includes(message.mediaKind) && message.mediaState === "ready")
     readonly property bool timed: message.showTime
-    /// Text from right to left ends where the time stands, so the time gets a line of its own.
+    /// Right-to-left text ends where the time is, so the time gets its own line.
     readonly property bool rightToLeft: /[\u0590-\u08ff]/.test(message.body)
     readonly property int padding: Theme.medium
 
@@ -74,7 +74,7 @@ Rectangle {
             textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.body
-            // Unbreakable blanks at the end keep the last line clear of the time.
+            // Trailing no-break spaces keep the last line clear of the time.
             text: bubble.message.body + (bubble.timed && !bubble.rightToLeft ? " " + "\u00a0".repeat(Math.ceil(stamp.width / 3.6) + 2) : "")
             Accessible.ignored: true
         }

@@ -27,8 +27,8 @@ ListView {
     T.ScrollBar.vertical: ScrollBar {}
     KeyboardFocus { id: keyboard; target: list }
 
-    // The row in hand is the open conversation's. It comes into sight when another is opened, and not each time
-    // that new messages move it.
+    // The current row is the open conversation. It is scrolled into view when another one is opened, not when new
+    // messages move it.
     currentIndex: inbox.list.selectedIndex
     Connections {
         target: list.inbox.person
@@ -38,7 +38,7 @@ ListView {
         }
     }
 
-    // Whoever looks at the top sees what comes in there; whoever has scrolled keeps their place.
+    // At the top, new rows are shown; elsewhere the scroll position is kept.
     property bool atTop: true
     onContentYChanged: atTop = contentY <= originY + 1
     Binding { target: list.inbox.list; property: "atTop"; value: list.atTop }

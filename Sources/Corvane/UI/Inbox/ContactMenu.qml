@@ -13,7 +13,7 @@ Menu {
 
     objectName: "contactMenu"
 
-    /// At the pointer, or under the row where a key asked for it.
+    /// At the pointer, or below the row if a key opened it.
     function show(row: ContactRow, under: Item) {
         contactId = row.contact.id;
         isUnread = row.contact.unread > 0;

@@ -9,14 +9,14 @@ Item {
     required property contactItem contact
 
     property bool picking: false ///< several rows are being picked
-    property bool ringed: false ///< the keyboard is here
+    property bool ringed: false ///< has the keyboard focus
 
     readonly property color ground: contact.checked || contact.selected ? Theme.tint : hover.hovered ? Theme.raised : Theme.surface
 
     signal opened
     signal toggled
-    signal added ///< Ctrl and a press
-    signal extended ///< Shift and a press
+    signal added ///< Ctrl+click
+    signal extended ///< Shift+click
     signal menuAsked
 
     objectName: "contact:" + contact.id
@@ -79,7 +79,7 @@ Item {
     }
     Row {
         id: marks
-        // Marks keep their place beside the name; the name gives way.
+        // The marks stay next to the name; the name is elided.
         readonly property real leftmost: time.x - Theme.small - (visibleChildren.length ? width + Theme.small : 0)
         anchors.verticalCenter: title.verticalCenter
         x: title.x + title.width + 6

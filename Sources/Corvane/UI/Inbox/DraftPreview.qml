@@ -66,14 +66,14 @@ GenerationCard {
             objectName: "draftPreview.accept"
             kind: card.draft.isRewrite ? "plain" : "primary"
             text: qsTr("Accept")
-            hint: qsTr("After what stands in the composer")
+            hint: qsTr("After the composer's text")
             onClicked: card.draft.accept()
         },
         Button {
             objectName: "draftPreview.replace"
             kind: card.draft.isRewrite ? "primary" : "plain"
             text: qsTr("Replace")
-            hint: qsTr("In place of what stands in the composer")
+            hint: qsTr("Replaces the composer's text")
             onClicked: card.draft.replace()
         },
         Button {

@@ -8,7 +8,7 @@ Card {
     id: card
 
     required property GenerationPanel panel ///< the view model, a GenerationPanel
-    property string name ///< said aloud
+    property string name ///< accessible name
     property string dismissLabel: qsTr("Dismiss")
     property alias buttons: foot.data
     property real room: 240 ///< for what is ready; the rest scrolls
@@ -21,7 +21,7 @@ Card {
     signal dismissed ///< by the person, from here
     signal settingsAsked
 
-    /// Where the keyboard comes in: the action that is most likely meant.
+    /// The default focus: the most likely action.
     function enter() {
         let entry = again.visible ? again : close;
         for (let i = 0; ready && i < foot.children.length; ++i) {

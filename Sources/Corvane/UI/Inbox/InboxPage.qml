@@ -12,7 +12,7 @@ Page {
 
     readonly property bool open: inbox.person.selectedId !== ""
     readonly property bool narrow: width < 1200
-    /// Folded away below 1200 px until it is asked for.
+    /// Hidden below 1200 px until it is opened.
     property bool contactAskedFor: false
     readonly property bool contactShown: open && (narrow ? contactAskedFor : inbox.person.showCRM)
 

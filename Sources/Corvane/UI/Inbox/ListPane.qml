@@ -8,7 +8,7 @@ FocusScope {
 
     required property InboxView inbox
 
-    signal entered ///< Return on a row: on into its thread
+    signal entered ///< Return on a row: moves into its thread
     signal openSettings
 
     Accessible.role: Accessible.Pane

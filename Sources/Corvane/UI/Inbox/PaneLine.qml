@@ -10,12 +10,12 @@ Item {
     required property paneRow entry
 
     default property alias actions: side.data
-    property alias lead: front.data ///< in place of the mark
+    property alias lead: front.data ///< replaces the mark
     property bool strong: false
-    property bool foldable: true ///< a text that is too long can be opened
+    property bool foldable: true ///< a long text can be expanded
     property int lines: 4
     readonly property string under: [entry.label, entry.detail, entry.timeText].filter(word => word).join(" · ")
-    property bool whole: false ///< all of a long text
+    property bool whole: false ///< shows all of a long text
 
     width: parent?.width ?? 0
     height: Math.max(words.height, side.height) + Theme.small

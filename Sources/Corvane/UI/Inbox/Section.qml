@@ -13,7 +13,7 @@ Column {
     property string title
     property int count: 0
     property bool showsCount: true
-    property string emptyText ///< what stands here without rows
+    property string emptyText ///< shown if there are no rows
     property bool open: layout.sectionOpen(section.name)
 
     T.AbstractButton {
@@ -21,7 +21,7 @@ Column {
         objectName: "contact.section." + section.name
         width: parent.width
         height: 36
-        focus: section.name === "identity" // where the keyboard enters the pane
+        focus: section.name === "identity" // the first focus in the pane
         focusPolicy: Qt.TabFocus
         hoverEnabled: true
         text: section.title

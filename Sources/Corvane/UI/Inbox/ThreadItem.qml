@@ -103,7 +103,7 @@ Item {
             size: 28
             focusPolicy: Qt.NoFocus
             icon.name: "overflow-menu"
-            text: qsTr("What can be done with it")
+            text: qsTr("Show its actions")
             key: "Return"
             onClicked: threadItem.openMenu()
         }

@@ -11,7 +11,7 @@ ListView {
     readonly property ThreadView thread: person.thread
 
     property bool atNewest: true
-    readonly property ThreadItem current: currentItem as ThreadItem ///< where the keyboard is
+    readonly property ThreadItem current: currentItem as ThreadItem ///< the focused item
     property Item headerButton: null
 
     objectName: "thread.list"
@@ -19,7 +19,7 @@ ListView {
     model: thread.rows
     boundsBehavior: Flickable.StopAtBounds
     keyNavigationEnabled: false
-    highlightFollowsCurrentItem: false // a press within the list takes the keys, not the reader
+    highlightFollowsCurrentItem: false // a click within the list takes the focus, not the screen reader
     cacheBuffer: 240
     activeFocusOnTab: true
     Accessible.role: Accessible.List
@@ -27,7 +27,7 @@ ListView {
     T.ScrollBar.vertical: ScrollBar {}
     KeyboardFocus { id: keyboard; target: list }
 
-    // While the newest is in sight it stays there, whatever grows above or below it.
+    // While the newest message is visible it stays visible, whatever grows above or below it.
     onMovementEnded: atNewest = atYEnd && !thread.hasNewer
     onContentYChanged: Qt.callLater(look)
     onContentHeightChanged: settle()
@@ -57,7 +57,7 @@ ListView {
         positionViewAtBeginning();
     }
 
-    /// How many rows are still to go when the next page is taken in.
+    /// Loads the next page when so many rows are left.
     readonly property int ahead: 40
 
     function look() {
@@ -72,8 +72,8 @@ ListView {
             thread.extendNewer();
     }
 
-    // Where rows come or go above what is being read, that stays in its place. A page of them comes in parts, so what
-    // was read before the first is held until the person moves on.
+    // If rows are added or removed above the visible ones, those stay in place. A page is inserted in parts, so the
+    // anchor is kept until the user scrolls.
     property string anchorId ///< empty if nothing is held
     property real anchorY
     property bool holding: false
@@ -92,7 +92,7 @@ ListView {
             Qt.callLater(takePlace);
     }
 
-    /// The first message in sight from `y` on, by steps that may lead upwards.
+    /// The first visible message from `y` on, by steps that may lead upwards.
     function messageFrom(y: real, step: real): ThreadItem {
         for (; y >= 0 && y < height; y += step) {
             const item = itemAt(Theme.wide, contentY + y) as ThreadItem;
@@ -114,7 +114,7 @@ ListView {
             return;
         const held = itemAtIndex(row);
         if (held && Math.abs(held.y - contentY - anchorY) <= 1)
-            return; // a view that is moved would stop a flick
+            return; // moving the view would stop a flick
         positionViewAtIndex(row, ListView.Beginning);
         contentY = itemAtIndex(row).y - anchorY;
     }
@@ -135,7 +135,7 @@ ListView {
         atNewest = currentIndex === count - 1 && !thread.hasNewer;
     }
 
-    /// From the newest message on: to what follows the list, not to what else stands in it.
+    /// From the newest message on: to what follows the list.
     function leave(forward: bool): bool {
         if (currentIndex !== count - 1)
             return false;
@@ -160,7 +160,7 @@ ListView {
         const end = originY + contentHeight - height;
         contentY = Math.max(originY, Math.min(end, contentY + by * (height - Theme.huge)));
         atNewest = contentY >= end - 1 && !thread.hasNewer;
-        settle(); // what comes into sight is not always as high as was guessed
+        settle(); // new delegates may not have the estimated height
     }
 
     function jump() {
@@ -249,7 +249,7 @@ ListView {
             text: list.thread.loadOlderText
             enabled: !list.thread.loadingMore
             Component.onCompleted: list.headerButton = older
-            activeFocusOnTab: false // Up leads to it, from the first message
+            activeFocusOnTab: false // Up reaches it from the first message
             Keys.onDownPressed: {
                 focus = false;
                 list.forceActiveFocus(Qt.TabFocusReason);

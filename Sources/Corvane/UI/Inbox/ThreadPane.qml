@@ -69,10 +69,10 @@ FocusScope {
         visible: !pane.open
         icon: "hub-inbox"
         title: qsTr("Pick a conversation")
-        detail: qsTr("Every channel of a person stands in one thread.")
+        detail: qsTr("All channels of a person are in one thread.")
     }
 
-    // Read aloud when the reader has a moment; the focus stays where it is.
+    // Announced by the screen reader when idle; the focus does not move.
     Item {
         id: announcer
         property string text

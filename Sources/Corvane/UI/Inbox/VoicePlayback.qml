@@ -42,7 +42,7 @@ Rectangle {
         hoverEnabled: true
         enabled: note.current && ["playing", "paused"].includes(note.player.state)
         value: note.current ? note.player.progress : 0
-        // Moved by hand the slider lets go of its binding.
+        // Dragging the slider breaks its binding.
         onMoved: note.player.seek(value)
         onPressedChanged: if (!pressed) value = Qt.binding(() => note.current ? note.player.progress : 0)
         Accessible.name: qsTr("Position in the voice note")

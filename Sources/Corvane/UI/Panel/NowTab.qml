@@ -9,7 +9,7 @@ FocusScope {
 
     required property CorvaneMenuBarView panel
 
-    // As many lines as there were keep their delegates, and so the keyboard its place; what is gone is empty.
+    // Reuses the delegates, so that the focus stays in place; surplus ones are empty.
     property dayLine noFact
     property glanceLine noLine
 

@@ -23,7 +23,7 @@ T.ApplicationWindow {
     font: Qt.application.font
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
 
-    // Whoever turns to something else is done with it.
+    // Closes when it loses the focus.
     property bool wasActive: false
     onActiveChanged: {
         if (active)

@@ -8,7 +8,7 @@ T.AbstractButton {
     id: line
 
     property string sign
-    property string more ///< in a weaker voice behind the text
+    property string more ///< secondary text after the text
     property string count
 
     implicitHeight: 36

@@ -23,7 +23,7 @@ FocusScope {
         return now;
     }
 
-    /// Leaves what is open in the tab; false if nothing is.
+    /// Closes what is open in the tab; false if nothing is.
     function stepBack(): bool {
         if (panel.tab === "calendar" && panel.meetings.prep.open) {
             panel.meetings.prep.close();

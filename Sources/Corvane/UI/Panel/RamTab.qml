@@ -9,7 +9,7 @@ FocusScope {
 
     required property ResourcesView resources
 
-    // The keyboard goes to the question, and back to the list from its answer.
+    // Focuses the question, and the list again after the answer.
     readonly property bool isAsking: resources.asking !== ""
     onIsAskingChanged: Qt.callLater(focusOn, isAsking ? cancel : list)
     function focusOn(place: Item) {

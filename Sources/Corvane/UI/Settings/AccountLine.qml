@@ -11,7 +11,7 @@ Item {
     required property accountRow account
 
     readonly property color tone: account.kind === "good" ? Theme.good : account.kind === "bad" ? Theme.bad : account.kind === "warn" ? Theme.warn : Theme.soft
-    // The first action stands as a button; the others wait in a menu.
+    // The first action is a button; the others are in a menu.
     readonly property accountAction first: account.first
     readonly property list<accountAction> others: account.others
 

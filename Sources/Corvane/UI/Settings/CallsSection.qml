@@ -10,7 +10,7 @@ Column {
 
     spacing: Theme.large
 
-    /// A few things of which one is chosen.
+    /// A choice of a few options.
     component Chips: Row {
         id: chips
         required property list<choice> choices

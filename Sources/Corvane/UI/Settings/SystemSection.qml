@@ -16,7 +16,7 @@ Column {
         width: parent.width
         SettingRow {
             label: qsTr("Appearance")
-            hint: qsTr("Light or dark, or whatever the desktop says.")
+            hint: qsTr("Light, dark, or following the desktop.")
             Repeater {
                 model: section.appearance.modes
                 Chip {

@@ -20,8 +20,8 @@ FocusScope {
     required property CallSettings callSettings
     required property Appearance appearance
     required property WindowLayout layout
-    required property bool shown ///< the window is on the screen
-    required property bool seen ///< and a person looks at it
+    required property bool shown ///< the window is visible
+    required property bool seen ///< and active
 
     readonly property bool covered: shell.settings || shell.approvals || shell.calls
     readonly property bool inboxShown: !covered && shell.selectedNav === "inbox"

@@ -30,19 +30,19 @@ T.ApplicationWindow {
 
     title: content.title
     color: Theme.window
-    font: Qt.application.font // fields would follow the desktop's font for editors
+    font: Qt.application.font // otherwise text fields use the desktop's editor font
     minimumWidth: 1040
     minimumHeight: 660
 
     onClosing: event => {
-        // A quit closes the window that it has hidden, too.
+        // Quitting also closes the hidden window.
         if (!window.visible || !window.closingNotice.due())
             return;
         event.accepted = false;
         notice.open();
     }
     Shortcut {
-        sequence: Commands.keysOf("quit") // behind the wall, too
+        sequence: Commands.keysOf("quit") // on the login wall, too
         onActivated: Commands.run("quit")
     }
     Sheet {

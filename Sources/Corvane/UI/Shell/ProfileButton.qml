@@ -72,7 +72,7 @@ T.AbstractButton {
     onOffersWorkspacesChanged: placeWorkspaces()
     Component.onCompleted: if (offersWorkspaces) placeWorkspaces()
 
-    // A button that comes up signed in hears of it twice.
+    // Created while signed in, it is told twice.
     function placeWorkspaces() {
         const placed = menu.menuAt(2) === workspaces;
         if (offersWorkspaces && !placed)

@@ -9,7 +9,7 @@ FocusScope {
 
     required property TerminalsView screen
     readonly property alias terminal: terminal
-    readonly property alias notices: notices ///< a pane of its own, where something is said or asked
+    readonly property alias notices: notices ///< a focus scope of its own, with notices and questions
 
     function act(command: string) {
         switch (command) {
@@ -56,7 +56,7 @@ FocusScope {
         }
     }
 
-    /// One thing at a time: the question, then the search.
+    /// One at a time: the question, then the search.
     function back() {
         if (screen.question)
             screen.answer(false);
@@ -79,7 +79,7 @@ FocusScope {
             WindowTools.copy(screen.current.redactedTranscript());
     }
 
-    /// What came unasked leaves the keyboard where it is.
+    /// Unrequested content does not take the focus.
     function turnToQuestion() {
         if (question.visible && screen.questionTakesFocus)
             question.takeFocus();

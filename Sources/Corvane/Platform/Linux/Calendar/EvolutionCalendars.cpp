@@ -233,7 +233,7 @@ Result<void> EvolutionCalendars::remove(const CalendarPlaces&, const QString& ca
     const auto stands = m_service.object(sourceOf(calendarId), uid);
     const QString key = calendarId + u'\n' + uid;
     if (!stands || !m_written.contains(key) || m_written.value(key) != *stands)
-        return failure(u"The event was changed meanwhile, and stays."_s);
+        return failure(u"The event was changed meanwhile, so it was kept."_s);
     m_written.remove(key);
     return m_service.remove(sourceOf(calendarId), uid);
 }
@@ -289,7 +289,7 @@ int EvolutionCalendars::openTasks(const CalendarPlaces& places)
 
 Result<void> EvolutionCalendars::makeCalendar(const QString&)
 {
-    return failure(u"Calendars of Evolution are made in Evolution."_s);
+    return failure(u"Create Evolution's calendars in Evolution."_s);
 }
 
 }

@@ -284,7 +284,7 @@ Result<void> FolderCalendars::remove(const CalendarPlaces& places, const QString
     const QString path = folder->path + u'/' + fileName(uid);
     const std::lock_guard lock(m_mutex);
     if (!m_written.contains(path) || m_written.value(path) != stampOf(path))
-        return failure(u"The event was changed meanwhile, and stays."_s);
+        return failure(u"The event was changed meanwhile, so it was kept."_s);
     if (!QFile::remove(path))
         return failure(u"The calendar “%1” could not be written."_s.arg(folder->info.title));
     m_written.remove(path);

@@ -128,7 +128,7 @@ Result<qint64> copyPrivateFile(
     if (!source.isOpen() || ::fstat(source.number(), &status) != 0)
         return std::unexpected(errorOf(errno));
     if (!S_ISREG(status.st_mode))
-        return failure(u"It is no plain file."_s);
+        return failure(u"It is not a regular file."_s);
     const QString folder = QFileInfo(to).absolutePath();
     const QByteArray target = QFile::encodeName(to);
     if (!makePrivateFolder(folder))

@@ -197,9 +197,9 @@ QCoro::Task<Result<QJsonObject>> LoopbackLanguageModel::respondGenerating(
         co_return std::unexpected(answer.error());
     const auto object = jsonObject(answer->toUtf8());
     if (!object)
-        co_return failure(u"The answer of the model is no JSON object."_s);
+        co_return failure(u"The model's answer is not a JSON object."_s);
     if (const auto violation = schemaViolation(*object, schema))
-        co_return failure(u"The answer of the model is not what was asked for: %1."_s.arg(*violation));
+        co_return failure(u"The model's answer does not match the request: %1."_s.arg(*violation));
     co_return *object;
 }
 

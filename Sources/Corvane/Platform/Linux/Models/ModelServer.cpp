@@ -78,7 +78,7 @@ Result<QJsonObject> objectIn(const HttpReply& reply, const ModelServer& server)
     if (!reply.isSuccess())
         return failure(words(server, u"refused: "_s + refusal(reply)));
     const auto object = jsonObject(reply.body);
-    return object ? Result<QJsonObject>(*object) : failure(words(server, u"gave an answer that does not read."_s));
+    return object ? Result<QJsonObject>(*object) : failure(words(server, u"gave an unreadable answer."_s));
 }
 
 /// Ollama names the host that it passes texts on to, and tags such models.
@@ -133,7 +133,7 @@ Result<QList<ServedModel>> modelsIn(const HttpReply& reply, const ModelServer& s
         return std::unexpected(object.error());
     const QJsonValue list = object->value(isOllama ? "models"_L1 : "data"_L1);
     if (!list.isArray())
-        return failure(words(server, u"is no model server that is known here."_s));
+        return failure(words(server, u"is not a supported model server."_s));
     QList<ServedModel> models;
     for (const QJsonValue& model : list.toArray()) {
         const QString name = model[isOllama ? "name"_L1 : "id"_L1].toString();
