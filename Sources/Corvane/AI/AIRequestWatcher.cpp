@@ -44,20 +44,19 @@ AIRequestWatcher::~AIRequestWatcher()
 void AIRequestWatcher::start()
 {
     m_timer = m_scheduler.every(period, [this] { processPending(); });
-    // This pass's own look at stale rows is the only one at a start: a second one would expire what the first gave
-    // its second chance.
+    // At a start this pass alone checks for stale requests: a second check would expire the ones that were just reset.
     processPending();
 }
 
 QCoro::Task<> AIRequestWatcher::processPending()
 {
     if (m_isProcessing || !m_db.isSound() || m_db.isHeldElsewhere())
-        co_return; // the next tick does it
+        co_return; // retried at the next tick
     failStaleAIRequests(m_db, staleMs);
     const QList<AIRequest> requests = fetchPendingAIRequests(m_db, batchSize);
     const CancelHandle life = m_life;
     m_isProcessing = true;
-    // A model server that came up since the last look, or that the start of the program has not looked at yet.
+    // A model server may have started since the last check, or may not have been checked yet.
     if (!requests.isEmpty() && !m_ai.availableName())
         co_await m_ai.refresh();
     for (const AIRequest& request : requests) {

@@ -16,7 +16,7 @@ void fillIfBlank(QString& text, const QString& fallback)
         text = fallback;
 }
 
-/// A text with half of a character in it reads as empty to every expression that looks for something there.
+/// Regular expressions never match in a text with a lone surrogate.
 QString wellFormed(const QString& text)
 {
     return QString::fromUtf8(text.toUtf8());

@@ -25,7 +25,7 @@ std::optional<QString> decodedUtf8(const QByteArray& bytes)
     return decoder.hasError() ? std::nullopt : std::optional(std::move(text));
 }
 
-/// The file that the tool writes its answer to; gone with this object.
+/// The file that the tool writes its answer to; deleted with this object.
 class AnswerFile {
 public:
     explicit AnswerFile(const QString& folder)
@@ -39,11 +39,11 @@ public:
 
     const QString& path() const { return m_path; }
 
-    /// A pipe or a device in its place would keep its reader waiting.
+    /// A pipe or a device in its place would block the reader.
     bool isFile() const { return QFileInfo(m_path).isFile(); }
     bool isTooLarge() const { return QFileInfo(m_path).size() > answerLimit; }
 
-    /// As it stands; nothing if it does not read or is blank.
+    /// Unchanged; nothing if it is unreadable or blank.
     std::optional<QString> text() const
     {
         QFile file(m_path);
@@ -96,7 +96,7 @@ QCoro::Task<Result<QString>> CLIChatService::respond(QString instructions, QStri
     const AnswerFile answer(folder);
     const QStringList arguments { u"exec"_s, u"-s"_s, u"read-only"_s, u"--skip-git-repo-check"_s, u"-C"_s, folder,
         u"--output-last-message"_s, answer.path(), u"-"_s };
-    // Not as an argument: those are short, and other users of the machine can read them.
+    // Not as an argument: their length is limited, and other users can read them.
     const QByteArray input = (instructions + u"\n\n"_s + prompt).toUtf8();
     const Result<ToolEnd> end = co_await m_tools.run(*codex, arguments, input, cancel);
     if (!end)

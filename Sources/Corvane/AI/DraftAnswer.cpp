@@ -26,7 +26,7 @@ std::optional<AIDraftResponseMetadata> decodedMetadata(const QJsonObject& object
         sends.toBool() };
 }
 
-/// Every key must be there and hold its type.
+/// Every key must exist and have its type.
 std::optional<AIStructuredDraftResponse> decodedDraft(const QString& text)
 {
     const auto object = jsonObject(text.toUtf8());
@@ -75,7 +75,7 @@ std::optional<QString> extractJSONObject(const QString& text)
     for (qsizetype at = start; at < text.size(); ++at) {
         const QChar unit = text.at(at);
         if (unit == u'\\')
-            ++at; // the next character stands for itself
+            ++at; // skips the escaped character
         else if (unit == u'"')
             inString = !inString;
         else if (!inString && unit == u'{')

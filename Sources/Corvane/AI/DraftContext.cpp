@@ -7,7 +7,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int threadLimit = 1000; // of which prompts take the newest that say something
+constexpr int threadLimit = 1000; // prompts take the newest with text
 
 std::optional<QString> known(const QString& text)
 {

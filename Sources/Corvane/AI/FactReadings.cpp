@@ -10,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-/// Groups of words, one a line; words that stand for the same are separated by blanks.
+/// Groups of words, one per line; synonyms are separated by spaces.
 QHash<QString, int> numbered(const char* groups, int first)
 {
     QHash<QString, int> words;
@@ -73,7 +73,7 @@ twelve zwölf douze doce dodici)",
             { "forty", 40 }, { "vierzig", 40 }, { "fifty", 50 }, { "fünfzig", 50 }, { "sixty", 60 }, { "ninety", 90 } };
         for (const auto& [word, number] : larger)
             all.insert(folded(QString::fromUtf8(word)), number);
-        // These are words of other meanings, too.
+        // These words have other meanings, too.
         for (const char* word : { "sept", "sei", "onze", "tre", "elf", "acht", "otto" })
             all.remove(QLatin1StringView(word));
         return all;
@@ -81,7 +81,7 @@ twelve zwölf douze doce dodici)",
     return words;
 }
 
-/// What is matched: each word without its marks, and as it is spelled where that differs.
+/// The pattern: each word without diacritics, and as spelled if that differs.
 QString alternatives(const QHash<QString, int>& words, const char* spellings)
 {
     QStringList all = words.keys();
@@ -96,7 +96,7 @@ std::optional<int> find(const QHash<QString, int>& words, const QString& word)
     return found == words.constEnd() ? std::nullopt : std::optional(*found);
 }
 
-/// "1.250,00" with `decimal` as its decimal sign; every other sign separates groups.
+/// "1.250,00" with `decimal` as its decimal separator; any other separator groups digits.
 double valueOf(QString digits, QChar decimal)
 {
     digits.removeIf([&](QChar sign) { return !sign.isDigit() && sign != decimal; });
@@ -117,7 +117,7 @@ QList<double> numberValues(const QString& digits)
     const double decimal = valueOf(digits, sign);
     if (digits.count(sign) > 1)
         return { valueOf(digits, u' ') };
-    // One sign before three digits is either, but nobody writes "1.000" for 1.
+    // A single separator before three digits is ambiguous, but nobody writes "1.000" for 1.
     if (digits.size() - std::max(comma, point) != 4)
         return { decimal };
     const double grouped = valueOf(digits, u' ');

@@ -14,7 +14,7 @@ namespace {
 
 using Match = QRegularExpressionMatch;
 
-/// Nothing if a match is no fact after all, and stays for the patterns that follow.
+/// Nothing if the match is not a fact after all, and is left for later patterns.
 using Reader = std::function<std::optional<Fact>(const Match&)>;
 
 struct Pattern {
@@ -43,8 +43,8 @@ Fact same(const QString& onlyKey)
     return { {}, 0, { onlyKey }, { onlyKey } };
 }
 
-/// A value that may be told with or without what qualifies it: "500" and "500 €", "3 May" and "3 May 2026". With
-/// it on both sides it must be the same.
+/// A value with an optional qualifier: "500" and "500 €", "3 May" and "3 May 2026". If both sides have one, they must
+/// match.
 void qualify(Fact& fact, const QString& value, const QString& qualifier)
 {
     fact.states << value << value + u'/' + qualifier;
@@ -88,7 +88,7 @@ std::optional<Fact> readPhone(const Match& match)
     digits.removeIf([](QChar sign) { return !sign.isDigit(); });
     if (digits.size() < 7)
         return std::nullopt;
-    return same(key(u'p', digits.last(7))); // however the country is told
+    return same(key(u'p', digits.last(7))); // in any notation of the country code
 }
 
 // Dates and times
@@ -130,12 +130,12 @@ std::optional<Fact> readTime(const Match& match)
     fact.needs = timeKeys(hour, match.captured(2).toInt(), match.captured(3));
     fact.states = fact.needs;
     fact.states << key(u'n', hour) << key(u'n', (hour + 11) % 12 + 1);
-    if (match.captured(3) == "h"_L1) // "2h" may be how long
+    if (match.captured(3) == "h"_L1) // "2h" may be a duration
         fact.needs << key(u'n', hour);
     return orNothing(fact);
 }
 
-/// What a message is stamped with: its parts are no numbers of the text.
+/// A message's timestamp: its parts are not numbers of the text.
 std::optional<Fact> readStamp(const Match& match)
 {
     Fact fact;
@@ -237,8 +237,8 @@ std::optional<Fact> readNumberWord(const Match& match)
     return same(key(u'n', numberOfWord(match.captured()).value_or(0)));
 }
 
-/// In this order: what an earlier one has read, a later one does not see. Each begins where a word begins and takes
-/// nothing back, so that a flood of signs is read once.
+/// Patterns run in this order: text matched by an earlier one is hidden from later ones. Each starts at a word boundary
+/// and does not backtrack, so that long runs are read once.
 const QList<Pattern>& patterns()
 {
     static const QList<Pattern> all = [] {

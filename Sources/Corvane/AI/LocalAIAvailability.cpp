@@ -12,7 +12,7 @@ using Condition = LocalAIStopCondition;
 constexpr quint64 neededMemoryBytes = Q_UINT64_C(1) << 33;
 constexpr quint64 neededDiskBytes = Q_UINT64_C(1) << 31;
 
-/// The first source that says what it is.
+/// The first source with a known kind.
 LocalAIPowerSource powerSource(const QStringList& states)
 {
     for (const QString& state : states) {
@@ -38,7 +38,7 @@ std::optional<Condition> firstCondition(const LocalAIAvailabilitySnapshot& snaps
         return Condition::ThermalPressure;
     if (snapshot.physicalMemoryBytes < neededMemoryBytes)
         return Condition::InsufficientMemory;
-    // Without its sign, a missing figure is the largest of all.
+    // Unsigned: an unknown figure (-1) counts as the largest.
     if (static_cast<quint64>(snapshot.freeDiskBytes) < neededDiskBytes)
         return Condition::DiskLow;
     return std::nullopt;

@@ -73,13 +73,13 @@ QString renderCRM(const LumoDraftCRMContext& context)
     return lines.join(u'\n');
 }
 
-/// As the inside of a JSON string.
+/// Escaped for use inside a JSON string.
 QString jsonEscaped(const QString& text)
 {
     return jsonString({ text }).sliced(2).chopped(2);
 }
 
-/// The answer that is asked for, to be filled in.
+/// The template of the requested answer.
 QString jsonShape(
     const QString& draft, const QString& intent, const QString& style, const QString& language, const QString& labels)
 {
@@ -99,7 +99,7 @@ QString jsonShape(
            "}"_s.arg(draft, intent, jsonEscaped(style), jsonEscaped(language), labels);
 }
 
-/// FNV-1a with 64 bits over the UTF-8 text, in hexadecimal.
+/// 64-bit FNV-1a of the UTF-8 text, in hexadecimal.
 QString fingerprint(const QString& text)
 {
     quint64 hash = 14695981039346656037U;

@@ -104,7 +104,7 @@ QCoro::Task<Result<LumoDraftResult>> LumoDraftService::rewrite(QString text, Lum
         co_return cancelled();
     if (!answer)
         co_return std::unexpected(answer.error());
-    // It rests on the text that was there; the thread sets the tone, unless the answer names a message.
+    // It is based on the composer's text; the thread sets the tone, unless the answer cites a message.
     const DraftExpectation expected { rewriteIntent, style, {}, quotedFacts(composed) };
     const auto response = parseDraftAnswer(*answer, expected);
     if (!response)

@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-/// A word and what its neighbours tell of it.
+/// A word with information about its neighbours.
 struct Word {
     QString text;
     QString folded;
@@ -32,7 +32,7 @@ const QRegularExpression& wordExpression()
     return expression;
 }
 
-/// Without the "'s" of "Petra's".
+/// Without a possessive "'s".
 QString bareWord(const QString& word)
 {
     static const QRegularExpression possessive(u"['’]s$"_s);
@@ -86,7 +86,7 @@ bool isKnown(const QString& word, const QSet<QString>& known)
     });
 }
 
-/// Reads one text; `at` is always a capitalised word that nothing explains yet.
+/// Scans one text; `at` always points to a capitalised word without another explanation.
 class Reader {
 public:
     Reader(const Words& words, const QSet<QString>& known)
@@ -133,7 +133,7 @@ private:
         return after && after->isCapitalised && !isOrdinaryWord(after->folded);
     }
 
-    /// The last words of a text, on a line of their own or after "Regards,".
+    /// The signature of a text: its last words, on their own line or after "Regards,".
     bool isSignature(qsizetype at) const
     {
         const bool isLast = at + 1 == m_words.size()

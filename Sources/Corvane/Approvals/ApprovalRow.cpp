@@ -33,7 +33,7 @@ void arm(ApprovalRow& row, const std::optional<Arming>& arming, const QString& a
     row.settledText = approve ? approved : u"Rejected"_s;
 }
 
-/// Kinds of proposals are words of other programs; one that nobody knows stands as it is.
+/// Other programs write proposals: an unknown kind is shown as it is.
 QString capitalised(QString word)
 {
     if (!word.isEmpty())
@@ -41,7 +41,7 @@ QString capitalised(QString word)
     return word;
 }
 
-/// What the title says already is not said twice.
+/// Does not repeat what the title says.
 QString beyond(const QString& title, const QString& body)
 {
     const QString first = body.section(u'\n', 0, 0);

@@ -218,7 +218,7 @@ void ApprovalsView::present()
     });
     const ApprovalRow* const asked = decidable(asking());
     if (!asking().isEmpty() && (!asked || *asked != m_asked))
-        ask({}); // what was read when it was asked is not what stands there
+        ask({}); // the item has changed since the question was asked
     if (const QString linked = m_link.subject(); !linked.isEmpty() && !find(u"proposal:"_s + linked))
         m_link.cancel();
     Q_EMIT changed();

@@ -22,7 +22,7 @@ struct VerdictWords {
     QString tone;
 };
 
-/// Nothing for a line that tells something else than a decision.
+/// Nothing for an entry that is not a decision.
 std::optional<VerdictWords> verdictWords(const QString& action)
 {
     static const QHash<QString, VerdictWords> words {
@@ -35,7 +35,7 @@ std::optional<VerdictWords> verdictWords(const QString& action)
     return found == words.cend() ? std::nullopt : std::optional(*found);
 }
 
-/// What came of an approval; empty for a line that tells something else.
+/// The result of an approval; empty for other entries.
 QString outcomeWords(const QString& action)
 {
     static const QHash<QString, QString> words {
@@ -47,7 +47,7 @@ QString outcomeWords(const QString& action)
     return words.value(action);
 }
 
-/// The row that was decided, as it stands now.
+/// The current row of the decision.
 struct Subject {
     QString title;
     QString body;
@@ -168,7 +168,7 @@ void DecisionLog::read()
 {
     const QList<ApprovalRecord> lines = latestRecords(m_db, m_lines);
     const DateWords dates(m_scheduler.nowMs());
-    QHash<QString, QString> outcomes; // by what it came of, which stands further back
+    QHash<QString, QString> outcomes; // by subject; results come later in the log
     QList<DecidedRow> rows;
     for (const ApprovalRecord& line : lines) {
         const QString subject = line.kind + u':' + line.subjectId;

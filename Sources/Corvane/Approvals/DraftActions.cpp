@@ -78,7 +78,7 @@ void DraftActions::perform(const PendingDraft& draft, const QString& action)
     if (m_approvals.armed(key))
         return;
     LocalDB& db = m_engine.db();
-    const QString id = draft.id; // the row goes with what is done
+    const QString id = draft.id; // the row may be deleted by the action
     if (action == u"start") {
         if (const auto account = m_accounts.findBySlug(draft.accountId))
             m_engine.resume(*account);
@@ -89,7 +89,7 @@ void DraftActions::perform(const PendingDraft& draft, const QString& action)
     } else if (action == u"reject" && draft.state() == DraftStatus::Placed) {
         m_approvals.decide(key, Verdict::Reject, undoWindow);
     } else if (action == u"reject") {
-        rejectDraft(db, id); // at once: its engine may come up inside the window
+        rejectDraft(db, id); // immediately: its engine may start during the undo window
     }
     db.watch().tell(StoreSubject::Drafts);
 }

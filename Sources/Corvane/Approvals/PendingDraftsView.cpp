@@ -96,7 +96,7 @@ void PendingDraftsView::approveDraft(const QString& id)
     const PendingDraft* const asked = decidable(id);
     if (!asked)
         return;
-    const QString draft = id; // the question goes with what it asked
+    const QString draft = id; // closing the question clears it
     m_confirmDraft.clear();
     if (!m_at.accounts.findBySlug(asked->accountId)) {
         failWaitingDraft(m_at.db, draft, describe(DraftFailure::AccountGone, asked->accountId));

@@ -20,7 +20,7 @@ const QString number = uR"(\d{1,3}(?:[.,'’ \x{a0}\x{202f}]\d{3})+(?:[.,]\d{1,2
 const QString sign = uR"([€$£¥₹]|EUR|USD|GBP|CHF|JPY|CAD|AUD|SEK|NOK|DKK|PLN|CZK)"_s;
 const QString scale = uR"((?:\s?(?:[kKmM]|thousand|million)\b)?)"_s;
 
-/// A name in capitals, with the small words between its parts; a day is none.
+/// A capitalised name, including the small words between its parts; weekdays do not count.
 const QString word = uR"((?:\p{Lu}\. )*\p{Lu}[\p{L}\d&'’-]*)"_s;
 const QString name
     = uR"((?!(?:Mon|Tues|Wednes|Thurs|Fri|Satur|Sun)day\b)%1(?: (?:(?:de|del|la|di|da|of|and|the|y|e|von|van|der|&) )*%1)*)"_s

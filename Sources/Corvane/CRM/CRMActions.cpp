@@ -1,4 +1,4 @@
-// What a person does beside the thread. Whatever takes something away offers the way back.
+// The user's actions in the contact pane. Whatever is removed can be undone.
 
 #include "CRM/CRMPane.h"
 #include "Foundation/Literals.h"
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int olderRows = 25;
 
-/// As much of a text as a line that names it holds.
+/// A text shortened to fit a label.
 QString shortened(const QString& text)
 {
     constexpr int length = 32;

@@ -20,7 +20,7 @@ constexpr int firstActivity = 8;
 constexpr Milliseconds identityDelay { 250 };
 constexpr Milliseconds refreshPeriod { 500 };
 
-/// What each of the contacts has, newest first.
+/// The newest rows of all contacts.
 template <typename Fetch, typename Time>
 auto newestOf(const QStringList& contactIds, Fetch fetch, Time time, qsizetype limit)
 {
@@ -149,7 +149,7 @@ void CRMPane::reloadMerges()
     m_people = QStringList { m_contact.id };
     if (!m_people.contains(m_primary))
         m_people.append(m_primary);
-    for (qsizetype i = 0; i < m_people.size(); ++i) { // who was merged into one that was merged belongs to them, too
+    for (qsizetype i = 0; i < m_people.size(); ++i) { // includes contacts merged into merged contacts
         for (const LiveMerge& merge : activeMerges(m_db, m_people.at(i))) {
             if (!m_people.contains(merge.mergedId))
                 m_people.append(merge.mergedId);
@@ -186,7 +186,7 @@ void CRMPane::reloadCRM()
         memory += fetchMemoryEntries(m_db, u"contact:"_s + id);
         info.add(fetchContactInfo(m_db, id));
     }
-    // One more of each than is shown tells whether there are more.
+    // Fetches one more of each than is shown, to know whether there are more.
     const auto notes
         = newestOf(m_people, [this](const QString& id) { return fetchNotes(m_db, id); }, &NoteRow::ts, m_noteLimit + 1);
     const auto activity = newestOf(

@@ -31,7 +31,7 @@ void ContactPick::setQuery(const QString& query)
 void ContactPick::begin(const QString& subject)
 {
     m_subject = subject;
-    m_contacts = fetchContactLinks(m_db); // once, as a search must keep up with the typing
+    m_contacts = fetchContactLinks(m_db); // once, to keep up with typing
     m_query.clear();
     m_errorText.clear();
     search();

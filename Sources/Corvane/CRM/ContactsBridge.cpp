@@ -85,7 +85,7 @@ std::optional<ContactsBridge::Person> ContactsBridge::match(const QString& phone
         return std::nullopt;
     if (const auto exact = m_people.index.constFind(digits); exact != m_people.index.constEnd())
         return *exact;
-    // Either form ends with the other only where the last 7 digits are the same.
+    // One form can only be a suffix of the other if the last 7 digits are equal.
     const QString tail = digits.right(tailDigits);
     for (const QString& key : m_people.byEnding.values(ending(tail))) {
         if (key.endsWith(tail) || tail.endsWith(key.right(tailDigits)))

@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// The letters of a name in lower case; empty if the name says nothing about its owner.
+/// The letters of a name in lower case; empty if the name identifies nobody.
 QString comparableName(const QString& name)
 {
     static constexpr std::array nameless { u"whatsapp user", u"group", u"unknown", u"+" };
@@ -31,7 +31,7 @@ QString comparableName(const QString& name)
     return count < 2 ? QString() : letters;
 }
 
-/// Collects pairs in the order in which they are offered, until there are enough.
+/// Collects pairs in the given order until there are enough.
 class Candidates {
 public:
     Candidates(LocalDB& db, int limit, const QString& touching)
@@ -77,7 +77,7 @@ private:
             if (!name.isEmpty())
                 byName[name].append(person.id);
         }
-        // A name that thousands share makes millions of pairs: the walk ends as soon as there are enough.
+        // A name shared by thousands makes millions of pairs: stops as soon as there are enough.
         for (const QStringList& ids : std::as_const(byName)) {
             if (!m_touching.isEmpty() && !ids.contains(m_touching))
                 continue;

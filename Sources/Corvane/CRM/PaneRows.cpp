@@ -126,7 +126,7 @@ PaneRow taskRow(const CRMTaskRow& task)
     PaneRow row;
     row.id = task.id;
     row.text = line(task.title);
-    // What every task is unless somebody says otherwise goes without saying.
+    // Default values are not shown.
     row.detail = line(joined({ task.due, task.priority == u"Normal" ? QString() : task.priority,
         task.status == u"To do" ? QString() : task.status }));
     return row;

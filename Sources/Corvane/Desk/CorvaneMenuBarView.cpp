@@ -91,7 +91,7 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
     connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.session, &SessionStore::changed, this, &CorvaneMenuBarView::refresh);
-    // It is asked in the main window.
+    // The main window asks for permission.
     connect(m_at.calls.recording(), &RecordingView::consentAsked, this, [this] {
         if (m_visible)
             Q_EMIT windowRequested();

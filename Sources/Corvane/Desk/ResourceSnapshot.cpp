@@ -39,8 +39,8 @@ bool isInterpreter(const QString& program)
     return name.match(program).hasMatch();
 }
 
-/// The program by its path, and for one that runs scripts the script as well. What else a command line names, such as
-/// the file that an editor has open, says nothing of the program.
+/// The program's path, and for an interpreter the script, too. Other arguments, such as the file open in an editor, do
+/// not identify the program.
 QString programText(const QString& command, const QString& arguments)
 {
     const QStringList words = arguments.split(u' ', Qt::SkipEmptyParts);
@@ -62,7 +62,7 @@ bool isDisplayServer(const QString& command)
     return servers.contains(command);
 }
 
-/// This program, and what it started for itself: its engines and the tool server, but not what runs in its terminals.
+/// This program and its children: engines and the tool server, but not what runs in its terminals.
 bool isOwn(const RunningProcess& process, qint64 ownPid)
 {
     return process.pid == ownPid || (process.parentPid == ownPid && !process.hasOwnTerminal);
@@ -74,7 +74,7 @@ bool isProtected(const RunningProcess& process, qint64 ownPid)
         || isDisplayServer(process.command);
 }
 
-/// A browser's pages are processes of their own, which show only by their size.
+/// The pages of a browser are separate processes, recognisable only by their size.
 bool isBrowsersPage(const ResourceProcessRow& row)
 {
     return row.arguments.contains(u" --type=") || row.arguments.contains(u" -contentproc");

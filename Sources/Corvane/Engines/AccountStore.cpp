@@ -20,7 +20,7 @@ namespace {
 
 constexpr int firstPort = 8790; // clear of the shared tool server's 8765
 
-/// Reads the keys of one account; a key that is missing or of the wrong type spoils the whole.
+/// Reads the keys of one account; any missing or mistyped key makes it invalid.
 class AccountReader {
 public:
     explicit AccountReader(const QJsonObject& object)
@@ -92,7 +92,7 @@ QByteArray jsonText(const QJsonValue& value)
     return array.sliced(1, array.size() - 2);
 }
 
-/// By hand, because a JSON object of Qt's sorts its keys and this file's keys have an order.
+/// Written by hand, because QJsonObject sorts its keys and this file's keys have an order.
 QByteArray encodeAccount(const Account& account)
 {
     QByteArrayList members;

@@ -27,7 +27,7 @@ void applyStatus(RuntimeState& state, const QJsonObject& event)
         state.qr.reset();
         state.userName = textValue(event, "user"_L1);
     } else if (word == u"close") {
-        // The code stays valid on the screen while the engine's socket cycles.
+        // The code on the screen stays valid while the engine reconnects.
         if (state.status != WAStatus::NeedsQR)
             state.status = WAStatus::Connecting;
     } else if (word == u"logged_out") {

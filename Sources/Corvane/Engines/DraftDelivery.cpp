@@ -62,7 +62,7 @@ void DraftDelivery::refresh()
         return;
     }
     if (m_db.isHeldElsewhere())
-        return; // the next tick does it
+        return; // retried at the next tick
     expire();
     failThoseOfGoneAccounts();
     const QList<DraftOfAccount> approved = fetchApprovedIds(m_db);
@@ -112,7 +112,7 @@ Decided DraftDelivery::approve(const QString& draftId, const QString& seenHash)
     return approveDraft(m_db, draftId, seenHash);
 }
 
-/// Why these files cannot go out as they were approved.
+/// Why these files differ from the approved ones.
 std::optional<QString> DraftDelivery::obstacle(
     const std::optional<QList<OutgoingFile>>& files, bool takesFiles, const Account& account) const
 {
@@ -132,7 +132,7 @@ std::optional<QString> DraftDelivery::obstacle(
     return std::nullopt;
 }
 
-/// The engine has not come to the line that it got before: a second one would go out beside it.
+/// The engine has not read the previous line yet: a second one would be sent, too.
 bool DraftDelivery::isStillUnread(const ClaimedDraft& draft, const QByteArray& line)
 {
     const auto earlier = m_awaited.find(draft.row().id);
@@ -148,7 +148,7 @@ bool DraftDelivery::isStillUnread(const ClaimedDraft& draft, const QByteArray& l
     return true;
 }
 
-/// Where the engine can never read it, the draft is approved as before.
+/// If the engine can no longer read it, the draft is approved again.
 bool DraftDelivery::takeBack(const Awaited& awaited)
 {
     if (!awaited.draft || !awaited.engine->withdraw(awaited.line))
@@ -158,7 +158,7 @@ bool DraftDelivery::takeBack(const Awaited& awaited)
     return true;
 }
 
-/// What it has not read goes back to "approved".
+/// Unread drafts go back to "approved".
 void DraftDelivery::engineEnded(const std::shared_ptr<ChildProcess>& engine)
 {
     const auto takeTheirsBack = [this, engine] {
@@ -179,7 +179,7 @@ void DraftDelivery::sendProgressed(const QString& accountSlug, const QString& dr
         awaited->sinceMs = m_scheduler.monotonicMs();
 }
 
-/// Two minutes of this run without an acknowledgment: neither a jump of the clock nor sleep shortens them.
+/// Two minutes without an acknowledgment by the monotonic clock: neither clock changes nor sleep shorten them.
 void DraftDelivery::expire()
 {
     const qint64 now = m_scheduler.monotonicMs();
@@ -208,7 +208,7 @@ void DraftDelivery::failThoseOfGoneAccounts()
     }
 }
 
-/// An engine that is signed out drops what it gets, and one that has not read its input for two minutes takes no more.
+/// A signed-out engine drops its input, and one that has not read it for two minutes gets no more.
 bool DraftDelivery::canTake(const Account& account) const
 {
     const auto engine = m_engines.engineOf(account);
@@ -228,7 +228,7 @@ void DraftDelivery::deliverApproved(const QList<DraftOfAccount>& approved)
     for (const DraftOfAccount& draft : approved) {
         const auto account = m_engines.accountBySlug(draft.accountId);
         if (account && m_awaited.contains(draft.id))
-            deliver(draft.id, *account); // before its engine comes to the line of the first time
+            deliver(draft.id, *account); // before its engine reads the first line
         if (account && !takers.contains(account->slug) && canTake(*account))
             takers.insert(account->slug, *account);
     }
@@ -248,8 +248,8 @@ void DraftDelivery::deliverApproved(const QList<DraftOfAccount>& approved)
     }
 }
 
-/// Once for each approval, so that a crashing engine is not started again and again, and what was approved before a
-/// pause waits. At the first look that is everything that a paused account has.
+/// Once per approval, so that a crashing engine is not restarted forever, and drafts approved before a pause wait. At
+/// the first check this is everything that a paused account has.
 void DraftDelivery::wakeEngines(const QList<DraftOfAccount>& approved)
 {
     QSet<QString> seen;
@@ -282,7 +282,7 @@ void DraftDelivery::present()
         Q_EMIT pendingChanged();
 }
 
-/// Drafts that were sent or rejected need their files no more; of some others a crash may have kept the row back.
+/// Sent and rejected drafts no longer need their files; after a crash, others may have lost their row.
 void DraftDelivery::tidyFiles()
 {
     const Outbox& outbox = m_engines.outbox();

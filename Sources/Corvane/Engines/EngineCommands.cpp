@@ -1,4 +1,4 @@
-// The commands of EngineManager: one JSON object a line, written to an engine's standard input.
+// The commands of EngineManager: one JSON object per line, written to an engine's standard input.
 
 #include "Engines/EngineCommands.h"
 
@@ -62,7 +62,7 @@ std::shared_ptr<ChildProcess> EngineManager::engineOf(const Account& account) co
     return m_state->processes.child(account.id);
 }
 
-/// An engine that closed its input runs on and can be told nothing.
+/// An engine that closed its input keeps running but cannot receive commands.
 bool EngineManager::writeLine(const Account& account, const QByteArray& line, const QString& caller)
 {
     const auto engine = engineOf(account);
@@ -163,7 +163,7 @@ void EngineManager::retryMediaDownload(const UnifiedMsgRow& row)
     setMediaDownload(row.id, MediaDownloadStatus { MediaDownloadStatus::Kind::Downloading, {} });
     QJsonObject command { { cmdKey, u"downloadMedia"_s }, { chatIdKey, row.externalId }, { messageIdKey, providerId },
         { fromMeKey, row.direction == u"OUT" } };
-    // In a group an engine may report the sender by address, which then says who to ask for the file.
+    // In a group an engine may report the sender's address, which the download request must name.
     if (row.sender.contains(u'@'))
         command.insert(u"participant"_s, row.sender);
     m_state->mediaAskedOf.insert(row.id, engineOf(*account));

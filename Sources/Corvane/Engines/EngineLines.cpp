@@ -15,8 +15,8 @@ constexpr QByteArrayView sentinel = "@@CORVANE@@";
 constexpr qint64 turnMs = 8; // half a frame
 constexpr Milliseconds waitPeriod { 100 };
 
-// A program that waits for its turn to write looks for it every 25 ms at most in its first 100, and finds it between
-// two groups more often than not. The gaps of a flood catch the unlucky ones.
+// A program that waits for the write lock retries at least every 25 ms in its first 100 ms, and usually finds it free
+// between two groups. The pauses of a flood help the unlucky ones.
 constexpr qint64 busyMs = 60;
 constexpr Milliseconds gap { 10 };
 
@@ -61,7 +61,7 @@ void EngineLines::turn()
     const Streams streams = m_waiting;
     const qint64 startMs = m_scheduler.nowMs();
     const bool allTaken = take();
-    // Where the first write had to wait, what came before it needed none.
+    // If the first write had to wait, earlier lines had nothing to write.
     const bool kept = (allTaken || !m_group.hasRows()) && m_group.commit();
     if (!kept)
         m_group.rollBack();
@@ -88,7 +88,7 @@ Milliseconds EngineLines::pauseForOthers(qint64 startMs)
     return m_endMs - m_busySinceMs < busyMs ? Milliseconds(0) : gap;
 }
 
-/// False if the file takes no writes now.
+/// False if the file cannot be written now.
 bool EngineLines::take()
 {
     const qint64 startMs = m_scheduler.nowMs();

@@ -29,7 +29,7 @@ namespace {
 constexpr Milliseconds badgePeriod { 100 };
 constexpr int loggedLength = 400;
 
-/// A link is removed and what it leads to stays.
+/// Removes a symbolic link but not its target.
 void removeFolder(const QString& path)
 {
     if (QFileInfo(path).isSymLink())
@@ -38,7 +38,7 @@ void removeFolder(const QString& path)
         QDir(path).removeRecursively();
 }
 
-/// A thread may be read anywhere: here, on the phone, by another program.
+/// A thread may be read anywhere: here, on the phone, or in another program.
 void withdrawRead(LocalDB& db, Notifier& notifier, const QSet<QString>& contacts)
 {
     for (const QString& contact : contacts) {
@@ -49,13 +49,13 @@ void withdrawRead(LocalDB& db, Notifier& notifier, const QSet<QString>& contacts
 
 const QString directSendPrefix = u"ds"_s;
 
-/// The id of the direct send that an acknowledgment answers; nothing if it answers none.
+/// The id of the direct message that an acknowledgment answers; nothing if it answers none.
 std::optional<QString> answeredDirectSend(const QString& type, const QJsonObject& event)
 {
     return type == u"sendAck" ? textValue(event, "sendId"_L1) : std::nullopt;
 }
 
-/// What the send command named: a draft or a direct send.
+/// The id in the send command: a draft or a direct message.
 QString nameOfSend(const QJsonObject& event)
 {
     const auto draftId = textValue(event, "draftId"_L1);
@@ -267,7 +267,7 @@ void EngineManager::setOpenContactId(const QString& contactId)
 
 QStringList EngineManager::mediaPlaces(const UnifiedMsgRow& row) const
 {
-    // The account may be gone, and its files still there.
+    // The account may be gone while its files still exist.
     Account account;
     account.slug = row.accountId;
     account.channelRaw = row.platform;
@@ -336,7 +336,7 @@ void EngineManager::tellDirectSend(const QString& id, const QJsonObject& acknowl
     Q_EMIT directSendAnswered(id, fate, error.isEmpty() ? reason : error);
 }
 
-/// False if the event is to come again.
+/// False if the event must be delivered again.
 bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, Speaker speaker)
 {
     const auto type = textValue(event, "type"_L1);

@@ -67,7 +67,7 @@ void EngineProcesses::launchWhenAlone(const Account& account)
         clearAndLaunch(account, 0);
 }
 
-/// What an earlier run of the program left behind is asked to end, and killed after five seconds.
+/// Processes left by an earlier run are asked to exit, and killed after five seconds.
 void EngineProcesses::clearAndLaunch(const Account& account, int round)
 {
     using Marked = ProcessLauncher::Marked;
@@ -94,7 +94,7 @@ void EngineProcesses::launch(const Account& account)
                 const bool superseded = m_successors.contains(speaker->account.slug);
                 return m_handlers.event(id, superseded ? Speaker::Superseded : Speaker::Current, event);
             },
-        // One that cannot be told any more says it all again to its successor.
+        // An engine that closed its input is replaced, and gets all commands again.
         .kept =
             [weak](qint64 number) {
                 if (const auto alive = weak.lock())
@@ -117,7 +117,7 @@ void EngineProcesses::launch(const Account& account)
 
 ProcessLauncher::Handlers EngineProcesses::handlersFor(const std::shared_ptr<Engine>& engine)
 {
-    // The launcher outlives this object, which owns the engines: an engine that is gone asks for nothing.
+    // The launcher outlives this object and its engines: late callbacks do nothing.
     const std::weak_ptr<Engine> weak = engine;
     return {
         .output =
@@ -131,7 +131,7 @@ ProcessLauncher::Handlers EngineProcesses::handlersFor(const std::shared_ptr<Eng
                 if (!alive)
                     return;
                 alive->exitCode = code;
-                // What the engine printed last counts before its exit does.
+                // The remaining output is handled before the exit.
                 alive->stream->close([this, weak] { handleExit(weak.lock()); });
             },
     };
@@ -191,7 +191,7 @@ void EngineProcesses::restartLater(const Account& account)
     });
 }
 
-/// One launch at each turn of the loop: engines that died together do not hold up the window together.
+/// One launch per turn of the event loop: engines that crashed together do not block the window.
 void EngineProcesses::launchNext()
 {
     const auto fired = std::move(m_launch);
@@ -246,7 +246,7 @@ void EngineProcesses::stopAll()
     m_launch.reset();
     m_awaitingSecret.clear();
     m_current.clear();
-    const auto engines = m_engines; // an exit takes its engine off the list
+    const auto engines = m_engines; // a copy: an exit removes its engine from the list
     for (const auto& engine : engines)
         engine->child->terminate();
     if (engines.isEmpty())
@@ -282,7 +282,7 @@ std::optional<Account> EngineProcesses::account(const QUuid& accountId) const
 {
     if (const auto found = m_accounts.constFind(accountId); found != m_accounts.cend())
         return *found;
-    // One that was removed speaks as long as its engine lives.
+    // A removed account's engine may still report until it exits.
     const auto ending = std::ranges::find(m_engines, accountId, [](const auto& engine) { return engine->account.id; });
     return ending == m_engines.cend() ? std::nullopt : std::optional((*ending)->account);
 }

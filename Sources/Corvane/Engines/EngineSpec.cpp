@@ -19,7 +19,7 @@ namespace {
 const QString envExecutable = u"/usr/bin/env"_s;
 const QString markVariable = u"CORVANE_ENGINE"_s;
 
-constexpr int nodeRefusedItsOptions = 9; // Node's own number for it
+constexpr int nodeRefusedItsOptions = 9; // Node's exit code for invalid options
 constexpr int envFoundNothing = 127;
 
 QString markOf(const AppPaths& paths, const Account& account)
@@ -32,7 +32,7 @@ QString memoriesFolder(const AppPaths& paths)
     return paths.applicationSupport + u"/engines"_s;
 }
 
-/// Folders of an account are deleted at a reset: a slug edited by hand must not lead anywhere else.
+/// A reset deletes the account's folders: an edited slug must not lead outside.
 bool isFolderName(const QString& slug)
 {
     return !slug.isEmpty() && !slug.startsWith(u'.') && !slug.contains(u'/');
@@ -91,7 +91,7 @@ QString entryScript(Channel channel)
     Q_UNREACHABLE();
 }
 
-/// A secret of several parts; nothing if it is no JSON object of texts.
+/// A secret with several parts; nothing if it is not a JSON object of texts.
 std::optional<QJsonObject> secretParts(const QString& secret)
 {
     const auto object = jsonObject(secret.toUtf8());
@@ -109,7 +109,7 @@ struct SecretVariable {
     QLatin1StringView key;
 };
 
-/// All of the variables or none, also where the surrounding environment holds some of them.
+/// Sets all variables or none, even if the environment already has some of them.
 void insertSecretParts(QProcessEnvironment& environment, const QString& secret, const QList<SecretVariable>& variables)
 {
     const auto parts = secretParts(secret);
@@ -121,7 +121,7 @@ void insertSecretParts(QProcessEnvironment& environment, const QString& secret, 
     }
 }
 
-/// A browser-driven engine may run without a window where an earlier sign-in left its profile.
+/// A browser-based engine runs headless once an earlier sign-in has left its profile.
 void insertBrowserVariables(
     QProcessEnvironment& environment, const QString& prefix, const AppPaths& paths, const Account& account)
 {
@@ -267,7 +267,7 @@ ProcessSpec engineSpec(const AppPaths& paths, Keychain& keychain, const Account&
         spec.environment.insert(u"CORVANE_STATE_DIR"_s, *folder);
     spec.environment.insert(markVariable, markOf(paths, account));
     insertChannelVariables(spec.environment, paths, keychain, account);
-    spec.environment.remove(u"MCP_HTTP_PORT"_s); // an engine opens no tool port of its own
+    spec.environment.remove(u"MCP_HTTP_PORT"_s); // an engine must not open a tool port
     return spec;
 }
 

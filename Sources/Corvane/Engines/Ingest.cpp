@@ -33,7 +33,7 @@ std::optional<QString> text(const QJsonObject& event, const char* key)
     return textValue(event, QLatin1StringView(key));
 }
 
-/// A path that an engine may name; anything else is as if it had named none.
+/// A valid path of an engine's file; any other counts as absent.
 std::optional<QString> mediaPath(const EventSource& source, const QJsonObject& event, const char* key)
 {
     const auto path = text(event, key);
@@ -137,7 +137,7 @@ bool Ingest::handleMessage(const EventSource& source, const QJsonObject& event)
 
 void Ingest::announce(const EventSource& source, const IncomingMessage& message)
 {
-    // Of a contact that was merged, the person is another; the conversation comes back to them a moment later.
+    // For a merged contact, the person is someone else; the conversation returns to them shortly afterwards.
     const QString contact = contactId(source.channel, message.conversationExternalId);
     const QString person = personBehind(m_db, contact);
     if (m_openContactId == person || !m_notifier.wouldNotify(person) || isMuted(m_db, person)

@@ -17,7 +17,7 @@ bool LineGroup::begin()
 {
     if (m_db.health().fault() != StoreFault::None || m_db.isHeldElsewhere())
         return false;
-    // Settles the selection of a workspace, which writes a user default, before the transaction rather than inside.
+    // Settles the workspace selection, which writes a user default, before the transaction instead of inside.
     activeWorkspaceId(m_db);
     m_transaction.emplace(m_db, Patience::Frame);
     if (!m_transaction->begun())
@@ -60,7 +60,7 @@ void LineGroup::rollBack()
 
 void LineGroup::tell()
 {
-    // An effect may begin a group of its own.
+    // A side effect may start another group.
     for (const auto& effect : std::exchange(m_effects, {}))
         effect();
 }

@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds longest { 40'000 }; // the runs end by themselves after 30 seconds
+constexpr Milliseconds longest { 40'000 }; // runs time out on their own after 30 seconds
 
 Result<FoundMailServers> readFound(const QJsonObject& event)
 {
@@ -84,7 +84,7 @@ void MailProbe::run(const ProcessSpec& spec, const QString& type, Done done)
     const auto end = [this, alive = std::weak_ptr(alive), done = std::move(done)](const Result<QJsonObject>& event) {
         if (alive.expired())
             return;
-        const Done tell = done; // the next run may take this one's place
+        const Done tell = done; // the next run may replace it
         cancel();
         tell(event);
     };

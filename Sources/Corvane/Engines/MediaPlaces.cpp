@@ -19,7 +19,7 @@ bool isVoiceNote(const QString& path)
     return path.startsWith(folder) && name.match(path.sliced(folder.size())).hasMatch();
 }
 
-/// What leads to the place itself may be a link, such as a home directory on another disk.
+/// The path to the folder itself may contain links, such as a home directory on another disk.
 bool isPlainBelow(const QString& place, const QString& path)
 {
     if (!path.startsWith(place + u'/'))

@@ -16,9 +16,9 @@ namespace corvane {
 
 namespace {
 
-constexpr qsizetype longestName = 200; // bytes; a file system takes 255
+constexpr qsizetype longestName = 200; // bytes; file systems allow 255
 
-/// The name as one of a plain file that is not hidden.
+/// The name made safe: a regular, visible file name.
 QString plainName(const QString& name)
 {
     QString plain = name;
@@ -38,7 +38,7 @@ QString newPath(const QString& place, const QString& name)
     return place + u'/' + uuidText() + u'/' + name;
 }
 
-/// A file that was put here lies in a folder right below the place.
+/// Files in the outbox are direct children of its folders.
 bool liesBelow(const QString& place, const QString& path)
 {
     return QDir::cleanPath(path) == path && QFileInfo(QFileInfo(path).path()).path() == place;
@@ -131,7 +131,7 @@ std::optional<QList<OutgoingFile>> Outbox::copyForDraft(const QList<OutgoingFile
     for (const OutgoingFile& file : files) {
         auto copied = liesBelow(m_picked, file.path) ? copy(file.path, m_drafts, file.bytes) : failure({});
         if (!copied || copied->sha256 != file.sha256)
-            return std::nullopt; // what was copied belongs to no draft and goes with the next tidying
+            return std::nullopt; // the next cleanup deletes the copies
         copied->name = file.name;
         copies.append(*copied);
     }

@@ -16,8 +16,8 @@ namespace {
 constexpr Milliseconds portRelease { 300 };
 constexpr Milliseconds proofTime { 10'000 };
 
-/// Asks whoever listens on the port to end, except this process and other users' processes. Returns whether
-/// anyone was asked.
+/// Asks the processes that listen on the port to exit, except this process and other users'. Returns whether there were
+/// any.
 bool clearPort(PortHolders& ports, int port)
 {
     bool asked = false;
@@ -68,7 +68,7 @@ void ToolServer::launch()
     m_isStarting = false;
     if (m_isStopWanted)
         return;
-    // A server that was stopped may still be ending: its exit must not touch its successor.
+    // A stopped server may still be exiting: its exit must not affect its successor.
     const auto isCurrent = std::make_shared<std::weak_ptr<ChildProcess>>();
     const auto exited = [this, alive = std::weak_ptr(m_alive), isCurrent](int code) {
         if (!alive.expired() && m_process && m_process == isCurrent->lock())

@@ -7,7 +7,7 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds longestPause { 10'000 }; // a computer that slept in a call must not wait for nine nights
+constexpr Milliseconds longestPause { 10'000 }; // a machine that slept during a call must not wait nine times as long
 
 }
 
@@ -25,7 +25,7 @@ void Coalescer::request()
         m_again = true;
     if (m_calling || m_pending)
         return;
-    // A clock that was set back must not hold a call for longer than one pause.
+    // If the clock was set back, a call is delayed by at most one pause.
     const Milliseconds elapsed { m_scheduler.nowMs() - m_endMs };
     const Milliseconds wait = elapsed.count() < 0 ? m_pause : std::max(Milliseconds(0), m_pause - elapsed);
     m_pending = m_scheduler.after(wait, [this] { fire(); });

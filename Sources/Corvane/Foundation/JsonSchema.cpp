@@ -48,7 +48,7 @@ QJsonArray asList(const QJsonValue& value)
     return value.isArray() ? value.toArray() : QJsonArray { value };
 }
 
-/// One rule of a schema: what stands behind its word, and the value that it is about.
+/// A keyword of a schema: its argument, and the value to validate.
 struct Rule {
     const QJsonValue& wanted;
     const QJsonValue& value;
@@ -124,7 +124,7 @@ Violation checkItems(const Rule& rule)
     return std::nullopt;
 }
 
-/// What a limit is compared with; nothing if the value is of another type, which has no such limit.
+/// The quantity that a limit applies to; nothing if the value has another type.
 std::optional<double> measure(const QJsonValue& value, const QString& word)
 {
     if (word.endsWith("Items"_L1))

@@ -14,7 +14,7 @@ NotificationCentre::Observation NotificationCentre::observe(const QString& name,
 void NotificationCentre::post(const QString& name, const std::optional<QString>& object, const QVariantMap& userInfo)
 {
     const Notification notification { name, object, userInfo };
-    // An observer may add or end observations while it is called.
+    // An observer may add or remove observations during the call.
     const QList<Entry> entries = m_entries;
     for (const Entry& entry : entries) {
         if (entry.name != name)

@@ -13,7 +13,7 @@ public:
     {
         m_timer.setSingleShot(once);
         m_timer.setTimerType(interval < Milliseconds(1000) ? Qt::PreciseTimer : Qt::CoarseTimer);
-        // The callback may destroy this timer, and with it the function that is running.
+        // The callback may destroy this timer and thereby the running function.
         QObject::connect(&m_timer, &QTimer::timeout, [call = std::move(callback)] {
             const auto copy = call;
             copy();

@@ -10,8 +10,7 @@ namespace corvane {
 
 namespace {
 
-/// Whether the code unit is a character of its own whatever stands beside it: Latin, Greek, Cyrillic, the usual
-/// signs, Han.
+/// Whether the code unit is always a character on its own: Latin, Greek, Cyrillic, common punctuation, Han.
 bool isPlain(QChar character)
 {
     const char16_t unit = character.unicode();
@@ -19,7 +18,7 @@ bool isPlain(QChar character)
         || (unit >= 0x4E00 && unit < 0xA000);
 }
 
-/// Whatever a reader may take for the end of a line, and tabs.
+/// Everything that may be taken for a line break, and tabs.
 bool breaksALine(QChar unit)
 {
     return (unit >= u'\t' && unit <= u'\r') || unit == u'\u0085' || unit == u'\u2028' || unit == u'\u2029';
@@ -56,7 +55,7 @@ QString firstCharacters(const QString& text, int count)
         return text;
     if (std::ranges::all_of(QStringView(text).first(count + 1), isPlain))
         return text.first(count);
-    // Of a long text only as much is looked at as it takes; a boundary at the window's end is none of the text.
+    // Only as much of a long text is examined as needed; a boundary at the window's end does not count.
     for (qsizetype window = 4 * qsizetype(count) + 64;; window *= 2) {
         window = std::min(window, text.size());
         QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, QStringView(text).first(window));
@@ -77,7 +76,7 @@ QString promptLine(const QString& text)
 
 QString promptLine(const QString& text, int limit)
 {
-    // A single character may carry any number of marks; sixteen units are more than any emoji takes.
+    // A single character may carry any number of marks; sixteen units are more than any emoji needs.
     const QString trimmed = text.trimmed();
     QString start = trimmed.left(16 * limit);
     if (!start.isEmpty() && start.back().isHighSurrogate() && start.size() < trimmed.size())

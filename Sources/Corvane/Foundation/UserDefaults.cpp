@@ -10,7 +10,7 @@ namespace corvane {
 UserDefaults::UserDefaults(const QString& filePath)
     : m_settings(std::make_unique<QSettings>(filePath, QSettings::IniFormat))
 {
-    // Sections are parsed as they are asked for, and faults are found only then.
+    // Sections are parsed lazily, so errors show up only then.
     m_settings->allKeys();
     if (m_settings->status() == QSettings::FormatError)
         m_file = File::Damaged;
@@ -21,7 +21,7 @@ UserDefaults::~UserDefaults() = default;
 std::optional<QString> UserDefaults::text(const QString& key) const
 {
     const QVariant value = this->value(key);
-    // An unquoted comma in a file edited by hand reads as a list.
+    // An unquoted comma in a hand-edited file reads as a list.
     if (value.typeId() == QMetaType::QStringList)
         return value.toStringList().join(u", "_s);
     return value.isValid() ? std::optional(value.toString()) : std::nullopt;

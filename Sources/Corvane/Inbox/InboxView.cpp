@@ -46,7 +46,7 @@ InboxView::InboxView(const Surroundings& at, QObject* parent)
         m_filter.searchFor(query);
     });
     connect(&m_palette, &CommandPalette::closed, this, [this] { setShowPalette(false); });
-    // A query may find, while it runs, that another workspace is to be shown: the reload waits its turn.
+    // A running query may change the workspace: the reload waits for the event loop.
     m_workspaceChanged = m_notifications.observe(notifications::activeWorkspaceChanged, [this](const auto&) {
         m_person.close();
         m_list.reloadSoon();
@@ -83,7 +83,7 @@ bool InboxView::composeNew(const Account& account, const QString& recipient, con
     const QString channel = channelRaw(account.channel());
     const QString address = recipientAddress(account.channel(), recipient);
     const QString contact = contactId(channel, address);
-    // Without a title they would be called by the bare address, even if they are known by name.
+    // Without a title they would get the bare address as name, even if their name is known.
     const QString name = contactExists(m_engine.db(), contact) ? displayName(m_engine.db(), contact)
         : account.channel() == Channel::WhatsApp               ? WAName::pretty(address)
                                                                : address;

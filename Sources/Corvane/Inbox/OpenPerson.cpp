@@ -36,7 +36,7 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
     , m_messageActions({ m_engine, at.desktop, m_scheduler, m_thread, undo,
           [this] {
               return m_list.people();
-          } }) // a search hides nobody to whom a message may go
+          } }) // a search does not limit the recipients
     , m_voicePlayer(at.player, m_thread, m_engine)
     , m_transcripts(at.voice, m_thread, m_engine, at.defaults)
     , m_panes({ paneOf(m_composer), paneOf(m_assistant), paneOf(m_summary), paneOf(m_askLumo), paneOf(m_crm) })
@@ -101,7 +101,7 @@ void OpenPerson::select(const QString& contactId)
         openContact(*known);
         return;
     }
-    // Of another workspace, or nobody wrote yet: the id tells what a row would.
+    // In another workspace, or without messages: derived from the id.
     ContactRow row;
     row.id = person;
     row.name = contactExists(db(), person) ? displayName(db(), person) : person.section(u':', 2);
@@ -109,7 +109,7 @@ void OpenPerson::select(const QString& contactId)
     openContact(row);
 }
 
-// Shows the person at once; the list is read again when they stand on the screen and no further one was opened.
+// Opens the contact before the list reloads, and reloads only if no other one was opened meanwhile.
 void OpenPerson::openContact(const ContactRow& row)
 {
     m_selectedRow = row;
@@ -152,7 +152,7 @@ void OpenPerson::take(const std::optional<QStringList>& contactIds)
 {
     if (m_selectedId.isEmpty() || (contactIds && !contactIds->contains(m_selectedId)))
         return;
-    // Merged into somebody else meanwhile, maybe by another program: their thread is the other's.
+    // Merged into someone else meanwhile, maybe by another program: opens that person.
     if (const QString person = personBehind(db(), m_selectedId); person != m_selectedId) {
         select(person);
         return;
@@ -211,7 +211,7 @@ void OpenPerson::readSelected()
     m_list.setRead(m_selectedId);
     m_engine.refreshUnreadBadge();
     m_list.present();
-    m_list.personChanged(m_selectedId); // who is read may leave the list, and the counts of its tabs
+    m_list.personChanged(m_selectedId); // reading may change the person's filters and the tab counts
 }
 
 }

@@ -89,7 +89,7 @@ bool Notifier::wouldNotify(const QString& contactId) const
     const auto last = m_lastFire.constFind(contactId);
     if (last == m_lastFire.cend())
         return true;
-    // A clock that was set back must not silence a contact until it has caught up.
+    // A clock that was set back must not silence a contact.
     const qint64 elapsed = m_scheduler.nowMs() - *last;
     return elapsed < 0 || elapsed >= debounceMs;
 }

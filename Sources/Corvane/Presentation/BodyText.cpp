@@ -10,7 +10,7 @@ namespace corvane::BodyText {
 
 namespace {
 
-// What belongs to one character on the screen is looked for this far around a cut.
+// The search range for grapheme boundaries around a cut.
 constexpr qsizetype longestCharacter = 64;
 
 bool isLineEnd(QChar character)
@@ -19,7 +19,7 @@ bool isLineEnd(QChar character)
         || character == QChar::ParagraphSeparator;
 }
 
-/// The marks that hold until the end of the line, against what the letters themselves say.
+/// Directional marks that affect the rest of the line.
 bool isOverride(QChar character)
 {
     return character == u'\u202D' || character == u'\u202E';
@@ -67,7 +67,7 @@ QString printable(const QString& text)
 
 Shown shown(const QString& text, qsizetype length)
 {
-    // What is far behind the cut is not even looked at.
+    // Text far behind the cut is not examined.
     const QString start = text.size() <= length + longestCharacter ? text : text.first(length + longestCharacter);
     const qsizetype behind = text.size() - start.size();
     const QString whole = printable(start);
@@ -77,7 +77,7 @@ Shown shown(const QString& text, qsizetype length)
     const QString around = whole.sliced(from, std::min(longestCharacter * 2, whole.size() - from));
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, around);
     finder.setPosition(length - from);
-    // The first character is shown whole; one that has no end is cut like a text.
+    // The first character is shown whole; an endless one is cut like text.
     if (!finder.isAtBoundary() && finder.toPreviousBoundary() <= 0) {
         finder.setPosition(length - from);
         if (finder.toNextBoundary() >= around.size())

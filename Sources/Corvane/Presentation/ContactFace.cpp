@@ -22,7 +22,7 @@ qsizetype widthOf(char32_t character)
     return QChar::requiresSurrogates(character) ? 2 : 1;
 }
 
-/// Steps over quotes, brackets and the like; nothing for a word without a letter in front.
+/// Skips quotes, brackets and the like; nothing for a word that does not start with a letter.
 QString initialOf(const QString& word)
 {
     for (qsizetype at = 0; at < word.size();) {
@@ -49,7 +49,7 @@ QString withoutLetters(const QString& name)
     return u"?"_s;
 }
 
-// Letters of a joined script would run into each other.
+// The letters of a joined script would connect.
 bool joins(const QString& initial)
 {
     return QChar::direction(characterAt(initial, 0)) == QChar::DirAL;
@@ -59,7 +59,7 @@ bool joins(const QString& initial)
 
 QString initials(const QString& name)
 {
-    // A name may be as long as a message; its face needs but the ends.
+    // A name may be as long as a message; only its ends matter.
     const QString text = (name.size() > 200 ? name.first(100) + u' ' + name.last(100) : name).simplified();
     QStringList found;
     for (const QString& word : text.split(u' ', Qt::SkipEmptyParts)) {

@@ -9,8 +9,8 @@ namespace corvane {
 
 namespace {
 
-// Qt knows a locale's short and long dates only; the medium one is the long one without its weekday and with
-// the month cut short.
+// Qt has only short and long date formats; the medium one is the long one without the weekday and with an abbreviated
+// month.
 QString mediumPattern(const QLocale& locale)
 {
     static const QRegularExpression weekday(u"[,،、]?\\s*dddd[,،、]?\\s*"_s);
@@ -36,7 +36,7 @@ DateWords::DateWords(qint64 nowMs, const QLocale& locale)
 {
 }
 
-// Local time without a zone would ask the file system, at each call, whether the zone has changed.
+// Local time without an explicit zone would check the file system for zone changes at each call.
 QDateTime DateWords::localTime(qint64 ms) const
 {
     return m_zone.isValid() ? QDateTime::fromMSecsSinceEpoch(ms, m_zone) : QDateTime::fromMSecsSinceEpoch(ms);

@@ -18,7 +18,7 @@ QList<ListEdit> replacement(const QStringList& before, const QStringList& after)
     return edits;
 }
 
-/// Removes, run by run and from the end, what `stays` does not hold.
+/// Removes what is not in `stays`, run by run from the end.
 void removeRuns(QStringList& work, const QHash<QString, qsizetype>& stays, QList<ListEdit>& edits)
 {
     for (qsizetype end = work.size(); end > 0;) {
@@ -35,7 +35,7 @@ void removeRuns(QStringList& work, const QHash<QString, qsizetype>& stays, QList
     }
 }
 
-/// The keys of a longest part of `work` that already stands in the order of `places`: those need not move.
+/// The keys of a longest subsequence of `work` that is already in the order of `places`: they need not move.
 QSet<QString> steadyKeys(const QStringList& work, const QHash<QString, qsizetype>& places)
 {
     QList<qsizetype> ends; // ends[n]: the row that ends the best run of length n + 1 found so far
@@ -79,7 +79,7 @@ QList<ListEdit> listEdits(const QStringList& before, const QStringList& after)
     removeRuns(work, places, edits);
     const QSet<QString> steady = steadyKeys(work, places);
 
-    // From the end, so that each key finds the one behind it in its place already.
+    // From the end, so that each key's successor is already in place.
     for (qsizetype i = after.size() - 1; i >= 0;) {
         const QString& key = after.at(i);
         if (steady.contains(key)) {

@@ -76,7 +76,7 @@ void HoldingListModel::hold(const QString& key)
         return;
     m_actedOn.insert(key);
     if (!m_held.isEmpty())
-        startRelease(); // whoever goes on pressing finds the buttons where they were
+        startRelease(); // repeated clicks find the buttons in the same place
 }
 
 bool HoldingListModel::keep(const QString& key)

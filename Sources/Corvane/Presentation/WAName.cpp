@@ -20,7 +20,7 @@ bool isAllDigits(const QString& text)
         && std::ranges::all_of(text, [](QChar character) { return character >= u'0' && character <= u'9'; });
 }
 
-/// A mail address, and whatever else holds an "@", is a name that a person can read.
+/// A mail address, or anything else with an "@", is a readable name.
 bool isNetworkAddress(const QString& text)
 {
     static const QRegularExpression domain(
@@ -48,7 +48,7 @@ QString pretty(const QString& name)
     if (domain == u"g.us"_s)
         return withTail(u"Group chat"_s, tail);
     if (domain == u"s.whatsapp.net"_s || domain == u"c.us"_s) {
-        const QString digits = user.section(u':', 0, 0); // the number of a device follows
+        const QString digits = user.section(u':', 0, 0); // followed by a device number
         return isAllDigits(digits) ? u'+' + digits : withTail(u"WhatsApp user"_s, tail);
     }
     return withTail(u"WhatsApp user"_s, tail);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int noteLength = 200;
 
-/// Accounts speak in one of four voices, after how they are connected.
+/// There are four kinds of accounts, by how they connect.
 enum class Voice { Pairing, Browser, Password, Token };
 
 Voice voice(Channel channel)
@@ -121,7 +121,7 @@ QString detailText(Voice voice, const RuntimeState& state)
     return state.status == WAStatus::Error ? state.lastLog : QString();
 }
 
-/// What the row does not say yet: why the engine ended, and its last line.
+/// What the row does not show yet: why the engine exited, and its last line.
 QString noteText(const QString& detail, const RuntimeState& state)
 {
     QStringList parts;
@@ -142,7 +142,7 @@ bool startsAtBoot(const Account& account)
     return account.startAtBoot.value_or(false);
 }
 
-/// Where a link or a session stands, giving it up is asked about first; where none does, there is nothing to lose.
+/// Dropping an existing link or session needs confirmation; without one there is nothing to lose.
 QString resetQuestion(WAStatus status, const QString& question)
 {
     return status == WAStatus::LoggedOut || status == WAStatus::NeedsQR ? QString() : question;

@@ -24,7 +24,7 @@ Account AccountSetup::add(Channel channel, const ConnectRequest& request) const
     Account account = accounts.add(request.name, channel);
     account.email = request.email;
     if (keepsSecret(channel))
-        account.startAtBoot = true; // nobody connects a mailbox to find it dead after a restart
+        account.startAtBoot = true; // a new account should still run after a restart
     accounts.update(account);
     if (request.secret)
         keep(keychain, *request.secret, account);

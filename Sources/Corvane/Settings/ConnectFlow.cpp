@@ -71,7 +71,7 @@ QList<ConnectFlow> makeFlows()
     };
 }
 
-/// The tokens' own prefixes tell them apart, so that neither lands in the other's field.
+/// The tokens' prefixes tell them apart, so that swapped fields are noticed.
 bool slackTokensAreValid(const QString& app, const QString& bot)
 {
     return app.startsWith("xapp-"_L1) && bot.startsWith("xoxb-"_L1);

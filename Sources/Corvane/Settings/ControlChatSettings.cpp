@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr int mostChats = 10'000;
-constexpr int mostShown = 100; // who does not see a chat among these types its name
+constexpr int mostShown = 100; // search finds the others
 
 QString detailOf(const ApprovalControlChat& chat)
 {

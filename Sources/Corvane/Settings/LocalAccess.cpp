@@ -85,7 +85,7 @@ QStringList LocalAccess::contactFolders() const
     return addressBookFolders(m_at.defaults);
 }
 
-/// The one that the user chose, else one of the usual names.
+/// The chosen one, else one with a common name.
 QString LocalAccess::notesFolder() const
 {
     QStringList places { m_at.home + u"/Notes"_s, m_at.home + u"/notes"_s, m_at.home + u"/Documents/Notes"_s,
@@ -140,7 +140,7 @@ void LocalAccess::chooseNotes()
     });
 }
 
-/// Reading it proves the access; what is not there is told.
+/// Reading proves access; missing parts are reported.
 void LocalAccess::count(const QString& id)
 {
     if (!isFound(id))

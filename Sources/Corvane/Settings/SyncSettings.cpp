@@ -29,7 +29,7 @@ struct Word {
     QLatin1StringView text;
 };
 
-/// What the tool server and the push write into their rows, and what a person reads instead.
+/// The stored words of the tool server and the push, and their labels.
 constexpr Word sources[] = {
     { "bootstrap"_L1, "Workspaces and integrations"_L1 },
     { "inbox"_L1, "Conversations from the web"_L1 },
@@ -45,7 +45,7 @@ constexpr Word statuses[] = {
     { "error"_L1, "Failed"_L1 },
 };
 
-/// A word that is not known stands for itself.
+/// Unknown words are shown as they are.
 QString plainWords(std::span<const Word> table, const QString& word)
 {
     const auto known = std::ranges::find(table, word, &Word::word);
@@ -58,7 +58,7 @@ struct Counted {
     QLatin1StringView many;
 };
 
-/// What the sources count.
+/// The units of the sources.
 constexpr Counted counts[] = {
     { "workspaces"_L1, "workspace"_L1, "workspaces"_L1 },
     { "rows"_L1, "row"_L1, "rows"_L1 },

@@ -97,8 +97,7 @@ QString WebSettings::workspaceHint() const
     if (!m_refused.isEmpty())
         return m_refused;
     const bool vanished = m_web.lastSyncedAt() && !m_web.selectionIsKnown();
-    return vanished ? u"The web no longer has this workspace. Its local data is kept and still shown."_s
-                    : QString();
+    return vanished ? u"The web no longer has this workspace. Its local data is kept and still shown."_s : QString();
 }
 
 /// The selected one first; only as many as are shown are put into words.

@@ -27,14 +27,14 @@ AppShell::AppShell(NotificationCentre& centre, UserDefaults& defaults, QObject* 
     m_hubs.setSelected(m_hub);
     m_openConversation = centre.observe(
         notifications::openConversation, [this](const Notification&) { show(hubIndex(inboxId), Cover::None); });
-    // The hub moves too, so that whoever closes the settings after such a jump is in the inbox.
+    // Selects the hub, too, so that closing the settings after such a jump shows the inbox.
     m_openSettings = centre.observe(
         notifications::openSettings, [this](const Notification&) { show(hubIndex(inboxId), Cover::Settings); });
     m_openWorkConsole = centre.observe(notifications::openWorkConsole, [this](const Notification& notification) {
         show(hubOr(notification.object.value_or(QString()), u"dev"_s), Cover::None);
     });
     m_openApprovals = centre.observe(notifications::openApprovals, [this](const Notification&) { openApprovals(); });
-    // Whoever presses the banner itself wants to read before they decide.
+    // Clicking the banner itself means: read before deciding.
     m_approvalPressed = centre.observe(notifications::approvalAction, [this](const Notification& notification) {
         if (notification.userInfo.value(u"action"_s) == u"open"_s)
             openApprovals();

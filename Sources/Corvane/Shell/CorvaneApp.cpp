@@ -54,11 +54,11 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may have printed until then
+constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may print until then
 
 const QString dictationArgument = u"--toggle-dictation"_s;
 
-/// Of the user, as the accounts tell them.
+/// The user's own addresses, from the accounts.
 QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
 {
     QStringList addresses;
@@ -144,7 +144,7 @@ LocalDB& CorvaneApp::db()
     return m_engine->db();
 }
 
-/// Calls wait for mains power unless the person wants them to go on without.
+/// Calls are processed on mains power unless the user allows battery.
 QCoro::Task<TranscriptionOutcome> CorvaneApp::transcribeCall(TranscriptionRequest request)
 {
     const bool waits = m_ai->gate.snapshot(true, true).stopCondition == LocalAIStopCondition::OnBattery;
@@ -158,7 +158,7 @@ QCoro::Task<TranscriptionOutcome> CorvaneApp::transcribeCall(TranscriptionReques
 void CorvaneApp::onAppear()
 {
     if (isQuitting() || m_recovery->needed())
-        return; // with a damaged database it runs once there is another
+        return; // with a corrupt database it runs once there is another
     m_engine->startUnifiedMCP(toolServerPort);
     m_engine->db().watch().start();
     m_searchIndexer->start();
@@ -170,7 +170,7 @@ void CorvaneApp::onAppear()
     m_calendar->store.bootstrap();
     m_calls->autoRecorder.start();
     m_web->push.attach();
-    // A workspace that shows nothing is left here, before any list is built from it.
+    // Leaves an empty workspace before any list is built from it.
     m_web->sync.takeUp();
     m_web->sync.refresh();
     m_contacts->load();
@@ -264,7 +264,7 @@ void CorvaneApp::setUpTray()
         [this, tray] { tray->setWaiting(waitingForDecision(*m_approvals)); });
 }
 
-/// What is wrong stands in the menu only to be read: a press on it opens the window.
+/// The problem is shown in the menu; clicking it opens the window.
 void CorvaneApp::runTrayCommand(const QString& id)
 {
     m_commands.run(trayMenu().contains(id) ? id : trayMenu().first());
@@ -276,7 +276,7 @@ QString CorvaneApp::storeTrouble() const
                                 : describe(m_engine->db().health().fault(), m_paths);
 }
 
-/// What is wrong with the database stands first, as short as a menu needs it, and then the recording that runs.
+/// The database's problem comes first, abbreviated for a menu, then the running recording.
 void CorvaneApp::updateTrayMenu()
 {
     if (!m_machine.tray)
@@ -301,7 +301,7 @@ void CorvaneApp::updateTrayMenu()
     m_machine.tray->setMenu(items);
 }
 
-/// The red dot at the tray, and the way to end the recording. What happens without the window is told by a banner.
+/// The red dot at the tray, and the item that ends the recording. Without a window a banner reports changes.
 void CorvaneApp::watchCalls()
 {
     const auto show = [this] {

@@ -72,7 +72,7 @@ QList<Notice> Notices::items() const
                 ? u"Sign in as someone else? A sign-in link was opened that was not asked for here."_s
                 : u"Sign in? A sign-in link was opened that was not asked for here."_s,
             { action("accept", u"Sign in"_s), action("ignore", u"Ignore"_s) }));
-    // The wall shows it itself.
+    // The wall shows it.
     if (!m_at.session.lastErrorText().isEmpty() && !m_at.content.showsWall())
         items.append(notice("signIn", "bad", u"Sign-in failed: "_s + m_at.session.lastErrorText(),
             { action("again", u"Try again"_s), action("dismiss", u"Dismiss"_s) }));

@@ -10,7 +10,7 @@ namespace {
 
 const QString refreshId = u"refreshWorkspaces"_s;
 const QString allId = u"allWorkspaces"_s;
-constexpr qsizetype shownWorkspaces = 20; // what a menu can hold
+constexpr qsizetype shownWorkspaces = 20; // what fits a menu
 
 }
 

@@ -145,7 +145,7 @@ Screens::Screens(CorvaneApp& root)
         QObject::connect(view, &TerminalsView::notified, &app,
             [this](const QString& title, const QString& body) { app.notifier().notifyTerminal(title, body); });
     }
-    // Messages that arrive here are no news of another program's.
+    // Messages that arrive here are not changes by another program.
     for (WorkModuleShell* const hub : { gtm.shell(), cx.shell() })
         QObject::connect(&app.engine(), &EngineManager::inboxRevisionChanged, hub, &WorkModuleShell::setStale);
 }

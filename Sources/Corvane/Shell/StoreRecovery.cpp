@@ -26,7 +26,7 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds enginesTime { 5'000 }; // until an engine that was told to end is gone
+constexpr Milliseconds enginesTime { 5'000 }; // for engines to exit
 constexpr Milliseconds lookAgain { 200 };
 
 RecoveryChoice choice(const char* id, const QString& label, const QString& hint)

@@ -18,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-constexpr HttpLimits limits { std::chrono::minutes(5), 4 * 1024 * 1024 }; // a scan of a page takes its time
+constexpr HttpLimits limits { std::chrono::minutes(5), 4 * 1024 * 1024 }; // scanning a page takes a while
 
 struct Problem {
     ToolOutcome outcome;

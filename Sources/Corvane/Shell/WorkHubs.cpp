@@ -13,7 +13,7 @@ namespace {
 
 constexpr int hitsOfAKind = 5;
 const QStringList workspaceModules { u"lumo"_s, u"gtm"_s, u"cx"_s, u"ops"_s };
-const QChar separator(u'\n'); // in no id
+const QChar separator(u'\n'); // does not occur in ids
 
 QString iconOf(const QString& kind)
 {
@@ -55,7 +55,7 @@ QList<PaletteItem> foundWork(LocalDB& db, const QString& query)
 {
     QList<PaletteItem> items;
     for (const WorkHit& hit : findWork(db, query, hitsOfAKind)) {
-        // An item of a module that has no workspace could not be shown.
+        // An item of a module without a workspace cannot be shown.
         if ((hit.kind == "context"_L1 || hit.kind == "item"_L1) && !workspaceModules.contains(hit.module))
             continue;
         PaletteItem item;

@@ -18,17 +18,17 @@ namespace corvane {
 
 namespace {
 
-// The desktop tells what its frame needs only after the window is shown.
+// The desktop reports the size of its frame only after the window is shown.
 constexpr QMargins windowFrame { 4, 36, 4, 4 };
 
-/// Inter where it is installed, else the desktop's font; 13 pixels is the size of plain text.
+/// Inter if it is installed, else the desktop's font; plain text has 13 pixels.
 void chooseFont()
 {
     QFont font = QGuiApplication::font();
     QStringList families = font.families();
     if (QFontDatabase::hasFamily(u"Inter"_s))
         families = { u"Inter"_s };
-    // Named, or a text font's black and white signs come first.
+    // Explicit, or a text font's monochrome glyphs would be used.
     if (QFontDatabase::hasFamily(u"Noto Color Emoji"_s))
         families.append(u"Noto Color Emoji"_s);
     font.setFamilies(families);

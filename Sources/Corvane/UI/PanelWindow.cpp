@@ -19,7 +19,7 @@ namespace {
 constexpr int margin = 8;
 constexpr QSize panelSize { 380, 560 };
 
-/// A press on the icon takes the focus from the panel, which hides, before it arrives here.
+/// Clicking the icon takes the focus from the panel, which hides before the click arrives here.
 constexpr qint64 samePressMs = 300;
 
 }

@@ -18,7 +18,7 @@ struct Span {
     qsizetype length = 0;
 };
 
-/// What stands in brackets and is written as a label: both of "[M3, M4]".
+/// The labels in brackets: both of "[M3, M4]".
 QList<Span> labelsIn(const QString& text)
 {
     static const QRegularExpression brackets(u"\\[[^\\[\\]\n]*\\]"_s);
@@ -31,7 +31,7 @@ QList<Span> labelsIn(const QString& text)
     return labels;
 }
 
-/// Line by line as HTML: the points of a list keep their place, and what a model marks as strong is strong.
+/// Line by line to HTML: keeps list items and bold text.
 QString inLines(const QString& text)
 {
     static const QRegularExpression point(u"^(\\s*)[-*•]\\s+"_s);

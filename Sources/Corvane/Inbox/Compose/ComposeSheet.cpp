@@ -13,7 +13,7 @@ namespace {
 
 constexpr int fewestDigits = 5;
 
-/// The decimal digits of any script, as 0 to 9.
+/// The decimal digits of any script as 0 to 9.
 QString digitsOf(const QString& text)
 {
     QString digits;
@@ -24,7 +24,7 @@ QString digitsOf(const QString& text)
     return digits;
 }
 
-/// The number as a provider writes it, so that its answers come into the same conversation.
+/// The number in the provider's format, so that answers arrive in the same conversation.
 QString internationalNumber(const QString& text)
 {
     const QString digits = digitsOf(text);
@@ -90,7 +90,7 @@ QString recipientAddress(Channel channel, const QString& recipient)
         return digitsOf(recipient) + u"@s.whatsapp.net"_s;
     if (channel == Channel::Sms)
         return internationalNumber(recipient.trimmed());
-    // Mail is delivered whatever the case, and a conversation is named by the address in lower case.
+    // Mail addresses are case-insensitive in practice, and conversations use the lower-case address.
     return channel == Channel::Email ? recipient.trimmed().toLower() : recipient.trimmed();
 }
 

@@ -16,7 +16,7 @@ namespace corvane {
 
 namespace {
 
-/// Why an engine could only drop what it is given; nothing if it can send.
+/// Why the engine could not send; nothing if it can.
 std::optional<QString> obstacle(const Account& account, WAStatus status)
 {
     switch (status) {
@@ -74,7 +74,7 @@ void Composer::open(const ContactRow& contact)
     if (!samePerson && showsVoice())
         m_voice.leave();
     if (!samePerson)
-        m_dictation.finish(); // what was said to the other one goes into their text
+        m_dictation.finish(); // pending dictation is inserted into the previous contact's text
     m_contact = contact;
     if (!samePerson || !contact.platforms.contains(m_replyPlatform))
         m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);

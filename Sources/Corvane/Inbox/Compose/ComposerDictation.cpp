@@ -50,7 +50,7 @@ void ComposerDictation::start(const QString& contactId)
     m_recorder.start(contactId);
 }
 
-/// A recording that ends by itself is transcribed as far as it came.
+/// A recording that ends on its own is transcribed as far as it got.
 void ComposerDictation::follow()
 {
     if (m_state == State::Transcribing)

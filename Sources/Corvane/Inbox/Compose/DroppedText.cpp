@@ -11,7 +11,7 @@ namespace corvane::DroppedText {
 
 namespace {
 
-constexpr qint64 longestText = 64 << 10; // bytes; nobody means to send more as one message
+constexpr qint64 longestText = 64 << 10; // bytes; longer texts are not meant to be one message
 
 Result<QString> ofFile(const QUrl& url)
 {

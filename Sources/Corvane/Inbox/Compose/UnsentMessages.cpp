@@ -14,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds answerLimit { 120'000 }; // an engine may leave a direct send without an answer
+constexpr Milliseconds answerLimit { 120'000 }; // an engine may never answer
 
 const QString uncertain = u"It may have gone out. "_s;
 const QString contactKey = u"contact"_s;

@@ -99,7 +99,7 @@ void UnsentTexts::write()
     for (auto each = m_messages.cbegin(); each != m_messages.cend(); ++each)
         texts.insert(each.key(), savedMessage(each.value()));
     const bool mayWrite = !m_fileIsDamaged || copyAside(m_filePath);
-    // A kill leaves what was written; waiting for the disk at every pause of the keys would be felt.
+    // A crash keeps what was written; syncing at every pause in typing would be noticeable.
     if (mayWrite && writePrivateFile(m_filePath, compactJson(texts), Outlives::Program)) {
         m_fileIsDamaged = false;
         return;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr Milliseconds tick { 100 };
 
-/// "{folder}/corvane-voice-{seconds}.m4a", of the first second from now on that has no file yet.
+/// "{folder}/corvane-voice-{seconds}.m4a", with the first free second from now on.
 QString freePath(const QString& folder, qint64 nowMs)
 {
     for (qint64 second = nowMs / 1000;; ++second) {
@@ -97,7 +97,7 @@ QString VoiceRecorder::stop()
         return {};
     m_ticks.reset();
     update();
-    // Its own signal may be what brought us here, so it goes at the next turn.
+    // May be called from its own signal, so it is destroyed at the next turn of the event loop.
     MicrophoneRecording* const recording = m_recording.release();
     const bool complete = recording->stop();
     recording->disconnect(this);

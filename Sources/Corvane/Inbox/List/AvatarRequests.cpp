@@ -15,7 +15,7 @@ AvatarRequests::AvatarRequests(EngineManager& engine, AccountStore& accounts)
 void AvatarRequests::requestMissing(const QList<ContactRow>& listed)
 {
     static const QString prefix = u"ct:WHATSAPP:"_s;
-    QHash<QString, std::optional<Account>> accounts; // asked for once, not for each of their people
+    QHash<QString, std::optional<Account>> accounts; // looked up once per account
     for (const ContactRow& row : listed) {
         if (!row.avatarPath.isEmpty() || !row.platforms.contains(u"WHATSAPP") || !row.id.startsWith(prefix))
             continue;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int snippetLength = 160;
 
-// The body may be a whole book; what a row can show is cut off before anything looks at it.
+// The body may be very long; it is truncated before anything processes it.
 QString lineOf(const QString& text)
 {
     const QString line = singleLine(BodyText::printable(text.left(2 * snippetLength)));
@@ -55,14 +55,14 @@ QString spokenOf(const ContactItem& item)
     return item.snippet.isEmpty() ? facts : facts + u": "_s + item.snippet;
 }
 
-// The words that were searched for must be in sight, so a long text is cut in front of them.
+// The search words must be visible, so a long text is cut in front of them.
 QString snippetAround(const QString& text, const QString& query)
 {
     constexpr qsizetype lead = 18;
     const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
     if (at <= lead)
         return snippetOf(text, {});
-    // At a blank where one is near, else between two characters.
+    // At a space if one is near, else between two characters.
     qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
     if (from < at - lead)
         from = at - lead + (text.at(at - lead).isLowSurrogate() ? 1 : 0);

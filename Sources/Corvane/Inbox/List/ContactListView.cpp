@@ -83,7 +83,7 @@ void ContactListView::appear()
 {
     reload();
     m_midnight = m_scheduler.after(Milliseconds(nextMidnightMs(m_scheduler.nowMs()) - m_scheduler.nowMs()),
-        [this] { appear(); }); // "today" and "yesterday" are others from then on
+        [this] { appear(); }); // "today" and "yesterday" change
 }
 
 void ContactListView::personChanged(const QString& contactId)
@@ -213,7 +213,7 @@ QString ContactListView::neighbour(int delta) const
     const auto& rows = m_contactModel.rows();
     if (rows.isEmpty() || delta == 0)
         return {};
-    // Where the open row has left the list, the one below stands in its place.
+    // If the open row has left the list, the one below takes its place.
     const int current = selectedIndex();
     const int step = current < 0 && delta > 0 ? delta - 1 : delta;
     const int target = std::clamp((current < 0 ? m_openPlace : current) + step, 0, int(rows.size()) - 1);

@@ -12,7 +12,7 @@ namespace corvane {
 
 namespace {
 
-/// Greatest key first; equals keep their order.
+/// Sorts by key, greatest first; stable.
 template <typename Value, typename Key> QList<Value> greatestFirst(const QList<Value>& values, Key Value::* key)
 {
     QList<qsizetype> order(values.size());

@@ -116,7 +116,7 @@ void ListActions::toggleRead(const QString& contactId)
     } else {
         markUnread(db(), contactId);
         if (contactId == m_person.selectedId())
-            m_person.close(); // what is open counts as read
+            m_person.close(); // an open thread would count as read
     }
     afterAction();
 }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int hitLimit = 60;
 constexpr Milliseconds patience { 150 };
-// A search reads every message; while it stands, arriving ones need not start it again at once.
+// A search reads every message; new messages need not restart it at once.
 constexpr Milliseconds refreshPeriod { 2000 };
 
 }
@@ -20,7 +20,7 @@ MessageHits::MessageHits(LocalDB& db, Scheduler& scheduler, QObject* parent)
     , m_refreshSoon(scheduler, refreshPeriod,
           [this] {
               if (m_running)
-                  m_again = true; // to stop a long search at each message would be never to finish it
+                  m_again = true; // restarting a long search for every message would never finish
               else
                   search();
           })

@@ -24,7 +24,7 @@ bool isProgram(const QFileInfo& file, const QByteArray& head)
         || head.startsWith("[Desktop Entry]");
 }
 
-/// What a container of sound or film is called is not always what it holds, so each passes for the other.
+/// Containers are used for sound and video alike, so either type is accepted.
 bool isOfKind(const QString& kind, const QFileInfo& file, const QByteArray& head)
 {
     const bool picture = kind == u"image" || kind == u"sticker";
@@ -33,7 +33,7 @@ bool isOfKind(const QString& kind, const QFileInfo& file, const QByteArray& head
         return true;
     const QMimeDatabase types;
     QMimeType type = types.mimeTypeForData(head);
-    if (playable && type.isDefault()) // a stream without a mark at its head
+    if (playable && type.isDefault()) // a stream without a header
         type = types.mimeTypeForFile(file, QMimeDatabase::MatchExtension);
     const QString name = type.name();
     if (picture)

@@ -22,7 +22,7 @@ constexpr Milliseconds noticeTime { 6000 };
 const QString whatsApp = u"WHATSAPP"_s;
 const QString whatsAppPerson = u"@s.whatsapp.net"_s;
 
-/// An action that cannot be done says why; an empty `obstacle` means that it can.
+/// A disabled action says why; an empty `obstacle` means enabled.
 MessageOffer action(const QString& key, const QString& label, const QString& obstacle = {})
 {
     return { key, label, obstacle.isEmpty(), obstacle };

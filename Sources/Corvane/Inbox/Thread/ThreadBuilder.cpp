@@ -13,7 +13,7 @@ bool runsOn(const UnifiedMsgRow& earlier, const UnifiedMsgRow& later)
     return earlier.direction == later.direction && earlier.sender == later.sender && later.ts - earlier.ts < runStepMs;
 }
 
-/// The label of a message's day; neighbours mostly share theirs, so that few are really made.
+/// The label of a message's day; neighbours usually share theirs, so few are actually formatted.
 class DayLabels {
 public:
     explicit DayLabels(qint64 nowMs)
@@ -42,7 +42,7 @@ private:
 QList<ThreadItem> build(const QList<UnifiedMsgRow>& rows, qint64 nowMs)
 {
     QList<ThreadItem> items;
-    items.reserve(rows.size() * 2); // each message may have a day of its own
+    items.reserve(rows.size() * 2); // each message may be on a day of its own
     DayLabels days(nowMs);
     QString previousLabel;
     for (qsizetype i = 0; i < rows.size(); ++i) {

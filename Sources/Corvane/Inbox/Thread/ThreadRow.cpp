@@ -42,8 +42,8 @@ QString mediaStateWord(MediaState::Kind kind)
     return {};
 }
 
-/// Takes the quoted tail of a mail from the row, and shows it where the person wants it; returns how much of it is left
-/// out then.
+/// Removes the quoted tail of a mail from the row, or shows it if it is expanded; returns the number of hidden
+/// characters.
 qsizetype foldQuote(ThreadRow& shown, UnifiedMsgRow& row, const ThreadSurroundings& surroundings, qsizetype length)
 {
     const qsizetype start = MailText::quoteStart(row.body);
@@ -62,7 +62,7 @@ qsizetype foldQuote(ThreadRow& shown, UnifiedMsgRow& row, const ThreadSurroundin
     return hidden;
 }
 
-/// Cuts what may be a whole book, which to lay out would hold the window; returns how much is left out.
+/// Truncates very long texts, whose layout would block the window; returns the number of hidden characters.
 qsizetype shorten(UnifiedMsgRow& row, qsizetype length)
 {
     const auto body = BodyText::shown(row.body, length);
@@ -74,8 +74,8 @@ qsizetype shorten(UnifiedMsgRow& row, qsizetype length)
     return body.hidden + transcript.hidden;
 }
 
-// A picture carries its caption below it; a document, or a medium that is not here, is a card with a title,
-// which is that same text.
+// A picture shows its caption below; a document, or media that is not available, is a card whose title is the same
+// text.
 QString bubbleText(const UnifiedMsgRow& row, const ThreadRow& shown)
 {
     if (shown.mediaKind.isEmpty())
@@ -85,7 +85,7 @@ QString bubbleText(const UnifiedMsgRow& row, const ThreadRow& shown)
     return isCard ? QString() : UnifiedBubble::textBehindMark(row.body).value_or(row.body);
 }
 
-/// A voice note that is here and has no text yet can get one.
+/// A voice note with a file but without a transcript can be transcribed.
 void describeTranscription(ThreadRow& shown, const ThreadSurroundings& surroundings)
 {
     if (shown.mediaKind != u"audio"_s || shown.mediaPath.isEmpty())
@@ -171,7 +171,7 @@ ThreadRow messageRow(const ThreadMsg& message, const ThreadSurroundings& surroun
     return shown;
 }
 
-/// A subject is told where a conversation turns to it.
+/// A subject is shown where it changes.
 void labelSubjects(QList<ThreadRow>& rows)
 {
     QString previous;
@@ -184,7 +184,7 @@ void labelSubjects(QList<ThreadRow>& rows)
     }
 }
 
-/// The first message tells its channel only where another follows.
+/// The first message shows its channel only if another channel follows.
 void labelChannels(QList<ThreadRow>& rows)
 {
     ThreadRow* previous = nullptr;

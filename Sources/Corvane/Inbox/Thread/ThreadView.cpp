@@ -21,7 +21,7 @@ constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
 const QString whatsApp = u"WHATSAPP"_s;
 
-/// A file that came with a message has its id, a slash and a number; the message alone counts as unread.
+/// A message's attachment has the message's id, a slash and a number; only the message counts as unread.
 bool isAttachment(const UnifiedMsgRow& row)
 {
     const qsizetype slash = row.providerMsgId.lastIndexOf(u'/');
@@ -30,7 +30,7 @@ bool isAttachment(const UnifiedMsgRow& row)
     return slash > 0 && isNumber && row.mediaType.has_value();
 }
 
-/// Whether some of the words stand in the quoted tail alone.
+/// Whether some of the words occur only in the quoted tail.
 bool isInQuote(const QString& body, const QString& words)
 {
     const qsizetype start = MailText::quoteStart(body);
@@ -171,15 +171,15 @@ bool ThreadView::show(const QString& messageId, const QString& words)
         }
         presentWindow();
     }
-    m_reading.setNewestInSight(false); // the window tells where that message stands
+    m_reading.setNewestInSight(false); // the window reports whether that message is visible
     if (isInQuote(message(messageId)->body, words))
         m_unfolded.insert(messageId);
     highlight(messageId);
     return true;
 }
 
-// A live message of the other side raises the counter by one, so the unread ones are the last of those that were
-// there at the opening. The first of many may stand pages away.
+// Each live message of the other side raises the counter by one, so the unread ones are the last messages from before
+// the opening. The first of many may be pages away.
 void ThreadView::markFirstUnread()
 {
     if (!m_firstUnreadId.isEmpty() || m_window.hasNewer())
@@ -285,7 +285,7 @@ void ThreadView::present(Opening opening)
             .mediaPlaces = [this](const UnifiedMsgRow& row) { return m_engine.mediaPlaces(row); },
             .transcription = m_transcription });
     if (opening == Opening::Yes) {
-        // A view makes first what it is given first, so it is given what will be in sight.
+        // A view creates its first delegates first, so the visible rows are added first.
         m_rows.assign(rows.last(std::min(rows.size(), screenful)));
         Q_EMIT opened();
     }

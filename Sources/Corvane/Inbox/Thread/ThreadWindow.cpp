@@ -86,7 +86,7 @@ void ThreadWindow::refresh(Reader reader)
 
 void ThreadWindow::readAgain()
 {
-    // From before the first, so that it is read too; with it come those of its millisecond.
+    // From before the first, to include it and others of its millisecond.
     const qsizetype limit = m_hasNewer ? m_messages.size() : capacity;
     m_messages = page(Towards::Newer, { m_messages.first().ts, {} }, limit);
     m_hasNewer = m_messages.size() == limit && !page(Towards::Newer, placeOf(m_messages.last()), 1).isEmpty();

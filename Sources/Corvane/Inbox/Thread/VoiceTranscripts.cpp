@@ -127,7 +127,7 @@ void VoiceTranscripts::set(const QString& messageId, Kind kind, const QString& t
     Q_EMIT changed();
 }
 
-/// What runs goes on, and its text is kept.
+/// Running jobs continue, and their text is stored.
 void VoiceTranscripts::forgetFailures()
 {
     m_jobs.removeIf([](const auto& job) { return job->state.kind != Kind::Loading; });

@@ -34,7 +34,7 @@ QString lineName(qint64 seq)
     return u"line %1"_s.arg(seq);
 }
 
-/// What is wrong between a line and the one before it, which may be none.
+/// What is wrong between an entry and its predecessor, if there is one.
 std::optional<QString> breakBetween(const ApprovalRecord& before, const ApprovalRecord& line)
 {
     if (line.seq != before.seq + 1)
@@ -86,7 +86,7 @@ RecordCheck checkRecords(SqlConnection& db)
         [](const SqlRow& row) { return row.integer(0); });
     if (tables.isEmpty())
         return { false, u"This database has no decision log."_s };
-    // Before the lines: a program that runs meanwhile remembers no approval without a line for it.
+    // Before the entries: otherwise a concurrent program could store an approval without an entry.
     const auto live = db.rows("SELECT draft_id, content_hash FROM draft_approval ORDER BY draft_id;", {},
         [](const SqlRow& row) { return std::pair(row.text(0), row.text(1)); });
     ApprovalRecord before;

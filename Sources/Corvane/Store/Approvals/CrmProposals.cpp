@@ -40,7 +40,7 @@ const Table<CRMUpdateProposal> proposals("crm_update_proposal",
         { "error", &CRMUpdateProposal::error, "''" },
     });
 
-/// The payload as an object; one that does not read holds nothing.
+/// The payload as an object; empty if it is invalid.
 QJsonObject payloadOf(const CRMUpdateProposal& proposal)
 {
     return jsonObject(proposal.payloadJson.toUtf8()).value_or(QJsonObject());
@@ -71,7 +71,7 @@ struct Span {
     qint64 endMs = 0;
 };
 
-/// When a proposed event is; nothing if the payload tells no time that can be.
+/// The time of a proposed event; nothing if it is invalid.
 std::optional<Span> spanOf(const QJsonObject& payload)
 {
     const auto start = wholeNumber(payload, "startMs"_L1);
@@ -89,7 +89,7 @@ QString spanWords(const Span& span)
         QLocale::c().toString(start, day), QLocale::c().toString(end, start.date() == end.date() ? time : day));
 }
 
-/// When, where and more of an event, a line each.
+/// Time, place and more of an event, one line each.
 QString eventWords(const QJsonObject& payload)
 {
     const auto span = spanOf(payload);
@@ -99,7 +99,7 @@ QString eventWords(const QJsonObject& payload)
     return lines.join(u'\n');
 }
 
-/// What a task is called, when it is due, and how it is rated where that is not as usual.
+/// The title of a task, its due date, and its priority unless it is the default.
 QString taskWords(const QJsonObject& payload)
 {
     const QString due = payloadText(payload, "due");
@@ -125,7 +125,7 @@ VALUES(?,?,?,?,?,?,?,?,'pending',?,?);)",
         && recordProposedEvent(db, id);
 }
 
-/// The reason where it fails.
+/// The reason for the failure.
 std::optional<QString> write(LocalDB& db, const CRMUpdateProposal& proposal)
 {
     const QJsonObject payload = payloadOf(proposal);
@@ -213,7 +213,7 @@ Decided applyCRMUpdateProposal(LocalDB& db, const QString& id, const QString& se
             return done ? Decided::Taken : Decided::Refused;
         }
     }
-    // Another program may have decided it meanwhile, and what was rejected does not come back.
+    // Another program may have decided it meanwhile; a rejected one stays rejected.
     Transaction transaction(db);
     if (transaction.begun() && crmProposal(db, id) == found && updateStatus(db, id, pending, error))
         (void)transaction.commit();

@@ -32,7 +32,7 @@ std::optional<QString> approvedHash(LocalDB& db, const QString& id)
     return db.scalar("SELECT content_hash FROM draft_approval WHERE draft_id=?;", { id });
 }
 
-/// The person who decided did not see this.
+/// Differs from what the user saw.
 bool sendBack(LocalDB& db, const PendingDraft& draft)
 {
     return db.changedRows("UPDATE outbound_draft SET status='pending', error=?, updated_at=? WHERE id=? AND status=?;",
@@ -41,7 +41,7 @@ bool sendBack(LocalDB& db, const PendingDraft& draft)
         && forget(db, draft.id) && record(db, draft.id, "return", draftHash(draft));
 }
 
-/// The step that lets a text out: it finds the row only as it was read.
+/// The step that releases a text: it matches the row only as it was read.
 bool take(LocalDB& db, const PendingDraft& draft)
 {
     return db.changedRows("UPDATE outbound_draft SET status='sending', updated_at=? WHERE id=? AND status='approved' "
@@ -52,20 +52,20 @@ bool take(LocalDB& db, const PendingDraft& draft)
         == 1;
 }
 
-/// What was read is not what is stored, such as a text that is no UTF-8: nobody can have seen what it says.
+/// The stored text differs from what was read, such as invalid UTF-8: the user cannot have seen it.
 bool failUnreadable(LocalDB& db, const PendingDraft& draft)
 {
     markDraftFailed(db, draft.id, describe(DraftFailure::Unreadable));
     return forget(db, draft.id) && record(db, draft.id, "failed", draftHash(draft));
 }
 
-/// Its engine has it, and has not said for good what became of it.
+/// Its engine has it and has not reported a final result.
 bool isWithEngine(const PendingDraft& draft)
 {
     return allows(draft.state(), DraftStep::Acknowledge) || mayHaveGoneOut(draft);
 }
 
-/// One step of a person, recorded; `AlreadySo` where the draft stands there already.
+/// One logged step of the user; `AlreadySo` if the draft already has that status.
 Decided step(LocalDB& db, const QString& id, DraftStatus from, DraftStatus to, const char* action)
 {
     Transaction transaction(db);
@@ -94,7 +94,7 @@ bool failOne(LocalDB& db, const QString& id, DraftStatus from, const QString& er
 QString draftHash(const PendingDraft& draft)
 {
     QStringList fields { u"draft"_s, draft.channel, draft.accountId, draft.externalId, draft.body };
-    // A text alone keeps the hash that it always had.
+    // A text without attachments keeps its old hash.
     if (!draft.subject.isEmpty() || !draft.files.isEmpty())
         fields += { draft.subject, draft.files };
     return fieldsHash(fields);

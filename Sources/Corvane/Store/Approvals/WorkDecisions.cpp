@@ -8,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-/// Nothing was seen of one that is rejected: whatever it says by now, it does not happen.
+/// Rejecting needs no hash: whatever it says by now, it will not happen.
 Decided decide(LocalDB& db, const QString& id, const char* action, const QString& status, const QString& decidedBy,
     const std::optional<QString>& seenHash)
 {

@@ -26,7 +26,7 @@ const Table<DraftMetadataRow> metadata("draft_metadata",
         { "created_at" },
     });
 
-/// One line an entry: what an agent kept must not be able to open a section of its own.
+/// One line per entry: an agent's text must not be able to start a new section.
 void addSection(QStringList& sections, const QString& title, const QList<MemoryEntry>& entries)
 {
     if (entries.isEmpty())
@@ -42,7 +42,7 @@ void addSection(QStringList& sections, const QString& title, const QList<MemoryE
 QString memorySnapshot(LocalDB& db, const std::optional<QString>& contactId)
 {
     QStringList sections;
-    db.exec(u"SAVEPOINT memory_snapshot;"_s); // the sections are of one moment
+    db.exec(u"SAVEPOINT memory_snapshot;"_s); // a consistent snapshot of all sections
     addSection(sections, u"Business:"_s, fetchMemoryEntries(db, u"business"_s));
     addSection(sections, u"Owner:"_s, fetchMemoryEntries(db, u"owner"_s));
     if (contactId)

@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 const QString logSuffix = u"-wal"_s;
-const QString indexSuffix = u"-shm"_s; // of the log, from which SQLite makes it anew
+const QString indexSuffix = u"-shm"_s; // the WAL index, which SQLite recreates
 
 QString asidePath(const QString& path, int n)
 {
@@ -28,7 +28,7 @@ std::optional<QString> moveAside(const QString& path)
     while (QFile::exists(asidePath(path, n)) || (hasLog && QFile::exists(asidePath(path, n) + logSuffix)))
         ++n;
     const QString aside = asidePath(path, n);
-    // The log goes first: a log that stayed behind would be read into the file that comes next.
+    // The WAL is moved first: a leftover one would be applied to the next file.
     if ((hasLog && !QFile::rename(path + logSuffix, aside + logSuffix)) || !QFile::rename(path, aside)) {
         QFile::rename(aside + logSuffix, path + logSuffix);
         log(u"%1 is damaged and cannot be moved"_s.arg(path));

@@ -81,7 +81,7 @@ bool LocalDB::openFile()
     exec(u"PRAGMA journal_mode=WAL;"_s);
     exec(u"PRAGMA busy_timeout=%1;"_s.arg(busyTimeoutMs));
     exec(u"PRAGMA foreign_keys=ON;"_s);
-    // A savepoint a line copies each page that the line changes. In a file that costs a third of a group.
+    // A savepoint per line copies every page that it changes. In a temporary file that takes a third of the time.
     exec(u"PRAGMA temp_store=MEMORY;"_s);
     exec(u"PRAGMA cache_size=-16384;"_s); // KiB
     sqlite3_update_hook(m_db, noteChange, &m_watch->messageChanges());
@@ -89,12 +89,12 @@ bool LocalDB::openFile()
     return true;
 }
 
-/// Proves that there is room for more than what the file and its log have to spare.
+/// Proves that there is more space than what the file and its WAL have in reserve.
 bool LocalDB::takesWrites()
 {
     if (inTransaction())
         return false;
-    // A file that could not be written when it was opened stays so for this connection.
+    // A file that was not writable when it was opened stays so for this connection.
     if (!isOpen() || m_health->fault() == StoreFault::ReadOnly) {
         close();
         if (!openFile())

@@ -55,7 +55,7 @@ QString quoted(QString name)
     return u'"' + name.replace(u'"', u"\"\""_s) + u'"';
 }
 
-/// A block that the disk does not give becomes zeros.
+/// Unreadable disk blocks become zeros.
 Result<void> copyBlocks(const QString& from, const QString& to, const std::atomic<bool>& stopped)
 {
     QFile source(from);
@@ -76,7 +76,7 @@ Result<void> copyBlocks(const QString& from, const QString& to, const std::atomi
     return {};
 }
 
-/// Where the beginning of the file is lost, that of a file with the same schema takes its place.
+/// If the file's header is lost, it is replaced by that of a file with the same schema.
 void mendHeader(const QString& path, const QString& sound)
 {
     QFile file(path);
@@ -87,12 +87,12 @@ void mendHeader(const QString& path, const QString& sound)
     if (file.read(magic.size()) == magic)
         return;
     QByteArray header = model.read(headerBytes);
-    std::fill_n(header.begin() + 28, 12, '\0'); // page count and free list: SQLite asks the file itself
+    std::fill_n(header.begin() + 28, 12, '\0'); // page count and free list: SQLite then asks the file itself
     file.seek(0);
     file.write(header);
 }
 
-/// The damaged database's copy and the new one, and how rows get from one to the other.
+/// The copy of the corrupt database and the new one, and copying rows between them.
 class Copier {
 public:
     Copier(Database from, Database to, SalvageProgress& progress)
@@ -128,7 +128,7 @@ private:
         QString name;
         QString sql;
     };
-    /// Row ids whose rows have not been read, both ends included.
+    /// A range of row ids that have not been read, both ends included.
     struct Gap {
         qint64 first;
         qint64 last;
@@ -169,7 +169,7 @@ private:
         return written;
     }
 
-    /// The columns, quoted; the new table gets those that it lacks.
+    /// The quoted columns; missing ones are added to the new table.
     QStringList matchColumns(const Table& table)
     {
         executed(m_to, QString(table.sql).replace(0, 12, u"CREATE TABLE IF NOT EXISTS"_s));
@@ -184,7 +184,7 @@ private:
         return columns;
     }
 
-    /// False if the new file takes no more.
+    /// False if the new file cannot be written.
     bool fillGaps()
     {
         std::deque<Gap> gaps { { std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max() } };
@@ -205,7 +205,7 @@ private:
         return true;
     }
 
-    /// Copies rows from one end of the gap, which shrinks by them, until its other end or a page that does not read.
+    /// Copies rows from one end of the gap, shrinking it, until its other end or an unreadable page.
     End readInto(Gap& gap, Direction direction)
     {
         sqlite3_stmt* const read = (direction == Direction::Up ? m_up : m_down).get();
@@ -216,7 +216,7 @@ private:
         while ((code = sqlite3_step(read)) == SQLITE_ROW) {
             const qint64 row = sqlite3_column_int64(read, 0);
             if (row < gap.first || row > gap.last)
-                break; // the tree leads in circles
+                break; // the tree is circular
             if (m_progress.stopped || !insert(read))
                 return End::Failed;
             if (row == (direction == Direction::Up ? gap.last : gap.first))

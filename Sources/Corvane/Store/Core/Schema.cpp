@@ -53,7 +53,7 @@ void applySchema(LocalDB& db, const LocalDB::SchemaFolders& folders)
         log(u"LocalDB: ops schema file not found"_s);
     for (const schema::Step& step : schema::steps())
         std::visit(Apply { db }, step);
-    // An older engine mirrored WhatsApp's status feed as a conversation.
+    // An older engine stored WhatsApp's status feed as a conversation.
     db.run(u"UPDATE unified_conversation SET deleted_at=? WHERE external_id='status@broadcast' "
            "AND deleted_at IS NULL;"_s,
         { db.nowMs() });
@@ -68,7 +68,7 @@ void schema::migrateAIRequestsSchemaIfNeeded(LocalDB& db)
         db.exec(
             u"ALTER TABLE ai_requests RENAME TO ai_requests_legacy_status;\n"_s + QString::fromUtf8(aiRequestsTable));
     }
-    // A start that was cut short has left the old table behind, so this asks for the table itself.
+    // An interrupted migration leaves the old table behind, so this checks for the table itself.
     if (db.tableExists(legacy)) {
         const auto orNull = [&](const QString& column) {
             return db.columnExists(legacy, column) ? column : u"NULL"_s;

@@ -12,7 +12,7 @@ const QList<Step>& steps()
 {
     // clang-format off
     static const QList<Step> all = {
-        // Descending by time; `ix_unified_message_thread` took its place.
+        // Descending by time; replaced by `ix_unified_message_thread`.
         Statement { "DROP INDEX IF EXISTS ix_unified_message_conversation;" },
         AddedColumn { "project", "category TEXT NOT NULL DEFAULT ''" },
         AddedColumn { "unified_message", "media_type TEXT" },
@@ -27,9 +27,9 @@ const QList<Step>& steps()
         AddedColumn { "deal", "title TEXT" },
         AddedColumn { "crm_deal", "contact_id TEXT" },
         AddedColumn { "crm_task", "contact_id TEXT" },
-        // The list of people walks conversations newest first, then reaches the people it found and the conversations
-        // of each without touching either table. The last is for what every ingested message asks: whether the workspace holds
-        // anything, and how many messages are unread.
+        // The list of people walks conversations newest first, then reaches their people and conversations without
+        // touching either table. The last one is for every ingested message: whether the workspace is empty, and how
+        // many messages are unread.
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_workspace
   ON contact(workspace_id, deleted_at, id, display_name, avatar_path);)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_unified_conversation_newest
@@ -196,8 +196,8 @@ const QList<Step>& steps()
 ON crm_mutation_queue(idempotency_key) WHERE status='pending';)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS idx_crm_mutation_status
   ON crm_mutation_queue(workspace_id, status, created_at);)" },
-        // People who share an address or a number find each other without a walk over all pairs; and every thread
-        // that is opened asks for a live merge of its contact.
+        // Finds people who share an address or a number without comparing all pairs; and every opened thread looks up a
+        // live merge of its contact.
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_identity_email
   ON contact_identity(email, contact_id, deleted_at, workspace_id) WHERE email IS NOT NULL;)" },
         Statement { R"(CREATE INDEX IF NOT EXISTS ix_contact_identity_phone
@@ -208,8 +208,8 @@ ON crm_mutation_queue(idempotency_key) WHERE status='pending';)" },
   ON contact_merge(primary_contact_id, created_at) WHERE undone_at IS NULL;)" },
         Statement { R"(CREATE TABLE IF NOT EXISTS draft_approval (
   draft_id TEXT PRIMARY KEY, content_hash TEXT NOT NULL, approved_at INTEGER NOT NULL);)" },
-        // The record of decisions only grows, and only behind its last line. REPLACE deletes without a word to the
-        // trigger of deletes, so the one of inserts looks at the place of a new line, too.
+        // The decision log is append-only. REPLACE deletes without firing the delete trigger, so the insert trigger
+        // checks the position of a new entry, too.
         Statement { R"(CREATE TABLE IF NOT EXISTS approval_record (
   seq INTEGER PRIMARY KEY, at INTEGER NOT NULL, kind TEXT NOT NULL, subject_id TEXT NOT NULL,
   action TEXT NOT NULL, content_hash TEXT NOT NULL, previous_hash TEXT NOT NULL, hash TEXT NOT NULL);)" },

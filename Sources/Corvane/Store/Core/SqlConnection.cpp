@@ -9,11 +9,10 @@ namespace corvane {
 
 namespace {
 
-// How many steps of SQLite's machine pass between two looks at whether the query is still wanted: well below a
-// millisecond.
+// The number of SQLite VM steps between two checks for cancellation: well below a millisecond.
 constexpr int stepsBetweenLooks = 5000;
 constexpr qsizetype idleLimit = 128;
-constexpr int readerBusyMs = 1000; // only a file that recovers from a crash makes a reader wait
+constexpr int readerBusyMs = 1000; // a reader waits only while a file recovers from a crash
 
 int isStopped(void* stopped)
 {
@@ -110,7 +109,7 @@ std::unique_ptr<SqlConnection> SqlConnection::reader(
     if (!reader->openFile(Access::ReadOnly))
         return reader;
     sqlite3_busy_timeout(reader->m_db, readerBusyMs);
-    // Asked rather than told: an interruption from outside would be lost between the opening and the first step.
+    // Polled: an interrupt from outside would be lost between opening and the first step.
     sqlite3_progress_handler(
         reader->m_db, stepsBetweenLooks, isStopped, const_cast<std::atomic<bool>*>(reader->m_stopped.get()));
     return reader;

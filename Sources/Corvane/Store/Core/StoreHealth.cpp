@@ -9,7 +9,7 @@ namespace {
 
 constexpr Milliseconds firstPause { 250 };
 constexpr Milliseconds longestPause { 4000 };
-constexpr qint64 relapseMs = 10'000; // a fault that returns so soon never went
+constexpr qint64 relapseMs = 10'000; // a fault that returns so soon was never fixed
 
 bool needsAnotherFile(StoreFault fault)
 {

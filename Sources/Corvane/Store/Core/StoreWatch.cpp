@@ -14,7 +14,7 @@ constexpr Milliseconds period { 1000 };
 
 constexpr int comparedRows = 200;
 
-/// Queries of one column whose rows together are all that anybody reads of the subject; none if they are many.
+/// Single-column queries whose rows are everything that is read of the subject; none if there are many.
 QStringList rowsOf(StoreSubject subject)
 {
     const QString workspace = u"SELECT workspace_id FROM sync_workspace_selection WHERE key='active';"_s;
@@ -59,7 +59,7 @@ void StoreWatch::start()
 {
     if (m_timer)
         return;
-    changedSubjects(); // what stands there already is no news
+    changedSubjects(); // the current state is not a change
     m_timer = m_scheduler.every(period, [this] {
         for (const StoreSubject subject : changedSubjects())
             Q_EMIT changed(subject);

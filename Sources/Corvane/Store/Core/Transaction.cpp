@@ -11,7 +11,7 @@ Transaction::Transaction(LocalDB& db, Patience patience)
 
 Transaction::~Transaction()
 {
-    // SQLite ends a transaction by itself after some failures, such as a full disk.
+    // SQLite rolls back on its own after some failures, such as a full disk.
     if (!m_open || !m_db.inTransaction())
         return;
     if (m_inner)

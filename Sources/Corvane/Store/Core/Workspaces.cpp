@@ -51,8 +51,8 @@ std::optional<QString> orgOf(LocalDB& db, const QString& workspaceId)
 
 std::optional<WorkspaceWithData> workspaceWithDataWhenSelectedIsEmpty(LocalDB& db, const QString& id)
 {
-    // This runs for every ingested message. Whether the count is zero shows in one row of the index, so the
-    // other rows are not counted.
+    // Runs for every ingested message. One row of the index shows whether the count is zero, so the others are not
+    // counted.
     if (db.scalar("SELECT 1 FROM unified_conversation\nWHERE workspace_id=? AND deleted_at IS NULL LIMIT 1;", { id }))
         return std::nullopt;
     return db.firstRow(R"(SELECT c.workspace_id, sw.org_id,
@@ -68,16 +68,15 @@ LIMIT 1;)",
         { id }, [](const SqlRow& row) { return WorkspaceWithData { row.text(0), row.optionalText(1), row.text(2) }; });
 }
 
-/// A column that holds the id of a row of that kind.
+/// A column that references rows of that kind.
 struct Reference {
     const char* table;
     const char* column;
     const char* kind;
 };
 
-/// Gives the rows of "local" to a real workspace. Ids change before the workspace does, since the workspace
-/// tells which rows are meant; references change before the ids that they name.
-/// Returns whether there were any.
+/// Moves the rows of "local" into a real workspace. Ids change before the workspace does, since the workspace
+/// identifies the rows; references change before the ids that they name. Returns whether there were any.
 bool migrateLegacyLocalRowsInOpenTransaction(LocalDB& db, const QString& target)
 {
     if (target == fallback)
@@ -149,8 +148,8 @@ WHERE workspace_id='local' AND id LIKE ?;)",
     return changed > 0;
 }
 
-/// Where a reference from a row of another workspace dangles: better so than a transaction that never ends and takes
-/// every later write with it.
+/// Ignores dangling references from rows of other workspaces: otherwise the transaction could never commit, and would
+/// block every later write.
 void commitEvenWithDanglingReferences(LocalDB& db)
 {
     db.exec("COMMIT;");
@@ -225,7 +224,7 @@ void persistActiveWorkspace(LocalDB& db, const QString& id, const std::optional<
 {
     const auto org = orgId ? orgId : orgOf(db, id);
     const auto before = selectedRow(db);
-    const bool insideAnother = db.inTransaction(); // which alone says whether all of it holds
+    const bool insideAnother = db.inTransaction(); // only the outer transaction knows whether everything is kept
     db.exec("PRAGMA defer_foreign_keys=ON;");
     if (!insideAnother)
         db.exec("BEGIN;");
@@ -241,7 +240,7 @@ ON CONFLICT(key) DO UPDATE SET
         commitEvenWithDanglingReferences(db);
     db.defaults().setText(activeKey, id);
     db.defaults().synchronise();
-    // Whoever hears this reads the active workspace, which comes back here as long as the row cannot be written.
+    // Observers read the active workspace, which would come back here while the row cannot be written.
     if (selectedRow(db) == id && (before != id || migrated))
         db.notifications().post(notifications::activeWorkspaceChanged);
 }
@@ -260,7 +259,7 @@ QString storeWorkspaceRows(
     const WorkspaceRow& chosen = chosenRow(rows, current, preferredWorkspaceId);
     persistActiveWorkspace(db, cleanId(chosen.workspaceId), chosen.orgId, LegacyRows::Migrate);
     const QString active = activeWorkspaceId(db);
-    // One that the web has no more, but that alone holds data, stays in use: there is nothing to tell.
+    // A workspace that is gone from the web but has the only data stays selected without a message.
     if (active == current && !notice)
         db.defaults().remove(noticeKey);
     return active;

@@ -11,8 +11,8 @@ namespace corvane {
 
 namespace {
 
-/// The newest message `m` of a person `%1`. Each conversation offers its newest one, so that nothing is sorted but
-/// these.
+/// The newest message `m` of a person `%1`. Each conversation contributes its newest one, so that only those are
+/// sorted.
 const QString newestMessage = uR"(FROM unified_conversation cc JOIN unified_message m ON m.rowid=(
        SELECT n.rowid FROM unified_message n WHERE n.conversation_id=cc.id AND n.deleted_at IS NULL
        ORDER BY n.ts DESC LIMIT 1)
@@ -44,8 +44,8 @@ QString archivedCondition(InboxFilter filter)
     return filter == InboxFilter::Archived ? u"archived_at IS NOT NULL"_s : u"archived_at IS NULL"_s;
 }
 
-/// The conversations under the filter, newest first. The cross join and the plus hold the order of the loops: few
-/// are walked, and many may be unread.
+/// The conversations under the filter, newest first. The cross join and the unary plus fix the loop order: few are
+/// walked, and many may be unread.
 QString newestStatement(InboxFilter filter, qint64 nowMs)
 {
     const QString archived = archivedCondition(filter);
@@ -63,7 +63,7 @@ WHERE c.deleted_at IS NULL AND c.%1 AND ct.workspace_id=? AND ct.deleted_at IS N
     return sql + u"\nORDER BY c.last_ts DESC;"_s;
 }
 
-/// The newest people under the filter: `limit`, and who else is as old as the last of them.
+/// The newest people under the filter: `limit`, and those with the same time as the last one.
 QStringList newestPeople(LocalDB& db, InboxFilter filter, const QString& workspace, const QString& account, int limit)
 {
     QList<SqlValue> parameters { workspace, account, account };
@@ -84,7 +84,7 @@ QStringList newestPeople(LocalDB& db, InboxFilter filter, const QString& workspa
     return known.values();
 }
 
-/// Of `contacts`, those alone who are named in a JSON array.
+/// Those of `contacts` that are in a JSON array.
 QString namedPeople(InboxFilter filter, qint64 nowMs)
 {
     QString sql = ofWorkspace + u"(? = '' OR c.account_id = ?) AND c."_s + archivedCondition(filter)
@@ -120,7 +120,7 @@ std::optional<ContactRow> fetchContact(LocalDB& db, const QString& contactId)
 CountedPeople fetchCountedPeople(LocalDB& db, const std::optional<QStringList>& contactIds)
 {
     const QString workspace = activeWorkspaceId(db);
-    // The cross join holds the order of the loops: few conversations match, and every person would be walked.
+    // The cross join fixes the loop order: few conversations match, and otherwise every person would be walked.
     const auto people = [&](const QString& condition) {
         QString sql = uR"(SELECT DISTINCT ct.id
 FROM unified_conversation c CROSS JOIN contact ct ON ct.id=c.contact_id
@@ -134,7 +134,7 @@ WHERE %1 AND c.deleted_at IS NULL AND c.archived_at IS NULL AND ct.workspace_id=
         const QStringList ids = db.rows(sql, parameters, [](const SqlRow& row) { return row.text(0); });
         return QSet<QString>(ids.begin(), ids.end());
     };
-    // The plus takes the index by workspace away, where those by contact and by time find fewer rows.
+    // The unary plus disables the index by workspace, since those by contact and by time find fewer rows.
     const QString unread = u"c.workspace_id=? AND c.unread > 0"_s;
     return { people(contactIds ? u'+' + unread : unread),
         people(u"+c.workspace_id=? AND c.last_ts >= %1"_s.arg(startOfTodayMs(db.nowMs()))) };

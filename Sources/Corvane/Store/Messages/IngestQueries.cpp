@@ -55,13 +55,13 @@ ON CONFLICT(id) DO UPDATE SET
   updated_at=excluded.updated_at;)",
         { id, workspace, channel, accountSlug, externalId, title, lastTs, db.nowMs() });
     const QString contact = ensureContactIn(db, workspace, channel, externalId, title);
-    // Nearly always linked already, and a write that changes nothing waits for the disk like any other.
+    // Usually linked already, and even a write that changes nothing syncs the disk.
     if (db.scalar("SELECT contact_id FROM unified_conversation WHERE id=?;", { id }) != contact)
         db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { contact, id });
     return id;
 }
 
-/// The account that a stored message belongs to; nothing if there is no such message.
+/// The account of a stored message; nothing if there is no such message.
 std::optional<QString> ownerOf(LocalDB& db, const QString& id)
 {
     return db.firstRow("SELECT c.account_id FROM unified_message m\n"
@@ -111,7 +111,7 @@ QString messageIdOf(LocalDB& db, const QString& accountSlug, const QString& prov
 std::optional<StoredMessage> storeMessage(
     LocalDB& db, const QString& channel, const QString& accountSlug, const IncomingMessage& message)
 {
-    // Asked once, so that a message never lands in another workspace than its conversation.
+    // Read once, so that a message and its conversation are in the same workspace.
     const QString workspace = activeWorkspaceId(db);
     const QString conversation = ensureConversationIn(
         db, workspace, channel, accountSlug, message.conversationExternalId, message.conversationTitle, message.ts);

@@ -28,8 +28,8 @@ const Table<UnifiedMsgRow> messages("unified_message m",
         { "m.subject", &UnifiedMsgRow::subject, "''" },
     });
 
-// Each conversation gives at most a page, found in the index alone, so that a page costs the same wherever it stands
-// and however long the thread is. The plus keeps SQLite from walking whole conversations instead.
+// Each conversation contributes at most one page, found in the index only, so that the cost of a page does not depend
+// on its position or the length of the thread. The unary plus keeps SQLite from walking whole conversations.
 const QString page = uR"(JOIN unified_conversation cc ON +m.conversation_id=cc.id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
 WHERE cc.contact_id=? AND +m.deleted_at IS NULL AND m.rowid IN (

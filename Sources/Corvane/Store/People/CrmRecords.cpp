@@ -82,7 +82,7 @@ const Table<PipelineDeal> pipelineDeals("crm_deal",
         { "close_date", &PipelineDeal::closeDate, "''" },
     });
 
-/// A note's id names its millisecond and contact; a second note within it takes the next one that is free.
+/// A note's id contains its millisecond and contact; a second note in it takes the next free one.
 QString freeNoteId(LocalDB& db, const QString& contactId)
 {
     for (qint64 ms = db.nowMs();; ++ms) {

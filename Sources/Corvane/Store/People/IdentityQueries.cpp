@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// From the contact to the one at the end of its live merges; empty if there is no such end.
+/// The contact at the end of the live merges; empty if they are circular.
 QStringList mergeChain(LocalDB& db, const QString& contact)
 {
     QStringList chain { contact };
@@ -27,7 +27,7 @@ QStringList mergeChain(LocalDB& db, const QString& contact)
     }
 }
 
-/// Notes the conversation in the live merge of its contact, unless it stands there.
+/// Adds the conversation to the live merge of its contact, unless it is there.
 bool recordInMerge(LocalDB& db, const QString& merged, const QString& conversation)
 {
     const auto merge = db.firstRow(
@@ -88,7 +88,7 @@ std::optional<QString> mergeContacts(LocalDB& db, const QString& primary, const 
             [](const SqlRow& row) { return row.text(0); });
     if (conversations.isEmpty())
         return std::nullopt;
-    // The record comes first: whatever ends the process from here on, the merge can be undone.
+    // The record is written first: even after a crash the merge can be undone.
     const qint64 now = db.nowMs();
     const QString id = stampedId(u"mg"_s, now);
     const bool recorded = db.run(
@@ -115,13 +115,13 @@ bool unmergeContacts(LocalDB& db, const QString& mergeId)
         log(u"LocalDB: the conversations of merge %1 cannot be read"_s.arg(mergeId));
         return false;
     }
-    // Marked last: an interrupted one is still live, and moving twice is moving once.
+    // Marked last: an interrupted unmerge is still live, and moving twice does no harm.
     bool returned = true;
     for (const QJsonValue& conversation : conversations.array())
         returned
             = db.run("UPDATE unified_conversation SET contact_id=? WHERE id=?;", { *merged, conversation.toString() })
             && returned;
-    // A picture is a file of one contact, so one that both have was lent.
+    // A picture is a file of one contact, so if both have it, it was copied.
     db.run(R"(UPDATE contact SET avatar_path=NULL, updated_at=?
 WHERE id=(SELECT primary_contact_id FROM contact_merge WHERE id=?)
   AND avatar_path=(SELECT NULLIF(avatar_path,'') FROM contact WHERE id=?);)",
@@ -135,7 +135,7 @@ void repeatMerges(LocalDB& db)
         QString conversation;
         QString contact;
     };
-    // The cross join holds the order of the loops: few are merged, and every conversation would be walked.
+    // The cross join fixes the loop order: few are merged, and otherwise every conversation would be walked.
     const auto returned = db.rows(R"(SELECT DISTINCT c.id, c.contact_id
 FROM contact_merge m CROSS JOIN unified_conversation c ON c.contact_id=m.merged_contact_id
 WHERE m.undone_at IS NULL AND c.deleted_at IS NULL;)",
@@ -167,7 +167,7 @@ QList<LiveMerge> activeMerges(LocalDB& db, const QString& primary)
 
 QList<ContactLink> fetchContactLinks(LocalDB& db)
 {
-    // Beside a MAX the other columns are those of its row.
+    // With MAX, SQLite takes the other columns from the same row.
     return db.rows(R"(SELECT ct.id, COALESCE(NULLIF(ct.display_name,''), NULLIF(c.title,''), c.external_id, '?'),
   c.channel, MAX(c.last_ts)
 FROM contact ct JOIN unified_conversation c ON c.contact_id=ct.id

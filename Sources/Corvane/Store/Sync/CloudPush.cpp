@@ -57,7 +57,7 @@ const QString isDue = uR"(WHERE c.workspace_id=? AND c.channel='WHATSAPP' AND c.
   AND c.last_ts > COALESCE(cur.last_synced_ms, 0))"_s
     + notKeptLocal;
 
-// The bounds by time alone are what the index of a thread is walked by.
+// Only the bounds by time can use the thread's index.
 const QString isLeftOut = uR"( m.deleted_at IS NULL AND m.ts>=l.from_ms AND m.ts<=l.to_ms
   AND (m.ts>l.from_ms OR m.id>l.from_id))"_s;
 

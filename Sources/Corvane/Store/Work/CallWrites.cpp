@@ -8,7 +8,7 @@ namespace corvane {
 
 namespace {
 
-/// A reference to a row of another table, which the empty text is not.
+/// A reference to another table's row; an empty text becomes NULL.
 std::optional<QString> reference(const QString& id)
 {
     return id.isEmpty() ? std::nullopt : std::optional(id);

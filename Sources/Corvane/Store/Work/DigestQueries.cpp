@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-// The few rows first, and only then what each of them says.
+// Selects the few rows first, then their details.
 const Table<InboxGlanceRow> glance(R"((SELECT * FROM unified_conversation c
    WHERE c.workspace_id=? AND c.deleted_at IS NULL AND c.archived_at IS NULL
    ORDER BY (c.unread > 0) DESC, c.last_ts DESC LIMIT ?) c)",

@@ -76,7 +76,7 @@ const Table<OpsOrderRow> orders("message m",
         { "m.status", &OpsOrderRow::status },
     });
 
-/// The rows of a table with its project beside each, where there is a table of projects.
+/// The rows of a table joined with their projects, if that table exists.
 template <typename Row>
 QList<Row> rowsWithProject(LocalDB& db, const Table<Row>& table, const QString& name, const QString& on,
     const QString& rest, const QList<SqlValue>& parameters)

@@ -14,7 +14,7 @@ const QString finished = u"lower(COALESCE(status,'')) IN ('done','closed','rejec
 const QString byPriority
     = u"ORDER BY CASE priority WHEN 'high' THEN 0 WHEN 'normal' THEN 1 ELSE 2 END, updated_at DESC, id\nLIMIT ?;"_s;
 
-// What a card shows of an item.
+// The columns shown on a card.
 const Table<WorkItemRecord> cards("work_item",
     {
         { "id", &WorkItemRecord::id },
@@ -106,7 +106,7 @@ const Table<WorkHit> projectHits("project",
         { "goal", &WorkHit::detail, "''" },
     });
 
-/// A text of a person for LIKE, with '\' before what has a meaning there.
+/// The user's text for LIKE, with special characters escaped by '\'.
 QString contains(QString words)
 {
     return u'%' + words.replace(u'\\', u"\\\\"_s).replace(u'%', u"\\%"_s).replace(u'_', u"\\_"_s) + u'%';
@@ -172,7 +172,7 @@ int count(LocalDB& db, const QString& table, const Condition& condition, const Q
         .toInt();
 }
 
-/// Lists that each stand newest first, as one that stands oldest first.
+/// Merges lists that are newest first into one that is oldest first.
 QList<WorkEvent> byTime(const QList<QList<WorkEvent>>& lists)
 {
     QList<WorkEvent> all;

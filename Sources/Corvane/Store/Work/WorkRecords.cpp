@@ -13,7 +13,7 @@ const QString byApproval
     = u"ORDER BY CASE status WHEN 'proposed' THEN 0 WHEN 'approved' THEN 1 ELSE 2 END, updated_at DESC\nLIMIT ?;"_s;
 const QString lastChangedFirst = u"ORDER BY updated_at DESC\nLIMIT ?;"_s;
 
-/// What every list here is: rows of a table that may not be there.
+/// All lists here: rows of a table that may not exist.
 template <typename Row>
 QList<Row> guardedRows(LocalDB& db, const Table<Row>& table, const QString& rest, const QList<SqlValue>& parameters)
 {
@@ -25,12 +25,12 @@ template <typename Row>
 QList<Row> moduleRows(LocalDB& db, const Table<Row>& table, const QString& order, const QString& module,
     const WorkContextId& context, int limit)
 {
-    // Two statements, since only a plain comparison finds the rows of one context by their index.
+    // Two statements, since only a plain comparison uses the index for one context.
     return context ? guardedRows(db, table, u"WHERE module=? AND context_id=?\n"_s + order, { module, *context, limit })
                    : guardedRows(db, table, u"WHERE module=?\n"_s + order, { module, limit });
 }
 
-/// A join that counts a context's rows in another table as `{alias}.n`; a table that is missing has none.
+/// A join that counts a context's rows in another table as `{alias}.n`; 0 if that table is missing.
 QString joinedCount(LocalDB& db, const QString& alias, const QString& table, const QString& which)
 {
     const QString counted = db.tableExists(table)

@@ -12,13 +12,13 @@ namespace {
 const QString noMetadata = u"{}"_s;
 const QString none = QLatin1StringView("");
 
-/// "{prefix}:native:{uuid}": a row that this program wrote.
+/// "{prefix}:native:{uuid}": a row written by this program.
 QString nativeId(const QString& prefix)
 {
     return prefix + u":native:"_s + uuidText();
 }
 
-/// One statement on a table that may not be there.
+/// A statement on a table that may not exist.
 bool runOn(LocalDB& db, const QString& table, const QString& sql, const QList<SqlValue>& parameters)
 {
     return db.tableExists(table) && db.run(sql, parameters);
@@ -30,7 +30,7 @@ void touchWorkContext(LocalDB& db, const WorkContextId& id, const QString& at)
         runOn(db, u"work_context"_s, u"UPDATE work_context SET updated_at=? WHERE id=?;"_s, { at, *id });
 }
 
-/// A new row, and the sign of life of its context.
+/// Inserts a row and touches its context.
 template <typename Row>
 bool save(LocalDB& db, const Table<Row>& table, const Row& row, const WorkContextId& context, GivenValues given,
     const char* onConflict = "")
@@ -44,13 +44,13 @@ bool save(LocalDB& db, const Table<Row>& table, const Row& row, const WorkContex
     return true;
 }
 
-/// The row as it is there now.
+/// The row as it is stored now.
 template <typename Row> std::optional<Row> saved(LocalDB& db, const Table<Row>& table, const QString& id)
 {
     return table.first(db, u"WHERE id=?;"_s, { id });
 }
 
-/// One row of a table moves on, and with it the context that it belongs to.
+/// Updates a row and touches its context.
 bool updateStatus(LocalDB& db, const QString& table, const QString& assignments, const QList<SqlValue>& values,
     const QString& id, const QString& status)
 {
@@ -164,7 +164,7 @@ std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSes
 
 std::optional<WorkAgentRecord> upsertWorkAgent(LocalDB& db, const NewWorkAgent& agent)
 {
-    const QString context = agent.context.value_or(none); // NULL never equals itself, and the key would not hold
+    const QString context = agent.context.value_or(none); // NULLs are distinct in a unique key
     const WorkAgentRecord row { .id = nativeId(u"agent"_s),
         .module = agent.module,
         .name = agent.name,
