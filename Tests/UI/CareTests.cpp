@@ -35,7 +35,7 @@ TEST_F(CareWindow, aPersonBacksUpLooksWhatIsWrongAndReadsTheHelp)
     press(Qt::Key_F1);
     rest();
     click(u"help.3"_s);
-    EXPECT_TRUE(item(u"help.text"_s)->property("text").toString().contains(u"the desktop's keyring"_s));
+    EXPECT_TRUE(item(u"help.text"_s)->property("text").toString().contains(u"The desktop's keyring"_s));
 }
 
 }

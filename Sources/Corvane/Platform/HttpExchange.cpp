@@ -58,6 +58,9 @@ QCoro::Task<Result<HttpReply>> awaitReply(
     HttpReply result;
     result.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     result.body = reply->readAll();
+    // Qt does not always tell that the server hung up in the middle of the body.
+    if (result.body.size() < reply->header(QNetworkRequest::ContentLengthHeader).toLongLong())
+        co_return failure(u"Connection closed"_s);
     result.location = QString::fromUtf8(reply->rawHeader("Location"));
     co_return result;
 }
