@@ -14,7 +14,7 @@ void drawCare(Gallery& gallery)
     gallery.save(u"settings-care"_s, { Look::Light, Look::DarkSmall });
     BackupKeeper& backups = gallery.app().backups();
     backups.backUpNow();
-    screens.doctor.examine();
+    screens.doctor.check();
     gallery.save(u"settings-care-busy"_s, { Look::Light });
     while (backups.busy() || screens.doctor.busy())
         gallery.wait(Milliseconds(100));

@@ -22,16 +22,16 @@ protected:
             makePrivate(place);
     }
 
-    Patient patient() const { return patientOf(m_home.paths(), m_defaults, m_clock.nowMs()); }
+    CheckedProfile profile() const { return checkedProfile(m_home.paths(), m_defaults, m_clock.nowMs()); }
 
     Finding finding(const QString& id) const
     {
-        const QList<Finding> findings = examine(patient());
+        const QList<Finding> findings = runChecks(profile());
         const auto found = std::ranges::find(findings, id, &Finding::id);
         return found == findings.end() ? Finding {} : *found;
     }
     QString state(const QString& id) const { return finding(id).state(); }
-    QStringList mended() const { return mend(patient(), examine(patient())); }
+    QStringList mended() const { return fixFindings(profile(), runChecks(profile())); }
 };
 
 }
@@ -76,14 +76,14 @@ TEST_F(Doctor, aDeletedLogAndADamagedDatabaseAreFailures)
     file.write(QByteArray(4096 * 3, '\x5a'));
     file.close();
     EXPECT_EQ(state(u"database"_s), u"failure"_s);
-    EXPECT_EQ(worst(examine(patient())), Health::Failure);
+    EXPECT_EQ(worst(runChecks(profile())), Health::Failure);
 }
 
 TEST_F(Doctor, aMailServerThatDoesNotAnswerIsNamed)
 {
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    Patient sick = patient();
+    CheckedProfile sick = profile();
     Account account;
     account.name = account.slug = u"shop"_s;
     account.channelRaw = u"EMAIL"_s;
@@ -92,7 +92,7 @@ TEST_F(Doctor, aMailServerThatDoesNotAnswerIsNamed)
         return u"{\"password\":\"p\",\"imap\":{\"host\":\"127.0.0.1\",\"port\":%1,\"security\":\"tls\"}}"_s.arg(port);
     };
     const auto mail = [&] {
-        const QList<Finding> findings = examine(sick);
+        const QList<Finding> findings = runChecks(sick);
         return std::ranges::find(findings, u"mail"_s, &Finding::id)->words;
     };
     sick.secrets.insert(u"shop"_s, secretFor(server.serverPort()));
@@ -103,17 +103,17 @@ TEST_F(Doctor, aMailServerThatDoesNotAnswerIsNamed)
             sick.secrets.value(u"shop"_s).section(u"\"port\":"_s, 1).section(u',', 0, 0)));
 }
 
-TEST_F(Doctor, theViewShowsWhatNeedsALookFirst)
+TEST_F(Doctor, theViewShowsWarningsFirst)
 {
     m_home.write("share/Corvane/accounts.json", "[{");
     BackgroundQueue background;
-    DoctorView view({ [this] { return patient(); }, background, m_clock });
-    view.examine();
+    DoctorView view({ [this] { return profile(); }, background, m_clock });
+    view.check();
     EXPECT_TRUE(view.busy());
     ASSERT_TRUE(await([&] { return !view.busy(); }));
     EXPECT_EQ(view.findings().first().health, Health::Failure);
-    EXPECT_TRUE(view.hint().contains(u" a look."_s));
-    view.examine();
+    EXPECT_TRUE(view.hint().contains(u" attention."_s));
+    view.check();
     view.cancel();
     ASSERT_TRUE(await([&] { return !view.busy(); }));
     EXPECT_FALSE(view.findings().isEmpty());

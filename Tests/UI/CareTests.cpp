@@ -25,11 +25,11 @@ TEST_F(CareWindow, aPersonBacksUpLooksWhatIsWrongAndReadsTheHelp)
     EXPECT_EQ(keptBackups(app.backups().folder()).size(), 1);
 
     home.write(u"share/Corvane/accounts.json"_s, "[{"_ba);
-    click(u"care.examine"_s);
+    click(u"care.check"_s);
     ASSERT_TRUE(await([this] { return !screens.doctor.busy(); }));
     rest();
     EXPECT_EQ(screens.doctor.findings().first().stateText(), u"Broken"_s);
-    EXPECT_NE(findItem(u"care.examine"_s), nullptr);
+    EXPECT_NE(findItem(u"care.check"_s), nullptr);
     picture();
 
     press(Qt::Key_F1);

@@ -59,7 +59,7 @@ QString PushSettings::stateKind() const
 QString PushSettings::dueText() const
 {
     if (!m_at.client.review())
-        return m_at.client.isLookingUp() ? u"Looking what waits…"_s : u"The messages could not be read."_s;
+        return m_at.client.isLookingUp() ? u"Checking what waits…"_s : u"The messages could not be read."_s;
     const PushReview& review = *m_at.client.review();
     if (review.threads.isEmpty())
         return u"Nothing waits: the web has every chat that may go."_s;
@@ -87,7 +87,7 @@ QString PushSettings::progressText() const
 {
     const SyncClient::Progress& progress = m_at.client.progress();
     if (progress.allChats == 0)
-        return u"Looking what waits…"_s;
+        return u"Checking what waits…"_s;
     const QLocale locale;
     return u"Chat %1 of %2 · %3 of %4 messages · %5"_s.arg(
         locale.toString(std::min(progress.chats + 1, progress.allChats)), locale.toString(progress.allChats),

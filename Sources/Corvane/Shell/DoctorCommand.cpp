@@ -83,15 +83,15 @@ int runDoctor(const TextCall& call)
     }
     const SystemScheduler scheduler;
     const UserDefaults defaults(paths.defaultsFile);
-    Patient patient = patientOf(paths, defaults, scheduler.nowMs());
-    patient.secrets = secretsInFile(paths);
-    patient.modelServer = modelChoice(defaults).serverUrl;
-    patient.hasCalendars = makeCalendarSource(paths)->access(calendarPlaces(defaults)) == CalendarAccess::Full;
-    patient.hasContacts = makeAddressBook(paths)->requestAccess(addressBookFolders(defaults));
-    QList<Finding> findings = examine(patient);
-    const QStringList done = fixes ? mend(patient, findings) : QStringList();
+    CheckedProfile profile = checkedProfile(paths, defaults, scheduler.nowMs());
+    profile.secrets = secretsInFile(paths);
+    profile.modelServer = modelChoice(defaults).serverUrl;
+    profile.hasCalendars = makeCalendarSource(paths)->access(calendarPlaces(defaults)) == CalendarAccess::Full;
+    profile.hasContacts = makeAddressBook(paths)->requestAccess(addressBookFolders(defaults));
+    QList<Finding> findings = runChecks(profile);
+    const QStringList done = fixes ? fixFindings(profile, findings) : QStringList();
     if (fixes)
-        findings = examine(patient);
+        findings = runChecks(profile);
     if (asJson) {
         QJsonArray array;
         for (const Finding& finding : findings)

@@ -5,7 +5,7 @@
 namespace corvane {
 
 /// `corvane doctor [--fix] [--json]`. It may run beside the program. The exit code: 0 where all is well, 1 where
-/// something needs a look, 2 where something is broken, or for wrong use.
+/// there are warnings, 2 for failures, or for wrong use.
 int runDoctor(const TextCall& call);
 
 }

@@ -25,19 +25,19 @@ namespace corvane {
 
 namespace {
 
-/// What a check-up looks at; of the secrets, those of mailboxes, which say where their servers are.
-Patient patient(CorvaneApp& app)
+/// What the checks looks at; of the secrets, those of mailboxes, which say where their servers are.
+CheckedProfile profile(CorvaneApp& app)
 {
-    Patient patient = patientOf(app.paths(), app.defaults(), app.scheduler().nowMs());
+    CheckedProfile profile = checkedProfile(app.paths(), app.defaults(), app.scheduler().nowMs());
     for (const Account& account : app.store().accounts()) {
         if (const auto secret = app.keychain().get(account.slug); secret && account.channel() == Channel::Email)
-            patient.secrets.insert(account.slug, *secret);
+            profile.secrets.insert(account.slug, *secret);
     }
-    patient.modelServer = modelChoice(app.defaults()).serverUrl;
+    profile.modelServer = modelChoice(app.defaults()).serverUrl;
     const CalendarStore& calendar = app.calendar().store;
-    patient.hasCalendars = calendar.surroundings().source.access(calendar.places()) == CalendarAccess::Full;
-    patient.hasContacts = app.addressBook().requestAccess(addressBookFolders(app.defaults()));
-    return patient;
+    profile.hasCalendars = calendar.surroundings().source.access(calendar.places()) == CalendarAccess::Full;
+    profile.hasContacts = app.addressBook().requestAccess(addressBookFolders(app.defaults()));
+    return profile;
 }
 
 }
@@ -64,7 +64,7 @@ Screens::Screens(CorvaneApp& root)
     , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
     , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
           app.defaults(), app.paths().home })
-    , doctor({ [this] { return patient(app); }, app.background(), app.scheduler() })
+    , doctor({ [this] { return profile(app); }, app.background(), app.scheduler() })
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)

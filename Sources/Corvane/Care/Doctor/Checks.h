@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Care/Doctor/CheckedProfile.h"
 #include "Care/Doctor/Finding.h"
-#include "Care/Doctor/Patient.h"
 
 namespace corvane {
 
@@ -23,42 +23,42 @@ inline CheckResult good(const QString& words)
 namespace checks {
 
 // Of the profile: StoreChecks.cpp and ProfileChecks.cpp.
-CheckResult database(const Patient& patient);
-CheckResult schema(const Patient& patient);
-CheckResult databaseSize(const Patient& patient);
-CheckResult databaseLog(const Patient& patient);
-CheckResult decisions(const Patient& patient);
-CheckResult disk(const Patient& patient);
-CheckResult folders(const Patient& patient);
-CheckResult accounts(const Patient& patient);
-CheckResult backups(const Patient& patient);
+CheckResult database(const CheckedProfile& profile);
+CheckResult schema(const CheckedProfile& profile);
+CheckResult databaseSize(const CheckedProfile& profile);
+CheckResult databaseLog(const CheckedProfile& profile);
+CheckResult decisions(const CheckedProfile& profile);
+CheckResult disk(const CheckedProfile& profile);
+CheckResult folders(const CheckedProfile& profile);
+CheckResult accounts(const CheckedProfile& profile);
+CheckResult backups(const CheckedProfile& profile);
 
 // Of the machine: MachineChecks.cpp.
-CheckResult node(const Patient& patient);
-CheckResult engines(const Patient& patient);
-CheckResult toolServer(const Patient& patient);
-CheckResult keyring(const Patient& patient);
-CheckResult notifications(const Patient& patient);
-CheckResult tray(const Patient& patient);
-CheckResult portals(const Patient& patient);
-CheckResult sound(const Patient& patient);
-CheckResult speech(const Patient& patient);
-CheckResult modelServer(const Patient& patient);
-CheckResult codex(const Patient& patient);
-CheckResult browser(const Patient& patient);
-CheckResult calendars(const Patient& patient);
-CheckResult contacts(const Patient& patient);
-CheckResult mailServers(const Patient& patient);
-CheckResult clock(const Patient& patient);
+CheckResult node(const CheckedProfile& profile);
+CheckResult engines(const CheckedProfile& profile);
+CheckResult toolServer(const CheckedProfile& profile);
+CheckResult keyring(const CheckedProfile& profile);
+CheckResult notifications(const CheckedProfile& profile);
+CheckResult tray(const CheckedProfile& profile);
+CheckResult portals(const CheckedProfile& profile);
+CheckResult sound(const CheckedProfile& profile);
+CheckResult speech(const CheckedProfile& profile);
+CheckResult modelServer(const CheckedProfile& profile);
+CheckResult codex(const CheckedProfile& profile);
+CheckResult browser(const CheckedProfile& profile);
+CheckResult calendars(const CheckedProfile& profile);
+CheckResult contacts(const CheckedProfile& profile);
+CheckResult mailServers(const CheckedProfile& profile);
+CheckResult clock(const CheckedProfile& profile);
 
 }
 
 namespace fixes {
 
-std::optional<QString> schema(const Patient& patient);
-std::optional<QString> databaseSize(const Patient& patient); ///< blocks other writers while it runs
-std::optional<QString> databaseLog(const Patient& patient);
-std::optional<QString> folders(const Patient& patient);
+std::optional<QString> schema(const CheckedProfile& profile);
+std::optional<QString> databaseSize(const CheckedProfile& profile); ///< blocks other writers while it runs
+std::optional<QString> databaseLog(const CheckedProfile& profile);
+std::optional<QString> folders(const CheckedProfile& profile);
 
 }
 

@@ -11,8 +11,8 @@ namespace {
 struct Check {
     const char16_t* id;
     const char16_t* title;
-    CheckResult (*look)(const Patient& patient);
-    std::optional<QString> (*fix)(const Patient& patient) = nullptr;
+    CheckResult (*look)(const CheckedProfile& profile);
+    std::optional<QString> (*fix)(const CheckedProfile& profile) = nullptr;
 };
 
 /// The log comes before whatever opens the database, which makes a missing one anew.
@@ -70,35 +70,35 @@ QString Finding::stateText() const
     case Health::Good:
         return u"Good"_s;
     case Health::Warning:
-        return u"Look at this"_s;
+        return u"Warning"_s;
     case Health::Failure:
         return u"Broken"_s;
     }
     Q_UNREACHABLE();
 }
 
-QList<Finding> examine(const Patient& patient, const CheckUp& checkUp)
+QList<Finding> runChecks(const CheckedProfile& profile, const CheckProgress& progress)
 {
     QList<Finding> findings;
     for (const Check& check : table) {
-        if (checkUp.stopped && *checkUp.stopped)
+        if (progress.stopped && *progress.stopped)
             break;
-        checkUp.begins(text(check.title));
-        const CheckResult result = check.look(patient);
+        progress.begins(text(check.title));
+        const CheckResult result = check.look(profile);
         findings.append({ text(check.id), text(check.title), result.health, result.words, result.advice,
             check.fix && result.health != Health::Good });
     }
     return findings;
 }
 
-QStringList mend(const Patient& patient, const QList<Finding>& findings)
+QStringList fixFindings(const CheckedProfile& profile, const QList<Finding>& findings)
 {
     QStringList done;
     for (const Check& check : table) {
         const auto found = std::ranges::find(findings, text(check.id), &Finding::id);
         if (found == findings.end() || !found->canFix)
             continue;
-        if (const auto words = check.fix(patient))
+        if (const auto words = check.fix(profile))
             done.append(*words);
     }
     return done;

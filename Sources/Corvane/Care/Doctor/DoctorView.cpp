@@ -55,14 +55,14 @@ DoctorView::~DoctorView()
 QString DoctorView::hint() const
 {
     if (m_run)
-        return u"Looking at: %1…"_s.arg(m_run->current());
+        return u"Checking: %1…"_s.arg(m_run->current());
     if (m_findings.isEmpty())
-        return u"Looks at the database, the disk, engines, mail servers and the desktop. It changes nothing."_s;
+        return u"Checks the database, the disk, engines, mail servers and the desktop. It changes nothing."_s;
     const auto count
         = std::ranges::count_if(m_findings, [](const Finding& finding) { return finding.health != Health::Good; });
     if (count == 0)
         return u"Everything is in order."_s;
-    return count == 1 ? u"One thing needs a look."_s : u"%1 things need a look."_s.arg(count);
+    return count == 1 ? u"One check needs attention."_s : u"%1 checks need attention."_s.arg(count);
 }
 
 bool DoctorView::canFix() const
@@ -70,7 +70,7 @@ bool DoctorView::canFix() const
     return !busy() && std::ranges::any_of(m_findings, &Finding::canFix);
 }
 
-void DoctorView::examine()
+void DoctorView::check()
 {
     m_fixed.clear();
     start(false);
@@ -88,10 +88,10 @@ void DoctorView::start(bool mends)
     m_run = std::make_shared<Run>();
     m_ticks = m_at.scheduler.every(tick, [this] { Q_EMIT changed(); });
     m_at.background.run<Outcome>(
-        [patient = m_at.patient(), run = m_run, findings = mends ? m_findings : QList<Finding>()] {
-            const QStringList fixed = corvane::mend(patient, findings);
-            const CheckUp checkUp { [run](const QString& title) { run->begin(title); }, &run->stopped };
-            return Outcome { fixed, worstFirst(corvane::examine(patient, checkUp)) };
+        [profile = m_at.profile(), run = m_run, findings = mends ? m_findings : QList<Finding>()] {
+            const QStringList fixed = fixFindings(profile, findings);
+            const CheckProgress progress { [run](const QString& title) { run->begin(title); }, &run->stopped };
+            return Outcome { fixed, worstFirst(runChecks(profile, progress)) };
         },
         [self = QPointer(this)](const Outcome& outcome) {
             if (!self)

@@ -14,14 +14,14 @@ class DoctorView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label CONSTANT)
     Q_PROPERTY(QString hint READ hint NOTIFY changed) ///< what came of the last one, or what runs now
-    Q_PROPERTY(QList<corvane::Finding> findings READ findings NOTIFY changed) ///< what needs a look stands first
+    Q_PROPERTY(QList<corvane::Finding> findings READ findings NOTIFY changed) ///< warnings and failures first
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(bool canFix READ canFix NOTIFY changed)
     Q_PROPERTY(QString fixed READ fixed NOTIFY changed) ///< what the last repair did, a line each
 public:
-    /// `patient` is called on the main thread at each check-up. All of it outlives the object.
+    /// `profile` is called on the main thread at each check-up. All of it outlives the object.
     struct Surroundings {
-        std::function<Patient()> patient;
+        std::function<CheckedProfile()> profile;
         BackgroundQueue& background;
         Scheduler& scheduler;
     };
@@ -36,7 +36,7 @@ public:
     bool canFix() const;
     QString fixed() const { return m_fixed.join(u'\n'); }
 
-    Q_INVOKABLE void examine();
+    Q_INVOKABLE void check();
     Q_INVOKABLE void cancel();
     Q_INVOKABLE void fix(); ///< what can be put right, and looks again
 

@@ -46,9 +46,9 @@ CheckResult ofDesktop(bool isThere, const QString& words, const QString& without
 
 }
 
-CheckResult checks::node(const Patient& patient)
+CheckResult checks::node(const CheckedProfile& profile)
 {
-    const QString node = nodePath(engineDir(patient.paths));
+    const QString node = nodePath(engineDir(profile.paths));
     const QString advice = u"Install Node 22.6 or newer, or name one in CORVANE_NODE. Engines run on it."_s;
     const auto printed = node.endsWith("/env"_L1) ? programOutput(node, { u"node"_s, u"--version"_s })
                                                   : programOutput(node, { u"--version"_s });
@@ -60,9 +60,9 @@ CheckResult checks::node(const Patient& patient)
     return good(u"%1 (%2)."_s.arg(version, node));
 }
 
-CheckResult checks::engines(const Patient& patient)
+CheckResult checks::engines(const CheckedProfile& profile)
 {
-    const QString folder = engineDir(patient.paths);
+    const QString folder = engineDir(profile.paths);
     const QString advice = u"Install Corvane again, or run tools/setup in its source folder."_s;
     if (!QFileInfo::exists(folder + u"/src/main.ts"_s))
         return { Health::Failure, u"Their programs are not in %1."_s.arg(folder), advice };
@@ -71,53 +71,53 @@ CheckResult checks::engines(const Patient& patient)
     return good(u"They are in %1."_s.arg(folder));
 }
 
-CheckResult checks::toolServer(const Patient& patient)
+CheckResult checks::toolServer(const CheckedProfile& profile)
 {
     const QString port = QString::number(toolServerPort);
     if (!answersAt(u"127.0.0.1"_s, toolServerPort))
         return { Health::Good, u"It does not run; port %1 is free."_s.arg(port),
             u"Corvane starts it. Agents reach this profile only while it runs."_s };
-    if (!accessFacts(patient.paths.applicationSupport + u"/mcp-token"_s).exists)
+    if (!accessFacts(profile.paths.applicationSupport + u"/mcp-token"_s).exists)
         return { Health::Warning, u"Another program listens on port %1."_s.arg(port),
             u"It may be another profile of Corvane. End it, then start Corvane again."_s };
     return good(u"It answers on port %1."_s.arg(port));
 }
 
-CheckResult checks::keyring(const Patient&)
+CheckResult checks::keyring(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().keyring, u"The desktop's keyring answers."_s,
         u"There is none: passwords are kept in a private file."_s,
         u"Install a keyring such as gnome-keyring or KeePassXC. What is in the file moves there."_s);
 }
 
-CheckResult checks::notifications(const Patient&)
+CheckResult checks::notifications(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().notifications, u"The desktop shows banners."_s,
         u"Nobody shows banners on this desktop."_s, u"Install a notification daemon, such as dunst or mako."_s);
 }
 
-CheckResult checks::tray(const Patient&)
+CheckResult checks::tray(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().trayHost, u"The desktop has a tray."_s, u"This desktop has no tray."_s,
         u"On GNOME, install the extension AppIndicator. Without a tray the program runs on when its window is closed."_s);
 }
 
-CheckResult checks::portals(const Patient&)
+CheckResult checks::portals(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().portal, u"The desktop's portal answers."_s,
         u"There is no portal: files cannot be picked in the desktop's own window."_s,
         u"Install xdg-desktop-portal and the one of your desktop, such as xdg-desktop-portal-gtk."_s);
 }
 
-CheckResult checks::sound(const Patient&)
+CheckResult checks::sound(const CheckedProfile&)
 {
     return ofDesktop(soundServerAnswers(), u"The sound server answers."_s,
         u"No sound server answers: nothing is played or recorded."_s, u"Start PipeWire or PulseAudio."_s);
 }
 
-CheckResult checks::speech(const Patient& patient)
+CheckResult checks::speech(const CheckedProfile& profile)
 {
-    const QDir models(patient.paths.applicationSupport + u"/Models/Speech"_s);
+    const QDir models(profile.paths.applicationSupport + u"/Models/Speech"_s);
     const bool hasModel = !models.entryList({ u"*.bin"_s }, QDir::Files).isEmpty();
     const bool hasWhisper = QFileInfo(QCoreApplication::applicationDirPath() + u"/corvane-whisper"_s).isExecutable();
     if (hasModel && !hasWhisper)
@@ -130,57 +130,57 @@ CheckResult checks::speech(const Patient& patient)
         u"Nothing recognises speech."_s, u"Install pocketsphinx, or a model in Settings > Voice."_s);
 }
 
-CheckResult checks::modelServer(const Patient& patient)
+CheckResult checks::modelServer(const CheckedProfile& profile)
 {
     QStringList servers { u"http://127.0.0.1:11434"_s, u"http://127.0.0.1:8080"_s };
-    if (!patient.modelServer.isEmpty())
-        servers = { patient.modelServer };
+    if (!profile.modelServer.isEmpty())
+        servers = { profile.modelServer };
     for (const QString& server : servers) {
         const QUrl url(server);
         if (answersAt(url.host(), url.port(80)))
             return good(u"A model server answers at %1."_s.arg(server));
     }
-    return expected(patient.modelServer.isEmpty(), u"None runs; drafts and summaries are off."_s,
-        u"The one that you set does not answer: %1."_s.arg(patient.modelServer),
+    return expected(profile.modelServer.isEmpty(), u"None runs; drafts and summaries are off."_s,
+        u"The one that you set does not answer: %1."_s.arg(profile.modelServer),
         u"Start it, or choose another in Settings > Assistant."_s);
 }
 
-CheckResult checks::codex(const Patient& patient)
+CheckResult checks::codex(const CheckedProfile& profile)
 {
-    for (const QString& place : codexCandidates(patient.paths.home)) {
+    for (const QString& place : codexCandidates(profile.paths.home)) {
         if (QFileInfo(place).isExecutable())
             return good(place + u'.');
     }
     return good(u"It is not installed, and needed only where it is chosen as the assistant."_s);
 }
 
-CheckResult checks::browser(const Patient&)
+CheckResult checks::browser(const CheckedProfile&)
 {
     const QString path = firstInstalled({ u"chromium"_s, u"chromium-browser"_s, u"google-chrome"_s });
     return addition(!path.isEmpty(), path + u'.', u"There is no Chromium."_s,
         u"Install chromium to preview pages in the developer workspace."_s);
 }
 
-CheckResult checks::calendars(const Patient& patient)
+CheckResult checks::calendars(const CheckedProfile& profile)
 {
-    return addition(patient.hasCalendars, u"There is a calendar to read."_s, u"There is no calendar to read."_s,
+    return addition(profile.hasCalendars, u"There is a calendar to read."_s, u"There is no calendar to read."_s,
         u"Keep calendars in ~/.local/share/calendars, as vdirsyncer does, or name a folder in Settings > Calendar."_s);
 }
 
-CheckResult checks::contacts(const Patient& patient)
+CheckResult checks::contacts(const CheckedProfile& profile)
 {
-    return addition(patient.hasContacts, u"There is an address book to read."_s, u"There is no address book to read."_s,
+    return addition(profile.hasContacts, u"There is an address book to read."_s, u"There is no address book to read."_s,
         u"Keep contacts in ~/.local/share/contacts, as vdirsyncer does."_s);
 }
 
-CheckResult checks::mailServers(const Patient& patient)
+CheckResult checks::mailServers(const CheckedProfile& profile)
 {
     QStringList silent;
     int answered = 0;
-    for (const Account& account : patient.accounts.value_or(QList<Account>())) {
-        if (account.channel() != Channel::Email || !patient.secrets.contains(account.slug))
+    for (const Account& account : profile.accounts.value_or(QList<Account>())) {
+        if (account.channel() != Channel::Email || !profile.secrets.contains(account.slug))
             continue;
-        const MailSettings settings = mailSettings(patient.secrets.value(account.slug));
+        const MailSettings settings = mailSettings(profile.secrets.value(account.slug));
         for (const auto& server : { settings.imap, settings.smtp }) {
             if (!server)
                 continue;
@@ -196,11 +196,11 @@ CheckResult checks::mailServers(const Patient& patient)
     return good(answered == 0 ? u"No account names a server of its own."_s : u"All of them answer."_s);
 }
 
-CheckResult checks::clock(const Patient& patient)
+CheckResult checks::clock(const CheckedProfile& profile)
 {
-    const QString now = QLocale().toString(QDateTime::fromMSecsSinceEpoch(patient.nowMs), QLocale::ShortFormat);
-    const auto db = SqlConnection::reader(patient.paths.database(), std::make_shared<std::atomic<bool>>(false));
-    if (newestMessageMs(*db) > patient.nowMs + dayMs)
+    const QString now = QLocale().toString(QDateTime::fromMSecsSinceEpoch(profile.nowMs), QLocale::ShortFormat);
+    const auto db = SqlConnection::reader(profile.paths.database(), std::make_shared<std::atomic<bool>>(false));
+    if (newestMessageMs(*db) > profile.nowMs + dayMs)
         return { Health::Warning, u"It says %1, and there are messages from later."_s.arg(now),
             u"Set the clock, or let the network set it: timedatectl set-ntp true."_s };
     if (clockIsSynchronised() == false)

@@ -22,19 +22,19 @@ constexpr qint64 noRoom = 100LL * 1024 * 1024;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
 /// What nobody else may read, of what is there.
-QStringList privatePlaces(const Patient& patient)
+QStringList privatePlaces(const CheckedProfile& profile)
 {
-    const QString& data = patient.paths.applicationSupport;
-    QStringList places { data, patient.paths.database(), data + u"/accounts.json"_s, data + u"/mcp-token"_s,
-        data + u"/media"_s, data + u"/secrets"_s, patient.paths.secretsFile(),
-        QFileInfo(patient.paths.defaultsFile).path(), patient.paths.defaultsFile };
+    const QString& data = profile.paths.applicationSupport;
+    QStringList places { data, profile.paths.database(), data + u"/accounts.json"_s, data + u"/mcp-token"_s,
+        data + u"/media"_s, data + u"/secrets"_s, profile.paths.secretsFile(),
+        QFileInfo(profile.paths.defaultsFile).path(), profile.paths.defaultsFile };
     places.removeIf([](const QString& place) { return !accessFacts(place).exists; });
     return places;
 }
 
-QStringList openPlaces(const Patient& patient)
+QStringList openPlaces(const CheckedProfile& profile)
 {
-    QStringList places = privatePlaces(patient);
+    QStringList places = privatePlaces(profile);
     places.removeIf([](const QString& place) {
         const AccessFacts facts = accessFacts(place);
         return facts.isPrivate && facts.isUsable;
@@ -44,22 +44,22 @@ QStringList openPlaces(const Patient& patient)
 
 }
 
-Patient patientOf(const AppPaths& paths, const UserDefaults& defaults, qint64 nowMs)
+CheckedProfile checkedProfile(const AppPaths& paths, const UserDefaults& defaults, qint64 nowMs)
 {
-    Patient patient { paths, nowMs, QList<Account>() };
+    CheckedProfile profile { paths, nowMs, QList<Account>() };
     const QString accounts = paths.applicationSupport + u"/accounts.json"_s;
     if (QFileInfo::exists(accounts)) {
         const auto file = openPlainFile(accounts);
-        patient.accounts = file ? decodeAccounts(file->readAll()) : std::nullopt;
+        profile.accounts = file ? decodeAccounts(file->readAll()) : std::nullopt;
     }
-    patient.backups = backupFolder(paths, defaults);
-    patient.backsUpDaily = backsUpDaily(defaults);
-    return patient;
+    profile.backups = backupFolder(paths, defaults);
+    profile.backsUpDaily = backsUpDaily(defaults);
+    return profile;
 }
 
-CheckResult checks::disk(const Patient& patient)
+CheckResult checks::disk(const CheckedProfile& profile)
 {
-    QString folder = patient.paths.applicationSupport;
+    QString folder = profile.paths.applicationSupport;
     while (!QFileInfo::exists(folder))
         folder = QFileInfo(folder).path();
     const QStorageInfo disk(folder);
@@ -73,12 +73,12 @@ CheckResult checks::disk(const Patient& patient)
     return good(words);
 }
 
-CheckResult checks::folders(const Patient& patient)
+CheckResult checks::folders(const CheckedProfile& profile)
 {
     QStringList unusable;
     QStringList strange;
-    const QStringList open = openPlaces(patient);
-    for (const QString& place : privatePlaces(patient)) {
+    const QStringList open = openPlaces(profile);
+    for (const QString& place : privatePlaces(profile)) {
         const AccessFacts facts = accessFacts(place);
         if (!facts.isOwn)
             strange.append(place);
@@ -94,14 +94,14 @@ CheckResult checks::folders(const Patient& patient)
     if (!open.isEmpty())
         return { Health::Warning, u"Other users may look into %1."_s.arg(open.join(u", "_s)),
             u"corvane doctor --fix closes it to them."_s };
-    return good(u"They belong to you alone: %1."_s.arg(patient.paths.applicationSupport));
+    return good(u"They belong to you alone: %1."_s.arg(profile.paths.applicationSupport));
 }
 
-std::optional<QString> fixes::folders(const Patient& patient)
+std::optional<QString> fixes::folders(const CheckedProfile& profile)
 {
     QStringList closed;
     // A folder that was shut to its owner hides what is wrong below it.
-    for (QStringList open = openPlaces(patient); !open.isEmpty(); open = openPlaces(patient)) {
+    for (QStringList open = openPlaces(profile); !open.isEmpty(); open = openPlaces(profile)) {
         open.removeIf([](const QString& place) { return !makePrivate(place); });
         if (open.isEmpty())
             break;
@@ -111,28 +111,28 @@ std::optional<QString> fixes::folders(const Patient& patient)
                             : std::optional(u"Made usable by you alone: %1."_s.arg(closed.join(u", "_s)));
 }
 
-CheckResult checks::accounts(const Patient& patient)
+CheckResult checks::accounts(const CheckedProfile& profile)
 {
-    if (!patient.accounts)
-        return { Health::Failure, u"%1/accounts.json does not read."_s.arg(patient.paths.applicationSupport),
+    if (!profile.accounts)
+        return { Health::Failure, u"%1/accounts.json does not read."_s.arg(profile.paths.applicationSupport),
             u"Restore it from a backup, or connect the accounts again: a copy is kept before it is written over."_s };
     const auto paused = std::ranges::count_if(
-        *patient.accounts, [](const Account& account) { return account.paused.value_or(false); });
-    const QString count = countWords(patient.accounts->size(), u"account"_s, u"accounts"_s);
+        *profile.accounts, [](const Account& account) { return account.paused.value_or(false); });
+    const QString count = countWords(profile.accounts->size(), u"account"_s, u"accounts"_s);
     if (paused == 0)
         return good(count + u'.');
     return { Health::Good, u"%1, %2 paused."_s.arg(count).arg(paused),
         u"Paused ones bring nothing until they are resumed in Settings > Accounts."_s };
 }
 
-CheckResult checks::backups(const Patient& patient)
+CheckResult checks::backups(const CheckedProfile& profile)
 {
-    const QList<KeptBackup> kept = keptBackups(patient.backups);
+    const QList<KeptBackup> kept = keptBackups(profile.backups);
     if (kept.isEmpty())
-        return { patient.backsUpDaily ? Health::Warning : Health::Good, u"There is none in %1."_s.arg(patient.backups),
+        return { profile.backsUpDaily ? Health::Warning : Health::Good, u"There is none in %1."_s.arg(profile.backups),
             u"Turn on daily backups in Settings > Care, or corvane backup FILE."_s };
-    const QString words = u"The last one was made %1."_s.arg(DateWords(patient.nowMs).ago(kept.first().madeAtMs));
-    if (patient.backsUpDaily && patient.nowMs - kept.first().madeAtMs > 3 * dayMs)
+    const QString words = u"The last one was made %1."_s.arg(DateWords(profile.nowMs).ago(kept.first().madeAtMs));
+    if (profile.backsUpDaily && profile.nowMs - kept.first().madeAtMs > 3 * dayMs)
         return { Health::Warning, words, u"Backups are on, but none came. Settings > Care says why."_s };
     return good(words);
 }

@@ -20,20 +20,20 @@ namespace {
 constexpr qint64 largestLog = 256 * 1024 * 1024; // SQLite itself keeps it near 4 MiB
 constexpr qint64 muchFree = 64 * 1024 * 1024;
 
-std::unique_ptr<SqlConnection> reader(const Patient& patient)
+std::unique_ptr<SqlConnection> reader(const CheckedProfile& profile)
 {
-    return SqlConnection::reader(patient.paths.database(), std::make_shared<std::atomic<bool>>(false));
+    return SqlConnection::reader(profile.paths.database(), std::make_shared<std::atomic<bool>>(false));
 }
 
-bool isThere(const Patient& patient)
+bool isThere(const CheckedProfile& profile)
 {
-    return QFileInfo::exists(patient.paths.database());
+    return QFileInfo::exists(profile.paths.database());
 }
 
 /// Why there is nothing to look at; nothing where the database answers.
-std::optional<CheckResult> unread(const Patient& patient, SqlConnection& db)
+std::optional<CheckResult> unread(const CheckedProfile& profile, SqlConnection& db)
 {
-    if (!isThere(patient))
+    if (!isThere(profile))
         return good(u"There is none yet."_s);
     if (tableColumns(db).isEmpty())
         return good(u"Not looked at, since the database does not open."_s);
@@ -42,9 +42,9 @@ std::optional<CheckResult> unread(const Patient& patient, SqlConnection& db)
 
 /// A connection that brings the schema up to date, on the thread that asks.
 struct OwnDatabase {
-    OwnDatabase(const QString& path, const Patient& patient)
-        : defaults(patient.paths.defaultsFile)
-        , db(path, { patient.paths.resources, patient.paths.home }, scheduler, defaults, nobody)
+    OwnDatabase(const QString& path, const CheckedProfile& profile)
+        : defaults(profile.paths.defaultsFile)
+        , db(path, { profile.paths.resources, profile.paths.home }, scheduler, defaults, nobody)
     {
     }
 
@@ -55,10 +55,10 @@ struct OwnDatabase {
 };
 
 /// Tables, and columns as "table.column", that this program uses and the file lacks.
-QStringList missingIn(SqlConnection& db, const Patient& patient)
+QStringList missingIn(SqlConnection& db, const CheckedProfile& profile)
 {
     const QTemporaryDir folder;
-    const OwnDatabase model(folder.filePath(u"model.db"_s), patient);
+    const OwnDatabase model(folder.filePath(u"model.db"_s), profile);
     const auto wanted
         = tableColumns(*SqlConnection::reader(model.db.path(), std::make_shared<std::atomic<bool>>(false)));
     const auto present = tableColumns(db);
@@ -76,22 +76,22 @@ QStringList missingIn(SqlConnection& db, const Patient& patient)
     return missing;
 }
 
-qint64 logBytes(const Patient& patient)
+qint64 logBytes(const CheckedProfile& profile)
 {
-    return QFileInfo(patient.paths.database() + u"-wal"_s).size();
+    return QFileInfo(profile.paths.database() + u"-wal"_s).size();
 }
 
 }
 
-CheckResult checks::database(const Patient& patient)
+CheckResult checks::database(const CheckedProfile& profile)
 {
-    const QString path = patient.paths.database();
+    const QString path = profile.paths.database();
     if (const auto aside = awaitingChoice(path))
         return { Health::Failure, u"It was damaged and moved to %1; nothing is in its place."_s.arg(*aside),
             u"Start Corvane and choose what takes its place, or corvane --recover save."_s };
-    if (!isThere(patient))
+    if (!isThere(profile))
         return { Health::Good, u"There is none yet. The first start makes it."_s };
-    const auto db = reader(patient);
+    const auto db = reader(profile);
     const QString trouble = db->isOpen() ? integrityTrouble(*db) : u"It cannot be opened."_s;
     if (trouble.isEmpty())
         return good(u"It is sound."_s);
@@ -102,28 +102,28 @@ CheckResult checks::database(const Patient& patient)
                    : u"Give yourself the right to read and write it: corvane doctor --fix does."_s };
 }
 
-CheckResult checks::schema(const Patient& patient)
+CheckResult checks::schema(const CheckedProfile& profile)
 {
-    const auto db = reader(patient);
-    if (const auto nothing = unread(patient, *db))
+    const auto db = reader(profile);
+    if (const auto nothing = unread(profile, *db))
         return *nothing;
-    const QStringList missing = missingIn(*db, patient);
+    const QStringList missing = missingIn(*db, profile);
     if (missing.isEmpty())
         return good(u"All of them are there."_s);
     return { Health::Warning, u"Missing: %1."_s.arg(missing.join(u", "_s)),
         u"Start Corvane once, or corvane doctor --fix: both add them."_s };
 }
 
-std::optional<QString> fixes::schema(const Patient& patient)
+std::optional<QString> fixes::schema(const CheckedProfile& profile)
 {
-    const bool opened = OwnDatabase(patient.paths.database(), patient).db.isOpen();
+    const bool opened = OwnDatabase(profile.paths.database(), profile).db.isOpen();
     return opened ? std::optional(u"Added the tables and columns that were missing."_s) : std::nullopt;
 }
 
-CheckResult checks::databaseSize(const Patient& patient)
+CheckResult checks::databaseSize(const CheckedProfile& profile)
 {
-    const auto db = reader(patient);
-    if (const auto nothing = unread(patient, *db))
+    const auto db = reader(profile);
+    if (const auto nothing = unread(profile, *db))
         return *nothing;
     const FileFigures figures = fileFigures(*db);
     const QString size = sizeWords(figures.bytes());
@@ -134,41 +134,41 @@ CheckResult checks::databaseSize(const Patient& patient)
         u"corvane doctor --fix writes it anew without. Engines wait meanwhile."_s };
 }
 
-std::optional<QString> fixes::databaseSize(const Patient& patient)
+std::optional<QString> fixes::databaseSize(const CheckedProfile& profile)
 {
-    const qint64 before = QFileInfo(patient.paths.database()).size();
-    OwnDatabase own(patient.paths.database(), patient);
+    const qint64 before = QFileInfo(profile.paths.database()).size();
+    OwnDatabase own(profile.paths.database(), profile);
     if (!own.db.isOpen() || !compact(own.db))
         return std::nullopt;
-    const qint64 after = QFileInfo(patient.paths.database()).size();
+    const qint64 after = QFileInfo(profile.paths.database()).size();
     return u"Wrote the database anew: %1 in place of %2."_s.arg(sizeWords(after), sizeWords(before));
 }
 
-CheckResult checks::databaseLog(const Patient& patient)
+CheckResult checks::databaseLog(const CheckedProfile& profile)
 {
-    const QString path = patient.paths.database();
+    const QString path = profile.paths.database();
     const bool hasLog = QFileInfo::exists(path + u"-wal"_s);
     if (!hasLog && QFileInfo::exists(path + u"-shm"_s))
         return { Health::Failure, u"%1-wal is gone, although the database was not closed."_s.arg(path),
             u"What was written last may be lost. Quit Corvane, start it again, and compare with the latest backup."_s };
-    if (logBytes(patient) > largestLog)
-        return { Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(patient))),
+    if (logBytes(profile) > largestLog)
+        return { Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(profile))),
             u"Some program reads without an end. Quit Corvane and other readers, then corvane doctor --fix."_s };
-    return good(hasLog ? u"It takes %1."_s.arg(sizeWords(logBytes(patient))) : u"It is empty."_s);
+    return good(hasLog ? u"It takes %1."_s.arg(sizeWords(logBytes(profile))) : u"It is empty."_s);
 }
 
-std::optional<QString> fixes::databaseLog(const Patient& patient)
+std::optional<QString> fixes::databaseLog(const CheckedProfile& profile)
 {
-    if (!QFileInfo::exists(patient.paths.database() + u"-wal"_s))
+    if (!QFileInfo::exists(profile.paths.database() + u"-wal"_s))
         return std::nullopt;
-    OwnDatabase own(patient.paths.database(), patient);
+    OwnDatabase own(profile.paths.database(), profile);
     return own.db.isOpen() && emptyLog(own.db) ? std::optional(u"Moved the log into the database."_s) : std::nullopt;
 }
 
-CheckResult checks::decisions(const Patient& patient)
+CheckResult checks::decisions(const CheckedProfile& profile)
 {
-    const auto db = reader(patient);
-    if (const auto nothing = unread(patient, *db))
+    const auto db = reader(profile);
+    if (const auto nothing = unread(profile, *db))
         return *nothing;
     if (!tableColumns(*db).contains(u"approval_record"_s))
         return good(u"No decision has been recorded yet."_s);

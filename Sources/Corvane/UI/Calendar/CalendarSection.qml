@@ -17,7 +17,7 @@ Column {
             label: section.calendar.stateText
             Button {
                 objectName: "calendarSettings.connect"
-                text: section.calendar.connected ? qsTr("Look again") : qsTr("Connect Calendar")
+                text: section.calendar.connected ? qsTr("Check again") : qsTr("Connect Calendar")
                 onClicked: section.calendar.connectCalendar()
             }
         }

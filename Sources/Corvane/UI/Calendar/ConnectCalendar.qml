@@ -36,7 +36,7 @@ FocusScope {
                 objectName: "calendar.connect"
                 focus: true
                 kind: "primary"
-                text: offer.denied ? qsTr("Look again") : qsTr("Connect Calendar")
+                text: offer.denied ? qsTr("Check again") : qsTr("Connect Calendar")
                 onClicked: offer.screen.connectCalendar()
             }
             Button {

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Settings
 
-/// Backups, and the check-up of the profile and the computer.
+/// Backups, and the checks of the profile and the computer.
 Column {
     id: section
 
@@ -86,14 +86,14 @@ Column {
             Button {
                 objectName: "care.fix"
                 visible: section.doctor.canFix
-                text: qsTr("Put right")
+                text: qsTr("Fix")
                 onClicked: section.doctor.fix()
             }
             Button {
-                objectName: "care.examine"
+                objectName: "care.check"
                 visible: !section.doctor.busy
-                text: section.doctor.findings.length > 0 ? qsTr("Look again") : qsTr("Look")
-                onClicked: section.doctor.examine()
+                text: section.doctor.findings.length > 0 ? qsTr("Check again") : qsTr("Check now")
+                onClicked: section.doctor.check()
             }
             Button {
                 objectName: "care.stop"

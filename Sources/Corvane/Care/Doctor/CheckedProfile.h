@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-/// The profile and the machine to check, as values, so that the check-up can run on any thread.
-struct Patient {
+/// The profile and the machine to check, as values, so that the checks can run on any thread.
+struct CheckedProfile {
     AppPaths paths;
     qint64 nowMs = 0;
     std::optional<QList<Account>> accounts; ///< nothing if the file cannot be read
@@ -24,6 +24,6 @@ struct Patient {
 class UserDefaults;
 
 /// Filled from the profile's files and settings; the caller adds the rest.
-Patient patientOf(const AppPaths& paths, const UserDefaults& defaults, qint64 nowMs);
+CheckedProfile checkedProfile(const AppPaths& paths, const UserDefaults& defaults, qint64 nowMs);
 
 }
