@@ -26,7 +26,7 @@ namespace corvane {
 namespace {
 
 /// What the checks looks at; of the secrets, those of mailboxes, which say where their servers are.
-CheckedProfile profile(CorvaneApp& app)
+CheckedProfile profileToCheck(CorvaneApp& app)
 {
     CheckedProfile profile = checkedProfile(app.paths(), app.defaults(), app.scheduler().nowMs());
     for (const Account& account : app.store().accounts()) {
@@ -64,7 +64,7 @@ Screens::Screens(CorvaneApp& root)
     , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
     , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
           app.defaults(), app.paths().home })
-    , doctor({ [this] { return profile(app); }, app.background(), app.scheduler() })
+    , doctor({ [this] { return profileToCheck(app); }, app.background(), app.scheduler() })
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
