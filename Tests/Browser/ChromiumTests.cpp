@@ -284,6 +284,7 @@ TEST_F(Chromium, aPrivatePipeServesAsWell)
     EXPECT_TRUE(holders->listeningOn(options.port).isEmpty());
     view->browser()->end();
     EXPECT_TRUE(awaitLive([&] { return view->browser()->browserPid() == 0; }));
+    EXPECT_TRUE(show(*view, u"/input"_s));
 }
 
 TEST(ChromiumLaunch, argumentsAndAddressesAreAsTheBrowserWantsThem)

@@ -14,6 +14,7 @@ namespace corvane {
 namespace {
 
 constexpr QSize usualSize(1280, 800);
+const QString blankPage = u"about:blank"_s;
 constexpr int everyFrame = 1; // if some were left out, a page at rest could stay without its last one
 
 QString script(const QString& function, const QJsonArray& arguments)
@@ -37,6 +38,7 @@ void BrowserPage::attach(DevToolsConnection* connection)
     m_connection = connection;
     connect(connection, &DevToolsConnection::told, this, &BrowserPage::take);
     m_isLoading = false;
+    m_isReported = false;
     m_mainFrame.clear();
     m_history.clear();
     for (const QString& domain : { u"Page"_s, u"Runtime"_s, u"Log"_s, u"Network"_s })
@@ -51,8 +53,16 @@ void BrowserPage::attach(DevToolsConnection* connection)
     const QString world = QString::fromLatin1(stepWorld);
     connection->call(u"Runtime.addBinding"_s,
         { { u"name"_s, QString::fromLatin1(stepBinding) }, { u"executionContextName"_s, world } });
+    // A navigation that overtakes these calls may replace the page before it reports anything.
     connection->call(u"Page.addScriptToEvaluateOnNewDocument"_s,
-        { { u"source"_s, stepScript() }, { u"worldName"_s, world }, { u"runImmediately"_s, true } });
+        { { u"source"_s, stepScript() }, { u"worldName"_s, world }, { u"runImmediately"_s, true } },
+        [self = QPointer(this), connection](const Result<QJsonObject>&) {
+            if (!self || self->m_connection != connection)
+                return;
+            self->m_isReported = true;
+            if (self->m_isOpening)
+                self->navigate();
+        });
 }
 
 void BrowserPage::setMetrics(QSize size, double zoom, bool isMobile)
@@ -80,18 +90,30 @@ void BrowserPage::open(const QString& url)
     forget();
     m_steps.opened(url);
     m_hasLoaded = false;
+    m_isOpening = true;
+    m_wanted = url;
     m_said.clear();
-    if (!m_connection)
-        return;
+    if (m_connection && m_isReported)
+        navigate();
+    Q_EMIT changed();
+}
+
+void BrowserPage::navigate()
+{
     m_connection->call(
-        u"Page.navigate"_s, { { u"url"_s, url } }, [self = QPointer(this)](const Result<QJsonObject>& result) {
-            const QString problem = result ? result->value("errorText"_L1).toString() : result.error().message;
-            if (!self || problem.isEmpty() || problem == "net::ERR_ABORTED"_L1)
+        u"Page.navigate"_s, { { u"url"_s, m_wanted } }, [self = QPointer(this)](const Result<QJsonObject>& result) {
+            if (!self)
                 return;
-            self->m_said = u"The page could not be opened: %1."_s.arg(problem);
+            const QString problem = result ? result->value("errorText"_L1).toString() : result.error().message;
+            if (problem.isEmpty() && !result->contains("loaderId"_L1)) { // another place in the same document
+                self->m_isOpening = false;
+                self->m_hasLoaded = true;
+                Q_EMIT self->loaded();
+            }
+            if (!problem.isEmpty() && problem != "net::ERR_ABORTED"_L1)
+                self->m_said = u"The page could not be opened: %1."_s.arg(problem);
             Q_EMIT self->changed();
         });
-    Q_EMIT changed();
 }
 
 void BrowserPage::forget()
@@ -106,10 +128,20 @@ bool BrowserPage::canGo(int by) const
     return m_connection && m_historyIndex + by >= 0 && m_historyIndex + by < m_history.size();
 }
 
+/// From where the page is now: the list that is known here may be older.
 void BrowserPage::step(int by)
 {
-    if (canGo(by))
-        m_connection->call(u"Page.navigateToHistoryEntry"_s, { { u"entryId"_s, m_history.at(m_historyIndex + by) } });
+    if (!m_connection)
+        return;
+    m_connection->call(
+        u"Page.getNavigationHistory"_s, {}, [self = QPointer(this), by](const Result<QJsonObject>& result) {
+            if (!self || !result)
+                return;
+            self->takeHistory(*result);
+            if (self->canGo(by))
+                self->m_connection->call(u"Page.navigateToHistoryEntry"_s,
+                    { { u"entryId"_s, self->m_history.at(self->m_historyIndex + by) } });
+        });
 }
 
 void BrowserPage::find(const QString& text, bool backwards)
@@ -154,7 +186,7 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
             m_url = parameters["url"_L1].toString();
             readHistory();
         }
-    } else if (method == "Page.loadEventFired"_L1) {
+    } else if (method == "Page.loadEventFired"_L1 && !m_isOpening) {
         m_hasLoaded = true;
         readTitle();
         readHistory(); // the entry may come later than the navigation that is told
@@ -185,6 +217,8 @@ void BrowserPage::takeNavigation(const QJsonObject& frame)
         return;
     m_mainFrame = frame["id"_L1].toString();
     m_url = frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
+    if (m_url != blankPage || m_wanted == blankPage)
+        m_isOpening = false;
     readTitle();
     readHistory();
     Q_EMIT changed();
@@ -266,14 +300,18 @@ void BrowserPage::readTitle()
 void BrowserPage::readHistory()
 {
     m_connection->call(u"Page.getNavigationHistory"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& result) {
-        if (!self || !result)
-            return;
-        self->m_history.clear();
-        for (const QJsonValue& entry : result->value("entries"_L1).toArray())
-            self->m_history.append(entry["id"_L1].toInt());
-        self->m_historyIndex = result->value("currentIndex"_L1).toInt();
-        Q_EMIT self->changed();
+        if (self && result)
+            self->takeHistory(*result);
     });
+}
+
+void BrowserPage::takeHistory(const QJsonObject& history)
+{
+    m_history.clear();
+    for (const QJsonValue& entry : history["entries"_L1].toArray())
+        m_history.append(entry["id"_L1].toInt());
+    m_historyIndex = history["currentIndex"_L1].toInt();
+    Q_EMIT changed();
 }
 
 }

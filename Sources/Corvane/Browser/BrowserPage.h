@@ -22,7 +22,7 @@ public:
 
     void attach(DevToolsConnection* connection); ///< of a page that nobody listened to yet
     void setMetrics(QSize size, double zoom, bool isMobile); ///< size in pixels of the frame
-    void open(const QString& url);
+    void open(const QString& url); ///< once the browser reports on the page
     void step(int by); ///< through the history
     void find(const QString& text, bool backwards);
 
@@ -54,6 +54,8 @@ private:
     void takeLoading(const QString& method, const QJsonObject& parameters);
     bool refuse(const QString& method, const QJsonObject& parameters);
     void readTitle();
+    void navigate();
+    void takeHistory(const QJsonObject& history);
     void readHistory();
     void sendMetrics();
 
@@ -63,12 +65,15 @@ private:
     BrowserSteps m_steps;
     QString m_url = u"about:blank"_s;
     QString m_title = u"Chromium"_s;
+    QString m_wanted; ///< the address that was opened last
     QString m_mainFrame;
     QSize m_size;
     double m_zoom = 1;
     bool m_isMobile = false;
     bool m_isLoading = false;
     bool m_hasLoaded = false;
+    bool m_isReported = false; ///< the browser has agreed to everything that `attach` asks for
+    bool m_isOpening = false; ///< what is loaded still belongs to the page before
     int m_requests = 0; ///< since the loading began
     int m_answered = 0;
     QList<int> m_history; ///< the browser's ids of its entries
