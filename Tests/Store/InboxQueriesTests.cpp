@@ -186,13 +186,39 @@ TEST_F(InboxTest, aSearchFindsBodiesTranscriptsAndSubjects)
                " VALUES('wa:msg:p2','send the INVOICE',1,1);"
                "UPDATE unified_message SET deleted_at=1 WHERE body='invoice deleted';"
                "UPDATE unified_message SET subject='Your invoice' WHERE id='wa:msg:p5';");
-    EXPECT_EQ(searchMessages(*m_db, "invoice", 60),
+    EXPECT_EQ(searchMessages(*m_db, u"invoice"_s, 60),
         (QList<MessageHit> { { "wa:msg:p5", "ct:SMS:5", "Eve", "SMS", "Your invoice: see below", 500, "IN", "" },
             { "wa:msg:p3", "ct:SMS:3", "Cy", "SMS", "the invoice again", 300, "IN", "" },
             { "wa:msg:p2", "ct:SMS:2", "Bo", "SMS", "send the INVOICE", 200, "IN", "" },
             { "wa:msg:p1", "ct:SMS:1", "Ana", "SMS", "Invoice 7 is paid", 100, "IN", "" } }));
-    EXPECT_EQ(searchMessages(*m_db, "invoice", 1).size(), 1);
-    EXPECT_EQ(searchMessages(*m_db, "nothing like it", 60).size(), 0);
+    EXPECT_EQ(searchMessages(*m_db, u"invoice"_s, 1).size(), 1);
+    EXPECT_EQ(searchMessages(*m_db, u"nothing like it"_s, 60).size(), 0);
+}
+
+TEST_F(InboxTest, aSearchIsNarrowedByPersonPlaceContentAndTime)
+{
+    chat("SMS", "a", "1", 100, "the kiln", "Ana Ruiz");
+    chat("WHATSAPP", "a", "2@g.us", 200, "kiln https://a.example", "Taller");
+    chat("EMAIL", "a", "3", 300, "kiln", "Bo_x");
+    chat("EMAIL", "a", "4", 400, "", "Cy");
+    m_db->exec("UPDATE unified_message SET sender='Ana R.' WHERE ts=200; UPDATE unified_message SET direction='OUT' "
+               "WHERE ts=300; UPDATE unified_message SET media_type='image' WHERE ts=400;");
+    const auto found = [&](const QString& typed) {
+        QList<qint64> times;
+        for (const MessageHit& hit : searchMessages(*m_db, parseSearch(typed, QDate(2026, 11, 22)), 9))
+            times.append(hit.ts);
+        return times;
+    };
+    EXPECT_EQ(found(u"kiln from:ana"_s), (QList<qint64> { 200, 100 }));
+    EXPECT_EQ(found(u"from:taller"_s), QList<qint64>()) << "a group writes nothing itself";
+    EXPECT_EQ(found(u"from:me"_s), QList<qint64> { 300 });
+    EXPECT_EQ(found(u"in:email"_s), (QList<qint64> { 400, 300 }));
+    EXPECT_EQ(found(u"kiln in:o_x"_s), QList<qint64> { 300 });
+    EXPECT_EQ(found(u"in:taller"_s), QList<qint64> { 200 });
+    EXPECT_EQ(found(u"has:link"_s), QList<qint64> { 200 });
+    EXPECT_EQ(found(u"has:file has:image"_s), QList<qint64> { 400 }) << "without a text, too";
+    EXPECT_EQ(found(u"kiln before:1971 after:1970"_s).size(), 3);
+    EXPECT_EQ(found(u"kiln before:1969"_s).size(), 0);
 }
 
 TEST_F(InboxTest, aReplyGoesToTheNewestConversationOnItsChannel)

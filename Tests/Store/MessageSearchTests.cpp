@@ -1,5 +1,6 @@
 #include "Store/Search/MessageSearch.h"
 
+#include "Foundation/Literals.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/StoreTest.h"
@@ -43,26 +44,26 @@ TEST_F(MessageSearchTest, whatIsFoundComesHomeAsTheSameRows)
 {
     MessageSearch search(*m_db);
     std::optional<QList<MessageHit>> found;
-    search.start("hay", 60, [&](const FoundMessages& answer) { found = answer.hits; });
+    search.start(u"hay"_s, 60, [&](const FoundMessages& answer) { found = answer.hits; });
     EXPECT_FALSE(found) << "never before the caller is done";
     ASSERT_TRUE(await([&] { return found.has_value(); }));
     EXPECT_EQ(found->size(), 60);
-    EXPECT_EQ(*found, searchMessages(*m_db, "hay", 60));
+    EXPECT_EQ(*found, searchMessages(*m_db, u"hay"_s, 60));
 }
 
 TEST_F(MessageSearchTest, aNewerSearchStopsTheOlderWhichIsNeverHeardOf)
 {
     MessageSearch search(*m_db);
     QStringList heard;
-    search.start("hay", 60, [&](const FoundMessages&) { heard.append("hay"); });
-    search.start("straw", 60, [&](const FoundMessages&) { heard.append("straw"); });
-    search.start("needle", 60, [&](const FoundMessages& found) { heard.append(ids(found.hits)); });
+    search.start(u"hay"_s, 60, [&](const FoundMessages&) { heard.append("hay"); });
+    search.start(u"straw"_s, 60, [&](const FoundMessages&) { heard.append("straw"); });
+    search.start(u"needle"_s, 60, [&](const FoundMessages& found) { heard.append(ids(found.hits)); });
     ASSERT_TRUE(await([&] { return !heard.isEmpty(); }));
-    search.start("hay", 60, [&](const FoundMessages&) { heard.append("hay"); });
+    search.start(u"hay"_s, 60, [&](const FoundMessages&) { heard.append("hay"); });
     search.stop();
     bool last = false;
     MessageSearch other(*m_db);
-    other.start("straw", 60, [&](const FoundMessages&) { last = true; });
+    other.start(u"straw"_s, 60, [&](const FoundMessages&) { last = true; });
     ASSERT_TRUE(await([&] { return last; }));
     EXPECT_EQ(heard, QStringList("wa:msg:needle"));
 }
@@ -71,16 +72,16 @@ TEST_F(MessageSearchTest, aStoppedReaderEndsInTheMiddleOfItsQuery)
 {
     const auto stopped = std::make_shared<std::atomic<bool>>(false);
     const auto reader = SqlConnection::reader(path(), stopped);
-    EXPECT_EQ(ids(searchMessages(*reader, "needle", 60)), QStringList("wa:msg:needle"));
+    EXPECT_EQ(ids(searchMessages(*reader, u"needle"_s, 60)), QStringList("wa:msg:needle"));
     stopped->store(true);
-    EXPECT_EQ(ids(searchMessages(*reader, "needle", 60)), QStringList());
+    EXPECT_EQ(ids(searchMessages(*reader, u"needle"_s, 60)), QStringList());
 }
 
 TEST_F(MessageSearchTest, aReaderSeesWhatOthersWriteAndWritesNothing)
 {
     const auto reader = SqlConnection::reader(path(), std::make_shared<std::atomic<bool>>(false));
     OtherProcess(path()).exec("UPDATE unified_message SET deleted_at=1 WHERE id='wa:msg:needle';");
-    EXPECT_TRUE(searchMessages(*reader, "needle", 60).isEmpty());
+    EXPECT_TRUE(searchMessages(*reader, u"needle"_s, 60).isEmpty());
     const auto identity = [](const SqlRow& row) {
         return row.text(0);
     };
@@ -93,7 +94,7 @@ TEST_F(MessageSearchTest, theEndOfTheProgramWaitsForNoSearch)
     bool heard = false;
     for (int i = 0; i < 20; ++i) {
         MessageSearch search(*m_db);
-        search.start("hay", 60, [&](const FoundMessages&) { heard = true; });
+        search.start(u"hay"_s, 60, [&](const FoundMessages&) { heard = true; });
     }
     EXPECT_FALSE(heard);
 }
@@ -106,7 +107,7 @@ TEST_F(MessageSearchTest, aDatabaseThatIsNotOpenGivesNothing)
     ASSERT_FALSE(broken.isOpen());
     MessageSearch search(broken);
     std::optional<QList<MessageHit>> found;
-    search.start("hay", 60, [&](const FoundMessages& answer) { found = answer.hits; });
+    search.start(u"hay"_s, 60, [&](const FoundMessages& answer) { found = answer.hits; });
     ASSERT_TRUE(await([&] { return found.has_value(); }));
     EXPECT_TRUE(found->isEmpty());
     EXPECT_FALSE(SqlConnection::reader("/nowhere/at.all", std::make_shared<std::atomic<bool>>(false))->isOpen());

@@ -25,8 +25,8 @@ protected:
     void write(int number, const QString& body, qint64 ts)
     {
         m_db->run("INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
-                  "VALUES(?, 'local', ?, 'IN', ?, ?, 1);",
-            { u"m:%1"_s.arg(number), m_conversation, body, ts });
+                  "VALUES(?, 'local', ?, ?, ?, ?, 1);",
+            { u"m:%1"_s.arg(number), m_conversation, number % 3 == 0 ? u"OUT"_s : u"IN"_s, body, ts });
     }
 
     IndexState advance()
@@ -41,17 +41,17 @@ protected:
         return state;
     }
 
-    std::optional<QList<MessageHit>> find(const QString& query, int limit = 60)
+    std::optional<QList<MessageHit>> find(const SearchQuery& query, int limit = 60)
     {
         return searchByIndex(*SqlConnection::reader(m_db->path(), m_never), *SqlConnection::reader(m_path, m_never),
             query, limit, m_db->watch().messageChanges().all());
     }
 
-    void expectTheSame(const QString& query, int limit = 60)
+    void expectTheSame(const SearchQuery& query, int limit = 60)
     {
         const auto found = find(query, limit);
-        ASSERT_TRUE(found) << query.toStdString();
-        EXPECT_EQ(*found, searchMessages(*m_db, query, limit)) << query.toStdString();
+        ASSERT_TRUE(found) << query.text.toStdString();
+        EXPECT_EQ(*found, searchMessages(*m_db, query, limit)) << query.text.toStdString();
     }
 
     QString m_conversation;
@@ -62,7 +62,7 @@ protected:
 }
 
 // Random texts over a small alphabet in several scripts, with equal times, empty texts and wildcards in the queries;
-// rows are added, changed, deleted and transcribed between the searches.
+// rows are added, changed, deleted and transcribed between the searches, some of which are narrowed.
 TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
 {
     std::mt19937 random(20);
@@ -94,7 +94,14 @@ TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
                 { one, one, words(14) });
         if (round % 13 == 0)
             advance();
-        const QString query = words(5);
+        SearchQuery query(words(5));
+        if (round % 2 == 0)
+            query.afterMs = 1'700'000'000'000 + qint64(random() % 300);
+        if (round % 3 == 0)
+            query.beforeMs = 1'700'000'000'000 + qint64(random() % 300);
+        query.fromMe = round % 5 == 0;
+        if (round % 7 == 0)
+            query.from = { round % 2 == 0 ? u"ANA"_s : u"Bo"_s };
         if (!find(query))
             continue;
         expectTheSame(query, 1 + int(random() % 70));

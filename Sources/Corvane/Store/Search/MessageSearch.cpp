@@ -8,45 +8,30 @@ namespace corvane {
 
 MessageSearch::MessageSearch(LocalDB& db)
     : m_db(db)
+    , m_read(db)
 {
 }
 
-MessageSearch::~MessageSearch()
+void MessageSearch::start(const SearchQuery& query, int limit, std::function<void(FoundMessages)> found)
 {
-    stop();
-}
-
-void MessageSearch::start(const QString& query, int limit, std::function<void(FoundMessages)> found)
-{
-    stop();
-    m_stopped = std::make_shared<std::atomic<bool>>(false);
     const MessageChanges& changes = m_db.watch().messageChanges();
-    const QString path = m_db.isOpen() ? m_db.path() : QString();
-    const QString indexPath = changes.isFollowed() ? SearchIndex::pathBeside(path) : QString();
-    m_queue.run<FoundMessages>(
-        [path, indexPath, changed = changes.all(), query, limit, stopped = m_stopped] {
-            if (path.isEmpty() || stopped->load())
-                return FoundMessages();
-            const auto reader = SqlConnection::reader(path, stopped);
-            std::optional<int> percent;
+    const QString indexPath = changes.isFollowed() ? SearchIndex::pathBeside(m_db.path()) : QString();
+    m_read.start<FoundMessages>(
+        [indexPath, changed = changes.all(), query, limit](SqlConnection& db, const LatestRead::Stopped& stopped) {
+            FoundMessages found;
             if (!indexPath.isEmpty()) {
                 const auto index = SqlConnection::reader(indexPath, stopped);
-                if (const auto hits = searchByIndex(*reader, *index, query, limit, changed))
-                    return FoundMessages { *hits, {} };
-                percent = percentBuilt(*index);
+                if (const auto hits = searchByIndex(db, *index, query, limit, changed)) {
+                    found.hits = *hits;
+                    return found;
+                }
+                found.indexPercent = percentBuilt(*index);
             }
-            return FoundMessages { searchMessages(*reader, query, limit), percent };
+            found.hits = searchMessages(db, query, limit);
+            found.failed = db.failure() != 0;
+            return found;
         },
-        [found = std::move(found), stopped = m_stopped](FoundMessages result) {
-            if (!stopped->load())
-                found(std::move(result));
-        });
-}
-
-void MessageSearch::stop()
-{
-    if (m_stopped)
-        m_stopped->store(true);
+        std::move(found));
 }
 
 }

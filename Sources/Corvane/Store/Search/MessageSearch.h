@@ -1,35 +1,29 @@
 #pragma once
 
-#include "Foundation/BackgroundQueue.h"
+#include "Store/Core/LatestRead.h"
 #include "Store/Search/SearchQueries.h"
 
-#include <atomic>
-
 namespace corvane {
-
-class LocalDB;
 
 struct FoundMessages {
     QList<MessageHit> hits;
     std::optional<int> indexPercent; ///< how much the search index covers, while it is being built
+    bool failed = false; ///< the database could not be read
 };
 
-/// Searches all messages, which may take seconds, on a background thread. One search runs at a time: a newer one
-/// cancels an older one, whose rows are never delivered.
+/// Searches all messages on a background thread. A newer search cancels an older one.
 class MessageSearch {
 public:
     explicit MessageSearch(LocalDB& db); ///< outlives the search
-    ~MessageSearch(); ///< cancels a running search and waits for it, briefly
 
     /// `found` receives the rows of `searchMessages` at a later turn of the event loop; none if the database is not
     /// open.
-    void start(const QString& query, int limit, std::function<void(FoundMessages)> found);
-    void stop();
+    void start(const SearchQuery& query, int limit, std::function<void(FoundMessages)> found);
+    void stop() { m_read.stop(); }
 
 private:
     LocalDB& m_db;
-    std::shared_ptr<std::atomic<bool>> m_stopped;
-    BackgroundQueue m_queue;
+    LatestRead m_read;
 };
 
 }

@@ -42,6 +42,12 @@ bool isNumbered(qint64 ts)
     return ts >= 0 && ts <= lastTime;
 }
 
+/// The first number that a document of that time may have.
+qint64 numberAt(qint64 ts)
+{
+    return std::clamp<qint64>(ts, 0, lastTime + 1) << slotBits;
+}
+
 /// The longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
 QString phraseOf(const QString& query)
 {
@@ -186,7 +192,7 @@ void SearchIndex::add(const Document& document)
         run("INSERT OR IGNORE INTO crowded(ts) VALUES(?);", { document.ts });
         return;
     }
-    const qint64 first = document.ts << slotBits;
+    const qint64 first = numberAt(document.ts);
     const qint64 hash = hashOf(document.text);
     qint64 number = first;
     bool known = false;
@@ -297,11 +303,11 @@ std::optional<qint64> SearchIndex::sweep(SqlConnection& database, qint64 from)
     return kept && batch.size() == sweepRows ? std::optional(batch.last().rowid) : std::nullopt;
 }
 
-std::optional<QList<MessageHit>> searchByIndex(
-    SqlConnection& database, SqlConnection& index, const QString& query, int limit, const MessageChanges::Rows& changed)
+std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
+    int limit, const MessageChanges::Rows& changed)
 {
-    const QString phrase = phraseOf(query);
-    if (phrase.isEmpty() || !index.isOpen() || !database.isOpen())
+    const QString phrase = phraseOf(query.text);
+    if (phrase.isEmpty() || !query.places.isEmpty() || !index.isOpen() || !database.isOpen())
         return std::nullopt;
     const auto run = [&index](const QString& sql) {
         index.visitRows(sql, {}, [](const SqlRow&) { return false; });
@@ -332,8 +338,9 @@ std::optional<QList<MessageHit>> searchByIndex(
         }
         chunk *= 4;
     };
-    index.visitRows(
-        "SELECT rowid FROM text WHERE text MATCH ? ORDER BY rowid DESC;", { phrase }, [&](const SqlRow& row) {
+    index.visitRows("SELECT rowid FROM text WHERE text MATCH ? AND rowid >= ? AND rowid < ? ORDER BY rowid DESC;",
+        { phrase, numberAt(query.afterMs.value_or(0)), numberAt(query.beforeMs.value_or(lastTime + 1)) },
+        [&](const SqlRow& row) {
             const qint64 ts = row.integer(0) >> slotBits;
             if (std::exchange(last, ts) == ts)
                 return true;

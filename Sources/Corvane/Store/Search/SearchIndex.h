@@ -63,9 +63,9 @@ private:
 };
 
 /// The rows of `searchMessages`, in its order, by the index; nothing where it cannot answer: it is being built, or the
-/// query has no three characters in a row without a wildcard. `changed` are rows that the index does not know as they
-/// are.
-std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const QString& query,
+/// text has no three characters in a row without a wildcard, or only a few conversations are asked for. `changed` are
+/// rows that the index does not know as they are.
+std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
     int limit, const MessageChanges::Rows& changed);
 
 /// How much of the messages the index covers while it is being built, else nothing.

@@ -1,6 +1,7 @@
 #include "Store/Search/SearchQueries.h"
 
 #include "Foundation/Literals.h"
+#include "Store/Core/LikePattern.h"
 #include "Store/Core/Table.h"
 
 namespace corvane {
@@ -17,44 +18,110 @@ const Table<MessageHit> hits("unified_message m",
             &MessageHit::snippet },
         { "m.ts", &MessageHit::ts },
         { "m.direction", &MessageHit::direction },
+        { "m.media_type", &MessageHit::mediaType, "''" },
         { "ct.avatar_path", &MessageHit::avatarPath, "''" },
     });
 
-const QString matching = uR"(JOIN unified_conversation cc ON m.conversation_id=cc.id
+const QString joins = uR"(JOIN unified_conversation cc ON m.conversation_id=cc.id
 LEFT JOIN contact ct ON ct.id=cc.contact_id
 LEFT JOIN audio_transcript at ON at.message_id=m.id
-WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL
+WHERE m.deleted_at IS NULL AND cc.deleted_at IS NULL)"_s;
+
+const QString holdingWords = uR"(
   AND (m.body LIKE ? OR at.transcript LIKE ? OR m.subject LIKE ?)
   AND COALESCE(NULLIF(m.body,''), at.transcript, m.subject, '') != '')"_s;
 
-QString pattern(const QString& query)
+/// Of conversations, so that the messages of a few need not be looked for among all.
+const QString inPlace = uR"(
+  AND m.conversation_id IN (SELECT pc.id FROM unified_conversation pc LEFT JOIN contact pp ON pp.id=pc.contact_id
+    WHERE pp.display_name LIKE ? ESCAPE '\' OR pc.title LIKE ? ESCAPE '\'))"_s;
+
+QString holding(MessageContent content)
 {
-    return u'%' + query + u'%';
+    switch (content) {
+    case MessageContent::File:
+        return u"COALESCE(NULLIF(m.media_type,''), m.media_path, '') != ''"_s;
+    case MessageContent::Image:
+        return u"m.media_type LIKE 'image'"_s;
+    case MessageContent::Video:
+        return u"m.media_type LIKE 'video'"_s;
+    case MessageContent::Audio:
+        return u"m.media_type LIKE 'audio'"_s;
+    case MessageContent::Document:
+        return u"m.media_type LIKE 'document'"_s;
+    case MessageContent::Link:
+        return u"(m.body LIKE '%http://%' OR m.body LIKE '%https://%')"_s;
+    }
+    return {};
+}
+
+struct Condition {
+    QString sql; ///< with the joins
+    QList<SqlValue> values;
+
+    void also(const QString& more, const QList<SqlValue>& given = {})
+    {
+        sql += u"\n  AND "_s + more;
+        values += given;
+    }
+};
+
+Condition conditionOf(const SearchQuery& query)
+{
+    Condition condition { joins, {} };
+    if (!query.text.isEmpty() || !query.isNarrowed()) {
+        const QString words = u'%' + query.text + u'%';
+        condition.sql += holdingWords;
+        condition.values = { words, words, words };
+    }
+    if (query.fromMe)
+        condition.also(u"m.direction='OUT'"_s);
+    // A group's messages name who wrote them; elsewhere it is the person of the conversation.
+    for (const QString& name : query.from)
+        condition.also(uR"(m.direction='IN' AND (m.sender LIKE ? ESCAPE '\'
+    OR (cc.external_id NOT LIKE '%@g.us' AND ct.display_name LIKE ? ESCAPE '\')))"_s,
+            { containing(name), containing(name) });
+    for (const QString& channel : query.channels)
+        condition.also(u"cc.channel=?"_s, { SqlValue(channel) });
+    for (const QString& place : query.places) {
+        condition.sql += inPlace;
+        condition.values += { containing(place), containing(place) };
+    }
+    for (const MessageContent content : query.has)
+        condition.also(holding(content));
+    if (query.afterMs)
+        condition.also(u"m.ts >= ?"_s, { SqlValue(*query.afterMs) });
+    if (query.beforeMs)
+        condition.also(u"m.ts < ?"_s, { SqlValue(*query.beforeMs) });
+    return condition;
 }
 
 }
 
-QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit)
+// Newest first along the index over all times, but for the messages of a few conversations, which are sorted.
+QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, int limit)
 {
-    const QString words = pattern(query);
-    return hits.rows(db, matching + u"\nORDER BY m.ts DESC LIMIT ?;"_s, { words, words, words, limit });
+    Condition condition = conditionOf(query);
+    condition.sql += query.places.isEmpty() ? u"\nORDER BY m.ts DESC LIMIT ?;"_s
+                                            : u"\nORDER BY +m.ts DESC, m.rowid DESC LIMIT ?;"_s;
+    return hits.rows(db, condition.sql, condition.values << limit);
 }
 
 // The plus keeps SQLite from walking all times in order; the rowid is what decides among equal times above.
-QList<MessageHit> searchMessagesAt(SqlConnection& db, const QString& query, const QList<qint64>& times, int limit)
+QList<MessageHit> searchMessagesAt(SqlConnection& db, const SearchQuery& query, const QList<qint64>& times, int limit)
 {
-    const QString words = pattern(query);
-    return hits.rows(db,
-        matching + u"\n  AND m.ts IN (SELECT value FROM json_each(?))\nORDER BY +m.ts DESC, m.rowid DESC LIMIT ?;"_s,
-        { words, words, words, jsonNumbers(times), limit });
+    Condition condition = conditionOf(query);
+    condition.also(u"m.ts IN (SELECT value FROM json_each(?))"_s, { SqlValue(jsonNumbers(times)) });
+    return hits.rows(db, condition.sql + u"\nORDER BY +m.ts DESC, m.rowid DESC LIMIT ?;"_s, condition.values << limit);
 }
 
-QList<qint64> timesOfMatches(SqlConnection& db, const QString& query, const MessageRange& range)
+QList<qint64> timesOfMatches(SqlConnection& db, const SearchQuery& query, const MessageRange& range)
 {
-    const QString words = pattern(query);
-    const auto times = [&](const QString& condition, const SqlValue& value) {
-        return db.rows(u"SELECT m.ts FROM unified_message m\n"_s + matching + u"\n  AND "_s + condition + u';',
-            { words, words, words, value }, [](const SqlRow& row) { return row.integer(0); });
+    const auto times = [&](const QString& of, const SqlValue& value) {
+        Condition condition = conditionOf(query);
+        condition.also(of, QList<SqlValue>() << value);
+        return db.rows(u"SELECT m.ts FROM unified_message m\n"_s + condition.sql + u';', condition.values,
+            [](const SqlRow& row) { return row.integer(0); });
     };
     QList<qint64> found = times(u"m.rowid > ?"_s, range.after);
     if (!range.messages.isEmpty())

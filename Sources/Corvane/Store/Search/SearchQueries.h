@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Core/SqlConnection.h"
+#include "Store/Search/SearchQuery.h"
 
 namespace corvane {
 
@@ -14,16 +15,18 @@ struct MessageHit {
     qint64 ts = 0;
     QString direction; ///< "IN" or "OUT"
     QString avatarPath;
+    QString mediaType = {}; ///< such as "image"; empty for text alone
 
     bool operator==(const MessageHit&) const = default;
 };
 
-/// Every message in whose body, transcript or subject the words occur, newest first; reads all messages until it has
-/// enough. % and _ are wildcards.
-QList<MessageHit> searchMessages(SqlConnection& db, const QString& query, int limit);
+/// Every message in whose body, transcript or subject the text occurs and that meets what narrows the search, newest
+/// first; reads all messages until it has enough. % and _ of the text are wildcards. A search without a text finds
+/// messages without one, too.
+QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, int limit);
 
 /// Those of the rows above that have one of the times, in the same order.
-QList<MessageHit> searchMessagesAt(SqlConnection& db, const QString& query, const QList<qint64>& times, int limit);
+QList<MessageHit> searchMessagesAt(SqlConnection& db, const SearchQuery& query, const QList<qint64>& times, int limit);
 
 /// Messages by their place in the file.
 struct MessageRange {
@@ -33,7 +36,7 @@ struct MessageRange {
 };
 
 /// The times of those that `searchMessages` would find in the range.
-QList<qint64> timesOfMatches(SqlConnection& db, const QString& query, const MessageRange& range);
+QList<qint64> timesOfMatches(SqlConnection& db, const SearchQuery& query, const MessageRange& range);
 
 /// The values as a JSON array, for json_each.
 QString jsonNumbers(const QList<qint64>& values);

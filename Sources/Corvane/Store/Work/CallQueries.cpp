@@ -1,6 +1,7 @@
 #include "Store/Work/CallQueries.h"
 
 #include "Foundation/Literals.h"
+#include "Store/Core/LikePattern.h"
 #include "Store/Core/Table.h"
 #include "Store/Core/Workspaces.h"
 
@@ -48,14 +49,6 @@ const QString detailJoins = uR"(LEFT JOIN contact c ON c.id=cr.contact_id AND c.
 LEFT JOIN call_transcript ct ON ct.call_id=cr.id AND ct.segment_index=0
 LEFT JOIN call_summary cs ON cs.call_id=cr.id
 )"_s;
-
-/// A pattern that matches the text anywhere; escaped by a backslash.
-QString containing(QString text)
-{
-    for (const QChar special : { u'\\', u'%', u'_' })
-        text.replace(special, QString(u'\\') + special);
-    return u'%' + text + u'%';
-}
 
 }
 
