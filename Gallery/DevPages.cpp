@@ -2,9 +2,11 @@
 #include "Gallery.h"
 #include "Pages.h"
 
+#include "Platform/ProcessLauncher.h"
 #include "Store/Core/LocalDB.h"
 
 #include <QDir>
+#include <unistd.h>
 
 namespace corvane {
 
@@ -21,6 +23,71 @@ LumoTerminalSession& openTerminal(Gallery& gallery)
     return session;
 }
 
+bool waitFor(Gallery& gallery, const std::function<bool()>& condition)
+{
+    constexpr int longestWait = 40;
+    for (int i = 0; !condition() && i < longestWait; ++i)
+        gallery.wait(pause);
+    return condition();
+}
+
+/// The demonstration's page in a real browser; where none is installed, its pictures are left out.
+void drawBrowser(Gallery& gallery)
+{
+    if (chromiumPath().isEmpty())
+        return;
+    TerminalWorkspaceView& dev = gallery.screens().dev;
+    BrowserView& browser = gallery.screens().browser;
+    QString address;
+    ProcessSpec page;
+    page.executable = qEnvironmentVariable("CORVANE_NODE");
+    page.arguments = { u"demo/page.mjs"_s };
+    page.workingDirectory = QDir::currentPath();
+    page.environment = QProcessEnvironment::systemEnvironment();
+    const auto server = gallery.app().launcher().start(
+        page, { [&address](const OutputChunk& chunk) { address = QString::fromUtf8(chunk.lines).trimmed(); }, {} });
+    if (!server || !waitFor(gallery, [&] { return !address.isEmpty(); }))
+        return;
+    dev.setTab(u"browser"_s);
+    BrowserOptions& options = browser.browser()->options();
+    options.line = BrowserOptions::Line::Pipe;
+    options.hasSandbox = ::geteuid() != 0;
+    browser.setAddress(address);
+    browser.open();
+    waitFor(gallery, [&] { return browser.browser()->hasFrame() && browser.issues()->count() >= 3; });
+    const auto save = [&](const QString& name) {
+        gallery.wait(pause);
+        gallery.save(name, { Look::Light, Look::Dark, Look::LightSmall });
+    };
+    save(u"dev-browser-page"_s);
+    QMetaObject::invokeMethod(gallery.item(u"browser.issues"_s), "clicked");
+    save(u"dev-browser-issues"_s);
+    browser.reportBug();
+    browser.sheet()->picture()->blackOut({ 0.3, 0.4, 0.4, 0.1 });
+    save(u"dev-browser-report"_s);
+    browser.sheet()->submit();
+    waitFor(gallery, [&] { return !browser.sheet()->busy(); });
+    save(u"dev-browser-filed"_s);
+    browser.actOnNotice();
+    save(u"dev-browser-bug"_s);
+    dev.tasks()->item()->close();
+    dev.setTab(u"browser"_s);
+    browser.display()->setDevice(u"phone"_s);
+    save(u"dev-browser-phone"_s);
+    browser.display()->setDevice(u"desktop"_s);
+    (*server)->terminate();
+    waitFor(gallery, [&] { return !(*server)->isRunning(); });
+    browser.open();
+    waitFor(gallery, [&] { return !browser.browser()->notice().isEmpty(); });
+    save(u"dev-browser-unreachable"_s);
+    browser.browser()->end();
+    waitFor(gallery, [&] { return browser.browser()->browserPid() == 0; });
+    options.executable = u"/usr/bin/false"_s;
+    browser.open();
+    waitFor(gallery, [&] { return !browser.problem().isEmpty(); });
+    save(u"dev-browser-failed"_s);
+}
+
 }
 
 void drawDev(Gallery& gallery)
@@ -28,11 +95,10 @@ void drawDev(Gallery& gallery)
     Screens& screens = gallery.screens();
     TerminalWorkspaceView& dev = screens.dev;
     screens.shell.selectHub(u"dev"_s);
-    constexpr int longestWait = 40; // the demonstration writes its records a few seconds after the start
-    for (int i = 0; dev.rail()->projects()->rows().isEmpty() && i < longestWait; ++i) {
-        gallery.wait(pause);
+    waitFor(gallery, [&dev] { // the demonstration writes its records a few seconds after the start
         dev.refresh();
-    }
+        return !dev.rail()->projects()->rows().isEmpty();
+    });
     dev.rail()->select(u"proj:shop"_s);
     gallery.save(u"dev-no-terminal"_s);
     openTerminal(gallery);
@@ -56,14 +122,16 @@ void drawDev(Gallery& gallery)
     gallery.wait(pause);
     gallery.save(u"dev-bug-from-terminal"_s);
     dev.tasks()->dismissNotice();
-    dev.rail()->sheet()->beginEditProject();
+    dev.rail()->form()->beginEditProject();
     gallery.wait(pause);
-    gallery.save(u"dev-project"_s);
-    dev.rail()->sheet()->setProjectDraftName({});
-    dev.rail()->sheet()->save();
+    gallery.save(u"dev-project"_s, { Look::Light, Look::Dark, Look::LightSmall });
+    dev.rail()->form()->beginNewProject();
+    dev.rail()->form()->field(u"name"_s).type(u"Kiln log"_s);
+    dev.rail()->form()->submit();
     gallery.wait(pause);
     gallery.save(u"dev-project-failed"_s);
-    dev.rail()->sheet()->cancel();
+    dev.rail()->form()->close();
+    drawBrowser(gallery);
     dev.setTab(u"memory"_s);
     dev.memory()->stageMemoryDraft(u"lesson"_s);
     gallery.wait(pause);

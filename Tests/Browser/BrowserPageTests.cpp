@@ -1,7 +1,6 @@
 #include "Browser/WebSocketConnection.h"
 #include "BrowserTest.h"
 
-#include <QBuffer>
 #include <QRandomGenerator>
 #include <QWebSocket>
 #include <QWebSocketServer>
@@ -15,11 +14,6 @@ class PlayedBrowser : public BrowserTest {
 protected:
     PlayedBrowser() { view->browser()->adopt(page); }
 
-    void console(const QString& text)
-    {
-        page->say(u"Runtime.consoleAPICalled"_s,
-            { { u"type"_s, u"error"_s }, { u"args"_s, QJsonArray { QJsonObject { { u"value"_s, text } } } } });
-    }
     void request(int id, const QString& url, int status)
     {
         page->say(u"Network.requestWillBeSent"_s,
@@ -35,20 +29,6 @@ protected:
     {
         page->say(u"Runtime.bindingCalled"_s,
             { { u"name"_s, u"corvaneStep"_s }, { u"payload"_s, QString::fromUtf8(QJsonDocument(report).toJson()) } });
-    }
-    void frame(const QByteArray& jpeg, int session, const QJsonObject& metadata = {})
-    {
-        page->say(u"Page.screencastFrame"_s,
-            { { u"data"_s, QString::fromLatin1(jpeg.toBase64()) }, { u"sessionId"_s, session },
-                { u"metadata"_s, metadata } });
-    }
-    static QByteArray jpeg(QSize size)
-    {
-        QImage image(size, QImage::Format_RGB32);
-        image.fill(Qt::white);
-        QBuffer buffer;
-        image.save(&buffer, "JPEG");
-        return buffer.data();
     }
     bool submit()
     {
@@ -73,7 +53,7 @@ TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
     EXPECT_EQ(browser.status(), u"connected"_s);
 
     for (int i = 0; i < 61; ++i)
-        console(u"problem %1"_s.arg(i));
+        page->logError(u"problem %1"_s.arg(i));
     page->say(u"Runtime.consoleAPICalled"_s, { { u"type"_s, u"info"_s } });
     request(1, u"http://x/399"_s, 399);
     request(2, u"http://x/400"_s, 400);
@@ -109,13 +89,14 @@ TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
 TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
 {
     ChromiumBrowserController& browser = *view->browser();
-    frame("no picture", 7);
+    page->showFrame("no picture", 7);
     for (int width = 100; width <= 400; width += 100)
-        frame(jpeg({ width, 100 }), width, { { u"deviceWidth"_s, width * 2 }, { u"deviceHeight"_s, 200 } });
+        page->showFrame(PlayedConnection::jpeg({ width, 100 }), width,
+            { { u"deviceWidth"_s, width * 2 }, { u"deviceHeight"_s, 200 } });
     EXPECT_EQ(page->methods().count(u"Page.screencastFrameAck"_s), 5);
     ASSERT_TRUE(await([&] { return browser.frameImage().width() == 400; }));
     EXPECT_EQ(browser.viewportSize(), QSizeF(800, 200));
-    frame(jpeg({ 300, 100 }), 8);
+    page->showFrame(PlayedConnection::jpeg({ 300, 100 }), 8);
     ASSERT_TRUE(await([&] { return browser.frameImage().width() == 300; }));
     EXPECT_EQ(browser.viewportSize(), QSizeF(300, 100)) << "without metadata the picture tells";
 
@@ -164,7 +145,7 @@ TEST_F(PlayedBrowser, noneOfTenThousandSecretsIsInAnyFileOrRow)
         step({ { u"kind"_s, u"type"_s }, { u"selector"_s, u"#pw"_s }, { u"label"_s, u"Password"_s },
             { u"withheld"_s, true } });
         for (int i = 0; i < 15; ++i)
-            console(u"sent "_s + typed + u" to "_s + forms().join(u'\n'));
+            page->logError(u"sent "_s + typed + u" to "_s + forms().join(u'\n'));
         for (int i = 0; i < 15; ++i) {
             const QString url = u"http://x.example/a?x="_s + QString::fromLatin1(QUrl::toPercentEncoding(typed))
                 + u"&auth="_s + secret(plain);
@@ -196,7 +177,7 @@ TEST_F(PlayedBrowser, noneOfTenThousandSecretsIsInAnyFileOrRow)
 
 TEST_F(PlayedBrowser, aBugIsFiledWithoutItsEvidenceWhereTheDiskTakesNone)
 {
-    console(u"it broke"_s);
+    page->logError(u"it broke"_s);
     view->reportBug();
     view->sheet()->setTitle(u"Broken"_s);
     view->sheet()->setNote(u"why"_s);
@@ -215,7 +196,7 @@ TEST_F(PlayedBrowser, aBugIsFiledWithoutItsEvidenceWhereTheDiskTakesNone)
 TEST_F(PlayedBrowser, aSessionKeepsItsLastPictureAndFoldersKeepApart)
 {
     const QString root = view->browser()->evidenceRoot();
-    console(u"x"_s);
+    page->logError(u"x"_s);
     view->capture();
     ASSERT_TRUE(submit());
     const QString folder = cell(u"SELECT last_capture_path FROM dev_browser_session;"_s);

@@ -7,40 +7,14 @@
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/LoopbackWeb.h"
+#include "Support/PlayedConnection.h"
 #include "Support/StoreTest.h"
 
 #include <QDirIterator>
 #include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QTcpServer>
 
 namespace corvane {
-
-/// A conversation whose other side a test plays.
-class PlayedConnection final : public DevToolsConnection {
-public:
-    using DevToolsConnection::DevToolsConnection;
-    using DevToolsConnection::fail;
-    using DevToolsConnection::receive;
-
-    void say(const QString& method, const QJsonObject& parameters)
-    {
-        receive(QJsonDocument(QJsonObject { { u"method"_s, method }, { u"params"_s, parameters } }).toJson());
-    }
-    QStringList methods() const
-    {
-        QStringList names;
-        for (const QJsonObject& message : sent)
-            names.append(message["method"_L1].toString());
-        return names;
-    }
-
-    QList<QJsonObject> sent;
-
-protected:
-    void write(const QByteArray& message) override { sent.append(QJsonDocument::fromJson(message).object()); }
-};
 
 /// A browser view over a database of its own, for a project, and the means to start a real browser.
 class BrowserTest : public StoreTest {

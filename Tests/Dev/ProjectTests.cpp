@@ -13,14 +13,14 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
 {
     TerminalWorkspaceView view(desk());
     view.setShown(true);
-    DevProjectSheet& sheet = *view.rail()->sheet();
-    sheet.beginNewProject();
-    sheet.save();
-    EXPECT_EQ(sheet.error(), "Name is required.");
-    sheet.setProjectDraftName(u"Shop Site"_s);
-    EXPECT_EQ(sheet.slugHint(), "shop-site");
-    sheet.save();
-    EXPECT_EQ(sheet.error() + sheet.notice(), "");
+    DevProjectForm& form = *view.rail()->form();
+    form.beginNewProject();
+    EXPECT_FALSE(form.complete());
+    form.field(u"name"_s).type(u"Shop Site"_s);
+    EXPECT_EQ(form.field(u"slug"_s).text(), "shop-site");
+    EXPECT_EQ(form.field(u"controlDir"_s).text(), "~/nimb/state/projects/shop-site");
+    form.submit();
+    EXPECT_EQ(form.message() + form.notice(), "");
     EXPECT_EQ(table("SELECT id, slug, status FROM project;"), QStringList("pj:shop-site|shop-site|active"));
     const QString path = m_home.paths().home + "/nimb/state/projects/shop-site/PROJECT.md";
     EXPECT_EQ(content(path),
@@ -29,10 +29,10 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
 
     const QByteArray log = "## Log\r\n- 12:00 first\n\n## Log\nmore \xff\n";
     written(u"nimb/state/projects/shop-site/PROJECT.md"_s, "# Old\nnotes\n" + log);
-    sheet.beginEditProject();
-    sheet.setProjectDraftName(u"Shop\n## Log\nfake"_s);
-    sheet.setProjectDraftSlug(u"other"_s);
-    sheet.save();
+    form.beginEditProject();
+    form.field(u"name"_s).type(u"Shop\n## Log\nfake"_s);
+    form.field(u"slug"_s).type(u"other"_s);
+    form.submit();
     EXPECT_EQ(content(path).indexOf("\n## Log"), content(path).indexOf("\n" + log)) << "a field ends no line";
     EXPECT_TRUE(content(path).endsWith("\n\n" + log));
     EXPECT_EQ(cell("SELECT slug FROM project;"), "shop-site") << "the rows of its work name it";
@@ -43,9 +43,9 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
 
     QFile::setPermissions(QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     const QByteArray before = content(path);
-    sheet.beginEditProject();
-    sheet.setProjectDraftGoal(u"Sell"_s);
-    sheet.save();
+    form.beginEditProject();
+    form.goal()->type(u"Sell"_s);
+    form.submit();
     QFile::setPermissions(
         QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     EXPECT_EQ(cell("SELECT goal FROM project;"), "Sell");
@@ -60,26 +60,26 @@ TEST_F(Projects, noSlugLeadsOutOfTheFolderOfProjects)
     EXPECT_EQ(projectFolder("."), "-");
     EXPECT_EQ(projectFolder(""), "project");
     TerminalWorkspaceView view(desk());
-    DevProjectSheet& sheet = *view.rail()->sheet();
+    DevProjectForm& form = *view.rail()->form();
     project(u"Shop"_s);
     for (const char* slug : { "../up", "a/b", "..", "a b", "shop" }) {
-        sheet.beginNewProject();
-        sheet.setProjectDraftName(u"X"_s);
-        sheet.setProjectDraftSlug(QString::fromLatin1(slug));
-        sheet.save();
-        EXPECT_NE(sheet.error(), "") << slug;
-        EXPECT_TRUE(sheet.isOpen());
+        form.beginNewProject();
+        form.field(u"slug"_s).type(QString::fromLatin1(slug));
+        form.field(u"name"_s).type(u"X"_s);
+        form.submit();
+        EXPECT_NE(form.message(), "") << slug;
+        EXPECT_TRUE(form.isOpen());
     }
-    sheet.setProjectDraftSlug(u"x"_s);
-    sheet.setProjectDraftRepoPath(u"here"_s);
-    sheet.save();
-    EXPECT_EQ(sheet.error(), "A folder is told from the root on, or from “~”.");
+    form.field(u"slug"_s).type(u"x"_s);
+    form.field(u"repoPath"_s).type(u"here"_s);
+    form.submit();
+    EXPECT_EQ(form.message(), "The path of a folder begins with “/” or “~”.");
     // One that another program wrote.
     m_db->exec("INSERT INTO project(id, slug, name, updated_at) VALUES('p','../../evil','Evil','9');");
     view.refresh();
     view.rail()->select(u"p"_s);
-    sheet.beginEditProject();
-    sheet.save();
+    form.beginEditProject();
+    form.submit();
     EXPECT_TRUE(QFile::exists(m_home.paths().home + "/nimb/state/projects/-.-..-evil/PROJECT.md"));
     EXPECT_EQ(cell("SELECT slug FROM project WHERE id='p';"), "../../evil");
 }

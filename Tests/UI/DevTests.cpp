@@ -1,5 +1,6 @@
 #include "Foundation/Literals.h"
 #include "Support/Await.h"
+#include "Support/PlayedConnection.h"
 #include "UI/WindowTest.h"
 
 #include <QClipboard>
@@ -27,7 +28,7 @@ TEST_F(DevWindow, aProjectIsMadeWorkedOnAndHandedToAnAgent)
     EXPECT_TRUE(focusWithin(u"terminals.start"_s)) << "without a project it is still a terminal";
     click(u"dev.newProject"_s);
     type(u"Shop site"_s);
-    press(Qt::Key_Return);
+    click(u"project.submit"_s);
     EXPECT_EQ(findItem(u"projectSheet"_s), nullptr);
     EXPECT_EQ(cell(u"SELECT slug FROM project;"_s), u"shop-site"_s);
     EXPECT_TRUE(QFile::exists(home.paths().home + u"/nimb/state/projects/shop-site/PROJECT.md"_s));
@@ -73,6 +74,42 @@ TEST_F(DevWindow, aProjectIsMadeWorkedOnAndHandedToAnAgent)
         u"Which card?|pj:shop-site|LumoAI"_s);
     click(u"dev.inspector"_s);
     EXPECT_EQ(findItem(u"dev.side:team"_s), nullptr);
+}
+
+TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
+{
+    click(u"dev.newProject"_s);
+    type(u"Shop site"_s);
+    click(u"project.submit"_s);
+    click(u"dev.tab:browser"_s);
+    EXPECT_NE(item(u"browser.empty"_s), nullptr);
+    auto* const page = new PlayedConnection;
+    screens.browser.browser()->adopt(page);
+    page->showFrame(PlayedConnection::jpeg({ 1280, 800 }), 1);
+    page->logError(u"The price is missing."_s);
+    ASSERT_TRUE(await([this] {
+        rest();
+        return findItem(u"browser.page"_s) != nullptr;
+    }));
+    click(u"browser.issues"_s);
+    EXPECT_NE(item(u"browser.issue"_s), nullptr);
+
+    click(u"browser.report"_s);
+    EXPECT_TRUE(focusWithin(u"browserReport.title"_s));
+    click(u"browserReport.submit"_s);
+    clock.advance(seconds(3)); // the page does not say what stands in its password fields
+    ASSERT_TRUE(await([this] { return screens.browser.sheet()->purpose() == BrowserReportSheet::Purpose::Closed; }));
+    rest();
+    click(u"browser.notice.action"_s);
+    EXPECT_EQ(selectedTab(), u"tasks"_s);
+    EXPECT_NE(item(u"item.title"_s), nullptr);
+    click(u"event.report"_s);
+    ASSERT_EQ(desktop.openedFiles.size(), 1);
+    EXPECT_TRUE(desktop.openedFiles.first().endsWith("/report.html"_L1));
+    QFile::remove(desktop.openedFiles.first());
+    QFile::remove(cell(u"SELECT uri FROM work_evidence;"_s));
+    click(u"event.play"_s);
+    EXPECT_NE(item(u"dev.notice"_s), nullptr);
 }
 
 TEST_F(DevWindow, lumoHoldsTheConsoleWithTheSameTerminals)

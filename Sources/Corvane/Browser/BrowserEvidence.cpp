@@ -82,11 +82,12 @@ QByteArray evidenceJson(const BrowserEvidencePayload& payload)
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 
-std::unexpected<Error> writeFailure(const QString& path)
+/// `size`: of all that was to be written into the path.
+std::unexpected<Error> writeFailure(const QString& path, qint64 size)
 {
     constexpr qint64 little = 4 * 1024 * 1024;
     const QStorageInfo disk(QFileInfo(path).absolutePath());
-    const bool isFull = disk.isValid() && disk.bytesAvailable() < little;
+    const bool isFull = disk.isValid() && disk.bytesAvailable() < size + little;
     return failure(isFull ? u"The evidence could not be saved: the disk is full."_s
                           : u"The evidence could not be saved: %1 could not be written."_s.arg(path));
 }
@@ -134,7 +135,7 @@ Result<SavedEvidence> writeEvidence(
     const QString time = QDateTime::fromMSecsSinceEpoch(payload.capturedAt).toString(u"yyyyMMdd-HHmmss"_s);
     const std::optional<QString> folder = newFolder(parent, u"manual-"_s + time);
     if (!folder)
-        return writeFailure(parent);
+        return writeFailure(parent, 0);
     QList<ReportFile> files;
     const auto write = [&](const QString& name, const QByteArray& content) {
         files.append({ name, content });
@@ -142,7 +143,10 @@ Result<SavedEvidence> writeEvidence(
     };
     const auto giveUp = [&] {
         QDir(*folder).removeRecursively();
-        return writeFailure(*folder);
+        qint64 size = 0;
+        for (const ReportFile& file : std::as_const(files))
+            size += file.content.size();
+        return writeFailure(*folder, size);
     };
     if (!picture.isNull()) {
         QBuffer png;

@@ -193,8 +193,11 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
         Q_EMIT loaded();
     } else if (method == "Runtime.bindingCalled"_L1
         && parameters["name"_L1].toString() == QLatin1StringView(stepBinding)) {
-        if (const auto report = jsonObject(parameters["payload"_L1].toString().toUtf8()))
-            m_steps.reported(*report);
+        const QJsonObject report = jsonObject(parameters["payload"_L1].toString().toUtf8()).value_or(QJsonObject());
+        if (report["kind"_L1].toString() == "list"_L1)
+            Q_EMIT listOpened(report, parameters["executionContextId"_L1].toInt());
+        else
+            m_steps.reported(report);
     } else if (method == "Inspector.targetCrashed"_L1) {
         Q_EMIT crashed();
     } else if (refuse(method, parameters)) {

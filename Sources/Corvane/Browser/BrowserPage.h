@@ -46,6 +46,7 @@ Q_SIGNALS:
     void loaded();
     void frame(const QByteArray& base64Jpeg, QSizeF viewport);
     void crashed();
+    void listOpened(const QJsonObject& report, int context); ///< see `stepScript`
 
 private:
     void take(const QString& method, const QJsonObject& parameters);

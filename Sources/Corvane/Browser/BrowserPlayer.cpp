@@ -60,24 +60,26 @@ void BrowserPlayer::play(const QList<BrowserStep>& steps)
 {
     m_end.cancel();
     m_end = CancelHandle();
+    m_isPlaying = true;
     playAll(steps, m_end);
 }
 
 void BrowserPlayer::stop()
 {
     m_end.cancel();
-    say(u"The steps were stopped."_s);
-}
-
-void BrowserPlayer::dismiss()
-{
-    say({});
+    finish({});
 }
 
 void BrowserPlayer::say(const QString& words)
 {
     m_words = words;
     Q_EMIT changed();
+}
+
+void BrowserPlayer::finish(const QString& words)
+{
+    m_isPlaying = false;
+    say(words);
 }
 
 QCoro::Task<void> BrowserPlayer::playAll(QList<BrowserStep> steps, CancelHandle end)
@@ -93,13 +95,13 @@ QCoro::Task<void> BrowserPlayer::playAll(QList<BrowserStep> steps, CancelHandle 
         if (end.isCancelled())
             co_return;
         if (!problem.isEmpty()) {
-            say(u"Stopped at step %1: %2"_s.arg(QString::number(i + 1), problem));
+            finish(u"Stopped at step %1: %2"_s.arg(QString::number(i + 1), problem));
             co_return;
         }
     }
     const QString played = u"Played %1."_s.arg(countWords(steps.size() - withheld, u"step"_s, u"steps"_s));
-    say(withheld == 0 ? played
-                      : played
+    finish(withheld == 0 ? played
+                         : played
                 + u" %1 left out: what was typed is not kept."_s.arg(
                     countWords(withheld, u"step was"_s, u"steps were"_s)));
 }

@@ -20,10 +20,10 @@ public:
     ~BrowserPlayer() override;
 
     void play(const QList<BrowserStep>& steps); ///< in place of what is being played
-    void stop();
+    void stop(); ///< and forgets the words
 
+    bool isPlaying() const { return m_isPlaying; }
     const QString& words() const { return m_words; } ///< what is being done, or how it ended; empty before
-    void dismiss();
 
 Q_SIGNALS:
     void changed();
@@ -35,12 +35,14 @@ private:
     QCoro::Task<QJsonValue> evaluate(QString function, QJsonArray arguments, CancelHandle end);
     QCoro::Task<void> pause(CancelHandle end);
     void say(const QString& words);
+    void finish(const QString& words);
 
     ChromiumBrowserController& m_browser;
     Scheduler& m_scheduler;
     CancelHandle m_end;
     std::unique_ptr<Timer> m_pause;
     QString m_words;
+    bool m_isPlaying = false;
 };
 
 }

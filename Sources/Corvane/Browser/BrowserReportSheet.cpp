@@ -38,15 +38,12 @@ void BrowserReportSheet::open(
     m_project = project;
     m_sessionId = sessionId;
     m_requestedURL = requestedURL;
-    m_picture = m_browser.frameImage();
-    m_shown = m_picture;
-    m_black.clear();
+    m_picture.show(m_browser.frameImage());
     m_refusal.clear();
     const QString page = m_browser.title().isEmpty() ? m_browser.currentURL() : m_browser.title();
     m_title = firstCharacters(singleLine(u"Browser issue: "_s + page), longestTitle);
     m_severity = severities().constFirst();
     m_owner.clear();
-    Q_EMIT pictureChanged();
     Q_EMIT changed();
 }
 
@@ -55,10 +52,7 @@ void BrowserReportSheet::close()
     if (m_busy)
         return;
     m_purpose = Purpose::Closed;
-    m_picture = {};
-    m_shown = {};
-    m_black.clear();
-    Q_EMIT pictureChanged();
+    m_picture.show({});
     Q_EMIT changed();
 }
 
@@ -131,25 +125,6 @@ QString BrowserReportSheet::submitLabel() const
     return m_busy ? u"Saving…"_s : isBug() ? u"File the bug"_s : u"Save"_s;
 }
 
-void BrowserReportSheet::blackOut(const QRectF& part)
-{
-    const QRectF inside = part.normalized().intersected(QRectF(0, 0, 1, 1));
-    if (inside.isEmpty() || m_busy)
-        return;
-    m_black.append(inside);
-    m_shown = blackedOut(m_shown, { inside });
-    Q_EMIT pictureChanged();
-}
-
-void BrowserReportSheet::undoBlackOut()
-{
-    if (m_black.isEmpty() || m_busy)
-        return;
-    m_black.removeLast();
-    m_shown = blackedOut(m_picture, m_black);
-    Q_EMIT pictureChanged();
-}
-
 void BrowserReportSheet::submit()
 {
     if (m_busy || m_purpose == Purpose::Closed)
@@ -158,9 +133,8 @@ void BrowserReportSheet::submit()
         return refuse(u"No project selected"_s);
     if (isBug() && m_title.trimmed().isEmpty())
         return refuse(u"Title is required."_s);
-    m_busy = true;
     m_refusal.clear();
-    Q_EMIT changed();
+    setBusy(true);
     m_browser.gatherEvidence(m_requestedURL, m_note, [self = QPointer(this)](const BrowserEvidencePayload& payload) {
         if (self)
             self->write(payload);
@@ -169,10 +143,12 @@ void BrowserReportSheet::submit()
 
 void BrowserReportSheet::write(const BrowserEvidencePayload& payload)
 {
-    m_queue.run<Result<SavedEvidence>>([root = m_browser.evidenceRoot(), slug = m_project.slug, payload,
-                                           picture = m_shown] { return writeEvidence(root, slug, payload, picture); },
+    m_queue.run<Result<SavedEvidence>>(
+        [root = m_browser.evidenceRoot(), slug = m_project.slug, payload, picture = m_picture.picture()] {
+            return writeEvidence(root, slug, payload, picture);
+        },
         [this, payload](const Result<SavedEvidence>& evidence) {
-            m_busy = false;
+            setBusy(false);
             isBug() ? file(payload, evidence) : keep(payload, evidence);
         });
 }
@@ -186,7 +162,7 @@ void BrowserReportSheet::keep(const BrowserEvidencePayload& payload, const Resul
         return refuse(u"The evidence is in %1; the database did not take its row."_s.arg(evidence->folder));
     m_note.clear();
     close();
-    Q_EMIT submitted(u"The evidence was saved."_s);
+    Q_EMIT submitted(u"The evidence was saved."_s, {});
 }
 
 /// A bug counts, with its proof or without it.
@@ -210,7 +186,8 @@ void BrowserReportSheet::file(const BrowserEvidencePayload& payload, const Resul
     m_note.clear();
     close();
     Q_EMIT submitted(evidence ? u"The bug “%1” was filed."_s.arg(item->title)
-                              : u"The bug “%1” was filed without its evidence. %2"_s.arg(item->title, error));
+                              : u"The bug “%1” was filed without its evidence. %2"_s.arg(item->title, error),
+        item->id);
 }
 
 void BrowserReportSheet::refuse(const QString& reason)
@@ -219,18 +196,11 @@ void BrowserReportSheet::refuse(const QString& reason)
     Q_EMIT changed();
 }
 
-QString browserEvidencePreview(
-    const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network, qsizetype newest)
+void BrowserReportSheet::setBusy(bool busy)
 {
-    if (console.isEmpty() && network.isEmpty())
-        return u"No browser warnings, console errors, failed requests, or HTTP errors captured yet."_s;
-    QStringList lines { countWords(console.size(), u"console problem"_s, u"console problems"_s) + u", "_s
-        + countWords(network.size(), u"failed request"_s, u"failed requests"_s) };
-    for (const BrowserIssue& issue :
-        browserIssues(console, network).first(std::min(newest, console.size() + network.size())))
-        lines.append(issue.kind + u": "_s + singleLine(issue.text)
-            + (issue.place.isEmpty() ? QString() : u" ("_s + issue.place + u')'));
-    return lines.join(u'\n');
+    m_busy = busy;
+    m_picture.setLocked(busy);
+    Q_EMIT changed();
 }
 
 }

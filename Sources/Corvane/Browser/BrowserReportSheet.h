@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Browser/BrowserBlackout.h"
 #include "Browser/BrowserBugs.h"
 #include "Foundation/BackgroundQueue.h"
 
@@ -11,15 +12,14 @@ namespace corvane {
 class ChromiumBrowserController;
 class LocalDB;
 
-/// What is about to be kept of a page, shown before anything is written: the picture, on which a person blacks out what
-/// is nobody's business, and for a bug its fields.
+/// What is about to be kept of a page, shown before anything is written: the picture, and for a bug its fields.
 class BrowserReportSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(Purpose purpose READ purpose NOTIFY changed)
     Q_PROPERTY(bool isBug READ isBug NOTIFY changed)
     Q_PROPERTY(QString heading READ heading NOTIFY changed)
     Q_PROPERTY(QString detail READ detail NOTIFY changed)
-    Q_PROPERTY(bool isBlackedOut READ isBlackedOut NOTIFY pictureChanged)
+    Q_PROPERTY(corvane::BrowserBlackout* picture READ picture CONSTANT)
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
     Q_PROPERTY(QString severity READ severity WRITE setSeverity NOTIFY changed)
     Q_PROPERTY(QStringList severities READ severities CONSTANT)
@@ -46,8 +46,7 @@ public:
     bool isBug() const { return m_purpose == Purpose::Bug; }
     QString heading() const;
     QString detail() const;
-    const QImage& picture() const { return m_shown; } ///< as it will be saved; null for none
-    bool isBlackedOut() const { return !m_black.isEmpty(); }
+    BrowserBlackout* picture() { return &m_picture; }
     const QString& title() const { return m_title; }
     void setTitle(const QString& title);
     const QString& severity() const { return m_severity; }
@@ -64,15 +63,13 @@ public:
     const QString& refusal() const { return m_refusal; }
     bool busy() const { return m_busy; }
 
-    Q_INVOKABLE void blackOut(const QRectF& part); ///< from 0 to 1 of the picture's width and height
-    Q_INVOKABLE void undoBlackOut(); ///< the last part
     Q_INVOKABLE void submit();
     Q_INVOKABLE void close();
 
 Q_SIGNALS:
     void changed();
-    void pictureChanged();
-    void submitted(const QString& notice); ///< what was written, in words
+    /// What was written, in words; `itemId` is that of the bug, if one was filed.
+    void submitted(const QString& notice, const QString& itemId);
 
 private:
     void write(const BrowserEvidencePayload& payload);
@@ -80,6 +77,7 @@ private:
     void file(const BrowserEvidencePayload& payload, const Result<SavedEvidence>& evidence);
     void edit(QString& field, const QString& value);
     void refuse(const QString& reason);
+    void setBusy(bool busy);
 
     LocalDB& m_db;
     ChromiumBrowserController& m_browser;
@@ -87,9 +85,7 @@ private:
     BrowserProject m_project;
     QString m_sessionId;
     QString m_requestedURL;
-    QImage m_picture; ///< as the page showed it
-    QImage m_shown;
-    QList<QRectF> m_black;
+    BrowserBlackout m_picture;
     QString m_title;
     QString m_severity;
     QString m_owner;
@@ -98,9 +94,5 @@ private:
     bool m_busy = false;
     BackgroundQueue m_queue; ///< goes first: its work holds values of the above
 };
-
-/// Counts and the newest events, or the sentence that there are none.
-QString browserEvidencePreview(
-    const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network, qsizetype newest);
 
 }

@@ -1,7 +1,9 @@
 #include "Browser/BrowserRows.h"
 
 #include "Foundation/Literals.h"
+#include "Foundation/Text.h"
 #include "Presentation/BodyText.h"
+#include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 
 #include <QDateTime>
@@ -65,6 +67,20 @@ QList<BrowserSession> browserSessions(const QList<DevBrowserSessionRow>& rows, q
         sessions.append(session);
     }
     return sessions;
+}
+
+QString browserEvidencePreview(
+    const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network, qsizetype newest)
+{
+    if (console.isEmpty() && network.isEmpty())
+        return u"No browser warnings, console errors, failed requests, or HTTP errors captured yet."_s;
+    QStringList lines { countWords(console.size(), u"console problem"_s, u"console problems"_s) + u", "_s
+        + countWords(network.size(), u"failed request"_s, u"failed requests"_s) };
+    for (const BrowserIssue& issue :
+        browserIssues(console, network).first(std::min(newest, console.size() + network.size())))
+        lines.append(issue.kind + u": "_s + singleLine(issue.text)
+            + (issue.place.isEmpty() ? QString() : u" ("_s + issue.place + u')'));
+    return lines.join(u'\n');
 }
 
 }

@@ -52,4 +52,8 @@ public:
 QList<BrowserIssue> browserIssues(const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network);
 QList<BrowserSession> browserSessions(const QList<DevBrowserSessionRow>& rows, qint64 nowMs);
 
+/// Counts and the newest events, or the sentence that there are none.
+QString browserEvidencePreview(
+    const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network, qsizetype newest);
+
 }

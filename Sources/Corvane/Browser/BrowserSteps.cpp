@@ -206,6 +206,27 @@ QString stepScript()
         if (inEnter) step('press', field, { text: 'Enter' });
     });
     on('keyup', () => { inEnter = false; });
+    // A list would open in a window of its own, of which no frame is sent.
+    let list = null;
+    const openList = (element, event) => {
+        const pressed = element.closest('select');
+        if (!pressed || pressed.multiple || pressed.size > 1 || pressed.disabled) return;
+        event.preventDefault();
+        list = pressed;
+        list.focus();
+        const box = list.getBoundingClientRect();
+        const choices = [...list.options].slice(0, 500).map(option => option.disabled ? null : option.label);
+        send({ kind: 'list', x: box.x / innerWidth, y: box.bottom / innerHeight, choices, chosen: list.selectedIndex });
+    };
+    globalThis.corvaneChoose = index => {
+        list.selectedIndex = index;
+        for (const name of ['input', 'change']) list.dispatchEvent(new Event(name, { bubbles: true }));
+        step('choose', list, { text: list.value });
+    };
+    on('mousedown', (element, event) => { if (event.button === 0) openList(element, event); });
+    on('keydown', (element, event) => {
+        if (event.key === ' ' || (event.altKey && event.key === 'ArrowDown')) openList(element, event);
+    });
     const tellFilled = () => {
         for (const field of document.querySelectorAll('input[type=password]'))
             if (isSecret(field) && field.value) tellSecret(field);

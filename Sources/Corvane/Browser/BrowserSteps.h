@@ -48,7 +48,8 @@ private:
 };
 
 /// The script that runs beside each page and tells what the person does in it. It calls `bindingName` with one JSON
-/// object a step. The text of a secret field is told apart from the steps and is never part of one.
+/// object a step. The text of a secret field is told apart from the steps and is never part of one. A drop-down list
+/// that is opened is told, too ("list"); `corvaneChoose(index)` in the same context takes a choice.
 QString stepScript();
 inline constexpr const char* stepBinding = "corvaneStep";
 inline constexpr const char* stepWorld = "corvane";

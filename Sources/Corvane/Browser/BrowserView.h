@@ -1,42 +1,35 @@
 #pragma once
 
+#include "Browser/BrowserDisplay.h"
+#include "Browser/BrowserHistory.h"
+#include "Browser/BrowserIssues.h"
+#include "Browser/BrowserPicker.h"
 #include "Browser/BrowserPlayer.h"
 #include "Browser/BrowserReportSheet.h"
-#include "Browser/BrowserRows.h"
 #include "Browser/ChromiumBrowserController.h"
-#include "Presentation/Choice.h"
-#include "Presentation/RowListModel.h"
 
 namespace corvane {
 
-class Desktop;
-class LocalDB;
-class UserDefaults;
-
-/// The browser of a project: its controls, what went wrong in the page, and what was kept of earlier looks.
+/// The browser of a project: its address, how it is, and the parts around the page.
 class BrowserView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::ChromiumBrowserController* browser READ browser CONSTANT)
     Q_PROPERTY(corvane::BrowserReportSheet* sheet READ sheet CONSTANT)
+    Q_PROPERTY(corvane::BrowserIssues* issues READ issues CONSTANT)
+    Q_PROPERTY(corvane::BrowserHistory* history READ history CONSTANT)
+    Q_PROPERTY(corvane::BrowserDisplay* display READ display CONSTANT)
+    Q_PROPERTY(corvane::BrowserPicker* picker READ picker CONSTANT)
     Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY changed) ///< what stands in the field
     Q_PROPERTY(QString addressHint READ addressHint NOTIFY changed)
     Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
     Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< empty for none
     Q_PROPERTY(QString problemAction READ problemAction NOTIFY changed) ///< empty where nothing can be done here
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< empty for none
+    Q_PROPERTY(QString noticeAction READ noticeAction NOTIFY changed) ///< empty for none
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyDetail READ emptyDetail NOTIFY changed)
     Q_PROPERTY(QString emptyAction READ emptyAction NOTIFY changed)
-    Q_PROPERTY(corvane::GadgetListModel* issues READ issues CONSTANT) ///< of BrowserIssue, newest first
-    Q_PROPERTY(int issueCount READ issueCount NOTIFY changed)
-    Q_PROPERTY(QString issueText READ issueText NOTIFY changed)
-    Q_PROPERTY(QString issuesHint READ issuesHint NOTIFY changed) ///< empty where there are issues
     Q_PROPERTY(bool evidenceReady READ evidenceReady NOTIFY changed)
-    Q_PROPERTY(corvane::GadgetListModel* sessions READ sessions CONSTANT) ///< of BrowserSession, newest first
-    Q_PROPERTY(QList<corvane::Choice> sizes READ sizes CONSTANT)
-    Q_PROPERTY(QString size READ size NOTIFY changed) ///< an id of `sizes`
-    Q_PROPERTY(QString zoomText READ zoomText NOTIFY changed)
-    Q_PROPERTY(bool windowShown READ windowShown WRITE setWindowShown NOTIFY changed)
 public:
     /// All of it outlives the view.
     struct Surroundings {
@@ -51,14 +44,13 @@ public:
 
     void setProject(const BrowserProject& project); ///< one without an id: none
     const BrowserProject& project() const { return m_project; }
-    void reload(); ///< the sessions may have changed
 
     ChromiumBrowserController* browser() { return &m_browser; }
     BrowserReportSheet* sheet() { return &m_sheet; }
-    GadgetListModel* issues() { return &m_issues; }
-    GadgetListModel* sessions() { return &m_sessions; }
-    const QList<DevBrowserSessionRow>& sessionRows() const { return m_sessionRows; }
-    int issueCount() const { return int(m_browser.issueCount()); }
+    BrowserIssues* issues() { return &m_issues; }
+    BrowserHistory* history() { return &m_history; }
+    BrowserDisplay* display() { return &m_display; }
+    BrowserPicker* picker() { return &m_picker; }
     const QString& address() const { return m_address; }
     void setAddress(const QString& address);
     QString addressHint() const;
@@ -66,58 +58,44 @@ public:
     QString problem() const;
     QString problemAction() const;
     QString notice() const;
+    QString noticeAction() const;
     QString emptyTitle() const;
     QString emptyDetail() const;
     QString emptyAction() const;
-    QString issueText() const;
-    QString issuesHint() const;
     bool evidenceReady() const { return m_browser.hasEvidence(); }
-    QList<Choice> sizes() const;
-    const QString& size() const { return m_size; }
-    QString zoomText() const;
-    bool windowShown() const { return m_browser.options().hasWindow; }
-    void setWindowShown(bool shown);
 
     Q_INVOKABLE void open(); ///< what stands in the address field
-    Q_INVOKABLE void chooseSize(const QString& id);
-    Q_INVOKABLE void zoom(int steps); ///< 0: back to the page's own size
     Q_INVOKABLE void find(const QString& text, bool backwards);
     Q_INVOKABLE void capture(); ///< shows the picture; the sheet saves it
     Q_INVOKABLE void reportBug();
     Q_INVOKABLE void scan(); ///< in a shell
-    Q_INVOKABLE void openEvidence(const QString& sessionId = {}); ///< its folder; without an id the latest one
-    Q_INVOKABLE void openAgain(const QString& sessionId);
-    Q_INVOKABLE void playAgain(const QString& sessionId);
     Q_INVOKABLE void solveProblem();
-    Q_INVOKABLE void dismissNotice();
+    Q_INVOKABLE void actOnNotice();
+    Q_INVOKABLE void dismissNotice(); ///< and ends what it speaks of
 
 Q_SIGNALS:
     void changed();
     void wrote(); ///< items, evidence or sessions of the project
+    void itemRequested(const QString& id); ///< to be shown on the board
 
 private:
     void refresh();
-    void saveSession();
     void openSheet(BrowserReportSheet::Purpose purpose);
-    const DevBrowserSessionRow* findSession(const QString& id) const;
-    QString sessionId();
-    void applyMetrics();
-    void say(const QString& notice);
+    void say(const QString& notice, const QString& itemId = {});
 
     const Surroundings m_at;
     ChromiumBrowserController m_browser;
     BrowserReportSheet m_sheet;
+    BrowserIssues m_issues;
+    BrowserHistory m_history;
+    BrowserDisplay m_display;
+    BrowserPicker m_picker;
     BrowserPlayer m_player;
     BrowserProject m_project;
-    QHash<QString, QString> m_sessionIds; ///< of this run, by project
-    QList<DevBrowserSessionRow> m_sessionRows;
-    RowListModel<BrowserIssue> m_issues;
-    RowListModel<BrowserSession> m_sessions;
     QString m_address;
     QString m_savedURL; ///< in the row of the session
-    QString m_size;
     QString m_notice;
-    int m_zoom = 0; ///< steps from the page's own size
+    QString m_item; ///< that the notice speaks of; empty for none
 };
 
 }

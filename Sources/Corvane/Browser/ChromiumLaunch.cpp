@@ -38,7 +38,8 @@ QStringList chromiumArguments(const BrowserOptions& options, const QString& prof
     const bool hasPipe = options.line == BrowserOptions::Line::Pipe;
     QStringList arguments { hasPipe ? u"--remote-debugging-pipe"_s : u"--remote-debugging-port=%1"_s.arg(options.port),
         u"--user-data-dir="_s + profile, u"--no-first-run"_s, u"--no-default-browser-check"_s,
-        u"--window-size=1280,800"_s, u"--window-position=-32000,-32000"_s };
+        u"--window-size=1280,800"_s, u"--window-position=-32000,-32000"_s,
+        u"--password-store=basic"_s }; // else a locked keyring asks for its password, and every page waits for that
     if (!options.hasWindow)
         arguments.append(u"--headless=new"_s);
     if (!options.hasSandbox)

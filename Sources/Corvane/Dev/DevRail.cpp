@@ -25,10 +25,10 @@ DevRail::DevRail(DevDesk& desk, QObject* parent)
     : QObject(parent)
     , m_desk(desk)
     , m_projects(desk.work, this)
-    , m_sheet(desk, this)
+    , m_form(desk, this)
 {
     m_projects.setArrangement([this](const QList<OpsProjectRow>& all) { return arranged(all); });
-    connect(&m_sheet, &DevProjectSheet::saved, this, [this](const QString& id) {
+    connect(&m_form, &DevProjectForm::saved, this, [this](const QString& id) {
         m_projects.select(id);
         reload();
     });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Dev/DevProjectSheet.h"
+#include "Dev/DevProjectForm.h"
 #include "Presentation/Choice.h"
 #include "Work/OpsProjects.h"
 
@@ -10,7 +10,7 @@ namespace corvane {
 class DevRail : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::OpsProjects* projects READ projects CONSTANT)
-    Q_PROPERTY(corvane::DevProjectSheet* sheet READ sheet CONSTANT)
+    Q_PROPERTY(corvane::DevProjectForm* form READ form CONSTANT)
     Q_PROPERTY(QList<corvane::TabItem> scopes READ scopes NOTIFY changed)
     Q_PROPERTY(QString scope READ scopeId WRITE setScopeId NOTIFY changed)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY changed)
@@ -21,7 +21,7 @@ public:
     void reload();
 
     OpsProjects* projects() { return &m_projects; }
-    DevProjectSheet* sheet() { return &m_sheet; }
+    DevProjectForm* form() { return &m_form; }
     QList<TabItem> scopes() const;
     TerminalWorkspaceScope scope() const { return m_scope; }
     void setScope(TerminalWorkspaceScope scope);
@@ -44,7 +44,7 @@ private:
 
     DevDesk& m_desk;
     OpsProjects m_projects;
-    DevProjectSheet m_sheet;
+    DevProjectForm m_form;
     TerminalWorkspaceScope m_scope = TerminalWorkspaceScope::All;
     QString m_search;
     QHash<TerminalWorkspaceScope, int> m_counts;

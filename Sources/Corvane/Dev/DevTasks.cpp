@@ -1,5 +1,6 @@
 #include "Dev/DevTasks.h"
 
+#include "Browser/BrowserView.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Presentation/DateWords.h"
@@ -189,6 +190,21 @@ void DevTasks::tell(const QString& notice, bool failed)
         Q_EMIT wrote();
     }
     Q_EMIT changed();
+}
+
+void DevTasks::openReport(const QString& capture)
+{
+    refuse(m_desk.browser.history()->openReport(capture));
+}
+
+void DevTasks::playSteps(const QString& capture)
+{
+    refuse(m_desk.browser.history()->playSteps(capture));
+}
+
+void DevTasks::refuse(const Result<void>& done)
+{
+    done ? dismissNotice() : tell(done.error().message, true);
 }
 
 void DevTasks::dismissNotice()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Dev/DevDesk.h"
+#include "Foundation/Result.h"
 #include "Work/WorkBoard.h"
 #include "Work/WorkItemSheet.h"
 
@@ -40,6 +41,8 @@ public:
     Q_INVOKABLE void taskFromTerminal();
     Q_INVOKABLE void bugFromTerminal();
     Q_INVOKABLE void proposeDevDecision();
+    Q_INVOKABLE void openReport(const QString& capture); ///< a path that evidence of an item names
+    Q_INVOKABLE void playSteps(const QString& capture); ///< in the browser
     Q_INVOKABLE void dismissNotice();
 
     /// Of what the terminal in front shows, redacted; the item, its evidence, and the context moved to the front.
@@ -52,6 +55,7 @@ Q_SIGNALS:
 private:
     void createQuick(const QString& kind, const QString& title);
     void tell(const QString& notice, bool failed);
+    void refuse(const Result<void>& done);
 
     DevDesk& m_desk;
     WorkBoard m_board;

@@ -79,7 +79,15 @@ TerminalWorkspaceView::TerminalWorkspaceView(const DevDesk& desk, QObject* paren
         if (shown())
             readAgain();
     });
-    connect(&m_desk.browser, &BrowserView::changed, this, &TerminalWorkspaceView::browserChanged);
+    connect(&m_desk.browser, &BrowserView::itemRequested, this, [this](const QString& id) {
+        if (shown())
+            showItem(id);
+    });
+    connect(m_desk.browser.history(), &BrowserHistory::playRequested, this, [this] {
+        if (shown())
+            setWorkspaceTab(Tab::Browser);
+    });
+    connect(m_desk.browser.issues(), &BrowserIssues::changed, this, &TerminalWorkspaceView::changed);
     connect(&m_desk.terminals, &TerminalsView::changed, this, &TerminalWorkspaceView::terminalsChanged);
 }
 
@@ -121,17 +129,11 @@ void TerminalWorkspaceView::readTab()
     case Tab::Health:
         return m_health.reload();
     case Tab::Browser:
-        return m_desk.browser.reload();
+        return m_desk.browser.history()->reload();
     case Tab::Terminal:
     case Tab::Team:
         break;
     }
-}
-
-void TerminalWorkspaceView::browserChanged()
-{
-    if (std::exchange(m_issueCount, m_desk.browser.issueCount()) != m_desk.browser.issueCount())
-        Q_EMIT changed();
 }
 
 /// What the tabs say of the selected terminal changes with it, not with each of its titles.
@@ -154,7 +156,7 @@ QList<TabItem> TerminalWorkspaceView::tabs() const
         if (words.tab == Tab::Terminal)
             item.count = m_desk.terminals.count();
         if (words.tab == Tab::Browser)
-            item.count = m_desk.browser.issueCount();
+            item.count = m_desk.browser.issues()->count();
         if (words.tab == Tab::Team)
             item.count = m_desk.project.openAsks;
         items.append(item);
@@ -243,6 +245,12 @@ void TerminalWorkspaceView::openProject(const QString& id)
 {
     m_rail.select(id);
     m_launcher.attachOrCreateLocalSession();
+}
+
+void TerminalWorkspaceView::showItem(const QString& id)
+{
+    setWorkspaceTab(Tab::Tasks);
+    m_tasks.item()->open(id);
 }
 
 void TerminalWorkspaceView::askSaved(const OpsAskRow& ask, bool forLumo)

@@ -80,6 +80,7 @@ public:
     Q_INVOKABLE void refresh() { m_refresh.now(); }
     void openTerminal(const QString& label, const QString& command); ///< of the project, in front
     Q_INVOKABLE void openProject(const QString& id); ///< and its terminal in front
+    Q_INVOKABLE void showItem(const QString& id); ///< on the board
 
 Q_SIGNALS:
     void changed();
@@ -89,14 +90,12 @@ private:
     void readTab();
     void projectSelected();
     void terminalsChanged();
-    void browserChanged();
     void askSaved(const OpsAskRow& ask, bool forLumo);
 
     DevDesk m_desk;
     QString m_shownProject; ///< the one that the tabs show
     const void* m_terminal = nullptr; ///< the one that the tabs speak of; only compared
     int m_terminalCount = 0;
-    int m_issueCount = 0;
     DevWorkspaceTab m_tab = DevWorkspaceTab::Terminal;
     DevInspectorTab m_inspectorTab = DevInspectorTab::Team;
     bool m_inspectorCollapsed = false;

@@ -67,7 +67,7 @@ QList<Command> devCommands(Screens& screens)
             screens, u"dev:"_s + tab.id, u"Workspace: "_s + tab.label, [&dev, id = tab.id] { dev.setTab(id); }));
     }
     commands.append(
-        devCommand(screens, u"newProject"_s, u"New project"_s, [&dev] { dev.rail()->sheet()->beginNewProject(); }));
+        devCommand(screens, u"newProject"_s, u"New project"_s, [&dev] { dev.rail()->form()->beginNewProject(); }));
     commands.append(devCommand(screens, u"projectTerminal"_s, u"Open the project's terminal"_s,
         [&dev] { dev.launcher()->attachOrCreateLocalSession(); }));
     commands.append(devCommand(screens, u"copyPacket"_s, u"Copy the project's packet for an agent"_s, [&dev] {
@@ -90,9 +90,7 @@ void showDevWork(Screens& screens, const QString& contextId, const QString& item
         if (project != projects.end())
             screens.dev.rail()->select(project->id);
     }
-    screens.dev.setWorkspaceTab(DevWorkspaceTab::Tasks);
-    if (!itemId.isEmpty())
-        screens.dev.tasks()->item()->open(itemId);
+    screens.dev.showItem(itemId);
 }
 
 void showTerminals(Screens& screens)

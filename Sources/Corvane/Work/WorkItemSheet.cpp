@@ -196,7 +196,10 @@ QString WorkItemSheet::lane() const
 
 QStringList WorkItemSheet::priorities() const
 {
-    return { u"high"_s, u"normal"_s, u"low"_s };
+    QStringList words { u"high"_s, u"normal"_s, u"low"_s };
+    if (!m_seen.priority.isEmpty() && !words.contains(m_seen.priority))
+        words.insert(1, shownLine(m_seen.priority));
+    return words;
 }
 
 bool WorkItemSheet::done() const

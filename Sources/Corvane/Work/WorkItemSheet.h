@@ -31,7 +31,7 @@ class WorkItemSheet : public QObject {
     Q_PROPERTY(QString summary READ summary WRITE setSummary NOTIFY changed)
     Q_PROPERTY(QString facts READ facts NOTIFY changed)
     Q_PROPERTY(QString lane READ lane NOTIFY changed)
-    Q_PROPERTY(QStringList priorities READ priorities CONSTANT)
+    Q_PROPERTY(QStringList priorities READ priorities NOTIFY changed) ///< the usual ones, and its own
     Q_PROPERTY(bool dirty READ dirty NOTIFY changed)
     Q_PROPERTY(bool done READ done NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< an outside change, or the result of a save

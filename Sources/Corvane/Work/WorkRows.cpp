@@ -51,6 +51,7 @@ OpsTimelineEvent timelineEvent(const WorkEvent& from, const DateWords& words)
     } else if (from.kind == "evidence"_L1) {
         shown.icon = u"document"_s;
         shown.title = shownLine(factLine({ from.title, from.by }));
+        shown.capture = from.role == "browser-capture"_L1 ? from.uri : QString();
     } else {
         shown.icon = from.role == "assistant"_L1 ? u"hub-lumo"_s : u"note"_s;
         shown.title = shownLine(from.by);

@@ -90,6 +90,7 @@ class OpsTimelineEvent {
     Q_PROPERTY(QString day MEMBER day)
     Q_PROPERTY(QString icon MEMBER icon)
     Q_PROPERTY(QString aloud MEMBER aloud)
+    Q_PROPERTY(QString capture MEMBER capture)
 public:
     QString id; ///< "decision:{id}", "evidence:{id}", "message:{id}", or "decided:{id}"
     QString label; ///< decision, evidence or message
@@ -99,6 +100,7 @@ public:
     QString day;
     QString icon;
     QString aloud;
+    QString capture; ///< path of what a browser kept of a page; empty for all else
 
     static constexpr const char* role = "event";
     const QString& key() const { return id; }

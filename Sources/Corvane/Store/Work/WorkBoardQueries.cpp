@@ -51,6 +51,7 @@ const Table<WorkEvent> evidenceEvents("work_evidence",
         { "substr(summary,1,4000)", &WorkEvent::detail, "''" },
         { "created_at", &WorkEvent::at, "''" },
         { "kind", &WorkEvent::role, "''" },
+        { "uri", &WorkEvent::uri, "''" },
     });
 
 const Table<WorkEvent> messageEvents("work_message",

@@ -72,7 +72,8 @@ struct WorkEvent {
     QString detail; ///< cut after some thousand characters
     QString at; ///< when it was made
     QString changedAt; ///< of a decision
-    QString role; ///< of a message's speaker
+    QString role; ///< of a message's speaker; of evidence its kind
+    QString uri; ///< of evidence: where it is
 
     bool operator==(const WorkEvent&) const = default;
 };

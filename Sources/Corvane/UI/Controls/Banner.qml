@@ -56,6 +56,7 @@ Rectangle {
         }
         Button {
             id: primary
+            objectName: banner.objectName ? banner.objectName + ".action" : ""
             visible: banner.action !== ""
             implicitHeight: 26
             kind: "plain"

@@ -78,8 +78,8 @@ FocusScope {
         Button {
             objectName: "browser.issues"
             kind: bar.listed ? "plain" : "quiet"
-            icon.name: bar.screen.issueCount > 0 ? "dialog-warning" : ""
-            text: bar.screen.issueText
+            icon.name: bar.screen.issues.count > 0 ? "dialog-warning" : ""
+            text: bar.screen.issues.text
             hint: qsTr("Console problems, failed requests and earlier looks")
             onClicked: bar.listToggled()
         }
@@ -92,16 +92,16 @@ FocusScope {
             Menu {
                 id: menu
                 Instantiator {
-                    model: bar.screen.sizes
+                    model: bar.screen.display.devices
                     delegate: MenuItem {
                         required property choice modelData
-                        objectName: "browser.size:" + modelData.id
+                        objectName: "browser.device:" + modelData.id
                         checkable: true
-                        checked: bar.screen.size === modelData.id
+                        checked: bar.screen.display.device === modelData.id
                         text: modelData.label
                         onTriggered: {
-                            checked = Qt.binding(() => bar.screen.size === modelData.id);
-                            bar.screen.chooseSize(modelData.id);
+                            checked = Qt.binding(() => bar.screen.display.device === modelData.id);
+                            bar.screen.display.device = modelData.id;
                         }
                     }
                     onObjectAdded: (index, object) => menu.insertItem(index, object)
@@ -109,16 +109,16 @@ FocusScope {
                 }
                 MenuSeparator {}
                 MenuItem {
-                    text: qsTr("Larger (%1)").arg(bar.screen.zoomText)
-                    onTriggered: bar.screen.zoom(1)
+                    text: qsTr("Larger (%1)").arg(bar.screen.display.zoomText)
+                    onTriggered: bar.screen.display.zoom(1)
                 }
                 MenuItem {
                     text: qsTr("Smaller")
-                    onTriggered: bar.screen.zoom(-1)
+                    onTriggered: bar.screen.display.zoom(-1)
                 }
                 MenuItem {
                     text: qsTr("Usual size")
-                    onTriggered: bar.screen.zoom(0)
+                    onTriggered: bar.screen.display.zoom(0)
                 }
                 MenuItem {
                     text: qsTr("Find on the page…")
@@ -134,7 +134,7 @@ FocusScope {
                 }
                 MenuItem {
                     text: qsTr("Open the evidence folder")
-                    onTriggered: bar.screen.openEvidence()
+                    onTriggered: bar.screen.history.openFolder()
                 }
                 MenuItem {
                     text: qsTr("Scan in a terminal")
@@ -144,11 +144,11 @@ FocusScope {
                 MenuItem {
                     objectName: "browser.window"
                     checkable: true
-                    checked: bar.screen.windowShown
+                    checked: bar.screen.display.windowShown
                     text: qsTr("Let the browser have a window")
                     onTriggered: {
-                        bar.screen.windowShown = !bar.screen.windowShown;
-                        checked = Qt.binding(() => bar.screen.windowShown);
+                        bar.screen.display.windowShown = !bar.screen.display.windowShown;
+                        checked = Qt.binding(() => bar.screen.display.windowShown);
                     }
                 }
             }

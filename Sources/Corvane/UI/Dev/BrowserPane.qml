@@ -1,4 +1,5 @@
 import QtQuick
+import QtQml
 import Corvane.Controls
 import Corvane.Dev
 
@@ -73,13 +74,13 @@ FocusScope {
             find();
             break;
         case "larger":
-            screen.zoom(1);
+            screen.display.zoom(1);
             break;
         case "smaller":
-            screen.zoom(-1);
+            screen.display.zoom(-1);
             break;
         case "usual":
-            screen.zoom(0);
+            screen.display.zoom(0);
             break;
         }
     }
@@ -119,7 +120,9 @@ FocusScope {
             width: parent.width
             visible: text !== ""
             text: pane.screen.notice
+            action: pane.screen.noticeAction
             dismissable: true
+            onActed: pane.screen.actOnNotice()
             onDismissed: pane.screen.dismissNotice()
         }
     }
@@ -150,6 +153,31 @@ FocusScope {
                 color: Theme.none
                 border.width: page.activeFocus ? 2 : 1
                 border.color: page.activeFocus ? Theme.accent : Theme.line
+            }
+        }
+        Menu {
+            id: picker
+            objectName: "browser.picker"
+            onClosed: page.forceActiveFocus()
+            Instantiator {
+                model: pane.screen.picker.choices
+                delegate: MenuItem {
+                    required property choice modelData
+                    objectName: "browser.choice:" + modelData.label
+                    checkable: true
+                    checked: modelData.id === pane.screen.picker.chosen
+                    text: modelData.label
+                    onTriggered: pane.screen.picker.choose(modelData.id)
+                }
+                onObjectAdded: (index, object) => picker.insertItem(index, object)
+                onObjectRemoved: (index, object) => picker.removeItem(object)
+            }
+        }
+        Connections {
+            target: pane.screen.picker
+            function onOpened() {
+                const place = pane.screen.picker.place;
+                picker.popup(page, page.shown.x + place.x * page.shown.width, page.shown.y + place.y * page.shown.height);
             }
         }
         EmptyState {

@@ -52,20 +52,20 @@ QSGNode* BrowserPicture::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
     return node;
 }
 
-void BrowserSheetPicture::setSheet(BrowserReportSheet* sheet)
+void BrowserBlackoutItem::setBlackout(BrowserBlackout* blackout)
 {
-    if (sheet == m_sheet)
+    if (blackout == m_blackout)
         return;
-    if (m_sheet)
-        m_sheet->disconnect(this);
-    m_sheet = sheet;
+    if (m_blackout)
+        m_blackout->disconnect(this);
+    m_blackout = blackout;
     const auto show = [this] {
-        setImage(m_sheet ? m_sheet->picture() : QImage());
+        setImage(m_blackout ? m_blackout->picture() : QImage());
     };
-    if (sheet)
-        connect(sheet, &BrowserReportSheet::pictureChanged, this, show);
+    if (blackout)
+        connect(blackout, &BrowserBlackout::changed, this, show);
     show();
-    Q_EMIT sheetChanged();
+    Q_EMIT blackoutChanged();
 }
 
 }

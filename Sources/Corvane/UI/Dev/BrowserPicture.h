@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Browser/BrowserReportSheet.h"
+#include "Browser/BrowserBlackout.h"
 
 #include <QPointer>
 #include <QQuickItem>
@@ -32,21 +32,21 @@ private:
 };
 
 /// The picture of a report as it will be saved.
-class BrowserSheetPicture : public corvane::BrowserPicture {
+class BrowserBlackoutItem : public corvane::BrowserPicture {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(corvane::BrowserReportSheet* sheet READ sheet WRITE setSheet NOTIFY sheetChanged)
+    Q_PROPERTY(corvane::BrowserBlackout* blackout READ blackout WRITE setBlackout NOTIFY blackoutChanged)
 public:
     using BrowserPicture::BrowserPicture;
 
-    BrowserReportSheet* sheet() const { return m_sheet; }
-    void setSheet(BrowserReportSheet* sheet);
+    BrowserBlackout* blackout() const { return m_blackout; }
+    void setBlackout(BrowserBlackout* blackout);
 
 Q_SIGNALS:
-    void sheetChanged();
+    void blackoutChanged();
 
 private:
-    QPointer<BrowserReportSheet> m_sheet;
+    QPointer<BrowserBlackout> m_blackout;
 };
 
 }

@@ -41,12 +41,12 @@ Sheet {
             width: 380
             spacing: Theme.small
 
-            BrowserSheetPicture {
+            BrowserBlackoutItem {
                 id: picture
                 objectName: "browserReport.picture"
                 width: parent.width
                 height: 260
-                sheet: dialog.sheet
+                blackout: dialog.sheet.picture
                 Accessible.role: Accessible.Graphic
                 Accessible.name: qsTr("The picture as it will be saved")
 
@@ -85,7 +85,7 @@ Sheet {
                     }
                     onReleased: mouse => {
                         const on = picture.shown;
-                        dialog.sheet.blackOut(Qt.rect((Math.min(fromX, mouse.x) - on.x) / on.width,
+                        dialog.sheet.picture.blackOut(Qt.rect((Math.min(fromX, mouse.x) - on.x) / on.width,
                             (Math.min(fromY, mouse.y) - on.y) / on.height, Math.abs(mouse.x - fromX) / on.width,
                             Math.abs(mouse.y - fromY) / on.height));
                     }
@@ -105,11 +105,11 @@ Sheet {
                 }
                 Button {
                     id: undo
-                    visible: dialog.sheet.isBlackedOut
+                    visible: dialog.sheet.picture.isBlackedOut
                     implicitHeight: 28
                     kind: "quiet"
                     text: qsTr("Undo")
-                    onClicked: dialog.sheet.undoBlackOut()
+                    onClicked: dialog.sheet.picture.undo()
                 }
             }
             Label {

@@ -31,11 +31,11 @@ FocusScope {
                 width: parent.width
                 visible: text !== ""
                 wrapMode: Text.Wrap
-                text: side.screen.issuesHint
+                text: side.screen.issues.emptyText
                 color: Theme.faint
             }
             Repeater {
-                model: side.screen.issues
+                model: side.screen.issues.rows
                 Column {
                     id: line
                     required property browserIssue issue
@@ -74,7 +74,7 @@ FocusScope {
             }
             Repeater {
                 id: sessions
-                model: side.screen.sessions
+                model: side.screen.history.rows
                 Column {
                     id: look
                     required property browserSession session
@@ -107,20 +107,20 @@ FocusScope {
                         Button {
                             implicitHeight: 26
                             text: qsTr("Open")
-                            onClicked: side.screen.openAgain(look.session.sessionId)
+                            onClicked: side.screen.history.open(look.session.sessionId)
                         }
                         Button {
                             implicitHeight: 26
                             visible: look.session.hasEvidence
                             text: qsTr("Play the steps")
-                            onClicked: side.screen.playAgain(look.session.sessionId)
+                            onClicked: side.screen.history.play(look.session.sessionId)
                         }
                         Button {
                             implicitHeight: 26
                             visible: look.session.hasEvidence
                             kind: "quiet"
                             text: qsTr("Folder")
-                            onClicked: side.screen.openEvidence(look.session.sessionId)
+                            onClicked: side.screen.history.openFolder(look.session.sessionId)
                         }
                     }
                 }

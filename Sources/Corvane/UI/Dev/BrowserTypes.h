@@ -29,6 +29,41 @@ struct BrowserReportSheetType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct BrowserBlackoutType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserBlackout)
+    QML_NAMED_ELEMENT(BrowserBlackout)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct BrowserDisplayType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserDisplay)
+    QML_NAMED_ELEMENT(BrowserDisplay)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct BrowserHistoryType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserHistory)
+    QML_NAMED_ELEMENT(BrowserHistory)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct BrowserIssuesType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserIssues)
+    QML_NAMED_ELEMENT(BrowserIssues)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct BrowserPickerType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserPicker)
+    QML_NAMED_ELEMENT(BrowserPicker)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct BrowserIssueType {
     Q_GADGET
     QML_FOREIGN(corvane::BrowserIssue)

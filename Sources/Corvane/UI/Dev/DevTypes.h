@@ -29,10 +29,10 @@ struct DevRailType {
     QML_UNCREATABLE("The program makes it.")
 };
 
-struct DevProjectSheetType {
+struct DevProjectFormType {
     Q_GADGET
-    QML_FOREIGN(corvane::DevProjectSheet)
-    QML_NAMED_ELEMENT(DevProjectSheet)
+    QML_FOREIGN(corvane::DevProjectForm)
+    QML_NAMED_ELEMENT(DevProjectForm)
     QML_UNCREATABLE("The program makes it.")
 };
 

@@ -79,10 +79,7 @@ FocusScope {
                 model: view.tab === "tasks" ? view.workspace.tasks.open : null
                 ItemLine {
                     width: column.width
-                    onClicked: {
-                        view.workspace.tab = "tasks";
-                        view.workspace.tasks.item.open(item.id);
-                    }
+                    onClicked: view.workspace.showItem(item.id)
                 }
             }
             Repeater {

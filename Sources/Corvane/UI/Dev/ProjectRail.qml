@@ -39,42 +39,46 @@ FocusScope {
             height: 28
             Label {
                 anchors.verticalCenter: parent.verticalCenter
-                width: buttons.x - Theme.small
+                width: edit.x - Theme.tight
                 text: view.title
                 font.pixelSize: Theme.title
                 font.weight: Theme.strong
                 Accessible.role: Accessible.Heading
                 Accessible.description: view.detail
             }
-            Row {
-                id: buttons
+            IconButton {
+                id: edit
+                objectName: "dev.editProject"
                 anchors.right: parent.right
-                IconButton {
-                    objectName: "dev.editProject"
-                    visible: view.rail.projects.selected !== ""
-                    size: 28
-                    icon.name: "document-edit"
-                    text: qsTr("Edit the project")
-                    onClicked: view.rail.sheet.beginEditProject()
-                }
-                IconButton {
-                    objectName: "dev.newProject"
-                    size: 28
-                    icon.name: "list-add"
-                    text: qsTr("New project")
-                    onClicked: view.rail.sheet.beginNewProject()
-                }
+                visible: view.rail.projects.selected !== ""
+                size: 28
+                icon.name: "document-edit"
+                text: qsTr("Edit the project")
+                onClicked: view.rail.form.beginEditProject()
             }
         }
-        SearchField {
-            id: search
-            objectName: "dev.search"
+        Row {
             width: parent.width
-            placeholderText: qsTr("Search projects")
-            text: view.rail.search
-            onTextEdited: view.rail.search = text
-            onCleared: view.rail.search = ""
-            onLeave: list.forceActiveFocus(Qt.TabFocusReason)
+            spacing: Theme.tight
+            SearchField {
+                id: search
+                objectName: "dev.search"
+                width: parent.width - add.width - Theme.tight
+                placeholderText: qsTr("Search projects")
+                text: view.rail.search
+                onTextEdited: view.rail.search = text
+                onCleared: view.rail.search = ""
+                onLeave: list.forceActiveFocus(Qt.TabFocusReason)
+            }
+            IconButton {
+                id: add
+                objectName: "dev.newProject"
+                anchors.verticalCenter: parent.verticalCenter
+                size: 28
+                icon.name: "list-add"
+                text: qsTr("New project")
+                onClicked: view.rail.form.beginNewProject()
+            }
         }
         Flow {
             width: parent.width
@@ -85,8 +89,8 @@ FocusScope {
                     required property int index
                     readonly property tabItem entry: view.rail.scopes[index] ?? view.noScope
                     objectName: "dev.scope:" + entry.id
-                    leftPadding: 6
-                    rightPadding: 6
+                    leftPadding: 5
+                    rightPadding: 5
                     text: entry.label
                     count: entry.count
                     selected: view.rail.scope === entry.id

@@ -76,7 +76,11 @@ FocusScope {
                     count: entry.count
                     selected: view.tab === entry.id
                     focus: selected
-                    onClicked: view.workspace.tab = entry.id
+                    onClicked: {
+                        view.workspace.tab = entry.id;
+                        if (!activeFocus) // pressed with the pointer
+                            (desk.visible ? desk : surface).forceActiveFocus(Qt.MouseFocusReason);
+                    }
                 }
             }
         }
@@ -106,10 +110,10 @@ FocusScope {
 
         Notice { text: view.workspace.launcher.notice; tone: "warn" }
         Notice {
-            text: view.workspace.rail.sheet.notice
+            text: view.workspace.rail.form.notice
             tone: "warn"
             dismissable: true
-            onDismissed: view.workspace.rail.sheet.dismissNotice()
+            onDismissed: view.workspace.rail.form.dismissNotice()
         }
         Notice {
             text: view.workspace.tasks.notice
@@ -191,6 +195,9 @@ FocusScope {
             visible: view.itemOpen
             focus: visible
             sheet: view.workspace.tasks.item
+            hasBrowser: true
+            onReportOpened: capture => view.workspace.tasks.openReport(capture)
+            onStepsPlayed: capture => view.workspace.tasks.playSteps(capture)
         }
         ProjectInspector {
             anchors.fill: parent
@@ -225,7 +232,7 @@ FocusScope {
         onUndone: view.workspace.tasks.board.undo()
         onDismissed: view.workspace.tasks.board.dismissUndo()
     }
-    ProjectSheet { sheet: view.workspace.rail.sheet }
+    ProjectSheet { project: view.workspace.rail.form }
     CreateSheet { create: view.workspace.create }
     AnswerSheet { asks: view.workspace.rail.projects.asks }
 

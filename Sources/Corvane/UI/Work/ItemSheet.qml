@@ -9,6 +9,10 @@ FocusScope {
     id: view
 
     required property WorkItemSheet sheet
+    property bool hasBrowser
+
+    signal reportOpened(capture: string)
+    signal stepsPlayed(capture: string)
 
     Binding { target: titleBox; property: "text"; value: view.sheet.title }
     Binding { target: summaryBox; property: "text"; value: view.sheet.summary }
@@ -152,6 +156,9 @@ FocusScope {
                 TimelineLine {
                     width: column.width
                     dated: true
+                    hasBrowser: view.hasBrowser
+                    onReportOpened: view.reportOpened(event.capture)
+                    onStepsPlayed: view.stepsPlayed(event.capture)
                 }
             }
         }

@@ -9,6 +9,10 @@ Item {
     required property workEvent event
     property bool dated ///< the day stands beside the hour
     property bool open
+    property bool hasBrowser ///< what one kept of a page can be read and played again
+
+    signal reportOpened
+    signal stepsPlayed
 
     implicitHeight: Math.max(time.implicitHeight, body.implicitHeight) + Theme.medium
     Accessible.role: Accessible.ListItem
@@ -74,6 +78,24 @@ Item {
             kind: "quiet"
             text: line.open ? qsTr("Show less") : qsTr("Show all")
             onClicked: line.open = !line.open
+        }
+        Row {
+            visible: line.hasBrowser && line.event.capture !== ""
+            topPadding: Theme.tight
+            spacing: Theme.small
+            Button {
+                objectName: "event.report"
+                implicitHeight: 28
+                text: qsTr("Open the report")
+                onClicked: line.reportOpened()
+            }
+            Button {
+                objectName: "event.play"
+                implicitHeight: 28
+                kind: "quiet"
+                text: qsTr("Play the steps")
+                onClicked: line.stepsPlayed()
+            }
         }
     }
 }
