@@ -116,6 +116,7 @@ TEST_F(Backups, aSealedBackupMadeDuringWritesBecomesTheSameProfileElsewhereAndSe
 
 TEST_F(Backups, nothingIsRestoredOverAProfileThatIsUsedOrThroughALink)
 {
+    m_home.write("share/.corvane-unfinished-killed/backup", "of a program that was killed");
     ASSERT_TRUE(backUp());
     const AppPaths& own = m_home.paths();
     auto running = ProfileLock::take(own.applicationSupport);
@@ -134,6 +135,7 @@ TEST_F(Backups, nothingIsRestoredOverAProfileThatIsUsedOrThroughALink)
     EXPECT_TRUE(QFileInfo::exists(replaced->aside + u"/mcp-token"_s));
     EXPECT_TRUE(QFileInfo::exists(own.database()));
     EXPECT_EQ(QDir(m_home.path(u"share"_s)).entryList({ u".corvane*"_s }, QDir::Dirs | QDir::Hidden), QStringList());
+    EXPECT_EQ(QDir(m_home.path(u"."_s)).entryList({ u".corvane*"_s }, QDir::AllEntries | QDir::Hidden), QStringList());
 }
 
 TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)

@@ -53,7 +53,7 @@ TEST_F(Exchange, whatIsExportedIsReadBackTheSame)
     m_db->run("INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, updated_at) "
               "VALUES('e','local',?,1793610000000,1793613600000,0);",
         { u"Kiln; check, "_s + u"long "_s.repeated(30) });
-    m_db->run("INSERT INTO crm_deal(id, name, value) VALUES('d','Tiles','12.5k');");
+    m_db->run("INSERT INTO crm_deal(id, name, value) VALUES('d','=1+1','12.5k');");
     m_db->run("INSERT INTO crm_deal(id, name, deleted_at) VALUES('gone','Gone',1);");
     const auto stopped = std::make_shared<std::atomic<bool>>(false);
     const QString folder = m_home.path(u"export"_s);
@@ -62,6 +62,7 @@ TEST_F(Exchange, whatIsExportedIsReadBackTheSame)
     EXPECT_EQ(exported->value(u"deals"_s), 1);
     EXPECT_FALSE(exportProfile(m_home.paths(), folder, stopped)) << "nothing is written over";
     EXPECT_TRUE(m_home.read("export/people.csv").contains("\"Ana, Ruíz\""));
+    EXPECT_TRUE(m_home.read("export/deals.csv").contains(",'=1+1,")) << "a text, not a formula";
     EXPECT_TRUE(m_home.read("export/contacts.vcf").contains("FN:Ana\\, Ruíz\r\nEMAIL:ana@example.org\r\n"));
     const QByteArray events = m_home.read("export/events.ics");
     EXPECT_TRUE(events.contains("SUMMARY:Kiln\\; check\\, long "));

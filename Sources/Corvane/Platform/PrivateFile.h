@@ -23,7 +23,8 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
 /// The same for a file that is written in pieces. Without `commit`, nothing remains of it.
 class PrivateSaveFile {
 public:
-    explicit PrivateSaveFile(const QString& path); ///< its folder exists
+    /// The pieces go to a file in `unfinished`, a folder on the same filesystem.
+    PrivateSaveFile(const QString& path, const QString& unfinished);
     ~PrivateSaveFile();
     PrivateSaveFile(const PrivateSaveFile&) = delete;
     PrivateSaveFile& operator=(const PrivateSaveFile&) = delete;
@@ -34,6 +35,7 @@ public:
 
 private:
     QString m_path;
+    QString m_unfinished;
     QByteArray m_temporary; ///< the current name of the file; empty if there is none
     QFile m_file;
 };

@@ -2,6 +2,7 @@
 
 #include "Care/Backup/ProfileFiles.h"
 #include "Care/Backup/SealedDevice.h"
+#include "Care/Backup/WorkFolder.h"
 #include "Foundation/Json.h"
 #include "Platform/AppPaths.h"
 #include "Platform/PrivateFile.h"
@@ -30,15 +31,6 @@ PieceSeen counting(const Progress& progress)
     };
 }
 
-/// Where a copy of the database fits for a while; removed with the object.
-std::unique_ptr<QTemporaryDir> folderBeside(const QString& file)
-{
-    auto folder = std::make_unique<QTemporaryDir>(QFileInfo(file).absolutePath() + u"/.corvane-XXXXXX"_s);
-    if (!folder->isValid())
-        folder = std::make_unique<QTemporaryDir>();
-    return folder;
-}
-
 Result<void> checkRoom(const QString& file, qint64 needed)
 {
     const QStorageInfo disk(QFileInfo(file).absolutePath());
@@ -57,8 +49,8 @@ QByteArray secretsText(const QHash<QString, QString>& secrets)
 }
 
 /// Puts everything into the archive, and last what it is.
-Result<Manifest> fill(
-    ArchiveWriter& archive, const AppPaths& paths, const BackupRequest& request, const Progress& progress)
+Result<Manifest> fill(ArchiveWriter& archive, const AppPaths& paths, const BackupRequest& request,
+    const WorkFolder& folder, const Progress& progress)
 {
     Manifest manifest { QStringLiteral(CORVANE_VERSION), request.nowMs, paths.applicationSupport, request.media,
         request.secrets.has_value(), {}, {} };
@@ -71,8 +63,7 @@ Result<Manifest> fill(
         return {};
     };
 
-    const auto folder = folderBeside(request.file);
-    const QString copy = folder->filePath(backupNames::database);
+    const QString copy = folder.filePath(backupNames::database);
     if (QFileInfo::exists(paths.database())) {
         const std::shared_ptr<const std::atomic<bool>> stopped(progress, &progress->stopped);
         if (const auto copied = copyDatabase(paths.database(), copy, stopped); !copied)
@@ -176,7 +167,8 @@ Result<Manifest> makeBackup(const AppPaths& paths, const BackupRequest& request,
     if (const auto room = checkRoom(request.file, 2 * database + files); !room)
         return std::unexpected(room.error());
 
-    PrivateSaveFile target(request.file);
+    const WorkFolder folder(request.file);
+    PrivateSaveFile target(request.file, folder.path());
     if (const auto opened = target.open(); !opened)
         return failure(u"%1 cannot be written: %2"_s.arg(request.file, opened.error().message));
     std::unique_ptr<SealingDevice> sealing;
@@ -186,7 +178,7 @@ Result<Manifest> makeBackup(const AppPaths& paths, const BackupRequest& request,
             return failure(sealing->errorString());
     }
     ArchiveWriter archive(sealing ? static_cast<QIODevice&>(*sealing) : target.file());
-    auto manifest = fill(archive, paths, request, progress);
+    auto manifest = fill(archive, paths, request, folder, progress);
     if (!manifest)
         return manifest;
     if (sealing) {
@@ -219,8 +211,11 @@ Result<Manifest> unpackBackup(
 
 Result<Manifest> verifyBackup(const QString& file, const std::optional<QString>& passphrase, const Progress& progress)
 {
-    const auto folder = folderBeside(file);
-    return unpackBackup(file, passphrase, folder->path(), progress);
+    const WorkFolder beside(file);
+    if (beside.isValid())
+        return unpackBackup(file, passphrase, beside.path(), progress);
+    const QTemporaryDir elsewhere;
+    return unpackBackup(file, passphrase, elsewhere.path(), progress);
 }
 
 bool isSealedBackup(const QString& file)

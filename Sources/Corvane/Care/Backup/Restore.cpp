@@ -1,5 +1,6 @@
 #include "Care/Backup/Restore.h"
 
+#include "Care/Backup/WorkFolder.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineSpec.h"
 #include "Foundation/Json.h"
@@ -15,7 +16,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 namespace corvane {
 
@@ -156,7 +156,7 @@ Result<Restored> restoreBackup(const AppPaths& paths, const RestoreRequest& requ
     if (!request.replace && !isEmptyProfile(target))
         return failure(u"There is a profile in %1 already. Give --replace to put it aside, or --into to name another "
                        "folder."_s.arg(target));
-    QTemporaryDir folder(QFileInfo(target).absolutePath() + u"/.corvane-restore-XXXXXX"_s);
+    const WorkFolder folder(target);
     if (!folder.isValid())
         return failure(u"A folder cannot be made beside %1."_s.arg(target));
     const auto manifest = unpackBackup(request.file, request.passphrase, folder.path(), progress);
@@ -196,7 +196,7 @@ Result<AppPaths> profileIn(const QString& folder, const AppPaths& own)
 
 Result<void> restoreDatabase(const QString& backup, const QString& to, const AppPaths& paths, Scheduler& scheduler)
 {
-    QTemporaryDir folder(QFileInfo(to).absolutePath() + u"/.corvane-restore-XXXXXX"_s);
+    const WorkFolder folder(to);
     const auto manifest = unpackBackup(backup, std::nullopt, folder.path(), std::make_shared<BackupProgress>());
     if (!manifest)
         return std::unexpected(manifest.error());

@@ -43,10 +43,17 @@ private:
     QString m_path;
 };
 
+/// A spreadsheet runs a text that begins with one of these as a formula; an apostrophe before it keeps it a text.
+QString withoutFormula(const QString& text)
+{
+    const bool isFormula = !text.isEmpty() && u"=+-@\t\r"_s.contains(text.front());
+    return isFormula ? u'\'' + text : text;
+}
+
 QString csvField(const QJsonValue& value)
 {
     if (value.isString())
-        return value.toString();
+        return withoutFormula(value.toString());
     if (!value.isDouble())
         return {};
     const qint64 whole = value.toInteger();

@@ -192,8 +192,9 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
     return false;
 }
 
-PrivateSaveFile::PrivateSaveFile(const QString& path)
+PrivateSaveFile::PrivateSaveFile(const QString& path, const QString& unfinished)
     : m_path(path)
+    , m_unfinished(unfinished)
 {
 }
 
@@ -205,7 +206,7 @@ PrivateSaveFile::~PrivateSaveFile()
 
 Result<void> PrivateSaveFile::open()
 {
-    m_temporary = QFile::encodeName(m_path) + ".XXXXXX";
+    m_temporary = QFile::encodeName(m_unfinished) + "/XXXXXX";
     const int descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
     if (descriptor < 0) {
         m_temporary.clear();
