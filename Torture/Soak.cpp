@@ -1,0 +1,70 @@
+#include "Ordeal.h"
+#include "Profile.h"
+
+#include "Foundation/Literals.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+namespace corvane::torture {
+
+namespace {
+
+constexpr int messagesPerSecond = 10;
+constexpr int samples = 10;
+
+qint64 memoryKiB(qint64 process)
+{
+    QFile status(u"/proc/%1/status"_s.arg(process));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.simplified().split(' ').value(1).toLongLong();
+    }
+    return 0;
+}
+
+qsizetype descriptors(qint64 process)
+{
+    return QDir(u"/proc/%1/fd"_s.arg(process)).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+}
+
+}
+
+bool soak(const QString& program, int minutes)
+{
+    constexpr int msPerMinute = 60'000;
+    constexpr double mostKiBPerHour = 1024;
+    Profile profile(program);
+    QTextStream out(stdout);
+    out << u"%1 %2 %3 %4\n"_s.arg(u"minute"_s, 8)
+               .arg(u"messages"_s, 10)
+               .arg(u"memory KiB"_s, 12)
+               .arg(u"descriptors"_s, 12);
+    profile.start({ minutes * msPerMinute / 1000 * messagesPerSecond, 1000 / messagesPerSecond });
+    qint64 settled = 0; // after the first sample caches are warm
+    qint64 memory = 0;
+    for (int sample = 1; sample <= samples; ++sample) {
+        pause(minutes * msPerMinute / samples);
+        if (!profile.isRunning()) {
+            out << "The program ended.\n";
+            return false;
+        }
+        memory = memoryKiB(profile.processId());
+        if (sample == 1)
+            settled = memory;
+        out << u"%1 %2 %3 %4\n"_s.arg(double(minutes) * sample / samples, 8, 'f', 1)
+                   .arg(profile.books().acknowledged(), 10)
+                   .arg(memory, 12)
+                   .arg(descriptors(profile.processId()), 12)
+            << Qt::flush;
+    }
+    const double hours = minutes / 60.0 * (samples - 1) / samples;
+    const double growth = double(memory - settled) / hours;
+    out << u"It grows by %1 KiB an hour.\n"_s.arg(growth, 0, 'f', 0);
+    return profile.stop() && growth <= mostKiBPerHour;
+}
+
+}
