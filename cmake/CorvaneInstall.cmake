@@ -11,7 +11,9 @@ install(DIRECTORY local-schema docs/help DESTINATION "${resources}")
 install(DIRECTORY scripts DESTINATION "${resources}" USE_SOURCE_PERMISSIONS)
 install(DIRECTORY mac/engine DESTINATION "${resources}" USE_SOURCE_PERMISSIONS
     PATTERN node_modules EXCLUDE PATTERN tests EXCLUDE)
-install(DIRECTORY "${CORVANE_ENGINE_MODULES}" DESTINATION "${resources}/engine" USE_SOURCE_PERMISSIONS OPTIONAL)
+# Of Node only the program is needed.
+install(DIRECTORY "${CORVANE_ENGINE_MODULES}" DESTINATION "${resources}/engine" USE_SOURCE_PERMISSIONS OPTIONAL
+    REGEX "/node_modules/(\\.bin|node-linux-[a-z0-9]+/(include|share))$" EXCLUDE)
 
 set(desktop "${CMAKE_BINARY_DIR}/desktop")
 configure_file(data/com.nimb.corvane.service.in "${desktop}/com.nimb.corvane.service" @ONLY)
@@ -19,6 +21,9 @@ configure_file(data/corvane.service.in "${desktop}/corvane.service" @ONLY)
 # A program that was not installed has no service file, so its entry must not count on one.
 file(READ data/com.nimb.corvane.desktop entry)
 string(REPLACE "DBusActivatable=false" "DBusActivatable=true" entry "${entry}")
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr") # a desktop may not look there for programs
+    string(REPLACE "Exec=corvane" "Exec=\"${CMAKE_INSTALL_FULL_BINDIR}/corvane\"" entry "${entry}")
+endif()
 file(CONFIGURE OUTPUT "${desktop}/com.nimb.corvane.desktop" CONTENT "${entry}" @ONLY)
 
 install(FILES "${desktop}/com.nimb.corvane.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
@@ -41,6 +46,8 @@ set(CPACK_PACKAGE_NAME corvane)
 set(CPACK_PACKAGE_CONTACT "The Corvane developers <developers@corvane.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "private inbox for every channel of one business owner")
 set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
