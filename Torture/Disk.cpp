@@ -6,9 +6,9 @@
 #include "Foundation/Literals.h"
 #include "Store/Core/Snapshot.h"
 
-#include <QDir>
 #include <QFile>
 #include <sys/mount.h>
+#include <utility>
 
 namespace corvane::torture {
 
