@@ -27,7 +27,9 @@ const page = `<!doctype html>
 </script></body></html>`;
 
 const server = createServer((request, response) => {
-  const isPage = new URL(request.url, "http://localhost").pathname === "/";
+  const path = new URL(request.url, "http://localhost").pathname;
+  if (path === "/favicon.ico") return response.writeHead(204).end();
+  const isPage = path === "/";
   response.writeHead(isPage ? 200 : 500, { "content-type": "text/html; charset=utf-8" });
   response.end(isPage ? page : "The price list is missing.");
 });

@@ -102,7 +102,7 @@ FocusScope {
         width: parent.width - Theme.small * 2
         topPadding: visible ? Theme.small : 0
         spacing: Theme.tight
-        visible: problem.visible || notice.visible
+        visible: problem.text !== "" || notice.text !== "" // not their `visible`, which is false while this is
 
         Banner {
             id: problem
