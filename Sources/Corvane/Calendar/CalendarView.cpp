@@ -161,7 +161,8 @@ void CalendarView::lay()
     for (const CalendarInfo& calendar : m_at.store.calendars())
         colours.insert(calendar.title, calendar.colour);
     m_layout = calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours);
-    m_blocks.assign(m_layout.blocks);
+    // The rows of a fuller page stay at the end: making their tiles again costs more than all else about a page.
+    m_blocks.assign(m_layout.blocks + m_blocks.rows().mid(m_layout.blocks.size()));
     m_allDay.assign(m_layout.allDay);
     if (find(m_added))
         m_selected = std::exchange(m_added, {});

@@ -68,6 +68,7 @@ class CalendarView : public QObject {
     Q_PROPERTY(int firstHour READ firstHour NOTIFY changed)
     Q_PROPERTY(int lastHour READ lastHour NOTIFY changed)
     Q_PROPERTY(corvane::GadgetListModel* blocks READ blocks CONSTANT) ///< of EventBlock, by day and time
+    Q_PROPERTY(int blockCount READ blockCount NOTIFY changed) ///< rows of `blocks` on the page; more are spare
     Q_PROPERTY(corvane::GadgetListModel* allDay READ allDay CONSTANT)
     Q_PROPERTY(int allDayRows READ allDayRows NOTIFY changed)
     Q_PROPERTY(QList<corvane::FreeGap> gaps READ gaps NOTIFY changed)
@@ -105,6 +106,7 @@ public:
     int lastHour() const { return m_layout.lastHour; }
     const CalendarLayout& layout() const { return m_layout; }
     GadgetListModel* blocks() { return &m_blocks; }
+    int blockCount() const { return int(m_layout.blocks.size()); }
     GadgetListModel* allDay() { return &m_allDay; }
     int allDayRows() const { return m_layout.allDayRows; }
     const QList<FreeGap>& gaps() const { return m_layout.gaps; }

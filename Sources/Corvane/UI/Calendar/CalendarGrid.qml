@@ -185,7 +185,10 @@ FocusScope {
             model: grid.screen.blocks
             EventTile {
                 id: tile
-                selected: grid.screen.selected === event.id
+                required property int index
+                readonly property bool shown: index < grid.screen.blockCount
+                visible: shown
+                selected: shown && grid.screen.selected === event.id
                 x: grid.gutter + event.day * grid.columnWidth + 2 + event.lane * (grid.columnWidth - 4) / event.lanes
                 y: Theme.small + event.top * grid.hourHeight + 1
                 width: (grid.columnWidth - 4) / event.lanes - 1
