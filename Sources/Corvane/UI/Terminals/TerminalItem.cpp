@@ -53,7 +53,7 @@ void TerminalItem::setFontSize(int size)
     Q_EMIT fontSizeChanged();
 }
 
-void TerminalItem::setColors(const QVariantList& colors)
+void TerminalItem::setColors(const QList<QColor>& colors)
 {
     if (m_colors == colors)
         return;
@@ -76,7 +76,7 @@ void TerminalItem::applyColors()
     if (!m_session || m_colors.size() < named + 3)
         return;
     const auto color = [this](qsizetype index) {
-        return Rgb(m_colors.at(index).value<QColor>().rgb() & 0xffffff);
+        return Rgb(m_colors.at(index).rgb() & 0xffffff);
     };
     PaletteState palette = Palette().initial;
     for (qsizetype i = 0; i < named; ++i)

@@ -17,7 +17,7 @@ class TerminalItem : public QQuickItem {
     Q_PROPERTY(corvane::LumoTerminalSession* session READ session WRITE setSession NOTIFY sessionChanged)
     Q_PROPERTY(int fontSize READ fontSize WRITE setFontSize NOTIFY fontSizeChanged)
     /// Sixteen colours, then text, background and cursor.
-    Q_PROPERTY(QVariantList colors READ colors WRITE setColors NOTIFY colorsChanged)
+    Q_PROPERTY(QList<QColor> colors READ colors WRITE setColors NOTIFY colorsChanged)
     Q_PROPERTY(bool dark READ dark WRITE setDark NOTIFY colorsChanged)
     Q_PROPERTY(QColor selectionColor MEMBER m_selectionColor NOTIFY colorsChanged)
     Q_PROPERTY(QColor matchColor MEMBER m_matchColor NOTIFY colorsChanged)
@@ -35,8 +35,8 @@ public:
     void setSession(LumoTerminalSession* session);
     int fontSize() const { return m_fontSize; }
     void setFontSize(int size);
-    const QVariantList& colors() const { return m_colors; }
-    void setColors(const QVariantList& colors);
+    const QList<QColor>& colors() const { return m_colors; }
+    void setColors(const QList<QColor>& colors);
     bool dark() const { return m_dark; }
     void setDark(bool dark);
     bool cursorOn() const { return m_cursorOn; }
@@ -125,7 +125,7 @@ private:
     std::unique_ptr<TerminalPainter> m_painter;
     int m_fontSize = 14;
     qreal m_ratio = 1; ///< device pixel ratio
-    QVariantList m_colors;
+    QList<QColor> m_colors;
     bool m_dark = false;
     QColor m_selectionColor;
     QColor m_matchColor;
