@@ -58,14 +58,14 @@ void drawOps(Gallery& gallery)
     shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
     gallery.wait(pause);
     gallery.save(u"ops-create-item"_s);
-    shell.create()->setTitle(QString());
-    shell.create()->save();
+    shell.create()->field(u"title"_s).fill({});
+    shell.create()->submit();
     gallery.wait(pause);
     gallery.save(u"ops-create-failed"_s);
     shell.create()->begin(u"ask"_s);
     gallery.wait(pause);
     gallery.save(u"ops-create-ask"_s);
-    shell.create()->cancel();
+    shell.create()->close();
     const QString board = shell.tabs().first().id;
     shell.setTab(board);
     shell.board()->moveBy(u"item:demo:november-invoices:vat"_s, 1);

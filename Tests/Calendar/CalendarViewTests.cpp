@@ -91,13 +91,25 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     view.makeLocal();
     ASSERT_TRUE(await([&] { return view.canAdd(); }));
     EXPECT_EQ(view.title(), u"5 – 11 October 2026"_s);
-    for (const auto& [what, from, to] :
-        { std::tuple("", "10:00", "11:00"), std::tuple("Call", "nine", "11:00"), std::tuple("Call", "10:00", "9:00") })
-        EXPECT_FALSE(
-            view.addEvent(QString::fromLatin1(what), u"2026-10-08"_s, QString::fromLatin1(from),
-                    QString::fromLatin1(to), {}, {})
-                .isEmpty());
-    EXPECT_EQ(view.addEvent(u"Call"_s, view.suggestedDay(), u"9:05"_s, {}, u"https://meet.example/a"_s, {}), QString());
+    NewEventForm& form = *view.newEvent();
+    const auto add = [&](const QHash<QString, QString>& typed) {
+        view.beginEvent();
+        for (const auto& [id, text] : typed.asKeyValueRange())
+            form.field(id).type(text);
+        form.submit();
+        return form.message();
+    };
+    EXPECT_EQ(add({}), u"Give the event a title."_s);
+    for (const QHash<QString, QString>& wrong : { QHash<QString, QString> { { u"day"_s, u"8.10."_s } },
+             { { u"from"_s, u"nine"_s } }, { { u"from"_s, u"10:00"_s }, { u"to"_s, u"9:00"_s } } }) {
+        QHash<QString, QString> typed = wrong;
+        typed.insert(u"title"_s, u"Call"_s);
+        EXPECT_FALSE(add(typed).isEmpty());
+        EXPECT_EQ(form.field(u"title"_s).text(), u"Call"_s) << "what was typed stays";
+    }
+    EXPECT_EQ(add({ { u"title"_s, u"Call"_s }, { u"from"_s, u"9:05"_s }, { u"place"_s, u"https://meet.example/a"_s } }),
+        QString());
+    EXPECT_FALSE(form.isOpen());
     ASSERT_TRUE(awaitShown("Call"));
     EXPECT_EQ(view.card().title, u"Call"_s);
     EXPECT_EQ(view.card().when, u"Thu 8 Oct, 09:05–10:05"_s);
@@ -106,7 +118,7 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(u"https://meet.example/a"_s) });
     view.step(20); // beyond the mirror
     EXPECT_TRUE(view.layout().blocks.isEmpty());
-    EXPECT_EQ(view.addEvent(u"Far"_s, u"2027-03-01"_s, u"9:00"_s, u"10:00"_s, {}, {}), QString());
+    EXPECT_EQ(add({ { u"title"_s, u"Far"_s }, { u"day"_s, u"2027-03-01"_s } }), QString());
     EXPECT_TRUE(awaitShown("Far"));
     view.today();
     view.selectNext(1);

@@ -39,7 +39,7 @@ TEST_F(CalendarWindow, aPersonConnectsWritesAnEventAndPreparesForIt)
     click(u"calendar.new"_s);
     EXPECT_TRUE(focusWithin(u"newEvent.title"_s));
     press(Qt::Key_Return);
-    EXPECT_EQ(item(u"newEvent.refusal"_s)->property("text"), u"Give the event a title."_s);
+    EXPECT_EQ(item(u"newEvent.message"_s)->property("text"), u"Give the event a title."_s);
     type(u"Call with Ana"_s);
     press(Qt::Key_Return);
     ASSERT_TRUE(awaitItem(u"calendar.event"_s));

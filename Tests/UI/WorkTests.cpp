@@ -44,11 +44,11 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     click(u"topnav.ops"_s);
     click(u"work.newContext"_s);
     fill(u"create.title"_s, u"November invoices"_s);
-    click(u"create.save"_s);
+    click(u"create.submit"_s);
     ASSERT_EQ(screens.ops.shell()->title(), "November invoices");
     click(u"work.newItem"_s);
-    click(u"create.save"_s);
-    EXPECT_EQ(item(u"create.error"_s)->property("text"), "Title is required.");
+    click(u"create.submit"_s);
+    EXPECT_EQ(item(u"create.message"_s)->property("text"), "Title is required.");
     fill(u"create.title"_s, u"Pay the clay"_s);
     press(Qt::Key_Return, Qt::ControlModifier);
     drag(u"board.card:Pay the clay"_s, u"board.lane:1"_s);

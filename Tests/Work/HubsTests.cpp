@@ -72,7 +72,7 @@ TEST_F(Hubs, theQueueHoldsWhoWaitsLongestFirst)
     hub.reply();
     EXPECT_EQ(opened, "ben");
     hub.newTicket();
-    EXPECT_EQ(hub.shell()->create()->title(), "ben: ");
+    EXPECT_EQ(hub.shell()->create()->field(u"title"_s).text(), "ben: ");
 }
 
 TEST_F(Hubs, dealsStandByStageWithTheirSumsAndAreMovedBack)

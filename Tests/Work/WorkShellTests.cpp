@@ -80,8 +80,8 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     shell.refresh();
     EXPECT_EQ(shell.place(), "home") << "what is gone is not selected";
     shell.create()->begin(u"context"_s);
-    shell.create()->setTitle(u"Studio rent"_s);
-    shell.create()->save();
+    shell.create()->field(u"title"_s).type(u"Studio rent"_s);
+    shell.create()->submit();
     EXPECT_EQ(shell.title(), "Studio rent") << "a new context is opened";
 }
 
@@ -199,8 +199,8 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
     shell.setShown(true);
     shell.select(may.id);
     shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
-    EXPECT_FALSE(shell.create()->riskText().isEmpty());
-    shell.create()->save();
+    EXPECT_FALSE(shell.create()->message().isEmpty());
+    shell.create()->submit();
     ASSERT_EQ(shell.board()->lane(0)->rows().size(), 1);
     EXPECT_TRUE(shell.board()->lane(0)->rows().first().waits);
     EXPECT_TRUE(shell.contextRows().first().waits);
@@ -243,15 +243,15 @@ TEST_F(WorkShell, whatIsCreatedAtAPlaceMayChooseItsContext)
     WorkCreate& create = *shell.create();
     for (const QString& place : { QString(), u"May invoices"_s }) {
         create.begin(u"item"_s);
-        create.setTitle(u"Tidy"_s);
+        create.field(u"title"_s).type(u"Tidy"_s);
         create.chooseContext(place);
-        create.save();
+        create.submit();
     }
     EXPECT_EQ(table("SELECT context_id, source FROM work_item ORDER BY rowid;"),
         (QStringList { "-|ops-home", may.id + "|ops-home" }));
     create.begin(u"ask"_s);
-    create.setTitle(u"Which clay?"_s);
-    create.save();
+    create.field(u"title"_s).type(u"Which clay?"_s);
+    create.submit();
     EXPECT_EQ(shell.notice(), "Ask saved. No work_context packet is available for LumoAI to answer.");
     shell.select(may.id);
     create.begin(u"item"_s);

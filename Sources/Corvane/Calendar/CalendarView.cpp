@@ -17,6 +17,8 @@ namespace corvane {
 namespace {
 
 constexpr int weekDays = 7;
+constexpr int firstWorkHour = 8; ///< of what is suggested for a new event
+constexpr int lastWorkHour = 18;
 constexpr Milliseconds minute { 60'000 };
 constexpr qint64 mirrorBackMs = 86'400'000;
 constexpr qint64 mirrorAheadMs = 60LL * 86'400'000;
@@ -50,6 +52,7 @@ CalendarView::CalendarView(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
     , m_at(surroundings)
     , m_day(DateWords(nowMs()).today())
+    , m_newEvent([this](const NewCalendarEntry& entry) { return addEvent(entry); })
 {
     connect(&m_at.store, &CalendarStore::changed, this, &CalendarView::readPage);
     connect(&m_at.commands, &CalendarCommands::changed, this, &CalendarView::changed);
@@ -279,45 +282,24 @@ bool CalendarView::canAdd() const
     return m_at.store.access() == CalendarStore::Access::Granted && writableCalendar(m_at.store);
 }
 
-QString CalendarView::suggestedDay() const
+void CalendarView::beginEvent()
 {
-    const QDate today = DateWords(nowMs()).today();
-    const bool shown = firstDay() <= today && today < firstDay().addDays(m_week ? weekDays : 1);
-    return (shown ? today : firstDay()).toString(Qt::ISODate);
+    if (!canAdd())
+        return;
+    const QDateTime now = QDateTime::fromMSecsSinceEpoch(nowMs());
+    const bool showsToday = firstDay() <= now.date() && now.date() < firstDay().addDays(m_week ? weekDays : 1);
+    m_newEvent.open(showsToday ? now.date() : firstDay(),
+        QTime(qBound(firstWorkHour, now.time().hour() + 1, lastWorkHour), 0));
 }
 
-QString CalendarView::suggestedTime() const
-{
-    const int hour = QDateTime::fromMSecsSinceEpoch(nowMs()).time().hour();
-    return u"%1:00"_s.arg(qBound(8, hour + 1, 18), 2, 10, QChar(u'0'));
-}
-
-QString CalendarView::addEvent(const QString& what, const QString& day, const QString& from, const QString& to,
-    const QString& place, const QString& notes)
+QString CalendarView::addEvent(NewCalendarEntry entry)
 {
     const auto calendar = writableCalendar(m_at.store);
-    const QDate date = QDate::fromString(day.trimmed(), Qt::ISODate);
-    const auto time = [](const QString& text) {
-        return QTime::fromString(text.trimmed(), u"H:mm"_s);
-    };
-    const bool wholeDay = from.trimmed().isEmpty();
-    const QTime start = time(from);
-    const QTime end = to.trimmed().isEmpty() ? start.addSecs(3600) : time(to);
     if (!calendar)
         return u"There is no calendar that takes events."_s;
-    if (what.trimmed().isEmpty())
-        return u"Give the event a title."_s;
-    if (!date.isValid())
-        return u"Write the day like 2026-11-23."_s;
-    if (!wholeDay && (!start.isValid() || !end.isValid()))
-        return u"Write times like 9:30, or leave them empty for a whole day."_s;
-    if (!wholeDay && end <= start)
-        return u"It ends before it starts."_s;
-    const qint64 startMs = wholeDay ? startOf(date) : QDateTime(date, start).toMSecsSinceEpoch();
-    const qint64 endMs = wholeDay ? startOf(date.addDays(1)) : QDateTime(date, end).toMSecsSinceEpoch();
-    const NewCalendarEntry entry { uuidText(), what.trimmed(), place.trimmed(), notes.trimmed(), startMs, endMs,
-        wholeDay, nowMs() };
-    m_day = date;
+    entry.uid = uuidText();
+    entry.stampMs = nowMs();
+    m_day = QDateTime::fromMSecsSinceEpoch(entry.startMs).date();
     corvane::addEvent(m_at.store, calendar->id, entry, this, [this](const Result<QString>& added) {
         if (added)
             m_added = *added;

@@ -3,6 +3,7 @@
 #include "Calendar/CalendarLayout.h"
 #include "Calendar/CalendarStore.h"
 #include "Calendar/MeetingPrep.h"
+#include "Calendar/NewEventForm.h"
 #include "Presentation/Choice.h"
 #include "Presentation/RowListModel.h"
 
@@ -81,6 +82,7 @@ class CalendarView : public QObject {
     Q_PROPERTY(bool hasEvolution READ hasEvolution NOTIFY changed) ///< and it is not connected yet
     Q_PROPERTY(QString offeredFile READ offeredFile NOTIFY changed) ///< its address; empty until it is written
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
+    Q_PROPERTY(corvane::NewEventForm* newEvent READ newEvent CONSTANT)
 public:
     /// All of it outlives the view.
     struct Surroundings {
@@ -119,6 +121,7 @@ public:
     bool hasEvolution() const;
     const QString& offeredFile() const { return m_offered; }
     MeetingPrep* prep() { return &m_at.prep; }
+    NewEventForm* newEvent() { return &m_newEvent; }
 
     Q_INVOKABLE void connectCalendar() { m_at.store.requestAccess(); }
     Q_INVOKABLE void makeLocal(); ///< a calendar of one's own
@@ -134,11 +137,7 @@ public:
     Q_INVOKABLE void prepare(const QString& id);
     Q_INVOKABLE void openReview();
 
-    Q_INVOKABLE QString suggestedDay() const; ///< for a new event: "2026-11-23"
-    Q_INVOKABLE QString suggestedTime() const; ///< "10:00"
-    /// Why it cannot be added, or nothing: then it is.
-    Q_INVOKABLE QString addEvent(const QString& what, const QString& day, const QString& from, const QString& to,
-        const QString& place, const QString& notes);
+    Q_INVOKABLE void beginEvent(); ///< on a day of the page, if there is a calendar for it
     Q_INVOKABLE void importFile(const QUrl& file);
     Q_INVOKABLE void exportSelected(); ///< into the folder of downloads
     Q_INVOKABLE void offerFile(); ///< of the chosen event, to be dragged elsewhere
@@ -153,6 +152,7 @@ Q_SIGNALS:
 private:
     void readPage();
     void lay();
+    QString addEvent(NewCalendarEntry entry);
     const CalEvent* find(const QString& id) const;
     void told(const QString& words);
     qint64 nowMs() const;
@@ -171,6 +171,7 @@ private:
     QString m_told;
     QString m_offered;
     std::unique_ptr<Timer> m_minute;
+    NewEventForm m_newEvent;
 };
 
 }

@@ -1,5 +1,7 @@
 #include "Presentation/Form.h"
 
+#include "Foundation/Literals.h"
+
 #include <algorithm>
 
 namespace corvane {
@@ -10,6 +12,11 @@ Form::Form(QObject* parent)
 }
 
 Form::~Form() = default;
+
+QString Form::messageKind() const
+{
+    return u"bad"_s;
+}
 
 FormField& Form::field(const QString& id) const
 {
@@ -26,11 +33,13 @@ QHash<QString, QString> Form::values() const
     return values;
 }
 
-void Form::setFields(const QList<FieldSpec>& specs)
+void Form::setFields(const QList<FieldSpec>& specs, const QHash<QString, QString>& values)
 {
     m_fields.clear();
+    Q_EMIT fieldsChanged(); // the window lets go of the old ones, even if the new ones are as many
     for (const FieldSpec& spec : specs) {
         FormField* const field = m_fields.emplace_back(new FormField(spec, this)).get();
+        field->fill(values.value(spec.id));
         connect(field, &FormField::textChanged, this, [this] { edited(); });
     }
     Q_EMIT fieldsChanged();

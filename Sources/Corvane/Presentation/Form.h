@@ -21,6 +21,7 @@ class Form : public QObject {
     Q_PROPERTY(bool complete READ complete NOTIFY changed)
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(QString message READ message NOTIFY changed)
+    Q_PROPERTY(QString messageKind READ messageKind NOTIFY changed)
     Q_PROPERTY(int fieldCount READ fieldCount NOTIFY fieldsChanged)
 public:
     explicit Form(QObject* parent = nullptr);
@@ -33,6 +34,7 @@ public:
     virtual bool complete() const = 0; ///< it holds what submitting needs
     virtual bool busy() const { return false; }
     virtual QString message() const { return {}; } ///< what goes on, what to decide, or what failed
+    virtual QString messageKind() const; ///< "plain", "warn" or "bad", which it is unless a form says otherwise
 
     int fieldCount() const { return int(m_fields.size()); }
     Q_INVOKABLE corvane::FormField* fieldAt(int index) const { return m_fields.at(size_t(index)).get(); }
@@ -48,7 +50,8 @@ Q_SIGNALS:
     void fieldsChanged();
 
 protected:
-    void setFields(const QList<FieldSpec>& specs); ///< in place of those that it had; empty ones
+    /// Replaces the fields. `values` holds what they contain at first, by their ids.
+    void setFields(const QList<FieldSpec>& specs, const QHash<QString, QString>& values = {});
     virtual void edited() { Q_EMIT changed(); } ///< the text of a field changed
 
 private:

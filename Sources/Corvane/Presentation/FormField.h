@@ -8,9 +8,12 @@ namespace corvane {
 struct FieldSpec {
     QString id;
     QString label;
-    QString placeholder;
+    QString placeholder = {};
     bool masked = false; ///< shows dots in place of what is typed
     bool folded = false; ///< belongs to the part of the form that is folded at first
+    bool narrow = false; ///< shares a row with other narrow fields
+    int minimumLines = 1;
+    int maximumLines = 1; ///< more than one: the text may have line breaks, and its box grows
 
     bool operator==(const FieldSpec&) const = default;
 };
@@ -23,6 +26,9 @@ class FormField : public QObject {
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(bool masked READ masked CONSTANT)
     Q_PROPERTY(bool folded READ folded CONSTANT)
+    Q_PROPERTY(bool narrow READ narrow CONSTANT)
+    Q_PROPERTY(int minimumLines READ minimumLines CONSTANT)
+    Q_PROPERTY(int maximumLines READ maximumLines CONSTANT)
     Q_PROPERTY(QString text READ text WRITE type NOTIFY textChanged)
     Q_PROPERTY(bool readOnly READ readOnly NOTIFY readOnlyChanged)
 public:
@@ -37,6 +43,9 @@ public:
     const QString& placeholder() const { return m_spec.placeholder; }
     bool masked() const { return m_spec.masked; }
     bool folded() const { return m_spec.folded; }
+    bool narrow() const { return m_spec.narrow; }
+    int minimumLines() const { return m_spec.minimumLines; }
+    int maximumLines() const { return m_spec.maximumLines; }
     const QString& text() const { return m_text; }
     QString trimmed() const { return m_text.trimmed(); }
     bool readOnly() const { return m_readOnly; }

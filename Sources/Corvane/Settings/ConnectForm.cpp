@@ -54,9 +54,7 @@ void ConnectForm::edit(const Account& account)
 void ConnectForm::show(const ConnectFlow& flow, const ConnectValues& values)
 {
     m_flow = flow;
-    setFields(flow.fields);
-    for (const FieldSpec& spec : flow.fields)
-        field(spec.id).fill(values.value(spec.id));
+    setFields(flow.fields, values);
     Q_EMIT changed();
 }
 

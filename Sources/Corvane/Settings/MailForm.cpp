@@ -45,9 +45,17 @@ MailForm::MailForm(
 {
     setFields({
         { addressField, u"Email address"_s, u"you@company.com"_s },
-        { passwordField, u"App password"_s, u"App password"_s, true },
-        { userField, u"User name"_s, u"The email address"_s, false, true },
-        { tokenField, u"Token command"_s, u"Instead of a password"_s, false, true },
+        { .id = passwordField, .label = u"App password"_s, .placeholder = u"App password"_s, .masked = true },
+        { .id = userField,
+            .label = u"User name"_s,
+            .placeholder = u"The email address"_s,
+            .folded = true,
+            .narrow = true },
+        { .id = tokenField,
+            .label = u"Token command"_s,
+            .placeholder = u"Instead of a password"_s,
+            .folded = true,
+            .narrow = true },
     });
     for (MailServerForm* server : { &m_imap, &m_smtp })
         connect(server, &MailServerForm::changed, this, &MailForm::edited);

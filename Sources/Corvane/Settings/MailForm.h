@@ -58,7 +58,6 @@ class MailForm final : public corvane::Form {
     Q_PROPERTY(QString serversLabel READ serversLabel CONSTANT)
     Q_PROPERTY(QString serversText READ serversText NOTIFY changed)
     Q_PROPERTY(bool serversShown READ serversShown WRITE setServersShown NOTIFY changed)
-    Q_PROPERTY(QString messageKind READ messageKind NOTIFY changed)
 public:
     MailForm(const AccountSetup& setup, const AppPaths& paths, ProcessLauncher& launcher, Scheduler& scheduler,
         QObject* parent = nullptr);
@@ -70,7 +69,7 @@ public:
     bool complete() const override; ///< an address, and something to sign in with
     bool busy() const override { return m_stage == Stage::Finding || m_stage == Stage::Trying; }
     QString message() const override { return m_message; }
-    QString messageKind() const; ///< "plain", "warn" or "bad"
+    QString messageKind() const override;
     MailServerForm* imap() { return &m_imap; }
     MailServerForm* smtp() { return &m_smtp; }
     QString serversLabel() const { return u"Server settings"_s; }

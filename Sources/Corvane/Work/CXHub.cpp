@@ -186,10 +186,7 @@ void CXHub::newTicket()
     const QString about = name();
     if (!context.isEmpty())
         m_shell.select(context);
-    m_shell.create()->begin(u"item"_s);
-    m_shell.create()->setKind(u"ticket"_s);
-    if (context.isEmpty())
-        m_shell.create()->setTitle(about + u": "_s);
+    m_shell.create()->begin(u"item"_s, u"ticket"_s, context.isEmpty() ? about + u": "_s : QString());
 }
 
 }

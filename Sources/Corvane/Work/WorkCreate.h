@@ -1,35 +1,21 @@
 #pragma once
 
-#include "Foundation/Literals.h"
-#include "Presentation/Choice.h"
+#include "Presentation/Form.h"
 #include "Work/WorkCreateFlows.h"
-
-#include <QObject>
 
 namespace corvane {
 
-/// The sheet for creating something: a context, an item, a note or a question.
-class WorkCreate : public QObject {
+/// The sheet for creating something: a context, an item, a note or a question. A save that fails keeps what was typed.
+class WorkCreate final : public corvane::Form {
     Q_OBJECT
-    Q_PROPERTY(bool open READ isOpen NOTIFY changed)
-    Q_PROPERTY(QString flow READ flow NOTIFY changed) ///< context, item, note or ask
-    Q_PROPERTY(QString heading READ heading NOTIFY changed)
-    Q_PROPERTY(QString place READ place NOTIFY changed) ///< where it will be added
     Q_PROPERTY(QString noContext READ noContext NOTIFY changed)
     Q_PROPERTY(QStringList contexts READ contexts NOTIFY changed) ///< to choose from
     Q_PROPERTY(QString chosenContext READ chosenContext NOTIFY changed)
-    Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY changed)
-    Q_PROPERTY(QString titleLabel READ titleLabel NOTIFY changed)
-    Q_PROPERTY(QString summary READ summary WRITE setSummary NOTIFY changed)
-    Q_PROPERTY(QString summaryLabel READ summaryLabel NOTIFY changed)
-    Q_PROPERTY(QString kind READ kind WRITE setKind NOTIFY changed)
-    Q_PROPERTY(QString owner READ owner WRITE setOwner NOTIFY changed)
-    Q_PROPERTY(QString priority READ priority WRITE setPriority NOTIFY changed)
-    Q_PROPERTY(QString urgency READ urgency WRITE setUrgency NOTIFY changed)
-    Q_PROPERTY(bool toLumo READ toLumo WRITE setToLumo NOTIFY changed)
-    Q_PROPERTY(QString riskText READ riskText NOTIFY changed) ///< other effects; empty for none
-    Q_PROPERTY(QString error READ error NOTIFY changed)
+    Q_PROPERTY(QString priorityLabel READ priorityLabel NOTIFY changed) ///< empty if it has none
+    Q_PROPERTY(QString priority READ priority WRITE setPriority NOTIFY changed) ///< of an item, or a question's urgency
     Q_PROPERTY(QStringList priorities READ priorities CONSTANT)
+    Q_PROPERTY(bool forLumo READ forLumo NOTIFY changed) ///< it may be answered by Lumo
+    Q_PROPERTY(bool toLumo READ toLumo WRITE setToLumo NOTIFY changed)
 public:
     WorkCreate(LocalDB& db, QObject* parent); ///< the database outlives it
 
@@ -37,56 +23,50 @@ public:
     void setPlace(const WorkPlace& place, const QString& contextNoun, const QList<WorkContextRow>& contexts);
     const WorkPlace& placed() const { return m_chosen ? *m_chosen : m_place; } ///< with the chosen context
 
-    bool isOpen() const { return m_open; }
-    QString flow() const;
-    QString heading() const;
-    QString place() const;
-    QString noContext() const { return u"In no %1"_s.arg(m_contextNoun); }
+    bool isOpen() const override { return m_open; }
+    QString title() const override;
+    QString hint() const override; ///< where it will be added
+    QString buttonLabel() const override;
+    bool complete() const override { return true; } ///< `submit` tells what is missing
+    QString message() const override; ///< why it was not saved, or what else it will do
+    QString messageKind() const override;
+
+    QString noContext() const;
     QStringList contexts() const;
     QString chosenContext() const;
-    const QString& title() const { return m_draft.title; }
-    void setTitle(const QString& title) { edit(m_draft.title, title); }
-    QString titleLabel() const;
-    const QString& summary() const { return m_draft.summary; }
-    void setSummary(const QString& summary) { edit(m_draft.summary, summary); }
-    QString summaryLabel() const;
-    const QString& kind() const { return m_draft.kind; }
-    void setKind(const QString& kind) { edit(m_draft.kind, kind); }
-    const QString& owner() const { return m_draft.owner; }
-    void setOwner(const QString& owner) { edit(m_draft.owner, owner); }
-    const QString& priority() const { return m_draft.priority; }
-    void setPriority(const QString& priority) { edit(m_draft.priority, priority); }
-    const QString& urgency() const { return m_draft.askUrgency; }
-    void setUrgency(const QString& urgency) { edit(m_draft.askUrgency, urgency); }
+    QString priorityLabel() const;
+    const QString& priority() const;
+    void setPriority(const QString& priority);
+    QStringList priorities() const;
+    bool forLumo() const { return m_draft.flow == WorkCreateFlow::Ask; }
     bool toLumo() const { return asksLumo(m_draft); }
     void setToLumo(bool toLumo);
-    QString riskText() const;
-    const QString& error() const { return m_error; }
-    QStringList priorities() const { return { u"high"_s, u"normal"_s, u"low"_s }; }
 
-    Q_INVOKABLE void begin(const QString& flow);
+    /// `flow` is context, item, note or ask; an empty `kind` is the usual one.
+    Q_INVOKABLE void begin(const QString& flow, const QString& kind = {}, const QString& title = {});
     Q_INVOKABLE void beginQuickAction(const QString& title, const QString& subtitle);
     Q_INVOKABLE void chooseContext(const QString& title); ///< empty: none
-    Q_INVOKABLE void save();
-    Q_INVOKABLE void cancel();
+    void submit() override;
+    void close() override;
 
 Q_SIGNALS:
-    void changed();
     void contextSaved(const QString& id);
     void askSaved(const corvane::OpsAskRow& ask, bool forLumo);
     void wrote();
 
 private:
+    void edited() override;
     void show(const WorkDraft& draft);
-    void edit(QString& field, const QString& value);
-    std::optional<Error> write();
+    WorkDraft draft() const; ///< with what the fields hold
+    QString riskText() const;
+    std::optional<Error> write(const WorkDraft& draft);
 
     LocalDB& m_db;
     WorkPlace m_place;
     std::optional<WorkPlace> m_chosen;
     QList<WorkContextRow> m_contexts;
-    QString m_contextNoun = u"context"_s;
-    WorkDraft m_draft;
+    QString m_contextNoun;
+    WorkDraft m_draft; ///< as it began, with what is chosen outside of the fields
     bool m_open = false;
     QString m_error;
 };

@@ -12,18 +12,11 @@ Page {
 
     function act(command: string) {
         if (command === "newEvent")
-            page.newEvent();
+            page.screen.beginEvent();
         else if (command === "back" && screen.prep.open)
             screen.prep.close();
         else if (command === "back" && screen.selected)
             screen.select("");
-    }
-
-    function newEvent() {
-        if (!screen.canAdd)
-            return;
-        sheet.active = true;
-        (sheet.item as NewEventSheet).offer();
     }
 
     panes: [desk, aside]
@@ -46,7 +39,7 @@ Page {
             width: parent.width
             visible: page.ready
             screen: page.screen
-            onNewPressed: page.newEvent()
+            onNewPressed: page.screen.beginEvent()
         }
         CalendarNotices {
             id: notices
@@ -62,7 +55,7 @@ Page {
             focus: true
             visible: page.ready
             screen: page.screen
-            onNewPressed: page.newEvent()
+            onNewPressed: page.screen.beginEvent()
         }
         ConnectCalendar {
             anchors.centerIn: parent
@@ -124,9 +117,5 @@ Page {
             onReviewPressed: page.screen.openReview()
         }
     }
-    Loader {
-        id: sheet
-        active: false
-        sourceComponent: NewEventSheet { screen: page.screen }
-    }
+    NewEventSheet { event: page.screen.newEvent }
 }

@@ -17,6 +17,13 @@ struct CalendarViewType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct NewEventFormType {
+    Q_GADGET
+    QML_FOREIGN(corvane::NewEventForm)
+    QML_NAMED_ELEMENT(NewEventForm)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct CalendarSettingsType {
     Q_GADGET
     QML_FOREIGN(corvane::CalendarSettings)

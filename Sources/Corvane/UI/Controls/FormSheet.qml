@@ -1,12 +1,14 @@
 import QtQuick
 import Corvane.Controls
 
-/// A sheet that opens and closes with its form. It adds the form's buttons; `name` begins their names.
+/// A sheet that opens and closes with its form. It adds the form's message and buttons; `name` begins their names.
 Sheet {
     id: sheet
 
+    default property alias body: holder.data
     required property Form form
     property string name: "connect"
+    property string submitKeys ///< which submit from every field
 
     signal begun ///< it has just opened: time to place the focus
 
@@ -27,6 +29,15 @@ Sheet {
         target: sheet.form
         function onChanged() { sheet.follow(); }
     }
+    Column {
+        id: holder
+        width: parent.width
+        spacing: Theme.large
+    }
+    FormMessage {
+        form: sheet.form
+        name: sheet.name
+    }
 
     buttons: [
         Button {
@@ -40,6 +51,7 @@ Sheet {
             kind: "primary"
             enabled: sheet.form.complete && !sheet.form.busy
             text: sheet.form.buttonLabel
+            hint: sheet.submitKeys
             onClicked: sheet.form.submit()
         }
     ]

@@ -53,11 +53,4 @@ FormSheet {
             }
         }
     }
-    Label {
-        width: parent.width
-        visible: text !== ""
-        wrapMode: Text.Wrap
-        text: sheet.deal.message
-        color: Theme.bad
-    }
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Corvane.Controls
 import Corvane.Settings
 
@@ -52,36 +51,6 @@ FormSheet {
                 folded: true
                 columns: 2
             }
-        }
-    }
-    RowLayout {
-        width: parent.width
-        visible: sheet.mail.message !== ""
-        spacing: Theme.small
-        Icon {
-            id: mark
-            Layout.alignment: Qt.AlignTop
-            name: sheet.mail.busy ? "view-refresh" : "dialog-warning"
-            color: status.color
-            RotationAnimation on rotation {
-                running: sheet.mail.busy && Theme.pane > 0
-                from: 0
-                to: 360
-                duration: 1600
-                loops: Animation.Infinite
-                onStopped: mark.rotation = 0
-            }
-        }
-        Label {
-            id: status
-            objectName: "connect.message"
-            Layout.fillWidth: true
-            wrapMode: Text.Wrap
-            text: sheet.mail.message
-            color: sheet.mail.messageKind === "bad" ? Theme.bad : sheet.mail.messageKind === "warn" ? Theme.warn : Theme.soft
-            onTextChanged: if (status.text !== "") WindowTools.announce(status)
-            Accessible.role: Accessible.AlertMessage
-            Accessible.name: text
         }
     }
 }

@@ -53,10 +53,7 @@ WorkPage {
                     objectName: "flows.new"
                     kind: "primary"
                     text: qsTr("New runbook")
-                    onClicked: {
-                        page.shell.create.begin("note");
-                        page.shell.create.kind = "runbook";
-                    }
+                    onClicked: page.shell.create.begin("note", "runbook")
                 }
             }
             EvidenceList {

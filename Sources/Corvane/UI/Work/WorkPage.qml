@@ -145,8 +145,5 @@ Page {
         onUndone: page.shell.board.undo()
         onDismissed: page.shell.board.dismissUndo()
     }
-    CreateSheet {
-        id: sheet
-        create: page.shell.create
-    }
+    CreateSheet { create: page.shell.create }
 }
