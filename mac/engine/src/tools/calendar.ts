@@ -8,16 +8,16 @@ export const calendarTools = [
   tool({
     name: "calendar_events",
     effect: "read",
-    description: "Events of the calendar that touch a stretch of time, in their order; the next seven days unless asked.",
+    description: "Calendar events within a period, in order of time; by default those of the next seven days.",
     input: {
-      from: field.time("Start of the stretch; now where it is missing.").optional(),
-      to: field.time("End of the stretch; seven days later where it is missing.").optional(),
+      from: field.time("Start of the period; by default now.").optional(),
+      to: field.time("End of the period; by default seven days later.").optional(),
       limit: field.limit(50),
     },
     run({ from, to, limit }, { db, workspace, now }) {
       const start = from ? Date.parse(from) : now.getTime();
       const end = to ? Date.parse(to) : start + week;
-      if (end < start) throw new Refusal("The stretch ends before it starts.");
+      if (end < start) throw new Refusal("The period ends before it starts.");
       const rows = db.rows(
         `SELECT id, title, start_ms, end_ms, all_day, calendar, location, attendees_json AS attendees, notes
          FROM calendar_event WHERE workspace_id=? AND start_ms<=? AND end_ms>=? ORDER BY start_ms, id LIMIT ?`,
@@ -29,7 +29,7 @@ export const calendarTools = [
   tool({
     name: "calendar_calls",
     effect: "read",
-    description: "Recorded calls, the newest first, with their summaries.",
+    description: "Recorded calls, newest first, with their summaries.",
     input: { contact: field.id("Only those with this person.").optional(), limit: field.limit(20) },
     run({ contact, limit }, { db, workspace }) {
       const person = contact && personBehind(db, contact);
@@ -47,10 +47,10 @@ export const calendarTools = [
   tool({
     name: "calendar_call",
     effect: "read",
-    description: "One recorded call: its summary, its lists, and its transcript a page at a time.",
+    description: "One recorded call: its summary, its lists, and its transcript page by page.",
     input: {
       call: field.id("Id of a call, from calendar_calls."),
-      from: field.count("The first part of the transcript to show."),
+      from: field.count("The first segment of the transcript to return."),
       limit: field.limit(100, 200),
     },
     run({ call, from, limit }, { db, workspace }) {

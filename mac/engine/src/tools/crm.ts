@@ -6,8 +6,8 @@ export const crmTools = [
   tool({
     name: "crm_people",
     effect: "read",
-    description: "People and groups by name, address or number; those who wrote last come first.",
-    input: { query: z.string().trim().max(200).default("").describe("Nothing means everybody."), limit: field.limit(20) },
+    description: "People and groups by name, address or number; who wrote last comes first.",
+    input: { query: z.string().trim().max(200).default("").describe("Empty for everybody."), limit: field.limit(20) },
     run({ query, limit }, { db, workspace }) {
       const pattern = `%${query.replace(/[\\%_]/g, "\\$&")}%`;
       const rows = db.rows(
@@ -26,7 +26,7 @@ export const crmTools = [
   tool({
     name: "crm_deals",
     effect: "read",
-    description: "Deals, the last changed first.",
+    description: "Deals, last changed first.",
     input: {
       contact: field.id("Only those of this person.").optional(),
       stage: field.line("Only this stage.").optional(),
@@ -46,10 +46,10 @@ export const crmTools = [
   tool({
     name: "crm_tasks",
     effect: "read",
-    description: "Tasks of the CRM, the last changed first; open ones alone unless asked.",
+    description: "Tasks of the CRM, last changed first.",
     input: {
       contact: field.id("Only those of this person.").optional(),
-      done: z.boolean().default(false).describe("Those that are done, too."),
+      done: z.boolean().default(false).describe("Includes tasks that are done."),
       limit: field.limit(50),
     },
     run({ contact, done, limit }, { db, workspace }) {
@@ -66,7 +66,7 @@ export const crmTools = [
   tool({
     name: "crm_notes",
     effect: "read",
-    description: "Notes on one person, the newest first.",
+    description: "Notes on one person, newest first.",
     input: { contact: field.id("Id of a person."), limit: field.limit(30) },
     run({ contact, limit }, { db, workspace }) {
       const id = personBehind(db, contact);
@@ -82,7 +82,7 @@ export const crmTools = [
   tool({
     name: "crm_proposals",
     effect: "read",
-    description: "Changes that were put before a person, the newest first, with what became of them.",
+    description: "Changes that were proposed to the user, newest first, with the outcome.",
     input: { status: z.enum(["pending", "applied", "rejected"]).default("pending"), limit: field.limit(30) },
     run({ status, limit }, { db, workspace }) {
       const rows = db.rows(

@@ -11,7 +11,7 @@ export const devTools = [
   tool({
     name: "dev_work_contexts",
     effect: "read",
-    description: "What is being worked on in a module, the last touched first.",
+    description: "What is being worked on in a module, last touched first.",
     input: { module: field.module, limit: field.limit(50) },
     run({ module, limit }, { db }) {
       const rows = db.rows(
@@ -27,7 +27,7 @@ export const devTools = [
   tool({
     name: "dev_work_list",
     effect: "read",
-    description: "Work items of a module by priority: open ones alone unless a status is named.",
+    description: "Work items of a module by priority; without a status, open ones only.",
     input: { ...ofModule, status: field.line('Only this status, such as "done".').optional() },
     run({ module, context, status, limit }, { db }) {
       const rows = db.rows(
@@ -43,7 +43,7 @@ export const devTools = [
   tool({
     name: "dev_work_log",
     effect: "read",
-    description: "What was said and shown of the work in a module: messages and evidence, the newest first.",
+    description: "Messages and evidence about the work in a module, newest first.",
     input: ofModule,
     run({ module, context, limit }, { db }) {
       const at = [module, context ?? "", limit + 1] as const;
@@ -61,7 +61,7 @@ export const devTools = [
   tool({
     name: "dev_work_sessions",
     effect: "read",
-    description: "Sessions and agents of a module, the last changed first.",
+    description: "Sessions and agents of a module, last changed first.",
     input: ofModule,
     run({ module, context, limit }, { db }) {
       const at = [module, context ?? "", limit + 1] as const;
@@ -79,7 +79,7 @@ export const devTools = [
   tool({
     name: "dev_work_decisions",
     effect: "read",
-    description: "Decisions of a module by their risk: those that wait for a person, or those with another status.",
+    description: "Decisions of a module by risk; by default those that wait for the user.",
     input: { ...ofModule, status: z.enum(["proposed", "approved", "rejected"]).default("proposed") },
     run({ module, context, status, limit }, { db }) {
       const rows = db.rows(
@@ -94,7 +94,7 @@ export const devTools = [
   tool({
     name: "dev_work_memory",
     effect: "read",
-    description: "What agents proposed to remember of the work in a module, with what a person made of it.",
+    description: "What agents proposed to remember about the work in a module, and what the user decided.",
     input: ofModule,
     run({ module, context, limit }, { db }) {
       const rows = db.rows(
@@ -108,7 +108,7 @@ export const devTools = [
   tool({
     name: "dev_requirements",
     effect: "read",
-    description: "The requirements of a project as a person keeps them.",
+    description: "The requirements of a project, as the user wrote them.",
     input: { project: field.line("Slug or id of a project.") },
     run({ project }, { db }) {
       const row = db.row("SELECT * FROM dev_srs WHERE project_id=?", projectOf(db, project));

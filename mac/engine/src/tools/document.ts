@@ -26,8 +26,8 @@ interface Property {
 
 function argument(name: string, needed: boolean, { type, enum: words, format, default: otherwise, description }: Property): string {
   const kind = words ? words.map((word) => `\`${word}\``).join(", ") : format === "date-time" ? "time" : (type ?? "text");
-  const value = otherwise === undefined || otherwise === "" ? "" : `; \`${String(otherwise)}\` unless given`;
-  return `  - \`${name}\` (${kind}${needed ? ", needed" : value})${description ? `: ${description}` : ""}`;
+  const value = otherwise === undefined || otherwise === "" ? "" : `; default \`${String(otherwise)}\``;
+  return `  - \`${name}\` (${kind}${needed ? ", required" : value})${description ? `: ${description}` : ""}`;
 }
 
 function section(effect: Effect): string {

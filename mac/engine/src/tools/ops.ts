@@ -13,7 +13,7 @@ export const opsTools = [
   tool({
     name: "ops_projects",
     effect: "read",
-    description: "Projects by their priority, with their open asks and the latest news.",
+    description: "Projects by priority, with their open asks and latest update.",
     input: { limit: field.limit(50) },
     run({ limit }, { db }) {
       const rows = db.rows(
@@ -31,9 +31,9 @@ export const opsTools = [
     name: "ops_inbox",
     effect: "read",
     description:
-      "Where an agent starts: orders that wait for it, answers to its asks, asks that are still open, and decisions " +
-      "that wait for a person.",
-    input: { project, tab: field.id("Id of the agent's own tab: its orders and asks alone.").optional() },
+      "Where an agent starts: orders for it, answers to its asks, asks that are still open, and decisions " +
+      "that wait for the user.",
+    input: { project, tab: field.id("Id of the agent's own tab, for its orders and asks only.").optional() },
     run({ project: named, tab = "" }, { db }) {
       const id = named ? projectOf(db, named) : "";
       const mine = "(?1='' OR a.project_id=?1) AND (?2='' OR a.tab_id=?2)";
@@ -58,8 +58,8 @@ export const opsTools = [
   tool({
     name: "ops_asks",
     effect: "read",
-    description: "Questions that agents asked a person: open ones by their urgency, then answered ones if asked.",
-    input: { project, answered: z.boolean().default(false).describe("Answered ones, too."), limit: field.limit(50) },
+    description: "Questions of agents to the user: open ones by urgency, then answered ones if wanted.",
+    input: { project, answered: z.boolean().default(false).describe("Includes answered ones."), limit: field.limit(50) },
     run({ project: named, answered, limit }, { db }) {
       const id = named ? projectOf(db, named) : "";
       const rows = db.rows(
@@ -72,7 +72,7 @@ export const opsTools = [
   tool({
     name: "ops_updates",
     effect: "read",
-    description: "News of one project or of all, the newest first.",
+    description: "Updates of one project or of all, newest first.",
     input: { project, limit: field.limit(30) },
     run({ project: named, limit }, { db }) {
       const rows = db.rows(

@@ -46,8 +46,8 @@ export const proposingTools = [
   tool({
     name: "inbox_propose_draft",
     effect: "propose",
-    description: "Prepares a message for a conversation. A person reads it, may change it, and sends it or not.",
-    input: { conversation: field.id("Id of a conversation, from inbox_list."), body: field.text("The whole message.") },
+    description: "Prepares a message for a conversation. The user reads it, can edit it, and decides whether to send it.",
+    input: { conversation: field.id("Id of a conversation, from inbox_list."), body: field.text("The full text of the message.") },
     run({ conversation, body }, { store, db, workspace, now }) {
       const to = conversationOf(db, workspace, conversation);
       const id = stampedId("od", now);
@@ -70,18 +70,18 @@ export const proposingTools = [
     input: {
       contact: field.id("Id of a person."),
       body: field.text("The note."),
-      title: field.line("What the proposal is called.").default("Add a note"),
+      title: field.line("Title of the proposal.").default("Add a note"),
     },
     run: ({ contact, body, title }, call) => proposeToCrm(call, { kind: "note", title, contact, payload: { body } }),
   }),
   tool({
     name: "crm_propose_task",
     effect: "propose",
-    description: "Proposes a task, for a person or on its own.",
+    description: "Proposes a task, about a person or not.",
     input: {
-      title: field.line("What is to be done."),
-      contact: field.id("Id of the person whom it is about.").optional(),
-      due: field.line('When, in free words, such as "Friday" or "2026-03-01".').optional(),
+      title: field.line("What to do."),
+      contact: field.id("Id of the person that it is about.").optional(),
+      due: field.line('When, as free text, such as "Friday" or "2026-03-01".').optional(),
       priority: z.enum(["Low", "Normal", "High"]).default("Normal"),
     },
     run: ({ title, contact, due = "", priority }, call) =>
@@ -92,13 +92,13 @@ export const proposingTools = [
     effect: "propose",
     description: "Proposes an event for the calendar. Nobody is invited.",
     input: {
-      title: field.line("What the event is called."),
+      title: field.line("Title of the event."),
       start: field.time("When it starts."),
       end: field.time("When it ends."),
       location: field.line("Where.").optional(),
-      notes: field.text("More about it.").optional(),
-      calendar: field.line("Name of the calendar; the usual one where it is missing.").optional(),
-      contact: field.id("Id of the person whom it is about.").optional(),
+      notes: field.text("Details.").optional(),
+      calendar: field.line("Name of the calendar; by default the usual one.").optional(),
+      contact: field.id("Id of the person that it is about.").optional(),
     },
     run({ title, start, end, location = "", notes = "", calendar = "", contact }, call) {
       const startMs = Date.parse(start);
@@ -113,13 +113,13 @@ export const proposingTools = [
     name: "ops_propose_decision",
     effect: "propose",
     description:
-      "Holds an action for a person: anything that sends, pays, deploys, deletes or touches a credential. The answer " +
-      "shows in dev_work_decisions; approval does nothing by itself.",
+      "Submits an action to the user: anything that sends, pays, deploys, deletes or uses a credential. The answer " +
+      "appears in dev_work_decisions; approval does not execute anything.",
     input: {
       title: field.line("The action in a few words."),
       proposal: field.text("What exactly would be done."),
       rationale: field.text("Why.").optional(),
-      risk: z.enum(["money", "credential", "external", "high", "normal"]).describe("The worst that it touches."),
+      risk: z.enum(["money", "credential", "external", "high", "normal"]).describe("The highest risk of the action."),
       module: field.module,
       context: field.context,
     },
@@ -130,7 +130,7 @@ export const proposingTools = [
   tool({
     name: "dev_propose_memory",
     effect: "propose",
-    description: "Proposes something to remember of the work: a person confirms it or not.",
+    description: "Proposes something to remember about the work; the user confirms or rejects it.",
     input: {
       body: field.text("What to remember."),
       kind: field.line('Such as "fact", "decision" or "pitfall".').default("fact"),

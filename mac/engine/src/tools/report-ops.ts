@@ -21,13 +21,13 @@ export const opsReportTools = [
   tool({
     name: "ops_report",
     effect: "report",
-    description: "News of a project from the agent in one of its tabs; it counts as the tab's heartbeat, too.",
+    description: "Posts an update of a project from the agent in one of its tabs; this is also the tab's heartbeat.",
     input: {
       project: field.line("Slug or id of a project."),
       body: field.text("What happened."),
       kind: z.enum(["progress", "done", "blocked", "note"]).default("progress"),
       tab: field.id("Id of the agent's tab, from ops_open_tab.").optional(),
-      task: field.line("What the tab works on now.").optional(),
+      task: field.line("What the tab is working on.").optional(),
     },
     run({ body, kind, task, ...of }, call) {
       const id = write(call, "upd", (fresh) => {
@@ -42,13 +42,13 @@ export const opsReportTools = [
   tool({
     name: "ops_open_tab",
     effect: "report",
-    description: "Tells that an agent works on a project in a terminal tab; orders can be left for it then.",
+    description: "Registers an agent that works on a project in a terminal tab, so that orders can be left for it.",
     input: {
       project: field.line("Slug or id of a project."),
       agent: agentName,
       role: field.line('Such as "implementer".').default("worker"),
-      model: field.line("The model that the agent is.").optional(),
-      interval_seconds: z.int().min(30).max(86_400).default(600).describe("How often it reports."),
+      model: field.line("The agent's model.").optional(),
+      interval_seconds: z.int().min(30).max(86_400).default(600).describe("How often it will report."),
     },
     run({ project, agent, role, model = "", interval_seconds: interval }, call) {
       const tab = write(call, "tab", ({ id, at, db }) =>
@@ -63,9 +63,9 @@ export const opsReportTools = [
   tool({
     name: "ops_ask",
     effect: "report",
-    description: "Asks a person something and waits; the answer shows in ops_inbox.",
+    description: "Asks the user a question; the answer appears in ops_inbox.",
     input: {
-      question: field.text("The question, with all that is needed to answer it."),
+      question: field.text("The question, with everything needed to answer it."),
       urgency: z.enum(["high", "normal", "low"]).default("normal"),
       project: field.line("Slug or id of a project.").optional(),
       tab: field.id("Id of the agent's tab.").optional(),
@@ -77,7 +77,7 @@ export const opsReportTools = [
   tool({
     name: "ops_take_order",
     effect: "report",
-    description: "Notes that an order from ops_inbox was read, so that it is not listed again.",
+    description: "Marks an order from ops_inbox as read, so that it is not listed again.",
     input: { order: field.id("Id of an order.") },
     run({ order }, { store }) {
       if (!store.writer.run("UPDATE message SET status='taken' WHERE id=? AND status='pending'", order))

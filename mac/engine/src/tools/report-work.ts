@@ -10,10 +10,10 @@ export const workReportTools = [
   tool({
     name: "dev_session_start",
     effect: "report",
-    description: "Notes that a session of work began, and who works in it. Report a heartbeat every few minutes.",
+    description: "Records that a work session began, and who works in it. Report a heartbeat every few minutes.",
     input: {
       agent: agentName,
-      tool: field.line('The program that the agent is, such as "claude" or "codex".'),
+      tool: field.line('Program of the agent, such as "claude" or "codex".'),
       purpose: field.line("What the session is for."),
       role: field.line('Such as "implementer".').default("worker"),
       item,
@@ -42,11 +42,11 @@ export const workReportTools = [
   tool({
     name: "dev_session_heartbeat",
     effect: "report",
-    description: "Notes that a session is alive, what it does now, or that it is over.",
+    description: "Records that a session is alive, what it is doing, or that it is over.",
     input: {
       session: field.id("Id of a session, from dev_session_start."),
       status: z.enum(["running", "blocked", "done", "failed"]).default("running"),
-      task: field.line("What is done now.").optional(),
+      task: field.line("What it is doing.").optional(),
     },
     run({ session: id, status, task }, { store, now }) {
       const db = store.writer;
@@ -66,10 +66,10 @@ export const workReportTools = [
   tool({
     name: "dev_report_message",
     effect: "report",
-    description: "Says something in the talk about the work.",
+    description: "Posts a message to the thread of the work.",
     input: {
       agent: agentName,
-      body: field.text("What is said."),
+      body: field.text("The text."),
       kind: z.enum(["message", "status", "ask", "answer", "error"]).default("message"),
       session,
       module: field.module,
@@ -83,13 +83,13 @@ export const workReportTools = [
   tool({
     name: "dev_report_evidence",
     effect: "report",
-    description: "Notes proof of something done or found: a test run, a picture, a log. It is named, not uploaded.",
+    description: "Records evidence of something done or found: a test run, a picture, a log. Only its location is stored; nothing is uploaded.",
     input: {
-      title: field.line("What it proves."),
+      title: field.line("What it shows."),
       kind: field.line('Such as "test-run", "screenshot" or "note".').default("note"),
-      uri: field.line("Where it lies, as a path or an address.").optional(),
-      summary: field.text("What it says, in short.").optional(),
-      source: field.line("Who or what made it.").default("mcp"),
+      uri: field.line("Where it is, as a path or URL.").optional(),
+      summary: field.text("A short summary.").optional(),
+      source: field.line("Who or what created it.").default("mcp"),
       item,
       session,
       module: field.module,
@@ -103,12 +103,12 @@ export const workReportTools = [
   tool({
     name: "dev_report_item",
     effect: "report",
-    description: "Notes something to do that was found, such as a bug.",
+    description: "Records something to do, such as a bug.",
     input: {
-      title: field.line("What is to be done."),
+      title: field.line("What to do."),
       kind: field.line('Such as "task", "bug" or "research".').default("task"),
       priority: z.enum(["high", "normal", "low"]).default("normal"),
-      summary: field.text("More about it.").optional(),
+      summary: field.text("Details.").optional(),
       agent: agentName.optional(),
       session,
       module: field.module,
@@ -125,7 +125,7 @@ export const workReportTools = [
   tool({
     name: "dev_update_item",
     effect: "report",
-    description: "Notes how far a work item is.",
+    description: "Sets the status of a work item.",
     input: { item: field.id("Id of a work item, from dev_work_list."), status: z.enum(["open", "in_progress", "blocked", "done"]) },
     run({ item: id, status }, { store, now }) {
       const db = store.writer;

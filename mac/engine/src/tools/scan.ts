@@ -37,8 +37,8 @@ export const scanTools = [
     name: "dev_browser_scan",
     effect: "report",
     description:
-      "Looks at a page that is served on this machine, as a browser asks for it but without running its scripts: the " +
-      "page and the scripts, styles and pictures that it names. Keeps what is wrong as evidence.",
+      "Checks a page that is served on this machine, without running its scripts: the " +
+      "page and the scripts, styles and images that it refers to. Problems are recorded as evidence.",
     input: {
       project: field.line("Slug or id of a project."),
       url: field.line('Address on this machine, such as "http://localhost:3000/".'),

@@ -51,10 +51,10 @@ export const field = {
   id: (words: string) => z.string().trim().min(1).max(400).describe(words),
   line: (words: string) => z.string().trim().min(1).max(300).describe(words),
   text: (words: string) => z.string().trim().min(1).max(20_000).describe(words),
-  time: (words: string) => z.iso.datetime({ offset: true }).describe(`${words} ISO 8601, with a zone.`),
+  time: (words: string) => z.iso.datetime({ offset: true }).describe(`${words} ISO 8601, with a time zone.`),
   count: (words: string) => z.int().min(0).default(0).describe(words),
   limit: (otherwise: number, most = 100) =>
-    z.int().min(1).max(most).default(otherwise).describe("At most so many rows."),
+    z.int().min(1).max(most).default(otherwise).describe("Maximum number of rows."),
   module: z.enum(modules).default("dev").describe("The part of the program that the work belongs to."),
   context: z.string().trim().min(1).max(400).optional().describe("Id of a work context, from dev_work_contexts."),
 };
