@@ -116,7 +116,7 @@ TEST_F(CallTest, whatEndsARecordingLeavesItsWord)
     lumo.machine.now.freeDiskBytes = 400'000'000;
     start("full");
     m_clock.advance(Milliseconds(300));
-    EXPECT_EQ(recorder->warningText(), "The disk is almost full. The recording stops by itself when it is.");
+    EXPECT_EQ(recorder->warningText(), "The disk is almost full. The recording stops when it is full.");
     lumo.machine.now.freeDiskBytes = 90'000'000;
     m_clock.advance(Milliseconds(6000));
     EXPECT_FALSE(recorder->isRecording());

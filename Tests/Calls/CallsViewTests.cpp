@@ -75,7 +75,7 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     EXPECT_EQ(page.firstHit(), 1) << "a search leads to its second";
     calls.setQuery("nothing like it");
     EXPECT_EQ(calls.rows()->rowCount(), 0);
-    EXPECT_EQ(calls.emptyTitle(), "No call holds “nothing like it”");
+    EXPECT_EQ(calls.emptyTitle(), "No calls match “nothing like it”");
 }
 
 TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
@@ -116,7 +116,7 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
     recorder->stopForQuit();
     m_db->run("UPDATE call_recording SET processing_status='recording', ended_at=NULL, duration_ms=NULL;", {});
     calls.select(id);
-    EXPECT_EQ(page.stateText(), "Broken off");
+    EXPECT_EQ(page.stateText(), "Interrupted");
     EXPECT_EQ(page.processLabel(), "Recover");
     page.process();
     EXPECT_EQ(audio.repaired.size(), 2);

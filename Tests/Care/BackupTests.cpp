@@ -82,7 +82,7 @@ TEST_F(Backups, aSealedBackupMadeDuringWritesBecomesTheSameProfileElsewhereAndSe
     OtherProcess engine(path());
     engine.exec("BEGIN IMMEDIATE; INSERT INTO contact(id, display_name) VALUES('late','Late');");
     const Keyring::Secrets secrets { { u"shop"_s, u"s3cret"_s } };
-    EXPECT_EQ(messageOf(backUp({}, &secrets)), "Passwords and tokens go only into a backup that is encrypted.");
+    EXPECT_EQ(messageOf(backUp({}, &secrets)), "Passwords and tokens are saved only in an encrypted backup.");
     const auto made = backUp(u"tiles"_s, &secrets);
     engine.exec("COMMIT;");
     ASSERT_TRUE(made) << qPrintable(messageOf(made));

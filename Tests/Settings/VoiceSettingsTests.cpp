@@ -82,7 +82,7 @@ TEST_F(VoiceSettingsTest, whatIsNoModelIsRefusedAndAnotherMachineWithoutHttpsToo
     web.answer("/page.bin", LoopbackWeb::status(200, "<html>sign in</html>"));
     web.answer("/gone.bin", LoopbackWeb::status(404, "gone"));
     const QList<Case> cases {
-        { web.base() + "/page.bin", "This is not a speech model: a ggml file of whisper.cpp is needed." },
+        { web.base() + "/page.bin", "This is not a speech model: a ggml file for whisper.cpp is needed." },
         { web.base() + "/gone.bin",
             "Preparing gone.bin failed: the server answered 404. Check the network and try again." },
         { "http://models.example/a.bin",

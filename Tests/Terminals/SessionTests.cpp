@@ -156,7 +156,7 @@ TEST_F(Terminals, pastingLinesAsksWhereTheProgramDoesNotKnowPastes)
     view.paste(u"one"_s);
     EXPECT_EQ(view.question(), QString());
     view.paste(u"rm x\ny\n"_s);
-    EXPECT_EQ(view.question(), u"Paste 2 lines? The program in the terminal takes each at once: “rm x y”"_s);
+    EXPECT_EQ(view.question(), u"Paste 2 lines? The program in the terminal acts on each at once: “rm x y”"_s);
     view.answer(true);
     EXPECT_TRUE(awaitText(session, u"onerm x"_s));
     session.terminal()->terminal()->feed("\x1b[?2004h");

@@ -130,10 +130,10 @@ TEST_F(Dictation, whereNothingTakesTheTextItIsCopiedOrOffered)
     clock.advance(Milliseconds(1));
     EXPECT_EQ(panel(), u"hidden"_s);
     EXPECT_EQ(end(InsertionOutcome::Copied, InsertionWay::PasteKeys, Kind::Copied),
-        u"attention: Copied - no program in front took the text."_s);
+        u"attention: Copied - no program accepted the text."_s);
     EXPECT_TRUE(dictation->offeredText().isEmpty());
     EXPECT_EQ(end(InsertionOutcome::Password, InsertionWay::PasteKeys, Kind::Failed),
-        u"attention: Nothing was inserted: the field takes a password."_s);
+        u"attention: Nothing was inserted: this is a password field."_s);
     EXPECT_EQ(dictation->offeredText(), insertion.texts.last());
     listen({});
     EXPECT_TRUE(dictation->offeredText().isEmpty()) << "the next one takes its place";

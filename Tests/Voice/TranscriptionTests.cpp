@@ -162,11 +162,11 @@ TEST(ModelFile, onlyAWholeModelPasses)
     };
     const QString damaged = u"The speech model is damaged: "_s;
     const QList<Case> cases {
-        { "RIFF, not a model", u"This is not a speech model: a ggml file of whisper.cpp is needed."_s },
-        { whole.left(40), u"This is not a speech model: a ggml file of whisper.cpp is needed."_s },
+        { "RIFF, not a model", u"This is not a speech model: a ggml file for whisper.cpp is needed."_s },
+        { whole.left(40), u"This is not a speech model: a ggml file for whisper.cpp is needed."_s },
         { whole.left(300'000), damaged + u"a part of the file is missing."_s },
         { whole.chopped(1), damaged + u"a part of the file is missing."_s },
-        { whole + '\0', damaged + u"the file holds more than its model."_s },
+        { whole + '\0', damaged + u"the file contains extra data."_s },
     };
     for (const Case& each : cases) {
         home.write(u"model.bin"_s, each.content);

@@ -177,7 +177,7 @@ TEST_F(SyncClientTest, anotherProgramThatKeepsTheDatabaseIsWaitedForInVain)
     addChat("1", "shop", 1);
     OtherProcess other(path());
     other.exec("BEGIN IMMEDIATE;");
-    EXPECT_EQ(push(), "Sync error: How far the push got could not be stored.");
+    EXPECT_EQ(push(), "Sync error: The progress of the push could not be saved.");
     other.exec("COMMIT;");
     EXPECT_EQ(push(), "Synced 1 chat to the web");
     EXPECT_EQ(web.counts(), "1 1 1");

@@ -137,7 +137,7 @@ TEST_F(Hubs, opsCountsGatesAndOrders)
         table("SELECT title, status, risk FROM work_decision;"), QStringList("Review finance action|proposed|money"));
     EXPECT_EQ(hub.finance()->metrics().at(2).value, "1");
     hub.finance()->setQuery(u"nothing"_s);
-    EXPECT_EQ(hub.finance()->emptyText(), "No finance work holds “nothing”.");
+    EXPECT_EQ(hub.finance()->emptyText(), "No finance work matches “nothing”.");
     hub.showProject(u"p"_s);
     EXPECT_EQ(hub.projects()->title() + ' ' + hub.projects()->orderTabName(), "Shop worker");
     EXPECT_TRUE(hub.projects()->order(u"Stop after this"_s));

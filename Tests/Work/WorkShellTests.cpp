@@ -111,7 +111,7 @@ TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)
     board.setWords(u"meas"_s);
     EXPECT_EQ(lane(2), QStringList("Measure"));
     board.setOwner(u"Nobody"_s);
-    EXPECT_EQ(board.emptyTitle(), "Nothing fits these filters");
+    EXPECT_EQ(board.emptyTitle(), "Nothing matches these filters");
     board.clearFilters();
     m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON work_item BEGIN SELECT RAISE(ABORT,'full'); END;");
     board.move(id, 0);
@@ -284,7 +284,7 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
     EXPECT_EQ(agents.rows().first().state, "Silent");
     m_db->exec("UPDATE work_agent SET heartbeat_at='soon';");
     agents.reload();
-    EXPECT_EQ(agents.rows().first().heartbeat, "never heard of");
+    EXPECT_EQ(agents.rows().first().heartbeat, "never seen");
     EXPECT_EQ(agents.silent(), 1);
 }
 
@@ -314,7 +314,7 @@ TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
     shell.setTab(u"timeline"_s);
     EXPECT_LE(shell.timelineRows().last().detail.size(), 4001);
     shell.setPlace(u"home"_s);
-    EXPECT_EQ(lane(4), QStringList("Without a title")) << "a row without a context, a title and a status";
+    EXPECT_EQ(lane(4), QStringList("Untitled")) << "a row without a context, a title and a status";
     for (const char* name : { "work_context", "work_item", "work_decision", "work_evidence", "work_message",
              "work_agent", "work_session", "work_memory", "ask", "project" })
         m_db->exec(u"DROP TABLE %1;"_s.arg(QLatin1StringView(name)));

@@ -159,7 +159,7 @@ void BrowserReportSheet::keep(const BrowserEvidencePayload& payload, const Resul
         return refuse(evidence.error().message);
     if (!saveBrowserSession(
             m_db, m_sessionId, m_project, payload.url, u"captured"_s, evidence->capturePath(), payload.lastError))
-        return refuse(u"The evidence is in %1; the database did not take its row."_s.arg(evidence->folder));
+        return refuse(u"The evidence is in %1; the database could not be writtens row."_s.arg(evidence->folder));
     m_note.clear();
     close();
     Q_EMIT submitted(u"The evidence was saved."_s, {});
@@ -182,7 +182,7 @@ void BrowserReportSheet::file(const BrowserEvidencePayload& payload, const Resul
         evidence ? evidence->capturePath() : QString(), evidence ? payload.lastError : error);
     const auto item = fileBrowserBug(m_db, m_project, bug);
     if (!item)
-        return refuse(u"The bug was not filed: the database did not take it. What you wrote is still here."_s);
+        return refuse(u"The bug was not filed: the database could not be written. What you wrote is still here."_s);
     m_note.clear();
     close();
     Q_EMIT submitted(evidence ? u"The bug “%1” was filed."_s.arg(item->title)

@@ -66,7 +66,7 @@ void CalendarCommands::run(const QList<CalCommand>& commands)
         if (!calendar || command.startMs <= 0 || command.endMs < command.startMs) {
             end(command, {},
                 failure(calendar ? u"The event has no time, or ends before it starts."_s
-                                 : u"There is no calendar that takes events."_s));
+                                 : u"There is no calendar for new events."_s));
             continue;
         }
         // The file's name follows from the command, so that one that was written before a crash is not added twice.

@@ -54,7 +54,7 @@ QString imported(const CalendarImport& result)
     if (result.present == 0)
         return added;
     return added
-        + (result.present == 1 ? u" 1 was there already."_s : u" %1 were there already."_s.arg(result.present));
+        + (result.present == 1 ? u" 1 existed already."_s : u" %1 existed already."_s.arg(result.present));
 }
 
 }
@@ -109,7 +109,7 @@ Result<QString> importFile(
         return failure(u"The file is larger than 16 MB."_s);
     const auto calendar = writable(source.read(places, 0, 0).calendars, chosen);
     if (!calendar)
-        return failure(u"There is no calendar that takes events."_s);
+        return failure(u"There is no calendar for new events."_s);
     const auto result = source.import(places, calendar->id, file.readAll());
     if (!result)
         return std::unexpected(result.error());
@@ -134,7 +134,7 @@ void exportEvent(CalendarStore& store, const QString& eventId, const QString& pa
     const auto calendar = std::ranges::find_if(
         store.calendars(), [&](const CalendarInfo& one) { return eventId.startsWith(one.id + u':'); });
     if (calendar == store.calendars().end())
-        return done(failure(u"The event is no longer there."_s));
+        return done(failure(u"The event no longer exists."_s));
     const QString uid = eventId.sliced(calendar->id.size() + 1).remove(instance);
     inBackground<Result<QString>>(
         store, context,
@@ -157,7 +157,7 @@ Result<void> useFolder(CalendarStore& store, const QString& path)
     if (!QDir::isAbsolutePath(absolute) || !QFileInfo(absolute).isDir())
         return failure(u"There is no such folder."_s);
     if (absolute.contains(u':'))
-        return failure(u"The folder's name must not hold a colon."_s);
+        return failure(u"The folder's name must not contain a colon."_s);
     CalendarPlaces places = store.places();
     if (!places.folders.contains(path))
         places.folders.append(path);

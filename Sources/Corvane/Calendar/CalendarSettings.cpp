@@ -31,7 +31,7 @@ QString CalendarSettings::stateText() const
     if (const auto& error = m_store.lastError())
         return *error;
     const qsizetype count = m_store.calendars().size();
-    return count == 1 ? u"1 calendar is read"_s : u"%1 calendars are read"_s.arg(count);
+    return count == 1 ? u"1 calendar connected"_s : u"%1 calendars connected"_s.arg(count);
 }
 
 QList<CalendarLine> CalendarSettings::calendars() const
@@ -39,7 +39,7 @@ QList<CalendarLine> CalendarSettings::calendars() const
     const auto writable = writableCalendar(m_store);
     QList<CalendarLine> lines;
     for (const CalendarInfo& calendar : m_store.calendars()) {
-        const QString detail = calendar.writable ? calendar.origin : calendar.origin + u" · can only be read"_s;
+        const QString detail = calendar.writable ? calendar.origin : calendar.origin + u" · read-only"_s;
         lines.append({ calendar.id, calendar.title, detail, m_store.isCalendarIncluded(calendar.title),
             calendar.writable, writable && writable->id == calendar.id });
     }

@@ -296,7 +296,7 @@ QString CalendarView::addEvent(NewCalendarEntry entry)
 {
     const auto calendar = writableCalendar(m_at.store);
     if (!calendar)
-        return u"There is no calendar that takes events."_s;
+        return u"There is no calendar for new events."_s;
     entry.uid = uuidText();
     entry.stampMs = nowMs();
     m_day = QDateTime::fromMSecsSinceEpoch(entry.startMs).date();
@@ -366,7 +366,7 @@ void CalendarView::answer(const QString& command, bool add)
         return;
     const Decided decided = add ? m_at.commands.add(command, eventHash(*asked)) : m_at.commands.reject(command);
     if (decided == Decided::Changed)
-        told(u"It was changed since you saw it."_s);
+        told(u"It has changed since you saw it."_s);
 }
 
 }

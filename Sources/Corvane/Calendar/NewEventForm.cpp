@@ -73,11 +73,11 @@ Result<NewCalendarEntry> NewEventForm::entry() const
     if (typed(titleField).isEmpty())
         return failure(u"Give the event a title."_s);
     if (!day.isValid())
-        return failure(u"Write the day like 2026-11-23."_s);
+        return failure(u"Enter the day like 2026-11-23."_s);
     if (!wholeDay && (!start.isValid() || !end.isValid()))
-        return failure(u"Write times like 9:30, or leave them empty for a whole day."_s);
+        return failure(u"Enter times like 9:30, or leave them empty for an all-day event."_s);
     if (!wholeDay && end <= start)
-        return failure(u"It ends before it starts."_s);
+        return failure(u"The event ends before it starts."_s);
     NewCalendarEntry entry;
     entry.title = typed(titleField);
     entry.location = typed(placeField);

@@ -180,8 +180,8 @@ QString CallPage::emptyTranscriptText() const
     if (!m_call || !m_turns.isEmpty())
         return {};
     if (isRecordedNow())
-        return u"The transcript is made after the recording."_s;
-    return busy() ? u"The transcript is being made."_s : u"There is no transcript yet."_s;
+        return u"The transcript follows after the recording."_s;
+    return busy() ? u"The call is being transcribed."_s : u"There is no transcript yet."_s;
 }
 
 bool CallPage::busy() const
@@ -360,7 +360,7 @@ void CallPage::decide(const QString& id, bool apply)
     const Decided decided
         = apply ? applyCRMUpdateProposal(db, id, m_seenProposals.value(id)) : rejectCRMUpdateProposal(db, id);
     if (decided == Decided::Changed)
-        tell(u"It was changed meanwhile. Read it again."_s);
+        tell(u"It was changed in the meantime. Please read it again."_s);
     m_recorder.recorded().refresh();
     reload();
 }

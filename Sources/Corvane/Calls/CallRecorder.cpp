@@ -125,7 +125,7 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
     };
     const QString folder = callFolder(m_at.paths, call.id, now);
     if (!QDir().mkpath(folder))
-        return fail(u"The folder for the recording can't be made: "_s + folder);
+        return fail(u"The folder for the recording can't be created: "_s + folder);
     m_next = std::make_unique<Active>();
     m_next->startedAtMs = now;
     m_next->micPath = folder + u"/mic.m4a"_s;
@@ -232,9 +232,9 @@ QString CallRecorder::warningText() const
     if (!m_active)
         return {};
     if (m_diskIsLow)
-        return u"The disk is almost full. The recording stops by itself when it is."_s;
+        return u"The disk is almost full. The recording stops when it is full."_s;
     if (!m_active->microphone->hasSource() && m_elapsed > 3)
-        return u"The microphone is gone. It is recorded again as soon as it is back."_s;
+        return u"The microphone is disconnected. It is recorded again as soon as it is back."_s;
     return {};
 }
 

@@ -21,7 +21,7 @@ CallState callState(const QString& status, const QString& error, const CallRecor
         return { u"Saving"_s, u"busy"_s };
     if (processor.isProcessing(id)) {
         const bool summing = processor.phase(id) == CallPhase::Kind::Summarizing;
-        return { summing ? u"Summing up"_s : u"Transcribing"_s, u"busy"_s };
+        return { summing ? u"Summarizing"_s : u"Transcribing"_s, u"busy"_s };
     }
     if (status == callStatus::ready)
         return { u"Ready"_s, u"good"_s };
@@ -32,7 +32,7 @@ CallState callState(const QString& status, const QString& error, const CallRecor
     if (status == callStatus::interrupted)
         return { u"Interrupted"_s, u"warn"_s };
     if (status == callStatus::recording)
-        return { u"Broken off"_s, u"warn"_s };
+        return { u"Interrupted"_s, u"warn"_s };
     if (status == callStatus::failed)
         return { error.startsWith("No speech"_L1) ? u"No speech"_s : u"No transcript"_s, u"bad"_s };
     return { u"Not transcribed"_s, u"warn"_s };

@@ -78,13 +78,13 @@ public:
     bool alsoOnBattery() const; ///< transcripts are made then, too
     void setAlsoOnBattery(bool on);
     QString alsoOnBatteryLabel() const { return u"Transcribe also on battery"_s; }
-    QString alsoOnBatteryHint() const { return u"Otherwise calls wait, and “Transcribe now” is on their page."_s; }
+    QString alsoOnBatteryHint() const { return u"Otherwise calls wait for “Transcribe now” on their page."_s; }
     bool codexAllowed() const;
     void setCodexAllowed(bool allowed);
     QString codexLabel() const { return u"Codex may write summaries"_s; }
     QString codexHint() const
     {
-        return u"Where no model runs on this computer. It sends the transcript to its provider."_s;
+        return u"Used if no model runs on this computer. It sends the transcript to its provider."_s;
     }
 
 Q_SIGNALS:

@@ -90,7 +90,7 @@ QString CallsView::proposalsText() const
 
 QString CallsView::emptyTitle() const
 {
-    return m_query.isEmpty() ? u"No call recordings yet."_s : u"No call holds “%1”"_s.arg(m_query);
+    return m_query.isEmpty() ? u"No call recordings yet."_s : u"No calls match “%1”"_s.arg(m_query);
 }
 
 QString CallsView::emptyText() const

@@ -155,7 +155,7 @@ QString MeetingAutoRecorder::begin(const CalEvent& event)
     const QString title = event.title;
     // What can't be noted would be recorded again and again.
     if (!write(event, u"started"_s, reason, {}, source.name))
-        return u"%1 is not recorded, as the database takes nothing."_s.arg(title);
+        return u"%1 is not recorded: the database cannot be written."_s.arg(title);
     m_activeAuto = event;
     m_at.calls.start(title,
         { .startMode = u"calendar_auto"_s,

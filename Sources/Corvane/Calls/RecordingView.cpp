@@ -17,7 +17,7 @@ const QString everything = u"everything"_s;
 
 QList<Choice> fixedSources()
 {
-    return { { nothing, u"Microphone only"_s }, { everything, u"Microphone and everything"_s } };
+    return { { nothing, u"Microphone only"_s }, { everything, u"Microphone and all sound"_s } };
 }
 
 }
@@ -124,7 +124,7 @@ bool RecordingView::beganByItself() const
 
 QString RecordingView::consentReminder() const
 {
-    return u"Everybody in the meeting has to know. Stop it in the window, the panel or the tray."_s;
+    return u"Tell everybody in the meeting. You can stop it in the window, the panel or the tray."_s;
 }
 
 void RecordingView::start()

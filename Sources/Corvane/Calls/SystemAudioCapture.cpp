@@ -36,7 +36,7 @@ void SystemAudioCapture::start(const QString& path, const QString& binary, Done 
                 return done(failure(describe(SystemAudioCaptureError::Unavailable, found.error().message)));
             self->m_track = self->m_audio.recordSystem(path, binary);
             done(self->m_track ? Result<void>()
-                               : failure(describe(SystemAudioCaptureError::WriterSetup, u"no file can be made."_s)));
+                               : failure(describe(SystemAudioCaptureError::WriterSetup, u"the file cannot be created."_s)));
         });
 }
 

@@ -93,7 +93,7 @@ QString DevAssistant::targetText() const
     case WorkAssistantTarget::Codex:
         return u"A new terminal starts codex. Paste the packet there when it is ready."_s;
     case WorkAssistantTarget::Claude:
-        return u"A new terminal lists the claude processes that run, then starts claude. Keep them under two."_s;
+        return u"A new terminal lists the running claude processes, then starts claude. Keep them under two."_s;
     case WorkAssistantTarget::Terminal:
         break;
     }

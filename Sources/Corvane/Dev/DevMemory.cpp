@@ -54,7 +54,7 @@ QList<Choice> DevMemory::templates() const
 
 QString DevMemory::emptyText() const
 {
-    return u"Facts, commands and lessons stand here when you or an agent propose them. What you approve may be used."_s;
+    return u"Facts, commands and lessons appear here when you or an agent propose them. Agents may use what you approve."_s;
 }
 
 void DevMemory::stageMemoryDraft(const QString& kind)
@@ -81,7 +81,7 @@ bool DevMemory::propose(const QString& kind, const QString& body, const QString&
             .confidence = u"medium"_s,
             .owner = u"Oskel"_s })
                            .has_value();
-    tell(saved ? u"It waits for your word, under Memory."_s : u"Could not save work_memory."_s, !saved);
+    tell(saved ? u"It waits for your approval, under Memory."_s : u"Could not save work_memory."_s, !saved);
     if (saved) {
         m_desk.told();
         reload();

@@ -34,7 +34,7 @@ public:
     QList<Choice> templates() const;
     bool hasTerminal() const { return m_desk.session(); }
     QString rule() const { return u"Credentials, billing tokens, and private personal notes do not belong here."_s; }
-    QString emptyTitle() const { return u"Nothing is known yet"_s; }
+    QString emptyTitle() const { return u"No knowledge yet"_s; }
     QString emptyText() const;
     const QString& notice() const { return m_notice; }
     bool failed() const { return m_failed; }

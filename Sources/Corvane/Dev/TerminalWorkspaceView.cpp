@@ -229,7 +229,7 @@ QList<Choice> TerminalWorkspaceView::facts() const
         add(u"Runs on"_s,
             project.execHost.isEmpty() || project.execHost == "mac"_L1 ? u"this computer"_s
                                                                        : shownLine(project.execHost));
-        add(u"Work context"_s, m_desk.context ? shownLine(m_desk.context->id) : u"made with its first row"_s);
+        add(u"Work context"_s, m_desk.context ? shownLine(m_desk.context->id) : u"created with its first row"_s);
     }
     add(u"Safety"_s, m_desk.console.safetyNote);
     return facts;

@@ -29,7 +29,7 @@ int captureWords(const AppPaths& paths, const QStringList& arguments, QTextStrea
         return 0;
     errors << (words.join(u' ').trimmed().isEmpty()
             ? "There is nothing to capture.\n"
-            : "The database didn't take it. Is the program's data folder writable?\n");
+            : "The database could not be written. Is the program's data folder writable?\n");
     return 1;
 }
 

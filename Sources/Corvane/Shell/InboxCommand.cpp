@@ -250,7 +250,7 @@ int draftMessage(const TextCall& call, const QString& typed)
         return 1;
     const auto conversation = newestConversation(*inbox.db, person->id);
     if (!conversation || !queueDraft(*inbox.db, *conversation, text, u"terminal"_s)) {
-        call.errors << "The database didn't take it.\n";
+        call.errors << "The database could not be written.\n";
         return 1;
     }
     call.out << "It waits in Approvals: to " << printable(nameOf(*inbox.db, *person)) << ".\n";

@@ -18,9 +18,9 @@ QList<Command> terminalCommands()
             shortcut(u"previousPrompt"_s, u"Previous prompt"_s, u"Ctrl+Shift+Z"_s),
             shortcut(u"nextPrompt"_s, u"Next prompt"_s, u"Ctrl+Shift+X"_s),
             shortcut(u"copyTranscript"_s, u"Copy the transcript"_s, u"Ctrl+Shift+Y"_s),
-            { u"largerType"_s, u"Larger type"_s, u"Ctrl++"_s, { u"Ctrl++"_s, u"Ctrl+="_s } },
-            shortcut(u"smallerType"_s, u"Smaller type"_s, u"Ctrl+-"_s),
-            shortcut(u"usualType"_s, u"Usual type"_s, u"Ctrl+0"_s),
+            { u"largerType"_s, u"Larger text"_s, u"Ctrl++"_s, { u"Ctrl++"_s, u"Ctrl+="_s } },
+            shortcut(u"smallerType"_s, u"Smaller text"_s, u"Ctrl+-"_s),
+            shortcut(u"usualType"_s, u"Default text size"_s, u"Ctrl+0"_s),
             { u"leaveTerminal"_s, u"Leave the terminal"_s, u"Shift+F6"_s },
         });
 }

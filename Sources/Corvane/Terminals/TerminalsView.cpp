@@ -187,7 +187,7 @@ void TerminalsView::paste(const QString& text)
         return;
     const std::string bytes = text.toStdString();
     if (qsizetype(bytes.size()) > largestPaste) {
-        return ask({ Subject::None, u"The clipboard holds more than a terminal takes at once, 1 MB."_s, {}, u"Close"_s,
+        return ask({ Subject::None, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s, {}, u"Close"_s,
             m_current });
     }
     {
@@ -199,8 +199,8 @@ void TerminalsView::paste(const QString& text)
         }
     }
     const auto lines = text.trimmed().count(u'\n') + 1;
-    const QString words = lines == 1 ? u"Paste this line? The program in the terminal takes it at once: %1"_s
-                                     : u"Paste %2 lines? The program in the terminal takes each at once: %1"_s;
+    const QString words = lines == 1 ? u"Paste this line? The program in the terminal acts on it at once: %1"_s
+                                     : u"Paste %2 lines? The program in the terminal acts on each at once: %1"_s;
     ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), u"Paste"_s, u"Cancel"_s, m_current, text });
 }
 
@@ -244,7 +244,7 @@ QString TerminalsView::endedText() const
     if (m_current->failedToStart())
         return u"The shell could not be started."_s;
     return status.bySignal ? u"The shell was ended by signal %1."_s.arg(status.code)
-                           : u"The shell ended with code %1."_s.arg(status.code);
+                           : u"The shell ended with exit code %1."_s.arg(status.code);
 }
 
 QString TerminalsView::emptyDetail() const

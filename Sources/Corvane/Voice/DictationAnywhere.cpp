@@ -240,7 +240,7 @@ QString DictationAnywhere::listeningText() const
     const QString language = selectedLanguageShortName();
     QString text = language.isEmpty() ? u"Listening…"_s : u"Listening (%1) …"_s.arg(language);
     if (m_hotKey.isBound())
-        text += (m_isHeld ? u" let go of %1 to finish"_s : u" %1 to finish"_s).arg(m_hotKey.keys());
+        text += (m_isHeld ? u" release %1 to finish"_s : u" %1 to finish"_s).arg(m_hotKey.keys());
     return text;
 }
 
@@ -288,11 +288,11 @@ void DictationAnywhere::insertTranscript(const QString& text)
         case InsertionOutcome::Copied:
             m_panel.show(insertionWay() == InsertionWay::None
                     ? u"Copied - allow Accessibility to paste automatically."_s
-                    : u"Copied - no program in front took the text."_s,
+                    : u"Copied - no program accepted the text."_s,
                 Mode::Attention, copiedTime);
             return enter({ .kind = Kind::Copied });
         case InsertionOutcome::Password:
-            return offer(text, u"Nothing was inserted: the field takes a password."_s);
+            return offer(text, u"Nothing was inserted: this is a password field."_s);
         case InsertionOutcome::Missed:
             break;
         }

@@ -117,14 +117,14 @@ Result<Head> walkedHead(QFile& file)
     Walk walk(file);
     Head head {};
     if (!walk.read(head) || head.magic != magic || !isPlausible(head))
-        return failure(u"This is not a speech model: a ggml file of whisper.cpp is needed."_s);
+        return failure(u"This is not a speech model: a ggml file for whisper.cpp is needed."_s);
     bool isWhole = walk.filters() && walk.vocabulary();
     for (qint64 i = 0; isWhole && i < tensorCount(head); ++i)
         isWhole = walk.tensor();
     if (!isWhole)
         return failure(u"The speech model is damaged: a part of the file is missing."_s);
     if (!walk.isAtEnd())
-        return failure(u"The speech model is damaged: the file holds more than its model."_s);
+        return failure(u"The speech model is damaged: the file contains extra data."_s);
     return head;
 }
 

@@ -159,7 +159,7 @@ void ModelInstaller::check(const QString& fileName, const QString& source)
         if (!facts || (QFile::remove(path), !QFile::rename(unchecked, path))) {
             QFile::remove(unchecked);
             if (facts)
-                return failure(u"The model cannot be put into its folder."_s);
+                return failure(u"The model cannot be moved into its folder."_s);
         }
         return facts;
     };

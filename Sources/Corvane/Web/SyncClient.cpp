@@ -197,7 +197,7 @@ void SyncClient::startOver()
     if (transaction.begun())
         forgetCloudCursors(m_db);
     if (!transaction.begun() || !transaction.commit())
-        return setStatus({ Status::Kind::Error, u"Another program is writing the database. Try again."_s });
+        return setStatus({ Status::Kind::Error, u"Another program is writing to the database. Try again."_s });
     for (const QString& account : fetchCloudAccounts(m_db))
         m_defaults.remove(accountIdKey(account));
     m_defaults.remove(approvedKey);

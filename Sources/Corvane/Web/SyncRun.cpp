@@ -301,7 +301,7 @@ QCoro::Task<bool> SyncClient::Run::store(Pointer run, std::function<void(LocalDB
         if (run->ended == Ended::Gone)
             co_return false;
     }
-    const QString words = u"How far the push got could not be stored."_s;
+    const QString words = u"The progress of the push could not be saved."_s;
     run->comesTo({ Status::Kind::Error, words }, u"error"_s, words);
     co_return false;
 }

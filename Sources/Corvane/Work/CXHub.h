@@ -85,8 +85,8 @@ public:
     GadgetListModel* thread() { return &m_thread; }
     GadgetListModel* items() { return &m_items; }
     QString itemsText() const;
-    QString emptyTitle() const { return u"Nobody waits"_s; }
-    QString emptyText() const { return u"Who writes last and is not answered stands here, longest first."_s; }
+    QString emptyTitle() const { return u"Nobody is waiting"_s; }
+    QString emptyText() const { return u"People whose last message is not answered appear here, longest first."_s; }
 
     Q_INVOKABLE void select(const QString& contactId);
     Q_INVOKABLE void step(int by);

@@ -210,7 +210,7 @@ QString GTMHub::emptyTitle() const
 
 QString GTMHub::emptyText() const
 {
-    return u"A deal begins beside a person: open a conversation and add one in its pane."_s;
+    return u"To add a deal, open a conversation and use the pane beside it."_s;
 }
 
 }

@@ -48,12 +48,12 @@ void LumoHub::readPlaces()
 
 QString LumoHub::knowledgeEmpty() const
 {
-    return u"Facts stand here when an agent proposes one, or when you write one down. What you approve may be used."_s;
+    return u"Facts appear here when you or an agent propose them. Agents may use what you approve."_s;
 }
 
 QString LumoHub::flowsEmpty() const
 {
-    return u"Runbooks stand here: notes on how a thing is done, written in a context with the action Runbook."_s;
+    return u"Runbooks are notes on how to do something. Write one in a context with the action Runbook."_s;
 }
 
 bool LumoHub::propose(const QString& fact)
@@ -69,7 +69,7 @@ bool LumoHub::propose(const QString& fact)
             .confidence = u"medium"_s,
             .owner = u"Oskel"_s })
                            .has_value();
-    m_error = saved ? QString() : u"It was not saved: the database did not take it."_s;
+    m_error = saved ? QString() : u"It was not saved: the database could not be written."_s;
     m_at.db.watch().tell(StoreSubject::Work);
     m_shell.refresh();
     return saved;

@@ -132,7 +132,7 @@ void OpsAsks::setAnswerText(const QString& text)
 
 QString OpsAsks::emptyText() const
 {
-    return u"Questions of people and agents stand here until somebody answers them."_s;
+    return u"Questions by people and agents appear here until they are answered."_s;
 }
 
 void OpsAsks::beginAnswer(const QString& id)
@@ -155,7 +155,7 @@ void OpsAsks::saveAnswer()
         return Q_EMIT changed();
     }
     if (!answerOpsAsk(m_at.db, m_answering->id, m_answerText, u"Oskel"_s)) {
-        m_error = u"It was not saved: the database did not take it. What you typed is still here."_s;
+        m_error = u"It was not saved: the database could not be written. Your text is still here."_s;
         return Q_EMIT changed();
     }
     m_asks.hold(m_answering->id);

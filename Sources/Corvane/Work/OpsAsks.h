@@ -74,7 +74,7 @@ public:
     void setAnswerText(const QString& text);
     const QString& error() const { return m_error; }
     bool busy() const { return m_running.has_value(); }
-    QString emptyTitle() const { return u"No question waits"_s; }
+    QString emptyTitle() const { return u"No open questions"_s; }
     QString emptyText() const;
 
     Q_INVOKABLE void beginAnswer(const QString& id);

@@ -78,7 +78,7 @@ QString OpsFinance::emptyText() const
     if (!m_items.rows().isEmpty())
         return {};
     return m_query.trimmed().isEmpty() ? u"No finance work items found in local SQLite."_s
-                                       : u"No finance work holds “%1”."_s.arg(m_query.trimmed());
+                                       : u"No finance work matches “%1”."_s.arg(m_query.trimmed());
 }
 
 void OpsFinance::gate()
@@ -93,7 +93,7 @@ void OpsFinance::gate()
             .risk = u"money"_s })
                            .has_value();
     m_notice = saved ? u"A decision waits in Approvals. Nothing was sent or paid."_s
-                     : u"The decision was not saved: the database did not take it."_s;
+                     : u"The decision was not saved: the database could not be written."_s;
     reload();
     if (saved) {
         m_at.db.watch().tell(StoreSubject::Approvals);

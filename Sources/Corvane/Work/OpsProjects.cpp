@@ -43,7 +43,7 @@ OpsTabSeed tabSeed(const OpsTabRow& row, const DateWords& words)
     seed.detail = factLine({ shownLine(row.role), shownLine(row.model), shownLine(row.currentTask) });
     const auto heartbeat = parsedIsoTime(row.heartbeatAt);
     seed.state = factLine({ row.isLive ? u"Live"_s : u"Down"_s,
-        heartbeat ? u"heard of "_s + words.ago(*heartbeat) : u"never heard of"_s });
+        heartbeat ? u"last seen "_s + words.ago(*heartbeat) : u"never seen"_s });
     seed.live = row.isLive;
     return seed;
 }
@@ -113,7 +113,7 @@ void OpsProjects::readSelected()
             updates.append(line(row.id, row.body, row.kind, {}, row.ts));
         for (const OpsOrderRow& row : fetchOpsOrders(m_at.db, m_selected.id, ordersShown))
             orders.append(line(row.id, row.body, row.tabName.isEmpty() ? QString() : u"to "_s + row.tabName,
-                row.status == "pending"_L1 ? u"Waits for its agent"_s : row.status, row.ts));
+                row.status == "pending"_L1 ? u"Waiting for its agent"_s : row.status, row.ts));
     }
     m_tabs.assign(tabs);
     m_updates.assign(updates);

@@ -53,12 +53,12 @@ WorkAgentSeed agentSeed(const WorkAgentRecord& agent, const QList<WorkSessionRec
     seed.tool = factLine({ shownLine(agent.tool), shownLine(agent.role) });
     seed.task = shownLine(agent.currentTask);
     const auto heartbeat = parsedIsoTime(agent.heartbeatAt);
-    seed.heartbeat = heartbeat ? u"heard of "_s + words.ago(*heartbeat) : u"never heard of"_s;
+    seed.heartbeat = heartbeat ? u"last seen "_s + words.ago(*heartbeat) : u"never seen"_s;
     if (isSilent(agent, nowMs)) {
         seed.state = u"Silent"_s;
         seed.tone = u"bad"_s;
     } else if (saysItWorks(agent.status)) {
-        seed.state = u"At work"_s;
+        seed.state = u"Working"_s;
         seed.tone = u"good"_s;
     } else {
         seed.state = agent.status == "ready"_L1 ? u"Ready"_s : shownLine(agent.status);
@@ -175,7 +175,7 @@ void WorkAgents::launch(const QString& agentName)
                                          .sessionId = session->id })
                                : std::nullopt;
     if (!agent) {
-        m_error = u"The agent could not be noted: the database did not take it."_s;
+        m_error = u"The agent could not be saved: the database could not be written."_s;
         return Q_EMIT changed();
     }
     m_command = workAgentLaunchCommand(m_config.module, *m_context, plan);
@@ -207,7 +207,7 @@ void WorkAgents::dismissLaunch()
 
 QString WorkAgents::emptyText() const
 {
-    return m_context ? u"No agent works here. Prepare one, review its command, and run it yourself."_s
+    return m_context ? u"No agent is working here. Prepare one, review its command, and run it yourself."_s
                      : u"Agents appear when one starts a session."_s;
 }
 

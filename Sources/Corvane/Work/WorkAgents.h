@@ -29,7 +29,7 @@ public:
     QString name;
     QString tool; ///< with its role
     QString task;
-    QString state; ///< "At work", "Silent", "Ready" or a word of another program
+    QString state; ///< "Working", "Silent", "Ready" or a word of another program
     QString tone; ///< good, bad or empty
     QString heartbeat;
     QString session; ///< the purpose of its session

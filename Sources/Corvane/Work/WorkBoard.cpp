@@ -133,12 +133,12 @@ QString WorkBoard::emptyTitle() const
 {
     if (m_total > 0)
         return {};
-    return filtered() ? u"Nothing fits these filters"_s : m_emptyTitle;
+    return filtered() ? u"Nothing matches these filters"_s : m_emptyTitle;
 }
 
 QString WorkBoard::emptyText() const
 {
-    return filtered() ? u"Take one off to see more."_s : m_emptyText;
+    return filtered() ? u"Remove a filter to see more."_s : m_emptyText;
 }
 
 void WorkBoard::move(const QString& id, int lane)

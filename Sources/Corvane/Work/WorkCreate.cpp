@@ -37,10 +37,10 @@ QList<FieldSpec> fieldsOf(Flow flow)
 QString riskWords(const QString& risk)
 {
     if (risk == "money"_L1)
-        return u"It is about money"_s;
+        return u"This involves money"_s;
     if (risk == "external"_L1)
-        return u"It goes to somebody outside"_s;
-    return risk == "credential"_L1 ? u"It is about secrets"_s : u"It cannot be taken back"_s;
+        return u"This goes to somebody outside"_s;
+    return risk == "credential"_L1 ? u"This involves secrets"_s : u"This cannot be undone"_s;
 }
 
 }

@@ -50,7 +50,7 @@ WorkDecisionSeed decisionSeed(const WorkDecisionRecord& decision, const DateWord
             shownTime(decision.updatedAt, words) });
     seed.waits = decision.status == "proposed"_L1;
     if (decision.risk == "money"_L1 || decision.risk == "credential"_L1 || decision.risk == "high"_L1)
-        seed.question = u"Approve “%1”? Whoever proposed it may act on your word."_s.arg(seed.title);
+        seed.question = u"Approve “%1”? Whoever proposed it can then carry it out."_s.arg(seed.title);
     return seed;
 }
 
@@ -127,14 +127,14 @@ void WorkDecisions::decide(const QString& id, bool approve)
 {
     m_decisions.hold(id);
     decideSeen(m_seen.value(id), approve, setWorkDecisionStatus,
-        u"It was not decided: it changed or was decided meanwhile. Read it again."_s);
+        u"It was not decided: it was changed or decided in the meantime. Please read it again."_s);
 }
 
 void WorkDecisions::decideMemory(const QString& id, bool approve)
 {
     m_memory.hold(id);
     decideSeen(
-        m_seenMemory.value(id), approve, setWorkMemoryStatus, u"It was not decided: the database did not take it."_s);
+        m_seenMemory.value(id), approve, setWorkMemoryStatus, u"It was not decided: the database could not be written."_s);
 }
 
 template <typename Record, typename SetStatus>

@@ -11,7 +11,7 @@ namespace corvane {
 namespace {
 
 constexpr int eventsShown = 100;
-const QString notSaved = u"It was not saved: the database did not take it. What you typed is still here."_s;
+const QString notSaved = u"It was not saved: the database could not be written. Your text is still here."_s;
 
 struct Field {
     const char* label;
@@ -63,14 +63,14 @@ void WorkItemSheet::reload()
         return;
     const auto row = fetchWorkItem(m_db, itemId());
     if (!row) {
-        m_notice = u"This item is gone. What you typed can still be copied."_s;
+        m_notice = u"This item is gone. You can still copy what you typed."_s;
     } else if (*row != m_seen) {
         if (dirty()) {
             m_theirs = row;
             compare();
         } else {
             adopt(*row);
-            m_notice = u"It changed while it was open; this is how it is now."_s;
+            m_notice = u"It was changed while it was open; this is the current version."_s;
         }
     } else if (m_theirs) {
         m_theirs.reset();
@@ -111,7 +111,7 @@ void WorkItemSheet::compare()
     m_edited = merged;
     m_seen = *m_theirs;
     m_theirs.reset();
-    m_notice = u"Somebody changed other fields meanwhile; what you typed is kept."_s;
+    m_notice = u"Somebody changed other fields in the meantime; your changes are kept."_s;
 }
 
 void WorkItemSheet::edit(QString WorkItemRecord::* field, const QString& value)
@@ -209,7 +209,7 @@ bool WorkItemSheet::done() const
 
 QString WorkItemSheet::eventsText() const
 {
-    return m_events.rows().isEmpty() ? u"No evidence, decision or message speaks of this item yet."_s : QString();
+    return m_events.rows().isEmpty() ? u"No evidence, decisions or messages about this item yet."_s : QString();
 }
 
 }

@@ -369,7 +369,7 @@ bool WorkModuleShell::queueDraft(const QString& text)
     draft.summary = text;
     const auto saved = saveItem(m_at.db, { .module = m_config.module, .context = m_context }, draft);
     m_notice
-        = saved ? u"Kept as a work item. Nothing is sent; the decision waits in Approvals."_s : saved.error().message;
+        = saved ? u"Saved as a work item. Nothing is sent; the decision waits in Approvals."_s : saved.error().message;
     m_at.db.watch().tell(StoreSubject::Work);
     m_at.db.watch().tell(StoreSubject::Approvals);
     refresh();

@@ -96,7 +96,7 @@ WorkContextSeed contextSeed(const WorkConsoleConfig& config, const WorkContextRo
     seed.live = context.liveAgents + context.liveSessions > 0;
     seed.aloud = joined({ seed.title, seed.meta,
         seed.waits ? countWords(waitingDecisions, u"decision waits"_s, u"decisions wait"_s) : QString(),
-        seed.live ? u"an agent is at work"_s : QString(), seed.subtitle });
+        seed.live ? u"an agent is working"_s : QString(), seed.subtitle });
     return seed;
 }
 
@@ -105,7 +105,7 @@ WorkItemSeed itemSeed(const WorkItemRecord& item, bool waits, const DateWords& w
     WorkItemSeed seed;
     seed.id = item.id;
     seed.kind = capital(shownLine(item.kind));
-    seed.title = shownLine(item.title.isEmpty() ? u"Without a title"_s : item.title);
+    seed.title = shownLine(item.title.isEmpty() ? u"Untitled"_s : item.title);
     seed.status = shownLine(item.status).replace(u'_', u' ');
     if (item.priority != "normal"_L1)
         seed.priority = capital(shownLine(item.priority));

@@ -21,7 +21,7 @@ public:
     bool isOpen() const;
     void setOpen(bool open);
     QString createLabel() const { return u"+ New Shell"_s; }
-    QString foldLabel() const { return isOpen() ? u"Fold the terminal"_s : u"Show the terminal"_s; }
+    QString foldLabel() const { return isOpen() ? u"Hide the terminal"_s : u"Show the terminal"_s; }
 
     /// Opens a shell that first prints the text; nothing in the text is executed. `directory` may not exist. An empty
     /// name leaves the title to the shell.

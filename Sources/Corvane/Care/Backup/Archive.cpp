@@ -23,7 +23,7 @@ const QString stopped = u"Stopped."_s;
 QString wordsOf(archive* from)
 {
     const char* const words = archive_error_string(from);
-    return words ? QString::fromUtf8(words) : u"It is no backup, or it is damaged."_s;
+    return words ? QString::fromUtf8(words) : u"It is not a backup, or it is damaged."_s;
 }
 
 la_ssize_t writePiece(archive* self, void* device, const void* data, size_t size)
@@ -165,9 +165,9 @@ Result<std::optional<QString>> ArchiveReader::next()
     const char* const text = archive_entry_pathname_utf8(entry);
     const QString name = QString::fromUtf8(text ? text : "");
     if (archive_entry_filetype(entry) != AE_IFREG || archive_entry_hardlink(entry) || archive_entry_symlink(entry))
-        return failure(u"It holds something that is no plain file: %1."_s.arg(name));
+        return failure(u"It contains something other than a regular file: %1."_s.arg(name));
     if (!isSafeName(name))
-        return failure(u"It holds a name that leads out of its folder: %1."_s.arg(name));
+        return failure(u"It contains a path that leads out of its folder: %1."_s.arg(name));
     return name;
 }
 
@@ -209,7 +209,7 @@ Result<QByteArray> ArchiveReader::content(qint64 limit)
             return content;
         content.append(piece.constData(), count);
         if (content.size() > limit)
-            return failure(u"It is larger than it can be."_s);
+            return failure(u"It is too large."_s);
     }
 }
 

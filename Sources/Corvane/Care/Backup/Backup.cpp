@@ -35,7 +35,7 @@ Result<void> checkRoom(const QString& file, qint64 needed)
 {
     const QStorageInfo disk(QFileInfo(file).absolutePath());
     if (disk.isValid() && disk.bytesAvailable() < needed + smallestRest)
-        return failure(u"There is not enough room on the disk: it takes %1, and %2 are free."_s.arg(
+        return failure(u"There is not enough space on the disk: %1 needed, %2 free."_s.arg(
             sizeWords(needed), sizeWords(disk.bytesAvailable())));
     return {};
 }
@@ -97,7 +97,7 @@ Result<void> compare(const Manifest& manifest, const QMap<QString, StoredFile>& 
         if (!found.contains(each.key()))
             return failure(u"%1 is missing."_s.arg(each.key()));
         if (found[each.key()] != each.value())
-            return failure(u"%1 is not as it was stored."_s.arg(each.key()));
+            return failure(u"%1 is not as it was saved."_s.arg(each.key()));
     }
     for (auto each = found.begin(); each != found.end(); ++each) {
         if (!manifest.files.contains(each.key()))
@@ -112,7 +112,7 @@ Result<void> compare(const Manifest& manifest, const QMap<QString, StoredFile>& 
     const QMap<QString, qint64> rows = countRows(*db);
     for (auto each = manifest.rows.begin(); each != manifest.rows.end(); ++each) {
         if (rows.value(each.key(), -1) != each.value())
-            return failure(u"The table %1 has %2 rows in place of %3."_s.arg(each.key())
+            return failure(u"The table %1 has %2 rows instead of %3."_s.arg(each.key())
                     .arg(rows.value(each.key()))
                     .arg(each.value()));
     }
@@ -147,7 +147,7 @@ Result<Manifest> unpack(QIODevice& device, const QString& folder, const Progress
     if (!rest)
         return std::unexpected(rest.error());
     if (*rest)
-        return failure(u"Something was added to the file."_s);
+        return failure(u"The file contains extra data."_s);
     if (const auto same = compare(*manifest, found, folder); !same)
         return std::unexpected(same.error());
     return manifest;
@@ -158,7 +158,7 @@ Result<Manifest> unpack(QIODevice& device, const QString& folder, const Progress
 Result<Manifest> makeBackup(const AppPaths& paths, const BackupRequest& request, const Progress& progress)
 {
     if (request.secrets && !request.passphrase)
-        return failure(u"Passwords and tokens go only into a backup that is encrypted."_s);
+        return failure(u"Passwords and tokens are saved only in an encrypted backup."_s);
     const qint64 database = QFileInfo(paths.database()).size();
     qint64 files = 0;
     for (const ProfileFile& file : profileFiles(paths, request.media, request.secrets.has_value()))

@@ -150,7 +150,7 @@ void BackupKeeper::backUpNow()
             progress = m_progress]() -> Result<Manifest> {
             const QString folder = QFileInfo(request.file).path();
             if (!QDir().mkpath(folder))
-                return failure(u"The folder %1 cannot be made."_s.arg(folder));
+                return failure(u"The folder %1 cannot be created."_s.arg(folder));
             auto made = makeBackup(paths, request, progress);
             if (made)
                 removeOldest(folder);
@@ -166,7 +166,7 @@ void BackupKeeper::end(const Result<Manifest>& made)
 {
     if (!made && !m_progress->stopped) {
         m_error = made.error().message;
-        log(u"There is no backup: "_s + m_error);
+        log(u"The backup failed: "_s + m_error);
     }
     m_progress.reset();
     m_ticks.reset();

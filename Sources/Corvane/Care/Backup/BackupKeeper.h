@@ -69,7 +69,7 @@ public:
     bool media() const; ///< a missing setting counts as on
     void setMedia(bool on);
     static QString mediaLabel() { return u"With media"_s; }
-    static QString mediaHint() { return u"Pictures, files and recordings, which take most of the room."_s; }
+    static QString mediaHint() { return u"Pictures, files and recordings, which take most of the space."_s; }
     QString folder() const;
     static QString folderLabel() { return u"Folder"_s; }
     bool busy() const { return m_progress != nullptr; }

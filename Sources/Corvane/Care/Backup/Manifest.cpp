@@ -46,9 +46,9 @@ Result<Manifest> manifestFrom(const QByteArray& text)
 {
     const auto object = jsonObject(text);
     if (!object)
-        return failure(u"Its list of files does not read."_s);
+        return failure(u"Its list of files cannot be read."_s);
     if ((*object)[formatKey].toInt() != format)
-        return failure(u"It was made by another version of the program, whose format this one does not know."_s);
+        return failure(u"It was made by another version of the program, in a format that this one cannot read."_s);
     Manifest manifest;
     manifest.program = (*object)[programKey].toString();
     manifest.madeAtMs = QDateTime::fromString((*object)[madeAtKey].toString(), Qt::ISODateWithMs).toMSecsSinceEpoch();

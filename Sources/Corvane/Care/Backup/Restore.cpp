@@ -51,7 +51,7 @@ Result<void> settleDatabase(
     NotificationCentre nobody;
     LocalDB db(path, { paths.resources, paths.home }, scheduler, defaults, nobody);
     if (!db.isOpen() || !settleRestored(db) || !moveFilePaths(db, from, paths.applicationSupport))
-        return failure(u"The database of the backup cannot be made ready."_s);
+        return failure(u"The database of the backup cannot be prepared."_s);
     return {};
 }
 
@@ -61,7 +61,7 @@ Result<void> pauseAccounts(const QString& file)
         return {};
     auto accounts = decodeAccounts(contentOf(file));
     if (!accounts)
-        return failure(u"The accounts of the backup do not read."_s);
+        return failure(u"The accounts of the backup cannot be read."_s);
     for (Account& account : *accounts)
         account.paused = true;
     return writePrivateFile(file, encodeAccounts(*accounts)) ? Result<void>()
@@ -103,7 +103,7 @@ Result<void> prepare(const QString& folder, const Manifest& manifest, const AppP
 {
     const QString data = folder + u"/data"_s;
     if (!QDir().mkpath(data))
-        return failure(u"The folder %1 cannot be made."_s.arg(data));
+        return failure(u"The folder %1 cannot be created."_s.arg(data));
     UserDefaults defaults(folder + u'/' + backupNames::settings);
     if (manifest.files.contains(backupNames::database)) {
         const QString database = data + u"/nimblocal.db"_s;
@@ -132,12 +132,12 @@ Result<QString> exchange(const QString& prepared, const QString& target)
         aside = freeName(target);
     }
     if (!aside.isEmpty() && !QFile::rename(target, aside))
-        return failure(u"%1 cannot be put aside."_s.arg(target));
+        return failure(u"%1 cannot be moved aside."_s.arg(target));
     if (QFile::rename(prepared, target))
         return aside;
     if (!aside.isEmpty())
         QFile::rename(aside, target);
-    return failure(u"%1 cannot be made."_s.arg(target));
+    return failure(u"%1 cannot be created."_s.arg(target));
 }
 
 }
@@ -149,16 +149,16 @@ Result<Restored> restoreBackup(const AppPaths& paths, const RestoreRequest& requ
     if (QFileInfo(target).isSymLink())
         return failure(u"%1 is a link. Nothing is restored through one."_s.arg(target));
     if (!QDir().mkpath(target))
-        return failure(u"The folder %1 cannot be made."_s.arg(target));
+        return failure(u"The folder %1 cannot be created."_s.arg(target));
     const auto lock = ProfileLock::take(target);
     if (!lock)
-        return failure(u"Corvane works on %1. Quit it first."_s.arg(target));
+        return failure(u"Corvane is using %1. Quit it first."_s.arg(target));
     if (!request.replace && !isEmptyProfile(target))
         return failure(u"There is a profile in %1 already. Give --replace to put it aside, or --into to name another "
                        "folder."_s.arg(target));
     const WorkFolder folder(target);
     if (!folder.isValid())
-        return failure(u"A folder cannot be made beside %1."_s.arg(target));
+        return failure(u"A folder cannot be created beside %1."_s.arg(target));
     const auto manifest = unpackBackup(request.file, request.passphrase, folder.path(), progress);
     if (!manifest)
         return std::unexpected(manifest.error());
@@ -181,7 +181,7 @@ Result<Restored> restoreBackup(const AppPaths& paths, const RestoreRequest& requ
 Result<AppPaths> profileIn(const QString& folder, const AppPaths& own)
 {
     if (folder.isEmpty() || folder.split(u'/').contains(u".."_s))
-        return failure(u"A folder whose name holds “..” is not taken. Write out where it is."_s);
+        return failure(u"Enter the folder without “..” in its path."_s);
     const QString path = QDir::cleanPath(QDir(folder).absolutePath());
     AppPaths paths = own;
     paths.applicationSupport = path + u"/data/Corvane"_s;

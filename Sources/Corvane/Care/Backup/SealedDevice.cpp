@@ -91,7 +91,7 @@ SealingDevice::SealingDevice(QIODevice& to, const QString& passphrase)
     randombytes_buf(salt.data(), size_t(salt.size()));
     const Key key(passphrase, salt, cost);
     if (!key.isMade) {
-        setErrorString(u"There is not enough memory to seal the file."_s);
+        setErrorString(u"There is not enough memory to encrypt the file."_s);
         return;
     }
     m_stream = std::make_unique<Stream>();
@@ -182,7 +182,7 @@ Result<void> UnsealingDevice::openBlock()
         return failure(u"The file is damaged or incomplete."_s);
     m_ended = tag == crypto_secretstream_xchacha20poly1305_TAG_FINAL;
     if (m_ended && !m_from.atEnd())
-        return failure(u"Something was added to the file."_s);
+        return failure(u"The file contains extra data."_s);
     return {};
 }
 

@@ -53,7 +53,7 @@ CheckResult checks::node(const CheckedProfile& profile)
     const auto printed = node.endsWith("/env"_L1) ? programOutput(node, { u"node"_s, u"--version"_s })
                                                   : programOutput(node, { u"--version"_s });
     if (!printed)
-        return { Health::Failure, u"There is none that runs."_s, advice };
+        return { Health::Failure, u"No working one was found."_s, advice };
     const QString version = QString::fromLatin1(printed->trimmed());
     if (QVersionNumber::fromString(version.mid(1)) < oldestNode)
         return { Health::Failure, u"%1 is %2, which is too old."_s.arg(node, version), advice };
@@ -75,11 +75,11 @@ CheckResult checks::toolServer(const CheckedProfile& profile)
 {
     const QString port = QString::number(toolServerPort);
     if (!answersAt(u"127.0.0.1"_s, toolServerPort))
-        return { Health::Good, u"It does not run; port %1 is free."_s.arg(port),
+        return { Health::Good, u"It is not running; port %1 is free."_s.arg(port),
             u"Corvane starts it. Agents reach this profile only while it runs."_s };
     if (!accessFacts(profile.paths.applicationSupport + u"/mcp-token"_s).exists)
         return { Health::Warning, u"Another program listens on port %1."_s.arg(port),
-            u"It may be another profile of Corvane. End it, then start Corvane again."_s };
+            u"It may be another profile of Corvane. Quit it, then start Corvane again."_s };
     return good(u"It answers on port %1."_s.arg(port));
 }
 
@@ -87,25 +87,25 @@ CheckResult checks::keyring(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().keyring, u"The desktop's keyring answers."_s,
         u"There is none: passwords are kept in a private file."_s,
-        u"Install a keyring such as gnome-keyring or KeePassXC. What is in the file moves there."_s);
+        u"Install a keyring such as gnome-keyring or KeePassXC. The content of the file moves there."_s);
 }
 
 CheckResult checks::notifications(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().notifications, u"The desktop shows banners."_s,
-        u"Nobody shows banners on this desktop."_s, u"Install a notification daemon, such as dunst or mako."_s);
+        u"Nothing shows banners on this desktop."_s, u"Install a notification daemon, such as dunst or mako."_s);
 }
 
 CheckResult checks::tray(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().trayHost, u"The desktop has a tray."_s, u"This desktop has no tray."_s,
-        u"On GNOME, install the extension AppIndicator. Without a tray the program runs on when its window is closed."_s);
+        u"On GNOME, install the extension AppIndicator. Without a tray, the program keeps running when its window is closed."_s);
 }
 
 CheckResult checks::portals(const CheckedProfile&)
 {
     return ofDesktop(desktopServices().portal, u"The desktop's portal answers."_s,
-        u"There is no portal: files cannot be picked in the desktop's own window."_s,
+        u"There is no portal: the desktop's own file dialog is not available."_s,
         u"Install xdg-desktop-portal and the one of your desktop, such as xdg-desktop-portal-gtk."_s);
 }
 
@@ -124,10 +124,10 @@ CheckResult checks::speech(const CheckedProfile& profile)
         return { Health::Warning, u"There is a model, but nothing to run it with."_s,
             u"Install Corvane again: corvane-whisper is missing."_s };
     if (hasModel)
-        return good(u"A model of yours recognises speech."_s);
+        return good(u"A speech model is installed."_s);
     return expected(!firstInstalled({ u"pocketsphinx_continuous"_s, u"pocketsphinx"_s }).isEmpty(),
-        u"The basic recogniser is there; a model in Settings > Voice understands more."_s,
-        u"Nothing recognises speech."_s, u"Install pocketsphinx, or a model in Settings > Voice."_s);
+        u"The basic recogniser is installed; a model in Settings > Voice understands more."_s,
+        u"No speech recogniser is installed."_s, u"Install pocketsphinx, or a model in Settings > Voice."_s);
 }
 
 CheckResult checks::modelServer(const CheckedProfile& profile)
@@ -140,8 +140,8 @@ CheckResult checks::modelServer(const CheckedProfile& profile)
         if (answersAt(url.host(), url.port(80)))
             return good(u"A model server answers at %1."_s.arg(server));
     }
-    return expected(profile.modelServer.isEmpty(), u"None runs; drafts and summaries are off."_s,
-        u"The one that you set does not answer: %1."_s.arg(profile.modelServer),
+    return expected(profile.modelServer.isEmpty(), u"None is running; drafts and summaries are off."_s,
+        u"The one in the settings does not answer: %1."_s.arg(profile.modelServer),
         u"Start it, or choose another in Settings > Assistant."_s);
 }
 
@@ -151,20 +151,20 @@ CheckResult checks::codex(const CheckedProfile& profile)
         if (QFileInfo(place).isExecutable())
             return good(place + u'.');
     }
-    return good(u"It is not installed, and needed only where it is chosen as the assistant."_s);
+    return good(u"It is not installed; you need it only if you choose it as the assistant."_s);
 }
 
 CheckResult checks::browser(const CheckedProfile&)
 {
     const QString path = firstInstalled({ u"chromium"_s, u"chromium-browser"_s, u"google-chrome"_s });
-    return addition(!path.isEmpty(), path + u'.', u"There is no Chromium."_s,
+    return addition(!path.isEmpty(), path + u'.', u"Chromium is not installed."_s,
         u"Install chromium to preview pages in the developer workspace."_s);
 }
 
 CheckResult checks::calendars(const CheckedProfile& profile)
 {
     return addition(profile.hasCalendars, u"There is a calendar to read."_s, u"There is no calendar to read."_s,
-        u"Keep calendars in ~/.local/share/calendars, as vdirsyncer does, or name a folder in Settings > Calendar."_s);
+        u"Keep calendars in ~/.local/share/calendars, as vdirsyncer does, or choose a folder in Settings > Calendar."_s);
 }
 
 CheckResult checks::contacts(const CheckedProfile& profile)
@@ -192,8 +192,8 @@ CheckResult checks::mailServers(const CheckedProfile& profile)
     }
     if (!silent.isEmpty())
         return { Health::Failure, u"No answer from %1."_s.arg(silent.join(u", "_s)),
-            u"Is this computer online? If so, look at the account's servers in Settings > Accounts."_s };
-    return good(answered == 0 ? u"No account names a server of its own."_s : u"All of them answer."_s);
+            u"Is this computer online? If so, check the account's servers in Settings > Accounts."_s };
+    return good(answered == 0 ? u"No account has a mail server of its own."_s : u"All of them answer."_s);
 }
 
 CheckResult checks::clock(const CheckedProfile& profile)
@@ -204,7 +204,7 @@ CheckResult checks::clock(const CheckedProfile& profile)
         return { Health::Warning, u"It says %1, and there are messages from later."_s.arg(now),
             u"Set the clock, or let the network set it: timedatectl set-ntp true."_s };
     if (clockIsSynchronised() == false)
-        return { Health::Warning, u"It says %1, and nothing sets it."_s.arg(now),
+        return { Health::Warning, u"It says %1, but nothing keeps it right."_s.arg(now),
             u"Let the network set it: timedatectl set-ntp true."_s };
     return good(u"It says %1."_s.arg(now));
 }

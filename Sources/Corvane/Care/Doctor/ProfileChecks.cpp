@@ -64,10 +64,10 @@ CheckResult checks::disk(const CheckedProfile& profile)
         folder = QFileInfo(folder).path();
     const QStorageInfo disk(folder);
     const qint64 free = disk.bytesAvailable();
-    const QString words = u"%1 are free on the disk of %2."_s.arg(sizeWords(free), folder);
-    const QString advice = u"Make room on that disk: without any, nothing is written, and new messages wait."_s;
+    const QString words = u"%1 free on the disk of %2."_s.arg(sizeWords(free), folder);
+    const QString advice = u"Free some space on that disk: without any, nothing can be saved, and new messages wait."_s;
     if (disk.isReadOnly())
-        return { Health::Failure, u"The disk of %1 takes no writes."_s.arg(folder), u"Mount it for writing."_s };
+        return { Health::Failure, u"The disk of %1 is read-only."_s.arg(folder), u"Mount it read-write."_s };
     if (free < littleRoom)
         return { free < noRoom ? Health::Failure : Health::Warning, words, advice };
     return good(words);
@@ -87,14 +87,14 @@ CheckResult checks::folders(const CheckedProfile& profile)
     }
     if (!strange.isEmpty())
         return { Health::Failure, u"Belongs to another user: %1."_s.arg(strange.join(u", "_s)),
-            u"Give it back to yourself, as root: chown."_s };
+            u"Take ownership of it, as root, with chown."_s };
     if (!unusable.isEmpty())
-        return { Health::Failure, u"You may not read and write %1."_s.arg(unusable.join(u", "_s)),
-            u"corvane doctor --fix gives you the right."_s };
+        return { Health::Failure, u"You do not have permission to read and write %1."_s.arg(unusable.join(u", "_s)),
+            u"corvane doctor --fix sets the permissions."_s };
     if (!open.isEmpty())
-        return { Health::Warning, u"Other users may look into %1."_s.arg(open.join(u", "_s)),
-            u"corvane doctor --fix closes it to them."_s };
-    return good(u"They belong to you alone: %1."_s.arg(profile.paths.applicationSupport));
+        return { Health::Warning, u"Other users can read %1."_s.arg(open.join(u", "_s)),
+            u"corvane doctor --fix makes it private."_s };
+    return good(u"Only you can read them: %1."_s.arg(profile.paths.applicationSupport));
 }
 
 std::optional<QString> fixes::folders(const CheckedProfile& profile)
@@ -108,21 +108,21 @@ std::optional<QString> fixes::folders(const CheckedProfile& profile)
         closed += open;
     }
     return closed.isEmpty() ? std::nullopt
-                            : std::optional(u"Made usable by you alone: %1."_s.arg(closed.join(u", "_s)));
+                            : std::optional(u"Made private: %1."_s.arg(closed.join(u", "_s)));
 }
 
 CheckResult checks::accounts(const CheckedProfile& profile)
 {
     if (!profile.accounts)
-        return { Health::Failure, u"%1/accounts.json does not read."_s.arg(profile.paths.applicationSupport),
-            u"Restore it from a backup, or connect the accounts again: a copy is kept before it is written over."_s };
+        return { Health::Failure, u"%1/accounts.json cannot be read."_s.arg(profile.paths.applicationSupport),
+            u"Restore it from a backup, or connect the accounts again: a copy is kept before it is overwritten."_s };
     const auto paused = std::ranges::count_if(
         *profile.accounts, [](const Account& account) { return account.paused.value_or(false); });
     const QString count = countWords(profile.accounts->size(), u"account"_s, u"accounts"_s);
     if (paused == 0)
         return good(count + u'.');
     return { Health::Good, u"%1, %2 paused."_s.arg(count).arg(paused),
-        u"Paused ones bring nothing until they are resumed in Settings > Accounts."_s };
+        u"Paused accounts get no messages until you resume them in Settings > Accounts."_s };
 }
 
 CheckResult checks::backups(const CheckedProfile& profile)
@@ -130,10 +130,10 @@ CheckResult checks::backups(const CheckedProfile& profile)
     const QList<KeptBackup> kept = keptBackups(profile.backups);
     if (kept.isEmpty())
         return { profile.backsUpDaily ? Health::Warning : Health::Good, u"There is none in %1."_s.arg(profile.backups),
-            u"Turn on daily backups in Settings > Care, or corvane backup FILE."_s };
+            u"Turn on daily backups in Settings > Care, or run corvane backup FILE."_s };
     const QString words = u"The last one was made %1."_s.arg(DateWords(profile.nowMs).ago(kept.first().madeAtMs));
     if (profile.backsUpDaily && profile.nowMs - kept.first().madeAtMs > 3 * dayMs)
-        return { Health::Warning, words, u"Backups are on, but none came. Settings > Care says why."_s };
+        return { Health::Warning, words, u"Backups are on, but there is none. Settings > Care shows why."_s };
     return good(words);
 }
 

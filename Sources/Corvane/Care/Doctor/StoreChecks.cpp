@@ -36,7 +36,7 @@ std::optional<CheckResult> unread(const CheckedProfile& profile, SqlConnection& 
     if (!isThere(profile))
         return good(u"There is none yet."_s);
     if (tableColumns(db).isEmpty())
-        return good(u"Not looked at, since the database does not open."_s);
+        return good(u"Not checked, because the database cannot be opened."_s);
     return std::nullopt;
 }
 
@@ -87,19 +87,19 @@ CheckResult checks::database(const CheckedProfile& profile)
 {
     const QString path = profile.paths.database();
     if (const auto aside = awaitingChoice(path))
-        return { Health::Failure, u"It was damaged and moved to %1; nothing is in its place."_s.arg(*aside),
-            u"Start Corvane and choose what takes its place, or corvane --recover save."_s };
+        return { Health::Failure, u"It was damaged and moved to %1; nothing has replaced it."_s.arg(*aside),
+            u"Start Corvane and choose what replaces it, or run corvane --recover save."_s };
     if (!isThere(profile))
-        return { Health::Good, u"There is none yet. The first start makes it."_s };
+        return { Health::Good, u"There is none yet. The first start creates it."_s };
     const auto db = reader(profile);
     const QString trouble = db->isOpen() ? integrityTrouble(*db) : u"It cannot be opened."_s;
     if (trouble.isEmpty())
-        return good(u"It is sound."_s);
+        return good(u"It is intact."_s);
     const bool isReadable = QFileInfo(path).isReadable();
     return { Health::Failure, isReadable ? u"It is damaged: %1"_s.arg(trouble) : u"It cannot be read: %1"_s.arg(path),
         isReadable ? u"Quit Corvane, then corvane restore --replace with the latest backup, or start it and save what "
                      "can be read."_s
-                   : u"Give yourself the right to read and write it: corvane doctor --fix does."_s };
+                   : u"You need permission to read and write it: corvane doctor --fix sets it."_s };
 }
 
 CheckResult checks::schema(const CheckedProfile& profile)
@@ -109,9 +109,9 @@ CheckResult checks::schema(const CheckedProfile& profile)
         return *nothing;
     const QStringList missing = missingIn(*db, profile);
     if (missing.isEmpty())
-        return good(u"All of them are there."_s);
+        return good(u"All of them exist."_s);
     return { Health::Warning, u"Missing: %1."_s.arg(missing.join(u", "_s)),
-        u"Start Corvane once, or corvane doctor --fix: both add them."_s };
+        u"Start Corvane once, or run corvane doctor --fix: both add them."_s };
 }
 
 std::optional<QString> fixes::schema(const CheckedProfile& profile)
@@ -128,10 +128,10 @@ CheckResult checks::databaseSize(const CheckedProfile& profile)
     const FileFigures figures = fileFigures(*db);
     const QString size = sizeWords(figures.bytes());
     if (figures.freeBytes() < muchFree || figures.freePages * 4 < figures.pages)
-        return good(u"It takes %1."_s.arg(size));
+        return good(u"Its size is %1."_s.arg(size));
     return { Health::Warning,
-        u"It takes %1, and %2 of that are free inside."_s.arg(size, sizeWords(figures.freeBytes())),
-        u"corvane doctor --fix writes it anew without. Engines wait meanwhile."_s };
+        u"Its size is %1, of which %2 are unused."_s.arg(size, sizeWords(figures.freeBytes())),
+        u"corvane doctor --fix compacts it. Engines wait meanwhile."_s };
 }
 
 std::optional<QString> fixes::databaseSize(const CheckedProfile& profile)
@@ -141,7 +141,7 @@ std::optional<QString> fixes::databaseSize(const CheckedProfile& profile)
     if (!own.db.isOpen() || !compact(own.db))
         return std::nullopt;
     const qint64 after = QFileInfo(profile.paths.database()).size();
-    return u"Wrote the database anew: %1 in place of %2."_s.arg(sizeWords(after), sizeWords(before));
+    return u"Compacted the database: %1 instead of %2."_s.arg(sizeWords(after), sizeWords(before));
 }
 
 CheckResult checks::databaseLog(const CheckedProfile& profile)
@@ -149,12 +149,12 @@ CheckResult checks::databaseLog(const CheckedProfile& profile)
     const QString path = profile.paths.database();
     const bool hasLog = QFileInfo::exists(path + u"-wal"_s);
     if (!hasLog && QFileInfo::exists(path + u"-shm"_s))
-        return { Health::Failure, u"%1-wal is gone, although the database was not closed."_s.arg(path),
-            u"What was written last may be lost. Quit Corvane, start it again, and compare with the latest backup."_s };
+        return { Health::Failure, u"%1-wal is missing, although the database was not closed."_s.arg(path),
+            u"The latest changes may be lost. Quit Corvane, start it again, and compare with the latest backup."_s };
     if (logBytes(profile) > largestLog)
         return { Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(profile))),
-            u"Some program reads without an end. Quit Corvane and other readers, then corvane doctor --fix."_s };
-    return good(hasLog ? u"It takes %1."_s.arg(sizeWords(logBytes(profile))) : u"It is empty."_s);
+            u"Some program never stops reading. Quit Corvane and other programs that read it, then run corvane doctor --fix."_s };
+    return good(hasLog ? u"Its size is %1."_s.arg(sizeWords(logBytes(profile))) : u"It is empty."_s);
 }
 
 std::optional<QString> fixes::databaseLog(const CheckedProfile& profile)
@@ -175,7 +175,7 @@ CheckResult checks::decisions(const CheckedProfile& profile)
     const RecordCheck record = checkRecords(*db);
     return record.sound ? good(record.words)
                         : CheckResult { Health::Failure, record.words,
-                              u"A line was changed or taken out by another program. Compare with a backup."_s };
+                              u"A line was changed or removed by another program. Compare with a backup."_s };
 }
 
 }

@@ -20,7 +20,7 @@ namespace {
 
 constexpr qsizetype longestLine = 64 * 1024 * 1024;
 
-const QString notWritten = u"The database didn't take it."_s;
+const QString notWritten = u"The database could not be written."_s;
 
 Result<qint64> importRows(LocalDB& db, const PortableKind& kind, QFile& file)
 {
@@ -31,7 +31,7 @@ Result<qint64> importRows(LocalDB& db, const PortableKind& kind, QFile& file)
             continue;
         const auto row = jsonObject(line);
         if (!row)
-            return failure(u"Line %1 of %2.jsonl is no JSON object."_s.arg(number).arg(kind.name));
+            return failure(u"Line %1 of %2.jsonl is not a JSON object."_s.arg(number).arg(kind.name));
         added += addPortable(db, kind, *row) ? 1 : 0;
     }
     return added;
@@ -71,7 +71,7 @@ Result<ExchangeCounts> importFolder(LocalDB& db, const QString& folder)
         counts.insert(kind.name, *added);
     }
     if (counts.isEmpty())
-        return failure(u"%1 holds no export."_s.arg(folder));
+        return failure(u"%1 is not an export."_s.arg(folder));
     return transaction.commit() ? Result<ExchangeCounts>(counts) : failure(notWritten);
 }
 

@@ -60,7 +60,7 @@ Column {
         visible: section.calendar.hasEvolution
         SettingRow {
             label: qsTr("Evolution's calendars")
-            hint: qsTr("Those of the accounts in Evolution and in the desktop's online accounts. An event that a folder holds, too, shows once.")
+            hint: qsTr("The calendars of Evolution and the desktop's online accounts. An event that is also in a folder shows once.")
             Toggle {
                 objectName: "calendarSettings.evolution"
                 checked: section.calendar.evolution
@@ -76,7 +76,7 @@ Column {
             width: parent.width
             wrapMode: Text.Wrap
             lineHeight: 1.3
-            text: qsTr("Calendars are folders of .ics files, as vdirsyncer and khal keep them. Those in the usual place are found.")
+            text: qsTr("Calendars are folders of .ics files, as vdirsyncer and khal store them. Those in the usual place are found automatically.")
             color: Theme.soft
         }
         Repeater {
@@ -140,7 +140,7 @@ Column {
         }
         SettingRow {
             label: qsTr("Your other addresses")
-            hint: qsTr("Separated by commas. Invitations to these addresses are yours, too.")
+            hint: qsTr("Separated by commas. Invitations to these addresses count as yours, too.")
             TextField {
                 objectName: "calendarSettings.addresses"
                 width: 260

@@ -80,7 +80,7 @@ FocusScope {
             kind: bar.listed ? "plain" : "quiet"
             icon.name: bar.screen.issues.count > 0 ? "dialog-warning" : ""
             text: bar.screen.issues.text
-            hint: qsTr("Console problems, failed requests and earlier looks")
+            hint: qsTr("Console problems, failed requests and earlier checks")
             onClicked: bar.listToggled()
         }
         IconButton {
@@ -117,7 +117,7 @@ FocusScope {
                     onTriggered: bar.screen.display.zoom(-1)
                 }
                 MenuItem {
-                    text: qsTr("Usual size")
+                    text: qsTr("Default size")
                     onTriggered: bar.screen.display.zoom(0)
                 }
                 MenuItem {
@@ -145,7 +145,7 @@ FocusScope {
                     objectName: "browser.window"
                     checkable: true
                     checked: bar.screen.display.windowShown
-                    text: qsTr("Let the browser have a window")
+                    text: qsTr("Show the browser's own window")
                     onTriggered: {
                         bar.screen.display.windowShown = !bar.screen.display.windowShown;
                         checked = Qt.binding(() => bar.screen.display.windowShown);

@@ -98,7 +98,7 @@ Sheet {
                 Label {
                     width: parent.width - undo.width - Theme.small
                     anchors.verticalCenter: parent.verticalCenter
-                    text: qsTr("Drag over what nobody should see; it is saved in black.")
+                    text: qsTr("Drag over what should not be visible; it is saved in black.")
                     font.pixelSize: Theme.meta
                     color: Theme.soft
                     elide: Text.ElideRight

@@ -70,7 +70,7 @@ FocusScope {
             SectionHeader {
                 topPadding: Theme.small
                 visible: sessions.count > 0
-                text: qsTr("Earlier looks")
+                text: qsTr("Earlier checks")
             }
             Repeater {
                 id: sessions

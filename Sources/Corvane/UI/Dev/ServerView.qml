@@ -97,12 +97,12 @@ FocusScope {
             }
             Line {
                 width: parent.width
-                title: qsTr("Relay, first")
+                title: qsTr("First, the relay")
                 command: view.server.relayCommand
             }
             Line {
                 width: parent.width
-                title: qsTr("Tunnel, then")
+                title: qsTr("Then, the tunnel")
                 command: view.server.tunnelCommand
             }
             Repeater {

@@ -63,7 +63,7 @@ FocusScope {
         visible: !view.srs.present
         icon: "document"
         title: view.srs.emptyText
-        detail: view.srs.canSeed ? qsTr("Begin with a first text, then fill in what the project is to do.") : ""
+        detail: view.srs.canSeed ? qsTr("Start from a template, then describe what the project should do.") : ""
         action: view.srs.canSeed ? qsTr("Create it") : ""
         onActed: view.srs.seed()
     }
@@ -82,7 +82,7 @@ FocusScope {
             width: answers.x - x - Theme.medium
             wrapMode: Text.Wrap
             maximumLineCount: 2
-            text: view.srs.error || (view.srs.overtaken ? qsTr("Somebody else changed it meanwhile. Saving puts your text in its place.") : "")
+            text: view.srs.error || (view.srs.overtaken ? qsTr("Somebody else changed it in the meantime. Saving overwrites their text.") : "")
             color: view.srs.error ? Theme.bad : Theme.warn
         }
         Row {

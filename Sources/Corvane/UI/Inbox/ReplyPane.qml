@@ -106,7 +106,7 @@ FocusScope {
             objectName: "composer.subject"
             width: parent.width
             visible: pane.composer.takesSubject && !pane.composer.showsVoice
-            placeholderText: qsTr("Subject (as before, where it is empty)")
+            placeholderText: qsTr("Subject (empty: as before)")
             Accessible.name: qsTr("Subject")
             text: pane.composer.subject
             onTextEdited: pane.composer.subject = text

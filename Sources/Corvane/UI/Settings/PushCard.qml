@@ -91,7 +91,7 @@ Card {
     SettingRow {
         visible: card.push.canStartOver
         label: qsTr("Start over")
-        hint: qsTr("For a service that has lost what it had: the next push sends everything again.")
+        hint: qsTr("For a service that lost its data: the next push sends everything again.")
         Button {
             objectName: "push.startOver"
             text: qsTr("Start over")

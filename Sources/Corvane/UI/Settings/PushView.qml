@@ -36,7 +36,7 @@ Sheet {
 
         kind: "quiet"
         text: kept ? qsTr("Undo") : qsTr("Keep local")
-        Accessible.name: kept ? qsTr("Push %1 all the same").arg(about) : qsTr("Keep %1 local").arg(about)
+        Accessible.name: kept ? qsTr("Push %1 anyway").arg(about) : qsTr("Keep %1 local").arg(about)
         onClicked: turned(!kept)
     }
 
@@ -77,7 +77,7 @@ Sheet {
         visible: sheet.review.state === "empty"
         icon: "dialog-ok"
         title: qsTr("Nothing waits")
-        detail: qsTr("The web has every chat that may go.")
+        detail: qsTr("All chats that may be pushed are on the web.")
     }
     EmptyState {
         width: parent.width
@@ -181,7 +181,7 @@ Sheet {
             visible: sheet.review.state === "filled"
             enabled: !sheet.review.writing
             text: sheet.review.writing ? qsTr("Saving…") : qsTr("Save as a file")
-            hint: qsTr("Every request as it would be sent, to read")
+            hint: qsTr("Every request as it would be sent")
             onClicked: sheet.review.writeDryRun()
         },
         Button {

@@ -139,7 +139,7 @@ Column {
         }
         SettingRow {
             label: qsTr("A file on this computer")
-            hint: qsTr("A ggml file of whisper.cpp. It is copied; it may be dropped here, too.")
+            hint: qsTr("A ggml file for whisper.cpp. It is copied; you can also drop it here.")
             Button {
                 objectName: "voice.choose"
                 enabled: !section.voice.busy

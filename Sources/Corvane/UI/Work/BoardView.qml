@@ -57,7 +57,7 @@ FocusScope {
             }
             FilterMenu {
                 objectName: "board.kind"
-                every: qsTr("Every kind")
+                every: qsTr("All kinds")
                 choices: view.board.kinds
                 chosen: view.board.kind
                 onPicked: word => view.board.kind = word

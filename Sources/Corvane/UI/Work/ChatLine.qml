@@ -54,7 +54,7 @@ Item {
                 Label {
                     height: 24
                     verticalAlignment: Text.AlignVCenter
-                    text: qsTr("Rests on")
+                    text: qsTr("Based on")
                     font.pixelSize: Theme.meta
                     color: Theme.soft
                 }

@@ -149,7 +149,7 @@ FocusScope {
         EvidenceList {
             model: view.shell.evidence
             emptyTitle: qsTr("No evidence yet")
-            emptyText: qsTr("Notes, runbooks and what agents attach stand here.")
+            emptyText: qsTr("Notes, runbooks and what agents attach appear here.")
         }
     }
     Component {

@@ -43,7 +43,7 @@ FocusScope {
         visible: list.count === 0
         icon: "hub-inbox"
         title: qsTr("No inbox messages yet")
-        detail: qsTr("What people and agents write in this context stands here. A draft is kept as work, with a decision that waits for you.")
+        detail: qsTr("Messages by people and agents in this context appear here. A draft is saved as a work item, with a decision that waits for you.")
     }
     Item {
         id: composer

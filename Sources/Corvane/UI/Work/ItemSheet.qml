@@ -143,7 +143,7 @@ FocusScope {
                     onClicked: view.sheet.markDone()
                 }
             }
-            SectionHeader { topPadding: Theme.small; text: qsTr("Story") }
+            SectionHeader { topPadding: Theme.small; text: qsTr("History") }
             Label {
                 width: parent.width
                 visible: text !== ""

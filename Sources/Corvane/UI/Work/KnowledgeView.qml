@@ -60,7 +60,7 @@ FocusScope {
         width: parent.width
         withDecisions: false
         decisions: view.hub.knowledge
-        emptyTitle: qsTr("Nothing is known yet")
+        emptyTitle: qsTr("No knowledge yet")
         emptyText: view.hub.knowledgeEmpty
     }
 }

@@ -56,7 +56,7 @@ FocusScope {
         width: Math.min(360, parent.width)
         visible: list.count === 0
         icon: "note"
-        title: qsTr("Nothing happened yet")
-        detail: qsTr("Decisions, evidence and messages stand here in their order.")
+        title: qsTr("No activity yet")
+        detail: qsTr("Decisions, evidence and messages appear here in order of time.")
     }
 }

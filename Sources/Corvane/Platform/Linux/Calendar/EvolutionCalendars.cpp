@@ -268,7 +268,7 @@ Result<QByteArray> EvolutionCalendars::exported(const CalendarPlaces&, const QSt
     if (!objects)
         return std::unexpected(objects.error());
     if (objects->isEmpty())
-        return failure(u"The event is no longer there."_s);
+        return failure(u"The event no longer exists."_s);
     const QByteArray text = joined(*objects);
     return fileOf(zonesOf(sourceOf(calendarId), text).join() + text);
 }

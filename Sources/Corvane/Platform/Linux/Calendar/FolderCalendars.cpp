@@ -328,7 +328,7 @@ Result<QByteArray> FolderCalendars::exported(
     const QByteArray name = filesByUid(*folder).value(uid);
     const auto content = name.isEmpty() ? std::nullopt : contentOf(folder->path + u'/' + QFile::decodeName(name));
     if (!content)
-        return failure(u"The event is no longer there."_s);
+        return failure(u"The event no longer exists."_s);
     return icsParts(*content).file(uid.toUtf8());
 }
 
