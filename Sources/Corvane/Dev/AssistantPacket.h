@@ -5,15 +5,15 @@
 
 namespace corvane {
 
-/// What an agent reads before it goes on with a project. Secrets in rows and in the transcript are masked.
+/// What an agent reads before it continues a project. Secrets in rows and in the transcript are masked.
 QString assistantContextPacket(const DevDesk& desk, const QString& request);
 
-/// The same from its parts, for whoever has them.
+/// The same, from its parts.
 struct AssistantPacketParts {
     QList<WorkItemRecord> items;
     QList<OpsAskRow> asks;
     QList<WorkMemoryRecord> memory;
-    QString terminal; ///< the title of the one that is selected
+    QString terminal; ///< the title of the selected one
     QString transcript; ///< redacted
     QString directory;
 };

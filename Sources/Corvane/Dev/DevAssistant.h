@@ -9,8 +9,7 @@ namespace corvane {
 
 enum class WorkAssistantTarget { Codex, Claude, Terminal };
 
-/// Hands the project's packet to a coding agent: onto the clipboard, and into a terminal with the agent. Pasting it is
-/// left to the person.
+/// Hands the project's packet to a coding agent: copies it, and opens a terminal with the agent. The user pastes it.
 class DevAssistant : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString prompt READ assistantPrompt WRITE setAssistantPrompt NOTIFY changed)
@@ -19,8 +18,8 @@ class DevAssistant : public QObject {
     Q_PROPERTY(QString target READ target WRITE setTarget NOTIFY changed)
     Q_PROPERTY(QString launchLabel READ launchLabel NOTIFY changed)
     Q_PROPERTY(QString targetText READ targetText NOTIFY changed) ///< what a launch will do
-    Q_PROPERTY(QString packet READ packet NOTIFY changed) ///< as it stands now
-    Q_PROPERTY(QString transcriptText READ transcriptText NOTIFY changed) ///< which terminal goes into it
+    Q_PROPERTY(QString packet READ packet NOTIFY changed) ///< in its current state
+    Q_PROPERTY(QString transcriptText READ transcriptText NOTIFY changed) ///< which terminal it includes
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
 public:
     DevAssistant(DevDesk& desk, QObject* parent);

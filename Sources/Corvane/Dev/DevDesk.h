@@ -15,7 +15,7 @@ class TerminalsView;
 
 inline const QString devModule = u"dev"_s;
 
-/// What every tab of the workspace stands on, and what is chosen in it. The references outlive it.
+/// What all tabs of the workspace share, and what is selected in it. The references outlive it.
 struct DevDesk {
     WorkServices work;
     TerminalsView& terminals;
@@ -23,16 +23,16 @@ struct DevDesk {
     Desktop& desktop;
     QString home;
     WorkConsoleContext console;
-    OpsProjectRow project = {}; ///< without an id: none is chosen
-    WorkContext context = {}; ///< of the project; made with its first row
+    OpsProjectRow project = {}; ///< without an id: none is selected
+    WorkContext context = {}; ///< of the project; created with its first row
 
     bool hasProject() const { return !project.id.isEmpty(); }
-    QString projectName() const; ///< as it stands in rows
+    QString projectName() const; ///< as stored in rows
     QString slug() const { return hasProject() ? project.slug : u"local"_s; }
 
-    WorkContext place() const; ///< the context, or the one that the first row makes; none without a project
+    WorkContext place() const; ///< the context, or the one that the first row will create; none without a project
     WorkContextId shownContext() const; ///< its id: without one the rows of the module are shown
-    WorkContextId madeContext(); ///< for a row that is written now; nothing without a project
+    WorkContextId madeContext(); ///< for a row to be written; nothing without a project
 
     QString browserUrl() const; ///< of the page that is shown, secrets masked; empty for none
 
@@ -45,7 +45,7 @@ struct DevDesk {
     QString expanded(const QString& path) const; ///< "~" is the home folder
     LumoTerminalSession& openTerminal(const QString& label, const QString& command = {});
 
-    void told() const; ///< rows of the work were written here
+    void told() const; ///< rows of the work were written by this workspace
 };
 
 }

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// One thing that can be well or not.
+/// A condition that is good or not.
 class DevHealthLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -26,7 +26,7 @@ public:
     bool operator==(const DevHealthLine&) const = default;
 };
 
-/// What runs on this machine, and how the project stands.
+/// What runs on this machine, and the state of the project.
 class DevHealth : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* lines READ lines CONSTANT)
@@ -35,7 +35,7 @@ class DevHealth : public QObject {
 public:
     DevHealth(DevDesk& desk, QObject* parent);
 
-    Q_INVOKABLE void reload(); ///< counts away from the main thread
+    Q_INVOKABLE void reload(); ///< counts on another thread
 
     GadgetListModel* lines() { return &m_lines; }
     const QList<DevHealthLine>& rows() const { return m_lines.rows(); }

@@ -7,14 +7,14 @@
 
 namespace corvane {
 
-/// How a project's own server is started, by what its folder holds; empty where nothing tells.
+/// The command that starts a project's own server, guessed from its folder; empty if unknown.
 QString devServerCommand(const QString& folder);
 
-/// The terminals of the chosen project: opened, found again, and with a command typed into them.
+/// The terminals of the selected project: opens them, finds them again, and types commands into them.
 class DevLauncher : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::Choice> actions READ actions CONSTANT)
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< that the project's folder is gone
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< if the project's folder is missing
 public:
     DevLauncher(DevDesk& desk, QObject* parent);
 
@@ -25,7 +25,7 @@ public:
 
     Q_INVOKABLE void runQuickAction(const QString& kind);
     Q_INVOKABLE void createLocalSession();
-    Q_INVOKABLE void attachOrCreateLocalSession(); ///< a terminal of the project that is open, else a new one
+    Q_INVOKABLE void attachOrCreateLocalSession(); ///< an open terminal of the project, else a new one
     Q_INVOKABLE void openFolder();
 
 Q_SIGNALS:

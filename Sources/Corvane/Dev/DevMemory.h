@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// What is known of a project: proposed from a draft, a template or a terminal, and approved by a person.
+/// Knowledge about a project: proposed from a draft, a template or a terminal, and approved by the user.
 class DevMemory : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkDecisions* rows READ rows CONSTANT)
@@ -39,7 +39,7 @@ public:
     const QString& notice() const { return m_notice; }
     bool failed() const { return m_failed; }
 
-    Q_INVOKABLE void stageMemoryDraft(const QString& kind); ///< a template of that kind, in place of the draft
+    Q_INVOKABLE void stageMemoryDraft(const QString& kind); ///< replaces the draft with a template of that kind
     Q_INVOKABLE void proposeMemory();
     Q_INVOKABLE void saveTerminalTranscriptMemory();
     Q_INVOKABLE void dismissNotice() { tell({}, false); }

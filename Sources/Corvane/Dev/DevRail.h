@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// The projects at the left: which are listed, in groups, and the one that is chosen.
+/// The projects on the left: the list, in groups, and the selected one.
 class DevRail : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::OpsProjects* projects READ projects CONSTANT)
@@ -14,7 +14,7 @@ class DevRail : public QObject {
     Q_PROPERTY(QList<corvane::TabItem> scopes READ scopes NOTIFY changed)
     Q_PROPERTY(QString scope READ scopeId WRITE setScopeId NOTIFY changed)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY changed)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< empty where projects are listed
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< empty if projects are listed
 public:
     DevRail(DevDesk& desk, QObject* parent);
 
@@ -36,7 +36,7 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void selected(); ///< another project, or the same as it stands now
+    void selected(); ///< another project, or the same in its current state
 
 private:
     void adopt();

@@ -18,12 +18,12 @@ public:
     QString id;
     QString label;
     QString text; ///< as edited
-    QString shown; ///< with words where there is none
+    QString shown; ///< with a placeholder if there is none
 
     bool operator==(const DevSRSSection&) const = default;
 };
 
-/// What the project is to do: seeded once, then edited section by section.
+/// What the project should do: created from a template, then edited section by section.
 class DevSRS : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::DevSRSSection> sections READ sections NOTIFY changed)

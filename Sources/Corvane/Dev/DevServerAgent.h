@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// The command that starts an agent on another host: a text for a person to review and to run. It is not run here.
+/// The command that starts an agent on another host, for the user to review and run. It is not run here.
 class DevServerAgent : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString name READ serverAgentName WRITE setServerAgentName NOTIFY changed)
@@ -31,7 +31,7 @@ public:
     void setServerAgentRole(const QString& role) { edit(m_role, role); }
     const QString& serverAgentTask() const { return m_task; }
     void setServerAgentTask(const QString& task) { edit(m_task, task); }
-    QString taskHint() const; ///< what stands in the command without a task
+    QString taskHint() const; ///< the text in the command without a task
     bool dryRun() const { return m_dryRun; }
     void setDryRun(bool on);
     QString serverAgentCommand() const;
@@ -39,7 +39,7 @@ public:
     QString tunnelCommand() const;
     QList<Choice> rules() const;
 
-    Q_INVOKABLE void showInTerminal(); ///< a terminal that shows the command and runs nothing of it
+    Q_INVOKABLE void showInTerminal(); ///< a terminal that shows the command and does not run it
 
 Q_SIGNALS:
     void changed();

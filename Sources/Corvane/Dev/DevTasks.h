@@ -7,10 +7,10 @@
 
 namespace corvane {
 
-/// "Terminal issue: {line}": the last line that tells of trouble, else the last one.
+/// "Terminal issue: {line}": the last line that mentions a problem, else the last one.
 QString terminalIssueTitle(const QString& transcript);
 
-/// The project's tasks and bugs on a board, and what a terminal shows made into one.
+/// The project's tasks and bugs on a board, also from what a terminal shows.
 class DevTasks : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
@@ -23,7 +23,7 @@ class DevTasks : public QObject {
 public:
     DevTasks(DevDesk& desk, QObject* parent);
 
-    void showProject(); ///< another is chosen
+    void showProject(); ///< another one is selected
     void reload(); ///< all but the board
     void reloadBoard();
 
@@ -45,7 +45,7 @@ public:
     Q_INVOKABLE void playSteps(const QString& capture); ///< in the browser
     Q_INVOKABLE void dismissNotice();
 
-    /// Of what the terminal in front shows, redacted; the item, its evidence, and the context moved to the front.
+    /// From what the current terminal shows, redacted: the item, its evidence, and the context as the latest one.
     bool createTerminalWorkItem(const QString& kind, const QString& priority, const QString& label);
 
 Q_SIGNALS:

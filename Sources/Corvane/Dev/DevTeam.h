@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// The agents of a project, and those that a person registers by hand.
+/// The agents of a project, including those that the user registers.
 class DevTeam : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkAgents* agents READ agents CONSTANT)

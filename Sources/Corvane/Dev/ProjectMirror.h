@@ -7,15 +7,14 @@
 
 namespace corvane {
 
-/// The name of a project's own folder: nothing in a slug leads out of the folder that holds it.
+/// The name of a project's own folder: a slug cannot lead out of the parent folder.
 QString projectFolder(const QString& slug);
 
-/// PROJECT.md as agents that work with files read it: the project's facts, and from "## Log" on what the file held
-/// before. A text that has no such line stands whole below it.
+/// PROJECT.md for agents that work with files: the project's facts, and from "## Log" on the previous content. If that
+/// has no such line, all of it follows below.
 QByteArray mirrorText(const OpsProjectRow& project, const QByteArray& before);
 
-/// Writes it into the folder, in one step: after a crash the old text is there or the new one. What an agent appended
-/// meanwhile is kept. The error says why nothing was written.
+/// Writes it to the folder atomically. What an agent appended in the meantime is kept. On an error nothing was written.
 Result<QString> writeProjectMirror(const OpsProjectRow& project, const QString& folder);
 
 }

@@ -19,13 +19,13 @@ namespace corvane {
 enum class DevWorkspaceTab { Terminal, Assistant, Browser, SRS, Tasks, Team, Memory, Server, Health };
 enum class DevInspectorTab { Team, Tasks, Activity, Context };
 
-/// The developer workspace: projects at the left, tabs over the chosen one, and an inspector. It prepares texts, writes
-/// rows and opens terminals; what has a risk is left for a person to type or to approve.
+/// The developer workspace: projects on the left, tabs for the selected one, and an inspector. It prepares texts,
+/// writes rows and opens terminals; risky actions are left for the user to type or to approve.
 class TerminalWorkspaceView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString subtitle READ subtitle CONSTANT)
-    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it refreshes while somebody looks
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is visible, and refreshes
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY changed)
     Q_PROPERTY(QList<corvane::TabItem> inspectorTabs READ inspectorTabs NOTIFY changed)
@@ -78,8 +78,8 @@ public:
     WorkCreate* create() { return &m_create; }
 
     Q_INVOKABLE void refresh() { m_refresh.now(); }
-    void openTerminal(const QString& label, const QString& command); ///< of the project, in front
-    Q_INVOKABLE void openProject(const QString& id); ///< and its terminal in front
+    void openTerminal(const QString& label, const QString& command); ///< of the project; selects it
+    Q_INVOKABLE void openProject(const QString& id); ///< and selects its terminal
     Q_INVOKABLE void showItem(const QString& id); ///< on the board
 
 Q_SIGNALS:
@@ -94,7 +94,7 @@ private:
 
     DevDesk m_desk;
     QString m_shownProject; ///< the one that the tabs show
-    const void* m_terminal = nullptr; ///< the one that the tabs speak of; only compared
+    const void* m_terminal = nullptr; ///< the one that the tabs describe; only compared
     int m_terminalCount = 0;
     DevWorkspaceTab m_tab = DevWorkspaceTab::Terminal;
     DevInspectorTab m_inspectorTab = DevInspectorTab::Team;

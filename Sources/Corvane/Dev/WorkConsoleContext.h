@@ -6,13 +6,13 @@ namespace corvane {
 
 struct OpsProjectRow;
 
-/// What sets one place of the workspace apart from the other.
+/// How one instance of the workspace differs from the other.
 struct WorkConsoleContext {
     QString area; ///< "DEV" or "Lumo"
     QString title;
     QString subtitle;
     QString icon;
-    QStringList projectTokens; ///< a project shows where it holds one of them; none: every project
+    QStringList projectTokens; ///< a project is listed if it contains one of them; none: every project
     QString safetyNote;
 
     static WorkConsoleContext lumo();

@@ -7,11 +7,11 @@
 
 namespace corvane {
 
-/// What a backup holds; its last file. docs/backup.md tells the format.
+/// What a backup contains; its last file. docs/backup.md describes the format.
 struct Manifest {
     QString program; ///< the version that made it
     qint64 madeAtMs = 0;
-    QString dataFolder; ///< where the rows' files lay
+    QString dataFolder; ///< where the files of the rows were
     bool media = false;
     bool secrets = false;
     QMap<QString, qint64> rows; ///< by table

@@ -15,9 +15,9 @@ struct ProfileFile {
     QString path;
 };
 
-/// What a backup holds beside the database: everything below the data folder but what this machine makes or fetches
-/// anew, and the settings. `secrets` adds the sign-ins of the web account and of the engines. Plain files only; links
-/// are neither followed nor kept.
+/// What a backup contains besides the database: the settings, and everything below the data folder that this machine
+/// cannot create or download again. `secrets` adds the sign-ins of the web account and of the engines. Regular files
+/// only; links are neither followed nor stored.
 QList<ProfileFile> profileFiles(const AppPaths& paths, bool media, bool secrets);
 
 }

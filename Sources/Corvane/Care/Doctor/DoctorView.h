@@ -9,17 +9,17 @@ namespace corvane {
 
 class BackgroundQueue;
 
-/// The check-up in the settings: what was found, and the button that puts it right.
+/// The check in the settings: its findings, and the button that fixes them.
 class DoctorView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString label READ label CONSTANT)
-    Q_PROPERTY(QString hint READ hint NOTIFY changed) ///< what came of the last one, or what runs now
+    Q_PROPERTY(QString hint READ hint NOTIFY changed) ///< the result of the last one, or what is running now
     Q_PROPERTY(QList<corvane::Finding> findings READ findings NOTIFY changed) ///< warnings and failures first
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(bool canFix READ canFix NOTIFY changed)
     Q_PROPERTY(QString fixed READ fixed NOTIFY changed) ///< what the last repair did, a line each
 public:
-    /// `profile` is called on the main thread at each check-up. All of it outlives the object.
+    /// `profile` is called on the main thread at each check. All of it outlives the object.
     struct Surroundings {
         std::function<CheckedProfile()> profile;
         BackgroundQueue& background;
@@ -38,7 +38,7 @@ public:
 
     Q_INVOKABLE void check();
     Q_INVOKABLE void cancel();
-    Q_INVOKABLE void fix(); ///< what can be put right, and looks again
+    Q_INVOKABLE void fix(); ///< what can be fixed, and checks again
 
 Q_SIGNALS:
     void changed();

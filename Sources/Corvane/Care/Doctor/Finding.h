@@ -21,11 +21,11 @@ class Finding {
     Q_PROPERTY(bool canFix MEMBER canFix)
 public:
     QString id;
-    QString title; ///< what was looked at, such as "Disk"
+    QString title; ///< what was checked, such as "Disk"
     Health health = Health::Good;
     QString words; ///< a sentence
-    QString advice; ///< what to do about it; empty where it is good
-    bool canFix = false; ///< the program can put it right
+    QString advice; ///< what to do about it; empty if it is good
+    bool canFix = false; ///< the program can fix it
 
     QString state() const; ///< "good", "warning" or "failure"
     QString stateText() const; ///< the word for a person

@@ -3,8 +3,8 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 
-/// Everything that waits for a person, under the head of its kind. Up and Down walk over it, Ctrl+Return approves,
-/// F2 edits, Delete rejects, Ctrl+Z takes either back, Space shows a long text whole.
+/// Everything that waits for a person, under the head of its kind. Up and Down walk over it, Ctrl+Return approves, F2
+/// edits, Delete rejects, Ctrl+Z takes either back, Space unfolds a long text.
 FocusScope {
     id: list
 

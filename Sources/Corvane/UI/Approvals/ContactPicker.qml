@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 
-/// Whom a change to the CRM is about: a name typed, and one of those who match.
+/// Whom a change to the CRM is about: type a name and choose among the matches.
 Column {
     id: picker
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calendar
 import Corvane.Controls
 
-/// Columns of a day each, with the hours that hold something. The keyboard walks over the events.
+/// A column for each day, with the hours that have events. The keyboard moves through the events.
 FocusScope {
     id: grid
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Calls
 import Corvane.Controls
 
-/// A call's name, when it was, how it stands, and what can be done with it.
+/// A call's name, time and state, and what can be done with it.
 Item {
     id: head
 

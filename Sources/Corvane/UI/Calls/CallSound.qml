@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calls
 import Corvane.Controls
 
-/// Plays a call: its waveform with the marks, both tracks, and where it stands.
+/// Plays a call: its waveform with the marks, both tracks, and the position.
 Column {
     id: sound
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calls
 import Corvane.Controls
 
-/// Who said what: the line that is heard is lit and kept in sight, and a press on one plays it.
+/// Who said what: the line that is playing is highlighted and kept visible; clicking a line plays it.
 FocusScope {
     id: transcript
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Calls
 import Corvane.Controls
 
-/// What a person reads once before the first recording.
+/// What the user reads once, before the first recording.
 Sheet {
     id: sheet
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calls
 import Corvane.Controls
 
-/// A recording runs: a red dot, how long, and Stop. In sight wherever the program is.
+/// A running recording: a red dot, its length, and Stop. Visible on every screen.
 Rectangle {
     id: pill
 

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Corvane.Controls
 
-/// The fields of a form, or those that are folded at first. Return goes to the next one, and submits from the last.
-/// Among several lines it breaks the line, and Ctrl+Return submits.
+/// The fields of a form, or those that are folded at first. Return goes to the next one, and submits from the last. In
+/// a field of several lines it breaks the line, and Ctrl+Return submits.
 GridLayout {
     id: grid
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Corvane.Controls
 
-/// What a form says of itself: what goes on, what to decide, or what failed.
+/// The message of a form: what goes on, what to decide, or what failed.
 RowLayout {
     id: line
 

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// Keys as they stand on the keyboard; plain words stand between them.
+/// Keys as labelled on the keyboard, with plain words between them.
 Row {
     id: row
 

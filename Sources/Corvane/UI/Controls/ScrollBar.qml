@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A thin handle that shows while it is of use.
+/// A thin handle that shows while it is needed.
 T.ScrollBar {
     id: control
 

@@ -4,7 +4,7 @@ import QtQuick.Layouts
 import Corvane.Controls
 import Corvane.Dev
 
-/// One row of controls, with the progress of the loading at its foot.
+/// One row of controls, with the progress of loading below.
 FocusScope {
     id: bar
 

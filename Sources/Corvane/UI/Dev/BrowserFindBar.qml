@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Dev
 
-/// What is looked for on the page. How often it is there stands among the notices.
+/// The search on a page. The number of matches is shown among the notices.
 FocusScope {
     id: bar
 

@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// Shows the page of a browser and takes pointer, keys and input method for it. Keys of the window and of the pane
-/// around it are left to them.
+/// Shows a browser's page and passes pointer, keys and input method on to it, except for the keys of the window and of
+/// the pane.
 class BrowserFrameItem : public corvane::BrowserPicture {
     Q_OBJECT
     QML_ELEMENT

@@ -12,7 +12,7 @@ namespace corvane {
 class BrowserPicture : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS
-    Q_PROPERTY(QRectF shown READ shown NOTIFY imageChanged) ///< where it stands in the item
+    Q_PROPERTY(QRectF shown READ shown NOTIFY imageChanged) ///< its position in the item
 public:
     explicit BrowserPicture(QQuickItem* parent = nullptr);
 

@@ -3,8 +3,8 @@ import QtQml
 import Corvane.Controls
 import Corvane.Dev
 
-/// What is about to be kept: the picture, on which parts can be blacked out, the events and the steps, and for a bug its
-/// fields. Nothing is written before the button at the foot.
+/// What is about to be saved: the picture, of which parts can be blacked out, the events and the steps, and the fields
+/// of a bug. Nothing is written before the button is pressed.
 Sheet {
     id: dialog
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Dev
 
-/// What went wrong in the page, and what was kept of earlier looks.
+/// What went wrong in the page, and the records of earlier checks.
 FocusScope {
     id: side
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Dev
 
-/// What runs on this machine, and how the project stands.
+/// What runs on this machine, and the state of the project.
 FocusScope {
     id: view
 

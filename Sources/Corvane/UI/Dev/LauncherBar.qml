@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Dev
 
-/// What can be begun in a terminal of the project, and what its text can become.
+/// What can be started in a terminal of the project, and what its text can become.
 Item {
     id: bar
 

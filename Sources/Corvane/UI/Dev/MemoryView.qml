@@ -4,7 +4,7 @@ import Corvane.Controls
 import Corvane.Dev
 import Corvane.Work
 
-/// What is known of the project, and a draft of what is proposed next.
+/// Knowledge about the project, and a draft of the next proposal.
 FocusScope {
     id: view
 

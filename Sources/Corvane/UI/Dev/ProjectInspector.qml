@@ -4,7 +4,7 @@ import Corvane.Controls
 import Corvane.Dev
 import Corvane.Work
 
-/// What stands around the chosen project: who works on it, what is open, what was told, and its facts.
+/// Around the selected project: who works on it, what is open, what was reported, and its facts.
 FocusScope {
     id: view
 

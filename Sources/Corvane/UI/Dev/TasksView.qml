@@ -3,7 +3,7 @@ import Corvane.Controls
 import Corvane.Dev
 import Corvane.Work
 
-/// The board of the project, and what can be begun on it.
+/// The board of the project, and what can be created on it.
 FocusScope {
     id: view
 

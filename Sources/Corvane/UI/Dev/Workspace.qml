@@ -4,7 +4,7 @@ import Corvane.Dev
 import Corvane.Terminals
 import Corvane.Work
 
-/// Projects at the left, the tabs of the chosen one, and what stands around it at the right.
+/// Projects on the left, the tabs of the selected one, and the inspector on the right.
 FocusScope {
     id: view
 

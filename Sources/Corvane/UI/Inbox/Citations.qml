@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// The messages that a text of the assistant rests on; each is one press away.
+/// The messages that a text of the assistant is based on; each is one click away.
 Flow {
     id: line
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A message that the search found. The first of a person shows who they are, the others stand under it.
+/// A message that the search found. The first of a person shows who they are, with the others below it.
 T.AbstractButton {
     id: row
 

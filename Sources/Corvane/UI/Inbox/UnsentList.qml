@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// What the person sent and did not go out, as it would stand in the thread.
+/// Messages that the user sent and that did not go out, as they would look in the thread.
 Column {
     id: list
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Panel
 
-/// What was dictated and no program took, to be copied.
+/// Dictated text that could not be inserted, to be copied.
 T.ApplicationWindow {
     id: window
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Panel
 
-/// The day in a few lines and who wrote last, each the way to what it speaks of.
+/// The day in a few lines and who wrote last; each line leads to its subject.
 FocusScope {
     id: tab
 

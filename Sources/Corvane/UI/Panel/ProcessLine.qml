@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Panel
 
-/// A process: what it is, what it takes, and the button that asks it to end.
+/// A process: its name and memory, and the button that asks it to end.
 FocusScope {
     id: line
 

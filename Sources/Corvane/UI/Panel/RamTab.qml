@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Panel
 
-/// How short memory is, and the processes that take it.
+/// How much memory is free, and the processes that use it.
 FocusScope {
     id: tab
 

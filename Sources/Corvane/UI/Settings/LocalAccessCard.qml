@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Settings
 
-/// What of the user's stands on this computer, and whether it may be read.
+/// Which of the user's data is on this computer, and whether it may be read.
 Card {
     id: card
 

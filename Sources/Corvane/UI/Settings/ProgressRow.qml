@@ -1,7 +1,7 @@
 import QtQuick
 import Corvane.Controls
 
-/// How far a long piece of work is, in a bar and in words, and the button that ends it.
+/// The progress of a long task as a bar and in words, and the button that cancels it.
 Column {
     id: row
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Settings
 
-/// The push of local chats: what waits, how far it is, what came of it, and what never goes.
+/// The push of local chats: what waits, its progress, its result, and what is never pushed.
 Card {
     id: card
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Settings
 
-/// What a person reads before a push: what leaves the machine, and what can be kept from it.
+/// What the user reads before a push: what leaves the machine, and what can be excluded.
 Sheet {
     id: sheet
 

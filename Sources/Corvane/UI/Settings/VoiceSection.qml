@@ -3,7 +3,7 @@ import QtQuick.Dialogs
 import Corvane.Controls
 import Corvane.Settings
 
-/// Which model hears, how another one is added, and the language of dictation.
+/// The speech model, adding another one, and the language of dictation.
 Column {
     id: section
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Shell
 
-/// What needs to be known on every screen, one line each; it takes no room where there is nothing.
+/// What needs to be known on every screen, one line each; it takes no space if there is nothing.
 Column {
     id: bar
 

@@ -11,7 +11,7 @@ FocusScope {
     readonly property alias notices: pane.notices
     readonly property alias front: desk
 
-    /// What the terminals make of a command of the keymap.
+    /// Handles a command of the keymap.
     function act(command: string) {
         pane.act(command);
     }

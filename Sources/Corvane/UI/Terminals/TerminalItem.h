@@ -134,7 +134,7 @@ private:
     TerminalLook m_look;
     std::vector<Strip> m_strips;
     int m_stripColumns = 0;
-    bool m_drawsQuads = false; ///< a graphics card puts the rows together, not the painter
+    bool m_drawsQuads = false; ///< the GPU composes the rows, not the painter
     uint64_t m_lastStrip = 0;
     QString m_preedit;
     QString m_announced;

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Terminals
 
-/// The terminal in front, with what is said and asked about it.
+/// The current terminal, with notices and questions about it.
 FocusScope {
     id: pane
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Terminals
 
-/// What is looked for in a terminal, how often it is there, and the way from one place to the next.
+/// The search in a terminal: the query, the number of matches, and moving between them.
 FocusScope {
     id: bar
 

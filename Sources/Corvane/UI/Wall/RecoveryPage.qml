@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Wall
 
-/// The database is damaged: what happened to it, and what shall take its place.
+/// The database is damaged: what happened to it, and what should replace it.
 FocusScope {
     id: page
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Work
 
-/// An agent: what it does, how long ago it was heard of, and what it said last.
+/// An agent: what it does, when it was last seen, and what it said last.
 Rectangle {
     id: line
 

@@ -3,7 +3,7 @@ import QtQml
 import Corvane.Controls
 import Corvane.Work
 
-/// What can be begun here.
+/// What can be created here.
 MenuButton {
     id: button
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// A lane: its name, how many stand in it, and their cards.
+/// A lane: its name, its count and its cards.
 FocusScope {
     id: view
 

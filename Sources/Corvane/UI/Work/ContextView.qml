@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Work
 
-/// One context: its title and figures, what can be begun, and the surface of the chosen tab.
+/// One context: its title and figures, what can be created, and the surface of the selected tab.
 FocusScope {
     id: view
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// What waits for a person's word: decisions, then proposed knowledge; below each what was decided.
+/// What waits for the user: decisions, then proposed knowledge; below each, past decisions.
 FocusScope {
     id: view
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// What was said in a context, and a reply that is kept as work until a person releases it.
+/// What was said in a context, and a reply that is kept as work until the user releases it.
 FocusScope {
     id: view
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// What is about money, and the gate before any of it moves.
+/// Work about money, and the approval before any of it moves.
 FocusScope {
     id: view
 

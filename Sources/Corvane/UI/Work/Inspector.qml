@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// What stands around a context: who works in it, what waits, what was seen, and which rules hold.
+/// Around a context: who works in it, what is waiting, what was recorded, and which rules apply.
 FocusScope {
     id: view
 

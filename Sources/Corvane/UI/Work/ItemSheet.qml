@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// The item that is open: its fields, and what speaks of it.
+/// The open item: its fields and its history.
 FocusScope {
     id: view
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Corvane.Controls
 
-/// A place of a hub that is no context.
+/// A place of a hub that is not a context.
 T.AbstractButton {
     id: control
 

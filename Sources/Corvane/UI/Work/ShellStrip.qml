@@ -4,7 +4,7 @@ import Corvane.Controls
 import Corvane.Terminals
 import Corvane.Work
 
-/// The local shells of a workspace: their tabs, and the terminal in front above them where it is not folded.
+/// The local shells of a workspace: their tabs, and above them the current terminal, unless it is hidden.
 FocusScope {
     id: strip
 

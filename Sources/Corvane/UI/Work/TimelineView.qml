@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Work
 
-/// The story of a context, oldest first; it opens at its end.
+/// The history of a context, oldest first; it opens at its end.
 FocusScope {
     id: view
 
