@@ -45,7 +45,7 @@ TerminalWorkspaceView::TerminalWorkspaceView(const DevDesk& desk, QObject* paren
     : QObject(parent)
     , m_desk(desk)
     , m_refresh(
-          desk.work.db, desk.work.scheduler, [this] { read(); }, this)
+          desk.work.db, desk.work.scheduler, [this] { read(); }, [this] { read(); }, this)
     , m_rail(m_desk, this)
     , m_launcher(m_desk, this)
     , m_assistant(m_desk, this)

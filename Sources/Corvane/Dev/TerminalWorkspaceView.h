@@ -10,8 +10,8 @@
 #include "Dev/DevServerAgent.h"
 #include "Dev/DevTasks.h"
 #include "Dev/DevTeam.h"
-#include "Dev/ScreenRefresh.h"
 #include "Terminals/TerminalsView.h"
+#include "Work/ScreenRefresh.h"
 #include "Work/WorkCreate.h"
 
 namespace corvane {

@@ -15,10 +15,6 @@ namespace {
 
 using Tab = WorkConsoleTab;
 
-constexpr Milliseconds refreshPeriod { 3000 };
-// What is told by its age changes although no row does; a day may end, too.
-constexpr int ticksBetweenAges = 20;
-constexpr int ticksBetweenReads = 1200;
 constexpr int contextsShown = 100;
 constexpr int rowsShown = 50;
 constexpr int eventsOnPage = 200; ///< of each kind
@@ -87,6 +83,8 @@ WorkModuleShell::WorkModuleShell(
     , m_place(places.isEmpty() ? QString() : places.first().id)
     , m_tab(config.defaultTab)
     , m_eventsShown(eventsOnPage)
+    , m_refresh(
+          services.db, services.scheduler, [this] { read(); }, [this] { age(); }, this)
     , m_board(services.db, services.scheduler, this)
     , m_item(services.db, this)
     , m_create(services.db, this)
@@ -97,7 +95,6 @@ WorkModuleShell::WorkModuleShell(
 {
     m_board.setEmptyWords(u"No work here yet"_s, u"Items appear when you create one, or when an agent does."_s);
     m_create.setPlace({ .module = m_config.module }, m_config.contextNoun, {});
-    m_at.db.watch().on(StoreSubject::Work, this, [this] { m_stale = true; });
     // What this screen wrote itself is shown at once.
     const auto readAgain = [this] {
         refresh();
@@ -115,31 +112,15 @@ WorkModuleShell::WorkModuleShell(
     });
 }
 
-void WorkModuleShell::setShown(bool shown)
+void WorkModuleShell::age()
 {
-    if (std::exchange(m_shown, shown) == shown)
-        return;
-    m_timer = shown ? m_at.scheduler.every(refreshPeriod, [this] { tick(); }) : nullptr;
-    if (shown)
-        refresh();
-}
-
-void WorkModuleShell::tick()
-{
-    ++m_ticks;
-    if (m_stale || m_ticks >= ticksBetweenReads)
-        return refresh();
-    if (m_ticks % ticksBetweenAges != 0)
-        return;
     if (m_context)
         m_agents.reload();
     Q_EMIT aged();
 }
 
-void WorkModuleShell::refresh()
+void WorkModuleShell::read()
 {
-    m_stale = false;
-    m_ticks = 0;
     readContexts();
     readSurface();
     Q_EMIT refreshed();

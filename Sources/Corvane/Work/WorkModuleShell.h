@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Literals.h"
+#include "Work/ScreenRefresh.h"
 #include "Work/WorkAgents.h"
 #include "Work/WorkBoard.h"
 #include "Work/WorkCreate.h"
@@ -78,10 +79,10 @@ public:
     const WorkContext& context() const { return m_context; }
     void setPlaceCount(const QString& place, int count);
     void show(const QString& contextId, const QString& itemId = {}, const QString& tab = {}); ///< from elsewhere
-    void setStale() { m_stale = true; } ///< read again at the next tick
+    void setStale() { m_refresh.setStale(); } ///< read again at the next tick
 
-    bool shown() const { return m_shown; }
-    void setShown(bool shown);
+    bool shown() const { return m_refresh.shown(); }
+    void setShown(bool shown) { m_refresh.setShown(shown); }
     GadgetListModel* contexts() { return &m_contexts; }
     const QList<WorkContextSeed>& contextRows() const { return m_contexts.rows(); }
     const QString& query() const { return m_query; }
@@ -125,7 +126,7 @@ public:
     Q_INVOKABLE void showEarlier(); ///< of the timeline
     Q_INVOKABLE void exportContext();
     Q_INVOKABLE void dismissNotice();
-    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void refresh() { m_refresh.now(); }
     Q_INVOKABLE void openSource(const QString& source); ///< "item:{id}" or "evidence:{id}"
 
 Q_SIGNALS:
@@ -134,7 +135,8 @@ Q_SIGNALS:
     void aged(); ///< a minute passed: words such as "3 minutes ago" changed
 
 private:
-    void tick();
+    void read();
+    void age();
     void readContexts();
     void readSurface();
     void readTimeline();
@@ -148,15 +150,12 @@ private:
     QString m_selected;
     WorkContext m_context;
     WorkConsoleTab m_tab;
-    bool m_shown = false;
-    bool m_stale = true; ///< something was written since the last read
-    int m_ticks = 0; ///< since the rows were read
     int m_eventsShown;
     bool m_hasEarlier = false;
     WorkCounts m_counts;
     QStringList m_logLines;
     QString m_notice;
-    std::unique_ptr<Timer> m_timer;
+    ScreenRefresh m_refresh;
     RowListModel<WorkContextSeed> m_contexts;
     RowListModel<WorkEvidenceSeed> m_evidence;
     RowListModel<OpsTimelineEvent> m_timeline;

@@ -1,4 +1,4 @@
-#include "Dev/ScreenRefresh.h"
+#include "Work/ScreenRefresh.h"
 
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
@@ -8,16 +8,19 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds refreshPeriod { 3000 };
-constexpr int ticksBetweenAges = 10;
+constexpr int ticksBetweenAges = 20;
+constexpr int ticksBetweenReads = 1200; // a day may have ended
 
 }
 
-ScreenRefresh::ScreenRefresh(LocalDB& db, Scheduler& scheduler, const std::function<void()>& read, QObject* parent)
+ScreenRefresh::ScreenRefresh(
+    LocalDB& db, Scheduler& scheduler, std::function<void()> read, std::function<void()> age, QObject* parent)
     : QObject(parent)
     , m_scheduler(scheduler)
-    , m_read(read)
+    , m_read(std::move(read))
+    , m_age(std::move(age))
 {
-    db.watch().on(StoreSubject::Work, this, [this] { m_stale = true; });
+    db.watch().on(StoreSubject::Work, this, [this] { setStale(); });
 }
 
 void ScreenRefresh::setShown(bool shown)
@@ -31,8 +34,11 @@ void ScreenRefresh::setShown(bool shown)
 
 void ScreenRefresh::tick()
 {
-    if (m_stale || ++m_ticks >= ticksBetweenAges)
+    ++m_ticks;
+    if (m_stale || m_ticks >= ticksBetweenReads)
         now();
+    else if (m_ticks % ticksBetweenAges == 0)
+        m_age();
 }
 
 void ScreenRefresh::now()
