@@ -53,8 +53,7 @@ QString imported(const CalendarImport& result)
     const QString added = result.added == 1 ? u"1 event was added."_s : u"%1 events were added."_s.arg(result.added);
     if (result.present == 0)
         return added;
-    return added
-        + (result.present == 1 ? u" 1 existed already."_s : u" %1 existed already."_s.arg(result.present));
+    return added + (result.present == 1 ? u" 1 existed already."_s : u" %1 existed already."_s.arg(result.present));
 }
 
 }

@@ -288,8 +288,8 @@ void CalendarView::beginEvent()
         return;
     const QDateTime now = QDateTime::fromMSecsSinceEpoch(nowMs());
     const bool showsToday = firstDay() <= now.date() && now.date() < firstDay().addDays(m_week ? weekDays : 1);
-    m_newEvent.open(showsToday ? now.date() : firstDay(),
-        QTime(qBound(firstWorkHour, now.time().hour() + 1, lastWorkHour), 0));
+    m_newEvent.open(
+        showsToday ? now.date() : firstDay(), QTime(qBound(firstWorkHour, now.time().hour() + 1, lastWorkHour), 0));
 }
 
 QString CalendarView::addEvent(NewCalendarEntry entry)

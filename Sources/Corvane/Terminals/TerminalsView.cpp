@@ -187,8 +187,8 @@ void TerminalsView::paste(const QString& text)
         return;
     const std::string bytes = text.toStdString();
     if (qsizetype(bytes.size()) > largestPaste) {
-        return ask({ Subject::None, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s, {}, u"Close"_s,
-            m_current });
+        return ask({ Subject::None, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s, {},
+            u"Close"_s, m_current });
     }
     {
         const auto access = m_current->terminal()->terminal();

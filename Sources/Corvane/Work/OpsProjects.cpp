@@ -42,8 +42,8 @@ OpsTabSeed tabSeed(const OpsTabRow& row, const DateWords& words)
     seed.name = shownLine(row.name);
     seed.detail = factLine({ shownLine(row.role), shownLine(row.model), shownLine(row.currentTask) });
     const auto heartbeat = parsedIsoTime(row.heartbeatAt);
-    seed.state = factLine({ row.isLive ? u"Live"_s : u"Down"_s,
-        heartbeat ? u"last seen "_s + words.ago(*heartbeat) : u"never seen"_s });
+    seed.state = factLine(
+        { row.isLive ? u"Live"_s : u"Down"_s, heartbeat ? u"last seen "_s + words.ago(*heartbeat) : u"never seen"_s });
     seed.live = row.isLive;
     return seed;
 }

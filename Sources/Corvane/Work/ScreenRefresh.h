@@ -14,7 +14,8 @@ class ScreenRefresh : public QObject {
     Q_OBJECT
 public:
     /// `age` is called every minute between reads, for words such as "3 minutes ago". The references outlive it.
-    ScreenRefresh(LocalDB& db, Scheduler& scheduler, std::function<void()> read, std::function<void()> age, QObject* parent);
+    ScreenRefresh(
+        LocalDB& db, Scheduler& scheduler, std::function<void()> read, std::function<void()> age, QObject* parent);
 
     bool shown() const { return m_timer != nullptr; }
     void setShown(bool shown);

@@ -133,8 +133,8 @@ void WorkDecisions::decide(const QString& id, bool approve)
 void WorkDecisions::decideMemory(const QString& id, bool approve)
 {
     m_memory.hold(id);
-    decideSeen(
-        m_seenMemory.value(id), approve, setWorkMemoryStatus, u"It was not decided: the database could not be written."_s);
+    decideSeen(m_seenMemory.value(id), approve, setWorkMemoryStatus,
+        u"It was not decided: the database could not be written."_s);
 }
 
 template <typename Record, typename SetStatus>

@@ -107,8 +107,7 @@ std::optional<QString> fixes::folders(const CheckedProfile& profile)
             break;
         closed += open;
     }
-    return closed.isEmpty() ? std::nullopt
-                            : std::optional(u"Made private: %1."_s.arg(closed.join(u", "_s)));
+    return closed.isEmpty() ? std::nullopt : std::optional(u"Made private: %1."_s.arg(closed.join(u", "_s)));
 }
 
 CheckResult checks::accounts(const CheckedProfile& profile)

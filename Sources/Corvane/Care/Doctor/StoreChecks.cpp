@@ -129,8 +129,7 @@ CheckResult checks::databaseSize(const CheckedProfile& profile)
     const QString size = sizeWords(figures.bytes());
     if (figures.freeBytes() < muchFree || figures.freePages * 4 < figures.pages)
         return good(u"Its size is %1."_s.arg(size));
-    return { Health::Warning,
-        u"Its size is %1, of which %2 are unused."_s.arg(size, sizeWords(figures.freeBytes())),
+    return { Health::Warning, u"Its size is %1, of which %2 are unused."_s.arg(size, sizeWords(figures.freeBytes())),
         u"corvane doctor --fix compacts it. Engines wait meanwhile."_s };
 }
 
@@ -152,8 +151,10 @@ CheckResult checks::databaseLog(const CheckedProfile& profile)
         return { Health::Failure, u"%1-wal is missing, although the database was not closed."_s.arg(path),
             u"The latest changes may be lost. Quit Corvane, start it again, and compare with the latest backup."_s };
     if (logBytes(profile) > largestLog)
-        return { Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(profile))),
-            u"Some program never stops reading. Quit Corvane and other programs that read it, then run corvane doctor --fix."_s };
+        return {
+            Health::Warning, u"It has grown to %1."_s.arg(sizeWords(logBytes(profile))),
+            u"Some program never stops reading. Quit Corvane and other programs that read it, then run corvane doctor --fix."_s
+        };
     return good(hasLog ? u"Its size is %1."_s.arg(sizeWords(logBytes(profile))) : u"It is empty."_s);
 }
 
