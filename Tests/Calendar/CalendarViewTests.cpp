@@ -92,7 +92,8 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     ASSERT_TRUE(await([&] { return view.canAdd(); }));
     EXPECT_EQ(view.title(), u"5 – 11 October 2026"_s);
     NewEventForm& form = *view.newEvent();
-    const auto add = [&](const QHash<QString, QString>& typed) {
+    using Typed = QHash<QString, QString>;
+    const auto add = [&](const Typed& typed) {
         view.beginEvent();
         for (const auto& [id, text] : typed.asKeyValueRange())
             form.field(id).type(text);
@@ -100,9 +101,8 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
         return form.message();
     };
     EXPECT_EQ(add({}), u"Give the event a title."_s);
-    for (const QHash<QString, QString>& wrong : { QHash<QString, QString> { { u"day"_s, u"8.10."_s } },
-             { { u"from"_s, u"nine"_s } }, { { u"from"_s, u"10:00"_s }, { u"to"_s, u"9:00"_s } } }) {
-        QHash<QString, QString> typed = wrong;
+    for (Typed typed : { Typed { { u"day"_s, u"8.10."_s } }, Typed { { u"from"_s, u"nine"_s } },
+             Typed { { u"from"_s, u"10:00"_s }, { u"to"_s, u"9:00"_s } } }) {
         typed.insert(u"title"_s, u"Call"_s);
         EXPECT_FALSE(add(typed).isEmpty());
         EXPECT_EQ(form.field(u"title"_s).text(), u"Call"_s) << "what was typed stays";

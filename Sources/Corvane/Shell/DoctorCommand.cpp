@@ -1,5 +1,6 @@
 #include "Shell/DoctorCommand.h"
 
+#include "AI/CLIChatService.h"
 #include "AI/ModelChoice.h"
 #include "Calendar/CalendarStore.h"
 #include "Care/Doctor/Doctor.h"
@@ -86,6 +87,7 @@ int runDoctor(const TextCall& call)
     CheckedProfile profile = checkedProfile(paths, defaults, scheduler.nowMs());
     profile.secrets = secretsInFile(paths);
     profile.modelServer = modelChoice(defaults).serverUrl;
+    profile.codexPlaces = codexCandidates(paths.home);
     profile.hasCalendars = makeCalendarSource(paths)->access(calendarPlaces(defaults)) == CalendarAccess::Full;
     profile.hasContacts = makeAddressBook(paths)->requestAccess(addressBookFolders(defaults));
     QList<Finding> findings = runChecks(profile);

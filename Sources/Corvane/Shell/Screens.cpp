@@ -1,5 +1,6 @@
 #include "Shell/Screens.h"
 
+#include "AI/CLIChatService.h"
 #include "AI/ModelChoice.h"
 #include "Approvals/ApprovalCommands.h"
 #include "Calendar/CalendarServices.h"
@@ -34,6 +35,7 @@ CheckedProfile profileToCheck(CorvaneApp& app)
             profile.secrets.insert(account.slug, *secret);
     }
     profile.modelServer = modelChoice(app.defaults()).serverUrl;
+    profile.codexPlaces = codexCandidates(app.paths().home);
     const CalendarStore& calendar = app.calendar().store;
     profile.hasCalendars = calendar.surroundings().source.access(calendar.places()) == CalendarAccess::Full;
     profile.hasContacts = app.addressBook().requestAccess(addressBookFolders(app.defaults()));

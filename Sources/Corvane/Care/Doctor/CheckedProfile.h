@@ -17,6 +17,7 @@ struct CheckedProfile {
     QString backups {}; ///< the folder
     bool backsUpDaily = false;
     QString modelServer {}; ///< the configured address; empty: the default ones
+    QStringList codexPlaces {}; ///< where the Codex tool may be
     bool hasCalendars = false;
     bool hasContacts = false;
 };

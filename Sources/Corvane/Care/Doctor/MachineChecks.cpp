@@ -1,6 +1,5 @@
 #include "Care/Doctor/Checks.h"
 
-#include "AI/CLIChatService.h"
 #include "Engines/EngineSpec.h"
 #include "Engines/MailSettings.h"
 #include "Engines/ToolServer.h"
@@ -147,7 +146,7 @@ CheckResult checks::modelServer(const CheckedProfile& profile)
 
 CheckResult checks::codex(const CheckedProfile& profile)
 {
-    for (const QString& place : codexCandidates(profile.paths.home)) {
+    for (const QString& place : profile.codexPlaces) {
         if (QFileInfo(place).isExecutable())
             return good(place + u'.');
     }
