@@ -20,16 +20,16 @@ namespace {
 /// password "wrong".
 void drawConnectSheets(Gallery& gallery)
 {
-    IntegrationsView& settings = gallery.screens().settings;
+    AccountsView& accounts = *gallery.screens().settings.accounts();
     for (const QString& channel : { u"SLACK"_s, u"SMS"_s }) {
-        settings.connectChannel(channel);
+        accounts.connectChannel(channel);
         gallery.save(
             u"settings-connect-"_s + channel.toLower(), { channel == u"SMS" ? Look::LightSmall : Look::Light });
-        settings.connectForm()->close();
+        accounts.connectForm()->close();
     }
-    settings.connectChannel(u"EMAIL"_s);
+    accounts.connectChannel(u"EMAIL"_s);
     gallery.save(u"settings-connect-email"_s, { Look::Dark });
-    MailForm& form = *settings.mailForm();
+    MailForm& form = *accounts.mailForm();
     const auto submit = [&](const QString& address, const QString& password) {
         form.close();
         form.open();
@@ -101,9 +101,9 @@ void drawSettings(Gallery& gallery)
 
     gallery.screens().shell.openSettings();
     gallery.save(u"settings-accounts"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    gallery.screens().settings.pairing()->open(phone.id);
+    gallery.screens().settings.accounts()->pairing()->open(phone.id);
     gallery.save(u"settings-pairing"_s, { Look::Light, Look::Dark });
-    gallery.screens().settings.pairing()->close();
+    gallery.screens().settings.accounts()->pairing()->close();
     gallery.wait(Milliseconds(200));
     drawConnectSheets(gallery);
     gallery.screens().settings.setSection(u"approvals"_s);

@@ -37,11 +37,11 @@ protected:
     QString connectAccount(const QString& channel, const ConnectValues& values = {})
     {
         world.launcher.expect(FakeLauncher::stays());
-        view.connectChannel(channel);
-        for (const QString& id : view.connectForm()->values().keys())
-            view.connectForm()->field(id).type(values.value(id));
-        view.connectForm()->submit();
-        EXPECT_FALSE(view.connectForm()->isOpen());
+        list.connectChannel(channel);
+        for (const QString& id : list.connectForm()->values().keys())
+            list.connectForm()->field(id).type(values.value(id));
+        list.connectForm()->submit();
+        EXPECT_FALSE(list.connectForm()->isOpen());
         return accounts.accounts().last().id.toString(QUuid::WithoutBraces);
     }
 
@@ -62,7 +62,8 @@ protected:
     WebServices web { session, world.engines.db(), world.clock };
     IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
         world.home.paths(), lumo, world.launcher, world.centre, voice.services, web } };
-    QAbstractItemModel* model = view.accounts();
+    AccountsView& list = *view.accounts();
+    QAbstractItemModel* model = list.rows();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
 
@@ -74,7 +75,7 @@ TEST_F(Settings, connectingAWhatsAppNumberStartsItsEngineAndOpensThePairing)
     EXPECT_EQ(column("name"), QStringList("Sales"));
     EXPECT_TRUE(world.launcher.last().spec.arguments.last().endsWith("/src/main.ts"));
 
-    PairingSheet& sheet = *view.pairing();
+    PairingSheet& sheet = *list.pairing();
     EXPECT_TRUE(sheet.isOpen());
     EXPECT_EQ(sheet.title(), "Link Sales");
     EXPECT_EQ(sheet.stateText(), "Starting");
@@ -121,14 +122,14 @@ TEST_F(Settings, everyOtherChannelConnectsWithItsSecretAndWithoutASheet)
         EXPECT_EQ(account.channelRaw, each.channel);
         EXPECT_EQ(world.keychain.get(account.slug).value_or("none"), each.secret);
         EXPECT_TRUE(world.engines.isRunning(account));
-        EXPECT_FALSE(view.pairing()->isOpen());
+        EXPECT_FALSE(list.pairing()->isOpen());
         EXPECT_EQ(account.startAtBoot.value_or(false), each.secret != "none");
-        view.perform(account.id.toString(), "startAtBoot");
+        list.perform(account.id.toString(), "startAtBoot");
         EXPECT_EQ(accounts.find(account.id)->startAtBoot, each.secret == "none");
     }
-    view.connectChannel("DISCORD");
-    EXPECT_FALSE(view.connectForm()->complete());
-    view.connectForm()->submit();
+    list.connectChannel("DISCORD");
+    EXPECT_FALSE(list.connectForm()->complete());
+    list.connectForm()->submit();
     EXPECT_EQ(accounts.accounts().size(), cases.size()) << "a sheet whose rule does not hold adds nothing";
     EXPECT_EQ(column("channelLabel"),
         QStringList({ "LinkedIn", "Telegram", "Discord", "Slack", "Instagram", "Messenger", "SMS", "iMessage" }));
@@ -138,10 +139,9 @@ TEST_F(Settings, anAccountWhoseTokenIsRefusedIsGivenAnotherAndStartsAnew)
 {
     const QString id = connectAccount("SLACK", { { "appToken", "xapp-1" }, { "botToken", "xoxb-2" } });
     report({ { "type", "status" }, { "state", "logged_out" } });
-    EXPECT_EQ(view.accounts()->index(0, 0).data(view.accounts()->roleNames().key("first")).value<AccountAction>().label,
-        "Edit account");
-    view.perform(id, "edit");
-    ConnectForm& form = *view.connectForm();
+    EXPECT_EQ(model->index(0, 0).data(model->roleNames().key("first")).value<AccountAction>().label, "Edit account");
+    list.perform(id, "edit");
+    ConnectForm& form = *list.connectForm();
     EXPECT_EQ(form.title(), "Edit Slack");
     ASSERT_EQ(form.fieldCount(), 2);
     EXPECT_EQ(form.field("appToken").text(), "xapp-1");
@@ -189,7 +189,7 @@ TEST_F(Settings, aStormOfEngineEventsIsOneRefresh)
 TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
 {
     const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
-    view.perform(id, "pause");
+    list.perform(id, "pause");
     EXPECT_TRUE(world.launcher.last().terminated);
     EXPECT_TRUE(paused());
     world.clock.advance(seconds(1));
@@ -199,7 +199,7 @@ TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
     world.launcher.last().exit();
     world.settle();
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, "start");
+    list.perform(id, "start");
     EXPECT_FALSE(paused());
     world.clock.advance(seconds(1));
     EXPECT_EQ(column("status")[0], "Starting");
@@ -208,15 +208,15 @@ TEST_F(Settings, aPauseStopsTheEngineAndIsRememberedUntilTheResume)
 TEST_F(Settings, aNewPairingForgetsTheOldOneAndOpensTheSheet)
 {
     const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
-    view.pairing()->close();
+    list.pairing()->close();
     world.home.write(".whatsapp-baileys/sales/creds.json", "{}");
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, "resetPairing");
+    list.perform(id, "resetPairing");
     EXPECT_FALSE(QFileInfo::exists(world.home.path(".whatsapp-baileys/sales")));
     world.launcher.last().exit();
     world.settle();
     EXPECT_EQ(world.launcher.children.size(), 2);
-    EXPECT_TRUE(view.pairing()->isOpen());
+    EXPECT_TRUE(list.pairing()->isOpen());
     report({ { "type", "log" }, { "msg", "no route to host" } });
     world.launcher.expect(FakeLauncher::fails("gone"));
     world.launcher.last().exit(1);
@@ -224,26 +224,26 @@ TEST_F(Settings, aNewPairingForgetsTheOldOneAndOpensTheSheet)
     EXPECT_EQ(column("status")[0], "Error");
     EXPECT_EQ(column("detail")[0], "Failed to launch engine: gone");
     EXPECT_TRUE(column("note")[0].startsWith("The engine's program is missing: "));
-    EXPECT_TRUE(view.pairing()->stateText().startsWith("Error\nFailed to launch engine: gone\n"));
-    view.perform(id, "remove");
-    EXPECT_FALSE(view.pairing()->isOpen()) << "the sheet closes with its account";
+    EXPECT_TRUE(list.pairing()->stateText().startsWith("Error\nFailed to launch engine: gone\n"));
+    list.perform(id, "remove");
+    EXPECT_FALSE(list.pairing()->isOpen()) << "the sheet closes with its account";
 }
 
 TEST_F(Settings, aBrowserChannelIsSyncedAndItsSessionForgottenWithoutASheet)
 {
     const QString id = connectAccount("LINKEDIN");
     report({ { "type", "status" }, { "state", "open" } });
-    view.perform(id, "sync");
+    list.perform(id, "sync");
     ASSERT_EQ(world.launcher.last().commands().size(), 1);
     EXPECT_EQ(world.launcher.last().commands()[0]["cmd"].toString(), "sync");
 
     world.home.write(".corvane-linkedin/linkedin/Cookies", "x");
     world.launcher.expect(FakeLauncher::stays());
-    view.perform(id, "resetSession");
+    list.perform(id, "resetSession");
     world.launcher.last().exit();
     world.settle();
     EXPECT_FALSE(QFileInfo::exists(world.home.path(".corvane-linkedin/linkedin")));
-    EXPECT_FALSE(view.pairing()->isOpen());
+    EXPECT_FALSE(list.pairing()->isOpen());
 }
 
 TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
@@ -253,7 +253,7 @@ TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
                            " VALUES('wa:telegram:1','TELEGRAM','telegram','1');"_s);
     queueDraft(world.engines.db(), "wa:telegram:1", "hello", "mcp");
     world.engines.db().exec("UPDATE outbound_draft SET status='approved';");
-    view.perform(id, "remove");
+    list.perform(id, "remove");
     EXPECT_TRUE(world.launcher.last().terminated);
     EXPECT_EQ(world.cell("SELECT status || ': ' || error FROM outbound_draft;"),
         "failed: Account telegram is no longer connected");
@@ -261,8 +261,8 @@ TEST_F(Settings, aRemovedAccountLosesItsSecretAndKeepsItsConversations)
     EXPECT_FALSE(world.keychain.get("telegram"));
     EXPECT_EQ(world.cell("SELECT COUNT(*) FROM unified_conversation WHERE deleted_at IS NULL"), "1");
 
-    view.perform(id, "start");
-    view.perform("no uuid", "remove");
+    list.perform(id, "start");
+    list.perform("no uuid", "remove");
     EXPECT_EQ(world.launcher.children.size(), 1) << "what is gone is left alone";
 }
 
@@ -420,7 +420,7 @@ TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
 
 TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
 {
-    const ConnectFlow& slack = view.connectFlows().at(5);
+    const ConnectFlow& slack = list.connectFlows().at(5);
     EXPECT_EQ(slack.channelWord(), "SLACK");
     EXPECT_TRUE(slack.fields.first().masked);
     view.setSection("system");

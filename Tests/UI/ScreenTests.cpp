@@ -91,7 +91,7 @@ TEST_F(ScreenTest, everySectionAndSheetOfTheSettingsDrawsWithoutAWarning)
     }
     settings.setSection(u"accounts"_s);
     rest();
-    for (const ConnectFlow& flow : settings.connectFlows()) {
+    for (const ConnectFlow& flow : settings.accounts()->connectFlows()) {
         if (flow.fields.isEmpty() && flow.channel != Channel::Email)
             continue;
         QQuickItem* tile = item(u"connect."_s + flow.channelWord());
@@ -176,7 +176,7 @@ TEST_F(ScreenTest, pairingShowsTheCodeAndThenThatItWorked)
     settle();
     shell.openSettings();
     rest();
-    settings.pairing()->open(account.id);
+    settings.accounts()->pairing()->open(account.id);
     expectDrawn(u"pairing"_s);
     QQuickItem* code = item(u"pairing.code"_s);
     ASSERT_NE(code, nullptr);
@@ -187,7 +187,7 @@ TEST_F(ScreenTest, pairingShowsTheCodeAndThenThatItWorked)
     EXPECT_EQ(findItem(u"pairing.code"_s), nullptr);
     expectDrawn(u"paired"_s);
     press(Qt::Key_Return);
-    EXPECT_FALSE(settings.pairing()->isOpen());
+    EXPECT_FALSE(settings.accounts()->pairing()->isOpen());
 }
 
 TEST_F(ScreenTest, whatCannotBeUndoneAsksFirst)

@@ -1,19 +1,13 @@
 #pragma once
 
 #include "Calendar/CalendarSettings.h"
-#include "Foundation/Coalescer.h"
 #include "Foundation/Literals.h"
 #include "Foundation/NotificationCentre.h"
-#include "Presentation/Choice.h"
-#include "Presentation/RowListModel.h"
-#include "Settings/AccountRow.h"
+#include "Settings/AccountsView.h"
 #include "Settings/AssistantSettings.h"
-#include "Settings/ConnectForm.h"
 #include "Settings/ControlChatSettings.h"
 #include "Settings/DictationSettings.h"
 #include "Settings/LocalAccess.h"
-#include "Settings/MailForm.h"
-#include "Settings/PairingSheet.h"
 #include "Settings/PushSettings.h"
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
@@ -46,7 +40,7 @@ public:
     bool operator==(const SettingsSection&) const = default;
 };
 
-/// The settings screen: the accounts with their actions, and the cards of the other sections.
+/// The settings screen: its sections, and the view model of each card.
 class IntegrationsView : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("Care/Backup/BackupKeeper.h")
@@ -55,15 +49,7 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(QList<corvane::SettingsSection> sections READ sections CONSTANT)
     Q_PROPERTY(QString section READ section WRITE setSection NOTIFY sectionChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY sectionChanged)
-    /// The account rows, grouped by channel; the properties of `AccountRow` are the roles.
-    Q_PROPERTY(corvane::GadgetListModel* accounts READ accounts CONSTANT)
-    Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
-    Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    /// One per channel, for `connectChannel`.
-    Q_PROPERTY(QList<corvane::ConnectFlow> connectFlows READ connectFlows CONSTANT)
-    Q_PROPERTY(corvane::ConnectForm* connectForm READ connectForm CONSTANT)
-    Q_PROPERTY(corvane::MailForm* mailForm READ mailForm CONSTANT)
-    Q_PROPERTY(corvane::PairingSheet* pairing READ pairing CONSTANT)
+    Q_PROPERTY(corvane::AccountsView* accounts READ accounts CONSTANT)
     Q_PROPERTY(corvane::ControlChatSettings* controlChat READ controlChat CONSTANT)
     Q_PROPERTY(corvane::AssistantSettings* assistant READ assistant CONSTANT)
     Q_PROPERTY(corvane::CalendarSettings* calendar READ calendar CONSTANT)
@@ -95,7 +81,7 @@ public:
         WebServices& web;
     };
 
-    explicit IntegrationsView(const Surroundings& surroundings, QObject* parent = nullptr);
+    explicit IntegrationsView(const Surroundings& at, QObject* parent = nullptr);
 
     QString approvalRule() const
     {
@@ -105,13 +91,7 @@ public:
     const QString& section() const { return m_section; }
     QString sectionLabel() const;
     void setSection(const QString& id); ///< an unknown word has no effect
-    GadgetListModel* accounts() { return &m_rows; }
-    QString emptyTitle() const { return u"No accounts yet"_s; }
-    QString emptyText() const { return u"Connect a channel and its messages appear in the inbox."_s; }
-    const QList<ConnectFlow>& connectFlows() const { return corvane::connectFlows(); }
-    ConnectForm* connectForm() { return &m_connectForm; }
-    MailForm* mailForm() { return &m_mailForm; }
-    PairingSheet* pairing() { return &m_pairing; }
+    AccountsView* accounts() { return &m_accounts; }
     ControlChatSettings* controlChat() { return &m_controlChat; }
     AssistantSettings* assistant() { return &m_assistant; }
     CalendarSettings* calendar() const { return m_calendar; }
@@ -130,31 +110,18 @@ public:
     VoiceSettings* voice() { return &m_voice; }
     ToolServerCard* toolServer() { return &m_toolServer; }
 
-    /// Last message times, sync state and conversations are read only while visible.
+    /// The database is read only while visible.
     bool visible() const { return m_visible; }
     void setVisible(bool visible);
-
-    /// One of the actions of a row. Actions with a `confirmation` were confirmed before.
-    Q_INVOKABLE void perform(const QString& accountId, const QString& actionId);
-
-    /// Opens the channel's sheet; a channel that needs no input is connected at once.
-    Q_INVOKABLE void connectChannel(const QString& channel);
 
 Q_SIGNALS:
     void sectionChanged();
     void visibleChanged();
 
 private:
-    void refreshRows();
-    void editAccount(const Account& account);
     void readSection(); ///< what only one section shows
 
-    Surroundings m_at;
-    const AccountSetup m_setup;
-    RowListModel<AccountRow> m_rows;
-    ConnectForm m_connectForm;
-    MailForm m_mailForm;
-    PairingSheet m_pairing;
+    AccountsView m_accounts;
     ControlChatSettings m_controlChat;
     AssistantSettings m_assistant;
     CalendarSettings* m_calendar = nullptr;
@@ -168,8 +135,6 @@ private:
     SystemSettings m_system;
     VoiceSettings m_voice;
     ToolServerCard m_toolServer;
-    Coalescer m_refresh;
-    QHash<QString, qint64> m_lastMessages; ///< by slug, milliseconds since the epoch
     QString m_section;
     bool m_visible = false;
     NotificationCentre::Observation m_sectionAsked;

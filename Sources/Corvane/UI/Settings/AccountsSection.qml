@@ -7,14 +7,14 @@ import Corvane.Settings
 FocusScope {
     id: section
 
-    required property IntegrationsView settings
-    readonly property GadgetListModel accounts: settings.accounts
+    required property AccountsView accounts
+    readonly property GadgetListModel rows: accounts.rows
 
     implicitHeight: column.implicitHeight
 
     function perform(accountId: string, action: accountAction) {
         if (!action.confirmation) {
-            settings.perform(accountId, action.id);
+            accounts.perform(accountId, action.id);
             return;
         }
         question.active = true;
@@ -30,28 +30,28 @@ FocusScope {
             width: parent.width
             topPadding: Theme.wide
             bottomPadding: Theme.wide
-            visible: section.accounts.count === 0
+            visible: section.rows.count === 0
             icon: "link"
-            title: section.settings.emptyTitle
-            detail: section.settings.emptyText
+            title: section.accounts.emptyTitle
+            detail: section.accounts.emptyText
         }
         Rectangle {
             width: parent.width
-            height: rows.implicitHeight
-            visible: section.accounts.count > 0
+            height: lines.implicitHeight
+            visible: section.rows.count > 0
             radius: Theme.cardRadius
             color: Theme.surface
             border.width: 1
             border.color: Theme.line
 
             Column {
-                id: rows
+                id: lines
                 width: parent.width
                 Repeater {
-                    model: section.accounts
+                    model: section.rows
                     AccountLine {
                         id: line
-                        width: rows.width
+                        width: lines.width
                         onActed: action => section.perform(line.account.accountId, action)
                     }
                 }
@@ -68,7 +68,7 @@ FocusScope {
             rowSpacing: Theme.medium
 
             Repeater {
-                model: section.settings.connectFlows
+                model: section.accounts.connectFlows
                 ChannelTile {
                     required property int index
                     required property connectFlow modelData
@@ -79,18 +79,18 @@ FocusScope {
                     channel: modelData.channel
                     text: modelData.label
                     detail: modelData.title
-                    onClicked: section.settings.connectChannel(modelData.channel)
+                    onClicked: section.accounts.connectChannel(modelData.channel)
                 }
             }
         }
     }
-    ConnectSheet { form: section.settings.connectForm }
-    MailSheet { mail: section.settings.mailForm }
+    ConnectSheet { form: section.accounts.connectForm }
+    MailSheet { mail: section.accounts.mailForm }
     Loader {
         id: question
         active: false
         sourceComponent: ConfirmSheet {
-            onConfirmed: (accountId, actionId) => section.settings.perform(accountId, actionId)
+            onConfirmed: (accountId, actionId) => section.accounts.perform(accountId, actionId)
         }
     }
 }

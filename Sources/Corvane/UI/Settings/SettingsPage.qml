@@ -90,7 +90,7 @@ Page {
 
     Component {
         id: accounts
-        AccountsSection { settings: page.settings }
+        AccountsSection { accounts: page.settings.accounts }
     }
     Component {
         id: waiting
@@ -137,5 +137,5 @@ Page {
             appearance: page.appearance
         }
     }
-    PairingView { pairing: page.settings.pairing }
+    PairingView { pairing: page.settings.accounts.pairing }
 }

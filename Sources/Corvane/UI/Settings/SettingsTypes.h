@@ -46,6 +46,13 @@ struct IntegrationsViewType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct AccountsViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::AccountsView)
+    QML_NAMED_ELEMENT(AccountsView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct PairingSheetType {
     Q_GADGET
     QML_FOREIGN(corvane::PairingSheet)
