@@ -154,9 +154,9 @@ TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)
         archive_write_free(to);
         return messageOf(verifyBackup(file(), {}, progress));
     };
-    EXPECT_EQ(archiveOf("data/../../x", nullptr), "It holds a name that leads out of its folder: data/../../x.");
-    EXPECT_EQ(archiveOf("/etc/x", nullptr), "It holds a name that leads out of its folder: /etc/x.");
-    EXPECT_EQ(archiveOf("data/x", "/etc/passwd"), "It holds something that is no plain file: data/x.");
+    EXPECT_EQ(archiveOf("data/../../x", nullptr), "It contains a path that leads out of its folder: data/../../x.");
+    EXPECT_EQ(archiveOf("/etc/x", nullptr), "It contains a path that leads out of its folder: /etc/x.");
+    EXPECT_EQ(archiveOf("data/x", "/etc/passwd"), "It contains something other than a regular file: data/x.");
     EXPECT_EQ(archiveOf("data/x", nullptr), "It is incomplete: its list of files is missing.");
 
     QFile::remove(file());
@@ -167,7 +167,7 @@ TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)
     tar.seek(content.indexOf("picture"));
     tar.write("forgery");
     tar.close();
-    EXPECT_EQ(messageOf(verifyBackup(file(), {}, progress)), "data/media/shop/a.jpg is not as it was stored.");
+    EXPECT_EQ(messageOf(verifyBackup(file(), {}, progress)), "data/media/shop/a.jpg is not as it was saved.");
     EXPECT_FALSE(restore(elsewhere()));
     EXPECT_FALSE(QFileInfo::exists(elsewhere().database()));
     progress->stopped = true;

@@ -57,7 +57,7 @@ TEST_F(Doctor, whatIsBrokenIsNamedAndPutRightOnlyWhenAsked)
     QFile::setPermissions(m_home.paths().applicationSupport, QFile::Permissions(0x7755));
     EXPECT_EQ(finding(u"schema"_s).words, "Missing: contact_tag.");
     EXPECT_EQ(state(u"size"_s), u"warning"_s);
-    EXPECT_TRUE(finding(u"folders"_s).words.startsWith(u"Other users may look into "_s));
+    EXPECT_TRUE(finding(u"folders"_s).words.startsWith(u"Other users can read "_s));
     EXPECT_EQ(mended().size(), 3);
     for (const QString& id : { u"schema"_s, u"size"_s, u"folders"_s })
         EXPECT_EQ(state(id), u"good"_s) << qPrintable(id);

@@ -81,7 +81,7 @@ TEST_F(Exchange, whatIsExportedIsReadBackTheSame)
     EXPECT_EQ(*imported, *exported);
     EXPECT_EQ(table(u"SELECT id, body, ts FROM unified_message"_s), before);
     m_home.write("export/deals.jsonl", "{\"id\":\"new\",\"name\":\"N\"}\n{broken\n");
-    EXPECT_EQ(importFolder(*m_db, folder).error().message, "Line 2 of deals.jsonl is no JSON object.");
+    EXPECT_EQ(importFolder(*m_db, folder).error().message, "Line 2 of deals.jsonl is not a JSON object.");
     EXPECT_EQ(cell(u"SELECT COUNT(*) FROM crm_deal"_s), u"1"_s);
 }
 

@@ -186,7 +186,7 @@ TEST_F(Dictation, escTheReleasedKeyAndTheSettingEndIt)
 
     dictation->setPushToTalk(true);
     listen(someWords());
-    EXPECT_EQ(panel(), u"listening: Listening (English) … let go of Ctrl+Alt+D to finish"_s);
+    EXPECT_EQ(panel(), u"listening: Listening (English) … release Ctrl+Alt+D to finish"_s);
     Q_EMIT keys.released(u"dictation"_s);
     EXPECT_EQ(dictation->state().kind, Kind::Transcribing);
     dictation->cancel();
