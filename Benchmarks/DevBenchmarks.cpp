@@ -4,7 +4,6 @@
 #include "Dev/TerminalWorkspaceView.h"
 #include "Platform/PortHolders.h"
 #include "Platform/ProcessLauncher.h"
-#include "Support/Places.h"
 #include "Terminals/TerminalsView.h"
 
 #include <QCoreApplication>

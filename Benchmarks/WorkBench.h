@@ -14,6 +14,7 @@
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
 #include "Support/FakeDesktop.h"
+#include "Support/Places.h"
 #include "Support/VirtualScheduler.h"
 #include "Work/WorkServices.h"
 

@@ -2,7 +2,6 @@
 #include "WorkBench.h"
 
 #include "Store/Work/WorkWrites.h"
-#include "Support/Places.h"
 #include "Work/OpsHub.h"
 
 #include <QCoreApplication>
