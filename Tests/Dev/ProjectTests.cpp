@@ -44,7 +44,7 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
     QFile::setPermissions(QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     const QByteArray before = content(path);
     form.beginEditProject();
-    form.goal()->type(u"Sell"_s);
+    form.field(u"goal"_s).type(u"Sell"_s);
     form.submit();
     QFile::setPermissions(
         QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);

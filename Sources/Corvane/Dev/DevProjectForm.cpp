@@ -26,12 +26,17 @@ struct TextField {
 
 const QList<TextField>& textFields()
 {
-    static const QList<TextField> fields { { { nameField, u"Name"_s, {} }, &OpsProjectRow::name },
-        { { slugField, u"Slug"_s, {} }, &OpsProjectRow::slug },
-        { { u"repoPath"_s, u"Repository"_s, u"~/project"_s }, &OpsProjectRow::repoPath },
-        { { folderField, u"Folder for agents' files"_s, {} }, &OpsProjectRow::controlDir },
-        { { u"category"_s, u"Category"_s, {} }, &OpsProjectRow::category },
-        { { u"host"_s, u"Host"_s, u"this computer"_s }, &OpsProjectRow::execHost } };
+    static const QList<TextField> fields {
+        { { .id = nameField, .label = u"Name"_s, .narrow = true }, &OpsProjectRow::name },
+        { { .id = slugField, .label = u"Slug"_s, .narrow = true }, &OpsProjectRow::slug },
+        { { .id = u"goal"_s, .label = u"Goal"_s, .maximumLines = 4 }, &OpsProjectRow::goal },
+        { { .id = u"repoPath"_s, .label = u"Repository"_s, .placeholder = u"~/project"_s, .narrow = true },
+            &OpsProjectRow::repoPath },
+        { { .id = folderField, .label = u"Folder for agents' files"_s, .narrow = true }, &OpsProjectRow::controlDir },
+        { { .id = u"category"_s, .label = u"Category"_s, .narrow = true }, &OpsProjectRow::category },
+        { { .id = u"host"_s, .label = u"Host"_s, .placeholder = u"this computer"_s, .narrow = true },
+            &OpsProjectRow::execHost },
+    };
     return fields;
 }
 
@@ -52,7 +57,6 @@ QString folderOf(const QString& slug)
 DevProjectForm::DevProjectForm(DevDesk& desk, QObject* parent)
     : Form(parent)
     , m_desk(desk)
-    , m_goal({ u"goal"_s, u"Goal"_s, {} })
 {
     QList<FieldSpec> specs;
     for (const TextField& each : textFields())
@@ -111,7 +115,6 @@ void DevProjectForm::begin(const OpsProjectRow& row)
     field(slugField).setReadOnly(hasSlug()); // the rows of its work name it
     if (hasSlug() && row.controlDir.isEmpty())
         field(folderField).fill(folderOf(row.slug));
-    m_goal.fill(row.goal);
     m_status = row.status;
     m_priority = row.priority;
     m_error.clear();
@@ -144,7 +147,6 @@ OpsProjectRow DevProjectForm::draft() const
         row.slug = normalizedLocalSlug(row.name, m_desk.work.db.nowMs());
     if (row.controlDir.isEmpty())
         row.controlDir = folderOf(row.slug);
-    row.goal = m_goal.text();
     row.status = m_status;
     row.priority = m_priority;
     return row;

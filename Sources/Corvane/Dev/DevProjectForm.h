@@ -9,7 +9,6 @@ namespace corvane {
 /// that fails keeps what was typed.
 class DevProjectForm final : public corvane::Form {
     Q_OBJECT
-    Q_PROPERTY(corvane::FormField* goal READ goal CONSTANT) ///< of several lines
     Q_PROPERTY(QStringList statuses READ statuses CONSTANT)
     Q_PROPERTY(QString status READ status WRITE setStatus NOTIFY changed)
     Q_PROPERTY(int priority READ priority WRITE setPriority NOTIFY changed)
@@ -22,7 +21,6 @@ public:
     QString buttonLabel() const override;
     bool complete() const override; ///< a name
     QString message() const override { return m_error; }
-    FormField* goal() { return &m_goal; }
     QStringList statuses() const;
     const QString& status() const { return m_status; }
     void setStatus(const QString& status);
@@ -47,7 +45,6 @@ private:
     bool hasSlug() const { return !m_seen.slug.isEmpty(); }
 
     DevDesk& m_desk;
-    FormField m_goal;
     QString m_status;
     int m_priority = 0;
     OpsProjectRow m_seen; ///< as it was when the form opened

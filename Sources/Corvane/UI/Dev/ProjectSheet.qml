@@ -1,5 +1,4 @@
 import QtQuick
-import QtQml
 import Corvane.Controls
 import Corvane.Dev
 import Corvane.Work
@@ -16,23 +15,12 @@ FormSheet {
     width: 560
     onBegun: fields.focusFirst()
 
-    Binding { target: goal; property: "text"; value: sheet.project.goal.text }
-
     FormFields {
         id: fields
         form: sheet.project
         name: sheet.name
         columns: 2
         columnSpacing: Theme.medium
-    }
-    TextBox {
-        id: goal
-        objectName: "project.goal"
-        width: parent.width
-        label: sheet.project.goal.label
-        maximumLines: 4
-        onTextChanged: if (editing) sheet.project.goal.text = text
-        onSubmitted: sheet.project.submit()
     }
     Row {
         spacing: Theme.wide
@@ -48,15 +36,5 @@ FormSheet {
             chosen: sheet.project.priority.toString()
             onPicked: word => sheet.project.priority = parseInt(word)
         }
-    }
-    Label {
-        objectName: "project.error"
-        width: parent.width
-        visible: text !== ""
-        wrapMode: Text.Wrap
-        text: sheet.project.message
-        color: Theme.bad
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: text
     }
 }
