@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <algorithm>
+#include <filesystem>
 
 namespace corvane {
 
@@ -62,11 +63,14 @@ CheckResult checks::disk(const CheckedProfile& profile)
     QString folder = profile.paths.applicationSupport;
     while (!QFileInfo::exists(folder))
         folder = QFileInfo(folder).path();
-    const QStorageInfo disk(folder);
-    const qint64 free = disk.bytesAvailable();
+    std::error_code error;
+    const auto room = std::filesystem::space(QFile::encodeName(folder).toStdString(), error);
+    if (error)
+        return { Health::Warning, u"The free space on the disk of %1 cannot be read."_s.arg(folder), {} };
+    const auto free = qint64(room.available);
     const QString words = u"%1 free on the disk of %2."_s.arg(sizeWords(free), folder);
     const QString advice = u"Free some space on that disk: without any, nothing can be saved, and new messages wait."_s;
-    if (disk.isReadOnly())
+    if (QStorageInfo(folder).isReadOnly())
         return { Health::Failure, u"The disk of %1 is read-only."_s.arg(folder), u"Mount it read-write."_s };
     if (free < littleRoom)
         return { free < noRoom ? Health::Failure : Health::Warning, words, advice };
