@@ -3,7 +3,7 @@
 include(GNUInstallDirs)
 
 set(CORVANE_ENGINE_MODULES "${CMAKE_SOURCE_DIR}/mac/engine/node_modules" CACHE PATH "The engines' libraries and Node")
-set(CORVANE_USER_UNITS lib/systemd/user CACHE PATH "Where systemd looks for units of users, below the prefix")
+set(CORVANE_USER_UNITS lib/systemd/user CACHE STRING "Where systemd looks for units of users, below the prefix")
 set(resources "${CMAKE_INSTALL_DATADIR}/corvane")
 install(TARGETS corvane RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(PROGRAMS "${CORVANE_WHISPER}" DESTINATION "${CMAKE_INSTALL_BINDIR}" RENAME corvane-whisper OPTIONAL)
