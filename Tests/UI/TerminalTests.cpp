@@ -181,6 +181,9 @@ TEST(TerminalPicture, linesMeetEmojiKeepTheirColoursAndEveryColourReads)
     for (int x = 0; x < party.width(); ++x)
         isColored |= party.pixelColor(x, middle).hsvSaturation() > 100;
     EXPECT_TRUE(isColored);
+    emoji.clusters = { U"👩‍🚀" };
+    emoji.cells[0] = Cell::cluster(0, 0, Cell::Part::WideHead);
+    EXPECT_GT(inked(painter.row(emoji, 2, look), middle), 0);
 
     for (const Rgb ground : { 0xffffffu, 0x1b1d20u, 0x808080u }) {
         for (const Rgb ink : { 0x000000u, 0xffff00u, 0x0000eeu, 0xd5d6d2u, 0x24272bu })

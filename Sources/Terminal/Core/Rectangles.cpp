@@ -111,7 +111,7 @@ private:
 
     void add(Cell cell)
     {
-        const bool drawn = cell.content() != 0 || cell.isCluster();
+        const bool drawn = cell.hasText();
         if ((m_extension & SkipErased && !drawn) || cell.part() == Cell::Part::WideTail)
             return;
         unsigned value = drawn ? character(cell) : ' ';

@@ -37,6 +37,7 @@ public:
     constexpr bool isCluster() const { return m_bits & clusterBit; }
     constexpr Part part() const { return Part((m_bits >> partShift) & 3); }
     constexpr StyleId style() const { return StyleId(m_bits >> styleShift); }
+    constexpr bool hasText() const { return m_bits & (contentMask | clusterBit); } ///< a cluster may have the number 0
     constexpr bool isBlank() const { return uint32_t(m_bits) == 0; }
     constexpr Cell withStyle(StyleId style) const { return Cell(uint32_t(m_bits) | uint64_t(style) << styleShift); }
     constexpr int width() const { return part() == Part::WideHead ? 2 : part() == Part::WideTail ? 0 : 1; }

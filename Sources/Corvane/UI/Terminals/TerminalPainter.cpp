@@ -267,7 +267,7 @@ template <typename Canvas> void TerminalPainter::draw(Canvas& canvas, const Show
         const Cell cell = row.cells[size_t(column)];
         const Style& style = row.styleOf(cell);
         const Ink& ink = inks[cell.style()];
-        if (cell.content() && cell.width() > 0 && !style.has(Style::Conceal))
+        if (cell.hasText() && cell.width() > 0 && !style.has(Style::Conceal))
             canvas.glyph(glyphOf(row, cell, style), column * cellWidth, ink.text);
         const bool hasLines
             = style.underline != Underline::None || style.has(Style::Strike) || style.has(Style::Overline);
@@ -327,7 +327,7 @@ QImage TerminalPainter::underCursor(const ShownRow& row, int column, const Termi
     const int cells = cell.part() == Cell::Part::WideHead ? 2 : 1;
     QImage image(cells * m_glyphs.cellWidth(), m_glyphs.cellHeight(), QImage::Format_RGB32);
     image.fill(opaque | ground);
-    if (cell.content() && !row.styleOf(cell).has(Style::Conceal))
+    if (cell.hasText() && !row.styleOf(cell).has(Style::Conceal))
         PictureCanvas(image).glyph(glyphOf(row, cell, row.styleOf(cell)), 0, ink);
     if (row.size == LineSize::Single || look.isTransparent)
         return image;
