@@ -3,7 +3,12 @@
 #include "Terminal/Host/ScreenDump.h"
 
 #include <csignal>
+#include <cstdio>
+#include <fstream>
+#include <future>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace corvane::terminal {
 
@@ -84,13 +89,30 @@ TEST(Session, aChildThatIgnoresTheHangUpGoesWithItsSession)
     EXPECT_NE(kill(process, 0), 0);
 }
 
-TEST(Session, aChildThatNeverReadsBlocksNobody)
+TEST(Session, whatAChildDoesNotReadWaitsForItUpToACap)
 {
-    Session session({ 80, 5 }, {});
-    ASSERT_TRUE(session.start(shell("sleep 1000")));
-    for (int i = 0; i < 200; ++i)
-        session.terminal()->paste(std::string(100'000, 'x'));
-    EXPECT_TRUE(session.isRunning());
+    const std::string gate = testing::TempDir() + "/corvane-gate-" + std::to_string(getpid());
+    ASSERT_EQ(mkfifo(gate.c_str(), 0600), 0);
+    std::promise<void> isRaw;
+    SessionTaps taps;
+    taps.input = [&, told = false](std::string_view, bool) mutable {
+        if (!std::exchange(told, true))
+            isRaw.set_value();
+    };
+    Session session({ 80, 5 }, {}, std::move(taps));
+    ASSERT_TRUE(session.start(shell(
+        "stty raw -echo; printf '\\033[5n'; read go <" + gate + "; head -c 4000004 | tail -c 3; printf ' came'")));
+    ASSERT_EQ(isRaw.get_future().wait_for(30s), std::future_status::ready);
+    const std::string million(999'997, 'x');
+    for (int i = 0; i < 4; ++i)
+        session.terminal()->paste(million + "end");
+    EXPECT_TRUE(session.hasRoomFor(1000));
+    EXPECT_FALSE(session.hasRoomFor(1'000'000));
+    session.terminal()->paste(million + "too much");
+    std::ofstream(gate) << "go\n";
+    ASSERT_TRUE(session.waitForExit(60s));
+    EXPECT_EQ(screenOf(session), "end came\n");
+    std::remove(gate.c_str());
 }
 
 }

@@ -166,6 +166,17 @@ TEST_F(Terminals, pastingLinesAsksWhereTheProgramDoesNotKnowPastes)
     EXPECT_TRUE(awaitText(session, u"^[[200~a[201~"_s));
 }
 
+TEST_F(Terminals, aPasteThatWouldBeDroppedIsRefused)
+{
+    LumoTerminalSession& session = open("stty raw -echo; printf ready; sleep 1000");
+    ASSERT_TRUE(awaitText(session, u"ready"_s));
+    for (int i = 0; i < 4; ++i)
+        view.paste(QString(1'000'000, u'x'));
+    EXPECT_EQ(view.question(), QString());
+    view.paste(QString(1'000'000, u'x'));
+    EXPECT_TRUE(view.question().startsWith(u"The program in the terminal has not read"_s));
+}
+
 TEST_F(Terminals, aViewThatIsScrolledBackStaysOnItsText)
 {
     LumoTerminalSession& session = open("seq 1 100; read x; seq 101 300; read x");

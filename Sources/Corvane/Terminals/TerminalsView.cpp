@@ -20,7 +20,7 @@ constexpr int smallestFontSize = 8;
 constexpr int largestFontSize = 40;
 constexpr Milliseconds shortestSession { 2000 };
 constexpr Milliseconds pauseOfNotifications { 2000 };
-constexpr qsizetype largestPaste = 1 << 20;
+constexpr qsizetype largestPaste = 1'000'000;
 constexpr qsizetype largestClipboard = 1 << 20;
 
 QString quoted(const QString& text)
@@ -190,18 +190,22 @@ void TerminalsView::paste(const QString& text)
         return ask({ Subject::None, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s, {},
             u"Close"_s, m_current });
     }
-    {
-        const auto access = m_current->terminal()->terminal();
-        const bool bracketed = access->has(terminal::Mode::BracketedPaste);
-        if (bracketed || !(text.contains(u'\n') || text.contains(u'\r'))) {
-            access->paste(bytes);
-            return;
-        }
-    }
+    const bool bracketed = m_current->terminal()->terminal()->has(terminal::Mode::BracketedPaste);
+    if (bracketed || !(text.contains(u'\n') || text.contains(u'\r')))
+        return pasteNow(*m_current, bytes);
     const auto lines = text.trimmed().count(u'\n') + 1;
     const QString words = lines == 1 ? u"Paste this line? The program in the terminal acts on it at once: %1"_s
                                      : u"Paste %2 lines? The program in the terminal acts on each at once: %1"_s;
     ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), u"Paste"_s, u"Cancel"_s, m_current, text });
+}
+
+void TerminalsView::pasteNow(LumoTerminalSession& session, const std::string& bytes)
+{
+    if (session.terminal()->hasRoomFor(bytes.size()))
+        session.terminal()->terminal()->paste(bytes);
+    else
+        ask({ Subject::None, u"The program in the terminal has not read what came before. Nothing was pasted."_s, {},
+            u"Close"_s, &session });
 }
 
 void TerminalsView::ask(const Question& question)
@@ -223,7 +227,7 @@ void TerminalsView::answer(bool yes)
         break;
     case Subject::Paste:
         if (question.session && question.session->isRunning())
-            question.session->terminal()->terminal()->paste(question.data.toStdString());
+            pasteNow(*question.session, question.data.toStdString());
         break;
     case Subject::Clipboard:
         Q_EMIT clipboardGranted(question.data);

@@ -137,6 +137,7 @@ private:
     LumoTerminalSession& add(LumoTerminalSession::Options options);
     LumoTerminalSession* find(const QString& id) const;
     void closeNow(LumoTerminalSession& session);
+    void pasteNow(LumoTerminalSession& session, const std::string& bytes);
     void sessionEnded(LumoTerminalSession& session);
     void ask(const Question& question);
     void refresh();

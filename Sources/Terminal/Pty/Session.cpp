@@ -64,14 +64,24 @@ void Session::sendReplies()
         return;
     if (m_taps.input)
         m_taps.input(replies, m_pty && m_pty->hidesInput());
-    {
-        // A child that never reads gets no more than this.
+    bool isLeft = false;
+    if (hasRoomFor(replies.size())) {
         const std::lock_guard lock(m_mutex);
-        if (m_running && m_backlog.size() + replies.size() <= maxBacklog)
-            m_backlog.append(replies);
+        m_backlog.erase(0, std::exchange(m_written, 0));
+        m_backlog.append(replies);
+        // At once, without the way over the reader, as far as the child takes it.
+        writePiece();
+        isLeft = !m_backlog.empty();
     }
     m_terminal.consumeReplies(replies.size());
-    wakeReader();
+    if (isLeft)
+        wakeReader();
+}
+
+bool Session::hasRoomFor(size_t bytes)
+{
+    const std::lock_guard lock(m_mutex);
+    return m_running && m_backlog.size() - m_written + bytes <= maxBacklog;
 }
 
 void Session::wakeReader()
@@ -147,17 +157,24 @@ bool Session::takeOutput()
     return open;
 }
 
+/// False when the child takes no more for now. With m_mutex held.
+bool Session::writePiece()
+{
+    const ssize_t count = write(m_pty->descriptor(), m_backlog.data() + m_written, m_backlog.size() - m_written);
+    if (count <= 0)
+        return count < 0 && errno == EINTR;
+    m_written += size_t(count);
+    if (m_written == m_backlog.size()) {
+        m_backlog.clear();
+        m_written = 0;
+    }
+    return true;
+}
+
 void Session::writeBacklog()
 {
     const std::lock_guard lock(m_mutex);
-    while (!m_backlog.empty()) {
-        const ssize_t count = write(m_pty->descriptor(), m_backlog.data(), m_backlog.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return;
-        m_backlog.erase(0, size_t(count));
-    }
+    while (!m_backlog.empty() && writePiece()) { }
 }
 
 void Session::readLoop()

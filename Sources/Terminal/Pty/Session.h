@@ -50,6 +50,9 @@ public:
     };
     Access terminal() { return Access(*this); }
 
+    /// False where the child has not read so much of what was sent that more of it would be dropped.
+    bool hasRoomFor(size_t bytes);
+
     void resize(Size size);
     void hangUp();
     bool isRunning() const { return m_running; }
@@ -65,6 +68,7 @@ private:
     void readLoop();
     void parseLoop();
     bool takeOutput();
+    bool writePiece();
     void writeBacklog();
     void sendReplies(); // with the terminal locked
     void wakeReader();
@@ -86,7 +90,8 @@ private:
     std::condition_variable m_drained;
     std::condition_variable m_ended;
     std::string m_pending; // read, not yet parsed
-    std::string m_backlog; // to be written to the child
+    std::string m_backlog; // for the child
+    size_t m_written = 0; // of the backlog
     bool m_readerDone = false;
     bool m_stopping = false;
     std::atomic<bool> m_running = false;
