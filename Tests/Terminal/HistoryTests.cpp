@@ -48,8 +48,11 @@ TEST(History, resizingInAnyOrderLosesNoLine)
         ASSERT_EQ(terminal.fault(), nullptr);
         ASSERT_EQ(everything(terminal), expected) << "after resize " << i;
     }
+    terminal.resize({ 1000, 500 });
     terminal << "last";
     EXPECT_EQ(everything(terminal), expected + "last\n");
+    terminal.resize({ 1, 1 });
+    terminal << "at last";
 }
 
 TEST(History, theCursorStaysWithItsText)

@@ -225,6 +225,7 @@ public:
     // Printing
     const CodePointTable& codePoints = CodePointTable::instance();
     const Kernels& kernels = Kernels::instance();
+    const TextKernels& textKernels = TextKernels::instance();
     Graphemes graphemes;
     std::tuple<int, int, bool> printedUpTo; ///< where the cursor stood after the last character
     bool guardsUsed = false; ///< some cell may be guarded, so erasing has to look
@@ -237,7 +238,7 @@ private:
     void collectTables();
     void wrap();
     void printMapped(uint8_t code);
-    size_t printSimple(const char32_t* points, size_t count);
+    size_t printSimple(const char32_t* points, size_t count, uint64_t wide);
     int widthOf(CodePoint properties) const
     {
         return config.ambiguousWide && properties.ambiguous() ? 2 : properties.width();

@@ -349,8 +349,13 @@ void oscIterm(Emulator& t, int, std::string_view text)
 
 void Emulator::osc(std::string_view text)
 {
-    const size_t digits = std::min(text.find(';'), text.size());
-    const int number = toNumber(text.substr(0, digits));
+    constexpr int tooLarge = 1'000'000;
+    size_t digits = 0;
+    int number = 0;
+    for (; digits < text.size() && uint8_t(text[digits] - '0') < 10; ++digits)
+        number = std::min(number * 10 + (text[digits] - '0'), tooLarge);
+    if (digits == 0 || (digits < text.size() && text[digits] != ';'))
+        return;
     text.remove_prefix(std::min(digits + 1, text.size()));
     for (const auto& entry : functions) {
         if (number >= entry.first && number <= entry.last)

@@ -1,5 +1,7 @@
 #include "Terminal/Core/Emulator.h"
 
+#include <bit>
+
 namespace corvane::terminal {
 
 namespace {
@@ -106,56 +108,67 @@ void Emulator::printPoints(const char32_t* points, size_t count)
         }
         return;
     }
-    for (size_t at = 0; at < count;) {
-        at += printSimple(points + at, count - at);
-        if (at < count)
-            printCharacter(points[at++]);
+    // What is simple, and how wide, is told for many characters ahead.
+    const bool clustered = modes.has(Mode::GraphemeClusters);
+    for (size_t begin = 0; begin < count; begin += TextKernels::most) {
+        const size_t here = std::min(TextKernels::most, count - begin);
+        const char32_t* const text = points + begin;
+        uint64_t simple = 0;
+        uint64_t wide = 0;
+        for (size_t i = 0; i < here; ++i) {
+            const CodePoint properties = codePoints[text[i]];
+            const int width = widthOf(properties);
+            simple |= uint64_t((width != 0) & (!clustered | Graphemes::isStandalone(properties))) << i;
+            wide |= uint64_t(width == 2) << i;
+        }
+        for (size_t at = 0; at < here;) {
+            if (const auto run = size_t(std::countr_one(simple >> at)))
+                at += printSimple(text + at, std::min(run, here - at), wide >> at);
+            if (at < here)
+                printCharacter(text[at++]);
+        }
     }
 }
 
-/// Writes characters that join nothing and fit before the last column; answers how many of them stand at the front.
-size_t Emulator::printSimple(const char32_t* points, size_t count)
+/// Writes characters that join nothing; answers how many of them fit before the last column.
+size_t Emulator::printSimple(const char32_t* points, size_t count, uint64_t wide)
 {
     if (cursor.pendingWrap || modes.has(Mode::Insert))
         return 0;
     const bool clustered = modes.has(Mode::GraphemeClusters);
-    if (clustered && std::tuple(cursor.row, cursor.column, cursor.pendingWrap) != printedUpTo)
-        graphemes.afterPlainText();
-    const StyleId style = penStyle();
-    Row& row = cursorRow();
-    const int end = textEnd(row);
-    int column = cursor.column;
-    Cell* const cells = row.cells;
-    Graphemes breaks = graphemes; // a copy of its own stays in registers
-    size_t done = 0;
-    for (; done < count; ++done) {
-        const CodePoint properties = codePoints[points[done]];
-        const int width = widthOf(properties);
-        if (width == 0 || column + width >= end || (clustered && !breaks.surelyStarts(properties)))
-            break;
-        if (done == 0)
-            row.cutWide(column);
-        if (width == 2) {
-            cells[column] = Cell::character(points[done], style, Cell::Part::WideHead);
-            cells[column + 1] = Cell::character(0, style, Cell::Part::WideTail);
-        } else {
-            cells[column] = Cell::character(points[done], style);
-        }
-        column += width;
+    if (clustered) {
+        if (std::tuple(cursor.row, cursor.column, cursor.pendingWrap) != printedUpTo)
+            graphemes.afterPlainText();
+        if (!graphemes.isDone())
+            return 0;
     }
-    graphemes = breaks;
-    if (done == 0)
+    Row& row = cursorRow();
+    const int space = textEnd(row) - 1 - cursor.column;
+    const auto wideOnes = [&] {
+        return count < 64 ? wide & ((uint64_t(1) << count) - 1) : wide;
+    };
+    int columns = int(count) + std::popcount(wideOnes());
+    while (columns > space && count > 0) {
+        --count;
+        columns = int(count) + std::popcount(wideOnes());
+    }
+    if (count == 0)
         return 0;
-    if (column < row.used && row.cells[column].part() == Cell::Part::WideTail)
-        row.cells[column] = Cell::erased(row.cells[column].style());
+    row.cutWide(cursor.column);
+    const StyleId style = penStyle();
+    textKernels.place(row.cells + cursor.column, points, count, wideOnes(), style);
+    cursor.column += columns;
+    if (cursor.column < row.used && row.cells[cursor.column].part() == Cell::Part::WideTail)
+        row.cells[cursor.column] = Cell::erased(row.cells[cursor.column].style());
     row.styled |= style != 0;
     row.complex = true;
-    row.touch(column);
+    row.touch(cursor.column);
     touch(row);
-    cursor.column = column;
-    lastPrinted = points[done - 1];
+    lastPrinted = points[count - 1];
+    if (clustered)
+        graphemes.afterStandalone(codePoints[lastPrinted]);
     printedUpTo = { cursor.row, cursor.column, false };
-    return done;
+    return count;
 }
 
 void Emulator::printCharacter(char32_t point)
@@ -233,7 +246,7 @@ bool Emulator::joinPrevious(char32_t point)
     int column = cursor.pendingWrap ? cursor.column : cursor.column - 1;
     if (column > 0 && row.cells[column].part() == Cell::Part::WideTail)
         --column;
-    if (column < 0 || row.cells[column].content() == 0)
+    if (column < 0 || !row.cells[column].hasText())
         return false;
     const Cell before = row.cells[column];
     if (before.isCluster() && clusters[before.content()].size() == ClusterTable::maxLength)

@@ -34,6 +34,19 @@ inline bool isPrintable(uint8_t byte)
         text[i] = uint8_t(cells[i]);
 }
 
+[[gnu::always_inline]] inline uint64_t lastOfStyleTail(const uint64_t* cells, size_t from, size_t count)
+{
+    uint64_t ends = 0;
+    for (size_t i = from; i + 1 < count; ++i)
+        ends |= uint64_t((cells[i] ^ cells[i + 1]) >> 32 != 0) << i;
+    return ends;
+}
+
+uint64_t lastOfStyleLoop(const uint64_t* cells, size_t count)
+{
+    return lastOfStyleTail(cells, 0, count);
+}
+
 #if defined(__x86_64__)
 
 // A byte is printable when, as a signed number, it is above 0x1f and not 0x7f.
@@ -65,6 +78,53 @@ size_t printableSse2(const uint8_t* text, size_t size)
     return printableTail(text, at, size);
 }
 
+// Inside a character are, as signed numbers, the bytes below -64; beyond ASCII those below 0.
+ByteKinds kindsSse2(const uint8_t* text)
+{
+    uint64_t inside = 0;
+    uint64_t high = 0;
+    uint64_t controls = 0;
+    for (int at = 0; at < 64; at += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
+        const __m128i isControl
+            = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(0x20)), _mm_cmpeq_epi8(bytes, _mm_set1_epi8(0x7f)));
+        inside |= uint64_t(_mm_movemask_epi8(_mm_cmplt_epi8(bytes, _mm_set1_epi8(-64)))) << at;
+        high |= uint64_t(_mm_movemask_epi8(bytes)) << at;
+        controls |= uint64_t(_mm_movemask_epi8(isControl)) << at;
+    }
+    return { ~inside, ~high, controls & ~high };
+}
+
+[[gnu::target("avx2")]] ByteKinds kindsAvx2(const uint8_t* text)
+{
+    uint64_t inside = 0;
+    uint64_t high = 0;
+    uint64_t controls = 0;
+    for (int at = 0; at < 64; at += 32) {
+        const __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + at));
+        const __m256i isControl = _mm256_or_si256(
+            _mm256_cmpgt_epi8(_mm256_set1_epi8(0x20), bytes), _mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(0x7f)));
+        inside |= uint64_t(uint32_t(_mm256_movemask_epi8(_mm256_cmpgt_epi8(_mm256_set1_epi8(-64), bytes)))) << at;
+        high |= uint64_t(uint32_t(_mm256_movemask_epi8(bytes))) << at;
+        controls |= uint64_t(uint32_t(_mm256_movemask_epi8(isControl))) << at;
+    }
+    return { ~inside, ~high, controls & ~high };
+}
+
+[[gnu::target("avx2")]] uint64_t lastOfStyleAvx2(const uint64_t* cells, size_t count)
+{
+    uint64_t ends = 0;
+    size_t at = 0;
+    for (; at + 5 <= count; at += 4) {
+        const __m256i here = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cells + at));
+        const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cells + at + 1));
+        const __m256i differs = _mm256_srli_epi64(_mm256_xor_si256(here, next), 32);
+        const __m256i same = _mm256_cmpeq_epi64(differs, _mm256_setzero_si256());
+        ends |= uint64_t(~_mm256_movemask_pd(_mm256_castsi256_pd(same)) & 15) << at;
+    }
+    return ends | lastOfStyleTail(cells, at, count);
+}
+
 [[gnu::target("avx2")]] void widenAvx2(uint64_t* cells, const uint8_t* text, size_t count, uint64_t high)
 {
     widenLoop(cells, text, count, high);
@@ -90,10 +150,12 @@ Kernels choose()
     const bool avx512 = avx2 && __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bw");
     return {
         .printable = avx2 ? printableAvx2 : printableSse2,
+        .kinds = avx2 ? kindsAvx2 : kindsSse2,
         .widen = avx2 ? widenAvx2 : widenLoop,
         .narrow = avx512 ? narrowAvx512
             : avx2       ? narrowAvx2
                          : narrowLoop,
+        .lastOfStyle = avx2 ? lastOfStyleAvx2 : lastOfStyleLoop,
     };
 }
 
@@ -104,9 +166,24 @@ size_t printableLoop(const uint8_t* text, size_t size)
     return printableTail(text, 0, size);
 }
 
+ByteKinds kindsLoop(const uint8_t* text)
+{
+    ByteKinds kinds;
+    for (int at = 0; at < 64; ++at) {
+        kinds.starts |= uint64_t((text[at] & 0xc0) != 0x80) << at;
+        kinds.ascii |= uint64_t(text[at] < 0x80) << at;
+        kinds.controls |= uint64_t(text[at] < 0x80 && !isPrintable(text[at])) << at;
+    }
+    return kinds;
+}
+
 Kernels choose()
 {
-    return { .printable = printableLoop, .widen = widenLoop, .narrow = narrowLoop };
+    return { .printable = printableLoop,
+        .kinds = kindsLoop,
+        .widen = widenLoop,
+        .narrow = narrowLoop,
+        .lastOfStyle = lastOfStyleLoop };
 }
 
 #endif

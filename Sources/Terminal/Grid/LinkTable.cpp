@@ -1,26 +1,39 @@
 #include "Terminal/Grid/LinkTable.h"
 
 #include <algorithm>
-#include <functional>
+#include <cstring>
 
 namespace corvane::terminal {
 
 namespace {
 
 constexpr size_t maxId = 250;
-constexpr size_t fewestSlots = 64;
 
-uint32_t hashOf(std::string_view id, std::string_view address)
+uint64_t wordAt(const char* text)
 {
-    const std::hash<std::string_view> hash;
-    return uint32_t((hash(address) ^ (id.empty() ? 0 : hash(id) * 0x9e3779b97f4a7c15)) >> 32);
+    uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
 }
 
+/// Weak, but quick: two links with one hash only push each other out of those that were named last.
+uint32_t hashOf(std::string_view text)
+{
+    constexpr size_t wordSize = sizeof(uint64_t);
+    uint64_t hash = text.size();
+    const auto mix = [&hash](uint64_t word) {
+        hash = (hash ^ word) * 0x9e3779b97f4a7c15;
+        hash ^= hash >> 32;
+    };
+    for (size_t at = 0; at + wordSize <= text.size(); at += wordSize)
+        mix(wordAt(text.data() + at));
+    if (text.size() >= wordSize)
+        mix(wordAt(text.data() + text.size() - wordSize));
+    else
+        std::for_each(text.begin(), text.end(), [&](char letter) { mix(uint8_t(letter)); });
+    return uint32_t(hash);
 }
 
-LinkTable::LinkTable()
-    : m_slots(fewestSlots)
-{
 }
 
 uint32_t LinkTable::intern(std::string_view id, std::string_view address)
@@ -28,30 +41,22 @@ uint32_t LinkTable::intern(std::string_view id, std::string_view address)
     if (address.empty() || address.size() > maxAddress)
         return 0;
     id = id.substr(0, maxId);
-    const uint32_t hash = hashOf(id, address);
-    const size_t mask = m_slots.size() - 1;
-    for (size_t slot = hash & mask; m_slots[slot].link; slot = (slot + 1) & mask) {
-        const uint32_t link = m_slots[slot].link;
-        if (m_slots[slot].hash == hash && this->address(link) == address && this->id(link) == id)
-            return link;
-    }
-    if (bytes() > 2 * maxBytes)
+    const uint32_t hash = hashOf(address) ^ hashOf(id);
+    Recent& recent = m_recent[hash % m_recent.size()];
+    if (recent.link && recent.hash == hash && this->address(recent.link) == address && this->id(recent.link) == id)
+        return recent.link;
+    ++m_added;
+    if (bytes() > maxBytes)
         return 0;
-    uint32_t link;
     if (m_free.empty()) {
         m_entries.emplace_back();
-        link = uint32_t(m_entries.size());
-    } else {
-        link = m_free.back();
-        m_free.pop_back();
+        m_free.push_back(uint32_t(m_entries.size()));
     }
-    m_entries[link - 1] = { uint32_t(m_text.size()), uint16_t(id.size()), uint16_t(address.size()), hash };
+    recent = { hash, m_free.back() };
+    m_free.pop_back();
+    m_entries[recent.link - 1] = { uint32_t(m_text.size()), uint16_t(id.size()), uint16_t(address.size()) };
     m_text.append(id).append(address);
-    if (++m_live * 2 > m_slots.size())
-        rebuild(m_slots.size() * 2);
-    else
-        insertSlot({ hash, link });
-    return link;
+    return recent.link;
 }
 
 std::string_view LinkTable::address(uint32_t link) const
@@ -74,7 +79,7 @@ void LinkTable::collect(const std::vector<bool>& used)
 {
     std::string kept;
     m_free.clear();
-    m_live = 0;
+    m_recent = {};
     for (uint32_t link = uint32_t(m_entries.size()); link > 0; --link) {
         Entry& entry = m_entries[link - 1];
         if (entry.addressLength == 0 || !used[link]) {
@@ -85,29 +90,11 @@ void LinkTable::collect(const std::vector<bool>& used)
         const auto begin = uint32_t(kept.size());
         kept.append(m_text, entry.begin, size_t(entry.idLength) + entry.addressLength);
         entry.begin = begin;
-        ++m_live;
     }
     m_text = std::move(kept);
-    m_threshold = std::max<size_t>(16384, m_live * 2);
-    rebuild(m_slots.size());
-}
-
-void LinkTable::insertSlot(Slot entry)
-{
-    const size_t mask = m_slots.size() - 1;
-    size_t slot = entry.hash & mask;
-    while (m_slots[slot].link)
-        slot = (slot + 1) & mask;
-    m_slots[slot] = entry;
-}
-
-void LinkTable::rebuild(size_t slots)
-{
-    m_slots.assign(slots, {});
-    for (uint32_t link = 1; link <= m_entries.size(); ++link) {
-        if (m_entries[link - 1].addressLength > 0)
-            insertSlot({ m_entries[link - 1].hash, link });
-    }
+    m_kept = m_text.size();
+    m_added = 0;
+    m_allowance = std::max(fewest, 2 * (m_entries.size() - m_free.size()));
 }
 
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -7,12 +8,11 @@
 
 namespace corvane::terminal {
 
-/// The hyperlinks that styles name. Two places with the same address and the same id are one link.
+/// The hyperlinks that styles name. An address and id that were named not long ago are the same link again, so that
+/// one that is written in pieces stays one.
 class LinkTable {
 public:
     static constexpr size_t maxAddress = 2083;
-
-    LinkTable();
 
     /// 0 if the address is longer than allowed or the table cannot hold more.
     uint32_t intern(std::string_view id, std::string_view address);
@@ -20,36 +20,34 @@ public:
     std::string_view address(uint32_t link) const;
     std::string_view id(uint32_t link) const;
 
-    bool isFull() const { return m_live >= m_threshold || bytes() > maxBytes; }
+    /// True when `collect` is due.
+    bool isFull() const { return m_added >= m_allowance || m_text.size() >= m_kept + maxBytes / 4; }
     /// Keeps the links whose number is set in `used`, which has `capacity` places.
     void collect(const std::vector<bool>& used);
     size_t capacity() const { return m_entries.size() + 1; }
-    size_t bytes() const { return m_text.size() + m_entries.size() * (sizeof(Entry) + sizeof(Slot)); }
+    size_t bytes() const { return m_text.size() + m_entries.size() * sizeof(Entry); }
 
 private:
-    static constexpr size_t maxBytes = 8 << 20;
+    static constexpr size_t maxBytes = 16 << 20;
+    static constexpr size_t fewest = 16384; ///< links until the next collection
     /// The address follows the id. Free where both are empty.
     struct Entry {
         uint32_t begin = 0;
         uint16_t idLength = 0;
         uint16_t addressLength = 0;
-        uint32_t hash = 0;
     };
-    /// The hash is kept here too, so that a look-up reads the entry of the link that it finds and no other.
-    struct Slot {
+    struct Recent {
         uint32_t hash = 0;
         uint32_t link = 0;
     };
 
-    void insertSlot(Slot slot);
-    void rebuild(size_t slots);
-
     std::string m_text;
     std::vector<Entry> m_entries; // of link 1, 2, ...
-    std::vector<Slot> m_slots; // a power of two of them
     std::vector<uint32_t> m_free;
-    size_t m_live = 0;
-    size_t m_threshold = 16384;
+    std::array<Recent, 1024> m_recent; // by hash
+    size_t m_added = 0; // since the last collection
+    size_t m_allowance = fewest;
+    size_t m_kept = 0; // bytes of text that the last collection left
 };
 
 }

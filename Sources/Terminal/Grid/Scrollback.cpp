@@ -2,6 +2,7 @@
 
 #include "Terminal/Text/Utf8.h"
 
+#include <bit>
 #include <cassert>
 #include <utility>
 
@@ -21,7 +22,6 @@ Scrollback::Scrollback(StyleTable& styles, ClusterTable& clusters, Limits limits
     : m_styles(styles)
     , m_clusters(clusters)
     , m_limits(limits)
-    , m_styleCache(256)
 {
 }
 
@@ -131,15 +131,22 @@ void Scrollback::addStyleRun(uint16_t style, size_t count)
 
 void Scrollback::pushStyles(const Row& row, int count)
 {
+    if (count == 0)
+        return;
     if (m_styleRuns.empty())
         addStyleRun(0, m_cells);
-    for (int i = 0; i < count;) {
-        const StyleId style = row.cells[i].style();
-        const int from = i++;
-        while (i < count && row.cells[i].style() == style)
-            ++i;
-        addStyleRun(pageStyle(style), size_t(i - from));
+    const auto* const cells = reinterpret_cast<const uint64_t*>(row.cells);
+    constexpr int piece = 64;
+    int from = 0;
+    for (int at = 0; at < count; at += piece) {
+        const auto length = size_t(std::min(count - at, piece + 1));
+        for (uint64_t ends = m_kernels.lastOfStyle(cells + at, length); ends; ends &= ends - 1) {
+            const int end = at + std::countr_zero(ends) + 1;
+            addStyleRun(pageStyle(row.cells[from].style()), size_t(end - from));
+            from = end;
+        }
     }
+    addStyleRun(pageStyle(row.cells[from].style()), size_t(count - from));
 }
 
 uint16_t Scrollback::pageStyle(StyleId id)
@@ -168,11 +175,31 @@ void Scrollback::addShapeRun(ShapeRun run)
     m_shapeRuns.push_back(run);
 }
 
+/// Runs of characters that are equally wide and long.
+void Scrollback::addShapes(const PackedText& packed)
+{
+    const auto changes = [](uint64_t bits) {
+        return bits ^ bits << 1;
+    };
+    uint64_t begins = changes(packed.wide) | changes(packed.two) | changes(packed.three) | changes(packed.four) | 1;
+    size_t from = 0;
+    while (from < packed.characters) {
+        begins &= begins - 1;
+        const size_t next = std::min(packed.characters, size_t(std::countr_zero(begins)));
+        const auto has = [from](uint64_t bits) {
+            return uint8_t(bits >> from & 1);
+        };
+        addShapeRun({ uint8_t(1 + has(packed.wide)),
+            uint8_t(1 + has(packed.two) + has(packed.three) + has(packed.four)), uint16_t(next - from) });
+        from = next;
+    }
+}
+
 void Scrollback::pushComplex(const Row& row, int count)
 {
     const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });
     makeRoom(size_t(clusters) * maxCharacterBytes + size_t(count) * 4
-        + size_t(count) * (sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun));
+        + size_t(count) * (sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun) + TextKernels::writeAhead);
     if (m_shapeRuns.empty() && m_cells)
         m_shapeRuns.push_back({ 1, 1, uint16_t(m_cells) });
     char* const begin = m_pages.back().textBegin();
@@ -187,21 +214,10 @@ void Scrollback::pushComplex(const Row& row, int count)
             i += first.width();
             continue;
         }
-        // Characters in a row that are equally wide and long.
-        const auto [lowest, highest] = utf8Range(first.content());
-        const int width = first.width();
-        const auto part = first.part();
-        char encoded[4];
-        const size_t bytes = encodeUtf8(first.content(), encoded);
-        uint16_t run = 0;
-        for (; i < count; i += width, ++run) {
-            const Cell cell = row.cells[i];
-            if (cell.isCluster() || cell.part() != part || cell.content() - lowest > highest - lowest)
-                break;
-            encodeUtf8(cell.content(), to);
-            to += bytes;
-        }
-        addShapeRun({ uint8_t(width), uint8_t(bytes), run });
+        const PackedText packed = m_textKernels.pack(row.cells + i, std::min(size_t(count - i), TextKernels::most), to);
+        addShapes(packed);
+        to += packed.bytes;
+        i += int(packed.cells);
     }
     m_text = uint32_t(to - begin);
 }

@@ -4,7 +4,9 @@
 #include "Terminal/Grid/HistoryPage.h"
 #include "Terminal/Grid/Kernels.h"
 #include "Terminal/Grid/StyleTable.h"
+#include "Terminal/Grid/TextKernels.h"
 
+#include <array>
 #include <deque>
 
 namespace corvane::terminal {
@@ -73,6 +75,7 @@ private:
     void makeRoom(size_t bytes);
     void pushStyles(const Row& row, int count);
     void pushComplex(const Row& row, int count);
+    void addShapes(const PackedText& packed);
     void addStyleRun(uint16_t style, size_t count);
     void addShapeRun(ShapeRun run);
     uint16_t pageStyle(StyleId id);
@@ -85,6 +88,7 @@ private:
     ClusterTable& m_clusters;
     Limits m_limits;
     const Kernels& m_kernels = Kernels::instance();
+    const TextKernels& m_textKernels = TextKernels::instance();
     std::deque<HistoryPage> m_pages;
     uint64_t m_nextLine = 0;
     // The line that is being built at the end of the last page, not yet committed.
@@ -94,7 +98,7 @@ private:
     LineSize m_lineSize = LineSize::Single;
     std::vector<StyleRun> m_styleRuns;
     std::vector<ShapeRun> m_shapeRuns;
-    std::vector<CachedStyle> m_styleCache;
+    std::array<CachedStyle, 256> m_styleCache;
     uint32_t m_epoch = 1;
     size_t m_closedBytes = 0; // of all pages but the last
     size_t m_nextToCompress = 0;

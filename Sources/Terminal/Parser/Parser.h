@@ -2,6 +2,7 @@
 
 #include "Terminal/Grid/Kernels.h"
 #include "Terminal/Parser/Sequence.h"
+#include "Terminal/Parser/TextRun.h"
 #include "Terminal/Text/Utf8.h"
 
 #include <span>
@@ -42,7 +43,6 @@ public:
     /// Longer strings are dropped; those that carry data may be longer.
     static constexpr size_t maxOsc = 64 * 1024;
     static constexpr size_t maxOscData = 48 << 20;
-    static constexpr size_t maxPoints = 64; ///< at once to the sink
 
 private:
     enum class State : uint8_t {
@@ -72,7 +72,9 @@ private:
     Byte text(Byte at, Byte end);
     Byte escapeSequence(Byte at, Byte end);
     Byte controlSequence(Byte at, Byte end);
+    Byte command(Byte at, Byte end);
     Byte string(Byte at, Byte end);
+    Byte stringStop(Byte at, Byte end, State state) const;
     void step(uint8_t byte);
     void utf8Step(uint8_t byte);
     void point(char32_t point);
@@ -88,6 +90,7 @@ private:
     void beginString(State state);
     void endString(bool complete);
     void appendOsc(Byte from, Byte to);
+    bool asciiIsText() const { return m_coding == Coding::Utf8 && m_sink.printsAsciiAsItIs(); }
     bool isString() const
     {
         return m_state == State::Osc || m_state == State::Apc || m_state == State::DcsPassthrough

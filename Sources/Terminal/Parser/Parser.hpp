@@ -42,8 +42,12 @@ template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
         const uint8_t byte = *at;
         if (uint8_t(byte - 0x20) < 0x5f) {
             const size_t run = printableRun(at, end);
-            m_sink.printAscii(at, run);
-            at += run;
+            if (run < TextRun::longAscii && at + run < end && at[run] >= 0x80 && asciiIsText()) {
+                at = text(at, end);
+            } else {
+                m_sink.printAscii(at, run);
+                at += run;
+            }
         } else if (byte == escapeCode) {
             at = m_vt52 ? (m_state = State::Vt52Escape, at + 1) : escapeSequence(at + 1, end);
         } else if (byte < 0x20) {
@@ -89,7 +93,7 @@ template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) co
     return m_kernels.printable(at, size);
 }
 
-/// A run of bytes from 0x80 on.
+/// A run that holds bytes from 0x80 on, and begins with one unless ASCII is text like any other.
 template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
 {
     if (m_coding == Coding::EightBit) {
@@ -98,35 +102,10 @@ template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
         return at;
     }
     // Whole well-formed characters, the common case; all else goes through the decoder.
-    char32_t points[maxPoints];
-    size_t count = 0;
-    const auto isMore = [](uint8_t byte) {
-        return (byte & 0xc0) == 0x80;
-    };
-    while (end - at >= 4 && count < maxPoints) {
-        const uint8_t first = at[0];
-        if (first >= 0xc3 && first < 0xe0 && isMore(at[1])) {
-            points[count++] = char32_t(first & 0x1f) << 6 | (at[1] & 0x3f);
-            at += 2;
-        } else if (first > 0xe0 && first < 0xf0 && first != 0xed && isMore(at[1]) && isMore(at[2])) {
-            points[count++] = char32_t(first & 0x0f) << 12 | char32_t(at[1] & 0x3f) << 6 | (at[2] & 0x3f);
-            at += 3;
-        } else if (first == 0xf0 && uint8_t(at[1] - 0x90) < 0x30 && isMore(at[2]) && isMore(at[3])) {
-            points[count++] = char32_t(at[1] & 0x3f) << 12 | char32_t(at[2] & 0x3f) << 6 | (at[3] & 0x3f);
-            at += 4;
-        } else if (count > 0 && first < 0x80 && end - at >= ptrdiff_t(wordSize)) {
-            // The few letters between characters of this run go with them.
-            const size_t run = printableInWord(at);
-            if (run == 0 || run == wordSize || count + run > maxPoints || !m_sink.printsAsciiAsItIs())
-                break;
-            for (const Byte stop = at + run; at < stop;)
-                points[count++] = *at++;
-        } else {
-            break;
-        }
-    }
-    if (count > 0) {
-        m_sink.printPoints(points, count);
+    TextRun run;
+    at += run.decode(at, size_t(end - at), asciiIsText() ? TextRun::Ascii::Taken : TextRun::Ascii::Left);
+    if (run.count > 0) {
+        m_sink.printPoints(run.points, run.count);
         return at;
     }
     while (at < end && m_state == State::Ground && (*at >= 0x80 || m_utf8.isMidway())) {
@@ -217,10 +196,8 @@ template <typename Sink> auto Parser<Sink>::escapeSequence(Byte at, Byte end) ->
 {
     if (at < end && *at == '[')
         return controlSequence(at + 1, end);
-    if (at < end && *at == ']') {
-        beginString(State::Osc);
-        return at + 1;
-    }
+    if (at < end && *at == ']')
+        return command(at + 1, end);
     beginEscape();
     return at;
 }
@@ -466,42 +443,49 @@ template <typename Sink> void Parser<Sink>::appendOsc(Byte from, Byte to)
         m_osc.append(reinterpret_cast<const char*>(from), size_t(to - from));
 }
 
-/// The bytes of a string up to what ends it, in one piece.
-template <typename Sink> auto Parser<Sink>::string(Byte at, Byte end) -> Byte
+/// The first byte that ends the string, or is no part of it.
+template <typename Sink> auto Parser<Sink>::stringStop(Byte at, Byte end, State state) const -> Byte
 {
     const bool rawC1 = m_rawC1 || m_coding == Coding::EightBit;
-    Byte stop = at;
-    const auto endsRun = [&](uint8_t byte) {
+    const auto stops = [&](uint8_t byte) {
         return (byte < 0x20
-                   && (byte == escapeCode || byte == cancelByte || byte == substituteByte || m_state == State::Osc))
+                   && (byte == escapeCode || byte == cancelByte || byte == substituteByte || state == State::Osc))
             || (rawC1 && byte >= 0x80 && byte < 0xa0);
     };
     while (true) {
-        stop += m_kernels.printable(stop, size_t(end - stop));
-        if (stop == end || endsRun(*stop))
-            break;
-        ++stop;
+        at += m_kernels.printable(at, size_t(end - at));
+        if (at == end || stops(*at))
+            return at;
+        ++at;
     }
+}
+
+/// `at` is behind an OSC. A title or a link that lies whole in the buffer needs neither a copy nor a state.
+template <typename Sink> auto Parser<Sink>::command(Byte at, Byte end) -> Byte
+{
+    const Byte stop = stringStop(at, end, State::Osc);
+    const auto size = size_t(stop - at);
+    const bool byBell = stop < end && *stop == bellByte;
+    if ((byBell || (end - stop >= 2 && *stop == escapeCode && stop[1] == '\\')) && size <= maxOsc) {
+        m_sink.osc({ reinterpret_cast<const char*>(at), size });
+        return stop + (byBell ? 1 : 2);
+    }
+    beginString(State::Osc);
+    return at;
+}
+
+/// The bytes of a string up to what ends it, in one piece.
+template <typename Sink> auto Parser<Sink>::string(Byte at, Byte end) -> Byte
+{
+    const Byte stop = stringStop(at, end, m_state);
     if (stop > at) {
         const std::string_view run(reinterpret_cast<const char*>(at), size_t(stop - at));
-        if (m_state == State::Osc) {
-            // A title or a link that lies whole in the buffer needs no copy.
-            if (m_osc.empty() && run.size() <= maxOsc && stop < end && *stop == bellByte) {
-                m_state = State::Ground;
-                m_sink.osc(run);
-                return stop + 1;
-            }
-            if (m_osc.empty() && run.size() <= maxOsc && end - stop >= 2 && *stop == escapeCode && stop[1] == '\\') {
-                m_state = State::Ground;
-                m_sink.osc(run);
-                return stop + 2;
-            }
+        if (m_state == State::Osc)
             appendOsc(at, stop);
-        } else if (m_state == State::DcsPassthrough) {
+        else if (m_state == State::DcsPassthrough)
             m_sink.dcsData(run);
-        } else if (m_state == State::Apc) {
+        else if (m_state == State::Apc)
             m_sink.apcData(run);
-        }
     }
     if (stop == end)
         return stop;

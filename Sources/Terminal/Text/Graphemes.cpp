@@ -31,12 +31,4 @@ bool Graphemes::breaks(GraphemeBreak next) const
     }
 }
 
-void Graphemes::advance(GraphemeBreak next, bool starts)
-{
-    m_joined = m_emoji && next == ZWJ;
-    m_emoji = next == Pictographic || (m_emoji && next == Extend);
-    m_oddIndicator = next == RegionalIndicator && (starts || !m_oddIndicator);
-    m_last = next;
-}
-
 }

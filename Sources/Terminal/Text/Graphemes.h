@@ -17,18 +17,22 @@ public:
         return starts;
     }
 
-    /// As startsCluster, where that is told at a glance; otherwise false, and nothing is taken.
-    bool surelyStarts(CodePoint next)
+    /// Begins a cluster behind any other of its kind. As bits, by class.
+    static constexpr uint32_t standalone = 1u << int(GraphemeBreak::Other) | 1u << int(GraphemeBreak::LV)
+        | 1u << int(GraphemeBreak::LVT) | 1u << int(GraphemeBreak::Pictographic);
+    static bool isStandalone(CodePoint point) { return standalone >> int(point.graphemeBreak()) & 1; }
+    /// What came before joins nothing that stands alone.
+    bool isDone() const
     {
-        const GraphemeBreak kind = next.graphemeBreak();
-        const bool alone = kind == GraphemeBreak::Other || kind == GraphemeBreak::LV || kind == GraphemeBreak::LVT
-            || (kind == GraphemeBreak::Pictographic && !m_joined);
-        if (!alone || m_last == GraphemeBreak::Prepend || m_last == GraphemeBreak::L || m_last == GraphemeBreak::CR)
-            return false;
-        m_last = kind;
-        m_emoji = kind == GraphemeBreak::Pictographic;
-        m_joined = m_oddIndicator = false;
-        return true;
+        return !m_joined && m_last != GraphemeBreak::Prepend && m_last != GraphemeBreak::L
+            && m_last != GraphemeBreak::CR;
+    }
+    /// As after startsCluster with the last of a run of those that stand alone.
+    void afterStandalone(CodePoint last)
+    {
+        *this = {};
+        m_last = last.graphemeBreak();
+        m_emoji = m_last == GraphemeBreak::Pictographic;
     }
 
     void restart() { *this = {}; }
@@ -42,7 +46,13 @@ public:
 
 private:
     bool breaks(GraphemeBreak next) const;
-    void advance(GraphemeBreak next, bool starts);
+    void advance(GraphemeBreak next, bool starts)
+    {
+        m_joined = m_emoji && next == GraphemeBreak::ZWJ;
+        m_emoji = next == GraphemeBreak::Pictographic || (m_emoji && next == GraphemeBreak::Extend);
+        m_oddIndicator = next == GraphemeBreak::RegionalIndicator && (starts || !m_oddIndicator);
+        m_last = next;
+    }
 
     GraphemeBreak m_last = GraphemeBreak::Control; // as at the start of text
     bool m_emoji = false; // a pictograph, and nothing but extenders since

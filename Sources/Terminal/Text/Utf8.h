@@ -2,49 +2,45 @@
 
 #include "Terminal/Text/CodePoint.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace corvane::terminal {
 
-/// Writes the code point to `out`, which has room for 4 bytes; answers how many it took.
+/// What a character of so many bytes looks like, those taken as one number; by length. Controls are left out.
+struct Utf8Forms {
+    uint32_t leadMask[16];
+    uint32_t lead[16];
+    uint32_t valueMask[16];
+    uint32_t first[16];
+    uint32_t span[16];
+};
+inline constexpr Utf8Forms utf8Forms {
+    .leadMask = { 0, 0x80, 0xe000, 0xf00000, 0xf8000000 },
+    .lead = { 0, 0, 0xc000, 0xe00000, 0xf0000000 },
+    .valueMask = { 0, 0x7f, 0x7ff, 0xffff, 0x1fffff },
+    .first = { 0, 0x20, 0xa0, 0x800, 0x10000 },
+    .span = { 0, 0x7e - 0x20, 0x7ff - 0xa0, 0xffff - 0x800, 0x10ffff - 0x10000 },
+};
+/// What its bytes have beside its value.
+inline constexpr uint32_t utf8Marks[] = { 0, 0, 0xc080, 0xe08080, 0xf0808080 };
+
+/// Writes 4 bytes to `out`, of which the code point takes the first; answers how many.
 inline size_t encodeUtf8(char32_t point, char* out)
 {
-    if (point < 0x80) {
-        out[0] = char(point);
-        return 1;
-    }
-    if (point < 0x800) {
-        out[0] = char(0xc0 | point >> 6);
-        out[1] = char(0x80 | (point & 0x3f));
-        return 2;
-    }
-    if (point < 0x10000) {
-        out[0] = char(0xe0 | point >> 12);
-        out[1] = char(0x80 | (point >> 6 & 0x3f));
-        out[2] = char(0x80 | (point & 0x3f));
-        return 3;
-    }
-    out[0] = char(0xf0 | point >> 18);
-    out[1] = char(0x80 | (point >> 12 & 0x3f));
-    out[2] = char(0x80 | (point >> 6 & 0x3f));
-    out[3] = char(0x80 | (point & 0x3f));
-    return 4;
-}
-
-/// The first and the last code point that take as many bytes as this one.
-inline std::pair<char32_t, char32_t> utf8Range(char32_t point)
-{
-    if (point < 0x80)
-        return { 0, 0x7f };
-    if (point < 0x800)
-        return { 0x80, 0x7ff };
-    if (point < 0x10000)
-        return { 0x800, 0xffff };
-    return { 0x10000, 0x10ffff };
+    // All lengths by the same steps, since which one comes next is not to be foreseen.
+    const size_t length = size_t(1) + (point >= 0x80) + (point >= 0x800) + (point >= 0x10000);
+    const uint32_t spread
+        = (point & 0x3f) | (point & 0xfc0) << 2 | (point & 0x3f000) << 4 | (point & 0x1c0000) << 6 | utf8Marks[length];
+    uint32_t bytes = (length == 1 ? uint32_t(point) : spread) << (32 - 8 * length);
+    if constexpr (std::endian::native == std::endian::little)
+        bytes = std::byteswap(bytes);
+    std::memcpy(out, &bytes, sizeof bytes);
+    return length;
 }
 
 inline void appendUtf8(std::string& text, char32_t point)
