@@ -23,7 +23,7 @@ const flips: [RegExp, string][] = [
     [/ == /, ' != '], [/ != /, ' == '], [/ <= /, ' < '], [/ >= /, ' > '], [/ < (?=[\w(])/, ' <= '], [/ > (?=[\w(])/, ' >= '],
     [/ && /, ' || '], [/ \|\| /, ' && '], [/ \+ (?=[\w(])/, ' - '], [/ - (?=[\w(])/, ' + '], [/\+\+(?=\w)/, '--'],
     [/\btrue\b/, 'false'], [/\bfalse\b/, 'true'], [/\bif \(!/, 'if ('], [/\bif \((?!!|const |auto )/, 'if (!'],
-    [/\breturn ([^;{}]*[\w)]);/, 'return {};'],
+    [/\breturn (?!(?:0|nullptr|false|std::nullopt|[A-Z]\w*\(\));)([^;{}]*[\w)]);/, 'return {};'], // but for what {} is, too
 ];
 /** A whole call or assignment on a line of its own; declarations, returns and jumps are none. */
 const statement = /^\s+(?!return\b|break\b|continue\b|case\b|const\b|auto\b|static\b|using\b|co_return\b|delete\b)[\w.:>()[\]-]+(\(.*\)| [-+|&]?= .*);$/;
@@ -31,7 +31,7 @@ const statement = /^\s+(?!return\b|break\b|continue\b|case\b|const\b|auto\b|stat
 function faultsIn(file: string): Fault[] {
     const faults: Fault[] = [];
     readFileSync(join(tree, file), 'utf8').split('\n').forEach((before, index) => {
-        if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
+        if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr|Q_ASSERT)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
             return;
         const code = before.replace(/"(\\.|[^"\\])*"/g, (text) => ' '.repeat(text.length)); // no fault inside a text
         for (const [pattern, to] of flips) {
