@@ -5,23 +5,17 @@
 #include "Inbox/Thread/ThreadRow.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/ThreadQueries.h"
-#include "Store/Search/MessageSearch.h"
-#include "Store/Search/SearchIndex.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFileInfo>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
-#include <random>
 
 namespace corvane::bench {
 
 namespace {
 
 constexpr int threadLimit = 1000;
-const QString rareWord = u"zebra crossing"_s;
 
 MirrorBench& bench()
 {
@@ -156,87 +150,6 @@ void threadMemory(benchmark::State& state)
     }
 }
 
-/// A word that nothing holds: the whole mirror is read. The main thread turns its loop meanwhile.
-void searchFromTheWindow(benchmark::State& state)
-{
-    MessageSearch search(bench().store());
-    qint64 longestTurn = 0;
-    for (auto _ : state) {
-        bool found = false;
-        search.start(rareWord, 60, [&](const FoundMessages&) { found = true; });
-        while (!found) {
-            QElapsedTimer turn;
-            turn.start();
-            QCoreApplication::processEvents();
-            longestTurn = std::max(longestTurn, turn.nsecsElapsed());
-        }
-    }
-    state.counters["longest_turn_ms"] = double(longestTurn) / 1e6;
-}
-
-void searchBare(benchmark::State& state)
-{
-    const QByteArray sql = bench().statementOf([](LocalDB& db) { searchMessages(db, rareWord, 60); });
-    const QByteArray pattern = "%" + rareWord.toUtf8() + "%";
-    for (auto _ : state) {
-        BareStatement statement(bench().bare(), sql);
-        statement.step(pattern, pattern, qint64(60));
-    }
-}
-
-/// Pieces of 3 to 20 characters: every other one of some message, the rest with a letter that no message holds.
-QStringList seededPieces(LocalDB& db, int count)
-{
-    std::mt19937 random(7);
-    const QStringList bodies
-        = db.rows("SELECT body FROM unified_message WHERE rowid % 97 = 0 AND length(body) > 25 AND "
-                  "body NOT LIKE '%!%%' ESCAPE '!' AND body NOT LIKE '%!_%' ESCAPE '!';",
-            {}, [](const SqlRow& row) { return row.text(0); });
-    QStringList pieces;
-    while (pieces.size() < count) {
-        const QString& body = bodies.at(qsizetype(random() % size_t(bodies.size())));
-        const qsizetype length = 3 + qsizetype(random() % 18);
-        QString piece = body.mid(qsizetype(random() % size_t(body.size() - length + 1)), length);
-        if (pieces.size() % 2 == 1)
-            piece[qsizetype(random() % size_t(length))] = u'ŋ';
-        pieces.append(piece);
-    }
-    return pieces;
-}
-
-/// 10,000 searches by the index, once it is built. Every 1000th is compared with the statement's rows.
-void searchesByIndex(benchmark::State& state)
-{
-    LocalDB& db = bench().store();
-    const auto never = std::make_shared<std::atomic<bool>>(false);
-    const QString path = SearchIndex::pathBeside(db.path());
-    QElapsedTimer time;
-    time.start();
-    {
-        SearchIndex index(path, never);
-        const auto reader = SqlConnection::reader(db.path(), never);
-        while (!index.advance(*reader, {}).complete) { }
-    }
-    state.counters["build, s"] = double(time.elapsed()) / 1e3;
-    state.counters["file, MB"] = double(QFileInfo(path).size()) / 1e6;
-    const QStringList pieces = seededPieces(db, 10'000);
-    for (auto _ : state) {
-        std::vector<double> taken;
-        for (const QString& piece : pieces) {
-            time.start();
-            const auto found = searchByIndex(
-                *SqlConnection::reader(db.path(), never), *SqlConnection::reader(path, never), piece, 60, {});
-            taken.push_back(double(time.nsecsElapsed()) / 1e6);
-            if (!found || (taken.size() % 1000 == 0 && *found != searchMessages(db, piece, 60)))
-                state.SkipWithError("other rows than the statement's");
-        }
-        std::ranges::sort(taken);
-        state.counters["p50, ms"] = taken.at(taken.size() / 2);
-        state.counters["p99, ms"] = taken.at(taken.size() * 99 / 100);
-        state.counters["longest, ms"] = taken.back();
-    }
-}
-
 BENCHMARK(openedThread)->Name("thread of 1000/corvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(threadStatement)->Name("thread of 1000/bare statement")->Unit(benchmark::kMillisecond);
 BENCHMARK(openedLongThread)->Name("thread of 100000/corvane")->Unit(benchmark::kMillisecond);
@@ -245,9 +158,6 @@ BENCHMARK(pageOn)->Name("thread of 100000, a page on/corvane")->Unit(benchmark::
 BENCHMARK(fetchedThread)->Name("thread as rows")->Unit(benchmark::kMillisecond);
 BENCHMARK(threadInWords)->Name("thread in words")->Unit(benchmark::kMillisecond);
 BENCHMARK(threadMemory)->Name("thread in memory")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(searchFromTheWindow)->Name("rare word/corvane")->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
-BENCHMARK(searchesByIndex)->Name("10000 searches by the index")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(searchBare)->Name("rare word/bare")->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
 
 }
 

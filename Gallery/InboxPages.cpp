@@ -111,6 +111,8 @@ void drawInbox(Gallery& gallery)
     inbox.composeSheet()->close();
     gallery.press(Qt::Key_K, Qt::ControlModifier);
     gallery.save(u"palette-open"_s, { Look::Light, Look::Dark });
+    inbox.palette()->setQuery(u"kiln be"_s);
+    gallery.save(u"palette-narrowing"_s, { Look::Light });
     gallery.press(Qt::Key_Escape);
     gallery.press(Qt::Key_F1);
     gallery.save(u"shortcuts-open"_s, { Look::Light, Look::DarkSmall });
@@ -120,6 +122,13 @@ void drawInbox(Gallery& gallery)
 
     searchFor(gallery, u"glaze"_s);
     gallery.save(u"inbox-search"_s, { Look::Light, Look::Dark });
+    if (QQuickItem* list = gallery.item(u"inbox.list"_s))
+        list->setProperty("contentY", 560);
+    gallery.save(u"inbox-search-groups"_s, { Look::Light, Look::DarkSmall });
+    searchFor(gallery, u"glaze in:work"_s);
+    gallery.save(u"inbox-search-group"_s, { Look::Light });
+    searchFor(gallery, u"glaze before:tuesday"_s);
+    gallery.save(u"inbox-search-hint"_s, { Look::Light });
     searchFor(gallery, u"nothing like this"_s);
     gallery.save(u"inbox-nothing-found"_s, { Look::Dark });
     searchFor(gallery, {});

@@ -128,7 +128,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
     /// The search runs on a thread of its own.
     void awaitHits()
     {
-        EXPECT_TRUE(await([this] { return !inbox.list()->hitsPending(); }));
+        EXPECT_TRUE(await([this] { return !inbox.list()->searchPending(); }));
     }
 
     FakeLumo lumo { clock };

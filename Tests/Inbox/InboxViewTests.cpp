@@ -2,6 +2,7 @@
 #include "InboxViewTest.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/People/CrmRecords.h"
 
 using namespace corvane;
 
@@ -111,6 +112,47 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 0);
 }
 
+TEST_F(InboxViewTest, aSearchFindsOtherRecordsInGroupsAndLeadsToThem)
+{
+    receiveFromAnaAndBen();
+    for (int i = 0; i < 7; ++i)
+        addNote(engines.db(), ana, u"kiln <%1>"_s.arg(i));
+    insertCRMTask(engines.db(), NewTask { u"Sweep the kiln"_s, {} });
+    QList<FoundRecord> chosen;
+    QObject::connect(
+        inbox.list(), &ContactListView::recordChosen, [&](const FoundRecord& record, const QString& words) {
+            EXPECT_EQ(words, "kiln");
+            chosen.append(record);
+        });
+    const auto search = [this](const QString& typed) {
+        inbox.filters()->setSearch(typed);
+        clock.advance(Milliseconds(250));
+        ASSERT_TRUE(await([this] { return !inbox.list()->searchPending(); }));
+    };
+    search(u"kiln"_s);
+    HoldingListModel* const records = inbox.list()->records();
+    EXPECT_EQ(column(records, "heading"), QStringList({ "Notes", "", "", "", "", "Tasks" }));
+    EXPECT_EQ(column(records, "more").at(4), "All notes");
+    EXPECT_EQ(column(records, "snippet").first(), "<b>kiln</b> &lt;6&gt;");
+    EXPECT_EQ(column(records, "opens").last(), "false") << "it belongs to nobody, and no screen shows it";
+    EXPECT_FALSE(inbox.list()->isEmpty());
+    inbox.list()->openRecord(column(records, "id").first());
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(chosen.first().personId, ana);
+
+    inbox.list()->showGroup(column(records, "id").first());
+    EXPECT_EQ(inbox.filters()->search(), "kiln in:notes");
+    ASSERT_TRUE(await([&] { return records->rowCount() == 7; }));
+
+    search(u"kiln before:soon"_s);
+    EXPECT_TRUE(inbox.list()->isEmpty());
+    EXPECT_EQ(inbox.filters()->emptyTitle(), "The search is not understood");
+    EXPECT_TRUE(inbox.filters()->emptyDetail().startsWith(u"“soon” is not understood: "_s));
+    search(u"kiln from:"_s);
+    EXPECT_EQ(inbox.filters()->searchHint(), "After from: comes a part of a name, or me.");
+    EXPECT_EQ(records->rowCount(), 6) << "the rest is searched meanwhile";
+}
+
 TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachMessage)
 {
     receive(ana, "invoice one");
@@ -133,7 +175,7 @@ TEST_F(InboxViewTest, aLongSearchTellsThatItRunsAndShowsNothingOld)
     type("invoice");
     inbox.filters()->setSearch("nothing like it");
     clock.advance(Milliseconds(250));
-    EXPECT_TRUE(inbox.list()->hitsPending());
+    EXPECT_TRUE(inbox.list()->searchPending());
     EXPECT_FALSE(inbox.list()->searching());
     EXPECT_FALSE(inbox.list()->isEmpty()) << "nobody knows yet";
     EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 1) << "a quick search does not flicker";

@@ -58,9 +58,15 @@ TEST(InboxList, aSearchLooksThroughCaseAndDiacritics)
     ContactRow second = person("2", "Ben");
     second.snippet = "El próximo AÑO";
     const QList<ContactRow> rows { person("1", "José Núñez"), second };
-    EXPECT_EQ(ids(matching(rows, "nunez")), QStringList("1"));
-    EXPECT_EQ(ids(matching(rows, "PROX")), QStringList("2"));
-    EXPECT_TRUE(matching(rows, "zebra").isEmpty());
+    EXPECT_EQ(ids(matching(rows, u"nunez"_s)), QStringList("1"));
+    EXPECT_EQ(ids(matching(rows, u"PROX"_s)), QStringList("2"));
+    EXPECT_TRUE(matching(rows, u"zebra"_s).isEmpty());
+    const auto narrowed = [&](const QString& typed) {
+        return ids(matching(rows, parseSearch(typed, QDate(2026, 11, 22))));
+    };
+    EXPECT_EQ(narrowed(u"from:nunez"_s), QStringList("1"));
+    EXPECT_EQ(narrowed(u"in:people prox"_s), QStringList("2"));
+    EXPECT_EQ(narrowed(u"prox in:email"_s) + narrowed(u"prox after:2020"_s), QStringList());
 }
 
 TEST(InboxRows, aChangedPersonMovesAndTheEndOfTheListIsNeverGuessed)
@@ -130,7 +136,7 @@ TEST(InboxList, dateGroupsStandByTheirNewestMessage)
 
 TEST(InboxList, anEmptyListSaysWhyAndClearsOneThingAtATime)
 {
-    InboxState state { InboxFilter::NeedsMe, ViewMode::Contacts, SortMode::Recent, " zoë ", "LINKEDIN", "main" };
+    InboxState state { InboxFilter::NeedsMe, ViewMode::Contacts, SortMode::Recent, " zoë ", {}, "LINKEDIN", "main" };
     const auto title = [&] {
         return emptyTitle(state, "LinkedIn", "Main");
     };
@@ -267,6 +273,21 @@ TEST(CommandPalette, contactsComeFirstAndActionsAfterThem)
     EXPECT_EQ(found({}, true, "ARCH"), (QStringList { "Archive it", "Search messages for “ARCH”" }));
     EXPECT_EQ(found(rows, true, "aNa").size(), 30 + 1);
     EXPECT_EQ(found(rows, true, "ana 39"), (QStringList { "Ana 39", "Search messages for “ana 39”" }));
+}
+
+TEST(CommandPalette, teachesTheWordsThatNarrowASearch)
+{
+    EXPECT_EQ(labels(paletteItems({}, {}, u"kiln be"_s)),
+        (QStringList { u"before:2026-11-22"_s, u"Search messages for “kiln be”"_s }));
+    EXPECT_EQ(paletteItems({}, {}, u"before:2026"_s).size(), 1);
+    CommandPalette palette;
+    EXPECT_TRUE(palette.searchWords().endsWith(u"from: in: has: before: after:"_s));
+    const QSignalSpy closed(&palette, &CommandPalette::closed);
+    palette.open();
+    palette.setQuery(u"kiln be"_s);
+    palette.runHighlighted();
+    EXPECT_EQ(palette.query(), u"kiln before:"_s);
+    EXPECT_EQ(closed.size(), 0);
 }
 
 TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)

@@ -4,6 +4,7 @@
 #include "Shell/CommandLine.h"
 #include "Shell/TerminalText.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/People/CrmRecords.h"
 #include "Support/Places.h"
 #include "Support/StoreTest.h"
 
@@ -53,6 +54,13 @@ TEST_F(InboxAtTheTerminal, peopleAndThreadsArePrintedWithoutWhatSteersATerminal)
     EXPECT_EQ(run(showPerson, { u"nobody"_s }), "1: Nobody is called that: nobody\n");
     EXPECT_TRUE(run(searchInbox, { u"kiln"_s }).contains(u"Ana Marti  The kiln is hot\n"_s));
     EXPECT_EQ(run(searchInbox, { u"absent"_s }), "1: ");
+    addNote(*m_db, u"ct:WHATSAPP:2@x"_s, u"Fix the kiln door"_s);
+    const QString both = run(searchInbox, { u"kiln"_s });
+    EXPECT_TRUE(both.contains(u"\nNotes:\n"_s) && both.endsWith(u"Ana Marti  Fix the kiln door\n"_s))
+        << qPrintable(both);
+    EXPECT_FALSE(run(searchInbox, { u"kiln"_s, u"in:messages"_s, u"from:Ana Marti"_s }).contains(u"door"_s));
+    EXPECT_EQ(run(searchInbox, { u"from:Ana Nobody"_s }), "1: ");
+    EXPECT_TRUE(run(searchInbox, { u"before:long"_s }).startsWith(u"2: “long” is not understood: "_s));
     const auto json = jsonObject(run(searchInbox, { u"--json"_s, u"red"_s }).mid(4).chopped(2).toUtf8());
     ASSERT_TRUE(json);
     EXPECT_EQ((*json)[u"text"].toString().contains(u'\x1b'), true) << "what a program reads stays as it is";

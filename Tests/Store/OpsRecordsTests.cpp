@@ -1,6 +1,7 @@
 #include "Foundation/Literals.h"
 #include "Store/Work/OpsRecords.h"
 
+#include "Store/Search/RecordQueries.h"
 #include "Store/Work/WorkBoardQueries.h"
 #include "Store/Work/WorkWrites.h"
 #include "Support/StoreTest.h"
@@ -93,7 +94,7 @@ TEST_F(OpsRecordsTest, missingTablesAreEmptyAndTakeNothing)
     EXPECT_FALSE(createOpsOrder(*m_db, "p", "t", "b", {}));
     EXPECT_TRUE(fetchOpsOrders(*m_db, "p", 9).isEmpty());
     EXPECT_EQ(openUrgentAsks(*m_db), 0);
-    EXPECT_TRUE(findWork(*m_db, "a", 5).isEmpty());
+    EXPECT_TRUE(findRecords(*m_db, u"a"_s, { {}, 0, 5 }).records.isEmpty());
 }
 
 TEST_F(OpsRecordsTest, aBoardCountsFiltersAndTellsTheStory)
@@ -112,7 +113,7 @@ TEST_F(OpsRecordsTest, aBoardCountsFiltersAndTellsTheStory)
     EXPECT_EQ(workItemWords(*m_db, "ops", {}).owners, (QStringList { "Ana", "Oskel" }));
     filter.words = "y_the 100%";
     EXPECT_EQ(fetchWorkItems(*m_db, filter, WorkItems::Open, 9).size(), 1) << "signs of LIKE are letters";
-    EXPECT_EQ(findWork(*m_db, "pay_the", 5).size(), 2);
+    EXPECT_EQ(findRecords(*m_db, u"pay_the"_s, { {}, 0, 5 }).records.size(), 2);
     EXPECT_EQ(countWork(*m_db, "ops", id).openItems, 2);
 
     WorkItemRecord edited = *pay;

@@ -1,4 +1,6 @@
 #include "Foundation/Literals.h"
+#include "Store/Core/Workspaces.h"
+#include "Store/People/CrmRecords.h"
 #include "UI/WindowTest.h"
 
 #include <QTest>
@@ -168,6 +170,36 @@ TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
     press(Qt::Key_Escape);
     clock.advance(Milliseconds(300));
     EXPECT_EQ(inbox.filters()->search(), QString());
+}
+
+TEST_F(KeyboardTest, aSearchLeadsToTheNoteOfAPersonAndToTheDayOfAnEvent)
+{
+    showInbox();
+    addNote(app.db(), u"ct:WHATSAPP:49171@s.whatsapp.net"_s, u"Bring the kiln wash"_s);
+    app.db().run(u"INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, updated_at) "
+                 "VALUES('e', ?, 'Open the kiln', ?, ?, 1);"_s,
+        { activeWorkspaceId(app.db()), clock.nowMs() + 40 * 86'400'000LL, clock.nowMs() + 41 * 86'400'000LL });
+    const auto openRecord = [this](int number) {
+        press(Qt::Key_F, Qt::ControlModifier);
+        type(u"kiln"_s);
+        clock.advance(Milliseconds(300));
+        rest();
+        ASSERT_EQ(inbox.list()->records()->rowCount(), 2);
+        press(Qt::Key_Down);
+        EXPECT_TRUE(focusWithin(u"inbox.list"_s));
+        for (int i = 0; i < number; ++i)
+            press(Qt::Key_Down);
+        press(Qt::Key_Return);
+        rest();
+    };
+    openRecord(1);
+    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
+    EXPECT_TRUE(focusWithin(u"contact.section.notes"_s));
+    openRecord(2);
+    EXPECT_EQ(shell.selectedNav(), u"calendar"_s);
+    const QString shown = screens.calendar.title();
+    screens.calendar.today();
+    EXPECT_NE(screens.calendar.title(), shown);
 }
 
 TEST_F(KeyboardTest, hubsAndSettingsHaveTheirKeys)

@@ -42,6 +42,12 @@ void CRMPane::showOlderNotes()
     reloadCRM();
 }
 
+void CRMPane::showNote(const QString& id)
+{
+    while (m_olderNotes && std::ranges::find(m_notes.rows(), id, &PaneRow::id) == m_notes.rows().end())
+        showOlderNotes();
+}
+
 void CRMPane::showOlderActivity()
 {
     m_activityLimit += olderRows;

@@ -82,6 +82,7 @@ public:
 
     Q_INVOKABLE void showOlderNotes();
     Q_INVOKABLE void showOlderActivity();
+    void showNote(const QString& id); ///< as many notes as it takes
 
     // True if it was saved; then its field is emptied. Blank texts are not saved.
     Q_INVOKABLE bool addNote(const QString& body);

@@ -226,6 +226,13 @@ void CalendarView::today()
     readPage();
 }
 
+void CalendarView::show(const QString& id, qint64 startMs)
+{
+    m_day = DateWords(nowMs()).dayOf(startMs);
+    m_added = id;
+    readPage();
+}
+
 void CalendarView::select(const QString& id)
 {
     m_added.clear();

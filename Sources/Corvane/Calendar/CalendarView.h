@@ -130,6 +130,7 @@ public:
 
     Q_INVOKABLE void step(int pages); ///< weeks, or days
     Q_INVOKABLE void today();
+    void show(const QString& id, qint64 startMs); ///< an event, on the page of its day
     Q_INVOKABLE void select(const QString& id); ///< an empty one closes the card
     Q_INVOKABLE void selectNext(int step); ///< in the order of their times
     Q_INVOKABLE void join(const QString& id);

@@ -189,6 +189,13 @@ void OpenPerson::openHit(const QString& messageId)
     jumpTo(messageId);
 }
 
+void OpenPerson::showInPane(const QString& section, const QString& id)
+{
+    if (section == "notes"_L1)
+        m_crm.showNote(id);
+    Q_EMIT paneAsked(section);
+}
+
 void OpenPerson::openVoiceSettings()
 {
     m_notifications.post(notifications::openSettings, u"voice"_s);
@@ -196,7 +203,7 @@ void OpenPerson::openVoiceSettings()
 
 void OpenPerson::jumpTo(const QString& messageId)
 {
-    if (!m_thread.show(messageId, m_list.search()))
+    if (!m_thread.show(messageId, m_list.searchedText()))
         return;
     m_jumpMsgId = messageId;
     Q_EMIT jumped();

@@ -85,6 +85,8 @@ public:
     Q_INVOKABLE void moveSelection(int delta); ///< by that many rows in the list
     Q_INVOKABLE void openHit(const QString& messageId); ///< opens the thread at that message
     Q_INVOKABLE void jumpTo(const QString& messageId); ///< in the open thread
+    /// The open person's "deals", "notes" or "tasks" in the contact pane; `id` is of a row in it.
+    void showInPane(const QString& section, const QString& id);
     Q_INVOKABLE void openVoiceSettings(); ///< to add a speech model
     void close(); ///< the list is updated at the next `present`
 
@@ -92,6 +94,7 @@ Q_SIGNALS:
     void selectionChanged(); ///< another person is open
     void selectedChanged(); ///< or the facts about the open person
     void jumped();
+    void paneAsked(const QString& section); ///< the contact pane is wanted in sight, at that section
     void onScreenChanged();
     void showCRMChanged();
 

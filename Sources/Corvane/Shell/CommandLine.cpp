@@ -84,7 +84,8 @@ const QList<TextCommand>& commandTable()
         { { u"record"_s }, {}, u"Starts or stops recording a call."_s },
         { { u"restore"_s }, u"[OPTIONS] FILE"_s, u"Makes a profile of a backup (--into FOLDER, --replace)."_s, 1, any,
             runRestore },
-        { { u"search"_s }, u"[--json] WORDS"_s, u"Finds messages that hold the words."_s, 1, any, searchInbox },
+        { { u"search"_s }, u"[--json] WORDS"_s, u"Finds messages, calls, notes, deals, tasks, events and work."_s, 1,
+            any, searchInbox },
         { { u"send"_s }, u"PERSON [WORDS]"_s, u"Writes a message that waits in Approvals."_s, 1, any,
             [](const TextCall& call) {
                 const QString typed = call.arguments.size() > 1 ? QString() : QString::fromUtf8(pipedIn());

@@ -14,9 +14,11 @@
 #include "Presentation/DateWords.h"
 #include "Shell/TerminalText.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
+#include "Store/Search/RecordQueries.h"
 #include "Store/Search/SearchQueries.h"
 
 #include <QCommandLineParser>
@@ -124,9 +126,30 @@ QJsonObject jsonOf(const UnifiedMsgRow& message)
 
 QJsonObject jsonOf(const MessageHit& hit)
 {
-    return { { u"id"_s, hit.id }, { u"at"_s, isoText(hit.ts) }, { u"personId"_s, hit.contactId },
-        { u"person"_s, hit.contactName }, { u"channel"_s, hit.channel }, { u"direction"_s, hit.direction },
-        { u"text"_s, hit.snippet } };
+    return { { u"kind"_s, u"message"_s }, { u"id"_s, hit.id }, { u"at"_s, isoText(hit.ts) },
+        { u"personId"_s, hit.contactId }, { u"person"_s, hit.contactName }, { u"channel"_s, hit.channel },
+        { u"direction"_s, hit.direction }, { u"text"_s, hit.snippet } };
+}
+
+QJsonObject jsonOf(const FoundRecord& record)
+{
+    return { { u"kind"_s, record.kind }, { u"id"_s, record.id }, { u"at"_s, isoText(record.ts) },
+        { u"personId"_s, record.personId }, { u"module"_s, record.module }, { u"title"_s, record.title },
+        { u"detail"_s, record.detail }, { u"text"_s, record.text } };
+}
+
+/// The arguments as they are typed in the search field, where a value of several words is quoted.
+QString typedSearch(const QStringList& arguments)
+{
+    QStringList typed;
+    for (const QString& argument : arguments) {
+        const QString word = argument.section(u':', 0, 0);
+        const QString value = argument.section(u':', 1);
+        const bool narrows
+            = std::ranges::find(narrowingWords(), word.toLower(), &NarrowingWord::word) != narrowingWords().end();
+        typed.append(narrows && value.contains(u' ') ? word + u":\""_s + value + u'"' : argument);
+    }
+    return typed.join(u' ');
 }
 
 /// Whom the words mean: an id, a name, or a part of one that fits a single person.
@@ -219,18 +242,38 @@ int searchInbox(const TextCall& call)
     inbox.isUnderstood = inbox.isUnderstood && !inbox.words.isEmpty();
     if (const auto code = inbox.refusal("search [--limit N] [--json] WORDS"))
         return *code;
-    const QList<MessageHit> hits = searchMessages(*inbox.db, inbox.words, inbox.limit);
+    LocalDB& db = *inbox.db;
+    const qint64 now = inbox.scheduler.nowMs();
+    const SearchQuery query = parseSearch(typedSearch(inbox.parser.positionalArguments()), DateWords(now).today());
+    if (!query.hint.isEmpty()) {
+        call.errors << query.hint << '\n';
+        return wrongUse;
+    }
+    const auto hits
+        = query.asksFor(SearchGroup::Messages) ? searchMessages(db, query, inbox.limit) : QList<MessageHit>();
+    const QList<FoundRecord> records = findRecords(db, query, { activeWorkspaceId(db), now, inbox.limit }).records;
+    const int code = hits.isEmpty() && records.isEmpty() ? 1 : 0; // as grep does
     if (inbox.asJson) {
         QJsonArray array;
         for (const MessageHit& hit : hits)
             array.append(jsonOf(hit));
+        for (const FoundRecord& record : records)
+            array.append(jsonOf(record));
         inbox.printJson(array);
-        return hits.isEmpty() ? 1 : 0;
+        return code;
     }
+    SearchGroup printed = SearchGroup::Messages; // whose lines need no heading
+    const auto print = [&](SearchGroup group, qint64 ts, const QString& title, const QString& text) {
+        if (std::exchange(printed, group) != group)
+            call.out << coloured(groupLabel(group) + u':', TextColour::Faint) << '\n';
+        call.out << coloured(inbox.time(ts).leftJustified(12), TextColour::Faint)
+                 << coloured(shortened(title), TextColour::Bold) << "  " << shortened(text) << '\n';
+    };
     for (const MessageHit& hit : hits)
-        call.out << coloured(inbox.time(hit.ts).leftJustified(12), TextColour::Faint)
-                 << coloured(shortened(hit.contactName), TextColour::Bold) << "  " << shortened(hit.snippet) << '\n';
-    return hits.isEmpty() ? 1 : 0; // as grep does
+        print(SearchGroup::Messages, hit.ts, hit.contactName, hit.snippet);
+    for (const FoundRecord& record : records)
+        print(record.group, record.ts, record.title, QStringList { record.detail, record.text }.join(u' ').trimmed());
+    return code;
 }
 
 int draftMessage(const TextCall& call, const QString& typed)

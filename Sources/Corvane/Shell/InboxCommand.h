@@ -9,7 +9,8 @@ namespace corvane {
 
 int listPeople(const TextCall& call); ///< `corvane list [--all] [--limit N] [--json]`
 int showPerson(const TextCall& call); ///< `corvane show [--limit N] [--json] PERSON`
-int searchInbox(const TextCall& call); ///< `corvane search [--limit N] [--json] WORDS`
+/// `corvane search [--limit N] [--json] WORDS`, which may narrow as in the search field; the limit is of each group.
+int searchInbox(const TextCall& call);
 int printStatus(const TextCall& call); ///< `corvane status [--json]`
 
 /// `corvane send PERSON [WORDS]`: a draft that waits in Approvals, whatever the arguments. Without words, the text is

@@ -15,6 +15,7 @@
 #include "Platform/CalendarSource.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/DevHub.h"
+#include "Shell/FoundPlaces.h"
 #include "Shell/Hubs.h"
 #include "Shell/ShellCommands.h"
 #include "Shell/WorkHubs.h"
@@ -117,8 +118,11 @@ Screens::Screens(CorvaneApp& root)
     settings.system()->setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
     inbox.palette()->setFinder([this](const QString& query) { return foundWork(app.db(), query); });
-    QObject::connect(
-        inbox.palette(), &CommandPalette::foundChosen, &shell, [this](const QString& id) { openFoundWork(*this, id); });
+    const auto open = [this](const FoundRecord& record, const QString& words) {
+        openFound(*this, record, words);
+    };
+    QObject::connect(inbox.palette(), &CommandPalette::foundChosen, &shell, open);
+    QObject::connect(inbox.list(), &ContactListView::recordChosen, &shell, open);
     const auto showUrgent = [this] {
         shell.hubs()->setBadge(u"ops"_s, ops.urgent(), u"urgent"_s);
     };

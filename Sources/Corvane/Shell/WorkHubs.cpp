@@ -2,6 +2,7 @@
 
 #include "AI/AIServices.h"
 #include "Foundation/Literals.h"
+#include "Inbox/List/RecordHitItem.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/DevHub.h"
 #include "Shell/Screens.h"
@@ -11,16 +12,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int hitsOfAKind = 5;
-const QStringList workspaceModules { u"lumo"_s, u"gtm"_s, u"cx"_s, u"ops"_s };
-const QChar separator(u'\n'); // does not occur in ids
-
-QString iconOf(const QString& kind)
-{
-    static const QHash<QString, QString> icons { { u"context"_s, u"view-list"_s }, { u"item"_s, u"tick"_s },
-        { u"decision"_s, u"approvals"_s }, { u"ask"_s, u"dialog-information"_s }, { u"project"_s, u"computer"_s } };
-    return icons.value(kind);
-}
+constexpr int palettePlaces = 12;
 
 WorkModuleShell* shellOf(Screens& screens, const QString& module)
 {
@@ -53,48 +45,46 @@ QList<Command> workCommands()
 
 QList<PaletteItem> foundWork(LocalDB& db, const QString& query)
 {
+    SearchQuery wanted(query);
+    wanted.group = SearchGroup::Work;
     QList<PaletteItem> items;
-    for (const WorkHit& hit : findWork(db, query, hitsOfAKind)) {
-        // An item of a module without a workspace cannot be shown.
-        if ((hit.kind == "context"_L1 || hit.kind == "item"_L1) && !workspaceModules.contains(hit.module))
-            continue;
+    for (const FoundRecord& record : findRecords(db, wanted, { {}, db.nowMs(), palettePlaces }).records) {
         PaletteItem item;
-        item.id = QStringList { u"work"_s, hit.kind, hit.module, hit.contextId, hit.id }.join(separator);
-        item.label = shownLine(hit.title);
-        item.detail = hit.module.isEmpty() ? hit.kind : hit.kind + u", "_s + hit.module;
-        item.icon = iconOf(hit.kind);
+        item.id = recordKey(record);
+        item.section = groupLabel(record.group);
+        item.label = shownLine(record.title);
+        item.detail = record.module.isEmpty() ? record.kind : record.kind + u", "_s + record.module;
+        item.icon = recordIcon(record);
+        item.record = record;
         items.append(item);
     }
     return items;
 }
 
-void openFoundWork(Screens& screens, const QString& id)
+void openWork(Screens& screens, const FoundRecord& record)
 {
-    const QStringList parts = id.split(separator);
-    const QString kind = parts.value(1);
-    const QString module = parts.value(2);
-    const QString context = parts.value(3);
-    const QString row = parts.value(4);
-    if (kind == "ask"_L1 || kind == "project"_L1) {
+    if (record.kind == "ask"_L1 || record.kind == "project"_L1) {
         screens.shell.selectHub(u"ops"_s);
-        if (kind == "ask"_L1)
-            screens.ops.showAsk(row);
+        if (record.kind == "ask"_L1)
+            screens.ops.showAsk(record.id);
         else
-            screens.ops.showProject(row);
+            screens.ops.showProject(record.id);
         return;
     }
-    if (module == "dev"_L1 && kind != "decision"_L1)
-        return showDevWork(screens, context, kind == "item"_L1 ? row : QString());
-    WorkModuleShell* const shell = shellOf(screens, module);
+    const bool isItem = record.kind == "item"_L1;
+    const bool isDecision = record.kind == "decision"_L1;
+    if (record.module == "dev"_L1 && !isDecision)
+        return showDevWork(screens, record.contextId, isItem ? record.id : QString());
+    WorkModuleShell* const shell = shellOf(screens, record.module);
     if (!shell)
-        return kind == "decision"_L1 ? screens.shell.openApprovals() : void();
-    screens.shell.selectHub(module);
-    if (kind == "item"_L1)
-        shell->show(context, row);
-    else if (kind == "decision"_L1)
-        shell->show(context, {}, u"approvals"_s);
+        return isDecision ? screens.shell.openApprovals() : void();
+    screens.shell.selectHub(record.module);
+    if (isItem)
+        shell->show(record.contextId, record.id);
+    else if (isDecision)
+        shell->show(record.contextId, {}, u"approvals"_s);
     else
-        shell->show(context);
+        shell->show(record.contextId);
 }
 
 }

@@ -14,10 +14,10 @@ WorkServices workServices(CorvaneApp& app);
 
 QList<Command> workCommands();
 
-/// Contexts, items, decisions, questions and projects for the palette.
+/// Contexts, items, decisions, questions and projects for the palette, last changed first.
 QList<PaletteItem> foundWork(LocalDB& db, const QString& query);
 
-/// Opens a palette result in its hub.
-void openFoundWork(Screens& screens, const QString& id);
+/// Opens a result of a search for work in its hub.
+void openWork(Screens& screens, const FoundRecord& record);
 
 }

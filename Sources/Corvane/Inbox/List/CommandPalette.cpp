@@ -20,6 +20,7 @@ PaletteItem contactLine(const ContactRow& row)
     const ContactItem contact = contactItem(row, {}, DateWords(0));
     PaletteItem item;
     item.id = u"contact:"_s + row.id;
+    item.section = u"People"_s;
     item.label = contact.name;
     item.detail = contact.platformLabels.join(u", "_s);
     item.platform = row.platforms.value(0);
@@ -34,10 +35,34 @@ PaletteItem actionLine(const QString& id, const QString& label, const QString& k
 {
     PaletteItem item;
     item.id = u"action:"_s + id;
+    item.section = u"Actions"_s;
     item.isAction = true;
     item.label = label;
     item.detail = keys;
     return item;
+}
+
+/// The words that narrow a search, as the last word is typed.
+QList<PaletteItem> narrowingLines(const QString& query)
+{
+    QList<PaletteItem> items;
+    const QString typed = query.section(u' ', -1).toLower();
+    if (typed.size() < 2)
+        return items;
+    for (const NarrowingWord& narrowing : narrowingWords()) {
+        const QString word = narrowing.word + u':';
+        if (!word.startsWith(typed))
+            continue;
+        PaletteItem item;
+        item.id = u"narrow:"_s + narrowing.word;
+        item.section = u"Narrow the search"_s;
+        item.label = narrowing.example;
+        item.detail = narrowing.what;
+        item.icon = u"filter"_s;
+        item.completed = query.chopped(typed.size()) + word;
+        items.append(item);
+    }
+    return items;
 }
 
 }
@@ -58,6 +83,7 @@ QList<PaletteItem> paletteItems(const QList<ContactRow>& contacts, const QList<C
         if (possible && command.action.toLower().contains(wanted))
             items.append(actionLine(command.id, command.action, command.keys));
     }
+    items += narrowingLines(query);
     if (!wanted.isEmpty())
         items.append(actionLine(searchId, u"Search messages for “%1”"_s.arg(query.trimmed()), {}));
     return items;
@@ -77,6 +103,14 @@ void CommandPalette::setQuery(const QString& query)
     present();
     Q_EMIT queryChanged();
     Q_EMIT indexChanged();
+}
+
+QString CommandPalette::searchWords() const
+{
+    QStringList words;
+    for (const NarrowingWord& narrowing : narrowingWords())
+        words.append(narrowing.word + u':');
+    return u"Narrow a search with "_s + words.join(u' ');
 }
 
 void CommandPalette::setIndex(int index)
@@ -125,10 +159,12 @@ void CommandPalette::run(int index)
     if (index < 0 || index >= m_items.rowCount())
         return;
     const PaletteItem item = m_items.rows().at(index);
+    if (!item.completed.isEmpty())
+        return setQuery(item.completed);
     const QString query = m_query.trimmed();
     close();
-    if (!item.icon.isEmpty())
-        return Q_EMIT foundChosen(item.id);
+    if (!item.record.id.isEmpty())
+        return Q_EMIT foundChosen(item.record, query);
     if (!item.isAction)
         return Q_EMIT contactChosen(item.contactId);
     const QString id = item.id.section(u':', 1);

@@ -3,6 +3,7 @@
 #include "Presentation/Commands.h"
 #include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
+#include "Store/Search/RecordQueries.h"
 
 namespace corvane {
 
@@ -10,6 +11,7 @@ namespace corvane {
 class PaletteItem {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
+    Q_PROPERTY(QString section MEMBER section)
     Q_PROPERTY(bool isAction MEMBER isAction)
     Q_PROPERTY(QString label MEMBER label)
     Q_PROPERTY(QString detail MEMBER detail)
@@ -21,6 +23,7 @@ class PaletteItem {
     Q_PROPERTY(bool highlighted MEMBER highlighted)
 public:
     QString id; ///< "contact:{id}" or "action:{id of the command}"; other results have a prefix of their own
+    QString section; ///< what stands above the first of its kind
     bool isAction = false;
     QString label;
     QString detail; ///< channels of a contact, keys of an action
@@ -31,13 +34,16 @@ public:
     QString icon; ///< for results that are neither a contact nor an action
     bool highlighted = false;
     QString contactId; ///< for a contact
+    FoundRecord record; ///< for a result of the finder
+    QString completed; ///< for a narrowing word: the query with it
 
     static constexpr const char* role = "entry";
     const QString& key() const { return id; }
     bool operator==(const PaletteItem&) const = default;
 };
 
-/// Contacts first, then actions; for a query, the search for it comes last.
+/// Contacts first, then actions, then the words that narrow a search and start as the query's last word does; for a
+/// query, the search for it comes last.
 QList<PaletteItem> paletteItems(
     const QList<ContactRow>& contacts, const QList<Command>& commands, const QString& query);
 
@@ -47,6 +53,7 @@ class CommandPalette : public QObject {
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY queryChanged)
     Q_PROPERTY(int index READ index WRITE setIndex NOTIFY indexChanged)
     Q_PROPERTY(corvane::HoldingListModel* items READ items CONSTANT)
+    Q_PROPERTY(QString searchWords READ searchWords CONSTANT) ///< a line on the words that narrow a search
 public:
     explicit CommandPalette(QObject* parent = nullptr);
 
@@ -55,6 +62,7 @@ public:
     int index() const { return m_index; } ///< of the highlighted line
     void setIndex(int index);
     HoldingListModel* items() { return &m_items; }
+    QString searchWords() const;
 
     void setCommands(Commands& commands) { m_commands = &commands; } ///< they outlive the palette
     void setContacts(const QList<ContactRow>& contacts);
@@ -74,7 +82,7 @@ Q_SIGNALS:
     void indexChanged();
     void contactChosen(const QString& contactId);
     void searchChosen(const QString& query);
-    void foundChosen(const QString& id); ///< an item of the finder
+    void foundChosen(const FoundRecord& record, const QString& query); ///< a result of the finder
     void closed();
 
 private:

@@ -2,9 +2,8 @@
 
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
-#include "Foundation/Text.h"
+#include "Inbox/List/HitText.h"
 #include "Inbox/Thread/UnifiedBubble.h"
-#include "Presentation/BodyText.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
@@ -17,13 +16,6 @@ namespace corvane {
 namespace {
 
 constexpr int snippetLength = 160;
-
-// The body may be very long; it is truncated before anything processes it.
-QString lineOf(const QString& text)
-{
-    const QString line = singleLine(BodyText::printable(text.left(2 * snippetLength)));
-    return firstCharacters(line, snippetLength);
-}
 
 QString snippetOf(const QString& body, const QString& mediaType)
 {
@@ -55,35 +47,9 @@ QString spokenOf(const ContactItem& item)
     return item.snippet.isEmpty() ? facts : facts + u": "_s + item.snippet;
 }
 
-// The search words must be visible, so a long text is cut in front of them.
-QString snippetAround(const QString& text, const QString& query)
-{
-    constexpr qsizetype lead = 18;
-    const qsizetype at = text.indexOf(query, 0, Qt::CaseInsensitive);
-    if (at <= lead)
-        return snippetOf(text, {});
-    // At a space if one is near, else between two characters.
-    qsizetype from = text.lastIndexOf(u' ', at - lead / 2);
-    if (from < at - lead)
-        from = at - lead + (text.at(at - lead).isLowSurrogate() ? 1 : 0);
-    return u"…"_s + lineOf(text.sliced(from));
-}
-
 QString existing(const QString& path)
 {
     return !path.isEmpty() && QFileInfo::exists(path) ? path : QString();
-}
-
-QString highlighted(const QString& line, const QString& query)
-{
-    QString marked;
-    qsizetype from = 0;
-    for (qsizetype at = 0; !query.isEmpty() && (at = line.indexOf(query, from, Qt::CaseInsensitive)) >= 0;) {
-        marked += line.sliced(from, at - from).toHtmlEscaped() + u"<b>"_s
-            + line.sliced(at, query.size()).toHtmlEscaped() + u"</b>"_s;
-        from = at + query.size();
-    }
-    return marked + line.sliced(from).toHtmlEscaped();
 }
 
 MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const DateWords& words)
@@ -95,7 +61,7 @@ MessageHitItem messageHitItem(const MessageHit& hit, const QString& query, const
     item.platform = hit.channel;
     item.platformLabel = channelLabel(hit.channel);
     const QString you = hit.direction == u"OUT"_s ? u"You: "_s : QString();
-    const QString line = snippetAround(hit.snippet, query);
+    const QString line = cutBefore(hit.snippet, query).value_or(snippetOf(hit.snippet, hit.mediaType));
     item.snippet = you + highlighted(line, query);
     item.timeText = words.listTime(hit.ts);
     item.avatarPath = existing(hit.avatarPath);

@@ -27,12 +27,21 @@ template <typename Value, typename Key> QList<Value> greatestFirst(const QList<V
 
 }
 
-QList<ContactRow> matching(const QList<ContactRow>& rows, const QString& query)
+QList<ContactRow> matching(const QList<ContactRow>& rows, const SearchQuery& query)
 {
-    const QString wanted = folded(query);
+    if (!query.asksFor(SearchGroup::People))
+        return {};
+    const QString wanted = folded(query.text);
+    QStringList parts;
+    for (const QString& part : query.from + query.places)
+        parts.append(folded(part));
     QList<ContactRow> found;
     std::ranges::copy_if(rows, std::back_inserter(found), [&](const ContactRow& row) {
-        return folded(row.name).contains(wanted) || folded(row.snippet).contains(wanted);
+        const QString name = folded(row.name);
+        return (name.contains(wanted) || folded(row.snippet).contains(wanted))
+            && std::ranges::all_of(parts, [&](const QString& part) { return name.contains(part); })
+            && std::ranges::all_of(
+                query.channels, [&](const QString& channel) { return row.platforms.contains(channel); });
     });
     return found;
 }
@@ -67,6 +76,8 @@ QList<DateGroup> visibleDateGroups(const QList<ContactRow>& visible, const DateW
 
 QString emptyTitle(const InboxState& state, const QString& channelLabel, const QString& accountLabel)
 {
+    if (!state.wanted.isUsable)
+        return u"The search is not understood"_s;
     if (!state.query().isEmpty())
         return u"No conversations match “%1”"_s.arg(state.query());
     if (!state.channelFilter.isEmpty())
@@ -88,6 +99,8 @@ QString emptyTitle(const InboxState& state, const QString& channelLabel, const Q
 
 QString emptyDetail(const InboxState& state)
 {
+    if (!state.wanted.isUsable)
+        return state.wanted.hint;
     if (!state.query().isEmpty())
         return u"Search checks contact names and latest message previews."_s;
     if (!emptyCanClear(state))
@@ -103,14 +116,16 @@ bool emptyCanClear(const InboxState& state)
 
 InboxState withoutEmptyingFilter(InboxState state)
 {
-    if (!state.query().isEmpty())
+    if (!state.query().isEmpty()) {
         state.search.clear();
-    else if (!state.channelFilter.isEmpty())
+        state.wanted = {};
+    } else if (!state.channelFilter.isEmpty()) {
         state.channelFilter.clear();
-    else if (!state.accountFilter.isEmpty())
+    } else if (!state.accountFilter.isEmpty()) {
         state.accountFilter.clear();
-    else
+    } else {
         state.filter = InboxFilter::All;
+    }
     return state;
 }
 

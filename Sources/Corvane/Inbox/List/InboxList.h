@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Store/Messages/InboxQueries.h"
+#include "Store/Search/SearchQuery.h"
 
 namespace corvane {
 
@@ -14,15 +15,17 @@ struct InboxState {
     InboxFilter filter = InboxFilter::All;
     ViewMode viewMode = ViewMode::Contacts;
     SortMode sort = SortMode::Recent;
-    QString search;
+    QString search; ///< as typed
+    SearchQuery wanted; ///< the same, taken apart
     QString channelFilter; ///< a channel's raw word; empty for all
     QString accountFilter; ///< a slug; empty for all
 
     QString query() const { return search.trimmed(); }
 };
 
-/// The rows whose name, or else snippet, contains the query, ignoring case and diacritics.
-QList<ContactRow> matching(const QList<ContactRow>& rows, const QString& query);
+/// The rows whose name, or else snippet, contains the text, ignoring case and diacritics, and that meet what narrows
+/// the search.
+QList<ContactRow> matching(const QList<ContactRow>& rows, const SearchQuery& query);
 
 /// What the list shows of `contacts`, in its order.
 QList<ContactRow> visible(const QList<ContactRow>& contacts, const InboxState& state);

@@ -4,6 +4,7 @@
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
 #include "Inbox/List/InboxWords.h"
+#include "Presentation/DateWords.h"
 
 namespace corvane {
 
@@ -115,10 +116,10 @@ void ListFilter::clearActiveEmptyFilter()
     narrow(withoutEmptyingFilter(asTyped()));
 }
 
-InboxState ListFilter::asTyped() const
+InboxState ListFilter::searching(InboxState state, const QString& search) const
 {
-    InboxState state = m_state;
-    state.search = m_search;
+    state.search = search;
+    state.wanted = parseSearch(search, DateWords(m_scheduler.nowMs()).today());
     return state;
 }
 
@@ -145,16 +146,16 @@ void ListFilter::narrow(const InboxState& state)
 
 void ListFilter::searchFor(const QString& query)
 {
-    InboxState state = asTyped();
-    state.search = query;
-    narrow(state);
+    narrow(searching(m_state, query));
 }
 
 void ListFilter::takeSearch()
 {
     m_searchDebounce.reset();
-    if (std::exchange(m_state.search, m_search) != m_search)
-        Q_EMIT stateChanged();
+    if (m_state.search == m_search)
+        return;
+    m_state = asTyped();
+    Q_EMIT stateChanged();
 }
 
 void ListFilter::offerChoices(const QList<ContactRow>& rows)

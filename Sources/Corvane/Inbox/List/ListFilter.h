@@ -17,6 +17,7 @@ class ListFilter : public QObject {
     Q_PROPERTY(QString viewMode READ viewModeWord WRITE setViewModeWord NOTIFY viewChanged) ///< contacts messages
     Q_PROPERTY(QString sort READ sortWord WRITE setSortWord NOTIFY viewChanged) ///< recent unread
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
+    Q_PROPERTY(QString searchHint READ searchHint NOTIFY stateChanged) ///< what the last word still needs
     Q_PROPERTY(QString channelFilter READ channelFilter WRITE setChannelFilter NOTIFY narrowingChanged)
     Q_PROPERTY(QString accountFilter READ accountFilter WRITE setAccountFilter NOTIFY narrowingChanged)
     Q_PROPERTY(QString channelFilterLabel READ channelFilterLabel NOTIFY narrowingChanged)
@@ -39,6 +40,7 @@ public:
     void setSortWord(const QString& word);
     const QString& search() const { return m_search; } ///< as typed
     void setSearch(const QString& search); ///< takes effect a quarter of a second after the last key
+    QString searchHint() const { return m_state.wanted.isUsable ? m_state.wanted.hint : QString(); }
     const QString& channelFilter() const { return m_state.channelFilter; }
     void setChannelFilter(const QString& channel);
     const QString& accountFilter() const { return m_state.accountFilter; }
@@ -68,7 +70,8 @@ Q_SIGNALS:
     void shownChanged(); ///< or the same rows are shown differently
 
 private:
-    InboxState asTyped() const; ///< with the current search text
+    InboxState searching(InboxState state, const QString& search) const; ///< with another search
+    InboxState asTyped() const { return searching(m_state, m_search); }
     void narrow(const InboxState& state);
     QString accountLabel(const QString& slug) const;
 

@@ -28,8 +28,9 @@ MessageHits::MessageHits(LocalDB& db, Scheduler& scheduler, QObject* parent)
 {
 }
 
-void MessageHits::find(const QString& query)
+void MessageHits::find(const SearchQuery& asked)
 {
+    const SearchQuery query = asked.asksFor(SearchGroup::Messages) ? asked : SearchQuery();
     if (query == m_query) {
         if (!query.isEmpty())
             m_refreshSoon.request();
@@ -73,15 +74,18 @@ QString MessageHits::title() const
 {
     if (m_searching)
         return u"Searching the messages…"_s;
+    if (m_failed)
+        return u"The messages could not be searched"_s;
     return m_indexPercent ? u"Messages · the search index is %1 % built"_s.arg(*m_indexPercent) : u"Messages"_s;
 }
 
 void MessageHits::show(const FoundMessages& found)
 {
     m_indexPercent = found.indexPercent;
+    m_failed = found.failed;
     m_patience.reset();
     m_searching = false;
-    m_model.assign(messageHitItems(found.hits, m_query, DateWords(m_scheduler.nowMs())));
+    m_model.assign(messageHitItems(found.hits, m_query.text, DateWords(m_scheduler.nowMs())));
     Q_EMIT changed();
 }
 

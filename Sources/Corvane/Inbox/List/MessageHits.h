@@ -19,11 +19,12 @@ public:
     const QList<MessageHitItem>& rows() const { return m_model.rows(); }
     bool pending() const { return m_pending; } ///< the results are not up to date with the query
     QString title() const; ///< above the rows
+    bool failed() const { return m_failed; } ///< as the title says
     bool searching() const { return m_searching; } ///< and for so long that it should be indicated
 
     /// A new query starts a search and cancels the previous one; the same query is searched again soon; an empty one
     /// clears everything.
-    void find(const QString& query);
+    void find(const SearchQuery& query);
 
 Q_SIGNALS:
     void changed();
@@ -33,13 +34,14 @@ private:
     void show(const FoundMessages& found);
 
     Scheduler& m_scheduler;
-    QString m_query;
+    SearchQuery m_query;
     RowListModel<MessageHitItem> m_model;
     bool m_running = false;
     bool m_again = false; ///< messages arrived during the search
     bool m_pending = false;
     bool m_searching = false;
     std::optional<int> m_indexPercent;
+    bool m_failed = false;
     std::unique_ptr<Timer> m_patience;
     Coalescer m_refreshSoon;
     MessageSearch m_search;

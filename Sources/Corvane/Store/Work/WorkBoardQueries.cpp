@@ -1,6 +1,7 @@
 #include "Store/Work/WorkBoardQueries.h"
 
 #include "Foundation/Literals.h"
+#include "Store/Core/LikePattern.h"
 #include "Store/Core/Table.h"
 #include "Store/Work/WorkTables.h"
 
@@ -65,54 +66,6 @@ const Table<WorkEvent> messageEvents("work_message",
         { "role", &WorkEvent::role, "''" },
     });
 
-const Table<WorkHit> contextHits("work_context",
-    {
-        { "'context'", &WorkHit::kind },
-        { "id", &WorkHit::id },
-        { "module", &WorkHit::module },
-        { "id", &WorkHit::contextId },
-        { "title", &WorkHit::title },
-        { "subtitle", &WorkHit::detail, "''" },
-    });
-const Table<WorkHit> itemHits("work_item",
-    {
-        { "'item'", &WorkHit::kind },
-        { "id", &WorkHit::id },
-        { "module", &WorkHit::module },
-        { "context_id", &WorkHit::contextId, "''" },
-        { "title", &WorkHit::title },
-        { "status", &WorkHit::detail, "''" },
-    });
-const Table<WorkHit> decisionHits("work_decision",
-    {
-        { "'decision'", &WorkHit::kind },
-        { "id", &WorkHit::id },
-        { "module", &WorkHit::module },
-        { "context_id", &WorkHit::contextId, "''" },
-        { "title", &WorkHit::title },
-        { "status", &WorkHit::detail, "''" },
-    });
-const Table<WorkHit> askHits("ask",
-    {
-        { "'ask'", &WorkHit::kind },
-        { "id", &WorkHit::id },
-        { "substr(question,1,200)", &WorkHit::title },
-        { "status", &WorkHit::detail, "''" },
-    });
-const Table<WorkHit> projectHits("project",
-    {
-        { "'project'", &WorkHit::kind },
-        { "id", &WorkHit::id },
-        { "name", &WorkHit::title },
-        { "goal", &WorkHit::detail, "''" },
-    });
-
-/// The user's text for LIKE, with special characters escaped by '\'.
-QString contains(QString words)
-{
-    return u'%' + words.replace(u'\\', u"\\\\"_s).replace(u'%', u"\\%"_s).replace(u'_', u"\\_"_s) + u'%';
-}
-
 struct Condition {
     QString sql;
     QList<SqlValue> values;
@@ -138,14 +91,14 @@ Condition conditionOf(const WorkItemFilter& filter)
     if (!filter.kind.isEmpty())
         also(u"kind=?"_s, filter.kind);
     if (!filter.words.isEmpty()) {
-        also(uR"((title LIKE ? ESCAPE '\' OR summary LIKE ? ESCAPE '\'))"_s, contains(filter.words));
-        condition.values.append(contains(filter.words));
+        also(uR"((title LIKE ? ESCAPE '\' OR summary LIKE ? ESCAPE '\'))"_s, containing(filter.words));
+        condition.values.append(containing(filter.words));
     }
     const auto anyOf = [&condition](const QString& text, const QStringList& signs) {
         QStringList parts;
         for (const QString& sign : signs) {
             parts.append(text + uR"( LIKE ? ESCAPE '\')"_s);
-            condition.values.append(contains(sign));
+            condition.values.append(containing(sign));
         }
         return u'(' + parts.join(u" OR "_s) + u')';
     };
@@ -294,7 +247,7 @@ QList<WorkEvent> fetchItemEvents(LocalDB& db, const WorkItemRecord& item, int li
         condition.values += values;
         return condition;
     };
-    const QString names = contains(item.id);
+    const QString names = containing(item.id);
     return byTime({ guarded(db, decisionEvents,
                         linked(uR"((title=? OR proposal LIKE ? ESCAPE '\' OR rationale LIKE ? ESCAPE '\'))"_s,
                             { u"Review "_s + item.title, names, names }),
@@ -314,20 +267,6 @@ QString lastWordsOf(LocalDB& db, const QString& module, const QString& speaker)
                 "ORDER BY created_at DESC LIMIT 1;"_s,
             { module, speaker })
         .value_or(QString());
-}
-
-QList<WorkHit> findWork(LocalDB& db, const QString& words, int limit)
-{
-    if (words.trimmed().isEmpty())
-        return {};
-    const QString wanted = contains(words.trimmed());
-    const auto found = [&](const Table<WorkHit>& table, const QString& column, const QString& time) {
-        return guarded(db, table, { uR"(WHERE %1 LIKE ? ESCAPE '\')"_s.arg(column), { wanted } },
-            u"ORDER BY %1 DESC LIMIT ?;"_s.arg(time), limit);
-    };
-    return found(contextHits, u"title"_s, u"updated_at"_s) + found(itemHits, u"title"_s, u"updated_at"_s)
-        + found(decisionHits, u"title"_s, u"updated_at"_s) + found(askHits, u"question"_s, u"ts"_s)
-        + found(projectHits, u"name"_s, u"updated_at"_s);
 }
 
 }

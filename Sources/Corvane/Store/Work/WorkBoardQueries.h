@@ -87,19 +87,4 @@ QList<WorkEvent> fetchItemEvents(LocalDB& db, const WorkItemRecord& item, int li
 /// The last message of a speaker in a module; empty if there is none.
 QString lastWordsOf(LocalDB& db, const QString& module, const QString& speaker);
 
-/// A search result.
-struct WorkHit {
-    QString kind; ///< "context", "item", "decision", "ask" or "project"
-    QString id;
-    QString module; ///< empty for an ask and a project
-    QString contextId;
-    QString title;
-    QString detail;
-
-    bool operator==(const WorkHit&) const = default;
-};
-
-/// At most `limit` of each kind, last changed first.
-QList<WorkHit> findWork(LocalDB& db, const QString& words, int limit);
-
 }

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
-/// The rows of people, and under them the messages that a search found.
+/// The rows of people, and under them the messages and records that a search found.
 ListView {
     id: list
 
@@ -26,6 +26,7 @@ ListView {
     Accessible.name: qsTr("Conversations")
     T.ScrollBar.vertical: ScrollBar {}
     KeyboardFocus { id: keyboard; target: list }
+    RevealFocus { view: list }
 
     // The current row is the open conversation. It is scrolled into view when another one is opened, not when new
     // messages move it.
@@ -55,7 +56,13 @@ ListView {
         }
     }
 
-    Keys.onDownPressed: inbox.person.moveSelection(1)
+    readonly property bool hasResults: inbox.list.hitsShown || inbox.list.records.count > 0
+    Keys.onDownPressed: {
+        if (hasResults && inbox.list.selectedIndex === count - 1)
+            footerItem.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
+        else
+            inbox.person.moveSelection(1);
+    }
     Keys.onUpPressed: inbox.person.moveSelection(-1)
     Keys.onReturnPressed: if (inbox.person.selectedId) entered()
     Keys.onEnterPressed: if (inbox.person.selectedId) entered()
@@ -94,10 +101,10 @@ ListView {
 
     footer: Column {
         width: list.width
-        visible: hits.count > 0 || list.inbox.list.searching
-        height: visible ? implicitHeight : 0
+        height: implicitHeight
 
         SectionHeader {
+            visible: list.inbox.list.hitsShown
             leftPadding: Theme.large
             topPadding: Theme.large
             bottomPadding: Theme.tight
@@ -109,13 +116,39 @@ ListView {
             active: list.inbox.list.searching
         }
         Repeater {
-            id: hits
             model: list.inbox.list.messageHits
             HitRow {
                 id: found
                 width: list.width
+                visible: found.index < list.inbox.list.hitsAtFirst
                 onClicked: list.inbox.person.openHit(found.hit.id)
             }
+        }
+        PaneLink {
+            x: 68 - Theme.small
+            objectName: "inbox.moreHits"
+            visible: text !== ""
+            text: list.inbox.list.moreHits
+            onClicked: list.inbox.list.showAllHits()
+        }
+        Repeater {
+            model: list.inbox.list.records
+            RecordHitRow {
+                id: other
+                width: list.width
+                onOpened: list.inbox.list.openRecord(other.record.id)
+                onMoreAsked: list.inbox.list.showGroup(other.record.id)
+            }
+        }
+        Label {
+            objectName: "inbox.recordsNotice"
+            x: Theme.large
+            width: parent.width - Theme.large * 2
+            topPadding: Theme.large
+            visible: text !== ""
+            wrapMode: Text.Wrap
+            text: list.inbox.list.recordsNotice
+            color: Theme.bad
         }
     }
 }

@@ -17,6 +17,14 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Contact")
 
+    function reveal(name: string) {
+        for (const child of column.children) {
+            const section = child as Section;
+            if (section && section.name === name)
+                section.reveal();
+        }
+    }
+
     RevealFocus { view: view }
     Connections {
         target: pane.inbox.person

@@ -1,30 +1,17 @@
 import QtQuick
-import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
 /// A message that the search found. The first of a person shows who they are, with the others below it.
-T.AbstractButton {
+FoundButton {
     id: row
 
+    required property int index
     required property messageHit hit
 
     implicitHeight: hit.leads ? 52 : 28
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
     Accessible.name: hit.spoken
-    Keys.onReturnPressed: clicked()
-    Keys.onDownPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
-    Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
 
-    background: Rectangle {
-        x: Theme.small
-        width: row.width - Theme.small * 2
-        radius: Theme.cardRadius
-        color: row.hovered ? Theme.raised : Theme.none
-        border.width: row.visualFocus ? 2 : 0
-        border.color: Theme.accent
-    }
     contentItem: Item {
         Avatar {
             id: face

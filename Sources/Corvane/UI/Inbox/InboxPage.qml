@@ -98,6 +98,17 @@ Page {
         }
     }
 
+    Connections {
+        target: page.inbox.person
+        function onPaneAsked(section: string) {
+            if (page.narrow)
+                page.contactAskedFor = true;
+            else
+                page.inbox.person.showCRM = true;
+            contact.reveal(section);
+        }
+    }
+
     ListPane {
         id: list
         width: page.layout.listWidth

@@ -194,6 +194,12 @@ struct MessageHitItemType {
     QML_VALUE_TYPE(messageHit)
 };
 
+struct RecordHitItemType {
+    Q_GADGET
+    QML_FOREIGN(corvane::RecordHitItem)
+    QML_VALUE_TYPE(recordHit)
+};
+
 struct PaletteItemType {
     Q_GADGET
     QML_FOREIGN(corvane::PaletteItem)

@@ -30,6 +30,19 @@ Column {
         onCleared: head.inbox.filters.search = ""
         onLeave: head.leave()
     }
+    Label {
+        objectName: "inbox.searchHint"
+        x: Theme.medium
+        width: parent.width - Theme.medium * 2
+        visible: text !== ""
+        wrapMode: Text.Wrap
+        maximumLineCount: 3
+        text: head.inbox.filters.searchHint
+        font.pixelSize: Theme.meta
+        color: Theme.soft
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+    }
     Row {
         x: Theme.medium - Theme.tight
         spacing: 2

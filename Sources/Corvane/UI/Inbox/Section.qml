@@ -16,6 +16,12 @@ Column {
     property string emptyText ///< shown if there are no rows
     property bool open: layout.sectionOpen(section.name)
 
+    /// Unfolds it for now, and leads the keyboard there.
+    function reveal() {
+        open = true;
+        head.forceActiveFocus(Qt.TabFocusReason);
+    }
+
     T.AbstractButton {
         id: head
         objectName: "contact.section." + section.name

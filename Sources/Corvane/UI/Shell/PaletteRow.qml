@@ -38,7 +38,7 @@ T.AbstractButton {
             visible: row.entry.isAction || row.found
             x: Theme.small + 6
             anchors.verticalCenter: parent.verticalCenter
-            name: !visible ? "" : row.found ? row.entry.icon : row.entry.id === "action:searchMessages" ? "edit-find" : "go-next"
+            name: row.found ? row.entry.icon : row.entry.isAction ? (row.entry.id === "action:searchMessages" ? "edit-find" : "go-next") : ""
             color: row.entry.highlighted ? Theme.accent : Theme.faint
         }
         Label {

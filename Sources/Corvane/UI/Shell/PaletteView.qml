@@ -30,6 +30,13 @@ T.Popup {
         field.forceActiveFocus();
     }
     onClosed: inbox.showPalette = false
+    Connections {
+        target: popup.palette
+        function onQueryChanged() {
+            if (field.text !== popup.palette.query)
+                field.text = popup.palette.query;
+        }
+    }
 
     background: Rectangle {
         radius: Theme.cardRadius
@@ -41,7 +48,7 @@ T.Popup {
     contentItem: FocusScope {
         id: panel
         focus: true
-        implicitHeight: field.height + 1 + lines.contentHeight + Theme.small * 2
+        implicitHeight: field.height + 1 + lines.contentHeight + Theme.small * 2 + words.height
         Accessible.role: Accessible.Dialog
         Accessible.name: qsTr("Search and commands")
 
@@ -95,7 +102,7 @@ T.Popup {
             id: lines
             objectName: "palette.items"
             anchors.top: edge.bottom
-            anchors.bottom: parent.bottom
+            anchors.bottom: words.top
             anchors.margins: Theme.small
             anchors.left: parent.left
             anchors.right: parent.right
@@ -108,19 +115,29 @@ T.Popup {
             Accessible.name: qsTr("Found")
             T.ScrollBar.vertical: ScrollBar {}
 
-            section.property: "isAction"
+            section.property: "section"
             section.delegate: SectionHeader {
                 required property string section
                 width: ListView.view.width
                 leftPadding: Theme.small
                 topPadding: Theme.small
                 bottomPadding: Theme.tight
-                text: section === "true" ? qsTr("Actions") : qsTr("People")
+                text: section
             }
             delegate: PaletteRow {
                 width: ListView.view.width
                 onClicked: popup.palette.run(index)
             }
+        }
+        Label {
+            id: words
+            anchors.bottom: parent.bottom
+            x: Theme.large
+            width: parent.width - Theme.large * 2
+            bottomPadding: Theme.medium
+            text: popup.palette.searchWords
+            font.pixelSize: Theme.meta
+            color: Theme.faint
         }
     }
 }

@@ -1,0 +1,231 @@
+#include "Foundation/Literals.h"
+#include "MirrorBench.h"
+#include "Rivals.h"
+
+#include "Store/Search/MessageSearch.h"
+#include "Store/Search/RecordQueries.h"
+#include "Store/Search/SearchIndex.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <random>
+
+namespace corvane::bench {
+
+namespace {
+
+const QString rareWord = u"zebra crossing"_s;
+
+MirrorBench& bench()
+{
+    static MirrorBench instance;
+    return instance;
+}
+
+/// A word that nothing holds: the whole mirror is read. The main thread turns its loop meanwhile.
+void searchFromTheWindow(benchmark::State& state)
+{
+    MessageSearch search(bench().store());
+    qint64 longestTurn = 0;
+    for (auto _ : state) {
+        bool found = false;
+        search.start(rareWord, 60, [&](const FoundMessages&) { found = true; });
+        while (!found) {
+            QElapsedTimer turn;
+            turn.start();
+            QCoreApplication::processEvents();
+            longestTurn = std::max(longestTurn, turn.nsecsElapsed());
+        }
+    }
+    state.counters["longest_turn_ms"] = double(longestTurn) / 1e6;
+}
+
+void searchBare(benchmark::State& state)
+{
+    const QByteArray sql = bench().statementOf([](LocalDB& db) { searchMessages(db, rareWord, 60); });
+    const QByteArray pattern = "%" + rareWord.toUtf8() + "%";
+    for (auto _ : state) {
+        BareStatement statement(bench().bare(), sql);
+        statement.step(pattern, pattern, pattern, qint64(60));
+    }
+}
+
+/// Pieces of 3 to 20 characters: every other one of some message, the rest with a letter that no message holds.
+QStringList seededPieces(LocalDB& db, int count)
+{
+    std::mt19937 random(7);
+    const QStringList bodies
+        = db.rows("SELECT body FROM unified_message WHERE rowid % 97 = 0 AND length(body) > 25 AND "
+                  "body NOT LIKE '%!%%' ESCAPE '!' AND body NOT LIKE '%!_%' ESCAPE '!';",
+            {}, [](const SqlRow& row) { return row.text(0); });
+    QStringList pieces;
+    while (pieces.size() < count) {
+        const QString& body = bodies.at(qsizetype(random() % size_t(bodies.size())));
+        const qsizetype length = 3 + qsizetype(random() % 18);
+        QString piece = body.mid(qsizetype(random() % size_t(body.size() - length + 1)), length);
+        if (pieces.size() % 2 == 1)
+            piece[qsizetype(random() % size_t(length))] = u'ŋ';
+        pieces.append(piece);
+    }
+    return pieces;
+}
+
+/// In milliseconds.
+void report(benchmark::State& state, std::vector<double> taken)
+{
+    std::ranges::sort(taken);
+    state.counters["p50, ms"] = taken.at(taken.size() / 2);
+    state.counters["p99, ms"] = taken.at(taken.size() * 99 / 100);
+    state.counters["longest, ms"] = taken.back();
+}
+
+/// The search for each of `queries`, on connections of its own; the first of every thousand is compared with the
+/// statement's rows.
+void runByIndex(benchmark::State& state, const QList<SearchQuery>& queries)
+{
+    LocalDB& db = bench().store();
+    const auto never = std::make_shared<std::atomic<bool>>(false);
+    const QString path = SearchIndex::pathBeside(db.path());
+    QElapsedTimer time;
+    for (auto _ : state) {
+        std::vector<double> taken;
+        for (const SearchQuery& query : queries) {
+            time.start();
+            const auto database = SqlConnection::reader(db.path(), never);
+            const auto found = searchByIndex(*database, *SqlConnection::reader(path, never), query, 60, {});
+            const QList<MessageHit> hits = found ? *found : searchMessages(*database, query, 60);
+            taken.push_back(double(time.nsecsElapsed()) / 1e6);
+            if (taken.size() % 1000 == 1 && hits != searchMessages(db, query, 60))
+                state.SkipWithError("other rows than the statement's");
+        }
+        report(state, taken);
+    }
+}
+
+void buildIndex(benchmark::State& state)
+{
+    const auto never = std::make_shared<std::atomic<bool>>(false);
+    const QString path = SearchIndex::pathBeside(bench().path());
+    for (auto _ : state) {
+        SearchIndex index(path, never);
+        const auto reader = SqlConnection::reader(bench().path(), never);
+        while (!index.advance(*reader, {}).complete) { }
+    }
+    state.counters["file, MB"] = double(QFileInfo(path).size()) / 1e6;
+}
+
+void searchesByIndex(benchmark::State& state)
+{
+    QList<SearchQuery> queries;
+    for (const QString& piece : seededPieces(bench().store(), 10'000))
+        queries.append(piece);
+    runByIndex(state, queries);
+}
+
+/// The same pieces, each with something that narrows the search.
+void narrowedSearches(benchmark::State& state)
+{
+    const QStringList narrowings { u"after:2025-06 "_s, u"before:2024-06 "_s, u"in:email "_s, u"from:me "_s,
+        u"from:\"Person 17\" "_s, u"in:\"Person 17\" "_s };
+    QList<SearchQuery> queries;
+    for (const QString& piece : seededPieces(bench().store(), 1000))
+        queries.append(parseSearch(narrowings.at(queries.size() % narrowings.size()) + piece, QDate(2025, 10, 9)));
+    runByIndex(state, queries);
+}
+
+/// Years of everything else: 500 hours of calls, and notes, deals, tasks, events and work in five figures.
+void addRecords(LocalDB& db)
+{
+    static bool added = false;
+    if (std::exchange(added, true))
+        return;
+    const QString rows = u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<%1), "
+                         "p(i, body) AS (SELECT rowid, body FROM unified_message WHERE rowid<=20000) "_s;
+    for (const auto& [count, insert] : std::initializer_list<std::pair<int, QString>> {
+             { 1000,
+                 u"INSERT INTO call_recording(id, title, started_at, created_at, updated_at) "
+                 "SELECT 'c'||n.i, 'Call '||body, n.i, 1, 1 FROM n JOIN p USING(i);"_s },
+             { 1000,
+                 u"INSERT INTO call_transcript(id, call_id, segment_index, text, created_at, updated_at) SELECT "
+                 "'t'||n.i, 'c'||n.i, 0, (SELECT group_concat(body, ' ') FROM unified_message m WHERE m.rowid BETWEEN "
+                 "n.i*19 AND n.i*19+400), 1, 1 FROM n;"_s },
+             { 20'000,
+                 u"INSERT INTO contact_note(id, contact_id, body, ts, updated_at) "
+                 "SELECT 'n'||n.i, 'nobody', body, n.i, 1 FROM n JOIN p USING(i);"_s },
+             { 10'000, u"INSERT INTO crm_deal(id, name) SELECT 'd'||n.i, body FROM n JOIN p USING(i);"_s },
+             { 20'000, u"INSERT INTO crm_task(id, title) SELECT 't'||n.i, body FROM n JOIN p USING(i);"_s },
+             { 10'000,
+                 u"INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, notes, updated_at) "
+                 "SELECT 'e'||n.i, 'local', 'Event '||n.i, n.i, n.i+1, body, 1 FROM n JOIN p USING(i);"_s },
+             { 20'000,
+                 u"INSERT INTO work_item(id, module, title, summary) "
+                 "SELECT 'w'||n.i, 'ops', 'Item '||n.i, body FROM n JOIN p USING(i);"_s } })
+        db.run(rows.arg(count) + insert);
+}
+
+void recordSearches(benchmark::State& state)
+{
+    LocalDB& db = bench().store();
+    addRecords(db);
+    const auto never = std::make_shared<std::atomic<bool>>(false);
+    const QStringList pieces = seededPieces(db, 1000);
+    QElapsedTimer time;
+    for (auto _ : state) {
+        std::vector<double> taken;
+        for (const QString& piece : pieces) {
+            time.start();
+            benchmark::DoNotOptimize(
+                findRecords(*SqlConnection::reader(db.path(), never), piece, { u"local"_s, 5000, 6 }));
+            taken.push_back(double(time.nsecsElapsed()) / 1e6);
+        }
+        report(state, taken);
+    }
+}
+
+/// Only the texts, through the C interface.
+void recordsBare(benchmark::State& state)
+{
+    addRecords(bench().store());
+    std::vector<BareStatement> statements;
+    for (const char* from : { "title FROM call_recording WHERE title", "text FROM call_transcript WHERE text",
+             "body FROM contact_note WHERE body", "name FROM crm_deal WHERE name", "title FROM crm_task WHERE title",
+             "notes FROM calendar_event WHERE notes", "summary FROM work_item WHERE summary" })
+        statements.emplace_back(bench().bare(), QByteArray("SELECT ") + from + " LIKE ? LIMIT 6;");
+    const QStringList pieces = seededPieces(bench().store(), 1000);
+    QElapsedTimer time;
+    for (auto _ : state) {
+        std::vector<double> taken;
+        for (const QString& piece : pieces) {
+            time.start();
+            const QByteArray pattern = '%' + piece.toUtf8() + '%';
+            for (BareStatement& statement : statements) {
+                for (bool row = statement.step(pattern); row; row = statement.step()) { }
+                sqlite3_reset(statement.get());
+            }
+            taken.push_back(double(time.nsecsElapsed()) / 1e6);
+        }
+        report(state, taken);
+    }
+}
+
+BENCHMARK(searchFromTheWindow)->Name("rare word/corvane")->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+BENCHMARK(searchBare)->Name("rare word/bare")->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+BENCHMARK(buildIndex)->Name("search index built")->Unit(benchmark::kSecond)->Iterations(1);
+BENCHMARK(searchesByIndex)->Name("10000 searches by the index")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(narrowedSearches)->Name("1000 narrowed searches")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(recordSearches)->Name("1000 searches of records/corvane")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(recordsBare)->Name("1000 searches of records/bare")->Unit(benchmark::kMillisecond)->Iterations(1);
+
+}
+
+}
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    corvane::bench::bench(); // made before the clock runs
+    return corvane::bench::runAgainstRivals(argc, argv);
+}
