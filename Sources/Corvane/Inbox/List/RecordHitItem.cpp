@@ -24,7 +24,7 @@ RecordHitItem recordHitItem(const FoundRecord& record, const QString& words, con
     item.id = recordKey(record);
     item.icon = recordIcon(record);
     item.title = highlighted(title.isEmpty() ? u"Untitled"_s : title, words);
-    const QString detail = lineOf(record.detail);
+    const QString detail = lineOf(record.detail).replace(u'_', u' '); // states such as in_progress
     item.snippet = joined({ detail.toHtmlEscaped(), highlighted(text, words) }, u" · "_s);
     item.timeText = dates.listTime(record.ts);
     item.opens = record.kind != "task"_L1 || !record.personId.isEmpty();

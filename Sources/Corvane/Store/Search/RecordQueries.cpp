@@ -66,12 +66,13 @@ FoundRecords findRecords(SqlConnection& db, const SearchQuery& query, const Sear
         }
         found.failed = found.failed || (db.failure() != 0 && db.failure() != SQLITE_ERROR);
     }
-    // Work is the last group, and the only one of several tables.
+    // Work is the last group, and the only one of several tables. A decision stands below what it is about.
     const auto work = std::ranges::find(found.records, SearchGroup::Work, &FoundRecord::group);
     const qsizetype others = work - found.records.begin();
-    std::ranges::sort(work, found.records.end(), [](const FoundRecord& a, const FoundRecord& b) {
-        return std::tie(b.ts, a.kind, a.id) < std::tie(a.ts, b.kind, b.id);
-    });
+    const auto rank = [](const FoundRecord& record) {
+        return std::tuple(record.kind == "decision"_L1, -record.ts, record.kind, record.id);
+    };
+    std::ranges::sort(work, found.records.end(), {}, rank);
     found.records.resize(std::min(found.records.size(), others + scope.limit));
     return found;
 }

@@ -18,11 +18,12 @@ FocusScope {
     Accessible.name: qsTr("Contact")
 
     function reveal(name: string) {
-        for (const child of column.children) {
-            const section = child as Section;
-            if (section && section.name === name)
-                section.reveal();
-        }
+        if (name === "deals")
+            dealsSection.reveal();
+        else if (name === "notes")
+            notesSection.reveal();
+        else if (name === "tasks")
+            tasksSection.reveal();
     }
 
     RevealFocus { view: view }
@@ -140,6 +141,7 @@ FocusScope {
                 }
             }
             Section {
+                id: dealsSection
                 width: parent.width
                 layout: pane.layout
                 name: "deals"
@@ -177,6 +179,7 @@ FocusScope {
                 }
             }
             NotesSection {
+                id: notesSection
                 width: parent.width
                 layout: pane.layout
                 crm: pane.crm
@@ -207,6 +210,7 @@ FocusScope {
                 }
             }
             TasksSection {
+                id: tasksSection
                 width: parent.width
                 layout: pane.layout
                 crm: pane.crm
