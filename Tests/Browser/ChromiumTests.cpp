@@ -111,6 +111,7 @@ TEST_F(Chromium, aPageThatFailsInThreeWaysIsFiledWithItsProofAndPlayedAgain)
     press(*view, Qt::Key_Return);
     ASSERT_TRUE(awaitTitle(*view, u"Sent boots"_s));
     view->reportBug();
+    EXPECT_TRUE(view->sheet()->preview().contains(u"/:6)"_s)) << qPrintable(view->sheet()->preview());
     view->sheet()->picture()->blackOut({ 0, 0, 0.5, 0.5 });
     view->sheet()->submit();
     ASSERT_TRUE(awaitLive([&] { return !view->sheet()->busy(); }));

@@ -35,6 +35,11 @@ QString argumentText(const QJsonValue& argument)
 
 }
 
+QString placeOfEvent(const BrowserConsoleEvent& event)
+{
+    return event.line > 0 && !event.url.isEmpty() ? event.url + u':' + QString::number(event.line + 1) : event.url;
+}
+
 bool BrowserEvents::take(const QString& method, const QJsonObject& parameters, qint64 nowMs)
 {
     if (method == "Network.requestWillBeSent"_L1) {

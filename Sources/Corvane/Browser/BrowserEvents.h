@@ -14,10 +14,13 @@ struct BrowserConsoleEvent {
     QString level; ///< "error", "warning" or "assert"
     QString text;
     QString url;
-    int line = 0;
+    int line = 0; ///< from 0; also 0 where it is not known
 
     bool operator==(const BrowserConsoleEvent&) const = default;
 };
+
+/// Its address, with the line where that is known; empty for neither.
+QString placeOfEvent(const BrowserConsoleEvent& event);
 
 /// A request that failed, or was answered with a status of 400 or more.
 struct BrowserNetworkEvent {

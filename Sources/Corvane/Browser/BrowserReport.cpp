@@ -84,8 +84,7 @@ QByteArray evidenceReport(const BrowserEvidencePayload& payload, const QList<Rep
     }
     QList<QStringList> console;
     for (const BrowserConsoleEvent& event : payload.consoleEvents)
-        console.append({ timeText(event.capturedAt), event.level, event.text,
-            event.url.isEmpty() ? QString() : u"%1:%2"_s.arg(event.url, QString::number(event.line)) });
+        console.append({ timeText(event.capturedAt), event.level, event.text, placeOfEvent(event) });
     html += section(
         u"Console"_s, table({ u"Time"_s, u"Level"_s, u"Text"_s, u"Where"_s }, console, u"No warning and no error."_s));
     QList<QStringList> network;

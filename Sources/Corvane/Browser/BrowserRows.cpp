@@ -43,7 +43,7 @@ QList<BrowserIssue> browserIssues(const QList<BrowserConsoleEvent>& console, con
     };
     for (const BrowserConsoleEvent& event : console)
         add(event.capturedAt, event.id, levelWords(event.level), event.level != "warning"_L1, event.text,
-            event.url.isEmpty() ? QString() : u"%1:%2"_s.arg(event.url, QString::number(event.line)));
+            placeOfEvent(event));
     for (const BrowserNetworkEvent& event : network)
         add(event.capturedAt, event.id, event.statusCode ? u"HTTP %1"_s.arg(*event.statusCode) : u"Failed request"_s,
             true, event.detail, event.url);

@@ -183,6 +183,7 @@ void BrowserView::openSheet(Purpose purpose)
         return say(u"No project selected"_s);
     if (!evidenceReady())
         return say(u"There is nothing to keep yet: open a page first."_s);
+    m_player.stop();
     m_sheet.open(purpose, m_project, m_history.sessionId(), m_address);
 }
 
