@@ -154,6 +154,7 @@ TEST_F(Workspace, aFolderThatVanishedIsToldAndTerminalsStartElsewhere)
     EXPECT_EQ(terminals.current()->currentDirectory(), m_home.paths().home);
     const QString title = terminals.current()->title();
     terminals.create();
+    EXPECT_EQ(terminals.current()->title(), "shop-shell-2") << "of the chosen project, too";
     view.launcher()->attachOrCreateLocalSession();
     EXPECT_EQ(terminals.current()->title(), title);
     written(u"gone/package.json"_s, R"({"scripts":{"start":"x","dev":"y"}})");
@@ -162,7 +163,7 @@ TEST_F(Workspace, aFolderThatVanishedIsToldAndTerminalsStartElsewhere)
     EXPECT_EQ(view.launcher()->notice(), "");
     view.launcher()->runQuickAction(u"dev server"_s);
     EXPECT_EQ(terminals.current()->initialCommand(), "yarn run dev");
-    EXPECT_EQ(terminals.current()->title(), "shop-dev-server-2");
+    EXPECT_EQ(terminals.current()->title(), "shop-dev-server-3");
     view.setTab(u"health"_s);
     EXPECT_TRUE(await([&] { return !view.health()->rows().isEmpty(); }));
 }

@@ -82,11 +82,15 @@ QString DevDesk::directory() const
     return resolvedDirectory({}, home);
 }
 
-LumoTerminalSession& DevDesk::openTerminal(const QString& label, const QString& command)
+TerminalPlace DevDesk::terminalPlace() const
 {
     const std::optional<QString> id = hasProject() ? std::optional(project.id) : std::nullopt;
-    return terminals.createLocalSession(
-        label, command, { .projectId = id, .projectSlug = slug(), .directory = directory() });
+    return { .projectId = id, .projectSlug = slug(), .directory = directory() };
+}
+
+LumoTerminalSession& DevDesk::openTerminal(const QString& label, const QString& command)
+{
+    return terminals.createLocalSession(label, command, terminalPlace());
 }
 
 void DevDesk::told() const

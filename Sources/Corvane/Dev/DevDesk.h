@@ -12,6 +12,7 @@ class BrowserView;
 class Desktop;
 class LumoTerminalSession;
 class TerminalsView;
+struct TerminalPlace;
 
 inline const QString devModule = u"dev"_s;
 
@@ -43,6 +44,7 @@ struct DevDesk {
     /// Where a shell of the project starts: its repository, else its control folder, else the usual folder.
     QString directory() const;
     QString expanded(const QString& path) const; ///< "~" is the home folder
+    TerminalPlace terminalPlace() const; ///< of the project, in that folder
     LumoTerminalSession& openTerminal(const QString& label, const QString& command = {});
 
     void told() const; ///< rows of the work were written by this workspace

@@ -102,10 +102,12 @@ void TerminalWorkspaceView::projectSelected()
         m_tasks.showProject();
     m_create.setPlace(
         { .module = devModule, .context = m_desk.place(), .slug = m_desk.project.slug }, u"project"_s, {});
-    if (shown())
+    if (shown()) {
+        m_desk.terminals.setPlace(m_desk.terminalPlace());
         m_desk.browser.setProject(m_desk.hasProject()
                 ? BrowserProject { m_desk.project.id, m_desk.project.slug, m_desk.projectName(), m_desk.shownContext() }
                 : BrowserProject {});
+    }
     m_launcher.reload();
     m_tasks.reload();
     m_team.reload();

@@ -94,7 +94,10 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
 
 void TerminalsView::create()
 {
-    createLocalSession(u"shell"_s);
+    TerminalPlace place = m_place;
+    if (m_current && m_current->projectId() == place.projectId)
+        place.directory.clear();
+    createLocalSession(u"shell"_s, {}, place);
 }
 
 LumoTerminalSession* TerminalsView::find(const QString& id) const

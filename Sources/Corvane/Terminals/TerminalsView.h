@@ -81,7 +81,8 @@ public:
     /// The same with another program instead of the shell.
     LumoTerminalSession& createLocalSession(const QString& label, terminal::Command command);
 
-    Q_INVOKABLE void create();
+    void setPlace(const TerminalPlace& place) { m_place = place; } ///< of the shells that `create` starts
+    Q_INVOKABLE void create(); ///< beside one of the same project in the folder of that one
     Q_INVOKABLE void select(const QString& id);
     Q_INVOKABLE void step(int by); ///< to the next or previous tab, wrapping around
     Q_INVOKABLE void close(const QString& id); ///< asks first while a program is running in it
@@ -153,6 +154,7 @@ private:
     Question m_question;
     std::optional<qint64> m_notifiedAt;
     int m_fontSize;
+    TerminalPlace m_place;
 };
 
 }
