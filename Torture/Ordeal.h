@@ -56,8 +56,8 @@ std::unique_ptr<Ordeal> fullDiskAtEachWrite(const QString& program);
 std::unique_ptr<Ordeal> powerCuts(const QString& program);
 std::unique_ptr<Ordeal> powerCutsAtFirstStart(const QString& program);
 
-/// The program with ten messages a second, with memory and descriptors at each tenth of the time. False if it ends or
-/// grows by more than a megabyte an hour.
+/// The program with ten messages a second, with memory and descriptors at each tenth of the time. False if it ends, or
+/// grows by more than a megabyte an hour in the second half. Its caches take about an hour to fill.
 bool soak(const QString& program, int minutes);
 
 }
