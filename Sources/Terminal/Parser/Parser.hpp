@@ -108,7 +108,8 @@ template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
         m_sink.printPoints(run.points, run.count);
         return at;
     }
-    while (at < end && m_state == State::Ground && (*at >= 0x80 || m_utf8.isMidway())) {
+    // A letter before a stray continuation byte is taken here, too: each call takes something.
+    while (at < end && m_state == State::Ground) {
         utf8Step(*at++);
         if (!m_utf8.isMidway())
             break;
