@@ -49,7 +49,7 @@ void BrowserReportSheet::open(
 
 void BrowserReportSheet::close()
 {
-    if (m_busy)
+    if (m_busy || m_purpose == Purpose::Closed)
         return;
     m_purpose = Purpose::Closed;
     m_picture.show({});
