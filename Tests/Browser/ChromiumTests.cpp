@@ -201,6 +201,7 @@ TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
     view->open();
     EXPECT_TRUE(awaitLive([&] { return view->notice().contains("ERR_TOO_MANY_REDIRECTS"_L1); }))
         << qPrintable(view->notice());
+    EXPECT_TRUE(awaitLive([&] { return browser.currentURL().endsWith("/loop"_L1); }));
 }
 
 TEST_F(Chromium, whatNobodyWouldSeeIsRefusedWithAWord)

@@ -219,7 +219,8 @@ void BrowserPage::takeNavigation(const QJsonObject& frame)
     if (frame.contains("parentId"_L1))
         return;
     m_mainFrame = frame["id"_L1].toString();
-    m_url = frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
+    const QString unreachable = frame["unreachableUrl"_L1].toString(); // an error page stands in its place
+    m_url = !unreachable.isEmpty() ? unreachable : frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
     if (m_url != blankPage || m_wanted == blankPage)
         m_isOpening = false;
     readTitle();
