@@ -108,7 +108,7 @@ TEST_F(WebSyncTest, aSignOutEndsARefreshAndASignInBeginsOne)
     sync.takeUp();
     web.plan("bootstrap=stallx1");
     sync.refresh();
-    EXPECT_TRUE(await([this] { return web.requests("bootstrap") > 0; }));
+    EXPECT_TRUE(await([this] { return web.requests("bootstrap ->") > 0; }));
     session.signOut();
     EXPECT_FALSE(sync.syncing());
     EXPECT_EQ(refresh(), "Sign in first");
