@@ -133,7 +133,8 @@ QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
     if (!connection)
         co_return u"the browser ended."_s;
     if (step.kind == Kind::Type) {
-        m_browser.insertText(step.text);
+        if (!step.text.isEmpty())
+            co_await call(u"Input.insertText"_s, { { u"text"_s, step.text } }, end);
     } else if (step.kind == Kind::Press) {
         m_browser.key({ .isDown = true, .key = Qt::Key_Return });
         m_browser.key({ .isDown = false, .key = Qt::Key_Return });
@@ -163,21 +164,27 @@ QCoro::Task<bool> BrowserPlayer::openPage(QString url, CancelHandle end)
 
 QCoro::Task<QJsonValue> BrowserPlayer::evaluate(QString function, QJsonArray arguments, CancelHandle end)
 {
-    DevToolsConnection* const connection = m_browser.connection();
-    if (!connection)
-        co_return QJsonValue();
-    const Arrival<QJsonValue> arrival;
-    const auto arrive = [arrival](const QJsonValue& value) {
-        if (!arrival.hasArrived())
-            arrival.arrive(value);
-    };
-    const auto watch = end.onCancel([arrive] { arrive({}); });
     const QString list = QString::fromUtf8(QJsonDocument(arguments).toJson(QJsonDocument::Compact));
     const QJsonObject parameters { { u"expression"_s, u"(%1)(...%2)"_s.arg(function, list) },
         { u"returnByValue"_s, true } };
-    connection->call(u"Runtime.evaluate"_s, parameters, [arrive](const Result<QJsonObject>& result) {
-        arrive(result ? result->value("result"_L1)["value"_L1] : QJsonValue());
-    });
+    const QJsonObject result = co_await call(u"Runtime.evaluate"_s, parameters, end);
+    co_return result["result"_L1]["value"_L1];
+}
+
+/// Waits for the answer, since input and scripts reach the page on different ways and could overtake each other.
+QCoro::Task<QJsonObject> BrowserPlayer::call(QString method, QJsonObject parameters, CancelHandle end)
+{
+    DevToolsConnection* const connection = m_browser.connection();
+    if (!connection)
+        co_return QJsonObject();
+    const Arrival<QJsonObject> arrival;
+    const auto arrive = [arrival](const QJsonObject& result) {
+        if (!arrival.hasArrived())
+            arrival.arrive(result);
+    };
+    const auto watch = end.onCancel([arrive] { arrive({}); });
+    connection->call(
+        method, parameters, [arrive](const Result<QJsonObject>& result) { arrive(result.value_or(QJsonObject())); });
     co_return co_await arrival;
 }
 
