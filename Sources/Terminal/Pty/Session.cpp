@@ -157,7 +157,7 @@ bool Session::takeOutput()
     return open;
 }
 
-/// False when the child takes no more for now. With m_mutex held.
+/// False if the child does not read at the moment. Requires m_mutex.
 bool Session::writePiece()
 {
     const ssize_t count = write(m_pty->descriptor(), m_backlog.data() + m_written, m_backlog.size() - m_written);

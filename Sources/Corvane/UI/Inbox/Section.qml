@@ -16,7 +16,7 @@ Column {
     property string emptyText ///< shown if there are no rows
     property bool open: layout.sectionOpen(section.name)
 
-    /// Unfolds it for now, and leads the keyboard there.
+    /// Unfolds it without remembering that, and moves the focus to its head.
     function reveal() {
         open = true;
         head.forceActiveFocus(Qt.TabFocusReason);
