@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Engines/ToolServer.h"
 #include "Foundation/Literals.h"
 
 #include "Support/Await.h"
@@ -97,6 +98,15 @@ TEST_F(ToolServerTest, aStoppedServerStaysDownAndItsLateExitTouchesNoSuccessor)
     advance(3'600'000);
     EXPECT_EQ(launches(), 2);
     EXPECT_FALSE(world.engines.mcpRunning());
+}
+
+TEST_F(ToolServerTest, anotherPortComesFromTheEnvironmentAndMustBeOne)
+{
+    for (const auto& [text, port] : { std::pair("8799", 8799), std::pair("70000", 8765), std::pair("", 8765) }) {
+        qputenv("NIMB_MCP_PORT", text);
+        EXPECT_EQ(toolServerPort(), port) << text;
+    }
+    qunsetenv("NIMB_MCP_PORT");
 }
 
 TEST_F(ToolServerTest, aStopDuringTheLookAtThePortStartsNothingUnlessAStartFollows)

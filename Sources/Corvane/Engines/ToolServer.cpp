@@ -8,11 +8,13 @@
 #include "Platform/ProcessLauncher.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace corvane {
 
 namespace {
 
+constexpr int usualPort = 8765;
 constexpr Milliseconds portRelease { 300 };
 constexpr Milliseconds proofTime { 10'000 };
 
@@ -30,6 +32,12 @@ bool clearPort(PortHolders& ports, int port)
     return asked;
 }
 
+}
+
+int toolServerPort()
+{
+    const int port = qEnvironmentVariableIntValue("NIMB_MCP_PORT");
+    return port > 0 && port <= std::numeric_limits<quint16>::max() ? port : usualPort;
 }
 
 ToolServer::ToolServer(const AppPaths& paths, Scheduler& scheduler, ProcessLauncher& launcher, PortHolders& ports,

@@ -12,7 +12,8 @@ class PortHolders;
 class ProcessLauncher;
 struct AppPaths;
 
-inline constexpr int toolServerPort = 8765;
+/// 8765, or what NIMB_MCP_PORT says: two profiles that run at once need a port each.
+int toolServerPort();
 
 /// The tool server that all channels share: a child process that serves HTTP on loopback. A leftover of an earlier run
 /// is removed from the port first; a server that crashes is restarted until someone stops it.
@@ -45,7 +46,7 @@ private:
     std::unique_ptr<Timer> m_timer; ///< waits for a freed port, or for a restart
     std::unique_ptr<Timer> m_proof; ///< waits until a restarted server counts as stable
     QString m_problem;
-    int m_port = toolServerPort;
+    int m_port = toolServerPort();
     int m_restartAttempts = 0;
     bool m_isRunning = false;
     bool m_isStarting = false;

@@ -41,7 +41,7 @@ void ToolServerCard::startOrStop()
     if (running())
         m_engine.stopUnifiedMCP();
     else
-        m_engine.startUnifiedMCP(toolServerPort);
+        m_engine.startUnifiedMCP(toolServerPort());
 }
 
 }

@@ -49,8 +49,6 @@ int runTool(const TextCall& call)
     tool.name = call.arguments.value(0);
     if (!tool.name.isEmpty())
         tool.arguments = pipedIn();
-    if (const int port = qEnvironmentVariableIntValue("NIMB_MCP_PORT"); port > 0)
-        tool.port = port;
     SystemScheduler scheduler;
     return static_cast<int>(callTool(call.paths, scheduler, tool, call.out, call.errors));
 }

@@ -159,7 +159,7 @@ void CorvaneApp::onAppear()
 {
     if (isQuitting() || m_recovery->needed())
         return; // with a corrupt database it runs once there is another
-    m_engine->startUnifiedMCP(toolServerPort);
+    m_engine->startUnifiedMCP(toolServerPort());
     m_engine->db().watch().start();
     m_searchIndexer->start();
     m_delivery->startWatch();

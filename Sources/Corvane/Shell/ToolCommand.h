@@ -10,7 +10,7 @@ namespace corvane {
 struct ToolCall {
     QString name; ///< empty: list the tools
     QByteArray arguments; ///< a JSON object; empty means {}
-    int port = toolServerPort;
+    int port = toolServerPort();
 };
 
 enum class ToolOutcome : int {

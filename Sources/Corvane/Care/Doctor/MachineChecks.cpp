@@ -72,8 +72,8 @@ CheckResult checks::engines(const CheckedProfile& profile)
 
 CheckResult checks::toolServer(const CheckedProfile& profile)
 {
-    const QString port = QString::number(toolServerPort);
-    if (!answersAt(u"127.0.0.1"_s, toolServerPort))
+    const QString port = QString::number(toolServerPort());
+    if (!answersAt(u"127.0.0.1"_s, toolServerPort()))
         return { Health::Good, u"It is not running; port %1 is free."_s.arg(port),
             u"Corvane starts it. Agents reach this profile only while it runs."_s };
     if (!accessFacts(profile.paths.applicationSupport + u"/mcp-token"_s).exists)
