@@ -57,22 +57,22 @@ ContactItem InboxRows::item(const ContactRow& row, const DateWords& words)
 QList<ContactItem> InboxRows::items(const QList<ContactRow>& rows, const DateWords& words)
 {
     const QDate day = words.today();
-    const auto isShown = [&](const ContactRow& row) {
-        const auto shown = m_shown.constFind(row.id);
-        return shown != m_shown.constEnd() && shown->row == row && shown->day == day;
-    };
     QStringList others;
     for (const ContactRow& row : rows) {
-        if (!isShown(row))
+        const auto shown = m_shown.constFind(row.id);
+        if (shown == m_shown.constEnd() || shown->day != day || shown->row != row)
             others.append(row.id);
     }
     const QHash<QString, LastMessage> last = fetchLastMessages(m_db, others);
     QList<ContactItem> items;
     items.reserve(rows.size());
+    auto other = others.cbegin();
     for (const ContactRow& row : rows) {
-        if (!isShown(row))
+        if (other != others.cend() && *other == row.id) {
             m_shown.insert(row.id, { row, contactItem(row, last.value(row.id), words), day });
-        items.append(m_shown.value(row.id).item);
+            ++other;
+        }
+        items.append(m_shown.constFind(row.id)->item);
     }
     return items;
 }

@@ -86,10 +86,11 @@ Item {
         spacing: 3
 
         Repeater {
-            model: row.contact.platforms.length > 1 ? row.contact.platforms.slice(1) : []
+            // A number, so that a new message does not make the marks anew.
+            model: Math.max(0, row.contact.platforms.length - 1)
             ChannelMark {
-                required property string modelData
-                channel: modelData
+                required property int index
+                channel: row.contact.platforms[index + 1] ?? ""
                 size: 13
                 color: Theme.faint
             }
