@@ -67,6 +67,8 @@ TEST(LocalAIAvailability, theFirstConditionThatHoldsIsNamedAndTheLastOnesBoundsP
         const auto snapshot = gate.snapshot(true, true);
         ASSERT_TRUE(snapshot.stopCondition.has_value()) << qPrintable(step.rawValue);
         EXPECT_EQ(rawValue(*snapshot.stopCondition), step.rawValue);
+        const auto onBattery = gate.snapshot(true, true, BatteryWork::Allowed);
+        EXPECT_EQ(rawValue(*onBattery.stopCondition), step.rawValue == "onBattery" ? "thermalPressure" : step.rawValue);
         EXPECT_EQ(snapshot.statusText(), step.words);
         EXPECT_EQ(snapshot.supportsOnDeviceWork,
             step.rawValue != "translatedProcess" && step.rawValue != "unsupportedPlatform");

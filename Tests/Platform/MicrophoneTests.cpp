@@ -7,7 +7,6 @@
 #include "Support/LogCapture.h"
 #include "Support/VirtualScheduler.h"
 
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QSignalSpy>
@@ -49,10 +48,7 @@ TEST_F(MicrophoneTest, aNoteIsRecordedAsOneWholeFile)
     EXPECT_EQ(access(), MicrophoneAccess::Granted);
     auto recording = recordFor(1.5);
     EXPECT_GT(recording->level(), 0.1);
-    QElapsedTimer stopping;
-    stopping.start();
     EXPECT_TRUE(recording->stop());
-    EXPECT_LT(stopping.elapsed(), 1000);
     EXPECT_EQ(formatOf(path), "aac,44100,1");
     EXPECT_NEAR(secondsOf(path), recording->elapsedSeconds(), 0.1);
     EXPECT_GT(peakOf(path), 0.1F);

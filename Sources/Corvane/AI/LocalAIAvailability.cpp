@@ -24,7 +24,8 @@ LocalAIPowerSource powerSource(const QStringList& states)
     return LocalAIPowerSource::Unknown;
 }
 
-std::optional<Condition> firstCondition(const LocalAIAvailabilitySnapshot& snapshot, bool isOldPlatform)
+std::optional<Condition> firstCondition(
+    const LocalAIAvailabilitySnapshot& snapshot, bool isOldPlatform, BatteryWork onBattery)
 {
     if (snapshot.isTranslated)
         return Condition::TranslatedProcess;
@@ -32,7 +33,7 @@ std::optional<Condition> firstCondition(const LocalAIAvailabilitySnapshot& snaps
         return Condition::UnsupportedPlatform;
     if (snapshot.lowPowerMode)
         return Condition::LowPowerMode;
-    if (snapshot.powerSource == LocalAIPowerSource::Battery)
+    if (snapshot.powerSource == LocalAIPowerSource::Battery && onBattery == BatteryWork::Waits)
         return Condition::OnBattery;
     if (snapshot.thermalState >= ThermalState::Serious)
         return Condition::ThermalPressure;
@@ -107,7 +108,8 @@ QString LocalAIAvailabilitySnapshot::statusText() const
     return u"Not enough free disk space for local transcription."_s;
 }
 
-LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(bool installedDefaultModel, bool) const
+LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(
+    bool installedDefaultModel, bool, BatteryWork onBattery) const
 {
     const MachineState state = m_machine.state();
     LocalAIAvailabilitySnapshot snapshot;
@@ -119,7 +121,7 @@ LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(bool installedDefaultM
     snapshot.physicalMemoryBytes = state.physicalMemoryBytes;
     snapshot.freeDiskBytes = state.freeDiskBytes;
     snapshot.installedDefaultModel = installedDefaultModel;
-    snapshot.stopCondition = firstCondition(snapshot, m_machine.version() < m_machine.minimumVersion());
+    snapshot.stopCondition = firstCondition(snapshot, m_machine.version() < m_machine.minimumVersion(), onBattery);
     snapshot.supportsOnDeviceWork = snapshot.stopCondition != Condition::TranslatedProcess
         && snapshot.stopCondition != Condition::UnsupportedPlatform;
     return snapshot;

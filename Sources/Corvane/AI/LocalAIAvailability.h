@@ -22,6 +22,8 @@ enum class LocalAIStopCondition {
 };
 QString rawValue(LocalAIStopCondition condition);
 
+enum class BatteryWork { Waits, Allowed };
+
 struct LocalAIAvailabilitySnapshot {
     bool isAppleSilicon = true; ///< the program runs natively on this processor
     bool isTranslated = false;
@@ -47,7 +49,8 @@ public:
     }
 
     /// Reads all figures again. `requireDefault` has no effect.
-    LocalAIAvailabilitySnapshot snapshot(bool installedDefaultModel, bool requireDefault) const;
+    LocalAIAvailabilitySnapshot snapshot(
+        bool installedDefaultModel, bool requireDefault, BatteryWork onBattery = BatteryWork::Waits) const;
 
 private:
     const MachineFacts& m_machine;

@@ -277,16 +277,26 @@ void CallRecorder::stop()
     m_statusText = u"Recording saved. Starting local transcript."_s;
     endCall(m_at.recorded.db(), call.id, active->startedAtMs, m_at.scheduler.nowMs(), callStatus::transcribing);
     m_saving.append(call.id);
-    const QPointer<CallRecorder> self(this);
-    active->microphone->stop([self, call, active](const Result<void>& microphone) {
-        if (!self)
-            return;
-        if (!active->system)
-            return self->finish(call, active, microphone, {});
-        active->system->stop([self, call, active, microphone](const Result<void>& system) {
-            if (self)
-                self->finish(call, active, microphone, system);
+    struct Ends {
+        std::optional<Result<void>> microphone;
+        std::optional<Result<void>> system;
+    };
+    const auto ends = std::make_shared<Ends>();
+    const auto finishOnceBothEnded = [self = QPointer(this), call, active, ends] {
+        if (self && ends->microphone && ends->system)
+            self->finish(call, active, *ends->microphone, *ends->system);
+    };
+    if (active->system) {
+        active->system->stop([ends, finishOnceBothEnded](const Result<void>& system) {
+            ends->system = system;
+            finishOnceBothEnded();
         });
+    } else {
+        ends->system.emplace();
+    }
+    active->microphone->stop([ends, finishOnceBothEnded](const Result<void>& microphone) {
+        ends->microphone = microphone;
+        finishOnceBothEnded();
     });
     m_at.recorded.refresh();
     Q_EMIT changed();

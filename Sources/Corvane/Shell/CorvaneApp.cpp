@@ -147,12 +147,8 @@ LocalDB& CorvaneApp::db()
 /// Calls are processed on mains power unless the user allows battery.
 QCoro::Task<TranscriptionOutcome> CorvaneApp::transcribeCall(TranscriptionRequest request)
 {
-    const bool waits = m_ai->gate.snapshot(true, true).stopCondition == LocalAIStopCondition::OnBattery;
-    if (!waits || !m_calls->settings.alsoOnBattery())
-        return m_voice->speech.transcribe(std::move(request));
-    if (!request.model)
-        request.model = m_voice->speech.preferredModel();
-    return m_voice->transcription.transcribe(std::move(request));
+    request.onBattery = m_calls->settings.alsoOnBattery() ? BatteryWork::Allowed : BatteryWork::Waits;
+    return m_voice->speech.transcribe(std::move(request));
 }
 
 void CorvaneApp::onAppear()

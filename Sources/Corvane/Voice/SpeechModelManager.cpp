@@ -31,7 +31,7 @@ SpeechModelSpec SpeechModelManager::preferredModel() const
 
 QCoro::Task<TranscriptionOutcome> SpeechModelManager::transcribe(TranscriptionRequest request)
 {
-    if (const auto condition = stopConditionForSpeechWork()) {
+    if (const auto condition = stopConditionForSpeechWork(request.onBattery)) {
         co_return std::unexpected(
             SpeechTranscriberError { .kind = SpeechTranscriberError::Kind::Stopped, .condition = condition });
     }
@@ -98,9 +98,9 @@ void SpeechModelManager::showInstallation(const ModelInstaller& installer)
     }
 }
 
-std::optional<LocalAIStopCondition> SpeechModelManager::stopConditionForSpeechWork()
+std::optional<LocalAIStopCondition> SpeechModelManager::stopConditionForSpeechWork(BatteryWork onBattery)
 {
-    m_availability = m_gate.snapshot(true, true);
+    m_availability = m_gate.snapshot(true, true, onBattery);
     return m_availability.stopCondition;
 }
 

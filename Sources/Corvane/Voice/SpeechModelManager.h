@@ -60,7 +60,7 @@ Q_SIGNALS:
     void dictationLocalesChanged();
 
 private:
-    std::optional<LocalAIStopCondition> stopConditionForSpeechWork();
+    std::optional<LocalAIStopCondition> stopConditionForSpeechWork(BatteryWork onBattery);
     void enter(const SpeechModelLoadState& state);
 
     TranscriptionService& m_service;

@@ -42,6 +42,7 @@ struct TranscriptionRequest {
     std::optional<SpeechModelSpec> model = {}; ///< nothing: the preferred one
     std::function<void(double)> onProgress = {}; ///< the done part of the sound, from 0 to 1; on the main thread
     CancelHandle cancel = {}; ///< ends in Kind::Cancelled
+    BatteryWork onBattery = BatteryWork::Waits;
 };
 
 /// The file in which the segments of a sound's transcript are kept.

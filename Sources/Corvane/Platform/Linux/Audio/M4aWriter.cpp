@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Platform/Linux/Audio/Ffmpeg.h"
+#include "Platform/Linux/Files/Descriptor.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -43,6 +44,14 @@ Result<Output> openOutput(const QString& path)
     return output;
 }
 
+Result<void> waitForDisk(const QString& path)
+{
+    const Descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.isOpen() || ::fsync(file.number()) != 0)
+        return failure(QString::fromLocal8Bit(std::strerror(errno)));
+    return {};
+}
+
 /// Copies the pieces of `from` into one whole in `to`.
 Result<void> joinPieces(const QString& from, const QString& to)
 {
@@ -64,6 +73,8 @@ Result<void> joinPieces(const QString& from, const QString& to)
         packet->pos = -1;
         code = av_interleaved_write_frame(output->get(), packet.get());
     }
+    if (code >= 0)
+        code = input->pb->error; // what could not be read is not left out
     if (code >= 0)
         code = av_write_trailer(output->get());
     if (code >= 0)
@@ -223,6 +234,8 @@ Result<void> M4aWriter::join(const QString& path)
     auto joined = createFile(whole);
     if (joined)
         joined = joinPieces(path, whole);
+    if (joined)
+        joined = waitForDisk(whole); // else a power cut may leave neither of them
     if (joined && ::rename(QFile::encodeName(whole).constData(), QFile::encodeName(path).constData()) != 0)
         joined = failure(QString::fromLocal8Bit(std::strerror(errno)));
     if (!joined)
