@@ -27,10 +27,14 @@ namespace {
 class Target {
 public:
     explicit Target(const XServer& server, const QStringList& arguments = {}, const QString& busAddress = {})
+        : Target("xcb", server.display, arguments, busAddress)
+    {
+    }
+    Target(const QString& platform, const QString& display, const QStringList& arguments, const QString& busAddress)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QT_QPA_PLATFORM", "xcb");
-        environment.insert("DISPLAY", server.display);
+        environment.insert("QT_QPA_PLATFORM", platform);
+        environment.insert("DISPLAY", display);
         environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress.isEmpty() ? "disabled:" : busAddress);
         environment.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
         m_process.setProcessEnvironment(environment);
@@ -66,6 +70,45 @@ private:
 
     QProcess m_process;
     QByteArrayList m_lines;
+};
+
+/// A Wayland desktop without a screen, and a keyboard at it. It is the one of this process as long as it stands.
+class Sway {
+public:
+    Sway()
+    {
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()));
+        for (const auto& [name, value] : { std::pair { "WLR_BACKENDS", "headless" }, { "WLR_RENDERER", "pixman" } })
+            qputenv(name, value);
+        start(m_sway, "sway", { "--config", "/dev/null" });
+        EXPECT_TRUE(await([this] { return QFile::exists(m_folder.filePath("wayland-1")); })) << "it did not come up";
+        qputenv("WAYLAND_DISPLAY", "wayland-1");
+        start(m_keyboard, "wtype", { "-s", "600000" });
+    }
+    ~Sway()
+    {
+        for (QProcess* const program : { &m_keyboard, &m_sway }) {
+            program->kill();
+            program->waitForFinished();
+        }
+        for (const char* name : { "WAYLAND_DISPLAY", "WLR_BACKENDS", "WLR_RENDERER", "XDG_RUNTIME_DIR" })
+            qunsetenv(name);
+        if (!m_runtime.isEmpty())
+            qputenv("XDG_RUNTIME_DIR", m_runtime);
+    }
+
+private:
+    static void start(QProcess& program, const QString& name, const QStringList& arguments)
+    {
+        program.setStandardErrorFile(QProcess::nullDevice());
+        program.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        program.start(name, arguments);
+    }
+
+    const QByteArray m_runtime = qgetenv("XDG_RUNTIME_DIR");
+    QTemporaryDir m_folder;
+    QProcess m_sway;
+    QProcess m_keyboard;
 };
 
 /// The accessibility bus of a desktop.
@@ -275,7 +318,7 @@ TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
     PrivateBus bus;
     WaylandTextInsertion without(scheduler, bus.connect());
     EXPECT_EQ(insert(without, "text"), Outcome::Missed);
-    EXPECT_EQ(without.way(), InsertionWay::None);
+    EXPECT_NE(without.way(), InsertionWay::Typing);
 
     RemotePortal portal(bus.connect());
     WaylandTextInsertion insertion(scheduler, bus.connect());
@@ -288,7 +331,21 @@ TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
     ASSERT_TRUE(await([&] { return insert(insertion, "x") == Outcome::Missed; }));
     portal.answer = 1; // no
     insertion.aim();
-    ASSERT_TRUE(await([&] { return insertion.way() == InsertionWay::None; }));
+    ASSERT_TRUE(await([&] { return insertion.way() != InsertionWay::Typing; }));
+}
+
+TEST_F(TextInsertionTest, aCompositorThatTakesKeysPastesAndTheClipboardKeepsWhatItHeld)
+{
+    const Sway sway;
+    QProcess::execute("wl-copy", { "old" });
+    WaylandTextInsertion insertion(scheduler, noBus());
+    EXPECT_EQ(insertion.way(), InsertionWay::PasteKeys);
+    Target target("wayland", {}, {}, {});
+    EXPECT_EQ(insert(insertion, "Grüße ☕"), Outcome::Inserted);
+    EXPECT_TRUE(target.says("7 Grüße ☕"));
+    EXPECT_EQ(insert(insertion, "!"), Outcome::Inserted) << "before the clipboard was given back";
+    EXPECT_TRUE(target.says("8 Grüße ☕!"));
+    EXPECT_TRUE(target.saysAtTheEnd("clipboard 3"));
 }
 
 #include "TextInsertionTests.moc"

@@ -9,6 +9,7 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds limit { 6000 };
+constexpr Milliseconds giveBackTime { 500 }; ///< in which the program in front reads the clipboard
 
 }
 
@@ -24,7 +25,9 @@ WaylandTextInsertion::~WaylandTextInsertion() = default;
 
 InsertionWay WaylandTextInsertion::way() const
 {
-    return m_keyboard.state() == PortalKeyboard::State::Absent ? InsertionWay::None : InsertionWay::Typing;
+    if (m_keyboard.state() != PortalKeyboard::State::Absent)
+        return InsertionWay::Typing;
+    return hasPasteTools() ? InsertionWay::PasteKeys : InsertionWay::None;
 }
 
 /// The question whether the program may type comes before the text does: its window takes the focus.
@@ -71,10 +74,38 @@ void WaylandTextInsertion::insertInto(const FocusedField& field)
 
 void WaylandTextInsertion::type()
 {
+    if (way() == InsertionWay::PasteKeys)
+        return paste();
     if (m_keyboard.state() != PortalKeyboard::State::Granted)
         return end(InsertionOutcome::Missed);
     m_keyboard.type(
         m_text, [this](bool isTyped) { end(isTyped ? InsertionOutcome::Inserted : InsertionOutcome::Missed); });
+}
+
+void WaylandTextInsertion::paste()
+{
+    m_givesBack.reset();
+    m_background.run<PastedText>([text = m_text] { return pasteWithTools(text); },
+        [this](const PastedText& pasted) {
+            if (m_kept.isEmpty()) // else the text before this one stands there
+                m_kept = pasted.kept;
+            if (pasted.outcome == InsertionOutcome::Inserted)
+                m_givesBack = m_scheduler.after(giveBackTime, [this] { giveBack(); });
+            else
+                m_kept.clear();
+            end(pasted.outcome);
+        });
+}
+
+void WaylandTextInsertion::giveBack()
+{
+    m_givesBack.reset();
+    m_background.run<bool>(
+        [kept = std::exchange(m_kept, {}), text = m_text] {
+            giveBackSelections(kept, text);
+            return true;
+        },
+        [](bool) {});
 }
 
 void WaylandTextInsertion::end(InsertionOutcome outcome)

@@ -4,11 +4,13 @@
 #include "Foundation/Scheduler.h"
 #include "Platform/Linux/Input/FocusedField.h"
 #include "Platform/Linux/Input/PortalKeyboard.h"
+#include "Platform/Linux/Input/WaylandPaste.h"
 #include "Platform/TextInsertion.h"
 
 namespace corvane {
 
-/// Inserts text through the accessibility bus if the focused field supports it, else types through the portal.
+/// Inserts text through the accessibility bus if the focused field supports it, else types through the portal. Where the
+/// desktop has no such portal, it pastes with wl-clipboard and wtype if they are installed.
 class WaylandTextInsertion final : public TextInsertion {
     Q_OBJECT
 public:
@@ -24,6 +26,8 @@ public:
 private:
     void insertInto(const FocusedField& field);
     void type();
+    void paste();
+    void giveBack();
     void end(InsertionOutcome outcome);
 
     Scheduler& m_scheduler;
@@ -31,6 +35,8 @@ private:
     PortalKeyboard m_keyboard;
     BackgroundQueue m_background;
     std::unique_ptr<Timer> m_limit;
+    std::unique_ptr<Timer> m_givesBack;
+    KeptSelections m_kept; ///< to be given back; empty for none
     QString m_text;
     Done m_done; ///< of the current insertion
 };
