@@ -76,7 +76,7 @@ protected:
     const std::unique_ptr<Microphone> realMicrophone = makeMicrophone(scheduler);
     const std::unique_ptr<CallAudio> realAudio = makeCallAudio(scheduler);
     CallRecorder chain { { *recorded, work, *realMicrophone, *realAudio, sleep, lumo.machine, m_defaults, scheduler,
-        m_home.paths() } };
+        m_home.paths(), background } };
 };
 
 }

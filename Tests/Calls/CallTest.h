@@ -6,6 +6,7 @@
 #include "Calls/CallSummarizer.h"
 #include "Calls/CallTurns.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/BackgroundQueue.h"
 #include "Platform/AppPaths.h"
 #include "Store/Work/CallWrites.h"
 #include "Support/FakeCallAudio.h"
@@ -36,8 +37,8 @@ protected:
         summarizer.emplace(lumo.ai, m_defaults);
         processor.emplace(
             *m_db, *summarizer, [this](TranscriptionRequest request) { return hear(std::move(request)); }, models);
-        recorder.emplace(CallRecorder::Surroundings {
-            *recorded, *processor, microphone, audio, sleep, lumo.machine, m_defaults, m_clock, m_home.paths() });
+        recorder.emplace(CallRecorder::Surroundings { *recorded, *processor, microphone, audio, sleep, lumo.machine,
+            m_defaults, m_clock, m_home.paths(), background });
     }
 
     QCoro::Task<TranscriptionOutcome> hear(TranscriptionRequest request)
@@ -85,6 +86,7 @@ protected:
     std::optional<RecordedCalls> recorded;
     std::optional<CallSummarizer> summarizer;
     std::optional<CallProcessor> processor;
+    BackgroundQueue background;
     std::optional<CallRecorder> recorder;
 };
 

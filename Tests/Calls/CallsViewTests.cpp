@@ -4,6 +4,8 @@
 #include "CallTest.h"
 #include "Calls/CallExport.h"
 #include "Calls/CallSettings.h"
+#include "Support/Await.h"
+#include "Support/Environment.h"
 #include "Support/FakeAudioPlayer.h"
 #include "Support/Rows.h"
 
@@ -99,6 +101,12 @@ TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
     EXPECT_TRUE(callAsText(*fetchCall(*m_db, id), readTurns(folder()), readCallNotes(folder()))
             .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
     const QString files = folder();
+    const QByteArray home = QFile::encodeName(m_home.path("home"));
+    const Environment places { { "HOME", home }, { "XDG_CONFIG_HOME", home } };
+    page.exportSound();
+    EXPECT_TRUE(await([&] { return page.doneText().startsWith("Saved to "); })) << page.doneText().toStdString();
+    EXPECT_EQ(QDir(m_home.path("home/Downloads")).entryList(QDir::Files),
+        QStringList({ "Renamed - mic.m4a", "Renamed - system.m4a" }));
     page.remove();
     EXPECT_FALSE(QDir(files).exists());
     EXPECT_EQ(calls.rows()->rowCount(), 0);

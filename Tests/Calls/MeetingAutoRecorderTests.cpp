@@ -3,7 +3,6 @@
 #include "Calendar/CalendarStore.h"
 #include "CallTest.h"
 #include "Calls/CallSettings.h"
-#include "Foundation/BackgroundQueue.h"
 #include "Support/Await.h"
 #include "Support/FakeCalendarSource.h"
 
@@ -61,8 +60,8 @@ protected:
     }
 
     FakeCalendarSource source;
-    BackgroundQueue background;
-    CalendarStore calendar { { *m_db, source, background, m_clock, m_defaults, m_centre, [] {
+    BackgroundQueue reading;
+    CalendarStore calendar { { *m_db, source, reading, m_clock, m_defaults, m_centre, [] {
                                   return QStringList("me@x.example");
                               } } };
     ProgramsSeen programs;

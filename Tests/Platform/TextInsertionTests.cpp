@@ -5,6 +5,7 @@
 
 #include "PortalResponse.h"
 #include "Support/Await.h"
+#include "Support/Environment.h"
 #include "Support/Places.h"
 #include "Support/PrivateBus.h"
 #include "XServer.h"
@@ -77,12 +78,9 @@ class Sway {
 public:
     Sway()
     {
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()));
-        for (const auto& [name, value] : { std::pair { "WLR_BACKENDS", "headless" }, { "WLR_RENDERER", "pixman" } })
-            qputenv(name, value);
         start(m_sway, "sway", { "--config", "/dev/null" });
         EXPECT_TRUE(await([this] { return QFile::exists(m_folder.filePath("wayland-1")); })) << "it did not come up";
-        qputenv("WAYLAND_DISPLAY", "wayland-1");
+        m_environment.set("WAYLAND_DISPLAY", "wayland-1");
         start(m_keyboard, "wtype", { "-s", "600000" });
     }
     ~Sway()
@@ -91,10 +89,6 @@ public:
             program->kill();
             program->waitForFinished();
         }
-        for (const char* name : { "WAYLAND_DISPLAY", "WLR_BACKENDS", "WLR_RENDERER", "XDG_RUNTIME_DIR" })
-            qunsetenv(name);
-        if (!m_runtime.isEmpty())
-            qputenv("XDG_RUNTIME_DIR", m_runtime);
     }
 
 private:
@@ -105,8 +99,9 @@ private:
         program.start(name, arguments);
     }
 
-    const QByteArray m_runtime = qgetenv("XDG_RUNTIME_DIR");
     QTemporaryDir m_folder;
+    Environment m_environment { { "XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()) },
+        { "WLR_BACKENDS", "headless" }, { "WLR_RENDERER", "pixman" } };
     QProcess m_sway;
     QProcess m_keyboard;
 };

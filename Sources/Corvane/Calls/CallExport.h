@@ -12,7 +12,7 @@ struct AppPaths;
 QString callAsText(const CallDetails& call, const QList<CallTurn>& turns, const CallNotes& notes);
 
 /// Into the user's downloads folder, named after the call; empty paths are skipped. Returns where it went, or the
-/// error.
+/// error. Takes as long as the copying does: for a background thread.
 QString exportSoundOf(const CallDetails& call, const QStringList& paths);
 
 /// Deletes the folder of a call's files, and nothing else.

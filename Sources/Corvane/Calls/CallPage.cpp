@@ -4,6 +4,7 @@
 #include "Calls/CallRecorder.h"
 #include "Calls/CallSummarizer.h"
 #include "Calls/RecordedCalls.h"
+#include "Foundation/BackgroundQueue.h"
 #include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/Downloads.h"
@@ -396,8 +397,15 @@ void CallPage::exportSubtitles()
 
 void CallPage::exportSound()
 {
-    if (m_call)
-        tell(exportSoundOf(*m_call, { m_microphonePath, m_systemPath }));
+    if (!m_call)
+        return;
+    tell(u"Saving the sound…"_s);
+    m_recorder.surroundings().background.run<QString>(
+        [call = *m_call, paths = QStringList { m_microphonePath, m_systemPath }] { return exportSoundOf(call, paths); },
+        [self = QPointer(this), id = callId()](const QString& words) {
+            if (self && self->callId() == id)
+                self->tell(words);
+        });
 }
 
 void CallPage::remove()

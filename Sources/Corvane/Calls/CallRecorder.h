@@ -11,6 +11,7 @@
 
 namespace corvane {
 
+class BackgroundQueue;
 class MachineFacts;
 class RecordedCalls;
 class UserDefaults;
@@ -47,6 +48,7 @@ public:
         UserDefaults& defaults;
         Scheduler& scheduler;
         const AppPaths& paths;
+        BackgroundQueue& background;
     };
 
     explicit CallRecorder(const Surroundings& surroundings, QObject* parent = nullptr);

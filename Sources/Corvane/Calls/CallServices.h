@@ -31,7 +31,7 @@ struct CallServices {
         : summarizer(ai, defaults)
         , processor(recorded.db(), summarizer, std::move(transcribe), models)
         , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts, defaults,
-              scheduler, paths })
+              scheduler, paths, machine.background })
         , recording(recorder)
         , keys(recording, machine.shortcuts, defaults)
         , autoRecorder({ calendar, recorder, lookForPrograms(machine.audio, machine.background) })
