@@ -18,6 +18,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 using namespace corvane;
 using Outcome = InsertionOutcome;
@@ -78,6 +79,14 @@ class Sway {
 public:
     Sway()
     {
+        if (::getuid() == 0)
+            EXPECT_EQ(::chown(QFile::encodeName(m_folder.path()).constData(), nobody, nobody), 0);
+        m_sway.setChildProcessModifier([] {
+            if (::getuid() == 0) // it refuses to run as root
+                (void)(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        });
+        m_keyboard.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         start(m_sway, "sway", { "--config", "/dev/null" });
         EXPECT_TRUE(await([this] { return QFile::exists(m_folder.filePath("wayland-1")); })) << "it did not come up";
         m_environment.set("WAYLAND_DISPLAY", "wayland-1");
@@ -95,10 +104,10 @@ private:
     static void start(QProcess& program, const QString& name, const QStringList& arguments)
     {
         program.setStandardErrorFile(QProcess::nullDevice());
-        program.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         program.start(name, arguments);
     }
 
+    static constexpr uid_t nobody = 65534;
     QTemporaryDir m_folder;
     Environment m_environment { { "XDG_RUNTIME_DIR", QFile::encodeName(m_folder.path()) },
         { "WLR_BACKENDS", "headless" }, { "WLR_RENDERER", "pixman" } };

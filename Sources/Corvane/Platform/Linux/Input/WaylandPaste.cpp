@@ -41,7 +41,7 @@ std::optional<QByteArray> output(const QString& program, const QStringList& argu
     }
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return std::nullopt;
-    return process.readAllStandardOutput();
+    return program == copy ? QByteArray() : process.readAllStandardOutput();
 }
 
 SelectionContent contentOf(const QStringList& selection)
