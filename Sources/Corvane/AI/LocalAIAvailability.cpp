@@ -108,8 +108,7 @@ QString LocalAIAvailabilitySnapshot::statusText() const
     return u"Not enough free disk space for local transcription."_s;
 }
 
-LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(
-    bool installedDefaultModel, bool, BatteryWork onBattery) const
+LocalAIAvailabilitySnapshot LocalAIAvailability::snapshot(bool installedDefaultModel, bool, BatteryWork onBattery) const
 {
     const MachineState state = m_machine.state();
     LocalAIAvailabilitySnapshot snapshot;

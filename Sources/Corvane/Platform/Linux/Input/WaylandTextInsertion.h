@@ -9,8 +9,8 @@
 
 namespace corvane {
 
-/// Inserts text through the accessibility bus if the focused field supports it, else types through the portal. Where the
-/// desktop has no such portal, it pastes with wl-clipboard and wtype if they are installed.
+/// Inserts text through the accessibility bus if the focused field supports it, else types through the portal. Where
+/// the desktop has no such portal, it pastes with wl-clipboard and wtype if they are installed.
 class WaylandTextInsertion final : public TextInsertion {
     Q_OBJECT
 public:
