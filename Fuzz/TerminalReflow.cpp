@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const uint8_t byte = data[at];
         if (byte < 0x20) {
             if (at + 1 < size)
-                terminal.resize({ 2 + byte * 3, 1 + data[++at] % 40 });
+                terminal.resize({ 1 + byte * 3, 1 + data[++at] % 40 });
         } else if (byte == '|') {
             terminal.feed("\r\n");
         } else if (byte >= 0x80) {

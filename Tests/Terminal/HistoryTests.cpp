@@ -44,15 +44,20 @@ TEST(History, resizingInAnyOrderLosesNoLine)
         terminal << text + "\r\n";
     }
     for (int i = 0; i < 60; ++i) {
-        terminal.resize({ 2 + int(randomness() % 120), 1 + int(randomness() % 50) });
+        terminal.resize({ i % 7 ? 1 + int(randomness() % 120) : 1, 1 + int(randomness() % 50) });
         ASSERT_EQ(terminal.fault(), nullptr);
         ASSERT_EQ(everything(terminal), expected) << "after resize " << i;
+        size_t rows = 0;
+        terminal.eachHistoryRow([&](const RowView&) { ++rows; });
+        ASSERT_EQ(terminal.historyRows(), rows);
     }
     terminal.resize({ 1000, 500 });
     terminal << "last";
     EXPECT_EQ(everything(terminal), expected + "last\n");
     terminal.resize({ 1, 1 });
-    terminal << "at last";
+    terminal << "漢 at last";
+    terminal.resize({ 80, 5 });
+    EXPECT_EQ(everything(terminal), expected + "last漢 at last\n");
 }
 
 TEST(History, theCursorStaysWithItsText)

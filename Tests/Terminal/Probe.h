@@ -29,7 +29,7 @@ public:
         readRow(row, view);
         std::string content;
         for (const Cell cell : view.cells) {
-            if (cell.part() != Cell::Part::WideTail && cell.part() != Cell::Part::Filler)
+            if (cell.part() != Cell::Part::WideTail && !cell.isFiller())
                 content += cell.isBlank() ? " " : text(cell);
         }
         return content.substr(0, content.find_last_not_of(' ') + 1);

@@ -132,7 +132,7 @@ TEST(Screen, reportsAnswerExactly)
     EXPECT_EQ(terminal.ask("\x1b[18t\x1b[16t"), "\x1b[8;5;20t\x1b[6;20;10t");
     EXPECT_EQ(terminal.ask("\x1b[21t"), "");
     EXPECT_EQ(terminal.ask("\x1b]4;1;?\x07\x1b]11;#102030\x1b\\\x1b]11;?\x1b\\"),
-        "\x1b]4;1;rgb:cdcd/0000/0000\x1b\\\x1b]11;rgb:1010/2020/3030\x1b\\");
+        "\x1b]4;1;rgb:cdcd/0000/0000\x07\x1b]11;rgb:1010/2020/3030\x1b\\");
     EXPECT_EQ(terminal.ask("\x1b[2$w"), "\x1bP2$u9/17\x1b\\");
     EXPECT_EQ(terminal.ask("\x1b[1$w"), "\x1bP1$u3;7;1;@;@;@;0;2;L;BBAA\x1b\\");
 }

@@ -96,6 +96,15 @@ TEST(Text, everyProcessorDecodesPlacesAndPacksAlike)
         ASSERT_EQ(text2, text1);
         ASSERT_EQ(utf8.substr(0, text1.bytes), encodeUtf8(decoded.substr(0, text1.characters)));
         ASSERT_EQ(otherUtf8.substr(0, text1.bytes), utf8.substr(0, text1.bytes));
+        if (count == 0)
+            continue;
+        const auto& table = CodePointTable::instance();
+        ASSERT_EQ(chosen.kinds(table, one, count), portable.kinds(table, one, count));
+        ShapeRun runs[TextKernels::mostRuns];
+        ShapeRun otherRuns[TextKernels::mostRuns];
+        const size_t runCount = portable.shapes(text1, runs);
+        ASSERT_EQ(chosen.shapes(text1, otherRuns), runCount);
+        ASSERT_TRUE(std::equal(runs, runs + runCount, otherRuns));
     }
 }
 

@@ -59,7 +59,7 @@ public:
     void dcsBegin(const Sequence& sequence);
     void dcsData(std::string_view data);
     void dcsEnd(bool complete);
-    void osc(std::string_view text);
+    void osc(std::string_view text, StringEnd end);
     void apcBegin();
     void apcData(std::string_view data);
     void apcEnd(bool complete);
@@ -140,7 +140,11 @@ public:
     {
         reply(concat(c1Text('P'), parts..., c1Text('\\')));
     }
-    template <typename... Parts> void replyOsc(const Parts&... parts) { reply(concat(c1Text(']'), parts..., oscEnd)); }
+    /// Ends as the question did.
+    template <typename... Parts> void replyOsc(const Parts&... parts)
+    {
+        reply(concat(c1Text(']'), parts..., answersWithBell ? std::string("\a") : c1Text('\\')));
+    }
     std::string c1Text(char letter) const;
     void setTitle(std::string_view text);
     void setIcon(std::string_view text);
@@ -195,7 +199,7 @@ public:
         bool queryHex = false;
     } titleCoding; ///< XTSMTITLE
     std::vector<Style> penStack;
-    std::string oscEnd = "\x1b\\"; ///< answers end as the question did
+    bool answersWithBell = false; ///< as the last operating system command ended
     std::string replies;
     Listener* listener;
     Parser<Emulator> parser { *this };

@@ -6,8 +6,7 @@ namespace corvane::terminal {
 
 size_t HistoryView::rowsOfLine(uint64_t line) const
 {
-    const HistoryLine text = m_history.line(line);
-    return rowsOf(text, widthOf(text.size));
+    return rowsOf(m_history.line(line), m_columns);
 }
 
 bool HistoryView::continues(uint64_t line) const
@@ -70,28 +69,30 @@ size_t HistoryView::startOf(Address address)
     return starts[std::min(address.part, starts.size() - 1)];
 }
 
+void HistoryView::readPart(uint64_t line, const std::vector<size_t>& starts, size_t part, RowView& view) const
+{
+    const size_t end = part + 1 < starts.size() ? starts[part + 1] : m_cells.size();
+    view.cells.assign(m_cells.begin() + int64_t(starts[part]), m_cells.begin() + int64_t(end));
+    view.size = m_history.line(line).size;
+    view.continued = part > 0 || continues(line);
+    if (widthOf(view.size) == 1 && view.cells.size() == 2)
+        view.cells = { view.cells[0].withPart(Cell::Part::Filler) };
+}
+
 void HistoryView::read(Address address, RowView& view)
 {
     m_history.unpack(address.line, m_cells);
-    view.size = m_history.line(address.line).size;
-    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(view.size));
-    const size_t part = std::min(address.part, starts.size() - 1);
-    const size_t end = part + 1 < starts.size() ? starts[part + 1] : m_cells.size();
-    view.cells.assign(m_cells.begin() + int64_t(starts[part]), m_cells.begin() + int64_t(end));
-    view.continued = part > 0 || continues(address.line);
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(m_history.line(address.line).size));
+    readPart(address.line, starts, std::min(address.part, starts.size() - 1), view);
 }
 
 std::vector<RowView> HistoryView::readLine(uint64_t line)
 {
     m_history.unpack(line, m_cells);
-    const LineSize size = m_history.line(line).size;
-    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(size));
-    std::vector<RowView> rows;
-    for (size_t part = 0; part < starts.size(); ++part) {
-        const size_t end = part + 1 < starts.size() ? starts[part + 1] : m_cells.size();
-        rows.push_back({ { m_cells.begin() + int64_t(starts[part]), m_cells.begin() + int64_t(end) }, size,
-            part > 0 || continues(line) });
-    }
+    const std::vector<size_t> starts = rowStarts(m_cells, widthOf(m_history.line(line).size));
+    std::vector<RowView> rows(starts.size());
+    for (size_t part = 0; part < starts.size(); ++part)
+        readPart(line, starts, part, rows[part]);
     return rows;
 }
 

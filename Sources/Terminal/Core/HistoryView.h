@@ -40,6 +40,8 @@ private:
     int widthOf(LineSize size) const { return size == LineSize::Single ? m_columns : (m_columns + 1) / 2; }
     size_t rowsOfLine(uint64_t line) const;
     bool continues(uint64_t line) const;
+    /// One of the rows, which begin at `starts`, of the line that was read last.
+    void readPart(uint64_t line, const std::vector<size_t>& starts, size_t part, RowView& view) const;
 
     Scrollback& m_history;
     int m_columns;

@@ -347,7 +347,7 @@ void oscIterm(Emulator& t, int, std::string_view text)
 
 }
 
-void Emulator::osc(std::string_view text)
+void Emulator::osc(std::string_view text, StringEnd end)
 {
     constexpr int tooLarge = 1'000'000;
     size_t digits = 0;
@@ -358,8 +358,10 @@ void Emulator::osc(std::string_view text)
         return;
     text.remove_prefix(std::min(digits + 1, text.size()));
     for (const auto& entry : functions) {
-        if (number >= entry.first && number <= entry.last)
-            return entry.function(*this, number, text);
+        if (number < entry.first || number > entry.last)
+            continue;
+        answersWithBell = end == StringEnd::Bell;
+        return entry.function(*this, number, text);
     }
 }
 

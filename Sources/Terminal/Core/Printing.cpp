@@ -113,14 +113,9 @@ void Emulator::printPoints(const char32_t* points, size_t count)
     for (size_t begin = 0; begin < count; begin += TextKernels::most) {
         const size_t here = std::min(TextKernels::most, count - begin);
         const char32_t* const text = points + begin;
-        uint64_t simple = 0;
-        uint64_t wide = 0;
-        for (size_t i = 0; i < here; ++i) {
-            const CodePoint properties = codePoints[text[i]];
-            const int width = widthOf(properties);
-            simple |= uint64_t((width != 0) & (!clustered | Graphemes::isStandalone(properties))) << i;
-            wide |= uint64_t(width == 2) << i;
-        }
+        const PointKinds kinds = textKernels.kinds(codePoints, text, here);
+        const uint64_t simple = kinds.visible & (clustered ? kinds.standalone : ~uint64_t(0));
+        const uint64_t wide = kinds.wide | (config.ambiguousWide ? kinds.ambiguous : 0);
         for (size_t at = 0; at < here;) {
             if (const auto run = size_t(std::countr_one(simple >> at)))
                 at += printSimple(text + at, std::min(run, here - at), wide >> at);
@@ -201,6 +196,10 @@ void Emulator::put(Cell cell, int width)
     if (cursor.pendingWrap)
         wrap();
     int end = textEnd(cursorRow());
+    if (width == 2 && rowEnd(cursorRow()) == 1) {
+        cell = cell.withPart(Cell::Part::Filler);
+        width = 1;
+    }
     if (cursor.column + width > end) {
         if (end - margins.left < width)
             return;

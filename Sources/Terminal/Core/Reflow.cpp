@@ -25,10 +25,18 @@ struct Follower {
 
 void fillRow(Row& row, std::span<const Cell> cells, int columns)
 {
+    if (columns == 1 && !cells.empty() && cells[0].part() == Cell::Part::WideHead) {
+        row.cells[0] = cells[0].withPart(Cell::Part::Filler);
+        row.styled = cells[0].style() != 0;
+        row.complex = true;
+        row.touch(1);
+        return;
+    }
     const size_t count = std::min(cells.size(), size_t(columns));
     for (size_t i = 0; i < count; ++i) {
         Cell cell = cells[i];
-        const bool halved = (cell.part() == Cell::Part::WideHead && i + 1 >= count)
+        const bool halved = (cell.isSqueezed() && columns > 1)
+            || (cell.part() == Cell::Part::WideHead && i + 1 >= count)
             || (cell.part() == Cell::Part::WideTail && (i == 0 || row.cells[i - 1].part() != Cell::Part::WideHead));
         if (halved)
             cell = Cell::erased(cell.style());
@@ -100,9 +108,14 @@ private:
             m_lineOfRow[size_t(index)] = { m_lines.size() - 1, line.cells.size() };
             const int end = row.size == LineSize::Single ? grid.columns() : (grid.columns() + 1) / 2;
             int count = row.wrapped ? end : std::min(end, row.contentLength());
-            if (row.wrapped && row.cells[end - 1].part() == Cell::Part::Filler)
+            if (row.wrapped && row.cells[end - 1].isFiller())
                 --count;
-            line.cells.insert(line.cells.end(), row.cells, row.cells + count);
+            if (row.cells[0].isSqueezed()) {
+                const auto wide = stretched(row.cells[0]);
+                line.cells.insert(line.cells.end(), wide.begin(), wide.end());
+            } else {
+                line.cells.insert(line.cells.end(), row.cells, row.cells + count);
+            }
             continues = row.wrapped;
         }
         m_lines.back().open = continues;
@@ -114,8 +127,10 @@ private:
 
     size_t follow(int row, int column)
     {
-        const auto& [line, offset] = m_lineOfRow[size_t(std::clamp(row, 0, m_screen.grid.rows() - 1))];
-        m_followers.push_back({ line, offset + size_t(column), 0, 0 });
+        const int index = std::clamp(row, 0, m_screen.grid.rows() - 1);
+        const auto& [line, offset] = m_lineOfRow[size_t(index)];
+        const bool isBehindSqueezed = column > 0 && m_screen.grid.row(index).cells[0].isSqueezed();
+        m_followers.push_back({ line, offset + size_t(column) + isBehindSqueezed, 0, 0 });
         return m_followers.size() - 1;
     }
 
@@ -236,8 +251,8 @@ private:
                 Row& row = leaves ? leaving.row(0) : next.row(index - m_first);
                 if (leaves)
                     leaving.renew(row);
-                fillRow(row, std::span(line.cells).subspan(starts[part], end - starts[part]), m_size.columns);
                 row.size = line.size;
+                fillRow(row, std::span(line.cells).subspan(starts[part], end - starts[part]), rowWidth(row));
                 row.wrapped = part + 1 < starts.size() || line.open;
                 if (row.wrapped && int(end - starts[part]) == m_size.columns - 1 && row.size == LineSize::Single
                     && part + 1 < starts.size()) {

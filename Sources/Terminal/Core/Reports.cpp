@@ -63,6 +63,7 @@ std::optional<std::string> capability(const Emulator& t, std::string_view name)
         { "Ss", "\x1b[%p1%d q" },
         { "Se", "\x1b[2 q" },
         { "Ms", "\x1b]52;%p1%s;%p2%s\x1b\\" },
+        { "indn", "\x1b[%p1%dS" },
         { "Sync", "\x1b[?2026%?%p1%{1}%-%tl%eh%;" },
         { "ku", "\x1bOA" },
         { "kcuu1", "\x1bOA" },

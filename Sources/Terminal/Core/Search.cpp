@@ -66,7 +66,7 @@ struct ScreenLine {
 
     void append(const Emulator& t, Cell cell)
     {
-        if (cell.part() != Cell::Part::WideTail && cell.part() != Cell::Part::Filler) {
+        if (cell.part() != Cell::Part::WideTail && !cell.isFiller()) {
             if (cell.isCluster())
                 text += encodeUtf8(t.clusters[cell.content()]);
             else
@@ -113,7 +113,7 @@ private:
                 const HistoryLine line = page.line(index);
                 const int width = line.size == LineSize::Single ? t.columns() : (t.columns() + 1) / 2;
                 searchLine(line, page.firstLine() + index, row, width);
-                row += int64_t(rowsOf(line, width));
+                row += int64_t(rowsOf(line, t.columns()));
             }
             page.cool();
         }
@@ -161,7 +161,7 @@ private:
             line.starts.push_back(line.cells.size());
             const int end = row.wrapped ? t.rowEnd(row) : t.textLength(row);
             for (int column = 0; column < end; ++column) {
-                if (row.cells[column].part() != Cell::Part::Filler)
+                if (!row.cells[column].isFiller())
                     line.append(t, row.cells[column]);
             }
             if (!row.wrapped)

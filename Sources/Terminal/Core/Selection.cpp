@@ -94,7 +94,7 @@ void appendCells(Emulator& t, std::string& text, const RowView& row, int from, i
     const int end = std::min(to, int(row.cells.size()));
     for (int column = from; column < end; ++column) {
         const Cell cell = row.cells[size_t(column)];
-        if (cell.part() == Cell::Part::WideTail || cell.part() == Cell::Part::Filler)
+        if (cell.part() == Cell::Part::WideTail || cell.isFiller())
             continue;
         if (cell.isCluster())
             text += encodeUtf8(t.clusters[cell.content()]);

@@ -18,7 +18,9 @@ public:
         Narrow,
         WideHead,
         WideTail, ///< the second half of the cell to the left
-        Filler ///< the last column, left free since a wide character did not fit
+        /// The last column, left free since a wide character did not fit; with text, a wide character that is all of a
+        /// row of one column.
+        Filler
     };
 
     constexpr Cell() = default;
@@ -38,8 +40,14 @@ public:
     constexpr Part part() const { return Part((m_bits >> partShift) & 3); }
     constexpr StyleId style() const { return StyleId(m_bits >> styleShift); }
     constexpr bool hasText() const { return m_bits & (contentMask | clusterBit); } ///< a cluster may have the number 0
+    constexpr bool isFiller() const { return part() == Part::Filler && !hasText(); }
+    constexpr bool isSqueezed() const { return part() == Part::Filler && hasText(); }
     constexpr bool isBlank() const { return uint32_t(m_bits) == 0; }
     constexpr Cell withStyle(StyleId style) const { return Cell(uint32_t(m_bits) | uint64_t(style) << styleShift); }
+    constexpr Cell withPart(Part part) const
+    {
+        return Cell((m_bits & ~(uint64_t(3) << partShift)) | uint64_t(part) << partShift);
+    }
     constexpr int width() const { return part() == Part::WideHead ? 2 : part() == Part::WideTail ? 0 : 1; }
 
     friend constexpr bool operator==(Cell, Cell) = default;

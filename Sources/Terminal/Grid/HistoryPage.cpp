@@ -7,7 +7,7 @@ namespace corvane::terminal {
 namespace {
 
 struct Header {
-    uint32_t cellsAndFlags; // 24 bits of cells, 2 of line size, 1 joined
+    uint32_t cellsAndFlags; // 24 bits of cells, 2 of line size, then joined and wide
     uint32_t textBytes;
     uint16_t styleCount;
     uint16_t shapeCount;
@@ -18,6 +18,7 @@ static_assert(sizeof(Header) == HistoryPage::headerSize);
 constexpr uint32_t cellMask = 0xffffff;
 constexpr int sizeShift = 24;
 constexpr uint32_t joinedBit = 1u << 26;
+constexpr uint32_t wideBit = 1u << 27;
 
 }
 
@@ -31,12 +32,14 @@ HistoryPage::HistoryPage(uint64_t firstLine, size_t capacity)
 
 size_t HistoryPage::bytes() const
 {
-    return (m_bytes ? m_capacity : m_packed.size()) + styles.capacity() * sizeof(Style);
+    return (m_bytes ? m_capacity : m_packed.size()) + styles.capacity() * sizeof(Style)
+        + m_lengths.capacity() * sizeof(uint16_t);
 }
 
 void HistoryPage::commit(const HistoryLine& line)
 {
-    const Header header { line.cells | uint32_t(line.size) << sizeShift | (line.joined ? joinedBit : 0),
+    const Header header { line.cells | uint32_t(line.size) << sizeShift | (line.joined ? joinedBit : 0)
+            | (line.wide ? wideBit : 0),
         uint32_t(line.text.size()), line.styleCount, line.shapeCount };
     char* at = m_bytes.get() + m_used;
     std::memcpy(at, &header, sizeof header);
@@ -48,7 +51,10 @@ void HistoryPage::commit(const HistoryLine& line)
         std::memcpy(at, line.shapes, line.shapeCount * sizeof(ShapeRun));
     m_used = size_t(at - m_bytes.get()) + line.shapeCount * sizeof(ShapeRun);
     ++m_lines;
-    m_longest = std::max(m_longest, line.cells);
+    const bool isEven = line.size == LineSize::Single && !line.wide && line.cells < uneven;
+    m_lengths.push_back(isEven ? uint16_t(line.cells) : uneven);
+    // In double size a cell takes two columns.
+    m_longest = std::max(m_longest, line.size == LineSize::Single ? line.cells : 2 * line.cells);
     m_rowsColumns = 0;
 }
 
@@ -62,6 +68,7 @@ void HistoryPage::removeLast()
     const HistoryLine last = line(m_lines - 1);
     m_used = size_t(last.text.data() - data()) - headerSize;
     --m_lines;
+    m_lengths.pop_back();
     m_cursorIndex = 0;
     m_cursorOffset = 0;
     m_rowsColumns = 0;
@@ -94,6 +101,7 @@ HistoryLine HistoryPage::decode(size_t offset, size_t* end) const
     line.shapeCount = header.shapeCount;
     line.size = LineSize((header.cellsAndFlags >> sizeShift) & 3);
     line.joined = header.cellsAndFlags & joinedBit;
+    line.wide = header.cellsAndFlags & wideBit;
     *end = offset + sizeof header + header.textBytes + header.styleCount * sizeof(StyleRun)
         + header.shapeCount * sizeof(ShapeRun);
     return line;
@@ -117,12 +125,20 @@ size_t HistoryPage::rows(int columns) const
 {
     if (m_longest <= uint32_t(columns))
         return m_lines;
-    if (m_rowsColumns != columns) {
-        m_rows = 0;
-        for (uint32_t index = 0; index < m_lines; ++index)
-            m_rows += rowsOf(line(index), columns);
-        m_rowsColumns = columns;
+    if (m_rowsColumns == columns)
+        return m_rows;
+    m_rowsColumns = columns;
+    m_rows = 0;
+    const bool wasThawed = m_thawed != nullptr;
+    // Dividing takes too long for a million lines. Both numbers are small enough for this to be exact.
+    const uint64_t reciprocal = (uint64_t(1) << 32) / uint64_t(columns) + 1;
+    for (uint32_t index = 0; index < m_lines; ++index) {
+        const uint32_t length = m_lengths[index];
+        m_rows += length == uneven ? rowsOf(line(index), columns)
+                                   : (std::max(length, 1u) + uint32_t(columns) - 1) * reciprocal >> 32;
     }
+    if (!wasThawed)
+        cool();
     return m_rows;
 }
 
@@ -140,18 +156,16 @@ void HistoryPage::compress()
     m_packed.resize(size);
     m_packed.shrink_to_fit();
     m_bytes.reset();
+    m_lengths.shrink_to_fit();
     m_capacity = m_used;
 }
 
 size_t rowsOf(const HistoryLine& line, int columns)
 {
-    const auto width = uint32_t(columns);
+    const auto width = uint32_t(line.size == LineSize::Single ? columns : (columns + 1) / 2);
     if (line.cells <= width)
         return 1;
-    bool wide = false;
-    for (size_t i = 0; i < line.shapeCount && !wide; ++i)
-        wide = HistoryLine::run(line.shapes, i).width == 2;
-    if (!wide)
+    if (!line.wide)
         return (line.cells + width - 1) / width;
     // A wide character that does not fit into the last column leaves it free.
     size_t rows = 1;
@@ -159,7 +173,7 @@ size_t rowsOf(const HistoryLine& line, int columns)
     for (size_t i = 0; i < line.shapeCount; ++i) {
         const ShapeRun run = HistoryLine::run(line.shapes, i);
         for (uint32_t n = 0; n < run.count; ++n) {
-            if (column + run.width > width) {
+            if (column > 0 && column + run.width > width) {
                 ++rows;
                 column = 0;
             }

@@ -2,6 +2,7 @@
 
 #include "Terminal/Grid/Row.h"
 #include "Terminal/Grid/Style.h"
+#include "Terminal/Grid/TextKernels.h"
 
 #include <memory>
 #include <string_view>
@@ -15,13 +16,6 @@ struct StyleRun {
     uint16_t style;
 };
 
-/// So many characters in a row take `bytes` bytes of the text and `width` columns each.
-struct ShapeRun {
-    uint8_t width;
-    uint8_t bytes;
-    uint16_t count;
-};
-
 /// One logical line as it lies in a page: the text as UTF-8 with a zero for each blank cell, then runs. Without
 /// style runs all is in the default style; without shape runs each byte is one cell.
 struct HistoryLine {
@@ -32,6 +26,7 @@ struct HistoryLine {
     uint16_t styleCount = 0;
     uint16_t shapeCount = 0;
     LineSize size = LineSize::Single;
+    bool wide = false; ///< has characters that take two cells
     bool joined = false; ///< the text goes on in the next line, which was cut off since it grew too long
 
     template <typename Run> static Run run(const Run* runs, size_t index)
@@ -82,6 +77,9 @@ public:
     static constexpr size_t headerSize = 12;
 
 private:
+    /// In place of the length of a line whose rows do not follow from that.
+    static constexpr uint16_t uneven = UINT16_MAX;
+
     HistoryLine decode(size_t offset, size_t* end) const;
     const char* data() const;
 
@@ -95,11 +93,12 @@ private:
     mutable std::unique_ptr<char[]> m_thawed; // of a cold page that is looked at
     mutable uint32_t m_cursorIndex = 0;
     mutable size_t m_cursorOffset = 0;
+    std::vector<uint16_t> m_lengths; // of each line, or `uneven`
     mutable int m_rowsColumns = 0;
     mutable size_t m_rows = 0;
 };
 
-/// How many rows the line takes at this width; at least one.
+/// How many rows the line takes in a terminal of so many columns; at least one.
 size_t rowsOf(const HistoryLine& line, int columns);
 
 }

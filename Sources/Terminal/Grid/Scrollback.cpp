@@ -1,5 +1,6 @@
 #include "Terminal/Grid/Scrollback.h"
 
+#include "Terminal/Grid/Wrapping.h"
 #include "Terminal/Text/Utf8.h"
 
 #include <bit>
@@ -27,8 +28,15 @@ Scrollback::Scrollback(StyleTable& styles, ClusterTable& clusters, Limits limits
 
 Scrollback::Position Scrollback::push(const Row& row, int columns)
 {
+    if (columns == 1 && row.cells[0].isSqueezed()) {
+        auto cells = stretched(row.cells[0]);
+        Row whole = row;
+        whole.cells = cells.data();
+        whole.used = uint16_t(cells.size());
+        return push(whole, int(cells.size()));
+    }
     int count = row.wrapped ? columns : std::min(columns, row.contentLength());
-    if (row.wrapped && row.complex && row.cells[columns - 1].part() == Cell::Part::Filler)
+    if (row.wrapped && row.complex && row.cells[columns - 1].isFiller())
         --count;
     if (m_open
         && (m_cells + uint32_t(count) > maxCells || m_text > maxText || m_styleRuns.size() > maxRuns
@@ -39,6 +47,7 @@ Scrollback::Position Scrollback::push(const Row& row, int columns)
         m_open = true;
         m_cells = m_text = 0;
         m_lineSize = row.size;
+        m_wide = false;
         m_styleRuns.clear();
         m_shapeRuns.clear();
         ++m_nextLine;
@@ -80,6 +89,7 @@ HistoryLine Scrollback::openLine() const
     line.shapes = m_shapeRuns.data();
     line.shapeCount = uint16_t(m_shapeRuns.size());
     line.size = m_lineSize;
+    line.wide = m_wide;
     return line;
 }
 
@@ -92,18 +102,29 @@ void Scrollback::commit(bool joined)
     m_open = false;
 }
 
-/// The last page takes the open line, its runs and `bytes` more; else a new page does.
+/// What the open line, its runs and `bytes` more take.
+size_t Scrollback::spaceWith(size_t bytes) const
+{
+    return HistoryPage::headerSize + m_text + bytes + m_styleRuns.size() * sizeof(StyleRun)
+        + m_shapeRuns.size() * sizeof(ShapeRun);
+}
+
+bool Scrollback::hasRoom(size_t bytes) const
+{
+    return !m_pages.empty() && m_pages.back().room() >= spaceWith(bytes)
+        && m_pages.back().styles.size() < HistoryPage::maxStyles;
+}
+
+/// The last page takes so much; else a new page does.
 void Scrollback::makeRoom(size_t bytes)
 {
-    const size_t needed = HistoryPage::headerSize + m_text + bytes + m_styleRuns.size() * sizeof(StyleRun)
-        + m_shapeRuns.size() * sizeof(ShapeRun);
-    const bool first = m_pages.empty();
-    if (!first && m_pages.back().room() >= needed && m_pages.back().styles.size() < HistoryPage::maxStyles)
+    if (hasRoom(bytes))
         return;
-    HistoryPage page(m_nextLine - 1, std::max(HistoryPage::ordinarySize, needed));
+    HistoryPage page(m_nextLine - 1, std::max(HistoryPage::ordinarySize, spaceWith(bytes)));
     ++m_epoch;
-    if (!first) {
+    if (!m_pages.empty()) {
         HistoryPage& old = m_pages.back();
+        page.styles.reserve(old.styles.size()); // about as many, as a rule
         std::memcpy(page.textBegin(), old.textBegin(), m_text);
         std::vector<uint16_t> renumbered(old.styles.size());
         for (StyleRun& run : m_styleRuns) {
@@ -175,31 +196,26 @@ void Scrollback::addShapeRun(ShapeRun run)
     m_shapeRuns.push_back(run);
 }
 
-/// Runs of characters that are equally wide and long.
 void Scrollback::addShapes(const PackedText& packed)
 {
-    const auto changes = [](uint64_t bits) {
-        return bits ^ bits << 1;
-    };
-    uint64_t begins = changes(packed.wide) | changes(packed.two) | changes(packed.three) | changes(packed.four) | 1;
-    size_t from = 0;
-    while (from < packed.characters) {
-        begins &= begins - 1;
-        const size_t next = std::min(packed.characters, size_t(std::countr_zero(begins)));
-        const auto has = [from](uint64_t bits) {
-            return uint8_t(bits >> from & 1);
-        };
-        addShapeRun({ uint8_t(1 + has(packed.wide)),
-            uint8_t(1 + has(packed.two) + has(packed.three) + has(packed.four)), uint16_t(next - from) });
-        from = next;
-    }
+    if (packed.characters == 0)
+        return;
+    ShapeRun runs[TextKernels::mostRuns];
+    const size_t count = m_textKernels.shapes(packed, runs);
+    addShapeRun(runs[0]);
+    m_shapeRuns.insert(m_shapeRuns.end(), runs + 1, runs + count);
+    m_wide |= packed.wide != 0;
 }
 
 void Scrollback::pushComplex(const Row& row, int count)
 {
-    const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });
-    makeRoom(size_t(clusters) * maxCharacterBytes + size_t(count) * 4
-        + size_t(count) * (sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun) + TextKernels::writeAhead);
+    const size_t needed = size_t(count) * (4 + sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun)
+        + TextKernels::writeAhead;
+    // Clusters are only counted where there is not room for as many as there are cells.
+    if (!hasRoom(needed + size_t(count) * maxCharacterBytes)) {
+        const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });
+        makeRoom(needed + size_t(clusters) * maxCharacterBytes);
+    }
     if (m_shapeRuns.empty() && m_cells)
         m_shapeRuns.push_back({ 1, 1, uint16_t(m_cells) });
     char* const begin = m_pages.back().textBegin();
@@ -211,6 +227,7 @@ void Scrollback::pushComplex(const Row& row, int count)
             for (const char32_t point : m_clusters[first.content()])
                 to += encodeUtf8(point, to);
             addShapeRun({ uint8_t(first.width()), uint8_t(to - from), 1 });
+            m_wide |= first.width() == 2;
             i += first.width();
             continue;
         }

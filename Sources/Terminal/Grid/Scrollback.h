@@ -72,6 +72,8 @@ private:
         uint16_t pageStyle = 0;
     };
 
+    size_t spaceWith(size_t bytes) const;
+    bool hasRoom(size_t bytes) const;
     void makeRoom(size_t bytes);
     void pushStyles(const Row& row, int count);
     void pushComplex(const Row& row, int count);
@@ -96,6 +98,7 @@ private:
     uint32_t m_cells = 0;
     uint32_t m_text = 0;
     LineSize m_lineSize = LineSize::Single;
+    bool m_wide = false;
     std::vector<StyleRun> m_styleRuns;
     std::vector<ShapeRun> m_shapeRuns;
     std::array<CachedStyle, 256> m_styleCache;

@@ -1,8 +1,10 @@
 #include "Terminal/Grid/TextKernels.h"
 
 #include "Terminal/Grid/TextKernelsAvx512.h"
+#include "Terminal/Text/Graphemes.h"
 #include "Terminal/Text/Utf8.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -74,11 +76,44 @@ PackedText packText(const Cell* cells, size_t count, char* to)
     return packed;
 }
 
+size_t shapesOf(const PackedText& text, ShapeRun* runs)
+{
+    const auto changes = [](uint64_t bits) {
+        return bits ^ bits << 1;
+    };
+    uint64_t begins = changes(text.wide) | changes(text.two) | changes(text.three) | changes(text.four) | 1;
+    size_t count = 0;
+    for (size_t from = 0; from < text.characters; ++count) {
+        begins &= begins - 1;
+        const size_t next = std::min(text.characters, size_t(std::countr_zero(begins)));
+        const auto has = [from](uint64_t bits) {
+            return uint8_t(bits >> from & 1);
+        };
+        runs[count] = { uint8_t(1 + has(text.wide)), uint8_t(1 + has(text.two) + has(text.three) + has(text.four)),
+            uint16_t(next - from) };
+        from = next;
+    }
+    return count;
+}
+
+PointKinds kindsOf(const CodePointTable& table, const char32_t* points, size_t count)
+{
+    PointKinds kinds;
+    for (size_t i = 0; i < count; ++i) {
+        const CodePoint point = table[points[i]];
+        kinds.visible |= uint64_t(point.width() != 0) << i;
+        kinds.wide |= uint64_t(point.width() == 2) << i;
+        kinds.ambiguous |= uint64_t(point.ambiguous()) << i;
+        kinds.standalone |= uint64_t(Graphemes::isStandalone(point)) << i;
+    }
+    return kinds;
+}
+
 }
 
 TextKernels TextKernels::portable()
 {
-    return { .decode = decodeText, .place = placeText, .pack = packText };
+    return { .decode = decodeText, .place = placeText, .pack = packText, .shapes = shapesOf, .kinds = kindsOf };
 }
 
 const TextKernels& TextKernels::instance()

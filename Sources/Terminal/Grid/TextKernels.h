@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Terminal/Grid/Cell.h"
+#include "Terminal/Text/CodePoint.h"
 
 #include <cstddef>
 
@@ -18,6 +19,23 @@ struct PackedText {
     friend bool operator==(const PackedText&, const PackedText&) = default;
 };
 
+/// So many characters in a row take `bytes` bytes of the text and `width` columns each.
+struct ShapeRun {
+    uint8_t width;
+    uint8_t bytes;
+    uint16_t count;
+    friend bool operator==(const ShapeRun&, const ShapeRun&) = default;
+};
+
+/// One bit for each of up to 64 characters.
+struct PointKinds {
+    uint64_t visible = 0; ///< takes a column or two
+    uint64_t wide = 0; ///< two columns
+    uint64_t ambiguous = 0;
+    uint64_t standalone = 0; ///< as Graphemes says
+    friend bool operator==(const PointKinds&, const PointKinds&) = default;
+};
+
 /// What is done with characters of all scripts. No step depends on how long or wide one is, since that is not to be
 /// foreseen where scripts change.
 struct TextKernels {
@@ -26,6 +44,7 @@ struct TextKernels {
     static TextKernels portable();
 
     static constexpr size_t most = 64; ///< bytes, characters or cells in one call
+    static constexpr size_t mostRuns = most + 16;
     static constexpr size_t readAhead = 3; ///< bytes behind those that `decode` is told of, but may read
     static constexpr size_t writeAhead = 64; ///< bytes behind those that `pack` writes, which it may overwrite
 
@@ -37,6 +56,10 @@ struct TextKernels {
     void (*place)(Cell* cells, const char32_t* points, size_t count, uint64_t wide, StyleId style);
     /// Encodes the text of `count` cells, up to the first that holds a cluster.
     PackedText (*pack)(const Cell* cells, size_t count, char* to);
+    /// Runs of characters that are equally wide and long, of text that is not empty; answers how many. `runs` has
+    /// room for `mostRuns`.
+    size_t (*shapes)(const PackedText& text, ShapeRun* runs);
+    PointKinds (*kinds)(const CodePointTable& table, const char32_t* points, size_t count);
 };
 
 }

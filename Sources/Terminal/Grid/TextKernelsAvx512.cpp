@@ -1,5 +1,6 @@
 #include "Terminal/Grid/TextKernelsAvx512.h"
 
+#include "Terminal/Text/Graphemes.h"
 #include "Terminal/Text/Utf8.h"
 
 #include <algorithm>
@@ -28,6 +29,7 @@ alignas(64) constexpr auto places = bytesOf([](int i) { return i; });
 alignas(64) constexpr auto lanesOfBytes = bytesOf([](int i) { return i / 4; });
 alignas(64) constexpr auto placesInLane = bytesOf([](int i) { return i % 4; });
 alignas(64) constexpr auto placesFromEnd = bytesOf([](int i) { return 3 - i % 4; });
+alignas(64) constexpr auto standaloneClasses = bytesOf([](int i) { return Graphemes::standalone >> i % 16 & 1; });
 alignas(64) constexpr auto swapped = bytesOf([](int i) { return i % 16 / 4 * 4 + 3 - i % 4; }); // in each quarter
 
 #pragma clang attribute push(                                                                                          \
@@ -185,6 +187,56 @@ PackedText pack(const Cell* cells, size_t count, char* to)
     return packed;
 }
 
+size_t shapes(const PackedText& text, ShapeRun* runs)
+{
+    const auto changes = [](uint64_t bits) {
+        return bits ^ bits << 1;
+    };
+    const uint64_t begins = _bzhi_u64(
+        changes(text.wide) | changes(text.two) | changes(text.three) | changes(text.four) | 1, unsigned(text.characters));
+    const uint64_t ends = begins >> 1 | uint64_t(1) << (text.characters - 1);
+    const __m512i first = _mm512_maskz_compress_epi8(begins, load(places.data()));
+    const __m512i last = _mm512_maskz_compress_epi8(ends, load(places.data()));
+    uint8_t lengths[64];
+    _mm512_storeu_si512(lengths, _mm512_add_epi8(_mm512_sub_epi8(last, first), _mm512_set1_epi8(1)));
+    const auto count = size_t(std::popcount(begins));
+    const auto ofRuns = [begins](uint64_t bits) {
+        return _pext_u64(bits, begins);
+    };
+    const uint64_t wide = ofRuns(text.wide);
+    const uint64_t two = ofRuns(text.two);
+    const uint64_t three = ofRuns(text.three);
+    const uint64_t four = ofRuns(text.four);
+    static_assert(sizeof(ShapeRun) == 4 && std::endian::native == std::endian::little);
+    const __m512i oneByte = all(0x100);
+    for (size_t i = 0; i < count; i += lanes) {
+        const __m128i length = _mm_loadu_si128(reinterpret_cast<const __m128i*>(lengths + i));
+        __m512i run = _mm512_or_si512(_mm512_slli_epi32(_mm512_cvtepu8_epi32(length), 16), all(0x101));
+        run = _mm512_mask_add_epi32(run, __mmask16(wide >> i), run, all(1));
+        run = _mm512_mask_add_epi32(run, __mmask16(two >> i), run, oneByte);
+        run = _mm512_mask_add_epi32(run, __mmask16(three >> i), run, oneByte);
+        run = _mm512_mask_add_epi32(run, __mmask16(four >> i), run, oneByte);
+        _mm512_storeu_si512(runs + i, run);
+    }
+    return count;
+}
+
+PointKinds kinds(const CodePointTable& table, const char32_t* points, size_t count)
+{
+    uint8_t properties[64] = {};
+    for (size_t i = 0; i < count; ++i)
+        properties[i] = table[points[i]].bits;
+    const __m512i bits = load(properties);
+    const __m512i width = _mm512_and_si512(bits, _mm512_set1_epi8(CodePoint::widthMask));
+    const __m512i breakClass = _mm512_and_si512(_mm512_srli_epi16(bits, CodePoint::breakShift), _mm512_set1_epi8(15));
+    const __m512i standsAlone = _mm512_shuffle_epi8(load(standaloneClasses.data()), breakClass);
+    const uint64_t present = _bzhi_u64(~uint64_t(0), unsigned(count));
+    return { .visible = _mm512_test_epi8_mask(width, width) & present,
+        .wide = _mm512_cmpeq_epi8_mask(width, _mm512_set1_epi8(2)) & present,
+        .ambiguous = _mm512_test_epi8_mask(bits, _mm512_set1_epi8(CodePoint::ambiguousBit)) & present,
+        .standalone = _mm512_test_epi8_mask(standsAlone, standsAlone) & present };
+}
+
 #pragma clang attribute pop
 
 }
@@ -199,7 +251,7 @@ bool hasTextAvx512()
 
 TextKernels textKernelsAvx512()
 {
-    return { .decode = decode, .place = place, .pack = pack };
+    return { .decode = decode, .place = place, .pack = pack, .shapes = shapes, .kinds = kinds };
 }
 
 }

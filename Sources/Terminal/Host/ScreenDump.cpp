@@ -92,7 +92,7 @@ template <typename Append> std::string dumpLines(Terminal& terminal, Append appe
 
 void appendText(std::string& text, const Terminal& terminal, Cell cell)
 {
-    if (cell.part() == Cell::Part::WideTail || cell.part() == Cell::Part::Filler)
+    if (cell.part() == Cell::Part::WideTail || cell.isFiller())
         return;
     text += cell.isBlank() ? " " : terminal.text(cell);
 }

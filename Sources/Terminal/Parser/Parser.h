@@ -12,12 +12,13 @@
 namespace corvane::terminal {
 
 enum class Coding : uint8_t { Utf8, EightBit };
+enum class StringEnd : uint8_t { BrokenOff, Bell, Terminator };
 
 /// The state machine of DEC's ANSI parser, after Paul Williams's diagram. Runs of text and whole control sequences
 /// are taken straight from the buffer; only what a chunk cuts goes through the machine byte by byte.
 ///
 /// Sink: printAscii(text, size), printPoints(points, count), printsAsciiAsItIs(), execute(control), escape(sequence),
-/// csi(sequence), dcsBegin(sequence), dcsData(text), dcsEnd(complete), osc(text), apcBegin(), apcData(text),
+/// csi(sequence), dcsBegin(sequence), dcsData(text), dcsEnd(complete), osc(text, end), apcBegin(), apcData(text),
 /// apcEnd(complete), vt52(final), vt52Move(row, column). A control is a C0 byte or a C1 code from 0x80 to 0x9f; those
 /// that begin sequences or strings are not handed on.
 template <typename Sink> class Parser {
@@ -88,7 +89,7 @@ private:
     void endParam(bool sub);
     void beginEscape();
     void beginString(State state);
-    void endString(bool complete);
+    void endString(StringEnd end);
     void appendOsc(Byte from, Byte to);
     bool asciiIsText() const { return m_coding == Coding::Utf8 && m_sink.printsAsciiAsItIs(); }
     bool isString() const

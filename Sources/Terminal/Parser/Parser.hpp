@@ -26,7 +26,7 @@ template <typename Sink> void Parser<Sink>::feed(std::span<const uint8_t> bytes)
 template <typename Sink> void Parser<Sink>::reset()
 {
     if (isString() || m_state == State::StringEscape)
-        endString(false);
+        endString(StringEnd::BrokenOff);
     m_state = State::Ground;
     m_utf8.restart();
     m_coding = Coding::Utf8;
@@ -251,14 +251,14 @@ template <typename Sink> void Parser<Sink>::step(uint8_t byte)
 {
     if (byte == cancelByte || byte == substituteByte) {
         if (m_state == State::StringEscape)
-            endString(false);
+            endString(StringEnd::BrokenOff);
         m_state = State::Ground;
         m_sink.execute(byte);
         return;
     }
     if (m_state == State::StringEscape) {
         const bool ends = byte == '\\';
-        endString(ends);
+        endString(ends ? StringEnd::Terminator : StringEnd::BrokenOff);
         if (ends)
             return;
         beginEscape();
@@ -419,12 +419,13 @@ template <typename Sink> void Parser<Sink>::beginString(State state)
         m_sink.apcBegin();
 }
 
-template <typename Sink> void Parser<Sink>::endString(bool complete)
+template <typename Sink> void Parser<Sink>::endString(StringEnd end)
 {
+    const bool complete = end != StringEnd::BrokenOff;
     const State ended = isString() ? m_state : m_string;
     m_state = State::Ground;
     if (ended == State::Osc && complete && !m_oscTooLong)
-        m_sink.osc(m_osc);
+        m_sink.osc(m_osc, end);
     else if (ended == State::DcsPassthrough)
         m_sink.dcsEnd(complete);
     else if (ended == State::Apc)
@@ -468,7 +469,7 @@ template <typename Sink> auto Parser<Sink>::command(Byte at, Byte end) -> Byte
     const auto size = size_t(stop - at);
     const bool byBell = stop < end && *stop == bellByte;
     if ((byBell || (end - stop >= 2 && *stop == escapeCode && stop[1] == '\\')) && size <= maxOsc) {
-        m_sink.osc({ reinterpret_cast<const char*>(at), size });
+        m_sink.osc({ reinterpret_cast<const char*>(at), size }, byBell ? StringEnd::Bell : StringEnd::Terminator);
         return stop + (byBell ? 1 : 2);
     }
     beginString(State::Osc);
@@ -495,12 +496,12 @@ template <typename Sink> auto Parser<Sink>::string(Byte at, Byte end) -> Byte
         m_string = m_state;
         m_state = State::StringEscape;
     } else if (byte == cancelByte || byte == substituteByte) {
-        endString(false);
+        endString(StringEnd::BrokenOff);
         m_sink.execute(byte);
     } else if (byte == bellByte && m_state == State::Osc) {
-        endString(true);
+        endString(StringEnd::Bell);
     } else if (byte >= 0x80) {
-        endString(byte == 0x9c);
+        endString(byte == 0x9c ? StringEnd::Terminator : StringEnd::BrokenOff);
         c1(byte);
     }
     return stop + 1;
