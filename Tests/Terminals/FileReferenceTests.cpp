@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSysInfo>
+#include <QUrl>
 #include <gtest/gtest.h>
 
 namespace corvane {
@@ -29,6 +31,11 @@ TEST(FileReference, whatACompilerPrintsLeadsToTheFileThatIsThere)
         EXPECT_EQ(at(QString::fromUtf8(none)), QString()) << none;
     const auto match = fileReferencePattern().match(u"  in (./a-b/c.py:7) and"_s);
     EXPECT_EQ(match.captured(), u"./a-b/c.py:7"_s);
+
+    const QUrl address(u"file://"_s + QSysInfo::machineHostName() + file.fileName() + u"#12"_s);
+    EXPECT_EQ(fileOfAddress(address), (FileReference { file.fileName(), 12, 0 }));
+    EXPECT_EQ(fileOfAddress(QUrl(u"file://elsewhere.example"_s + file.fileName())), std::nullopt);
+    EXPECT_EQ(fileOfAddress(QUrl(u"file:///no/such/file"_s)), std::nullopt);
 
     const auto words = [](const QString& editor, int line) {
         QString words;

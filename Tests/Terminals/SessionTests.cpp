@@ -144,7 +144,10 @@ TEST_F(Terminals, aFileInTheOutputOpensInTheEditorElseInTheDesktopsProgram)
     view.openLink(path + u":1"_s);
     QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     view.openLink(path + u":1"_s);
-    EXPECT_EQ(desktop.openedFiles, (QStringList { path, QFileInfo(path).absolutePath() }));
+    view.openLink(u"file://"_s + path);
+    view.openLink(u"file:///no/such/file"_s);
+    const QString folder = QFileInfo(path).absolutePath();
+    EXPECT_EQ(desktop.openedFiles, (QStringList { path, folder, folder }));
     view.openLink(u"https://example.org"_s);
     EXPECT_EQ(desktop.openedLinks.size(), 1);
 }

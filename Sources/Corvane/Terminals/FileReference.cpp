@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSysInfo>
+#include <QUrl>
 
 namespace corvane {
 
@@ -50,6 +52,16 @@ std::optional<FileReference> fileReference(const QString& text, const QString& d
         return std::nullopt;
     return FileReference { QDir::cleanPath(file.absoluteFilePath()), match.captured(2).toInt(),
         match.captured(3).toInt() };
+}
+
+std::optional<FileReference> fileOfAddress(const QUrl& address)
+{
+    const QString host = address.host();
+    const bool isHere = host.isEmpty() || host == "localhost"_L1
+        || host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
+    if (!address.isLocalFile() || !isHere || !QFileInfo::exists(address.path()))
+        return std::nullopt;
+    return FileReference { QDir::cleanPath(address.path()), address.fragment().toInt(), 0 };
 }
 
 terminal::Command editorCommand(const QString& editor, const FileReference& place)

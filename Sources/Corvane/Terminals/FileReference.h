@@ -6,6 +6,7 @@
 #include <optional>
 
 class QRegularExpression;
+class QUrl;
 
 namespace corvane {
 
@@ -23,6 +24,9 @@ const QRegularExpression& fileReferencePattern();
 
 /// Such a text where there is a plain file of that name, counted from the folder; "~" is the home folder.
 std::optional<FileReference> fileReference(const QString& text, const QString& directory, const QString& home);
+
+/// What a "file:" address names on this computer, with its fragment as the line; none on another host.
+std::optional<FileReference> fileOfAddress(const QUrl& address);
 
 /// The person's editor at that place, in a terminal; `editor` as VISUAL and EDITOR hold it.
 terminal::Command editorCommand(const QString& editor, const FileReference& place);

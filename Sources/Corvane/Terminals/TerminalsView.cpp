@@ -262,26 +262,31 @@ QString TerminalsView::emptyDetail() const
 
 void TerminalsView::openLink(const QString& address)
 {
-    const auto file = fileReference(address, m_current ? m_current->currentDirectory() : m_at.home, m_at.home);
+    const QUrl url(address);
+    const auto file = url.isLocalFile()
+        ? fileOfAddress(url)
+        : fileReference(address, m_current ? m_current->currentDirectory() : m_at.home, m_at.home);
     if (file)
         return openFile(*file);
+    if (url.isLocalFile())
+        return; // gone since it was pointed at
     const bool isOfWeb = address.startsWith("http://"_L1) || address.startsWith("https://"_L1);
     if (!isOfWeb || !m_browser || !m_browser(address))
-        m_at.desktop.openLink(QUrl(address));
+        m_at.desktop.openLink(url);
 }
 
-/// Without an editor the desktop's program for it; what the desktop might run is shown in its folder.
+/// A line in the person's editor. Else the desktop's program for the file; what it might run is shown in its folder.
 void TerminalsView::openFile(const FileReference& file)
 {
     const QString editor = qEnvironmentVariable("VISUAL", qEnvironmentVariable("EDITOR")).trimmed();
-    if (!editor.isEmpty()) {
+    const QFileInfo info(file.path);
+    if (!editor.isEmpty() && file.line > 0 && info.isFile()) {
         terminal::Command command = editorCommand(editor, file);
         command.umask = m_at.umask;
         createLocalSession(u"edit"_s, std::move(command)).rename(QFileInfo(file.path).fileName());
         return;
     }
-    const QFileInfo info(file.path);
-    const bool mayRun = info.isExecutable() || info.suffix() == "desktop"_L1;
+    const bool mayRun = info.isFile() && (info.isExecutable() || info.suffix() == "desktop"_L1);
     m_at.desktop.openFile(mayRun ? info.absolutePath() : file.path);
 }
 

@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QRegularExpression>
 #include <QStyleHints>
+#include <QUrl>
 
 namespace corvane {
 
@@ -40,8 +41,8 @@ int buttonNumber(Qt::MouseButton button)
 /// Addresses that may be opened: what a program writes must not start anything else.
 bool mayOpen(const QString& address)
 {
-    static const QRegularExpression allowed(u"^(https?|mailto|ftp|file):"_s, QRegularExpression::CaseInsensitiveOption);
-    return allowed.match(address).hasMatch();
+    static const QRegularExpression allowed(u"^(https?|mailto|ftp):"_s, QRegularExpression::CaseInsensitiveOption);
+    return allowed.match(address).hasMatch() || fileOfAddress(QUrl(address));
 }
 
 }
@@ -332,10 +333,11 @@ void TerminalItem::updateHover(QPointF position, Qt::KeyboardModifiers modifiers
         while (linkAt(to) == link)
             ++to;
         QString address;
-        withTerminal([&](Terminal& terminal) {
-            const std::string_view text = terminal.linkAddress(link);
+        if (m_session && m_session->terminal()) {
+            const auto access = m_session->terminal()->terminal();
+            const std::string_view text = access->linkAddress(link);
             address = QString::fromUtf8(text.data(), qsizetype(text.size()));
-        });
+        }
         return setHover(mayOpen(address) ? address : QString(), { QRect(from, at.y(), to - from, 1) });
     }
     // The whole line, one character a cell, over all of its rows.
@@ -353,7 +355,9 @@ void TerminalItem::updateHover(QPointF position, Qt::KeyboardModifiers modifiers
             line += isPlain ? QChar(char16_t(cell.content())) : QChar(u' ');
         }
     }
-    static const QRegularExpression address(uR"(\b(https?://|mailto:)[^\s<>"'`]*[^\s<>"'`.,;:!?)\]}])"_s);
+    // Parentheses belong to the address if they are closed in it.
+    static const QRegularExpression address(
+        uR"(\b(https?://|mailto:)([^\s<>"'`()]|\([^\s<>"'`()]*\))*(\([^\s<>"'`()]*\)|[^\s<>"'`.,;:!?()\]}]))"_s);
     const qsizetype place = qsizetype(at.y() - first) * m_snapshot.size.columns + at.x();
     const auto matchAt = [&](const QRegularExpression& pattern) {
         for (const QRegularExpressionMatch& match : pattern.globalMatch(line)) {
