@@ -29,6 +29,7 @@ TEST(Input, legacyKeysSendWhatTheyAlwaysDid)
     EXPECT_EQ(press(terminal, { .key = keys::up }), "\x1b[A");
     EXPECT_EQ(press(terminal, { .key = keys::up, .modifiers = Shift | Control }), "\x1b[1;6A");
     EXPECT_EQ(press(terminal, { .key = keys::f1 + 4, .modifiers = Alt }), "\x1b[15;3~");
+    EXPECT_EQ(press(terminal, { .key = keys::f1 + 2 }), "\x1bOR");
     EXPECT_EQ(press(terminal, { .key = keys::tab, .modifiers = Shift }), "\x1b[Z");
     EXPECT_EQ(press(terminal, { .key = keys::backspace }), "\x7f");
     terminal << "\x1b[?1h\x1b=\x1b[20h";

@@ -16,7 +16,7 @@ struct Form {
 Form formOf(char32_t key)
 {
     constexpr char arrows[] = { 'D', 'C', 'A', 'B' };
-    constexpr int functionNumbers[] = { 11, 12, 13, 14, 15, 17, 18, 19, 20, 21, 23, 24 };
+    constexpr int functionNumbers[] = { 15, 17, 18, 19, 20, 21, 23, 24 }; // from F5 on
     // As VT220 keyboards number them.
     constexpr int moreFunctions[] = { 25, 26, 28, 29, 31, 32, 33, 34 };
     if (key >= keys::left && key <= keys::down)
@@ -36,15 +36,13 @@ Form formOf(char32_t key)
         return { 1, 'F' };
     case keys::menu:
         return { 29, '~' };
-    case keys::f1:
-    case keys::f1 + 1:
-    case keys::f1 + 3:
-        return { 1, "PQRS"[key - keys::f1] };
     default:
         break;
     }
+    if (key >= keys::f1 && key < keys::f1 + 4)
+        return { 1, "PQRS"[key - keys::f1] };
     if (key >= keys::f1 && key < keys::f13)
-        return { functionNumbers[key - keys::f1], '~' };
+        return { functionNumbers[key - keys::f1 - 4], '~' };
     if (key >= keys::f13 && key < keys::f13 + 8)
         return { moreFunctions[key - keys::f13], '~' };
     return {};
@@ -178,6 +176,9 @@ private:
 
     static Form kittyForm(char32_t key)
     {
+        // Its usual final is that of a report of the cursor.
+        if (key == keys::f1 + 2)
+            return { 13, '~' };
         const Form form = key < keys::f13 && key != keys::menu ? formOf(key) : Form();
         return form.final ? form : Form { 0, 'u' };
     }
