@@ -135,7 +135,7 @@ bool belongsToWindow(const QKeyEvent& event)
         return (key >= Qt::Key_A && key <= Qt::Key_Z) || key == Qt::Key_Plus || key == Qt::Key_Tab
             || key == Qt::Key_Backtab;
     if (modifiers == Qt::ControlModifier)
-        return (key >= Qt::Key_1 && key <= Qt::Key_6) || key == Qt::Key_0 || key == Qt::Key_Comma || key == Qt::Key_Plus
+        return (key >= Qt::Key_0 && key <= Qt::Key_8) || key == Qt::Key_Comma || key == Qt::Key_Plus
             || key == Qt::Key_Equal || key == Qt::Key_Minus || key == Qt::Key_PageUp || key == Qt::Key_PageDown
             || key == Qt::Key_Tab;
     return modifiers == Qt::ShiftModifier && key == Qt::Key_F6;
