@@ -172,10 +172,12 @@ constexpr SequenceEntry sequences[] = {
     { "DECFRA", 0, '$', 'x', fillRectangle },
     { "DECERA", 0, '$', 'z', eraseRectangle },
     { "DECSERA", 0, '$', '{', selectiveEraseRectangle },
+    { "DECSCPP", 0, '$', '|', columnsPerPage },
     { "DECIC", 0, '\'', '}', insertColumns },
     { "DECDC", 0, '\'', '~', deleteColumns },
     { "DECSACE", 0, '*', 'x', attributeExtent },
     { "DECRQCRA", 0, '*', 'y', checksumRectangle },
+    { "DECSNLS", 0, '*', '|', linesPerScreen },
 };
 
 constexpr StringEntry strings[] = {

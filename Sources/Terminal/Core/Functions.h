@@ -41,8 +41,8 @@ Function setModes, resetModes, setDecModes, resetDecModes, saveDecModes, restore
     keyboardPush, keyboardPop, keyboardQuery, titleModes, titleModesReset;
 // Reports
 Function deviceAttributes2, deviceAttributes3, statusReport, decStatusReport, terminalParameters, terminalVersion,
-    presentationReport, displayedExtent, terminalStateReport, windowOperation, graphicsAttributes, pushColors,
-    popColors, reportColors;
+    presentationReport, displayedExtent, terminalStateReport, windowOperation, columnsPerPage, linesPerScreen,
+    graphicsAttributes, pushColors, popColors, reportColors;
 StringFunction requestStatus, requestTermcap, setTermcap, restorePresentation, userKeys;
 
 }

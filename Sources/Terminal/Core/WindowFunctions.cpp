@@ -10,6 +10,15 @@ void reportTitle(Emulator& t, char kind, const std::string& text)
         t.reply(concat(t.c1Text(']'), kind, t.titleCoding.queryHex ? hexOfBytes(text) : text, t.c1Text('\\')));
 }
 
+void resizeTo(Emulator& t, int columns, int rows)
+{
+    Size wanted = t.size;
+    wanted.columns = columns;
+    wanted.rows = rows;
+    t.resize(wanted.clamped());
+    t.out().resizeRequest(t.columns(), t.rows());
+}
+
 void pushTitles(Emulator& t)
 {
     if (t.titleStack.size() == Emulator::maxTitleStack)
@@ -72,15 +81,8 @@ void windowOperation(Emulator& t, const Sequence& s)
     if (!t.config.allowWindowOps)
         return;
     switch (operation) {
-    case 8: {
-        Size wanted = size;
-        if (first != 0)
-            wanted.rows = first > 0 ? first : size.rows;
-        if (second != 0)
-            wanted.columns = second > 0 ? second : size.columns;
-        t.resize(wanted.clamped());
-        return t.out().resizeRequest(t.columns(), t.rows());
-    }
+    case 8:
+        return resizeTo(t, second > 0 ? second : size.columns, first > 0 ? first : size.rows);
     case 11:
         return t.replyCsi("1t");
     case 13:
@@ -90,14 +92,23 @@ void windowOperation(Emulator& t, const Sequence& s)
     case 19:
         return t.replyCsi("9;", size.rows, ';', size.columns, 't');
     default:
-        if (operation >= 24) {
-            Size wanted = size;
-            wanted.rows = operation;
-            t.resize(wanted.clamped());
-            return t.out().resizeRequest(t.columns(), t.rows());
-        }
+        if (operation >= 24)
+            return resizeTo(t, size.columns, operation);
         t.out().windowRequest(operation, first, second);
     }
+}
+
+void columnsPerPage(Emulator& t, const Sequence& s)
+{
+    const int columns = s.params.at(0, 80);
+    if (t.config.allowWindowOps && (columns == 0 || columns == 80 || columns == 132))
+        resizeTo(t, columns == 132 ? 132 : 80, t.rows());
+}
+
+void linesPerScreen(Emulator& t, const Sequence& s)
+{
+    if (t.config.allowWindowOps && s.params.at(0) > 0)
+        resizeTo(t, t.columns(), s.params.at(0));
 }
 
 void titleModes(Emulator& t, const Sequence& s)

@@ -148,6 +148,8 @@ bool Session::takeOutput()
         const std::string_view output(buffer, filled);
         if (m_taps.output)
             m_taps.output(output);
+        if (parseAtOnce(output))
+            return open;
         std::unique_lock lock(m_mutex);
         m_drained.wait(lock, [this] { return m_pending.size() < maxPending || m_stopping; });
         m_pending.append(output);
@@ -155,6 +157,21 @@ bool Session::takeOutput()
         m_arrived.notify_one();
     }
     return open;
+}
+
+/// False if it is much, or if the parser has yet to come to what was before it.
+bool Session::parseAtOnce(std::string_view output)
+{
+    constexpr size_t little = 2048;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (output.size() > little || m_parsing || !m_pending.empty())
+            return false;
+    }
+    parse(output);
+    if (m_taps.changed)
+        m_taps.changed();
+    return true;
 }
 
 /// False if the child does not read at the moment. Requires m_mutex.
@@ -209,26 +226,32 @@ void Session::readLoop()
     m_arrived.notify_one();
 }
 
+void Session::parse(std::string_view output)
+{
+    const std::unique_lock lock = lockTerminal();
+    m_terminal.feed(output);
+    sendReplies();
+}
+
 void Session::parseLoop()
 {
     std::string batch;
     while (true) {
         {
             std::unique_lock lock(m_mutex);
+            m_parsing = false;
             m_arrived.wait(lock, [this] { return !m_pending.empty() || m_readerDone; });
             if (m_pending.empty())
                 break;
             batch.clear();
             std::swap(batch, m_pending);
+            m_parsing = true;
         }
         m_drained.notify_one();
         // Others get their turn at the terminal between pieces.
         constexpr size_t piece = 64 * 1024;
-        for (size_t at = 0; at < batch.size(); at += piece) {
-            const std::unique_lock lock = lockTerminal();
-            m_terminal.feed(std::string_view(batch).substr(at, piece));
-            sendReplies();
-        }
+        for (size_t at = 0; at < batch.size(); at += piece)
+            parse(std::string_view(batch).substr(at, piece));
         if (m_taps.changed)
             m_taps.changed();
     }

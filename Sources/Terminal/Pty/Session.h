@@ -21,7 +21,8 @@ struct SessionTaps {
     std::function<void(ExitStatus)> exited; ///< the last call of all
 };
 
-/// A terminal with a child in it. One thread drains the child's output while another parses what came before.
+/// A terminal with a child in it. One thread drains the child's output while another parses what came before; a
+/// little output that nothing is ahead of is parsed at once, so that a question is answered soon.
 class Session {
 public:
     Session(Size size, const Config& config, SessionTaps taps = {});
@@ -68,6 +69,8 @@ private:
     void readLoop();
     void parseLoop();
     bool takeOutput();
+    void parse(std::string_view output);
+    bool parseAtOnce(std::string_view output);
     bool writePiece();
     void writeBacklog();
     void sendReplies(); // with the terminal locked
@@ -90,6 +93,7 @@ private:
     std::condition_variable m_drained;
     std::condition_variable m_ended;
     std::string m_pending; // read, not yet parsed
+    bool m_parsing = false; // the parser has taken what was pending
     std::string m_backlog; // for the child
     size_t m_written = 0; // of the backlog
     bool m_readerDone = false;
