@@ -1,4 +1,5 @@
-// A program that writes 100 MB into a terminal: through the session alone, with the transcript, and in a window.
+// A program that writes 100 MB into a terminal: to somebody who only reads it, through the session alone, with the
+// transcript, and in a window.
 
 #include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
@@ -11,6 +12,8 @@
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
+#include <poll.h>
+#include <unistd.h>
 
 namespace corvane::bench {
 
@@ -53,6 +56,24 @@ terminal::Command printing(const QString& path)
 void report(benchmark::State& state)
 {
     state.SetBytesProcessed(state.iterations() * (megabytes << 20));
+}
+
+/// What the system's pseudo-terminal allows.
+void readAlone(benchmark::State& state)
+{
+    const QString path = fileOf(folder(), state.range(0));
+    std::vector<char> buffer(64 * 1024);
+    for (auto _ : state) {
+        auto pty = terminal::Pty::spawn(printing(path), { 200, 50, 8, 17 });
+        pollfd waiting { pty->descriptor(), POLLIN, 0 };
+        ssize_t count = 1;
+        while (count > 0 || (count < 0 && errno == EAGAIN)) {
+            poll(&waiting, 1, -1);
+            count = read(pty->descriptor(), buffer.data(), buffer.size());
+        }
+        pty->reap();
+    }
+    report(state);
 }
 
 void sessionAlone(benchmark::State& state)
@@ -152,6 +173,7 @@ void wholeSnapshot(benchmark::State& state)
 
 }
 
+BENCHMARK(readAlone)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(sessionAlone)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(withTranscript)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(inWindow)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();

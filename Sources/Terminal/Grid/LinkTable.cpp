@@ -78,6 +78,7 @@ std::string_view LinkTable::id(uint32_t link) const
 void LinkTable::collect(const std::vector<bool>& used)
 {
     std::string kept;
+    kept.reserve(m_text.size());
     m_free.clear();
     m_recent = {};
     for (uint32_t link = uint32_t(m_entries.size()); link > 0; --link) {

@@ -7,16 +7,18 @@ namespace corvane::terminal {
 StyleTable::StyleTable()
 {
     m_styles.push_back({});
-    m_live = 1;
     rebuild(256);
 }
 
 StyleId StyleTable::intern(const Style& style)
 {
+    if (style == Style())
+        return 0;
     const size_t mask = m_slots.size() - 1;
-    for (size_t slot = hashOf(style) & mask; m_slots[slot]; slot = (slot + 1) & mask) {
-        if (m_styles[m_slots[slot] - 1] == style)
-            return m_slots[slot] - 1;
+    size_t slot = hashOf(style) & mask;
+    for (; m_slots[slot]; slot = (slot + 1) & mask) {
+        if (m_styles[m_slots[slot]] == style)
+            return m_slots[slot];
     }
     StyleId id;
     if (m_free.empty()) {
@@ -27,11 +29,10 @@ StyleId StyleTable::intern(const Style& style)
         m_free.pop_back();
         m_styles[id] = style;
     }
-    ++m_live;
-    if (m_live * 2 > m_slots.size())
+    m_slots[slot] = id;
+    // Only a style that was added can make it too small, and none is free then.
+    if (++m_live * 2 > m_slots.size())
         rebuild(m_slots.size() * 2);
-    else
-        insertSlot(id);
     return id;
 }
 
@@ -39,16 +40,17 @@ void StyleTable::collect(const std::vector<bool>& used)
 {
     m_free.clear();
     m_live = 0;
-    for (size_t id = m_styles.size(); id-- > 0;) {
-        if (id == 0 || used[id]) {
+    m_slots.assign(m_slots.size(), 0);
+    for (size_t id = m_styles.size(); --id > 0;) {
+        if (used[id]) {
             ++m_live;
+            insertSlot(StyleId(id));
         } else {
-            m_styles[id] = {};
+            m_styles[id].link = 0;
             m_free.push_back(StyleId(id));
         }
     }
     m_threshold = std::max<size_t>(4096, m_live * 2);
-    rebuild(m_slots.size());
 }
 
 void StyleTable::insertSlot(StyleId id)
@@ -57,17 +59,14 @@ void StyleTable::insertSlot(StyleId id)
     size_t slot = hashOf(m_styles[id]) & mask;
     while (m_slots[slot])
         slot = (slot + 1) & mask;
-    m_slots[slot] = id + 1;
+    m_slots[slot] = id;
 }
 
 void StyleTable::rebuild(size_t slots)
 {
     m_slots.assign(slots, 0);
-    insertSlot(0);
-    for (StyleId id = 1; id < m_styles.size(); ++id) {
-        if (m_styles[id] != Style())
-            insertSlot(id);
-    }
+    for (StyleId id = 1; id < m_styles.size(); ++id)
+        insertSlot(id);
 }
 
 }

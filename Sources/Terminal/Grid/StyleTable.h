@@ -34,10 +34,10 @@ public:
 
 private:
     void insertSlot(StyleId id);
-    void rebuild(size_t slots);
+    void rebuild(size_t slots); // where all styles are live
 
     std::vector<Style> m_styles;
-    std::vector<uint32_t> m_slots; // number + 1, 0 is free
+    std::vector<StyleId> m_slots; // by hash; 0 is free
     std::vector<StyleId> m_free;
     size_t m_live = 0;
     size_t m_threshold = 4096;
