@@ -17,7 +17,7 @@ inline std::vector<size_t> rowStarts(std::span<const Cell> cells, int width)
     while (cells.size() - starts.back() > size_t(width)) {
         size_t next = starts.back() + size_t(width);
         if (cells[next].part() == Cell::Part::WideTail)
-            next += width > 1 ? -1 : 1;
+            next = width > 1 ? next - 1 : next + 1;
         if (next == cells.size())
             break;
         starts.push_back(next);
