@@ -38,7 +38,7 @@ TEST(Screen, clustersTakeOneCellWhereTheModeIsSet)
     terminal << "\r\n\x1b[?2027he\u0301|👩‍🚀|\u2764\ufe0f|🇩🇪|";
     EXPECT_EQ(terminal.line(1), "e\u0301|👩‍🚀|\u2764\ufe0f|🇩🇪|");
     EXPECT_EQ(terminal.where(), "1,11");
-    EXPECT_EQ(terminal.ask("\x1b[?2027$p"), "\x1b[?2027;1$y");
+    EXPECT_EQ(terminal.ask("\x1b[?2027$p\x1b[62;1\"p\x1b[?2027$p\x1b[65;1\"p"), "\x1b[?2027;1$y");
     Probe first; // cluster of all
     first << "\x1b[?2027h👩‍🚀|";
     EXPECT_EQ(first.where(), "0,3");

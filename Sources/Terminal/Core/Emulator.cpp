@@ -137,6 +137,8 @@ void Emulator::reverseLineFeed()
 
 void Emulator::nextTab(int count)
 {
+    if (modes.has(Mode::MoreFix) && cursor.pendingWrap)
+        wrap();
     const int last = textEnd(cursorRow()) - 1;
     while (count-- > 0 && cursor.column < last) {
         ++cursor.column;

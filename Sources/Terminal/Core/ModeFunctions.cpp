@@ -30,6 +30,14 @@ void setEach(Emulator& t, const Sequence& s, bool dec, bool on)
     }
 }
 
+/// The level from which on terminals have the mode.
+int leastLevel(Mode mode)
+{
+    return mode == Mode::NoClearOnColumns ? 500 : mode == Mode::LeftRightMargins ? 400 : 0;
+}
+
+constexpr int leastLevelOfRequests = 300;
+
 int modeState(const Emulator& t, int number, bool dec)
 {
     if (const ModeEntry* entry = findMode(number, dec))
@@ -42,6 +50,8 @@ int modeState(const Emulator& t, int number, bool dec)
 void Emulator::setMode(const ModeEntry& entry, bool on)
 {
     const Mode mode = entry.mode;
+    if (on && level < leastLevel(mode))
+        return;
     if (choose(modes, mouseModes, mode, on) || choose(modes, mouseCodings, mode, on)
         || choose(modes, keyKinds, mode, on))
         return;
@@ -168,12 +178,14 @@ void restoreDecModes(Emulator& t, const Sequence& s)
 
 void requestMode(Emulator& t, const Sequence& s)
 {
-    t.replyCsi(s.params.at(0), ';', modeState(t, s.params.at(0), false), "$y");
+    if (t.level >= leastLevelOfRequests)
+        t.replyCsi(s.params.at(0), ';', modeState(t, s.params.at(0), false), "$y");
 }
 
 void requestDecMode(Emulator& t, const Sequence& s)
 {
-    t.replyCsi('?', s.params.at(0), ';', modeState(t, s.params.at(0), true), "$y");
+    if (t.level >= leastLevelOfRequests)
+        t.replyCsi('?', s.params.at(0), ';', modeState(t, s.params.at(0), true), "$y");
 }
 
 void applicationKeypad(Emulator& t, const Sequence&)

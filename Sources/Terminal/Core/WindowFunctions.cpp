@@ -81,6 +81,9 @@ void windowOperation(Emulator& t, const Sequence& s)
     if (!t.config.allowWindowOps)
         return;
     switch (operation) {
+    case 4:
+        return resizeTo(t, second > 0 ? second / size.cellWidth : size.columns,
+            first > 0 ? first / size.cellHeight : size.rows);
     case 8:
         return resizeTo(t, second > 0 ? second : size.columns, first > 0 ? first : size.rows);
     case 11:
