@@ -98,8 +98,6 @@ TEST(Text, everyProcessorDecodesPlacesAndPacksAlike)
         ASSERT_EQ(otherUtf8.substr(0, text1.bytes), utf8.substr(0, text1.bytes));
         if (count == 0)
             continue;
-        const auto& table = CodePointTable::instance();
-        ASSERT_EQ(chosen.kinds(table, one, count), portable.kinds(table, one, count));
         ShapeRun runs[TextKernels::mostRuns];
         ShapeRun otherRuns[TextKernels::mostRuns];
         const size_t runCount = portable.shapes(text1, runs);

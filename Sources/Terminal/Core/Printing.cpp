@@ -1,5 +1,6 @@
 #include "Terminal/Core/Emulator.h"
 
+#include <array>
 #include <bit>
 
 namespace corvane::terminal {
@@ -7,6 +8,34 @@ namespace corvane::terminal {
 namespace {
 // Below this a call through a pointer costs more than the loop.
 constexpr size_t shortRun = 12;
+
+/// By the properties of a character, whether it joins nothing and has a width (bit 0), and whether it is wide (bit 32).
+using PointKinds = std::array<uint64_t, 256>;
+
+constexpr PointKinds pointKinds(bool clustered, bool ambiguousWide)
+{
+    PointKinds kinds {};
+    for (size_t bits = 0; bits < kinds.size(); ++bits) {
+        const CodePoint point { uint8_t(bits) };
+        const bool isSimple = point.width() != 0 && (!clustered || Graphemes::isStandalone(point));
+        const bool isWide = point.width() == 2 || (ambiguousWide && point.ambiguous());
+        kinds[bits] = uint64_t(isSimple) | uint64_t(isWide) << 32;
+    }
+    return kinds;
+}
+
+constexpr PointKinds allPointKinds[2][2]
+    = { { pointKinds(false, false), pointKinds(false, true) }, { pointKinds(true, false), pointKinds(true, true) } };
+
+/// Of at most 32 characters; the first in the lowest bits.
+uint64_t kindsOf(const CodePointTable& table, const PointKinds& kinds, const char32_t* points, size_t count)
+{
+    uint64_t found = 0;
+    for (size_t i = 0; i < count; ++i)
+        found |= kinds[table[points[i]].bits] << i;
+    return found;
+}
+
 }
 
 StyleId Emulator::penStyle()
@@ -109,13 +138,15 @@ void Emulator::printPoints(const char32_t* points, size_t count)
         return;
     }
     // What is simple, and how wide, is told for many characters ahead.
-    const bool clustered = modes.has(Mode::GraphemeClusters);
+    const PointKinds& kinds = allPointKinds[modes.has(Mode::GraphemeClusters)][config.ambiguousWide];
     for (size_t begin = 0; begin < count; begin += TextKernels::most) {
         const size_t here = std::min(TextKernels::most, count - begin);
         const char32_t* const text = points + begin;
-        const PointKinds kinds = textKernels.kinds(codePoints, text, here);
-        const uint64_t simple = kinds.visible & (clustered ? kinds.standalone : ~uint64_t(0));
-        const uint64_t wide = kinds.wide | (config.ambiguousWide ? kinds.ambiguous : 0);
+        constexpr size_t half = 32;
+        const uint64_t first = kindsOf(codePoints, kinds, text, std::min(here, half));
+        const uint64_t second = here > half ? kindsOf(codePoints, kinds, text + half, here - half) : 0;
+        const uint64_t simple = uint32_t(first) | second << half;
+        const uint64_t wide = first >> half | (second >> half << half);
         for (size_t at = 0; at < here;) {
             if (const auto run = size_t(std::countr_one(simple >> at)))
                 at += printSimple(text + at, std::min(run, here - at), wide >> at);

@@ -1,7 +1,6 @@
 #include "Terminal/Grid/TextKernels.h"
 
 #include "Terminal/Grid/TextKernelsAvx512.h"
-#include "Terminal/Text/Graphemes.h"
 #include "Terminal/Text/Utf8.h"
 
 #include <algorithm>
@@ -96,24 +95,11 @@ size_t shapesOf(const PackedText& text, ShapeRun* runs)
     return count;
 }
 
-PointKinds kindsOf(const CodePointTable& table, const char32_t* points, size_t count)
-{
-    PointKinds kinds;
-    for (size_t i = 0; i < count; ++i) {
-        const CodePoint point = table[points[i]];
-        kinds.visible |= uint64_t(point.width() != 0) << i;
-        kinds.wide |= uint64_t(point.width() == 2) << i;
-        kinds.ambiguous |= uint64_t(point.ambiguous()) << i;
-        kinds.standalone |= uint64_t(Graphemes::isStandalone(point)) << i;
-    }
-    return kinds;
-}
-
 }
 
 TextKernels TextKernels::portable()
 {
-    return { .decode = decodeText, .place = placeText, .pack = packText, .shapes = shapesOf, .kinds = kindsOf };
+    return { .decode = decodeText, .place = placeText, .pack = packText, .shapes = shapesOf };
 }
 
 const TextKernels& TextKernels::instance()

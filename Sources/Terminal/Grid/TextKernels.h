@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Terminal/Grid/Cell.h"
-#include "Terminal/Text/CodePoint.h"
 
 #include <cstddef>
 
@@ -27,15 +26,6 @@ struct ShapeRun {
     friend bool operator==(const ShapeRun&, const ShapeRun&) = default;
 };
 
-/// One bit for each of up to 64 characters.
-struct PointKinds {
-    uint64_t visible = 0; ///< takes a column or two
-    uint64_t wide = 0; ///< two columns
-    uint64_t ambiguous = 0;
-    uint64_t standalone = 0; ///< as Graphemes says
-    friend bool operator==(const PointKinds&, const PointKinds&) = default;
-};
-
 /// What is done with characters of all scripts. No step depends on how long or wide one is, since that is not to be
 /// foreseen where scripts change.
 struct TextKernels {
@@ -59,7 +49,6 @@ struct TextKernels {
     /// Runs of characters that are equally wide and long, of text that is not empty; answers how many. `runs` has
     /// room for `mostRuns`.
     size_t (*shapes)(const PackedText& text, ShapeRun* runs);
-    PointKinds (*kinds)(const CodePointTable& table, const char32_t* points, size_t count);
 };
 
 }

@@ -1,6 +1,5 @@
 #include "Terminal/Grid/TextKernelsAvx512.h"
 
-#include "Terminal/Text/Graphemes.h"
 #include "Terminal/Text/Utf8.h"
 
 #include <algorithm>
@@ -29,7 +28,6 @@ alignas(64) constexpr auto places = bytesOf([](int i) { return i; });
 alignas(64) constexpr auto lanesOfBytes = bytesOf([](int i) { return i / 4; });
 alignas(64) constexpr auto placesInLane = bytesOf([](int i) { return i % 4; });
 alignas(64) constexpr auto placesFromEnd = bytesOf([](int i) { return 3 - i % 4; });
-alignas(64) constexpr auto standaloneClasses = bytesOf([](int i) { return Graphemes::standalone >> i % 16 & 1; });
 alignas(64) constexpr auto swapped = bytesOf([](int i) { return i % 16 / 4 * 4 + 3 - i % 4; }); // in each quarter
 
 #pragma clang attribute push(                                                                                          \
@@ -221,22 +219,6 @@ size_t shapes(const PackedText& text, ShapeRun* runs)
     return count;
 }
 
-PointKinds kinds(const CodePointTable& table, const char32_t* points, size_t count)
-{
-    uint8_t properties[64] = {};
-    for (size_t i = 0; i < count; ++i)
-        properties[i] = table[points[i]].bits;
-    const __m512i bits = load(properties);
-    const __m512i width = _mm512_and_si512(bits, _mm512_set1_epi8(CodePoint::widthMask));
-    const __m512i breakClass = _mm512_and_si512(_mm512_srli_epi16(bits, CodePoint::breakShift), _mm512_set1_epi8(15));
-    const __m512i standsAlone = _mm512_shuffle_epi8(load(standaloneClasses.data()), breakClass);
-    const uint64_t present = _bzhi_u64(~uint64_t(0), unsigned(count));
-    return { .visible = _mm512_test_epi8_mask(width, width) & present,
-        .wide = _mm512_cmpeq_epi8_mask(width, _mm512_set1_epi8(2)) & present,
-        .ambiguous = _mm512_test_epi8_mask(bits, _mm512_set1_epi8(CodePoint::ambiguousBit)) & present,
-        .standalone = _mm512_test_epi8_mask(standsAlone, standsAlone) & present };
-}
-
 #pragma clang attribute pop
 
 }
@@ -251,7 +233,7 @@ bool hasTextAvx512()
 
 TextKernels textKernelsAvx512()
 {
-    return { .decode = decode, .place = place, .pack = pack, .shapes = shapes, .kinds = kinds };
+    return { .decode = decode, .place = place, .pack = pack, .shapes = shapes };
 }
 
 }

@@ -28,15 +28,11 @@ struct CodePoint {
     uint8_t bits = 1;
 
     /// Columns by UAX 11: 0 for what combines, 2 for what is wide. Ambiguous ones count as 1.
-    int width() const { return bits & widthMask; }
-    bool ambiguous() const { return bits & ambiguousBit; }
+    constexpr int width() const { return bits & 3; }
+    constexpr bool ambiguous() const { return bits & 4; }
     /// Followed by VS16 it is shown as an emoji, two columns wide.
-    bool emojiVariation() const { return bits & 8; }
-    GraphemeBreak graphemeBreak() const { return GraphemeBreak(bits >> breakShift); }
-
-    static constexpr int widthMask = 3;
-    static constexpr int ambiguousBit = 4;
-    static constexpr int breakShift = 4;
+    constexpr bool emojiVariation() const { return bits & 8; }
+    constexpr GraphemeBreak graphemeBreak() const { return GraphemeBreak(bits >> 4); }
 };
 
 /// A lookup in two steps, built once from the ranges of Debian's unicode-data.

@@ -20,7 +20,7 @@ public:
     /// Begins a cluster behind any other of its kind. As bits, by class.
     static constexpr uint32_t standalone = 1u << int(GraphemeBreak::Other) | 1u << int(GraphemeBreak::LV)
         | 1u << int(GraphemeBreak::LVT) | 1u << int(GraphemeBreak::Pictographic);
-    static bool isStandalone(CodePoint point) { return standalone >> int(point.graphemeBreak()) & 1; }
+    static constexpr bool isStandalone(CodePoint point) { return standalone >> int(point.graphemeBreak()) & 1; }
     /// What came before joins nothing that stands alone.
     bool isDone() const
     {
