@@ -34,13 +34,13 @@ CodePointTable::CodePointTable()
     std::vector<uint8_t> points(0x110000, CodePoint().bits);
     for (const Range& range : ranges)
         std::fill(points.begin() + range.first, points.begin() + range.last + 1, range.bits);
-    std::map<std::string, uint8_t> known;
-    for (size_t block = 0; block < std::size(m_index); ++block) {
+    std::map<std::string, uint16_t> known; // where each block begins
+    for (size_t block = 0; block < std::size(m_beginOfBlock); ++block) {
         const std::string bytes(points.begin() + block * 256, points.begin() + (block + 1) * 256);
-        const auto [entry, isNew] = known.try_emplace(bytes, uint8_t(known.size()));
+        const auto [entry, isNew] = known.try_emplace(bytes, uint16_t(known.size() * 256));
         if (isNew)
-            std::memcpy(m_blocks + entry->second * 256, bytes.data(), 256);
-        m_index[block] = entry->second;
+            std::memcpy(m_blocks + entry->second, bytes.data(), 256);
+        m_beginOfBlock[block] = entry->second;
     }
 }
 

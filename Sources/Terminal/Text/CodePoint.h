@@ -41,12 +41,12 @@ public:
     static const CodePointTable& instance();
 
     /// `point` is below 0x110000.
-    CodePoint operator[](char32_t point) const { return { m_blocks[m_index[point >> 8] * 256u + (point & 0xff)] }; }
+    CodePoint operator[](char32_t point) const { return { m_blocks[m_beginOfBlock[point >> 8] + (point & 0xff)] }; }
 
 private:
     CodePointTable();
     static constexpr int maxBlocks = 256;
-    uint8_t m_index[0x1100] = {};
+    uint16_t m_beginOfBlock[0x1100] = {};
     uint8_t m_blocks[maxBlocks * 256];
 };
 
