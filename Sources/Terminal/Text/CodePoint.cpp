@@ -36,7 +36,12 @@ CodePointTable::CodePointTable()
         std::fill(points.begin() + range.first, points.begin() + range.last + 1, range.bits);
     std::map<std::string, uint16_t> known; // where each block begins
     for (size_t block = 0; block < std::size(m_beginOfBlock); ++block) {
-        const std::string bytes(points.begin() + block * 256, points.begin() + (block + 1) * 256);
+        const uint8_t* const first = points.data() + block * 256;
+        if (block > 0 && std::memcmp(first, first - 256, 256) == 0) {
+            m_beginOfBlock[block] = m_beginOfBlock[block - 1];
+            continue;
+        }
+        const std::string bytes(first, first + 256);
         const auto [entry, isNew] = known.try_emplace(bytes, uint16_t(known.size() * 256));
         if (isNew)
             std::memcpy(m_blocks + entry->second, bytes.data(), 256);
