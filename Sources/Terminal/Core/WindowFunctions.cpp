@@ -82,8 +82,8 @@ void windowOperation(Emulator& t, const Sequence& s)
         return;
     switch (operation) {
     case 4:
-        return resizeTo(t, second > 0 ? second / size.cellWidth : size.columns,
-            first > 0 ? first / size.cellHeight : size.rows);
+        return resizeTo(
+            t, second > 0 ? second / size.cellWidth : size.columns, first > 0 ? first / size.cellHeight : size.rows);
     case 8:
         return resizeTo(t, second > 0 ? second : size.columns, first > 0 ? first : size.rows);
     case 11:

@@ -209,8 +209,8 @@ void Scrollback::addShapes(const PackedText& packed)
 
 void Scrollback::pushComplex(const Row& row, int count)
 {
-    const size_t needed = size_t(count) * (4 + sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun)
-        + TextKernels::writeAhead;
+    const size_t needed
+        = size_t(count) * (4 + sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun) + TextKernels::writeAhead;
     // Clusters are only counted where there is not room for as many as there are cells.
     if (!hasRoom(needed + size_t(count) * maxCharacterBytes)) {
         const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });

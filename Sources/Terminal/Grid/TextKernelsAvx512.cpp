@@ -190,8 +190,9 @@ size_t shapes(const PackedText& text, ShapeRun* runs)
     const auto changes = [](uint64_t bits) {
         return bits ^ bits << 1;
     };
-    const uint64_t begins = _bzhi_u64(
-        changes(text.wide) | changes(text.two) | changes(text.three) | changes(text.four) | 1, unsigned(text.characters));
+    const uint64_t begins
+        = _bzhi_u64(changes(text.wide) | changes(text.two) | changes(text.three) | changes(text.four) | 1,
+            unsigned(text.characters));
     const uint64_t ends = begins >> 1 | uint64_t(1) << (text.characters - 1);
     const __m512i first = _mm512_maskz_compress_epi8(begins, load(places.data()));
     const __m512i last = _mm512_maskz_compress_epi8(ends, load(places.data()));
