@@ -329,11 +329,33 @@ TEST(CommandPalette, theHighlightStaysInTheListAndReturnRunsIt)
     palette.open();
     palette.setIndex(2);
     palette.setContacts({});
-    EXPECT_EQ(palette.index(), 1) << "a list that shrinks keeps the highlight in it";
+    EXPECT_EQ(palette.index(), 0) << "the highlight stays on its line";
     palette.setQuery("zebra");
     palette.runHighlighted();
     ASSERT_EQ(searches.size(), 1) << "what it does not know goes to the search";
     EXPECT_EQ(searches.first().first(), "zebra");
+}
+
+TEST(CommandPalette, whatIsFoundLaterStandsAboveTheSearchAndMovesNoHighlight)
+{
+    const auto work = [](const char* id) {
+        FoundRecord record;
+        record.kind = "item";
+        record.id = id;
+        record.title = id;
+        return record;
+    };
+    CommandPalette palette;
+    const QSignalSpy searches(&palette, &CommandPalette::searchChosen);
+    palette.open();
+    palette.setQuery("kiln");
+    palette.setFound({ work("Fire the kiln") });
+    EXPECT_EQ(palette.index(), 0);
+    palette.moveDown();
+    palette.setFound({ work("Clean the kiln"), work("Fire the kiln") });
+    EXPECT_EQ(palette.items()->rowCount(), 3);
+    palette.runHighlighted();
+    EXPECT_EQ(searches.size(), 1);
 }
 
 TEST(BulkSelection, whatTheListNoLongerShowsDropsOut)

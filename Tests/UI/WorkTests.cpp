@@ -76,6 +76,7 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     EXPECT_EQ(screens.ops.shell()->timelineRows().size(), 6) << "filed, held, approved, what was said, and the other";
     press(Qt::Key_K, Qt::ControlModifier);
     type(u"clay"_s);
+    ASSERT_TRUE(await([&] { return inbox.palette()->items()->rowCount() > 1; }));
     press(Qt::Key_Return);
     EXPECT_EQ(screens.ops.shell()->item()->title(), "Pay the clay") << "the palette finds it";
 }

@@ -27,6 +27,7 @@ InboxView::InboxView(const Surroundings& at, QObject* parent)
           [this](const Account& account, const QString& recipient, const OutgoingMessage& message) {
               return composeNew(account, recipient, message);
           })
+    , m_paletteWork(m_engine.db(), m_scheduler)
 {
     connect(&m_engine, &EngineManager::inboxRevisionChanged, &m_list, &ContactListView::personChanged);
     connect(&at.accounts, &AccountStore::accountsChanged, &m_list, &ContactListView::reloadSoon);
@@ -39,6 +40,13 @@ InboxView::InboxView(const Surroundings& at, QObject* parent)
         m_palette.setContacts(m_list.found());
     });
     connect(&m_person, &OpenPerson::selectionChanged, &m_palette, &CommandPalette::refresh);
+    connect(&m_palette, &CommandPalette::queryChanged, this, [this] {
+        SearchQuery work(m_palette.query().trimmed());
+        if (!work.isEmpty())
+            work.group = SearchGroup::Work;
+        m_paletteWork.find(work);
+    });
+    connect(&m_paletteWork, &RecordHits::changed, this, [this] { m_palette.setFound(m_paletteWork.records()); });
     connect(&m_palette, &CommandPalette::contactChosen, this,
         [this](const QString& contactId) { m_notifications.post(notifications::openConversation, contactId); });
     connect(&m_palette, &CommandPalette::searchChosen, this, [this](const QString& query) {

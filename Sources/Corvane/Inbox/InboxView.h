@@ -68,6 +68,7 @@ private:
     PendingDraftsView* m_drafts = nullptr;
     ComposeSheet m_composeSheet;
     CommandPalette m_palette;
+    RecordHits m_paletteWork;
     bool m_showPalette = false;
     NotificationCentre::Observation m_workspaceChanged;
 };

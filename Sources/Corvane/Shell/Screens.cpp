@@ -117,7 +117,6 @@ Screens::Screens(CorvaneApp& root)
     hotKeys.prepend(&app.capture().hotKey());
     settings.system()->setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
-    inbox.palette()->setFinder([this](const QString& query) { return foundWork(app.db(), query); });
     const auto open = [this](const FoundRecord& record, const QString& words) {
         openFound(*this, record, words);
     };

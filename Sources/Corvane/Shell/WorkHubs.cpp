@@ -2,17 +2,13 @@
 
 #include "AI/AIServices.h"
 #include "Foundation/Literals.h"
-#include "Inbox/List/RecordHitItem.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/DevHub.h"
 #include "Shell/Screens.h"
-#include "Store/Work/WorkBoardQueries.h"
 
 namespace corvane {
 
 namespace {
-
-constexpr int palettePlaces = 12;
 
 WorkModuleShell* shellOf(Screens& screens, const QString& module)
 {
@@ -41,24 +37,6 @@ QList<Command> workCommands()
             { u"openWork"_s, u"Open an item"_s, u"Return"_s },
             { u"moveWork"_s, u"Move it to another lane"_s, u"Alt+Left or Right"_s },
         });
-}
-
-QList<PaletteItem> foundWork(LocalDB& db, const QString& query)
-{
-    SearchQuery wanted(query);
-    wanted.group = SearchGroup::Work;
-    QList<PaletteItem> items;
-    for (const FoundRecord& record : findRecords(db, wanted, { {}, db.nowMs(), palettePlaces }).records) {
-        PaletteItem item;
-        item.id = recordKey(record);
-        item.section = groupLabel(record.group);
-        item.label = shownLine(record.title);
-        item.detail = record.module.isEmpty() ? record.kind : record.kind + u", "_s + record.module;
-        item.icon = recordIcon(record);
-        item.record = record;
-        items.append(item);
-    }
-    return items;
 }
 
 void openWork(Screens& screens, const FoundRecord& record)

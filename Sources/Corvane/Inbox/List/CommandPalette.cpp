@@ -2,6 +2,8 @@
 
 #include "Foundation/Literals.h"
 #include "Inbox/List/ContactItem.h"
+#include "Inbox/List/HitText.h"
+#include "Inbox/List/RecordHitItem.h"
 #include "Presentation/DateWords.h"
 
 #include <algorithm>
@@ -12,6 +14,7 @@ namespace {
 
 constexpr qsizetype contactsWithQuery = 30;
 constexpr qsizetype contactsWithoutQuery = 8;
+constexpr qsizetype mostFound = 12;
 
 const QString searchId = u"searchMessages"_s;
 
@@ -39,6 +42,18 @@ PaletteItem actionLine(const QString& id, const QString& label, const QString& k
     item.isAction = true;
     item.label = label;
     item.detail = keys;
+    return item;
+}
+
+PaletteItem foundLine(const FoundRecord& record)
+{
+    PaletteItem item;
+    item.id = recordKey(record);
+    item.section = groupLabel(record.group);
+    item.label = lineOf(record.title);
+    item.detail = record.module.isEmpty() ? record.kind : record.kind + u", "_s + record.module;
+    item.icon = recordIcon(record);
+    item.record = record;
     return item;
 }
 
@@ -126,14 +141,23 @@ void CommandPalette::setIndex(int index)
 void CommandPalette::setContacts(const QList<ContactRow>& contacts)
 {
     m_contacts = contacts;
-    if (m_isOpen)
-        present();
+    refresh();
+}
+
+void CommandPalette::setFound(const QList<FoundRecord>& records)
+{
+    m_found = records;
+    refresh();
 }
 
 void CommandPalette::refresh()
 {
-    if (m_isOpen)
-        present();
+    if (!m_isOpen)
+        return;
+    const int before = m_index;
+    present(before > 0 ? m_items.rows().value(before).id : QString());
+    if (m_index != before)
+        Q_EMIT indexChanged();
 }
 
 void CommandPalette::open()
@@ -174,15 +198,17 @@ void CommandPalette::run(int index)
         m_commands->run(id);
 }
 
-void CommandPalette::present()
+void CommandPalette::present(const QString& highlighted)
 {
     QList<PaletteItem> items = paletteItems(m_contacts, m_commands ? m_commands->all() : QList<Command>(), m_query);
-    if (m_finder && !m_query.trimmed().isEmpty()) {
+    if (!m_query.trimmed().isEmpty()) {
         const PaletteItem search = items.takeLast();
-        items += m_finder(m_query.trimmed());
+        for (const FoundRecord& record : m_found.first(std::min(mostFound, m_found.size())))
+            items.append(foundLine(record));
         items.append(search);
     }
-    m_index = std::clamp(m_index, 0, std::max(0, int(items.size()) - 1));
+    const auto at = std::ranges::find(items, highlighted, &PaletteItem::id);
+    m_index = std::clamp(at == items.end() ? m_index : int(at - items.begin()), 0, std::max(0, int(items.size()) - 1));
     if (!items.isEmpty())
         items[m_index].highlighted = true;
     m_items.assign(items);

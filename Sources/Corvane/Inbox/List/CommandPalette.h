@@ -34,7 +34,7 @@ public:
     QString icon; ///< for results that are neither a contact nor an action
     bool highlighted = false;
     QString contactId; ///< for a contact
-    FoundRecord record; ///< for a result of the finder
+    FoundRecord record; ///< for a result of the search
     QString completed; ///< for a narrowing word: the query with it
 
     static constexpr const char* role = "entry";
@@ -66,9 +66,8 @@ public:
 
     void setCommands(Commands& commands) { m_commands = &commands; } ///< they outlive the palette
     void setContacts(const QList<ContactRow>& contacts);
-    /// Finds other results than contacts and actions, by the query as typed.
-    void setFinder(std::function<QList<PaletteItem>(const QString& query)> finder) { m_finder = std::move(finder); }
-    void refresh(); ///< when the available actions may have changed
+    void setFound(const QList<FoundRecord>& records); ///< what else the query found; may still be an older query's
+    void refresh(); ///< when the available actions may have changed; a line that the highlight was moved to keeps it
 
     Q_INVOKABLE void open(); ///< with an empty query and the first line selected
     Q_INVOKABLE void moveUp() { setIndex(m_index - 1); }
@@ -82,17 +81,17 @@ Q_SIGNALS:
     void indexChanged();
     void contactChosen(const QString& contactId);
     void searchChosen(const QString& query);
-    void foundChosen(const FoundRecord& record, const QString& query); ///< a result of the finder
+    void foundChosen(const FoundRecord& record, const QString& query); ///< a result of the search
     void closed();
 
 private:
-    void present();
+    void present(const QString& highlighted = {}); ///< an item's id; else the index stays
 
     QString m_query;
     int m_index = 0;
     Commands* m_commands = nullptr;
     QList<ContactRow> m_contacts;
-    std::function<QList<PaletteItem>(const QString& query)> m_finder;
+    QList<FoundRecord> m_found;
     bool m_isOpen = false; ///< a closed palette is not updated
     RowListModel<PaletteItem> m_items;
 };

@@ -23,6 +23,7 @@ public:
     /// clears everything.
     void find(const SearchQuery& query);
 
+    const QList<FoundRecord>& records() const { return m_records; } ///< of the rows, and one more of a shortened group
     std::optional<FoundRecord> record(const QString& key) const; ///< of a row
 
 Q_SIGNALS:
