@@ -2,6 +2,7 @@
 #include "MirrorBench.h"
 #include "Rivals.h"
 
+#include "Store/Search/IndexedSearch.h"
 #include "Store/Search/MessageSearch.h"
 #include "Store/Search/RecordQueries.h"
 #include "Store/Search/SearchIndex.h"

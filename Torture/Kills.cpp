@@ -7,6 +7,7 @@
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Core/Snapshot.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/Search/IndexedSearch.h"
 #include "Store/Search/SearchIndex.h"
 
 #include <QDir>

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/Search/IndexedSearch.h"
 #include "Support/Await.h"
 #include "Support/StoreTest.h"
 
@@ -18,15 +19,20 @@ protected:
     SearchIndexTest()
     {
         open();
-        m_conversation = ensureConversation(*m_db, u"SMS"_s, u"a"_s, u"1"_s, u"Ana"_s, 1);
+        m_conversations = { ensureConversation(*m_db, u"SMS"_s, u"a"_s, u"1"_s, u"Ana"_s, 1),
+            ensureConversation(*m_db, u"WHATSAPP"_s, u"a"_s, u"2@g.us"_s, u"Winter market"_s, 1),
+            ensureConversation(*m_db, u"EMAIL"_s, u"a"_s, u"b@x.example"_s, u"Bo"_s, 1) };
         m_db->watch().messageChanges().onChange([] { });
     }
 
     void write(int number, const QString& body, qint64 ts)
     {
-        m_db->run("INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
-                  "VALUES(?, 'local', ?, ?, ?, ?, 1);",
-            { u"m:%1"_s.arg(number), m_conversation, number % 3 == 0 ? u"OUT"_s : u"IN"_s, body, ts });
+        m_db->run("INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, sender, "
+                  "media_type, media_path, updated_at) VALUES(?1, 'local', ?2, ?3, ?4, ?5, "
+                  "CASE ?6 % 4 WHEN 0 THEN 'Ana Ruiz' WHEN 1 THEN 'Bo' WHEN 2 THEN '' END, "
+                  "CASE ?6 % 7 WHEN 0 THEN 'image' WHEN 1 THEN 'Video' END, CASE ?6 % 9 WHEN 0 THEN '/x' END, 1);",
+            { u"m:%1"_s.arg(number), m_conversations.at(number / 2 % 3), number % 3 == 0 ? u"OUT"_s : u"IN"_s, body, ts,
+                qint64(number) });
     }
 
     IndexState advance()
@@ -54,7 +60,7 @@ protected:
         EXPECT_EQ(*found, searchMessages(*m_db, query, limit)) << query.text.toStdString();
     }
 
-    QString m_conversation;
+    QStringList m_conversations;
     const SearchIndex::Stopped m_never = std::make_shared<std::atomic<bool>>(false);
     const QString m_path = SearchIndex::pathBeside(path());
 };
@@ -85,7 +91,7 @@ TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
             write(++number, words(14), 1'700'000'000'000 + qint64(random() % 400));
         const QString one = u"m:%1"_s.arg(random() % number);
         if (round % 5 == 0)
-            m_db->run("UPDATE unified_message SET body=? WHERE id=?;", { words(14), one });
+            m_db->run("UPDATE unified_message SET body=?, sender='Ana' WHERE id=?;", { words(14), one });
         if (round % 7 == 0)
             m_db->run("UPDATE unified_message SET deleted_at=1 WHERE id=?;", { one });
         if (round % 11 == 0)
@@ -102,13 +108,25 @@ TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
         query.fromMe = round % 5 == 0;
         if (round % 7 == 0)
             query.from = { round % 2 == 0 ? u"ANA"_s : u"Bo"_s };
+        if (round % 4 == 1)
+            query.places = { round % 3 == 0 ? u"ana"_s : u"market"_s };
+        if (round % 6 == 2)
+            query.has = { round % 4 == 2 ? MessageContent::File : MessageContent::Video };
+        if (round % 10 == 3)
+            query.channels = { u"EMAIL"_s };
         if (!find(query))
             continue;
         expectTheSame(query, 1 + int(random() % 70));
         ++answered;
     }
-    EXPECT_GT(answered, 60);
+    EXPECT_GT(answered, 150);
     expectTheSame(u"kan"_s);
+    const QDate today(2026, 11, 22);
+    for (const auto& typed : { u"from:ruiz"_s, u"from:nobody"_s, u"in:winter"_s, u"in:winter from:bo"_s,
+             u"in:sms has:image"_s, u"in:telegram"_s, u"an in:winter"_s, u"has:link"_s })
+        expectTheSame(parseSearch(typed, today));
+    EXPECT_EQ(find(parseSearch(u"from:ruiz in:winter"_s, today), 9)->size(), 9);
+    EXPECT_FALSE(find(parseSearch(u"from:me after:2020"_s, today)));
 }
 
 TEST_F(SearchIndexTest, leavesToOthersWhatItCannotAnswer)
@@ -132,7 +150,7 @@ TEST_F(SearchIndexTest, moreMessagesOfOneMillisecondThanItNumbers)
     m_db->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<4200) "
               "INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
               "SELECT 'c:' || i, 'local', ?, 'IN', 'crowd ' || i, 7, i FROM n;",
-        { m_conversation });
+        { m_conversations.first() });
     advance();
     expectTheSame(u"crowd 4199"_s);
     expectTheSame(u"crowd"_s, 5);

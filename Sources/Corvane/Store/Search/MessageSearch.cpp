@@ -2,6 +2,7 @@
 
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Search/IndexedSearch.h"
 #include "Store/Search/SearchIndex.h"
 
 namespace corvane {

@@ -2,6 +2,8 @@
 
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
+#include "Store/Search/SearchIndexFile.h"
+#include "Store/Search/SearchQueries.h"
 
 #include <QFile>
 #include <QStringList>
@@ -12,76 +14,26 @@ namespace corvane {
 
 namespace {
 
-constexpr int form = 1; ///< another number makes older files begin anew
+constexpr int form = 2; ///< another number makes older files begin anew
 constexpr int stepRows = 4000;
 constexpr int sweepRows = 4000;
-constexpr int slotBits = 12; ///< documents of one millisecond: 4,096
-constexpr qint64 slotsOfTime = 1LL << slotBits;
-constexpr qint64 lastTime = (1LL << 50) - 1;
+constexpr qint64 slotsOfTime = 1LL << documentSlotBits;
 constexpr int busyMs = 1000;
 constexpr int stepsBetweenLooks = 5000;
-constexpr int shortestPhrase = 3; ///< code points
-constexpr int firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
 
 int isStopped(void* stopped)
 {
     return static_cast<const std::atomic<bool>*>(stopped)->load() ? 1 : 0;
 }
 
-/// FNV-1a: the same on every machine and in every run.
-qint64 hashOf(const QString& text)
-{
-    quint64 hash = 14695981039346656037ULL;
-    for (const char byte : text.toUtf8())
-        hash = (hash ^ quint8(byte)) * 1099511628211ULL;
-    return qint64(hash);
-}
-
 bool isNumbered(qint64 ts)
 {
-    return ts >= 0 && ts <= lastTime;
-}
-
-/// The first number that a document of that time may have.
-qint64 numberAt(qint64 ts)
-{
-    return std::clamp<qint64>(ts, 0, lastTime + 1) << slotBits;
-}
-
-/// The longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
-QString phraseOf(const QString& query)
-{
-    QString longest;
-    qsizetype length = 0;
-    for (const QString& run : QString(query).replace(u'_', u'%').split(u'%')) {
-        const qsizetype points = run.toUcs4().size();
-        if (points > length) {
-            longest = run;
-            length = points;
-        }
-    }
-    const bool fits = length >= shortestPhrase && !longest.contains(QChar(0));
-    return fits ? u'"' + longest.replace(u'"', u"\"\""_s) + u'"' : QString();
-}
-
-std::optional<qint64> valueOf(SqlConnection& index, const QString& name)
-{
-    return index.firstRow(
-        "SELECT value FROM state WHERE name=?;", { name }, [](const SqlRow& row) { return row.integer(0); });
+    return ts >= 0 && ts <= lastNumberedTime;
 }
 
 qint64 numberOf(SqlConnection& database, const QString& sql, const QList<SqlValue>& parameters = {})
 {
     return database.firstRow(sql, parameters, [](const SqlRow& row) { return row.integer(0); }).value_or(0);
-}
-
-/// Tells whether the database is still the one that was indexed: what lies at the last rowid that was taken in.
-qint64 probeAt(SqlConnection& database, qint64 rowid)
-{
-    return database
-        .firstRow("SELECT id FROM unified_message WHERE rowid=?;", { rowid },
-            [](const SqlRow& row) { return hashOf(row.text(0)); })
-        .value_or(0);
 }
 
 }
@@ -143,7 +95,7 @@ bool SearchIndex::commit()
 
 qint64 SearchIndex::value(const QString& name)
 {
-    return valueOf(*this, name).value_or(0);
+    return indexValue(*this, name).value_or(0);
 }
 
 void SearchIndex::setValue(const QString& name, qint64 value)
@@ -155,45 +107,61 @@ void SearchIndex::setValue(const QString& name, qint64 value)
 void SearchIndex::startAnew()
 {
     begin();
-    for (const char* table : { "state", "document", "crowded", "text" })
+    for (const char* table : { "state", "document", "crowded", "name", "text" })
         run(QByteArray("DROP TABLE IF EXISTS ").append(table).append(';').constData());
     run("CREATE TABLE state(name TEXT PRIMARY KEY, value INTEGER NOT NULL) WITHOUT ROWID;");
     run("CREATE TABLE document(number INTEGER PRIMARY KEY, hash INTEGER NOT NULL);");
     run("CREATE TABLE crowded(ts INTEGER PRIMARY KEY);"); // times whose messages are not all in the index
-    run("CREATE VIRTUAL TABLE text USING fts5(words, content='', columnsize=0, tokenize='trigram');");
-    run("PRAGMA user_version=1;");
-    static_assert(form == 1);
+    run("CREATE TABLE name(\"column\" TEXT, name TEXT, PRIMARY KEY(\"column\", name)) WITHOUT ROWID;");
+    run("CREATE VIRTUAL TABLE text USING fts5(words, conversation, sender, media, content='', columnsize=0, "
+        "tokenize='trigram');");
+    run("PRAGMA user_version=2;");
+    static_assert(form == 2);
     commit();
 }
 
 bool SearchIndex::fitsDatabase(SqlConnection& database)
 {
     const qint64 last = value(u"rowid"_s);
-    return last == 0 || probeAt(database, last) == value(u"probe"_s);
+    return last == 0 || indexProbe(database, last) == value(u"probe"_s);
 }
 
 QList<SearchIndex::Document> SearchIndex::documents(
     SqlConnection& database, const QString& condition, const QList<SqlValue>& parameters)
 {
-    const QString sql = u"SELECT m.ts, m.rowid, m.body, at.transcript, m.subject FROM unified_message m\n"
-                        "LEFT JOIN audio_transcript at ON at.message_id=m.id\nWHERE m.deleted_at IS NULL AND "_s;
+    const QString sql = u"SELECT m.ts, m.rowid, m.body, at.transcript, m.subject, m.conversation_id,\n"
+                        "  CASE m.direction WHEN 'IN' THEN m.sender END,\n"
+                        "  COALESCE(NULLIF(m.media_type,''), CASE WHEN m.media_path != '' THEN 'file' END)\n"
+                        "FROM unified_message m LEFT JOIN audio_transcript at ON at.message_id=m.id\n"
+                        "WHERE m.deleted_at IS NULL AND "_s;
     return database.rows(sql + condition + u';', parameters, [](const SqlRow& row) {
-        QStringList parts { row.text(2), row.text(3), row.text(4) };
-        parts.removeAll(QString());
-        return Document { row.integer(0), row.integer(1), parts.join(u'\n') };
+        QStringList words { row.text(2), row.text(3), row.text(4) };
+        words.removeAll(QString());
+        return Document { row.integer(0), row.integer(1), words.join(u'\n'), row.text(5), row.text(6), row.text(7) };
     });
+}
+
+/// Remembers the name, for those who know only a part of it.
+QString SearchIndex::mark(const QString& column, const QString& name)
+{
+    if (name.isEmpty())
+        return {};
+    if (const auto key = std::pair(column, name); !m_known.contains(key)) {
+        run("INSERT OR IGNORE INTO name(\"column\", name) VALUES(?,?);", { column, name });
+        m_known.insert(key);
+    }
+    return indexMark(name);
 }
 
 void SearchIndex::add(const Document& document)
 {
-    if (document.text.isEmpty())
-        return;
     if (!isNumbered(document.ts)) {
         run("INSERT OR IGNORE INTO crowded(ts) VALUES(?);", { document.ts });
         return;
     }
-    const qint64 first = numberAt(document.ts);
-    const qint64 hash = hashOf(document.text);
+    const qint64 first = documentNumberAt(document.ts);
+    const qint64 hash = indexHash(
+        QStringList { document.words, document.conversation, document.sender, document.media }.join(QChar(0)));
     qint64 number = first;
     bool known = false;
     visitRows("SELECT number, hash FROM document WHERE number BETWEEN ? AND ? ORDER BY number;",
@@ -209,7 +177,9 @@ void SearchIndex::add(const Document& document)
         return;
     }
     run("INSERT INTO document(number, hash) VALUES(?,?);", { number, hash });
-    run("INSERT INTO text(rowid, words) VALUES(?,?);", { number, document.text });
+    run("INSERT INTO text(rowid, words, conversation, sender, media) VALUES(?,?,?,?,?);",
+        { number, document.words, indexMark(document.conversation), mark(u"sender"_s, document.sender),
+            mark(u"media"_s, document.media) });
 }
 
 IndexState SearchIndex::advance(SqlConnection& database, const MessageChanges::Rows& changed)
@@ -260,7 +230,7 @@ void SearchIndex::build(SqlConnection& database, IndexState& state)
     if (batch.size() < stepRows && database.failure() == 0) {
         const qint64 newest = value(u"newest"_s);
         setValue(u"rowid"_s, newest);
-        setValue(u"probe"_s, probeAt(database, newest));
+        setValue(u"probe"_s, indexProbe(database, newest));
         setValue(u"complete"_s, 1);
     }
 }
@@ -275,7 +245,7 @@ void SearchIndex::takeNew(SqlConnection& database, IndexState& state)
     if (batch.isEmpty())
         return;
     setValue(u"rowid"_s, batch.last().rowid);
-    setValue(u"probe"_s, probeAt(database, batch.last().rowid));
+    setValue(u"probe"_s, indexProbe(database, batch.last().rowid));
 }
 
 void SearchIndex::takeChanged(SqlConnection& database, const MessageChanges::Rows& changed)
@@ -301,71 +271,6 @@ std::optional<qint64> SearchIndex::sweep(SqlConnection& database, qint64 from)
         add(document);
     const bool kept = commit();
     return kept && batch.size() == sweepRows ? std::optional(batch.last().rowid) : std::nullopt;
-}
-
-std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
-    int limit, const MessageChanges::Rows& changed)
-{
-    const QString phrase = phraseOf(query.text);
-    if (phrase.isEmpty() || !query.places.isEmpty() || !index.isOpen() || !database.isOpen())
-        return std::nullopt;
-    const auto run = [&index](const QString& sql) {
-        index.visitRows(sql, {}, [](const SqlRow&) { return false; });
-    };
-    run(u"BEGIN;"_s); // what the index says of itself and what it finds are of one moment
-    const bool complete = valueOf(index, u"complete"_s).value_or(0) != 0;
-    const qint64 newest = valueOf(index, u"rowid"_s).value_or(0);
-    if (!complete || (newest != 0 && probeAt(database, newest) != valueOf(index, u"probe"_s))) {
-        run(u"COMMIT;"_s);
-        return std::nullopt;
-    }
-
-    QList<qint64> times
-        = timesOfMatches(database, query, { newest, changed.messages.values(), changed.transcripts.values() });
-    const QList<qint64> crowded
-        = index.rows("SELECT ts FROM crowded;", {}, [](const SqlRow& row) { return row.integer(0); });
-    for (const MessageHit& hit : searchMessagesAt(database, query, crowded, limit))
-        times.append(hit.ts);
-
-    QList<qint64> unchecked;
-    qsizetype chunk = firstChunk;
-    qsizetype found = 0;
-    std::optional<qint64> last;
-    const auto check = [&] {
-        for (const MessageHit& hit : searchMessagesAt(database, query, std::exchange(unchecked, {}), limit)) {
-            times.append(hit.ts);
-            ++found;
-        }
-        chunk *= 4;
-    };
-    index.visitRows("SELECT rowid FROM text WHERE text MATCH ? AND rowid >= ? AND rowid < ? ORDER BY rowid DESC;",
-        { phrase, numberAt(query.afterMs.value_or(0)), numberAt(query.beforeMs.value_or(lastTime + 1)) },
-        [&](const SqlRow& row) {
-            const qint64 ts = row.integer(0) >> slotBits;
-            if (std::exchange(last, ts) == ts)
-                return true;
-            if (unchecked.size() >= chunk)
-                check();
-            unchecked.append(ts);
-            return found < limit;
-        });
-    check();
-    run(u"COMMIT;"_s);
-    if (index.failure() != 0)
-        return std::nullopt;
-    std::ranges::sort(times, std::greater());
-    const auto rest = std::ranges::unique(times);
-    times.erase(rest.begin(), rest.end());
-    times.resize(std::min<qsizetype>(times.size(), std::max(limit, 0)));
-    return searchMessagesAt(database, query, times, limit);
-}
-
-std::optional<int> percentBuilt(SqlConnection& index)
-{
-    const auto total = valueOf(index, u"total"_s);
-    if (!total || valueOf(index, u"complete"_s).value_or(0) != 0)
-        return std::nullopt;
-    return int(std::min<qint64>(99, 100 * valueOf(index, u"indexed"_s).value_or(0) / std::max<qint64>(*total, 1)));
 }
 
 }

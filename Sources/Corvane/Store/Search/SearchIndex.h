@@ -2,7 +2,8 @@
 
 #include "Store/Core/SqlConnection.h"
 #include "Store/Search/MessageChanges.h"
-#include "Store/Search/SearchQueries.h"
+
+#include <QSet>
 
 namespace corvane {
 
@@ -16,11 +17,11 @@ struct IndexState {
     qint64 total = 0;
 };
 
-/// The index behind the search for messages: trigrams (FTS5) of body, transcript and subject, in a file of its own
-/// beside the database. Other programs write the database without knowing of it. A document is numbered
-/// by its message's time, so that the newest come first and a VACUUM of the database changes nothing; the index keeps
-/// no text, and each find is checked against the message itself. What a document said before a change stays and finds
-/// nothing.
+/// The index behind the search for messages: trigrams (FTS5) of body, transcript and subject, and marks for the
+/// conversation, the sender and the kind of file, in a file of its own beside the database. Other programs write the
+/// database without knowing of it. A document is numbered by its message's time, so that the newest come first and a
+/// VACUUM of the database changes nothing; the index keeps no text, and each find is checked against the message
+/// itself. What a document said before a change stays and finds nothing.
 class SearchIndex : public SqlConnection {
 public:
     using Stopped = std::shared_ptr<const std::atomic<bool>>;
@@ -42,7 +43,10 @@ private:
     struct Document {
         qint64 ts = 0;
         qint64 rowid = 0;
-        QString text;
+        QString words;
+        QString conversation;
+        QString sender; ///< of a received message; may be empty, as may be the next
+        QString media;
     };
 
     void begin();
@@ -55,20 +59,13 @@ private:
     void build(SqlConnection& database, IndexState& state);
     void takeNew(SqlConnection& database, IndexState& state);
     void takeChanged(SqlConnection& database, const MessageChanges::Rows& changed);
+    QString mark(const QString& column, const QString& name);
     void add(const Document& document);
     static QList<Document> documents(
         SqlConnection& database, const QString& condition, const QList<SqlValue>& parameters);
 
     Stopped m_isStopped;
+    QSet<std::pair<QString, QString>> m_known; ///< columns and names that are in the file
 };
-
-/// The rows of `searchMessages`, in its order, by the index; nothing where it cannot answer: it is being built, or the
-/// text has no three characters in a row without a wildcard, or only a few conversations are asked for. `changed` are
-/// rows that the index does not know as they are.
-std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
-    int limit, const MessageChanges::Rows& changed);
-
-/// How much of the messages the index covers while it is being built, else nothing.
-std::optional<int> percentBuilt(SqlConnection& index);
 
 }

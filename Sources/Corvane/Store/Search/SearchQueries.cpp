@@ -31,28 +31,19 @@ const QString holdingWords = uR"(
   AND (m.body LIKE ? OR at.transcript LIKE ? OR m.subject LIKE ?)
   AND COALESCE(NULLIF(m.body,''), at.transcript, m.subject, '') != '')"_s;
 
-/// Of conversations, so that the messages of a few need not be looked for among all.
-const QString inPlace = uR"(
-  AND m.conversation_id IN (SELECT pc.id FROM unified_conversation pc LEFT JOIN contact pp ON pp.id=pc.contact_id
-    WHERE pp.display_name LIKE ? ESCAPE '\' OR pc.title LIKE ? ESCAPE '\'))"_s;
+const QString inPlace = uR"((ct.display_name LIKE ? ESCAPE '\' OR cc.title LIKE ? ESCAPE '\'))"_s;
+
+const QString namedConversations = uR"(SELECT id FROM unified_conversation WHERE title LIKE ? ESCAPE '\'
+UNION SELECT cc.id FROM contact ct CROSS JOIN unified_conversation cc ON cc.contact_id=ct.id
+  WHERE ct.display_name LIKE ? ESCAPE '\')"_s;
 
 QString holding(MessageContent content)
 {
-    switch (content) {
-    case MessageContent::File:
-        return u"COALESCE(NULLIF(m.media_type,''), m.media_path, '') != ''"_s;
-    case MessageContent::Image:
-        return u"m.media_type LIKE 'image'"_s;
-    case MessageContent::Video:
-        return u"m.media_type LIKE 'video'"_s;
-    case MessageContent::Audio:
-        return u"m.media_type LIKE 'audio'"_s;
-    case MessageContent::Document:
-        return u"m.media_type LIKE 'document'"_s;
-    case MessageContent::Link:
+    if (content == MessageContent::Link)
         return u"(m.body LIKE '%http://%' OR m.body LIKE '%https://%')"_s;
-    }
-    return {};
+    if (content == MessageContent::File)
+        return u"COALESCE(NULLIF(m.media_type,''), m.media_path, '') != ''"_s;
+    return u"m.media_type LIKE '%1'"_s.arg(mediaPattern(content));
 }
 
 struct Condition {
@@ -83,10 +74,8 @@ Condition conditionOf(const SearchQuery& query)
             { containing(name), containing(name) });
     for (const QString& channel : query.channels)
         condition.also(u"cc.channel=?"_s, { SqlValue(channel) });
-    for (const QString& place : query.places) {
-        condition.sql += inPlace;
-        condition.values += { containing(place), containing(place) };
-    }
+    for (const QString& place : query.places)
+        condition.also(inPlace, { containing(place), containing(place) });
     for (const MessageContent content : query.has)
         condition.also(holding(content));
     if (query.afterMs)
@@ -96,12 +85,20 @@ Condition conditionOf(const SearchQuery& query)
     return condition;
 }
 
+QStringList ids(SqlConnection& db, const QString& sql, const QList<SqlValue>& values)
+{
+    return db.rows(sql, values, [](const SqlRow& row) { return row.text(0); });
+}
+
 }
 
 // Newest first along the index over all times, but for the messages of a few conversations, which are sorted.
 QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, int limit)
 {
     Condition condition = conditionOf(query);
+    for (const QString& place : query.places)
+        condition.also(
+            u"m.conversation_id IN ("_s + namedConversations + u')', { containing(place), containing(place) });
     condition.sql += query.places.isEmpty() ? u"\nORDER BY m.ts DESC LIMIT ?;"_s
                                             : u"\nORDER BY +m.ts DESC, m.rowid DESC LIMIT ?;"_s;
     return hits.rows(db, condition.sql, condition.values << limit);
@@ -131,6 +128,41 @@ QList<qint64> timesOfMatches(SqlConnection& db, const SearchQuery& query, const 
                        "json_each(?)))"_s,
             jsonNumbers(range.transcripts));
     return found;
+}
+
+QStringList conversationsOn(SqlConnection& db, const QString& channel, int limit)
+{
+    return ids(db, u"SELECT id FROM unified_conversation WHERE channel=? LIMIT ?;"_s, { channel, limit });
+}
+
+QStringList conversationsNamed(SqlConnection& db, const QString& name, int limit)
+{
+    return ids(db, namedConversations + u" LIMIT ?;"_s, { containing(name), containing(name), limit });
+}
+
+QStringList conversationsWith(SqlConnection& db, const QString& name, int limit)
+{
+    return ids(db, uR"(SELECT cc.id FROM contact ct CROSS JOIN unified_conversation cc ON cc.contact_id=ct.id
+WHERE ct.display_name LIKE ? ESCAPE '\' AND cc.external_id NOT LIKE '%@g.us' LIMIT ?;)"_s,
+        { containing(name), limit });
+}
+
+QString mediaPattern(MessageContent file)
+{
+    switch (file) {
+    case MessageContent::Image:
+        return u"image"_s;
+    case MessageContent::Video:
+        return u"video"_s;
+    case MessageContent::Audio:
+        return u"audio"_s;
+    case MessageContent::Document:
+        return u"document"_s;
+    case MessageContent::File:
+    case MessageContent::Link:
+        break;
+    }
+    return u"%"_s;
 }
 
 QString jsonNumbers(const QList<qint64>& values)

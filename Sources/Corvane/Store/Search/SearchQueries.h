@@ -38,6 +38,15 @@ struct MessageRange {
 /// The times of those that `searchMessages` would find in the range.
 QList<qint64> timesOfMatches(SqlConnection& db, const SearchQuery& query, const MessageRange& range);
 
+/// Ids of conversations, at most `limit`, in which alone a part of a search can be met: those on a channel, those whose
+/// own name or person's name holds a text, and those with one person whose name holds it.
+QStringList conversationsOn(SqlConnection& db, const QString& channel, int limit);
+QStringList conversationsNamed(SqlConnection& db, const QString& name, int limit);
+QStringList conversationsWith(SqlConnection& db, const QString& name, int limit);
+
+/// What the kind of file is LIKE in a message with such a file.
+QString mediaPattern(MessageContent file);
+
 /// The values as a JSON array, for json_each.
 QString jsonNumbers(const QList<qint64>& values);
 

@@ -1,0 +1,172 @@
+#include "Store/Search/IndexedSearch.h"
+
+#include "Foundation/Literals.h"
+#include "Store/Core/LikePattern.h"
+#include "Store/Search/SearchIndexFile.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+constexpr int shortestPhrase = 3; ///< code points
+constexpr int mostNames = 400; ///< that are asked for; messages under more of them are found soon by reading on
+constexpr qsizetype firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
+
+/// The longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
+QString phraseOf(const QString& text)
+{
+    QString longest;
+    qsizetype length = 0;
+    for (const QString& run : QString(text).replace(u'_', u'%').split(u'%')) {
+        const qsizetype points = run.toUcs4().size();
+        if (points > length) {
+            longest = run;
+            length = points;
+        }
+    }
+    const bool fits = length >= shortestPhrase && !longest.contains(QChar(0));
+    return fits ? u'"' + longest.replace(u'"', u"\"\""_s) + u'"' : QString();
+}
+
+/// The indexed names that meet a LIKE pattern.
+QStringList names(SqlConnection& index, const QString& column, const QString& pattern)
+{
+    return index.rows(uR"(SELECT name FROM name WHERE "column"=? AND name LIKE ? ESCAPE '\' LIMIT ?;)"_s,
+        { column, pattern, mostNames + 1 }, [](const SqlRow& row) { return row.text(0); });
+}
+
+/// What documents must meet to be looked at, as an FTS5 expression.
+class Expression {
+public:
+    void all(const QString& part) { m_parts.append(part); }
+
+    void any(const QStringList& marks)
+    {
+        m_cannotBeMet = m_cannotBeMet || marks.isEmpty();
+        if (marks.size() <= mostNames)
+            m_parts.append(u'(' + marks.join(u" OR "_s) + u')');
+    }
+
+    bool cannotBeMet() const { return m_cannotBeMet; }
+    QString text() const { return m_parts.join(u" AND "_s); } ///< empty if it would be met by too many
+
+private:
+    QStringList m_parts;
+    bool m_cannotBeMet = false;
+};
+
+QStringList marks(const QString& column, const QStringList& names)
+{
+    QStringList marks;
+    for (const QString& name : names)
+        marks.append(u"%1 : \"%2\""_s.arg(column, indexMark(name)));
+    return marks;
+}
+
+Expression expressionOf(SqlConnection& database, SqlConnection& index, const SearchQuery& query)
+{
+    constexpr int most = mostNames + 1;
+    const auto conversation = u"conversation"_s;
+    const auto sender = u"sender"_s;
+    const auto media = u"media"_s;
+    Expression expression;
+    if (const QString phrase = phraseOf(query.text); !phrase.isEmpty())
+        expression.all(u"words : "_s + phrase);
+    for (const QString& name : query.from)
+        expression.any(marks(sender, names(index, sender, containing(name)))
+            + marks(conversation, conversationsWith(database, name, most)));
+    for (const QString& channel : query.channels)
+        expression.any(marks(conversation, conversationsOn(database, channel, most)));
+    for (const QString& place : query.places)
+        expression.any(marks(conversation, conversationsNamed(database, place, most)));
+    for (const MessageContent content : query.has) {
+        if (content == MessageContent::Link)
+            expression.all(uR"(words : ("http://" OR "https://"))"_s);
+        else
+            expression.any(marks(media, names(index, media, mediaPattern(content))));
+    }
+    return expression;
+}
+
+/// The times of at least the newest `limit` hits among the documents that meet the expression.
+QList<qint64> timesByIndex(
+    SqlConnection& database, SqlConnection& index, const SearchQuery& query, const QString& expression, int limit)
+{
+    QList<qint64> found;
+    QList<qint64> unchecked;
+    qsizetype chunk = firstChunk;
+    std::optional<qint64> last;
+    const auto check = [&] {
+        for (const MessageHit& hit : searchMessagesAt(database, query, std::exchange(unchecked, {}), limit))
+            found.append(hit.ts);
+        chunk *= 4;
+    };
+    index.visitRows("SELECT rowid FROM text WHERE text MATCH ? AND rowid >= ? AND rowid < ? ORDER BY rowid DESC;",
+        { expression, documentNumberAt(query.afterMs.value_or(0)),
+            documentNumberAt(query.beforeMs.value_or(lastNumberedTime + 1)) },
+        [&](const SqlRow& row) {
+            const qint64 ts = row.integer(0) >> documentSlotBits;
+            if (std::exchange(last, ts) == ts)
+                return true;
+            if (unchecked.size() >= chunk)
+                check();
+            unchecked.append(ts);
+            return found.size() < limit;
+        });
+    check();
+    return found;
+}
+
+/// Whether the index knows every message up to `newest`, a rowid of the database.
+bool isComplete(SqlConnection& database, SqlConnection& index, qint64 newest)
+{
+    return indexValue(index, u"complete"_s).value_or(0) != 0
+        && (newest == 0 || indexProbe(database, newest) == indexValue(index, u"probe"_s));
+}
+
+}
+
+std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
+    int limit, const MessageChanges::Rows& changed)
+{
+    if (!index.isOpen() || !database.isOpen())
+        return std::nullopt;
+    const auto run = [&index](const QString& sql) {
+        index.visitRows(sql, {}, [](const SqlRow&) { return false; });
+    };
+    run(u"BEGIN;"_s); // what the index says of itself and what it finds are of one moment
+    const qint64 newest = indexValue(index, u"rowid"_s).value_or(0);
+    const bool complete = isComplete(database, index, newest);
+    const Expression expression = complete ? expressionOf(database, index, query) : Expression();
+    const bool answers = complete && (expression.cannotBeMet() || !expression.text().isEmpty());
+    QList<qint64> times;
+    if (answers) {
+        times = timesOfMatches(database, query, { newest, changed.messages.values(), changed.transcripts.values() });
+        const QList<qint64> crowded
+            = index.rows("SELECT ts FROM crowded;", {}, [](const SqlRow& row) { return row.integer(0); });
+        for (const MessageHit& hit : searchMessagesAt(database, query, crowded, limit))
+            times.append(hit.ts);
+        if (!expression.cannotBeMet())
+            times += timesByIndex(database, index, query, expression.text(), limit);
+    }
+    run(u"COMMIT;"_s);
+    if (!answers || index.failure() != 0)
+        return std::nullopt;
+    std::ranges::sort(times, std::greater());
+    const auto rest = std::ranges::unique(times);
+    times.erase(rest.begin(), rest.end());
+    times.resize(std::min<qsizetype>(times.size(), std::max(limit, 0)));
+    return searchMessagesAt(database, query, times, limit);
+}
+
+std::optional<int> percentBuilt(SqlConnection& index)
+{
+    const auto total = indexValue(index, u"total"_s);
+    if (!total || indexValue(index, u"complete"_s).value_or(0) != 0)
+        return std::nullopt;
+    return int(std::min<qint64>(99, 100 * indexValue(index, u"indexed"_s).value_or(0) / std::max<qint64>(*total, 1)));
+}
+
+}
