@@ -17,7 +17,7 @@ QString resourceFolder();
 /// a few busy and many quiet ones, groups, archived, muted, unread. The file appears only once it is whole.
 void makeMirror(const QString& path, const MirrorSize& size = {});
 
-/// The full mirror under `folder`, made at the first call and again only when the schema has changed.
+/// The full mirror under `folder`, made at the first call and again only when the schema or this recipe has changed.
 QString sharedMirror(const QString& folder);
 
 }
