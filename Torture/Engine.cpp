@@ -138,9 +138,9 @@ qint64 EngineBooks::acknowledged() const
     return file.readAll().trimmed().split('\n').last().toLongLong();
 }
 
-QStringList EngineBooks::lines(const QString& name) const
+QStringList EngineBooks::lines(const QString& book) const
 {
-    QFile file(m_folder + u'/' + name);
+    QFile file(m_folder + u'/' + book);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
                                           : QStringList();
 }
@@ -155,19 +155,24 @@ qsizetype EngineBooks::lives() const
     return lines(u"lives"_s).size();
 }
 
+void EngineBooks::note(const QString& book, const QString& line)
+{
+    append(m_folder + u'/' + book, line.toUtf8() + '\n');
+}
+
 void EngineBooks::noteAcknowledged(qint64 number)
 {
-    append(m_folder + u"/acknowledged"_s, QByteArray::number(number) + '\n');
+    note(u"acknowledged"_s, QString::number(number));
 }
 
 void EngineBooks::noteSent(const QString& draftId)
 {
-    append(m_folder + u"/sent"_s, draftId.toUtf8() + '\n');
+    note(u"sent"_s, draftId);
 }
 
 void EngineBooks::noteLife()
 {
-    append(m_folder + u"/lives"_s, QByteArray::number(::getpid()) + '\n');
+    note(u"lives"_s, QString::number(::getpid()));
 }
 
 void giveOrders(QProcessEnvironment& environment, const QString& books, const EngineOrders& orders)
@@ -181,11 +186,6 @@ void giveOrders(QProcessEnvironment& environment, const QString& books, const En
 QString messageId(qint64 number)
 {
     return u"m%1"_s.arg(number);
-}
-
-bool isEngine()
-{
-    return qEnvironmentVariableIsSet(booksVariable);
 }
 
 int runEngine(const QString& script)

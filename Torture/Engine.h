@@ -19,13 +19,14 @@ public:
     QStringList sent() const; ///< a draft's id each time that it was sent
     qsizetype lives() const; ///< how often the engine was started
 
+    QStringList lines(const QString& book) const;
+
+    void note(const QString& book, const QString& line);
     void noteAcknowledged(qint64 number);
     void noteSent(const QString& draftId);
     void noteLife();
 
 private:
-    QStringList lines(const QString& name) const;
-
     QString m_folder;
 };
 
@@ -41,8 +42,7 @@ void giveOrders(QProcessEnvironment& environment, const QString& books, const En
 /// The id of a message that the engine tells.
 QString messageId(qint64 number);
 
-/// Whether this process was started as Corvane's "Node".
-bool isEngine();
+/// As Corvane's "Node" does.
 int runEngine(const QString& script);
 
 }

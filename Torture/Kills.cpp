@@ -1,10 +1,11 @@
-// The program is killed in the middle of its work, again and again, on one profile.
+// The program is killed in the middle of its work, again and again, on one profile. See also DraftKills.cpp.
 
 #include "Ordeal.h"
 #include "Profile.h"
 
+#include "Care/Backup/Backup.h"
 #include "Foundation/Literals.h"
-#include "Store/Approvals/DraftApprovals.h"
+#include "Store/Approvals/ApprovalRecords.h"
 #include "Store/Core/Snapshot.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Search/IndexedSearch.h"
@@ -13,21 +14,10 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QSet>
 
 namespace corvane::torture {
 
 namespace {
-
-constexpr int longestDelayMs = 20;
-
-void checkFile(LocalDB& db, Tally& tally)
-{
-    if (const QString trouble = integrityTrouble(db); !trouble.isEmpty())
-        tally.faults.append(u"the database is damaged: "_s + trouble);
-    if (const RecordCheck record = checkRecords(db); !record.sound)
-        tally.faults.append(record.words);
-}
 
 /// Of messages: what was acknowledged is there, once.
 void checkMessages(Profile& profile, LocalDB& db, Tally& tally)
@@ -74,80 +64,8 @@ public:
     }
 
 private:
-    static constexpr int messages = 500; // in each life
+    static constexpr int messages = 200; // in each life
     Profile m_profile;
-};
-
-class DeliveryKills final : public Ordeal {
-public:
-    explicit DeliveryKills(const QString& program)
-        : m_profile(program)
-    {
-        const auto db = m_profile.open();
-        m_conversation = ensureConversation(*db, u"WHATSAPP"_s, account, u"chat@torture"_s, u"Chat"_s, 1);
-    }
-
-    void round(Tally& tally, Random& random) override
-    {
-        approveSome(*m_profile.open(), tally);
-        const qsizetype wanted = m_profile.books().sent().size() + 1 + upTo(drafts - 1, random);
-        m_profile.start({});
-        if (!waitFor([&] { return m_profile.books().sent().size() >= wanted; }))
-            tally.faults.append(u"the approved messages do not go out"_s);
-        pause(upTo(longestDelayMs, random));
-        m_profile.kill();
-        ++tally.runs;
-        const auto db = m_profile.open();
-        check(*db, tally);
-        checkFile(*db, tally);
-    }
-
-    void finish(Tally& tally) override
-    {
-        approveSome(*m_profile.open(), tally);
-        const qsizetype wanted = m_profile.books().sent().size() + drafts;
-        m_profile.start({});
-        const bool done = waitFor(
-            [&] { return m_profile.books().sent().size() >= wanted && fetchApprovedIds(*m_profile.open()).isEmpty(); });
-        if (!done || !m_profile.stop())
-            tally.faults.append(u"it does not go on"_s);
-        check(*m_profile.open(), tally);
-    }
-
-private:
-    void approveSome(LocalDB& db, Tally& tally)
-    {
-        for (int i = 0; i < drafts; ++i)
-            queueDraft(db, m_conversation, u"Draft %1"_s.arg(++m_written), u"torture"_s);
-        for (const PendingDraft& draft : fetchDrafts(db, { DraftStatus::Pending }, drafts)) {
-            if (approveDraft(db, draft.id, draftHash(draft)) == Decided::Taken)
-                ++tally.acknowledged;
-        }
-    }
-
-    void check(LocalDB& db, Tally& tally)
-    {
-        const QStringList sent = m_profile.books().sent();
-        const QSet<QString> different(sent.begin(), sent.end());
-        tally.twice = sent.size() - different.size();
-        tally.lost = 0;
-        for (const PendingDraft& draft : fetchDrafts(db,
-                 { DraftStatus::Pending, DraftStatus::Approved, DraftStatus::Sending, DraftStatus::Sent,
-                     DraftStatus::Failed, DraftStatus::Other },
-                 m_written)) {
-            const bool wentOut = different.contains(draft.id);
-            const DraftStatus state = draft.state();
-            if (state == DraftStatus::Sent && !wentOut)
-                ++tally.lost;
-            if (wentOut && state != DraftStatus::Sent && state != DraftStatus::Sending && !mayHaveGoneOut(draft))
-                tally.faults.append(u"%1 went out and counts as %2"_s.arg(draft.id, draft.status));
-        }
-    }
-
-    static constexpr int drafts = 20; // for each life
-    Profile m_profile;
-    QString m_conversation;
-    int m_written = 0;
 };
 
 /// A mirror with many messages, at once.
@@ -218,7 +136,7 @@ private:
     {
         const auto db = reader(m_profile.paths().database());
         const auto index = reader(m_index);
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 3; ++i) {
             const QString words = i == 0 ? u"kiln"_s : u"message %1"_s.arg(upTo(messages, random));
             const auto found = searchByIndex(*db, *index, words, 60, {});
             if (!found)
@@ -231,7 +149,7 @@ private:
             tally.faults.append(u"the database is damaged: "_s + trouble);
     }
 
-    static constexpr int messages = 20'000;
+    static constexpr int messages = 5000; // taken in by several steps
     Profile m_profile;
     const QString m_index;
     const std::shared_ptr<std::atomic<bool>> m_never = std::make_shared<std::atomic<bool>>(false);
@@ -254,10 +172,8 @@ public:
             backUp(tally);
         }
         const auto backup = m_profile.command({ u"backup"_s, m_file });
-        backup->waitForStarted();
         pause(upTo(m_tookMs, random));
         backup->kill();
-        backup->waitForFinished();
         ++tally.runs;
         verify(tally);
         if (!m_profile.isRunning())
@@ -289,7 +205,7 @@ private:
     void verify(Tally& tally)
     {
         ++tally.acknowledged;
-        if (m_profile.run({ u"backup"_s, u"--verify"_s, m_file }) != 0)
+        if (!verifyBackup(m_file, {}, std::make_shared<BackupProgress>()))
             ++tally.lost;
     }
 
@@ -300,14 +216,17 @@ private:
 
 }
 
+void checkFile(LocalDB& db, Tally& tally)
+{
+    if (const QString trouble = integrityTrouble(db); !trouble.isEmpty())
+        tally.faults.append(u"the database is damaged: "_s + trouble);
+    if (const RecordCheck record = checkRecords(db); !record.sound)
+        tally.faults.append(record.words);
+}
+
 std::unique_ptr<Ordeal> ingestKills(const QString& program)
 {
     return std::make_unique<IngestKills>(program);
-}
-
-std::unique_ptr<Ordeal> deliveryKills(const QString& program)
-{
-    return std::make_unique<DeliveryKills>(program);
 }
 
 std::unique_ptr<Ordeal> searchKills(const QString& program)

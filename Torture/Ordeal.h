@@ -6,6 +6,10 @@
 #include <random>
 #include <vector>
 
+namespace corvane {
+class LocalDB;
+}
+
 namespace corvane::torture {
 
 /// What the rounds of an ordeal found.
@@ -46,8 +50,14 @@ struct OrdealKind {
     std::unique_ptr<Ordeal> (*make)(const QString& program);
 };
 
+constexpr int longestDelayMs = 20; ///< from what is waited for to the kill
+
+/// That the database is whole, and so is its record of decisions.
+void checkFile(LocalDB& db, Tally& tally);
+
 std::unique_ptr<Ordeal> ingestKills(const QString& program);
 std::unique_ptr<Ordeal> deliveryKills(const QString& program);
+std::unique_ptr<Ordeal> undoKills(const QString& program);
 std::unique_ptr<Ordeal> searchKills(const QString& program);
 std::unique_ptr<Ordeal> backupKills(const QString& program);
 std::unique_ptr<Ordeal> smallDisk(const QString& program);
@@ -56,8 +66,8 @@ std::unique_ptr<Ordeal> fullDiskAtEachWrite(const QString& program);
 std::unique_ptr<Ordeal> powerCuts(const QString& program);
 std::unique_ptr<Ordeal> powerCutsAtFirstStart(const QString& program);
 
-/// The program with ten messages a second, with memory and descriptors at each tenth of the time. False if it ends, or
-/// grows by more than a megabyte an hour in the second half. Its caches take about an hour to fill.
+/// The program with ten messages a second, with memory and descriptors at each minute. False if it ends, or grows by
+/// more than a megabyte an hour in the second half. Its caches take about an hour to fill.
 bool soak(const QString& program, int minutes);
 
 }

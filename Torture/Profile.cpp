@@ -1,14 +1,15 @@
 #include "Profile.h"
 
+#include "Hosted.h"
+
 #include "Foundation/Literals.h"
 #include "Support/Places.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QProcessEnvironment>
 #include <QThread>
-#include <csignal>
-#include <sys/prctl.h>
 
 namespace corvane::torture {
 
@@ -34,11 +35,6 @@ void write(const QString& path, const QByteArray& content)
         qFatal("%s cannot be written", qPrintable(path));
 }
 
-void endWithParent()
-{
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-}
-
 }
 
 Profile::Profile(const QString& program)
@@ -54,7 +50,6 @@ Profile::Profile(const QString& program)
     write(m_paths.applicationSupport + u"/accounts.json"_s, accountsFile.toUtf8());
     write(m_paths.resources + u"/engine/src/main.ts"_s, "// The engine is played.\n");
     QFile::link(QStringLiteral(CORVANE_SOURCE "/local-schema"), m_paths.resources + u"/local-schema"_s);
-    m_program.setChildProcessModifier(endWithParent);
 }
 
 Profile::~Profile()
@@ -70,62 +65,44 @@ QProcessEnvironment Profile::environment() const
     const QMap<QString, QString> own { { u"HOME"_s, m_paths.home }, { u"XDG_DATA_HOME"_s, file(u"share"_s) },
         { u"XDG_CONFIG_HOME"_s, file(u"config"_s) }, { u"XDG_RUNTIME_DIR"_s, file(u"run"_s) },
         { u"PULSE_SERVER"_s, u"unix:/nowhere"_s }, { u"CORVANE_SECRETS"_s, u"file"_s },
-        { u"CORVANE_RESOURCES"_s, m_paths.resources }, { u"CORVANE_NODE"_s, QCoreApplication::applicationFilePath() },
+        { u"CORVANE_RESOURCES"_s, m_paths.resources },
+        { u"CORVANE_NODE"_s, QCoreApplication::applicationDirPath() + u"/torture-engine"_s },
         { u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s } };
     for (auto each = own.begin(); each != own.end(); ++each)
         result.insert(each.key(), each.value());
     return result;
 }
 
-void Profile::start(const EngineOrders& orders)
+void Profile::start(const EngineOrders& orders, Deciding deciding)
 {
     QProcessEnvironment with = environment();
     giveOrders(with, file(u"books"_s), orders);
-    m_program.setProcessEnvironment(with);
-    m_program.setStandardOutputFile(QProcess::nullDevice());
-    m_program.setStandardErrorFile(file(u"log"_s));
+    if (deciding == Deciding::Person)
+        decideOnDrafts(with, file(u"books"_s));
     m_earlierLives = m_books.lives();
-    m_program.start(m_binary, { u"--headless"_s });
-    if (!m_program.waitForStarted())
-        qFatal("%s does not start", qPrintable(m_binary));
-}
-
-bool Profile::isRunning()
-{
-    m_program.waitForFinished(0); // without an event loop, this is what notices the end
-    return m_program.state() == QProcess::Running;
-}
-
-void Profile::kill()
-{
-    m_program.kill();
-    m_program.waitForFinished(endMs);
+    m_program.start({ m_binary, { u"--headless"_s }, with.toStringList(), file(u"log"_s) });
 }
 
 bool Profile::stop()
 {
     const bool began = waitFor([this] { return m_books.lives() > m_earlierLives; });
     m_program.terminate();
-    const bool ended = began && m_program.waitForFinished(endMs);
+    const bool ended = began && m_program.waitForEnd(endMs);
     kill();
-    return ended && m_program.exitStatus() == QProcess::NormalExit && m_program.exitCode() == 0;
+    return ended && m_program.exitCode() == 0;
 }
 
-std::unique_ptr<QProcess> Profile::command(const QStringList& arguments)
+std::unique_ptr<Child> Profile::command(const QStringList& arguments)
 {
-    auto process = std::make_unique<QProcess>();
-    process->setChildProcessModifier(endWithParent);
-    process->setProcessEnvironment(environment());
-    process->setStandardOutputFile(QProcess::nullDevice());
-    process->setStandardErrorFile(file(u"command.log"_s));
-    process->start(m_binary, arguments);
-    return process;
+    auto child = std::make_unique<Child>();
+    child->start({ m_binary, arguments, environment().toStringList(), file(u"command.log"_s) });
+    return child;
 }
 
 int Profile::run(const QStringList& arguments)
 {
-    const auto process = command(arguments);
-    return process->waitForFinished(10 * endMs) ? process->exitCode() : -1;
+    const auto child = command(arguments);
+    return child->waitForEnd(10 * endMs) ? child->exitCode() : -1;
 }
 
 std::unique_ptr<LocalDB> Profile::open()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Child.h"
 #include "Engine.h"
 
 #include "Foundation/NotificationCentre.h"
@@ -8,15 +9,17 @@
 #include "Platform/AppPaths.h"
 #include "Store/Core/LocalDB.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
+
+class QProcessEnvironment;
 
 namespace corvane::torture {
 
 /// A profile of its own with one account, whose engine is played, and the real program on it.
 class Profile {
 public:
-    /// In memory if the machine has room there: a kill takes nothing from the kernel. `program` is Corvane.
+    /// In memory if the machine has room there: a kill takes nothing from the kernel. `program` is Corvane; empty for
+    /// the one that this process hosts.
     explicit Profile(const QString& program);
     ~Profile();
 
@@ -24,14 +27,15 @@ public:
     QString file(const QString& name) const { return m_folder.filePath(name); }
     const EngineBooks& books() const { return m_books; }
 
-    void start(const EngineOrders& orders); ///< `corvane --headless`
-    bool isRunning();
+    enum class Deciding { Nobody, Person }; ///< on drafts; a person needs a hosted program
+    void start(const EngineOrders& orders, Deciding deciding = Deciding::Nobody); ///< `corvane --headless`
+    bool isRunning() const { return m_program.isRunning(); }
     qint64 processId() const { return m_program.processId(); }
-    void kill(); ///< with SIGKILL
+    void kill() { m_program.kill(); }
     bool stop(); ///< as a person would, once it has started its engine; false if it had to be killed
 
     /// A command of the program beside it, as it is started.
-    std::unique_ptr<QProcess> command(const QStringList& arguments);
+    std::unique_ptr<Child> command(const QStringList& arguments);
     int run(const QStringList& arguments); ///< to its end; the exit code
 
     /// The database, as another program has it.
@@ -54,7 +58,7 @@ private:
     SystemScheduler m_scheduler;
     UserDefaults m_defaults;
     NotificationCentre m_centre;
-    QProcess m_program;
+    Child m_program;
     qsizetype m_earlierLives = 0; ///< of the engine
 };
 

@@ -12,8 +12,6 @@ namespace corvane::torture {
 namespace {
 
 constexpr int messagesPerSecond = 10;
-constexpr int samples = 10;
-constexpr int settledAfter = 5; // samples: SQLite's caches have filled by then, in a run of some hours
 
 qint64 memoryKiB(qint64 process)
 {
@@ -38,6 +36,7 @@ bool soak(const QString& program, int minutes)
 {
     constexpr int msPerMinute = 60'000;
     constexpr double mostKiBPerHour = 1024;
+    const int half = minutes / 2; // SQLite's caches have filled by then, in a run of some hours
     Profile profile(program);
     QTextStream out(stdout);
     out << u"%1 %2 %3 %4\n"_s.arg(u"minute"_s, 8)
@@ -47,22 +46,22 @@ bool soak(const QString& program, int minutes)
     profile.start({ minutes * msPerMinute / 1000 * messagesPerSecond, 1000 / messagesPerSecond });
     qint64 settled = 0;
     qint64 memory = 0;
-    for (int sample = 1; sample <= samples; ++sample) {
-        pause(minutes * msPerMinute / samples);
+    for (int minute = 1; minute <= minutes; ++minute) {
+        pause(msPerMinute);
         if (!profile.isRunning()) {
             out << "The program ended.\n";
             return false;
         }
         memory = memoryKiB(profile.processId());
-        if (sample == settledAfter)
+        if (minute == half)
             settled = memory;
-        out << u"%1 %2 %3 %4\n"_s.arg(double(minutes) * sample / samples, 8, 'f', 1)
+        out << u"%1 %2 %3 %4\n"_s.arg(minute, 8)
                    .arg(profile.books().acknowledged(), 10)
                    .arg(memory, 12)
                    .arg(descriptors(profile.processId()), 12)
             << Qt::flush;
     }
-    const double hours = minutes / 60.0 * (samples - settledAfter) / samples;
+    const double hours = (minutes - half) / 60.0;
     const double growth = double(memory - settled) / hours;
     out << u"In its second half it grew by %1 KiB an hour.\n"_s.arg(growth, 0, 'f', 0);
     return profile.stop() && growth <= mostKiBPerHour;

@@ -1,7 +1,8 @@
 // Does to the program what machines do to programs, for a stated time, and prints what came of it. tools/torture
 // builds and starts it.
 
-#include "Engine.h"
+#include "Child.h"
+#include "Hosted.h"
 #include "Ordeal.h"
 
 #include "Foundation/Literals.h"
@@ -26,13 +27,14 @@ namespace {
 const std::vector<OrdealKind> kinds {
     { "ingest", "kill -9 while messages are stored", 1, ingestKills },
     { "delivery", "kill -9 while drafts are sent", 1, deliveryKills },
+    { "undo", "kill -9 while verdicts can be undone", 1, undoKills },
     { "search", "kill -9 while the search index is built", 1, searchKills },
     { "backup", "kill -9 of a backup beside the program", 1, backupKills },
-    { "disk", "a disk that is full for a while", 25, smallDisk },
-    { "lock", "another program holds the database", 25, heldDatabase },
-    { "full", "the disk is full at a write", 1, fullDiskAtEachWrite },
-    { "power", "power cut at a write", 1, powerCuts },
-    { "first", "power cut at a write of the first start", 1, powerCutsAtFirstStart },
+    { "disk", "a disk that is full for a while", 30, smallDisk },
+    { "lock", "another program holds the database", 30, heldDatabase },
+    { "full", "the disk is full at a write", 10, fullDiskAtEachWrite },
+    { "power", "power cut at a write", 10, powerCuts },
+    { "first", "power cut at a write of the first start", 10, powerCutsAtFirstStart },
 };
 
 struct Running {
@@ -121,12 +123,11 @@ int run(const QString& program, const QStringList& only, int rounds, int minutes
 
 int main(int argc, char** argv)
 {
-    if (isEngine())
-        return runEngine(QString::fromLocal8Bit(argv[argc - 1]));
     if (!leaveTheMachineAlone()) {
         qCritical("This needs namespaces of its own, and the system allows none.");
         return 2;
     }
+    openNursery(runHosted);
     const QCoreApplication application(argc, argv);
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
         if (type != QtInfoMsg) // the store tells of each fault that it meets, as it should
@@ -134,7 +135,8 @@ int main(int argc, char** argv)
     });
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption program(u"program"_s, u"Corvane."_s, u"PATH"_s);
+    const QCommandLineOption program(
+        u"program"_s, u"Corvane; else the same without a window, hosted here, which starts sooner."_s, u"PATH"_s);
     const QCommandLineOption minutes(u"minutes"_s, u"How long."_s, u"N"_s);
     const QCommandLineOption rounds(u"rounds"_s, u"How many rounds instead."_s, u"N"_s, u"1"_s);
     const QCommandLineOption only(u"only"_s, u"Some of them: ingest, disk and so on."_s, u"NAME,NAME"_s);
@@ -142,8 +144,6 @@ int main(int argc, char** argv)
     const QCommandLineOption soaks(u"soak"_s, u"Ten messages a second instead, for so many minutes."_s, u"N"_s);
     parser.addOptions({ program, minutes, rounds, only, seed, soaks });
     parser.process(application);
-    if (!parser.isSet(program))
-        parser.showHelp(2);
     if (parser.isSet(soaks))
         return soak(parser.value(program), parser.value(soaks).toInt()) ? 0 : 1;
     return run(parser.value(program), parser.value(only).split(u',', Qt::SkipEmptyParts), parser.value(rounds).toInt(),
