@@ -8,6 +8,8 @@
 
 #include <QTcpServer>
 #include <algorithm>
+#include <csignal>
+#include <sys/resource.h>
 
 using namespace corvane;
 
@@ -77,6 +79,21 @@ TEST_F(Doctor, aDeletedLogAndADamagedDatabaseAreFailures)
     file.close();
     EXPECT_EQ(state(u"database"_s), u"failure"_s);
     EXPECT_EQ(worst(runChecks(profile())), Health::Failure);
+}
+
+TEST_F(Doctor, aDiskThatTakesNoWritesDamagesNothing)
+{
+    m_db.reset();
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none { 0, before.rlim_max };
+    setrlimit(RLIMIT_FSIZE, &none);
+    const QList<Finding> findings = runChecks(profile());
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(std::ranges::find(findings, u"database"_s, &Finding::id)->words.startsWith(u"It cannot be opened: "_s));
+    EXPECT_EQ(state(u"database"_s), u"good"_s);
 }
 
 TEST_F(Doctor, aMailServerThatDoesNotAnswerIsNamed)

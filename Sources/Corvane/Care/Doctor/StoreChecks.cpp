@@ -8,10 +8,10 @@
 #include "Store/Core/DamagedFile.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/Snapshot.h"
+#include "Store/Core/StoreHealth.h"
 #include "Store/Core/Upkeep.h"
 
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 namespace corvane {
 
@@ -57,10 +57,8 @@ struct OwnDatabase {
 /// Tables, and columns as "table.column", that this program uses and the file lacks.
 QStringList missingIn(SqlConnection& db, const CheckedProfile& profile)
 {
-    const QTemporaryDir folder;
-    const OwnDatabase model(folder.filePath(u"model.db"_s), profile);
-    const auto wanted
-        = tableColumns(*SqlConnection::reader(model.db.path(), std::make_shared<std::atomic<bool>>(false)));
+    OwnDatabase model(u":memory:"_s, profile); // there may be no room on any disk
+    const auto wanted = tableColumns(model.db);
     const auto present = tableColumns(db);
     QStringList missing;
     for (auto each = wanted.begin(); each != wanted.end(); ++each) {
@@ -74,6 +72,11 @@ QStringList missingIn(SqlConnection& db, const CheckedProfile& profile)
         }
     }
     return missing;
+}
+
+bool isCorrupt(StoreFault fault)
+{
+    return fault == StoreFault::Damaged || fault == StoreFault::NotADatabase;
 }
 
 qint64 logBytes(const CheckedProfile& profile)
@@ -95,11 +98,19 @@ CheckResult checks::database(const CheckedProfile& profile)
     const QString trouble = db->isOpen() ? integrityTrouble(*db) : u"It cannot be opened."_s;
     if (trouble.isEmpty())
         return good(u"It is intact."_s);
-    const bool isReadable = QFileInfo(path).isReadable();
-    return { Health::Failure, isReadable ? u"It is damaged: %1"_s.arg(trouble) : u"It cannot be read: %1"_s.arg(path),
-        isReadable ? u"Quit Corvane, then corvane restore --replace with the latest backup, or start it and save what "
-                     "can be read."_s
-                   : u"You need permission to read and write it: corvane doctor --fix sets it."_s };
+    if (!QFileInfo(path).isReadable())
+        return { Health::Failure, u"It cannot be read: %1"_s.arg(path),
+            u"You need permission to read and write it: corvane doctor --fix sets it."_s };
+    const StoreFault fault = storeFault(db->failure());
+    if (fault == StoreFault::None && mayPass(db->failure()))
+        return { Health::Warning, u"Not checked, because another program holds it."_s, u"Check again later."_s };
+    if (fault != StoreFault::None && !isCorrupt(fault))
+        return { Health::Failure, u"It cannot be opened: its log cannot be used, which even reading needs."_s,
+            u"Follow what is said of the disk, the folders and the database log, then check again."_s };
+    return {
+        Health::Failure, u"It is damaged: %1"_s.arg(trouble),
+        u"Quit Corvane, then corvane restore --replace with the latest backup, or start it and save what can be read."_s
+    };
 }
 
 CheckResult checks::schema(const CheckedProfile& profile)
