@@ -305,12 +305,18 @@ TEST(ChromiumLaunch, argumentsAndAddressesAreAsTheBrowserWantsThem)
     EXPECT_EQ(chromiumArguments(options, u"/p"_s),
         (QStringList { u"--remote-debugging-port=9335"_s, u"--user-data-dir=/p"_s, u"--no-first-run"_s,
             u"--no-default-browser-check"_s, u"--window-size=1280,800"_s, u"--window-position=-32000,-32000"_s,
-            u"--password-store=basic"_s, u"--headless=new"_s, u"about:blank"_s }));
+            u"--password-store=basic"_s, u"--headless=new"_s, u"--allow-pre-commit-input"_s, u"about:blank"_s }));
     options.hasWindow = true;
     EXPECT_FALSE(chromiumArguments(options, u"/p"_s).contains(u"--headless=new"_s));
     EXPECT_EQ(normalizedURL(u" shop.example/a \n"_s, u"https://home"_s), u"https://shop.example/a"_s);
     EXPECT_EQ(normalizedURL(u" "_s, u"https://home"_s), u"https://home"_s);
     EXPECT_EQ(normalizedURL(u"http://x"_s, {}), u"http://x"_s);
+    for (const QString& local : { u"localhost/a"_s, u"localhost:3000"_s, u"shop.localhost"_s, u"127.0.0.1:80"_s,
+             u"[::1]:3000/a"_s, u"192.168.1.4"_s, u"172.31.0.1:5173"_s, u"nas:5000"_s })
+        EXPECT_EQ(normalizedURL(local, {}), u"http://"_s + local);
+    for (const QString& other :
+        { u"8.8.8.8"_s, u"172.32.0.1"_s, u"nas"_s, u"localhost.example"_s, u"shop.example:80"_s })
+        EXPECT_EQ(normalizedURL(other, {}), u"https://"_s + other);
     EXPECT_EQ(browserScanCommand(u"it's"_s, u"http://x/?a=\"b\""_s),
         u"printf %s "_s + posixQuoted(uR"({"project":"it's","url":"http://x/?a=\"b\""})"_s)
             + u" | corvane tool dev_browser_scan"_s);

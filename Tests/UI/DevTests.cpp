@@ -83,6 +83,7 @@ TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
     click(u"project.submit"_s);
     click(u"dev.tab:browser"_s);
     EXPECT_NE(item(u"browser.empty"_s), nullptr);
+    EXPECT_TRUE(focusWithin(u"browser.address"_s));
     auto* const page = new PlayedConnection;
     screens.browser.browser()->adopt(page);
     page->showFrame(PlayedConnection::jpeg({ 1280, 800 }), 1);

@@ -3,9 +3,32 @@
 #include "Platform/LoginUsers.h"
 
 #include <QFileInfo>
+#include <QHostAddress>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace corvane {
+
+namespace {
+
+/// Of this machine or its own network, where certificates are rare: a loopback or private address, or a bare name with
+/// a port.
+bool isLocal(const QString& address)
+{
+    const QUrl url(u"http://"_s + address);
+    const QString host = url.host();
+    const QHostAddress ip(host);
+    if (ip.isNull())
+        return host == "localhost"_L1 || host.endsWith(".localhost"_L1)
+            || (!host.isEmpty() && !host.contains(u'.') && url.port() > 0);
+    const auto isIn = [&ip](const char* network) {
+        return ip.isInSubnet(QHostAddress::parseSubnet(QString::fromLatin1(network)));
+    };
+    return ip.isLoopback() || ip.isLinkLocal() || ip.isUniqueLocalUnicast() || ip == QHostAddress(QHostAddress::AnyIPv4)
+        || isIn("10.0.0.0/8") || isIn("172.16.0.0/12") || isIn("192.168.0.0/16");
+}
+
+}
 
 BrowserOptions browserOptions()
 {
@@ -42,6 +65,7 @@ QStringList chromiumArguments(const BrowserOptions& options, const QString& prof
         u"--password-store=basic"_s }; // else a locked keyring asks for its password, and every page waits for that
     if (!options.hasWindow)
         arguments.append(u"--headless=new"_s);
+    arguments.append(u"--allow-pre-commit-input"_s); // else what is typed into a page before its first frame is lost
     if (!options.hasSandbox)
         arguments.append(u"--no-sandbox"_s);
     arguments.append(u"about:blank"_s);
@@ -53,7 +77,9 @@ QString normalizedURL(const QString& text, const QString& homeURL)
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty())
         return homeURL;
-    return trimmed.contains("://"_L1) || trimmed == "about:blank"_L1 ? trimmed : u"https://"_s + trimmed;
+    if (trimmed.contains("://"_L1) || trimmed == "about:blank"_L1)
+        return trimmed;
+    return (isLocal(trimmed) ? u"http://"_s : u"https://"_s) + trimmed;
 }
 
 namespace browserWords {

@@ -43,7 +43,8 @@ QString chromiumPath();
 
 QStringList chromiumArguments(const BrowserOptions& options, const QString& profile);
 
-/// "https://" in front of what names no scheme; `homeURL` for nothing.
+/// "https://" in front of what names no scheme, or "http://" for this machine and private networks; `homeURL` for
+/// nothing.
 QString normalizedURL(const QString& text, const QString& homeURL);
 
 namespace browserWords {

@@ -215,7 +215,7 @@ FocusScope {
         visible: text !== ""
     }
     Component { id: assistant; AssistantView { assistant: view.workspace.assistant } }
-    Component { id: browser; BrowserPane { screen: view.workspace.browser } }
+    Component { id: browser; BrowserPane { focus: true; screen: view.workspace.browser } }
     Component { id: srs; SrsView { srs: view.workspace.srs } }
     Component { id: tasks; TasksView { workspace: view.workspace } }
     Component { id: team; TeamView { workspace: view.workspace } }
