@@ -30,6 +30,17 @@ protected:
         page->say(u"Runtime.bindingCalled"_s,
             { { u"name"_s, u"corvaneStep"_s }, { u"payload"_s, QString::fromUtf8(QJsonDocument(report).toJson()) } });
     }
+    /// To the last call of that method.
+    void answer(const QString& method, const QJsonObject& result)
+    {
+        const qsizetype call = page->methods().lastIndexOf(method);
+        page->receive(
+            QJsonDocument(QJsonObject { { u"id"_s, page->sent.at(call)["id"_L1] }, { u"result"_s, result } }).toJson());
+    }
+    void answerScript(const QJsonValue& value)
+    {
+        answer(u"Runtime.evaluate"_s, { { u"result"_s, QJsonObject { { u"value"_s, value } } } });
+    }
     bool submit()
     {
         view->sheet()->submit();
@@ -109,6 +120,27 @@ TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
     browser.clickBrowser({ -10, 0 }, { 600, 400 });
     EXPECT_EQ(page->sent.last()["params"_L1]["x"_L1].toDouble(), 0);
     EXPECT_EQ(page->sent.last()["params"_L1]["y"_L1].toDouble(), 0);
+}
+
+TEST_F(PlayedBrowser, playedStepsWaitForThePageThatAClickLeadsToAndStopAtOnce)
+{
+    using Step = BrowserStep;
+    Q_EMIT view->history()->playRequested(
+        { { Step::Kind::Click, u"#next"_s, u"Next"_s }, { Step::Kind::Type, u"#q"_s, u"Search"_s, u"boots"_s } });
+    answerScript(QJsonArray { 10, 20 });
+    page->say(u"Page.frameStartedLoading"_s, {});
+    answer(u"Input.dispatchMouseEvent"_s, {});
+    answerScript({});
+    m_clock.advance(seconds(2));
+    EXPECT_TRUE(view->notice().startsWith("Step 1 of 2"_L1)) << qPrintable(view->notice());
+    page->say(u"Page.frameNavigated"_s, { { u"frame"_s, QJsonObject { { u"url"_s, u"http://x/next"_s } } } });
+    m_clock.advance(seconds(1));
+    EXPECT_TRUE(page->sent.last()["params"_L1]["expression"_L1].toString().endsWith("(...[\"#q\"])"_L1));
+    EXPECT_EQ(view->noticeAction(), u"Stop"_s);
+    view->actOnNotice();
+    answerScript(true);
+    EXPECT_FALSE(page->methods().contains(u"Input.insertText"_s));
+    EXPECT_EQ(view->notice() + view->noticeAction(), QString());
 }
 
 TEST_F(PlayedBrowser, noneOfTenThousandSecretsIsInAnyFileOrRow)

@@ -53,13 +53,15 @@ protected:
     {
         view.setAddress(web.base() + path);
         view.open();
-        return awaitLive([&] { return view.browser()->page().hasLoaded() && view.browser()->hasFrame(); });
+        // The first frames may be of the page before, in the size of the browser's window.
+        return awaitLive(
+            [&] { return view.browser()->page().hasLoaded() && view.browser()->viewportSize() == QSizeF(1280, 800); });
     }
-    /// The pages of these tests tell by their titles what they noticed.
-    bool awaitTitle(BrowserView& view, const QString& part)
+    /// Until the value of the expression contains `part`.
+    bool awaitPage(BrowserView& view, const QString& expression, const QString& part)
     {
         struct Look {
-            QString title;
+            QString value;
             bool isAsked = false;
         };
         const auto look = std::make_shared<Look>();
@@ -67,14 +69,16 @@ protected:
             if (DevToolsConnection* const connection = view.browser()->connection();
                 connection && !std::exchange(look->isAsked, true))
                 connection->call(u"Runtime.evaluate"_s,
-                    { { u"expression"_s, u"document.title"_s }, { u"returnByValue"_s, true } },
+                    { { u"expression"_s, expression }, { u"returnByValue"_s, true } },
                     [look](const Result<QJsonObject>& result) {
                         look->isAsked = false;
-                        look->title = result ? result->value("result"_L1)["value"_L1].toString() : QString();
+                        look->value = result ? result->value("result"_L1)["value"_L1].toString() : QString();
                     });
-            return look->title.contains(part);
+            return look->value.contains(part);
         });
     }
+    /// The pages of these tests tell by their titles what they noticed.
+    bool awaitTitle(BrowserView& view, const QString& part) { return awaitPage(view, u"document.title"_s, part); }
     void type(BrowserView& view, const QString& text)
     {
         for (const QChar letter : text) {
@@ -105,6 +109,8 @@ TEST_F(Chromium, aPageThatFailsInThreeWaysIsFiledWithItsProofAndPlayedAgain)
         QFile::Permissions());
     EXPECT_TRUE(awaitLive([&] { return cell(u"SELECT status FROM dev_browser_session;"_s) == u"live"_s; }));
 
+    // The browser gives the focus with the first frame, behind the load event.
+    ASSERT_TRUE(awaitPage(*view, u"document.activeElement.name"_s, u"q"_s));
     type(*view, u"boots"_s);
     press(*view, Qt::Key_Tab);
     type(*view, u"hunter7"_s);
@@ -155,6 +161,8 @@ TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
     const QSizeF size = browser.viewportSize();
     using Kind = BrowserPointer::Kind;
     browser.clickBrowser({ 50, 50 }, size);
+    // Keys go to the page on a shorter way than the pointer.
+    ASSERT_TRUE(awaitPage(*view, u"document.activeElement.tagName"_s, u"TEXTAREA"_s));
     type(*view, u"ab"_s);
     press(*view, Qt::Key_Return);
     browser.compose(u"に"_s, 1);

@@ -1,8 +1,6 @@
 #include "Browser/BrowserPage.h"
 
 #include "Foundation/Json.h"
-#include "Foundation/Literals.h"
-#include "Foundation/Scheduler.h"
 #include "Presentation/CountWords.h"
 
 #include <QJsonArray>
@@ -15,6 +13,8 @@ namespace {
 
 constexpr QSize usualSize(1280, 800);
 const QString blankPage = u"about:blank"_s;
+constexpr Milliseconds historyPause(100);
+constexpr int mostHistoryLooks = 20;
 constexpr int everyFrame = 1; // if some were left out, a page at rest could stay without its last one
 
 QString script(const QString& function, const QJsonArray& arguments)
@@ -38,9 +38,11 @@ void BrowserPage::attach(DevToolsConnection* connection)
     m_connection = connection;
     connect(connection, &DevToolsConnection::told, this, &BrowserPage::take);
     m_isLoading = false;
+    m_isLeaving = false;
     m_isReported = false;
     m_mainFrame.clear();
     m_history.clear();
+    m_step = 0;
     for (const QString& domain : { u"Page"_s, u"Runtime"_s, u"Log"_s, u"Network"_s })
         connection->call(domain + u".enable"_s);
     sendMetrics();
@@ -48,6 +50,8 @@ void BrowserPage::attach(DevToolsConnection* connection)
         { { u"format"_s, u"jpeg"_s }, { u"quality"_s, 72 }, { u"maxWidth"_s, usualSize.width() },
             { u"maxHeight"_s, usualSize.height() }, { u"everyNthFrame"_s, everyFrame } });
     connection->call(u"Inspector.enable"_s);
+    // Without a window the page would never have the focus, and its fields no caret.
+    connection->call(u"Emulation.setFocusEmulationEnabled"_s, { { u"enabled"_s, true } });
     connection->call(u"Page.setInterceptFileChooserDialog"_s, { { u"enabled"_s, true } });
     connection->call(u"Browser.setDownloadBehavior"_s, { { u"behavior"_s, u"deny"_s }, { u"eventsEnabled"_s, true } });
     const QString world = QString::fromLatin1(stepWorld);
@@ -133,15 +137,8 @@ void BrowserPage::step(int by)
 {
     if (!m_connection)
         return;
-    m_connection->call(
-        u"Page.getNavigationHistory"_s, {}, [self = QPointer(this), by](const Result<QJsonObject>& result) {
-            if (!self || !result)
-                return;
-            self->takeHistory(*result);
-            if (self->canGo(by))
-                self->m_connection->call(u"Page.navigateToHistoryEntry"_s,
-                    { { u"entryId"_s, self->m_history.at(self->m_historyIndex + by) } });
-        });
+    m_step += by;
+    readHistory();
 }
 
 void BrowserPage::find(const QString& text, bool backwards)
@@ -223,6 +220,7 @@ void BrowserPage::takeNavigation(const QJsonObject& frame)
     m_url = !unreachable.isEmpty() ? unreachable : frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
     if (m_url != blankPage || m_wanted == blankPage)
         m_isOpening = false;
+    m_isLeaving = false;
     readTitle();
     readHistory();
     Q_EMIT changed();
@@ -233,10 +231,12 @@ void BrowserPage::takeLoading(const QString& method, const QJsonObject& paramete
     const bool isMain = m_mainFrame.isEmpty() || parameters["frameId"_L1].toString() == m_mainFrame;
     if (method == "Page.frameStartedLoading"_L1 && isMain) {
         m_isLoading = true;
+        m_isLeaving = true;
         m_requests = 0;
         m_answered = 0;
     } else if (method == "Page.frameStoppedLoading"_L1 && isMain) {
         m_isLoading = false;
+        m_isLeaving = false;
     } else if (method == "Network.requestWillBeSent"_L1 && m_isLoading) {
         ++m_requests;
     } else if ((method == "Network.loadingFinished"_L1 || method == "Network.loadingFailed"_L1) && m_isLoading) {
@@ -303,18 +303,33 @@ void BrowserPage::readTitle()
 
 void BrowserPage::readHistory()
 {
+    m_historyLooks = 0;
+    askForHistory();
+}
+
+void BrowserPage::askForHistory()
+{
+    if (!m_connection)
+        return;
     m_connection->call(u"Page.getNavigationHistory"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& result) {
         if (self && result)
             self->takeHistory(*result);
     });
 }
 
+/// The list may lag behind what the page reports. Until they agree, it is asked for again.
 void BrowserPage::takeHistory(const QJsonObject& history)
 {
-    m_history.clear();
-    for (const QJsonValue& entry : history["entries"_L1].toArray())
-        m_history.append(entry["id"_L1].toInt());
+    const QJsonArray entries = history["entries"_L1].toArray();
     m_historyIndex = history["currentIndex"_L1].toInt();
+    m_history.clear();
+    for (const QJsonValue& entry : entries)
+        m_history.append(entry["id"_L1].toInt());
+    if (entries.at(m_historyIndex)["url"_L1].toString() != m_url && ++m_historyLooks < mostHistoryLooks) {
+        m_historyLook = m_scheduler.after(historyPause, [this] { askForHistory(); });
+    } else if (const int by = std::exchange(m_step, 0); by != 0 && canGo(by)) {
+        m_connection->call(u"Page.navigateToHistoryEntry"_s, { { u"entryId"_s, m_history.at(m_historyIndex + by) } });
+    }
     Q_EMIT changed();
 }
 

@@ -4,13 +4,12 @@
 #include "Browser/BrowserSteps.h"
 #include "Browser/DevToolsConnection.h"
 #include "Foundation/Literals.h"
+#include "Foundation/Scheduler.h"
 
 #include <QPointer>
 #include <QSizeF>
 
 namespace corvane {
-
-class Scheduler;
 
 /// What is known of the page that is shown, as the protocol tells it. Texts are as they came, with what secrets they
 /// hold. Dialogs, downloads and questions for files are answered here: nobody would see them.
@@ -30,6 +29,7 @@ public:
     const QString& title() const { return m_title; }
     void setTitle(const QString& title) { m_title = title; }
     bool isLoading() const { return m_isLoading; }
+    bool isLeaving() const { return m_isLeaving; } ///< another page is loading, and has not come yet
     bool hasLoaded() const { return m_hasLoaded; } ///< since the last time it was opened
     double progress() const; ///< of the loading, from 0 to 1
     bool canGo(int by) const;
@@ -58,6 +58,7 @@ private:
     void navigate();
     void takeHistory(const QJsonObject& history);
     void readHistory();
+    void askForHistory();
     void sendMetrics();
 
     Scheduler& m_scheduler;
@@ -72,6 +73,7 @@ private:
     double m_zoom = 1;
     bool m_isMobile = false;
     bool m_isLoading = false;
+    bool m_isLeaving = false;
     bool m_hasLoaded = false;
     bool m_isReported = false; ///< the browser has agreed to everything that `attach` asks for
     bool m_isOpening = false; ///< what is loaded still belongs to the page before
@@ -79,6 +81,9 @@ private:
     int m_answered = 0;
     QList<int> m_history; ///< the browser's ids of its entries
     int m_historyIndex = 0;
+    int m_historyLooks = 0; ///< since the last navigation
+    int m_step = 0; ///< to be taken once the history is known
+    std::unique_ptr<Timer> m_historyLook;
     int m_dialogs = 0;
     int m_downloads = 0;
     int m_fileChoosers = 0;

@@ -34,6 +34,10 @@ const QString focusOn = uR"(selector => {
     return true;
 })"_s;
 
+/// A page in the background is not drawn.
+const QString untilDrawn = u"new Promise(done => { requestAnimationFrame(() => requestAnimationFrame(done)); "
+                           "setTimeout(done, 1000); })"_s;
+
 const QString chooseIn = uR"((selector, value) => {
     const element = document.querySelector(selector);
     if (!element) return null;
@@ -110,8 +114,10 @@ QCoro::Task<void> BrowserPlayer::playAll(QList<BrowserStep> steps, CancelHandle 
 QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
 {
     if (step.kind == Kind::Open) {
-        const bool opened = co_await openPage(step.text, end);
-        co_return opened ? QString() : u"%1 did not open."_s.arg(step.text);
+        if (!co_await openPage(step.text, end))
+            co_return u"%1 did not open."_s.arg(step.text);
+        co_await settle(end);
+        co_return QString();
     }
     const QString function = step.kind == Kind::Click ? placeOf : step.kind == Kind::Choose ? chooseIn : focusOn;
     QJsonArray arguments { step.selector };
@@ -132,19 +138,32 @@ QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
     DevToolsConnection* const connection = m_browser.connection();
     if (!connection)
         co_return u"the browser ended."_s;
-    if (step.kind == Kind::Type) {
-        if (!step.text.isEmpty())
-            co_await call(u"Input.insertText"_s, { { u"text"_s, step.text } }, end);
+    if (step.kind == Kind::Type && !step.text.isEmpty()) {
+        co_await call(u"Input.insertText"_s, { { u"text"_s, step.text } }, end);
     } else if (step.kind == Kind::Press) {
-        m_browser.key({ .isDown = true, .key = Qt::Key_Return });
-        m_browser.key({ .isDown = false, .key = Qt::Key_Return });
+        const QString method = u"Input.dispatchKeyEvent"_s;
+        connection->call(method, *keyParameters({ .isDown = true, .key = Qt::Key_Return }));
+        co_await call(method, *keyParameters({ .isDown = false, .key = Qt::Key_Return }), end);
     } else if (step.kind == Kind::Click) {
+        const QString method = u"Input.dispatchMouseEvent"_s;
         const QPointF at(found[0].toDouble(), found[1].toDouble());
-        for (const auto kind : { BrowserPointer::Kind::Press, BrowserPointer::Kind::Release })
-            connection->call(u"Input.dispatchMouseEvent"_s,
-                pointerParameters({ .kind = kind, .button = Qt::LeftButton, .clicks = 1 }, at));
+        BrowserPointer pointer { .kind = BrowserPointer::Kind::Press, .button = Qt::LeftButton, .clicks = 1 };
+        connection->call(method, pointerParameters(pointer, at));
+        pointer.kind = BrowserPointer::Kind::Release;
+        co_await call(method, pointerParameters(pointer, at), end);
     }
+    if (!end.isCancelled())
+        co_await settle(end);
     co_return QString();
+}
+
+/// A page takes no input before it is drawn. What the step did may also lead to another page, which the next step is
+/// for; such a navigation is told of before a script that runs behind the step answers.
+QCoro::Task<void> BrowserPlayer::settle(CancelHandle end)
+{
+    co_await call(u"Runtime.evaluate"_s, { { u"expression"_s, untilDrawn }, { u"awaitPromise"_s, true } }, end);
+    for (int looks = 0; looks < looksForAPage && !end.isCancelled() && m_browser.page().isLeaving(); ++looks)
+        co_await pause(end);
 }
 
 QCoro::Task<bool> BrowserPlayer::openPage(QString url, CancelHandle end)

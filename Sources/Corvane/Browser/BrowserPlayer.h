@@ -32,6 +32,7 @@ private:
     QCoro::Task<void> playAll(QList<BrowserStep> steps, CancelHandle end);
     QCoro::Task<QString> playOne(BrowserStep step, CancelHandle end);
     QCoro::Task<bool> openPage(QString url, CancelHandle end);
+    QCoro::Task<void> settle(CancelHandle end);
     QCoro::Task<QJsonValue> evaluate(QString function, QJsonArray arguments, CancelHandle end);
     QCoro::Task<QJsonObject> call(QString method, QJsonObject parameters, CancelHandle end);
     QCoro::Task<void> pause(CancelHandle end);

@@ -159,7 +159,7 @@ void BrowserReportSheet::keep(const BrowserEvidencePayload& payload, const Resul
         return refuse(evidence.error().message);
     if (!saveBrowserSession(
             m_db, m_sessionId, m_project, payload.url, u"captured"_s, evidence->capturePath(), payload.lastError))
-        return refuse(u"The evidence is in %1; the database could not be writtens row."_s.arg(evidence->folder));
+        return refuse(u"The evidence is in %1, but the database could not be written."_s.arg(evidence->folder));
     m_note.clear();
     close();
     Q_EMIT submitted(u"The evidence was saved."_s, {});

@@ -105,6 +105,7 @@ QString BrowserView::problemAction() const
 
 void BrowserView::solveProblem()
 {
+    m_player.stop();
     if (m_browser.isHanging())
         m_browser.restart();
     else if (m_browser.isRunning())
