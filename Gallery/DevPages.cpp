@@ -60,6 +60,13 @@ void drawBrowser(Gallery& gallery)
         gallery.save(name, { Look::Light, Look::Dark, Look::LightSmall });
     };
     save(u"dev-browser-page"_s);
+    BrowserFieldPicker& picker = *browser.picker()->field();
+    picker.open({ .kind = BrowserFieldKind::Date, .label = u"Delivery"_s, .least = u"2026-11-09"_s }, u"2026-11-24"_s,
+        { 0.3, 0.3 });
+    save(u"dev-browser-date"_s);
+    picker.open({ .kind = BrowserFieldKind::Color, .label = u"Glaze"_s }, u"#2f5fe0"_s, { 0.3, 0.3 });
+    save(u"dev-browser-color"_s);
+    picker.close();
     QMetaObject::invokeMethod(gallery.item(u"browser.issues"_s), "clicked");
     save(u"dev-browser-issues"_s);
     browser.reportBug();

@@ -117,6 +117,7 @@ TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
     EXPECT_EQ(press["params"_L1]["type"_L1].toString(), u"mousePressed"_s);
     EXPECT_EQ(press["params"_L1]["x"_L1].toDouble(), 150);
     EXPECT_EQ(press["params"_L1]["y"_L1].toDouble(), 75);
+    EXPECT_EQ(cursorShape(u"url(\"a,b.png\") 4 4, grab"_s), Qt::OpenHandCursor);
     browser.clickBrowser({ -10, 0 }, { 600, 400 });
     EXPECT_EQ(page->sent.last()["params"_L1]["x"_L1].toDouble(), 0);
     EXPECT_EQ(page->sent.last()["params"_L1]["y"_L1].toDouble(), 0);
@@ -141,6 +142,45 @@ TEST_F(PlayedBrowser, playedStepsWaitForThePageThatAClickLeadsToAndStopAtOnce)
     answerScript(true);
     EXPECT_FALSE(page->methods().contains(u"Input.insertText"_s));
     EXPECT_EQ(view->notice() + view->noticeAction(), QString());
+}
+
+TEST_F(PlayedBrowser, aDateIsPickedWithinTheLimitsOfItsField)
+{
+    BrowserFieldPicker& picker = *view->picker()->field();
+    step({ { u"kind"_s, u"field"_s }, { u"type"_s, u"date"_s }, { u"value"_s, u"2026-11-22"_s },
+        { u"min"_s, u"2026-11-10"_s }, { u"required"_s, true } });
+    EXPECT_TRUE(picker.isOpen() && !picker.canClear());
+    EXPECT_EQ(picker.heading(), u"November 2026"_s);
+    EXPECT_EQ(picker.columns().first(), u"Mon"_s);
+    EXPECT_EQ(picker.options().first().value, u"2026-10-26"_s);
+    QStringList chosen;
+    QStringList refused;
+    for (const BrowserFieldOption& day : picker.options()) {
+        if (day.isChosen)
+            chosen.append(day.value);
+        if (!day.isOffered)
+            refused.append(day.value);
+    }
+    EXPECT_EQ(chosen, QStringList { u"2026-11-22"_s });
+    EXPECT_EQ(refused.last(), u"2026-11-09"_s);
+    for (const QString& wrong : { u"2026-11-09"_s, u"2026-02-30"_s, u"someday"_s }) {
+        picker.setText(wrong);
+        picker.accept();
+        EXPECT_TRUE(picker.isOpen() && !picker.refusal().isEmpty()) << qPrintable(wrong);
+    }
+    picker.turn(1);
+    EXPECT_EQ(picker.heading(), u"December 2026"_s);
+    picker.choose(u"2026-12-24"_s);
+    EXPECT_FALSE(picker.isOpen());
+    EXPECT_EQ(page->sent.last()["params"_L1]["expression"_L1].toString(), u"corvaneChoose(...[\"2026-12-24\"])"_s);
+
+    const QList<QStringList> values { { u"datetime-local"_s, u"2026-11-22 9:05"_s, u"2026-11-22T09:05"_s },
+        { u"month"_s, u"2026-11"_s, u"2026-11"_s }, { u"month"_s, u"2026-13"_s, {} },
+        { u"week"_s, u"2026-w3"_s, u"2026-W03"_s }, { u"week"_s, u"2026-W53"_s, u"2026-W53"_s },
+        { u"week"_s, u"2027-W53"_s, {} }, { u"time"_s, u"7:30"_s, u"07:30"_s }, { u"time"_s, u"25:00"_s, {} },
+        { u"color"_s, u"#36C"_s, u"#3366cc"_s }, { u"color"_s, u"blueish"_s, {} } };
+    for (const QStringList& value : values)
+        EXPECT_EQ(browserFieldValue(*browserFieldKind(value.at(0)), value.at(1)).value_or(QString()), value.at(2));
 }
 
 TEST_F(PlayedBrowser, noneOfTenThousandSecretsIsInAnyFileOrRow)

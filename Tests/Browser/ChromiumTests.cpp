@@ -23,6 +23,8 @@ setTimeout(() => { throw new Error('it broke'); });
 const QByteArray inputPage = R"(<!doctype html><title>-</title><body style="margin:0;height:3000px">
 <textarea style="position:absolute;left:0;top:0;width:400px;height:200px"></textarea>
 <select style="position:absolute;left:500px;top:0"><option>red<option disabled>blue<option value=g>green</select>
+<input type=date aria-label=Day value=2026-11-22 style="position:absolute;left:500px;top:100px">
+<a href=# style="position:absolute;left:690px;top:0">link</a>
 <p style="position:absolute;left:0;top:300px;margin:0;font:40px monospace">SELECTED</p>
 <script>
 const seen = new Set(), note = word => { seen.add(word); document.title = [...seen].join(' '); };
@@ -32,6 +34,7 @@ oncontextmenu = () => note('menu');
 ondblclick = () => note('double');
 onscroll = () => note('scrolled');
 document.querySelector('select').onchange = e => note('picked:' + e.target.value);
+document.querySelector('input').onchange = e => note('day:' + e.target.value);
 onmouseup = () => { if (String(getSelection())) note('chose:' + getSelection()); };
 onkeydown = e => { if (e.ctrlKey && e.key === 'a') note('all'); };
 </script>)";
@@ -181,6 +184,20 @@ TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
     view->picker()->choose(view->picker()->choices().last().id);
     ASSERT_TRUE(awaitTitle(*view, u"picked:g"_s));
     EXPECT_EQ(stepLine(browser.steps().last()), u"Choose “g” in “select”"_s);
+    browser.clickBrowser({ 510, 110 }, size);
+    BrowserFieldPicker& picker = *view->picker()->field();
+    ASSERT_TRUE(awaitLive([&] { return picker.isOpen(); }));
+    picker.choose(u"2026-11-23"_s);
+    ASSERT_TRUE(awaitTitle(*view, u"day:2026-11-23"_s));
+    EXPECT_EQ(stepLine(browser.steps().last()), u"Choose “2026-11-23” in “Day”"_s);
+
+    QString cursor;
+    QObject::connect(&browser.page(), &BrowserPage::cursorChanged, [&](const QString& css) { cursor = css; });
+    for (const auto& [at, css] : { std::pair(QPointF(700, 10), u"pointer"_s), std::pair(QPointF(10, 320), u"text"_s),
+             std::pair(QPointF(600, 600), u"default"_s) }) {
+        browser.pointer({ .kind = Kind::Move, .at = at }, size);
+        EXPECT_TRUE(awaitLive([&] { return cursor == css; })) << qPrintable(css);
+    }
 
     for (const Kind kind : { Kind::Press, Kind::Release })
         browser.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::RightButton, .clicks = 1 }, size);

@@ -146,6 +146,25 @@ QJsonObject pointerParameters(const BrowserPointer& pointer, QPointF at)
     return parameters;
 }
 
+Qt::CursorShape cursorShape(const QString& css)
+{
+    static const QHash<QString, Qt::CursorShape> shapes { { u"pointer"_s, Qt::PointingHandCursor },
+        { u"text"_s, Qt::IBeamCursor }, { u"vertical-text"_s, Qt::IBeamCursor }, { u"crosshair"_s, Qt::CrossCursor },
+        { u"cell"_s, Qt::CrossCursor }, { u"move"_s, Qt::SizeAllCursor }, { u"all-scroll"_s, Qt::SizeAllCursor },
+        { u"grab"_s, Qt::OpenHandCursor }, { u"grabbing"_s, Qt::ClosedHandCursor },
+        { u"not-allowed"_s, Qt::ForbiddenCursor }, { u"no-drop"_s, Qt::ForbiddenCursor }, { u"wait"_s, Qt::WaitCursor },
+        { u"progress"_s, Qt::BusyCursor }, { u"help"_s, Qt::WhatsThisCursor }, { u"none"_s, Qt::BlankCursor },
+        { u"copy"_s, Qt::DragCopyCursor }, { u"alias"_s, Qt::DragLinkCursor }, { u"col-resize"_s, Qt::SplitHCursor },
+        { u"row-resize"_s, Qt::SplitVCursor }, { u"e-resize"_s, Qt::SizeHorCursor },
+        { u"w-resize"_s, Qt::SizeHorCursor }, { u"ew-resize"_s, Qt::SizeHorCursor },
+        { u"n-resize"_s, Qt::SizeVerCursor }, { u"s-resize"_s, Qt::SizeVerCursor },
+        { u"ns-resize"_s, Qt::SizeVerCursor }, { u"ne-resize"_s, Qt::SizeBDiagCursor },
+        { u"sw-resize"_s, Qt::SizeBDiagCursor }, { u"nesw-resize"_s, Qt::SizeBDiagCursor },
+        { u"nw-resize"_s, Qt::SizeFDiagCursor }, { u"se-resize"_s, Qt::SizeFDiagCursor },
+        { u"nwse-resize"_s, Qt::SizeFDiagCursor } };
+    return shapes.value(css.sliced(css.lastIndexOf(u',') + 1).trimmed(), Qt::ArrowCursor);
+}
+
 std::optional<QJsonObject> keyParameters(const BrowserKey& key)
 {
     const auto named = namedKeys().constFind(key.key);

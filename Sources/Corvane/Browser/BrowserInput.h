@@ -38,6 +38,9 @@ std::optional<QPointF> pagePoint(QPointF inView, QSizeF view, QSizeF viewport);
 /// Parameters of Input.dispatchMouseEvent, at a point of the page.
 QJsonObject pointerParameters(const BrowserPointer& pointer, QPointF at);
 
+/// The nearest to a CSS cursor, such as "pointer" or "url(hand.png), grab"; the arrow where nothing is near.
+Qt::CursorShape cursorShape(const QString& css);
+
 /// Parameters of Input.dispatchKeyEvent; nothing for a key that a page knows nothing of.
 std::optional<QJsonObject> keyParameters(const BrowserKey& key);
 

@@ -1,5 +1,6 @@
 #include "Browser/BrowserPage.h"
 
+#include "Browser/PageScript.h"
 #include "Foundation/Json.h"
 #include "Presentation/CountWords.h"
 
@@ -54,12 +55,12 @@ void BrowserPage::attach(DevToolsConnection* connection)
     connection->call(u"Emulation.setFocusEmulationEnabled"_s, { { u"enabled"_s, true } });
     connection->call(u"Page.setInterceptFileChooserDialog"_s, { { u"enabled"_s, true } });
     connection->call(u"Browser.setDownloadBehavior"_s, { { u"behavior"_s, u"deny"_s }, { u"eventsEnabled"_s, true } });
-    const QString world = QString::fromLatin1(stepWorld);
+    const QString world = QString::fromLatin1(pageScriptWorld);
     connection->call(u"Runtime.addBinding"_s,
-        { { u"name"_s, QString::fromLatin1(stepBinding) }, { u"executionContextName"_s, world } });
+        { { u"name"_s, QString::fromLatin1(pageScriptBinding) }, { u"executionContextName"_s, world } });
     // A navigation that overtakes these calls may replace the page before it reports anything.
     connection->call(u"Page.addScriptToEvaluateOnNewDocument"_s,
-        { { u"source"_s, stepScript() }, { u"worldName"_s, world }, { u"runImmediately"_s, true } },
+        { { u"source"_s, pageScript() }, { u"worldName"_s, world }, { u"runImmediately"_s, true } },
         [self = QPointer(this), connection](const Result<QJsonObject>&) {
             if (!self || self->m_connection != connection)
                 return;
@@ -189,17 +190,25 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
         readHistory(); // the entry may come later than the navigation that is told
         Q_EMIT loaded();
     } else if (method == "Runtime.bindingCalled"_L1
-        && parameters["name"_L1].toString() == QLatin1StringView(stepBinding)) {
-        const QJsonObject report = jsonObject(parameters["payload"_L1].toString().toUtf8()).value_or(QJsonObject());
-        if (report["kind"_L1].toString() == "list"_L1)
-            Q_EMIT listOpened(report, parameters["executionContextId"_L1].toInt());
-        else
-            m_steps.reported(report);
+        && parameters["name"_L1].toString() == QLatin1StringView(pageScriptBinding)) {
+        takeReport(jsonObject(parameters["payload"_L1].toString().toUtf8()).value_or(QJsonObject()),
+            parameters["executionContextId"_L1].toInt());
     } else if (method == "Inspector.targetCrashed"_L1) {
         Q_EMIT crashed();
     } else if (refuse(method, parameters)) {
         Q_EMIT changed();
     }
+}
+
+void BrowserPage::takeReport(const QJsonObject& report, int context)
+{
+    const QString kind = report["kind"_L1].toString();
+    if (kind == "list"_L1 || kind == "field"_L1)
+        Q_EMIT valueAsked(report, context);
+    else if (kind == "cursor"_L1)
+        Q_EMIT cursorChanged(report["shape"_L1].toString());
+    else
+        m_steps.reported(report);
 }
 
 void BrowserPage::takeFrame(const QJsonObject& parameters)

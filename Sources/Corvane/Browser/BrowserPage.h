@@ -46,7 +46,8 @@ Q_SIGNALS:
     void loaded();
     void frame(const QByteArray& base64Jpeg, QSizeF viewport);
     void crashed();
-    void listOpened(const QJsonObject& report, int context); ///< see `stepScript`
+    void valueAsked(const QJsonObject& report, int context); ///< by a list or a field, see `pageScript`
+    void cursorChanged(const QString& css); ///< under the pointer
 
 private:
     void take(const QString& method, const QJsonObject& parameters);
@@ -56,6 +57,7 @@ private:
     bool refuse(const QString& method, const QJsonObject& parameters);
     void readTitle();
     void navigate();
+    void takeReport(const QJsonObject& report, int context);
     void takeHistory(const QJsonObject& history);
     void readHistory();
     void askForHistory();

@@ -1,34 +1,40 @@
 #pragma once
 
+#include "Browser/BrowserFieldPicker.h"
 #include "Presentation/Choice.h"
-
-#include <QPointF>
 
 namespace corvane {
 
 class ChromiumBrowserController;
 
-/// The drop-down list of the page that was opened last. A browser opens it in a window of its own, which no frame
-/// shows, so its choices are shown here.
+/// What the page asks for in a window of its own, which no frame shows: a choice of a drop-down list, or the value of a
+/// field. The one that was asked for last is answered.
 class BrowserPicker : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QList<corvane::Choice> choices READ choices NOTIFY opened) ///< those that may be chosen
+    Q_PROPERTY(QList<corvane::Choice> choices READ choices NOTIFY opened) ///< of the list, those that may be chosen
     Q_PROPERTY(QString chosen READ chosen NOTIFY opened) ///< an id of `choices`
     Q_PROPERTY(QPointF place READ place NOTIFY opened) ///< under the list, from 0 to 1 of the frame
+    Q_PROPERTY(corvane::BrowserFieldPicker* field READ field CONSTANT)
 public:
-    BrowserPicker(ChromiumBrowserController& browser, QObject* parent); ///< the browser outlives it
+    BrowserPicker(ChromiumBrowserController& browser, Scheduler& scheduler, QObject* parent); ///< both outlive it
 
     const QList<Choice>& choices() const { return m_choices; }
     const QString& chosen() const { return m_chosen; }
     QPointF place() const { return m_place; }
+    BrowserFieldPicker* field() { return &m_field; }
 
     Q_INVOKABLE void choose(const QString& id);
 
 Q_SIGNALS:
-    void opened();
+    void opened(); ///< the list
 
 private:
+    void openList(const QJsonObject& report);
+    void openField(const QJsonObject& report);
+    void answer(const QJsonValue& value);
+
     ChromiumBrowserController& m_browser;
+    BrowserFieldPicker m_field;
     QList<Choice> m_choices;
     QString m_chosen;
     QPointF m_place;

@@ -47,11 +47,4 @@ private:
     qint64 m_secretField = -1; ///< whose value is the last of the secrets, and may still grow
 };
 
-/// The script that runs beside each page and tells what the person does in it. It calls `bindingName` with one JSON
-/// object a step. The text of a secret field is told apart from the steps and is never part of one. A drop-down list
-/// that is opened is told, too ("list"); `corvaneChoose(index)` in the same context takes a choice.
-QString stepScript();
-inline constexpr const char* stepBinding = "corvaneStep";
-inline constexpr const char* stepWorld = "corvane";
-
 }

@@ -14,7 +14,7 @@ BrowserView::BrowserView(const Surroundings& at, QObject* parent)
     , m_issues(m_browser, this)
     , m_history(at.db, m_browser, at.desktop, this)
     , m_display(m_browser, at.defaults, this)
-    , m_picker(m_browser, this)
+    , m_picker(m_browser, at.browser.scheduler, this)
     , m_player(m_browser, at.browser.scheduler, this)
 {
     connect(&m_browser, &ChromiumBrowserController::changed, this, &BrowserView::refresh);

@@ -1,6 +1,7 @@
 #include "UI/Dev/BrowserFrameItem.h"
 
 #include <QClipboard>
+#include <QCursor>
 #include <QGuiApplication>
 #include <algorithm>
 
@@ -49,10 +50,16 @@ void BrowserFrameItem::setBrowser(ChromiumBrowserController* browser)
 {
     if (browser == m_browser)
         return;
-    if (m_browser)
+    if (m_browser) {
         m_browser->disconnect(this);
+        m_browser->page().disconnect(this);
+    }
     m_browser = browser;
     if (browser) {
+        connect(&browser->page(), &BrowserPage::cursorChanged, this, [this](const QString& css) {
+            m_cursor = cursorShape(css);
+            setCursor(m_cursor);
+        });
         connect(browser, &ChromiumBrowserController::frameChanged, this, [this] { setImage(m_browser->frameImage()); });
         setImage(browser->frameImage());
     }
@@ -153,6 +160,7 @@ void BrowserFrameItem::mouseReleaseEvent(QMouseEvent* event)
 
 void BrowserFrameItem::hoverMoveEvent(QHoverEvent* event)
 {
+    setCursor(shown().contains(event->position()) ? m_cursor : Qt::ArrowCursor);
     send(BrowserPointer::Kind::Move, *event);
 }
 

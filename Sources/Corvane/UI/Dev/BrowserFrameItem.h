@@ -41,6 +41,7 @@ private:
     void edit(const QKeyEvent& event);
 
     QPointer<ChromiumBrowserController> m_browser;
+    Qt::CursorShape m_cursor = Qt::ArrowCursor; ///< over the page
     int m_clicks = 1; ///< of the button that was pressed last
 };
 

@@ -173,6 +173,12 @@ FocusScope {
                 onObjectRemoved: (index, object) => picker.removeItem(object)
             }
         }
+        BrowserFieldPopup {
+            parent: page
+            picker: pane.screen.picker.field
+            frame: page.shown
+            onClosed: page.forceActiveFocus()
+        }
         Connections {
             target: pane.screen.picker
             function onOpened() {

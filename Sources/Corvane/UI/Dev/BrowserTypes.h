@@ -64,6 +64,19 @@ struct BrowserPickerType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct BrowserFieldPickerType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserFieldPicker)
+    QML_NAMED_ELEMENT(BrowserFieldPicker)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct BrowserFieldOptionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserFieldOption)
+    QML_VALUE_TYPE(browserFieldOption)
+};
+
 struct BrowserIssueType {
     Q_GADGET
     QML_FOREIGN(corvane::BrowserIssue)
