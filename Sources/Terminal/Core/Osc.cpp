@@ -91,10 +91,13 @@ void oscTitle(Emulator& t, int number, std::string_view text)
             return;
         text = decoded;
     }
-    if (number != 1)
-        t.setTitle(text);
-    if (number != 2)
-        t.setIcon(text);
+    if (number == 1)
+        return t.setIcon(text);
+    t.setTitle(text);
+    if (number == 0) {
+        t.icon = t.title;
+        t.out().iconChanged(t.icon);
+    }
 }
 
 /// 256 and up are the special colours.

@@ -105,9 +105,16 @@ void Emulator::setColumns(int wanted)
     Size changed = size;
     changed.columns = wanted;
     const bool clears = !modes.has(Mode::NoClearOnColumns);
-    if (clears) {
-        for (int index = 0; index < rows(); ++index)
+    for (int index = 0; index < rows(); ++index) {
+        Row& each = row(index);
+        if (clears) {
             eraseRow(index);
+        } else {
+            // What no longer fits is cut off rather than wrapped.
+            each.cutWide(wanted);
+            each.fill(wanted, size.columns, Cell());
+            each.wrapped = false;
+        }
     }
     if (changed != size) {
         resize(changed);

@@ -1,5 +1,6 @@
 #include "Terminal/Grid/Kernels.h"
 
+#include <algorithm>
 #include <bit>
 
 #if defined(__x86_64__)
@@ -78,6 +79,18 @@ size_t printableSse2(const uint8_t* text, size_t size)
     return printableTail(text, at, size);
 }
 
+[[gnu::target("avx512f,avx512bw,bmi2")]] size_t printableAvx512(const uint8_t* text, size_t size)
+{
+    for (size_t at = 0; at < size; at += 64) {
+        const uint64_t present = _bzhi_u64(~uint64_t(0), unsigned(std::min<size_t>(size - at, 64)));
+        const __m512i bytes = _mm512_maskz_loadu_epi8(present, text + at);
+        const __m512i fromSpace = _mm512_sub_epi8(bytes, _mm512_set1_epi8(0x20));
+        if (const uint64_t bad = _mm512_cmpge_epu8_mask(fromSpace, _mm512_set1_epi8(0x5f)) & present)
+            return at + size_t(std::countr_zero(bad));
+    }
+    return size;
+}
+
 // Inside a character are, as signed numbers, the bytes below -64; beyond ASCII those below 0.
 ByteKinds kindsSse2(const uint8_t* text)
 {
@@ -149,7 +162,9 @@ Kernels choose()
     const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
     const bool avx512 = avx2 && __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bw");
     return {
-        .printable = avx2 ? printableAvx2 : printableSse2,
+        .printable = avx512 ? printableAvx512
+            : avx2          ? printableAvx2
+                            : printableSse2,
         .kinds = avx2 ? kindsAvx2 : kindsSse2,
         .widen = avx2 ? widenAvx2 : widenLoop,
         .narrow = avx512 ? narrowAvx512

@@ -19,18 +19,21 @@ uint64_t wordAt(const char* text)
 /// Weak, but quick: two links with one hash only push each other out of those that were named last.
 uint32_t hashOf(std::string_view text)
 {
-    constexpr size_t wordSize = sizeof(uint64_t);
+    constexpr size_t step = 2 * sizeof(uint64_t);
     uint64_t hash = text.size();
-    const auto mix = [&hash](uint64_t word) {
-        hash = (hash ^ word) * 0x9e3779b97f4a7c15;
+    const auto mix = [&hash](uint64_t first, uint64_t second) {
+        hash = (hash ^ first ^ second * 0xbf58476d1ce4e5b9) * 0x9e3779b97f4a7c15;
         hash ^= hash >> 32;
     };
-    for (size_t at = 0; at + wordSize <= text.size(); at += wordSize)
-        mix(wordAt(text.data() + at));
-    if (text.size() >= wordSize)
-        mix(wordAt(text.data() + text.size() - wordSize));
+    const auto mixAt = [&](const char* at) {
+        mix(wordAt(at), wordAt(at + sizeof(uint64_t)));
+    };
+    for (size_t at = 0; at + step <= text.size(); at += step)
+        mixAt(text.data() + at);
+    if (text.size() >= step)
+        mixAt(text.data() + text.size() - step);
     else
-        std::for_each(text.begin(), text.end(), [&](char letter) { mix(uint8_t(letter)); });
+        std::for_each(text.begin(), text.end(), [&](char letter) { mix(uint8_t(letter), 0); });
     return uint32_t(hash);
 }
 
