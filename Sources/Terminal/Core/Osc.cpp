@@ -224,8 +224,12 @@ void oscDirectory(Emulator& t, int, std::string_view text)
 
 void oscLink(Emulator& t, int, std::string_view text)
 {
-    std::string_view params = takePart(text);
     std::string_view id;
+    std::string_view params;
+    if (text.starts_with(';'))
+        text.remove_prefix(1); // the usual case, without a search
+    else
+        params = takePart(text);
     while (!params.empty()) {
         const std::string_view param = takePart(params, ':');
         if (param.starts_with("id="))

@@ -195,8 +195,7 @@ private:
         m_rowsOfLine.clear();
         m_rowCount = 0;
         for (const Line& line : m_lines) {
-            const int width = line.size == LineSize::Single ? m_size.columns : (m_size.columns + 1) / 2;
-            m_rowsOfLine.push_back({ m_rowCount, rowStarts(line.cells, width) });
+            m_rowsOfLine.push_back({ m_rowCount, rowStarts(line.cells, widthOf(line.size)) });
             m_rowCount += int(m_rowsOfLine.back().starts.size());
         }
         for (Follower& follower : m_followers) {
@@ -209,8 +208,12 @@ private:
             size_t part = rows.starts.size() - 1;
             while (part > 0 && rows.starts[part] > follower.offset)
                 --part;
+            const Line& line = m_lines[follower.line];
+            const size_t begin = rows.starts[part];
+            const size_t end = part + 1 < rows.starts.size() ? rows.starts[part + 1] : line.cells.size();
+            const bool isSqueezed = widthOf(line.size) == 1 && end - begin == 2;
             follower.row = rows.first + int(part);
-            follower.column = int(follower.offset - rows.starts[part]);
+            follower.column = int((follower.offset - begin) / (isSqueezed ? 2 : 1));
         }
     }
 
@@ -252,7 +255,7 @@ private:
                 if (leaves)
                     leaving.renew(row);
                 row.size = line.size;
-                fillRow(row, std::span(line.cells).subspan(starts[part], end - starts[part]), rowWidth(row));
+                fillRow(row, std::span(line.cells).subspan(starts[part], end - starts[part]), widthOf(line.size));
                 row.wrapped = part + 1 < starts.size() || line.open;
                 if (row.wrapped && int(end - starts[part]) == m_size.columns - 1 && row.size == LineSize::Single
                     && part + 1 < starts.size()) {
@@ -262,7 +265,7 @@ private:
                 }
                 if (!leaves || !m_screen.history || m_screen.history->limitLines() == 0)
                     continue;
-                const Scrollback::Position at = m_screen.history->push(row, rowWidth(row));
+                const Scrollback::Position at = m_screen.history->push(row, widthOf(line.size));
                 left[size_t(index)] = { at.line, at.offset };
             }
         }
@@ -272,10 +275,7 @@ private:
             placeAnchor(id, m_followers[follower], left);
     }
 
-    int rowWidth(const Row& row) const
-    {
-        return row.size == LineSize::Single ? m_size.columns : (m_size.columns + 1) / 2;
-    }
+    int widthOf(LineSize size) const { return size == LineSize::Single ? m_size.columns : (m_size.columns + 1) / 2; }
 
     void placeAnchor(Anchors::Id id, const Follower& at, const std::vector<std::pair<uint64_t, uint32_t>>& left)
     {

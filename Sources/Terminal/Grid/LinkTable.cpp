@@ -58,7 +58,9 @@ uint32_t LinkTable::intern(std::string_view id, std::string_view address)
     recent = { hash, m_free.back() };
     m_free.pop_back();
     m_entries[recent.link - 1] = { uint32_t(m_text.size()), uint16_t(id.size()), uint16_t(address.size()) };
-    m_text.append(id).append(address);
+    if (!id.empty())
+        m_text.append(id);
+    m_text.append(address);
     return recent.link;
 }
 

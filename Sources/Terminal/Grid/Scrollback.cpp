@@ -95,7 +95,7 @@ HistoryLine Scrollback::openLine() const
 
 void Scrollback::commit(bool joined)
 {
-    makeRoom(0);
+    assert(m_pages.back().room() >= spaceWith(0)); // whoever added to the line made room for it
     HistoryLine line = openLine();
     line.joined = joined;
     m_pages.back().commit(line);
