@@ -10,8 +10,14 @@ T.ApplicationWindow {
     required property QuickCapture capture
 
     title: qsTr("Capture")
+    readonly property int wantedHeight: parts.implicitHeight + Theme.large * 2
     width: 560
-    height: parts.implicitHeight + Theme.large * 2
+    height: wantedHeight
+    // A window of one size floats on tiling desktops.
+    minimumWidth: 560
+    maximumWidth: 560
+    minimumHeight: wantedHeight
+    maximumHeight: wantedHeight
     color: Theme.surface
     font: Qt.application.font
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint

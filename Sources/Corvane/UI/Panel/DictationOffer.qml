@@ -10,8 +10,14 @@ T.ApplicationWindow {
     required property DictationAnywhere dictation
 
     title: qsTr("Dictation")
+    readonly property int wantedHeight: parts.implicitHeight + Theme.large * 2
     width: 420
-    height: parts.implicitHeight + Theme.large * 2
+    height: wantedHeight
+    // A window of one size floats on tiling desktops.
+    minimumWidth: 420
+    maximumWidth: 420
+    minimumHeight: wantedHeight
+    maximumHeight: wantedHeight
     color: Theme.surface
     font: Qt.application.font
     flags: Qt.Dialog | Qt.WindowStaysOnTopHint
