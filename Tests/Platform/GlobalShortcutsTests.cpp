@@ -8,6 +8,7 @@
 #include "XServer.h"
 
 #include <QDBusContext>
+#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <gtest/gtest.h>
 
@@ -24,7 +25,8 @@ QStringList& heardFrom(GlobalShortcuts& shortcuts, QStringList& heard)
     return heard;
 }
 
-/// The portal of a desktop that binds what it is asked for, but for "taken".
+/// The portal of a desktop that binds what it is asked for, but for "taken"; or that knows what to bind when a session
+/// opens, as KDE 5.27 does.
 class ShortcutsPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.GlobalShortcuts")
@@ -40,14 +42,33 @@ public:
     QDBusConnection bus;
     QStringList bound;
     uint answer = 0;
+    bool bindsAtOnce = false;
 
 public Q_SLOTS:
     Q_SCRIPTABLE QDBusObjectPath CreateSession(const QVariantMap& options)
     {
-        return respond(options, { { "session_handle", "/session/" + options["session_handle_token"].toString() } });
+        const QDBusObjectPath session("/session/" + options["session_handle_token"].toString());
+        QList<PortalShortcut> wanted;
+        QDBusMetaType::demarshall(
+            options["shortcuts"].value<QDBusArgument>(), QMetaType::fromType<QList<PortalShortcut>>(), &wanted);
+        QVariantMap results { { "session_handle", session.path() } };
+        if (bindsAtOnce)
+            results["shortcuts"] = QVariant::fromValue(grant(session, wanted));
+        return respond(options, results);
     }
     Q_SCRIPTABLE QDBusObjectPath BindShortcuts(const QDBusObjectPath& session,
         const QList<corvane::PortalShortcut>& shortcuts, const QString& /*parent*/, const QVariantMap& options)
+    {
+        EXPECT_FALSE(bindsAtOnce) << "it would open its settings";
+        return respond(options, { { "shortcuts", QVariant::fromValue(grant(session, shortcuts)) } });
+    }
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void Activated(
+        const QDBusObjectPath& session, const QString& id, qulonglong time, const QVariantMap& options);
+
+private:
+    QList<PortalShortcut> grant(const QDBusObjectPath& session, const QList<PortalShortcut>& shortcuts)
     {
         QList<PortalShortcut> granted;
         for (PortalShortcut shortcut : shortcuts) {
@@ -57,14 +78,8 @@ public Q_SLOTS:
             if (shortcut.id != "taken")
                 granted << shortcut;
         }
-        return respond(options, { { "shortcuts", QVariant::fromValue(granted) } });
+        return granted;
     }
-
-Q_SIGNALS:
-    Q_SCRIPTABLE void Activated(
-        const QDBusObjectPath& session, const QString& id, qulonglong time, const QVariantMap& options);
-
-private:
     QDBusObjectPath respond(const QVariantMap& options, const QVariantMap& results)
     {
         return corvane::respond(bus, message(), options, answer, results);
@@ -151,6 +166,15 @@ TEST(PortalGlobalShortcutsTest, theDesktopBindsThemInOneSession)
     Q_EMIT portal.Activated(session, "capture", 1, {});
     EXPECT_TRUE(await([&] { return !heard.isEmpty(); }));
     EXPECT_EQ(heard, QStringList("capture"));
+
+    portal.bindsAtOnce = true;
+    shortcuts.bind({ "record", "", { "F7" } });
+    ASSERT_TRUE(await([&] { return shortcuts.state("record").kind == Kind::Bound; }));
+    shortcuts.bind({ "mark", "", { "F6" } });
+    bus.settle(); // a session is being opened by now
+    shortcuts.bind({ "late", "", { "F5" } });
+    ASSERT_TRUE(await([&] { return shortcuts.state("late").kind == Kind::Bound; }));
+    EXPECT_TRUE(portal.bound.last().startsWith(session.path())) << "the user's keys are kept under its name";
 
     portal.answer = 1; // the user said no
     shortcuts.bind({ "dictate", "", { "F8" } });

@@ -163,6 +163,7 @@ public:
     uint devices = 3;
     uint answer = 0;
     QList<int> keys;
+    bool isBusy = false;
 
 public Q_SLOTS:
     Q_SCRIPTABLE QDBusObjectPath CreateSession(const QVariantMap& options)
@@ -183,6 +184,13 @@ public Q_SLOTS:
     Q_SCRIPTABLE void NotifyKeyboardKeysym(
         const QDBusObjectPath& /*session*/, const QVariantMap& /*options*/, int symbol, uint isDown)
     {
+        EXPECT_FALSE(std::exchange(isBusy, true)) << "a key may overtake the one before";
+        setDelayedReply(true);
+        const auto reply = [this, call = message()] {
+            isBusy = false;
+            bus.send(call.createReply());
+        };
+        QMetaObject::invokeMethod(this, reply, Qt::QueuedConnection);
         if (isDown)
             keys << symbol;
     }

@@ -34,8 +34,8 @@ public:
     /// The currently focused program gets the next text.
     virtual void aim() = 0;
 
-    /// One line of text. `done` is called within six seconds; never after this object is destroyed. A second text
-    /// during an insertion fails.
+    /// One line of text. `done` is called within six seconds, later only while a long text is typed; never after this
+    /// object is destroyed. A second text during an insertion fails.
     virtual void insert(const QString& text, Done done) = 0;
 
 Q_SIGNALS:

@@ -39,6 +39,7 @@ const QString requestInterface = u"org.freedesktop.portal.Request"_s;
 const QString sessionInterface = u"org.freedesktop.portal.Session"_s;
 
 const QString handleToken = u"handle_token"_s;
+const QString shortcutsKey = u"shortcuts"_s;
 const QString triggerDescription = u"trigger_description"_s;
 
 QList<PortalShortcut> shortcutsIn(const QVariant& value)
@@ -83,7 +84,8 @@ PortalGlobalShortcuts::PortalGlobalShortcuts(const QDBusConnection& bus)
 
 PortalGlobalShortcuts::~PortalGlobalShortcuts()
 {
-    closeSession();
+    if (!m_session.isEmpty() && m_bus.isConnected())
+        m_bus.send(closing());
 }
 
 void PortalGlobalShortcuts::bind(const GlobalShortcut& shortcut)
@@ -114,45 +116,83 @@ void PortalGlobalShortcuts::bindSoon()
 void PortalGlobalShortcuts::openSession()
 {
     m_isQueued = false;
-    closeSession();
-    m_awaited.clear();
-    if (m_shortcuts.isEmpty())
+    if (m_isBusy) {
+        m_isStale = true;
         return;
-    ask(u"CreateSession"_s, {}, { { u"session_handle_token"_s, u"corvane_session%1"_s.arg(m_requests) } },
-        &PortalGlobalShortcuts::bindAll);
-}
-
-void PortalGlobalShortcuts::closeSession()
-{
-    if (m_session.isEmpty() || !m_bus.isConnected())
-        return;
-    m_bus.send(BusObject { portal.service, m_session, sessionInterface }.method(u"Close"_s));
+    }
+    if (m_session.isEmpty())
+        return createSession();
+    m_isBusy = true;
+    callAsync(m_bus, closing(), this, [this](const QDBusMessage&) {
+        m_isBusy = false;
+        createSession();
+    });
     m_session.clear();
 }
 
-void PortalGlobalShortcuts::bindAll(const QVariantMap& results)
+QDBusMessage PortalGlobalShortcuts::closing() const
 {
-    m_session = unwrapped(results.value(u"session_handle"_s)).toString();
+    return BusObject { portal.service, m_session, sessionInterface }.method(u"Close"_s);
+}
+
+QList<PortalShortcut> PortalGlobalShortcuts::wanted() const
+{
     QList<PortalShortcut> shortcuts;
-    for (const GlobalShortcut& shortcut : std::as_const(m_shortcuts)) {
+    for (const GlobalShortcut& shortcut : m_shortcuts) {
         QVariantMap properties { { u"description"_s, shortcut.description } };
         if (const QString trigger = portalTrigger(shortcut.keys.value(0)); !trigger.isEmpty())
             properties[u"preferred_trigger"_s] = trigger;
         shortcuts.append({ shortcut.id, properties });
     }
+    return shortcuts;
+}
+
+void PortalGlobalShortcuts::createSession()
+{
+    if (m_shortcuts.isEmpty())
+        return settle();
+    m_isBusy = true;
+    m_isStale = false;
+    ask(u"CreateSession"_s, {},
+        { { u"session_handle_token"_s, u"corvane"_s }, { shortcutsKey, QVariant::fromValue(wanted()) } },
+        &PortalGlobalShortcuts::bindAll);
+}
+
+void PortalGlobalShortcuts::bindAll(const QVariantMap& results)
+{
+    m_session = unwrapped(results.value(u"session_handle"_s)).toString();
+    // KDE 5.27 binds what the session is created with; asked to bind, it does nothing but open its settings.
+    if (!shortcutsIn(results.value(shortcutsKey)).isEmpty())
+        return finish(results);
     const QString noParent;
     ask(u"BindShortcuts"_s,
-        { QVariant::fromValue(QDBusObjectPath(m_session)), QVariant::fromValue(shortcuts), noParent }, {},
-        &PortalGlobalShortcuts::takeShortcuts);
+        { QVariant::fromValue(QDBusObjectPath(m_session)), QVariant::fromValue(wanted()), noParent }, {},
+        &PortalGlobalShortcuts::finish);
+}
+
+void PortalGlobalShortcuts::finish(const QVariantMap& results)
+{
+    takeShortcuts(results);
+    settle();
+}
+
+void PortalGlobalShortcuts::settle()
+{
+    m_isBusy = false;
+    if (std::exchange(m_isStale, false))
+        bindSoon();
 }
 
 void PortalGlobalShortcuts::takeShortcuts(const QVariantMap& results)
 {
-    setAll({ Kind::Unavailable });
-    const QList<PortalShortcut> bound = shortcutsIn(results.value(u"shortcuts"_s));
-    for (const PortalShortcut& shortcut : bound)
-        if (m_states.contains(shortcut.id))
-            setState(shortcut.id, { Kind::Bound, unwrapped(shortcut.properties.value(triggerDescription)).toString() });
+    QHash<QString, GlobalShortcutState> bound;
+    for (const PortalShortcut& shortcut : shortcutsIn(results.value(shortcutsKey))) {
+        const QString keys = unwrapped(shortcut.properties.value(triggerDescription)).toString();
+        bound.insert(shortcut.id, { keys.isEmpty() ? Kind::Waiting : Kind::Bound, keys }); // it may have no key yet
+    }
+    const QStringList ids = m_states.keys();
+    for (const QString& id : ids)
+        setState(id, bound.value(id, { Kind::Unavailable }));
 }
 
 void PortalGlobalShortcuts::ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then)
@@ -170,6 +210,7 @@ void PortalGlobalShortcuts::ask(const QString& method, const QVariantList& argum
                 return;
             log(u"GlobalShortcuts: "_s + reply.errorMessage());
             setAll({ Kind::Unavailable });
+            settle();
         });
 }
 
@@ -181,8 +222,10 @@ void PortalGlobalShortcuts::onResponse(const QDBusMessage& response)
     if (!then || response.signature() != u"ua{sv}")
         return;
     constexpr uint granted = 0;
-    if (response.arguments().at(0).toUInt() != granted)
-        return setAll({ Kind::Unavailable });
+    if (response.arguments().at(0).toUInt() != granted) {
+        setAll({ Kind::Unavailable });
+        return settle();
+    }
     (this->*then)(qdbus_cast<QVariantMap>(response.arguments().at(1)));
 }
 
@@ -208,7 +251,7 @@ void PortalGlobalShortcuts::onDeactivated(const QDBusMessage& signal)
 void PortalGlobalShortcuts::onShortcutsChanged(const QDBusMessage& signal)
 {
     if (isOurs(signal))
-        takeShortcuts({ { u"shortcuts"_s, signal.arguments().value(1) } });
+        takeShortcuts({ { shortcutsKey, signal.arguments().value(1) } });
 }
 
 void PortalGlobalShortcuts::setAll(const GlobalShortcutState& state)

@@ -18,7 +18,8 @@ struct PortalShortcut {
 QString portalTrigger(const QString& keys);
 
 /// The GlobalShortcuts portal, version 1. The desktop chooses the keys and may ask the user; a session can bind
-/// shortcuts only once, so each change opens a new one.
+/// shortcuts only once, so each change opens a new one. Its name is always the same: KDE keeps the user's keys under
+/// it.
 class PortalGlobalShortcuts final : public GlobalShortcuts {
     Q_OBJECT
 public:
@@ -42,9 +43,13 @@ private:
     bool isOurs(const QDBusMessage& signal) const; ///< of the open session
     void bindSoon();
     void openSession();
-    void closeSession();
+    void createSession();
     void bindAll(const QVariantMap& results); ///< the session is open
+    void finish(const QVariantMap& results); ///< the shortcuts are bound
+    void settle(); ///< the session is open and bound, or refused
+    QDBusMessage closing() const; ///< of the open session
     void takeShortcuts(const QVariantMap& results); ///< the shortcuts that the desktop bound
+    QList<PortalShortcut> wanted() const;
     void ask(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then);
     void setAll(const GlobalShortcutState& state);
     void setState(const QString& id, const GlobalShortcutState& state);
@@ -56,6 +61,8 @@ private:
     QHash<QString, Answer> m_awaited; ///< by the path of the request; of the latest session only
     int m_requests = 0;
     bool m_isQueued = false;
+    bool m_isBusy = false; ///< a session is being closed, opened or bound
+    bool m_isStale = false; ///< something changed meanwhile
 };
 
 }

@@ -131,12 +131,34 @@ void PortalKeyboard::type(const QString& text, std::function<void(bool)> done)
             keys.append(
                 portal.method(u"NotifyKeyboardKeysym"_s, { session, QVariantMap(), symbolOf(character), isDown }));
     }
-    // The portal takes them in their order, so that the last answer stands for all.
-    for (qsizetype i = 0; i + 1 < keys.size(); ++i) {
-        m_bus.send(keys[i]);
-    }
-    callAsync(m_bus, keys.constLast(), this,
-        [done = std::move(done)](const QDBusMessage& reply) { done(reply.type() == QDBusMessage::ReplyMessage); });
+    send(std::move(keys), std::move(done));
+}
+
+void PortalKeyboard::pressPaste(std::function<void(bool)> done)
+{
+    // From linux/input-event-codes.h.
+    constexpr int shift = 42;
+    constexpr int insert = 110;
+    const QVariant session = QVariant::fromValue(QDBusObjectPath(m_session));
+    QList<QDBusMessage> keys;
+    for (const auto& [code, isDown] : { std::pair { shift, 1U }, { insert, 1U }, { insert, 0U }, { shift, 0U } })
+        keys.append(portal.method(u"NotifyKeyboardKeycode"_s, { session, QVariantMap(), code, isDown }));
+    send(std::move(keys), std::move(done));
+}
+
+/// One after the other: the portal takes up several calls at once, and a key that is let go before it is pressed stays
+/// down.
+void PortalKeyboard::send(QList<QDBusMessage> keys, std::function<void(bool)> done)
+{
+    if (keys.isEmpty())
+        return done(true);
+    const QDBusMessage first = keys.takeFirst();
+    callAsync(m_bus, first, this, [this, keys, done = std::move(done)](const QDBusMessage& reply) {
+        if (reply.type() == QDBusMessage::ReplyMessage)
+            send(keys, done);
+        else
+            done(false);
+    });
 }
 
 void PortalKeyboard::enter(State state)

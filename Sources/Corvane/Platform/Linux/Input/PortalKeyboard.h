@@ -25,8 +25,10 @@ public:
     State state() const { return m_state; }
     void ask(); ///< asks the user, unless that was done
 
-    /// `done` is called later with whether the portal accepted the keys; only while access is granted.
+    /// `done` is called later with whether the portal accepted the keys; only while access is granted. Some desktops
+    /// leave out characters that are not on the keyboard.
     void type(const QString& text, std::function<void(bool)> done);
+    void pressPaste(std::function<void(bool)> done); ///< Shift+Insert
 
 Q_SIGNALS:
     void changed();
@@ -38,6 +40,7 @@ private Q_SLOTS:
 private:
     using Answer = void (PortalKeyboard::*)(const QVariantMap& results);
 
+    void send(QList<QDBusMessage> keys, std::function<void(bool)> done);
     void request(const QString& method, const QVariantList& arguments, QVariantMap options, Answer then);
     void chooseDevices(const QVariantMap& results);
     void start(const QVariantMap& results);

@@ -4,8 +4,6 @@
 
 #include <QProcess>
 #include <QStandardPaths>
-#include <algorithm>
-#include <optional>
 
 namespace corvane {
 
@@ -17,12 +15,14 @@ const QString paste = u"wl-paste"_s;
 const QString press = u"wtype"_s;
 const QString plainText = u"text/plain;charset=utf-8"_s;
 
-/// The arguments that name each selection.
-const QList<QStringList>& selections()
+bool isInstalled(const QString& program)
 {
-    static const QList<QStringList> both { {}, { u"--primary"_s } };
-    return both;
+    return !QStandardPaths::findExecutable(program).isEmpty();
 }
+
+// The arguments that name each selection.
+const QStringList clipboard;
+const QStringList primary { u"--primary"_s };
 
 /// What the program prints, or nothing if it fails or takes too long.
 std::optional<QByteArray> output(const QString& program, const QStringList& arguments, const QByteArray& input = {})
@@ -64,32 +64,38 @@ bool put(const QStringList& selection, const SelectionContent& content)
 
 }
 
-bool hasPasteTools()
+bool hasClipboardTools()
 {
-    return std::ranges::none_of(QStringList { copy, paste, press },
-        [](const QString& program) { return QStandardPaths::findExecutable(program).isEmpty(); });
+    return isInstalled(copy) && isInstalled(paste);
 }
 
-PastedText pasteWithTools(const QString& text)
+bool hasKeyTool()
 {
-    PastedText pasted;
-    for (const QStringList& selection : selections())
-        pasted.kept.append(contentOf(selection));
-    for (const QStringList& selection : selections()) {
-        if (!put(selection, { plainText, text.toUtf8() }))
-            return pasted;
-    }
+    return isInstalled(press);
+}
+
+std::optional<KeptSelections> lendSelections(const QString& text)
+{
+    const KeptSelections kept { contentOf(clipboard), contentOf(primary) };
+    const SelectionContent content { plainText, text.toUtf8() };
+    if (!put(clipboard, content))
+        return std::nullopt;
+    put(primary, content); // not every desktop has one
+    return kept;
+}
+
+bool pressPaste()
+{
     const QStringList shiftInsert { u"-M"_s, u"shift"_s, u"-k"_s, u"Insert"_s, u"-m"_s, u"shift"_s };
-    pasted.outcome = output(press, shiftInsert) ? InsertionOutcome::Inserted : InsertionOutcome::Copied;
-    return pasted;
+    return output(press, shiftInsert).has_value();
 }
 
 void giveBackSelections(const KeptSelections& kept, const QString& text)
 {
-    if (contentOf({}).bytes != text.toUtf8())
+    if (contentOf(clipboard).bytes != text.toUtf8())
         return;
-    for (qsizetype i = 0; i < kept.size(); ++i)
-        put(selections().at(i), kept.at(i));
+    put(clipboard, kept.clipboard);
+    put(primary, kept.primary);
 }
 
 }

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Platform/TextInsertion.h"
-
 #include <QByteArray>
-#include <QList>
+#include <QString>
+#include <optional>
 
 namespace corvane {
 
@@ -13,23 +12,25 @@ struct SelectionContent {
     QByteArray bytes;
 };
 
-/// The clipboard and the primary selection.
-using KeptSelections = QList<SelectionContent>;
-
-struct PastedText {
-    InsertionOutcome outcome = InsertionOutcome::Missed;
-    KeptSelections kept; ///< what the selections held before
+struct KeptSelections {
+    SelectionContent clipboard;
+    SelectionContent primary;
 };
 
-/// Whether wl-clipboard and wtype are installed.
-bool hasPasteTools();
+// The following functions block for up to some seconds, so call them on a background thread.
 
-/// Puts the text on both selections and presses Shift+Insert, which programs and terminals alike take for "paste". The
-/// text stays on the clipboard if the compositor lets no program press keys; those on wlroots, such as sway, do. Blocks
-/// for seconds, so call it on a background thread.
-PastedText pasteWithTools(const QString& text);
+bool hasClipboardTools(); ///< wl-clipboard is installed
+bool hasKeyTool(); ///< wtype is installed
 
-/// Restores what the selections held, unless another program has taken the clipboard since. Blocks, too.
+/// Puts the text on the clipboard and, where the desktop has one, on the primary selection. Returns what they held, or
+/// nothing if it failed.
+std::optional<KeptSelections> lendSelections(const QString& text);
+
+/// Presses Shift+Insert, which programs and terminals alike take for "paste". False if the compositor lets no program
+/// press keys; those on wlroots, such as sway, do.
+bool pressPaste();
+
+/// Restores what the selections held, unless another program has taken the clipboard since.
 void giveBackSelections(const KeptSelections& kept, const QString& text);
 
 }

@@ -17,6 +17,7 @@ WaylandTextInsertion::WaylandTextInsertion(Scheduler& scheduler, const QDBusConn
     : m_scheduler(scheduler)
     , m_session(session)
     , m_keyboard(session)
+    , m_typesKeyboardOnly(qgetenv("XDG_CURRENT_DESKTOP").split(':').contains("KDE"))
 {
     connect(&m_keyboard, &PortalKeyboard::changed, this, &TextInsertion::wayChanged);
 }
@@ -27,7 +28,7 @@ InsertionWay WaylandTextInsertion::way() const
 {
     if (m_keyboard.state() != PortalKeyboard::State::Absent)
         return InsertionWay::Typing;
-    return hasPasteTools() ? InsertionWay::PasteKeys : InsertionWay::None;
+    return hasClipboardTools() && hasKeyTool() ? InsertionWay::PasteKeys : InsertionWay::None;
 }
 
 /// The question whether the program may type comes before the text does: its window takes the focus.
@@ -74,10 +75,12 @@ void WaylandTextInsertion::insertInto(const FocusedField& field)
 
 void WaylandTextInsertion::type()
 {
-    if (way() == InsertionWay::PasteKeys)
+    const bool mayType = m_keyboard.state() == PortalKeyboard::State::Granted;
+    if (way() == InsertionWay::PasteKeys || (mayType && m_typesKeyboardOnly && hasClipboardTools()))
         return paste();
-    if (m_keyboard.state() != PortalKeyboard::State::Granted)
+    if (!mayType)
         return end(InsertionOutcome::Missed);
+    m_limit.reset(); // a long text takes its time
     m_keyboard.type(
         m_text, [this](bool isTyped) { end(isTyped ? InsertionOutcome::Inserted : InsertionOutcome::Missed); });
 }
@@ -85,23 +88,33 @@ void WaylandTextInsertion::type()
 void WaylandTextInsertion::paste()
 {
     m_givesBack.reset();
-    m_background.run<PastedText>([text = m_text] { return pasteWithTools(text); },
-        [this](const PastedText& pasted) {
-            if (m_kept.isEmpty()) // else the text before this one stands there
-                m_kept = pasted.kept;
-            if (pasted.outcome == InsertionOutcome::Inserted)
-                m_givesBack = m_scheduler.after(giveBackTime, [this] { giveBack(); });
+    m_background.run<std::optional<KeptSelections>>([text = m_text] { return lendSelections(text); },
+        [this](const std::optional<KeptSelections>& kept) {
+            if (!kept)
+                return end(InsertionOutcome::Missed);
+            if (!m_kept) // else the text before this one stands there
+                m_kept = kept;
+            if (m_keyboard.state() == PortalKeyboard::State::Granted)
+                m_keyboard.pressPaste([this](bool isPressed) { onPressed(isPressed); });
             else
-                m_kept.clear();
-            end(pasted.outcome);
+                m_background.run<bool>(pressPaste, [this](bool isPressed) { onPressed(isPressed); });
         });
+}
+
+void WaylandTextInsertion::onPressed(bool isPressed)
+{
+    if (isPressed)
+        m_givesBack = m_scheduler.after(giveBackTime, [this] { giveBack(); });
+    else
+        m_kept.reset();
+    end(isPressed ? InsertionOutcome::Inserted : InsertionOutcome::Copied);
 }
 
 void WaylandTextInsertion::giveBack()
 {
     m_givesBack.reset();
     m_background.run<bool>(
-        [kept = std::exchange(m_kept, {}), text = m_text] {
+        [kept = *std::exchange(m_kept, std::nullopt), text = m_text] {
             giveBackSelections(kept, text);
             return true;
         },

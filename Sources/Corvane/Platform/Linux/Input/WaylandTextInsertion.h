@@ -10,7 +10,8 @@
 namespace corvane {
 
 /// Inserts text through the accessibility bus if the focused field supports it, else types through the portal. Where
-/// the desktop has no such portal, it pastes with wl-clipboard and wtype if they are installed.
+/// the desktop has no such portal, or types less than every character, it pastes, if wl-clipboard and wtype are
+/// installed.
 class WaylandTextInsertion final : public TextInsertion {
     Q_OBJECT
 public:
@@ -27,6 +28,7 @@ private:
     void insertInto(const FocusedField& field);
     void type();
     void paste();
+    void onPressed(bool isPressed); ///< the keys that paste
     void giveBack();
     void end(InsertionOutcome outcome);
 
@@ -34,9 +36,10 @@ private:
     QDBusConnection m_session;
     PortalKeyboard m_keyboard;
     BackgroundQueue m_background;
+    const bool m_typesKeyboardOnly; ///< the portal leaves out what is not on the keyboard
     std::unique_ptr<Timer> m_limit;
     std::unique_ptr<Timer> m_givesBack;
-    KeptSelections m_kept; ///< to be given back; empty for none
+    std::optional<KeptSelections> m_kept; ///< to be given back
     QString m_text;
     Done m_done; ///< of the current insertion
 };
