@@ -204,7 +204,7 @@ TEST_F(InboxViewTest, thePaletteOpensPeopleAndRunsActions)
     run(" good day ");
     EXPECT_EQ(inbox.filters()->search(), "good day");
     awaitHits();
-    EXPECT_EQ(column(inbox.list()->messageHits(), "snippet"), QStringList("<b>good day</b>"));
+    EXPECT_EQ(column(inbox.list()->results()->messages(), "snippet"), QStringList("<b>good day</b>"));
     run("new mess");
     EXPECT_TRUE(inbox.composeSheet()->shown());
 }

@@ -128,7 +128,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
     /// The search runs on a thread of its own.
     void awaitHits()
     {
-        EXPECT_TRUE(await([this] { return !inbox.list()->searchPending(); }));
+        EXPECT_TRUE(await([this] { return !inbox.list()->results()->pending(); }));
     }
 
     FakeLumo lumo { clock };
@@ -140,7 +140,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
         home.paths(), lumo, translations, voice.services } };
     QAbstractItemModelTester contactTester { inbox.list()->contacts(),
         QAbstractItemModelTester::FailureReportingMode::Fatal };
-    QAbstractItemModelTester hitTester { inbox.list()->messageHits(),
+    QAbstractItemModelTester hitTester { inbox.list()->results()->messages(),
         QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester threadTester { inbox.person()->thread()->rows(),
         QAbstractItemModelTester::FailureReportingMode::Fatal };

@@ -86,7 +86,8 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     clock.advance(Milliseconds(1));
     awaitHits();
     EXPECT_EQ(names(), QStringList("Ben"));
-    EXPECT_EQ(column(inbox.list()->messageHits(), "snippet"), QStringList("the Núñez <b>contract</b> is ready"));
+    EXPECT_EQ(
+        column(inbox.list()->results()->messages(), "snippet"), QStringList("the Núñez <b>contract</b> is ready"));
 
     inbox.person()->openHit("wa:msg:m3");
     EXPECT_EQ(inbox.person()->selectedId(), ben);
@@ -109,7 +110,7 @@ TEST_F(InboxViewTest, aSearchWaitsForTheLastKeyAndOpensAtTheMessage)
     EXPECT_EQ(inbox.filters()->search(), "");
     EXPECT_EQ(names().size(), 2);
     EXPECT_EQ(column(inbox.list()->contacts(), "snippet").first(), "Yes.");
-    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 0);
+    EXPECT_EQ(inbox.list()->results()->messages()->rowCount(), 0);
 }
 
 TEST_F(InboxViewTest, aSearchFindsOtherRecordsInGroupsAndLeadsToThem)
@@ -120,27 +121,27 @@ TEST_F(InboxViewTest, aSearchFindsOtherRecordsInGroupsAndLeadsToThem)
     insertCRMTask(engines.db(), NewTask { u"Sweep the kiln"_s, {} });
     QList<FoundRecord> chosen;
     QObject::connect(
-        inbox.list(), &ContactListView::recordChosen, [&](const FoundRecord& record, const QString& words) {
+        inbox.list()->results(), &SearchResults::recordChosen, [&](const FoundRecord& record, const QString& words) {
             EXPECT_EQ(words, "kiln");
             chosen.append(record);
         });
     const auto search = [this](const QString& typed) {
         inbox.filters()->setSearch(typed);
         clock.advance(Milliseconds(250));
-        ASSERT_TRUE(await([this] { return !inbox.list()->searchPending(); }));
+        ASSERT_TRUE(await([this] { return !inbox.list()->results()->pending(); }));
     };
     search(u"kiln"_s);
-    HoldingListModel* const records = inbox.list()->records();
+    HoldingListModel* const records = inbox.list()->results()->records();
     EXPECT_EQ(column(records, "heading"), QStringList({ "Notes", "", "", "", "", "Tasks" }));
     EXPECT_EQ(column(records, "more").at(4), "All notes");
     EXPECT_EQ(column(records, "snippet").first(), "<b>kiln</b> &lt;6&gt;");
     EXPECT_EQ(column(records, "opens").last(), "false") << "it belongs to nobody, and no screen shows it";
     EXPECT_FALSE(inbox.list()->isEmpty());
-    inbox.list()->openRecord(column(records, "id").first());
+    inbox.list()->results()->openRecord(column(records, "id").first());
     ASSERT_EQ(chosen.size(), 1);
     EXPECT_EQ(chosen.first().personId, ana);
 
-    inbox.list()->showGroup(column(records, "id").first());
+    inbox.list()->results()->showGroup(column(records, "id").first());
     EXPECT_EQ(inbox.filters()->search(), "kiln in:notes");
     ASSERT_TRUE(await([&] { return records->rowCount() == 7; }));
 
@@ -158,14 +159,14 @@ TEST_F(InboxViewTest, aStandingSearchFindsWhatArrivesWithoutStartingAgainAtEachM
     receive(ana, "invoice one");
     type("invoice");
     int searches = 0;
-    QObject::connect(inbox.list()->messageHits(), &QAbstractItemModel::rowsInserted, [&] { ++searches; });
+    QObject::connect(inbox.list()->results()->messages(), &QAbstractItemModel::rowsInserted, [&] { ++searches; });
     for (int i = 0; i < 30; ++i)
         receive(ana, u"invoice %1"_s.arg(i));
     EXPECT_LE(searches, 3);
     clock.advance(seconds(3));
     EXPECT_TRUE(await([this] {
         clock.advance(seconds(1));
-        return inbox.list()->messageHits()->rowCount() == 31;
+        return inbox.list()->results()->messages()->rowCount() == 31;
     }));
 }
 
@@ -175,16 +176,16 @@ TEST_F(InboxViewTest, aLongSearchTellsThatItRunsAndShowsNothingOld)
     type("invoice");
     inbox.filters()->setSearch("nothing like it");
     clock.advance(Milliseconds(250));
-    EXPECT_TRUE(inbox.list()->searchPending());
-    EXPECT_FALSE(inbox.list()->searching());
+    EXPECT_TRUE(inbox.list()->results()->pending());
+    EXPECT_FALSE(inbox.list()->results()->searching());
     EXPECT_FALSE(inbox.list()->isEmpty()) << "nobody knows yet";
-    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 1) << "a quick search does not flicker";
+    EXPECT_EQ(inbox.list()->results()->messages()->rowCount(), 1) << "a quick search does not flicker";
     clock.advance(Milliseconds(150));
-    EXPECT_TRUE(inbox.list()->searching());
-    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 0);
+    EXPECT_TRUE(inbox.list()->results()->searching());
+    EXPECT_EQ(inbox.list()->results()->messages()->rowCount(), 0);
     EXPECT_FALSE(inbox.list()->isEmpty());
     awaitHits();
-    EXPECT_FALSE(inbox.list()->searching());
+    EXPECT_FALSE(inbox.list()->results()->searching());
     EXPECT_TRUE(inbox.list()->isEmpty());
 }
 

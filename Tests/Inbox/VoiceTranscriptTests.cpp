@@ -40,7 +40,7 @@ TEST_F(VoiceTranscriptTest, aVoiceNoteBecomesTextThatIsStoredShownSearchedAndRea
     EXPECT_FALSE(readSegments(note).isEmpty());
     EXPECT_TRUE(inbox.person()->thread()->readableText(id).contains("young man"));
     type("young man");
-    EXPECT_TRUE(column(inbox.list()->messageHits(), "snippet").value(0).contains("<b>young man</b>"));
+    EXPECT_TRUE(column(inbox.list()->results()->messages(), "snippet").value(0).contains("<b>young man</b>"));
 
     transcripts().speak(id);
     EXPECT_EQ(transcripts().speakingId(), id);

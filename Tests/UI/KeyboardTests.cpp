@@ -163,7 +163,7 @@ TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
     clock.advance(Milliseconds(300));
     rest();
     EXPECT_EQ(inbox.list()->contacts()->rowCount(), 1);
-    EXPECT_EQ(inbox.list()->messageHits()->rowCount(), 1);
+    EXPECT_EQ(inbox.list()->results()->messages()->rowCount(), 1);
 
     press(Qt::Key_Down);
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
@@ -184,7 +184,7 @@ TEST_F(KeyboardTest, aSearchLeadsToTheNoteOfAPersonAndToTheDayOfAnEvent)
         type(words);
         clock.advance(Milliseconds(300));
         rest();
-        ASSERT_EQ(inbox.list()->records()->rowCount(), 1);
+        ASSERT_EQ(inbox.list()->results()->records()->rowCount(), 1);
         press(Qt::Key_Down);
         EXPECT_TRUE(focusWithin(u"inbox.list"_s));
         press(Qt::Key_Down);

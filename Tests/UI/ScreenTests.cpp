@@ -417,7 +417,7 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
     inbox.filters()->setSearch(u"Message 3 of"_s);
     clock.advance(Milliseconds(300));
     rest();
-    const QAbstractItemModel* hits = inbox.list()->messageHits();
+    const QAbstractItemModel* hits = inbox.list()->results()->messages();
     ASSERT_EQ(hits->rowCount(), 1);
     const int idRole = hits->roleNames().key("id");
     inbox.person()->openHit(hits->index(0, 0).data(idRole).toString());

@@ -126,7 +126,7 @@ void WindowTest::receive(
 
 void WindowTest::rest()
 {
-    EXPECT_TRUE(await([this] { return !inbox.list()->searchPending(); }));
+    EXPECT_TRUE(await([this] { return !inbox.list()->results()->pending(); }));
     for (int turn = 0; turn < 4; ++turn) {
         clock.advance(Milliseconds(120));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

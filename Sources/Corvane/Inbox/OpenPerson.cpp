@@ -8,8 +8,6 @@
 #include "Presentation/UndoOffer.h"
 #include "Store/People/IdentityQueries.h"
 
-#include <algorithm>
-
 namespace corvane {
 
 namespace {
@@ -181,11 +179,10 @@ void OpenPerson::moveSelection(int delta)
 
 void OpenPerson::openHit(const QString& messageId)
 {
-    const auto& hits = m_list.hits();
-    const auto hit = std::ranges::find(hits, messageId, &MessageHitItem::id);
-    if (hit == hits.end())
+    const QString person = m_list.results()->personOf(messageId);
+    if (person.isEmpty())
         return;
-    select(QString(hit->contactId));
+    select(person);
     jumpTo(messageId);
 }
 
@@ -203,7 +200,7 @@ void OpenPerson::openVoiceSettings()
 
 void OpenPerson::jumpTo(const QString& messageId)
 {
-    if (!m_thread.show(messageId, m_list.searchedText()))
+    if (!m_thread.show(messageId, m_list.results()->words()))
         return;
     m_jumpMsgId = messageId;
     Q_EMIT jumped();

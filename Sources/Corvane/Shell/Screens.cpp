@@ -121,7 +121,7 @@ Screens::Screens(CorvaneApp& root)
         openFound(*this, record, words);
     };
     QObject::connect(inbox.palette(), &CommandPalette::foundChosen, &shell, open);
-    QObject::connect(inbox.list(), &ContactListView::recordChosen, &shell, open);
+    QObject::connect(inbox.list()->results(), &SearchResults::recordChosen, &shell, open);
     const auto showUrgent = [this] {
         shell.hubs()->setBadge(u"ops"_s, ops.urgent(), u"urgent"_s);
     };

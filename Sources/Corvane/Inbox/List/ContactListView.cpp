@@ -15,7 +15,6 @@ namespace {
 
 constexpr Milliseconds reloadPause { 100 };
 constexpr Milliseconds countsPeriod { 1000 };
-constexpr int fewHits = 8; ///< so that the records below are in reach
 
 }
 
@@ -27,8 +26,7 @@ ContactListView::ContactListView(
     , m_filter(filter)
     , m_bulk(bulk)
     , m_rows(db)
-    , m_hits(db, scheduler)
-    , m_records(db, scheduler)
+    , m_results(db, scheduler, filter)
     , m_counts(db)
     , m_reloadSoon(scheduler, reloadPause,
           [this] {
@@ -41,8 +39,7 @@ ContactListView::ContactListView(
     connect(&m_filter, &ListFilter::filterChanged, &m_bulk, &BulkSelection::clear);
     connect(&m_filter, &ListFilter::rowsChanged, this, &ContactListView::reload);
     connect(&m_filter, &ListFilter::shownChanged, this, &ContactListView::present);
-    connect(&m_hits, &MessageHits::changed, this, &ContactListView::changed);
-    connect(&m_records, &RecordHits::changed, this, &ContactListView::changed);
+    connect(&m_results, &SearchResults::changed, this, &ContactListView::changed);
     connect(&m_bulk, &BulkSelection::changed, this, &ContactListView::present);
 }
 
@@ -137,8 +134,7 @@ void ContactListView::showRead(const std::optional<QStringList>& contactIds)
 {
     const SearchQuery query = m_filter.state().wanted;
     m_contacts = query.isEmpty() ? m_rows.rows() : matching(m_rows.rows(), query);
-    m_hits.find(query);
-    m_records.find(query);
+    m_results.find(query);
     Q_EMIT read(contactIds);
     m_loading = false;
     m_countsSoon.request();
@@ -197,48 +193,9 @@ std::optional<ContactRow> ContactListView::rowOf(const QString& contactId) const
     return current ? std::optional(*listed) : fetchContact(m_db, contactId);
 }
 
-const QString& ContactListView::searchedText() const
-{
-    return m_filter.state().wanted.text;
-}
-
 bool ContactListView::isEmpty() const
 {
-    return m_contactModel.rows().isEmpty() && !hitsShown() && m_records.rows().isEmpty() && m_records.notice().isEmpty()
-        && !m_hits.pending() && !m_records.pending();
-}
-
-void ContactListView::openRecord(const QString& key)
-{
-    if (const auto record = m_records.record(key))
-        Q_EMIT recordChosen(*record, searchedText());
-}
-
-void ContactListView::showGroup(const QString& key)
-{
-    if (const auto record = m_records.record(key))
-        narrowTo(record->group);
-}
-
-void ContactListView::showAllHits()
-{
-    narrowTo(SearchGroup::Messages);
-}
-
-void ContactListView::narrowTo(SearchGroup group)
-{
-    m_filter.searchFor(m_filter.search().trimmed() + u" in:"_s + groupWord(group));
-}
-
-int ContactListView::hitsAtFirst() const
-{
-    const int found = int(m_hits.rows().size());
-    return m_records.rows().isEmpty() ? found : std::min(found, fewHits);
-}
-
-QString ContactListView::moreHits() const
-{
-    return hitsAtFirst() < m_hits.rows().size() ? u"All messages"_s : QString();
+    return m_contactModel.rows().isEmpty() && m_results.isEmpty();
 }
 
 ContactItem ContactListView::item(const ContactRow& row)

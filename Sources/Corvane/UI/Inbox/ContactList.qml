@@ -56,7 +56,7 @@ ListView {
         }
     }
 
-    readonly property bool hasResults: inbox.list.hitsShown || inbox.list.records.count > 0
+    readonly property bool hasResults: inbox.list.results.messagesShown || inbox.list.results.records.count > 0
     Keys.onDownPressed: {
         if (hasResults && inbox.list.selectedIndex === count - 1)
             footerItem.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
@@ -100,27 +100,30 @@ ListView {
     }
 
     footer: Column {
+        id: below
+        readonly property SearchResults results: list.inbox.list.results
+
         width: list.width
         height: implicitHeight
 
         SectionHeader {
-            visible: list.inbox.list.hitsShown
+            visible: below.results.messagesShown
             leftPadding: Theme.large
             topPadding: Theme.large
             bottomPadding: Theme.tight
-            text: list.inbox.list.hitsTitle
+            text: below.results.messagesTitle
         }
         Skeleton {
             width: parent.width
             rows: 3
-            active: list.inbox.list.searching
+            active: below.results.searching
         }
         Repeater {
-            model: list.inbox.list.messageHits
+            model: below.results.messages
             HitRow {
                 id: found
                 width: list.width
-                visible: found.index < list.inbox.list.hitsAtFirst
+                visible: found.index < below.results.messagesAtFirst
                 onClicked: list.inbox.person.openHit(found.hit.id)
             }
         }
@@ -128,16 +131,16 @@ ListView {
             x: 68 - Theme.small
             objectName: "inbox.moreHits"
             visible: text !== ""
-            text: list.inbox.list.moreHits
-            onClicked: list.inbox.list.showAllHits()
+            text: below.results.moreMessages
+            onClicked: below.results.showAllMessages()
         }
         Repeater {
-            model: list.inbox.list.records
+            model: below.results.records
             RecordHitRow {
                 id: other
                 width: list.width
-                onOpened: list.inbox.list.openRecord(other.record.id)
-                onMoreAsked: list.inbox.list.showGroup(other.record.id)
+                onOpened: below.results.openRecord(other.record.id)
+                onMoreAsked: below.results.showGroup(other.record.id)
             }
         }
         Label {
@@ -147,7 +150,7 @@ ListView {
             topPadding: Theme.large
             visible: text !== ""
             wrapMode: Text.Wrap
-            text: list.inbox.list.recordsNotice
+            text: below.results.recordsNotice
             color: Theme.bad
         }
     }

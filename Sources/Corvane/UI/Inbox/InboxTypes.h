@@ -29,6 +29,13 @@ struct ContactListViewType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct SearchResultsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::SearchResults)
+    QML_NAMED_ELEMENT(SearchResults)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct ListNoticesType {
     Q_GADGET
     QML_FOREIGN(corvane::ListNotices)
