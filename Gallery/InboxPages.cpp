@@ -21,7 +21,7 @@ namespace {
 void queueReply(Gallery& gallery, const QString& text)
 {
     LocalDB& db = gallery.db();
-    const Composer& composer = *gallery.screens().inbox.person()->composer();
+    const Composer& composer = *gallery.screens().inbox.reply()->composer();
     if (const auto target = replyTarget(db, composer.contactId(), composer.replyPlatform()))
         queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
     gallery.app().delivery().refresh();
@@ -40,7 +40,7 @@ void searchFor(Gallery& gallery, const QString& words)
 /// which is one of mails.
 void drawFiles(Gallery& gallery)
 {
-    Composer& composer = *gallery.screens().inbox.person()->composer();
+    Composer& composer = *gallery.screens().inbox.reply()->composer();
     const auto target = replyTarget(gallery.db(), composer.contactId(), composer.replyPlatform());
     const auto account = target ? gallery.app().store().findBySlug(target->account) : std::nullopt;
     if (!account)
@@ -101,11 +101,11 @@ void drawInbox(Gallery& gallery)
     drawFiles(gallery);
     gallery.openThread(u"Megan Price"_s);
     queueReply(gallery, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
-    inbox.person()->composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
+    inbox.reply()->composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
     gallery.save(u"inbox-draft"_s, { Look::Light, Look::Dark });
     (void)rejectDraft(gallery.db(), gallery.screens().drafts.confirmDraft());
     gallery.app().delivery().refresh();
-    inbox.person()->composer()->setText({});
+    inbox.reply()->composer()->setText({});
     inbox.composeSheet()->open();
     gallery.save(u"inbox-new-message"_s, { Look::Light, Look::Dark });
     inbox.composeSheet()->close();

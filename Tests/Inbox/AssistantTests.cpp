@@ -33,8 +33,8 @@ protected:
     }
 
     FakeLanguageModel& model = lumo.model;
-    DraftAssistant& draft = *inbox.person()->assistant();
-    Composer& composer = *inbox.person()->composer();
+    DraftAssistant& draft = *inbox.reply()->assistant();
+    Composer& composer = *inbox.reply()->composer();
 };
 
 }
@@ -114,10 +114,10 @@ TEST_F(AssistantTest, whatIsCancelledOrAboutAnotherPersonIsNeverShown)
     const auto second = model.willAnswerLater();
     const auto third = model.willAnswerLater();
     draft.draftReply();
-    inbox.person()->summary()->summarize();
+    inbox.reply()->summary()->summarize();
     inbox.person()->select(ben);
     EXPECT_TRUE(second.hasArrived() && third.hasArrived());
-    EXPECT_EQ(draft.stateWord() + inbox.person()->summary()->stateWord(), "idleidle");
+    EXPECT_EQ(draft.stateWord() + inbox.reply()->summary()->stateWord(), "idleidle");
 }
 
 TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
@@ -134,16 +134,16 @@ TEST_F(AssistantTest, withoutABackendEachPlaceSaysWhatIsMissing)
             "missingModel|No model and no Codex CLI|Start a model on this computer or install Codex CLI. "
             "Current backend: none");
     }
-    inbox.person()->summary()->summarize();
-    EXPECT_EQ(inbox.person()->summary()->detail(), "Start a model on this computer or install Codex CLI.");
-    EXPECT_EQ(inbox.person()->askLumo()->actionLabel(), "no AI backend");
-    EXPECT_EQ(inbox.person()->askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
-    EXPECT_FALSE(inbox.person()->askLumo()->canAsk());
+    inbox.reply()->summary()->summarize();
+    EXPECT_EQ(inbox.reply()->summary()->detail(), "Start a model on this computer or install Codex CLI.");
+    EXPECT_EQ(inbox.reply()->askLumo()->actionLabel(), "no AI backend");
+    EXPECT_EQ(inbox.reply()->askLumo()->footer(), "Grounded in the local thread + notes · no AI backend");
+    EXPECT_FALSE(inbox.reply()->askLumo()->canAsk());
 }
 
 TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 {
-    ThreadSummary& summary = *inbox.person()->summary();
+    ThreadSummary& summary = *inbox.reply()->summary();
     model.willAnswer(u"- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"_s);
     summary.summarize();
     EXPECT_EQ(summary.html(),
@@ -162,7 +162,7 @@ TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
 
 TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
 {
-    AskLumo& ask = *inbox.person()->askLumo();
+    AskLumo& ask = *inbox.reply()->askLumo();
     EXPECT_EQ(ask.heading(), "Ask Lumo about Ana Ruiz");
     ask.ask("  \n");
     EXPECT_EQ(ask.stateWord(), "idle");

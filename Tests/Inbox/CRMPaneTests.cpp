@@ -234,8 +234,8 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
     meetNamesake();
     engines.db().watch().start();
     inbox.person()->select(namesake);
-    inbox.person()->composer()->setText("half a sentence");
-    inbox.person()->composer()->startVoice();
+    inbox.reply()->composer()->setText("half a sentence");
+    inbox.reply()->composer()->startVoice();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 1;
     const auto other = openDatabase(clock);
@@ -244,14 +244,14 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
     clock.advance(seconds(5));
     EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(bodies().size(), 3) << "a day, and a message of each";
-    EXPECT_EQ(inbox.person()->composer()->text(), "half a sentence");
-    EXPECT_TRUE(inbox.person()->composer()->showsVoice());
+    EXPECT_EQ(inbox.reply()->composer()->text(), "half a sentence");
+    EXPECT_TRUE(inbox.reply()->composer()->showsVoice());
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     ASSERT_TRUE(unmergeContacts(*other, *merge));
     clock.advance(seconds(5));
     EXPECT_EQ(names().size(), 3);
     EXPECT_EQ(pane.merges()->rowCount(), 0);
-    inbox.person()->composer()->voice()->cancel();
+    inbox.reply()->composer()->voice()->cancel();
 }
 
 TEST_F(CRMPaneTest, aMergeShowsWhatIsKnownOfBoth)

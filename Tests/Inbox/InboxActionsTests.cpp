@@ -249,9 +249,9 @@ TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)
     EXPECT_FALSE(thread.loadingMore());
     engines.stop(account);
     thread.loadMore();
-    EXPECT_EQ(inbox.person()->composer()->sendError(), "Account " + account.slug + " is not connected");
+    EXPECT_EQ(inbox.reply()->composer()->sendError(), "Account " + account.slug + " is not connected");
     inbox.person()->select(ben);
-    EXPECT_EQ(inbox.person()->composer()->sendError(), "");
+    EXPECT_EQ(inbox.reply()->composer()->sendError(), "");
     EXPECT_FALSE(thread.loadingMore());
 }
 
@@ -303,10 +303,10 @@ TEST_F(InboxViewTest, theReplyGoesWhereItLastWent)
     inbox.list()->reload();
     defaults.setText("nimb.replyPlatform." + ana, "EMAIL");
     inbox.person()->select(ana);
-    EXPECT_EQ(inbox.person()->composer()->replyPlatform(), "EMAIL");
+    EXPECT_EQ(inbox.reply()->composer()->replyPlatform(), "EMAIL");
     defaults.setText("nimb.replyPlatform." + ana, "SLACK");
     inbox.person()->select(ben);
     inbox.person()->select(ana);
-    EXPECT_EQ(inbox.person()->composer()->replyPlatform(), inbox.person()->selected().platforms.first())
+    EXPECT_EQ(inbox.reply()->composer()->replyPlatform(), inbox.person()->selected().platforms.first())
         << "a channel that the person has not";
 }

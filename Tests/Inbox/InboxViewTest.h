@@ -10,8 +10,6 @@
 #include "Support/Print.h"
 #include "Support/RealVoice.h"
 
-#include "Voice/TranslationService.h"
-
 #include <QAbstractItemModelTester>
 #include <QDateTime>
 #include <QSignalSpy>
@@ -132,12 +130,13 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
     }
 
     FakeLumo lumo { clock };
-    TranslationService translations { lumo.machine };
     RealVoice voice { lumo.machine, defaults, clock, home.paths().applicationSupport };
     AccountStore accounts { home.paths().applicationSupport };
     Account account = accounts.add("Main", Channel::WhatsApp);
-    InboxView inbox { InboxView::Surroundings { engines, accounts, defaults, centre, clock, microphone, desktop, player,
-        home.paths(), lumo, translations, voice.services } };
+    const Composer::Surroundings composing { engines, accounts, defaults, clock, microphone, desktop, voice.services,
+        home.paths().applicationSupport };
+    Reply reply { composing, lumo };
+    InboxView inbox { { engines, accounts, defaults, centre, clock, desktop, player, voice.services }, reply };
     QAbstractItemModelTester contactTester { inbox.list()->contacts(),
         QAbstractItemModelTester::FailureReportingMode::Fatal };
     QAbstractItemModelTester hitTester { inbox.list()->results()->messages(),

@@ -68,7 +68,7 @@ TEST_F(VoiceTranscriptTest, whatHindersATranscriptIsSaidAndLeavesWithTheThread)
 
 TEST_F(VoiceTranscriptTest, whatIsDictatedStandsAtTheCursorAndItsSoundIsGone)
 {
-    Composer& composer = *inbox.person()->composer();
+    Composer& composer = *inbox.reply()->composer();
     ComposerDictation& dictation = *composer.dictation();
     composer.setText("So, indeed.");
     QSignalSpy said(&composer, &Composer::dictated);

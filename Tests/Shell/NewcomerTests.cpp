@@ -56,7 +56,7 @@ protected:
     }
 
     InboxView& inbox() { return screens->inbox; }
-    Composer& composer() { return *inbox().person()->composer(); }
+    Composer& composer() { return *inbox().reply()->composer(); }
     CRMPane& pane() { return *inbox().person()->crm(); }
 
     QString cell(const QString& sql) { return app->engine().db().scalar(sql).value_or("-"); }

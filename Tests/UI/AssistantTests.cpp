@@ -112,10 +112,10 @@ TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
     EXPECT_EQ(words(u"draftPreview.text"_s), u"Yes, the whole morning. Petra Lindqvist comes along."_s);
     EXPECT_TRUE(shows(u"Composer draft only · small:1b (Ollama)"_s));
     EXPECT_TRUE(shows(u"Not in the local context: Petra Lindqvist"_s));
-    EXPECT_EQ(inbox.person()->composer()->text(), u""_s) << "a draft is a proposal";
+    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s) << "a draft is a proposal";
     walkTo(u"draftPreview.accept"_s);
     press(Qt::Key_Return);
-    EXPECT_EQ(inbox.person()->composer()->text(), reply.value(u"body"_s).toString());
+    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString());
     EXPECT_TRUE(focusWithin(u"composer"_s));
     item(u"draftTaken"_s);
 
@@ -124,7 +124,7 @@ TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
     waitFor(u"draftPreview.replace"_s);
     EXPECT_TRUE(shows(u"Shorten"_s));
     click(u"draftPreview.replace"_s);
-    EXPECT_EQ(inbox.person()->composer()->text(), u"Yes, all morning."_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u"Yes, all morning."_s);
 
     rewrites(u"Ja, den ganzen Morgen."_s);
     choose(5, 3);
@@ -138,10 +138,10 @@ TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
             .toString()
             .contains(u"Translate the draft to German"_s));
     click(u"draftPreview.undo"_s);
-    EXPECT_EQ(inbox.person()->composer()->text(), reply.value(u"body"_s).toString()) << "as before the last one taken";
+    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString()) << "as before the last one taken";
     EXPECT_TRUE(focusWithin(u"composer"_s));
     click(u"draftPreview.accept"_s);
-    EXPECT_EQ(inbox.person()->composer()->text(), reply.value(u"body"_s).toString() + u"\n\nJa, den ganzen Morgen."_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString() + u"\n\nJa, den ganzen Morgen."_s);
 }
 
 TEST_F(AssistantWindow, aServerThatStallsHoldsNothingUpAndCancelEndsItsWork)
@@ -153,7 +153,7 @@ TEST_F(AssistantWindow, aServerThatStallsHoldsNothingUpAndCancelEndsItsWork)
     EXPECT_TRUE(shows(u"Drafting with small:1b (Ollama)"_s));
     press(Qt::Key_R);
     type(u"meanwhile"_s);
-    EXPECT_EQ(inbox.person()->composer()->text(), u"meanwhile"_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u"meanwhile"_s);
     walkTo(u"draftPreview.dismiss"_s);
     EXPECT_EQ(focused()->property("text"), u"Cancel"_s);
     press(Qt::Key_Return);
@@ -183,7 +183,7 @@ TEST_F(AssistantWindow, aCitationLeadsToItsMessageAndLongTextsLeaveRoomForTheThr
     EXPECT_GT(item(u"thread.list"_s)->height(), 80);
     EXPECT_TRUE(words(u"summary.text"_s).startsWith(u"• Situation: <b>Ana</b> had a long morning [<a href=\""_s));
 
-    inbox.person()->assistant()->dismiss();
+    inbox.reply()->assistant()->dismiss();
     rest();
     walkTo(u"summary.dismiss"_s);
     while (!focusWithin(u"citation.M1"_s) && focusWithin(u"summary"_s))

@@ -58,7 +58,7 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     type(u"jk e"_s);
     press(Qt::Key_Return);
     type(u"m?"_s);
-    EXPECT_EQ(inbox.person()->composer()->text(), u"jk e\nm?"_s) << "letters are text here, not commands";
+    EXPECT_EQ(inbox.reply()->composer()->text(), u"jk e\nm?"_s) << "letters are text here, not commands";
     const double low = item(u"composer"_s)->height();
     for (int i = 0; i < 20; ++i)
         press(Qt::Key_Return);
@@ -67,11 +67,11 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_LT(high, 200) << "eight lines, then it scrolls";
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(sent(), QStringList(u"jk e\nm?"_s));
-    EXPECT_EQ(inbox.person()->composer()->text(), u""_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     settings.system()->setReturnSends(true);
-    EXPECT_TRUE(inbox.person()->composer()->placeholder().endsWith(u" · Return sends"_s));
+    EXPECT_TRUE(inbox.reply()->composer()->placeholder().endsWith(u" · Return sends"_s));
     type(u"by"_s);
     press(Qt::Key_Return, Qt::ShiftModifier);
     type(u"choice"_s);
@@ -88,8 +88,8 @@ TEST_F(ComposerWindow, aCopiedFileAndPictureArePastedAndASubjectIsTypedWhereTheC
     settle();
     rest();
     ASSERT_NE(item(u"composer.attach"_s), nullptr);
-    inbox.person()->composer()->requestFocus();
-    Attachments& attachments = *inbox.person()->composer()->attachments();
+    inbox.reply()->composer()->requestFocus();
+    Attachments& attachments = *inbox.reply()->composer()->attachments();
     const auto paste = [&](QMimeData* copied, qsizetype count) {
         QGuiApplication::clipboard()->setMimeData(copied);
         press(Qt::Key_V, Qt::ControlModifier);
@@ -111,9 +111,9 @@ TEST_F(ComposerWindow, aCopiedFileAndPictureArePastedAndASubjectIsTypedWhereTheC
     auto* const words = new QMimeData;
     words->setText(u"words"_s);
     QGuiApplication::clipboard()->setMimeData(words);
-    inbox.person()->composer()->requestFocus();
+    inbox.reply()->composer()->requestFocus();
     press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(inbox.person()->composer()->text(), u"words"_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u"words"_s);
     item(u"composer.subject"_s)->forceActiveFocus();
     type(u"Plans"_s);
     press(Qt::Key_Return);
@@ -155,11 +155,11 @@ TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
     type(u"to Ana"_s);
     inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     rest();
-    EXPECT_EQ(inbox.person()->composer()->text(), u""_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s);
     type(u"to Ben"_s);
     inbox.person()->select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
     rest();
-    EXPECT_EQ(inbox.person()->composer()->text(), u"to Ana"_s);
+    EXPECT_EQ(inbox.reply()->composer()->text(), u"to Ana"_s);
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"to Ana"_s);
     inbox.person()->select({});
     rest();
@@ -169,13 +169,13 @@ TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
 TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
 {
     engines.stop(*accounts.findBySlug(u"studio"_s));
-    inbox.person()->composer()->setText(u"hello"_s);
+    inbox.reply()->composer()->setText(u"hello"_s);
     rest();
     EXPECT_TRUE(differsFromBefore());
     click(u"composer.send"_s);
     item(u"composer.error"_s);
     EXPECT_TRUE(differsFromBefore());
-    inbox.person()->composer()->dismissError();
+    inbox.reply()->composer()->dismissError();
 
     click(u"composer.voice"_s);
     microphone.answer(MicrophoneAccess::Granted);
@@ -187,7 +187,7 @@ TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
     click(u"composer.sendVoice"_s);
     item(u"composer.error"_s);
     click(u"composer.discardVoice"_s);
-    EXPECT_TRUE(inbox.person()->composer()->voice()->idle());
+    EXPECT_TRUE(inbox.reply()->composer()->voice()->idle());
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"hello"_s);
 }
 

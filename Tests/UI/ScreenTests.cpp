@@ -319,8 +319,8 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     receiveOlder();
     EXPECT_NEAR(placeOf(read), inTheMiddle, 1);
 
-    inbox.person()->composer()->setText(u"what is said is seen"_s);
-    inbox.person()->composer()->send();
+    inbox.reply()->composer()->setText(u"what is said is seen"_s);
+    inbox.reply()->composer()->send();
     rest();
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }

@@ -55,7 +55,7 @@ TEST_F(VoiceWindow, aVoiceNoteIsTranscribedAndReadAloud)
 
 TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
 {
-    inbox.person()->composer()->setText(u"Yes.  See you."_s);
+    inbox.reply()->composer()->setText(u"Yes.  See you."_s);
     press(Qt::Key_R);
     for (int i = 0; i < 9; ++i)
         press(Qt::Key_Left);
@@ -69,18 +69,18 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     click(u"dictation.finish"_s);
     ASSERT_TRUE(await([&] {
         rest();
-        return inbox.person()->composer()->text().size() > 20;
+        return inbox.reply()->composer()->text().size() > 20;
     }));
-    EXPECT_TRUE(inbox.person()->composer()->text().startsWith(u"Yes. he "_s))
-        << qPrintable(inbox.person()->composer()->text());
-    EXPECT_TRUE(inbox.person()->composer()->text().endsWith(u" See you."_s));
+    EXPECT_TRUE(inbox.reply()->composer()->text().startsWith(u"Yes. he "_s))
+        << qPrintable(inbox.reply()->composer()->text());
+    EXPECT_TRUE(inbox.reply()->composer()->text().endsWith(u" See you."_s));
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     microphone.answer(MicrophoneAccess::Granted);
     rest();
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.person()->composer()->dictation()->stateWord(), u"idle"_s);
+    EXPECT_EQ(inbox.reply()->composer()->dictation()->stateWord(), u"idle"_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     defaults.setText(u"nimb.dictationLocale"_s, u"de"_s);

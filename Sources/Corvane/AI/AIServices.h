@@ -6,6 +6,7 @@
 #include "AI/LumoAI.h"
 #include "AI/LumoAISummaryService.h"
 #include "AI/LumoDraftService.h"
+#include "AI/TranslationService.h"
 
 namespace corvane {
 
@@ -21,6 +22,7 @@ struct AIServices {
         , gate(machine)
         , drafts(ai, scheduler)
         , summaries(ai, scheduler)
+        , translations(machine)
     {
     }
 
@@ -31,6 +33,7 @@ struct AIServices {
     const LocalAIAvailability gate;
     LumoDraftService drafts;
     LumoAISummaryService summaries;
+    TranslationService translations;
 };
 
 }

@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-InboxView::InboxView(const Surroundings& at, QObject* parent)
+InboxView::InboxView(const Surroundings& at, Reply& reply, QObject* parent)
     : QObject(parent)
     , m_engine(at.engine)
     , m_notifications(at.notifications)
@@ -22,6 +22,7 @@ InboxView::InboxView(const Surroundings& at, QObject* parent)
     , m_avatars(m_engine, at.accounts)
     , m_undo(m_scheduler, [this] { Q_EMIT m_actions.undoChanged(); })
     , m_person(at, m_list, m_undo)
+    , m_reply(reply)
     , m_actions({ m_engine, at.accounts, m_filter, m_bulk, m_list, m_person, m_undo })
     , m_composeSheet(at.accounts, m_engine, at.desktop,
           [this](const Account& account, const QString& recipient, const OutgoingMessage& message) {
@@ -39,6 +40,13 @@ InboxView::InboxView(const Surroundings& at, QObject* parent)
         m_notices.present(m_filter.channelFilter());
         m_palette.setContacts(m_list.found());
     });
+    m_person.addPane([this](const ContactRow& contact) { m_reply.open(contact); });
+    Composer& composer = *m_reply.composer();
+    ThreadView& thread = *m_person.thread();
+    connect(&thread, &ThreadView::refused, &composer, &Composer::setSendError);
+    connect(&composer, &Composer::sent, thread.reading(), &ThreadReading::touch);
+    m_composerAsked
+        = m_notifications.observe(notifications::focusComposer, [&composer](const auto&) { composer.requestFocus(); });
     connect(&m_person, &OpenPerson::selectionChanged, &m_palette, &CommandPalette::refresh);
     connect(&m_palette, &CommandPalette::queryChanged, this, [this] {
         SearchQuery work(m_palette.query().trimmed());

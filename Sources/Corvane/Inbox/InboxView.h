@@ -8,6 +8,7 @@
 #include "Inbox/List/ListFilter.h"
 #include "Inbox/List/ListNotices.h"
 #include "Inbox/OpenPerson.h"
+#include "Inbox/Reply.h"
 #include "Presentation/UndoOffer.h"
 
 namespace corvane {
@@ -19,6 +20,7 @@ class InboxView : public QObject {
     Q_PROPERTY(corvane::ContactListView* list READ list CONSTANT)
     Q_PROPERTY(corvane::ListNotices* notices READ notices CONSTANT)
     Q_PROPERTY(corvane::OpenPerson* person READ person CONSTANT)
+    Q_PROPERTY(corvane::Reply* reply READ reply CONSTANT)
     Q_PROPERTY(corvane::ListActions* actions READ actions CONSTANT)
     Q_PROPERTY(corvane::PendingDraftsView* drafts READ drafts CONSTANT) ///< the bar above the thread
     Q_PROPERTY(corvane::ComposeSheet* composeSheet READ composeSheet CONSTANT) ///< a message to a new person
@@ -28,12 +30,13 @@ public:
     using Surroundings = OpenPerson::Surroundings;
 
     /// Everything outlives the view.
-    explicit InboxView(const Surroundings& at, QObject* parent = nullptr);
+    InboxView(const Surroundings& at, Reply& reply, QObject* parent = nullptr);
 
     ListFilter* filters() { return &m_filter; }
     ContactListView* list() { return &m_list; }
     ListNotices* notices() { return &m_notices; }
     OpenPerson* person() { return &m_person; }
+    Reply* reply() { return &m_reply; }
     ListActions* actions() { return &m_actions; }
     PendingDraftsView* drafts() const { return m_drafts; }
     void setDrafts(PendingDraftsView& drafts) { m_drafts = &drafts; } ///< they outlive the view
@@ -64,12 +67,14 @@ private:
     AvatarRequests m_avatars;
     UndoOffer m_undo;
     OpenPerson m_person;
+    Reply& m_reply;
     ListActions m_actions;
     PendingDraftsView* m_drafts = nullptr;
     ComposeSheet m_composeSheet;
     CommandPalette m_palette;
     RecordHits m_paletteWork;
     bool m_showPalette = false;
+    NotificationCentre::Observation m_composerAsked;
     NotificationCentre::Observation m_workspaceChanged;
 };
 

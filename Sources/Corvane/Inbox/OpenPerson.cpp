@@ -4,7 +4,6 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
 #include "Inbox/ReadMarks.h"
-#include "Platform/AppPaths.h"
 #include "Presentation/UndoOffer.h"
 #include "Store/People/IdentityQueries.h"
 
@@ -24,12 +23,6 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
     , m_scheduler(at.scheduler)
     , m_list(list)
     , m_thread(m_engine, m_accounts, m_scheduler)
-    , m_composer({ m_engine, m_accounts, at.defaults, m_scheduler, at.microphone, at.desktop,
-          at.paths.applicationSupport + u"/unsent.json"_s, at.paths.applicationSupport + u"/unsent-messages.json"_s,
-          at.voice })
-    , m_assistant({ m_engine.db(), at.ai, at.translations, m_composer })
-    , m_summary(m_engine.db(), at.ai)
-    , m_askLumo(m_engine.db(), at.ai)
     , m_crm(m_engine.db(), m_scheduler)
     , m_messageActions({ m_engine, at.desktop, m_scheduler, m_thread, undo,
           [this] {
@@ -37,13 +30,10 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
           } }) // a search does not limit the recipients
     , m_voicePlayer(at.player, m_thread, m_engine)
     , m_transcripts(at.voice, m_thread, m_engine, at.defaults)
-    , m_panes({ paneOf(m_composer), paneOf(m_assistant), paneOf(m_summary), paneOf(m_askLumo), paneOf(m_crm) })
 {
     connect(&m_list, &ContactListView::read, this, &OpenPerson::take);
     connect(&m_list, &ContactListView::changed, this, &OpenPerson::present);
-    connect(&m_thread, &ThreadView::refused, &m_composer, &Composer::setSendError);
     connect(m_thread.reading(), &ThreadReading::read, this, &OpenPerson::readSelected);
-    connect(&m_composer, &Composer::sent, m_thread.reading(), &ThreadReading::touch);
     connect(&m_transcripts, &VoiceTranscripts::speakingChanged, this, [this] {
         if (!m_transcripts.speakingId().isEmpty())
             m_voicePlayer.stop();
@@ -56,8 +46,6 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
               if (notification.object && !notification.object->isEmpty())
                   select(*notification.object);
           });
-    m_composerAsked
-        = m_notifications.observe(notifications::focusComposer, [this](const auto&) { m_composer.requestFocus(); });
 }
 
 OpenPerson::~OpenPerson() = default;
@@ -137,6 +125,7 @@ void OpenPerson::close()
 void OpenPerson::openPanes(const ContactRow& row)
 {
     m_thread.open(row, row.unread);
+    m_crm.open(row);
     for (const Pane& open : std::as_const(m_panes))
         open(row);
 }

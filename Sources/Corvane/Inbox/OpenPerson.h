@@ -2,10 +2,6 @@
 
 #include "CRM/CRMPane.h"
 #include "Foundation/NotificationCentre.h"
-#include "Inbox/Assistant/AskLumo.h"
-#include "Inbox/Assistant/DraftAssistant.h"
-#include "Inbox/Assistant/ThreadSummary.h"
-#include "Inbox/Compose/Composer.h"
 #include "Inbox/List/ContactListView.h"
 #include "Inbox/Thread/MessageActions.h"
 #include "Inbox/Thread/ThreadView.h"
@@ -16,12 +12,10 @@ namespace corvane {
 
 class AudioPlayer;
 class Desktop;
-class TranslationService;
+class UndoOffer;
 class UserDefaults;
-struct AIServices;
-struct AppPaths;
 
-/// The open person: their thread and the panes around it.
+/// The open person, their thread, and what is known of them. Other panes follow.
 class OpenPerson : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString selectedId READ selectedId NOTIFY selectionChanged)
@@ -32,27 +26,19 @@ class OpenPerson : public QObject {
     Q_PROPERTY(corvane::MessageActions* messageActions READ messageActions CONSTANT)
     Q_PROPERTY(corvane::VoicePlayer* voicePlayer READ voicePlayer CONSTANT)
     Q_PROPERTY(corvane::VoiceTranscripts* transcripts READ transcripts CONSTANT)
-    Q_PROPERTY(corvane::Composer* composer READ composer CONSTANT)
-    Q_PROPERTY(corvane::DraftAssistant* assistant READ assistant CONSTANT)
-    Q_PROPERTY(corvane::ThreadSummary* summary READ summary CONSTANT)
-    Q_PROPERTY(corvane::AskLumo* askLumo READ askLumo CONSTANT)
     Q_PROPERTY(QString jumpMsgId READ jumpMsgId NOTIFY jumped)
     Q_PROPERTY(bool onScreen READ onScreen WRITE setOnScreen NOTIFY onScreenChanged)
     Q_PROPERTY(bool showCRM READ showCRM WRITE setShowCRM NOTIFY showCRMChanged)
 public:
-    /// Everything outlives the person's panes.
+    /// Everything outlives the object.
     struct Surroundings {
         EngineManager& engine;
         AccountStore& accounts;
         UserDefaults& defaults;
         NotificationCentre& notifications;
         Scheduler& scheduler;
-        Microphone& microphone;
         Desktop& desktop;
         AudioPlayer& player;
-        const AppPaths& paths;
-        AIServices& ai;
-        TranslationService& translations;
         VoiceServices& voice;
     };
 
@@ -66,10 +52,6 @@ public:
     MessageActions* messageActions() { return &m_messageActions; }
     VoicePlayer* voicePlayer() { return &m_voicePlayer; }
     VoiceTranscripts* transcripts() { return &m_transcripts; }
-    Composer* composer() { return &m_composer; }
-    DraftAssistant* assistant() { return &m_assistant; }
-    ThreadSummary* summary() { return &m_summary; }
-    AskLumo* askLumo() { return &m_askLumo; }
     const QString& jumpMsgId() const { return m_jumpMsgId; }
     bool onScreen() const { return m_onScreen; }
     void setOnScreen(bool onScreen); ///< whether it is visible: only then do incoming messages count as read
@@ -99,13 +81,6 @@ Q_SIGNALS:
     void showCRMChanged();
 
 private:
-    template <typename PaneType> static Pane paneOf(PaneType& pane)
-    {
-        return [&pane](const ContactRow& contact) {
-            pane.open(contact);
-        };
-    }
-
     LocalDB& db() const;
     void openContact(const ContactRow& row);
     void openPanes(const ContactRow& row);
@@ -124,10 +99,6 @@ private:
     ContactItem m_selected;
     QString m_jumpMsgId;
     ThreadView m_thread;
-    Composer m_composer;
-    DraftAssistant m_assistant;
-    ThreadSummary m_summary;
-    AskLumo m_askLumo;
     CRMPane m_crm;
     MessageActions m_messageActions;
     VoicePlayer m_voicePlayer;
@@ -137,7 +108,6 @@ private:
     bool m_showCRM = true;
     std::unique_ptr<Timer> m_reloadAfterOpening;
     NotificationCentre::Observation m_conversationAsked;
-    NotificationCentre::Observation m_composerAsked;
 };
 
 }

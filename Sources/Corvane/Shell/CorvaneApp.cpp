@@ -42,7 +42,6 @@
 #include "Store/Core/Upkeep.h"
 #include "Store/Search/SearchIndexer.h"
 #include "Voice/DictationAnywhere.h"
-#include "Voice/TranslationService.h"
 #include "Voice/VoiceServices.h"
 #include "Web/SessionStore.h"
 #include "Web/WebServices.h"
@@ -98,7 +97,6 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_ai = std::make_unique<AIServices>(
         *m_machine.languageModel, *m_machine.facts, *m_machine.tools, codexCandidates(m_paths.home), m_scheduler);
     m_ai->drafts.setMemoryDB(m_engine->db());
-    m_translations = std::make_unique<TranslationService>(*m_machine.facts);
     m_voice = std::make_unique<VoiceServices>(
         VoiceServices::Surroundings { *m_machine.decoder, *m_machine.modelRecogniser, *m_machine.basicRecogniser,
             m_ai->gate, m_defaults, m_scheduler, m_paths.applicationSupport, *m_machine.tools, *m_machine.reader });

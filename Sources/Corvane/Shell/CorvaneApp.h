@@ -41,7 +41,6 @@ class ResourceMonitor;
 class SearchIndexer;
 class SessionStore;
 class StoreRecovery;
-class TranslationService;
 class Tray;
 struct AIServices;
 struct CalendarServices;
@@ -68,7 +67,6 @@ public:
     ResourceMonitor& resources() { return *m_resources; }
     ApprovalsStore& approvals() { return *m_approvals; }
     AIServices& ai() { return *m_ai; }
-    TranslationService& translations() { return *m_translations; }
     VoiceServices& voice() { return *m_voice; }
     QuickCapture& capture() { return *m_capture; }
     DictationAnywhere& dictation() { return *m_dictation; }
@@ -146,7 +144,6 @@ private:
     std::unique_ptr<EngineManager> m_engine;
     std::unique_ptr<SearchIndexer> m_searchIndexer;
     std::unique_ptr<DraftDelivery> m_delivery;
-    std::unique_ptr<TranslationService> m_translations;
     std::unique_ptr<CalendarServices> m_calendar;
     std::unique_ptr<VoiceServices> m_voice;
     std::unique_ptr<ResourceMonitor> m_resources;

@@ -55,8 +55,12 @@ Screens::Screens(CorvaneApp& root)
     , recovery(app.recovery())
     , shell(app.notifications(), app.defaults())
     , profile(app.session(), commands, app.web().sync, app.notifications())
-    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.microphone(),
-          app.desktop(), app.player(), app.paths(), app.ai(), app.translations(), app.voice() })
+    , reply({ app.engine(), app.store(), app.defaults(), app.scheduler(), app.microphone(), app.desktop(), app.voice(),
+                app.paths().applicationSupport },
+          app.ai())
+    , inbox({ app.engine(), app.store(), app.defaults(), app.notifications(), app.scheduler(), app.desktop(),
+                app.player(), app.voice() },
+          reply)
     , draftActions(app.approvals(), app.engine(), app.store())
     , approvals(app.approvals(), draftActions, app.db(), app.scheduler())
     , drafts({ app.approvals(), draftActions, *approvals.editor(), app.db(), app.store(), app.scheduler() })
@@ -92,7 +96,7 @@ Screens::Screens(CorvaneApp& root)
     };
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
-    QObject::connect(settings.system(), &SystemSettings::changed, inbox.person()->composer(), &Composer::hintsChanged);
+    QObject::connect(settings.system(), &SystemSettings::changed, reply.composer(), &Composer::hintsChanged);
     QObject::connect(&notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(u"calendar"_s); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());

@@ -48,6 +48,7 @@ public:
     StoreRecovery& recovery;
     AppShell shell;
     ProfileMenu profile;
+    Reply reply;
     InboxView inbox;
     DraftActions draftActions;
     ApprovalsView approvals;

@@ -7,7 +7,6 @@
 #include "Foundation/MachineWords.h"
 #include "Inbox/Assistant/AssistantContext.h"
 #include "Inbox/Compose/Composer.h"
-#include "Voice/TranslationService.h"
 
 #include <algorithm>
 
@@ -38,7 +37,7 @@ DraftAssistant::DraftAssistant(const Surroundings& surroundings, QObject* parent
     : GenerationPanel(surroundings.ai.ai, parent)
     , m_db(surroundings.db)
     , m_drafts(surroundings.ai.drafts)
-    , m_translations(surroundings.translations)
+    , m_translations(surroundings.ai.translations)
     , m_composer(surroundings.composer)
 {
 }

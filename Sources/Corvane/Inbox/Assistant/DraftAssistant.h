@@ -28,7 +28,6 @@ public:
     struct Surroundings {
         LocalDB& db;
         AIServices& ai;
-        TranslationService& translations;
         Composer& composer;
     };
 

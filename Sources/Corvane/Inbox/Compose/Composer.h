@@ -50,9 +50,8 @@ public:
         Scheduler& scheduler;
         Microphone& microphone;
         Desktop& desktop;
-        QString unsentTextsFile;
-        QString unsentMessagesFile;
         VoiceServices& voice;
+        QString unsentFolder; ///< keeps what was not sent
     };
 
     /// Everything outlives the composer.

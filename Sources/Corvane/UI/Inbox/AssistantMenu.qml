@@ -7,9 +7,9 @@ import Corvane.Inbox
 IconButton {
     id: button
 
-    required property OpenPerson person
-    readonly property DraftAssistant draft: person.assistant
-    readonly property bool hasText: person.composer.canSend
+    required property Reply reply
+    readonly property DraftAssistant draft: reply.assistant
+    readonly property bool hasText: reply.composer.canSend
 
     signal askAsked
 
@@ -37,12 +37,12 @@ IconButton {
             objectName: "assistant.summarize"
             icon.name: "view-list"
             text: qsTr("Summarize this thread")
-            onTriggered: button.person.summary.summarize()
+            onTriggered: button.reply.summary.summarize()
         }
         MenuItem {
             objectName: "assistant.ask"
             icon.name: "edit-find"
-            text: button.person.askLumo.heading + "…"
+            text: button.reply.askLumo.heading + "…"
             onTriggered: button.askAsked()
         }
         MenuSeparator {}

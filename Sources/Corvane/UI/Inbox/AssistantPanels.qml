@@ -6,7 +6,7 @@ import Corvane.Inbox
 FocusScope {
     id: panels
 
-    required property OpenPerson person
+    required property InboxView inbox
     required property real room ///< the height that the thread can spare
 
     readonly property int ready: (summary.ready ? 1 : 0) + (draft.ready ? 1 : 0)
@@ -40,7 +40,7 @@ FocusScope {
     }
     implicitHeight: content.implicitHeight > 0 ? content.implicitHeight + Theme.medium : 0
     enabled: implicitHeight > 0
-    visible: person.selectedId !== ""
+    visible: inbox.person.selectedId !== ""
 
     Column {
         id: content
@@ -52,7 +52,7 @@ FocusScope {
             id: summary
             objectName: "summary"
             width: parent.width
-            panel: panels.person.summary
+            panel: panels.inbox.reply.summary
             name: qsTr("Summary of the thread")
             room: panels.textRoom
             onDismissed: panels.emptied()
@@ -60,26 +60,26 @@ FocusScope {
             Text {
                 objectName: "summary.text"
                 width: parent.width
-                text: panels.person.summary.html
+                text: panels.inbox.reply.summary.html
                 textFormat: Text.StyledText
                 wrapMode: Text.Wrap
                 color: Theme.text
                 linkColor: Theme.accent
                 font.pixelSize: Theme.body
-                Accessible.name: panels.person.summary.text
-                onLinkActivated: link => panels.person.jumpTo(link)
+                Accessible.name: panels.inbox.reply.summary.text
+                onLinkActivated: link => panels.inbox.person.jumpTo(link)
                 HoverHandler {
                     cursorShape: parent.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
                 }
             }
             Citations {
                 width: parent.width
-                person: panels.person
-                citations: panels.person.summary.citations
+                person: panels.inbox.person
+                citations: panels.inbox.reply.summary.citations
             }
             Label {
                 width: parent.width
-                text: panels.person.summary.modelName
+                text: panels.inbox.reply.summary.modelName
                 font.pixelSize: Theme.meta
                 color: Theme.soft
             }
@@ -87,7 +87,7 @@ FocusScope {
         DraftPreview {
             id: draft
             width: parent.width
-            person: panels.person
+            inbox: panels.inbox
             room: panels.textRoom
             onDismissed: panels.emptied()
             onSettingsAsked: panels.settingsAsked()
@@ -95,10 +95,11 @@ FocusScope {
         Banner {
             objectName: "draftTaken"
             width: parent.width
-            visible: panels.person.composer.canUndo && panels.person.composer.canSend && panels.person.assistant.state === "idle"
+            readonly property Composer composer: panels.inbox.reply.composer
+            visible: composer.canUndo && composer.canSend && panels.inbox.reply.assistant.state === "idle"
             text: qsTr("The text is in the composer.")
             action: qsTr("Undo")
-            onActed: panels.person.composer.undo()
+            onActed: composer.undo()
         }
     }
 }

@@ -6,8 +6,8 @@ import Corvane.Inbox
 GenerationCard {
     id: card
 
-    required property OpenPerson person
-    readonly property DraftAssistant draft: person.assistant
+    required property InboxView inbox
+    readonly property DraftAssistant draft: inbox.reply.assistant
 
     objectName: "draftPreview"
     panel: draft
@@ -58,7 +58,7 @@ GenerationCard {
     }
     Citations {
         width: parent.width
-        person: card.person
+        person: card.inbox.person
         citations: card.draft.citations
     }
     buttons: [
@@ -78,10 +78,10 @@ GenerationCard {
         },
         Button {
             objectName: "draftPreview.undo"
-            visible: card.person.composer.canUndo
+            visible: card.inbox.reply.composer.canUndo
             text: qsTr("Undo")
             hint: qsTr("The composer as it was before the last draft")
-            onClicked: card.person.composer.undo()
+            onClicked: card.inbox.reply.composer.undo()
         }
     ]
 }

@@ -78,8 +78,8 @@ Page {
     }
 
     function back() {
-        if (inbox.person.composer.dictation.state !== "idle") {
-            inbox.person.composer.dictation.cancel();
+        if (inbox.reply.composer.dictation.state !== "idle") {
+            inbox.reply.composer.dictation.cancel();
         } else if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);
@@ -151,7 +151,7 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        person: page.inbox.person
+        inbox: page.inbox
         room: page.height - bar.height - reply.height - 160
         onEmptied: reply.focusField()
         onSettingsAsked: page.openSettings("assistant")
@@ -162,7 +162,7 @@ Page {
         anchors.left: thread.left
         anchors.right: thread.right
         height: implicitHeight
-        person: page.inbox.person
+        inbox: page.inbox
         onAskLumo: askLumo.open()
     }
     DragHandle {
@@ -190,7 +190,7 @@ Page {
 
     AskLumoSheet {
         id: askLumo
-        askLumo: page.inbox.person.askLumo
+        askLumo: page.inbox.reply.askLumo
         onSettingsAsked: page.openSettings("assistant")
     }
     NewMessage { compose: page.inbox.composeSheet }

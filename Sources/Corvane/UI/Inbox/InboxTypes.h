@@ -126,6 +126,13 @@ struct AttachmentItemType {
     QML_VALUE_TYPE(attachmentItem)
 };
 
+struct ReplyType {
+    Q_GADGET
+    QML_FOREIGN(corvane::Reply)
+    QML_NAMED_ELEMENT(Reply)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct ComposerType {
     Q_GADGET
     QML_FOREIGN(corvane::Composer)

@@ -6,8 +6,8 @@ import Corvane.Inbox
 FocusScope {
     id: pane
 
-    required property OpenPerson person
-    readonly property Composer composer: person.composer ///< the view model
+    required property InboxView inbox
+    readonly property Composer composer: inbox.reply.composer ///< the view model
     readonly property VoiceRecorder voice: composer.voice
 
     signal askLumo
@@ -121,7 +121,7 @@ FocusScope {
             width: parent.width
             visible: dictation.state !== "idle" && !pane.composer.showsVoice
             dictation: pane.composer.dictation
-            onModelWanted: pane.person.openVoiceSettings()
+            onModelWanted: pane.inbox.person.openVoiceSettings()
         }
         Item {
             width: parent.width
@@ -172,7 +172,7 @@ FocusScope {
                 }
                 AssistantMenu {
                     id: assistant
-                    person: pane.person
+                    reply: pane.inbox.reply
                     onAskAsked: pane.askLumo()
                 }
                 Button {

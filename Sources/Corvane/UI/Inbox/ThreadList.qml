@@ -192,10 +192,6 @@ ListView {
         function onJumped() { list.jump(); }
     }
     Connections {
-        target: list.person.composer
-        function onSent() { list.showNewest(); }
-    }
-    Connections {
         target: list.model
         function onRowsAboutToBeInserted() { list.holdPlace(); }
         function onRowsAboutToBeRemoved() { list.holdPlace(); }

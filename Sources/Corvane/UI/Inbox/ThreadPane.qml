@@ -53,6 +53,10 @@ FocusScope {
         focus: true
         visible: pane.open
         person: pane.inbox.person
+        Connections {
+            target: pane.inbox.reply.composer
+            function onSent() { rows.showNewest(); }
+        }
     }
     EmptyState {
         anchors.centerIn: parent

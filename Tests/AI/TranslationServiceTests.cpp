@@ -1,5 +1,5 @@
+#include "AI/TranslationService.h"
 #include "Foundation/Literals.h"
-#include "Voice/TranslationService.h"
 
 #include "Support/FakeLanguageModel.h"
 

@@ -1,4 +1,4 @@
-#include "Voice/TranslationService.h"
+#include "AI/TranslationService.h"
 
 #include "Foundation/Arrival.h"
 #include "Foundation/Literals.h"
