@@ -91,7 +91,7 @@ TEST_F(ApprovalsViewTest, everyKindStandsUnderItsHeadInItsOwnWords)
         "Agent Decisions|Pay the invoice|Transfer 300|Why: It is due|money risk|money|Approve");
     EXPECT_EQ(words("decision:w2", decision), "Agent Decisions|Odd|Do it||weird-word risk||Approve");
     EXPECT_EQ(view.waitingText(), "6 waiting for your approval");
-    EXPECT_EQ(view.headCounts().value("Outbound Messages"), 4);
+    EXPECT_EQ(view.heads().title("Outbound Messages"), "Outbound Messages  4");
     EXPECT_EQ(view.emptyLines(), QStringList());
     EXPECT_EQ(waitingForDecision(store), 6);
 }

@@ -195,13 +195,19 @@ QList<ApprovalRow> ApprovalsView::currentRows() const
     return rows;
 }
 
+QString ApprovalHeads::title(const QString& head) const
+{
+    const int items = count(head);
+    return items == 0 ? head : u"%1  %2"_s.arg(head, QString::number(items));
+}
+
 void ApprovalsView::present()
 {
     const QList<ApprovalRow> rows = currentRows();
     m_waiting = int(std::ranges::count_if(rows, &ApprovalRow::canDecide));
-    m_headCounts.clear();
+    m_heads = {};
     for (const ApprovalRow& row : rows)
-        m_headCounts[row.head] = m_headCounts.value(row.head).toInt() + 1;
+        m_heads.add(row.head);
     m_emptyLines.clear();
     if (m_store.drafts().isEmpty())
         m_emptyLines.append(u"No message drafts waiting."_s);

@@ -7,12 +7,24 @@
 #include "Foundation/Literals.h"
 #include "Presentation/RowListModel.h"
 
-#include <QVariantMap>
+#include <QHash>
 
 namespace corvane {
 
 class ApprovalsStore;
 class LocalDB;
+
+/// The headings of the list, and how many items stand under each.
+class ApprovalHeads {
+    Q_GADGET
+public:
+    Q_INVOKABLE QString title(const QString& head) const; ///< with the number, if there are any
+    int count(const QString& head) const { return m_counts.value(head); }
+    void add(const QString& head) { ++m_counts[head]; }
+
+private:
+    QHash<QString, int> m_counts;
+};
 
 /// The pending items and the user's actions on them, for every surface: the panel at the tray, the page and the
 /// settings. Each verdict can be undone for five seconds; risky decisions must be confirmed before they are approved,
@@ -24,7 +36,7 @@ class ApprovalsView : public QObject {
     Q_PROPERTY(int waiting READ waiting NOTIFY changed) ///< undecided items
     Q_PROPERTY(QString badge READ badge NOTIFY changed)
     Q_PROPERTY(QString waitingText READ waitingText NOTIFY changed)
-    Q_PROPERTY(QVariantMap headCounts READ headCounts NOTIFY changed) ///< by heading
+    Q_PROPERTY(corvane::ApprovalHeads heads READ heads NOTIFY changed)
     Q_PROPERTY(QStringList emptyLines READ emptyLines NOTIFY changed) ///< one for each kind without pending items
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
@@ -48,7 +60,7 @@ public:
     int waiting() const { return m_waiting; }
     QString badge() const;
     QString waitingText() const;
-    const QVariantMap& headCounts() const { return m_headCounts; }
+    const ApprovalHeads& heads() const { return m_heads; }
     const QStringList& emptyLines() const { return m_emptyLines; }
     QString emptyTitle() const { return u"No pending approvals"_s; }
     QString emptyText() const;
@@ -95,7 +107,7 @@ private:
     DecisionLog m_log;
     RowListModel<ApprovalRow> m_rows;
     int m_waiting = 0;
-    QVariantMap m_headCounts;
+    ApprovalHeads m_heads;
     QStringList m_emptyLines;
     ApprovalRow m_asked; ///< as it was when it was asked
 };

@@ -96,7 +96,7 @@ FocusScope {
             leftPadding: list.sideMargin + 2
             topPadding: Theme.small
             bottomPadding: Theme.small
-            text: section + "  " + (list.approvals.headCounts[section] ?? "")
+            text: list.approvals.heads.title(section)
             Accessible.name: text
         }
         delegate: ApprovalLine {

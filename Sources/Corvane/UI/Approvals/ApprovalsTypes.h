@@ -44,6 +44,12 @@ struct DecisionLogType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct ApprovalHeadsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ApprovalHeads)
+    QML_VALUE_TYPE(approvalHeads)
+};
+
 struct ApprovalRowType {
     Q_GADGET
     QML_FOREIGN(corvane::ApprovalRow)
