@@ -87,6 +87,8 @@ protected:
             settings.setSection(section.id);
             visit(settings.section());
         }
+        settings.setSection(u"nowhere"_s);
+        EXPECT_EQ(settings.section(), settings.sections().last().id);
     }
 
     /// How many pixels in and around the item have the accent's colour.

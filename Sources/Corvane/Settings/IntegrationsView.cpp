@@ -1,27 +1,18 @@
 #include "Settings/IntegrationsView.h"
 
-#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
-#include "Web/WebServices.h"
 
 #include <algorithm>
 
 namespace corvane {
 
-IntegrationsView::IntegrationsView(const Surroundings& at, QObject* parent)
+IntegrationsView::IntegrationsView(const Cards& cards, NotificationCentre& centre, QObject* parent)
     : QObject(parent)
-    , m_accounts({ at.accounts, at.engine, at.keychain }, at.paths, at.launcher, at.scheduler)
-    , m_controlChat(at.engine.db())
-    , m_assistant(at.ai, at.defaults, at.engine.db(), at.scheduler)
-    , m_sync(at.session, at.engine.db())
-    , m_web(at.session, at.web.sync, at.scheduler)
-    , m_push({ at.web.push, at.session, at.accounts, at.engine.db() })
-    , m_system(at.defaults, at.keychain, at.paths)
-    , m_voice(at.voice, at.defaults)
-    , m_toolServer(at.engine)
+    , m_cards(cards)
     , m_section(u"accounts"_s)
 {
-    m_sectionAsked = at.notifications.observe(notifications::openSettings,
+    connect(&cards.localAccess, &LocalAccess::accountsAsked, this, [this] { setSection(u"accounts"_s); });
+    m_sectionAsked = centre.observe(notifications::openSettings,
         [this](const Notification& notification) { setSection(notification.object.value_or(QString())); });
 }
 
@@ -57,37 +48,25 @@ void IntegrationsView::setSection(const QString& id)
     Q_EMIT sectionChanged();
 }
 
-void IntegrationsView::setLocalAccess(LocalAccess& access)
-{
-    m_localAccess = &access;
-    connect(&access, &LocalAccess::accountsAsked, this, [this] { setSection(u"accounts"_s); });
-}
-
-void IntegrationsView::setCare(BackupKeeper& backups, DoctorView& doctor)
-{
-    m_backups = &backups;
-    m_doctor = &doctor;
-}
-
 void IntegrationsView::setVisible(bool visible)
 {
     if (visible == m_visible)
         return;
     m_visible = visible;
     readSection();
-    m_accounts.setVisible(visible);
+    m_cards.accounts.setVisible(visible);
     Q_EMIT visibleChanged();
 }
 
 void IntegrationsView::readSection()
 {
     if (m_visible && m_section == "approvals"_L1)
-        m_controlChat.refresh();
+        m_cards.controlChat.refresh();
     if (m_visible && m_section == "sync"_L1) {
-        m_sync.refresh();
-        m_push.refresh();
+        m_cards.sync.refresh();
+        m_cards.push.refresh();
     }
-    m_assistant.setVisible(m_visible && m_section == "assistant"_L1);
+    m_cards.assistant.setVisible(m_visible && m_section == "assistant"_L1);
 }
 
 }

@@ -17,14 +17,8 @@
 
 namespace corvane {
 
-class AccountStore;
 class BackupKeeper;
 class DoctorView;
-class EngineManager;
-class Keychain;
-class Scheduler;
-class SessionStore;
-struct WebServices;
 
 /// A section of the settings.
 class SettingsSection {
@@ -40,7 +34,7 @@ public:
     bool operator==(const SettingsSection&) const = default;
 };
 
-/// The settings screen: its sections, and the view model of each card.
+/// The settings screen: its sections, and the cards that they show.
 class IntegrationsView : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("Care/Backup/BackupKeeper.h")
@@ -65,23 +59,25 @@ class IntegrationsView : public QObject {
     Q_PROPERTY(corvane::ToolServerCard* toolServer READ toolServer CONSTANT)
     Q_PROPERTY(bool visible READ visible WRITE setVisible NOTIFY visibleChanged)
 public:
-    /// All references outlive the screen.
-    struct Surroundings {
-        AccountStore& accounts;
-        EngineManager& engine;
-        SessionStore& session;
-        Keychain& keychain;
-        UserDefaults& defaults;
-        Scheduler& scheduler;
-        const AppPaths& paths;
-        AIServices& ai;
-        ProcessLauncher& launcher;
-        NotificationCentre& notifications;
-        VoiceServices& voice;
-        WebServices& web;
+    /// The cards of all sections; they outlive the screen.
+    struct Cards {
+        AccountsView& accounts;
+        ControlChatSettings& controlChat;
+        AssistantSettings& assistant;
+        VoiceSettings& voice;
+        DictationSettings& dictation;
+        CalendarSettings& calendar;
+        SyncSettings& sync;
+        WebSettings& web;
+        PushSettings& push;
+        ToolServerCard& toolServer;
+        BackupKeeper& backups;
+        DoctorView& doctor;
+        SystemSettings& system;
+        LocalAccess& localAccess;
     };
 
-    explicit IntegrationsView(const Surroundings& at, QObject* parent = nullptr);
+    IntegrationsView(const Cards& cards, NotificationCentre& centre, QObject* parent = nullptr);
 
     QString approvalRule() const
     {
@@ -91,24 +87,20 @@ public:
     const QString& section() const { return m_section; }
     QString sectionLabel() const;
     void setSection(const QString& id); ///< an unknown word has no effect
-    AccountsView* accounts() { return &m_accounts; }
-    ControlChatSettings* controlChat() { return &m_controlChat; }
-    AssistantSettings* assistant() { return &m_assistant; }
-    CalendarSettings* calendar() const { return m_calendar; }
-    DictationSettings* dictation() const { return m_dictation; }
-    void setDictation(DictationSettings& dictation) { m_dictation = &dictation; } ///< before the window is created
-    void setCalendar(CalendarSettings& calendar) { m_calendar = &calendar; } ///< before the window is created
-    LocalAccess* localAccess() const { return m_localAccess; }
-    void setLocalAccess(LocalAccess& access); ///< before the window is created
-    BackupKeeper* backups() const { return m_backups; }
-    DoctorView* doctor() const { return m_doctor; }
-    void setCare(BackupKeeper& backups, DoctorView& doctor); ///< before the window is created
-    SyncSettings* sync() { return &m_sync; }
-    WebSettings* web() { return &m_web; }
-    PushSettings* push() { return &m_push; }
-    SystemSettings* system() { return &m_system; }
-    VoiceSettings* voice() { return &m_voice; }
-    ToolServerCard* toolServer() { return &m_toolServer; }
+    AccountsView* accounts() const { return &m_cards.accounts; }
+    ControlChatSettings* controlChat() const { return &m_cards.controlChat; }
+    AssistantSettings* assistant() const { return &m_cards.assistant; }
+    VoiceSettings* voice() const { return &m_cards.voice; }
+    DictationSettings* dictation() const { return &m_cards.dictation; }
+    CalendarSettings* calendar() const { return &m_cards.calendar; }
+    SyncSettings* sync() const { return &m_cards.sync; }
+    WebSettings* web() const { return &m_cards.web; }
+    PushSettings* push() const { return &m_cards.push; }
+    ToolServerCard* toolServer() const { return &m_cards.toolServer; }
+    BackupKeeper* backups() const { return &m_cards.backups; }
+    DoctorView* doctor() const { return &m_cards.doctor; }
+    SystemSettings* system() const { return &m_cards.system; }
+    LocalAccess* localAccess() const { return &m_cards.localAccess; }
 
     /// The database is read only while visible.
     bool visible() const { return m_visible; }
@@ -121,20 +113,7 @@ Q_SIGNALS:
 private:
     void readSection(); ///< what only one section shows
 
-    AccountsView m_accounts;
-    ControlChatSettings m_controlChat;
-    AssistantSettings m_assistant;
-    CalendarSettings* m_calendar = nullptr;
-    DictationSettings* m_dictation = nullptr;
-    LocalAccess* m_localAccess = nullptr;
-    BackupKeeper* m_backups = nullptr;
-    DoctorView* m_doctor = nullptr;
-    SyncSettings m_sync;
-    WebSettings m_web;
-    PushSettings m_push;
-    SystemSettings m_system;
-    VoiceSettings m_voice;
-    ToolServerCard m_toolServer;
+    const Cards m_cards;
     QString m_section;
     bool m_visible = false;
     NotificationCentre::Observation m_sectionAsked;

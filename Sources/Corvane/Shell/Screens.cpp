@@ -64,18 +64,28 @@ Screens::Screens(CorvaneApp& root)
     , draftActions(app.approvals(), app.engine(), app.store())
     , approvals(app.approvals(), draftActions, app.db(), app.scheduler())
     , drafts({ app.approvals(), draftActions, *approvals.editor(), app.db(), app.store(), app.scheduler() })
-    , settings({ app.store(), app.engine(), app.session(), app.keychain(), app.defaults(), app.scheduler(), app.paths(),
-          app.ai(), app.launcher(), app.notifications(), app.voice(), app.web() })
-    , calendar(
-          { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
+    , accounts({ app.store(), app.engine(), app.keychain() }, app.paths(), app.launcher(), app.scheduler())
+    , controlChat(app.db())
+    , assistant(app.ai(), app.defaults(), app.db(), app.scheduler())
+    , voice(app.voice(), app.defaults())
+    , dictation(app.dictation())
     , calendarSettings(app.calendar().store, app.calendar().commands, app.desktop())
+    , sync(app.session(), app.db())
+    , web(app.session(), app.web().sync, app.scheduler())
+    , push({ app.web().push, app.session(), app.store(), app.db() })
+    , toolServer(app.engine())
+    , doctor({ [this] { return profileToCheck(app); }, app.background(), app.scheduler() })
+    , system(app.defaults(), app.keychain(), app.paths())
     , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
           app.defaults(), app.paths().home })
-    , doctor({ [this] { return profileToCheck(app); }, app.background(), app.scheduler() })
+    , settings({ accounts, controlChat, assistant, voice, dictation, calendarSettings, sync, web, push, toolServer,
+                   app.backups(), doctor, system, localAccess },
+          app.notifications())
+    , calendar(
+          { app.calendar().store, app.calendar().commands, app.calendar().prep, app.desktop(), app.notifications() })
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
-    , dictationSettings(app.dictation())
     , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
           calls, callSettings, app.ai(), &app.capture() })
     , today({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
@@ -96,7 +106,7 @@ Screens::Screens(CorvaneApp& root)
     };
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
-    QObject::connect(settings.system(), &SystemSettings::changed, reply.composer(), &Composer::hintsChanged);
+    QObject::connect(&system, &SystemSettings::changed, reply.composer(), &Composer::hintsChanged);
     QObject::connect(&notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(u"calendar"_s); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());
@@ -110,16 +120,12 @@ Screens::Screens(CorvaneApp& root)
     shell.setHelp(readHelp(app.paths().resources));
     terminals.setBrowser([this](const QString& address) { return showInBrowser(*this, address); });
     lumoConsole.setInspectorCollapsed(true); // it stands beside the hub's own rail
-    settings.setCalendar(calendarSettings);
-    settings.setDictation(dictationSettings);
-    settings.setLocalAccess(localAccess);
-    settings.setCare(app.backups(), doctor);
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));
     QList<HotKey*> hotKeys = app.calls().keys.all();
     hotKeys.prepend(&app.capture().hotKey());
-    settings.system()->setHotKeys(hotKeys);
+    system.setHotKeys(hotKeys);
     inbox.palette()->setCommands(commands);
     const auto open = [this](const FoundRecord& record, const QString& words) {
         openFound(*this, record, words);

@@ -13,7 +13,6 @@
 #include "Inbox/InboxView.h"
 #include "Presentation/Commands.h"
 #include "Settings/Appearance.h"
-#include "Settings/DictationSettings.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
 #include "Shell/ClosingNotice.h"
@@ -53,15 +52,24 @@ public:
     DraftActions draftActions;
     ApprovalsView approvals;
     PendingDraftsView drafts;
+    AccountsView accounts;
+    ControlChatSettings controlChat;
+    AssistantSettings assistant;
+    VoiceSettings voice;
+    DictationSettings dictation;
+    CalendarSettings calendarSettings;
+    SyncSettings sync;
+    WebSettings web;
+    PushSettings push;
+    ToolServerCard toolServer;
+    DoctorView doctor;
+    SystemSettings system;
+    LocalAccess localAccess;
     IntegrationsView settings;
     CalendarView calendar;
-    CalendarSettings calendarSettings;
-    LocalAccess localAccess;
-    DoctorView doctor;
     UpcomingMeetings meetings;
     CallsView calls;
     CallSettings& callSettings;
-    DictationSettings dictationSettings;
     CorvaneMenuBarView panel;
     CorvaneMenuBarView today; ///< the same in the main window
     ClosingNotice closingNotice;

@@ -1,14 +1,16 @@
-#include "Foundation/Literals.h"
-#include "Settings/IntegrationsView.h"
-
 #include "Engines/AccountStore.h"
+#include "Foundation/Literals.h"
+#include "Settings/AccountsView.h"
+#include "Settings/PushSettings.h"
+#include "Settings/SyncSettings.h"
+#include "Settings/SystemSettings.h"
+#include "Settings/ToolServerCard.h"
+#include "Settings/WebSettings.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
-#include "Support/FakeLanguageModel.h"
 #include "Support/Print.h"
-#include "Support/RealVoice.h"
 #include "Support/Rows.h"
 #include "Web/SessionStore.h"
 #include "Web/WebServices.h"
@@ -30,7 +32,7 @@ protected:
     Settings()
     {
         world.engines.setAccounts(&accounts);
-        view.setVisible(true);
+        list.setVisible(true);
     }
 
     /// Connects a channel whose engine then runs.
@@ -57,12 +59,8 @@ protected:
     EngineWorld world;
     SessionStore session { world.home.paths(), world.keychain, world.defaults, world.desktop, world.clock };
     AccountStore accounts { world.home.paths().applicationSupport };
-    FakeLumo lumo;
-    RealVoice voice { lumo.machine, world.defaults, world.clock, world.home.paths().applicationSupport };
     WebServices web { session, world.engines.db(), world.clock };
-    IntegrationsView view { { accounts, world.engines, session, world.keychain, world.defaults, world.clock,
-        world.home.paths(), lumo, world.launcher, world.centre, voice.services, web } };
-    AccountsView& list = *view.accounts();
+    AccountsView list { { accounts, world.engines, world.keychain }, world.home.paths(), world.launcher, world.clock };
     QAbstractItemModel* model = list.rows();
     QAbstractItemModelTester tester { model, QAbstractItemModelTester::FailureReportingMode::Fatal };
 };
@@ -270,7 +268,7 @@ TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
 {
     connectAccount(whatsApp, { { "name", "Sales" } });
     EXPECT_EQ(column("lastMessage")[0], "No messages yet");
-    view.setVisible(false);
+    list.setVisible(false);
     world.engines.db().run(
         u"INSERT INTO unified_conversation(id, channel, account_id, external_id, last_ts, workspace_id)"
         " VALUES('a','WHATSAPP','sales','1',?,'w1'),('b','WHATSAPP','sales','2',5,'local'),"
@@ -278,14 +276,14 @@ TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
         { world.clock.nowMs() - 60'000 });
     report({ { "type", "status" }, { "state", "open" } });
     EXPECT_EQ(column("lastMessage")[0], "No messages yet");
-    view.setVisible(true);
+    list.setVisible(true);
     // 1 760 000 000 seconds after the epoch is 10:53:20 in Berlin.
     EXPECT_EQ(column("lastMessage")[0], "Last message 10:52");
 }
 
 TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
 {
-    SyncSettings& sync = *view.sync();
+    SyncSettings sync(session, world.engines.db());
     EXPECT_EQ(sync.stateText(), "Not signed in");
     EXPECT_EQ(sync.actionLabel(), "Sign in to Nimb");
     sync.signInOrOut();
@@ -303,7 +301,7 @@ TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
 
 TEST_F(Settings, theSyncCardListsHealthAndQueuesAPull)
 {
-    SyncSettings& sync = *view.sync();
+    SyncSettings sync(session, world.engines.db());
     EXPECT_TRUE(sync.health().isEmpty());
     EXPECT_EQ(sync.emptyHealthText(), "Nothing has been synced yet. What each part of the sync last did appears here.");
     world.engines.db().run(
@@ -330,7 +328,7 @@ TEST_F(Settings, thePushSheetCountsWhatGoesAndLetsAPersonKeepChatsAndAccounts)
             "('c','WHATSAPP','home','c','Caro',10);"
             "INSERT INTO unified_message(id, conversation_id, body, ts) VALUES('1','a','x',1700000000000),"
             "('2','a','y',1700000000001), ('3','b','z',1763126400000), ('4','c','z',1763126400000);");
-    PushSettings& push = *view.push();
+    PushSettings push({ web.push, session, accounts, world.engines.db() });
     PushSheet& sheet = *push.sheet();
     const auto settled = [&] {
         EXPECT_TRUE(await([&] { return !web.push.isLookingUp(); }));
@@ -377,7 +375,7 @@ TEST_F(Settings, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
         rows.append({ u"w%1"_s.arg(i), u"Studio %1"_s.arg(i), {}, "o", "Org", {}, false });
     storeWorkspaceRows(db, rows, "w7");
     web.sync.takeUp();
-    WebSettings& page = *view.web();
+    WebSettings page(session, web.sync, world.clock);
     EXPECT_EQ(page.workspaceText(), "Org · Studio 7");
     EXPECT_EQ(page.workspaces().size(), 8);
     EXPECT_TRUE(page.workspaces().first().selected);
@@ -392,7 +390,7 @@ TEST_F(Settings, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
 
 TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
 {
-    ToolServerCard& card = *view.toolServer();
+    ToolServerCard card(world.engines);
     EXPECT_EQ(card.stateText(), "Stopped");
     EXPECT_EQ(card.url(), "http://127.0.0.1:8765/mcp");
     world.launcher.expect(FakeLauncher::stays());
@@ -418,15 +416,12 @@ TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)
     EXPECT_TRUE(world.launcher.last().terminated);
 }
 
-TEST_F(Settings, theSectionsTheFlowsAndTheSystemCardReachTheScreenAsPlainValues)
+TEST_F(Settings, theFlowsAndTheSystemCardReachTheScreenAsPlainValues)
 {
     const ConnectFlow& slack = list.connectFlows().at(5);
     EXPECT_EQ(slack.channelWord(), "SLACK");
     EXPECT_TRUE(slack.fields.first().masked);
-    view.setSection("system");
-    view.setSection("nowhere");
-    EXPECT_EQ(view.section(), "system");
-    SystemSettings& system = *view.system();
+    SystemSettings system(world.defaults, world.keychain, world.home.paths());
     EXPECT_TRUE(system.notifyOnNewMessage());
     system.setNotifyOnNewMessage(false);
     EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);
