@@ -115,12 +115,12 @@ void drawDev(Gallery& gallery)
         gallery.save(u"dev-"_s + tab.id, { Look::Light, Look::Dark, Look::LightSmall });
     }
     dev.setTab(u"tasks"_s);
-    for (const TabItem& tab : dev.inspectorTabs()) {
-        dev.setInspectorTabId(tab.id);
+    for (const TabItem& tab : dev.inspector()->tabs()) {
+        dev.inspector()->setTab(tab.id);
         gallery.wait(pause);
         gallery.save(u"dev-inspector-"_s + tab.id);
     }
-    dev.setInspectorTabId(u"team"_s);
+    dev.inspector()->setTab(u"team"_s);
     dev.tasks()->item()->open(u"item:demo:shop:basket"_s);
     gallery.wait(pause);
     gallery.save(u"dev-item"_s);

@@ -43,12 +43,8 @@ BrowserDisplay::BrowserDisplay(ChromiumBrowserController& browser, UserDefaults&
 QList<Choice> BrowserDisplay::devices() const
 {
     QList<Choice> choices;
-    for (const Device& device : allDevices) {
-        Choice choice;
-        choice.id = device.id;
-        choice.label = QString::fromUtf8(device.label);
-        choices.append(choice);
-    }
+    for (const Device& device : allDevices)
+        choices.append({ device.id, QString::fromUtf8(device.label) });
     return choices;
 }
 

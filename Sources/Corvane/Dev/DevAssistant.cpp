@@ -58,12 +58,8 @@ QString DevAssistant::promptHint() const
 QList<Choice> DevAssistant::targets() const
 {
     QList<Choice> choices;
-    for (const WorkAssistantTarget target : allTargets) {
-        Choice choice;
-        choice.id = QLatin1StringView(targetOf(target).id);
-        choice.label = QLatin1StringView(targetOf(target).label);
-        choices.append(choice);
-    }
+    for (const WorkAssistantTarget target : allTargets)
+        choices.append({ QLatin1StringView(targetOf(target).id), QLatin1StringView(targetOf(target).label) });
     return choices;
 }
 

@@ -79,16 +79,8 @@ void DevLauncher::reload()
 
 QList<Choice> DevLauncher::actions() const
 {
-    QList<Choice> actions;
-    for (const auto& [id, label] : { std::pair(u"codex"_s, u"Codex"_s), std::pair(u"claude"_s, u"Claude"_s),
-             std::pair(u"dev server"_s, u"Dev server"_s), std::pair(u"ssh"_s, u"SSH"_s),
-             std::pair(u"logs"_s, u"Logs"_s) }) {
-        Choice action;
-        action.id = id;
-        action.label = label;
-        actions.append(action);
-    }
-    return actions;
+    return { { u"codex"_s, u"Codex"_s }, { u"claude"_s, u"Claude"_s }, { u"dev server"_s, u"Dev server"_s },
+        { u"ssh"_s, u"SSH"_s }, { u"logs"_s, u"Logs"_s } };
 }
 
 QString DevLauncher::commandOf(const QString& kind) const

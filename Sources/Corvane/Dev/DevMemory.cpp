@@ -41,15 +41,7 @@ void DevMemory::setMemoryDraftKind(const QString& kind)
 
 QList<Choice> DevMemory::templates() const
 {
-    QList<Choice> choices;
-    for (const auto& [id, label] : { std::pair(u"fact"_s, u"Fact"_s), std::pair(u"command"_s, u"Useful command"_s),
-             std::pair(u"lesson"_s, u"Lesson"_s) }) {
-        Choice choice;
-        choice.id = id;
-        choice.label = label;
-        choices.append(choice);
-    }
-    return choices;
+    return { { u"fact"_s, u"Fact"_s }, { u"command"_s, u"Useful command"_s }, { u"lesson"_s, u"Lesson"_s } };
 }
 
 QString DevMemory::emptyText() const

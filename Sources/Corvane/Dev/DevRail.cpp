@@ -75,13 +75,8 @@ void DevRail::adopt()
 QList<TabItem> DevRail::scopes() const
 {
     QList<TabItem> items;
-    for (const ScopeWords& each : scopeWords) {
-        TabItem item;
-        item.id = QLatin1StringView(each.id);
-        item.label = QLatin1StringView(each.label);
-        item.count = m_counts.value(each.scope);
-        items.append(item);
-    }
+    for (const ScopeWords& each : scopeWords)
+        items.append({ QLatin1StringView(each.id), QLatin1StringView(each.label), m_counts.value(each.scope) });
     return items;
 }
 

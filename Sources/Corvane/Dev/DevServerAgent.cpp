@@ -52,19 +52,13 @@ QString DevServerAgent::tunnelCommand() const
 
 QList<Choice> DevServerAgent::rules() const
 {
-    const auto line = [](const QString& subject, const QString& words) {
-        Choice choice;
-        choice.id = subject;
-        choice.label = words;
-        return choice;
-    };
-    return { line(u"Reads"_s, u"ops_inbox, dev_work_list, one bounded unit"_s),
-        line(u"Writes"_s, u"ops_report, heartbeats, tasks, bugs, memory, decisions"_s),
-        line(u"The relay passes"_s, u"ops_* and dev_* only"_s),
-        line(u"Quota"_s, u"No API keys, no paid overflow, halt on quota risk."_s),
-        line(u"Claude on this computer"_s, u"Max 2 local processes."_s),
-        line(u"Approval"_s,
-            u"Deploy, server mutation, credential access, billing, and destructive commands need approval."_s) };
+    return { { u"Reads"_s, u"ops_inbox, dev_work_list, one bounded unit"_s },
+        { u"Writes"_s, u"ops_report, heartbeats, tasks, bugs, memory, decisions"_s },
+        { u"The relay passes"_s, u"ops_* and dev_* only"_s },
+        { u"Quota"_s, u"No API keys, no paid overflow, halt on quota risk."_s },
+        { u"Claude on this computer"_s, u"Max 2 local processes."_s },
+        { u"Approval"_s,
+            u"Deploy, server mutation, credential access, billing, and destructive commands need approval."_s } };
 }
 
 void DevServerAgent::edit(QString& field, const QString& value)

@@ -42,12 +42,8 @@ void DevTeam::reload()
 QList<Choice> DevTeam::tools() const
 {
     QList<Choice> choices;
-    for (const QString& tool : { u"codex"_s, u"claude"_s, u"browser"_s }) {
-        Choice choice;
-        choice.id = tool;
-        choice.label = nameOf(tool);
-        choices.append(choice);
-    }
+    for (const QString& tool : { u"codex"_s, u"claude"_s, u"browser"_s })
+        choices.append({ tool, nameOf(tool) });
     return choices;
 }
 

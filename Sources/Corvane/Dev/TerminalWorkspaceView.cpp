@@ -10,34 +10,18 @@ namespace corvane {
 
 namespace {
 
-template <typename Tab> struct TabWords {
+using Tab = DevWorkspaceTab;
+
+struct TabWords {
     Tab tab;
     const char* id;
     const char* label;
 };
 
-using Tab = DevWorkspaceTab;
-constexpr std::array<TabWords<Tab>, 9> workspaceTabs { { { Tab::Terminal, "terminal", "Terminal" },
+constexpr std::array<TabWords, 9> workspaceTabs { { { Tab::Terminal, "terminal", "Terminal" },
     { Tab::Assistant, "assistant", "Assistant" }, { Tab::Browser, "browser", "Browser" }, { Tab::SRS, "srs", "SRS" },
     { Tab::Tasks, "tasks", "Tasks" }, { Tab::Team, "team", "Team" }, { Tab::Memory, "memory", "Memory" },
     { Tab::Server, "server", "Server" }, { Tab::Health, "health", "Health" } } };
-
-using Side = DevInspectorTab;
-constexpr std::array<TabWords<Side>, 4> sideTabs { { { Side::Team, "team", "Team" }, { Side::Tasks, "tasks", "Tasks" },
-    { Side::Activity, "activity", "Activity" }, { Side::Context, "context", "Context" } } };
-
-template <typename Words> TabItem tabItem(const Words& words)
-{
-    TabItem item;
-    item.id = QLatin1StringView(words.id);
-    item.label = QLatin1StringView(words.label);
-    return item;
-}
-
-template <typename Table> auto byId(const Table& table, const QString& id)
-{
-    return std::ranges::find_if(table, [&](const auto& words) { return id == QLatin1StringView(words.id); });
-}
 
 }
 
@@ -153,8 +137,8 @@ void TerminalWorkspaceView::terminalsChanged()
 QList<TabItem> TerminalWorkspaceView::tabs() const
 {
     QList<TabItem> items;
-    for (const auto& words : workspaceTabs) {
-        TabItem item = tabItem(words);
+    for (const TabWords& words : workspaceTabs) {
+        TabItem item { QLatin1StringView(words.id), QLatin1StringView(words.label) };
         if (words.tab == Tab::Terminal)
             item.count = m_desk.terminals.count();
         if (words.tab == Tab::Browser)
@@ -176,50 +160,23 @@ void TerminalWorkspaceView::setWorkspaceTab(DevWorkspaceTab tab)
 
 QString TerminalWorkspaceView::tab() const
 {
-    return QLatin1StringView(std::ranges::find(workspaceTabs, m_tab, &TabWords<Tab>::tab)->id);
+    return QLatin1StringView(std::ranges::find(workspaceTabs, m_tab, &TabWords::tab)->id);
 }
 
 void TerminalWorkspaceView::setTab(const QString& id)
 {
-    if (const auto found = byId(workspaceTabs, id); found != workspaceTabs.end())
+    const auto found
+        = std::ranges::find_if(workspaceTabs, [&](const TabWords& words) { return id == QLatin1StringView(words.id); });
+    if (found != workspaceTabs.end())
         setWorkspaceTab(found->tab);
-}
-
-QList<TabItem> TerminalWorkspaceView::inspectorTabs() const
-{
-    QList<TabItem> items;
-    for (const auto& words : sideTabs)
-        items.append(tabItem(words));
-    return items;
-}
-
-QString TerminalWorkspaceView::inspectorTabId() const
-{
-    return QLatin1StringView(std::ranges::find(sideTabs, m_inspectorTab, &TabWords<Side>::tab)->id);
-}
-
-void TerminalWorkspaceView::setInspectorTabId(const QString& id)
-{
-    const auto found = byId(sideTabs, id);
-    if (found != sideTabs.end() && std::exchange(m_inspectorTab, found->tab) != found->tab)
-        Q_EMIT changed();
-}
-
-void TerminalWorkspaceView::setInspectorCollapsed(bool collapsed)
-{
-    if (std::exchange(m_inspectorCollapsed, collapsed) != collapsed)
-        Q_EMIT changed();
 }
 
 QList<Choice> TerminalWorkspaceView::facts() const
 {
     QList<Choice> facts;
     const auto add = [&facts](const QString& subject, const QString& words) {
-        Choice fact;
-        fact.id = subject;
-        fact.label = words;
         if (!words.isEmpty())
-            facts.append(fact);
+            facts.append({ subject, words });
     };
     const OpsProjectRow& project = m_desk.project;
     if (m_desk.hasProject()) {

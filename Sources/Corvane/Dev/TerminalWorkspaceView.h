@@ -3,6 +3,7 @@
 #include "Browser/BrowserView.h"
 #include "Dev/DevAssistant.h"
 #include "Dev/DevHealth.h"
+#include "Dev/DevInspector.h"
 #include "Dev/DevLauncher.h"
 #include "Dev/DevMemory.h"
 #include "Dev/DevRail.h"
@@ -17,7 +18,6 @@
 namespace corvane {
 
 enum class DevWorkspaceTab { Terminal, Assistant, Browser, SRS, Tasks, Team, Memory, Server, Health };
-enum class DevInspectorTab { Team, Tasks, Activity, Context };
 
 /// The developer workspace: projects on the left, tabs for the selected one, and an inspector. It prepares texts,
 /// writes rows and opens terminals; risky actions are left for the user to type or to approve.
@@ -28,9 +28,7 @@ class TerminalWorkspaceView : public QObject {
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is visible, and refreshes
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY changed)
-    Q_PROPERTY(QList<corvane::TabItem> inspectorTabs READ inspectorTabs NOTIFY changed)
-    Q_PROPERTY(QString inspectorTab READ inspectorTabId WRITE setInspectorTabId NOTIFY changed)
-    Q_PROPERTY(bool inspectorCollapsed READ inspectorCollapsed WRITE setInspectorCollapsed NOTIFY changed)
+    Q_PROPERTY(corvane::DevInspector* inspector READ inspector CONSTANT)
     Q_PROPERTY(QList<corvane::Choice> facts READ facts NOTIFY changed) ///< of the chosen project
     Q_PROPERTY(corvane::DevRail* rail READ rail CONSTANT)
     Q_PROPERTY(corvane::TerminalsView* terminals READ terminals CONSTANT)
@@ -57,11 +55,7 @@ public:
     void setWorkspaceTab(DevWorkspaceTab tab);
     QString tab() const;
     void setTab(const QString& id);
-    QList<TabItem> inspectorTabs() const;
-    QString inspectorTabId() const;
-    void setInspectorTabId(const QString& id);
-    bool inspectorCollapsed() const { return m_inspectorCollapsed; }
-    void setInspectorCollapsed(bool collapsed);
+    DevInspector* inspector() { return &m_inspector; }
     QList<Choice> facts() const;
 
     DevRail* rail() { return &m_rail; }
@@ -97,8 +91,7 @@ private:
     const void* m_terminal = nullptr; ///< the one that the tabs describe; only compared
     int m_terminalCount = 0;
     DevWorkspaceTab m_tab = DevWorkspaceTab::Terminal;
-    DevInspectorTab m_inspectorTab = DevInspectorTab::Team;
-    bool m_inspectorCollapsed = false;
+    DevInspector m_inspector;
     ScreenRefresh m_refresh;
     DevRail m_rail;
     DevLauncher m_launcher;

@@ -119,7 +119,7 @@ Screens::Screens(CorvaneApp& root)
     shell.setScreens(hubScreens);
     shell.setHelp(readHelp(app.paths().resources));
     terminals.setBrowser([this](const QString& address) { return showInBrowser(*this, address); });
-    lumoConsole.setInspectorCollapsed(true); // it stands beside the hub's own rail
+    lumoConsole.inspector()->setCollapsed(true); // it stands beside the hub's own rail
     commands.add(callCommands(calls));
     QObject::connect(&calls, &CallsView::shown, &shell, &AppShell::openCalls);
     commands.add(placeCommands(shell));

@@ -49,7 +49,7 @@ bool isAutomatic(const WaitingPerson& person)
 CXHub::CXHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
-    , m_shell(services, WorkConsoleConfig::cx(), { workPlace(u"queue"_s, u"Waiting"_s) }, this)
+    , m_shell(services, WorkConsoleConfig::cx(), { { u"queue"_s, u"Waiting"_s } }, this)
 {
     connect(&m_shell, &WorkModuleShell::refreshed, this, &CXHub::readPlaces);
     connect(&m_shell, &WorkModuleShell::aged, this, &CXHub::readPlaces);

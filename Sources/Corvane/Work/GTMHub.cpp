@@ -90,7 +90,7 @@ void PipelineStage::show(const QString& stage, const QString& sum, const QList<D
 GTMHub::GTMHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
-    , m_shell(services, WorkConsoleConfig::gtm(), { workPlace(u"pipeline"_s, u"Pipeline"_s) }, this)
+    , m_shell(services, WorkConsoleConfig::gtm(), { { u"pipeline"_s, u"Pipeline"_s } }, this)
     , m_undo(services.scheduler, [this] { Q_EMIT changed(); })
 {
     connect(&m_shell, &WorkModuleShell::refreshed, this, &GTMHub::readPlaces);

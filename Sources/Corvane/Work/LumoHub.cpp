@@ -19,8 +19,8 @@ LumoHub::LumoHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_shell(services, WorkConsoleConfig::lumo(),
-          { workPlace(u"knowledge"_s, u"Knowledge"_s), workPlace(u"agents"_s, u"Agents"_s),
-              workPlace(u"flows"_s, u"Flows"_s), workPlace(u"console"_s, u"Console"_s) },
+          { { u"knowledge"_s, u"Knowledge"_s }, { u"agents"_s, u"Agents"_s }, { u"flows"_s, u"Flows"_s },
+              { u"console"_s, u"Console"_s } },
           this)
     , m_knowledge(services.db, services.scheduler, this)
     , m_agents(services, WorkConsoleConfig::lumo(), *m_shell.shells(), this)

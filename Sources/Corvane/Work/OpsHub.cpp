@@ -112,8 +112,8 @@ OpsHub::OpsHub(const WorkServices& services, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_shell(services, WorkConsoleConfig::ops(),
-          { workPlace(u"home"_s, u"Home"_s), workPlace(u"projects"_s, u"Projects"_s), workPlace(u"asks"_s, u"Asks"_s),
-              workPlace(u"finance"_s, u"Finance"_s) },
+          { { u"home"_s, u"Home"_s }, { u"projects"_s, u"Projects"_s }, { u"asks"_s, u"Asks"_s },
+              { u"finance"_s, u"Finance"_s } },
           this)
     , m_asks(services, this)
     , m_projects(services, this)

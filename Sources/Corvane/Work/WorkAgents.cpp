@@ -213,15 +213,9 @@ QString WorkAgents::emptyText() const
 
 QList<Choice> WorkAgents::safety() const
 {
-    const auto line = [](const QString& subject, const QString& words) {
-        Choice choice;
-        choice.id = subject;
-        choice.label = words;
-        return choice;
-    };
-    return { line(u"External send"_s, u"Draft or approval-gated only"_s),
-        line(u"Credentials"_s, u"Never exposed or moved"_s), line(u"Billing"_s, u"No API keys, no paid overflow"_s),
-        line(u"Risk"_s, u"Deploy, money, server mutation, and destructive commands require explicit approval"_s) };
+    return { { u"External send"_s, u"Draft or approval-gated only"_s },
+        { u"Credentials"_s, u"Never exposed or moved"_s }, { u"Billing"_s, u"No API keys, no paid overflow"_s },
+        { u"Risk"_s, u"Deploy, money, server mutation, and destructive commands require explicit approval"_s } };
 }
 
 }

@@ -66,14 +66,6 @@ WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWord
     return seed;
 }
 
-TabItem workPlace(const QString& id, const QString& label)
-{
-    TabItem place;
-    place.id = id;
-    place.label = label;
-    return place;
-}
-
 WorkModuleShell::WorkModuleShell(
     const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent)
     : QObject(parent)
@@ -309,9 +301,7 @@ QList<TabItem> WorkModuleShell::tabs() const
 {
     QList<TabItem> items;
     for (const Tab tab : visibleTabs(m_config, m_context)) {
-        TabItem item;
-        item.id = tabId(tab);
-        item.label = tabLabel(tab);
+        TabItem item { tabId(tab), tabLabel(tab) };
         if (tab == Tab::Approvals)
             item.count = m_counts.waitingDecisions + m_counts.proposedMemory;
         items.append(item);

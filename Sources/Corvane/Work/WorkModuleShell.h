@@ -31,9 +31,6 @@ public:
 
 WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words);
 
-/// A place of a hub's rail that is not a context.
-TabItem workPlace(const QString& id, const QString& label);
-
 /// The workspace of a module: a rail of places and contexts, and the surfaces of the selected one. All content comes
 /// from the store, and is read again only if something was written and the screen is shown.
 class WorkModuleShell : public QObject {
@@ -71,6 +68,7 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(corvane::WorkAgents* agents READ agents CONSTANT)
     Q_PROPERTY(corvane::WorkShells* shells READ shells CONSTANT)
 public:
+    /// `places`: those of the rail that are no contexts.
     WorkModuleShell(
         const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
 

@@ -43,10 +43,7 @@ QList<Choice> nameableRows(LocalDB& db, const QString& module, const WorkContext
 {
     QList<Choice> rows;
     const auto add = [&rows](const QString& id, const QString& title) {
-        Choice row;
-        row.id = id;
-        row.label = shownLine(title);
-        rows.append(row);
+        rows.append({ id, shownLine(title) });
     };
     for (const WorkItemRecord& item : fetchWorkItems(db, module, context, 50))
         add(u"item:"_s + item.id, item.title);

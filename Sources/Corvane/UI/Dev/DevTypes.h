@@ -22,6 +22,13 @@ struct LumoScreenType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct DevInspectorType {
+    Q_GADGET
+    QML_FOREIGN(corvane::DevInspector)
+    QML_NAMED_ELEMENT(DevInspector)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct DevRailType {
     Q_GADGET
     QML_FOREIGN(corvane::DevRail)

@@ -9,7 +9,8 @@ FocusScope {
     id: view
 
     required property TerminalWorkspaceView workspace
-    readonly property string tab: workspace.inspectorTab
+    readonly property DevInspector inspector: workspace.inspector
+    readonly property string tab: inspector.tab
     readonly property OpsProjects projects: workspace.rail.projects
     property tabItem noTab
     property choice noFact
@@ -20,15 +21,15 @@ FocusScope {
         height: 44
         spacing: 2
         Repeater {
-            model: view.workspace.inspectorTabs.length
+            model: view.inspector.tabs.length
             FilterTab {
                 required property int index
-                readonly property tabItem entry: view.workspace.inspectorTabs[index] ?? view.noTab
+                readonly property tabItem entry: view.inspector.tabs[index] ?? view.noTab
                 objectName: "dev.side:" + entry.id
                 anchors.verticalCenter: parent.verticalCenter
                 text: entry.label
                 selected: view.tab === entry.id
-                onClicked: view.workspace.inspectorTab = entry.id
+                onClicked: view.inspector.tab = entry.id
             }
         }
     }

@@ -91,8 +91,8 @@ FocusScope {
             anchors.verticalCenter: parent.verticalCenter
             size: 28
             icon.name: "view-right-pane"
-            text: view.workspace.inspectorCollapsed ? qsTr("Show the inspector") : qsTr("Hide the inspector")
-            onClicked: view.workspace.inspectorCollapsed = !view.workspace.inspectorCollapsed
+            text: view.workspace.inspector.collapsed ? qsTr("Show the inspector") : qsTr("Hide the inspector")
+            onClicked: view.workspace.inspector.collapsed = !view.workspace.inspector.collapsed
         }
         Rectangle {
             anchors.bottom: parent.bottom
@@ -175,7 +175,7 @@ FocusScope {
         anchors.right: parent.right
         width: view.itemOpen ? 380 : 300
         height: parent.height
-        visible: view.itemOpen || (view.wide && !view.workspace.inspectorCollapsed)
+        visible: view.itemOpen || (view.wide && !view.workspace.inspector.collapsed)
         onVisibleChanged: if (!visible) (desk.visible ? desk : surface).forceActiveFocus(Qt.OtherFocusReason)
         Accessible.role: Accessible.Pane
         Accessible.name: view.itemOpen ? view.workspace.tasks.item.title : qsTr("Project")
