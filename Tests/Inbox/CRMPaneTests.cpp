@@ -55,8 +55,8 @@ protected:
 
     const QString namesake = "ct:TELEGRAM:77";
     CRMPane& pane = *inbox.person()->crm();
-    QAbstractItemModelTester notesTester { pane.notes() };
-    QAbstractItemModelTester activityTester { pane.activity() };
+    QAbstractItemModelTester notesTester { pane.notes()->rows() };
+    QAbstractItemModelTester activityTester { pane.activity()->rows() };
     QAbstractItemModelTester suggestionTester { pane.suggestions() };
 };
 
@@ -65,28 +65,29 @@ protected:
 TEST_F(CRMPaneTest, theSectionsShowWhatIsKnownOfWhoeverIsOpen)
 {
     EXPECT_EQ(pane.contactName(), "Ana Ruiz");
-    EXPECT_EQ(column(pane.info(), "label"), (QStringList { "Phone", "Channel", "Handle" }));
-    EXPECT_EQ(texts(pane.info()), (QStringList { "49171", "WhatsApp", "49171@s.whatsapp.net" }));
-    EXPECT_EQ(texts(pane.activity()), QStringList("hello"));
-    EXPECT_EQ(column(pane.activity(), "label"), QStringList("WhatsApp"));
+    EXPECT_EQ(column(pane.info()->rows(), "label"), (QStringList { "Phone", "Channel", "Handle" }));
+    EXPECT_EQ(texts(pane.info()->rows()), (QStringList { "49171", "WhatsApp", "49171@s.whatsapp.net" }));
+    EXPECT_EQ(texts(pane.activity()->rows()), QStringList("hello"));
+    EXPECT_EQ(column(pane.activity()->rows(), "label"), QStringList("WhatsApp"));
 
     EXPECT_TRUE(pane.addNote(" Likes tea \n"));
     EXPECT_TRUE(pane.addTask("Send the quote "));
     EXPECT_TRUE(addDeal(" Garden ", "Proposal", "$12.5k"));
-    EXPECT_EQ(texts(pane.notes()), QStringList("Likes tea"));
-    EXPECT_EQ(texts(pane.tasks()), QStringList("Send the quote"));
-    EXPECT_EQ(column(pane.tasks(), "detail"), QStringList(""));
-    EXPECT_EQ(texts(pane.deals()), QStringList("Garden"));
-    EXPECT_EQ(column(pane.deals(), "detail"), QStringList("Proposal · $12.5k"));
-    EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "WhatsApp" }));
+    EXPECT_EQ(texts(pane.notes()->rows()), QStringList("Likes tea"));
+    EXPECT_EQ(texts(pane.tasks()->rows()), QStringList("Send the quote"));
+    EXPECT_EQ(column(pane.tasks()->rows(), "detail"), QStringList(""));
+    EXPECT_EQ(texts(pane.deals()->rows()), QStringList("Garden"));
+    EXPECT_EQ(column(pane.deals()->rows(), "detail"), QStringList("Proposal · $12.5k"));
+    EXPECT_EQ(column(pane.activity()->rows(), "label"), (QStringList { "Note", "WhatsApp" }));
     EXPECT_EQ(cell("SELECT company || COALESCE(close_date,'-') FROM crm_deal;"), "-");
 
     inbox.person()->select(ben);
     EXPECT_EQ(pane.contactName(), "Ben");
-    EXPECT_EQ(pane.notes()->rowCount() + pane.tasks()->rowCount() + pane.deals()->rowCount(), 0);
+    EXPECT_EQ(
+        pane.notes()->rows()->rowCount() + pane.tasks()->rows()->rowCount() + pane.deals()->rows()->rowCount(), 0);
     inbox.person()->select({});
     EXPECT_EQ(pane.contactId(), "");
-    EXPECT_EQ(pane.info()->rowCount() + pane.activity()->rowCount(), 0);
+    EXPECT_EQ(pane.info()->rows()->rowCount() + pane.activity()->rows()->rowCount(), 0);
     EXPECT_FALSE(pane.addNote("to nobody"));
     EXPECT_FALSE(pane.addTask("for nobody"));
     EXPECT_FALSE(addDeal("with nobody", "Proposal", ""));
@@ -126,22 +127,22 @@ TEST_F(CRMPaneTest, aLongStoryShowsItsNewestPartFirst)
 {
     for (int i = 0; i < 40; ++i)
         pane.addNote(QString::number(i));
-    EXPECT_EQ(pane.notes()->rowCount(), 5);
-    EXPECT_EQ(texts(pane.notes()).first(), "39");
-    EXPECT_EQ(pane.activity()->rowCount(), 8);
-    EXPECT_TRUE(pane.olderNotes() && pane.olderActivity());
-    pane.showOlderNotes();
-    pane.showOlderActivity();
-    EXPECT_EQ(pane.notes()->rowCount(), 30);
-    EXPECT_EQ(pane.activity()->rowCount(), 33);
-    pane.showOlderNotes();
-    EXPECT_EQ(pane.notes()->rowCount(), 40);
-    EXPECT_FALSE(pane.olderNotes());
+    EXPECT_EQ(pane.notes()->rows()->rowCount(), 5);
+    EXPECT_EQ(texts(pane.notes()->rows()).first(), "39");
+    EXPECT_EQ(pane.activity()->rows()->rowCount(), 8);
+    EXPECT_TRUE(pane.notes()->hasOlder() && pane.activity()->hasOlder());
+    pane.notes()->showOlder();
+    pane.activity()->showOlder();
+    EXPECT_EQ(pane.notes()->rows()->rowCount(), 30);
+    EXPECT_EQ(pane.activity()->rows()->rowCount(), 33);
+    pane.notes()->showOlder();
+    EXPECT_EQ(pane.notes()->rows()->rowCount(), 40);
+    EXPECT_FALSE(pane.notes()->hasOlder());
     inbox.person()->select(ben);
     inbox.person()->select(ana);
-    EXPECT_EQ(pane.notes()->rowCount(), 5);
+    EXPECT_EQ(pane.notes()->rows()->rowCount(), 5);
     pane.addNote(QString(1'000'000, u'x'));
-    EXPECT_LE(texts(pane.notes()).first().size(), 10'000);
+    EXPECT_LE(texts(pane.notes()->rows()).first().size(), 10'000);
     EXPECT_EQ(cell("SELECT MAX(LENGTH(body)) FROM contact_note;"), "1000000");
 }
 
@@ -149,31 +150,31 @@ TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
 {
     engines.db().exec("INSERT INTO work_memory_entries VALUES('m','contact:" + ana + "','Pays late','2025');");
     pane.addTask("Ring back");
-    EXPECT_EQ(texts(pane.memory()), QStringList("Pays late"));
-    pane.completeTask(id(pane.tasks()));
+    EXPECT_EQ(texts(pane.memory()->rows()), QStringList("Pays late"));
+    pane.completeTask(id(pane.tasks()->rows()));
     pane.forget("m");
-    EXPECT_EQ(pane.tasks()->rowCount() + pane.memory()->rowCount(), 0);
+    EXPECT_EQ(pane.tasks()->rows()->rowCount() + pane.memory()->rows()->rowCount(), 0);
     EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_memory_entries;"), "0");
 
     EXPECT_EQ(inbox.actions()->undoText(), "Forgot “Pays late”");
     inbox.actions()->undo();
-    EXPECT_EQ(texts(pane.memory()), QStringList("Pays late"));
+    EXPECT_EQ(texts(pane.memory()->rows()), QStringList("Pays late"));
     pane.addTask("A title that is much longer than a line under the thread can be");
-    pane.completeTask(id(pane.tasks()));
+    pane.completeTask(id(pane.tasks()->rows()));
     EXPECT_EQ(inbox.actions()->undoText(), "Completed “A title that is much longer than…”");
     inbox.person()->select(ben);
     inbox.actions()->undo(); // whoever is open by then
-    EXPECT_EQ(pane.tasks()->rowCount(), 0);
+    EXPECT_EQ(pane.tasks()->rows()->rowCount(), 0);
     inbox.person()->select(ana);
-    EXPECT_EQ(pane.tasks()->rowCount(), 1);
+    EXPECT_EQ(pane.tasks()->rows()->rowCount(), 1);
 }
 
 TEST_F(CRMPaneTest, whatHappensMeanwhileShowsSoon)
 {
     receive(ana, "and another thing");
     clock.advance(Milliseconds(600));
-    EXPECT_EQ(texts(pane.activity()), (QStringList { "and another thing", "hello" }));
+    EXPECT_EQ(texts(pane.activity()->rows()), (QStringList { "and another thing", "hello" }));
 }
 
 TEST_F(CRMPaneTest, twoContactsBecomeOnePersonAndTwoAgain)
@@ -267,17 +268,17 @@ TEST_F(CRMPaneTest, aMergeShowsWhatIsKnownOfBoth)
     pane.addNote("a new one");
 
     pane.mergeWith(namesake);
-    EXPECT_EQ(texts(pane.notes()), (QStringList { "a new one", "an old one" }));
-    EXPECT_EQ(texts(pane.deals()) + texts(pane.memory()), (QStringList { "Garden", "Pays late" }));
-    EXPECT_EQ(
-        texts(pane.info()), (QStringList { "49171", "WhatsApp", "Telegram", "49171@s.whatsapp.net", "77", "Acme" }));
-    EXPECT_EQ(column(pane.activity(), "label"), (QStringList { "Note", "Note", "Telegram", "WhatsApp" }));
-    pane.completeTask(id(pane.tasks()));
+    EXPECT_EQ(texts(pane.notes()->rows()), (QStringList { "a new one", "an old one" }));
+    EXPECT_EQ(texts(pane.deals()->rows()) + texts(pane.memory()->rows()), (QStringList { "Garden", "Pays late" }));
+    EXPECT_EQ(texts(pane.info()->rows()),
+        (QStringList { "49171", "WhatsApp", "Telegram", "49171@s.whatsapp.net", "77", "Acme" }));
+    EXPECT_EQ(column(pane.activity()->rows(), "label"), (QStringList { "Note", "Note", "Telegram", "WhatsApp" }));
+    pane.completeTask(id(pane.tasks()->rows()));
     EXPECT_EQ(cell("SELECT status FROM crm_task;"), "Done");
 
     pane.unmerge(id(pane.merges()));
-    EXPECT_EQ(texts(pane.notes()), QStringList("a new one")) << "each keeps what is theirs";
-    EXPECT_EQ(pane.deals()->rowCount(), 0);
+    EXPECT_EQ(texts(pane.notes()->rows()), QStringList("a new one")) << "each keeps what is theirs";
+    EXPECT_EQ(pane.deals()->rows()->rowCount(), 0);
 }
 
 TEST_F(CRMPaneTest, aDismissedSuggestionStaysAwayFromBoth)

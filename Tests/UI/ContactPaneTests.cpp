@@ -105,16 +105,16 @@ TEST_F(ContactPaneWindow, aDealIsAddedWithKeysAlone)
     engines.db().exec(u"DROP TRIGGER full;"_s);
     click(u"addDeal.submit"_s);
     EXPECT_EQ(findItem(u"addDeal"_s), nullptr);
-    EXPECT_EQ(column(pane.deals(), "text"), QStringList(u"Kitchen"_s));
-    EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Prospecting"_s));
+    EXPECT_EQ(column(pane.deals()->rows(), "text"), QStringList(u"Kitchen"_s));
+    EXPECT_EQ(column(pane.deals()->rows(), "detail"), QStringList(u"Prospecting"_s));
 
     reach(u"contact.moveDeal"_s);
     press(Qt::Key_Down);
     press(Qt::Key_Down);
     press(Qt::Key_Return);
-    EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Qualification"_s));
+    EXPECT_EQ(column(pane.deals()->rows(), "detail"), QStringList(u"Qualification"_s));
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(column(pane.deals(), "detail"), QStringList(u"Prospecting"_s));
+    EXPECT_EQ(column(pane.deals()->rows(), "detail"), QStringList(u"Prospecting"_s));
     EXPECT_EQ(cell(u"SELECT payload_json FROM crm_mutation_queue WHERE entity_type='deal' AND action='update';"_s),
         uR"({"stage":"Prospecting"})"_s);
 }
@@ -128,26 +128,26 @@ TEST_F(ContactPaneWindow, notesAndTasksAreWrittenInPlaceAndATaskIsTickedOff)
     EXPECT_EQ(item(u"contact.note"_s)->property("text"), u""_s);
     select(ana);
     reach(u"contact.addNote"_s);
-    EXPECT_EQ(column(pane.notes(), "text"), QStringList(u"je m"_s));
+    EXPECT_EQ(column(pane.notes()->rows(), "text"), QStringList(u"je m"_s));
     EXPECT_EQ(item(u"contact.note"_s)->property("text"), u""_s);
     EXPECT_EQ(findItem(u"contact.addNote"_s), nullptr);
 
     reach(u"contact.task"_s);
     type(u"Ring back"_s);
     press(Qt::Key_Return);
-    EXPECT_EQ(column(pane.tasks(), "text"), QStringList(u"Ring back"_s));
+    EXPECT_EQ(column(pane.tasks()->rows(), "text"), QStringList(u"Ring back"_s));
     reach(u"contact.complete"_s);
-    EXPECT_EQ(pane.tasks()->rowCount(), 0);
+    EXPECT_EQ(pane.tasks()->rows()->rowCount(), 0);
     click(u"inbox.undo"_s);
-    EXPECT_EQ(pane.tasks()->rowCount(), 1);
+    EXPECT_EQ(pane.tasks()->rows()->rowCount(), 1);
 
     keepMemoryEntry(engines.db(), { u"m"_s, u"contact:"_s + ana, u"Pays late"_s, u"2025-01-01T00:00:00Z"_s });
     select(ben);
     select(ana);
     reach(u"contact.forget"_s);
-    EXPECT_EQ(pane.memory()->rowCount(), 0);
+    EXPECT_EQ(pane.memory()->rows()->rowCount(), 0);
     click(u"inbox.undo"_s);
-    EXPECT_EQ(pane.memory()->rowCount(), 1);
+    EXPECT_EQ(pane.memory()->rows()->rowCount(), 1);
 }
 
 TEST_F(ContactPaneWindow, aFailureIsSaidAndWhatWasTypedIsKept)

@@ -16,8 +16,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int olderRows = 25;
-
 /// A text shortened to fit a label.
 QString shortened(const QString& text)
 {
@@ -36,22 +34,10 @@ std::optional<LiveMerge> liveMerge(LocalDB& db, const QString& primary, const QS
 
 }
 
-void CRMPane::showOlderNotes()
-{
-    m_noteLimit += olderRows;
-    reloadCRM();
-}
-
 void CRMPane::showNote(const QString& id)
 {
-    while (m_olderNotes && std::ranges::find(m_notes.rows(), id, &PaneRow::id) == m_notes.rows().end())
-        showOlderNotes();
-}
-
-void CRMPane::showOlderActivity()
-{
-    m_activityLimit += olderRows;
-    reloadCRM();
+    while (m_notes.hasOlder() && !m_notes.shows(id))
+        m_notes.showOlder();
 }
 
 void CRMPane::setNoteText(const QString& text)

@@ -52,7 +52,15 @@ CRMPane::CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent)
         return m_errorText;
     })
     , m_crmSoon(scheduler, refreshPeriod, [this] { reloadCRM(); })
+    , m_memory(u"Nothing yet — agents save durable facts here as you work."_s)
+    , m_info(u"No contact fields yet — emails, phones, platforms, and linked deal companies appear here."_s)
+    , m_deals(u"No deals yet — add one for this contact."_s)
+    , m_notes({}, firstNotes)
+    , m_activity(u"No activity yet — messages, notes, and call recordings appear here."_s, firstActivity)
+    , m_tasks(u"No open tasks yet — add one for this contact."_s)
 {
+    connect(&m_notes, &PaneSection::olderAsked, this, &CRMPane::reloadCRM);
+    connect(&m_activity, &PaneSection::olderAsked, this, &CRMPane::reloadCRM);
 }
 
 CRMPane::~CRMPane() = default;
@@ -70,31 +78,6 @@ QString CRMPane::identityEmpty() const
         : u"Known on %1 only. %2"_s.arg(channelLabel(m_contact.platforms.first()), suggested);
 }
 
-QString CRMPane::memoryEmpty() const
-{
-    return u"Nothing yet — agents save durable facts here as you work."_s;
-}
-
-QString CRMPane::infoEmpty() const
-{
-    return u"No contact fields yet — emails, phones, platforms, and linked deal companies appear here."_s;
-}
-
-QString CRMPane::dealsEmpty() const
-{
-    return u"No deals yet — add one for this contact."_s;
-}
-
-QString CRMPane::activityEmpty() const
-{
-    return u"No activity yet — messages, notes, and call recordings appear here."_s;
-}
-
-QString CRMPane::tasksEmpty() const
-{
-    return u"No open tasks yet — add one for this contact."_s;
-}
-
 QStringList CRMPane::stages() const
 {
     return pipelineStages();
@@ -107,8 +90,8 @@ void CRMPane::open(const ContactRow& contact)
     m_contact = contact;
     if (isOther) {
         setError({});
-        m_noteLimit = firstNotes;
-        m_activityLimit = firstActivity;
+        m_notes.startAnew();
+        m_activity.startAnew();
         m_suggestions.assign({});
         m_identitySoon
             = contact.id.isEmpty() ? nullptr : m_scheduler.after(identityDelay, [this] { reloadIdentity(); });
@@ -175,8 +158,8 @@ void CRMPane::reloadCRM()
 {
     reloadMerges();
     if (m_contact.id.isEmpty()) {
-        for (auto* rows : { &m_memory, &m_info, &m_deals, &m_notes, &m_activity, &m_tasks })
-            rows->assign({});
+        for (PaneSection* const section : { &m_memory, &m_info, &m_deals, &m_notes, &m_activity, &m_tasks })
+            section->assign({});
         return;
     }
     const DateWords words(m_scheduler.nowMs());
@@ -187,22 +170,17 @@ void CRMPane::reloadCRM()
         info.add(fetchContactInfo(m_db, id));
     }
     // Fetches one more of each than is shown, to know whether there are more.
-    const auto notes
-        = newestOf(m_people, [this](const QString& id) { return fetchNotes(m_db, id); }, &NoteRow::ts, m_noteLimit + 1);
+    const auto notes = newestOf(
+        m_people, [this](const QString& id) { return fetchNotes(m_db, id); }, &NoteRow::ts, m_notes.limit() + 1);
     const auto activity = newestOf(
-        m_people, [this](const QString& id) { return fetchContactActivity(m_db, id, m_activityLimit + 1); },
-        &ActivityRow::ts, m_activityLimit + 1);
+        m_people, [this](const QString& id) { return fetchContactActivity(m_db, id, m_activity.limit() + 1); },
+        &ActivityRow::ts, m_activity.limit() + 1);
     m_memory.assign(paneRows(memory, memoryRow));
     m_info.assign(infoRows(info));
     m_deals.assign(paneRows(latestDeals(), dealRow));
-    m_notes.assign(paneRows(
-        notes.first(std::min(notes.size(), m_noteLimit)), [&](const NoteRow& note) { return noteRow(note, words); }));
-    m_activity.assign(paneRows(activity.first(std::min(activity.size(), m_activityLimit)),
-        [&](const ActivityRow& row) { return activityRow(row, words); }));
+    m_notes.assign(paneRows(notes, [&](const NoteRow& note) { return noteRow(note, words); }));
+    m_activity.assign(paneRows(activity, [&](const ActivityRow& row) { return activityRow(row, words); }));
     m_tasks.assign(paneRows(openTasks(), taskRow));
-    m_olderNotes = notes.size() > m_noteLimit;
-    m_olderActivity = activity.size() > m_activityLimit;
-    Q_EMIT lengthsChanged();
 }
 
 bool CRMPane::done(bool saved)

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "CRM/DealForm.h"
-#include "CRM/PaneRow.h"
+#include "CRM/PaneSection.h"
 #include "Foundation/Coalescer.h"
-#include "Presentation/RowListModel.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QSet>
@@ -19,24 +18,15 @@ class CRMPane : public QObject {
     Q_PROPERTY(QString contactName READ contactName NOTIFY contactChanged)
     Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
     Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
-    // Each is a model of PaneRow
-    Q_PROPERTY(
-        corvane::HoldingListModel* suggestions READ suggestions CONSTANT) ///< "Same as Ana?"; id is the other contact
-    Q_PROPERTY(corvane::HoldingListModel* merges READ merges CONSTANT) ///< "Merged with Ana"
-    Q_PROPERTY(corvane::HoldingListModel* memory READ memory CONSTANT)
-    Q_PROPERTY(corvane::HoldingListModel* info READ info CONSTANT)
-    Q_PROPERTY(corvane::HoldingListModel* deals READ deals CONSTANT)
-    Q_PROPERTY(corvane::HoldingListModel* notes READ notes CONSTANT)
-    Q_PROPERTY(corvane::HoldingListModel* activity READ activity CONSTANT)
-    Q_PROPERTY(corvane::HoldingListModel* tasks READ tasks CONSTANT)
-    // What stands in a section without rows
-    Q_PROPERTY(QString memoryEmpty READ memoryEmpty CONSTANT)
-    Q_PROPERTY(QString infoEmpty READ infoEmpty CONSTANT)
-    Q_PROPERTY(QString dealsEmpty READ dealsEmpty CONSTANT)
-    Q_PROPERTY(QString activityEmpty READ activityEmpty CONSTANT)
-    Q_PROPERTY(QString tasksEmpty READ tasksEmpty CONSTANT)
-    Q_PROPERTY(bool olderNotes READ olderNotes NOTIFY lengthsChanged) ///< there are more than are shown
-    Q_PROPERTY(bool olderActivity READ olderActivity NOTIFY lengthsChanged)
+    // Of PaneRow: "Same as Ana?", with the id of the other contact, and "Merged with Ana"
+    Q_PROPERTY(corvane::HoldingListModel* suggestions READ suggestions CONSTANT)
+    Q_PROPERTY(corvane::HoldingListModel* merges READ merges CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* memory READ memory CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* info READ info CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* deals READ deals CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* notes READ notes CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* activity READ activity CONSTANT)
+    Q_PROPERTY(corvane::PaneSection* tasks READ tasks CONSTANT)
     Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a deal can have
     Q_PROPERTY(corvane::DealForm* dealForm READ dealForm CONSTANT)
     // What is typed and not added yet; it stays with its person until the program ends
@@ -54,19 +44,12 @@ public:
     QString identityEmpty() const;
     HoldingListModel* suggestions() { return &m_suggestions; }
     HoldingListModel* merges() { return &m_merges; }
-    HoldingListModel* memory() { return &m_memory; }
-    HoldingListModel* info() { return &m_info; }
-    HoldingListModel* deals() { return &m_deals; }
-    HoldingListModel* notes() { return &m_notes; }
-    HoldingListModel* activity() { return &m_activity; }
-    HoldingListModel* tasks() { return &m_tasks; }
-    QString memoryEmpty() const;
-    QString infoEmpty() const;
-    QString dealsEmpty() const;
-    QString activityEmpty() const;
-    QString tasksEmpty() const;
-    bool olderNotes() const { return m_olderNotes; }
-    bool olderActivity() const { return m_olderActivity; }
+    PaneSection* memory() { return &m_memory; }
+    PaneSection* info() { return &m_info; }
+    PaneSection* deals() { return &m_deals; }
+    PaneSection* notes() { return &m_notes; }
+    PaneSection* activity() { return &m_activity; }
+    PaneSection* tasks() { return &m_tasks; }
     QStringList stages() const;
     DealForm* dealForm() { return &m_dealForm; }
     QString noteText() const { return m_noteTexts.value(m_contact.id); }
@@ -80,8 +63,6 @@ public:
     /// twice a second.
     void open(const ContactRow& contact);
 
-    Q_INVOKABLE void showOlderNotes();
-    Q_INVOKABLE void showOlderActivity();
     void showNote(const QString& id); ///< as many notes as it takes
 
     // True if it was saved; then its field is emptied. Blank texts are not saved.
@@ -99,7 +80,6 @@ public:
 Q_SIGNALS:
     void contactChanged();
     void errorTextChanged();
-    void lengthsChanged();
     void typedChanged();
     void peopleChanged(); ///< conversations have changed hands
     void undoable(const QString& text, const std::function<void()>& back); ///< what was just done, and the way back
@@ -129,20 +109,16 @@ private:
     QString m_errorText;
     QHash<QString, QString> m_noteTexts; ///< by contact
     QHash<QString, QString> m_taskTexts; ///< by contact
-    qsizetype m_noteLimit = 0;
-    qsizetype m_activityLimit = 0;
-    bool m_olderNotes = false;
-    bool m_olderActivity = false;
     Coalescer m_crmSoon;
     std::unique_ptr<Timer> m_identitySoon;
     RowListModel<PaneRow> m_suggestions;
     RowListModel<PaneRow> m_merges;
-    RowListModel<PaneRow> m_memory;
-    RowListModel<PaneRow> m_info;
-    RowListModel<PaneRow> m_deals;
-    RowListModel<PaneRow> m_notes;
-    RowListModel<PaneRow> m_activity;
-    RowListModel<PaneRow> m_tasks;
+    PaneSection m_memory;
+    PaneSection m_info;
+    PaneSection m_deals;
+    PaneSection m_notes;
+    PaneSection m_activity;
+    PaneSection m_tasks;
 };
 
 }

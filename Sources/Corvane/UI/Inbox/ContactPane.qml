@@ -111,11 +111,11 @@ FocusScope {
                 layout: pane.layout
                 name: "memory"
                 title: qsTr("Memory")
-                count: pane.crm.memory.count
-                emptyText: pane.crm.memoryEmpty
+                count: pane.crm.memory.rows.count
+                emptyText: pane.crm.memory.emptyText
 
                 Repeater {
-                    model: pane.crm.memory
+                    model: pane.crm.memory.rows
                     PaneLine {
                         id: fact
                         PaneLink {
@@ -132,11 +132,11 @@ FocusScope {
                 layout: pane.layout
                 name: "info"
                 title: qsTr("Info")
-                count: pane.crm.info.count
-                emptyText: pane.crm.infoEmpty
+                count: pane.crm.info.rows.count
+                emptyText: pane.crm.info.emptyText
 
                 Repeater {
-                    model: pane.crm.info
+                    model: pane.crm.info.rows
                     InfoLine {}
                 }
             }
@@ -146,11 +146,11 @@ FocusScope {
                 layout: pane.layout
                 name: "deals"
                 title: qsTr("Deals")
-                count: pane.crm.deals.count
-                emptyText: pane.crm.dealsEmpty
+                count: pane.crm.deals.rows.count
+                emptyText: pane.crm.deals.emptyText
 
                 Repeater {
-                    model: pane.crm.deals
+                    model: pane.crm.deals.rows
                     PaneLine {
                         id: deal
                         strong: true
@@ -189,12 +189,12 @@ FocusScope {
                 layout: pane.layout
                 name: "activity"
                 title: qsTr("Activity")
-                count: pane.crm.activity.count
+                count: pane.crm.activity.rows.count
                 showsCount: false
-                emptyText: pane.crm.activityEmpty
+                emptyText: pane.crm.activity.emptyText
 
                 Repeater {
-                    model: pane.crm.activity
+                    model: pane.crm.activity.rows
                     PaneLine {
                         lines: 2
                         foldable: false
@@ -203,10 +203,10 @@ FocusScope {
                 PaneLink {
                     x: -Theme.small
                     objectName: "contact.olderActivity"
-                    visible: pane.crm.olderActivity
+                    visible: pane.crm.activity.hasOlder
                     text: qsTr("Show older")
                     subject: qsTr("Activity")
-                    onClicked: pane.crm.showOlderActivity()
+                    onClicked: pane.crm.activity.showOlder()
                 }
             }
             TasksSection {

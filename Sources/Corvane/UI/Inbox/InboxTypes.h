@@ -189,6 +189,13 @@ struct DealFormType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct PaneSectionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::PaneSection)
+    QML_NAMED_ELEMENT(PaneSection)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct CRMPaneType {
     Q_GADGET
     QML_FOREIGN(corvane::CRMPane)

@@ -10,8 +10,8 @@ Section {
 
     name: "notes"
     title: qsTr("Notes")
-    count: crm.notes.count
-    showsCount: !crm.olderNotes
+    count: crm.notes.rows.count
+    showsCount: !crm.notes.hasOlder
 
     TextBox {
         id: field
@@ -41,15 +41,15 @@ Section {
     }
     Item { width: 1; height: Theme.tight }
     Repeater {
-        model: section.crm.notes
+        model: section.crm.notes.rows
         PaneLine { lines: 6 }
     }
     PaneLink {
         x: -Theme.small
         objectName: "contact.olderNotes"
-        visible: section.crm.olderNotes
+        visible: section.crm.notes.hasOlder
         text: qsTr("Show older")
         subject: qsTr("Notes")
-        onClicked: section.crm.showOlderNotes()
+        onClicked: section.crm.notes.showOlder()
     }
 }

@@ -10,11 +10,11 @@ Section {
 
     name: "tasks"
     title: qsTr("Tasks")
-    count: crm.tasks.count
-    emptyText: crm.tasksEmpty
+    count: crm.tasks.rows.count
+    emptyText: crm.tasks.emptyText
 
     Repeater {
-        model: section.crm.tasks
+        model: section.crm.tasks.rows
         PaneLine {
             id: task
             lines: 2
