@@ -1,7 +1,7 @@
 // The sampling of tools/mutate: node mutate.ts TREE SEED COUNT [ROOM...]
 import { spawnSync } from 'node:child_process';
 import { existsSync, readFileSync, readdirSync, writeFileSync } from 'node:fs';
-import { join } from 'node:path';
+import { basename, join } from 'node:path';
 
 type Fault = { file: string; line: number; before: string; after: string };
 
@@ -51,15 +51,34 @@ function sourcesBelow(folder: string): string[] {
         .filter((name) => name.endsWith('.cpp')).map((name) => join(folder, name)).sort();
 }
 
-function run(command: string, ...words: string[]): boolean {
-    return spawnSync(command, words, { cwd: tree, stdio: 'ignore' }).status === 0;
+/** The rooms that name this one in CMakeLists.txt; those that use ALL are left out, since their tests take minutes. */
+function usersOf(room: string): string[] {
+    const lines = readFileSync(join(tree, 'CMakeLists.txt'), 'utf8').matchAll(/^corvane_room\((\w+) USES ([\w\s]*)/gm);
+    return [...lines].filter(([, , used]) => used.split(/\s+/).includes(room)).map(([, user]) => user);
 }
 
-const builds = (room: string): boolean => run('ninja', '-C', 'build/check', `${room}Tests`);
+function namesIn(folder: string, word: RegExp): boolean {
+    return existsSync(join(tree, folder)) && readdirSync(join(tree, folder), { recursive: true, encoding: 'utf8' })
+        .some((name) => /\.(cpp|h)$/.test(name) && word.test(readFileSync(join(tree, folder, name), 'utf8')));
+}
+
+/** The room itself, then the rooms above it whose tests name the file's type. */
+function testersOf(fault: Fault, room: string): string[] {
+    const type = new RegExp(`\\b${basename(fault.file, '.cpp')}\\b`);
+    return [room, ...usersOf(room).filter((user) => namesIn(join('Tests', user), type))];
+}
+
+function run(command: string, words: string[], environment: NodeJS.ProcessEnv = {}): boolean {
+    return spawnSync(command, words, { cwd: tree, stdio: 'ignore', env: { ...process.env, ...environment } }).status === 0;
+}
+
+/** A file with a fault must not reach the compile cache, which other checkouts share. */
+const builds = (room: string, cache: 'cached' | 'uncached'): boolean =>
+    run('ninja', ['-C', 'build/check', `${room}Tests`], cache === 'uncached' ? { CCACHE_DISABLE: '1' } : {});
 
 /** A fault may make the tests run for ever: they fail after so many seconds, with every child of theirs. */
 const passes = (room: string, seconds: number): boolean =>
-    run('timeout', '--kill-after=5', String(seconds), 'ctest', '--preset', 'check', '-R', `^${room}Tests$`);
+    run('timeout', ['--kill-after=5', String(seconds), 'ctest', '--preset', 'check', '-R', `^${room}Tests$`]);
 
 const limits = new Map<string, number>();
 
@@ -68,7 +87,7 @@ function limitOf(room: string): number {
     const known = limits.get(room);
     if (known !== undefined)
         return known;
-    const isBuilt = builds(room);
+    const isBuilt = builds(room, 'cached');
     const start = Date.now();
     if (!isBuilt || !passes(room, 900)) {
         console.error(`${room}Tests ${isBuilt ? 'fails' : 'does not build'} without any fault.`);
@@ -81,14 +100,14 @@ function limitOf(room: string): number {
 
 /** Nothing if the fault does not compile. */
 function isFound(fault: Fault, room: string): boolean | undefined {
-    const limit = limitOf(room);
+    const limit = limitOf(room); // before the fault is there
     const path = join(tree, fault.file);
     const whole = readFileSync(path, 'utf8');
     const lines = whole.split('\n');
     lines[fault.line - 1] = fault.after;
     writeFileSync(path, lines.join('\n'));
     try {
-        return builds(room) ? !passes(room, limit) : undefined;
+        return builds(room, 'uncached') ? !passes(room, limit) : undefined;
     } finally {
         writeFileSync(path, whole);
     }
@@ -102,7 +121,12 @@ const survivors: Fault[] = [];
 let tried = 0;
 while (tried < Number(count) && pool.length) {
     const [{ room, fault }] = pool.splice(Math.floor(random() * pool.length), 1);
-    const found = isFound(fault, room);
+    let found: boolean | undefined = false;
+    for (const tester of testersOf(fault, room)) {
+        found = isFound(fault, tester);
+        if (found !== false)
+            break;
+    }
     if (found === undefined)
         continue;
     ++tried;
