@@ -131,7 +131,7 @@ void nextWeek(benchmark::State& state)
     for (int step = 1; auto _ : state) {
         calendar.step(step);
         step = -step;
-        state.counters["events"] = double(calendar.layout().blocks.size());
+        state.counters["events"] = double(calendar.tiles()->layout().blocks.size());
     }
 }
 BENCHMARK(nextWeek)->Name("calendar week/corvane")->Unit(benchmark::kMillisecond);

@@ -14,7 +14,7 @@ void drawCalendar(Gallery& gallery)
     gallery.screens().shell.selectHub(u"calendar"_s);
     gallery.save(u"calendar-not-connected"_s);
     gallery.app().calendar().store.bootstrap();
-    while (calendar.layout().blocks.isEmpty())
+    while (calendar.tiles()->layout().blocks.isEmpty())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     gallery.save(u"calendar-week"_s);
     calendar.selectNext(1);

@@ -71,7 +71,7 @@ protected:
         return await([&] {
             m_clock.advance(Milliseconds(250));
             QStringList shown;
-            for (const EventBlock& block : view.layout().blocks)
+            for (const EventBlock& block : view.tiles()->layout().blocks)
                 shown.append(block.title);
             return shown.join(u',') == QString::fromLatin1(titles);
         });
@@ -85,10 +85,10 @@ protected:
 
 TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
 {
-    EXPECT_EQ(view.state(), u"unknown"_s);
-    view.connectCalendar();
-    EXPECT_EQ(view.state(), u"denied"_s);
-    view.makeLocal();
+    EXPECT_EQ(view.connection()->state(), u"unknown"_s);
+    view.connection()->connectCalendar();
+    EXPECT_EQ(view.connection()->state(), u"denied"_s);
+    view.connection()->makeLocal();
     ASSERT_TRUE(await([&] { return view.canAdd(); }));
     EXPECT_EQ(view.title(), u"5 – 11 October 2026"_s);
     NewEventForm& form = *view.newEvent();
@@ -113,11 +113,11 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     ASSERT_TRUE(awaitShown("Call"));
     EXPECT_EQ(view.card().title, u"Call"_s);
     EXPECT_EQ(view.card().when, u"Thu 8 Oct, 09:05–10:05"_s);
-    EXPECT_TRUE(view.layout().blocks.first().joinable) << "from ten minutes before";
+    EXPECT_TRUE(view.tiles()->layout().blocks.first().joinable) << "from ten minutes before";
     view.join(view.selected());
     EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(u"https://meet.example/a"_s) });
     view.step(20); // beyond the mirror
-    EXPECT_TRUE(view.layout().blocks.isEmpty());
+    EXPECT_TRUE(view.tiles()->layout().blocks.isEmpty());
     EXPECT_EQ(add({ { u"title"_s, u"Far"_s }, { u"day"_s, u"2027-03-01"_s } }), QString());
     EXPECT_TRUE(awaitShown("Far"));
     view.today();

@@ -51,11 +51,13 @@ EventCard cardOf(LocalDB& db, const CalEvent& event, qint64 nowMs)
 CalendarView::CalendarView(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
     , m_at(surroundings)
+    , m_connection(m_at.store, m_at.desktop)
     , m_day(DateWords(nowMs()).today())
     , m_newEvent([this](const NewCalendarEntry& entry) { return addEvent(entry); })
 {
     connect(&m_at.store, &CalendarStore::changed, this, &CalendarView::readPage);
     connect(&m_at.commands, &CalendarCommands::changed, this, &CalendarView::changed);
+    connect(&m_connection, &CalendarConnection::said, this, &CalendarView::told);
     m_minute = m_at.store.surroundings().scheduler.every(minute, [this] { lay(); });
     readPage();
 }
@@ -67,35 +69,10 @@ qint64 CalendarView::nowMs() const
     return m_at.store.surroundings().scheduler.nowMs();
 }
 
-QString CalendarView::state() const
-{
-    switch (m_at.store.access()) {
-    case CalendarStore::Access::Unknown:
-        return u"unknown"_s;
-    case CalendarStore::Access::Denied:
-        return m_at.store.events().isEmpty() ? u"denied"_s : u"ready"_s;
-    case CalendarStore::Access::Granted:
-        return u"ready"_s;
-    }
-    return {};
-}
-
-QString CalendarView::emptyTitle() const
-{
-    return m_at.store.access() == CalendarStore::Access::Unknown ? u"Calendar not connected"_s
-                                                                 : u"Calendar access denied"_s;
-}
-
-QString CalendarView::emptyText() const
-{
-    return m_at.store.access() == CalendarStore::Access::Unknown
-        ? u"Connect the calendars on this computer to see your meetings here, and prepare for them."_s
-        : m_at.store.lastError().value_or(QString());
-}
-
 QString CalendarView::notice() const
 {
-    return !m_told.isEmpty() || state() != "ready"_L1 ? m_told : m_at.store.lastError().value_or(QString());
+    return !m_told.isEmpty() || m_connection.state() != "ready"_L1 ? m_told
+                                                                   : m_at.store.lastError().value_or(QString());
 }
 
 QDate CalendarView::firstDay() const
@@ -126,18 +103,6 @@ void CalendarView::setWeek(bool week)
     readPage();
 }
 
-int CalendarView::nowDay() const
-{
-    const qint64 day = firstDay().daysTo(DateWords(nowMs()).today());
-    return day >= 0 && day < m_layout.days.size() ? int(day) : -1;
-}
-
-double CalendarView::nowHour() const
-{
-    return double(QDateTime::fromMSecsSinceEpoch(nowMs()).time().msecsSinceStartOfDay()) / 3'600'000
-        - m_layout.firstHour;
-}
-
 /// What the mirror holds is shown at once; other pages are read.
 void CalendarView::readPage()
 {
@@ -163,10 +128,7 @@ void CalendarView::lay()
     QHash<QString, QString> colours;
     for (const CalendarInfo& calendar : m_at.store.calendars())
         colours.insert(calendar.title, calendar.colour);
-    m_layout = calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours);
-    // The rows of a fuller page stay at the end: making their tiles again costs more than all else about a page.
-    m_blocks.assign(m_layout.blocks + m_blocks.rows().mid(m_layout.blocks.size()));
-    m_allDay.assign(m_layout.allDay);
+    m_tiles.show(calendarLayout(m_events, firstDay(), m_week ? weekDays : 1, nowMs(), colours), firstDay(), nowMs());
     if (find(m_added))
         m_selected = std::exchange(m_added, {});
     const CalEvent* const event = find(m_selected);
@@ -184,33 +146,6 @@ const CalEvent* CalendarView::find(const QString& id) const
     const QList<CalEvent>& mirrored = m_at.store.events();
     const auto other = std::ranges::find(mirrored, id, &CalEvent::id);
     return id.isEmpty() || other == mirrored.end() ? nullptr : &*other;
-}
-
-void CalendarView::makeLocal()
-{
-    makeCalendar(m_at.store, u"Personal"_s);
-}
-
-void CalendarView::chooseFolder()
-{
-    m_at.desktop.chooseFolder(u"Folder of calendars"_s, this, [this](const Result<QList<QUrl>>& chosen) {
-        if (!chosen)
-            Q_EMIT folderAsked();
-        else if (!chosen->isEmpty()) {
-            const auto used = useFolder(m_at.store, chosen->first().toLocalFile());
-            told(used ? QString() : used.error().message);
-        }
-    });
-}
-
-bool CalendarView::hasEvolution() const
-{
-    return !m_at.store.places().service && m_at.store.surroundings().source.hasService();
-}
-
-void CalendarView::useEvolution()
-{
-    useService(m_at.store, true);
 }
 
 void CalendarView::step(int pages)
@@ -243,8 +178,9 @@ void CalendarView::select(const QString& id)
 
 void CalendarView::selectNext(int step)
 {
+    const CalendarLayout& layout = m_tiles.layout();
     QStringList ids;
-    for (const EventBlock& block : m_layout.allDay + m_layout.blocks) {
+    for (const EventBlock& block : layout.allDay + layout.blocks) {
         if (!ids.contains(block.id))
             ids.append(block.id);
     }
@@ -254,8 +190,8 @@ void CalendarView::selectNext(int step)
     if (at >= 0)
         return select(ids[qBound<qsizetype>(0, at + step, ids.size() - 1)]);
     // The first press goes to what comes next.
-    const auto next = std::ranges::find_if(m_layout.blocks, [](const EventBlock& block) { return !block.past; });
-    select(next == m_layout.blocks.end() ? ids.first() : next->id);
+    const auto next = std::ranges::find_if(layout.blocks, [](const EventBlock& block) { return !block.past; });
+    select(next == layout.blocks.end() ? ids.first() : next->id);
 }
 
 void CalendarView::join(const QString& id)

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Calendar/CalendarLayout.h"
+#include "Calendar/CalendarConnection.h"
 #include "Calendar/CalendarStore.h"
+#include "Calendar/CalendarTiles.h"
 #include "Calendar/MeetingPrep.h"
 #include "Calendar/NewEventForm.h"
 #include "Presentation/Choice.h"
-#include "Presentation/RowListModel.h"
 
 #include <QUrl>
 
@@ -59,27 +59,15 @@ public:
 /// The calendar's page: a week or a day, the event that is chosen, and what is asked of a person.
 class CalendarView : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString state READ state NOTIFY changed) ///< "unknown", "denied" or "ready"
-    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
+    Q_PROPERTY(corvane::CalendarConnection* connection READ connection CONSTANT)
+    Q_PROPERTY(corvane::CalendarTiles* tiles READ tiles CONSTANT) ///< of the page
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what went wrong, or came of the last press
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(bool week READ isWeek WRITE setWeek NOTIFY changed)
-    Q_PROPERTY(QList<corvane::DayHead> days READ days NOTIFY changed)
-    Q_PROPERTY(int firstHour READ firstHour NOTIFY changed)
-    Q_PROPERTY(int lastHour READ lastHour NOTIFY changed)
-    Q_PROPERTY(corvane::GadgetListModel* blocks READ blocks CONSTANT) ///< of EventBlock, by day and time
-    Q_PROPERTY(int blockCount READ blockCount NOTIFY changed) ///< rows of `blocks` on the page; more are spare
-    Q_PROPERTY(corvane::GadgetListModel* allDay READ allDay CONSTANT)
-    Q_PROPERTY(int allDayRows READ allDayRows NOTIFY changed)
-    Q_PROPERTY(QList<corvane::FreeGap> gaps READ gaps NOTIFY changed)
-    Q_PROPERTY(int nowDay READ nowDay NOTIFY changed) ///< the column of this moment, or -1
-    Q_PROPERTY(double nowHour READ nowHour NOTIFY changed) ///< from the grid's first one
     Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the chosen event, or empty
     Q_PROPERTY(corvane::EventCard card READ card NOTIFY changed)
     Q_PROPERTY(QList<corvane::Choice> asked READ asked NOTIFY changed) ///< events that agents want to add
     Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
-    Q_PROPERTY(bool hasEvolution READ hasEvolution NOTIFY changed) ///< and it is not connected yet
     Q_PROPERTY(QString offeredFile READ offeredFile NOTIFY changed) ///< its address; empty until it is written
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
     Q_PROPERTY(corvane::NewEventForm* newEvent READ newEvent CONSTANT)
@@ -96,37 +84,19 @@ public:
     explicit CalendarView(const Surroundings& surroundings, QObject* parent = nullptr);
     ~CalendarView() override;
 
-    QString state() const;
-    QString emptyTitle() const;
-    QString emptyText() const;
+    CalendarConnection* connection() { return &m_connection; }
+    CalendarTiles* tiles() { return &m_tiles; }
     QString notice() const;
     QString title() const;
     bool isWeek() const { return m_week; }
     void setWeek(bool week);
-    const QList<DayHead>& days() const { return m_layout.days; }
-    int firstHour() const { return m_layout.firstHour; }
-    int lastHour() const { return m_layout.lastHour; }
-    const CalendarLayout& layout() const { return m_layout; }
-    GadgetListModel* blocks() { return &m_blocks; }
-    int blockCount() const { return int(m_layout.blocks.size()); }
-    GadgetListModel* allDay() { return &m_allDay; }
-    int allDayRows() const { return m_layout.allDayRows; }
-    const QList<FreeGap>& gaps() const { return m_layout.gaps; }
-    int nowDay() const;
-    double nowHour() const;
     const QString& selected() const { return m_selected; }
     const EventCard& card() const { return m_card; }
     QList<Choice> asked() const;
     bool canAdd() const;
-    bool hasEvolution() const;
     const QString& offeredFile() const { return m_offered; }
     MeetingPrep* prep() { return &m_at.prep; }
     NewEventForm* newEvent() { return &m_newEvent; }
-
-    Q_INVOKABLE void connectCalendar() { m_at.store.requestAccess(); }
-    Q_INVOKABLE void makeLocal(); ///< a calendar of one's own
-    Q_INVOKABLE void chooseFolder(); ///< in the desktop's window; where it has none `folderAsked` follows
-    Q_INVOKABLE void useEvolution();
 
     Q_INVOKABLE void step(int pages); ///< weeks, or days
     Q_INVOKABLE void today();
@@ -148,7 +118,6 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void folderAsked(); ///< the settings take its path
 
 private:
     void readPage();
@@ -160,12 +129,11 @@ private:
     QDate firstDay() const;
 
     Surroundings m_at;
+    CalendarConnection m_connection;
     QDate m_day; ///< the page holds it
     bool m_week = true;
     QList<CalEvent> m_events; ///< of the page, that are shown
-    CalendarLayout m_layout;
-    RowListModel<EventBlock> m_blocks;
-    RowListModel<EventBlock> m_allDay;
+    CalendarTiles m_tiles;
     QString m_selected;
     QString m_added; ///< an event that becomes the chosen one as soon as it was read
     EventCard m_card;

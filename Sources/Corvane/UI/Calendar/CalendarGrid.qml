@@ -8,9 +8,10 @@ FocusScope {
     id: grid
 
     required property CalendarView screen
+    readonly property CalendarTiles tiles: screen.tiles
     readonly property int gutter: 52
-    readonly property int hours: screen.lastHour - screen.firstHour
-    readonly property int columns: Math.max(1, screen.days.length)
+    readonly property int hours: tiles.lastHour - tiles.firstHour
+    readonly property int columns: Math.max(1, tiles.days.length)
     readonly property real columnWidth: (width - gutter - Theme.medium) / columns
     readonly property real hourHeight: Math.max(44, (view.height - Theme.large) / Math.max(1, hours))
 
@@ -68,11 +69,11 @@ FocusScope {
         x: grid.gutter
         height: 40
         Repeater {
-            model: grid.screen.days.length
+            model: grid.tiles.days.length
             Item {
                 id: head
                 required property int index
-                readonly property dayHead day: grid.screen.days[index] ?? grid.noDay
+                readonly property dayHead day: grid.tiles.days[index] ?? grid.noDay
                 width: grid.columnWidth
                 height: heads.height
                 Row {
@@ -98,9 +99,9 @@ FocusScope {
         anchors.top: heads.bottom
         x: grid.gutter
         width: grid.columnWidth * grid.columns
-        height: grid.screen.allDayRows * 26
+        height: grid.tiles.allDayRows * 26
         Repeater {
-            model: grid.screen.allDay
+            model: grid.tiles.allDay
             EventTile {
                 id: whole
                 selected: grid.screen.selected === event.id
@@ -115,7 +116,7 @@ FocusScope {
     Rectangle {
         id: edge
         anchors.top: allDay.bottom
-        anchors.topMargin: grid.screen.allDayRows > 0 ? Theme.tight : 0
+        anchors.topMargin: grid.tiles.allDayRows > 0 ? Theme.tight : 0
         width: parent.width
         height: 1
         color: Theme.line
@@ -141,7 +142,7 @@ FocusScope {
                     width: grid.gutter - Theme.small
                     anchors.verticalCenter: parent.top
                     horizontalAlignment: Text.AlignRight
-                    text: (grid.screen.firstHour + hour.index).toString().padStart(2, "0") + ":00"
+                    text: (grid.tiles.firstHour + hour.index).toString().padStart(2, "0") + ":00"
                     font.pixelSize: Theme.meta
                     color: Theme.faint
                 }
@@ -165,11 +166,11 @@ FocusScope {
             }
         }
         Repeater {
-            model: grid.screen.gaps.length
+            model: grid.tiles.gaps.length
             Label {
                 id: free
                 required property int index
-                readonly property freeGap gap: grid.screen.gaps[index] ?? grid.noGap
+                readonly property freeGap gap: grid.tiles.gaps[index] ?? grid.noGap
                 x: grid.gutter + gap.day * grid.columnWidth
                 y: Theme.small + gap.top * grid.hourHeight
                 width: grid.columnWidth
@@ -182,11 +183,11 @@ FocusScope {
             }
         }
         Repeater {
-            model: grid.screen.blocks
+            model: grid.tiles.blocks
             EventTile {
                 id: tile
                 required property int index
-                readonly property bool shown: index < grid.screen.blockCount
+                readonly property bool shown: index < grid.tiles.blockCount
                 visible: shown
                 selected: shown && grid.screen.selected === event.id
                 x: grid.gutter + event.day * grid.columnWidth + 2 + event.lane * (grid.columnWidth - 4) / event.lanes
@@ -202,9 +203,9 @@ FocusScope {
             }
         }
         Rectangle {
-            visible: grid.screen.nowDay >= 0 && grid.screen.nowHour >= 0 && grid.screen.nowHour <= grid.hours
-            x: grid.gutter + grid.screen.nowDay * grid.columnWidth
-            y: Theme.small + grid.screen.nowHour * grid.hourHeight
+            visible: grid.tiles.nowDay >= 0 && grid.tiles.nowHour >= 0 && grid.tiles.nowHour <= grid.hours
+            x: grid.gutter + grid.tiles.nowDay * grid.columnWidth
+            y: Theme.small + grid.tiles.nowHour * grid.hourHeight
             width: grid.columnWidth
             height: 2
             color: Theme.accent

@@ -7,7 +7,7 @@ Page {
     id: page
 
     required property CalendarView screen
-    readonly property bool ready: screen.state === "ready"
+    readonly property bool ready: screen.connection.state === "ready"
     readonly property bool asidePrep: screen.prep.open
 
     function act(command: string) {
@@ -62,7 +62,7 @@ Page {
             anchors.verticalCenterOffset: -Theme.huge
             visible: !page.ready
             focus: visible
-            screen: page.screen
+            connection: page.screen.connection
             onSettingsPressed: page.openSettings("calendar")
         }
         DropArea {

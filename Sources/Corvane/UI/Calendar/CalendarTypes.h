@@ -10,6 +10,20 @@ namespace corvane::qml {
 
 // The types of the rooms that this module's QML names. The rooms know nothing of QML.
 
+struct CalendarConnectionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CalendarConnection)
+    QML_NAMED_ELEMENT(CalendarConnection)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct CalendarTilesType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CalendarTiles)
+    QML_NAMED_ELEMENT(CalendarTiles)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct CalendarViewType {
     Q_GADGET
     QML_FOREIGN(corvane::CalendarView)

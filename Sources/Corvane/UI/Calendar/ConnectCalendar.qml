@@ -6,16 +6,16 @@ import Corvane.Controls
 FocusScope {
     id: offer
 
-    required property CalendarView screen
+    required property CalendarConnection connection
     signal settingsPressed
 
-    readonly property bool denied: screen.state === "denied"
+    readonly property bool denied: connection.state === "denied"
 
     width: 420
     height: column.implicitHeight
 
     Connections {
-        target: offer.screen
+        target: offer.connection
         function onFolderAsked() { offer.settingsPressed(); }
     }
     Column {
@@ -26,8 +26,8 @@ FocusScope {
         EmptyState {
             width: parent.width
             icon: "view-calendar"
-            title: offer.screen.emptyTitle
-            detail: offer.screen.emptyText
+            title: offer.connection.title
+            detail: offer.connection.text
         }
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -37,13 +37,13 @@ FocusScope {
                 focus: true
                 kind: "primary"
                 text: offer.denied ? qsTr("Check again") : qsTr("Connect Calendar")
-                onClicked: offer.screen.connectCalendar()
+                onClicked: offer.connection.connectCalendar()
             }
             Button {
                 objectName: "calendar.makeLocal"
                 visible: offer.denied
                 text: qsTr("Make a local calendar")
-                onClicked: offer.screen.makeLocal()
+                onClicked: offer.connection.makeLocal()
             }
         }
         Row {
@@ -54,14 +54,14 @@ FocusScope {
                 objectName: "calendar.chooseFolder"
                 kind: "quiet"
                 text: qsTr("Choose a folder…")
-                onClicked: offer.screen.chooseFolder()
+                onClicked: offer.connection.chooseFolder()
             }
             Button {
                 objectName: "calendar.useEvolution"
-                visible: offer.screen.hasEvolution
+                visible: offer.connection.hasEvolution
                 kind: "quiet"
                 text: qsTr("Use Evolution's calendars")
-                onClicked: offer.screen.useEvolution()
+                onClicked: offer.connection.useEvolution()
             }
         }
     }
