@@ -2,6 +2,7 @@
 #include "Foundation/Json.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
+#include "Foundation/WAName.h"
 #include "Support/Print.h"
 
 #include <QRegularExpression>
@@ -73,4 +74,32 @@ TEST(Json, onlyAWholeObjectIsOne)
     EXPECT_EQ(textValue(*object, "c"_L1), std::nullopt);
     EXPECT_EQ(textValue(*object, "d"_L1), std::nullopt);
     EXPECT_EQ(compactJson(*object), "{\"a\":\"ü\\n\",\"b\":null,\"c\":5}");
+}
+
+TEST(WAName, rawAddressesBecomeWords)
+{
+    const std::pair<QString, QString> cases[] {
+        { "", "Unknown" },
+        { "  ", "Unknown" },
+        { "Unknown", "Unknown" },
+        { " Ana Ruiz ", "Ana Ruiz" },
+        { "120363041234567@newsletter", "Channel 4567" },
+        { "@newsletter", "Channel" },
+        { "status@broadcast", "Broadcast atus" },
+        { "491711234-1600000000@g.us", "Group chat 0000" },
+        { "@g.us", "Group chat" },
+        { "987654321@lid", "WhatsApp user 4321" },
+        { "12@lid", "WhatsApp user 12" },
+        { "@lid", "WhatsApp user" },
+        { "4917112345678@s.whatsapp.net", "+4917112345678" },
+        { "4917112345678@c.us", "+4917112345678" },
+        { "4917112345678:12@s.whatsapp.net", "+4917112345678" },
+        { "@s.whatsapp.net", "WhatsApp user" },
+        { "a@b@g.us", "WhatsApp user a" },
+        { "jane@example.com", "jane@example.com" },
+        { "Ana @ work", "Ana @ work" },
+        { "@ana", "@ana" },
+    };
+    for (const auto& [name, shown] : cases)
+        EXPECT_EQ(WAName::pretty(name), shown) << name.toStdString();
 }

@@ -3,7 +3,6 @@
 #include "Presentation/DateWords.h"
 #include "Presentation/Downloads.h"
 #include "Presentation/MailText.h"
-#include "Presentation/WAName.h"
 #include "Support/Environment.h"
 #include "Support/Print.h"
 
@@ -20,34 +19,6 @@ qint64 at(int year, int month, int day, int hour = 0, int minute = 0)
     return QDateTime(QDate(year, month, day), QTime(hour, minute)).toMSecsSinceEpoch();
 }
 
-}
-
-TEST(WAName, rawAddressesBecomeWords)
-{
-    const std::pair<QString, QString> cases[] {
-        { "", "Unknown" },
-        { "  ", "Unknown" },
-        { "Unknown", "Unknown" },
-        { " Ana Ruiz ", "Ana Ruiz" },
-        { "120363041234567@newsletter", "Channel 4567" },
-        { "@newsletter", "Channel" },
-        { "status@broadcast", "Broadcast atus" },
-        { "491711234-1600000000@g.us", "Group chat 0000" },
-        { "@g.us", "Group chat" },
-        { "987654321@lid", "WhatsApp user 4321" },
-        { "12@lid", "WhatsApp user 12" },
-        { "@lid", "WhatsApp user" },
-        { "4917112345678@s.whatsapp.net", "+4917112345678" },
-        { "4917112345678@c.us", "+4917112345678" },
-        { "4917112345678:12@s.whatsapp.net", "+4917112345678" },
-        { "@s.whatsapp.net", "WhatsApp user" },
-        { "a@b@g.us", "WhatsApp user a" },
-        { "jane@example.com", "jane@example.com" },
-        { "Ana @ work", "Ana @ work" },
-        { "@ana", "@ana" },
-    };
-    for (const auto& [name, shown] : cases)
-        EXPECT_EQ(WAName::pretty(name), shown) << name.toStdString();
 }
 
 TEST(ContactFace, initialsAreWhatAPersonWouldWrite)

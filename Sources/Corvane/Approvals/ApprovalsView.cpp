@@ -2,7 +2,7 @@
 
 #include "Approvals/ApprovalsStore.h"
 #include "Foundation/Literals.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 #include "Store/People/IdentityQueries.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 
 namespace corvane {
 

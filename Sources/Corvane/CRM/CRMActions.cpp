@@ -4,7 +4,7 @@
 #include "Foundation/Literals.h"
 
 #include "Foundation/Text.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 #include "Store/People/ContactInfo.h"
 #include "Store/People/CrmRecords.h"
 #include "Store/People/IdentityQueries.h"

@@ -3,7 +3,7 @@
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 
 namespace corvane {
 

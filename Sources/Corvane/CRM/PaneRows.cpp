@@ -3,10 +3,10 @@
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
+#include "Foundation/WAName.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
-#include "Presentation/WAName.h"
 
 namespace corvane {
 

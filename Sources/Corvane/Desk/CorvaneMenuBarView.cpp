@@ -6,7 +6,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
 #include "Foundation/NotificationCentre.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/DigestQueries.h"

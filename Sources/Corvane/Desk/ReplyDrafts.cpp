@@ -4,7 +4,7 @@
 #include "AI/DraftContext.h"
 #include "Foundation/Literals.h"
 #include "Foundation/MachineWords.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Core/StoreWatch.h"
 

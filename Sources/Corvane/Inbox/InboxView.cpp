@@ -4,7 +4,7 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Ids.h"
 #include "Foundation/Literals.h"
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/People/IdentityQueries.h"

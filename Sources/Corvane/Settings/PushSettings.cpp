@@ -2,8 +2,8 @@
 
 #include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
+#include "Foundation/WAName.h"
 #include "Presentation/CountWords.h"
-#include "Presentation/WAName.h"
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
 

@@ -2,10 +2,10 @@
 
 #include "Engines/AccountStore.h"
 #include "Foundation/Literals.h"
+#include "Foundation/WAName.h"
 #include "Presentation/CountWords.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/Downloads.h"
-#include "Presentation/WAName.h"
 #include "Web/SessionStore.h"
 #include "Web/SyncClient.h"
 

@@ -2,12 +2,12 @@
 
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
+#include "Foundation/WAName.h"
 #include "Inbox/List/HitText.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/ContactFace.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
-#include "Presentation/WAName.h"
 
 #include <QFileInfo>
 

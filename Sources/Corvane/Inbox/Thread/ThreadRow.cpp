@@ -3,11 +3,11 @@
 #include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
+#include "Foundation/WAName.h"
 #include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/BodyText.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
-#include "Presentation/WAName.h"
 
 #include <algorithm>
 

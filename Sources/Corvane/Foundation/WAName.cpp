@@ -1,4 +1,4 @@
-#include "Presentation/WAName.h"
+#include "Foundation/WAName.h"
 
 #include "Foundation/Literals.h"
 
