@@ -84,6 +84,7 @@ TEST(MeetingRules, theTimeUntilAMeetingIsToldInTheLargestUnitsThatMatter)
     EXPECT_EQ(nextMeetingCandidate({ ended, event }, now), event);
     EXPECT_EQ(compactTitle(titled(" 12345678901234567890123456789012 ")), u"12345678901234567890123456789012"_s);
     EXPECT_EQ(compactTitle(titled("123456789012345678901234567890123")), u"1234567890123456789012345678901…"_s);
+    EXPECT_EQ(compactTitle(titled("123456789012345678901234567890😀😀😀")), u"123456789012345678901234567890😀…"_s);
 }
 
 using CalendarMirror = CalendarTest;

@@ -81,19 +81,21 @@ void MeetingPrep::prepare(const CalEvent& event)
     m_row = fetchMeetingPrepCache(m_at.db, event.id).value_or(MeetingPrepCacheRow());
     m_asksReview = proposeReview(m_row);
     Q_EMIT changed();
-    if (m_row.eventId.isEmpty())
+    if (m_row.eventId.isEmpty() && !isBusy())
         make(event, Reason::First);
 }
 
 void MeetingPrep::prepareAhead(const CalEvent& event)
 {
-    if (!fetchMeetingPrepCache(m_at.db, event.id))
-        makeAhead(event);
+    if (m_ahead.contains(event.id) || fetchMeetingPrepCache(m_at.db, event.id))
+        return;
+    m_ahead.insert(event.id);
+    makeAhead(event);
 }
 
 void MeetingPrep::regenerate()
 {
-    if (isOpen() && !m_busy)
+    if (isOpen() && !isBusy())
         make(m_event, Reason::Again);
 }
 
@@ -120,7 +122,7 @@ QCoro::Task<std::optional<QString>> MeetingPrep::summarized(QString packet)
 QCoro::Task<> MeetingPrep::make(CalEvent event, Reason reason)
 {
     const QPointer<MeetingPrep> self(this);
-    m_busy = true;
+    m_making.insert(event.id);
     Q_EMIT changed();
     co_await m_at.ai.ai.refresh();
     if (!self)
@@ -146,9 +148,13 @@ QCoro::Task<> MeetingPrep::makeAhead(CalEvent event)
 {
     const QPointer<MeetingPrep> self(this);
     co_await m_at.ai.ai.refresh();
-    if (!self || m_at.ai.onDevice.unavailableReason() || m_at.ai.systemModel.runsElsewhere()
-        || m_at.ai.gate.snapshot(true, false).stopCondition)
+    if (!self)
         co_return;
+    if (m_at.ai.onDevice.unavailableReason() || m_at.ai.systemModel.runsElsewhere()
+        || m_at.ai.gate.snapshot(true, false).stopCondition) {
+        m_ahead.remove(event.id);
+        co_return;
+    }
     MeetingPrepCacheRow row { event.id, event.title, meetingPrepPacket(m_at.db, event), {},
         m_at.ai.ai.availableName().value_or(u"LumoAI"_s), 0 };
     const std::optional<QString> answer = co_await summarized(row.rawBrief);
@@ -164,7 +170,7 @@ void MeetingPrep::keep(const CalEvent& event, const MeetingPrepCacheRow& row, Re
     const bool stored = storeMeetingPrep(m_at.db, row);
     const auto kept = fetchMeetingPrepCache(m_at.db, event.id);
     const bool review = stored && proposeReview(row);
-    m_busy = false;
+    m_making.remove(event.id);
     if (m_event.id == event.id) {
         m_row = stored && kept ? *kept : row;
         m_asksReview = m_asksReview || review;

@@ -4,6 +4,7 @@
 #include "Store/Work/MeetingPrepQueries.h"
 
 #include <QObject>
+#include <QSet>
 #include <qcoro/qcorotask.h>
 
 namespace corvane {
@@ -42,11 +43,12 @@ public:
     QString packet() const { return m_row.rawBrief; }
     QString madeBy() const;
     const QString& message() const { return m_message; }
-    bool isBusy() const { return m_busy; }
+    bool isBusy() const { return m_making.contains(m_event.id); }
     bool asksReview() const { return m_asksReview; }
 
     void prepare(const CalEvent& event); ///< opens it; a stored brief is shown at once
-    void prepareAhead(const CalEvent& event); ///< without opening it; only with a local model
+    /// Without opening it, once, and only with a local model. Asked again, it tries again if the machine was too busy.
+    void prepareAhead(const CalEvent& event);
     Q_INVOKABLE void regenerate();
     Q_INVOKABLE void close();
 
@@ -66,7 +68,8 @@ private:
     CalEvent m_event; ///< empty while nothing is open
     MeetingPrepCacheRow m_row;
     QString m_message;
-    bool m_busy = false;
+    QSet<QString> m_making; ///< events whose brief is being made
+    QSet<QString> m_ahead; ///< events whose brief was tried, unless the machine should not do it then
     bool m_asksReview = false;
 };
 

@@ -38,7 +38,7 @@ void MeetingReminder::look()
             break;
         }
     }
-    if (m_meeting && m_meeting->id != before)
+    if (m_meeting)
         m_prep.prepareAhead(*m_meeting);
     if (m_meeting || !before.isEmpty())
         Q_EMIT changed();

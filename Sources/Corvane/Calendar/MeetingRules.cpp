@@ -1,6 +1,7 @@
 #include "Calendar/MeetingRules.h"
 
 #include "Foundation/Literals.h"
+#include "Foundation/Text.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -110,8 +111,9 @@ std::optional<QUrl> joinURL(const CalEvent& event)
 
 QString compactTitle(const CalEvent& event)
 {
+    constexpr int most = 32;
     const QString title = event.title.trimmed();
-    return title.size() > 32 ? title.first(31) + u'…' : title;
+    return firstCharacters(title, most) == title ? title : firstCharacters(title, most - 1) + u'…';
 }
 
 std::optional<CalEvent> nextMeetingCandidate(const QList<CalEvent>& events, qint64 nowMs)
