@@ -137,12 +137,12 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(channels().size(), 3);
     EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 2);
 
-    const int deals = pane().deals()->rowCount();
+    const int deals = pane().deals()->rows()->rowCount();
     DealForm& deal = *pane().dealForm();
     deal.field("name").type("Spring window");
     deal.field("value").type("€2k");
     deal.submit();
-    EXPECT_EQ(pane().deals()->rowCount(), deals + 1);
+    EXPECT_EQ(pane().deals()->rows()->rowCount(), deals + 1);
     EXPECT_TRUE(pane().addTask("Ask for the measures"));
     EXPECT_TRUE(pane().addNote("Prefers warm light"));
 
@@ -177,7 +177,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     inbox().person()->select(sofia);
     EXPECT_EQ(channels().size(), 3);
     EXPECT_TRUE(thread("body").contains(answer));
-    EXPECT_TRUE(column(*pane().deals(), "text").contains("Spring window"));
-    EXPECT_TRUE(column(*pane().tasks(), "text").contains("Ask for the measures"));
-    EXPECT_EQ(column(*pane().notes(), "text").first(), "Prefers warm light");
+    EXPECT_TRUE(column(*pane().deals()->rows(), "text").contains("Spring window"));
+    EXPECT_TRUE(column(*pane().tasks()->rows(), "text").contains("Ask for the measures"));
+    EXPECT_EQ(column(*pane().notes()->rows(), "text").first(), "Prefers warm light");
 }
