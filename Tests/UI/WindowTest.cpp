@@ -18,9 +18,10 @@ QStringList& warningLines()
 
 void collect(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    // The offscreen platform has no windows to put in order, and a picture taken between two frames of an
-    // animation ends its driver twice.
+    // The offscreen platform has no windows to put in order or to size, and a picture taken between two frames of
+    // an animation ends its driver twice.
     const bool ofThePlatform = message == u"This plugin does not support raise()"
+        || message == u"This plugin does not support propagateSizeHints()"
         || message == u"QUnifiedTimer::stopAnimationDriver: driver is not running";
     const bool told = (type != QtDebugMsg && type != QtInfoMsg) || message.startsWith(u"MainWindow: ");
     if (told && !ofThePlatform)
