@@ -122,7 +122,8 @@ Result<void> M4aWriter::State::open(SoundFormat format)
     avcodec_parameters_from_context(stream->codecpar, encoder.get());
 
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "movflags", "frag_keyframe+empty_moov+default_base_moof", 0);
+    // A trailer would list every fragment, for which memory would grow with the recording.
+    av_dict_set(&options, "movflags", "frag_keyframe+empty_moov+default_base_moof+skip_trailer", 0);
     av_dict_set(&options, "frag_duration", "500000", 0);
     output->flush_packets = 1;
     const int code = avformat_write_header(output.get(), &options);
