@@ -211,8 +211,10 @@ void Emulator::printCharacter(char32_t point)
             printedUpTo = place();
             return;
         }
-        if (width == 0)
-            return; // nothing to join it to
+        if (width == 0) {
+            graphemes.afterPlainText(); // it is nowhere, so what follows cannot join it
+            return;
+        }
     } else if (width == 0) {
         joinPrevious(point);
         return;
