@@ -55,6 +55,7 @@ public:
         : m_books(books)
         , m_orders(orders)
         , m_next(m_books.acknowledged() + 1)
+        , m_paced(m_next + orders.atOnce)
         , m_last(m_next + orders.messages - 1)
         , m_out(lineOf({ { u"type"_s, u"status"_s }, { u"state"_s, u"open"_s } }))
     {
@@ -71,7 +72,7 @@ public:
             const bool hasMore = m_next <= m_last;
             if (m_out.isEmpty() && hasMore && m_pause.hasExpired()) {
                 m_out = message(m_next++, m_orders.bytes);
-                m_pause.setRemainingTime(m_orders.pauseMs);
+                m_pause.setRemainingTime(m_next < m_paced ? 0 : m_orders.pauseMs);
             }
             pollfd files[] { { STDIN_FILENO, POLLIN, 0 }, { STDOUT_FILENO, short(m_out.isEmpty() ? 0 : POLLOUT), 0 } };
             ::poll(files, 2, m_out.isEmpty() && hasMore ? int(m_pause.remainingTime()) : -1);
@@ -120,6 +121,7 @@ private:
     EngineBooks m_books;
     const EngineOrders m_orders;
     qint64 m_next;
+    const qint64 m_paced; ///< the first with a pause after it
     const qint64 m_last;
     QByteArray m_out;
     QByteArray m_in;
@@ -179,8 +181,7 @@ void giveOrders(QProcessEnvironment& environment, const QString& books, const En
 {
     environment.insert(QString::fromLatin1(booksVariable), books);
     environment.insert(QString::fromLatin1(ordersVariable),
-        u"%1 %2 %3"_s.arg(
-            QString::number(orders.messages), QString::number(orders.pauseMs), QString::number(orders.bytes)));
+        u"%1 %2 %3 %4"_s.arg(orders.messages).arg(orders.pauseMs).arg(orders.bytes).arg(orders.atOnce));
 }
 
 QString messageId(qint64 number)
@@ -192,8 +193,8 @@ int runEngine(const QString& script)
 {
     EngineOrders orders;
     const QStringList words = qEnvironmentVariable(ordersVariable).split(u' ');
-    if (script.endsWith("/src/main.ts"_L1) && words.size() == 3)
-        orders = { words[0].toInt(), words[1].toInt(), words[2].toInt() };
+    if (script.endsWith("/src/main.ts"_L1) && words.size() == 4)
+        orders = { words[0].toInt(), words[1].toInt(), words[2].toInt(), words[3].toInt() };
     return Engine(qEnvironmentVariable(booksVariable), orders).run();
 }
 

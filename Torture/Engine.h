@@ -35,6 +35,7 @@ struct EngineOrders {
     int messages = 0; ///< how many it tells
     int pauseMs = 0; ///< between two
     int bytes = 40; ///< of a body, about
+    int atOnce = 0; ///< the first so many, without a pause
 };
 
 void giveOrders(QProcessEnvironment& environment, const QString& books, const EngineOrders& orders);

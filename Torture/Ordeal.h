@@ -66,8 +66,8 @@ std::unique_ptr<Ordeal> fullDiskAtEachWrite(const QString& program);
 std::unique_ptr<Ordeal> powerCuts(const QString& program);
 std::unique_ptr<Ordeal> powerCutsAtFirstStart(const QString& program);
 
-/// The program with ten messages a second, with memory and descriptors at each minute. False if it ends, or grows by
-/// more than a megabyte an hour in the second half. Its caches take about an hour to fill.
+/// The program with a history that fills its caches and then ten messages a second, with memory and descriptors at each
+/// minute. False if it ends, or grows by more than a megabyte an hour in the second half.
 bool soak(const QString& program, int minutes);
 
 }
