@@ -10,24 +10,43 @@ namespace corvane {
 
 namespace {
 
-constexpr int shortestPhrase = 3; ///< code points
+constexpr qsizetype gram = 3; ///< code points
 constexpr int mostNames = 400; ///< that are asked for; messages under more of them are found soon by reading on
 constexpr qsizetype firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
 
-/// The longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
-QString phraseOf(const QString& text)
+QString quoted(QString text)
 {
-    QString longest;
-    qsizetype length = 0;
-    for (const QString& run : QString(text).replace(u'_', u'%').split(u'%')) {
-        const qsizetype points = run.toUcs4().size();
-        if (points > length) {
-            longest = run;
-            length = points;
-        }
+    return u'"' + text.replace(u'"', u"\"\""_s) + u'"';
+}
+
+/// Met by every document with the run, and by few others: a few of its trigrams near each other. As a phrase it would
+/// read the lists of all of them, which are long for the trigrams of common words.
+QString near(const QList<uint>& run)
+{
+    const qsizetype rest = run.size() - gram;
+    const qsizetype count
+        = std::clamp<qsizetype>((run.size() + 4) / 5, std::min<qsizetype>((run.size() + 2) / 3, 3), 8);
+    QStringList grams;
+    for (qsizetype i = 0; i < count; ++i) {
+        const qsizetype at = count == 1 ? 0 : i * rest / (count - 1);
+        QString text;
+        for (const uint point : run.sliced(at, gram))
+            text += QChar::fromUcs4(point);
+        grams.append(quoted(text));
     }
-    const bool fits = length >= shortestPhrase && !longest.contains(QChar(0));
-    return fits ? u'"' + longest.replace(u'"', u"\"\""_s) + u'"' : QString();
+    const qsizetype between = std::max<qsizetype>(rest - 1, 0); // tokens, from the first to the last
+    return u"NEAR(%1, %2)"_s.arg(grams.join(u' ')).arg(between);
+}
+
+/// For the longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
+QString wordsOf(const QString& text)
+{
+    QList<uint> longest;
+    for (const QString& run : QString(text).replace(u'_', u'%').split(u'%')) {
+        if (const QList<uint> points = run.toUcs4(); points.size() > longest.size())
+            longest = points;
+    }
+    return longest.size() >= gram && !longest.contains(0) ? near(longest) : QString();
 }
 
 /// The indexed names that meet a LIKE pattern.
@@ -72,8 +91,8 @@ Expression expressionOf(SqlConnection& database, SqlConnection& index, const Sea
     const auto sender = u"sender"_s;
     const auto media = u"media"_s;
     Expression expression;
-    if (const QString phrase = phraseOf(query.text); !phrase.isEmpty())
-        expression.all(u"words : "_s + phrase);
+    if (const QString words = wordsOf(query.text); !words.isEmpty())
+        expression.all(words);
     for (const QString& name : query.from)
         expression.any(marks(sender, names(index, sender, containing(name)))
             + marks(conversation, conversationsWith(database, name, most)));
@@ -83,7 +102,7 @@ Expression expressionOf(SqlConnection& database, SqlConnection& index, const Sea
         expression.any(marks(conversation, conversationsNamed(database, place, most)));
     for (const MessageContent content : query.has) {
         if (content == MessageContent::Link)
-            expression.all(uR"(words : ("http://" OR "https://"))"_s);
+            expression.all(uR"(("http://" OR "https://"))"_s);
         else
             expression.any(marks(media, names(index, media, mediaPattern(content))));
     }
