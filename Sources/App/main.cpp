@@ -5,6 +5,7 @@
 #include "Foundation/Log.h"
 #include "Foundation/SystemScheduler.h"
 #include "Platform/ApplicationId.h"
+#include "Platform/Autostart.h"
 #include "Platform/GlobalShortcuts.h"
 #include "Platform/Linux/Decode/DecodeChild.h"
 #include "Platform/Linux/Services.h"
@@ -46,6 +47,20 @@ Mode requestedMode(int argc, char** argv)
     return std::ranges::find_first_of(arguments, withoutWindow) == arguments.end() ? Mode::Window : Mode::Headless;
 }
 
+/// What the running program is asked to do: one of these options, or what is named.
+QStringList wishesOf(const QCommandLineParser& parser, const QStringList& options)
+{
+    const auto given = std::ranges::find_if(options, [&](const QString& option) { return parser.isSet(option); });
+    return given == options.end() ? parser.positionalArguments() : QStringList { u"--"_s + *given };
+}
+
+StartFor purposeOf(Mode mode, const QStringList& wishes)
+{
+    if (mode == Mode::Headless)
+        return StartFor::Headless;
+    return CorvaneApp::isForRunning(wishes) ? StartFor::Command : StartFor::Window;
+}
+
 void logEvents(EngineManager& engine)
 {
     QObject::connect(&engine, &EngineManager::eventHandled, &engine,
@@ -76,6 +91,8 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOption({ u"headless"_s, u"Run everything but the window."_s });
+    const QString inBackground = u"background"_s;
+    parser.addOption({ inBackground, u"Start without showing the window, as with the desktop."_s });
     parser.addOption(
         { u"start-all"_s, u"Start the engine of every account, not only those that start by themselves."_s });
     parser.addOption({ u"recover"_s,
@@ -90,9 +107,8 @@ int main(int argc, char** argv)
 
     const AppPaths paths = AppPaths::fromEnvironment();
     const mode_t startingUmask = keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
-    const QStringList wishes
-        = parser.isSet(toggleDictation) ? QStringList { u"--"_s + toggleDictation } : parser.positionalArguments();
-    const auto instance = makeSingleInstance(paths);
+    const QStringList wishes = wishesOf(parser, { toggleDictation, inBackground });
+    const auto instance = makeSingleInstance(paths, purposeOf(mode, wishes));
     if (!instance->claim(wishes))
         return 0;
 
@@ -102,6 +118,7 @@ int main(int argc, char** argv)
     Machine machine = thisMachine(paths, scheduler, startingUmask);
     if (mode == Mode::Window) {
         machine.tray = makeTray();
+        machine.autostart = makeAutostart(paths);
         machine.shortcuts = makeGlobalShortcuts();
         machine.insertion = makeTextInsertion(scheduler);
     }
@@ -121,6 +138,8 @@ int main(int argc, char** argv)
     if (mode == Mode::Headless) {
         logEvents(app.engine());
         QObject::connect(&app, &CorvaneApp::quitRequested, &app, &CorvaneApp::quit);
+        QObject::connect(instance.get(), &SingleInstance::replaced, &app, &CorvaneApp::quit);
+        QObject::connect(&app, &CorvaneApp::windowRequested, &app, startWithWindow);
         app.onAppear();
     } else {
         screens = std::make_unique<Screens>(app);
@@ -138,7 +157,10 @@ int main(int argc, char** argv)
         QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);
         QObject::connect(&app, &CorvaneApp::quitting, panel.get(), &PanelWindow::hide);
         QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
-        window->show();
+        if (parser.isSet(inBackground))
+            app.onAppear();
+        else
+            window->show();
     }
     if (parser.isSet(u"recover"_s))
         app.recovery().choose(parser.value(u"recover"_s));

@@ -36,11 +36,12 @@ protected:
     };
 
     /// A start of the program beside this one, whose event loop turns meanwhile.
-    bool claimElsewhere(const QDBusConnection& startBus, const QStringList& arguments)
+    bool claimElsewhere(
+        const QDBusConnection& startBus, const QStringList& arguments, StartFor purpose = StartFor::Window)
     {
         std::atomic<int> result = -1;
         const std::unique_ptr<QThread> start(
-            QThread::create([&] { result = BusSingleInstance(folder, startBus).claim(arguments) ? 1 : 0; }));
+            QThread::create([&] { result = BusSingleInstance(folder, startBus, purpose).claim(arguments) ? 1 : 0; }));
         start->start();
         EXPECT_TRUE(await([&] { return result != -1; }));
         start->wait();
@@ -161,6 +162,26 @@ TEST_F(SingleInstanceTest, aFolderThatCannotBeWrittenStopsNoStart)
     EXPECT_TRUE(running.instance.claim({}));
     EXPECT_FALSE(claimElsewhere(otherBus, { "over the bus" }));
     EXPECT_TRUE(await([&] { return running.received == "[over the bus]"; }));
+}
+
+TEST_F(SingleInstanceTest, aStartWithAWindowTakesThePlaceOfAHeadlessProgram)
+{
+    for (const auto& [first, second] : { std::pair(bus, otherBus), std::pair(noBus(), noBus()) }) {
+        auto headless = std::make_unique<BusSingleInstance>(folder, first, StartFor::Headless);
+        QString received;
+        QObject::connect(headless.get(), &SingleInstance::activated,
+            [&](const QStringList& arguments) { received = arguments.join('|'); });
+        QObject::connect(headless.get(), &SingleInstance::replaced, [&] { headless.release()->deleteLater(); });
+        ASSERT_TRUE(headless->claim({}));
+        EXPECT_FALSE(claimElsewhere(second, { "record" }, StartFor::Command));
+        EXPECT_FALSE(claimElsewhere(second, { "again" }, StartFor::Headless));
+        EXPECT_TRUE(await([&] { return received == "again"; }));
+        EXPECT_TRUE(claimElsewhere(second, {}));
+        EXPECT_FALSE(headless);
+        Running running(folder, first);
+        ASSERT_TRUE(running.instance.claim({}));
+        EXPECT_FALSE(claimElsewhere(second, {})) << "one with a window stays";
+    }
 }
 
 TEST_F(SingleInstanceTest, desktopsReachItAsAnApplication)

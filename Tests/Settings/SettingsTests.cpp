@@ -421,7 +421,7 @@ TEST_F(Settings, theFlowsAndTheSystemCardReachTheScreenAsPlainValues)
     const ConnectFlow& slack = list.connectFlows().at(5);
     EXPECT_EQ(slack.channelWord(), "SLACK");
     EXPECT_TRUE(slack.fields.first().masked);
-    SystemSettings system(world.defaults, world.keychain, world.home.paths());
+    SystemSettings system(world.defaults, world.keychain, world.home.paths(), nullptr);
     EXPECT_TRUE(system.notifyOnNewMessage());
     system.setNotifyOnNewMessage(false);
     EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);

@@ -1,6 +1,8 @@
 # Completion of corvane(1) for fish.
 complete -c corvane -f
 complete -c corvane -l headless -d 'Run everything but the window'
+complete -c corvane -l background -d 'Start without showing the window'
+complete -c corvane -l toggle-dictation -d 'Start or end dictation'
 complete -c corvane -l start-all -d 'Start the engine of every account'
 complete -c corvane -l recover -x -a 'save backup new' -d 'What takes the place of a damaged database'
 complete -c corvane -s h -l help -d 'Show the options'
@@ -33,3 +35,7 @@ complete -c corvane -n '__fish_seen_subcommand_from restore' -l into -r -d 'A fo
 complete -c corvane -n '__fish_seen_subcommand_from restore' -l replace -d 'Put the present profile aside'
 complete -c corvane -n '__fish_seen_subcommand_from doctor' -l fix -d 'Put right what can be'
 complete -c corvane -n '__fish_seen_subcommand_from doctor list show search status' -l json -d 'For programs'
+complete -c corvane -n '__fish_seen_subcommand_from list' -l all -d 'Everybody'
+complete -c corvane -n '__fish_seen_subcommand_from list show search' -l limit -x -d 'At most so many'
+complete -c corvane -n '__fish_seen_subcommand_from import' -l account -x -d 'Of the imported mail'
+complete -c corvane -n '__fish_seen_subcommand_from import' -l own-address -x -d 'An address of yours'

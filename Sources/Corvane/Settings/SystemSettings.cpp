@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/UserDefaults.h"
 #include "Platform/AppPaths.h"
+#include "Platform/Autostart.h"
 #include "Platform/Keychain.h"
 #include "Presentation/SendKeys.h"
 
@@ -14,13 +15,36 @@ const QString notifyKey = u"notifyOnNewMessage"_s;
 
 }
 
-SystemSettings::SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, QObject* parent)
+SystemSettings::SystemSettings(
+    UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, Autostart* autostart, QObject* parent)
     : QObject(parent)
     , m_defaults(defaults)
     , m_keychain(keychain)
     , m_paths(paths)
+    , m_autostart(autostart)
 {
     connect(&m_keychain, &Keychain::changed, this, &SystemSettings::changed);
+}
+
+bool SystemSettings::startsAtLogin() const
+{
+    return m_autostart && m_autostart->isOn();
+}
+
+void SystemSettings::setStartsAtLogin(bool on)
+{
+    if (!m_autostart || on == startsAtLogin())
+        return;
+    m_autostart->set(on, this, [this](const Result<void>& result) {
+        m_startError = result ? QString() : result.error().message;
+        Q_EMIT changed();
+    });
+}
+
+QString SystemSettings::startHint() const
+{
+    return m_startError.isEmpty() ? u"In the background: messages arrive, and the window stays closed."_s
+                                  : m_startError;
 }
 
 bool SystemSettings::notifyOnNewMessage() const

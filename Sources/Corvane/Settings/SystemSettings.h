@@ -8,15 +8,20 @@
 
 namespace corvane {
 
+class Autostart;
 class HotKey;
 class Keychain;
 class UserDefaults;
 struct AppPaths;
 
-/// Settings of this machine: banners, keys, and storage locations.
+/// Settings of this machine: its start, banners, keys, and storage locations.
 class SystemSettings : public QObject {
     Q_OBJECT
     Q_MOC_INCLUDE("Platform/HotKey.h")
+    Q_PROPERTY(bool canStartAtLogin READ canStartAtLogin CONSTANT)
+    Q_PROPERTY(bool startsAtLogin READ startsAtLogin WRITE setStartsAtLogin NOTIFY changed)
+    Q_PROPERTY(QString startLabel READ startLabel CONSTANT)
+    Q_PROPERTY(QString startHint READ startHint NOTIFY changed) ///< or why it could not be changed
     Q_PROPERTY(bool notifyOnNewMessage READ notifyOnNewMessage WRITE setNotifyOnNewMessage NOTIFY changed)
     Q_PROPERTY(QString notifyLabel READ notifyLabel CONSTANT)
     Q_PROPERTY(QString notifyHint READ notifyHint CONSTANT)
@@ -28,8 +33,15 @@ class SystemSettings : public QObject {
     Q_PROPERTY(bool canUnlock READ canUnlock NOTIFY changed)
     Q_PROPERTY(QString dataFolder READ dataFolder CONSTANT)
 public:
-    SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, QObject* parent = nullptr);
+    /// `autostart` may be null.
+    SystemSettings(UserDefaults& defaults, Keychain& keychain, const AppPaths& paths, Autostart* autostart,
+        QObject* parent = nullptr);
 
+    bool canStartAtLogin() const { return m_autostart != nullptr; }
+    bool startsAtLogin() const;
+    void setStartsAtLogin(bool on);
+    static QString startLabel() { return u"Start when you log in"_s; }
+    QString startHint() const;
     bool notifyOnNewMessage() const; ///< on by default
     void setNotifyOnNewMessage(bool on);
     QString notifyLabel() const { return u"Notify on new messages"_s; }
@@ -53,6 +65,8 @@ private:
     UserDefaults& m_defaults;
     Keychain& m_keychain;
     const AppPaths& m_paths;
+    Autostart* const m_autostart;
+    QString m_startError;
     QList<HotKey*> m_hotKeys;
 };
 

@@ -56,6 +56,7 @@ namespace {
 constexpr Milliseconds quitLimit { 6000 }; // engines are killed after five seconds, and may print until then
 
 const QString dictationArgument = u"--toggle-dictation"_s;
+const QString backgroundArgument = u"--background"_s;
 
 /// The user's own addresses, from the accounts.
 QStringList ownAddresses(const AccountStore& store, const SessionStore& session)
@@ -202,6 +203,12 @@ void CorvaneApp::startAllEngines()
     }
 }
 
+bool CorvaneApp::isForRunning(const QStringList& arguments)
+{
+    return arguments.size() == 1
+        && QStringList({ recordCommand, markCommand, dictationArgument }).contains(arguments.first());
+}
+
 void CorvaneApp::open(const QStringList& arguments)
 {
     if (arguments.size() == 1
@@ -212,6 +219,8 @@ void CorvaneApp::open(const QStringList& arguments)
             m_dictation->toggleRecording();
         return;
     }
+    if (arguments == QStringList { backgroundArgument })
+        return;
     for (const QString& argument : arguments) {
         if (argument.startsWith("nimb-companion:"_L1))
             m_session->handleCallback(QUrl(argument));

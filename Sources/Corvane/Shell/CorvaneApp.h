@@ -24,6 +24,7 @@ class ApprovalsStore;
 class ContactsBridge;
 class CorvaneMenuBarLabel;
 class AudioPlayer;
+class Autostart;
 class BackupKeeper;
 class Desktop;
 class DictationAnywhere;
@@ -88,6 +89,7 @@ public:
     MediaDecoder& decoder() { return *m_machine.decoder; }
     AudioPlayer& player() { return *m_machine.player; }
     const Tray* tray() const { return m_machine.tray.get(); } ///< null in a headless run
+    Autostart* autostart() { return m_machine.autostart.get(); } ///< null in a headless run
     Commands& commands() { return m_commands; } ///< commands that work without a window
     std::optional<mode_t> userUmask() const { return m_machine.userUmask; }
     const AppPaths& paths() const { return m_paths; }
@@ -102,8 +104,11 @@ public:
     QString storeTrouble() const;
 
     /// The arguments of a later start of the program: a sign-in URL, "capture", "record", "mark", "--toggle-dictation",
-    /// or none to show the window.
+    /// "--background" to do nothing, or none to show the window.
     void open(const QStringList& arguments);
+
+    /// Whether the arguments need no window.
+    static bool isForRunning(const QStringList& arguments);
 
     /// Shuts down, and emits `ended` once the engines have exited and their output is stored, after at most six
     /// seconds. A second call has no effect.

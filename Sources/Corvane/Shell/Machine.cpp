@@ -2,6 +2,7 @@
 
 #include "Platform/AddressBook.h"
 #include "Platform/AudioPlayer.h"
+#include "Platform/Autostart.h"
 #include "Platform/CalendarSource.h"
 #include "Platform/CallAudio.h"
 #include "Platform/Desktop.h"

@@ -11,6 +11,7 @@ struct AppPaths;
 class Scheduler;
 class AddressBook;
 class AudioPlayer;
+class Autostart;
 class CalendarSource;
 class CallAudio;
 class Desktop;
@@ -59,6 +60,7 @@ struct Machine {
     std::array<std::unique_ptr<MediaDecoder>, 2> callDecoders;
     std::array<std::unique_ptr<AudioPlayer>, 2> callPlayers;
     std::unique_ptr<Tray> tray; ///< none in a headless run
+    std::unique_ptr<Autostart> autostart; ///< none in a headless run
     QString systemRoot {}; ///< prepended to the paths of memory and process information; empty: this machine
     std::optional<mode_t> userUmask; ///< for programs that the user starts; none: this process's
 };

@@ -75,7 +75,7 @@ Screens::Screens(CorvaneApp& root)
     , push({ app.web().push, app.session(), app.store(), app.db() })
     , toolServer(app.engine())
     , doctor({ [this] { return profileToCheck(app); }, app.background(), app.scheduler() })
-    , system(app.defaults(), app.keychain(), app.paths())
+    , system(app.defaults(), app.keychain(), app.paths(), app.autostart())
     , localAccess({ app.store(), app.calendar().store, app.addressBook(), app.background(), app.desktop(),
           app.defaults(), app.paths().home })
     , settings({ accounts, controlChat, assistant, voice, dictation, calendarSettings, sync, web, push, toolServer,

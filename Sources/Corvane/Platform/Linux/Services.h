@@ -10,6 +10,7 @@ namespace corvane {
 
 class AddressBook;
 class AudioPlayer;
+class Autostart;
 class CallAudio;
 class CalendarSource;
 class Desktop;
@@ -28,6 +29,7 @@ class SystemLanguageModel;
 class TextInsertion;
 class ToolRunner;
 class Tray;
+enum class StartFor;
 struct AppPaths;
 
 /// The services of this machine. Each starts immediately and independently of the others.
@@ -50,7 +52,11 @@ std::unique_ptr<AudioPlayer> makeAudioPlayer(Scheduler& scheduler, MediaDecoder&
 std::unique_ptr<MediaDecoder> makeMediaDecoder(Scheduler& scheduler);
 std::unique_ptr<SpeechRecogniser> makeModelRecogniser(ProcessLauncher& launcher); ///< uses a model of the user's
 std::unique_ptr<SpeechRecogniser> makeBasicRecogniser(ProcessLauncher& launcher); ///< English, with a built-in model
-std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths);
+std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths, StartFor purpose);
+std::unique_ptr<Autostart> makeAutostart(const AppPaths& paths);
+
+/// Starts the program once more, with a window on the display of the user's desktop; false if there is none.
+bool startWithWindow();
 
 /// The answer of the running program for this data folder; nothing if none runs. Waits up to five minutes.
 std::optional<Result<QString>> askRunningProgram(const AppPaths& paths, const QString& question);

@@ -35,6 +35,17 @@ Column {
     Card {
         width: parent.width
         SettingRow {
+            visible: section.system.canStartAtLogin
+            label: section.system.startLabel
+            hint: section.system.startHint
+            Toggle {
+                objectName: "system.startAtLogin"
+                checked: section.system.startsAtLogin
+                Accessible.name: section.system.startLabel
+                onToggled: section.system.startsAtLogin = checked
+            }
+        }
+        SettingRow {
             label: section.system.notifyLabel
             hint: section.system.notifyHint
             Toggle {

@@ -27,12 +27,15 @@ namespace {
 /// How long a start waits for a running program that is just coming up, and then for its answer.
 constexpr int comingUpMs = 2000;
 constexpr int answerMs = 1500;
+constexpr int endingMs = 15'000; ///< how long a program without a window may take to end
 constexpr int betweenTriesMs = 50;
 constexpr qint64 longestRequest = 65536;
 
 const QString objectInterface = u"org.freedesktop.Application"_s;
 const QString tokenKey = u"activation-token"_s;
 const QByteArray taken = "taken\n"_ba;
+const QByteArray headless = "headless\n"_ba;
+const QStringList giveWay { u"--give-way"_s };
 
 QString usualFolder()
 {
@@ -71,11 +74,12 @@ void ApplicationObject::ActivateAction(const QString& action, const QVariantList
     Open({ action }, platformData);
 }
 
-BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus)
+BusSingleInstance::BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus, StartFor purpose)
     : m_folder(applicationSupport)
     , m_socketPath(applicationSupport + u"/instance.socket"_s)
     , m_name(instanceName(applicationSupport))
     , m_bus(bus)
+    , m_purpose(purpose)
     , m_lock(applicationSupport + u"/instance.lock"_s)
     , m_lumo(bus, &m_object)
 {
@@ -93,12 +97,21 @@ bool BusSingleInstance::claim(const QStringList& arguments)
 {
     if (m_lock.isOpen())
         return true;
-    const QDeadlineTimer comingUp(comingUpMs);
+    QDeadlineTimer comingUp(comingUpMs);
+    bool replaces = false;
     for (;;) {
         const Lock lock = takeLock();
         if (lock == Lock::Taken) {
             open();
             return true;
+        }
+        if (!replaces && lock == Lock::HeldByAnother && isToBeReplaced() && handOver(giveWay) == Delivery::Taken) {
+            replaces = true;
+            comingUp.setRemainingTime(endingMs);
+        }
+        if (replaces && !comingUp.hasExpired()) {
+            QThread::msleep(betweenTriesMs);
+            continue;
         }
         const Delivery delivery = handOver(arguments);
         if (delivery == Delivery::Taken)
@@ -130,11 +143,21 @@ BusSingleInstance::Lock BusSingleInstance::takeLock()
     QDir().mkpath(m_folder);
     if (!m_lock.open(QIODevice::ReadWrite, QFile::ReadOwner | QFile::WriteOwner))
         return Lock::Impossible;
-    if (::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0)
+    if (::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0) {
+        m_lock.resize(0);
+        m_lock.write(m_purpose == StartFor::Headless ? headless : QByteArray());
+        m_lock.flush();
         return Lock::Taken;
+    }
     const bool held = errno == EWOULDBLOCK;
     m_lock.close();
     return held ? Lock::HeldByAnother : Lock::Impossible;
+}
+
+bool BusSingleInstance::isToBeReplaced()
+{
+    QFile held(m_lock.fileName());
+    return m_purpose == StartFor::Window && held.open(QIODevice::ReadOnly) && held.readLine() == headless;
 }
 
 BusSingleInstance::Delivery BusSingleInstance::handOver(const QStringList& arguments)
@@ -219,12 +242,18 @@ void BusSingleInstance::receive(const QStringList& arguments, const QString& tok
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     // Raising a window may take its time; the other program gets its answer first.
-    QMetaObject::invokeMethod(this, [this, arguments] { Q_EMIT activated(arguments); }, Qt::QueuedConnection);
+    const auto tell = [this, arguments] {
+        if (arguments != giveWay)
+            Q_EMIT activated(arguments);
+        else if (m_purpose == StartFor::Headless)
+            Q_EMIT replaced();
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
-std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths)
+std::unique_ptr<SingleInstance> makeSingleInstance(const AppPaths& paths, StartFor purpose)
 {
-    return std::make_unique<BusSingleInstance>(paths.applicationSupport, QDBusConnection::sessionBus());
+    return std::make_unique<BusSingleInstance>(paths.applicationSupport, QDBusConnection::sessionBus(), purpose);
 }
 
 }

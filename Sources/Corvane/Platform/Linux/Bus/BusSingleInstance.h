@@ -37,7 +37,8 @@ Q_SIGNALS:
 class BusSingleInstance final : public SingleInstance {
     Q_OBJECT
 public:
-    BusSingleInstance(const QString& applicationSupport, const QDBusConnection& bus);
+    BusSingleInstance(
+        const QString& applicationSupport, const QDBusConnection& bus, StartFor purpose = StartFor::Window);
     ~BusSingleInstance() override;
 
     bool claim(const QStringList& arguments) override;
@@ -48,6 +49,7 @@ private:
     enum class Delivery { Taken, Unanswered, Unreachable };
 
     Lock takeLock();
+    bool isToBeReplaced(); ///< the program that holds the lock
     Delivery handOver(const QStringList& arguments);
     Delivery handOverOnBus(const QStringList& arguments);
     Delivery handOverThroughSocket(const QStringList& arguments);
@@ -59,7 +61,8 @@ private:
     QString m_socketPath;
     QString m_name;
     QDBusConnection m_bus;
-    QFile m_lock;
+    const StartFor m_purpose;
+    QFile m_lock; ///< says whether its holder has no window
     ApplicationObject m_object;
     LumoObject m_lumo; ///< on the same path
     QLocalServer m_server;

@@ -3,7 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
 #include "Platform/Linux/Bus/BusObject.h"
-#include "Platform/Linux/Bus/PortalFileChooser.h"
+#include "Platform/Linux/Bus/PortalRequest.h"
 #include "Platform/Linux/Services.h"
 
 #include <QDBusServiceWatcher>
@@ -103,13 +103,32 @@ bool XdgDesktop::openLink(const QUrl& link)
 void XdgDesktop::chooseFiles(
     const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& files)> done)
 {
-    new PortalFileChooser(m_bus, PortalFileChooser::For::Files, title, std::move(done), context);
+    choose({ { u"multiple"_s, true }, { u"directory"_s, false } }, title, context,
+        u"This desktop has no window to choose files in. Drag them here, or paste them."_s, std::move(done));
 }
 
 void XdgDesktop::chooseFolder(
     const QString& title, QObject* context, std::function<void(const Result<QList<QUrl>>& folder)> done)
 {
-    new PortalFileChooser(m_bus, PortalFileChooser::For::Folder, title, std::move(done), context);
+    choose({ { u"multiple"_s, false }, { u"directory"_s, true } }, title, context,
+        u"This desktop has no window to choose a folder in. Type its path."_s, std::move(done));
+}
+
+void XdgDesktop::choose(const QVariantMap& options, const QString& title, QObject* context, const QString& missing,
+    std::function<void(const Result<QList<QUrl>>& chosen)> done)
+{
+    const QString noParent = u""_s;
+    new PortalRequest(
+        m_bus, { u"org.freedesktop.portal.FileChooser"_s, u"OpenFile"_s, { noParent, title }, options },
+        [missing, done = std::move(done)](const Result<QVariantMap>& results) {
+            if (!results)
+                return done(failure(missing));
+            QList<QUrl> chosen;
+            for (const QString& uri : unwrapped(results->value(u"uris"_s)).toStringList())
+                chosen.append(QUrl(uri, QUrl::StrictMode));
+            done(chosen);
+        },
+        context);
 }
 
 QString XdgDesktop::hostName() const

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void onSettingChanged(const QDBusMessage& signal);
 
 private:
+    void choose(const QVariantMap& options, const QString& title, QObject* context, const QString& missing,
+        std::function<void(const Result<QList<QUrl>>& chosen)> done);
     void readSettings();
     void read(const QString& group, const QString& key);
     void apply(const QString& key, const QVariant& value);

@@ -1,0 +1,98 @@
+#include "Platform/Linux/Bus/DesktopAutostart.h"
+
+#include "PortalResponse.h"
+#include "Support/Print.h"
+#include "Support/PrivateBus.h"
+#include "Support/TemporaryHome.h"
+
+#include <QDBusContext>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace corvane;
+
+namespace {
+
+/// Allows what it is asked for, or refuses it.
+class BackgroundPortal final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Background")
+public:
+    explicit BackgroundPortal(const QDBusConnection& bus)
+        : m_bus(bus)
+    {
+        m_bus.registerObject("/org/freedesktop/portal/desktop", this, QDBusConnection::ExportScriptableSlots);
+        m_bus.registerService("org.freedesktop.portal.Desktop");
+    }
+    ~BackgroundPortal() override { m_bus.unregisterService("org.freedesktop.portal.Desktop"); }
+
+    uint answer = 1;
+    QStringList command;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE QDBusObjectPath RequestBackground(const QString&, const QVariantMap& options)
+    {
+        command = options["commandline"].toStringList();
+        return respond(m_bus, message(), options, answer,
+            { { "background", true }, { "autostart", options["autostart"].toBool() } });
+    }
+
+private:
+    QDBusConnection m_bus;
+};
+
+class AutostartTest : public testing::Test {
+protected:
+    QString set(DesktopAutostart& autostart, bool on)
+    {
+        QObject context;
+        QString told = "nothing";
+        autostart.set(on, &context, [&](const Result<void>& result) { told = result ? "" : result.error().message; });
+        privateBus.settle();
+        return told;
+    }
+
+    TemporaryHome home;
+    const QString entry = home.path("config/autostart/com.nimb.corvane.desktop");
+    PrivateBus privateBus;
+    QDBusConnection bus = privateBus.connect();
+    QDBusConnection desktopBus = privateBus.connect();
+};
+
+}
+
+TEST_F(AutostartTest, anEntryStartsTheProgramWhichDesktopsMaySwitchOff)
+{
+    DesktopAutostart autostart(bus, home.path("config"), "/opt/a b/100%/$x", DesktopAutostart::Sandbox::No);
+    EXPECT_FALSE(autostart.isOn());
+    EXPECT_EQ(set(autostart, true), "");
+    EXPECT_TRUE(autostart.isOn());
+    QFile file(entry);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    EXPECT_TRUE(file.readAll().contains("Exec=\"/opt/a b/100%%/\\\\$x\" --background\n"));
+    file.write("Hidden=true\n");
+    file.close();
+    EXPECT_FALSE(autostart.isOn());
+    EXPECT_EQ(set(autostart, false), "");
+    EXPECT_FALSE(QFile::exists(entry));
+    home.write("blocked/autostart", "a file where the folder should be");
+    DesktopAutostart blocked(bus, home.path("blocked"), "/usr/bin/corvane", DesktopAutostart::Sandbox::No);
+    EXPECT_TRUE(set(blocked, true).endsWith("cannot be changed."));
+}
+
+TEST_F(AutostartTest, inASandboxThePortalDecides)
+{
+    DesktopAutostart autostart(bus, home.path("config"), "/app/bin/corvane", DesktopAutostart::Sandbox::Yes);
+    EXPECT_EQ(set(autostart, true), "The desktop did not allow it.") << "no portal";
+    BackgroundPortal portal(desktopBus);
+    EXPECT_EQ(set(autostart, true), "The desktop did not allow it.");
+    EXPECT_FALSE(autostart.isOn());
+    portal.answer = 0;
+    EXPECT_EQ(set(autostart, true), "");
+    EXPECT_EQ(portal.command, QStringList({ "corvane", "--background" }));
+    EXPECT_TRUE(autostart.isOn());
+    EXPECT_EQ(set(autostart, false), "");
+    EXPECT_FALSE(autostart.isOn());
+}
+
+#include "AutostartTests.moc"
