@@ -21,7 +21,7 @@ TEST(WithoutBus, everyServiceComesUpAtOnceAndStaysSilent)
     const auto notifications = makeNotificationService();
     const auto desktop = makeDesktop(022);
     const auto tray = makeTray();
-    const auto instance = makeSingleInstance(home.paths());
+    const auto instance = makeSingleInstance(home.paths(), StartFor::Window);
     EXPECT_TRUE(instance->claim({}));
     EXPECT_FALSE(notifications->isAvailable());
     notifications->show({});

@@ -3,51 +3,18 @@
 #include "Foundation/Literals.h"
 #include "Store/Core/LikePattern.h"
 #include "Store/Search/SearchIndexFile.h"
+#include "Store/Search/TextTerms.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace corvane {
 
 namespace {
 
-constexpr qsizetype gram = 3; ///< code points
 constexpr int mostNames = 400; ///< that are asked for; messages under more of them are found soon by reading on
 constexpr qsizetype firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
-
-QString quoted(QString text)
-{
-    return u'"' + text.replace(u'"', u"\"\""_s) + u'"';
-}
-
-/// Met by every document with the run, and by few others: a few of its trigrams near each other. As a phrase it would
-/// read the lists of all of them, which are long for the trigrams of common words.
-QString near(const QList<uint>& run)
-{
-    const qsizetype rest = run.size() - gram;
-    const qsizetype count
-        = std::clamp<qsizetype>((run.size() + 4) / 5, std::min<qsizetype>((run.size() + 2) / 3, 3), 8);
-    QStringList grams;
-    for (qsizetype i = 0; i < count; ++i) {
-        const qsizetype at = count == 1 ? 0 : i * rest / (count - 1);
-        QString text;
-        for (const uint point : run.sliced(at, gram))
-            text += QChar::fromUcs4(point);
-        grams.append(quoted(text));
-    }
-    const qsizetype between = std::max<qsizetype>(rest - 1, 0); // tokens, from the first to the last
-    return u"NEAR(%1, %2)"_s.arg(grams.join(u' ')).arg(between);
-}
-
-/// For the longest run of characters that stand for themselves in a LIKE pattern; empty where a trigram would not fit.
-QString wordsOf(const QString& text)
-{
-    QList<uint> longest;
-    for (const QString& run : QString(text).replace(u'_', u'%').split(u'%')) {
-        if (const QList<uint> points = run.toUcs4(); points.size() > longest.size())
-            longest = points;
-    }
-    return longest.size() >= gram && !longest.contains(0) ? near(longest) : QString();
-}
+constexpr qsizetype mostQuick = 1000; ///< times that are checked before it is better to ask for fewer
 
 /// The indexed names that meet a LIKE pattern.
 QStringList names(SqlConnection& index, const QString& column, const QString& pattern)
@@ -56,9 +23,15 @@ QStringList names(SqlConnection& index, const QString& column, const QString& pa
         { column, pattern, mostNames + 1 }, [](const SqlRow& row) { return row.text(0); });
 }
 
-/// What documents must meet to be looked at, as an FTS5 expression.
+/// What documents must meet to be looked at.
 class Expression {
 public:
+    void words(const TextTerms& terms)
+    {
+        m_words = terms;
+        m_cannotBeMet = m_cannotBeMet || terms.nowhere;
+    }
+
     void all(const QString& part) { m_parts.append(part); }
 
     void any(const QStringList& marks)
@@ -69,9 +42,19 @@ public:
     }
 
     bool cannotBeMet() const { return m_cannotBeMet; }
-    QString text() const { return m_parts.join(u" AND "_s); } ///< empty if it would be met by too many
+    bool isEmpty() const { return m_words.quick.isEmpty() && m_parts.isEmpty(); } ///< it would be met by too many
+
+    // For FTS5; the second one is met by fewer, and slower.
+    QString quick() const { return joined(m_words.quick); }
+    QString narrow() const { return joined(m_words.narrow); }
 
 private:
+    QString joined(const QString& words) const
+    {
+        return (words.isEmpty() ? m_parts : QStringList(words) + m_parts).join(u" AND "_s);
+    }
+
+    TextTerms m_words;
     QStringList m_parts;
     bool m_cannotBeMet = false;
 };
@@ -91,8 +74,7 @@ Expression expressionOf(SqlConnection& database, SqlConnection& index, const Sea
     const auto sender = u"sender"_s;
     const auto media = u"media"_s;
     Expression expression;
-    if (const QString words = wordsOf(query.text); !words.isEmpty())
-        expression.all(words);
+    expression.words(termsOf(index, query.text));
     for (const QString& name : query.from)
         expression.any(marks(sender, names(index, sender, containing(name)))
             + marks(conversation, conversationsWith(database, name, most)));
@@ -111,30 +93,38 @@ Expression expressionOf(SqlConnection& database, SqlConnection& index, const Sea
 
 /// The times of at least the newest `limit` hits among the documents that meet the expression.
 QList<qint64> timesByIndex(
-    SqlConnection& database, SqlConnection& index, const SearchQuery& query, const QString& expression, int limit)
+    SqlConnection& database, SqlConnection& index, const SearchQuery& query, const Expression& expression, int limit)
 {
     QList<qint64> found;
     QList<qint64> unchecked;
+    qsizetype checked = 0;
     qsizetype chunk = firstChunk;
     std::optional<qint64> last;
+    qint64 end = documentNumberAt(query.beforeMs.value_or(lastNumberedTime + 1));
     const auto check = [&] {
+        checked += unchecked.size();
         for (const MessageHit& hit : searchMessagesAt(database, query, std::exchange(unchecked, {}), limit))
             found.append(hit.ts);
         chunk *= 4;
     };
-    index.visitRows("SELECT rowid FROM text WHERE text MATCH ? AND rowid >= ? AND rowid < ? ORDER BY rowid DESC;",
-        { expression, documentNumberAt(query.afterMs.value_or(0)),
-            documentNumberAt(query.beforeMs.value_or(lastNumberedTime + 1)) },
-        [&](const SqlRow& row) {
-            const qint64 ts = row.integer(0) >> documentSlotBits;
-            if (std::exchange(last, ts) == ts)
-                return true;
-            if (unchecked.size() >= chunk)
-                check();
-            unchecked.append(ts);
-            return found.size() < limit;
-        });
-    check();
+    const auto walk = [&](const QString& match, qsizetype most) {
+        index.visitRows("SELECT rowid FROM text WHERE text MATCH ? AND rowid >= ? AND rowid < ? ORDER BY rowid DESC;",
+            { match, documentNumberAt(query.afterMs.value_or(0)), end }, [&](const SqlRow& row) {
+                end = row.integer(0);
+                const qint64 ts = end >> documentSlotBits;
+                if (std::exchange(last, ts) == ts)
+                    return true;
+                if (unchecked.size() >= chunk)
+                    check();
+                unchecked.append(ts);
+                return found.size() < limit && checked < most;
+            });
+        check();
+    };
+    const bool hasNarrow = expression.narrow() != expression.quick();
+    walk(expression.quick(), hasNarrow ? mostQuick : std::numeric_limits<qsizetype>::max());
+    if (hasNarrow && found.size() < limit && checked >= mostQuick)
+        walk(expression.narrow(), std::numeric_limits<qsizetype>::max());
     return found;
 }
 
@@ -159,7 +149,7 @@ std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConne
     const qint64 newest = indexValue(index, u"rowid"_s).value_or(0);
     const bool complete = isComplete(database, index, newest);
     const Expression expression = complete ? expressionOf(database, index, query) : Expression();
-    const bool answers = complete && (expression.cannotBeMet() || !expression.text().isEmpty());
+    const bool answers = complete && (expression.cannotBeMet() || !expression.isEmpty());
     QList<qint64> times;
     if (answers) {
         times = timesOfMatches(database, query, { newest, changed.messages.values(), changed.transcripts.values() });
@@ -168,7 +158,7 @@ std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConne
         for (const MessageHit& hit : searchMessagesAt(database, query, crowded, limit))
             times.append(hit.ts);
         if (!expression.cannotBeMet())
-            times += timesByIndex(database, index, query, expression.text(), limit);
+            times += timesByIndex(database, index, query, expression, limit);
     }
     run(u"COMMIT;"_s);
     if (!answers || index.failure() != 0)
