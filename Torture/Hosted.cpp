@@ -104,7 +104,7 @@ int runHosted(const QStringList& arguments)
     const QCoreApplication application(argc, argv.data());
     const AppPaths paths = AppPaths::fromEnvironment();
     const mode_t startingUmask = keepFilesPrivate({ paths.applicationSupport, QFileInfo(paths.defaultsFile).path() });
-    const auto instance = makeSingleInstance(paths);
+    const auto instance = makeSingleInstance(paths, StartFor::Headless);
     if (!instance->claim({}))
         return 1;
     const TerminationSignals terminationSignals;

@@ -35,7 +35,7 @@ QList<Trigram> trigramsOf(const QList<uint>& run)
 {
     QList<Trigram> trigrams;
     for (qsizetype at = 0; at + length <= run.size(); ++at) {
-        Trigram trigram { at };
+        Trigram trigram { at, {}, 0 };
         for (const uint point : run.sliced(at, length))
             trigram.text += QChar::fromUcs4(point);
         trigrams.append(trigram);
