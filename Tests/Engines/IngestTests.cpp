@@ -85,7 +85,7 @@ TEST_F(IngestTest, anEventThatIsNoObjectWithATypeIsIgnored)
     handle(R"({"type":"never heard of"})");
     handle(R"({"type":"message"})");
     handle(R"({"type":"status","state":7})");
-    EXPECT_EQ(published, 3) << "a well-formed event publishes the state, whether or not it changed anything";
+    EXPECT_EQ(published, 1) << "an event about the connection publishes the state, whether or not it changed";
     EXPECT_EQ(handled, QStringList({ u"shop/never heard of"_s, u"shop/status"_s })) << "there is no row of a message";
     EXPECT_EQ(status(), WAStatus::Starting);
     EXPECT_EQ(world.engines.inboxRevision(), 0);
@@ -207,6 +207,11 @@ TEST_F(IngestTest, whoWasMergedNotifiesAsTheOneThatTheyAre)
     message({ { u"providerMsgId"_s, u"c"_s } });
     ASSERT_EQ(world.banners.shown.size(), 1);
     EXPECT_EQ(world.banners.shown.first().thread, mail);
+
+    repeatMerges(db); // the conversation goes back to them without a message
+    message({ { u"providerMsgId"_s, u"d"_s } });
+    world.clock.advance(Milliseconds(100));
+    EXPECT_EQ(world.engines.unreadTotal(), 3) << "counted once, whoever has the conversation";
 }
 
 TEST_F(IngestTest, aMessageNeedsItsThreeKeysAsTexts)

@@ -58,6 +58,8 @@ TEST(ListEdits, aRowThatRisesOrFallsIsOneMove)
         listEdits(keysOf("abcde"), keysOf("eabcd")), (QList<ListEdit> { { .kind = Kind::Move, .at = 4, .to = 0 } }));
     EXPECT_EQ(
         listEdits(keysOf("abcde"), keysOf("bcdea")), (QList<ListEdit> { { .kind = Kind::Move, .at = 0, .to = 5 } }));
+    EXPECT_EQ(listEdits(keysOf("abcde"), keysOf("axbcd")),
+        (QList<ListEdit> { { .kind = Kind::Remove, .at = 4 }, { .kind = Kind::Insert, .at = 1, .source = 1 } }));
     EXPECT_TRUE(listEdits(keysOf("abc"), keysOf("abc")).isEmpty());
 }
 

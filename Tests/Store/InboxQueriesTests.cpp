@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Messages/ThreadQueries.h"
@@ -162,10 +163,17 @@ TEST_F(InboxTest, archivingHidesAPersonAndTheirUnread)
     raiseUnread(*m_db, chat("SMS", "a", "1", 100, "x", "Ana"));
     raiseUnread(*m_db, chat("SMS", "a", "2", 200, "x", "Bo"));
     EXPECT_EQ(totalUnread(*m_db), 2);
+    const QString workspace = activeWorkspaceId(*m_db);
+    const auto counted = [&](const std::optional<QStringList>& people = std::nullopt) {
+        return unreadByConversation(*m_db, workspace, people).values();
+    };
+    EXPECT_EQ(counted(), (QList { 1, 1 }));
     archiveContact(*m_db, "ct:SMS:1");
     EXPECT_EQ(names(), QStringList { "Bo" });
     EXPECT_EQ(names(InboxFilter::Archived), QStringList { "Ana" });
     EXPECT_EQ(totalUnread(*m_db), 1);
+    EXPECT_EQ(counted(), QList { 1 });
+    EXPECT_EQ(counted(QStringList { "ct:SMS:1" }), QList { 0 });
     markAllRead(*m_db); // leaves the archived alone
     EXPECT_EQ(totalUnread(*m_db), 0);
     unarchiveContact(*m_db, "ct:SMS:1");

@@ -98,6 +98,7 @@ EngineManager::State::State(EngineManager& manager, const Surroundings& surround
     , toolServer(surroundings.paths, surroundings.scheduler, surroundings.launcher, surroundings.ports,
           surroundings.background, [&manager] { Q_EMIT manager.mcpRunningChanged(); })
     , ingest(*db, lines, surroundings.notifier, surroundings.paths.applicationSupport)
+    , unread(*db)
     , badge(surroundings.scheduler, badgePeriod, [&manager] { manager.countUnread(); })
 {
 }
@@ -299,13 +300,18 @@ void EngineManager::refreshUnreadBadge()
 
 void EngineManager::countUnread()
 {
-    const int total = totalUnread(*m_state->db);
+    QSet<QString> bumped = std::exchange(m_state->bumped, {});
+    const bool everyone = bumped.contains(QString());
+    if (everyone)
+        m_state->unread.read();
+    else
+        m_state->unread.read(bumped);
+    const int total = m_state->unread.total();
     if (std::exchange(m_unreadTotal, total) != total)
         Q_EMIT unreadTotalChanged();
     m_state->desktop.setBadge(total);
-    QSet<QString> bumped = std::exchange(m_state->bumped, {});
     const QSet<QString> told = m_state->notifier.contactsTold();
-    withdrawRead(*m_state->db, m_state->notifier, bumped.contains(QString()) ? told : bumped.intersect(told));
+    withdrawRead(*m_state->db, m_state->notifier, everyone ? told : bumped.intersect(told));
 }
 
 void EngineManager::bump(const QString& contactId)
@@ -367,13 +373,14 @@ bool EngineManager::takeEvent(const QUuid& accountId, const QJsonObject& event, 
             });
         lines.afterCommit(tell);
     }
-    lines.afterCommit([this, accountId, type = *type, event, speaker] {
-        const bool speaks = speaker == Speaker::Current && isConnectionEvent(type);
-        const RuntimeState state = runtime(accountId);
-        if (speaks && reportsOpen(type, event))
-            m_state->processes.connectionOpened(accountId);
-        m_state->runtime.set(accountId, speaks ? afterConnectionEvent(state, type, event) : state);
-    });
+    if (speaker == Speaker::Current && isConnectionEvent(*type)) {
+        lines.afterCommit([this, accountId, type = *type, event] {
+            const RuntimeState state = runtime(accountId);
+            if (reportsOpen(type, event))
+                m_state->processes.connectionOpened(accountId);
+            m_state->runtime.set(accountId, afterConnectionEvent(state, type, event));
+        });
+    }
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include "Engines/Outbox.h"
 #include "Engines/RuntimeStates.h"
 #include "Engines/ToolServer.h"
+#include "Engines/UnreadCount.h"
 #include "Foundation/Coalescer.h"
 #include "Store/Core/LocalDB.h"
 
@@ -33,6 +34,7 @@ struct EngineManager::State {
     ToolServer toolServer;
     Ingest ingest;
     std::unique_ptr<AIRequestWatcher> aiRequests; ///< null until it is started
+    UnreadCount unread;
     Coalescer badge;
     QSet<QString> bumped; ///< contacts since unread messages were last counted; the empty id stands for all of them
     QHash<QString, MediaDownloadStatus> mediaDownloads;

@@ -13,12 +13,23 @@ LineGroup::LineGroup(LocalDB& db)
 {
 }
 
+/// The workspace selection also writes a user default: not in a transaction that may be rolled back. False if the file
+/// cannot be written now.
+bool LineGroup::settleWorkspace()
+{
+    if (m_workspaceSettled)
+        return true;
+    if (m_db.isHeldElsewhere())
+        return false;
+    activeWorkspaceId(m_db);
+    m_workspaceSettled = true;
+    return true;
+}
+
 bool LineGroup::begin()
 {
-    if (m_db.health().fault() != StoreFault::None || m_db.isHeldElsewhere())
+    if (m_db.health().fault() != StoreFault::None || !settleWorkspace())
         return false;
-    // Settles the workspace selection, which writes a user default, before the transaction instead of inside.
-    activeWorkspaceId(m_db);
     m_transaction.emplace(m_db, Patience::Frame);
     if (!m_transaction->begun())
         m_transaction.reset();
@@ -56,6 +67,7 @@ void LineGroup::rollBack()
 {
     m_effects.clear();
     m_transaction.reset();
+    m_workspaceSettled = false;
 }
 
 void LineGroup::tell()

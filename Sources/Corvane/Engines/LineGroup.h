@@ -32,8 +32,10 @@ public:
 
 private:
     bool begin();
+    bool settleWorkspace();
 
     LocalDB& m_db;
+    bool m_workspaceSettled = false; ///< since the last group that was rolled back
     std::optional<Transaction> m_transaction;
     std::vector<std::function<void()>> m_effects;
 };

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QSet>
 #include <algorithm>
+#include <optional>
 
 namespace corvane {
 
@@ -60,12 +61,45 @@ QSet<QString> steadyKeys(const QStringList& work, const QHash<QString, qsizetype
     return steady;
 }
 
+/// The usual change: one row rises or falls, or one comes as one goes. Found without looking any key up; nothing for
+/// other changes.
+std::optional<QList<ListEdit>> editsOfOneRow(const QStringList& before, const QStringList& after)
+{
+    if (before.size() != after.size())
+        return std::nullopt;
+    const auto [differsBefore, differsAfter] = std::ranges::mismatch(before, after);
+    const qsizetype first = differsBefore - before.begin();
+    qsizetype last = before.size() - 1;
+    while (last > first && before.at(last) == after.at(last))
+        --last;
+    const auto shifted = [&](const QStringList& up, const QStringList& down) {
+        return std::equal(up.begin() + first + 1, up.begin() + last + 1, down.begin() + first);
+    };
+    qsizetype from = 0;
+    qsizetype to = 0;
+    if (shifted(after, before)) {
+        from = last;
+        to = first;
+    } else if (shifted(before, after)) {
+        from = first;
+        to = last;
+    } else {
+        return std::nullopt;
+    }
+    if (before.at(from) == after.at(to))
+        return QList { ListEdit { .kind = ListEdit::Kind::Move, .at = from, .to = to > from ? to + 1 : to } };
+    return QList { ListEdit { .kind = ListEdit::Kind::Remove, .at = from },
+        ListEdit { .kind = ListEdit::Kind::Insert, .at = to, .source = to } };
+}
+
 }
 
 QList<ListEdit> listEdits(const QStringList& before, const QStringList& after)
 {
     if (before == after)
         return {};
+    if (const auto edits = editsOfOneRow(before, after))
+        return *edits;
     QHash<QString, qsizetype> places;
     places.reserve(after.size());
     for (qsizetype i = 0; i < after.size(); ++i)

@@ -17,16 +17,14 @@ void AvatarRequests::requestMissing(const QList<ContactRow>& listed)
     static const QString prefix = u"ct:WHATSAPP:"_s;
     QHash<QString, std::optional<Account>> accounts; // looked up once per account
     for (const ContactRow& row : listed) {
-        if (!row.avatarPath.isEmpty() || !row.platforms.contains(u"WHATSAPP") || !row.id.startsWith(prefix))
-            continue;
-        const QString jid = row.id.sliced(prefix.size());
-        if (m_requested.contains(jid))
+        if (!row.avatarPath.isEmpty() || m_requested.contains(row.id) || !row.id.startsWith(prefix)
+            || !row.platforms.contains(u"WHATSAPP"))
             continue;
         if (!accounts.contains(row.account))
             accounts.insert(row.account, connected(row.account));
         const auto& account = accounts[row.account];
-        if (account && m_engine.fetchAvatar(*account, jid))
-            m_requested.insert(jid);
+        if (account && m_engine.fetchAvatar(*account, row.id.sliced(prefix.size())))
+            m_requested.insert(row.id);
     }
 }
 

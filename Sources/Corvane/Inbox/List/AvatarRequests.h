@@ -22,7 +22,7 @@ private:
 
     EngineManager& m_engine;
     AccountStore& m_accounts;
-    QSet<QString> m_requested; ///< addresses
+    QSet<QString> m_requested; ///< contact ids
 };
 
 }

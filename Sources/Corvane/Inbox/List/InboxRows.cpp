@@ -57,22 +57,25 @@ ContactItem InboxRows::item(const ContactRow& row, const DateWords& words)
 QList<ContactItem> InboxRows::items(const QList<ContactRow>& rows, const DateWords& words)
 {
     const QDate day = words.today();
-    QStringList others;
-    for (const ContactRow& row : rows) {
-        const auto shown = m_shown.constFind(row.id);
-        if (shown == m_shown.constEnd() || shown->day != day || shown->row != row)
-            others.append(row.id);
-    }
-    const QHash<QString, LastMessage> last = fetchLastMessages(m_db, others);
     QList<ContactItem> items;
     items.reserve(rows.size());
-    auto other = others.cbegin();
+    QStringList others;
+    QList<qsizetype> places;
     for (const ContactRow& row : rows) {
-        if (other != others.cend() && *other == row.id) {
-            m_shown.insert(row.id, { row, contactItem(row, last.value(row.id), words), day });
-            ++other;
+        const auto shown = m_shown.constFind(row.id);
+        if (shown != m_shown.constEnd() && shown->day == day && shown->row == row) {
+            items.append(shown->item);
+            continue;
         }
-        items.append(m_shown.constFind(row.id)->item);
+        others.append(row.id);
+        places.append(items.size());
+        items.emplaceBack();
+    }
+    const QHash<QString, LastMessage> last = fetchLastMessages(m_db, others);
+    for (const qsizetype place : places) {
+        const ContactRow& row = rows.at(place);
+        items[place] = contactItem(row, last.value(row.id), words);
+        m_shown.insert(row.id, { row, items.at(place), day });
     }
     return items;
 }

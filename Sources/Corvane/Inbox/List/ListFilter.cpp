@@ -162,12 +162,15 @@ void ListFilter::offerChoices(const QList<ContactRow>& rows)
 {
     QStringList channels;
     QStringList slugs;
+    const auto add = [](QStringList& known, const QString& word) {
+        if (!known.contains(word))
+            known.append(word);
+    };
     for (const ContactRow& row : rows) {
-        channels += row.platforms;
-        slugs.append(row.account);
+        for (const QString& channel : row.platforms)
+            add(channels, channel);
+        add(slugs, row.account);
     }
-    channels.removeDuplicates();
-    slugs.removeDuplicates();
     channels.sort();
     slugs.sort();
     QList<Choice> channelChoices;

@@ -48,6 +48,8 @@ void WebMirror::refresh(LocalDB& db)
     if (rows != m_syncHealthRows)
         m_retryQueued = false;
     m_syncHealthRows = rows;
+    if (std::ranges::none_of(rows, isDegraded))
+        return;
     for (const QString& channel : webOnlyChannels)
         m_newestWebChannelMessageAt.insert(channel, newestConversationTimestamp(db, channel));
 }

@@ -170,6 +170,25 @@ int totalUnread(LocalDB& db)
     return total.value_or(QString()).toInt();
 }
 
+QHash<qint64, int> unreadByConversation(
+    LocalDB& db, const QString& workspace, const std::optional<QStringList>& contactIds)
+{
+    QHash<qint64, int> unread;
+    const auto add = [&](const SqlRow& row) {
+        unread.insert(row.integer(0), static_cast<int>(row.integer(1)));
+        return true;
+    };
+    if (!contactIds)
+        db.visitRows("SELECT rowid, unread FROM unified_conversation WHERE workspace_id=? AND deleted_at IS NULL AND "
+                     "archived_at IS NULL AND unread>0;",
+            { workspace }, add);
+    else
+        db.visitRows(R"(SELECT rowid, iif(workspace_id=? AND deleted_at IS NULL AND archived_at IS NULL, unread, 0)
+FROM unified_conversation WHERE contact_id IN (SELECT value FROM json_each(?));)",
+            { workspace, jsonString(*contactIds) }, add);
+    return unread;
+}
+
 void markRead(LocalDB& db, const QString& contactId)
 {
     db.run("UPDATE unified_conversation SET unread=0, updated_at=? WHERE contact_id=?;", { db.nowMs(), contactId });
