@@ -97,6 +97,20 @@ TEST_F(KeychainTest, aValueThatTheKeyringTakesTooLongForIsInTheFileUntilThen)
     keyring.speak();
 }
 
+TEST_F(KeychainTest, aKeyringThatLockedItselfAsksOnceForAllThatChangesMeanwhile)
+{
+    keyring.silent = true;
+    keyring.failure = Failure::Locked;
+    const int asked = keyring.asked;
+    keychain->set("token", "ann");
+    keychain->set("device", "bob");
+    keychain->remove("carl");
+    keyring.speak();
+    EXPECT_EQ(keyring.asked, asked + 1);
+    EXPECT_TRUE(keychain->isLocked());
+    EXPECT_EQ(places().value("bob"), (SecretPlace { Where::File, "device" }));
+}
+
 TEST_F(KeychainTest, aSecretThatSomebodyTookOutOfTheKeyringIsMissedRatherThanAwaited)
 {
     keychain->set("first", "ann");

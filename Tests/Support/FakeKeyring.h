@@ -12,22 +12,21 @@ class FakeKeyring final : public Keyring {
 public:
     void readAll(Unlock unlock, Read read) override
     {
-        answer([this, unlock, read = std::move(read)] {
-            asked += unlock == Unlock::Ask ? 1 : 0;
+        answer(unlock, [this, read = std::move(read)] {
             failure ? read(std::unexpected(*failure)) : read(values);
         });
     }
-    void write(const QString& account, const QString& value, Unlock, Done done) override
+    void write(const QString& account, const QString& value, Unlock unlock, Done done) override
     {
-        answer([this, account, value, done = std::move(done)] {
+        answer(unlock, [this, account, value, done = std::move(done)] {
             if (!failure)
                 values.insert(account, value);
             done(failure);
         });
     }
-    void erase(const QString& account, Unlock, Done done) override
+    void erase(const QString& account, Unlock unlock, Done done) override
     {
-        answer([this, account, done = std::move(done)] {
+        answer(unlock, [this, account, done = std::move(done)] {
             if (!failure)
                 values.remove(account);
             done(failure);
@@ -46,10 +45,14 @@ public:
     Secrets values;
     std::optional<Failure> failure;
     bool silent = false;
-    int asked = 0; ///< how often the user was asked to unlock it
+    int asked = 0; ///< how often it would have asked the user to unlock it
 
 private:
-    void answer(std::function<void()> call) { silent ? m_waiting.append(std::move(call)) : call(); }
+    void answer(Unlock unlock, std::function<void()> call)
+    {
+        asked += unlock == Unlock::Ask ? 1 : 0;
+        silent ? m_waiting.append(std::move(call)) : call();
+    }
 
     QList<std::function<void()>> m_waiting;
 };

@@ -162,13 +162,17 @@ void Keychain::hand(const QString& account, Keyring::Unlock unlock)
 {
     const SecretPlace place = m_places.value(account);
     const auto done = [self = QPointer(this), account, place](const std::optional<Keyring::Failure>& failure) {
-        if (self)
-            self->handed(account, place, failure);
+        if (!self)
+            return;
+        --self->m_handing;
+        self->handed(account, place, failure);
     };
+    // If the keyring is locked, the first call asks the user for all of them.
+    const auto mayAsk = m_handing++ > 0 ? Keyring::Unlock::Never : unlock;
     if (place.where == Where::File)
-        m_keyring.write(account, place.value, unlock, done);
+        m_keyring.write(account, place.value, mayAsk, done);
     else
-        m_keyring.erase(account, unlock, done);
+        m_keyring.erase(account, mayAsk, done);
 }
 
 void Keychain::handed(const QString& account, const SecretPlace& place, const std::optional<Keyring::Failure>& failure)

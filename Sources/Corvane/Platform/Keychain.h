@@ -51,6 +51,7 @@ private:
     Keyring::Secrets m_values; ///< what the keyring holds
     bool m_isRead = false; ///< `m_values` is all that the keyring holds
     State m_state = State::Absent;
+    int m_handing = 0; ///< calls to the keyring that have not been answered
     Milliseconds m_pause;
     std::unique_ptr<Timer> m_asking;
     std::unique_ptr<Timer> m_saving;

@@ -73,9 +73,9 @@ std::optional<Failure> failureIn(GCancellable* cancellable, const std::function<
     return failure;
 }
 
-/// Whether the collection that secrets go to is unlocked, after asking the user where that is wished. A locked one
-/// shows nothing of what it holds. One that does not exist yet counts as unlocked.
-bool isUnlocked(Unlock unlock, GCancellable* cancellable, GError** error)
+/// Whether the collection that secrets go to is unlocked, after asking the user where that is wished, which `unlock`
+/// then no longer is. A locked one shows nothing of what it holds. One that does not exist yet counts as unlocked.
+bool isUnlocked(Unlock& unlock, GCancellable* cancellable, GError** error)
 {
     const std::shared_ptr<SecretService> keyring(
         secret_service_get_sync(SECRET_SERVICE_NONE, cancellable, error), [](auto* found) { g_clear_object(&found); });
@@ -89,7 +89,7 @@ bool isUnlocked(Unlock unlock, GCancellable* cancellable, GError** error)
         return !*error;
     if (!secret_collection_get_locked(collection.get()))
         return true;
-    if (unlock == Unlock::Never)
+    if (std::exchange(unlock, Unlock::Never) == Unlock::Never)
         return false;
     GList* const locked = g_list_append(nullptr, collection.get());
     const bool unlocked = secret_service_unlock_sync(keyring.get(), locked, cancellable, nullptr, error) > 0;
