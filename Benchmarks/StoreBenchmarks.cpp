@@ -2,9 +2,11 @@
 #include "Rivals.h"
 
 #include "CRM/MergeSuggestions.h"
+#include "Store/Core/Salvage.h"
 #include "Store/Messages/InboxQueries.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <benchmark/benchmark.h>
 
 namespace corvane::bench {
@@ -70,6 +72,44 @@ void suggestedMergesBare(benchmark::State& state)
     }
 }
 
+/// The mirror with a page overwritten in every 8 MB, saved into a new file; "lost" is the share of rows that were not.
+void salvagedMirror(benchmark::State& state)
+{
+    LocalDB& store = bench().store();
+    const auto messages = store.scalar("SELECT COUNT(*) FROM unified_message;").value_or(QString()).toDouble();
+    store.exec(u"PRAGMA wal_checkpoint(TRUNCATE);"_s);
+    const QString damaged = bench().path() + u".damaged"_s;
+    const QString saved = bench().path() + u".new"_s;
+    QFile::copy(bench().path(), damaged);
+    QFile file(damaged);
+    (void)file.open(QIODevice::ReadWrite);
+    for (qint64 at = 8 << 20; at < file.size(); at += 8 << 20) {
+        file.seek(at);
+        file.write(QByteArray(4096, '\xa5'));
+    }
+    file.close();
+    for (auto _ : state) {
+        state.PauseTiming();
+        QFile::remove(saved);
+        store.makeEmpty(saved);
+        state.ResumeTiming();
+        SalvageProgress progress;
+        if (const auto result = salvage(damaged, saved, progress); !result)
+            state.SkipWithError(result.error().message.toUtf8().constData());
+    }
+    const auto reader = SqlConnection::reader(saved, std::make_shared<std::atomic<bool>>(false));
+    const auto kept = reader->firstRow(
+        u"SELECT COUNT(*) FROM unified_message;"_s, {}, [](const SqlRow& row) { return double(row.integer(0)); });
+    state.counters["lost"] = 1 - kept.value_or(0) / messages;
+    QFile::remove(damaged);
+    QFile::remove(saved);
+}
+
+BENCHMARK(salvagedMirror)
+    ->Name("damaged mirror/saved")
+    ->Unit(benchmark::kSecond)
+    ->Iterations(1)
+    ->UseRealTime();
 BENCHMARK(fetchContactsByStore)->Name("fetchContacts/corvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(fetchContactsBare)->Name("fetchContacts/bare")->Unit(benchmark::kMillisecond);
 BENCHMARK(suggestedMergesByStore)->Name("suggestedMerges/corvane")->Unit(benchmark::kMillisecond);

@@ -50,7 +50,7 @@ QString ApprovalsView::emptyText() const
 QString ApprovalsView::settingsEmptyText() const
 {
     return u"No approvals yet — appears when an agent queues a send, external action, money action, "
-           "destructive action, or work_decision proposal."_s;
+           "destructive action, or proposes a decision."_s;
 }
 
 const QString& ApprovalsView::notice() const

@@ -65,7 +65,7 @@ public:
     QString emptyTitle() const { return u"No pending approvals"_s; }
     QString emptyText() const;
     QString settingsEmptyText() const;
-    QString sourceText() const { return u"Source: outbound_draft + work_decision"_s; }
+    QString sourceText() const { return u"Messages, record changes, decisions and events, from here and from agents."_s; }
     QString reviewLabel() const { return u"Review all in Approvals"_s; }
     const QString& asking() const { return m_asked.key(); }
     int askingRow() const;

@@ -106,7 +106,9 @@ public:
     {
         for (const char* pragma : { "PRAGMA writable_schema=ON;", "PRAGMA cell_size_check=ON;" })
             executed(m_from, QString::fromLatin1(pragma));
-        for (const char* pragma : { "PRAGMA journal_mode=DELETE;", "PRAGMA foreign_keys=OFF;" })
+        // The rows come in the order of none of the indexes, so many pages are in use at once.
+        for (const char* pragma :
+            { "PRAGMA journal_mode=DELETE;", "PRAGMA foreign_keys=OFF;", "PRAGMA cache_size=-65536;" })
             executed(m_to, QString::fromLatin1(pragma));
         const QList<Table> tables = readableTables();
         if (tables.isEmpty())
