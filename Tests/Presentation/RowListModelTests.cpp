@@ -110,8 +110,12 @@ TEST(RowListModel, onlyTheRowsThatChangedAreTouched)
     EXPECT_EQ(counts.size(), 0);
     model.assign(next);
     EXPECT_EQ(changes.size() + moves.size(), 2) << "the same rows again touch nothing";
+    model.assignChanged(keysOf("eabgc"), { { "g", Line { "g", 1 } }, { "a", Line { "a", 2 } } });
+    EXPECT_EQ(shown(model), "eabgc");
+    EXPECT_EQ(changes.size(), 2) << "of those that were there only one changed";
+    EXPECT_EQ(model.rows().at(3).value, 1);
     model.assign({});
-    EXPECT_EQ(counts.size(), 1);
+    EXPECT_EQ(counts.size(), 2);
     EXPECT_EQ(model.roleNames().value(Qt::UserRole + 1), "value");
 }
 

@@ -4,6 +4,7 @@
 #include "Presentation/ListEdits.h"
 
 #include <QAbstractListModel>
+#include <QHash>
 #include <QSet>
 
 namespace corvane {
@@ -99,8 +100,24 @@ public:
         const QList<Row> rows = withHeld(given, leave);
         const qsizetype oldSize = m_rows.size();
         for (const ListEdit& edit : listEdits(keys(m_rows), keys(rows)))
-            apply(edit, rows);
-        updateChanged(rows);
+            apply(edit, [&](qsizetype source) { return rows.at(source); });
+        for (qsizetype i = 0; i < rows.size(); ++i)
+            update(i, rows.at(i));
+        if (m_rows.size() != oldSize)
+            Q_EMIT countChanged();
+    }
+
+    /// The same with the rows of `keys`, where only those of `changed` are new or differ. Not for a model that holds
+    /// rows.
+    void assignChanged(const QStringList& keys, const QHash<QString, Row>& changed)
+    {
+        const qsizetype oldSize = m_rows.size();
+        for (const ListEdit& edit : listEdits(this->keys(m_rows), keys))
+            apply(edit, [&](qsizetype source) { return changed.value(keys.at(source)); });
+        for (const Row& row : changed) {
+            if (const qsizetype at = keys.indexOf(row.key()); at >= 0)
+                update(at, row);
+        }
         if (m_rows.size() != oldSize)
             Q_EMIT countChanged();
     }
@@ -150,7 +167,7 @@ private:
         return keys;
     }
 
-    void apply(const ListEdit& edit, const QList<Row>& rows)
+    template <typename RowAt> void apply(const ListEdit& edit, RowAt rowAt)
     {
         const int first = int(edit.at);
         const int last = int(edit.at + edit.count - 1);
@@ -163,7 +180,7 @@ private:
         case ListEdit::Kind::Insert:
             beginInsertRows({}, first, last);
             for (qsizetype i = 0; i < edit.count; ++i)
-                m_rows.insert(edit.at + i, rows.at(edit.source + i));
+                m_rows.insert(edit.at + i, rowAt(edit.source + i));
             endInsertRows();
             break;
         case ListEdit::Kind::Move:
@@ -174,14 +191,12 @@ private:
         }
     }
 
-    void updateChanged(const QList<Row>& rows)
+    void update(qsizetype at, const Row& row)
     {
-        for (int i = 0; i < int(rows.size()); ++i) {
-            if (m_rows.at(i) == rows.at(i) && !isHeld(rows.at(i).key()))
-                continue;
-            m_rows[i] = rows.at(i);
-            Q_EMIT dataChanged(index(i), index(i));
-        }
+        if (m_rows.at(at) == row && !isHeld(row.key()))
+            return;
+        m_rows[at] = row;
+        Q_EMIT dataChanged(index(int(at)), index(int(at)));
     }
 
     QList<Row> m_rows; ///< as shown

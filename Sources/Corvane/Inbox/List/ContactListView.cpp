@@ -138,7 +138,10 @@ void ContactListView::showRead(const std::optional<QStringList>& contactIds)
     Q_EMIT read(contactIds);
     m_loading = false;
     m_countsSoon.request();
-    present();
+    if (contactIds && m_filter.state().viewMode == ViewMode::Contacts)
+        presentChanged(*contactIds);
+    else
+        present();
 }
 
 QList<TabItem> ContactListView::countedTabs() const
@@ -171,16 +174,44 @@ void ContactListView::present()
         items = m_rows.items(rows, words);
     }
     QStringList ids;
-    for (qsizetype place = 0; place < items.size(); ++place) {
-        ContactItem& item = items[place];
-        item.selected = item.id == m_openId;
-        item.checked = m_bulk.contains(item.id);
-        if (item.selected)
-            m_openPlace = int(place);
+    for (ContactItem& item : items) {
+        mark(item);
         ids.append(item.id);
     }
     m_contactModel.assign(items);
-    m_bulk.setListed(ids, m_openId);
+    presented(ids);
+}
+
+void ContactListView::presentChanged(const QStringList& contactIds)
+{
+    const QSet<QString> people(contactIds.begin(), contactIds.end());
+    QStringList ids;
+    QList<ContactRow> theirs;
+    for (const ContactRow& row : visible(m_contacts, m_filter.state())) {
+        ids.append(row.id);
+        if (people.contains(row.id))
+            theirs.append(row);
+    }
+    QHash<QString, ContactItem> changed;
+    for (ContactItem item : m_rows.items(theirs, DateWords(m_scheduler.nowMs()))) {
+        mark(item);
+        changed.insert(item.id, item);
+    }
+    m_contactModel.assignChanged(ids, changed);
+    presented(ids);
+}
+
+void ContactListView::mark(ContactItem& item) const
+{
+    item.selected = item.id == m_openId;
+    item.checked = m_bulk.contains(item.id);
+}
+
+void ContactListView::presented(const QStringList& contactIds)
+{
+    if (const qsizetype place = contactIds.indexOf(m_openId); place >= 0)
+        m_openPlace = int(place);
+    m_bulk.setListed(contactIds, m_openId);
     m_filter.offerChoices(m_contacts);
     Q_EMIT newAboveChanged();
     Q_EMIT changed();

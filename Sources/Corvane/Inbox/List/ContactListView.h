@@ -70,6 +70,9 @@ Q_SIGNALS:
 private:
     bool readChanged();
     void showRead(const std::optional<QStringList>& contactIds);
+    void presentChanged(const QStringList& contactIds); ///< of the flat list
+    void mark(ContactItem& item) const;
+    void presented(const QStringList& contactIds);
     QList<TabItem> countedTabs() const;
     void presentCounts();
 

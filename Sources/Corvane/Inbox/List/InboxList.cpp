@@ -48,6 +48,8 @@ QList<ContactRow> matching(const QList<ContactRow>& rows, const SearchQuery& que
 
 QList<ContactRow> visible(const QList<ContactRow>& contacts, const InboxState& state)
 {
+    if (state.channelFilter.isEmpty() && state.accountFilter.isEmpty() && state.sort == SortMode::Recent)
+        return contacts;
     QList<ContactRow> rows;
     rows.reserve(contacts.size());
     std::ranges::copy_if(contacts, std::back_inserter(rows), [&](const ContactRow& row) {

@@ -62,12 +62,13 @@ void WebMirror::retry(LocalDB& db)
 
 QList<StalenessBanner> WebMirror::banners(const QString& channelFilter, qint64 nowMs) const
 {
+    const auto stale = activeWebStaleness(channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs);
+    if (stale.isEmpty())
+        return {};
     const DateWords words(nowMs);
     QList<StalenessBanner> banners;
-    for (const WebStaleness& stale :
-        activeWebStaleness(channelFilter, m_syncHealthRows, m_newestWebChannelMessageAt, nowMs)) {
-        banners.append({ stale.channel, stalenessText(stale, words), m_retryQueued });
-    }
+    for (const WebStaleness& each : stale)
+        banners.append({ each.channel, stalenessText(each, words), m_retryQueued });
     return banners;
 }
 

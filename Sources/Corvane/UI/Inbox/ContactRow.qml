@@ -50,7 +50,7 @@ Item {
         id: face
         x: Theme.large
         anchors.verticalCenter: parent.verticalCenter
-        visible: !box.visible
+        visible: !box.active
         hue: row.contact.hue
         initials: row.contact.initials
         photo: row.contact.avatarPath
@@ -58,13 +58,15 @@ Item {
         channel: row.contact.platforms[0] ?? ""
         ground: row.ground
     }
-    CheckBox {
+    Loader {
         id: box
         anchors.centerIn: face
-        visible: row.picking || (hover.hovered && hover.point.position.x < 60)
-        checked: row.contact.checked
-        name: qsTr("Pick %1").arg(row.contact.name)
-        onToggled: row.toggled()
+        active: row.picking || (hover.hovered && hover.point.position.x < 60)
+        sourceComponent: CheckBox {
+            checked: row.contact.checked
+            name: qsTr("Pick %1").arg(row.contact.name)
+            onToggled: row.toggled()
+        }
     }
 
     Label {
