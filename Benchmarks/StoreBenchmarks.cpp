@@ -105,11 +105,7 @@ void salvagedMirror(benchmark::State& state)
     QFile::remove(saved);
 }
 
-BENCHMARK(salvagedMirror)
-    ->Name("damaged mirror/saved")
-    ->Unit(benchmark::kSecond)
-    ->Iterations(1)
-    ->UseRealTime();
+BENCHMARK(salvagedMirror)->Name("damaged mirror/saved")->Unit(benchmark::kSecond)->Iterations(1)->UseRealTime();
 BENCHMARK(fetchContactsByStore)->Name("fetchContacts/corvane")->Unit(benchmark::kMillisecond);
 BENCHMARK(fetchContactsBare)->Name("fetchContacts/bare")->Unit(benchmark::kMillisecond);
 BENCHMARK(suggestedMergesByStore)->Name("suggestedMerges/corvane")->Unit(benchmark::kMillisecond);

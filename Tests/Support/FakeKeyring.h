@@ -12,9 +12,7 @@ class FakeKeyring final : public Keyring {
 public:
     void readAll(Unlock unlock, Read read) override
     {
-        answer(unlock, [this, read = std::move(read)] {
-            failure ? read(std::unexpected(*failure)) : read(values);
-        });
+        answer(unlock, [this, read = std::move(read)] { failure ? read(std::unexpected(*failure)) : read(values); });
     }
     void write(const QString& account, const QString& value, Unlock unlock, Done done) override
     {

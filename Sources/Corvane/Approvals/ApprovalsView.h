@@ -65,7 +65,10 @@ public:
     QString emptyTitle() const { return u"No pending approvals"_s; }
     QString emptyText() const;
     QString settingsEmptyText() const;
-    QString sourceText() const { return u"Messages, record changes, decisions and events, from here and from agents."_s; }
+    QString sourceText() const
+    {
+        return u"Messages, record changes, decisions and events, from here and from agents."_s;
+    }
     QString reviewLabel() const { return u"Review all in Approvals"_s; }
     const QString& asking() const { return m_asked.key(); }
     int askingRow() const;

@@ -64,8 +64,8 @@ QHash<QString, LastMessage> fetchLastMessages(LocalDB& db, const QStringList& co
 std::optional<int> unreadOf(LocalDB& db, const QString& contactId); ///< nothing if nobody with that id has written
 int totalUnread(LocalDB& db);
 
-/// What each conversation of the workspace, by rowid, adds to `totalUnread`: all that add something, or every one of the
-/// given people.
+/// What each conversation of the workspace, by rowid, adds to `totalUnread`: all that add something, or every one of
+/// the given people.
 QHash<qint64, int> unreadByConversation(
     LocalDB& db, const QString& workspace, const std::optional<QStringList>& contactIds = std::nullopt);
 void markRead(LocalDB& db, const QString& contactId);
