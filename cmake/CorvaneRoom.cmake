@@ -66,10 +66,11 @@ file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/generated/Support/Places.h" CONTENT [
 #define CORVANE_TEST_PROGRAMS "@CMAKE_BINARY_DIR@/Tests/Support"
 ]] @ONLY)
 
-# One line of ctest: the program runs on its own, without a display, in a home of its own.
+# One line of ctest: the program runs on its own, without a display, in a home of its own. The limit holds beside busy
+# processes, too.
 function(corvane_test target)
     add_test(NAME ${target} COMMAND ${target})
-    set_tests_properties(${target} PROPERTIES TIMEOUT 600 ENVIRONMENT
+    set_tests_properties(${target} PROPERTIES TIMEOUT 1800 ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FONT_DPI=96;LC_ALL=C.UTF-8;TZ=Europe/Berlin;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/Support/leaks.txt:print_suppressions=0")
 endfunction()
 
