@@ -117,3 +117,4 @@ private:
 }
 
 #include "Terminal/Parser/Parser.hpp"
+#include "Terminal/Parser/ParserMachine.hpp"
