@@ -1,5 +1,6 @@
 #include "Probe.h"
 
+#include "Terminal/Graphics/PictureHeader.h"
 #include "Terminal/Graphics/Placeholders.h"
 #include "Terminal/Graphics/Png.h"
 
@@ -96,6 +97,48 @@ TEST(Graphics, badClaimsAreRefused)
         terminal << command(concat("a=t,s=20,v=20,i=", id), pixels(400));
     EXPECT_EQ(terminal.images().find(1), nullptr);
     EXPECT_LE(terminal.images().bytes(), 4000u);
+}
+
+TEST(Graphics, otherFormatsKeepTheirPlaceUntilTheyAreDecoded)
+{
+    struct : Listener {
+        void imageToDecode(uint32_t asked, int, int, std::span<const uint8_t> bytes) override
+        {
+            image = asked;
+            size = bytes.size();
+        }
+        uint32_t image = 0;
+        size_t size = 0;
+    } listener;
+    Probe terminal;
+    terminal.setListener(&listener);
+    const std::string gif = std::string("GIF89a\x28\0\x15\0", 10) + "...";
+    terminal << "\x1b]1337;File=inline=1:" << base64(gif) << "\a";
+    ASSERT_EQ(terminal.placements().size(), 1u);
+    EXPECT_EQ(rect(terminal.placements()[0]), "0 0 4 2");
+    EXPECT_EQ(listener.size, gif.size());
+    terminal.setPicture(listener.image, { 2, 1, std::vector<uint8_t>(8, 7) });
+    EXPECT_EQ(terminal.placements()[0].sourceWidth, 2);
+    EXPECT_EQ(terminal.images().find(listener.image)->shown().pixels[7], 7);
+    terminal.setListener(nullptr);
+    const std::string picture = base64(png());
+    terminal << "\x1b]1337;MultipartFile=inline=1\a\x1b]1337;FilePart=" << picture.substr(0, 9) << "\a";
+    terminal << "\x1b]1337;FilePart=" << picture.substr(9) << "\a\x1b]1337;FileEnd\a";
+    EXPECT_EQ(terminal.placements().size(), 2u);
+
+    const auto sizeOf = [](std::string_view bytes) {
+        const auto size = pictureSize({ reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size() });
+        return size ? concat(size->width, 'x', size->height) : "none";
+    };
+    constexpr std::string_view frame("\xff\xc0\0\x11\x08\x01\0\x02\0", 9);
+    // The orientation of a picture that was taken upright.
+    constexpr std::string_view exif("\xff\xe1\0\x22"
+                                    "Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0",
+        36);
+    EXPECT_EQ(sizeOf(concat("\xff\xd8", frame)), "512x256");
+    EXPECT_EQ(sizeOf(concat("\xff\xd8", exif, frame)), "256x512");
+    EXPECT_EQ(sizeOf(concat("\xff\xd8", exif)), "none");
+    EXPECT_EQ(sizeOf(std::string_view("RIFF....WEBPVP8L....\x2f\x09\x40\x01\0", 25)), "10x6");
 }
 
 TEST(Graphics, filesAreReadOnlyWhereTheProtocolAllows)

@@ -126,12 +126,33 @@ TEST(History, promptMarksFollowTheirText)
     EXPECT_EQ(marks[1].kind, PromptMark::Input);
     EXPECT_EQ(marks[1].column, 2);
     EXPECT_EQ(marks[2].exitCode, 3);
-    terminal << "a\r\nb\r\nc\r\nd";
+    terminal << "a\r\n\x1b]133;C\x07"
+                "b\r\nc\r\nd";
+    Snapshot shown;
+    terminal.snapshot(-4, shown);
+    ASSERT_EQ(shown.prompts.size(), 1u);
+    EXPECT_EQ(terminal.line(shown.top + shown.prompts[0].row), "$ ls");
+    EXPECT_EQ(shown.prompts[0].exitCode, 3);
+    terminal.snapshot(0, shown);
+    EXPECT_TRUE(shown.prompts.empty());
     terminal.resize({ 3, 4 });
     marks = terminal.marks();
-    ASSERT_EQ(marks.size(), 5u);
+    ASSERT_EQ(marks.size(), 6u);
     EXPECT_EQ(terminal.line(marks[2].row), "one");
     EXPECT_EQ(terminal.line(marks[3].row), "$ a");
+}
+
+TEST(History, aPromptThatTheShellDrawsAnewDoesNotWrap)
+{
+    Probe terminal(20, 5);
+    terminal << "out\r\n\x1b]133;A\x07~/some/folder\r\n$ \x1b]133;B\x07typed words";
+    terminal.resize({ 8, 5 });
+    EXPECT_EQ(terminal.lines(0, 4), "out|||||");
+    EXPECT_EQ(terminal.where(), "2,7");
+    Probe other(20, 5);
+    other << "\x1b]133;A;redraw=0\x07$ \x1b]133;B\x07typed";
+    other.resize({ 5, 5 });
+    EXPECT_EQ(other.lines(0, 1), "$ typ|ed|");
 }
 
 }

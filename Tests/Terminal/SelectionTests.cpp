@@ -69,6 +69,26 @@ TEST(Search, matchesAreFoundAcrossWrapsAndInTheHistory)
     EXPECT_EQ(found(terminal, "n[a-e]+dle$", Pattern::Kind::Regex).size(), 2u);
 }
 
+TEST(Search, outputBetweenItsStepsMovesTheMatches)
+{
+    constexpr size_t lines = 5000;
+    Probe terminal(60, 3);
+    for (size_t i = 0; i < lines; ++i)
+        terminal.feed("needle " + std::to_string(i) + " of so many that they fill pages\r\n");
+    SearchRun run(*Pattern::make("needle", Pattern::Kind::Literal, Pattern::Case::Sensitive), 100'000);
+    size_t steps = 0;
+    for (; terminal.search(run); ++steps)
+        terminal << "needle of another hundred and sixty characters, so that " << std::string(110, '-') << "\r\n";
+    EXPECT_GT(steps, 3u);
+    ASSERT_EQ(run.matches().size(), lines + steps);
+    for (const SearchMatch& match : run.matches())
+        ASSERT_TRUE(terminal.line(match.row).starts_with("needle")) << match.row;
+    EXPECT_EQ(terminal.line(run.matches()[0].row), "needle 0 of so many that they fill pages");
+    const auto newest = terminal.search(*Pattern::make("needle", Pattern::Kind::Regex, Pattern::Case::Sensitive), 2);
+    ASSERT_EQ(newest.size(), 2u);
+    EXPECT_EQ(newest[1].row, run.matches().back().row);
+}
+
 TEST(Search, expressionsMatchTheLongest)
 {
     EXPECT_EQ(firstOf("a(b|bc)d*", "xabcdd"), "abcdd");

@@ -83,6 +83,11 @@ void Emulator::collectTables()
 
 void Emulator::execute(uint8_t control)
 {
+    // The two that end lines are by far the most frequent.
+    if (control == '\r')
+        return carriageReturn();
+    if (control == '\n' && !modes.has(Mode::NewLine))
+        return lineFeed();
     runControl(*this, control);
 }
 
@@ -93,6 +98,9 @@ void Emulator::escape(const Sequence& sequence)
 
 void Emulator::csi(const Sequence& sequence)
 {
+    // Programs that draw a page place the cursor more often than all else.
+    if (sequence.final == 'H' && sequence.leader == 0 && sequence.intermediateCount == 0)
+        return moveToAddress(sequence.params.amount(0) - 1, sequence.params.amount(1) - 1);
     runCsi(*this, sequence);
 }
 

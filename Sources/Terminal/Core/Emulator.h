@@ -148,7 +148,9 @@ public:
     std::string c1Text(char letter) const;
     void setTitle(std::string_view text);
     void setIcon(std::string_view text);
-    void addMark(PromptMark kind, int exitCode);
+    enum class Redraw : uint8_t { Prompt, Nothing };
+    void addMark(PromptMark kind, int exitCode, Redraw redraw = Redraw::Prompt);
+    void blankPrompt(); ///< before a new width, where the shell draws its prompt anew
     /// Where an anchor is now, as row (negative in the history) and column.
     std::optional<std::pair<int64_t, int>> find(Screen& on, Anchors::Id id);
     Anchors::Id anchorAt(int64_t row, int column);
@@ -159,6 +161,7 @@ public:
     struct Mark {
         PromptMark kind;
         int exitCode;
+        Redraw redraw; ///< what the shell draws anew at a new size
         Anchors::Id anchor;
     };
     static constexpr size_t maxMarks = 20'000;

@@ -14,30 +14,41 @@ bool HistoryView::continues(uint64_t line) const
     return line > m_history.firstLine() && m_history.line(line - 1).joined;
 }
 
+/// Whole pages from the end, then line by line: forwards, since that is how a page is read quickly.
 HistoryView::Address HistoryView::addressOf(int64_t row) const
 {
+    const uint64_t first = m_history.firstLine();
     auto remaining = uint64_t(-row);
-    uint64_t line = m_history.lineEnd();
-    // Whole pages first, from the end, then line by line.
+    uint64_t end = m_history.lineEnd();
     for (auto page = m_history.pages().rbegin(); page != m_history.pages().rend(); ++page) {
-        while (line > page->endLine()) {
-            const size_t rows = rowsOfLine(--line);
+        for (; end > page->endLine(); --end) {
+            const size_t rows = rowsOfLine(end - 1);
             if (remaining <= rows)
-                return { line, size_t(rows - remaining) };
+                return { end - 1, size_t(rows - remaining) };
             remaining -= rows;
         }
-        if (remaining <= page->rows(m_columns))
-            break;
-        remaining -= page->rows(m_columns);
-        line = page->firstLine();
+        const uint64_t rows = page->rows(m_columns);
+        if (remaining > rows) {
+            remaining -= rows;
+            end = page->firstLine();
+            continue;
+        }
+        uint64_t before = rows - remaining;
+        for (uint64_t line = page->firstLine(); line < end; ++line) {
+            const size_t here = rowsOfLine(line);
+            if (before < here)
+                return line < first ? Address { first, 0 } : Address { line, size_t(before) };
+            before -= here;
+        }
     }
-    while (line > m_history.firstLine()) {
-        const size_t rows = rowsOfLine(--line);
-        if (remaining <= rows)
-            return { line, size_t(rows - remaining) };
-        remaining -= rows;
-    }
-    return { m_history.firstLine(), 0 };
+    return { first, 0 };
+}
+
+HistoryView::Address HistoryView::next(Address address) const
+{
+    if (address.part + 1 < rowsOfLine(address.line))
+        return { address.line, address.part + 1 };
+    return { address.line + 1, 0 };
 }
 
 std::pair<int64_t, int> HistoryView::placeOf(uint64_t line, uint32_t offset)
@@ -45,15 +56,15 @@ std::pair<int64_t, int> HistoryView::placeOf(uint64_t line, uint32_t offset)
     int64_t below = 0;
     uint64_t after = m_history.lineEnd();
     for (auto page = m_history.pages().rbegin(); page != m_history.pages().rend() && after > line + 1; ++page) {
-        while (after > std::max(page->endLine(), line + 1))
-            below += int64_t(rowsOfLine(--after));
+        for (; after > std::max(page->endLine(), line + 1); --after)
+            below += int64_t(rowsOfLine(after - 1));
         if (after == page->endLine() && page->firstLine() > line) {
             below += int64_t(page->rows(m_columns));
             after = page->firstLine();
         }
     }
-    while (after > line + 1)
-        below += int64_t(rowsOfLine(--after));
+    for (uint64_t each = line + 1; each < after; ++each)
+        below += int64_t(rowsOfLine(each));
     m_history.unpack(line, m_cells);
     const std::vector<size_t> starts = rowStarts(m_cells, widthOf(m_history.line(line).size));
     size_t part = starts.size() - 1;

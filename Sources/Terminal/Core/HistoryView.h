@@ -28,6 +28,8 @@ public:
     size_t rows() const { return m_history.rows(m_columns); }
     /// `row` is negative and at least -rows().
     Address addressOf(int64_t row) const;
+    /// Of the row below, which is in the history, too.
+    Address next(Address address) const;
     /// The row, negative, and the column in which that cell of the line is shown.
     std::pair<int64_t, int> placeOf(uint64_t line, uint32_t offset);
     /// The cell of its line with which the row begins.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace corvane::terminal {
@@ -37,6 +38,9 @@ public:
     /// Raise, lower, iconify and the like: the parameters of XTWINOPS.
     virtual void windowRequest(int /*operation*/, int /*first*/, int /*second*/) { }
     virtual void paletteChanged() { }
+    /// A picture of a format that is not decoded here, and the size that it claims. Its place stays empty until
+    /// Terminal::setPicture.
+    virtual void imageToDecode(uint32_t /*image*/, int /*width*/, int /*height*/, std::span<const uint8_t> /*file*/) { }
 };
 
 }

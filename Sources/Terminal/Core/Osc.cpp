@@ -329,7 +329,8 @@ void oscPrompt(Emulator& t, int, std::string_view text)
 {
     const std::string_view kind = takePart(text);
     if (kind == "A" || kind == "N")
-        t.addMark(PromptMark::Prompt, -1);
+        t.addMark(PromptMark::Prompt, -1,
+            text.find("redraw=0") == std::string_view::npos ? Emulator::Redraw::Prompt : Emulator::Redraw::Nothing);
     else if (kind == "B" || kind == "I")
         t.addMark(PromptMark::Input, -1);
     else if (kind == "C")
@@ -346,6 +347,12 @@ void oscIterm(Emulator& t, int, std::string_view text)
         const size_t colon = std::min(text.find(':'), text.size());
         return t.graphics.inlineImage(text.substr(5, colon - 5), text.substr(std::min(colon + 1, text.size())));
     }
+    if (text.starts_with("MultipartFile="))
+        return t.graphics.beginInlineImage(text.substr(14));
+    if (text.starts_with("FilePart="))
+        return t.graphics.addToInlineImage(text.substr(9));
+    if (text == "FileEnd")
+        return t.graphics.endInlineImage();
     if (text == "SetMark")
         return t.addMark(PromptMark::Prompt, -1);
     if (text.starts_with("ReportCellSize"))
@@ -384,7 +391,7 @@ void Emulator::setIcon(std::string_view text)
     listener->iconChanged(icon);
 }
 
-void Emulator::addMark(PromptMark kind, int exitCode)
+void Emulator::addMark(PromptMark kind, int exitCode, Redraw redraw)
 {
     listener->promptMark(kind, exitCode);
     if (screen != &primary)
@@ -393,7 +400,7 @@ void Emulator::addMark(PromptMark kind, int exitCode)
         primary.anchors.remove(marks.front().anchor);
         marks.pop_front();
     }
-    marks.push_back({ kind, exitCode, primary.anchors.add(cursorRow(), cursor.column) });
+    marks.push_back({ kind, exitCode, redraw, primary.anchors.add(cursorRow(), cursor.column) });
 }
 
 }

@@ -326,6 +326,28 @@ void cropScreen(Screen& screen, Size size)
 
 }
 
+/// A shell at its prompt draws that anew, counting rows from the prompt's first one: were these wrapped, some of the
+/// old prompt would be left over.
+void Emulator::blankPrompt()
+{
+    const auto isInput = [](const Mark& mark) {
+        return mark.kind == PromptMark::Input;
+    };
+    const auto last = std::find_if_not(marks.rbegin(), marks.rend(), isInput);
+    if (screen != &primary || last == marks.rend() || last->kind != PromptMark::Prompt
+        || last->redraw != Redraw::Prompt)
+        return;
+    const auto place = find(primary, last->anchor);
+    if (!place || place->first < 0)
+        return;
+    for (int index = int(place->first), from = place->second; index < rows(); ++index, from = 0) {
+        Row& each = row(index);
+        each.cutAround(from, size.columns);
+        each.fill(from, size.columns, Cell());
+        each.wrapped = false;
+    }
+}
+
 void Emulator::resize(Size wanted)
 {
     const Size newSize = wanted.clamped();
@@ -333,6 +355,8 @@ void Emulator::resize(Size wanted)
         return;
     ++generation;
     const bool gridChanges = newSize.columns != size.columns || newSize.rows != size.rows;
+    if (newSize.columns != size.columns)
+        blankPrompt();
     if (gridChanges) {
         const bool onPrimary = screen == &primary;
         Reflow(*this, primary, newSize).run(onPrimary);

@@ -25,6 +25,12 @@ size_t cellOfByte(const HistoryLine& line, size_t byte)
     return cell;
 }
 
+/// One past the last line that is searched in the history: one that goes on upon the screen is searched with that.
+uint64_t endOf(const Scrollback& history)
+{
+    return history.lineEnd() - history.isOpen();
+}
+
 /// Matches of one line, as places of rows counted from `firstRow`.
 class LineMatches {
 public:
@@ -77,112 +83,142 @@ struct ScreenLine {
     }
 };
 
-class Search {
-public:
-    Search(Emulator& terminal, Pattern& pattern, size_t most)
-        : t(terminal)
-        , m_pattern(pattern)
-        , m_most(most)
-    {
-    }
-
-    std::vector<SearchMatch> run()
-    {
-        if (t.screen->history)
-            searchHistory();
-        searchScreen();
-        return std::move(m_matches);
-    }
-
-private:
-    void searchHistory()
-    {
-        const Scrollback& history = t.history;
-        int64_t row = -int64_t(history.rows(t.columns()));
-        const uint64_t first = history.firstLine();
-        for (const HistoryPage& page : history.pages()) {
-            if (m_matches.size() >= m_most)
-                return;
-            if (page.firstLine() >= first && m_pattern.isLiteral() && !m_pattern.find(page.text())) {
-                row += int64_t(page.rows(t.columns()));
-                page.cool();
-                continue;
-            }
-            uint32_t index = first > page.firstLine() ? uint32_t(first - page.firstLine()) : 0;
-            for (; index < page.lines() && m_matches.size() < m_most; ++index) {
-                const HistoryLine line = page.line(index);
-                const int width = line.size == LineSize::Single ? t.columns() : (t.columns() + 1) / 2;
-                searchLine(line, page.firstLine() + index, row, width);
-                row += int64_t(rowsOf(line, t.columns()));
-            }
-            page.cool();
-        }
-    }
-
-    void searchLine(const HistoryLine& line, uint64_t number, int64_t row, int width)
-    {
-        auto match = m_pattern.find(line.text);
-        if (!match)
-            return;
-        std::vector<size_t> starts { 0 };
-        if (line.cells > uint32_t(width)) {
-            t.history.unpack(number, m_cells);
-            starts = rowStarts(m_cells, width);
-        }
-        LineMatches matches(m_matches, std::move(starts), row);
-        for (; match && m_matches.size() < m_most; match = m_pattern.find(line.text, match->second))
-            matches.add(cellOfByte(line, match->first), cellOfByte(line, match->second));
-    }
-
-    void searchScreen()
-    {
-        ScreenLine line;
-        const auto finish = [&] {
-            line.cellOfByte.push_back(line.cells.size());
-            LineMatches matches(m_matches, line.starts, line.firstRow);
-            for (auto match = m_pattern.find(line.text); match && m_matches.size() < m_most;
-                match = m_pattern.find(line.text, match->second))
-                matches.add(line.cellOfByte[match->first], line.cellOfByte[match->second]);
-            line = {};
-        };
-        if (t.screen->history && t.history.isOpen()) {
-            // The line began in the history.
-            std::vector<Cell> cells;
-            t.history.unpack(t.history.lineEnd() - 1, cells);
-            for (const Cell cell : cells)
-                line.append(t, cell);
-            line.starts = rowStarts(cells, t.columns());
-            line.firstRow = -int64_t(line.starts.size());
-        }
-        for (int index = 0; index < t.rows(); ++index) {
-            const Row& row = t.row(index);
-            if (line.starts.empty())
-                line.firstRow = index;
-            line.starts.push_back(line.cells.size());
-            const int end = row.wrapped ? t.rowEnd(row) : t.textLength(row);
-            for (int column = 0; column < end; ++column) {
-                if (!row.cells[column].isFiller())
-                    line.append(t, row.cells[column]);
-            }
-            if (!row.wrapped)
-                finish();
-        }
-        if (!line.starts.empty())
-            finish();
-    }
-
-    Emulator& t;
-    Pattern& m_pattern;
-    const size_t m_most;
-    std::vector<SearchMatch> m_matches;
-    std::vector<Cell> m_cells;
-};
-
 }
 
-std::vector<SearchMatch> searchText(Emulator& terminal, Pattern& pattern, size_t most)
+void SearchRun::begin(const Emulator& t)
 {
-    return Search(terminal, pattern, most).run();
+    m_history = t.screen->history;
+    m_columns = t.columns();
+    m_end = m_next = m_history ? endOf(*m_history) : 0;
+    m_below = 0;
+    m_matches.clear();
+}
+
+bool SearchRun::step(Emulator& t)
+{
+    const Scrollback& history = t.history;
+    if (m_columns != t.columns() || m_history != t.screen->history || (m_history && endOf(history) < m_end))
+        begin(t);
+    const auto after = std::ranges::partition_point(
+        history.pages(), [this](const HistoryPage& page) { return page.firstLine() < m_next; });
+    const uint64_t first = history.firstLine();
+    if (m_next <= first || after == history.pages().begin() || m_matches.size() >= m_most || !m_history) {
+        finish(t);
+        return false;
+    }
+    const HistoryPage& page = *std::prev(after);
+    const uint64_t from = std::max(first, page.firstLine());
+    const auto lineAt = [&page](uint64_t number) {
+        return page.line(uint32_t(number - page.firstLine()));
+    };
+    int64_t rows = 0;
+    if (from == page.firstLine() && m_next == page.endLine()) {
+        rows = int64_t(page.rows(m_columns));
+    } else {
+        for (uint64_t number = from; number < m_next; ++number)
+            rows += int64_t(rowsOf(lineAt(number), m_columns));
+    }
+    if (!m_pattern.isLiteral() || m_pattern.find(page.text())) {
+        const auto known = ptrdiff_t(m_matches.size());
+        int64_t row = -m_below - rows;
+        for (uint64_t number = from; number < m_next; ++number) {
+            const HistoryLine line = lineAt(number);
+            searchLine(t, line, number, row);
+            row += int64_t(rowsOf(line, m_columns));
+        }
+        std::reverse(m_matches.begin() + known, m_matches.end());
+    }
+    page.cool();
+    m_below += rows;
+    m_next = from;
+    return true;
+}
+
+void SearchRun::searchLine(Emulator& t, const HistoryLine& line, uint64_t number, int64_t row)
+{
+    auto match = m_pattern.find(line.text);
+    if (!match)
+        return;
+    const int width = line.size == LineSize::Single ? m_columns : (m_columns + 1) / 2;
+    std::vector<size_t> starts { 0 };
+    if (line.cells > uint32_t(width)) {
+        std::vector<Cell> cells;
+        t.history.unpack(number, cells);
+        starts = rowStarts(cells, width);
+    }
+    LineMatches matches(m_matches, std::move(starts), row);
+    for (; match; match = m_pattern.find(line.text, match->second))
+        matches.add(cellOfByte(line, match->first), cellOfByte(line, match->second));
+}
+
+void SearchRun::finish(Emulator& t)
+{
+    std::ranges::reverse(m_matches);
+    if (m_history)
+        searchNewLines(t);
+    // What has left the history meanwhile was among the oldest.
+    const int64_t oldest = m_history ? -int64_t(m_history->rows(m_columns)) : 0;
+    std::erase_if(m_matches, [oldest](const SearchMatch& match) { return match.row < oldest; });
+    searchScreen(t);
+    if (m_matches.size() > m_most)
+        m_matches.erase(m_matches.begin(), m_matches.end() - ptrdiff_t(m_most));
+    m_generation = t.generation;
+}
+
+/// Lines that left the screen after the beginning move what was found up.
+void SearchRun::searchNewLines(Emulator& t)
+{
+    const Scrollback& history = t.history;
+    const uint64_t begin = std::max(m_end, history.firstLine());
+    const uint64_t end = endOf(history);
+    int64_t below = 0;
+    for (uint64_t number = begin; number < history.lineEnd(); ++number)
+        below += int64_t(rowsOf(history.line(number), m_columns));
+    for (SearchMatch& match : m_matches) {
+        match.row -= below;
+        match.endRow -= below;
+    }
+    for (uint64_t number = begin; number < end; ++number) {
+        const HistoryLine line = history.line(number);
+        searchLine(t, line, number, -below);
+        below -= int64_t(rowsOf(line, m_columns));
+    }
+}
+
+void SearchRun::searchScreen(Emulator& t)
+{
+    ScreenLine line;
+    const auto finish = [&] {
+        line.cellOfByte.push_back(line.cells.size());
+        LineMatches matches(m_matches, line.starts, line.firstRow);
+        for (auto match = m_pattern.find(line.text); match; match = m_pattern.find(line.text, match->second))
+            matches.add(line.cellOfByte[match->first], line.cellOfByte[match->second]);
+        line = {};
+    };
+    if (m_history && t.history.isOpen()) {
+        // The line began in the history.
+        std::vector<Cell> cells;
+        t.history.unpack(t.history.lineEnd() - 1, cells);
+        for (const Cell cell : cells)
+            line.append(t, cell);
+        line.starts = rowStarts(cells, t.columns());
+        line.firstRow = -int64_t(line.starts.size());
+    }
+    for (int index = 0; index < t.rows(); ++index) {
+        const Row& row = t.row(index);
+        if (line.starts.empty())
+            line.firstRow = index;
+        line.starts.push_back(line.cells.size());
+        const int end = row.wrapped ? t.rowEnd(row) : t.textLength(row);
+        for (int column = 0; column < end; ++column) {
+            if (!row.cells[column].isFiller())
+                line.append(t, row.cells[column]);
+        }
+        if (!row.wrapped)
+            finish();
+    }
+    if (!line.starts.empty())
+        finish();
 }
 
 }

@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Rows of the screen and of the history by their numbers, the last few kept.
+/// Rows of the screen and of the history by their numbers: one below the other is read fast.
 class Reader {
 public:
     explicit Reader(Emulator& terminal)
@@ -23,8 +23,14 @@ public:
     {
         if (index == m_at)
             return m_row;
+        if (index < 0) {
+            m_place = m_place && index == m_at + 1 ? m_view.next(*m_place) : m_view.addressOf(index);
+            m_view.read(*m_place, m_row);
+        } else {
+            m_place.reset();
+            t.readRow(index, m_row);
+        }
         m_at = index;
-        t.readRow(index, m_row);
         return m_row;
     }
 
@@ -61,6 +67,7 @@ private:
     HistoryView m_view;
     int64_t m_first;
     int64_t m_at = INT64_MIN;
+    std::optional<HistoryView::Address> m_place; ///< of the row, if it is in the history
     RowView m_row;
 };
 
@@ -173,12 +180,12 @@ std::string Selection::text()
     std::string text;
     for (int64_t row = at->first.row; row <= at->last.row; ++row) {
         const bool isBlock = at->mode == SelectionMode::Block;
-        if (row > at->first.row && (isBlock || !reader.row(row).continued))
+        const RowView view = reader.row(row); // a copy: the reader goes on to the next one
+        if (row > at->first.row && (isBlock || !view.continued))
             text.push_back('\n');
         const int from = isBlock || row == at->first.row ? at->first.column : 0;
         int to = isBlock || row == at->last.row ? at->last.column + 1 : t.columns();
         const bool goesOn = row < reader.last() && row < at->last.row && !isBlock && reader.continues(row + 1);
-        const RowView& view = reader.row(row);
         if (!goesOn)
             to = std::min(to, writtenLength(view));
         else if (int(view.cells.size()) < to)

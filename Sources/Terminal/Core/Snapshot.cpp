@@ -40,6 +40,29 @@ void makeOwn(const Emulator& t, ShownRow& row)
     }
 }
 
+std::vector<ShownPrompt> promptsOf(Emulator& t, int64_t top)
+{
+    std::vector<ShownPrompt> prompts;
+    if (t.screen != &t.primary)
+        return prompts;
+    const uint64_t oldest = top < 0 ? HistoryView(t.history, t.columns()).addressOf(top).line : t.history.lineEnd();
+    int exitCode = -1;
+    for (auto mark = t.marks.rbegin(); mark != t.marks.rend(); ++mark) {
+        if (mark->kind == PromptMark::End)
+            exitCode = mark->exitCode;
+        if (mark->kind != PromptMark::Prompt)
+            continue;
+        const int code = std::exchange(exitCode, -1);
+        const Place& place = t.primary.anchors[mark->anchor];
+        if (place.where == Place::Where::InHistory && place.line < oldest)
+            break;
+        const auto at = code < 0 ? std::nullopt : t.find(t.primary, mark->anchor);
+        if (at && at->first >= top && at->first < top + t.rows())
+            prompts.push_back({ int(at->first - top), code });
+    }
+    return prompts;
+}
+
 /// Copies the pictures that the snapshot lacks, and drops those that are no longer shown.
 void updateImages(const ImageStore& store, Snapshot& snapshot)
 {
@@ -77,10 +100,12 @@ void Terminal::snapshot(int64_t top, Snapshot& snapshot)
     snapshot.isReversed = t.modes.has(Mode::ReverseScreen);
     snapshot.tracksMouse = terminal::tracksMouse(t.modes);
     snapshot.selection = t.selection.range();
+    snapshot.prompts = promptsOf(t, snapshot.top);
     snapshot.placements = placements();
     updateImages(images(), snapshot);
 
     HistoryView past(t.history, t.columns());
+    std::optional<HistoryView::Address> place;
     RowView view;
     for (size_t i = 0; i < snapshot.rows.size(); ++i) {
         const int64_t index = snapshot.top + int64_t(i);
@@ -93,10 +118,10 @@ void Terminal::snapshot(int64_t top, Snapshot& snapshot)
             t.readRow(index, view);
             shown.key = key;
         } else {
-            const HistoryView::Address address = past.addressOf(index);
-            past.read(address, view);
+            place = place ? past.next(*place) : past.addressOf(index);
+            past.read(*place, view);
             // The line that is still leaving the screen grows.
-            const ShownRow::Key key { inHistory | address.line, uint64_t(address.part) << 32 | view.cells.size() };
+            const ShownRow::Key key { inHistory | place->line, uint64_t(place->part) << 32 | view.cells.size() };
             if (shown.key == key)
                 continue;
             shown.key = key;

@@ -47,6 +47,12 @@ struct ShownImage {
     Bitmap bitmap;
 };
 
+/// A prompt in sight whose command has ended, by the marks of the shell (OSC 133).
+struct ShownPrompt {
+    int row; ///< of the view
+    int exitCode;
+};
+
 /// What a view shows of a terminal at one moment.
 struct Snapshot {
     uint64_t generation = 0;
@@ -60,6 +66,7 @@ struct Snapshot {
     bool isAlternate = false;
     bool tracksMouse = false;
     std::optional<Selection::Range> selection;
+    std::vector<ShownPrompt> prompts; ///< from bottom to top
     std::vector<PlacementView> placements; ///< rows as in Terminal::readRow
     std::map<uint32_t, ShownImage> images; ///< those of the placements
 };

@@ -79,8 +79,12 @@ void Emulator::fullReset()
     titleCoding = {};
     penStack.clear();
     titleStack.clear();
-    title.clear();
-    icon.clear();
+    if (!title.empty())
+        setTitle({});
+    if (!icon.empty())
+        setIcon({});
+    if (!std::exchange(pointerShape, {}).empty())
+        listener->pointerShape({});
     guardsUsed = false;
     if (palette.current != palette.initial)
         listener->paletteChanged();

@@ -249,9 +249,16 @@ Selection& Terminal::selection()
     return m_emulator->selection;
 }
 
-std::vector<SearchMatch> Terminal::search(Pattern& pattern, size_t most)
+std::vector<SearchMatch> Terminal::search(const Pattern& pattern, size_t most)
 {
-    return searchText(*m_emulator, pattern, most);
+    SearchRun run(pattern, most);
+    while (search(run)) { }
+    return run.matches();
+}
+
+bool Terminal::search(SearchRun& run)
+{
+    return run.step(*m_emulator);
 }
 
 std::vector<PlacementView> Terminal::placements()
@@ -262,6 +269,11 @@ std::vector<PlacementView> Terminal::placements()
 const ImageStore& Terminal::images() const
 {
     return m_emulator->graphics.store();
+}
+
+void Terminal::setPicture(uint32_t image, Bitmap bitmap)
+{
+    m_emulator->graphics.decoded(image, std::move(bitmap));
 }
 
 int64_t Terminal::tick(int64_t now)

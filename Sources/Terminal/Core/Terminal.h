@@ -108,12 +108,16 @@ public:
     std::vector<PromptRange> marks();
 
     Selection& selection();
-    /// All matches, oldest first, at most `most`.
-    std::vector<SearchMatch> search(Pattern& pattern, size_t most);
+    /// All matches, oldest first; if there are more than `most`, the newest.
+    std::vector<SearchMatch> search(const Pattern& pattern, size_t most);
+    /// One step of a search that leaves the terminal to others in between; false when it is done.
+    bool search(SearchRun& run);
 
     /// Images in the order in which they are drawn; rows as in readRow.
     std::vector<PlacementView> placements();
     const ImageStore& images() const;
+    /// Of an image that the listener was asked to have decoded; it may be smaller than it claimed.
+    void setPicture(uint32_t image, Bitmap bitmap);
 
     /// Lets time pass: `now` in nanoseconds of any steady clock. Answers in how many something is due again, -1 for
     /// never.

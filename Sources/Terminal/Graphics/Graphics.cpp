@@ -2,6 +2,7 @@
 
 #include "Terminal/Core/Emulator.h"
 #include "Terminal/Graphics/ImageFile.h"
+#include "Terminal/Graphics/PictureHeader.h"
 #include "Terminal/Graphics/Png.h"
 
 namespace corvane::terminal {
@@ -377,17 +378,65 @@ void Graphics::inlineImage(std::string_view arguments, std::string_view base64)
     decoder.decode(base64, bytes);
     decoder.finish(bytes);
     auto bitmap = decodePng(bytes);
-    Image image;
-    if (!bitmap)
+    const auto claimed = bitmap ? std::nullopt : pictureSize(bytes);
+    if (!bitmap && (!claimed || !Bitmap::isAllowed(claimed->width, claimed->height)))
         return;
-    image.frames.push_back({ std::move(*bitmap), 0 });
-    if (m_store.add(std::move(image), &placement.image))
-        placeAtCursor(placement, *m_store.find(placement.image), movesCursor, false);
+    // What is decoded elsewhere has its place from now on, and is a transparent pixel meanwhile.
+    Image image;
+    image.frames.push_back({ bitmap ? std::move(*bitmap) : Bitmap { 1, 1, std::vector<uint8_t>(4) }, 0 });
+    if (!m_store.add(std::move(image), &placement.image))
+        return;
+    const uint32_t id = placement.image;
+    if (claimed) {
+        placement.sourceWidth = claimed->width;
+        placement.sourceHeight = claimed->height;
+    }
+    placeAtCursor(placement, *m_store.find(id), movesCursor, false);
+    if (!claimed)
+        return;
+    m_store.showWhole(id);
+    t.out().imageToDecode(id, claimed->width, claimed->height, bytes);
+}
+
+void Graphics::beginInlineImage(std::string_view arguments)
+{
+    m_inline = { arguments.size() <= maxControl, std::string(arguments.substr(0, maxControl)), {} };
+}
+
+void Graphics::addToInlineImage(std::string_view base64)
+{
+    m_inline.isComing &= m_inline.base64.size() + base64.size() <= maxInline;
+    if (m_inline.isComing)
+        m_inline.base64.append(base64);
+}
+
+void Graphics::endInlineImage()
+{
+    const auto whole = std::exchange(m_inline, {});
+    if (whole.isComing)
+        inlineImage(whole.arguments, whole.base64);
+}
+
+void Graphics::decoded(uint32_t id, Bitmap bitmap)
+{
+    Image* const image = m_store.find(id);
+    if (!image || !Bitmap::isAllowed(bitmap.width, bitmap.height)
+        || bitmap.bytes() != size_t(bitmap.width) * size_t(bitmap.height) * 4)
+        return;
+    image->frames.assign(1, { std::move(bitmap), 0 });
+    image->current = 0;
+    m_store.pixelsChanged(*image);
+    m_store.showWhole(id);
+    if (!m_store.fit(*image))
+        m_store.remove(id);
+    ++t.generation;
+    t.touchAll();
 }
 
 void Graphics::clear()
 {
     m_store.clear();
+    m_inline = {};
     m_payload = {};
     m_hasPending = false;
 }

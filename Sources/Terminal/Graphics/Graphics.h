@@ -35,6 +35,13 @@ public:
 
     /// OSC 1337 ; File=... : the arguments and the data in base64.
     void inlineImage(std::string_view arguments, std::string_view base64);
+    // The same in parts: MultipartFile, FilePart and FileEnd.
+    void beginInlineImage(std::string_view arguments);
+    void addToInlineImage(std::string_view base64);
+    void endInlineImage();
+
+    /// The picture of an image that the listener was to have decoded.
+    void decoded(uint32_t id, Bitmap bitmap);
 
     /// Moves animations on; the nanoseconds until the next frame is due, or -1.
     int64_t tick(int64_t now);
@@ -57,6 +64,7 @@ private:
 
     static constexpr size_t maxControl = 1024;
     static constexpr size_t maxFrames = 1024;
+    static constexpr size_t maxInline = 48 << 20;
     Emulator& t;
     ImageStore m_store;
     // The command that is coming in
@@ -70,6 +78,11 @@ private:
     std::vector<uint8_t> m_payload;
     Base64Decoder m_decoder;
     bool m_tooLarge = false;
+    struct {
+        bool isComing = false;
+        std::string arguments;
+        std::string base64;
+    } m_inline;
     SixelDecoder::Colors m_sharedColors = SixelDecoder::vtColors();
     SixelDecoder::Colors m_ownColors {};
     std::optional<SixelDecoder> m_sixel;

@@ -106,6 +106,19 @@ const Placement* ImageStore::findPlacement(uint32_t image, uint32_t id) const
     return found == m_placements.end() ? nullptr : &*found;
 }
 
+void ImageStore::showWhole(uint32_t id)
+{
+    const Image* const image = find(id);
+    for (Placement& placement : m_placements) {
+        if (!image || placement.image != id)
+            continue;
+        const Bitmap& bitmap = image->frames.front().bitmap;
+        placement.sourceX = placement.sourceY = 0;
+        placement.sourceWidth = bitmap.width;
+        placement.sourceHeight = bitmap.height;
+    }
+}
+
 void ImageStore::removePlacements(const std::function<bool(const Placement&)>& which, bool withImages)
 {
     std::vector<uint32_t> touched;

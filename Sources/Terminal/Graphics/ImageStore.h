@@ -57,6 +57,8 @@ public:
     Placement& place(Placement placement);
     const std::vector<Placement>& placements() const { return m_placements; }
     const Placement* findPlacement(uint32_t image, uint32_t id) const;
+    /// All of the image, wherever it is shown.
+    void showWhole(uint32_t image);
     /// Removes the placements for which `which` is true; images left without any go too where `withImages` is set.
     void removePlacements(const std::function<bool(const Placement&)>& which, bool withImages);
 
