@@ -7,6 +7,12 @@
 
 namespace corvane::terminal {
 
+namespace {
+
+constexpr size_t little = 2048; ///< of output, which is parsed as soon as it is read
+
+}
+
 Session::Session(Size size, const Config& config, SessionTaps taps)
     : m_terminal(size, config)
     , m_taps(std::move(taps))
@@ -125,11 +131,11 @@ bool Session::waitForExit(std::chrono::milliseconds timeout)
     return m_ended.wait_for(lock, timeout, [this] { return !m_running; });
 }
 
-/// Reads until nothing is left for the moment, so that a flood is handed on in large pieces and a single answer at
-/// once. False at the end of the output.
+/// Reads on while there is much, so that a flood is handed on in pieces that are large, yet small enough to be parsed
+/// while the next one is read. False at the end of the output.
 bool Session::takeOutput()
 {
-    constexpr size_t piece = 64 * 1024;
+    constexpr size_t piece = 16 * 1024;
     char buffer[piece];
     size_t filled = 0;
     bool open = true;
@@ -137,6 +143,8 @@ bool Session::takeOutput()
         const ssize_t count = read(m_pty->descriptor(), buffer + filled, piece - filled);
         if (count > 0) {
             filled += size_t(count);
+            if (size_t(count) <= little)
+                break; // as a rule there is no more
             continue;
         }
         if (count < 0 && errno == EINTR)
@@ -162,7 +170,6 @@ bool Session::takeOutput()
 /// False if it is much, or if the parser has yet to come to what was before it.
 bool Session::parseAtOnce(std::string_view output)
 {
-    constexpr size_t little = 2048;
     {
         const std::lock_guard lock(m_mutex);
         if (output.size() > little || m_parsing || !m_pending.empty())
