@@ -3,7 +3,7 @@ import { existsSync, rmSync, writeFileSync } from "node:fs";
 import { createServer } from "node:net";
 import { join } from "node:path";
 import { after, test } from "node:test";
-import { EngineProcess, environmentIn, isLive, isMessage, startScript, temporaryHome, unnumbered, type Event } from "./support.ts";
+import { EngineProcess, environmentIn, isLive, isMessage, patience, startScript, temporaryHome, unnumbered, type Event } from "./support.ts";
 
 const quick = { CORVANE_DEMO_PAIRING_SECONDS: "0", CORVANE_DEMO_PACE: "0.002" };
 const ids = (events: Event[]): unknown[] => events.map(({ providerMsgId }) => providerMsgId);
@@ -124,7 +124,7 @@ async function freePort(): Promise<number> {
 }
 
 async function answering(attempt: () => Promise<unknown>): Promise<void> {
-  const deadline = Date.now() + 20_000;
+  const deadline = Date.now() + patience;
   for (;;) {
     try {
       await attempt();

@@ -5,7 +5,7 @@ import { join } from "node:path";
 import { fileURLToPath } from "node:url";
 import { EngineProcess as Process, startScript as start, type Event } from "../../../mac/engine/tests/support.ts";
 
-export { isLive, isMessage, temporaryFolder as temporaryHome, type Event } from "../../../mac/engine/tests/support.ts";
+export { isLive, isMessage, patience, temporaryFolder as temporaryHome, type Event } from "../../../mac/engine/tests/support.ts";
 
 export const entries = { whatsapp: "main.ts", email: "email-main.ts", telegram: "telegram-main.ts" } as const;
 export type Channel = keyof typeof entries;

@@ -4,6 +4,7 @@ import { createServer, type IncomingMessage, type Server } from "node:http";
 import type { AddressInfo } from "node:net";
 import { text } from "node:stream/consumers";
 import { WebSocketServer, type WebSocket } from "ws";
+import { patience } from "./support.ts";
 
 export interface Call {
   method: string;
@@ -53,11 +54,11 @@ export class StandIn {
     return this.calls.filter(({ path }) => path.endsWith(ending));
   }
 
-  /** The first call to a path with that ending, made already or within 20 seconds. */
+  /** The first call to a path with that ending, made already or within `patience`. */
   async called(ending: string): Promise<Call> {
     await new Promise<void>((resolve, reject) => {
       const made = (): string => this.calls.map(({ method, path }) => `${method} ${path}`).slice(-9).join("\n");
-      const late = setTimeout(() => reject(new Error(`nobody called ${ending}; the last calls were\n${made()}`)), 20_000);
+      const late = setTimeout(() => reject(new Error(`nobody called ${ending}; the last calls were\n${made()}`)), patience);
       this.#waiting.set(ending, () => (clearTimeout(late), resolve()));
       if (this.to(ending).length > 0) this.#waiting.get(ending)?.();
     });

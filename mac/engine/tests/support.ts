@@ -11,7 +11,7 @@ export type Event = Record<string, unknown> & { type: string };
 const flags = ["--max-old-space-size=128", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings"];
 
 /** In milliseconds; long enough for a machine that does other things as well. */
-const patience = 90_000;
+export const patience = 90_000;
 
 const children = new Map<ChildProcess, string>();
 
@@ -124,7 +124,7 @@ export class EngineProcess {
   /** Ends its input and waits until it is gone; everything that it said. */
   async end(): Promise<Event[]> {
     this.child.stdin?.end();
-    const late = setTimeout(() => this.child.kill("SIGKILL"), 20_000);
+    const late = setTimeout(() => this.child.kill("SIGKILL"), patience);
     const code = await this.exited;
     clearTimeout(late);
     if (code !== 0) throw new Error(`the engine ended with ${code}: ${JSON.stringify(this.#events.slice(-3))}`);
