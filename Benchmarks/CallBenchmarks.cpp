@@ -113,7 +113,7 @@ void recorded(benchmark::State& state)
         SystemScheduler scheduler;
         const auto audio = makeCallAudio(scheduler);
         const auto mic = audio->recordMicrophone(folder.filePath(u"mic.m4a"_s));
-        const auto system = audio->recordSystem(folder.filePath(u"system.m4a"_s), {});
+        const auto system = audio->recordSystem(folder.filePath(u"system.m4a"_s), {}, scheduler.monotonicMs());
         turnTheLoopFor(3);
         const double memory = residentMB();
         const double used = cpuSeconds(RUSAGE_SELF);

@@ -41,7 +41,7 @@ public:
     {
         return std::make_unique<PictureTrack>();
     }
-    std::unique_ptr<TrackRecording> recordSystem(const QString&, const QString&) override
+    std::unique_ptr<TrackRecording> recordSystem(const QString&, const QString&, qint64) override
     {
         return std::make_unique<PictureTrack>();
     }

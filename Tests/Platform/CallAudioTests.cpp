@@ -86,10 +86,10 @@ TEST_F(CallAudioTest, bothSidesOfACallAreRecordedOnOneTimeLine)
     ASSERT_TRUE(SoundServer::control({ "load-module", "module-sine", "sink=speaker", "frequency=880" }));
     EXPECT_TRUE(hasOutput());
     const auto mic = audio->recordMicrophone(file("mic.m4a"));
-    const auto system = audio->recordSystem(file("system.m4a"), {});
-    ASSERT_TRUE(mic && system && reaches(*mic, 2) && reaches(*system, 2));
+    const auto system = audio->recordSystem(file("system.m4a"), {}, scheduler.monotonicMs() - 2000);
+    ASSERT_TRUE(mic && system && reaches(*mic, 2) && reaches(*system, 4));
     EXPECT_GT(mic->level(), 0.1);
-    EXPECT_NEAR(mic->elapsedSeconds(), system->elapsedSeconds(), 0.5);
+    EXPECT_NEAR(mic->elapsedSeconds() + 2, system->elapsedSeconds(), 0.8) << "it began before its sound was found";
     for (const QString& name : { "mic.m4a", "system.m4a" })
         EXPECT_GT(peakOf(file(name)), 0.05F) << "it plays while it grows";
     EXPECT_TRUE(stops(*mic) && stops(*system));
@@ -130,11 +130,26 @@ TEST_F(CallAudioTest, aTrackFollowsItsSourceAndGapsAreSilence)
     EXPECT_GE(secondsOf(file("mic.m4a")), recorded);
 }
 
+TEST_F(CallAudioTest, soundThatComesLateStandsAtItsTimeAndNotAfterTheSilenceInItsPlace)
+{
+    SoundServer server(Microphones::One);
+    const qint64 begun = scheduler.monotonicMs();
+    const auto mic = audio->recordMicrophone(file("mic.m4a"));
+    ASSERT_TRUE(await([&] { return mic->level() > 0.1; }));
+    server.freeze();
+    EXPECT_TRUE(reaches(*mic, mic->elapsedSeconds() + 1));
+    (void)mic->level();
+    server.thaw();
+    ASSERT_TRUE(await([&] { return mic->level() > 0.1; }));
+    EXPECT_TRUE(reaches(*mic, mic->elapsedSeconds() + 1));
+    EXPECT_LT(mic->elapsedSeconds(), double(scheduler.monotonicMs() - begun) / 1000 + 0.6);
+}
+
 TEST_F(CallAudioTest, oneApplicationIsHeardWithoutTheOthers)
 {
     SoundServer server(Microphones::One);
     ASSERT_TRUE(SoundServer::control({ "load-module", "module-sine", "sink=speaker", "frequency=880" }));
-    const auto phoneOnly = audio->recordSystem(file("phone.m4a"), "phone");
+    const auto phoneOnly = audio->recordSystem(file("phone.m4a"), "phone", scheduler.monotonicMs());
     const auto mic = audio->recordMicrophone(file("mic.m4a"));
     {
         const Phone phone(folder.path());
@@ -156,11 +171,11 @@ TEST_F(CallAudioTest, withoutASoundServerNothingIsFoundAndNoFileIsLeft)
     qputenv("PULSE_SERVER", "unix:/nowhere");
     EXPECT_FALSE(hasOutput());
     EXPECT_TRUE(applications().isEmpty());
-    const auto system = audio->recordSystem(file("system.m4a"), {});
+    const auto system = audio->recordSystem(file("system.m4a"), {}, scheduler.monotonicMs());
     ASSERT_TRUE(system && reaches(*system, 0.5)) << "silence, should it come yet";
     EXPECT_FALSE(stops(*system));
     EXPECT_FALSE(QFile::exists(file("system.m4a")));
-    EXPECT_FALSE(audio->recordSystem(file("nowhere/system.m4a"), {}));
+    EXPECT_FALSE(audio->recordSystem(file("nowhere/system.m4a"), {}, 0));
     qunsetenv("PULSE_SERVER");
 }
 
@@ -185,7 +200,7 @@ TEST_F(CallAudioTest, DISABLED_recordsUntilItIsKilled)
 {
     const QString to = qEnvironmentVariable(childsFolder);
     const auto mic = audio->recordMicrophone(to + "/mic.m4a");
-    const auto system = audio->recordSystem(to + "/system.m4a", {});
+    const auto system = audio->recordSystem(to + "/system.m4a", {}, scheduler.monotonicMs());
     QTextStream out(stdout);
     await([&] {
         out << std::min(mic->elapsedSeconds(), system->elapsedSeconds()) << Qt::endl;

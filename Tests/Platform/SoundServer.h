@@ -71,6 +71,10 @@ public:
         m_haste.waitForFinished();
     }
 
+    /// Its sound waits, and comes all at once.
+    void freeze() { ::kill(pid_t(m_server.processId()), SIGSTOP); }
+    void thaw() { ::kill(pid_t(m_server.processId()), SIGCONT); }
+
     bool unplug() { return control({ "unload-module", "module-remap-source" }); }
     bool plugIn()
     {

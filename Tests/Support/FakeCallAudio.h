@@ -38,7 +38,7 @@ public:
     };
 
     std::unique_ptr<TrackRecording> recordMicrophone(const QString& path) override { return record(path, microphone); }
-    std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary) override
+    std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary, qint64) override
     {
         recordedBinary = binary;
         return record(path, system);

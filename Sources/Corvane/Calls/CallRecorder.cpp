@@ -129,6 +129,7 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
     m_next = std::make_unique<Active>();
     m_next->startedAtMs = now;
     m_next->micPath = folder + u"/mic.m4a"_s;
+    const qint64 startMs = m_at.scheduler.monotonicMs();
     m_next->microphone = m_at.audio.recordMicrophone(m_next->micPath);
     if (!m_next->microphone)
         return fail(u"Could not start the microphone recorder."_s);
@@ -136,8 +137,8 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
         return begun(call, failure({}));
     m_systemAudioStatus = u"System audio is not started."_s;
     m_next->system = std::make_unique<SystemAudioCapture>(m_at.audio);
-    m_next->system->start(
-        folder + u"/system.m4a"_s, m_application, [this, call](const Result<void>& started) { begun(call, started); });
+    m_next->system->start(folder + u"/system.m4a"_s, m_application, startMs,
+        [this, call](const Result<void>& started) { begun(call, started); });
 }
 
 /// The microphone records; `system` tells whether the machine's sound is recorded, too.

@@ -25,16 +25,16 @@ SystemAudioCapture::SystemAudioCapture(CallAudio& audio, QObject* parent)
 {
 }
 
-void SystemAudioCapture::start(const QString& path, const QString& binary, Done done)
+void SystemAudioCapture::start(const QString& path, const QString& binary, qint64 startMs, Done done)
 {
     QFile::remove(path);
-    m_audio.findSystemAudio([self = QPointer<SystemAudioCapture>(this), path, binary, done = std::move(done)](
+    m_audio.findSystemAudio([self = QPointer<SystemAudioCapture>(this), path, binary, startMs, done = std::move(done)](
                                 const Result<void>& found) {
         if (!self)
             return;
         if (!found)
             return done(failure(describe(SystemAudioCaptureError::Unavailable, found.error().message)));
-        self->m_track = self->m_audio.recordSystem(path, binary);
+        self->m_track = self->m_audio.recordSystem(path, binary, startMs);
         done(self->m_track ? Result<void>()
                            : failure(describe(SystemAudioCaptureError::WriterSetup, u"the file cannot be created."_s)));
     });

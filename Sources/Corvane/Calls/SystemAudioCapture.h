@@ -23,8 +23,8 @@ public:
     explicit SystemAudioCapture(CallAudio& audio, QObject* parent = nullptr);
 
     /// `binary`: the program that holds the call; empty for everything. Overwrites an existing file. `done` follows
-    /// later, while this object exists.
-    void start(const QString& path, const QString& binary, Done done);
+    /// later, while this object exists. The file begins at `startMs` of the monotonic clock.
+    void start(const QString& path, const QString& binary, qint64 startMs, Done done);
 
     /// Fails if no sound ever came. `done` follows later, even after this object is destroyed.
     void stop(Done done);

@@ -21,8 +21,8 @@ struct SoundApplication {
 
 /// Records one track of a call into its own file: AAC in an .m4a of mode 0600. It starts when created and survives
 /// changes of its source: it follows the default device within a second and reconnects to a sound server that went
-/// away; meanwhile the file gets silence, so that file time is call time. A crash of the program loses at most the last
-/// second. Destroying a running recording closes it.
+/// away; meanwhile the file gets silence. File time is call time to 0.3 seconds, whatever the clock of the sound card
+/// says. A crash of the program loses at most the last second. Destroying a running recording closes it.
 class TrackRecording : public QObject {
     Q_OBJECT
 public:
@@ -52,8 +52,10 @@ public:
     /// 44,100 Hz, mono. Null if `path` exists or cannot be created.
     virtual std::unique_ptr<TrackRecording> recordMicrophone(const QString& path) = 0;
 
-    /// 48,000 Hz, stereo: what the default output plays, or only what the given program plays.
-    virtual std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary) = 0;
+    /// 48,000 Hz, stereo: what the default output plays, or only what the given program plays. The file begins at
+    /// `startMs` of the scheduler's monotonic clock, with silence until now: two tracks have one time.
+    virtual std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary, qint64 startMs)
+        = 0;
 
     /// Whether the machine's output can be recorded now. Answers within three seconds, on the main thread.
     virtual void findSystemAudio(std::function<void(const Result<void>&)> answer) = 0;

@@ -2,7 +2,6 @@
 
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
-#include "Platform/Linux/Audio/PulseTrack.h"
 #include "Platform/Linux/Services.h"
 
 #include <QFile>
@@ -27,25 +26,27 @@ PulseCallAudio::~PulseCallAudio() = default;
 
 std::unique_ptr<TrackRecording> PulseCallAudio::recordMicrophone(const QString& path)
 {
-    return record(path, { .kind = CaptureTarget::Kind::Microphone, .follows = true, .name = streamName }, voice);
+    const CaptureTarget target { .kind = CaptureTarget::Kind::Microphone, .follows = true, .name = streamName };
+    return record({ path, target, voice, m_scheduler.monotonicMs() });
 }
 
-std::unique_ptr<TrackRecording> PulseCallAudio::recordSystem(const QString& path, const QString& binary)
+std::unique_ptr<TrackRecording> PulseCallAudio::recordSystem(const QString& path, const QString& binary, qint64 startMs)
 {
     const auto kind = binary.isEmpty() ? CaptureTarget::Kind::Speakers : CaptureTarget::Kind::Application;
-    return record(
-        path, { .kind = kind, .binary = QFile::encodeName(binary), .follows = true, .name = streamName }, output);
+    const CaptureTarget target {
+        .kind = kind, .binary = QFile::encodeName(binary), .follows = true, .name = streamName
+    };
+    return record({ path, target, output, startMs });
 }
 
-std::unique_ptr<TrackRecording> PulseCallAudio::record(
-    const QString& path, const CaptureTarget& target, SoundFormat format)
+std::unique_ptr<TrackRecording> PulseCallAudio::record(const PulseTrack::Plan& plan)
 {
-    auto writer = M4aWriter::create(path, format);
+    auto writer = M4aWriter::create(plan.path, plan.format);
     if (!writer) {
-        log(u"CallAudio: %1: %2"_s.arg(path, writer.error().message));
+        log(u"CallAudio: %1: %2"_s.arg(plan.path, writer.error().message));
         return nullptr;
     }
-    return std::make_unique<PulseTrack>(path, std::move(*writer), target, format, m_scheduler, m_background);
+    return std::make_unique<PulseTrack>(plan, std::move(*writer), m_scheduler, m_background);
 }
 
 void PulseCallAudio::end(quint64 id, const std::function<void()>& answer)

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "Foundation/BackgroundQueue.h"
-#include "Foundation/Scheduler.h"
-#include "Platform/CallAudio.h"
 #include "Platform/Linux/Audio/PulseApplications.h"
-#include "Platform/Linux/Audio/PulseCapture.h"
+#include "Platform/Linux/Audio/PulseTrack.h"
 
 #include <map>
 
@@ -18,7 +15,7 @@ public:
     ~PulseCallAudio() override;
 
     std::unique_ptr<TrackRecording> recordMicrophone(const QString& path) override;
-    std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary) override;
+    std::unique_ptr<TrackRecording> recordSystem(const QString& path, const QString& binary, qint64 startMs) override;
     void findSystemAudio(std::function<void(const Result<void>&)> answer) override;
     void findApplications(std::function<void(const QList<SoundApplication>&)> answer) override;
     void repair(const QString& path, TrackRecording::Done done) override;
@@ -30,7 +27,7 @@ private:
         std::unique_ptr<PulseApplications> applications;
         std::unique_ptr<Timer> timeout;
     };
-    std::unique_ptr<TrackRecording> record(const QString& path, const CaptureTarget& target, SoundFormat format);
+    std::unique_ptr<TrackRecording> record(const PulseTrack::Plan& plan);
     void end(quint64 question, const std::function<void()>& answer);
 
     Scheduler& m_scheduler;

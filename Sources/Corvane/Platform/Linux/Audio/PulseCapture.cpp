@@ -49,6 +49,7 @@ struct PulseCapture::State final : PulseConnection {
     void openStream();
     void streamChanged();
     void read();
+    std::optional<Milliseconds> ageOfNext() const;
     void end(End kind, const QString& reason);
     void fail(End kind) { end(kind, error()); }
     End missingOrDenied() const { return pa_context_errno(context) == PA_ERR_ACCESS ? End::Denied : End::Missing; }
@@ -257,7 +258,8 @@ void PulseCapture::State::openStream()
     if (place.input != noInput)
         pa_stream_set_monitor_stream(stream, place.input);
     // A stream that may be moved is given another source in silence where the wanted one is not there.
-    const auto flags = pa_stream_flags_t(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
+    const auto flags = pa_stream_flags_t(
+        PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE | PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE);
     if (pa_stream_connect_record(stream, place.source.constData(), &buffer, flags) < 0 && !target.follows)
         fail(End::Missing);
 }
@@ -289,15 +291,26 @@ void PulseCapture::State::read()
         if (pa_stream_peek(stream, &data, &bytes) < 0 || bytes == 0)
             return;
         const size_t count = bytes / sizeof(float);
+        const auto age = ageOfNext();
         if (ended) {
             // nobody listens any more
         } else if (data) {
-            callbacks.sound({ static_cast<const float*>(data), count });
+            callbacks.sound({ static_cast<const float*>(data), count }, age);
         } else {
-            callbacks.sound(std::vector<float>(count)); // a hole in what the server had
+            callbacks.sound(std::vector<float>(count), age); // a hole in what the server had
         }
         pa_stream_drop(stream);
     }
+}
+
+std::optional<Milliseconds> PulseCapture::State::ageOfNext() const
+{
+    pa_usec_t microseconds = 0;
+    int isNegative = 0;
+    if (pa_stream_get_latency(stream, &microseconds, &isNegative) < 0)
+        return std::nullopt;
+    const auto age = Milliseconds(qint64(microseconds / 1000));
+    return isNegative ? -age : age;
 }
 
 void PulseCapture::State::end(End kind, const QString& reason)

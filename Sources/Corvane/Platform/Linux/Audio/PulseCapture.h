@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Foundation/Scheduler.h"
 #include "Platform/Linux/Audio/M4aWriter.h"
 
 #include <QByteArray>
 #include <functional>
+#include <optional>
 #include <span>
 
 namespace corvane {
@@ -27,7 +29,9 @@ public:
 
     struct Callbacks {
         std::function<void()> ready; ///< the source is there, and sound will come
-        std::function<void(std::span<const float> samples)> sound; ///< interleaved; none: only looks for the source
+        /// Interleaved. The age tells how long ago the first of them sounded, negative for what is yet to be played;
+        /// none while the server has not said. Without this callback the capture only looks for the source.
+        std::function<void(std::span<const float> samples, std::optional<Milliseconds> age)> sound;
         std::function<void(End end, const QString& reason)> ended; ///< once; nothing comes after it
         std::function<void()> away = {}; ///< of one that follows: there is no source until the next `ready`
     };

@@ -43,7 +43,7 @@ public:
         , m_timeout(scheduler.after(answerTime, [this] { end(u"the sound server does not answer"_s); }))
         , m_capture(std::make_unique<PulseCapture>(CaptureTarget(), format,
               PulseCapture::Callbacks { .ready = [this] { post([this] { m_timeout.reset(); }); },
-                  .sound = [this](std::span<const float> samples) { hear(samples); },
+                  .sound = [this](std::span<const float> samples, auto) { hear(samples); },
                   .ended =
                       [this](PulseCapture::End kind, const QString& reason) {
                           post([this, kind, reason] {

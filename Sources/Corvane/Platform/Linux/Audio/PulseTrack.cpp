@@ -15,6 +15,14 @@ constexpr Milliseconds beatPeriod { 250 };
 constexpr Milliseconds noDelay { 0 };
 // A source that is there may bring its sound late and all at once; what looked like a gap until then was none.
 constexpr Milliseconds latestSound { 3000 };
+// The clocks of sound cards differ. Less is left alone, as every correction is audible.
+constexpr Milliseconds allowedShift { 300 };
+
+/// All channels together.
+qint64 samplesPerSecond(SoundFormat format)
+{
+    return qint64(format.rate) * format.channels;
+}
 
 void post(QObject* to, std::function<void()> call)
 {
@@ -23,14 +31,11 @@ void post(QObject* to, std::function<void()> call)
 
 }
 
-PulseTrack::PulseTrack(const QString& path, std::unique_ptr<M4aWriter> writer, const CaptureTarget& target,
-    SoundFormat format, Scheduler& scheduler, BackgroundQueue& background)
-    : m_path(path)
-    , m_target(target)
-    , m_format(format)
+PulseTrack::PulseTrack(
+    const Plan& plan, std::unique_ptr<M4aWriter> writer, Scheduler& scheduler, BackgroundQueue& background)
+    : m_plan(plan)
     , m_scheduler(scheduler)
     , m_background(background)
-    , m_startedMs(scheduler.monotonicMs())
     , m_writer(std::move(writer))
 {
     connectSource();
@@ -44,7 +49,7 @@ PulseTrack::~PulseTrack()
 
 double PulseTrack::elapsedSeconds() const
 {
-    return double(m_written) / (double(m_format.rate) * m_format.channels);
+    return double(m_written) / double(samplesPerSecond(m_plan.format));
 }
 
 double PulseTrack::level()
@@ -55,14 +60,14 @@ double PulseTrack::level()
 void PulseTrack::connectSource()
 {
     m_lost = false;
-    m_capture = std::make_unique<PulseCapture>(m_target, m_format,
+    m_capture = std::make_unique<PulseCapture>(m_plan.target, m_plan.format,
         PulseCapture::Callbacks {
             .ready =
                 [this] {
                     fillUp(noDelay);
                     post(this, [this] { setHasSource(true); });
                 },
-            .sound = [this](std::span<const float> samples) { hear(samples); },
+            .sound = [this](std::span<const float> samples, std::optional<Milliseconds> age) { hear(samples, age); },
             .ended =
                 [this](PulseCapture::End, const QString& reason) {
                     post(this, [this, reason] {
@@ -92,7 +97,7 @@ void PulseTrack::setHasSource(bool hasSource)
         Q_EMIT sourceChanged();
 }
 
-void PulseTrack::hear(std::span<const float> samples)
+void PulseTrack::hear(std::span<const float> samples, std::optional<Milliseconds> age)
 {
     float peak = m_peak;
     for (const float sample : samples)
@@ -100,22 +105,38 @@ void PulseTrack::hear(std::span<const float> samples)
     m_peak = peak;
     m_heard = true;
     const std::scoped_lock lock(m_writing);
-    write(samples);
+    write(age ? inTime(samples, *age) : samples);
+}
+
+/// The part of the sound that puts it at its moment in the file: silence is written before it where the file ends too
+/// early, and its beginning is dropped where the file is past that already.
+std::span<const float> PulseTrack::inTime(std::span<const float> samples, Milliseconds age)
+{
+    const qint64 missing = missingAt(m_scheduler.monotonicMs() - age.count());
+    const qint64 allowed = allowedShift.count() * samplesPerSecond(m_plan.format) / 1000;
+    if (missing > allowed)
+        writeSilence(missing);
+    return samples.subspan(missing < -allowed ? std::min(samples.size(), size_t(-missing)) : 0);
 }
 
 void PulseTrack::fillUp(Milliseconds allowed)
 {
     const std::scoped_lock lock(m_writing);
-    const qint64 perMs = qint64(m_format.rate) * m_format.channels;
-    const qint64 behind = (m_scheduler.monotonicMs() - m_startedMs) * perMs / 1000 - m_written;
-    if (behind <= allowed.count() * perMs / 1000)
-        return;
-    const std::vector<float> silence(size_t(m_format.rate * m_format.channels) / 4);
-    qint64 missing = behind - behind % m_format.channels;
-    while (missing > 0 && !m_broken) {
-        const auto count = std::min(missing, qint64(silence.size()));
-        write(std::span(silence).first(size_t(count)));
-        missing -= count;
+    writeSilence(missingAt(m_scheduler.monotonicMs() - allowed.count()));
+}
+
+qint64 PulseTrack::missingAt(qint64 ms) const
+{
+    return (ms - m_plan.startMs) * m_plan.format.rate / 1000 * m_plan.format.channels - m_written;
+}
+
+void PulseTrack::writeSilence(qint64 count)
+{
+    const std::vector<float> silence(size_t(samplesPerSecond(m_plan.format)) / 4);
+    while (count > 0 && !m_broken) {
+        const auto piece = std::min(count, qint64(silence.size()));
+        write(std::span(silence).first(size_t(piece)));
+        count -= piece;
     }
 }
 
@@ -126,7 +147,7 @@ void PulseTrack::write(std::span<const float> samples)
     if (const auto written = m_writer->write(samples); !written) {
         m_broken = true;
         post(this, [this, reason = written.error().message] {
-            log(u"PulseTrack: %1: %2"_s.arg(m_path, reason));
+            log(u"PulseTrack: %1: %2"_s.arg(m_plan.path, reason));
             endCapture();
             Q_EMIT failed(reason);
         });
@@ -164,7 +185,7 @@ void PulseTrack::close()
     if (!m_writer)
         return;
     if (const auto closed = m_writer->close(); !closed)
-        log(u"PulseTrack: %1: %2"_s.arg(m_path, closed.error().message));
+        log(u"PulseTrack: %1: %2"_s.arg(m_plan.path, closed.error().message));
     m_writer.reset();
 }
 
@@ -172,7 +193,7 @@ void PulseTrack::cancel()
 {
     endCapture();
     m_writer.reset();
-    QFile::remove(m_path);
+    QFile::remove(m_plan.path);
 }
 
 }

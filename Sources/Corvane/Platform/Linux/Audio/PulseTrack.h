@@ -15,8 +15,15 @@ namespace corvane {
 class PulseTrack final : public TrackRecording {
     Q_OBJECT
 public:
-    PulseTrack(const QString& path, std::unique_ptr<M4aWriter> writer, const CaptureTarget& target, SoundFormat format,
-        Scheduler& scheduler, BackgroundQueue& background); ///< which outlive it
+    struct Plan {
+        QString path;
+        CaptureTarget target;
+        SoundFormat format;
+        qint64 startMs = 0; ///< of the scheduler's monotonic clock, where the file begins
+    };
+
+    /// Scheduler and queue outlive the track.
+    PulseTrack(const Plan& plan, std::unique_ptr<M4aWriter> writer, Scheduler& scheduler, BackgroundQueue& background);
     ~PulseTrack() override;
 
     double elapsedSeconds() const override;
@@ -30,17 +37,17 @@ private:
     void connectSource();
     void beat();
     void setHasSource(bool hasSource);
-    void hear(std::span<const float> samples);
-    void fillUp(Milliseconds allowed); ///< with silence, if the file is further behind than that
+    void hear(std::span<const float> samples, std::optional<Milliseconds> age);
+    void fillUp(Milliseconds allowed); ///< with silence, until the file is no further behind than that
+    std::span<const float> inTime(std::span<const float> samples, Milliseconds age);
+    qint64 missingAt(qint64 ms) const; ///< samples between the file's end and a moment; negative if it is past it
+    void writeSilence(qint64 count);
     void write(std::span<const float> samples);
     void endCapture();
 
-    const QString m_path;
-    const CaptureTarget m_target;
-    const SoundFormat m_format;
+    const Plan m_plan;
     Scheduler& m_scheduler; ///< its clock is read on the sound thread, too
     BackgroundQueue& m_background;
-    const qint64 m_startedMs;
     std::mutex m_writing;
     std::unique_ptr<M4aWriter> m_writer;
     bool m_broken = false; ///< the file cannot be written
