@@ -19,7 +19,7 @@ TEST_F(Workspace, thePacketIsTheSameToTheByteAndShowsNoSecret)
                           "deploy production or push product main without explicit approval."_s;
     EXPECT_EQ(assistantContextPacket(view.desk(), AssistantPacketParts {}, u" "_s),
         u"Corvane DEV assistant context.\n\nArea: DEV\nConsole: DEV Work Console\nProject: No project selected\n"
-        "Slug: local\nWork context: none\nGoal: \nDirectory: none\nHost: mac\nSelected terminal: none\n"
+        "Slug: local\nWork context: none\nGoal: \nDirectory: none\nHost: this computer\nSelected terminal: none\n"
         "Browser URL: \n"_s
             + rules
             + u"\n\nOpen work_item rows:\n- none\n\nPending asks:\n- none\n\nShared work_memory:\n- none\n\n"

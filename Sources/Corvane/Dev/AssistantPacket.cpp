@@ -4,6 +4,7 @@
 #include "Foundation/Redaction.h"
 #include "Store/Work/WorkBoardQueries.h"
 #include "Terminals/LumoTerminalSession.h"
+#include "Work/WorkWords.h"
 
 namespace corvane {
 
@@ -47,7 +48,7 @@ QString assistantContextPacket(const DevDesk& desk, const AssistantPacketParts& 
         u"Work context: "_s + (desk.context ? desk.context->id : none),
         u"Goal: "_s + redactSensitive(desk.project.goal),
         u"Directory: "_s + orElse(parts.directory, none),
-        u"Host: "_s + orElse(desk.project.execHost, u"mac"_s),
+        u"Host: "_s + redactSensitive(hostWords(desk.project.execHost)),
         u"Selected terminal: "_s + orElse(parts.terminal, none),
         u"Browser URL: "_s + desk.browserUrl(),
         u"Never read or move credentials. Never set API keys or enable paid/overflow billing. Never deploy production "

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Store/Work/WorkBoardQueries.h"
 #include "Work/WorkRows.h"
+#include "Work/WorkWords.h"
 
 #include <algorithm>
 
@@ -185,9 +186,7 @@ QList<Choice> TerminalWorkspaceView::facts() const
         add(u"Status"_s, factLine({ shownLine(project.status), u"priority %1"_s.arg(project.priority) }));
         add(u"Folder"_s, shownLine(project.repoPath));
         add(u"Files for agents"_s, shownLine(project.controlDir));
-        add(u"Runs on"_s,
-            project.execHost.isEmpty() || project.execHost == "mac"_L1 ? u"this computer"_s
-                                                                       : shownLine(project.execHost));
+        add(u"Runs on"_s, shownLine(hostWords(project.execHost)));
         add(u"Work context"_s, m_desk.context ? shownLine(m_desk.context->id) : u"created with its first row"_s);
     }
     add(u"Safety"_s, m_desk.console.safetyNote);

@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Store/Work/OpsRecords.h"
+#include "Work/WorkWords.h"
 
 #include <algorithm>
 
@@ -31,9 +32,7 @@ WorkConsoleContext WorkConsoleContext::dev()
 
 bool runsHere(const OpsProjectRow& project, const QString& hostName)
 {
-    const QString host = project.execHost.trimmed().toLower();
-    return host.isEmpty() || host == "mac"_L1 || host == "local"_L1 || host == "localhost"_L1
-        || host == hostName.toLower();
+    return meansThisMachine(project.execHost) || project.execHost.trimmed().toLower() == hostName.toLower();
 }
 
 bool isListed(const OpsProjectRow& project, const WorkConsoleContext& console, TerminalWorkspaceScope scope,

@@ -5,6 +5,7 @@
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Work/WorkRows.h"
+#include "Work/WorkWords.h"
 
 #include <algorithm>
 
@@ -137,7 +138,7 @@ QString OpsProjects::goal() const
 
 QString OpsProjects::facts() const
 {
-    return factLine({ shownLine(m_selected.repoPath), shownLine(m_selected.execHost) });
+    return factLine({ shownLine(m_selected.repoPath), shownLine(hostWords(m_selected.execHost)) });
 }
 
 void OpsProjects::setOrderTab(const QString& tab)

@@ -1,9 +1,11 @@
 #include "Work/WorkWords.h"
 
 #include "Foundation/Literals.h"
+#include "Foundation/MachineWords.h"
 
 #include <QStringList>
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace corvane {
@@ -93,6 +95,17 @@ QString inferredKind(const QString& title)
             { "reply"_L1, { "reply"_L1 } }, { "research"_L1, { "research"_L1 } } },
         title)
         .value_or(u"task"_s);
+}
+
+bool meansThisMachine(const QString& host)
+{
+    static constexpr std::array words { ""_L1, "mac"_L1, "local"_L1, "localhost"_L1 };
+    return std::ranges::find(words, host.trimmed().toLower()) != words.end();
+}
+
+QString hostWords(const QString& host)
+{
+    return meansThisMachine(host) ? machineWords::thisMachine : host;
 }
 
 QString normalizedLocalSlug(const QString& text, qint64 nowMs)

@@ -31,6 +31,12 @@ bool marksHiring(const QStringList& texts);
 /// The value of the first sign that the text contains, ignoring case.
 std::optional<QString> firstSign(const QList<std::pair<QString, QString>>& signs, const QString& text);
 
+/// Whether a project's host is this machine, whatever its name: no host, or a word for it. Old profiles say "mac".
+bool meansThisMachine(const QString& host);
+
+/// The host, for a person.
+QString hostWords(const QString& host);
+
 /// A slug of lower-case letters, digits and "-"; "context-{seconds}" if nothing is left.
 QString normalizedLocalSlug(const QString& text, qint64 nowMs);
 
