@@ -8,6 +8,8 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QStyleHints>
+#include <QTest>
 
 namespace corvane {
 
@@ -82,6 +84,17 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     press(Qt::Key_Escape);
     EXPECT_EQ(inbox.reply()->composer()->dictation()->stateWord(), u"idle"_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
+
+    const ComposerDictation& dictation = *inbox.reply()->composer()->dictation();
+    const QPoint button = item(u"composer.dictate"_s)->mapToScene(QPointF(8, 8)).toPoint();
+    QGuiApplication::styleHints()->setMousePressAndHoldInterval(0);
+    QTest::mousePress(front(), Qt::LeftButton, {}, button);
+    ASSERT_TRUE(await([&] { return dictation.stateWord() == u"starting"_s; })) << "it is held";
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_EQ(dictation.stateWord(), u"recording"_s);
+    QTest::mouseRelease(front(), Qt::LeftButton, {}, button);
+    EXPECT_EQ(dictation.stateText(), u"Nothing was recorded."_s);
+    QGuiApplication::styleHints()->setMousePressAndHoldInterval(-1);
 
     defaults.setText(u"nimb.dictationLocale"_s, u"de"_s);
     press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);

@@ -84,6 +84,11 @@ void ComposerDictation::finish()
     transcribe(contactId, path, m_cancel);
 }
 
+void ComposerDictation::letGo()
+{
+    m_state == State::Starting ? cancel() : finish();
+}
+
 QCoro::Task<> ComposerDictation::transcribe(QString contactId, QString path, CancelHandle cancel)
 {
     const QPointer<ComposerDictation> self(this);

@@ -37,6 +37,7 @@ public:
 
     void start(const QString& contactId);
     Q_INVOKABLE void finish(); ///< transcribes what was recorded
+    Q_INVOKABLE void letGo(); ///< the same; nothing was recorded if the microphone is still asked for
     Q_INVOKABLE void cancel(); ///< inserts nothing; also dismisses a message
 
 Q_SIGNALS:

@@ -159,10 +159,23 @@ FocusScope {
 
                 AttachButton { attachments: pane.composer.attachments }
                 IconButton {
+                    property bool held ///< it listens until the button is let go
                     objectName: "composer.dictate"
                     icon.name: "dictate"
-                    text: pane.composer.dictation.active ? qsTr("Finish dictating") : qsTr("Dictate (Ctrl+Shift+D)")
+                    text: pane.composer.dictation.active ? qsTr("Finish dictating")
+                        : qsTr("Dictate, or hold while speaking (Ctrl+Shift+D)")
                     onClicked: pane.composer.dictate()
+                    onPressAndHold: {
+                        held = !pane.composer.dictation.active;
+                        pane.composer.dictate();
+                    }
+                    onReleased: letGo()
+                    onCanceled: letGo()
+                    function letGo() {
+                        if (held)
+                            pane.composer.dictation.letGo();
+                        held = false;
+                    }
                 }
                 IconButton {
                     objectName: "composer.voice"
