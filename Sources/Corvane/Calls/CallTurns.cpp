@@ -111,7 +111,7 @@ bool writeTurns(const QString& callFolder, const QList<CallTurn>& turns)
         array.append(QJsonObject { { u"startMs"_s, turn.startMs }, { u"endMs"_s, turn.endMs },
             { u"speaker"_s, turn.speaker }, { u"text"_s, turn.text } });
     }
-    return writePrivateFile(turnsPath(callFolder), compactJson({ { u"segments"_s, array } }));
+    return writePrivateFile(turnsPath(callFolder), compactJson({ { u"segments"_s, array } }), Outlives::Program);
 }
 
 QList<CallTurn> readTurns(const QString& callFolder)

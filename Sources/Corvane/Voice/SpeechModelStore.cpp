@@ -109,7 +109,7 @@ void SpeechModelStore::save()
     QJsonArray stored;
     for (const SpeechInstalledModel& model : std::as_const(m_installed))
         stored.append(encoded(model));
-    writePrivateFile(listPath(m_root), QJsonDocument(stored).toJson());
+    writePrivateFile(listPath(m_root), QJsonDocument(stored).toJson(), Outlives::Program);
 }
 
 }

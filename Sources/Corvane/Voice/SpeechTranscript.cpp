@@ -53,7 +53,8 @@ bool writeSegments(const QString& audioPath, const SpeechTranscriptResult& resul
             { u"startMs"_s, segment.startMs }, { u"endMs"_s, segment.endMs }, { u"text"_s, segment.text } });
     }
     const QJsonObject whole { { u"model"_s, encoded(result.model) }, { u"segments"_s, segments } };
-    return writePrivateFile(segmentsPath(audioPath), QJsonDocument(whole).toJson(QJsonDocument::Compact));
+    return writePrivateFile(
+        segmentsPath(audioPath), QJsonDocument(whole).toJson(QJsonDocument::Compact), Outlives::Program);
 }
 
 QList<SpeechSegment> readSegments(const QString& audioPath)

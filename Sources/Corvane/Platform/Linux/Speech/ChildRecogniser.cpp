@@ -88,12 +88,14 @@ ChildRecogniser::~ChildRecogniser()
     }
 }
 
-/// The system reads the file while the program goes on.
 void ChildRecogniser::prewarm(const QString& model)
 {
-    const Descriptor file(::open(QFile::encodeName(model).constData(), O_RDONLY | O_CLOEXEC));
-    if (file.isOpen())
-        ::posix_fadvise(file.number(), 0, 0, POSIX_FADV_WILLNEED);
+    const auto read = [path = QFile::encodeName(model)] {
+        const Descriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC));
+        // It returns once the whole file is asked for, which takes its time on a busy disk.
+        return file.isOpen() && ::posix_fadvise(file.number(), 0, 0, POSIX_FADV_WILLNEED) == 0;
+    };
+    m_reading.run<bool>(read, [](bool) { });
 }
 
 QCoro::Task<Outcome> ChildRecogniser::recognise(SpeechJob job)

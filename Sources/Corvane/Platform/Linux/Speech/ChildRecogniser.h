@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Foundation/BackgroundQueue.h"
 #include "Platform/SpeechRecogniser.h"
 
 #include <QStringList>
@@ -38,6 +39,7 @@ private:
     ProcessLauncher& m_launcher;
     const std::shared_ptr<const RecogniserProgram> m_program; ///< shared with the running jobs
     QList<std::weak_ptr<Run>> m_running;
+    BackgroundQueue m_reading;
 };
 
 }
