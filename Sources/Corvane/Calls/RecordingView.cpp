@@ -37,6 +37,11 @@ RecordingView::RecordingView(CallRecorder& recorder, QObject* parent)
         Q_EMIT ticked();
     });
     connect(&recorder, &CallRecorder::ticked, this, &RecordingView::ticked);
+    connect(this, &RecordingView::ticked, this, [this] {
+        const int seconds = int(m_recorder.elapsed());
+        if (std::exchange(m_seconds, seconds) != seconds)
+            Q_EMIT elapsed();
+    });
 }
 
 bool RecordingView::recording() const

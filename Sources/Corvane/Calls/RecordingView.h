@@ -16,7 +16,7 @@ class RecordingView : public QObject {
     Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
     Q_PROPERTY(QString warningText READ warningText NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed) ///< why a recording could not start or had to stop
-    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY ticked) ///< "12:04"
+    Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY elapsed) ///< "12:04"
     Q_PROPERTY(double level READ level NOTIFY ticked) ///< from 0 to 1
     Q_PROPERTY(QString marksText READ marksText NOTIFY changed) ///< such as "2 marks"; empty for none
     Q_PROPERTY(QString aloudText READ aloudText NOTIFY changed)
@@ -67,6 +67,7 @@ public:
 Q_SIGNALS:
     void changed();
     void ticked();
+    void elapsed(); ///< another second
     void consentAsked();
     void started();
 
@@ -74,6 +75,7 @@ private:
     CallRecorder& m_recorder;
     QList<Choice> m_sources;
     QString m_errorText;
+    int m_seconds = 0; ///< of the last `elapsed`
 };
 
 }
