@@ -98,7 +98,7 @@ TEST_F(CallChainTest, whatBothSidesSayBecomesNotesAndAppliedChanges)
     m_home.write("ggml-noise.bin", speechModelFile());
     voice.services.store.add(model);
     const auto call = fetchCall(*m_db, cell("SELECT id FROM call_recording;"));
-    work.process({ call->id, call->title, call->captureMode, call->micPath, call->systemPath, model.spec });
+    work.process({ call->id, call->captureMode, call->micPath, call->systemPath, model.spec });
     ASSERT_TRUE(awaitWork([&] { return !work.isProcessing(call->id); }));
     EXPECT_TRUE(cell("SELECT text FROM call_transcript;").contains(heardWord)) << "the other way to a transcript";
     EXPECT_TRUE(cell("SELECT model FROM call_transcript;").startsWith("whisper.cpp:ggml-noise.bin"));

@@ -47,7 +47,7 @@ TEST_F(CallTest, aCallOfBothSidesBecomesNotesAndProposals)
         QStringList({ "note|ct:1|Add call note|1.0", "task|ct:1|Create follow-up task|1.0" }));
     EXPECT_EQ(recorded->pendingProposals().size(), 2);
     EXPECT_TRUE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='task';")
-            .contains(R"("title":"Follow-up: Send the offer.")"));
+                    .contains(R"("title":"Follow-up: Send the offer.")"));
     EXPECT_EQ(findCallRecordings(*m_db, "send the OFFER", 10).size(), 1);
     EXPECT_TRUE(findCallRecordings(*m_db, "100%", 10).isEmpty());
 }
@@ -86,13 +86,14 @@ TEST_F(CallTest, anEarlierCallNeverChangesTheOneThatRecords)
     arrivals.insert("mic", later);
     lumo.model.willAnswer(u"Summary: hello."_s);
     start("first");
+    renameCall(*m_db, recorder->activeCallId(), "renamed");
     recorder->stop();
     m_clock.advance(Milliseconds(5));
     start("second");
     const QString second = recorder->activeCallId();
     later.arrive(true);
-    EXPECT_EQ(rows(), QStringList({ "first|ready|-", "second|recording|-" }));
-    EXPECT_TRUE(lumo.model.asked.value(0).prompt.startsWith("Summarize first."));
+    EXPECT_EQ(rows(), QStringList({ "renamed|ready|-", "second|recording|-" }));
+    EXPECT_TRUE(lumo.model.asked.value(0).prompt.startsWith("Summarize renamed."));
     EXPECT_EQ(recorder->phase(), CallPhase { Kind::Recording });
     EXPECT_EQ(recorder->activeCallId(), second);
 }

@@ -59,7 +59,10 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     EXPECT_EQ(page.summary(), sections);
     EXPECT_EQ(page.currentTurn(), -1);
 
-    page.playTurn(1);
+    calls.setQuery("OFFER");
+    EXPECT_EQ(page.firstHit(), 1);
+    EXPECT_EQ(player.positionText(), "0:05") << "a search leads to its second";
+    player.toggle();
     EXPECT_EQ(microphonePlayer.position, 5000);
     EXPECT_EQ(systemPlayer.position, 5000);
     EXPECT_EQ(page.currentTurn(), 1);
@@ -73,8 +76,6 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     player.toggle();
     EXPECT_EQ(player.state(), "paused");
 
-    calls.setQuery("OFFER");
-    EXPECT_EQ(page.firstHit(), 1) << "a search leads to its second";
     calls.setQuery("nothing like it");
     EXPECT_EQ(calls.rows()->rowCount(), 0);
     EXPECT_EQ(calls.emptyTitle(), "No calls match “nothing like it”");
@@ -99,7 +100,7 @@ TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
     EXPECT_EQ(column(*calls.rows(), "title"), QStringList("Renamed"));
     page.setNotes("bring the invoice");
     EXPECT_TRUE(callAsText(*fetchCall(*m_db, id), readTurns(folder()), readCallNotes(folder()))
-            .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
+                    .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
     const QString files = folder();
     const QByteArray home = QFile::encodeName(m_home.path("home"));
     const Environment places { { "HOME", home }, { "XDG_CONFIG_HOME", home } };

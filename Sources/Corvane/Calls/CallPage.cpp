@@ -59,6 +59,8 @@ void CallPage::open(const QString& callId, const QString& searched)
     }
     m_call = fetchCall(m_recorder.recorded().db(), callId);
     reload();
+    if (const int hit = firstHit(); hit >= 0)
+        m_player.startFrom(m_turns.at(hit).startMs);
 }
 
 void CallPage::reload()
@@ -286,7 +288,6 @@ void CallPage::playMark(int number)
 CallJob CallPage::job() const
 {
     return { .callId = m_call->id,
-        .title = m_call->title,
         .captureMode = m_systemPath.isEmpty() ? captureMode::micOnly : m_call->captureMode,
         .micPath = m_microphonePath,
         .systemPath = m_systemPath };

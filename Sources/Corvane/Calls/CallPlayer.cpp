@@ -140,15 +140,20 @@ void CallPlayer::seek(double progress)
 {
     const auto to = qint64(std::clamp(progress, 0.0, 1.0) * double(durationMs()));
     const State state = current();
-    if (state != State::Playing && state != State::Paused) {
-        m_waitingMs = to;
-        Q_EMIT moved();
-        return;
-    }
+    if (state != State::Playing && state != State::Paused)
+        return startFrom(to);
     for (const Track* const track : { &m_microphone, &m_system }) {
         if (track->isHeard())
             track->player.seek(to);
     }
+}
+
+void CallPlayer::startFrom(qint64 ms)
+{
+    if (const State state = current(); state == State::Playing || state == State::Paused)
+        return;
+    m_waitingMs = ms;
+    Q_EMIT moved();
 }
 
 void CallPlayer::skip(int seconds)

@@ -42,6 +42,7 @@ public:
     Q_INVOKABLE void seek(double progress);
     Q_INVOKABLE void skip(int seconds); ///< forward, or back if negative
     void playFrom(qint64 ms);
+    void startFrom(qint64 ms); ///< when it plays next; nothing while it does
     void stop();
 
 Q_SIGNALS:

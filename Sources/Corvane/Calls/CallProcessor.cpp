@@ -24,6 +24,13 @@ QList<SpeechSegment> segmentsOf(const TranscriptionOutcome& outcome)
     return outcome->segments.isEmpty() ? QList<SpeechSegment> { { 0, 0, outcome->text } } : outcome->segments;
 }
 
+/// It may have been renamed meanwhile.
+QString titleOf(LocalDB& db, const QString& callId)
+{
+    const auto call = fetchCall(db, callId);
+    return call ? call->title : QString();
+}
+
 bool isSilent(const TranscriptionOutcome& outcome)
 {
     return !outcome && outcome.error().kind == SpeechError::Kind::EmptyTranscript;
@@ -65,7 +72,7 @@ void CallProcessor::summarizeAgain(const QString& callId)
     if (isProcessing(callId) || !call)
         return;
     const CancelHandle cancel = m_running[callId].cancel;
-    summarize(callId, call->title, call->captureMode, cancel);
+    summarize(callId, call->captureMode, cancel);
 }
 
 void CallProcessor::cancel(const QString& callId)
@@ -90,7 +97,7 @@ QCoro::Task<> CallProcessor::run(CallJob job, CancelHandle cancel)
         co_return;
     }
     replaceCallTranscript(m_db, { job.callId, job.captureMode, transcript->text, transcript->model });
-    co_await summarize(job.callId, job.title, job.captureMode, cancel);
+    co_await summarize(job.callId, job.captureMode, cancel);
 }
 
 TranscriptionRequest CallProcessor::request(
@@ -135,7 +142,7 @@ QCoro::Task<std::expected<CallProcessor::Transcript, SpeechTranscriberError>> Ca
     co_return Transcript { textOf(turns), transcriptModel((meeting ? meeting : microphone)->model) };
 }
 
-QCoro::Task<> CallProcessor::summarize(QString callId, QString title, QString captureMode, CancelHandle cancel)
+QCoro::Task<> CallProcessor::summarize(QString callId, QString captureMode, CancelHandle cancel)
 {
     const QPointer<CallProcessor> self(this);
     advance(callId, { CallPhase::Kind::Summarizing }, u"Transcript ready. Running LumoAI summary."_s);
@@ -145,13 +152,13 @@ QCoro::Task<> CallProcessor::summarize(QString callId, QString title, QString ca
     if (self && !waitsForAnswer) {
         const QString input = co_await m_summarizer.summaryInput(transcript, cancel);
         if (self && !cancel.isCancelled())
-            summary = co_await m_summarizer.summarize(title, input, cancel);
+            summary = co_await m_summarizer.summarize(titleOf(m_db, callId), input, cancel);
     }
     if (!self || !m_running.contains(callId))
         co_return;
     if (cancel.isCancelled())
         summary = cancelled();
-    createCRMProposalsForCall(m_db, callId, title, summary.value_or(QString()), transcript);
+    createCRMProposalsForCall(m_db, callId, titleOf(m_db, callId), summary.value_or(QString()), transcript);
     m_running.remove(callId);
     if (summary) {
         storeCallSummary(m_db, callId, *summary, u"LumoAI"_s, summaryWarnings(captureMode));

@@ -18,7 +18,6 @@ class SpeechModelStore;
 /// A recorded call to transcribe.
 struct CallJob {
     QString callId;
-    QString title;
     QString captureMode; ///< the recorded tracks
     QString micPath; ///< empty if the microphone is not transcribed
     QString systemPath;
@@ -63,9 +62,8 @@ private:
     };
 
     QCoro::Task<> run(CallJob job, CancelHandle cancel);
-    QCoro::Task<> transcribe(CallJob job, CancelHandle cancel);
     QCoro::Task<std::expected<Transcript, SpeechTranscriberError>> hear(CallJob job, CancelHandle cancel);
-    QCoro::Task<> summarize(QString callId, QString title, QString captureMode, CancelHandle cancel);
+    QCoro::Task<> summarize(QString callId, QString captureMode, CancelHandle cancel);
     TranscriptionRequest request(const CallJob& job, const QString& path, double from, double to, CancelHandle cancel);
     void fail(const QString& callId, const QString& stored, const QString& shown);
     void advance(const QString& callId, const CallPhase& phase, const QString& words);

@@ -309,7 +309,6 @@ void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& acti
 {
     m_saving.removeAll(call.id);
     CallJob job { .callId = call.id,
-        .title = call.title,
         .captureMode = call.captureMode,
         .micPath = microphone || !active->system ? active->micPath : QString(),
         .systemPath = active->systemPath };
