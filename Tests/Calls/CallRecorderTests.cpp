@@ -47,9 +47,9 @@ TEST_F(CallTest, aCallOfBothSidesBecomesNotesAndProposals)
         QStringList({ "note|ct:1|Add call note|1.0", "task|ct:1|Create follow-up task|1.0" }));
     EXPECT_EQ(recorded->pendingProposals().size(), 2);
     EXPECT_TRUE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='task';")
-                    .contains(R"("title":"Follow-up: Send the offer.")"));
-    EXPECT_EQ(findCallRecordings(*m_db, "send the OFFER", 10).size(), 1);
-    EXPECT_TRUE(findCallRecordings(*m_db, "100%", 10).isEmpty());
+            .contains(R"("title":"Follow-up: Send the offer.")"));
+    EXPECT_EQ(findCallRecordings(*m_db, "local", "send the OFFER", 10).size(), 1);
+    EXPECT_TRUE(findCallRecordings(*m_db, "local", "100%", 10).isEmpty());
 }
 
 TEST_F(CallTest, withoutTheSystemsSoundTheMicrophoneGoesOn)

@@ -77,7 +77,7 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     EXPECT_EQ(player.state(), "paused");
 
     calls.setQuery("nothing like it");
-    EXPECT_EQ(calls.rows()->rowCount(), 0);
+    EXPECT_TRUE(await([&] { return calls.rows()->rowCount() == 0; }));
     EXPECT_EQ(calls.emptyTitle(), "No calls match “nothing like it”");
 }
 
@@ -100,7 +100,7 @@ TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
     EXPECT_EQ(column(*calls.rows(), "title"), QStringList("Renamed"));
     page.setNotes("bring the invoice");
     EXPECT_TRUE(callAsText(*fetchCall(*m_db, id), readTurns(folder()), readCallNotes(folder()))
-                    .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
+            .contains("NOTES\n\nbring the invoice\n\nTRANSCRIPT\n\n[0:01] Meeting audio: we ship"));
     const QString files = folder();
     const QByteArray home = QFile::encodeName(m_home.path("home"));
     const Environment places { { "HOME", home }, { "XDG_CONFIG_HOME", home } };

@@ -4,6 +4,7 @@
 #include "Calls/RecordedCalls.h"
 #include "Foundation/Literals.h"
 #include "Presentation/DateWords.h"
+#include "Store/Core/Workspaces.h"
 
 #include <algorithm>
 
@@ -21,6 +22,7 @@ CallsView::CallsView(RecordingView& recording, CallPlayer& player, QObject* pare
     , m_recorder(recording.recorder())
     , m_page(m_recorder, player)
     , m_recording(recording)
+    , m_search(m_recorder.recorded().db())
     , m_reload(m_recorder.surroundings().scheduler, pause, [this] { refresh(); })
 {
     const auto request = [this] {
@@ -47,12 +49,25 @@ void CallsView::setQuery(const QString& query)
 
 void CallsView::refresh()
 {
+    LocalDB& db = m_recorder.recorded().db();
+    const QString text = m_query.trimmed();
+    m_search.stop();
+    if (text.isEmpty())
+        return list(recentCallRecordings(db, callsListed));
+    m_search.start<QList<CallRecordingRow>>(
+        [workspace = activeWorkspaceId(db), text](SqlConnection& connection, const LatestRead::Stopped&) {
+            return findCallRecordings(connection, workspace, text, callsListed);
+        },
+        [this](const QList<CallRecordingRow>& calls) { list(calls); });
+    Q_EMIT changed();
+}
+
+void CallsView::list(const QList<CallRecordingRow>& calls)
+{
     const DateWords words(m_recorder.surroundings().scheduler.nowMs());
     QList<CallRow> rows;
-    for (const CallRecordingRow& call :
-        findCallRecordings(m_recorder.recorded().db(), m_query.trimmed(), callsListed)) {
+    for (const CallRecordingRow& call : calls)
         rows.append(callRow(call, callState(call.processingStatus, call.processingError, m_recorder, call.id), words));
-    }
     m_rows.assign(rows);
     if (m_page.callId().isEmpty() && !rows.isEmpty())
         m_page.open(rows.first().id, m_query);

@@ -5,6 +5,7 @@
 #include "Foundation/Coalescer.h"
 #include "Foundation/Literals.h"
 #include "Presentation/Commands.h"
+#include "Store/Core/LatestRead.h"
 
 namespace corvane {
 
@@ -47,11 +48,14 @@ Q_SIGNALS:
     void shown(); ///< the page is wanted in front
 
 private:
+    void list(const QList<CallRecordingRow>& calls);
+
     CallRecorder& m_recorder;
     RowListModel<CallRow> m_rows;
     CallPage m_page;
     RecordingView& m_recording;
     QString m_query;
+    LatestRead m_search;
     Coalescer m_reload;
 };
 

@@ -60,17 +60,15 @@ ORDER BY cr.started_at DESC LIMIT ?;)",
         { activeWorkspaceId(db), limit });
 }
 
-QList<CallRecordingRow> findCallRecordings(LocalDB& db, const QString& text, int limit)
+QList<CallRecordingRow> findCallRecordings(SqlConnection& db, const QString& workspace, const QString& text, int limit)
 {
-    if (text.isEmpty())
-        return recentCallRecordings(db, limit);
     const QString pattern = containing(text);
     return recordings.rows(db, R"(LEFT JOIN call_summary cs ON cs.call_id=cr.id
 WHERE cr.workspace_id=? AND cr.deleted_at IS NULL AND (cr.title LIKE ? ESCAPE '\' OR cs.summary LIKE ? ESCAPE '\'
   OR EXISTS (SELECT 1 FROM call_transcript ct WHERE ct.call_id=cr.id AND ct.text LIKE ? ESCAPE '\')
   OR EXISTS (SELECT 1 FROM contact c WHERE c.id=cr.contact_id AND c.deleted_at IS NULL AND c.display_name LIKE ? ESCAPE '\'))
 ORDER BY cr.started_at DESC LIMIT ?;)",
-        { activeWorkspaceId(db), pattern, pattern, pattern, pattern, limit });
+        { workspace, pattern, pattern, pattern, pattern, limit });
 }
 
 std::optional<CallDetails> fetchCall(LocalDB& db, const QString& id)

@@ -24,8 +24,8 @@ struct CallRecordingRow {
 
 QList<CallRecordingRow> recentCallRecordings(LocalDB& db, int limit); ///< newest first
 
-/// Those whose title, person, transcript or summary contains the text; all for an empty text. Newest first.
-QList<CallRecordingRow> findCallRecordings(LocalDB& db, const QString& text, int limit);
+/// Those whose title, person, transcript or summary contains the text, newest first. Reads every transcript.
+QList<CallRecordingRow> findCallRecordings(SqlConnection& db, const QString& workspace, const QString& text, int limit);
 
 /// The details of one call.
 struct CallDetails {
