@@ -15,7 +15,7 @@ constexpr Milliseconds beatPeriod { 250 };
 constexpr Milliseconds noDelay { 0 };
 // A source that is there may bring its sound late and all at once; what looked like a gap until then was none.
 constexpr Milliseconds latestSound { 3000 };
-// The clocks of sound cards differ. Less is left alone, as every correction is audible.
+// The clocks of sound cards differ. Sound that began at its time is let off by that much, as a correction is audible.
 constexpr Milliseconds allowedShift { 300 };
 
 /// All channels together.
@@ -65,6 +65,7 @@ void PulseTrack::connectSource()
             .ready =
                 [this] {
                     fillUp(noDelay);
+                    m_isPlaced = false;
                     post(this, [this] { setHasSource(true); });
                 },
             .sound = [this](std::span<const float> samples, std::optional<Milliseconds> age) { hear(samples, age); },
@@ -113,7 +114,8 @@ void PulseTrack::hear(std::span<const float> samples, std::optional<Milliseconds
 std::span<const float> PulseTrack::inTime(std::span<const float> samples, Milliseconds age)
 {
     const qint64 missing = missingAt(m_scheduler.monotonicMs() - age.count());
-    const qint64 allowed = allowedShift.count() * samplesPerSecond(m_plan.format) / 1000;
+    const Milliseconds shift = std::exchange(m_isPlaced, true) ? allowedShift : noDelay;
+    const qint64 allowed = shift.count() * samplesPerSecond(m_plan.format) / 1000;
     if (missing > allowed)
         writeSilence(missing);
     return samples.subspan(missing < -allowed ? std::min(samples.size(), size_t(-missing)) : 0);

@@ -51,6 +51,7 @@ private:
     std::mutex m_writing;
     std::unique_ptr<M4aWriter> m_writer;
     bool m_broken = false; ///< the file cannot be written
+    bool m_isPlaced = false; ///< the first sound of the current source stands at its time
     std::atomic<qint64> m_written = 0; ///< samples, all channels together
     std::atomic<float> m_peak = 0;
     std::atomic<bool> m_heard = false;
