@@ -55,7 +55,7 @@ void frames(benchmark::State& state)
     window.resize(1280, 800);
     BrowserFrameItem item(window.contentItem());
     item.setSize({ 1280, 800 });
-    item.setBrowser(&browser);
+    item.setSurface(browser.surface());
     window.show();
     int shown = 0;
     QElapsedTimer arrival; // of a frame that is on its way to the screen
@@ -65,7 +65,7 @@ void frames(benchmark::State& state)
         if (!arrival.isValid())
             arrival.start();
     });
-    QObject::connect(&browser, &ChromiumBrowserController::frameChanged, [&] {
+    QObject::connect(browser.surface(), &BrowserSurface::frameChanged, [&] {
         ++shown;
         isDecoded = arrival.isValid();
     });
@@ -147,7 +147,7 @@ void messages(benchmark::State& state)
     const auto feed = [&] {
         for (const QByteArray& text : all)
             connection->receive(text);
-        benchmark::DoNotOptimize(browser.consoleEvents());
+        benchmark::DoNotOptimize(maskedConsole(browser.page()));
         QCoreApplication::processEvents();
     };
     feed();

@@ -54,7 +54,7 @@ void drawBrowser(Gallery& gallery)
     options.hasSandbox = ::geteuid() != 0;
     browser.setAddress(address);
     browser.open();
-    waitFor(gallery, [&] { return browser.browser()->hasFrame() && browser.issues()->count() >= 3; });
+    waitFor(gallery, [&] { return browser.browser()->surface()->hasFrame() && browser.issues()->count() >= 3; });
     const auto save = [&](const QString& name) {
         gallery.wait(pause);
         gallery.save(name, { Look::Light, Look::Dark, Look::LightSmall });
@@ -85,7 +85,7 @@ void drawBrowser(Gallery& gallery)
     (*server)->terminate();
     waitFor(gallery, [&] { return !(*server)->isRunning(); });
     browser.open();
-    waitFor(gallery, [&] { return !browser.browser()->notice().isEmpty(); });
+    waitFor(gallery, [&] { return !browser.notice().isEmpty(); });
     save(u"dev-browser-unreachable"_s);
     browser.browser()->end();
     waitFor(gallery, [&] { return browser.browser()->browserPid() == 0; });

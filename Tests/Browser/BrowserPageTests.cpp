@@ -71,12 +71,12 @@ TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
     request(3, u"http://x/gone"_s, 0);
     page->receive("no JSON");
     page->receive("[1,2]");
-    EXPECT_EQ(browser.consoleEvents().size(), 60);
-    EXPECT_EQ(browser.consoleEvents().first().text, u"problem 1"_s);
-    EXPECT_EQ(browser.networkEvents().size(), 2);
-    EXPECT_EQ(browser.networkEvents().first().detail, u"HTTP 400 Gone"_s);
-    EXPECT_EQ(browser.networkEvents().last().url, u"http://x/gone"_s);
-    EXPECT_EQ(browser.networkEvents().last().detail, u"request failed"_s);
+    EXPECT_EQ(maskedConsole(browser.page()).size(), 60);
+    EXPECT_EQ(maskedConsole(browser.page()).first().text, u"problem 1"_s);
+    EXPECT_EQ(maskedRequests(browser.page()).size(), 2);
+    EXPECT_EQ(maskedRequests(browser.page()).first().detail, u"HTTP 400 Gone"_s);
+    EXPECT_EQ(maskedRequests(browser.page()).last().url, u"http://x/gone"_s);
+    EXPECT_EQ(maskedRequests(browser.page()).last().detail, u"request failed"_s);
 
     page->say(u"Page.frameNavigated"_s,
         { { u"frame"_s, QJsonObject { { u"id"_s, u"1"_s }, { u"url"_s, u"http://x/?token=abc&page=2"_s } } } });
@@ -99,26 +99,26 @@ TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
 
 TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
 {
-    ChromiumBrowserController& browser = *view->browser();
+    BrowserSurface& surface = *view->browser()->surface();
     page->showFrame("no picture", 7);
     for (int width = 100; width <= 400; width += 100)
         page->showFrame(PlayedConnection::jpeg({ width, 100 }), width,
             { { u"deviceWidth"_s, width * 2 }, { u"deviceHeight"_s, 200 } });
     EXPECT_EQ(page->methods().count(u"Page.screencastFrameAck"_s), 5);
-    ASSERT_TRUE(await([&] { return browser.frameImage().width() == 400; }));
-    EXPECT_EQ(browser.viewportSize(), QSizeF(800, 200));
+    ASSERT_TRUE(await([&] { return surface.frameImage().width() == 400; }));
+    EXPECT_EQ(surface.viewportSize(), QSizeF(800, 200));
     page->showFrame(PlayedConnection::jpeg({ 300, 100 }), 8);
-    ASSERT_TRUE(await([&] { return browser.frameImage().width() == 300; }));
-    EXPECT_EQ(browser.viewportSize(), QSizeF(300, 100)) << "without metadata the picture tells";
+    ASSERT_TRUE(await([&] { return surface.frameImage().width() == 300; }));
+    EXPECT_EQ(surface.viewportSize(), QSizeF(300, 100)) << "without metadata the picture tells";
 
     // The view is twice as high as the frame needs: letters above and below.
-    browser.clickBrowser({ 300, 250 }, { 600, 400 });
+    surface.clickBrowser({ 300, 250 }, { 600, 400 });
     const QJsonObject press = page->sent.at(page->sent.size() - 2);
     EXPECT_EQ(press["params"_L1]["type"_L1].toString(), u"mousePressed"_s);
     EXPECT_EQ(press["params"_L1]["x"_L1].toDouble(), 150);
     EXPECT_EQ(press["params"_L1]["y"_L1].toDouble(), 75);
     EXPECT_EQ(cursorShape(u"url(\"a,b.png\") 4 4, grab"_s), Qt::OpenHandCursor);
-    browser.clickBrowser({ -10, 0 }, { 600, 400 });
+    surface.clickBrowser({ -10, 0 }, { 600, 400 });
     EXPECT_EQ(page->sent.last()["params"_L1]["x"_L1].toDouble(), 0);
     EXPECT_EQ(page->sent.last()["params"_L1]["y"_L1].toDouble(), 0);
 }

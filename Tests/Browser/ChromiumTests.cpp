@@ -57,8 +57,9 @@ protected:
         view.setAddress(web.base() + path);
         view.open();
         // The first frames may be of the page before, in the size of the browser's window.
-        return awaitLive(
-            [&] { return view.browser()->page().hasLoaded() && view.browser()->viewportSize() == QSizeF(1280, 800); });
+        return awaitLive([&] {
+            return view.browser()->page().hasLoaded() && view.browser()->surface()->viewportSize() == QSizeF(1280, 800);
+        });
     }
     /// Until the value of the expression contains `part`.
     bool awaitPage(BrowserView& view, const QString& expression, const QString& part)
@@ -71,12 +72,10 @@ protected:
         return awaitLive([&] {
             if (DevToolsConnection* const connection = view.browser()->connection();
                 connection && !std::exchange(look->isAsked, true))
-                connection->call(u"Runtime.evaluate"_s,
-                    { { u"expression"_s, expression }, { u"returnByValue"_s, true } },
-                    [look](const Result<QJsonObject>& result) {
-                        look->isAsked = false;
-                        look->value = result ? result->value("result"_L1)["value"_L1].toString() : QString();
-                    });
+                connection->evaluate(expression, [look](const QJsonValue& value) {
+                    look->isAsked = false;
+                    look->value = value.toString();
+                });
             return look->value.contains(part);
         });
     }
@@ -85,14 +84,14 @@ protected:
     void type(BrowserView& view, const QString& text)
     {
         for (const QChar letter : text) {
-            view.browser()->key({ true, letter.toUpper().unicode(), letter });
-            view.browser()->key({ false, letter.toUpper().unicode(), letter });
+            view.browser()->surface()->key({ true, letter.toUpper().unicode(), letter });
+            view.browser()->surface()->key({ false, letter.toUpper().unicode(), letter });
         }
     }
     void press(BrowserView& view, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        view.browser()->key({ true, key, {}, modifiers });
-        view.browser()->key({ false, key, {}, modifiers });
+        view.browser()->surface()->key({ true, key, {}, modifiers });
+        view.browser()->surface()->key({ false, key, {}, modifiers });
     }
 
     LoopbackWeb web;
@@ -105,7 +104,7 @@ TEST_F(Chromium, aPageThatFailsInThreeWaysIsFiledWithItsProofAndPlayedAgain)
     const auto view = makeView();
     ChromiumBrowserController& browser = *view->browser();
     ASSERT_TRUE(show(*view, u"/"_s)) << qPrintable(browser.lastError());
-    ASSERT_TRUE(awaitLive([&] { return browser.issueCount() >= 3; })) << qPrintable(view->sheet()->preview());
+    ASSERT_TRUE(awaitLive([&] { return view->issues()->count() >= 3; })) << qPrintable(view->sheet()->preview());
     EXPECT_EQ(browser.status(), u"loaded"_s);
     EXPECT_EQ(QFileInfo(m_home.paths().applicationSupport + u"/BrowserQA/InteractiveProfile"_s).permissions()
             & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
@@ -161,61 +160,62 @@ TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
     const auto view = makeView();
     ChromiumBrowserController& browser = *view->browser();
     ASSERT_TRUE(show(*view, u"/input"_s)) << qPrintable(browser.lastError());
-    const QSizeF size = browser.viewportSize();
+    BrowserSurface& surface = *browser.surface();
+    const QSizeF size = surface.viewportSize();
     using Kind = BrowserPointer::Kind;
-    browser.clickBrowser({ 50, 50 }, size);
+    surface.clickBrowser({ 50, 50 }, size);
     // Keys go to the page on a shorter way than the pointer.
     ASSERT_TRUE(awaitPage(*view, u"document.activeElement.tagName"_s, u"TEXTAREA"_s));
     type(*view, u"ab"_s);
     press(*view, Qt::Key_Return);
-    browser.compose(u"に"_s, 1);
-    browser.insertText(u"日本"_s);
+    surface.compose(u"に"_s, 1);
+    surface.insertText(u"日本"_s);
     press(*view, Qt::Key_Left);
     press(*view, Qt::Key_Backspace);
     ASSERT_TRUE(awaitTitle(*view, u"[ab|本]"_s));
     press(*view, Qt::Key_A, Qt::ControlModifier);
     ASSERT_TRUE(awaitTitle(*view, u"all"_s));
     QString copied;
-    browser.takeSelection(true, [&](const QString& text) { copied = text; });
+    surface.takeSelection(true, [&](const QString& text) { copied = text; });
     ASSERT_TRUE(awaitLive([&] { return copied == u"ab\n本"_s; })) << qPrintable(copied);
 
-    browser.clickBrowser({ 510, 10 }, size);
+    surface.clickBrowser({ 510, 10 }, size);
     ASSERT_TRUE(awaitLive([&] { return view->picker()->choices().size() == 2; }));
     view->picker()->choose(view->picker()->choices().last().id);
     ASSERT_TRUE(awaitTitle(*view, u"picked:g"_s));
-    EXPECT_EQ(stepLine(browser.steps().last()), u"Choose “g” in “select”"_s);
-    browser.clickBrowser({ 510, 110 }, size);
+    EXPECT_EQ(stepLine(maskedSteps(browser.page()).last()), u"Choose “g” in “select”"_s);
+    surface.clickBrowser({ 510, 110 }, size);
     BrowserFieldPicker& picker = *view->picker()->field();
     ASSERT_TRUE(awaitLive([&] { return picker.isOpen(); }));
     picker.choose(u"2026-11-23"_s);
     ASSERT_TRUE(awaitTitle(*view, u"day:2026-11-23"_s));
-    EXPECT_EQ(stepLine(browser.steps().last()), u"Choose “2026-11-23” in “Day”"_s);
+    EXPECT_EQ(stepLine(maskedSteps(browser.page()).last()), u"Choose “2026-11-23” in “Day”"_s);
 
     QString cursor;
     QObject::connect(&browser.page(), &BrowserPage::cursorChanged, [&](const QString& css) { cursor = css; });
     for (const auto& [at, css] : { std::pair(QPointF(700, 10), u"pointer"_s), std::pair(QPointF(10, 320), u"text"_s),
              std::pair(QPointF(600, 600), u"default"_s) }) {
-        browser.pointer({ .kind = Kind::Move, .at = at }, size);
+        surface.pointer({ .kind = Kind::Move, .at = at }, size);
         EXPECT_TRUE(awaitLive([&] { return cursor == css; })) << qPrintable(css);
     }
 
     for (const Kind kind : { Kind::Press, Kind::Release })
-        browser.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::RightButton, .clicks = 1 }, size);
+        surface.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::RightButton, .clicks = 1 }, size);
     for (const int clicks : { 1, 2 }) {
         for (const Kind kind : { Kind::Press, Kind::Release })
-            browser.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::LeftButton, .clicks = clicks }, size);
+            surface.pointer({ .kind = kind, .at = { 600, 600 }, .button = Qt::LeftButton, .clicks = clicks }, size);
     }
-    browser.pointer({ .kind = Kind::Press, .at = { 2, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
-    browser.pointer({ .kind = Kind::Move, .at = { 190, 325 }, .buttons = Qt::LeftButton }, size);
-    browser.pointer({ .kind = Kind::Release, .at = { 190, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
-    browser.pointer({ .kind = Kind::Wheel, .at = { 600, 600 }, .wheel = { 0, 300 } }, size);
+    surface.pointer({ .kind = Kind::Press, .at = { 2, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
+    surface.pointer({ .kind = Kind::Move, .at = { 190, 325 }, .buttons = Qt::LeftButton }, size);
+    surface.pointer({ .kind = Kind::Release, .at = { 190, 325 }, .button = Qt::LeftButton, .clicks = 1 }, size);
+    surface.pointer({ .kind = Kind::Wheel, .at = { 600, 600 }, .wheel = { 0, 300 } }, size);
     for (const QString& word : { u"menu"_s, u"double"_s, u"chose:SELECTED"_s, u"scrolled"_s })
         EXPECT_TRUE(awaitTitle(*view, word)) << qPrintable(word);
 
-    browser.find(u"selected"_s, false);
+    browser.page().find(u"selected"_s, false);
     EXPECT_TRUE(awaitLive([&] { return view->notice() == u"1 match on this page"_s; })) << qPrintable(view->notice());
     view->display()->setDevice(u"phone"_s);
-    EXPECT_TRUE(awaitLive([&] { return browser.viewportSize() == QSizeF(390, 844); }));
+    EXPECT_TRUE(awaitLive([&] { return surface.viewportSize() == QSizeF(390, 844); }));
     view->display()->setDevice(u"desktop"_s);
     ASSERT_TRUE(show(*view, u"/"_s));
     ASSERT_TRUE(awaitLive([&] { return browser.canGoBack(); }));

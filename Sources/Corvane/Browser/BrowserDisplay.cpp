@@ -72,7 +72,7 @@ void BrowserDisplay::apply()
 {
     const auto device = std::ranges::find_if(allDevices, [this](const Device& each) { return m_device == each.id; });
     if (device != allDevices.end())
-        m_browser.setMetrics(device->size, factor(), device->isMobile);
+        m_browser.page().setMetrics(device->size, factor(), device->isMobile);
 }
 
 QString BrowserDisplay::zoomText() const

@@ -11,7 +11,7 @@ BrowserIssues::BrowserIssues(ChromiumBrowserController& browser, QObject* parent
 {
     connect(&browser, &ChromiumBrowserController::eventsChanged, this, [this, &browser] {
         const int before = count();
-        m_rows.assign(browserIssues(browser.consoleEvents(), browser.networkEvents()));
+        m_rows.assign(browserIssues(maskedConsole(browser.page()), maskedRequests(browser.page())));
         if (count() != before)
             Q_EMIT changed();
     });

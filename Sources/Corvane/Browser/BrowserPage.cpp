@@ -149,12 +149,11 @@ void BrowserPage::find(const QString& text, bool backwards)
     const QString function = u"(text, backwards) => { const all = document.body?.innerText.toLowerCase() ?? ''; "
                              "window.find(text, false, backwards, true); "
                              "return all.split(text.toLowerCase()).length - 1; }"_s;
-    m_connection->call(u"Runtime.evaluate"_s,
-        { { u"expression"_s, script(function, { text, backwards }) }, { u"returnByValue"_s, true } },
-        [self = QPointer(this), text](const Result<QJsonObject>& result) {
-            if (!self || !result)
+    m_connection->evaluate(
+        script(function, { text, backwards }), [self = QPointer(this), text](const QJsonValue& matches) {
+            if (!self || !matches.isDouble())
                 return;
-            const int count = result->value("result"_L1)["value"_L1].toInt();
+            const int count = matches.toInt();
             self->m_said = count > 0 ? u"%1 on this page"_s.arg(countWords(count, u"match"_s, u"matches"_s))
                                      : u"“%1” is not on this page."_s.arg(text);
             Q_EMIT self->changed();

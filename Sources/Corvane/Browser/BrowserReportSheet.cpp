@@ -38,7 +38,7 @@ void BrowserReportSheet::open(
     m_project = project;
     m_sessionId = sessionId;
     m_requestedURL = requestedURL;
-    m_picture.show(m_browser.frameImage());
+    m_picture.show(m_browser.surface()->frameImage());
     m_refusal.clear();
     const QString page = m_browser.title().isEmpty() ? m_browser.currentURL() : m_browser.title();
     m_title = firstCharacters(singleLine(u"Browser issue: "_s + page), longestTitle);
@@ -109,13 +109,13 @@ void BrowserReportSheet::setNote(const QString& note)
 
 QString BrowserReportSheet::preview() const
 {
-    return browserEvidencePreview(m_browser.consoleEvents(), m_browser.networkEvents(), shownEvents);
+    return browserEvidencePreview(maskedConsole(m_browser.page()), maskedRequests(m_browser.page()), shownEvents);
 }
 
 QString BrowserReportSheet::stepsText() const
 {
     QStringList lines;
-    for (const BrowserStep& step : m_browser.steps())
+    for (const BrowserStep& step : maskedSteps(m_browser.page()))
         lines.append(stepLine(step));
     return lines.join(u'\n');
 }
@@ -169,9 +169,9 @@ void BrowserReportSheet::keep(const BrowserEvidencePayload& payload, const Resul
 void BrowserReportSheet::file(const BrowserEvidencePayload& payload, const Result<SavedEvidence>& evidence)
 {
     const QString error = evidence ? QString() : evidence.error().message;
-    const BrowserBug bug { .title = m_browser.masked(m_title),
+    const BrowserBug bug { .title = masked(m_browser.page(), m_title),
         .severity = m_severity,
-        .owner = m_browser.masked(m_owner),
+        .owner = masked(m_browser.page(), m_owner),
         .note = payload.note,
         .url = payload.url,
         .consoleCount = payload.consoleEvents.size(),

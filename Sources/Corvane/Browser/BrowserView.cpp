@@ -116,7 +116,7 @@ void BrowserView::solveProblem()
 
 QString BrowserView::notice() const
 {
-    QStringList parts { m_notice, m_player.words(), m_browser.notice() };
+    QStringList parts { m_notice, m_player.words(), masked(m_browser.page(), m_browser.page().notice()) };
     parts.removeAll(QString());
     return parts.join(u' ');
 }
@@ -137,7 +137,7 @@ void BrowserView::actOnNotice()
 void BrowserView::dismissNotice()
 {
     m_player.stop();
-    m_browser.dismissNotice();
+    m_browser.page().dismissNotice();
     say({});
 }
 
@@ -175,7 +175,7 @@ QString BrowserView::emptyAction() const
 
 void BrowserView::find(const QString& text, bool backwards)
 {
-    m_browser.find(text, backwards);
+    m_browser.page().find(text, backwards);
 }
 
 void BrowserView::openSheet(Purpose purpose)

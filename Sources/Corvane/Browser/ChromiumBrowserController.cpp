@@ -1,7 +1,6 @@
 #include "Browser/ChromiumBrowserController.h"
 
 #include "Browser/ChromiumStart.h"
-#include "Foundation/Redaction.h"
 
 #include <QJsonArray>
 
@@ -21,7 +20,6 @@ const QString hangs = u"The browser does not answer."_s;
 constexpr Milliseconds tellPause(50);
 constexpr Milliseconds watchPeriod(5000);
 constexpr Milliseconds passwordLimit(3000);
-constexpr qsizetype longestText = 4000;
 
 /// The title now, and what stands in password fields of the page and of the frames that may be looked into.
 const QString titleAndPasswords = uR"JS((() => {
@@ -34,19 +32,6 @@ const QString titleAndPasswords = uR"JS((() => {
     return { title: document.title, passwords: found };
 })())JS"_s;
 
-const QString selectionOfPage = uR"JS((cut => {
-    const field = document.activeElement;
-    const isField = field && typeof field.selectionStart === 'number' && field.type !== 'password';
-    const text = isField ? field.value.slice(field.selectionStart, field.selectionEnd) : String(getSelection());
-    if (cut) document.execCommand('delete');
-    return text;
-}))JS"_s;
-
-QJsonObject expression(const QString& script)
-{
-    return { { u"expression"_s, script }, { u"returnByValue"_s, true } };
-}
-
 }
 
 ChromiumBrowserController::ChromiumBrowserController(const BrowserSurroundings& at, QObject* parent)
@@ -54,23 +39,15 @@ ChromiumBrowserController::ChromiumBrowserController(const BrowserSurroundings& 
     , m_at(at)
     , m_options(at.options)
     , m_page(at.scheduler, this)
+    , m_surface(m_page, this)
     , m_status(notStarted)
     , m_tell(at.scheduler, tellPause, [this] { Q_EMIT changed(); })
     , m_tellEvents(at.scheduler, tellPause, [this] { Q_EMIT eventsChanged(); })
-    , m_decoder([this](const BrowserFrame& frame) {
-        const bool isFirst = m_frame.isNull();
-        m_frame = frame.image;
-        m_viewport = frame.viewport.isEmpty() ? QSizeF(frame.image.size()) : frame.viewport;
-        Q_EMIT frameChanged();
-        if (isFirst)
-            m_tell.request();
-    })
     , m_start(std::make_unique<ChromiumStart>(at, [this](const QString& reason) { lose(reason); }))
 {
     connect(&m_page, &BrowserPage::changed, this, [this] { m_tell.request(); });
     connect(&m_page, &BrowserPage::eventsChanged, this, [this] { m_tellEvents.request(); });
-    connect(&m_page, &BrowserPage::frame, this,
-        [this](const QByteArray& data, QSizeF viewport) { m_decoder.offer(data, viewport); });
+    connect(&m_surface, &BrowserSurface::shown, this, [this] { m_tell.request(); });
     connect(&m_page, &BrowserPage::loaded, this, [this] {
         m_status = loaded;
         m_tell.request();
@@ -133,6 +110,7 @@ void ChromiumBrowserController::adopt(DevToolsConnection* connection)
     });
     m_status = connected;
     m_page.attach(connection);
+    m_surface.attach(connection);
     connection->call(u"Browser.getVersion"_s, {}, [self = QPointer(this)](const Result<QJsonObject>& version) {
         if (self && version)
             self->m_browser = version->value("product"_L1).toString();
@@ -177,6 +155,7 @@ void ChromiumBrowserController::lose(const QString& reason)
     }
     m_connection->deleteLater();
     m_connection = nullptr;
+    m_surface.attach(nullptr);
     m_watch.reset();
     m_isHanging = false;
     m_status = disconnected;
@@ -196,10 +175,10 @@ void ChromiumBrowserController::restart()
     open(url);
 }
 
-void ChromiumBrowserController::send(const QString& method, const QJsonObject& parameters)
+void ChromiumBrowserController::send(const QString& method)
 {
     if (m_connection)
-        m_connection->call(method, parameters);
+        m_connection->call(method);
 }
 
 void ChromiumBrowserController::reload()
@@ -216,87 +195,10 @@ void ChromiumBrowserController::stop()
     send(u"Page.stopLoading"_s);
 }
 
-void ChromiumBrowserController::clickBrowser(QPointF point, QSizeF view)
+bool ChromiumBrowserController::hasEvidence() const
 {
-    BrowserPointer press { .kind = BrowserPointer::Kind::Press, .at = point, .button = Qt::LeftButton, .clicks = 1 };
-    pointer(press, view);
-    press.kind = BrowserPointer::Kind::Release;
-    pointer(press, view);
-}
-
-void ChromiumBrowserController::pointer(const BrowserPointer& pointer, QSizeF view)
-{
-    if (m_frame.isNull())
-        return;
-    if (const auto at = pagePoint(pointer.at, view, m_viewport))
-        send(u"Input.dispatchMouseEvent"_s, pointerParameters(pointer, *at));
-}
-
-void ChromiumBrowserController::key(const BrowserKey& key)
-{
-    if (const auto parameters = keyParameters(key))
-        send(u"Input.dispatchKeyEvent"_s, *parameters);
-}
-
-void ChromiumBrowserController::insertText(const QString& text)
-{
-    if (!text.isEmpty())
-        send(u"Input.insertText"_s, { { u"text"_s, text } });
-}
-
-void ChromiumBrowserController::compose(const QString& text, int cursor)
-{
-    send(u"Input.imeSetComposition"_s,
-        { { u"text"_s, text }, { u"selectionStart"_s, cursor }, { u"selectionEnd"_s, cursor } });
-}
-
-void ChromiumBrowserController::takeSelection(bool andCut, std::function<void(const QString&)> done)
-{
-    if (!m_connection)
-        return;
-    m_connection->call(u"Runtime.evaluate"_s, expression(selectionOfPage + (andCut ? u"(true)"_s : u"(false)"_s)),
-        [self = QPointer(this), done = std::move(done)](const Result<QJsonObject>& result) {
-            const QString text = result ? result->value("result"_L1)["value"_L1].toString() : QString();
-            if (self && !text.isEmpty())
-                done(text);
-        });
-}
-
-QString ChromiumBrowserController::masked(const QString& text) const
-{
-    // Shortened behind the masking: half a secret might not look like one.
-    const QString safe = redactSensitive(text, m_page.steps().secrets());
-    return safe.size() > longestText ? safe.first(longestText) + u"…"_s : safe;
-}
-
-QList<BrowserConsoleEvent> ChromiumBrowserController::consoleEvents() const
-{
-    QList<BrowserConsoleEvent> events = m_page.events().console();
-    for (BrowserConsoleEvent& event : events) {
-        event.text = masked(event.text);
-        event.url = masked(event.url);
-    }
-    return events;
-}
-
-QList<BrowserNetworkEvent> ChromiumBrowserController::networkEvents() const
-{
-    QList<BrowserNetworkEvent> events = m_page.events().network();
-    for (BrowserNetworkEvent& event : events) {
-        event.url = masked(event.url);
-        event.detail = masked(event.detail);
-    }
-    return events;
-}
-
-QList<BrowserStep> ChromiumBrowserController::steps() const
-{
-    QList<BrowserStep> steps = m_page.steps().steps();
-    for (BrowserStep& step : steps) {
-        for (QString* const text : { &step.selector, &step.label, &step.text })
-            *text = masked(*text);
-    }
-    return steps;
+    const BrowserEvents& events = m_page.events();
+    return m_surface.hasFrame() || !events.console().isEmpty() || !events.network().isEmpty();
 }
 
 QString ChromiumBrowserController::evidenceRoot() const
@@ -314,13 +216,13 @@ void ChromiumBrowserController::gatherEvidence(
         payload.capturedAt = self->m_at.scheduler.nowMs();
         payload.title = self->title();
         payload.url = self->currentURL();
-        payload.requestedURL = self->masked(requestedURL);
-        payload.note = self->masked(note);
+        payload.requestedURL = masked(self->m_page, requestedURL);
+        payload.note = masked(self->m_page, note);
         payload.status = self->status();
         payload.lastError = self->lastError();
-        payload.consoleEvents = self->consoleEvents();
-        payload.networkEvents = self->networkEvents();
-        payload.steps = self->steps();
+        payload.consoleEvents = maskedConsole(self->m_page);
+        payload.networkEvents = maskedRequests(self->m_page);
+        payload.steps = maskedSteps(self->m_page);
         payload.browser = self->m_browser;
         done(payload);
     };
@@ -328,17 +230,15 @@ void ChromiumBrowserController::gatherEvidence(
     m_evidenceLimit = m_at.scheduler.after(m_connection ? passwordLimit : Milliseconds(0), give);
     if (!m_connection)
         return;
-    m_connection->call(u"Runtime.evaluate"_s, expression(titleAndPasswords),
-        [self = QPointer(this), give](const Result<QJsonObject>& result) {
-            if (!self)
-                return;
-            const QJsonValue found = result.value_or(QJsonObject())["result"_L1]["value"_L1];
-            for (const QJsonValue& value : found["passwords"_L1].toArray())
-                self->m_page.steps().addSecret(value.toString());
-            if (const QJsonValue title = found["title"_L1]; title.isString())
-                self->m_page.setTitle(title.toString());
-            give();
-        });
+    m_connection->evaluate(titleAndPasswords, [self = QPointer(this), give](const QJsonValue& found) {
+        if (!self)
+            return;
+        for (const QJsonValue& value : found["passwords"_L1].toArray())
+            self->m_page.steps().addSecret(value.toString());
+        if (const QJsonValue title = found["title"_L1]; title.isString())
+            self->m_page.setTitle(title.toString());
+        give();
+    });
 }
 
 }

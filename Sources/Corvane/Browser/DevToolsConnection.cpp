@@ -25,6 +25,13 @@ void DevToolsConnection::call(const QString& method, const QJsonObject& paramete
     write(compactJson(message));
 }
 
+void DevToolsConnection::evaluate(const QString& script, std::function<void(const QJsonValue& value)> take)
+{
+    call(u"Runtime.evaluate"_s, { { u"expression"_s, script }, { u"returnByValue"_s, true } },
+        [take = std::move(take)](
+            const Result<QJsonObject>& result) { take(result.value_or(QJsonObject())["result"_L1]["value"_L1]); });
+}
+
 void DevToolsConnection::receive(const QByteArray& text)
 {
     const std::optional<QJsonObject> message = jsonObject(text);

@@ -25,6 +25,9 @@ public:
     /// numbered from 1, but for those that bring a number of their own.
     void call(const QString& method, const QJsonObject& parameters = {}, Answer answer = {}, int ownNumber = 0);
 
+    /// `take` gets the value of a script that runs in the page; undefined where it fails. Called as an answer is.
+    void evaluate(const QString& script, std::function<void(const QJsonValue& value)> take);
+
     /// Calls go to this page of the browser; for a line that leads to the browser as a whole.
     void setSession(const QString& id) { m_session = id; }
 

@@ -46,30 +46,28 @@ BrowserFrameItem::BrowserFrameItem(QQuickItem* parent)
     setActiveFocusOnTab(true);
 }
 
-void BrowserFrameItem::setBrowser(ChromiumBrowserController* browser)
+void BrowserFrameItem::setSurface(BrowserSurface* surface)
 {
-    if (browser == m_browser)
+    if (surface == m_surface)
         return;
-    if (m_browser) {
-        m_browser->disconnect(this);
-        m_browser->page().disconnect(this);
-    }
-    m_browser = browser;
-    if (browser) {
-        connect(&browser->page(), &BrowserPage::cursorChanged, this, [this](const QString& css) {
+    if (m_surface)
+        m_surface->disconnect(this);
+    m_surface = surface;
+    if (surface) {
+        connect(surface, &BrowserSurface::cursorChanged, this, [this](const QString& css) {
             m_cursor = cursorShape(css);
             setCursor(m_cursor);
         });
-        connect(browser, &ChromiumBrowserController::frameChanged, this, [this] { setImage(m_browser->frameImage()); });
-        setImage(browser->frameImage());
+        connect(surface, &BrowserSurface::frameChanged, this, [this] { setImage(m_surface->frameImage()); });
+        setImage(surface->frameImage());
     }
-    Q_EMIT browserChanged();
+    Q_EMIT surfaceChanged();
 }
 
 bool BrowserFrameItem::event(QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
-        event->setAccepted(m_browser && m_browser->isRunning() && isForPage(*static_cast<QKeyEvent*>(event)));
+        event->setAccepted(m_surface && m_surface->takesInput() && isForPage(*static_cast<QKeyEvent*>(event)));
         return event->isAccepted();
     }
     // Tab is the page's, too.
@@ -82,51 +80,51 @@ bool BrowserFrameItem::event(QEvent* event)
 
 void BrowserFrameItem::keyPressEvent(QKeyEvent* event)
 {
-    event->setAccepted(m_browser && m_browser->isRunning() && isForPage(*event));
+    event->setAccepted(m_surface && m_surface->takesInput() && isForPage(*event));
     if (!event->isAccepted())
         return;
     if (isClipboardKey(*event))
         return edit(*event);
-    m_browser->key({ true, event->key(), event->text(), event->modifiers(), event->isAutoRepeat() });
+    m_surface->key({ true, event->key(), event->text(), event->modifiers(), event->isAutoRepeat() });
 }
 
 void BrowserFrameItem::keyReleaseEvent(QKeyEvent* event)
 {
-    event->setAccepted(m_browser && m_browser->isRunning() && isForPage(*event));
+    event->setAccepted(m_surface && m_surface->takesInput() && isForPage(*event));
     if (event->isAccepted() && !event->isAutoRepeat() && !isClipboardKey(*event))
-        m_browser->key({ false, event->key(), event->text(), event->modifiers() });
+        m_surface->key({ false, event->key(), event->text(), event->modifiers() });
 }
 
 void BrowserFrameItem::edit(const QKeyEvent& event)
 {
     if (event.matches(QKeySequence::Paste))
-        return m_browser->insertText(QGuiApplication::clipboard()->text());
-    m_browser->takeSelection(
+        return m_surface->insertText(QGuiApplication::clipboard()->text());
+    m_surface->takeSelection(
         event.matches(QKeySequence::Cut), [](const QString& text) { QGuiApplication::clipboard()->setText(text); });
 }
 
 void BrowserFrameItem::inputMethodEvent(QInputMethodEvent* event)
 {
     event->accept();
-    if (!m_browser)
+    if (!m_surface)
         return;
     if (!event->commitString().isEmpty())
-        m_browser->insertText(event->commitString());
+        m_surface->insertText(event->commitString());
     else
-        m_browser->compose(event->preeditString(), int(event->preeditString().size()));
+        m_surface->compose(event->preeditString(), int(event->preeditString().size()));
 }
 
 QVariant BrowserFrameItem::inputMethodQuery(Qt::InputMethodQuery query) const
 {
     if (query == Qt::ImEnabled)
-        return m_browser && m_browser->isRunning();
+        return m_surface && m_surface->takesInput();
     return query == Qt::ImHints ? QVariant(int(Qt::ImhNoPredictiveText)) : QQuickItem::inputMethodQuery(query);
 }
 
 void BrowserFrameItem::send(BrowserPointer::Kind kind, const QSinglePointEvent& event)
 {
-    if (m_browser)
-        m_browser->pointer({ .kind = kind,
+    if (m_surface)
+        m_surface->pointer({ .kind = kind,
                                .at = event.position(),
                                .button = event.button(),
                                .buttons = event.buttons(),
@@ -167,11 +165,11 @@ void BrowserFrameItem::hoverMoveEvent(QHoverEvent* event)
 void BrowserFrameItem::wheelEvent(QWheelEvent* event)
 {
     event->accept();
-    if (!m_browser)
+    if (!m_surface)
         return;
     const QPointF pixels = event->pixelDelta().isNull() ? QPointF(event->angleDelta()) * (pixelsOfNotch / notch)
                                                         : QPointF(event->pixelDelta());
-    m_browser->pointer({ .kind = BrowserPointer::Kind::Wheel,
+    m_surface->pointer({ .kind = BrowserPointer::Kind::Wheel,
                            .at = event->position(),
                            .buttons = event->buttons(),
                            .modifiers = event->modifiers(),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Browser/ChromiumBrowserController.h"
+#include "Browser/BrowserSurface.h"
 #include "UI/Dev/BrowserPicture.h"
 
 #include <QPointer>
@@ -12,17 +12,17 @@ namespace corvane {
 class BrowserFrameItem : public corvane::BrowserPicture {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(corvane::ChromiumBrowserController* browser READ browser WRITE setBrowser NOTIFY browserChanged)
+    Q_PROPERTY(corvane::BrowserSurface* surface READ surface WRITE setSurface NOTIFY surfaceChanged)
 public:
     explicit BrowserFrameItem(QQuickItem* parent = nullptr);
 
-    ChromiumBrowserController* browser() const { return m_browser; }
-    void setBrowser(ChromiumBrowserController* browser);
+    BrowserSurface* surface() const { return m_surface; }
+    void setSurface(BrowserSurface* surface);
 
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 Q_SIGNALS:
-    void browserChanged();
+    void surfaceChanged();
 
 protected:
     bool event(QEvent* event) override;
@@ -40,7 +40,7 @@ private:
     void send(BrowserPointer::Kind kind, const QSinglePointEvent& event);
     void edit(const QKeyEvent& event);
 
-    QPointer<ChromiumBrowserController> m_browser;
+    QPointer<BrowserSurface> m_surface;
     Qt::CursorShape m_cursor = Qt::ArrowCursor; ///< over the page
     int m_clicks = 1; ///< of the button that was pressed last
 };

@@ -139,8 +139,8 @@ FocusScope {
             id: page
             objectName: "browser.page"
             anchors.fill: parent
-            visible: pane.screen.browser.hasFrame
-            browser: pane.screen.browser
+            visible: pane.screen.browser.surface.hasFrame
+            surface: pane.screen.browser.surface
             Accessible.role: Accessible.WebDocument
             Accessible.name: pane.screen.browser.title
             Accessible.focusable: true
@@ -190,7 +190,7 @@ FocusScope {
             objectName: "browser.empty"
             anchors.centerIn: parent
             width: Math.min(420, parent.width)
-            visible: !pane.screen.browser.hasFrame
+            visible: !pane.screen.browser.surface.hasFrame
             icon: "computer"
             title: pane.screen.emptyTitle
             detail: pane.screen.emptyDetail

@@ -22,6 +22,13 @@ struct ChromiumBrowserControllerType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct BrowserSurfaceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::BrowserSurface)
+    QML_NAMED_ELEMENT(BrowserSurface)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct BrowserReportSheetType {
     Q_GADGET
     QML_FOREIGN(corvane::BrowserReportSheet)

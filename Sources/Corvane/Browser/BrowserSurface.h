@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Browser/BrowserInput.h"
+#include "Browser/FrameDecoder.h"
+
+#include <QObject>
+#include <QPointer>
+
+namespace corvane {
+
+class BrowserPage;
+class DevToolsConnection;
+
+/// The page as pictures, and the input that goes to it. Points are in a view of the given size, in which the frame is
+/// shown at its ratio.
+class BrowserSurface : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool hasFrame READ hasFrame NOTIFY shown)
+public:
+    BrowserSurface(const BrowserPage& page, QObject* parent); ///< the page outlives it
+
+    void attach(DevToolsConnection* connection); ///< of the page; null for none
+    bool takesInput() const { return m_connection != nullptr; }
+
+    const QImage& frameImage() const { return m_frame; } ///< null before the first
+    bool hasFrame() const { return !m_frame.isNull(); }
+    QSizeF viewportSize() const { return m_viewport; } ///< in pixels of the page; empty before the first frame
+
+    void clickBrowser(QPointF point, QSizeF view);
+    void pointer(const BrowserPointer& pointer, QSizeF view);
+    void key(const BrowserKey& key);
+    void insertText(const QString& text); ///< as an input method commits it
+    void compose(const QString& text, int cursor); ///< as an input method shows it meanwhile
+    void takeSelection(bool andCut, std::function<void(const QString&)> done);
+
+Q_SIGNALS:
+    void shown(); ///< the first frame
+    void frameChanged();
+    void cursorChanged(const QString& css); ///< over the page, as CSS names it
+
+private:
+    void show(const BrowserFrame& frame);
+    void send(const QString& method, const QJsonObject& parameters);
+
+    QPointer<DevToolsConnection> m_connection;
+    QImage m_frame;
+    QSizeF m_viewport;
+    FrameDecoder m_decoder;
+};
+
+}
