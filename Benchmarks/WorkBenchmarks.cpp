@@ -69,8 +69,8 @@ Bench& bench()
 void openContext(benchmark::State& state)
 {
     for (auto _ : state) {
-        bench().shell().setPlace(u"asks"_s);
-        bench().shell().select(u"ctx:0"_s);
+        bench().shell().rail()->setPlace(u"asks"_s);
+        bench().shell().rail()->select(u"ctx:0"_s);
     }
 }
 

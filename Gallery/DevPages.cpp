@@ -158,11 +158,11 @@ void drawDev(Gallery& gallery)
     screens.terminals.closeCurrent();
     screens.terminals.answer(true);
     screens.shell.selectHub(u"lumo"_s);
-    screens.lumo.shell()->setPlace(u"console"_s);
+    screens.lumo.shell()->rail()->setPlace(u"console"_s);
     screens.lumoConsole.setTab(u"assistant"_s);
     gallery.wait(pause);
     gallery.save(u"lumo-console"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    screens.lumo.shell()->setPlace(u"knowledge"_s);
+    screens.lumo.shell()->rail()->setPlace(u"knowledge"_s);
     screens.shell.selectHub(u"inbox"_s);
 }
 

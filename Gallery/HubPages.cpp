@@ -15,7 +15,7 @@ const std::initializer_list<Look> everyLook { Look::Light, Look::Dark, Look::Lig
 /// Each of the tabs of a context.
 void drawTabs(Gallery& gallery, WorkModuleShell& shell, const QString& context, const QString& name)
 {
-    shell.select(context);
+    shell.rail()->select(context);
     for (const TabItem& tab : shell.tabs()) {
         shell.setTab(tab.id);
         gallery.wait(pause);
@@ -30,11 +30,11 @@ void drawOps(Gallery& gallery)
     WorkModuleShell& shell = *ops.shell();
     gallery.screens().shell.selectHub(u"ops"_s);
     constexpr int longestWait = 40; // the demonstration writes its records a few seconds after the start
-    for (int i = 0; shell.contextRows().isEmpty() && i < longestWait; ++i)
+    for (int i = 0; shell.rail()->contextRows().isEmpty() && i < longestWait; ++i)
         gallery.wait(pause);
-    const QList<TabItem> places = shell.places(); // their counts change while they are walked
+    const QList<TabItem> places = shell.rail()->places(); // their counts change while they are walked
     for (const TabItem& place : places) {
-        shell.setPlace(place.id);
+        shell.rail()->setPlace(place.id);
         gallery.wait(pause);
         gallery.save(u"ops-"_s + place.id, everyLook);
     }
@@ -76,14 +76,14 @@ void drawOps(Gallery& gallery)
     gallery.wait(pause);
     gallery.save(u"ops-board-nothing-found"_s);
     shell.board()->clearFilters();
-    shell.select(u"ctx:ops:christmas-helper"_s);
+    shell.rail()->select(u"ctx:ops:christmas-helper"_s);
     gallery.wait(pause);
     gallery.save(u"ops-hiring"_s);
     ops.showAsk(u"ask:demo:shop:0"_s);
     gallery.wait(pause);
     gallery.save(u"ops-answer"_s);
     ops.asks()->closeAnswer();
-    shell.setPlace(u"home"_s);
+    shell.rail()->setPlace(u"home"_s);
 }
 
 /// Every hub where no agent and no person has written anything yet.
@@ -114,9 +114,9 @@ void drawHubs(Gallery& gallery)
     Screens& screens = gallery.screens();
     drawOps(gallery);
     screens.shell.selectHub(u"lumo"_s);
-    const QList<TabItem> places = screens.lumo.shell()->places();
+    const QList<TabItem> places = screens.lumo.shell()->rail()->places();
     for (const TabItem& place : places) {
-        screens.lumo.shell()->setPlace(place.id);
+        screens.lumo.shell()->rail()->setPlace(place.id);
         gallery.wait(pause);
         gallery.save(u"lumo-"_s + place.id, everyLook);
     }

@@ -65,7 +65,8 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     EXPECT_EQ(cell(u"SELECT status FROM work_decision;"_s), "proposed") << "money asks twice";
     click(u"decision.approve:Review Pay the clay"_s);
     EXPECT_EQ(cell(u"SELECT status FROM work_decision;"_s), "approved");
-    insertWorkDecision(app.db(), { "ops", screens.ops.shell()->selectedContextId(), "Order glaze", "", "", "" });
+    insertWorkDecision(
+        app.db(), { "ops", screens.ops.shell()->rail()->selectedContextId(), "Order glaze", "", "", "" });
     approvals.refresh();
     approvals.decide({ ApprovalKind::Decision, cell(u"SELECT id FROM work_decision WHERE title='Order glaze';"_s) },
         Verdict::Approve, Milliseconds(0));
@@ -73,7 +74,8 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     EXPECT_EQ(screens.ops.shell()->decisions()->decisionRows().size(), 2) << "what is decided elsewhere is shown here";
     for (const TabItem& tab : screens.ops.shell()->tabs())
         click(u"work.tab:"_s + tab.id);
-    EXPECT_EQ(screens.ops.shell()->timelineRows().size(), 6) << "filed, held, approved, what was said, and the other";
+    EXPECT_EQ(screens.ops.shell()->history()->timelineRows().size(), 6)
+        << "filed, held, approved, what was said, and the other";
     press(Qt::Key_K, Qt::ControlModifier);
     type(u"clay"_s);
     ASSERT_TRUE(await([&] { return inbox.palette()->items()->rowCount() > 1; }));

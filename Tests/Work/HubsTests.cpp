@@ -112,9 +112,9 @@ TEST_F(Hubs, lumoShowsKnowledgeAgentsAndFlowsOfEveryModule)
     EXPECT_EQ(hub.agents()->rows().first().lastWords, "Found three");
     EXPECT_FALSE(hub.propose(u" "_s));
     EXPECT_TRUE(hub.propose(u"We fire on Mondays"_s));
-    EXPECT_EQ(hub.shell()->places().first().count, 2);
+    EXPECT_EQ(hub.shell()->rail()->places().first().count, 2);
     hub.knowledge()->decideMemory(hub.knowledge()->memoryRows().first().id, true);
-    EXPECT_EQ(hub.shell()->places().first().count, 1);
+    EXPECT_EQ(hub.shell()->rail()->places().first().count, 1);
 }
 
 TEST_F(Hubs, opsCountsGatesAndOrders)
@@ -129,8 +129,8 @@ TEST_F(Hubs, opsCountsGatesAndOrders)
     createOpsAsk(*m_db, { .projectSlug = "shop", .question = "Stop?", .urgency = "high" });
     hub.shell()->setShown(true);
     EXPECT_EQ(hub.urgentBadge() + ' ' + hub.activeText(), "1 1 in progress");
-    EXPECT_EQ(hub.shell()->places().at(2).count, 1);
-    hub.shell()->setPlace(u"finance"_s);
+    EXPECT_EQ(hub.shell()->rail()->places().at(2).count, 1);
+    hub.shell()->rail()->setPlace(u"finance"_s);
     ASSERT_EQ(hub.finance()->rows().size(), 1);
     hub.finance()->gate();
     EXPECT_EQ(

@@ -21,6 +21,7 @@ protected:
 
     OpsHub hub { services };
     WorkModuleShell& shell = *hub.shell();
+    WorkRail& rail = *shell.rail();
 };
 
 }
@@ -29,7 +30,7 @@ TEST_F(WorkShell, whatAnotherProgramWritesAppearsWithinFourSecondsAndAnIdleShell
 {
     m_db->watch().start();
     shell.setShown(true);
-    EXPECT_EQ(shell.contextsEmpty(), "No processes yet");
+    EXPECT_EQ(rail.contextsEmpty(), "No processes yet");
     EXPECT_EQ(shell.quickActions().size(), 0);
     EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");
     const QSignalSpy refreshed(&shell, &WorkModuleShell::refreshed);
@@ -40,7 +41,7 @@ TEST_F(WorkShell, whatAnotherProgramWritesAppearsWithinFourSecondsAndAnIdleShell
                "INSERT INTO work_item(id, context_id, module, title, status) VALUES('i','c','ops','Count','odd');");
     m_clock.advance(Milliseconds(4000));
     EXPECT_EQ(refreshed.size(), 1);
-    ASSERT_EQ(shell.contextRows().size(), 1);
+    ASSERT_EQ(rail.contextRows().size(), 1);
     EXPECT_EQ(shell.board()->laneCount(), 5) << "a status that is not ours stands in a lane of its own";
     EXPECT_EQ(lane(4), QStringList("Count"));
     shell.setShown(false);
@@ -48,7 +49,7 @@ TEST_F(WorkShell, whatAnotherProgramWritesAppearsWithinFourSecondsAndAnIdleShell
     m_clock.advance(Milliseconds(9000));
     EXPECT_EQ(refreshed.size(), 1) << "what nobody sees is not read";
     shell.setShown(true);
-    EXPECT_EQ(shell.contextRows().size(), 0);
+    EXPECT_EQ(rail.contextRows().size(), 0);
 }
 
 TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
@@ -56,18 +57,18 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     const WorkContextRow kiln = context(u"Kiln"_s);
     const WorkContextRow pay = context(u"Payroll run"_s);
     shell.setShown(true);
-    shell.select(pay.id);
+    rail.select(pay.id);
     EXPECT_EQ(shell.tab(), "finance");
     EXPECT_EQ(shell.board()->lane(2)->title(), "Approval");
     shell.setTab(u"hiring"_s);
     EXPECT_EQ(shell.tab(), "finance") << "not a tab of this context";
     shell.setTab(u"approvals"_s);
-    shell.select(kiln.id);
+    rail.select(kiln.id);
     EXPECT_EQ(shell.tab(), "approvals") << "a tab that both have stays";
     shell.setTab(u"processes"_s);
-    shell.select(pay.id);
+    rail.select(pay.id);
     EXPECT_EQ(shell.tab(), "finance") << "and one that this has not gives way to its own";
-    shell.select(kiln.id);
+    rail.select(kiln.id);
     shell.setTab(u"evidence"_s);
     m_db->run("UPDATE work_context SET title='Kiln repair' WHERE id=?;", { kiln.id });
     shell.refresh();
@@ -78,7 +79,7 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     EXPECT_EQ(shell.tab(), "hiring");
     m_db->run("DELETE FROM work_context WHERE id=?;", { kiln.id });
     shell.refresh();
-    EXPECT_EQ(shell.place(), "home") << "what is gone is not selected";
+    EXPECT_EQ(rail.place(), "home") << "what is gone is not selected";
     shell.create()->begin(u"context"_s);
     shell.create()->field(u"title"_s).type(u"Studio rent"_s);
     shell.create()->submit();
@@ -91,7 +92,7 @@ TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)
     const QString id = item(kiln.id, u"Order shelves"_s);
     item(kiln.id, u"Measure"_s, u"waiting"_s);
     shell.setShown(true);
-    shell.select(kiln.id);
+    rail.select(kiln.id);
     WorkBoard& board = *shell.board();
     EXPECT_EQ(lane(0), QStringList("Order shelves"));
     board.move(id, 1);
@@ -126,7 +127,7 @@ TEST_F(WorkShell, oneRowThatChangedRepaintsOneCard)
     for (int i = 0; i < 100; ++i)
         item(kiln.id, u"Item %1"_s.arg(i), i % 2 ? u"open"_s : u"waiting"_s);
     shell.setShown(true);
-    shell.select(kiln.id);
+    rail.select(kiln.id);
     QStringList painted;
     int others = 0;
     for (int at = 0; at < shell.board()->laneCount(); ++at) {
@@ -197,13 +198,13 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
 {
     const WorkContextRow may = context(u"May invoices"_s);
     shell.setShown(true);
-    shell.select(may.id);
+    rail.select(may.id);
     shell.create()->beginQuickAction(u"Invoice Check"_s, u"status + evidence"_s);
     EXPECT_FALSE(shell.create()->message().isEmpty());
     shell.create()->submit();
     ASSERT_EQ(shell.board()->lane(0)->rows().size(), 1);
     EXPECT_TRUE(shell.board()->lane(0)->rows().first().waits);
-    EXPECT_TRUE(shell.contextRows().first().waits);
+    EXPECT_TRUE(rail.contextRows().first().waits);
     m_clock.advance(Milliseconds(2000));
     shell.decisions()->decide(shell.decisions()->decisionRows().first().id, true);
     EXPECT_FALSE(shell.board()->lane(0)->rows().first().waits);
@@ -214,7 +215,7 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
     shell.decisions()->decideMemory(shell.decisions()->memoryRows().first().id, false);
     shell.setTab(u"timeline"_s);
     QStringList story;
-    for (const OpsTimelineEvent& event : shell.timelineRows())
+    for (const OpsTimelineEvent& event : shell.history()->timelineRows())
         story.append(event.label + ": " + event.title + (event.label == "message" ? " " + event.detail : QString()));
     ASSERT_EQ(story.size(), 5);
     EXPECT_TRUE(
@@ -253,7 +254,7 @@ TEST_F(WorkShell, whatIsCreatedAtAPlaceMayChooseItsContext)
     create.field(u"title"_s).type(u"Which clay?"_s);
     create.submit();
     EXPECT_EQ(shell.notice(), "Ask saved. No work_context packet is available for LumoAI to answer.");
-    shell.select(may.id);
+    rail.select(may.id);
     create.begin(u"item"_s);
     EXPECT_TRUE(create.contexts().isEmpty()) << "the context is no question here";
 }
@@ -262,7 +263,7 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
 {
     WorkContextRow may = context(u"O'Brien's invoices"_s);
     shell.setShown(true);
-    shell.select(may.id);
+    rail.select(may.id);
     WorkAgents& agents = *shell.agents();
     agents.launch();
     EXPECT_EQ(agents.command(),
@@ -301,7 +302,7 @@ TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
         { may.id, u"a\u202Eb\n\x01"_s + QString(100'000, 'y') });
     m_db->exec("INSERT INTO work_item(id, module, title) VALUES('n','ops','');");
     shell.setShown(true);
-    shell.select(may.id);
+    rail.select(may.id);
     const WorkItemSeed hostile = shell.board()->lane(0)->rows().first();
     EXPECT_TRUE(hostile.title.startsWith("ab y"));
     EXPECT_LE(hostile.title.size(), 300);
@@ -312,14 +313,14 @@ TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
     shell.chat()->showEarlier();
     EXPECT_EQ(shell.chat()->lines()->rowCount(), 200);
     shell.setTab(u"timeline"_s);
-    EXPECT_LE(shell.timelineRows().last().detail.size(), 4001);
-    shell.setPlace(u"home"_s);
+    EXPECT_LE(shell.history()->timelineRows().last().detail.size(), 4001);
+    rail.setPlace(u"home"_s);
     EXPECT_EQ(lane(4), QStringList("Untitled")) << "a row without a context, a title and a status";
     for (const char* name : { "work_context", "work_item", "work_decision", "work_evidence", "work_message",
              "work_agent", "work_session", "work_memory", "ask", "project" })
         m_db->exec(u"DROP TABLE %1;"_s.arg(QLatin1StringView(name)));
     shell.refresh();
-    EXPECT_EQ(shell.contextsEmpty(), "No processes yet");
+    EXPECT_EQ(rail.contextsEmpty(), "No processes yet");
     EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");
 }
 

@@ -99,7 +99,7 @@ void CXHub::readPlaces()
     m_queue.assign(seeds);
     if (std::ranges::find(seeds, m_selected, &WaitingSeed::contactId) == seeds.end())
         m_selected = seeds.isEmpty() ? QString() : seeds.first().contactId;
-    m_shell.setPlaceCount(u"queue"_s, int(seeds.size()));
+    m_shell.rail()->setPlaceCount(u"queue"_s, int(seeds.size()));
     readSelected();
 }
 
@@ -185,7 +185,7 @@ void CXHub::newTicket()
     const QString context = m_contexts.value(m_selected);
     const QString about = name();
     if (!context.isEmpty())
-        m_shell.select(context);
+        m_shell.rail()->select(context);
     m_shell.create()->begin(u"item"_s, u"ticket"_s, context.isEmpty() ? about + u": "_s : QString());
 }
 

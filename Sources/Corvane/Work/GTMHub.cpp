@@ -100,7 +100,7 @@ GTMHub::GTMHub(const WorkServices& services, QObject* parent)
 
 void GTMHub::readPlaces()
 {
-    if (m_shell.place().isEmpty())
+    if (m_shell.rail()->place().isEmpty())
         return;
     const qint64 now = m_at.db.nowMs();
     const DateWords words(now);

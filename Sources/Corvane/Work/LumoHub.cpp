@@ -40,9 +40,9 @@ void LumoHub::readPlaces()
     for (const WorkEvidenceRecord& row : fetchEvidenceOfKind(m_at.db, u"runbook"_s, flowsShown))
         flows.append(evidenceSeed(row, words));
     m_flows.assign(flows);
-    m_shell.setPlaceCount(
+    m_shell.rail()->setPlaceCount(
         u"knowledge"_s, int(std::ranges::count(m_knowledge.memoryRows(), true, &WorkMemorySeed::waits)));
-    m_shell.setPlaceCount(u"agents"_s, m_agents.silent());
+    m_shell.rail()->setPlaceCount(u"agents"_s, m_agents.silent());
     Q_EMIT changed();
 }
 

@@ -125,7 +125,7 @@ OpsHub::OpsHub(const WorkServices& services, QObject* parent)
     };
     connect(&m_shell, &WorkModuleShell::refreshed, this, &OpsHub::readPlaces);
     connect(&m_shell, &WorkModuleShell::aged, this, [this] {
-        if (m_shell.place() == "projects"_L1)
+        if (m_shell.rail()->place() == "projects"_L1)
             m_projects.reload();
     });
     connect(&m_asks, &OpsAsks::wrote, this, readAgain);
@@ -147,7 +147,7 @@ void OpsHub::readPlaces()
 {
     countUrgent();
     m_asks.reload();
-    const QString place = m_shell.place();
+    const QString place = m_shell.rail()->place();
     if (place == "projects"_L1)
         m_projects.reload();
     if (place == "finance"_L1)
@@ -158,7 +158,7 @@ void OpsHub::readPlaces()
         for (const WorkStatusCount& count : countWorkItems(m_at.db, { .module = ops, .context = {} }))
             m_active += count.status.toLower() == "in_progress"_L1 ? count.count : 0;
     }
-    m_shell.setPlaceCount(u"asks"_s, openAsks(m_at.db));
+    m_shell.rail()->setPlaceCount(u"asks"_s, openAsks(m_at.db));
     Q_EMIT changed();
 }
 
@@ -169,13 +169,13 @@ QString OpsHub::activeText() const
 
 void OpsHub::showAsk(const QString& id)
 {
-    m_shell.setPlace(u"asks"_s);
+    m_shell.rail()->setPlace(u"asks"_s);
     m_asks.beginAnswer(id);
 }
 
 void OpsHub::showProject(const QString& id)
 {
-    m_shell.setPlace(u"projects"_s);
+    m_shell.rail()->setPlace(u"projects"_s);
     m_projects.select(id);
 }
 

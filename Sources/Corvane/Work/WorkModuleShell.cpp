@@ -15,9 +15,7 @@ namespace {
 
 using Tab = WorkConsoleTab;
 
-constexpr int contextsShown = 100;
-constexpr int rowsShown = 50;
-constexpr int eventsOnPage = 200; ///< of each kind
+constexpr int tasksShown = 50;
 
 WorkItemFilter scopeOf(const QString& module, const WorkContext& context, Tab tab)
 {
@@ -55,28 +53,16 @@ QString surfaceOf(Tab tab)
 
 }
 
-WorkEvidenceSeed evidenceSeed(const WorkEvidenceRecord& evidence, const DateWords& words)
-{
-    WorkEvidenceSeed seed;
-    seed.id = evidence.id;
-    seed.title = shownLine(evidence.title);
-    seed.summary = shownText(evidence.summary);
-    seed.facts = factLine({ shownLine(evidence.kind), shownLine(evidence.source), shownLine(evidence.uri),
-        shownTime(evidence.createdAt, words) });
-    return seed;
-}
-
 WorkModuleShell::WorkModuleShell(
     const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent)
     : QObject(parent)
     , m_at(services)
     , m_config(config)
-    , m_places(places)
-    , m_place(places.isEmpty() ? QString() : places.first().id)
     , m_tab(config.defaultTab)
-    , m_eventsShown(eventsOnPage)
     , m_refresh(
           services.db, services.scheduler, [this] { read(); }, [this] { age(); }, this)
+    , m_rail(services.db, config, places, this)
+    , m_history(services.db, config.module, this)
     , m_board(services.db, services.scheduler, this)
     , m_item(services.db, this)
     , m_create(services.db, this)
@@ -87,6 +73,9 @@ WorkModuleShell::WorkModuleShell(
 {
     m_board.setEmptyWords(u"No work here yet"_s, u"Items appear when you create one, or when an agent does."_s);
     m_create.setPlace({ .module = m_config.module }, m_config.contextNoun, {});
+    connect(&m_rail, &WorkRail::selected, this, &WorkModuleShell::showSelected);
+    // The window changes the view only when its rows have been read.
+    connect(this, &WorkModuleShell::changed, &m_rail, &WorkRail::changed);
     // What this screen wrote itself is shown at once.
     const auto readAgain = [this] {
         refresh();
@@ -97,7 +86,7 @@ WorkModuleShell::WorkModuleShell(
     connect(&m_chat, &WorkTerminalChat::wrote, this, readAgain);
     connect(&m_decisions, &WorkDecisions::wrote, this, readAgain);
     connect(&m_agents, &WorkAgents::wrote, this, readAgain);
-    connect(&m_create, &WorkCreate::contextSaved, this, &WorkModuleShell::select);
+    connect(&m_create, &WorkCreate::contextSaved, &m_rail, &WorkRail::select);
     connect(&m_create, &WorkCreate::askSaved, this, [this](const OpsAskRow& ask, bool forLumo) {
         if (forLumo)
             m_chat.answerAsk(ask, m_create.placed().context);
@@ -113,38 +102,23 @@ void WorkModuleShell::age()
 
 void WorkModuleShell::read()
 {
-    readContexts();
+    m_rail.read();
+    setContext(m_rail.context());
+    m_create.setPlace({ .module = m_config.module,
+                          .context = m_context,
+                          .source = m_context ? u"corvane-ui"_s : m_config.placeSource },
+        m_config.contextNoun, m_rail.everyContext());
     readSurface();
     Q_EMIT refreshed();
     Q_EMIT changed();
 }
 
-void WorkModuleShell::readContexts()
+void WorkModuleShell::showSelected()
 {
-    const QList<WorkContextRow> all = fetchWorkContexts(m_at.db, m_config.module, contextsShown);
-    const QHash<QString, int> waiting = waitingDecisionsByContext(m_at.db, m_config.module);
-    QList<WorkContextSeed> seeds;
-    for (const QString& group : m_config.contextFilters) {
-        for (const WorkContextRow& row : all) {
-            if (groupOf(m_config, row) != group)
-                continue;
-            const WorkContextSeed seed = contextSeed(m_config, row, waiting.value(row.id));
-            if (m_query.isEmpty() || seed.title.contains(m_query, Qt::CaseInsensitive)
-                || seed.subtitle.contains(m_query, Qt::CaseInsensitive))
-                seeds.append(seed);
-        }
-    }
-    m_contexts.assign(seeds);
-    // One that is chosen and lies past the list is asked for by its id; one that is gone is chosen no longer.
-    const auto row = std::ranges::find(all, m_selected, &WorkContextRow::id);
-    const bool wasChosen = !m_selected.isEmpty();
-    setContext(row != all.end() ? WorkContext(*row) : fetchWorkContext(m_at.db, m_selected));
-    m_create.setPlace({ .module = m_config.module,
-                          .context = m_context,
-                          .source = m_context ? u"corvane-ui"_s : m_config.placeSource },
-        m_config.contextNoun, all);
-    if (wasChosen && !m_context && !m_places.isEmpty())
-        m_place = m_places.first().id;
+    m_item.close();
+    m_notice.clear();
+    setContext(m_rail.context()); // keeps the tab if this context has it
+    refresh();
 }
 
 void WorkModuleShell::setContext(const WorkContext& context)
@@ -153,10 +127,10 @@ void WorkModuleShell::setContext(const WorkContext& context)
     const WorkLanes lanes = lanesOf(m_config, context);
     const bool otherLanes = lanes.names != lanesOf(m_config, m_context).names;
     m_context = context;
-    m_selected = context ? context->id : QString();
     if (!context || !visibleTabs(m_config, context).contains(m_tab))
         m_tab = contextDefaultTab(m_config, context);
     m_chat.setContext(m_config.module, m_context);
+    m_history.setContext(m_context ? WorkContextId(m_context->id) : WorkContextId());
     m_decisions.setScope(m_config.module, m_context);
     m_agents.setScope(m_context);
     m_item.setLanes(lanes);
@@ -171,116 +145,33 @@ void WorkModuleShell::readSurface()
     m_counts = countWork(m_at.db, m_config.module, id);
     m_item.reload();
     const QString surface = this->surface();
-    if (surface == "board"_L1 && (m_place.isEmpty() || m_place == m_config.boardPlace))
+    const QString& place = m_rail.place();
+    if (surface == "board"_L1 && (place.isEmpty() || place == m_config.boardPlace))
         m_board.reload();
-    if (!m_place.isEmpty())
+    if (!place.isEmpty())
         return; // a place shows none of what follows
     m_decisions.reload();
     m_agents.reload();
     if (surface == "chat"_L1 || surface == "inbox"_L1)
         m_chat.reload();
-    QList<WorkEvidenceSeed> evidence;
-    for (const WorkEvidenceRecord& row : fetchWorkEvidence(m_at.db, m_config.module, id, rowsShown))
-        evidence.append(evidenceSeed(row, words));
-    m_evidence.assign(evidence);
+    m_history.readEvidence();
     QList<WorkItemSeed> tasks;
     const WorkItemFilter noTickets {
         .module = m_config.module, .context = id, .kindSigns = ticketSigns(), .otherKinds = true
     };
-    for (const WorkItemRecord& row : fetchWorkItems(m_at.db, noTickets, WorkItems::Open, rowsShown))
+    for (const WorkItemRecord& row : fetchWorkItems(m_at.db, noTickets, WorkItems::Open, tasksShown))
         tasks.append(itemSeed(row, false, words));
     m_tasks.assign(tasks);
     if (surface == "timeline"_L1)
-        readTimeline();
-    m_logLines = surface == "chat"_L1 ? terminalLines(m_at.db, m_config.module, m_context) : QStringList();
-}
-
-void WorkModuleShell::readTimeline()
-{
-    const WorkContextId id = m_context ? WorkContextId(m_context->id) : WorkContextId();
-    const QList<WorkEvent> events = fetchWorkEvents(m_at.db, m_config.module, id, m_eventsShown);
-    QHash<QString, int> counts;
-    for (const WorkEvent& event : events)
-        ++counts[event.kind];
-    m_hasEarlier = std::ranges::any_of(counts, [this](int count) { return count >= m_eventsShown; });
-    m_timeline.assign(timelineEvents(events, DateWords(m_at.db.nowMs())));
-}
-
-void WorkModuleShell::showEarlier()
-{
-    m_eventsShown += eventsOnPage;
-    readTimeline();
-    Q_EMIT changed();
-}
-
-void WorkModuleShell::setPlaceCount(const QString& place, int count)
-{
-    const auto found = std::ranges::find(m_places, place, &TabItem::id);
-    if (found == m_places.end() || found->count == count)
-        return;
-    found->count = count;
-    Q_EMIT changed();
-}
-
-void WorkModuleShell::setQuery(const QString& query)
-{
-    if (std::exchange(m_query, query) == query)
-        return;
-    const QString selected = m_selected;
-    readContexts();
-    if (m_selected != selected)
-        readSurface();
-    Q_EMIT changed();
-}
-
-QString WorkModuleShell::contextsEmpty() const
-{
-    if (!m_contexts.rows().isEmpty())
-        return {};
-    return m_query.isEmpty() ? u"No %1 yet"_s.arg(m_config.contextTitle.toLower()) : u"Nothing found"_s;
-}
-
-void WorkModuleShell::setPlace(const QString& place)
-{
-    if (m_place == place || std::ranges::find(m_places, place, &TabItem::id) == m_places.end())
-        return;
-    m_place = place;
-    m_item.close();
-    setContext({});
-    refresh();
-}
-
-void WorkModuleShell::select(const QString& contextId)
-{
-    if (contextId == m_selected)
-        return;
-    const auto context = fetchWorkContext(m_at.db, contextId);
-    if (!context)
-        return;
-    m_place.clear();
-    m_item.close();
-    m_notice.clear();
-    m_eventsShown = eventsOnPage;
-    setContext(context); // which keeps the tab where this one has it, too
-    refresh();
-}
-
-void WorkModuleShell::step(int by)
-{
-    const QList<WorkContextSeed>& rows = m_contexts.rows();
-    if (rows.isEmpty())
-        return;
-    const auto at = std::ranges::find(rows, m_selected, &WorkContextSeed::id);
-    const qsizetype next = at == rows.end() ? 0 : std::clamp<qsizetype>(at - rows.begin() + by, 0, rows.size() - 1);
-    select(rows.at(next).id);
+        m_history.readTimeline();
 }
 
 void WorkModuleShell::show(const QString& contextId, const QString& itemId, const QString& tab)
 {
-    if (contextId.isEmpty() && !m_places.isEmpty())
-        setPlace(m_places.first().id);
+    if (contextId.isEmpty())
+        m_rail.setPlace(m_rail.places().value(0).id);
     else
-        select(contextId);
+        m_rail.select(contextId);
     if (!tab.isEmpty())
         setTab(tab);
     if (!itemId.isEmpty())

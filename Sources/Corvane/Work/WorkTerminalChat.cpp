@@ -5,6 +5,7 @@
 #include "Presentation/DateWords.h"
 #include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkWrites.h"
+#include "Work/WorkExport.h"
 #include "Work/WorkRows.h"
 
 #include <QPointer>
@@ -154,6 +155,7 @@ void WorkTerminalChat::reload()
             lines.append(chatSeed(message, rows, words));
     }
     m_lines.assign(lines);
+    m_log = terminalLines(m_at.db, m_module, m_context).join(u'\n');
     Q_EMIT changed();
 }
 

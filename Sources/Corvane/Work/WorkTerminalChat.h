@@ -55,6 +55,7 @@ class WorkTerminalChat : public QObject {
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString earlierText READ earlierText NOTIFY changed) ///< empty if every line is shown
+    Q_PROPERTY(QString log READ log NOTIFY changed) ///< the context as lines of a session
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(QString actionLabel READ actionLabel NOTIFY changed)
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
@@ -73,6 +74,7 @@ public:
     QString emptyTitle() const;
     QString emptyText() const;
     QString earlierText() const;
+    const QString& log() const { return m_log; }
     QString placeholder() const { return u"Ask about this terminal/context..."_s; }
     QString actionLabel() const { return busy() ? u"Asking"_s : u"Ask"_s; }
     QString hint() const;
@@ -101,6 +103,7 @@ private:
     WorkContext m_context;
     std::optional<CancelHandle> m_running;
     QString m_error;
+    QString m_log;
     int m_shown;
     bool m_hasEarlier = false;
     RowListModel<WorkChatSeed> m_lines;

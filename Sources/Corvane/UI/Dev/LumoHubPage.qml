@@ -11,7 +11,7 @@ LumoPage {
     property Workspace workspace
 
     hub: screen.hub
-    placeActs: shell.place === "console"
+    placeActs: shell.rail.place === "console"
     onPlaceActed: command => workspace.act(command)
     consoleView: Component {
         Workspace {

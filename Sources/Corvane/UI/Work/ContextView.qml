@@ -122,7 +122,7 @@ FocusScope {
         id: chat
         ChatView {
             chat: view.shell.chat
-            log: view.shell.log
+            log: view.shell.chat.log
             onSourceOpened: source => view.shell.openSource(source)
         }
     }
@@ -147,7 +147,7 @@ FocusScope {
     Component {
         id: evidence
         EvidenceList {
-            model: view.shell.evidence
+            model: view.shell.history.evidence
             emptyTitle: qsTr("No evidence yet")
             emptyText: qsTr("Notes, runbooks and what agents attach appear here.")
         }
@@ -155,9 +155,9 @@ FocusScope {
     Component {
         id: timeline
         TimelineView {
-            model: view.shell.timeline
-            earlierText: view.shell.earlierText
-            onEarlierAsked: view.shell.showEarlier()
+            model: view.shell.history.timeline
+            earlierText: view.shell.history.earlierText
+            onEarlierAsked: view.shell.history.showEarlier()
         }
     }
 }

@@ -142,14 +142,14 @@ FocusScope {
                 }
             }
             Repeater {
-                model: view.tab === "evidence" ? view.shell.evidence : null
+                model: view.tab === "evidence" ? view.shell.history.evidence : null
                 EvidenceCard {
                     width: column.width
                 }
             }
             Label {
                 width: parent.width
-                visible: view.tab === "evidence" && view.shell.evidence.count === 0
+                visible: view.tab === "evidence" && view.shell.history.evidence.count === 0
                 wrapMode: Text.Wrap
                 text: qsTr("No evidence yet.")
                 color: Theme.faint

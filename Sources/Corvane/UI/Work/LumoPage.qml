@@ -15,8 +15,8 @@ WorkPage {
             Loader {
                 anchors.fill: parent
                 focus: true
-                sourceComponent: page.shell.place === "agents" ? agents : page.shell.place === "flows" ? flows
-                    : page.shell.place === "console" ? page.consoleView : knowledge
+                sourceComponent: page.shell.rail.place === "agents" ? agents : page.shell.rail.place === "flows" ? flows
+                    : page.shell.rail.place === "console" ? page.consoleView : knowledge
             }
         }
     }

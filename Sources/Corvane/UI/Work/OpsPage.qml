@@ -14,8 +14,8 @@ WorkPage {
             Loader {
                 anchors.fill: parent
                 focus: true
-                sourceComponent: page.shell.place === "projects" ? projects : page.shell.place === "asks" ? asks
-                    : page.shell.place === "finance" ? finance : home
+                sourceComponent: page.shell.rail.place === "projects" ? projects : page.shell.rail.place === "asks" ? asks
+                    : page.shell.rail.place === "finance" ? finance : home
             }
         }
     }

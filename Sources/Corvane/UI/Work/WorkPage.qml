@@ -13,14 +13,14 @@ Page {
 
     signal placeActed(command: string)
 
-    readonly property bool inContext: shell.place === ""
+    readonly property bool inContext: shell.rail.place === ""
     readonly property bool wide: width >= 1200
 
     function act(command: string) {
         if (placeActs && desk.activeFocus)
             placeActed(command);
         else if (command === "next" || command === "previous")
-            shell.step(command === "next" ? 1 : -1);
+            shell.rail.step(command === "next" ? 1 : -1);
         else if (command === "search")
             rail.focusSearch();
         else if (command === "newWork")
@@ -41,7 +41,7 @@ Page {
     Component.onCompleted: shell.shown = true
     Component.onDestruction: shell.shown = false
 
-    WorkRail {
+    HubRail {
         id: rail
         width: page.wide ? 264 : 228
         height: parent.height

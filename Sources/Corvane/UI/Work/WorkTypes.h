@@ -46,6 +46,20 @@ struct WorkModuleShellType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct WorkRailType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkRail)
+    QML_NAMED_ELEMENT(WorkRail)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct WorkHistoryType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkHistory)
+    QML_NAMED_ELEMENT(WorkHistory)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct WorkShellsType {
     Q_GADGET
     QML_FOREIGN(corvane::WorkShells)

@@ -5,12 +5,13 @@ import Corvane.Work
 
 /// The places of a hub, and its contexts in their groups.
 FocusScope {
-    id: rail
+    id: pane
 
     required property WorkModuleShell shell
+    readonly property WorkRail rail: shell.rail
 
     Accessible.role: Accessible.Pane
-    Accessible.name: shell.contextsTitle
+    Accessible.name: rail.contextsTitle
 
     function focusSearch() {
         search.forceActiveFocus(Qt.ShortcutFocusReason);
@@ -29,16 +30,16 @@ FocusScope {
         spacing: 2
 
         Repeater {
-            model: rail.shell.places.length // the rows stay while their counts change
+            model: pane.rail.places.length // the rows stay while their counts change
             RailPlace {
                 required property int index
-                readonly property tabItem entry: rail.shell.places[index]
+                readonly property tabItem entry: pane.rail.places[index]
                 objectName: "work.place:" + entry.id
                 width: places.width
                 text: entry.label
                 count: entry.count
-                current: rail.shell.place === entry.id
-                onClicked: rail.shell.place = entry.id
+                current: pane.rail.place === entry.id
+                onClicked: pane.rail.place = entry.id
             }
         }
     }
@@ -52,7 +53,7 @@ FocusScope {
 
         SectionHeader {
             anchors.verticalCenter: parent.verticalCenter
-            text: rail.shell.contextsTitle
+            text: pane.rail.contextsTitle
         }
         IconButton {
             objectName: "work.newContext"
@@ -60,8 +61,8 @@ FocusScope {
             anchors.verticalCenter: parent.verticalCenter
             size: 28
             icon.name: "list-add"
-            text: rail.shell.createLabel
-            onClicked: rail.shell.create.begin("context")
+            text: pane.rail.createLabel
+            onClicked: pane.shell.create.begin("context")
         }
     }
     SearchField {
@@ -72,9 +73,9 @@ FocusScope {
         x: Theme.medium
         width: parent.width - Theme.medium * 2
         placeholderText: qsTr("Search")
-        text: rail.shell.query
-        onTextEdited: rail.shell.query = text
-        onCleared: rail.shell.query = ""
+        text: pane.rail.query
+        onTextEdited: pane.rail.query = text
+        onCleared: pane.rail.query = ""
         onLeave: list.forceActiveFocus(Qt.TabFocusReason)
     }
     ListView {
@@ -90,12 +91,12 @@ FocusScope {
         boundsBehavior: Flickable.StopAtBounds
         activeFocusOnTab: count > 0 || activeFocus
         keyNavigationEnabled: false
-        model: rail.shell.contexts
+        model: pane.rail.contexts
         Accessible.role: Accessible.List
-        Accessible.name: rail.shell.contextsTitle
+        Accessible.name: pane.rail.contextsTitle
         T.ScrollBar.vertical: ScrollBar {}
-        Keys.onDownPressed: rail.shell.step(1)
-        Keys.onUpPressed: rail.shell.step(-1)
+        Keys.onDownPressed: pane.rail.step(1)
+        Keys.onUpPressed: pane.rail.step(-1)
         section.property: "group"
         section.delegate: SectionHeader {
             required property string section
@@ -111,11 +112,11 @@ FocusScope {
         delegate: ContextLine {
             objectName: "work.context:" + context.title
             width: ListView.view.width
-            current: rail.shell.selectedContextId === context.id
+            current: pane.rail.selectedContextId === context.id
             ringed: current && keyboard.shown
             onClicked: {
                 list.forceActiveFocus(Qt.MouseFocusReason);
-                rail.shell.select(context.id);
+                pane.rail.select(context.id);
             }
         }
     }
@@ -126,7 +127,7 @@ FocusScope {
         width: parent.width - Theme.large * 2
         visible: text !== ""
         wrapMode: Text.Wrap
-        text: rail.shell.contextsEmpty
+        text: pane.rail.contextsEmpty
         color: Theme.faint
     }
 }
