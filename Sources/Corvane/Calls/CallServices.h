@@ -13,7 +13,17 @@ namespace corvane {
 
 /// What records calls and works on them, built once and wired to each other.
 struct CallServices {
-    /// What the machine gives; all of it outlives the services.
+    /// All references outlive the services.
+    struct Speech {
+        CallProcessor::Transcribe transcribe;
+        const SpeechModelStore& models;
+    };
+    struct Program {
+        UserDefaults& defaults;
+        Scheduler& scheduler;
+        const AppPaths& paths;
+        BackgroundQueue& background;
+    };
     struct Machine {
         Microphone& microphone;
         CallAudio& audio;
@@ -21,20 +31,18 @@ struct CallServices {
         const MachineFacts& facts;
         AudioPlayer& microphonePlayer; ///< for nothing but calls, as the next
         AudioPlayer& systemPlayer;
-        BackgroundQueue& background;
         GlobalShortcuts* shortcuts = nullptr;
     };
 
-    CallServices(RecordedCalls& recorded, CalendarStore& calendar, LumoAI& ai, CallProcessor::Transcribe transcribe,
-        const SpeechModelStore& models, const Machine& machine, UserDefaults& defaults, Scheduler& scheduler,
-        const AppPaths& paths)
-        : summarizer(ai, defaults)
-        , processor(recorded.db(), summarizer, std::move(transcribe), models)
-        , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts, defaults,
-              scheduler, paths, machine.background })
+    CallServices(RecordedCalls& recorded, CalendarStore& calendar, LumoAI& ai, const Speech& speech,
+        const Program& program, const Machine& machine)
+        : summarizer(ai, program.defaults)
+        , processor(recorded.db(), summarizer, speech.transcribe, speech.models)
+        , recorder({ recorded, processor, machine.microphone, machine.audio, machine.sleep, machine.facts,
+              program.defaults, program.scheduler, program.paths, program.background })
         , recording(recorder)
-        , keys(recording, machine.shortcuts, defaults)
-        , autoRecorder({ calendar, recorder, lookForPrograms(machine.audio, machine.background) })
+        , keys(recording, machine.shortcuts, program.defaults)
+        , autoRecorder({ calendar, recorder, lookForPrograms(machine.audio, program.background) })
         , player(machine.microphonePlayer, machine.systemPlayer)
         , settings(recorder, autoRecorder)
     {

@@ -45,9 +45,9 @@ TabWords words(MenuTab tab)
     Q_UNREACHABLE();
 }
 
-TodayDigest digestOfToday(LocalDB& db, qint64 nowMs)
+TodayDigest digestOfToday(LocalDB& db)
 {
-    const QDate today = QDateTime::fromMSecsSinceEpoch(nowMs).date();
+    const QDate today = QDateTime::fromMSecsSinceEpoch(db.nowMs()).date();
     const qint64 start = today.startOfDay().toMSecsSinceEpoch();
     return todayDigest(db, start, today.addDays(1).startOfDay().toMSecsSinceEpoch(), isoTime(start));
 }
@@ -87,12 +87,12 @@ CorvaneMenuBarView::CorvaneMenuBarView(const Surroundings& surroundings, QObject
     , m_replies(surroundings.engine.db(), surroundings.ai)
 {
     connect(&m_replies, &ReplyDrafts::changed, this, &CorvaneMenuBarView::refresh);
-    connect(&m_at.approvals, &ApprovalsView::changed, this, &CorvaneMenuBarView::refresh);
+    connect(&m_at.parts.approvals, &ApprovalsView::changed, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::unreadTotalChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.engine, &EngineManager::runtimeChanged, this, &CorvaneMenuBarView::refresh);
     connect(&m_at.session, &SessionStore::changed, this, &CorvaneMenuBarView::refresh);
     // The main window asks for permission.
-    connect(m_at.calls.recording(), &RecordingView::consentAsked, this, [this] {
+    connect(m_at.parts.calls.recording(), &RecordingView::consentAsked, this, [this] {
         if (m_visible)
             Q_EMIT windowRequested();
     });
@@ -127,7 +127,8 @@ QList<TabItem> CorvaneMenuBarView::tabs() const
 {
     QList<TabItem> tabs;
     for (const MenuTab tab : shownTabs())
-        tabs.append({ words(tab).id, words(tab).label, tab == MenuTab::Approvals ? m_at.approvals.waiting() : 0 });
+        tabs.append(
+            { words(tab).id, words(tab).label, tab == MenuTab::Approvals ? m_at.parts.approvals.waiting() : 0 });
     return tabs;
 }
 
@@ -183,16 +184,16 @@ void CorvaneMenuBarView::refresh()
     if (m_tab == MenuTab::Now)
         readDay();
     if (m_tab == MenuTab::Calls)
-        m_at.calls.refresh();
+        m_at.parts.calls.refresh();
     Q_EMIT changed();
 }
 
 void CorvaneMenuBarView::readDay()
 {
     const int engines = enginesRunning();
-    const TodayDigest day = digestOfToday(m_at.engine.db(), m_at.scheduler.nowMs());
+    const TodayDigest day = digestOfToday(m_at.engine.db());
     m_today = {
-        line("approvals", m_at.approvals.waitingText(), "approvals"),
+        line("approvals", m_at.parts.approvals.waitingText(), "approvals"),
         line("hub-inbox", u"%1 unread messages"_s.arg(m_at.engine.unreadTotal()), "inbox"),
         line("hub-ops", u"%1 open work items"_s.arg(day.openWorkItems), "ops"),
     };
@@ -251,8 +252,8 @@ void CorvaneMenuBarView::draftReply(int row)
 
 void CorvaneMenuBarView::openCall(const QString& id)
 {
-    m_at.calls.select(id);
-    m_at.calls.show();
+    m_at.parts.calls.select(id);
+    m_at.parts.calls.show();
     Q_EMIT windowRequested();
 }
 

@@ -74,19 +74,23 @@ public:
     /// In the order of the tabs; "RAM" only with a monitor.
     enum class MenuTab { Now, Approvals, Ram, Calendar, Calls };
 
+    /// What other tabs show; other screens show the same.
+    struct Parts {
+        ApprovalsView& approvals;
+        UpcomingMeetings& meetings;
+        CallsView& calls;
+        CallSettings& callSettings;
+    };
+
     /// All references outlive the panel.
     struct Surroundings {
         EngineManager& engine;
         AccountStore& accounts;
         SessionStore& session;
         NotificationCentre& notifications;
-        Scheduler& scheduler;
-        ApprovalsView& approvals;
-        UpcomingMeetings& meetings;
-        CallsView& calls;
-        CallSettings& callSettings;
         AIServices& ai;
         QuickCapture* capture = nullptr; ///< none: not shown
+        Parts parts;
     };
 
     explicit CorvaneMenuBarView(const Surroundings& surroundings, QObject* parent = nullptr);
@@ -102,11 +106,11 @@ public:
     QString emptyGlanceText() const { return u"No conversations in the local mirror yet."_s; }
     QString noticeTitle() const;
     QString noticeText() const;
-    ApprovalsView* approvals() { return &m_at.approvals; }
+    ApprovalsView* approvals() { return &m_at.parts.approvals; }
     ResourcesView* resources() { return &m_resources; }
-    UpcomingMeetings* meetings() { return &m_at.meetings; }
-    CallsView* calls() { return &m_at.calls; }
-    CallSettings* callSettings() { return &m_at.callSettings; }
+    UpcomingMeetings* meetings() { return &m_at.parts.meetings; }
+    CallsView* calls() { return &m_at.parts.calls; }
+    CallSettings* callSettings() { return &m_at.parts.callSettings; }
 
     /// The day is read when the panel opens, and while it is visible whenever something changes.
     bool isVisible() const { return m_visible; }

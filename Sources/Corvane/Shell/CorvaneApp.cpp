@@ -3,12 +3,10 @@
 #include "AI/AIServices.h"
 #include "AI/ModelChoice.h"
 #include "Approvals/ApprovalsStore.h"
-#include "Approvals/ApprovalsView.h"
 #include "CRM/ContactsBridge.h"
 #include "Calendar/CalendarServices.h"
 #include "Calls/CallServices.h"
 #include "Care/Backup/BackupKeeper.h"
-#include "Desk/CorvaneMenuBarLabel.h"
 #include "Desk/QuickCapture.h"
 #include "Desk/ResourceMonitor.h"
 #include "Engines/AccountStore.h"
@@ -31,7 +29,7 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SpeechRecogniser.h"
 #include "Platform/ToolRunner.h"
-#include "Platform/Tray.h"
+#include "Shell/AppTray.h"
 #include "Shell/DictationBanner.h"
 #include "Shell/Notices.h"
 #include "Shell/ProgramCommands.h"
@@ -110,12 +108,12 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
                                                         } },
         *m_ai);
     m_recordedCalls = std::make_unique<RecordedCalls>(m_engine->db());
-    m_calls = std::make_unique<CallServices>(
-        *m_recordedCalls, m_calendar->store, m_ai->ai,
-        [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); }, m_voice->store,
+    m_calls = std::make_unique<CallServices>(*m_recordedCalls, m_calendar->store, m_ai->ai,
+        CallServices::Speech {
+            [this](TranscriptionRequest request) { return transcribeCall(std::move(request)); }, m_voice->store },
+        CallServices::Program { m_defaults, m_scheduler, m_paths, m_background },
         CallServices::Machine { *m_machine.microphone, *m_machine.callAudio, *m_machine.sleep, *m_machine.facts,
-            *m_machine.callPlayers[0], *m_machine.callPlayers[1], m_background, m_machine.shortcuts.get() },
-        m_defaults, m_scheduler, m_paths);
+            *m_machine.callPlayers[0], *m_machine.callPlayers[1], m_machine.shortcuts.get() });
     m_approvals = std::make_unique<ApprovalsStore>(m_notifications, *m_notifier, m_scheduler);
     m_capture = std::make_unique<QuickCapture>(m_engine->db(), m_machine.shortcuts.get(), m_defaults);
     m_dictation = std::make_unique<DictationAnywhere>(DictationAnywhere::Surroundings { *m_voice, *m_machine.microphone,
@@ -131,7 +129,8 @@ CorvaneApp::CorvaneApp(const AppPaths& paths, Scheduler& scheduler, Machine mach
     m_backups = std::make_unique<BackupKeeper>(
         BackupKeeper::Surroundings { m_paths, m_defaults, m_scheduler, m_background, *m_machine.desktop });
     m_commands.add(programCommands(*this));
-    setUpTray();
+    if (m_machine.tray)
+        m_tray = std::make_unique<AppTray>(*this, *m_machine.tray);
     watchStore();
     watchCalls();
 }
@@ -213,7 +212,7 @@ void CorvaneApp::open(const QStringList& arguments)
 {
     if (arguments.size() == 1
         && QStringList({ captureCommand, recordCommand, markCommand }).contains(arguments.first()))
-        return runTrayCommand(arguments.first());
+        return m_commands.run(arguments.first());
     if (arguments == QStringList { dictationArgument }) {
         if (!isQuitting())
             m_dictation->toggleRecording();
@@ -249,77 +248,16 @@ void CorvaneApp::quit()
     m_engine->stopAll();
 }
 
-void CorvaneApp::setUpTray()
-{
-    Tray* const tray = m_machine.tray.get();
-    if (!tray)
-        return;
-    m_trayLabel = std::make_unique<CorvaneMenuBarLabel>(m_calendar->store, *m_resources, *tray, m_scheduler, nullptr);
-    updateTrayMenu();
-    connect(tray, &Tray::activated, this, [this](const QPoint& at) {
-        if (!isQuitting())
-            Q_EMIT panelRequested(at);
-    });
-    connect(tray, &Tray::itemChosen, this, &CorvaneApp::runTrayCommand);
-    connect(m_engine.get(), &EngineManager::unreadTotalChanged, tray,
-        [this, tray] { tray->setUnread(m_engine->unreadTotal()); });
-    connect(m_approvals.get(), &ApprovalsStore::changed, tray,
-        [this, tray] { tray->setWaiting(waitingForDecision(*m_approvals)); });
-}
-
-/// The problem is shown in the menu; clicking it opens the window.
-void CorvaneApp::runTrayCommand(const QString& id)
-{
-    m_commands.run(trayMenu().contains(id) ? id : trayMenu().first());
-}
-
 QString CorvaneApp::storeTrouble() const
 {
     return m_recovery->needed() ? m_recovery->title() + u". "_s + m_recovery->explanation()
                                 : describe(m_engine->db().health().fault(), m_paths);
 }
 
-/// The database's problem comes first, abbreviated for a menu, then the running recording.
-void CorvaneApp::updateTrayMenu()
-{
-    if (!m_machine.tray)
-        return;
-    QList<Tray::Item> items;
-    QList<Tray::Item> ofRecording;
-    const bool records = m_calls && m_calls->recorder.isRecording();
-    for (const QString& id : trayMenu()) {
-        const bool isOfCalls = id == recordCommand || id == markCommand;
-        if (records && isOfCalls)
-            ofRecording.append({ id, m_commands.find(id)->tray });
-        else if (id != markCommand)
-            items.append({ id, m_commands.find(id)->tray });
-    }
-    items.insert(items.size() - 1, Tray::Item());
-    if (records) {
-        ofRecording.first().label = u"Stop Recording (%1 min)"_s.arg(int(m_calls->recorder.elapsed()) / 60);
-        items = ofRecording + QList<Tray::Item> { {} } + items;
-    }
-    if (const QString trouble = storeTrouble(); !trouble.isEmpty())
-        items = QList<Tray::Item> { { u"trouble"_s, trouble.section(u". "_s, 0, 0) }, {} } + items;
-    m_machine.tray->setMenu(items);
-}
-
-/// The red dot at the tray, and the item that ends the recording. Without a window a banner reports changes.
+/// Without a window, banners report what happens to a recording.
 void CorvaneApp::watchCalls()
 {
-    const auto show = [this] {
-        if (!m_machine.tray)
-            return;
-        const CallRecorder& recorder = m_calls->recorder;
-        const int minutes = recorder.isRecording() ? int(recorder.elapsed()) / 60 : -1;
-        if (std::exchange(m_toldMinutes, minutes) == minutes)
-            return;
-        m_machine.tray->setRecording(recorder.isRecording());
-        updateTrayMenu();
-    };
     RecordingView& recording = m_calls->recording;
-    connect(&recording, &RecordingView::changed, this, show);
-    connect(&recording, &RecordingView::ticked, this, show);
     connect(&recording, &RecordingView::consentAsked, this, &CorvaneApp::windowRequested);
     connect(&recording, &RecordingView::started, this, [this, &recording] {
         if (recording.beganByItself())
@@ -332,7 +270,6 @@ void CorvaneApp::watchCalls()
 void CorvaneApp::watchStore()
 {
     const auto tell = [this] {
-        updateTrayMenu();
         const QString trouble = storeTrouble();
         if (trouble == m_told)
             return;

@@ -20,9 +20,9 @@
 namespace corvane {
 
 class AccountStore;
+class AppTray;
 class ApprovalsStore;
 class ContactsBridge;
-class CorvaneMenuBarLabel;
 class AudioPlayer;
 class Autostart;
 class BackupKeeper;
@@ -127,9 +127,6 @@ Q_SIGNALS:
     void ended(); ///< the process may exit
 
 private:
-    void runTrayCommand(const QString& id);
-    void setUpTray();
-    void updateTrayMenu();
     void watchStore();
     void watchCalls();
     QCoro::Task<TranscriptionOutcome> transcribeCall(TranscriptionRequest request);
@@ -164,9 +161,8 @@ private:
     std::unique_ptr<StoreRecovery> m_recovery;
     std::unique_ptr<BackupKeeper> m_backups;
     std::unique_ptr<Timer> m_idleCare;
-    std::unique_ptr<CorvaneMenuBarLabel> m_trayLabel;
     Commands m_commands;
-    int m_toldMinutes = -1; ///< minutes of the recording in the tray; -1 without one
+    std::unique_ptr<AppTray> m_tray; ///< null in a headless run
     QString m_told; ///< the last problem of the database
     std::unique_ptr<Timer> m_quitLimit; ///< while quitting
 };

@@ -55,10 +55,4 @@ QList<Command> programCommands(CorvaneApp& app)
     };
 }
 
-QStringList trayMenu()
-{
-    return { u"openWindow"_s, u"openApprovals"_s, recordCommand, markCommand, captureCommand, u"openSettings"_s,
-        u"quit"_s };
-}
-
 }

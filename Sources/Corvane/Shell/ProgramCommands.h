@@ -16,7 +16,4 @@ inline const QString captureCommand = u"capture"_s;
 inline const QString recordCommand = u"record"_s;
 inline const QString markCommand = u"mark"_s;
 
-/// The ids of the tray menu, in order; the last one is separated.
-QStringList trayMenu();
-
 }

@@ -43,6 +43,18 @@ CheckedProfile profileToCheck(CorvaneApp& app)
     return profile;
 }
 
+CorvaneMenuBarView::Surroundings panelSurroundings(Screens& screens)
+{
+    CorvaneApp& app = screens.app;
+    return { .engine = app.engine(),
+        .accounts = app.store(),
+        .session = app.session(),
+        .notifications = app.notifications(),
+        .ai = app.ai(),
+        .capture = &app.capture(),
+        .parts = { screens.approvals, screens.meetings, screens.calls, screens.callSettings } };
+}
+
 }
 
 Screens::Screens(CorvaneApp& root)
@@ -86,10 +98,8 @@ Screens::Screens(CorvaneApp& root)
     , meetings({ app.calendar().store, app.calendar().prep, app.desktop(), app.notifications() })
     , calls(app.calls().recording, app.calls().player)
     , callSettings(app.calls().settings)
-    , panel({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
-          calls, callSettings, app.ai(), &app.capture() })
-    , today({ app.engine(), app.store(), app.session(), app.notifications(), app.scheduler(), approvals, meetings,
-          calls, callSettings, app.ai(), &app.capture() })
+    , panel(panelSurroundings(*this))
+    , today(panelSurroundings(*this))
     , closingNotice(app.tray(), app.defaults())
     , terminals({ app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() })
     , lumo(workServices(app))
