@@ -143,6 +143,22 @@ struct ArchiveReader::Archive {
         archive_read_open(from.get(), &source, nullptr, readPiece, nullptr);
     }
 
+    /// Reads the entry's content in pieces, until its end or the first failure of `take`. A piece is valid until `take`
+    /// returns.
+    Result<void> readEntry(const std::function<Result<void>(const QByteArray& piece)>& take)
+    {
+        QByteArray buffer(pieceBytes, '\0');
+        for (;;) {
+            const la_ssize_t count = archive_read_data(from.get(), buffer.data(), size_t(buffer.size()));
+            if (count < 0)
+                return failure(wordsOf(from.get()));
+            if (count == 0)
+                return {};
+            if (const Result<void> taken = take(QByteArray::fromRawData(buffer.constData(), count)); !taken)
+                return taken;
+        }
+    }
+
     Source source;
     std::unique_ptr<archive, Free> from { archive_read_new() };
 };
@@ -178,21 +194,15 @@ Result<StoredFile> ArchiveReader::extract(const QString& path, const PieceSeen& 
         return std::unexpected(file.error());
     StoredFile stored;
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray piece(pieceBytes, '\0');
-    for (;;) {
-        const la_ssize_t count = archive_read_data(m_archive->from.get(), piece.data(), size_t(piece.size()));
-        if (count < 0)
-            return failure(wordsOf(m_archive->from.get()));
-        if (count == 0)
-            break;
-        const QByteArrayView read(piece.constData(), count);
-        hash.addData(read.toByteArray());
-        stored.bytes += count;
-        if ((*file)->write(read.data(), count) != count)
+    const Result<void> read = m_archive->readEntry([&](const QByteArray& piece) -> Result<void> {
+        hash.addData(piece);
+        stored.bytes += piece.size();
+        if ((*file)->write(piece) != piece.size())
             return failure((*file)->errorString());
-        if (!seen(count))
-            return failure(stopped);
-    }
+        return seen(piece.size()) ? Result<void>() : failure(stopped);
+    });
+    if (!read)
+        return std::unexpected(read.error());
     stored.sha256 = hash.result().toHex();
     return stored;
 }
@@ -200,17 +210,13 @@ Result<StoredFile> ArchiveReader::extract(const QString& path, const PieceSeen& 
 Result<QByteArray> ArchiveReader::content(qint64 limit)
 {
     QByteArray content;
-    QByteArray piece(pieceBytes, '\0');
-    for (;;) {
-        const la_ssize_t count = archive_read_data(m_archive->from.get(), piece.data(), size_t(piece.size()));
-        if (count < 0)
-            return failure(wordsOf(m_archive->from.get()));
-        if (count == 0)
-            return content;
-        content.append(piece.constData(), count);
-        if (content.size() > limit)
-            return failure(u"It is too large."_s);
-    }
+    const Result<void> read = m_archive->readEntry([&](const QByteArray& piece) -> Result<void> {
+        content.append(piece);
+        return content.size() <= limit ? Result<void>() : failure(u"It is too large."_s);
+    });
+    if (!read)
+        return std::unexpected(read.error());
+    return content;
 }
 
 bool isSafeName(const QString& name)

@@ -44,10 +44,12 @@ bool save(LocalDB& db, const Table<Row>& table, const Row& row, const WorkContex
     return true;
 }
 
-/// The row as it is stored now.
-template <typename Row> std::optional<Row> saved(LocalDB& db, const Table<Row>& table, const QString& id)
+/// A new row, as it is stored.
+template <typename Row>
+std::optional<Row> insert(
+    LocalDB& db, const Table<Row>& table, const Row& row, const WorkContextId& context, const GivenValues& given = {})
 {
-    return table.first(db, u"WHERE id=?;"_s, { id });
+    return save(db, table, row, context, given) ? table.first(db, u"WHERE id=?;"_s, { row.id }) : std::nullopt;
 }
 
 /// Updates a row and touches its context.
@@ -99,9 +101,7 @@ std::optional<WorkItemRecord> insertWorkItem(LocalDB& db, const NewWorkItem& ite
         .owner = item.owner,
         .source = item.source,
         .summary = item.summary };
-    if (!save(db, workItems, row, item.context, { { "due_at", none } }))
-        return std::nullopt;
-    return saved(db, workItems, row.id);
+    return insert(db, workItems, row, item.context, { { "due_at", none } });
 }
 
 std::optional<WorkDecisionRecord> insertWorkDecision(LocalDB& db, const NewWorkDecision& decision)
@@ -113,9 +113,7 @@ std::optional<WorkDecisionRecord> insertWorkDecision(LocalDB& db, const NewWorkD
         .proposal = decision.proposal,
         .rationale = decision.rationale,
         .risk = decision.risk };
-    if (!save(db, workDecisions, row, decision.context, {}))
-        return std::nullopt;
-    return saved(db, workDecisions, row.id);
+    return insert(db, workDecisions, row, decision.context);
 }
 
 std::optional<WorkEvidenceRecord> insertWorkEvidence(LocalDB& db, const NewWorkEvidence& evidence)
@@ -127,9 +125,7 @@ std::optional<WorkEvidenceRecord> insertWorkEvidence(LocalDB& db, const NewWorkE
         .source = evidence.source,
         .uri = evidence.uri,
         .summary = evidence.summary };
-    if (!save(db, workEvidence, row, evidence.context, { { "item_id", evidence.itemId } }))
-        return std::nullopt;
-    return saved(db, workEvidence, row.id);
+    return insert(db, workEvidence, row, evidence.context, { { "item_id", evidence.itemId } });
 }
 
 std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMessage& message)
@@ -143,9 +139,7 @@ std::optional<WorkMessageRecord> insertWorkMessage(LocalDB& db, const NewWorkMes
         .kind = message.kind,
         .body = message.body,
         .status = u"posted"_s };
-    if (!save(db, workMessages, row, message.context, {}))
-        return std::nullopt;
-    return saved(db, workMessages, row.id);
+    return insert(db, workMessages, row, message.context);
 }
 
 std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSession& session)
@@ -157,9 +151,7 @@ std::optional<WorkSessionRecord> insertWorkSession(LocalDB& db, const NewWorkSes
         .tool = session.tool,
         .status = session.status,
         .heartbeatAt = isoTime(db.nowMs()) };
-    if (!save(db, workSessions, row, session.context, { { "endpoint", none } }))
-        return std::nullopt;
-    return saved(db, workSessions, row.id);
+    return insert(db, workSessions, row, session.context, { { "endpoint", none } });
 }
 
 std::optional<WorkAgentRecord> upsertWorkAgent(LocalDB& db, const NewWorkAgent& agent)
@@ -193,9 +185,7 @@ std::optional<WorkMemoryRecord> insertWorkMemory(LocalDB& db, const NewWorkMemor
         .source = memory.source,
         .confidence = memory.confidence,
         .owner = memory.owner };
-    if (!save(db, workMemory, row, memory.context, {}))
-        return std::nullopt;
-    return saved(db, workMemory, row.id);
+    return insert(db, workMemory, row, memory.context);
 }
 
 bool updateWorkItemStatus(LocalDB& db, const QString& id, const QString& status)

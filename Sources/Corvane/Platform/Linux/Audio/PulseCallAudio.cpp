@@ -49,21 +49,21 @@ std::unique_ptr<TrackRecording> PulseCallAudio::record(const PulseTrack::Plan& p
     return std::make_unique<PulseTrack>(plan, std::move(*writer), m_scheduler, m_background);
 }
 
-void PulseCallAudio::end(quint64 id, const std::function<void()>& answer)
+template <typename Found> auto PulseCallAudio::answering(quint64 question, std::function<void(const Found&)> answer)
 {
-    if (const auto question = m_questions.extract(id))
-        answer();
+    return [this, question, answer = std::move(answer)](const Found& found) {
+        const auto end = [this, question, answer, found] {
+            if (const auto ended = m_questions.extract(question))
+                answer(found);
+        };
+        QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
+    };
 }
 
 void PulseCallAudio::findSystemAudio(std::function<void(const Result<void>&)> answer)
 {
     const quint64 id = ++m_lastQuestion;
-    const auto tell = [this, id, answer](const Result<void>& found) {
-        const auto post = [this, id, answer, found] {
-            end(id, [answer, found] { answer(found); });
-        };
-        QMetaObject::invokeMethod(this, post, Qt::QueuedConnection);
-    };
+    const auto tell = answering(id, std::move(answer));
     Question& question = m_questions[id];
     question.timeout = m_scheduler.after(answerTime, [tell] { tell(failure(u"the sound server does not answer"_s)); });
     question.capture = std::make_unique<PulseCapture>(CaptureTarget { .kind = CaptureTarget::Kind::Speakers }, output,
@@ -78,12 +78,7 @@ void PulseCallAudio::findSystemAudio(std::function<void(const Result<void>&)> an
 void PulseCallAudio::findApplications(std::function<void(const QList<SoundApplication>&)> answer)
 {
     const quint64 id = ++m_lastQuestion;
-    const auto tell = [this, id, answer](const QList<SoundApplication>& found) {
-        const auto post = [this, id, answer, found] {
-            end(id, [answer, found] { answer(found); });
-        };
-        QMetaObject::invokeMethod(this, post, Qt::QueuedConnection);
-    };
+    const auto tell = answering(id, std::move(answer));
     Question& question = m_questions[id];
     question.timeout = m_scheduler.after(answerTime, [tell] { tell({}); });
     question.applications = std::make_unique<PulseApplications>(tell);

@@ -28,7 +28,8 @@ private:
         std::unique_ptr<Timer> timeout;
     };
     std::unique_ptr<TrackRecording> record(const PulseTrack::Plan& plan);
-    void end(quint64 question, const std::function<void()>& answer);
+    /// A callback for any thread that ends the question and answers it on the main thread, unless it has ended.
+    template <typename Found> auto answering(quint64 question, std::function<void(const Found&)> answer);
 
     Scheduler& m_scheduler;
     BackgroundQueue m_background;
