@@ -115,7 +115,6 @@ QCoro::Task<Result<TranslationServiceOutput>> TranslationService::translate(
     m_waiting.insert(request.id, std::make_shared<Waiting>(outcome, onStatus));
     const auto watch = cancel.onCancel([this, request] { end(request.id, cancelled()); });
     m_activeRequest = request;
-    Q_EMIT activeRequestChanged();
     updateStatus(request, u"Preparing translation for %1..."_s.arg(targetLanguage));
     co_return co_await outcome;
 }
@@ -151,10 +150,8 @@ void TranslationService::end(const QUuid& id, const Outcome& outcome)
     const auto waiting = m_waiting.take(id);
     if (!waiting)
         return;
-    if (m_activeRequest && m_activeRequest->id == id) {
+    if (m_activeRequest && m_activeRequest->id == id)
         m_activeRequest.reset();
-        Q_EMIT activeRequestChanged();
-    }
     waiting->outcome.arrive(outcome);
 }
 

@@ -60,9 +60,6 @@ public:
     void finish(const TranslationRequest& request, const TranslationServiceOutput& output);
     void fail(const TranslationRequest& request, const Error& error);
 
-Q_SIGNALS:
-    void activeRequestChanged();
-
 private:
     using Outcome = Result<TranslationServiceOutput>;
     struct Waiting;

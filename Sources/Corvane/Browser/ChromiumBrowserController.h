@@ -19,7 +19,6 @@ class ChromiumBrowserController : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString status READ status NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
-    Q_PROPERTY(QString currentURL READ currentURL NOTIFY changed)
     Q_PROPERTY(QString lastError READ lastError NOTIFY changed)
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY changed)
     Q_PROPERTY(bool isConnecting READ isConnecting NOTIFY changed)

@@ -30,7 +30,6 @@ public:
     /// `owner`. A failure carries words for the user. One call at a time.
     QCoro::Task<Result<OpenedPage>> open(BrowserOptions options, QObject* owner);
 
-    bool ownsBrowser() const { return m_child != nullptr; }
     qint64 pid() const { return m_child ? m_child->pid() : 0; }
     void end(); ///< of a browser that was started here; one that hangs is killed
 

@@ -42,7 +42,6 @@ class CallPage : public QObject {
     /// The models that can transcribe it, if there are several; and the one that did.
     Q_PROPERTY(QList<corvane::Choice> models READ models NOTIFY changed)
     Q_PROPERTY(QString model READ model NOTIFY changed)
-    Q_PROPERTY(bool canStopWork READ canStopWork NOTIFY changed)
     Q_PROPERTY(bool asksCodex READ asksCodex NOTIFY changed)
     Q_PROPERTY(QString codexQuestion READ codexQuestion CONSTANT)
     Q_PROPERTY(QList<corvane::CallSummarySection> summary READ summary NOTIFY changed)
@@ -83,7 +82,6 @@ public:
     QString processLabel() const;
     QList<Choice> models() const;
     QString model() const;
-    bool canStopWork() const { return busy(); }
     bool asksCodex() const;
     QString codexQuestion() const;
     QList<CallSummarySection> summary() const;

@@ -24,8 +24,8 @@ public:
     const QString& notice() const { return m_notice; }
 
     Q_INVOKABLE void runQuickAction(const QString& kind);
-    Q_INVOKABLE void createLocalSession();
-    Q_INVOKABLE void attachOrCreateLocalSession(); ///< an open terminal of the project, else a new one
+    void createLocalSession();
+    void attachOrCreateLocalSession(); ///< an open terminal of the project, else a new one
     Q_INVOKABLE void openFolder();
 
 Q_SIGNALS:

@@ -15,7 +15,6 @@ class HotKey : public QObject {
     Q_PROPERTY(QString label READ label CONSTANT)
     Q_PROPERTY(QString keys READ keys NOTIFY changed)
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
-    Q_PROPERTY(bool isWrong READ isWrong NOTIFY changed)
 public:
     struct Definition {
         QString id; ///< such as "capture"

@@ -38,11 +38,11 @@ QCoro::Task<TranscriptionOutcome> SpeechModelManager::transcribe(TranscriptionRe
     if (!request.model)
         request.model = preferredModel();
     const QString name = request.model->displayName;
-    enter({ .kind = Kind::Transcribing, .text = name });
+    m_loadState = { .kind = Kind::Transcribing, .text = name };
     const QPointer<SpeechModelManager> self(this);
     request.onProgress = [self, name, told = request.onProgress](double progress) {
         if (self)
-            self->enter({ .kind = Kind::Transcribing, .text = name, .progress = progress });
+            self->m_loadState = { .kind = Kind::Transcribing, .text = name, .progress = progress };
         if (told)
             told(progress);
     };
@@ -51,8 +51,8 @@ QCoro::Task<TranscriptionOutcome> SpeechModelManager::transcribe(TranscriptionRe
         co_return outcome;
     if (outcome)
         m_store.markUsed(outcome->model);
-    enter(outcome ? SpeechModelLoadState { .kind = Kind::Loaded, .text = outcome->model.displayName }
-                  : SpeechModelLoadState { .kind = Kind::Failed, .text = describe(outcome.error()) });
+    m_loadState = outcome ? SpeechModelLoadState { .kind = Kind::Loaded, .text = outcome->model.displayName }
+                          : SpeechModelLoadState { .kind = Kind::Failed, .text = describe(outcome.error()) };
     co_return outcome;
 }
 
@@ -69,10 +69,7 @@ void SpeechModelManager::refreshDictationLocales()
         .displayName = localeDisplayName(QString()),
         .isSystemDefault = true,
         .isInstalled = m_service.speaks(modelLanguage(QString())) });
-    if (m_dictationLocales == choices)
-        return;
     m_dictationLocales = choices;
-    Q_EMIT dictationLocalesChanged();
 }
 
 void SpeechModelManager::showInstallation(const ModelInstaller& installer)
@@ -83,17 +80,17 @@ void SpeechModelManager::showInstallation(const ModelInstaller& installer)
     switch (installer.step()) {
     case Step::Idle:
         if (m_loadState.kind == Kind::Downloading || m_loadState.kind == Kind::Loading)
-            enter({});
+            m_loadState = {};
         break;
     case Step::Downloading:
-        enter({ .kind = Kind::Downloading, .text = installer.name(), .progress = progress });
+        m_loadState = { .kind = Kind::Downloading, .text = installer.name(), .progress = progress };
         break;
     case Step::Copying:
     case Step::Checking:
-        enter({ .kind = Kind::Loading, .text = installer.name(), .progress = progress });
+        m_loadState = { .kind = Kind::Loading, .text = installer.name(), .progress = progress };
         break;
     case Step::Failed:
-        enter({ .kind = Kind::Failed, .text = installer.errorText() });
+        m_loadState = { .kind = Kind::Failed, .text = installer.errorText() };
         break;
     }
 }
@@ -102,14 +99,6 @@ std::optional<LocalAIStopCondition> SpeechModelManager::stopConditionForSpeechWo
 {
     m_availability = m_gate.snapshot(true, true, onBattery);
     return m_availability.stopCondition;
-}
-
-void SpeechModelManager::enter(const SpeechModelLoadState& state)
-{
-    if (m_loadState == state)
-        return;
-    m_loadState = state;
-    Q_EMIT loadStateChanged();
 }
 
 }

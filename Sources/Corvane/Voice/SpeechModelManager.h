@@ -55,13 +55,8 @@ public:
 
     void showInstallation(const ModelInstaller& installer); ///< shown as the state
 
-Q_SIGNALS:
-    void loadStateChanged();
-    void dictationLocalesChanged();
-
 private:
     std::optional<LocalAIStopCondition> stopConditionForSpeechWork(BatteryWork onBattery);
-    void enter(const SpeechModelLoadState& state);
 
     TranscriptionService& m_service;
     SpeechModelStore& m_store;

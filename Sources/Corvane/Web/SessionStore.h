@@ -20,7 +20,6 @@ class SessionStore : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
-    Q_PROPERTY(bool webRejected READ webRejected NOTIFY changed)
     Q_PROPERTY(QString lastError READ lastErrorText NOTIFY changed)
     Q_PROPERTY(QString displayLine READ displayLine NOTIFY changed)
     Q_PROPERTY(QString initial READ initial NOTIFY changed)
@@ -47,7 +46,7 @@ public:
     QString initial() const; ///< first character of the name, else of the e-mail, else "?"
 
     void signIn(const QString& email, const QString& password);
-    Q_INVOKABLE void startSignIn(); ///< opens the browser
+    void startSignIn(); ///< opens the browser
 
     /// "nimb-companion://auth?code=..."; anything else is ignored. A link within ten minutes after `startSignIn`, while
     /// no sign-in is running, signs in at once. Any other must be accepted by the user.
@@ -58,7 +57,7 @@ public:
     void forgetError();
 
     void setAuth(const QString& token, const QString& deviceId);
-    Q_INVOKABLE void signOut();
+    void signOut();
 
 Q_SIGNALS:
     void changed();

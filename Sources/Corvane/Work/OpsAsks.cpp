@@ -142,8 +142,6 @@ void OpsAsks::beginAnswer(const QString& id)
     m_answerText = m_answering ? m_answering->answer : QString();
     m_error.clear();
     Q_EMIT changed();
-    if (m_answering)
-        Q_EMIT answerBegun();
 }
 
 void OpsAsks::saveAnswer()

@@ -85,7 +85,6 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void answerBegun();
     void wrote();
 
 private:

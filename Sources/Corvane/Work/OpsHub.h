@@ -57,7 +57,6 @@ class OpsHub : public QObject {
     Q_PROPERTY(corvane::OpsFinance* finance READ finance CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* latest READ latest CONSTANT)
     Q_PROPERTY(QString activeText READ activeText NOTIFY changed)
-    Q_PROPERTY(QString urgentBadge READ urgentBadge NOTIFY changed)
 public:
     explicit OpsHub(const WorkServices& services, QObject* parent = nullptr);
 
@@ -66,10 +65,8 @@ public:
     OpsProjects* projects() { return &m_projects; }
     OpsFinance* finance() { return &m_finance; }
     GadgetListModel* latest() { return &m_latest; }
-    const QList<OpsTimelineEvent>& latestRows() const { return m_latest.rows(); }
     QString activeText() const;
     int urgent() const { return m_urgent; } ///< open questions of urgency "high"
-    QString urgentBadge() const { return m_urgent > 0 ? QString::number(m_urgent) : QString(); }
 
     void showAsk(const QString& id);
     void showProject(const QString& id);

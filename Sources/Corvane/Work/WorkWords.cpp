@@ -72,11 +72,6 @@ bool isTicketKind(const QString& kind)
     return anyOf(ticketSigns(), { kind });
 }
 
-bool isHandoffKind(const QString& kind)
-{
-    return kind.contains("handoff"_L1, Qt::CaseInsensitive);
-}
-
 std::optional<QString> riskForCreate(const QString& kind, const QString& title, const QString& summary)
 {
     // The blank in "pay " keeps "payroll" out; the blanks of the join let a title end in "pay".

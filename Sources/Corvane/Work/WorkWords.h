@@ -8,11 +8,6 @@ namespace corvane {
 
 /// Kinds are classified by the words they contain: "bugfix" is a ticket.
 bool isTicketKind(const QString& kind);
-bool isHandoffKind(const QString& kind);
-inline bool isTaskKind(const QString& kind)
-{
-    return !isTicketKind(kind);
-} ///< a handoff is a task, too
 
 /// "money", "external", "credential" or "high"; nothing if a new item needs no decision.
 std::optional<QString> riskForCreate(const QString& kind, const QString& title, const QString& summary);

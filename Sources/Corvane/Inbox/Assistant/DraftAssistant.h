@@ -16,7 +16,6 @@ struct AIServices;
 class DraftAssistant final : public corvane::GenerationPanel {
     Q_OBJECT
     Q_PROPERTY(QString draft READ draft NOTIFY changed)
-    Q_PROPERTY(QString operationLabel READ operationLabel NOTIFY changed) ///< "Draft reply", "Shorten", ...
     Q_PROPERTY(QString modelName READ modelName NOTIFY changed)
     Q_PROPERTY(bool isRewrite READ isRewrite NOTIFY changed) ///< of the composer's text, not next to it
     Q_PROPERTY(QStringList warnings READ warnings NOTIFY changed)

@@ -51,7 +51,6 @@ class ComposeSheet : public QObject {
     Q_PROPERTY(QString recipientLabel READ label NOTIFY changed)
     Q_PROPERTY(QString recipientExample READ example NOTIFY changed)
     Q_PROPERTY(QString recipient READ recipient WRITE setRecipient NOTIFY changed)
-    Q_PROPERTY(bool recipientValid READ hasValidRecipient NOTIFY changed)
     Q_PROPERTY(bool takesSubject READ takesSubject NOTIFY changed)
     Q_PROPERTY(QString subject READ subject WRITE setSubject NOTIFY changed)
     Q_PROPERTY(corvane::Attachments* attachments READ attachments CONSTANT)

@@ -14,7 +14,6 @@ class VoiceRecorder : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString state READ stateWord NOTIFY stateChanged) ///< idle, starting, recording, kept
     Q_PROPERTY(bool recording READ recording NOTIFY stateChanged)
-    Q_PROPERTY(double elapsed READ elapsed NOTIFY progressed) ///< seconds of sound
     Q_PROPERTY(QString elapsedText READ elapsedText NOTIFY progressed) ///< such as "0:07"
     Q_PROPERTY(double level READ level NOTIFY progressed) ///< from 0 to 1
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged) ///< the error; empty if there is none

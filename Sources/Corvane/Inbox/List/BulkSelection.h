@@ -8,7 +8,6 @@ namespace corvane {
 /// Rows selected for a common action. Ids that the list no longer shows are removed.
 class BulkSelection : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QStringList ids READ ids NOTIFY changed) ///< in the order of the list
     Q_PROPERTY(bool active READ active NOTIFY changed)
     Q_PROPERTY(QString text READ text NOTIFY changed) ///< such as "3 selected"
 public:

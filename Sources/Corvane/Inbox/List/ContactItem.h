@@ -69,7 +69,6 @@ class MessageHitItem {
     Q_PROPERTY(QString contactId MEMBER contactId)
     Q_PROPERTY(QString name MEMBER name)
     Q_PROPERTY(QString platform MEMBER platform)
-    Q_PROPERTY(QString platformLabel MEMBER platformLabel)
     Q_PROPERTY(QString snippet MEMBER snippet)
     Q_PROPERTY(QString timeText MEMBER timeText)
     Q_PROPERTY(bool leads MEMBER leads)

@@ -93,7 +93,6 @@ void ThreadView::open(const ContactRow& contact, int unread)
         else
             m_reading.begin();
         Q_EMIT loadingMoreChanged();
-        Q_EMIT highlightChanged();
     }
     reload();
     if (!sameFacts)
@@ -198,7 +197,6 @@ void ThreadView::highlight(const QString& messageId)
     m_highlightId = messageId;
     m_highlightEnd = messageId.isEmpty() ? nullptr : m_scheduler.after(highlightTime, [this] { highlight({}); });
     present();
-    Q_EMIT highlightChanged();
 }
 
 void ThreadView::loadMore()

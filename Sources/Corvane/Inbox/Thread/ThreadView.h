@@ -22,8 +22,6 @@ class ThreadView : public QObject {
     Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT)
     Q_PROPERTY(bool isEmpty READ isEmpty NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
-    Q_PROPERTY(QString firstUnreadId READ firstUnreadId NOTIFY contactChanged) ///< when it was opened; empty for none
-    Q_PROPERTY(QString highlightId READ highlightId NOTIFY highlightChanged)
     Q_PROPERTY(bool hasNewer READ hasNewer NOTIFY changed) ///< after the last row
     Q_PROPERTY(corvane::ThreadReading* reading READ reading CONSTANT)
     Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY changed)
@@ -78,7 +76,6 @@ Q_SIGNALS:
     void contactChanged();
     void changed(); ///< after each reload
     void opened(); ///< the newest rows of another person are ready; older ones follow at once
-    void highlightChanged();
     void loadingMoreChanged();
     void errorTextChanged();
     void refused(const QString& error); ///< by the channel: no older messages were requested

@@ -93,12 +93,6 @@ QList<CalEvent> fetchCalendarEvents(LocalDB& db, qint64 endingFromMs, int limit)
     return events;
 }
 
-std::optional<CalEvent> fetchCalendarEvent(LocalDB& db, const QString& id)
-{
-    return calendarEvents.first(db, u"WHERE id=? AND workspace_id=? LIMIT 1;"_s, { id, activeWorkspaceId(db) })
-        .transform(eventOf);
-}
-
 bool replaceCalendarEvents(LocalDB& db, const QList<CalEvent>& events)
 {
     const QString workspace = activeWorkspaceId(db);

@@ -33,8 +33,6 @@ struct CalEvent {
 /// Events of the active workspace that end at `endingFromMs` or later, by start.
 QList<CalEvent> fetchCalendarEvents(LocalDB& db, qint64 endingFromMs, int limit);
 
-std::optional<CalEvent> fetchCalendarEvent(LocalDB& db, const QString& id);
-
 /// Replaces all events of the active workspace in the mirror, in one transaction. On failure it returns false and the
 /// mirror is unchanged.
 bool replaceCalendarEvents(LocalDB& db, const QList<CalEvent>& events);

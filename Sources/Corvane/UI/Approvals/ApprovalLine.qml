@@ -186,7 +186,6 @@ FocusScope {
             visible: !line.linking
 
             Row {
-                id: deciding
                 visible: line.approval.canDecide && !line.editing && !line.asking
                 spacing: Theme.small
                 Button {

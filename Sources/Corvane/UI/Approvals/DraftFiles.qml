@@ -4,8 +4,6 @@ import Corvane.Controls
 
 /// The files that go out with a draft; pressing one opens it.
 Flow {
-    id: list
-
     property alias files: chips.model
 
     spacing: Theme.small

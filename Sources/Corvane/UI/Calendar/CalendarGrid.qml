@@ -168,7 +168,6 @@ FocusScope {
         Repeater {
             model: grid.tiles.gaps.length
             Label {
-                id: free
                 required property int index
                 readonly property freeGap gap: grid.tiles.gaps[index] ?? grid.noGap
                 x: grid.gutter + gap.day * grid.columnWidth

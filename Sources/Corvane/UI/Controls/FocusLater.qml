@@ -3,8 +3,6 @@ import QtQuick
 /// Moves the keyboard to an item once the present event is handled, if it is still inside of `scope` then. In a
 /// delegate Qt.callLater would run after the delegate was removed, and crash.
 Timer {
-    id: later
-
     required property Item scope
     property Item target
 

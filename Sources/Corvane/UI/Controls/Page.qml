@@ -10,7 +10,6 @@ FocusScope {
     property list<Item> panes ///< focus scopes, from left to right; hidden ones are skipped
 
     signal leave ///< back to the hub
-    signal openHub(string hub)
     signal openSettings(string section) ///< empty for the last one
 
     function run(command: string) {

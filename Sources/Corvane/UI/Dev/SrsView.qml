@@ -38,7 +38,6 @@ FocusScope {
             Repeater {
                 model: view.srs.sections.length // the fields stay while one types
                 TextBox {
-                    id: box
                     required property int index
                     readonly property srsSection entry: view.srs.sections[index] ?? view.none
                     readonly property string stored: entry.text

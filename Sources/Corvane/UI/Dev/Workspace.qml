@@ -134,7 +134,6 @@ FocusScope {
         }
     }
     Item {
-        id: frame
         anchors.top: notices.bottom
         anchors.bottom: parent.bottom
         anchors.left: head.left

@@ -4,8 +4,6 @@ import Corvane.Inbox
 
 /// Picks files for a message.
 Button {
-    id: button
-
     required property Attachments attachments
     property bool labelled: false ///< shows the text beside the icon
 

@@ -4,8 +4,6 @@ import Corvane.Inbox
 
 /// What was just done to a conversation or a message, and the way back.
 Toast {
-    id: toast
-
     required property ListActions actions
 
     undoName: "inbox.undo"

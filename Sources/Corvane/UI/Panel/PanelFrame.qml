@@ -38,7 +38,6 @@ T.ApplicationWindow {
     }
 
     FocusScope {
-        id: frame
         anchors.fill: parent
         focus: true
         Keys.onEscapePressed: if (!tabs.stepBack()) window.hide()

@@ -4,8 +4,6 @@ import Corvane.Settings
 
 /// Shows a key of the desktop, and takes another one as it is pressed.
 Button {
-    id: field
-
     required property HotKey hotKey
 
     text: checked ? qsTr("Press the new key…") : hotKey.keys

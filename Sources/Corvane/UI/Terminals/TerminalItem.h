@@ -48,8 +48,8 @@ public:
     QString hoveredLink() const { return m_hoveredLink; }
 
     Q_INVOKABLE void scrollToPosition(qreal position);
-    Q_INVOKABLE void scrollByPages(int pages);
-    Q_INVOKABLE void scrollToEnd(bool oldest);
+    void scrollByPages(int pages);
+    void scrollToEnd(bool oldest);
     Q_INVOKABLE void copy() const;
     Q_INVOKABLE void selectAll();
     Q_INVOKABLE QString clipboardText() const;

@@ -90,7 +90,6 @@ T.AbstractButton {
     }
 
     DragHandler {
-        id: drag
         target: null
         dragThreshold: 6
         grabPermissions: PointerHandler.CanTakeOverFromAnything

@@ -138,7 +138,6 @@ FocusScope {
 
         property workItem item
         property workItem none
-        property point grip
 
         function lift(what: workItem, place: point) {
             item = what;
