@@ -11,7 +11,7 @@ namespace {
 
 const QString module = u"dev"_s;
 
-/// "URL: …" and the counts, as the item and its evidence say it.
+/// "URL: …" and the counts, for the item and its evidence.
 QString countLines(const BrowserBug& bug)
 {
     return u"URL: %1\nConsole warnings/errors: %2\nNetwork failures/errors: %3"_s.arg(

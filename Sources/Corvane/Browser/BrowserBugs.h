@@ -16,27 +16,27 @@ struct BrowserProject {
     bool operator==(const BrowserProject&) const = default;
 };
 
-/// What a person wrote into the sheet, and what the browser had seen. Texts are masked already.
+/// What the user entered in the sheet, and what the browser recorded. All texts are masked.
 struct BrowserBug {
     QString title;
     QString severity; ///< "High", "Medium" or "Low"
-    QString owner; ///< empty: nobody yet
+    QString owner; ///< empty: unassigned
     QString note;
     QString url;
     qsizetype consoleCount = 0;
     qsizetype networkCount = 0;
-    QString evidencePath; ///< empty where it could not be saved
-    QString evidenceError; ///< why, in words
+    QString evidencePath; ///< empty if it could not be saved
+    QString evidenceError; ///< why it could not be saved, for the user
 };
 
 /// A row of the session `id`; its title, engine and times are given here.
 bool saveBrowserSession(LocalDB& db, const QString& id, const BrowserProject& project, const QString& url,
     const QString& status, const QString& capturePath, const QString& error);
 
-/// The item on the project's board, with its evidence. Nothing where the database did not take it.
+/// The item on the project's board, with its evidence. Nothing if the database could not be written.
 std::optional<WorkItemRecord> fileBrowserBug(LocalDB& db, const BrowserProject& project, const BrowserBug& bug);
 
-/// For a person's shell: lets the tool server look at the page.
+/// A shell command by which the tool server scans the page.
 QString browserScanCommand(const QString& projectSlug, const QString& url);
 
 }

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The keys of the browser's pane, which answers them itself.
+/// The keys of the browser's pane, which handles them itself.
 QList<Command> browserCommands();
 
 }

@@ -9,7 +9,7 @@ namespace corvane {
 class ChromiumBrowserController;
 class UserDefaults;
 
-/// How the page is shown: as on which device, how large, and whether the browser has a window of its own.
+/// How the page is shown: the emulated device, the zoom, and whether the browser has a window of its own.
 class BrowserDisplay : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::Choice> devices READ devices CONSTANT)

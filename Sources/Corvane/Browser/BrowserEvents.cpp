@@ -10,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-constexpr qsizetype longestText = 8000; // a page may write without end
+constexpr qsizetype longestText = 8000; // a page may log without limit
 constexpr qsizetype mostRequests = 300;
 constexpr qsizetype requestsLeft = 160;
 

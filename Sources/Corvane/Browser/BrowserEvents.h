@@ -14,15 +14,15 @@ struct BrowserConsoleEvent {
     QString level; ///< "error", "warning" or "assert"
     QString text;
     QString url;
-    int line = 0; ///< from 0; also 0 where it is not known
+    int line = 0; ///< 0-based; also 0 if unknown
 
     bool operator==(const BrowserConsoleEvent&) const = default;
 };
 
-/// Its address, with the line where that is known; empty for neither.
+/// Its address, with the line if that is known; empty if both are unknown.
 QString placeOfEvent(const BrowserConsoleEvent& event);
 
-/// A request that failed, or was answered with a status of 400 or more.
+/// A request that failed, or whose response has a status of 400 or more.
 struct BrowserNetworkEvent {
     QString id; ///< a UUID
     qint64 capturedAt = 0; ///< milliseconds since the epoch
@@ -35,12 +35,12 @@ struct BrowserNetworkEvent {
 };
 
 /// What went wrong in a page, the newest 60 of each kind, gathered from the messages of the DevTools protocol. Texts
-/// are kept as they came: whoever shows or writes them masks them.
+/// are stored unmasked: see BrowserMasking.h.
 class BrowserEvents {
 public:
     static constexpr qsizetype kept = 60;
 
-    /// True where the message added an event.
+    /// True if the message added an event.
     bool take(const QString& method, const QJsonObject& parameters, qint64 nowMs);
     void clear() { *this = {}; }
 

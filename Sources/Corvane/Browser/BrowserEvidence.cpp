@@ -82,7 +82,7 @@ QByteArray evidenceJson(const BrowserEvidencePayload& payload)
     return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 
-/// `size`: of all that was to be written into the path.
+/// `size`: of everything to be written to the path.
 std::unexpected<Error> writeFailure(const QString& path, qint64 size)
 {
     constexpr qint64 little = 4 * 1024 * 1024;
@@ -92,7 +92,7 @@ std::unexpected<Error> writeFailure(const QString& path, qint64 size)
                           : u"The evidence could not be saved: %1 could not be written."_s.arg(path));
 }
 
-/// A folder of that name, or of one with a number behind it, which was not there before.
+/// A new folder of that name, with a number appended if the name is taken.
 std::optional<QString> newFolder(const QString& parent, const QString& name)
 {
     if (!QDir().mkpath(parent))
@@ -121,7 +121,7 @@ QString SavedEvidence::report() const
 
 QString evidenceFolder(const QString& root, const QString& projectSlug)
 {
-    constexpr qsizetype longestName = 60; // in bytes it is four times as long at most
+    constexpr qsizetype longestName = 60; // at most four times as many bytes
     QString name = QString(projectSlug).replace(u'/', u'-').remove(QChar(u'\0')).left(longestName);
     while (name.startsWith(u'.'))
         name.front() = u'-';

@@ -9,18 +9,18 @@ namespace corvane {
 
 class Scheduler;
 
-/// Picks the value of a date, time or colour field of the page, in place of the browser's own picker, which no frame
-/// shows. A value is typed, or taken from those offered.
+/// Picks the value of a date, time or colour field of the page. It replaces the browser's own picker, which is not part
+/// of the frames. A value is typed, or chosen from those offered.
 class BrowserFieldPicker : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
     Q_PROPERTY(QPointF place READ place NOTIFY changed) ///< under the field, from 0 to 1 of the frame
     Q_PROPERTY(QString label READ label NOTIFY changed) ///< of the field
-    Q_PROPERTY(QString heading READ heading NOTIFY changed) ///< the month or year shown; empty where none is
-    Q_PROPERTY(QStringList columns READ columns NOTIFY changed) ///< their headings, which may be empty
+    Q_PROPERTY(QString heading READ heading NOTIFY changed) ///< the month or year shown; empty if there is none
+    Q_PROPERTY(QStringList columns READ columns NOTIFY changed) ///< headings of the columns, which may be empty
     Q_PROPERTY(QList<corvane::BrowserFieldOption> options READ options NOTIFY changed) ///< row by row
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed) ///< what is typed
-    Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< of what was typed; empty for none
+    Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< why the typed value is not accepted; empty if it is
     Q_PROPERTY(bool canClear READ canClear NOTIFY changed)
 public:
     using Take = std::function<void(const QString& value)>;
@@ -40,7 +40,7 @@ public:
     bool canClear() const { return !m_field.isRequired && m_field.kind != BrowserFieldKind::Color; }
 
     Q_INVOKABLE void turn(int pages); ///< months or years
-    Q_INVOKABLE void choose(const QString& value); ///< one of `options`; a day alone leaves the time to be typed
+    Q_INVOKABLE void choose(const QString& value); ///< one of `options`; a time beside the date must be typed
     Q_INVOKABLE void accept(); ///< what is typed
     Q_INVOKABLE void clear(); ///< the field
     Q_INVOKABLE void close();

@@ -112,7 +112,7 @@ QList<BrowserFieldOption> halfHours()
     return options;
 }
 
-/// Greys, then each hue from light to dark in a column.
+/// Greys, then one column for each hue, from light to dark.
 QList<BrowserFieldOption> colors()
 {
     constexpr int hues = 8;
@@ -180,7 +180,7 @@ QDate browserFieldDay(Kind kind, const QString& value)
 
 bool allows(const BrowserField& field, const QString& value)
 {
-    // Values of one kind are in order as texts, too.
+    // Values of one kind also sort correctly as texts.
     return (field.least.isEmpty() || value >= field.least) && (field.most.isEmpty() || value <= field.most);
 }
 

@@ -6,19 +6,19 @@
 
 namespace corvane {
 
-/// The fields whose value is picked rather than typed.
+/// The fields for which browsers have a picker.
 enum class BrowserFieldKind { Date, DateTime, Month, Week, Time, Color };
 
 std::optional<BrowserFieldKind> browserFieldKind(const QString& type); ///< of the "type" of an input
 
-/// As the page takes it: "2026-11-22", "2026-11-22T14:30", "2026-11", "2026-W47", "14:30" or "#3366cc". Nothing where
-/// the text is none of this kind.
+/// As the page takes it: "2026-11-22", "2026-11-22T14:30", "2026-11", "2026-W47", "14:30" or "#3366cc". Nothing if
+/// the text is not a value of this kind.
 std::optional<QString> browserFieldValue(BrowserFieldKind kind, const QString& typed);
 
-/// A day that the value names or begins with; invalid for times and colours.
+/// The day that the value is, or starts with; invalid for times and colours.
 QDate browserFieldDay(BrowserFieldKind kind, const QString& value);
 
-/// One of the values that are offered.
+/// A value to choose from.
 struct BrowserFieldOption {
     Q_GADGET
     Q_PROPERTY(QString value MEMBER value)
@@ -31,16 +31,16 @@ struct BrowserFieldOption {
 public:
     QString value;
     QString label; ///< empty for a colour
-    QString name; ///< read aloud
-    QString color; ///< empty but for a colour
+    QString name; ///< accessible name
+    QString color; ///< only for a colour
     bool isChosen = false;
-    bool isAside = false; ///< a day of the month before or after
+    bool isAside = false; ///< a day of the previous or next month
     bool isOffered = true; ///< the page allows it
 
     bool operator==(const BrowserFieldOption&) const = default;
 };
 
-/// What the page says of a field.
+/// What the page specifies for a field.
 struct BrowserField {
     BrowserFieldKind kind = BrowserFieldKind::Date;
     QString label = {};

@@ -47,7 +47,7 @@ QString BrowserHistory::sessionId()
     return id;
 }
 
-/// Null where there is none of that id.
+/// Null if there is none with that id.
 const DevBrowserSessionRow* BrowserHistory::find(const QString& id) const
 {
     const auto row = std::ranges::find(m_sessions, id, &DevBrowserSessionRow::id);
@@ -94,7 +94,7 @@ void BrowserHistory::openFolder(const QString& sessionId)
         Q_EMIT said(u"The folder could not be opened: %1"_s.arg(folder));
 }
 
-/// Other programs write rows with paths, too: only what lies in the folder of all evidence is opened.
+/// Other programs write rows with paths, too: only paths inside the evidence folder are opened.
 Result<QString> BrowserHistory::folderOf(const QString& evidencePath) const
 {
     const QFileInfo info(evidencePath);

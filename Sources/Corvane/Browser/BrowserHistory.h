@@ -10,8 +10,8 @@ class ChromiumBrowserController;
 class Desktop;
 class LocalDB;
 
-/// The looks at a project's pages: the row of the one that goes on, and what was kept of earlier ones, to be opened and
-/// played again.
+/// The browser sessions of a project: the row of the current one, and the evidence of earlier ones, which can be opened
+/// and replayed.
 class BrowserHistory : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* rows READ rows CONSTANT) ///< of BrowserSession, newest first
@@ -19,18 +19,18 @@ public:
     /// All of it outlives the history.
     BrowserHistory(LocalDB& db, ChromiumBrowserController& browser, Desktop& desktop, QObject* parent);
 
-    void setProject(const BrowserProject& project); ///< one without an id: none
+    void setProject(const BrowserProject& project); ///< without an id: no project
     void reload(); ///< the rows may have changed
     GadgetListModel* rows() { return &m_rows; }
 
-    QString sessionId(); ///< of the look that goes on
-    void save(); ///< the look that goes on; one of which something was kept is over, and another begins
+    QString sessionId(); ///< of the current session
+    void save(); ///< the current session; one with saved evidence ends, and a new one starts
 
     Q_INVOKABLE void open(const QString& sessionId); ///< its page
     Q_INVOKABLE void play(const QString& sessionId); ///< its steps
     Q_INVOKABLE void openFolder(const QString& sessionId = {}); ///< its evidence; without an id the latest
 
-    /// Of the evidence at that path, whichever project's it is. An error is for the user.
+    /// Of the evidence at that path, of any project. Errors are for the user.
     Result<void> openReport(const QString& path);
     Result<void> playSteps(const QString& path);
 

@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-/// A key by its names in the DOM and its number on Windows, which pages still ask for.
+/// A key's DOM names and its Windows key code, which pages still read.
 struct NamedKey {
     QString key;
     QString code;
@@ -65,7 +65,7 @@ std::optional<NamedKey> characterKey(const BrowserKey& key)
         named.code = (cap.isLetter() ? u"Key"_s : u"Digit"_s) + cap;
         named.number = cap.unicode();
     }
-    // What Ctrl and a letter type is a control character, which pages expect as the letter.
+    // Qt reports Ctrl and a letter as a control character; pages expect the letter.
     if (!isPrintable)
         named.key = cap.toLower();
     if (!isPrintable || key.modifiers & (Qt::ControlModifier | Qt::MetaModifier))

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// What a pointing device did over the view that shows the page.
+/// An event of a pointing device over the view that shows the page.
 struct BrowserPointer {
     enum class Kind { Press, Release, Move, Wheel };
 
@@ -29,19 +29,19 @@ struct BrowserKey {
     bool isRepeated = false;
 };
 
-/// Where a frame stands in a view of that size: as large as its ratio allows, in the middle.
+/// The position of a frame in a view of that size: centred, and as large as its ratio allows.
 QRectF shownFrame(QSizeF frame, QSizeF view);
 
-/// A point of the view on a page of the size `viewport`, never below 0. Nothing where either has no extent.
+/// Maps a point of the view to a page of the size `viewport`, never below 0. Nothing if either size is empty.
 std::optional<QPointF> pagePoint(QPointF inView, QSizeF view, QSizeF viewport);
 
 /// Parameters of Input.dispatchMouseEvent, at a point of the page.
 QJsonObject pointerParameters(const BrowserPointer& pointer, QPointF at);
 
-/// The nearest to a CSS cursor, such as "pointer" or "url(hand.png), grab"; the arrow where nothing is near.
+/// The nearest match for a CSS cursor, such as "pointer" or "url(hand.png), grab"; the arrow if there is none.
 Qt::CursorShape cursorShape(const QString& css);
 
-/// Parameters of Input.dispatchKeyEvent; nothing for a key that a page knows nothing of.
+/// Parameters of Input.dispatchKeyEvent; nothing for a key that pages do not support.
 std::optional<QJsonObject> keyParameters(const BrowserKey& key);
 
 }

@@ -12,8 +12,8 @@ class BrowserIssues : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* rows READ rows CONSTANT) ///< of BrowserIssue, newest first
     Q_PROPERTY(int count READ count NOTIFY changed)
-    Q_PROPERTY(QString text READ text NOTIFY changed) ///< how many, in words
-    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< empty where there are some
+    Q_PROPERTY(QString text READ text NOTIFY changed) ///< such as "3 issues"
+    Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed) ///< empty if there are any
 public:
     BrowserIssues(ChromiumBrowserController& browser, QObject* parent); ///< the browser outlives it
 

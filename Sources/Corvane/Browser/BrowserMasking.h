@@ -11,7 +11,7 @@ class BrowserPage;
 
 QString masked(const BrowserPage& page, const QString& text);
 QList<BrowserConsoleEvent> maskedConsole(const BrowserPage& page);
-QList<BrowserNetworkEvent> maskedRequests(const BrowserPage& page); ///< that failed
-QList<BrowserStep> maskedSteps(const BrowserPage& page); ///< since it was opened by its address
+QList<BrowserNetworkEvent> maskedRequests(const BrowserPage& page); ///< the failed ones
+QList<BrowserStep> maskedSteps(const BrowserPage& page); ///< since an address was last opened
 
 }

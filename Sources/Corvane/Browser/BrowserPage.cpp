@@ -16,7 +16,7 @@ constexpr QSize usualSize(1280, 800);
 const QString blankPage = u"about:blank"_s;
 constexpr Milliseconds historyPause(100);
 constexpr int mostHistoryLooks = 20;
-constexpr int everyFrame = 1; // if some were left out, a page at rest could stay without its last one
+constexpr int everyFrame = 1; // if some were skipped, the last frame of a page at rest could be missing
 
 QString script(const QString& function, const QJsonArray& arguments)
 {
@@ -51,7 +51,7 @@ void BrowserPage::attach(DevToolsConnection* connection)
         { { u"format"_s, u"jpeg"_s }, { u"quality"_s, 72 }, { u"maxWidth"_s, usualSize.width() },
             { u"maxHeight"_s, usualSize.height() }, { u"everyNthFrame"_s, everyFrame } });
     connection->call(u"Inspector.enable"_s);
-    // Without a window the page would never have the focus, and its fields no caret.
+    // A page without a window is never focused otherwise, and its fields show no caret.
     connection->call(u"Emulation.setFocusEmulationEnabled"_s, { { u"enabled"_s, true } });
     connection->call(u"Page.setInterceptFileChooserDialog"_s, { { u"enabled"_s, true } });
     connection->call(u"Browser.setDownloadBehavior"_s, { { u"behavior"_s, u"deny"_s }, { u"eventsEnabled"_s, true } });
@@ -79,7 +79,7 @@ void BrowserPage::setMetrics(QSize size, double zoom, bool isMobile)
         sendMetrics();
 }
 
-/// The zoom lays the page out on fewer pixels and draws each larger, as a browser's own zoom does.
+/// The zoom lays the page out in fewer, larger pixels, as a browser's own zoom does.
 void BrowserPage::sendMetrics()
 {
     constexpr int longestSide = 10'000'000;
@@ -133,7 +133,7 @@ bool BrowserPage::canGo(int by) const
     return m_connection && m_historyIndex + by >= 0 && m_historyIndex + by < m_history.size();
 }
 
-/// From where the page is now: the list that is known here may be older.
+/// Relative to the page's current entry: the list known here may be outdated.
 void BrowserPage::step(int by)
 {
     if (!m_connection)
@@ -186,7 +186,7 @@ void BrowserPage::take(const QString& method, const QJsonObject& parameters)
     } else if (method == "Page.loadEventFired"_L1 && !m_isOpening) {
         m_hasLoaded = true;
         readTitle();
-        readHistory(); // the entry may come later than the navigation that is told
+        readHistory(); // the entry may be added after the navigation is reported
         Q_EMIT loaded();
     } else if (method == "Runtime.bindingCalled"_L1
         && parameters["name"_L1].toString() == QLatin1StringView(pageScriptBinding)) {
@@ -212,7 +212,7 @@ void BrowserPage::takeReport(const QJsonObject& report, int context)
 
 void BrowserPage::takeFrame(const QJsonObject& parameters)
 {
-    // At once, whatever becomes of the frame: the browser sends no more before.
+    // At once, even if the frame is dropped: the browser waits for it before the next one.
     m_connection->call(u"Page.screencastFrameAck"_s, { { u"sessionId"_s, parameters["sessionId"_L1] } });
     const QJsonValue metadata = parameters["metadata"_L1];
     Q_EMIT frame(parameters["data"_L1].toString().toLatin1(),
@@ -224,7 +224,7 @@ void BrowserPage::takeNavigation(const QJsonObject& frame)
     if (frame.contains("parentId"_L1))
         return;
     m_mainFrame = frame["id"_L1].toString();
-    const QString unreachable = frame["unreachableUrl"_L1].toString(); // an error page stands in its place
+    const QString unreachable = frame["unreachableUrl"_L1].toString(); // an error page is shown instead
     m_url = !unreachable.isEmpty() ? unreachable : frame["url"_L1].toString() + frame["urlFragment"_L1].toString();
     if (m_url != blankPage || m_wanted == blankPage)
         m_isOpening = false;
@@ -259,7 +259,7 @@ bool BrowserPage::refuse(const QString& method, const QJsonObject& parameters)
 {
     if (method == "Page.javascriptDialogOpening"_L1) {
         ++m_dialogs;
-        // To stay on a page that asks would hold it for ever.
+        // Staying on a page that asks before it closes would block it forever.
         const bool leaves = parameters["type"_L1].toString() == "beforeunload"_L1;
         m_connection->call(u"Page.handleJavaScriptDialog"_s, { { u"accept"_s, leaves } });
     } else if (method == "Browser.downloadWillBegin"_L1) {
@@ -325,7 +325,7 @@ void BrowserPage::askForHistory()
     });
 }
 
-/// The list may lag behind what the page reports. Until they agree, it is asked for again.
+/// The list may lag behind what the page reports. It is requested again until they agree.
 void BrowserPage::takeHistory(const QJsonObject& history)
 {
     const QJsonArray entries = history["entries"_L1].toArray();

@@ -11,15 +11,15 @@
 
 namespace corvane {
 
-/// What is known of the page that is shown, as the protocol tells it. Texts are as they came, with what secrets they
-/// hold. Dialogs, downloads and questions for files are answered here: nobody would see them.
+/// The state of the page that is shown, as the protocol reports it. Texts are unmasked. Dialogs, downloads and file
+/// choosers are refused here, since no frame shows them.
 class BrowserPage : public QObject {
     Q_OBJECT
 public:
     /// The scheduler outlives it.
     BrowserPage(Scheduler& scheduler, QObject* parent);
 
-    void attach(DevToolsConnection* connection); ///< of a page that nobody listened to yet
+    void attach(DevToolsConnection* connection); ///< to a page without other listeners
     void setMetrics(QSize size, double zoom, bool isMobile); ///< size in pixels of the frame
     void open(const QString& url); ///< once the browser reports on the page
     void step(int by); ///< through the history
@@ -29,16 +29,16 @@ public:
     const QString& title() const { return m_title; }
     void setTitle(const QString& title) { m_title = title; }
     bool isLoading() const { return m_isLoading; }
-    bool isLeaving() const { return m_isLeaving; } ///< another page is loading, and has not come yet
-    bool hasLoaded() const { return m_hasLoaded; } ///< since the last time it was opened
-    double progress() const; ///< of the loading, from 0 to 1
+    bool isLeaving() const { return m_isLeaving; } ///< another page was requested and has not replaced this one yet
+    bool hasLoaded() const { return m_hasLoaded; } ///< since the last `open`
+    double progress() const; ///< of loading, from 0 to 1
     bool canGo(int by) const;
-    QString notice() const; ///< what was refused, in words; empty for none
+    QString notice() const; ///< what was refused, for the user; empty for nothing
     void dismissNotice();
     const BrowserEvents& events() const { return m_events; }
     BrowserSteps& steps() { return m_steps; }
     const BrowserSteps& steps() const { return m_steps; }
-    void forget(); ///< what went wrong and what was done
+    void forget(); ///< clears events and steps
 
 Q_SIGNALS:
     void changed();
@@ -69,7 +69,7 @@ private:
     BrowserSteps m_steps;
     QString m_url = u"about:blank"_s;
     QString m_title = u"Chromium"_s;
-    QString m_wanted; ///< the address that was opened last
+    QString m_wanted; ///< the address opened last
     QString m_mainFrame;
     QSize m_size;
     double m_zoom = 1;
@@ -77,14 +77,14 @@ private:
     bool m_isLoading = false;
     bool m_isLeaving = false;
     bool m_hasLoaded = false;
-    bool m_isReported = false; ///< the browser has agreed to everything that `attach` asks for
-    bool m_isOpening = false; ///< what is loaded still belongs to the page before
-    int m_requests = 0; ///< since the loading began
+    bool m_isReported = false; ///< the browser has confirmed everything that `attach` requests
+    bool m_isOpening = false; ///< what is loaded still belongs to the previous page
+    int m_requests = 0; ///< since loading started
     int m_answered = 0;
     QList<int> m_history; ///< the browser's ids of its entries
     int m_historyIndex = 0;
     int m_historyLooks = 0; ///< since the last navigation
-    int m_step = 0; ///< to be taken once the history is known
+    int m_step = 0; ///< pending until the history is known
     std::unique_ptr<Timer> m_historyLook;
     int m_dialogs = 0;
     int m_downloads = 0;

@@ -7,11 +7,11 @@ namespace corvane {
 
 class ChromiumBrowserController;
 
-/// What the page asks for in a window of its own, which no frame shows: a choice of a drop-down list, or the value of a
-/// field. The one that was asked for last is answered.
+/// Replaces the browser's pop-ups, which are not part of the frames: the choice from a drop-down list, or the value of
+/// a field. The latest request is answered.
 class BrowserPicker : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QList<corvane::Choice> choices READ choices NOTIFY opened) ///< of the list, those that may be chosen
+    Q_PROPERTY(QList<corvane::Choice> choices READ choices NOTIFY opened) ///< the enabled options of the list
     Q_PROPERTY(QString chosen READ chosen NOTIFY opened) ///< an id of `choices`
     Q_PROPERTY(QPointF place READ place NOTIFY opened) ///< under the list, from 0 to 1 of the frame
     Q_PROPERTY(corvane::BrowserFieldPicker* field READ field CONSTANT)

@@ -16,7 +16,7 @@ constexpr Milliseconds look(100);
 constexpr int looksForAnElement = 50;
 constexpr int looksForAPage = 300;
 
-/// The middle of the element in pixels of the page, once it is there.
+/// The centre of the element in pixels of the page, once the element exists.
 const QString placeOf = uR"(selector => {
     const element = document.querySelector(selector);
     if (!element) return null;
@@ -25,7 +25,7 @@ const QString placeOf = uR"(selector => {
     return box.width && box.height ? [box.x + box.width / 2, box.y + box.height / 2] : null;
 })"_s;
 
-/// Puts the keyboard there, with what stands in the field chosen.
+/// Focuses the field and selects its content.
 const QString focusOn = uR"(selector => {
     const element = document.querySelector(selector);
     if (!element) return null;
@@ -34,7 +34,7 @@ const QString focusOn = uR"(selector => {
     return true;
 })"_s;
 
-/// A page in the background is not drawn.
+/// Background pages are not painted.
 const QString untilDrawn = u"new Promise(done => { requestAnimationFrame(() => requestAnimationFrame(done)); "
                            "setTimeout(done, 1000); })"_s;
 
@@ -110,7 +110,7 @@ QCoro::Task<void> BrowserPlayer::playAll(QList<BrowserStep> steps, CancelHandle 
                     countWords(withheld, u"step was"_s, u"steps were"_s)));
 }
 
-/// Why it could not be done; empty where it was.
+/// Why it failed; empty on success.
 QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
 {
     if (step.kind == Kind::Open) {
@@ -157,8 +157,8 @@ QCoro::Task<QString> BrowserPlayer::playOne(BrowserStep step, CancelHandle end)
     co_return QString();
 }
 
-/// A page takes no input before it is drawn. What the step did may also lead to another page, which the next step is
-/// for; such a navigation is told of before a script that runs behind the step answers.
+/// A page accepts no input before it is painted. A step may also navigate to the page that the next step is for; such a
+/// navigation is reported before the result of a script that runs after the step.
 QCoro::Task<void> BrowserPlayer::settle(CancelHandle end)
 {
     co_await call(u"Runtime.evaluate"_s, { { u"expression"_s, untilDrawn }, { u"awaitPromise"_s, true } }, end);
@@ -190,7 +190,7 @@ QCoro::Task<QJsonValue> BrowserPlayer::evaluate(QString function, QJsonArray arg
     co_return result["result"_L1]["value"_L1];
 }
 
-/// Waits for the answer, since input and scripts reach the page on different ways and could overtake each other.
+/// Waits for the result, since input and scripts take different paths to the page and could overtake each other.
 QCoro::Task<QJsonObject> BrowserPlayer::call(QString method, QJsonObject parameters, CancelHandle end)
 {
     DevToolsConnection* const connection = m_browser.connection();

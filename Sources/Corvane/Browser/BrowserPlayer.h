@@ -11,7 +11,7 @@ namespace corvane {
 
 class ChromiumBrowserController;
 
-/// Does again what a person did in a page, one step after the other. An element that is not there yet is waited for.
+/// Replays the user's steps in a page, one after the other. Waits for elements that do not exist yet.
 class BrowserPlayer : public QObject {
     Q_OBJECT
 public:
@@ -19,11 +19,11 @@ public:
     BrowserPlayer(ChromiumBrowserController& browser, Scheduler& scheduler, QObject* parent);
     ~BrowserPlayer() override;
 
-    void play(const QList<BrowserStep>& steps); ///< in place of what is being played
-    void stop(); ///< and forgets the words
+    void play(const QList<BrowserStep>& steps); ///< replaces what is being played
+    void stop(); ///< and clears `words`
 
     bool isPlaying() const { return m_isPlaying; }
-    const QString& words() const { return m_words; } ///< what is being done, or how it ended; empty before
+    const QString& words() const { return m_words; } ///< the progress or the result; empty before the first
 
 Q_SIGNALS:
     void changed();

@@ -165,7 +165,7 @@ void BrowserReportSheet::keep(const BrowserEvidencePayload& payload, const Resul
     Q_EMIT submitted(u"The evidence was saved."_s, {});
 }
 
-/// A bug counts, with its proof or without it.
+/// A bug is filed even if its evidence could not be saved.
 void BrowserReportSheet::file(const BrowserEvidencePayload& payload, const Result<SavedEvidence>& evidence)
 {
     const QString error = evidence ? QString() : evidence.error().message;

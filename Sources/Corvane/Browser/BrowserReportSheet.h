@@ -12,7 +12,7 @@ namespace corvane {
 class ChromiumBrowserController;
 class LocalDB;
 
-/// What is about to be kept of a page, shown before anything is written: the picture, and for a bug its fields.
+/// What is about to be saved of a page, shown before anything is written: the picture, and for a bug its fields.
 class BrowserReportSheet : public QObject {
     Q_OBJECT
     Q_PROPERTY(Purpose purpose READ purpose NOTIFY changed)
@@ -27,9 +27,9 @@ class BrowserReportSheet : public QObject {
     Q_PROPERTY(QString ownerHint READ ownerHint CONSTANT)
     Q_PROPERTY(QString note READ note WRITE setNote NOTIFY changed)
     Q_PROPERTY(QString preview READ preview NOTIFY changed) ///< counts, and the newest events
-    Q_PROPERTY(QString stepsText READ stepsText NOTIFY changed) ///< one line a step
+    Q_PROPERTY(QString stepsText READ stepsText NOTIFY changed) ///< one line per step
     Q_PROPERTY(QString submitLabel READ submitLabel NOTIFY changed)
-    Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< why it was not saved; empty for none
+    Q_PROPERTY(QString refusal READ refusal NOTIFY changed) ///< why it was not saved, or empty
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
 public:
     enum class Purpose { Closed, Evidence, Bug };
@@ -39,7 +39,7 @@ public:
     BrowserReportSheet(LocalDB& db, ChromiumBrowserController& browser, QObject* parent);
     ~BrowserReportSheet() override;
 
-    /// Opens it on what the page shows now.
+    /// Opens it with what the page shows now.
     void open(Purpose purpose, const BrowserProject& project, const QString& sessionId, const QString& requestedURL);
 
     Purpose purpose() const { return m_purpose; }
@@ -68,7 +68,7 @@ public:
 
 Q_SIGNALS:
     void changed();
-    /// What was written, in words; `itemId` is that of the bug, if one was filed.
+    /// The result, for the user; `itemId` is that of the bug, if one was filed.
     void submitted(const QString& notice, const QString& itemId);
 
 private:
@@ -92,7 +92,7 @@ private:
     QString m_note;
     QString m_refusal;
     bool m_busy = false;
-    BackgroundQueue m_queue; ///< goes first: its work holds values of the above
+    BackgroundQueue m_queue; ///< destroyed first: its work uses the members above
 };
 
 }

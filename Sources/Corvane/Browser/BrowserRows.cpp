@@ -29,7 +29,7 @@ QString clock(qint64 ms)
 
 QList<BrowserIssue> browserIssues(const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network)
 {
-    QMultiMap<qint64, BrowserIssue> timed; // of two at once the later one comes first
+    QMultiMap<qint64, BrowserIssue> timed; // of two at the same time, the later one first
     const auto add = [&timed](qint64 at, const QString& id, const QString& kind, bool isError, const QString& text,
                          const QString& place) {
         BrowserIssue issue;

@@ -17,10 +17,10 @@ class BrowserIssue {
     Q_PROPERTY(QString time MEMBER time)
 public:
     QString id;
-    QString kind; ///< in words, such as "Console error" or "HTTP 404"
+    QString kind; ///< such as "Console error" or "HTTP 404"
     bool isError = false;
     QString text;
-    QString place; ///< the address, with the line where it is known
+    QString place; ///< the address, with the line if it is known
     QString time;
 
     static constexpr const char* role = "issue";
@@ -28,7 +28,7 @@ public:
     bool operator==(const BrowserIssue&) const = default;
 };
 
-/// An earlier look at a page.
+/// An earlier browser session.
 class BrowserSession {
     Q_GADGET
     Q_PROPERTY(QString sessionId MEMBER id)
@@ -52,7 +52,7 @@ public:
 QList<BrowserIssue> browserIssues(const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network);
 QList<BrowserSession> browserSessions(const QList<DevBrowserSessionRow>& rows, qint64 nowMs);
 
-/// Counts and the newest events, or the sentence that there are none.
+/// Counts and the newest events, or a sentence that there are none.
 QString browserEvidencePreview(
     const QList<BrowserConsoleEvent>& console, const QList<BrowserNetworkEvent>& network, qsizetype newest);
 

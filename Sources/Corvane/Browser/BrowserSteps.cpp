@@ -103,7 +103,7 @@ void BrowserSteps::reported(const QJsonObject& report)
     if (report["kind"_L1].toString() == "secret"_L1) {
         const qint64 field = report["field"_L1].toInteger();
         const QString value = report["text"_L1].toString();
-        // While a person types, each report holds the last one.
+        // While the user types, each report contains the previous one.
         const bool grows = field == m_secretField && !m_secrets.isEmpty() && value.startsWith(m_secrets.constLast());
         if (grows)
             m_secrets.removeLast();
@@ -125,14 +125,14 @@ void BrowserSteps::addSecret(const QString& value)
 
 void BrowserSteps::add(const BrowserStep& step)
 {
-    // A field counts once, with what stands in it in the end.
+    // Typing into a field is one step, with its final text.
     const bool isOfField = step.kind == Kind::Type || step.kind == Kind::Choose;
     const bool replaces = isOfField && !m_steps.isEmpty() && m_steps.constLast().kind == step.kind
         && m_steps.constLast().selector == step.selector;
     if (replaces)
         m_steps.removeLast();
     m_steps.append(step);
-    // The first one says where it began.
+    // The first step is the address.
     if (m_steps.size() > kept)
         m_steps.remove(1);
 }

@@ -7,15 +7,15 @@
 
 namespace corvane {
 
-/// One thing that a person did in a page, so that another can do it again.
+/// One action of the user in a page, described so that it can be repeated.
 struct BrowserStep {
     enum class Kind { Open, Click, Type, Choose, Press };
 
     Kind kind = Kind::Open;
     QString selector = {}; ///< of the element; empty for Open
-    QString label = {}; ///< what the element is called on the page
+    QString label = {}; ///< the element's label on the page
     QString text = {}; ///< the address, the text typed, the choice or the key
-    bool isWithheld = false; ///< what was typed may be a secret, and is not here
+    bool isWithheld = false; ///< the typed text may be secret and is not stored
 
     bool operator==(const BrowserStep&) const = default;
 };
@@ -24,18 +24,18 @@ struct BrowserStep {
 QString stepLine(const BrowserStep& step);
 
 QJsonArray stepsToJson(const QList<BrowserStep>& steps);
-QList<BrowserStep> stepsFromJson(const QJsonArray& steps); ///< what does not read is left out
+QList<BrowserStep> stepsFromJson(const QJsonArray& steps); ///< skips unreadable ones
 
-/// What a person did since the page was opened, as the page reports it.
+/// The user's actions since the page was opened, as the page reports them.
 class BrowserSteps {
 public:
     static constexpr qsizetype kept = 200;
 
-    void opened(const QString& url); ///< by the address field: what was done before no longer counts
+    void opened(const QString& url); ///< from the address field: discards earlier steps
     void reported(const QJsonObject& report); ///< by the script in the page
 
     const QList<BrowserStep>& steps() const { return m_steps; }
-    /// What stood in fields that are secret, or whose kind is not known.
+    /// The content of fields that are secret or of unknown kind.
     const QStringList& secrets() const { return m_secrets; }
     void addSecret(const QString& value);
 
@@ -44,7 +44,7 @@ private:
 
     QList<BrowserStep> m_steps;
     QStringList m_secrets;
-    qint64 m_secretField = -1; ///< whose value is the last of the secrets, and may still grow
+    qint64 m_secretField = -1; ///< its value is the last of the secrets, and may still grow
 };
 
 }

@@ -11,8 +11,8 @@ namespace corvane {
 class BrowserPage;
 class DevToolsConnection;
 
-/// The page as pictures, and the input that goes to it. Points are in a view of the given size, in which the frame is
-/// shown at its ratio.
+/// The page as pictures, and the input for it. Points are relative to a view of the given size, which shows the frame
+/// at its aspect ratio.
 class BrowserSurface : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool hasFrame READ hasFrame NOTIFY shown)
@@ -29,8 +29,8 @@ public:
     void clickBrowser(QPointF point, QSizeF view);
     void pointer(const BrowserPointer& pointer, QSizeF view);
     void key(const BrowserKey& key);
-    void insertText(const QString& text); ///< as an input method commits it
-    void compose(const QString& text, int cursor); ///< as an input method shows it meanwhile
+    void insertText(const QString& text); ///< committed by an input method
+    void compose(const QString& text, int cursor); ///< the preedit text of an input method
     void takeSelection(bool andCut, std::function<void(const QString&)> done);
 
 Q_SIGNALS:

@@ -48,7 +48,7 @@ void BrowserView::setProject(const BrowserProject& project)
     Q_EMIT changed();
 }
 
-/// The page moved on: the field follows it, and so does the row of the session.
+/// After a navigation, the field and the row of the session follow.
 void BrowserView::refresh()
 {
     const QString url = m_browser.currentURL();

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// The browser of a project: its address, how it is, and the parts around the page.
+/// The browser of a project: its address, its state, and the parts around the page.
 class BrowserView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::ChromiumBrowserController* browser READ browser CONSTANT)
@@ -19,11 +19,11 @@ class BrowserView : public QObject {
     Q_PROPERTY(corvane::BrowserHistory* history READ history CONSTANT)
     Q_PROPERTY(corvane::BrowserDisplay* display READ display CONSTANT)
     Q_PROPERTY(corvane::BrowserPicker* picker READ picker CONSTANT)
-    Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY changed) ///< what stands in the field
+    Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY changed) ///< the text of the field
     Q_PROPERTY(QString addressHint READ addressHint NOTIFY changed)
     Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
     Q_PROPERTY(QString problem READ problem NOTIFY changed) ///< empty for none
-    Q_PROPERTY(QString problemAction READ problemAction NOTIFY changed) ///< empty where nothing can be done here
+    Q_PROPERTY(QString problemAction READ problemAction NOTIFY changed) ///< empty if nothing can be done here
     Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< empty for none
     Q_PROPERTY(QString noticeAction READ noticeAction NOTIFY changed) ///< empty for none
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
@@ -37,7 +37,7 @@ public:
         UserDefaults& defaults;
         Desktop& desktop;
         BrowserSurroundings browser;
-        /// A new shell of that name, into which the command is typed.
+        /// Opens a shell of that name and types the command into it.
         std::function<void(const QString& label, const QString& command)> openTerminal;
     };
     explicit BrowserView(const Surroundings& at, QObject* parent = nullptr);
@@ -64,14 +64,14 @@ public:
     QString emptyAction() const;
     bool evidenceReady() const { return m_browser.hasEvidence(); }
 
-    Q_INVOKABLE void open(); ///< what stands in the address field
+    Q_INVOKABLE void open(); ///< the address in the field
     Q_INVOKABLE void find(const QString& text, bool backwards);
     Q_INVOKABLE void capture(); ///< shows the picture; the sheet saves it
     Q_INVOKABLE void reportBug();
     Q_INVOKABLE void scan(); ///< in a shell
     Q_INVOKABLE void solveProblem();
     Q_INVOKABLE void actOnNotice();
-    Q_INVOKABLE void dismissNotice(); ///< and ends what it speaks of
+    Q_INVOKABLE void dismissNotice(); ///< and stops what it reports
 
 Q_SIGNALS:
     void changed();
@@ -95,7 +95,7 @@ private:
     QString m_address;
     QString m_savedURL; ///< in the row of the session
     QString m_notice;
-    QString m_item; ///< that the notice speaks of; empty for none
+    QString m_item; ///< the item named by the notice; empty for none
 };
 
 }

@@ -21,7 +21,7 @@ constexpr Milliseconds tellPause(50);
 constexpr Milliseconds watchPeriod(5000);
 constexpr Milliseconds passwordLimit(3000);
 
-/// The title now, and what stands in password fields of the page and of the frames that may be looked into.
+/// The current title, and the content of password fields in the page and in all accessible frames.
 const QString titleAndPasswords = uR"JS((() => {
     const found = [];
     const look = page => {
@@ -123,7 +123,7 @@ void ChromiumBrowserController::adopt(DevToolsConnection* connection)
     m_tell.request();
 }
 
-/// A browser that is alive answers at once, whatever its page does.
+/// A working browser answers at once, whatever its page does.
 void ChromiumBrowserController::watch()
 {
     if (!m_connection)
@@ -144,7 +144,7 @@ void ChromiumBrowserController::watch()
     });
 }
 
-/// The words of the process count more than those of the connection, and come later.
+/// The reason that the process gives arrives later than the connection's, and is more precise.
 void ChromiumBrowserController::lose(const QString& reason)
 {
     m_tell.request();
@@ -226,7 +226,7 @@ void ChromiumBrowserController::gatherEvidence(
         payload.browser = self->m_browser;
         done(payload);
     };
-    // A page that hangs must not keep the evidence of it.
+    // A page that hangs must not block its evidence.
     m_evidenceLimit = m_at.scheduler.after(m_connection ? passwordLimit : Milliseconds(0), give);
     if (!m_connection)
         return;

@@ -13,8 +13,8 @@ namespace corvane {
 
 class ChromiumStart;
 
-/// A real Chromium without a window of its own: whether it runs, what it shows (`page`, `surface`) and the evidence of
-/// it. Every text that it hands out itself is masked. Main thread only.
+/// A real, headless Chromium: its process, what it shows (`page`, `surface`), and evidence of that. Its own texts are
+/// masked. Main thread only.
 class ChromiumBrowserController : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString status READ status NOTIFY changed)
@@ -23,28 +23,28 @@ class ChromiumBrowserController : public QObject {
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY changed)
     Q_PROPERTY(bool isConnecting READ isConnecting NOTIFY changed)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
-    Q_PROPERTY(double progress READ progress NOTIFY changed) ///< of the loading, 0 to 1
+    Q_PROPERTY(double progress READ progress NOTIFY changed) ///< of loading, from 0 to 1
     Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY changed)
     Q_PROPERTY(bool canGoForward READ canGoForward NOTIFY changed)
     Q_PROPERTY(corvane::BrowserSurface* surface READ surface CONSTANT)
 public:
     explicit ChromiumBrowserController(const BrowserSurroundings& at, QObject* parent = nullptr);
-    ~ChromiumBrowserController() override; ///< ends the browser, unless it was there before
+    ~ChromiumBrowserController() override; ///< ends the browser, unless it was already running
 
     const QString& status() const { return m_status; }
     QString title() const { return masked(m_page, m_page.title()); } ///< "Chromium" before there is one
     QString currentURL() const { return masked(m_page, m_page.url()); }
-    bool hasEvidence() const; ///< a frame, or something that went wrong
+    bool hasEvidence() const; ///< there is a frame or an event
     QString lastError() const { return masked(m_page, m_error); }
     bool isRunning() const { return m_connection != nullptr; }
     bool isConnecting() const { return m_isConnecting; }
-    bool isHanging() const { return m_isHanging; } ///< it runs, and does not answer
+    bool isHanging() const { return m_isHanging; } ///< it runs but does not answer
     bool isLoading() const { return m_page.isLoading(); }
     double progress() const { return m_page.progress(); }
     bool canGoBack() const { return m_page.canGo(-1); }
     bool canGoForward() const { return m_page.canGo(+1); }
     qint64 browserPid() const; ///< of the browser that was started here; else 0
-    BrowserOptions& options() { return m_options; } ///< they count at the next start
+    BrowserOptions& options() { return m_options; } ///< used at the next start
     const BrowserOptions& options() const { return m_options; }
     BrowserPage& page() { return m_page; }
     const BrowserPage& page() const { return m_page; }
@@ -52,7 +52,7 @@ public:
     DevToolsConnection* connection() { return m_connection; } ///< null while the browser does not run
 
     void open(const QString& url); ///< starts the browser where it does not run
-    void adopt(DevToolsConnection* connection); ///< a page that shows nothing yet; the controller's own from now on
+    void adopt(DevToolsConnection* connection); ///< of a blank page; takes ownership
     void end(); ///< of a browser that was started here
     void restart(); ///< and shows the page again
     Q_INVOKABLE void back() { m_page.step(-1); }
@@ -60,8 +60,8 @@ public:
     Q_INVOKABLE void reload();
     Q_INVOKABLE void stop();
 
-    /// All that is known now, with what stands in the page's password fields masked, too. `done` is called once, unless
-    /// the controller goes before.
+    /// Everything known now; the content of the page's password fields is masked, too. `done` is called once, unless
+    /// the controller is destroyed first.
     void gatherEvidence(
         const QString& requestedURL, const QString& note, std::function<void(const BrowserEvidencePayload&)> done);
     QString evidenceRoot() const; ///< the folder of all projects' evidence
@@ -83,11 +83,11 @@ private:
     QPointer<DevToolsConnection> m_connection;
     QString m_status;
     QString m_error;
-    QString m_wanted; ///< to be opened once the browser runs
+    QString m_wanted; ///< the address to open once the browser runs
     QString m_browser; ///< its name and version
     bool m_isConnecting = false;
     bool m_isHanging = false;
-    bool m_isAsked = false; ///< whether it is alive, and has not answered
+    bool m_isAsked = false; ///< a check is pending
     std::unique_ptr<Timer> m_watch;
     std::unique_ptr<Timer> m_evidenceLimit;
     Coalescer m_tell;

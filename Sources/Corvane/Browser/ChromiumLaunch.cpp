@@ -65,7 +65,7 @@ QStringList chromiumArguments(const BrowserOptions& options, const QString& prof
         u"--password-store=basic"_s }; // else a locked keyring asks for its password, and every page waits for that
     if (!options.hasWindow)
         arguments.append(u"--headless=new"_s);
-    arguments.append(u"--allow-pre-commit-input"_s); // else what is typed into a page before its first frame is lost
+    arguments.append(u"--allow-pre-commit-input"_s); // otherwise input before a page's first frame is lost
     if (!options.hasSandbox)
         arguments.append(u"--no-sandbox"_s);
     arguments.append(u"about:blank"_s);

@@ -10,7 +10,7 @@ namespace corvane {
 class PortHolders;
 class ProcessLauncher;
 
-/// How the browser is started and spoken to.
+/// How the browser is started and reached.
 struct BrowserOptions {
     enum class Line {
         Port, ///< a port of the loopback interface; a browser that listens there already is used
@@ -20,16 +20,16 @@ struct BrowserOptions {
     Line line = Line::Port;
     quint16 port = 9335;
     bool hasWindow = false; ///< moved off the screen, which window managers may undo
-    QString homeURL = {}; ///< opened where no address is given
-    QString executable = {}; ///< empty: looked for
-    bool hasSandbox = true; ///< false in tests alone, which may run as root
+    QString homeURL = {}; ///< opened if no address is given
+    QString executable = {}; ///< empty: searched for
+    bool hasSandbox = true; ///< false only in tests, which may run as root
     Milliseconds startLimit { 6000 };
 };
 
-/// Of this machine: the port that CORVANE_BROWSER_PORT names, and the pipe where other users can log in.
+/// The options for this machine: the port from CORVANE_BROWSER_PORT, or a pipe if other users can log in.
 BrowserOptions browserOptions();
 
-/// What the browser stands on; all of it outlives it.
+/// What the browser uses; all references outlive it.
 struct BrowserSurroundings {
     Scheduler& scheduler;
     ProcessLauncher& launcher;
@@ -38,13 +38,13 @@ struct BrowserSurroundings {
     BrowserOptions options;
 };
 
-/// Chromium, else Google Chrome: where Debian puts them, then in PATH. Empty where there is none.
+/// Chromium, else Google Chrome: first where Debian installs them, then in PATH. Empty if there is none.
 QString chromiumPath();
 
 QStringList chromiumArguments(const BrowserOptions& options, const QString& profile);
 
-/// "https://" in front of what names no scheme, or "http://" for this machine and private networks; `homeURL` for
-/// nothing.
+/// Adds "https://" to an address without a scheme, or "http://" for this machine and private networks. An empty address
+/// becomes `homeURL`.
 QString normalizedURL(const QString& text, const QString& homeURL);
 
 namespace browserWords {

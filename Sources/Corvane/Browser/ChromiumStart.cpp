@@ -23,7 +23,7 @@ constexpr Milliseconds lookLimit(2000);
 constexpr Milliseconds pageLimit(60'000);
 constexpr qint64 largestAnswer = 4 * 1024 * 1024;
 
-/// The conversation of a page, where the answer names one of this browser's.
+/// The connection to a page, if the answer names one of this browser.
 QString socketIn(const QJsonObject& target, quint16 port)
 {
     const QUrl url(target["webSocketDebuggerUrl"_L1].toString());
@@ -32,7 +32,7 @@ QString socketIn(const QJsonObject& target, quint16 port)
     return isOurs ? url.toString(QUrl::FullyEncoded) : QString();
 }
 
-/// A value that comes once, or with `end` as `instead`.
+/// A value that arrives once; `instead` when `end` is cancelled.
 template <typename Value>
 CancelHandle::Watch arriveAtEnd(const CancelHandle& end, Arrival<Value> arrival, Value instead)
 {
@@ -105,7 +105,7 @@ QCoro::Task<Result<OpenedPage>> ChromiumStart::open(BrowserOptions options, QObj
 {
     const CancelHandle end = m_end;
     if (m_child && !m_isEnding && m_options.line == BrowserOptions::Line::Port) {
-        // One that does not answer any more has died just now, or hangs.
+        // A browser that no longer answers has just exited, or hangs.
         const Result<HttpReply> answer = co_await ask("GET", "/json/version", lookLimit);
         if (end.isCancelled())
             co_return cancelled();
@@ -144,7 +144,7 @@ QCoro::Task<ChromiumStart::Listener> ChromiumStart::listener()
     co_return co_await arrival;
 }
 
-/// Afterwards a browser of this user answers on the port.
+/// On success, a browser of this user answers on the port.
 QCoro::Task<Result<void>> ChromiumStart::findOrLaunch()
 {
     const CancelHandle end = m_end;
@@ -160,7 +160,7 @@ QCoro::Task<Result<void>> ChromiumStart::findOrLaunch()
     if (end.isCancelled())
         co_return cancelled();
     if (found || who != Listener::None) {
-        // A listener whose process is not to be seen belongs to somebody else, too.
+        // A listener whose process is hidden belongs to another user, too.
         if (who != Listener::Own)
             co_return failure(browserWords::portOfAnother(m_options.port));
         const bool isBrowser
@@ -184,7 +184,7 @@ QCoro::Task<Result<void>> ChromiumStart::findOrLaunch()
         if (end.isCancelled())
             co_return cancelled();
     }
-    // One that is late is of no use: the next try starts another.
+    // A late one is dropped: the next attempt starts another.
     this->end();
     co_return failure(browserWords::notStarted(m_options.port));
 }
@@ -234,7 +234,7 @@ Result<void> ChromiumStart::launch(PipeConnection* pipe)
     return {};
 }
 
-/// The address of the conversation with a new page, or of the first page that is there.
+/// The address for connecting to a new page, or to the first existing one.
 QCoro::Task<Result<QString>> ChromiumStart::newPage()
 {
     const CancelHandle end = m_end;

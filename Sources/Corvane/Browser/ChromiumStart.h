@@ -19,19 +19,19 @@ struct OpenedPage {
     DevToolsConnection* connection = nullptr;
 };
 
-/// Starts a browser, or finds the one that listens on the port already, and opens a page in it.
+/// Starts a browser, or finds the one that already listens on the port, and opens a page in it.
 class ChromiumStart {
 public:
-    /// `ended` is called when a browser that was started here ends, with the words for it.
+    /// `ended` is called with the reason when a browser that was started here exits.
     ChromiumStart(const BrowserSurroundings& at, std::function<void(const QString& reason)> ended);
     ~ChromiumStart(); ///< ends the browser that was started here
 
-    /// The conversation with a new page, which is blank until somebody listens to what goes wrong in it. It belongs to
-    /// `owner`. A failure carries words for the user. One call at a time.
+    /// A connection to a new page, which stays blank so that no event is missed. The connection belongs to `owner`.
+    /// Errors are for the user. One call at a time.
     QCoro::Task<Result<OpenedPage>> open(BrowserOptions options, QObject* owner);
 
     qint64 pid() const { return m_child ? m_child->pid() : 0; }
-    void end(); ///< of a browser that was started here; one that hangs is killed
+    void end(); ///< the browser that was started here; kills it if it hangs
 
 private:
     enum class Listener { None, Own, Other };
@@ -47,7 +47,7 @@ private:
     QString profile() const;
 
     BrowserSurroundings m_at;
-    BrowserOptions m_options; ///< of the browser that runs, or is being started
+    BrowserOptions m_options; ///< of the running browser, or of the one being started
     std::function<void(const QString&)> m_ended;
     std::shared_ptr<ChildProcess> m_child;
     QPointer<PipeConnection> m_pipe;

@@ -17,7 +17,7 @@ QImage decoded(const QByteArray& base64)
     const QSize size = reader.size();
     if (size.isEmpty() || size.width() > longestSide || size.height() > longestSide)
         return {};
-    // As the screen wants it, so that the main thread has nothing to convert.
+    // In the format of the screen, so that the main thread has nothing to convert.
     return reader.read().convertToFormat(QImage::Format_RGB32);
 }
 

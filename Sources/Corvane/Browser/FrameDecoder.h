@@ -10,12 +10,12 @@ namespace corvane {
 
 /// A picture of the page.
 struct BrowserFrame {
-    QImage image; ///< null where the bytes are no picture
-    QSizeF viewport; ///< in pixels of the page; empty where the browser did not say
+    QImage image; ///< null if the bytes are not a picture
+    QSizeF viewport; ///< in pixels of the page; empty if unknown
 };
 
-/// Turns the browser's frames into pictures away from the main thread, one at a time. While one is being decoded only
-/// the newest of those that came waits: a slow machine shows fewer frames, not older ones.
+/// Decodes the browser's frames on another thread, one at a time. Of the frames that arrive meanwhile only the newest
+/// is kept: a slow machine shows fewer frames, not older ones.
 class FrameDecoder {
 public:
     explicit FrameDecoder(std::function<void(BrowserFrame)> show);

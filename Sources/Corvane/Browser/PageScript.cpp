@@ -57,7 +57,7 @@ const QString steps = uR"JS((() => {
         const element = event.composedPath()[0];
         if (event.isTrusted && element instanceof Element) act(element, event);
     }, true);
-    let inEnter = false; // which may press a form's button, too
+    let inEnter = false; // it may also submit a form
     on('click', (element, event) => {
         const target = element.closest('a,button,input,select,textarea,label,summary,[role],[onclick]') ?? element;
         const isField = target.matches('textarea,select,[contenteditable]') ||
@@ -89,8 +89,8 @@ const QString steps = uR"JS((() => {
 )JS"_s;
 
 const QString choices = uR"JS(
-    // Lists, pickers and the menu of the browser would open in windows of their own, which no frame shows and which
-    // would take the input.
+    // The browser's lists, pickers and menu would open in windows of their own, which no frame shows and which would
+    // take the input.
     let asking = null;
     const ask = (field, event, question) => {
         event.preventDefault();
@@ -125,10 +125,10 @@ const QString choices = uR"JS(
     addEventListener('click', event => {
         if (event.isTrusted || navigator.userActivation.isActive) openPicker(event.composedPath()[0], event);
     }, true);
-    addEventListener('contextmenu', event => event.preventDefault()); // after the page's own
+    addEventListener('contextmenu', event => event.preventDefault()); // after the page's own handlers
 )JS"_s;
 
-/// Frames come without the pointer.
+/// Frames do not include the pointer.
 const QString cursor = uR"JS(
     let shape = null;
     let over = null;
@@ -154,12 +154,12 @@ const QString cursor = uR"JS(
         const now = element.isConnected ? shapeOf(element, x, y) : shape;
         if (now !== shape) send({ kind: 'cursor', shape: shape = now });
     };
-    // Once a frame, behind what the page does.
+    // Once per frame, after the page's handlers.
     for (const name of ['mousemove', 'mousedown', 'mouseup']) on(name, (element, event) => {
         if (!over) requestAnimationFrame(tellShape);
         over = { element, x: event.clientX, y: event.clientY };
     });
-    // Another document may change the shape meanwhile.
+    // Another document may change the shape in the meantime.
     on('mouseover', element => { if (element instanceof HTMLIFrameElement) shape = null; });
     on('mouseout', (element, event) => { if (!event.relatedTarget) shape = null; });
 )JS"_s;

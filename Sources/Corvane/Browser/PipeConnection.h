@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// Over the pipe of a browser that was started with one. A page is chosen by `setSession`.
+/// Uses the pipe of a browser that was started with one. `setSession` selects the page.
 class PipeConnection final : public DevToolsConnection {
     Q_OBJECT
 public:
@@ -14,7 +14,7 @@ public:
     static constexpr char messageEnd = '\0';
 
     void setChild(std::shared_ptr<ChildProcess> child) { m_child = std::move(child); }
-    void take(const OutputChunk& chunk); ///< what the child printed: whole messages
+    void take(const OutputChunk& chunk); ///< output of the child: whole messages
     void childEnded() { fail({}); }
 
 protected:

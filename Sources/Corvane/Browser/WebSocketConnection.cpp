@@ -17,7 +17,7 @@ WebSocketConnection::WebSocketConnection(
     });
     connect(&m_socket, &QWebSocket::textMessageReceived, this, [this](const QString& text) { receive(text.toUtf8()); });
     connect(&m_socket, &QWebSocket::binaryMessageReceived, this, &WebSocketConnection::receive);
-    // Told of a normal close, too.
+    // Also emitted for a normal close.
     connect(&m_socket, qOverload<QAbstractSocket::SocketError>(&QWebSocket::error), this, [this] {
         end(m_socket.error() == QAbstractSocket::RemoteHostClosedError ? QString() : m_socket.errorString());
     });
@@ -26,7 +26,7 @@ WebSocketConnection::WebSocketConnection(
                 ? u"The browser sent a message that is too large."_s
                 : QString());
     });
-    // Without an origin: the browser refuses every one.
+    // Without an origin: the browser rejects requests that have one.
     m_socket.open(url);
 }
 

@@ -6,11 +6,11 @@
 
 namespace corvane {
 
-/// Over the WebSocket of one page.
+/// Uses the WebSocket of one page.
 class WebSocketConnection final : public DevToolsConnection {
     Q_OBJECT
 public:
-    /// `opened` is called once: with the reason where it could not be opened.
+    /// `opened` is called once, with the error if it could not be opened.
     WebSocketConnection(const QUrl& url, std::function<void(const QString& reason)> opened, QObject* parent);
     ~WebSocketConnection() override;
 
