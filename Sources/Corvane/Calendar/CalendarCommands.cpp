@@ -69,7 +69,7 @@ void CalendarCommands::run(const QList<CalCommand>& commands)
                                  : u"There is no calendar for new events."_s));
             continue;
         }
-        // The file's name follows from the command, so that one that was written before a crash is not added twice.
+        // The file name is derived from the command, so that an event written before a crash is not added twice.
         const NewCalendarEntry entry { command.id + u"@corvane"_s, command.title, command.location, command.notes,
             command.startMs, command.endMs, false, m_store.surroundings().scheduler.nowMs() };
         addEvent(m_store, calendar->id, entry, this,
@@ -133,7 +133,7 @@ Decided CalendarCommands::reject(const QString& id)
     return decided;
 }
 
-/// What was decided waits no more; what stands otherwise by now is read again.
+/// Decided events are removed; one whose row differs by now is read again.
 void CalendarCommands::forget(const QString& id, Decided decided)
 {
     if (decided != Decided::Taken)

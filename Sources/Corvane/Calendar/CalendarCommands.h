@@ -12,8 +12,8 @@ namespace corvane {
 
 class CalendarStore;
 
-/// Events that other processes request. They are added right away, and each can be undone for ten seconds; or, if the
-/// user prefers so, they wait for approval.
+/// Events that other processes request. They are added at once and can be undone for ten seconds; if the user
+/// prefers, they wait for approval instead.
 class CalendarCommands : public QObject {
     Q_OBJECT
 public:
@@ -26,10 +26,10 @@ public:
     void setAgentsMayAdd(bool may);
 
     const QList<CalCommand>& waiting() const { return m_waiting; } ///< for approval; empty while agents may add events
-    Decided add(const QString& id, const QString& seenHash); ///< as it was seen, see `eventHash`
+    Decided add(const QString& id, const QString& seenHash); ///< `seenHash`: see `eventHash`
     Decided reject(const QString& id);
 
-    const QString& undoText() const { return m_undo.text(); } ///< what was just added; empty if undo is over
+    const QString& undoText() const { return m_undo.text(); } ///< the event that can be undone; empty if none
     void undo() { m_undo.take(); }
     void dismiss() { m_undo.dismiss(); }
 
@@ -55,7 +55,7 @@ private:
     UndoOffer m_undo;
     QList<CalCommand> m_waiting;
     QSet<QString> m_letIn; ///< approved, and being added
-    QList<Added> m_added; ///< by the run that is on its way
+    QList<Added> m_added; ///< by the current run
     int m_running = 0;
     std::unique_ptr<Timer> m_timer;
 };

@@ -14,7 +14,7 @@ class UserDefaults;
 /// The writable calendar with that title, else the default; nothing if none is writable.
 std::optional<CalendarInfo> writableCalendar(const CalendarStore& store, const QString& title = {});
 
-QString defaultCalendar(const UserDefaults& defaults); ///< the id of the calendar for new events; empty for none
+QString defaultCalendar(const UserDefaults& defaults); ///< the calendar id for new events; empty for none
 void setDefaultCalendar(CalendarStore& store, const QString& id);
 
 void addEvent(CalendarStore& store, const QString& calendarId, const NewCalendarEntry& entry, QObject* context,
@@ -32,10 +32,10 @@ void importEvents(CalendarStore& store, const QString& path, QObject* context,
 void exportEvent(CalendarStore& store, const QString& eventId, const QString& path, QObject* context,
     const std::function<void(const Result<QString>&)>& done);
 
-// What the user connects; it is stored, and read from now on.
+// Connects calendars: stores the choice and reads them from now on.
 
 Result<void> useFolder(CalendarStore& store, const QString& path); ///< "~/" at the start is the user's home
-void useService(CalendarStore& store, bool use); ///< of the desktop
+void useService(CalendarStore& store, bool use); ///< the desktop's calendar service
 void makeCalendar(CalendarStore& store, const QString& title);
 
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr qint64 minuteMs = 60'000;
 constexpr qint64 joinAheadMs = 10 * minuteMs;
-constexpr double shortest = 0.4; ///< hours that a block takes at least, so that its title reads
+constexpr double shortest = 0.4; ///< the minimum height of a block in hours, so that its title is readable
 constexpr qint64 shortestGapMinutes = 30;
 
 qint64 startOf(const QDate& day)
@@ -20,7 +20,7 @@ qint64 startOf(const QDate& day)
     return day.startOfDay().toMSecsSinceEpoch();
 }
 
-/// By the clock on the wall: a day of 23 or 25 hours has the same grid.
+/// By local clock time: a day of 23 or 25 hours has the same grid.
 double hoursInto(const QDate& day, qint64 ms, const DateWords& dates)
 {
     const QDateTime time = dates.localTime(ms);
@@ -99,7 +99,7 @@ CalendarLayout calendarLayout(
     CalendarLayout layout;
     double earliest = layout.firstHour;
     double latest = layout.lastHour;
-    QList<QDate> rowEnds; // of events that last all day, by row
+    QList<QDate> rowEnds; // of all-day events, by row
     for (int index = 0; index < days; ++index) {
         const QDate day = first.addDays(index);
         const qint64 beginMs = startOf(day);
@@ -122,7 +122,7 @@ CalendarLayout calendarLayout(
                 .joinable = isJoinable(event, nowMs) };
             if (event.allDay) {
                 if (index > 0 && event.startMs < beginMs)
-                    continue; // it spans from its first column on
+                    continue; // it extends from its first column
                 const QDate end = std::min(dates.dayOf(event.endMs - 1), first.addDays(days - 1));
                 block.days = int(day.daysTo(end)) + 1;
                 const auto row = std::ranges::find_if(rowEnds, [&](const QDate& taken) { return taken < day; });

@@ -18,7 +18,7 @@ constexpr qint64 second = 1000;
 constexpr qint64 pastWindow = 86'400 * second;
 constexpr qint64 futureWindow = 5'184'000 * second;
 constexpr int storedAtStart = 5000;
-constexpr Milliseconds clockPeriod { 800 }; ///< a new day, zone or clock shows within a second
+constexpr Milliseconds clockPeriod { 800 }; ///< a new day, zone or clock is noticed within a second
 constexpr Milliseconds retryPeriod { 5000 };
 constexpr Milliseconds pauseBetweenChanges { 200 };
 constexpr qint64 clockJump = 2 * second;
@@ -29,7 +29,7 @@ const QString serviceKey = u"nimb.calendarService"_s;
 const QString excludedKey = u"nimb.excludedCalendars"_s;
 const QString addressesKey = u"nimb.calendarAddresses"_s;
 
-constexpr QChar betweenNames = u'\n'; // no calendar's name holds one
+constexpr QChar betweenNames = u'\n'; // never part of a calendar's name
 
 QString eventId(const CalendarEntry& entry)
 {
@@ -83,7 +83,7 @@ void CalendarStore::bootstrap()
 void CalendarStore::requestAccess()
 {
     m_at.defaults.setBoolean(connectedKey, true);
-    m_at.source.watch(m_places); // what is missing now is noticed when it comes
+    m_at.source.watch(m_places); // calendars missing now are noticed when they appear
     switch (m_at.source.access(m_places)) {
     case CalendarAccess::Full:
         return grant();
@@ -116,7 +116,7 @@ void CalendarStore::grant()
     refresh();
 }
 
-/// The events that were read stay: a folder may be away for a moment only.
+/// Keeps the events of the last reading: a folder may be missing only for a moment.
 void CalendarStore::deny(const QString& reason)
 {
     m_access = Access::Denied;
@@ -130,7 +130,7 @@ void CalendarStore::refresh()
         return;
     const bool readable = m_at.source.access(m_places) == CalendarAccess::Full;
     if (readable != (m_access == Access::Granted))
-        requestAccess(); // what was missing came, or what was there went
+        requestAccess(); // a calendar appeared or disappeared
     else if (!readable)
         m_at.source.watch(m_places);
     else if (m_reading)
@@ -218,7 +218,7 @@ void CalendarStore::setExtraAddresses(const QString& addresses)
     Q_EMIT changed();
 }
 
-/// A day that begins, a machine that wakes, a clock or zone that is set: each moves what the mirror holds.
+/// A new day, a wake-up, and a change of clock or time zone each move the mirrored range.
 bool CalendarStore::clockMoved()
 {
     const qint64 now = m_at.scheduler.nowMs();

@@ -12,8 +12,8 @@ class UserDefaults;
 
 CalendarPlaces calendarPlaces(const UserDefaults& defaults); ///< as the user chose them
 
-/// The mirror of the user's calendars: one day back and sixty ahead, in memory and in the database, where other
-/// programs read it.
+/// The mirror of the user's calendars, from one day back to sixty days ahead: in memory, and in the database for other
+/// programs.
 class CalendarStore : public QObject {
     Q_OBJECT
 public:
@@ -27,7 +27,7 @@ public:
         Scheduler& scheduler;
         UserDefaults& defaults;
         NotificationCentre& notifications;
-        std::function<QStringList()> ownAddresses; ///< of the user's accounts, in any case
+        std::function<QStringList()> ownAddresses; ///< of the user's accounts, in upper or lower case
     };
 
     explicit CalendarStore(Surroundings surroundings, QObject* parent = nullptr);
@@ -39,10 +39,10 @@ public:
 
     Access access() const { return m_access; }
     const std::optional<QString>& lastError() const { return m_lastError; } ///< for the user
-    const QList<CalEvent>& events() const { return m_events; } ///< of all calendars, by their start
+    const QList<CalEvent>& events() const { return m_events; } ///< of all calendars, by start
     const QList<CalendarInfo>& calendars() const { return m_calendars; } ///< empty until the first reading
 
-    QStringList calendarNames() const; ///< of the events, each once, sorted
+    QStringList calendarNames() const; ///< of the events, without duplicates, sorted
     void toggleCalendar(const QString& name); ///< shows or hides its events
     bool isCalendarIncluded(const QString& name) const;
     QList<CalEvent> visible(const QList<CalEvent>& events) const;
@@ -54,20 +54,20 @@ public:
     const CalendarPlaces& places() const { return m_places; }
     void setPlaces(const CalendarPlaces& places);
 
-    QString extraAddresses() const; ///< of the user, beside those of the accounts, with commas between them
+    QString extraAddresses() const; ///< the user's addresses besides those of the accounts, separated by commas
     void setExtraAddresses(const QString& addresses);
 
     const Surroundings& surroundings() const { return m_at; }
 
 Q_SIGNALS:
-    void changed(); ///< access, error, events, calendars or what is shown of them
+    void changed(); ///< access, error, events, calendars, or which of them are shown
 
 private:
     struct Reading {
         QList<CalEvent> events;
         QList<CalendarInfo> calendars;
         QStringList troubles;
-        CalendarChange change; ///< since the reading before
+        CalendarChange change; ///< since the previous reading
     };
     static QList<CalEvent> mapped(const CalendarReading& reading, const QStringList& own);
 
@@ -75,7 +75,7 @@ private:
     void deny(const QString& reason);
     void read();
     void finish(Reading reading);
-    bool clockMoved(); ///< since it was asked last
+    bool clockMoved(); ///< since the last call
     QStringList ownAddresses() const;
 
     const Surroundings m_at;

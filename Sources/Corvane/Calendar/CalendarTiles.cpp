@@ -13,7 +13,7 @@ void CalendarTiles::show(const CalendarLayout& layout, const QDate& first, qint6
     const qint64 day = first.daysTo(DateWords(nowMs).today());
     m_nowDay = day >= 0 && day < layout.days.size() ? int(day) : -1;
     m_nowHour = QDateTime::fromMSecsSinceEpoch(nowMs).time().msecsSinceStartOfDay() / hourMs - double(layout.firstHour);
-    // The rows of a fuller page stay at the end: making their tiles again costs more than all else about a page.
+    // Rows of a fuller page are kept at the end: recreating their tiles would be the greatest cost of a page.
     m_blocks.assign(layout.blocks + m_blocks.rows().mid(layout.blocks.size()));
     m_allDay.assign(layout.allDay);
     Q_EMIT changed();

@@ -12,12 +12,12 @@ class CalendarTiles : public QObject {
     Q_PROPERTY(int firstHour READ firstHour NOTIFY changed)
     Q_PROPERTY(int lastHour READ lastHour NOTIFY changed)
     Q_PROPERTY(corvane::GadgetListModel* blocks READ blocks CONSTANT) ///< of EventBlock, by day and time
-    Q_PROPERTY(int blockCount READ blockCount NOTIFY changed) ///< rows of `blocks` on the page; more are spare
+    Q_PROPERTY(int blockCount READ blockCount NOTIFY changed) ///< rows of `blocks` on the page; the others are spare
     Q_PROPERTY(corvane::GadgetListModel* allDay READ allDay CONSTANT)
     Q_PROPERTY(int allDayRows READ allDayRows NOTIFY changed)
     Q_PROPERTY(QList<corvane::FreeGap> gaps READ gaps NOTIFY changed)
-    Q_PROPERTY(int nowDay READ nowDay NOTIFY changed) ///< the column of this moment, or -1
-    Q_PROPERTY(double nowHour READ nowHour NOTIFY changed) ///< from the grid's first one
+    Q_PROPERTY(int nowDay READ nowDay NOTIFY changed) ///< today's column, or -1
+    Q_PROPERTY(double nowHour READ nowHour NOTIFY changed) ///< hours after the start of the grid
 public:
     using QObject::QObject;
 

@@ -17,7 +17,7 @@ namespace corvane {
 namespace {
 
 constexpr int weekDays = 7;
-constexpr int firstWorkHour = 8; ///< of what is suggested for a new event
+constexpr int firstWorkHour = 8; ///< the earliest time suggested for a new event
 constexpr int lastWorkHour = 18;
 constexpr Milliseconds minute { 60'000 };
 constexpr qint64 mirrorBackMs = 86'400'000;
@@ -103,14 +103,14 @@ void CalendarView::setWeek(bool week)
     readPage();
 }
 
-/// What the mirror holds is shown at once; other pages are read.
+/// Pages within the mirror are shown at once; others must be read.
 void CalendarView::readPage()
 {
     const qint64 fromMs = startOf(firstDay());
     const qint64 toMs = startOf(firstDay().addDays(m_week ? weekDays : 1));
     const auto show = [this, fromMs, toMs](const QList<CalEvent>& events) {
         if (startOf(firstDay()) != fromMs)
-            return; // another page by now
+            return; // another page is shown by now
         QList<CalEvent> ofPage;
         std::ranges::copy_if(events, std::back_inserter(ofPage), [&](const CalEvent& event) {
             return event.startMs < toMs && std::max(event.endMs, event.startMs + 1) > fromMs;
@@ -189,7 +189,7 @@ void CalendarView::selectNext(int step)
     const qsizetype at = ids.indexOf(m_selected);
     if (at >= 0)
         return select(ids[qBound<qsizetype>(0, at + step, ids.size() - 1)]);
-    // The first press goes to what comes next.
+    // Without a selection, starts at the next event.
     const auto next = std::ranges::find_if(layout.blocks, [](const EventBlock& block) { return !block.past; });
     select(next == layout.blocks.end() ? ids.first() : next->id);
 }

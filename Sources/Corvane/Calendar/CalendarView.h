@@ -14,7 +14,7 @@ namespace corvane {
 class CalendarCommands;
 class Desktop;
 
-/// Somebody who takes part.
+/// A participant.
 class EventPerson {
     Q_GADGET
     Q_PROPERTY(QString name MEMBER name)
@@ -23,12 +23,12 @@ class EventPerson {
 public:
     QString name;
     QString detail; ///< "you", "declined", or the address
-    QString contactId; ///< empty if nobody here is known by the address
+    QString contactId; ///< empty if the address is unknown
 
     bool operator==(const EventPerson&) const = default;
 };
 
-/// The event that is chosen, whole.
+/// The selected event in full.
 class EventCard {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -48,27 +48,27 @@ public:
     QString place;
     QString calendar;
     QString notes;
-    QString link; ///< of the call, or of a page
+    QString link; ///< to the call, or to a web page
     bool joinable = false;
-    bool meeting = false; ///< it can be prepared
+    bool meeting = false; ///< a brief can be prepared
     QList<EventPerson> people;
 
     bool operator==(const EventCard&) const = default;
 };
 
-/// The calendar's page: a week or a day, the event that is chosen, and what is asked of a person.
+/// The calendar page: a week or a day, the selected event, and events that agents want to add.
 class CalendarView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::CalendarConnection* connection READ connection CONSTANT)
     Q_PROPERTY(corvane::CalendarTiles* tiles READ tiles CONSTANT) ///< of the page
-    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< what went wrong, or came of the last press
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) ///< the error or result of the last action
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(bool week READ isWeek WRITE setWeek NOTIFY changed)
-    Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the chosen event, or empty
+    Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the selected event, or empty
     Q_PROPERTY(corvane::EventCard card READ card NOTIFY changed)
     Q_PROPERTY(QList<corvane::Choice> asked READ asked NOTIFY changed) ///< events that agents want to add
     Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
-    Q_PROPERTY(QString offeredFile READ offeredFile NOTIFY changed) ///< its address; empty until it is written
+    Q_PROPERTY(QString offeredFile READ offeredFile NOTIFY changed) ///< its URL; empty until it is written
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
     Q_PROPERTY(corvane::NewEventForm* newEvent READ newEvent CONSTANT)
 public:
@@ -98,20 +98,20 @@ public:
     MeetingPrep* prep() { return &m_at.prep; }
     NewEventForm* newEvent() { return &m_newEvent; }
 
-    Q_INVOKABLE void step(int pages); ///< weeks, or days
+    Q_INVOKABLE void step(int pages); ///< weeks or days
     Q_INVOKABLE void today();
-    void show(const QString& id, qint64 startMs); ///< an event, on the page of its day
+    void show(const QString& id, qint64 startMs); ///< shows the event on the page of its day
     Q_INVOKABLE void select(const QString& id); ///< an empty one closes the card
-    Q_INVOKABLE void selectNext(int step); ///< in the order of their times
+    Q_INVOKABLE void selectNext(int step); ///< in chronological order
     Q_INVOKABLE void join(const QString& id);
     Q_INVOKABLE void openPerson(const QString& contactId);
     Q_INVOKABLE void prepare(const QString& id);
     Q_INVOKABLE void openReview();
 
-    Q_INVOKABLE void beginEvent(); ///< on a day of the page, if there is a calendar for it
+    Q_INVOKABLE void beginEvent(); ///< on a day of the page; does nothing without a writable calendar
     Q_INVOKABLE void importFile(const QUrl& file);
-    Q_INVOKABLE void exportSelected(); ///< into the folder of downloads
-    Q_INVOKABLE void offerFile(); ///< of the chosen event, to be dragged elsewhere
+    Q_INVOKABLE void exportSelected(); ///< into the downloads folder
+    Q_INVOKABLE void offerFile(); ///< of the selected event, for drag and drop
 
     Q_INVOKABLE void dismiss(); ///< the notice
     Q_INVOKABLE void answer(const QString& command, bool add);
@@ -130,12 +130,12 @@ private:
 
     Surroundings m_at;
     CalendarConnection m_connection;
-    QDate m_day; ///< the page holds it
+    QDate m_day; ///< on the page
     bool m_week = true;
-    QList<CalEvent> m_events; ///< of the page, that are shown
+    QList<CalEvent> m_events; ///< the shown events of the page
     CalendarTiles m_tiles;
     QString m_selected;
-    QString m_added; ///< an event that becomes the chosen one as soon as it was read
+    QString m_added; ///< an event to select once it has been read
     EventCard m_card;
     QString m_told;
     QString m_offered;

@@ -107,7 +107,7 @@ void MeetingPrep::close()
     Q_EMIT changed();
 }
 
-/// The answer as it came; nothing if it failed.
+/// The unmodified answer; nothing if it failed.
 QCoro::Task<std::optional<QString>> MeetingPrep::summarized(QString packet)
 {
     const QString instructions
@@ -143,7 +143,7 @@ QCoro::Task<> MeetingPrep::make(CalEvent event, Reason reason)
     keep(event, row, reason);
 }
 
-/// Nothing leaves the machine while nobody looks, and no work is done that the machine should not do now.
+/// In the background nothing leaves the machine, and no work is done that the machine should not do now.
 QCoro::Task<> MeetingPrep::makeAhead(CalEvent event)
 {
     const QPointer<MeetingPrep> self(this);
@@ -181,7 +181,7 @@ void MeetingPrep::keep(const CalEvent& event, const MeetingPrepCacheRow& row, Re
     Q_EMIT changed();
 }
 
-/// One decision for an event: a person's word on it holds for the briefs that follow.
+/// One decision per event: the user's answer also applies to later briefs.
 bool MeetingPrep::proposeReview(const MeetingPrepCacheRow& row)
 {
     if (const auto decision = fetchWorkDecision(m_at.db, outboundReviewId(row.eventId)))

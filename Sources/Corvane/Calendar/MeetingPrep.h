@@ -46,8 +46,8 @@ public:
     bool isBusy() const { return m_making.contains(m_event.id); }
     bool asksReview() const { return m_asksReview; }
 
-    void prepare(const CalEvent& event); ///< opens it; a stored brief is shown at once
-    /// Without opening it, once, and only with a local model. Asked again, it tries again if the machine was too busy.
+    void prepare(const CalEvent& event); ///< opens the event; a stored brief is shown at once
+    /// Prepares without opening, once, and only with a local model. Another call retries if the machine was too busy.
     void prepareAhead(const CalEvent& event);
     Q_INVOKABLE void regenerate();
     Q_INVOKABLE void close();
@@ -68,8 +68,8 @@ private:
     CalEvent m_event; ///< empty while nothing is open
     MeetingPrepCacheRow m_row;
     QString m_message;
-    QSet<QString> m_making; ///< events whose brief is being made
-    QSet<QString> m_ahead; ///< events whose brief was tried, unless the machine should not do it then
+    QSet<QString> m_making; ///< events whose brief is being generated
+    QSet<QString> m_ahead; ///< events whose brief was attempted, unless the machine was too busy
     bool m_asksReview = false;
 };
 

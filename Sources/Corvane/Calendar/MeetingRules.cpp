@@ -54,7 +54,7 @@ qint64 secondsUntil(qint64 ms, qint64 fromMs)
     return difference > 0 ? (difference + 999) / 1000 : difference / 1000;
 }
 
-/// More than a minute ahead.
+/// Starts in more than a minute.
 QString units(qint64 seconds, qint64 ms)
 {
     if (seconds < hour)

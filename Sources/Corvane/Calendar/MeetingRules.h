@@ -8,7 +8,7 @@ namespace corvane {
 
 // What counts as a meeting, where to join it, and how its time is shown. All times in milliseconds since the epoch.
 
-bool isPlaceholderBlock(const CalEvent& event); ///< time that someone blocked
+bool isPlaceholderBlock(const CalEvent& event); ///< blocked time, not a meeting
 
 /// An event with other people, or with words that imply them. Declined events are not meetings.
 bool isMeetingCandidate(const CalEvent& event);

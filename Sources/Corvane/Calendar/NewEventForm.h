@@ -18,7 +18,7 @@ public:
     bool isOpen() const override { return m_isOpen; }
     QString title() const override;
     QString buttonLabel() const override;
-    bool complete() const override { return true; } ///< `submit` tells what is missing
+    bool complete() const override { return true; } ///< `submit` reports what is missing
     QString message() const override { return m_error; }
 
     void open(const QDate& day, const QTime& from);

@@ -9,7 +9,7 @@ namespace corvane {
 class CalendarStore;
 class Desktop;
 
-/// A meeting that is to come, or runs.
+/// An upcoming or running meeting.
 class MeetingLine {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -24,21 +24,21 @@ public:
     QString when; ///< "Mon 23 Nov, 10:00–11:00"
     QString relative; ///< "in 5m"
     bool joinable = false;
-    bool meeting = false; ///< it can be prepared
+    bool meeting = false; ///< a brief can be prepared
 
     bool operator==(const MeetingLine&) const = default;
 };
 
-/// The next events, for the panel, and what they need.
+/// The next events, for the panel, with their actions.
 class UpcomingMeetings : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::MeetingLine> lines READ lines NOTIFY changed)
     Q_PROPERTY(QString headline READ headline NOTIFY changed) ///< of the next meeting; may be empty
-    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed) ///< where there are no lines
+    Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed) ///< shown if there are no lines
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString troubleTitle READ troubleTitle NOTIFY changed) ///< of the last reading; may be empty
     Q_PROPERTY(QString troubleText READ troubleText NOTIFY changed)
-    Q_PROPERTY(QString connectLabel READ connectLabel NOTIFY changed) ///< empty if nothing is to be connected
+    Q_PROPERTY(QString connectLabel READ connectLabel NOTIFY changed) ///< empty if there is nothing to connect
     Q_PROPERTY(corvane::MeetingPrep* prep READ prep CONSTANT)
 public:
     /// All of it outlives the object.
