@@ -312,7 +312,7 @@ void CallPage::processWith(const QString& model)
     process(work);
 }
 
-/// What a crash or a quit left is made whole first, and gets the end that it lacks.
+/// A recording left by a crash or a quit is first repaired and given its missing end.
 void CallPage::process(const CallJob& work)
 {
     m_player.stop();

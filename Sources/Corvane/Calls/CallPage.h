@@ -33,8 +33,8 @@ class CallPage : public QObject {
     Q_PROPERTY(QList<double> marks READ marks NOTIFY changed) ///< from 0 to 1
     Q_PROPERTY(QStringList markTimes READ markTimes NOTIFY changed)
     Q_PROPERTY(corvane::GadgetListModel* turns READ turns CONSTANT)
-    Q_PROPERTY(int currentTurn READ currentTurn NOTIFY moved) ///< the one that is heard; -1 for none
-    Q_PROPERTY(int firstHit READ firstHit NOTIFY changed) ///< the first that holds what is searched for; -1 for none
+    Q_PROPERTY(int currentTurn READ currentTurn NOTIFY moved) ///< the one being played; -1 for none
+    Q_PROPERTY(int firstHit READ firstHit NOTIFY changed) ///< the first search hit; -1 for none
     Q_PROPERTY(QString emptyTranscriptText READ emptyTranscriptText NOTIFY changed)
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
     Q_PROPERTY(double progress READ progress NOTIFY progressed) ///< of the transcript, from 0 to 1
@@ -126,7 +126,7 @@ private:
     std::optional<CallDetails> m_call;
     CallState m_state;
     QString m_searched;
-    QString m_microphonePath; ///< of files that are there
+    QString m_microphonePath; ///< only if the file exists
     QString m_systemPath;
     QList<CallTurn> m_turns;
     RowListModel<CallTurnRow> m_turnRows;

@@ -37,7 +37,7 @@ void CallPlayer::open(const QString& microphonePath, const QString& systemPath, 
     Q_EMIT moved();
 }
 
-/// The one that plays on, where the other is shorter or silenced.
+/// The one that continues if the other is shorter or muted.
 const CallPlayer::Track& CallPlayer::leading() const
 {
     const auto rank = [](const Track& track) {
@@ -173,7 +173,7 @@ void CallPlayer::setOn(Track& track, bool on)
         track.player.stop();
     else if (state == State::Playing)
         startAt(track, at);
-    // Nothing is heard without both; the other one speaks again then.
+    // If both would be muted, the other one is unmuted.
     if (!m_microphone.isHeard() && !m_system.isHeard()) {
         Track& other = &track == &m_system ? m_microphone : m_system;
         other.on = true;

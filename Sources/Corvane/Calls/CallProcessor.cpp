@@ -16,7 +16,7 @@ namespace {
 
 using SpeechError = SpeechTranscriberError;
 
-/// The stretches of a transcript; one without times is one stretch.
+/// The segments of a transcript; one without times is a single segment.
 QList<SpeechSegment> segmentsOf(const TranscriptionOutcome& outcome)
 {
     if (!outcome)
@@ -112,7 +112,7 @@ TranscriptionRequest CallProcessor::request(
     return { .audioPath = path, .model = job.model, .onProgress = report, .cancel = std::move(cancel) };
 }
 
-/// The text of one track as it is, or of both on one time line. One that is silent leaves the other to speak.
+/// The text of one track, or of both merged by time. If one is silent, the text is the other's.
 QCoro::Task<std::expected<CallProcessor::Transcript, SpeechTranscriberError>> CallProcessor::hear(
     CallJob job, CancelHandle cancel)
 {

@@ -29,7 +29,7 @@ QString callNoteBody(const QString& title, const QString& summary, const QString
            "capture ships."_s.arg(title, text);
 }
 
-/// The first line of the summary that says what comes next.
+/// The first line of the summary that names a next step.
 QString followUpTitle(const QString& summary, const QString& fallback)
 {
     static constexpr std::array signs { "follow"_L1, "action"_L1, "send"_L1, "next"_L1 };

@@ -141,7 +141,7 @@ void CallRecorder::begin(const QString& title, const CallRecordingContext& conte
         [this, call](const Result<void>& started) { begun(call, started); });
 }
 
-/// The microphone records; `system` tells whether the machine's sound is recorded, too.
+/// The microphone is recording; `system` says whether the machine's sound is recorded, too.
 void CallRecorder::begun(const Shown& given, const Result<void>& system)
 {
     Shown call = given;
@@ -214,7 +214,7 @@ void CallRecorder::tick()
     if (m_keptMs != 0 && now - m_keptMs < keepPeriodMs)
         return;
     m_keptMs = now;
-    writeWaveform(folder(), m_waveform); // a crash leaves it with the sound
+    writeWaveform(folder(), m_waveform); // kept with the sound if the program crashes
     checkDisk();
 }
 
@@ -249,7 +249,7 @@ void CallRecorder::mark()
     if (!m_active)
         return;
     m_marksMs.append(qint64(m_active->microphone->elapsedSeconds() * 1000));
-    CallNotes notes = readCallNotes(folder()); // what is noted meanwhile stays
+    CallNotes notes = readCallNotes(folder()); // keeps notes added in the meantime
     notes.marksMs = m_marksMs;
     writeCallNotes(folder(), notes);
     Q_EMIT changed();
@@ -303,7 +303,7 @@ void CallRecorder::stop()
     Q_EMIT changed();
 }
 
-/// Both files are whole, or as whole as they get.
+/// Both files are finalised, as far as possible.
 void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& active, const Result<void>& microphone,
     const Result<void>& system)
 {
@@ -328,7 +328,7 @@ void CallRecorder::finish(const Shown& call, const std::shared_ptr<Active>& acti
 
 void CallRecorder::onAdvanced(const QString& callId, const CallPhase& phase, const QString& words)
 {
-    // An earlier call never changes what is shown of the one that records.
+    // An earlier call must not change what is shown of the current recording.
     if (callId == m_shown.id && !isRecording()) {
         m_phase = phase;
         m_statusText = words;

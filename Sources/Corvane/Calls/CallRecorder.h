@@ -54,7 +54,7 @@ public:
     explicit CallRecorder(const Surroundings& surroundings, QObject* parent = nullptr);
     ~CallRecorder() override;
 
-    void start(const QString& title, const CallRecordingContext& context); ///< nothing while one runs or starts
+    void start(const QString& title, const CallRecordingContext& context); ///< no effect while one runs or starts
     void stop();
     void stopForQuit(); ///< closes the files at once and keeps them
     void cancelActiveRecording(); ///< deletes them
@@ -90,7 +90,7 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void ticked(); ///< elapsed time and level of the recording that runs
+    void ticked(); ///< elapsed time and level of the running recording
     void refused(const QString& reason); ///< a recording could not start, or had to stop
 
 private:
@@ -134,7 +134,7 @@ private:
     QStringList m_saving; ///< calls that were stopped
     std::unique_ptr<Timer> m_timer;
     double m_elapsed = 0;
-    qint64 m_keptMs = 0; ///< when the waveform was written and the disk looked at
+    qint64 m_keptMs = 0; ///< when the waveform was last written and the disk checked
     bool m_diskIsLow = false;
     QList<qint64> m_marksMs;
     CallWaveform m_waveform;

@@ -73,7 +73,7 @@ QList<CallTurnRow> turnRows(const QList<CallTurn>& turns, const QString& searche
     return rows;
 }
 
-/// The summary is asked for under fixed heads; a model that uses none of them gets one.
+/// The prompt asks for fixed headings; an answer without any gets one.
 QList<CallSummarySection> summarySections(const QString& summary)
 {
     static const QRegularExpression head(

@@ -36,7 +36,7 @@ public:
     bool operator==(const CallRow&) const = default;
 };
 
-/// A stretch of the transcript.
+/// A turn of the transcript.
 class CallTurnRow {
     Q_GADGET
     Q_PROPERTY(int number MEMBER number)
@@ -44,7 +44,7 @@ class CallTurnRow {
     Q_PROPERTY(QString speaker MEMBER speaker)
     Q_PROPERTY(QString text MEMBER text)
     Q_PROPERTY(bool mine MEMBER mine)
-    Q_PROPERTY(bool hit MEMBER hit) ///< it holds what is searched for
+    Q_PROPERTY(bool hit MEMBER hit) ///< a search hit
 public:
     int number = 0;
     QString id;
@@ -59,7 +59,7 @@ public:
     bool operator==(const CallTurnRow&) const = default;
 };
 
-/// A part of the summary under its head.
+/// A section of the summary with its heading.
 class CallSummarySection {
     Q_GADGET
     Q_PROPERTY(QString title MEMBER title)
@@ -71,13 +71,13 @@ public:
     bool operator==(const CallSummarySection&) const = default;
 };
 
-/// A change to the CRM that came out of the call.
+/// A change to the CRM that the call proposes.
 class CallProposalRow {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString text MEMBER text)
-    Q_PROPERTY(QString state MEMBER state) ///< what was decided, in words; empty while it waits
+    Q_PROPERTY(QString state MEMBER state) ///< the decision, in words; empty while it is pending
     Q_PROPERTY(QString error MEMBER error)
 public:
     QString id;
@@ -89,7 +89,7 @@ public:
     bool operator==(const CallProposalRow&) const = default;
 };
 
-/// Where a call stands, for a person.
+/// The state of a call, for the user.
 struct CallState {
     QString words;
     QString tone; ///< as in `CallRow`

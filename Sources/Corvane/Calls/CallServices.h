@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-/// What records calls and works on them, built once and wired to each other.
+/// The services that record and process calls, built once and connected.
 struct CallServices {
     /// All references outlive the services.
     struct Speech {
@@ -29,7 +29,7 @@ struct CallServices {
         CallAudio& audio;
         SleepInhibitor& sleep;
         const MachineFacts& facts;
-        AudioPlayer& microphonePlayer; ///< for nothing but calls, as the next
+        AudioPlayer& microphonePlayer; ///< used only for calls, as the next
         AudioPlayer& systemPlayer;
         GlobalShortcuts* shortcuts = nullptr;
     };

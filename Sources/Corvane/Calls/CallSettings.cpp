@@ -19,7 +19,7 @@ const QString keptKey = u"Corvane.calls.keepSoundDays"_s;
 const QString batteryKey = u"Corvane.calls.alsoOnBattery"_s;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
-/// "At the start", "1 minute before"; a value that another program wrote is among them, too.
+/// "At the start", "1 minute before"; includes a value that another program wrote.
 QList<Choice> momentChoices(int chosen, const QString& atOnce, const QString& away)
 {
     QList<int> values { 0, 60, 120, 300, 600 };

@@ -8,18 +8,18 @@ namespace corvane {
 class CallRecorder;
 class MeetingAutoRecorder;
 
-/// What of recorded calls a person can set: which meetings are recorded by themselves, the system's sound, work on
-/// battery, how long sound is kept, Codex.
+/// The settings of call recording: which meetings are recorded automatically, the system's sound, work on battery, how
+/// long sound is kept, Codex.
 class CallSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool autoRecord READ autoRecord WRITE setAutoRecord NOTIFY changed)
     Q_PROPERTY(QString autoRecordLabel READ autoRecordLabel CONSTANT)
     Q_PROPERTY(QString autoRecordHint READ autoRecordHint CONSTANT)
-    Q_PROPERTY(QString autoRecordText READ autoRecordText NOTIFY changed) ///< where it stands
+    Q_PROPERTY(QString autoRecordText READ autoRecordText NOTIFY changed) ///< the current state
     Q_PROPERTY(bool requireMeetingApp READ requireMeetingApp WRITE setRequireMeetingApp NOTIFY changed)
     Q_PROPERTY(QString requireMeetingAppLabel READ requireMeetingAppLabel CONSTANT)
     Q_PROPERTY(QString requireMeetingAppHint READ requireMeetingAppHint NOTIFY changed)
-    Q_PROPERTY(QList<corvane::Choice> leads READ leads NOTIFY changed) ///< in seconds, as the next
+    Q_PROPERTY(QList<corvane::Choice> leads READ leads NOTIFY changed) ///< seconds, as the next
     Q_PROPERTY(QString lead READ lead WRITE setLead NOTIFY changed)
     Q_PROPERTY(QString leadLabel READ leadLabel CONSTANT)
     Q_PROPERTY(QList<corvane::Choice> graces READ graces NOTIFY changed)
@@ -68,14 +68,14 @@ public:
     QString systemAudioLabel() const { return u"Capture system audio"_s; }
     QString systemAudioStatus() const;
     QList<Choice> keeping() const;
-    QString kept() const; ///< in days; "0" for ever
+    QString kept() const; ///< days; "0" means forever
     void setKept(const QString& days);
     QString keepingLabel() const { return u"Keep the sound of calls"_s; }
     QString keepingHint() const
     {
         return u"Transcript, summary and notes stay. Calls without a transcript keep their sound."_s;
     }
-    bool alsoOnBattery() const; ///< transcripts are made then, too
+    bool alsoOnBattery() const; ///< transcribe on battery, too
     void setAlsoOnBattery(bool on);
     QString alsoOnBatteryLabel() const { return u"Transcribe also on battery"_s; }
     QString alsoOnBatteryHint() const { return u"Otherwise calls wait for “Transcribe now” on their page."_s; }
@@ -95,7 +95,7 @@ private:
     MeetingAutoRecorder& m_autoRecorder;
 };
 
-/// Deletes the sound of calls that is older than the person keeps it. Returns how many files went.
+/// Deletes the sound of calls that is older than the user wants to keep it. Returns the number of files.
 int deleteOldSound(CallRecorder& recorder);
 
 }

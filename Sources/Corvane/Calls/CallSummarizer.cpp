@@ -54,7 +54,7 @@ QCoro::Task<bool> CallSummarizer::needsCodexAnswer()
     co_return self&& m_ai.availableName() == codexName && !codexAllowed();
 }
 
-/// Asked anew for each piece: the model of this machine may have gone since the last one.
+/// Checked for each piece: the local model may have stopped since the last one.
 QCoro::Task<Result<QString>> CallSummarizer::ask(QString instructions, QString prompt, CancelHandle cancel)
 {
     const QPointer<CallSummarizer> self(this);

@@ -17,19 +17,19 @@ public:
     /// Both outlive the object.
     CallSummarizer(LumoAI& ai, UserDefaults& defaults, QObject* parent = nullptr);
 
-    /// What the summary prompt gets: the transcript as it is, or notes of its pieces. A piece that fails stands there
-    /// with its beginning.
+    /// The input of the summary prompt: the transcript, or notes on its pieces. A piece that fails is represented by
+    /// its beginning.
     QCoro::Task<QString> summaryInput(QString transcript, CancelHandle cancel = {});
 
-    /// A failure carries words for the user.
+    /// Errors are for the user.
     QCoro::Task<Result<QString>> summarize(QString title, QString input, CancelHandle cancel = {});
 
-    /// The Codex tool sends what it is asked elsewhere: no transcript goes there before the user said so. Nothing
-    /// while they were not asked.
+    /// The Codex tool sends its input to another service: no transcript goes there before the user agrees. Nothing if
+    /// they have not been asked.
     std::optional<bool> codexAllowed() const;
     void allowCodex(bool allowed);
 
-    /// Whether a summary now would need that answer first.
+    /// Whether a summary would need that answer first.
     QCoro::Task<bool> needsCodexAnswer();
 
 private:
@@ -39,7 +39,7 @@ private:
     UserDefaults& m_defaults;
 };
 
-/// What a reader of the summary has to know of the recording.
+/// A note for readers of the summary about the recording.
 QStringList summaryWarnings(const QString& captureMode);
 
 }

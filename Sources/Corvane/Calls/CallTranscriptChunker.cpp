@@ -12,7 +12,7 @@ namespace {
 
 constexpr int labelLimit = 49;
 
-/// A text and its length, which costs time to find out and is asked for often.
+/// A text and its length, cached since it is expensive to compute.
 struct Piece {
     explicit Piece(const QString& of = {})
         : text(of)
@@ -25,7 +25,7 @@ struct Piece {
 
 using Split = QStringList (*)(const QString& text, int maxCharacters);
 
-/// Packs as many parts into each piece as fit, with the separator between them. One that is too long alone is split.
+/// Packs as many parts as fit into each piece, with the separator between them. Splits a part that is too long.
 QStringList pack(const QStringList& parts, const QString& separator, int maxCharacters, Split split)
 {
     QStringList pieces;
@@ -108,7 +108,7 @@ QStringList splitLongTurn(const QString& turn, int maxCharacters)
     return pack(turn.split(u'\n'), u"\n"_s, maxCharacters, splitBySentences);
 }
 
-/// Whether the line opens with a name and a colon, and not with a web address or a clock time.
+/// Whether the line starts with a name and a colon, and not with a web address or a clock time.
 bool isSpeakerTurnStart(const QString& line)
 {
     const qsizetype colon = line.indexOf(u':');

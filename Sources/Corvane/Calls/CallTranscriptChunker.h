@@ -4,12 +4,11 @@
 
 namespace corvane::CallTranscriptChunker {
 
-/// Pieces of a transcript, none longer than `maxCharacters` characters as a person counts them. It is cut between the
-/// turns of speakers; where a turn is longer between its lines, then sentences, then words, then characters. Nothing is
-/// told twice.
+/// Splits a transcript into pieces of at most `maxCharacters` user-perceived characters: between the speakers' turns;
+/// within a longer turn between lines, else sentences, else words, else characters. Pieces do not overlap.
 QStringList chunks(const QString& text, int maxCharacters);
 
-/// Characters as a person counts them.
+/// The number of user-perceived characters.
 qsizetype characterCount(const QString& text);
 
 }

@@ -15,9 +15,9 @@ namespace corvane {
 
 namespace {
 
-constexpr qint64 echoDelayMs = 1500; // how far two readings of one sound stand apart
+constexpr qint64 echoDelayMs = 1500; // the time shift between two transcripts of the same sound
 constexpr double echoShare = 0.6;
-constexpr qint64 pauseMs = 4000; ///< a longer one begins a new turn
+constexpr qint64 pauseMs = 4000; ///< a longer one starts a new turn
 
 QString turnsPath(const QString& folder)
 {
@@ -34,7 +34,7 @@ QStringList wordsOf(const QString& text)
     return words.split(u' ', Qt::SkipEmptyParts);
 }
 
-/// Whether most words of the stretch are said by the meeting in the same moments.
+/// Whether most words of the segment also occur in the meeting's audio at the same time.
 bool isEcho(const SpeechSegment& heard, const QList<SpeechSegment>& meeting)
 {
     QSet<QString> said;

@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// All calls, the one that is open, and the recording that runs.
+/// All calls, the open one, and the running recording.
 class CallsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* rows READ rows CONSTANT)
@@ -18,7 +18,7 @@ class CallsView : public QObject {
     Q_PROPERTY(QString selected READ selected NOTIFY changed) ///< the id of the open one
     Q_PROPERTY(corvane::CallPage* page READ page CONSTANT)
     Q_PROPERTY(corvane::RecordingView* recording READ recording CONSTANT)
-    Q_PROPERTY(int proposals READ proposals NOTIFY changed) ///< of all calls, that wait
+    Q_PROPERTY(int proposals READ proposals NOTIFY changed) ///< pending ones, of all calls
     Q_PROPERTY(QString proposalsText READ proposalsText NOTIFY changed)
     Q_PROPERTY(QString emptyTitle READ emptyTitle NOTIFY changed)
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
@@ -39,13 +39,13 @@ public:
     QString emptyText() const;
 
     Q_INVOKABLE void select(const QString& id);
-    Q_INVOKABLE void step(int by); ///< to the call below, or above where negative
+    Q_INVOKABLE void step(int by); ///< to the call below; negative: above
     Q_INVOKABLE void refresh();
     void show() { Q_EMIT shown(); }
 
 Q_SIGNALS:
     void changed();
-    void shown(); ///< the page is wanted in front
+    void shown(); ///< bring the page to the front
 
 private:
     void list(const QList<CallRecordingRow>& calls);

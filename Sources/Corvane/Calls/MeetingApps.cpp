@@ -14,7 +14,7 @@ enum class Kind { Meetings, Browser };
 
 struct MeetingApp {
     QString name;
-    QStringList desktopIds; ///< as the packages of Debian, Flathub and the makers name them; the first stands for all
+    QStringList desktopIds; ///< as Debian, Flathub and the vendors name them; the first represents all
     QStringList binaries;
     Kind kind = Kind::Meetings;
 };

@@ -38,7 +38,7 @@ void MeetingAutoRecorder::start()
     refresh();
 }
 
-/// Programs are looked for only where it matters which run.
+/// Running programs are only listed if they matter.
 void MeetingAutoRecorder::refresh()
 {
     if (db().isSound())
@@ -92,7 +92,7 @@ void MeetingAutoRecorder::evaluate()
     Q_EMIT changed();
 }
 
-/// Starts or stops what is due; the words for where it stands then.
+/// Starts or stops what is due, and returns the state text.
 QString MeetingAutoRecorder::decide()
 {
     const CallRecorder& calls = m_at.calls;
@@ -119,7 +119,7 @@ QString MeetingAutoRecorder::decide()
     const QString status = callAutoRecordState(db(), event->id).value_or(CallAutoRecordStateRow()).status;
     if (std::ranges::find(finalStates, status) != finalStates.end())
         return u"Already handled %1 for this calendar event."_s.arg(event->title);
-    // A recording that was begun by hand goes on; the meeting gets one of its own if it still runs by then.
+    // A manual recording continues; the meeting is recorded afterwards if it is still running.
     if (records)
         return u"Waiting for the running recording to end before recording %1."_s.arg(event->title);
     if (!status.isEmpty()) {
@@ -153,7 +153,7 @@ QString MeetingAutoRecorder::begin(const CalEvent& event)
                                  : u"Calendar rule matched."_s;
     const MeetingAppCandidate source = m_runningMeetingApps.value(0, { {}, u"Calendar"_s });
     const QString title = event.title;
-    // What can't be noted would be recorded again and again.
+    // Without a stored state the event would be recorded again and again.
     if (!write(event, u"started"_s, reason, {}, source.name))
         return u"%1 is not recorded: the database cannot be written."_s.arg(title);
     m_activeAuto = event;
@@ -192,7 +192,7 @@ const CalEvent* MeetingAutoRecorder::findEvent(const QString& id) const
     return found == events.end() ? nullptr : &*found;
 }
 
-/// One that began an hour ago and still runs counts, too.
+/// Includes one that started an hour ago and is still running.
 const CalEvent* MeetingAutoRecorder::nextEligibleEvent() const
 {
     const qint64 now = m_at.calendar.surroundings().scheduler.nowMs();

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// What several screens show of recorded calls, and the changes to the CRM that came out of them.
+/// What several screens show of recorded calls, and the CRM changes that they propose.
 class RecordedCalls : public QObject {
     Q_OBJECT
 public:
