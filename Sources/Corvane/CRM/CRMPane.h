@@ -10,14 +10,14 @@
 
 namespace corvane {
 
-/// The person beside the open thread: who else they may be, what agents remember, deals, notes, tasks, and what
-/// happened, of all contacts that were merged into one. Whether a section is folded is the window's to remember.
+/// The person beside the open thread: possible duplicates, what agents remember, deals, notes, tasks, and the history,
+/// for all contacts that were merged into one. The window remembers which sections are folded.
 class CRMPane : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString contactId READ contactId NOTIFY contactChanged) ///< empty if nobody is open
     Q_PROPERTY(QString contactName READ contactName NOTIFY contactChanged)
     Q_PROPERTY(QString identityText READ identityText NOTIFY contactChanged) ///< "Same person · 2 channels", or empty
-    Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< where there is nothing else to say
+    Q_PROPERTY(QString identityEmpty READ identityEmpty NOTIFY contactChanged) ///< shown if there is nothing else
     // Of PaneRow: "Same as Ana?", with the id of the other contact, and "Merged with Ana"
     Q_PROPERTY(corvane::HoldingListModel* suggestions READ suggestions CONSTANT)
     Q_PROPERTY(corvane::HoldingListModel* merges READ merges CONSTANT)
@@ -27,12 +27,12 @@ class CRMPane : public QObject {
     Q_PROPERTY(corvane::PaneSection* notes READ notes CONSTANT)
     Q_PROPERTY(corvane::PaneSection* activity READ activity CONSTANT)
     Q_PROPERTY(corvane::PaneSection* tasks READ tasks CONSTANT)
-    Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< that a deal can have
+    Q_PROPERTY(QStringList stages READ stages CONSTANT) ///< of a deal
     Q_PROPERTY(corvane::DealForm* dealForm READ dealForm CONSTANT)
     // What is typed and not added yet; it stays with its person until the program ends
     Q_PROPERTY(QString noteText READ noteText WRITE setNoteText NOTIFY typedChanged)
     Q_PROPERTY(QString taskText READ taskText WRITE setTaskText NOTIFY typedChanged)
-    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged) ///< why the last action did nothing
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged) ///< why the last action had no effect
 public:
     /// Both outlive the pane.
     CRMPane(LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
@@ -58,21 +58,21 @@ public:
     void setTaskText(const QString& text);
     const QString& errorText() const { return m_errorText; }
 
-    /// Shows the contact; a row without an id closes. Whom they resemble follows a quarter of a second after the
-    /// last change of contact, since that compares everybody. The same contact again shows what is new, at most
+    /// Shows the contact; a row without an id closes. Merge suggestions follow a quarter of a second after the last
+    /// change of contact, since they compare all people. Calling it again for the same contact reloads, at most
     /// twice a second.
     void open(const ContactRow& contact);
 
-    void showNote(const QString& id); ///< as many notes as it takes
+    void showNote(const QString& id); ///< loads notes up to that one
 
-    // True if it was saved; then its field is emptied. Blank texts are not saved.
+    // True if it was saved; its field is then cleared. Blank texts are not saved.
     Q_INVOKABLE bool addNote(const QString& body);
     Q_INVOKABLE bool addTask(const QString& title);
     Q_INVOKABLE void moveDeal(const QString& id, const QString& stage);
     Q_INVOKABLE void completeTask(const QString& id);
     Q_INVOKABLE void forget(const QString& memoryId);
 
-    Q_INVOKABLE void mergeWith(const QString& otherId); ///< of a suggestion
+    Q_INVOKABLE void mergeWith(const QString& otherId); ///< accepts a suggestion
     Q_INVOKABLE void dismissSuggestion(const QString& otherId); ///< until the program ends
     Q_INVOKABLE void unmerge(const QString& mergeId);
     Q_INVOKABLE void dismissError() { setError({}); }
@@ -81,8 +81,8 @@ Q_SIGNALS:
     void contactChanged();
     void errorTextChanged();
     void typedChanged();
-    void peopleChanged(); ///< conversations have changed hands
-    void undoable(const QString& text, const std::function<void()>& back); ///< what was just done, and the way back
+    void peopleChanged(); ///< conversations moved to another contact
+    void undoable(const QString& text, const std::function<void()>& back); ///< the last action, and how to undo it
 
 private:
     void reloadIdentity();
@@ -102,8 +102,8 @@ private:
     Scheduler& m_scheduler;
     DealForm m_dealForm;
     ContactRow m_contact;
-    QString m_primary; ///< whose thread is open: the contact, or the one that they were merged into
-    QStringList m_people; ///< the contacts that the person is, the open one first
+    QString m_primary; ///< the owner of the open thread: the contact, or the one it was merged into
+    QStringList m_people; ///< the contacts of the person, the open one first
     QHash<QString, QString> m_signals; ///< by suggested contact
     QSet<std::pair<QString, QString>> m_dismissed;
     QString m_errorText;

@@ -7,12 +7,12 @@
 
 namespace corvane {
 
-/// Adds a deal with the person beside the thread. What was typed stays until another person is open.
+/// Adds a deal with the person beside the thread. What was typed is kept until another person is opened.
 class DealForm final : public corvane::Form {
     Q_OBJECT
     Q_PROPERTY(QString stage READ stage WRITE setStage NOTIFY changed)
 public:
-    /// `add` saves the deal, and returns why it could not; empty where it could.
+    /// `add` saves the deal and returns the error, empty on success.
     explicit DealForm(std::function<QString(const NewDeal&)> add, QObject* parent = nullptr);
 
     void setPerson(const QString& contactId, const QString& name); ///< another one closes the form
@@ -21,7 +21,7 @@ public:
     QString title() const override;
     QString hint() const override; ///< "With Ana"
     QString buttonLabel() const override { return title(); }
-    bool complete() const override; ///< a person, and the deal's name
+    bool complete() const override; ///< has a person and a name
     QString message() const override { return m_error; }
     const QString& stage() const { return m_stage; }
     void setStage(const QString& stage);

@@ -13,7 +13,7 @@ namespace corvane {
 namespace {
 
 constexpr int lineLength = 240;
-constexpr int longestText = 10'000; ///< more would hold up the window, and nobody reads it in a pane
+constexpr int longestText = 10'000; ///< more would block the window, and nobody reads it in a pane
 
 QString line(const QString& text)
 {

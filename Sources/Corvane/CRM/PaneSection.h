@@ -5,8 +5,8 @@
 
 namespace corvane {
 
-/// A section of the contact pane: its rows, and what stands in it without any. One that grows long shows its newest
-/// rows first.
+/// A section of the contact pane: its rows, or the text shown if there are none. A long one starts with its newest
+/// rows.
 class PaneSection : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of PaneRow
@@ -23,15 +23,15 @@ public:
     qsizetype limit() const { return m_limit; } ///< of the rows that are shown
     bool shows(const QString& id) const;
 
-    /// The newest first; with more than `limit` there are older ones.
+    /// Newest first; more than `limit` rows mean that there are older ones.
     void assign(const QList<PaneRow>& rows);
-    void startAnew() { m_limit = m_firstRows; } ///< from the next `assign` on
+    void startAnew() { m_limit = m_firstRows; } ///< takes effect at the next `assign`
 
     Q_INVOKABLE void showOlder();
 
 Q_SIGNALS:
     void hasOlderChanged();
-    void olderAsked(); ///< more rows can be shown: assign them
+    void olderAsked(); ///< assign more rows
 
 private:
     const QString m_emptyText;
