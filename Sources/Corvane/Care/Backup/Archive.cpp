@@ -116,7 +116,7 @@ Result<std::optional<StoredFile>> ArchiveWriter::addFile(
     QCryptographicHash hash(QCryptographicHash::Sha256);
     for (qint64 left = size; left > 0;) {
         QByteArray piece = file->read(std::min<qint64>(left, pieceBytes));
-        // The entry keeps the size that was promised, also where the file has become shorter.
+        // The entry keeps its declared size, even if the file has become shorter.
         if (piece.isEmpty())
             piece = QByteArray(std::min<qint64>(left, pieceBytes), '\0');
         hash.addData(piece);
@@ -139,7 +139,7 @@ struct ArchiveReader::Archive {
         : source { device, QByteArray(pieceBytes, '\0') }
     {
         archive_read_support_format_tar(from.get());
-        // An end of the file opens as a damaged archive, which `next` then says.
+        // An empty file opens as a damaged archive; `next` reports the error.
         archive_read_open(from.get(), &source, nullptr, readPiece, nullptr);
     }
 

@@ -19,7 +19,7 @@ namespace corvane {
 
 namespace {
 
-constexpr qint64 smallestRest = 64 * 1024 * 1024; // of the disk, which the program itself goes on needing
+constexpr qint64 smallestRest = 64 * 1024 * 1024; // of the disk, reserved for the program itself
 
 using Progress = std::shared_ptr<BackupProgress>;
 
@@ -48,7 +48,7 @@ QByteArray secretsText(const QHash<QString, QString>& secrets)
     return compactJson(object);
 }
 
-/// Puts everything into the archive, and last what it is.
+/// Writes everything to the archive, the manifest last.
 Result<Manifest> fill(ArchiveWriter& archive, const AppPaths& paths, const BackupRequest& request,
     const WorkFolder& folder, const Progress& progress)
 {
@@ -90,7 +90,7 @@ Result<Manifest> fill(ArchiveWriter& archive, const AppPaths& paths, const Backu
     return manifest;
 }
 
-/// Whatever was stored is there as it was.
+/// Every stored file is present and unchanged.
 Result<void> compare(const Manifest& manifest, const QMap<QString, StoredFile>& found, const QString& folder)
 {
     for (auto each = manifest.files.begin(); each != manifest.files.end(); ++each) {
@@ -143,7 +143,7 @@ Result<Manifest> unpack(QIODevice& device, const QString& folder, const Progress
     const auto manifest = manifestFrom(*text);
     if (!manifest)
         return manifest;
-    const auto rest = archive.next(); // reads to the end, which a sealed file proves
+    const auto rest = archive.next(); // reads to the end, to verify an encrypted file
     if (!rest)
         return std::unexpected(rest.error());
     if (*rest)

@@ -17,7 +17,7 @@ namespace corvane {
 
 namespace {
 
-/// Of the data folder: what is kept in another way, holds secrets, or is made or fetched anew.
+/// Parts of the data folder that are stored otherwise, contain secrets, or can be recreated or downloaded again.
 bool isLeftOut(const QString& name)
 {
     static const QRegularExpression others(u"\\A("

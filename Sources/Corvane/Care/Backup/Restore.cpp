@@ -24,7 +24,7 @@ namespace {
 const QString lockName = u"instance.lock"_s;
 const QString socketName = u"instance.socket"_s;
 
-/// What a start leaves that holds nothing of the user's.
+/// What a start creates that contains no user data.
 bool isEmptyProfile(const QString& folder)
 {
     return !QFileInfo::exists(folder + u"/nimblocal.db"_s) && !QFileInfo::exists(folder + u"/accounts.json"_s)
@@ -68,7 +68,7 @@ Result<void> pauseAccounts(const QString& file)
                                                              : failure(u"The accounts cannot be written."_s);
 }
 
-/// The program's keychain hands them on to the desktop's keyring at the next start.
+/// At the next start, the program's keychain moves them to the desktop's keyring.
 Result<void> putSecrets(const QByteArray& text, const QString& file)
 {
     if (text.isEmpty())
@@ -80,7 +80,7 @@ Result<void> putSecrets(const QByteArray& text, const QString& file)
     return SecretFile(file).write(places) ? Result<void>() : failure(u"Passwords and tokens cannot be written."_s);
 }
 
-/// Sign-ins of engines lie in folders below the home directory: "{kind}/{account}". One that is there stays.
+/// Sign-ins of engines are in folders below the home directory: "{kind}/{account}". Existing ones are kept.
 QStringList putSignIns(const QString& unpacked, const QString& home)
 {
     QStringList leftAlone;
@@ -98,7 +98,7 @@ QStringList putSignIns(const QString& unpacked, const QString& home)
     return leftAlone;
 }
 
-/// What was unpacked becomes a data folder that is ready to be used, at `folder`/data.
+/// Turns what was unpacked into a usable data folder at `folder`/data.
 Result<void> prepare(const QString& folder, const Manifest& manifest, const AppPaths& paths, Scheduler& scheduler)
 {
     const QString data = folder + u"/data"_s;
@@ -118,10 +118,10 @@ Result<void> prepare(const QString& folder, const Manifest& manifest, const AppP
     return putSecrets(contentOf(folder + u'/' + backupNames::secrets), data + u"/secrets/secrets.json"_s);
 }
 
-/// In place of the folder that is there, which is put aside or, where it holds nothing, removed. Its path, or nothing.
+/// Replaces the existing folder, which is renamed or, if it is empty, removed. Returns its new path, or nothing.
 Result<QString> exchange(const QString& prepared, const QString& target)
 {
-    const auto lock = ProfileLock::take(prepared); // before anybody can start on it
+    const auto lock = ProfileLock::take(prepared); // before any program can start with it
     QString aside;
     if (isEmptyProfile(target)) {
         QFile::remove(target + u'/' + lockName);

@@ -18,7 +18,7 @@ constexpr qsizetype costBytes = 2 * qsizetype(sizeof(quint64));
 constexpr qsizetype beginningBytes
     = crypto_pwhash_SALTBYTES + costBytes + crypto_secretstream_xchacha20poly1305_HEADERBYTES;
 
-// A file may not ask for more than this machine is ready to spend on it.
+// Limits the memory and time that a file may request.
 constexpr quint64 mostOperations = crypto_pwhash_OPSLIMIT_SENSITIVE;
 constexpr quint64 mostMemory = crypto_pwhash_MEMLIMIT_SENSITIVE;
 
@@ -37,7 +37,7 @@ struct Cost {
     quint64 memory = crypto_pwhash_MEMLIMIT_MODERATE;
 };
 
-/// The key to a passphrase, wiped at its end.
+/// The key derived from a passphrase; wiped on destruction.
 struct Key {
     Key(const QString& passphrase, const QByteArray& salt, const Cost& cost)
     {
@@ -108,7 +108,7 @@ SealingDevice::~SealingDevice() = default;
 qint64 SealingDevice::writeData(const char* data, qint64 size)
 {
     for (qint64 taken = 0; taken < size;) {
-        // A full block waits until more comes, since the last one is marked.
+        // A full block is held back until more data arrives, since the last block is marked.
         if (m_block.size() == blockBytes && !writeBlock(crypto_secretstream_xchacha20poly1305_TAG_MESSAGE))
             return -1;
         const qint64 piece = std::min(size - taken, blockBytes - m_block.size());

@@ -7,8 +7,8 @@ namespace corvane {
 
 class ProfileLock;
 
-/// A private folder for what is unfinished, on the filesystem of `neighbour`, beside it; removed with the object. What
-/// a killed program left there is removed when the next one is made.
+/// A private folder for unfinished files, next to `neighbour` on the same filesystem; removed with the object.
+/// Leftovers of a killed program are removed when the next one is created.
 class WorkFolder {
 public:
     explicit WorkFolder(const QString& neighbour);
@@ -22,7 +22,7 @@ public:
 
 private:
     QTemporaryDir m_folder;
-    std::unique_ptr<ProfileLock> m_lock; ///< says that it is in use
+    std::unique_ptr<ProfileLock> m_lock; ///< marks it as in use
 };
 
 }

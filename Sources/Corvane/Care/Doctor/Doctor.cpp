@@ -15,7 +15,7 @@ struct Check {
     std::optional<QString> (*fix)(const CheckedProfile& profile) = nullptr;
 };
 
-/// The log comes before whatever opens the database, which makes a missing one anew.
+/// The log is checked before anything opens the database, which would recreate a missing one.
 constexpr Check table[] {
     { u"disk", u"Disk", checks::disk },
     { u"folders", u"Folders", checks::folders, fixes::folders },

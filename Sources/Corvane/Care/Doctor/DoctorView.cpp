@@ -23,7 +23,7 @@ QList<Finding> worstFirst(const QList<Finding>& findings)
 
 }
 
-/// Shared with the thread that looks.
+/// Shared with the checking thread.
 struct DoctorView::Run {
     void begin(const QString& what)
     {

@@ -28,7 +28,7 @@ public:
     bool canFix = false; ///< the program can fix it
 
     QString state() const; ///< "good", "warning" or "failure"
-    QString stateText() const; ///< the word for a person
+    QString stateText() const; ///< the same, for the user
 
     bool operator==(const Finding&) const = default;
 };

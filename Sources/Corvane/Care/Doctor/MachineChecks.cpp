@@ -21,7 +21,7 @@ namespace {
 const QVersionNumber oldestNode { 22, 6 };
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
-/// Something that the program does without.
+/// Something optional that is missing.
 CheckResult addition(bool isThere, const QString& words, const QString& without, const QString& advice)
 {
     return isThere ? good(words) : CheckResult { Health::Good, without, advice };
@@ -37,7 +37,7 @@ bool hasDisplay()
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
-/// What concerns the desktop matters only where there is one.
+/// Checks of the desktop are skipped if there is none.
 CheckResult ofDesktop(bool isThere, const QString& words, const QString& without, const QString& advice)
 {
     return hasDisplay() ? expected(isThere, words, without, advice) : addition(isThere, words, without, advice);

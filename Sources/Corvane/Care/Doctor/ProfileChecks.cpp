@@ -22,7 +22,7 @@ constexpr qint64 littleRoom = 1024LL * 1024 * 1024;
 constexpr qint64 noRoom = 100LL * 1024 * 1024;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 
-/// What nobody else may read, of what is there.
+/// The existing files that nobody else may read.
 QStringList privatePlaces(const CheckedProfile& profile)
 {
     const QString& data = profile.paths.applicationSupport;
@@ -104,7 +104,7 @@ CheckResult checks::folders(const CheckedProfile& profile)
 std::optional<QString> fixes::folders(const CheckedProfile& profile)
 {
     QStringList closed;
-    // A folder that was shut to its owner hides what is wrong below it.
+    // A folder that its owner cannot enter hides problems below it.
     for (QStringList open = openPlaces(profile); !open.isEmpty(); open = openPlaces(profile)) {
         open.removeIf([](const QString& place) { return !makePrivate(place); });
         if (open.isEmpty())

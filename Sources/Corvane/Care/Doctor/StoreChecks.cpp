@@ -30,7 +30,7 @@ bool isThere(const CheckedProfile& profile)
     return QFileInfo::exists(profile.paths.database());
 }
 
-/// Why there is nothing to look at; nothing where the database answers.
+/// Why the database cannot be checked; nothing if it can.
 std::optional<CheckResult> unread(const CheckedProfile& profile, SqlConnection& db)
 {
     if (!isThere(profile))
@@ -40,7 +40,7 @@ std::optional<CheckResult> unread(const CheckedProfile& profile, SqlConnection& 
     return std::nullopt;
 }
 
-/// A connection that brings the schema up to date, on the thread that asks.
+/// A connection on the calling thread, with the schema migrated.
 struct OwnDatabase {
     OwnDatabase(const QString& path, const CheckedProfile& profile)
         : defaults(profile.paths.defaultsFile)
@@ -54,10 +54,10 @@ struct OwnDatabase {
     LocalDB db;
 };
 
-/// Tables, and columns as "table.column", that this program uses and the file lacks.
+/// Tables, and columns as "table.column", that the program uses and the file lacks.
 QStringList missingIn(SqlConnection& db, const CheckedProfile& profile)
 {
-    OwnDatabase model(u":memory:"_s, profile); // there may be no room on any disk
+    OwnDatabase model(u":memory:"_s, profile); // every disk may be full
     const auto wanted = tableColumns(model.db);
     const auto present = tableColumns(db);
     QStringList missing;

@@ -124,7 +124,7 @@ private:
         return written && m_db.failure() == 0;
     }
 
-    /// Collects what the files in other formats are made of.
+    /// Collects the content of the files in other formats.
     bool take(const QString& kind, const QJsonObject& row)
     {
         const QString id = row[u"id"].toString();

@@ -148,7 +148,7 @@ QList<Part> partsIn(const Part& whole)
     return parts;
 }
 
-/// The first text of that type, whose part is no attachment.
+/// The first text part of that type that is not an attachment.
 std::optional<QString> firstText(const Part& part, const QByteArray& type, int depth = 0)
 {
     const QByteArray own = part.headers.value("content-type", "text/plain").toLower();
@@ -207,7 +207,7 @@ std::optional<QByteArray> MailboxReader::next()
                 return mail;
             continue;
         }
-        // Writers of mbox files quote such a line of a text.
+        // In mbox files, such a line of a text is quoted.
         static const QRegularExpression quotedSeparator(u"^>+From "_s);
         if (*m_isMailbox && line.startsWith('>')
             && quotedSeparator.match(QString::fromLatin1(line.left(200))).hasMatch())

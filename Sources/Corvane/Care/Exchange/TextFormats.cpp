@@ -10,7 +10,7 @@ namespace corvane {
 
 namespace {
 
-constexpr qsizetype longestLine = 75; // bytes, of a card or a calendar
+constexpr qsizetype longestLine = 75; // bytes, in vCard and iCalendar files
 constexpr qsizetype base64Line = 76;
 
 /// A property's line, folded between characters.
@@ -46,7 +46,7 @@ QByteArray calendarTime(const QByteArray& name, const QJsonObject& event, const 
     return name + ";VALUE=DATE:" + QDateTime::fromMSecsSinceEpoch(ms).toString(u"yyyyMMdd"_s).toLatin1() + "\r\n";
 }
 
-/// A header's value on one line; what is not ASCII as RFC 2047 has it.
+/// A header's value on one line; anything but ASCII is encoded by RFC 2047.
 QByteArray headerText(QString value)
 {
     value = value.simplified();
@@ -121,7 +121,7 @@ QByteArray mailFile(const MailText& mail)
     file += "MIME-Version: 1.0\r\n";
     if (mail.attachmentName.isEmpty())
         return file + textPart(mail.body);
-    const QByteArray edge = "=_corvane_part"; // no base64 holds an underscore
+    const QByteArray edge = "=_corvane_part"; // base64 has no underscore
     return file + "Content-Type: multipart/mixed; boundary=\"" + edge + "\"\r\n\r\n--" + edge + "\r\n"
         + textPart(mail.body) + "--" + edge
         + "\r\nContent-Type: application/octet-stream\r\nContent-Transfer-Encoding: base64\r\n"

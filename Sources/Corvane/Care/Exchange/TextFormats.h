@@ -30,7 +30,7 @@ struct MailText {
     QString body;
     QString messageId; ///< without brackets; may be empty
     qint64 atMs = 0;
-    QString attachmentName; ///< empty where there is none
+    QString attachmentName; ///< empty if there is none
     QByteArray attachment;
 };
 QByteArray mailFile(const MailText& mail);
