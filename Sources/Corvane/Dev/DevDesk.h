@@ -16,7 +16,7 @@ struct TerminalPlace;
 
 inline const QString devModule = u"dev"_s;
 
-/// What all tabs of the workspace share, and what is selected in it. The references outlive it.
+/// What all tabs of the workspace share, and what is selected. The references outlive it.
 struct DevDesk {
     WorkServices work;
     TerminalsView& terminals;
@@ -32,22 +32,22 @@ struct DevDesk {
     QString slug() const { return hasProject() ? project.slug : u"local"_s; }
 
     WorkContext place() const; ///< the context, or the one that the first row will create; none without a project
-    WorkContextId shownContext() const; ///< its id: without one the rows of the module are shown
+    WorkContextId shownContext() const; ///< its id; without one, the rows of the whole module are shown
     WorkContextId madeContext(); ///< for a row to be written; nothing without a project
 
-    QString browserUrl() const; ///< of the page that is shown, secrets masked; empty for none
+    QString browserUrl() const; ///< of the shown page, with secrets masked; empty for none
 
-    /// The terminal in front, unless it is another project's.
+    /// The current terminal, unless it belongs to another project.
     LumoTerminalSession* session() const;
     QString transcript(int characters) const; ///< its last characters, redacted; empty without one
 
-    /// Where a shell of the project starts: its repository, else its control folder, else the usual folder.
+    /// Where a shell of the project starts: its repository, else its control folder, else the default folder.
     QString directory() const;
     QString expanded(const QString& path) const; ///< "~" is the home folder
     TerminalPlace terminalPlace() const; ///< of the project, in that folder
     LumoTerminalSession& openTerminal(const QString& label, const QString& command = {});
 
-    void told() const; ///< rows of the work were written by this workspace
+    void told() const; ///< after this workspace has written work records
 };
 
 }

@@ -25,7 +25,7 @@ QByteArray contentOf(const QDir& folder, const QString& name)
                                                                                                     : QByteArray();
 }
 
-/// "dev", then "start" of package.json, with the tool whose lock file stands beside it.
+/// The script "dev", else "start", of package.json, run with the tool whose lock file is next to it.
 QString nodeCommand(const QDir& folder)
 {
     const QJsonObject scripts

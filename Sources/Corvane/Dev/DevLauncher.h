@@ -10,7 +10,7 @@ namespace corvane {
 /// The command that starts a project's own server, guessed from its folder; empty if unknown.
 QString devServerCommand(const QString& folder);
 
-/// The terminals of the selected project: opens them, finds them again, and types commands into them.
+/// Opens the terminals of the selected project, finds existing ones, and types commands into them.
 class DevLauncher : public QObject {
     Q_OBJECT
     Q_PROPERTY(QList<corvane::Choice> actions READ actions CONSTANT)

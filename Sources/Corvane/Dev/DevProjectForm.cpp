@@ -112,7 +112,7 @@ void DevProjectForm::begin(const OpsProjectRow& row)
     m_seen = row;
     for (const TextField& each : textFields())
         field(each.spec.id).fill(row.*each.member);
-    field(slugField).setReadOnly(hasSlug()); // the rows of its work name it
+    field(slugField).setReadOnly(hasSlug()); // its work records refer to it
     if (hasSlug() && row.controlDir.isEmpty())
         field(folderField).fill(folderOf(row.slug));
     m_status = row.status;
@@ -152,7 +152,7 @@ OpsProjectRow DevProjectForm::draft() const
     return row;
 }
 
-/// Why it cannot be saved; empty where it can.
+/// Why it cannot be saved; empty if it can.
 QString DevProjectForm::refusal(const OpsProjectRow& draft) const
 {
     if (!hasSlug() && !isSlug(draft.slug))

@@ -34,7 +34,7 @@ DevRail::DevRail(DevDesk& desk, QObject* parent)
     });
 }
 
-/// By group, the groups in the order of their first project.
+/// By group, in the order of each group's first project.
 QList<OpsProjectRow> DevRail::arranged(const QList<OpsProjectRow>& all)
 {
     const QString hostName = m_desk.desktop.hostName();

@@ -32,7 +32,7 @@ public:
     QString emptyText() const;
 
     Q_INVOKABLE void select(const QString& id);
-    Q_INVOKABLE void step(int by); ///< to another project of the list
+    Q_INVOKABLE void step(int by); ///< selects another project of the list
 
 Q_SIGNALS:
     void changed();

@@ -33,11 +33,11 @@ class DevSRS : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText NOTIFY changed)
     Q_PROPERTY(QString facts READ facts NOTIFY changed)
     Q_PROPERTY(QString error READ error NOTIFY changed)
-    Q_PROPERTY(bool overtaken READ overtaken NOTIFY changed) ///< somebody else wrote it meanwhile
+    Q_PROPERTY(bool overtaken READ overtaken NOTIFY changed) ///< changed elsewhere in the meantime
 public:
     DevSRS(DevDesk& desk, QObject* parent);
 
-    void reload(); ///< what is being edited stays
+    void reload(); ///< keeps edits
 
     QList<DevSRSSection> sections() const;
     bool present() const { return !m_seen.updatedAt.isEmpty(); }
@@ -50,8 +50,8 @@ public:
 
     Q_INVOKABLE void seed();
     Q_INVOKABLE void edit(const QString& section, const QString& text);
-    Q_INVOKABLE void save(); ///< where it was overtaken, over the other's text
-    Q_INVOKABLE void revert(); ///< to what stands in the store
+    Q_INVOKABLE void save(); ///< overwrites a newer text if it was overtaken
+    Q_INVOKABLE void revert(); ///< to the stored text
 
 Q_SIGNALS:
     void changed();

@@ -10,7 +10,7 @@ namespace corvane {
 /// "Terminal issue: {line}": the last line that mentions a problem, else the last one.
 QString terminalIssueTitle(const QString& transcript);
 
-/// The project's tasks and bugs on a board, also from what a terminal shows.
+/// The project's tasks and bugs on a board; they can be created from what a terminal shows.
 class DevTasks : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
@@ -23,8 +23,8 @@ class DevTasks : public QObject {
 public:
     DevTasks(DevDesk& desk, QObject* parent);
 
-    void showProject(); ///< another one is selected
-    void reload(); ///< all but the board
+    void showProject(); ///< after another one is selected
+    void reload(); ///< everything but the board
     void reloadBoard();
 
     WorkBoard* board() { return &m_board; }

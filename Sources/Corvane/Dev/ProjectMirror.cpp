@@ -14,7 +14,7 @@ namespace {
 
 constexpr qint64 largestMirror = 64 << 20;
 
-/// Where the first line "## Log" begins; -1 where there is none.
+/// The position of the first line "## Log"; -1 if there is none.
 qsizetype logPlace(const QByteArray& text)
 {
     for (qsizetype at = 0; at >= 0 && at < text.size();) {
@@ -38,7 +38,7 @@ QString projectFolder(const QString& slug)
 
 QByteArray mirrorText(const OpsProjectRow& project, const QByteArray& before)
 {
-    // A line end in a field would begin a line that reads as another one.
+    // A line end in a field could imitate another field.
     const QString head
         = u"# %1 (%2)\n\n- **Goal:** %3\n- **Status:** %4\n- **Category:** %5\n- **Exec host:** %6\n"
           "- **Repo:** %7\n\n"_s.arg(promptLine(project.name), promptLine(project.slug),
@@ -71,7 +71,7 @@ Result<QString> writeProjectMirror(const OpsProjectRow& project, const QString& 
     if (!old.isOpen())
         return path;
     QFile::setPermissions(path, permissions);
-    // An agent that opened the file before may have appended to it since it was read.
+    // An agent with the file open may have appended to it since it was read.
     old.seek(before.size());
     const QByteArray appended = old.readAll();
     QFile now(path);

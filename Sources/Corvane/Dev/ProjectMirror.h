@@ -10,8 +10,8 @@ namespace corvane {
 /// The name of a project's own folder: a slug cannot lead out of the parent folder.
 QString projectFolder(const QString& slug);
 
-/// PROJECT.md for agents that work with files: the project's facts, and from "## Log" on the previous content. If that
-/// has no such line, all of it follows below.
+/// PROJECT.md for agents that work with files: the project's facts, then the previous content from "## Log" on, or all
+/// of it if it has no such line.
 QByteArray mirrorText(const OpsProjectRow& project, const QByteArray& before);
 
 /// Writes it to the folder atomically. What an agent appended in the meantime is kept. On an error nothing was written.

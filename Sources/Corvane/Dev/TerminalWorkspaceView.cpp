@@ -123,7 +123,7 @@ void TerminalWorkspaceView::readTab()
     }
 }
 
-/// What the tabs say of the selected terminal changes with it, not with each of its titles.
+/// The tabs depend on which terminal is selected, not on its changing title.
 void TerminalWorkspaceView::terminalsChanged()
 {
     const bool sameCount = std::exchange(m_terminalCount, m_desk.terminals.count()) == m_desk.terminals.count();

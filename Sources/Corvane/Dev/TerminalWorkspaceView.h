@@ -25,11 +25,11 @@ class TerminalWorkspaceView : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString subtitle READ subtitle CONSTANT)
-    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is visible, and refreshes
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is visible, and is kept up to date
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY changed)
     Q_PROPERTY(corvane::DevInspector* inspector READ inspector CONSTANT)
-    Q_PROPERTY(QList<corvane::Choice> facts READ facts NOTIFY changed) ///< of the chosen project
+    Q_PROPERTY(QList<corvane::Choice> facts READ facts NOTIFY changed) ///< of the selected project
     Q_PROPERTY(corvane::DevRail* rail READ rail CONSTANT)
     Q_PROPERTY(corvane::TerminalsView* terminals READ terminals CONSTANT)
     Q_PROPERTY(corvane::BrowserView* browser READ browser CONSTANT)
