@@ -74,7 +74,7 @@ bool isProtected(const RunningProcess& process, qint64 ownPid)
         || isDisplayServer(process.command);
 }
 
-/// The pages of a browser are separate processes, recognisable only by their size.
+/// A browser's pages are separate processes, distinguishable only by their size.
 bool isBrowsersPage(const ResourceProcessRow& row)
 {
     return row.arguments.contains(u" --type=") || row.arguments.contains(u" -contentproc");
