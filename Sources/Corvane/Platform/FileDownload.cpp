@@ -24,7 +24,7 @@ QString partPath(const QString& path)
     return path + u".part"_s;
 }
 
-/// Holds the address, and what names the version of the file there.
+/// Stores the address, and what identifies the version of the file there.
 QString originPath(const QString& path)
 {
     return path + u".origin"_s;
@@ -36,7 +36,7 @@ bool isAllowed(const QUrl& url)
     return !url.host().isEmpty() && (url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isHere));
 }
 
-/// Empty if what has come is of another address.
+/// Empty if the partial file is from another address.
 QByteArray versionOf(const QString& path, const QUrl& url)
 {
     QFile file(originPath(path));
@@ -46,7 +46,7 @@ QByteArray versionOf(const QString& path, const QUrl& url)
     return lines.size() == 2 && lines[0] == url.toEncoded() ? lines[1] : QByteArray();
 }
 
-/// Takes what comes into the part that is there, or into a new one.
+/// Appends to the existing partial file, or starts a new one.
 class Incoming {
 public:
     Incoming(QNetworkReply* reply, const QString& path, const QUrl& url)
@@ -92,7 +92,7 @@ private:
         const QByteArray range = m_reply->rawHeader("Content-Range");
         const bool goesOn = status() == 206 && range.startsWith("bytes " + QByteArray::number(have) + '-');
         if (!goesOn && status() != 200)
-            return false; // an error's page
+            return false; // an error page
         m_received = goesOn ? have : 0;
         const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
         m_total = length > 0 ? m_received + length : 0;
@@ -154,7 +154,7 @@ QCoro::Task<Result<void>> downloadFile(
     if (!incoming.problem().isEmpty())
         co_return failure(incoming.problem());
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (resumes && status == rangeNotSatisfiable) { // it is another file now
+    if (resumes && status == rangeNotSatisfiable) { // the file has changed since
         forgetDownload(path);
         co_return co_await downloadFile(url, path, onProgress, cancel);
     }

@@ -8,7 +8,7 @@ namespace corvane {
 class GlobalShortcuts;
 class UserDefaults;
 
-/// A key of the whole desktop that the user can change. The choice is kept in the defaults.
+/// A global shortcut that the user can change. The choice is stored in the defaults.
 class HotKey : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString id READ id CONSTANT)
@@ -19,8 +19,8 @@ public:
     struct Definition {
         QString id; ///< such as "capture"
         QString label; ///< what it does
-        QStringList keys; ///< that it has at first, the preferred first, such as "Ctrl+Alt+N"
-        QString command; ///< of the program, which does the same, for the keyboard settings of the desktop
+        QStringList keys; ///< the default keys, the preferred first, such as "Ctrl+Alt+N"
+        QString command; ///< a command line that does the same, for the desktop's keyboard settings
     };
 
     /// `shortcuts` may be none; both outlive the key.
@@ -29,17 +29,17 @@ public:
 
     const QString& id() const { return m_definition.id; }
     const QString& label() const { return m_definition.label; }
-    QString keys() const; ///< in force, or else those that are wished for
-    QString hint() const; ///< what the user has to know, or to do where it does not work
+    QString keys() const; ///< the active ones, else the wanted ones
+    QString hint() const; ///< what the user should know, or do if it does not work
     bool isWrong() const; ///< the hint says why it does not work
 
-    void bind(); ///< again: nothing
+    void bind(); ///< a second call has no effect
     void unbind();
     bool isBound() const;
     QString bindingText() const; ///< for the log: "install=1 register=0 (Ctrl+Alt+N)"
 
-    /// What the user pressed, as a Qt::Key and Qt::KeyboardModifiers. A key that would be missed when typing needs
-    /// another one held with it; it and a modifier alone change nothing. False for those.
+    /// Sets what the user pressed, as Qt::Key and Qt::KeyboardModifiers. False, without effect, for a modifier alone,
+    /// and for a key used in typing without a modifier.
     Q_INVOKABLE bool choose(int key, int modifiers);
 
 Q_SIGNALS:

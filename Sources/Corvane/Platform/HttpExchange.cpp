@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-/// Whether the service gave an answer of its own, as opposed to an answer that never came or broke off.
+/// Whether the service answered completely, with whatever status.
 bool isAnswer(QNetworkReply::NetworkError error)
 {
     return error == QNetworkReply::NoError || error == QNetworkReply::InsecureRedirectError
@@ -58,7 +58,7 @@ QCoro::Task<Result<HttpReply>> awaitReply(
     HttpReply result;
     result.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     result.body = reply->readAll();
-    // Qt does not always tell that the server hung up in the middle of the body.
+    // Qt does not always report that the server closed the connection in the middle of the body.
     if (result.body.size() < reply->header(QNetworkRequest::ContentLengthHeader).toLongLong())
         co_return failure(u"Connection closed"_s);
     result.location = QString::fromUtf8(reply->rawHeader("Location"));

@@ -12,9 +12,9 @@ class QNetworkRequest;
 
 namespace corvane {
 
-/// What came back, whatever its status.
+/// A response, whatever its status.
 struct HttpReply {
-    int status = 0; ///< 0 if the answer is no HTTP response
+    int status = 0; ///< 0 if it is not an HTTP response
     QByteArray body;
     QString location; ///< the header of a redirect that was not followed
 
@@ -26,11 +26,11 @@ struct HttpLimits {
     qint64 size; ///< of the body, in bytes
 };
 
-/// Neither sends nor keeps cookies, and takes nothing out of a cache.
+/// Neither sends nor stores cookies, and uses no cache.
 void makePlain(QNetworkRequest& request);
 
-/// Waits for a request that was just sent, and owns its reply. A failure carries the words for the user: of the
-/// limit, of the cancelling, or of what broke on the way. An answer of the service is none, whatever its status.
+/// Waits for a request that was just sent, and owns its reply. Fails, with an error for the user, if the limit is
+/// exceeded, the request is cancelled, or the connection breaks. A complete response is a success, whatever its status.
 QCoro::Task<Result<HttpReply>> awaitReply(
     QNetworkReply* started, Scheduler* scheduler, HttpLimits limits, CancelHandle cancel = {});
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr Milliseconds firstPause { 5'000 };
 constexpr Milliseconds longestPause { 60'000 };
-constexpr Milliseconds keyringsTime { 2'000 }; // to take a value, before the file takes it
+constexpr Milliseconds keyringsTime { 2'000 }; // for the keyring to store a value, before the file is used
 
 using Where = SecretPlace::Where;
 
@@ -58,7 +58,7 @@ bool Keychain::set(const QString& value, const QString& account)
 {
     m_places.insert(account, { Where::File, value });
     if (m_state == State::Answered) {
-        // The keyring takes it in a moment, so that it need never stand in the file.
+        // If the keyring stores it within a moment, it never needs to be in the file.
         m_saving = m_scheduler.after(keyringsTime, [this] { save(); });
         hand(account, Keyring::Unlock::Ask);
         return true;
@@ -178,7 +178,7 @@ void Keychain::hand(const QString& account, Keyring::Unlock unlock)
 void Keychain::handed(const QString& account, const SecretPlace& place, const std::optional<Keyring::Failure>& failure)
 {
     if (m_places.value(account) != place)
-        return; // a newer value is on its way, with an answer of its own
+        return; // a newer value is pending, with an answer of its own
     if (failure) {
         save();
         return fail(*failure);

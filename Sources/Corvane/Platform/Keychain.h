@@ -8,20 +8,20 @@
 
 namespace corvane {
 
-/// The program's own secrets: in the desktop's keyring, and in a private file for as long as the keyring does not
-/// take them. The newest value counts, wherever it is, and a removal lasts; both reach the keyring once it answers.
-/// Nothing here waits for the keyring. Main thread only.
+/// The program's own secrets: in the desktop's keyring, or in a private file while the keyring does not accept them.
+/// The newest value wins, wherever it is stored; values and removals reach the keyring once it answers. Nothing here
+/// waits for the keyring. Main thread only.
 class Keychain : public QObject {
     Q_OBJECT
 public:
-    /// Asks the keyring at once, and the user where it is locked. The references outlive the object.
+    /// Queries the keyring at once, and asks the user if it is locked. The references outlive the object.
     Keychain(Keyring& keyring, const QString& filePath, Scheduler& scheduler, QObject* parent = nullptr);
     ~Keychain() override;
 
     std::optional<QString> get(const QString& account) const; ///< white space around the value is trimmed
-    bool isAwaited(const QString& account) const; ///< whether only the keyring knows, which has not answered yet
+    bool isAwaited(const QString& account) const; ///< whether the keyring has yet to answer for it
 
-    bool set(const QString& value, const QString& account); ///< false if it is nowhere but in memory
+    bool set(const QString& value, const QString& account); ///< false if it is only in memory
     void remove(const QString& account);
 
     bool isLocked() const { return m_state == State::Locked; }
@@ -29,7 +29,7 @@ public:
     QString description() const; ///< where the secrets are, for the settings screen
 
 Q_SIGNALS:
-    void changed(); ///< the keyring answered: what was awaited is known, or why it is not
+    void changed(); ///< the keyring answered or failed
 
 private:
     enum class State { Asking, Answered, Locked, Absent, Failed };
@@ -48,8 +48,8 @@ private:
     const SecretFile m_file;
     Scheduler& m_scheduler;
     SecretPlaces m_places; ///< newer than the file's while `m_saving` runs
-    Keyring::Secrets m_values; ///< what the keyring holds
-    bool m_isRead = false; ///< `m_values` is all that the keyring holds
+    Keyring::Secrets m_values; ///< as stored in the keyring
+    bool m_isRead = false; ///< `m_values` is complete
     State m_state = State::Absent;
     int m_handing = 0; ///< calls to the keyring that have not been answered
     Milliseconds m_pause;

@@ -9,26 +9,26 @@
 
 namespace corvane {
 
-/// The program's secrets in the desktop's keyring, by account. Each call returns at once; its answer comes home on
-/// the thread that called, in the order of the calls, and takes as long as the user needs to unlock the keyring. An
-/// answer that is still out when the keyring is destroyed never comes.
+/// The program's secrets in the desktop's keyring, by account. Each call returns at once; its answer arrives on the
+/// calling thread, in the order of the calls, and may take as long as the user needs to unlock the keyring. Pending
+/// answers are dropped when the keyring is destroyed.
 class Keyring {
 public:
     enum class Failure {
-        Absent, ///< there is no keyring on this machine now
+        Absent, ///< no keyring is running on this machine
         Locked, ///< the user did not unlock it, or was not asked
         Failed, ///< anything else, such as a service that does not answer
     };
     enum class Unlock { Ask, Never };
     using Secrets = QHash<QString, QString>;
     using Read = std::function<void(const std::expected<Secrets, Failure>&)>;
-    using Done = std::function<void(const std::optional<Failure>&)>; ///< nothing: it is done
+    using Done = std::function<void(const std::optional<Failure>&)>; ///< nothing: success
 
     virtual ~Keyring() = default;
 
     virtual void readAll(Unlock unlock, Read read) = 0; ///< changes nothing
     virtual void write(const QString& account, const QString& value, Unlock unlock, Done done) = 0;
-    virtual void erase(const QString& account, Unlock unlock, Done done) = 0; ///< done, too, where there is none
+    virtual void erase(const QString& account, Unlock unlock, Done done) = 0; ///< succeeds, too, if there is none
 };
 
 /// The desktop's Secret Service; with CORVANE_SECRETS=file a keyring that is always absent.

@@ -16,7 +16,7 @@ constexpr qsizetype longestLine = longestPhoto / 3 * 4 + 4096; // as base64, wit
 constexpr qsizetype longestText = 16 * 1024;
 constexpr qsizetype mostPhones = 100; ///< of one card, and as many e-mail addresses
 
-/// "item1.TEL;TYPE="voice,home":+34 600" in its parts.
+/// The parts of "item1.TEL;TYPE="voice,home":+34 600".
 struct Property {
     QByteArray name; ///< upper case, without its group
     QList<QByteArray> parameters; ///< upper case
@@ -47,7 +47,7 @@ std::optional<Property> property(const QByteArray& line)
     return std::nullopt;
 }
 
-/// The fields of a value: cut at each semicolon that is not escaped.
+/// The fields of a value, split at unescaped semicolons.
 QStringList fields(const QByteArray& value)
 {
     QStringList result(1);
@@ -80,7 +80,7 @@ bool isImage(const QByteArray& bytes)
         || (bytes.startsWith("RIFF") && bytes.mid(8, 4) == "WEBP");
 }
 
-/// Only a photo that stands in the card itself, in base64.
+/// Only a photo embedded in the card, in base64.
 QByteArray photo(const Property& property)
 {
     QByteArray encoded;
@@ -93,7 +93,7 @@ QByteArray photo(const Property& property)
                })) {
         encoded = property.value;
     }
-    encoded.replace(' ', ""); // many a program folds with more blanks than one
+    encoded.replace(' ', ""); // some programs fold with several blanks
     const auto decoded = QByteArray::fromBase64Encoding(encoded, QByteArray::AbortOnBase64DecodingErrors);
     return decoded && decoded.decoded.size() <= longestPhoto && isImage(decoded.decoded) ? decoded.decoded
                                                                                          : QByteArray();
@@ -143,7 +143,7 @@ std::optional<QByteArray> VCardReader::physicalLine()
         if (count <= 0)
             break;
         begun = true;
-        // Of a line that is too long only the last chunk is kept, to know where the line ends.
+        // Of an overlong line only the last chunk is kept, to find its end.
         tooLong = tooLong || line.size() > longestLine;
         if (tooLong)
             line.clear();
@@ -155,7 +155,7 @@ std::optional<QByteArray> VCardReader::physicalLine()
         return QByteArray();
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
-    if (line.startsWith("\xEF\xBB\xBF")) // the mark of UTF-8, before the first card of a file
+    if (line.startsWith("\xEF\xBB\xBF")) // a UTF-8 byte order mark at the start of the file
         line.remove(0, 3);
     return line;
 }

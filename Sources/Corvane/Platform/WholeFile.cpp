@@ -9,12 +9,12 @@ namespace corvane {
 namespace {
 
 constexpr qint64 tailSize = 4096;
-constexpr int mostParts = 100'000; // a file with more is not looked through
-constexpr qint64 longestJpeg = 64 << 20; // a longer one is not looked through
-constexpr quint32 streamedLength = 0x7ffff000; // written by programs that did not know the length yet
+constexpr int mostParts = 100'000; // files with more are not checked
+constexpr qint64 longestJpeg = 64 << 20; // longer ones are not checked
+constexpr quint32 streamedLength = 0x7ffff000; // from programs that did not know the length yet
 
-/// Boxes of an MPEG-4 file: each tells its length, and one of them makes the rest readable: "moov", or
-/// "meta" of a picture.
+/// Checks the boxes of an MPEG-4 file: each has a length, and one of them makes the rest readable: "moov", or
+/// "meta" for a picture.
 bool isWholeMpeg4(QIODevice& file)
 {
     bool index = false;
@@ -39,7 +39,7 @@ bool isWholeMpeg4(QIODevice& file)
     return index;
 }
 
-/// Chunks of a PNG file: each tells its length, and "IEND" is the last. What stands behind it is no matter.
+/// Checks the chunks of a PNG file: each has a length, and "IEND" is the last. Trailing data is ignored.
 bool isWholePng(QIODevice& file)
 {
     qint64 at = 8;
@@ -57,8 +57,8 @@ bool isWholePng(QIODevice& file)
     return true;
 }
 
-/// Segments of a JPEG file tell their lengths up to the picture itself, which ends at a mark that is not found within
-/// it. That mark is at the end of the file, unless a phone wrote a film behind it.
+/// Checks the segments of a JPEG file. They have lengths, except for the picture data, which ends at a marker. That
+/// marker is at the end of the file, unless a phone appended a video.
 bool isWholeJpeg(QIODevice& file)
 {
     file.seek(std::max<qint64>(0, file.size() - tailSize));

@@ -13,7 +13,7 @@ extern "C" {
 
 namespace corvane {
 
-/// Gives a value back through the library's own function, which takes its address.
+/// Frees a value with the library's function, which takes its address.
 template <auto release> struct Release {
     template <typename Value> void operator()(Value* value) const { release(&value); }
 };
@@ -30,7 +30,7 @@ inline std::unexpected<Error> avFailure(int code)
     return failure(QString::fromUtf8(text.data()));
 }
 
-/// A file and nothing else, whatever its name looks like.
+/// Opens files only, never URLs, whatever the name looks like.
 inline QByteArray urlOf(const QString& path)
 {
     return "file:" + QFile::encodeName(path);

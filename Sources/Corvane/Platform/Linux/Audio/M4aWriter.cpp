@@ -22,7 +22,7 @@ void closeOutput(AVFormatContext** context)
 }
 using Output = std::unique_ptr<AVFormatContext, Release<closeOutput>>;
 
-/// An empty file of mode 0600 that was not there before; a link in its place is not followed.
+/// Creates an empty file of mode 0600. Fails if it exists; links are not followed.
 Result<void> createFile(const QString& path)
 {
     const int descriptor
@@ -52,7 +52,7 @@ Result<void> waitForDisk(const QString& path)
     return {};
 }
 
-/// Copies the pieces of `from` into one whole in `to`.
+/// Joins the fragments of `from` in `to`.
 Result<void> joinPieces(const QString& from, const QString& to)
 {
     const auto opened = openInput(from);
@@ -74,7 +74,7 @@ Result<void> joinPieces(const QString& from, const QString& to)
         code = av_interleaved_write_frame(output->get(), packet.get());
     }
     if (code >= 0)
-        code = input->pb->error; // what could not be read is not left out
+        code = input->pb->error; // unreadable parts are an error, not a gap
     if (code >= 0)
         code = av_write_trailer(output->get());
     if (code >= 0)
@@ -122,7 +122,7 @@ Result<void> M4aWriter::State::open(SoundFormat format)
     avcodec_parameters_from_context(stream->codecpar, encoder.get());
 
     AVDictionary* options = nullptr;
-    // A trailer would list every fragment, for which memory would grow with the recording.
+    // No trailer: it lists every fragment, so memory would grow with the recording.
     av_dict_set(&options, "movflags", "frag_keyframe+empty_moov+default_base_moof+skip_trailer", 0);
     av_dict_set(&options, "frag_duration", "500000", 0);
     output->flush_packets = 1;
@@ -182,7 +182,7 @@ M4aWriter::~M4aWriter() = default;
 
 Result<std::unique_ptr<M4aWriter>> M4aWriter::create(const QString& path, SoundFormat format)
 {
-    av_log_set_level(AV_LOG_QUIET); // what fails is told by its code
+    av_log_set_level(AV_LOG_QUIET); // the result code reports the failure
     if (const auto created = createFile(path); !created)
         return std::unexpected(created.error());
     auto state = std::make_unique<State>();
@@ -202,7 +202,7 @@ Result<void> M4aWriter::write(std::span<const float> samples)
     size_t done = 0;
     for (; waiting.size() - done >= size; done += size) {
         if (const auto encoded = m_state->encode(std::span(waiting).subspan(done, size)); !encoded) {
-            waiting.clear(); // `close` takes less than a frame
+            waiting.clear(); // `close` accepts less than a frame
             return encoded;
         }
     }
@@ -224,7 +224,7 @@ Result<void> M4aWriter::finish()
 {
     const auto closed = close();
     if (closed)
-        (void)join(m_state->path); // the pieces play too
+        (void)join(m_state->path); // the fragments can be played, too
     return closed;
 }
 
@@ -236,7 +236,7 @@ Result<void> M4aWriter::join(const QString& path)
     if (joined)
         joined = joinPieces(path, whole);
     if (joined)
-        joined = waitForDisk(whole); // else a power cut may leave neither of them
+        joined = waitForDisk(whole); // otherwise a power cut may leave neither of them
     if (joined && ::rename(QFile::encodeName(whole).constData(), QFile::encodeName(path).constData()) != 0)
         joined = failure(QString::fromLocal8Bit(std::strerror(errno)));
     if (!joined)

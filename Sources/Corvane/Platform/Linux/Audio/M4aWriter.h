@@ -7,24 +7,24 @@
 namespace corvane {
 
 struct SoundFormat {
-    int rate = 44'100; ///< samples a second
+    int rate = 44'100; ///< samples per second
     int channels = 1;
-    int bitRate = 96'000; ///< bits a second of the file, all channels together
+    int bitRate = 96'000; ///< bits per second, all channels together
 };
 
-/// Sound into an .m4a file (AAC). While it grows it stands in pieces of half a second, each of which plays without the
-/// next: a program that is killed loses the last of them.
+/// Writes sound to an .m4a file (AAC), while recording as fragments of half a second, each playable without the next:
+/// if the program is killed, only the last fragment is lost.
 class M4aWriter final : public SoundWriter {
 public:
-    /// Makes the file, of mode 0600; fails if one stands there already.
+    /// Creates the file with mode 0600; fails if it exists.
     static Result<std::unique_ptr<M4aWriter>> create(const QString& path, SoundFormat format);
     ~M4aWriter() override;
 
     Result<void> write(std::span<const float> samples) override;
-    Result<void> close(); ///< writes what waits; the file stays in pieces, and takes nothing more
+    Result<void> close(); ///< flushes; the file stays fragmented, and nothing can be written after it
     Result<void> finish() override; ///< closes and joins
 
-    /// Makes one piece of the file, which costs as much as to copy it. Where that fails it is left as it is.
+    /// Joins the fragments of the file; costs as much as copying it. On failure the file is unchanged.
     static Result<void> join(const QString& path);
 
 private:

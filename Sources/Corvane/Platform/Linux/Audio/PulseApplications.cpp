@@ -43,7 +43,7 @@ void PulseApplications::State::contextChanged()
             [](pa_context*, const pa_source_output_info* output, int, void* given) {
                 auto* const state = static_cast<State*>(given);
                 if (!output)
-                    state->tell(); // answers come in the order of the questions
+                    state->tell(); // answers arrive in the order of the requests
                 else if (!output->corked)
                     state->add(output->proplist, &SoundApplication::records);
             },

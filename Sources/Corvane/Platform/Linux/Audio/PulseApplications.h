@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// One question to the sound server: who plays and who records. It has a thread of its own, on which the answer comes,
-/// once; destroying it takes the question back.
+/// One query to the sound server: which applications play or record. The answer arrives once, on a thread of its own;
+/// destroying the object cancels the query.
 class PulseApplications {
 public:
     explicit PulseApplications(std::function<void(const QList<SoundApplication>&)> answer);

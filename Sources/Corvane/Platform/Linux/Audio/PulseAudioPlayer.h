@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Sound through the sound server, as the decoder reads it, a few seconds ahead. Nothing is connected while no file
+/// Plays sound through the sound server; the decoder reads a few seconds ahead. There is no connection while nothing
 /// plays.
 class PulseAudioPlayer final : public AudioPlayer {
     Q_OBJECT
@@ -36,8 +36,8 @@ private:
     MediaDecoder& m_decoder;
     MediaDecoder::Handle m_reading;
     QString m_path;
-    qint64 m_nextFrame = 0; ///< where the next piece begins
-    quint64 m_turn = 0; ///< what the playback of an earlier one still tells is not heard
+    qint64 m_nextFrame = 0; ///< where the next piece starts
+    quint64 m_turn = 0; ///< late callbacks of an earlier playback are ignored
     std::unique_ptr<PulsePlayback> m_playback;
     std::unique_ptr<Timer> m_timeout;
     std::unique_ptr<Timer> m_movement;

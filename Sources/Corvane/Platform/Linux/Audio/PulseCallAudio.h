@@ -21,7 +21,7 @@ public:
     void repair(const QString& path, TrackRecording::Done done) override;
 
 private:
-    /// One question to the sound server.
+    /// One query to the sound server.
     struct Question {
         std::unique_ptr<PulseCapture> capture;
         std::unique_ptr<PulseApplications> applications;

@@ -25,7 +25,7 @@ bool isGood(const pa_stream* stream)
 struct PulseCapture::State final : PulseConnection {
     using PulseConnection::loop;
 
-    /// Where the sound comes from: a source, and of an application which of its streams.
+    /// Where the sound comes from: a source and, for an application, one of its streams.
     struct Place {
         QByteArray source;
         uint32_t input = noInput;
@@ -152,7 +152,7 @@ void PulseCapture::State::serverFound(const pa_server_info* server)
         this));
 }
 
-/// The newest stream that the application plays; the one that is heard already goes before it.
+/// The application's newest playing stream; the one already being recorded is preferred.
 void PulseCapture::State::lookForInput()
 {
     foundSink = noInput;
@@ -208,7 +208,7 @@ void PulseCapture::State::sourceFound(const pa_source_info* source)
         return;
     if (!source)
         return absent(missingOrDenied(), error());
-    // Without a microphone a server offers what the loudspeaker plays.
+    // Without a microphone, a server offers the loudspeaker's monitor.
     if (source->monitor_of_sink != PA_INVALID_INDEX)
         return absent(End::Missing, noMicrophone);
     take();
@@ -293,7 +293,7 @@ void PulseCapture::State::read()
         const size_t count = bytes / sizeof(float);
         const auto age = ageOfNext();
         if (ended) {
-            // nobody listens any more
+            // no longer needed
         } else if (data) {
             callbacks.sound({ static_cast<const float*>(data), count }, age);
         } else {

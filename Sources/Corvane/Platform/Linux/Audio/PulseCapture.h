@@ -16,13 +16,12 @@ struct CaptureTarget {
 
     Kind kind = Kind::Microphone;
     QByteArray binary = {}; ///< the file name of the application's program
-    bool follows = false; ///< goes on with what takes the place of a source that went
-    const char* name = "Voice note"; ///< in the mixer of the desktop
+    bool follows = false; ///< continues with the successor of a source that disappears
+    const char* name = "Voice note"; ///< shown in the desktop's mixer
 };
 
-/// Sound from the default source of the sound server, PulseAudio or PipeWire, from what its default output plays, or
-/// from one application. It has a thread of its own, on which every callback comes; destroying the capture ends it at
-/// once.
+/// Captures sound from the sound server (PulseAudio or PipeWire): the default source, the default output, or one
+/// application. All callbacks run on a thread of its own; destroying the capture ends it at once.
 class PulseCapture {
 public:
     enum class End { Denied, Missing, Lost };
@@ -41,7 +40,7 @@ public:
     PulseCapture(const PulseCapture&) = delete;
     PulseCapture& operator=(const PulseCapture&) = delete;
 
-    void look(); ///< for the source that is wanted now, of one that follows
+    void look(); ///< for the currently wanted source, if it follows
 
 private:
     struct State;

@@ -18,7 +18,7 @@ constexpr Milliseconds answerTime { 3000 };
 constexpr SoundFormat voice { .rate = 44'100, .channels = 1 };
 constexpr SoundFormat dictation { .rate = speechFormat.rate, .channels = 1 };
 
-/// Why a recording ended, within a sentence.
+/// Why a recording ended, as part of a sentence.
 QString words(PulseCapture::End kind)
 {
     switch (kind) {
@@ -32,7 +32,7 @@ QString words(PulseCapture::End kind)
     return u"the microphone went away"_s;
 }
 
-/// The sound thread writes; the main thread reads figures, and takes the file over once that thread is gone.
+/// The sound thread writes; the main thread reads counters, and takes over the file once that thread has ended.
 class LinuxRecording final : public MicrophoneRecording {
 public:
     LinuxRecording(
@@ -115,7 +115,7 @@ private:
     std::unique_ptr<SoundWriter> m_writer;
     std::atomic<qint64> m_samples = 0;
     std::atomic<float> m_peak = 0;
-    bool m_broken = false; ///< of the sound thread
+    bool m_broken = false; ///< used by the sound thread
     std::unique_ptr<Timer> m_timeout;
     std::unique_ptr<PulseCapture> m_capture;
 };

@@ -19,7 +19,7 @@ public:
     std::unique_ptr<MicrophoneRecording> record(const QString& path) override;
 
 private:
-    /// One question to the sound server.
+    /// One query to the sound server.
     struct Probe {
         std::unique_ptr<PulseCapture> capture;
         std::unique_ptr<Timer> timeout;

@@ -37,8 +37,8 @@ struct PulsePlayback::State final : PulseConnection {
 
     SoundBuffer sound;
     Callbacks callbacks;
-    pa_operation* draining = nullptr; ///< from the end of the file on
-    std::optional<qint64> heldAt; ///< where it stands still, whatever the server has yet to play or to drop
+    pa_operation* draining = nullptr; ///< since the end of the file
+    std::optional<qint64> heldAt; ///< the position while paused, whatever the server still buffers
     bool ended = false;
     qint64 from = 0; ///< in milliseconds
     qint64 written = 0; ///< samples since then, all channels together
@@ -46,7 +46,7 @@ struct PulsePlayback::State final : PulseConnection {
 
 namespace {
 
-/// The thread of the sound waits while it stands.
+/// The sound thread waits while it is paused.
 class Locked {
 public:
     explicit Locked(pa_threaded_mainloop* loop)
@@ -120,7 +120,7 @@ void PulsePlayback::State::streamChanged()
 {
     const pa_stream_state_t now = pa_stream_get_state(stream);
     if (now == PA_STREAM_READY) {
-        hold(heldAt.has_value()); // it may have changed since the stream was asked for
+        hold(heldAt.has_value()); // it may have changed since the stream was requested
         callbacks.started();
     } else if (!PA_STREAM_IS_GOOD(now))
         end();
@@ -147,7 +147,7 @@ void PulsePlayback::State::write(size_t bytes)
 void PulsePlayback::State::append(const SoundPiece& piece)
 {
     sound.append(piece);
-    // What the server asked for while there was nothing is still owed.
+    // The server still expects what it requested while nothing was available.
     if (const size_t room = isReady() ? pa_stream_writable_size(stream) : size_t(-1); room != size_t(-1))
         write(room);
 }
@@ -191,7 +191,7 @@ void PulsePlayback::State::seek(qint64 ms)
         heldAt = ms;
     if (!stream)
         return;
-    // A new stream rather than a flush: the server asks again for a full buffer, and its clock begins anew.
+    // A new stream instead of a flush: the server requests a full buffer again, and its clock restarts.
     stopDraining();
     closeStream();
     openStream();

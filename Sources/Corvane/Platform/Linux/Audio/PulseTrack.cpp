@@ -13,7 +13,7 @@ namespace {
 
 constexpr Milliseconds beatPeriod { 250 };
 constexpr Milliseconds noDelay { 0 };
-// A source that is there may bring its sound late and all at once; what looked like a gap until then was none.
+// A source may deliver its sound late and all at once, which is not a gap.
 constexpr Milliseconds latestSound { 3000 };
 // The clocks of sound cards differ. Sound that began at its time is let off by that much, as a correction is audible.
 constexpr Milliseconds allowedShift { 300 };

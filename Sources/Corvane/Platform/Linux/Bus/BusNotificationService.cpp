@@ -19,13 +19,13 @@ const QString clickOnBanner = u"default"_s;
 constexpr uchar normalUrgency = 1;
 constexpr int daemonDecidesHowLong = -1;
 
-/// The bus would end a text at its first NUL.
+/// On the bus, a text ends at its first NUL.
 QString withoutNul(QString text)
 {
     return text.remove(QChar::Null);
 }
 
-/// Banners of this desktop have no subtitle: it becomes the first line.
+/// Freedesktop banners have no subtitle: it becomes the first line.
 QString bodyText(const Banner& banner)
 {
     if (banner.subtitle.isEmpty() || banner.body.isEmpty())
@@ -173,7 +173,7 @@ void BusNotificationService::forgetDaemon()
 {
     ++m_generation;
     m_shown.clear();
-    // A question under way is answered by the daemon that it started, or by an error.
+    // A pending query is answered by the daemon that it started, or by an error.
     if (m_daemon == Daemon::Known)
         m_daemon = Daemon::Unknown;
 }
@@ -185,7 +185,7 @@ QHash<QString, BusNotificationService::Shown>::iterator BusNotificationService::
 
 void BusNotificationService::onActionInvoked(uint id, const QString& action)
 {
-    // Every program on the bus hears of every banner.
+    // Signals about all banners reach every program on the bus.
     const auto shown = findShown(id);
     if (shown == m_shown.end() || !m_handler)
         return;

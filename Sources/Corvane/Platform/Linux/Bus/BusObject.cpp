@@ -16,7 +16,7 @@ QDBusMessage BusObject::method(const QString& name, const QVariantList& argument
 void callAsync(const QDBusConnection& bus, const QDBusMessage& call, QObject* context,
     std::function<void(const QDBusMessage& reply)> done)
 {
-    // On a bus that is not connected a pending call never finishes, and its watcher would stay for ever.
+    // On a disconnected bus a call never finishes, and its watcher would leak.
     if (!bus.isConnected())
         return;
     auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), context);

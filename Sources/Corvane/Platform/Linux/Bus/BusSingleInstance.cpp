@@ -24,7 +24,7 @@ namespace corvane {
 
 namespace {
 
-/// How long a start waits for a running program that is just coming up, and then for its answer.
+/// How long a start waits for a running program that is still starting, and then for its answer.
 constexpr int comingUpMs = 2000;
 constexpr int answerMs = 1500;
 constexpr int endingMs = 15'000; ///< how long a program without a window may take to end
@@ -43,7 +43,7 @@ QString usualFolder()
     return account == nullptr ? QString() : QFile::decodeName(account->pw_dir) + u"/.local/share/Corvane"_s;
 }
 
-/// Lets the running program's window come to the front where the desktop asks for a reason.
+/// A token that allows the running program to raise its window, on desktops that require one.
 QString activationToken()
 {
     return qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
@@ -121,7 +121,7 @@ bool BusSingleInstance::claim(const QStringList& arguments)
             return true;
         }
         if (delivery == Delivery::Unanswered || comingUp.hasExpired()) {
-            // It may have died over the request.
+            // It may have crashed during the request.
             if (lock == Lock::HeldByAnother && takeLock() == Lock::Taken) {
                 open();
                 return true;
@@ -205,7 +205,7 @@ void BusSingleInstance::open()
     }
     if (!m_lock.isOpen())
         return;
-    // Whoever made the socket that may stand there is gone, or the lock would not be ours.
+    // An existing socket is stale, since this process holds the lock.
     QLocalServer::removeServer(m_socketPath);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server.listen(m_socketPath))
@@ -241,7 +241,7 @@ void BusSingleInstance::receive(const QStringList& arguments, const QString& tok
 {
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    // Raising a window may take its time; the other program gets its answer first.
+    // Raising a window may take long; the other program gets its answer first.
     const auto tell = [this, arguments] {
         if (arguments != giveWay)
             Q_EMIT activated(arguments);

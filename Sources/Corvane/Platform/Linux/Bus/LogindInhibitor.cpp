@@ -20,7 +20,7 @@ public:
     Lock(const QDBusConnection& bus, const QString& reason)
     {
         take(bus, u"sleep:idle"_s, reason, [this, bus, reason] {
-            // Holding back a sleep that was asked for takes a right that not every session has.
+            // Blocking a requested suspend needs a permission that not every session has.
             take(bus, u"idle"_s, reason, [] { log(u"SleepInhibitor: no lock"_s); });
         });
     }

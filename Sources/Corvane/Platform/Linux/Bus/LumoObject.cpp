@@ -14,7 +14,7 @@ namespace {
 
 constexpr qsizetype longestQuestion = 65536;
 constexpr int lookUpMs = 1500;
-constexpr int answerMs = 300'000; // a model on a slow machine thinks for minutes
+constexpr int answerMs = 300'000; // a model on a slow machine may take minutes
 
 const QString interface = u"com.nimb.corvane"_s;
 

@@ -21,7 +21,7 @@ namespace {
 const BusObject portal { u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
     u"org.freedesktop.portal.Settings"_s };
 
-/// Docks own this name while they listen for badges.
+/// Docks own this name while they support badges.
 const QString dockService = u"com.canonical.Unity"_s;
 
 const QString appearanceGroup = u"org.freedesktop.appearance"_s;
@@ -45,7 +45,7 @@ bool startOpener(const QUrl& url, mode_t umaskOfOpened)
     opener.setArguments({ url.toString(QUrl::FullyEncoded) });
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
-    // What another thread writes in this moment lies in a folder that is closed to others.
+    // Files that other threads create in this moment are in a private folder.
     const mode_t own = ::umask(umaskOfOpened);
     const bool started = !opener.program().isEmpty() && opener.startDetached();
     ::umask(own);

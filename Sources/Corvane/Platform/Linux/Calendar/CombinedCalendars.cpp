@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// What a folder holds, too, shows once.
+/// Events that are also in a folder are shown once.
 CalendarReading joined(CalendarReading reading, CalendarReading further)
 {
     QSet<QString> uids;

@@ -52,7 +52,7 @@ EvolutionCalendars::EvolutionCalendars(const QDBusConnection& bus, int answerMs)
 {
 }
 
-/// The bus itself answers, and so at once.
+/// Answered by the bus itself, so at once.
 bool EvolutionCalendars::hasService() const
 {
     if (!m_bus.isConnected())
@@ -89,7 +89,7 @@ void EvolutionCalendars::onChange()
     Q_EMIT changed();
 }
 
-/// One that ended is started again by the next reading; one that ends over and over only so often.
+/// The next reading restarts a service that exited, but not too often.
 void EvolutionCalendars::onOwnerChanged(const QString&, const QString& before, const QString&)
 {
     m_restarted = true;
@@ -161,7 +161,7 @@ CalendarReading EvolutionCalendars::readKnown(const CalendarPlaces&, qint64 from
     return reading;
 }
 
-/// What did not change is not parsed again.
+/// Only changed events are parsed again.
 Result<void> EvolutionCalendars::update(const QString& source)
 {
     const auto revision = m_service.revision(source);
@@ -186,7 +186,7 @@ Result<void> EvolutionCalendars::update(const QString& source)
     return {};
 }
 
-/// The zones that the events name and this machine does not know.
+/// The time zones that the events use and this machine does not know.
 QByteArrayList EvolutionCalendars::zonesOf(const QString& source, const QByteArray& text)
 {
     static const QRegularExpression named(u";TZID=\"?([^\":;\\r\\n]+)"_s);

@@ -57,11 +57,11 @@ private:
 
     std::mutex m_mutex; ///< for all below
     EvolutionService m_service;
-    QDeadlineTimer m_pause { 0 }; ///< until then one that did not answer is left alone
+    QDeadlineTimer m_pause { 0 }; ///< until then a service that did not answer is not called
     QHash<QString, CalendarInfo> m_sources;
     QHash<QString, Calendar> m_calendars; ///< by source
-    QHash<QByteArray, QByteArray> m_zones; ///< that the service told, by name; empty for one that it has not
-    QByteArray m_zone; ///< of the machine, in which they were read
+    QHash<QByteArray, QByteArray> m_zones; ///< from the service, by name; empty if it has none
+    QByteArray m_zone; ///< the machine's zone when they were read
     QHash<QString, QString> m_written; ///< what `add` wrote, by calendar and event
 };
 

@@ -36,7 +36,7 @@ std::unexpected<Error> noAnswer()
     return failure(u"Evolution's calendars do not answer."_s);
 }
 
-/// The object is not there any more: the service ended, and what answers now knows nothing of what was opened.
+/// The object no longer exists: the service was restarted, and its calendars must be opened again.
 bool isGone(const QDBusError& error)
 {
     return error.type() == QDBusError::UnknownObject || error.type() == QDBusError::UnknownMethod
@@ -72,7 +72,7 @@ EvolutionKeys evolutionKeys(const QString& data)
         else if (equals > 0 && !line.startsWith(u'#'))
             keys[group].insert(line.first(equals).trimmed(), unescaped(line.sliced(equals + 1).trimmed()));
         if (!group.isEmpty())
-            keys[group]; // an empty group counts, too
+            keys[group]; // an empty group is valid, too
     }
     return keys;
 }
@@ -167,7 +167,7 @@ Result<EvolutionCalendar> EvolutionService::open(const QString& source)
     return calendar;
 }
 
-/// A calendar whose service ended meanwhile is opened once more.
+/// If the service was restarted, the calendar is opened once more.
 Result<QDBusMessage> EvolutionService::ask(
     const QString& source, const QString& interface, const QString& method, const QVariantList& arguments)
 {

@@ -62,7 +62,7 @@ private:
     const int m_answerMs;
     QDeadlineTimer m_deadline;
     bool m_silent = false;
-    QStringList m_taskLists; ///< as they were told last
+    QStringList m_taskLists; ///< as last reported
     QHash<QString, EvolutionCalendar> m_open; ///< by source
 };
 

@@ -7,8 +7,8 @@ namespace corvane {
 namespace {
 
 constexpr qint64 dayMs = 86'400'000;
-constexpr qint64 aheadMs = 2 * dayMs; ///< what is followed beyond the question, so that the next one moves within it
-constexpr qint64 aroundMs = 28 * dayMs; ///< of a page: the next ones are there, too
+constexpr qint64 aheadMs = 2 * dayMs; ///< expanded beyond the request, for the next ones
+constexpr qint64 aroundMs = 28 * dayMs; ///< around a page, for its neighbours
 
 }
 

@@ -34,7 +34,7 @@ QString firstLine(const QString& path)
 
 QString colourIn(const QString& folder)
 {
-    static const QRegularExpression pattern(u"^#[0-9a-fA-F]{6}"_s); // an opacity may follow
+    static const QRegularExpression pattern(u"^#[0-9a-fA-F]{6}"_s); // an alpha value may follow
     return pattern.match(firstLine(folder + u"/color"_s)).captured();
 }
 
@@ -49,7 +49,7 @@ bool holdsFiles(const QString& folder)
     return !names.isEmpty();
 }
 
-/// A name that every file system takes.
+/// A file name that every file system accepts.
 QString fileName(const QString& uid)
 {
     static const QRegularExpression plain(u"^[A-Za-z0-9_@-][A-Za-z0-9._@-]{0,120}$"_s);
@@ -59,7 +59,7 @@ QString fileName(const QString& uid)
     return name + u".ics"_s;
 }
 
-/// Only a plain file is opened, and none is waited for.
+/// Opens regular files only, and never blocks.
 std::optional<QByteArray> contentOf(const QString& path)
 {
     const Descriptor descriptor(
@@ -71,7 +71,7 @@ std::optional<QByteArray> contentOf(const QString& path)
     QFile file;
     if (!file.open(descriptor.number(), QIODevice::ReadOnly))
         return std::nullopt;
-    return file.read(status.st_size); // a buffer of the largest size for each of thousands would cost more than they
+    return file.read(status.st_size); // thousands of buffers of the maximum size would cost more than the reads
 }
 
 Result<void> write(const QString& path, const QByteArray& content, const QString& title)
@@ -104,7 +104,7 @@ QStringList FolderCalendars::roots(const CalendarPlaces& places) const
 QList<FolderCalendars::Folder> FolderCalendars::folders(const CalendarPlaces& places) const
 {
     QList<Folder> found;
-    QSet<QString> seen; // two ways to one folder are one calendar
+    QSet<QString> seen; // two paths to one folder are one calendar
     const auto add = [&](const QString& path, const QString& id) {
         const QString real = QFileInfo(path).canonicalFilePath();
         if (real.isEmpty() || seen.contains(real) || found.size() >= mostCalendars)
@@ -163,7 +163,7 @@ void FolderCalendars::watch(const CalendarPlaces& places)
     m_watch.watch(watched);
 }
 
-/// A time that names no zone moves with that of the machine.
+/// A time without a zone follows the machine's zone.
 void FolderCalendars::useZone()
 {
     const QByteArray zone = QTimeZone::systemTimeZoneId();
@@ -204,7 +204,7 @@ CalendarReading FolderCalendars::readKnown(const CalendarPlaces& places, qint64 
     return reading;
 }
 
-/// Takes what was read of the folder, with what changed since.
+/// The files of the folder as last read, with changes since then.
 FolderCalendars::Files FolderCalendars::update(const Folder& folder, QStringList& troubles)
 {
     Files before = m_read.take(folder.path);

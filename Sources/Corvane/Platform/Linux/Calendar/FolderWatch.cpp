@@ -27,7 +27,7 @@ FolderWatch::FolderWatch(std::function<void()> changed)
 
 void FolderWatch::watch(const QStringList& folders)
 {
-    // A folder that was away is another one when it comes back, so every call looks anew.
+    // A folder that disappears and returns is a new one, so every call checks again.
     m_notifier.reset();
     m_inotify = Descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     m_names.clear();
@@ -40,7 +40,7 @@ void FolderWatch::watch(const QStringList& folders)
             look(folder, {});
             continue;
         }
-        // The nearest folder above it that is there shows it coming.
+        // Watches the nearest existing parent for its creation.
         QString missing = QDir::cleanPath(folder);
         QString above = QFileInfo(missing).path();
         while (!QFileInfo(above).isDir() && above != QFileInfo(above).path()) {

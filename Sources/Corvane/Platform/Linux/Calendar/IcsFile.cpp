@@ -17,17 +17,17 @@ namespace {
 
 constexpr int mostEvents = 50'000;
 constexpr int mostInstances = 2000;
-constexpr qint64 mostSteps = 200'000; ///< that the rules of a file may take together, about a second
+constexpr qint64 mostSteps = 200'000; ///< for all rules of a file together, about a second
 constexpr qint64 second = 1000;
 constexpr qint64 daySeconds = 86'400;
-constexpr qint64 longest = 370 * daySeconds; ///< seconds that an event lasts at most
+constexpr qint64 longest = 370 * daySeconds; ///< the maximum duration of an event in seconds
 
 bool isCancelled(icalcomponent* event)
 {
     return icalcomponent_get_status(event) == ICAL_STATUS_CANCELLED;
 }
 
-/// How many steps a rule may take to its last instance that counts.
+/// The number of steps that a rule may take to its last relevant instance.
 qint64 stepsOf(const icalrecurrencetype& rule, qint64 days)
 {
     const qint64 interval = std::max<qint64>(1, rule.interval);
@@ -47,15 +47,15 @@ struct Series {
     icalcomponent* event;
     CalendarEntry entry {}; ///< the first instance
     icaltimetype start {};
-    qint64 days = 0; ///< of one that lasts all day
-    QSet<qint64> excluded {}; ///< starts of instances that are none, or another one
+    qint64 days = 0; ///< of an all-day event
+    QSet<qint64> excluded {}; ///< starts of instances that are cancelled or replaced
     std::vector<icaltimetype> further {};
 };
 
 }
 
 struct IcsFile::State {
-    Component calendar; ///< while there is a series
+    Component calendar; ///< only for a series
     icaltimezone* local = nullptr;
     QList<CalendarEntry> singles; ///< and exceptions of series
     std::vector<Series> all;
@@ -151,7 +151,7 @@ bool IcsFile::State::read(icalcomponent* root)
                 time.month = date.month;
                 time.day = date.day;
             }
-            // Evolution leaves out the zone, which is that of the series.
+            // Evolution omits the zone, which is that of the series.
             if (!time.is_date && !time.zone && !icaltime_is_utc(time))
                 time.zone = one.start.zone;
             if (isUsable(time))
@@ -178,11 +178,11 @@ void IcsFile::State::expand(const Series& series, icalrecurrencetype rule, qint6
         time.zone = series.start.zone;
         return time;
     };
-    // Far from here nothing is looked for: a rule that never matches would be followed for centuries.
+    // Limits the search: a rule that never matches would be followed for centuries.
     const icaltimetype last = civil(toMs + daySeconds * second);
     if (icaltime_is_null_time(rule.until) || icaltime_compare(rule.until, last) > 0)
         rule.until = last;
-    // What is counted must be followed from its start.
+    // A rule with a count must be expanded from its start.
     const qint64 early = fromMs - length - 2 * daySeconds * second;
     const bool skips = rule.count == 0 && early > series.entry.startMs;
     steps -= stepsOf(rule, (toMs - (skips ? early : series.entry.startMs)) / second / daySeconds) + 1;

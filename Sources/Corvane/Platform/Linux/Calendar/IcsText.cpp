@@ -44,7 +44,7 @@ void addLine(QByteArray& text, const QByteArray& line)
 {
     for (qsizetype at = 0; at < line.size();) {
         qsizetype length = qMin(foldedLine, line.size() - at);
-        // A character is not cut.
+        // Never cuts a character.
         while (at + length < line.size() && length > 1 && (uchar(line[at + length]) & 0xC0) == 0x80)
             --length;
         text += (at == 0 ? "" : " ") + line.sliced(at, length) + "\r\n";
@@ -149,7 +149,7 @@ IcsParts icsParts(const QByteArray& text)
 {
     IcsParts parts;
     QByteArray component;
-    int depth = 0; // within the calendar
+    int depth = 0; // inside the calendar
     forEachLine(text, [&](QByteArrayView line) {
         const bool begins = startsWith(line, "BEGIN:") && !startsWith(line, "BEGIN:VCALENDAR");
         const bool ends = startsWith(line, "END:") && depth > 0;

@@ -18,7 +18,7 @@ constexpr qsizetype longestNotes = 20'000;
 constexpr int firstYear = 1900;
 constexpr int lastYear = 2200;
 
-/// Rules of a zone recur by the year; any other would be followed without an end.
+/// The rules of a zone are yearly; any other could be expanded without end.
 void makeSafe(icalcomponent* zone)
 {
     std::vector<icalproperty*> unsafe;
@@ -80,7 +80,7 @@ icaltimezone* findZone(QByteArray zone)
 {
     if (const auto windows = QTimeZone::windowsIdToDefaultIanaId(zone); !windows.isEmpty())
         zone = windows;
-    // Some programs put their own address before the zone's name: "/example.org/2023_1/Europe/Berlin".
+    // Some programs prefix the zone's name: "/example.org/2023_1/Europe/Berlin".
     for (qsizetype at = 0; at >= 0 && at < zone.size(); at = zone.indexOf('/', at + 1)) {
         const QByteArray rest = zone.mid(zone[at] == '/' ? at + 1 : at);
         if (icaltimezone* const found = rest.isEmpty() ? nullptr : icaltimezone_get_builtin_timezone(rest.constData()))
@@ -93,7 +93,7 @@ icaltimezone* findZone(QByteArray zone)
 
 icaltimezone* knownZone(const char* name)
 {
-    // Thousands of files name the same few, and finding out that there is none takes as long as finding one.
+    // Thousands of files use the same few zones, and a failed lookup costs as much as a successful one.
     static QHash<QByteArray, icaltimezone*> remembered;
     const QByteArray zone(name);
     if (zone.size() > longestZone)

@@ -19,13 +19,13 @@ namespace {
 
 using Kind = DecodeOrder::Kind;
 
-/// The last sound of a format stays open, so that the next piece of it goes on where the last one ended.
+/// The last sound of each format stays open, so that the next piece continues where the last one ended.
 struct OpenSound {
     quint64 playing = 0;
     std::unique_ptr<SoundFile> file;
 };
 
-/// One that is transcribed does not close the one that plays.
+/// A transcription does not close the sound that is playing.
 struct OpenSounds {
     OpenSound played;
     OpenSound other;
@@ -121,9 +121,9 @@ DecodeReply answer(const DecodeOrder& order, Descriptor descriptor, OpenSounds& 
 int runDecodeChild()
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // Its threads would want pipes, which the sandbox refuses.
+    // Its threads need pipes, which the sandbox refuses.
     qputenv("QT_NO_GLIB", "1");
-    // Formats are found through the application's folders.
+    // Image plugins are found through the application's folders.
     char name[] = "corvane";
     char* arguments[] { name, nullptr };
     int count = 1;
@@ -139,7 +139,7 @@ int runDecodeChild()
         if (!sendReply(socket, answer(next->first, std::move(next->second), sounds)))
             break;
     }
-    // What else would be done at the end is forbidden here.
+    // Other exit handlers would need forbidden system calls.
     ::_exit(0);
 }
 

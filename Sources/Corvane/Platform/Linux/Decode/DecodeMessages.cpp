@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-/// One message of one order, and room for one descriptor beside it.
+/// A message with one order, and room for one descriptor.
 struct Envelope {
     explicit Envelope(DecodeOrder& order)
         : content { &order, sizeof order }

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int mostChunks = 64; ///< more than any answer has
 
-/// Reaps the child once it has ended, while the program goes on; at the program's end the system does.
+/// Reaps the child once it has exited; when the program exits first, the system does.
 void reapLater(const std::shared_ptr<const Descriptor>& handle)
 {
     auto* const ended = new QSocketNotifier(handle->number(), QSocketNotifier::Read, QCoreApplication::instance());
@@ -87,7 +87,7 @@ bool DecoderProcess::isExpected(const DecodeHead& head) const
     return m_order && fitsOrder(head, *m_order);
 }
 
-/// What has arrived, but not without end from a child that never stops; false once nothing can come any more.
+/// Reads what has arrived, limited for a child that never stops; false at the end of the stream.
 bool DecoderProcess::readMore()
 {
     std::array<char, 256 * 1024> chunk;

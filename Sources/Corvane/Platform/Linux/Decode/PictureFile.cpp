@@ -14,9 +14,9 @@ namespace corvane {
 namespace {
 
 constexpr int longestEdge = 30'000;
-constexpr int thinnest = 100; ///< one edge to the other
+constexpr int thinnest = 100; ///< the maximum aspect ratio
 constexpr qint64 mostPixels = 64'000'000;
-constexpr qint64 mostJpegPixels = 120'000'000; ///< it is scaled down while it is read
+constexpr qint64 mostJpegPixels = 120'000'000; ///< scaled down while reading
 constexpr int mostMegabytes = 512; ///< of one decoded picture
 
 using Failed = std::unexpected<DecodeFailure>;
@@ -74,7 +74,7 @@ std::expected<QSize, DecodeFailure> checked(QSize size, Format format)
     return fits ? std::expected<QSize, DecodeFailure>(size) : Failed(DecodeFailure::TooManyPixels);
 }
 
-/// Which part of a picture is shown, and in which size.
+/// The part of a picture that is shown, and its size.
 struct View {
     QRect part;
     QSize size;
@@ -96,7 +96,7 @@ Pixels pixelsOf(const QImage& picture)
     return { image.size(), QByteArray(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes()) };
 }
 
-/// A still picture of the HEIF family, turned already.
+/// A still HEIF picture, already rotated.
 class Heif {
 public:
     explicit Heif(QFile& file)

@@ -18,7 +18,7 @@ namespace corvane {
 
 namespace {
 
-/// Of address space, program and libraries included.
+/// The address space, including program and libraries.
 constexpr rlim_t mostMemory = 1UL << 30;
 
 #if __has_feature(address_sanitizer)
@@ -27,7 +27,7 @@ constexpr bool isSanitized = true;
 constexpr bool isSanitized = false;
 #endif
 
-/// Sanitizers look at memory through a pipe to themselves.
+/// Sanitizers check memory through a pipe to themselves.
 constexpr std::array sanitizersCalls { SCMP_SYS(pipe), SCMP_SYS(pipe2) };
 
 constexpr std::array allowedCalls {
@@ -38,8 +38,8 @@ constexpr std::array allowedCalls {
     SCMP_SYS(writev),
     SCMP_SYS(lseek),
     SCMP_SYS(fstat),
-    SCMP_SYS(newfstatat), // fstat of newer libraries; it tells of files, and opens none
-    SCMP_SYS(statx), // fstat of Qt
+    SCMP_SYS(newfstatat), // fstat in newer libraries; it opens nothing
+    SCMP_SYS(statx), // fstat in Qt
     SCMP_SYS(close),
     SCMP_SYS(sendto),
     SCMP_SYS(recvmsg),
@@ -47,7 +47,7 @@ constexpr std::array allowedCalls {
     SCMP_SYS(mremap),
     SCMP_SYS(madvise),
     SCMP_SYS(brk),
-    SCMP_SYS(eventfd2), // of each thread that Qt scales a picture with
+    SCMP_SYS(eventfd2), // for Qt's threads that scale pictures
     SCMP_SYS(futex),
     SCMP_SYS(sched_yield),
     SCMP_SYS(sched_getaffinity),
@@ -97,11 +97,11 @@ int allowAll(void* filter)
         code = std::min(code, seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0));
     for (const int call : sanitizersCalls)
         code = std::min(code, isSanitized ? seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 0) : 0);
-    // Memory that can be run is not to be had.
+    // Executable memory is refused.
     for (const int call : { SCMP_SYS(mmap), SCMP_SYS(mprotect) })
         code = std::min(code, allowWhere(filter, call, { 2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0 }));
-    // A decoder may have threads, and no processes. The newer call hides its flags, so the library is sent to the
-    // older.
+    // A decoder may create threads but no processes. The flags of the newer call can't be checked, so the library must
+    // use the older one.
     code = std::min(code, allowWhere(filter, SCMP_SYS(clone), { 0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD }));
     return std::min(code, seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0));
 }
@@ -113,7 +113,7 @@ Result<void> enterSandbox()
     ::prctl(PR_SET_DUMPABLE, 0);
     if (const auto limited = limit(RLIMIT_CORE, 0); !limited)
         return limited;
-    // A sanitizer reserves address space by the terabyte.
+    // Sanitizers reserve terabytes of address space.
     if (const auto limited = isSanitized ? Result<void>() : limit(RLIMIT_AS, mostMemory); !limited)
         return limited;
     const std::unique_ptr<void, ReleaseFilter> filter(seccomp_init(SCMP_ACT_ERRNO(EPERM)));

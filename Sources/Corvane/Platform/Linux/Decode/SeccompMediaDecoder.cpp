@@ -58,7 +58,7 @@ MediaDecoder::Handle SeccompMediaDecoder::ask(
             answer(std::unexpected(outcome.error()));
     };
     const auto work = std::make_shared<Work>(Work { order, path, done });
-    // What is being played runs out while pictures are read.
+    // Sound comes first: playback must not run out while pictures are read.
     const bool isPlayed = order.kind == Kind::Sound && order.format.rate == SoundPiece::rate;
     m_waiting.insert(isPlayed ? m_waiting.begin() : m_waiting.end(), work);
     goOnSoon();
@@ -93,7 +93,7 @@ std::expected<SeccompMediaDecoder::OpenFile, DecodeFailure> SeccompMediaDecoder:
 {
     const QByteArray path = QFile::encodeName(work.path);
     struct stat status;
-    // To open a device may do something, so it is looked at first.
+    // Opening a device may have side effects, so the type is checked first.
     if (::lstat(path.constData(), &status) != 0)
         return std::unexpected(DecodeFailure::Missing);
     if (!S_ISREG(status.st_mode))
@@ -160,7 +160,7 @@ void SeccompMediaDecoder::give()
 {
     m_timeout = m_scheduler.after(m_limits.perFile, [this] {
         const auto late = m_current;
-        m_process->hear(); // the answer may have come while this thread was busy
+        m_process->hear(); // the answer may have arrived while this thread was busy
         if (late && m_current == late)
             loseProcess(DecodeFailure::TooSlow);
     });

@@ -16,9 +16,9 @@ namespace corvane {
 
 namespace {
 
-constexpr int settlingParts = 4; ///< of a second: a decoder that begins within a file needs some of it to be exact
+constexpr int settlingParts = 4; ///< of a second: a decoder that starts within a file needs some sound to be exact
 constexpr int bufferSize = 64 * 1024;
-constexpr qint64 wholeSeconds = 300; ///< a sound up to this is looked at from end to end
+constexpr qint64 wholeSeconds = 300; ///< shorter sounds are read completely
 constexpr int glancesPerSecond = 10;
 constexpr const char* containers = "ogg,mov,mp3,wav,aac,amr,flac,matroska,caf,aiff";
 
@@ -63,20 +63,20 @@ struct SoundFile::State {
     Input input; ///< reads through `reader`
     Codec decoder;
     AVStream* stream = nullptr;
-    Resampler resampler; ///< for frames like the last one
+    Resampler resampler; ///< for the format of the last frame
     Frame frame { av_frame_alloc() };
     Packet packet { av_packet_alloc() };
-    qint64 skip = -1; ///< up to where, after a move, what is decoded is not wanted
-    bool isPlaceKnown = true; ///< not after a move, until the first frame tells it
+    qint64 skip = -1; ///< after a seek: decoded sound before this is dropped
+    bool isPlaceKnown = true; ///< false after a seek, until the first frame
     qint64 position = 0;
     std::vector<float> ready;
     size_t taken = 0; ///< of `ready`
 
     Result<void> open();
     Result<void> openInput();
-    bool decode(); ///< one frame more; false at the end
+    bool decode(); ///< one more frame; false at the end
     bool sendPacket();
-    void resample(const AVFrame* decoded); ///< null: what the resampler still holds
+    void resample(const AVFrame* decoded); ///< null: flushes the resampler
     void dropSkipped();
     AVRational frames() const { return { 1, format.rate }; }
 };
@@ -137,7 +137,7 @@ bool SoundFile::State::decode()
     }
 }
 
-/// The decoder is told of the end of the file once, and gives out what it still holds.
+/// At the end of the file the decoder is flushed once.
 bool SoundFile::State::sendPacket()
 {
     for (;;) {
@@ -170,12 +170,12 @@ void SoundFile::State::resample(const AVFrame* decoded)
     ready.assign(samples, samples + size_t(result->nb_samples) * size_t(format.channels));
 }
 
-/// The first frame after a move says where the decoder went on; what comes before the wanted moment is left out.
+/// The first frame after a seek tells the actual position; what precedes the wanted one is dropped.
 void SoundFile::State::dropSkipped()
 {
     if (skip < 0)
         return;
-    // Once: the resampler holds some back, so that later frames are not where their times say.
+    // Only once: the resampler delays some samples, so later frames do not match their timestamps.
     if (!std::exchange(isPlaceKnown, true) && frame->best_effort_timestamp != AV_NOPTS_VALUE) {
         const qint64 start = stream->start_time == AV_NOPTS_VALUE ? 0 : stream->start_time;
         position = std::max<qint64>(0, av_rescale_q(frame->best_effort_timestamp - start, stream->time_base, frames()));
@@ -185,7 +185,7 @@ void SoundFile::State::dropSkipped()
     taken = size_t(dropped) * size_t(format.channels);
     position += dropped;
     if (position >= skip)
-        position = std::exchange(skip, -1); // a seek may go too far: then a little is missing
+        position = std::exchange(skip, -1); // a seek may overshoot; a little sound is missing then
 }
 
 SoundFile::SoundFile(std::unique_ptr<State> state)
@@ -197,7 +197,7 @@ SoundFile::~SoundFile() = default;
 
 Result<std::unique_ptr<SoundFile>> SoundFile::open(Descriptor file, SampleFormat format)
 {
-    av_log_set_level(AV_LOG_QUIET); // what fails is told by its code
+    av_log_set_level(AV_LOG_QUIET); // the result code reports the failure
     auto state = std::make_unique<State>();
     state->file = std::move(file);
     state->format = format;
@@ -274,7 +274,7 @@ SoundShape shapeOf(SoundFile& file, int count)
         }
         return shape;
     }
-    // The container's word on the length may be missing or wrong, so the parts are made when the end was seen.
+    // The container's length may be missing or wrong, so the parts are computed at the end.
     QList<float> glances;
     while (const size_t read = file.read(samples))
         glances.append(loudest({ samples.data(), read }));

@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-/// The terminal shows nothing of what is typed while this lives.
+/// Switches off the terminal's echo while it exists.
 class Unseen {
 public:
     Unseen()

@@ -50,7 +50,7 @@ void syncFolder(const QString& folder)
         ::fsync(descriptor.number());
 }
 
-/// Every folder that is made is on the disk.
+/// Each created folder is synced to disk.
 bool makePrivateFolder(const QString& folder)
 {
     if (QFileInfo(folder).isDir())
@@ -85,7 +85,7 @@ Result<qint64> copyAll(int from, int to, qint64 limit, const std::function<void(
     return ::fsync(to) == 0 ? Result<qint64>(size) : std::unexpected(errorOf(errno));
 }
 
-/// The folder itself comes last: until then a start that was cut short is made good by the next one.
+/// The folder itself comes last, so that an interrupted run is completed by the next one.
 void closeToOthers(const std::filesystem::path& folder)
 {
     namespace fs = std::filesystem;
@@ -122,7 +122,7 @@ mode_t keepFilesPrivate(const QStringList& folders)
 Result<qint64> copyPrivateFile(
     const QString& from, const QString& to, qint64 limit, const std::function<void(QByteArrayView piece)>& seen)
 {
-    // Not blocking, since the name may be a pipe's.
+    // Non-blocking, since it may be a pipe.
     const Descriptor source(::open(QFile::encodeName(from).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!source.isOpen() || ::fstat(source.number(), &status) != 0)
@@ -174,7 +174,7 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder))
         return false;
-    // mkostemp gives mode 0600 of its own accord, so that no moment exists in which others could read.
+    // mkostemp creates the file with mode 0600, so others can never read it.
     QByteArray temporary = QFile::encodeName(path) + ".XXXXXX";
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (descriptor < 0)
@@ -183,7 +183,7 @@ bool writePrivateFile(const QString& path, const QByteArray& content, Outlives o
     const bool complete = writeAll(descriptor, content) && (!waits || ::fsync(descriptor) == 0);
     const bool closed = ::close(descriptor) == 0;
     if (complete && closed && ::rename(temporary.constData(), QFile::encodeName(path).constData()) == 0) {
-        // The rename itself survives a power cut only once the folder is on the disk.
+        // The rename survives a power cut only once the folder is synced.
         if (waits)
             syncFolder(folder);
         return true;

@@ -21,7 +21,7 @@ constexpr qsizetype mostPhotos = 64 * 1024 * 1024; ///< bytes of all photos toge
 QStringList vcardsIn(const QString& folder)
 {
     QStringList paths;
-    // Files only: opening a pipe would wait for its other end.
+    // Regular files only: opening a pipe would block.
     for (const QFileInfo& file : QDir(folder).entryInfoList({ u"*.vcf"_s }, QDir::Files, QDir::Name)) {
         if (file.isFile())
             paths.append(file.filePath());

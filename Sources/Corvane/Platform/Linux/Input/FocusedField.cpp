@@ -22,7 +22,7 @@ const QString accessible = u"org.a11y.atspi.Accessible"_s;
 const QString textInterface = u"org.a11y.atspi.Text"_s;
 const QString editableText = u"org.a11y.atspi.EditableText"_s;
 
-// Of the accessibility protocol.
+// Constants of the accessibility protocol.
 constexpr quint64 active = 1ULL << 1;
 constexpr quint64 focused = 1ULL << 12;
 constexpr quint64 showing = 1ULL << 25;
@@ -33,7 +33,7 @@ struct Node {
     QString path;
 };
 
-/// A connection to the accessibility bus for as long as it takes.
+/// A temporary connection to the accessibility bus.
 class Accessibility {
 public:
     Accessibility(const QDBusConnection& session, int milliseconds)
@@ -106,7 +106,7 @@ private:
     bool m_isThere = false;
 };
 
-/// The innermost of what has the focus: what holds a focused field may say that it has it, too.
+/// The innermost focused object: containers of a focused field may report focus, too.
 std::optional<Node> focusedUnder(const Accessibility& bus, const Node& node, quint64 states, int depth)
 {
     if (depth < deepest) {
@@ -121,7 +121,7 @@ std::optional<Node> focusedUnder(const Accessibility& bus, const Node& node, qui
     return states & focused ? std::optional(node) : std::nullopt;
 }
 
-/// Programs disagree whether the length of a text counts characters or the bytes of UTF-8.
+/// Programs disagree whether lengths are in characters or in bytes of UTF-8.
 int lengthFor(const QString& toolkit, const QString& text)
 {
     return int(toolkit.compare(u"qt", Qt::CaseInsensitive) == 0 ? text.size() : text.toUtf8().size());
@@ -162,7 +162,7 @@ bool insertInto(const QDBusConnection& session, const FocusedField& field, const
         return false;
     const bool isInserted
         = firstValue(bus.call(node, editableText, u"InsertText"_s, { caret, text, lengthFor(toolkit, text) })).toBool();
-    // Some leave the cursor before what was inserted.
+    // Some programs leave the cursor before the inserted text.
     const int after = caret + int(text.toUcs4().size());
     if (isInserted && bus.property(node, textInterface, u"CaretOffset"_s).toInt() == caret)
         bus.call(node, textInterface, u"SetCaretOffset"_s, { after });

@@ -105,7 +105,7 @@ void PortalGlobalShortcuts::release(const QString& id)
     bindSoon();
 }
 
-/// One session for all that is bound and released in a turn of the event loop.
+/// One session for everything bound and released in a turn of the event loop.
 void PortalGlobalShortcuts::bindSoon()
 {
     if (!m_bus.isConnected() || std::exchange(m_isQueued, true))
@@ -202,7 +202,7 @@ void PortalGlobalShortcuts::ask(const QString& method, const QVariantList& argum
     const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
     const QString path = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
     m_awaited[path] = then;
-    // Before the call: the answer may come first.
+    // Before the call, since the answer may arrive before its reply.
     m_bus.connect(portal.service, path, requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     callAsync(m_bus, portal.method(method, arguments + QVariantList { options }), this,
         [this, path](const QDBusMessage& reply) {
@@ -271,7 +271,7 @@ void PortalGlobalShortcuts::setState(const QString& id, const GlobalShortcutStat
 
 std::unique_ptr<GlobalShortcuts> makeGlobalShortcuts()
 {
-    // An X11 grab on Wayland sees only the programs of the old kind.
+    // On Wayland an X11 grab only works while an X11 program has the focus.
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         return std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus());
     return std::make_unique<X11GlobalShortcuts>();

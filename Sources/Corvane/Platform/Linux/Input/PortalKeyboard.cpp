@@ -24,7 +24,7 @@ QString freshToken()
     return u"corvane_"_s + QUuid::createUuid().toString(QUuid::Id128);
 }
 
-/// The key symbol of a character, as X11 numbers them.
+/// The X11 key symbol of a character.
 int symbolOf(char32_t character)
 {
     constexpr int tab = 0xff09;
@@ -91,7 +91,7 @@ void PortalKeyboard::request(const QString& method, const QVariantList& argument
     const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
     m_awaited = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token);
     m_then = then;
-    // Before the call: the answer may come first.
+    // Before the call, since the answer may arrive before its reply.
     m_bus.connect(portal.service, m_awaited, requestInterface, u"Response"_s, this, SLOT(onResponse(QDBusMessage)));
     callAsync(
         m_bus, portal.method(method, arguments + QVariantList { options }), this, [this](const QDBusMessage& reply) {
@@ -110,12 +110,12 @@ void PortalKeyboard::onResponse(const QDBusMessage& response)
         return;
     if (response.arguments().at(0).toUInt() != granted) {
         closeSession();
-        return enter(State::Absent); // the user said no, and is not asked again in this run
+        return enter(State::Absent); // the user refused, and is not asked again in this run
     }
     (this->*m_then)(qdbus_cast<QVariantMap>(response.arguments().at(1)));
 }
 
-/// The user, or the desktop, took the keyboard back.
+/// The user or the desktop revoked the access.
 void PortalKeyboard::onClosed()
 {
     m_session.clear();
@@ -146,7 +146,7 @@ void PortalKeyboard::pressPaste(std::function<void(bool)> done)
     send(std::move(keys), std::move(done));
 }
 
-/// One after the other: the portal takes up several calls at once, and a key that is let go before it is pressed stays
+/// One after the other: the portal handles several calls at once, and a key released before it is pressed stays
 /// down.
 void PortalKeyboard::send(QList<QDBusMessage> keys, std::function<void(bool)> done)
 {

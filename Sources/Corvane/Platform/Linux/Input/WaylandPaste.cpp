@@ -20,16 +20,16 @@ bool isInstalled(const QString& program)
     return !QStandardPaths::findExecutable(program).isEmpty();
 }
 
-// The arguments that name each selection.
+// The arguments that select each selection.
 const QStringList clipboard;
 const QStringList primary { u"--primary"_s };
 
-/// What the program prints, or nothing if it fails or takes too long.
+/// The output of the program; nothing if it fails or takes too long.
 std::optional<QByteArray> output(const QString& program, const QStringList& arguments, const QByteArray& input = {})
 {
     QProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
-    if (program == copy) // it stays in the background and holds what it inherits
+    if (program == copy) // it stays in the background and would keep inherited descriptors open
         process.setStandardOutputFile(QProcess::nullDevice());
     process.start(program, arguments);
     process.write(input);
@@ -80,7 +80,7 @@ std::optional<KeptSelections> lendSelections(const QString& text)
     const SelectionContent content { plainText, text.toUtf8() };
     if (!put(clipboard, content))
         return std::nullopt;
-    put(primary, content); // not every desktop has one
+    put(primary, content); // not every desktop has a primary selection
     return kept;
 }
 

@@ -31,7 +31,7 @@ InsertionWay WaylandTextInsertion::way() const
     return hasClipboardTools() && hasKeyTool() ? InsertionWay::PasteKeys : InsertionWay::None;
 }
 
-/// The question whether the program may type comes before the text does: its window takes the focus.
+/// Permission to type is requested before there is a text, since the desktop's dialog takes the focus.
 void WaylandTextInsertion::aim()
 {
     m_background.run<std::optional<FocusedField>>([session = m_session] { return findFocusedField(session); },
@@ -92,7 +92,7 @@ void WaylandTextInsertion::paste()
         [this](const std::optional<KeptSelections>& kept) {
             if (!kept)
                 return end(InsertionOutcome::Missed);
-            if (!m_kept) // else the text before this one stands there
+            if (!m_kept) // otherwise it still contains our previous text
                 m_kept = kept;
             if (m_keyboard.state() == PortalKeyboard::State::Granted)
                 m_keyboard.pressPaste([this](bool isPressed) { onPressed(isPressed); });

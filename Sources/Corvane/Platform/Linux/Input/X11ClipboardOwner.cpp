@@ -13,7 +13,7 @@ constexpr qsizetype largestKept = 64 << 20;
 constexpr qsizetype requestHead = 64;
 constexpr uint8_t typeBits = 0x7f;
 
-// Forms that describe the selection or act on its owner; they hold nothing that could be kept.
+// Targets that describe the selection or act on its owner: there is no content to save.
 const QList<QByteArray> noContent { "TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS", "DELETE", "INSERT_SELECTION",
     "INSERT_PROPERTY" };
 const QList<QByteArray> textForms { "UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "STRING" };
@@ -37,7 +37,7 @@ X11ClipboardOwner::X11ClipboardOwner(const QByteArray& display)
 
 X11ClipboardOwner::~X11ClipboardOwner() = default;
 
-/// With the first text; again after a server that went.
+/// Connects for the first text, and again after the server exited.
 void X11ClipboardOwner::start()
 {
     if (m_connection)
@@ -71,11 +71,11 @@ bool X11ClipboardOwner::lend(const QByteArray& selection, const QByteArray& text
         const xcb_atom_t target = atomNamed(m_connection.get(), form);
         m_items.append({ target, target, 8, form == "STRING" ? QString::fromUtf8(text).toLatin1() : text });
     }
-    // Programs that keep a history of the clipboard leave out what is only lent.
+    // Clipboard managers skip content with this mark.
     const xcb_atom_t hint = atomNamed(m_connection.get(), "x-kde-passwordManagerHint");
     m_items.append({ hint, hint, 8, "secret" });
     m_isLent = own(atom);
-    read(); // what came between the answers raises no notification
+    read(); // events read together with answers raise no notification
     return m_isLent;
 }
 
@@ -85,7 +85,7 @@ void X11ClipboardOwner::giveBack()
         return;
     m_items = std::exchange(m_kept, {});
     if (!m_items.isEmpty()) {
-        own(m_selection); // again, so that whoever watches the selection looks at it
+        own(m_selection); // again, so that clipboard managers notice it
     } else {
         xcb_set_selection_owner(m_connection.get(), XCB_NONE, m_selection, XCB_CURRENT_TIME);
         m_selection = 0;
@@ -96,7 +96,7 @@ void X11ClipboardOwner::giveBack()
 void X11ClipboardOwner::leave()
 {
     if (std::exchange(m_isLent, false))
-        m_items.removeLast(); // it is no longer lent
+        m_items.removeLast(); // the text now stays
     m_kept.clear();
 }
 
@@ -154,7 +154,7 @@ std::optional<X11ClipboardOwner::Item> X11ClipboardOwner::convert(
     return item;
 }
 
-/// Reading the property away tells an owner who sends pieces to go on.
+/// Deleting the property asks the owner for the next piece.
 std::optional<X11ClipboardOwner::Item> X11ClipboardOwner::readProperty()
 {
     constexpr uint32_t words = largestKept / 4;
@@ -187,7 +187,7 @@ bool X11ClipboardOwner::readPieces(Item& item, const QDeadlineTimer& deadline)
     return false;
 }
 
-/// Handles what else comes in the meantime. Null if the deadline or the connection ends first.
+/// Handles other events in the meantime. Null on a timeout or if the connection ends.
 X11ClipboardOwner::Event X11ClipboardOwner::await(
     const QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted)
 {
@@ -266,7 +266,7 @@ void X11ClipboardOwner::answer(const xcb_selection_request_event_t& request)
 void X11ClipboardOwner::close()
 {
     m_notifier->setEnabled(false);
-    m_notifier.release()->deleteLater(); // its own signal may be what brought us here
+    m_notifier.release()->deleteLater(); // this may run inside its signal
     m_connection.reset();
     m_selection = 0;
     m_isLent = false;

@@ -9,7 +9,7 @@
 #include <xcb/xcb_keysyms.h>
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wkeyword-macro"
-#define explicit explicit_ // the header uses the word as a name
+#define explicit explicit_ // a keyword of C++ that the header uses as a name
 #include <xcb/xkb.h>
 #undef explicit
 #pragma clang diagnostic pop
@@ -43,7 +43,7 @@ uint32_t symbolOf(int key)
     return namedKeys.value(key, 0);
 }
 
-/// A held key sends no releases in between.
+/// Key repeat without release events.
 void askForDetectableRepeat(xcb_connection_t* connection)
 {
     constexpr uint16_t major = 1;
@@ -101,7 +101,7 @@ void X11GlobalShortcuts::bind(const GlobalShortcut& shortcut)
     grab.shortcut = shortcut;
     grabFirstFree(grab);
     Q_EMIT stateChanged(shortcut.id);
-    read(); // what came between the answers raises no notification
+    read(); // events read together with answers raise no notification
 }
 
 void X11GlobalShortcuts::release(const QString& id)
@@ -204,7 +204,7 @@ void X11GlobalShortcuts::handleKey(const xcb_key_press_event_t& event, bool isPr
         if (!grab.codes.contains(event.detail) || grab.isDown == isPress || (isPress && !isHeld))
             continue;
         grab.isDown = isPress;
-        const QString id = grab.shortcut.id; // a receiver may bind and release
+        const QString id = grab.shortcut.id; // a receiver may bind and release shortcuts
         if (isPress)
             Q_EMIT pressed(id);
         else

@@ -36,7 +36,7 @@ xcb_window_t X11Screen::front() const
         return 0;
     if (const xcb_window_t active = numberIn(property(m_root, m_activeWindow, XCB_ATOM_WINDOW)); active != 0)
         return active;
-    // Without a window manager.
+    // Used without a window manager.
     const XcbReply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(m_connection.get(), xcb_get_input_focus(m_connection.get()), nullptr));
     return focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != m_root ? focus->focus : 0;
@@ -110,7 +110,7 @@ QList<xcb_keycode_t> X11Screen::codesOf(const QList<xcb_keysym_t>& symbols) cons
 {
     if (!m_connection)
         return {};
-    // Read anew, as the layout may have changed.
+    // Read each time, as the layout may have changed.
     const std::unique_ptr<xcb_key_symbols_t, void (*)(xcb_key_symbols_t*)> keyboard(
         xcb_key_symbols_alloc(m_connection.get()), xcb_key_symbols_free);
     QList<xcb_keycode_t> codes;

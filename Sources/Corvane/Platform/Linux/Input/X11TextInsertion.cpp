@@ -9,11 +9,11 @@ namespace corvane {
 
 namespace {
 
-constexpr Milliseconds focusTime { 120 }; ///< that a program needs to be in front
+constexpr Milliseconds focusTime { 120 }; ///< for a program to get the focus
 constexpr Milliseconds keyPoll { 20 };
 constexpr int keyPolls = 100;
-constexpr Milliseconds pasteTime { 1000 }; ///< within which a program asks for the clipboard
-constexpr Milliseconds giveBackTime { 300 }; ///< some ask for it twice
+constexpr Milliseconds pasteTime { 1000 }; ///< for the program to request the clipboard
+constexpr Milliseconds giveBackTime { 300 }; ///< some programs request it twice
 
 // From X11/keysymdef.h.
 constexpr xcb_keysym_t shiftKey = 0xffe1;
@@ -21,13 +21,13 @@ constexpr xcb_keysym_t controlKey = 0xffe3;
 constexpr xcb_keysym_t insertKey = 0xff63;
 constexpr xcb_keysym_t letterV = 'v';
 
-/// They paste the clipboard with Ctrl+Shift+V, as Ctrl+V is a character there.
+/// Terminals that paste the clipboard with Ctrl+Shift+V, as Ctrl+V is a character there.
 const QSet<QString> terminals { u"gnome-terminal-server"_s, u"gnome-terminal"_s, u"konsole"_s, u"yakuake"_s,
     u"xfce4-terminal"_s, u"mate-terminal"_s, u"lxterminal"_s, u"qterminal"_s, u"terminator"_s, u"tilix"_s, u"guake"_s,
     u"kitty"_s, u"alacritty"_s, u"ghostty"_s, u"com.mitchellh.ghostty"_s, u"org.wezfurlong.wezterm"_s, u"kgx"_s,
     u"ptyxis"_s, u"deepin-terminal"_s, u"contour"_s };
 
-/// They know the selection of the mouse alone, with Shift+Insert.
+/// Terminals that only paste the primary selection, with Shift+Insert.
 const QSet<QString> oldTerminals { u"xterm"_s, u"uxterm"_s, u"urxvt"_s, u"rxvt"_s, u"st-256color"_s, u"st"_s,
     u"mlterm"_s };
 
@@ -62,7 +62,7 @@ void X11TextInsertion::insert(const QString& text, Done done)
         return;
     }
     if (m_timer)
-        m_clipboard.giveBack(); // of the text before this one
+        m_clipboard.giveBack(); // of the previous text
     m_text = text;
     m_done = std::move(done);
     m_isPressed = false;
@@ -104,7 +104,7 @@ void X11TextInsertion::lend()
     });
 }
 
-/// What the user still holds of the hot key would be pressed with ours.
+/// Modifiers that the user still holds would combine with our keys.
 void X11TextInsertion::pressOnceKeysAreUp(int tries)
 {
     const bool isHeld = m_screen.isModifierHeld();
@@ -121,7 +121,7 @@ void X11TextInsertion::pressOnceKeysAreUp(int tries)
 void X11TextInsertion::onTaken()
 {
     if (!m_isPressed)
-        return; // by a program that watches the clipboard
+        return; // read by a clipboard manager
     m_timer = m_scheduler.after(giveBackTime, [this] {
         m_timer.reset();
         m_targetIsGone ? m_clipboard.leave() : m_clipboard.giveBack();
@@ -159,7 +159,7 @@ X11TextInsertion::PasteKeys X11TextInsertion::pasteKeys() const
         if (terminals.contains(name))
             return { Selection::Clipboard, { controlKey, shiftKey, letterV } };
     }
-    // A layout without the letter is no hindrance to the older keys.
+    // Shift+Insert works on layouts without the letter.
     if (!m_screen.hasKey(letterV))
         return { Selection::Clipboard, { shiftKey, insertKey } };
     return { Selection::Clipboard, { controlKey, letterV } };

@@ -13,9 +13,9 @@ struct XcbDisconnect {
 using XcbConnection = std::unique_ptr<xcb_connection_t, XcbDisconnect>;
 
 struct XcbFree {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc): xcb gives it so
+    void operator()(void* reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc): allocated by xcb
 };
-/// What xcb answers with: a reply, an event or an error.
+/// A reply, event or error from xcb.
 template <typename Reply> using XcbReply = std::unique_ptr<Reply, XcbFree>;
 
 /// Null if no X server answers. An empty display is the one of the environment.

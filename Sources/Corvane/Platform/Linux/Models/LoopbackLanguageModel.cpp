@@ -17,7 +17,7 @@ namespace {
 constexpr Milliseconds lookPeriod = std::chrono::seconds(30);
 constexpr Milliseconds longestLookPeriod = std::chrono::minutes(2);
 constexpr HttpLimits lookLimits { std::chrono::seconds(2), 1024 * 1024 };
-// A large model on a small machine takes its time to read a long prompt; whoever waits can cancel.
+// A large model on a small machine is slow with long prompts; the user can cancel.
 constexpr HttpLimits answerLimits { std::chrono::minutes(10), 4 * 1024 * 1024 };
 
 QNetworkRequest request(const QUrl& url)
@@ -47,7 +47,7 @@ LoopbackLanguageModel::~LoopbackLanguageModel()
     m_end.cancel();
 }
 
-/// Ever less often where there is nothing: another program at a usual port is not to be bothered for ever.
+/// Less and less often without a server, so as not to bother another program on that port forever.
 void LoopbackLanguageModel::lookAgainAfter(Milliseconds pause)
 {
     m_lookAgain = m_scheduler.after(pause, [this, pause] {
@@ -116,7 +116,7 @@ QCoro::Task<> LoopbackLanguageModel::refresh()
     Q_EMIT availabilityChanged();
 }
 
-/// The first server that can answer, else the reason of the first that is there at all.
+/// The first server that can answer, else the reason from the first one that exists.
 QCoro::Task<LoopbackLanguageModel::Known> LoopbackLanguageModel::look(QStringList servers)
 {
     const CancelHandle end = m_end;
@@ -137,7 +137,7 @@ QCoro::Task<LoopbackLanguageModel::Known> LoopbackLanguageModel::look(QStringLis
     co_return best.value_or(Known { {}, {}, u"No model server answers at %1."_s.arg(servers.join(u" or "_s)) });
 }
 
-/// Nothing if nobody answers.
+/// Nothing without an answer.
 QCoro::Task<std::optional<LoopbackLanguageModel::Known>> LoopbackLanguageModel::lookAt(QUrl base)
 {
     const CancelHandle end = m_end;

@@ -13,8 +13,8 @@ namespace {
 
 using Contract = ModelServer::Contract;
 
-/// As much as a model is given to read and write at once. A server gives little unless it is asked for more, and
-/// loads the model anew at each change, so there are few steps.
+/// The context sizes to request. A server's default is small, and it
+/// reloads the model at each change, so there are few steps.
 int contextSize(const ModelQuestion& question)
 {
     constexpr int charactersPerToken = 3;
@@ -27,8 +27,8 @@ int contextSize(const ModelQuestion& question)
     return size;
 }
 
-/// `json` with the properties of the schema in the order in which it requires them: a model writes them in the order
-/// in which they are listed, and an object keeps none.
+/// `json` with the schema's properties in the order of "required": a model writes them in the listed order, and a
+/// QJsonObject has none.
 QByteArray inOrder(const QByteArray& json, const QJsonObject& schema)
 {
     QJsonObject left = schema["properties"_L1].toObject();
@@ -64,7 +64,7 @@ QString words(const ModelServer& server, const QString& what)
     return u"The model server at %1 %2"_s.arg(server.base.toString(), what);
 }
 
-/// What the server says of its refusal: a text, or an object with a message.
+/// The server's error: a text, or an object with a message.
 QString refusal(const HttpReply& reply)
 {
     const QJsonValue error = jsonObject(reply.body).value_or(QJsonObject())["error"_L1];
@@ -81,7 +81,7 @@ Result<QJsonObject> objectIn(const HttpReply& reply, const ModelServer& server)
     return object ? Result<QJsonObject>(*object) : failure(words(server, u"gave an unreadable answer."_s));
 }
 
-/// Ollama names the host that it passes texts on to, and tags such models.
+/// For models on another host, Ollama reports that host and a tag.
 bool runsElsewhere(const QJsonObject& model, const QString& name)
 {
     const QString tag = name.section(u':', 1);
@@ -158,7 +158,7 @@ QByteArray chatBody(const ModelQuestion& question, Contract contract)
         if (question.schema)
             body[u"format"_s] = *question.schema;
     } else if (question.schema) {
-        // The flat form, with the schema beside the type, is passed over without a word.
+        // The flat form, with the schema beside the type, would be ignored silently.
         const QJsonObject named { { u"name"_s, u"answer"_s }, { u"strict"_s, true },
             { u"schema"_s, *question.schema } };
         body[u"response_format"_s] = QJsonObject { { u"type"_s, u"json_schema"_s }, { u"json_schema"_s, named } };

@@ -111,7 +111,7 @@ void ChildInput::close()
     if (!m_pipe.isOpen())
         return;
     m_room->setEnabled(false);
-    // A reading end does not keep the pipe open for the child, and nothing is written any more.
+    // A read end does not keep the pipe open for the child, and nothing more is written.
     const QByteArray path = "/proc/self/fd/" + QByteArray::number(m_pipe.number());
     m_closedPipe = Descriptor(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     m_pipe.close();

@@ -19,7 +19,7 @@ namespace {
 
 constexpr size_t chunkLimit = 64 * 1024;
 
-/// What an event of epoll is about, in its 64 bits: the child and which of its two descriptors.
+/// The 64 bits of an epoll event's data: the child, and which of its two descriptors.
 enum class Source : quint64 { Output, Handle };
 constexpr quint64 ordersTag = ~quint64(0);
 
@@ -30,8 +30,8 @@ quint64 tagOf(quint64 id, Source source)
 
 }
 
-/// What other threads ask of the reading thread. Chunks keep it alive, so that one may be let go of at any
-/// time and anywhere.
+/// Requests of other threads to the reading thread. Chunks keep it alive, so that they may be destroyed at
+/// any time on any thread.
 class ChildReader::Orders {
 public:
     struct Addition {
@@ -72,7 +72,7 @@ private:
     Batch m_batch;
 };
 
-/// Lets the launcher read on once the chunk that it belongs to is gone.
+/// Lets the launcher continue reading once its chunk is destroyed.
 class ChildReader::Hold {
 public:
     Hold(std::shared_ptr<Orders> orders, quint64 id)
@@ -121,7 +121,7 @@ private:
         WholeLines lines;
         bool chunkIsOut = false;
         std::optional<int> exitCode = std::nullopt;
-        size_t leftAfterExit = 0; ///< what the child itself had left in the pipe when it ended
+        size_t leftAfterExit = 0; ///< bytes left in the pipe when the child exited
     };
 
     void watch(int operation, const Descriptor& descriptor, quint64 tag, quint32 events)
@@ -185,7 +185,7 @@ void ChildReader::Loop::obeyOrders()
 void ChildReader::Loop::noticeEnd(Child& child)
 {
     child.exitCode = reapChild(*child.handle);
-    // A process that the child left behind may hold the pipe open for ever, and go on writing.
+    // A process that the child left behind may keep the pipe open and continue writing.
     int waiting = 0;
     if (child.output.isOpen() && ::ioctl(child.output.number(), FIONREAD, &waiting) == 0)
         child.leftAfterExit = static_cast<size_t>(waiting);

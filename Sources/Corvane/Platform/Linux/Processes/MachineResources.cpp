@@ -17,7 +17,7 @@
 #include <sys/stat.h>
 #include <vector>
 
-// glibc 2.36 forgets to declare these as C.
+// glibc 2.36 lacks the C linkage of these declarations.
 extern "C" {
 #include <sys/pidfd.h>
 }
@@ -27,11 +27,11 @@ namespace corvane {
 namespace {
 
 constexpr size_t longestStat = 2048;
-constexpr size_t longestCommandLine = 4096; // what a row can show, and where the program's name stands
+constexpr size_t longestCommandLine = 4096; // enough for a row, and for the program's name
 
 constexpr quint64 kernelThread = 0x00200000; // PF_KTHREAD
 
-/// The start of a file below the folder, in one read.
+/// Reads the start of a file below the folder at once.
 template <size_t size> QByteArrayView startOf(int folder, const QByteArray& path, std::array<char, size>& buffer)
 {
     const Descriptor file(::openat(folder, path.constData(), O_RDONLY | O_CLOEXEC));
@@ -88,7 +88,7 @@ QString oneLine(QByteArrayView commandLine)
     return line.trimmed();
 }
 
-/// What this program knows of itself, to tell others by.
+/// This program's own process, to compare others with.
 struct Own {
     uid_t user = ::getuid();
     qint64 terminal = 0;
@@ -121,14 +121,14 @@ std::optional<RunningProcess> processIn(
     std::array<char, longestCommandLine> commandLine;
     const auto stat = statIn(startOf(folder, place + "/stat", statText));
     if (!stat || (quint64(stat->number(9)) & kernelThread) != 0)
-        return std::nullopt; // or it has ended meanwhile
+        return std::nullopt; // or it has exited
     const RunningProcess* const known = before.value(place.toLongLong());
     const bool same = known && known->startTime == stat->startTime() && known->kernelName == stat->name
         && !known->arguments.isEmpty();
     const QString arguments = same ? known->arguments : oneLine(startOf(folder, place + "/cmdline", commandLine));
     const qint64 pages = stat->number(24);
     if (pages == 0 && arguments.isEmpty())
-        return std::nullopt; // it has ended, and nobody took notice yet
+        return std::nullopt; // exited, but not reaped yet
     RunningProcess process;
     process.pid = place.toLongLong();
     process.startTime = stat->startTime();
@@ -150,7 +150,7 @@ quint64 kilobytes(const QByteArray& meminfo, const char* key)
                   : meminfo.sliced(at + qsizetype(std::strlen(key)) + 2).simplified().split(' ').first().toULongLong();
 }
 
-/// What zswap and zram hold, as it was before it was compressed.
+/// The content of zswap and zram before compression.
 quint64 compressedBytes(const QString& root)
 {
     quint64 bytes = kilobytes(systemFile(root + u"/proc/meminfo"_s), "Zswapped") * 1024;
@@ -200,7 +200,7 @@ Result<ResourceReading> readResources(const QString& root, const QList<RunningPr
         }
         return found;
     };
-    // The kernel's answers are nearly all of the cost, so two threads ask.
+    // System calls dominate the cost, so two threads share them.
     const std::span<const QByteArray> all(places);
     auto rest = std::async(std::launch::async, processesIn, all.subspan(all.size() / 2));
     reading.processes = processesIn(all.first(all.size() / 2));
@@ -212,7 +212,7 @@ bool askToEnd(qint64 pid, quint64 startTime)
 {
     if (pid <= 0 || pid > std::numeric_limits<pid_t>::max())
         return false;
-    // Opened before the start is compared: the signal then reaches that process or none.
+    // Opened before the start time is compared, so that the signal can only reach that process.
     const Descriptor handle(::pidfd_open(pid_t(pid), 0));
     const QByteArray text = systemFile(u"/proc/%1/stat"_s.arg(pid));
     const auto stat = statIn(text);

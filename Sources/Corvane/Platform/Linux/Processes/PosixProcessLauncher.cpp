@@ -25,7 +25,7 @@ void settleSignals()
     ::signal(SIGCHLD, SIG_DFL);
 }
 
-/// A pipe must not take the number of a standard stream that this process was started without.
+/// If this process was started without a standard stream, no pipe must get its number.
 void fillStandardStreams()
 {
     for (;;) {
@@ -76,9 +76,9 @@ public:
     }
 
     const Descriptor& handle() const { return *m_handle; }
-    const QDeadlineTimer& killDeadline() const { return m_killDeadline; } ///< of one that was asked to end
+    const QDeadlineTimer& killDeadline() const { return m_killDeadline; } ///< after `terminate`
 
-    /// The process is gone, or the launcher goes; whoever still holds this child holds an empty shell.
+    /// The process has exited, or the launcher is destroyed; remaining references do nothing.
     void markEnded()
     {
         m_isRunning = false;
@@ -109,7 +109,7 @@ PosixProcessLauncher::PosixProcessLauncher(Scheduler& scheduler)
 
 PosixProcessLauncher::~PosixProcessLauncher()
 {
-    // The reading ends go first: a child that waits for room in its pipe could not hear the request to end.
+    // The read ends are closed first: a child blocked on a full pipe could not react to the request.
     m_reader.reset();
     for (const Entry& entry : std::as_const(m_running))
         entry.child->terminate();

@@ -21,7 +21,7 @@ namespace {
 
 constexpr qsizetype errorsLimit = 16 * 1024;
 
-/// The end of what a tool wrote, where it says why it gave up, from the start of a character on.
+/// The end of a tool's output, where the error usually is, starting at a whole character.
 class Errors {
 public:
     void append(QByteArrayView bytes)
@@ -51,11 +51,11 @@ private:
     QByteArray m_bytes;
 };
 
-/// Reads what is there. Closes the descriptor where nothing can come any more.
+/// Reads what is available; closes the descriptor at the end of the stream.
 void drain(Descriptor& pipe, const std::function<void(QByteArrayView)>& use)
 {
     std::array<char, 16 * 1024> buffer;
-    // Not to the last byte: a writer that never stops must not keep this loop from hearing of anything else.
+    // Limited, so that a writer that never stops does not block other events.
     for (int rounds = 0; rounds < 8; ++rounds) {
         const ssize_t count = ::read(pipe.number(), buffer.data(), buffer.size());
         if (count > 0)
@@ -67,7 +67,7 @@ void drain(Descriptor& pipe, const std::function<void(QByteArrayView)>& use)
     }
 }
 
-/// Everything that happens on a tool's thread.
+/// The thread of a tool.
 ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
 {
     Errors errors;
@@ -75,7 +75,7 @@ ToolEnd follow(SpawnedChild tool, const Descriptor& stop)
         drain(tool.output, [](QByteArrayView) { });
         drain(tool.errors, [&](QByteArrayView bytes) { errors.append(bytes); });
     };
-    // While its leader has not been reaped, the group's number belongs to nobody else.
+    // The group's number cannot be reused before its leader is reaped.
     const auto leader = static_cast<pid_t>(tool.pid);
     const auto killAll = [&] {
         ::kill(-leader, SIGSTOP);

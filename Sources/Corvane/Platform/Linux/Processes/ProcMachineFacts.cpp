@@ -44,7 +44,7 @@ SystemVersion versionIn(const QString& release)
     return { match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt() };
 }
 
-/// Whether a kernel of that name runs programs of this build as they are.
+/// Whether a kernel of that architecture runs this build natively.
 bool isTranslated(const QString& kernelArchitecture)
 {
     const auto family = [](const QString& name) {
@@ -55,7 +55,7 @@ bool isTranslated(const QString& kernelArchitecture)
     return !kernelArchitecture.isEmpty() && family(kernelArchitecture) != family(QSysInfo::buildCpuArchitecture());
 }
 
-/// What a zone's heat means, by its own trip points; without any it means nothing.
+/// Rates a zone's temperature by its own trip points; zones without any are ignored.
 ThermalState heatOf(const QString& zone)
 {
     const int heat = word(zone + u"/temp"_s).toInt();
@@ -66,7 +66,7 @@ ThermalState heatOf(const QString& zone)
         if (type.isEmpty())
             return state;
         const int limit = word(trip + u"temp"_s).toInt();
-        // A trip point that is switched off stands at 0 or below.
+        // A disabled trip point is 0 or below.
         if (limit <= 0 || heat < limit)
             continue;
         const auto reached = type == "critical"_L1 || type == "hot"_L1 ? ThermalState::Critical
@@ -84,8 +84,8 @@ ThermalState hottest(const QString& root)
     return state;
 }
 
-/// What the machine was built with. The total of /proc/meminfo lacks what firmware and kernel keep for themselves,
-/// which makes 8 GiB look like less.
+/// The installed memory. The total of /proc/meminfo excludes what firmware and kernel reserve, so 8 GiB would look
+/// like less.
 quint64 physicalMemory(const QString& root)
 {
     const QString blocks = root + u"/sys/devices/system/memory"_s;
@@ -107,12 +107,12 @@ qint64 freeDisk(const QString& folder)
     return static_cast<qint64>(volume.f_bavail) * static_cast<qint64>(volume.f_frsize);
 }
 
-/// The mains where they are connected; a battery by what it is doing.
+/// Mains power if connected; a battery by its state.
 QString stateOfSupply(const QString& supply)
 {
     if (word(supply + u"/type"_s) != "Battery"_L1)
         return word(supply + u"/online"_s) == "1"_L1 ? onMains : QString();
-    // A mouse's battery says nothing of the machine.
+    // Ignores batteries of devices such as a mouse.
     if (word(supply + u"/scope"_s) == "Device"_L1)
         return {};
     const QString status = word(supply + u"/status"_s);

@@ -49,7 +49,7 @@ bool holdsOneOf(const QSet<QByteArray>& inodes, const QString& processFolder)
     return false;
 }
 
-/// The user with whose rights the process acts, or nothing if the process has gone.
+/// The effective user of the process; nothing if it has exited.
 std::optional<quint32> effectiveUser(const QString& processFolder)
 {
     for (const QByteArray& line : systemFile(processFolder + u"/status"_s).split('\n')) {
@@ -100,7 +100,7 @@ qint64 ProcPortHolders::ownProcessId()
 
 void ProcPortHolders::terminate(qint64 pid)
 {
-    // 0 and below would mean whole groups of processes.
+    // 0 and negative numbers address process groups.
     if (pid > 1)
         ::kill(static_cast<pid_t>(pid), SIGTERM);
 }

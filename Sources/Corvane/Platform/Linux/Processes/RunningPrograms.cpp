@@ -33,7 +33,7 @@ QList<RunningProgram> runningPrograms(const QString& procFolder)
     QList<RunningProgram> programs;
     for (const QString& name : QDir(procFolder).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString folder = procFolder + u'/' + name;
-        // Of other users' programs the link can't be read.
+        // The link of another user's program can't be read.
         QString binary = QFileInfo(QFileInfo(folder + u"/exe"_s).symLinkTarget()).fileName();
         if (binary.isEmpty() || !name.front().isDigit())
             continue;

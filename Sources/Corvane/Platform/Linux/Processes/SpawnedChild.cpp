@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <vector>
 
-// glibc 2.36 forgets to declare these as C.
+// glibc 2.36 lacks the C linkage of these declarations.
 extern "C" {
 #include <sys/pidfd.h>
 }
@@ -52,7 +52,7 @@ void makeNonBlocking(const Descriptor& descriptor)
     ::fcntl(descriptor.number(), F_SETFL, ::fcntl(descriptor.number(), F_GETFL) | O_NONBLOCK);
 }
 
-/// A stream of the child: a pipe or a socket, or while it is not open the null device.
+/// A stream of the child: a pipe or socket, or the null device if it is not open.
 class Stream {
 public:
     enum class Ours { Reads, Writes };
@@ -79,7 +79,7 @@ public:
         return true;
     }
 
-    /// A file that is nowhere on the disk: unlike a pipe it takes any length at once.
+    /// A file in memory: unlike a pipe it accepts any length at once.
     bool openWith(const QByteArray& content)
     {
         m_childs = Descriptor(::memfd_create("input", MFD_CLOEXEC));
@@ -100,7 +100,7 @@ public:
     Descriptor takeOwn() { return std::move(m_own); }
 
 private:
-    /// Out of the way of the numbers that the child's ends get, one after the other.
+    /// Above the descriptor numbers that the child's ends will get.
     bool moveUp()
     {
         constexpr int aboveAllPlaces = 16;
@@ -222,7 +222,7 @@ int reapChild(const Descriptor& handle)
 {
     siginfo_t info {};
     const auto child = static_cast<id_t>(handle.number());
-    // While its leader has not been reaped, the group's number belongs to nobody else.
+    // The group's number cannot be reused before its leader is reaped.
     if (::waitid(P_PIDFD, child, &info, WEXITED | WNOWAIT) == 0)
         ::kill(-info.si_pid, SIGKILL);
     ::waitid(P_PIDFD, child, &info, WEXITED);

@@ -10,7 +10,7 @@
 #include <set>
 #include <sys/stat.h>
 
-// glibc 2.36 forgets to declare these as C.
+// glibc 2.36 lacks the C linkage of these declarations.
 extern "C" {
 #include <sys/pidfd.h>
 }
@@ -61,7 +61,7 @@ pid_t parentOf(pid_t pid)
     return status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ').value(1).toInt();
 }
 
-/// Of a pipe both ends are one file; which of them a descriptor is stands in the rights of its link.
+/// Both ends of a pipe are one file; the permissions of a descriptor's link tell them apart.
 bool writesTo(pid_t pid, const std::set<Identity>& pipes)
 {
     const QString folder = folderOf(pid) + u"/fd"_s;
@@ -81,7 +81,7 @@ void killStrays(pid_t root, const std::array<const Descriptor*, 2>& pipes)
 {
     const std::set<Identity> ends = identities(pipes);
     std::set<pid_t> strays { root };
-    // Whoever is found is stopped at once, so that it starts no other behind our back.
+    // Each process is stopped as soon as it is found, so that it cannot start others.
     for (bool isComplete = false; !isComplete;) {
         isComplete = true;
         for (const pid_t pid : processes()) {
@@ -103,7 +103,7 @@ int signalMarked(const QByteArray& variable, int signal)
 {
     int count = 0;
     for (const pid_t pid : processes()) {
-        // Opened before the environment is read: the signal goes to whoever that environment belongs to.
+        // Opened before the environment is read, so that the signal reaches the same process.
         const Descriptor handle(pid == ::getpid() ? -1 : ::pidfd_open(pid, 0));
         if (!handle.isOpen())
             continue;

@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-// A signal handler may touch nothing but this pipe.
+// A signal handler may only write to this pipe.
 int wakePipe[2] = { -1, -1 };
 
 void wake(int signalNumber)

@@ -27,7 +27,7 @@ const SecretSchema* schema()
     return made;
 }
 
-/// Asked before the first call, because a missing bus would be looked for in ways of its own.
+/// Checked before the first call, because the library searches for a missing bus in other ways.
 bool hasSessionBus()
 {
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
@@ -54,8 +54,8 @@ Failure failureOf(const GError* error)
     return Failure::Failed;
 }
 
-/// A keyring that was restarted knows nothing of the session with its predecessor, so a failure is answered by one
-/// more attempt over a new session.
+/// A restarted keyring does not know the session with its predecessor, so a failed call is repeated once over a new
+/// session.
 std::optional<Failure> failureIn(GCancellable* cancellable, const std::function<void(GError**)>& attempt)
 {
     std::optional<Failure> failure;
@@ -73,8 +73,8 @@ std::optional<Failure> failureIn(GCancellable* cancellable, const std::function<
     return failure;
 }
 
-/// Whether the collection that secrets go to is unlocked, after asking the user where that is wished, which `unlock`
-/// then no longer is. A locked one shows nothing of what it holds. One that does not exist yet counts as unlocked.
+/// Whether the default collection is unlocked, after asking the user if `unlock` says so, which it then no longer does.
+/// A locked one hides its content; one that does not exist yet counts as unlocked.
 bool isUnlocked(Unlock& unlock, GCancellable* cancellable, GError** error)
 {
     const std::shared_ptr<SecretService> keyring(
@@ -167,7 +167,7 @@ Outcome readSecrets(Unlock unlock, GCancellable* cancellable)
     return allUnlocked ? Outcome(secrets) : std::unexpected(Failure::Locked);
 }
 
-/// The session bus that the keyring's library will use, kept from ending this process when the bus ends.
+/// The session bus that the library will use, set not to exit this process when the bus closes.
 std::shared_ptr<GDBusConnection> sessionBus(GCancellable* cancellable)
 {
     GDBusConnection* const bus = hasSessionBus() ? g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr) : nullptr;
@@ -180,7 +180,7 @@ std::shared_ptr<GDBusConnection> sessionBus(GCancellable* cancellable)
 }
 
 struct DesktopKeyring::Worker {
-    using Job = std::function<std::function<void()>(GCancellable*, bool hasBus)>; ///< gives what is to be told at home
+    using Job = std::function<std::function<void()>(GCancellable*, bool hasBus)>; ///< returns the callback
 
     static void run(std::shared_ptr<Worker> worker)
     {
@@ -193,7 +193,7 @@ struct DesktopKeyring::Worker {
         }
     }
 
-    /// Waits for one; none at the end.
+    /// Waits for the next job; none at the end.
     Job next()
     {
         std::unique_lock lock(mutex);
@@ -213,7 +213,7 @@ struct DesktopKeyring::Worker {
     }
 
     const std::shared_ptr<GCancellable> cancellable { g_cancellable_new(), g_object_unref };
-    QObject* const home = new QObject; ///< deleted at the end, with what is still to be told
+    QObject* const home = new QObject; ///< deleted at the end, with pending calls
     std::mutex mutex;
     std::condition_variable wakeUp;
     std::deque<Job> jobs;
@@ -223,7 +223,7 @@ struct DesktopKeyring::Worker {
 DesktopKeyring::DesktopKeyring()
     : m_worker(std::make_shared<Worker>())
 {
-    // Detached: a service that hangs must not keep the program from ending.
+    // Detached, since a service that hangs must not block the exit.
     std::thread(Worker::run, m_worker).detach();
 }
 

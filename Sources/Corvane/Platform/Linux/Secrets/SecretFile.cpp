@@ -20,7 +20,7 @@ namespace {
 
 const QString service = u"com.nimb.corvane"_s;
 
-/// Makes the folder where it is missing, and shuts it to others. False if it is not ours.
+/// Creates the folder if necessary, and makes it private. False if it belongs to someone else.
 bool closeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
@@ -30,7 +30,7 @@ bool closeFolder(const QString& path)
     return folder.isOpen() && ::fchmod(folder.number(), S_IRWXU) == 0;
 }
 
-/// An ordinary file of this user that nobody else may write. One that others may read is shut to them.
+/// A regular file of this user that nobody else may write. One that others may read is made private.
 bool isTrusted(const Descriptor& file)
 {
     struct stat status {};
@@ -41,7 +41,7 @@ bool isTrusted(const Descriptor& file)
     return (status.st_mode & (S_IRWXG | S_IRWXO)) == 0 || ::fchmod(file.number(), S_IRUSR | S_IWUSR) == 0;
 }
 
-/// Nothing if a file stands that is not to be trusted.
+/// Nothing if the file cannot be trusted.
 std::optional<QJsonObject> readTrusted(const QString& path)
 {
     const Descriptor descriptor(
@@ -54,7 +54,7 @@ std::optional<QJsonObject> readTrusted(const QString& path)
     return jsonObject(file.readAll());
 }
 
-/// A text is the secret itself, true stands for the keyring, null for a removal.
+/// A text is the secret itself, true means the keyring, null a removal.
 SecretPlace placeFrom(const QJsonValue& value)
 {
     if (value.isString())

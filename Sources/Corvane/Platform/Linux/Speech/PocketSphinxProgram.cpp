@@ -17,8 +17,8 @@ QString pocketSphinxExecutable()
                                                           : QString();
 }
 
-/// An utterance comes as a line of its words, then a line a word: "john 0.630 1.000 0.929128", in seconds. Where it
-/// understood nothing the first line is empty.
+/// An utterance is a line with all its words, then one line per word: "john 0.630 1.000 0.929128", in seconds. The
+/// first line is empty if nothing was understood.
 void hear(const QString& line, QList<HeardSpeech>& heard)
 {
     static const QRegularExpression word(uR"(^(\S+) (\d+\.\d{3}) (\d+\.\d{3}) \d\.\d+$)"_s);

@@ -14,7 +14,7 @@ namespace {
 constexpr int mostThreads = 8; ///< more do not make it faster
 constexpr int unreadableModel = 3; ///< the exit code
 
-/// whisper.cpp's command line tool stands beside the program, under a name of its own.
+/// whisper.cpp's command line tool is installed next to the program, under its own name.
 QString whisperExecutable()
 {
     const QFileInfo file(QCoreApplication::applicationDirPath() + u"/corvane-whisper"_s);
@@ -29,7 +29,7 @@ qint64 timeOf(const QRegularExpressionMatch& match, int first)
     return ((part(0) * 60 + part(1)) * 60 + part(2)) * 1000 + part(3);
 }
 
-/// "[00:00:00.000 --> 00:00:05.120]   What was said." A line of another form goes on with the text before it.
+/// "[00:00:00.000 --> 00:00:05.120]   What was said." Any other line continues the previous text.
 void hear(const QString& line, QList<HeardSpeech>& heard)
 {
     static const QRegularExpression stretch(

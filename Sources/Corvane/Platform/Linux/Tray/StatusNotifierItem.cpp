@@ -90,7 +90,7 @@ TrayToolTip StatusNotifierItem::toolTip() const
 
 void StatusNotifierItem::Activate(int x, int y)
 {
-    // Raising a window may take its time; the panel gets its answer first.
+    // Raising a window may take long; the panel gets its answer first.
     QMetaObject::invokeMethod(this, [this, at = QPoint(x, y)] { Q_EMIT activated(at); }, Qt::QueuedConnection);
 }
 

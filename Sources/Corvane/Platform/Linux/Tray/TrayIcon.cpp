@@ -11,7 +11,7 @@ constexpr QColor accent(0x2F, 0x5F, 0xE0);
 constexpr QColor unreadDot(0xE5, 0x48, 0x3A);
 constexpr QColor waitingDot(0xF2, 0xA9, 0x3B);
 
-/// The head on a field of 64 by 64: a round bubble whose tail is the beak.
+/// The head on a 64 by 64 grid: a round bubble whose tail is the beak.
 QPainterPath head()
 {
     QPainterPath skull;

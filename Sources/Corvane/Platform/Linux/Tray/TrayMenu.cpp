@@ -10,7 +10,7 @@ namespace {
 
 constexpr int rootId = 0;
 
-/// Menus take an underscore for the mark of an access key.
+/// In menus an underscore marks an access key.
 QString menuLabel(QString label)
 {
     return label.replace(u'_', u"__"_s);
@@ -103,7 +103,7 @@ bool TrayMenu::handleEvent(int id, const QString& event)
     if (!contains(id))
         return false;
     if (id != rootId && event == u"clicked"_s) {
-        // What an item does may take its time, or end the program; the panel gets its answer first.
+        // An item's action may take long, or quit the program; the panel gets its answer first.
         QMetaObject::invokeMethod(
             this, [this, item = m_items.at(id - m_firstId).id] { Q_EMIT itemChosen(item); }, Qt::QueuedConnection);
     }
