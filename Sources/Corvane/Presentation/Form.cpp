@@ -36,7 +36,7 @@ QHash<QString, QString> Form::values() const
 void Form::setFields(const QList<FieldSpec>& specs, const QHash<QString, QString>& values)
 {
     m_fields.clear();
-    Q_EMIT fieldsChanged(); // the window lets go of the old ones, even if the new ones are as many
+    Q_EMIT fieldsChanged(); // the window must release the old ones, even if their number stays the same
     for (const FieldSpec& spec : specs) {
         FormField* const field = m_fields.emplace_back(new FormField(spec, this)).get();
         field->fill(values.value(spec.id));

@@ -10,8 +10,8 @@
 
 namespace corvane {
 
-/// A sheet in which a person fills in a list of fields and submits them. `FormSheet.qml` shows it. A class derived from
-/// it spells out `corvane::Form`: only then does qmllint of Qt 6.4 find the properties of the base.
+/// A sheet with a list of fields that the user fills in and submits. `FormSheet.qml` shows it. Derived classes must
+/// name `corvane::Form` in full: only then does qmllint of Qt 6.4 find the properties of the base.
 class Form : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
@@ -31,17 +31,17 @@ public:
     virtual QString title() const = 0;
     virtual QString hint() const { return {}; } ///< Markdown
     virtual QString buttonLabel() const = 0;
-    virtual bool complete() const = 0; ///< it holds what submitting needs
+    virtual bool complete() const = 0; ///< everything needed for submitting is there
     virtual bool busy() const { return false; }
-    virtual QString message() const { return {}; } ///< what goes on, what to decide, or what failed
-    virtual QString messageKind() const; ///< "plain", "warn" or "bad", which it is unless a form says otherwise
+    virtual QString message() const { return {}; } ///< progress, a question, or an error
+    virtual QString messageKind() const; ///< "plain", "warn" or "bad"; by default "bad"
 
     int fieldCount() const { return int(m_fields.size()); }
     Q_INVOKABLE corvane::FormField* fieldAt(int index) const { return m_fields.at(size_t(index)).get(); }
-    FormField& field(const QString& id) const; ///< there must be one
-    QHash<QString, QString> values() const; ///< by the fields' ids
+    FormField& field(const QString& id) const; ///< it must exist
+    QHash<QString, QString> values() const; ///< by field id
 
-    Q_INVOKABLE virtual void submit() = 0; ///< nothing while it is not complete
+    Q_INVOKABLE virtual void submit() = 0; ///< no effect while it is incomplete
     Q_INVOKABLE virtual void cancel() { close(); }
     Q_INVOKABLE virtual void close() = 0;
 
@@ -50,12 +50,13 @@ Q_SIGNALS:
     void fieldsChanged();
 
 protected:
-    /// Replaces the fields. `values` holds what they contain at first, by their ids.
+    /// Replaces the fields. `values` are their initial texts, by field id.
     void setFields(const QList<FieldSpec>& specs, const QHash<QString, QString>& values = {});
     virtual void edited() { Q_EMIT changed(); } ///< the text of a field changed
 
 private:
-    /// Gone later: the window lets go of them first. They have a parent, so QML does not own what `fieldAt` returns.
+    /// Deleted later, after the window has released them. They have a parent, so that QML does not own what `fieldAt`
+    /// returns.
     std::vector<std::unique_ptr<FormField, QScopedPointerDeleteLater>> m_fields;
 };
 

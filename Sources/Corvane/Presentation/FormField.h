@@ -9,8 +9,8 @@ struct FieldSpec {
     QString id;
     QString label;
     QString placeholder = {};
-    bool masked = false; ///< shows dots in place of what is typed
-    bool folded = false; ///< belongs to the part of the form that is folded at first
+    bool masked = false; ///< shows dots instead of the text
+    bool folded = false; ///< in the part of the form that is folded initially
     bool narrow = false; ///< shares a row with other narrow fields
     int minimumLines = 1;
     int maximumLines = 1; ///< more than one: the text may have line breaks, and its box grows
@@ -18,7 +18,7 @@ struct FieldSpec {
     bool operator==(const FieldSpec&) const = default;
 };
 
-/// A field of a form: what it asks for, and what it holds.
+/// A field of a form: what it asks for, and its text.
 class FormField : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString id READ id CONSTANT)
@@ -49,7 +49,7 @@ public:
     const QString& text() const { return m_text; }
     QString trimmed() const { return m_text.trimmed(); }
     bool readOnly() const { return m_readOnly; }
-    bool isTyped() const { return m_typed; } ///< the text came from the person
+    bool isTyped() const { return m_typed; } ///< the user typed the text
 
     void type(const QString& text) { set(text, true); }
     void fill(const QString& text) { set(text, false); }
