@@ -29,10 +29,10 @@ public:
     bool operator==(const ConnectFlow&) const = default;
 };
 
-/// One flow a channel, in the channels' order.
+/// One flow per channel, in the order of the channels.
 const QList<ConnectFlow>& connectFlows();
 
-// The words of a sheet that changes an account.
+// The texts of a sheet that changes an account.
 QString editTitle(const QString& accountName);
 QString saveLabel();
 
@@ -45,7 +45,7 @@ struct ConnectRequest {
 
 using ConnectValues = QHash<QString, QString>; ///< by the id of the field
 
-/// Nothing while the sheet's rule does not hold. The values are trimmed first. E-mail has a form of its own.
+/// Nothing while the values are invalid. They are trimmed first. E-mail has a form of its own.
 std::optional<ConnectRequest> connectRequest(Channel channel, const ConnectValues& values);
 
 /// The values from which `connectRequest` made this secret.

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Connects a channel by what it asks for in its fields, or changes that for an account.
+/// Connects a channel with the values of its fields, or changes those of an account.
 class ConnectForm final : public corvane::Form {
     Q_OBJECT
 public:
@@ -22,7 +22,7 @@ public:
     void open(const ConnectFlow& flow);
     void edit(const Account& account);
     void submit() override;
-    void close() override; ///< what was typed is forgotten
+    void close() override; ///< discards what was typed
 
 Q_SIGNALS:
     void added(const QUuid& accountId);

@@ -21,7 +21,7 @@ QString domainOf(const QString& address)
     return address.mid(address.lastIndexOf(u'@') + 1).toLower();
 }
 
-/// As `QProcess::splitCommand` reads it.
+/// The inverse of `QProcess::splitCommand`.
 QString commandLine(const QStringList& command)
 {
     QStringList words;
@@ -187,7 +187,7 @@ void MailForm::submit()
         findServers();
 }
 
-/// What is wrong with what was typed; empty if nothing is.
+/// What is wrong with the input; empty if it is valid.
 QString MailForm::problem() const
 {
     for (const Account& account : m_setup.accounts.accounts()) {
@@ -233,7 +233,7 @@ void MailForm::goOn()
     const auto isUsed = [this](const QString& host) {
         return m_imap.value()->host == host || m_smtp.value()->host == host;
     };
-    m_found.strangers.removeIf([&](const QString& host) { return !isUsed(host); }); // the person named another
+    m_found.strangers.removeIf([&](const QString& host) { return !isUsed(host); }); // the user entered another
     if (m_found.strangers.isEmpty())
         return trySignIn();
     m_serversShown = true;

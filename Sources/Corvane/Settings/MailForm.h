@@ -31,9 +31,9 @@ public:
     QList<Choice> securities() const;
     QString security() const; ///< the id of one of them
     QString securityLabel() const;
-    void setSecurity(const QString& id); ///< a usual port changes with it
+    void setSecurity(const QString& id); ///< a default port is adapted
 
-    /// What it says; nothing while no host is there. A missing port is the usual one, a wrong one is 0.
+    /// The entered server; nothing without a host. A missing port becomes the default one, an invalid one 0.
     std::optional<MailServer> value() const;
     void fill(const std::optional<MailServer>& server);
 
@@ -49,8 +49,8 @@ private:
     bool m_startTls = false;
 };
 
-/// Connects a mailbox, or changes how one is signed in to. It finds the servers of an address, lets the person correct
-/// them, tries the sign-in, and keeps only what worked.
+/// Connects a mailbox, or changes how to sign in to it. It finds the servers of an address, lets the user correct them,
+/// tries the sign-in, and stores only what worked.
 class MailForm final : public corvane::Form {
     Q_OBJECT
     Q_PROPERTY(corvane::MailServerForm* imap READ imap CONSTANT)
@@ -66,24 +66,24 @@ public:
     QString title() const override;
     QString hint() const override;
     QString buttonLabel() const override;
-    bool complete() const override; ///< an address, and something to sign in with
+    bool complete() const override; ///< has an address, and a password or token command
     bool busy() const override { return m_stage == Stage::Finding || m_stage == Stage::Trying; }
     QString message() const override { return m_message; }
     QString messageKind() const override;
     MailServerForm* imap() { return &m_imap; }
     MailServerForm* smtp() { return &m_smtp; }
     QString serversLabel() const { return u"Server settings"_s; }
-    QString serversText() const; ///< in short, for while they are folded
+    QString serversText() const; ///< a summary for when they are folded
     bool serversShown() const { return m_serversShown; }
     void setServersShown(bool shown);
 
     void open();
     void edit(const Account& account);
 
-    /// Goes on: finds the servers, or takes those that were asked about, tries the sign-in, and connects.
+    /// The next step: finds the servers, or accepts the confirmed ones, tries the sign-in, and connects.
     void submit() override;
-    void cancel() override; ///< ends what goes on; where nothing does, closes the sheet
-    void close() override; ///< what was typed is forgotten
+    void cancel() override; ///< cancels the running step; without one, closes the sheet
+    void close() override; ///< discards what was typed
 
 private:
     enum class Stage { Closed, Asking, Finding, NeedsToken, Confirming, Trying, Failed };
@@ -107,8 +107,8 @@ private:
     Stage m_stage = Stage::Closed;
     QString m_message;
     QUuid m_accountId; ///< of the account that is changed; null for a new one
-    QJsonObject m_others; ///< what its secret says besides
-    FoundMailServers m_found; ///< its strangers are those that the person has not confirmed
+    QJsonObject m_others; ///< other members of its secret
+    FoundMailServers m_found; ///< its strangers are those that the user has not confirmed
     QString m_foundFor; ///< the domain whose servers are filled in
     bool m_serversShown = false;
 };

@@ -8,7 +8,7 @@ class Scheduler;
 class SessionStore;
 class WebSync;
 
-/// A channel or shop that the web account is connected with.
+/// A channel or shop connected to the web account.
 class IntegrationLine {
     Q_GADGET
     Q_PROPERTY(QString name MEMBER name)
@@ -24,7 +24,7 @@ public:
     bool operator==(const IntegrationLine&) const = default;
 };
 
-/// What the web account has: its workspaces, one of which is in use, and its integrations.
+/// The web account's workspaces, one of which is in use, and its integrations.
 class WebSettings : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
