@@ -26,17 +26,17 @@ namespace {
 
 struct TextCommand {
     QStringList words;
-    QString arguments; ///< as the help names them
+    QString arguments; ///< as shown in the help
     QString what;
     qsizetype least = 0;
     qsizetype most = 0;
-    int (*run)(const TextCall& call) = nullptr; ///< none if the running program is told, or started
+    int (*run)(const TextCall& call) = nullptr; ///< none for commands that notify or start the program
 };
 
 constexpr qsizetype any = 1'000'000;
 constexpr int wrongUse = 2;
 
-/// What is piped in; a person at a terminal who gives nothing is not waited for.
+/// Piped input; does not wait for input from a terminal.
 QByteArray pipedIn()
 {
     QFile input;

@@ -12,7 +12,7 @@ namespace corvane {
 
 namespace {
 
-/// One of the palette alone, which shows the workspace first.
+/// A command of the palette only, which shows the workspace first.
 Command devCommand(Screens& screens, const QString& id, const QString& action, const std::function<void()>& run)
 {
     Command command { .id = id };

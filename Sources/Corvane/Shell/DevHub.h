@@ -9,18 +9,18 @@ namespace corvane {
 class CorvaneApp;
 class Screens;
 
-/// What a workspace stands on; the screens outlive it.
+/// What a workspace uses; the screens outlive it.
 DevDesk devDesk(CorvaneApp& app, Screens& screens, const WorkConsoleContext& console);
 
-/// What the browser of the workspace stands on; the screens outlive it.
+/// What the browser of the workspace uses; the screens outlive it.
 BrowserView::Surroundings devBrowser(CorvaneApp& app, Screens& screens);
 
 QList<Command> devCommands(Screens& screens);
 
-/// An item of the board in the workspace, or the board of that context.
+/// Shows an item on the workspace's board, or the board of that context.
 void showDevWork(Screens& screens, const QString& contextId, const QString& itemId);
 
-/// In the workspace's browser; false where this machine has none.
+/// Opens the address in the workspace's browser; false if this machine has none.
 bool showInBrowser(Screens& screens, const QString& address);
 
 void showTerminals(Screens& screens); ///< the Dev hub with its terminals in front

@@ -36,7 +36,7 @@ void openFound(Screens& screens, const FoundRecord& record, const QString& words
         return openInPane(screens, record, u"notes"_s);
     case SearchGroup::Deals:
         if (record.personId.isEmpty())
-            return screens.shell.selectHub(u"gtm"_s); // the pipeline of all deals
+            return screens.shell.selectHub(u"gtm"_s); // shows the pipeline of all deals
         return openInPane(screens, record, u"deals"_s);
     case SearchGroup::Tasks:
         return openInPane(screens, record, u"tasks"_s);

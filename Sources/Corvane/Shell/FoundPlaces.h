@@ -6,8 +6,8 @@ namespace corvane {
 
 class Screens;
 
-/// Opens what a search found where it is: the call at the words, the person's notes, the event on its day, the work in
-/// its hub. What belongs to nobody and has no screen opens nothing.
+/// Opens a search result in its place: a call at the words, a person's notes, an event on its day, work in its hub.
+/// Does nothing for a result without a person or a screen.
 void openFound(Screens& screens, const FoundRecord& record, const QString& words);
 
 }

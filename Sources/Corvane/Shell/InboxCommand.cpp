@@ -38,7 +38,7 @@ constexpr int usualLimit = 30;
 constexpr int mostPeople = 100'000;
 constexpr int snippetLength = 60;
 
-/// The database of a profile that is there, and the options that these commands share.
+/// The database of an existing profile, and the options that these commands share.
 class Inbox {
 public:
     Inbox(const TextCall& call, const QString& name, const QList<QCommandLineOption>& more = {})
@@ -59,7 +59,7 @@ public:
             LocalDB::SchemaFolders { call.paths.resources, call.paths.home }, scheduler, defaults, nobody);
     }
 
-    /// The exit code of a call that goes no further; says why.
+    /// Prints the error and returns the exit code.
     std::optional<int> refusal(const char* usage)
     {
         if (!isUnderstood) {
@@ -138,7 +138,7 @@ QJsonObject jsonOf(const FoundRecord& record)
         { u"detail"_s, record.detail }, { u"text"_s, record.text } };
 }
 
-/// The arguments as they are typed in the search field, where a value of several words is quoted.
+/// The arguments as they would be typed in the search field, where a value of several words is quoted.
 QString typedSearch(const QStringList& arguments)
 {
     QStringList typed;
@@ -152,7 +152,7 @@ QString typedSearch(const QStringList& arguments)
     return typed.join(u' ');
 }
 
-/// Whom the words mean: an id, a name, or a part of one that fits a single person.
+/// The person meant by the words: an id, a name, or a part of a name that matches only one person.
 std::optional<ContactRow> findPerson(LocalDB& db, const QString& words, QTextStream& errors)
 {
     if (const auto person = fetchContact(db, words))
@@ -262,7 +262,7 @@ int searchInbox(const TextCall& call)
         inbox.printJson(array);
         return code;
     }
-    SearchGroup printed = SearchGroup::Messages; // whose lines need no heading
+    SearchGroup printed = SearchGroup::Messages; // messages need no heading
     const auto print = [&](SearchGroup group, qint64 ts, const QString& title, const QString& text) {
         if (std::exchange(printed, group) != group)
             call.out << coloured(groupLabel(group) + u':', TextColour::Faint) << '\n';

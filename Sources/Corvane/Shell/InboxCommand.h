@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-// The inbox at the terminal, beside the program. What strangers wrote is printed without the characters that steer a
-// terminal. 1, too, where nothing was found.
+// The inbox in a terminal; may run beside the program. Texts of others are printed without terminal control characters.
+// The exit code is also 1 if nothing was found.
 
 int listPeople(const TextCall& call); ///< `corvane list [--all] [--limit N] [--json]`
 int showPerson(const TextCall& call); ///< `corvane show [--limit N] [--json] PERSON`

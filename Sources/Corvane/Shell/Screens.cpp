@@ -27,7 +27,7 @@ namespace corvane {
 
 namespace {
 
-/// What the checks looks at; of the secrets, those of mailboxes, which say where their servers are.
+/// What the checks examine; of the secrets only those of mailboxes, which contain their servers.
 CheckedProfile profileToCheck(CorvaneApp& app)
 {
     CheckedProfile profile = checkedProfile(app.paths(), app.defaults(), app.scheduler().nowMs());

@@ -8,7 +8,7 @@ namespace corvane {
 
 struct AppPaths;
 
-/// What a command of the terminal gets. It returns the exit code: 0, 1 where it failed, 2 for wrong use.
+/// The input of a terminal command. The exit code is 0, 1 on failure, or 2 for wrong usage.
 struct TextCall {
     const AppPaths& paths;
     QStringList arguments; ///< after the words of the command
