@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// A pattern for `LIKE ? ESCAPE '\'`: the text stands somewhere, its own % and _ for themselves.
+/// A pattern for `LIKE ? ESCAPE '\'` that finds the text anywhere; its own % and _ are literal.
 inline QString containing(QString text)
 {
     for (const QChar special : { u'\\', u'%', u'_' })

@@ -16,7 +16,7 @@ constexpr int mostNames = 400; ///< that are asked for; messages under more of t
 constexpr qsizetype firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
 constexpr qsizetype mostQuick = 1000; ///< times that are checked before it is better to ask for fewer
 
-/// The indexed names that meet a LIKE pattern.
+/// The indexed names that match a LIKE pattern.
 QStringList names(SqlConnection& index, const QString& column, const QString& pattern)
 {
     return index.rows(uR"(SELECT name FROM name WHERE "column"=? AND name LIKE ? ESCAPE '\' LIMIT ?;)"_s,
@@ -91,7 +91,7 @@ Expression expressionOf(SqlConnection& database, SqlConnection& index, const Sea
     return expression;
 }
 
-/// The times of at least the newest `limit` hits among the documents that meet the expression.
+/// The times of at least the newest `limit` hits among the documents that match the expression.
 QList<qint64> timesByIndex(
     SqlConnection& database, SqlConnection& index, const SearchQuery& query, const Expression& expression, int limit)
 {
@@ -128,7 +128,7 @@ QList<qint64> timesByIndex(
     return found;
 }
 
-/// Whether the index knows every message up to `newest`, a rowid of the database.
+/// Whether the index contains every message up to `newest`, a rowid of the database.
 bool isComplete(SqlConnection& database, SqlConnection& index, qint64 newest)
 {
     return indexValue(index, u"complete"_s).value_or(0) != 0
@@ -145,7 +145,7 @@ std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConne
     const auto run = [&index](const QString& sql) {
         index.visitRows(sql, {}, [](const SqlRow&) { return false; });
     };
-    run(u"BEGIN;"_s); // what the index says of itself and what it finds are of one moment
+    run(u"BEGIN;"_s); // one snapshot for the index's state and its results
     const qint64 newest = indexValue(index, u"rowid"_s).value_or(0);
     const bool complete = isComplete(database, index, newest);
     const Expression expression = complete ? expressionOf(database, index, query) : Expression();

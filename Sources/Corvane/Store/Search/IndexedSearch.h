@@ -5,12 +5,12 @@
 
 namespace corvane {
 
-/// The rows of `searchMessages`, in its order, by the index; nothing where it cannot answer: it is being built, or
-/// nothing in the query is rare enough to look for. `changed` are rows that the index does not know as they are.
+/// The same rows as `searchMessages`, found by the index. Nothing if the index cannot answer: it is still being built,
+/// or the query contains nothing rare enough. `changed` are rows that the index has not taken in yet.
 std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
     int limit, const MessageChanges::Rows& changed);
 
-/// How much of the messages the index covers while it is being built, else nothing.
+/// The percentage of messages that the index covers while it is being built, else nothing.
 std::optional<int> percentBuilt(SqlConnection& index);
 
 }

@@ -66,7 +66,7 @@ FoundRecords findRecords(SqlConnection& db, const SearchQuery& query, const Sear
         }
         found.failed = found.failed || (db.failure() != 0 && db.failure() != SQLITE_ERROR);
     }
-    // Work is the last group, and the only one of several tables. A decision stands below what it is about.
+    // Work is the last group, and the only one with several tables. A decision follows the item that it is about.
     const auto work = std::ranges::find(found.records, SearchGroup::Work, &FoundRecord::group);
     const qsizetype others = work - found.records.begin();
     const auto rank = [](const FoundRecord& record) {

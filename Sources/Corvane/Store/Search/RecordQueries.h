@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// Something else than a message that a search found.
+/// A search result other than a message.
 struct FoundRecord {
     SearchGroup group = SearchGroup::Work;
     QString kind; ///< "call", "transcript", "note", "deal", "task", "event", "context", "item", "decision", "ask", ...
@@ -15,7 +15,7 @@ struct FoundRecord {
     QString contextId; ///< of work; may be empty
     QString title;
     QString detail; ///< a person, a state, a place
-    QString text; ///< a piece of a longer text, where the words stand if they stand there
+    QString text; ///< an excerpt of the text, around the words if it contains them
     qint64 ts = 0; ///< milliseconds since the epoch
 
     bool operator==(const FoundRecord&) const = default;
@@ -33,8 +33,8 @@ struct SearchScope {
     int limit = 0; ///< of each group
 };
 
-/// In the order of the groups, and in each the newest first; events by how near they are, one of each title. Reads each
-/// table once. Tables that are not there hold nothing.
+/// By group, newest first within each; events by how near they are, one per title. Reads each table once. Missing
+/// tables are empty.
 FoundRecords findRecords(SqlConnection& db, const SearchQuery& query, const SearchScope& scope);
 
 }

@@ -6,7 +6,7 @@ namespace corvane {
 
 namespace {
 
-/// A piece of a long text, around the words if they stand in it.
+/// An excerpt of a long text, around the words if it contains them.
 #define PIECE(column)                                                                                                  \
     "CASE WHEN instr(lower(" column "), lower(?4)) > 61 THEN char(8230) ELSE '' END || "                               \
     "substr(" column ", max(1, instr(lower(" column "), lower(?4)) - 60), 300)"
@@ -15,7 +15,7 @@ const QString ofPerson = u"LEFT JOIN contact p ON p.id=r.contact_id"_s;
 const QString living = u"\nWHERE r.workspace_id=?1 AND r.deleted_at IS NULL"_s;
 const QString person = u"p.display_name"_s;
 
-/// Work records hold their times as ISO 8601.
+/// Work records store ISO 8601 times.
 constexpr const char* workTime = "COALESCE(CAST(strftime('%s', r.updated_at) AS INTEGER), 0) * 1000";
 
 RecordSource call()
@@ -35,7 +35,7 @@ RecordSource call()
         { person }, { u"r.title"_s }, u"r.started_at"_s, u"ORDER BY r.started_at DESC, r.rowid DESC"_s };
 }
 
-/// Of a call the first part that holds the words.
+/// For a call, the first part that contains the words.
 RecordSource transcript()
 {
     return { SearchGroup::Transcripts,
@@ -103,7 +103,7 @@ RecordSource task()
         u"ORDER BY r.updated_at DESC, r.rowid DESC"_s };
 }
 
-/// Of a series the instance that is nearest.
+/// For a series, the nearest instance.
 RecordSource event()
 {
     return { SearchGroup::Events,
@@ -121,7 +121,7 @@ RecordSource event()
         u"GROUP BY r.title ORDER BY min(abs(r.start_ms - ?2))"_s };
 }
 
-/// The modules that the window shows.
+/// The modules that have a hub.
 const QString shownModule = u"r.module IN ('lumo','gtm','cx','ops','dev')"_s;
 
 RecordSource work(const char* table, std::initializer_list<Column<FoundRecord>> columns, const QString& joins,

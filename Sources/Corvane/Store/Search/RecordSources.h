@@ -5,13 +5,13 @@
 
 namespace corvane {
 
-/// A table that a search looks through. Its statement may use the parameters ?1, the workspace; ?2, now; ?4, the text.
+/// A table that is searched. Its statement may use the parameters ?1, the workspace; ?2, now; ?4, the text.
 struct RecordSource {
     SearchGroup group;
     Table<FoundRecord> table;
-    QString joins; ///< up to the conditions that always hold
-    QStringList words; ///< columns that may hold the text
-    QStringList people; ///< columns that name somebody
+    QString joins; ///< including the conditions that always apply
+    QStringList words; ///< columns that may contain the text
+    QStringList people; ///< columns with names of people
     QStringList places;
     QString time; ///< in milliseconds since the epoch
     QString order;

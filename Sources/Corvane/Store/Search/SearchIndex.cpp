@@ -14,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int form = 2; ///< another number makes older files begin anew
+constexpr int form = 2; ///< files with another number are rebuilt
 constexpr int stepRows = 4000;
 constexpr int sweepRows = 4000;
 constexpr qint64 slotsOfTime = 1LL << documentSlotBits;
@@ -53,7 +53,7 @@ SearchIndex::SearchIndex(const QString& path, const Stopped& stopped)
     : SqlConnection(path)
     , m_isStopped(stopped)
 {
-    QFile file(path); // readable by its owner alone from the first byte on
+    QFile file(path); // readable only by its owner from the first byte on
     if (file.open(QIODevice::Append))
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     file.close();
@@ -62,7 +62,7 @@ SearchIndex::SearchIndex(const QString& path, const Stopped& stopped)
     sqlite3_busy_timeout(m_db, busyMs);
     sqlite3_progress_handler(m_db, stepsBetweenLooks, isStopped, const_cast<std::atomic<bool>*>(m_isStopped.get()));
     run("PRAGMA journal_mode=WAL;");
-    run("PRAGMA synchronous=NORMAL;"); // what a power cut takes is taken in again
+    run("PRAGMA synchronous=NORMAL;"); // what a power cut loses is indexed again
     if (numberOf(*this, u"PRAGMA user_version;"_s) != form)
         startAnew();
 }
@@ -111,7 +111,7 @@ void SearchIndex::startAnew()
         run(QByteArray("DROP TABLE IF EXISTS ").append(table).append(';').constData());
     run("CREATE TABLE state(name TEXT PRIMARY KEY, value INTEGER NOT NULL) WITHOUT ROWID;");
     run("CREATE TABLE document(number INTEGER PRIMARY KEY, hash INTEGER NOT NULL);");
-    run("CREATE TABLE crowded(ts INTEGER PRIMARY KEY);"); // times whose messages are not all in the index
+    run("CREATE TABLE crowded(ts INTEGER PRIMARY KEY);"); // times with messages that are not in the index
     run("CREATE TABLE name(\"column\" TEXT, name TEXT, PRIMARY KEY(\"column\", name)) WITHOUT ROWID;");
     run("CREATE VIRTUAL TABLE text USING fts5(words, conversation, sender, media, content='', columnsize=0, "
         "tokenize='trigram');");
@@ -141,7 +141,7 @@ QList<SearchIndex::Document> SearchIndex::documents(
     });
 }
 
-/// Remembers the name, for those who know only a part of it.
+/// Stores the name, so that a part of it can be searched for.
 QString SearchIndex::mark(const QString& column, const QString& name)
 {
     if (name.isEmpty())
@@ -204,7 +204,7 @@ IndexState SearchIndex::advance(SqlConnection& database, const MessageChanges::R
     return state;
 }
 
-/// In the order of time, which writes the index in one pass and keeps it small.
+/// In chronological order, which writes the index in one pass and keeps it small.
 void SearchIndex::build(SqlConnection& database, IndexState& state)
 {
     if (value(u"indexed"_s) == 0) {

@@ -7,21 +7,21 @@
 
 namespace corvane {
 
-/// How far the index has come.
+/// The progress of the index.
 struct IndexState {
-    bool usable = false; ///< the step was done
+    bool usable = false; ///< the step succeeded
     bool faulty = false; ///< the index's own file could not be read or written
-    bool complete = false; ///< every message was taken in once; until then searches do without the index
-    bool more = false; ///< another step is needed now
-    qint64 indexed = 0; ///< messages taken in, while it is being built
+    bool complete = false; ///< every message was indexed once; until then searches do not use the index
+    bool more = false; ///< another step is needed
+    qint64 indexed = 0; ///< number of indexed messages while it is being built
     qint64 total = 0;
 };
 
-/// The index behind the search for messages: trigrams (FTS5) of body, transcript and subject, and marks for the
-/// conversation, the sender and the kind of file, in a file of its own beside the database. Other programs write the
-/// database without knowing of it. A document is numbered by its message's time, so that the newest come first and a
-/// VACUUM of the database changes nothing; the index keeps no text, and each find is checked against the message
-/// itself. What a document said before a change stays and finds nothing.
+/// The index for searching messages: trigrams (FTS5) of body, transcript and subject, and marks for conversation,
+/// sender and media type, in a separate file beside the database. Other programs write to the database without updating
+/// it. Documents are numbered by the time of their message, so that the newest come first and a VACUUM of the database
+/// changes nothing. The index stores no text: each candidate is verified against its message, so outdated entries of a
+/// changed message find nothing.
 class SearchIndex : public SqlConnection {
 public:
     using Stopped = std::shared_ptr<const std::atomic<bool>>;
@@ -29,14 +29,14 @@ public:
     static QString pathBeside(const QString& databasePath);
     static void remove(const QString& path);
 
-    /// Opens the file for writing and makes it where it is missing or of another form.
+    /// Opens the file for writing; creates it if it is missing or has another format.
     SearchIndex(const QString& path, const Stopped& stopped);
 
-    /// One step of the first build, or of taking in new messages and those of `changed`; a fraction of a second.
+    /// One step of the first build, or of indexing new messages and those in `changed`; takes a fraction of a second.
     IndexState advance(SqlConnection& database, const MessageChanges::Rows& changed);
 
-    /// Compares a batch of messages with the index, from `from` on, and takes in those that it does not know as they
-    /// are; the rowid to go on from, nothing at the end. Finds what other programs changed.
+    /// Compares a batch of messages, starting at `from`, with the index, and indexes those that differ: finds changes
+    /// by other programs. Returns the rowid to continue from, nothing at the end.
     std::optional<qint64> sweep(SqlConnection& database, qint64 from);
 
 private:
@@ -45,7 +45,7 @@ private:
         qint64 rowid = 0;
         QString words;
         QString conversation;
-        QString sender; ///< of a received message; may be empty, as may be the next
+        QString sender; ///< of a received message; may be empty, like the next
         QString media;
     };
 
@@ -65,7 +65,7 @@ private:
         SqlConnection& database, const QString& condition, const QList<SqlValue>& parameters);
 
     Stopped m_isStopped;
-    QSet<std::pair<QString, QString>> m_known; ///< columns and names that are in the file
+    QSet<std::pair<QString, QString>> m_known; ///< columns and names stored in the file
 };
 
 }

@@ -20,7 +20,7 @@ qint64 indexHash(const QString& text)
     return qint64(hash);
 }
 
-// Of characters for private use, which have no case.
+// Made of private-use characters, which have no case.
 QString indexMark(const QString& name)
 {
     constexpr char16_t first = 0xE000;

@@ -4,26 +4,26 @@
 
 namespace corvane {
 
-// What the search index's file holds, for those who write it and those who read it: the table `state`, the names that
-// occur (`name`), and a document for each message in the FTS5 table `text`, whose columns are `words` and, as marks,
+// The format of the search index's file: the table `state`, the known names (`name`), and one document per
+// message in the FTS5 table `text`, with the column `words` and, as marks,
 // `conversation`, `sender` and `media`.
 
 constexpr int documentSlotBits = 12; ///< documents of one millisecond: 4,096
-constexpr qint64 lastNumberedTime = (1LL << 50) - 1; ///< messages of other times are not numbered
+constexpr qint64 lastNumberedTime = (1LL << 50) - 1; ///< messages at other times are not indexed
 
-/// The first number that a document of that time may have.
+/// The first document number of that time.
 qint64 documentNumberAt(qint64 ts);
 
-/// The same on every machine and in every run.
+/// A stable hash: the same on every machine and in every run.
 qint64 indexHash(const QString& text);
 
-/// One trigram that stands for a name. Another name may have the same one.
+/// A trigram that represents a name. Different names may share one.
 QString indexMark(const QString& name);
 
 /// A value of `state`.
 std::optional<qint64> indexValue(SqlConnection& index, const QString& name);
 
-/// What lies at a rowid of the database's messages: tells whether it is still the one that was indexed.
+/// Identifies the message at a rowid, to detect whether it is still the indexed one.
 qint64 indexProbe(SqlConnection& database, qint64 rowid);
 
 }

@@ -10,7 +10,7 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds changePause { 1000 };
-constexpr Milliseconds stepPause { 20 }; // leaves the disk to others
+constexpr Milliseconds stepPause { 20 }; // leaves time for other disk access
 constexpr Milliseconds sweepPause { 100 };
 constexpr qint64 sweepEveryMs = 600'000;
 constexpr int failuresBeforeGivingUp = 3;
@@ -36,7 +36,7 @@ void SearchIndexer::start()
     if (changes.isFollowed() || m_db.path().isEmpty() || m_db.path() == u":memory:")
         return;
     changes.onChange([this] { m_soon.request(); });
-    m_sweepFrom = 0; // changes of the last run that no index took in, and of other programs
+    m_sweepFrom = 0; // changes that the last run did not index, and changes by other programs
     m_db.watch().on(StoreSubject::Messages, this, [this] {
         if (!m_sweepFrom && m_scheduler.nowMs() - m_sweptMs.value_or(0) >= sweepEveryMs)
             m_sweepFrom = 0;

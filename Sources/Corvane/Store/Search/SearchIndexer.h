@@ -10,9 +10,9 @@ namespace corvane {
 
 class LocalDB;
 
-/// Keeps the search index in step with the database, in the background and a step at a time: builds it, takes in what
-/// this program writes, and sweeps over all messages now and then for what other programs changed. An index that
-/// cannot be written is removed; searches then read every message.
+/// Keeps the search index up to date, in the background and in small steps: builds it, indexes what this program
+/// writes, and regularly sweeps over all messages for changes by other programs. An index that cannot be written is
+/// removed; searches then read every message.
 class SearchIndexer : public QObject {
     Q_OBJECT
 public:
@@ -40,8 +40,8 @@ private:
     bool m_working = false;
     bool m_wanted = false; ///< something changed while a step ran
     int m_failures = 0; ///< in a row
-    std::optional<qint64> m_sweepFrom; ///< while a sweep is due or under way
-    std::optional<qint64> m_sweptMs; ///< when the last one began
+    std::optional<qint64> m_sweepFrom; ///< while a sweep is due or running
+    std::optional<qint64> m_sweptMs; ///< when the last one started
     std::unique_ptr<Timer> m_next;
     Coalescer m_soon;
     std::shared_ptr<std::atomic<bool>> m_stopped = std::make_shared<std::atomic<bool>>(false);

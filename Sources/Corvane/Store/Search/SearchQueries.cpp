@@ -47,7 +47,7 @@ QString holding(MessageContent content)
 }
 
 struct Condition {
-    QString sql; ///< with the joins
+    QString sql; ///< including the joins
     QList<SqlValue> values;
 
     void also(const QString& more, const QList<SqlValue>& given = {})
@@ -67,7 +67,7 @@ Condition conditionOf(const SearchQuery& query)
     }
     if (query.fromMe)
         condition.also(u"m.direction='OUT'"_s);
-    // A group's messages name who wrote them; elsewhere it is the person of the conversation.
+    // Messages in a group name their sender; otherwise it is the person of the conversation.
     for (const QString& name : query.from)
         condition.also(uR"(m.direction='IN' AND (m.sender LIKE ? ESCAPE '\'
     OR (cc.external_id NOT LIKE '%@g.us' AND ct.display_name LIKE ? ESCAPE '\')))"_s,
@@ -92,7 +92,7 @@ QStringList ids(SqlConnection& db, const QString& sql, const QList<SqlValue>& va
 
 }
 
-// Newest first along the index over all times, but for the messages of a few conversations, which are sorted.
+// Walks the index by time, newest first; the messages of a few conversations are sorted instead.
 QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, int limit)
 {
     Condition condition = conditionOf(query);
@@ -104,7 +104,7 @@ QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, in
     return hits.rows(db, condition.sql, condition.values << limit);
 }
 
-// The plus keeps SQLite from walking all times in order; the rowid is what decides among equal times above.
+// The unary plus keeps SQLite from walking all times in order; ties are broken by rowid, as above.
 QList<MessageHit> searchMessagesAt(SqlConnection& db, const SearchQuery& query, const QList<qint64>& times, int limit)
 {
     Condition condition = conditionOf(query);

@@ -20,31 +20,31 @@ struct MessageHit {
     bool operator==(const MessageHit&) const = default;
 };
 
-/// Every message in whose body, transcript or subject the text occurs and that meets what narrows the search, newest
-/// first; reads all messages until it has enough. % and _ of the text are wildcards. A search without a text finds
-/// messages without one, too.
+/// The messages whose body, transcript or subject contains the text and that meet the other parts of the search, newest
+/// first; reads all messages until it has enough. % and _ in the text are wildcards. A search without a text also
+/// finds messages without one.
 QList<MessageHit> searchMessages(SqlConnection& db, const SearchQuery& query, int limit);
 
-/// Those of the rows above that have one of the times, in the same order.
+/// The rows of `searchMessages` at these times, in the same order.
 QList<MessageHit> searchMessagesAt(SqlConnection& db, const SearchQuery& query, const QList<qint64>& times, int limit);
 
-/// Messages by their place in the file.
+/// A range of messages, by rowid.
 struct MessageRange {
     qint64 after = 0; ///< rowid of unified_message
     QList<qint64> messages; ///< rowids of unified_message
     QList<qint64> transcripts; ///< rowids of audio_transcript
 };
 
-/// The times of those that `searchMessages` would find in the range.
+/// The times of the messages that `searchMessages` would find in the range.
 QList<qint64> timesOfMatches(SqlConnection& db, const SearchQuery& query, const MessageRange& range);
 
-/// Ids of conversations, at most `limit`, in which alone a part of a search can be met: those on a channel, those whose
-/// own name or person's name holds a text, and those with one person whose name holds it.
+/// The ids of at most `limit` conversations that can meet a part of a search: those on a channel, those whose own name
+/// or person's name contains a text, and those with one person whose name contains it.
 QStringList conversationsOn(SqlConnection& db, const QString& channel, int limit);
 QStringList conversationsNamed(SqlConnection& db, const QString& name, int limit);
 QStringList conversationsWith(SqlConnection& db, const QString& name, int limit);
 
-/// What the kind of file is LIKE in a message with such a file.
+/// The LIKE pattern for the media type of messages with such a file.
 QString mediaPattern(MessageContent file);
 
 /// The values as a JSON array, for json_each.

@@ -127,7 +127,7 @@ const QList<Narrowing>& narrowings()
     return all;
 }
 
-/// A narrowing word at the start of a word, its colon, and the value, which may be quoted.
+/// A filter word at the start of a word, a colon, and the value, which may be quoted.
 const QRegularExpression& narrowingPattern()
 {
     static const QRegularExpression pattern = [] {

@@ -6,33 +6,33 @@
 
 namespace corvane {
 
-/// What a search finds, in groups.
+/// The groups of search results.
 enum class SearchGroup { People, Messages, Calls, Transcripts, Notes, Deals, Tasks, Events, Work };
 
 QString groupLabel(SearchGroup group); ///< such as "Notes"
 QString groupWord(SearchGroup group); ///< as typed after "in:", such as "notes"
 
-/// What a message holds besides its text, as typed after "has:".
+/// What a message contains besides its text, as typed after "has:".
 enum class MessageContent { File, Image, Video, Audio, Document, Link };
 
-/// A word that narrows a search, typed before a colon.
+/// A word that filters a search, typed before a colon.
 struct NarrowingWord {
     QString word;
     QString example;
-    QString what; ///< in a few words, for people
+    QString what; ///< a short explanation
 };
 
 const QList<NarrowingWord>& narrowingWords();
 
-/// A search, taken apart. All parts must be met.
+/// A parsed search. All parts must be met.
 struct SearchQuery {
     SearchQuery() = default;
-    SearchQuery(const QString& words) ///< a search for this text, whatever it is
+    SearchQuery(const QString& words) ///< a plain search for this text
         : text(words)
     {
     }
 
-    QString text; ///< to be found as it stands
+    QString text; ///< searched for verbatim
     bool fromMe = false;
     QStringList from; ///< parts of people's names
     std::optional<SearchGroup> group; ///< only this one
@@ -42,8 +42,8 @@ struct SearchQuery {
     std::optional<qint64> afterMs; ///< from this moment on
     std::optional<qint64> beforeMs; ///< earlier than this moment
 
-    bool isUsable = true; ///< false: a value is not understood, so that nothing can be found
-    QString hint; ///< what a narrowing word still needs, or why it is not understood; else empty
+    bool isUsable = true; ///< false: a value is invalid, so nothing can be found
+    QString hint; ///< what a filter still needs, or why it is invalid; else empty
 
     bool isNarrowed() const;
     bool isEmpty() const { return text.isEmpty() && !isNarrowed(); }
@@ -52,8 +52,8 @@ struct SearchQuery {
     bool operator==(const SearchQuery&) const = default;
 };
 
-/// Takes `from:ana in:"Winter market" kiln` apart. Words before a colon that narrow nothing are text, and so is a
-/// narrowing word without a value that is followed by something else. `today` is the user's.
+/// Parses `from:ana in:"Winter market" kiln`. Unknown words before a colon are text, and so is a filter word without a
+/// value that is followed by something else. `today` is in the user's time zone.
 SearchQuery parseSearch(const QString& typed, const QDate& today);
 
 }

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// What was looked at in a browser for a project. Other programs write these rows, too. Times are ISO 8601 text.
+/// The browser sessions of a project. Other programs write these rows, too. Times are ISO 8601 text.
 struct DevBrowserSessionRow {
     QString id; ///< "browser:{uuid}"
     QString projectId;
@@ -20,8 +20,8 @@ struct DevBrowserSessionRow {
     bool operator==(const DevBrowserSessionRow&) const = default;
 };
 
-/// A row with that id is replaced, but for its time of creation; an empty path keeps the one that was there. False and
-/// a log line where it was not saved.
+/// Replaces a row with that id, except for its creation time; an empty path keeps the existing one. False, and a log
+/// line, on failure.
 bool upsertDevBrowserSession(LocalDB& db, const DevBrowserSessionRow& row);
 
 QList<DevBrowserSessionRow> fetchDevBrowserSessions(LocalDB& db, const QString& projectId, int limit); ///< newest first

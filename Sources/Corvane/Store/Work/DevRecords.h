@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// What a project is to do, as its people wrote it down; empty fields are not defined yet.
+/// The requirements of a project; empty fields are not defined yet.
 struct DevSRSRow {
     QString projectId;
     QString overview;
@@ -22,12 +22,12 @@ struct DevSRSRow {
 
 std::optional<DevSRSRow> fetchDevSRS(LocalDB& db, const QString& projectId);
 
-/// A first text for a project that has none. What a person filled in stays. Nothing where it was not saved.
+/// A first text for a project that has none; existing fields are kept. Nothing if it was not saved.
 std::optional<DevSRSRow> seedDevSRS(LocalDB& db, const OpsProjectRow& project);
 
 enum class DevSRSSaved { Saved, Changed, Failed };
 
-/// Writes what a person edited, if the row still is as they saw it; one that was not there yet is made.
+/// Saves the user's edits if the row is still as they saw it; creates a missing row.
 DevSRSSaved saveDevSRS(LocalDB& db, const DevSRSRow& seen, const DevSRSRow& wanted);
 
 }
