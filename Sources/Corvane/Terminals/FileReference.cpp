@@ -12,7 +12,7 @@ namespace corvane {
 
 namespace {
 
-/// How an editor is told the line; those that are not named here get the file alone.
+/// How to pass the line to an editor; unknown ones get only the file.
 QStringList placeArguments(const QString& editor, const FileReference& place)
 {
     static const QStringList plus { u"vi"_s, u"vim"_s, u"nvim"_s, u"nano"_s, u"emacs"_s, u"emacsclient"_s, u"micro"_s,
@@ -68,7 +68,7 @@ terminal::Command editorCommand(const QString& editor, const FileReference& plac
 {
     terminal::Command command;
     command.program = "/bin/sh";
-    // The editor may be a command with arguments of its own; the place is never read by the shell.
+    // The editor may be a command with arguments; the file name is never parsed by the shell.
     command.arguments = { "-c", "exec " + editor.toStdString() + R"( "$@")", "sh" };
     for (const QString& argument : placeArguments(editor, place))
         command.arguments.push_back(argument.toStdString());

@@ -10,25 +10,25 @@ class QUrl;
 
 namespace corvane {
 
-/// A place in a file, as compilers and tests name it.
+/// A position in a file, as compilers and tests print it.
 struct FileReference {
-    QString path; ///< absolute; the file was there
-    int line = 0; ///< from 1; 0 for none
+    QString path; ///< absolute; the file existed
+    int line = 0; ///< 1-based; 0 for none
     int column = 0;
 
     bool operator==(const FileReference&) const = default;
 };
 
-/// What looks like "src/main.cpp:12:5" in a line of text.
+/// The parts of a line that look like "src/main.cpp:12:5".
 const QRegularExpression& fileReferencePattern();
 
-/// Such a text where there is a plain file of that name, counted from the folder; "~" is the home folder.
+/// Resolves such a text if it names a regular file, relative to the folder; "~" is the home folder.
 std::optional<FileReference> fileReference(const QString& text, const QString& directory, const QString& home);
 
-/// What a "file:" address names on this computer, with its fragment as the line; none on another host.
+/// The file of a "file:" address, with its fragment as the line; nothing for another host.
 std::optional<FileReference> fileOfAddress(const QUrl& address);
 
-/// The person's editor at that place, in a terminal; `editor` as VISUAL and EDITOR hold it.
+/// Opens the user's editor at that position, in a terminal; `editor` is the value of VISUAL or EDITOR.
 terminal::Command editorCommand(const QString& editor, const FileReference& place);
 
 }

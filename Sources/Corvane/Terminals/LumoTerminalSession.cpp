@@ -194,7 +194,7 @@ void LumoTerminalSession::clearAttention()
         Q_EMIT labelChanged();
 }
 
-/// However much comes, one event waits at most.
+/// Posts at most one event, however much arrives.
 void LumoTerminalSession::post()
 {
     if (!m_posted.exchange(true))
@@ -227,7 +227,7 @@ void LumoTerminalSession::deliver()
     }
 }
 
-/// The history of a terminal that rests takes less memory, a little of it at a time.
+/// Compresses the history of an idle terminal, in small steps.
 void LumoTerminalSession::packHistory()
 {
     if (m_terminal && m_terminal->terminal()->compressHistory(pagesAtOnce))

@@ -105,7 +105,7 @@ private:
     std::atomic<bool> m_posted = false;
     std::atomic<bool> m_childEnded = false;
     std::optional<terminal::ExitStatus> m_exit;
-    std::unique_ptr<terminal::Session> m_terminal; // goes first: its threads call the members above
+    std::unique_ptr<terminal::Session> m_terminal; // destroyed first: its threads call the members above
 };
 
 }

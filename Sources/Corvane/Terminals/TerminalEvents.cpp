@@ -45,7 +45,7 @@ void TerminalEvents::clipboardWrite(std::string_view, std::string_view data)
     m_requests.clipboard = text(data);
 }
 
-/// A command that ended in a tab that is not in front is worth a look.
+/// Marks a tab in the background when its command ends.
 void TerminalEvents::promptMark(terminal::PromptMark kind, int)
 {
     if (kind == terminal::PromptMark::End)

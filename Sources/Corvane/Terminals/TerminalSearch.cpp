@@ -63,7 +63,7 @@ QString TerminalSearch::status() const
         = locale.toString(qulonglong(m_matches.size())) + QLatin1StringView(m_matches.size() == most ? "+" : "");
     if (!m_current)
         return count + u" found"_s;
-    // The newest is the first, as it is the one that is met first.
+    // Numbered from the newest, since the search runs upwards.
     return u"%1 of %2"_s.arg(locale.toString(qulonglong(m_matches.size() - *m_current)), count);
 }
 
@@ -86,7 +86,7 @@ void TerminalSearch::update()
         m_later = m_scheduler.after(pause, [this] { search(); });
 }
 
-/// The match that is shown stays the one with as many behind it, which is where it was.
+/// Keeps the current match by the number of matches after it.
 void TerminalSearch::search()
 {
     m_later.reset();
@@ -108,7 +108,7 @@ void TerminalSearch::search()
     Q_EMIT m_session.changed();
 }
 
-/// Brings the match into sight, a third down from the top.
+/// Scrolls the match into view, a third below the top.
 void TerminalSearch::show(size_t match)
 {
     m_current = match;

@@ -12,12 +12,12 @@ namespace {
 
 constexpr size_t maxRawBytes = 1 << 20;
 constexpr size_t maxTail = 256;
-constexpr size_t maxLine = 4096; // of typed text without an end, as full-screen programs get it
+constexpr size_t maxLine = 4096; // of typed text without a line end, as for full-screen programs
 constexpr qsizetype leastSnapshot = 500;
 constexpr char interrupt = 3;
 constexpr char endOfInput = 4;
 
-/// Where the last `count` characters of the text begin, as a person counts them.
+/// Where the last `count` user-perceived characters of the text begin.
 qsizetype startOfLast(const QString& text, qsizetype count)
 {
     qsizetype at = text.size();
@@ -38,7 +38,7 @@ qsizetype startOfLast(const QString& text, qsizetype count)
     return std::max<qsizetype>(at, 0);
 }
 
-/// Nothing for what is no UTF-8.
+/// Nothing if it is not UTF-8.
 QString decoded(const std::string& chunk)
 {
     QStringDecoder decoder(QStringDecoder::Utf8);
@@ -46,7 +46,7 @@ QString decoded(const std::string& chunk)
     return decoder.hasError() ? QString() : text;
 }
 
-/// How many bytes at the end are the beginning of a character.
+/// The length of an incomplete character at the end, in bytes.
 size_t cutLength(std::string_view chunk)
 {
     for (size_t back = 1; back <= std::min<size_t>(3, chunk.size()); ++back) {
@@ -86,7 +86,7 @@ QString cleanTranscript(const QString& text)
 
 bool endsInPasswordPrompt(const QString& text)
 {
-    // Stars may stand for what was typed so far.
+    // The prompt may show stars for what was typed so far.
     static const QRegularExpression prompt(
         uR"((?i)\b(pass(word|phrase|code|wort)|passwd|pin|secret|token|verification code)\b)"
         R"([^\n]{0,80}[:?][ \t]*[*•]*\z)"_s);
@@ -151,7 +151,7 @@ void TerminalTranscriptBuffer::endLine(char end)
         append(end ? m_typed + end : m_typed);
     m_typed.clear();
     m_typing = false;
-    // What is typed ahead belongs to the next question.
+    // Text typed ahead belongs to the next prompt.
     m_tail.clear();
 }
 
@@ -165,10 +165,10 @@ void TerminalTranscriptBuffer::append(std::string_view chunk)
         compact();
 }
 
-/// Replaces the chunks by the text that is left of them, which is the same text when it is cleaned again.
+/// Replaces the chunks with their cleaned text; cleaning it again changes nothing.
 void TerminalTranscriptBuffer::compact()
 {
-    QStringList pieces; // the newest first
+    QStringList pieces; // newest first
     qsizetype units = 0;
     qsizetype enough = m_maxCharacters;
     QString text;

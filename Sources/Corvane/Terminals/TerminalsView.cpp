@@ -81,7 +81,7 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
         Q_EMIT notified(title, body);
     });
     connect(&session, &LumoTerminalSession::clipboardRequested, this, [this, &session](const QString& text) {
-        // A program must not put its question in the place of one that is about to be answered.
+        // A program must not replace a question that the user is about to answer.
         if (!m_question.text.isEmpty() || text.size() > largestClipboard)
             return;
         ask({ Subject::Clipboard,
@@ -146,7 +146,7 @@ void TerminalsView::closeCurrent()
 void TerminalsView::closeNow(LumoTerminalSession& session)
 {
     const auto at = std::ranges::find(m_sessions, &session, &std::unique_ptr<LumoTerminalSession>::get);
-    // It may be the one that told of its end just now.
+    // It may be the sender of the current signal.
     LumoTerminalSession* const gone = at->release();
     const auto next = m_sessions.erase(at);
     if (m_current == gone)
@@ -159,7 +159,7 @@ void TerminalsView::closeNow(LumoTerminalSession& session)
     gone->deleteLater();
 }
 
-/// Who types "exit" wants the tab gone, whatever the last command's code was. What ended otherwise is there to be read.
+/// Typing "exit" closes the tab, whatever the exit code. Other ends keep the tab, so that its output can be read.
 void TerminalsView::sessionEnded(LumoTerminalSession& session)
 {
     const terminal::ExitStatus status = session.exitStatus().value_or(terminal::ExitStatus {});
@@ -269,13 +269,13 @@ void TerminalsView::openLink(const QString& address)
     if (file)
         return openFile(*file);
     if (url.isLocalFile())
-        return; // gone since it was pointed at
+        return; // deleted since it was resolved
     const bool isOfWeb = address.startsWith("http://"_L1) || address.startsWith("https://"_L1);
     if (!isOfWeb || !m_browser || !m_browser(address))
         m_at.desktop.openLink(url);
 }
 
-/// A line in the person's editor. Else the desktop's program for the file; what it might run is shown in its folder.
+/// With a line: the user's editor. Else the desktop's default program; executable files are shown in their folder.
 void TerminalsView::openFile(const FileReference& file)
 {
     const QString editor = qEnvironmentVariable("VISUAL", qEnvironmentVariable("EDITOR")).trimmed();
