@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int edge = 48; ///< between the panel and the foot of the screen
+constexpr int edge = 48; ///< between the panel and the bottom of the screen
 
 }
 

@@ -19,7 +19,7 @@ QImage IconProvider::requestImage(const QString& id, QSize* size, const QSize& r
     const QByteArray colour = "#" + id.section(u'/', 1, 1).toLatin1();
     const QString path = u":/qt/qml/Corvane/Icons/%1.svg"_s;
     QFile file(path.arg(name));
-    // Channels are words of other programs, too; one that nobody knows has the sign of any message.
+    // Other programs may add channels; an unknown one gets the generic message icon.
     if (name.startsWith(u"channel-") && !file.exists())
         file.setFileName(path.arg(u"hub-inbox"_s));
     if (!file.open(QIODevice::ReadOnly))

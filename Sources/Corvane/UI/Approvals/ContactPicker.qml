@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 
-/// Whom a change to the CRM is about: type a name and choose among the matches.
+/// Picks the contact that a CRM change is about: type a name and choose a match.
 Column {
     id: picker
 
@@ -28,7 +28,7 @@ Column {
         id: rows
         objectName: "contactPicker.list"
         width: parent.width
-        height: Math.min(contentHeight, 36 * 4.5) // half a row tells that there are more
+        height: Math.min(contentHeight, 36 * 4.5) // half a row shows that there are more
         visible: count > 0
         clip: true
         boundsBehavior: Flickable.StopAtBounds

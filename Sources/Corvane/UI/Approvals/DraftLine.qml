@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 
-/// One draft of the bar: a line, which opens to the whole text and what can be done with it.
+/// One draft of the bar: a line that expands to the whole text and its actions.
 Column {
     id: line
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Approvals
 import Corvane.Controls
 
-/// What waits before it goes out: one line a draft, its text and the decision one press away.
+/// The pending drafts above the thread: one line per draft; pressing it shows the text and the decision.
 FocusScope {
     id: bar
 

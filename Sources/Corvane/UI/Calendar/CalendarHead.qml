@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Corvane.Calendar
 import Corvane.Controls
 
-/// Which days are shown, and the way to others.
+/// The shown days, and buttons to reach others.
 Item {
     id: head
 

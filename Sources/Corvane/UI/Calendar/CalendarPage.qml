@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Calendar
 import Corvane.Controls
 
-/// The calendar: a week or a day, and beside it what is chosen.
+/// The calendar: a week or a day, and beside it the selected event.
 Page {
     id: page
 

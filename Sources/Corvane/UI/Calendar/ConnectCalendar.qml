@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Calendar
 import Corvane.Controls
 
-/// No calendar is read yet: what can be connected, and what is missing.
+/// Shown while no calendar is connected: what can be connected, and what is missing.
 FocusScope {
     id: offer
 

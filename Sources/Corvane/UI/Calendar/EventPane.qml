@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calendar
 import Corvane.Controls
 
-/// The chosen event: when and where, the call, who comes, and the brief for it.
+/// The selected event: time and place, the call, the participants, and its brief.
 FocusScope {
     id: pane
 
@@ -89,7 +89,7 @@ FocusScope {
                     text: qsTr("Save as file")
                     onClicked: pane.screen.exportSelected()
 
-                    // The same file, for wherever it is dragged to.
+                    // The same file, for drag and drop.
                     onPressed: pane.screen.offerFile()
                     Drag.active: drag.active && pane.screen.offeredFile !== ""
                     Drag.dragType: Drag.Automatic

@@ -10,15 +10,15 @@ T.AbstractButton {
     required property eventBlock event
     required property bool selected
 
-    // The title comes first: in a narrow tile the button stands under it, and in one that is short, too, nowhere.
+    // The title has priority: in a narrow tile the button is below it, and in a narrow and short one it is hidden.
     readonly property bool wide: width >= 170
-    readonly property bool legible: width >= 36 // a text that cannot be read is not laid out
+    readonly property bool legible: width >= 36 // a text too small to read is not laid out
     readonly property bool joins: event.joinable && (wide || height >= 44)
 
     signal joined
 
     hoverEnabled: true
-    focusPolicy: Qt.NoFocus // the grid walks over them
+    focusPolicy: Qt.NoFocus // the grid handles the arrow keys
     objectName: "calendar.event"
     text: event.title
     opacity: event.past && !selected ? 0.6 : 1

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Calendar
 import Corvane.Controls
 
-/// The panel's next events: when, the way into the call, and the brief.
+/// The panel's next events: their time, the link to the call, and the brief.
 FocusScope {
     id: tab
 

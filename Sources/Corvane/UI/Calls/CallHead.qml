@@ -23,9 +23,9 @@ Item {
             font.pixelSize: Theme.title
             font.weight: Theme.strong
             placeholderText: qsTr("Name of the call")
-            onTextChanged: if (!activeFocus) cursorPosition = 0 // a long name shows its start
+            onTextChanged: if (!activeFocus) cursorPosition = 0 // shows the start of a long name
             onEditingFinished: head.page.rename(text)
-            // What is being typed stays, whatever changes meanwhile.
+            // Changes elsewhere do not overwrite what is being typed.
             Binding { target: title; property: "text"; value: head.page.title; when: !title.activeFocus; restoreMode: Binding.RestoreNone }
         }
         Label {

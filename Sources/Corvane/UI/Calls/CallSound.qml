@@ -38,7 +38,7 @@ Column {
             focusPolicy: Qt.TabFocus
             value: sound.player.progress
             stepSize: 0.01
-            // Moved by hand the slider lets go of its binding.
+            // Dragging the slider breaks its binding.
             onMoved: sound.player.seek(value)
             onPressedChanged: if (!pressed) value = Qt.binding(() => sound.player.progress)
             Keys.onLeftPressed: sound.player.skip(-5)

@@ -9,9 +9,9 @@ namespace {
 
 constexpr double pitch = 4; ///< from bar to bar
 constexpr double thickness = 2;
-constexpr double silence = 1; ///< how tall it is drawn
+constexpr double silence = 1; ///< its drawn height
 
-/// The loudest of a part of the bars, as tall as the loudest of all where that is not silence.
+/// The peak of one part, relative to the overall peak unless that is silence.
 double levelOf(const QList<float>& bars, qsizetype part, qsizetype count)
 {
     if (bars.isEmpty())

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// A count that wants attention; gone where there is no text.
+/// A count that needs attention; hidden without a text.
 Rectangle {
     property alias text: count.text
     property bool quiet: false

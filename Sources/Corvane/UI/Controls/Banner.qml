@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Layouts
 
-/// One line that needs to be known, with at most two ways on. `tone` is "warn", "bad" or "plain".
+/// An important one-line message with at most two actions. `tone` is "warn", "bad" or "plain".
 Rectangle {
     id: banner
 

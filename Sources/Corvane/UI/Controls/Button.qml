@@ -2,8 +2,8 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A button with a word on it. `kind` is "primary" for the one action of a place, "plain", "quiet" (no ground
-/// until hovered) or "danger".
+/// A button with a text. `kind` is "primary" for the main action, "plain", "quiet" (no background until hovered)
+/// or "danger".
 T.Button {
     id: control
 

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// A pane of its own on the desk.
+/// A framed group of content.
 Rectangle {
     id: card
 

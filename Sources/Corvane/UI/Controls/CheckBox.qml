@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A box that its owner ticks: pressing it only says so.
+/// A check box without a state of its own: pressing it emits `toggled`, and its owner sets `checked`.
 T.AbstractButton {
     id: control
 

@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A small rounded word: a filter that is on and can be taken off, or a choice among few.
+/// A small rounded label: an active filter that can be removed, or one of a few options.
 T.Button {
     id: control
 

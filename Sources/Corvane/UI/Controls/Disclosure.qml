@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A heading whose owner folds the content below; `detail` is shown while it is folded.
+/// A heading that folds the content below through its owner; `detail` is shown while it is folded.
 T.AbstractButton {
     id: control
 

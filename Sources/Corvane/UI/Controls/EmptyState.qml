@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// Nothing is here: an icon, a title, one sentence, and one way on.
+/// Shown instead of empty content: an icon, a title, a sentence, and one action.
 Column {
     id: empty
 

@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// One view of a list among several, with how much is in it.
+/// A tab for one view of a list, with its count.
 T.AbstractButton {
     id: control
 

@@ -1,6 +1,6 @@
 import QtQuick
 
-/// Moves the keyboard to an item once the present event is handled, if it is still inside of `scope` then. In a
+/// Moves the focus to an item after the current event is handled, if it is still inside `scope` then. In a
 /// delegate Qt.callLater would run after the delegate was removed, and crash.
 Timer {
     required property Item scope

@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// The mark of the keyboard's place: two pixels of accent outside the shape of its parent.
+/// The focus indicator: a ring of two pixels in the accent colour around its parent.
 Rectangle {
     required property Item control
     property bool shown: (control as T.Control)?.visualFocus ?? control.activeFocus

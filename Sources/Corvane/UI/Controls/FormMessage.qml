@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Corvane.Controls
 
-/// The message of a form: what goes on, what to decide, or what failed.
+/// The message of a form: progress, a question, or an error.
 RowLayout {
     id: line
 

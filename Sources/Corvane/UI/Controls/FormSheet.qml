@@ -1,14 +1,14 @@
 import QtQuick
 import Corvane.Controls
 
-/// A sheet that opens and closes with its form. It adds the form's message and buttons; `name` begins their names.
+/// A sheet that opens and closes with its form. It adds the form's message and buttons; `name` prefixes their names.
 Sheet {
     id: sheet
 
     default property alias body: holder.data
     required property Form form
     property string name: "connect"
-    property string submitKeys ///< which submit from every field
+    property string submitKeys ///< shortcuts that submit from every field
 
     signal begun ///< it has just opened: time to place the focus
 

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// The program's own mark: two bubbles that meet on one desk.
+/// The program's logo: two overlapping speech bubbles.
 Rectangle {
     id: logo
 

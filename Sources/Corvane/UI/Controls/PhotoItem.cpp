@@ -28,7 +28,7 @@ void PhotoItem::setPath(const QString& path)
 void PhotoItem::componentComplete()
 {
     QQuickItem::componentComplete();
-    // What is known shows in the first frame.
+    // A cached picture is shown in the first frame.
     ask();
 }
 
@@ -115,7 +115,7 @@ QSGNode* PhotoItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
     return node;
 }
 
-/// The picture covers the item where it can, and stands in the middle of it in its own size where it is smaller.
+/// The picture covers the item; a smaller one is centred at its own size.
 QImage PhotoItem::rounded() const
 {
     QImage image((size() * m_ratio).toSize().expandedTo({ 1, 1 }), QImage::Format_ARGB32_Premultiplied);
@@ -127,7 +127,7 @@ QImage PhotoItem::rounded() const
     const bool fills = m_mostWidth <= 0;
     const double scale = fills ? std::max(room.width() / picture.width(), room.height() / picture.height()) : 1;
     const QPointF corner((room.width() - picture.width() * scale) / 2, (room.height() - picture.height() * scale) / 2);
-    // A brush rather than a clip: the painter smooths the edge of a shape, not that of a clip.
+    // A brush instead of a clip: the painter antialiases the edges of shapes, not of clips.
     QBrush brush(m_picture);
     brush.setTransform(QTransform::fromTranslate(corner.x(), corner.y()).scale(scale, scale));
     painter.setBrush(brush);

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// What an empty field asks for. It fills the field, whose padding it is given.
+/// The placeholder of an empty field. It fills the field and uses its padding.
 Label {
     required property bool shown
 

@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Window
 
-/// Scrolls a view to what the keyboard reaches in it.
+/// Scrolls a view to the item that gets the focus.
 Item {
     id: watch
 

@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// A field with a lens, a way to clear it, and Down or Return leading on to what was found.
+/// A field with a search icon and a clear button; Down and Return lead to the results.
 TextField {
     id: control
 

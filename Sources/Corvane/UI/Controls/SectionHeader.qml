@@ -1,7 +1,7 @@
 import Corvane.Controls
 import QtQuick
 
-/// The name of what follows.
+/// The heading of a section.
 Label {
     font.pixelSize: Theme.meta
     font.weight: Theme.strong

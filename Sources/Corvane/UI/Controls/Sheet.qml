@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// A dialogue over the window: a title, the content, and buttons at the foot. Escape closes it.
+/// A dialog over the window: a title, the content, and buttons at the bottom. Escape closes it.
 T.Popup {
     id: sheet
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Corvane.Controls
 
-/// What a sheet asks for and where it comes from, in Markdown of our own.
+/// A hint about what a sheet needs and where to find it, in our own Markdown.
 Label {
     width: parent ? parent.width : 0
     visible: text !== ""

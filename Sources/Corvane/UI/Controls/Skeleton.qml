@@ -1,8 +1,8 @@
 import Corvane.Controls
 import QtQuick
 
-/// Rows in outline while the real ones are on their way; shown only after 150 ms, so that a quick answer
-/// never flickers.
+/// Placeholder rows while the real ones are loading; shown only after 150 ms, so that quick loads do not
+/// flicker.
 Column {
     id: skeleton
 
@@ -14,7 +14,7 @@ Column {
     onActiveChanged: if (!active) late = false
     Accessible.ignored: true
 
-    // The one clock of the window that is no rule: an animation that waits.
+    // The only timer in QML, since it is not logic: an animation that waits.
     SequentialAnimation {
         running: skeleton.active && !skeleton.late
         PauseAnimation { duration: 150 }

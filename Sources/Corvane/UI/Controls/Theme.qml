@@ -1,7 +1,7 @@
 pragma Singleton
 import QtQuick
 
-/// Every colour, size and duration of the window. Nothing else names one.
+/// Every colour, size and duration of the window; no other file defines any.
 QtObject {
     property bool dark: false
     property bool reducedMotion: false

@@ -1,7 +1,7 @@
 import QtQuick
 import Corvane.Controls
 
-/// What was just done, and the way back. Gone where there is no text.
+/// The last action, with a button to undo it. Hidden without a text.
 Rectangle {
     id: toast
 

@@ -2,7 +2,7 @@ import Corvane.Controls
 import QtQuick
 import QtQuick.Templates as T
 
-/// On or off, with its word at the left.
+/// A switch, with its label on the left.
 T.Switch {
     id: control
 

@@ -13,7 +13,7 @@ namespace {
 constexpr double pitch = 4; ///< from bar to bar
 constexpr double thickness = 2;
 
-/// Bars as they fit: the loudest of each part again.
+/// As many bars as fit: the peak of each part.
 float loudest(const QList<float>& bars, qsizetype part, qsizetype count)
 {
     const qsizetype from = part * bars.size() / count;

@@ -12,13 +12,13 @@ namespace {
 constexpr double pixelsOfNotch = 100;
 constexpr double notch = 120;
 
-/// Copying and pasting go over the desktop's clipboard, of which the browser knows nothing.
+/// The headless browser has no access to the desktop's clipboard.
 bool isClipboardKey(const QKeyEvent& event)
 {
     return event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut) || event.matches(QKeySequence::Paste);
 }
 
-/// With Ctrl or Alt only what edits text is the page's.
+/// With Ctrl or Alt, only text editing keys go to the page.
 bool isForPage(const QKeyEvent& event)
 {
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
@@ -70,7 +70,7 @@ bool BrowserFrameItem::event(QEvent* event)
         event->setAccepted(m_surface && m_surface->takesInput() && isForPage(*static_cast<QKeyEvent*>(event)));
         return event->isAccepted();
     }
-    // Tab is the page's, too.
+    // Tab goes to the page, too.
     if (event->type() == QEvent::KeyPress) {
         keyPressEvent(static_cast<QKeyEvent*>(event));
         return event->isAccepted();

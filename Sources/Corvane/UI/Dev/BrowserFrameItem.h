@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Shows a browser's page and passes pointer, keys and input method on to it, except for the keys of the window and of
+/// Shows a browser's page and passes pointer, keyboard and input method to it, except for the keys of the window and
 /// the pane.
 class BrowserFrameItem : public corvane::BrowserPicture {
     Q_OBJECT

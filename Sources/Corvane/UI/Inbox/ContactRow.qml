@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// One person: who, when, what was said last, and what waits.
+/// One person: name, time, the last message, and what is pending.
 Item {
     id: row
 
@@ -88,7 +88,7 @@ Item {
         spacing: 3
 
         Repeater {
-            // A number, so that a new message does not make the marks anew.
+            // A number, so that a new message does not recreate the marks.
             model: Math.max(0, row.contact.platforms.length - 1)
             ChannelMark {
                 required property int index

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// What begins here: a day, or what has not been read.
+/// A separator: a new day, or the start of the unread messages.
 Item {
     id: separator
 

@@ -2,7 +2,7 @@ import QtQml
 import Corvane.Controls
 import Corvane.Inbox
 
-/// To whom a message goes as a draft.
+/// The person to whom a message is forwarded as a draft.
 Menu {
     id: forwarding
 

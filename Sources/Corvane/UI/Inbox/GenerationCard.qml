@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A panel of the assistant: what it is doing, what is missing, or what it brought. `content` shows what is ready.
+/// A panel of the assistant: its progress, what is missing, or the result. `content` shows the result.
 Card {
     id: card
 
@@ -11,14 +11,14 @@ Card {
     property string name ///< accessible name
     property string dismissLabel: qsTr("Dismiss")
     property alias buttons: foot.data
-    property real room: 240 ///< for what is ready; the rest scrolls
+    property real room: 240 ///< for the result; the rest scrolls
     default property alias content: body.data
 
     readonly property string phase: panel.state
     readonly property bool ready: phase === "ready"
     readonly property bool failed: phase === "error" || phase === "missingModel"
 
-    signal dismissed ///< by the person, from here
+    signal dismissed ///< by the user, in this panel
     signal settingsAsked
 
     /// The default focus: the most likely action.

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// Somebody who may be the same person, and why.
+/// A contact who may be the same person, and why.
 Rectangle {
     id: card
 

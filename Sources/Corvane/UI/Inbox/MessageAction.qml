@@ -1,7 +1,7 @@
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A line of a message's menu, there where the message has that action.
+/// A line of a message's menu; hidden if the message does not have that action.
 MenuItem {
     required property messageOffer offer
 

@@ -13,7 +13,7 @@ Menu {
     readonly property ThreadView thread: person.thread
     readonly property MessageActions actions: person.messageActions
     property list<messageOffer> offers
-    property messageOffer none ///< of an action that the message does not have
+    property messageOffer none ///< for an action that the message does not have
 
     function offer(id: string): messageOffer {
         for (let i = 0; i < offers.length; ++i) {
@@ -28,7 +28,7 @@ Menu {
         forwarding.targets = actions.forwardTargets();
     }
 
-    // Left and Right choose, Return gives it.
+    // Left and Right select, Return sends the reaction.
     T.MenuItem {
         id: moods
         property int chosen: 0

@@ -2,11 +2,11 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A line of a section: what it says, weaker words under it, a mark before it, and what can be done at its right.
+/// A line of a section: its text, secondary text below, a mark in front, and actions on the right.
 Item {
     id: line
 
-    // As a row of the view model tells it
+    // From a row of the view model
     required property paneRow entry
 
     default property alias actions: side.data

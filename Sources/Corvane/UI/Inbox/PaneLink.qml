@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A small word that does something to the line it stands in. `subject` names that line aloud.
+/// A small text button for an action on its line. `subject` names the line for the screen reader.
 T.AbstractButton {
     id: link
 

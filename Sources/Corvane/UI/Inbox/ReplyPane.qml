@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// What is said next: the text, the channel that it goes to, a voice note.
+/// The reply: its text, its channel, or a voice note.
 FocusScope {
     id: pane
 

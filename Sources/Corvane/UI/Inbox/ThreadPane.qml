@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// What was said with one person, and the actions on the conversation.
+/// The messages with one person, and the actions on the conversation.
 FocusScope {
     id: pane
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// How far a message got, as ticks; nothing if there are none to show.
+/// The delivery state of a message, as ticks; empty if there is none.
 Icon {
     required property string ticks
 

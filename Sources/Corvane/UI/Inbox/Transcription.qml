@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// Below a voice note: the way to its text, how far that is, and the text read aloud.
+/// Below a voice note: the button to transcribe it, the progress, the text, and reading it aloud.
 Column {
     id: transcription
 

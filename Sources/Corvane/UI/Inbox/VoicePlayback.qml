@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Inbox
 
-/// A voice note: its shape, name and length; a press plays it, and one on its shape goes elsewhere.
+/// A voice note: waveform, name and length. Pressing the button plays it, pressing the waveform seeks.
 Rectangle {
     id: note
 

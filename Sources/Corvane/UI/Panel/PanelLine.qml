@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Panel
 
-/// A line of the panel that leads to its subject.
+/// A line of the panel that opens its subject.
 T.AbstractButton {
     id: line
 

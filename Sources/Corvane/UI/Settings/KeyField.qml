@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Settings
 
-/// Shows a key of the desktop, and takes another one as it is pressed.
+/// Shows a global shortcut, and records another one when it is pressed.
 Button {
     required property HotKey hotKey
 

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Corvane.Controls
 import Corvane.Shell
 
-/// One hub: its word, what waits in it, and the underline of the chosen one.
+/// One hub: its label, its badge, and the underline of the selected one.
 T.AbstractButton {
     id: control
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Shell
 
-/// What needs to be known on every screen, one line each; it takes no space if there is nothing.
+/// The notices for every screen, one line each; takes no space without any.
 Column {
     id: bar
 

@@ -4,7 +4,7 @@ import Corvane.Controls
 import Corvane.Inbox
 import Corvane.Shell
 
-/// Over everything: a few letters lead to a person or an action.
+/// The palette over the window: a few letters find a person or an action.
 T.Popup {
     id: popup
 

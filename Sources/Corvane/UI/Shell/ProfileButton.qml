@@ -72,7 +72,7 @@ T.AbstractButton {
     onOffersWorkspacesChanged: placeWorkspaces()
     Component.onCompleted: if (offersWorkspaces) placeWorkspaces()
 
-    // Created while signed in, it is told twice.
+    // If it is created while signed in, it gets two signals.
     function placeWorkspaces() {
         const placed = menu.menuAt(2) === workspaces;
         if (offersWorkspaces && !placed)

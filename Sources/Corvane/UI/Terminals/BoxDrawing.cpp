@@ -214,7 +214,7 @@ private:
         m_painter.strokePath(path, QPen(m_painter.pen().color(), m_light));
     }
 
-    /// A double line is two, one thickness apart from the middle.
+    /// A double line is two lines, each one thickness away from the centre.
     void horizontal(int left, int right, int up, int down)
     {
         const int cross = std::max(up, down);
@@ -230,7 +230,7 @@ private:
                     fill(from, m_middleY - (thick - m_light) / 2, to - from, thick);
                     continue;
                 }
-                // Within a corner or a junction of double lines each rail stops at its own partner.
+                // In corners and junctions of double lines, each line ends at its counterpart.
                 for (const int rail : { -1, 1 }) {
                     const bool opens = (rail < 0 ? up : down) == 3;
                     const int inner
@@ -342,7 +342,7 @@ void paintBraille(QPainter& painter, int dots, int width, int height)
     }
 }
 
-/// U+1FB00 to U+1FB3B: the patterns of two by three without those that are blocks elsewhere.
+/// U+1FB00 to U+1FB3B: the two-by-three patterns, without those that exist as other blocks.
 void paintSextant(QPainter& painter, int index, int width, int height)
 {
     int pattern = index + 1;

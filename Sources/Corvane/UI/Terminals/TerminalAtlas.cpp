@@ -10,7 +10,7 @@ constexpr int pictureWidth = 1024;
 constexpr int firstHeight = 256;
 constexpr int mostHeight = 4096;
 
-/// No two images of any atlas have the same one.
+/// Unique among the images of all atlases.
 uint64_t nextVersion()
 {
     static uint64_t last = 0;
@@ -27,7 +27,7 @@ TerminalAtlas::TerminalAtlas(int cellHeight)
 
 void TerminalAtlas::clear()
 {
-    // As a texture has it, so that it need not be converted.
+    // In the format of textures, so that it need not be converted.
     m_picture = QImage(pictureWidth, std::max(firstHeight, m_cellHeight), QImage::Format_RGBA8888_Premultiplied);
     m_picture.fill(Qt::transparent);
     m_picture.setPixel(white.topLeft(), 0xffffffff);

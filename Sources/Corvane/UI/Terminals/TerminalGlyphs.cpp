@@ -12,14 +12,14 @@ namespace corvane {
 
 namespace {
 
-/// A sequence of signs is one picture only where all of it comes from one font.
+/// A sequence is one glyph only if all of it comes from one font.
 bool isEmoji(std::u32string_view text)
 {
     constexpr char32_t asPicture = 0xfe0f;
     return text[0] >= 0x1f000 || text.find(asPicture) != std::u32string_view::npos;
 }
 
-/// The picture, drawn in white, as a mask where it is of one colour.
+/// Draws it in white; the result becomes a mask if it has one colour.
 TerminalGlyph glyphOf(const QImage& image, int margin)
 {
     TerminalGlyph glyph;
@@ -123,7 +123,7 @@ TerminalGlyph TerminalGlyphs::draw(std::u32string_view text, int cells, Face fac
         const QString string = QString::fromUcs4(text.data(), qsizetype(text.size()));
         const QFont& font = isEmoji(text) ? m_emojiFont : m_fonts[face];
         painter.setFont(font);
-        // A stand-in from another font may be too wide; it gets smaller rather than cut.
+        // A fallback font's glyph may be too wide; it is scaled down instead of cut.
         const double advance = QFontMetricsF(font).horizontalAdvance(string);
         const double scale = advance > space + 0.5 ? space / advance : 1;
         const double slack = cells > 1 ? std::max(0.0, (space - advance * scale) / 2) : 0;
@@ -144,7 +144,7 @@ const TerminalGlyph& TerminalGlyphs::wave()
     const double swing = std::max(1.0, (m_cellHeight - m_ascent) / 3.0);
     const double middle = m_cellHeight - swing - m_lineWidth / 2.0;
     QPolygonF wave;
-    for (int x = -1; x <= m_cellWidth + 1; ++x) // past the edges, where the next one goes on
+    for (int x = -1; x <= m_cellWidth + 1; ++x) // beyond the edges, so that neighbours join
         wave.append(QPointF(x, middle + swing * std::sin(2 * M_PI * x / m_cellWidth)));
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);

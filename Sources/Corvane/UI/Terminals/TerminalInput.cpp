@@ -38,7 +38,7 @@ int buttonNumber(Qt::MouseButton button)
     }
 }
 
-/// Addresses that may be opened: what a program writes must not start anything else.
+/// The address schemes that may be opened: terminal output must not start anything else.
 bool mayOpen(const QString& address)
 {
     static const QRegularExpression allowed(u"^(https?|mailto|ftp):"_s, QRegularExpression::CaseInsensitiveOption);
@@ -63,7 +63,7 @@ bool TerminalItem::event(QEvent* event)
         key->setAccepted(m_session && m_session->isRunning() && !belongsToWindow(*key));
         return true;
     }
-    // Tab is the program's, too.
+    // Tab goes to the program, too.
     if (event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
         keyPressEvent(key);
@@ -100,7 +100,7 @@ void TerminalItem::keyPressEvent(QKeyEvent* event)
     if (modifiers == Qt::ShiftModifier && key == Qt::Key_Insert)
         return Q_EMIT pasteRequested(QGuiApplication::clipboard()->text(QClipboard::Selection));
     const bool sent = sendKey(*event, event->isAutoRepeat() ? KeyAction::Repeat : KeyAction::Press);
-    // A modifier alone scrolls nowhere.
+    // A modifier alone does not scroll.
     if (sent && m_session->scrollTop() != 0)
         m_session->scrollTo(0);
     setCursorOn(true);
@@ -187,7 +187,7 @@ void TerminalItem::select(SelectionMode mode, QPointF to)
     look();
 }
 
-/// With Shift the mouse is the window's, whatever the program asked for.
+/// With Shift the mouse selects, even if the program tracks it.
 void TerminalItem::mousePressEvent(QMouseEvent* event)
 {
     forceActiveFocus(Qt::MouseFocusReason);
@@ -243,7 +243,7 @@ void TerminalItem::mouseMoveEvent(QMouseEvent* event)
     }
     if (!m_pressed || !m_session)
         return;
-    // Beyond an edge the text follows.
+    // Beyond an edge the view scrolls.
     if (event->position().y() < 0)
         m_session->scrollTo(m_session->scrollTop() - 1);
     else if (event->position().y() > height())

@@ -136,7 +136,7 @@ void TerminalItem::itemChange(ItemChange change, const ItemChangeData& data)
     }
 }
 
-/// Brings what is shown up to date. The program is told of a new size here, once for all changes before a frame.
+/// Updates what is shown. A new size is passed to the program here, once per frame.
 void TerminalItem::updatePolish()
 {
     if (!m_session || !m_painter || !isSeen())
@@ -308,7 +308,7 @@ int TerminalItem::cursorOffset() const
     return int(offset + std::min<qsizetype>(m_snapshot.cursor.column, lines.at(row).size()));
 }
 
-/// Readers are told what changed, as of a text that is edited.
+/// Reports changes to screen readers, as for an edited text.
 void TerminalItem::announceText()
 {
     if (!QAccessible::isActive())

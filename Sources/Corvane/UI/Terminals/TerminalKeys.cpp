@@ -52,13 +52,13 @@ constexpr char32_t keypadOperators[][2] = { { '.', keys::keypadDecimal }, { '/',
     { '*', keys::keypadMultiply }, { '-', keys::keypadSubtract }, { '+', keys::keypadAdd }, { '=', keys::keypadEqual },
     { ',', keys::keypadSeparator } };
 
-/// A US keyboard by evdev's numbers: what each key types without Shift and with it, from number 2 on.
+/// A US keyboard by evdev key codes, from code 2: the characters without and with Shift.
 constexpr std::u32string_view usPlain = U"1234567890-=\0\0qwertyuiop[]\0\0asdfghjkl;'`\0\\zxcvbnm,./"sv;
 constexpr std::u32string_view usShifted = U"!@#$%^&*()_+\0\0QWERTYUIOP{}\0\0ASDFGHJKL:\"~\0|ZXCVBNM<>?"sv;
 
 char32_t usKey(const QKeyEvent& event, std::u32string_view of)
 {
-    // The X server and Wayland's clients count from 8.
+    // X11 and Wayland key codes are evdev's plus 8.
     const auto place = event.nativeScanCode() - 8 - 2;
     return event.nativeScanCode() >= 10 && place < of.size() ? of[place] : 0;
 }
@@ -110,7 +110,7 @@ std::optional<KeyEvent> terminalKey(const QKeyEvent& event, KeyAction action)
             }
         }
     }
-    // Ctrl and a letter type a control character; the key tells which letter it was.
+    // With Ctrl, the text is a control character; the letter comes from the key.
     const char32_t symbol = event.key() < 0x110000 ? char32_t(event.key()) : firstOf(typed);
     if (symbol == 0)
         return result.text.empty() ? std::nullopt : std::optional(result);

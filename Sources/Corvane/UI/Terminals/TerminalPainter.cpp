@@ -88,7 +88,7 @@ private:
     QSize m_size;
 };
 
-/// Gathers what a picture would show.
+/// Collects what a picture would show, as quads.
 class QuadCanvas {
 public:
     QuadCanvas(TerminalAtlas& atlas, QSize size)
@@ -185,7 +185,7 @@ TerminalPainter::Ink TerminalPainter::inkOf(const Style& style, const TerminalLo
     };
     const bool hasGround = style.background.kind() != Color::Kind::Default || style.has(Style::Reverse);
     Ink ink { colorOf(style.foreground, look.text()), colorOf(style.background, look.ground()), hasGround };
-    // On a ground that the program did not choose, its 16 colours must be readable.
+    // On the default background, the 16 colours must be readable.
     if (!hasGround && style.foreground.kind() == Color::Kind::Indexed && style.foreground.index() < 16)
         ink.text = m_readable[style.foreground.index()];
     if (style.has(Style::Reverse))
@@ -253,7 +253,7 @@ template <typename Canvas> void TerminalPainter::draw(Canvas& canvas, const Show
     const int cellWidth = m_glyphs.cellWidth();
     const int count = std::min(int(row.cells.size()), canvas.width() / cellWidth);
 
-    // All grounds first, since characters may stand out of their cells.
+    // All backgrounds first, since glyphs may exceed their cells.
     for (int from = 0; from < count;) {
         int to = from + 1;
         while (to < count && row.cells[size_t(to)].style() == row.cells[size_t(from)].style())

@@ -30,12 +30,12 @@ TerminalScene::TerminalScene()
     , m_above(new QSGTransformNode)
     , m_marks(new QSGTransformNode)
 {
-    // The software renderer knows where children belong that come later only below nodes that have a place themselves.
+    // The software renderer can only insert later children below nodes that have a geometry themselves.
     for (QSGNode* group : { m_ground, m_below, m_rows, m_above, m_marks })
         appendChildNode(group);
 }
 
-// The nodes go before the material that they share.
+// The nodes are destroyed before the material that they share.
 TerminalScene::~TerminalScene()
 {
     clear(m_rows);
@@ -75,7 +75,7 @@ void TerminalScene::updateRows(const TerminalItem& item)
         QSGTransformNode* node = m_rowNodes.take(strip.number);
         if (!node) {
             node = new QSGTransformNode;
-            // The software renderer asks a picture for its texture as soon as it is in the scene.
+            // The software renderer reads the texture as soon as the node is in the scene.
             node->appendChildNode(rowNode(item, strip));
             m_rows->appendChildNode(node);
         }
@@ -126,7 +126,7 @@ void TerminalScene::updateImages(const TerminalItem& item)
         }
         QRectF area(item.cellRect(int(view.top - snapshot.top), view.left).topLeft(),
             item.cellRect(int(view.bottom - snapshot.top), view.right).topLeft());
-        // One that fills its cells but for a rest is shown pixel by pixel.
+        // An image that nearly fills its cells is shown unscaled.
         const QSizeF natural = QSizeF(view.sourceWidth, view.sourceHeight) / item.m_ratio;
         const QSizeF cell = item.cellRect(0, 0).size();
         const bool fits = natural.width() <= area.width() && natural.width() > area.width() - cell.width()
@@ -166,7 +166,7 @@ void TerminalScene::updateMarks(const TerminalItem& item)
     const Snapshot& snapshot = item.m_snapshot;
     const int columns = snapshot.size.columns;
     const auto rows = int64_t(snapshot.rows.size());
-    // From one place to another, the end included; a block has the same columns in each row.
+    // From one position to another, inclusive; a block has the same columns in each row.
     const auto mark = [&](Position first, Position last, bool isBlock, QColor color) {
         for (int64_t row = std::max(first.row, snapshot.top); row <= std::min(last.row, snapshot.top + rows - 1);
             ++row) {
@@ -250,7 +250,7 @@ void TerminalScene::addPreedit(const TerminalItem& item, QRectF at)
 {
     const QImage picture = item.m_painter->preedit(item.m_preedit, item.m_look);
     const QSizeF size = QSizeF(picture.size()) / item.m_ratio;
-    // What does not fit to the right of the cursor is shown from further left.
+    // A preedit text that does not fit to the right of the cursor starts further left.
     const qreal left = std::max(0.0, std::min(at.x(), item.width() - size.width()));
     addPicture(item, picture, { QPointF(left, at.y()), size });
 }

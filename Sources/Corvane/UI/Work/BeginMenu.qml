@@ -17,7 +17,7 @@ MenuButton {
     text: qsTr("Begin")
 
     Instantiator {
-        model: button.actions.length // an open menu stays while rows change
+        model: button.actions.length // an open menu stays open while rows change
         delegate: MenuItem {
             required property int index
             readonly property workAction entry: button.actions[index] ?? button.none

@@ -2,7 +2,7 @@ import QtQuick
 import QtQml
 import Corvane.Controls
 
-/// One word of a list, or every one of them.
+/// Filters by one word of a list, or by none.
 MenuButton {
     id: button
 
@@ -22,7 +22,7 @@ MenuButton {
         onTriggered: button.picked("")
     }
     Instantiator {
-        model: button.choices.length // an open menu stays while the words are read again
+        model: button.choices.length // an open menu stays open while the words are reloaded
         delegate: MenuItem {
             required property int index
             readonly property string word: button.choices[index] ?? ""

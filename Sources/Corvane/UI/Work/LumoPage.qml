@@ -7,7 +7,7 @@ WorkPage {
     id: page
 
     required property LumoHub hub
-    property Component consoleView ///< what stands at the place of that name
+    property Component consoleView ///< shown at the place "console"
 
     shell: hub.shell
     placeView: Component {

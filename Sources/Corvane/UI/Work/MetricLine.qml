@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Work
 
-/// Figures in one line, each with its word.
+/// Figures in one line, each with its label.
 Row {
     id: line
 

@@ -2,7 +2,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Work
 
-/// An order for the chosen terminal. Its own agent picks it up.
+/// An order for the selected terminal, which its agent picks up.
 Column {
     id: box
 

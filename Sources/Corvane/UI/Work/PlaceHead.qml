@@ -1,7 +1,7 @@
 import QtQuick
 import Corvane.Controls
 
-/// The head of a place: its title, a line about it, and what can be created at the right.
+/// The heading of a place: its title, a line about it, and on the right what can be created.
 Item {
     id: head
 

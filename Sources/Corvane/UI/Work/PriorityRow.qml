@@ -1,7 +1,7 @@
 import QtQuick
 import Corvane.Controls
 
-/// A few words, of which one is chosen.
+/// A few options, one of which is selected.
 Column {
     id: row
 

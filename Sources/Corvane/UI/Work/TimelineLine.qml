@@ -7,9 +7,9 @@ Item {
     id: line
 
     required property workEvent event
-    property bool dated ///< the day stands beside the hour
+    property bool dated ///< shows the day beside the time
     property bool open
-    property bool hasBrowser ///< what one kept of a page can be read and played again
+    property bool hasBrowser ///< saved pages can be opened and replayed
 
     signal reportOpened
     signal stepsPlayed

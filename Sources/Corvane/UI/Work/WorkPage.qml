@@ -8,8 +8,8 @@ Page {
     id: page
 
     required property WorkModuleShell shell
-    property Component placeView ///< what stands in the middle while no context is chosen
-    property bool placeActs ///< it answers the commands itself while the keyboard is in it
+    property Component placeView ///< shown in the middle while no context is selected
+    property bool placeActs ///< it handles the commands itself while it has the focus
 
     signal placeActed(command: string)
 
