@@ -20,7 +20,7 @@ namespace {
 using Mode = DictationPanelMode;
 
 constexpr Milliseconds tick { 100 };
-constexpr Milliseconds questionTime { 500 }; ///< until the person is told that the microphone is asked for
+constexpr Milliseconds questionTime { 500 }; ///< until the user is told that the microphone is being requested
 constexpr Milliseconds offTime { 1800 };
 constexpr Milliseconds failureTime { 4000 };
 constexpr Milliseconds stoppedTime { 1600 };
@@ -33,7 +33,7 @@ const QString pushToTalkKey = u"Corvane.dictationAnywhere.pushToTalk"_s;
 const QString cancelKey = u"dictation.cancel"_s;
 const QString filePrefix = u"corvane-dictation-"_s;
 
-/// What a program left that was killed while it listened. One that listens now writes into its file all the time.
+/// Leftovers of a program that was killed while listening. A listening program writes to its file all the time.
 void removeStaleFiles(qint64 nowMs)
 {
     const auto files
@@ -44,7 +44,7 @@ void removeStaleFiles(qint64 nowMs)
     }
 }
 
-/// A control character would press a key: in a terminal a line feed runs a command.
+/// A control character would act like a key: in a terminal, a line feed runs a command.
 QString oneLine(const QString& text)
 {
     QString line = text;
@@ -221,7 +221,7 @@ void DictationAnywhere::beginRecording()
     if (!m_recorder)
         return fail(u"Could not start microphone — its file cannot be written"_s);
     connect(m_recorder.get(), &MicrophoneRecording::interrupted, this, [this](const QString& reason) {
-        // What was said until then is not lost.
+        // Transcribes what was said until then.
         if (m_recorder->elapsedSeconds() > 0)
             stopAndTranscribe();
         else
@@ -347,7 +347,7 @@ MicrophoneRecording* DictationAnywhere::takeRecording()
     if (m_at.shortcuts && !m_at.shortcuts->asksUser())
         m_at.shortcuts->release(cancelKey);
     m_recorder->disconnect(this);
-    m_recorder->deleteLater(); // its own signal may be what brought us here
+    m_recorder->deleteLater(); // this may run inside its signal
     return m_recorder.release();
 }
 

@@ -16,14 +16,14 @@ constexpr quint32 magic = 0x67676d6c; // "ggml"
 constexpr qint32 englishVocabulary = 51864; ///< a multilingual one is larger
 constexpr qsizetype hashedAtOnce = 1 << 20;
 
-/// The head of the file, as it stands in it.
+/// The file header in its binary layout.
 struct Head {
     quint32 magic;
     qint32 vocabulary, audioContext, audioState, audioHeads, audioLayers;
     qint32 textContext, textState, textHeads, textLayers, bands, type;
 };
 
-/// How many bytes a block of so many numbers takes.
+/// The size in bytes of a block of that many numbers.
 struct NumberType {
     qint64 numbers;
     qint64 bytes;
@@ -46,7 +46,7 @@ bool isPlausible(const Head& head)
         && within(head.audioLayers, 1000) && within(head.textLayers, 1000) && within(head.bands, 10'000);
 }
 
-/// Steps over the file's parts.
+/// Skips through the parts of the file.
 class Walk {
 public:
     explicit Walk(QFile& file)
@@ -106,7 +106,7 @@ private:
     QFile& m_file;
 };
 
-/// The tensors of a whisper model: 15 a layer that hears, 24 a layer that writes, and 11 others.
+/// The tensors of a whisper model: 15 per encoder layer, 24 per decoder layer, and 11 others.
 qint64 tensorCount(const Head& head)
 {
     return 11 + 15LL * head.audioLayers + 24LL * head.textLayers;

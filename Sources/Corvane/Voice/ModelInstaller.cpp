@@ -26,7 +26,7 @@ QString inRoot(const SpeechModelStore& store, const QString& fileName)
     return store.modelsRoot() + QLatin1Char('/') + fileName;
 }
 
-/// Where a model stands until it has been checked.
+/// Where a model is stored until it has been checked.
 QString uncheckedPath(const SpeechModelStore& store, const QString& fileName)
 {
     return inRoot(store, fileName) + uncheckedSuffix;
@@ -133,7 +133,7 @@ void ModelInstaller::add(const QString& filePath)
     check(file.fileName(), filePath);
 }
 
-/// Reads the whole model away from the main thread, after a copy of `source` where there is one.
+/// Reads the whole model on another thread, after copying `source` if there is one.
 void ModelInstaller::check(const QString& fileName, const QString& source)
 {
     const QString unchecked = uncheckedPath(m_store, fileName);
@@ -146,7 +146,7 @@ void ModelInstaller::check(const QString& fileName, const QString& source)
     m_work = std::make_shared<Work>();
     const auto inspect
         = [work = m_work, unchecked, source, path = inRoot(m_store, fileName)]() -> Result<ModelFileFacts> {
-        // A file that is no model at all is not copied first.
+        // A file that is not a model is not copied at all.
         if (!source.isEmpty()) {
             if (const auto facts = inspectModelFile(source, {}, work->stop); !facts)
                 return facts;

@@ -15,9 +15,9 @@ constexpr qint64 frameMs = 20;
 constexpr qsizetype frameSize = frameMs * samplesPerMs;
 constexpr int padding = 25; ///< frames
 constexpr qsizetype rememberedLevels = 1000; ///< 20 seconds
-constexpr float quietest = -55; ///< decibels; nothing below is voice
+constexpr float quietest = -55; ///< decibels; anything below is not voice
 constexpr float leastRise = 10; ///< decibels between the pauses and the loudest
-constexpr float rise = 0.3F; ///< the part of it from which on a frame is voice
+constexpr float rise = 0.3F; ///< the share of that range above which a frame is voice
 constexpr qsizetype shortestVoice = 3; ///< frames; a click is shorter
 constexpr qsizetype wantedMs = 4 * 60'000;
 constexpr qsizetype longestMs = 5 * 60'000;
@@ -67,7 +67,7 @@ void SpeechCutter::take(const QList<float>& samples, bool isLast)
     settle(m_voiced.size() - (isLast ? 0 : padding));
 }
 
-/// Says of the frames that are new whether they hold voice, by what the last seconds were like.
+/// Decides which new frames are voice, relative to the last seconds.
 void SpeechCutter::mark(qsizetype frames)
 {
     const qsizetype known = m_voiced.size();
@@ -124,7 +124,7 @@ std::optional<SpeechCut> SpeechCutter::next()
     if (!isEnough)
         return std::nullopt;
     SpeechCut cut = std::exchange(m_cut, {});
-    if (m_inSpeech) // a hard cut: what follows goes on in the next
+    if (m_inSpeech) // a hard cut; the speech continues in the next piece
         m_cut.stretches.append({ 0, m_frame * frameMs });
     return cut;
 }

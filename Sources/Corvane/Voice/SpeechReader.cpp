@@ -60,7 +60,7 @@ QCoro::Task<> SpeechReader::read(QString text, QString language)
     }
     const QString voice = language.isEmpty() ? QLocale::system().name().section(QLatin1Char('_'), 0, 0) : language;
     const QString path = m_folder.filePath(u"speech.wav"_s);
-    for (const QString& each : { voice, u"en"_s }) { // where the first is none of its voices
+    for (const QString& each : { voice, u"en"_s }) { // if the first voice does not exist
         const QStringList arguments { u"--stdin"_s, u"-v"_s, each, u"-w"_s, path };
         const auto result = co_await m_tools.run(program, arguments, text.toUtf8(), cancel);
         if (!self || cancel.isCancelled())

@@ -31,7 +31,7 @@ std::unexpected<SpeechTranscriberError> failed(Kind kind)
     return std::unexpected(SpeechTranscriberError { .kind = kind });
 }
 
-/// Another route would end the same way.
+/// The other recogniser would fail the same way.
 bool isFinal(const SpeechTranscriberError& error)
 {
     return error.kind == Kind::MissingPermission || error.kind == Kind::Cancelled
@@ -138,7 +138,7 @@ QCoro::Task<TranscriptionOutcome> TranscriptionService::transcribe(Transcription
         }
     }
     const auto route = basicRoute(request);
-    if (!route) // what the first route says is nearer to the matter
+    if (!route) // the error of the first recogniser is more relevant
         co_return std::unexpected(first.value_or(route.error()));
     co_return co_await take(*route, request);
 }

@@ -10,8 +10,8 @@ namespace corvane {
 class SpeechModelStore;
 class SpeechRecogniser;
 
-/// Transcribes sound on this machine, with a model of the user's or with the basic recogniser, which knows English. The
-/// second is tried if the first fails. Neither runs if nobody speaks.
+/// Transcribes sound on this machine, with a model of the user's or, if that fails, with the basic recogniser, which
+/// knows English. Neither runs if nobody speaks.
 class TranscriptionService {
 public:
     /// All references outlive the service. `models` takes a model file, `basic` needs none.
