@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A channel or shop that the web is connected with.
+/// A channel or shop connected on the web.
 struct WebIntegration {
     QString id;
     QString type;

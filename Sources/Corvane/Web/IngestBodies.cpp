@@ -20,8 +20,8 @@ QString isoTimeWithMs(qint64 ms)
         .toString(Qt::ISODateWithMs);
 }
 
-/// Who reacted is not kept: only the account can have reacted to what a person wrote, and only the person to what the
-/// account wrote. Of a group nobody knows.
+/// Who reacted is not stored: in a direct chat only the account can have reacted to the person's messages, and only
+/// the person to the account's. In a group it is unknown.
 QString reactor(const CloudMessage& message, const IngestChat& chat)
 {
     const bool byAccount = !chat.isGroup && message.direction != "OUT"_L1;

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-// What a push sends, and how it reads an answer.
+// The request bodies of a push, and parsing of the responses.
 
 /// The ids of a new chat, repeated in each of its messages.
 struct IngestChat {
@@ -26,7 +26,7 @@ std::optional<QString> decodeId(const QByteArray& answer);
 
 /// Messages as the bodies of requests.
 struct MessageBodies {
-    QList<QByteArray> bodies; ///< one of each message, or one of all
+    QList<QByteArray> bodies; ///< one per message, or one for all
     qint64 messages = 0;
     QString lastId;
     qint64 lastMs = 0;

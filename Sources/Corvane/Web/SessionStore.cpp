@@ -20,12 +20,12 @@ namespace corvane {
 namespace {
 
 const QString tokenAccount = u"companion.jwt"_s;
-constexpr qint64 linkMs = 10 * 60 * 1000; // in which the browser comes back
+constexpr qint64 linkMs = 10 * 60 * 1000; // for the browser to return
 const QString deviceAccount = u"companion.deviceId"_s;
 
 }
 
-/// A flow goes on only while its owner lives and no newer sign-in, sign-out or shutdown has taken its place.
+/// A flow continues only while its owner exists and no newer sign-in, sign-out or shutdown has replaced it.
 struct SessionStore::Flow {
     QPointer<SessionStore> owner;
     quint64 attempt;
@@ -225,7 +225,7 @@ quint64 SessionStore::beginAttempt()
 
 void SessionStore::cancelAttempt()
 {
-    // First the number, then the abort: the flow wakes up inside the abort, and must find itself superseded.
+    // The number is increased before the abort: the flow resumes inside the abort, and must see that it was replaced.
     ++m_attempt;
     m_client->abortAll();
     m_busy = false;

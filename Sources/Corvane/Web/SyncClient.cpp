@@ -20,7 +20,7 @@ const QString approvedKey = u"Corvane.pushApprovedFor"_s;
 
 }
 
-/// What happens beside a push.
+/// States that do not belong to a push.
 struct SyncClient::Aside {
     static QCoro::Task<> lookUp(SyncClient* self, CancelHandle cancel, QString workspaceId)
     {
@@ -64,7 +64,7 @@ SyncClient::SyncClient(SessionStore& session, LocalDB& db, Scheduler& scheduler,
     , m_tell(scheduler, Milliseconds(100), [this] { Q_EMIT changed(); })
     , m_workspaceChanged(db.notifications().observe(notifications::activeWorkspaceChanged, [this](const Notification&) {
         if (m_review || m_lookingUp)
-            lookUp(); // what is shown is what a push would take
+            lookUp(); // must be what a push would send
     }))
 {
     connect(&m_session, &SessionStore::changed, this, [this] {
@@ -172,7 +172,7 @@ void SyncClient::lookUp()
     const QString workspaceId = activeWorkspaceId(m_db);
     m_lookUp.cancel();
     m_lookUp = {};
-    // To another service or account nothing was pushed yet.
+    // Nothing has been pushed to another service or account yet.
     if (!m_run && m_session.signedIn() && !isApproved() && m_defaults.text(approvedKey))
         startOver();
     m_lookingUp = true;

@@ -22,8 +22,8 @@ class WebClient;
 class SyncClient : public QObject {
     Q_OBJECT
 public:
-    static constexpr int mostThreads = 200; ///< of one push
-    static constexpr int mostMessages = 500; ///< of a chat in one push, and of one request
+    static constexpr int mostThreads = 200; ///< per push
+    static constexpr int mostMessages = 500; ///< per chat in a push, and per request
 
     struct Status {
         enum class Kind { Idle, Syncing, Done, WaitingForWeb, Error, Cancelled };
@@ -34,20 +34,20 @@ public:
         bool operator==(const Status&) const = default;
     };
 
-    /// Of the push that runs, or of the last one.
+    /// The progress of the running or the last push.
     struct Progress {
         int chats = 0;
         int allChats = 0;
-        qint64 messages = 0; ///< that the web took
+        qint64 messages = 0; ///< accepted by the web
         qint64 allMessages = 0;
-        QString title; ///< of the chat that is sent
+        QString title; ///< of the current chat
     };
 
     /// All references outlive the object.
     SyncClient(SessionStore& session, LocalDB& db, Scheduler& scheduler, QObject* parent = nullptr);
     ~SyncClient() override;
 
-    void attach() { m_attached = true; } ///< part of the start; before it nothing is pushed
+    void attach() { m_attached = true; } ///< called by the start sequence; nothing is pushed before
     bool attached() const { return m_attached; }
 
     const Status& status() const { return m_status; }
@@ -113,15 +113,15 @@ private:
     Progress m_progress;
     int m_lastSyncedThreads = 0;
     int m_lastSyncedMessages = 0;
-    qint64 m_newestMs = 0; ///< how far the push has got
+    qint64 m_newestMs = 0; ///< the time of the newest pushed message
     bool m_attached = false;
     bool m_lookingUp = false;
     bool m_writing = false;
     std::optional<PushReview> m_review;
     std::shared_ptr<Run> m_run;
     CancelHandle m_lookUp;
-    CancelHandle m_end; ///< of what is written, with the object
-    Coalescer m_tell; ///< how far the push is
+    CancelHandle m_end; ///< cancels running writes with the object
+    Coalescer m_tell; ///< reports progress
     NotificationCentre::Observation m_workspaceChanged;
     BackgroundQueue m_background; ///< destroyed first: no callbacks afterwards
 };

@@ -17,7 +17,7 @@ namespace corvane {
 namespace {
 
 constexpr Milliseconds betweenTries { 250 };
-constexpr int tries = 20; // of a write, while another program holds the database
+constexpr int tries = 20; // between attempts to write while another program holds the database
 
 QString encoded(const QString& id)
 {
@@ -78,7 +78,7 @@ QCoro::Task<bool> SyncClient::Run::pushDue(Pointer run)
 
 QCoro::Task<bool> SyncClient::Run::pushThread(Pointer run, QString conversationId)
 {
-    // Since the run began it may have gone, or a person may have kept it local.
+    // Since the run started, it may have been deleted or excluded by the user.
     const auto thread = co_await read<std::optional<CloudThread>>(
         run, [conversationId](SqlConnection& db) { return cloudThread(db, conversationId); });
     if (!thread || !run->goesOn())
@@ -284,7 +284,7 @@ QCoro::Task<std::optional<Value>> SyncClient::Run::read(Pointer run, std::functi
     co_return std::nullopt;
 }
 
-/// Never waits in place for another program that writes.
+/// Never blocks on another program's write lock.
 QCoro::Task<bool> SyncClient::Run::store(Pointer run, std::function<void(LocalDB&)> write)
 {
     for (int i = 0; i < tries; ++i) {

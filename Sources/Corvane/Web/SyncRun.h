@@ -60,7 +60,7 @@ private:
     static QCoro::Task<std::optional<Value>> read(Pointer run, std::function<Value(SqlConnection&)> query);
 
     SyncClient* client; ///< until the run is `Gone`
-    const QString base; ///< of the service that a person agreed to
+    const QString base; ///< of the service that the user agreed to
     const QString ingest;
     const QString workspaceId;
     const Batching batching;

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// What the web account is used for, both ways.
+/// The services that use the web account: pulling and pushing.
 struct WebServices {
     /// All references outlive the services.
     WebServices(SessionStore& session, LocalDB& db, Scheduler& scheduler)
