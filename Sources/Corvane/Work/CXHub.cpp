@@ -17,7 +17,7 @@ namespace {
 const QString cx = u"cx"_s;
 constexpr qint64 dayMs = 24LL * 3600 * 1000;
 constexpr qint64 forgottenAfterDays = 60; ///< nobody waits that long for an answer
-constexpr int programWrites = 30; ///< so many messages without one answer are those of a program
+constexpr int programWrites = 30; ///< a sender of that many messages without an answer is a program
 constexpr int peopleRead = 1000;
 constexpr int peopleShown = 200;
 constexpr int messagesShown = 30;
@@ -63,7 +63,7 @@ void CXHub::readPlaces()
     QList<WaitingPerson> waiting = fetchWaitingPeople(m_at.db, now - forgottenAfterDays * dayMs, peopleRead);
     m_automatic = int(waiting.removeIf(isAutomatic));
     waiting = waiting.mid(0, peopleShown);
-    // A client's context names the contact, or bears the person's name.
+    // A client's context refers to the contact, or has the person's name.
     const QList<WorkContextRow> contexts = fetchWorkContexts(m_at.db, cx, 500);
     m_contexts.clear();
     QList<WaitingSeed> seeds;

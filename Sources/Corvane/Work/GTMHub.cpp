@@ -30,7 +30,7 @@ bool isClosed(const QString& stage)
     return isWon(stage) || stage == "Closed Lost"_L1;
 }
 
-/// What is worth how much, by the sign of its currency: different ones are never added up.
+/// The values by currency sign: different currencies are never added up.
 class Sum {
 public:
     void add(const QString& value)
@@ -177,7 +177,7 @@ void GTMHub::moveDeal(const QString& id, int stage)
     if (!write(id, to))
         return;
     m_undo.offer(u"Moved to %1: %2"_s.arg(title, name), [this, id, from, to] {
-        // Whoever moved it on since then meant it.
+        // A newer move must not be undone.
         if (const int now = stageOf(id); now >= 0 && m_stages.at(now)->stage() == to)
             write(id, from);
     });

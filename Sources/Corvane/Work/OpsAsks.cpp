@@ -98,7 +98,7 @@ void OpsAsks::reload()
         seeds.append(askSeed(ask, words));
     m_asks.assign(seeds);
     if (m_answering) {
-        // Somebody else may have answered meanwhile: a second answer takes the place of the first.
+        // If it was answered elsewhere in the meantime, the second answer replaces the first.
         const auto now = fetchOpsAsk(m_at.db, m_answering->id);
         if (now && now->status != "open"_L1 && m_answering->status == "open"_L1) {
             m_answering = now;

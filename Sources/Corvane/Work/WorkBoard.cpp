@@ -151,7 +151,7 @@ void WorkBoard::move(const QString& id, int lane)
     if (!write(id, after))
         return;
     m_undo.offer(u"Moved to %1: %2"_s.arg(m_lanes.name(lane), shownLine(item->title)), [this, id, before, after] {
-        // Whoever moved it on since then meant it.
+        // A newer move must not be undone.
         const auto now = fetchWorkItem(m_db, id);
         if (now && now->status == after)
             write(id, before);
@@ -163,7 +163,7 @@ void WorkBoard::moveBy(const QString& id, int lanes)
     const auto item = fetchWorkItem(m_db, id);
     if (!item)
         return;
-    // From "Other" the way leads back in from the right.
+    // From "Other", moving goes back in from the right.
     move(id, std::clamp(m_lanes.laneOf(item->status) + lanes, 0, m_lanes.other() - 1));
 }
 

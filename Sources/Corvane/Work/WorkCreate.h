@@ -27,7 +27,7 @@ public:
     QString title() const override;
     QString hint() const override; ///< where it will be added
     QString buttonLabel() const override;
-    bool complete() const override { return true; } ///< `submit` tells what is missing
+    bool complete() const override { return true; } ///< `submit` reports what is missing
     QString message() const override; ///< why it was not saved, or what else it will do
     QString messageKind() const override;
 
@@ -57,7 +57,7 @@ Q_SIGNALS:
 private:
     void edited() override;
     void show(const WorkDraft& draft);
-    WorkDraft draft() const; ///< with what the fields hold
+    WorkDraft draft() const; ///< with the content of the fields
     QString riskText() const;
     std::optional<Error> write(const WorkDraft& draft);
 
@@ -66,7 +66,7 @@ private:
     std::optional<WorkPlace> m_chosen;
     QList<WorkContextRow> m_contexts;
     QString m_contextNoun;
-    WorkDraft m_draft; ///< as it began, with what is chosen outside of the fields
+    WorkDraft m_draft; ///< its initial content, and what is chosen outside the fields
     bool m_open = false;
     QString m_error;
 };

@@ -93,7 +93,7 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
     if (title.isEmpty())
         return failure(u"Title is required."_s);
     const QString summary = draft.summary.trimmed();
-    // An item that needs a decision is not there without it.
+    // An item that needs a decision is not saved without it.
     Transaction transaction(db);
     if (!transaction.begun())
         return failure(couldNotSaveItem);

@@ -97,7 +97,7 @@ void WorkDecisions::reload()
         }
     };
     if (!m_module.isEmpty()) {
-        // What waits stands first, whatever its risk and however many were decided.
+        // Pending ones come first, whatever their risk and however many were decided.
         add(fetchWaitingDecisions(m_db, m_module, context, waitingShown), true);
         add(fetchWorkDecisions(m_db, m_module, context, rowsShown), false);
     }

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A decision, as a person reads it before they decide.
+/// A decision, as the screen shows it.
 class WorkDecisionSeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -35,7 +35,7 @@ public:
     bool operator==(const WorkDecisionSeed&) const = default;
 };
 
-/// Knowledge that somebody proposes.
+/// A proposed memory.
 class WorkMemorySeed {
     Q_GADGET
     Q_PROPERTY(QString id MEMBER id)
@@ -63,8 +63,8 @@ class DateWords;
 WorkDecisionSeed decisionSeed(const WorkDecisionRecord& decision, const DateWords& words);
 WorkMemorySeed memorySeed(const WorkMemoryRecord& memory, const DateWords& words);
 
-/// What waits for a person's word in a context or a module, and what was decided. A decision is a record: nothing is
-/// carried out here.
+/// The pending and past decisions and proposed memory of a context or module. A decision is a record: nothing is
+/// executed here.
 class WorkDecisions : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* decisions READ decisions CONSTANT)
@@ -103,7 +103,7 @@ private:
     LocalDB& m_db;
     QString m_module;
     WorkContext m_context;
-    QHash<QString, WorkDecisionRecord> m_seen; ///< as shown: what a person decides about
+    QHash<QString, WorkDecisionRecord> m_seen; ///< as shown: the versions that the user decides on
     QHash<QString, WorkMemoryRecord> m_seenMemory;
     QString m_error;
     RowListModel<WorkDecisionSeed> m_decisions;

@@ -11,7 +11,7 @@ namespace {
 constexpr int allRows = 100'000;
 constexpr int rowsShown = 50;
 
-/// A text of somebody else within a list: further lines stand below its first.
+/// Someone else's text as a list entry: indents the lines after the first.
 QString indented(const QString& text)
 {
     return BodyText::printable(text.trimmed()).replace(u'\n', u"\n  "_s);

@@ -82,7 +82,7 @@ void WorkItemSheet::reload()
     Q_EMIT changed();
 }
 
-/// A field counts where both sides changed it, to different texts; what only one side changed is no question.
+/// A field clashes if both sides changed it differently; a change by one side only is merged.
 void WorkItemSheet::compare()
 {
     m_clashes.clear();

@@ -31,7 +31,7 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(QList<corvane::WorkMetricSeed> metrics READ metrics NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(corvane::WorkHistory* history READ history CONSTANT)
-    Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< open items that are no tickets
+    Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< open items other than tickets
     Q_PROPERTY(corvane::WorkBoard* board READ board CONSTANT)
     Q_PROPERTY(corvane::WorkItemSheet* item READ item CONSTANT)
     Q_PROPERTY(corvane::WorkCreate* create READ create CONSTANT)
@@ -40,7 +40,7 @@ class WorkModuleShell : public QObject {
     Q_PROPERTY(corvane::WorkAgents* agents READ agents CONSTANT)
     Q_PROPERTY(corvane::WorkShells* shells READ shells CONSTANT)
 public:
-    /// `places`: those of the rail that are no contexts.
+    /// `places`: the entries of the rail that are not contexts.
     WorkModuleShell(
         const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
 

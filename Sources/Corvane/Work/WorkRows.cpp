@@ -24,7 +24,7 @@ QString joined(const QStringList& parts, const QString& between = u", "_s)
     return present.join(between);
 }
 
-/// The first letter in upper case: a word of ours or of another writer.
+/// A known or unknown word with its first letter in upper case.
 QString capital(const QString& word)
 {
     return word.isEmpty() ? word : word.first(1).toUpper() + word.sliced(1);

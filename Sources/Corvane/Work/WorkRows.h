@@ -100,7 +100,7 @@ public:
     QString day;
     QString icon;
     QString aloud;
-    QString capture; ///< path of what a browser kept of a page; empty for all else
+    QString capture; ///< path of saved browser evidence; else empty
 
     static constexpr const char* role = "event";
     const QString& key() const { return id; }

@@ -7,8 +7,8 @@ namespace corvane {
 
 namespace {
 
-/// The user's shell behind a text that it is given to print: the text is an argument and never typed, so that nothing
-/// in it can be run.
+/// A command that prints the text and then runs the user's shell: the text is an argument and never typed, so that
+/// nothing in it can be executed.
 terminal::Command shellThatShows(const QString& text, terminal::Command command)
 {
     const std::string program
@@ -46,7 +46,7 @@ WorkShells::WorkShells(
     , m_view(view ? *view : *m_own)
 {
     connect(&m_view, &TerminalsView::changed, this, &WorkShells::changed);
-    // A question is put where the terminal is.
+    // Shows the terminal with the question.
     connect(
         &m_view, &TerminalsView::questionChanged, this, [this] { setOpen(m_open || !m_view.question().isEmpty()); });
 }

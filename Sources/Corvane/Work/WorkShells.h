@@ -38,7 +38,7 @@ private:
 
     const TerminalsView::Surroundings m_at;
     const QString m_module;
-    const std::unique_ptr<TerminalsView> m_own; ///< null in a view of somebody else
+    const std::unique_ptr<TerminalsView> m_own; ///< null if the view belongs to someone else
     TerminalsView& m_view;
     bool m_open = false;
 };

@@ -17,7 +17,7 @@ namespace {
 constexpr int linesOnPage = 100;
 constexpr int packetMessages = 12;
 constexpr int packetRows = 12;
-constexpr int shortestSource = 4; ///< letters of a title that says which row an answer means
+constexpr int shortestSource = 4; ///< of a title that is recognised in an answer
 
 QString block(const QStringList& lines)
 {
@@ -88,7 +88,7 @@ QString terminalChatPrompt(LocalDB& db, const WorkContextRow& context, const QSt
 {
     const QString module = lowered(context.module);
     QStringList messages;
-    // The oldest 200: agents know this packet, and count on what it holds.
+    // The oldest 200: agents rely on the content of this packet.
     for (const WorkMessageRecord& row : fetchWorkMessages(db, module, context.id, 200))
         messages.append(
             u"- [%1] %2: %3"_s.arg(row.createdAt, row.speaker.isEmpty() ? row.role : row.speaker, row.body));
@@ -209,7 +209,7 @@ void WorkTerminalChat::dismissError()
     Q_EMIT changed();
 }
 
-/// The answer goes to the context of the question, wherever the person went meanwhile.
+/// The answer goes to the context of the question, even if another one was selected meanwhile.
 QCoro::Task<> WorkTerminalChat::run(WorkContextRow context, QString question, std::optional<QString> askId)
 {
     const CancelHandle cancel;

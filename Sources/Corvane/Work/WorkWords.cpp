@@ -24,7 +24,7 @@ bool containsAny(const QString& lower, const Signs& signs)
     return std::ranges::any_of(signs, [&](QLatin1StringView sign) { return lower.contains(sign); });
 }
 
-/// The word of the first group that the text has a sign of.
+/// The name of the first group with a word that the text contains.
 std::optional<QString> firstHit(const std::vector<Group>& groups, const QString& text)
 {
     const QString lower = text.toLower();
