@@ -119,7 +119,7 @@ TEST_F(WorkWindow, everyPlaceOfEachHubIsDrawn)
         { std::pair(u"lumo"_s, screens.lumo.shell()), std::pair(u"gtm"_s, screens.gtm.shell()),
             std::pair(u"cx"_s, screens.cx.shell()), std::pair(u"ops"_s, screens.ops.shell()) }) {
         click(u"topnav."_s + hub);
-        for (const TabItem& place : workspace->places())
+        for (const TabItem& place : workspace->rail()->places())
             click(u"work.place:"_s + place.id);
     }
     click(u"work.place:asks"_s);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Browser/BrowserInput.h"
+#include "Browser/DevToolsConnection.h"
 #include "Browser/FrameDecoder.h"
 
 #include <QObject>
@@ -9,7 +10,6 @@
 namespace corvane {
 
 class BrowserPage;
-class DevToolsConnection;
 
 /// The page as pictures, and the input for it. Points are relative to a view of the given size, which shows the frame
 /// at its aspect ratio.
