@@ -257,7 +257,7 @@ void PulseCapture::State::openStream()
     buffer.fragsize = uint32_t(pa_bytes_per_second(&samples)) / piecesPerSecond;
     if (place.input != noInput)
         pa_stream_set_monitor_stream(stream, place.input);
-    // A stream that may be moved is given another source in silence where the wanted one is not there.
+    // If the wanted source is missing, the server would silently move the stream to another one.
     const auto flags = pa_stream_flags_t(
         PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE | PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_AUTO_TIMING_UPDATE);
     if (pa_stream_connect_record(stream, place.source.constData(), &buffer, flags) < 0 && !target.follows)
