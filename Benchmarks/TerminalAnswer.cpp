@@ -1,10 +1,14 @@
 // Asks the terminal that it runs in where the cursor is and times the answers: terminal-answer FILE. The file gets the
-// median and the 99th percentile, in milliseconds: at rest, and each time after 64 kB of output.
+// median and the 99th percentile, in milliseconds: at rest, and each time after 64 kB of output. With "alone" behind
+// the file it runs in a pseudo-terminal of its own, whose other end does nothing but read and answer.
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <pty.h>
 #include <string>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 #include <vector>
@@ -25,7 +29,11 @@ double millisecondsToAnswer()
 {
     const auto begin = std::chrono::steady_clock::now();
     print("\x1b[6n");
-    for (char letter = 0; letter != 'R' && read(STDIN_FILENO, &letter, 1) == 1;) { }
+    char answer[64];
+    ssize_t count = 0;
+    do
+        count = read(STDIN_FILENO, answer, sizeof answer);
+    while (count > 0 && answer[count - 1] != 'R');
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
 }
 
@@ -40,10 +48,29 @@ void measure(std::FILE* file, const char* name, const std::string& before, size_
     std::fprintf(file, "%-12s p50 %.3f ms, p99 %.3f ms\n", name, times[rounds / 2], times[rounds * 99 / 100]);
 }
 
+/// Answers whoever ends a piece of output with a question.
+int answerAlone(int terminal)
+{
+    char buffer[64 * 1024];
+    constexpr char question[] = { '6', 'n' };
+    for (ssize_t count = 0; (count = read(terminal, buffer, sizeof buffer)) > 0;) {
+        if (count >= 2 && std::memcmp(buffer + count - 2, question, 2) == 0 && write(terminal, "\x1b[1;1R", 6) != 6)
+            return 1;
+    }
+    int status = 0;
+    wait(&status);
+    return WEXITSTATUS(status);
+}
+
 }
 
 int main(int count, char** arguments)
 {
+    if (count > 2) {
+        int terminal = -1;
+        if (forkpty(&terminal, nullptr, nullptr, nullptr) != 0)
+            return answerAlone(terminal);
+    }
     termios settings;
     if (count < 2 || tcgetattr(STDIN_FILENO, &settings) != 0)
         return 2;

@@ -1,5 +1,5 @@
 // A program that writes 100 MB into a terminal: to somebody who only reads it, through the session alone, with the
-// transcript, and in a window.
+// transcript, and in a window. How soon a key is seen, and what drawing costs.
 
 #include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
@@ -12,6 +12,7 @@
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
+#include <cerrno>
 #include <poll.h>
 #include <unistd.h>
 
@@ -100,16 +101,52 @@ void withTranscript(benchmark::State& state)
     report(state);
 }
 
+struct Shown {
+    Shown()
+    {
+        window.resize(200 * 8 + 4, 50 * 17 + 4);
+        item.setParentItem(window.contentItem());
+        item.setSize(window.size());
+        window.show();
+    }
+
+    QQuickWindow window;
+    TerminalItem item;
+};
+
+/// From a key to the frame that shows what the system echoes of it.
+void keyToFrame(benchmark::State& state)
+{
+    SystemScheduler scheduler;
+    Shown shown;
+    TerminalItem& item = shown.item;
+    LumoTerminalSession session({ .title = u"cat"_s, .command = { "/bin/cat", {}, {}, {}, {} } }, scheduler);
+    item.setSession(&session);
+    bool isDrawn = false;
+    QObject::connect(&shown.window, &QQuickWindow::frameSwapped, [&isDrawn] { isDrawn = true; });
+    const auto awaitFrame = [&isDrawn] {
+        isDrawn = false;
+        while (!isDrawn)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    };
+    awaitFrame();
+    for (auto _ : state) {
+        const QVariant before = item.inputMethodQuery(Qt::ImCursorRectangle);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, u"x"_s);
+        QCoreApplication::sendEvent(&item, &key);
+        while (item.inputMethodQuery(Qt::ImCursorRectangle) == before)
+            awaitFrame();
+    }
+    item.setSession(nullptr);
+}
+
 void inWindow(benchmark::State& state)
 {
     const QString path = fileOf(folder(), state.range(0));
     SystemScheduler scheduler;
-    QQuickWindow window;
-    window.resize(200 * 8 + 4, 50 * 17 + 4);
-    TerminalItem item;
-    item.setParentItem(window.contentItem());
-    item.setSize(window.size());
-    window.show();
+    Shown shown;
+    QQuickWindow& window = shown.window;
+    TerminalItem& item = shown.item;
     QElapsedTimer frame;
     double total = 0;
     double longest = 0;
@@ -177,6 +214,7 @@ BENCHMARK(readAlone)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMilli
 BENCHMARK(sessionAlone)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(withTranscript)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(inWindow)->ArgName("colored")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(keyToFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(repaint)->ArgName("quads")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(wholeSnapshot)->ArgName("changed")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
