@@ -4,6 +4,7 @@
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/Print.h"
+#include "Support/RealDecoder.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Terminals/DevProcessInspector.h"
@@ -139,6 +140,7 @@ TEST_F(Terminals, aFileInTheOutputOpensInTheEditorElseInTheDesktopsProgram)
     EXPECT_EQ(editor.label(), u"notes.txt"_s);
     editor.view({ 60, 10 });
     EXPECT_TRUE(awaitText(editor, u"one line"_s));
+    EXPECT_EQ(editor.runningCommand(), u"tail"_s); // closing asks, though it has no shell
 
     qunsetenv("EDITOR");
     view.openLink(path + u":1"_s);
@@ -227,6 +229,34 @@ TEST_F(Terminals, aProgramNotifiesTheUserAndItsPromptsAreFound)
     EXPECT_EQ(after(true), last - 31);
     EXPECT_EQ(after(true), last);
     EXPECT_EQ(after(true), 0);
+}
+
+TEST_F(Terminals, aProgramTellsHowFarItIsAndChoosesThePointer)
+{
+    LumoTerminalSession& session
+        = open(R"(printf '\033]9;4;1;40\007\033]22;wait\007'; read x; printf '\033]9;4;0\007\033]22;\007'; cat)");
+    EXPECT_TRUE(await([&] { return session.progress().percent == 40 && session.pointer() == u"wait"_s; }));
+    session.send(u"\n"_s);
+    EXPECT_TRUE(
+        await([&] { return session.progress() == TerminalRequests::Progress() && session.pointer().isEmpty(); }));
+}
+
+TEST_F(Terminals, aPictureThatIsNotPngIsDecodedInItsOwnProcess)
+{
+    RealDecoder real;
+    LumoTerminalSession session(
+        { .title = u"t"_s,
+            .command = script(
+                "printf '\\033]1337;File=inline=1:R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw==\\007'; "
+                "cat") },
+        clock, &real.decoder);
+    session.view({ 60, 10 });
+    terminal::Snapshot snapshot;
+    const std::vector<uint8_t> red { 255, 0, 0, 255 };
+    EXPECT_TRUE(await([&] {
+        session.snapshot(snapshot);
+        return !snapshot.images.empty() && snapshot.images.begin()->second.bitmap.pixels == red;
+    }));
 }
 
 TEST_F(Terminals, aShellStartsInItsFolderOrAtHome)

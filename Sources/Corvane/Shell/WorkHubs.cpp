@@ -26,7 +26,7 @@ WorkModuleShell* shellOf(Screens& screens, const QString& module)
 WorkServices workServices(CorvaneApp& app)
 {
     return { app.db(), app.scheduler(), app.ai().ai, app.notifications(),
-        { app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask() } };
+        { app.scheduler(), app.defaults(), app.desktop(), app.paths().home, app.userUmask(), &app.decoder() } };
 }
 
 QList<Command> workCommands()

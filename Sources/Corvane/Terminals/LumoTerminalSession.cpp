@@ -1,6 +1,8 @@
 #include "Terminals/LumoTerminalSession.h"
 
 #include "Foundation/Redaction.h"
+#include "Terminals/ShellCommand.h"
+#include "Terminals/TerminalPictures.h"
 
 #include <QUuid>
 
@@ -26,7 +28,7 @@ terminal::Config configuration(bool dark)
 
 }
 
-LumoTerminalSession::LumoTerminalSession(Options options, Scheduler& scheduler, QObject* parent)
+LumoTerminalSession::LumoTerminalSession(Options options, Scheduler& scheduler, MediaDecoder* decoder, QObject* parent)
     : QObject(parent)
     , m_id(QUuid::createUuid().toString(QUuid::WithoutBraces))
     , m_options(std::move(options))
@@ -34,6 +36,8 @@ LumoTerminalSession::LumoTerminalSession(Options options, Scheduler& scheduler, 
     , m_startedAt(scheduler.nowMs())
     , m_search(*this, scheduler)
 {
+    if (decoder)
+        m_pictures = new TerminalPictures(*this, *decoder);
 }
 
 LumoTerminalSession::~LumoTerminalSession() = default;
@@ -122,13 +126,27 @@ void LumoTerminalSession::terminate()
 
 QString LumoTerminalSession::runningCommand() const
 {
-    return m_terminal ? QString::fromStdString(m_terminal->foregroundProgram()) : QString();
+    if (!isRunning())
+        return {};
+    const QString program = QString::fromStdString(m_terminal->foregroundProgram());
+    if (!program.isEmpty())
+        return program;
+    // Such as an editor, which has no shell around it.
+    const QString own = QString::fromStdString(terminal::programOf(m_terminal->process()));
+    return isShell(own) ? QString() : own;
 }
 
 void LumoTerminalSession::send(const QString& text)
 {
     if (m_terminal)
         m_terminal->terminal()->type(text.toStdString());
+}
+
+void LumoTerminalSession::showPicture(uint32_t image, terminal::Bitmap bitmap)
+{
+    if (m_terminal)
+        m_terminal->terminal()->setPicture(image, std::move(bitmap));
+    Q_EMIT changed();
 }
 
 bool LumoTerminalSession::snapshot(terminal::Snapshot& snapshot)
@@ -145,6 +163,7 @@ bool LumoTerminalSession::snapshot(terminal::Snapshot& snapshot)
     if (m_scrollTop < 0)
         m_scrollTop = access->isAlternate() ? 0 : access->rowOf(m_scrollPlace);
     access->snapshot(m_scrollTop, snapshot);
+    m_search.follow(*access);
     return true;
 }
 
@@ -212,17 +231,25 @@ void LumoTerminalSession::deliver()
         m_shellDirectory = *requests.directory;
     if (requests.title)
         m_shellTitle = *requests.title;
-    if (requests.title || requests.bell)
+    if (requests.pointer)
+        m_pointer = *requests.pointer;
+    const auto progressBefore = std::exchange(m_progress, requests.progress.value_or(m_progress));
+    if (requests.title || requests.bell || progressBefore != m_progress)
         Q_EMIT labelChanged();
     if (requests.clipboard)
         Q_EMIT clipboardRequested(*requests.clipboard);
     if (requests.notification)
         Q_EMIT notified(requests.notification->title.isEmpty() ? label() : requests.notification->title,
             requests.notification->body);
+    for (const TerminalRequests::Picture& picture : requests.pictures) {
+        if (m_pictures)
+            m_pictures->decode(picture);
+    }
     Q_EMIT changed();
     m_packing = m_scheduler.after(quietBeforePacking, [this] { packHistory(); });
     if (m_childEnded && !m_exit) {
         m_exit = m_terminal->exitStatus();
+        m_progress = {};
         Q_EMIT ended();
     }
 }

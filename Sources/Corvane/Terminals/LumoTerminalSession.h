@@ -12,6 +12,9 @@
 
 namespace corvane {
 
+class MediaDecoder;
+class TerminalPictures;
+
 /// A local shell with its screen and its transcript. The shell starts when the terminal is first shown; the session
 /// keeps the state of a view, so that views can be recreated. Main thread only.
 class LumoTerminalSession : public QObject {
@@ -27,8 +30,9 @@ public:
         terminal::Command command;
     };
 
-    /// The scheduler outlives the session.
-    LumoTerminalSession(Options options, Scheduler& scheduler, QObject* parent = nullptr);
+    /// The scheduler outlives the session, and so does the decoder of pictures, if there is one.
+    LumoTerminalSession(
+        Options options, Scheduler& scheduler, MediaDecoder* decoder = nullptr, QObject* parent = nullptr);
     ~LumoTerminalSession() override;
 
     const QString& id() const { return m_id; }
@@ -56,6 +60,7 @@ public:
     const std::optional<terminal::ExitStatus>& exitStatus() const { return m_exit; } ///< none while it runs
     QString runningCommand() const; ///< the foreground program; empty if the shell is waiting
     void send(const QString& text); ///< as if typed
+    void showPicture(uint32_t image, terminal::Bitmap bitmap);
 
     /// What the view shows, from `scrollTop` on. False while the program uses synchronised output.
     bool snapshot(terminal::Snapshot& snapshot);
@@ -70,6 +75,8 @@ public:
     TerminalSearch* search() { return &m_search; }
     bool attention() const { return m_attention; } ///< the bell rang since the user last looked
     void clearAttention();
+    const QString& pointer() const { return m_pointer; } ///< the shape that a program requested
+    const TerminalRequests::Progress& progress() const { return m_progress; } ///< of the running program
 
 Q_SIGNALS:
     void changed(); ///< something may need to be redrawn
@@ -96,6 +103,9 @@ private:
     terminal::PaletteState m_colors = terminal::Palette().initial;
     bool m_dark = true;
     bool m_attention = false;
+    QString m_pointer;
+    TerminalRequests::Progress m_progress;
+    TerminalPictures* m_pictures = nullptr;
     int64_t m_scrollTop = 0;
     terminal::HistoryPlace m_scrollPlace;
     TerminalSearch m_search;

@@ -20,6 +20,13 @@ terminal::Command shellCommand(const QString& directory, std::optional<mode_t> u
     return command;
 }
 
+bool isShell(const QString& program)
+{
+    static const QStringList known { u"sh"_s, u"bash"_s, u"dash"_s, u"zsh"_s, u"fish"_s, u"ksh"_s, u"mksh"_s, u"csh"_s,
+        u"tcsh"_s, u"nu"_s, u"elvish"_s, u"xonsh"_s, u"pwsh"_s };
+    return known.contains(program) || program == QFileInfo(QString::fromStdString(terminal::loginShell())).fileName();
+}
+
 QString resolvedDirectory(const QString& wanted, const QString& home)
 {
     const bool isOfHome = wanted == u'~' || wanted.startsWith("~/"_L1);

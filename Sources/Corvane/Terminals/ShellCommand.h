@@ -12,6 +12,9 @@ namespace corvane {
 /// `umask` is that of the user's own programs.
 terminal::Command shellCommand(const QString& directory, std::optional<mode_t> umask);
 
+/// Whether a program of this name waits for commands, so that it may be ended while it does.
+bool isShell(const QString& program);
+
 /// Where a shell starts: `wanted` with "~" expanded, if that folder exists; else "nimb" in the home folder if it
 /// exists, else the home folder.
 QString resolvedDirectory(const QString& wanted, const QString& home);

@@ -59,4 +59,28 @@ void TerminalEvents::notification(const terminal::Notification& notification)
     m_requests.notification = { text(notification.title), text(notification.body) };
 }
 
+void TerminalEvents::pointerShape(std::string_view shape)
+{
+    const std::lock_guard lock(m_lock);
+    m_requests.pointer = text(shape);
+}
+
+void TerminalEvents::progress(terminal::ProgressState state, int percent)
+{
+    const std::lock_guard lock(m_lock);
+    m_requests.progress = { state, percent };
+}
+
+void TerminalEvents::imageToDecode(uint32_t image, int width, int height, std::span<const uint8_t> file)
+{
+    constexpr qsizetype most = 64 << 20;
+    const std::lock_guard lock(m_lock);
+    qsizetype waiting = qsizetype(file.size());
+    for (const TerminalRequests::Picture& picture : std::as_const(m_requests.pictures))
+        waiting += picture.file.size();
+    if (waiting <= most)
+        m_requests.pictures.append(TerminalRequests::Picture { image, QSize(width, height),
+            QByteArray(reinterpret_cast<const char*>(file.data()), qsizetype(file.size())) });
+}
+
 }

@@ -86,6 +86,26 @@ void TerminalSearch::update()
         m_later = m_scheduler.after(pause, [this] { search(); });
 }
 
+/// Releases the terminal between the steps, so that a program that prints does not wait for the search.
+void TerminalSearch::find(terminal::Pattern pattern)
+{
+    terminal::SearchRun run(std::move(pattern), most);
+    for (bool goesOn = true; goesOn;) {
+        const auto access = m_session.terminal()->terminal();
+        goesOn = access->search(run);
+        m_newest = access->placeInHistory(-1);
+    }
+    m_matches = run.matches();
+    m_generation = run.generation();
+    m_shift = 0;
+}
+
+void TerminalSearch::follow(terminal::Terminal& terminal)
+{
+    const bool hasMoved = m_shown && !m_matches.empty() && terminal.generation() != m_generation;
+    m_shift = hasMoved ? std::min<int64_t>(0, terminal.rowOf(m_newest) + 1) : 0;
+}
+
 /// Keeps the current match by the number of matches after it.
 void TerminalSearch::search()
 {
@@ -98,10 +118,10 @@ void TerminalSearch::search()
             m_regex ? terminal::Pattern::Kind::Regex : terminal::Pattern::Kind::Literal,
             m_matchCase ? terminal::Pattern::Case::Sensitive : terminal::Pattern::Case::Insensitive);
         m_malformed = !pattern;
-        const auto access = m_session.terminal()->terminal();
-        m_generation = access->generation();
         if (pattern)
-            m_matches = access->search(*pattern, most);
+            find(std::move(*pattern));
+        else
+            m_generation = m_session.terminal()->terminal()->generation();
     }
     m_current = behind > 0 && behind <= m_matches.size() ? std::optional(m_matches.size() - behind) : std::nullopt;
     Q_EMIT changed();
@@ -112,7 +132,7 @@ void TerminalSearch::search()
 void TerminalSearch::show(size_t match)
 {
     m_current = match;
-    const int64_t row = m_matches[match].row;
+    const int64_t row = m_matches[match].row + m_shift;
     const int rows = m_session.terminal()->terminal()->size().rows;
     const int64_t top = m_session.scrollTop();
     if (row < top || row >= top + rows)

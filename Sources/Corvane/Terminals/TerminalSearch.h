@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Foundation/Scheduler.h"
-#include "Terminal/Core/Search.h"
+#include "Terminal/Core/Terminal.h"
 
 #include <QObject>
 #include <optional>
@@ -39,6 +39,9 @@ public:
 
     /// The text has changed: searches again soon if the bar is open.
     void update();
+    /// Before a frame: output has moved what was found in the history.
+    void follow(terminal::Terminal& terminal);
+    int64_t shift() const { return m_shift; } ///< rows to add to those of the matches in the history
     uint64_t generation() const { return m_generation; } ///< the state of the terminal that the matches are valid for
     const std::vector<terminal::SearchMatch>& matches() const { return m_matches; }
     std::optional<size_t> current() const { return m_current; }
@@ -48,6 +51,7 @@ Q_SIGNALS:
 
 private:
     void search();
+    void find(terminal::Pattern pattern);
     void show(size_t match);
 
     LumoTerminalSession& m_session;
@@ -61,6 +65,8 @@ private:
     std::vector<terminal::SearchMatch> m_matches;
     std::optional<size_t> m_current;
     uint64_t m_generation = 0;
+    terminal::HistoryPlace m_newest; ///< the last row of the history at the search
+    int64_t m_shift = 0;
 };
 
 }

@@ -30,6 +30,20 @@ QString quoted(const QString& text)
     return u'“' + line + (line.size() < singleLine(text).size() ? u"…”"_s : u"”"_s);
 }
 
+/// What fills a bar: all of it where the program does not say how far it is.
+qreal shareOf(const TerminalRequests::Progress& progress)
+{
+    constexpr int all = 100;
+    switch (progress.state) {
+    case terminal::ProgressState::None:
+        return 0;
+    case terminal::ProgressState::Indeterminate:
+        return 1;
+    default:
+        return qreal(std::max(1, progress.percent)) / all;
+    }
+}
+
 }
 
 TerminalsView::TerminalsView(Surroundings at, QObject* parent)
@@ -69,8 +83,8 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
 {
     const auto at = std::ranges::find(m_sessions, m_current, &std::unique_ptr<LumoTerminalSession>::get);
     const auto place = at == m_sessions.end() ? at : at + 1;
-    LumoTerminalSession& session
-        = **m_sessions.insert(place, std::make_unique<LumoTerminalSession>(std::move(options), m_at.scheduler));
+    LumoTerminalSession& session = **m_sessions.insert(
+        place, std::make_unique<LumoTerminalSession>(std::move(options), m_at.scheduler, m_at.decoder));
     connect(&session, &LumoTerminalSession::labelChanged, this, &TerminalsView::refresh);
     connect(&session, &LumoTerminalSession::ended, this, [this, &session] { sessionEnded(session); });
     connect(&session, &LumoTerminalSession::notified, this, [this](const QString& title, const QString& body) {
@@ -333,8 +347,10 @@ void TerminalsView::refresh()
     for (const auto& session : m_sessions) {
         if (session.get() == m_current)
             session->clearAttention();
+        const auto& [state, percent] = session->progress();
         tabs.append({ session->id(), session->label(), session.get() == m_current, session->attention(),
-            session->exitStatus().has_value() });
+            session->exitStatus().has_value(), shareOf(session->progress()),
+            state == terminal::ProgressState::Error || state == terminal::ProgressState::Paused });
     }
     m_tabs.assign(tabs);
     Q_EMIT changed();

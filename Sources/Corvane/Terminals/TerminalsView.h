@@ -21,12 +21,16 @@ class TerminalTab {
     Q_PROPERTY(bool selected MEMBER selected)
     Q_PROPERTY(bool attention MEMBER attention)
     Q_PROPERTY(bool ended MEMBER ended)
+    Q_PROPERTY(qreal progress MEMBER progress)
+    Q_PROPERTY(bool stalled MEMBER stalled)
 public:
     QString id;
     QString title;
     bool selected = false;
     bool attention = false; ///< its bell rang since it was last in front
     bool ended = false;
+    qreal progress = 0; ///< the share that its program has done; 1 if that is not known, 0 for none
+    bool stalled = false; ///< the program has paused, or failed
 
     static constexpr const char* role = "entry";
     QString key() const { return id; }
@@ -64,6 +68,7 @@ public:
         Desktop& desktop;
         QString home;
         std::optional<mode_t> umask; ///< of the user's programs; none: that of this process
+        MediaDecoder* decoder = nullptr; ///< of pictures that programs show
     };
 
     /// All references outlive the view.
