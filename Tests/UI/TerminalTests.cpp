@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QStyleHints>
 #include <QTest>
 
 namespace corvane {
@@ -145,6 +146,25 @@ TEST_F(TerminalWindow, aQuestionStandsOverTheTerminalAndIsAnsweredByKey)
     press(Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier);
     press(Qt::Key_Return);
     EXPECT_TRUE(awaitShown(terminal, u"two"_s));
+}
+
+TEST_F(TerminalWindow, blinkingTextGoesAndComesBack)
+{
+    TerminalItem& terminal = open("printf '\\033[5mblink\\033[0m\\r\\nready'; cat");
+    ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
+    QStyleHints& hints = *QGuiApplication::styleHints();
+    const int usual = hints.cursorFlashTime();
+    hints.setCursorFlashTime(0); // only when told to
+    EXPECT_TRUE(terminal.textBlinks());
+    const auto shown = [&](bool on) {
+        terminal.setTextOn(on);
+        const QRectF text = terminal.cellRect(0, 0) | terminal.cellRect(0, 4);
+        return picture().copy(terminal.mapRectToScene(text).toRect());
+    };
+    const QImage before = shown(true);
+    EXPECT_NE(shown(false), before);
+    EXPECT_EQ(shown(true), before);
+    hints.setCursorFlashTime(usual);
 }
 
 TEST_F(TerminalWindow, tenTerminalsRunAndAFloodOutOfSightEndsWhole)

@@ -1,15 +1,10 @@
-#include "Foundation/Literals.h"
-#include "Terminals/FileReference.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/Terminals/TerminalKeys.h"
 
 #include <QClipboard>
 #include <QCursor>
-#include <QDir>
 #include <QGuiApplication>
-#include <QRegularExpression>
 #include <QStyleHints>
-#include <QUrl>
 
 namespace corvane {
 
@@ -36,13 +31,6 @@ int buttonNumber(Qt::MouseButton button)
     default:
         return 0;
     }
-}
-
-/// The address schemes that may be opened: terminal output must not start anything else.
-bool mayOpen(const QString& address)
-{
-    static const QRegularExpression allowed(u"^(https?|mailto|ftp):"_s, QRegularExpression::CaseInsensitiveOption);
-    return allowed.match(address).hasMatch() || fileOfAddress(QUrl(address));
 }
 
 }
@@ -243,15 +231,51 @@ void TerminalItem::mouseMoveEvent(QMouseEvent* event)
     }
     if (!m_pressed || !m_session)
         return;
-    // Beyond an edge the view scrolls.
-    if (event->position().y() < 0)
-        m_session->scrollTo(m_session->scrollTop() - 1);
-    else if (event->position().y() > height())
-        m_session->scrollTo(m_session->scrollTop() + 1);
+    setDrag(event->position(), true);
     const bool hasMoved = m_mode != SelectionMode::Character || positionAt(event->position()) != *m_pressed
         || m_snapshot.selection.has_value();
     if (hasMoved)
         select(m_mode, event->position());
+}
+
+void TerminalItem::setDrag(QPointF position, bool held)
+{
+    m_drag = position;
+    const bool isOut = held && (position.y() < 0 || position.y() > height());
+    if (std::exchange(m_draggedOut, isOut) != isOut)
+        Q_EMIT draggedOutChanged();
+}
+
+void TerminalItem::continueDrag()
+{
+    if (!m_pressed || !m_session || !m_draggedOut)
+        return;
+    m_session->scrollTo(m_session->scrollTop() + (m_drag.y() < 0 ? -1 : 1));
+    select(m_mode, m_drag);
+}
+
+std::optional<Terminal::PromptRange> TerminalItem::outputAt(QPointF position) const
+{
+    if (!m_session || !m_session->terminal())
+        return {};
+    const int64_t row = positionAt(position).row;
+    for (const Terminal::PromptRange& range : m_session->terminal()->terminal()->marks()) {
+        const bool isIn = row >= range.row && (row < range.endRow || (row == range.endRow && range.endColumn > 0));
+        if (range.kind == PromptMark::Output && isIn)
+            return range;
+    }
+    return {};
+}
+
+void TerminalItem::selectOutput(QPointF at)
+{
+    const auto output = outputAt(at);
+    if (!output)
+        return;
+    const Position last = output->endColumn > 0 ? Position { output->endRow, output->endColumn - 1 }
+                                                : Position { output->endRow - 1, m_snapshot.size.columns - 1 };
+    m_session->terminal()->terminal()->selection().set(SelectionMode::Character, { output->row, output->column }, last);
+    look();
 }
 
 void TerminalItem::mouseReleaseEvent(QMouseEvent* event)
@@ -260,6 +284,7 @@ void TerminalItem::mouseReleaseEvent(QMouseEvent* event)
         sendMouse(event->position(), MouseAction::Release, std::exchange(m_buttonOfProgram, 0), event->modifiers());
         return;
     }
+    setDrag({}, false);
     if (!m_pressed || !m_session || !m_session->terminal())
         return;
     m_pressed.reset();
@@ -273,6 +298,7 @@ void TerminalItem::mouseUngrabEvent()
 {
     m_pressed.reset();
     m_buttonOfProgram = 0;
+    setDrag({}, false);
 }
 
 void TerminalItem::hoverMoveEvent(QHoverEvent* event)
@@ -313,85 +339,6 @@ void TerminalItem::wheelEvent(QWheelEvent* event)
     m_wheel -= qreal(lines) * notch / linesOfNotch;
     if (lines != 0)
         m_session->scrollTo(m_session->scrollTop() - lines);
-}
-
-/// The link under the pointer: one that the program marked, else an address in the text. Only while Ctrl is held.
-void TerminalItem::updateHover(QPointF position, Qt::KeyboardModifiers modifiers)
-{
-    const QPoint at = cellAt(position);
-    if (!(modifiers & Qt::ControlModifier) || !contains(position) || at.y() >= int(m_snapshot.rows.size()))
-        return setHover({}, {});
-    const ShownRow& row = m_snapshot.rows[size_t(at.y())];
-    const auto linkAt = [&row](int column) {
-        return column >= 0 && column < int(row.cells.size()) ? row.styleOf(row.cells[size_t(column)]).link : 0;
-    };
-    if (const uint32_t link = linkAt(at.x())) {
-        int from = at.x();
-        int to = at.x() + 1;
-        while (linkAt(from - 1) == link)
-            --from;
-        while (linkAt(to) == link)
-            ++to;
-        QString address;
-        if (m_session && m_session->terminal()) {
-            const auto access = m_session->terminal()->terminal();
-            const std::string_view text = access->linkAddress(link);
-            address = QString::fromUtf8(text.data(), qsizetype(text.size()));
-        }
-        return setHover(mayOpen(address) ? address : QString(), { QRect(from, at.y(), to - from, 1) });
-    }
-    // The whole line, one character a cell, over all of its rows.
-    int first = at.y();
-    while (first > 0 && m_snapshot.rows[size_t(first)].continued)
-        --first;
-    QString line;
-    for (int index = first; index < int(m_snapshot.rows.size()); ++index) {
-        const ShownRow& part = m_snapshot.rows[size_t(index)];
-        if (index > first && !part.continued)
-            break;
-        for (int column = 0; column < m_snapshot.size.columns; ++column) {
-            const Cell cell = column < int(part.cells.size()) ? part.cells[size_t(column)] : Cell();
-            const bool isPlain = !cell.isCluster() && cell.content() >= 0x21 && cell.content() < 0x10000;
-            line += isPlain ? QChar(char16_t(cell.content())) : QChar(u' ');
-        }
-    }
-    // Parentheses belong to the address if they are closed in it.
-    static const QRegularExpression address(
-        uR"(\b(https?://|mailto:)([^\s<>"'`()]|\([^\s<>"'`()]*\))*(\([^\s<>"'`()]*\)|[^\s<>"'`.,;:!?()\]}]))"_s);
-    const qsizetype place = qsizetype(at.y() - first) * m_snapshot.size.columns + at.x();
-    const auto matchAt = [&](const QRegularExpression& pattern) {
-        for (const QRegularExpressionMatch& match : pattern.globalMatch(line)) {
-            if (place >= match.capturedStart() && place < match.capturedEnd())
-                return match;
-        }
-        return QRegularExpressionMatch();
-    };
-    QRegularExpressionMatch match = matchAt(address);
-    if (!match.hasMatch() && m_session) {
-        match = matchAt(fileReferencePattern());
-        if (!fileReference(match.captured(), m_session->currentDirectory(), QDir::homePath()))
-            match = {};
-    }
-    QList<QRect> cells;
-    for (qsizetype index = match.capturedStart(); match.hasMatch() && index < match.capturedEnd(); ++index) {
-        const QPoint cell(int(index % m_snapshot.size.columns), first + int(index / m_snapshot.size.columns));
-        if (cells.isEmpty() || cells.last().y() != cell.y())
-            cells.append(QRect(cell, QSize(1, 1)));
-        else
-            cells.last().setWidth(cells.last().width() + 1);
-    }
-    setHover(match.captured(), cells);
-}
-
-void TerminalItem::setHover(const QString& link, const QList<QRect>& cells)
-{
-    if (link == m_hoveredLink && cells == m_hoveredCells)
-        return;
-    m_hoveredLink = link;
-    m_hoveredCells = link.isEmpty() ? QList<QRect>() : cells;
-    setCursor(link.isEmpty() ? (m_snapshot.tracksMouse ? Qt::ArrowCursor : Qt::IBeamCursor) : Qt::PointingHandCursor);
-    update();
-    Q_EMIT hoveredLinkChanged();
 }
 
 }

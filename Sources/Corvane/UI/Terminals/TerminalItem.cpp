@@ -97,6 +97,18 @@ void TerminalItem::setCursorOn(bool on)
     Q_EMIT cursorOnChanged();
 }
 
+void TerminalItem::setTextOn(bool on)
+{
+    if (std::exchange(m_textOn, on) == on)
+        return;
+    for (Strip& strip : m_strips) {
+        if (strip.blinks)
+            strip.key = {}; // is painted anew
+    }
+    look();
+    Q_EMIT textOnChanged();
+}
+
 bool TerminalItem::isSeen() const
 {
     return isVisible() && window() && window()->isVisible() && width() > 0 && height() > 0;
@@ -149,6 +161,7 @@ void TerminalItem::updatePolish()
     if (!m_session->view(Size { columns, rows, cell.width(), cell.height() }) || !m_session->snapshot(m_snapshot))
         return;
     paintStrips();
+    updatePointer();
     m_session->search()->update();
     update();
     announceText();
@@ -182,7 +195,18 @@ void TerminalItem::paintStrips()
 
 TerminalItem::Strip TerminalItem::paintStrip(const ShownRow& row)
 {
-    Strip strip { row.key, ++m_lastStrip };
+    const bool blinks = std::ranges::any_of(row.styles, [](const Style& style) { return style.has(Style::Blink); });
+    if (blinks && !m_textOn) {
+        ShownRow hidden = row;
+        for (Style& style : hidden.styles) {
+            style.set(Style::Conceal, style.has(Style::Conceal) || style.has(Style::Blink));
+            style.set(Style::Blink, false);
+        }
+        Strip strip = paintStrip(hidden);
+        strip.blinks = true;
+        return strip;
+    }
+    Strip strip { row.key, ++m_lastStrip, blinks };
     if (m_drawsQuads) {
         auto quads = m_painter->quads(row, m_stripColumns, m_look);
         if (quads && quads->size() <= TerminalTextNode::maxQuads) {

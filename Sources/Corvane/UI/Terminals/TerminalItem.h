@@ -23,9 +23,12 @@ class TerminalItem : public QQuickItem {
     Q_PROPERTY(QColor matchColor MEMBER m_matchColor NOTIFY colorsChanged)
     Q_PROPERTY(bool cursorOn READ cursorOn WRITE setCursorOn NOTIFY cursorOnChanged) ///< for blinking
     Q_PROPERTY(bool cursorBlinks READ cursorBlinks NOTIFY viewChanged)
+    Q_PROPERTY(bool textOn READ textOn WRITE setTextOn NOTIFY textOnChanged) ///< for blinking text
+    Q_PROPERTY(bool textBlinks READ textBlinks NOTIFY viewChanged)
     Q_PROPERTY(qreal scrollSize READ scrollSize NOTIFY viewChanged) ///< the visible share, as for a scroll bar
     Q_PROPERTY(qreal scrollPosition READ scrollPosition NOTIFY viewChanged)
     Q_PROPERTY(bool hasSelection READ hasSelection NOTIFY viewChanged)
+    Q_PROPERTY(bool draggedOut READ draggedOut NOTIFY draggedOutChanged) ///< a selection, beyond an edge
     Q_PROPERTY(QString hoveredLink READ hoveredLink NOTIFY hoveredLinkChanged) ///< the target of Ctrl+click
 public:
     explicit TerminalItem(QQuickItem* parent = nullptr);
@@ -42,10 +45,14 @@ public:
     bool cursorOn() const { return m_cursorOn; }
     void setCursorOn(bool on);
     bool cursorBlinks() const { return m_snapshot.cursor.blinks && m_snapshot.cursor.visible; }
+    bool textOn() const { return m_textOn; }
+    void setTextOn(bool on);
+    bool textBlinks() const { return std::ranges::any_of(m_strips, &Strip::blinks); }
     qreal scrollSize() const;
     qreal scrollPosition() const;
     bool hasSelection() const { return m_snapshot.selection.has_value(); }
     QString hoveredLink() const { return m_hoveredLink; }
+    bool draggedOut() const { return m_draggedOut; }
 
     Q_INVOKABLE void scrollToPosition(qreal position);
     void scrollByPages(int pages);
@@ -53,6 +60,10 @@ public:
     Q_INVOKABLE void copy() const;
     Q_INVOKABLE void selectAll();
     Q_INVOKABLE QString clipboardText() const;
+    /// At a place in the output of a command, if the shell marks that (OSC 133).
+    Q_INVOKABLE bool isOutput(QPointF at) const { return outputAt(at).has_value(); }
+    Q_INVOKABLE void selectOutput(QPointF at);
+    Q_INVOKABLE void continueDrag(); ///< while the mouse is held beyond an edge: the text follows
 
     /// The visible rows as text, one line each, and the cursor's position in it.
     QString shownText() const;
@@ -67,8 +78,10 @@ Q_SIGNALS:
     void fontSizeChanged();
     void colorsChanged();
     void cursorOnChanged();
+    void textOnChanged();
     void viewChanged();
     void hoveredLinkChanged();
+    void draggedOutChanged();
     void menuRequested(QPointF at);
     void linkOpened(const QString& address);
     void pasteRequested(const QString& text);
@@ -100,6 +113,7 @@ private:
     struct Strip {
         terminal::ShownRow::Key key;
         uint64_t number = 0;
+        bool blinks = false; ///< some of its text
         std::vector<TerminalQuad> quads {};
         QImage picture {}; ///< in place of the quads, where it is not null
     };
@@ -115,6 +129,9 @@ private:
     bool sendMouse(QPointF position, terminal::MouseAction action, int button, Qt::KeyboardModifiers modifiers);
     void select(terminal::SelectionMode mode, QPointF to);
     void setFocusOfProgram(bool in);
+    void updatePointer();
+    void setDrag(QPointF position, bool held);
+    std::optional<terminal::Terminal::PromptRange> outputAt(QPointF position) const;
     void updateHover(QPointF position, Qt::KeyboardModifiers modifiers);
     void setHover(const QString& link, const QList<QRect>& cells);
     terminal::Position positionAt(QPointF position) const;
@@ -130,6 +147,7 @@ private:
     QColor m_selectionColor;
     QColor m_matchColor;
     bool m_cursorOn = true;
+    bool m_textOn = true;
     terminal::Snapshot m_snapshot;
     TerminalLook m_look;
     std::vector<Strip> m_strips;
@@ -145,6 +163,8 @@ private:
     ulong m_doubleClickedAt = 0;
     int m_buttonOfProgram = 0; ///< the button press that was reported to the program
     qreal m_wheel = 0;
+    QPointF m_drag;
+    bool m_draggedOut = false;
     QString m_hoveredLink;
     QList<QRect> m_hoveredCells; ///< the cells of the link
 };

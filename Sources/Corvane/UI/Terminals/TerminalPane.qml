@@ -85,6 +85,13 @@ FocusScope {
             question.takeFocus();
     }
 
+    component Blinking: Timer {
+        required property bool blinks
+        interval: Math.max(100, Qt.styleHints.cursorFlashTime / 2)
+        repeat: true
+        running: blinks && Qt.styleHints.cursorFlashTime > 0
+    }
+
     FocusScope {
         id: notices
         width: parent.width
@@ -145,14 +152,26 @@ FocusScope {
         Accessible.role: Accessible.Terminal
         onPasteRequested: text => pane.screen.paste(text)
         onLinkOpened: address => pane.screen.openLink(address)
-        onMenuRequested: at => menu.popup(terminal, at.x, at.y)
+        onMenuRequested: at => {
+            menu.at = at;
+            menu.popup(terminal, at.x, at.y);
+        }
 
-        Timer {
-            interval: Math.max(100, Qt.styleHints.cursorFlashTime / 2)
-            repeat: true
-            running: terminal.cursorBlinks && terminal.activeFocus && Qt.styleHints.cursorFlashTime > 0
+        Blinking {
+            blinks: terminal.cursorBlinks && terminal.activeFocus
             onTriggered: terminal.cursorOn = !terminal.cursorOn
             onRunningChanged: terminal.cursorOn = true
+        }
+        Blinking {
+            blinks: terminal.textBlinks && terminal.visible
+            onTriggered: terminal.textOn = !terminal.textOn
+            onRunningChanged: terminal.textOn = true
+        }
+        Timer {
+            interval: 50
+            repeat: true
+            running: terminal.draggedOut
+            onTriggered: terminal.continueDrag()
         }
     }
     ScrollBar {
@@ -197,6 +216,7 @@ FocusScope {
     }
     Menu {
         id: menu
+        property point at
         MenuItem {
             text: qsTr("Copy")
             key: Commands.keysOf("copyFromTerminal")
@@ -211,6 +231,11 @@ FocusScope {
         MenuItem {
             text: qsTr("Select all")
             onTriggered: terminal.selectAll()
+        }
+        MenuItem {
+            text: qsTr("Select this output")
+            enabled: menu.visible && terminal.isOutput(menu.at)
+            onTriggered: terminal.selectOutput(menu.at)
         }
         MenuItem {
             text: qsTr("Copy the transcript")

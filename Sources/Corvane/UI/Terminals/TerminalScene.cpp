@@ -177,16 +177,19 @@ void TerminalScene::updateMarks(const TerminalItem& item)
                 item, QRectF(begin.x(), begin.y(), begin.width() * std::max(1, to - from), begin.height()), color);
         }
     };
-    if (item.m_session && item.m_session->search()->shown()
-        && item.m_session->search()->generation() == snapshot.generation) {
+    if (item.m_session && item.m_session->search()->shown()) {
         const TerminalSearch& search = *item.m_session->search();
         const auto& matches = search.matches();
-        const auto first = std::ranges::lower_bound(matches, snapshot.top, {}, &SearchMatch::endRow);
-        for (auto match = first; match != matches.end() && match->row < snapshot.top + rows; ++match) {
+        const int64_t shift = search.shift();
+        const bool isCurrentScreen = search.generation() == snapshot.generation;
+        const auto first = std::ranges::lower_bound(matches, snapshot.top - shift, {}, &SearchMatch::endRow);
+        for (auto match = first; match != matches.end() && match->row + shift < snapshot.top + rows; ++match) {
+            // What was on the screen may have been written over since.
+            if (match->endRow >= 0 && !isCurrentScreen)
+                break;
             QColor color = item.m_matchColor;
-            const bool isCurrent = search.current() == size_t(match - matches.begin());
-            color.setAlphaF(isCurrent ? 0.6f : 0.25f);
-            mark({ match->row, match->column }, { match->endRow, match->endColumn - 1 }, false, color);
+            color.setAlphaF(search.current() == size_t(match - matches.begin()) ? 0.6f : 0.25f);
+            mark({ match->row + shift, match->column }, { match->endRow + shift, match->endColumn - 1 }, false, color);
         }
     }
     if (snapshot.selection) {
@@ -201,7 +204,24 @@ void TerminalScene::updateMarks(const TerminalItem& item)
         addRectangle(item, { begin.x(), begin.bottom() - thick, begin.width() * cells.width(), thick },
             opaque(item.m_look.text()));
     }
+    for (const ShownPrompt& prompt : snapshot.prompts)
+        addPrompt(item, prompt);
     addCursor(item);
+}
+
+/// Left of the text: a bar where the command failed, a dot where it did not.
+void TerminalScene::addPrompt(const TerminalItem& item, const ShownPrompt& prompt)
+{
+    constexpr qreal thick = 3;
+    constexpr qreal gap = 2;
+    constexpr size_t red = 1;
+    constexpr size_t green = 2;
+    const bool hasFailed = prompt.exitCode != 0;
+    const QRectF line = item.cellRect(prompt.row, 0);
+    const qreal height = hasFailed ? line.height() : thick;
+    const Rgb color = item.m_snapshot.palette.indexed[hasFailed ? red : green];
+    addRectangle(item, { -gap - thick, line.center().y() - height / 2, thick, height },
+        opaque(readableOn(item.m_look.ground(), color)));
 }
 
 void TerminalScene::addCursor(const TerminalItem& item)

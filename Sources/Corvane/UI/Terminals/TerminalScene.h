@@ -26,6 +26,7 @@ private:
     QSGNode* rowNode(const TerminalItem& item, const TerminalItem::Strip& strip);
     void updateImages(const TerminalItem& item);
     void updateMarks(const TerminalItem& item);
+    void addPrompt(const TerminalItem& item, const terminal::ShownPrompt& prompt);
     void addCursor(const TerminalItem& item);
     void addPreedit(const TerminalItem& item, QRectF at);
     void addRectangle(const TerminalItem& item, QRectF area, QColor color);

@@ -105,6 +105,13 @@ FocusScope {
                     visible: !tab.entry.selected
                     color: Theme.line
                 }
+                Rectangle {
+                    objectName: "terminalTab.progress"
+                    width: parent.width * tab.entry.progress
+                    height: 2
+                    visible: tab.entry.progress > 0
+                    color: tab.entry.stalled ? Theme.warn : Theme.good
+                }
                 FocusRing { control: tab; anchors.margins: 2; radius: Theme.controlRadius }
             }
             contentItem: Item {
