@@ -140,7 +140,7 @@ TEST_F(Workspace, memoryIsStagedProposedAndApprovedAndAgentsRegisterOnce)
     m_db->exec("DROP TABLE work_memory;");
     memory.setMemoryDraft(u"kept"_s);
     memory.proposeMemory();
-    EXPECT_EQ(memory.notice() + memory.memoryDraft(), "Could not save work_memory.kept");
+    EXPECT_EQ(memory.notice() + memory.memoryDraft(), "Could not save the entry.kept");
 }
 
 TEST_F(Workspace, aFolderThatVanishedIsToldAndTerminalsStartElsewhere)

@@ -130,7 +130,7 @@ TEST_F(OpsRecordsTest, aBoardCountsFiltersAndTellsTheStory)
     tick();
     insertWorkEvidence(*m_db, { "ops", id, pay->id, "note", "Invoice 340", "mail", "", "s" });
     tick();
-    insertWorkMessage(*m_db, { "ops", id, "Corvane", "system", "status", "Created work_item " + pay->id });
+    insertWorkMessage(*m_db, { "ops", id, "Corvane", "system", "status", "Created item " + pay->id });
     insertWorkMessage(*m_db, { "ops", id, "Ana", "assistant", "message", "Something else" });
     const auto kinds = [](const QList<WorkEvent>& events) {
         QStringList kinds;

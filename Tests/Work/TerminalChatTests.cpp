@@ -47,11 +47,10 @@ TEST_F(TerminalChat, aQuestionIsWrittenFirstAndAnsweredOnce)
 {
     EXPECT_FALSE(chat.ask("  "));
     EXPECT_FALSE(chat.ask("Hello?"));
-    EXPECT_EQ(chat.status(),
-        "No work_context selected yet. Terminal Chat appears when this pane has a real LocalDB context.");
+    EXPECT_EQ(chat.status(), "No context selected yet. Terminal Chat appears when this pane shows a saved context.");
     chat.setContext(u"ops"_s, may);
     chat.reload();
-    EXPECT_EQ(chat.emptyTitle(), "Ask about this context to create work_message Q+A rows.");
+    EXPECT_EQ(chat.emptyTitle(), "Ask about this context. Questions and answers stay with it.");
     item(may.id, u"Pay the clay"_s);
     const auto answer = lumo.model.willAnswerLater();
     EXPECT_TRUE(chat.ask(" What is open? "));
@@ -85,14 +84,14 @@ TEST_F(TerminalChat, aQuestionIsWrittenFirstAndAnsweredOnce)
     EXPECT_EQ(messages().last(), "message|Stop?") << "a question that is cancelled stays";
     m_db->exec("DROP TABLE work_message;");
     EXPECT_FALSE(chat.ask("Saved?"));
-    EXPECT_EQ(chat.status(), "Could not save the question to work_message.");
+    EXPECT_EQ(chat.status(), "Could not save the question.");
 }
 
 TEST_F(TerminalChat, anAskIsAnsweredByTheAssistantOrWaits)
 {
     const auto ask = createOpsAsk(*m_db, { .projectSlug = "none", .question = "Which clay?", .urgency = "high" });
     chat.answerAsk(*ask);
-    EXPECT_EQ(chat.status(), "Ask saved. No work_context packet is available for LumoAI to answer.");
+    EXPECT_EQ(chat.status(), "Ask saved. There is no context for LumoAI to answer from.");
     chat.setContext(u"ops"_s, may);
     lumo.model.willFail("no model");
     chat.answerAsk(*ask);

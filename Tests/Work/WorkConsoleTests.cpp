@@ -118,7 +118,7 @@ TEST_F(WorkConsole, whatIsCreatedIsSavedSaidAndHeldWhereItHasARisk)
     const auto item = saveItem(*m_db, place, draft);
     EXPECT_EQ(table("SELECT title, status, risk, decided_by FROM work_decision;"),
         QStringList("Review Reply to vendor|proposed|money|"));
-    EXPECT_EQ(messages().last(), "status|Created work_item " + item->id + ": Reply to vendor.");
+    EXPECT_EQ(messages().last(), "status|Created item " + item->id + ": Reply to vendor.");
 
     draft = emptyDraft(WorkCreateFlow::Note);
     EXPECT_EQ(saveNote(*m_db, place, draft).error().message, "Title is required.");
@@ -143,10 +143,10 @@ TEST_F(WorkConsole, whatIsCreatedIsSavedSaidAndHeldWhereItHasARisk)
 
     m_db->exec("DROP TABLE work_item; DROP TABLE work_evidence; DROP TABLE ask; DROP TABLE work_context;");
     draft.title = "x";
-    EXPECT_EQ(saveItem(*m_db, place, draft).error().message, "Could not save work_item.");
-    EXPECT_EQ(saveNote(*m_db, place, draft).error().message, "Could not save work_evidence note.");
+    EXPECT_EQ(saveItem(*m_db, place, draft).error().message, "Could not save the item.");
+    EXPECT_EQ(saveNote(*m_db, place, draft).error().message, "Could not save the note.");
     EXPECT_EQ(saveAsk(*m_db, place, draft).error().message, "Could not save ask.");
-    EXPECT_EQ(saveContext(*m_db, place, draft).error().message, "Could not save work_context.");
+    EXPECT_EQ(saveContext(*m_db, place, draft).error().message, "Could not save the context.");
 }
 
 TEST_F(WorkConsole, aContextIsExportedWholeAndAsALog)

@@ -233,7 +233,7 @@ TEST_F(WorkShell, aStoryIsToldFromTheFilingToTheDecision)
     EXPECT_EQ(shell.decisions()->decisionRows().first().title, "Rename the folder") << "behind any number of others";
     m_db->exec("DROP TABLE work_decision;");
     EXPECT_FALSE(shell.queueDraft(u"Kept in the field"_s));
-    EXPECT_EQ(shell.notice(), "Could not save work_item.");
+    EXPECT_EQ(shell.notice(), "Could not save the item.");
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_item WHERE summary='Kept in the field';"), "0") << "not without its gate";
 }
 
@@ -253,7 +253,7 @@ TEST_F(WorkShell, whatIsCreatedAtAPlaceMayChooseItsContext)
     create.begin(u"ask"_s);
     create.field(u"title"_s).type(u"Which clay?"_s);
     create.submit();
-    EXPECT_EQ(shell.notice(), "Ask saved. No work_context packet is available for LumoAI to answer.");
+    EXPECT_EQ(shell.notice(), "Ask saved. There is no context for LumoAI to answer from.");
     rail.select(may.id);
     create.begin(u"item"_s);
     EXPECT_TRUE(create.contexts().isEmpty()) << "the context is no question here";

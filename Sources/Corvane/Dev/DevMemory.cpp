@@ -73,7 +73,7 @@ bool DevMemory::propose(const QString& kind, const QString& body, const QString&
             .confidence = u"medium"_s,
             .owner = u"Oskel"_s })
                            .has_value();
-    tell(saved ? u"It waits for your approval, under Memory."_s : u"Could not save work_memory."_s, !saved);
+    tell(saved ? u"It waits for your approval, under Memory."_s : u"Could not save the entry."_s, !saved);
     if (saved) {
         m_desk.told();
         reload();

@@ -19,7 +19,7 @@ constexpr int itemCharacters = 3200;
 constexpr int titleCharacters = 100;
 constexpr int openShown = 30;
 const QString nothingShown = u"The terminal shows nothing yet."_s;
-const QString notSaved = u"Could not save work_item."_s;
+const QString notSaved = u"Could not save the item."_s;
 
 const WorkLanes& lanes()
 {
@@ -162,7 +162,7 @@ bool DevTasks::createTerminalWorkItem(const QString& kind, const QString& priori
             .uri = {},
             .summary = text });
     tell(evidence ? u"“%1” is on the board, with what the terminal showed."_s.arg(item->title)
-                  : u"The item is on the board. Could not save work_evidence note."_s,
+                  : u"The item is on the board. Could not save the note."_s,
         !evidence);
     return true;
 }
@@ -178,7 +178,7 @@ void DevTasks::proposeDevDecision()
             .proposal = u"Decide how %1 goes on."_s.arg(m_desk.projectName()),
             .rationale = u"Created from %1 task board."_s.arg(m_desk.console.area),
             .risk = {} });
-    tell(saved ? u"A decision waits in Approvals."_s : u"Could not save work_decision."_s, !saved);
+    tell(saved ? u"A decision waits in Approvals."_s : u"Could not save the decision."_s, !saved);
 }
 
 void DevTasks::tell(const QString& notice, bool failed)

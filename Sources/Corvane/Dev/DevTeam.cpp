@@ -59,7 +59,7 @@ void DevTeam::registerAgent(const QString& tool)
             .status = u"ready"_s,
             .currentTask = u"Ready for project work. Risky actions require approval."_s,
             .sessionId = session ? session->id() : QString() });
-    m_error = saved ? QString() : u"Could not save work_agent."_s;
+    m_error = saved ? QString() : u"Could not save the agent."_s;
     if (saved) {
         m_desk.told();
         Q_EMIT wrote();

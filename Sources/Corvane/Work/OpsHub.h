@@ -29,7 +29,7 @@ public:
     QString searchText() const { return u"Search finance work"_s; }
     const QList<WorkMetricSeed>& metrics() const { return m_metrics; }
     QString gateLabel() const { return u"Approval"_s; }
-    QString gateHint() const { return u"Create a work_decision proposal for a finance action"_s; }
+    QString gateHint() const { return u"Propose a decision for a finance action"_s; }
     const QString& notice() const { return m_notice; }
     QString emptyText() const;
 

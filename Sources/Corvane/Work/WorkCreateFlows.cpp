@@ -14,7 +14,7 @@ namespace {
 const QString person = u"Oskel"_s;
 const QString approved = u"approved"_s;
 const QString usualSource = u"corvane-ui"_s;
-const QString couldNotSaveItem = u"Could not save work_item."_s;
+const QString couldNotSaveItem = u"Could not save the item."_s;
 constexpr int firstWords = 80;
 
 bool holdsAny(const QString& text, const QStringList& words)
@@ -84,7 +84,7 @@ Result<WorkContextRow> saveContext(LocalDB& db, const WorkPlace& place, const Wo
             .title = title,
             .subtitle = draft.summary.trimmed(),
             .owner = draft.owner.trimmed() });
-    return saved ? Result<WorkContextRow>(*saved) : failure(u"Could not save work_context."_s);
+    return saved ? Result<WorkContextRow>(*saved) : failure(u"Could not save the context."_s);
 }
 
 Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkDraft& draft)
@@ -108,7 +108,7 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
             .summary = summary });
     if (!saved)
         return failure(couldNotSaveItem);
-    postStatus(db, place, u"Created work_item %1: %2."_s.arg(saved->id, title));
+    postStatus(db, place, u"Created item %1: %2."_s.arg(saved->id, title));
     const auto risk = riskForCreate(saved->kind, title, summary);
     if (risk
         && !insertWorkDecision(db,
@@ -118,8 +118,7 @@ Result<WorkItemRecord> saveItem(LocalDB& db, const WorkPlace& place, const WorkD
                 .proposal
                 = u"Hold any external send, money movement, billing, credential, deploy, or destructive action "
                   "until Oskel approves."_s,
-                .rationale
-                = u"Created from Corvane Create. The work_item is local only; execution requires approval."_s,
+                .rationale = u"Created from Corvane Create. The item is local only; execution requires approval."_s,
                 .risk = *risk }))
         return failure(couldNotSaveItem);
     return transaction.commit() ? Result<WorkItemRecord>(*saved) : failure(couldNotSaveItem);
@@ -140,8 +139,8 @@ Result<WorkEvidenceRecord> saveNote(LocalDB& db, const WorkPlace& place, const W
             .uri = QLatin1StringView(""),
             .summary = draft.summary.trimmed() });
     if (!saved)
-        return failure(u"Could not save work_evidence note."_s);
-    postStatus(db, place, u"Created work_evidence %1: %2."_s.arg(saved->id, title));
+        return failure(u"Could not save the note."_s);
+    postStatus(db, place, u"Created note %1: %2."_s.arg(saved->id, title));
     return *saved;
 }
 

@@ -183,10 +183,9 @@ bool WorkTerminalChat::ask(const QString& question)
         return false;
     };
     if (!m_context)
-        return refuse(
-            u"No work_context selected yet. Terminal Chat appears when this pane has a real LocalDB context."_s);
+        return refuse(u"No context selected yet. Terminal Chat appears when this pane shows a saved context."_s);
     if (!post(*m_context, u"Oskel"_s, u"oskel"_s, u"message"_s, asked))
-        return refuse(u"Could not save the question to work_message."_s);
+        return refuse(u"Could not save the question."_s);
     run(*m_context, asked, std::nullopt);
     return true;
 }
@@ -197,7 +196,7 @@ void WorkTerminalChat::answerAsk(const OpsAskRow& ask, const WorkContext& contex
         return;
     const WorkContext& packet = context ? context : m_context;
     if (!packet) {
-        m_error = u"Ask saved. No work_context packet is available for LumoAI to answer."_s;
+        m_error = u"Ask saved. There is no context for LumoAI to answer from."_s;
         return Q_EMIT changed();
     }
     run(*packet, ask.question, ask.id);
@@ -265,14 +264,14 @@ QString WorkTerminalChat::status() const
 QString WorkTerminalChat::emptyTitle() const
 {
     if (!m_context)
-        return u"No work_context selected"_s;
-    return m_lines.rows().isEmpty() && !busy() ? u"Ask about this context to create work_message Q+A rows."_s
+        return u"No context selected"_s;
+    return m_lines.rows().isEmpty() && !busy() ? u"Ask about this context. Questions and answers stay with it."_s
                                                : QString();
 }
 
 QString WorkTerminalChat::emptyText() const
 {
-    return m_context ? QString() : u"Terminal Chat appears when this pane has a real LocalDB work_context."_s;
+    return m_context ? QString() : u"Terminal Chat appears when this pane shows a saved context."_s;
 }
 
 QString WorkTerminalChat::earlierText() const
