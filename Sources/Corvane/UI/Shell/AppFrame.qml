@@ -96,7 +96,6 @@ FocusScope {
             else
                 frame.shell.closeApprovals();
         }
-        function onOpenHub(hub: string) { frame.shell.selectHub(hub); }
         function onOpenSettings(section: string) {
             if (section)
                 frame.settings.section = section;
