@@ -10,6 +10,7 @@ FloatingFrame {
 
     title: qsTr("Capture")
     fixedWidth: 560
+    bordered: true
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     onVisibleChanged: if (visible) field.forceActiveFocus(Qt.ShortcutFocusReason)
     onDismissed: capture.close()

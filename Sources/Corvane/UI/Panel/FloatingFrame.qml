@@ -7,6 +7,7 @@ T.ApplicationWindow {
     id: window
 
     required property int fixedWidth
+    property bool bordered: false ///< for a window without a frame of the desktop
     default property alias parts: column.data
     readonly property int fixedHeight: column.implicitHeight + Theme.large * 2
 
@@ -38,7 +39,7 @@ T.ApplicationWindow {
     }
     Rectangle {
         anchors.fill: parent
-        visible: (window.flags & Qt.FramelessWindowHint) !== 0
+        visible: window.bordered
         color: Theme.none
         border.width: 1
         border.color: Theme.line
