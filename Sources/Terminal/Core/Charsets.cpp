@@ -41,7 +41,7 @@ constexpr Designator designators94[] = {
     { '%', '5', Charset::Supplemental },
 };
 
-// What stands in a national set in the places of # @ [ \ ] ^ _ ` { | } ~.
+// The replacements for # @ [ \ ] ^ _ ` { | } ~ in each national set.
 constexpr std::string_view nationalPlaces = "#@[\\]^_`{|}~";
 constexpr std::u32string_view national[] = {
     U"£@[\\]^_`{|}~", // British

@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// A set of graphic characters of 94 or 96 places.
+/// A set of 94 or 96 graphic characters.
 enum class Charset : uint8_t {
     Ascii,
     SpecialGraphics,
@@ -25,26 +25,26 @@ enum class Charset : uint8_t {
     Supplemental
 };
 
-/// By what designates it: the final, behind an optional intermediate; `is96` for the designators of 96-sets.
-/// Ascii where it is not known.
+/// The set that a designator selects: the final byte, after an optional intermediate; `is96` for designators of
+/// 96-character sets. Ascii if it is unknown.
 Charset charsetOf(char intermediate, char final, bool is96);
 
-/// Is it one of the national sets, which stand for ASCII unless the mode for them is set?
+/// The national sets act as ASCII unless mode NationalSets is on.
 bool isNational(Charset set);
 
 /// `code` is 0x20 to 0x7f.
 char32_t translate(Charset set, uint8_t code);
 
-/// The four designated sets and those in use.
+/// The four designated sets (G0 to G3), and which of them are in use.
 struct Charsets {
     Charset designated[4] = { Charset::Ascii, Charset::Ascii, Charset::Latin1, Charset::Latin1 };
-    /// As they were designated, for reports.
+    /// The designators, for reports.
     char finals[4] = { 'B', 'B', 'A', 'A' };
     char intermediates[4] = {};
     bool are96[4] = { false, false, true, true };
     uint8_t left = 0;
     uint8_t right = 2;
-    uint8_t single = 0; ///< 2 or 3 for one character
+    uint8_t single = 0; ///< 2 or 3 (a single shift) for one character
 
     friend bool operator==(const Charsets&, const Charsets&) = default;
 };

@@ -5,7 +5,7 @@
 
 namespace corvane::terminal {
 
-/// In cells, and what one cell measures in pixels.
+/// In cells, with the size of a cell in pixels.
 struct Size {
     int columns = 80;
     int rows = 24;
@@ -14,30 +14,30 @@ struct Size {
 
     static constexpr int maxColumns = 4096;
     static constexpr int maxRows = 2048;
-    /// The nearest size that a terminal can have.
+    /// Clamped to the sizes that a terminal can have.
     Size clamped() const;
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// What the user or the host decides, not the program inside.
+/// Set by the user or the host, never by the program inside.
 struct Config {
     size_t scrollbackLines = 10'000;
     size_t scrollbackBytes = 256u << 20;
     size_t imageBytes = 320u << 20;
-    int vtLevel = 525; ///< 100 to 525: what DA and DECRQSS answer at start
-    int checksumExtension = 0; ///< the value of XTCHECKSUM at start
+    int vtLevel = 525; ///< 100 to 525: the initial level for DA and DECRQSS
+    int checksumExtension = 0; ///< the initial value of XTCHECKSUM
     bool ambiguousWide = false;
-    bool backgroundErase = true; ///< erasing leaves the background colour
+    bool backgroundErase = true; ///< erased cells keep the background colour
     bool allowWindowOps = false;
     bool allowTitleReport = false;
-    bool allowClipboardWrite = true; ///< handed to the listener, which asks; reads are always refused
+    bool allowClipboardWrite = true; ///< passed to the listener, which asks the user; reads are always refused
     bool allowImageFiles = true; ///< images may be read from files and shared memory
-    bool darkColors = true; ///< what the colour-scheme report answers
+    bool darkColors = true; ///< answers the colour-scheme report
 
-    /// By the option's name, such as "vt-level"; "ambiguous" takes a width, 1 or 2. False if name or value is not
-    /// known.
+    /// Sets an option by name, such as "vt-level"; "ambiguous" takes a width, 1 or 2. False if the name or value is
+    /// unknown.
     bool set(std::string_view name, std::string_view value);
-    /// "default", "xterm" (what xterm answers and permits) or "strict" (nothing that asks the user or the machine).
+    /// "default", "xterm" (what xterm answers and permits) or "strict" (nothing that reaches the user or the machine).
     bool useProfile(std::string_view name);
 };
 

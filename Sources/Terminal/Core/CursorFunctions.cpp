@@ -4,7 +4,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Up to the margin if the cursor is at or within it, else to the edge of the page.
+/// Stops at the margin if the cursor is at or within it, otherwise at the edge of the page.
 void moveRows(Emulator& t, int rows)
 {
     int target = t.cursor.row + rows;

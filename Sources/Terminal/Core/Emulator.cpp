@@ -9,7 +9,7 @@ namespace corvane::terminal {
 namespace {
 
 Listener silentListener;
-// After so many bytes the tables of styles, clusters and links may need to be cleared of what is no longer used.
+// Bytes between checks whether the tables of styles, clusters and links need to be collected.
 constexpr size_t slice = 64 * 1024;
 
 }
@@ -83,7 +83,7 @@ void Emulator::collectTables()
 
 void Emulator::execute(uint8_t control)
 {
-    // The two that end lines are by far the most frequent.
+    // LF and CR are by far the most frequent.
     if (control == '\r')
         return carriageReturn();
     if (control == '\n' && !modes.has(Mode::NewLine))
@@ -98,7 +98,7 @@ void Emulator::escape(const Sequence& sequence)
 
 void Emulator::csi(const Sequence& sequence)
 {
-    // Programs that draw a page place the cursor more often than all else.
+    // CUP is the most frequent control sequence of full-screen programs.
     if (sequence.final == 'H' && sequence.leader == 0 && sequence.intermediateCount == 0)
         return moveToAddress(sequence.params.amount(0) - 1, sequence.params.amount(1) - 1);
     runCsi(*this, sequence);
@@ -161,7 +161,7 @@ void Emulator::backspace(int count)
         = modes.has(Mode::AutoWrap) && (modes.has(Mode::ReverseWrap) || modes.has(Mode::ExtendedReverseWrap));
     if (cursor.pendingWrap) {
         cursor.pendingWrap = false;
-        // Where backing up wraps, the cursor counts as past the last column.
+        // With reverse wrap, the cursor counts as past the last column.
         if (wraps && --count == 0)
             return;
     }
@@ -250,7 +250,7 @@ void Emulator::deleteRows(const Rect& area, int count)
     rotateUp(area, count);
 }
 
-/// The first rows of the area come in blank at its bottom.
+/// The freed rows reappear blank at the bottom of the area.
 void Emulator::rotateUp(const Rect& area, int count)
 {
     grid().rotateUp(area.top, area.bottom, count);
@@ -289,7 +289,7 @@ void Emulator::scrollDown(const Rect& area, int count)
     scrolls.add(area.top, area.bottom, -count);
 }
 
-/// Between side margins the cells themselves move: up, or down where `count` is negative.
+/// Between side margins the cells themselves are moved, down if `count` is negative.
 void Emulator::scrollCells(const Rect& area, int count)
 {
     Grid& page = grid();

@@ -40,8 +40,8 @@ struct Cursor {
 
 enum class EraseKind : uint8_t { All, Selective };
 
-/// The state of the terminal and what its functions share. Members are open to the functions of this room, which
-/// Functions.cpp lists; everyone else goes through Terminal.
+/// The state of the terminal. Members are open to the functions of this folder, which Functions.cpp lists; all other
+/// code goes through Terminal.
 class Emulator {
 public:
     Emulator(Size size, const Config& config);
@@ -51,7 +51,7 @@ public:
     // The parser's sink
     void printAscii(const uint8_t* text, size_t length);
     void printPoints(const char32_t* points, size_t count);
-    void printCharacter(char32_t point); ///< already mapped
+    void printCharacter(char32_t point); ///< already translated by the character sets
     bool printsAsciiAsItIs() const { return plain; }
     void execute(uint8_t control);
     void escape(const Sequence& sequence);
@@ -72,11 +72,11 @@ public:
     Grid& grid() { return screen->grid; }
     Row& row(int index) { return screen->grid.row(index); }
     Row& cursorRow() { return screen->grid.row(cursor.row); }
-    /// One past the last column that the row has; half as many in a row of double size.
+    /// One past the last column of the row; half as many in a double-width row.
     int rowEnd(const Row& row) const { return row.size == LineSize::Single ? size.columns : (size.columns + 1) / 2; }
-    /// Without the blanks that end it, and what is out of sight.
+    /// Without trailing blanks and columns past the row's end.
     int textLength(const Row& row) const { return std::min(rowEnd(row), row.contentLength()); }
-    /// One past the last column that text goes to from where the cursor is.
+    /// One past the last column that text can reach from the cursor.
     int textEnd(const Row& row) const
     {
         const int end = rowEnd(row);
@@ -91,12 +91,12 @@ public:
         cursor.column = std::clamp(column, 0, rowEnd(cursorRow()) - 1);
         cursor.pendingWrap = false;
     }
-    /// As the program counts: from the margins in origin mode.
+    /// Addresses as the program sends them: relative to the margins in origin mode.
     void moveToAddress(int row, int column);
     int originRow() const { return modes.has(Mode::Origin) ? margins.top : 0; }
     int originColumn() const { return modes.has(Mode::Origin) ? margins.left : 0; }
     void carriageReturn();
-    void lineFeed(); ///< down, scrolling at the bottom margin
+    void lineFeed(); ///< scrolls at the bottom margin
     void reverseLineFeed();
     void nextTab(int count);
     void backspace(int count);
@@ -104,14 +104,14 @@ public:
     // Scrolling and erasing
     void scrollUp(const Rect& area, int count);
     void scrollDown(const Rect& area, int count);
-    void deleteRows(const Rect& area, int count); ///< as scrollUp, but nothing goes to the history
+    void deleteRows(const Rect& area, int count); ///< like scrollUp, but nothing goes to the history
     void shiftLeft(int row, int from, int to, int count);
     void shiftRight(int row, int from, int to, int count);
-    /// From `from` to `to` of the row; passes over what is protected.
+    /// Columns `from` to `to` of the row, except protected cells.
     void erase(int row, int from, int to, EraseKind kind = EraseKind::All);
     void eraseRow(int row, EraseKind kind = EraseKind::All);
-    Cell blank(); ///< what erasing leaves
-    void breakLine(int row); ///< the text of the row above does not go on in this one
+    Cell blank(); ///< the cell that erasing leaves
+    void breakLine(int row); ///< ends the line above: this row no longer continues it
     void touch(Row& row) { row.changed = generation; }
     void touchAll();
     void dropAnchors(Row& row);
@@ -130,17 +130,17 @@ public:
     int64_t tick(int64_t now);
     void setMode(const ModeEntry& entry, bool on);
     void updatePlain();
-    void setLineSize(LineSize lineSize); ///< of the cursor's row
+    void setLineSize(LineSize lineSize); ///< of the row with the cursor
     void reportSize(); ///< mode 2048
 
-    // Answers
+    // Replies
     void reply(std::string_view text);
     template <typename... Parts> void replyCsi(const Parts&... parts) { reply(concat(c1Text('['), parts...)); }
     template <typename... Parts> void replyDcs(const Parts&... parts)
     {
         reply(concat(c1Text('P'), parts..., c1Text('\\')));
     }
-    /// Ends as the question did.
+    /// With the same terminator as the query.
     template <typename... Parts> void replyOsc(const Parts&... parts)
     {
         reply(concat(c1Text(']'), parts..., answersWithBell ? std::string("\a") : c1Text('\\')));
@@ -150,8 +150,8 @@ public:
     void setIcon(std::string_view text);
     enum class Redraw : uint8_t { Prompt, Nothing };
     void addMark(PromptMark kind, int exitCode, Redraw redraw = Redraw::Prompt);
-    void blankPrompt(); ///< before a new width, where the shell draws its prompt anew
-    /// Where an anchor is now, as row (negative in the history) and column.
+    void blankPrompt(); ///< before a resize, if the shell redraws its prompt
+    /// The anchor's row (negative in the history) and column.
     std::optional<std::pair<int64_t, int>> find(Screen& on, Anchors::Id id);
     Anchors::Id anchorAt(int64_t row, int column);
     void readRow(int64_t row, RowView& view);
@@ -161,7 +161,7 @@ public:
     struct Mark {
         PromptMark kind;
         int exitCode;
-        Redraw redraw; ///< what the shell draws anew at a new size
+        Redraw redraw; ///< what the shell redraws after a resize
         Anchors::Id anchor;
     };
     static constexpr size_t maxMarks = 20'000;
@@ -185,10 +185,10 @@ public:
     std::vector<bool> tabs;
     Palette palette;
     CursorShape cursorShape = CursorShape::Block;
-    int level = 525; ///< by DECSCL
+    int level = 525; ///< set by DECSCL
     int checksumExtension = 0;
     bool eightBitReplies = false;
-    bool isoProtection = false; ///< the last protection was SPA's
+    bool isoProtection = false; ///< protection was last set by SPA
     bool attributesByRectangle = false; ///< DECSACE
     std::string title;
     std::string icon;
@@ -202,7 +202,7 @@ public:
         bool queryHex = false;
     } titleCoding; ///< XTSMTITLE
     std::vector<Style> penStack;
-    bool answersWithBell = false; ///< as the last operating system command ended
+    bool answersWithBell = false; ///< the last OSC ended with BEL
     std::string replies;
     Listener* listener;
     Parser<Emulator> parser { *this };
@@ -213,7 +213,7 @@ public:
         std::string title;
         std::string body;
     };
-    PendingNotification pendingNotification; ///< OSC 99 that has not all come
+    PendingNotification pendingNotification; ///< an OSC 99 notification that is not complete yet
     std::string pointerShape;
     std::deque<Mark> marks; ///< on the primary screen and in its history
     int64_t synchronizedSince = -1; ///< when `tick` first saw mode 2026 set
@@ -234,9 +234,9 @@ public:
     const Kernels& kernels = Kernels::instance();
     const TextKernels& textKernels = TextKernels::instance();
     Graphemes graphemes;
-    std::tuple<int, int, bool> printedUpTo; ///< where the cursor stood after the last character
-    bool guardsUsed = false; ///< some cell may be guarded, so erasing has to look
-    bool plain = true; ///< ASCII goes to the screen as it is
+    std::tuple<int, int, bool> printedUpTo; ///< the cursor after the last printed character
+    bool guardsUsed = false; ///< some cell may be guarded, so erasing has to check
+    bool plain = true; ///< ASCII is printed without translation
     bool penChanged = false;
     StyleId penId = 0;
     char32_t lastPrinted = 0;

@@ -52,7 +52,7 @@ Rect fromCursorDown(const Emulator& t)
     return area;
 }
 
-/// Shifts the cells of every row between the margins, from column `from` on.
+/// Shifts the cells of every row between the margins, starting at column `from`.
 void shiftRows(Emulator& t, void (Emulator::*shift)(int, int, int, int), int from, int count)
 {
     if (!t.inMargins())
@@ -128,7 +128,7 @@ void scrollUpFunction(Emulator& t, const Sequence& s)
 
 void scrollDownFunction(Emulator& t, const Sequence& s)
 {
-    // With five parameters it would begin the tracking of highlights by the mouse.
+    // With five parameters it would start highlight mouse tracking.
     if (s.params.count() <= 1)
         t.scrollDown(t.margins, s.params.amount(0));
 }

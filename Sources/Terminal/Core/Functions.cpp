@@ -1,4 +1,5 @@
-// Every function of the terminal, by what calls it. The names are those of the DEC manuals, ECMA-48 and xterm's list.
+// The table of all functions, by the sequences that invoke them. Names follow the DEC manuals, ECMA-48 and xterm's
+// list.
 
 #include "Terminal/Core/Functions.h"
 
@@ -18,7 +19,7 @@ struct SequenceEntry {
     std::string_view name;
     char leader;
     char intermediate;
-    char final; ///< 0 stands for every one
+    char final; ///< 0 matches any
     Function* function;
 };
 
@@ -188,7 +189,7 @@ constexpr StringEntry strings[] = {
     { "DECUDK", 0, 0, '|', userKeys },
 };
 
-// Leader and intermediate choose a block, the final the place in it.
+// The leader and intermediate select a block, the final byte an entry in it.
 constexpr size_t finals = 0x3f;
 constexpr size_t blockOf(char leader, char intermediate)
 {

@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// Look the function up in the table and run it; what is not in the table does nothing.
+/// Look the function up in the table and run it; unknown ones are ignored.
 void runControl(Emulator& terminal, uint8_t control);
 void runEscape(Emulator& terminal, const Sequence& sequence);
 void runCsi(Emulator& terminal, const Sequence& sequence);
@@ -12,7 +12,7 @@ void runCsi(Emulator& terminal, const Sequence& sequence);
 using Function = void(Emulator& terminal, const Sequence& sequence);
 using StringFunction = void(Emulator& terminal, const Sequence& head, std::string_view data);
 
-/// The function of a device control string; null if there is none.
+/// The function for a device control string; null if there is none.
 StringFunction* findString(const Sequence& head);
 
 // C0 and C1
@@ -26,7 +26,7 @@ Function backIndex, forwardIndex, saveCursorFunction, restoreCursorFunction, app
 Function cursorUp, cursorDown, cursorForward, cursorBackward, cursorNextLine, cursorPreviousLine, cursorColumn,
     cursorPosition, cursorRowAbsolute, columnRelative, rowRelative, forwardTabs, backwardTabs, clearTabs, setTabsEvery8,
     topBottomMargins, leftRightMargins, cursorStyle, repeatCharacter;
-// Erasing and moving
+// Erasing, inserting and deleting
 Function eraseDisplay, eraseLine, selectiveEraseDisplay, selectiveEraseLine, eraseCharacters, insertCharacters,
     deleteCharacters, insertLines, deleteLines, scrollUpFunction, scrollDownFunction, shiftLeftFunction,
     shiftRightFunction, insertColumns, deleteColumns;

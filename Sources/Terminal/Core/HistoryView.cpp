@@ -14,7 +14,7 @@ bool HistoryView::continues(uint64_t line) const
     return line > m_history.firstLine() && m_history.line(line - 1).joined;
 }
 
-/// Whole pages from the end, then line by line: forwards, since that is how a page is read quickly.
+/// Skips whole pages from the end, then goes line by line, forwards, since a page is read fastest in that direction.
 HistoryView::Address HistoryView::addressOf(int64_t row) const
 {
     const uint64_t first = m_history.firstLine();

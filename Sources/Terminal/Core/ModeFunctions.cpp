@@ -10,7 +10,7 @@ constexpr Mode mouseCodings[] = { Mode::MouseUtf8, Mode::MouseSgr, Mode::MouseUr
 constexpr Mode keyKinds[]
     = { Mode::TerminfoKeys, Mode::SunKeys, Mode::HpKeys, Mode::ScoKeys, Mode::LegacyKeys, Mode::Vt220Keys };
 
-/// Of these at most one is set.
+/// At most one mode of the group is set.
 template <size_t Count> bool choose(Modes& modes, const Mode (&group)[Count], Mode chosen, bool on)
 {
     if (std::find(std::begin(group), std::end(group), chosen) == std::end(group))
@@ -30,7 +30,7 @@ void setEach(Emulator& t, const Sequence& s, bool dec, bool on)
     }
 }
 
-/// The level from which on terminals have the mode.
+/// The lowest conformance level that has the mode.
 int leastLevel(Mode mode)
 {
     return mode == Mode::NoClearOnColumns ? 500 : mode == Mode::LeftRightMargins ? 400 : 0;

@@ -82,16 +82,16 @@ enum class Mode : uint8_t {
 
 struct ModeEntry {
     int number;
-    bool dec; ///< with the leader ?
+    bool dec; ///< DEC private: sequences have the leader ?
     Mode mode;
     bool initial;
-    std::string_view name; ///< as dumps name it; empty for those that they leave out
+    std::string_view name; ///< used in dumps; empty for modes that they omit
 };
 
 /// Every mode that can be changed.
 std::span<const ModeEntry> modeTable();
 const ModeEntry* findMode(int number, bool dec);
-/// Modes that are known but cannot be changed, as DECRQM reports them.
+/// Modes that DECRQM reports as permanently set or reset.
 bool isPermanentlyReset(int number, bool dec);
 bool isPermanentlySet(int number, bool dec);
 

@@ -1,4 +1,4 @@
-// Operating system commands: one table, then what each does.
+// Operating system commands: the table, then the handlers.
 
 #include "Terminal/Core/Emulator.h"
 #include "Terminal/Text/Base64.h"
@@ -7,7 +7,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// `text` is what follows the number and its semicolon.
+/// `text` follows the number and its semicolon.
 using OscFunction = void(Emulator& t, int number, std::string_view text);
 
 OscFunction oscTitle, oscPalette, oscSpecial, oscDirectory, oscLink, oscNotify, oscDynamic, oscPointer, oscClipboard,
@@ -54,7 +54,7 @@ int toNumber(std::string_view text, int fallback = -1)
     return error == std::errc() && end == text.data() + text.size() ? value : fallback;
 }
 
-/// Without control characters, of C0 or C1, and valid UTF-8. The text is not a part of `clean`.
+/// Removes C0 and C1 control characters and replaces invalid UTF-8. `text` must not be part of `clean`.
 void cleanInto(std::string& clean, std::string_view text, size_t most)
 {
     text = text.substr(0, most);
@@ -100,7 +100,7 @@ void oscTitle(Emulator& t, int number, std::string_view text)
     }
 }
 
-/// 256 and up are the special colours.
+/// Numbers from 256 are the special colours.
 Rgb* paletteEntry(Emulator& t, int index)
 {
     PaletteState& colors = t.palette.current;
@@ -173,7 +173,7 @@ void oscResetSpecial(Emulator& t, int, std::string_view text)
     resetPalette(t, 256, specialColors, text);
 }
 
-/// Further colours in one command go to the numbers that follow.
+/// Additional colours in one command apply to the next numbers.
 void oscDynamic(Emulator& t, int number, std::string_view text)
 {
     bool changed = false;
@@ -240,7 +240,7 @@ void oscLink(Emulator& t, int, std::string_view text)
     t.out().link(text.size() <= LinkTable::maxAddress ? text : std::string_view());
 }
 
-/// iTerm2's notification, or ConEmu's progress where it begins with 4.
+/// iTerm2's notification, or ConEmu's progress if it starts with "4".
 void oscNotify(Emulator& t, int, std::string_view text)
 {
     constexpr size_t most = 4096;
@@ -266,7 +266,7 @@ void oscRxvtNotify(Emulator& t, int, std::string_view text)
     t.out().notification({ {}, title, cleaned(text, 4096) });
 }
 
-/// Kitty's notification, whose title and body may come in pieces.
+/// Kitty's notification; title and body may arrive in chunks.
 void oscKittyNotify(Emulator& t, int, std::string_view text)
 {
     std::string_view metadata = takePart(text);
@@ -316,7 +316,7 @@ void oscPointer(Emulator& t, int, std::string_view text)
     t.out().pointerShape(shape);
 }
 
-/// Writing is for the listener to grant. Reading is refused: a question gets no answer.
+/// The listener decides about writes. Reads get no answer.
 void oscClipboard(Emulator& t, int, std::string_view text)
 {
     const std::string_view selection = takePart(text);

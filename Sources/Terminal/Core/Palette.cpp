@@ -67,7 +67,7 @@ std::optional<unsigned> hex(std::string_view digits)
     return value;
 }
 
-/// "#rgb" takes the digits for the high ones.
+/// In "#rgb" the digits are the high ones of each channel.
 std::optional<Rgb> parseHash(std::string_view digits)
 {
     if (digits.size() % 3 != 0 || digits.empty() || digits.size() > 12)
@@ -83,7 +83,7 @@ std::optional<Rgb> parseHash(std::string_view digits)
     return color;
 }
 
-/// "rgb:h/hh/hhhh": each channel is scaled from its own number of digits.
+/// "rgb:h/hh/hhhh": each channel is scaled by its own number of digits.
 std::optional<Rgb> parseSlashed(std::string_view text, bool fractions)
 {
     Rgb color = 0;

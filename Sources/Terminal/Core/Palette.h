@@ -9,10 +9,10 @@
 
 namespace corvane::terminal {
 
-/// 8 bits a channel: 0xrrggbb.
+/// 8 bits per channel: 0xrrggbb.
 using Rgb = uint32_t;
 
-/// The colours outside the table of 256, in the order of OSC 10 to 19.
+/// The dynamic colours, in the order of OSC 10 to 19.
 enum class DynamicColor : uint8_t {
     Foreground,
     Background,
@@ -27,7 +27,7 @@ enum class DynamicColor : uint8_t {
     Count
 };
 
-/// OSC 5: what bold, underlined, blinking, reversed and italic text is drawn in.
+/// OSC 5: the colours of bold, underlined, blinking, reversed and italic text.
 constexpr int specialColors = 5;
 
 struct PaletteState {
@@ -38,7 +38,7 @@ struct PaletteState {
     friend bool operator==(const PaletteState&, const PaletteState&) = default;
 };
 
-/// The colours at present, as the program changed them, and as they were.
+/// The current colours, including changes by the program, and the defaults.
 struct Palette {
     Palette();
     PaletteState current;
@@ -49,8 +49,8 @@ struct Palette {
     static constexpr int maxStack = 10;
 };
 
-/// "#rgb" to "#rrrrggggbbbb", "rgb:h/h/h", "rgbi:f/f/f", "rgba:..." without its alpha, or a name of the X11 list
-/// that is in common use.
+/// Accepts "#rgb" to "#rrrrggggbbbb", "rgb:h/h/h", "rgbi:f/f/f", "rgba:..." (alpha is ignored), or one of the common
+/// X11 names.
 std::optional<Rgb> parseColor(std::string_view text);
 
 /// "rgb:rrrr/gggg/bbbb"

@@ -6,10 +6,11 @@
 namespace corvane::terminal {
 
 namespace {
-// Below this a call through a pointer costs more than the loop.
+// For shorter runs, the call through a pointer costs more than the loop.
 constexpr size_t shortRun = 12;
 
-/// By the properties of a character, whether it joins nothing and has a width (bit 0), and whether it is wide (bit 32).
+/// For each set of properties: whether the character joins nothing and has a width (bit 0), and whether it is wide (bit
+/// 32).
 using PointKinds = std::array<uint64_t, 256>;
 
 constexpr PointKinds pointKinds(bool clustered, bool ambiguousWide)
@@ -27,7 +28,7 @@ constexpr PointKinds pointKinds(bool clustered, bool ambiguousWide)
 constexpr PointKinds allPointKinds[2][2]
     = { { pointKinds(false, false), pointKinds(false, true) }, { pointKinds(true, false), pointKinds(true, true) } };
 
-/// Of at most 32 characters; the first in the lowest bits.
+/// For at most 32 characters; the first is in the lowest bits.
 uint64_t kindsOf(const CodePointTable& table, const PointKinds& kinds, const char32_t* points, size_t count)
 {
     uint64_t found = 0;
@@ -95,7 +96,7 @@ void Emulator::printAscii(const uint8_t* text, size_t length)
         cursor.column = end - 1;
         cursor.pendingWrap = modes.has(Mode::AutoWrap);
         if (length > 0 && !cursor.pendingWrap) {
-            // Each further character goes to the last column; the last one stays.
+            // Without autowrap, further characters overwrite the last column.
             cells[count - 1] = high | text[length - 1];
             return;
         }
@@ -110,7 +111,7 @@ void Emulator::wrap()
     row.wrapped = !hasSideMargins();
     lineFeed();
     if (&cursorRow() == &row && row.id == before)
-        row.wrapped = false; // there is no row below to go on in
+        row.wrapped = false; // no scrolling took place: there is no row below to continue in
     cursor.column = margins.left;
 }
 
@@ -137,7 +138,7 @@ void Emulator::printPoints(const char32_t* points, size_t count)
         }
         return;
     }
-    // What is simple, and how wide, is told for many characters ahead.
+    // Looks ahead at many characters: which are simple, and how wide they are.
     const PointKinds& kinds = allPointKinds[modes.has(Mode::GraphemeClusters)][config.ambiguousWide];
     for (size_t begin = 0; begin < count; begin += TextKernels::most) {
         const size_t here = std::min(TextKernels::most, count - begin);
@@ -156,7 +157,7 @@ void Emulator::printPoints(const char32_t* points, size_t count)
     }
 }
 
-/// Writes characters that join nothing; answers how many of them fit before the last column.
+/// Writes characters that join nothing; returns how many of them fit before the last column.
 size_t Emulator::printSimple(const char32_t* points, size_t count, uint64_t wide)
 {
     if (cursor.pendingWrap || modes.has(Mode::Insert))
@@ -206,13 +207,13 @@ void Emulator::printCharacter(char32_t point)
             return std::tuple(cursor.row, cursor.column, cursor.pendingWrap);
         };
         if (place() != printedUpTo)
-            graphemes.afterPlainText(); // the cursor was moved in between
+            graphemes.afterPlainText(); // the cursor was moved since
         if (!graphemes.startsCluster(properties) && joinPrevious(point)) {
             printedUpTo = place();
             return;
         }
         if (width == 0) {
-            graphemes.afterPlainText(); // it is nowhere, so what follows cannot join it
+            graphemes.afterPlainText(); // it was not printed, so nothing can join it
             return;
         }
     } else if (width == 0) {

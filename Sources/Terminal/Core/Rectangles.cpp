@@ -5,8 +5,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Calls `visit(cell)` with each cell from the first to the last place: of the rectangle, or of the stream of text
-/// between its corners.
+/// Calls `visit(cell)` for each cell of the rectangle, or of the text stream between its corners.
 template <typename Visit> void eachCell(Emulator& t, const Rect& area, bool asRectangle, Visit visit)
 {
     for (int index = area.top; index < area.bottom; ++index) {
@@ -21,10 +20,10 @@ template <typename Visit> void eachCell(Emulator& t, const Rect& area, bool asRe
     }
 }
 
-/// Changes the attributes of an area as the SGR codes behind its corners say.
+/// Changes the attributes of an area by the SGR codes that follow its coordinates.
 void alterAttributes(Emulator& t, const Params& params, uint16_t (*alter)(uint16_t before, int code))
 {
-    // One corner beyond the other is an error in a stream only where its rows are.
+    // In a stream, the columns of the corners may be in any order; only the rows may not.
     const Rect area = t.attributesByRectangle ? rectangleOf(t, params, 0) : streamOf(t, params);
     StyleId from = 0;
     StyleId to = 0;
@@ -86,7 +85,7 @@ uint16_t reversed(uint16_t before, int code)
     return before ^ (code == 0 ? allBits : attributeBit(code));
 }
 
-/// Sums up the area as DEC's terminals do, with the changes that XTCHECKSUM asked for.
+/// The checksum of the area, computed as DEC terminals do unless XTCHECKSUM changes that.
 class Checksum {
 public:
     explicit Checksum(Emulator& terminal)
@@ -119,7 +118,7 @@ private:
         if (!(m_extension & NoAttributes))
             value += attributes(t.styles[cell.style()]);
         m_all += value;
-        // Blanks count only where something follows them in the row.
+        // Blanks count only if something follows them in the row.
         m_blanks += value;
         if (m_first || !isBlank || cell.style() != 0) {
             m_trimmed += m_blanks;
@@ -217,7 +216,7 @@ void fillRectangle(Emulator& t, const Sequence& s)
 void eraseRectangle(Emulator& t, const Sequence& s)
 {
     const Rect area = rectangleOf(t, s.params, 0);
-    const bool guards = std::exchange(t.guardsUsed, false); // which do not hold against this one
+    const bool guards = std::exchange(t.guardsUsed, false); // DECERA erases guarded cells, too
     for (int index = area.top; index < area.bottom; ++index)
         t.erase(index, area.left, area.right);
     t.guardsUsed = guards;
@@ -246,7 +245,7 @@ void copyRectangle(Emulator& t, const Sequence& s)
         Row& source = t.row(from.top + offset);
         Row& target = t.row(top + offset);
         std::vector<Cell> cells(source.cells + from.left, source.cells + from.left + width);
-        // Half a character that the edge cuts off is not copied.
+        // A character cut in half by the edge is not copied.
         if (cells.front().part() == Cell::Part::WideTail)
             cells.front() = Cell::erased(cells.front().style());
         if (cells.back().part() == Cell::Part::WideHead)

@@ -1,5 +1,5 @@
-// A new size. The lines on the screen are wrapped anew; those in the history need not be touched, since they are only
-// wrapped when somebody looks at them.
+// Resizing. Lines on the screen are rewrapped; lines in the history are not touched, since they are wrapped only when
+// read.
 
 #include "Terminal/Core/Emulator.h"
 #include "Terminal/Grid/Wrapping.h"
@@ -8,18 +8,18 @@ namespace corvane::terminal {
 
 namespace {
 
-/// A line of text on its way from the old rows to the new ones.
+/// A line of text between its old rows and its new ones.
 struct Line {
     std::vector<Cell> cells;
     LineSize size = LineSize::Single;
-    bool open = false; ///< the last row says that it goes on, though nothing follows
+    bool open = false; ///< the last row is marked as wrapped, but nothing follows it
 };
 
-/// Something whose place in the text has to be found again.
+/// A position in the text that has to be found again.
 struct Follower {
     size_t line = 0;
     size_t offset = 0;
-    int row = 0; // the answer
+    int row = 0; // the result
     int column = 0;
 };
 
@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    /// The rows as lines, without the blank ones at the end. True if there were none of these.
+    /// Collects the rows as lines, without trailing blank ones. True if there were no such rows.
     bool gather(int cursorRow)
     {
         const Grid& grid = m_screen.grid;
@@ -119,7 +119,7 @@ private:
             continues = row.wrapped;
         }
         m_lines.back().open = continues;
-        // Rows past the last are only reached by cursors below the text.
+        // Only cursors below the text reach rows past the last one.
         for (int index = last + 1; index < grid.rows(); ++index)
             m_lineOfRow[size_t(index)] = { m_lines.size() - 1 + size_t(index - last), 0 };
         return last == grid.rows() - 1;
@@ -143,7 +143,7 @@ private:
         return follow(0, 0);
     }
 
-    /// A line that begins in the history and ends on the screen is wrapped as a whole.
+    /// A line that starts in the history and ends on the screen is rewrapped as a whole.
     void pullOpenLine()
     {
         Scrollback* const history = m_screen.history;
@@ -160,8 +160,8 @@ private:
         }
     }
 
-    /// The last line of the history, with the anchors in it, which become followers of line 0. True if the text
-    /// goes on in the line after it.
+    /// Takes the last line of the history; the anchors in it become followers of line 0. True if the text continues in
+    /// the next line.
     bool takeFromHistory(Line& line)
     {
         Scrollback& history = *m_screen.history;
@@ -217,7 +217,7 @@ private:
         }
     }
 
-    /// Where the screen was full, lines come back from the history rather than leave it half empty.
+    /// If the screen was full, fills it with lines from the history rather than leave it half empty.
     void pullLines()
     {
         Scrollback* const history = m_screen.history;
@@ -233,11 +233,11 @@ private:
         }
     }
 
-    /// The last rows of the layout become the screen, those before go to the history.
+    /// The last rows of the layout become the screen; those before it go to the history.
     void place()
     {
         m_first = std::max(0, m_rowCount - m_size.rows);
-        // A cursor below the text keeps its place; the text moves up for it.
+        // A cursor below the text keeps its row; the text moves up instead.
         m_first = std::max(m_first, m_followers[0].row - m_size.rows + 1);
         Grid next(m_size.columns, m_size.rows);
         Grid leaving(m_size.columns, 1);
@@ -297,14 +297,14 @@ private:
     const Size m_size;
     std::vector<Line> m_lines;
     std::vector<std::pair<size_t, size_t>> m_lineOfRow;
-    std::vector<Follower> m_followers; // the first is the cursor's
+    std::vector<Follower> m_followers; // the first one is the cursor
     std::vector<std::pair<Anchors::Id, size_t>> m_anchors;
     std::vector<LineRows> m_rowsOfLine;
     int m_rowCount = 0;
     int m_first = 0;
 };
 
-/// The alternate screen is cut or padded; the program in it draws it anew.
+/// The alternate screen is cropped or padded; its program redraws it.
 void cropScreen(Screen& screen, Size size)
 {
     Grid next(size.columns, size.rows);
@@ -326,8 +326,8 @@ void cropScreen(Screen& screen, Size size)
 
 }
 
-/// A shell at its prompt draws that anew, counting rows from the prompt's first one: were these wrapped, some of the
-/// old prompt would be left over.
+/// A shell redraws its prompt, counting rows from the prompt's first one. Rewrapping these rows would leave parts of
+/// the old prompt behind.
 void Emulator::blankPrompt()
 {
     const auto isInput = [](const Mark& mark) {

@@ -12,7 +12,7 @@ std::string cursorReport(const Emulator& t)
     return concat(t.cursor.row - t.originRow() + 1, ';', t.cursor.column - t.originColumn() + 1);
 }
 
-/// What DECRQSS answers for the final characters of a control function; nothing if it is not known.
+/// DECRQSS: the setting of the control function with these final characters; nothing if it is unknown.
 std::optional<std::string> statusOf(const Emulator& t, std::string_view function)
 {
     if (function == "m")
@@ -44,7 +44,7 @@ std::optional<std::string> statusOf(const Emulator& t, std::string_view function
     return {};
 }
 
-/// What XTGETTCAP answers, by the capability's name in terminfo or termcap.
+/// XTGETTCAP: the value of a capability, by its terminfo or termcap name.
 std::optional<std::string> capability(const Emulator& t, std::string_view name)
 {
     constexpr struct {
@@ -127,8 +127,8 @@ void deviceAttributes1(Emulator& t, const Sequence& s)
         return;
     if (t.level < 200)
         return t.replyCsi("?1;2c");
-    // 132 columns, printer, Sixel, selective erase, national sets, technical set, windows, colour, and the rest of
-    // what the level brings.
+    // 132 columns, printer, Sixel, selective erase, national sets, technical set, windows, colour, and the extensions
+    // of the level.
     std::string features = ";1;2;4;6;9;15;22";
     if (t.level >= 400)
         features = ";1;2;4;6;9;15;16;17;18;21;22;28;29;52";
@@ -234,7 +234,7 @@ void requestTermcap(Emulator& t, const Sequence&, std::string_view names)
 
 void setTermcap(Emulator&, const Sequence&, std::string_view)
 {
-    // What the keys send follows the modes, never another terminal's description.
+    // Key strings follow the current modes, so no other terminal's description is accepted.
 }
 
 void userKeys(Emulator&, const Sequence&, std::string_view)
@@ -263,7 +263,7 @@ void terminalStateReport(Emulator& t, const Sequence& s)
     t.replyDcs("2$s", table);
 }
 
-/// DECRQPSR: the cursor with all that belongs to it (DECCIR), or the tab stops (DECTABSR).
+/// DECRQPSR: the cursor and its state (DECCIR), or the tab stops (DECTABSR).
 void presentationReport(Emulator& t, const Sequence& s)
 {
     if (s.params.at(0) == 2) {

@@ -19,14 +19,14 @@ struct SavedCursor {
     Charsets charsets;
 };
 
-/// The flags of the Kitty keyboard protocol, which each screen has its own of.
+/// The flags of the Kitty keyboard protocol; each screen has its own.
 struct KeyboardFlags {
     static constexpr size_t maxDepth = 32;
     int current = 0;
     std::vector<int> stack;
 };
 
-/// One of the two screens.
+/// The primary or the alternate screen.
 struct Screen {
     Screen(int columns, int rows, Scrollback* scrollback)
         : grid(columns, rows)
@@ -36,18 +36,18 @@ struct Screen {
 
     Grid grid;
     Anchors anchors;
-    Scrollback* history; ///< null: what scrolls out is gone
+    Scrollback* history; ///< null: rows that scroll out are discarded
     SavedCursor saved;
     KeyboardFlags keyboard;
 };
 
-/// What has scrolled since someone last asked.
+/// What has scrolled since the last query.
 class ScrollLog {
 public:
     struct Entry {
         int top;
         int bottom;
-        int lines; ///< up; negative is down
+        int lines; ///< positive is up
     };
 
     void add(int top, int bottom, int lines)

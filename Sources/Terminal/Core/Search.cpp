@@ -7,7 +7,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// The cell of the line in which a byte of its text stands.
+/// The cell of the line that contains a byte of its text.
 size_t cellOfByte(const HistoryLine& line, size_t byte)
 {
     if (line.shapeCount == 0)
@@ -25,13 +25,13 @@ size_t cellOfByte(const HistoryLine& line, size_t byte)
     return cell;
 }
 
-/// One past the last line that is searched in the history: one that goes on upon the screen is searched with that.
+/// One past the last line of the history to search. A line that continues on the screen is searched with the screen.
 uint64_t endOf(const Scrollback& history)
 {
     return history.lineEnd() - history.isOpen();
 }
 
-/// Matches of one line, as places of rows counted from `firstRow`.
+/// Matches in one line, with rows counted from `firstRow`.
 class LineMatches {
 public:
     LineMatches(std::vector<SearchMatch>& matches, std::vector<size_t> starts, int64_t firstRow)
@@ -62,11 +62,11 @@ private:
     int64_t m_firstRow;
 };
 
-/// A line whose rows are, at least in part, on the screen.
+/// A line that is at least partly on the screen.
 struct ScreenLine {
     std::vector<Cell> cells;
     std::string text;
-    std::vector<size_t> cellOfByte; // with one more at the end
+    std::vector<size_t> cellOfByte; // has one more entry for the end
     std::vector<size_t> starts;
     int64_t firstRow = 0;
 
@@ -156,7 +156,7 @@ void SearchRun::finish(Emulator& t)
     std::ranges::reverse(m_matches);
     if (m_history)
         searchNewLines(t);
-    // What has left the history meanwhile was among the oldest.
+    // Any lines that were dropped from the history meanwhile were the oldest.
     const int64_t oldest = m_history ? -int64_t(m_history->rows(m_columns)) : 0;
     std::erase_if(m_matches, [oldest](const SearchMatch& match) { return match.row < oldest; });
     searchScreen(t);
@@ -165,7 +165,7 @@ void SearchRun::finish(Emulator& t)
     m_generation = t.generation;
 }
 
-/// Lines that left the screen after the beginning move what was found up.
+/// Lines that left the screen after the search began shift the earlier matches up.
 void SearchRun::searchNewLines(Emulator& t)
 {
     const Scrollback& history = t.history;
@@ -196,7 +196,7 @@ void SearchRun::searchScreen(Emulator& t)
         line = {};
     };
     if (m_history && t.history.isOpen()) {
-        // The line began in the history.
+        // The line starts in the history.
         std::vector<Cell> cells;
         t.history.unpack(t.history.lineEnd() - 1, cells);
         for (const Cell cell : cells)

@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Rows of the screen and of the history by their numbers: one below the other is read fast.
+/// Rows of the screen and the history by number. Reading downwards is fast.
 class Reader {
 public:
     explicit Reader(Emulator& terminal)
@@ -42,7 +42,7 @@ public:
 
     bool continues(int64_t index) { return index > m_first && row(index).continued; }
 
-    /// The place before or after, past the ends of wrapped rows; false if the line ends.
+    /// Moves to the next or previous cell, across wrapped rows; false at the end of the line.
     bool step(Position& at, int direction)
     {
         at.column += direction;
@@ -67,7 +67,7 @@ private:
     HistoryView m_view;
     int64_t m_first;
     int64_t m_at = INT64_MIN;
-    std::optional<HistoryView::Address> m_place; ///< of the row, if it is in the history
+    std::optional<HistoryView::Address> m_place; ///< the row's, if it is in the history
     RowView m_row;
 };
 
@@ -110,7 +110,7 @@ void appendCells(Emulator& t, std::string& text, const RowView& row, int from, i
     }
 }
 
-/// The number of cells without those at the end that hold no text.
+/// The number of cells without trailing ones that hold no text.
 int writtenLength(const RowView& row)
 {
     size_t length = row.cells.size();
@@ -180,7 +180,7 @@ std::string Selection::text()
     std::string text;
     for (int64_t row = at->first.row; row <= at->last.row; ++row) {
         const bool isBlock = at->mode == SelectionMode::Block;
-        const RowView view = reader.row(row); // a copy: the reader goes on to the next one
+        const RowView view = reader.row(row); // a copy: the reader overwrites its own
         if (row > at->first.row && (isBlock || !view.continued))
             text.push_back('\n');
         const int from = isBlock || row == at->first.row ? at->first.column : 0;

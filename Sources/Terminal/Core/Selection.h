@@ -11,15 +11,15 @@ class Emulator;
 
 enum class SelectionMode : uint8_t { Character, Word, Line, Block };
 
-/// A place of the page or the history: row as in Terminal::readRow, and column.
+/// Row (as in Terminal::readRow) and column.
 struct Position {
     int64_t row = 0;
     int column = 0;
     friend auto operator<=>(const Position&, const Position&) = default;
 };
 
-/// Text that the user marked. It stays on its text while that scrolls, leaves and wraps anew, and is gone when an end
-/// of it is erased.
+/// A selection. It stays with its text when that scrolls, moves to the history or is rewrapped, and is dropped when
+/// either of its ends is erased.
 class Selection {
 public:
     explicit Selection(Emulator& terminal)
@@ -27,7 +27,7 @@ public:
     {
     }
 
-    /// From one place to the other, in either order, both included.
+    /// Both ends are included, in either order.
     void set(SelectionMode mode, Position from, Position to);
     void clear();
     bool isActive() const { return m_active; }
@@ -37,9 +37,9 @@ public:
         Position first;
         Position last; ///< included
     };
-    /// Where it is now, widened to words or lines.
+    /// The current range, extended to words or lines.
     std::optional<Range> range();
-    /// Wrapped rows are joined; blanks that nobody wrote are left out at the ends of lines.
+    /// Wrapped rows are joined; blanks that were never written are omitted at line ends.
     std::string text();
 
 private:

@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// What 38, 48 and 58 name. Leaves `index` at the last parameter taken; in the colon form the caller skips the rest.
+/// The colour of 38, 48 and 58. Leaves `index` at the last parameter used; in the colon form the caller skips the rest.
 std::optional<Color> extendedColor(const Params& params, int& index)
 {
     const int head = index;
@@ -25,7 +25,7 @@ std::optional<Color> extendedColor(const Params& params, int& index)
         index = head + 1;
         return {};
     }
-    // 38:2:space:r:g:b has one more than the forms without the number of a colour space.
+    // 38:2:space:r:g:b has one more than the forms without a colour space.
     int first = head + 2;
     if (colons && params.next(head) - head >= 6)
         ++first;
@@ -38,7 +38,7 @@ void applyOne(Style& pen, const Params& params, int& index)
     const int code = params.at(index);
     switch (code) {
     case 0: {
-        // What protects and links is no rendition.
+        // SGR does not change protection and links.
         Style plain;
         plain.attributes = pen.attributes & (Style::Protected | Style::Guarded);
         plain.link = pen.link;
@@ -202,7 +202,7 @@ void popGraphics(Emulator& t, const Sequence&)
     t.penChanged = true;
 }
 
-/// The attributes that every cell of the rectangle has.
+/// The attributes shared by all cells of the rectangle.
 void reportGraphics(Emulator& t, const Sequence& s)
 {
     const Rect area = rectangleOf(t, s.params, 0);

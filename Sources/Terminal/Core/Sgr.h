@@ -10,16 +10,16 @@ namespace corvane::terminal {
 class Emulator;
 struct Rect;
 
-/// Applies SGR parameters from the one at `first` on; none is as 0.
+/// Applies the SGR parameters from index `first` on; no parameters mean 0.
 void applySgr(Style& pen, const Params& params, int first = 0);
 
-/// The parameters that make the style from any other, as "0;1;38:5:99".
+/// The parameters that set the style, such as "0;1;38:5:99".
 std::string sgrText(const Style& style);
 
-/// The area between two places of the stream of text, as DECCARA takes it unless DECSACE chose rectangles.
+/// The area of DECCARA and DECRARA: a text stream between two corners, unless DECSACE chose rectangles.
 Rect streamOf(const Emulator& terminal, const Params& params);
 
-/// The area that four parameters from `first` on name, cut to the page; empty if they make no sense.
+/// The rectangle of four parameters starting at `first`, clipped to the page; empty if they are invalid.
 Rect rectangleOf(const Emulator& terminal, const Params& params, int first);
 
 }

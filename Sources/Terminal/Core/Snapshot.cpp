@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint64_t inHistory = uint64_t(1) << 63;
 
-/// Numbers the styles and clusters of the cells anew, by the row's own lists.
+/// Renumbers the styles and clusters of the cells by the row's own lists.
 void makeOwn(const Emulator& t, ShownRow& row)
 {
     row.styles.assign(1, Style());
@@ -63,7 +63,7 @@ std::vector<ShownPrompt> promptsOf(Emulator& t, int64_t top)
     return prompts;
 }
 
-/// Copies the pictures that the snapshot lacks, and drops those that are no longer shown.
+/// Copies the pictures that the snapshot lacks and drops those no longer shown.
 void updateImages(const ImageStore& store, Snapshot& snapshot)
 {
     std::map<uint32_t, ShownImage> images;
@@ -120,7 +120,7 @@ void Terminal::snapshot(int64_t top, Snapshot& snapshot)
         } else {
             place = place ? past.next(*place) : past.addressOf(index);
             past.read(*place, view);
-            // The line that is still leaving the screen grows.
+            // A line that is partly still on the screen grows.
             const ShownRow::Key key { inHistory | place->line, uint64_t(place->part) << 32 | view.cells.size() };
             if (shown.key == key)
                 continue;

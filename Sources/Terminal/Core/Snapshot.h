@@ -22,16 +22,16 @@ struct CursorState {
     bool pendingWrap = false;
 };
 
-/// A row with everything that it shows, so that nothing in it needs the terminal any more.
+/// A row with all data needed to draw it without the terminal.
 struct ShownRow {
-    /// Rows of one terminal with equal keys show the same, as long as its size stays.
+    /// Rows of one terminal with equal keys look the same as long as its size does not change.
     struct Key {
         uint64_t id = UINT64_MAX;
         uint64_t version = 0;
         friend bool operator==(const Key&, const Key&) = default;
     };
     Key key;
-    std::vector<Cell> cells; ///< style and cluster are places in the lists below; blank ones at the end are left out
+    std::vector<Cell> cells; ///< style and cluster index the lists below; trailing blanks are omitted
     std::vector<Style> styles;
     std::vector<std::u32string> clusters;
     LineSize size = LineSize::Single;
@@ -40,20 +40,20 @@ struct ShownRow {
     const Style& styleOf(Cell cell) const { return styles[cell.style()]; }
 };
 
-/// The picture of an image as it is now.
+/// The current picture of an image.
 struct ShownImage {
     uint64_t version = 0;
     size_t frame = 0;
     Bitmap bitmap;
 };
 
-/// A prompt in sight whose command has ended, by the marks of the shell (OSC 133).
+/// A visible prompt whose command has ended, from the shell's marks (OSC 133).
 struct ShownPrompt {
     int row; ///< of the view
     int exitCode;
 };
 
-/// What a view shows of a terminal at one moment.
+/// The contents of a view at one moment.
 struct Snapshot {
     uint64_t generation = 0;
     Size size {};
@@ -62,16 +62,16 @@ struct Snapshot {
     std::vector<ShownRow> rows;
     CursorState cursor;
     PaletteState palette;
-    bool isReversed = false; ///< the whole screen (DECSCNM)
+    bool isReversed = false; ///< reverse video for the whole screen (DECSCNM)
     bool isAlternate = false;
     bool tracksMouse = false;
     std::optional<Selection::Range> selection;
     std::vector<ShownPrompt> prompts; ///< from bottom to top
     std::vector<PlacementView> placements; ///< rows as in Terminal::readRow
-    std::map<uint32_t, ShownImage> images; ///< those of the placements
+    std::map<uint32_t, ShownImage> images; ///< the images of the placements
 };
 
-/// A place of the history that stays with its text.
+/// A position in the history that stays with its text.
 struct HistoryPlace {
     uint64_t line = 0;
     uint32_t offset = 0;

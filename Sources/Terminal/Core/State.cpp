@@ -40,7 +40,7 @@ void Emulator::setLineSize(LineSize lineSize)
     target.size = lineSize;
     touch(target);
     if (lineSize != LineSize::Single) {
-        // What is right of the middle comes back with single size.
+        // Text right of the middle reappears when the row is single-width again.
         target.cutWide(rowEnd(target));
         target.wrapped = false;
         moveTo(cursor.row, cursor.column);
@@ -114,7 +114,7 @@ void Emulator::setColumns(int wanted)
         if (clears) {
             eraseRow(index);
         } else {
-            // What no longer fits is cut off rather than wrapped.
+            // What no longer fits is cropped, not wrapped.
             each.cutWide(wanted);
             each.fill(wanted, size.columns, Cell());
             each.wrapped = false;

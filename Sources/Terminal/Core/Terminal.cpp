@@ -70,7 +70,7 @@ void Terminal::setColors(const PaletteState& colors, bool dark)
 
 namespace {
 
-/// Input is not held to the limit of answers: it is the user's own.
+/// User input is exempt from the limit on replies.
 bool send(Emulator& terminal, const std::string& bytes)
 {
     terminal.replies += bytes;

@@ -153,7 +153,7 @@ void reportColors(Emulator& t, const Sequence&)
     t.replyCsi(t.palette.stackTop, ';', t.palette.stack.size(), "#Q");
 }
 
-/// What Sixel and the colour registers can do: read, reset, set, read the most.
+/// XTSMGRAPHICS for Sixel and colour registers: read, reset, set, read the maximum.
 void graphicsAttributes(Emulator& t, const Sequence& s)
 {
     constexpr int colorRegisters = 1024;

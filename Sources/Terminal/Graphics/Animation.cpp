@@ -30,7 +30,7 @@ void drawPixel(uint8_t* target, const uint8_t* source)
     target[3] = uint8_t(alpha + target[3] * (255 - alpha) / 255);
 }
 
-/// Puts part of one picture onto another, which may be the same.
+/// Draws part of one picture onto another, or onto the same.
 void draw(Bitmap& target, int x, int y, const Bitmap& source, const Box& part, bool replaces)
 {
     const Bitmap copy = &source == &target ? source : Bitmap();
@@ -47,7 +47,7 @@ void draw(Bitmap& target, int x, int y, const Bitmap& source, const Box& part, b
     }
 }
 
-/// The frame that a 1-based number names; null if there is none.
+/// The frame with this 1-based number; null if there is none.
 ImageFrame* frameOf(Image& image, uint32_t number)
 {
     return number >= 1 && number <= image.frames.size() ? &image.frames[number - 1] : nullptr;
@@ -148,7 +148,7 @@ int64_t Graphics::tick(int64_t now)
             continue;
         if (image.nextFrameAt == 0)
             image.nextFrameAt = now + std::max(image.frames[image.current].gap, 1) * millisecond;
-        // Frames without a gap are passed over; one round at most, however late it is.
+        // Frames without a gap are skipped; at most one round, however late the call.
         for (size_t steps = 0; now >= image.nextFrameAt && steps < image.frames.size() && image.running; ++steps) {
             image.current = (image.current + 1) % image.frames.size();
             if (image.current == 0 && image.loops > 0 && --image.loops == 0)

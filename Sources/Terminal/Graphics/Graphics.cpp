@@ -66,7 +66,7 @@ void Graphics::data(std::string_view data)
         data.remove_prefix(end + 1);
         m_inPayload = true;
     }
-    // A little over the budget is let in, so that the answer can say what was wrong.
+    // A little more than the budget is accepted, so that the reply can name the error.
     m_tooLarge |= m_payload.size() > m_store.budget();
     if (!m_tooLarge)
         m_decoder.decode(data, m_payload);
@@ -146,7 +146,7 @@ Image* Graphics::imageOf(const GraphicsCommand& command)
     return command.number('I') ? m_store.findNumber(command.number('I')) : nullptr;
 }
 
-/// The bytes that the command brought or named, as a picture.
+/// The bitmap that the command contains or refers to.
 std::expected<Bitmap, std::string> Graphics::load(const GraphicsCommand& command)
 {
     std::vector<uint8_t> bytes = std::move(m_payload);
@@ -238,7 +238,7 @@ GraphicsResult Graphics::put(const GraphicsCommand& command, uint32_t id)
         const Placement* parent = m_store.findPlacement(command.number('P'), command.number('Q'));
         if (!parent)
             return error("ENOPARENT:no such placement");
-        // A chain of relations that is too long, or comes back to itself, is refused.
+        // Chains of parents that are too long or circular are refused.
         constexpr int maxDepth = 8;
         int depth = 1;
         for (const Placement* above = parent; above && above->parentImage; ++depth) {
@@ -269,7 +269,7 @@ void Graphics::placeAtCursor(Placement placement, const Image& image, bool moves
         placement.sourceWidth = bitmap.width;
         placement.sourceHeight = bitmap.height;
     }
-    // With one side given the other follows from the picture's shape.
+    // If only one side is given, the aspect ratio determines the other.
     const int cellWidth = t.size.cellWidth;
     const int cellHeight = t.size.cellHeight;
     const bool isFree = placement.columns == 0 && placement.rows == 0;
@@ -329,7 +329,7 @@ void Graphics::endSixel(bool complete)
     image.frames.push_back({ std::move(*bitmap), 0 });
     if (!m_store.add(std::move(image), &id))
         return;
-    // In display mode the picture stands at the top left and the cursor stays where it is.
+    // In display mode the picture is at the top left and the cursor does not move.
     const Cursor before = t.cursor;
     const bool display = t.modes.has(Mode::SixelDisplay);
     if (display)
@@ -381,7 +381,7 @@ void Graphics::inlineImage(std::string_view arguments, std::string_view base64)
     const auto claimed = bitmap ? std::nullopt : pictureSize(bytes);
     if (!bitmap && (!claimed || !Bitmap::isAllowed(claimed->width, claimed->height)))
         return;
-    // What is decoded elsewhere has its place from now on, and is a transparent pixel meanwhile.
+    // A picture that is decoded elsewhere has its place at once and is a transparent pixel meanwhile.
     Image image;
     image.frames.push_back({ bitmap ? std::move(*bitmap) : Bitmap { 1, 1, std::vector<uint8_t>(4) }, 0 });
     if (!m_store.add(std::move(image), &placement.image))

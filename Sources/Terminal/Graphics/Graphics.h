@@ -13,10 +13,10 @@ namespace corvane::terminal {
 
 class Emulator;
 
-/// What came of a command: nothing, or a code and a text such as "ENOENT:no such image".
+/// The result of a command: nothing, or an error code and text such as "ENOENT:no such image".
 using GraphicsResult = std::expected<void, std::string>;
 
-/// The images of a terminal and the three protocols that bring them: Kitty's, Sixel and iTerm2's.
+/// The images of a terminal, and the protocols of Kitty, Sixel and iTerm2.
 class Graphics {
 public:
     Graphics(Emulator& terminal, size_t budget);
@@ -33,20 +33,20 @@ public:
     void sixelData(std::string_view data);
     void endSixel(bool complete);
 
-    /// OSC 1337 ; File=... : the arguments and the data in base64.
+    /// OSC 1337 ; File=... : the arguments and base64 data.
     void inlineImage(std::string_view arguments, std::string_view base64);
-    // The same in parts: MultipartFile, FilePart and FileEnd.
+    // The multipart form: MultipartFile, FilePart and FileEnd.
     void beginInlineImage(std::string_view arguments);
     void addToInlineImage(std::string_view base64);
     void endInlineImage();
 
-    /// The picture of an image that the listener was to have decoded.
+    /// Sets the picture of an image that the listener had decoded.
     void decoded(uint32_t id, Bitmap bitmap);
 
-    /// Moves animations on; the nanoseconds until the next frame is due, or -1.
+    /// Advances animations. Returns the nanoseconds until the next frame is due, or -1.
     int64_t tick(int64_t now);
     void clear();
-    /// Images on this screen that no longer have a place go.
+    /// Removes the placements of this screen whose text is gone.
     void dropLost(bool alternate);
 
 private:
@@ -67,12 +67,12 @@ private:
     static constexpr size_t maxInline = 48 << 20;
     Emulator& t;
     ImageStore m_store;
-    // The command that is coming in
+    // The command being received
     bool m_isGraphics = false;
-    bool m_first = true; // nothing of the string has come yet
+    bool m_first = true; // nothing of the string was received yet
     bool m_inPayload = false;
     std::string m_control;
-    // The chunks so far of an image that comes in several commands
+    // The chunks received so far of an image sent in several commands
     bool m_hasPending = false;
     GraphicsCommand m_pending;
     std::vector<uint8_t> m_payload;
@@ -88,7 +88,7 @@ private:
     std::optional<SixelDecoder> m_sixel;
 };
 
-/// Where a placement is shown, in cells of the screen; half-open, rows negative in the history.
+/// The cells of the screen that a placement covers; half-open, rows in the history are negative.
 struct PlacementView {
     uint32_t image;
     uint32_t placement;
@@ -103,7 +103,7 @@ struct PlacementView {
     int sourceHeight;
 };
 
-/// All placements that have a place on the present screen, and what placeholder characters show of virtual ones.
+/// All placements on the current screen, including the parts of virtual ones that placeholders show.
 std::vector<PlacementView> placementViews(Emulator& terminal);
 
 }

@@ -5,17 +5,17 @@
 
 namespace corvane::terminal {
 
-/// The keys of a command of the Kitty graphics protocol, by their letters; what was left out is 0.
+/// The keys of a Kitty graphics command, by letter; omitted ones are 0.
 class GraphicsCommand {
 public:
-    /// Takes "a=T,f=24,..."; keys that are not known are passed over.
+    /// Parses "a=T,f=24,..."; unknown keys are ignored.
     static GraphicsCommand parse(std::string_view control);
 
-    /// The value of a key that holds a letter, such as a, t, o and d.
+    /// The value of a key that takes a letter, such as a, t, o and d.
     char letter(char key, char fallback) const { return m_letters[index(key)] ? m_letters[index(key)] : fallback; }
     uint32_t number(char key) const { return uint32_t(m_numbers[index(key)]); }
     int integer(char key) const { return int(m_numbers[index(key)]); }
-    /// A size or a place in pixels or cells, never negative, never large.
+    /// A size or position in pixels or cells, clamped to a small non-negative number.
     int amount(char key) const;
     bool has(char key) const { return m_present >> index(key) & 1; }
 

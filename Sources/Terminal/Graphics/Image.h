@@ -6,9 +6,9 @@
 
 namespace corvane::terminal {
 
-/// Four bytes a pixel: red, green, blue, alpha; not premultiplied.
+/// Four bytes per pixel: red, green, blue, alpha; not premultiplied.
 struct Bitmap {
-    /// Larger ones are refused, whatever they claim.
+    /// Larger bitmaps are refused.
     static constexpr int maxSide = 10'000;
 
     int width = 0;
@@ -24,19 +24,19 @@ struct Bitmap {
 
 struct ImageFrame {
     Bitmap bitmap;
-    int gap = 40; ///< milliseconds until the next
+    int gap = 40; ///< milliseconds until the next frame
 };
 
 struct Image {
     uint32_t id = 0;
-    uint32_t number = 0; ///< by which the program may name it; 0 is none
-    uint64_t age = 0; ///< grows with every use
-    uint64_t version = 0; ///< another one whenever its pixels change
-    std::vector<ImageFrame> frames; ///< the first is the image itself
+    uint32_t number = 0; ///< chosen by the program; 0 if there is none
+    uint64_t age = 0; ///< increases with every use
+    uint64_t version = 0; ///< changes whenever the pixels change
+    std::vector<ImageFrame> frames; ///< the first one is the image itself
     size_t current = 0;
     bool running = false;
-    int loops = 0; ///< left to play; 0 is for ever
-    int64_t nextFrameAt = 0; ///< nanoseconds of the terminal's tick
+    int loops = 0; ///< remaining; 0 is endless
+    int64_t nextFrameAt = 0; ///< in nanoseconds of the terminal's tick
 
     const Bitmap& shown() const { return frames[current].bitmap; }
     size_t bytes() const

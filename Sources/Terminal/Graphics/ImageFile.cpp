@@ -40,7 +40,7 @@ bool liesInTemporaryFolder(const std::string& path)
     });
 }
 
-/// Pseudo file systems answer with more than files.
+/// Pseudo file systems contain more than plain files.
 bool isForbidden(const std::string& path)
 {
     return path.starts_with("/proc/") || path.starts_with("/sys/")
@@ -92,7 +92,7 @@ std::expected<std::vector<uint8_t>, std::string> readImageSource(
     if (isForbidden(real))
         return std::unexpected("EPERM:not a file for images");
     const bool temporary = source == ImageSource::TemporaryFile;
-    // A link from a temporary folder to somewhere else may have been laid by another user.
+    // A link out of a temporary folder may have been created by another user.
     if ((temporary || liesInTemporaryFolder(path)) && !liesInTemporaryFolder(real))
         return std::unexpected("EPERM:leads out of the temporary folder");
     const OpenFile file { open(real.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY) };

@@ -10,10 +10,9 @@ namespace corvane::terminal {
 
 enum class ImageSource : uint8_t { File, TemporaryFile, SharedMemory };
 
-/// Reads what the stream named: a regular file, never a device or a socket, never by a link that leads out of a
-/// temporary folder, at most `most` bytes. A temporary file is deleted if it is the user's own, lies in a temporary
-/// folder and has "tty-graphics-protocol" in its path; shared memory is unlinked. The error is a code and a text as the
-/// graphics protocol answers them.
+/// Reads a file named by the stream: only a regular file, not through a link that leads out of a temporary folder, and
+/// at most `most` bytes. A temporary file is deleted if the user owns it, it is in a temporary folder and its path
+/// contains "tty-graphics-protocol"; shared memory is unlinked. The error is a code and a text for the reply.
 std::expected<std::vector<uint8_t>, std::string> readImageSource(
     ImageSource source, std::string_view name, size_t offset, size_t size, size_t most);
 

@@ -10,7 +10,7 @@ bool ImageStore::add(Image image, uint32_t* id)
     if (size > m_budget)
         return false;
     if (image.id == 0) {
-        // Out of the way of the small numbers that programs choose.
+        // Well above the small ids that programs choose.
         constexpr uint32_t firstOwn = 0x7fff'0000;
         do
             image.id = firstOwn + ++m_lastId % 0x8000'0000;

@@ -8,29 +8,29 @@
 
 namespace corvane::terminal {
 
-/// Where an image is shown: pixels of it in a box of cells that moves with the text.
+/// A part of an image shown in a box of cells, which moves with the text.
 struct Placement {
     uint32_t image = 0;
-    uint32_t id = 0; ///< 0 if the program gave none
-    bool onAlternate = false; ///< which screen's anchors hold it
-    bool isVirtual = false; ///< shown by placeholder characters alone
-    Anchors::Id anchor = 0; ///< unless virtual or relative
+    uint32_t id = 0; ///< 0 if the program did not set one
+    bool onAlternate = false; ///< the screen that its anchor belongs to
+    bool isVirtual = false; ///< shown only by placeholder characters
+    Anchors::Id anchor = 0; ///< unset if virtual or relative
     int sourceX = 0;
     int sourceY = 0;
     int sourceWidth = 0;
     int sourceHeight = 0;
-    int offsetX = 0; ///< pixels into the first cell
+    int offsetX = 0; ///< in pixels, within the first cell
     int offsetY = 0;
     int columns = 0;
     int rows = 0;
     int z = 0;
-    uint32_t parentImage = 0; ///< placed relative to that one's placement; 0 is none
+    uint32_t parentImage = 0; ///< of the placement that it is relative to; 0 if none
     uint32_t parentPlacement = 0;
     int parentColumns = 0;
     int parentRows = 0;
 };
 
-/// The images of a terminal, within a budget: when it is passed, those that were used longest ago go.
+/// The images of a terminal. When they exceed the budget, the least recently used are evicted.
 class ImageStore {
 public:
     explicit ImageStore(size_t budget)
@@ -38,28 +38,28 @@ public:
     {
     }
 
-    /// Called with each placement that goes, to give up its anchor.
+    /// Called for each removed placement, to release its anchor.
     void setReleaser(std::function<void(const Placement&)> release) { m_release = std::move(release); }
 
-    /// Takes the image under its id, in place of an older one; an id of 0 is given a free one. False if it is
-    /// larger than the whole budget.
+    /// Adds the image, replacing one with the same id; an id of 0 gets a free one. False if it is larger than the whole
+    /// budget.
     bool add(Image image, uint32_t* id);
     Image* find(uint32_t id);
     const Image* find(uint32_t id) const;
-    /// The newest with that number.
+    /// The newest image with that number.
     Image* findNumber(uint32_t number);
-    void remove(uint32_t id); ///< with its placements
+    void remove(uint32_t id); ///< and its placements
     void touch(Image& image) { image.age = ++m_age; }
     void pixelsChanged(Image& image) { image.version = ++m_age; }
-    /// The frames of the image have grown.
+    /// To be called when an image got more frames.
     bool fit(const Image& grown);
 
     Placement& place(Placement placement);
     const std::vector<Placement>& placements() const { return m_placements; }
     const Placement* findPlacement(uint32_t image, uint32_t id) const;
-    /// All of the image, wherever it is shown.
+    /// Removes all placements of the image.
     void showWhole(uint32_t image);
-    /// Removes the placements for which `which` is true; images left without any go too where `withImages` is set.
+    /// Removes the placements that match `which`; with `withImages`, also images that have no placements left.
     void removePlacements(const std::function<bool(const Placement&)>& which, bool withImages);
 
     size_t count() const { return m_images.size(); }

@@ -27,7 +27,7 @@ bool has(Bytes bytes, size_t at, std::string_view text)
             text, bytes.subspan(at, text.size()), [](char one, uint8_t other) { return uint8_t(one) == other; });
 }
 
-/// By the orientation in a camera's notes: rows are shown as columns.
+/// True if the EXIF orientation swaps width and height.
 bool isTurned(Bytes exif)
 {
     constexpr size_t head = 6;

@@ -11,8 +11,8 @@ struct PictureSize {
     int height = 0;
 };
 
-/// The size that a JPEG, GIF or WebP picture claims, turned as it is to be shown; none for anything else. Nothing is
-/// decoded.
+/// The size in the header of a JPEG, GIF or WebP picture, with its orientation applied; nothing for other data. Nothing
+/// is decoded.
 std::optional<PictureSize> pictureSize(std::span<const uint8_t> file);
 
 }

@@ -11,7 +11,7 @@ struct MarkRange {
     char32_t last;
 };
 
-// The marks of class 230 without a decomposition, in the order of the protocol.
+// The marks of combining class 230 without a decomposition, in the protocol's order.
 constexpr MarkRange marks[] = { { 0x305, 0x305 }, { 0x30d, 0x30e }, { 0x310, 0x310 }, { 0x312, 0x312 },
     { 0x33d, 0x33f }, { 0x346, 0x346 }, { 0x34a, 0x34c }, { 0x350, 0x352 }, { 0x357, 0x357 }, { 0x35b, 0x35b },
     { 0x363, 0x36f }, { 0x483, 0x487 }, { 0x592, 0x595 }, { 0x597, 0x599 }, { 0x59c, 0x5a1 }, { 0x5a8, 0x5a9 },
@@ -37,7 +37,7 @@ constexpr int markCount = [] {
 }();
 static_assert(markCount == 297);
 
-/// What one placeholder cell names.
+/// The contents of one placeholder cell.
 struct Part {
     uint32_t image = 0;
     uint32_t placement = 0;
@@ -45,7 +45,7 @@ struct Part {
     int column = -1;
     int high = -1;
 
-    /// Does it show what stands to the right of `left`? What it leaves out is taken from there.
+    /// Whether it continues `left`; omitted numbers are taken from there.
     bool continues(const Part& left)
     {
         if ((image & 0xffffff) != (left.image & 0xffffff) || placement != left.placement)
@@ -91,7 +91,7 @@ std::optional<Part> partOf(const Emulator& t, Cell cell)
     return part;
 }
 
-/// The pixels that a run of cells of a virtual placement shows.
+/// The pixels shown by a run of cells of a virtual placement.
 void addView(Emulator& t, std::vector<PlacementView>& views, const Part& first, int row, int left, int right)
 {
     const ImageStore& store = t.graphics.store();

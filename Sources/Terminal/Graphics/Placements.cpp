@@ -1,4 +1,4 @@
-// Where images are shown, and which the program takes away.
+// The placements of images, and deleting them.
 
 #include "Terminal/Core/Emulator.h"
 #include "Terminal/Graphics/Graphics.h"
@@ -8,7 +8,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// A placement's box, by its anchor or its parent's; nothing if it has no place on the present screen.
+/// The box of a placement, from its anchor or parent; nothing if it is not on the current screen.
 std::optional<PlacementView> viewOf(Emulator& t, const Placement& placement, int depth)
 {
     PlacementView view { placement.image, placement.id, placement.z, 0, 0, 0, 0, placement.sourceX, placement.sourceY,
@@ -56,7 +56,7 @@ std::vector<PlacementView> placementViews(Emulator& t)
     return views;
 }
 
-/// A lower-case letter keeps the images' data, an upper-case one frees that of images that are shown no more.
+/// A lower-case letter keeps the image data; an upper-case one frees images that are no longer shown.
 void Graphics::remove(const GraphicsCommand& command)
 {
     const char what = command.letter('d', 'a');
@@ -115,7 +115,7 @@ void Graphics::remove(const GraphicsCommand& command)
         });
     case 'r':
         for (uint64_t id = command.number('x'); id <= command.number('y') && m_store.count() > 0; ++id) {
-            // Only ids that exist are worth a look.
+            // Visits only ids that exist.
             const auto next = m_store.images().lower_bound(uint32_t(id));
             if (next == m_store.images().end() || next->first > command.number('y'))
                 return;

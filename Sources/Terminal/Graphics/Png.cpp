@@ -30,7 +30,7 @@ void stayQuiet(png_structp, png_const_charp) { }
     longjmp(png_jmpbuf(png), 1);
 }
 
-/// Nothing with a destructor may live in here: libpng leaves it by longjmp.
+/// libpng leaves this function by longjmp, so no local may have a destructor.
 bool decodeInto(png_structp png, png_infop info, Bitmap& bitmap, std::vector<png_bytep>& rows)
 {
     if (setjmp(png_jmpbuf(png)))

@@ -7,10 +7,10 @@
 
 namespace corvane::terminal {
 
-/// Decodes a PNG under hard limits of size and memory. Nothing if it is malformed or too large.
+/// Decodes a PNG within limits of size and memory. Nothing if it is malformed or too large.
 std::optional<Bitmap> decodePng(std::span<const uint8_t> bytes);
 
-/// Inflates a zlib stream; nothing if it is malformed or grows past `most`.
+/// Inflates a zlib stream; nothing if it is malformed or larger than `most`.
 std::optional<std::vector<uint8_t>> inflateAll(std::span<const uint8_t> bytes, size_t most);
 
 }

@@ -17,7 +17,7 @@ uint32_t ofPercent(int red, int green, int blue)
     return channel(red) << 16 | channel(green) << 8 | channel(blue);
 }
 
-/// DEC's hues begin at blue.
+/// DEC's hue circle starts at blue.
 uint32_t ofHls(int hue, int lightness, int saturation)
 {
     const double h = (hue + 240) % 360;
@@ -51,7 +51,7 @@ SixelDecoder::SixelDecoder(Colors& colors, std::optional<uint32_t> background)
 {
 }
 
-/// Makes room for the given size; false past the limits.
+/// Grows to the given size; false past the limits.
 bool SixelDecoder::reach(int width, int height)
 {
     if (width > maxSide || height > maxSide)

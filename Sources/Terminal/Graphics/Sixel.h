@@ -8,18 +8,18 @@
 
 namespace corvane::terminal {
 
-/// Decodes Sixel data as it comes, in any pieces.
+/// Decodes Sixel data in chunks of any size.
 class SixelDecoder {
 public:
     static constexpr int maxSide = 4096;
     static constexpr size_t registers = 1024;
     using Colors = std::array<uint32_t, registers>; ///< 0xrrggbb
 
-    /// `colors` are the registers at the start, and are left as the data set them. `background` fills what the data
-    /// leaves open; without one that stays transparent.
+    /// `colors` holds the initial registers and receives changes by the data. `background` fills pixels that the data
+    /// does not set; without one they are transparent.
     SixelDecoder(Colors& colors, std::optional<uint32_t> background);
     void feed(std::string_view data);
-    /// The picture as far as it came; nothing if it is empty.
+    /// The picture so far; nothing if it is empty.
     std::optional<Bitmap> finish();
 
     static Colors vtColors();
@@ -33,7 +33,7 @@ private:
 
     Colors& m_colors;
     std::optional<uint32_t> m_background;
-    std::vector<uint32_t> m_pixels; // m_stride a row; 0xaarrggbb
+    std::vector<uint32_t> m_pixels; // m_stride per row; 0xaarrggbb
     int m_stride = 0;
     int m_capacity = 0; // rows
     int m_width = 0;

@@ -8,8 +8,8 @@
 
 namespace corvane::terminal {
 
-/// A place in the text that stays with it: while its row is on the screen it is named by the row, and once that has
-/// left, by the number of its line in the history.
+/// A position that stays with its text: identified by its row on the screen, or by its line once that is in the
+/// history.
 struct Place {
     enum class Where : uint8_t { Gone, OnScreen, InHistory };
     Where where = Where::Gone;
@@ -17,7 +17,7 @@ struct Place {
     uint32_t offset = 0; ///< column, or cell of the line
 };
 
-/// Keeps places true while rows move, leave, wrap anew or are erased.
+/// Keeps places valid while rows move, scroll out, are rewrapped or erased.
 class Anchors {
 public:
     using Id = uint32_t;
@@ -29,15 +29,15 @@ public:
 
     /// The row's text now begins at `offset` of a line in the history.
     void rowLeft(uint64_t rowId, uint64_t line, uint32_t offset);
-    /// The row is gone for good.
+    /// The row was discarded.
     void rowGone(uint64_t rowId);
-    /// None of the rows is left.
+    /// All rows were discarded.
     void screenGone();
     void move(Id id, Row& row, int column);
     void moveToHistory(Id id, uint64_t line, uint32_t offset);
 
     const std::vector<Id>& onScreen() const { return m_onScreen; }
-    /// The line in the history came back to the screen.
+    /// The anchors in this line of the history and later ones.
     std::vector<Id> inHistoryFrom(uint64_t line) const;
 
 private:

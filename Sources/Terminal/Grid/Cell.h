@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 using StyleId = uint32_t;
 
-/// One place of the grid in 8 bytes. All zero is blank: never written, or erased, in the default style.
+/// A cell of the grid in 8 bytes. All zero is blank: never written, or erased, in the default style.
 ///
 ///     bits 0-20   code point, or the number of a cluster
 ///     bit  21     it is a cluster
@@ -17,9 +17,9 @@ public:
     enum class Part : uint8_t {
         Narrow,
         WideHead,
-        WideTail, ///< the second half of the cell to the left
-        /// The last column, left free since a wide character did not fit; with text, a wide character that is all of a
-        /// row of one column.
+        WideTail, ///< the right half of the cell to the left
+        /// An unused last column, because a wide character did not fit; with text, a wide character in a terminal with
+        /// one column.
         Filler
     };
 

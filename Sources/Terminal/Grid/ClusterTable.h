@@ -11,14 +11,14 @@
 
 namespace corvane::terminal {
 
-/// Gives the text of cells that hold more than one code point a number. Freed like styles: by what is still shown.
+/// Numbers the texts of cells with more than one code point. Unused ones are collected like styles.
 class ClusterTable {
 public:
-    /// More code points than this in one cell are dropped.
+    /// Further code points in a cell are dropped.
     static constexpr size_t maxLength = 32;
 
     uint32_t intern(std::u32string_view text);
-    /// What the cell holds and one more code point. A cluster in it is shorter than `maxLength`.
+    /// The text of the cell plus one code point. A cluster in it is shorter than `maxLength`.
     uint32_t join(Cell cell, char32_t point);
     std::u32string_view operator[](uint32_t number) const { return *m_texts[number]; }
 
@@ -33,7 +33,7 @@ private:
         size_t operator()(std::u32string_view text) const { return std::hash<std::u32string_view>()(text); }
     };
 
-    /// The text of an emoji grows code point by code point, mostly those of the last few emoji.
+    /// Cache: an emoji grows code point by code point, usually one of the last few.
     struct Joined {
         uint64_t key = 0;
         uint32_t number = 0;

@@ -18,17 +18,17 @@ public:
     Row& row(int index) { return *m_order[size_t(index)]; }
     const Row& row(int index) const { return *m_order[size_t(index)]; }
 
-    /// The rows of [top, bottom) move up by `count`, at most their number; the freed ones come in blank below.
+    /// Moves the rows of [top, bottom) up by `count`, at most their number; the freed ones reappear blank below.
     void rotateUp(int top, int bottom, int count);
     void rotateDown(int top, int bottom, int count);
-    /// Clears the row and makes it a new one.
+    /// Clears the row and gives it a new id.
     void renew(Row& row)
     {
         row.clear();
         row.id = ++m_lastId;
     }
 
-    /// Rows get ids from now on that the other grid never gave out.
+    /// Skips all row ids that the other grid has used.
     void adoptIds(const Grid& other);
 
     size_t bytes() const
@@ -36,7 +36,7 @@ public:
         return size_t(m_columns) * m_headers.size() * sizeof(Cell) + m_headers.size() * sizeof(Row);
     }
 
-    /// Null, or what is wrong with the grid; for debug builds and the fuzzer.
+    /// A description of an inconsistency, or null; for debug builds and the fuzzer.
     const char* fault() const;
 
 private:

@@ -25,7 +25,7 @@ constexpr uint32_t wideBit = 1u << 27;
 HistoryPage::HistoryPage(uint64_t firstLine, size_t capacity)
     : styles(1)
     , m_firstLine(firstLine)
-    , m_bytes(new char[capacity]) // left as it is, since lines are only read where they were written
+    , m_bytes(new char[capacity]) // uninitialized: lines are only read where they were written
     , m_capacity(capacity)
 {
 }
@@ -53,7 +53,7 @@ void HistoryPage::commit(const HistoryLine& line)
     ++m_lines;
     const bool isEven = line.size == LineSize::Single && !line.wide && line.cells < uneven;
     m_lengths.push_back(isEven ? uint16_t(line.cells) : uneven);
-    // In double size a cell takes two columns.
+    // A double-width cell takes two columns.
     m_longest = std::max(m_longest, line.size == LineSize::Single ? line.cells : 2 * line.cells);
     m_rowsColumns = 0;
 }
@@ -167,7 +167,7 @@ size_t rowsOf(const HistoryLine& line, int columns)
         return 1;
     if (!line.wide)
         return (line.cells + width - 1) / width;
-    // A wide character that does not fit into the last column leaves it free.
+    // A wide character that does not fit leaves the last column free.
     size_t rows = 1;
     uint32_t column = 0;
     for (size_t i = 0; i < line.shapeCount; ++i) {

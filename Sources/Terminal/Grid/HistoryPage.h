@@ -10,24 +10,24 @@
 
 namespace corvane::terminal {
 
-/// So many cells in a row have one style; `style` is a number of the page.
+/// Consecutive cells with one style; `style` is a number of the page.
 struct StyleRun {
     uint16_t count;
     uint16_t style;
 };
 
-/// One logical line as it lies in a page: the text as UTF-8 with a zero for each blank cell, then runs. Without
-/// style runs all is in the default style; without shape runs each byte is one cell.
+/// A logical line as stored in a page: UTF-8 text with a zero for each blank cell, followed by runs. Without style runs
+/// all cells have the default style; without shape runs each byte is one cell.
 struct HistoryLine {
     std::string_view text;
-    const StyleRun* styles = nullptr; // may lie unaligned: read by `run`
+    const StyleRun* styles = nullptr; // may be unaligned: read with `run`
     const ShapeRun* shapes = nullptr;
     uint32_t cells = 0;
     uint16_t styleCount = 0;
     uint16_t shapeCount = 0;
     LineSize size = LineSize::Single;
-    bool wide = false; ///< has characters that take two cells
-    bool joined = false; ///< the text goes on in the next line, which was cut off since it grew too long
+    bool wide = false; ///< contains characters that take two cells
+    bool joined = false; ///< continues in the next line, because it became too long
 
     template <typename Run> static Run run(const Run* runs, size_t index)
     {
@@ -37,7 +37,7 @@ struct HistoryLine {
     }
 };
 
-/// Some 64 KB of lines. Pages that were not looked at for long are kept compressed.
+/// About 64 KB of lines. Pages that were not read lately are compressed.
 class HistoryPage {
 public:
     static constexpr size_t ordinarySize = 64 * 1024;
@@ -55,29 +55,29 @@ public:
 
     std::vector<Style> styles; ///< 0 is the default
 
-    /// The free end of the page, where the next line is built, beginning behind the space for its header.
+    /// The free end of the page, where the next line is built, after the space for its header.
     char* textBegin() { return m_bytes.get() + m_used + headerSize; }
-    /// The line is complete; its text already stands at `textBegin`.
+    /// Completes the line whose text is at `textBegin`.
     void commit(const HistoryLine& line);
-    /// Takes back the last line.
+    /// Drops the last line.
     void removeLast();
 
-    /// The line's place in the page, counted from its first. Consecutive look-ups are cheap.
+    /// `index` is the line's position in the page. Consecutive lookups are cheap.
     HistoryLine line(uint32_t index) const;
 
-    /// All lines in one piece, with what lies between them: what is not found here is in none of them.
+    /// The memory of all lines, including what is between them: text that does not occur here is in no line.
     std::string_view text() const { return { data(), m_used }; }
-    /// How many rows all lines take at this width.
+    /// The number of rows of all lines at this width.
     size_t rows(int columns) const;
 
     void compress();
-    /// Gives up what a look at a cold page unpacked.
+    /// Drops the decompressed copy of a cold page.
     void cool() const { m_thawed.reset(); }
 
     static constexpr size_t headerSize = 12;
 
 private:
-    /// In place of the length of a line whose rows do not follow from that.
+    /// In place of the length, for lines whose number of rows cannot be computed from it.
     static constexpr uint16_t uneven = UINT16_MAX;
 
     HistoryLine decode(size_t offset, size_t* end) const;
@@ -90,7 +90,7 @@ private:
     size_t m_used = 0;
     uint32_t m_lines = 0;
     uint32_t m_longest = 0;
-    mutable std::unique_ptr<char[]> m_thawed; // of a cold page that is looked at
+    mutable std::unique_ptr<char[]> m_thawed; // of a cold page that was read
     mutable uint32_t m_cursorIndex = 0;
     mutable size_t m_cursorOffset = 0;
     std::vector<uint16_t> m_lengths; // of each line, or `uneven`
@@ -98,7 +98,7 @@ private:
     mutable size_t m_rows = 0;
 };
 
-/// How many rows the line takes in a terminal of so many columns; at least one.
+/// The number of rows that the line takes at this width; at least one.
 size_t rowsOf(const HistoryLine& line, int columns);
 
 }

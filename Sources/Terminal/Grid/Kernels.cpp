@@ -50,7 +50,7 @@ uint64_t lastOfStyleLoop(const uint64_t* cells, size_t count)
 
 #if defined(__x86_64__)
 
-// A byte is printable when, as a signed number, it is above 0x1f and not 0x7f.
+// As a signed number, a printable byte is above 0x1f and not 0x7f.
 size_t printableSse2(const uint8_t* text, size_t size)
 {
     size_t at = 0;
@@ -91,7 +91,7 @@ size_t printableSse2(const uint8_t* text, size_t size)
     return size;
 }
 
-// Inside a character are, as signed numbers, the bytes below -64; beyond ASCII those below 0.
+// As signed numbers, continuation bytes are below -64 and all non-ASCII bytes below 0.
 ByteKinds kindsSse2(const uint8_t* text)
 {
     uint64_t inside = 0;

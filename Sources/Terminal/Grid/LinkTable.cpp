@@ -16,7 +16,7 @@ uint64_t wordAt(const char* text)
     return word;
 }
 
-/// Weak, but quick: two links with one hash only push each other out of those that were named last.
+/// Weak but fast: links with the same hash only evict each other from the cache.
 uint32_t hashOf(std::string_view text)
 {
     constexpr size_t step = 2 * sizeof(uint64_t);

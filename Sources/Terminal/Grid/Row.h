@@ -9,19 +9,19 @@ namespace corvane::terminal {
 
 enum class LineSize : uint8_t { Single, Wide, Top, Bottom };
 
-/// A row of the screen. Its flags say what it may hold, so that plain rows take the short way.
+/// A row of the screen. Its flags say what it may contain, so that plain rows take fast paths.
 struct Row {
     Cell* cells = nullptr; ///< as many as the grid has columns; all from `used` on are zero
     uint64_t changed = 0; ///< generation of the last change
-    uint64_t id = 0; ///< given anew whenever the row is taken into use, never again
+    uint64_t id = 0; ///< unique; renewed whenever the row is reused
     uint16_t used = 0;
     LineSize size = LineSize::Single;
-    bool wrapped = false; ///< the text goes on in the row below
+    bool wrapped = false; ///< the text continues in the row below
     bool styled = false; ///< some cell may have a style
-    bool complex = false; ///< some cell may hold other than ASCII
-    bool anchored = false; ///< an anchor stands here
+    bool complex = false; ///< some cell may be non-ASCII
+    bool anchored = false; ///< an anchor refers to it
 
-    /// Zeroes the row and gives up what it was.
+    /// Zeroes the cells and resets the flags.
     void clear()
     {
         std::memset(static_cast<void*>(cells), 0, used * sizeof(Cell));
@@ -30,7 +30,7 @@ struct Row {
         wrapped = styled = complex = anchored = false;
     }
 
-    /// Cells up to `to` count as written.
+    /// Marks the cells up to `to` as used.
     void touch(int to) { used = std::max(used, uint16_t(to)); }
 
     void fill(int from, int to, Cell cell)
@@ -50,7 +50,7 @@ struct Row {
         touch(to);
     }
 
-    /// Cuts the wide character whose halves are `column - 1` and `column`.
+    /// Erases the wide character whose halves are `column - 1` and `column`, if there is one.
     void cutWide(int column)
     {
         if (!complex || column <= 0 || column >= used || cells[column].part() != Cell::Part::WideTail)
@@ -65,7 +65,7 @@ struct Row {
         cutWide(to);
     }
 
-    /// The length without the blanks that end it.
+    /// The length without trailing blanks.
     int contentLength() const
     {
         int length = used;

@@ -11,7 +11,7 @@ namespace corvane::terminal {
 
 namespace {
 
-// A line that grows longer goes on as a new one that is joined to it.
+// A longer line is continued as a new one, joined to it.
 constexpr uint32_t maxCells = 16 * 1024;
 constexpr uint32_t maxText = 40'000;
 constexpr size_t maxRuns = 4096;
@@ -95,14 +95,14 @@ HistoryLine Scrollback::openLine() const
 
 void Scrollback::commit(bool joined)
 {
-    assert(m_pages.back().room() >= spaceWith(0)); // whoever added to the line made room for it
+    assert(m_pages.back().room() >= spaceWith(0)); // ensured by the code that added to the line
     HistoryLine line = openLine();
     line.joined = joined;
     m_pages.back().commit(line);
     m_open = false;
 }
 
-/// What the open line, its runs and `bytes` more take.
+/// The size of the open line with its runs and `bytes` more.
 size_t Scrollback::spaceWith(size_t bytes) const
 {
     return HistoryPage::headerSize + m_text + bytes + m_styleRuns.size() * sizeof(StyleRun)
@@ -115,7 +115,7 @@ bool Scrollback::hasRoom(size_t bytes) const
         && m_pages.back().styles.size() < HistoryPage::maxStyles;
 }
 
-/// The last page takes so much; else a new page does.
+/// Starts a new page if the last one has not enough room.
 void Scrollback::makeRoom(size_t bytes)
 {
     if (hasRoom(bytes))
@@ -124,7 +124,7 @@ void Scrollback::makeRoom(size_t bytes)
     ++m_epoch;
     if (!m_pages.empty()) {
         HistoryPage& old = m_pages.back();
-        page.styles.reserve(old.styles.size()); // about as many, as a rule
+        page.styles.reserve(old.styles.size()); // the new page usually needs about as many
         std::memcpy(page.textBegin(), old.textBegin(), m_text);
         std::vector<uint16_t> renumbered(old.styles.size());
         for (StyleRun& run : m_styleRuns) {
@@ -211,7 +211,7 @@ void Scrollback::pushComplex(const Row& row, int count)
 {
     const size_t needed
         = size_t(count) * (4 + sizeof(StyleRun) + sizeof(ShapeRun)) + 4 * sizeof(StyleRun) + TextKernels::writeAhead;
-    // Clusters are only counted where there is not room for as many as there are cells.
+    // Clusters are only counted if there may not be room for all cells.
     if (!hasRoom(needed + size_t(count) * maxCharacterBytes)) {
         const auto clusters = std::count_if(row.cells, row.cells + count, [](Cell cell) { return cell.isCluster(); });
         makeRoom(needed + size_t(clusters) * maxCharacterBytes);

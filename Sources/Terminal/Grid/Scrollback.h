@@ -11,9 +11,9 @@
 
 namespace corvane::terminal {
 
-/// The lines that have left the screen, as text and runs rather than cells. A line is numbered when it begins to
-/// leave, and only one that comes back to the screen gives its number up again. Wrapping is worked out for the width
-/// at which it is looked at.
+/// The lines that have left the screen, as text and runs. A line gets its number when its first row leaves; the number
+/// is reused only if the line comes back to the screen. Lines are wrapped when they are read, at the width of the
+/// reader.
 class Scrollback {
 public:
     struct Limits {
@@ -27,9 +27,9 @@ public:
 
     Scrollback(StyleTable& styles, ClusterTable& clusters, Limits limits);
 
-    /// Takes the row; answers where its text begins. It continues the line before if that one's row was wrapped.
+    /// Adds the row and returns the position of its text. It continues the last line if that ended with a wrapped row.
     Position push(const Row& row, int columns);
-    /// The last line ends here, although its last row was wrapped.
+    /// Ends the last line, even if its last row was wrapped.
     void endLine();
     bool isOpen() const { return m_open; }
 
@@ -37,22 +37,22 @@ public:
     uint64_t lineEnd() const { return m_nextLine; } ///< one past the last line
     size_t lines() const { return size_t(lineEnd() - firstLine()); }
     size_t rows(int columns) const;
-    /// `number` is at least `firstLine` and below `lineEnd`. The line's views hold until the next change.
+    /// `number` is at least `firstLine` and below `lineEnd`. The line's views are valid until the next change.
     HistoryLine line(uint64_t number) const;
     const Style& style(uint64_t number, uint16_t pageStyle) const;
 
-    /// The line as cells, whose styles and clusters are those of the tables.
+    /// The line as cells that refer to the tables of styles and clusters.
     void unpack(uint64_t number, std::vector<Cell>& cells);
-    /// Takes the last line back.
+    /// Drops the last line.
     void removeLast();
     void clear();
     void setLimits(Limits limits);
 
     size_t bytes() const;
     size_t limitLines() const { return m_limits.lines; }
-    /// Compresses up to `count` pages that are still warm, the oldest first; false if there was none.
+    /// Compresses up to `count` uncompressed pages, the oldest first; false if there was none.
     bool compress(size_t count);
-    /// The styles' numbers are no longer what they were.
+    /// To be called after the styles were renumbered.
     void stylesCollected() { ++m_epoch; }
     template <typename Visit> void eachLink(Visit visit) const
     {
@@ -93,7 +93,7 @@ private:
     const TextKernels& m_textKernels = TextKernels::instance();
     std::deque<HistoryPage> m_pages;
     uint64_t m_nextLine = 0;
-    // The line that is being built at the end of the last page, not yet committed.
+    // The line being built at the end of the last page
     bool m_open = false;
     uint32_t m_cells = 0;
     uint32_t m_text = 0;
@@ -103,9 +103,9 @@ private:
     std::vector<ShapeRun> m_shapeRuns;
     std::array<CachedStyle, 256> m_styleCache;
     uint32_t m_epoch = 1;
-    size_t m_closedBytes = 0; // of all pages but the last
+    size_t m_closedBytes = 0; // of all pages except the last
     size_t m_nextToCompress = 0;
-    mutable uint64_t m_thawed[2] = { UINT64_MAX, UINT64_MAX }; // first lines of the cold pages looked at last
+    mutable uint64_t m_thawed[2] = { UINT64_MAX, UINT64_MAX }; // first lines of the compressed pages read last
 };
 
 }

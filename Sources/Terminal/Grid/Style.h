@@ -5,7 +5,7 @@
 
 namespace corvane::terminal {
 
-/// The default colour, one of the palette, or 24 bits.
+/// The default colour, a palette index, or 24 bits.
 struct Color {
     enum class Kind : uint8_t { Default, Indexed, Rgb };
 
@@ -24,7 +24,7 @@ struct Color {
 
 enum class Underline : uint8_t { None, Single, Double, Curly, Dotted, Dashed };
 
-/// Everything that a cell shows but its text.
+/// Everything about a cell's look except its text.
 struct Style {
     enum Attribute : uint16_t {
         Bold = 1 << 0,
@@ -35,8 +35,8 @@ struct Style {
         Conceal = 1 << 5,
         Strike = 1 << 6,
         Overline = 1 << 7,
-        Protected = 1 << 8, ///< by DECSCA: selective erase passes it over
-        Guarded = 1 << 9 ///< by SPA: every erase but that of a rectangle passes it over
+        Protected = 1 << 8, ///< by DECSCA: skipped by selective erase
+        Guarded = 1 << 9 ///< by SPA: skipped by every erase except that of rectangles
     };
 
     bool has(Attribute attribute) const { return attributes & attribute; }
@@ -52,7 +52,7 @@ struct Style {
     uint16_t attributes = 0;
     Underline underline = Underline::None;
     uint8_t reserved = 0;
-    uint32_t link = 0; ///< number in the table of links; 0 is none
+    uint32_t link = 0; ///< index in the table of links; 0 is none
 };
 
 static_assert(sizeof(Style) == 20);

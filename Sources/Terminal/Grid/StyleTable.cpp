@@ -30,7 +30,7 @@ StyleId StyleTable::intern(const Style& style)
         m_styles[id] = style;
     }
     m_slots[slot] = id;
-    // Only a style that was added can make it too small, and none is free then.
+    // The number of live styles is at a new maximum, so no entry is free, as `rebuild` requires.
     if (++m_live * 2 > m_slots.size())
         rebuild(m_slots.size() * 2);
     return id;

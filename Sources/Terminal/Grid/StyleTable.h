@@ -7,8 +7,8 @@
 
 namespace corvane::terminal {
 
-/// Gives equal styles one number. Number 0 is the default style. Nothing is counted: when the table is full,
-/// the owner marks what the screens still show, and the rest is free again.
+/// Gives equal styles one number; 0 is the default style. There are no reference counts: when the table is full, its
+/// owner marks the styles in use, and the rest is freed.
 class StyleTable {
 public:
     StyleTable();
@@ -16,9 +16,9 @@ public:
     StyleId intern(const Style& style);
     const Style& operator[](StyleId id) const { return m_styles[id]; }
 
-    /// True when `collect` is due before more is interned.
+    /// True if `collect` is due before more styles are added.
     bool isFull() const { return m_live >= m_threshold; }
-    /// Keeps the styles whose number is set in `used`, which has `capacity` places.
+    /// Frees the styles that are not set in `used`, which has `capacity` entries.
     void collect(const std::vector<bool>& used);
     size_t capacity() const { return m_styles.size(); }
     size_t live() const { return m_live; }
@@ -34,7 +34,7 @@ public:
 
 private:
     void insertSlot(StyleId id);
-    void rebuild(size_t slots); // where all styles are live
+    void rebuild(size_t slots); // requires that all styles are live
 
     std::vector<Style> m_styles;
     std::vector<StyleId> m_slots; // by hash; 0 is free

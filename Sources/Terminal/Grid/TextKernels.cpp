@@ -43,7 +43,7 @@ size_t decodeText(const uint8_t* text, uint64_t starts, char32_t* points, size_t
     return at;
 }
 
-/// Each character gets a tail, which the next one covers if it was not wide.
+/// Each character gets a right half, which the next one overwrites unless it was wide.
 void placeText(Cell* cells, const char32_t* points, size_t count, uint64_t wide, StyleId style)
 {
     Cell* const end = cells + count + std::popcount(wide);

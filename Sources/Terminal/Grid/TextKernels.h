@@ -6,7 +6,7 @@
 
 namespace corvane::terminal {
 
-/// The text of up to 64 cells; one bit for each of its characters.
+/// The text of up to 64 cells; one bit per character.
 struct PackedText {
     size_t cells = 0;
     size_t characters = 0;
@@ -18,7 +18,7 @@ struct PackedText {
     friend bool operator==(const PackedText&, const PackedText&) = default;
 };
 
-/// So many characters in a row take `bytes` bytes of the text and `width` columns each.
+/// Consecutive characters that take `bytes` bytes of text and `width` columns each.
 struct ShapeRun {
     uint8_t width;
     uint8_t bytes;
@@ -26,28 +26,27 @@ struct ShapeRun {
     friend bool operator==(const ShapeRun&, const ShapeRun&) = default;
 };
 
-/// What is done with characters of all scripts. No step depends on how long or wide one is, since that is not to be
-/// foreseen where scripts change.
+/// Operations on text of all scripts. None of them branches on the length or width of a character, which is
+/// unpredictable where scripts change.
 struct TextKernels {
-    /// In the widest form that this processor has.
+    /// The widest form that the processor supports.
     static const TextKernels& instance();
     static TextKernels portable();
 
     static constexpr size_t most = 64; ///< bytes, characters or cells in one call
     static constexpr size_t mostRuns = most + 16;
-    static constexpr size_t readAhead = 3; ///< bytes behind those that `decode` is told of, but may read
-    static constexpr size_t writeAhead = 64; ///< bytes behind those that `pack` writes, which it may overwrite
+    static constexpr size_t readAhead = 3; ///< bytes past its input that `decode` may read
+    static constexpr size_t writeAhead = 64; ///< bytes past its output that `pack` may overwrite
 
-    /// Decodes UTF-8. In `starts` bits are set for the first byte of each character, with that of `text` itself, and
-    /// for the byte where the last one ends. Writes up to the first that is malformed or a control; `points` has room
-    /// for `most`. Answers how many bytes those take.
+    /// Decodes UTF-8. `starts` has a bit for the first byte of each character, including that at `text`, and one for
+    /// the end of the last character. Stops at the first malformed character or control; `points` has room for `most`.
+    /// Returns the number of bytes decoded.
     size_t (*decode)(const uint8_t* text, uint64_t starts, char32_t* points, size_t& count);
-    /// Writes characters to cells; those that are wide take two. The cell behind the last may be read.
+    /// Writes characters to cells, two for each wide one. One cell past the last may be read.
     void (*place)(Cell* cells, const char32_t* points, size_t count, uint64_t wide, StyleId style);
-    /// Encodes the text of `count` cells, up to the first that holds a cluster.
+    /// Encodes the text of `count` cells, stopping at the first that holds a cluster.
     PackedText (*pack)(const Cell* cells, size_t count, char* to);
-    /// Runs of characters that are equally wide and long, of text that is not empty; answers how many. `runs` has
-    /// room for `mostRuns`.
+    /// Splits non-empty text into runs of equal width and length; returns their number. `runs` has room for `mostRuns`.
     size_t (*shapes)(const PackedText& text, ShapeRun* runs);
 };
 

@@ -28,7 +28,7 @@ alignas(64) constexpr auto places = bytesOf([](int i) { return i; });
 alignas(64) constexpr auto lanesOfBytes = bytesOf([](int i) { return i / 4; });
 alignas(64) constexpr auto placesInLane = bytesOf([](int i) { return i % 4; });
 alignas(64) constexpr auto placesFromEnd = bytesOf([](int i) { return 3 - i % 4; });
-alignas(64) constexpr auto swapped = bytesOf([](int i) { return i % 16 / 4 * 4 + 3 - i % 4; }); // in each quarter
+alignas(64) constexpr auto swapped = bytesOf([](int i) { return i % 16 / 4 * 4 + 3 - i % 4; }); // within each quarter
 
 #pragma clang attribute push(                                                                                          \
     __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi,avx512vbmi2,bmi,bmi2,popcnt"))), apply_to = function)
@@ -48,7 +48,7 @@ inline uint32_t lowBits(size_t count)
     return _bzhi_u32(~0u, unsigned(count));
 }
 
-/// The lane's length is the index into the table.
+/// Looks up each lane's length in the table.
 inline __m512i look(const uint32_t (&table)[16], __m512i lengths)
 {
     return _mm512_permutexvar_epi32(lengths, load(table));
@@ -110,7 +110,7 @@ void place(Cell* cells, const char32_t* points, size_t count, uint64_t wide, Sty
         __m512i characters = _mm512_maskz_loadu_epi32(isThere, points);
         characters = _mm512_mask_or_epi32(characters, isWide, characters, head);
         const auto total = here + size_t(std::popcount(isWide));
-        // Two bits for each character, of which the second is there if it is wide; then those that are there.
+        // Two bits per character, the second only if it is wide, packed together.
         const uint32_t heads = _pext_u32(0x55555555, 0x55555555 | _pdep_u32(isWide, 0xaaaaaaaa));
         const auto present = lowBits(total);
         storeCells(cells, _mm512_mask_expand_epi32(tail, __mmask16(heads), characters), high, present & 0xffff);

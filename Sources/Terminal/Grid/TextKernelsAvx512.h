@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// Whether this processor has what the others take.
+/// Whether the processor supports the other functions.
 bool hasTextAvx512();
 TextKernels textKernelsAvx512();
 

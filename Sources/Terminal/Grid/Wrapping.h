@@ -9,8 +9,8 @@
 
 namespace corvane::terminal {
 
-/// Where the rows of a line begin when it is wrapped at `width`. A wide character is not parted; where there is only
-/// one column it is a row.
+/// The index of the first cell of each row when a line is wrapped at `width`. Wide characters are not split; with one
+/// column, each is a row.
 inline std::vector<size_t> rowStarts(std::span<const Cell> cells, int width)
 {
     std::vector<size_t> starts { 0 };
@@ -25,7 +25,7 @@ inline std::vector<size_t> rowStarts(std::span<const Cell> cells, int width)
     return starts;
 }
 
-/// The wide character that is all of a row of one column, as it is elsewhere.
+/// Restores the two cells of a wide character that was squeezed into a single column.
 inline std::array<Cell, 2> stretched(Cell squeezed)
 {
     return { squeezed.withPart(Cell::Part::WideHead), Cell::character(0, squeezed.style(), Cell::Part::WideTail) };

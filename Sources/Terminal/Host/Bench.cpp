@@ -12,7 +12,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Of the processor, so that other programs on it do not count.
+/// Processor time, which other programs hardly affect.
 double cpuSeconds()
 {
     timespec now {};
@@ -20,7 +20,7 @@ double cpuSeconds()
     return double(now.tv_sec) + double(now.tv_nsec) / 1e9;
 }
 
-/// Of this process, in kilobytes, now.
+/// The current resident memory in kilobytes.
 long residentKilobytes()
 {
     std::ifstream status("/proc/self/statm");

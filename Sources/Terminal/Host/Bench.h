@@ -14,7 +14,7 @@ struct BenchOptions {
     int runs = 3;
 };
 
-/// Feeds the file `runs` times to a fresh terminal each and answers the best as one JSON object.
+/// Feeds the file to a new terminal `runs` times and returns the best run as a JSON object.
 std::string benchFile(const std::string& path, const BenchOptions& options);
 
 }

@@ -181,7 +181,7 @@ std::string Drive::character(const Words& words)
     if (!modifiers || error != std::errc() || point > 0x10ffff)
         return failure("not a character with modifiers");
     KeyEvent event { .key = point, .modifiers = *modifiers };
-    // A letter in upper case is its key with Shift.
+    // An upper-case letter is its key with Shift.
     if (point >= 'A' && point <= 'Z') {
         event.key = point + 32;
         event.shifted = point;
@@ -309,7 +309,7 @@ std::string Drive::select(const Words& words)
     return Json().openObject().member("text", m_terminal->selection().text()).closeObject().text();
 }
 
-/// The pattern may hold blanks: the words that are options stand at the end.
+/// The pattern may contain spaces: options are the last words.
 std::string Drive::search(const Words& words)
 {
     auto kind = Pattern::Kind::Literal;

@@ -10,18 +10,18 @@
 
 namespace corvane::terminal {
 
-/// The line protocol: one command a line, one JSON object back for each.
+/// The line protocol: each line is a command, answered by a line of JSON.
 class Drive {
 public:
     Drive();
-    /// Nothing after `quit`.
+    /// False after `quit`.
     std::optional<std::string> run(std::string_view line);
 
 private:
     using Words = std::vector<std::string_view>;
     struct CommandEntry {
         std::string_view name;
-        size_t arguments; ///< at least
+        size_t arguments; ///< the minimum
         std::string (Drive::*run)(const Words& words);
     };
     static const CommandEntry commands[];

@@ -7,7 +7,7 @@
 
 namespace corvane::terminal {
 
-/// Keeps what the terminal tells, each as a JSON object, until somebody asks.
+/// Records the listener's events as JSON objects until they are requested.
 class EventLog : public Listener {
 public:
     void bell() override;
@@ -24,7 +24,7 @@ public:
     void windowRequest(int operation, int first, int second) override;
     void paletteChanged() override;
 
-    /// {"events": [...]} since the last time.
+    /// {"events": [...]} since the last call.
     std::string take();
 
 private:

@@ -7,7 +7,7 @@
 
 namespace corvane::terminal {
 
-/// Writes JSON on one line. Commas come by themselves.
+/// Writes JSON on one line and inserts the commas.
 class Json {
 public:
     Json& openObject() { return open('{'); }
@@ -41,7 +41,7 @@ public:
         appendPart(m_text, number);
         return *this;
     }
-    /// With `decimals` digits behind the point.
+    /// With `decimals` digits after the point.
     Json& number(double value, int decimals);
     template <typename Value> Json& member(std::string_view name, const Value& content)
     {

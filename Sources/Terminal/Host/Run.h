@@ -8,13 +8,13 @@ struct RunOptions {
     Size size;
     Config config;
     Command command;
-    int timeoutSeconds = 0; ///< 0: as long as it takes
+    int timeoutSeconds = 0; ///< 0: none
     std::string dumpFile;
-    std::string logFile; ///< gets what the child writes
+    std::string logFile; ///< receives the child's output
 };
 
-/// Runs the command to its end, in a terminal without a display. Answers the child's exit code, 128 and the signal's
-/// number, 124 after the timeout, 127 where it could not be started.
+/// Runs the command in a terminal without a display. Returns the child's exit code, 128 plus the number of a signal,
+/// 124 after the timeout, or 127 if it could not be started.
 int runCommand(const RunOptions& options);
 
 }

@@ -74,7 +74,7 @@ template <typename Visit> void eachRow(Terminal& terminal, Visit visit)
     }
 }
 
-/// Joins what was wrapped, and leaves out the blank lines at the end.
+/// Joins wrapped rows and omits trailing blank lines.
 template <typename Append> std::string dumpLines(Terminal& terminal, Append append)
 {
     std::string text;

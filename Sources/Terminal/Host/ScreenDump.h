@@ -7,11 +7,11 @@ namespace corvane::terminal {
 
 enum class DumpPart : uint8_t { Screen, All };
 
-/// The screen as one JSON object; with All the history too.
+/// The screen as a JSON object; with All also the history.
 void dumpJson(Terminal& terminal, DumpPart part, Json& json);
 /// The history and the screen as lines of text.
 std::string dumpText(Terminal& terminal);
-/// The same with the styles as escape sequences.
+/// The same, with styles as escape sequences.
 std::string dumpAnsi(Terminal& terminal);
 
 }

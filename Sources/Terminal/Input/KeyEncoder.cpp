@@ -7,7 +7,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// How a functional key looks as a control sequence: CSI number final.
+/// The form of a functional key as a control sequence: CSI number final.
 struct Form {
     int number = 0;
     char final = 0;
@@ -48,7 +48,7 @@ Form formOf(char32_t key)
     return {};
 }
 
-/// The key that a keypad key stands for when it is not told apart.
+/// The main key for a keypad key, if the two are not distinguished.
 char32_t withoutKeypad(char32_t key)
 {
     constexpr char32_t characters[] = { '.', '/', '*', '-', '+', keys::enter, '=', ',', keys::left, keys::right,
@@ -60,7 +60,7 @@ char32_t withoutKeypad(char32_t key)
     return key;
 }
 
-/// What a key of the keypad sends behind SS3 in application mode; 0 for the others.
+/// The final byte of a keypad key after SS3 in application mode; 0 for other keys.
 char applicationKeypadFinal(char32_t key)
 {
     if (key >= keys::keypad0 && key < keys::keypadDecimal)
@@ -71,7 +71,7 @@ char applicationKeypadFinal(char32_t key)
     return 0;
 }
 
-/// The control character that Ctrl makes of a key, as keyboards always did; -1 where there is none.
+/// The traditional control character of Ctrl with a key; -1 if there is none.
 int controlOf(char32_t key)
 {
     if ((key >= 'a' && key <= 'z') || (key >= '@' && key <= '_'))
@@ -176,7 +176,7 @@ private:
 
     static Form kittyForm(char32_t key)
     {
-        // Its usual final is that of a report of the cursor.
+        // The usual final is that of a cursor position report.
         if (key == keys::f1 + 2)
             return { 13, '~' };
         const Form form = key < keys::f13 && key != keys::menu ? formOf(key) : Form();
@@ -244,7 +244,7 @@ private:
         return other(key, text);
     }
 
-    /// The bytes, or the sequence of xterm's modifyOtherKeys where that applies.
+    /// The bytes themselves, or xterm's modifyOtherKeys sequence if that applies.
     std::string other(char32_t key, const std::string& bytes) const
     {
         const bool isText = key != keys::enter && key != keys::escape && key != keys::tab && key != keys::backspace;
@@ -287,7 +287,7 @@ private:
 
     const KeyEvent& m_event;
     const KeyContext& m_context;
-    const int m_modifiers; // without the locks
+    const int m_modifiers; // without Caps Lock and Num Lock
 };
 
 }

@@ -34,7 +34,7 @@ constexpr struct {
     { "END", keys::end },
 };
 
-/// The rest, in the order of their numbers.
+/// The remaining keys, in numerical order.
 constexpr std::string_view locks[] = { "CAPS_LOCK", "SCROLL_LOCK", "NUM_LOCK", "PRINT_SCREEN", "PAUSE", "MENU" };
 constexpr std::string_view keypad[] = { "DECIMAL", "DIVIDE", "MULTIPLY", "SUBTRACT", "ADD", "ENTER", "EQUAL",
     "SEPARATOR", "LEFT", "RIGHT", "UP", "DOWN", "PAGE_UP", "PAGE_DOWN", "HOME", "END", "INSERT", "DELETE", "BEGIN" };

@@ -5,11 +5,11 @@
 
 namespace corvane::terminal {
 
-/// Turns mouse events into what the program asked for. Remembers the last place, since moves within a cell are told
-/// only where pixels count.
+/// Encodes mouse events for the program. Remembers the last position, since movement within a cell is only reported in
+/// pixel mode.
 class MouseEncoder {
 public:
-    /// Nothing if the program did not ask for events of this kind.
+    /// Empty if the program did not request events of this kind.
     std::string encode(const MouseEvent& event, const Modes& modes);
 
 private:
@@ -19,7 +19,7 @@ private:
     int m_pressed = 0;
 };
 
-/// Does the program want the mouse at all?
+/// Whether the program requested mouse events.
 bool tracksMouse(const Modes& modes);
 
 }

@@ -5,11 +5,11 @@
 
 namespace corvane::terminal {
 
-/// The text as it is sent: line ends as Enter, without control characters other than tabs, so that it can neither
-/// end its own bracket nor press keys. With brackets where the program asked for them.
+/// Prepares text for sending: line ends become Enter, and control characters except tabs are removed, so that it can
+/// neither end its own bracket nor press keys. With brackets if the program enabled them.
 std::string encodePaste(std::string_view text, bool bracketed);
 
-/// Would pasting it run something at once, or did it hold control characters? Worth a question to the user.
+/// True if pasting it would execute something at once, or if it contains control characters: the user should be asked.
 bool isRiskyPaste(std::string_view text, bool bracketed);
 
 }

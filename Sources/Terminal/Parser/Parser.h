@@ -14,13 +14,13 @@ namespace corvane::terminal {
 enum class Coding : uint8_t { Utf8, EightBit };
 enum class StringEnd : uint8_t { BrokenOff, Bell, Terminator };
 
-/// The state machine of DEC's ANSI parser, after Paul Williams's diagram. Runs of text and whole control sequences
-/// are taken straight from the buffer; only what a chunk cuts goes through the machine byte by byte.
+/// DEC's ANSI state machine, after Paul Williams's diagram. Runs of text and complete control sequences are parsed
+/// directly from the buffer; only those split between chunks go through the state machine byte by byte.
 ///
 /// Sink: printAscii(text, size), printPoints(points, count), printsAsciiAsItIs(), execute(control), escape(sequence),
 /// csi(sequence), dcsBegin(sequence), dcsData(text), dcsEnd(complete), osc(text, end), apcBegin(), apcData(text),
 /// apcEnd(complete), vt52(final), vt52Move(row, column). A control is a C0 byte or a C1 code from 0x80 to 0x9f; those
-/// that begin sequences or strings are not handed on.
+/// start sequences or strings are not passed on.
 template <typename Sink> class Parser {
 public:
     explicit Parser(Sink& sink)
@@ -36,12 +36,12 @@ public:
         m_utf8.restart();
     }
     Coding coding() const { return m_coding; }
-    /// Bytes from 0x80 to 0x9f that belong to no UTF-8 character are controls.
+    /// Bytes 0x80 to 0x9f outside UTF-8 characters are controls.
     void setRawC1(bool on) { m_rawC1 = on; }
     void setVt52(bool on) { m_vt52 = on; }
     void reset();
 
-    /// Longer strings are dropped; those that carry data may be longer.
+    /// Longer strings are dropped; the limit for strings with data is higher.
     static constexpr size_t maxOsc = 64 * 1024;
     static constexpr size_t maxOscData = 48 << 20;
 
@@ -62,7 +62,7 @@ private:
         Osc,
         Apc,
         IgnoredString,
-        StringEscape, // ESC inside a string: the next byte tells whether it ends or breaks off
+        StringEscape, // ESC inside a string: the next byte decides whether the string ends or is aborted
         Vt52Escape,
         Vt52Row,
         Vt52Column
@@ -101,7 +101,7 @@ private:
     Sink& m_sink;
     const Kernels& m_kernels = Kernels::instance();
     State m_state = State::Ground;
-    State m_string = State::Ground; // the string that StringEscape may end
+    State m_string = State::Ground; // the string in which StringEscape occurred
     Coding m_coding = Coding::Utf8;
     bool m_rawC1 = false;
     bool m_vt52 = false;

@@ -64,14 +64,14 @@ template <typename Sink> auto Parser<Sink>::ground(Byte at, Byte end) -> Byte
 
 inline constexpr size_t wordSize = 8;
 
-/// How many of the 8 bytes at `at` come before the first that is a control, DEL or beyond ASCII.
+/// The number of the 8 bytes at `at` before the first control, DEL or non-ASCII byte.
 inline size_t printableInWord(const uint8_t* at)
 {
     size_t run = 0;
     if constexpr (std::endian::native == std::endian::little) {
         uint64_t bytes;
         std::memcpy(&bytes, at, sizeof bytes);
-        // The high bit of each such byte. Only the lowest is exact.
+        // Sets the high bit of each such byte. Only the lowest is exact.
         constexpr uint64_t ones = 0x0101010101010101;
         const uint64_t bad = ((bytes - ones * 0x20) | (bytes + ones) | bytes) & (ones * 0x80);
         run = size_t(std::countr_zero(bad)) / 8;
@@ -82,7 +82,7 @@ inline size_t printableInWord(const uint8_t* at)
     return run;
 }
 
-/// As the kernel; short runs, which stand between escape sequences, are told without a call.
+/// Like the kernel, but without a call for short runs, such as those between escape sequences.
 template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) const
 {
     const auto size = size_t(end - at);
@@ -93,7 +93,7 @@ template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) co
     return m_kernels.printable(at, size);
 }
 
-/// A run that holds bytes from 0x80 on, and begins with one unless ASCII is text like any other.
+/// A run with bytes from 0x80 on. It starts with such a byte unless ASCII needs no special treatment.
 template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
 {
     if (m_coding == Coding::EightBit) {
@@ -101,14 +101,14 @@ template <typename Sink> auto Parser<Sink>::text(Byte at, Byte end) -> Byte
             point(*at);
         return at;
     }
-    // Whole well-formed characters, the common case; all else goes through the decoder.
+    // Complete well-formed characters are the common case; the decoder handles all others.
     TextRun run;
     at += run.decode(at, size_t(end - at), asciiIsText() ? TextRun::Ascii::Taken : TextRun::Ascii::Left);
     if (run.count > 0) {
         m_sink.printPoints(run.points, run.count);
         return at;
     }
-    // A letter before a stray continuation byte is taken here, too: each call takes something.
+    // A letter before a stray continuation byte is consumed here, too: each call consumes something.
     while (at < end && m_state == State::Ground) {
         utf8Step(*at++);
         if (!m_utf8.isMidway())
@@ -192,7 +192,7 @@ template <typename Sink> void Parser<Sink>::beginEscape()
     m_state = State::Escape;
 }
 
-/// `at` is behind an ESC. Sequences that lie whole in the buffer are taken from it.
+/// `at` is after an ESC. Sequences that are complete in the buffer are parsed from it.
 template <typename Sink> auto Parser<Sink>::escapeSequence(Byte at, Byte end) -> Byte
 {
     if (at < end && *at == '[')
@@ -214,7 +214,7 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
     for (; at < end; ++at) {
         const uint8_t byte = *at;
         if (uint8_t(byte - '0') < 10) {
-            // One digit or two is not to be foreseen, so both are read and no jump depends on it.
+            // Whether a number has one or two digits is unpredictable, so both are read without a branch.
             const int digit = byte - '0';
             const int second = at + 1 < end ? at[1] - '0' : -1;
             const bool two = unsigned(second) < 10;
@@ -239,7 +239,7 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
             break;
         }
     }
-    // Cut, or not as it should be: the machine takes it from its beginning.
+    // Incomplete or malformed: start over with the state machine.
     m_sequence.clear();
     m_param = Params::absent;
     m_nextIsSub = false;
@@ -282,7 +282,7 @@ template <typename Sink> void Parser<Sink>::appendOsc(Byte from, Byte to)
         m_osc.append(reinterpret_cast<const char*>(from), size_t(to - from));
 }
 
-/// The first byte that ends the string, or is no part of it.
+/// The first byte that ends the string or does not belong to it.
 template <typename Sink> auto Parser<Sink>::stringStop(Byte at, Byte end, State state) const -> Byte
 {
     const bool rawC1 = m_rawC1 || m_coding == Coding::EightBit;
@@ -299,7 +299,7 @@ template <typename Sink> auto Parser<Sink>::stringStop(Byte at, Byte end, State 
     }
 }
 
-/// `at` is behind an OSC. A title or a link that lies whole in the buffer needs neither a copy nor a state.
+/// `at` is after an OSC. A title or link that is complete in the buffer needs no copy.
 template <typename Sink> auto Parser<Sink>::command(Byte at, Byte end) -> Byte
 {
     const Byte stop = stringStop(at, end, State::Osc);
@@ -313,7 +313,7 @@ template <typename Sink> auto Parser<Sink>::command(Byte at, Byte end) -> Byte
     return at;
 }
 
-/// The bytes of a string up to what ends it, in one piece.
+/// The bytes of a string up to its terminator, in one piece.
 template <typename Sink> auto Parser<Sink>::string(Byte at, Byte end) -> Byte
 {
     const Byte stop = stringStop(at, end, m_state);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The state machine itself, byte by byte: for what a chunk cuts, and for what is not as it should be.
+// The byte-by-byte state machine, for sequences that are malformed or split between chunks.
 
 namespace corvane::terminal {
 

@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// The parameters of a control sequence. One that was left out is absent, which most functions take for 1 or 0.
+/// The parameters of a control sequence. An omitted one is absent, which most functions treat as 1 or 0.
 class Params {
 public:
     static constexpr int max = 32;
@@ -12,21 +12,21 @@ public:
     static constexpr int maxValue = 0xffffff;
 
     int count() const { return m_count; }
-    /// `fallback` where the parameter is absent.
+    /// `fallback` if the parameter is absent.
     int at(int index, int fallback = 0) const
     {
         return index < m_count && m_values[index] != absent ? m_values[index] : fallback;
     }
-    /// As most functions count: absent and 0 are 1.
+    /// For counts: absent and 0 mean 1.
     int amount(int index) const
     {
         const int value = at(index, 1);
         return value == 0 ? 1 : value;
     }
     bool has(int index) const { return index < m_count && m_values[index] != absent; }
-    /// It belongs, by a colon, to the one before.
+    /// Whether it is a sub-parameter (preceded by a colon).
     bool isSub(int index) const { return index < m_count && m_subs >> index & 1; }
-    /// The index of the first parameter behind `index` that is no sub-parameter.
+    /// The index of the next parameter after `index` that is not a sub-parameter.
     int next(int index) const
     {
         ++index;
@@ -54,12 +54,12 @@ private:
     int m_count = 0;
 };
 
-/// An escape or control sequence, or the head of a device control string.
+/// An escape or control sequence, or the introducer of a device control string.
 struct Sequence {
     Params params;
     char leader = 0; ///< one of < = > ? or 0
     char intermediates[2] = {};
-    uint8_t intermediateCount = 0; ///< more than 2 are counted, not kept
+    uint8_t intermediateCount = 0; ///< counts also those beyond 2, which are not stored
     char final = 0;
 
     void clear()

@@ -12,7 +12,7 @@ namespace {
 constexpr size_t blockSize = TextKernels::most;
 constexpr size_t maxLength = 4;
 
-/// The places from which on as many bits in a row are set as a long run of ASCII has.
+/// The positions where a long run of ASCII starts.
 uint64_t longRuns(uint64_t bits)
 {
     static_assert(TextRun::longAscii == 16);
@@ -38,7 +38,7 @@ size_t TextRun::decode(const uint8_t* text, size_t size, Ascii ascii)
         }
         const ByteKinds kinds = kernels.kinds(block);
         const uint64_t stops = kinds.controls | (ascii == Ascii::Taken ? longRuns(kinds.ascii) : kinds.ascii);
-        // The first stop is kept, as the place where the last character ends.
+        // The first stop is kept: it marks the end of the last character.
         const uint64_t starts = kinds.starts & (stops ^ (stops - 1));
         if (!(starts & 1))
             break;

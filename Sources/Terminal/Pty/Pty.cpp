@@ -40,7 +40,7 @@ std::string homeDirectory()
     return account ? account->pw_dir : "/";
 }
 
-/// This process's environment with the command's changes.
+/// The environment of this process with the command's changes.
 std::vector<std::string> environmentOf(const Command& command)
 {
     std::vector<std::pair<std::string, std::string>> changes { { "TERM", "xterm-256color" },
@@ -52,7 +52,7 @@ std::vector<std::string> environmentOf(const Command& command)
             if (change.first == name)
                 return true;
         }
-        // The size of another terminal is none of the child's business.
+        // The child must not inherit the size of another terminal.
         return name == "COLUMNS" || name == "LINES" || name == "TERMCAP" || name == "WINDOWID";
     };
     for (char** entry = environ; *entry; ++entry) {
@@ -79,7 +79,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
-/// In the child: everything here is safe between fork and exec.
+/// Runs in the child: only async-signal-safe calls between fork and exec.
 [[noreturn]] void runChild(int slave, int report, const char* program, char* const* arguments, char* const* environment,
     const char* directory, const char* home, const unsigned* mask)
 {
@@ -166,7 +166,7 @@ std::expected<Pty, std::string> Pty::spawn(const Command& command, Size size)
     std::vector<std::string> arguments { program };
     arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
     if (isShell && command.arguments.empty())
-        arguments.front() = "-" + program.substr(program.rfind('/') + 1); // as a login shell
+        arguments.front() = "-" + program.substr(program.rfind('/') + 1); // marks a login shell
     std::vector<std::string> environment = environmentOf(command);
     const std::vector<char*> argumentPointers = pointersTo(arguments);
     const std::vector<char*> environmentPointers = pointersTo(environment);
@@ -222,7 +222,7 @@ ExitStatus Pty::reap()
 
 void Pty::hangUp()
 {
-    // Read once: another thread may reap the child, and its number is then -1.
+    // Read once: another thread may reap the child, which sets it to -1.
     if (const int child = m_pid; child > 0)
         kill(-child, SIGHUP);
 }

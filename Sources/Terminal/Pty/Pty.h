@@ -10,7 +10,7 @@
 
 namespace corvane::terminal {
 
-/// A file descriptor that closes itself.
+/// A file descriptor that is closed on destruction.
 class Descriptor {
 public:
     explicit Descriptor(int number = -1)
@@ -35,26 +35,26 @@ private:
     int m_number;
 };
 
-/// What runs in the terminal. An empty program is the user's login shell.
+/// What to run. An empty program is the user's login shell.
 struct Command {
     std::string program;
     std::vector<std::string> arguments;
-    /// Set over the environment of this process; TERM and the like come by themselves.
+    /// Added to the environment of this process; TERM and similar variables are set automatically.
     std::vector<std::pair<std::string, std::string>> environment;
-    std::string directory {}; ///< empty: that of this process; one that is not there: the home directory
-    std::optional<unsigned> umask {}; ///< none: that of this process
+    std::string directory {}; ///< empty: that of this process; if it does not exist: the home directory
+    std::optional<unsigned> umask {}; ///< unset: that of this process
 };
 
 struct ExitStatus {
     bool bySignal = false;
-    int code = 0; ///< exit code, or number of the signal
+    int code = 0; ///< exit code, or signal number
     friend bool operator==(const ExitStatus&, const ExitStatus&) = default;
 };
 
-/// A child process on a pseudo-terminal of its own. It is hung up when this goes.
+/// A child process on its own pseudo-terminal. The destructor hangs it up.
 class Pty {
 public:
-    /// The error says in one line why the command could not be started.
+    /// On failure, one line that says why the command could not be started.
     static std::expected<Pty, std::string> spawn(const Command& command, Size size);
     ~Pty();
     Pty(Pty&&) noexcept = default;
@@ -64,17 +64,17 @@ public:
     int processDescriptor() const { return m_process.get(); } ///< readable once the child has ended
     int process() const { return m_pid; }
     void resize(Size size);
-    /// The child has ended; waits for it.
+    /// Waits for the child, which has ended.
     ExitStatus reap();
-    /// SIGHUP, as when a window closes.
+    /// Sends SIGHUP, as when a window closes.
     void hangUp();
-    /// Hangs up, and kills what has not ended within `grace` milliseconds.
+    /// Hangs up, and kills the child if it has not ended within `grace` milliseconds.
     void end(int grace);
 
-    /// The process group that the terminal's keys go to: the shell's own, or that of what it runs. -1 for none.
+    /// The foreground process group: the shell's own, or that of what it runs. -1 if there is none.
     int foregroundGroup() const;
 
-    /// Input is not shown, and taken by lines: a password is being asked for.
+    /// Echo is off in line mode: the program is asking for a password.
     bool hidesInput() const;
 
 private:
@@ -84,10 +84,10 @@ private:
     int m_pid = -1;
 };
 
-/// The user's shell: by the account, else /bin/sh.
+/// The shell of the user's account, or /bin/sh.
 std::string loginShell();
 
-/// The name and the working directory of a process; empty if the system does not tell.
+/// The name and the working directory of a process; empty if unavailable.
 std::string programOf(int process);
 std::string directoryOf(int process);
 

@@ -9,7 +9,7 @@ namespace corvane::terminal {
 
 namespace {
 
-constexpr size_t little = 2048; ///< of output, which is parsed as soon as it is read
+constexpr size_t little = 2048; ///< output of up to this size is parsed as soon as it is read
 
 }
 
@@ -75,7 +75,7 @@ void Session::sendReplies()
         const std::lock_guard lock(m_mutex);
         m_backlog.erase(0, std::exchange(m_written, 0));
         m_backlog.append(replies);
-        // At once, without the way over the reader, as far as the child takes it.
+        // Writes directly as much as the child accepts, without waking the reader.
         writePiece();
         isLeft = !m_backlog.empty();
     }
@@ -131,8 +131,8 @@ bool Session::waitForExit(std::chrono::milliseconds timeout)
     return m_ended.wait_for(lock, timeout, [this] { return !m_running; });
 }
 
-/// Reads on while there is much, so that a flood is handed on in pieces that are large, yet small enough to be parsed
-/// while the next one is read. False at the end of the output.
+/// Reads until the buffer is full, so that large output is passed on in pieces that are large, but small enough to be
+/// parsed while the next one is read. False at the end of the output.
 bool Session::takeOutput()
 {
     constexpr size_t piece = 16 * 1024;
@@ -144,7 +144,7 @@ bool Session::takeOutput()
         if (count > 0) {
             filled += size_t(count);
             if (size_t(count) <= little)
-                break; // as a rule there is no more
+                break; // usually nothing is left
             continue;
         }
         if (count < 0 && errno == EINTR)
@@ -167,7 +167,7 @@ bool Session::takeOutput()
     return open;
 }
 
-/// False if it is much, or if the parser has yet to come to what was before it.
+/// False if there is much output, or if earlier output is still waiting for the parser.
 bool Session::parseAtOnce(std::string_view output)
 {
     {
@@ -181,7 +181,7 @@ bool Session::parseAtOnce(std::string_view output)
     return true;
 }
 
-/// False if the child does not read at the moment. Requires m_mutex.
+/// False if the child is not reading. Requires m_mutex.
 bool Session::writePiece()
 {
     const ssize_t count = write(m_pty->descriptor(), m_backlog.data() + m_written, m_backlog.size() - m_written);
@@ -224,7 +224,7 @@ void Session::readLoop()
         const bool childEnded = waiting[2].revents & POLLIN;
         if (waiting[0].revents & (POLLIN | POLLHUP | POLLERR))
             open = takeOutput();
-        // Those whom the child left behind may keep the terminal open; what it wrote itself has come by now.
+        // Processes that the child left behind may keep the terminal open; the child's own output has arrived by now.
         else if (childEnded)
             open = false;
     }
@@ -255,7 +255,7 @@ void Session::parseLoop()
             m_parsing = true;
         }
         m_drained.notify_one();
-        // Others get their turn at the terminal between pieces.
+        // Others can lock the terminal between pieces.
         constexpr size_t piece = 64 * 1024;
         for (size_t at = 0; at < batch.size(); at += piece)
             parse(std::string_view(batch).substr(at, piece));

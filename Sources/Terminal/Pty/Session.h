@@ -13,16 +13,16 @@
 
 namespace corvane::terminal {
 
-/// What passes between the terminal and the child. Called on the session's threads.
+/// Observers of what passes between terminal and child. Called on the session's threads.
 struct SessionTaps {
     std::function<void(std::string_view)> output; ///< from the child, before it is parsed
     std::function<void(std::string_view, bool hidden)> input; ///< to the child; hidden while it asks for a password
-    std::function<void()> changed; ///< the terminal took something in
-    std::function<void(ExitStatus)> exited; ///< the last call of all
+    std::function<void()> changed; ///< the terminal has processed output
+    std::function<void(ExitStatus)> exited; ///< always the last call
 };
 
-/// A terminal with a child in it. One thread drains the child's output while another parses what came before; a
-/// little output that nothing is ahead of is parsed at once, so that a question is answered soon.
+/// A terminal with a child process. One thread reads the child's output while another parses earlier output; a little
+/// output with nothing waiting before it is parsed at once, for quick answers to queries.
 class Session {
 public:
     Session(Size size, const Config& config, SessionTaps taps = {});
@@ -30,10 +30,10 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Once. On failure the terminal shows the error in one line.
+    /// To be called once. On failure the terminal shows the error in one line.
     std::expected<void, std::string> start(const Command& command);
 
-    /// The terminal, for as long as the lock is held. What it wants written is sent when it is let go.
+    /// Locks the terminal. Replies are sent when the lock is released.
     class Access {
     public:
         explicit Access(Session& session)
@@ -51,17 +51,17 @@ public:
     };
     Access terminal() { return Access(*this); }
 
-    /// False where the child has not read so much of what was sent that more of it would be dropped.
+    /// False if so much unread input is waiting for the child that more would be dropped.
     bool hasRoomFor(size_t bytes);
 
     void resize(Size size);
     void hangUp();
     bool isRunning() const { return m_running; }
     int process() const { return m_process; }
-    /// The program that runs in the foreground of the shell; empty if that is the shell itself.
+    /// The foreground program of the shell; empty if that is the shell itself.
     std::string foregroundProgram() const;
-    std::string workingDirectory() const; ///< of the shell; empty if it cannot be told
-    /// False after `timeout`.
+    std::string workingDirectory() const; ///< of the shell; empty if unknown
+    /// False if `timeout` expires.
     bool waitForExit(std::chrono::milliseconds timeout);
     ExitStatus exitStatus() const { return m_status; }
 
@@ -73,7 +73,7 @@ private:
     bool parseAtOnce(std::string_view output);
     bool writePiece();
     void writeBacklog();
-    void sendReplies(); // with the terminal locked
+    void sendReplies(); // requires the terminal's lock
     void wakeReader();
     std::unique_lock<std::mutex> lockTerminal();
 
@@ -82,19 +82,19 @@ private:
 
     Terminal m_terminal;
     std::mutex m_terminalMutex;
-    std::mutex m_turn; // held while waiting for the terminal, so that a flood leaves others their turn
+    std::mutex m_turn; // held while waiting for the terminal, so that output cannot starve other threads
     SessionTaps m_taps;
     std::optional<Pty> m_pty;
     Descriptor m_wake;
     std::thread m_reader;
     std::thread m_parser;
-    std::mutex m_mutex; // of all below
+    std::mutex m_mutex; // protects all members below
     std::condition_variable m_arrived;
     std::condition_variable m_drained;
     std::condition_variable m_ended;
     std::string m_pending; // read, not yet parsed
-    bool m_parsing = false; // the parser has taken what was pending
-    std::string m_backlog; // for the child
+    bool m_parsing = false; // the parser is working on output that was pending
+    std::string m_backlog; // input for the child
     size_t m_written = 0; // of the backlog
     bool m_readerDone = false;
     bool m_stopping = false;

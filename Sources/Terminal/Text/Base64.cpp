@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t bad = 0xff000000;
 
-// For each place in a group of four, the bits of a character where they belong.
+// For each position in a group of four, the shifted bits of a character.
 constexpr auto tables = [] {
     std::array<std::array<uint32_t, 256>, 4> table {};
     for (auto& place : table)
@@ -43,7 +43,7 @@ uint8_t* Base64Decoder::run(std::string_view text, uint8_t* out)
         const uint8_t byte = *at++;
         const uint32_t value = tables[3][byte];
         if (value & bad) {
-            // Padding and line breaks are passed over.
+            // Skips padding and line breaks.
             m_valid &= byte == '=' || byte == '\r' || byte == '\n' || byte == ' ';
             continue;
         }

@@ -7,7 +7,7 @@
 
 namespace corvane::terminal {
 
-/// Decodes what comes in pieces. Padding may be missing; other characters are passed over.
+/// A streaming decoder. Padding may be missing; other characters are skipped.
 class Base64Decoder {
 public:
     template <typename Container> void decode(std::string_view text, Container& out)
@@ -17,7 +17,7 @@ public:
         auto* const begin = reinterpret_cast<uint8_t*>(out.data()) + before;
         out.resize(before + size_t(run(text, begin) - begin));
     }
-    /// The last characters, if they were no whole group.
+    /// Decodes an incomplete last group.
     template <typename Container> void finish(Container& out)
     {
         if (m_count >= 2)

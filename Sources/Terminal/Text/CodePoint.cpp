@@ -34,7 +34,7 @@ CodePointTable::CodePointTable()
     std::vector<uint8_t> points(0x110000, CodePoint().bits);
     for (const Range& range : ranges)
         std::fill(points.begin() + range.first, points.begin() + range.last + 1, range.bits);
-    std::map<std::string, uint16_t> known; // where each block begins
+    std::map<std::string, uint16_t> known; // the start of each block
     for (size_t block = 0; block < std::size(m_beginOfBlock); ++block) {
         const uint8_t* const first = points.data() + block * 256;
         if (block > 0 && std::memcmp(first, first - 256, 256) == 0) {

@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// The grapheme break classes of UAX 29; pictographs that belong to no other class have one of their own.
+/// The grapheme break classes of UAX 29, with one added for pictographs that have no other class.
 enum class GraphemeBreak : uint8_t {
     Other,
     CR,
@@ -23,19 +23,19 @@ enum class GraphemeBreak : uint8_t {
     Pictographic
 };
 
-/// What the terminal has to know of a code point, in one byte.
+/// The properties of a code point that the terminal needs, in one byte.
 struct CodePoint {
     uint8_t bits = 1;
 
-    /// Columns by UAX 11: 0 for what combines, 2 for what is wide. Ambiguous ones count as 1.
+    /// Columns by UAX 11: 0 if combining, 2 if wide. Ambiguous characters count as 1.
     constexpr int width() const { return bits & 3; }
     constexpr bool ambiguous() const { return bits & 4; }
-    /// Followed by VS16 it is shown as an emoji, two columns wide.
+    /// Becomes an emoji of two columns if VS16 follows.
     constexpr bool emojiVariation() const { return bits & 8; }
     constexpr GraphemeBreak graphemeBreak() const { return GraphemeBreak(bits >> 4); }
 };
 
-/// A lookup in two steps, built once from the ranges of Debian's unicode-data.
+/// A two-level table, built once from the ranges of Debian's unicode-data.
 class CodePointTable {
 public:
     static const CodePointTable& instance();

@@ -24,7 +24,7 @@ template <std::integral Number> void appendPart(std::string& text, Number number
     text.append(digits, end);
 }
 
-/// Texts, characters and numbers in decimal, one behind the other.
+/// Concatenates texts, characters and decimal numbers.
 template <typename... Parts> std::string concat(const Parts&... parts)
 {
     std::string text;
@@ -52,7 +52,7 @@ inline std::string hexOfBytes(std::string_view bytes)
     return digits;
 }
 
-/// False if the digits are not hexadecimal or not in pairs; what came before is kept.
+/// False if there are other characters or an odd number of digits; what was decoded before is kept.
 inline bool bytesOfHex(std::string_view digits, std::string& bytes)
 {
     for (size_t at = 0; at + 2 <= digits.size(); at += 2) {

@@ -4,10 +4,10 @@
 
 namespace corvane::terminal {
 
-/// Tells, code point after code point, where one grapheme cluster ends and the next begins (UAX 29).
+/// Finds the boundaries of grapheme clusters (UAX 29), one code point at a time.
 class Graphemes {
 public:
-    /// Takes the next code point; true if a new cluster begins with it.
+    /// Takes the next code point; true if it starts a new cluster.
     bool startsCluster(CodePoint next)
     {
         const GraphemeBreak kind = next.graphemeBreak();
@@ -17,17 +17,17 @@ public:
         return starts;
     }
 
-    /// Begins a cluster behind any other of its kind. As bits, by class.
+    /// The classes that start a new cluster after any other standalone one, as bits.
     static constexpr uint32_t standalone = 1u << int(GraphemeBreak::Other) | 1u << int(GraphemeBreak::LV)
         | 1u << int(GraphemeBreak::LVT) | 1u << int(GraphemeBreak::Pictographic);
     static constexpr bool isStandalone(CodePoint point) { return standalone >> int(point.graphemeBreak()) & 1; }
-    /// What came before joins nothing that stands alone.
+    /// The text so far does not join a standalone code point.
     bool isDone() const
     {
         return !m_joined && m_last != GraphemeBreak::Prepend && m_last != GraphemeBreak::L
             && m_last != GraphemeBreak::CR;
     }
-    /// As after startsCluster with the last of a run of those that stand alone.
+    /// The state after a run of standalone code points that ends with `last`.
     void afterStandalone(CodePoint last)
     {
         *this = {};
@@ -36,7 +36,7 @@ public:
     }
 
     void restart() { *this = {}; }
-    /// As after a letter that joins nothing.
+    /// The state after a letter that joins nothing.
     void afterPlainText()
     {
         m_last = GraphemeBreak::Other;
@@ -54,10 +54,10 @@ private:
         m_last = next;
     }
 
-    GraphemeBreak m_last = GraphemeBreak::Control; // as at the start of text
-    bool m_emoji = false; // a pictograph, and nothing but extenders since
-    bool m_joined = false; // and then a joiner
-    bool m_oddIndicator = false; // an indicator that waits for its second half
+    GraphemeBreak m_last = GraphemeBreak::Control; // the state at the start of text
+    bool m_emoji = false; // a pictograph, followed only by extenders
+    bool m_joined = false; // the same, and then a joiner
+    bool m_oddIndicator = false; // a regional indicator that is still unpaired
 };
 
 }

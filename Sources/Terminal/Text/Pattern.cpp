@@ -13,7 +13,7 @@ namespace corvane::terminal {
 
 namespace {
 
-// A table of more states is thrown away and begun again.
+// A table with more states is discarded and started again.
 constexpr size_t maxStates = 512;
 constexpr uint32_t rowSize = 256;
 constexpr uint32_t unknown = 0;
@@ -25,7 +25,7 @@ uint32_t rowOf(uint32_t state)
     return state & ~matchBit;
 }
 
-/// It is known, alive and no match: the next byte can be looked at.
+/// Known, alive and no match: the next byte can be looked at.
 bool isOrdinary(uint32_t state)
 {
     return state > dead && state < matchBit;
@@ -92,7 +92,7 @@ std::optional<std::pair<size_t, size_t>> Pattern::findLiteral(std::string_view t
     const size_t last = text.size() - length;
     size_t at = from;
 #if defined(__x86_64__)
-    // Only where the first and the last letter both fit is the rest compared.
+    // The rest is compared only if the first and last letters match.
     const char first = m_literal.front();
     const char final = m_literal.back();
     const __m128i firstFold = _mm_set1_epi8(m_fold && isLetter(first) ? 0x20 : 0);
@@ -117,7 +117,7 @@ std::optional<std::pair<size_t, size_t>> Pattern::findLiteral(std::string_view t
     return {};
 }
 
-/// Follows what takes no byte.
+/// Follows the edges that consume no byte.
 void Pattern::addNode(std::vector<uint32_t>& nodes, uint32_t node, bool atBegin, bool atEnd) const
 {
     std::vector<uint32_t> open { node };
@@ -194,7 +194,7 @@ uint32_t Pattern::step(Table& table, uint32_t state, uint8_t byte) const
     if (table.anywhere)
         addNode(nodes, m_start, false, false);
     if (table.states.size() > maxStates) {
-        // Begin the table again with the state that is needed now.
+        // Restart the table with the current state.
         clear(table);
         return stateOf(table, std::move(nodes));
     }

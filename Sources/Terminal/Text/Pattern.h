@@ -11,17 +11,17 @@
 
 namespace corvane::terminal {
 
-/// What is searched for: a text as it stands, or a regular expression with . [] () | * + ? {} ^ $ and
-/// \d \w \s. Whether a text holds a match is told in one pass over it, whatever the expression.
+/// A search pattern: literal text, or a regular expression with . [] () | * + ? {} ^ $ and \d \w \s. Matching takes one
+/// pass over the text, whatever the expression.
 class Pattern {
 public:
     enum class Kind : uint8_t { Literal, Regex };
     enum class Case : uint8_t { Insensitive, Sensitive };
 
-    /// Nothing if the expression is malformed or grows too large.
+    /// Nothing if the expression is malformed or too large.
     static std::optional<Pattern> make(std::string_view text, Kind kind, Case sensitivity);
 
-    /// The first match from `from` on, as begin and end in bytes; the longest of those that begin there.
+    /// The first match at or after `from`, as begin and end in bytes; the longest of those that begin there.
     std::optional<std::pair<size_t, size_t>> find(std::string_view text, size_t from = 0);
 
     bool isLiteral() const { return !m_isRegex; }
@@ -32,24 +32,24 @@ private:
         enum class Kind : uint8_t { Bytes, Split, Begin, End, Match };
         Kind kind = Kind::Match;
         uint32_t next = 0;
-        uint32_t other = 0; // of Split
+        uint32_t other = 0; // for Split
         ByteSet bytes {};
     };
     struct State {
         std::vector<uint32_t> nodes;
-        bool matchesAtEnd = false; // where the text ends here
+        bool matchesAtEnd = false; // if the text ends here
     };
     class Compiler;
 
     Pattern() = default;
     std::optional<std::pair<size_t, size_t>> findLiteral(std::string_view text, size_t from) const;
-    /// States are made as they are met. Those of a search begin anew at each byte; those of a match do not. A state
-    /// goes by where its row begins in `next`, with a bit set if the text matches so far.
+    /// DFA states, created on demand. Those of a search start a new attempt at each byte; those of a match do not. A
+    /// state is identified by the start of its row in `next`, with a bit set if the text matches so far.
     struct Table {
         bool anywhere;
-        uint32_t starts[2] {}; ///< where a text begins, and within it; 0 if not yet known
+        uint32_t starts[2] {}; ///< at the start of a text, and within it; 0 if not known yet
         std::vector<State> states {};
-        std::vector<uint32_t> next {}; ///< 256 for each state
+        std::vector<uint32_t> next {}; ///< 256 per state
         std::map<std::vector<uint32_t>, uint32_t> known {};
     };
 

@@ -32,7 +32,7 @@ void Pattern::Compiler::lead(const Piece& piece, uint32_t target)
 
 auto Pattern::Compiler::empty() -> Piece
 {
-    // A split whose branches lead to the same place.
+    // A split whose branches lead to the same node.
     const uint32_t node = add(Node::Kind::Split);
     return { node, { { node, false }, { node, true } } };
 }
@@ -101,7 +101,7 @@ auto Pattern::Compiler::character(char32_t point) -> Piece
     return chain(sets);
 }
 
-/// A whole character of one to four bytes.
+/// A complete character of one to four bytes.
 auto Pattern::Compiler::anyCharacter() -> Piece
 {
     const ByteSet more = range(0x80, 0xbf);
@@ -142,7 +142,7 @@ auto Pattern::Compiler::escape() -> Piece
     return character(letter == 't' ? U'\t' : char32_t(uint8_t(letter)));
 }
 
-/// ASCII sets; characters past it stand for themselves, and a negated set takes all of them that it does not name.
+/// Sets contain ASCII; other characters match literally, and a negated set contains all of them that it does not name.
 auto Pattern::Compiler::bracket() -> Piece
 {
     ++m_at;
@@ -232,7 +232,7 @@ auto Pattern::Compiler::atom(int depth) -> Piece
     }
 }
 
-/// Parses the same atom again for each time that it may occur.
+/// Parses the same atom again for each possible repetition.
 auto Pattern::Compiler::repeat(size_t from, size_t to, int least, int most, int depth) -> Piece
 {
     Piece piece = empty();

@@ -4,7 +4,7 @@
 
 namespace corvane::terminal {
 
-/// Parses an expression into nodes, by recursive descent with a limit on depth and size.
+/// A recursive-descent parser that turns an expression into nodes, with limits on depth and size.
 class Pattern::Compiler {
 public:
     Compiler(Pattern& pattern, std::string_view text)
@@ -16,10 +16,10 @@ public:
     bool run();
 
 private:
-    /// A piece of the graph: where it begins, and the ends that still lead nowhere.
+    /// A fragment of the graph: its start, and its dangling ends.
     struct Piece {
         uint32_t begin;
-        std::vector<std::pair<uint32_t, bool>> ends; // a node, and whether its other branch is meant
+        std::vector<std::pair<uint32_t, bool>> ends; // a node, and whether its second branch is the open one
     };
 
     Piece alternatives(int depth);

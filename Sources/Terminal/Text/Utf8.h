@@ -11,7 +11,7 @@
 
 namespace corvane::terminal {
 
-/// What a character of so many bytes looks like, those taken as one number; by length. Controls are left out.
+/// UTF-8 forms by length in bytes, taken as one big-endian number. Controls are excluded.
 struct Utf8Forms {
     uint32_t leadMask[16];
     uint32_t lead[16];
@@ -26,13 +26,13 @@ inline constexpr Utf8Forms utf8Forms {
     .first = { 0, 0x20, 0xa0, 0x800, 0x10000 },
     .span = { 0, 0x7e - 0x20, 0x7ff - 0xa0, 0xffff - 0x800, 0x10ffff - 0x10000 },
 };
-/// What its bytes have beside its value.
+/// The marker bits of the bytes, by length.
 inline constexpr uint32_t utf8Marks[] = { 0, 0, 0xc080, 0xe08080, 0xf0808080 };
 
-/// Writes 4 bytes to `out`, of which the code point takes the first; answers how many.
+/// Always writes 4 bytes to `out`; returns how many of them the code point takes.
 inline size_t encodeUtf8(char32_t point, char* out)
 {
-    // All lengths by the same steps, since which one comes next is not to be foreseen.
+    // The same steps for all lengths, because the next length is unpredictable.
     const size_t length = size_t(1) + (point >= 0x80) + (point >= 0x800) + (point >= 0x10000);
     const uint32_t spread
         = (point & 0x3f) | (point & 0xfc0) << 2 | (point & 0x3f000) << 4 | (point & 0x1c0000) << 6 | utf8Marks[length];
@@ -49,15 +49,14 @@ inline void appendUtf8(std::string& text, char32_t point)
     text.append(bytes, encodeUtf8(point, bytes));
 }
 
-/// Decodes a stream that may be cut anywhere. What is malformed becomes one replacement character for each longest
-/// part that could have begun a character.
+/// Decodes a stream that may be split anywhere. Each maximal malformed part becomes one replacement character.
 class Utf8Decoder {
 public:
     enum class Result : uint8_t {
-        More, ///< the byte was taken, the character is not complete
+        More, ///< the byte was consumed, the character is incomplete
         Character, ///< `character` is complete
-        Malformed, ///< the byte was taken, and stands for a replacement character
-        MalformedBefore ///< a replacement character for what came before; give the byte again
+        Malformed, ///< the byte was consumed and yields a replacement character
+        MalformedBefore ///< the bytes before yield a replacement character; pass this byte again
     };
 
     Result take(uint8_t byte)
@@ -116,7 +115,7 @@ private:
     uint8_t m_upper = 0xbf;
 };
 
-/// The text's code points; what is malformed is replaced.
+/// The code points of the text; malformed parts are replaced.
 std::u32string decodeUtf8(std::string_view text);
 std::string encodeUtf8(std::u32string_view text);
 
