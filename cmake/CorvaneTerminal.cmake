@@ -6,6 +6,8 @@ function(corvane_terminal)
     find_package(Threads REQUIRED)
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS
         "${CMAKE_SOURCE_DIR}/Sources/Terminal/*.cpp" "${CMAKE_SOURCE_DIR}/Sources/Terminal/*.h")
+    # Two neighbouring parameters loaded as one vector would wait for both of their stores.
+    set_source_files_properties("${CMAKE_SOURCE_DIR}/Sources/Terminal/Core/Emulator.cpp" PROPERTIES COMPILE_OPTIONS -fno-slp-vectorize)
     set(host ${sources})
     list(FILTER host INCLUDE REGEX "/Sources/Terminal/Host/")
     list(FILTER sources EXCLUDE REGEX "/Sources/Terminal/Host/")

@@ -86,6 +86,9 @@ inline size_t printableInWord(const uint8_t* at)
 template <typename Sink> size_t Parser<Sink>::printableRun(Byte at, Byte end) const
 {
     const auto size = size_t(end - at);
+    // A single character, foreseen by a jump: the place of what follows need not wait for the count.
+    if (size > 1 && at[1] == escapeCode)
+        return 1;
     if (size >= wordSize) {
         if (const size_t run = printableInWord(at); run < wordSize)
             return run;
@@ -203,20 +206,40 @@ template <typename Sink> auto Parser<Sink>::escapeSequence(Byte at, Byte end) ->
     return at;
 }
 
+/// The first byte that no parameter and no intermediate byte has; `end` where there is none.
+inline const uint8_t* sequenceFinal(const uint8_t* at, const uint8_t* end)
+{
+    constexpr uint8_t finalBits = 0xc0;
+    if constexpr (std::endian::native == std::endian::little) {
+        for (; size_t(end - at) >= wordSize; at += wordSize) {
+            uint64_t bytes;
+            std::memcpy(&bytes, at, sizeof bytes);
+            bytes &= finalBits * uint64_t(0x0101010101010101);
+            if (bytes != 0)
+                return at + std::countr_zero(bytes) / 8;
+        }
+    }
+    while (at < end && (*at & finalBits) == 0)
+        ++at;
+    return at;
+}
+
 template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -> Byte
 {
     const Byte begin = at;
+    // Found ahead of the parameters, so that the text behind the sequence need not wait for them.
+    const Byte final = sequenceFinal(at, end);
     m_sequence.clear();
-    if (at < end && *at >= '<' && *at <= '?')
+    if (at < final && *at >= '<')
         m_sequence.leader = char(*at++);
     int value = Params::absent;
     bool sub = false;
-    for (; at < end; ++at) {
+    for (; at < final; ++at) {
         const uint8_t byte = *at;
         if (uint8_t(byte - '0') < 10) {
             // Whether a number has one or two digits is unpredictable, so both are read without a branch.
             const int digit = byte - '0';
-            const int second = at + 1 < end ? at[1] - '0' : -1;
+            const int second = at[1] - '0';
             const bool two = unsigned(second) < 10;
             const int number = two ? digit * 10 + second : digit;
             value = value == Params::absent ? number : std::min(value * (two ? 100 : 10) + number, Params::maxValue);
@@ -225,19 +248,18 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
             m_sequence.params.add(value, sub);
             value = Params::absent;
             sub = byte == ':';
-        } else if (uint8_t(byte - 0x40) < 0x3f) {
-            if (value != Params::absent || m_sequence.params.count() > 0)
-                m_sequence.params.add(value, sub);
-            m_sequence.final = char(byte);
-            m_sink.csi(m_sequence);
-            return at + 1;
-        } else if (uint8_t(byte - 0x20) < 0x10) {
+        } else if (uint8_t(byte - 0x20) < 0x10 && uint8_t(at[1] - 0x30) >= 0x10) {
             m_sequence.addIntermediate(char(byte));
-            if (at + 1 == end || uint8_t(at[1] - 0x30) < 0x10)
-                break;
         } else {
             break;
         }
+    }
+    if (at == final && final < end && uint8_t(*final - 0x40) < 0x3f) {
+        if (value != Params::absent || m_sequence.params.count() > 0)
+            m_sequence.params.add(value, sub);
+        m_sequence.final = char(*final);
+        m_sink.csi(m_sequence);
+        return final + 1;
     }
     // Incomplete or malformed: start over with the state machine.
     m_sequence.clear();
