@@ -1,4 +1,4 @@
-// A Discord bot: the servers that it is in, and everybody who writes to it.
+// A Discord bot: the servers it is in, and everyone who writes to it.
 
 import { runChannel } from "./lib/channel.ts";
 import { chatTables } from "./lib/history.ts";

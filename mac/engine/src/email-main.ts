@@ -1,4 +1,4 @@
-// A mailbox: IMAP for what comes, SMTP for what goes.
+// A mailbox: IMAP for incoming mail, SMTP for outgoing mail.
 
 import { SendJournal } from "./lib/journal.ts";
 import { Outbox } from "./lib/outbox.ts";
@@ -56,7 +56,7 @@ async function start(place: Place): Promise<Engine> {
       await sender.filed();
       const { session } = mailbox;
       session?.close();
-      if (session) await staying; // else it may be looking for servers, for longer than there is time
+      if (session) await staying; // otherwise it may be looking for servers for longer than there is time
       db.close();
     },
   };

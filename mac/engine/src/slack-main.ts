@@ -1,4 +1,4 @@
-// A Slack app: the channels that it is in, and everybody who writes to it.
+// A Slack app: the channels it is in, and everyone who writes to it.
 
 import { runChannel } from "./lib/channel.ts";
 import { chatTables } from "./lib/history.ts";

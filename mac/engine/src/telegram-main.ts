@@ -1,4 +1,4 @@
-// A Telegram bot: everybody who writes to it, and the groups that it is in.
+// A Telegram bot: everyone who writes to it, and the groups it is in.
 
 import { runChannel } from "./lib/channel.ts";
 import { joinTelegram } from "./telegram/network.ts";

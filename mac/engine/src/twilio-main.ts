@@ -1,4 +1,4 @@
-// A telephone number at Twilio: SMS, and the pictures that come with them.
+// A telephone number at Twilio: SMS, and the pictures received with them.
 
 import { runChannel } from "./lib/channel.ts";
 import { joinTwilio } from "./sms/network.ts";

@@ -1,4 +1,4 @@
-// Calls to Discord's REST interface, and what its failures mean.
+// Calls to Discord's REST API, and what its errors mean.
 
 import { DiscordAPIError, HTTPError, RateLimitError, REST, type RawFile } from "discord.js";
 import { Limited } from "../lib/limits.ts";
@@ -8,13 +8,13 @@ import { baseAddress, networkError } from "../lib/web.ts";
 
 const longestRequest = 100_000;
 
-/** The interface and the pictures. */
+/** The API and the image server. */
 export function addresses(): { api: string; cdn: string } {
   const base = baseAddress("CORVANE_DISCORD_API", "https://discord.com");
   return { api: `${base}/api`, cdn: base === "https://discord.com" ? "https://cdn.discordapp.com" : base };
 }
 
-/** Every call is made once, since whoever asks decides what a failure means; the library only counts the limits. */
+/** The library only tracks rate limits. It does not retry, since the caller decides what a failure means. */
 export function restOptions() {
   return { ...addresses(), retries: 0, timeout: longestRequest, rejectOnRateLimit: () => true };
 }
@@ -56,7 +56,7 @@ export function gatewayError(error: Error & { code?: unknown }): Error {
   return judged(error);
 }
 
-/** The same for the code that it closes a connection with for good. */
+/** The same for the code with which the gateway closes a connection for good. */
 export function closeError(code: number): Error {
   if (code === 4004) return new SignInRefused(tokenRefused);
   return code === 4014 ? new SignInRefused(intentsRefused) : new Error(`Discord closed the connection (${code}).`);

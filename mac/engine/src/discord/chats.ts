@@ -1,4 +1,4 @@
-// Who writes where in Discord.
+// Channels and names in Discord.
 
 import { ChannelType, Routes, type APIChannel, type APIUser, type GatewayDispatchPayload, type GatewayGuildCreateDispatchData } from "discord.js";
 import { groupId } from "../lib/events.ts";
@@ -12,7 +12,7 @@ interface Place {
   user?: APIUser;
 }
 
-/** Channels that hold a conversation; forums hold theirs in threads. */
+/** Channels that hold a conversation; those of forums are in threads. */
 const written = new Set<ChannelType>([ChannelType.GuildText, ChannelType.GuildAnnouncement]);
 
 export class Chats {
@@ -25,7 +25,7 @@ export class Chats {
     this.#discord = discord;
   }
 
-  /** Takes up what a packet tells about servers and channels. */
+  /** Updates servers and channels from a packet. */
   note({ t: type, d: data }: GatewayDispatchPayload): void {
     if (type === "GUILD_CREATE" && "channels" in data) this.#noteGuild(data as GatewayGuildCreateDispatchData);
     else if (type === "GUILD_DELETE") for (const [id, guild] of this.#texts) if (guild === data.id) this.#texts.delete(id);
@@ -33,7 +33,7 @@ export class Chats {
     if (type === "CHANNEL_DELETE") this.#texts.delete(data.id);
   }
 
-  /** Every channel of the servers that holds a conversation. */
+  /** Every channel with a conversation on the bot's servers. */
   texts(): string[] {
     return [...this.#texts.keys()];
   }
@@ -55,7 +55,7 @@ export class Chats {
     return { name: nameOf(user), picture: avatar ? { mark: avatar, open: () => openFile(address, "Discord") } : undefined };
   }
 
-  /** The channel to write to, opened where only the person is known. */
+  /** The channel to write to; opens one if only the person is known. */
   async channelOf(target: string): Promise<string> {
     if (this.#places.has(target)) return target;
     const channel = await this.#discord.call<APIChannel>("get", Routes.channel(target)).catch(() => undefined);

@@ -1,4 +1,4 @@
-// Discord's gateway: the connection over which everything new comes.
+// Discord's gateway, the connection that delivers all events.
 
 import { setTimeout as sleep } from "node:timers/promises";
 import { Client, Events, GatewayIntentBits, Options, SimpleShardingStrategy, type GatewayDispatchPayload } from "discord.js";
@@ -10,14 +10,14 @@ const { Guilds, GuildMessages, MessageContent, DirectMessages, GuildMessageReact
 
 export interface Heard {
   packet(packet: GatewayDispatchPayload): void;
-  /** Listening began anew: something may have been missed. */
+  /** A new session started: events may have been missed. */
   ready(): void;
-  /** Goes on where it was, with nothing missed. */
+  /** The session was resumed without missing anything. */
   resumed(): void;
   lost(): void;
 }
 
-/** Nothing is kept but what names things: messages and members would fill the memory. */
+/** Only names are cached: messages and members would fill the memory. */
 const kept = {
   MessageManager: 0, PresenceManager: 0, ReactionManager: 0, ReactionUserManager: 0, GuildEmojiManager: 0, GuildStickerManager: 0,
   VoiceStateManager: 0, ThreadMemberManager: 0, StageInstanceManager: 0, GuildScheduledEventManager: 0, GuildBanManager: 0,
@@ -38,7 +38,7 @@ export class Gateway {
       rest: restOptions(),
       ws: {
         buildStrategy: (manager) => {
-          // The library asks for the session before each attempt to connect; by itself it would not pause between them.
+          // The library calls this before each attempt to connect; it would not pause between them otherwise.
           const { retrieveSessionInfo } = manager.options;
           manager.options.retrieveSessionInfo = async (shard) => {
             await this.#pause();
@@ -63,7 +63,7 @@ export class Gateway {
     this.client.on(Events.ShardError, () => {});
   }
 
-  /** Connects and stays: ends only by an error. */
+  /** Connects, and stays connected until an error. */
   async stay(token: string): Promise<never> {
     const ended = new Promise<never>((_, reject) => {
       this.client.on(Events.ShardDisconnect, ({ code }) => reject(closeError(code)));

@@ -1,4 +1,4 @@
-// Listens to Discord's gateway, tells what was missed, and offers what the bot can do.
+// Listens to Discord's gateway, reports what was missed, and offers the bot's functions.
 
 import type { DatabaseSync } from "node:sqlite";
 import { Routes, type APIMessage, type GatewayDispatchPayload } from "discord.js";

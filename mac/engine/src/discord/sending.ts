@@ -12,7 +12,7 @@ import type { Discord } from "./api.ts";
 import type { Chats } from "./chats.ts";
 import { rowsFrom } from "./teller.ts";
 
-/** Discord's own bounds. */
+/** Discord's own limits. */
 export const mostFileBytes = 10 << 20;
 const longestText = 2000;
 const mostFiles = 10;

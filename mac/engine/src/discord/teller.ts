@@ -1,14 +1,14 @@
-// Tells Corvane what Discord reports.
+// Turns Discord's messages into events for Corvane.
 
 import { MessageType, type APIAttachment, type APIEmoji, type APIMessage } from "discord.js";
 import { mediaTypeOf, type MessageEvent } from "../lib/events.ts";
 import { rowsOf, type FileMark } from "../lib/files.ts";
 import { nameOf, type Chats } from "./chats.ts";
 
-/** Other kinds are news about the channel, not somebody's words. */
+/** Other kinds are notices about the channel. */
 const spoken = new Set<MessageType>([MessageType.Default, MessageType.Reply, MessageType.ChatInputCommand, MessageType.ContextMenuCommand]);
 
-/** A message as rows; none where nobody says anything in it. */
+/** A message as rows; empty if it is not from anyone. */
 export async function rowsFrom(message: APIMessage, chats: Chats, self: string): Promise<MessageEvent[]> {
   const files = message.attachments ?? [];
   const body = await bodyOf(message, chats);
@@ -40,7 +40,7 @@ async function bodyOf(message: APIMessage, chats: Chats): Promise<string> {
   return plainText(text || (message.author.bot ? embeds.join("\n\n") : ""), message, chats);
 }
 
-/** The text with names for what Discord writes as numbers. */
+/** The text with names in place of Discord's numbers. */
 async function plainText(text: string, { mentions = [] }: APIMessage, chats: Chats): Promise<string> {
   const names = new Map(mentions.map((user) => [user.id, nameOf(user)]));
   for (const [, id] of text.matchAll(/<#(\d+)>/g)) {

@@ -1,23 +1,23 @@
-// Who a mail is from and for, and which chat it belongs to.
+// The sender and recipients of a mail, and its chat.
 
 import type { MessageAddressObject, MessageEnvelopeObject } from "imapflow";
 import { oneLine } from "../lib/text.ts";
 
 export interface Person {
-  /** In lower case; a chat's id is made of it. */
+  /** In lower case; used in chat ids. */
   address: string;
   name: string;
 }
 
 export type Direction = "IN" | "OUT";
 
-/** A chat of several people is named by their addresses; this marks it. */
+/** Chats with several people have their addresses as id, followed by this. */
 const groupMark = "@g.us";
 
-/** A mail to more people than these counts as one between two: its chat is the sender's. */
+/** A mail to more people than this belongs to its sender's chat. */
 const largestGroup = 50;
 
-/** Stands for a sender who has no address. */
+/** In place of a sender without an address. */
 const nobody: Person = { address: "nobody@invalid", name: "" };
 
 /** The form in which addresses are compared. */
@@ -29,7 +29,7 @@ export function isAddress(text: string): boolean {
   return /^[^\s@<>,;:"()\\]+@[^\s@<>,;:"()\\]+$/.test(text) && !text.endsWith("@invalid");
 }
 
-/** What servers put in the place of an address that is none. */
+/** What servers use in place of a missing or invalid address. */
 const invented = /@(missing_domain|\.missing-host-name\.|\.syntax-error\.)$|^missing_mailbox@|^@|@$/i;
 
 export function peopleOf(list: MessageAddressObject[] | undefined): Person[] {
@@ -38,7 +38,7 @@ export function peopleOf(list: MessageAddressObject[] | undefined): Person[] {
     .map(({ address = "", name = "" }) => ({ address: normalAddress(address), name: nameOf(name, address) }));
 }
 
-/** A name that is only the address again is none. */
+/** A name that only repeats the address is dropped. */
 function nameOf(name: string, address: string): string {
   const line = oneLine(name, 200).replace(/^["']+|["']+$/g, "");
   return line.toLowerCase() === address.toLowerCase() ? "" : line;
@@ -48,14 +48,14 @@ export function senderOf(envelope: MessageEnvelopeObject): Person {
   return peopleOf(envelope.from)[0] ?? peopleOf(envelope.sender)[0] ?? nobody;
 }
 
-/** What the account itself sent lies among the sent mail or is from it to others; a mail to oneself comes in, too. */
+/** Outgoing mail is in the sent folder, or from the account to others; mail to oneself counts as incoming, too. */
 export function directionOf(envelope: MessageEnvelopeObject, isSentFolder: boolean, own: ReadonlySet<string>): Direction {
   if (isSentFolder) return "OUT";
   const isToMyself = [...peopleOf(envelope.to), ...peopleOf(envelope.cc)].some(({ address }) => own.has(address));
   return own.has(senderOf(envelope).address) && !isToMyself ? "OUT" : "IN";
 }
 
-/** The others of the mail: whom an answer would go to. */
+/** The other people of the mail: the recipients of an answer. */
 export function participantsOf(envelope: MessageEnvelopeObject, direction: Direction, own: ReadonlySet<string>): Person[] {
   const from = senderOf(envelope);
   const answerTo = peopleOf(envelope.replyTo)[0];
@@ -75,7 +75,7 @@ export function chatIdOf(people: Person[]): string {
   return addresses.length === 1 ? addresses[0] : addresses.join(",") + groupMark;
 }
 
-/** Exactly the addresses that a chat's id names. */
+/** Exactly the addresses in a chat's id. */
 export function addressesIn(chatId: string): string[] {
   const names = chatId.endsWith(groupMark) ? chatId.slice(0, -groupMark.length) : chatId;
   return names.split(",").map((name) => name.trim().toLowerCase());

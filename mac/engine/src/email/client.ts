@@ -1,4 +1,4 @@
-// One signed-in IMAP connection, over verified TLS only.
+// A signed-in IMAP connection, always over verified TLS.
 
 import { ImapFlow, type ImapFlowError } from "imapflow";
 import { stopping } from "../lib/run.ts";
@@ -7,7 +7,7 @@ import { credentials, NoToken, type Server, type Settings } from "./settings.ts"
 
 const mebibyte = 1 << 20;
 
-/** `idleAfter` in milliseconds without a command. */
+/** `idleAfter`: milliseconds without a command. */
 export async function connectImap(settings: Settings, { host, port, security }: Server, idleAfter = 15_000): Promise<ImapFlow> {
   const client = new ImapFlow({
     host,
@@ -22,7 +22,7 @@ export async function connectImap(settings: Settings, { host, port, security }: 
     maxIdleTime: 60_000,
     connectionTimeout: 20_000,
     socketTimeout: 120_000,
-    // A server that lies about sizes ends its connection, not this process.
+    // A server that sends wrong sizes loses its connection but does not crash this process.
     maxLineLength: 8 * mebibyte,
     maxLiteralSize: 4 * mebibyte,
     maxResponseSize: 16 * mebibyte,
@@ -43,7 +43,7 @@ export async function connectImap(settings: Settings, { host, port, security }: 
 
 const lastErrors = new WeakMap<ImapFlow, ImapFlowError>();
 
-/** Whether the connection ended, or the call failed, because of what the server said and not because of the network. */
+/** Whether the connection or the call failed because of the server's response, not the network. */
 export function isUnreadable(client: ImapFlow, error: unknown): boolean {
   const codes = [error as ImapFlowError, lastErrors.get(client)].map((known) => known?.code ?? "");
   return codes.some((code) => /TooLarge|ParserError|NESTING|Processing|UnexpectedTag|InvalidResponse/.test(code));
@@ -60,13 +60,13 @@ function understood(error: ImapFlowError, host: string): Error {
   return new Error(networkWords(error, host), { cause: error });
 }
 
-/** What the server said, without the numbers of the protocol. */
+/** The server's message without protocol codes. */
 export function wordsOfServer(error: ImapFlowError): string {
   const words = error.responseText || (typeof error.response === "string" ? error.response : "") || error.message;
   return words.replace(/^\S+ (NO|BAD) /, "").replace(/^\[[A-Z-]+\]\s*/, "").slice(0, 500);
 }
 
-/** Why a host cannot be talked to. */
+/** Why a connection to a host failed. */
 export function networkWords(error: Error & { code?: string }, host: string): string {
   const code = `${error.code ?? ""} ${/\b(E[A-Z]+)\b/.exec(error.message)?.[1] ?? ""}`.trim();
   if (/ENOTFOUND|EAI_AGAIN|EDNS/.test(code)) return `${host} cannot be found; is there a network?`;

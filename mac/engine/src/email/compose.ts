@@ -1,4 +1,4 @@
-// Writes a mail that is to be sent into a file, so that the same bytes go out, into the sent mail, and out again.
+// Writes an outgoing mail to a file, so that the same bytes are sent, stored in the sent folder, and sent again.
 
 import { randomUUID } from "node:crypto";
 import { createWriteStream, mkdirSync } from "node:fs";
@@ -12,7 +12,7 @@ import { addressesIn, isAddress } from "./address.ts";
 import type { ChatMark, MailStore, Outgoing } from "./store.ts";
 import { longestSubject } from "./teller.ts";
 
-/** What the files of one mail may weigh together, in bytes. Providers take mails of 25 MB, a third of which is encoding. */
+/** The total size of the files of one mail, in bytes. Providers take mails of 25 MB, a third of which is encoding. */
 export const mostFileBytes = 18 * 1024 * 1024;
 
 export interface Written extends Outgoing {
@@ -20,13 +20,13 @@ export interface Written extends Outgoing {
   subject: string;
 }
 
-/** Who sends, as the receivers see it. */
+/** The sender as recipients see it. */
 export interface Sender {
   address: string;
   name: string;
 }
 
-/** The mail for one `send` command: the file of an earlier try of the same message where there is one. */
+/** The mail for a `send` command; reuses the file of an earlier attempt to send the same message. */
 export async function writeMail(sending: Sending, from: Sender, store: MailStore, folder: string): Promise<Written> {
   const to = addressesIn(sending.chatId);
   const wrong = to.find((address) => !isAddress(address));
@@ -74,7 +74,7 @@ async function isThere(path: string): Promise<boolean> {
   return (await stat(path).catch(() => undefined)) !== undefined;
 }
 
-/** A subject without the marks of answers and forwards. */
+/** A subject without "Re:", "Fwd:" and the like. */
 export function baseSubject(subject: string): string {
   return subject.replace(/^(\s*(re|aw|sv|antw|rép|fw|fwd|wg|tr)\s*(\[\d+\])?\s*:\s*)+/i, "").trim();
 }
@@ -85,7 +85,7 @@ function subjectOf(given: string, chat: ChatMark | undefined): string {
   return base ? `Re: ${base}` : "";
 }
 
-/** An answer names what it answers; a mail with another subject answers nothing. */
+/** A mail with the same subject is an answer and refers to the last one; a mail with another subject is not. */
 function replyTo(chat: ChatMark | undefined, subject: string): { inReplyTo?: string; references?: string[] } {
   if (!chat?.messageId || baseSubject(chat.subject) !== baseSubject(subject)) return {};
   return { inReplyTo: chat.messageId, references: [...trailOf(chat), chat.messageId] };
@@ -95,7 +95,7 @@ function trailOf({ trail }: ChatMark): string[] {
   return trail.split(" ").filter((id) => id !== "");
 }
 
-/** The chat once the mail is sent: the next one answers this. */
+/** The chat after sending: the next mail answers this one. */
 export function chatAfter(id: string, { messageId, subject, date }: Written, before: ChatMark | undefined): ChatMark {
   const { references = [] } = replyTo(before, subject);
   return { id, at: date, messageId, trail: references.slice(-20).join(" "), subject };

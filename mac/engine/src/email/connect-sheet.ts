@@ -1,4 +1,4 @@
-// The two short runs by which the connect sheet finds the servers and tries the sign-in.
+// The two short runs with which the connect sheet finds the servers and tests the sign-in.
 
 import { closeOutput, print } from "../lib/wire.ts";
 import { connectImap } from "./client.ts";

@@ -1,4 +1,4 @@
-// Finds the servers of an address: the table, SRV records, the provider's own document, and the usual names.
+// Finds the servers of an address: the table, SRV records, the provider's autoconfiguration, and common names.
 
 import { lookup, Resolver } from "node:dns/promises";
 import { connect } from "node:net";
@@ -10,7 +10,7 @@ import type { Server, Servers, Settings } from "./settings.ts";
 
 export interface Found extends Servers {
   found: "table" | "srv" | "autoconfig" | "guess";
-  /** Hosts that a person confirms before a password goes there. */
+  /** Hosts that the user must confirm before a password is sent there. */
   confirm: string[];
   signIn: Provider["signIn"];
   hint: string;
@@ -19,7 +19,7 @@ export interface Found extends Servers {
 const patience = 4_000;
 const longestDocument = 64 * 1024;
 
-/** `localAutoconfig` is an https: address on this machine, asked before everything else. */
+/** `localAutoconfig`: an https: address on this machine that is queried first. */
 export async function discover(address: string, localAutoconfig = ""): Promise<Found> {
   const domain = address.slice(address.lastIndexOf("@") + 1).toLowerCase();
   const local = isLocal(localAutoconfig) ? await documentAt(localAutoconfig) : undefined;
@@ -44,8 +44,8 @@ export function serverFinder(settings: Settings): FindServers {
 
 const pause = 5_000;
 
-/** The servers that the account names, else those that are found. Throws `SignInRefused` where a person has to confirm one
- *  first, and `Limited` where none is found: without a network a guess would stand in for what the provider says. */
+/** The servers in the account's settings, otherwise discovered ones. Throws `SignInRefused` if the user has to
+ *  confirm one first, and `Limited` if none is found: without a network, a guess would hide what the provider says. */
 export async function serversFor({ servers: { imap, smtp }, address }: Settings): Promise<Servers> {
   if (imap && smtp) return { imap, smtp };
   const found = await discover(address, process.env.CORVANE_MAIL_AUTOCONFIG);
@@ -127,7 +127,7 @@ async function documentAt(url: string): Promise<Servers | undefined> {
   }
 }
 
-/** The first IMAP and the first SMTP server with TLS that an autoconfiguration document names. */
+/** The first IMAP and the first SMTP server with TLS in an autoconfiguration document. */
 export function serversInDocument(xml: string): Servers | undefined {
   const servers: Record<string, Record<string, string>[]> = { imap: [], smtp: [] };
   let current: Record<string, string> | undefined;
@@ -162,7 +162,7 @@ export function serversInDocument(xml: string): Servers | undefined {
   return imap && smtp && { imap, smtp };
 }
 
-/** The usual names; which port the sending server listens on is tried. */
+/** The common names. The port of the SMTP server is found by trying. */
 async function guessed(domain: string): Promise<Servers> {
   const smtp = `smtp.${domain}`;
   const [hasTls, hasStartTls] = await Promise.all([answers(smtp, 465), answers(smtp, 587)]);

@@ -1,11 +1,11 @@
-// Fetches a file of a mail when the person asks for it.
+// Fetches a file of a mail on request.
 
 import type { ImapFlow } from "imapflow";
 import { reportDownload, type FetchedFile, type Save } from "../lib/files.ts";
 import { partsOf } from "./parts.ts";
 import type { MailPlace, MailStore } from "./store.ts";
 
-/** Fetches the file with the id "{mail}/{number}" and reports how that went. */
+/** Fetches the file with the id "{mail}/{number}" and reports the outcome. */
 export async function download(client: ImapFlow | undefined, store: MailStore, mediaDir: string, id: string): Promise<void> {
   await reportDownload(mediaDir, id, async (save) => {
     if (!client) throw new Error("The mail server is not connected.");
@@ -40,7 +40,7 @@ async function fetchFile(
   throw new Error("The mail is no longer on the server.");
 }
 
-/** Where the mail was last seen, then wherever its Message-ID is found: it may have been moved. */
+/** Looks where the mail was last seen, then for its Message-ID: it may have been moved. */
 async function* candidates(client: ImapFlow, store: MailStore, place: MailPlace): AsyncGenerator<{ path: string; uid: number }> {
   const known = store.folderById(place.folder);
   if (known) yield { path: known.path, uid: place.uid };
@@ -51,7 +51,7 @@ async function* candidates(client: ImapFlow, store: MailStore, place: MailPlace)
   }
 }
 
-/** The mails of a folder with that Message-ID. */
+/** The mails in a folder with that Message-ID. */
 export async function uidsOf(client: ImapFlow, path: string, messageId: string): Promise<number[]> {
   const lock = await client.getMailboxLock(path);
   try {

@@ -1,4 +1,4 @@
-// Reads mails a page at a time: the structure first, then the text parts alone, never the files.
+// Reads mails a page at a time: first the structure, then only the text parts, never files.
 
 import type { FetchMessageObject, ImapFlow, MessageEnvelopeObject, MessageStructureObject } from "imapflow";
 import { partsOf, type FilePart, type Parts, type TextPart } from "./parts.ts";
@@ -8,7 +8,7 @@ export interface Header {
   uid: number;
   isSeen: boolean;
   isDraft: boolean;
-  /** When the server took it, in milliseconds. */
+  /** When the server received it, in milliseconds. */
   arrived: number;
   size: number;
   envelope: MessageEnvelopeObject;
@@ -22,18 +22,18 @@ export interface Content {
   files: FilePart[];
 }
 
-/** What is read of one text part, in bytes as transferred. */
+/** The limit for one text part, in bytes as transferred. */
 const mostOfText = 128 * 1024;
-/** What is read of a mail whose structure the server cannot tell. */
+/** The limit for a mail whose structure the server cannot report. */
 const mostOfSource = 256 * 1024;
 
 const known = { uid: true, flags: true, internalDate: true, size: true };
 const described = { ...known, envelope: true, headers: ["references"] };
 
-/** How much of a mail is asked for: a server or the library may fail at its structure, or even at its header. */
+/** How much of each mail to request: a server or the library may fail at its structure, or even at its header. */
 const forms = [{ ...described, bodyStructure: true }, described, known];
 
-/** The mails with these UIDs, in any order. Those that cannot be described are still among them. */
+/** The mails with these UIDs, in any order, including those that cannot be described. */
 export async function fetchHeaders(client: ImapFlow, uids: string, from = 0): Promise<Header[]> {
   const missing = new Set((await client.search({ uid: uids }, { uid: true })) || []);
   const headers: Header[] = [];
@@ -46,7 +46,7 @@ export async function fetchHeaders(client: ImapFlow, uids: string, from = 0): Pr
   return headers;
 }
 
-/** For `fetchHeaders`: ask for no more than that the mails are there. */
+/** For `fetchHeaders`: only check that the mails exist. */
 export const bareForm = forms.length - 1;
 
 const unreadable: MessageEnvelopeObject = { subject: "(This mail could not be read.)" };
@@ -66,8 +66,8 @@ function headerOf(message: FetchMessageObject): Header {
   };
 }
 
-/** Gives each mail with its content, in the order in which the server sends them. Mails whose texts lie in the same parts are
- *  asked for together. */
+/** Yields each mail with its content, in the server's order. Mails whose texts are in the same parts are requested
+ *  together. */
 export async function* fetchContents(client: ImapFlow, headers: Header[]): AsyncGenerator<{ header: Header; content: Content }> {
   const groups = new Map<string, { header: Header; parts: Parts }[]>();
   for (const header of headers) {
@@ -95,7 +95,7 @@ async function* fetchGroup(
     wanted.delete(uid);
     yield { header: mail.header, content: contentOf(mail.parts, found) };
   }
-  // What is gone by now is shown by its header alone.
+  // Mails that are gone by now have only their header.
   for (const { header, parts } of wanted.values()) yield { header, content: { body: "", files: parts.files } };
 }
 
@@ -104,13 +104,13 @@ function contentOf({ texts, files }: Parts, found: Map<string, Buffer>): Content
   return { body: bodyOf(texts.map(text)), files };
 }
 
-/** A mail that is all files, or one whose structure the server did not tell. */
+/** A mail that consists only of files, or whose structure the server did not report. */
 async function withoutText(client: ImapFlow, { uid, structure, envelope }: Header, { files }: Parts): Promise<Content> {
   if (structure || envelope === unreadable) return { body: "", files };
   const message = await client.fetchOne(String(uid), { source: { start: 0, maxLength: mostOfSource } }, { uid: true });
   const source = message ? message.source : undefined;
   if (!source) return { body: "", files: [] };
-  const { simpleParser } = await import("mailparser"); // 10 MB that hardly any mailbox needs
+  const { simpleParser } = await import("mailparser"); // 10 MB that few mailboxes need
   const { text = "" } = await simpleParser(source, { skipImageLinks: true, skipTextToHtml: true, skipTextLinks: true });
   return { body: bodyOf([text]), files: [] };
 }

@@ -1,18 +1,17 @@
-// Which folders are mirrored, told from their special use.
+// Chooses the folders to mirror by their special use.
 
 import type { ImapFlow, ListResponse } from "imapflow";
 
 export interface MailFolders {
   /** Paths, INBOX first. */
   mirrored: string[];
-  /** Where the copies of what was sent lie. */
+  /** Where copies of sent mail are stored. */
   sent: string | undefined;
 }
 
 const never = new Set(["\\Drafts", "\\Junk", "\\Trash"]);
 
-/** The inbox, the sent mail, the person's own folders and the archive; where the server has one folder of all mail, that
- *  one stands for the last two. */
+/** The inbox, the sent mail, the user's own folders and the archive; a folder with all mail replaces the last two. */
 export async function mailFolders(client: ImapFlow): Promise<MailFolders> {
   const all = (await client.list()).filter(({ flags }) => !flags.has("\\Noselect") && !flags.has("\\NonExistent"));
   const used = (use: string): ListResponse | undefined => all.find(({ specialUse }) => specialUse === use);

@@ -1,4 +1,4 @@
-// HTML turned to text that reads well: paragraphs, lists, quotations and links. Nothing is ever fetched.
+// Converts HTML to readable text: paragraphs, lists, quotations and links. It never fetches anything.
 
 import { Parser } from "htmlparser2";
 
@@ -17,10 +17,10 @@ export function textFromHtml(html: string): string {
 class Writer {
   #lines: string[] = [];
   #line = "";
-  /** Empty lines that are due before the next text. */
+  /** Empty lines to add before the next text. */
   #gap = 0;
   #quotes = 0;
-  /** Open elements inside one whose content is not shown. */
+  /** Open elements inside an element whose content is hidden. */
   #hidden = 0;
   #preformatted = 0;
   #links: { address: string; from: number }[] = [];
@@ -74,7 +74,7 @@ class Writer {
     return this.#lines.join("\n");
   }
 
-  /** A link shows its address, but for one whose text is it already. */
+  /** A link shows its address, unless its text is the address. */
   #closeLink(): void {
     const link = this.#links.pop();
     if (!link || !/^(https?|mailto):/i.test(link.address)) return;
@@ -95,13 +95,13 @@ class Writer {
     if (this.#line !== "" && !this.#line.endsWith(" ")) this.#line += " ";
   }
 
-  /** Ends the line, and an empty one too. */
+  /** Ends the line, including an empty one. */
   #newLine(): void {
     this.#lines.push((this.#prefix() + this.#line).trimEnd());
     this.#line = "";
   }
 
-  /** Ends the line where there is one; `gap` empty lines come before the next. */
+  /** Ends the line if it has text; `gap` empty lines precede the next one. */
   #break(gap: number): void {
     if (this.#line.trim() !== "") this.#newLine();
     this.#line = "";

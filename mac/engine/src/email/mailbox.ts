@@ -1,4 +1,4 @@
-// Stays connected to the account's mailbox, through everything that a network does.
+// Stays connected to the account's mailbox through any network trouble.
 
 import type { DatabaseSync } from "node:sqlite";
 import { stopping } from "../lib/run.ts";
@@ -19,7 +19,7 @@ export class Mailbox {
   readonly #servers: FindServers;
   readonly #db: DatabaseSync;
   readonly #mirror: Mirror;
-  /** The present session; nothing while the mailbox is out of reach. */
+  /** The current session; undefined while the mailbox is unreachable. */
   session: Session | undefined;
 
   constructor(account: string, settings: Settings, servers: FindServers, db: DatabaseSync) {
@@ -38,13 +38,13 @@ export class Mailbox {
     };
   }
 
-  /** Until the process ends. `opened` is called at the start of each session. */
+  /** Runs until the process ends. `opened` is called at the start of each session. */
   async stay(opened: (session: Session) => void): Promise<void> {
     await stayConnected(async () => {
       try {
         const { imap } = await this.#servers();
         this.session = await Session.open(this.#settings, imap, this.#mirror);
-        if (stopping.aborted) return this.session.close(); // whoever stops it found no session to close
+        if (stopping.aborted) return this.session.close(); // the code that stopped it found no session to close
         await emit({ type: "status", state: "open", user: this.#settings.address });
         opened(this.session);
         await this.session.run();
@@ -54,7 +54,7 @@ export class Mailbox {
     });
   }
 
-  /** When the account was first connected: what is older is history. */
+  /** When the account was first connected: older mail is history. */
   #since(): number {
     const known = readFact(this.#db, "since");
     if (known) return Number(known);

@@ -1,4 +1,4 @@
-// Mirrors one folder after the other, a page at a time: what is new upwards, the history downwards.
+// Mirrors one folder after the other, a page at a time: new mail upwards, the history downwards.
 
 import type { ImapFlow } from "imapflow";
 import { whenStored } from "../lib/wire.ts";
@@ -9,24 +9,25 @@ import type { Folder, MailStore } from "./store.ts";
 import { mailOf, nothingTold, tell, type Account } from "./teller.ts";
 
 const pageSize = 200;
-/** Small, so that the first screen is there at once. */
+/** Small, so that the first screen fills quickly. */
 const firstPage = 50;
 const minute = 60_000;
 
-/** What is the same wherever a page is read. */
+/** What does not depend on the page. */
 export interface Mirror {
   account: Account;
   store: MailStore;
   names: Names;
-  /** The path of the sent mail. */
+  /** The path of the folder with sent mail. */
   sent: string | undefined;
-  /** When the account was first connected, in milliseconds: what arrived before is history wherever it turns up. */
+  /** When the account was first connected, in milliseconds: mail that arrived earlier is history, whatever its
+   *  folder. */
   since: number;
-  /** How often a page went wrong: what was read, and how many UIDs further that page ended. */
+  /** How often a page failed: what was being read, and how many UIDs from the start the page ended. */
   troubles: Map<string, { end: number; count: number }>;
 }
 
-/** The folder that `client` has open, begun anew where it is a stranger or its UIDs are. */
+/** The folder that `client` has open; starts over if the folder is new or its UIDs were renumbered. */
 export function openedFolder(client: ImapFlow, { store }: Mirror, known?: Folder): Folder {
   if (!client.mailbox) throw new Error("no folder is open");
   const { path, uidValidity, uidNext } = client.mailbox;
@@ -38,7 +39,7 @@ export function openedFolder(client: ImapFlow, { store }: Mirror, known?: Folder
   return store.beginFolder(path, validity, Math.max(uidNext - 1, 0), liveAfter);
 }
 
-/** Tells what came after the folder's top, in the order of arrival. */
+/** Reports mail above the folder's top, in order of arrival. */
 export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<void> {
   if (!client.mailbox) return;
   const last = client.mailbox.uidNext - 1;
@@ -58,7 +59,7 @@ export async function tellNew(client: ImapFlow, mirror: Mirror, folder: Folder):
   whenStored(() => mirror.store.keepSynced(folder, now));
 }
 
-/** Tells the page below the folder's bottom, newest first; when the oldest of its mails arrived, in milliseconds. */
+/** Reports the page below the folder's bottom, newest first; returns when its oldest mail arrived, in milliseconds. */
 export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder): Promise<number> {
   let oldest = Infinity;
   const usual = folder.bottom > folder.top - firstPage ? firstPage : pageSize;
@@ -72,8 +73,8 @@ export async function tellOlder(client: ImapFlow, mirror: Mirror, folder: Folder
   return oldest;
 }
 
-/** Reads the page that begins so many UIDs on the way. Where the server's words for some of it broke the connection before,
- *  fewer mails at a time, until the one that does stands alone, which is then only said to be there. */
+/** Reads the page with this distance from the start. If the server's responses for part of it broke the connection
+ *  before, reads fewer mails at a time, until the offending one is alone; only its existence is reported. */
 async function readPage(
   client: ImapFlow,
   { troubles }: Mirror,

@@ -1,4 +1,4 @@
-// What people call themselves: the name in the newest mail.
+// People's display names: the name in the newest mail.
 
 import type { Person } from "./address.ts";
 import type { MailStore } from "./store.ts";
@@ -13,7 +13,7 @@ export class Names {
     this.#store = store;
   }
 
-  /** Whether the name is news: nothing newer names the person. */
+  /** True if the name is new, and no newer mail has one. */
   note({ address, name }: Person, at: number): boolean {
     const known = this.#entry(address);
     if (known.at > at) return false;
@@ -26,7 +26,7 @@ export class Names {
     return this.#entry(address).name;
   }
 
-  /** How a chat of these people is called; nothing where the one person has no name. */
+  /** The title of a chat with these people; undefined for a single person without a name. */
   titleOf(people: Person[]): string | undefined {
     if (people.length === 1) return this.nameOf(people[0].address) || undefined;
     const names = people.slice(0, 4).map(({ address }) => this.nameOf(address) || address);

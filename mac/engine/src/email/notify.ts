@@ -1,17 +1,17 @@
-// Has the server say by itself in which folder something is new (RFC 5465), where it offers that.
+// Asks the server to announce which folder has new mail (RFC 5465), if it supports that.
 
 import type { ImapFlow } from "imapflow";
 import { encodePath } from "imapflow/lib/tools.js";
 import { log } from "../lib/wire.ts";
 import { wordsOfServer } from "./client.ts";
 
-/** What the library has and does not declare. */
+/** Members that the library has but does not declare. */
 interface Inside {
   exec(command: string, attributes: unknown[]): Promise<{ next(): void }>;
   untaggedHandlers: Record<string, (line: { attributes?: { value?: unknown }[] }) => Promise<void>>;
 }
 
-/** `client` has the inbox open and goes on hearing of it. `stirred` is called with the path of another folder. */
+/** `client` has the inbox open and keeps receiving its news. `stirred` is called with the path of another folder. */
 export async function notify(client: ImapFlow, paths: string[], stirred: (path: string) => void): Promise<void> {
   const folders = new Map(paths.filter((path) => path !== "INBOX").map((path) => [encodePath(client, path), path]));
   if (!client.capabilities.has("NOTIFY") || folders.size === 0) return;

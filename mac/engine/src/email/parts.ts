@@ -1,10 +1,10 @@
-// Which parts of a mail are its text and which are files, told from its structure alone.
+// Determines which parts of a mail are text and which are files, from its structure alone.
 
 import type { MessageStructureObject } from "imapflow";
 import { mediaTypeOf, type MediaType } from "../lib/events.ts";
 
 export interface TextPart {
-  /** Its number for the server. */
+  /** Its part number on the server. */
   key: string;
   isHtml: boolean;
   charset: string;
@@ -23,11 +23,11 @@ export interface FilePart {
 
 export interface Parts {
   texts: TextPart[];
-  /** In the order of the mail: the number of a file is its place in here. */
+  /** In the order of the mail: a file's number is its position here. */
   files: FilePart[];
 }
 
-/** Text beyond so many parts, and files beyond so many, are left out. */
+/** Limits on text parts and files; further ones are dropped. */
 const mostTexts = 5;
 const mostFiles = 200;
 const deepest = 40;
@@ -51,7 +51,7 @@ function chosen(node: MessageStructureObject, depth: number): Chosen {
   return { texts, files };
 }
 
-/** Of several forms of one text: the plain one where there is anything in it, else the last, which is the richest. */
+/** Of alternative forms of a text: the plain one if it is not empty, otherwise the last, which is the richest. */
 function bestOf(forms: Chosen[]): MessageStructureObject[] {
   const written = forms.filter(({ texts }) => texts.length > 0).map(({ texts }) => texts);
   const isPlain = (texts: MessageStructureObject[]): boolean =>

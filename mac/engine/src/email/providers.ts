@@ -1,23 +1,23 @@
-// The providers that most mailboxes are at. Everything else is looked up.
+// The most common mail providers. All others are discovered.
 
 import type { Servers } from "./settings.ts";
 
 export interface Provider {
   /** The domains of its addresses. */
   domains: string[];
-  /** Ends of the names of the servers that take mail for other people's domains. */
+  /** Suffixes of the servers that receive mail for other domains. */
   exchangers?: string[];
   imap: string;
   smtp: string;
-  /** 465 where TLS comes first, 587 where it comes by STARTTLS. */
+  /** 465 for immediate TLS, 587 for STARTTLS. */
   smtpPort: 465 | 587;
   signIn: "password" | "app-password" | "token";
   hint?: string;
-  /** It keeps a copy of what is sent through it by itself. */
+  /** The provider itself keeps a copy of mail sent through it. */
   keepsSent?: boolean;
 }
 
-/** TLS from the first byte and a password, where nothing else is said. */
+/** Immediate TLS and a password, unless stated otherwise. */
 const provider = (domains: string, imap: string, smtp: string, more: Partial<Provider> = {}): Provider => ({
   domains: domains.split(" ").filter((domain) => domain !== ""),
   imap,
@@ -100,7 +100,7 @@ export function providerOfDomain(domain: string): Provider | undefined {
   return providers.find(({ domains }) => domains.includes(domain));
 }
 
-/** The provider whose servers take the domain's mail. */
+/** The provider whose servers receive the domain's mail. */
 export function providerOfExchanger(host: string): Provider | undefined {
   const name = `.${host.toLowerCase().replace(/\.$/, "")}`;
   return providers.find(({ exchangers = [] }) => exchangers.some((end) => name.endsWith(`.${end}`)));

@@ -1,4 +1,4 @@
-// Sends mails, and puts their copies among the sent mail.
+// Sends mails and stores copies in the sent folder.
 
 import { readFile, rm } from "node:fs/promises";
 import { extname, join } from "node:path";
@@ -23,7 +23,7 @@ import { submit } from "./submission.ts";
 import { bodyOf } from "./text.ts";
 
 const keepAlive = 20_000;
-/** How long a server that does not take mails just now is asked again. */
+/** How long to retry with a server that temporarily refuses mail. */
 const patience = 20_000;
 
 export class Sender {
@@ -66,7 +66,7 @@ export class Sender {
     return { messages, after };
   };
 
-  /** Puts the copies of what was accepted among the sent mail, now or when the mailbox is in reach again. */
+  /** Stores copies of accepted mail in the sent folder, now or when the mailbox is reachable again. */
   fileCopies(): void {
     this.#filing = this.#filing.then(() => this.#fileAll()).catch((error) => log(`The sent copy: ${wordsOf(error)}`));
   }
@@ -79,7 +79,7 @@ export class Sender {
     for (const mail of this.#mailbox.store.outgoing()) {
       const entry = this.#journal.find(mail.key);
       const isOurs = entry?.digest === mail.digest;
-      if (isOurs && entry.stage === "begun") continue; // a person may send it again
+      if (isOurs && entry.stage === "begun") continue; // the user may send it again
       if (isOurs && entry.stage === "sent" && !(await this.#file(mail))) return;
       if (!isOurs && Date.now() - mail.date < 24 * 3600_000) continue; // it is being sent, or will be
       this.#mailbox.store.forgetOutgoing(mail);
@@ -87,7 +87,7 @@ export class Sender {
     }
   }
 
-  /** Whether the copy is there now. */
+  /** Whether the copy is stored now. */
   async #file({ file, messageId, date }: Outgoing): Promise<boolean> {
     const { session } = this.#mailbox;
     if (!session) return false;
@@ -100,7 +100,7 @@ export class Sender {
     return true;
   }
 
-  /** The message and its files, which are copied: the outbox keeps them only until the message is sent. */
+  /** The message and copies of its files: the outbox keeps them only until the message is sent. */
   async #messages({ text, files }: Sending, { to, subject, messageId, date }: Written, chat: string): Promise<MessageEvent[]> {
     const from = normalAddress(this.#settings.address);
     const marks = { account: this.#place.account, direction: "OUT" as const, messageId, from, date, subject, size: 0 };

@@ -1,4 +1,4 @@
-// One stretch of being connected: a connection that hears of new mail at once, and one that does everything else.
+// A period of being connected: one connection that waits for new mail, and one for everything else.
 
 import type { ImapFlow, ImapFlowError } from "imapflow";
 import { log } from "../lib/wire.ts";
@@ -13,13 +13,13 @@ import { compareRead, readElsewhere } from "./unread.ts";
 const pollEvery = 120_000;
 
 export class Session {
-  /** For what a person asks for. */
+  /** For the user's requests. */
   readonly client: ImapFlow;
   readonly folders: MailFolders;
   readonly #listener: ImapFlow;
   readonly #mirror: Mirror;
   readonly #ended = new AbortController();
-  /** Folders of which the server said that something is new in them. */
+  /** Folders in which the server announced something new. */
   readonly #stirred = new Set<string>();
   readonly #stir = new Bell(this.#ended.signal);
 
@@ -48,7 +48,7 @@ export class Session {
     }
   }
 
-  /** Mirrors until the connection ends, which may be an error. */
+  /** Mirrors until the connection ends, possibly with an error. */
   async run(): Promise<void> {
     try {
       await Promise.all([this.#listen(), this.#work()]);
@@ -65,7 +65,7 @@ export class Session {
     this.client.close();
   }
 
-  /** Keeps the inbox open and tells what comes. */
+  /** Keeps the inbox open and reports new mail. */
   async #listen(): Promise<void> {
     const client = this.#listener;
     await client.mailboxOpen("INBOX");
@@ -89,10 +89,10 @@ export class Session {
     }
   }
 
-  /** Tells the history of all folders, newest first, and looks into them now and then. */
+  /** Reports the history of all folders, newest first, and checks them periodically. */
   async #work(): Promise<void> {
     const known = new Map<string, Folder>();
-    /** How far back each folder is told, in milliseconds. */
+    /** How far back each folder has been reported, in milliseconds. */
     const reached = new Map<string, number>();
     const tellPage = async (path: string): Promise<void> =>
       this.#inFolder(path, known, async (folder) => {
@@ -121,7 +121,7 @@ export class Session {
     }
   }
 
-  /** Reads what is new in a folder, where anything is. The inbox has its own connection for that. */
+  /** Reads new mail in a folder, if there is any. The inbox has its own connection for that. */
   async #look(path: string, known: Map<string, Folder>): Promise<void> {
     const folder = known.get(path);
     if (folder && path !== "INBOX") {
@@ -136,7 +136,7 @@ export class Session {
     });
   }
 
-  /** A folder that the server does not open is passed over. */
+  /** Skips a folder that the server does not open. */
   async #inFolder(path: string, known: Map<string, Folder>, work: (folder: Folder) => Promise<void>): Promise<void> {
     const lock = await this.client.getMailboxLock(path).catch(async (error: ImapFlowError) => {
       if (!this.client.usable) throw error;
@@ -154,7 +154,7 @@ export class Session {
   }
 }
 
-/** Rings that come while nobody listens are one. */
+/** A signal; those sent while nobody waits are merged into one. */
 class Bell {
   #isRung = false;
   #wake: (() => void) | undefined;
@@ -168,7 +168,7 @@ class Bell {
     this.#wake?.();
   }
 
-  /** Waits for a ring, or for so many milliseconds. */
+  /** Waits for the signal, at most this many milliseconds. */
   async rung(longest?: number): Promise<void> {
     let late: NodeJS.Timeout | undefined;
     await new Promise<void>((resolve) => {

@@ -1,4 +1,4 @@
-// Whose mail it is, with what it is signed in, and where its servers are.
+// The account's addresses, credentials and servers.
 
 import { output } from "../lib/child.ts";
 import { normalAddress } from "./address.ts";
@@ -6,7 +6,7 @@ import { normalAddress } from "./address.ts";
 export interface Server {
   host: string;
   port: number;
-  /** TLS from the first byte, or STARTTLS, without which nothing goes on. */
+  /** Immediate TLS, or STARTTLS, which is then required. */
   security: "tls" | "starttls";
 }
 
@@ -16,17 +16,17 @@ export interface Servers {
 }
 
 export interface Settings {
-  /** As the person wrote it. */
+  /** As the user typed it. */
   address: string;
   /** The name to sign in with. */
   user: string;
   secret: { password: string } | { tokenCommand: string[] };
   servers: Partial<Servers>;
-  /** Every address of the person's, in the form that is compared. */
+  /** All of the user's addresses, in the form used for comparison. */
   own: ReadonlySet<string>;
 }
 
-/** From EMAIL_USER and EMAIL_PASS. Throws in words for a person. */
+/** From EMAIL_USER and EMAIL_PASS. Throws an error that is written for users. */
 export function settingsFrom(environment: NodeJS.ProcessEnv): Settings {
   const address = (environment.EMAIL_USER ?? "").trim();
   if (!/^[^@\s]+@[^@\s]+$/.test(address)) throw new Error("The account has no e-mail address.");
@@ -50,7 +50,7 @@ function ownSet(addresses: string[]): Set<string> {
   return new Set(addresses.map(normalAddress));
 }
 
-/** Only an object that holds a password or a token command; any other text is a password, braces or not. */
+/** Only an object with a password or a token command; any other text is a password, even with braces. */
 function parsed(text: string): Record<string, unknown> | undefined {
   try {
     const value = JSON.parse(text) as Record<string, unknown> | null;
@@ -71,10 +71,10 @@ function serverFrom(value: unknown, name: string): Server {
   return { host: host.trim().toLowerCase(), port: Number(port), security };
 }
 
-/** The token command failed, so nothing is known about the sign-in itself. */
+/** The token command failed, so the credentials may still be valid. */
 export class NoToken extends Error {}
 
-/** What to sign in with, fetched anew each time. */
+/** The password or token, fetched for each sign-in. */
 export async function credentials({ secret, user }: Settings): Promise<{ user: string; pass?: string; accessToken?: string }> {
   if ("password" in secret) return { user, pass: secret.password };
   try {

@@ -1,4 +1,4 @@
-// What the mail engine remembers: how far each folder is told, where mails lie, and what an answer needs to know.
+// The mail engine's state: how far each folder was reported, where mails are, and what answers need.
 
 import type { DatabaseSync, StatementSync } from "node:sqlite";
 import { transaction, type Tables } from "../lib/state.ts";
@@ -19,7 +19,7 @@ CREATE TABLE IF NOT EXISTS outgoing(key TEXT NOT NULL, digest TEXT NOT NULL, fil
   retell: "DELETE FROM folder; DELETE FROM mail",
 };
 
-/** A mirrored folder. Every mail whose UID is from `bottom` to `top` is told. */
+/** A mirrored folder. All mail with UIDs from `bottom` to `top` has been reported. */
 export interface Folder {
   id: number;
   path: string;
@@ -27,9 +27,10 @@ export interface Folder {
   validity: string;
   bottom: number;
   top: number;
-  /** When every new mail of it was last known to be told, in milliseconds; 0 where it never was. */
+  /** When all its new mail was last known to be reported, in milliseconds; 0 if never. */
   synced: number;
-  /** What arrived later than this, in milliseconds, counts as new although it comes with the history; never where it is null. */
+  /** Mail that arrived after this, in milliseconds, counts as new although it is read with the history; null
+   *  disables that. */
   liveAfter: number | null;
   /** Its highest MODSEQ when its flags were last compared. */
   modseq: string;
@@ -42,7 +43,7 @@ export interface MailPlace {
   messageId: string;
 }
 
-/** What a mail told of its chat. */
+/** What a mail says about its chat. */
 export interface ChatMark {
   id: string;
   at: number;
@@ -52,7 +53,7 @@ export interface ChatMark {
   subject: string;
 }
 
-/** What one page of mails changes, once it is stored. */
+/** Changes by one page of mails, applied once the page is stored. */
 export interface Told {
   places: MailPlace[];
   people: { address: string; name: string; at: number }[];
@@ -60,7 +61,7 @@ export interface Told {
   unread: { id: string; chat: string; folder: number; uid: number }[];
 }
 
-/** A mail that was written to be sent, and lies in a file until its copy is among the sent mail. */
+/** An outgoing mail, kept in a file until its copy is in the sent folder. */
 export interface Outgoing {
   key: string;
   digest: string;
@@ -88,7 +89,7 @@ export class MailStore {
     return row && folderOf(row);
   }
 
-  /** Begins a folder anew: nothing of it is told. */
+  /** Starts a folder over: nothing of it has been reported. */
   beginFolder(path: string, validity: string, top: number, liveAfter: number | null): Folder {
     this.#run(
       `INSERT INTO folder(path, validity, bottom, top, live_after) VALUES(?,?,?,?,?)
@@ -99,7 +100,7 @@ ON CONFLICT(path) DO UPDATE SET validity=excluded.validity, bottom=excluded.bott
     return this.folder(path) as Folder;
   }
 
-  /** One page is stored: the folder's bounds move over it. */
+  /** A page is stored: extends the folder's bounds. */
   keep(told: Told, folder: Folder, bounds: { bottom?: number; top?: number }): void {
     transaction(this.#db, () => {
       for (const { id, folder: at, uid, messageId } of told.places) {

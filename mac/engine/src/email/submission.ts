@@ -1,4 +1,4 @@
-// Hands one written mail to the provider's sending server, over verified TLS only.
+// Submits a mail to the provider's SMTP server, always over verified TLS.
 
 import { createReadStream } from "node:fs";
 import { Readable } from "node:stream";
@@ -16,14 +16,14 @@ export interface Envelope {
 
 type SmtpError = SMTPConnection.SMTPError & { responseCode?: number };
 
-/** Signs in and no more. Throws in the server's words. */
+/** Only signs in. Throws the server's own message. */
 export async function trySubmission(settings: Settings, server: Server): Promise<void> {
   const connection = await signedIn(settings, server);
   connection.quit();
 }
 
-/** Sends the file to every recipient or to none. `begin` runs after the server asked for the mail and before any of it
- *  goes out. Throws `Limited` where the server asks to come back, and `Refused` where it says no. */
+/** Sends the file to every recipient or to none. `begin` runs after the server has asked for the mail and before any
+ *  of it is sent. Throws `Limited` if the server asks to retry later, and `Refused` if it refuses. */
 export async function submit(
   settings: Settings,
   server: Server,
@@ -82,7 +82,7 @@ async function signedIn(settings: Settings, { host, port, security }: Server): P
       connection.once("error", reject);
       connection.login({ user, credentials: { user, pass }, ...byToken }, (error) => (error ? reject(error) : resolve()));
     });
-    connection.on("error", () => {}); // whoever waits for an answer hears of it
+    connection.on("error", () => {}); // the waiting call gets the error
     return connection;
   } catch (error) {
     connection.close();
@@ -90,7 +90,7 @@ async function signedIn(settings: Settings, { host, port, security }: Server): P
   }
 }
 
-/** Recipients that the server has refused so far. The library would send to the others. */
+/** Recipients that the server has refused so far; the library would send to the others. */
 function rejections(connection: SMTPConnection): SmtpError[] {
   const { _envelope } = connection as unknown as { _envelope?: { rejectedErrors?: SmtpError[] } };
   return _envelope?.rejectedErrors ?? [];

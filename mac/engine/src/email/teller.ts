@@ -1,4 +1,4 @@
-// Tells Corvane what was read: each mail as a message, each of its files as one more.
+// Reports mails to Corvane: each mail as a message, followed by one message per file.
 
 import { emit } from "../lib/wire.ts";
 import type { MessageEvent } from "../lib/events.ts";
@@ -16,7 +16,7 @@ export interface Account {
   own: ReadonlySet<string>;
 }
 
-/** A mail of a page, as its header tells it. */
+/** A mail of a page, from its header. */
 export interface Mail {
   header: Header;
   id: string;
@@ -46,8 +46,8 @@ export function mailOf({ name, own }: Account, header: Header, isSentFolder: boo
 const day = 24 * 3600 * 1000;
 const firstMail = Date.UTC(1985, 0);
 
-/** When a mail stands in its chat: as its sender says, unless that is before there was mail, or in the future, where it
- *  would stay on top. */
+/** The time of a mail in its chat: the sender's, unless it is before e-mail existed, or in the future, where the
+ *  mail would stay on top. */
 function shownDate(written: number, arrived: number): number {
   const latest = arrived > 0 ? arrived + day : Date.now();
   return written > latest || written < firstMail ? arrived || Date.now() : written;
@@ -57,7 +57,7 @@ export function nothingTold(): Told {
   return { places: [], people: [], chats: [], unread: [] };
 }
 
-/** Prints one mail and notes in `told` what is to be remembered of it. */
+/** Prints one mail and adds what has to be remembered to `told`. */
 export async function tell(
   { mail, content: { body, files }, folder, isNew }: { mail: Mail; content: Content; folder: Folder; isNew: boolean },
   names: Names,

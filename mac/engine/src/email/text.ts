@@ -1,19 +1,19 @@
-// The text of a mail as a person reads it: decoded, tidied, its quoted tail marked.
+// The readable text of a mail: decoded, cleaned up, with its quoted tail marked.
 
 import { textFromHtml } from "./html.ts";
 import type { TextPart } from "./parts.ts";
 
-/** What is shown of a text at most, in characters. */
+/** The longest text to show, in characters. */
 const longestText = 200_000;
 
-/** The text of one part from the bytes that the server gave, perhaps cut off. */
+/** The text of a part from the server's bytes, which may be truncated. */
 export function textOfPart(part: TextPart, bytes: Buffer): string {
   const text = decoded(transferDecoded(bytes, part.encoding), part.charset);
   if (part.isHtml) return textFromHtml(text);
   return part.isFlowed ? unfolded(text) : text;
 }
 
-/** The parts as one body. */
+/** All parts as one body. */
 export function bodyOf(texts: string[]): string {
   const whole = texts.map(tidy).filter((text) => text !== "").join("\n\n");
   const body = markQuotedTail(whole);
@@ -32,7 +32,7 @@ function quotedPrintable(bytes: Buffer): Buffer {
   return Buffer.from(plain, "latin1");
 }
 
-/** In the charset that the mail names; where it is unknown or wrong, UTF-8 if it is that, else Western. */
+/** Decodes with the declared charset; if it is unknown or wrong, as UTF-8 if valid, else as Western. */
 function decoded(bytes: Buffer, charset: string): string {
   const label = charset.trim().toLowerCase().replace(/^["']|["']$/g, "");
   for (const name of [label, "utf-8"]) {
@@ -47,7 +47,7 @@ function decoded(bytes: Buffer, charset: string): string {
   return new TextDecoder("windows-1252").decode(bytes);
 }
 
-/** A text that was cut off may end inside a character. */
+/** A truncated text may end inside a character. */
 function withoutCutEnd(bytes: Buffer): Buffer {
   for (let back = 1; back <= Math.min(3, bytes.length); back++) {
     const byte = bytes[bytes.length - back];
@@ -58,7 +58,7 @@ function withoutCutEnd(bytes: Buffer): Buffer {
   return bytes;
 }
 
-/** Lines that end in a blank go on in the next one (format=flowed). */
+/** Lines that end with a space continue in the next one (format=flowed). */
 function unfolded(text: string): string {
   const lines: string[] = [];
   let goesOn = false;
@@ -89,8 +89,8 @@ const separator = new RegExp(
 const headerLine = /^\*?(from|von|de|da|van|fra|från|od|от)\s?\*?:\*?\s.*(@|<)/i;
 const nextHeader = /^\*?(sent|gesendet|date|datum|enviado|envoyé|inviato|data|fecha|to|an|para|à|a|aan)\s?\*?:\*?\s/i;
 
-/** Puts ">" before every line of the tail that repeats what the mail answers, so that it can be folded. A mail that is
- *  nothing else is left as it is. */
+/** Adds ">" to every line of the quoted tail, so that it can be folded. A mail that is only a quotation is not
+ *  changed. */
 export function markQuotedTail(text: string): string {
   const lines = text.split("\n");
   const start = quoteStart(lines);
@@ -115,7 +115,7 @@ function quoteStart(lines: string[]): number | undefined {
   return attributionStart(lines, start);
 }
 
-/** "On Monday, Ana wrote:" stands above the quotation, perhaps on two lines. */
+/** Matches "On Monday, Ana wrote:" above the quotation, perhaps on two lines. */
 function attributionStart(lines: string[], start: number): number {
   for (const count of [1, 2, 3]) {
     const first = start - count;

@@ -1,10 +1,10 @@
-// Which new mails are still unread, here and at the provider.
+// Keeps unread mails in sync, here and at the provider.
 
 import type { ImapFlow } from "imapflow";
 import { emit } from "../lib/wire.ts";
 import type { Folder, MailStore } from "./store.ts";
 
-/** Mails of the open folder that were read elsewhere, or are gone, count as unread no more. */
+/** Mails of the open folder that were read elsewhere or are gone no longer count as unread. */
 export async function compareRead(client: ImapFlow, store: MailStore, folder: Folder): Promise<void> {
   if (!client.mailbox) return;
   const modseq = String(client.mailbox.highestModseq ?? "");
@@ -34,7 +34,7 @@ async function forget(store: MailStore, mails: { id: string; chat: string }[]): 
   }
 }
 
-/** The person has seen the chat: so has the provider. */
+/** The user has seen the chat: marks it as read at the provider. */
 export async function markRead(client: ImapFlow, store: MailStore, chat: string): Promise<void> {
   const mails = store.unreadOf(chat);
   for (const id of new Set(mails.map(({ folder }) => folder))) {

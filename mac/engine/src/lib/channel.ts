@@ -1,4 +1,4 @@
-// What the engines of chat networks have in common: they wire a network's own parts to the commands.
+// The common part of the chat engines: connects a network's functions to the commands.
 
 import type { DatabaseSync } from "node:sqlite";
 import { peopleTables } from "./people.ts";
@@ -11,20 +11,20 @@ import { SignInRefused, stayConnected } from "./stay.ts";
 import { emit, log, textOf, type Command } from "./wire.ts";
 
 export interface Network {
-  /** What the files of one message may weigh together, in bytes; missing where it carries none. */
+  /** The total size of the files of one message, in bytes; missing if the network carries none. */
   maxBytes?: number;
   deliver: Deliver;
-  /** Connects, reports "open", and lasts until the connection ends. */
+  /** Connects, reports "open", and returns when the connection ends. */
   session(): Promise<void>;
   fetchFile(messageId: string, chatId: string, save: Save): Promise<FetchedFile>;
-  /** No emoji takes the reaction back. */
+  /** Without an emoji, removes the reaction. */
   react?(messageId: string, chatId: string, emoji: string): Promise<void>;
-  /** Looks for news now. */
+  /** Looks for new messages now. */
   sync?(): void;
   close?(): void;
 }
 
-/** Runs the engine of a network. `join` may throw `SignInRefused`, and so may a session. */
+/** Runs the engine of a network. `join` and sessions may throw `SignInRefused`. */
 export async function runChannel(tables: Tables, join: (place: Place, db: DatabaseSync) => Network): Promise<void> {
   await runEngine(async (place) => {
     const db = openState(place.stateDir, peopleTables, tables);
@@ -71,7 +71,7 @@ function handle(command: Command, network: Network, outbox: Outbox, mediaDir: st
   handlers[textOf(command, "cmd")]?.();
 }
 
-/** A credential from the environment. Throws where there is none. */
+/** A credential from the environment. Throws if it is missing. */
 export function credential(variable: string, name: string): string {
   const value = process.env[variable]?.trim();
   if (!value) throw new SignInRefused(`The account has no ${name}.`);

@@ -1,8 +1,8 @@
-// A program of the person's that an engine asks something. It keeps the engine's mark, so it ends with the engine.
+// Runs a user's program. It inherits the engine's mark in the environment, so it ends with the engine.
 
 import { execFile } from "node:child_process";
 
-/** What the program printed, trimmed. No shell reads the words, and no secret of ours is in its environment. */
+/** The program's output, trimmed. There is no shell, and none of our secrets are in its environment. */
 export async function output([program, ...words]: string[], limits: { timeout: number; without: string[] }): Promise<string> {
   const env = { ...process.env };
   for (const name of limits.without) delete env[name];

@@ -1,4 +1,4 @@
-// The lines that an engine prints, as docs/engine-protocol.md tells them.
+// The events that an engine prints, as described in docs/engine-protocol.md.
 
 export interface MessageEvent {
   type: "message";
@@ -17,7 +17,7 @@ export interface MessageEvent {
 
 export type MediaType = "image" | "audio" | "video" | "document" | "sticker";
 
-/** What a `send` command named: its draft, or else its own id; nothing where nobody waits for an answer. */
+/** What a `send` command is identified by: its draft, or its own id; undefined if no answer is expected. */
 export type SendName = { draftId: string } | { sendId: string };
 
 export type EngineEvent =
@@ -48,7 +48,7 @@ export function mediaTypeOf(contentType: string): MediaType {
 
 const groupMark = "@g.us";
 
-/** The chat's id where several people are in it. */
+/** The chat's id if it has several members. */
 export function groupId(providerId: string): string {
   return providerId + groupMark;
 }

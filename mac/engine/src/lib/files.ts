@@ -1,4 +1,4 @@
-// Files that belong to messages: how they are shown, fetched and kept.
+// Files of messages: how they are shown, fetched and stored.
 
 import { createReadStream } from "node:fs";
 import type { Readable } from "node:stream";
@@ -26,7 +26,7 @@ export function fileRows(message: MessageEvent, files: FileMark[]): MessageEvent
   }));
 }
 
-/** A message of a chat with its files as rows. Where it has no text, its first file stands in for it. */
+/** The rows of a message with files. Without text, the first file takes the place of the message. */
 export function rowsOf(message: MessageEvent, files: FileMark[]): MessageEvent[] {
   const rows = fileRows(message, files);
   if (message.body !== "" || rows.length === 0) return [message, ...rows];
@@ -34,13 +34,13 @@ export function rowsOf(message: MessageEvent, files: FileMark[]): MessageEvent[]
   return [{ ...message, body, mediaType }, ...others];
 }
 
-/** Which message's which file it is, counted from 0. */
+/** The message and the index of the file, counted from 0. */
 export function fileOf(providerMsgId: string): { message: string; index: number } {
   const [message, number = "1"] = providerMsgId.split("/");
   return { message, index: Number(number) - 1 };
 }
 
-/** Puts copies of what was sent beside its rows: the outbox keeps the files only until they are sent. */
+/** Stores copies of sent files for their rows: the outbox keeps the originals only until they are sent. */
 export async function keepSent(mediaDir: string, rows: MessageEvent[], files: OutgoingFile[]): Promise<void> {
   for (const [index, row] of rows.filter(({ mediaType }) => mediaType).entries()) {
     const { path, name } = files[index];
@@ -48,7 +48,7 @@ export async function keepSent(mediaDir: string, rows: MessageEvent[], files: Ou
   }
 }
 
-/** Writes the file under a safe name; its path. */
+/** Writes the file under a safe name and returns its path. */
 export type Save = (name: string, content: Readable) => Promise<string>;
 
 export interface FetchedFile {
@@ -56,7 +56,7 @@ export interface FetchedFile {
   mediaType: MediaType;
 }
 
-/** Fetches a file that a person asks for, and reports how that goes. */
+/** Fetches a file on request and reports the progress. */
 export async function reportDownload(mediaDir: string, id: string, fetchFile: (save: Save) => Promise<FetchedFile>): Promise<void> {
   await emit({ type: "media", providerMsgId: id, state: "requested" });
   try {
@@ -73,7 +73,7 @@ const kinds: [RegExp, MediaType][] = [
   [/\.(mp4|m4v|mov|webm|mkv|avi)$/i, "video"],
 ];
 
-/** What a file is by its name. */
+/** The kind of a file, by its name. */
 export function mediaTypeOfName(name: string): MediaType {
   return kinds.find(([ending]) => ending.test(name))?.[1] ?? "document";
 }

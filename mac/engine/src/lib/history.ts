@@ -1,4 +1,4 @@
-// The past of chats: what came while nobody listened, and what was there before.
+// The history of chats: messages missed while not listening, and older ones.
 
 import type { DatabaseSync } from "node:sqlite";
 import { Limited, withinLimits } from "./limits.ts";
@@ -7,7 +7,7 @@ import { stopping } from "./run.ts";
 import type { Tables } from "./state.ts";
 import { log, untilStored, whenStored } from "./wire.ts";
 
-/** `wanted` of a chat that is known and of which nothing is told. */
+/** The value of `wanted` for a known chat of which nothing was reported. */
 const untold = -1;
 
 export const chatTables: Tables = {
@@ -16,22 +16,22 @@ export const chatTables: Tables = {
   retell: `UPDATE chat SET wanted=${untold}`, // a direct chat may not be found again
 };
 
-/** How much of a chat's past is told, in messages. */
+/** How many messages of a chat's history are reported. */
 const depth = 1000;
 
 export interface Source<M> {
-  /** Later messages of a chat have greater ids: longer ones, or of the same length and later in the alphabet. */
+  /** Later messages of a chat have greater ids: longer ones, or later ones in the alphabet. */
   idOf(message: M): string;
-  /** A page of messages before that one, or the newest, the newest first; an empty one at the end. */
+  /** A page of messages before that one, or the newest, in descending order; empty at the end. */
   page(chat: string, before: string | undefined): Promise<M[]>;
   tell(chat: string, message: M, isHistorical: boolean): Promise<void>;
 }
 
 interface Span {
-  /** All between these two ids is told. */
+  /** All messages between these two ids were reported. */
   newest: string;
   oldest: string;
-  /** How many messages before `oldest` are still to be told. */
+  /** How many messages before `oldest` are still to be reported. */
   wanted: number;
 }
 
@@ -40,7 +40,7 @@ export class History<M> {
   readonly #source: Source<M>;
   readonly #known = new Set<string>();
   readonly #spans = new Map<string, Span>();
-  /** Chats whose every message is heard of as it comes. */
+  /** Chats whose new messages are all received live. */
   readonly #current = new Set<string>();
   #catching = "";
   #ended = stopping;
@@ -56,12 +56,12 @@ export class History<M> {
     }
   }
 
-  /** Every chat that was told before. */
+  /** Every chat that has been reported. */
   known(): string[] {
     return [...this.#known];
   }
 
-  /** A message that just came. */
+  /** A new message. */
   async live(chat: string, message: M): Promise<void> {
     const id = this.#source.idOf(message);
     await this.#source.tell(chat, message, false);
@@ -75,7 +75,7 @@ export class History<M> {
     }
   }
 
-  /** Listening began anew: tells what was missed in these chats, then their past, until `ended`. */
+  /** A new session started: reports what was missed in these chats, then their history, until `ended`. */
   tellAll(chats: string[], ended: AbortSignal): Promise<void> {
     const before = this.#telling;
     this.#telling = before.catch(() => {}).then(() => this.#tellAll(chats, ended));
@@ -143,7 +143,7 @@ export class History<M> {
     return withinLimits(() => this.#source.page(chat, before), { budget: Infinity, signal: this.#ended });
   }
 
-  /** A chat that cannot be read stays as it is; all else ends the session. */
+  /** A chat that cannot be read is skipped; any other error ends the session. */
   async #unlessRefused(chat: string, work: () => Promise<void>): Promise<void> {
     try {
       await work();

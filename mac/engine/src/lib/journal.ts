@@ -1,4 +1,4 @@
-// Which messages were handed to the provider, and what it said: a crash in between sends nothing twice.
+// Records which messages were handed to the provider, and its answers, so that a crash in between sends nothing twice.
 
 import type { DatabaseSync } from "node:sqlite";
 import type { MessageEvent } from "./events.ts";
@@ -7,21 +7,21 @@ export const journalTable = `CREATE TABLE IF NOT EXISTS sending(
   key TEXT PRIMARY KEY, digest TEXT NOT NULL, stage TEXT NOT NULL, told INTEGER NOT NULL DEFAULT 0,
   messages TEXT NOT NULL DEFAULT '[]', at INTEGER NOT NULL) WITHOUT ROWID;`;
 
-/** "begun": handed over, and no answer is known. */
+/** "begun": handed over, no answer known. */
 export interface SendEntry {
   key: string;
-  /** Of what was sent: another text under the same key is another message. */
+  /** Identifies the content: another text with the same key is another message. */
   digest: string;
   stage: "begun" | "sent";
-  /** Whether Corvane has stored how it ended. */
+  /** Whether Corvane has stored the outcome. */
   told: boolean;
-  /** What to show of it, the message itself first. */
+  /** The rows to show, starting with the message itself. */
   messages: MessageEvent[];
 }
 
 const keptFor = 30 * 24 * 3600 * 1000;
 
-/** Every change is on the disk when its call returns. */
+/** Every change is on disk when its call returns. */
 export class SendJournal {
   readonly #db: DatabaseSync;
 
@@ -56,7 +56,7 @@ export class SendJournal {
     this.#db.prepare("UPDATE sending SET told=1 WHERE key=?").run(key);
   }
 
-  /** It did not go out. */
+  /** It was not sent. */
   forget(key: string): void {
     this.#db.prepare("DELETE FROM sending WHERE key=?").run(key);
   }

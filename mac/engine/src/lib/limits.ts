@@ -1,11 +1,11 @@
-// Pauses: the ones that a provider asks for, and the ones between attempts.
+// Pauses requested by a provider, and pauses between attempts.
 
 import { setTimeout as sleep } from "node:timers/promises";
 
-/** The longest that a message waits for its provider, all pauses together. */
+/** The longest time that a message waits for its provider, all pauses together. */
 export const longestPause = 110_000;
 
-/** The provider asks to wait. */
+/** The provider demands a pause. */
 export class Limited extends Error {
   readonly pause: number;
 
@@ -16,8 +16,8 @@ export class Limited extends Error {
   }
 }
 
-/** Repeats `attempt` after each pause that it asks for by `Limited`. Throws where they come to more than `budget`;
- *  the error says how long to wait. */
+/** Repeats `attempt` after each pause demanded by `Limited`. Throws if they add up to more than `budget`; the error
+ *  says how long to wait. */
 export async function withinLimits<T>(
   attempt: () => Promise<T>,
   { budget = longestPause, signal, progress = () => {} }: { budget?: number; signal: AbortSignal; progress?: () => void },
@@ -40,7 +40,7 @@ function inWords(pause: number): string {
   return seconds <= 120 ? `${seconds} seconds` : `${Math.ceil(seconds / 60)} minutes`;
 }
 
-/** Growing pauses between attempts to connect, with a little chance in them so that accounts do not march in step. */
+/** Growing pauses between attempts to connect, with some jitter so that accounts do not retry in lockstep. */
 export class Backoff {
   readonly #longest: number;
   #tries = 0;

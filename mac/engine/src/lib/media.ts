@@ -1,4 +1,4 @@
-// Files that came with messages, in the folder that Corvane reads them from.
+// Files received with messages, stored in the folder that Corvane reads them from.
 
 import { createHash } from "node:crypto";
 import { createWriteStream, mkdirSync } from "node:fs";
@@ -9,8 +9,8 @@ import { pipeline } from "node:stream/promises";
 
 const longestName = 150;
 
-/** Writes a file of the message `id` under the sender's name for it, as far as a file can have it; the path. Nobody sees
- *  half of it. */
+/** Stores a file of message `id` under the sender's name for it, made safe, and returns its path. Partial files are
+ *  never visible. */
 export async function writeMedia(folder: string, id: string, name: string, content: Readable): Promise<string> {
   const place = join(folder, createHash("sha256").update(id).digest("hex").slice(0, 24));
   mkdirSync(place, { recursive: true, mode: 0o700 });
@@ -26,7 +26,7 @@ export async function writeMedia(folder: string, id: string, name: string, conte
   }
 }
 
-/** A name that is one plain, visible component of a path in every file system, with its extension kept. */
+/** Turns a name into a single, visible path component that is valid on every file system, keeping the extension. */
 export function safeName(name: string): string {
   const plain = name
     .toWellFormed()

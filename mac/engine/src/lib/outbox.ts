@@ -1,4 +1,4 @@
-// Sends what Corvane says, one message after the other and each of them once.
+// Sends Corvane's messages one after the other, each of them once.
 
 import { createHash, randomUUID } from "node:crypto";
 import { emit, log, textOf, whenStored, type Command } from "./wire.ts";
@@ -12,31 +12,31 @@ export interface OutgoingFile {
 }
 
 export interface Sending {
-  /** Unique among what is sent. */
+  /** Unique among outgoing messages. */
   key: string;
-  /** Of what is sent: the same key and digest are the same message again. */
+  /** Of the content: the same key and digest mean the same message. */
   digest: string;
   chatId: string;
   text: string;
   subject: string;
   files: OutgoingFile[];
-  /** Call it while something moves: it keeps Corvane from giving up. */
+  /** To be called while there is progress, so that Corvane does not time out. */
   progress(): void;
 }
 
-/** The provider said no, in these words: the message did not go out, also after `begin`. */
+/** The provider refused the message, with this reason: it was not sent, even after `begin`. */
 export class Refused extends Error {}
 
 export interface Delivered {
-  /** What to show of it, the message itself first. */
+  /** The rows to show, starting with the message itself. */
   messages: MessageEvent[];
-  /** What is left to do, once the journal has the answer. */
+  /** Work to do after the answer is in the journal. */
   after?: () => void;
 }
 
-/** Hands one message to the provider: calls `begin` right before the step that cannot be taken back. Whatever it throws
- *  before `begin`, and `Refused` after it, fails the draft; any other end after `begin` leaves it uncertain. It must end
- *  by itself, also where nobody answers. */
+/** Hands one message to the provider and calls `begin` right before the step that cannot be undone. An error before
+ *  `begin`, or `Refused` after it, fails the draft; any other error after `begin` leaves it uncertain. It must end
+ *  by itself, even without an answer. */
 export type Deliver = (sending: Sending, begin: () => void) => Promise<Delivered>;
 
 interface Waiting extends Sending {
@@ -59,12 +59,12 @@ export class Outbox {
     setInterval(() => this.#queue.slice(1).forEach((waiting) => waiting.progress()), queueProgressEvery).unref();
   }
 
-  /** Tells again how earlier runs ended, where Corvane may not have heard it. Before the first command. */
+  /** Repeats the outcomes of earlier runs that Corvane may not have received. To be called before the first command. */
   async resume(): Promise<void> {
     for (const entry of this.#journal.untold()) await this.#tell(entry, nameIn(entry.key));
   }
 
-  /** Takes a `send` command. */
+  /** Handles a `send` command. */
   send(command: Command): void {
     const waiting = waitingFrom(command);
     if (this.#queue.some(({ key, digest }) => key === waiting.key && digest === waiting.digest)) return;
@@ -72,7 +72,7 @@ export class Outbox {
     this.#working ??= this.#work().finally(() => (this.#working = undefined));
   }
 
-  /** Resolves once nothing is under way. */
+  /** Resolves when nothing is being sent. */
   async idle(): Promise<void> {
     await this.#working;
   }

@@ -1,4 +1,4 @@
-// Names and pictures of chats, told where they are new or have changed.
+// Names and pictures of chats, reported when they are new or changed.
 
 import type { DatabaseSync } from "node:sqlite";
 import type { Readable } from "node:stream";
@@ -15,7 +15,7 @@ export const peopleTables: Tables = {
 };
 
 export interface Picture {
-  /** Another picture has another mark. */
+  /** Changes with the picture. */
   mark: string;
   open(): Promise<Readable>;
 }
@@ -36,7 +36,7 @@ export class People {
     this.#mediaDir = mediaDir;
   }
 
-  /** Tells about a chat once in the life of the process: `look` asks the provider. What fails is logged. */
+  /** Reports a chat once per process: `look` asks the provider. Errors are logged. */
   async meet(jid: string, look: () => Promise<Person>): Promise<void> {
     if (this.#met.has(jid)) return;
     this.#met.add(jid);

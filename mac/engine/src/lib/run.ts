@@ -1,8 +1,8 @@
-// The life of an engine's process: from its environment to an orderly end.
+// The lifetime of an engine's process, from its environment to an orderly exit.
 
 import { closeOutput, emit, log, readCommands, type Command } from "./wire.ts";
 
-/** What Corvane said about the account. Both folders are absolute paths. */
+/** The account's settings from Corvane. Both folders are absolute paths. */
 export interface Place {
   account: string;
   mediaDir: string;
@@ -10,18 +10,18 @@ export interface Place {
 }
 
 export interface Engine {
-  /** Takes one command; it must not throw. */
+  /** Handles one command; it must not throw. */
   handle(command: Command): void;
-  /** Ends what is under way: at most four seconds are left for it. */
+  /** Ends work in progress within four seconds. */
   close(): Promise<void>;
 }
 
 const leaving = new AbortController();
 
-/** Aborted once the process is to end. */
+/** Aborted when the process is about to end. */
 export const stopping: AbortSignal = leaving.signal;
 
-/** Whatever fails beyond this is told as the account's last log line, since nobody reads standard error. */
+/** Reports an unhandled error as the account's last log line, because standard error is discarded. */
 export async function runEngine(start: (place: Place) => Promise<Engine>): Promise<void> {
   process.umask(0o077);
   process.stdout.on("error", () => process.exit(0));
@@ -40,7 +40,7 @@ export async function runEngine(start: (place: Place) => Promise<Engine>): Promi
   }
 }
 
-/** The account cannot be used before a person has acted: says why, and ends. */
+/** The account cannot be used until the user acts: reports why, and exits. */
 export async function signOut(reason: string): Promise<void> {
   await log(reason);
   await emit({ type: "status", state: "logged_out" });

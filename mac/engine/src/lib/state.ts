@@ -1,20 +1,21 @@
-// What an engine remembers from one start to the next: one SQLite file in the account's state folder.
+// Persistent state of an engine: one SQLite file in the account's state folder.
 
 import { chmodSync, existsSync, mkdirSync, renameSync, rmSync } from "node:fs";
 import { join } from "node:path";
 import { DatabaseSync } from "node:sqlite";
 import { log } from "./wire.ts";
 
-/** What one part of an engine remembers. */
+/** The state of one part of an engine. */
 export interface Tables {
   /** CREATE TABLE IF NOT EXISTS ... */
   create: string;
-  /** Forgets how far things were told, but not what was sent. */
+  /** Forgets how far things were reported, but not what was sent. */
   retell: string;
 }
 
-/** Opens the state with these tables. A commit is on the disk when it returns. Throws where another engine of the account
- *  has it; a damaged file is set aside and begun anew. Where Corvane asks for everything anew, all of it is still to tell. */
+/** Opens the state with these tables. A commit is on disk when it returns. Throws if another engine of the account
+ *  has it open; a damaged file is set aside and replaced. If Corvane asked for everything again, resets what was
+ *  reported. */
 export function openState(folder: string, ...parts: Tables[]): DatabaseSync {
   mkdirSync(folder, { recursive: true, mode: 0o700 });
   chmodSync(folder, 0o700);
@@ -60,14 +61,14 @@ function isDamage(error: unknown): boolean {
   return code === corrupt || code === notDatabase;
 }
 
-/** All of it or nothing. */
+/** All or nothing. */
 export function transaction(db: DatabaseSync, work: () => void): void {
   db.exec("BEGIN IMMEDIATE");
   try {
     work();
     db.exec("COMMIT");
   } catch (error) {
-    if (db.isTransaction) db.exec("ROLLBACK"); // SQLite itself may have taken it back
+    if (db.isTransaction) db.exec("ROLLBACK"); // SQLite itself may have rolled it back
     throw error;
   }
 }

@@ -1,4 +1,4 @@
-// Stays connected: one session after the other, with growing pauses between them.
+// Stays connected: runs one session after the other, with growing pauses between them.
 
 import { setTimeout as sleep } from "node:timers/promises";
 import { Backoff, Limited } from "./limits.ts";
@@ -6,14 +6,14 @@ import { Refused } from "./outbox.ts";
 import { signOut, stopping, wordsOf } from "./run.ts";
 import { emit, log } from "./wire.ts";
 
-/** The provider refused the sign-in, in its own words: trying again would only lock the account. */
+/** The provider refused the credentials, with this message: retrying would only lock the account. */
 export class SignInRefused extends Refused {}
 
-/** A session that lasted so long, in milliseconds, was a good one: the pauses begin anew. */
+/** After a session of this length, in milliseconds, the pauses start over. */
 const goodSession = 30_000;
 
-/** Runs sessions until the process ends. A session connects, reports "open" itself, and lasts until its connection ends,
- *  which may be an error: `Limited` says how long to wait, `SignInRefused` ends the engine. */
+/** Runs sessions until the process ends. A session connects, reports "open" itself, and lasts until its connection
+ *  ends, possibly with an error: `Limited` says how long to wait, `SignInRefused` ends the engine. */
 export async function stayConnected(session: () => Promise<void>): Promise<void> {
   const backoff = new Backoff();
   while (!stopping.aborted) {

@@ -1,4 +1,4 @@
-// Names and subjects as a line of the window can show them.
+// Makes names and subjects fit to be shown in one line.
 
 /** One line without control characters. */
 export function oneLine(text: string, longest: number): string {

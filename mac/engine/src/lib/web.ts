@@ -1,4 +1,4 @@
-// Requests to a provider over HTTPS.
+// HTTPS requests to a provider.
 
 import { Readable } from "node:stream";
 import type { ReadableStream } from "node:stream/web";
@@ -6,7 +6,7 @@ import { Limited, withinLimits } from "./limits.ts";
 import { Refused, type Sending } from "./outbox.ts";
 import { stopping, wordsOf } from "./run.ts";
 
-/** The address of a provider's interface. Tests point `variable` to a stand-in on this machine, and nowhere else. */
+/** The address of a provider's API. Tests point `variable` to a stand-in on this machine; other hosts are refused. */
 export function baseAddress(variable: string, standard: string): string {
   const other = process.env[variable];
   if (!other) return standard;
@@ -16,7 +16,7 @@ export function baseAddress(variable: string, standard: string): string {
 
 const keepAlive = 20_000;
 
-/** Hands a message over by one request, which throws `Refused` or `Limited` where it certainly did not go out. */
+/** Sends a message with one request. It throws `Refused` or `Limited` if the message was certainly not sent. */
 export async function post<T>(sending: Sending, begin: () => void, request: () => Promise<T>): Promise<T> {
   begin();
   let isPaused = false;
@@ -41,7 +41,7 @@ export async function post<T>(sending: Sending, begin: () => void, request: () =
 
 const neverConnected = /ENOTFOUND|EAI_AGAIN|ECONNREFUSED|ENETUNREACH|EHOSTUNREACH|UND_ERR_CONNECT_TIMEOUT|CERT|SELF_SIGNED|UNABLE_TO/;
 
-/** What a request that got no answer means: `Refused` where no connection came about. */
+/** The meaning of a request without an answer: `Refused` if no connection was made. */
 export function networkError(error: unknown, provider: string): Error {
   const codes = codesOf(error);
   if (neverConnected.test(codes)) return new Refused(`${provider} cannot be reached; is there a network?`, { cause: error });
@@ -53,8 +53,8 @@ function codesOf(error: unknown): string {
   return [code, cause ? codesOf(cause) : "", inner ? codesOf(inner) : ""].join(" ");
 }
 
-/** Opens a file of the provider's. `headers` go to that address alone, not to where it may lead. Throws where the file is
- *  not there. */
+/** Opens a file at the provider. `headers` are sent only to that address, not to redirects. Throws if the file does
+ *  not exist. */
 export async function openFile(address: string, provider: string, headers: Record<string, string> = {}): Promise<Readable> {
   const response = await fetch(address, { headers, redirect: "manual", signal: stopping }).catch((error: unknown) => {
     throw networkError(error, provider);

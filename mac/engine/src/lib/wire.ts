@@ -1,4 +1,4 @@
-// The two byte streams of an engine: event lines out, command lines in.
+// The two streams of an engine: events out, commands in.
 
 import { once } from "node:events";
 import { createInterface } from "node:readline";
@@ -13,7 +13,7 @@ let stored = 0;
 let isClosed = false;
 const waiting: { number: number; run: () => void }[] = [];
 
-/** Prints one event; await it, so that what the pipe does not take is never more than a line. */
+/** Prints one event. Await it, so that at most one line is buffered beyond the pipe. */
 export async function emit(event: EngineEvent): Promise<void> {
   if (isClosed) return;
   printed += 1;
@@ -21,36 +21,36 @@ export async function emit(event: EngineEvent): Promise<void> {
   await drained();
 }
 
-/** Resolves once the pipe has taken what was printed. */
+/** Resolves when the pipe has taken all output. */
 export async function drained(): Promise<void> {
   if (process.stdout.writableNeedDrain) await once(process.stdout, "drain");
 }
 
-/** Prints a line that nobody acknowledges. */
+/** Prints a line without a number, which is not acknowledged. */
 export function print(event: object): void {
   process.stdout.write(sentinel + JSON.stringify(event) + "\n");
 }
 
-/** Runs once everything that was printed so far is on Corvane's disk; in the order of the calls. */
+/** Calls `run` when everything printed so far is on Corvane's disk; in the order of the calls. */
 export function whenStored(run: () => void): void {
   if (stored >= printed) run();
   else waiting.push({ number: printed, run });
 }
 
-/** Resolves once everything that was printed so far is on Corvane's disk. */
+/** Resolves when everything printed so far is on Corvane's disk. */
 export const untilStored = (): Promise<void> => new Promise((resolve) => whenStored(resolve));
 
 export const log = (msg: string): Promise<void> => emit({ type: "log", msg });
 
-/** Lets out what was printed, and prints nothing more. */
+/** Flushes the output, and prints nothing more. */
 export async function closeOutput(): Promise<void> {
   if (isClosed) return;
   isClosed = true;
   await new Promise((resolve) => process.stdout.write("", resolve));
 }
 
-/** Hands over every command but acknowledgments, which run what waited for them; what is no JSON object is passed over.
- *  Resolves at the end of the input. */
+/** Passes on every command except acknowledgments, which run what waited for them. Lines that are not JSON objects
+ *  are skipped. Resolves at the end of the input. */
 export async function readCommands(handle: (command: Command) => void): Promise<void> {
   for await (const line of createInterface({ input: process.stdin, crlfDelay: Infinity })) {
     const command = parsed(line);

@@ -1,4 +1,4 @@
-// Calls to Slack's Web interface.
+// Calls to Slack's Web API.
 
 import { openAsBlob } from "node:fs";
 import { LogLevel, WebAPIHTTPError, WebAPIPlatformError, WebAPIRateLimitedError, WebAPIRequestError, WebClient } from "@slack/web-api";
@@ -11,7 +11,7 @@ import { baseAddress, networkError, openFile } from "../lib/web.ts";
 const longestRequest = 60_000;
 const longestUpload = 300_000;
 
-/** Where Slack is, and how it is asked: once, since whoever asks decides what a failure means. */
+/** Slack's address and client. The library does not retry, since the caller decides what a failure means. */
 export function clientOptions() {
   const slackApiUrl = `${baseAddress("CORVANE_SLACK_API", "https://slack.com")}/api/`;
   return { slackApiUrl, logLevel: LogLevel.ERROR, retryConfig: { retries: 0 }, rejectRateLimitedCalls: true, timeout: longestRequest };
@@ -34,7 +34,7 @@ export class Slack {
     }
   }
 
-  /** Every page of a list. */
+  /** All pages of a list. */
   async *pages<T>(method: string, words: Record<string, unknown>): AsyncGenerator<T> {
     type Page = T & { response_metadata?: { next_cursor?: string } };
     for (let cursor: string | undefined = ""; cursor !== undefined; ) {
@@ -44,7 +44,7 @@ export class Slack {
     }
   }
 
-  /** The token goes to Slack's own hosts alone: a file may lie elsewhere. */
+  /** The token is sent only to Slack's own hosts: a file may be elsewhere. */
   openFile(address: string): Promise<Readable> {
     return openFile(address, "Slack", isSlacks(address) ? { authorization: `Bearer ${this.#token}` } : {});
   }
@@ -74,7 +74,7 @@ const explained: Record<string, string> = {
   msg_too_long: "This text is too long for Slack.",
 };
 
-/** What a failure of the library's means. `token` is what the call was signed with. */
+/** The meaning of an error of the library. `token` is what the call was signed with. */
 export function judged(error: unknown, token: string): Error {
   if (error instanceof WebAPIRateLimitedError) return new Limited(error.retryAfter * 1000, "Slack asks for fewer messages.");
   if (error instanceof WebAPIRequestError) return networkError(error.original, "Slack");

@@ -1,4 +1,4 @@
-// Who writes where in Slack: names of members and channels, asked for once.
+// Channels and names in Slack; each member and channel is queried once.
 
 import { groupId } from "../lib/events.ts";
 import type { Person } from "../lib/people.ts";
@@ -33,7 +33,7 @@ export class Chats {
     this.#slack = slack;
   }
 
-  /** Every chat that the app is in. */
+  /** All chats that the app is in. */
   async list(): Promise<string[]> {
     const ids: string[] = [];
     for await (const { channels } of this.#slack.pages<{ channels: Channel[] }>("users.conversations", { types: kinds, limit: 200 })) {
@@ -50,7 +50,7 @@ export class Chats {
     return name && `#${name}`;
   }
 
-  /** A member's name, or the id where it may not be known. */
+  /** A member's name, or the id if the name is not accessible. */
   async name(user: string): Promise<string> {
     return nameOf(await this.#member(user)) ?? user;
   }

@@ -1,4 +1,4 @@
-// Listens to Slack's socket, tells what was missed, and offers what the app can do.
+// Listens to Slack's socket, reports what was missed, and offers the app's functions.
 
 import type { DatabaseSync } from "node:sqlite";
 import { SocketModeClient } from "@slack/socket-mode";
@@ -17,11 +17,11 @@ import { mostFileBytes, slackDeliver } from "./sending.ts";
 import { fileMark, filesOf, messageId, placeOf, rowsFrom, type Self, type SlackMessage } from "./teller.ts";
 import { emojiOf } from "./text.ts";
 
-/** An event of the socket, as far as it is used. */
+/** The used part of a socket event. */
 interface SlackEvent extends SlackMessage {
   type: string;
   channel?: string;
-  /** Of a changed message. */
+  /** For a changed message. */
   message?: SlackMessage;
   reaction?: string;
   item?: { type: string; channel: string; ts: string };
@@ -92,7 +92,7 @@ export function joinSlack(place: Place, db: DatabaseSync): Network {
         await Promise.race([disconnected, told.then(() => disconnected)]);
       } finally {
         ended.abort();
-        socket.disconnect().catch(() => {}); // which may be waiting for an end that was already
+        socket.disconnect().catch(() => {}); // it may be waiting for an end that has already come
         await told.catch(() => {});
         await heard;
       }
@@ -109,7 +109,7 @@ async function tellHistory(history: History<SlackMessage>, chats: Chats, ended: 
   await history.tellAll([...listed, ...history.known()], ended);
 }
 
-/** A message that was told before, also one of a thread. */
+/** A message that was reported before, possibly in a thread. */
 async function messageAt(slack: Slack, channel: string, ts: string): Promise<SlackMessage> {
   const words = { channel, latest: ts, oldest: ts, inclusive: true, limit: 1 };
   const { messages } = await slack.call<{ messages: SlackMessage[] }>("conversations.history", words);

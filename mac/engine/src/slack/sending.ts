@@ -13,7 +13,7 @@ import type { Chats } from "./chats.ts";
 import { rowsFrom, type Self, type SlackFile, type SlackMessage } from "./teller.ts";
 import { escaped } from "./text.ts";
 
-/** Slack takes more, but it waits for the whole of it. */
+/** Slack accepts more, but waits for all of it. */
 export const mostFileBytes = 200_000_000;
 const longestText = 40_000;
 
@@ -27,14 +27,14 @@ export function slackDeliver(slack: Slack, chats: Chats, self: () => Promise<Sel
     const message = sending.files.length > 0
       ? await sendFiles(slack, channel, sending, begin, patiently)
       : await sendText(slack, channel, sending, begin);
-    if (!message) return { messages: [] }; // its event tells it
+    if (!message) return { messages: [] }; // its event reports it
     const rows = await rowsFrom(channel, { ...message, user: me.user_id }, chats, me);
     await keepSent(mediaDir, rows, sending.files);
     return { messages: rows };
   };
 }
 
-/** The channel to write to, opened where only the person is known. */
+/** The channel to write to; opens one if only the person is known. */
 async function channelOf(slack: Slack, target: string): Promise<string> {
   if (/^[CDG][A-Z0-9]+$/.test(target)) return target;
   const user = target.includes("@") ? await memberWith(slack, target) : target;
@@ -80,7 +80,7 @@ async function upload(slack: Slack, { path, name }: OutgoingFile): Promise<strin
   return id;
 }
 
-/** When the message of a file was posted, which Slack tells a moment later; nothing where it does not. */
+/** When the message of a file was posted, which Slack reports a moment later; undefined if it does not. */
 async function timeOf(slack: Slack, channel: string, file: string): Promise<string | undefined> {
   type Shares = Record<string, Record<string, { ts: string }[]>>;
   for (const pause of [300, 1000, 2000]) {

@@ -1,11 +1,11 @@
-// Tells Corvane what Slack reports.
+// Turns Slack's messages into events for Corvane.
 
 import { mediaTypeOf, type MessageEvent } from "../lib/events.ts";
 import { rowsOf, type FileMark } from "../lib/files.ts";
 import { chatId, type Chats } from "./chats.ts";
 import { plainText } from "./text.ts";
 
-/** A message as Slack tells it, as far as it is used. */
+/** The used part of a Slack message. */
 export interface SlackMessage {
   ts: string;
   text?: string;
@@ -33,14 +33,14 @@ export interface Self {
   team?: string;
 }
 
-/** Other kinds are news about the channel, not somebody's words. */
+/** Other kinds are notices about the channel. */
 const spoken = new Set([undefined, "file_share", "bot_message", "thread_broadcast", "me_message"]);
 
 export function messageId(channel: string, ts: string): string {
   return `${channel}_${ts}`;
 }
 
-/** Which message an id stands for. */
+/** The message that an id refers to. */
 export function placeOf(id: string): { channel: string; ts: string } {
   const [channel, ts] = id.split("_");
   return { channel, ts };
@@ -54,7 +54,7 @@ export function fileMark({ name, mimetype = "" }: SlackFile): FileMark {
   return { name: name ?? "file", mediaType: mediaTypeOf(mimetype) };
 }
 
-/** A message as rows; none where nobody says anything in it. */
+/** A message as rows; empty if it is not from anyone. */
 export async function rowsFrom(channel: string, message: SlackMessage, chats: Chats, self: Self): Promise<MessageEvent[]> {
   const { ts, text = "", subtype, user, bot_id: bot, username, bot_profile: profile } = message;
   if (!spoken.has(subtype)) return [];

@@ -1,6 +1,6 @@
-// Slack's way to write texts and reactions, and the plain one.
+// Converts texts and reactions between Slack's markup and plain text.
 
-/** The text as a person reads it: names for members, addresses for links. */
+/** The readable text: names for members, addresses for links. */
 export async function plainText(text: string, nameOf: (member: string) => Promise<string>): Promise<string> {
   const marks = [...text.matchAll(/<([@#!]?)([^<>|]*)(?:\|([^<>]*))?>/g)];
   let said = "";
@@ -24,7 +24,7 @@ function unescaped(text: string): string {
   return text.replaceAll("&lt;", "<").replaceAll("&gt;", ">").replaceAll("&amp;", "&");
 }
 
-/** The text so that Slack reads nothing into it. */
+/** Escapes the text, so that Slack finds no markup in it. */
 export function escaped(text: string): string {
   return text.replaceAll("&", "&amp;").replaceAll("<", "&lt;").replaceAll(">", "&gt;");
 }
@@ -38,7 +38,7 @@ const names: Record<string, string> = {
   exclamation: "❗", point_up: "☝️", handshake: "🤝", coffee: "☕", hourglass: "⌛", memo: "📝", warning: "⚠️",
 };
 
-/** A reaction as a character; what has none of its own stays a name between colons. */
+/** A reaction as a character; custom ones keep their name between colons. */
 export function emojiOf(name: string): string {
   const [plain] = name.split("::");
   return names[plain] ?? `:${plain}:`;
@@ -46,7 +46,7 @@ export function emojiOf(name: string): string {
 
 const variation = /\uFE0F/g;
 
-/** Slack's name for an emoji; nothing where this program does not know it. */
+/** Slack's name for an emoji; undefined if it is unknown here. */
 export function nameOfEmoji(emoji: string): string | undefined {
   const plain = emoji.replace(variation, "");
   return Object.keys(names).find((name) => names[name].replace(variation, "") === plain);

@@ -1,4 +1,4 @@
-// Calls to Twilio's REST interface.
+// Calls to Twilio's REST API.
 
 import type { Readable } from "node:stream";
 import { credential } from "../lib/channel.ts";
@@ -7,7 +7,7 @@ import { Refused } from "../lib/outbox.ts";
 import { SignInRefused } from "../lib/stay.ts";
 import { baseAddress, networkError, openFile } from "../lib/web.ts";
 
-/** A message as Twilio tells it, as far as it is used. */
+/** The used part of a Twilio message. */
 export interface Sms {
   sid: string;
   from: string;
@@ -30,13 +30,13 @@ const longestRequest = 60_000;
 const usualPause = 2;
 
 export class Twilio {
-  /** The account's own number, as messages name it. */
+  /** The account's own number, as it appears in messages. */
   readonly number: string;
   readonly #address: string;
   readonly #folder: string;
   readonly #headers: Record<string, string>;
 
-  /** Throws `SignInRefused` where a part of the secret is missing. */
+  /** Throws `SignInRefused` if part of the credentials is missing. */
   constructor() {
     const sid = credential("TWILIO_SID", "Account SID");
     const secret = credential("TWILIO_AUTH", "Auth Token");
@@ -46,13 +46,13 @@ export class Twilio {
     this.#headers = { authorization: `Basic ${Buffer.from(`${sid}:${secret}`).toString("base64")}` };
   }
 
-  /** Throws `SignInRefused` where the account cannot be used. */
+  /** Throws `SignInRefused` if the account cannot be used. */
   async signIn(): Promise<void> {
     const { status } = await this.#call<{ status: string }>("GET", `${this.#folder}.json`);
     if (status !== "active") throw new SignInRefused(`Twilio says that this account is ${status}.`);
   }
 
-  /** Every message of the own number on that side, the newest first, page by page. */
+  /** All messages of the account's number in that direction, newest first, page by page. */
   async *pages(side: "To" | "From"): AsyncGenerator<Sms[]> {
     type Page = { messages: Sms[]; next_page_uri: string | null };
     const query = new URLSearchParams({ [side]: this.number, PageSize: "100" });
@@ -96,7 +96,7 @@ export class Twilio {
   }
 }
 
-/** A number as Twilio writes it. Other addresses, such as the names of senders, stay. */
+/** A number in Twilio's format. Other addresses, such as alphanumeric senders, are not changed. */
 export function plainNumber(address: string): string {
   const number = address.replace(/[\s().\-/]/g, "").replace(/^00/, "+");
   return /^\+?\d+$/.test(number) ? number : address.trim();

@@ -1,4 +1,4 @@
-// Tells Corvane the messages of the number, each of them once.
+// Reports the number's messages to Corvane, each of them once.
 
 import type { DatabaseSync } from "node:sqlite";
 import { mediaTypeOf, type MessageEvent } from "../lib/events.ts";
@@ -13,7 +13,7 @@ export const toldTables: Tables = {
   retell: "DELETE FROM told; DELETE FROM fact WHERE name LIKE 'history %'",
 };
 
-/** How far a message got, by Twilio's word for it. */
+/** The delivery state, by Twilio's name for it. */
 const steps: Record<string, number> = { sent: 2, delivered: 3, read: 4 };
 const failures = new Set(["failed", "undelivered"]);
 
@@ -28,7 +28,7 @@ export class SmsMirror {
     this.#people = people;
   }
 
-  /** Tells what is not told yet on one side: the first time all of it, as history. */
+  /** Reports new messages in one direction; the first time all of them, as history. */
   async look(side: "To" | "From"): Promise<void> {
     const fact = `history ${side}`;
     const isHistory = readFact(this.#db, fact) === undefined;
@@ -70,7 +70,7 @@ export class SmsMirror {
     return rowsOf(message, media.map(fileMark));
   }
 
-  /** Remembers that the message was told, and how far it is. */
+  /** Remembers that the message was reported, and its state. */
   async #tellStatus(sms: Sms): Promise<void> {
     const step = isInbound(sms) ? undefined : steps[sms.status];
     if (step) await emit({ type: "msgStatus", providerMsgId: sms.sid, status: step });
@@ -89,7 +89,7 @@ export class SmsMirror {
 
 const isInbound = ({ direction }: Sms): boolean => direction === "inbound";
 
-/** Whom the message came from or went to. */
+/** Who the message came from or went to. */
 function otherSide(sms: Sms): string {
   return isInbound(sms) ? sms.from : sms.to;
 }

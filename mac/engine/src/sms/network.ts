@@ -1,4 +1,4 @@
-// Looks for news of the number, since no address of this machine could be told them, and sends from it.
+// Polls for new messages, since Twilio cannot reach this machine, and sends messages.
 
 import type { DatabaseSync } from "node:sqlite";
 import { setTimeout as sleep } from "node:timers/promises";

@@ -1,4 +1,4 @@
-// Calls to Telegram's Bot interface.
+// Calls to Telegram's Bot API.
 
 import { Api, GrammyError, HttpError } from "grammy";
 import { credential } from "../lib/channel.ts";
@@ -13,10 +13,10 @@ export interface Telegram {
   files: string;
 }
 
-/** For a file on its way; a text is there or not long before. */
+/** The timeout for files; texts have a shorter one. */
 const longestRequest = 300;
 
-/** Throws `SignInRefused` where the account has no token. */
+/** Throws `SignInRefused` if the account has no token. */
 export function telegramFrom(): Telegram {
   const token = credential("TELEGRAM_BOT_TOKEN", "bot token");
   if (!/^\d+:[\w-]+$/.test(token)) throw new SignInRefused("This is no bot token; @BotFather shows it as 123456:ABC-DEF.");

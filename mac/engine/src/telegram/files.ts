@@ -1,4 +1,4 @@
-// Which files came with messages: Telegram does not tell a second time.
+// Remembers the files of messages, because Telegram reports them only once.
 
 import type { DatabaseSync } from "node:sqlite";
 import type { Message } from "grammy/types";
@@ -10,11 +10,11 @@ import type { Telegram } from "./api.ts";
 export const fileTables: Tables = {
   create: `CREATE TABLE IF NOT EXISTS file(
   message TEXT PRIMARY KEY, ref TEXT NOT NULL, name TEXT NOT NULL, kind TEXT NOT NULL) WITHOUT ROWID;`,
-  retell: "", // a bot hears everything once
+  retell: "", // a bot receives everything only once
 };
 
 export interface TelegramFile extends FileMark {
-  /** What Telegram gives it out for. */
+  /** The id by which Telegram hands it out. */
   ref: string;
 }
 

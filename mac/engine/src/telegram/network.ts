@@ -1,4 +1,4 @@
-// Reads what comes for the bot, and offers what it can do.
+// Receives updates for the bot, and offers its functions.
 
 import type { DatabaseSync } from "node:sqlite";
 import type { Chat, Message, Update } from "grammy/types";
@@ -14,7 +14,7 @@ import { mostFileBytes, telegramDeliver } from "./sending.ts";
 import { chatId, emojiOf, messageId, nameOf, rowsFrom } from "./teller.ts";
 
 const wanted = ["message", "edited_message", "channel_post", "edited_channel_post", "message_reaction"] as const;
-/** In seconds: how long Telegram may have nothing to say, and how much later its answer may come. */
+/** In seconds: how long a poll may wait for updates, and how much later its answer may arrive. */
 const [longPoll, grace] = [25, 15];
 
 export function joinTelegram(place: Place, db: DatabaseSync): Network {
@@ -53,7 +53,7 @@ export function joinTelegram(place: Place, db: DatabaseSync): Network {
     fetchFile: (id, _, save) => fetchFile(telegram, db, fileOf(id).message, save),
     react: async (id, chat, emoji) => {
       const number = Number(id.split("/")[0].split("_")[1]);
-      // Telegram judges which emoji it takes; the library lists those of its day.
+      // Telegram decides which emoji it accepts; the library lists those known at its release.
       const reaction = (emoji ? [{ type: "emoji", emoji }] : []) as Parameters<typeof api.setMessageReaction>[2];
       await api.setMessageReaction(providerChat(chat), number, reaction);
     },
@@ -67,7 +67,7 @@ export function joinTelegram(place: Place, db: DatabaseSync): Network {
         timeout = longPoll;
         for (const update of updates) await tell(update);
         if (updates.length === 0) continue;
-        await untilStored(); // the next call tells Telegram to forget them
+        await untilStored(); // the next call makes Telegram forget them
         offset = updates[updates.length - 1].update_id + 1;
       }
     },

@@ -9,7 +9,7 @@ import { post } from "../lib/web.ts";
 import type { Telegram } from "./api.ts";
 import { rowsFrom } from "./teller.ts";
 
-/** Telegram's own bounds. */
+/** Telegram's own limits. */
 export const mostFileBytes = 50_000_000;
 const longestText = 4096;
 const longestCaption = 1024;

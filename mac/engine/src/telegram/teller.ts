@@ -1,11 +1,11 @@
-// Tells Corvane what Telegram reports.
+// Turns Telegram's updates into events for Corvane.
 
 import type { Chat, Message, MessageEntity, MessageReactionUpdated } from "grammy/types";
 import { groupId, type MessageEvent } from "../lib/events.ts";
 import { rowsOf } from "../lib/files.ts";
 import { fileIn } from "./files.ts";
 
-/** Unique among all chats: Telegram counts the messages of each group anew. */
+/** Unique among all chats: Telegram numbers the messages of each group separately. */
 export function messageId({ chat, message_id: number }: { chat: { id: number }; message_id: number }): string {
   return `${chat.id}_${number}`;
 }
@@ -14,7 +14,7 @@ export function chatId({ id, type }: Chat): string {
   return type === "private" ? String(id) : groupId(String(id));
 }
 
-/** A message as rows; none where it holds nothing to read, such as the news that somebody joined. */
+/** A message as rows; empty if there is nothing to read in it, such as a notice that someone joined. */
 export function rowsFrom(message: Message, direction: "IN" | "OUT"): MessageEvent[] {
   const file = fileIn(message);
   const body = bodyOf(message);
@@ -50,7 +50,7 @@ function bodyOf(message: Message): string {
   return dice?.emoji ?? "";
 }
 
-/** The text with the addresses behind its links. */
+/** The text with the addresses of its links. */
 function withLinks(text: string, entities: MessageEntity[] = []): string {
   const links = entities.filter((entity) => entity.type === "text_link").sort((a, b) => b.offset - a.offset);
   return links.reduce((said, { offset, length, url }) => {
@@ -59,7 +59,7 @@ function withLinks(text: string, entities: MessageEntity[] = []): string {
   }, text);
 }
 
-/** The emoji that a person's reaction is now; empty where it was taken back. */
+/** The emoji of a person's current reaction; empty if it was removed. */
 export function emojiOf({ new_reaction: reactions }: MessageReactionUpdated): string {
   const [reaction] = reactions.filter(({ type }) => type === "emoji");
   return reaction?.type === "emoji" ? reaction.emoji : "";

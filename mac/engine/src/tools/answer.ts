@@ -12,7 +12,7 @@ const hints: Record<Effect, object> = {
 
 const byName = new Map(tools.map((tool) => [tool.name, tool]));
 
-/** The tools as a client is told of them. */
+/** The tools as described to clients. */
 export const listing = tools.map(({ name, description, effect, input }) => ({
   name,
   description,
@@ -29,7 +29,7 @@ function inWords(error: unknown): string {
   return `It failed: ${message}`;
 }
 
-/** What a tool answers, in one text; a failure is an answer, too. */
+/** A tool's answer as one text; a failure is an answer, too. */
 export async function answer(store: Store, name: string, args: unknown, now = new Date()): Promise<CallToolResult> {
   const tool: Tool | undefined = byName.get(name);
   try {

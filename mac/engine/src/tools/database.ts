@@ -6,10 +6,10 @@ import { guard, type Writable } from "./guard.ts";
 export type Row = Record<string, SQLOutputValue>;
 export type Columns = Record<string, SQLInputValue | undefined>;
 
-/** A failure that the caller can do something about; its message is for them. */
+/** A failure that the caller can fix; the message is for the caller. */
 export class Refusal extends Error {}
 
-/** One connection; a statement is prepared once, so its text must come from the program. */
+/** A connection that caches prepared statements, so their texts must be constant. */
 export class Connection {
   readonly #db: DatabaseSync;
   readonly #statements = new Map<string, StatementSync>();
@@ -26,12 +26,12 @@ export class Connection {
     return this.#prepared(sql).get(...parameters) as Row | undefined;
   }
 
-  /** How many rows the statement changed. */
+  /** The number of rows that the statement changed. */
   run(sql: string, ...parameters: SQLInputValue[]): number {
     return Number(this.#prepared(sql).run(...parameters).changes);
   }
 
-  /** A new row; a column without a value has its default. */
+  /** Inserts a row; columns without a value get their default. */
   insert(table: string, row: Columns): void {
     const given = Object.entries(row).filter((entry): entry is [string, SQLInputValue] => entry[1] !== undefined);
     const names = given.map(([name]) => name).join(",");
@@ -39,7 +39,7 @@ export class Connection {
     this.run(`INSERT INTO "${table}"(${names}) VALUES(${places})`, ...given.map(([, value]) => value));
   }
 
-  /** All of it or nothing. Keep it short: other processes wait meanwhile. */
+  /** A transaction. Keep it short: other processes are waiting. */
   transaction<T>(work: () => T): T {
     this.#db.exec("BEGIN IMMEDIATE");
     try {
@@ -66,7 +66,7 @@ export class Connection {
   }
 }
 
-/** The file is never created here: where it is missing, the program decides what takes its place. */
+/** Never creates the file: if it is missing, the desktop decides what to do. */
 function open(path: string, mode: "ro" | "rw"): DatabaseSync {
   const url = pathToFileURL(path);
   url.searchParams.set("mode", mode);
@@ -77,7 +77,7 @@ export function openReader(path: string): Connection {
   return new Connection(open(path, "ro"));
 }
 
-/** A connection that can change the tables of `writable`, as far as `guard` lets it, and no others. */
+/** A connection that can change only the tables of `writable`, within the limits of `guard`. */
 export function openWriter(path: string, writable: Writable): Connection {
   const db = open(path, "rw");
   try {
@@ -89,7 +89,7 @@ export function openWriter(path: string, writable: Writable): Connection {
   }
 }
 
-/** The database of the program, opened when it is first needed and anew where another file took its place. */
+/** The desktop's database, opened on first use and again if the file was replaced. */
 export class Store {
   readonly #path: string;
   readonly #writable: Writable;
@@ -127,7 +127,7 @@ export class Store {
   }
 }
 
-/** The workspace whose rows are shown and written now. */
+/** The workspace whose rows are currently shown and written. */
 export function activeWorkspace(db: Connection): string {
   const row = db.row("SELECT workspace_id FROM sync_workspace_selection WHERE key='active'");
   return String(row?.workspace_id ?? "").trim() || "local";

@@ -3,7 +3,7 @@ import { Refusal } from "./database.ts";
 import { projectOf } from "./find.ts";
 import { clip, field, page, tool } from "./tool.ts";
 
-/** What the lists of one module have in common. */
+/** The common part of a module's lists. */
 const ofModule = { module: field.module, context: field.context, limit: field.limit(50) };
 const inModule = "module=?1 AND (?2='' OR context_id=?2)";
 

@@ -46,7 +46,7 @@ export function current(): string {
   return readFileSync(path, "utf8");
 }
 
-/** The page with its list as the tools are now. */
+/** The page with the current list of tools. */
 export function renewed(page: string): string {
   const list = (["read", "propose", "report"] as const).map(section).join("\n");
   const [head, rest] = page.split(begin);

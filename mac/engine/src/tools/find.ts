@@ -1,8 +1,8 @@
 import { Refusal, type Connection, type Row } from "./database.ts";
 
-// Rows that a call names. One that is deleted, or of another workspace, is not there.
+// Finds rows named in a call. Deleted rows and those of other workspaces do not exist.
 
-/** The contact at the end of the id's merges; the id itself where they lead in a circle. */
+/** The contact at the end of the id's merges; the id itself if they form a circle. */
 export function personBehind(db: Connection, contact: string): string {
   const passed = new Set<string>();
   for (let id = contact; !passed.has(id); ) {
@@ -43,13 +43,13 @@ export function projectOf(db: Connection, named: string): string {
   return String(row.id);
 }
 
-/** Refuses a context of another module, where a row would not be listed; passes an absent one. */
+/** Refuses a context of another module, in which a row would not be listed; accepts an absent one. */
 export function mustBeContext(db: Connection, module: string, id: string | undefined): void {
   if (id !== undefined && !db.row("SELECT 1 FROM work_context WHERE id=? AND module=?", id, module))
     throw new Refusal(`There is no work context ${id} in the module ${module}.`);
 }
 
-/** Refuses an id that names no row; passes an absent one. */
+/** Refuses an id that does not exist; accepts an absent one. */
 export function mustExist(db: Connection, table: string, id: string | undefined): void {
   if (id !== undefined && !db.row(`SELECT 1 FROM ${table} WHERE id=?`, id))
     throw new Refusal(`There is no ${table.replace("_", " ")} ${id}.`);

@@ -4,7 +4,7 @@ import type { DatabaseSync } from "node:sqlite";
 export type Right = "insert" | "update" | "both";
 export type Writable = Record<string, Right>;
 
-/** What only a person, or the program on a person's word, may set. */
+/** Statuses that only the user may set, or the program on the user's behalf. */
 const heldWords = ["approved", "sending", "sent", "placed", "applied", "rejected"];
 
 const quoted = (name: string): string => `"${name.replaceAll('"', '""')}"`;
@@ -38,7 +38,7 @@ function refusedFor(table: string, hasStatus: boolean, right: Right | undefined)
  * person's word. The triggers live in this connection alone.
  */
 export function guard(db: DatabaseSync, writable: Writable): void {
-  db.exec("PRAGMA recursive_triggers=ON"); // else a REPLACE deletes without asking
+  db.exec("PRAGMA recursive_triggers=ON"); // otherwise REPLACE deletes without running triggers
   const tables = db
     .prepare(
       `SELECT t.name, EXISTS (SELECT 1 FROM pragma_table_info(t.name) WHERE name='status') AS has_status

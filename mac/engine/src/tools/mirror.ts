@@ -2,13 +2,13 @@ import { z } from "zod";
 import type { Connection } from "./database.ts";
 import type { Writable } from "./guard.ts";
 
-// Rows of the web become rows here. A row of ours is never replaced by a poorer one of the web, and what both have
-// (a conversation, a message) is kept once, under our own id.
+// Stores rows from the web. They never overwrite better local rows, and what both sides have (a conversation, a
+// message) is kept once, under the local id.
 
 const text = z.string().max(100_000);
 const id = z.string().min(1).max(400);
 const ms = z.int().nonnegative();
-const place = { channel: id, externalId: id }; // names a conversation
+const place = { channel: id, externalId: id }; // identifies a conversation
 const optional = { text: text.nullish(), id: id.nullish(), ms: ms.nullish() };
 
 export const page = z.object({
@@ -64,7 +64,7 @@ export const page = z.object({
 
 export type Page = z.output<typeof page>;
 
-/** What a pull may change here: it can queue a draft, and release none. */
+/** What a pull may change: it can queue a draft but not release one. */
 export const mirrored: Writable = {
   sync_workspace: "both",
   sync_command: "update",
@@ -81,7 +81,7 @@ export const mirrored: Writable = {
 
 type Rows<Kind extends keyof Page> = Extract<Page[Kind], unknown[]>;
 
-/** The pages of one pull, as they are written: into one workspace, at one moment. */
+/** Writes the pages of one pull, into one workspace and with one timestamp. */
 export class Mirror {
   readonly #db: Connection;
   readonly #workspace: string;
@@ -93,7 +93,7 @@ export class Mirror {
     this.#now = now.getTime();
   }
 
-  /** Writes one page, within the caller's transaction; returns how many rows it held. */
+  /** Writes one page within the caller's transaction; returns the number of its rows. */
   write(rows: Page): number {
     this.#contacts(rows.contacts);
     this.#deals(rows.deals);
@@ -112,7 +112,7 @@ export class Mirror {
     return of ? this.#id("contact", of) : null;
   }
 
-  /** Our own conversation where there is one: it was mirrored here, and pushed to the web from here. */
+  /** The local conversation, if it was mirrored here and pushed to the web. */
   #conversation(channel: string, externalId: string): string {
     const own = this.#db.row(
       `SELECT id FROM unified_conversation WHERE workspace_id=? AND channel=? AND external_id=? AND id LIKE 'wa:%' LIMIT 1`,
@@ -204,7 +204,7 @@ export class Mirror {
     }
   }
 
-  /** A draft of the web waits here for a person like any other. */
+  /** A draft from the web waits for the user like any other. */
   #drafts(drafts: Rows<"drafts">): void {
     for (const { id: of, channel, externalId, body } of drafts)
       this.#db.run(

@@ -1,6 +1,6 @@
 import { Refusal } from "./database.ts";
 
-/** What a look at a page found. */
+/** The result of scanning a page. */
 export interface Finding {
   status: number;
   title: string;
@@ -13,9 +13,9 @@ const longestPage = 1_000_000;
 const mostParts = 25;
 const mostRedirects = 5;
 const patience = 10_000;
-const browserControl = "9335"; // the browser that a person looks through takes orders there
+const browserControl = "9335"; // the port that controls the browser in which the user views pages
 
-/** A request to anywhere else could carry data away. */
+/** Requests to other hosts could leak data. */
 function isHere({ protocol, hostname, port }: URL): boolean {
   const local = hostname === "localhost" || hostname === "[::1]" || /^127(\.\d+){3}$/.test(hostname);
   return local && ["http:", "https:"].includes(protocol) && port !== browserControl;
@@ -49,7 +49,7 @@ function attribute(tag: string, name: string): string | undefined {
   return found?.[1] ?? found?.[2] ?? found?.[3];
 }
 
-/** The scripts, styles, icons and pictures that the page names. */
+/** The scripts, styles, icons and images that the page refers to. */
 function partsOf(html: string, base: URL): URL[] {
   const found = new Map<string, URL>();
   for (const [tag, name] of html.matchAll(/<(script|link|img)\b[^<>]{0,2000}>/gi)) {
@@ -77,7 +77,7 @@ function reason(error: unknown): string {
   return cause instanceof Error ? cause.message : message;
 }
 
-/** Asks for the page and for what it names, all on this machine. */
+/** Requests the page and what it refers to, all on this machine. */
 export async function look(url: URL): Promise<Finding> {
   const response = await get(url).catch((error: unknown) => {
     throw error instanceof Refusal ? error : new Refusal(`${url.href} does not answer: ${reason(error)}`);

@@ -1,13 +1,13 @@
 import { homedir } from "node:os";
 import { isAbsolute, join } from "node:path";
 
-/** A relative value in these variables is to be ignored (XDG Base Directories). */
+/** Relative values of these variables are ignored (XDG Base Directories). */
 function folderFrom(variable: string, otherwise: string): string {
   const named = process.env[variable] ?? "";
   return isAbsolute(named) ? named : join(homedir(), otherwise);
 }
 
-/** The folder of one profile: the database and what lies beside it. */
+/** The folder of one profile, with the database and the files beside it. */
 export interface Profile {
   database: string;
   token: string;

@@ -4,7 +4,7 @@ import { contactOf, conversationOf, personBehind } from "./find.ts";
 import { addWork, makeRoom, write } from "./report.ts";
 import { field, stampedId, tool, type Call } from "./tool.ts";
 
-// What an agent puts before a person. Each row waits; what comes of it is the program's, on the person's word.
+// What agents propose to the user. Each row waits; the desktop acts on it after the user's decision.
 
 const waits = { waits_for: "a person, under Approvals" };
 

@@ -4,9 +4,9 @@ import { Mirror, mirrored, page, type Page } from "./mirror.ts";
 import type { Profile } from "./paths.ts";
 import { Web, WebError } from "./web.ts";
 
-// Works off what the program asks of the web: a "web_pull" in sync_command. How each source fares stands in sync_health.
+// Processes the desktop's requests for the web: "web_pull" in sync_command. The state of each source is in sync_health.
 
-const mostPages = 500; // of a source in one pull; the rest comes with the next
+const mostPages = 500; // per source and pull; the next pull gets the rest
 
 const slug = z.string().nullish();
 const bootstrap = z.object({
@@ -38,7 +38,7 @@ function outcomeOf(error: unknown): Outcome {
   return { status: "error", error: message };
 }
 
-/** One pull, from the claim of what asked for it to its close. */
+/** One pull, from claiming its requests to finishing them. */
 class Pull {
   readonly #db: Connection;
   readonly #web: Web;
@@ -48,7 +48,7 @@ class Pull {
     this.#web = web;
   }
 
-  /** The first words of what went wrong; nothing where everything came. */
+  /** The first error; undefined if everything was pulled. */
   async run(): Promise<string | undefined> {
     const sources = [
       ["bootstrap", () => this.#bootstrap()],
@@ -110,7 +110,7 @@ class Pull {
     return { status: "ok", counts: { organizations: organizations.length, workspaces } };
   }
 
-  /** Page after page from where the last pull ended; a page and its cursor are one transaction. */
+  /** Gets page after page from where the last pull ended; each page and its cursor are one transaction. */
   async #pages(source: string): Promise<Outcome> {
     this.#needSignIn();
     const workspace = activeWorkspace(this.#db);
@@ -139,7 +139,7 @@ class Pull {
   }
 }
 
-/** Looks for requests and works them off, one pull for all that wait. */
+/** Looks for requests and processes all waiting ones with one pull. */
 export class PullWorker {
   readonly #profile: Profile;
   readonly #store: Store;
@@ -151,7 +151,7 @@ export class PullWorker {
     this.#store = store;
   }
 
-  /** Does nothing while a pull runs. */
+  /** Does nothing while a pull is running. */
   async look(): Promise<void> {
     if (this.#busy) return;
     this.#busy = true;
@@ -162,7 +162,7 @@ export class PullWorker {
     }
   }
 
-  /** What an earlier server left "running" is begun anew. */
+  /** Restarts requests that an earlier server left "running". */
   #isAsked(): boolean {
     const waiting = this.#resumed ? "status='pending'" : "status IN ('pending','running')";
     return this.#store.reader.row(`SELECT 1 FROM sync_command WHERE kind='web_pull' AND ${waiting} LIMIT 1`) !== undefined;

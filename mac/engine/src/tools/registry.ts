@@ -10,7 +10,7 @@ import { workReportTools } from "./report-work.ts";
 import { scanTools } from "./scan.ts";
 import type { Tool } from "./tool.ts";
 
-/** Every tool that there is, in the order in which they are listed. */
+/** All tools, in the order in which they are listed. */
 export const tools: readonly Tool[] = [
   ...inboxTools,
   ...crmTools,

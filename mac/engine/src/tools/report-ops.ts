@@ -4,7 +4,7 @@ import { mustExist, projectOf } from "./find.ts";
 import { agentName, write, type Fresh } from "./report.ts";
 import { field, tool } from "./tool.ts";
 
-/** Adds a row about a project, perhaps from one of its tabs; the project is the last changed one then. */
+/** Adds a row about a project, perhaps from one of its tabs, and marks the project as changed. */
 function addNews(
   { id, at, db }: Fresh,
   table: "update" | "ask",

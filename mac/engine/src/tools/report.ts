@@ -4,8 +4,8 @@ import { Refusal, type Columns, type Connection } from "./database.ts";
 import { mustBeContext, mustExist } from "./find.ts";
 import { stamp, type Call } from "./tool.ts";
 
-// What an agent notes of its own work has this in common. It speaks in its own name, never in that of the owner or
-// the program.
+// The common part of agents' reports on their own work. Agents act under their own name, never under that of the user
+// or the program.
 
 export const agentName = z
   .string()
@@ -15,17 +15,17 @@ export const agentName = z
   .refine((name) => !["oskel", "corvane", "lumoai"].includes(name.toLowerCase()), "This name belongs to somebody else.")
   .describe("The agent's own name.");
 
-/** A new id that tells who wrote the row. */
+/** A new id that shows who wrote the row. */
 export const freshId = (prefix: string): string => `${prefix}:mcp:${randomUUID()}`;
 
-/** A row that is being written: its id, and when. */
+/** A row being written: its id and time. */
 export interface Fresh {
   id: string;
   at: string;
   db: Connection;
 }
 
-/** Writes what `work` says in one transaction; the id. */
+/** Runs `work` in one transaction and returns the row's id. */
 export function write({ store, now }: Call, prefix: string, work: (fresh: Fresh) => void): string {
   const fresh = { id: freshId(prefix), at: stamp(now), db: store.writer };
   fresh.db.transaction(() => work(fresh));
@@ -34,7 +34,8 @@ export function write({ store, now }: Call, prefix: string, work: (fresh: Fresh)
 
 const tableOf: Record<string, string> = { item_id: "work_item", current_item_id: "work_item", session_id: "work_session" };
 
-/** Adds a row to the work of a module. What it names must exist, and its context moves to the head of the contexts. */
+/** Adds a row to the work of a module. Rows that it refers to must exist, and its context moves to the top of the
+ *  list. */
 export function addWork(
   { id, at, db }: Fresh,
   table: string,
@@ -49,7 +50,7 @@ export function addWork(
 
 const mostWaiting = 200;
 
-/** A person can't look through thousands: an agent that runs wild is stopped. */
+/** Stops an agent that runs wild: nobody can review thousands of rows. */
 export function makeRoom(db: Connection, table: string, status: string): void {
   const waiting = db.row(`SELECT COUNT(*) AS n FROM ${table} WHERE status=?`, status)?.n;
   if (Number(waiting) >= mostWaiting)

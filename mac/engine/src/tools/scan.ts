@@ -10,7 +10,7 @@ interface Scan {
   finding: Finding;
 }
 
-/** One row for each page of a project, and one line of evidence for each look. */
+/** One row for each page of a project, and one line of evidence for each scan. */
 function note(call: Call, { project, url, finding }: Scan): string {
   const { title, status, problems } = finding;
   return write(call, "ev", (fresh) => {

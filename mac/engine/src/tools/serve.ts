@@ -6,7 +6,8 @@ import { writable } from "./registry.ts";
 import { listen } from "./server.ts";
 import { Token } from "./token.ts";
 
-/** Answers on the port until the process ends, and works off what the program asks of the web. Throws where it can't. */
+/** Answers on the port until the process ends, and processes the desktop's requests for the web. Throws if it
+ *  cannot. */
 export async function serve(port: number): Promise<void> {
   const profile = profileFromEnvironment();
   const { version } = JSON.parse(readFileSync(new URL("../../package.json", import.meta.url), "utf8")) as { version: string };
@@ -16,12 +17,12 @@ export async function serve(port: number): Promise<void> {
   let announced = false;
 
   const look = async (): Promise<void> => {
-    token.current(); // a secret that was removed is replaced without waiting for a call
+    token.current(); // replaces a removed secret without waiting for a call
     if (!announced) announce(profile.database, version);
     announced = true;
     await pulls.look();
   };
-  // There is no input to end with: the server goes when it is told to, or when whoever started it is gone.
+  // Standard input is not used: the server ends on a signal, or when the process that started it is gone.
   const parent = process.ppid;
   const tick = (): void => {
     if (process.ppid !== parent) process.exit(0);
@@ -32,7 +33,7 @@ export async function serve(port: number): Promise<void> {
   setInterval(tick, 2000);
 }
 
-/** Tells the program which server this is. */
+/** Tells the desktop which server is running. */
 function announce(database: string, version: string): void {
   const now = Date.now();
   const db = openWriter(database, { engine_info: "both" });

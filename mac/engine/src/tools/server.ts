@@ -21,9 +21,9 @@ export interface Settings {
   version: string;
 }
 
-const jsonSchemaValidator = new AjvJsonSchemaValidator(); // made once: a server would build one for each request
+const jsonSchemaValidator = new AjvJsonSchemaValidator(); // built once: a server would create one per request
 
-/** One request's end of the protocol: nothing is kept from one call to the next. */
+/** The protocol server for one request: no state is kept between calls. */
 function protocolServer({ store, version }: Settings): Server {
   const server = new Server(
     { name: "corvane", version },
@@ -43,7 +43,7 @@ class HttpError extends Error {
   }
 }
 
-/** A page in a browser names its origin, and a name that was bent to this address names another host. */
+/** A browser sends the page's origin, and a rebound name shows up as another host. */
 function admit(request: IncomingMessage, settings: Settings): void {
   const port = request.socket.localPort;
   if (![`127.0.0.1:${port}`, `localhost:${port}`].includes(request.headers.host ?? ""))
@@ -92,7 +92,7 @@ function refuse(response: ServerResponse, error: unknown): void {
   response.end(JSON.stringify({ jsonrpc: "2.0", id: null, error: { code: -32000, message } }));
 }
 
-/** Listens on the loopback interface; fails where the port is taken. */
+/** Listens on the loopback interface; fails if the port is taken. */
 export function listen(settings: Settings): Promise<HttpServer> {
   const server = createServer((request, response) => {
     handle(request, response, settings).catch((error: unknown) => refuse(response, error));

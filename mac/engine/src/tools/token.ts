@@ -17,7 +17,7 @@ export class Token {
     this.#path = path;
   }
 
-  /** The secret as the file holds it now; a new one where the file is missing, damaged, or was open to others. */
+  /** The current secret; a new one if the file is missing, damaged, or was accessible to others. */
   current(): string {
     const seen = this.#look();
     if (seen === "" || seen !== this.#seen) {
@@ -34,7 +34,7 @@ export class Token {
     return given.length === expected.length && timingSafeEqual(given, expected);
   }
 
-  /** Changes with the file; empty where no file can be trusted. */
+  /** Changes with the file; empty if there is no trustworthy file. */
   #look(): string {
     const file = statSync(this.#path, { throwIfNoEntry: false });
     return file && (file.mode & 0o077) === 0 ? `${file.ino}:${file.mtimeMs}:${file.size}` : "";

@@ -1,10 +1,10 @@
 import { z } from "zod";
 import { activeWorkspace, type Connection, type Row, type Store } from "./database.ts";
 
-/** Reads rows, puts something before a person, or notes what an agent did. */
+/** A tool reads rows, proposes something to the user, or reports what an agent did. */
 export type Effect = "read" | "propose" | "report";
 
-/** What a tool works on while it answers one call. */
+/** The context of one call. */
 export class Call {
   readonly store: Store;
   readonly now: Date;
@@ -31,7 +31,7 @@ export interface Tool {
   run(args: unknown, call: Call): object | Promise<object>;
 }
 
-/** Ties the arguments of `run` to what `input` lets through. */
+/** Gives `run` arguments of the type that `input` accepts. */
 export function tool<Shape extends z.ZodRawShape>(definition: {
   name: string;
   effect: Effect;
@@ -46,7 +46,7 @@ export function tool<Shape extends z.ZodRawShape>(definition: {
 
 export const modules = ["lumo", "gtm", "cx", "ops", "inbox", "dev"] as const;
 
-/** The arguments that many tools share. */
+/** Arguments shared by many tools. */
 export const field = {
   id: (words: string) => z.string().trim().min(1).max(400).describe(words),
   line: (words: string) => z.string().trim().min(1).max(300).describe(words),
@@ -62,13 +62,14 @@ export const field = {
 const longestText = 4000;
 const longestAnswer = 60_000;
 
-/** Rows that say no more than a reader can hold; `more` tells that there are others. */
+/** Rows, as many as a reader can handle; `more` says that there are others. */
 export interface Page {
   rows: Row[];
   more: boolean;
 }
 
-/** Asked for one row more than `limit`, the rows tell whether there are more. An answer has room for all its `lists`. */
+/** With one row more than `limit` requested, detects whether there are more. All `lists` of an answer share its
+ *  space. */
 export function page(rows: Row[], limit: number, lists = 1): Page {
   const kept: Row[] = [];
   let length = 0;
@@ -81,7 +82,7 @@ export function page(rows: Row[], limit: number, lists = 1): Page {
   return { rows: kept, more: rows.length > kept.length };
 }
 
-/** The row with its long texts cut and its empty columns left out; a column "at_ms" becomes "at", in ISO 8601. */
+/** The row with long texts truncated and empty columns removed; a column "at_ms" becomes "at", in ISO 8601. */
 export function clip(row: Row): Row {
   const entries = Object.entries(row).filter(([, value]) => value !== null && value !== "");
   return Object.fromEntries(
@@ -101,7 +102,7 @@ function isoTime(ms: number): string {
   return Number.isNaN(time.getTime()) ? String(ms) : time.toISOString();
 }
 
-/** ISO 8601 as the work tables hold it, in whole seconds. */
+/** ISO 8601 as in the work tables, in whole seconds. */
 export function stamp(time: Date): string {
   return time.toISOString().replace(/\.\d+Z$/, "Z");
 }

@@ -1,7 +1,7 @@
 import { readFileSync } from "node:fs";
 import type { Profile } from "./paths.ts";
 
-/** An answer that is none of the service's successes; the endpoint may not be there yet. */
+/** A response that is not one of the service's successes; the endpoint may not exist yet. */
 export class WebError extends Error {
   readonly status: number;
 
@@ -22,13 +22,13 @@ function textOf(path: string): string {
   }
 }
 
-/** A value of the program's settings, an ini file; the keys that are asked for need no escapes. */
+/** A value from the desktop's settings, an ini file; the keys used here need no escapes. */
 function setting(defaults: string, key: string): string | undefined {
   const line = defaults.split("\n").find((text) => text.startsWith(`${key}=`));
   return line?.slice(key.length + 1).trim().replace(/^"(.*)"$/, "$1") || undefined;
 }
 
-/** The web service as the program's settings name it, asked with the token of its sign-in. */
+/** The web service of the desktop's settings, with the token of its sign-in. */
 export class Web {
   readonly #base: URL | null;
   readonly #token: string;
@@ -47,7 +47,8 @@ export class Web {
     return this.#token !== "";
   }
 
-  /** The document under "data", or the whole one. The token goes nowhere but to the service, and in secret. */
+  /** The document under "data", or all of it. The token is sent only to the service, and only encrypted or within
+   *  this machine. */
   async get(path: string, query: Record<string, string> = {}): Promise<unknown> {
     if (!this.#base || !isPrivate(this.#base)) throw new WebError(0, "The web service's address must be https.");
     const url = new URL(path, this.#base);
