@@ -73,6 +73,7 @@ private:
     Byte text(Byte at, Byte end);
     Byte escapeSequence(Byte at, Byte end);
     Byte controlSequence(Byte at, Byte end);
+    bool takeParameters(Byte at, Byte final);
     Byte command(Byte at, Byte end);
     Byte string(Byte at, Byte end);
     Byte stringStop(Byte at, Byte end, State state) const;

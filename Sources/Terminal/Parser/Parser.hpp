@@ -224,11 +224,9 @@ inline const uint8_t* sequenceFinal(const uint8_t* at, const uint8_t* end)
     return at;
 }
 
-template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -> Byte
+/// Takes the parameters and intermediate bytes up to `final`, which is a byte of the buffer. False: it is malformed.
+template <typename Sink> bool Parser<Sink>::takeParameters(Byte at, Byte final)
 {
-    const Byte begin = at;
-    // Found ahead of the parameters, so that the text behind the sequence need not wait for them.
-    const Byte final = sequenceFinal(at, end);
     m_sequence.clear();
     if (at < final && *at >= '<')
         m_sequence.leader = char(*at++);
@@ -251,13 +249,20 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
         } else if (uint8_t(byte - 0x20) < 0x10 && uint8_t(at[1] - 0x30) >= 0x10) {
             m_sequence.addIntermediate(char(byte));
         } else {
-            break;
+            return false;
         }
     }
-    if (at == final && final < end && uint8_t(*final - 0x40) < 0x3f) {
-        if (value != Params::absent || m_sequence.params.count() > 0)
-            m_sequence.params.add(value, sub);
-        m_sequence.final = char(*final);
+    if (value != Params::absent || m_sequence.params.count() > 0)
+        m_sequence.params.add(value, sub);
+    m_sequence.final = char(*final);
+    return uint8_t(*final - 0x40) < 0x3f;
+}
+
+template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -> Byte
+{
+    // Found ahead of the parameters, so that the text behind the sequence need not wait for them.
+    const Byte final = sequenceFinal(at, end);
+    if (final < end && takeParameters(at, final)) {
         m_sink.csi(m_sequence);
         return final + 1;
     }
@@ -266,7 +271,7 @@ template <typename Sink> auto Parser<Sink>::controlSequence(Byte at, Byte end) -
     m_param = Params::absent;
     m_nextIsSub = false;
     m_state = State::CsiEntry;
-    return begin;
+    return at;
 }
 
 template <typename Sink> void Parser<Sink>::beginString(State state)
