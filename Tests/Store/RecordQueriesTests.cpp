@@ -59,6 +59,20 @@ TEST_F(RecordQueriesTest, findsEachKindInItsGroup)
     EXPECT_EQ(records.last().module + records.last().detail, u"opsopen"_s);
 }
 
+TEST_F(RecordQueriesTest, theNewestCallsComeFirstEachWithItsFirstPart)
+{
+    m_db->exec("INSERT INTO call_recording(id, title, started_at, created_at, updated_at) VALUES('b','B',5000,1,1),"
+               "('a','A',5000,1,1),('old','Old',1,1,1);"
+               "INSERT INTO call_transcript(id, call_id, segment_index, text, created_at, updated_at) VALUES"
+               "('b2','b',2,'glaze two',1,1),('b1','b',1,'glaze one',1,1),('a1','a',1,'glaze one',1,1),"
+               "('a0','a',0,'nothing',1,1),('o','old',0,'glaze',1,1);");
+    EXPECT_EQ(found(u"glaze"_s), QStringList({ u"transcript A"_s, u"transcript B"_s, u"transcript Old"_s }));
+    EXPECT_EQ(found(u"glaze"_s, 2), QStringList({ u"transcript A"_s, u"transcript B"_s }));
+    const auto records = findRecords(*m_db, u"glaze"_s, { u"local"_s, 1500, 9 }).records;
+    EXPECT_EQ(records.at(0).text + records.at(1).text, u"glaze oneglaze one"_s);
+    EXPECT_EQ(found(u"in:transcripts from:ana"_s), QStringList(u"transcript About the kiln"_s));
+}
+
 TEST_F(RecordQueriesTest, narrowsByPersonPlaceAndTime)
 {
     EXPECT_EQ(found(u"from:ana"_s),

@@ -8,6 +8,7 @@ namespace corvane {
 
 TableText::TableText(const char* table, const QList<Part>& parts)
     : m_name(QString::fromLatin1(table).section(u' ', 0, 0))
+    , m_from(u"FROM %1\n"_s.arg(QLatin1StringView(table)))
 {
     QStringList read;
     QStringList written;
@@ -24,7 +25,7 @@ TableText::TableText(const char* table, const QList<Part>& parts)
         }
     }
     const QString comma = u", "_s;
-    m_select = u"SELECT %1\nFROM %2\n"_s.arg(read.join(comma), QLatin1StringView(table));
+    m_select = u"SELECT %1\n"_s.arg(read.join(comma)) + m_from;
     m_insertion = u"INSERT INTO %1(%2)\nVALUES(%3)"_s.arg(m_name, written.join(comma), values.join(u','));
 }
 

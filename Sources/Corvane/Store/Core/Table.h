@@ -32,6 +32,7 @@ class TableText {
 public:
     const QString& name() const { return m_name; } ///< without the alias
     const QString& select() const { return m_select; } ///< "SELECT {columns} FROM {table}" and a newline
+    const QString& from() const { return m_from; } ///< "FROM {table}" and a newline, the end of `select`
     const QString& insertion() const { return m_insertion; } ///< "INSERT INTO {table}({columns}) VALUES({values})"
 
 protected:
@@ -61,6 +62,7 @@ protected:
 
 private:
     QString m_name;
+    QString m_from;
     QString m_select;
     QString m_insertion;
 };

@@ -38,8 +38,11 @@ RecordSource call()
 /// For a call, the first part that contains the words.
 RecordSource transcript()
 {
+    const auto firstPart = uR"(JOIN call_transcript t ON t.rowid=(SELECT rowid FROM call_transcript
+  WHERE call_id=r.id AND text LIKE ?5 ESCAPE '\' ORDER BY segment_index LIMIT 1)
+)"_s;
     return { SearchGroup::Transcripts,
-        { "call_transcript t",
+        { "call_recording r",
             {
                 { "'transcript'", &FoundRecord::kind },
                 { "r.id", &FoundRecord::id },
@@ -49,8 +52,8 @@ RecordSource transcript()
                 { PIECE("t.text"), &FoundRecord::text },
                 { "r.started_at", &FoundRecord::ts },
             } },
-        u"JOIN call_recording r ON r.id=t.call_id\n"_s + ofPerson + living, { u"t.text"_s }, { person },
-        { u"r.title"_s }, u"r.started_at"_s, u"GROUP BY r.id ORDER BY r.started_at DESC, min(t.segment_index)"_s };
+        firstPart + ofPerson + living, { u"t.text"_s }, { person }, { u"r.title"_s }, u"r.started_at"_s,
+        u"ORDER BY r.started_at DESC, t.segment_index, r.id"_s };
 }
 
 RecordSource note()
