@@ -170,9 +170,44 @@ TEST_F(SearchIndexTest, aSweepFindsWhatOthersChanged)
     m_db->watch().messageChanges().take();
     m_db->watch().messageChanges().taken();
     EXPECT_EQ(find(u"afterwards"_s)->size(), 0);
-    EXPECT_FALSE(SearchIndex(m_path, m_never).sweep(*SqlConnection::reader(m_db->path(), m_never), 0));
+    EXPECT_FALSE(SearchIndex(m_path, m_never).sweep(*SqlConnection::reader(m_db->path(), m_never), 0, 1));
     expectTheSame(u"afterwards"_s);
     EXPECT_EQ(find(u"before"_s)->size(), 0);
+}
+
+// Another process, such as `corvane search`, learns from the rows what the index may not contain yet.
+TEST_F(SearchIndexTest, anotherProcessFindsTheRowsOfTheStatement)
+{
+    const qint64 now = m_clock.nowMs();
+    const auto update = [&](const char* sql) {
+        m_db->run(QString::fromLatin1(sql), { now });
+    };
+    const auto found = [&](const QString& words) {
+        const auto database = SqlConnection::reader(m_db->path(), m_never);
+        QStringList ids;
+        for (const MessageHit& hit : findMessages(*database, words, 9, std::nullopt, m_never).hits)
+            ids.append(hit.id);
+        return ids.join(u' ');
+    };
+    for (int number = 1; number < 5; ++number)
+        write(number, u"needle %1"_s.arg(number), number);
+    EXPECT_EQ(found(u"needle"_s), "m:4 m:3 m:2 m:1") << "there is no index";
+    EXPECT_FALSE(QFile::exists(m_path));
+    advance();
+    m_db->run("UPDATE unified_message SET body='unseen' WHERE id='m:1';");
+    EXPECT_EQ(found(u"unseen"_s), "m:1") << "it was never compared with the messages";
+    SearchIndex(m_path, m_never).sweep(*SqlConnection::reader(m_db->path(), m_never), 0, now);
+    m_db->run("UPDATE unified_message SET body='secret' WHERE id='m:1';");
+    EXPECT_EQ(found(u"secret"_s), QString()) << "the index answers; the row does not say that it changed";
+
+    update("UPDATE unified_message SET body='needlework', updated_at=? WHERE id='m:2';");
+    update("UPDATE unified_message SET deleted_at=1, updated_at=? WHERE id='m:3';");
+    update("INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at) VALUES('m:4','spoken',1,?);");
+    write(5, u"a new needle"_s, 5);
+    EXPECT_EQ(found(u"needle"_s), "m:5 m:4 m:2");
+    EXPECT_EQ(found(u"needlework"_s) + found(u"spoken"_s), "m:2m:4");
+    m_db->run("DELETE FROM unified_message WHERE id NOT IN ('m:1');");
+    EXPECT_EQ(found(u"secret"_s), "m:1") << "the index is another database's";
 }
 
 TEST_F(SearchIndexTest, theIndexerFollowsAndAFaultyFileIsBuiltAnew)

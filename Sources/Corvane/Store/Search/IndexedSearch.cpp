@@ -2,6 +2,7 @@
 
 #include "Foundation/Literals.h"
 #include "Store/Core/LikePattern.h"
+#include "Store/Search/SearchIndex.h"
 #include "Store/Search/SearchIndexFile.h"
 #include "Store/Search/TextTerms.h"
 
@@ -15,6 +16,8 @@ namespace {
 constexpr int mostNames = 400; ///< that are asked for; messages under more of them are found soon by reading on
 constexpr qsizetype firstChunk = 64; ///< times that are checked at once; the next chunk is four times as large
 constexpr qsizetype mostQuick = 1000; ///< times that are checked before it is better to ask for fewer
+constexpr int mostChanged = 20'000; ///< rows that are read one by one
+constexpr qint64 longestWriteMs = 60'000; ///< between the time that a row says and its commit
 
 /// The indexed names that match a LIKE pattern.
 QStringList names(SqlConnection& index, const QString& column, const QString& pattern)
@@ -128,6 +131,33 @@ QList<qint64> timesByIndex(
     return found;
 }
 
+/// The percentage of messages that the index covers while it is being built, else nothing.
+std::optional<int> percentBuilt(SqlConnection& index)
+{
+    const auto total = indexValue(index, u"total"_s);
+    if (!total || indexValue(index, u"complete"_s).value_or(0) != 0)
+        return std::nullopt;
+    return int(std::min<qint64>(99, 100 * indexValue(index, u"indexed"_s).value_or(0) / std::max<qint64>(*total, 1)));
+}
+
+/// Nothing if it is not known, or if reading every message is better.
+std::optional<MessageChanges::Rows> changedSinceSweep(SqlConnection& database, SqlConnection& index)
+{
+    const auto swept = indexValue(index, u"swept"_s);
+    if (!swept)
+        return std::nullopt;
+    const auto rowids = [&](const char* table) {
+        const QList<qint64> rows
+            = database.rows(u"SELECT rowid FROM %1 WHERE updated_at >= ? LIMIT ?;"_s.arg(QLatin1StringView(table)),
+                { *swept - longestWriteMs, mostChanged + 1 }, [](const SqlRow& row) { return row.integer(0); });
+        return QSet<qint64>(rows.begin(), rows.end());
+    };
+    const MessageChanges::Rows changed { rowids("unified_message"), rowids("audio_transcript") };
+    if (database.failure() != 0 || std::max(changed.messages.size(), changed.transcripts.size()) > mostChanged)
+        return std::nullopt;
+    return changed;
+}
+
 /// Whether the index contains every message up to `newest`, a rowid of the database.
 bool isComplete(SqlConnection& database, SqlConnection& index, qint64 newest)
 {
@@ -170,12 +200,21 @@ std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConne
     return searchMessagesAt(database, query, times, limit);
 }
 
-std::optional<int> percentBuilt(SqlConnection& index)
+FoundMessages findMessages(SqlConnection& database, const SearchQuery& query, int limit,
+    const std::optional<MessageChanges::Rows>& changed, const std::shared_ptr<const std::atomic<bool>>& stopped)
 {
-    const auto total = indexValue(index, u"total"_s);
-    if (!total || indexValue(index, u"complete"_s).value_or(0) != 0)
-        return std::nullopt;
-    return int(std::min<qint64>(99, 100 * indexValue(index, u"indexed"_s).value_or(0) / std::max<qint64>(*total, 1)));
+    FoundMessages found;
+    const auto index = SqlConnection::reader(SearchIndex::pathBeside(database.path()), stopped);
+    if (const auto known = changed ? changed : changedSinceSweep(database, *index)) {
+        if (const auto hits = searchByIndex(database, *index, query, limit, *known)) {
+            found.hits = *hits;
+            return found;
+        }
+    }
+    found.indexPercent = percentBuilt(*index);
+    found.hits = searchMessages(database, query, limit);
+    found.failed = database.failure() != 0;
+    return found;
 }
 
 }

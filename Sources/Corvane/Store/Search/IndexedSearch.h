@@ -10,7 +10,15 @@ namespace corvane {
 std::optional<QList<MessageHit>> searchByIndex(SqlConnection& database, SqlConnection& index, const SearchQuery& query,
     int limit, const MessageChanges::Rows& changed);
 
-/// The percentage of messages that the index covers while it is being built, else nothing.
-std::optional<int> percentBuilt(SqlConnection& index);
+struct FoundMessages {
+    QList<MessageHit> hits;
+    std::optional<int> indexPercent; ///< how much the search index covers, while it is being built
+    bool failed = false; ///< the database could not be read
+};
+
+/// The rows of `searchMessages`, found by the index beside the database if it can answer. Without `changed`, which only
+/// the program that keeps the index knows, the database is asked for what changed since the index was last compared.
+FoundMessages findMessages(SqlConnection& database, const SearchQuery& query, int limit,
+    const std::optional<MessageChanges::Rows>& changed, const std::shared_ptr<const std::atomic<bool>>& stopped);
 
 }

@@ -1,15 +1,9 @@
 #pragma once
 
 #include "Store/Core/LatestRead.h"
-#include "Store/Search/SearchQueries.h"
+#include "Store/Search/IndexedSearch.h"
 
 namespace corvane {
-
-struct FoundMessages {
-    QList<MessageHit> hits;
-    std::optional<int> indexPercent; ///< how much the search index covers, while it is being built
-    bool failed = false; ///< the database could not be read
-};
 
 /// Searches all messages on a background thread. A newer search cancels an older one.
 class MessageSearch {

@@ -261,7 +261,7 @@ void SearchIndex::takeChanged(SqlConnection& database, const MessageChanges::Row
         changed.transcripts);
 }
 
-std::optional<qint64> SearchIndex::sweep(SqlConnection& database, qint64 from)
+std::optional<qint64> SearchIndex::sweep(SqlConnection& database, qint64 from, qint64 startedMs)
 {
     if (!isOpen() || !database.isOpen())
         return std::nullopt;
@@ -269,6 +269,8 @@ std::optional<qint64> SearchIndex::sweep(SqlConnection& database, qint64 from)
     const QList<Document> batch = documents(database, u"m.rowid > ? ORDER BY m.rowid LIMIT ?"_s, { from, sweepRows });
     for (const Document& document : batch)
         add(document);
+    if (batch.size() < sweepRows && database.failure() == 0)
+        setValue(u"swept"_s, startedMs);
     const bool kept = commit();
     return kept && batch.size() == sweepRows ? std::optional(batch.last().rowid) : std::nullopt;
 }

@@ -36,8 +36,9 @@ public:
     IndexState advance(SqlConnection& database, const MessageChanges::Rows& changed);
 
     /// Compares a batch of messages, starting at `from`, with the index, and indexes those that differ: finds changes
-    /// by other programs. Returns the rowid to continue from, nothing at the end.
-    std::optional<qint64> sweep(SqlConnection& database, qint64 from);
+    /// by other programs. Returns the rowid to continue from, nothing at the end. `startedMs` is when the sweep began,
+    /// which is kept at its end.
+    std::optional<qint64> sweep(SqlConnection& database, qint64 from, qint64 startedMs);
 
 private:
     struct Document {

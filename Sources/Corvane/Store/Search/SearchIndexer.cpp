@@ -94,11 +94,11 @@ void SearchIndexer::sweep()
         m_sweptMs = m_scheduler.nowMs();
     m_working = true;
     m_queue.run<std::optional<qint64>>(
-        [path = m_db.path(), from = *m_sweepFrom, stopped = m_stopped]() -> std::optional<qint64> {
+        [path = m_db.path(), from = *m_sweepFrom, since = *m_sweptMs, stopped = m_stopped]() -> std::optional<qint64> {
             if (stopped->load())
                 return std::nullopt;
             SearchIndex index(SearchIndex::pathBeside(path), stopped);
-            return index.sweep(*SqlConnection::reader(path, stopped), from);
+            return index.sweep(*SqlConnection::reader(path, stopped), from, since);
         },
         [this](std::optional<qint64> rowid) { sweptTo(rowid); });
 }
