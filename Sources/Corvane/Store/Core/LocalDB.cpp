@@ -78,14 +78,21 @@ bool LocalDB::openFile()
     QDir().mkpath(QFileInfo(path()).path());
     if (!SqlConnection::openFile(Access::ReadWrite))
         return false;
+    sqlite3_busy_timeout(m_db, busyTimeoutMs); // first: another program may be starting, too
     exec(u"PRAGMA journal_mode=WAL;"_s);
-    exec(u"PRAGMA busy_timeout=%1;"_s.arg(busyTimeoutMs));
     exec(u"PRAGMA foreign_keys=ON;"_s);
     // A savepoint per line copies every page that it changes. In a temporary file that takes a third of the time.
     exec(u"PRAGMA temp_store=MEMORY;"_s);
     exec(u"PRAGMA cache_size=-16384;"_s); // KiB
     sqlite3_update_hook(m_db, noteChange, &m_watch->messageChanges());
+    // Of several programs that start at once, each sees what the others have added. Waiting once is enough.
+    const Statement lock = prepare("BEGIN IMMEDIATE;");
+    if (!lock || step(lock.get()) != SQLITE_DONE)
+        sqlite3_busy_timeout(m_db, frameMs);
     applySchema(*this, m_schema);
+    if (inTransaction())
+        exec(u"COMMIT;"_s);
+    sqlite3_busy_timeout(m_db, busyTimeoutMs);
     return true;
 }
 
