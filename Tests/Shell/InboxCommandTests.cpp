@@ -1,6 +1,7 @@
 #include "Shell/InboxCommand.h"
 
 #include "Foundation/Json.h"
+#include "Platform/ProfileLock.h"
 #include "Shell/CommandLine.h"
 #include "Shell/TerminalText.h"
 #include "Store/Messages/IngestQueries.h"
@@ -77,6 +78,20 @@ TEST_F(InboxAtTheTerminal, whatIsSentWaitsForAPerson)
         QStringList({ u"From a pipe|pending"_s, u"See you|pending"_s }));
     EXPECT_TRUE(run(printStatus, {})
             .startsWith(u"0: Corvane does not run.\n2 unread messages.\n2 messages wait in Approvals.\n"_s));
+}
+
+TEST_F(InboxAtTheTerminal, whatCannotBeUsedIsSaidInPlainWords)
+{
+    m_db.reset();
+    ASSERT_TRUE(QFile::resize(path(), 5000));
+    const QString unusable = u"1: The database cannot be used. corvane doctor says why, and what to do.\n"_s;
+    EXPECT_EQ(run(printStatus, {}), unusable);
+    EXPECT_EQ(run(searchInbox, { u"kiln"_s }), unusable);
+    ASSERT_TRUE(QFile::remove(path()));
+    EXPECT_TRUE(run(printStatus, {}).startsWith(u"1: There is no database at "_s));
+    const auto starting = ProfileLock::take(m_home.paths().applicationSupport);
+    EXPECT_EQ(run(printStatus, {}), "1: Corvane is starting. Try again.\n");
+    EXPECT_EQ(m_log.lines(), QStringList());
 }
 
 TEST(CommandLine, everyCommandStandsInTheManualAndTheCompletions)

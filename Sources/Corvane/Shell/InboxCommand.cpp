@@ -14,12 +14,14 @@
 #include "Presentation/DateWords.h"
 #include "Shell/TerminalText.h"
 #include "Store/Approvals/OutboundQueries.h"
+#include "Store/Core/StoreHealth.h"
+#include "Store/Core/Upkeep.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/Messages/InboxQueries.h"
 #include "Store/Messages/ThreadQueries.h"
 #include "Store/People/IdentityQueries.h"
+#include "Store/Search/IndexedSearch.h"
 #include "Store/Search/RecordQueries.h"
-#include "Store/Search/SearchQueries.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -38,6 +40,25 @@ constexpr int usualLimit = 30;
 constexpr int mostPeople = 100'000;
 constexpr int snippetLength = 60;
 
+/// Why the profile's database cannot be used; empty if it can.
+QString troubleWith(const AppPaths& paths)
+{
+    const QString path = paths.database();
+    const QFileInfo folder(paths.applicationSupport);
+    const bool isOpenToUs = !folder.exists() || (folder.isWritable() && folder.isExecutable());
+    if (isOpenToUs && !QFileInfo::exists(path))
+        return folder.exists() && !ProfileLock::take(paths.applicationSupport)
+            ? u"Corvane is starting. Try again."_s
+            : u"There is no database at %1."_s.arg(path);
+    const auto reader = SqlConnection::reader(path, std::make_shared<std::atomic<bool>>(false));
+    tableColumns(*reader);
+    if (isOpenToUs && reader->failure() == 0 && QFileInfo(path).isWritable())
+        return {};
+    if (storeFault(reader->failure()) == StoreFault::None && mayPass(reader->failure()))
+        return u"Another program holds the database. Try again later."_s;
+    return u"The database cannot be used. corvane doctor says why, and what to do."_s;
+}
+
 /// The database of an existing profile, and the options that these commands share.
 class Inbox {
 public:
@@ -52,7 +73,8 @@ public:
         asJson = parser.isSet(json);
         limit = parser.value(most).toInt();
         words = parser.positionalArguments().join(u' ');
-        if (!isUnderstood || !QFileInfo::exists(call.paths.database()))
+        m_trouble = isUnderstood ? troubleWith(call.paths) : QString();
+        if (!isUnderstood || !m_trouble.isEmpty())
             return;
         keepFilesPrivate({ call.paths.applicationSupport });
         db = std::make_unique<LocalDB>(call.paths.database(),
@@ -66,9 +88,9 @@ public:
             m_call.errors << "Usage: corvane " << usage << '\n';
             return wrongUse;
         }
-        if (db && db->isOpen())
+        if (m_trouble.isEmpty())
             return std::nullopt;
-        m_call.errors << "There is no database at " << m_call.paths.database() << ".\n";
+        m_call.errors << m_trouble << '\n';
         return 1;
     }
 
@@ -87,6 +109,7 @@ public:
 
 private:
     const TextCall& m_call;
+    QString m_trouble;
 
 public:
     SystemScheduler scheduler;
@@ -249,8 +272,10 @@ int searchInbox(const TextCall& call)
         call.errors << query.hint << '\n';
         return wrongUse;
     }
-    const auto hits
-        = query.asksFor(SearchGroup::Messages) ? searchMessages(db, query, inbox.limit) : QList<MessageHit>();
+    const auto never = std::make_shared<std::atomic<bool>>(false);
+    const QList<MessageHit> hits = query.asksFor(SearchGroup::Messages)
+        ? findMessages(db, query, inbox.limit, {}, never).hits
+        : QList<MessageHit>();
     const QList<FoundRecord> records = findRecords(db, query, { activeWorkspaceId(db), now, inbox.limit }).records;
     const int code = hits.isEmpty() && records.isEmpty() ? 1 : 0; // as grep does
     if (inbox.asJson) {
