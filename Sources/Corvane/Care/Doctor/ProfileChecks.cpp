@@ -116,9 +116,13 @@ std::optional<QString> fixes::folders(const CheckedProfile& profile)
 
 CheckResult checks::accounts(const CheckedProfile& profile)
 {
-    if (!profile.accounts)
-        return { Health::Failure, u"%1/accounts.json cannot be read."_s.arg(profile.paths.applicationSupport),
-            u"Restore it from a backup, or connect the accounts again: a copy is kept before it is overwritten."_s };
+    if (!profile.accounts) {
+        const QString path = profile.paths.applicationSupport + u"/accounts.json"_s;
+        return { Health::Failure, u"%1 cannot be read."_s.arg(path),
+            QFileInfo(path).isReadable()
+                ? u"Restore it from a backup, or connect the accounts again: a copy is kept before it is overwritten."_s
+                : u"You need permission to read and write it: corvane doctor --fix sets it."_s };
+    }
     const auto paused = std::ranges::count_if(
         *profile.accounts, [](const Account& account) { return account.paused.value_or(false); });
     const QString count = countWords(profile.accounts->size(), u"account"_s, u"accounts"_s);

@@ -92,6 +92,10 @@ CheckResult checks::database(const CheckedProfile& profile)
     if (const auto aside = awaitingChoice(path))
         return { Health::Failure, u"It was damaged and moved to %1; nothing has replaced it."_s.arg(*aside),
             u"Start Corvane and choose what replaces it, or run corvane --recover save."_s };
+    const QFileInfo folder(profile.paths.applicationSupport);
+    if (folder.exists() && !folder.isExecutable())
+        return { Health::Failure, u"Its folder cannot be entered: %1"_s.arg(folder.filePath()),
+            u"You need permission to read and write it: corvane doctor --fix sets it."_s };
     if (!isThere(profile))
         return { Health::Good, u"There is none yet. The first start creates it."_s };
     const auto db = reader(profile);
