@@ -1,4 +1,4 @@
-// An agent of the demonstration: another process that leaves work for a person in the database and acts on nothing.
+// A demo agent: another process that leaves work for the user in the database and does nothing else.
 
 import { randomUUID } from "node:crypto";
 import { readdirSync, statSync } from "node:fs";
@@ -13,7 +13,7 @@ function fail(message: string): never {
   process.exit(1);
 }
 
-/** The database of the demonstration that was started last. */
+/** The database of the demo that was started last. */
 function newestDemonstration(): string {
   const found = readdirSync(tmpdir())
     .filter((name) => name.startsWith("corvane-demo."))
@@ -29,7 +29,7 @@ function activeWorkspace(db: DatabaseSync): string {
   return row ? String(row.workspace_id) : "local";
 }
 
-/** The customer who asks whether his plates stack; where he has not written, whoever wrote last. */
+/** The customer who asks whether his plates stack; if he has not written, the last person who wrote. */
 function somebody(db: DatabaseSync, workspace: string) {
   return (
     db
@@ -82,7 +82,7 @@ const actions = {
   },
 };
 
-/** Two agents at work: a row every few seconds, as docs/work-records.md tells it. */
+/** Two agents at work: a row every few seconds, as described in docs/work-records.md. */
 async function playDay(db: DatabaseSync, pause: number): Promise<string> {
   const tag = randomUUID().slice(0, 8);
   const context = "ctx:ops:november-invoices";

@@ -1,4 +1,4 @@
-// Recorded calls: their rows, their sound, and what stands beside it.
+// Recorded calls: their rows, audio, and the files beside it.
 
 import { mkdirSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
@@ -10,7 +10,7 @@ export interface RecordedCall {
   error?: string;
   days: number;
   seconds: number;
-  /** Who speaks when, in seconds; none for a call that was not transcribed. */
+  /** Who speaks when, in seconds; missing for a call without a transcript. */
   turns: { start: number; end: number; mine: boolean; text: string }[];
   summary: string;
   marks: number[];
@@ -20,7 +20,7 @@ export interface RecordedCall {
 
 type Insert = (table: string, row: Record<string, string | number>) => void;
 
-const stretch = 0.3; // seconds of one value of the waveform
+const stretch = 0.3; // seconds per value of the waveform
 
 export function writeCall(root: string, id: string, call: RecordedCall, at: number, own: Record<string, string>, insert: Insert): void {
   const date = new Date(at);
@@ -96,7 +96,7 @@ function writeFiles(folder: string, call: RecordedCall): { mic: string; system: 
   };
 }
 
-/** A byte for every stretch: how loud it is. */
+/** The loudness of each interval, in a byte. */
 function waveform(seconds: number, stretches: readonly { start: number; end: number }[]): Buffer {
   const levels = Buffer.alloc(Math.ceil(seconds / stretch));
   for (let i = 0; i < levels.length; i++) {

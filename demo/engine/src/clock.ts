@@ -1,11 +1,11 @@
-// What time it is in the demonstration.
+// The time in the demo.
 
 export const minute = 60_000;
 export const day = 24 * 60 * minute;
 
 export interface Clock {
   now(): number;
-  /** Runs `then` after `milliseconds`; at once where the demonstration stands still. */
+  /** Runs `then` after `milliseconds`; at once if the clock is frozen. */
   after(milliseconds: number, then: () => void): void;
   readonly still: boolean;
 }
@@ -31,7 +31,7 @@ export function clockFrom(environment: NodeJS.ProcessEnv): Clock {
   };
 }
 
-/** That hour of the day, so many days before `now`, in local time. */
+/** That hour of the day, this many days before `now`, in local time. */
 export function daysBefore(now: number, days: number, hour: number, minutes: number): number {
   const date = new Date(now);
   date.setDate(date.getDate() - days);

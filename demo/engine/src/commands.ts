@@ -1,4 +1,4 @@
-// What an engine does when the desktop asks for something.
+// Handles commands from the desktop.
 
 import { copyFileSync, mkdirSync } from "node:fs";
 import { dirname, extname, isAbsolute } from "node:path";
@@ -19,7 +19,7 @@ export class Commands {
     this.engine = engine;
   }
 
-  /** A command that makes no sense here is passed over. */
+  /** Commands that make no sense here are ignored. */
   handle(command: Command): void {
     switch (command.cmd) {
       case "send":
@@ -45,7 +45,7 @@ export class Commands {
     if (!this.engine.isOpen) return this.refuse(name, "Not connected yet");
     if (chatId === "" || text.trim() === "") return this.refuse(name, "There is nothing to send");
     const { drafts } = this.engine.memory;
-    // A retry of what went out already, though the desktop did not hear of it.
+    // A retry of what was sent already, if the desktop missed the answer.
     const key = name && Object.values(name)[0];
     if (name && key && drafts[key]?.text === text) return this.acknowledge(name, drafts[key].id);
     const conversation = this.conversationWith(chatId);
@@ -113,7 +113,7 @@ export class Commands {
     }
   }
 
-  /** Small talk from the month before the page after it, oldest first. */
+  /** Small talk from the month before the following page, oldest first. */
   private olderMessages(conversation: Conversation, page: number, size: number): Message[] {
     const { channel } = this.engine.profile;
     const random = randomFrom(`older/${channel}/${conversation.handle}/${page}`);
@@ -160,7 +160,7 @@ export class Commands {
     if (conversation !== undefined) this.engine.showPicture(conversation);
   }
 
-  /** Two times out of three somebody writes back, a few seconds later. */
+  /** In two of three cases somebody answers a few seconds later. */
   private sometimesAnswer(conversation: Conversation): void {
     const { clock, random } = this.engine;
     const isPerson = this.engine.conversations.includes(conversation) && conversation.picture !== "mark";
@@ -173,7 +173,7 @@ export class Commands {
     });
   }
 
-  /** Counted in the memory, so that no restart gives an id twice. */
+  /** The counter is in the memory file, so ids stay unique after a restart. */
   private nextSentId(chatId: string): string {
     const { memory, profile } = this.engine;
     memory.sent += 1;
@@ -181,7 +181,7 @@ export class Commands {
     return messageId(profile.channel, chatId, `${memory.since}/sent/${memory.sent}`);
   }
 
-  /** Somebody new is called by what the handle tells. */
+  /** A new person is named after the handle. */
   private conversationWith(chatId: string): Conversation {
     const known = this.engine.conversations.find(({ handle }) => handle === chatId);
     if (known !== undefined) return known;

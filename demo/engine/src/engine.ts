@@ -1,4 +1,4 @@
-// One demonstration engine: it pairs, tells its history, and goes on talking.
+// A demo engine: it pairs, reports its history, and keeps talking.
 
 import { clockFrom, minute, type Clock } from "./clock.ts";
 import { Commands } from "./commands.ts";
@@ -17,13 +17,13 @@ export interface Profile {
   /** The signed-in identity. */
   user: string;
   needsPairing: boolean;
-  /** Seconds between two live lines, at least and at most. */
+  /** Minimum and maximum seconds between two live lines. */
   beat: readonly [number, number];
-  /** How many live lines until it falls silent. */
+  /** The number of live lines before it stops. */
   liveTotal: number;
 }
 
-/** How many messages of a conversation come with the history; what is older follows, so many a second. */
+/** How many messages per conversation come with the history; older ones follow at a fixed rate per second. */
 const atOnce = 100;
 const olderPerSecond = 12;
 
@@ -46,7 +46,7 @@ export class Engine {
   readonly random: Random;
   readonly commands: Commands;
   isOpen = false;
-  /** Once the history is out; commands wait for it. */
+  /** Resolves when the history is printed; commands wait for it. */
   told: Promise<void> = Promise.resolve();
 
   constructor(profile: Profile, clock: Clock) {
@@ -65,7 +65,7 @@ export class Engine {
     else this.open();
   }
 
-  /** Shows two codes, as a phone that takes its time would see, and is then taken for scanned. */
+  /** Shows two codes, as with a slow phone, and then counts as scanned. */
   private pair(): void {
     const seconds = pairingSeconds(process.env.CORVANE_DEMO_PAIRING_SECONDS, this.clock.still);
     const showCode = (): void => emit({ type: "qr", qr: pairingCode(this.random) });
@@ -80,7 +80,7 @@ export class Engine {
     setTimeout(() => this.prepareMedia(), 50);
   }
 
-  /** Draws the pictures while the code is on the screen, one a turn of the loop. */
+  /** Draws the pictures while the code is shown, one per turn of the event loop. */
   private prepareMedia(): void {
     const wanted = this.conversations.flatMap((conversation) => [
       ...conversation.history.flatMap(({ media }) =>
@@ -113,7 +113,7 @@ export class Engine {
     this.save();
     await this.tellHistory();
     this.keepRecords();
-    // What the desktop has not stored yet is told again at the next start.
+    // What the desktop has not stored yet is reported again at the next start.
     let said = this.memory.said;
     for (const { conversation, message } of unread.slice(said)) {
       said += 1;
@@ -146,7 +146,7 @@ export class Engine {
     return () => this.kept(number);
   }
 
-  /** The messages of everybody first, so that the list fills at once; then names and faces. */
+  /** Everyone's messages first, so that the list fills at once; then names and faces. */
   private async tellHistory(): Promise<void> {
     const older: (() => void)[] = [];
     for (const conversation of this.conversations) {
@@ -166,7 +166,7 @@ export class Engine {
     }
   }
 
-  /** The years before, newest first and a few a second: what happens now does not wait behind them. */
+  /** Messages of earlier years, newest first and a few per second, so that live ones do not wait. */
   private tellOlder(older: (() => void)[]): void {
     if (older.length === 0) return;
     this.clock.after(1000, async () => {
@@ -178,7 +178,7 @@ export class Engine {
     });
   }
 
-  /** Once, and by one engine of the three. A face that is shown again makes the desktop look. */
+  /** Once, and by only one of the three engines. Reporting a face again makes the desktop reload it. */
   private keepRecords(): void {
     if (this.profile.channel !== "whatsapp" || this.memory.recorded) return;
     writeRecords(this.memory.since, () => {
@@ -218,7 +218,7 @@ export class Engine {
     };
     if (!message.outgoing) event.sender = message.sender ?? conversation.name;
     if (message.media !== undefined) {
-      event.mediaType = message.media.kind as MediaType; // the desktop also shows a kind that it has no word for
+      event.mediaType = message.media.kind as MediaType; // the desktop can also show unknown kinds
       if (message.media.state === "there") event.mediaPath = this.library.file(message.media);
     }
     if (how === "historical") event.historical = true;
@@ -230,7 +230,7 @@ export class Engine {
     }
   }
 
-  /** 1 on its way, 2 at the server, 3 delivered, 4 read; only WhatsApp tells more than the first. */
+  /** 1 on its way, 2 at the server, 3 delivered, 4 read; only WhatsApp reports more than the first. */
   followDelivery(id: string): void {
     const steps = this.profile.channel === "whatsapp" ? [0, 400, 1500, 4500] : [0];
     steps.forEach((delay, index) => {
@@ -256,7 +256,7 @@ function pairingSeconds(named: string | undefined, still: boolean): number {
   return still ? 0 : 6;
 }
 
-/** Of the shape that a phone would scan; it leads nowhere. */
+/** Looks like a code that a phone would scan, but leads nowhere. */
 function pairingCode(random: Random): string {
   const key = (): string => Buffer.from(Array.from({ length: 32 }, () => random.whole(0, 255))).toString("base64");
   return `2@${[key() + key(), key(), key(), key()].join(",")}`;

@@ -1,4 +1,4 @@
-// The order in which things happen while the demonstration runs.
+// The order of events while the demo runs.
 
 import { randomFrom, type Random } from "./random.ts";
 import { messageId, type Conversation, type Turn } from "./script.ts";
@@ -7,11 +7,11 @@ import { exchanges } from "./small-talk.ts";
 export interface LiveTurn {
   conversation: Conversation;
   turn: Turn;
-  /** The same talk goes on, so it comes sooner than a new one. */
+  /** The next line of the same talk comes sooner than a new talk. */
   goesOn: boolean;
 }
 
-/** Conversations take turns with a line or two, first what their scripts hold and then small talk: `total` at most. */
+/** Conversations take turns with a line or two, first from their scripts, then small talk: at most `total`. */
 export function liveTurns(channel: string, since: number, conversations: Conversation[], total: number): LiveTurn[] {
   const random = randomFrom(`live/${channel}`);
   const waiting = conversations.map((conversation) => {
@@ -28,7 +28,7 @@ export function liveTurns(channel: string, since: number, conversations: Convers
   return turns.slice(0, total);
 }
 
-/** Each talk of the language once; groups and machines have none. */
+/** Each talk of the language once; not in groups or with machines. */
 function smallTalk(channel: string, since: number, conversation: Conversation, random: Random): Turn[] {
   const { handle, isGroup, isQuiet, language, picture } = conversation;
   if (isGroup || isQuiet || picture === "mark") return [];

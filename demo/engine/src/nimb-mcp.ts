@@ -1,3 +1,3 @@
-// The demonstration has the real tool server: it works on the profile's database, whoever filled it.
+// The demo uses the real tool server on its profile's database.
 
 import "../../../mac/engine/src/nimb-mcp.ts";

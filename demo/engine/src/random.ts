@@ -1,11 +1,11 @@
-// Chance that repeats: the same seed gives the same run.
+// Repeatable randomness: the same seed gives the same run.
 
 import { createHash } from "node:crypto";
 
 export interface Random {
-  /** From `low` up to, and without, `high`. */
+  /** At least `low`, below `high`. */
   between(low: number, high: number): number;
-  /** A whole number from `low` to `high`, both included. */
+  /** An integer from `low` to `high`, inclusive. */
   whole(low: number, high: number): number;
   pick<T>(values: readonly T[]): T;
   shuffled<T>(values: readonly T[]): T[];
@@ -36,7 +36,7 @@ export function randomFrom(seed: string): Random {
   };
 }
 
-/** A short name for a text, the same each time. */
+/** A short, stable name for a text. */
 export function digest(text: string, length: number): string {
   return createHash("sha256").update(text).digest("hex").slice(0, length);
 }

@@ -1,6 +1,6 @@
-// What stands beside the messages: people merged from several channels, deals, notes, tasks, a call, and what agents
-// remember. It is written straight into the database, as any other program on this machine may, once the messages
-// of everybody that it speaks of are there.
+// Records beside the messages: people merged from several channels, deals, notes, tasks, a call, and what agents
+// remember. They are written directly to the database, as any program on this machine may do, once the messages of
+// everyone they mention are there.
 
 import { existsSync } from "node:fs";
 import { homedir } from "node:os";
@@ -15,7 +15,7 @@ import { writeWork } from "./work.ts";
 
 export interface Person {
   contact: string;
-  /** Who else they are; their conversations are moved to the contact. */
+  /** The person's other contacts, whose conversations are moved to this one. */
   same: string[];
   memory: string[];
   deals: { name: string; company: string; stage: string; value: string; days: number }[];
@@ -27,7 +27,7 @@ export interface Person {
 const patience = minute;
 const period = 200;
 
-/** Whose conversations are played here; beside a real mailbox nobody's mail is. */
+/** The accounts whose conversations are simulated; with a real mailbox, mail is not. */
 const channels = ["whatsapp", "telegram", ...(process.env.CORVANE_MAIL_AUTOCONFIG ? [] : ["email"])];
 
 function isPlayed(contact: string): boolean {
@@ -41,7 +41,7 @@ export function readRecords(): Person[] {
     .map((person) => ({ ...person, same: person.same.filter(isPlayed) }));
 }
 
-/** Calls `done` after the records were written; never where there is no database, or nobody comes within a minute. */
+/** Calls `done` after the records were written; never if there is no database, or no messages within a minute. */
 export function writeRecords(since: number, done: () => void): void {
   const path = join(process.env.XDG_DATA_HOME || join(homedir(), ".local", "share"), "Corvane", "nimblocal.db");
   if (!existsSync(path)) return;
@@ -68,11 +68,11 @@ export function writeRecords(since: number, done: () => void): void {
       };
       attempt();
     },
-    () => undefined, // a Node without SQLite: the demonstration goes on without the records
+    () => undefined, // a Node without SQLite: the demo continues without the records
   );
 }
 
-/** The last message of the history of each conversation that the records speak of. */
+/** The last history message of each conversation that the records mention. */
 function newestMessages(people: Person[], since: number): string[] {
   const wanted = new Set(people.flatMap(({ contact, same }) => [contact, ...same]));
   return channels.flatMap((channel) =>
@@ -86,7 +86,7 @@ function holdsMessage(database: DatabaseSync, id: string): boolean {
   return database.prepare("SELECT 1 FROM unified_message WHERE provider_msg_id=?;").get(id) !== undefined;
 }
 
-/** All or nothing; a second time changes nothing. */
+/** All or nothing; running it again changes nothing. */
 function write(database: DatabaseSync, people: Person[], since: number, callFolder: string): void {
   const workspace = String(
     database.prepare("SELECT workspace_id FROM contact WHERE id=?;").get(people[0].contact)?.workspace_id ?? "local",

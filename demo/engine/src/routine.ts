@@ -1,11 +1,11 @@
-// Lines that machines and habits write: kiln reports, the evening round, shop orders.
+// Lines from machines and routines: kiln reports, the evening round, shop orders.
 
 import type { Random } from "./random.ts";
 
 export interface RoutineLine {
   text: string;
   sender?: string;
-  /** The hour of the day at which it always comes. */
+  /** The hour of the day at which it occurs. */
   hour?: number;
 }
 
@@ -50,7 +50,7 @@ const goods: readonly (readonly [name: string, price: number])[] = [
   ["Seconds box, surprise", 60],
 ];
 
-/** The line of that kind and number in its row; throws on a kind that nobody writes. */
+/** The line of that kind and number; throws on an unknown kind. */
 export function routineLine(kind: string, index: number, random: Random): RoutineLine {
   switch (kind) {
     case "kiln-log":

@@ -1,4 +1,4 @@
-// Reads the conversations of content/*.chat; the README tells how they are written.
+// Parses the conversations in content/*.chat; the README describes their format.
 
 import { daysBefore, day, minute } from "./clock.ts";
 import { digest, randomFrom, type Random } from "./random.ts";
@@ -10,17 +10,17 @@ export type MediaKind = "image" | "audio" | "video" | "document" | "sticker" | "
 export interface Media {
   kind: MediaKind;
   asset: string;
-  /** "there": on disk; "remote": comes when asked for; "lost": never comes. */
+  /** "there": on disk; "remote": delivered on request; "lost": never delivered. */
   state: "there" | "remote" | "lost";
 }
 
 export interface Message {
   id: string;
   outgoing: boolean;
-  /** In a group, which of the others wrote it. */
+  /** In a group, the member who wrote it. */
   sender?: string;
   body: string;
-  /** Milliseconds since the epoch; 0 for a live line, which happens when it is said. */
+  /** Milliseconds since the epoch; 0 for a live line, which gets the time when it is printed. */
   at: number;
   media?: Media;
   reaction?: string;
@@ -36,12 +36,12 @@ export interface Conversation {
   language: string;
   isGroup: boolean;
   inAddressBook: boolean;
-  /** Says nothing while the demonstration runs. */
+  /** Has no live lines. */
   isQuiet: boolean;
   picture: "none" | "portrait" | "mark";
-  /** What a portrait shows, such as "bun grey fair glasses". */
+  /** The description of a portrait, such as "bun grey fair glasses". */
   look: string;
-  /** "announced" with the history, or only "asked" for. */
+  /** "announced" with the history, or only sent when "asked" for. */
   pictureComes: "announced" | "asked";
   history: Message[];
   unread: Message[];
@@ -58,14 +58,14 @@ const kinds: Record<MediaKind, string> = {
 };
 const states: Record<string, Media["state"]> = { "": "there", "?": "remote", "!": "lost" };
 
-/** The provider's id of a message; `key` names its place in the conversation. */
+/** The provider's id of a message; `key` identifies its position in the conversation. */
 export function messageId(channel: string, handle: string, key: string): string {
   const name = digest(`${channel}/${handle}/${key}`, 20);
   if (channel === "whatsapp") return "3EB0" + name.toUpperCase();
   return channel === "email" ? `${name}@mail.tallervidal.example` : `tg-${name}`;
 }
 
-/** The conversations of a script, their times counted back from `now`; throws on a line that it does not know. */
+/** The conversations of a script, with times relative to `now`; throws on a line that it cannot parse. */
 export function readScript(channel: string, script: string, now: number): Conversation[] {
   const reader = new Reader(channel, now);
   script.split("\n").forEach((line, index) => {

@@ -1,4 +1,4 @@
-/** The name of an account in folders, made from what the user called it. */
+/** The account's name in folders, derived from the name that the user gave it. */
 export function slugOf(name: string): string {
   return (
     name

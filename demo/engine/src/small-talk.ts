@@ -9,14 +9,14 @@ export interface Said {
 
 const sections = readSections(contentOf("small-talk.txt"));
 
-/** Short talks of two to four lines; in English where the language has none. */
+/** Short talks of two to four lines; in English if the language has none. */
 export function exchanges(language: string): Said[][] {
   return section(language, "exchanges").map((talk) =>
     talk.split("\n").map((line) => ({ outgoing: line.startsWith("> "), text: line.slice(2) })),
   );
 }
 
-/** What somebody answers to anything. */
+/** Answers that fit any message. */
 export function replies(language: string): string[] {
   return section(language, "replies")[0].split("\n");
 }
@@ -25,7 +25,7 @@ function section(language: string, what: string): string[] {
   return sections.get(`${language} ${what}`) ?? sections.get(`en ${what}`) ?? [];
 }
 
-/** "[name]" begins a section; an empty line parts its entries. */
+/** "[name]" starts a section; an empty line separates its entries. */
 function readSections(text: string): Map<string, string[]> {
   const found = new Map<string, string[]>();
   for (const part of text.split(/^\[/m).slice(1)) {

@@ -1,4 +1,4 @@
-// The two byte streams of a demonstration engine, on those of the real ones. What it prints waits for no pipe: `drained` does.
+// The two streams of a demo engine, based on those of the real ones. Output is not awaited; `drained` is.
 
 import type { EngineEvent } from "../../../mac/engine/src/lib/events.ts";
 import { closeOutput, emit as printNumbered, readCommands, whenStored, type Command } from "../../../mac/engine/src/lib/wire.ts";
@@ -6,7 +6,7 @@ import { closeOutput, emit as printNumbered, readCommands, whenStored, type Comm
 export type { MediaType, MessageEvent, SendName } from "../../../mac/engine/src/lib/events.ts";
 export { drained, textOf, type Command } from "../../../mac/engine/src/lib/wire.ts";
 
-/** Prints one line; `stored` runs once the desktop has it on its disk. */
+/** Prints one line; `stored` runs once the desktop has it on disk. */
 export function emit(event: EngineEvent, stored?: () => void): void {
   void printNumbered(event);
   if (stored) whenStored(stored);

@@ -1,5 +1,5 @@
-// What people and agents of the demonstration work on: contexts with their items, decisions and talk, and the projects
-// whose agents report.
+// What people and agents of the demo work on: contexts with items, decisions and messages, and the projects whose
+// agents report.
 
 import { minute } from "./clock.ts";
 import { contentOf } from "./content.ts";
@@ -29,7 +29,7 @@ export function readWork(): Work {
   return JSON.parse(contentOf("work.json")) as Work;
 }
 
-/** A time as the work records hold it. */
+/** A time in the format of the work records. */
 export function stamp(ms: number): string {
   return new Date(ms).toISOString().replace(/\.\d+Z$/, "Z");
 }

@@ -1,4 +1,4 @@
-// What the service answers, and how it refuses.
+// The service's responses and refusals.
 
 import type { IncomingMessage } from "node:http";
 
@@ -8,7 +8,7 @@ export interface Answer {
   json?: unknown;
   html?: string;
   location?: string;
-  /** What the log says of it. */
+  /** Its text in the log. */
   note?: string;
 }
 
@@ -25,7 +25,7 @@ export interface Call {
   method: string;
   path: string;
   query: URLSearchParams;
-  /** Of the header Authorization. */
+  /** From the header Authorization. */
   bearer: string;
   body: string;
 }

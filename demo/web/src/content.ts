@@ -1,4 +1,4 @@
-// Whose workspaces these are, and the little that waits in them to be pulled.
+// The workspaces, and the few rows in them that can be pulled.
 
 interface Workspace {
   id: string;
@@ -71,7 +71,7 @@ const pages: Record<string, object> = {
   outbound_drafts: { drafts: [{ id: "dr-1", ...chat, body: "Of course, they wait for you until Friday." }] },
 };
 
-/** A page of a source: all of it for who asks for the first time. */
+/** A page of a source: everything on the first request. */
 export function pull(source: string, since: number): object | undefined {
   if (!(source in pages)) return undefined;
   return { cursor: 1, more: false, ...(since < 1 && pages[source]) };

@@ -1,4 +1,4 @@
-// What goes wrong on purpose: "messages=500x1+10" fails the eleventh request for messages once.
+// Injected faults: "messages=500x1+10" fails the eleventh request for messages once.
 
 import { Refused } from "./answer.ts";
 
@@ -13,16 +13,16 @@ export type Fault = number | (typeof words)[number];
 interface Planned {
   endpoint: Endpoint;
   fault: Fault;
-  /** How often; for ever where it is missing. */
+  /** How often; forever if missing. */
   times: number;
-  /** Requests that go well before. */
+  /** Requests that succeed before. */
   after: number;
 }
 
 export class Faults {
   #planned: Planned[] = [];
 
-  /** In place of what was planned before. Throws on a word that it does not know. */
+  /** Replaces the previous plan. Throws on an unknown word. */
   plan(specifications: string[]): void {
     this.#planned = specifications.map(planned);
   }

@@ -1,4 +1,4 @@
-// Takes accounts, chats and messages of this machine. What comes twice is kept once.
+// Accepts accounts, chats and messages of this machine. Duplicates are stored once.
 
 import { createHash } from "node:crypto";
 import { fieldsOf, Refused, textAt, type Answer, type Call, type Fields } from "./answer.ts";
@@ -62,7 +62,7 @@ export class Ingest {
   }
 }
 
-/** The same for the same names, so that whoever kept an id finds it again. */
+/** The same id for the same names, so that stored ids stay valid. */
 function idOf(kind: string, ...names: string[]): string {
   return `${kind}-${createHash("sha256").update(names.join("\n")).digest("hex").slice(0, 16)}`;
 }

@@ -1,4 +1,4 @@
-// The service itself: which path is which endpoint, what it answers, and one line in the log for each request.
+// The service: maps paths to endpoints, answers, and logs one line per request.
 
 import { createServer, type Server, type ServerResponse } from "node:http";
 import type { AddressInfo } from "node:net";
@@ -84,7 +84,7 @@ export class Service {
     ];
   }
 
-  /** For whoever tries things: the counts, and what goes wrong from now on. */
+  /** For manual tests: the counts, and the faults from now on. */
   #control({ method, path, body }: Call): Answer {
     if (path === "/demo/counts") return { status: 200, json: this.#ingest.counts() };
     if (path !== "/demo/faults" || method !== "PUT") throw new Refused(404, "There are GET /demo/counts and PUT /demo/faults.");

@@ -1,10 +1,10 @@
-// Signs in: a password gives a short web token, that one a one-time code, and the code a device token.
+// Signing in: a password yields a short web token, that a one-time code, and the code a device token.
 
 import { createHmac, randomBytes, randomUUID, timingSafeEqual } from "node:crypto";
 import { fieldsOf, Refused, textAt, type Answer, type Call } from "./answer.ts";
 import { organizations } from "./content.ts";
 
-/** The one password, of any address. */
+/** The password of every address. */
 export const password = "secret";
 
 const callbackStart = "nimb-companion://auth";
@@ -13,7 +13,7 @@ const tokenLasts = 365 * 24 * 3600;
 
 type Kind = "web" | "device";
 
-/** Tokens are worth something as long as the process lives. */
+/** Tokens are valid as long as the process lives. */
 export class Tokens {
   readonly #key = randomBytes(32);
   readonly #codes = new Map<string, { email: string; until: number }>();
@@ -27,7 +27,7 @@ export class Tokens {
     return { status: 200, json: { data: { accessToken: this.#token("web", email) } } };
   }
 
-  /** `GET /api/auth/companion-login`: with a web token a redirect to the callback, without one a page to sign in on. */
+  /** `GET /api/auth/companion-login`: with a web token, a redirect to the callback; without one, a sign-in page. */
   handshake({ query, bearer }: Call): Answer {
     const callback = checkedCallback(query);
     if (!bearer) return { status: 200, html: signInPage(query, "") };
@@ -88,7 +88,7 @@ export class Tokens {
   }
 }
 
-/** A code may go to the program and nowhere else. */
+/** A code may be sent only to the program. */
 function checkedCallback(parameters: URLSearchParams): string {
   const callback = parameters.get("callback") ?? "";
   if (callback !== callbackStart) throw new Refused(400, `"callback" must be ${callbackStart}.`);

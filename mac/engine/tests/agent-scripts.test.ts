@@ -1,4 +1,4 @@
-// The scripts by which a person lets agents work, with a stand-in for the tool server, for the agent's tool and for ssh.
+// The scripts that start agents, with stand-ins for the tool server, the agent's program and ssh.
 
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";

@@ -1,4 +1,4 @@
-// Kills the engine at every bad moment: 30 times, or as often as CORVANE_TEST_KILLS says.
+// Kills the engine at the worst moments: 30 times, or as often as CORVANE_TEST_KILLS says.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
@@ -14,7 +14,7 @@ test("killed while it reads, it loses no mail and none counts as new twice", asy
   const { me, put, start } = openPost();
   const count = 15 * kills;
   fillInbox(servers.maildir(me), me, count);
-  /** What Corvane would have stored, and which of it as new. */
+  /** What Corvane would have stored, and which of it counts as new. */
   const stored = new Set<unknown>();
   const announced: unknown[] = [];
   const keep = (engine: EngineProcess): void => {
@@ -70,7 +70,7 @@ test("killed while it sends, it sends nothing twice and admits what it does not 
     if (killAt !== "recipient" && killAt !== "data") engine.child.kill("SIGKILL");
     await engine.exited;
     killAt = "later";
-    // A desktop that had the command back would give it again.
+    // A desktop that did not get the answer would send the command again.
     const next = start();
     engine = next;
     next.command(command);

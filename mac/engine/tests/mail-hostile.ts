@@ -1,4 +1,4 @@
-// Mails that are broken or mean harm, each in a few hundred ways.
+// Malformed and malicious mails, each in a few hundred variants.
 
 import { numbers } from "./mail-corpus.ts";
 
@@ -61,7 +61,7 @@ const heads: Make[] = [
   () => "Message-ID:",
 ];
 
-/** `count` mails, of which the last ten are the same one; none of the others is like another. */
+/** `count` mails; the last ten are identical, all others differ. */
 export function hostileMails(count: number): Buffer[] {
   const number = numbers(count);
   const mails: Buffer[] = [];

@@ -1,13 +1,13 @@
-// Stands between the engine and Dovecot, over TLS on both sides, and spoils what a test wants spoiled.
+// A proxy between the engine and Dovecot, with TLS on both sides, that injects faults.
 
 import type { AddressInfo } from "node:net";
 import { connect, createServer, type TLSSocket } from "node:tls";
 import { password, type MailServers } from "./mail-servers.ts";
 
 export class SpoiledImap {
-  /** What the engine hears in place of the server's words, in Latin-1; nothing ends the connection. */
+  /** What the engine receives instead of the server's response, in Latin-1; undefined ends the connection. */
   heard: (words: string) => string | undefined = (words) => words;
-  /** What the engine is answered in place of its command's being passed on. */
+  /** What the engine is answered instead of passing its command on. */
   answered: (command: string) => string | undefined = () => undefined;
   readonly #sockets = new Set<TLSSocket>();
   readonly #server;

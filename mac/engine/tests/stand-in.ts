@@ -1,4 +1,4 @@
-// A provider's interface on loopback: routes answer as its published documentation says.
+// A provider's API on loopback: routes answer as the published documentation says.
 
 import { createServer, type IncomingMessage, type Server } from "node:http";
 import type { AddressInfo } from "node:net";
@@ -17,7 +17,7 @@ export interface Call {
   fields: Record<string, unknown>;
 }
 
-/** What is answered: JSON with the status 200, or all of it; nothing drops the connection. */
+/** The response: JSON with status 200, or all of it; undefined drops the connection. */
 export type Answer = { status?: number; headers?: Record<string, string>; json?: unknown; raw?: string } | undefined;
 
 export class StandIn {
@@ -54,7 +54,7 @@ export class StandIn {
     return this.calls.filter(({ path }) => path.endsWith(ending));
   }
 
-  /** The first call to a path with that ending, made already or within `patience`. */
+  /** The first call to a path with that suffix, already made or made within `patience`. */
   async called(ending: string): Promise<Call> {
     await new Promise<void>((resolve, reject) => {
       const made = (): string => this.calls.map(({ method, path }) => `${method} ${path}`).slice(-9).join("\n");

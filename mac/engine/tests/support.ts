@@ -1,4 +1,4 @@
-// An engine as a child process, started and answered as Corvane does it.
+// An engine as a child process, started and answered as Corvane does.
 
 import { spawn, type ChildProcess } from "node:child_process";
 import { chmodSync, mkdtempSync, rmSync } from "node:fs";
@@ -10,7 +10,7 @@ export type Event = Record<string, unknown> & { type: string };
 
 const flags = ["--max-old-space-size=128", "--max-semi-space-size=2", "--experimental-strip-types", "--no-warnings"];
 
-/** In milliseconds; long enough for a machine that does other things as well. */
+/** In milliseconds; long enough for a busy machine. */
 export const patience = 90_000;
 
 const children = new Map<ChildProcess, string>();
@@ -58,11 +58,11 @@ export class EngineProcess {
   readonly child: ChildProcess;
   readonly exited: Promise<number | null>;
   readonly #events: Event[] = [];
-  /** All that it printed, where `keepsOutput` is on. */
+  /** All of its output, if `keepsOutput` is on. */
   output = "";
   #rest = "";
   #waiting: (() => void)[] = [];
-  /** The last number that was acknowledged. Where `acknowledges` is off, no line counts as stored. */
+  /** The last number that was acknowledged. If `acknowledges` is off, no line counts as stored. */
   acknowledged = 0;
   acknowledges = true;
   keepsOutput = false;
@@ -92,7 +92,7 @@ export class EngineProcess {
     return this.#events;
   }
 
-  /** The first event that `fits`, said already or within `patience`. */
+  /** The first event that `fits`, already printed or printed within `patience`. */
   async event(fits: (event: Event) => boolean, from = 0): Promise<Event> {
     return (await this.until((events) => events.slice(from).some(fits))).slice(from).find(fits) as Event;
   }
@@ -121,7 +121,7 @@ export class EngineProcess {
     if (this.child.stdin?.writable) this.child.stdin.write(JSON.stringify(command) + "\n");
   }
 
-  /** Ends its input and waits until it is gone; everything that it said. */
+  /** Ends its input and waits for its exit; returns everything it printed. */
   async end(): Promise<Event[]> {
     this.child.stdin?.end();
     const late = setTimeout(() => this.child.kill("SIGKILL"), patience);

@@ -24,7 +24,7 @@ function everything(db: DatabaseSync): Map<string, string> {
   );
 }
 
-/** Names of rows that are there, so that a call gets past the first look. */
+/** Ids of existing rows, so that a call passes the first checks. */
 const known: Record<string, string> = {
   conversation: "cv:ana", contact: "ct:ana", project: "shop", context: "ctx:dev:shop", item: "item:1", order: "msg:1",
   call: "call:1", session: "sess:1", tab: "tab:1", before: "m4", module: "dev", start: "2026-01-01T00:00:00Z",
@@ -36,7 +36,7 @@ interface Property {
   enum?: string[];
 }
 
-/** Calls that try to get through with words, paths and SQL, and with arguments that no tool has. */
+/** Calls with hostile words, paths and SQL, and with unknown arguments. */
 function hostileCalls(folder: string, properties: Record<string, Property>): Record<string, unknown>[] {
   const secret = join(folder, "companion.jwt");
   const words = [...held, secret, `file://${secret}`, "x'); UPDATE outbound_draft SET status='approved'; --", "od:1", "dec:1"];

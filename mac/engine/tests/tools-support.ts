@@ -13,7 +13,7 @@ import { StreamableHTTPClientTransport } from "@modelcontextprotocol/sdk/client/
 const repository = new URL("../../../", import.meta.url);
 const read = (path: string): string => readFileSync(new URL(path, repository), "utf8");
 
-/** Brings a database to the program's own schema: its two files, then its list of steps. */
+/** Creates the desktop's schema in a database: its two files, then its list of steps. */
 function applySchema(db: DatabaseSync): void {
   db.exec(read("local-schema/schema-v1.sql"));
   db.exec(read("local-schema/schema-ops-v1.sql"));
@@ -70,7 +70,7 @@ export interface Profile {
   db: DatabaseSync;
 }
 
-/** A home of its own with a database of the true schema and a few rows; it goes with the test. */
+/** A home with a database of the real schema and a few rows; removed after the test. */
 export function makeProfile(t: TestContext): Profile {
   const home = mkdtempSync(join(tmpdir(), "corvane-tools-"));
   const folder = join(home, "share", "Corvane");
@@ -110,13 +110,13 @@ function spawnServer({ home }: Profile, port: string, errors: "inherit" | "pipe"
   });
 }
 
-/** The last line of a server that is expected to end. */
+/** The last line of a server that is expected to exit. */
 export async function lastWords(profile: Profile, port: string): Promise<string | undefined> {
   const { stderr } = spawnServer(profile, port, "pipe");
   return (await text(stderr as Readable)).trim().split("\n").at(-1);
 }
 
-/** The real server; it answers when this returns, and ends with the test. */
+/** The real server; it accepts calls when this returns, and ends with the test. */
 export async function startServer(t: TestContext, profile: Profile): Promise<Running> {
   const port = await freePort();
   const child = spawnServer(profile, String(port), "inherit");

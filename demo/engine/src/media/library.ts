@@ -1,4 +1,4 @@
-// The media files of an account: made when they are first wanted, under the program's media folder.
+// The media files of an account, created on first use in the program's media folder.
 
 import { existsSync } from "node:fs";
 import { homedir } from "node:os";
@@ -23,7 +23,7 @@ const tunes: Record<string, readonly number[]> = {
   "voice-kiln": [-12, -5, 0, -5, -12, -5, 0, 3],
 };
 
-/** Where the files of an account live: the desktop says so, or nobody does where an engine is run by hand. */
+/** The folder for an account's files: set by the desktop, or a default if the engine is run by hand. */
 function mediaFolder(slug: string): string {
   const data = process.env.XDG_DATA_HOME ?? "";
   const share = isAbsolute(data) ? data : join(homedir(), ".local", "share");
@@ -41,7 +41,7 @@ export class Library {
     return join(this.folder, name);
   }
 
-  /** The path of a medium's file, which is there afterwards. */
+  /** Creates the file of a medium if necessary, and returns its path. */
   file(media: Media): string {
     const asset = assetOf(media);
     return this.keep(media.asset + asset.ending, asset.make);
@@ -59,7 +59,7 @@ export class Library {
   }
 }
 
-/** Throws on a name that nothing is made for. */
+/** Throws on an unknown name. */
 export function assetOf({ kind, asset }: Media): Asset {
   const wheel = (count: number, width: number, height: number): Pixels[] =>
     Array.from({ length: count }, (_, index) => wheelFrame(width, height, index / count));
