@@ -1,4 +1,5 @@
 #include "Calendar/MeetingPrep.h"
+#include "Calendar/MeetingReminder.h"
 #include "Foundation/Literals.h"
 
 #include "Calendar/CalendarTest.h"
@@ -95,6 +96,55 @@ TEST_F(Prep, aBriefMadeAheadComesFromThisMachineAndProposesOnlyOnceItIsOpened)
     m_db->exec(u"UPDATE work_decision SET status='rejected';"_s);
     prep.prepare(event);
     EXPECT_FALSE(prep.asksReview()) << "the person has said it";
+}
+
+TEST_F(Prep, aMeetingIsAnnouncedTenMinutesAheadWithItsBriefUntilItIsDismissedOrUnderWay)
+{
+    lumo.machine.now.physicalMemoryBytes = 32ULL << 30;
+    MeetingPrep prep({ *m_db, lumo });
+    CalendarStore& store = start(m_fake);
+    MeetingReminder reminder(store, prep);
+    const auto planned = [](const QString& title, const char* from, const char* to, const QString& calendar) {
+        CalendarEntry entry;
+        entry.calendarId = calendar;
+        entry.uid = entry.title = title;
+        entry.startMs = at(from);
+        entry.endMs = at(to);
+        entry.people = { { u"Me"_s, u"me@x.example"_s }, { u"Ana"_s, u"ana@x.example"_s } };
+        return entry;
+    };
+    CalendarEntry alone = planned(u"Glazing"_s, "2026-10-08 10:00", "2026-10-08 11:00", u"work"_s);
+    alone.people.clear();
+    m_fake.set({ { { .id = u"work"_s, .title = u"Work"_s }, { .id = u"home"_s, .title = u"Home"_s } },
+        { alone, planned(u"Dentist"_s, "2026-10-08 10:00", "2026-10-08 11:00", u"home"_s),
+            planned(u"Review"_s, "2026-10-08 10:00", "2026-10-08 11:00", u"work"_s),
+            planned(u"Brief"_s, "2026-10-08 11:00", "2026-10-08 11:02", u"work"_s) },
+        {} });
+    store.toggleCalendar(u"Home"_s);
+    store.requestAccess();
+    store.refresh();
+    ASSERT_TRUE(await([&] { return store.events().size() == 4; }));
+
+    m_clock.advance(seconds(49 * 60));
+    EXPECT_EQ(reminder.text(), u""_s);
+    lumo.model.willAnswer(u"Who: Ana"_s);
+    m_clock.advance(seconds(90));
+    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Review, in 9m"_s)
+        << "blocked time and hidden calendars do not count";
+    EXPECT_EQ(lumo.model.asked.size(), 1);
+    m_clock.advance(seconds(14 * 60));
+    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Review, started"_s);
+    m_clock.advance(seconds(60));
+    EXPECT_EQ(reminder.text(), u""_s) << "five minutes after its start";
+
+    lumo.model.willAnswer(u"Who: Ana"_s);
+    m_clock.setNowMs(at("2026-10-08 10:59"));
+    m_clock.advance(seconds(60));
+    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Brief, now"_s);
+    reminder.dismiss();
+    EXPECT_EQ(reminder.text(), u""_s);
+    m_clock.advance(seconds(30));
+    EXPECT_EQ(reminder.text(), u""_s) << "a dismissed one does not come back";
 }
 
 TEST_F(Prep, withNobodyToAnswerTheRawBriefStandsAndNothingIsProposed)

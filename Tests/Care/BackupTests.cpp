@@ -164,6 +164,12 @@ TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)
     QFile tar(file());
     ASSERT_TRUE(tar.open(QIODevice::ReadWrite));
     const QByteArray content = tar.readAll();
+    const auto cutAt = [&](qsizetype end) {
+        m_home.write("cut.tar", content.first(end));
+        return messageOf(verifyBackup(m_home.path(u"cut.tar"_s), {}, progress));
+    };
+    EXPECT_TRUE(cutAt(content.indexOf("picture") + 3).startsWith("Truncated"_L1)) << "a copy that stopped in a file";
+    EXPECT_TRUE(cutAt(content.lastIndexOf("ustar") + 600).startsWith("Truncated"_L1)) << "in the list of files";
     tar.seek(content.indexOf("picture"));
     tar.write("forgery");
     tar.close();
@@ -196,6 +202,7 @@ TEST_F(Backups, oneADayIsMadeAndSevenAreKept)
     EXPECT_TRUE(verifyBackup(keptBackups(keeper.folder()).first().file, {}, progress));
     keeper.backUpNow();
     EXPECT_TRUE(keeper.busy());
+    EXPECT_EQ(keeper.progressText(), "Copying the database…");
     keeper.cancel();
     ASSERT_TRUE(await([&] { return !keeper.busy(); }));
     EXPECT_EQ(keeper.error(), u""_s);

@@ -107,6 +107,7 @@ TEST_F(TerminalChat, anAskIsAnsweredByTheAssistantOrWaits)
     OpsAsks asks(services, nullptr);
     const auto other = createOpsAsk(*m_db, { .projectSlug = "shop", .question = "Ship %1?", .urgency = "low" });
     asks.beginAnswer(other->id);
+    EXPECT_EQ(asks.answering(), "Ship %1?");
     const auto answer = lumo.model.willAnswerLater();
     asks.answerWithLumo();
     EXPECT_TRUE(
