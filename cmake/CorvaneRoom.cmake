@@ -1,8 +1,8 @@
 # corvane_room(NAME [USES ALL | ROOM...] [LINK TARGET...] [PRIVATE TARGET...])
 #
-# One room of the house: a static library of everything under Sources/Corvane/NAME, and, where tests are
-# built, one program of everything under Tests/NAME. A room may use only rooms that stand above its own
-# line, ALL of them or those that it names; tools/lint holds every include against this list.
+# A room: a static library of everything under Sources/Corvane/NAME and, if tests are built, a test program of
+# everything under Tests/NAME. A room may use only rooms above its own line, ALL of them or those that it names;
+# tools/lint checks every include against this list.
 function(corvane_room name)
     cmake_parse_arguments(PARSE_ARGV 1 room "" "" "USES;LINK;PRIVATE")
     set(target corvane_${name})
@@ -46,7 +46,7 @@ target_link_libraries(corvane_precompiled PRIVATE Qt6::Core)
 set_target_properties(corvane_precompiled PROPERTIES AUTOMOC OFF)
 target_precompile_headers(corvane_precompiled PRIVATE
     <QString> <QStringList> <QList> <QHash> <QMap> <QObject> <QVariant> <functional> <memory> <optional>)
-# What ccache hashes in place of the compiled header, whose bytes differ from one worktree to the next.
+# Hashed by ccache instead of the compiled header, whose bytes differ between worktrees.
 file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/corvane_precompiled.dir/cmake_pch.hxx.pch.sum"
     "${Qt6_VERSION} ${CMAKE_CXX_COMPILER_VERSION} 1")
 

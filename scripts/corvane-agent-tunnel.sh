@@ -21,7 +21,7 @@ esac
 host=${1:-${CORVANE_AGENT_HOST:-$(head -n 1 "${XDG_CONFIG_HOME:-$HOME/.config}/Corvane/agent-host" 2>/dev/null || true)}}
 [[ $host =~ ^[A-Za-z0-9][A-Za-z0-9._@:-]*$ ]] || { echo "Name the host: see --help." >&2 && exit 2; }
 
-# The folder is closed to others before the socket is there, and a socket of an earlier tunnel is gone.
+# Makes the folder private before the socket exists, and removes the socket of an earlier tunnel.
 socket=$(ssh -T "$host" 'umask 077 && mkdir -p ~/.corvane && chmod 700 ~/.corvane && rm -f ~/.corvane/agent.sock && echo ~/.corvane/agent.sock')
 ssh -N -T -o ExitOnForwardFailure=yes -o ServerAliveInterval=30 -R "$socket:127.0.0.1:${CORVANE_RELAY_PORT:-8766}" "$host" &
 tunnel=$!
