@@ -28,7 +28,7 @@ struct Input {
     QList<UnifiedMsgRow> messages;
 };
 
-/// Everything that a prompt takes, and as long as it takes it: 80 messages, 8 notes and 12 identities.
+/// The largest input of a prompt: 80 messages, 8 notes and 12 identities.
 Input fullInput(const QString& word)
 {
     Input input { { u"ct:EMAIL:ana@example.com"_s, u"Ana Petrović"_s, { u"EMAIL"_s, u"WHATSAPP"_s }, {}, {} }, {} };
@@ -66,13 +66,13 @@ void factsOfADraft(benchmark::State& state)
         benchmark::DoNotOptimize(ungroundedFacts(draft, context));
 }
 
-/// What other processes ask for, on a machine where nobody can answer: each request that is taken fails at once, so
-/// that a tick does all of its own work and waits for nothing.
+/// Requests of other processes on a machine without a model: each accepted request fails at once, so that a tick does
+/// all its own work without waiting.
 class Queue {
 public:
     Queue() { m_watcher.start(); }
 
-    /// Fills up to so many that wait, asked so long ago.
+    /// Fills up to this many waiting requests of that age.
     void fill(int waiting, qint64 ageMs)
     {
         m_db.run(u"DELETE FROM ai_requests WHERE status<>'pending';"_s);
@@ -88,7 +88,7 @@ private:
     QTemporaryDir m_folder;
     AppPaths m_paths { m_folder.path(), m_folder.path(), m_folder.filePath(u"defaults.ini"_s),
         QStringLiteral(CORVANE_SOURCE) };
-    VirtualScheduler m_standing; ///< so that what waits grows no older
+    VirtualScheduler m_standing; ///< so that waiting requests do not age
     VirtualScheduler m_ticking;
     UserDefaults m_defaults { m_paths.defaultsFile };
     NotificationCentre m_centre;

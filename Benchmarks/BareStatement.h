@@ -5,7 +5,7 @@
 
 namespace corvane::bench {
 
-/// A statement of the C interface: prepared once, run again and again with values that it does not copy.
+/// A statement of the C interface: prepared once, run repeatedly with values that it does not copy.
 class BareStatement {
 public:
     BareStatement(sqlite3* db, const QByteArray& sql)

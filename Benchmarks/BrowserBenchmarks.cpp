@@ -25,7 +25,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// Moves all over, so that the browser has a new picture each time.
+/// Moves everywhere, so that each frame is new.
 const char* const movingPage = "<title>moving</title><canvas id=c width=1280 height=800></canvas><script>"
                                "const g=c.getContext('2d');let n=0;(function f(){for(let i=0;i<40;++i){g.fillStyle="
                                "`hsl(${(n*7+i*9)%360} 70% 50%)`;g.fillRect((n*5+i*31)%1280,(i*20)%800,60,20)}++n;"
@@ -38,7 +38,7 @@ double cpuSeconds(clockid_t clock)
     return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
 }
 
-/// A browser whose page is shown in a window, for so many frames.
+/// A browser whose page is shown in a window, for a number of frames.
 void frames(benchmark::State& state)
 {
     constexpr int count = 100;
@@ -58,7 +58,7 @@ void frames(benchmark::State& state)
     item.setSurface(browser.surface());
     window.show();
     int shown = 0;
-    QElapsedTimer arrival; // of a frame that is on its way to the screen
+    QElapsedTimer arrival; // of a frame on its way to the screen
     bool isDecoded = false;
     double longest = 0;
     QObject::connect(&browser.page(), &BrowserPage::frame, [&arrival] {
@@ -129,7 +129,7 @@ QByteArray message(int n)
     return QJsonDocument(kinds[n % 3]).toJson(QJsonDocument::Compact);
 }
 
-/// A second's worth of a page that writes without end; what is left of it must not grow.
+/// One second of a page that logs endlessly; what is kept of it must not grow.
 void messages(benchmark::State& state)
 {
     constexpr int count = 10'000;

@@ -19,10 +19,10 @@ namespace corvane::bench {
 namespace {
 
 constexpr int files = 5000;
-constexpr int series = 500; ///< of them, that recur each week for ever
+constexpr int series = 500; ///< of these, recur every week without end
 constexpr qint64 dayMs = 86'400'000;
 
-/// An hour of the year around now, or of each week from then on.
+/// An hour in the year around now, or in each week from then on.
 void writeEvent(const QString& folder, int number, const QString& title)
 {
     const QDateTime start = QDateTime::currentDateTime().addDays(number % 730 - 365).addSecs(number % 9 * 3600);
@@ -45,7 +45,7 @@ void writeEvents(const QString& folder)
         writeEvent(folder, i, u"Event %1"_s.arg(i));
 }
 
-/// A calendar of 5,000 files in a home of its own.
+/// A calendar of 5,000 files in its own home.
 class Folder {
 public:
     Folder()
@@ -91,7 +91,7 @@ private:
     int m_changes = 0;
 };
 
-/// The window over the same calendar, at its page.
+/// The window over the same calendar, on its page.
 class Bench {
 public:
     Bench()
@@ -114,7 +114,7 @@ private:
     PlayedProgram m_program;
 };
 
-std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+std::unique_ptr<Bench> instance; // destroyed before the application object, as its window requires
 
 Bench& bench()
 {
@@ -123,7 +123,7 @@ Bench& bench()
     return *instance;
 }
 
-/// The week after, and back: what it holds and where, and the tiles.
+/// The next week, and back: layout and tiles.
 void nextWeek(benchmark::State& state)
 {
     CalendarView& calendar = bench().calendar();
@@ -136,7 +136,7 @@ void nextWeek(benchmark::State& state)
 }
 BENCHMARK(nextWeek)->Name("calendar week/corvane")->Unit(benchmark::kMillisecond);
 
-/// The same until it is drawn, in memory.
+/// The same including drawing, in memory.
 void nextWeekDrawn(benchmark::State& state)
 {
     bench().calendar().today();
@@ -171,7 +171,7 @@ void firstReading(benchmark::State& state)
 }
 BENCHMARK(firstReading)->Name("calendar first/corvane")->Unit(benchmark::kMillisecond);
 
-/// Weeks a year ahead, one after the other, as a person pages through them.
+/// Weeks a year ahead, one after the other, as when paging.
 void weekOutside(benchmark::State& state)
 {
     constexpr qint64 weekMs = 7 * dayMs;

@@ -59,7 +59,7 @@ void turnTheLoopFor(double seconds)
     loop.exec();
 }
 
-/// A sound server of our own in which both sides of a call hum.
+/// A private sound server in which both sides of a call hum.
 class HummingServer {
 public:
     HummingServer()
@@ -104,7 +104,7 @@ private:
     QProcess m_server;
 };
 
-/// Processor time of a recording of both tracks, measured over a part of it.
+/// Processor time of recording both tracks, measured over part of it.
 void recorded(benchmark::State& state)
 {
     const HummingServer server;
@@ -127,7 +127,7 @@ void recorded(benchmark::State& state)
     }
 }
 
-/// The same by FFmpeg's own command line.
+/// The same with FFmpeg's command line.
 void recordedByFfmpeg(benchmark::State& state)
 {
     const HummingServer server;
@@ -147,7 +147,7 @@ void recordedByFfmpeg(benchmark::State& state)
     }
 }
 
-/// Two hours of one track, as fast as they can be written, and made whole at the end.
+/// Two hours of one track, written at full speed and finalized at the end.
 void writtenWhole(benchmark::State& state)
 {
     const SoundFormat format;
@@ -186,7 +186,7 @@ const QString& transcript()
     return text;
 }
 
-/// Notes when it is asked first, and fails.
+/// Returns notes at the first request, then fails.
 class FirstQuestion final : public SystemLanguageModel {
 public:
     void choose(const Choice&) override { }
@@ -226,7 +226,7 @@ public:
     }
 };
 
-/// From the transcript to the first question about its first piece.
+/// From the transcript to the first request about its first chunk.
 void firstGeneration(benchmark::State& state)
 {
     const QTemporaryDir folder;
@@ -249,7 +249,7 @@ void firstGeneration(benchmark::State& state)
     }
 }
 
-/// What Qt alone needs to count the characters once.
+/// The time that Qt alone needs to count the characters once.
 void charactersCounted(benchmark::State& state)
 {
     for (auto _ : state) {

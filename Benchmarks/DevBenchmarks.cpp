@@ -17,7 +17,7 @@ constexpr int projects = 200;
 constexpr int tabs = 1'000;
 constexpr int updates = 50'000;
 
-/// The Dev hub over 200 projects whose agents reported 50,000 times.
+/// The Dev hub over 200 projects with 50,000 agents' reports.
 class Bench : public WorkBench {
 public:
     Bench()
@@ -65,7 +65,7 @@ Bench& bench()
     return instance;
 }
 
-/// The hub as it comes up the first time, with what its rail, tabs and inspector show.
+/// The first display of the hub, with its rail, tabs and inspector.
 void openWorkspace(benchmark::State& state)
 {
     for (auto _ : state) {

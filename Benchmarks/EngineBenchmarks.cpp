@@ -1,5 +1,5 @@
-// How fast the lines of an engine become rows, beside the bare C interface of SQLite, how long another program waits to
-// write meanwhile, and how the event loop fares while a hundred engines crash at once and again.
+// How fast an engine's lines become rows, compared with SQLite's bare C interface; how long another writer has to wait
+// meanwhile; and the latency of the event loop while a hundred engines crash at once, repeatedly.
 
 #include "Foundation/Literals.h"
 #include "MirrorBench.h"
@@ -23,11 +23,11 @@ namespace {
 
 constexpr int messagesPerChunk = 50;
 constexpr int historyLength = 50'000;
-constexpr int historyPerChunk = 250; // about what a pipe holds
+constexpr int historyPerChunk = 250; // about the size of a pipe's buffer
 constexpr int linesPerGroup = 64;
 constexpr int secondsOfFlood = 20;
 
-/// The mirror, and an engine whose lines go into it.
+/// The mirror, and an engine whose lines are stored in it.
 struct Bench {
     MirrorBench mirror;
     SystemScheduler scheduler;
@@ -57,7 +57,7 @@ QByteArray nextLines(int count, MirrorBench::Age age)
     return lines;
 }
 
-/// Adds the sizes of the groups in which they were committed, where asked.
+/// Adds the sizes of the commits, if requested.
 void ingest(const QByteArray& lines, int count, std::vector<int>* groups = nullptr)
 {
     EngineManager& engines = bench().engine.engines();
@@ -72,8 +72,7 @@ void ingest(const QByteArray& lines, int count, std::vector<int>* groups = nullp
     }
 }
 
-/// Live messages, from the text that an engine printed to the rows, the unread counts and the banners, through the
-/// event loop.
+/// Live messages, from an engine's output to rows, unread counts and banners, through the event loop.
 void ingestLines(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -85,7 +84,7 @@ void ingestLines(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * messagesPerChunk);
 }
 
-/// The rival only runs the statements: prepared each time, as the store does, or once and for all.
+/// The baseline only runs the statements: prepared each time, as the store does, or once.
 void ingestBare(benchmark::State& state, MirrorBench::Prepared prepared)
 {
     for (auto _ : state) {
@@ -109,7 +108,7 @@ std::vector<int>& historyGroups()
     return groups;
 }
 
-/// A history as it comes after the pairing.
+/// A history as it arrives after pairing.
 void historyLines(benchmark::State& state)
 {
     std::vector<int>& groups = historyGroups();
@@ -133,7 +132,7 @@ void groupBare(int lines)
     sqlite3_exec(bench().mirror.bare(), "COMMIT;", nullptr, nullptr, nullptr);
 }
 
-/// The statements alone, prepared once, in the groups that the program just made.
+/// Only the statements, prepared once, in the same groups as the program's.
 void historyBare(benchmark::State& state)
 {
     if (historyGroups().empty())
@@ -145,14 +144,14 @@ void historyBare(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * historyLength);
 }
 
-/// How late the event loop answers, in milliseconds, at the given share of the samples.
+/// The latency of the event loop in milliseconds, at the given quantile.
 double percentile(std::vector<double>& delays, double share)
 {
     std::ranges::sort(delays);
     return delays.empty() ? 0 : delays.at(static_cast<size_t>(share * static_cast<double>(delays.size() - 1)));
 }
 
-/// Another program that writes fifty times a second: how long it waits for its turn each time, in milliseconds.
+/// Another program that writes fifty times a second: its waiting time for each write, in milliseconds.
 std::vector<double> waitsOfSecondWriter(const std::function<void()>& flood)
 {
     std::atomic<bool> done = false;
@@ -193,14 +192,14 @@ void secondWriter(benchmark::State& state, void (*flood)())
     }
 }
 
-/// Made beforehand, as an engine makes them beside the program: the flood leaves the second writer no pause.
+/// Generated in advance, as if by an engine in parallel: the flood leaves the second writer no pause.
 void floodLines()
 {
     static QByteArrayList chunks = historyChunks(10 * historyLength);
     ingest(chunks.takeFirst(), historyPerChunk);
 }
 
-/// A hundred engines die as they start; two waves of restarts follow. Only the waves themselves are sampled.
+/// A hundred engines that crash at the start, with two waves of restarts. Only the waves are sampled.
 void crashStorm(benchmark::State& state)
 {
     constexpr int engineCount = 100;
@@ -282,6 +281,6 @@ BENCHMARK(crashStorm)->Iterations(1)->Repetitions(1)->Unit(benchmark::kMilliseco
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    corvane::bench::bench(); // made before the clock runs
+    corvane::bench::bench(); // created before the clock starts
     return corvane::bench::runAgainstRivals(argc, argv);
 }

@@ -46,7 +46,7 @@ private:
     int m_messages = 0;
 };
 
-std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+std::unique_ptr<Bench> instance; // destroyed before the application object, as its window requires
 
 Bench& bench()
 {
@@ -55,8 +55,8 @@ Bench& bench()
     return *instance;
 }
 
-/// What one new message into the open thread costs the main thread, less what the list's statement costs: the
-/// difference of the two lines is what counts.
+/// Main thread time for a new message in the open thread, and the list's statement alone: the difference between the
+/// two is what counts.
 void reloadOfTheOpenInbox(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -90,7 +90,7 @@ void arrowKey(benchmark::State& state)
         bench().inbox().person()->moveSelection(delta);
         delta = -delta;
     }
-    bench().inbox().person()->select(bench().contactId()); // for whatever runs next
+    bench().inbox().person()->select(bench().contactId()); // for the next benchmark
 }
 
 BENCHMARK(reloadOfTheOpenInbox)->Name("reload on one message/corvane")->Unit(benchmark::kMillisecond);

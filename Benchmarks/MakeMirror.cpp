@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QtDebug>
 
-/// make-mirror PATH [CONTACTS CONVERSATIONS MESSAGES]: a generated database for measurements by hand.
+/// make-mirror PATH [CONTACTS CONVERSATIONS MESSAGES]: generates a database for manual measurements.
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);

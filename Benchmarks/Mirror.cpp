@@ -49,8 +49,8 @@ struct Conversation {
     QByteArray handle;
     const Network* network;
     qint64 lastTs = 0;
-    int person = 0; ///< among all
-    int firstMember = 0; ///< of a group
+    int person = 0; ///< index among all people
+    int firstMember = 0; ///< for a group
 
     bool isGroup() const { return handle.endsWith("@g.us"); }
 };
@@ -65,7 +65,7 @@ public:
 
     void fill()
     {
-        // Nobody else has the file, and indexes that are made at the end are sorted, not searched.
+        // No other process has the file open, and indexes created at the end are sorted instead of searched.
         run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA cache_size=-1000000;");
         const QByteArray indexes = textOf("SELECT group_concat(sql, ';') FROM sqlite_master WHERE type='index';");
         run(textOf("SELECT group_concat('DROP INDEX ' || name, ';') FROM sqlite_master WHERE type='index' AND sql IS "
@@ -95,7 +95,7 @@ private:
     int below(int limit) { return static_cast<int>(m_random() % static_cast<quint64>(limit)); }
     bool oneIn(int count) { return below(count) == 0; }
 
-    /// Every contact has a conversation of its own; the others belong to people on a second channel.
+    /// Every contact has a conversation; the remaining ones belong to people on a second channel.
     void addContacts()
     {
         BareStatement contact(m_db, "INSERT INTO contact(id, display_name, avatar_path, updated_at) VALUES(?,?,?,?);");
@@ -104,7 +104,7 @@ private:
             "VALUES(?,?,?,?,?,?,?);");
         for (int index = 0; index < m_size.conversations; ++index) {
             const Network& network = networks[static_cast<std::size_t>(below(networks.size()))];
-            // Multiplied in a prime field, the numbers come out of order and each once.
+            // Multiplication in a prime field yields each number once, out of order.
             const qint64 number = 10'000'000 + index * 48'271'441LL % 99'999'989;
             Conversation conversation { {}, {}, QString::fromUtf8(network.handle).arg(number).toUtf8(), &network, 0, 0,
                 below(m_size.contacts) };
@@ -136,7 +136,7 @@ private:
         }
     }
 
-    /// In the order of time, as they arrive. Half of all traffic goes to a twentieth of the people.
+    /// In chronological order. Half of the traffic goes to a twentieth of the people.
     void addMessages()
     {
         BareStatement message(m_db,

@@ -10,14 +10,14 @@ struct MirrorSize {
     int messages = 1'000'000;
 };
 
-/// Where the schema files are: the folder that holds "local-schema/".
+/// The folder that contains "local-schema/".
 QString resourceFolder();
 
-/// Writes a database as years of use leave it, the same for the same size: people on one or several channels,
-/// a few busy and many quiet ones, groups, archived, muted, unread. The file appears only once it is whole.
+/// Writes a database as after years of use, deterministic for a given size: people on one or several channels, a few
+/// busy and many quiet ones, groups, archived, muted, unread. The file appears only when it is complete.
 void makeMirror(const QString& path, const MirrorSize& size = {});
 
-/// The full mirror under `folder`, made at the first call and again only when the schema or this recipe has changed.
+/// The full mirror in `folder`, generated at the first call and again only if the schema or this generator changed.
 QString sharedMirror(const QString& folder);
 
 }

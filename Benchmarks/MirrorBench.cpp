@@ -12,7 +12,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// The list of people in one statement over everybody: what `fetchContacts` returns, found the plain way.
+/// The list of people in a single statement over everyone: the result of `fetchContacts`, computed the simple way.
 constexpr char listOfEverybody[] = R"(SELECT ct.id, COALESCE(ct.display_name,''),
   (SELECT group_concat(DISTINCT c2.channel) FROM unified_conversation c2
      WHERE c2.contact_id=ct.id AND c2.deleted_at IS NULL),
@@ -30,7 +30,7 @@ WHERE ct.workspace_id=? AND ct.deleted_at IS NULL AND c.deleted_at IS NULL
 GROUP BY ct.id
 ORDER BY MAX(c.last_ts) DESC LIMIT ?;)";
 
-/// What the store was seen to run, so that the rival runs the very same texts.
+/// The statements that the store ran, so that the baseline runs exactly these.
 QList<QByteArray> tracedStatements;
 
 int traceConnection(sqlite3* db, char**, const void*)
@@ -132,7 +132,7 @@ std::unique_ptr<LocalDB> MirrorBench::openTraced()
 void MirrorBench::learnStatements()
 {
     const auto traced = openTraced();
-    for (const char* providerId : { "first", "second" }) { // the second finds its conversation linked
+    for (const char* providerId : { "first", "second" }) { // the second one finds its conversation linked
         tracedStatements.clear();
         IncomingMessage message;
         message.conversationExternalId = u"learn"_s;

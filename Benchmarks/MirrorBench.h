@@ -13,8 +13,8 @@
 
 namespace corvane::bench {
 
-/// A copy of the mirror under the store, and a second connection to it through the C interface alone. The copy
-/// lies under TMPDIR, which tells the disk that is measured.
+/// A copy of the mirror under the store, and a second connection to it through the C interface. The copy is in TMPDIR,
+/// which determines the disk that is measured.
 class MirrorBench {
 public:
     MirrorBench();
@@ -25,16 +25,16 @@ public:
     QString path() const { return m_folder.filePath(u"mirror.db"_s); }
     LocalDB& store() { return *m_store; }
     sqlite3* bare() { return m_bare; }
-    QByteArray contactsStatement() const; ///< the list of people in one statement over everybody
+    QByteArray contactsStatement() const; ///< the list of people in a single statement over everyone
 
-    /// The last statement that `work` runs on a store of its own, so that a rival runs the very same text.
+    /// The last statement that `work` runs on a separate store, so that the baseline runs exactly the same.
     QByteArray statementOf(const std::function<void(LocalDB&)>& work);
 
-    /// A live message as an engine tells it: somebody who is known already writes something new.
+    /// A live message as an engine reports it: a new text from a known person.
     IncomingMessage nextMessage();
 
-    /// Stores the next message with the store's own statements, five for a live one and four for one of a history, and
-    /// everything else known beforehand.
+    /// Stores the next message with the store's own statements, five for a live one and four for a historical one;
+    /// everything else is known in advance.
     enum class Prepared { Once, EachTime };
     enum class Age { Live, Historical };
     void ingestBare(Prepared prepared, Age age = Age::Live);

@@ -13,7 +13,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// A program for which 10,000 messages, CRM updates and decisions wait, each.
+/// A program with 10,000 waiting messages, CRM updates and decisions each.
 class Bench {
 public:
     Bench()
@@ -53,7 +53,7 @@ private:
     PlayedProgram m_program;
 };
 
-std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+std::unique_ptr<Bench> instance; // destroyed before the application object, as its window requires
 
 Bench& bench()
 {
@@ -68,7 +68,7 @@ void show(PanelWindow& panel)
     benchmark::DoNotOptimize(panel.window()->grabWindow());
 }
 
-/// From the first press on the icon to the picture.
+/// From the first click on the icon to the picture.
 void firstOpening(benchmark::State& state)
 {
     for (auto _ : state) {

@@ -13,12 +13,12 @@
 
 namespace corvane::bench {
 
-/// To be called before the application object: where there is no display the windows are drawn in memory.
+/// To be called before the application object: without a display, windows are rendered in memory.
 void withoutDisplay();
 
-/// The whole program in a folder of its own, on the real clock, with nobody signed in and no engine running yet.
+/// The whole program in its own folder, on the real clock, signed out and without engines.
 struct PlayedProgram {
-    /// Over a copy of the database, or over an empty one; its children are real where no launcher plays them.
+    /// Over a copy of the database, or an empty one; child processes are real unless a launcher simulates them.
     explicit PlayedProgram(const QString& database = {}, std::unique_ptr<ProcessLauncher> launcher = nullptr);
 
     QTemporaryDir folder;
@@ -29,7 +29,7 @@ struct PlayedProgram {
     MainWindow window { screens, app.defaults(), app.decoder() };
 };
 
-/// The whole of `main`. What `bench` holds goes before the application object, as windows must.
+/// All of `main`. The contents of `bench` are destroyed before the application object, as windows require.
 template <typename Bench> int runWithWindow(int argc, char** argv, std::unique_ptr<Bench>& bench)
 {
     withoutDisplay();

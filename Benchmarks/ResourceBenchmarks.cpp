@@ -14,7 +14,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// Processes that wait, as many as a busy machine has.
+/// Idle processes, as many as on a busy machine.
 class Crowd {
 public:
     Crowd()
@@ -51,7 +51,7 @@ void reading(benchmark::State& state)
     }
 }
 
-/// Each after the one before, as the monitor does.
+/// One after the other, as the monitor does.
 void readingAgain(benchmark::State& state)
 {
     const Crowd crowd;

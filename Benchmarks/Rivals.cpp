@@ -52,7 +52,7 @@ private:
 
 int runAgainstRivals(int argc, char** argv)
 {
-    // Both sides take turns, so that a busy moment of the machine meets both.
+    // Both sides alternate, so that a busy moment of the machine affects both.
     std::vector<char*> arguments(argv, argv + argc);
     std::string interleave = "--benchmark_enable_random_interleaving=true";
     std::string repetitions = "--benchmark_repetitions=9";

@@ -29,7 +29,7 @@ MirrorBench& bench()
     return instance;
 }
 
-/// A word that nothing holds: the whole mirror is read. The main thread turns its loop meanwhile.
+/// A word that occurs nowhere: the whole mirror is read, while the main thread runs its event loop.
 void searchFromTheWindow(benchmark::State& state)
 {
     MessageSearch search(bench().store());
@@ -47,7 +47,7 @@ void searchFromTheWindow(benchmark::State& state)
     state.counters["longest_turn_ms"] = double(longestTurn) / 1e6;
 }
 
-/// To its last row.
+/// Up to its last row.
 void runBare(BareStatement& statement, const QString& words)
 {
     const QByteArray pattern = "%" + words.toUtf8() + "%";
@@ -67,7 +67,7 @@ void searchBare(benchmark::State& state)
         runBare(statement, rareWord);
 }
 
-/// Pieces of 3 to 20 characters: every other one of some message, the rest with a letter that no message holds.
+/// Pieces of 3 to 20 characters: every other one from some message, the rest with a letter that no message contains.
 QStringList seededPieces(LocalDB& db, int count)
 {
     std::mt19937 random(7);
@@ -87,7 +87,7 @@ QStringList seededPieces(LocalDB& db, int count)
     return pieces;
 }
 
-/// Takes the time of one search after the other, and of the processor, which a busy machine lets tell more.
+/// Measures each search, in wall-clock and in processor time; the latter is more meaningful on a busy machine.
 class Stopwatch {
 public:
     void start()
@@ -126,8 +126,8 @@ private:
     std::vector<double> m_cpuMs;
 };
 
-/// The search for each of `queries`, on connections of its own. The first of every thousand is compared with the
-/// statement's rows.
+/// Searches for each of `queries` on separate connections. Compares the first of every thousand with the statement's
+/// rows.
 void runByIndex(benchmark::State& state, const QList<SearchQuery>& queries)
 {
     LocalDB& db = bench().store();
@@ -156,13 +156,13 @@ void build(const QString& path)
     while (!index.advance(*reader, {}).complete) { }
 }
 
-/// Once for all runs: it is kept beside the shared mirror.
+/// Built once for all runs and kept beside the shared mirror.
 void haveIndex()
 {
     const QString kept = SearchIndex::pathBeside(sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)));
     const QString path = SearchIndex::pathBeside(bench().path());
     QFile::copy(kept, path);
-    build(path); // which finds it complete, unless it has another form
+    build(path); // does nothing if it is complete and has the current format
     QFile::remove(kept);
     QFile::copy(path, kept);
 }
@@ -201,7 +201,7 @@ void searchesBare(benchmark::State& state)
     }
 }
 
-/// What narrows a search, with a number that differs each time, and a piece of some message or none.
+/// A condition that narrows the search, with a number that differs each time, and a piece of some message or none.
 enum class With { Nothing, Piece };
 void narrowedSearches(benchmark::State& state, const QString& narrowing, With with)
 {
@@ -234,7 +234,7 @@ void registerNarrowedSearches()
     }
 }
 
-/// Years of everything else: 500 hours of calls, and notes, deals, tasks, events and work in five figures.
+/// Years of other records: 500 hours of calls, and notes, deals, tasks, events and work by the ten thousands.
 void addRecords(LocalDB& db)
 {
     static bool added = false;
@@ -327,7 +327,7 @@ BENCHMARK(recordsBare)->Name("1000 searches of records/bare")->Apply(once);
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    corvane::bench::haveIndex(); // before the clock runs
+    corvane::bench::haveIndex(); // before the clock starts
     corvane::bench::registerNarrowedSearches();
     return corvane::bench::runAgainstRivals(argc, argv);
 }

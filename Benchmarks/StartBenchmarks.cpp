@@ -13,7 +13,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// A profile of its own that passes the wall, with the mirror in it or with nothing.
+/// A profile that has passed the first-start wall, with the mirror or empty.
 class Profile {
 public:
     explicit Profile(bool withMirror)
@@ -28,8 +28,8 @@ public:
                 m_folder.filePath(u"share/Corvane/nimblocal.db"_s));
     }
 
-    /// Starts the program in it, on the display that is there, or else offscreen; returns once the first frame is
-    /// on the screen. The start includes the process itself.
+    /// Starts the program with it, on the display if there is one, otherwise offscreen; returns when the first frame is
+    /// on the screen. Includes starting the process.
     bool start(QProcess& program) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -49,7 +49,7 @@ void suggestedMergesOfOneByStore(benchmark::State& state)
         benchmark::DoNotOptimize(suggestedMerges(bench().store(), 20, anybody));
 }
 
-/// Only reads what the suggestions are made from.
+/// Only reads the data for the suggestions.
 void suggestedMergesBare(benchmark::State& state)
 {
     const auto read = [](const QByteArray& sql, int columns) {
@@ -72,7 +72,7 @@ void suggestedMergesBare(benchmark::State& state)
     }
 }
 
-/// The mirror with a page overwritten in every 8 MB, saved into a new file; "lost" is the share of rows that were not.
+/// The mirror with one damaged page per 8 MB, recovered to a new file; "lost" is the share of messages not recovered.
 void salvagedMirror(benchmark::State& state)
 {
     LocalDB& store = bench().store();
@@ -119,6 +119,6 @@ BENCHMARK(suggestedMergesBare)->Name("suggestedMerges/bare, reading")->Unit(benc
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    corvane::bench::bench(); // made before the clock runs
+    corvane::bench::bench(); // created before the clock starts
     return corvane::bench::runAgainstRivals(argc, argv);
 }

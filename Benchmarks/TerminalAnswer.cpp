@@ -1,6 +1,6 @@
-// Asks the terminal that it runs in where the cursor is and times the answers: terminal-answer FILE. The file gets the
-// median and the 99th percentile, in milliseconds: at rest, and each time after 64 kB of output. With "alone" behind
-// the file it runs in a pseudo-terminal of its own, whose other end does nothing but read and answer.
+// Queries the cursor position from the terminal that it runs in, and times the answers: terminal-answer FILE. The file
+// gets the median and the 99th percentile in milliseconds: at rest, and after 64 kB of output each time. With "alone"
+// after the file, it runs in its own pseudo-terminal, whose other end only reads and answers.
 
 #include <algorithm>
 #include <chrono>
@@ -48,7 +48,7 @@ void measure(std::FILE* file, const char* name, const std::string& before, size_
     std::fprintf(file, "%-12s p50 %.3f ms, p99 %.3f ms\n", name, times[rounds / 2], times[rounds * 99 / 100]);
 }
 
-/// Answers whoever ends a piece of output with a question.
+/// Answers output that ends with a query.
 int answerAlone(int terminal)
 {
     char buffer[64 * 1024];

@@ -1,5 +1,5 @@
-// A program that writes 100 MB into a terminal: to somebody who only reads it, through the session alone, with the
-// transcript, and in a window. How soon a key is seen, and what drawing costs.
+// A program writes 100 MB to a terminal: to a process that only reads it, through the session alone, with the
+// transcript, and in a window. Also measures key latency and drawing.
 
 #include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
@@ -22,7 +22,7 @@ namespace {
 
 constexpr qint64 megabytes = 100;
 
-/// Plain lines, or lines in as many colours as compilers and listings use.
+/// Plain lines, or lines with as many colours as compilers and listings use.
 QString fileOf(const QTemporaryDir& folder, bool colored)
 {
     const QString path = folder.filePath(colored ? u"colored"_s : u"plain"_s);
@@ -59,7 +59,7 @@ void report(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * (megabytes << 20));
 }
 
-/// What the system's pseudo-terminal allows.
+/// The limit of the system's pseudo-terminal.
 void readAlone(benchmark::State& state)
 {
     const QString path = fileOf(folder(), state.range(0));
@@ -114,7 +114,7 @@ struct Shown {
     TerminalItem item;
 };
 
-/// From a key to the frame that shows what the system echoes of it.
+/// From a key to the frame that shows the system's echo.
 void keyToFrame(benchmark::State& state)
 {
     SystemScheduler scheduler;
@@ -171,7 +171,7 @@ void inWindow(benchmark::State& state)
     state.counters["longest_ms"] = longest;
 }
 
-/// Every row of 200x50 in 24-bit colours, drawn anew: into images, or as what goes to a GPU.
+/// Every row of 200x50 in 24-bit colours, redrawn as images or as quads for a GPU.
 void repaint(benchmark::State& state)
 {
     TerminalPainter painter(terminalFontFamily(), 14);

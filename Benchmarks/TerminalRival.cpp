@@ -1,5 +1,5 @@
-// Feeds files to libvterm and prints what corvane-term bench prints of ours: terminal-rival COLUMNSxROWS RUNS FILE...
-// Its callbacks keep lines that scroll out and gather damage, as a terminal that uses it would.
+// Feeds files to libvterm and prints the same figures as corvane-term bench: terminal-rival COLUMNSxROWS RUNS FILE...
+// Its callbacks keep scrolled-out lines and collect damage, as a real terminal would.
 
 #include <cstdio>
 #include <cstdlib>
@@ -41,7 +41,7 @@ int pushLine(int columns, const VTermScreenCell* cells, void* user)
     return 1;
 }
 
-/// Of the processor, as corvane-term bench counts.
+/// Processor time, as in corvane-term bench.
 double cpuSeconds()
 {
     timespec now {};

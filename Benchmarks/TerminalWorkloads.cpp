@@ -1,4 +1,4 @@
-// Writes the streams that the terminal benchmark feeds: terminal-workloads FOLDER [MEGABYTES]. Each plays one kind of
+// Writes the streams for the terminal benchmark: terminal-workloads FOLDER [MEGABYTES]. Each simulates one kind of
 // program; the same seed gives the same bytes.
 
 #include <cstdio>

@@ -23,8 +23,8 @@ MirrorBench& bench()
     return instance;
 }
 
-/// Nobody of the mirror wrote as much, so every so-and-so-many-th message of it becomes one person's, who writes on
-/// two channels. The two of them share no message.
+/// No person in the mirror has this many messages, so every n-th message is assigned to one person, who writes on two
+/// channels. The two such people share no messages.
 QString personWith(const char* name, int everyNth, int first)
 {
     LocalDB& db = bench().store();
@@ -109,7 +109,7 @@ void pageOn(benchmark::State& state)
     turnPages(state, Towards::Newer);
 }
 
-/// The very statement, through the C interface alone.
+/// The same statement, through the C interface.
 void threadStatement(benchmark::State& state)
 {
     const QByteArray sql = bench().statementOf([](LocalDB& db) { fetchUnifiedThread(db, thousand(), threadLimit); });
@@ -130,7 +130,7 @@ void fetchedThread(benchmark::State& state)
         benchmark::DoNotOptimize(thread());
 }
 
-/// What the words of the screen cost on top.
+/// The additional cost of the displayed texts.
 void threadInWords(benchmark::State& state)
 {
     const QList<ThreadItem> items = ThreadBuilder::build(thread(), 0);
@@ -138,7 +138,7 @@ void threadInWords(benchmark::State& state)
         benchmark::DoNotOptimize(threadRows(items, {}));
 }
 
-/// The memory that an open thread takes: its messages and the rows of its model.
+/// The memory of an open thread: its messages and the rows of its model.
 void threadMemory(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -166,6 +166,6 @@ BENCHMARK(threadMemory)->Name("thread in memory")->Unit(benchmark::kMillisecond)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    corvane::bench::bench(); // made before the clock runs
+    corvane::bench::bench(); // created before the clock starts
     return corvane::bench::runAgainstRivals(argc, argv);
 }

@@ -40,7 +40,7 @@ void turnUntil(const std::function<bool()>& over)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
-/// How long the main thread worked at most before it looked for events again.
+/// The longest time that the main thread was busy without processing events.
 class LongestTurn {
 public:
     LongestTurn()
@@ -59,7 +59,7 @@ private:
     qint64 m_longestNs = 0;
 };
 
-/// The stand-in of the service as a process of its own, a profile that is signed in to it, and the chats to push.
+/// The stand-in of the web service as a child process, a profile that is signed in to it, and chats to push.
 class World {
 public:
     World()
@@ -141,7 +141,7 @@ void push(benchmark::State& state)
     state.counters["longest turn ms"] = longest;
 }
 
-/// The same requests by the bare libraries, on one thread, without a record of how far it is.
+/// The same requests with the bare libraries, on one thread, without recording progress.
 void pushBare(benchmark::State& state)
 {
     QNetworkAccessManager network;

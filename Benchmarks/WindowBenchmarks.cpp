@@ -22,7 +22,7 @@ namespace corvane::bench {
 
 namespace {
 
-/// The window over the mirror, where somebody wrote a thousand messages, eight a day.
+/// The window over the mirror, in which one person wrote a thousand messages, eight a day.
 class Bench {
 public:
     Bench()
@@ -55,7 +55,7 @@ public:
         paint();
     }
 
-    /// Nobody is open, and what an opening leaves for later is done.
+    /// No one is open, and deferred work of opening is done.
     void close()
     {
         open({});
@@ -65,15 +65,15 @@ public:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
 
-    /// Shows the window as a person has it, or hides it, and waits until the list has come to rest.
+    /// Shows or hides the window and waits until the list is idle.
     void setShown(bool shown)
     {
         shown ? m_program.window.show() : m_program.window.hide();
         rest();
     }
 
-    /// Live messages to people who are known, one after the other from the newest ones down, as an engine prints
-    /// them; returns when they are stored and, where the window shows, on the screen.
+    /// Live messages to known people, one after the other from the newest down, as an engine prints them; returns when
+    /// they are stored and, if the window is visible, on the screen.
     void receive(int count)
     {
         QString chunk;
@@ -92,7 +92,7 @@ public:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
-    /// Until what came is shown and counted.
+    /// Until new messages are shown and counted.
     void rest()
     {
         QEventLoop loop; // processEvents with a time limit would spin
@@ -100,8 +100,8 @@ public:
         loop.exec();
     }
 
-    /// What the processor spent on pictures in this thread, in milliseconds. The software renderer paints here; with a
-    /// graphics card most of it moves to a thread of its own.
+    /// Processor time for rendering in this thread, in milliseconds. The software renderer paints here; with a graphics
+    /// card most of it moves to another thread.
     double painting() const { return m_painting; }
 
     int rows() { return m_program.screens.inbox.person()->thread()->rows()->rowCount(); }
@@ -130,7 +130,7 @@ private:
 
 const QString somebody = u"ct:WHATSAPP:a-thousand"_s;
 
-std::unique_ptr<Bench> instance; // goes before the application object, as its window does
+std::unique_ptr<Bench> instance; // destroyed before the application object, as its window requires
 
 Bench& bench()
 {
@@ -145,7 +145,7 @@ size_t inUse()
     return info.uordblks + info.hblkhd;
 }
 
-/// From nobody to the first of their thread, with the parts of the window that it needs.
+/// From no one to the first person's thread, including creating that part of the window.
 void threadInMemory(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -157,7 +157,7 @@ void threadInMemory(benchmark::State& state)
     }
 }
 
-/// From the press on the person to the picture.
+/// From the click on the person to the picture.
 void openedContact(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -168,9 +168,9 @@ void openedContact(benchmark::State& state)
     }
 }
 
-/// So many messages to people of the list, and a second and a half for all that follows: rows, counts and picture.
-/// The processor's time is that of the main thread, without its waits for the disk; nothing at all is what the
-/// window costs anyway.
+/// A number of messages to people in the list, and a second and a half for all that follows: rows, counts and
+/// rendering. Measures the processor time of the main thread, without waits for the disk; zero messages show the
+/// window's base cost.
 void messages(benchmark::State& state, int count)
 {
     bench().close();
@@ -184,7 +184,7 @@ void messages(benchmark::State& state, int count)
     state.counters["painting, ms"] = (bench().painting() - before) / double(state.iterations());
 }
 
-/// A burst of live messages, with the window open or without.
+/// A burst of live messages, with and without a visible window.
 void burst(benchmark::State& state, bool shown)
 {
     bench().close();

@@ -1,5 +1,5 @@
-// What a model may answer: no draft leaves without a text or with a claim of a send, and whatever stands in a
-// draft stands in itself.
+// What a model may answer: no draft leaves without a text or with a claim of a send, and whatever is in a
+// draft is grounded in itself.
 
 #include "AI/DraftAnswer.h"
 #include "AI/UngroundedFacts.h"

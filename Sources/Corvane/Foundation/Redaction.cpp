@@ -29,7 +29,7 @@ const QList<Rule>& rules()
     static const QString word = u"key|token|secret|pass|pwd|auth|sig|session|sid|jwt|otp|ticket|credential|cookie"_s;
     // The rest of a header, or the value of it that a quotation holds.
     static const QString value = uR"((?!\[redacted\](?:[\r\n"'\\]|\z))(?:[^\r\n"'\\]|"[^"\r\n]*"|'[^'\r\n]*')+)"_s;
-    // The order counts: a rule that takes much must not take away what a later one goes by.
+    // The order matters: a broad rule must not remove what a later one matches.
     static const QList<Rule> rules {
         // URLs: user information, and parameters by their names.
         rule(uR"(\b([a-z][a-z0-9+.-]*://)[^\s/?#"'<>\\]*@)"_s, uR"(\1[redacted]@)"_s),

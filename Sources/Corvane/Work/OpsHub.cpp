@@ -131,7 +131,7 @@ OpsHub::OpsHub(const WorkServices& services, QObject* parent)
     connect(&m_asks, &OpsAsks::wrote, this, readAgain);
     connect(&m_projects, &OpsProjects::wrote, this, readAgain);
     connect(&m_finance, &OpsFinance::wrote, this, readAgain);
-    // The badge stands in the bar whatever hub is in front.
+    // The badge is visible in the bar whichever hub is shown.
     m_at.db.watch().on(StoreSubject::Work, this, [this] { countUrgent(); });
     countUrgent();
 }

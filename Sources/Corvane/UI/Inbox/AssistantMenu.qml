@@ -3,7 +3,7 @@ import QtQuick
 import Corvane.Controls
 import Corvane.Inbox
 
-/// What the assistant can do with the open thread and with what stands in the composer.
+/// What the assistant can do with the open thread and with the text in the composer.
 IconButton {
     id: button
 

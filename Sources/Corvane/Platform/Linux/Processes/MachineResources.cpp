@@ -45,8 +45,8 @@ bool belongsTo(uid_t user, int folder, const QByteArray& path)
     return ::fstatat(folder, path.constData(), &status, 0) == 0 && status.st_uid == user;
 }
 
-/// "17 (a name (with) brackets) S 4 ...": the name, and the fields behind it, of which the first is the third. What
-/// stands behind the resident pages is of no use here.
+/// "17 (a name (with) brackets) S 4 ...": the name, and the fields after it, starting with the third. Fields after the
+/// resident pages are not used.
 struct Stat {
     QByteArrayView name;
     std::array<QByteArrayView, 22> fields;
