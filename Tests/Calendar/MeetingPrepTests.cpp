@@ -118,12 +118,13 @@ TEST_F(Prep, aMeetingIsAnnouncedTenMinutesAheadWithItsBriefUntilItIsDismissedOrU
     m_fake.set({ { { .id = u"work"_s, .title = u"Work"_s }, { .id = u"home"_s, .title = u"Home"_s } },
         { alone, planned(u"Dentist"_s, "2026-10-08 10:00", "2026-10-08 11:00", u"home"_s),
             planned(u"Review"_s, "2026-10-08 10:00", "2026-10-08 11:00", u"work"_s),
-            planned(u"Brief"_s, "2026-10-08 11:00", "2026-10-08 11:02", u"work"_s) },
+            planned(u"Brief"_s, "2026-10-08 11:00", "2026-10-08 11:02", u"work"_s),
+            planned(u"Handover"_s, "2026-10-08 12:00", "2026-10-08 13:00", u"work"_s) },
         {} });
     store.toggleCalendar(u"Home"_s);
     store.requestAccess();
     store.refresh();
-    ASSERT_TRUE(await([&] { return store.events().size() == 4; }));
+    ASSERT_TRUE(await([&] { return store.events().size() == 5; }));
 
     m_clock.advance(seconds(49 * 60));
     EXPECT_EQ(reminder.text(), u""_s);
@@ -141,6 +142,12 @@ TEST_F(Prep, aMeetingIsAnnouncedTenMinutesAheadWithItsBriefUntilItIsDismissedOrU
     m_clock.setNowMs(at("2026-10-08 10:59"));
     m_clock.advance(seconds(60));
     EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Brief, now"_s);
+    m_clock.advance(seconds(120));
+    EXPECT_EQ(reminder.text(), u""_s) << "it has ended";
+    lumo.model.willAnswer(u"Who: Ana"_s);
+    m_clock.setNowMs(at("2026-10-08 11:59"));
+    m_clock.advance(seconds(60));
+    EXPECT_NE(reminder.text(), u""_s);
     reminder.dismiss();
     EXPECT_EQ(reminder.text(), u""_s);
     m_clock.advance(seconds(30));
