@@ -31,7 +31,7 @@ const statement = /^\s+(?!return\b|break\b|continue\b|case\b|const\b|auto\b|stat
 function faultsIn(file: string): Fault[] {
     const faults: Fault[] = [];
     readFileSync(join(tree, file), 'utf8').split('\n').forEach((before, index) => {
-        if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr|Q_ASSERT)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
+        if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr|Q_ASSERT|Q_UNREACHABLE)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
             return;
         const code = before.replace(/"(\\.|[^"\\])*"/g, (text) => ' '.repeat(text.length)); // no fault inside a text
         for (const [pattern, to] of flips) {
