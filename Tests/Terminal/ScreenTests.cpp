@@ -69,6 +69,24 @@ TEST(Screen, aLineOfDoubleWidthHidesItsRightHalfUntilItIsSingleAgain)
     EXPECT_EQ(terminal.line(-1), "abc");
 }
 
+TEST(Screen, theCursorStaysInARowOfDoubleWidthThatComesToIt)
+{
+    // By DECFI, by scrolling up and down, by reverse wrap, from the other screen, and there with side margins.
+    for (const char* bytes : { "\x1b#6\x1b[1;4H\x1b"
+                               "9",
+             "\x1b[2;1H\x1b#6\x1b[1;8H\x1b[S", "\x1b#6\x1b[2;8H\x1b[T", "\x1b#6\x1b[2;1H\x1b[?45h\b",
+             "\x1b#6\x1b[?47h\x1b[1;8H\x1b[?47l", "\x1b#6\x1b[?47h\x1b[?69h\x1b[6;8s\x1b[1;8H\x1b[?47l\r" }) {
+        Probe terminal(8, 3);
+        terminal << bytes << "abcdefghijklm";
+        EXPECT_EQ(terminal.fault(), nullptr) << bytes + 1;
+    }
+    Probe terminal(20, 3);
+    terminal << "\x1b#6\x1b[1;10H";
+    terminal.resize({ 12, 3 });
+    terminal << "abcdefghijklm";
+    EXPECT_EQ(terminal.fault(), nullptr);
+}
+
 TEST(Screen, protectedTextOutlivesSelectiveErasing)
 {
     Probe terminal(10, 2);

@@ -262,6 +262,7 @@ void leftRightMargins(Emulator& t, const Sequence& s)
         right = t.columns();
     if (left >= right)
         return;
+    t.makeRowsSingle();
     t.margins.left = left - 1;
     t.margins.right = right;
     t.moveToAddress(0, 0);
@@ -300,7 +301,7 @@ void forwardIndex(Emulator& t, const Sequence&)
 {
     t.cursor.pendingWrap = false;
     if (t.cursor.column != t.margins.right - 1) {
-        t.cursor.column += t.cursor.column < t.columns() - 1;
+        t.moveTo(t.cursor.row, t.cursor.column + 1);
     } else if (t.inMargins()) {
         for (int row = t.margins.top; row < t.margins.bottom; ++row)
             t.shiftLeft(row, t.margins.left, t.margins.right, 1);

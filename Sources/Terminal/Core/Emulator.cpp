@@ -40,7 +40,7 @@ void Emulator::feed(std::span<const uint8_t> bytes)
 #ifndef NDEBUG
         [[maybe_unused]] const char* const fault = screen->grid.fault();
         assert(!fault);
-        assert(cursor.row >= 0 && cursor.row < rows() && cursor.column >= 0 && cursor.column < columns());
+        assert(cursor.row >= 0 && cursor.row < rows() && cursor.column >= 0 && cursor.column < rowEnd(cursorRow()));
 #endif
     }
 }
@@ -181,7 +181,7 @@ void Emulator::backspace(int count)
         } else {
             return;
         }
-        cursor.column = margins.right - 1;
+        cursor.column = std::min(margins.right, rowEnd(cursorRow())) - 1;
         --count;
     }
 }

@@ -91,6 +91,12 @@ public:
         cursor.column = std::clamp(column, 0, rowEnd(cursorRow()) - 1);
         cursor.pendingWrap = false;
     }
+    /// After another row has come to the cursor: it may be a double-width one, which ends in the middle.
+    void keepInRow()
+    {
+        if (cursor.column >= rowEnd(cursorRow()))
+            moveTo(cursor.row, cursor.column);
+    }
     /// Addresses as the program sends them: relative to the margins in origin mode.
     void moveToAddress(int row, int column);
     int originRow() const { return modes.has(Mode::Origin) ? margins.top : 0; }
@@ -131,6 +137,7 @@ public:
     void setMode(const ModeEntry& entry, bool on);
     void updatePlain();
     void setLineSize(LineSize lineSize); ///< of the row with the cursor
+    void makeRowsSingle();
     void reportSize(); ///< mode 2048
 
     // Replies

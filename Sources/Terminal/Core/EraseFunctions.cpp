@@ -124,6 +124,7 @@ void deleteLines(Emulator& t, const Sequence& s)
 void scrollUpFunction(Emulator& t, const Sequence& s)
 {
     t.scrollUp(t.margins, s.params.amount(0));
+    t.keepInRow();
 }
 
 void scrollDownFunction(Emulator& t, const Sequence& s)
@@ -131,6 +132,7 @@ void scrollDownFunction(Emulator& t, const Sequence& s)
     // With five parameters it would start highlight mouse tracking.
     if (s.params.count() <= 1)
         t.scrollDown(t.margins, s.params.amount(0));
+    t.keepInRow();
 }
 
 void shiftLeftFunction(Emulator& t, const Sequence& s)

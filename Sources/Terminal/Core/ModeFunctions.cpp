@@ -83,10 +83,8 @@ void Emulator::setMode(const ModeEntry& entry, bool on)
     case Mode::LeftRightMargins:
         margins.left = 0;
         margins.right = size.columns;
-        if (on) {
-            for (int index = 0; index < rows(); ++index)
-                row(index).size = LineSize::Single;
-        }
+        if (on)
+            makeRowsSingle();
         return;
     case Mode::AlternateScreen47:
         return useAlternate(on);
@@ -137,6 +135,9 @@ void Emulator::useAlternate(bool on)
     modes.set(Mode::AlternateScreen47, on);
     modes.set(Mode::AlternateScreen1047, on);
     modes.set(Mode::AlternateScreen1049, on);
+    if (modes.has(Mode::LeftRightMargins))
+        makeRowsSingle();
+    keepInRow();
     touchAll();
 }
 

@@ -372,6 +372,8 @@ void Emulator::resize(Size wanted)
             tabs[size_t(column)] = true;
         if (screen == &alternate)
             moveTo(cursor.row, cursor.column);
+        else
+            keepInRow();
         touchAll();
     }
     reportSize();

@@ -47,6 +47,15 @@ void Emulator::setLineSize(LineSize lineSize)
     }
 }
 
+/// Rows of double width and side margins exclude each other.
+void Emulator::makeRowsSingle()
+{
+    for (int index = 0; index < rows(); ++index) {
+        if (std::exchange(row(index).size, LineSize::Single) != LineSize::Single)
+            touch(row(index));
+    }
+}
+
 void Emulator::softReset()
 {
     for (const Mode mode : { Mode::Insert, Mode::Origin, Mode::ReverseWrap, Mode::CursorKeys, Mode::ApplicationKeypad,
